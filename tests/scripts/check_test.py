@@ -1,0 +1,310 @@
+#!/usr/bin/python3 -B
+"""scripts/check finds what it is there to find: a small clean tree passes, and each violation planted in a copy is named
+with its file and line. A check that misses its violation fails here."""
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+REAL = Path(__file__).resolve().parents[2]
+
+TREE = {
+    "CMakeLists.txt": """cmake_minimum_required(VERSION 3.25)
+project(Small LANGUAGES CXX)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+include_directories(${PROJECT_SOURCE_DIR})
+add_subdirectory(platform/foundation)
+add_subdirectory(pathutils)
+add_subdirectory(app)
+add_subdirectory(tests)
+""",
+    "CMakePresets.json": """{ "version": 6, "configurePresets": [ { "name": "check", "generator": "Ninja",
+  "binaryDir": "${sourceDir}/build/check", "cacheVariables": { "CMAKE_CXX_COMPILER": "clang++" } } ] }
+""",
+    "README.md": "# Small\n\nRead [the rules](CONTRIBUTING.md).\n",
+    "CONTRIBUTING.md": "Keep it small.\n",
+    "run": "#!/usr/bin/env bash\nset -eu\necho \"$#\"\n",
+    "docs/operations.txt": """# Operations.
+
+app/ItemActions
+  -trashAction:     trashAction_
+
+pathutils/BundleVersions
+  -pxVersionOfPath  pxVersionOfPath
+
+pathutils/FileOperations
+  -pxRemoveFile     pxRemoveFile
+""",
+    "platform/foundation/CMakeLists.txt": "add_library(foundation OBJECT NSString.cpp)\n",
+    "platform/foundation/NSString.h": """#pragma once
+
+namespace mac {
+
+// A text, by its length alone.
+class NSString {
+public:
+    int length() const { return m_length; }
+    void setLength_(int length);
+
+private:
+    int m_length = 0;
+};
+
+} // namespace mac
+""",
+    "platform/foundation/NSString.cpp": """#include "platform/foundation/NSString.h"
+
+namespace mac {
+
+void NSString::setLength_(int length) { m_length = length; }
+
+} // namespace mac
+""",
+    "platform/foundation/Class.h": """#pragma once
+
+namespace mac {
+
+// The object as a T; null when it is of another class.
+template <class T, class Object>
+T* as(Object* object) {
+    return dynamic_cast<T*>(object);
+}
+
+// The only new.
+template <class T>
+T* adopt() {
+    return new T();
+}
+
+} // namespace mac
+""",
+    "pathutils/CMakeLists.txt": "add_library(pathutils OBJECT BundleVersions.cpp)\n",
+    "pathutils/BundleVersions.h": """#pragma once
+
+#include "platform/foundation/NSString.h"
+
+namespace mac {
+
+int pxVersionOfPath(const NSString& path);
+
+} // namespace mac
+""",
+    "pathutils/BundleVersions.cpp": """#include "pathutils/BundleVersions.h"
+
+namespace mac {
+
+int pxVersionOfPath(const NSString& path) { return path.length(); }
+
+} // namespace mac
+""",
+    "app/CMakeLists.txt": "add_library(app OBJECT ItemActions.cpp)\n",
+    "app/AppController.h": """#pragma once
+
+namespace framekeeper {
+
+// Decides.
+class AppController {
+public:
+    void trashAction_(int sender);
+
+private:
+    int m_sender = 0;
+    int _query = 0;
+};
+
+} // namespace framekeeper
+""",
+    "app/ItemActions.cpp": """#include "app/AppController.h"
+
+namespace framekeeper {
+
+void AppController::trashAction_(int sender) { m_sender = sender + _query; }
+
+} // namespace framekeeper
+""",
+    "tests/CMakeLists.txt": "add_library(tests OBJECT app/ItemActionsTest.cpp pathutils/BundleVersionsTest.cpp)\n",
+    "tests/app/ItemActionsTest.cpp": """#include "app/AppController.h"
+
+#include <gtest/gtest.h>
+
+TEST(ItemActions, Trash) {}
+""",
+    "tests/pathutils/BundleVersionsTest.cpp": """#include "pathutils/BundleVersions.h"
+
+#include <gtest/gtest.h>
+
+TEST(BundleVersions, AnswersTheVersion) { EXPECT_EQ(mac::pxVersionOfPath({}), 0); }
+""",
+}
+
+
+def after(path, line, text):
+    """A change: text put behind a line (counted from 1) of a file."""
+    def change(root):
+        lines = (root / path).read_text().splitlines(keepends=True)
+        (root / path).write_text("".join(lines[:line]) + text + "".join(lines[line:]))
+    return change
+
+
+def new(path, text):
+    """A change: a file that was not there."""
+    def change(root):
+        (root / path).parent.mkdir(parents=True, exist_ok=True)
+        (root / path).write_text(text)
+    return change
+
+
+def replace(path, old, text):
+    def change(root):
+        whole = (root / path).read_text()
+        assert old in whole, (path, old)
+        (root / path).write_text(whole.replace(old, text))
+    return change
+
+
+WORK = "/" + "work/somewhere"  # in two pieces, so that this file is no finding itself
+TO_DO = "TO" + "DO"
+SYSTEM = "system"
+
+# The check, what is planted, and how the finding must begin and what it must say.
+PLANTED = [
+    ("format", [replace("app/ItemActions.cpp", "(int sender)", "( int  sender )")], "app/ItemActions.cpp:5: ", "clang-format"),
+    ("headers", [new("pathutils/Sizes.h", "#pragma once\n\nstd::string size();\n")], "pathutils/Sizes.h:3: ", "by itself"),
+    ("headers", [replace("pathutils/BundleVersions.h", "#pragma once\n", "struct Twice {};\n")], "pathutils/BundleVersions.h:1: ", "Twice"),
+    ("tidy", [replace("app/AppController.h", "m_sender", "sender"), replace("app/ItemActions.cpp", "m_sender", "this->sender")],
+     "app/AppController.h:11: ", "private member 'sender'"),
+    ("tidy", [after("app/ItemActions.cpp", 3, "int* nothing() { return 0; }\n")], "app/ItemActions.cpp:4: ", "modernize-use-nullptr"),
+    # arrows
+    ("arrows", [after("pathutils/BundleVersions.cpp", 1, '#include "app/AppController.h"\n')], "pathutils/BundleVersions.cpp:2: ", "app"),
+    ("arrows", [after("platform/foundation/NSString.cpp", 1, '#include "pathutils/BundleVersions.h"\n')],
+     "platform/foundation/NSString.cpp:2: ", "platform includes pathutils"),
+    ("arrows", [new("platform/files/File.h", "#pragma once\n"), after("platform/foundation/NSString.cpp", 1, '#include "platform/files/File.h"\n')],
+     "platform/foundation/NSString.cpp:2: ", "no other room"),
+    ("arrows", [new("platform/files/File.h", '#pragma once\n#include "platform/finder/Finder.h"\n'),
+                new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "circle"),
+    ("arrows", [new("coreutils/Strings.cpp", '#include "pathutils/BundleVersions.h"\n')], "coreutils/Strings.cpp:1: ", "alone"),
+    ("arrows", [after("pathutils/BundleVersions.cpp", 1, "#include <QString>\n")], "pathutils/BundleVersions.cpp:2: ", "toolkit"),
+    ("arrows", [after("app/ItemActions.cpp", 1, "#include <unistd.h>\n")], "app/ItemActions.cpp:2: ", "system header"),
+    ("arrows", [after("platform/foundation/NSString.h", 1, "#include <fcntl.h>\n")], "platform/foundation/NSString.h:2: ", "in a header"),
+    ("arrows", [new("platform/foundation/Inner.h", "#pragma once\n#include <QString>\n"),
+                after("platform/foundation/NSString.h", 1, '#include "platform/foundation/Inner.h"\n')],
+     "platform/foundation/Inner.h:2: ", "reaches pathutils/BundleVersions.cpp"),
+    ("arrows", [after("app/ItemActions.cpp", 1, '#include "ItemActions.h"\n')], "app/ItemActions.cpp:2: ", "no file of the tree"),
+    ("arrows", [new("tests/support/Home.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "tests/support/Home.h"\n')],
+     "app/ItemActions.cpp:2: ", "app includes tests"),
+    # operations
+    ("operations", [after("pathutils/BundleVersions.h", 7, "void pxRemoveFile(const NSString& path);\n")],
+     "pathutils/BundleVersions.h:8: ", "pathutils/FileOperations"),
+    ("operations", [after("pathutils/BundleVersions.h", 7, "int pxInvented(const NSString& path);\n")], "pathutils/BundleVersions.h:8: ", "not in"),
+    ("operations", [after("pathutils/BundleVersions.h", 7, "NSString KRCInvented_(int reference);\n")], "pathutils/BundleVersions.h:8: ", "not in"),
+    ("operations", [replace("docs/operations.txt", "trashAction_\n", "trashAction\n")], "docs/operations.txt:4: ", "trashAction_ in C++"),
+    ("operations", [new("app/OtherController.h", "#pragma once\nclass OtherController {\n    void trashAction_(int sender);\n};\n")],
+     "app/OtherController.h:3: ", "app/ItemActions"),
+    ("operations", [new("app/PathRecords.cpp", "void AppController::trashAction_(int sender) {}\n")], "app/PathRecords.cpp:1: ", "app/ItemActions.cpp"),
+    # registered
+    ("registered", [new("tests/pathutils/LostTest.cpp", "\n")], "tests/pathutils/LostTest.cpp:1: ", "no CMakeLists.txt"),
+    ("registered", [replace("tests/CMakeLists.txt", "app/ItemActionsTest.cpp", "# app/ItemActionsTest.cpp\n")],
+     "tests/app/ItemActionsTest.cpp:1: ", "no CMakeLists.txt"),
+    ("registered", [new("pathutils/FileOperations.cpp", ""), replace("pathutils/CMakeLists.txt", "OBJECT", "OBJECT FileOperations.cpp")],
+     "pathutils/FileOperations.cpp:1: ", "tests/pathutils/FileOperationsTest.cpp"),
+    ("registered", [new("tests/app/More.cpp", "\nTEST(More, Runs) {}\n"), replace("tests/CMakeLists.txt", "OBJECT", "OBJECT app/More.cpp")],
+     "tests/app/More.cpp:2: ", "Test.cpp"),
+    ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
+    # rules
+    ("rules", [after("pathutils/BundleVersions.cpp", 3, "void* nothing = nullptr;\n")], "pathutils/BundleVersions.cpp:4: ", "nil"),
+    ("rules", [after("app/ItemActions.cpp", 3, "int* leak() { return new int(3); }\n")], "app/ItemActions.cpp:4: ", "adopt"),
+    ("rules", [after("platform/foundation/NSString.cpp", 3, "void* w = new QWidget();\n")], "platform/foundation/NSString.cpp:4: ", "adopt"),
+    ("rules", [after("app/ItemActions.cpp", 3, "auto* t = dynamic_cast<int*>(x);\n")], "app/ItemActions.cpp:4: ", "as<T>"),
+    ("rules", [after("tests/app/ItemActionsTest.cpp", 3, f'int x = {SYSTEM}("ls");\n')], "tests/app/ItemActionsTest.cpp:4: ", "NSTask"),
+    ("rules", [after("pathutils/BundleVersions.cpp", 1, "#include <filesystem>\n")], "pathutils/BundleVersions.cpp:2: ", "NSFileManager"),
+    ("rules", [after("platform/foundation/NSString.cpp", 3, "#ifdef __linux__\n#endif\n")], "platform/foundation/NSString.cpp:4: ", "one platform"),
+    ("rules", [after("platform/foundation/NSString.h", 3, "void log(const char* format, ...);\n")], "platform/foundation/NSString.h:4: ", "varargs"),
+    ("rules", [after("app/ItemActions.cpp", 3, "char* n = mktemp(t);\n")], "app/ItemActions.cpp:4: ", "mkstemp"),
+    ("rules", [after("app/ItemActions.cpp", 3, "using namespace std;\n")], "app/ItemActions.cpp:4: ", "namespace std"),
+    ("rules", [after("app/ItemActions.cpp", 3, f"// {TO_DO}: later\n")], "app/ItemActions.cpp:4: ", "README.md"),
+    ("rules", [after("CONTRIBUTING.md", 1, f"See {WORK}.\n")], "CONTRIBUTING.md:2: ", "developer"),
+    ("rules", [after("run", 1, "cd /" + "home/ann/code\n")], "run:2: ", "developer"),
+    ("rules", [after("app/ItemActions.cpp", 3, "// " + "-" * 20 + "\n")], "app/ItemActions.cpp:4: ", "ruler"),
+    ("rules", [replace("app/AppController.h", "#pragma once\n", "")], "app/AppController.h:1: ", "#pragma once"),
+    ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:407: ", "split"),
+    # documents
+    ("documents", [after("README.md", 3, "![The window](docs/window.png)\n")], "README.md:4: ", "leads nowhere"),
+    ("documents", [after("run", 2, "if true; then\n")], "run:5: ", "syntax error"),
+    ("documents", [after("run", 2, "cd $1\n")], "run:3: ", "SC2086"),
+    ("documents", [new("scripts/count.py", "def (:\n")], "scripts/count.py:1: ", "invalid syntax"),
+    ("documents", [lambda root: (root / "run").chmod(0o644)], "run:1: ", "cannot be run"),
+]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "tidy"]
+
+
+class Check(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = Path(folder.name).resolve()
+        for path, text in TREE.items():
+            new(path, text)(self.root)
+        (self.root / "run").chmod(0o755)
+        for name in (".clang-format", ".clang-tidy"):
+            shutil.copy(REAL / name, self.root)
+
+    def check(self, *arguments):
+        environment = {k: v for k, v in os.environ.items() if k not in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")}
+        return subprocess.run([REAL / "scripts/check", "--root", self.root, *arguments], env=environment,
+                              text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def test_finds_nothing_in_a_clean_tree_with_every_check(self):
+        done = self.check()
+        self.assertEqual(done.returncode, 0, done.stdout)
+        for name in CHECKS:
+            self.assertRegex(done.stdout, rf"(?m)^{name} +ok ")
+
+    def test_leaves_out_clang_tidy_when_it_must_be_fast(self):
+        done = self.check("--fast")
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertNotIn("tidy", done.stdout)
+
+    def test_counts_what_is_not_there_yet_without_failing(self):
+        done = self.check("operations")
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertIn("2 of 3 operations declared", done.stdout)
+        self.assertIn("pathutils/FileOperations: 1 of 1", done.stdout)
+
+    def test_looks_again_at_a_source_when_a_header_it_reaches_has_changed(self):
+        self.assertEqual(self.check("tidy").returncode, 0)
+        replace("app/AppController.h", "m_sender", "sender")(self.root)
+        replace("app/ItemActions.cpp", "m_sender", "this->sender")(self.root)
+        self.assertEqual(self.check("tidy").returncode, 1)
+        self.assertEqual(self.check("tidy").returncode, 1, "a failure must not be remembered as a pass")
+
+    def test_goes_on_to_the_other_checks_after_a_finding(self):
+        after("CONTRIBUTING.md", 1, f"See {WORK}.\n")(self.root)
+        done = self.check("--fast")
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stdout, r"(?m)^documents +ok ")
+        self.assertTrue(done.stdout.endswith("scripts/check: failed: rules\n"), done.stdout)
+
+    def test_knows_no_check_of_another_name(self):
+        self.assertEqual(self.check("nonsense").returncode, 2)
+
+
+def planted_test(check, changes, begins, says):
+    def test(self):
+        for change in changes:
+            change(self.root)
+        done = self.check(check)
+        self.assertEqual(done.returncode, 1, f"missed:\n{done.stdout}")
+        findings = [line for line in done.stdout.split("\n" + begins)] if not done.stdout.startswith(begins) else ["", done.stdout]
+        self.assertTrue(any(says in finding for finding in findings[1:]), f"no '{begins}…{says}' in:\n{done.stdout}")
+    return test
+
+
+for number, plant in enumerate(PLANTED, 1):
+    setattr(Check, f"test_finds_{plant[0]}_{number:02}", planted_test(*plant))
+
+if __name__ == "__main__":
+    unittest.main()
