@@ -1,0 +1,29 @@
+# What every target shares, and one function for each kind of target.
+
+add_library(framekeeper_options INTERFACE)
+target_include_directories(framekeeper_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(
+  framekeeper_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wextra-semi
+                                -Wimplicit-fallthrough -Werror)
+if(FRAMEKEEPER_SANITIZERS)
+  target_compile_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS}
+                                                       -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS})
+endif()
+
+# framekeeper_room(NAME SOURCES ... [USES ...] [HIDES ...]): a folder of the tree as a library. USES are the rooms
+# its headers may include, HIDES what only its sources see, so that no toolkit reaches another room.
+function(framekeeper_room NAME)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;USES;HIDES" ${ARGN})
+  add_library(framekeeper_${NAME} STATIC ${ROOM_SOURCES})
+  target_link_libraries(framekeeper_${NAME} PUBLIC framekeeper_options ${ROOM_USES} PRIVATE ${ROOM_HIDES})
+endfunction()
+
+# framekeeper_test(NAME SOURCES ... [USES ...]): a GoogleTest program, registered under its name.
+function(framekeeper_test NAME)
+  cmake_parse_arguments(TEST "" "" "SOURCES;USES" ${ARGN})
+  add_executable(${NAME} ${TEST_SOURCES})
+  target_link_libraries(${NAME} PRIVATE framekeeper_options ${TEST_USES} framekeeper_test_support GTest::gtest)
+  add_test(NAME ${NAME} COMMAND ${NAME})
+  set_tests_properties(${NAME} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

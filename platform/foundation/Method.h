@@ -1,0 +1,150 @@
+#pragma once
+
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/Object.h"
+#include <array>
+
+namespace mac {
+
+namespace detail {
+
+template<class T>
+using Plain = std::remove_cvref_t<T>;
+
+// An argument or result of a message as the object that stands for it, and back. Data from outside never gets a class that it
+// does not have: an object of another class arrives as nil.
+template<class T>
+Plain<T> fromObject(id const& object)
+{
+    using Value = Plain<T>;
+    if constexpr (std::is_same_v<Value, id>)
+        return object;
+    else if constexpr (std::is_base_of_v<id, Value>)
+        return as<Value>(object);
+    else if constexpr (std::is_same_v<Value, BOOL>)
+        return BOOL(as<NSNumber>(object).boolValue());
+    else if constexpr (std::is_same_v<Value, bool>)
+        return as<NSNumber>(object).boolValue();
+    else if constexpr (std::is_floating_point_v<Value>)
+        return static_cast<Value>(as<NSNumber>(object).doubleValue());
+    else {
+        static_assert(std::is_integral_v<Value> || std::is_enum_v<Value>, "a message carries objects and numbers");
+        return static_cast<Value>(as<NSNumber>(object).longLongValue());
+    }
+}
+
+template<class T>
+id toObject(T const& value)
+{
+    if constexpr (std::is_base_of_v<id, T>)
+        return value;
+    else if constexpr (std::is_same_v<T, BOOL> || std::is_same_v<T, bool>)
+        return NSNumber::numberWithBool_(BOOL(static_cast<bool>(value)));
+    else if constexpr (std::is_floating_point_v<T>)
+        return NSNumber::numberWithDouble_(value);
+    else if constexpr (std::is_unsigned_v<T>)
+        return NSNumber::numberWithUnsignedLongLong_(value);
+    else
+        return NSNumber::numberWithLongLong_(static_cast<long long>(value));
+}
+
+template<class Result, class Call>
+id resultOf(Call&& call)
+{
+    if constexpr (std::is_void_v<Result>) {
+        call();
+        return nil;
+    } else {
+        return toObject<Plain<Result>>(call());
+    }
+}
+
+inline id argumentAt(std::span<id const> arguments, std::size_t index)
+{
+    return index < arguments.size() ? arguments[index] : id();
+}
+
+template<auto function>
+struct Invoker;
+
+template<class T, class Result, class... Arguments, Result (T::*member)(Arguments...) const>
+struct Invoker<member> {
+    using Receiver = T;
+    using Value = Plain<Result>;
+
+    static id invoke(id const& receiver, std::span<id const> arguments)
+    {
+        return withIndexes(receiver, arguments, std::index_sequence_for<Arguments...>());
+    }
+    template<std::size_t... index>
+    static id withIndexes(id const& receiver, [[maybe_unused]] std::span<id const> arguments,
+        std::index_sequence<index...>)
+    {
+        T const object = uncheckedCast<T>(receiver);
+        return resultOf<Result>([&]() -> Result {
+            return (object.*member)(fromObject<Arguments>(argumentAt(arguments, index))...);
+        });
+    }
+};
+
+template<class Result, class T, class... Arguments, Result (*function)(T, Arguments...)>
+struct Invoker<function> {
+    static id invoke(id const& receiver, std::span<id const> arguments)
+    {
+        return withIndexes(receiver, arguments, std::index_sequence_for<Arguments...>());
+    }
+    template<std::size_t... index>
+    static id withIndexes(id const& receiver, [[maybe_unused]] std::span<id const> arguments,
+        std::index_sequence<index...>)
+    {
+        return resultOf<Result>([&]() -> Result {
+            return function(uncheckedCast<Plain<T>>(receiver), fromObject<Arguments>(argumentAt(arguments, index))...);
+        });
+    }
+};
+
+template<class Result, Result (*function)()>
+struct Invoker<function> {
+    static id invoke(id const&, std::span<id const>)
+    {
+        return resultOf<Result>([] { return function(); });
+    }
+};
+
+template<auto getter>
+id getProperty(id const& object)
+{
+    return Invoker<getter>::invoke(object, {});
+}
+
+template<auto setter>
+void setProperty(id const& object, id const& value)
+{
+    std::array<id, 1> const arguments { value };
+    Invoker<setter>::invoke(object, arguments);
+}
+
+}
+
+// A row of the method table: method<&AppController::scanAction_>("scanAction:"), or a category's free function, receiver first.
+template<auto function>
+constexpr Method method(std::string_view selector)
+{
+    return { selector, &detail::Invoker<function>::invoke };
+}
+
+// A row of the key table: property<&AppController::paths, &AppController::setPaths_>("paths").
+template<auto getter, auto setter>
+constexpr Property property(std::string_view key)
+{
+    return { key, &detail::getProperty<getter>, &detail::setProperty<setter>,
+        !std::is_base_of_v<id, typename detail::Invoker<getter>::Value> };
+}
+
+template<auto getter>
+constexpr Property readOnlyProperty(std::string_view key)
+{
+    return { key, &detail::getProperty<getter>, nullptr, false };
+}
+
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSString.h"
+#include <functional>
+
+namespace mac {
+
+inline constexpr char NSDefaultRunLoopMode[] = "kCFRunLoopDefaultMode";
+
+// The main thread's event loop, made on first need. Input, timers and what other threads send arrive through it.
+class NSRunLoop : public Handle<NSRunLoop, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static NSRunLoop currentRunLoop();
+
+    // Handles what arrives until the date.
+    void runUntilDate_(NSDate const& date) const;
+    // Waits for one arrival, at most until the date, and handles it; false when nothing arrived.
+    bool runMode_beforeDate_(NSString const& mode, NSDate const& date) const;
+};
+
+// Calls the function on the main thread's run loop, as soon as it gets there. Any thread. An exception in the function is
+// logged and goes no further.
+void performOnMainRunLoop(std::function<void()> function);
+
+}

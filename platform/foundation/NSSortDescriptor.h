@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/foundation/NSArray.h"
+
+namespace mac {
+
+// One criterion of an order: a key path, a direction and the message that compares two values. Immutable; any thread.
+class NSSortDescriptor : public Handle<NSSortDescriptor, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static NSSortDescriptor sortDescriptorWithKey_ascending_selector_(NSString const& key, BOOL ascending, SEL selector);
+    // With compare:.
+    static NSSortDescriptor sortDescriptorWithKey_ascending_(NSString const& key, BOOL ascending);
+
+    NSString key() const;
+    bool ascending() const;
+    SEL selector() const;
+    // The same criterion in the other direction.
+    NSSortDescriptor reversedSortDescriptor() const;
+    // Missing values come first in ascending order.
+    NSComparisonResult compareObject_toObject_(id const& first, id const& second) const;
+    // The same for two values of the key, read already.
+    NSComparisonResult compareValues(id const& first, id const& second) const;
+};
+
+}

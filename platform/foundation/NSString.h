@@ -1,0 +1,162 @@
+#pragma once
+
+#include "platform/foundation/Format.h"
+#include "platform/foundation/Object.h"
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mac {
+
+class NSArray;
+class NSCharacterSet;
+class NSData;
+class NSMutableString;
+
+// Options of comparisons and searches; the values are the framework's own.
+enum NSStringCompareOptions : NSUInteger {
+    NSCaseInsensitiveSearch = 1,
+    NSLiteralSearch = 2,
+    NSBackwardsSearch = 4,
+    NSAnchoredSearch = 8,
+    NSNumericSearch = 64,
+    NSDiacriticInsensitiveSearch = 128,
+    NSWidthInsensitiveSearch = 256,
+    NSForcedOrderingSearch = 512,
+};
+
+enum NSStringEncoding : NSUInteger {
+    NSASCIIStringEncoding = 1,
+    NSNEXTSTEPStringEncoding = 2,
+    NSUTF8StringEncoding = 4,
+    NSISOLatin1StringEncoding = 5,
+    NSUnicodeStringEncoding = 10,
+    NSMacOSRomanStringEncoding = 30,
+};
+
+// Text as UTF-16 code units; also a path. A byte of a file name that is not UTF-8 is held as the lone surrogate
+// U+DC00 + byte, so that every name on the disk can be told and found again. Immutable; any thread.
+class NSString : public Handle<NSString, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    template<std::size_t N>
+    NSString(char const (&literal)[N])
+        : NSString(uncheckedCast<NSString>(id(literal)))
+    {
+    }
+    template<std::size_t N>
+    NSString(char (&)[N]) = delete;
+
+    static ClassDescription describeClass();
+
+    static NSString string();
+    // Invalid UTF-8 answers nil.
+    static NSString stringWithUTF8String_(std::string_view utf8);
+    // Any bytes: those that are not UTF-8 become lone surrogates, see above.
+    static NSString stringWithFileSystemRepresentation_(std::string_view bytes);
+    static NSString stringWithCodeUnits(std::u16string_view units);
+    static NSString stringWithString_(NSString const& other);
+    // Bytes that the encoding cannot hold answer nil; so does an encoding that is not in NSStringEncoding.
+    static NSString stringWithData_encoding_(NSData const& data, NSStringEncoding encoding);
+    template<class... Arguments>
+    static NSString stringWithFormat_(NSString const& format, Arguments const&... arguments)
+    {
+        if constexpr (sizeof...(arguments) == 0) {
+            return formatString(format, {});
+        } else {
+            FormatArgument const list[] { FormatArgument(arguments)... };
+            return formatString(format, list);
+        }
+    }
+
+    NSUInteger length() const;
+    // Raises NSRangeException past the end.
+    unichar characterAtIndex_(NSUInteger index) const;
+    // The text itself, for implementations; valid while an unchanged string lives.
+    std::u16string_view codeUnits() const;
+    // Linux: by value. What has no UTF-8 (a lone surrogate) becomes U+FFFD. Empty for nil.
+    std::string UTF8String() const;
+    // The bytes of the path as the file system names it; nothing for nil, an empty string, a NUL character or a lone
+    // surrogate that stands for no byte.
+    std::optional<std::string> fileSystemRepresentation() const;
+    NSData dataUsingEncoding_(NSStringEncoding encoding) const;
+
+    // The same code units; no normalisation, no folding.
+    bool isEqualToString_(NSString const& other) const;
+    // Canonically equivalent text is equal; nil other counts as the empty string.
+    NSComparisonResult compare_(NSString const& other) const;
+    NSComparisonResult compare_options_(NSString const& other, NSUInteger options) const;
+    // Full folding: ß equals ss. The locale plays no part.
+    NSComparisonResult caseInsensitiveCompare_(NSString const& other) const;
+    bool hasPrefix_(NSString const& prefix) const;
+    bool hasSuffix_(NSString const& suffix) const;
+    // {NSNotFound, 0} when there is none; nothing ever contains the empty string.
+    NSRange rangeOfString_(NSString const& other) const;
+    NSRange rangeOfString_options_(NSString const& other, NSUInteger options) const;
+
+    // Raise NSRangeException past the end.
+    NSString substringFromIndex_(NSUInteger index) const;
+    NSString substringToIndex_(NSUInteger index) const;
+    NSString substringWithRange_(NSRange range) const;
+    NSString stringByAppendingString_(NSString const& other) const;
+    NSArray componentsSeparatedByString_(NSString const& separator) const;
+    NSString stringByTrimmingCharactersInSet_(NSCharacterSet const& set) const;
+    NSString lowercaseString() const;
+    NSString uppercaseString() const;
+
+    // Numbers at the start of the text: white space, a sign, digits; 0 when there are none; saturating.
+    int intValue() const;
+    NSInteger integerValue() const;
+    long long longLongValue() const;
+    double doubleValue() const;
+    float floatValue() const;
+    bool boolValue() const;
+
+    // Paths. Nothing is normalised; only where said is the disk looked at.
+    bool isAbsolutePath() const;
+    NSArray pathComponents() const;
+    NSString lastPathComponent() const;
+    NSString pathExtension() const;
+    NSString stringByAppendingPathComponent_(NSString const& component) const;
+    NSString stringByAppendingPathExtension_(NSString const& extension) const;
+    NSString stringByDeletingLastPathComponent() const;
+    NSString stringByDeletingPathExtension() const;
+    NSString stringByExpandingTildeInPath() const;
+    NSString stringByAbbreviatingWithTildeInPath() const;
+    // Expands the tilde, removes empty and "." components, resolves ".." of absolute paths by name, and drops a leading
+    // "/private" when what remains exists.
+    NSString stringByStandardizingPath() const;
+    // The same, with symbolic links of absolute paths followed as far as they exist.
+    NSString stringByResolvingSymlinksInPath() const;
+};
+
+// Text that can be changed in place. One thread at a time.
+class NSMutableString : public Handle<NSMutableString, NSString> {
+public:
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static NSMutableString string();
+    static NSMutableString stringWithString_(NSString const& other);
+
+    void appendString_(NSString const& other) const;
+    template<class... Arguments>
+    void appendFormat_(NSString const& format, Arguments const&... arguments) const
+    {
+        appendString_(NSString::stringWithFormat_(format, arguments...));
+    }
+    void setString_(NSString const& other) const;
+    // Raise NSRangeException past the end, NSInvalidArgumentException for nil.
+    void insertString_atIndex_(NSString const& other, NSUInteger index) const;
+    void deleteCharactersInRange_(NSRange range) const;
+    void replaceCharactersInRange_withString_(NSRange range, NSString const& other) const;
+};
+
+// The user's home folder: HOME where it is an absolute path, else the user database's; "/" when neither tells.
+NSString NSHomeDirectory();
+NSString NSUserName();
+
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/foundation/NSString.h"
+#include <atomic>
+#include <string>
+
+namespace mac {
+
+// The code units of an immutable or mutable string, for implementations: which of the two it is, its class says.
+class NSString::Body : public ObjectBody {
+public:
+    Body() = default;
+    explicit Body(std::u16string units)
+        : m_units(std::move(units))
+    {
+    }
+
+    std::u16string const& units() const { return m_units; }
+    // What changes is the caller's; the remembered hash is forgotten.
+    std::u16string& mutableUnits()
+    {
+        m_hash.store(0, std::memory_order_relaxed);
+        return m_units;
+    }
+
+    bool isEqual(id const& other) const override;
+    std::uint64_t hash() const override;
+    NSString description() const override;
+    id copy() const override;
+    id mutableCopy() const override;
+
+private:
+    bool isMutable() const;
+
+    std::u16string m_units;
+    // 0 until somebody asked.
+    mutable std::atomic<std::uint64_t> m_hash { 0 };
+};
+
+// A new immutable string of the code units.
+inline NSString makeString(std::u16string units) { return adopt<NSString>(std::move(units)); }
+
+// Raises NSRangeException, naming the message, unless the range lies within the length.
+void checkRange(NSRange range, std::size_t length, char const* message);
+
+}
