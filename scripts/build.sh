@@ -6,7 +6,7 @@ build() {
     local folder=build/$1 start=$SECONDS
     if [ ! -f "$folder/build.ninja" ] || [ CMakePresets.json -nt "$folder/build.ninja" ]; then
         echo "Configuring $folder"
-        cmake --preset "$1" -Wno-dev --log-level=WARNING || return 1
+        cmake --preset "$1" -Wno-dev --log-level=WARNING >/dev/null || return 1
         touch "$folder/build.ninja"
     fi
     ninja -C "$folder" --quiet "${2:-all}" || return 1
