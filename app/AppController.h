@@ -1,0 +1,99 @@
+#pragma once
+
+#include "platform/appkit/NSArrayController.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/NSWindow.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSSet.h"
+#include "platform/spotlight/NSMetadataQuery.h"
+
+namespace framekeeper {
+
+using namespace mac;
+
+// What makes a bundle a copy of the companion.
+inline constexpr char CompanionIdentifier[] = "com.tidelark.mirrorframe";
+inline constexpr char CompanionFileName[] = "Mirror Frame.app";
+
+// Gathers the copies of the companion from four sources (the disk, the running processes, the login items, the file browser's
+// toolbar), keeps one record for each path, and carries out the window's actions on the selected records. The main interface
+// file makes the one instance. Main thread.
+//
+// Each source and the inventory are replaced whole, and observers of their keys are told.
+class AppController : public Handle<AppController, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    // Registers the two value transformers under their names, once, before the first instance.
+    static void initialize();
+    // Creates the query and observes it; nil when the superclass's init answers nil.
+    AppController init() const;
+    // Sorts the table, reads the sources and starts the query. Called when the outlets are connected.
+    void awakeFromNib() const;
+    // Always true: closing the window ends the program.
+    bool applicationShouldTerminateAfterLastWindowClosed_(id const& application) const;
+
+    // The whole login-items list as last read, every entry.
+    NSArray allAutolaunchItems() const;
+    void setAllAutolaunchItems_(NSArray const& items) const;
+    // The whole toolbar-items list as last read.
+    NSArray allToolbarItems() const;
+    void setAllToolbarItems_(NSArray const& items) const;
+    // Membership entries: dictionaries of "path" and the source's own object ("psn", "autolaunchItem", "toolbarItem").
+    NSSet isRunningPaths() const;
+    void setIsRunningPaths_(NSSet const& entries) const;
+    NSSet isAutolaunchedPaths() const;
+    void setIsAutolaunchedPaths_(NSSet const& entries) const;
+    NSSet isInToolbarPaths() const;
+    void setIsInToolbarPaths_(NSSet const& entries) const;
+    // Plain path strings of the copies on the disk.
+    NSMutableSet isOnHarddiskPaths() const;
+    void setIsOnHarddiskPaths_(NSMutableSet const& paths) const;
+    // The inventory: path records, which the table shows by observing this key.
+    NSMutableSet paths() const;
+    void setPaths_(NSMutableSet const& paths) const;
+    NSMetadataQuery query() const;
+    void setQuery_(NSMetadataQuery const& query) const;
+    // Outlets, connected by the main interface file through key-value coding.
+    NSArrayController pathsArrayController() const;
+    NSTableView pathsTableView() const;
+    NSWindow window() const;
+
+    // Builds the record of one path and adds it to the set. The flags come from the sources, never from the objects given; a nil
+    // object leaves its key out of the record. A path that is no copy of the companion gets empty version texts.
+    void pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(NSMutableSet const& records, NSString const& path,
+        id const& psn, id const& autolaunchedItem, id const& toolbarItem) const;
+    // The same with the objects looked up in the sources: of several entries of one path the first counts.
+    void pathObjects_addPath_(NSMutableSet const& records, NSString const& path) const;
+    // Rebuilds the inventory from the four sources: the disk's paths first, then those that only the other three know.
+    void reSync() const;
+
+    // Read a source anew and replace it; the inventory follows with the next reSync.
+    void syncIsRunningPaths() const;
+    void syncIsAutolaunched() const;
+    void syncIsInToolbar() const;
+
+    // The query's notifications. The inventory follows the query only while it gathers: the last two do nothing.
+    void queryDidStart_(NSNotification const& notification) const;
+    void queryGatheringProgress_(NSNotification const& notification) const;
+    void queryDidFinish_(NSNotification const& notification) const;
+    void queryDidUpdate_(NSNotification const& notification) const;
+    // Reads the query's results, then rebuilds the inventory.
+    void syncQuery() const;
+    // Replaces the disk's paths by those results that exist and are copies of the companion.
+    void syncIsOnHarddisk() const;
+    // Empties the table and starts all over. The sender of an action is ignored.
+    void scanAction_(id const& sender) const;
+    // Stops the query; what was found stays.
+    void stopAction_(id const& sender) const;
+
+private:
+    // Starts the query; a refusal is a beep and a line in the log.
+    void startQuery() const;
+};
+
+}

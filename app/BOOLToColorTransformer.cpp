@@ -1,0 +1,36 @@
+#include "app/BOOLToColorTransformer.h"
+#include "platform/appkit/NSColor.h"
+#include "platform/foundation/Method.h"
+
+namespace framekeeper {
+
+ClassDescription BOOLToColorTransformer::describeClass()
+{
+    return {
+        .name = "BOOLToColorTransformer",
+        .superclass = classOf<NSValueTransformer>(),
+        .makeBody = &makeEmptyBody<BOOLToColorTransformer>,
+        .classMethods = {
+            method<&BOOLToColorTransformer::transformedValueClass>("transformedValueClass"),
+            method<&BOOLToColorTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
+        },
+    };
+}
+
+Class BOOLToColorTransformer::transformedValueClass()
+{
+    return classOf<NSColor>();
+}
+
+bool BOOLToColorTransformer::allowsReverseTransformation()
+{
+    return false;
+}
+
+id BOOLToColorTransformer::Body::transformedValue(id const& value) const
+{
+    bool const isTrue = as<NSNumber>(value.performSelector_("boolValue")).boolValue();
+    return isTrue ? NSColor::blackColor() : NSColor::darkGrayColor();
+}
+
+}

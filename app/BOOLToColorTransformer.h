@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/foundation/NSValueTransformer.h"
+
+namespace framekeeper {
+
+using namespace mac;
+
+// Shows a flag of a record by colour: black, or dark grey also for nil. Known by its class name.
+class BOOLToColorTransformer : public Handle<BOOLToColorTransformer, NSValueTransformer> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static Class transformedValueClass();
+    static bool allowsReverseTransformation();
+};
+
+class BOOLToColorTransformer::Body : public NSValueTransformer::Body {
+public:
+    id transformedValue(id const& value) const override;
+};
+
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/foundation/NSValueTransformer.h"
+
+namespace framekeeper {
+
+using namespace mac;
+
+// Shows a flag of a record as text: "Yes", or "No" also for nil. Known by its class name.
+class BOOLToStringTransformer : public Handle<BOOLToStringTransformer, NSValueTransformer> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static Class transformedValueClass();
+    static bool allowsReverseTransformation();
+};
+
+class BOOLToStringTransformer::Body : public NSValueTransformer::Body {
+public:
+    id transformedValue(id const& value) const override;
+};
+
+}

@@ -1,0 +1,12 @@
+#include "app/AppController.h"
+
+namespace framekeeper {
+
+// No source of toolbar items is connected yet, so none is known.
+void AppController::syncIsInToolbar() const
+{
+    setAllToolbarItems_(NSArray::array());
+    setIsInToolbarPaths_(NSSet::set());
+}
+
+}

@@ -1,0 +1,6 @@
+#include "platform/appkit/NSApplication.h"
+
+int main(int argc, char** argv)
+{
+    return mac::NSApplicationMain(argc, argv);
+}

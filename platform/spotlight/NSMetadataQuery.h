@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSPredicate.h"
+#include "platform/foundation/NSString.h"
+
+namespace mac {
+
+// The attributes a found item has: its kind ("Application"), the name of its folder and its path.
+inline constexpr char kMDItemKind[] = "kMDItemKind";
+inline constexpr char kMDItemFSName[] = "kMDItemFSName";
+inline constexpr char kMDItemPath[] = "kMDItemPath";
+
+// All local volumes of this computer.
+inline constexpr char NSMetadataQueryLocalComputerScope[] = "kMDQueryScopeComputer";
+
+inline constexpr char NSMetadataQueryDidStartGatheringNotification[] = "NSMetadataQueryDidStartGatheringNotification";
+inline constexpr char NSMetadataQueryGatheringProgressNotification[] = "NSMetadataQueryGatheringProgressNotification";
+inline constexpr char NSMetadataQueryDidFinishGatheringNotification[] = "NSMetadataQueryDidFinishGatheringNotification";
+inline constexpr char NSMetadataQueryDidUpdateNotification[] = "NSMetadataQueryDidUpdateNotification";
+
+// One item that a query found. Immutable.
+class NSMetadataItem : public Handle<NSMetadataItem, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    // Nil for an attribute that the item does not have.
+    id valueForAttribute_(NSString const& key) const;
+    NSArray attributes() const;
+};
+
+// A search for items by their attributes, which goes on living after the first pass. It posts its notifications, itself as
+// their object, on the main thread's run loop: start of gathering, progress, end of gathering, and updates from then on.
+//
+// Linux: the items are application bundles (folders named *.app) found by a walk over the volumes, not by an index.
+class NSMetadataQuery : public Handle<NSMetadataQuery, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    NSMetadataQuery init() const;
+
+    NSPredicate predicate() const;
+    void setPredicate_(NSPredicate const& predicate) const;
+    // Scope constants, or paths of folders as strings.
+    NSArray searchScopes() const;
+    void setSearchScopes_(NSArray const& scopes) const;
+    // The longest time between a find and the notification that tells it, in seconds; 1 unless set.
+    NSTimeInterval notificationBatchingInterval() const;
+    void setNotificationBatchingInterval_(NSTimeInterval interval) const;
+
+    // False without a predicate, when it runs already, or when there is nothing to search. A new start forgets the results.
+    bool startQuery() const;
+    // Ends gathering and updates; the results stay as they are.
+    void stopQuery() const;
+    bool isStarted() const;
+    bool isGathering() const;
+    bool isStopped() const;
+
+    // While updates are disabled, the results stay as they are; calls nest.
+    void disableUpdates() const;
+    void enableUpdates() const;
+
+    NSUInteger resultCount() const;
+    // Keeps its index until control returns to the run loop. Raises NSRangeException past the end.
+    NSMetadataItem resultAtIndex_(NSUInteger index) const;
+    NSUInteger indexOfResult_(NSMetadataItem const& result) const;
+    NSArray results() const;
+
+    // Linux: how many folders the last gathering could not read. Keys "isGathering" and "unreadableFolderCount" can be observed.
+    NSUInteger unreadableFolderCount() const;
+};
+
+}
