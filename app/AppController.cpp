@@ -16,9 +16,8 @@ namespace {
 RegisteredClass<AppController> const s_registered;
 
 // An outlet: set by the interface file through key-value coding, read by the getter.
-template<auto getter, auto field>
-constexpr Property outlet(std::string_view key)
-{
+template <auto getter, auto field>
+constexpr Property outlet(std::string_view key) {
     Property property = readOnlyProperty<getter>(key);
     property.set = [](id const& object, id const& value) {
         AppController const controller = uncheckedCast<AppController>(object);
@@ -28,76 +27,72 @@ constexpr Property outlet(std::string_view key)
     return property;
 }
 
-}
+} // namespace
 
-ClassDescription AppController::describeClass()
-{
+ClassDescription AppController::describeClass() {
     using Self = AppController;
     return {
         .name = "AppController",
         .superclass = classOf<NSObject>(),
         .makeBody = &makeEmptyBody<AppController>,
         .initialize = &AppController::initialize,
-        .methods = {
-            method<&Self::init>("init"),
-            method<&Self::awakeFromNib>("awakeFromNib"),
-            method<&Self::applicationShouldTerminateAfterLastWindowClosed_>(
-                "applicationShouldTerminateAfterLastWindowClosed:"),
-            method<&Self::queryDidStart_>("queryDidStart:"),
-            method<&Self::queryGatheringProgress_>("queryGatheringProgress:"),
-            method<&Self::queryDidFinish_>("queryDidFinish:"),
-            method<&Self::queryDidUpdate_>("queryDidUpdate:"),
-            method<&Self::scanAction_>("scanAction:"),
-            method<&Self::stopAction_>("stopAction:"),
-        },
-        .properties = {
-            property<&Self::allAutolaunchItems, &Self::setAllAutolaunchItems_>("allAutolaunchItems"),
-            property<&Self::allToolbarItems, &Self::setAllToolbarItems_>("allToolbarItems"),
-            property<&Self::isRunningPaths, &Self::setIsRunningPaths_>("isRunningPaths"),
-            property<&Self::isAutolaunchedPaths, &Self::setIsAutolaunchedPaths_>("isAutolaunchedPaths"),
-            property<&Self::isInToolbarPaths, &Self::setIsInToolbarPaths_>("isInToolbarPaths"),
-            property<&Self::isOnHarddiskPaths, &Self::setIsOnHarddiskPaths_>("isOnHarddiskPaths"),
-            property<&Self::paths, &Self::setPaths_>("paths"),
-            property<&Self::query, &Self::setQuery_>("query"),
-            outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),
-            outlet<&Self::pathsTableView, &Body::_pathsTableView>("pathsTableView"),
-            outlet<&Self::window, &Body::_window>("window"),
-        },
+        .methods =
+            {
+                method<&Self::init>("init"),
+                method<&Self::awakeFromNib>("awakeFromNib"),
+                method<&Self::applicationShouldTerminateAfterLastWindowClosed_>(
+                    "applicationShouldTerminateAfterLastWindowClosed:"),
+                method<&Self::queryDidStart_>("queryDidStart:"),
+                method<&Self::queryGatheringProgress_>("queryGatheringProgress:"),
+                method<&Self::queryDidFinish_>("queryDidFinish:"),
+                method<&Self::queryDidUpdate_>("queryDidUpdate:"),
+                method<&Self::scanAction_>("scanAction:"),
+                method<&Self::stopAction_>("stopAction:"),
+            },
+        .properties =
+            {
+                property<&Self::allAutolaunchItems, &Self::setAllAutolaunchItems_>("allAutolaunchItems"),
+                property<&Self::allToolbarItems, &Self::setAllToolbarItems_>("allToolbarItems"),
+                property<&Self::isRunningPaths, &Self::setIsRunningPaths_>("isRunningPaths"),
+                property<&Self::isAutolaunchedPaths, &Self::setIsAutolaunchedPaths_>("isAutolaunchedPaths"),
+                property<&Self::isInToolbarPaths, &Self::setIsInToolbarPaths_>("isInToolbarPaths"),
+                property<&Self::isOnHarddiskPaths, &Self::setIsOnHarddiskPaths_>("isOnHarddiskPaths"),
+                property<&Self::paths, &Self::setPaths_>("paths"),
+                property<&Self::query, &Self::setQuery_>("query"),
+                outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),
+                outlet<&Self::pathsTableView, &Body::_pathsTableView>("pathsTableView"),
+                outlet<&Self::window, &Body::_window>("window"),
+            },
     };
 }
 
-void AppController::initialize()
-{
+void AppController::initialize() {
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToStringTransformer>(), "BOOLToStringTransformer");
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToColorTransformer>(), "BOOLToColorTransformer");
 }
 
-AppController AppController::init() const
-{
-    if (*this == nil)
-        return nil;
+AppController AppController::init() const {
+    if (*this == nil) return nil;
     NSMetadataQuery const query = NSMetadataQuery::alloc().init();
     bodyOf(*this)->_query = query;
-    query.setPredicate_(NSPredicate::predicateWithFormat_(
-        "%K = %@ AND %K = %@", kMDItemKind, "Application", kMDItemFSName, CompanionFileName));
+    query.setPredicate_(NSPredicate::predicateWithFormat_("%K = %@ AND %K = %@", kMDItemKind, "Application",
+                                                          kMDItemFSName, CompanionFileName));
     query.setSearchScopes_(NSArray::arrayWithObject_(NSMetadataQueryLocalComputerScope));
     query.setNotificationBatchingInterval_(0.5);
 
     NSNotificationCenter const center = NSNotificationCenter::defaultCenter();
-    center.addObserver_selector_name_object_(
-        *this, "queryDidStart:", NSMetadataQueryDidStartGatheringNotification, query);
+    center.addObserver_selector_name_object_(*this, "queryDidStart:", NSMetadataQueryDidStartGatheringNotification,
+                                             query);
     center.addObserver_selector_name_object_(
         *this, "queryGatheringProgress:", NSMetadataQueryGatheringProgressNotification, query);
-    center.addObserver_selector_name_object_(
-        *this, "queryDidFinish:", NSMetadataQueryDidFinishGatheringNotification, query);
+    center.addObserver_selector_name_object_(*this, "queryDidFinish:", NSMetadataQueryDidFinishGatheringNotification,
+                                             query);
     center.addObserver_selector_name_object_(*this, "queryDidUpdate:", NSMetadataQueryDidUpdateNotification, query);
     return *this;
 }
 
-void AppController::awakeFromNib() const
-{
-    if (*this == nil)
-        return;
+void AppController::awakeFromNib() const {
+    if (*this == nil) return;
     pathsTableView().setSortDescriptors_(NSArray::arrayWithObjects_({
         NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("version", NO, "compare:"),
         NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("displayPath", YES, "caseInsensitiveCompare:"),
@@ -108,17 +103,12 @@ void AppController::awakeFromNib() const
     startQuery();
 }
 
-void AppController::startQuery() const
-{
-    if (query().startQuery())
-        return;
+void AppController::startQuery() const {
+    if (query().startQuery()) return;
     NSBeep();
     NSLog("ERROR: Could not start Spotlight query.");
 }
 
-bool AppController::applicationShouldTerminateAfterLastWindowClosed_(id const&) const
-{
-    return *this != nil;
-}
+bool AppController::applicationShouldTerminateAfterLastWindowClosed_(id const&) const { return *this != nil; }
 
-}
+} // namespace framekeeper

@@ -16,9 +16,9 @@ using namespace mac;
 inline constexpr char CompanionIdentifier[] = "com.tidelark.mirrorframe";
 inline constexpr char CompanionFileName[] = "Mirror Frame.app";
 
-// Gathers the copies of the companion from four sources (the disk, the running processes, the login items, the file browser's
-// toolbar), keeps one record for each path, and carries out the window's actions on the selected records. The main interface
-// file makes the one instance. Main thread.
+// Gathers the copies of the companion from four sources (the disk, the running processes, the login items, the file
+// browser's toolbar), keeps one record for each path, and carries out the window's actions on the selected records. The
+// main interface file makes the one instance. Main thread.
 //
 // Each source and the inventory are replaced whole, and observers of their keys are told.
 class AppController : public Handle<AppController, NSObject> {
@@ -63,10 +63,12 @@ public:
     NSTableView pathsTableView() const;
     NSWindow window() const;
 
-    // Builds the record of one path and adds it to the set. The flags come from the sources, never from the objects given; a nil
-    // object leaves its key out of the record. A path that is no copy of the companion gets empty version texts.
+    // Builds the record of one path and adds it to the set. The flags come from the sources, never from the objects
+    // given; a nil object leaves its key out of the record. A path that is no copy of the companion gets empty version
+    // texts.
     void pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(NSMutableSet const& records, NSString const& path,
-        id const& psn, id const& autolaunchedItem, id const& toolbarItem) const;
+                                                               id const& psn, id const& autolaunchedItem,
+                                                               id const& toolbarItem) const;
     // The same with the objects looked up in the sources: of several entries of one path the first counts.
     void pathObjects_addPath_(NSMutableSet const& records, NSString const& path) const;
     // Rebuilds the inventory from the four sources: the disk's paths first, then those that only the other three know.

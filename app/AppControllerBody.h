@@ -4,8 +4,8 @@
 
 namespace framekeeper {
 
-// The controller's data. The order of the fields is that of their destruction reversed; the query goes with the controller
-// and is neither stopped nor are its observers removed.
+// The controller's data. The order of the fields is that of their destruction reversed; the query goes with the
+// controller and is neither stopped nor are its observers removed.
 class AppController::Body : public ObjectBody {
 public:
     NSArray _allAutolaunchItems;

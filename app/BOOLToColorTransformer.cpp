@@ -4,33 +4,26 @@
 
 namespace framekeeper {
 
-ClassDescription BOOLToColorTransformer::describeClass()
-{
+ClassDescription BOOLToColorTransformer::describeClass() {
     return {
         .name = "BOOLToColorTransformer",
         .superclass = classOf<NSValueTransformer>(),
         .makeBody = &makeEmptyBody<BOOLToColorTransformer>,
-        .classMethods = {
-            method<&BOOLToColorTransformer::transformedValueClass>("transformedValueClass"),
-            method<&BOOLToColorTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
-        },
+        .classMethods =
+            {
+                method<&BOOLToColorTransformer::transformedValueClass>("transformedValueClass"),
+                method<&BOOLToColorTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
+            },
     };
 }
 
-Class BOOLToColorTransformer::transformedValueClass()
-{
-    return classOf<NSColor>();
-}
+Class BOOLToColorTransformer::transformedValueClass() { return classOf<NSColor>(); }
 
-bool BOOLToColorTransformer::allowsReverseTransformation()
-{
-    return false;
-}
+bool BOOLToColorTransformer::allowsReverseTransformation() { return false; }
 
-id BOOLToColorTransformer::Body::transformedValue(id const& value) const
-{
+id BOOLToColorTransformer::Body::transformedValue(id const& value) const {
     bool const isTrue = as<NSNumber>(value.performSelector_("boolValue")).boolValue();
     return isTrue ? NSColor::blackColor() : NSColor::darkGrayColor();
 }
 
-}
+} // namespace framekeeper

@@ -23,4 +23,4 @@ public:
     id transformedValue(id const& value) const override;
 };
 
-}
+} // namespace framekeeper

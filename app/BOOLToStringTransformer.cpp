@@ -3,33 +3,26 @@
 
 namespace framekeeper {
 
-ClassDescription BOOLToStringTransformer::describeClass()
-{
+ClassDescription BOOLToStringTransformer::describeClass() {
     return {
         .name = "BOOLToStringTransformer",
         .superclass = classOf<NSValueTransformer>(),
         .makeBody = &makeEmptyBody<BOOLToStringTransformer>,
-        .classMethods = {
-            method<&BOOLToStringTransformer::transformedValueClass>("transformedValueClass"),
-            method<&BOOLToStringTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
-        },
+        .classMethods =
+            {
+                method<&BOOLToStringTransformer::transformedValueClass>("transformedValueClass"),
+                method<&BOOLToStringTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
+            },
     };
 }
 
-Class BOOLToStringTransformer::transformedValueClass()
-{
-    return classOf<NSString>();
-}
+Class BOOLToStringTransformer::transformedValueClass() { return classOf<NSString>(); }
 
-bool BOOLToStringTransformer::allowsReverseTransformation()
-{
-    return false;
-}
+bool BOOLToStringTransformer::allowsReverseTransformation() { return false; }
 
-id BOOLToStringTransformer::Body::transformedValue(id const& value) const
-{
+id BOOLToStringTransformer::Body::transformedValue(id const& value) const {
     bool const isTrue = as<NSNumber>(value.performSelector_("boolValue")).boolValue();
     return isTrue ? id("Yes") : id("No");
 }
 
-}
+} // namespace framekeeper

@@ -3,10 +3,9 @@
 namespace framekeeper {
 
 // No source of login items is connected yet, so none is known.
-void AppController::syncIsAutolaunched() const
-{
+void AppController::syncIsAutolaunched() const {
     setAllAutolaunchItems_(NSArray::array());
     setIsAutolaunchedPaths_(NSSet::set());
 }
 
-}
+} // namespace framekeeper

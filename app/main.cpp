@@ -1,6 +1,3 @@
 #include "platform/appkit/NSApplication.h"
 
-int main(int argc, char** argv)
-{
-    return mac::NSApplicationMain(argc, argv);
-}
+int main(int argc, char** argv) { return mac::NSApplicationMain(argc, argv); }

@@ -3,13 +3,9 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSString.h"
+#include "platform/spotlight/NSMetadataItem.h"
 
 namespace mac {
-
-// The attributes a found item has: its kind ("Application"), the name of its folder and its path.
-inline constexpr char kMDItemKind[] = "kMDItemKind";
-inline constexpr char kMDItemFSName[] = "kMDItemFSName";
-inline constexpr char kMDItemPath[] = "kMDItemPath";
 
 // All local volumes of this computer.
 inline constexpr char NSMetadataQueryLocalComputerScope[] = "kMDQueryScopeComputer";
@@ -19,21 +15,9 @@ inline constexpr char NSMetadataQueryGatheringProgressNotification[] = "NSMetada
 inline constexpr char NSMetadataQueryDidFinishGatheringNotification[] = "NSMetadataQueryDidFinishGatheringNotification";
 inline constexpr char NSMetadataQueryDidUpdateNotification[] = "NSMetadataQueryDidUpdateNotification";
 
-// One item that a query found. Immutable.
-class NSMetadataItem : public Handle<NSMetadataItem, NSObject> {
-public:
-    class Body;
-    using Handle::Handle;
-
-    static ClassDescription describeClass();
-
-    // Nil for an attribute that the item does not have.
-    id valueForAttribute_(NSString const& key) const;
-    NSArray attributes() const;
-};
-
-// A search for items by their attributes, which goes on living after the first pass. It posts its notifications, itself as
-// their object, on the main thread's run loop: start of gathering, progress, end of gathering, and updates from then on.
+// A search for items by their attributes, which goes on living after the first pass. It posts its notifications, itself
+// as their object, on the main thread's run loop: start of gathering, progress, end of gathering, and updates from then
+// on.
 //
 // Linux: the items are application bundles (folders named *.app) found by a walk over the volumes, not by an index.
 class NSMetadataQuery : public Handle<NSMetadataQuery, NSObject> {
@@ -54,7 +38,8 @@ public:
     NSTimeInterval notificationBatchingInterval() const;
     void setNotificationBatchingInterval_(NSTimeInterval interval) const;
 
-    // False without a predicate, when it runs already, or when there is nothing to search. A new start forgets the results.
+    // False without a predicate, when it runs already, or when there is nothing to search. A new start forgets the
+    // results.
     bool startQuery() const;
     // Ends gathering and updates; the results stay as they are.
     void stopQuery() const;
@@ -72,7 +57,8 @@ public:
     NSUInteger indexOfResult_(NSMetadataItem const& result) const;
     NSArray results() const;
 
-    // Linux: how many folders the last gathering could not read. Keys "isGathering" and "unreadableFolderCount" can be observed.
+    // Linux: how many folders the last gathering could not read. Keys "isGathering" and "unreadableFolderCount" can be
+    // observed.
     NSUInteger unreadableFolderCount() const;
 };
 

@@ -7,69 +7,59 @@
 namespace framekeeper::test {
 namespace {
 
-TEST(AppController, IsFoundByItsName)
-{
+TEST(AppController, IsFoundByItsName) {
     EXPECT_TRUE(isSame(NSClassFromString("AppController"), classOf<AppController>()));
 }
 
-TEST(AppController, RegistersItsTransformersBeforeItsFirstInstance)
-{
+TEST(AppController, RegistersItsTransformersBeforeItsFirstInstance) {
     AppController const controller = makeController();
     EXPECT_EQ(text(NSValueTransformer::valueTransformerForName_("BOOLToStringTransformer").class_()),
-        "BOOLToStringTransformer");
-    EXPECT_EQ(
-        text(NSValueTransformer::valueTransformerForName_("BOOLToColorTransformer").class_()), "BOOLToColorTransformer");
+              "BOOLToStringTransformer");
+    EXPECT_EQ(text(NSValueTransformer::valueTransformerForName_("BOOLToColorTransformer").class_()),
+              "BOOLToColorTransformer");
 }
 
-TEST(AppController, MakesItsQueryWhenItIsInitialised)
-{
+TEST(AppController, MakesItsQueryWhenItIsInitialised) {
     NSMetadataQuery const query = makeController().query();
     EXPECT_EQ(text(query.predicate().predicateFormat()),
-        "kMDItemKind == \"Application\" AND kMDItemFSName == \"Mirror Frame.app\"");
+              "kMDItemKind == \"Application\" AND kMDItemFSName == \"Mirror Frame.app\"");
     ASSERT_EQ(query.searchScopes().count(), 1U);
     EXPECT_EQ(text(query.searchScopes().objectAtIndex_(0)), NSMetadataQueryLocalComputerScope);
     EXPECT_EQ(query.notificationBatchingInterval(), 0.5);
     EXPECT_FALSE(query.isStarted());
 }
 
-TEST(AppController, InitialisedFromNilIsNil)
-{
-    EXPECT_TRUE(AppController(nil).init() == nil);
-}
+TEST(AppController, InitialisedFromNilIsNil) { EXPECT_TRUE(AppController(nil).init() == nil); }
 
-TEST(AppController, EndsTheProgramWithItsLastWindow)
-{
+TEST(AppController, EndsTheProgramWithItsLastWindow) {
     EXPECT_TRUE(makeController().applicationShouldTerminateAfterLastWindowClosed_(nil));
     EXPECT_FALSE(AppController(nil).applicationShouldTerminateAfterLastWindowClosed_(nil));
 }
 
-TEST(AppController, NeitherStopsItsQueryNorIsToldOfItWhenItHasGone)
-{
+TEST(AppController, NeitherStopsItsQueryNorIsToldOfItWhenItHasGone) {
     AppController controller = makeController();
     NSMetadataQuery const query = controller.query();
     Weak<AppController> const weak(controller);
     controller = nil;
     EXPECT_TRUE(weak.load() == nil);
-    NSNotificationCenter::defaultCenter().postNotificationName_object_(
-        NSMetadataQueryDidStartGatheringNotification, query);
+    NSNotificationCenter::defaultCenter().postNotificationName_object_(NSMetadataQueryDidStartGatheringNotification,
+                                                                       query);
     EXPECT_FALSE(query.isStopped());
 }
 
-TEST(AppController, LetsItsQueryGoWhenItGoes)
-{
+TEST(AppController, LetsItsQueryGoWhenItGoes) {
     AppController controller = makeController();
     Weak<NSMetadataQuery> const query(controller.query());
     controller = nil;
     EXPECT_TRUE(query.load() == nil);
 }
 
-TEST(AppController, AnswersTheActionsThatExistAndNoOthers)
-{
+TEST(AppController, AnswersTheActionsThatExistAndNoOthers) {
     AppController const controller = makeController();
     EXPECT_TRUE(controller.respondsToSelector_("scanAction:"));
     EXPECT_TRUE(controller.respondsToSelector_("stopAction:"));
     EXPECT_FALSE(controller.respondsToSelector_("emptyTrashAction:"));
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

@@ -5,8 +5,7 @@
 namespace framekeeper::test {
 namespace {
 
-TEST(BOOLToStringTransformer, SaysYesForTrueAndNoOtherwise)
-{
+TEST(BOOLToStringTransformer, SaysYesForTrueAndNoOtherwise) {
     BOOLToStringTransformer const transformer = adopt<BOOLToStringTransformer>();
     EXPECT_EQ(text(transformer.transformedValue_(NSNumber::numberWithBool_(YES))), "Yes");
     EXPECT_EQ(text(transformer.transformedValue_(NSNumber::numberWithBool_(NO))), "No");
@@ -15,13 +14,12 @@ TEST(BOOLToStringTransformer, SaysYesForTrueAndNoOtherwise)
     EXPECT_EQ(text(transformer.transformedValue_(nil)), "No");
 }
 
-TEST(BOOLToStringTransformer, MakesStringsAndGoesOneWay)
-{
+TEST(BOOLToStringTransformer, MakesStringsAndGoesOneWay) {
     EXPECT_TRUE(isSame(BOOLToStringTransformer::transformedValueClass(), classOf<NSString>()));
     EXPECT_FALSE(BOOLToStringTransformer::allowsReverseTransformation());
     Class const cls = NSClassFromString("BOOLToStringTransformer");
     EXPECT_TRUE(isSame(cls.performClassSelector_("transformedValueClass"), classOf<NSString>()));
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

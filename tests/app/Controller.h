@@ -9,51 +9,36 @@ namespace framekeeper::test {
 
 using mac::test::TemporaryFolder;
 
-inline AppController makeController()
-{
-    return AppController::alloc().init();
-}
+inline AppController makeController() { return AppController::alloc().init(); }
 
-inline NSString pathString(std::string const& bytes)
-{
-    return NSString::stringWithFileSystemRepresentation_(bytes);
-}
+inline NSString pathString(std::string const& bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 // A copy of the companion below the folder; answers its path.
-inline NSString makeCopy(TemporaryFolder const& folder, std::string const& relative, std::string const& shortVersion = "2.1",
-    std::string const& version = "210")
-{
+inline NSString makeCopy(TemporaryFolder const& folder, std::string const& relative,
+                         std::string const& shortVersion = "2.1", std::string const& version = "210") {
     std::string const information = mac::test::informationFile("com.tidelark.mirrorframe", shortVersion, version);
     return pathString(folder.makeBundle(relative + "/Mirror Frame.app", information));
 }
 
-inline NSDictionary entry(NSString const& path, char const* key, id const& object)
-{
-    return NSDictionary::dictionaryWithObjectsAndKeys_({ path, "path", object, NSString::stringWithUTF8String_(key) });
+inline NSDictionary entry(NSString const& path, char const* key, id const& object) {
+    return NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", object, NSString::stringWithUTF8String_(key)});
 }
 
-inline NSMutableSet pathSet(std::initializer_list<id> paths)
-{
+inline NSMutableSet pathSet(std::initializer_list<id> paths) {
     return NSMutableSet::setWithArray_(NSArray::arrayWithObjects_(paths));
 }
 
 // The record of a path in the inventory, or nil.
-inline NSDictionary recordOf(AppController const& controller, NSString const& path)
-{
+inline NSDictionary recordOf(AppController const& controller, NSString const& path) {
     for (id const& record : controller.paths().allObjects()) {
-        if (record.valueForKey_("path").isEqual_(path))
-            return as<NSDictionary>(record);
+        if (record.valueForKey_("path").isEqual_(path)) return as<NSDictionary>(record);
     }
     return nil;
 }
 
-inline std::string text(id const& object)
-{
-    return object == nil ? "(nil)" : object.description().UTF8String();
-}
+inline std::string text(id const& object) { return object == nil ? "(nil)" : object.description().UTF8String(); }
 
-inline bool flag(NSDictionary const& record, NSString const& key)
-{
+inline bool flag(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();
 }
 

@@ -9,29 +9,22 @@ namespace {
 struct Observer : Handle<Observer, NSObject> {
     class Body;
     using Handle::Handle;
-    static ClassDescription describeClass()
-    {
-        return { .name = "FieldObserver", .superclass = classOf<NSObject>() };
-    }
+    static ClassDescription describeClass() { return {.name = "FieldObserver", .superclass = classOf<NSObject>()}; }
 };
 
 class Observer::Body : public ObjectBody {
 public:
     void observeValueForKeyPath(NSString const&, id const&, NSDictionary const&, void*) override { ++changes; }
-    int changes { 0 };
+    int changes{0};
 };
 
-char const* const Keys[] { "allAutolaunchItems", "allToolbarItems", "isRunningPaths", "isAutolaunchedPaths",
-    "isInToolbarPaths", "isOnHarddiskPaths", "paths", "query" };
+char const* const Keys[]{"allAutolaunchItems", "allToolbarItems",   "isRunningPaths", "isAutolaunchedPaths",
+                         "isInToolbarPaths",   "isOnHarddiskPaths", "paths",          "query"};
 
-id valueFor(std::string const& key)
-{
-    if (key == "allAutolaunchItems" || key == "allToolbarItems")
-        return NSArray::arrayWithObject_("item");
-    if (key == "isOnHarddiskPaths" || key == "paths")
-        return NSMutableSet::set();
-    if (key == "query")
-        return NSMetadataQuery::alloc().init();
+id valueFor(std::string const& key) {
+    if (key == "allAutolaunchItems" || key == "allToolbarItems") return NSArray::arrayWithObject_("item");
+    if (key == "isOnHarddiskPaths" || key == "paths") return NSMutableSet::set();
+    if (key == "query") return NSMetadataQuery::alloc().init();
     return NSSet::set();
 }
 
@@ -42,16 +35,14 @@ protected:
     id value = valueFor(GetParam());
 };
 
-TEST_P(ControllerField, IsSetAndReadThroughKeyValueCoding)
-{
+TEST_P(ControllerField, IsSetAndReadThroughKeyValueCoding) {
     controller.setValue_forKey_(value, key);
     EXPECT_TRUE(isSame(controller.valueForKey_(key), value));
     controller.setValue_forKey_(nil, key);
     EXPECT_TRUE(controller.valueForKey_(key) == nil);
 }
 
-TEST_P(ControllerField, TellsItsObserversOnceOfEachSettingAlsoOfTheSameObject)
-{
+TEST_P(ControllerField, TellsItsObserversOnceOfEachSettingAlsoOfTheSameObject) {
     Observer const observer = adopt<Observer>();
     controller.addObserver_forKeyPath_options_context_(observer, key, 0, nullptr);
     controller.setValue_forKey_(value, key);
@@ -62,10 +53,9 @@ TEST_P(ControllerField, TellsItsObserversOnceOfEachSettingAlsoOfTheSameObject)
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheController, ControllerField, testing::ValuesIn(Keys),
-    [](testing::TestParamInfo<char const*> const& info) { return info.param; });
+                         [](testing::TestParamInfo<char const*> const& info) { return info.param; });
 
-TEST(ControllerFields, TellNothingWhenAFieldChangesInPlace)
-{
+TEST(ControllerFields, TellNothingWhenAFieldChangesInPlace) {
     AppController const controller = makeController();
     Observer const observer = adopt<Observer>();
     controller.setPaths_(NSMutableSet::set());
@@ -74,8 +64,7 @@ TEST(ControllerFields, TellNothingWhenAFieldChangesInPlace)
     EXPECT_EQ(bodyOf(observer)->changes, 0);
 }
 
-TEST(ControllerFields, HaveSettersThatReadBackTheSameObject)
-{
+TEST(ControllerFields, HaveSettersThatReadBackTheSameObject) {
     AppController const controller = makeController();
     NSArray const items = NSArray::arrayWithObject_("item");
     NSSet const entries = NSSet::setWithObject_("entry");
@@ -99,8 +88,7 @@ TEST(ControllerFields, HaveSettersThatReadBackTheSameObject)
     EXPECT_TRUE(isSame(controller.query(), query));
 }
 
-TEST(ControllerFields, OfANilControllerAreNilAndCannotBeSet)
-{
+TEST(ControllerFields, OfANilControllerAreNilAndCannotBeSet) {
     AppController const controller = nil;
     controller.setPaths_(NSMutableSet::set());
     controller.setQuery_(NSMetadataQuery::alloc().init());
@@ -111,12 +99,11 @@ TEST(ControllerFields, OfANilControllerAreNilAndCannotBeSet)
     EXPECT_TRUE(controller.window() == nil);
 }
 
-TEST(ControllerFields, RefuseAnOutletOfAnotherClass)
-{
+TEST(ControllerFields, RefuseAnOutletOfAnotherClass) {
     AppController const controller = makeController();
     controller.setValue_forKey_("no window", "window");
     EXPECT_TRUE(controller.window() == nil);
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

@@ -4,13 +4,9 @@
 namespace framekeeper::test {
 namespace {
 
-NSNumber psn(long long value)
-{
-    return NSNumber::numberWithLongLong_(value);
-}
+NSNumber psn(long long value) { return NSNumber::numberWithLongLong_(value); }
 
-TEST(PathRecords, AreAnEmptySetWhenEverySourceIsEmpty)
-{
+TEST(PathRecords, AreAnEmptySetWhenEverySourceIsEmpty) {
     AppController const controller = makeController();
     ASSERT_TRUE(controller.paths() == nil);
     controller.reSync();
@@ -18,8 +14,7 @@ TEST(PathRecords, AreAnEmptySetWhenEverySourceIsEmpty)
     EXPECT_EQ(controller.paths().count(), 0U);
 }
 
-TEST(PathRecords, HoldElevenKeysInTheirOrderWhenEveryObjectIsThere)
-{
+TEST(PathRecords, HoldElevenKeysInTheirOrderWhenEveryObjectIsThere) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
     NSMutableSet const records = NSMutableSet::set();
@@ -27,22 +22,22 @@ TEST(PathRecords, HoldElevenKeysInTheirOrderWhenEveryObjectIsThere)
         records, makeCopy(folder, "a"), psn(7), NSDictionary::dictionary(), NSDictionary::dictionary());
     NSDictionary const record = as<NSDictionary>(records.anyObject());
     EXPECT_EQ(text(record.allKeys().componentsJoinedByString_(" ")),
-        "path displayPath exists isRunning psn isAutolaunched autolaunchItem isInToolbar toolbarItem version versionString");
+              "path displayPath exists isRunning psn isAutolaunched autolaunchItem isInToolbar toolbarItem version "
+              "versionString");
     EXPECT_TRUE(record.isKindOfClass_(classOf<NSMutableDictionary>()));
 }
 
-TEST(PathRecords, LeaveOutTheKeysOfObjectsThatAreNil)
-{
+TEST(PathRecords, LeaveOutTheKeysOfObjectsThatAreNil) {
     AppController const controller = makeController();
     NSMutableSet const records = NSMutableSet::set();
-    controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/nowhere/Mirror Frame.app", nil, nil, nil);
+    controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/nowhere/Mirror Frame.app", nil, nil,
+                                                                     nil);
     NSDictionary const record = as<NSDictionary>(records.anyObject());
     EXPECT_EQ(text(record.allKeys().componentsJoinedByString_(" ")),
-        "path displayPath exists isRunning isAutolaunched isInToolbar version versionString");
+              "path displayPath exists isRunning isAutolaunched isInToolbar version versionString");
 }
 
-TEST(PathRecords, TakeTheirFlagsFromTheSourcesAndNotFromTheObjects)
-{
+TEST(PathRecords, TakeTheirFlagsFromTheSourcesAndNotFromTheObjects) {
     AppController const controller = makeController();
     NSMutableSet const records = NSMutableSet::set();
     controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/a", psn(7), "item", "item");
@@ -59,12 +54,11 @@ TEST(PathRecords, TakeTheirFlagsFromTheSourcesAndNotFromTheObjects)
     EXPECT_TRUE(other.objectForKey_("psn") == nil);
 }
 
-TEST(PathRecords, LookTheObjectsOfAPathUpInEachSource)
-{
+TEST(PathRecords, LookTheObjectsOfAPathUpInEachSource) {
     AppController const controller = makeController();
     NSDictionary const loginItem = NSDictionary::dictionaryWithObject_forKey_("/b", "Path");
     NSDictionary const toolbarItem = NSDictionary::dictionary();
-    controller.setIsRunningPaths_(NSSet::setWithObjects_({ entry("/a", "psn", psn(1)), entry("/b", "psn", psn(2)) }));
+    controller.setIsRunningPaths_(NSSet::setWithObjects_({entry("/a", "psn", psn(1)), entry("/b", "psn", psn(2))}));
     controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/b", "autolaunchItem", loginItem)));
     controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/b", "toolbarItem", toolbarItem)));
     NSMutableSet const records = NSMutableSet::set();
@@ -75,65 +69,61 @@ TEST(PathRecords, LookTheObjectsOfAPathUpInEachSource)
     EXPECT_TRUE(isSame(record.objectForKey_("toolbarItem"), toolbarItem));
 }
 
-TEST(PathRecords, ShowBothVersionsOfACopy)
-{
+TEST(PathRecords, ShowBothVersionsOfACopy) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
     NSString const path = makeCopy(folder, "a", "2.1", "210");
-    controller.setIsOnHarddiskPaths_(pathSet({ path }));
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
     controller.reSync();
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("version")), "210");
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "2.1 (210)");
 }
 
-TEST(PathRecords, ShowNoVersionsOfABundleWithAnotherIdentifier)
-{
+TEST(PathRecords, ShowNoVersionsOfABundleWithAnotherIdentifier) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
-    NSString const path = pathString(folder.makeBundle("Mirror Frame.app", mac::test::informationFile("com.example.other", "1", "1")));
-    controller.setIsOnHarddiskPaths_(pathSet({ path }));
+    NSString const path =
+        pathString(folder.makeBundle("Mirror Frame.app", mac::test::informationFile("com.example.other", "1", "1")));
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
     controller.reSync();
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("version")), "");
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "");
 }
 
-TEST(PathRecords, ShowNoVersionsOfWhatIsNoBundle)
-{
+TEST(PathRecords, ShowNoVersionsOfWhatIsNoBundle) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
     NSString const file = pathString(folder.makeFile("Mirror Frame.app", "text"));
-    controller.setIsOnHarddiskPaths_(pathSet({ file }));
+    controller.setIsOnHarddiskPaths_(pathSet({file}));
     controller.reSync();
     EXPECT_EQ(text(recordOf(controller, file).objectForKey_("version")), "");
     EXPECT_TRUE(flag(recordOf(controller, file), "exists"));
 }
 
-TEST(PathRecords, HaveNoVersionKeyForACopyWithoutABundleVersion)
-{
+TEST(PathRecords, HaveNoVersionKeyForACopyWithoutABundleVersion) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
     NSString const path = makeCopy(folder, "a", "2.1", "");
-    controller.setIsOnHarddiskPaths_(pathSet({ path }));
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
     controller.reSync();
     EXPECT_TRUE(recordOf(controller, path).objectForKey_("version") == nil);
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "2.1 ((null))");
 }
 
-TEST(PathRecords, ShowAVersionThatIsANumberAsText)
-{
+TEST(PathRecords, ShowAVersionThatIsANumberAsText) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
-    NSString const path = pathString(folder.makeBundle("Mirror Frame.app",
+    NSString const path = pathString(folder.makeBundle(
+        "Mirror Frame.app",
         "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>com.tidelark.mirrorframe</string>"
         "<key>CFBundleVersion</key><integer>210</integer></dict></plist>"));
-    controller.setIsOnHarddiskPaths_(pathSet({ path }));
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
     controller.reSync();
     EXPECT_TRUE(as<NSString>(recordOf(controller, path).objectForKey_("version")).isEqualToString_("210"));
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "(null) (210)");
 }
 
-TEST(PathRecords, ListALoginItemThatTheDiskDoesNotHold)
-{
+TEST(PathRecords, ListALoginItemThatTheDiskDoesNotHold) {
     AppController const controller = makeController();
     NSDictionary const item = NSDictionary::dictionaryWithObject_forKey_("~/Gone/Mirror Frame.app", "Path");
     controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/Gone/Mirror Frame.app", "autolaunchItem", item)));
@@ -144,10 +134,9 @@ TEST(PathRecords, ListALoginItemThatTheDiskDoesNotHold)
     EXPECT_TRUE(isSame(record.objectForKey_("autolaunchItem"), item));
 }
 
-TEST(PathRecords, JoinAPathOfTwoSourcesIntoOneRecord)
-{
+TEST(PathRecords, JoinAPathOfTwoSourcesIntoOneRecord) {
     AppController const controller = makeController();
-    controller.setIsOnHarddiskPaths_(pathSet({ "/a" }));
+    controller.setIsOnHarddiskPaths_(pathSet({"/a"}));
     controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/a", "psn", psn(42))));
     controller.reSync();
     ASSERT_EQ(controller.paths().count(), 1U);
@@ -155,39 +144,35 @@ TEST(PathRecords, JoinAPathOfTwoSourcesIntoOneRecord)
     EXPECT_EQ(text(recordOf(controller, "/a").objectForKey_("psn")), "42");
 }
 
-TEST(PathRecords, ShowTheFirstOfTwoRunningCopiesOfOneBundleOnce)
-{
+TEST(PathRecords, ShowTheFirstOfTwoRunningCopiesOfOneBundleOnce) {
     AppController const controller = makeController();
-    controller.setIsRunningPaths_(NSSet::setWithObjects_({ entry("/a", "psn", psn(1)), entry("/a", "psn", psn(2)) }));
+    controller.setIsRunningPaths_(NSSet::setWithObjects_({entry("/a", "psn", psn(1)), entry("/a", "psn", psn(2))}));
     controller.reSync();
     ASSERT_EQ(controller.paths().count(), 1U);
     EXPECT_EQ(text(recordOf(controller, "/a").objectForKey_("psn")), "1");
 }
 
-TEST(PathRecords, CompareTheirPathsAsExactStrings)
-{
+TEST(PathRecords, CompareTheirPathsAsExactStrings) {
     AppController const controller = makeController();
-    controller.setIsOnHarddiskPaths_(pathSet({ "/a" }));
-    controller.setIsRunningPaths_(NSSet::setWithObjects_({ entry("/A", "psn", psn(1)), entry("/a/", "psn", psn(2)) }));
+    controller.setIsOnHarddiskPaths_(pathSet({"/a"}));
+    controller.setIsRunningPaths_(NSSet::setWithObjects_({entry("/A", "psn", psn(1)), entry("/a/", "psn", psn(2))}));
     controller.reSync();
     EXPECT_EQ(controller.paths().count(), 3U);
     EXPECT_FALSE(flag(recordOf(controller, "/a"), "isRunning"));
 }
 
-TEST(PathRecords, StandInTheOrderOfTheSources)
-{
+TEST(PathRecords, StandInTheOrderOfTheSources) {
     AppController const controller = makeController();
     controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/t", "toolbarItem", "t")));
     controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/l", "autolaunchItem", "l")));
     controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/r", "psn", psn(1))));
-    controller.setIsOnHarddiskPaths_(pathSet({ "/d" }));
+    controller.setIsOnHarddiskPaths_(pathSet({"/d"}));
     controller.reSync();
     NSArray const paths = as<NSArray>(controller.paths().allObjects().valueForKey_("path"));
     EXPECT_EQ(text(paths.componentsJoinedByString_(" ")), "/d /r /l /t");
 }
 
-TEST(PathRecords, OfANilPathLackThePathKeys)
-{
+TEST(PathRecords, OfANilPathLackThePathKeys) {
     AppController const controller = makeController();
     NSMutableSet const records = NSMutableSet::set();
     controller.pathObjects_addPath_(records, nil);
@@ -196,8 +181,7 @@ TEST(PathRecords, OfANilPathLackThePathKeys)
     EXPECT_FALSE(flag(record, "exists"));
 }
 
-TEST(PathRecords, OfANilControllerAreNone)
-{
+TEST(PathRecords, OfANilControllerAreNone) {
     AppController const controller = nil;
     NSMutableSet const records = NSMutableSet::set();
     controller.pathObjects_addPath_(records, "/a");
@@ -206,24 +190,20 @@ TEST(PathRecords, OfANilControllerAreNone)
     EXPECT_EQ(records.count(), 0U);
 }
 
-// Ten times the paths must not be a hundred times the work. Work is counted, not timed: every path is read from its entry a
-// bounded number of times.
+// Ten times the paths must not be a hundred times the work. Work is counted, not timed: every path is read from its
+// entry a bounded number of times.
 struct CountedEntry : Handle<CountedEntry, NSObject> {
     class Body;
     using Handle::Handle;
-    static ClassDescription describeClass() { return { .name = "CountedEntry", .superclass = classOf<NSObject>() }; }
+    static ClassDescription describeClass() { return {.name = "CountedEntry", .superclass = classOf<NSObject>()}; }
 };
 
 std::size_t g_reads = 0;
 
 class CountedEntry::Body : public ObjectBody {
 public:
-    explicit Body(NSString const& path)
-        : m_path(path)
-    {
-    }
-    id valueForKey(NSString const& key) override
-    {
+    explicit Body(NSString const& path) : m_path(path) {}
+    id valueForKey(NSString const& key) override {
         ++g_reads;
         return key.isEqualToString_("path") ? id(m_path) : id("object");
     }
@@ -232,10 +212,9 @@ private:
     NSString m_path;
 };
 
-std::size_t readsOfReSync(int count)
-{
+std::size_t readsOfReSync(int count) {
     AppController const controller = makeController();
-    NSMutableSet const sources[3] { NSMutableSet::set(), NSMutableSet::set(), NSMutableSet::set() };
+    NSMutableSet const sources[3]{NSMutableSet::set(), NSMutableSet::set(), NSMutableSet::set()};
     for (int index = 0; index < count; ++index) {
         for (NSMutableSet const& source : sources)
             source.addObject_(adopt<CountedEntry>(NSString::stringWithFormat_("/none/%d", index)));
@@ -249,11 +228,10 @@ std::size_t readsOfReSync(int count)
     return g_reads;
 }
 
-TEST(PathRecords, AreRebuiltWithWorkThatGrowsAsThePathsDo)
-{
+TEST(PathRecords, AreRebuiltWithWorkThatGrowsAsThePathsDo) {
     std::size_t const few = readsOfReSync(200);
     EXPECT_LE(readsOfReSync(2000), few * 12);
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

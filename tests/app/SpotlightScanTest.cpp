@@ -10,12 +10,10 @@ namespace framekeeper::test {
 namespace {
 
 // Runs the loop until the condition holds; false after ten seconds, which only a failure takes.
-bool runUntil(std::function<bool()> const& condition)
-{
+bool runUntil(std::function<bool()> const& condition) {
     NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(10);
     while (!condition()) {
-        if (end.timeIntervalSinceNow() < 0)
-            return false;
+        if (end.timeIntervalSinceNow() < 0) return false;
         NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, end);
     }
     return true;
@@ -25,20 +23,20 @@ bool runUntil(std::function<bool()> const& condition)
 class SpotlightScan : public testing::Test {
 protected:
     void SetUp() override { ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1); }
-    void TearDown() override
-    {
+    void TearDown() override {
         controller.query().stopQuery();
         ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
     }
 
-    bool gathered() const { return runUntil([this] { return !controller.query().isGathering(); }); }
+    bool gathered() const {
+        return runUntil([this] { return !controller.query().isGathering(); });
+    }
 
     TemporaryFolder folder;
     AppController controller = makeController();
 };
 
-TEST_F(SpotlightScan, FillsTheInventoryWhileItGathers)
-{
+TEST_F(SpotlightScan, FillsTheInventoryWhileItGathers) {
     NSString const first = makeCopy(folder, "Downloads");
     NSString const second = makeCopy(folder, "Applications/Old", "1.9", "99");
     controller.scanAction_(nil);
@@ -48,8 +46,7 @@ TEST_F(SpotlightScan, FillsTheInventoryWhileItGathers)
     EXPECT_EQ(text(recordOf(controller, second).objectForKey_("versionString")), "1.9 (99)");
 }
 
-TEST_F(SpotlightScan, LeavesOutABundleWithAnotherIdentifier)
-{
+TEST_F(SpotlightScan, LeavesOutABundleWithAnotherIdentifier) {
     folder.makeBundle("Mirror Frame.app", mac::test::informationFile("com.example.other", "1", "1"));
     controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
@@ -58,8 +55,7 @@ TEST_F(SpotlightScan, LeavesOutABundleWithAnotherIdentifier)
     EXPECT_EQ(controller.paths().count(), 0U);
 }
 
-TEST_F(SpotlightScan, LeavesOutAResultThatHasGone)
-{
+TEST_F(SpotlightScan, LeavesOutAResultThatHasGone) {
     NSString const path = makeCopy(folder, "a");
     controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
@@ -70,8 +66,7 @@ TEST_F(SpotlightScan, LeavesOutAResultThatHasGone)
     EXPECT_TRUE(recordOf(controller, path) == nil);
 }
 
-TEST_F(SpotlightScan, EmptiesTheTableAtOnceButKeepsTheDisksPaths)
-{
+TEST_F(SpotlightScan, EmptiesTheTableAtOnceButKeepsTheDisksPaths) {
     makeCopy(folder, "a");
     controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
@@ -80,16 +75,14 @@ TEST_F(SpotlightScan, EmptiesTheTableAtOnceButKeepsTheDisksPaths)
     EXPECT_EQ(controller.isOnHarddiskPaths().count(), 1U);
 }
 
-TEST_F(SpotlightScan, OfNothingLeavesTheTableEmpty)
-{
+TEST_F(SpotlightScan, OfNothingLeavesTheTableEmpty) {
     controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
     ASSERT_FALSE(controller.paths() == nil);
     EXPECT_EQ(controller.paths().count(), 0U);
 }
 
-TEST_F(SpotlightScan, StoppedKeepsTheRecordsAlreadyShown)
-{
+TEST_F(SpotlightScan, StoppedKeepsTheRecordsAlreadyShown) {
     NSString const path = makeCopy(folder, "a");
     controller.scanAction_(nil);
     ASSERT_TRUE(runUntil([this] { return controller.paths().count() == 1; }));
@@ -98,19 +91,17 @@ TEST_F(SpotlightScan, StoppedKeepsTheRecordsAlreadyShown)
     EXPECT_TRUE(controller.query().isStopped());
 }
 
-TEST_F(SpotlightScan, IgnoresTheEndOfGatheringAndLiveUpdates)
-{
-    NSNotification const notification
-        = NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
+TEST_F(SpotlightScan, IgnoresTheEndOfGatheringAndLiveUpdates) {
+    NSNotification const notification =
+        NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
     controller.queryDidFinish_(notification);
     controller.queryDidUpdate_(notification);
     EXPECT_TRUE(controller.paths() == nil);
 }
 
-TEST_F(SpotlightScan, FollowsTheStartAndTheProgressOfTheQuery)
-{
-    NSNotification const notification
-        = NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
+TEST_F(SpotlightScan, FollowsTheStartAndTheProgressOfTheQuery) {
+    NSNotification const notification =
+        NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
     controller.queryDidStart_(notification);
     EXPECT_FALSE(controller.paths() == nil);
     controller.setPaths_(nil);
@@ -118,15 +109,13 @@ TEST_F(SpotlightScan, FollowsTheStartAndTheProgressOfTheQuery)
     EXPECT_FALSE(controller.paths() == nil);
 }
 
-TEST_F(SpotlightScan, SyncsTheDisksPathsWithoutTheInventory)
-{
+TEST_F(SpotlightScan, SyncsTheDisksPathsWithoutTheInventory) {
     controller.syncIsOnHarddisk();
     EXPECT_FALSE(controller.isOnHarddiskPaths() == nil);
     EXPECT_TRUE(controller.paths() == nil);
 }
 
-TEST_F(SpotlightScan, RefusedBeepsAndSaysSo)
-{
+TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
     controller.query().setPredicate_(nil);
     int beeps = 0;
     std::vector<std::string> lines;
@@ -139,8 +128,7 @@ TEST_F(SpotlightScan, RefusedBeepsAndSaysSo)
     EXPECT_TRUE(controller.paths() == nil);
 }
 
-TEST_F(SpotlightScan, ReadsTheOtherThreeSourcesAnew)
-{
+TEST_F(SpotlightScan, ReadsTheOtherThreeSourcesAnew) {
     controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/a", "psn", "1")));
     controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/a", "autolaunchItem", "1")));
     controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/a", "toolbarItem", "1")));
@@ -150,5 +138,5 @@ TEST_F(SpotlightScan, ReadsTheOtherThreeSourcesAnew)
     EXPECT_EQ(controller.isInToolbarPaths().count(), 0U);
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

@@ -30,4 +30,4 @@ private:
 // An XML information file of an application with these values; empty ones are left out.
 std::string informationFile(std::string_view identifier, std::string_view shortVersion, std::string_view version);
 
-}
+} // namespace mac::test

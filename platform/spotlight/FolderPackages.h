@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/spotlight/VolumeWalker.h"
+
+namespace mac {
+
+// The paths of the wanted packages that lie directly in the folder now; none when it cannot be read.
+std::vector<std::string> packagesInFolder(std::string const& folder, VolumeWalkRequest const& request);
+
+} // namespace mac

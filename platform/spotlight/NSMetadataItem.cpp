@@ -1,0 +1,53 @@
+#include "platform/spotlight/NSMetadataItem.h"
+#include "platform/foundation/Method.h"
+
+namespace mac {
+
+class NSMetadataItem::Body : public ObjectBody {
+public:
+    explicit Body(NSString const& path) : m_path(path) {}
+
+    id attribute(NSString const& key) const {
+        if (key.isEqualToString_(kMDItemPath)) return m_path;
+        if (key.isEqualToString_(kMDItemFSName)) return m_path.lastPathComponent();
+        if (key.isEqualToString_(kMDItemKind)) return "Application";
+        return nil;
+    }
+
+    // A predicate asks for attributes as keys; one that the item does not have is missing, not an error.
+    id valueForKey(NSString const& key) override { return attribute(key); }
+    bool isEqual(id const& other) const override {
+        NSMetadataItem const item = as<NSMetadataItem>(other);
+        return item != nil && m_path.isEqualToString_(bodyOf(item)->m_path);
+    }
+    std::uint64_t hash() const override { return m_path.hash(); }
+
+private:
+    NSString m_path;
+};
+
+ClassDescription NSMetadataItem::describeClass() {
+    return {
+        .name = "NSMetadataItem",
+        .superclass = classOf<NSObject>(),
+        .methods =
+            {
+                method<&NSMetadataItem::valueForAttribute_>("valueForAttribute:"),
+                method<&NSMetadataItem::attributes>("attributes"),
+            },
+    };
+}
+
+NSMetadataItem NSMetadataItem::itemWithPath(NSString const& path) {
+    return path == nil ? NSMetadataItem() : adopt<NSMetadataItem>(path);
+}
+
+id NSMetadataItem::valueForAttribute_(NSString const& key) const {
+    return *this == nil || key == nil ? id() : bodyOf(*this)->attribute(key);
+}
+
+NSArray NSMetadataItem::attributes() const {
+    return *this == nil ? NSArray() : NSArray::arrayWithObjects_({kMDItemPath, kMDItemFSName, kMDItemKind});
+}
+
+} // namespace mac

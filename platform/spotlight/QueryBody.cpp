@@ -1,0 +1,186 @@
+#include "platform/spotlight/QueryBody.h"
+#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSSet.h"
+#include "platform/foundation/Weak.h"
+#include "platform/spotlight/FolderPackages.h"
+#include "platform/spotlight/SearchPlan.h"
+#include <algorithm>
+#include <cstring>
+
+namespace mac {
+
+namespace {
+
+// The first finds are shown at once, but what comes within this time goes with them.
+constexpr NSTimeInterval FirstBatchDelay = 0.05;
+
+std::string folderOf(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+NSString itemPath(NSMetadataItem const& item) { return as<NSString>(item.valueForAttribute_(kMDItemPath)); }
+
+NSMetadataItem itemOfPath(std::string const& path) {
+    return NSMetadataItem::itemWithPath(NSString::stringWithFileSystemRepresentation_(path));
+}
+
+} // namespace
+
+NSMetadataQuery::Body::~Body() = default;
+
+NSMetadataQuery NSMetadataQuery::Body::self() { return uncheckedCast<NSMetadataQuery>(id::retain(this)); }
+
+void NSMetadataQuery::Body::setPhase(Phase phase) {
+    KeyChange const change(self(), "isGathering");
+    m_phase = phase;
+}
+
+void NSMetadataQuery::Body::post(char const* name) {
+    NSNotificationCenter::defaultCenter().postNotificationName_object_(NSString::stringWithUTF8String_(name), self());
+}
+
+bool NSMetadataQuery::Body::start() {
+    if (m_phase == Phase::Gathering || m_phase == Phase::Live || m_predicate == nil) return false;
+    std::optional<VolumeWalkRequest> request = planSearch(m_predicate, m_searchScopes);
+    if (!request) return false;
+
+    Weak<NSMetadataQuery> const query(self());
+    std::uint64_t const walk = ++m_walk;
+    auto const onWalk = [query, walk](auto const& function) {
+        return [query, walk, function] {
+            NSMetadataQuery const alive = query.load();
+            if (alive != nil && bodyOf(alive)->m_walk == walk) function(*bodyOf(alive));
+        };
+    };
+    auto const news = onWalk([](Body& body) { body.walkerHasNews(); });
+    auto walker = std::make_unique<VolumeWalker>(*request, [news] { performOnMainRunLoop(news); });
+    // Queued before the walk can have news, so that it comes first.
+    performOnMainRunLoop(onWalk([](Body& body) { body.post(NSMetadataQueryDidStartGatheringNotification); }));
+    if (!walker->start()) {
+        ++m_walk;
+        return false;
+    }
+    m_request = std::move(*request);
+    m_walker = std::move(walker);
+    m_watch = std::make_unique<FolderWatch>([this](std::string const& folder) {
+        m_changedFolders.insert(folder);
+        scheduleDelivery();
+    });
+    m_changedFolders.clear();
+    m_results = NSArray::array();
+    m_lastDelivery = nil;
+    KeyChange const change(self(), "unreadableFolderCount");
+    m_unreadableFolderCount = 0;
+    setPhase(Phase::Gathering);
+    return true;
+}
+
+void NSMetadataQuery::Body::stop() {
+    if (m_phase == Phase::Idle || m_phase == Phase::Stopped) return;
+    ++m_walk;
+    m_timer.invalidate();
+    m_timer = nil;
+    m_walker.reset();
+    m_watch.reset();
+    setPhase(Phase::Stopped);
+}
+
+void NSMetadataQuery::Body::enableUpdates() {
+    if (m_disabledUpdates == 0) return;
+    --m_disabledUpdates;
+    if (m_disabledUpdates == 0 && (m_phase == Phase::Gathering || m_phase == Phase::Live)) scheduleDelivery();
+}
+
+void NSMetadataQuery::Body::walkerHasNews() { scheduleDelivery(); }
+
+void NSMetadataQuery::Body::scheduleDelivery() {
+    if (m_disabledUpdates > 0 || m_timer.isValid()) return;
+    NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
+    NSTimeInterval delay = std::min(FirstBatchDelay, interval);
+    if (m_lastDelivery != nil) delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceNow(), 0.0, interval);
+    if (m_phase == Phase::Gathering && m_walker->progress().isFinished) delay = 0;
+    m_timer =
+        NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(delay, self(), "deliver:", nil, NO);
+}
+
+void NSMetadataQuery::Body::deliver() {
+    m_timer = nil;
+    if (m_disabledUpdates > 0) return;
+    m_lastDelivery = NSDate::date();
+    if (m_phase == Phase::Gathering) {
+        // Asked before the finds are taken: what is found later than this comes with the next batch.
+        VolumeWalkProgress const progress = m_walker->progress();
+        std::uint64_t const walk = m_walk;
+        if (takeFinds()) post(NSMetadataQueryGatheringProgressNotification);
+        // An observer may have stopped or restarted the query.
+        if (walk == m_walk && progress.isFinished) finishGathering(progress);
+        return;
+    }
+    if (m_phase == Phase::Live && applyFolderChanges()) post(NSMetadataQueryDidUpdateNotification);
+}
+
+bool NSMetadataQuery::Body::takeFinds() {
+    NSMutableArray const results = NSMutableArray::arrayWithArray_(m_results);
+    for (std::string const& path : m_walker->takeFound()) {
+        NSMetadataItem const item = itemOfPath(path);
+        if (!matches(item)) continue;
+        m_watch->add(folderOf(path));
+        results.addObject_(item);
+    }
+    bool const isMore = results.count() > m_results.count();
+    if (isMore) m_results = uncheckedCast<NSArray>(results.copy());
+    return isMore;
+}
+
+void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
+    if (progress.unreadableFolders > 0) {
+        UnreadableFolder const& first = progress.firstUnreadable.front();
+        NSLog("%llu folders could not be read, the first: %@ (%s)", progress.unreadableFolders,
+              NSString::stringWithFileSystemRepresentation_(first.path), std::strerror(first.error));
+        KeyChange const change(self(), "unreadableFolderCount");
+        m_unreadableFolderCount =
+            static_cast<NSUInteger>(std::min<std::uint64_t>(progress.unreadableFolders, NSNotFound));
+    }
+    m_walker.reset();
+    setPhase(Phase::Live);
+    post(NSMetadataQueryDidFinishGatheringNotification);
+    if (!m_changedFolders.empty() && m_phase == Phase::Live) scheduleDelivery();
+}
+
+bool NSMetadataQuery::Body::applyFolderChanges() {
+    std::set<std::string> const changed = std::exchange(m_changedFolders, {});
+    bool const isAnyChanged = changed.contains(std::string());
+    std::set<std::string> folders = changed;
+    folders.erase(std::string());
+    NSMutableArray const results = NSMutableArray::array();
+    for (id const& result : m_results) {
+        std::string const folder =
+            folderOf(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/"));
+        if (isAnyChanged) folders.insert(folder);
+        if (!folders.contains(folder)) results.addObject_(result);
+    }
+    for (std::string const& folder : folders) {
+        for (NSMetadataItem const& item : matchesInFolder(folder))
+            results.addObject_(item);
+    }
+    bool const isSameSet = NSSet::setWithArray_(results).isEqualToSet_(NSSet::setWithArray_(m_results));
+    if (!isSameSet) m_results = uncheckedCast<NSArray>(results.copy());
+    return !isSameSet;
+}
+
+std::vector<NSMetadataItem> NSMetadataQuery::Body::matchesInFolder(std::string const& folder) const {
+    std::vector<NSMetadataItem> items;
+    for (std::string const& path : packagesInFolder(folder, m_request)) {
+        NSMetadataItem const item = itemOfPath(path);
+        if (matches(item)) items.push_back(item);
+    }
+    return items;
+}
+
+bool NSMetadataQuery::Body::matches(NSMetadataItem const& item) const { return m_predicate.evaluateWithObject_(item); }
+
+} // namespace mac

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/foundation/NSTimer.h"
+#include "platform/spotlight/FolderWatch.h"
+#include "platform/spotlight/NSMetadataQuery.h"
+#include "platform/spotlight/VolumeWalker.h"
+#include <memory>
+#include <set>
+
+namespace mac {
+
+// A query at work. The walker's threads only say that there is news; everything else happens on the main thread, and
+// what observers read changes only in `deliver`.
+class NSMetadataQuery::Body : public ObjectBody {
+public:
+    enum class Phase { Idle, Gathering, Live, Stopped };
+
+    ~Body() override;
+
+    bool start();
+    void stop();
+    void enableUpdates();
+    // The batch timer has fired: brings the results up to date and posts what has happened.
+    void deliver();
+
+    NSPredicate m_predicate;
+    NSArray m_searchScopes;
+    NSTimeInterval m_batchingInterval{1};
+    Phase m_phase{Phase::Idle};
+    NSArray m_results = NSArray::array();
+    NSUInteger m_unreadableFolderCount{0};
+    unsigned m_disabledUpdates{0};
+
+private:
+    NSMetadataQuery self();
+    void setPhase(Phase phase);
+    void post(char const* name);
+    void walkerHasNews();
+    // Asks for a delivery as soon as the last one is an interval ago, or shortly after the first news.
+    void scheduleDelivery();
+    bool takeFinds();
+    void finishGathering(VolumeWalkProgress const& progress);
+    bool applyFolderChanges();
+    // The packages of a folder that match now, by path.
+    std::vector<NSMetadataItem> matchesInFolder(std::string const& folder) const;
+    bool matches(NSMetadataItem const& item) const;
+
+    VolumeWalkRequest m_request;
+    std::unique_ptr<VolumeWalker> m_walker;
+    std::unique_ptr<FolderWatch> m_watch;
+    std::set<std::string> m_changedFolders;
+    NSTimer m_timer;
+    NSDate m_lastDelivery;
+    // Tells news of this walk from that of an earlier one which was still under way.
+    std::uint64_t m_walk{0};
+};
+
+}
