@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Object.h"
+#include "platform/foundation/NSString.h"
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -12,38 +12,41 @@ class KeyPathObservation;
 // Where weak references look: the object until it goes, then null.
 class WeakRecord {
 public:
-    explicit WeakRecord(ObjectBody* body)
-        : m_body(body)
-    {
-    }
+    explicit WeakRecord(ObjectBody* body) : m_body(body) {}
     id load() const;
     void clear();
     bool isCleared() const;
-    bool refersTo(ObjectBody const* body) const;
 
 private:
     mutable std::mutex m_lock;
     ObjectBody* m_body;
 };
 
-// What few objects have: weak references to them, observers of their keys. Made on first need, owned by the body.
+// What few objects have: weak references to them, observers of their keys. Made on first need, owned by the body. Weak
+// references are for any thread, observing is for one.
 class ObjectAssociations {
 public:
-    explicit ObjectAssociations(ObjectBody* body)
-        : weakRecord(std::make_shared<WeakRecord>(body))
-    {
-    }
+    explicit ObjectAssociations(ObjectBody* body) : weakRecord(std::make_shared<WeakRecord>(body)) {}
+    ~ObjectAssociations();
+    ObjectAssociations(ObjectAssociations const&) = delete;
+    ObjectAssociations& operator=(ObjectAssociations const&) = delete;
 
     // One step of an observed key path that this object stands at.
     struct Listener {
-        std::string key;
+        NSString key;
         std::shared_ptr<KeyPathObservation> observation;
         std::size_t depth;
     };
-    // A change between will and did, with what the observers are to be told of the time before.
+    // Whom to tell when a change ends, and the value before it where the observer asked for it.
+    struct Told {
+        std::shared_ptr<KeyPathObservation> observation;
+        std::size_t depth;
+        id oldValue;
+    };
+    // A change between will and did.
     struct PendingChange {
-        std::string key;
-        std::vector<std::pair<Listener, id>> listenersAndOldValues;
+        NSString key;
+        std::vector<Told> told;
     };
 
     std::shared_ptr<WeakRecord> const weakRecord;

@@ -10,22 +10,25 @@ namespace mac {
 
 using Invocation = id (*)(id const& receiver, std::span<id const> arguments);
 
-// A row of a class's method table. Method.h makes one from a member or free function.
+// A row of a class's method table. Method.h makes one from a member or free function. The selector's text stays for
+// good.
 struct Method {
     std::string_view selector;
-    Invocation invoke { nullptr };
+    Invocation invoke{nullptr};
+    // Whether it answers something at all: key-value coding reads no key through a message that only does something.
+    bool answersValue{true};
 };
 
 // A row of a class's key table: what key-value coding calls. Without a setter the key can only be read.
 struct Property {
     std::string_view key;
-    id (*get)(id const& object) { nullptr };
-    void (*set)(id const& object, id const& value) { nullptr };
-    bool isScalar { false };
+    id (*get)(id const& object){nullptr};
+    void (*set)(id const& object, id const& value){nullptr};
+    bool isScalar{false};
 };
 
-// An object that stands for a class: its name, superclass, methods and keys. Class objects live as long as the program and
-// are known by name from the moment of their registration.
+// An object that stands for a class: its name, superclass, methods and keys. Class objects live as long as the program
+// and are known by name from the moment of their registration. A message sent to one is a class method.
 class Class : public Handle<Class, NSObject> {
 public:
     class Body;
@@ -47,49 +50,46 @@ public:
     Property const* propertyForKey(std::string_view key) const;
     // A category: further methods of an existing class. A later one of the same selector wins.
     void addMethods(std::span<Method const> methods) const;
-    // Sends +initialize to the superclass and to this class, once each, before the first instance.
+    // Sends +initialize to the superclass and to this class, once each, before the first instance. Other threads that
+    // make an instance meanwhile wait, so an initialize waits for no thread.
     void initializeOnce() const;
 };
 
 // What a class tells of itself, once.
 struct ClassDescription {
     std::string_view name;
-    Class superclass {};
+    Class superclass{};
     // Makes an empty body for alloc; null where there is no such thing.
-    ObjectBody* (*makeBody)() { nullptr };
+    ObjectBody* (*makeBody)(){nullptr};
     // +initialize; null where there is none.
-    void (*initialize)() { nullptr };
-    std::vector<Method> methods {};
-    std::vector<Method> classMethods {};
-    std::vector<Property> properties {};
+    void (*initialize)(){nullptr};
+    std::vector<Method> methods{};
+    std::vector<Method> classMethods{};
+    std::vector<Property> properties{};
 };
 
 Class const& registerClass(ClassDescription description);
-// The registered class of that name, or nil.
+// The registered class of that name, or nil. The framework's classes of this room are always registered.
 Class NSClassFromString(NSString name);
 NSString NSStringFromClass(Class const& cls);
 
 // The class object of a handle type, registered on first use.
-template<class T>
-Class const& classOf()
-{
+template <class T>
+Class const& classOf() {
     static Class const& cls = registerClass(T::describeClass());
     return cls;
 }
 
 // The object as a T; nil when it is nil or of another class. The only downcast.
-template<class T>
-T as(id const& object)
-{
-    if (!object.isKindOfClass_(classOf<T>()))
-        return nil;
+template <class T>
+T as(id const& object) {
+    if (!object.isKindOfClass_(classOf<T>())) return nil;
     return uncheckedCast<T>(object);
 }
 
 // A new object with a body made from the arguments, owned by the handle. The only `new` of a body.
-template<class T, class... Arguments>
-T adopt(Arguments&&... arguments)
-{
+template <class T, class... Arguments>
+T adopt(Arguments&&... arguments) {
     Class const& cls = classOf<T>();
     cls.initializeOnce();
     auto* body = new typename T::Body(std::forward<Arguments>(arguments)...);
@@ -99,20 +99,18 @@ T adopt(Arguments&&... arguments)
     return result;
 }
 
-template<class T>
-ObjectBody* makeEmptyBody()
-{
+template <class T>
+ObjectBody* makeEmptyBody() {
     return new typename T::Body();
 }
 
-template<class Self, class Super>
-Self Handle<Self, Super>::alloc()
-{
+template <class Self, class Super>
+Self Handle<Self, Super>::alloc() {
     return uncheckedCast<Self>(classOf<Self>().alloc());
 }
 
 // Registers a class by name before main, for classes that are found by name only.
-template<class T>
+template <class T>
 struct RegisteredClass {
     RegisteredClass() { classOf<T>(); }
 };

@@ -12,10 +12,7 @@ namespace mac {
 class NSArray::Body : public ObjectBody {
 public:
     Body() = default;
-    explicit Body(std::vector<id> objects)
-        : m_objects(std::move(objects))
-    {
-    }
+    explicit Body(std::vector<id> objects) : m_objects(std::move(objects)) {}
 
     bool isEqual(id const& other) const override;
     std::uint64_t hash() const override;
@@ -25,6 +22,10 @@ public:
     id valueForKey(NSString const& key) override;
     void setValueForKey(id const& value, NSString const& key) override;
     id valueForKeyPath(NSString const& keyPath) override;
+    void setValueForKeyPath(id const& value, NSString const& keyPath) override;
+
+    // Makes the array hold these. The old ones are released when it already does.
+    void replaceObjects(std::vector<id> objects) { m_objects.swap(objects); }
 
     std::vector<id> m_objects;
 };
@@ -39,6 +40,7 @@ public:
     id valueForKey(NSString const& key) override;
     void setValueForKey(id const& value, NSString const& key) override;
     id valueForKeyPath(NSString const& keyPath) override;
+    void setValueForKeyPath(id const& value, NSString const& keyPath) override;
 
     HashedEntries m_entries;
 };
@@ -63,7 +65,45 @@ std::vector<id> keysOf(HashedEntries const& entries);
 id valueOfCollectionOperator(std::span<id const> objects, NSString const& keyPath);
 bool isCollectionOperator(NSString const& keyPath);
 
-// The collection as nested old-style text, for people to read.
+// One step into a collection by a walk that may meet nested, or cyclic, collections; the walk stops where it is too
+// deep.
+class NestedStep {
+public:
+    NestedStep(unsigned& depth, unsigned deepest) : m_depth(depth), m_isTooDeep(depth++ >= deepest) {}
+    ~NestedStep() { --m_depth; }
+    NestedStep(NestedStep const&) = delete;
+    NestedStep& operator=(NestedStep const&) = delete;
+
+    bool isTooDeep() const { return m_isTooDeep; }
+
+private:
+    unsigned& m_depth;
+    bool m_isTooDeep;
+};
+
+// A collection nested deeper than this adds only its count to the hash of what holds it.
+class HashingStep : public NestedStep {
+public:
+    HashingStep() : NestedStep(s_depth, 8) {}
+
+private:
+    static thread_local unsigned s_depth;
+};
+
+// Collections nested deeper than this are equal only if they are the same.
+class ComparingStep : public NestedStep {
+public:
+    ComparingStep() : NestedStep(s_depth, 1024) {}
+
+private:
+    static thread_local unsigned s_depth;
+};
+
+// The same object, or an equal one.
+inline bool isSameOrEqual(id const& a, id const& b) { return isSame(a, b) || a.isEqual_(b); }
+
+// The collection as nested old-style text, for people to read: dictionaries with string keys in the order of their
+// keys. What holds itself, or would become too long, is cut with dots.
 NSString descriptionOfCollection(id const& collection);
 
 // Raises NSInvalidArgumentException for nil.

@@ -3,119 +3,138 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
 #include <algorithm>
-#include <ranges>
+#include <bit>
+#include <exception>
 
 namespace mac {
 
 using Listener = ObjectAssociations::Listener;
 using PendingChange = ObjectAssociations::PendingChange;
+using Told = ObjectAssociations::Told;
 
-// One observer of one key path of one object. It listens at every object along the path; when one of them is replaced it
-// moves to the new one.
+namespace {
+
+// Several steps each of which is taken whatever the others raise; then the first exception goes on.
+class AllThenRaise {
+public:
+    template <class Step>
+    void take(Step const& step) {
+        try {
+            step();
+        } catch (...) {
+            if (!m_first) m_first = std::current_exception();
+        }
+    }
+    void raise() const {
+        if (m_first) std::rethrow_exception(m_first);
+    }
+
+private:
+    std::exception_ptr m_first;
+};
+
+bool isCollectionWithoutKeys(id const& object) {
+    return object.isKindOfClass_(classOf<NSArray>()) || object.isKindOfClass_(classOf<NSSet>());
+}
+
+std::vector<NSString> keysOfPath(NSString const& keyPath) {
+    std::vector<NSString> keys;
+    std::u16string_view const path = keyPath.codeUnits();
+    for (std::size_t start = 0; start <= path.size();) {
+        std::size_t const end = std::min(path.find(u'.', start), path.size());
+        keys.push_back(NSString::stringWithCodeUnits(path.substr(start, end - start)));
+        start = end + 1;
+    }
+    return keys;
+}
+
+} // namespace
+
+// One observer of one key path of one object. It listens at every object along the path, as far as there are some; when
+// one of them is replaced it moves to the new one. The listeners own it; it ends with its object or its observer.
 class KeyPathObservation : public std::enable_shared_from_this<KeyPathObservation> {
 public:
     KeyPathObservation(id const& root, id const& observer, NSString const& keyPath, NSUInteger options, void* context)
-        : m_root(root)
-        , m_observer(observer)
-        , m_keyPath(keyPath)
-        , m_options(options)
-        , m_context(context)
-    {
-        std::string const path = keyPath.UTF8String();
-        for (std::size_t start = 0; start <= path.size();) {
-            std::size_t const end = std::min(path.find('.', start), path.size());
-            m_keys.push_back(path.substr(start, end - start));
-            start = end + 1;
-        }
+        : m_root(root), m_observer(observer), m_keyPath(keyPath), m_options(options), m_context(context),
+          m_keys(keysOfPath(keyPath)) {}
+
+    bool isOf(id const& root, id const& observer, NSString const& keyPath) const {
+        return m_isActive && m_root.refersTo(root) && m_observer.refersTo(observer) &&
+               m_keyPath.isEqualToString_(keyPath);
     }
 
-    bool isOf(id const& root, id const& observer, NSString const& keyPath) const
-    {
-        return m_isActive && m_root.refersTo(root) && m_observer.refersTo(observer) && m_keyPath.isEqualToString_(keyPath);
-    }
+    bool hasObserver() const { return m_isActive && !m_observer.isCleared(); }
 
     // Listens at the objects from the given step on.
-    void attach(id object, std::size_t depth)
-    {
-        for (std::size_t step = depth; step < m_keys.size() && object != nil; ++step) {
+    void attach(id object, std::size_t depth) {
+        for (std::size_t step = depth; step < m_keys.size() && object != nil && m_isActive; ++step) {
+            if (isCollectionWithoutKeys(object)) return;
             m_steps.resize(step + 1);
             m_steps[step] = WeakReference(object);
-            object.body()->associations().listeners.push_back({ m_keys[step], shared_from_this(), step });
-            if (step + 1 < m_keys.size())
-                object = object.valueForKey_(NSString::stringWithUTF8String_(m_keys[step]));
+            object.body()->associations().listeners.push_back({m_keys[step], shared_from_this(), step});
+            if (step + 1 < m_keys.size()) object = object.valueForKey_(m_keys[step]);
         }
     }
 
-    void detach(std::size_t depth)
-    {
+    void detach(std::size_t depth) {
         for (std::size_t step = depth; step < m_steps.size(); ++step) {
             id const object = m_steps[step].load();
-            if (object == nil)
-                continue;
-            std::erase_if(object.body()->associations().listeners,
-                [&](Listener const& listener) { return listener.observation.get() == this && listener.depth == step; });
+            if (object == nil) continue;
+            std::erase_if(object.body()->associations().listeners, [&](Listener const& listener) {
+                return listener.observation.get() == this && listener.depth == step;
+            });
         }
         m_steps.resize(std::min(depth, m_steps.size()));
     }
 
-    void end()
-    {
-        detach(0);
+    void end() {
+        std::shared_ptr<KeyPathObservation> const kept = shared_from_this();
         m_isActive = false;
+        detach(0);
     }
 
-    id valueIfAsked(NSUInteger option) const
-    {
-        id const root = m_root.load();
-        if ((m_options & option) == 0 || root == nil)
-            return nil;
-        id const value = root.valueForKeyPath_(m_keyPath);
-        return value == nil ? id(NSNull::null()) : value;
+    // The object at the step has another value for its key now.
+    void follow(id const& object, std::size_t depth) {
+        if (!m_isActive || depth + 1 >= m_keys.size()) return;
+        detach(depth + 1);
+        attach(object.valueForKey_(m_keys[depth]), depth + 1);
     }
 
     id oldValue() const { return m_isActive ? valueIfAsked(NSKeyValueObservingOptionOld) : id(); }
 
-    void willChange(id const& oldValue) const
-    {
-        if (m_options & NSKeyValueObservingOptionPrior)
-            tell(oldValue, nil, true);
+    void tellInitialValue() const {
+        if (m_options & NSKeyValueObservingOptionInitial) tell(nil, valueIfAsked(NSKeyValueObservingOptionNew), false);
     }
 
-    // The object at the step has another value for its key now.
-    void didChange(id const& object, std::size_t depth, id const& oldValue)
-    {
-        if (!m_isActive)
-            return;
-        if (depth + 1 < m_keys.size()) {
-            detach(depth + 1);
-            attach(object.valueForKey_(NSString::stringWithUTF8String_(m_keys[depth])), depth + 1);
-        }
-        tell(oldValue, valueIfAsked(NSKeyValueObservingOptionNew), false);
+    void tellBefore(id const& oldValue) const {
+        if (m_options & NSKeyValueObservingOptionPrior) tell(oldValue, nil, true);
     }
 
-    void tellInitialValue() const
-    {
-        if (m_options & NSKeyValueObservingOptionInitial)
-            tell(nil, valueIfAsked(NSKeyValueObservingOptionNew), false);
+    void tellAfter(id const& oldValue) const {
+        if (m_isActive) tell(oldValue, valueIfAsked(NSKeyValueObservingOptionNew), false);
     }
 
 private:
-    void tell(id const& oldValue, id const& newValue, bool isPrior) const
-    {
+    id valueIfAsked(NSUInteger option) const {
+        id const root = m_root.load();
+        if ((m_options & option) == 0 || root == nil) return nil;
+        id const value = root.valueForKeyPath_(m_keyPath);
+        return value == nil ? id(NSNull::null()) : value;
+    }
+
+    void tell(id const& oldValue, id const& newValue, bool isPrior) const {
         id const observer = m_observer.load();
         id const root = m_root.load();
-        if (!m_isActive || observer == nil || root == nil)
-            return;
+        if (!m_isActive || observer == nil || root == nil) return;
         NSMutableDictionary const change = NSMutableDictionary::dictionary();
-        change.setObject_forKey_(NSNumber::numberWithUnsignedInteger_(NSKeyValueChangeSetting), NSKeyValueChangeKindKey);
-        if (oldValue != nil)
-            change.setObject_forKey_(oldValue, NSKeyValueChangeOldKey);
-        if (newValue != nil)
-            change.setObject_forKey_(newValue, NSKeyValueChangeNewKey);
-        if (isPrior)
-            change.setObject_forKey_(NSNumber::numberWithBool_(YES), NSKeyValueChangeNotificationIsPriorKey);
+        change.setObject_forKey_(NSNumber::numberWithUnsignedInteger_(NSKeyValueChangeSetting),
+                                 NSKeyValueChangeKindKey);
+        if (oldValue != nil) change.setObject_forKey_(oldValue, NSKeyValueChangeOldKey);
+        if (newValue != nil) change.setObject_forKey_(newValue, NSKeyValueChangeNewKey);
+        if (isPrior) change.setObject_forKey_(NSNumber::numberWithBool_(YES), NSKeyValueChangeNotificationIsPriorKey);
         observer.body()->observeValueForKeyPath(m_keyPath, root, change, m_context);
     }
 
@@ -124,74 +143,135 @@ private:
     NSString m_keyPath;
     NSUInteger m_options;
     void* m_context;
-    std::vector<std::string> m_keys;
+    std::vector<NSString> m_keys;
     std::vector<WeakReference> m_steps;
-    bool m_isActive { true };
+    bool m_isActive{true};
 };
 
-void id::addObserver_forKeyPath_options_context_(id const& observer, NSString const& keyPath, NSUInteger options,
-    void* context) const
-{
-    if (*this == nil || observer == nil)
-        return;
-    if (keyPath == nil)
-        throw NSInvalidArgumentException("A key path to observe is missing");
-    if (isKindOfClass_(classOf<NSArray>()))
-        throw NSInvalidArgumentException("An array's keys cannot be observed, only its elements'");
-    auto const observation = std::make_shared<KeyPathObservation>(*this, observer, keyPath, options, context);
-    observation->attach(*this, 0);
-    observation->tellInitialValue();
+namespace {
+
+// Observers that went without a word leave their listeners behind.
+void endThoseWithoutObserver(ObjectAssociations const& associations) {
+    std::vector<Listener> const listeners = associations.listeners;
+    for (Listener const& listener : listeners) {
+        if (!listener.observation->hasObserver()) listener.observation->end();
+    }
 }
 
-void id::removeObserver_forKeyPath_(id const& observer, NSString const& keyPath) const
-{
-    if (*this == nil)
+// Those who observe the key, each once: a path that comes through the object twice counts where it does first.
+std::vector<Told> observersOfKey(ObjectAssociations const& associations, NSString const& key) {
+    std::vector<Told> told;
+    for (Listener const& listener : associations.listeners) {
+        if (!listener.key.isEqualToString_(key) || !listener.observation->hasObserver()) continue;
+        auto const same = std::ranges::find(told, listener.observation, &Told::observation);
+        if (same == told.end())
+            told.push_back({listener.observation, listener.depth, nil});
+        else
+            same->depth = std::min(same->depth, listener.depth);
+    }
+    return told;
+}
+
+// The latest change of the key that has begun, taken out; without observers when there is none.
+PendingChange takePendingChange(ObjectAssociations& associations, NSString const& key) {
+    std::vector<PendingChange>& pending = associations.pendingChanges;
+    auto const latest = std::find_if(pending.rbegin(), pending.rend(),
+                                     [&](PendingChange const& change) { return change.key.isEqualToString_(key); });
+    if (latest == pending.rend()) return {};
+    PendingChange change = std::move(*latest);
+    pending.erase(std::next(latest).base());
+    return change;
+}
+
+} // namespace
+
+ObjectAssociations::~ObjectAssociations() {
+    weakRecord->clear();
+    // Objects further along the paths would keep the observations of this one otherwise.
+    std::vector<Listener> const mine = std::move(listeners);
+    listeners.clear();
+    for (Listener const& listener : mine) {
+        if (listener.depth == 0) listener.observation->end();
+    }
+}
+
+KeyChange::KeyChange(id const& object, NSString const& key)
+    : m_object(object), m_key(key), m_exceptions(std::uncaught_exceptions()) {
+    m_object.willChangeValueForKey_(m_key);
+}
+
+KeyChange::~KeyChange() noexcept(false) {
+    if (std::uncaught_exceptions() == m_exceptions) {
+        m_object.didChangeValueForKey_(m_key);
         return;
-    if (ObjectAssociations* const associations = m_body->associationsIfAny()) {
+    }
+    ObjectAssociations* const associations = m_object == nil ? nullptr : m_object.body()->associationsIfAny();
+    if (associations) takePendingChange(*associations, m_key);
+}
+
+void id::addObserver_forKeyPath_options_context_(id const& observer, NSString const& keyPath, NSUInteger options,
+                                                 void* context) const {
+    if (*this == nil || observer == nil) return;
+    if (keyPath == nil) throw NSInvalidArgumentException("A key path to observe is missing");
+    if (isCollectionWithoutKeys(*this))
+        throw NSInvalidArgumentException("An array's or set's keys cannot be observed, only its elements'");
+    id const self = *this;
+    ObjectAssociations const& associations = self.body()->associations();
+    // Now and then only, so that the cost of many observers stays in proportion.
+    if (std::has_single_bit(associations.listeners.size())) endThoseWithoutObserver(associations);
+    NSString const keptPath = uncheckedCast<NSString>(keyPath.copy());
+    auto const observation = std::make_shared<KeyPathObservation>(self, observer, keptPath, options, context);
+    try {
+        observation->attach(self, 0);
+        observation->tellInitialValue();
+    } catch (...) {
+        observation->end();
+        throw;
+    }
+}
+
+void id::removeObserver_forKeyPath_(id const& observer, NSString const& keyPath) const {
+    if (*this == nil) return;
+    id const self = *this;
+    if (ObjectAssociations const* const associations = self.body()->associationsIfAny()) {
         // The latest of several equal registrations goes first.
-        for (Listener const& listener : std::views::reverse(associations->listeners)) {
-            if (listener.depth != 0 || !listener.observation->isOf(*this, observer, keyPath))
-                continue;
-            std::shared_ptr<KeyPathObservation> const observation = listener.observation;
+        std::vector<Listener> const& listeners = associations->listeners;
+        auto const latest = std::find_if(listeners.rbegin(), listeners.rend(), [&](Listener const& listener) {
+            return listener.depth == 0 && listener.observation->isOf(self, observer, keyPath);
+        });
+        if (latest != listeners.rend()) {
+            std::shared_ptr<KeyPathObservation> const observation = latest->observation;
             observation->end();
             return;
         }
     }
-    throw NSRangeException("There is no such observer of the key path \"" + keyPath.UTF8String() + "\" of "
-        + std::string(class_().name()));
+    throw NSRangeException("There is no such observer of the key path \"" + keyPath.UTF8String() + "\" of " +
+                           std::string(self.class_().name()));
 }
 
-void id::willChangeValueForKey_(NSString const& key) const
-{
-    ObjectAssociations* const associations = m_body ? m_body->associationsIfAny() : nullptr;
-    if (!associations)
-        return;
-    PendingChange change { key.UTF8String(), {} };
-    std::vector<Listener> const listeners = associations->listeners;
-    for (Listener const& listener : listeners) {
-        if (listener.key != change.key)
-            continue;
-        change.listenersAndOldValues.emplace_back(listener, listener.observation->oldValue());
-        listener.observation->willChange(change.listenersAndOldValues.back().second);
-    }
+void id::willChangeValueForKey_(NSString const& key) const {
+    id const self = *this;
+    ObjectAssociations* const associations = self == nil ? nullptr : self.body()->associationsIfAny();
+    if (!associations || key == nil) return;
+    PendingChange change{uncheckedCast<NSString>(key.copy()), observersOfKey(*associations, key)};
+    for (Told& told : change.told)
+        told.oldValue = told.observation->oldValue();
+    for (Told const& told : change.told)
+        told.observation->tellBefore(told.oldValue);
     associations->pendingChanges.push_back(std::move(change));
 }
 
-void id::didChangeValueForKey_(NSString const& key) const
-{
-    ObjectAssociations* const associations = m_body ? m_body->associationsIfAny() : nullptr;
-    if (!associations)
-        return;
-    std::string const name = key.UTF8String();
-    std::vector<PendingChange>& pending = associations->pendingChanges;
-    auto const latest = std::find_if(pending.rbegin(), pending.rend(),
-        [&](PendingChange const& change) { return change.key == name; });
-    if (latest == pending.rend())
-        return;
-    PendingChange const change = std::move(*latest);
-    pending.erase(std::next(latest).base());
-    for (auto const& [listener, oldValue] : change.listenersAndOldValues)
-        listener.observation->didChange(*this, listener.depth, oldValue);
+void id::didChangeValueForKey_(NSString const& key) const {
+    id const self = *this;
+    ObjectAssociations* const associations = self == nil ? nullptr : self.body()->associationsIfAny();
+    if (!associations) return;
+    PendingChange const change = takePendingChange(*associations, key);
+    AllThenRaise all;
+    for (Told const& told : change.told)
+        all.take([&] { told.observation->follow(self, told.depth); });
+    for (Told const& told : change.told)
+        all.take([&] { told.observation->tellAfter(told.oldValue); });
+    all.raise();
 }
 
-}
+} // namespace mac

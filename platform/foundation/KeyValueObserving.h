@@ -22,23 +22,20 @@ inline constexpr char NSKeyValueChangeNewKey[] = "new";
 inline constexpr char NSKeyValueChangeOldKey[] = "old";
 inline constexpr char NSKeyValueChangeNotificationIsPriorKey[] = "notificationIsPrior";
 
-// Stands in a setter for the whole change of one key: observers are told once when it ends. Observing is for one thread, the
-// main thread by convention.
+// Stands in a setter for the whole change of one key: observers are told once when it ends. An exception of an observer
+// goes on to the setter's caller, after all observers have been told; where the setter itself is left by an exception
+// nobody is told. Observing is for one thread, the main thread by convention.
 class KeyChange {
 public:
-    KeyChange(id const& object, NSString const& key)
-        : m_object(object)
-        , m_key(key)
-    {
-        m_object.willChangeValueForKey_(m_key);
-    }
-    ~KeyChange() noexcept(false) { m_object.didChangeValueForKey_(m_key); }
+    KeyChange(id const& object, NSString const& key);
+    ~KeyChange() noexcept(false);
     KeyChange(KeyChange const&) = delete;
     KeyChange& operator=(KeyChange const&) = delete;
 
 private:
     id m_object;
     NSString m_key;
+    int m_exceptions;
 };
 
 }

@@ -8,14 +8,13 @@ namespace mac {
 
 namespace detail {
 
-template<class T>
+template <class T>
 using Plain = std::remove_cvref_t<T>;
 
-// An argument or result of a message as the object that stands for it, and back. Data from outside never gets a class that it
-// does not have: an object of another class arrives as nil.
-template<class T>
-Plain<T> fromObject(id const& object)
-{
+// An argument or result of a message as the object that stands for it, and back. Data from outside never gets a class
+// that it does not have: an object of another class arrives as nil.
+template <class T>
+Plain<T> fromObject(id const& object) {
     using Value = Plain<T>;
     if constexpr (std::is_same_v<Value, id>)
         return object;
@@ -33,9 +32,8 @@ Plain<T> fromObject(id const& object)
     }
 }
 
-template<class T>
-id toObject(T const& value)
-{
+template <class T>
+id toObject(T const& value) {
     if constexpr (std::is_base_of_v<id, T>)
         return value;
     else if constexpr (std::is_same_v<T, BOOL> || std::is_same_v<T, bool>)
@@ -48,9 +46,8 @@ id toObject(T const& value)
         return NSNumber::numberWithLongLong_(static_cast<long long>(value));
 }
 
-template<class Result, class Call>
-id resultOf(Call&& call)
-{
+template <class Result, class Call>
+id resultOf(Call&& call) {
     if constexpr (std::is_void_v<Result>) {
         call();
         return nil;
@@ -59,92 +56,85 @@ id resultOf(Call&& call)
     }
 }
 
-inline id argumentAt(std::span<id const> arguments, std::size_t index)
-{
+inline id argumentAt(std::span<id const> arguments, std::size_t index) {
     return index < arguments.size() ? arguments[index] : id();
 }
 
-template<auto function>
+template <auto function>
 struct Invoker;
 
-template<class T, class Result, class... Arguments, Result (T::*member)(Arguments...) const>
+template <class T, class Result, class... Arguments, Result (T::*member)(Arguments...) const>
 struct Invoker<member> {
-    using Receiver = T;
     using Value = Plain<Result>;
 
-    static id invoke(id const& receiver, std::span<id const> arguments)
-    {
+    static id invoke(id const& receiver, std::span<id const> arguments) {
         return withIndexes(receiver, arguments, std::index_sequence_for<Arguments...>());
     }
-    template<std::size_t... index>
+    template <std::size_t... index>
     static id withIndexes(id const& receiver, [[maybe_unused]] std::span<id const> arguments,
-        std::index_sequence<index...>)
-    {
+                          std::index_sequence<index...>) {
         T const object = uncheckedCast<T>(receiver);
-        return resultOf<Result>([&]() -> Result {
-            return (object.*member)(fromObject<Arguments>(argumentAt(arguments, index))...);
-        });
+        return resultOf<Result>(
+            [&]() -> Result { return (object.*member)(fromObject<Arguments>(argumentAt(arguments, index))...); });
     }
 };
 
-template<class Result, class T, class... Arguments, Result (*function)(T, Arguments...)>
+template <class Result, class T, class... Arguments, Result (*function)(T, Arguments...)>
 struct Invoker<function> {
-    static id invoke(id const& receiver, std::span<id const> arguments)
-    {
+    using Value = Plain<Result>;
+
+    static id invoke(id const& receiver, std::span<id const> arguments) {
         return withIndexes(receiver, arguments, std::index_sequence_for<Arguments...>());
     }
-    template<std::size_t... index>
+    template <std::size_t... index>
     static id withIndexes(id const& receiver, [[maybe_unused]] std::span<id const> arguments,
-        std::index_sequence<index...>)
-    {
+                          std::index_sequence<index...>) {
         return resultOf<Result>([&]() -> Result {
             return function(uncheckedCast<Plain<T>>(receiver), fromObject<Arguments>(argumentAt(arguments, index))...);
         });
     }
 };
 
-template<class Result, Result (*function)()>
+template <class Result, Result (*function)()>
 struct Invoker<function> {
-    static id invoke(id const&, std::span<id const>)
-    {
+    using Value = Plain<Result>;
+
+    static id invoke(id const&, std::span<id const>) {
         return resultOf<Result>([] { return function(); });
     }
 };
 
-template<auto getter>
-id getProperty(id const& object)
-{
+template <auto getter>
+id getProperty(id const& object) {
     return Invoker<getter>::invoke(object, {});
 }
 
-template<auto setter>
-void setProperty(id const& object, id const& value)
-{
-    std::array<id, 1> const arguments { value };
+template <auto setter>
+void setProperty(id const& object, id const& value) {
+    std::array<id, 1> const arguments{value};
     Invoker<setter>::invoke(object, arguments);
 }
 
 }
 
-// A row of the method table: method<&AppController::scanAction_>("scanAction:"), or a category's free function, receiver first.
-template<auto function>
-constexpr Method method(std::string_view selector)
-{
-    return { selector, &detail::Invoker<function>::invoke };
+// A row of the method table: method<&AppController::scanAction_>("scanAction:"), or a category's free function,
+// receiver first.
+template <auto function>
+constexpr Method method(std::string_view selector) {
+    using Invoker = detail::Invoker<function>;
+    return {selector, &Invoker::invoke, !std::is_void_v<typename Invoker::Value>};
 }
 
 // A row of the key table: property<&AppController::paths, &AppController::setPaths_>("paths").
-template<auto getter, auto setter>
-constexpr Property property(std::string_view key)
-{
-    return { key, &detail::getProperty<getter>, &detail::setProperty<setter>,
-        !std::is_base_of_v<id, typename detail::Invoker<getter>::Value> };
+template <auto getter, auto setter>
+constexpr Property property(std::string_view key) {
+    return {key, &detail::getProperty<getter>, &detail::setProperty<setter>,
+            !std::is_base_of_v<id, typename detail::Invoker<getter>::Value>};
 }
 
-template<auto getter>
-constexpr Property readOnlyProperty(std::string_view key)
-{
-    return { key, &detail::getProperty<getter>, nullptr, false };
+template <auto getter>
+constexpr Property readOnlyProperty(std::string_view key) {
+    return {key, &detail::getProperty<getter>, nullptr, false};
 }
 
 }

@@ -12,7 +12,8 @@ class NSIndexSet;
 class NSMutableArray;
 class NSPredicate;
 
-// An ordered collection of objects. It holds no nil. Immutable, but what it holds may not be; reading is safe on any thread.
+// An ordered collection of objects. It holds no nil. Immutable, but what it holds may not be; reading is safe on any
+// thread.
 class NSArray : public Handle<NSArray, NSObject> {
 public:
     class Body;

@@ -3,85 +3,78 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Method.h"
-#include <optional>
+#include <algorithm>
 
 namespace mac {
 
 namespace {
 
-// Observers of a dictionary see each key that is set, however it is set. Without observers this costs nothing.
-void change(NSMutableDictionary const& dictionary, id const& key, id const& value)
-{
-    std::optional<KeyChange> observed;
-    NSString const name = as<NSString>(key);
-    if (name != nil && dictionary.body()->associationsIfAny())
-        observed.emplace(dictionary, name);
-    HashedEntries& entries = bodyOf(dictionary)->m_entries;
+void store(HashedEntries& entries, id const& key, id const& value) {
     if (value == nil)
         entries.remove(key);
-    else if (entries.find(key))
-        entries.set(key, value);
     else
         entries.set(key.copy(), value);
 }
 
-template<class Dictionary>
-Dictionary copyOf(HashedEntries const& entries)
-{
-    Dictionary const copy = adopt<Dictionary>();
-    HashedEntries& copied = bodyOf(copy)->m_entries;
-    copied.reserve(entries.count());
-    for (HashedEntries::Entry const& entry : entries.entries()) {
-        if (entry.key != nil)
-            copied.set(entry.key, entry.value);
+// Observers of a dictionary see each key that is set, however it is set. Without observers this costs nothing.
+void change(NSMutableDictionary const& dictionary, id const& key, id const& value) {
+    HashedEntries& entries = bodyOf(dictionary)->m_entries;
+    NSString const name = dictionary.body()->associationsIfAny() ? as<NSString>(key) : NSString();
+    if (name == nil) {
+        store(entries, key, value);
+        return;
     }
+    // Kept, since observers may change what they came from.
+    NSString const keptKey = uncheckedCast<NSString>(name.copy());
+    id const keptValue = value;
+    KeyChange const observed(dictionary, keptKey);
+    store(entries, keptKey, keptValue);
+}
+
+template <class Dictionary>
+Dictionary copyOf(HashedEntries const& entries) {
+    Dictionary const copy = adopt<Dictionary>();
+    bodyOf(copy)->m_entries = entries.compact();
     return copy;
 }
 
-}
+} // namespace
 
-bool NSDictionary::Body::isEqual(id const& other) const
-{
+bool NSDictionary::Body::isEqual(id const& other) const {
+    if (other.body() == this) return true;
     NSDictionary const dictionary = as<NSDictionary>(other);
-    if (dictionary == nil || dictionary.count() != m_entries.count())
-        return false;
+    ComparingStep const step;
+    if (dictionary == nil || dictionary.count() != m_entries.count() || step.isTooDeep()) return false;
     return std::ranges::all_of(m_entries.entries(), [&](HashedEntries::Entry const& entry) {
-        if (entry.key == nil)
-            return true;
+        if (entry.key == nil) return true;
         id const value = dictionary.objectForKey_(entry.key);
-        return value != nil && (isSame(value, entry.value) || entry.value.isEqual_(value));
+        return value != nil && isSameOrEqual(entry.value, value);
     });
 }
 
-std::uint64_t NSDictionary::Body::hash() const
-{
+std::uint64_t NSDictionary::Body::hash() const {
     std::uint64_t hash = m_entries.count();
+    HashingStep const step;
+    if (step.isTooDeep()) return hash;
+    // A sum: the order of the entries plays no part.
     for (HashedEntries::Entry const& entry : m_entries.entries()) {
-        if (entry.key != nil)
-            hash += combineHashes(entry.hash, entry.value.hash());
+        if (entry.key != nil) hash += combineHashes(entry.hash, entry.value.hash());
     }
     return hash;
 }
 
-NSString NSDictionary::Body::description() const
-{
+NSString NSDictionary::Body::description() const {
     return descriptionOfCollection(id::retain(const_cast<Body*>(this)));
 }
 
-id NSDictionary::Body::copy() const
-{
-    if (isKindOf(classOf<NSMutableDictionary>()))
-        return copyOf<NSDictionary>(m_entries);
+id NSDictionary::Body::copy() const {
+    if (isKindOf(classOf<NSMutableDictionary>())) return copyOf<NSDictionary>(m_entries);
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSDictionary::Body::mutableCopy() const
-{
-    return copyOf<NSMutableDictionary>(m_entries);
-}
+id NSDictionary::Body::mutableCopy() const { return copyOf<NSMutableDictionary>(m_entries); }
 
-id NSDictionary::Body::valueForKey(NSString const& key)
-{
+id NSDictionary::Body::valueForKey(NSString const& key) {
     // "@count" asks the dictionary itself, as any other object.
     if (key.length() > 1 && key.characterAtIndex_(0) == u'@')
         return ObjectBody::valueForKey(key.substringFromIndex_(1));
@@ -89,8 +82,7 @@ id NSDictionary::Body::valueForKey(NSString const& key)
     return entry ? entry->value : id();
 }
 
-void NSDictionary::Body::setValueForKey(id const& value, NSString const& key)
-{
+void NSDictionary::Body::setValueForKey(id const& value, NSString const& key) {
     NSMutableDictionary const self = as<NSMutableDictionary>(id::retain(this));
     if (self == nil) {
         setValueForUndefinedKey(value, key);
@@ -100,38 +92,34 @@ void NSDictionary::Body::setValueForKey(id const& value, NSString const& key)
     change(self, key, value);
 }
 
-ClassDescription NSDictionary::describeClass()
-{
+ClassDescription NSDictionary::describeClass() {
     return {
         .name = "NSDictionary",
         .superclass = classOf<NSObject>(),
         .makeBody = &makeEmptyBody<NSDictionary>,
-        .methods = {
-            method<&NSDictionary::count>("count"),
-            method<&NSDictionary::objectForKey_>("objectForKey:"),
-            method<&NSDictionary::allKeys>("allKeys"),
-            method<&NSDictionary::allValues>("allValues"),
-            method<&NSDictionary::keyEnumerator>("keyEnumerator"),
-            method<&NSDictionary::objectEnumerator>("objectEnumerator"),
-            method<&NSDictionary::isEqualToDictionary_>("isEqualToDictionary:"),
-        },
+        .methods =
+            {
+                method<&NSDictionary::count>("count"),
+                method<&NSDictionary::objectForKey_>("objectForKey:"),
+                method<&NSDictionary::allKeys>("allKeys"),
+                method<&NSDictionary::allValues>("allValues"),
+                method<&NSDictionary::allKeysForObject_>("allKeysForObject:"),
+                method<&NSDictionary::keyEnumerator>("keyEnumerator"),
+                method<&NSDictionary::objectEnumerator>("objectEnumerator"),
+                method<&NSDictionary::isEqualToDictionary_>("isEqualToDictionary:"),
+            },
     };
 }
 
-NSDictionary NSDictionary::dictionary()
-{
-    return adopt<NSDictionary>();
-}
+NSDictionary NSDictionary::dictionary() { return adopt<NSDictionary>(); }
 
-NSDictionary NSDictionary::dictionaryWithObject_forKey_(id const& object, id const& key)
-{
+NSDictionary NSDictionary::dictionaryWithObject_forKey_(id const& object, id const& key) {
     NSMutableDictionary const made = NSMutableDictionary::dictionary();
     made.setObject_forKey_(object, key);
     return uncheckedCast<NSDictionary>(made.copy());
 }
 
-NSDictionary NSDictionary::dictionaryWithObjectsAndKeys_(std::initializer_list<id> objectsAndKeys)
-{
+NSDictionary NSDictionary::dictionaryWithObjectsAndKeys_(std::initializer_list<id> objectsAndKeys) {
     NSMutableDictionary const made = NSMutableDictionary::dictionary();
     for (auto const* pair = objectsAndKeys.begin(); pair != objectsAndKeys.end() && *pair != nil; pair += 2) {
         if (pair + 1 == objectsAndKeys.end())
@@ -141,8 +129,7 @@ NSDictionary NSDictionary::dictionaryWithObjectsAndKeys_(std::initializer_list<i
     return uncheckedCast<NSDictionary>(made.copy());
 }
 
-NSDictionary NSDictionary::dictionaryWithObjects_forKeys_(NSArray const& objects, NSArray const& keys)
-{
+NSDictionary NSDictionary::dictionaryWithObjects_forKeys_(NSArray const& objects, NSArray const& keys) {
     if (objects.count() != keys.count())
         throw NSInvalidArgumentException("A dictionary of objects and keys: their counts differ");
     NSMutableDictionary const made = NSMutableDictionary::dictionaryWithCapacity_(keys.count());
@@ -151,134 +138,111 @@ NSDictionary NSDictionary::dictionaryWithObjects_forKeys_(NSArray const& objects
     return uncheckedCast<NSDictionary>(made.copy());
 }
 
-NSDictionary NSDictionary::dictionaryWithDictionary_(NSDictionary const& other)
-{
+NSDictionary NSDictionary::dictionaryWithDictionary_(NSDictionary const& other) {
     return other == nil ? dictionary() : copyOf<NSDictionary>(bodyOf(other)->m_entries);
 }
 
-NSUInteger NSDictionary::count() const
-{
+NSUInteger NSDictionary::count() const {
     return *this == nil ? 0 : static_cast<NSUInteger>(bodyOf(*this)->m_entries.count());
 }
 
-id NSDictionary::objectForKey_(id const& key) const
-{
+id NSDictionary::objectForKey_(id const& key) const {
     HashedEntries::Entry const* const entry = *this == nil ? nullptr : bodyOf(*this)->m_entries.find(key);
     return entry ? entry->value : id();
 }
 
-NSArray NSDictionary::allKeys() const
-{
+NSArray NSDictionary::allKeys() const {
     return *this == nil ? NSArray() : NSArray::arrayWithVector(keysOf(bodyOf(*this)->m_entries));
 }
 
-NSArray NSDictionary::allValues() const
-{
-    NSArray const keys = allKeys();
-    if (keys == nil)
-        return nil;
+NSArray NSDictionary::allValues() const {
+    if (*this == nil) return nil;
     std::vector<id> values;
-    values.reserve(keys.count());
-    for (id const& key : keys)
-        values.push_back(objectForKey_(key));
+    values.reserve(count());
+    for (HashedEntries::Entry const& entry : bodyOf(*this)->m_entries.entries()) {
+        if (entry.key != nil) values.push_back(entry.value);
+    }
     return NSArray::arrayWithVector(std::move(values));
 }
 
-NSArray NSDictionary::allKeysForObject_(id const& object) const
-{
-    if (*this == nil)
-        return nil;
+NSArray NSDictionary::allKeysForObject_(id const& object) const {
+    if (*this == nil) return nil;
     std::vector<id> keys;
     for (HashedEntries::Entry const& entry : bodyOf(*this)->m_entries.entries()) {
-        if (entry.key != nil && entry.value.isEqual_(object))
-            keys.push_back(entry.key);
+        if (entry.key != nil && isSameOrEqual(entry.value, object)) keys.push_back(entry.key);
     }
     return NSArray::arrayWithVector(std::move(keys));
 }
 
-NSEnumerator NSDictionary::keyEnumerator() const
-{
-    return allKeys().objectEnumerator();
-}
+NSEnumerator NSDictionary::keyEnumerator() const { return allKeys().objectEnumerator(); }
 
-NSEnumerator NSDictionary::objectEnumerator() const
-{
-    return allValues().objectEnumerator();
-}
+NSEnumerator NSDictionary::objectEnumerator() const { return allValues().objectEnumerator(); }
 
-bool NSDictionary::isEqualToDictionary_(NSDictionary const& other) const
-{
-    return isEqual_(other);
-}
+bool NSDictionary::isEqualToDictionary_(NSDictionary const& other) const { return isEqual_(other); }
 
-ClassDescription NSMutableDictionary::describeClass()
-{
+ClassDescription NSMutableDictionary::describeClass() {
     return {
         .name = "NSMutableDictionary",
         .superclass = classOf<NSDictionary>(),
         .makeBody = &makeEmptyBody<NSMutableDictionary>,
-        .methods = {
-            method<&NSMutableDictionary::setObject_forKey_>("setObject:forKey:"),
-            method<&NSMutableDictionary::removeObjectForKey_>("removeObjectForKey:"),
-            method<&NSMutableDictionary::removeAllObjects>("removeAllObjects"),
-        },
+        .methods =
+            {
+                method<&NSMutableDictionary::setObject_forKey_>("setObject:forKey:"),
+                method<&NSMutableDictionary::removeObjectForKey_>("removeObjectForKey:"),
+                method<&NSMutableDictionary::removeObjectsForKeys_>("removeObjectsForKeys:"),
+                method<&NSMutableDictionary::removeAllObjects>("removeAllObjects"),
+                method<&NSMutableDictionary::addEntriesFromDictionary_>("addEntriesFromDictionary:"),
+                method<&NSMutableDictionary::setDictionary_>("setDictionary:"),
+            },
     };
 }
 
-NSMutableDictionary NSMutableDictionary::dictionary()
-{
-    return adopt<NSMutableDictionary>();
-}
+NSMutableDictionary NSMutableDictionary::dictionary() { return adopt<NSMutableDictionary>(); }
 
-NSMutableDictionary NSMutableDictionary::dictionaryWithCapacity_(NSUInteger)
-{
-    return dictionary();
-}
+NSMutableDictionary NSMutableDictionary::dictionaryWithCapacity_(NSUInteger) { return dictionary(); }
 
-NSMutableDictionary NSMutableDictionary::dictionaryWithDictionary_(NSDictionary const& other)
-{
+NSMutableDictionary NSMutableDictionary::dictionaryWithDictionary_(NSDictionary const& other) {
     return other == nil ? dictionary() : copyOf<NSMutableDictionary>(bodyOf(other)->m_entries);
 }
 
-void NSMutableDictionary::setObject_forKey_(id const& object, id const& key) const
-{
-    if (*this == nil)
-        return;
+void NSMutableDictionary::setObject_forKey_(id const& object, id const& key) const {
+    if (*this == nil) return;
     requireObject(object, "Setting a key of a dictionary");
     requireObject(key, "Setting a key of a dictionary");
     change(*this, key, object);
 }
 
-void NSMutableDictionary::removeObjectForKey_(id const& key) const
-{
-    if (*this == nil)
-        return;
+void NSMutableDictionary::removeObjectForKey_(id const& key) const {
+    if (*this == nil) return;
     requireObject(key, "Removing a key of a dictionary");
     change(*this, key, nil);
 }
 
-void NSMutableDictionary::removeObjectsForKeys_(NSArray const& keys) const
-{
+void NSMutableDictionary::removeObjectsForKeys_(NSArray const& keys) const {
     for (id const& key : keys)
         removeObjectForKey_(key);
 }
 
-void NSMutableDictionary::removeAllObjects() const
-{
-    removeObjectsForKeys_(allKeys());
+void NSMutableDictionary::removeAllObjects() const {
+    if (*this == nil) return;
+    if (body()->associationsIfAny())
+        removeObjectsForKeys_(allKeys());
+    else
+        bodyOf(*this)->m_entries.clear();
 }
 
-void NSMutableDictionary::addEntriesFromDictionary_(NSDictionary const& other) const
-{
-    for (id const& key : other.allKeys())
-        setObject_forKey_(other.objectForKey_(key), key);
+void NSMutableDictionary::addEntriesFromDictionary_(NSDictionary const& other) const {
+    if (*this == nil || other == nil) return;
+    // A copy first: the other may be this one, and observers may change it.
+    HashedEntries const added = bodyOf(other)->m_entries.compact();
+    for (HashedEntries::Entry const& entry : added.entries())
+        change(*this, entry.key, entry.value);
 }
 
-void NSMutableDictionary::setDictionary_(NSDictionary const& other) const
-{
+void NSMutableDictionary::setDictionary_(NSDictionary const& other) const {
     NSDictionary const entries = NSDictionary::dictionaryWithDictionary_(other);
     removeAllObjects();
     addEntriesFromDictionary_(entries);
 }
 
-}
+} // namespace mac

@@ -8,19 +8,11 @@ namespace mac {
 
 class NSEnumerator::Body : public ObjectBody {
 public:
-    Body(NSArray const& array, bool isReverse)
-        : m_array(array)
-        , m_count(array.count())
-        , m_isReverse(isReverse)
-    {
-    }
+    Body(NSArray const& array, bool isReverse) : m_array(array), m_count(array.count()), m_isReverse(isReverse) {}
 
-    id next()
-    {
-        if (m_array.count() != m_count)
-            throw NSGenericException("A collection was changed while it was enumerated");
-        if (m_given == m_count)
-            return nil;
+    id next() {
+        if (m_array.count() != m_count) throw NSGenericException("A collection was changed while it was enumerated");
+        if (m_given == m_count) return nil;
         NSUInteger const index = m_isReverse ? m_count - 1 - m_given : m_given;
         ++m_given;
         return m_array.objectAtIndex_(index);
@@ -29,45 +21,38 @@ public:
 private:
     NSArray m_array;
     NSUInteger m_count;
-    NSUInteger m_given { 0 };
+    NSUInteger m_given{0};
     bool m_isReverse;
 };
 
-ClassDescription NSEnumerator::describeClass()
-{
+ClassDescription NSEnumerator::describeClass() {
     return {
         .name = "NSEnumerator",
         .superclass = classOf<NSObject>(),
-        .methods = {
-            method<&NSEnumerator::nextObject>("nextObject"),
-            method<&NSEnumerator::allObjects>("allObjects"),
-        },
+        .methods =
+            {
+                method<&NSEnumerator::nextObject>("nextObject"),
+                method<&NSEnumerator::allObjects>("allObjects"),
+            },
     };
 }
 
-id NSEnumerator::nextObject() const
-{
-    return *this == nil ? id() : bodyOf(*this)->next();
-}
+id NSEnumerator::nextObject() const { return *this == nil ? id() : bodyOf(*this)->next(); }
 
-NSArray NSEnumerator::allObjects() const
-{
-    if (*this == nil)
-        return nil;
+NSArray NSEnumerator::allObjects() const {
+    if (*this == nil) return nil;
     std::vector<id> rest;
     for (id object = nextObject(); object != nil; object = nextObject())
         rest.push_back(object);
     return NSArray::arrayWithVector(std::move(rest));
 }
 
-NSEnumerator NSArray::objectEnumerator() const
-{
+NSEnumerator NSArray::objectEnumerator() const {
     return *this == nil ? NSEnumerator() : adopt<NSEnumerator>(*this, false);
 }
 
-NSEnumerator NSArray::reverseObjectEnumerator() const
-{
+NSEnumerator NSArray::reverseObjectEnumerator() const {
     return *this == nil ? NSEnumerator() : adopt<NSEnumerator>(*this, true);
 }
 
-}
+} // namespace mac

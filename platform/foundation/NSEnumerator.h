@@ -14,7 +14,8 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil when all have been given. A collection changed in between raises NSGenericException.
+    // Nil when all have been given. Of a set or a dictionary these are the members it had when the enumerator was made;
+    // an array that has another count than then raises NSGenericException.
     id nextObject() const;
     // Those not given yet.
     NSArray allObjects() const;

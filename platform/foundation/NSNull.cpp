@@ -1,4 +1,5 @@
 #include "platform/foundation/NSNull.h"
+#include "platform/foundation/Method.h"
 #include "platform/foundation/NSString.h"
 
 namespace mac {
@@ -9,15 +10,18 @@ public:
     id copy() const override { return null(); }
 };
 
-ClassDescription NSNull::describeClass()
-{
-    return { .name = "NSNull", .superclass = classOf<NSObject>() };
+ClassDescription NSNull::describeClass() {
+    return {
+        .name = "NSNull",
+        .superclass = classOf<NSObject>(),
+        .classMethods = {method<&NSNull::null>("null")},
+    };
 }
 
-NSNull NSNull::null()
-{
-    static NSNull const null = adopt<NSNull>();
+NSNull NSNull::null() {
+    // Never destroyed: other objects may ask for it until the program's last instruction.
+    static NSNull const& null = *std::make_unique<NSNull>(adopt<NSNull>()).release();
     return null;
 }
 
-}
+} // namespace mac

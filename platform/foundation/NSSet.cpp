@@ -1,49 +1,64 @@
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/Method.h"
+#include <algorithm>
 
 namespace mac {
 
 namespace {
 
-void addAll(HashedEntries& entries, std::span<id const> objects)
-{
+void addAll(HashedEntries& entries, std::span<id const> objects) {
     entries.reserve(entries.count() + objects.size());
     for (id const& object : objects)
         entries.set(object, nil);
 }
 
-template<class Set>
-Set setOf(std::span<id const> objects)
-{
+template <class Set>
+Set setOf(std::span<id const> objects) {
     Set const set = adopt<Set>();
     addAll(bodyOf(set)->m_entries, objects);
     return set;
 }
 
+template <class Set>
+Set copyOf(HashedEntries const& entries) {
+    Set const set = adopt<Set>();
+    bodyOf(set)->m_entries = entries.compact();
+    return set;
 }
 
-std::vector<id> keysOf(HashedEntries const& entries)
-{
+// The members' values, without those that have none. A getter may change the set.
+template <class Value>
+NSSet valuesOf(std::vector<id> const& members, Value const& valueOf) {
+    NSSet const values = adopt<NSSet>();
+    bodyOf(values)->m_entries.reserve(members.size());
+    for (id const& member : members) {
+        id const value = valueOf(member);
+        if (value != nil) bodyOf(values)->m_entries.set(value, nil);
+    }
+    return values;
+}
+
+} // namespace
+
+std::vector<id> keysOf(HashedEntries const& entries) {
     std::vector<id> keys;
     keys.reserve(entries.count());
     for (HashedEntries::Entry const& entry : entries.entries()) {
-        if (entry.key != nil)
-            keys.push_back(entry.key);
+        if (entry.key != nil) keys.push_back(entry.key);
     }
     return keys;
 }
 
-bool NSSet::Body::isEqual(id const& other) const
-{
+bool NSSet::Body::isEqual(id const& other) const {
+    if (other.body() == this) return true;
     NSSet const set = as<NSSet>(other);
-    if (set == nil || set.count() != m_entries.count())
-        return false;
+    ComparingStep const step;
+    if (set == nil || set.count() != m_entries.count() || step.isTooDeep()) return false;
     return std::ranges::all_of(keysOf(m_entries), [&](id const& member) { return set.containsObject_(member); });
 }
 
-std::uint64_t NSSet::Body::hash() const
-{
+std::uint64_t NSSet::Body::hash() const {
     // A sum: the order of the members plays no part.
     std::uint64_t hash = m_entries.count();
     for (HashedEntries::Entry const& entry : m_entries.entries())
@@ -51,231 +66,168 @@ std::uint64_t NSSet::Body::hash() const
     return hash;
 }
 
-NSString NSSet::Body::description() const
-{
-    return descriptionOfCollection(id::retain(const_cast<Body*>(this)));
-}
+NSString NSSet::Body::description() const { return descriptionOfCollection(id::retain(const_cast<Body*>(this))); }
 
-id NSSet::Body::copy() const
-{
-    if (isKindOf(classOf<NSMutableSet>()))
-        return setOf<NSSet>(keysOf(m_entries));
+id NSSet::Body::copy() const {
+    if (isKindOf(classOf<NSMutableSet>())) return copyOf<NSSet>(m_entries);
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSSet::Body::mutableCopy() const
-{
-    return setOf<NSMutableSet>(keysOf(m_entries));
+id NSSet::Body::mutableCopy() const { return copyOf<NSMutableSet>(m_entries); }
+
+id NSSet::Body::valueForKey(NSString const& key) {
+    if (isCollectionOperator(key)) return valueOfCollectionOperator(keysOf(m_entries), key);
+    return valuesOf(keysOf(m_entries), [&](id const& member) { return member.valueForKey_(key); });
 }
 
-id NSSet::Body::valueForKey(NSString const& key)
-{
-    if (isCollectionOperator(key))
-        return valueOfCollectionOperator(keysOf(m_entries), key);
-    NSMutableSet const values = NSMutableSet::set();
-    bodyOf(values)->m_entries.reserve(m_entries.count());
-    for (id const& member : keysOf(m_entries)) {
-        id const value = member.valueForKey_(key);
-        if (value != nil)
-            bodyOf(values)->m_entries.set(value, nil);
-    }
-    return values.copy();
-}
-
-void NSSet::Body::setValueForKey(id const& value, NSString const& key)
-{
+void NSSet::Body::setValueForKey(id const& value, NSString const& key) {
     for (id const& member : keysOf(m_entries))
         member.setValue_forKey_(value, key);
 }
 
-id NSSet::Body::valueForKeyPath(NSString const& keyPath)
-{
-    if (isCollectionOperator(keyPath))
-        return valueOfCollectionOperator(keysOf(m_entries), keyPath);
-    return ObjectBody::valueForKeyPath(keyPath);
+id NSSet::Body::valueForKeyPath(NSString const& keyPath) {
+    if (isCollectionOperator(keyPath)) return valueOfCollectionOperator(keysOf(m_entries), keyPath);
+    return valuesOf(keysOf(m_entries), [&](id const& member) { return member.valueForKeyPath_(keyPath); });
 }
 
-ClassDescription NSSet::describeClass()
-{
+void NSSet::Body::setValueForKeyPath(id const& value, NSString const& keyPath) {
+    for (id const& member : keysOf(m_entries))
+        member.setValue_forKeyPath_(value, keyPath);
+}
+
+ClassDescription NSSet::describeClass() {
     return {
         .name = "NSSet",
         .superclass = classOf<NSObject>(),
         .makeBody = &makeEmptyBody<NSSet>,
-        .methods = {
-            method<&NSSet::count>("count"),
-            method<&NSSet::containsObject_>("containsObject:"),
-            method<&NSSet::anyObject>("anyObject"),
-            method<&NSSet::allObjects>("allObjects"),
-            method<&NSSet::objectEnumerator>("objectEnumerator"),
-            method<&NSSet::isEqualToSet_>("isEqualToSet:"),
-        },
+        .methods =
+            {
+                method<&NSSet::count>("count"),
+                method<&NSSet::containsObject_>("containsObject:"),
+                method<&NSSet::anyObject>("anyObject"),
+                method<&NSSet::allObjects>("allObjects"),
+                method<&NSSet::objectEnumerator>("objectEnumerator"),
+                method<&NSSet::member_>("member:"),
+                method<&NSSet::isEqualToSet_>("isEqualToSet:"),
+                method<&NSSet::isSubsetOfSet_>("isSubsetOfSet:"),
+                method<&NSSet::intersectsSet_>("intersectsSet:"),
+            },
     };
 }
 
-NSSet NSSet::set()
-{
-    return adopt<NSSet>();
-}
+NSSet NSSet::set() { return adopt<NSSet>(); }
 
-NSSet NSSet::setWithObject_(id const& object)
-{
-    return setOf<NSSet>(NSArray::arrayWithObject_(object).objects());
-}
+NSSet NSSet::setWithObject_(id const& object) { return setOf<NSSet>(NSArray::arrayWithObject_(object).objects()); }
 
-NSSet NSSet::setWithObjects_(std::initializer_list<id> objects)
-{
+NSSet NSSet::setWithObjects_(std::initializer_list<id> objects) {
     return setWithArray_(NSArray::arrayWithObjects_(objects));
 }
 
-NSSet NSSet::setWithArray_(NSArray const& array)
-{
-    return setOf<NSSet>(array.objects());
-}
+NSSet NSSet::setWithArray_(NSArray const& array) { return setOf<NSSet>(array.objects()); }
 
-NSSet NSSet::setWithSet_(NSSet const& other)
-{
-    return setWithArray_(other.allObjects());
-}
+NSSet NSSet::setWithSet_(NSSet const& other) { return other == nil ? set() : copyOf<NSSet>(bodyOf(other)->m_entries); }
 
-NSUInteger NSSet::count() const
-{
-    return *this == nil ? 0 : static_cast<NSUInteger>(bodyOf(*this)->m_entries.count());
-}
+NSUInteger NSSet::count() const { return *this == nil ? 0 : static_cast<NSUInteger>(bodyOf(*this)->m_entries.count()); }
 
-bool NSSet::containsObject_(id const& object) const
-{
+bool NSSet::containsObject_(id const& object) const {
     return *this != nil && bodyOf(*this)->m_entries.find(object) != nullptr;
 }
 
-id NSSet::member_(id const& object) const
-{
+id NSSet::member_(id const& object) const {
     HashedEntries::Entry const* const entry = *this == nil ? nullptr : bodyOf(*this)->m_entries.find(object);
     return entry ? entry->key : id();
 }
 
-id NSSet::anyObject() const
-{
-    if (*this == nil)
-        return nil;
+id NSSet::anyObject() const {
+    if (*this == nil) return nil;
     for (HashedEntries::Entry const& entry : bodyOf(*this)->m_entries.entries()) {
-        if (entry.key != nil)
-            return entry.key;
+        if (entry.key != nil) return entry.key;
     }
     return nil;
 }
 
-NSArray NSSet::allObjects() const
-{
+NSArray NSSet::allObjects() const {
     return *this == nil ? NSArray() : NSArray::arrayWithVector(keysOf(bodyOf(*this)->m_entries));
 }
 
-NSEnumerator NSSet::objectEnumerator() const
-{
-    return allObjects().objectEnumerator();
+NSEnumerator NSSet::objectEnumerator() const { return allObjects().objectEnumerator(); }
+
+bool NSSet::isEqualToSet_(NSSet const& other) const { return isEqual_(other); }
+
+bool NSSet::isSubsetOfSet_(NSSet const& other) const {
+    return *this != nil &&
+           std::ranges::all_of(allObjects(), [&](id const& member) { return other.containsObject_(member); });
 }
 
-bool NSSet::isEqualToSet_(NSSet const& other) const
-{
-    return isEqual_(other);
+bool NSSet::intersectsSet_(NSSet const& other) const {
+    return *this != nil &&
+           std::ranges::any_of(allObjects(), [&](id const& member) { return other.containsObject_(member); });
 }
 
-bool NSSet::isSubsetOfSet_(NSSet const& other) const
-{
-    return *this != nil
-        && std::ranges::all_of(allObjects(), [&](id const& member) { return other.containsObject_(member); });
-}
-
-bool NSSet::intersectsSet_(NSSet const& other) const
-{
-    return *this != nil
-        && std::ranges::any_of(allObjects(), [&](id const& member) { return other.containsObject_(member); });
-}
-
-ClassDescription NSMutableSet::describeClass()
-{
+ClassDescription NSMutableSet::describeClass() {
     return {
         .name = "NSMutableSet",
         .superclass = classOf<NSSet>(),
         .makeBody = &makeEmptyBody<NSMutableSet>,
-        .methods = {
-            method<&NSMutableSet::addObject_>("addObject:"),
-            method<&NSMutableSet::removeObject_>("removeObject:"),
-            method<&NSMutableSet::removeAllObjects>("removeAllObjects"),
-            method<&NSMutableSet::unionSet_>("unionSet:"),
-        },
+        .methods =
+            {
+                method<&NSMutableSet::addObject_>("addObject:"),
+                method<&NSMutableSet::removeObject_>("removeObject:"),
+                method<&NSMutableSet::removeAllObjects>("removeAllObjects"),
+                method<&NSMutableSet::addObjectsFromArray_>("addObjectsFromArray:"),
+                method<&NSMutableSet::unionSet_>("unionSet:"),
+                method<&NSMutableSet::minusSet_>("minusSet:"),
+                method<&NSMutableSet::intersectSet_>("intersectSet:"),
+                method<&NSMutableSet::setSet_>("setSet:"),
+            },
     };
 }
 
-NSMutableSet NSMutableSet::set()
-{
-    return adopt<NSMutableSet>();
+NSMutableSet NSMutableSet::set() { return adopt<NSMutableSet>(); }
+
+NSMutableSet NSMutableSet::setWithCapacity_(NSUInteger) { return set(); }
+
+NSMutableSet NSMutableSet::setWithArray_(NSArray const& array) { return setOf<NSMutableSet>(array.objects()); }
+
+NSMutableSet NSMutableSet::setWithSet_(NSSet const& other) {
+    return other == nil ? set() : copyOf<NSMutableSet>(bodyOf(other)->m_entries);
 }
 
-NSMutableSet NSMutableSet::setWithCapacity_(NSUInteger)
-{
-    return set();
-}
-
-NSMutableSet NSMutableSet::setWithArray_(NSArray const& array)
-{
-    return setOf<NSMutableSet>(array.objects());
-}
-
-NSMutableSet NSMutableSet::setWithSet_(NSSet const& other)
-{
-    return setWithArray_(other.allObjects());
-}
-
-void NSMutableSet::addObject_(id const& object) const
-{
-    if (*this == nil)
-        return;
+void NSMutableSet::addObject_(id const& object) const {
+    if (*this == nil) return;
     requireObject(object, "Adding to a set");
     bodyOf(*this)->m_entries.set(object, nil);
 }
 
-void NSMutableSet::addObjectsFromArray_(NSArray const& array) const
-{
-    if (*this != nil)
-        addAll(bodyOf(*this)->m_entries, array.objects());
+void NSMutableSet::addObjectsFromArray_(NSArray const& array) const {
+    if (*this != nil) addAll(bodyOf(*this)->m_entries, array.objects());
 }
 
-void NSMutableSet::removeObject_(id const& object) const
-{
-    if (*this != nil)
-        bodyOf(*this)->m_entries.remove(object);
+void NSMutableSet::removeObject_(id const& object) const {
+    if (*this != nil) bodyOf(*this)->m_entries.remove(object);
 }
 
-void NSMutableSet::removeAllObjects() const
-{
-    if (*this != nil)
-        bodyOf(*this)->m_entries.clear();
+void NSMutableSet::removeAllObjects() const {
+    if (*this != nil) bodyOf(*this)->m_entries.clear();
 }
 
-void NSMutableSet::unionSet_(NSSet const& other) const
-{
-    addObjectsFromArray_(other.allObjects());
-}
+void NSMutableSet::unionSet_(NSSet const& other) const { addObjectsFromArray_(other.allObjects()); }
 
-void NSMutableSet::minusSet_(NSSet const& other) const
-{
+void NSMutableSet::minusSet_(NSSet const& other) const {
     for (id const& member : other.allObjects())
         removeObject_(member);
 }
 
-void NSMutableSet::intersectSet_(NSSet const& other) const
-{
+void NSMutableSet::intersectSet_(NSSet const& other) const {
     for (id const& member : allObjects()) {
-        if (!other.containsObject_(member))
-            removeObject_(member);
+        if (!other.containsObject_(member)) removeObject_(member);
     }
 }
 
-void NSMutableSet::setSet_(NSSet const& other) const
-{
+void NSMutableSet::setSet_(NSSet const& other) const {
     NSArray const members = other.allObjects();
     removeAllObjects();
     addObjectsFromArray_(members);
 }
 
-}
+} // namespace mac

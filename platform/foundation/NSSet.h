@@ -4,7 +4,8 @@
 
 namespace mac {
 
-// Objects without order, no two of them equal, no nil. Enumeration follows insertion. Immutable; reading is safe on any thread.
+// Objects without order, no two of them equal, no nil. Enumeration follows insertion. Immutable; reading is safe on any
+// thread.
 class NSSet : public Handle<NSSet, NSObject> {
 public:
     class Body;

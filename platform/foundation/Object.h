@@ -10,41 +10,30 @@
 
 namespace mac {
 
-// Any object, or nil. A handle is one counted pointer: passing it on shares the object, and a message to nil answers nil, 0,
-// NO or an empty value. A handle may be used from any thread; the object behind it only where its class says so.
+// Any object, or nil. A handle is one counted pointer: passing it on shares the object, and a message to nil answers
+// nil, 0, NO or an empty value. A handle may be used from any thread; the object behind it only where its class says
+// so.
 class id {
 public:
     using Body = ObjectBody;
 
     constexpr id() = default;
-    constexpr id(Nil) { }
+    constexpr id(Nil) {}
     // A string object of the literal's UTF-8 text. Text in a char array that may change is not a literal.
-    template<std::size_t N>
-    id(char const (&literal)[N])
-        : id(stringOfLiteral({ literal, N - 1 }))
-    {
-    }
-    template<std::size_t N>
+    template <std::size_t N>
+    id(char const (&literal)[N]) : id(stringOfLiteral({literal, N - 1})) {}
+    template <std::size_t N>
     id(char (&)[N]) = delete;
-    id(id const& other)
-        : m_body(other.m_body)
-    {
-        if (m_body)
-            m_body->retain();
+    id(id const& other) : m_body(other.m_body) {
+        if (m_body) m_body->retain();
     }
-    id(id&& other) noexcept
-        : m_body(std::exchange(other.m_body, nullptr))
-    {
-    }
-    id& operator=(id other) noexcept
-    {
+    id(id&& other) noexcept : m_body(std::exchange(other.m_body, nullptr)) {}
+    id& operator=(id other) noexcept {
         std::swap(m_body, other.m_body);
         return *this;
     }
-    ~id()
-    {
-        if (m_body)
-            m_body->release();
+    ~id() {
+        if (m_body) m_body->release();
     }
 
     friend bool operator==(id const& object, Nil) { return object.m_body == nullptr; }
@@ -66,7 +55,8 @@ public:
     id mutableCopy() const { return m_body ? m_body->mutableCopy() : id(); }
 
     bool respondsToSelector_(SEL selector) const;
-    // Sends the message through the class's method table. A selector that is not there raises NSInvalidArgumentException.
+    // Sends the message through the class's method table. A selector that is not there raises
+    // NSInvalidArgumentException.
     id performSelector_(SEL selector) const;
     id performSelector_withObject_(SEL selector, id const& object) const;
     id performSelector_withObject_withObject_(SEL selector, id const& first, id const& second) const;
@@ -80,54 +70,46 @@ public:
 
     // Key-value observing: see KeyValueObserving.h.
     void addObserver_forKeyPath_options_context_(id const& observer, NSString const& keyPath, NSUInteger options,
-        void* context) const;
+                                                 void* context) const;
     void removeObserver_forKeyPath_(id const& observer, NSString const& keyPath) const;
     void willChangeValueForKey_(NSString const& key) const;
     void didChangeValueForKey_(NSString const& key) const;
 
     // For implementations: the body, not retained, null for nil; and a handle that takes a reference of its own.
     ObjectBody* body() const { return m_body; }
-    static id retain(ObjectBody* body)
-    {
-        if (body)
-            body->retain();
-        return id(body, Adopt {});
+    static id retain(ObjectBody* body) {
+        if (body) body->retain();
+        return id(body, Adopt{});
     }
 
 protected:
-    struct Adopt { };
-    id(ObjectBody* body, Adopt)
-        : m_body(body)
-    {
-    }
+    struct Adopt {};
+    id(ObjectBody* body, Adopt) : m_body(body) {}
 
 private:
     static id stringOfLiteral(std::string_view utf8);
 
-    ObjectBody* m_body { nullptr };
+    ObjectBody* m_body{nullptr};
 };
 
 static_assert(sizeof(id) == sizeof(void*));
 
-// The base of every handle class: `class NSArray : public Handle<NSArray, NSObject>`. Self names the body type `Body` and
-// says in `describeClass` what its class object holds.
-template<class Self, class Super>
+// The base of every handle class: `class NSArray : public Handle<NSArray, NSObject>`. Self names the body type `Body`
+// and says in `describeClass` what its class object holds.
+template <class Self, class Super>
 class Handle : public Super {
 public:
     using Superclass = Super;
 
     constexpr Handle() = default;
-    constexpr Handle(Nil) { }
+    constexpr Handle(Nil) {}
 
     // A new object, to be told one of its init messages. Only for classes with a body that starts empty.
     static Self alloc();
 
 protected:
     using Adopt = id::Adopt;
-    Handle(ObjectBody* body, Adopt adopt)
-        : Super(body, adopt)
-    {
-    }
+    Handle(ObjectBody* body, Adopt adopt) : Super(body, adopt) {}
 };
 
 // The root of the class tree. Anything that is an object converts to it by `as`.
@@ -140,9 +122,8 @@ public:
 };
 
 // The same object under another handle type, unasked; for implementations that have asked.
-template<class T>
-T uncheckedCast(id object)
-{
+template <class T>
+T uncheckedCast(id object) {
     T result;
     static_cast<id&>(result) = std::move(object);
     return result;
@@ -151,9 +132,8 @@ T uncheckedCast(id object)
 inline bool isSame(id const& a, id const& b) { return a.body() == b.body(); }
 
 // The body of a handle as its own type; null for nil.
-template<class T>
-typename T::Body* bodyOf(T const& object)
-{
+template <class T>
+typename T::Body* bodyOf(T const& object) {
     return static_cast<typename T::Body*>(object.body());
 }
 

@@ -12,6 +12,8 @@ class id;
 class NSDictionary;
 class NSString;
 class ObjectAssociations;
+class SEL;
+struct Method;
 
 // What a handle points at: the class, the reference count and the data of one object. Bodies of the framework's and the
 // program's classes derive from their superclass's body. Handles own it together; the last one to go deletes it.
@@ -36,10 +38,13 @@ public:
     virtual id valueForKeyPath(NSString const& keyPath);
     virtual void setValueForKeyPath(id const& value, NSString const& keyPath);
     virtual void observeValueForKeyPath(NSString const& keyPath, id const& object, NSDictionary const& change,
-        void* context);
+                                        void* context);
+
+    // The row that answers a message, or null. A class object answers its class methods first.
+    virtual Method const* methodForSelector(SEL selector) const;
 
     // The class; nil only for a body that no handle has yet. Set once, when the body is made.
-    Class isa() const;
+    Class const& isa() const;
     void setClass(Class const& cls);
     bool isKindOf(Class const& cls) const;
 
@@ -54,9 +59,9 @@ public:
 
 private:
     // A class object's body; not counted, since class objects stay.
-    ObjectBody* m_class { nullptr };
-    mutable std::atomic<std::uint32_t> m_count { 1 };
-    std::atomic<ObjectAssociations*> m_associations { nullptr };
+    ObjectBody* m_class{nullptr};
+    mutable std::atomic<std::uint32_t> m_count{1};
+    std::atomic<ObjectAssociations*> m_associations{nullptr};
 };
 
 }

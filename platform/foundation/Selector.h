@@ -13,12 +13,14 @@ class NSString;
 class SEL {
 public:
     constexpr SEL() = default;
-    template<std::size_t N>
-    SEL(char const (&name)[N])
-        : SEL(std::string_view(name, N - 1))
-    {
-    }
+    template <std::size_t N>
+    SEL(char const (&name)[N]) : SEL(std::string_view(name, N - 1)) {}
+    template <std::size_t N>
+    SEL(char (&)[N]) = delete;
     explicit SEL(std::string_view name);
+    // The selector where something has used that name already, else none: for names from outside, which would otherwise
+    // stay in memory for good.
+    static SEL ofKnownName(std::string_view name);
 
     std::string_view name() const { return m_name ? std::string_view(*m_name) : std::string_view(); }
     explicit operator bool() const { return m_name != nullptr; }
@@ -26,7 +28,7 @@ public:
 
 private:
     friend struct std::hash<SEL>;
-    std::string const* m_name { nullptr };
+    std::string const* m_name{nullptr};
 };
 
 // The selector of that name; nil or the empty string: no selector.
@@ -36,10 +38,9 @@ NSString NSStringFromSelector(SEL selector);
 
 }
 
-template<>
+template <>
 struct std::hash<mac::SEL> {
-    std::size_t operator()(mac::SEL const& selector) const noexcept
-    {
+    std::size_t operator()(mac::SEL const& selector) const noexcept {
         return std::hash<void const*>()(selector.m_name);
     }
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/Object.h"
+#include <memory>
 
 namespace mac {
 
@@ -15,25 +16,22 @@ public:
     id load() const;
     // True for a reference that once held an object that has gone.
     bool isCleared() const;
-    // Compares by identity without taking a reference.
+    // By identity and without taking a reference; true also for an object that is just being destroyed.
     bool refersTo(id const& object) const;
 
 private:
     std::shared_ptr<WeakRecord> m_record;
 };
 
-template<class T>
+template <class T>
 class Weak {
 public:
     Weak() = default;
-    Weak(T const& object)
-        : m_reference(object)
-    {
-    }
+    Weak(T const& object) : m_reference(object) {}
     T load() const { return uncheckedCast<T>(m_reference.load()); }
 
 private:
     WeakReference m_reference;
 };
 
-}
+} // namespace mac
