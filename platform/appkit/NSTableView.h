@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/appkit/NSControl.h"
+#include "platform/foundation/NSArray.h"
+
+namespace mac {
+
+// A table that shows the arranged objects of an array controller, one a row, and follows them by observing. Which
+// columns there are and what they show is for the interface file to say. Main thread.
+class NSTableView : public Handle<NSTableView, NSControl> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    // The order of the rows, first criterion first; it is handed on to the array controller, and a click on a header
+    // changes it: the column's criterion comes first, turned round when it was first already, and the older ones stay
+    // behind it. Key "sortDescriptors" can be observed.
+    NSArray sortDescriptors() const;
+    void setSortDescriptors_(NSArray const& descriptors) const;
+
+    NSInteger numberOfRows() const;
+    NSInteger numberOfSelectedRows() const;
+    // The first selected row, or -1.
+    NSInteger selectedRow() const;
+};
+
+} // namespace mac
