@@ -20,6 +20,6 @@ private:
 };
 
 // How a beep sounds: set by the room that owns the screen, at the start of the program.
-void setBeepSound(std::function<void()> sound);
+void setBeepSound(std::function<void()> newSound);
 
-}
+} // namespace mac

@@ -2,11 +2,13 @@
 
 #include "app/AppController.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
 #include <string>
 
 namespace framekeeper::test {
 
+using mac::test::runUntil;
 using mac::test::TemporaryFolder;
 
 inline AppController makeController() { return AppController::alloc().init(); }

@@ -1,23 +1,11 @@
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/NSRunLoop.h"
 #include "tests/app/Controller.h"
-#include <functional>
 #include <gtest/gtest.h>
 #include <vector>
 
 namespace framekeeper::test {
 namespace {
-
-// Runs the loop until the condition holds; false after ten seconds, which only a failure takes.
-bool runUntil(std::function<bool()> const& condition) {
-    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(10);
-    while (!condition()) {
-        if (end.timeIntervalSinceNow() < 0) return false;
-        NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, end);
-    }
-    return true;
-}
 
 // A controller whose local computer is one folder.
 class SpotlightScan : public testing::Test {

@@ -1,0 +1,30 @@
+#include "coreutils/ArrayLookUps.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSPredicate.h"
+
+namespace mac {
+
+id pxObjectWithValue_forKeyPath_(NSArray receiver, id value, NSString keyPath) {
+    NSPredicate const predicate = NSPredicate::predicateWithFormat_("%K == %@", keyPath, value);
+    return pxObjectAtIndex_(receiver.filteredArrayUsingPredicate_(predicate), 0);
+}
+
+id pxObjectAtIndex_(NSArray receiver, NSUInteger index) {
+    return index < receiver.count() ? receiver.objectAtIndex_(index) : id();
+}
+
+namespace {
+
+struct Registration {
+    Registration() {
+        Method const methods[] = {
+            method<&pxObjectWithValue_forKeyPath_>("pxObjectWithValue:forKeyPath:"),
+            method<&pxObjectAtIndex_>("pxObjectAtIndex:"),
+        };
+        classOf<NSArray>().addMethods(methods);
+    }
+} const s_registration;
+
+} // namespace
+
+} // namespace mac

@@ -1,0 +1,38 @@
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Listeners.h"
+#include <memory>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+Listeners<>& listeners() {
+    static Listeners<>& all = *std::make_unique<Listeners<>>().release();
+    return all;
+}
+
+void ringTerminal() {
+    if (::isatty(STDERR_FILENO) == 0) return;
+    [[maybe_unused]] ssize_t const count = ::write(STDERR_FILENO, "\a", 1);
+}
+
+std::function<void()>& sound() {
+    static std::function<void()> function = ringTerminal;
+    return function;
+}
+
+} // namespace
+
+void NSBeep() {
+    sound()();
+    listeners().tell();
+}
+
+BeepListener::BeepListener(std::function<void()> listener) : m_token(listeners().add(std::move(listener))) {}
+
+BeepListener::~BeepListener() { listeners().remove(m_token); }
+
+void setBeepSound(std::function<void()> newSound) { sound() = newSound ? std::move(newSound) : ringTerminal; }
+
+} // namespace mac

@@ -1,0 +1,114 @@
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/Boundary.h"
+#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Method.h"
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <algorithm>
+#include <deque>
+#include <memory>
+#include <mutex>
+
+namespace mac {
+
+namespace {
+
+constexpr NSTimeInterval LongestWait = 3600;
+
+std::chrono::milliseconds waitUntil(NSDate const& date) {
+    double const seconds = std::clamp(date.timeIntervalSinceNow(), 0.0, LongestWait);
+    return std::chrono::milliseconds(static_cast<long long>(seconds * 1000) + 1);
+}
+
+// What other threads want done on the main thread. It stands from the first use to the program's end, so that a thread
+// may call at any time; the functions run in their order when the loop gets there.
+class MainThreadCalls : public QObject {
+public:
+    static MainThreadCalls& shared() {
+        static MainThreadCalls& calls = *std::make_unique<MainThreadCalls>().release();
+        return calls;
+    }
+
+    void add(std::function<void()> function) {
+        std::lock_guard const guard(m_lock);
+        m_functions.push_back(std::move(function));
+        if (m_functions.size() == 1) wake();
+    }
+
+    // One function an event: a function that runs the loop itself must not hold up those behind it.
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User) return QObject::event(event);
+        std::function<void()> function;
+        {
+            std::lock_guard const guard(m_lock);
+            function = std::move(m_functions.front());
+            m_functions.pop_front();
+            if (!m_functions.empty()) wake();
+        }
+        guarded(function);
+        return true;
+    }
+
+private:
+    void wake() { QCoreApplication::postEvent(this, std::make_unique<QEvent>(QEvent::User).release()); }
+
+    std::mutex m_lock;
+    std::deque<std::function<void()>> m_functions;
+};
+
+// Belongs to the main thread even when another one calls first: made before main.
+MainThreadCalls& s_calls = MainThreadCalls::shared();
+
+} // namespace
+
+void requireEventLoop() {
+    if (QCoreApplication::instance()) return;
+    // The application keeps references to these as long as it lives.
+    static int argumentCount = 1;
+    static char name[] = "framekeeper";
+    static char* arguments[] = {name, nullptr};
+    static auto const application = std::make_unique<QCoreApplication>(argumentCount, arguments);
+}
+
+class NSRunLoop::Body : public ObjectBody {};
+
+ClassDescription NSRunLoop::describeClass() {
+    return {
+        .name = "NSRunLoop",
+        .superclass = classOf<NSObject>(),
+        .makeBody = &makeEmptyBody<NSRunLoop>,
+        .methods = {method<&NSRunLoop::runUntilDate_>("runUntilDate:")},
+    };
+}
+
+NSRunLoop NSRunLoop::currentRunLoop() {
+    static NSRunLoop const loop = adopt<NSRunLoop>();
+    requireEventLoop();
+    return loop;
+}
+
+void NSRunLoop::runUntilDate_(NSDate const& date) const {
+    if (*this == nil) return;
+    do {
+        runMode_beforeDate_(NSDefaultRunLoopMode, date);
+    } while (date.timeIntervalSinceNow() > 0);
+}
+
+bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
+    if (*this == nil) return false;
+    requireEventLoop();
+    QEventLoop loop;
+    if (loop.processEvents()) return true;
+    bool isTimeOver = false;
+    QTimer end;
+    end.setSingleShot(true);
+    QObject::connect(&end, &QTimer::timeout, &loop, [&] { isTimeOver = true; });
+    end.start(waitUntil(date));
+    loop.processEvents(QEventLoop::WaitForMoreEvents);
+    return !isTimeOver;
+}
+
+void performOnMainRunLoop(std::function<void()> function) { s_calls.add(std::move(function)); }
+
+} // namespace mac

@@ -1,0 +1,107 @@
+#include "platform/spotlight/SearchPlan.h"
+#include "platform/foundation/PredicateTree.h"
+#include "platform/spotlight/NSMetadataQuery.h"
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace mac {
+
+namespace {
+
+// The file names of which a match must have one; nothing where it may have any.
+using Names = std::optional<std::vector<std::string>>;
+
+bool asksForFileName(PredicateExpression const& expression) {
+    return expression.kind == PredicateExpression::Kind::KeyPath && expression.keyPath.isEqualToString_(kMDItemFSName);
+}
+
+Names namesOfConstant(PredicateExpression const& expression) {
+    if (expression.kind != PredicateExpression::Kind::Constant) return std::nullopt;
+    NSArray const list = as<NSArray>(expression.constant);
+    std::vector<std::string> names;
+    for (id const& constant : list == nil ? NSArray::arrayWithObjects_({expression.constant}) : list) {
+        NSString const name = as<NSString>(constant);
+        std::optional<std::string> bytes = name.fileSystemRepresentation();
+        if (name == nil) return std::nullopt;
+        if (bytes) names.push_back(std::move(*bytes));
+    }
+    return names;
+}
+
+Names namesOfComparison(PredicateNode const& comparison) {
+    bool const isExact = comparison.modifier == PredicateModifier::Direct && comparison.options == 0;
+    bool const isEquality = comparison.operation == PredicateOperator::Equal;
+    if (!isExact || (!isEquality && comparison.operation != PredicateOperator::In)) return std::nullopt;
+    if (asksForFileName(comparison.left)) return namesOfConstant(comparison.right);
+    if (isEquality && asksForFileName(comparison.right)) return namesOfConstant(comparison.left);
+    return std::nullopt;
+}
+
+Names namesOfTree(PredicateNode const& node);
+
+// Any operand that names some will do, the shortest list best.
+Names namesOfAnd(std::vector<PredicateNode> const& operands) {
+    Names best;
+    for (PredicateNode const& operand : operands) {
+        Names names = namesOfTree(operand);
+        if (names && (!best || names->size() < best->size())) best = std::move(names);
+    }
+    return best;
+}
+
+Names namesOfOr(std::vector<PredicateNode> const& operands) {
+    std::vector<std::string> all;
+    for (PredicateNode const& operand : operands) {
+        Names const names = namesOfTree(operand);
+        if (!names) return std::nullopt;
+        all.insert(all.end(), names->begin(), names->end());
+    }
+    return all;
+}
+
+Names namesOfTree(PredicateNode const& node) {
+    switch (node.kind) {
+    case PredicateNode::Kind::And:
+        return namesOfAnd(node.operands);
+    case PredicateNode::Kind::Or:
+        return namesOfOr(node.operands);
+    case PredicateNode::Kind::Comparison:
+        return namesOfComparison(node);
+    default:
+        return std::nullopt;
+    }
+}
+
+// The folders that stand for the local computer; none for all of it.
+std::vector<std::string> localComputer() {
+    char const* const narrowed = std::getenv("FRAMEKEEPER_LOCAL_COMPUTER");
+    std::vector<std::string> folders;
+    for (std::string_view rest = narrowed ? narrowed : ""; !rest.empty();) {
+        std::size_t const end = std::min(rest.find(':'), rest.size());
+        if (end > 0) folders.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return folders;
+}
+
+} // namespace
+
+std::optional<VolumeWalkRequest> planSearch(NSPredicate const& predicate, NSArray const& scopes) {
+    VolumeWalkRequest request;
+    if (PredicateNode const* const tree = predicateTree(predicate))
+        request.names = namesOfTree(*tree).value_or(request.names);
+    for (id const& scope : scopes) {
+        NSString const text = as<NSString>(scope);
+        std::optional<std::string> const path = text.fileSystemRepresentation();
+        if (text.isEqualToString_(NSMetadataQueryLocalComputerScope)) {
+            request.roots = localComputer();
+            return request;
+        }
+        if (path && text.isAbsolutePath()) request.roots.push_back(*path);
+    }
+    if (request.roots.empty()) return std::nullopt;
+    return request;
+}
+
+} // namespace mac
