@@ -1,0 +1,84 @@
+#include "platform/foundation/Log.h"
+#include "platform/foundation/Beep.h"
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace mac::test {
+namespace {
+
+std::string standardErrorOf(NSString const& message) {
+    testing::internal::CaptureStderr();
+    logMessage(message);
+    return testing::internal::GetCapturedStderr();
+}
+
+TEST(Log, WritesOneLineToStandardError) {
+    std::string const line = standardErrorOf("ERROR: it failed");
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    EXPECT_NE(line.find("] ERROR: it failed\n"), std::string::npos);
+}
+
+TEST(Log, KeepsAMessageWithLineBreaksInOneLine) {
+    std::string const line = standardErrorOf("first\n2026-11-21 a faked line\x1B[2J");
+    EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+    EXPECT_NE(line.find("first\\n2026-11-21 a faked line\\x1b[2J"), std::string::npos);
+}
+
+TEST(Log, TreatsAMessageAsTextAndNotAsAFormat) {
+    EXPECT_NE(standardErrorOf("100%s %n %@").find("100%s %n %@"), std::string::npos);
+}
+
+TEST(Log, WritesNilAsNull) { EXPECT_NE(standardErrorOf(nil).find("(null)"), std::string::npos); }
+
+TEST(Log, FormatsItsArguments) {
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    NSLog("%@ (pid=%d) %s", "Quitting", 42, "succeeded");
+    EXPECT_EQ(lines, std::vector<std::string>{"Quitting (pid=42) succeeded"});
+}
+
+TEST(LogListener, HearsFromItsBirthToItsDeath) {
+    std::vector<std::string> lines;
+    NSLog("before");
+    {
+        LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+        NSLog("during");
+    }
+    NSLog("after");
+    EXPECT_EQ(lines, std::vector<std::string>{"during"});
+}
+
+TEST(LogListener, IsNotToldWhatAListenerLogs) {
+    int heard = 0;
+    LogListener const listener([&](NSString const&) {
+        ++heard;
+        NSLog("from within");
+    });
+    NSLog("from outside");
+    EXPECT_EQ(heard, 1);
+}
+
+TEST(LogListener, HearsOtherThreads) {
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    std::thread([] { NSLog("from a thread"); }).join();
+    EXPECT_EQ(lines, std::vector<std::string>{"from a thread"});
+}
+
+TEST(Beep, SoundsAndIsHeardByListeners) {
+    int sounds = 0;
+    int heard = 0;
+    setBeepSound([&] { ++sounds; });
+    {
+        BeepListener const listener([&] { ++heard; });
+        NSBeep();
+    }
+    NSBeep();
+    setBeepSound({});
+    EXPECT_EQ(sounds, 2);
+    EXPECT_EQ(heard, 1);
+}
+
+} // namespace
+} // namespace mac::test

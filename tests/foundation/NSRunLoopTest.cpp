@@ -1,0 +1,78 @@
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/Log.h"
+#include "tests/support/RunUntil.h"
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace mac::test {
+namespace {
+
+TEST(RunLoop, CallsFunctionsInTheirOrderWhenItGetsThere) {
+    std::string order;
+    performOnMainRunLoop([&] { order += "1"; });
+    performOnMainRunLoop([&] { order += "2"; });
+    EXPECT_EQ(order, "");
+    EXPECT_TRUE(runUntil([&] { return order == "12"; }));
+}
+
+TEST(RunLoop, CallsWhatOtherThreadsWantOnTheMainThread) {
+    std::thread::id const mainThread = std::this_thread::get_id();
+    std::vector<std::thread::id> ran;
+    std::vector<std::thread> threads;
+    for (int index = 0; index < 4; ++index)
+        threads.emplace_back([&] {
+            for (int call = 0; call < 100; ++call)
+                performOnMainRunLoop([&] { ran.push_back(std::this_thread::get_id()); });
+        });
+    EXPECT_TRUE(runUntil([&] { return ran.size() == 400; }));
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(std::count(ran.begin(), ran.end(), mainThread), 400);
+}
+
+TEST(RunLoop, GoesOnWhenAFunctionRaises) {
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    bool isReached = false;
+    performOnMainRunLoop([] { throw NSRangeException("beyond"); });
+    performOnMainRunLoop([&] { isReached = true; });
+    EXPECT_TRUE(runUntil([&] { return isReached; }));
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find("NSRangeException: beyond"), std::string::npos);
+}
+
+TEST(RunLoop, MayBeRunByAFunctionThatItCalls) {
+    bool isInnerDone = false;
+    bool isOuterDone = false;
+    performOnMainRunLoop([&] {
+        performOnMainRunLoop([&] { isInnerDone = true; });
+        isOuterDone = runUntil([&] { return isInnerDone; });
+    });
+    EXPECT_TRUE(runUntil([&] { return isOuterDone; }));
+}
+
+TEST(RunLoop, SaysWhetherAnythingArrivedBeforeTheDate) {
+    while (NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, NSDate::distantPast())) {}
+    EXPECT_FALSE(NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode,
+                                                                 NSDate::dateWithTimeIntervalSinceNow_(0.01)));
+    performOnMainRunLoop([] {});
+    EXPECT_TRUE(NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode,
+                                                                NSDate::dateWithTimeIntervalSinceNow_(60)));
+}
+
+TEST(RunLoop, RunsUntilTheDate) {
+    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(0.02);
+    NSRunLoop::currentRunLoop().runUntilDate_(end);
+    EXPECT_LE(end.timeIntervalSinceNow(), 0);
+}
+
+TEST(RunLoop, OfNilDoesNothing) {
+    NSRunLoop(nil).runUntilDate_(NSDate::distantFuture());
+    EXPECT_FALSE(NSRunLoop(nil).runMode_beforeDate_(NSDefaultRunLoopMode, NSDate::distantFuture()));
+}
+
+} // namespace
+} // namespace mac::test
