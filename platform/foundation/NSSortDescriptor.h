@@ -12,7 +12,9 @@ public:
 
     static ClassDescription describeClass();
 
-    static NSSortDescriptor sortDescriptorWithKey_ascending_selector_(NSString const& key, BOOL ascending, SEL selector);
+    // A nil or empty key compares the objects themselves; no selector is compare:.
+    static NSSortDescriptor sortDescriptorWithKey_ascending_selector_(NSString const& key, BOOL ascending,
+                                                                      SEL selector);
     // With compare:.
     static NSSortDescriptor sortDescriptorWithKey_ascending_(NSString const& key, BOOL ascending);
 
@@ -21,10 +23,16 @@ public:
     SEL selector() const;
     // The same criterion in the other direction.
     NSSortDescriptor reversedSortDescriptor() const;
-    // Missing values come first in ascending order.
+    // Missing values come first in ascending order. A value that does not understand the selector raises
+    // NSInvalidArgumentException.
     NSComparisonResult compareObject_toObject_(id const& first, id const& second) const;
     // The same for two values of the key, read already.
     NSComparisonResult compareValues(id const& first, id const& second) const;
+    // The value of the key.
+    id valueOfObject(id const& object) const;
 };
+
+// What the selector answers for two values; nil comes first, and without a message.
+NSComparisonResult compareBySelector(id const& first, id const& second, SEL selector);
 
 }

@@ -1,0 +1,196 @@
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNull.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSSet.h"
+#include "platform/foundation/PredicatePattern.h"
+#include "platform/foundation/PredicateTree.h"
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace mac {
+
+namespace {
+
+// The null object stands for nil.
+id normalized(id const& value) { return isSame(value, NSNull::null()) ? id() : value; }
+
+id valueOf(PredicateExpression const& expression, id const& object) {
+    using Kind = PredicateExpression::Kind;
+    switch (expression.kind) {
+    case Kind::Constant:
+        return expression.constant;
+    case Kind::Self:
+        return object;
+    case Kind::KeyPath:
+        return expression.isPlainKey ? object.valueForKey_(expression.keyPath)
+                                     : object.valueForKeyPath_(expression.keyPath);
+    case Kind::Aggregate:
+        break;
+    }
+    std::vector<id> values;
+    for (PredicateExpression const& member : expression.members) {
+        id value = valueOf(member, object);
+        values.push_back(value == nil ? id(NSNull::null()) : std::move(value));
+    }
+    return NSArray::arrayWithVector(std::move(values));
+}
+
+// The members of an array or set, the values of a dictionary; nothing for any other object.
+std::optional<NSArray> membersOf(id const& value) {
+    if (NSArray const array = as<NSArray>(value); array != nil) return array;
+    if (NSSet const set = as<NSSet>(value); set != nil) return set.allObjects();
+    if (NSDictionary const dictionary = as<NSDictionary>(value); dictionary != nil) return dictionary.allValues();
+    return {};
+}
+
+bool areEqual(id const& first, id const& second, NSUInteger options) {
+    if (first == nil || second == nil) return first == nil && second == nil;
+    if (options != 0) {
+        NSString const text = as<NSString>(first);
+        NSString const other = as<NSString>(second);
+        if (text != nil && other != nil)
+            return foldedText(text.codeUnits(), options) == foldedText(other.codeUnits(), options);
+    }
+    return first.isEqual_(second);
+}
+
+// Nothing where there is no order: with nil, with not-a-number, and between objects of different kinds.
+std::optional<NSComparisonResult> order(id const& first, id const& second, NSUInteger options) {
+    if (first == nil || second == nil) return {};
+    if (NSNumber const number = as<NSNumber>(first), other = as<NSNumber>(second); number != nil && other != nil) {
+        if (std::isnan(number.doubleValue()) || std::isnan(other.doubleValue())) return {};
+        return number.compare_(other);
+    }
+    if (NSString const text = as<NSString>(first), other = as<NSString>(second); text != nil && other != nil)
+        return text.compare_options_(other, options);
+    if (NSDate const date = as<NSDate>(first), other = as<NSDate>(second); date != nil && other != nil)
+        return date.compare_(other);
+    if (as<NSString>(first) != nil || as<NSNumber>(first) != nil || as<NSDate>(first) != nil) return {};
+    if (!isSame(first.class_(), second.class_()) || !first.respondsToSelector_("compare:")) return {};
+    NSNumber const result = as<NSNumber>(first.performSelector_withObject_("compare:", second));
+    if (result == nil) return {};
+    return static_cast<NSComparisonResult>(result.intValue());
+}
+
+bool isOrdered(PredicateOperator operation, id const& first, id const& second, NSUInteger options) {
+    std::optional<NSComparisonResult> const found = order(first, second, options);
+    if (!found) return false;
+    switch (operation) {
+    case PredicateOperator::Less:
+        return *found < 0;
+    case PredicateOperator::LessOrEqual:
+        return *found <= 0;
+    case PredicateOperator::Greater:
+        return *found > 0;
+    default:
+        return *found >= 0;
+    }
+}
+
+bool isBetween(id const& value, id const& bounds, NSUInteger options) {
+    NSArray const list = as<NSArray>(bounds);
+    if (list.count() != 2) throw NSInvalidArgumentException("BETWEEN needs a list of two values");
+    return isOrdered(PredicateOperator::GreaterOrEqual, value, normalized(list.objectAtIndex_(0)), options) &&
+           isOrdered(PredicateOperator::LessOrEqual, value, normalized(list.objectAtIndex_(1)), options);
+}
+
+bool matchesPattern(std::u16string_view text, NSString const& pattern, PredicateNode const& node) {
+    return node.pattern ? node.pattern->matches(text) : PredicatePattern(pattern, node.options).matches(text);
+}
+
+// Nothing ever contains the empty string, and nothing begins or ends with it.
+bool isTextMatch(PredicateOperator operation, id const& value, id const& sought, PredicateNode const& node) {
+    NSString const text = as<NSString>(value);
+    NSString const part = as<NSString>(sought);
+    if (text == nil || part == nil) return false;
+    if (operation == PredicateOperator::Matches) return matchesPattern(text.codeUnits(), part, node);
+    // Unfolded text is compared where it lies.
+    std::u16string const foldedWhole =
+        node.options == 0 ? std::u16string() : foldedText(text.codeUnits(), node.options);
+    std::u16string const foldedPart = node.options == 0 ? std::u16string() : foldedText(part.codeUnits(), node.options);
+    std::u16string_view const whole = node.options == 0 ? text.codeUnits() : foldedWhole;
+    std::u16string_view const other = node.options == 0 ? part.codeUnits() : foldedPart;
+    if (operation == PredicateOperator::Like) return matchesWildcards(whole, other);
+    if (other.empty()) return false;
+    if (operation == PredicateOperator::BeginsWith) return whole.starts_with(other);
+    if (operation == PredicateOperator::EndsWith) return whole.ends_with(other);
+    return whole.find(other) != std::u16string_view::npos;
+}
+
+bool isMember(id const& value, id const& collection, PredicateNode const& node) {
+    std::optional<NSArray> const members = membersOf(collection);
+    if (!members) return isTextMatch(PredicateOperator::Contains, collection, value, node);
+    if (NSSet const set = as<NSSet>(collection); set != nil && value != nil && node.options == 0)
+        return set.containsObject_(value);
+    return std::ranges::any_of(*members,
+                               [&](id const& member) { return areEqual(value, normalized(member), node.options); });
+}
+
+bool compare(PredicateNode const& node, id const& left, id const& right) {
+    switch (node.operation) {
+    case PredicateOperator::Equal:
+        return areEqual(left, right, node.options);
+    case PredicateOperator::NotEqual:
+        return !areEqual(left, right, node.options);
+    case PredicateOperator::In:
+        return isMember(left, right, node);
+    case PredicateOperator::Contains:
+        return isMember(right, left, node);
+    case PredicateOperator::Between:
+        return isBetween(left, right, node.options);
+    case PredicateOperator::Less:
+    case PredicateOperator::LessOrEqual:
+    case PredicateOperator::Greater:
+    case PredicateOperator::GreaterOrEqual:
+        return isOrdered(node.operation, left, right, node.options);
+    default:
+        return isTextMatch(node.operation, left, right, node);
+    }
+}
+
+bool evaluateComparison(PredicateNode const& node, id const& object) {
+    id const left = normalized(valueOf(node.left, object));
+    id const right = normalized(valueOf(node.right, object));
+    if (node.modifier == PredicateModifier::Direct) return compare(node, left, right);
+    std::optional<NSArray> const members = membersOf(left);
+    // A missing collection has no members.
+    if (!members && left != nil)
+        throw NSInvalidArgumentException("ANY, ALL and NONE need a collection on their left, not " +
+                                         std::string(left.class_().name()));
+    auto const holds = [&](id const& member) { return compare(node, normalized(member), right); };
+    NSArray const all = members.value_or(nil);
+    switch (node.modifier) {
+    case PredicateModifier::All:
+        return std::ranges::all_of(all, holds);
+    case PredicateModifier::None:
+        return std::ranges::none_of(all, holds);
+    default:
+        return std::ranges::any_of(all, holds);
+    }
+}
+
+} // namespace
+
+bool evaluatePredicate(PredicateNode const& node, id const& object) {
+    auto const holds = [&](PredicateNode const& operand) { return evaluatePredicate(operand, object); };
+    switch (node.kind) {
+    case PredicateNode::Kind::Always:
+        return true;
+    case PredicateNode::Kind::Never:
+        return false;
+    case PredicateNode::Kind::Not:
+        return !holds(node.operands.front());
+    case PredicateNode::Kind::And:
+        return std::ranges::all_of(node.operands, holds);
+    case PredicateNode::Kind::Or:
+        return std::ranges::any_of(node.operands, holds);
+    case PredicateNode::Kind::Comparison:
+        break;
+    }
+    return evaluateComparison(node, object);
+}
+
+} // namespace mac
