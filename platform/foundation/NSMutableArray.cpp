@@ -94,7 +94,8 @@ void NSMutableArray::replaceObjectAtIndex_withObject_(NSUInteger index, id const
     requireObject(object, "Replacing in an array");
     std::vector<id>& objects = bodyOf(*this)->m_objects;
     requireIndex(index, objects.size());
-    id const replaced = std::exchange(objects[index], object);
+    id replaced = object;
+    std::swap(objects[index], replaced);
 }
 
 void NSMutableArray::removeObjectAtIndex_(NSUInteger index) const {
