@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// A folder with an information file: an application, this program itself. The file is read on first need and again when it
-// has changed on the disk. Main thread.
+// A folder with an information file: an application, this program itself. The file is read on first need and again when
+// it has changed on the disk. Main thread.
 class NSBundle : public Handle<NSBundle, NSObject> {
 public:
     class Body;
@@ -13,23 +13,32 @@ public:
 
     static ClassDescription describeClass();
 
-    // The running program's bundle: the one its executable lies in, else the executable's folder.
+    // The running program's bundle: the one its executable lies in (Contents/Linux), else the executable's folder.
     static NSBundle mainBundle();
     // Nil when there is no folder at the path; a folder without an information file is a bundle that tells nothing.
     static NSBundle bundleWithPath_(NSString const& path);
 
+    // As it was given.
     NSString bundlePath() const;
-    // The information file's dictionary; an empty one when there is no file or it cannot be read (which is logged once for each
-    // state of the file).
+    // The dictionary of Contents/Info.plist, else Info.plist, Resources/Info.plist or Support Files/Info.plist; an
+    // empty one when there is no file or it cannot be used (which is logged once for each state of the file). Its
+    // values may be of any class.
     NSDictionary infoDictionary() const;
     id objectForInfoDictionaryKey_(NSString const& key) const;
     // CFBundleIdentifier where it is a string that is not empty, else nil.
     NSString bundleIdentifier() const;
-    // Linux: the program lies in Contents/Linux, beside where other systems look. Nil when CFBundleExecutable names no file.
+    // The file that CFBundleExecutable names; of the main bundle, without one, the running program. Nil when there is
+    // none. Linux: the program lies in Contents/Linux; where other systems look, Contents/MacOS and the bundle's
+    // folder, comes next.
     NSString executablePath() const;
+    // Contents/Resources, else the bundle's folder.
     NSString resourcePath() const;
-    // The file in the resources folder; nil when it is not there.
+    // The file in the resources folder; nil when it is not there. The type may be nil or empty.
     NSString pathForResource_ofType_(NSString const& name, NSString const& type) const;
 };
 
-}
+// For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it
+// is in no bundle's Contents/Linux.
+NSString bundlePathOfExecutable(NSString const& path);
+
+} // namespace mac

@@ -14,8 +14,8 @@ public:
 
     static NSFileManager defaultManager();
 
-    // False also for a link that leads nowhere, a nil path and a path that cannot be reached. Relative paths start at the
-    // current folder.
+    // False also for a link that leads nowhere, a nil path and a path that cannot be reached. Relative paths start at
+    // the current folder.
     bool fileExistsAtPath_(NSString const& path) const;
     // isDirectory may be null.
     bool fileExistsAtPath_isDirectory_(NSString const& path, bool* isDirectory) const;

@@ -1,0 +1,177 @@
+#include "platform/foundation/PropertyListBuilder.h"
+#include "platform/foundation/PropertyListXML.h"
+#include "platform/foundation/PropertyListXMLMarkup.h"
+#include "platform/foundation/PropertyListXMLValues.h"
+#include <QString>
+#include <QXmlStreamReader>
+#include <array>
+
+namespace mac {
+
+namespace {
+
+using Container = PropertyListBuilder::Container;
+
+// Longer names in messages help nobody.
+constexpr qsizetype kLongestNameInMessage = 40;
+
+enum class Element { Plist, Array, Dictionary, Key, String, Integer, Real, Date, Data, True, False, Unknown };
+
+Element elementOfName(QStringView name) {
+    struct Row {
+        QLatin1String name;
+        Element element;
+    };
+    static constexpr std::array<Row, 11> kElements{{
+        {QLatin1String("plist"), Element::Plist},
+        {QLatin1String("array"), Element::Array},
+        {QLatin1String("dict"), Element::Dictionary},
+        {QLatin1String("key"), Element::Key},
+        {QLatin1String("string"), Element::String},
+        {QLatin1String("integer"), Element::Integer},
+        {QLatin1String("real"), Element::Real},
+        {QLatin1String("date"), Element::Date},
+        {QLatin1String("data"), Element::Data},
+        {QLatin1String("true"), Element::True},
+        {QLatin1String("false"), Element::False},
+    }};
+    for (Row const& row : kElements) {
+        if (name == row.name) return row.element;
+    }
+    return Element::Unknown;
+}
+
+bool isBlank(QStringView text) {
+    return std::ranges::all_of(text, [](QChar character) {
+        return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
+    });
+}
+
+std::u16string_view unitsOf(QString const& text) {
+    return {reinterpret_cast<char16_t const*>(text.utf16()), static_cast<std::size_t>(text.size())};
+}
+
+class Reader {
+public:
+    Reader(QString const& text, NSPropertyListMutabilityOptions option) : m_xml(text), m_builder(option) {
+        m_xml.setNamespaceProcessing(false);
+    }
+
+    Result<id> read() {
+        while (m_reason.empty() && !m_xml.atEnd())
+            readToken(m_xml.readNext());
+        if (!m_reason.empty()) return Failure{m_reason};
+        if (m_xml.hasError()) return Failure{atLine(m_xml.errorString().toStdString(), line())};
+        if (!m_builder.isComplete()) return Failure{atLine("The list is empty", line())};
+        return m_builder.root();
+    }
+
+private:
+    std::size_t line() const { return static_cast<std::size_t>(m_xml.lineNumber()); }
+    void fail(std::string_view reason) {
+        if (m_reason.empty() && !reason.empty()) m_reason = atLine(reason, line());
+    }
+    // For messages.
+    std::string elementName() const {
+        return "<" + m_xml.name().left(kLongestNameInMessage).toString().toStdString() + ">";
+    }
+
+    void readToken(QXmlStreamReader::TokenType token) {
+        switch (token) {
+        case QXmlStreamReader::StartElement:
+            readElement(elementOfName(m_xml.name()));
+            return;
+        case QXmlStreamReader::EndElement:
+            // A plist element holds no value of its own; all others are read to their end in readElement.
+            if (elementOfName(m_xml.name()) != Element::Plist) fail(m_builder.end());
+            return;
+        case QXmlStreamReader::Characters:
+            if (!isBlank(m_xml.text())) fail("There is text outside of a value");
+            return;
+        case QXmlStreamReader::EntityReference:
+            fail("There is an entity that is not known");
+            return;
+        default:
+            return;
+        }
+    }
+
+    void readElement(Element element) {
+        switch (element) {
+        case Element::Plist:
+            if (m_sawElement) fail("There is a <plist> within another element");
+            break;
+        case Element::Array:
+            fail(m_builder.begin(Container::Array));
+            break;
+        case Element::Dictionary:
+            fail(m_builder.begin(Container::Dictionary));
+            break;
+        case Element::Unknown:
+            fail("There is no element " + elementName() + " in property lists");
+            break;
+        default:
+            readLeaf(element);
+        }
+        m_sawElement = true;
+    }
+
+    void readLeaf(Element element) {
+        std::string const name = elementName();
+        QString text;
+        for (auto token = m_xml.readNext(); token != QXmlStreamReader::EndElement; token = m_xml.readNext()) {
+            if (token == QXmlStreamReader::Invalid) return;
+            if (token != QXmlStreamReader::Characters) {
+                fail("There is something other than text in " + name);
+                return;
+            }
+            text += m_xml.text();
+        }
+        fail(addLeaf(element, text));
+    }
+
+    std::string_view addLeaf(Element element, QString const& text) {
+        switch (element) {
+        case Element::Key:
+            return m_builder.addKey(unitsOf(text));
+        case Element::String:
+            return m_builder.addString(unitsOf(text));
+        case Element::Integer:
+            return addOrSay(integerOfText(text.toStdString()), "There is an <integer> that is no 64-bit integer");
+        case Element::Real:
+            return addOrSay(realOfText(text.toStdString()), "There is a <real> that is no number");
+        case Element::Date:
+            return addOrSay(dateOfText(text.toStdString()), "There is a <date> that is no date");
+        case Element::Data:
+            return addData(text);
+        default:
+            if (!text.isEmpty()) return "There is text in a <true> or <false>";
+            return m_builder.addValue(NSNumber::numberWithBool_(element == Element::True));
+        }
+    }
+
+    std::string_view addOrSay(id const& value, std::string_view complaint) {
+        return value == nil ? complaint : m_builder.addValue(value);
+    }
+
+    std::string_view addData(QString const& text) {
+        std::optional<std::vector<std::byte>> const data = dataOfText(text.toStdString());
+        return data ? m_builder.addData(*data) : "There is <data> that is not in base 64";
+    }
+
+    QXmlStreamReader m_xml;
+    PropertyListBuilder m_builder;
+    bool m_sawElement{false};
+    std::string m_reason;
+};
+
+} // namespace
+
+Result<id> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
+    std::string const complaint = complaintAboutMarkup(text);
+    if (!complaint.empty()) return Failure{complaint};
+    return Reader(QString(reinterpret_cast<QChar const*>(text.data()), static_cast<qsizetype>(text.size())), option)
+        .read();
+}
+
+} // namespace mac

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/Result.h"
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mac {
+
+// The texts of single values in the XML form. The readers answer nil, or nothing, for text that is no such value:
+// padding with blanks is none.
+
+// Decimal or hexadecimal with an optional sign, from -2^63 to 2^64 - 1.
+NSNumber integerOfText(std::string_view text);
+// Decimal with an optional exponent, or "nan", "inf" or "infinity" in any case, with an optional sign. What is too
+// large or too small for a double is nil.
+NSNumber realOfText(std::string_view text);
+// "2001-01-01T00:00:00Z" and no other form.
+NSDate dateOfText(std::string_view text);
+// Base 64 with white space anywhere, padded at the end.
+std::optional<std::vector<std::byte>> dataOfText(std::string_view text);
+
+std::string textOfNumber(NSNumber const& number);
+// Whole seconds, rounded down. Nothing outside the years 0 to 9999.
+std::optional<std::string> textOfDate(NSDate const& date);
+std::string textOfData(std::span<std::byte const> data);
+
+} // namespace mac
