@@ -16,16 +16,17 @@ std::string utf8FromUnits(std::u16string_view units);
 
 // Any bytes: one that is no part of UTF-8 becomes the lone surrogate U+DC00 + byte.
 std::u16string unitsFromFileSystemBytes(std::string_view bytes);
-// The way back. Nothing for a NUL character and for lone surrogates that unitsFromFileSystemBytes would not have made, so
-// that no two texts name one file.
+// The way back. Nothing for a NUL character and for lone surrogates that unitsFromFileSystemBytes would not have made,
+// so that no two texts name one file.
 std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units);
 
-// The bytes as text of the encoding, and back; nothing for what one of them cannot hold and for an unknown encoding. UTF-16
-// is read in the order of its byte order mark, else of the machine, and written with one in the order of the machine.
+// The bytes as text of the encoding, and back; nothing for what one of them cannot hold and for an unknown encoding.
+// UTF-16 is read in the order of its byte order mark, else of the machine, and written with one in the order of the
+// machine.
 std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEncoding encoding);
 std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding);
 
 inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-}
+} // namespace mac

@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// A number or truth value as an object. Numbers are equal by value across kinds: 1, 1.0 and YES are equal, with one hash.
-// Immutable; any thread.
+// A number or truth value as an object. Numbers are equal by value across kinds: 1, 1.0 and YES are equal, with one
+// hash. Immutable; any thread.
 class NSNumber : public Handle<NSNumber, NSObject> {
 public:
     class Body;

@@ -41,12 +41,9 @@ public:
     class Body;
     using Handle::Handle;
 
-    template<std::size_t N>
-    NSString(char const (&literal)[N])
-        : NSString(uncheckedCast<NSString>(id(literal)))
-    {
-    }
-    template<std::size_t N>
+    template <std::size_t N>
+    NSString(char const (&literal)[N]) : NSString(uncheckedCast<NSString>(id(literal))) {}
+    template <std::size_t N>
     NSString(char (&)[N]) = delete;
 
     static ClassDescription describeClass();
@@ -60,13 +57,12 @@ public:
     static NSString stringWithString_(NSString const& other);
     // Bytes that the encoding cannot hold answer nil; so does an encoding that is not in NSStringEncoding.
     static NSString stringWithData_encoding_(NSData const& data, NSStringEncoding encoding);
-    template<class... Arguments>
-    static NSString stringWithFormat_(NSString const& format, Arguments const&... arguments)
-    {
+    template <class... Arguments>
+    static NSString stringWithFormat_(NSString const& format, Arguments const&... arguments) {
         if constexpr (sizeof...(arguments) == 0) {
             return formatString(format, {});
         } else {
-            FormatArgument const list[] { FormatArgument(arguments)... };
+            FormatArgument const list[]{FormatArgument(arguments)...};
             return formatString(format, list);
         }
     }
@@ -143,9 +139,8 @@ public:
     static NSMutableString stringWithString_(NSString const& other);
 
     void appendString_(NSString const& other) const;
-    template<class... Arguments>
-    void appendFormat_(NSString const& format, Arguments const&... arguments) const
-    {
+    template <class... Arguments>
+    void appendFormat_(NSString const& format, Arguments const&... arguments) const {
         appendString_(NSString::stringWithFormat_(format, arguments...));
     }
     void setString_(NSString const& other) const;

@@ -10,15 +10,11 @@ namespace mac {
 class NSString::Body : public ObjectBody {
 public:
     Body() = default;
-    explicit Body(std::u16string units)
-        : m_units(std::move(units))
-    {
-    }
+    explicit Body(std::u16string units) : m_units(std::move(units)) {}
 
     std::u16string const& units() const { return m_units; }
     // What changes is the caller's; the remembered hash is forgotten.
-    std::u16string& mutableUnits()
-    {
+    std::u16string& mutableUnits() {
         m_hash.store(0, std::memory_order_relaxed);
         return m_units;
     }
@@ -34,7 +30,7 @@ private:
 
     std::u16string m_units;
     // 0 until somebody asked.
-    mutable std::atomic<std::uint64_t> m_hash { 0 };
+    mutable std::atomic<std::uint64_t> m_hash{0};
 };
 
 // A new immutable string of the code units.

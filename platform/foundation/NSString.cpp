@@ -1,0 +1,171 @@
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/StringBody.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace mac {
+
+namespace {
+
+constexpr std::uint64_t hashMultiplier = 0x9E3779B97F4A7C15;
+
+std::uint64_t mixed(std::uint64_t value) {
+    value ^= value >> 32;
+    value *= hashMultiplier;
+    return value ^ value >> 29;
+}
+
+// Four code units a step: hashing is what look-ups by path spend their time on.
+std::uint64_t hashOfUnits(std::u16string_view units) {
+    constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(char16_t);
+    std::uint64_t hash = mixed(units.size() + hashMultiplier);
+    while (!units.empty()) {
+        std::size_t const count = std::min(step, units.size());
+        std::uint64_t word = 0;
+        std::memcpy(&word, units.data(), count * sizeof(char16_t));
+        hash = mixed(hash ^ word) + hashMultiplier;
+        units.remove_prefix(count);
+    }
+    return mixed(hash);
+}
+
+} // namespace
+
+void checkRange(NSRange range, std::size_t length, char const* message) {
+    if (range.location <= length && range.length <= length - range.location) return;
+    throw NSRangeException(std::string(message) + ": range {" + std::to_string(range.location) + ", " +
+                           std::to_string(range.length) + "} out of bounds; string length " + std::to_string(length));
+}
+
+bool NSString::Body::isMutable() const { return isa().isSubclassOfClass_(classOf<NSMutableString>()); }
+
+bool NSString::Body::isEqual(id const& other) const {
+    if (other.body() == this) return true;
+    NSString const string = as<NSString>(other);
+    return string != nil && bodyOf(string)->m_units == m_units;
+}
+
+std::uint64_t NSString::Body::hash() const {
+    std::uint64_t const known = m_hash.load(std::memory_order_relaxed);
+    if (known != 0) return known;
+    std::uint64_t const hash = std::max<std::uint64_t>(hashOfUnits(m_units), 1);
+    m_hash.store(hash, std::memory_order_relaxed);
+    return hash;
+}
+
+NSString NSString::Body::description() const { return uncheckedCast<NSString>(copy()); }
+
+id NSString::Body::copy() const {
+    if (isMutable()) return makeString(m_units);
+    return id::retain(const_cast<Body*>(this));
+}
+
+id NSString::Body::mutableCopy() const { return adopt<NSMutableString>(m_units); }
+
+ClassDescription NSString::describeClass() {
+    ClassDescription description{.name = "NSString", .superclass = classOf<NSObject>()};
+    description.makeBody = makeEmptyBody<NSString>;
+    description.methods = {
+        method<&NSString::length>("length"),
+        method<&NSString::isEqualToString_>("isEqualToString:"),
+        method<&NSString::stringByAppendingString_>("stringByAppendingString:"),
+    };
+    return description;
+}
+
+id id::stringOfLiteral(std::string_view utf8) { return makeString(unitsFromFileSystemBytes(utf8)); }
+
+NSString NSString::string() {
+    static NSString const empty = makeString({});
+    return empty;
+}
+
+NSString NSString::stringWithUTF8String_(std::string_view utf8) {
+    std::optional<std::u16string> units = unitsFromUTF8(utf8);
+    return units ? makeString(std::move(*units)) : NSString(nil);
+}
+
+NSString NSString::stringWithFileSystemRepresentation_(std::string_view bytes) {
+    return makeString(unitsFromFileSystemBytes(bytes));
+}
+
+NSString NSString::stringWithCodeUnits(std::u16string_view units) { return makeString(std::u16string(units)); }
+
+NSString NSString::stringWithString_(NSString const& other) {
+    if (other == nil) throw NSInvalidArgumentException("stringWithString: nil argument");
+    return uncheckedCast<NSString>(other.copy());
+}
+
+NSUInteger NSString::length() const { return static_cast<NSUInteger>(codeUnits().size()); }
+
+unichar NSString::characterAtIndex_(NSUInteger index) const {
+    std::u16string_view const units = codeUnits();
+    if (*this == nil) return 0;
+    if (index >= units.size())
+        throw NSRangeException("characterAtIndex: index " + std::to_string(index) + " out of bounds; string length " +
+                               std::to_string(units.size()));
+    return units[index];
+}
+
+std::u16string_view NSString::codeUnits() const {
+    Body const* const body = bodyOf(*this);
+    return body ? std::u16string_view(body->units()) : std::u16string_view();
+}
+
+std::string NSString::UTF8String() const { return utf8FromUnits(codeUnits()); }
+
+std::optional<std::string> NSString::fileSystemRepresentation() const {
+    std::u16string_view const units = codeUnits();
+    if (units.empty()) return std::nullopt;
+    return fileSystemBytesFromUnits(units);
+}
+
+bool NSString::isEqualToString_(NSString const& other) const {
+    return *this != nil && other != nil && codeUnits() == other.codeUnits();
+}
+
+bool NSString::hasPrefix_(NSString const& prefix) const {
+    return prefix.length() > 0 && codeUnits().starts_with(prefix.codeUnits());
+}
+
+bool NSString::hasSuffix_(NSString const& suffix) const {
+    return suffix.length() > 0 && codeUnits().ends_with(suffix.codeUnits());
+}
+
+NSString NSString::substringFromIndex_(NSUInteger index) const {
+    std::u16string_view const units = codeUnits();
+    if (*this == nil) return nil;
+    checkRange({index, 0}, units.size(), "substringFromIndex:");
+    return stringWithCodeUnits(units.substr(index));
+}
+
+NSString NSString::substringToIndex_(NSUInteger index) const {
+    std::u16string_view const units = codeUnits();
+    if (*this == nil) return nil;
+    checkRange({0, index}, units.size(), "substringToIndex:");
+    return stringWithCodeUnits(units.substr(0, index));
+}
+
+NSString NSString::substringWithRange_(NSRange range) const {
+    std::u16string_view const units = codeUnits();
+    if (*this == nil) return nil;
+    checkRange(range, units.size(), "substringWithRange:");
+    return stringWithCodeUnits(units.substr(range.location, range.length));
+}
+
+NSString NSString::stringByAppendingString_(NSString const& other) const {
+    if (*this == nil) return nil;
+    if (other == nil) throw NSInvalidArgumentException("stringByAppendingString: nil argument");
+    std::u16string_view const head = codeUnits();
+    std::u16string_view const tail = other.codeUnits();
+    std::u16string units;
+    units.reserve(head.size() + tail.size());
+    units.append(head).append(tail);
+    return makeString(std::move(units));
+}
+
+} // namespace mac
