@@ -2,7 +2,6 @@
 
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSPredicate.h"
-#include <span>
 
 namespace mac {
 
@@ -54,12 +53,6 @@ public:
     // stays selected; nil: only the very same object does.
     NSString identityKeyPath() const;
     void setIdentityKeyPath(NSString const& keyPath) const;
-
-    // For tables: the selected rows, ascending.
-    std::span<NSUInteger const> selectedRows() const;
-    void setSelectedRows(std::span<NSUInteger const> rows) const;
-    // For tables, while arrangedObjects is told: where each object stood before, NSNotFound for one that is new.
-    std::span<NSUInteger const> previousRows() const;
 };
 
 } // namespace mac

@@ -1,0 +1,97 @@
+#include "platform/appkit/DisplayConnection.h"
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace mac {
+
+namespace {
+
+std::string environment(char const* name) {
+    char const* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+// Which display is meant, in words.
+std::string displayInWords() {
+    if (std::string const platform = environment("QT_QPA_PLATFORM"); !platform.empty())
+        return "the display (QT_QPA_PLATFORM is " + platform + ")";
+    std::string const wayland = environment("WAYLAND_DISPLAY");
+    return "the display " + (wayland.empty() ? environment("DISPLAY") : wayland);
+}
+
+void sayNoWindow(std::string const& reason) { std::fputs(("Cannot open a window: " + reason + "\n").c_str(), stderr); }
+
+[[noreturn]] void endWithoutDisplay(std::string const& reason) {
+    sayNoWindow(reason);
+    std::_Exit(1);
+}
+
+// The toolkit reports a display that cannot be opened as a fatal message and would dump core after it.
+void catchFatalMessage(QtMsgType type, QMessageLogContext const&, QString const& message) {
+    if (type == QtFatalMsg) endWithoutDisplay(displayInWords() + " cannot be used.");
+    if (type == QtCriticalMsg) std::fputs((message.toStdString() + "\n").c_str(), stderr);
+}
+
+// A display that takes the connection and then keeps silent would hold the program for ever.
+class Patience {
+public:
+    explicit Patience(std::chrono::milliseconds limit)
+        : m_watch([this, limit] {
+              std::unique_lock lock(m_mutex);
+              if (!m_ended.wait_for(lock, limit, [this] { return m_isOver; }))
+                  endWithoutDisplay(displayInWords() + " does not answer.");
+          }) {}
+    ~Patience() {
+        {
+            std::lock_guard const lock(m_mutex);
+            m_isOver = true;
+        }
+        m_ended.notify_one();
+        m_watch.join();
+    }
+    Patience(Patience const&) = delete;
+    Patience& operator=(Patience const&) = delete;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    bool m_isOver{false};
+    std::thread m_watch;
+};
+
+bool asksForPlatform(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        std::string_view const argument = argv[i];
+        if (argument == "-platform" || argument == "--platform") return true;
+    }
+    return !environment("QT_QPA_PLATFORM").empty();
+}
+
+} // namespace
+
+std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv, std::chrono::milliseconds patience) {
+    if (QCoreApplication::instance()) {
+        sayNoWindow("the program's event loop was made without a display.");
+        return nullptr;
+    }
+    bool const hasDisplay = !environment("DISPLAY").empty() || !environment("WAYLAND_DISPLAY").empty();
+    if (!hasDisplay && !asksForPlatform(argc, argv)) {
+        sayNoWindow("there is no display, neither DISPLAY nor WAYLAND_DISPLAY is set.");
+        return nullptr;
+    }
+    QtMessageHandler const before = qInstallMessageHandler(&catchFatalMessage);
+    std::unique_ptr<QApplication> application;
+    {
+        Patience const watch(patience);
+        application = std::make_unique<QApplication>(argc, argv);
+    }
+    qInstallMessageHandler(before);
+    return application;
+}
+
+} // namespace mac

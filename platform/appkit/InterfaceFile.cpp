@@ -1,0 +1,222 @@
+#include "platform/appkit/InterfaceFile.h"
+#include "platform/appkit/BoundText.h"
+#include "platform/appkit/FilterPredicate.h"
+#include "platform/appkit/FormReader.h"
+#include "platform/appkit/StatusLine.h"
+#include "platform/appkit/TableViewBody.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/appkit/WindowBody.h"
+#include "platform/appkit/WindowStyle.h"
+#include "platform/foundation/Boundary.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/Log.h"
+#include <QPushButton>
+
+// The dynamic properties, by the widgets they stand on. Lists are lists of strings, one entry a line.
+//
+// window          controllerClass      class of the controller, which the file makes
+//                 applicationDelegate  the controller is the application's delegate
+//                 arrayControllers     names; for each a list property of that name with lines contentSet=KEYPATH or
+//                                      contentArray=KEYPATH, and identityKeyPath=KEYPATH
+//                 initialFocus         name of the widget that gets the keyboard first
+// any widget      outlet               the controller's key under which it gets this object
+//                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
+//                 enabledWhen          the same for buttons and actions
+// table           rows                 name of the array controller
+//                 columns              names; for each a list property NAMEColumn, see TableColumn.cpp
+// action, button  action               selector sent to the controller; not answered: disabled
+//                 moreShortcuts        further key sequences
+//                 glyph                outline of the icon where the theme has none
+//                 focuses, clears      name of the field that gets the keyboard, or is emptied
+// field           filters              name of the array controller, and filterKeyPaths
+// label           displayPattern       see BoundText.h
+//                 showsLog             see StatusLine.h
+
+namespace mac {
+
+namespace {
+
+template <class Value>
+Value property(QObject const* object, char const* name) {
+    return object->property(name).value<Value>();
+}
+
+bool has(QObject const* object, char const* name) { return object->property(name).isValid(); }
+
+NSString nameOf(QObject const* object) { return stringOf(object->objectName()); }
+
+} // namespace
+
+InterfaceFile::InterfaceFile(std::unique_ptr<QWidget> window)
+    : m_window(std::move(window)), m_windowObject(adopt<NSWindow>(m_window.get())) {}
+
+InterfaceFile::~InterfaceFile() = default;
+
+bool InterfaceFile::controllerIsDelegate() const { return property<bool>(m_window.get(), "applicationDelegate"); }
+
+NSArrayController InterfaceFile::arrayControllerNamed(QString const& name) const {
+    return as<NSArrayController>(m_scope.objectNamed(name));
+}
+
+std::variant<std::unique_ptr<InterfaceFile>, std::string> InterfaceFile::load(NSString const& path) {
+    QString error;
+    std::unique_ptr<QWidget> window = readForm(path, error);
+    if (!window) return error.toStdString();
+    auto file = std::make_unique<InterfaceFile>(std::move(window));
+    if (std::optional<std::string> const reason = file->makeController()) return *reason;
+    file->makeArrayControllers();
+    file->connectWidgets();
+    styleWindow(file->widget());
+    file->bindArrayControllers();
+    if (file->m_controller.respondsToSelector_("awakeFromNib"))
+        guarded([&] { file->m_controller.performSelector_("awakeFromNib"); });
+    return file;
+}
+
+std::optional<std::string> InterfaceFile::makeController() {
+    QString const name = property<QString>(m_window.get(), "controllerClass");
+    if (name.isEmpty()) return "it names no controllerClass";
+    Class const controllerClass = NSClassFromString(stringOf(name));
+    if (controllerClass == nil) return "its controllerClass " + name.toStdString() + " does not exist";
+    guarded([&] { m_controller = controllerClass.alloc().performSelector_("init"); });
+    if (m_controller == nil) return "init of its controllerClass " + name.toStdString() + " answered nil";
+    m_scope.setController(m_controller);
+    return std::nullopt;
+}
+
+void InterfaceFile::connectOutlet(QString const& key, id const& object) {
+    m_objects.push_back(object);
+    try {
+        m_controller.setValue_forKey_(object, stringOf(key));
+    } catch (NSUndefinedKeyException const& exception) {
+        NSLog("Interface file: the outlet \"%@\" cannot be connected: %s", stringOf(key), exception.reason());
+    }
+}
+
+void InterfaceFile::makeArrayControllers() {
+    for (QString const& name : property<QStringList>(m_window.get(), "arrayControllers"))
+        makeArrayController(name);
+}
+
+void InterfaceFile::makeArrayController(QString const& name) {
+    NSArrayController const arrayController = NSArrayController::alloc().init();
+    m_scope.add(name, arrayController);
+    for (QString const& line : property<QStringList>(m_window.get(), name.toUtf8().constData())) {
+        QString const key = line.section('=', 0, 0).trimmed();
+        NSString const value = stringOf(line.section('=', 1).trimmed());
+        if (key == "contentSet" || key == "contentArray")
+            m_contentBindings.push_back({arrayController, stringOf(key), value});
+        else if (key == "identityKeyPath")
+            arrayController.setIdentityKeyPath(value);
+        else
+            NSLog("Interface file: the array controller \"%@\" has a line that is not known: %@", stringOf(name),
+                  stringOf(line));
+    }
+    connectOutlet(name, arrayController);
+}
+
+void InterfaceFile::bindArrayControllers() {
+    for (ContentBinding const& binding : m_contentBindings)
+        guarded([&] {
+            binding.arrayController.bind_toObject_withKeyPath_options_(binding.binding, m_controller, binding.keyPath,
+                                                                       nil);
+        });
+}
+
+void InterfaceFile::makeTable(QTableView* table) {
+    NSArrayController const rows = arrayControllerNamed(property<QString>(table, "rows"));
+    if (rows == nil) {
+        NSLog("Interface file: the table \"%@\" names no array controller as its rows", nameOf(table));
+        return;
+    }
+    std::vector<TableColumn> columns;
+    for (QString const& name : property<QStringList>(table, "columns"))
+        columns.push_back(
+            TableColumn::fromLines(name, property<QStringList>(table, (name + "Column").toUtf8().constData())));
+    NSTableView const object = adopt<NSTableView>(table, std::move(columns), rows);
+    m_objects.push_back(object);
+    if (has(table, "outlet")) connectOutlet(property<QString>(table, "outlet"), object);
+}
+
+void InterfaceFile::enableWhenUsable(QObject* owner, NSControl const& control) {
+    if (!m_controller.respondsToSelector_(control.action())) return control.setEnabled_(NO);
+    if (!has(owner, "enabledWhen")) return;
+    keep<Condition>(m_scope, property<QStringList>(owner, "enabledWhen"), 0,
+                    [control](bool isTrue) { control.setEnabled_(BOOL(isTrue)); });
+}
+
+NSControl InterfaceFile::makeControl(NSControl control, QObject* owner) {
+    m_objects.push_back(control);
+    control.setTarget_(m_controller);
+    control.setAction_(SEL(property<QString>(owner, "action").toStdString()));
+    enableWhenUsable(owner, control);
+    return control;
+}
+
+void InterfaceFile::connectAction(QAction* action) {
+    if (QString const name = property<QString>(action, "focuses"); !name.isEmpty()) {
+        auto* const field = m_window->findChild<QWidget*>(name);
+        if (field) QObject::connect(action, &QAction::triggered, field, [field] { focusOn(field); });
+    }
+    if (!has(action, "action")) return;
+    NSControl const control = makeControl(adopt<NSControl>(nullptr, action), action);
+    QObject::connect(action, &QAction::triggered, &m_connections,
+                     [control] { guarded([&] { control.sendAction_to_(control.action(), control.target()); }); });
+}
+
+void InterfaceFile::connectButton(QAbstractButton* button) {
+    if (QString const name = property<QString>(button, "clears"); !name.isEmpty()) {
+        auto* const field = m_window->findChild<QLineEdit*>(name);
+        if (field)
+            QObject::connect(button, &QAbstractButton::clicked, field, [field] {
+                field->clear();
+                focusOn(field);
+            });
+    }
+    if (!has(button, "action")) return;
+    NSControl const control = makeControl(adopt<NSControl>(button), button);
+    QObject::connect(button, &QAbstractButton::clicked, &m_connections,
+                     [control] { guarded([&] { control.sendAction_to_(control.action(), control.target()); }); });
+}
+
+void InterfaceFile::connectFilter(QLineEdit* field) {
+    NSArrayController const rows = arrayControllerNamed(property<QString>(field, "filters"));
+    QStringList const keyPaths = property<QStringList>(field, "filterKeyPaths");
+    if (rows == nil || keyPaths.isEmpty()) {
+        NSLog("Interface file: the field \"%@\" filters no array controller that the file makes, or by no key path",
+              nameOf(field));
+        return;
+    }
+    QObject::connect(field, &QLineEdit::textChanged, &m_connections, [rows, keyPaths](QString const& text) {
+        guarded([&] { rows.setFilterPredicate_(predicateFor(text, keyPaths)); });
+    });
+}
+
+void InterfaceFile::connectConditions(QWidget* widget) {
+    if (!has(widget, "visibleWhen")) return;
+    QPointer<QWidget> const watched = widget;
+    keep<Condition>(m_scope, property<QStringList>(widget, "visibleWhen"), property<int>(widget, "visibleDelay"),
+                    [watched](bool isTrue) {
+                        if (watched) watched->setVisible(isTrue);
+                    });
+}
+
+void InterfaceFile::connectWidgets() {
+    if (has(m_window.get(), "outlet")) connectOutlet(property<QString>(m_window.get(), "outlet"), m_windowObject);
+    for (QWidget* const widget : m_window->findChildren<QWidget*>()) {
+        auto* const label = qobject_cast<QLabel*>(widget);
+        if (auto* const table = qobject_cast<QTableView*>(widget); table && has(table, "rows"))
+            makeTable(table);
+        else if (has(widget, "outlet"))
+            connectOutlet(property<QString>(widget, "outlet"), adopt<NSControl>(widget));
+        if (auto* const button = qobject_cast<QAbstractButton*>(widget)) connectButton(button);
+        if (auto* const field = qobject_cast<QLineEdit*>(widget); field && has(field, "filters")) connectFilter(field);
+        if (label && has(label, "displayPattern")) keep<BoundText>(label, m_scope);
+        if (label && property<bool>(label, "showsLog")) keep<StatusLine>(label);
+        connectConditions(widget);
+    }
+    for (QAction* const action : m_window->findChildren<QAction*>())
+        connectAction(action);
+}
+
+} // namespace mac

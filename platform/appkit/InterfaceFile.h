@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/appkit/KeyPathScope.h"
+#include "platform/appkit/NSArrayController.h"
+#include "platform/appkit/NSControl.h"
+#include "platform/appkit/NSWindow.h"
+#include <QAbstractButton>
+#include <QAction>
+#include <QLineEdit>
+#include <QTableView>
+#include <QWidget>
+#include <memory>
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace mac {
+
+// The objects of an interface file, a form of Qt Designer whose dynamic properties say how they hang together; docs of
+// the properties stand in InterfaceFile.cpp. The window and the controller live as long as this does. Main thread.
+class InterfaceFile {
+public:
+    // The interface, or why it cannot be used: the file, the controller's class or its init. Anything else in the file
+    // that is not known is logged and left out.
+    static std::variant<std::unique_ptr<InterfaceFile>, std::string> load(NSString const& path);
+    // For load; the window is not connected yet.
+    explicit InterfaceFile(std::unique_ptr<QWidget> window);
+    ~InterfaceFile();
+    InterfaceFile(InterfaceFile const&) = delete;
+    InterfaceFile& operator=(InterfaceFile const&) = delete;
+
+    id const& controller() const { return m_controller; }
+    NSWindow const& window() const { return m_windowObject; }
+    QWidget* widget() const { return m_window.get(); }
+    // Whether the controller wants to be the application's delegate.
+    bool controllerIsDelegate() const;
+    // The array controller of that name, or nil.
+    NSArrayController arrayControllerNamed(QString const& name) const;
+
+private:
+    // The reason when there is no controller.
+    std::optional<std::string> makeController();
+    void makeArrayControllers();
+    void makeArrayController(QString const& name);
+    void bindArrayControllers();
+    void makeTable(QTableView* table);
+    void connectOutlet(QString const& key, id const& object);
+    void connectAction(QAction* action);
+    void connectButton(QAbstractButton* button);
+    void connectFilter(QLineEdit* field);
+    void connectWidgets();
+    void connectConditions(QWidget* widget);
+    // Enabled while the target responds and the conditions of the property enabledWhen hold.
+    void enableWhenUsable(QObject* owner, NSControl const& control);
+    NSControl makeControl(NSControl control, QObject* owner);
+    template <class Part, class... Arguments>
+    void keep(Arguments&&... arguments) {
+        m_parts.push_back(std::make_shared<Part>(std::forward<Arguments>(arguments)...));
+    }
+
+    struct ContentBinding {
+        NSArrayController arrayController;
+        NSString binding;
+        NSString keyPath;
+    };
+
+    std::unique_ptr<QWidget> m_window;
+    NSWindow m_windowObject;
+    id m_controller;
+    KeyPathScope m_scope;
+    std::vector<ContentBinding> m_contentBindings;
+    // Outlets, controls and whatever else lives as long as the window.
+    std::vector<id> m_objects;
+    std::vector<std::shared_ptr<void>> m_parts;
+    QObject m_connections;
+};
+
+} // namespace mac

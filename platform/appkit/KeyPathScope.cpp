@@ -1,0 +1,86 @@
+#include "platform/appkit/KeyPathScope.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/foundation/Boundary.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSNull.h"
+#include "platform/foundation/NSNumber.h"
+#include <algorithm>
+
+namespace mac {
+
+namespace {
+
+bool isTruth(id const& value) {
+    if (value == nil || value.isKindOfClass_(classOf<NSNull>())) return false;
+    NSNumber const number = as<NSNumber>(value);
+    return number == nil || number.boolValue();
+}
+
+} // namespace
+
+id KeyPathScope::objectNamed(QString const& name) const {
+    auto const found = m_objects.find(name);
+    return found == m_objects.end() ? id() : found->second;
+}
+
+KeyPathScope::Start KeyPathScope::startOf(QString const& keyPath) const {
+    qsizetype const dot = keyPath.indexOf('.');
+    id const named = dot < 0 ? id() : objectNamed(keyPath.first(dot));
+    if (named == nil) return {m_controller, stringOf(keyPath)};
+    return {named, stringOf(keyPath.sliced(dot + 1))};
+}
+
+BoundValue::BoundValue(KeyPathScope const& scope, QString const& keyPath, std::function<void()> changed) {
+    auto const [object, path] = scope.startOf(keyPath);
+    m_object = object;
+    m_keyPath = path;
+    try {
+        m_observer = std::make_unique<KeyPathObserver>(object, path, std::move(changed));
+    } catch (NSUndefinedKeyException const&) {
+        // Reading the value logs it.
+        m_observer.reset();
+    }
+}
+
+id BoundValue::value() const {
+    if (m_isUnknown) return nil;
+    try {
+        return m_object.load().valueForKeyPath_(m_keyPath);
+    } catch (NSUndefinedKeyException const& exception) {
+        m_isUnknown = true;
+        NSLog("Interface file: the key path \"%@\" cannot be read: %s", m_keyPath, exception.reason());
+        return nil;
+    }
+}
+
+Condition::Condition(KeyPathScope const& scope, QStringList const& keyPaths, int delay,
+                     std::function<void(bool)> changed)
+    : m_changed(std::move(changed)) {
+    m_delay.setSingleShot(true);
+    m_delay.setInterval(delay);
+    QObject::connect(&m_delay, &QTimer::timeout, &m_delay, [this] { guarded([&] { m_changed(isTrue()); }); });
+    for (QString const& entry : keyPaths) {
+        QString const keyPath = entry.trimmed();
+        bool const isNegated = keyPath.startsWith('!');
+        m_terms.push_back(
+            {std::make_unique<BoundValue>(scope, keyPath.sliced(isNegated ? 1 : 0), [this] { follow(); }), isNegated});
+    }
+    follow();
+}
+
+bool Condition::isTrue() const {
+    return std::ranges::all_of(m_terms,
+                               [](Term const& term) { return isTruth(term.value->value()) != term.isNegated; });
+}
+
+void Condition::follow() {
+    bool const isTrueNow = isTrue();
+    if (isTrueNow && m_delay.interval() > 0) {
+        if (!m_delay.isActive()) m_delay.start();
+        return;
+    }
+    m_delay.stop();
+    m_changed(isTrueNow);
+}
+
+} // namespace mac

@@ -1,0 +1,59 @@
+#include "platform/appkit/NSWindow.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/appkit/WindowBody.h"
+#include "platform/foundation/Method.h"
+
+namespace mac {
+
+namespace {
+
+QWidget* widgetOf(NSWindow const& window) { return window == nil ? nullptr : bodyOf(window)->widget(); }
+
+} // namespace
+
+ClassDescription NSWindow::describeClass() {
+    using Self = NSWindow;
+    return {
+        .name = "NSWindow",
+        .superclass = classOf<NSObject>(),
+        .methods =
+            {
+                method<&Self::title>("title"),
+                method<&Self::setTitle_>("setTitle:"),
+                method<&Self::isVisible>("isVisible"),
+                method<&Self::makeKeyAndOrderFront_>("makeKeyAndOrderFront:"),
+                method<&Self::close>("close"),
+            },
+        .properties = {property<&Self::title, &Self::setTitle_>("title"),
+                       readOnlyProperty<&Self::isVisible>("visible")},
+    };
+}
+
+NSString NSWindow::title() const {
+    if (*this == nil) return nil;
+    QWidget const* const widget = widgetOf(*this);
+    return widget ? stringOf(widget->windowTitle()) : NSString::string();
+}
+
+void NSWindow::setTitle_(NSString const& title) const {
+    if (QWidget* const widget = widgetOf(*this)) widget->setWindowTitle(visibleText(title));
+}
+
+bool NSWindow::isVisible() const {
+    QWidget const* const widget = widgetOf(*this);
+    return widget && widget->isVisible();
+}
+
+void NSWindow::makeKeyAndOrderFront_(id const&) const {
+    QWidget* const widget = widgetOf(*this);
+    if (!widget) return;
+    widget->show();
+    widget->raise();
+    widget->activateWindow();
+}
+
+void NSWindow::close() const {
+    if (QWidget* const widget = widgetOf(*this)) widget->close();
+}
+
+} // namespace mac

@@ -1,0 +1,78 @@
+#include "platform/appkit/TableColumn.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/foundation/Log.h"
+#include <QHash>
+#include <functional>
+
+namespace mac {
+
+namespace {
+
+NSValueTransformer transformerNamed(QString const& name, QString const& column) {
+    NSValueTransformer const transformer = NSValueTransformer::valueTransformerForName_(stringOf(name));
+    if (transformer == nil)
+        NSLog("Interface file: the column \"%@\" names the value transformer \"%@\", which does not exist",
+              stringOf(column), stringOf(name));
+    return transformer;
+}
+
+// The parts of a sort descriptor as far as they were read.
+struct Sorting {
+    NSString key;
+    bool ascending{true};
+    QString selector{"compare:"};
+
+    NSSortDescriptor descriptor() const {
+        if (key == nil) return nil;
+        return NSSortDescriptor::sortDescriptorWithKey_ascending_selector_(key, BOOL(ascending),
+                                                                           SEL(selector.toStdString()));
+    }
+};
+
+} // namespace
+
+TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines) {
+    TableColumn column;
+    column.identifier = stringOf(name);
+    column.title = name;
+    Sorting sorting;
+    QHash<QString, std::function<void(QString const&)>> const readers{
+        {"title", [&](QString const& value) { column.title = value; }},
+        {"keyPath", [&](QString const& value) { column.keyPath = stringOf(value); }},
+        {"textTransformer", [&](QString const& value) { column.textTransformer = transformerNamed(value, name); }},
+        {"colorTransformer", [&](QString const& value) { column.colorTransformer = transformerNamed(value, name); }},
+        {"sortKey", [&](QString const& value) { sorting.key = stringOf(value); }},
+        {"sortSelector", [&](QString const& value) { sorting.selector = value; }},
+        {"sortOrder", [&](QString const& value) { sorting.ascending = value != "descending"; }},
+        {"sample", [&](QString const& value) { column.sample = value; }},
+        {"width",
+         [&](QString const& value) { column.fillsWidth = value == "fill", column.fitsContents = value == "fit"; }},
+        {"alignment", [&](QString const& value) { column.isCentered = value == "center"; }},
+    };
+    for (QString const& line : lines) {
+        auto const reader = readers.find(line.section('=', 0, 0).trimmed());
+        if (reader == readers.end() || !line.contains('='))
+            NSLog("Interface file: the column \"%@\" has a line that is not known: %@", stringOf(name), stringOf(line));
+        else
+            (*reader)(line.section('=', 1).trimmed());
+    }
+    if (column.keyPath == nil) {
+        NSLog("Interface file: the column \"%@\" has no keyPath and shows nothing", stringOf(name));
+        return column;
+    }
+    column.sortDescriptor = sorting.descriptor();
+    return column;
+}
+
+QString TableColumn::textOf(id const& object) const {
+    if (keyPath == nil) return {};
+    id const value = object.valueForKeyPath_(keyPath);
+    return visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+}
+
+NSColor TableColumn::colorOf(id const& object) const {
+    if (keyPath == nil || colorTransformer == nil) return nil;
+    return as<NSColor>(colorTransformer.transformedValue_(object.valueForKeyPath_(keyPath)));
+}
+
+} // namespace mac

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/appkit/NSColor.h"
+#include "platform/foundation/NSSortDescriptor.h"
+#include "platform/foundation/NSValueTransformer.h"
+#include <QStringList>
+#include <optional>
+
+namespace mac {
+
+// A column of a table, as the interface file describes it: what it shows of an object and how it sorts. Transformers
+// are looked up when the column is made.
+struct TableColumn {
+    NSString identifier;
+    QString title;
+    NSString keyPath;
+    NSValueTransformer textTransformer;
+    NSValueTransformer colorTransformer;
+    // The order that the first click on the header asks for; nil: the column does not sort.
+    NSSortDescriptor sortDescriptor;
+    // The widest text that is expected; the column starts wide enough for it.
+    QString sample;
+    bool fillsWidth{false};
+    bool fitsContents{false};
+    bool isCentered{false};
+
+    // From lines such as "title=Version" and "keyPath=versionString". A line or a transformer that is not known is
+    // logged and left out.
+    static TableColumn fromLines(QString const& name, QStringList const& lines);
+
+    // What the object's cell shows. An object that does not know the key raises NSUndefinedKeyException.
+    QString textOf(id const& object) const;
+    NSColor colorOf(id const& object) const;
+};
+
+} // namespace mac

@@ -1,0 +1,145 @@
+#include "platform/appkit/TableModel.h"
+#include "platform/appkit/ThemeColors.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/foundation/Boundary.h"
+#include <algorithm>
+
+namespace mac {
+
+namespace {
+
+constexpr int Gone = -1;
+// Columns up to this one have a shortcut that sorts by them.
+constexpr int LastShortcutColumn = 9;
+
+} // namespace
+
+int TableModel::rowCount(QModelIndex const& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int TableModel::columnCount(QModelIndex const& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
+}
+
+QVariant TableModel::data(QModelIndex const& index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    std::size_t const number = static_cast<std::size_t>(index.column());
+    m_isBroken.resize(m_columns.size());
+    if (m_isBroken[number]) return {};
+    QVariant result;
+    m_isBroken[number] = true;
+    guarded([&] {
+        result = cell(objectAt(index.row()), m_columns[number], role);
+        m_isBroken[number] = false;
+    });
+    return result;
+}
+
+QVariant TableModel::cell(id const& object, TableColumn const& column, int role) const {
+    switch (role) {
+    case Qt::DisplayRole:
+        return column.textOf(object);
+    case Qt::ToolTipRole:
+        return column.fillsWidth || column.fitsContents ? plainToolTip(column.textOf(object)) : QVariant();
+    case Qt::ForegroundRole: {
+        NSColor const color = column.colorOf(object);
+        return color == nil ? QVariant() : QVariant(colorInTheme(color, m_palette));
+    }
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(
+            Qt::Alignment(Qt::AlignVCenter | (column.isCentered ? Qt::AlignHCenter : Qt::AlignLeft)));
+    default:
+        return {};
+    }
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
+    TableColumn const& column = m_columns[static_cast<std::size_t>(section)];
+    switch (role) {
+    case Qt::DisplayRole:
+        return column.title;
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(
+            Qt::Alignment(Qt::AlignVCenter | (column.isCentered ? Qt::AlignHCenter : Qt::AlignLeft)));
+    case Qt::ToolTipRole: {
+        if (column.sortDescriptor == nil) return {};
+        QString const tip = QString("Sort by %1").arg(column.title);
+        return section < LastShortcutColumn ? plainToolTip(QString("%1 (Ctrl+%2)").arg(tip).arg(section + 1)) : tip;
+    }
+    default:
+        return {};
+    }
+}
+
+void TableModel::resetRows(NSArray const& rows) {
+    beginResetModel();
+    m_isBroken.clear();
+    m_rows.assign(rows.begin(), rows.end());
+    endResetModel();
+}
+
+// The steps: those that go are moved to the end and removed, the new ones are added at the end, and all move to their
+// places.
+void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows) {
+    std::size_t const count = previousRows.size();
+    m_isBroken.clear();
+    std::vector<int> newRowOf(m_rows.size(), Gone);
+    for (std::size_t row = 0; row < count; ++row) {
+        if (previousRows[row] != NSNotFound) newRowOf[previousRows[row]] = static_cast<int>(row);
+    }
+
+    int const stayingCount =
+        static_cast<int>(newRowOf.size() - static_cast<std::size_t>(std::ranges::count(newRowOf, Gone)));
+    std::vector<int> staying;
+    std::vector<int> step(newRowOf.size());
+    int firstGone = stayingCount;
+    for (std::size_t row = 0; row < newRowOf.size(); ++row) {
+        step[row] = newRowOf[row] == Gone ? firstGone++ : static_cast<int>(staying.size());
+        if (newRowOf[row] != Gone) staying.push_back(newRowOf[row]);
+    }
+    reorder(step);
+    if (firstGone > stayingCount) {
+        beginRemoveRows({}, stayingCount, firstGone - 1);
+        m_rows.resize(staying.size());
+        endRemoveRows();
+    }
+
+    bool isChanged = false;
+    id const* const objects = rows.begin();
+    for (std::size_t row = 0; row < staying.size(); ++row) {
+        id const& object = objects[staying[row]];
+        isChanged = isChanged || !isSame(object, m_rows[row]);
+        m_rows[row] = object;
+    }
+    if (count > staying.size()) {
+        beginInsertRows({}, stayingCount, static_cast<int>(count) - 1);
+        for (std::size_t row = 0; row < count; ++row) {
+            if (previousRows[row] != NSNotFound) continue;
+            m_rows.push_back(objects[row]);
+            staying.push_back(static_cast<int>(row));
+        }
+        endInsertRows();
+    }
+    reorder(staying);
+    if (isChanged) emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+}
+
+void TableModel::reorder(std::vector<int> const& newRowOf) {
+    if (std::ranges::is_sorted(newRowOf)) return;
+    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    std::vector<id> moved(m_rows.size());
+    for (std::size_t row = 0; row < m_rows.size(); ++row)
+        moved[static_cast<std::size_t>(newRowOf[row])] = std::move(m_rows[row]);
+    m_rows = std::move(moved);
+    QModelIndexList const from = persistentIndexList();
+    QModelIndexList to;
+    to.reserve(from.size());
+    for (QModelIndex const& old : from)
+        to.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
+    changePersistentIndexList(from, to);
+    emit layoutChanged({}, VerticalSortHint);
+}
+
+} // namespace mac

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/appkit/NSArrayController.h"
+#include "platform/appkit/TableColumn.h"
+#include <QAbstractTableModel>
+#include <QPalette>
+#include <span>
+#include <vector>
+
+namespace mac {
+
+// The arranged objects of an array controller as rows. Values are read when they are shown. Replacing the rows moves,
+// removes and adds as little as tells views what happened, so that they keep their selection.
+class TableModel : public QAbstractTableModel {
+public:
+    explicit TableModel(std::vector<TableColumn> columns) : m_columns(std::move(columns)) {}
+
+    std::vector<TableColumn> const& columns() const { return m_columns; }
+    id const& objectAt(int row) const { return m_rows[static_cast<std::size_t>(row)]; }
+    // The colours that cells take theirs from.
+    void setPalette(QPalette const& palette) { m_palette = palette; }
+
+    // Shows these rows from now on; previousRows says where each stood, NSNotFound for a new one.
+    void replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows);
+    // Shows these rows, whatever stood there before.
+    void resetRows(NSArray const& rows);
+
+    int rowCount(QModelIndex const& parent = {}) const override;
+    int columnCount(QModelIndex const& parent = {}) const override;
+    QVariant data(QModelIndex const& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+private:
+    QVariant cell(id const& object, TableColumn const& column, int role) const;
+    void reorder(std::vector<int> const& newRowOf);
+
+    std::vector<TableColumn> m_columns;
+    std::vector<id> m_rows;
+    QPalette m_palette;
+    // Columns whose value could not be read, so that it is logged once for each change and not for each painting.
+    mutable std::vector<bool> m_isBroken;
+};
+
+} // namespace mac

@@ -1,0 +1,239 @@
+#include "platform/appkit/TableViewBody.h"
+#include "platform/appkit/ArrayControllerBody.h"
+#include "platform/foundation/Boundary.h"
+#include "platform/foundation/KeyValueObserving.h"
+#include <QHeaderView>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QShortcut>
+#include <algorithm>
+
+namespace mac {
+
+namespace {
+
+// Measuring and eliding longer text would be felt, and no screen shows more.
+constexpr qsizetype LongestShownText = 1000;
+constexpr int LastShortcutColumn = 9;
+// A column grows to at most this many characters of ordinary width to fit its text.
+constexpr int WidestFit = 40;
+
+// The selected rows of a view, ascending.
+std::vector<NSUInteger> rowsOf(QItemSelection const& selection) {
+    std::vector<NSUInteger> rows;
+    for (QItemSelectionRange const& range : selection) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(static_cast<NSUInteger>(row));
+    }
+    std::ranges::sort(rows);
+    auto const repeated = std::ranges::unique(rows);
+    rows.erase(repeated.begin(), repeated.end());
+    return rows;
+}
+
+QItemSelection selectionOf(std::span<NSUInteger const> rows, QAbstractItemModel const& model) {
+    QItemSelection selection;
+    int const lastColumn = model.columnCount() - 1;
+    for (std::size_t first = 0; first < rows.size();) {
+        std::size_t next = first + 1;
+        while (next < rows.size() && rows[next] == rows[next - 1] + 1)
+            ++next;
+        selection.append(QItemSelectionRange(model.index(static_cast<int>(rows[first]), 0),
+                                             model.index(static_cast<int>(rows[next - 1]), lastColumn)));
+        first = next;
+    }
+    return selection;
+}
+
+} // namespace
+
+QString TableCellDelegate::displayText(QVariant const& value, QLocale const& locale) const {
+    QString const text = QStyledItemDelegate::displayText(value, locale);
+    if (text.size() <= LongestShownText) return text;
+    return text.first(LongestShownText / 2) + QChar(0x2026) + text.last(LongestShownText / 2);
+}
+
+NSTableView::Body::Body(QTableView* view, std::vector<TableColumn> columns, NSArrayController const& controller)
+    : NSControl::Body(view), m_view(view), m_controller(controller), m_model(std::move(columns)) {
+    prepareView();
+    connectView();
+    auto const observe = [this](NSString const& key, void (Body::*follow)()) {
+        m_observers.push_back(
+            std::make_unique<KeyPathObserver>(m_controller, key, [this, follow] { (this->*follow)(); }));
+    };
+    observe("arrangedObjects", &Body::followRows);
+    observe("selectedObjects", &Body::followSelection);
+    observe("sortDescriptors", &Body::showOrder);
+    followRows();
+    showOrder();
+}
+
+NSTableView::Body::~Body() {
+    if (m_view) m_view->setModel(nullptr);
+}
+
+void NSTableView::Body::prepareView() {
+    m_model.setPalette(m_view->palette());
+    m_view->setModel(&m_model);
+    m_view->setItemDelegate(&m_delegate);
+    QHeaderView* const rows = m_view->verticalHeader();
+    rows->setSectionResizeMode(QHeaderView::Fixed);
+    rows->setDefaultSectionSize(std::max(rows->minimumSectionSize(), m_view->fontMetrics().height() * 8 / 5));
+    QHeaderView* const header = m_view->horizontalHeader();
+    header->setSectionsClickable(true);
+    header->setSortIndicatorShown(true);
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    setInitialWidths();
+}
+
+void NSTableView::Body::connectView() {
+    QObject::connect(m_view->horizontalHeader(), &QHeaderView::sectionClicked, &m_connections,
+                     [this](int column) { guarded([&] { sortByColumn(column); }); });
+    QObject::connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, &m_connections,
+                     [this] { guarded([&] { selectAsInView(); }); });
+    int const count = std::min(m_model.columnCount(), LastShortcutColumn);
+    for (int column = 0; column < count; ++column) {
+        auto* const shortcut = new QShortcut(QKeySequence(QString("Ctrl+%1").arg(column + 1)), m_view);
+        QObject::connect(shortcut, &QShortcut::activated, &m_connections,
+                         [this, column] { guarded([&] { sortByColumn(column); }); });
+    }
+}
+
+void NSTableView::Body::setSortDescriptors(NSArray const& descriptors) {
+    KeyChange const change(id::retain(this), "sortDescriptors");
+    m_controller.setSortDescriptors_(descriptors);
+}
+
+void NSTableView::Body::sortByColumn(int column) {
+    NSSortDescriptor const wanted = m_model.columns()[static_cast<std::size_t>(column)].sortDescriptor;
+    if (wanted == nil) return;
+    std::vector<id> descriptors{wanted};
+    NSArray const present = m_controller.sortDescriptors();
+    for (NSUInteger i = 0; i < present.count(); ++i) {
+        NSSortDescriptor const older = as<NSSortDescriptor>(present.objectAtIndex_(i));
+        bool const isSameCriterion = wanted.key().isEqual_(older.key()) && wanted.selector() == older.selector();
+        if (!isSameCriterion)
+            descriptors.push_back(older);
+        else if (i == 0)
+            descriptors[0] = older.reversedSortDescriptor();
+    }
+    setSortDescriptors(NSArray::arrayWithVector(std::move(descriptors)));
+}
+
+void NSTableView::Body::showOrder() {
+    if (!m_view) return;
+    NSArray const descriptors = m_controller.sortDescriptors();
+    NSSortDescriptor const first =
+        descriptors.count() == 0 ? NSSortDescriptor() : as<NSSortDescriptor>(descriptors.objectAtIndex_(0));
+    auto const shown = std::ranges::find_if(m_model.columns(), [&](TableColumn const& column) {
+        return column.sortDescriptor != nil && first != nil && column.sortDescriptor.key().isEqual_(first.key());
+    });
+    int const section = shown == m_model.columns().end() ? -1 : static_cast<int>(shown - m_model.columns().begin());
+    m_view->horizontalHeader()->setSortIndicator(section, first.ascending() ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+void NSTableView::Body::followRows() {
+    NSArray const rows = m_controller.arrangedObjects();
+    if (!m_view || isSame(rows, m_shown)) return;
+    {
+        QScopedValueRollback<bool> const following(m_isFollowing, true);
+        showRows(rows);
+    }
+    followSelection();
+}
+
+void NSTableView::Body::showRows(NSArray const& rows) {
+    NSArrayController::Body const& controller = *bodyOf(m_controller);
+    m_model.setPalette(m_view->palette());
+    Anchor const kept = anchor();
+    bool const isNextChange = m_shown != nil && isSame(controller.previouslyArranged(), m_shown);
+    if (isNextChange)
+        m_model.replaceRows(rows, controller.previousRows());
+    else
+        m_model.resetRows(rows);
+    m_shown = rows;
+    fitColumns(isNextChange ? controller.previousRows() : std::span<NSUInteger const>());
+    restore(kept);
+}
+
+void NSTableView::Body::followSelection() {
+    if (!m_view || m_isFollowing || !isSame(m_shown, m_controller.arrangedObjects())) return;
+    std::span<NSUInteger const> const wanted = bodyOf(m_controller)->selectedRows();
+    QItemSelectionModel* const selection = m_view->selectionModel();
+    if (std::ranges::equal(rowsOf(selection->selection()), wanted)) return;
+    QScopedValueRollback<bool> const following(m_isFollowing, true);
+    if (!wanted.empty() && !selection->currentIndex().isValid())
+        selection->setCurrentIndex(m_model.index(static_cast<int>(wanted.front()), 0), QItemSelectionModel::NoUpdate);
+    selection->select(selectionOf(wanted, m_model), QItemSelectionModel::ClearAndSelect);
+}
+
+void NSTableView::Body::selectAsInView() {
+    if (!m_isFollowing) bodyOf(m_controller)->setSelectedRows(rowsOf(m_view->selectionModel()->selection()));
+}
+
+// The row that keeps its place on the screen: the selected one where the user is, else the first one of a scrolled
+// table.
+NSTableView::Body::Anchor NSTableView::Body::anchor() const {
+    QModelIndex const current = m_view->currentIndex();
+    if (current.isValid() && m_view->selectionModel()->isSelected(current)) {
+        QRect const place = m_view->visualRect(current);
+        bool const isSeen = place.bottom() >= 0 && place.top() < m_view->viewport()->height();
+        if (isSeen) return {current, place.top()};
+    }
+    if (m_view->verticalScrollBar()->value() == 0) return {};
+    QModelIndex const first = m_model.index(m_view->rowAt(0), 0);
+    return {first, m_view->rowViewportPosition(first.row())};
+}
+
+void NSTableView::Body::restore(Anchor const& anchor) {
+    if (!anchor.index.isValid()) return;
+    m_view->doItemsLayout();
+    int const moved = m_view->rowViewportPosition(anchor.index.row()) - anchor.y;
+    if (moved != 0) m_view->verticalScrollBar()->setValue(m_view->verticalScrollBar()->value() + moved);
+}
+
+int NSTableView::Body::widthForText(QString const& text) const {
+    int const margin = m_view->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_view) + 1;
+    return m_view->fontMetrics().horizontalAdvance(text) + 2 * margin + 2;
+}
+
+void NSTableView::Body::setInitialWidths() {
+    QHeaderView* const header = m_view->horizontalHeader();
+    for (int section = 0; section < m_model.columnCount(); ++section) {
+        TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
+        header->setSectionResizeMode(section, column.fillsWidth ? QHeaderView::Stretch : QHeaderView::Interactive);
+        if (!column.fillsWidth)
+            header->resizeSection(section, std::max(header->sectionSizeHint(section), widthForText(column.sample)));
+    }
+}
+
+// Looks at what is new and at what is on the screen.
+void NSTableView::Body::fitColumns(std::span<NSUInteger const> previousRows) {
+    int const rowCount = m_model.rowCount();
+    int const firstSeen = std::max(m_view->rowAt(0), 0);
+    int const seenCount =
+        m_view->viewport()->height() / std::max(m_view->verticalHeader()->defaultSectionSize(), 1) + 1;
+    for (int section = 0; section < m_model.columnCount(); ++section) {
+        if (!m_model.columns()[static_cast<std::size_t>(section)].fitsContents) continue;
+        for (int row = 0; row < rowCount; ++row) {
+            bool const isNew = previousRows.empty() || previousRows[static_cast<std::size_t>(row)] == NSNotFound;
+            bool const isSeen = row >= firstSeen && row < firstSeen + seenCount;
+            if (isNew || isSeen) fitCell(m_model.index(row, section));
+        }
+    }
+}
+
+void NSTableView::Body::fitCell(QModelIndex const& cell) {
+    QString const text = cell.data().toString();
+    QFontMetrics const metrics = m_view->fontMetrics();
+    QHeaderView* const header = m_view->horizontalHeader();
+    int const width = header->sectionSize(cell.column());
+    bool const fitsSurely = text.size() * metrics.maxWidth() < width;
+    if (fitsSurely || m_measured.contains(text)) return;
+    m_measured.insert(text);
+    int const wanted = std::min(widthForText(text.first(std::min(text.size(), LongestShownText))),
+                                WidestFit * metrics.averageCharWidth());
+    if (wanted > width) header->resizeSection(cell.column(), wanted);
+}
+
+} // namespace mac

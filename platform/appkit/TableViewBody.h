@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/appkit/KeyPathObserver.h"
+#include "platform/appkit/NSTableView.h"
+#include "platform/appkit/TableModel.h"
+#include "platform/appkit/ViewBody.h"
+#include <QPersistentModelIndex>
+#include <QSet>
+#include <QStyledItemDelegate>
+#include <QTableView>
+
+namespace mac {
+
+// Draws cells as plain text, however long it is.
+class TableCellDelegate : public QStyledItemDelegate {
+public:
+    QString displayText(QVariant const& value, QLocale const& locale) const override;
+};
+
+// A table on the screen and its array controller: rows, order and selection follow each other. While rows arrive, what
+// the user looks at stays where it is.
+class NSTableView::Body : public NSControl::Body {
+public:
+    Body(QTableView* view, std::vector<TableColumn> columns, NSArrayController const& controller);
+    ~Body() override;
+
+    NSArrayController const& controller() const { return m_controller; }
+    void setSortDescriptors(NSArray const& descriptors);
+    // What a click on the column's header does.
+    void sortByColumn(int column);
+
+private:
+    struct Anchor {
+        QPersistentModelIndex index;
+        int y{0};
+    };
+
+    void prepareView();
+    void connectView();
+    void followRows();
+    void showRows(NSArray const& rows);
+    void followSelection();
+    void selectAsInView();
+    void showOrder();
+    Anchor anchor() const;
+    void restore(Anchor const& anchor);
+    void setInitialWidths();
+    void fitColumns(std::span<NSUInteger const> previousRows);
+    void fitCell(QModelIndex const& cell);
+    int widthForText(QString const& text) const;
+
+    QPointer<QTableView> m_view;
+    NSArrayController m_controller;
+    TableModel m_model;
+    TableCellDelegate m_delegate;
+    NSArray m_shown;
+    QSet<QString> m_measured;
+    bool m_isFollowing{false};
+    std::vector<std::unique_ptr<KeyPathObserver>> m_observers;
+    // Ends the connections with the view before anything above goes.
+    QObject m_connections;
+};
+
+} // namespace mac

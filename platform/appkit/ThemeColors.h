@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/appkit/NSColor.h"
+#include <QColor>
+#include <QPalette>
+
+namespace mac {
+
+// How strongly two opaque colours differ, from 1 to 21; text wants 4.5 and more.
+double contrast(QColor const& first, QColor const& second);
+
+// The palette's text, taken back as far as it can still be read on the palette's rows.
+QColor dimmedText(QPalette const& palette);
+
+// The colour as a window of that palette shows it: black is its text, dark grey its dimmed text, any other itself. An
+// invalid colour for nil.
+QColor colorInTheme(NSColor const& color, QPalette const& palette);
+
+} // namespace mac

@@ -1,0 +1,78 @@
+#include "platform/appkit/WindowStyle.h"
+#include "platform/appkit/DrawnIcon.h"
+#include "platform/appkit/VisibleText.h"
+#include "platform/foundation/Log.h"
+#include <QAbstractButton>
+#include <QAction>
+#include <QLineEdit>
+#include <QToolBar>
+#include <QToolButton>
+#include <algorithm>
+
+namespace mac {
+
+namespace {
+
+QString glyphOf(QObject const* object) { return object->property("glyph").toString(); }
+
+QIcon glyphIcon(QObject const* object) {
+    QIcon const icon = drawnIcon(glyphOf(object));
+    if (icon.isNull()) NSLog("Interface file: the glyph of \"%@\" is no path", stringOf(object->objectName()));
+    return icon;
+}
+
+// Icons of two families side by side look broken, so the theme serves all actions or none.
+void giveIcons(QWidget* window) {
+    QList<QAction*> actions = window->findChildren<QAction*>();
+    actions.removeIf([](QAction const* action) { return glyphOf(action).isEmpty(); });
+    bool const isThemeComplete =
+        std::ranges::none_of(actions, [](QAction const* action) { return action->icon().isNull(); });
+    for (QAction* const action : actions) {
+        if (!isThemeComplete) action->setIcon(glyphIcon(action));
+    }
+    for (QWidget* const widget : window->findChildren<QWidget*>()) {
+        if (glyphOf(widget).isEmpty()) continue;
+        if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setIcon(glyphIcon(widget));
+        if (auto* const field = qobject_cast<QLineEdit*>(widget))
+            field->addAction(glyphIcon(widget), QLineEdit::LeadingPosition);
+    }
+}
+
+void tellShortcuts(QAction* action) {
+    QList<QKeySequence> shortcuts = action->shortcuts();
+    for (QString const& further : action->property("moreShortcuts").toStringList())
+        shortcuts.append(QKeySequence(further));
+    if (shortcuts.isEmpty()) return;
+    action->setShortcuts(shortcuts);
+    QString const keys = shortcuts.first().toString(QKeySequence::NativeText);
+    action->setToolTip(plainToolTip(QString("%1 (%2)").arg(action->toolTip(), keys)));
+}
+
+// A tool button leaves the mnemonic of its action out, so that it could not be reached by Alt and a letter.
+void showMnemonic(QToolButton* button) {
+    QAction* const action = button->defaultAction();
+    if (!action || !action->text().contains('&')) return;
+    button->setText(action->text());
+    QObject::connect(action, &QAction::changed, button, [button, action] { button->setText(action->text()); });
+}
+
+} // namespace
+
+void styleWindow(QWidget* window) {
+    giveIcons(window);
+    for (QAction* const action : window->findChildren<QAction*>())
+        tellShortcuts(action);
+    for (QToolBar* const bar : window->findChildren<QToolBar*>()) {
+        for (QToolButton* const button : bar->findChildren<QToolButton*>())
+            showMnemonic(button);
+    }
+    QString const first = window->property("initialFocus").toString();
+    if (auto* const widget = first.isEmpty() ? nullptr : window->findChild<QWidget*>(first)) widget->setFocus();
+}
+
+void focusOn(QWidget* widget) {
+    widget->setFocus(Qt::ShortcutFocusReason);
+    if (auto* const field = qobject_cast<QLineEdit*>(widget)) field->selectAll();
+}
+
+} // namespace mac
