@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace mac {
+
+// What a walk looks for, and where. Paths and names are bytes, in no particular encoding.
+struct VolumeWalkRequest {
+    // Absolute paths of the folders to search, with what is mounted below them. Empty: every local volume.
+    std::vector<std::string> roots;
+    // A folder with this ending (and something before it) is a package: a single item that is never entered. A link
+    // to a folder is no package, whatever its name: what it leads to is found where it lies, and is listed once.
+    std::string packageSuffix = ".app";
+    // The exact file names of the packages wanted. Empty: all packages.
+    std::vector<std::string> names;
+};
+
+struct UnreadableFolder {
+    std::string path;
+    int error = 0; // as errno
+};
+
+struct VolumeWalkProgress {
+    bool isFinished = false; // never after a stop
+    std::uint64_t foldersVisited = 0;
+    std::uint64_t packagesFound = 0;
+    std::uint64_t unreadableFolders = 0;
+    std::vector<UnreadableFolder> firstUnreadable; // at most maximumUnreadableKept
+};
+
+// Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was
+// found whenever it likes, and may stop it. All operations but those two may be called from any thread.
+//
+// Every wanted package that is there during the whole walk is found exactly once. Links are never followed. A folder
+// mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
+// on; one that vanishes meanwhile is not counted, and neither is one that is known to hold no folder, as it need not be
+// opened. A root that is itself a package is reported, not entered.
+class VolumeWalker {
+public:
+    static constexpr std::size_t maximumUnreadableKept = 16;
+
+    // `onNews` is called in one of the walk's threads at the first find after the start or after a take, and once when
+    // the walk has finished; it must not throw, nor stop the walk. It is not called after `stop` has returned.
+    VolumeWalker(VolumeWalkRequest request, std::function<void()> onNews);
+    ~VolumeWalker(); // stops
+    VolumeWalker(VolumeWalker const&) = delete;
+    VolumeWalker& operator=(VolumeWalker const&) = delete;
+
+    // False when the system gives no thread. A walk starts only once.
+    bool start();
+    // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
+    void stop();
+
+    // The paths found since the last take, in no order. Empty once `progress` has said finished and they were taken.
+    std::vector<std::string> takeFound();
+    VolumeWalkProgress progress() const;
+
+private:
+    class Walk;
+    std::unique_ptr<Walk> m_walk;
+};
+
+} // namespace mac
