@@ -53,7 +53,7 @@ TEST_P(ControllerField, TellsItsObserversOnceOfEachSettingAlsoOfTheSameObject) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheController, ControllerField, testing::ValuesIn(Keys),
-                         [](testing::TestParamInfo<char const*> const& info) { return info.param; });
+                         [](testing::TestParamInfo<char const*> const& field) { return field.param; });
 
 TEST(ControllerFields, TellNothingWhenAFieldChangesInPlace) {
     AppController const controller = makeController();
