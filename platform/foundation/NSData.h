@@ -27,7 +27,8 @@ public:
     bool isEqualToData_(NSData const& other) const;
     // Raises NSRangeException past the end.
     NSData subdataWithRange_(NSRange range) const;
-    // Written beside the file and renamed over it, so that a reader finds the old or the new bytes; false when it failed.
+    // Written beside the file and renamed over it, so that a reader finds the old or the new bytes; false when it
+    // failed.
     bool writeToFile_atomically_(NSString const& path, BOOL atomically) const;
 };
 

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace mac {
 
@@ -145,8 +146,9 @@ ClassDescription NSNumber::describeClass() {
 }
 
 NSNumber NSNumber::numberWithBool_(BOOL value) {
-    static NSNumber const yes = adopt<NSNumber>(Kind::Boolean, 1U);
-    static NSNumber const no = adopt<NSNumber>(Kind::Boolean, 0U);
+    // Never destroyed: objects may ask for them until the program's last instruction.
+    static NSNumber const& yes = *std::make_unique<NSNumber>(adopt<NSNumber>(Kind::Boolean, 1U)).release();
+    static NSNumber const& no = *std::make_unique<NSNumber>(adopt<NSNumber>(Kind::Boolean, 0U)).release();
     return value ? yes : no;
 }
 

@@ -1,11 +1,13 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/StringBody.h"
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace mac {
 
@@ -71,8 +73,38 @@ ClassDescription NSString::describeClass() {
     description.makeBody = makeEmptyBody<NSString>;
     description.methods = {
         method<&NSString::length>("length"),
+        method<&NSString::characterAtIndex_>("characterAtIndex:"),
         method<&NSString::isEqualToString_>("isEqualToString:"),
+        method<&NSString::compare_>("compare:"),
+        method<&NSString::compare_options_>("compare:options:"),
+        method<&NSString::caseInsensitiveCompare_>("caseInsensitiveCompare:"),
+        method<&NSString::hasPrefix_>("hasPrefix:"),
+        method<&NSString::hasSuffix_>("hasSuffix:"),
+        method<&NSString::substringFromIndex_>("substringFromIndex:"),
+        method<&NSString::substringToIndex_>("substringToIndex:"),
         method<&NSString::stringByAppendingString_>("stringByAppendingString:"),
+        method<&NSString::componentsSeparatedByString_>("componentsSeparatedByString:"),
+        method<&NSString::stringByTrimmingCharactersInSet_>("stringByTrimmingCharactersInSet:"),
+        method<&NSString::lowercaseString>("lowercaseString"),
+        method<&NSString::uppercaseString>("uppercaseString"),
+        method<&NSString::intValue>("intValue"),
+        method<&NSString::integerValue>("integerValue"),
+        method<&NSString::longLongValue>("longLongValue"),
+        method<&NSString::doubleValue>("doubleValue"),
+        method<&NSString::floatValue>("floatValue"),
+        method<&NSString::boolValue>("boolValue"),
+        method<&NSString::isAbsolutePath>("isAbsolutePath"),
+        method<&NSString::pathComponents>("pathComponents"),
+        method<&NSString::lastPathComponent>("lastPathComponent"),
+        method<&NSString::pathExtension>("pathExtension"),
+        method<&NSString::stringByAppendingPathComponent_>("stringByAppendingPathComponent:"),
+        method<&NSString::stringByAppendingPathExtension_>("stringByAppendingPathExtension:"),
+        method<&NSString::stringByDeletingLastPathComponent>("stringByDeletingLastPathComponent"),
+        method<&NSString::stringByDeletingPathExtension>("stringByDeletingPathExtension"),
+        method<&NSString::stringByExpandingTildeInPath>("stringByExpandingTildeInPath"),
+        method<&NSString::stringByAbbreviatingWithTildeInPath>("stringByAbbreviatingWithTildeInPath"),
+        method<&NSString::stringByStandardizingPath>("stringByStandardizingPath"),
+        method<&NSString::stringByResolvingSymlinksInPath>("stringByResolvingSymlinksInPath"),
     };
     return description;
 }
@@ -80,7 +112,8 @@ ClassDescription NSString::describeClass() {
 id id::stringOfLiteral(std::string_view utf8) { return makeString(unitsFromFileSystemBytes(utf8)); }
 
 NSString NSString::string() {
-    static NSString const empty = makeString({});
+    // Never destroyed: objects may ask for it until the program's last instruction.
+    static NSString const& empty = *std::make_unique<NSString>(makeString({})).release();
     return empty;
 }
 
@@ -126,14 +159,6 @@ std::optional<std::string> NSString::fileSystemRepresentation() const {
 
 bool NSString::isEqualToString_(NSString const& other) const {
     return *this != nil && other != nil && codeUnits() == other.codeUnits();
-}
-
-bool NSString::hasPrefix_(NSString const& prefix) const {
-    return prefix.length() > 0 && codeUnits().starts_with(prefix.codeUnits());
-}
-
-bool NSString::hasSuffix_(NSString const& suffix) const {
-    return suffix.length() > 0 && codeUnits().ends_with(suffix.codeUnits());
 }
 
 NSString NSString::substringFromIndex_(NSUInteger index) const {

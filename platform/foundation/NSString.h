@@ -91,6 +91,11 @@ public:
     // {NSNotFound, 0} when there is none; nothing ever contains the empty string.
     NSRange rangeOfString_(NSString const& other) const;
     NSRange rangeOfString_options_(NSString const& other, NSUInteger options) const;
+    // Raises NSRangeException unless the range lies within the text.
+    NSRange rangeOfString_options_range_(NSString const& other, NSUInteger options, NSRange range) const;
+    // The first, or with NSBackwardsSearch the last, code unit of the set.
+    NSRange rangeOfCharacterFromSet_(NSCharacterSet const& set) const;
+    NSRange rangeOfCharacterFromSet_options_range_(NSCharacterSet const& set, NSUInteger options, NSRange range) const;
 
     // Raise NSRangeException past the end.
     NSString substringFromIndex_(NSUInteger index) const;

@@ -1,0 +1,138 @@
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/EncodingTables.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/StringBody.h"
+#include <algorithm>
+#include <cstring>
+
+namespace mac {
+
+namespace {
+
+constexpr std::string_view ByteOrderMarkUTF8 = "\xEF\xBB\xBF";
+constexpr char16_t ByteOrderMark = 0xFEFF;
+constexpr char16_t SwappedByteOrderMark = 0xFFFE;
+
+bool isASCII(std::string_view bytes) {
+    return std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+std::optional<std::u16string> unitsFromTable(std::string_view bytes, UpperHalf const& table) {
+    std::u16string units;
+    units.reserve(bytes.size());
+    for (char const signedByte : bytes) {
+        auto const byte = static_cast<unsigned char>(signedByte);
+        char16_t const unit = byte < 0x80 ? byte : table[byte - 0x80];
+        if (unit == 0xFFFD) return std::nullopt;
+        units.push_back(unit);
+    }
+    return units;
+}
+
+std::optional<std::string> bytesFromTable(std::u16string_view units, UpperHalf const& table) {
+    std::string bytes;
+    bytes.reserve(units.size());
+    for (char16_t const unit : units) {
+        auto const place = unit < 0x80 ? table.end() : std::ranges::find(table, unit);
+        if (unit == 0xFFFD || (unit >= 0x80 && place == table.end())) return std::nullopt;
+        bytes.push_back(static_cast<char>(unit < 0x80 ? unit : 0x80 + (place - table.begin())));
+    }
+    return bytes;
+}
+
+// For encodings whose characters are the first ones of Unicode.
+std::optional<std::string> bytesBelow(std::u16string_view units, char16_t end) {
+    if (std::ranges::any_of(units, [&](char16_t unit) { return unit >= end; })) return std::nullopt;
+    return std::string(units.begin(), units.end());
+}
+
+std::u16string unitsFromLatin1(std::string_view bytes) {
+    std::u16string units(bytes.size(), u'\0');
+    std::ranges::transform(bytes, units.begin(), [](char byte) { return static_cast<unsigned char>(byte); });
+    return units;
+}
+
+std::optional<std::u16string> unitsFromUTF16(std::string_view bytes) {
+    if (bytes.size() % sizeof(char16_t) != 0) return std::nullopt;
+    std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
+    std::memcpy(units.data(), bytes.data(), bytes.size());
+    if (units.starts_with(SwappedByteOrderMark))
+        std::ranges::transform(units, units.begin(),
+                               [](char16_t unit) { return static_cast<char16_t>(unit << 8 | unit >> 8); });
+    if (units.starts_with(ByteOrderMark)) units.erase(0, 1);
+    return units;
+}
+
+std::string utf16FromUnits(std::u16string_view units) {
+    std::u16string text(1, ByteOrderMark);
+    text.append(units);
+    std::string bytes(text.size() * sizeof(char16_t), '\0');
+    std::memcpy(bytes.data(), text.data(), bytes.size());
+    return bytes;
+}
+
+bool hasLoneSurrogate(std::u16string_view units) {
+    for (std::size_t index = 0; index < units.size(); ++index) {
+        bool const isPair =
+            isHighSurrogate(units[index]) && index + 1 < units.size() && isLowSurrogate(units[index + 1]);
+        if (isPair)
+            ++index;
+        else if (isHighSurrogate(units[index]) || isLowSurrogate(units[index]))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEncoding encoding) {
+    switch (encoding) {
+    case NSASCIIStringEncoding:
+        return isASCII(bytes) ? std::optional(unitsFromLatin1(bytes)) : std::nullopt;
+    case NSNEXTSTEPStringEncoding:
+        return unitsFromTable(bytes, upperHalfOfNEXTSTEP());
+    case NSUTF8StringEncoding:
+        return unitsFromUTF8(bytes.substr(bytes.starts_with(ByteOrderMarkUTF8) ? ByteOrderMarkUTF8.size() : 0));
+    case NSISOLatin1StringEncoding:
+        return unitsFromLatin1(bytes);
+    case NSUnicodeStringEncoding:
+        return unitsFromUTF16(bytes);
+    case NSMacOSRomanStringEncoding:
+        return unitsFromTable(bytes, upperHalfOfMacOSRoman());
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding) {
+    switch (encoding) {
+    case NSASCIIStringEncoding:
+        return bytesBelow(units, 0x80);
+    case NSNEXTSTEPStringEncoding:
+        return bytesFromTable(units, upperHalfOfNEXTSTEP());
+    case NSUTF8StringEncoding:
+        return hasLoneSurrogate(units) ? std::nullopt : std::optional(utf8FromUnits(units));
+    case NSISOLatin1StringEncoding:
+        return bytesBelow(units, 0x100);
+    case NSUnicodeStringEncoding:
+        return utf16FromUnits(units);
+    case NSMacOSRomanStringEncoding:
+        return bytesFromTable(units, upperHalfOfMacOSRoman());
+    }
+    return std::nullopt;
+}
+
+NSString NSString::stringWithData_encoding_(NSData const& data, NSStringEncoding encoding) {
+    if (data == nil) return nil;
+    std::span<std::byte const> const bytes = data.span();
+    std::optional<std::u16string> units =
+        unitsFromBytes({reinterpret_cast<char const*>(bytes.data()), bytes.size()}, encoding);
+    return units ? makeString(std::move(*units)) : NSString(nil);
+}
+
+NSData NSString::dataUsingEncoding_(NSStringEncoding encoding) const {
+    if (*this == nil) return nil;
+    std::optional<std::string> const bytes = bytesFromUnits(codeUnits(), encoding);
+    return bytes ? NSData::dataWithBytes(std::as_bytes(std::span(*bytes))) : NSData(nil);
+}
+
+} // namespace mac
