@@ -97,7 +97,7 @@ bool isPlainPath(std::u16string_view path) {
 
 std::u16string formatOfKeyPath(std::u16string_view path) {
     if (!isPlainPath(path)) return u"#" + quoted(path);
-    bool const needsMark = isReservedInPredicates(path.substr(0, path.find(u'.')));
+    bool const needsMark = isWrittenWithMark(path.substr(0, path.find(u'.')));
     return needsMark ? u"#" + std::u16string(path) : std::u16string(path);
 }
 

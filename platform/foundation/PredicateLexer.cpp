@@ -11,38 +11,16 @@ namespace mac {
 namespace {
 
 constexpr auto ReservedWords = std::to_array<std::string_view>({
-    "all",
-    "and",
-    "any",
-    "anykey",
-    "beginswith",
-    "between",
-    "caseinsensitive",
-    "cast",
-    "ci",
-    "contains",
-    "endswith",
-    "false",
-    "falsepredicate",
-    "first",
-    "in",
-    "last",
-    "like",
-    "matches",
-    "nil",
-    "no",
-    "none",
-    "not",
-    "null",
-    "or",
-    "self",
-    "size",
-    "some",
-    "subquery",
-    "true",
-    "truepredicate",
+    "all",      "and",      "any",   "beginswith",     "between", "cast",
+    "contains", "endswith", "false", "falsepredicate", "in",      "like",
+    "matches",  "nil",      "no",    "none",           "not",     "null",
+    "or",       "self",     "some",  "subquery",       "true",    "truepredicate",
     "yes",
 });
+
+// Reserved too, but without a meaning where a key may stand.
+constexpr auto WordsOfIndexes =
+    std::to_array<std::string_view>({"anykey", "caseinsensitive", "ci", "first", "last", "size"});
 
 // Longest first; the second is the spelling that the parser knows.
 constexpr std::array<std::pair<std::u16string_view, std::u16string_view>, 18> Symbols{{
@@ -110,6 +88,12 @@ bool equalsIgnoringCase(std::u16string_view text, std::string_view lowercaseAsci
 bool isReservedInPredicates(std::u16string_view word) {
     return std::ranges::any_of(ReservedWords,
                                [&](std::string_view reserved) { return equalsIgnoringCase(word, reserved); });
+}
+
+bool isWrittenWithMark(std::u16string_view word) {
+    return isReservedInPredicates(word) || std::ranges::any_of(WordsOfIndexes, [&](std::string_view reserved) {
+               return equalsIgnoringCase(word, reserved);
+           });
 }
 
 bool isIdentifierInPredicates(std::u16string_view text) {

@@ -65,8 +65,10 @@ private:
     std::size_t m_place{0};
 };
 
-// Whether the word has a meaning of its own in the language, in any case of letters.
+// Whether the word has a meaning of its own where a key may stand, in any case of letters.
 bool isReservedInPredicates(std::u16string_view word);
+// Whether a key of this name is written with a mark. More words than need it here: others read these predicates too.
+bool isWrittenWithMark(std::u16string_view word);
 bool isIdentifierInPredicates(std::u16string_view text);
 bool equalsIgnoringCase(std::u16string_view text, std::string_view lowercaseAscii);
 

@@ -10,7 +10,7 @@ namespace mac {
 namespace {
 
 // In ICU's steps, some milliseconds each, and in bytes of its stack: far more than a pattern over a file name takes.
-constexpr std::int32_t MostSteps = 1000;
+constexpr std::int32_t MostSteps = 200;
 constexpr std::int32_t LargestStack = 8 << 20;
 
 std::int32_t lengthForICU(std::u16string_view text) {
@@ -140,9 +140,6 @@ PredicatePattern::PredicatePattern(NSString const& pattern, NSUInteger options) 
         throw NSInvalidArgumentException("The regular expression \"" + pattern.UTF8String() +
                                          "\" is wrong at character " + std::to_string(place.offset) + ": " +
                                          u_errorName(status));
-    uregex_setTimeLimit(m_expression.get(), MostSteps, &status);
-    uregex_setStackLimit(m_expression.get(), LargestStack, &status);
-    check(status, "A regular expression cannot be limited");
 }
 
 bool PredicatePattern::matches(std::u16string_view text) const {
@@ -150,6 +147,8 @@ bool PredicatePattern::matches(std::u16string_view text) const {
     UErrorCode status = U_ZERO_ERROR;
     // Matching changes the expression: each match has its own, which shares the compiled pattern.
     std::unique_ptr<URegularExpression, Close> const expression(uregex_clone(m_expression.get(), &status));
+    uregex_setTimeLimit(expression.get(), MostSteps, &status);
+    uregex_setStackLimit(expression.get(), LargestStack, &status);
     uregex_setText(expression.get(), folded.data(), lengthForICU(folded), &status);
     bool const matches = uregex_matches(expression.get(), -1, &status) != 0;
     check(status, "The regular expression cannot be applied");

@@ -41,7 +41,7 @@ Listener Listener::make(std::function<void()> reaction) { return adopt<Listener>
 
 class NotificationCenter : public testing::Test {
 protected:
-    NSNotificationCenter center = adopt<NSNotificationCenter>();
+    NSNotificationCenter center = NSNotificationCenter::alloc();
     Listener listener = Listener::make();
     id sender = NSObject::alloc();
 };
