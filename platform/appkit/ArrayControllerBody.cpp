@@ -1,10 +1,10 @@
 #include "platform/appkit/ArrayControllerBody.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSSet.h"
-#include "platform/foundation/NSSortDescriptor.h"
 #include <algorithm>
+#include <cstdint>
 #include <exception>
-#include <numeric>
+#include <optional>
 #include <unordered_map>
 
 namespace mac {
@@ -93,10 +93,9 @@ NSArrayController::Body::Entry NSArrayController::Body::makeEntry(id const& obje
     return {object, m_identityKeyPath == nil ? object : object.valueForKeyPath_(m_identityKeyPath)};
 }
 
-// What was there before stands first, in its old order, and takes over row and selection: the order to sort from, since
-// most of it is sorted already.
-std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(id const& content,
-                                                                               std::size_t& knownCount) const {
+// What was there before stands first, in its old order, and takes over row and selection; so do equals when they are
+// sorted.
+std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(id const& content) const {
     NSArray const objects = objectsOf(content);
     Places places(m_identityKeyPath != nil, m_entries.size());
     for (std::size_t place = 0; place < m_entries.size(); ++place)
@@ -115,42 +114,31 @@ std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(i
         known[*place] = std::move(entry);
     }
     std::erase_if(known, [](Entry const& entry) { return entry.object == nil; });
-    knownCount = known.size();
     std::ranges::move(added, std::back_inserter(known));
     return known;
 }
 
-void NSArrayController::Body::sort(std::vector<Entry>& entries, std::size_t knownCount, NSArray const& criteria) {
-    std::vector<NSSortDescriptor> descriptors;
-    for (id const& descriptor : criteria)
-        descriptors.push_back(as<NSSortDescriptor>(descriptor));
-    if (descriptors.empty()) return;
-    std::size_t const width = descriptors.size();
-    std::vector<id> values;
-    values.reserve(entries.size() * width);
-    for (Entry const& entry : entries) {
-        for (NSSortDescriptor const& descriptor : descriptors)
-            values.push_back(entry.object.valueForKeyPath_(descriptor.key()));
+// Sorts the objects as the framework does and lets the entries follow; an object may stand there more than once.
+std::vector<NSArrayController::Body::Entry> NSArrayController::Body::sorted(std::vector<Entry> entries,
+                                                                            NSArray const& criteria) {
+    if (criteria.count() == 0) return entries;
+    constexpr std::size_t None = SIZE_MAX;
+    std::unordered_map<ObjectBody const*, std::size_t> first(entries.size());
+    std::vector<std::size_t> next(entries.size(), None);
+    std::vector<id> objects(entries.size());
+    for (std::size_t index = entries.size(); index-- > 0;) {
+        objects[index] = entries[index].object;
+        auto const [place, isNew] = first.try_emplace(objects[index].body(), index);
+        if (!isNew) next[index] = std::exchange(place->second, index);
     }
-    auto const isBefore = [&](std::size_t first, std::size_t second) {
-        for (std::size_t i = 0; i < width; ++i) {
-            NSComparisonResult const order =
-                descriptors[i].compareValues(values[first * width + i], values[second * width + i]);
-            if (order != NSOrderedSame) return order == NSOrderedAscending;
-        }
-        return false;
-    };
-    std::vector<std::size_t> order(entries.size());
-    std::iota(order.begin(), order.end(), std::size_t(0));
-    auto const middle = order.begin() + static_cast<std::ptrdiff_t>(knownCount);
-    if (!std::is_sorted(order.begin(), middle, isBefore)) std::stable_sort(order.begin(), middle, isBefore);
-    std::stable_sort(middle, order.end(), isBefore);
-    std::inplace_merge(order.begin(), middle, order.end(), isBefore);
-    std::vector<Entry> sorted;
-    sorted.reserve(entries.size());
-    for (std::size_t const index : order)
-        sorted.push_back(std::move(entries[index]));
-    entries = std::move(sorted);
+    std::vector<Entry> result;
+    result.reserve(entries.size());
+    for (id const& object : NSArray::arrayWithVector(std::move(objects)).sortedArrayUsingDescriptors_(criteria)) {
+        std::size_t& place = first.at(object.body());
+        std::size_t const index = std::exchange(place, next[place]);
+        result.push_back(std::move(entries[index]));
+    }
+    return result;
 }
 
 NSArrayController::Body::Arrangement NSArrayController::Body::arrange(std::vector<Entry> entries,
@@ -195,10 +183,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
 }
 
 void NSArrayController::Body::setContent(id const& content) {
-    std::size_t knownCount = 0;
-    std::vector<Entry> entries = entriesOf(content, knownCount);
-    sort(entries, knownCount, m_descriptors);
-    Arrangement arrangement = arrange(std::move(entries), m_filter);
+    Arrangement arrangement = arrange(sorted(entriesOf(content), m_descriptors), m_filter);
     if (content == nil) {
         for (Entry const& entry : m_entries) {
             if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
@@ -210,18 +195,14 @@ void NSArrayController::Body::setContent(id const& content) {
 }
 
 void NSArrayController::Body::rearrange() {
-    std::vector<Entry> entries = m_entries;
-    sort(entries, entries.size(), m_descriptors);
-    show(arrange(std::move(entries), m_filter), [] {}, {});
+    show(arrange(sorted(m_entries, m_descriptors), m_filter), [] {}, {});
 }
 
 void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
     NSArray const kept = descriptors == nil ? NSArray::array() : NSArray::arrayWithArray_(descriptors);
-    std::vector<Entry> entries = m_entries;
-    sort(entries, entries.size(), kept);
     static constexpr char const* Key[]{"sortDescriptors"};
     show(
-        arrange(std::move(entries), m_filter), [&] { m_descriptors = kept; }, Key);
+        arrange(sorted(m_entries, kept), m_filter), [&] { m_descriptors = kept; }, Key);
 }
 
 void NSArrayController::Body::setFilterPredicate(NSPredicate const& predicate) {

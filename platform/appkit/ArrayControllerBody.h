@@ -58,8 +58,8 @@ private:
 
     id self() { return id::retain(this); }
     Entry makeEntry(id const& object) const;
-    std::vector<Entry> entriesOf(id const& content, std::size_t& knownCount) const;
-    static void sort(std::vector<Entry>& entries, std::size_t knownCount, NSArray const& criteria);
+    std::vector<Entry> entriesOf(id const& content) const;
+    static std::vector<Entry> sorted(std::vector<Entry> entries, NSArray const& criteria);
     Arrangement arrange(std::vector<Entry> entries, NSPredicate const& filter) const;
     void show(Arrangement arrangement, std::function<void()> const& changeFurther,
               std::span<char const* const> furtherKeys);

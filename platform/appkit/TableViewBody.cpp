@@ -12,11 +12,7 @@ namespace mac {
 
 namespace {
 
-// Measuring and eliding longer text would be felt, and no screen shows more.
-constexpr qsizetype LongestShownText = 1000;
 constexpr int LastShortcutColumn = 9;
-// A column grows to at most this many characters of ordinary width to fit its text.
-constexpr int WidestFit = 40;
 
 // The selected rows of a view, ascending.
 std::vector<NSUInteger> rowsOf(QItemSelection const& selection) {
@@ -47,12 +43,6 @@ QItemSelection selectionOf(std::span<NSUInteger const> rows, QAbstractItemModel 
 
 } // namespace
 
-QString TableCellDelegate::displayText(QVariant const& value, QLocale const& locale) const {
-    QString const text = QStyledItemDelegate::displayText(value, locale);
-    if (text.size() <= LongestShownText) return text;
-    return text.first(LongestShownText / 2) + QChar(0x2026) + text.last(LongestShownText / 2);
-}
-
 NSTableView::Body::Body(QTableView* view, std::vector<TableColumn> columns, NSArrayController const& controller)
     : NSControl::Body(view), m_view(view), m_controller(controller), m_model(std::move(columns)) {
     prepareView();
@@ -69,7 +59,9 @@ NSTableView::Body::Body(QTableView* view, std::vector<TableColumn> columns, NSAr
 }
 
 NSTableView::Body::~Body() {
-    if (m_view) m_view->setModel(nullptr);
+    if (!m_view) return;
+    m_view->setModel(nullptr);
+    m_view->horizontalHeader()->setStyle(nullptr);
 }
 
 void NSTableView::Body::prepareView() {
@@ -80,10 +72,11 @@ void NSTableView::Body::prepareView() {
     rows->setSectionResizeMode(QHeaderView::Fixed);
     rows->setDefaultSectionSize(std::max(rows->minimumSectionSize(), m_view->fontMetrics().height() * 8 / 5));
     QHeaderView* const header = m_view->horizontalHeader();
+    header->setStyle(&m_headerStyle);
     header->setSectionsClickable(true);
     header->setSortIndicatorShown(true);
     header->setSortIndicator(-1, Qt::AscendingOrder);
-    setInitialWidths();
+    m_widths.emplace(m_view, m_model);
 }
 
 void NSTableView::Body::connectView() {
@@ -91,6 +84,9 @@ void NSTableView::Body::connectView() {
                      [this](int column) { guarded([&] { sortByColumn(column); }); });
     QObject::connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, &m_connections,
                      [this] { guarded([&] { selectAsInView(); }); });
+    // The row of the keyboard is marked as a whole.
+    QObject::connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, m_view->viewport(),
+                     qOverload<>(&QWidget::update));
     int const count = std::min(m_model.columnCount(), LastShortcutColumn);
     for (int column = 0; column < count; ++column) {
         auto* const shortcut = new QShortcut(QKeySequence(QString("Ctrl+%1").arg(column + 1)), m_view);
@@ -152,7 +148,7 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     else
         m_model.resetRows(rows);
     m_shown = rows;
-    fitColumns(isNextChange ? controller.previousRows() : std::span<NSUInteger const>());
+    m_widths->fitContents(isNextChange ? controller.previousRows() : std::span<NSUInteger const>());
     restore(kept);
 }
 
@@ -190,50 +186,6 @@ void NSTableView::Body::restore(Anchor const& anchor) {
     m_view->doItemsLayout();
     int const moved = m_view->rowViewportPosition(anchor.index.row()) - anchor.y;
     if (moved != 0) m_view->verticalScrollBar()->setValue(m_view->verticalScrollBar()->value() + moved);
-}
-
-int NSTableView::Body::widthForText(QString const& text) const {
-    int const margin = m_view->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_view) + 1;
-    return m_view->fontMetrics().horizontalAdvance(text) + 2 * margin + 2;
-}
-
-void NSTableView::Body::setInitialWidths() {
-    QHeaderView* const header = m_view->horizontalHeader();
-    for (int section = 0; section < m_model.columnCount(); ++section) {
-        TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
-        header->setSectionResizeMode(section, column.fillsWidth ? QHeaderView::Stretch : QHeaderView::Interactive);
-        if (!column.fillsWidth)
-            header->resizeSection(section, std::max(header->sectionSizeHint(section), widthForText(column.sample)));
-    }
-}
-
-// Looks at what is new and at what is on the screen.
-void NSTableView::Body::fitColumns(std::span<NSUInteger const> previousRows) {
-    int const rowCount = m_model.rowCount();
-    int const firstSeen = std::max(m_view->rowAt(0), 0);
-    int const seenCount =
-        m_view->viewport()->height() / std::max(m_view->verticalHeader()->defaultSectionSize(), 1) + 1;
-    for (int section = 0; section < m_model.columnCount(); ++section) {
-        if (!m_model.columns()[static_cast<std::size_t>(section)].fitsContents) continue;
-        for (int row = 0; row < rowCount; ++row) {
-            bool const isNew = previousRows.empty() || previousRows[static_cast<std::size_t>(row)] == NSNotFound;
-            bool const isSeen = row >= firstSeen && row < firstSeen + seenCount;
-            if (isNew || isSeen) fitCell(m_model.index(row, section));
-        }
-    }
-}
-
-void NSTableView::Body::fitCell(QModelIndex const& cell) {
-    QString const text = cell.data().toString();
-    QFontMetrics const metrics = m_view->fontMetrics();
-    QHeaderView* const header = m_view->horizontalHeader();
-    int const width = header->sectionSize(cell.column());
-    bool const fitsSurely = text.size() * metrics.maxWidth() < width;
-    if (fitsSurely || m_measured.contains(text)) return;
-    m_measured.insert(text);
-    int const wanted = std::min(widthForText(text.first(std::min(text.size(), LongestShownText))),
-                                WidestFit * metrics.averageCharWidth());
-    if (wanted > width) header->resizeSection(cell.column(), wanted);
 }
 
 } // namespace mac

@@ -2,20 +2,15 @@
 
 #include "platform/appkit/KeyPathObserver.h"
 #include "platform/appkit/NSTableView.h"
+#include "platform/appkit/TableCellDelegate.h"
+#include "platform/appkit/TableColumnWidths.h"
 #include "platform/appkit/TableModel.h"
 #include "platform/appkit/ViewBody.h"
 #include <QPersistentModelIndex>
-#include <QSet>
-#include <QStyledItemDelegate>
 #include <QTableView>
+#include <optional>
 
 namespace mac {
-
-// Draws cells as plain text, however long it is.
-class TableCellDelegate : public QStyledItemDelegate {
-public:
-    QString displayText(QVariant const& value, QLocale const& locale) const override;
-};
 
 // A table on the screen and its array controller: rows, order and selection follow each other. While rows arrive, what
 // the user looks at stays where it is.
@@ -44,17 +39,14 @@ private:
     void showOrder();
     Anchor anchor() const;
     void restore(Anchor const& anchor);
-    void setInitialWidths();
-    void fitColumns(std::span<NSUInteger const> previousRows);
-    void fitCell(QModelIndex const& cell);
-    int widthForText(QString const& text) const;
 
     QPointer<QTableView> m_view;
     NSArrayController m_controller;
     TableModel m_model;
     TableCellDelegate m_delegate;
+    TableHeaderStyle m_headerStyle;
     NSArray m_shown;
-    QSet<QString> m_measured;
+    std::optional<TableColumnWidths> m_widths;
     bool m_isFollowing{false};
     std::vector<std::unique_ptr<KeyPathObserver>> m_observers;
     // Ends the connections with the view before anything above goes.

@@ -7,18 +7,14 @@ namespace mac {
 namespace {
 
 constexpr char16_t Replacement = u'\uFFFD';
-constexpr char16_t ControlPictures = u'\u2400';
-constexpr char16_t PictureOfDelete = u'\u2421';
-
 bool turnsOrBreaks(char16_t unit) {
     return unit == u'\u061C' || unit == u'\u200E' || unit == u'\u200F' || (unit >= u'\u2028' && unit <= u'\u202E') ||
            (unit >= u'\u2066' && unit <= u'\u2069') || unit == u'\uFEFF';
 }
 
 char16_t visibleUnit(char16_t unit) {
-    if (unit < 0x20) return static_cast<char16_t>(ControlPictures + unit);
-    if (unit == 0x7F) return PictureOfDelete;
-    return (unit > 0x7F && unit < 0xA0) || turnsOrBreaks(unit) ? Replacement : unit;
+    bool const isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
+    return isControl || QChar::isSurrogate(unit) || turnsOrBreaks(unit) ? Replacement : unit;
 }
 
 } // namespace
@@ -34,7 +30,7 @@ QString visibleText(NSString const& text) {
             result += QChar(units[i]);
             result += QChar(units[++i]);
         } else {
-            result += QChar::isSurrogate(units[i]) ? QChar(Replacement) : QChar(visibleUnit(units[i]));
+            result += QChar(visibleUnit(units[i]));
         }
     }
     return result;

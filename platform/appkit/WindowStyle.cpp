@@ -26,7 +26,7 @@ void giveIcons(QWidget* window) {
     QList<QAction*> actions = window->findChildren<QAction*>();
     actions.removeIf([](QAction const* action) { return glyphOf(action).isEmpty(); });
     bool const isThemeComplete =
-        std::ranges::none_of(actions, [](QAction const* action) { return action->icon().isNull(); });
+        std::ranges::none_of(actions, [](QAction const* action) { return action->icon().name().isEmpty(); });
     for (QAction* const action : actions) {
         if (!isThemeComplete) action->setIcon(glyphIcon(action));
     }
