@@ -1,0 +1,282 @@
+#include "platform/appkit/InterfaceFile.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSSortDescriptor.h"
+#include "tests/app/Controller.h"
+#include <QAction>
+#include <QApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QTest>
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+
+// The program's own window, from its own interface file, on a disk of its own.
+
+namespace framekeeper::test {
+namespace {
+
+enum Column { Version, Path, Exists, Running, LoginItem, InToolbar };
+
+class Window : public testing::Test {
+protected:
+    void SetUp() override {
+        NSApplication::sharedApplication();
+        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1);
+    }
+    void TearDown() override {
+        if (file) controller().query().stopQuery();
+        ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
+    }
+
+    void open() {
+        auto loaded = InterfaceFile::load(NSString::stringWithUTF8String_(MAIN_MENU));
+        ASSERT_TRUE(std::holds_alternative<std::unique_ptr<InterfaceFile>>(loaded)) << std::get<std::string>(loaded);
+        file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
+        file->window().makeKeyAndOrderFront_(nil);
+    }
+    bool gathered() const {
+        return runUntil([this] { return !controller().query().isGathering(); });
+    }
+
+    AppController controller() const { return as<AppController>(file->controller()); }
+    template <class Widget>
+    Widget* find(char const* name) const {
+        return file->widget()->findChild<Widget*>(name);
+    }
+    QTableView* table() const { return find<QTableView>("pathsTable"); }
+    QVariant cell(int row, int column, int role = Qt::DisplayRole) const {
+        return table()->model()->index(row, column).data(role);
+    }
+    std::string cellText(int row, int column) const { return cell(row, column).toString().toStdString(); }
+    std::vector<std::string> columnTexts(int column) const {
+        std::vector<std::string> texts;
+        for (int row = 0; row < table()->model()->rowCount(); ++row)
+            texts.push_back(cellText(row, column));
+        return texts;
+    }
+    std::vector<std::string> selectedPaths() const {
+        std::vector<std::string> paths;
+        for (id const& record : controller().pathsArrayController().selectedObjects())
+            paths.push_back(text(record.valueForKey_("path")));
+        return paths;
+    }
+    void clickHeader(int column) const {
+        QHeaderView* const header = table()->horizontalHeader();
+        QPoint const place(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
+                           header->height() / 2);
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
+    }
+    void trigger(char const* name) const { find<QAction>(name)->trigger(); }
+
+    TemporaryFolder folder;
+    std::unique_ptr<InterfaceFile> file;
+};
+
+double luminance(QColor const& color) {
+    auto const linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(QColor const& first, QColor const& second) {
+    double const one = luminance(first);
+    double const other = luminance(second);
+    return (std::max(one, other) + 0.05) / (std::min(one, other) + 0.05);
+}
+
+TEST_F(Window, ConnectsItsOutletsAndStartsToSearch) {
+    open();
+    EXPECT_FALSE(controller().pathsArrayController() == nil);
+    EXPECT_FALSE(controller().pathsTableView() == nil);
+    EXPECT_FALSE(controller().window() == nil);
+    EXPECT_TRUE(controller().query().isStarted());
+}
+
+TEST_F(Window, IsEmptyUntilTheQueryTellsOfItsStart) {
+    makeCopy(folder, "a");
+    open();
+    EXPECT_TRUE(controller().paths() == nil);
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+    ASSERT_TRUE(gathered());
+    EXPECT_EQ(table()->model()->rowCount(), 1);
+}
+
+TEST_F(Window, ListsTheCopiesByVersionThenPath) {
+    makeCopy(folder, "b", "2.1", "210");
+    makeCopy(folder, "A", "2.1", "210");
+    makeCopy(folder, "c", "1.9", "99");
+    open();
+    ASSERT_TRUE(gathered());
+    // As text "99" comes above "210"; among equal versions the paths go without regard to case.
+    EXPECT_EQ(columnTexts(Version), (std::vector<std::string>{"1.9 (99)", "2.1 (210)", "2.1 (210)"}));
+    EXPECT_EQ(columnTexts(Path),
+              (std::vector<std::string>{folder.path("c/Mirror Frame.app"), folder.path("A/Mirror Frame.app"),
+                                        folder.path("b/Mirror Frame.app")}));
+}
+
+TEST_F(Window, GivesTheTableTheSpecifiedSortDescriptors) {
+    open();
+    NSArray const descriptors = controller().pathsTableView().sortDescriptors();
+    ASSERT_EQ(descriptors.count(), 2U);
+    NSSortDescriptor const version = as<NSSortDescriptor>(descriptors.objectAtIndex_(0));
+    NSSortDescriptor const path = as<NSSortDescriptor>(descriptors.objectAtIndex_(1));
+    EXPECT_EQ(text(version.key()), "version");
+    EXPECT_FALSE(version.ascending());
+    EXPECT_TRUE(version.selector() == SEL("compare:"));
+    EXPECT_EQ(text(path.key()), "displayPath");
+    EXPECT_TRUE(path.ascending());
+    EXPECT_TRUE(path.selector() == SEL("caseInsensitiveCompare:"));
+}
+
+TEST_F(Window, SortsByAClickOnAHeader) {
+    makeCopy(folder, "b", "2.1", "210");
+    makeCopy(folder, "a", "1.9", "99");
+    makeCopy(folder, "c", "2.0", "200");
+    open();
+    ASSERT_TRUE(gathered());
+    std::vector<std::string> const byPath{folder.path("a/Mirror Frame.app"), folder.path("b/Mirror Frame.app"),
+                                          folder.path("c/Mirror Frame.app")};
+    clickHeader(Path);
+    EXPECT_EQ(columnTexts(Path), byPath);
+    clickHeader(Path);
+    EXPECT_EQ(columnTexts(Path), (std::vector<std::string>{byPath[2], byPath[1], byPath[0]}));
+}
+
+TEST_F(Window, ShowsItsFlagsAsTextAndColour) {
+    makeCopy(folder, "a");
+    open();
+    ASSERT_TRUE(gathered());
+    EXPECT_EQ(cellText(0, Exists), "Yes");
+    EXPECT_EQ(cellText(0, Running), "No");
+    EXPECT_EQ(cellText(0, LoginItem), "No");
+    EXPECT_EQ(cellText(0, InToolbar), "No");
+    QColor const yes = cell(0, Exists, Qt::ForegroundRole).value<QBrush>().color();
+    QColor const no = cell(0, Running, Qt::ForegroundRole).value<QBrush>().color();
+    EXPECT_NE(yes, no);
+    QColor const background = table()->palette().color(QPalette::Base);
+    EXPECT_GE(contrast(yes, background), 4.5);
+    EXPECT_GE(contrast(no, background), 4.5);
+}
+
+TEST_F(Window, ChangesOnlyBecausePathsAreObserved) {
+    open();
+    ASSERT_TRUE(gathered());
+    NSMutableDictionary const record = NSMutableDictionary::dictionary();
+    record.setObject_forKey_("/put/here/Mirror Frame.app", "path");
+    record.setObject_forKey_("/put/here/Mirror Frame.app", "displayPath");
+    NSMutableSet const records = NSMutableSet::set();
+    records.addObject_(record);
+    controller().setValue_forKey_(records, "paths");
+    EXPECT_EQ(columnTexts(Path), std::vector<std::string>{"/put/here/Mirror Frame.app"});
+
+    // A change in place is no change of the key.
+    records.addObject_(NSMutableDictionary::dictionary());
+    EXPECT_EQ(table()->model()->rowCount(), 1);
+    controller().setPaths_(nil);
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+}
+
+TEST_F(Window, KeepsItsSelectionOverARescan) {
+    makeCopy(folder, "a");
+    makeCopy(folder, "b");
+    open();
+    ASSERT_TRUE(gathered());
+    table()->selectRow(1);
+    std::vector<std::string> const selected = selectedPaths();
+    ASSERT_EQ(selected, std::vector<std::string>{folder.path("b/Mirror Frame.app")});
+    makeCopy(folder, "0");
+    trigger("scanAction");
+    EXPECT_EQ(table()->model()->rowCount(), 0);
+    ASSERT_TRUE(gathered());
+    EXPECT_EQ(table()->model()->rowCount(), 3);
+    EXPECT_EQ(selectedPaths(), selected);
+}
+
+TEST_F(Window, KeepsItsRowsWhenTheSearchIsStopped) {
+    makeCopy(folder, "a");
+    open();
+    ASSERT_TRUE(runUntil([this] { return table()->model()->rowCount() == 1; }));
+    controller().stopAction_(nil);
+    EXPECT_TRUE(controller().query().isStopped());
+    EXPECT_EQ(table()->model()->rowCount(), 1);
+}
+
+TEST_F(Window, DisablesTheActionsThatAreNotThereYet) {
+    makeCopy(folder, "a");
+    open();
+    ASSERT_TRUE(gathered());
+    table()->selectRow(0);
+    EXPECT_TRUE(find<QAction>("scanAction")->isEnabled());
+    for (char const* name : {"revealAction", "quitAction", "addToAutoLaunchAction", "unAutoLaunchAction",
+                             "unToolbarAction", "swapIconAction", "trashAction", "deleteAction", "showAccountsAction",
+                             "logOutAction", "quitFinderAction", "openActivityMonitorAction"}) {
+        QAction const* const action = find<QAction>(name);
+        ASSERT_NE(action, nullptr) << name;
+        EXPECT_EQ(action->isEnabled(), controller().respondsToSelector_(SEL(std::string_view(std::string(name) + ":"))))
+            << name;
+    }
+}
+
+TEST_F(Window, NamesEveryActionAndGivesTheDangerousOnesNoShortcut) {
+    open();
+    for (QAction const* const action : file->widget()->findChildren<QAction*>()) {
+        if (action->objectName().endsWith("Action") && action->property("action").isValid()) {
+            EXPECT_FALSE(action->text().isEmpty()) << action->objectName().toStdString();
+            EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
+            EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
+        }
+    }
+    EXPECT_TRUE(find<QAction>("logOutAction")->shortcut().isEmpty());
+    EXPECT_TRUE(find<QAction>("quitFinderAction")->shortcut().isEmpty());
+    EXPECT_EQ(find<QAction>("trashAction")->shortcut(), QKeySequence(Qt::Key_Delete));
+    EXPECT_EQ(find<QAction>("deleteAction")->shortcut(), QKeySequence(Qt::SHIFT | Qt::Key_Delete));
+}
+
+TEST_F(Window, FiltersByPath) {
+    makeCopy(folder, "needle");
+    makeCopy(folder, "hay");
+    open();
+    ASSERT_TRUE(gathered());
+    QTest::keyClicks(find<QLineEdit>("filterField"), "NEEDLE");
+    ASSERT_TRUE(runUntil([this] { return table()->model()->rowCount() == 1; }));
+    EXPECT_EQ(cellText(0, Path), folder.path("needle/Mirror Frame.app"));
+}
+
+TEST_F(Window, ShowsBytesThatAreNoTextWithoutLosingThem) {
+    NSString const path = makeCopy(folder, "caf\xE9");
+    open();
+    ASSERT_TRUE(gathered());
+    ASSERT_EQ(table()->model()->rowCount(), 1);
+    EXPECT_NE(cell(0, Path).toString().indexOf(QChar(0xFFFD)), -1);
+    EXPECT_TRUE(recordOf(controller(), path).valueForKey_("path").isEqual_(path));
+}
+
+TEST_F(Window, EndsTheProgramWhenItIsClosed) {
+    open();
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(controller());
+    performOnMainRunLoop([this] { file->widget()->close(); });
+    application.run();
+    EXPECT_FALSE(controller().window().isVisible());
+}
+
+TEST_F(Window, TakesAHundredThousandRows) {
+    open();
+    ASSERT_TRUE(gathered());
+    NSMutableSet const records = NSMutableSet::set();
+    for (int index = 0; index < 100'000; ++index) {
+        NSString const path = NSString::stringWithFormat_("/copies/%d/Mirror Frame.app", index);
+        NSMutableDictionary const record = NSMutableDictionary::dictionary();
+        record.setObject_forKey_(path, "path");
+        record.setObject_forKey_(path, "displayPath");
+        record.setObject_forKey_(NSString::stringWithFormat_("%d", index % 300), "version");
+        records.addObject_(record);
+    }
+    controller().setPaths_(records);
+    EXPECT_EQ(table()->model()->rowCount(), 100'000);
+}
+
+} // namespace
+} // namespace framekeeper::test
