@@ -14,7 +14,7 @@ namespace mac {
 inline constexpr std::size_t kPropertyListMaximumDepth = 512;
 
 // Objects, keys included, with each shared one counted as often as a walk meets it. 100,000 login items have 700,000.
-inline constexpr std::size_t kPropertyListMaximumObjects = std::size_t{1} << 21;
+inline constexpr std::size_t kPropertyListMaximumObjects = std::size_t{1} << 20;
 
 // Bytes of strings and data, shared ones counted as often as a walk meets them.
 inline constexpr std::size_t kPropertyListMaximumContents = std::size_t{256} << 20;

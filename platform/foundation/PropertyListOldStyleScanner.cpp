@@ -146,7 +146,7 @@ Result<std::vector<std::byte>> OldStyleScanner::readData() {
         }
         if (accept(u'>')) return data;
         std::u16string_view const digits = readDigits(2, isHexadecimal);
-        if (digits.size() != 2) return Failure{unexpected("two hexadecimal digits or \">\"")};
+        if (digits.size() != 2) return Failure{unexpected("Two hexadecimal digits or \">\"")};
         data.push_back(static_cast<std::byte>(valueOf(digits, 16)));
     }
     return Failure{failure("There is data without end")};

@@ -73,17 +73,17 @@ private:
     }
     // For messages.
     std::string elementName() const {
-        return "<" + m_xml.name().left(kLongestNameInMessage).toString().toStdString() + ">";
+        return "<" + m_xml.qualifiedName().left(kLongestNameInMessage).toString().toStdString() + ">";
     }
 
     void readToken(QXmlStreamReader::TokenType token) {
         switch (token) {
         case QXmlStreamReader::StartElement:
-            readElement(elementOfName(m_xml.name()));
+            readElement(elementOfName(m_xml.qualifiedName()));
             return;
         case QXmlStreamReader::EndElement:
             // A plist element holds no value of its own; all others are read to their end in readElement.
-            if (elementOfName(m_xml.name()) != Element::Plist) fail(m_builder.end());
+            if (elementOfName(m_xml.qualifiedName()) != Element::Plist) fail(m_builder.end());
             return;
         case QXmlStreamReader::Characters:
             if (!isBlank(m_xml.text())) fail("There is text outside of a value");

@@ -1,0 +1,7 @@
+#include "fuzz/PropertyListRoundTrip.h"
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutBinary(std::as_bytes(std::span(data, size))));
+    return 0;
+}

@@ -1,0 +1,103 @@
+#include "fuzz/PropertyListRoundTrip.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/PropertyListBinary.h"
+#include "platform/foundation/PropertyListOldStyle.h"
+#include "platform/foundation/PropertyListText.h"
+#include "platform/foundation/PropertyListXML.h"
+#include "tests/foundation/PropertyListDump.h"
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+
+namespace mac::fuzz {
+
+namespace {
+
+using test::Dates;
+using test::dump;
+
+// Lists that share objects can stand for millions; those are read, but not written and compared, which would take
+// seconds.
+constexpr std::size_t kMostCompared = 20000;
+
+using Reader = std::function<Result<id>(NSPropertyListMutabilityOptions)>;
+
+// How many objects there are below the list, up to the bound.
+void count(id const& list, std::size_t& objects) {
+    if (++objects > kMostCompared) return;
+    for (id const& element : as<NSArray>(list))
+        count(element, objects);
+    for (id const& value : as<NSDictionary>(list).allValues())
+        count(value, objects);
+}
+
+bool isLarge(id const& list) {
+    std::size_t objects = 0;
+    count(list, objects);
+    return objects > kMostCompared;
+}
+
+Result<id> readText(std::span<std::byte const> bytes, NSPropertyListMutabilityOptions option,
+                    Result<id> (*read)(std::u16string_view, NSPropertyListMutabilityOptions)) {
+    Result<std::u16string> const text = decodePropertyListText(bytes);
+    if (!text.hasValue()) return Failure{text.reason()};
+    return read(text.value(), option);
+}
+
+std::string complaintAboutBinaryOf(id const& list) {
+    Result<std::string> const written = writePropertyListBinary(list);
+    if (!written.hasValue()) return "cannot be written as binary: " + written.reason();
+    Result<id> const read = readPropertyListBinary(std::as_bytes(std::span(written.value())), NSPropertyListImmutable);
+    if (!read.hasValue()) return "the binary form cannot be read: " + read.reason();
+    if (dump(read.value()) != dump(list)) return "the binary form is another list";
+    return writePropertyListBinary(read.value()).value() == written.value() ? "" : "the binary form is not stable";
+}
+
+std::string complaintAboutXMLOf(id const& list, bool canAlwaysBeWritten) {
+    Result<std::string> const written = writePropertyListXML(list);
+    if (!written.hasValue() && (canAlwaysBeWritten || written.reason().empty()))
+        return "cannot be written as XML: " + written.reason();
+    if (!written.hasValue()) return "";
+    Result<id> const read =
+        readText(std::as_bytes(std::span(written.value())), NSPropertyListImmutable, readPropertyListXML);
+    if (!read.hasValue()) return "the XML form cannot be read: " + read.reason();
+    if (dump(read.value()) != dump(list, Dates::WholeSeconds)) return "the XML form is another list";
+    return writePropertyListXML(read.value()).value() == written.value() ? "" : "the XML form is not stable";
+}
+
+std::string complaintAbout(Reader const& read, bool comesFromXML) {
+    Result<id> const list = read(NSPropertyListImmutable);
+    Result<id> const changeable = read(NSPropertyListMutableContainersAndLeaves);
+    if (list.hasValue() != changeable.hasValue()) return "mutability decides whether it can be read";
+    if (!list.hasValue()) return list.reason().empty() ? "there is neither a list nor a reason" : "";
+    if (isLarge(list.value())) return "";
+    if (dump(list.value()) != dump(changeable.value())) return "mutability decides what is read";
+    std::string const complaint = complaintAboutBinaryOf(list.value());
+    return complaint.empty() ? complaintAboutXMLOf(list.value(), comesFromXML) : complaint;
+}
+
+} // namespace
+
+std::string complaintAboutXML(std::span<std::byte const> bytes) {
+    return complaintAbout(
+        [bytes](NSPropertyListMutabilityOptions option) { return readText(bytes, option, readPropertyListXML); }, true);
+}
+
+std::string complaintAboutBinary(std::span<std::byte const> bytes) {
+    return complaintAbout(
+        [bytes](NSPropertyListMutabilityOptions option) { return readPropertyListBinary(bytes, option); }, false);
+}
+
+std::string complaintAboutOldStyle(std::span<std::byte const> bytes) {
+    return complaintAbout(
+        [bytes](NSPropertyListMutabilityOptions option) { return readText(bytes, option, readPropertyListOldStyle); },
+        false);
+}
+
+void requireNone(std::string const& complaint) {
+    if (complaint.empty()) return;
+    std::fprintf(stderr, "%s\n", complaint.c_str());
+    std::abort();
+}
+
+} // namespace mac::fuzz
