@@ -1,4 +1,5 @@
 #include "platform/foundation/Boundary.h"
+#include "platform/foundation/EventLoop.h"
 #include "platform/spotlight/FolderWatch.h"
 #include <QSocketNotifier>
 #include <array>
@@ -24,6 +25,7 @@ class FolderWatch::Implementation {
 public:
     explicit Implementation(std::function<void(std::string const&)> onChange)
         : m_onChange(std::move(onChange)), m_descriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        requireEventLoop();
         if (m_descriptor < 0) return;
         m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
         QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] { guarded([this] { read(); }); });

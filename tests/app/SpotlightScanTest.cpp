@@ -1,7 +1,9 @@
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "tests/app/Controller.h"
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <vector>
 
 namespace framekeeper::test {
@@ -114,6 +116,82 @@ TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0], "ERROR: Could not start Spotlight query.");
     EXPECT_TRUE(controller.paths() == nil);
+}
+
+// A bundle whose information file is bad in one way; the others must be listed all the same.
+struct BadInformation {
+    char const* name;
+    std::string text;
+};
+
+std::string nested(std::size_t depth) {
+    std::string text = "<plist version=\"1.0\">";
+    for (std::size_t level = 0; level < depth; ++level)
+        text += "<array>";
+    return text;
+}
+
+std::string sharedReferenceBomb() {
+    // Thirty arrays, each of which holds the next one ten times.
+    std::string text = "bplist00";
+    std::string offsets;
+    for (char index = 0; index < 30; ++index) {
+        offsets += static_cast<char>(text.size() >> 8);
+        offsets += static_cast<char>(text.size());
+        text += '\xAA';
+        text.append(10, static_cast<char>(index + 1));
+    }
+    offsets += static_cast<char>(text.size() >> 8);
+    offsets += static_cast<char>(text.size());
+    text += "\x51x";
+    auto const table = static_cast<char>(text.size() >> 8);
+    auto const tableLow = static_cast<char>(text.size());
+    text += offsets;
+    text += std::string(6, '\0') + std::string("\x02\x01", 2) + std::string(7, '\0') + '\x1F' + std::string(8, '\0') +
+            std::string(6, '\0') + table + tableLow;
+    return text;
+}
+
+std::vector<BadInformation> badInformation() {
+    std::string const whole = mac::test::informationFile("com.tidelark.mirrorframe", "2.1", "210");
+    return {
+        {"empty", ""},
+        {"cut", whole.substr(0, whole.size() / 2)},
+        {"array", "<plist version=\"1.0\"><array/></plist>"},
+        {"number", "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><integer>7</integer></dict></plist>"},
+        {"entities",
+         "<?xml version=\"1.0\"?><!DOCTYPE plist [<!ENTITY a \"b\"><!ENTITY c SYSTEM \"file:///etc/passwd\">]>"
+         "<plist><dict><key>CFBundleIdentifier</key><string>&a;&c;</string></dict></plist>"},
+        {"nested", nested(1'000'000)},
+        {"old style nested", std::string(1'000'000, '(')},
+        {"bomb", sharedReferenceBomb()},
+        {"length", std::string("bplist00\x5F\x12\x7F\xFF\xFF\xFF\x08", 15) + std::string(26, '\0')},
+        {"noise", std::string("\0\xFF\xFE\x01", 4)},
+    };
+}
+
+TEST_F(SpotlightScan, ListsTheOtherCopiesBesideBadInformationFilesAndSaysWhichAreBad) {
+    NSString const good = makeCopy(folder, "good");
+    std::vector<BadInformation> const bad = badInformation();
+    for (auto const& [name, text] : bad)
+        folder.makeBundle(std::string(name) + "/Mirror Frame.app", text);
+    folder.makeFolder("none/Mirror Frame.app");
+    folder.makeFolder("folder/Mirror Frame.app/Contents/Info.plist");
+    folder.makeFolder("pipe/Mirror Frame.app/Contents");
+    ASSERT_EQ(::mkfifo(folder.path("pipe/Mirror Frame.app/Contents/Info.plist").c_str(), 0600), 0);
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    controller.scanAction_(nil);
+    ASSERT_TRUE(gathered());
+    EXPECT_EQ(controller.query().resultCount(), bad.size() + 4);
+    EXPECT_EQ(controller.paths().count(), 1U);
+    EXPECT_FALSE(recordOf(controller, good) == nil);
+    for (auto const& [name, text] : bad) {
+        // A list of the wrong kind of identifier is a good file of another bundle.
+        bool const isReported = std::ranges::any_of(
+            lines, [&](std::string const& line) { return line.find(folder.path(name)) != std::string::npos; });
+        EXPECT_EQ(isReported, name != std::string("number")) << name;
+    }
 }
 
 TEST_F(SpotlightScan, ReadsTheOtherThreeSourcesAnew) {

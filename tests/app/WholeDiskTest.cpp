@@ -40,7 +40,8 @@ Paths listedByTheProgram() {
     return paths;
 }
 
-// Copies, bundles of other identifiers and bundles within bundles, at random places below the folder; answers the copies.
+// Copies, bundles of other identifiers and bundles within bundles, at random places below the folder; answers the
+// copies.
 Paths scatter(TemporaryFolder const& folder, std::string const& below, std::mt19937& random) {
     Paths copies;
     std::string const companion = mac::test::informationFile("com.tidelark.mirrorframe", "2.1", "210");
@@ -70,8 +71,7 @@ public:
         m_isMounted = ::mount("framekeeper-test", path.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, "size=32m") == 0;
     }
     ~MountedVolume() {
-        if (m_isMounted)
-            ::umount2(m_path.c_str(), MNT_DETACH);
+        if (m_isMounted) ::umount2(m_path.c_str(), MNT_DETACH);
     }
     MountedVolume(MountedVolume const&) = delete;
     MountedVolume& operator=(MountedVolume const&) = delete;
@@ -85,8 +85,7 @@ private:
 TEST(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
     TemporaryFolder const folder;
     MountedVolume const volume(folder.makeFolder("volume"));
-    if (!volume.isMounted())
-        std::puts("No second volume could be mounted; its folder lies on the first one instead.");
+    if (!volume.isMounted()) std::puts("No second volume could be mounted; its folder lies on the first one instead.");
     std::mt19937 random(20260);
     Paths scattered = scatter(folder, "disk", random);
     scattered.merge(scatter(folder, "volume", random));
@@ -110,5 +109,5 @@ TEST(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
     EXPECT_TRUE(std::ranges::includes(lasting, scattered));
 }
 
-}
-}
+} // namespace
+} // namespace framekeeper::test

@@ -1,5 +1,6 @@
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/app/Controller.h"
 #include <QAction>
@@ -260,6 +261,25 @@ TEST_F(Window, EndsTheProgramWhenItIsClosed) {
     performOnMainRunLoop([this] { file->widget()->close(); });
     application.run();
     EXPECT_FALSE(controller().window().isVisible());
+}
+
+TEST_F(Window, OpensWithoutAHomeAndWritesNothing) {
+    makeCopy(folder, "a");
+    std::string const home = std::getenv("HOME");
+    std::string const missing = folder.path("no home");
+    for (char const* value : {missing.c_str(), static_cast<char const*>(nullptr)}) {
+        if (value)
+            ::setenv("HOME", value, 1);
+        else
+            ::unsetenv("HOME");
+        open();
+        ASSERT_TRUE(gathered());
+        EXPECT_EQ(table()->model()->rowCount(), 1);
+        controller().query().stopQuery();
+        file.reset();
+        EXPECT_FALSE(NSFileManager::defaultManager().fileExistsAtPath_(pathString(missing)));
+    }
+    ::setenv("HOME", home.c_str(), 1);
 }
 
 TEST_F(Window, TakesAHundredThousandRows) {

@@ -1,0 +1,62 @@
+#include <array>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+// The program as a process of its own.
+
+namespace framekeeper::test {
+namespace {
+
+struct Outcome {
+    int status;
+    std::string errors;
+};
+
+// Runs the program with nothing in its environment but what is given, until it ends.
+Outcome run(std::vector<std::string> environment) {
+    int ends[2];
+    EXPECT_EQ(::pipe(ends), 0);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
+    ::posix_spawn_file_actions_addclose(&actions, ends[0]);
+    std::string program = PROGRAM;
+    std::array<char*, 2> const arguments{program.data(), nullptr};
+    std::vector<char*> variables;
+    for (std::string& variable : environment)
+        variables.push_back(variable.data());
+    variables.push_back(nullptr);
+    pid_t process = 0;
+    EXPECT_EQ(::posix_spawn(&process, PROGRAM, &actions, nullptr, arguments.data(), variables.data()), 0);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    Outcome outcome{};
+    std::array<char, 4096> buffer;
+    for (ssize_t size = 0; (size = ::read(ends[0], buffer.data(), buffer.size())) > 0;)
+        outcome.errors.append(buffer.data(), static_cast<std::size_t>(size));
+    ::close(ends[0]);
+    ::waitpid(process, &outcome.status, 0);
+    return outcome;
+}
+
+TEST(Program, SaysThatThereIsNoDisplayAndEnds) {
+    Outcome const outcome = run({"HOME=/nonexistent"});
+    EXPECT_TRUE(WIFEXITED(outcome.status));
+    EXPECT_EQ(WEXITSTATUS(outcome.status), 1);
+    EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;
+}
+
+TEST(Program, SaysThatTheDisplayDoesNotAnswerAndEnds) {
+    Outcome const outcome = run({"HOME=/nonexistent", "DISPLAY=:4093"});
+    EXPECT_TRUE(WIFEXITED(outcome.status));
+    EXPECT_EQ(WEXITSTATUS(outcome.status), 1);
+    EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;
+}
+
+} // namespace
+} // namespace framekeeper::test
