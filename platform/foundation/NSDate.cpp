@@ -18,11 +18,39 @@ NSTimeInterval secondsNow() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9 - NSTimeIntervalSince1970;
 }
 
-void appendNumber(std::string& text, long long value, std::size_t digits) {
-    std::string const number = std::to_string(value < 0 ? -value : value);
-    if (value < 0) text += '-';
-    if (number.size() < digits) text.append(digits - number.size(), '0');
-    text += number;
+struct Day {
+    long long year;
+    unsigned month;
+    unsigned day;
+};
+
+// The civil date of a day counted from 1 January 1970. Until 4 October 1582 the calendar is the Julian one, as the
+// framework's is. Years are counted from March, so that a leap day is the last of its year.
+Day dayOf(long long daysSince1970) {
+    constexpr long long firstGregorianDay = -141427;
+    constexpr long long daysOfFourYears = 1461;
+    constexpr long long daysOfFourCenturies = 146097;
+    auto const floorDivided = [](long long value, long long by) { return (value - (value < 0 ? by - 1 : 0)) / by; };
+    // From 1 March of year 0 of either calendar.
+    long long days = daysSince1970 + (daysSince1970 < firstGregorianDay ? 719470 : 719468);
+    long long year = 0;
+    if (daysSince1970 >= firstGregorianDay) {
+        long long const era = floorDivided(days, daysOfFourCenturies);
+        days -= era * daysOfFourCenturies;
+        long long const yearOfEra = (days - days / 1460 + days / 36524 - days / 146096) / 365;
+        days -= yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100;
+        year = era * 400 + yearOfEra;
+    } else {
+        long long const cycle = floorDivided(days, daysOfFourYears);
+        days -= cycle * daysOfFourYears;
+        long long const yearOfCycle = (days - days / 1460) / 365;
+        days -= yearOfCycle * 365;
+        year = cycle * 4 + yearOfCycle;
+    }
+    // March to July and August to December have the same five lengths.
+    auto const month = static_cast<unsigned>((5 * days + 2) / 153);
+    auto const day = static_cast<unsigned>(days - (153 * month + 2) / 5 + 1);
+    return {month < 10 ? year : year + 1, month < 10 ? month + 3 : month - 9, day};
 }
 
 } // namespace
@@ -32,29 +60,24 @@ public:
     explicit Body(NSTimeInterval seconds) : m_seconds(seconds) {}
 
     bool isEqual(id const& other) const override {
+        if (other.body() == this) return true;
         NSDate const date = as<NSDate>(other);
         return date != nil && date.timeIntervalSinceReferenceDate() == m_seconds;
     }
     std::uint64_t hash() const override { return std::hash<double>()(m_seconds); }
     id copy() const override { return id::retain(const_cast<Body*>(this)); }
 
-    // "2001-01-01 00:00:00 +0000", always of UTC.
+    // "2001-01-01 00:00:00 +0000", always of UTC. Beyond what a calendar can tell, the seconds alone.
     NSString description() const override {
-        double const sinceEpoch = std::floor(m_seconds + NSTimeIntervalSince1970);
-        tm parts{};
-        // Beyond what a calendar can tell, the seconds alone.
-        if (!(std::abs(sinceEpoch) < 1e15)) return NSString::stringWithFormat_("%f", m_seconds);
-        auto const seconds = static_cast<std::time_t>(sinceEpoch);
-        if (!::gmtime_r(&seconds, &parts)) return NSString::stringWithFormat_("%f", m_seconds);
-        std::string text;
-        appendNumber(text, parts.tm_year + 1900LL, 4);
-        char separator = '-';
-        for (int const part : {parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec}) {
-            text += separator;
-            appendNumber(text, part, 2);
-            separator = text.size() < 8 ? '-' : text.size() < 11 ? ' ' : ':';
-        }
-        return NSString::stringWithUTF8String_(text + " +0000");
+        constexpr double farthest = 1e15;
+        constexpr long long secondsOfDay = 86400;
+        if (!(std::abs(m_seconds) < farthest)) return NSString::stringWithFormat_("%f", m_seconds);
+        auto const seconds = static_cast<long long>(std::floor(m_seconds + NSTimeIntervalSince1970));
+        long long const days = (seconds - (seconds < 0 ? secondsOfDay - 1 : 0)) / secondsOfDay;
+        long long const time = seconds - days * secondsOfDay;
+        Day const day = dayOf(days);
+        return NSString::stringWithFormat_("%04lld-%02u-%02u %02lld:%02lld:%02lld +0000", day.year, day.month, day.day,
+                                           time / 3600, time / 60 % 60, time % 60);
     }
 
     NSTimeInterval m_seconds;
@@ -66,6 +89,8 @@ ClassDescription NSDate::describeClass() {
         .superclass = classOf<NSObject>(),
         .methods = {method<&NSDate::timeIntervalSinceReferenceDate>("timeIntervalSinceReferenceDate"),
                     method<&NSDate::timeIntervalSinceNow>("timeIntervalSinceNow"),
+                    method<&NSDate::timeIntervalSince1970>("timeIntervalSince1970"),
+                    method<&NSDate::timeIntervalSinceDate_>("timeIntervalSinceDate:"),
                     method<&NSDate::isEqualToDate_>("isEqualToDate:"), method<&NSDate::compare_>("compare:")},
     };
 }
@@ -90,7 +115,9 @@ NSTimeInterval NSDate::timeIntervalSince1970() const {
     return *this == nil ? 0 : bodyOf(*this)->m_seconds + NSTimeIntervalSince1970;
 }
 
-NSTimeInterval NSDate::timeIntervalSinceNow() const { return *this == nil ? 0 : bodyOf(*this)->m_seconds - secondsNow(); }
+NSTimeInterval NSDate::timeIntervalSinceNow() const {
+    return *this == nil ? 0 : bodyOf(*this)->m_seconds - secondsNow();
+}
 
 NSTimeInterval NSDate::timeIntervalSinceDate_(NSDate const& other) const {
     return *this == nil ? 0 : bodyOf(*this)->m_seconds - other.timeIntervalSinceReferenceDate();

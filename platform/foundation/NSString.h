@@ -74,8 +74,8 @@ public:
     std::u16string_view codeUnits() const;
     // Linux: by value. What has no UTF-8 (a lone surrogate) becomes U+FFFD. Empty for nil.
     std::string UTF8String() const;
-    // The bytes of the path as the file system names it; nothing for nil, an empty string, a NUL character or a lone
-    // surrogate that stands for no byte.
+    // The bytes of the path as the file system names it; nothing for nil, an empty string, a NUL character or lone
+    // surrogates that do not stand for such bytes: no two strings name one file.
     std::optional<std::string> fileSystemRepresentation() const;
     NSData dataUsingEncoding_(NSStringEncoding encoding) const;
 
@@ -86,9 +86,12 @@ public:
     NSComparisonResult compare_options_(NSString const& other, NSUInteger options) const;
     // Full folding: ß equals ss. The locale plays no part.
     NSComparisonResult caseInsensitiveCompare_(NSString const& other) const;
+    // As the first and last text found by rangeOfString_; so nothing begins or ends with the empty string.
     bool hasPrefix_(NSString const& prefix) const;
     bool hasSuffix_(NSString const& suffix) const;
-    // {NSNotFound, 0} when there is none; nothing ever contains the empty string.
+    // {NSNotFound, 0} when there is none; nothing ever contains the empty string. Canonically equivalent text is found,
+    // and only whole characters with all their marks, unless the options have NSLiteralSearch: that one is linear. A
+    // nil argument raises NSInvalidArgumentException; a nil receiver answers {0, 0}.
     NSRange rangeOfString_(NSString const& other) const;
     NSRange rangeOfString_options_(NSString const& other, NSUInteger options) const;
     // Raises NSRangeException unless the range lies within the text.
@@ -102,28 +105,37 @@ public:
     NSString substringToIndex_(NSUInteger index) const;
     NSString substringWithRange_(NSRange range) const;
     NSString stringByAppendingString_(NSString const& other) const;
+    // Literal, left to right; the whole text for an empty separator.
     NSArray componentsSeparatedByString_(NSString const& separator) const;
     NSString stringByTrimmingCharactersInSet_(NSCharacterSet const& set) const;
     NSString lowercaseString() const;
     NSString uppercaseString() const;
 
-    // Numbers at the start of the text: white space, a sign, digits; 0 when there are none; saturating.
+    // Numbers at the start of the text: white space, a sign, digits; 0 when there are none; saturating. Reals have a
+    // point, whatever the locale.
     int intValue() const;
     NSInteger integerValue() const;
     long long longLongValue() const;
     double doubleValue() const;
     float floatValue() const;
+    // True for Y, y, T, t and 1 to 9 behind white space, a sign and zeros.
     bool boolValue() const;
 
-    // Paths. Nothing is normalised; only where said is the disk looked at.
+    // Paths. Unicode is not normalised; only where said is the disk looked at. Appending and deleting leave single
+    // slashes and none at the end.
+    // A path that begins with a tilde counts as absolute.
     bool isAbsolutePath() const;
+    // "/" is a component at the start and, where the path ends with it, at the end.
     NSArray pathComponents() const;
     NSString lastPathComponent() const;
     NSString pathExtension() const;
+    // Nil counts as the empty string.
     NSString stringByAppendingPathComponent_(NSString const& component) const;
+    // Nil for an empty path, for "/" and for an extension that begins with a slash.
     NSString stringByAppendingPathExtension_(NSString const& extension) const;
     NSString stringByDeletingLastPathComponent() const;
     NSString stringByDeletingPathExtension() const;
+    // ~ is NSHomeDirectory(), ~name the folder of the user database; an unknown user stays as it is.
     NSString stringByExpandingTildeInPath() const;
     NSString stringByAbbreviatingWithTildeInPath() const;
     // Expands the tilde, removes empty and "." components, resolves ".." of absolute paths by name, and drops a leading
@@ -155,8 +167,10 @@ public:
     void replaceCharactersInRange_withString_(NSRange range, NSString const& other) const;
 };
 
-// The user's home folder: HOME where it is an absolute path, else the user database's; "/" when neither tells.
+// The user's home folder without a slash at its end: HOME where it is an absolute path, else the user database's; "/"
+// when neither tells.
 NSString NSHomeDirectory();
+// The name in the user database, else the user's number.
 NSString NSUserName();
 
 }

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace mac {
+namespace mac::test {
 
 namespace {
 
@@ -212,4 +212,4 @@ TEST(Format, KeepsTextOutsideOfConversions) { EXPECT_EQ("\xF0\x9F\x98\x80 1", fo
 
 } // namespace
 
-} // namespace mac
+} // namespace mac::test
