@@ -5,6 +5,7 @@
 namespace mac {
 
 id pxObjectWithValue_forKeyPath_(NSArray receiver, id value, NSString keyPath) {
+    if (receiver == nil) return nil;
     NSPredicate const predicate = NSPredicate::predicateWithFormat_("%K == %@", keyPath, value);
     return pxObjectAtIndex_(receiver.filteredArrayUsingPredicate_(predicate), 0);
 }

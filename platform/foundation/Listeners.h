@@ -1,14 +1,15 @@
 #pragma once
 
-#include <algorithm>
 #include <functional>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
-#include <vector>
 
 namespace mac {
 
-// Functions that want to be told of something, by token. Any thread.
+// Functions that want to be told of something, by token. Any thread; one of them is told at a time, so that none runs
+// any more once it has been removed. A function therefore waits for no other thread.
 template <class... Arguments>
 class Listeners {
 public:
@@ -16,35 +17,34 @@ public:
 
     int add(Function function) {
         std::lock_guard const guard(m_lock);
-        m_functions.emplace_back(++m_lastToken, std::move(function));
+        m_functions.emplace(++m_lastToken, std::make_shared<Function>(std::move(function)));
         return m_lastToken;
     }
 
     void remove(int token) {
         std::lock_guard const guard(m_lock);
-        std::erase_if(m_functions, [token](auto const& entry) { return entry.first == token; });
+        m_functions.erase(token);
     }
 
-    // Without the lock, so that a listener may add and remove listeners. What a listener tells itself is not passed on.
+    // In the order they were added. What a listener tells itself is not passed on; it may add and remove listeners.
     void tell(Arguments const&... arguments) {
-        thread_local bool isTelling = false;
-        if (isTelling) return;
-        std::vector<std::pair<int, Function>> functions;
-        {
-            std::lock_guard const guard(m_lock);
-            functions = m_functions;
-        }
-        isTelling = true;
+        std::lock_guard const guard(m_lock);
+        // Under the lock this is the same thread, in a listener.
+        if (m_isTelling) return;
+        m_isTelling = true;
         struct End {
+            bool& isTelling;
             ~End() { isTelling = false; }
-        } const end;
-        for (auto const& [token, function] : functions)
-            function(arguments...);
+        } const end{m_isTelling};
+        for (auto const& [token, function] : std::map(m_functions)) {
+            if (m_functions.contains(token)) (*function)(arguments...);
+        }
     }
 
 private:
-    std::mutex m_lock;
-    std::vector<std::pair<int, Function>> m_functions;
+    std::recursive_mutex m_lock;
+    std::map<int, std::shared_ptr<Function>> m_functions;
+    bool m_isTelling{false};
     int m_lastToken{0};
 };
 

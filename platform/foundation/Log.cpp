@@ -5,6 +5,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <memory>
+#include <string_view>
 #include <sys/time.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -18,19 +19,40 @@ Listeners<NSString>& listeners() {
     return all;
 }
 
-// What would end the line or drive a terminal is written as its code, so that a file's name cannot fake a line of the
-// log.
-std::string oneLine(std::string const& text) {
-    constexpr char Digits[] = "0123456789abcdef";
+std::string escaped(char16_t unit) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    bool const isByte = unit < 0x100;
+    std::string text = isByte ? "\\x" : "\\u";
+    for (int shift = isByte ? 4 : 12; shift >= 0; shift -= 4)
+        text += digits[(static_cast<unsigned>(unit) >> shift) & 0xFU];
+    return text;
+}
+
+// What would end the line, drive a terminal or turn the text around is written as its code, so that a file's name
+// cannot fake a line of the log.
+bool isDangerous(char16_t unit) {
+    bool const isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
+    bool const isBreakOrDirection = (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+    return isControl || isBreakOrDirection;
+}
+
+std::string oneLine(std::u16string_view text) {
     std::string line;
-    for (char const c : text) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            line += c;
-            continue;
-        }
-        line += c == '\n' ? std::string("\\n") : std::string("\\x") + Digits[byte >> 4] + Digits[byte & 15];
+    std::size_t start = 0;
+    auto const flush = [&](std::size_t end) {
+        line += NSString::stringWithCodeUnits(text.substr(start, end - start)).UTF8String();
+        start = end + 1;
+    };
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        char16_t const unit = text[index];
+        // A byte of a file's name; as the second half of a character it is none.
+        bool const isPaired = index > 0 && text[index - 1] >= 0xD800 && text[index - 1] < 0xDC00;
+        bool const isByte = unit >= 0xDC80 && unit < 0xDD00 && !isPaired;
+        if (!isByte && !isDangerous(unit)) continue;
+        flush(index);
+        line += unit == u'\n' ? "\\n" : escaped(isByte ? static_cast<char16_t>(unit - 0xDC00) : unit);
     }
+    flush(text.size());
     return line;
 }
 
@@ -84,11 +106,15 @@ void writeAll(std::string const& text) {
 } // namespace
 
 void logMessage(NSString const& message) {
-    std::string const line = oneLine(message == nil ? "(null)" : message.UTF8String());
+    std::string const line = message == nil ? std::string("(null)") : oneLine(message.codeUnits());
     // One write a line, so that lines of several threads do not mix.
     writeAll(linePrefix() + line + "\n");
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
-    listeners().tell(message);
+    try {
+        listeners().tell(message);
+    } catch (...) {
+        writeAll(linePrefix() + "A listener of the log raised an exception\n");
+    }
 }
 
 LogListener::LogListener(std::function<void(NSString const&)> listener)

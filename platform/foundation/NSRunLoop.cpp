@@ -36,12 +36,20 @@ public:
         if (m_functions.size() == 1) wake();
     }
 
+    // A loop that ended took the events with it that were on their way, and what was asked for before the first loop
+    // has none: the next loop starts with what is left.
+    void wakeNewLoop() {
+        std::lock_guard const guard(m_lock);
+        if (!m_functions.empty()) wake();
+    }
+
     // One function an event: a function that runs the loop itself must not hold up those behind it.
     bool event(QEvent* event) override {
         if (event->type() != QEvent::User) return QObject::event(event);
         std::function<void()> function;
         {
             std::lock_guard const guard(m_lock);
+            if (m_functions.empty()) return true;
             function = std::move(m_functions.front());
             m_functions.pop_front();
             if (!m_functions.empty()) wake();
@@ -59,6 +67,9 @@ private:
 
 // Belongs to the main thread even when another one calls first: made before main.
 MainThreadCalls& s_calls = MainThreadCalls::shared();
+
+void wakeCallsOfNewLoop() { s_calls.wakeNewLoop(); }
+Q_COREAPP_STARTUP_FUNCTION(wakeCallsOfNewLoop)
 
 } // namespace
 

@@ -1,4 +1,5 @@
 #include "platform/foundation/NSValueTransformer.h"
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSDictionary.h"
 
@@ -18,7 +19,10 @@ ClassDescription NSValueTransformer::describeClass() {
         .name = "NSValueTransformer",
         .superclass = classOf<NSObject>(),
         .makeBody = &makeEmptyBody<NSValueTransformer>,
-        .methods = {method<&NSValueTransformer::transformedValue_>("transformedValue:")},
+        .methods = {method<&NSValueTransformer::transformedValue_>("transformedValue:"),
+                    method<&NSValueTransformer::reverseTransformedValue_>("reverseTransformedValue:")},
+        .classMethods = {method<&NSValueTransformer::transformedValueClass>("transformedValueClass"),
+                         method<&NSValueTransformer::allowsReverseTransformation>("allowsReverseTransformation")},
     };
 }
 
@@ -35,5 +39,16 @@ NSArray NSValueTransformer::valueTransformerNames() { return registry().allKeys(
 id NSValueTransformer::transformedValue_(id const& value) const {
     return *this == nil ? id() : bodyOf(*this)->transformedValue(value);
 }
+
+id NSValueTransformer::reverseTransformedValue_(id const& value) const {
+    if (*this == nil) return nil;
+    if (!as<NSNumber>(class_().performClassSelector_("allowsReverseTransformation")).boolValue())
+        throw NSInvalidArgumentException(std::string(class_().name()) + " does not transform back");
+    return bodyOf(*this)->reverseTransformedValue(value);
+}
+
+Class NSValueTransformer::transformedValueClass() { return classOf<NSObject>(); }
+
+bool NSValueTransformer::allowsReverseTransformation() { return true; }
 
 } // namespace mac

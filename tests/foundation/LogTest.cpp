@@ -1,6 +1,9 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/Beep.h"
+#include "platform/foundation/Exceptions.h"
+#include <atomic>
 #include <gtest/gtest.h>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -23,6 +26,16 @@ TEST(Log, KeepsAMessageWithLineBreaksInOneLine) {
     std::string const line = standardErrorOf("first\n2026-11-21 a faked line\x1B[2J");
     EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
     EXPECT_NE(line.find("first\\n2026-11-21 a faked line\\x1b[2J"), std::string::npos);
+}
+
+TEST(Log, WritesWhatTurnsTextAroundAsItsCode) {
+    NSString const message = NSString::stringWithCodeUnits(u"a\u202Eb\u2028c\u009Bd\u00E9\U0001F600");
+    EXPECT_NE(standardErrorOf(message).find("] a\\u202eb\\u2028c\\x9bd\u00E9\U0001F600\n"), std::string::npos);
+}
+
+TEST(Log, ShowsTheBytesOfANameThatIsNoText) {
+    NSString const name = NSString::stringWithFileSystemRepresentation_("Mirror \xFF Frame");
+    EXPECT_NE(standardErrorOf(name).find("] Mirror \\xff Frame\n"), std::string::npos);
 }
 
 TEST(Log, TreatsAMessageAsTextAndNotAsAFormat) {
@@ -64,6 +77,51 @@ TEST(LogListener, HearsOtherThreads) {
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
     std::thread([] { NSLog("from a thread"); }).join();
     EXPECT_EQ(lines, std::vector<std::string>{"from a thread"});
+}
+
+TEST(LogListener, MayRaiseWithoutStoppingTheLog) {
+    LogListener const listener([](NSString const&) { throw NSRangeException("listener"); });
+    std::string const lines = standardErrorOf("message");
+    EXPECT_NE(lines.find("] message\n"), std::string::npos);
+    EXPECT_NE(lines.find("] A listener of the log raised an exception\n"), std::string::npos);
+}
+
+TEST(LogListener, MayEndOthersAndItself) {
+    int heard = 0;
+    std::unique_ptr<LogListener> first;
+    std::unique_ptr<LogListener> second;
+    first = std::make_unique<LogListener>([&](NSString const&) {
+        ++heard;
+        second.reset();
+        first.reset();
+    });
+    second = std::make_unique<LogListener>([&](NSString const&) { heard += 100; });
+    NSLog("one");
+    NSLog("two");
+    EXPECT_EQ(heard, 1);
+}
+
+// What the listener's owner frees next is not used any more.
+TEST(LogListener, IsNotRunningOnAnotherThreadOnceItIsDestroyed) {
+    std::atomic<bool> isHeard{false};
+    std::atomic<bool> isDone{false};
+    std::atomic<bool> isOver{false};
+    auto listener = std::make_unique<LogListener>([&](NSString const&) {
+        isHeard = true;
+        isHeard.notify_one();
+        for (int turn = 0; turn < 1000; ++turn)
+            std::this_thread::yield();
+        isDone = true;
+    });
+    std::thread thread([&] {
+        NSLog("from a thread");
+        isOver = true;
+    });
+    isHeard.wait(false);
+    listener.reset();
+    EXPECT_TRUE(isDone);
+    thread.join();
+    EXPECT_TRUE(isOver);
 }
 
 TEST(Beep, SoundsAndIsHeardByListeners) {

@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
 #include "tests/support/RunUntil.h"
+#include <QCoreApplication>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
@@ -52,6 +53,27 @@ TEST(RunLoop, MayBeRunByAFunctionThatItCalls) {
         isOuterDone = runUntil([&] { return isInnerDone; });
     });
     EXPECT_TRUE(runUntil([&] { return isOuterDone; }));
+}
+
+// A program's loop may end before it comes to a function; so does the one of a window in a test.
+TEST(RunLoop, CallsInItsNextLifeWhatTheLastOneLeft) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const program = [] {
+        int calls = 0;
+        int argumentCount = 1;
+        char name[] = "test";
+        char* arguments[] = {name, nullptr};
+        std::thread([&] { performOnMainRunLoop([&] { ++calls; }); }).join();
+        {
+            QCoreApplication const application(argumentCount, arguments);
+            performOnMainRunLoop([&] { ++calls; });
+        }
+        performOnMainRunLoop([&] { ++calls; });
+        QCoreApplication const application(argumentCount, arguments);
+        performOnMainRunLoop([&] { ++calls; });
+        std::_Exit(runUntil([&] { return calls == 4; }, 10) ? 0 : 1);
+    };
+    EXPECT_EXIT(program(), testing::ExitedWithCode(0), "");
 }
 
 TEST(RunLoop, SaysWhetherAnythingArrivedBeforeTheDate) {

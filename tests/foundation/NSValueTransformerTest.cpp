@@ -1,4 +1,6 @@
 #include "platform/foundation/NSValueTransformer.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/Method.h"
 #include "platform/foundation/NSArray.h"
 #include <gtest/gtest.h>
 
@@ -42,6 +44,34 @@ TEST(ValueTransformer, TransformsByItsSubclassAlsoWhenSentByName) {
     NSValueTransformer const transformer = adopt<Doubling>();
     EXPECT_EQ(transformer.transformedValue_("ab").description().UTF8String(), "abab");
     EXPECT_TRUE(transformer.performSelector_withObject_("transformedValue:", "ab").isEqual_("abab"));
+}
+
+class OneWay : public Handle<OneWay, NSValueTransformer> {
+public:
+    class Body : public NSValueTransformer::Body {};
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "OneWay",
+                .superclass = classOf<NSValueTransformer>(),
+                .classMethods = {method<&OneWay::transformedValueClass>("transformedValueClass"),
+                                 method<&OneWay::allowsReverseTransformation>("allowsReverseTransformation")}};
+    }
+    static Class transformedValueClass() { return classOf<NSString>(); }
+    static bool allowsReverseTransformation() { return false; }
+};
+
+TEST(ValueTransformer, TellsByItsClassWhatItAnswersAndWhetherItGoesBack) {
+    Class const cls = adopt<OneWay>().class_();
+    EXPECT_TRUE(isSame(cls.performClassSelector_("transformedValueClass"), classOf<NSString>()));
+    EXPECT_FALSE(as<NSNumber>(cls.performClassSelector_("allowsReverseTransformation")).boolValue());
+    Class const base = classOf<NSValueTransformer>();
+    EXPECT_TRUE(as<NSNumber>(base.performClassSelector_("allowsReverseTransformation")).boolValue());
+}
+
+TEST(ValueTransformer, GoesBackOnlyWhereItsClassAllowsIt) {
+    EXPECT_TRUE(adopt<Doubling>().reverseTransformedValue_("ab").isEqual_("abab"));
+    EXPECT_THROW(adopt<OneWay>().reverseTransformedValue_("ab"), NSInvalidArgumentException);
+    EXPECT_TRUE(NSValueTransformer(nil).reverseTransformedValue_("ab") == nil);
 }
 
 TEST(ValueTransformer, OfNoNameOrNilIsNone) {
