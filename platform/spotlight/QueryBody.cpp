@@ -139,7 +139,7 @@ bool NSMetadataQuery::Body::takeFinds() {
 void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
     if (progress.unreadableFolders > 0) {
         UnreadableFolder const& first = progress.firstUnreadable.front();
-        NSLog("%llu folders could not be read, the first: %@ (%s)", progress.unreadableFolders,
+        NSLog("Folders that could not be read: %llu, the first: %@ (%s)", progress.unreadableFolders,
               NSString::stringWithFileSystemRepresentation_(first.path), std::strerror(first.error));
         KeyChange const change(self(), "unreadableFolderCount");
         m_unreadableFolderCount =

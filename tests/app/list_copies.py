@@ -5,6 +5,7 @@ The independent answer that the program's own search is held against.
 """
 import os
 import plistlib
+import re
 import subprocess
 import sys
 import xml.parsers.expat
@@ -35,9 +36,15 @@ def mount_points():
 def identifier(bundle):
     try:
         with open(os.path.join(bundle, b"Contents/Info.plist"), "rb") as file:
-            return plistlib.load(file).get("CFBundleIdentifier")
-    except (OSError, ValueError, AttributeError, xml.parsers.expat.ExpatError, plistlib.InvalidFileException):
+            data = file.read()
+    except OSError:
         return None
+    try:
+        return plistlib.loads(data).get("CFBundleIdentifier")
+    except (ValueError, AttributeError, xml.parsers.expat.ExpatError, plistlib.InvalidFileException):
+        # plistlib does not read the old-style text form.
+        found = re.match(rb"\s*\{.*\bCFBundleIdentifier\"?\s*=\s*\"?([\w.]+)", data, re.DOTALL)
+        return found and found[1].decode()
 
 
 def main():
