@@ -1,4 +1,4 @@
-#include "coreutils/ArrayLookUps.h"
+#include "coreutils/ArrayLookups.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSPredicate.h"
 

@@ -1,4 +1,4 @@
-#include "coreutils/ArrayLookUps.h"
+#include "coreutils/ArrayLookups.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNull.h"
