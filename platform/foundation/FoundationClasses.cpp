@@ -1,9 +1,21 @@
 #include "platform/foundation/FoundationClasses.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSCharacterSet.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSEnumerator.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSPredicate.h"
+#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSSet.h"
+#include "platform/foundation/NSSortDescriptor.h"
+#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/NSValueTransformer.h"
 
 namespace mac {
 
@@ -19,8 +31,10 @@ bool registerAll() {
 
 void registerFoundationClasses() {
     [[maybe_unused]] static bool const isDone =
-        registerAll<NSObject, Class, NSArray, NSDictionary, NSEnumerator, NSMutableArray, NSMutableDictionary,
-                    NSMutableSet, NSMutableString, NSNull, NSNumber, NSSet, NSString>();
+        registerAll<Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator, NSFileManager,
+                    NSMutableArray, NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification,
+                    NSNotificationCenter, NSNull, NSNumber, NSObject, NSPredicate, NSPropertyListSerialization,
+                    NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSValueTransformer>();
 }
 
 } // namespace mac

@@ -82,16 +82,17 @@ public:
     void detach(std::size_t depth) {
         for (std::size_t step = depth; step < m_steps.size(); ++step) {
             id const object = m_steps[step].load();
-            if (object == nil) continue;
-            std::erase_if(object.body()->associations().listeners, [&](Listener const& listener) {
+            ObjectAssociations* const associations = object == nil ? nullptr : object.body()->associationsIfAny();
+            if (!associations) continue;
+            std::erase_if(associations->listeners, [&](Listener const& listener) {
                 return listener.observation.get() == this && listener.depth == step;
             });
         }
         m_steps.resize(std::min(depth, m_steps.size()));
     }
 
+    // The caller holds the observation meanwhile: its listeners go.
     void end() {
-        std::shared_ptr<KeyPathObservation> const kept = shared_from_this();
         m_isActive = false;
         detach(0);
     }

@@ -20,14 +20,13 @@ std::vector<id> upToNil(std::initializer_list<id> objects) {
     return {objects.begin(), end};
 }
 
-// The elements' values, null where one has none. A getter may change the array.
+// The elements' values, null where one has none. They are copied, since a getter may change the array.
 template <class Value>
 NSArray valuesOf(std::vector<id> const& objects, Value const& valueOf) {
-    std::vector<id> values;
-    values.reserve(objects.size());
-    for (std::size_t index = 0; index < objects.size(); ++index) {
-        id value = valueOf(id(objects[index]));
-        values.push_back(value == nil ? id(NSNull::null()) : std::move(value));
+    std::vector<id> values = objects;
+    for (id& object : values) {
+        id value = valueOf(object);
+        object = value == nil ? id(NSNull::null()) : std::move(value);
     }
     return adopt<NSArray>(std::move(values));
 }

@@ -52,8 +52,8 @@ NSMutableArray NSMutableArray::array() { return adopt<NSMutableArray>(); }
 NSMutableArray NSMutableArray::arrayWithCapacity_(NSUInteger capacity) {
     NSMutableArray const made = array();
     // A hint that comes from outside must not take memory by itself.
-    constexpr NSUInteger LargestHint = 1U << 20;
-    bodyOf(made)->m_objects.reserve(std::min(capacity, LargestHint));
+    constexpr NSUInteger largestHint = 1U << 20;
+    bodyOf(made)->m_objects.reserve(std::min(capacity, largestHint));
     return made;
 }
 

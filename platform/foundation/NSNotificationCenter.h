@@ -13,15 +13,15 @@ public:
     static ClassDescription describeClass();
 
     static NSNotification notificationWithName_object_userInfo_(NSString const& name, id const& object,
-        NSDictionary const& userInfo);
+                                                                NSDictionary const& userInfo);
 
     NSString name() const;
     id object() const;
     NSDictionary userInfo() const;
 };
 
-// Brings notifications to whoever asked for them, at once and on the caller's thread, in the order of asking. Observers and
-// the objects asked for are not kept alive; an observer that has gone is not told. One thread at a time.
+// Brings notifications to whoever asked for them, at once and on the caller's thread, in the order of asking. Observers
+// and the objects asked for are not kept alive; an observer that has gone is not told. One thread at a time.
 class NSNotificationCenter : public Handle<NSNotificationCenter, NSObject> {
 public:
     class Body;
@@ -32,12 +32,14 @@ public:
     static NSNotificationCenter defaultCenter();
 
     // A nil name or object asks for every one. The selector takes the notification. Asking twice is being told twice.
-    void addObserver_selector_name_object_(id const& observer, SEL selector, NSString const& name, id const& object) const;
+    void addObserver_selector_name_object_(id const& observer, SEL selector, NSString const& name,
+                                           id const& object) const;
     void removeObserver_(id const& observer) const;
     void removeObserver_name_object_(id const& observer, NSString const& name, id const& object) const;
     void postNotification_(NSNotification const& notification) const;
     void postNotificationName_object_(NSString const& name, id const& object) const;
-    void postNotificationName_object_userInfo_(NSString const& name, id const& object, NSDictionary const& userInfo) const;
+    void postNotificationName_object_userInfo_(NSString const& name, id const& object,
+                                               NSDictionary const& userInfo) const;
 };
 
 }

@@ -24,8 +24,8 @@ public:
     bool runMode_beforeDate_(NSString const& mode, NSDate const& date) const;
 };
 
-// Calls the function on the main thread's run loop, as soon as it gets there. Any thread. An exception in the function is
-// logged and goes no further.
+// Calls the function on the main thread's run loop, as soon as it gets there. Any thread. An exception in the function
+// is logged and goes no further.
 void performOnMainRunLoop(std::function<void()> function);
 
 }

@@ -5,8 +5,8 @@
 
 namespace mac {
 
-// Sends a message at a moment to come, once or again and again, until it is invalidated. The run loop keeps a running timer,
-// and the timer its target, alive. Main thread.
+// Sends a message at a moment to come, once or again and again, until it is invalidated. The run loop keeps a running
+// timer, and the timer its target, alive. Main thread.
 class NSTimer : public Handle<NSTimer, NSObject> {
 public:
     class Body;
@@ -16,7 +16,8 @@ public:
 
     // The selector takes the timer. An interval of 0 or less counts as 0.1 milliseconds.
     static NSTimer scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(NSTimeInterval interval,
-        id const& target, SEL selector, id const& userInfo, BOOL repeats);
+                                                                                    id const& target, SEL selector,
+                                                                                    id const& userInfo, BOOL repeats);
 
     void invalidate() const;
     bool isValid() const;

@@ -3,16 +3,11 @@
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace mac {
 
 namespace {
-
-struct HashOfName {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
-};
 
 // The names of all selectors. Never destroyed: they may be used until the program's last instruction.
 class SelectorNames {
@@ -25,18 +20,21 @@ public:
     std::string const* find(std::string_view name) {
         std::shared_lock const guard(m_lock);
         auto const found = m_names.find(name);
-        return found == m_names.end() ? nullptr : &*found;
+        return found == m_names.end() ? nullptr : found->second.get();
     }
 
     std::string const* intern(std::string_view name) {
         if (std::string const* const known = find(name)) return known;
         std::lock_guard const guard(m_lock);
-        return &*m_names.emplace(name).first;
+        auto made = std::make_unique<std::string const>(name);
+        // Another thread may have come first; then its name stands.
+        return m_names.try_emplace(*made, std::move(made)).first->second.get();
     }
 
 private:
     std::shared_mutex m_lock;
-    std::unordered_set<std::string, HashOfName, std::equal_to<>> m_names;
+    // By the text of the name itself.
+    std::unordered_map<std::string_view, std::unique_ptr<std::string const>> m_names;
 };
 
 } // namespace

@@ -57,10 +57,33 @@ NSString whisper(Parcel const& parcel) { return parcel.name().stringByAppendingS
 } // namespace
 
 TEST(Class, IsFoundByNameForEachOfTheFramework) {
-    char const* const names[]{"Class",          "NSArray",      "NSDictionary",    "NSEnumerator",
-                              "NSMutableArray", "NSMutableSet", "NSNull",          "NSMutableDictionary",
-                              "NSNumber",       "NSObject",     "NSMutableString", "NSString",
-                              "NSSet"};
+    char const* const names[]{"Class",
+                              "NSArray",
+                              "NSBundle",
+                              "NSCharacterSet",
+                              "NSData",
+                              "NSDate",
+                              "NSDictionary",
+                              "NSEnumerator",
+                              "NSFileManager",
+                              "NSMutableArray",
+                              "NSMutableData",
+                              "NSMutableDictionary",
+                              "NSMutableSet",
+                              "NSMutableString",
+                              "NSNotification",
+                              "NSNotificationCenter",
+                              "NSNull",
+                              "NSNumber",
+                              "NSObject",
+                              "NSPredicate",
+                              "NSPropertyListSerialization",
+                              "NSRunLoop",
+                              "NSSet",
+                              "NSSortDescriptor",
+                              "NSString",
+                              "NSTimer",
+                              "NSValueTransformer"};
     for (char const* name : names) {
         SCOPED_TRACE(name);
         Class const cls = NSClassFromString(NSString::stringWithUTF8String_(name));
@@ -168,15 +191,10 @@ TEST(Class, IsInitializedBeforeAnyThreadGetsAnObject) {
                              isDone = true;
                          }};
     std::atomic<int> early{0};
-    std::vector<std::thread> threads;
-    for (int index = 0; index < 4; ++index) {
-        threads.emplace_back([&early] {
-            Slow::make();
-            early += isDone ? 0 : 1;
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(4, [&early](unsigned) {
+        Slow::make();
+        early += isDone ? 0 : 1;
+    });
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(early, 0);
 }
@@ -234,6 +252,7 @@ TEST(Class, TakesFurtherMethodsWhileOthersAreCalled) {
     Busy::description = {.name = "Busy", .superclass = classOf<NSObject>()};
     Busy const object = Busy::make();
     std::vector<std::string> names;
+    names.reserve(100);
     for (int index = 0; index < 100; ++index)
         names.push_back("busy" + std::to_string(index));
     std::thread writer([&names] {

@@ -303,6 +303,7 @@ TEST(NSMutableSet, ComparesHardlyAnyMembersOfHashesInARow) {
     constexpr int count = 100'000;
     NSMutableSet const set = NSMutableSet::set();
     std::vector<Peg> pegs;
+    pegs.reserve(count);
     for (int value = 0; value < count; ++value)
         pegs.push_back(peg(value, static_cast<std::uint64_t>(value)));
     for (Peg const& one : pegs)

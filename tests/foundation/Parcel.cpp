@@ -1,5 +1,6 @@
 #include "tests/foundation/Parcel.h"
 #include "platform/foundation/Method.h"
+#include <thread>
 
 namespace mac::test {
 
@@ -120,6 +121,15 @@ void Recorder::Body::observeValueForKeyPath(NSString const& keyPath, id const& o
 }
 
 std::string text(id const& object) { return object == nil ? "-" : object.description().UTF8String(); }
+
+void onThreads(unsigned count, std::function<void(unsigned)> const& function) {
+    std::vector<std::thread> threads;
+    threads.reserve(count);
+    for (unsigned number = 0; number < count; ++number)
+        threads.emplace_back(function, number);
+    for (std::thread& thread : threads)
+        thread.join();
+}
 
 NSArray words(std::initializer_list<char const*> words) {
     NSMutableArray const made = NSMutableArray::array();

@@ -113,6 +113,8 @@ public:
 
 // The description as UTF-8; "-" for nil.
 std::string text(id const& object);
+// Calls the function on so many threads at once, with their numbers, and waits for them.
+void onThreads(unsigned count, std::function<void(unsigned)> const& function);
 // An array of the strings.
 NSArray words(std::initializer_list<char const*> words);
 

@@ -1,8 +1,8 @@
 #include "platform/foundation/Selector.h"
 #include "platform/foundation/NSString.h"
+#include "tests/foundation/Parcel.h"
 #include <concepts>
 #include <gtest/gtest.h>
-#include <thread>
 #include <vector>
 
 namespace mac::test {
@@ -47,17 +47,12 @@ TEST(Selector, OfAKnownNameIsFoundWithoutMakingOne) {
 }
 
 TEST(Selector, IsTheSameOnEveryThread) {
-    constexpr int names = 200;
+    constexpr std::size_t names = 200;
     std::vector<std::vector<SEL>> made(4, std::vector<SEL>(names));
-    std::vector<std::thread> threads;
-    for (std::vector<SEL>& list : made) {
-        threads.emplace_back([&list] {
-            for (int index = 0; index < names; ++index)
-                list[index] = SEL(std::string_view("threads" + std::to_string(index)));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(4, [&made](unsigned number) {
+        for (std::size_t index = 0; index < names; ++index)
+            made[number][index] = SEL(std::string_view("threads" + std::to_string(index)));
+    });
     EXPECT_EQ(made[0], made[1]);
     EXPECT_EQ(made[1], made[2]);
     EXPECT_EQ(made[2], made[3]);

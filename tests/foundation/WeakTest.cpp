@@ -1,7 +1,6 @@
 #include "platform/foundation/Weak.h"
 #include "tests/foundation/Parcel.h"
 #include <gtest/gtest.h>
-#include <thread>
 
 namespace mac::test {
 
@@ -81,6 +80,7 @@ TEST(Weak, MadeWhileTheObjectIsDestroyedReadsAsNilForGood) {
 
 TEST(Weak, OutlivesManyObjectsInTheSamePlace) {
     std::vector<WeakReference> weak;
+    weak.reserve(100);
     for (int index = 0; index < 100; ++index)
         weak.emplace_back(Parcel::parcelWithName_("a"));
     Parcel const last = Parcel::parcelWithName_("b");
@@ -98,19 +98,16 @@ TEST(Weak, MayBeReadOnAnyThreadWhileTheObjectGoes) {
         Parcel parcel = Parcel::parcelWithName_("a");
         Weak<Parcel> const weak(parcel);
         std::atomic<bool> isGone{false};
-        std::vector<std::thread> readers;
-        for (int index = 0; index < 2; ++index) {
-            readers.emplace_back([&] {
-                while (!isGone) {
-                    Parcel const loaded = weak.load();
-                    if (loaded != nil && loaded.name().length() != 1) ++wrong;
-                }
-            });
-        }
-        parcel = nil;
-        isGone = true;
-        for (std::thread& reader : readers)
-            reader.join();
+        onThreads(3, [&](unsigned number) {
+            if (number == 0) {
+                parcel = nil;
+                isGone = true;
+            }
+            while (!isGone) {
+                Parcel const loaded = weak.load();
+                wrong += loaded != nil && loaded.name().length() != 1 ? 1 : 0;
+            }
+        });
     }
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(Parcel::count(), before);
@@ -118,23 +115,16 @@ TEST(Weak, MayBeReadOnAnyThreadWhileTheObjectGoes) {
 
 TEST(Weak, CountsHoldWhenManyThreadsShareAnObject) {
     int const before = Parcel::count();
-    {
-        Parcel const parcel = Parcel::parcelWithName_("a");
-        std::vector<std::thread> threads;
-        for (int index = 0; index < 4; ++index) {
-            threads.emplace_back([object = id(parcel)] {
-                std::vector<id> handles;
-                for (int round = 0; round < 2000; ++round) {
-                    handles.assign(5, object);
-                    WeakReference const weak(object);
-                    handles.back() = weak.load();
-                }
-            });
+    id parcel = Parcel::parcelWithName_("a");
+    onThreads(4, [&parcel](unsigned) {
+        std::vector<id> handles;
+        for (int round = 0; round < 2000; ++round) {
+            handles.assign(5, parcel);
+            handles.back() = WeakReference(parcel).load();
         }
-        for (std::thread& thread : threads)
-            thread.join();
-        EXPECT_EQ(Parcel::count(), before + 1);
-    }
+    });
+    EXPECT_EQ(Parcel::count(), before + 1);
+    parcel = nil;
     EXPECT_EQ(Parcel::count(), before);
 }
 
