@@ -16,6 +16,8 @@ public:
 
     static Class transformedValueClass();
     static bool allowsReverseTransformation();
+    // Black for true, dark grey for false and nil.
+    id transformedValue_(id const& value) const { return Superclass::transformedValue_(value); }
 };
 
 class BOOLToColorTransformer::Body : public NSValueTransformer::Body {

@@ -16,6 +16,8 @@ public:
 
     static Class transformedValueClass();
     static bool allowsReverseTransformation();
+    // "Yes" for true, "No" for false and nil.
+    id transformedValue_(id const& value) const { return Superclass::transformedValue_(value); }
 };
 
 class BOOLToStringTransformer::Body : public NSValueTransformer::Body {

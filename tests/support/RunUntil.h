@@ -9,11 +9,10 @@ namespace mac::test {
 inline bool runUntil(std::function<bool()> const& condition, double seconds = 60) {
     NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(seconds);
     while (!condition()) {
-        if (end.timeIntervalSinceNow() < 0)
-            return false;
+        if (end.timeIntervalSinceNow() < 0) return false;
         NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, end);
     }
     return true;
 }
 
-}
+} // namespace mac::test
