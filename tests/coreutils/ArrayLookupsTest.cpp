@@ -60,7 +60,34 @@ TEST(PxObjectWithValueForKeyPath, RaisesForAnElementThatDoesNotKnowTheKey) {
                  NSUndefinedKeyException);
 }
 
-TEST(PxObjectWithValueForKeyPath, OfNilIsNil) { EXPECT_TRUE(pxObjectWithValue_forKeyPath_(nil, "/a", "path") == nil); }
+TEST(PxObjectWithValueForKeyPath, OfNilIsNilWhateverItIsAskedFor) {
+    EXPECT_TRUE(pxObjectWithValue_forKeyPath_(nil, "/a", "path") == nil);
+    EXPECT_TRUE(pxObjectWithValue_forKeyPath_(nil, nil, nil) == nil);
+}
+
+TEST(PxObjectWithValueForKeyPath, NeedsAKeyPath) {
+    EXPECT_THROW(pxObjectWithValue_forKeyPath_(NSArray::arrayWithObject_(entry("/a")), "/a", nil),
+                 NSInvalidArgumentException);
+}
+
+// The whole array is looked through: what raises behind the match raises all the same.
+TEST(PxObjectWithValueForKeyPath, RaisesAlsoForAnElementBehindTheMatch) {
+    EXPECT_THROW(pxObjectWithValue_forKeyPath_(NSArray::arrayWithObjects_({entry("/a"), "text"}), "/a", "path"),
+                 NSUndefinedKeyException);
+}
+
+TEST(PxObjectWithValueForKeyPath, FindsTheNullObjectByNil) {
+    NSDictionary const null = entry(NSNull::null());
+    EXPECT_TRUE(isSame(pxObjectWithValue_forKeyPath_(NSArray::arrayWithObject_(null), nil, "path"), null));
+}
+
+TEST(PxObjectWithValueForKeyPath, LooksThroughAHundredThousandElements) {
+    std::vector<id> entries;
+    for (int index = 0; index < 100'000; ++index)
+        entries.push_back(entry(NSString::stringWithFormat_("/Volumes/Disk/%d.app", index)));
+    NSArray const array = NSArray::arrayWithVector(entries);
+    EXPECT_TRUE(isSame(pxObjectWithValue_forKeyPath_(array, "/Volumes/Disk/99999.app", "path"), entries.back()));
+}
 
 TEST(PxObjectAtIndex, AnswersTheElementBelowTheCountAndNilBeyond) {
     NSArray const array = NSArray::arrayWithObjects_({"a", "b"});
