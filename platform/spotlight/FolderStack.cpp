@@ -108,8 +108,8 @@ std::optional<FolderShare> FolderStack::split(VolumeTraits const& traits) {
 // Where a name begins such that about half of the level's names lie behind it; namesEnd when there is but one.
 std::size_t FolderStack::startOfSecondHalf(Level const& level) const {
     std::size_t const bytes = level.namesEnd - level.nextName;
-    if (bytes == 0) return level.namesEnd;
-    std::size_t const afterMiddle = m_names.find('\0', level.nextName + bytes / 2) + 1;
+    if (bytes < 2) return level.namesEnd; // a name and its zero byte are two at least
+    std::size_t const afterMiddle = m_names.find('\0', level.nextName + bytes / 2 - 1) + 1;
     if (afterMiddle < level.namesEnd) return afterMiddle;
     std::size_t const lastName = m_names.rfind('\0', level.namesEnd - 2) + 1;
     return lastName > level.nextName ? lastName : level.namesEnd;

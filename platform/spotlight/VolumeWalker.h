@@ -11,12 +11,12 @@ namespace mac {
 // What a walk looks for, and where. Paths and names are bytes, in no particular encoding.
 struct VolumeWalkRequest {
     // Absolute paths of the folders to search, with what is mounted below them. Empty: every local volume.
-    std::vector<std::string> roots;
+    std::vector<std::string> roots{};
     // A folder with this ending (and something before it) is a package: a single item that is never entered. A link
     // to a folder is no package, whatever its name: what it leads to is found where it lies, and is listed once.
     std::string packageSuffix = ".app";
     // The exact file names of the packages wanted. Empty: all packages.
-    std::vector<std::string> names;
+    std::vector<std::string> names{};
 };
 
 struct UnreadableFolder {

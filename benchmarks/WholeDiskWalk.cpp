@@ -1,0 +1,240 @@
+// How fast the walk of a whole disk is beside the programs a user would search with, how much memory it takes, and
+// whether it finds everything. Usage and options: see `usage` below.
+
+#include "benchmarks/WholeDiskWalkRun.h"
+#include "benchmarks/WholeDiskWalkTree.h"
+#include "platform/spotlight/VolumeWalker.h"
+
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <semaphore>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace benchmarks;
+
+namespace {
+
+constexpr char const* usage =
+    "usage: whole_disk_walk [--keep] [--pairs N] [--cold-pairs N] FOLDER\n"
+    "Builds a tree of 1.5 million entries in FOLDER (5 GB free is plenty), walks it in turn with the walker and with "
+    "fd,\n"
+    "find and bfs, and prints how many times longer each of them took, pair by pair. Deletes the tree in the end;\n"
+    "with --keep it stays, and the next run uses it. Where the system's caches can be dropped (root), also cold.\n"
+    "Ends with 0 when everything was found and all targets were met.\n";
+
+constexpr std::uint64_t seed = 20;
+constexpr char const* treeName = "whole-disk-walk-tree";
+constexpr char const* markName = "whole-disk-walk-tree.complete"; // lies beside the tree when it was built to the end
+// A walk in two threads loses more to other programs than a search in one, so a pair with such beside it tells nothing.
+constexpr double foreignLoadAllowed = 0.08;
+constexpr int disturbedPairsForOne = 10; // then it is given up
+constexpr long memoryTarget = 6 * 1024;  // KiB
+
+struct Options {
+    std::string folder;
+    bool keep = false;
+    int pairs = 9;
+    int coldPairs = 5;
+};
+
+struct Rival {
+    std::string name;
+    std::vector<std::string> command;
+    double warmTarget = 0;
+    double coldTarget = 0; // 0: none
+};
+
+std::optional<Options> readOptions(int count, char** arguments) {
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        std::string const argument = arguments[i];
+        bool const hasValue = i + 1 < count;
+        if (argument == "--keep")
+            options.keep = true;
+        else if (argument == "--pairs" && hasValue)
+            options.pairs = std::atoi(arguments[++i]);
+        else if (argument == "--cold-pairs" && hasValue)
+            options.coldPairs = std::atoi(arguments[++i]);
+        else if (argument.starts_with("-") || !options.folder.empty())
+            return std::nullopt;
+        else
+            options.folder = argument;
+    }
+    if (options.folder.empty() || options.pairs < 1 || options.coldPairs < 0) return std::nullopt;
+    return options;
+}
+
+// What a run of this program with --walk does: the walk alone, in a process of its own, so that its memory can be told.
+int walk(char const* top) {
+    long const before = memoryNow();
+    std::binary_semaphore finished{0};
+    mac::VolumeWalker* started = nullptr;
+    mac::VolumeWalker walker({.roots = {top}, .packageSuffix = ".app", .names = {}}, [&started, &finished] {
+        if (started->progress().isFinished) finished.release();
+    });
+    started = &walker;
+    if (!walker.start()) return 1;
+    finished.acquire();
+    long const grown = memoryPeak() - before;
+    for (std::string const& path : walker.takeFound())
+        std::printf("%s\n", path.c_str());
+    std::fprintf(stderr, "%ld\n", grown);
+    return walker.progress().unreadableFolders == 0 ? 0 : 1;
+}
+
+bool isMeasuredFileSystem(std::string const& folder) {
+    struct statfs status;
+    if (::statfs(folder.c_str(), &status) != 0) return false;
+    return status.f_type == EXT4_SUPER_MAGIC || status.f_type == XFS_SUPER_MAGIC || status.f_type == TMPFS_MAGIC;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+// The contest on one tree.
+class Contest {
+public:
+    Contest(std::string top, WholeDiskWalkTree const& tree)
+        : m_ours{"/proc/self/exe", "--walk", top}, m_expected(tree.packagesBelow(top)),
+          m_wanted(tree.wantedPackagesBelow(top)) {}
+
+    // Runs ours and the rival in turn and prints the ratios. A target of 0 is none.
+    void compare(Rival const& rival, int pairs, bool isCold, double target);
+    void printMemory();
+    bool isWon() const { return m_isWon; }
+
+private:
+    std::optional<Run> prepareAndRun(std::vector<std::string> const& command, bool isCold);
+    void check(bool holds, std::string const& complaint);
+
+    std::vector<std::string> const m_ours;
+    std::vector<std::string> const m_expected;
+    std::vector<std::string> const m_wanted;
+    long m_memory = 0;
+    bool m_isWon = true;
+};
+
+void Contest::check(bool holds, std::string const& complaint) {
+    if (holds) return;
+    std::printf("  FAILED: %s\n", complaint.c_str());
+    m_isWon = false;
+}
+
+// The program itself is read before the clock starts: it is the tree that shall be cold.
+std::optional<Run> Contest::prepareAndRun(std::vector<std::string> const& command, bool isCold) {
+    if (isCold) {
+        dropCaches();
+        run({command.front(), "--version"});
+    }
+    return run(command);
+}
+
+void Contest::compare(Rival const& rival, int pairs, bool isCold, double target) {
+    std::vector<double> ratios;
+    int disturbed = 0;
+    std::printf("  %-5s", rival.name.c_str());
+    while (static_cast<int>(ratios.size()) < pairs && disturbed < pairs * disturbedPairsForOne) {
+        std::optional<Run> const ours = prepareAndRun(m_ours, isCold);
+        std::optional<Run> const theirs = prepareAndRun(rival.command, isCold);
+        if (!theirs || theirs->outputLines.size() != m_expected.size()) {
+            std::printf(" not compared: %s\n", theirs ? "it does not list the same" : "it is not installed");
+            return;
+        }
+        if (!ours || ours->outputLines != m_expected) return check(false, "the walk is not complete");
+        m_memory = std::max(m_memory, std::atol(ours->errorText.c_str()));
+        if (std::max(ours->foreignLoad, theirs->foreignLoad) > foreignLoadAllowed) {
+            ++disturbed;
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+            continue;
+        }
+        ratios.push_back(theirs->seconds / ours->seconds);
+        std::printf(" %5.2f", ratios.back());
+        std::fflush(stdout);
+    }
+    if (ratios.empty()) return check(false, "other programs kept the machine busy");
+    std::printf("   median %.2f", median(ratios));
+    if (target > 0) std::printf(", wanted %.1f", target);
+    if (disturbed > 0) std::printf(" (%d pairs left out, other programs were busy)", disturbed);
+    std::printf("\n");
+    check(median(ratios) >= target, "slower than wanted");
+}
+
+void Contest::printMemory() {
+    std::printf("complete in every run: %zu packages, among them the %zu wanted\n", m_expected.size(), m_wanted.size());
+    std::printf("own memory at most: %ld KiB, wanted under %ld\n", m_memory, memoryTarget);
+    check(m_memory < memoryTarget, "too much memory");
+}
+
+bool exists(std::string const& path) {
+    struct stat status;
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+void removeTree(std::string const& folder) {
+    run({"rm", "-rf", "--", folder + "/" + markName, folder + "/" + treeName});
+}
+
+void provideTree(std::string const& folder, WholeDiskWalkTree const& tree) {
+    if (exists(folder + "/" + markName)) return;
+    removeTree(folder);
+    std::printf("building the tree\n");
+    std::fflush(stdout);
+    tree.build(folder + "/" + treeName);
+    std::ofstream(folder + "/" + markName) << seed << "\n";
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    if (count == 3 && std::strcmp(arguments[1], "--walk") == 0) return walk(arguments[2]);
+    if (count == 2 && std::strcmp(arguments[1], "--version") == 0) return 0; // what a cold run asks of every program
+    std::optional<Options> const options = readOptions(count, arguments);
+    if (!options) {
+        std::fputs(usage, stderr);
+        return 2;
+    }
+    WholeDiskWalkTree const tree(seed);
+    provideTree(options->folder, tree);
+    std::string const top = options->folder + "/" + treeName;
+    std::vector<std::string> const findTail = {top, "-type", "d", "-name", "*.app", "-prune", "-print"};
+    std::vector<Rival> rivals = {
+        {"fd", {"fdfind", "-u", "-t", "d", "--prune", "-g", "*.app", top}, 3, 5},
+        {"find", {"find"}, 6, 8},
+        {"bfs", {"bfs"}, 4.5, 0},
+    };
+    rivals[1].command.insert(rivals[1].command.end(), findTail.begin(), findTail.end());
+    rivals[2].command.insert(rivals[2].command.end(), findTail.begin(), findTail.end());
+
+    bool const hasTargets = isMeasuredFileSystem(options->folder);
+    if (!hasTargets) std::printf("this file system is none of ext4, XFS and tmpfs, so there are no targets\n");
+    Contest contest(top, tree);
+    bool const canDrop = dropCaches();
+    run({"find", top, "-name", "*.app", "-prune"});
+    std::printf("warm: how many times longer than the walk (%ld directory entries in memory)\n",
+                directoryEntriesInMemory());
+    for (Rival const& rival : rivals)
+        contest.compare(rival, options->pairs, false, hasTargets ? rival.warmTarget : 0);
+    if (canDrop) {
+        std::printf("cold: caches dropped before each run\n");
+        for (Rival const& rival : rivals)
+            contest.compare(rival, options->coldPairs, true, hasTargets ? rival.coldTarget : 0);
+    } else {
+        std::printf("cold: not measured, this user may not drop the system's caches\n");
+    }
+    contest.printMemory();
+    if (!options->keep) removeTree(options->folder);
+    return contest.isWon() ? 0 : 1;
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace benchmarks {
+
+// One run of a command: how long it took from start to end, and what it wrote.
+struct Run {
+    double seconds = 0;
+    double foreignLoad = 0;               // what part of all cores other programs used meanwhile
+    int status = 0;                       // as exit status; -1 when it ended otherwise
+    std::vector<std::string> outputLines; // sorted
+    std::string errorText;
+};
+
+// Nothing when the command cannot be started.
+std::optional<Run> run(std::vector<std::string> const& command);
+
+// Makes the next walk read the disk. False when this user may not.
+bool dropCaches();
+
+// As the system counts them: foreign ones slow every walk down, so a figure is worth what these were meanwhile.
+long directoryEntriesInMemory();
+
+// The memory of this process that is not shared with others' files, in KiB: now, and at its highest so far.
+long memoryNow();
+long memoryPeak();
+
+} // namespace benchmarks

@@ -1,0 +1,60 @@
+#include "tests/spotlight/PrivateMounts.h"
+#include "tests/spotlight/Walk.h"
+#include <cerrno>
+#include <cstring>
+#include <sched.h>
+#include <stdexcept>
+#include <sys/mount.h>
+#include <system_error>
+
+namespace mac::test {
+
+namespace {
+
+// The reason why not, or nothing. Asked once: the mounts stay the process's own.
+std::string const& whyNoPrivateMounts() {
+    static std::string const s_reason = [] {
+        std::string const denied = "mounting is not allowed here: ";
+        if (::unshare(CLONE_NEWNS) != 0) return denied + std::strerror(errno);
+        if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return denied + std::strerror(errno);
+        return std::string();
+    }();
+    return s_reason;
+}
+
+} // namespace
+
+void PrivateMounts::SetUp() {
+    if (!whyNoPrivateMounts().empty()) GTEST_SKIP() << whyNoPrivateMounts();
+}
+
+void PrivateMounts::TearDown() {
+    for (; !m_points.empty(); m_points.pop_back())
+        ::umount2(m_points.back().c_str(), MNT_DETACH);
+}
+
+void PrivateMounts::add(std::string const& source, std::string const& point, char const* type, unsigned long flags) {
+    if (::mount(source.c_str(), point.c_str(), type, flags, nullptr) != 0)
+        throw std::system_error(errno, std::generic_category(), point);
+    m_points.push_back(point);
+}
+
+void PrivateMounts::mountMemory(std::string const& point) { add("memory", point, "tmpfs", 0); }
+
+void PrivateMounts::bind(std::string const& folder, std::string const& point) { add(folder, point, nullptr, MS_BIND); }
+
+void PrivateMounts::mountImage(std::string const& image, std::string const& point,
+                               std::vector<std::string> const& options) {
+    std::vector<std::string> make{"mkfs.ext4", "-q", "-F"};
+    make.insert(make.end(), options.begin(), options.end());
+    make.insert(make.end(), {image, "128M"});
+    try {
+        outputOf(make);
+        outputOf({"mount", "-o", "loop", image, point});
+    } catch (std::runtime_error const& error) {
+        GTEST_SKIP() << "an image cannot be mounted here: " << error.what();
+    }
+    m_points.push_back(point);
+}
+
+} // namespace mac::test

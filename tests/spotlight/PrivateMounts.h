@@ -1,0 +1,28 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+// For tests that mount: gives this process mounts of its own, which nobody else sees and which end with it. Where that
+// is not allowed the test is skipped and says so.
+class PrivateMounts : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override; // unmounts
+
+    void mountMemory(std::string const& point);
+    void bind(std::string const& folder, std::string const& point);
+    // A new ext4 file system in a file, by a loop device. Skips the test, with the reason, where there are none; then
+    // the caller returns.
+    void mountImage(std::string const& image, std::string const& point, std::vector<std::string> const& options = {});
+
+private:
+    void add(std::string const& source, std::string const& point, char const* type, unsigned long flags);
+
+    std::vector<std::string> m_points;
+};
+
+} // namespace mac::test

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/spotlight/VolumeWalker.h"
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+struct WalkResult {
+    std::vector<std::string> paths; // sorted
+    VolumeWalkProgress progress;
+};
+
+// Walks to the end.
+WalkResult walk(VolumeWalkRequest const& request);
+std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request);
+
+// The packages that find lists below the folder, sorted: those ending in .app, and none in another.
+std::vector<std::string> packagesByFind(std::string const& folder);
+
+// The program's standard output. Throws when it does not end well.
+std::string outputOf(std::vector<std::string> const& command);
+
+} // namespace mac::test
