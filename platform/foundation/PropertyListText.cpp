@@ -9,7 +9,7 @@ namespace mac {
 
 namespace {
 
-using namespace std::string_view_literals;
+using std::string_view_literals::operator""sv;
 
 // An XML declaration is the first thing in a file and short.
 constexpr std::size_t kLongestDeclaration = 256;

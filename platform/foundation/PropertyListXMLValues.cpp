@@ -9,6 +9,8 @@
 
 namespace mac {
 
+namespace chrono = std::chrono;
+
 namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -105,14 +107,14 @@ NSDate dateOfText(std::string_view text) {
     bool const hasForm = std::ranges::equal(
         text, kForm, [](char character, char form) { return form == '0' ? isDigit(character) : character == form; });
     if (!hasForm) return nil;
-    using namespace std::chrono;
-    year_month_day const day(year(*digits(text, 0, 4)), month(static_cast<unsigned>(*digits(text, 5, 2))),
-                             std::chrono::day(static_cast<unsigned>(*digits(text, 8, 2))));
+    chrono::year_month_day const day(chrono::year(*digits(text, 0, 4)),
+                                     chrono::month(static_cast<unsigned>(*digits(text, 5, 2))),
+                                     chrono::day(static_cast<unsigned>(*digits(text, 8, 2))));
     int const hour = *digits(text, 11, 2);
     int const minute = *digits(text, 14, 2);
     int const second = *digits(text, 17, 2);
     if (!day.ok() || hour > 23 || minute > 59 || second > 59) return nil;
-    std::int64_t const days = sys_days(day).time_since_epoch().count();
+    std::int64_t const days = chrono::sys_days(day).time_since_epoch().count();
     std::int64_t const seconds = days * kSecondsOfDay + hour * 3600 + minute * 60 + second;
     return NSDate::dateWithTimeIntervalSinceReferenceDate_(static_cast<double>(seconds) - NSTimeIntervalSince1970);
 }
@@ -155,17 +157,16 @@ std::string textOfNumber(NSNumber const& number) {
 
 std::optional<std::string> textOfDate(NSDate const& date) {
     double const since1970 = std::floor(date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970);
-    using namespace std::chrono;
     static constexpr double kFirst =
-        static_cast<double>(sys_days(year(0) / January / 1).time_since_epoch().count() * kSecondsOfDay);
+        static_cast<double>(chrono::sys_days(chrono::year(0) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
     static constexpr double kBehindLast =
-        static_cast<double>(sys_days(year(10000) / January / 1).time_since_epoch().count() * kSecondsOfDay);
+        static_cast<double>(chrono::sys_days(chrono::year(10000) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
     // Written so that NaN is outside.
     if (!(since1970 >= kFirst && since1970 < kBehindLast)) return std::nullopt;
-    sys_seconds const moment{seconds(static_cast<std::int64_t>(since1970))};
-    sys_days const midnight = floor<days>(moment);
-    year_month_day const day(midnight);
-    hh_mm_ss const time(moment - midnight);
+    chrono::sys_seconds const moment{chrono::seconds(static_cast<std::int64_t>(since1970))};
+    chrono::sys_days const midnight = chrono::floor<chrono::days>(moment);
+    chrono::year_month_day const day(midnight);
+    chrono::hh_mm_ss const time(moment - midnight);
     std::string text;
     appendPadded(text, static_cast<int>(day.year()), 4);
     appendPadded(text += '-', static_cast<int>(static_cast<unsigned>(day.month())), 2);

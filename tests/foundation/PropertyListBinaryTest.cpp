@@ -6,7 +6,7 @@
 namespace mac::test {
 namespace {
 
-using namespace std::string_literals;
+using std::string_literals::operator""s;
 
 std::string number(std::uint64_t value, std::size_t width) {
     std::string bytes;

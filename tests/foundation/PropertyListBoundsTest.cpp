@@ -7,7 +7,7 @@
 namespace mac::test {
 namespace {
 
-using namespace std::string_literals;
+using std::string_literals::operator""s;
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
