@@ -22,9 +22,8 @@ public:
     class Body;
     using Handle::Handle;
     static ClassDescription describeClass() {
-        return {.name = "QueryRecorder",
-                .superclass = classOf<NSObject>(),
-                .methods = {method<&Recorder::take_>("take:")}};
+        return {
+            .name = "QueryRecorder", .superclass = classOf<NSObject>(), .methods = {method<&Recorder::take_>("take:")}};
     }
     void take_(NSNotification const& notification) const;
 };
@@ -61,14 +60,11 @@ protected:
 
     std::vector<std::string> const& names() const { return bodyOf(recorder)->names; }
     bool runUntilNamed(char const* name, std::size_t times = 1) const {
-        return runUntil([&] {
-            return static_cast<std::size_t>(std::ranges::count(names(), std::string(name))) >= times;
-        });
+        return runUntil(
+            [&] { return static_cast<std::size_t>(std::ranges::count(names(), std::string(name))) >= times; });
     }
     bool gather() const { return query.startQuery() && runUntilNamed(NSMetadataQueryDidFinishGatheringNotification); }
-    NSSet foundPaths() const {
-        return NSSet::setWithArray_(as<NSArray>(query.results().valueForKey_(kMDItemPath)));
-    }
+    NSSet foundPaths() const { return NSSet::setWithArray_(as<NSArray>(query.results().valueForKey_(kMDItemPath))); }
     static NSString string(std::string const& bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
     TemporaryFolder folder;
@@ -79,10 +75,10 @@ protected:
 TEST_F(MetadataQuery, PostsStartThenProgressThenTheEnd) {
     folder.makeFolder("a/Mirror Frame.app");
     ASSERT_TRUE(gather());
-    EXPECT_EQ(names(), (std::vector<std::string> {NSMetadataQueryDidStartGatheringNotification,
-                                                  NSMetadataQueryGatheringProgressNotification,
-                                                  NSMetadataQueryDidFinishGatheringNotification}));
-    EXPECT_EQ(bodyOf(recorder)->counts, (std::vector<NSUInteger> {0, 1, 1}));
+    EXPECT_EQ(names(), (std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryGatheringProgressNotification,
+                                                 NSMetadataQueryDidFinishGatheringNotification}));
+    EXPECT_EQ(bodyOf(recorder)->counts, (std::vector<NSUInteger>{0, 1, 1}));
 }
 
 TEST_F(MetadataQuery, PostsNothingBeforeControlReturnsToTheRunLoop) {
@@ -93,8 +89,8 @@ TEST_F(MetadataQuery, PostsNothingBeforeControlReturnsToTheRunLoop) {
 
 TEST_F(MetadataQuery, OfAnEmptyDiskPostsNoProgress) {
     ASSERT_TRUE(gather());
-    EXPECT_EQ(names(), (std::vector<std::string> {NSMetadataQueryDidStartGatheringNotification,
-                                                  NSMetadataQueryDidFinishGatheringNotification}));
+    EXPECT_EQ(names(), (std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryDidFinishGatheringNotification}));
 }
 
 TEST_F(MetadataQuery, TellsEveryFindAsProgressBeforeTheEnd) {
@@ -120,11 +116,13 @@ TEST_F(MetadataQuery, FindsWhatItsPredicateSaysWhateverThatIs) {
     folder.makeFolder("a/One.app");
     folder.makeFolder("b/Two.app");
     folder.makeFolder("c/Three.app");
-    query.setPredicate_(NSPredicate::predicateWithFormat_("kMDItemFSName IN {'One.app', 'Two.app'} OR kMDItemPath ENDSWITH '/c/Three.app'"));
+    query.setPredicate_(NSPredicate::predicateWithFormat_(
+        "kMDItemFSName IN {'One.app', 'Two.app'} OR kMDItemPath ENDSWITH '/c/Three.app'"));
     ASSERT_TRUE(gather());
     EXPECT_EQ(query.resultCount(), 3U);
     query.stopQuery();
-    query.setPredicate_(NSPredicate::predicateWithFormat_("kMDItemKind = 'Application' AND NOT kMDItemFSName = 'One.app'"));
+    query.setPredicate_(
+        NSPredicate::predicateWithFormat_("kMDItemKind = 'Application' AND NOT kMDItemFSName = 'One.app'"));
     ASSERT_TRUE(query.startQuery());
     ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification, 2));
     EXPECT_EQ(query.resultCount(), 2U);
@@ -234,7 +232,7 @@ TEST_F(MetadataQuery, CountsTheFoldersThatItCannotReadAndNamesOne) {
 TEST_F(MetadataQuery, TellsObserversWhenItBeginsAndEndsToGather) {
     query.addObserver_forKeyPath_options_context_(recorder, "isGathering", 0, nullptr);
     ASSERT_TRUE(gather());
-    EXPECT_EQ(bodyOf(recorder)->changedKeys, (std::vector<std::string> {"isGathering", "isGathering"}));
+    EXPECT_EQ(bodyOf(recorder)->changedKeys, (std::vector<std::string>{"isGathering", "isGathering"}));
     EXPECT_FALSE(query.isGathering());
     EXPECT_TRUE(query.isStarted());
 }
@@ -283,5 +281,5 @@ TEST(NilMetadataQuery, AnswersNothing) {
     EXPECT_TRUE(NSMetadataItem(nil).attributes() == nil);
 }
 
-}
-}
+} // namespace
+} // namespace mac::test
