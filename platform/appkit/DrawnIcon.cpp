@@ -3,8 +3,9 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
-#include <QRegularExpression>
 #include <array>
+#include <charconv>
+#include <cmath>
 #include <memory>
 
 namespace mac {
@@ -17,7 +18,7 @@ constexpr double LineWidth = 1.4;
 // Reads letters and numbers, one command after the other.
 class PathReader {
 public:
-    explicit PathReader(QString const& text) : m_text(text) {}
+    explicit PathReader(QString const& text) : m_text(text.toLatin1()) {}
 
     std::optional<QPainterPath> read() {
         while (m_isGood && !atEnd())
@@ -27,37 +28,38 @@ public:
 
 private:
     bool atEnd() {
-        while (m_position < m_text.size() && (m_text[m_position].isSpace() || m_text[m_position] == ','))
+        while (m_position < m_text.size() && (m_text[m_position] == ' ' || m_text[m_position] == ','))
             ++m_position;
         return m_position == m_text.size();
     }
 
     void readCommand() {
-        if (m_text[m_position].isLetter()) m_command = m_text[m_position++];
-        QPointF const origin = m_command.isLower() ? m_path.currentPosition() : QPointF();
-        switch (m_command.toUpper().unicode()) {
-        case u'M':
+        if (QChar::isLetter(static_cast<unsigned char>(m_text[m_position]))) m_command = m_text[m_position++];
+        bool const isRelative = m_command >= 'a';
+        QPointF const origin = isRelative ? m_path.currentPosition() : QPointF();
+        switch (isRelative ? m_command - 'a' + 'A' : m_command) {
+        case 'M':
             m_path.moveTo(origin + point());
-            m_command = m_command.isLower() ? u'l' : u'L';
+            m_command = isRelative ? 'l' : 'L';
             return;
-        case u'L':
+        case 'L':
             return m_path.lineTo(origin + point());
-        case u'H':
+        case 'H':
             return m_path.lineTo(origin.x() + number(), m_path.currentPosition().y());
-        case u'V':
+        case 'V':
             return m_path.lineTo(m_path.currentPosition().x(), origin.y() + number());
-        case u'Q': {
+        case 'Q': {
             std::array const points{point(), point()};
             return m_path.quadTo(origin + points[0], origin + points[1]);
         }
-        case u'C': {
+        case 'C': {
             std::array const points{point(), point(), point()};
             return m_path.cubicTo(origin + points[0], origin + points[1], origin + points[2]);
         }
-        case u'Z':
+        case 'Z':
             m_path.closeSubpath();
             // No number may follow.
-            m_command = QChar();
+            m_command = '\0';
             return;
         default:
             m_isGood = false;
@@ -70,20 +72,19 @@ private:
     }
 
     double number() {
-        static QRegularExpression const pattern(R"([-+]?(\d+\.?\d*|\.\d+))");
-        QRegularExpressionMatch const match = atEnd()
-                                                  ? QRegularExpressionMatch()
-                                                  : pattern.match(m_text, m_position, QRegularExpression::NormalMatch,
-                                                                  QRegularExpression::AnchorAtOffsetMatchOption);
-        m_isGood = m_isGood && match.hasMatch();
+        m_isGood = m_isGood && !atEnd();
         if (!m_isGood) return 0;
-        m_position = match.capturedEnd();
-        return match.captured().toDouble();
+        char const* const start = m_text.constData() + m_position;
+        double value = 0;
+        std::from_chars_result const read = std::from_chars(start, m_text.constEnd(), value, std::chars_format::fixed);
+        m_isGood = read.ec == std::errc() && std::isfinite(value);
+        m_position += read.ptr - start;
+        return value;
     }
 
-    QString m_text;
+    QByteArray m_text;
     qsizetype m_position{0};
-    QChar m_command;
+    char m_command{'\0'};
     QPainterPath m_path;
     bool m_isGood{true};
 };

@@ -48,7 +48,7 @@ private:
 // round; nil, NO and a key that nobody knows are false.
 class Condition {
 public:
-    // A condition that comes true is told after the delay, if it is still true then; milliseconds.
+    // A condition that is or comes true is told after the delay, if it is still true then; milliseconds.
     Condition(KeyPathScope const& scope, QStringList const& keyPaths, int delay, std::function<void(bool)> changed);
 
     bool isTrue() const;

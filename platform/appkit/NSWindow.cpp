@@ -48,7 +48,6 @@ void NSWindow::makeKeyAndOrderFront_(id const&) const {
     QWidget* const widget = widgetOf(*this);
     if (!widget) return;
     widget->show();
-    widget->raise();
     widget->activateWindow();
 }
 

@@ -48,10 +48,12 @@ void tellShortcuts(QAction* action) {
     action->setToolTip(plainToolTip(QString("%1 (%2)").arg(action->toolTip(), keys)));
 }
 
-// A tool button leaves the mnemonic of its action out, so that it could not be reached by Alt and a letter.
-void showMnemonic(QToolButton* button) {
+// A tool bar keeps the keyboard from its buttons, and they leave the mnemonics of their actions out.
+void makeReachable(QToolButton* button) {
     QAction* const action = button->defaultAction();
-    if (!action || !action->text().contains('&')) return;
+    if (!action) return;
+    button->setFocusPolicy(Qt::TabFocus);
+    if (!action->text().contains('&')) return;
     button->setText(action->text());
     QObject::connect(action, &QAction::changed, button, [button, action] { button->setText(action->text()); });
 }
@@ -64,7 +66,7 @@ void styleWindow(QWidget* window) {
         tellShortcuts(action);
     for (QToolBar* const bar : window->findChildren<QToolBar*>()) {
         for (QToolButton* const button : bar->findChildren<QToolButton*>())
-            showMnemonic(button);
+            makeReachable(button);
     }
     QString const first = window->property("initialFocus").toString();
     if (auto* const widget = first.isEmpty() ? nullptr : window->findChild<QWidget*>(first)) widget->setFocus();
