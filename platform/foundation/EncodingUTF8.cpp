@@ -42,15 +42,6 @@ Sequence firstSequence(std::string_view bytes) {
     return {codePoint, length};
 }
 
-void appendCodePoint(std::u16string& units, char32_t codePoint) {
-    if (codePoint < 0x10000) {
-        units.push_back(static_cast<char16_t>(codePoint));
-        return;
-    }
-    units.push_back(static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10)));
-    units.push_back(static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF)));
-}
-
 void appendUTF8(std::string& bytes, char32_t codePoint) {
     if (codePoint < 0x80) {
         bytes.push_back(static_cast<char>(codePoint));
@@ -61,13 +52,6 @@ void appendUTF8(std::string& bytes, char32_t codePoint) {
     bytes.push_back(static_cast<char>(leadMarks[length] | codePoint >> (6 * (length - 1))));
     for (std::size_t left = length - 1; left > 0; --left)
         bytes.push_back(static_cast<char>(0x80 | (codePoint >> (6 * (left - 1)) & 0x3F)));
-}
-
-// The code point at the index, which moves past it; a lone surrogate stands for itself.
-char32_t nextCodePoint(std::u16string_view units, std::size_t& index) {
-    char16_t const unit = units[index++];
-    if (!isHighSurrogate(unit) || index == units.size() || !isLowSurrogate(units[index])) return unit;
-    return 0x10000 + ((unit & 0x3FFU) << 10) + (units[index++] & 0x3FFU);
 }
 
 // Calls back for each byte that is not part of UTF-8; false from it ends the conversion.
@@ -92,6 +76,21 @@ bool decode(std::string_view bytes, std::u16string& units, OnInvalid onInvalid) 
 
 } // namespace
 
+void appendCodePoint(std::u16string& units, char32_t codePoint) {
+    if (codePoint < 0x10000) {
+        units.push_back(static_cast<char16_t>(codePoint));
+        return;
+    }
+    units.push_back(static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10)));
+    units.push_back(static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF)));
+}
+
+char32_t codePointAt(std::u16string_view units, std::size_t index) {
+    char16_t const unit = units[index];
+    if (!isHighSurrogate(unit) || index + 1 == units.size() || !isLowSurrogate(units[index + 1])) return unit;
+    return 0x10000 + ((unit & 0x3FFU) << 10) + (units[index + 1] & 0x3FFU);
+}
+
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes) {
     std::u16string units;
     if (!decode(bytes, units, [](unsigned char) { return false; })) return std::nullopt;
@@ -111,7 +110,8 @@ std::string utf8FromUnits(std::u16string_view units) {
     std::string bytes;
     bytes.reserve(units.size());
     for (std::size_t index = 0; index < units.size();) {
-        char32_t const codePoint = nextCodePoint(units, index);
+        char32_t const codePoint = codePointAt(units, index);
+        index += unitCount(codePoint);
         appendUTF8(bytes, isSurrogate(codePoint) ? replacementCharacter : codePoint);
     }
     return bytes;
@@ -122,7 +122,8 @@ std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units) {
     bytes.reserve(units.size());
     bool hasLoneSurrogate = false;
     for (std::size_t index = 0; index < units.size();) {
-        char32_t const codePoint = nextCodePoint(units, index);
+        char32_t const codePoint = codePointAt(units, index);
+        index += unitCount(codePoint);
         if (codePoint == 0) return std::nullopt;
         if (!isSurrogate(codePoint)) {
             appendUTF8(bytes, codePoint);

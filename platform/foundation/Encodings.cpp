@@ -33,9 +33,13 @@ std::optional<std::string> bytesFromTable(std::u16string_view units, UpperHalf c
     std::string bytes;
     bytes.reserve(units.size());
     for (char16_t const unit : units) {
-        auto const place = unit < 0x80 ? table.end() : std::ranges::find(table, unit);
-        if (unit == 0xFFFD || (unit >= 0x80 && place == table.end())) return std::nullopt;
-        bytes.push_back(static_cast<char>(unit < 0x80 ? unit : 0x80 + (place - table.begin())));
+        if (unit < 0x80) {
+            bytes.push_back(static_cast<char>(unit));
+            continue;
+        }
+        auto const index = static_cast<std::size_t>(std::ranges::find(table, unit) - table.begin());
+        if (unit == 0xFFFD || index == table.size()) return std::nullopt;
+        bytes.push_back(static_cast<char>(0x80 + index));
     }
     return bytes;
 }

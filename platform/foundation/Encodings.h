@@ -26,6 +26,11 @@ std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units);
 std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEncoding encoding);
 std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding);
 
+// The code point at the index; a lone surrogate stands for itself. Appending is the way back.
+char32_t codePointAt(std::u16string_view units, std::size_t index);
+void appendCodePoint(std::u16string& units, char32_t codePoint);
+constexpr std::size_t unitCount(char32_t codePoint) { return codePoint < 0x10000 ? 1 : 2; }
+
 inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 

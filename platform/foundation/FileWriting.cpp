@@ -54,7 +54,8 @@ std::optional<Place> finalPlaceOf(std::string path) {
         ssize_t const length = ::readlinkat(place->folder.number(), place->name.c_str(), target.data(), target.size());
         if (length < 0) return place;
         std::string const next(target.data(), static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? next : path.substr(0, path.size() - place->name.size()) + next;
+        path.resize(next.starts_with('/') ? 0 : path.size() - place->name.size());
+        path += next;
     }
     errno = ELOOP;
     return std::nullopt;

@@ -56,7 +56,7 @@ std::string digitsOf(double magnitude, std::chars_format format, std::optional<s
 // The '#' flag keeps the point, also where no digit follows it.
 void insertPoint(std::string& digits, char const* exponentLetters) {
     if (digits.find('.') != std::string::npos) return;
-    digits.insert(std::min(digits.find_first_of(exponentLetters), digits.size()), ".");
+    digits.insert(std::min(digits.find_first_of(exponentLetters), digits.size()), 1, '.');
 }
 
 int decimalExponent(std::string const& scientific) {

@@ -76,7 +76,7 @@ std::optional<char32_t> firstFolded(std::u16string_view units, std::size_t index
     char32_t const codePoint = codePointAt(units, index);
     if (codePoint < 0x80) return folding.isCaseInsensitive ? lowercaseASCII(units[index]) : codePoint;
     if (isCombining(codePoint)) return std::nullopt;
-    return foldedText(units.substr(index, unitCount(codePoint)), folding).front().codePoint;
+    return firstFoldedCodePoint(codePoint, folding);
 }
 
 // Most texts differ first at a letter whose own folding decides; only else are both folded whole. An ASCII character is

@@ -12,9 +12,8 @@ namespace {
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 void skipBlanks(std::u16string_view& text) {
-    auto const first =
-        std::ranges::find_if_not(text, [](char16_t unit) { return isWhitespace(unit) || isNewline(unit); });
-    text.remove_prefix(static_cast<std::size_t>(first - text.begin()));
+    while (!text.empty() && (isWhitespace(text[0]) || isNewline(text[0])))
+        text.remove_prefix(1);
 }
 
 // True for a minus.

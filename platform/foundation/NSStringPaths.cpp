@@ -59,7 +59,7 @@ NSArray NSString::pathComponents() const {
     if (*this == nil) return nil;
     std::u16string_view const path = codeUnits();
     std::vector<id> components;
-    if (path.starts_with(u'/')) components.push_back("/");
+    if (path.starts_with(u'/')) components.emplace_back("/");
     std::size_t start = path.find_first_not_of(u'/');
     while (start != std::u16string_view::npos) {
         std::size_t const end = std::min(path.find(u'/', start), path.size());
@@ -67,7 +67,7 @@ NSArray NSString::pathComponents() const {
         start = path.find_first_not_of(u'/', end);
     }
     // A slash at the end is a component of its own.
-    if (path.ends_with(u'/') && path.find_first_not_of(u'/') != std::u16string_view::npos) components.push_back("/");
+    if (path.ends_with(u'/') && path.find_first_not_of(u'/') != std::u16string_view::npos) components.emplace_back("/");
     return NSArray::arrayWithVector(std::move(components));
 }
 

@@ -82,7 +82,9 @@ NSString NSString::stringByAbbreviatingWithTildeInPath() const {
     std::u16string_view const path = codeUnits();
     NSString const home = NSHomeDirectory();
     if (home.length() <= 1 || !isWithin(path, home.codeUnits())) return uncheckedCast<NSString>(copy());
-    return makeString(withoutTrailingSlashes(u"~" + std::u16string(path.substr(home.length()))));
+    std::u16string abbreviated(1, u'~');
+    abbreviated.append(path.substr(home.length()));
+    return makeString(withoutTrailingSlashes(std::move(abbreviated)));
 }
 
 NSString NSString::stringByStandardizingPath() const {

@@ -5,7 +5,6 @@
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 #include <unicode/ustring.h>
-#include <unicode/utf16.h>
 
 namespace mac {
 
@@ -55,25 +54,52 @@ void putMarksInOrder(Characters& characters) {
     }
 }
 
+// What one code point becomes; none becomes more than four code points, so that nothing is allocated.
+std::u16string decomposed(char32_t codePoint) {
+    std::array<char16_t, 16> units{};
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t length = -1;
+    if (codePoint >= FirstThatDecomposes)
+        length = unorm2_getDecomposition(NormalForms::shared().canonical, static_cast<UChar32>(codePoint), units.data(),
+                                         static_cast<std::int32_t>(units.size()), &status);
+    std::u16string result;
+    if (length < 0 || U_FAILURE(status))
+        appendCodePoint(result, codePoint);
+    else
+        result.assign(units.data(), static_cast<std::size_t>(length));
+    return result;
+}
+
+std::u16string caseFolded(char32_t codePoint) {
+    std::u16string text;
+    appendCodePoint(text, codePoint);
+    if (codePoint < 0x80) return {lowercaseASCII(text[0])};
+    std::array<char16_t, 16> units{};
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t const length = u_strFoldCase(units.data(), static_cast<std::int32_t>(units.size()), text.data(),
+                                              static_cast<std::int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    if (U_SUCCESS(status)) text.assign(units.data(), static_cast<std::size_t>(length));
+    return text;
+}
+
+// Most characters do, and these two questions are quick.
+bool becomesItself(char32_t codePoint) {
+    auto const point = static_cast<UChar32>(codePoint);
+    return unorm2_isInert(NormalForms::shared().canonical, point) && !u_hasBinaryProperty(point, UCHAR_CASE_SENSITIVE);
+}
+
+template <class Mapping>
+void mapEach(Characters& characters, Mapping const& mapping) {
+    Characters mapped;
+    mapped.reserve(characters.size());
+    for (FoldedCharacter const& character : characters)
+        appendAll(mapped, mapping(character.codePoint), character);
+    characters.swap(mapped);
+}
+
 void decompose(Characters& characters) {
-    Characters decomposed;
-    decomposed.reserve(characters.size());
-    for (FoldedCharacter const& character : characters) {
-        // The longest canonical decomposition has four code points.
-        std::array<char16_t, 32> units{};
-        UErrorCode status = U_ZERO_ERROR;
-        std::int32_t const length =
-            character.codePoint < FirstThatDecomposes
-                ? -1
-                : unorm2_getDecomposition(NormalForms::shared().canonical, static_cast<UChar32>(character.codePoint),
-                                          units.data(), static_cast<std::int32_t>(units.size()), &status);
-        if (length < 0 || U_FAILURE(status))
-            decomposed.push_back(character);
-        else
-            appendAll(decomposed, {units.data(), static_cast<std::size_t>(length)}, character);
-    }
-    putMarksInOrder(decomposed);
-    characters.swap(decomposed);
+    mapEach(characters, decomposed);
+    putMarksInOrder(characters);
 }
 
 // Full-width letters and half-width katakana become the usual ones.
@@ -88,31 +114,6 @@ void foldWidth(Characters& characters) {
                                                                units.data(), units.size(), &status);
         if (length > 0 && U_SUCCESS(status)) character.codePoint = codePointAt({units.data(), units.size()}, 0);
     }
-}
-
-void foldCase(Characters& characters) {
-    Characters folded;
-    folded.reserve(characters.size());
-    for (FoldedCharacter const& character : characters) {
-        if (character.codePoint < 0x80) {
-            folded.push_back(
-                {lowercaseASCII(static_cast<char16_t>(character.codePoint)), character.start, character.end});
-            continue;
-        }
-        std::array<char16_t, 2> units{};
-        std::size_t count = 0;
-        U16_APPEND_UNSAFE(units.data(), count, character.codePoint);
-        // One code point folds to three at most.
-        std::array<char16_t, 8> result{};
-        UErrorCode status = U_ZERO_ERROR;
-        std::int32_t const length = u_strFoldCase(result.data(), result.size(), units.data(),
-                                                  static_cast<std::int32_t>(count), U_FOLD_CASE_DEFAULT, &status);
-        if (U_FAILURE(status))
-            folded.push_back(character);
-        else
-            appendAll(folded, {result.data(), static_cast<std::size_t>(length)}, character);
-    }
-    characters.swap(folded);
 }
 
 } // namespace
@@ -138,7 +139,7 @@ std::vector<FoldedCharacter> foldedText(std::u16string_view units, TextFolding c
     if (folding.isWidthInsensitive) foldWidth(characters);
     bool const decomposes = folding.isCanonical || folding.isDiacriticInsensitive;
     if (decomposes) decompose(characters);
-    if (folding.isCaseInsensitive) foldCase(characters);
+    if (folding.isCaseInsensitive) mapEach(characters, caseFolded);
     // What folding made may have marks again.
     if (folding.isCaseInsensitive && decomposes) decompose(characters);
     if (folding.isDiacriticInsensitive)
@@ -146,10 +147,12 @@ std::vector<FoldedCharacter> foldedText(std::u16string_view units, TextFolding c
     return characters;
 }
 
-char32_t codePointAt(std::u16string_view units, std::size_t index) {
-    char16_t const unit = units[index];
-    if (!isHighSurrogate(unit) || index + 1 == units.size() || !isLowSurrogate(units[index + 1])) return unit;
-    return 0x10000 + ((unit & 0x3FFU) << 10) + (units[index + 1] & 0x3FFU);
+char32_t firstFoldedCodePoint(char32_t codePoint, TextFolding const& folding) {
+    if (becomesItself(codePoint)) return codePoint;
+    char32_t const first = folding.isCanonical ? codePointAt(decomposed(codePoint), 0) : codePoint;
+    if (!folding.isCaseInsensitive) return first;
+    char32_t const folded = codePointAt(caseFolded(first), 0);
+    return folding.isCanonical ? codePointAt(decomposed(folded), 0) : folded;
 }
 
 bool isCombining(char32_t codePoint) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/Encodings.h"
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -35,9 +36,8 @@ struct FoldedCharacter {
 
 std::vector<FoldedCharacter> foldedText(std::u16string_view units, TextFolding const& folding);
 
-// The code point at the index; a lone surrogate stands for itself.
-char32_t codePointAt(std::u16string_view units, std::size_t index);
-constexpr std::size_t unitCount(char32_t codePoint) { return codePoint < 0x10000 ? 1 : 2; }
+// The first of what a code point that is no mark becomes, where width and marks count.
+char32_t firstFoldedCodePoint(char32_t codePoint, TextFolding const& folding);
 // Marks, which belong to the character before them.
 bool isCombining(char32_t codePoint);
 

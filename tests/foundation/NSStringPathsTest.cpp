@@ -180,7 +180,7 @@ TEST(NSStringPaths, LosePrivateOnlyWhereTheRestExists) {
 class SymbolicLinks : public testing::Test {
 protected:
     // The temporary folder may lie behind a link itself.
-    SymbolicLinks() : root(bytesOf(path(m_folder.path()).stringByResolvingSymlinksInPath())) {}
+    SymbolicLinks() : m_root(bytesOf(path(m_folder.path()).stringByResolvingSymlinksInPath())) {}
 
     void link(std::string const& target, std::string_view name) const {
         ASSERT_EQ(0, ::symlink(target.c_str(), m_folder.path(name).c_str()));
@@ -190,7 +190,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
-    std::string root;
+    std::string m_root;
 };
 
 TEST_F(SymbolicLinks, AreFollowed) {
@@ -198,21 +198,21 @@ TEST_F(SymbolicLinks, AreFollowed) {
     link("real", "short");
     link(m_folder.path("short"), "absolute");
     link("../short/inner", "real/up");
-    EXPECT_EQ(root + "/real/inner", resolved("short/inner"));
-    EXPECT_EQ(root + "/real/inner", resolved("absolute/inner/"));
-    EXPECT_EQ(root + "/real/inner", resolved("short/up"));
+    EXPECT_EQ(m_root + "/real/inner", resolved("short/inner"));
+    EXPECT_EQ(m_root + "/real/inner", resolved("absolute/inner/"));
+    EXPECT_EQ(m_root + "/real/inner", resolved("short/up"));
 }
 
 TEST_F(SymbolicLinks, AreFollowedBeforeTheParentIsTaken) {
     m_folder.makeFolder("real/inner");
     link("real/inner", "short");
-    EXPECT_EQ(root + "/real", resolved("short/.."));
+    EXPECT_EQ(m_root + "/real", resolved("short/.."));
 }
 
 TEST_F(SymbolicLinks, AreFollowedAsFarAsTheyExist) {
     link("nowhere/at/all", "dangling");
-    EXPECT_EQ(root + "/nowhere/at/all/a", resolved("dangling/a"));
-    EXPECT_EQ(root + "/b", resolved("missing/../b"));
+    EXPECT_EQ(m_root + "/nowhere/at/all/a", resolved("dangling/a"));
+    EXPECT_EQ(m_root + "/b", resolved("missing/../b"));
 }
 
 TEST_F(SymbolicLinks, InACircleLeaveThePathAsItIsNamed) {
@@ -224,7 +224,7 @@ TEST_F(SymbolicLinks, InACircleLeaveThePathAsItIsNamed) {
 TEST_F(SymbolicLinks, OfOtherBytesThanUTF8AreFollowed) {
     m_folder.makeFolder("caf\xE9");
     link("caf\xE9", "short");
-    EXPECT_EQ(root + "/caf\xE9/a", resolved("short/a"));
+    EXPECT_EQ(m_root + "/caf\xE9/a", resolved("short/a"));
 }
 
 TEST_F(SymbolicLinks, AreNotFollowedInRelativePaths) {
@@ -241,7 +241,7 @@ TEST_F(SymbolicLinks, AreLeftInPathsTooLongForTheSystem) {
     std::string deep;
     for (int depth = 0; depth < 3000; ++depth)
         deep += "/abc";
-    EXPECT_EQ(root + deep, resolved(deep.substr(1)));
+    EXPECT_EQ(m_root + deep, resolved(deep.substr(1)));
 }
 
 } // namespace mac::test
