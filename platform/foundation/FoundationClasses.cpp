@@ -22,19 +22,17 @@ namespace mac {
 namespace {
 
 template <class... Classes>
-bool registerAll() {
-    (classOf<Classes>(), ...);
-    return true;
+void registerAll() {
+    [[maybe_unused]] static Class const* const all[]{&classOf<Classes>()...};
 }
 
 } // namespace
 
 void registerFoundationClasses() {
-    [[maybe_unused]] static bool const isDone =
-        registerAll<Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator, NSFileManager,
-                    NSMutableArray, NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification,
-                    NSNotificationCenter, NSNull, NSNumber, NSObject, NSPredicate, NSPropertyListSerialization,
-                    NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSValueTransformer>();
+    registerAll<Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator, NSFileManager,
+                NSMutableArray, NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification,
+                NSNotificationCenter, NSNull, NSNumber, NSObject, NSPredicate, NSPropertyListSerialization, NSRunLoop,
+                NSSet, NSSortDescriptor, NSString, NSTimer, NSValueTransformer>();
 }
 
 } // namespace mac

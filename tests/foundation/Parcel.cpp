@@ -120,6 +120,17 @@ void Recorder::Body::observeValueForKeyPath(NSString const& keyPath, id const& o
     if (m_whenTold) m_whenTold();
 }
 
+Parcel chain(int length) {
+    Parcel first;
+    for (int index = length - 1; index >= 0; --index) {
+        std::string const name(1, static_cast<char>('a' + index));
+        Parcel const parcel = Parcel::parcelWithName_(NSString::stringWithUTF8String_(name));
+        parcel.setNext_(first);
+        first = parcel;
+    }
+    return first;
+}
+
 std::string text(id const& object) { return object == nil ? "-" : object.description().UTF8String(); }
 
 void onThreads(unsigned count, std::function<void(unsigned)> const& function) {

@@ -111,6 +111,8 @@ public:
     std::function<void()> m_whenTold;
 };
 
+// Parcels a, b, c …, each the next of the one before.
+Parcel chain(int length);
 // The description as UTF-8; "-" for nil.
 std::string text(id const& object);
 // Calls the function on so many threads at once, with their numbers, and waits for them.
