@@ -56,7 +56,7 @@ private:
     bool hasBytes(std::uint64_t position, std::uint64_t count, std::uint64_t width) const;
     bool readInteger(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const;
     bool readReal(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const;
-    std::string readSized(BinaryMarker marker, std::uint8_t nibble, std::uint64_t position, BinaryObject& object) const;
+    std::string readSized(BinaryMarker marker, std::uint8_t nibble, std::uint64_t start, BinaryObject& object) const;
     std::string readString(bool isASCII, std::uint64_t position, std::size_t size, BinaryObject& object) const;
 
     std::span<std::byte const> m_data;

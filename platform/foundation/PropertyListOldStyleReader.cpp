@@ -100,7 +100,7 @@ private:
         if (std::string reason = withLine(m_builder.addKey(key.value())); !reason.empty()) return reason;
         if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
         if (m_scanner.peek() == u';') return withLine(m_builder.addString(key.value()));
-        if (!m_scanner.accept(u'=')) return m_scanner.unexpected("A \"=\" or \";\"");
+        if (!m_scanner.accept(u'=')) return m_scanner.unexpected(R"(A "=" or ";")");
         if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
         return readValue();
     }

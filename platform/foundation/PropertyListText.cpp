@@ -9,8 +9,6 @@ namespace mac {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
 // An XML declaration is the first thing in a file and short.
 constexpr std::size_t kLongestDeclaration = 256;
 // The longest name that is looked up among the encodings.
@@ -58,10 +56,9 @@ bool keepsASCII(UConverter* converter) {
         return false;
     }
     UErrorCode status = U_ZERO_ERROR;
-    signed char const width = ::ucnv_getMinCharSize(converter);
-    std::string_view const mark = width == 1                                          ? "<"sv
-                                  : ::ucnv_getType(converter) == UCNV_UTF16_BigEndian ? "\0<"sv
-                                                                                      : "<\0"sv;
+    std::string mark = "<";
+    if (::ucnv_getMinCharSize(converter) == 2)
+        mark.insert(::ucnv_getType(converter) == UCNV_UTF16_BigEndian ? 0 : 1, 1, '\0');
     char16_t unit = 0;
     ::ucnv_toUChars(converter, &unit, 1, mark.data(), static_cast<std::int32_t>(mark.size()), &status);
     ::ucnv_reset(converter);

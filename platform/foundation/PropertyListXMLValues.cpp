@@ -1,6 +1,7 @@
 #include "platform/foundation/PropertyListXMLValues.h"
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <chrono>
 #include <cmath>
@@ -79,7 +80,7 @@ NSNumber integerOfText(std::string_view text) {
         return *value < kMostNegative ? NSNumber::numberWithLongLong_(static_cast<long long>(*value))
                                       : NSNumber::numberWithUnsignedLongLong_(*value);
     if (*value > kMostNegative) return nil;
-    return NSNumber::numberWithLongLong_(static_cast<long long>(~*value + 1));
+    return NSNumber::numberWithLongLong_(std::bit_cast<long long>(std::uint64_t{0} - *value));
 }
 
 NSNumber realOfText(std::string_view text) {
@@ -110,9 +111,9 @@ NSDate dateOfText(std::string_view text) {
     chrono::year_month_day const day(chrono::year(*digits(text, 0, 4)),
                                      chrono::month(static_cast<unsigned>(*digits(text, 5, 2))),
                                      chrono::day(static_cast<unsigned>(*digits(text, 8, 2))));
-    int const hour = *digits(text, 11, 2);
-    int const minute = *digits(text, 14, 2);
-    int const second = *digits(text, 17, 2);
+    std::int64_t const hour = *digits(text, 11, 2);
+    std::int64_t const minute = *digits(text, 14, 2);
+    std::int64_t const second = *digits(text, 17, 2);
     if (!day.ok() || hour > 23 || minute > 59 || second > 59) return nil;
     std::int64_t const days = chrono::sys_days(day).time_since_epoch().count();
     std::int64_t const seconds = days * kSecondsOfDay + hour * 3600 + minute * 60 + second;
@@ -156,7 +157,8 @@ std::string textOfNumber(NSNumber const& number) {
 }
 
 std::optional<std::string> textOfDate(NSDate const& date) {
-    double const since1970 = std::floor(date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970);
+    // Rounded before the sum, which may be rounded up.
+    double const since1970 = std::floor(date.timeIntervalSinceReferenceDate()) + NSTimeIntervalSince1970;
     static constexpr double kFirst =
         static_cast<double>(chrono::sys_days(chrono::year(0) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
     static constexpr double kBehindLast =
