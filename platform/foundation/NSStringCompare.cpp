@@ -58,15 +58,18 @@ NSComparisonResult compareWhole(std::u16string_view first, std::u16string_view s
     return compareFolded(foldedText(first, folding), foldedText(second, folding), isNumeric);
 }
 
-// The index itself, or the one before it in the middle of what may be a pair.
-std::size_t characterStart(std::u16string_view units, std::size_t index) {
-    return index > 0 && isHighSurrogate(units[index - 1]) ? index - 1 : index;
+// The index at which the texts differ, or the one before where that begins a pair in one of them.
+std::size_t characterStart(std::u16string_view first, std::u16string_view second, std::size_t index) {
+    auto const isInPair = [&](std::u16string_view text) {
+        return index > 0 && index < text.size() && isHighSurrogate(text[index - 1]) && isLowSurrogate(text[index]);
+    };
+    return isInPair(first) || isInPair(second) ? index - 1 : index;
 }
 
 NSComparisonResult compareLiteral(std::u16string_view first, std::u16string_view second) {
     auto const [one, other] = std::ranges::mismatch(first, second);
     if (one == first.end() || other == second.end()) return ordered(first.size(), second.size());
-    std::size_t const index = characterStart(first, static_cast<std::size_t>(one - first.begin()));
+    std::size_t const index = characterStart(first, second, static_cast<std::size_t>(one - first.begin()));
     return ordered(codePointAt(first, index), codePointAt(second, index));
 }
 
@@ -96,7 +99,7 @@ NSComparisonResult compareFast(std::u16string_view first, std::u16string_view se
         if (lowercaseASCII(one) != lowercaseASCII(other)) return ordered(lowercaseASCII(one), lowercaseASCII(other));
     }
     if (index == first.size() && index == second.size()) return NSOrderedSame;
-    index = characterStart(first, index);
+    index = characterStart(first, second, index);
     if (index == first.size() && second[index] < 0x80) return NSOrderedAscending;
     if (index == second.size() && first[index] < 0x80) return NSOrderedDescending;
     std::optional<char32_t> const one = firstFolded(first, index, folding);

@@ -141,7 +141,14 @@ TEST(NSStringCompare, TakesNilForTheEmptyString) {
 TEST(NSStringCompare, HoldsForLoneSurrogates) {
     expectOrder({u"a\xDCFF", u"a\xDCFF", 0}, 0);
     expectOrder({u"a\xDCFE", u"a\xDCFF", -1}, NSCaseInsensitiveSearch);
-    expectOrder({u"\xD83D", u"\xD83D\xDE00", -1}, 0);
+    for (NSUInteger const options : {0U, 1U, 2U}) {
+        expectOrder({u"\xD83D", u"\xD83D\xDE00", -1}, options);
+        expectOrder({u"\xD83D"
+                     u"A",
+                     u"\xD83D\u0130", -1},
+                    options);
+        expectOrder({u"\xD83D\uFFEE", u"\xD83D\xDE00", -1}, options);
+    }
 }
 
 constexpr std::u16string_view Texts[]{
