@@ -1,7 +1,6 @@
 #include "tests/foundation/LongFolder.h"
 #include <climits>
 #include <fcntl.h>
-#include <ranges>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,8 +28,8 @@ LongFolder::LongFolder() : m_path(m_top.path()) {
 }
 
 LongFolder::~LongFolder() {
-    for (Made const& made : m_made | std::views::reverse)
-        ::unlinkat(made.folder, made.name.c_str(), made.flags);
+    for (; !m_made.empty(); m_made.pop_back())
+        ::unlinkat(m_made.back().folder, m_made.back().name.c_str(), m_made.back().flags);
     for (int const folder : m_folders)
         ::close(folder);
 }

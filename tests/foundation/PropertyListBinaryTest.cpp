@@ -6,7 +6,8 @@
 namespace mac::test {
 namespace {
 
-using std::string_literals::operator""s;
+// Text that may hold NUL.
+std::string operator""_bytes(char const* text, std::size_t size) { return {text, size}; }
 
 std::string number(std::uint64_t value, std::size_t width) {
     std::string bytes;
@@ -69,27 +70,34 @@ TEST_P(BinaryValue, IsRead) {
 INSTANTIATE_TEST_SUITE_P(
     PropertyListBinary, BinaryValue,
     testing::Values(
-        Row{"false", {"\x08"s}, "false"}, Row{"true", {"\x09"s}, "true"},
-        Row{"one byte, unsigned", {"\x10\xFF"s}, "i255"}, Row{"two bytes, unsigned", {"\x11\xFF\xFF"s}, "i65535"},
-        Row{"four bytes, unsigned", {"\x12\xFF\xFF\xFF\xFF"s}, "i4294967295"},
-        Row{"eight bytes, signed", {"\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFE"s}, "i-2"},
-        Row{"sixteen bytes, small", {"\x14"s + number(5, 16)}, "i5"},
+        Row{"false", {"\x08"_bytes}, "false"}, Row{"true", {"\x09"_bytes}, "true"},
+        Row{"one byte, unsigned", {"\x10\xFF"_bytes}, "i255"},
+        Row{"two bytes, unsigned", {"\x11\xFF\xFF"_bytes}, "i65535"},
+        Row{"four bytes, unsigned", {"\x12\xFF\xFF\xFF\xFF"_bytes}, "i4294967295"},
+        Row{"eight bytes, signed", {"\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFE"_bytes}, "i-2"},
+        Row{"sixteen bytes, small", {"\x14"_bytes + number(5, 16)}, "i5"},
         Row{"sixteen bytes, above the signed range",
-            {"\x14"s + number(~std::uint64_t{0}, 16)},
+            {"\x14"_bytes + number(~std::uint64_t{0}, 16)},
             "i18446744073709551615"},
-        Row{"sixteen bytes, negative", {"\x14"s + std::string(16, '\xFF')}, "i-1"},
-        Row{"real of four bytes", {"\x22\x3F\xC0\0\0"s}, "r1.5"},
-        Row{"real of eight bytes", {"\x23\x3F\xB9\x99\x99\x99\x99\x99\x9A"s}, "r0.10000000000000001"},
-        Row{"real that is no number", {"\x22\x7F\xC0\0\0"s}, "rnan"},
-        Row{"date", {"\x33\xBF\xE0\0\0\0\0\0\0"s}, "d-0.5"}, Row{"data", {"\x42\0\xFF"s}, "<00ff>"},
-        Row{"no data", {"\x40"s}, "<>"}, Row{"ASCII", {"\x52hi"s}, "\"hi\""},
-        Row{"UTF-16", {"\x62\0h\x20\xAC"s}, "\"h\\u20ac\""}, Row{"a lone surrogate", {"\x61\xDC\x80"s}, "\"\\udc80\""},
-        Row{"long ASCII", {"\x5F\x10\x10"s + std::string(16, 'x')}, "\"xxxxxxxxxxxxxxxx\""},
-        Row{"a size of eight bytes", {"\x5F\x13"s + number(2, 8) + "hi"}, "\"hi\""},
-        Row{"array", {"\xA2\x01\x02"s, "\x09"s, "\x08"s}, "[true,false]"}, Row{"no array", {"\xA0"s}, "[]"},
-        Row{"dictionary", {"\xD2\x01\x02\x03\x04"s, "\x51z"s, "\x51k"s, "\x09"s, "\x08"s}, "{\"k\":false,\"z\":true}"},
-        Row{"equal keys", {"\xD2\x01\x01\x02\x03"s, "\x51k"s, "\x09"s, "\x08"s}, "{\"k\":false}"},
-        Row{"an object that is used twice", {"\xA2\x01\x01"s, "\xA1\x02"s, "\x09"s}, "[[true],[true]]"}));
+        Row{"sixteen bytes, negative", {"\x14"_bytes + std::string(16, '\xFF')}, "i-1"},
+        Row{"real of four bytes", {"\x22\x3F\xC0\0\0"_bytes}, "r1.5"},
+        Row{"real of eight bytes", {"\x23\x3F\xB9\x99\x99\x99\x99\x99\x9A"_bytes}, "r0.10000000000000001"},
+        Row{"real that is no number", {"\x22\x7F\xC0\0\0"_bytes}, "rnan"},
+        Row{"date", {"\x33\xBF\xE0\0\0\0\0\0\0"_bytes}, "d-0.5"}, Row{"data", {"\x42\0\xFF"_bytes}, "<00ff>"},
+        Row{"no data", {"\x40"_bytes}, "<>"}, Row{"ASCII", {"\x52hi"_bytes}, "\"hi\""},
+        Row{"UTF-16", {"\x62\0h\x20\xAC"_bytes}, "\"h\\u20ac\""},
+        Row{"a lone surrogate", {"\x61\xDC\x80"_bytes}, "\"\\udc80\""},
+        Row{"long ASCII", {"\x5F\x10\x10"_bytes + std::string(16, 'x')}, "\"xxxxxxxxxxxxxxxx\""},
+        Row{"a size of eight bytes", {"\x5F\x13"_bytes + number(2, 8) + "hi"}, "\"hi\""},
+        Row{"array", {"\xA2\x01\x02"_bytes, "\x09"_bytes, "\x08"_bytes}, "[true,false]"},
+        Row{"no array", {"\xA0"_bytes}, "[]"},
+        Row{"dictionary",
+            {"\xD2\x01\x02\x03\x04"_bytes, "\x51z"_bytes, "\x51k"_bytes, "\x09"_bytes, "\x08"_bytes},
+            "{\"k\":false,\"z\":true}"},
+        Row{"equal keys", {"\xD2\x01\x01\x02\x03"_bytes, "\x51k"_bytes, "\x09"_bytes, "\x08"_bytes}, "{\"k\":false}"},
+        Row{"an object that is used twice",
+            {"\xA2\x01\x01"_bytes, "\xA1\x02"_bytes, "\x09"_bytes},
+            "[[true],[true]]"}));
 
 class BinaryMistake : public testing::TestWithParam<Row> {};
 
@@ -98,48 +106,52 @@ TEST_P(BinaryMistake, IsRefusedWithItsOffset) { EXPECT_EQ(complaint(file(GetPara
 INSTANTIATE_TEST_SUITE_P(
     PropertyListBinary, BinaryMistake,
     testing::Values(
-        Row{"null", {"\0"s}, "There is an object of a kind that property lists do not hold at offset 8"},
-        Row{"fill byte", {"\x0F"s}, "There is an object of a kind that property lists do not hold at offset 8"},
+        Row{"null", {"\0"_bytes}, "There is an object of a kind that property lists do not hold at offset 8"},
+        Row{"fill byte", {"\x0F"_bytes}, "There is an object of a kind that property lists do not hold at offset 8"},
         Row{"unique identifier",
-            {"\x80\x01"s},
+            {"\x80\x01"_bytes},
             "There is an object of a kind that property lists do not hold at offset 8"},
-        Row{"set", {"\xC0"s}, "There is an object of a kind that property lists do not hold at offset 8"},
+        Row{"set", {"\xC0"_bytes}, "There is an object of a kind that property lists do not hold at offset 8"},
         Row{"integer of 32 bytes",
-            {"\x15"s + std::string(32, '\0')},
+            {"\x15"_bytes + std::string(32, '\0')},
             "An integer is cut off or has more than 64 bits at offset 8"},
         Row{"integer above 64 bits",
-            {"\x14"s + std::string(16, '\x01')},
+            {"\x14"_bytes + std::string(16, '\x01')},
             "An integer is cut off or has more than 64 bits at offset 8"},
         Row{"integer below 64 bits",
-            {"\x14"s + std::string(8, '\xFF') + std::string(8, '\0')},
+            {"\x14"_bytes + std::string(8, '\xFF') + std::string(8, '\0')},
             "An integer is cut off or has more than 64 bits at offset 8"},
-        Row{"cut integer", {"\x13\0\0"s}, "An integer is cut off or has more than 64 bits at offset 8"},
-        Row{"real of one byte", {"\x20\0"s}, "A real is cut off or has another width than 4 or 8 bytes at offset 8"},
-        Row{"cut real", {"\x23\0"s}, "A real is cut off or has another width than 4 or 8 bytes at offset 8"},
-        Row{"cut date", {"\x33\0"s}, "A date is cut off at offset 8"},
-        Row{"date that is no number", {"\x33\x7F\xF8\0\0\0\0\0\0"s}, "A date is no number at offset 8"},
-        Row{"endless date", {"\x33\x7F\xF0\0\0\0\0\0\0"s}, "A date is no number at offset 8"},
-        Row{"cut string", {"\x55hi"s}, "An object is larger than the file, at offset 8"},
-        Row{"UTF-16 cut in a unit", {"\x62\0h\0"s}, "An object is larger than the file, at offset 8"},
-        Row{"two gigabytes", {"\x4F\x12\x80\0\0\0"s}, "An object is larger than the file, at offset 8"},
+        Row{"cut integer", {"\x13\0\0"_bytes}, "An integer is cut off or has more than 64 bits at offset 8"},
+        Row{"real of one byte",
+            {"\x20\0"_bytes},
+            "A real is cut off or has another width than 4 or 8 bytes at offset 8"},
+        Row{"cut real", {"\x23\0"_bytes}, "A real is cut off or has another width than 4 or 8 bytes at offset 8"},
+        Row{"cut date", {"\x33\0"_bytes}, "A date is cut off at offset 8"},
+        Row{"date that is no number", {"\x33\x7F\xF8\0\0\0\0\0\0"_bytes}, "A date is no number at offset 8"},
+        Row{"endless date", {"\x33\x7F\xF0\0\0\0\0\0\0"_bytes}, "A date is no number at offset 8"},
+        Row{"cut string", {"\x55hi"_bytes}, "An object is larger than the file, at offset 8"},
+        Row{"UTF-16 cut in a unit", {"\x62\0h\0"_bytes}, "An object is larger than the file, at offset 8"},
+        Row{"two gigabytes", {"\x4F\x12\x80\0\0\0"_bytes}, "An object is larger than the file, at offset 8"},
         Row{"all there is",
-            {"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"s},
+            {"\x5F\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"_bytes},
             "An object is larger than the file, at offset 8"},
         Row{"references past all there is",
-            {"\xDF\x13\x80\0\0\0\0\0\0\0"s},
+            {"\xDF\x13\x80\0\0\0\0\0\0\0"_bytes},
             "An object is larger than the file, at offset 8"},
-        Row{"size that is no integer", {"\x5F\x23\0\0\0\0\0\0\0\0"s}, "The size of an object is no size at offset 8"},
-        Row{"missing size", {"\x5F"s}, "The size of an object is no size at offset 8"},
-        Row{"string that is not ASCII", {"\x51\xE9"s}, "A string that is said to be ASCII is not, at offset 9"},
-        Row{"reference to nothing", {"\xA1\x07"s}, "A reference leads outside of the file's objects at offset 8"},
+        Row{"size that is no integer",
+            {"\x5F\x23\0\0\0\0\0\0\0\0"_bytes},
+            "The size of an object is no size at offset 8"},
+        Row{"missing size", {"\x5F"_bytes}, "The size of an object is no size at offset 8"},
+        Row{"string that is not ASCII", {"\x51\xE9"_bytes}, "A string that is said to be ASCII is not, at offset 9"},
+        Row{"reference to nothing", {"\xA1\x07"_bytes}, "A reference leads outside of the file's objects at offset 8"},
         Row{"key that is no string",
-            {"\xD1\x01\x01"s, "\x09"s},
+            {"\xD1\x01\x01"_bytes, "\x09"_bytes},
             "A dictionary has a key that is no string at offset 8"},
-        Row{"array in itself", {"\xA1\x01"s, "\xA1\0"s}, "A container holds itself at offset 8"}));
+        Row{"array in itself", {"\xA1\x01"_bytes, "\xA1\0"_bytes}, "A container holds itself at offset 8"}));
 
 TEST(PropertyListBinary, ReadsNumbersOfAnyWidthInItsTables) {
     for (std::size_t const width : {1U, 2U, 3U, 5U, 8U}) {
-        std::string const objects = "bplist00\xA1"s + number(1, width) + "\x09";
+        std::string const objects = "bplist00\xA1"_bytes + number(1, width) + "\x09";
         Trailer const trailer{width, width, 2, 0, objects.size()};
         std::string const table = number(8, width) + number(objects.size() - 1, width);
         EXPECT_EQ(dump(readList(objects + table + trailerBytes(trailer)).list), "[true]") << width;
@@ -147,10 +159,10 @@ TEST(PropertyListBinary, ReadsNumbersOfAnyWidthInItsTables) {
 }
 
 TEST(PropertyListBinary, IsRefusedWhereverItIsCut) {
-    std::string const whole = file({"\xA2\x01\x02"s,
+    std::string const whole = file({"\xA2\x01\x02"_bytes,
                                     "\x53"
-                                    "abc"s,
-                                    "\x13\0\0\0\0\0\0\0\x05"s});
+                                    "abc"_bytes,
+                                    "\x13\0\0\0\0\0\0\0\x05"_bytes});
     for (std::size_t length = 6; length < whole.size(); ++length)
         EXPECT_NE(complaint(whole.substr(0, length)), "") << length;
 }
@@ -178,39 +190,41 @@ TEST(PropertyListBinary, RefusesATrailerThatDoesNotFitTheFile) {
 
 TEST(PropertyListBinary, RefusesAnOffsetOutsideOfTheObjects) {
     for (char const offset : {'\0', '\x07', '\x09', '\x7F'}) {
-        std::string const bytes = "bplist00\x09"s + offset + trailerBytes({1, 1, 1, 0, 9});
+        std::string const bytes = "bplist00\x09"_bytes + offset + trailerBytes({1, 1, 1, 0, 9});
         EXPECT_EQ(complaint(bytes),
                   "An object lies outside of the file's objects, at offset " + std::to_string(int{offset}));
     }
 }
 
 TEST(PropertyListBinary, RefusesAVersionThatIsNotKnown) {
-    std::string bytes = file({"\x09"s});
+    std::string bytes = file({"\x09"_bytes});
     bytes[6] = '1';
     EXPECT_EQ(complaint(bytes), "The version of the file is not known");
 }
 
 TEST(PropertyListBinary, SharesWhatTheFileShares) {
-    auto const array = as<NSArray>(readList(file({"\xA2\x01\x01"s, "\xA1\x02"s, "\x09"s})).list);
+    auto const array = as<NSArray>(readList(file({"\xA2\x01\x01"_bytes, "\xA1\x02"_bytes, "\x09"_bytes})).list);
     EXPECT_TRUE(isSame(array.objectAtIndex_(0), array.objectAtIndex_(1)));
 }
 
 TEST(PropertyListBinary, SharesNoContainersThatCanBeChanged) {
-    auto const array =
-        as<NSArray>(readList(file({"\xA3\x01\x01\x02"s, "\xA1\x02"s, "\x51x"s}), NSPropertyListMutableContainers).list);
+    auto const array = as<NSArray>(
+        readList(file({"\xA3\x01\x01\x02"_bytes, "\xA1\x02"_bytes, "\x51x"_bytes}), NSPropertyListMutableContainers)
+            .list);
     EXPECT_FALSE(isSame(array.objectAtIndex_(0), array.objectAtIndex_(1)));
     auto const inner = as<NSMutableArray>(array.objectAtIndex_(0));
     inner.addObject_("added");
-    EXPECT_EQ(dump(array), "[[\"x\",\"added\"],[\"x\"],\"x\"]");
+    EXPECT_EQ(dump(array), R"([["x","added"],["x"],"x"])");
     EXPECT_EQ(as<NSMutableString>(array.objectAtIndex_(2)) == nil, true);
 }
 
 TEST(PropertyListBinary, SharesNoLeavesThatCanBeChanged) {
-    auto const array = as<NSArray>(
-        readList(file({"\xA4\x01\x01\x02\x02"s, "\x51x"s, "\x41y"s}), NSPropertyListMutableContainersAndLeaves).list);
+    auto const array = as<NSArray>(readList(file({"\xA4\x01\x01\x02\x02"_bytes, "\x51x"_bytes, "\x41y"_bytes}),
+                                            NSPropertyListMutableContainersAndLeaves)
+                                       .list);
     as<NSMutableString>(array.objectAtIndex_(0)).appendString_("!");
     as<NSMutableData>(array.objectAtIndex_(2)).setLength_(0);
-    EXPECT_EQ(dump(array), "[\"x!\",\"x\",<>,<79>]");
+    EXPECT_EQ(dump(array), R"(["x!","x",<>,<79>])");
 }
 
 } // namespace

@@ -7,7 +7,8 @@
 namespace mac::test {
 namespace {
 
-using std::string_literals::operator""s;
+// Text that may hold NUL.
+std::string operator""_bytes(char const* text, std::size_t size) { return {text, size}; }
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
@@ -89,9 +90,9 @@ TEST(PropertyListBounds, DepthCountsAlsoWhereAnObjectIsShared) {
         table += number(bytes.size(), 4);
         bytes += object;
     };
-    add("\xA2"s + number(kEach + 1, 4) + number(1, 4));
+    add("\xA2"_bytes + number(kEach + 1, 4) + number(1, 4));
     for (std::size_t index = 1; index <= kEach * 2; ++index)
-        add(index == kEach * 2 ? "\xA0"s : "\xA1"s + number(index + 1, 4));
+        add(index == kEach * 2 ? "\xA0"_bytes : "\xA1"_bytes + number(index + 1, 4));
     EXPECT_TRUE(isTooDeep(bytes + table + std::string(6, '\0') + "\x04\x04" + number(kEach * 2 + 1, 8) + number(0, 8) +
                           number(bytes.size(), 8)));
 }
@@ -112,9 +113,9 @@ TEST(PropertyListBounds, SharedContainersBelowTheBoundAreRead) {
 
 // 20 references to one string of 16 MiB.
 TEST(PropertyListBounds, SharedTextCountsAsOftenAsItIsMet) {
-    std::string bytes = "bplist00\xAF\x10\x14"s + repeated("\x01", 20);
+    std::string bytes = "bplist00\xAF\x10\x14"_bytes + repeated("\x01", 20);
     std::size_t const string = bytes.size();
-    bytes += "\x5F\x12"s + number(16 << 20, 4) + std::string(16 << 20, 'x');
+    bytes += "\x5F\x12"_bytes + number(16 << 20, 4) + std::string(16 << 20, 'x');
     std::string const table = number(8, 4) + number(string, 4);
     EXPECT_TRUE(isTooLarge(bytes + table + std::string(6, '\0') + "\x04\x01" + number(2, 8) + number(0, 8) +
                            number(bytes.size(), 8)));

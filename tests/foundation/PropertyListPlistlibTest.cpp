@@ -22,6 +22,7 @@ constexpr int kLists = 150;
 std::optional<int> runPython(std::vector<std::string> arguments, std::string const& output) {
     arguments.insert(arguments.begin(), {"python3", FRAMEKEEPER_TEST_DATA "/plistlib_lists.py"});
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments)
         pointers.push_back(argument.data());
     pointers.push_back(nullptr);

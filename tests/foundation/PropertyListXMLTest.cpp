@@ -176,7 +176,7 @@ std::string wide(std::string_view ascii, bool isBigEndian) {
     return bytes;
 }
 
-constexpr std::string_view kDeclared16 = "<?xml version=\"1.0\" encoding=\"UTF-16\"?><string>a</string>";
+constexpr std::string_view kDeclared16 = R"(<?xml version="1.0" encoding="UTF-16"?><string>a</string>)";
 
 class XMLEncoding : public testing::TestWithParam<EncodingRow> {};
 
