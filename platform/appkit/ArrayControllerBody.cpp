@@ -1,11 +1,11 @@
 #include "platform/appkit/ArrayControllerBody.h"
+#include "platform/appkit/IdentityPlaces.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSSet.h"
+#include "platform/foundation/NSSortDescriptor.h"
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <optional>
-#include <unordered_map>
 
 namespace mac {
 
@@ -46,39 +46,6 @@ private:
     std::vector<NSString> m_keys;
 };
 
-// Places by identity, by value or by the very object. Nil is equal to nothing and has no place.
-class Places {
-public:
-    explicit Places(bool isByValue, std::size_t count) : m_places(count, Hash{isByValue}, Equal{isByValue}) {}
-
-    // The first of several equal ones keeps the place.
-    void add(id const& identity, std::size_t place) {
-        if (identity != nil) m_places.emplace(identity, place);
-    }
-    // Answers the place once and gives it away; nothing when there is none.
-    std::optional<std::size_t> take(id const& identity) {
-        auto const found = identity == nil ? m_places.end() : m_places.find(identity);
-        if (found == m_places.end()) return std::nullopt;
-        std::size_t const place = found->second;
-        m_places.erase(found);
-        return place;
-    }
-
-private:
-    struct Hash {
-        bool isByValue;
-        std::size_t operator()(id const& object) const {
-            return isByValue ? object.hash() : std::hash<void const*>()(object.body());
-        }
-    };
-    struct Equal {
-        bool isByValue;
-        bool operator()(id const& a, id const& b) const { return isByValue ? a.isEqual_(b) : isSame(a, b); }
-    };
-
-    std::unordered_map<id, std::size_t, Hash, Equal> m_places;
-};
-
 NSArray objectsOf(id const& content) {
     if (content == nil) return NSArray::array();
     if (content.isKindOfClass_(classOf<NSSet>())) return as<NSSet>(content).allObjects();
@@ -90,14 +57,14 @@ NSArray objectsOf(id const& content) {
 } // namespace
 
 NSArrayController::Body::Entry NSArrayController::Body::makeEntry(id const& object) const {
-    return {object, m_identityKeyPath == nil ? object : object.valueForKeyPath_(m_identityKeyPath)};
+    return {object, m_identityKeyPath == nil ? object : valueOfKeyPath(object, m_identityKeyPath)};
 }
 
 // What was there before stands first, in its old order, and takes over row and selection; so do equals when they are
 // sorted.
 std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(id const& content) const {
     NSArray const objects = objectsOf(content);
-    Places places(m_identityKeyPath != nil, m_entries.size());
+    IdentityPlaces places(m_identityKeyPath != nil, m_entries.size());
     for (std::size_t place = 0; place < m_entries.size(); ++place)
         places.add(m_entries[place].identity, place);
     std::vector<Entry> known(m_entries.size());
@@ -111,6 +78,7 @@ std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(i
         }
         entry.row = m_entries[*place].row;
         entry.isSelected = m_entries[*place].isSelected;
+        entry.formerPlace = *place;
         known[*place] = std::move(entry);
     }
     std::erase_if(known, [](Entry const& entry) { return entry.object == nil; });
@@ -118,32 +86,27 @@ std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(i
     return known;
 }
 
-// Sorts the objects as the framework does and lets the entries follow; an object may stand there more than once.
-std::vector<NSArrayController::Body::Entry> NSArrayController::Body::sorted(std::vector<Entry> entries,
-                                                                            NSArray const& criteria) {
-    if (criteria.count() == 0) return entries;
-    constexpr std::size_t None = SIZE_MAX;
-    std::unordered_map<ObjectBody const*, std::size_t> first(entries.size());
-    std::vector<std::size_t> next(entries.size(), None);
-    std::vector<id> objects(entries.size());
-    for (std::size_t index = entries.size(); index-- > 0;) {
-        objects[index] = entries[index].object;
-        auto const [place, isNew] = first.try_emplace(objects[index].body(), index);
-        if (!isNew) next[index] = std::exchange(place->second, index);
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(std::vector<Entry> entries,
+                                                                NSArray const& criteria) const {
+    std::vector<id> objects;
+    std::vector<std::size_t> formerPlaces;
+    objects.reserve(entries.size());
+    formerPlaces.reserve(entries.size());
+    for (Entry& entry : entries) {
+        objects.push_back(entry.object);
+        formerPlaces.push_back(std::exchange(entry.formerPlace, KeptOrder::None));
     }
-    std::vector<Entry> result;
-    result.reserve(entries.size());
-    for (id const& object : NSArray::arrayWithVector(std::move(objects)).sortedArrayUsingDescriptors_(criteria)) {
-        std::size_t& place = first.at(object.body());
-        std::size_t const index = std::exchange(place, next[place]);
-        result.push_back(std::move(entries[index]));
-    }
+    auto [order, values] = m_order.sort(objects, formerPlaces, criteria);
+    Sorted result{{}, std::move(values)};
+    result.entries.reserve(entries.size());
+    for (std::size_t const index : order)
+        result.entries.push_back(std::move(entries[index]));
     return result;
 }
 
-NSArrayController::Body::Arrangement NSArrayController::Body::arrange(std::vector<Entry> entries,
-                                                                      NSPredicate const& filter) const {
-    Places awaited(m_identityKeyPath != nil, m_awaited.size());
+NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sorted, NSPredicate const& filter) const {
+    std::vector<Entry>& entries = sorted.entries;
+    IdentityPlaces awaited(m_identityKeyPath != nil, m_awaited.size());
     for (id const& identity : m_awaited)
         awaited.add(identity, 0);
     Arrangement result;
@@ -164,7 +127,8 @@ NSArrayController::Body::Arrangement NSArrayController::Body::arrange(std::vecto
     for (id const& identity : m_awaited) {
         if (awaited.take(identity)) result.stillAwaited.push_back(identity);
     }
-    result.entries = std::move(entries);
+    result.entries = std::move(sorted.entries);
+    result.sortValues = std::move(sorted.values);
     return result;
 }
 
@@ -174,6 +138,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     change.with(furtherKeys).with(ArrangementKeys).with(SelectionKeys);
     changeFurther();
     m_entries = std::move(arrangement.entries);
+    m_order.keep(std::move(arrangement.sortValues));
     m_previouslyArranged = m_arranged;
     m_arranged = NSArray::arrayWithVector(std::move(arrangement.arranged));
     m_previousRows = std::move(arrangement.previousRows);
@@ -199,16 +164,19 @@ void NSArrayController::Body::rearrange() {
 }
 
 void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
-    NSArray const kept = descriptors == nil ? NSArray::array() : NSArray::arrayWithArray_(descriptors);
+    NSMutableArray const kept = NSMutableArray::array();
+    for (id const& descriptor : descriptors) {
+        if (descriptor.isKindOfClass_(classOf<NSSortDescriptor>())) kept.addObject_(descriptor);
+    }
     static constexpr char const* Key[]{"sortDescriptors"};
     show(
-        arrange(sorted(m_entries, kept), m_filter), [&] { m_descriptors = kept; }, Key);
+        arrange(sorted(m_entries, kept), m_filter), [&] { m_descriptors = NSArray::arrayWithArray_(kept); }, Key);
 }
 
 void NSArrayController::Body::setFilterPredicate(NSPredicate const& predicate) {
     static constexpr char const* Key[]{"filterPredicate"};
     show(
-        arrange(m_entries, predicate), [&] { m_filter = predicate; }, Key);
+        arrange({m_entries, m_order.values()}, predicate), [&] { m_filter = predicate; }, Key);
 }
 
 void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {
@@ -227,7 +195,7 @@ NSArray NSArrayController::Body::selectedObjects() const {
 }
 
 bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
-    Places wanted(m_identityKeyPath != nil, objects.count());
+    IdentityPlaces wanted(m_identityKeyPath != nil, objects.count());
     for (id const& object : objects)
         wanted.add(makeEntry(object).identity, 0);
     std::vector<NSUInteger> rows;

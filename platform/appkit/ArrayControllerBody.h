@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/KeyPathObserver.h"
 #include "platform/appkit/NSArrayController.h"
 #include <memory>
@@ -45,6 +46,8 @@ private:
         id identity;
         NSUInteger row{NSNotFound};
         bool isSelected{false};
+        // Where it stood in the content's order before; only while a new one is made.
+        std::size_t formerPlace{KeptOrder::None};
     };
 
     // What is shown next; made whole before anything changes, since reading objects may raise.
@@ -54,19 +57,25 @@ private:
         std::vector<NSUInteger> previousRows;
         std::vector<NSUInteger> selectedRows;
         std::vector<id> stillAwaited;
+        std::vector<id> sortValues;
+    };
+    struct Sorted {
+        std::vector<Entry> entries;
+        std::vector<id> values;
     };
 
     id self() { return id::retain(this); }
     Entry makeEntry(id const& object) const;
     std::vector<Entry> entriesOf(id const& content) const;
-    static std::vector<Entry> sorted(std::vector<Entry> entries, NSArray const& criteria);
-    Arrangement arrange(std::vector<Entry> entries, NSPredicate const& filter) const;
+    Sorted sorted(std::vector<Entry> entries, NSArray const& criteria) const;
+    Arrangement arrange(Sorted sorted, NSPredicate const& filter) const;
     void show(Arrangement arrangement, std::function<void()> const& changeFurther,
               std::span<char const* const> furtherKeys);
     void readBinding();
 
     id m_content;
     std::vector<Entry> m_entries;
+    KeptOrder m_order;
     NSArray m_arranged{NSArray::array()};
     NSArray m_descriptors{NSArray::array()};
     NSPredicate m_filter;

@@ -1,4 +1,5 @@
 #include "platform/appkit/TableColumn.h"
+#include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Log.h"
 #include <QHash>
@@ -66,13 +67,13 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
 
 QString TableColumn::textOf(id const& object) const {
     if (keyPath == nil) return {};
-    id const value = object.valueForKeyPath_(keyPath);
+    id const value = valueOfKeyPath(object, keyPath);
     return visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
 }
 
 NSColor TableColumn::colorOf(id const& object) const {
     if (keyPath == nil || colorTransformer == nil) return nil;
-    return as<NSColor>(colorTransformer.transformedValue_(object.valueForKeyPath_(keyPath)));
+    return as<NSColor>(colorTransformer.transformedValue_(valueOfKeyPath(object, keyPath)));
 }
 
 } // namespace mac

@@ -1,8 +1,10 @@
 #include "platform/appkit/TableColumnWidths.h"
 #include "platform/appkit/TableCellDelegate.h"
 #include "platform/appkit/TableModel.h"
+#include "platform/foundation/Boundary.h"
 #include <QEvent>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <algorithm>
 
 namespace mac {
@@ -14,12 +16,15 @@ namespace {
 constexpr int WidestFit = 40;
 constexpr int NarrowestFill = 30;
 constexpr int NarrowestSection = 30;
+// So many rows count for the widths before anybody looks at them.
+constexpr int FirstRows = 1000;
 
 } // namespace
 
 TableColumnWidths::TableColumnWidths(QTableView* view, TableModel const& model) : m_view(view), m_model(model) {
     setInitialWidths();
     view->viewport()->installEventFilter(this);
+    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { guarded([&] { fitContents(); }); });
     connect(view->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { fillWidth(); });
 }
 
@@ -52,16 +57,19 @@ void TableColumnWidths::fillWidth() {
     header->resizeSection(section, std::max(m_view->viewport()->width() - others, narrowest));
 }
 
-void TableColumnWidths::fitContents(std::span<NSUInteger const> previousRows) {
+void TableColumnWidths::fitContents() {
     if (!m_view) return;
-    int const firstSeen = std::max(m_view->rowAt(0), 0);
-    int const seenCount = m_view->viewport()->height() / m_view->verticalHeader()->defaultSectionSize() + 1;
+    fitRows(0, FirstRows);
+    fitRows(m_view->rowAt(0), m_view->viewport()->height() / m_view->verticalHeader()->defaultSectionSize() + 1);
+}
+
+void TableColumnWidths::fitRows(int first, int count) {
+    int const begin = std::max(first, 0);
+    int const end = std::min(begin + count, m_model.rowCount());
     for (int section = 0; section < m_model.columnCount(); ++section) {
         if (!m_model.columns()[static_cast<std::size_t>(section)].fitsContents) continue;
-        for (int row = 0; row < m_model.rowCount(); ++row) {
-            bool const isNew = previousRows.empty() || previousRows[static_cast<std::size_t>(row)] == NSNotFound;
-            if (isNew || (row >= firstSeen && row < firstSeen + seenCount)) fitCell(row, section);
-        }
+        for (int row = begin; row < end; ++row)
+            fitCell(row, section);
     }
 }
 

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "platform/foundation/Types.h"
 #include <QObject>
 #include <QPointer>
 #include <QSet>
 #include <QTableView>
-#include <span>
 
 namespace mac {
 
@@ -18,13 +16,14 @@ public:
     // Both outlive it, or the view is gone.
     TableColumnWidths(QTableView* view, TableModel const& model);
 
-    // Looks at the rows that are new (all where nothing is given) and at those on the screen.
-    void fitContents(std::span<NSUInteger const> previousRows);
+    // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
+    void fitContents();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void setInitialWidths();
+    void fitRows(int first, int count);
     void fitCell(int row, int section);
     void fillWidth();
     int widthForText(QString const& text) const;

@@ -148,7 +148,7 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     else
         m_model.resetRows(rows);
     m_shown = rows;
-    m_widths->fitContents(isNextChange ? controller.previousRows() : std::span<NSUInteger const>());
+    m_widths->fitContents();
     restore(kept);
 }
 

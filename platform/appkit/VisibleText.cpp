@@ -21,17 +21,16 @@ char16_t visibleUnit(char16_t unit) {
 
 QString visibleText(NSString const& text) {
     std::u16string_view const units = text.codeUnits();
-    QString result;
-    result.reserve(static_cast<qsizetype>(units.size()));
+    QString result(reinterpret_cast<QChar const*>(units.data()), static_cast<qsizetype>(units.size()));
     for (std::size_t i = 0; i < units.size(); ++i) {
+        bool const isPlain = units[i] >= 0x20 && units[i] < 0x7F;
+        if (isPlain) continue;
         bool const isPair =
             QChar::isHighSurrogate(units[i]) && i + 1 < units.size() && QChar::isLowSurrogate(units[i + 1]);
-        if (isPair) {
-            result += QChar(units[i]);
-            result += QChar(units[++i]);
-        } else {
-            result += QChar(visibleUnit(units[i]));
-        }
+        if (isPair)
+            ++i;
+        else if (char16_t const visible = visibleUnit(units[i]); visible != units[i])
+            result[static_cast<qsizetype>(i)] = QChar(visible);
     }
     return result;
 }

@@ -1,18 +1,14 @@
-#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/ThemeColors.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/appkit/LoadedWindow.h"
 #include "tests/support/RunUntil.h"
-#include <QApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextDocument>
-#include <QToolBar>
-#include <QToolButton>
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -245,82 +241,6 @@ TEST(MainWindow, LogsAnExceptionInAnActionAndGoesOn) {
     EXPECT_EQ(window.controller().messages().back(), "trashAction:");
     EXPECT_TRUE(lines.contains("NSRangeException"));
     EXPECT_EQ(window.column(PathColumn), QStringList("/a"));
-}
-
-bool showsSomething(QIcon const& icon) {
-    QImage const image = icon.pixmap(16, 16).toImage();
-    for (int x = 0; x < image.width(); ++x) {
-        for (int y = 0; y < image.height(); ++y) {
-            if (image.pixelColor(x, y).alpha() > 0) return true;
-        }
-    }
-    return false;
-}
-
-TEST(MainWindow, OffersEveryActionAsAButtonWithTextIconAndToolTipAndInTheContextMenu) {
-    LoadedWindow const window;
-    QList<QAction*> onButtons;
-    for (QToolButton* const button : window.widget()->findChildren<QToolButton*>()) {
-        if (button->defaultAction()) onButtons.append(button->defaultAction());
-    }
-    int count = 0;
-    for (QAction* const action : window.widget()->findChildren<QAction*>()) {
-        if (!action->property("action").isValid()) continue;
-        SCOPED_TRACE(action->objectName().toStdString());
-        ++count;
-        EXPECT_TRUE(onButtons.contains(action));
-        EXPECT_TRUE(window.table()->actions().contains(action));
-        EXPECT_FALSE(action->text().isEmpty());
-        EXPECT_NE(action->toolTip(), action->text());
-        EXPECT_TRUE(showsSomething(action->icon()));
-        bool const isWithoutShortcut =
-            action->objectName() == "logOutAction" || action->objectName() == "quitFinderAction";
-        EXPECT_EQ(action->shortcut().isEmpty(), isWithoutShortcut);
-        EXPECT_FALSE(isWithoutShortcut && action->text().contains('&'));
-    }
-    EXPECT_EQ(count, 14);
-    EXPECT_EQ(window.table()->contextMenuPolicy(), Qt::ActionsContextMenu);
-}
-
-TEST(MainWindow, GivesNoKeyToTwoActions) {
-    LoadedWindow const window;
-    QStringList keys;
-    for (QAction const* const action : window.widget()->findChildren<QAction*>()) {
-        for (QKeySequence const& key : action->shortcuts())
-            keys.append(key.toString());
-        QKeySequence const mnemonic = QKeySequence::mnemonic(action->text());
-        if (!mnemonic.isEmpty()) keys.append(mnemonic.toString());
-    }
-    QStringList unique = keys;
-    unique.removeDuplicates();
-    EXPECT_EQ(unique, keys);
-}
-
-TEST(MainWindow, NamesEveryControlForAssistiveTechnology) {
-    LoadedWindow const window;
-    for (QWidget* const widget : window.widget()->findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus || widget->objectName().startsWith("qt_")) continue;
-        auto* const button = qobject_cast<QAbstractButton*>(widget);
-        bool const isNamed = !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
-        EXPECT_TRUE(isNamed) << widget->metaObject()->className() << " " << widget->objectName().toStdString();
-    }
-}
-
-TEST(MainWindow, ReachesEveryButtonByTab) {
-    LoadedWindow const window;
-    QSet<QWidget*> reached;
-    for (QWidget* widget = window.table(); !reached.contains(widget); widget = widget->nextInFocusChain())
-        reached.insert(widget);
-    int count = 0;
-    for (QToolButton* const button : window.widget()->findChildren<QToolButton*>()) {
-        bool const isAction = button->defaultAction() && button->defaultAction()->property("action").isValid();
-        if (!isAction) continue;
-        ++count;
-        EXPECT_TRUE(reached.contains(button));
-        EXPECT_TRUE(button->focusPolicy() & Qt::TabFocus) << button->text().toStdString();
-    }
-    EXPECT_EQ(count, 14);
-    EXPECT_TRUE(window.table()->hasFocus());
 }
 
 TEST(MainWindow, ShowsThatItSearchesAndWhatCouldNotBeRead) {
