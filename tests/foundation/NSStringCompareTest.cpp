@@ -198,9 +198,9 @@ INSTANTIATE_TEST_SUITE_P(OfOptions, NSStringOrder,
 
 TEST_P(NSStringOrder, IsTotal) {
     for (std::u16string_view const first : Texts) {
-        for (std::u16string_view const second : Texts) {
-            EXPECT_EQ(-orderOf(first, second, GetParam()), orderOf(second, first, GetParam()));
-            EXPECT_EQ(0, contradictions(first, second, GetParam()));
+        for (std::u16string_view const other : Texts) {
+            EXPECT_EQ(-orderOf(first, other, GetParam()), orderOf(other, first, GetParam()));
+            EXPECT_EQ(0, contradictions(first, other, GetParam()));
         }
     }
 }
