@@ -13,6 +13,13 @@ namespace mac {
 
 namespace {
 
+std::u16string concatenated(std::initializer_list<std::u16string_view> parts) {
+    std::u16string whole;
+    for (std::u16string_view const part : parts)
+        whole += part;
+    return whole;
+}
+
 std::u16string fromAscii(std::string_view text) { return {text.begin(), text.end()}; }
 
 std::u16string escapedUnit(char16_t unit) {
@@ -39,7 +46,10 @@ std::u16string quoted(std::u16string_view text) {
 std::u16string formatOfReal(double value) {
     std::array<char, 32> buffer{};
     auto const written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    return fromAscii({buffer.data(), written.ptr});
+    std::u16string const text = fromAscii({buffer.data(), written.ptr});
+    // A real stays one when it is read back; an integer has no negative zero.
+    bool const looksLikeInteger = text.find_first_of(u".e") == std::u16string::npos;
+    return looksLikeInteger ? concatenated({text, u".0"}) : text;
 }
 
 std::u16string formatOfNumber(NSNumber const& number) {
@@ -77,7 +87,7 @@ std::u16string formatOfConstant(id const& value) {
     if (NSString const text = as<NSString>(value); text != nil) return quoted(text.codeUnits());
     if (NSNumber const number = as<NSNumber>(value); number != nil) return formatOfNumber(number);
     if (NSDate const date = as<NSDate>(value); date != nil)
-        return u"CAST(" + formatOfReal(date.timeIntervalSinceReferenceDate()) + u", \"NSDate\")";
+        return concatenated({u"CAST(", formatOfReal(date.timeIntervalSinceReferenceDate()), u", \"NSDate\")"});
     if (NSArray const array = as<NSArray>(value); array != nil) return formatOfList(array, formatOfConstant);
     if (NSSet const set = as<NSSet>(value); set != nil) return formatOfList(set.allObjects(), formatOfConstant);
     return std::u16string(value.description().codeUnits());
@@ -96,9 +106,10 @@ bool isPlainPath(std::u16string_view path) {
 }
 
 std::u16string formatOfKeyPath(std::u16string_view path) {
-    if (!isPlainPath(path)) return u"#" + quoted(path);
-    bool const needsMark = isWrittenWithMark(path.substr(0, path.find(u'.')));
-    return needsMark ? u"#" + std::u16string(path) : std::u16string(path);
+    std::u16string format;
+    bool const isPlain = isPlainPath(path);
+    if (!isPlain || isWrittenWithMark(path.substr(0, path.find(u'.')))) format += u'#';
+    return format.append(isPlain ? std::u16string(path) : quoted(path));
 }
 
 std::u16string formatOfExpression(PredicateExpression const& expression) {
@@ -171,14 +182,15 @@ std::u16string formatOfOptions(NSUInteger options) {
 }
 
 std::u16string formatOfComparison(PredicateNode const& node) {
-    return formatOfModifier(node.modifier) + formatOfExpression(node.left) + u" " + formatOfOperator(node.operation) +
-           formatOfOptions(node.options) + u" " + formatOfExpression(node.right);
+    return concatenated({formatOfModifier(node.modifier), formatOfExpression(node.left), u" ",
+                         formatOfOperator(node.operation), formatOfOptions(node.options), u" ",
+                         formatOfExpression(node.right)});
 }
 
 // In brackets where it would not be read as one thing.
 std::u16string formatOfOperand(PredicateNode const& node) {
     bool const isJoined = node.kind == PredicateNode::Kind::And || node.kind == PredicateNode::Kind::Or;
-    return isJoined ? u"(" + formatOfPredicate(node) + u")" : formatOfPredicate(node);
+    return isJoined ? concatenated({u"(", formatOfPredicate(node), u")"}) : formatOfPredicate(node);
 }
 
 std::u16string joined(std::vector<PredicateNode> const& operands, std::u16string_view word) {
@@ -207,7 +219,7 @@ std::u16string formatOfPredicate(PredicateNode const& node) {
     case PredicateNode::Kind::Never:
         return u"FALSEPREDICATE";
     case PredicateNode::Kind::Not:
-        return u"NOT " + formatOfOperand(node.operands.front());
+        return concatenated({u"NOT ", formatOfOperand(node.operands.front())});
     case PredicateNode::Kind::And:
         return joined(node.operands, u" AND ");
     case PredicateNode::Kind::Or:

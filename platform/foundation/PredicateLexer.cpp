@@ -155,9 +155,10 @@ std::u16string PredicateLexer::keyPathComponent() {
     char16_t const mark = unitAt(m_place);
     if (mark == u'#' || mark == u'@') ++m_place;
     if (mark == u'#' && (unitAt(m_place) == u'"' || unitAt(m_place) == u'\'')) return string().text;
-    std::u16string key = identifier();
+    std::u16string component(mark == u'@' ? 1 : 0, u'@');
+    std::u16string const key = identifier();
     if (key.empty()) fail(m_place, "a key is missing");
-    return mark == u'@' ? u"@" + key : key;
+    return component.append(key);
 }
 
 void PredicateLexer::appendComponents(std::u16string& path) {

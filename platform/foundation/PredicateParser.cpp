@@ -80,8 +80,7 @@ private:
         return is;
     }
     void needSymbol(std::u16string_view symbol) {
-        if (!takeSymbol(symbol))
-            fail("\"" + NSString::stringWithCodeUnits(symbol).UTF8String() + "\" is expected here");
+        if (!takeSymbol(symbol)) fail("this is expected here: " + NSString::stringWithCodeUnits(symbol).UTF8String());
     }
 
     PredicateNode alternatives() {

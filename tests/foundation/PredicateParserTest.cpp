@@ -34,6 +34,8 @@ TEST(PredicateText, WritesItselfAsTextThatMakesItAgain) {
     for (std::string_view const format : {
              "a == 1",
              "a == -1.5",
+             "a == 1.0",
+             "a == -0.0",
              "a == 1e+300",
              "a == 18446744073709551615",
              "a == -9223372036854775808",
