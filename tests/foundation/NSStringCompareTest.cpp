@@ -178,8 +178,8 @@ constexpr std::u16string_view Texts[]{
     u"\uFF5E",
 };
 
-int orderOf(std::u16string_view first, std::u16string_view second, NSUInteger options) {
-    return units(first).compare_options_(units(second), options);
+int orderOf(std::u16string_view text, std::u16string_view compared, NSUInteger options) {
+    return units(text).compare_options_(units(compared), options);
 }
 
 // How many texts stand between the two in the wrong order.
