@@ -209,8 +209,7 @@ TEST(PropertyListBinary, SharesWhatTheFileShares) {
 
 TEST(PropertyListBinary, SharesNoContainersThatCanBeChanged) {
     auto const array = as<NSArray>(
-        readList(file({"\xA3\x01\x01\x02"_bytes, "\xA1\x02"_bytes, "\x51x"_bytes}), NSPropertyListMutableContainers)
-            .list);
+        readList(file({"\xA3\x01\x01\x02"_bytes, "\xA1\x02"_bytes, "Qx"_bytes}), NSPropertyListMutableContainers).list);
     EXPECT_FALSE(isSame(array.objectAtIndex_(0), array.objectAtIndex_(1)));
     auto const inner = as<NSMutableArray>(array.objectAtIndex_(0));
     inner.addObject_("added");
@@ -219,9 +218,9 @@ TEST(PropertyListBinary, SharesNoContainersThatCanBeChanged) {
 }
 
 TEST(PropertyListBinary, SharesNoLeavesThatCanBeChanged) {
-    auto const array = as<NSArray>(readList(file({"\xA4\x01\x01\x02\x02"_bytes, "\x51x"_bytes, "\x41y"_bytes}),
-                                            NSPropertyListMutableContainersAndLeaves)
-                                       .list);
+    auto const array = as<NSArray>(
+        readList(file({"\xA4\x01\x01\x02\x02"_bytes, "Qx"_bytes, "Ay"_bytes}), NSPropertyListMutableContainersAndLeaves)
+            .list);
     as<NSMutableString>(array.objectAtIndex_(0)).appendString_("!");
     as<NSMutableData>(array.objectAtIndex_(2)).setLength_(0);
     EXPECT_EQ(dump(array), R"(["x!","x",<>,<79>])");

@@ -98,8 +98,9 @@ void append(std::string& text, id const& value, Dates dates) {
     } else if (value.isKindOfClass_(classOf<NSNumber>())) {
         appendNumber(text, as<NSNumber>(value));
     } else if (value.isKindOfClass_(classOf<NSDate>())) {
+        // Text has no negative zero seconds; the sum has none either.
         double const seconds = as<NSDate>(value).timeIntervalSinceReferenceDate();
-        text += "d" + real(dates == Dates::Exact ? seconds : std::floor(seconds));
+        text += "d" + real(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0);
     } else {
         text += "nil";
     }
