@@ -5,6 +5,9 @@ target_include_directories(framekeeper_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(
   framekeeper_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wextra-semi
                                 -Wimplicit-fallthrough -Werror)
+# GCC 12 takes a text put before another for one that overlaps it, at -O3 only.
+target_compile_options(framekeeper_options
+                       INTERFACE $<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>>:-Wno-restrict>)
 if(FRAMEKEEPER_SANITIZERS)
   target_compile_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS}
                                                        -fno-sanitize-recover=all -fno-omit-frame-pointer)
