@@ -18,7 +18,6 @@
 #include <optional>
 #include <semaphore>
 #include <string>
-#include <thread>
 #include <vector>
 
 using namespace benchmarks;
@@ -39,7 +38,8 @@ constexpr char const* markName = "whole-disk-walk-tree.complete"; // lies beside
 // A walk in two threads loses more to other programs than a search in one, so a pair with such beside it tells nothing.
 constexpr double foreignLoadAllowed = 0.08;
 constexpr int disturbedPairsForOne = 10; // then it is given up
-constexpr long memoryTarget = 6 * 1024;  // KiB
+constexpr std::chrono::minutes patience{10};
+constexpr long memoryTarget = 6L * 1024; // KiB
 
 struct Options {
     std::string folder;
@@ -107,7 +107,7 @@ double median(std::vector<double> values) {
 // The contest on one tree.
 class Contest {
 public:
-    Contest(std::string top, WholeDiskWalkTree const& tree)
+    Contest(std::string const& top, WholeDiskWalkTree const& tree)
         : m_ours{"/proc/self/exe", "--walk", top}, m_expected(tree.packagesBelow(top)),
           m_wanted(tree.wantedPackagesBelow(top)) {}
 
@@ -147,6 +147,7 @@ void Contest::compare(Rival const& rival, int pairs, bool isCold, double target)
     int disturbed = 0;
     std::printf("  %-5s", rival.name.c_str());
     while (static_cast<int>(ratios.size()) < pairs && disturbed < pairs * disturbedPairsForOne) {
+        if (!waitUntilQuiet(foreignLoadAllowed, patience)) break;
         std::optional<Run> const ours = prepareAndRun(m_ours, isCold);
         std::optional<Run> const theirs = prepareAndRun(rival.command, isCold);
         if (!theirs || theirs->outputLines.size() != m_expected.size()) {
@@ -157,14 +158,13 @@ void Contest::compare(Rival const& rival, int pairs, bool isCold, double target)
         m_memory = std::max(m_memory, std::atol(ours->errorText.c_str()));
         if (std::max(ours->foreignLoad, theirs->foreignLoad) > foreignLoadAllowed) {
             ++disturbed;
-            std::this_thread::sleep_for(std::chrono::seconds(1));
             continue;
         }
         ratios.push_back(theirs->seconds / ours->seconds);
         std::printf(" %5.2f", ratios.back());
         std::fflush(stdout);
     }
-    if (ratios.empty()) return check(false, "other programs kept the machine busy");
+    if (static_cast<int>(ratios.size()) < pairs) return check(false, "other programs kept the machine busy");
     std::printf("   median %.2f", median(ratios));
     if (target > 0) std::printf(", wanted %.1f", target);
     if (disturbed > 0) std::printf(" (%d pairs left out, other programs were busy)", disturbed);

@@ -15,15 +15,13 @@
 #include <sstream>
 #include <thread>
 
-extern char** environ;
-
 namespace benchmarks {
 
 namespace {
 
 std::string contentOf(int descriptor) {
     std::string content;
-    std::array<char, 64 * 1024> buffer;
+    std::array<char, 65'536> buffer;
     ::lseek(descriptor, 0, SEEK_SET);
     for (ssize_t count; (count = ::read(descriptor, buffer.data(), buffer.size())) > 0;)
         content.append(buffer.data(), static_cast<std::size_t>(count));
@@ -70,6 +68,7 @@ double childrenSeconds() {
 
 std::optional<Run> run(std::vector<std::string> const& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string const& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
@@ -97,6 +96,18 @@ std::optional<Run> run(std::vector<std::string> const& command) {
                .errorText = contentOf(errors)};
     if (!started) return std::nullopt;
     return result;
+}
+
+bool waitUntilQuiet(double foreignLoad, std::chrono::seconds time) {
+    constexpr std::chrono::milliseconds sample{500};
+    auto const end = std::chrono::steady_clock::now() + time;
+    while (std::chrono::steady_clock::now() < end) {
+        double const before = busySeconds();
+        std::this_thread::sleep_for(sample);
+        double const cores = (busySeconds() - before) / std::chrono::duration<double>(sample).count();
+        if (cores <= foreignLoad * std::thread::hardware_concurrency()) return true;
+    }
+    return false;
 }
 
 bool dropCaches() {

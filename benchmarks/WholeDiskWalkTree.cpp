@@ -52,19 +52,20 @@ WholeDiskWalkTree::WholeDiskWalkTree(std::uint64_t seed) : m_state(seed) {
     m_folders.reserve(folders + 1);
     m_folders.emplace_back();
     addOrdinaryFolders(ordinary);
-    for (std::uint32_t i = 0; i < wantedPackages; ++i)
-        addPackage(1 + i * (ordinary / wantedPackages), wantedName, false);
+    // Neighbours get a file and a link of the wanted name; each name is in a folder once.
+    constexpr std::uint32_t distance = ordinary / wantedPackages;
+    for (std::uint32_t folder = 1; folder <= wantedPackages * distance; folder += distance) {
+        addPackage(folder, wantedName, false);
+        m_folders[folder + 1].decoyFiles.emplace_back(wantedName);
+        m_folders[folder + 2].decoyLinks.emplace_back(wantedName);
+    }
     for (std::uint32_t i = 0; i < otherPackages; ++i)
         addPackage(1 + static_cast<std::uint32_t>(random(ordinary)), "Package " + std::to_string(i) + ".app",
                    i < packagesInPackages);
     for (std::uint32_t i = 0; i < decoyFolders; ++i)
         addFolder(1 + static_cast<std::uint32_t>(random(ordinary)), "Mirror Frame.app." + std::to_string(i));
-    // Each of these parents differs from those of the wanted packages, so that no name is there twice.
-    for (std::uint32_t i = 0; i < wantedPackages; ++i)
-        m_folders[2 + i * (ordinary / wantedPackages)].decoyFiles.emplace_back(wantedName);
-    for (std::uint32_t i = 0; i < wantedPackages; ++i)
-        m_folders[3 + i * (ordinary / wantedPackages)].decoyLinks.emplace_back(wantedName);
-    addFiles(ordinary, entries - (m_folders.size() - 1) - 2 * wantedPackages);
+    constexpr std::uint64_t decoys = std::uint64_t{2} * wantedPackages;
+    addFiles(ordinary, entries - folders - decoys);
 }
 
 // The steps of splitmix64: a few lines that give the same numbers everywhere.

@@ -48,7 +48,6 @@ private:
     void fill(int descriptor, Folder const& folder) const;
 
     std::uint64_t m_state;
-    std::uint64_t m_decoys = 0;
     std::vector<Folder> m_folders; // the first is the top
 };
 

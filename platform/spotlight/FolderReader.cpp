@@ -9,7 +9,7 @@ namespace mac {
 
 namespace {
 
-constexpr std::size_t bufferSize = 64 * 1024;
+constexpr std::size_t bufferSize = 65'536;
 constexpr std::size_t nameOffset = offsetof(dirent64, d_name);
 
 // The length of an entry pads its name with at most eight zero bytes, so only those are searched for the end.

@@ -64,7 +64,7 @@ MountTable MountTable::current() {
     int const descriptor = ::open(source, O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) return {};
     std::string text;
-    std::array<char, 16 * 1024> buffer;
+    std::array<char, 16'384> buffer;
     ssize_t count;
     while ((count = ::read(descriptor, buffer.data(), buffer.size())) > 0)
         text.append(buffer.data(), static_cast<std::size_t>(count));

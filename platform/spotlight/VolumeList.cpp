@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -44,6 +45,11 @@ std::string withoutTrailingSlashes(std::string path) {
 
 std::string_view lastComponent(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
+std::string_view withoutLastComponent(std::string_view relativePath) {
+    std::size_t const slash = relativePath.rfind('/');
+    return slash == std::string_view::npos ? std::string_view() : relativePath.substr(0, slash);
+}
+
 Candidate candidateForRoot(WalkRoot const& root, Mount const* mount, PackageRule const& packages) {
     Candidate candidate{.volume = {root.path, root.mount},
                         .canonicalPath = root.canonicalPath,
@@ -70,18 +76,23 @@ bool covers(Candidate const& wide, Candidate const& narrow, PackageRule const& p
     if (wide.device != narrow.device || !isAtOrBelow(narrow.subtree, wide.subtree)) return false;
     std::string_view const below = pathBelow(narrow.subtree, wide.subtree);
     if (wide.isPackage && !below.empty()) return false;
-    std::string_view const parents = below.substr(0, below.rfind('/') == below.npos ? 0 : below.rfind('/'));
-    if (packages.crossesPackage(parents)) return false;
+    if (packages.crossesPackage(narrow.isPackage ? withoutLastComponent(below) : below)) return false;
     return mounts.reachedBy(joined(wide.canonicalPath, below)) == wide.mount;
 }
 
-bool isCovered(std::size_t index, std::vector<Candidate> const& candidates, PackageRule const& packages,
-               MountTable const& mounts) {
-    for (std::size_t other = 0; other < candidates.size(); ++other) {
-        if (other == index || !covers(candidates[other], candidates[index], packages, mounts)) continue;
-        if (other < index || !covers(candidates[index], candidates[other], packages, mounts)) return true;
+// Without those that others cover. The widest come first, so that none is left to one that is itself left out.
+std::vector<Candidate> withoutCovered(std::vector<Candidate>&& candidates, PackageRule const& packages,
+                                      MountTable const& mounts) {
+    std::stable_sort(candidates.begin(), candidates.end(), [](Candidate const& left, Candidate const& right) {
+        return left.subtree.size() < right.subtree.size();
+    });
+    std::vector<Candidate> kept;
+    for (Candidate& candidate : candidates) {
+        bool const isCovered = std::any_of(
+            kept.begin(), kept.end(), [&](Candidate const& wide) { return covers(wide, candidate, packages, mounts); });
+        if (!isCovered) kept.push_back(std::move(candidate));
     }
-    return false;
+    return kept;
 }
 
 // Nothing, with errno set, when there is no such folder.
@@ -90,7 +101,7 @@ std::optional<WalkRoot> locate(std::string const& path) {
     if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
     OpenFolder const folder = OpenFolder::atPath(path);
     if (!folder.isOpen()) return std::nullopt;
-    const std::unique_ptr<char, decltype(&std::free)> canonicalPath(::realpath(path.c_str(), nullptr), &std::free);
+    std::unique_ptr<char, decltype(&std::free)> const canonicalPath(::realpath(path.c_str(), nullptr), &std::free);
     if (canonicalPath == nullptr) return std::nullopt;
     return WalkRoot{path, canonicalPath.get(), factsOf(folder).mount, S_ISLNK(status.st_mode)};
 }
@@ -116,13 +127,11 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
             candidates.push_back(candidateForMount(mount, std::move(path)));
         }
     }
-    for (std::size_t i = 0; i < candidates.size(); ++i) {
-        if (isCovered(i, candidates, packages, mounts)) continue;
-        Volume& volume = candidates[i].volume;
-        if (!candidates[i].isPackage)
-            list.volumes.push_back(volume);
-        else if (packages.isWanted(lastComponent(volume.path)))
-            list.packages.push_back(volume.path);
+    for (Candidate& candidate : withoutCovered(std::move(candidates), packages, mounts)) {
+        if (!candidate.isPackage)
+            list.volumes.push_back(std::move(candidate.volume));
+        else if (packages.isWanted(lastComponent(candidate.volume.path)))
+            list.packages.push_back(std::move(candidate.volume.path));
     }
     return list;
 }

@@ -10,7 +10,7 @@ namespace mac {
 namespace {
 
 // Enough names at a time: a folder with more subfolders is read on when these were visited.
-constexpr std::size_t nameBytesAtOnce = 64 * 1024;
+constexpr std::size_t nameBytesAtOnce = 65'536;
 
 } // namespace
 

@@ -28,7 +28,7 @@ public:
     static constexpr int depth = 3'000;
 
     DeepTree(std::string const& top, bool isForked) : m_top(top) {
-        int folder = open(AT_FDCWD, top.c_str());
+        int folder = ::open(top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         std::string path = top;
         for (int level = 0; level < depth; ++level) {
             if (level % 10 == 0) addPackage(folder, "A.app", path);
@@ -37,7 +37,7 @@ public:
                 addPackage(folder, "fork/B.app", path);
             }
             make(folder, "down");
-            folder = descend(folder, "down");
+            go(folder, "down");
             path += "/down";
         }
         addPackage(folder, "Deepest.app", path);
@@ -46,13 +46,13 @@ public:
     }
 
     ~DeepTree() {
-        int folder = open(AT_FDCWD, m_top.c_str());
+        int folder = ::open(m_top.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         for (int level = 0; level < depth; ++level)
-            folder = descend(folder, "down");
-        for (int level = depth; level >= 0; --level) {
+            go(folder, "down");
+        for (int level = 0; level <= depth; ++level) {
             for (char const* name : {"down", "A.app", "fork/B.app", "fork", "Deepest.app"})
                 ::unlinkat(folder, name, AT_REMOVEDIR);
-            if (level > 0) folder = descend(folder, "..");
+            if (level < depth) go(folder, "..");
         }
         ::close(folder);
     }
@@ -63,15 +63,10 @@ public:
     Paths const& packages() const { return m_packages; }
 
 private:
-    static int open(int parent, char const* name) {
-        int const folder = ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folder < 0) throw std::system_error(errno, std::generic_category(), name);
-        return folder;
-    }
-    static int descend(int parent, char const* name) {
-        int const folder = open(parent, name);
-        ::close(parent);
-        return folder;
+    static void go(int& folder, char const* name) {
+        int const there = ::openat(folder, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        ::close(folder);
+        folder = there;
     }
     static void make(int parent, char const* name) {
         if (::mkdirat(parent, name, 0755) != 0) throw std::system_error(errno, std::generic_category(), name);

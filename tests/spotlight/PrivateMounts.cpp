@@ -13,13 +13,13 @@ namespace {
 
 // The reason why not, or nothing. Asked once: the mounts stay the process's own.
 std::string const& whyNoPrivateMounts() {
-    static std::string const s_reason = [] {
+    static std::string const reason = [] {
         std::string const denied = "mounting is not allowed here: ";
         if (::unshare(CLONE_NEWNS) != 0) return denied + std::strerror(errno);
         if (::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return denied + std::strerror(errno);
         return std::string();
     }();
-    return s_reason;
+    return reason;
 }
 
 } // namespace

@@ -27,8 +27,7 @@ void makeRandomTree(std::string const& folder, std::uint64_t seed) {
     std::vector<std::string> folders{folder};
     for (int i = 0; i < 600; ++i) {
         std::string const& parent = folders[random(2) == 0 ? random(folders.size()) : folders.size() - 1];
-        std::string const number = std::to_string(i);
-        std::string const base = parent + "/" + number;
+        std::string const base = parent + "/" + std::to_string(i);
         switch (random(8)) {
         case 0:
             require(::mkdir((base + ".app").c_str(), 0755), base);

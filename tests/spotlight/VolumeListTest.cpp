@@ -84,6 +84,17 @@ TEST(VolumeList, HoldsAPartThatLiesInAPackageWhichNoWalkEnters) {
               (Paths{"/", "/mnt"}));
 }
 
+TEST(VolumeList, HoldsAPackageThatIsBoundAsAnOrdinaryFolder) {
+    EXPECT_EQ(allLocal(std::string(s_disk) + "2 1 8:1 /a/A.app /mnt rw - ext4 /dev/sda1 rw\n"), (Paths{"/", "/mnt"}));
+}
+
+TEST(VolumeList, LeavesNothingToAVolumeThatIsLeftOutItself) {
+    EXPECT_EQ(allLocal(std::string(s_disk) + "2 1 8:2 / /a/b/c rw - ext4 /dev/sda2 rw\n"
+                                             "3 1 8:1 /a/b /first rw - ext4 /dev/sda1 rw\n"
+                                             "4 1 8:1 /a/b/c /second rw - ext4 /dev/sda1 rw\n"),
+              (Paths{"/", "/a/b/c", "/second"}));
+}
+
 TEST(VolumeList, LeavesOutMountsThatOthersHide) {
     EXPECT_EQ(allLocal(std::string(s_disk) + "2 1 8:2 / /data rw - ext4 /dev/sda2 rw\n"
                                              "3 2 8:3 / /data rw - ext4 /dev/sda3 rw\n"),
@@ -104,7 +115,7 @@ TEST(VolumeList, HoldsOnlyWhatLiesBelowTheRoots) {
                                            "3 2 8:3 / /home/u/stick rw - ext4 /dev/sdb1 rw\n"
                                            "4 1 8:4 / /homestead rw - ext4 /dev/sda4 rw\n",
                      {rootAt("/home/u", 2)}),
-              (Paths{"/home/u", "/home/u/stick"}));
+              (Paths{"/home/u/stick", "/home/u"}));
 }
 
 TEST(VolumeList, NamesMountsByTheRootThatWasGiven) {
@@ -113,7 +124,7 @@ TEST(VolumeList, NamesMountsByTheRootThatWasGiven) {
         chooseVolumes({root}, false, s_packages,
                       MountTable::parse(std::string(s_disk) + "2 1 8:2 / /home/u/stick rw - ext4 /dev/sdb1 rw\n"
                                                               "3 1 0:50 / /home/u/net rw - nfs server:/ rw\n"));
-    EXPECT_EQ(pathsOf(list), (Paths{"/link", "/link/stick"}));
+    EXPECT_EQ(pathsOf(list), (Paths{"/link/stick", "/link"}));
     EXPECT_TRUE(list.mountPoints.contains("/link/stick"));
     EXPECT_TRUE(list.mountPoints.contains("/link/net"));
     EXPECT_TRUE(list.mountPoints.isParentOfOne("/link"));

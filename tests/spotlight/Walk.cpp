@@ -37,6 +37,7 @@ std::vector<std::string> packagesByFind(std::string const& folder) {
 
 std::string outputOf(std::vector<std::string> const& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string const& argument : command)
         arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);
