@@ -15,8 +15,8 @@ namespace {
 constexpr NSTimeInterval ShortestInterval = 0.0001;
 
 int milliseconds(NSTimeInterval interval) {
-    constexpr double Most = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(std::ceil(interval * 1000), 0.0, Most));
+    constexpr double most = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(std::ceil(interval * 1000), 0.0, most));
 }
 
 } // namespace

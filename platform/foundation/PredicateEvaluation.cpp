@@ -52,7 +52,7 @@ bool areEqual(id const& first, id const& second, NSUInteger options) {
         NSString const text = as<NSString>(first);
         NSString const other = as<NSString>(second);
         if (text != nil && other != nil)
-            return foldedText(text.codeUnits(), options) == foldedText(other.codeUnits(), options);
+            return comparableText(text.codeUnits(), options) == comparableText(other.codeUnits(), options);
     }
     return first.isEqual_(second);
 }
@@ -102,25 +102,26 @@ bool matchesPattern(std::u16string_view text, NSString const& pattern, Predicate
 }
 
 // Nothing ever contains the empty string, and nothing begins or ends with it.
-bool isTextMatch(PredicateOperator operation, id const& value, id const& sought, PredicateNode const& node) {
-    NSString const text = as<NSString>(value);
-    NSString const part = as<NSString>(sought);
-    if (text == nil || part == nil) return false;
-    if (operation == PredicateOperator::Matches) return matchesPattern(text.codeUnits(), part, node);
-    // Unfolded text is compared where it lies.
-    std::u16string const foldedWhole =
-        node.options == 0 ? std::u16string() : foldedText(text.codeUnits(), node.options);
-    std::u16string const foldedPart = node.options == 0 ? std::u16string() : foldedText(part.codeUnits(), node.options);
-    std::u16string_view const whole = node.options == 0 ? text.codeUnits() : foldedWhole;
-    std::u16string_view const other = node.options == 0 ? part.codeUnits() : foldedPart;
-    if (operation == PredicateOperator::Like) return matchesWildcards(whole, other);
-    if (other.empty()) return false;
-    if (operation == PredicateOperator::BeginsWith) return whole.starts_with(other);
-    if (operation == PredicateOperator::EndsWith) return whole.ends_with(other);
-    return whole.find(other) != std::u16string_view::npos;
+bool isFound(PredicateOperator operation, std::u16string_view text, std::u16string_view part) {
+    if (operation == PredicateOperator::Like) return matchesWildcards(text, part);
+    if (part.empty()) return false;
+    if (operation == PredicateOperator::BeginsWith) return text.starts_with(part);
+    if (operation == PredicateOperator::EndsWith) return text.ends_with(part);
+    return text.find(part) != std::u16string_view::npos;
 }
 
-bool isMember(id const& value, id const& collection, PredicateNode const& node) {
+bool isTextMatch(PredicateOperator operation, id const& left, id const& right, PredicateNode const& node) {
+    NSString const text = as<NSString>(left);
+    NSString const part = as<NSString>(right);
+    if (text == nil || part == nil) return false;
+    if (operation == PredicateOperator::Matches) return matchesPattern(text.codeUnits(), part, node);
+    if (node.options == 0) return isFound(operation, text.codeUnits(), part.codeUnits());
+    return isFound(operation, comparableText(text.codeUnits(), node.options),
+                   comparableText(part.codeUnits(), node.options));
+}
+
+// Whether the collection has the value, or the text that stands in its place contains it.
+bool holdsMember(id const& collection, id const& value, PredicateNode const& node) {
     std::optional<NSArray> const members = membersOf(collection);
     if (!members) return isTextMatch(PredicateOperator::Contains, collection, value, node);
     if (NSSet const set = as<NSSet>(collection); set != nil && value != nil && node.options == 0)
@@ -136,9 +137,9 @@ bool compare(PredicateNode const& node, id const& left, id const& right) {
     case PredicateOperator::NotEqual:
         return !areEqual(left, right, node.options);
     case PredicateOperator::In:
-        return isMember(left, right, node);
+        return holdsMember(right, left, node);
     case PredicateOperator::Contains:
-        return isMember(right, left, node);
+        return holdsMember(left, right, node);
     case PredicateOperator::Between:
         return isBetween(left, right, node.options);
     case PredicateOperator::Less:

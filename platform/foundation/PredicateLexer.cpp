@@ -1,10 +1,10 @@
 #include "platform/foundation/PredicateLexer.h"
+#include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <unicode/uchar.h>
-#include <unicode/utf16.h>
 
 namespace mac {
 
@@ -49,6 +49,13 @@ constexpr std::u16string_view LengthModifiers = u"hlqLzjt";
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool isDigitOf(int base, char16_t unit) { return unit < 0x80 && u_digit(unit, static_cast<std::int8_t>(base)) >= 0; }
+
+bool startsKey(char32_t point) { return point == U'_' || u_isIDStart(static_cast<UChar32>(point)) != 0; }
+
+bool continuesKey(char32_t point) {
+    auto const character = static_cast<UChar32>(point);
+    return point == U'_' || (u_isIDPart(character) != 0 && u_isIDIgnorable(character) == 0);
+}
 
 std::string asciiOf(std::u16string_view text) {
     std::string ascii;
@@ -97,15 +104,10 @@ bool isWrittenWithMark(std::u16string_view word) {
 }
 
 bool isIdentifierInPredicates(std::u16string_view text) {
-    std::size_t offset = 0;
-    while (offset < text.size()) {
-        bool const isFirst = offset == 0;
-        char32_t point = 0;
-        U16_NEXT(text.data(), offset, text.size(), point);
-        auto const character = static_cast<UChar32>(point);
-        bool const belongs =
-            isFirst ? u_isIDStart(character) != 0 : u_isIDPart(character) != 0 && u_isIDIgnorable(character) == 0;
-        if (!belongs && point != U'_') return false;
+    for (std::size_t offset = 0; offset < text.size();) {
+        char32_t const point = codePointAt(text, offset);
+        if (offset == 0 ? !startsKey(point) : !continuesKey(point)) return false;
+        offset += unitCount(point);
     }
     return !text.empty();
 }
@@ -118,33 +120,22 @@ void PredicateLexer::fail(std::size_t position, std::string const& what) const {
 
 char16_t PredicateLexer::unitAt(std::size_t offset) const { return offset < m_text.size() ? m_text[offset] : u'\0'; }
 
-char32_t PredicateLexer::codePoint(std::size_t& offset) const {
-    char32_t point = 0;
-    U16_NEXT(m_text.data(), offset, m_text.size(), point);
-    return point;
-}
-
 void PredicateLexer::skipWhiteSpace() {
     while (m_place < m_text.size() && u_isUWhiteSpace(m_text[m_place]))
         ++m_place;
 }
 
 bool PredicateLexer::startsIdentifier(std::size_t offset) const {
-    if (offset >= m_text.size()) return false;
-    std::size_t end = offset;
-    codePoint(end);
-    return isIdentifierInPredicates(m_text.substr(offset, end - offset));
+    return offset < m_text.size() && startsKey(codePointAt(m_text, offset));
 }
 
 // Empty when none starts here.
 std::u16string PredicateLexer::identifier() {
-    if (!startsIdentifier(m_place)) return {};
     std::size_t const start = m_place;
-    while (m_place < m_text.size()) {
-        std::size_t end = m_place;
-        auto const point = static_cast<UChar32>(codePoint(end));
-        if (point != '_' && (!u_isIDPart(point) || u_isIDIgnorable(point))) break;
-        m_place = end;
+    if (!startsIdentifier(m_place)) return {};
+    for (char32_t point = 0; m_place < m_text.size(); m_place += unitCount(point)) {
+        point = codePointAt(m_text, m_place);
+        if (!continuesKey(point)) break;
     }
     return std::u16string(m_text.substr(start, m_place - start));
 }

@@ -45,7 +45,6 @@ public:
 
 private:
     char16_t unitAt(std::size_t offset) const;
-    char32_t codePoint(std::size_t& offset) const;
     void skipWhiteSpace();
     bool startsIdentifier(std::size_t offset) const;
     std::u16string identifier();

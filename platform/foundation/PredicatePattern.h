@@ -28,7 +28,7 @@ private:
 
 // The text without what the options leave out of account: letters folded fully for case, marks dropped for diacritics,
 // and canonically equivalent text made equal. Without options the text itself.
-std::u16string foldedText(std::u16string_view text, NSUInteger options);
+std::u16string comparableText(std::u16string_view text, NSUInteger options);
 
 // Whether the text is what the pattern says, in which * stands for any text, ? for one character and \ before these for
 // themselves. Takes no longer than the product of the lengths.
