@@ -11,7 +11,7 @@ namespace mac::test {
 class PrivateMounts : public testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override; // unmounts
+    void TearDown() override; // unmounts, so folders for mount points are members of the test's class
 
     void mountMemory(std::string const& point);
     void bind(std::string const& folder, std::string const& point);

@@ -122,30 +122,31 @@ TEST(LeafRule, TellsNothingWhereTheCountIsNoneOfFolders) {
 
 TEST(LeafRule, IsNotTrustedOnOtherFileSystems) { EXPECT_FALSE(linkCountTellsSubfolders(OpenFolder::atPath("/proc"))); }
 
-using LeafRuleOnVolumes = PrivateMounts;
+class LeafRuleOnVolumes : public PrivateMounts {
+protected:
+    TemporaryFolder const m_folder{}; // goes after the mounts in it
+};
 
 TEST_F(LeafRuleOnVolumes, HoldsInMemory) {
-    TemporaryFolder const folder;
-    mountMemory(folder.path());
-    ASSERT_TRUE(linkCountTellsSubfolders(OpenFolder::atPath(folder.path())));
-    folder.makeFile("a/file", "");
-    EXPECT_EQ(subfoldersByLinksOf(folder.path("a")), 0U);
-    folder.makeFolder("a/b");
-    folder.makeFolder("a/c");
-    EXPECT_EQ(subfoldersByLinksOf(folder.path("a")), 2U);
+    mountMemory(m_folder.path());
+    ASSERT_TRUE(linkCountTellsSubfolders(OpenFolder::atPath(m_folder.path())));
+    m_folder.makeFile("a/file", "");
+    EXPECT_EQ(subfoldersByLinksOf(m_folder.path("a")), 0U);
+    m_folder.makeFolder("a/b");
+    m_folder.makeFolder("a/c");
+    EXPECT_EQ(subfoldersByLinksOf(m_folder.path("a")), 2U);
 }
 
 TEST_F(LeafRuleOnVolumes, HoldsOnExt4) {
-    TemporaryFolder const folder;
-    std::string const point = folder.makeFolder("image");
-    mountImage(folder.path("file.img"), point);
+    std::string const point = m_folder.makeFolder("image");
+    mountImage(m_folder.path("file.img"), point);
     if (IsSkipped()) return;
     ASSERT_TRUE(linkCountTellsSubfolders(OpenFolder::atPath(point)));
-    folder.makeFile("image/a/file", "");
-    EXPECT_EQ(subfoldersByLinksOf(folder.path("image/a")), 0U);
-    folder.makeFolder("image/a/b");
-    folder.makeFolder("image/a/c");
-    EXPECT_EQ(subfoldersByLinksOf(folder.path("image/a")), 2U);
+    m_folder.makeFile("image/a/file", "");
+    EXPECT_EQ(subfoldersByLinksOf(m_folder.path("image/a")), 0U);
+    m_folder.makeFolder("image/a/b");
+    m_folder.makeFolder("image/a/c");
+    EXPECT_EQ(subfoldersByLinksOf(m_folder.path("image/a")), 2U);
 }
 
 } // namespace mac::test
