@@ -206,6 +206,7 @@ int main(int count, char** arguments) {
         std::fputs(usage, stderr);
         return 2;
     }
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // also into a file, as a run takes minutes
     WholeDiskWalkTree const tree(seed);
     provideTree(options->folder, tree);
     std::string const top = options->folder + "/" + treeName;
