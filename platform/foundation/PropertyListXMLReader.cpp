@@ -4,6 +4,7 @@
 #include "platform/foundation/PropertyListXMLValues.h"
 #include <QString>
 #include <QXmlStreamReader>
+#include <algorithm>
 #include <array>
 
 namespace mac {
@@ -17,28 +18,33 @@ constexpr qsizetype kLongestNameInMessage = 40;
 
 enum class Element { Plist, Array, Dictionary, Key, String, Integer, Real, Date, Data, True, False, Unknown };
 
+struct NamedElement {
+    QLatin1String name;
+    Element element;
+};
+constexpr std::array<NamedElement, 11> kElements{{
+    {QLatin1String("plist"), Element::Plist},
+    {QLatin1String("array"), Element::Array},
+    {QLatin1String("dict"), Element::Dictionary},
+    {QLatin1String("key"), Element::Key},
+    {QLatin1String("string"), Element::String},
+    {QLatin1String("integer"), Element::Integer},
+    {QLatin1String("real"), Element::Real},
+    {QLatin1String("date"), Element::Date},
+    {QLatin1String("data"), Element::Data},
+    {QLatin1String("true"), Element::True},
+    {QLatin1String("false"), Element::False},
+}};
+
 Element elementOfName(QStringView name) {
-    struct Row {
-        QLatin1String name;
-        Element element;
-    };
-    static constexpr std::array<Row, 11> kElements{{
-        {QLatin1String("plist"), Element::Plist},
-        {QLatin1String("array"), Element::Array},
-        {QLatin1String("dict"), Element::Dictionary},
-        {QLatin1String("key"), Element::Key},
-        {QLatin1String("string"), Element::String},
-        {QLatin1String("integer"), Element::Integer},
-        {QLatin1String("real"), Element::Real},
-        {QLatin1String("date"), Element::Date},
-        {QLatin1String("data"), Element::Data},
-        {QLatin1String("true"), Element::True},
-        {QLatin1String("false"), Element::False},
-    }};
-    for (Row const& row : kElements) {
-        if (name == row.name) return row.element;
-    }
-    return Element::Unknown;
+    auto const* const found =
+        std::ranges::find_if(kElements, [name](NamedElement const& each) { return name == each.name; });
+    return found == kElements.end() ? Element::Unknown : found->element;
+}
+
+// Of a known element.
+std::string nameOf(Element element) {
+    return std::ranges::find(kElements, element, &NamedElement::element)->name.data();
 }
 
 bool isBlank(QStringView text) {
@@ -71,11 +77,6 @@ private:
     void fail(std::string_view reason) {
         if (m_reason.empty() && !reason.empty()) m_reason = atLine(reason, line());
     }
-    // For messages.
-    std::string elementName() const {
-        return "<" + m_xml.qualifiedName().left(kLongestNameInMessage).toString().toStdString() + ">";
-    }
-
     void readToken(QXmlStreamReader::TokenType token) {
         switch (token) {
         case QXmlStreamReader::StartElement:
@@ -108,7 +109,8 @@ private:
             fail(m_builder.begin(Container::Dictionary));
             break;
         case Element::Unknown:
-            fail("There is no element " + elementName() + " in property lists");
+            fail("There is no element <" + m_xml.qualifiedName().left(kLongestNameInMessage).toString().toStdString() +
+                 "> in property lists");
             break;
         default:
             readLeaf(element);
@@ -117,12 +119,11 @@ private:
     }
 
     void readLeaf(Element element) {
-        std::string const name = elementName();
         QString text;
         for (auto token = m_xml.readNext(); token != QXmlStreamReader::EndElement; token = m_xml.readNext()) {
             if (token == QXmlStreamReader::Invalid) return;
             if (token != QXmlStreamReader::Characters) {
-                fail("There is something other than text in " + name);
+                fail("There is something other than text in <" + nameOf(element) + ">");
                 return;
             }
             text += m_xml.text();

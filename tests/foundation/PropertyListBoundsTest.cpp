@@ -122,8 +122,8 @@ TEST(PropertyListBounds, SharedTextCountsAsOftenAsItIsMet) {
 }
 
 TEST(PropertyListBounds, TooManyObjectsAreAnError) {
-    EXPECT_TRUE(isTooLarge("<array>" + repeated("<true/>", kPropertyListMaximumObjects + 1) + "</array>"));
-    EXPECT_TRUE(isTooLarge("(" + repeated("a,", kPropertyListMaximumObjects + 1) + ")"));
+    EXPECT_TRUE(isTooLarge(std::string("<array>") + repeated("<true/>", kPropertyListMaximumObjects + 1) + "</array>"));
+    EXPECT_TRUE(isTooLarge(std::string("(") + repeated("a,", kPropertyListMaximumObjects + 1) + ")"));
 }
 
 NSArray bomb(std::size_t levels) {

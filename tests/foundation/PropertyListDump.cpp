@@ -50,13 +50,13 @@ void appendNumber(std::string& text, NSNumber const& number) {
         text += number.boolValue() ? "true" : "false";
         return;
     case NSNumber::Kind::Real:
-        text += "r" + real(number.doubleValue());
+        text.append("r").append(real(number.doubleValue()));
         return;
     case NSNumber::Kind::Signed:
-        text += "i" + std::to_string(number.longLongValue());
+        text.append("i").append(std::to_string(number.longLongValue()));
         return;
     case NSNumber::Kind::Unsigned:
-        text += "i" + std::to_string(number.unsignedLongLongValue());
+        text.append("i").append(std::to_string(number.unsignedLongLongValue()));
     }
 }
 
@@ -100,7 +100,7 @@ void append(std::string& text, id const& value, Dates dates) {
     } else if (value.isKindOfClass_(classOf<NSDate>())) {
         // Text has no negative zero seconds; the sum has none either.
         double const seconds = as<NSDate>(value).timeIntervalSinceReferenceDate();
-        text += "d" + real(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0);
+        text.append("d").append(real(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0));
     } else {
         text += "nil";
     }
