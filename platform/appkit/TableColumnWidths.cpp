@@ -16,6 +16,8 @@ namespace {
 constexpr int WidestFit = 40;
 constexpr int NarrowestFill = 30;
 constexpr int NarrowestSection = 30;
+// The space beside a title for the mark of the order, in pixels.
+constexpr int SortMark = 16;
 // So many rows count for the widths before anybody looks at them.
 constexpr int FirstRows = 1000;
 
@@ -42,7 +44,7 @@ void TableColumnWidths::setInitialWidths() {
     header->setMinimumSectionSize(NarrowestSection);
     for (int section = 0; section < m_model.columnCount(); ++section) {
         TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
-        header->resizeSection(section, std::max(header->sectionSizeHint(section), widthForText(column.sample)));
+        header->resizeSection(section, std::max(widthForText(column.title) + SortMark, widthForText(column.sample)));
     }
 }
 

@@ -58,6 +58,16 @@ void makeReachable(QToolButton* button) {
     QObject::connect(action, &QAction::changed, button, [button, action] { button->setText(action->text()); });
 }
 
+// The button behind which a narrow tool bar hides actions; the toolkit's own picture of it is black on any theme.
+void makeReachableOverflow(QToolBar* bar) {
+    auto* const overflow = bar->findChild<QToolButton*>("qt_toolbar_ext_button");
+    if (!overflow) return;
+    overflow->setIcon(drawnIcon("M3.5 4 L7.5 8 L3.5 12 M8.5 4 L12.5 8 L8.5 12"));
+    overflow->setFocusPolicy(Qt::TabFocus);
+    overflow->setAccessibleName("More actions");
+    overflow->setToolTip("More actions");
+}
+
 } // namespace
 
 void styleWindow(QWidget* window) {
@@ -67,6 +77,7 @@ void styleWindow(QWidget* window) {
     for (QToolBar* const bar : window->findChildren<QToolBar*>()) {
         for (QToolButton* const button : bar->findChildren<QToolButton*>())
             makeReachable(button);
+        makeReachableOverflow(bar);
     }
     QString const first = window->property("initialFocus").toString();
     if (auto* const widget = first.isEmpty() ? nullptr : window->findChild<QWidget*>(first)) widget->setFocus();

@@ -1,4 +1,5 @@
 #include "tests/appkit/LoadedWindow.h"
+#include <QCoreApplication>
 #include <QImage>
 #include <QSet>
 #include <QTableView>
@@ -82,6 +83,20 @@ TEST(WindowControls, ReachesEveryButtonByTab) {
     }
     EXPECT_EQ(count, 14);
     EXPECT_TRUE(window.table()->hasFocus());
+}
+
+TEST(WindowControls, KeepsActionsThatFindNoRoomWithinReach) {
+    LoadedWindow const window;
+    window.widget()->resize(window.widget()->minimumSize());
+    QCoreApplication::processEvents();
+    QList<QToolButton*> const overflows = window.widget()->findChildren<QToolButton*>("qt_toolbar_ext_button");
+    EXPECT_EQ(overflows.size(), 2);
+    for (QToolButton const* const overflow : overflows) {
+        EXPECT_TRUE(overflow->isVisible());
+        EXPECT_TRUE(overflow->focusPolicy() & Qt::TabFocus);
+        EXPECT_TRUE(showsSomething(overflow->icon()));
+        EXPECT_EQ(overflow->accessibleName(), "More actions");
+    }
 }
 
 } // namespace
