@@ -89,7 +89,7 @@ T* adopt() {
 
 namespace mac {
 
-int pxVersionOfPath(const NSString& path);
+int pxVersionOfPath(NSString const& path);
 
 } // namespace mac
 """,
@@ -97,7 +97,7 @@ int pxVersionOfPath(const NSString& path);
 
 namespace mac {
 
-int pxVersionOfPath(const NSString& path) { return path.length(); }
+int pxVersionOfPath(NSString const& path) { return path.length(); }
 
 } // namespace mac
 """,
@@ -197,9 +197,9 @@ PLANTED = [
     ("arrows", [new("tests/support/Home.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "tests/support/Home.h"\n')],
      "app/ItemActions.cpp:2: ", "app includes tests"),
     # operations
-    ("operations", [after("pathutils/BundleVersions.h", 7, "void pxRemoveFile(const NSString& path);\n")],
+    ("operations", [after("pathutils/BundleVersions.h", 7, "void pxRemoveFile(NSString const& path);\n")],
      "pathutils/BundleVersions.h:8: ", "pathutils/FileOperations"),
-    ("operations", [after("pathutils/BundleVersions.h", 7, "int pxInvented(const NSString& path);\n")], "pathutils/BundleVersions.h:8: ", "not in"),
+    ("operations", [after("pathutils/BundleVersions.h", 7, "int pxInvented(NSString const& path);\n")], "pathutils/BundleVersions.h:8: ", "not in"),
     ("operations", [after("pathutils/BundleVersions.h", 7, "NSString KRCInvented_(int reference);\n")], "pathutils/BundleVersions.h:8: ", "not in"),
     ("operations", [replace("docs/operations.txt", "trashAction_\n", "trashAction\n")], "docs/operations.txt:4: ", "trashAction_ in C++"),
     ("operations", [new("app/OtherController.h", "#pragma once\nclass OtherController {\n    void trashAction_(int sender);\n};\n")],
