@@ -23,6 +23,7 @@ TEST(RunLoop, CallsWhatOtherThreadsWantOnTheMainThread) {
     std::thread::id const mainThread = std::this_thread::get_id();
     std::vector<std::thread::id> ran;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int index = 0; index < 4; ++index)
         threads.emplace_back([&] {
             for (int call = 0; call < 100; ++call)

@@ -137,6 +137,7 @@ TEST(SortedArray, KeepsTheOrderOfEqualObjects) {
 
 TEST(SortedArray, ReadsEachKeyOnceAnObject) {
     std::vector<id> readings;
+    readings.reserve(1000);
     for (int index = 0; index < 500; ++index)
         readings.push_back(Reading::of(index * 7919 % 500));
     NSArray const sorted = NSArray::arrayWithVector(readings).sortedArrayUsingDescriptors_(
@@ -184,6 +185,7 @@ TEST(SortedArray, PutsObjectsWithoutTheKeyFirst) {
 
 TEST(SortedArray, SurvivesAComparisonThatContradictsItself) {
     std::vector<id> readings;
+    readings.reserve(1000);
     for (int index = 0; index < 1000; ++index)
         readings.push_back(Reading::of(index));
     EXPECT_EQ(NSArray::arrayWithVector(readings).sortedArrayUsingSelector_("neverEqual:").count(), 1000U);
