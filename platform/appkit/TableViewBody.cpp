@@ -22,8 +22,7 @@ std::vector<NSUInteger> rowsOf(QItemSelection const& selection) {
             rows.push_back(static_cast<NSUInteger>(row));
     }
     std::ranges::sort(rows);
-    auto const repeated = std::ranges::unique(rows);
-    rows.erase(repeated.begin(), repeated.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 
