@@ -33,6 +33,8 @@ Names namesOfComparison(PredicateNode const& comparison) {
     bool const isExact = comparison.modifier == PredicateModifier::Direct && comparison.options == 0;
     bool const isEquality = comparison.operation == PredicateOperator::Equal;
     if (!isExact || (!isEquality && comparison.operation != PredicateOperator::In)) return std::nullopt;
+    // IN a text asks whether the name is part of it, which is no list of names.
+    if (!isEquality && as<NSArray>(comparison.right.constant) == nil) return std::nullopt;
     if (asksForFileName(comparison.left)) return namesOfConstant(comparison.right);
     if (isEquality && asksForFileName(comparison.right)) return namesOfConstant(comparison.left);
     return std::nullopt;
