@@ -4,8 +4,8 @@
 #include "platform/foundation/NSNumber.h"
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <vector>
 
 namespace mac::test {
@@ -17,8 +17,9 @@ constexpr std::string_view Digits = "0123456789abcdef";
 std::string real(double value) {
     if (std::isnan(value)) return "nan";
     std::array<char, 40> text{};
-    int const length = std::snprintf(text.data(), text.size(), "%.17g", value);
-    return {text.data(), static_cast<std::size_t>(length)};
+    auto const [end, error] =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 17);
+    return {text.data(), end};
 }
 
 void appendString(std::string& text, NSString const& string) {
