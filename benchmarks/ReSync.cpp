@@ -70,12 +70,12 @@ int main() {
     std::printf("reSync: ten times the paths take %.2f times the time (median of pairs)\n", median(ratios));
 
     NSArray const entries = large.isRunningPaths().allObjects();
-    constexpr int LookedUp = 20;
+    constexpr int lookedUp = 20;
     double const lookUps = secondsOf([&] {
-        for (int index = 0; index < LookedUp; ++index)
+        for (int index = 0; index < lookedUp; ++index)
             pxObjectWithValue_forKeyPath_(entries, pathOf(1, index * 1000), "path");
     });
-    double const allLookUps = lookUps / LookedUp * 3 * 100'000;
+    double const allLookUps = lookUps / lookedUp * 3 * 100'000;
     std::printf("reSync: a look-up for each path and source by itself would take %.0f times as long\n",
                 allLookUps / median(times));
 }

@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: start_up BARE_PROGRAM PROGRAM\n");
         return 2;
     }
-    constexpr int Pairs = 25;
+    constexpr int pairs = 25;
     // Nothing to search: the walk has a benchmark of its own.
     std::string folder = "/tmp/framekeeper-start-up-XXXXXX";
     if (!::mkdtemp(folder.data())) return 1;
@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
     startUp(argv[2]);
     Medians bare;
     Medians program;
-    for (int pair = 0; pair < Pairs; ++pair) {
+    for (int pair = 0; pair < pairs; ++pair) {
         bare.add(startUp(argv[1]));
         program.add(startUp(argv[2]));
     }

@@ -59,7 +59,7 @@ NSApplication NSApplication::sharedApplication() {
         static char name[] = "application";
         static char* argv[]{name, nullptr};
         // It lives as long as the process: what would end it ends after the toolkit's own static data.
-        if (!QCoreApplication::instance()) connectToDisplay(argc, argv).release();
+        if (!QCoreApplication::instance()) static_cast<void>(connectToDisplay(argc, argv).release());
         if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
             throw NSGenericException("There is no display for an application");
         return adopt<NSApplication>();
