@@ -63,7 +63,8 @@ def files():
     found = []
     for folder, folders, names in os.walk(ROOT):
         folders[:] = sorted(f for f in folders if f not in (".git", "build", "__pycache__"))
-        found += [os.path.relpath(os.path.join(folder, name), ROOT) for name in names]
+        # In a second worktree .git is a file.
+        found += [os.path.relpath(os.path.join(folder, name), ROOT) for name in names if name != ".git"]
     return tuple(sorted(found))
 
 
