@@ -14,12 +14,22 @@ if(FRAMEKEEPER_SANITIZERS)
   target_link_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS})
 endif()
 
-# framekeeper_room(NAME SOURCES ... [USES ...] [HIDES ...]): a folder of the tree as a library. USES are the rooms
-# its headers may include, HIDES what only its sources see, so that no toolkit reaches another room.
+# framekeeper_room(NAME SOURCES ... [HEADERS ...] [USES ...] [HIDES ...]): a folder of the tree as a library. HEADERS are
+# the public ones. USES are the rooms its headers may include, HIDES what only its sources see, so that no toolkit reaches
+# another room.
 function(framekeeper_room NAME)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;USES;HIDES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;USES;HIDES" ${ARGN})
   add_library(framekeeper_${NAME} STATIC ${ROOM_SOURCES})
   target_link_libraries(framekeeper_${NAME} PUBLIC framekeeper_options ${ROOM_USES} PRIVATE ${ROOM_HIDES})
+  set_target_properties(framekeeper_${NAME} PROPERTIES FRAMEKEEPER_HIDES "${ROOM_HIDES}")
+  list(TRANSFORM ROOM_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_HEADERS ${ROOM_HEADERS})
+endfunction()
+
+# framekeeper_library_room(NAME ...): a room that the installed library is made of.
+function(framekeeper_library_room NAME)
+  framekeeper_room(${NAME} ${ARGN})
+  set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_LIBRARY_ROOMS framekeeper_${NAME})
 endfunction()
 
 # framekeeper_test(NAME SOURCES ... [USES ...]): a GoogleTest program, registered under its name.

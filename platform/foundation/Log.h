@@ -7,7 +7,7 @@ namespace mac {
 
 // One line to standard error and the system log, with date, time, program and process id before it. Line breaks and
 // what else could fake a line or drive a terminal are written as codes, and bytes of a file's name that are no text as
-// \xFF.
+// hexadecimal codes.
 void logMessage(NSString const& message);
 
 template <class... Arguments>

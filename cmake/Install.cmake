@@ -1,0 +1,44 @@
+# What `cmake --install` puts in place: one shared library of the three library rooms and the platform below them, its
+# headers, and the files by which CMake and pkg-config find it. Nothing of it needs Qt's headers.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+get_property(rooms GLOBAL PROPERTY FRAMEKEEPER_LIBRARY_ROOMS)
+get_property(headers GLOBAL PROPERTY FRAMEKEEPER_HEADERS)
+# One topic is one pair of files, so every header of the three rooms is public.
+file(GLOB library_headers CONFIGURE_DEPENDS coreutils/*.h pathutils/*.h scripting/*.h)
+
+add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_library>)
+foreach(room IN LISTS rooms)
+  target_sources(framekeeper_shared PRIVATE $<TARGET_OBJECTS:${room}>)
+  get_target_property(hidden ${room} FRAMEKEEPER_HIDES)
+  if(hidden)
+    target_link_libraries(framekeeper_shared PRIVATE ${hidden})
+  endif()
+endforeach()
+set_target_properties(
+  framekeeper_shared
+  PROPERTIES OUTPUT_NAME framekeeper
+             EXPORT_NAME framekeeper
+             VERSION ${PROJECT_VERSION}
+             SOVERSION ${PROJECT_VERSION_MAJOR})
+target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
+target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers}
+                                                                                          ${library_headers})
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
+install(
+  TARGETS framekeeper_shared
+  EXPORT Framekeeper
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framekeeper)
+install(EXPORT Framekeeper FILE FramekeeperConfig.cmake NAMESPACE Framekeeper:: DESTINATION ${package_folder})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake DESTINATION ${package_folder})
+
+# Relative to the file itself, so that the installed tree may be moved.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig
+           OUTPUT_VARIABLE FRAMEKEEPER_PREFIX_FROM_PKGCONFIG)
+configure_file(packaging/framekeeper.pc.in ${PROJECT_BINARY_DIR}/framekeeper.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/framekeeper.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
