@@ -15,6 +15,7 @@
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "platform/foundation/NSTimer.h"
+#include "platform/foundation/NSURL.h"
 #include "platform/foundation/NSValueTransformer.h"
 
 namespace mac {
@@ -32,7 +33,7 @@ void registerFoundationClasses() {
     registerAll<Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator, NSFileManager,
                 NSMutableArray, NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification,
                 NSNotificationCenter, NSNull, NSNumber, NSObject, NSPredicate, NSPropertyListSerialization, NSRunLoop,
-                NSSet, NSSortDescriptor, NSString, NSTimer, NSValueTransformer>();
+                NSSet, NSSortDescriptor, NSString, NSTimer, NSURL, NSValueTransformer>();
 }
 
 } // namespace mac
