@@ -6,9 +6,9 @@
 
 namespace mac {
 
-// Tells when something appears in, goes from or happens to a folder: on the main thread's run loop, by the folder's
-// path. Folders below are not watched. What cannot be watched (a path too long, the system's limit reached) is not
-// told.
+// Tells when something appears in, goes from or happens to a folder, and when one of those it lies in is moved: on the
+// main thread's run loop, by the path of the folder that it happened to. Folders below are not watched. What cannot be
+// watched (a path too long, the system's limit reached) is not told.
 class FolderWatch {
 public:
     // An empty path means that events were lost: every folder may have changed.

@@ -7,6 +7,7 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace mac {
 
@@ -18,6 +19,8 @@ constexpr std::size_t MostFolders = 4096;
 
 constexpr std::uint32_t Events = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF |
                                  IN_UNMOUNT | IN_ONLYDIR | IN_EXCL_UNLINK;
+// Of the folders above: what goes on in them is nobody's business. One may be watched for itself, which stays.
+constexpr std::uint32_t EventsAbove = IN_MOVE_SELF | IN_UNMOUNT | IN_ONLYDIR | IN_MASK_ADD;
 
 } // namespace
 
@@ -38,14 +41,27 @@ public:
     Implementation& operator=(Implementation const&) = delete;
 
     bool add(std::string const& folder) {
-        if (m_descriptor < 0 || m_folders.size() >= MostFolders) return false;
-        int const watch = ::inotify_add_watch(m_descriptor, folder.c_str(), Events);
-        if (watch < 0) return false;
-        m_folders.insert_or_assign(watch, folder);
+        if (!watch(folder, Events)) return false;
+        std::size_t slash = folder.rfind('/');
+        while (slash != std::string::npos && slash > 0) {
+            std::string const above = folder.substr(0, slash);
+            // Those above it are watched, too.
+            if (m_paths.contains(above) || !watch(above, EventsAbove)) break;
+            slash = above.rfind('/');
+        }
         return true;
     }
 
 private:
+    bool watch(std::string const& folder, std::uint32_t events) {
+        if (m_descriptor < 0 || m_folders.size() >= MostFolders) return false;
+        int const watch = ::inotify_add_watch(m_descriptor, folder.c_str(), events);
+        if (watch < 0) return false;
+        m_folders.insert_or_assign(watch, folder);
+        m_paths.insert(folder);
+        return true;
+    }
+
     void read() {
         alignas(inotify_event) std::array<char, 16384> buffer;
         std::set<std::string> changed;
@@ -70,13 +86,16 @@ private:
         auto const folder = m_folders.find(event.wd);
         if (folder == m_folders.end()) return;
         changed.insert(folder->second);
-        if (event.mask & IN_IGNORED) m_folders.erase(folder);
+        if (!(event.mask & IN_IGNORED)) return;
+        m_paths.erase(folder->second);
+        m_folders.erase(folder);
     }
 
     std::function<void(std::string const&)> m_onChange;
     int m_descriptor;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::unordered_map<int, std::string> m_folders;
+    std::unordered_set<std::string> m_paths; // of them
 };
 
 FolderWatch::FolderWatch(std::function<void(std::string const&)> onChange)

@@ -65,10 +65,11 @@ bool NSMetadataQuery::Body::start() {
         return false;
     }
     m_request = std::move(*request);
+    m_runningPredicate = m_predicate;
     m_walker = std::move(walker);
     m_watch = std::make_unique<FolderWatch>([this](std::string const& folder) {
         m_changedFolders.insert(folder);
-        scheduleDelivery();
+        if (m_phase == Phase::Live) scheduleDelivery();
     });
     m_changedFolders.clear();
     m_results = NSArray::array();
@@ -95,14 +96,19 @@ void NSMetadataQuery::Body::enableUpdates() {
     if (m_disabledUpdates == 0 && (m_phase == Phase::Gathering || m_phase == Phase::Live)) scheduleDelivery();
 }
 
-void NSMetadataQuery::Body::walkerHasNews() { scheduleDelivery(); }
+void NSMetadataQuery::Body::walkerHasNews() {
+    if (m_phase == Phase::Gathering) scheduleDelivery();
+}
 
 void NSMetadataQuery::Body::scheduleDelivery() {
     if (m_disabledUpdates > 0 || m_timer.isValid()) return;
     NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
     NSTimeInterval delay = std::min(FirstBatchDelay, interval);
     if (m_lastDelivery != nil) delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceNow(), 0.0, interval);
-    if (m_phase == Phase::Gathering && m_walker->progress().isFinished) delay = 0;
+    if (m_phase == Phase::Gathering) {
+        VolumeWalkProgress const progress = m_walker->progress();
+        if (progress.isFinished && (m_lastDelivery == nil || progress.packagesToTake == 0)) delay = 0;
+    }
     m_timer =
         NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(delay, self(), "deliver:", nil, NO);
 }
@@ -114,10 +120,11 @@ void NSMetadataQuery::Body::deliver() {
     if (m_phase == Phase::Gathering) {
         // Asked before the finds are taken: what is found later than this comes with the next batch.
         VolumeWalkProgress const progress = m_walker->progress();
-        std::uint64_t const walk = m_walk;
-        if (takeFinds()) post(NSMetadataQueryGatheringProgressNotification);
-        // An observer may have stopped or restarted the query.
-        if (walk == m_walk && progress.isFinished) finishGathering(progress);
+        bool const isMore = takeFinds();
+        if (!isMore && progress.isFinished) return finishGathering(progress);
+        // The end comes with a delivery of its own, also when an observer of this one raises.
+        if (progress.isFinished) scheduleDelivery();
+        if (isMore) post(NSMetadataQueryGatheringProgressNotification);
         return;
     }
     if (m_phase == Phase::Live && applyFolderChanges()) post(NSMetadataQueryDidUpdateNotification);
@@ -128,7 +135,10 @@ bool NSMetadataQuery::Body::takeFinds() {
     for (std::string const& path : m_walker->takeFound()) {
         NSMetadataItem const item = itemOfPath(path);
         if (!matches(item)) continue;
-        m_watch->add(folderOf(path));
+        std::string const folder = folderOf(path);
+        m_watch->add(folder);
+        // What happened there since the find and before the watch is looked for when gathering has ended.
+        m_changedFolders.insert(folder);
         results.addObject_(item);
     }
     bool const isMore = results.count() > m_results.count();
@@ -137,31 +147,40 @@ bool NSMetadataQuery::Body::takeFinds() {
 }
 
 void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
-    if (progress.unreadableFolders > 0) {
-        UnreadableFolder const& first = progress.firstUnreadable.front();
-        NSLog("Folders that could not be read: %llu, the first: %@ (%s)", progress.unreadableFolders,
-              NSString::stringWithFileSystemRepresentation_(first.path), std::strerror(first.error));
+    std::uint64_t const walk = m_walk;
+    m_walker.reset();
+    {
         KeyChange const change(self(), "unreadableFolderCount");
         m_unreadableFolderCount =
             static_cast<NSUInteger>(std::min<std::uint64_t>(progress.unreadableFolders, NSNotFound));
+        setPhase(Phase::Live);
     }
-    m_walker.reset();
-    setPhase(Phase::Live);
+    tellUnreadable(progress);
+    // Each time an observer may have stopped or restarted the query.
+    if (walk != m_walk) return;
+    if (!m_changedFolders.empty()) scheduleDelivery();
     post(NSMetadataQueryDidFinishGatheringNotification);
-    if (!m_changedFolders.empty() && m_phase == Phase::Live) scheduleDelivery();
+}
+
+void NSMetadataQuery::Body::tellUnreadable(VolumeWalkProgress const& progress) {
+    if (progress.unreadableFolders == 0) return;
+    UnreadableFolder const& first = progress.firstUnreadable.front();
+    NSLog("Folders that could not be read: %llu, the first: %@ (%s)", progress.unreadableFolders,
+          NSString::stringWithFileSystemRepresentation_(first.path), std::strerror(first.error));
 }
 
 bool NSMetadataQuery::Body::applyFolderChanges() {
     std::set<std::string> const changed = std::exchange(m_changedFolders, {});
-    bool const isAnyChanged = changed.contains(std::string());
     std::set<std::string> folders = changed;
     folders.erase(std::string());
     NSMutableArray const results = NSMutableArray::array();
     for (id const& result : m_results) {
         std::string const folder =
             folderOf(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/"));
-        if (isAnyChanged) folders.insert(folder);
-        if (!folders.contains(folder)) results.addObject_(result);
+        if (isChanged(folder, changed))
+            folders.insert(folder);
+        else
+            results.addObject_(result);
     }
     for (std::string const& folder : folders) {
         for (NSMetadataItem const& item : matchesInFolder(folder))
@@ -170,6 +189,15 @@ bool NSMetadataQuery::Body::applyFolderChanges() {
     bool const isSameSet = NSSet::setWithArray_(results).isEqualToSet_(NSSet::setWithArray_(m_results));
     if (!isSameSet) m_results = uncheckedCast<NSArray>(results.copy());
     return !isSameSet;
+}
+
+// Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
+bool NSMetadataQuery::Body::isChanged(std::string folder, std::set<std::string> const& changed) const {
+    while (!folder.empty() && !changed.contains(folder)) {
+        std::size_t const slash = folder.rfind('/');
+        folder.resize(folder == "/" || slash == std::string::npos ? 0 : std::max<std::size_t>(slash, 1));
+    }
+    return changed.contains(folder);
 }
 
 std::vector<NSMetadataItem> NSMetadataQuery::Body::matchesInFolder(std::string const& folder) const {
@@ -181,6 +209,8 @@ std::vector<NSMetadataItem> NSMetadataQuery::Body::matchesInFolder(std::string c
     return items;
 }
 
-bool NSMetadataQuery::Body::matches(NSMetadataItem const& item) const { return m_predicate.evaluateWithObject_(item); }
+bool NSMetadataQuery::Body::matches(NSMetadataItem const& item) const {
+    return m_runningPredicate.evaluateWithObject_(item);
+}
 
 } // namespace mac

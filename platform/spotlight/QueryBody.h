@@ -36,16 +36,20 @@ private:
     void setPhase(Phase phase);
     void post(char const* name);
     void walkerHasNews();
-    // Asks for a delivery as soon as the last one is an interval ago, or shortly after the first news.
+    // Asks for a delivery as soon as the last one is an interval ago, or shortly after the first news; at once when
+    // only the end is left to tell.
     void scheduleDelivery();
     bool takeFinds();
     void finishGathering(VolumeWalkProgress const& progress);
+    void tellUnreadable(VolumeWalkProgress const& progress);
     bool applyFolderChanges();
+    bool isChanged(std::string folder, std::set<std::string> const& changed) const;
     // The packages of a folder that match now, by path.
     std::vector<NSMetadataItem> matchesInFolder(std::string const& folder) const;
     bool matches(NSMetadataItem const& item) const;
 
     VolumeWalkRequest m_request;
+    NSPredicate m_runningPredicate; // a new one is for the next start
     std::unique_ptr<VolumeWalker> m_walker;
     std::unique_ptr<FolderWatch> m_watch;
     std::set<std::string> m_changedFolders;

@@ -8,11 +8,35 @@
 #include "platform/spotlight/WalkWorker.h"
 #include "platform/spotlight/WorkExchange.h"
 
+#include <csignal>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 namespace mac {
+
+namespace {
+
+// Threads started meanwhile take no signals: whoever handles one expects it in a thread of its own, and it would break
+// off what the walk is reading. Errors of the thread itself still end the program where they happen.
+class SignalsForOtherThreads {
+public:
+    SignalsForOtherThreads() {
+        sigset_t all;
+        ::sigfillset(&all);
+        for (int const own : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGPROF, SIGSEGV, SIGTRAP})
+            ::sigdelset(&all, own);
+        ::pthread_sigmask(SIG_BLOCK, &all, &m_before);
+    }
+    ~SignalsForOtherThreads() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalsForOtherThreads(SignalsForOtherThreads const&) = delete;
+    SignalsForOtherThreads& operator=(SignalsForOtherThreads const&) = delete;
+
+private:
+    sigset_t m_before;
+};
+
+} // namespace
 
 // One thread, the leader, lists the volumes, starts the workers, adds to them while the disk is read, and tells when
 // all have ended.
@@ -45,6 +69,7 @@ private:
 
 bool VolumeWalker::Walk::start() {
     if (m_leader.joinable() || m_wasStopped) return false;
+    SignalsForOtherThreads const signals;
     try {
         m_leader = std::thread([this] { lead(); });
     } catch (std::system_error const&) {

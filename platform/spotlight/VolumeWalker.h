@@ -28,6 +28,7 @@ struct VolumeWalkProgress {
     bool isFinished = false; // never after a stop
     std::uint64_t foldersVisited = 0;
     std::uint64_t packagesFound = 0;
+    std::uint64_t packagesToTake = 0; // of them, found since the last take
     std::uint64_t unreadableFolders = 0;
     std::vector<UnreadableFolder> firstUnreadable; // at most maximumUnreadableKept
 };

@@ -40,6 +40,7 @@ std::vector<std::string> WalkFindings::take() {
 VolumeWalkProgress WalkFindings::progress() const {
     std::lock_guard const lock(m_mutex);
     VolumeWalkProgress progress = m_progress;
+    progress.packagesToTake = m_packages.size();
     progress.foldersVisited = m_foldersVisited.load(std::memory_order_relaxed);
     return progress;
 }

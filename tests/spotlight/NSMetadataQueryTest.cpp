@@ -8,6 +8,8 @@
 #include "platform/foundation/Weak.h"
 #include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
+#include <chrono>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -32,15 +34,21 @@ class Recorder::Body : public ObjectBody {
 public:
     void observeValueForKeyPath(NSString const& keyPath, id const&, NSDictionary const&, void*) override {
         changedKeys.push_back(keyPath.UTF8String());
+        if (onChange) onChange();
     }
     std::vector<std::string> names;
     std::vector<NSUInteger> counts;
+    std::vector<std::chrono::steady_clock::time_point> times;
     std::vector<std::string> changedKeys;
+    std::function<void(std::string const& name)> onNotification;
+    std::function<void()> onChange;
 };
 
 void Recorder::take_(NSNotification const& notification) const {
     bodyOf(*this)->names.push_back(notification.name().UTF8String());
     bodyOf(*this)->counts.push_back(as<NSMetadataQuery>(notification.object()).resultCount());
+    bodyOf(*this)->times.push_back(std::chrono::steady_clock::now());
+    if (bodyOf(*this)->onNotification) bodyOf(*this)->onNotification(bodyOf(*this)->names.back());
 }
 
 class MetadataQuery : public testing::Test {
@@ -62,6 +70,10 @@ protected:
     bool runUntilNamed(char const* name, std::size_t times = 1) const {
         return runUntil(
             [&] { return static_cast<std::size_t>(std::ranges::count(names(), std::string(name))) >= times; });
+    }
+    // What the walk finds meanwhile waits.
+    static void runForAMoment() {
+        NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
     }
     bool gather() const { return query.startQuery() && runUntilNamed(NSMetadataQueryDidFinishGatheringNotification); }
     NSSet foundPaths() const { return NSSet::setWithArray_(as<NSArray>(query.results().valueForKey_(kMDItemPath))); }
@@ -161,7 +173,7 @@ TEST_F(MetadataQuery, StoppedKeepsItsResultsAndPostsNothingMore) {
     query.stopQuery();
     std::size_t const posted = names().size();
     folder.makeFolder("a/b/Mirror Frame.app");
-    NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
+    runForAMoment();
     EXPECT_EQ(names().size(), posted);
     EXPECT_EQ(query.resultCount(), 1U);
     EXPECT_TRUE(query.isStopped());
@@ -171,7 +183,7 @@ TEST_F(MetadataQuery, StoppedKeepsItsResultsAndPostsNothingMore) {
 TEST_F(MetadataQuery, StoppedBeforeItsStartWasToldPostsNothing) {
     ASSERT_TRUE(query.startQuery());
     query.stopQuery();
-    NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
+    runForAMoment();
     EXPECT_TRUE(names().empty());
 }
 
@@ -210,7 +222,7 @@ TEST_F(MetadataQuery, KeepsItsResultsWhileUpdatesAreDisabled) {
     ASSERT_TRUE(gather());
     query.disableUpdates();
     ::rename(folder.path("a").c_str(), folder.path("b").c_str());
-    NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
+    runForAMoment();
     EXPECT_EQ(query.resultCount(), 1U);
     query.enableUpdates();
     ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification));
@@ -247,6 +259,105 @@ TEST_F(MetadataQuery, GivesItsResultsByIndex) {
     EXPECT_TRUE(item.valueForAttribute_("kMDItemAuthors") == nil);
     EXPECT_EQ(item.attributes().count(), 3U);
     EXPECT_THROW(query.resultAtIndex_(1), NSRangeException);
+}
+
+TEST_F(MetadataQuery, NoticesThatAFolderFurtherUpIsMoved) {
+    folder.makeFolder("a/b/c/Mirror Frame.app");
+    ASSERT_TRUE(gather());
+    ::rename(folder.path("a").c_str(), folder.path("z").c_str());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification));
+    EXPECT_EQ(query.resultCount(), 0U);
+}
+
+TEST_F(MetadataQuery, NoticesWhatHappensBetweenAFindAndItsTelling) {
+    folder.makeFolder("a/Mirror Frame.app");
+    folder.makeFolder("b/Mirror Frame.app");
+    query.disableUpdates();
+    ASSERT_TRUE(query.startQuery());
+    runForAMoment();
+    ::rmdir(folder.path("a/Mirror Frame.app").c_str());
+    query.enableUpdates();
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification));
+    EXPECT_TRUE(runUntil([&] { return query.resultCount() == 1; }));
+    EXPECT_TRUE(foundPaths().isEqualToSet_(NSSet::setWithObject_(string(folder.path("b/Mirror Frame.app")))));
+}
+
+TEST_F(MetadataQuery, KeepsToItsScopesWhenItNoticesChanges) {
+    folder.makeFolder("a/Mirror Frame.app");
+    query.setPredicate_(NSPredicate::predicateWithFormat_("kMDItemKind = 'Application'"));
+    query.setSearchScopes_(NSArray::arrayWithObject_(string(folder.path("a/Mirror Frame.app/"))));
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(query.resultCount(), 1U);
+    folder.makeFolder("a/Outside.app");
+    ::rmdir(folder.path("a/Mirror Frame.app").c_str());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification));
+    EXPECT_EQ(query.resultCount(), 0U);
+    folder.makeFolder("a/Mirror Frame.app");
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification, 2));
+    EXPECT_EQ(query.resultCount(), 1U);
+}
+
+TEST_F(MetadataQuery, MayBeStoppedByAnObserverOfItsEnd) {
+    for (NSString const& key : {NSString("isGathering"), NSString("unreadableFolderCount")}) {
+        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path("gone").c_str(), 1);
+        query.addObserver_forKeyPath_options_context_(recorder, key, 0, nullptr);
+        ASSERT_TRUE(query.startQuery());
+        bodyOf(recorder)->onChange = [&] { query.stopQuery(); };
+        ASSERT_TRUE(runUntil([&] { return !query.isGathering(); }));
+        runForAMoment();
+        EXPECT_TRUE(query.isStopped()) << key.UTF8String();
+        EXPECT_EQ(names(), std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification}) << key.UTF8String();
+        bodyOf(recorder)->onChange = nullptr;
+        bodyOf(recorder)->names.clear();
+        query.removeObserver_forKeyPath_(recorder, key);
+    }
+}
+
+TEST_F(MetadataQuery, MayBeRestartedByAnObserverOfItsProgress) {
+    folder.makeFolder("a/Mirror Frame.app");
+    bodyOf(recorder)->onNotification = [&](std::string const& name) {
+        if (name != NSMetadataQueryGatheringProgressNotification) return;
+        bodyOf(recorder)->onNotification = nullptr;
+        query.stopQuery();
+        EXPECT_TRUE(query.startQuery());
+    };
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(names(), (std::vector<std::string>{
+                           NSMetadataQueryDidStartGatheringNotification, NSMetadataQueryGatheringProgressNotification,
+                           NSMetadataQueryDidStartGatheringNotification, NSMetadataQueryGatheringProgressNotification,
+                           NSMetadataQueryDidFinishGatheringNotification}));
+}
+
+TEST_F(MetadataQuery, EndsThoughAnObserverOfItsProgressRaises) {
+    folder.makeFolder("a/Mirror Frame.app");
+    LogListener const listener([](NSString const&) {});
+    bodyOf(recorder)->onNotification = [](std::string const& name) {
+        if (name == NSMetadataQueryGatheringProgressNotification) NSArray::array().objectAtIndex_(0);
+    };
+    ASSERT_TRUE(gather());
+    EXPECT_FALSE(query.isGathering());
+}
+
+TEST_F(MetadataQuery, PostsNoProgressBeforeTheIntervalIsOver) {
+    for (int index = 0; index < 3000; ++index)
+        folder.makeFolder(std::to_string(index) + "/Mirror Frame.app");
+    query.setNotificationBatchingInterval_(0.005);
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(query.resultCount(), 3000U);
+    auto const& times = bodyOf(recorder)->times;
+    for (std::size_t index = 1; index + 1 < names().size(); ++index) {
+        ASSERT_EQ(names()[index], NSMetadataQueryGatheringProgressNotification);
+        if (index == 1) continue;
+        EXPECT_GE(times[index] - times[index - 1], std::chrono::milliseconds(4));
+    }
+}
+
+TEST_F(MetadataQuery, GathersByThePredicateItStartedWith) {
+    folder.makeFolder("a/Mirror Frame.app");
+    ASSERT_TRUE(query.startQuery());
+    query.setPredicate_(NSPredicate::predicateWithFormat_("kMDItemKind = 'Document'"));
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification));
+    EXPECT_EQ(query.resultCount(), 1U);
 }
 
 TEST_F(MetadataQuery, MayGoWhileItGathers) {

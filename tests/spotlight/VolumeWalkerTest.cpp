@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -271,6 +272,30 @@ TEST(VolumeWalker, TellsOfNothingAfterAStopAndKeepsWhatItFound) {
     EXPECT_EQ(walker.progress().foldersVisited, progress.foldersVisited);
     EXPECT_EQ(calls, callsAtStop);
     walker.stop();
+}
+
+TEST(VolumeWalker, LeavesSignalsToOtherThreads) {
+    TemporaryFolder const folder;
+    folder.makeFolder("a/A.app");
+    std::atomic<int> calls = 0;
+    std::atomic<int> open = 0;
+    VolumeWalker walker({.roots = {folder.path()}}, [&calls, &open] {
+        sigset_t blocked;
+        ::pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        for (int const signal : {SIGINT, SIGTERM, SIGCHLD, SIGALRM, SIGUSR1})
+            open += sigismember(&blocked, signal) == 1 ? 0 : 1;
+        ++calls;
+        calls.notify_all();
+    });
+    sigset_t before;
+    sigset_t after;
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &before);
+    ASSERT_TRUE(walker.start());
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &after);
+    calls.wait(0); // in a worker
+    calls.wait(1); // in the thread that leads them
+    EXPECT_EQ(open, 0);
+    EXPECT_EQ(sigismember(&after, SIGINT), sigismember(&before, SIGINT));
 }
 
 TEST(VolumeWalker, StartsOnce) {
