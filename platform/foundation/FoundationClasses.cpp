@@ -1,4 +1,5 @@
 #include "platform/foundation/FoundationClasses.h"
+#include "platform/foundation/CFUUID.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSData.h"
@@ -9,6 +10,7 @@
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSNumberFormatter.h"
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/foundation/NSRunLoop.h"
@@ -30,10 +32,11 @@ void registerAll() {
 } // namespace
 
 void registerFoundationClasses() {
-    registerAll<Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator, NSFileManager,
-                NSMutableArray, NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification,
-                NSNotificationCenter, NSNull, NSNumber, NSObject, NSPredicate, NSPropertyListSerialization, NSRunLoop,
-                NSSet, NSSortDescriptor, NSString, NSTimer, NSURL, NSValueTransformer>();
+    registerAll<CFUUIDRef, Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator,
+                NSFileManager, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableSet,
+                NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject,
+                NSPredicate, NSPropertyListSerialization, NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
+                NSValueTransformer>();
 }
 
 } // namespace mac

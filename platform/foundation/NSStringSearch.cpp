@@ -1,9 +1,9 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/foundation/UnitSearch.h"
 #include <algorithm>
 #include <functional>
 
@@ -206,24 +206,6 @@ NSRange NSString::rangeOfString_options_range_(NSString const& other, NSUInteger
                    range.location);
 }
 
-NSRange NSString::rangeOfCharacterFromSet_(NSCharacterSet const& set) const {
-    return rangeOfCharacterFromSet_options_range_(set, 0, wholeRange(*this));
-}
-
-NSRange NSString::rangeOfCharacterFromSet_options_range_(NSCharacterSet const& set, NSUInteger options,
-                                                         NSRange range) const {
-    if (*this == nil) return {};
-    requireArgument(set, "rangeOfCharacterFromSet:options:range:");
-    checkRange(range, codeUnits().size(), "rangeOfCharacterFromSet:options:range:");
-    std::u16string_view const text = codeUnits().substr(range.location, range.length);
-    Direction const direction = (options & NSBackwardsSearch) != 0 ? Direction::Backwards : Direction::Forwards;
-    std::optional<std::size_t> const position =
-        findPosition(text.size(), direction, (options & NSAnchoredSearch) != 0,
-                     [&](std::size_t index) { return set.characterIsMember_(text[index]); });
-    if (!position) return {NSNotFound, 0};
-    return {range.location + static_cast<NSUInteger>(*position), 1};
-}
-
 NSArray NSString::componentsSeparatedByString_(NSString const& separator) const {
     if (*this == nil) return nil;
     requireArgument(separator, "componentsSeparatedByString:");
@@ -231,23 +213,12 @@ NSArray NSString::componentsSeparatedByString_(NSString const& separator) const 
     std::u16string_view const sought = separator.codeUnits();
     std::vector<id> components;
     std::size_t start = 0;
-    for (std::size_t found = 0; !sought.empty() && (found = text.find(sought, start)) != std::u16string_view::npos;) {
+    UnitSearch(sought).forEachIn(text, [&](std::size_t found) {
         components.push_back(stringWithCodeUnits(text.substr(start, found - start)));
         start = found + sought.size();
-    }
+    });
     components.push_back(stringWithCodeUnits(text.substr(start)));
     return NSArray::arrayWithVector(std::move(components));
-}
-
-NSString NSString::stringByTrimmingCharactersInSet_(NSCharacterSet const& set) const {
-    if (*this == nil) return nil;
-    requireArgument(set, "stringByTrimmingCharactersInSet:");
-    std::u16string_view text = codeUnits();
-    auto const isMember = [&](char16_t unit) { return set.characterIsMember_(unit); };
-    text.remove_prefix(static_cast<std::size_t>(std::ranges::find_if_not(text, isMember) - text.begin()));
-    while (!text.empty() && isMember(text.back()))
-        text.remove_suffix(1);
-    return stringWithCodeUnits(text);
 }
 
 } // namespace mac

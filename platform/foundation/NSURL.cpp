@@ -157,11 +157,7 @@ bool NSURL::isFileURL() const {
 
 NSURL NSURL::standardizedURL() const {
     if (*this == nil || !parts().isDecomposable) return *this;
-    std::u16string_view const text = relativeString().codeUnits();
-    URLRange const path = parts().path;
-    std::u16string plain(text.substr(0, path.start));
-    plain.append(withoutDotSegments(path.of(text), LeadingDots::Go)).append(text.substr(path.end));
-    return adopt<NSURL>(makeString(std::move(plain)), baseURL());
+    return adopt<NSURL>(makeString(mac::standardizedURL(relativeString().codeUnits())), baseURL());
 }
 
 URLParts const& NSURL::parts() const { return bodyOf(*this)->m_parts; }

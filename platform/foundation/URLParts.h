@@ -50,6 +50,8 @@ std::u16string resolvedURL(std::u16string_view relative, std::u16string_view bas
 // stays or goes.
 enum class LeadingDots { Stay, Go };
 std::u16string withoutDotSegments(std::u16string_view path, LeadingDots leadingDots);
+// The URL with such a path, which stays one where its new beginning would read as a scheme, a host or the root.
+std::u16string standardizedURL(std::u16string_view url);
 
 // The path (or host, ...) without its percent escapes: bytes that are not UTF-8 are held as in the names of files.
 std::u16string unescapedPath(std::u16string_view text);

@@ -14,6 +14,12 @@ std::u16string mergedPath(std::u16string_view relative, std::u16string_view base
     return withoutDotSegments(merged.append(relative), LeadingDots::Stay);
 }
 
+// A path behind no authority begins with one slash at most.
+std::u16string behindNoAuthority(std::u16string path) {
+    if (path.starts_with(u"//")) path.insert(0, u"/.");
+    return path;
+}
+
 void appendPart(std::u16string& url, char16_t separator, std::optional<URLRange> const& part,
                 std::u16string_view text) {
     if (part) url.append(1, separator).append(part->of(text));
@@ -63,12 +69,26 @@ std::u16string resolvedURL(std::u16string_view relative, std::u16string_view bas
     bool const keepsParameters = keepsPath && !parts.parameters;
     bool const keepsQuery = keepsParameters && !parts.query;
     std::u16string_view const basePath = baseParts.path.of(base);
-    url.append(keepsPath ? std::u16string(basePath)
-                         : mergedPath(parts.path.of(relative), basePath, baseParts.host.has_value()));
+    std::u16string path = keepsPath ? std::u16string(basePath)
+                                    : mergedPath(parts.path.of(relative), basePath, baseParts.host.has_value());
+    url.append(behindScheme.starts_with(u"//") ? path : behindNoAuthority(std::move(path)));
     appendPart(url, u';', keepsParameters ? baseParts.parameters : parts.parameters, keepsParameters ? base : relative);
     appendPart(url, u'?', keepsQuery ? baseParts.query : parts.query, keepsQuery ? base : relative);
     appendPart(url, u'#', parts.fragment, relative);
     return url;
+}
+
+std::u16string standardizedURL(std::u16string_view url) {
+    URLParts const parts = partsOfURL(url);
+    std::u16string_view const path = parts.path.of(url);
+    std::u16string plain = withoutDotSegments(path, LeadingDots::Go);
+    bool const isRelative = !path.starts_with(u'/');
+    bool const readsAsOther = plain.starts_with(u'/') || (!parts.scheme && plain.find(u':') < plain.find(u'/'));
+    if (isRelative && readsAsOther) plain.insert(0, u"./");
+    std::u16string_view const beforePath = url.substr(0, parts.path.start);
+    std::u16string result(beforePath);
+    result.append(beforePath.ends_with(u'/') || parts.host ? plain : behindNoAuthority(std::move(plain)));
+    return result.append(url.substr(parts.path.end));
 }
 
 } // namespace mac

@@ -57,7 +57,8 @@ NSString whisper(Parcel const& parcel) { return parcel.name().stringByAppendingS
 } // namespace
 
 TEST(Class, IsFoundByNameForEachOfTheFramework) {
-    char const* const names[]{"Class",
+    char const* const names[]{"CFUUID",
+                              "Class",
                               "NSArray",
                               "NSBundle",
                               "NSCharacterSet",
@@ -67,6 +68,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
                               "NSEnumerator",
                               "NSFileManager",
                               "NSMutableArray",
+                              "NSMutableCharacterSet",
                               "NSMutableData",
                               "NSMutableDictionary",
                               "NSMutableSet",
@@ -75,6 +77,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
                               "NSNotificationCenter",
                               "NSNull",
                               "NSNumber",
+                              "NSNumberFormatter",
                               "NSObject",
                               "NSPredicate",
                               "NSPropertyListSerialization",

@@ -220,7 +220,7 @@ TEST(NSURL, OfAFileIsNilForNoName) {
 
 TEST(NSURL, OfAFolderEndsWithASlash) {
     TemporaryFolder const folder;
-    std::string const path = folder.path();
+    std::string const& path = folder.path();
     std::ofstream(path + "/file") << "text";
     ASSERT_EQ(::symlink(path.c_str(), (path + "/link").c_str()), 0);
     auto const fileURL = [](std::string const& name) {
@@ -263,6 +263,15 @@ TEST(NSURL, IsStandardizedByRemovingDots) {
     NSURL const relative = url("a/../b", "http://h/c/").standardizedURL();
     EXPECT_EQ(shown(relative.relativeString()), "b");
     EXPECT_EQ(shown(relative.absoluteString()), "http://h/c/b");
+}
+
+TEST(NSURL, KeepsItsPathAPathWithoutDots) {
+    EXPECT_EQ(shown(url("a/../b:c/d").standardizedURL().absoluteString()), "./b:c/d");
+    EXPECT_EQ(shown(url("a/..//b").standardizedURL().absoluteString()), ".//b");
+    EXPECT_EQ(shown(url("file:/a/..//b").standardizedURL().absoluteString()), "file:/.//b");
+    EXPECT_EQ(shown(url("http://h/a/..//b").standardizedURL().absoluteString()), "http://h//b");
+    EXPECT_EQ(shown(url("file:///a/..//b").standardizedURL().absoluteString()), "file:////b");
+    EXPECT_EQ(shown(url("b/..//c", "file:/a").absoluteString()), "file:/.//c");
 }
 
 TEST(NSURL, IsEqualByTextAndBase) {

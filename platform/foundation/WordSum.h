@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace mac {
+
+// Adds 16-bit words in the order of the machine; the sum wraps at 32 bits. A byte that is left over counts as a word
+// whose other byte is 0. For implementations; any thread, data of any alignment.
+using WordSummation = std::uint32_t (*)(std::span<std::byte const> bytes);
+
+std::uint32_t sumOfWords(std::span<std::byte const> bytes);
+
+// Word by word, on any processor.
+std::uint32_t sumOfWordsPlainly(std::span<std::byte const> bytes);
+// Those that this processor has instructions for, the fastest first; all have the same results. At least one.
+std::span<WordSummation const> wordSummations();
+
+} // namespace mac
