@@ -1,0 +1,47 @@
+#include "platform/events/FlatDescriptor.h"
+#include "platform/events/NSAppleEventDescriptor.h"
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace mac::fuzz {
+
+namespace {
+
+// Every accessor, on the descriptor and what it holds.
+void readAll(NSAppleEventDescriptor const& descriptor) {
+    descriptor.stringValue();
+    descriptor.int32Value();
+    descriptor.booleanValue();
+    descriptor.typeCodeValue();
+    descriptor.returnID();
+    for (DescType const type : {typeAEList, typeAERecord, typeText, typeSInt64, typeIEEE64BitFloatingPoint, typeTrue})
+        descriptor.coerceToDescriptorType_(type);
+    for (NSInteger index = 1; index <= descriptor.numberOfItems(); ++index) {
+        descriptor.keywordForDescriptorAtIndex_(index);
+        readAll(descriptor.descriptorAtIndex_(index));
+    }
+}
+
+char const* complaintAbout(std::span<std::byte const> bytes) {
+    Result<AEDesc> const desc = unflattened(bytes);
+    if (!desc.hasValue()) return desc.reason().empty() ? "a failure without a reason" : nullptr;
+    Result<std::vector<std::byte>> const again = flattened(desc.value());
+    if (!again.hasValue() || !std::ranges::equal(again.value(), bytes)) return "it comes back as other bytes";
+    NSAppleEventDescriptor const descriptor = NSAppleEventDescriptor::descriptorWithAEDesc(desc.value());
+    descriptor.description();
+    readAll(descriptor);
+    return nullptr;
+}
+
+} // namespace
+
+} // namespace mac::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    char const* const complaint = mac::fuzz::complaintAbout(std::as_bytes(std::span(data, size)));
+    if (!complaint) return 0;
+    std::fprintf(stderr, "%s\n", complaint);
+    std::abort();
+}
