@@ -116,6 +116,8 @@ bool isTextMatch(PredicateOperator operation, id const& left, id const& right, P
     if (text == nil || part == nil) return false;
     if (operation == PredicateOperator::Matches) return matchesPattern(text.codeUnits(), part, node);
     if (node.options == 0) return isFound(operation, text.codeUnits(), part.codeUnits());
+    if (operation == PredicateOperator::Contains)
+        return containsComparable(text.codeUnits(), part.codeUnits(), node.options);
     return isFound(operation, comparableText(text.codeUnits(), node.options),
                    comparableText(part.codeUnits(), node.options));
 }

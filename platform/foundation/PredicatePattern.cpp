@@ -47,6 +47,17 @@ std::u16string comparableText(std::u16string_view text, NSUInteger options) {
     return folded;
 }
 
+bool containsComparable(std::u16string_view text, std::u16string_view part, NSUInteger options) {
+    std::u16string const wanted = comparableText(part, options);
+    if (wanted.empty()) return false;
+    bool const foldsCase = (options & NSCaseInsensitiveSearch) != 0;
+    // Filters ask this of thousands of texts: most are searched where they stand.
+    if (!isAscii(text)) return comparableText(text, options).find(wanted) != std::u16string::npos;
+    return !std::ranges::search(text, wanted, {}, [&](char16_t unit) {
+                return foldsCase ? lowercaseASCII(unit) : unit;
+            }).empty();
+}
+
 bool matchesWildcards(std::u16string_view text, std::u16string_view pattern) {
     // Where to go on after the last * when what follows it does not match: it then stands for one character more.
     std::size_t star = std::u16string_view::npos;

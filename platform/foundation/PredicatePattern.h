@@ -30,6 +30,9 @@ private:
 // and canonically equivalent text made equal. Without options the text itself.
 std::u16string comparableText(std::u16string_view text, NSUInteger options);
 
+// Whether the comparable text contains the comparable part; nothing ever contains the empty string.
+bool containsComparable(std::u16string_view text, std::u16string_view part, NSUInteger options);
+
 // Whether the text is what the pattern says, in which * stands for any text, ? for one character and \ before these for
 // themselves. Takes no longer than the product of the lengths.
 bool matchesWildcards(std::u16string_view text, std::u16string_view pattern);

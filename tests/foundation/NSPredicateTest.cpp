@@ -117,6 +117,17 @@ INSTANTIATE_TEST_SUITE_P(Wildcards, PredicateLanguage,
                                          Case{"'mississippi' LIKE '*is*ip*'", true},
                                          Case{"'mississippi' LIKE '*is*ip'", false}));
 
+INSTANTIATE_TEST_SUITE_P(PartsWithoutCase, PredicateLanguage,
+                         testing::Values(Case{"'/A/Mirror Frame.app' CONTAINS[c] 'mirror f'", true},
+                                         Case{"'/A/Mirror Frame.app' CONTAINS[c] 'mirror g'", false},
+                                         Case{"'abab' CONTAINS[c] 'ABABA'", false},
+                                         Case{"'Kelvin' CONTAINS[c] '\xE2\x84\xAA'", true},
+                                         Case{"'Stra\xC3\x9F"
+                                              "e' CONTAINS[c] 'STRASS'",
+                                              true},
+                                         Case{"'text' CONTAINS[c] ''", false}, Case{"'' CONTAINS[c] 'a'", false},
+                                         Case{"'TEXT' CONTAINS[d] 'e'", false}, Case{"'TEXT' CONTAINS[cd] 'e'", true}));
+
 INSTANTIATE_TEST_SUITE_P(RegularExpressions, PredicateLanguage,
                          testing::Values(Case{"name MATCHES 'Mirror .*\\\\.app'", true},
                                          Case{"name MATCHES 'Mirror'", false}, Case{"name MATCHES 'mirror.*'", false},
