@@ -78,23 +78,40 @@ Versions versionsOfPath(NSString const& path) {
     return {version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
 }
 
+// All records share their keys: finding one by the very same string is quick, and a key of its own for each record
+// would take more memory than the rest of it.
+struct RecordKeys {
+    NSString path = "path";
+    NSString displayPath = "displayPath";
+    NSString exists = "exists";
+    NSString isRunning = "isRunning";
+    NSString psn = "psn";
+    NSString isAutolaunched = "isAutolaunched";
+    NSString autolaunchItem = "autolaunchItem";
+    NSString isInToolbar = "isInToolbar";
+    NSString toolbarItem = "toolbarItem";
+    NSString version = "version";
+    NSString versionString = "versionString";
+};
+
 void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path, id const& psn,
                id const& autolaunchedItem, id const& toolbarItem) {
     auto const [version, versionString] = versionsOfPath(path);
     bool const exists = NSFileManager::defaultManager().fileExistsAtPath_(path);
 
+    static RecordKeys const keys;
     NSMutableDictionary const record = NSMutableDictionary::dictionary();
-    record.setValue_forKey_(path, "path");
-    record.setValue_forKey_(path, "displayPath");
-    record.setValue_forKey_(NSNumber::numberWithBool_(exists), "exists");
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.running.contains(path)), "isRunning");
-    record.setValue_forKey_(psn, "psn");
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.autolaunched.contains(path)), "isAutolaunched");
-    record.setValue_forKey_(autolaunchedItem, "autolaunchItem");
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.inToolbar.contains(path)), "isInToolbar");
-    record.setValue_forKey_(toolbarItem, "toolbarItem");
-    record.setValue_forKey_(version, "version");
-    record.setValue_forKey_(versionString, "versionString");
+    record.setValue_forKey_(path, keys.path);
+    record.setValue_forKey_(path, keys.displayPath);
+    record.setValue_forKey_(NSNumber::numberWithBool_(exists), keys.exists);
+    record.setValue_forKey_(NSNumber::numberWithBool_(sources.running.contains(path)), keys.isRunning);
+    record.setValue_forKey_(psn, keys.psn);
+    record.setValue_forKey_(NSNumber::numberWithBool_(sources.autolaunched.contains(path)), keys.isAutolaunched);
+    record.setValue_forKey_(autolaunchedItem, keys.autolaunchItem);
+    record.setValue_forKey_(NSNumber::numberWithBool_(sources.inToolbar.contains(path)), keys.isInToolbar);
+    record.setValue_forKey_(toolbarItem, keys.toolbarItem);
+    record.setValue_forKey_(version, keys.version);
+    record.setValue_forKey_(versionString, keys.versionString);
     records.addObject_(record);
 }
 
