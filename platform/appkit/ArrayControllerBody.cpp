@@ -17,7 +17,7 @@ constexpr char const* ArrangementKeys[]{"arrangedObjects", "count", "contentCoun
 
 NSString keyNamed(char const* name) { return NSString::stringWithUTF8String_(name); }
 
-// The change of several keys at once: everybody is told, then the first exception of an observer goes on.
+// The change of several keys at once.
 class KeysChange {
 public:
     explicit KeysChange(id object) : m_object(std::move(object)) {}
@@ -29,7 +29,8 @@ public:
         }
         return *this;
     }
-    void tell() const {
+    // Everybody is told; answers the first exception of an observer.
+    [[nodiscard]] std::exception_ptr tell() const {
         std::exception_ptr first;
         for (NSString const& key : m_keys) {
             try {
@@ -38,13 +39,17 @@ public:
                 if (!first) first = std::current_exception();
             }
         }
-        if (first) std::rethrow_exception(first);
+        return first;
     }
 
 private:
     id m_object;
     std::vector<NSString> m_keys;
 };
+
+void raise(std::exception_ptr const& exception) {
+    if (exception) std::rethrow_exception(exception);
+}
 
 NSArray objectsOf(id const& content) {
     if (content == nil) return NSArray::array();
@@ -60,47 +65,67 @@ NSArrayController::Body::Entry NSArrayController::Body::makeEntry(id const& obje
     return {object, m_identityKeyPath == nil ? object : valueOfKeyPath(object, m_identityKeyPath)};
 }
 
-// What was there before stands first, in its old order, and takes over row and selection; so do equals when they are
-// sorted.
-std::vector<NSArrayController::Body::Entry> NSArrayController::Body::entriesOf(id const& content) const {
+// What was there before takes over row and selection. Everything is read of an object while it is at hand: looking at
+// each once more is what costs.
+NSArrayController::Body::Reading NSArrayController::Body::read(id const& content) const {
     NSArray const objects = objectsOf(content);
+    SortValueReader const sortValues(m_descriptors);
     IdentityPlaces places(m_identityKeyPath != nil, m_entries.size());
     for (std::size_t place = 0; place < m_entries.size(); ++place)
         places.add(m_entries[place].identity, place);
-    std::vector<Entry> known(m_entries.size());
-    std::vector<Entry> added;
+
+    std::vector<Entry> entries;
+    std::vector<id> values;
+    entries.reserve(objects.count());
+    values.reserve(objects.count() * sortValues.width());
+    std::vector<std::size_t> indexAtPlace(m_entries.size(), KeptOrder::None);
+    std::vector<std::size_t> added;
     for (id const& object : objects) {
         Entry entry = makeEntry(object);
-        std::optional<std::size_t> const place = places.take(entry.identity);
-        if (!place) {
-            added.push_back(std::move(entry));
-            continue;
+        sortValues.append(values, object);
+        if (std::optional<std::size_t> const place = places.take(entry.identity)) {
+            entry.row = m_entries[*place].row;
+            entry.isSelected = m_entries[*place].isSelected;
+            indexAtPlace[*place] = entries.size();
+        } else {
+            added.push_back(entries.size());
         }
-        entry.row = m_entries[*place].row;
-        entry.isSelected = m_entries[*place].isSelected;
-        entry.formerPlace = *place;
-        known[*place] = std::move(entry);
+        entries.push_back(std::move(entry));
     }
-    std::erase_if(known, [](Entry const& entry) { return entry.object == nil; });
-    std::ranges::move(added, std::back_inserter(known));
-    return known;
+
+    Reading result;
+    result.entries.reserve(entries.size());
+    result.formerPlaces.reserve(entries.size());
+    result.sortValues.reserve(values.size());
+    auto const take = [&](std::size_t index, std::size_t formerPlace) {
+        result.entries.push_back(std::move(entries[index]));
+        result.formerPlaces.push_back(formerPlace);
+        for (std::size_t i = 0; i < sortValues.width(); ++i)
+            result.sortValues.push_back(std::move(values[index * sortValues.width() + i]));
+    };
+    for (std::size_t place = 0; place < indexAtPlace.size(); ++place) {
+        if (indexAtPlace[place] != KeptOrder::None) take(indexAtPlace[place], place);
+    }
+    for (std::size_t const index : added)
+        take(index, KeptOrder::None);
+    return result;
 }
 
-NSArrayController::Body::Sorted NSArrayController::Body::sorted(std::vector<Entry> entries,
-                                                                NSArray const& criteria) const {
-    std::vector<id> objects;
-    std::vector<std::size_t> formerPlaces;
-    objects.reserve(entries.size());
-    formerPlaces.reserve(entries.size());
-    for (Entry& entry : entries) {
-        objects.push_back(entry.object);
-        formerPlaces.push_back(std::exchange(entry.formerPlace, KeptOrder::None));
-    }
-    auto [order, values] = m_order.sort(objects, formerPlaces, criteria);
+NSArrayController::Body::Reading NSArrayController::Body::readAnew(NSArray const& criteria) const {
+    Reading result{m_entries, std::vector<std::size_t>(m_entries.size(), KeptOrder::None), {}};
+    SortValueReader const sortValues(criteria);
+    result.sortValues.reserve(result.entries.size() * sortValues.width());
+    for (Entry const& entry : result.entries)
+        sortValues.append(result.sortValues, entry.object);
+    return result;
+}
+
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading, NSArray const& criteria) const {
+    auto [order, values] = m_order.sort(std::move(reading.sortValues), reading.formerPlaces, criteria);
     Sorted result{{}, std::move(values)};
-    result.entries.reserve(entries.size());
+    result.entries.reserve(reading.entries.size());
     for (std::size_t const index : order)
-        result.entries.push_back(std::move(entries[index]));
+        result.entries.push_back(std::move(reading.entries[index]));
     return result;
 }
 
@@ -136,31 +161,44 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
                                    std::span<char const* const> furtherKeys) {
     KeysChange change(self());
     change.with(furtherKeys).with(ArrangementKeys).with(SelectionKeys);
+    id formerContent = m_content;
     changeFurther();
-    m_entries = std::move(arrangement.entries);
-    m_order.keep(std::move(arrangement.sortValues));
-    m_previouslyArranged = m_arranged;
-    m_arranged = NSArray::arrayWithVector(std::move(arrangement.arranged));
+    std::vector<Entry> formerEntries = std::exchange(m_entries, std::move(arrangement.entries));
+    std::vector<id> formerValues = m_order.keep(std::move(arrangement.sortValues));
+    m_previouslyArranged = std::exchange(m_arranged, NSArray::arrayWithVector(std::move(arrangement.arranged)));
     m_previousRows = std::move(arrangement.previousRows);
     m_selectedRows = std::move(arrangement.selectedRows);
     m_awaited = std::move(arrangement.stillAwaited);
-    change.tell();
+    std::exception_ptr const raised = change.tell();
+    m_previousRows.clear();
+
+    // The last one goes first: the lists before what they hold.
+    std::vector<id> discarded = std::move(formerValues);
+    discarded.reserve(discarded.size() + 2 * formerEntries.size() + 2);
+    for (Entry& entry : formerEntries)
+        discarded.push_back(std::move(entry.identity));
+    for (Entry& entry : formerEntries)
+        discarded.push_back(std::move(entry.object));
+    discarded.push_back(std::move(formerContent));
+    discarded.push_back(std::exchange(m_previouslyArranged, nil));
+    m_discarded.add(std::move(discarded));
+    raise(raised);
 }
 
 void NSArrayController::Body::setContent(id const& content) {
-    Arrangement arrangement = arrange(sorted(entriesOf(content), m_descriptors), m_filter);
+    Arrangement arrangement = arrange(sorted(read(content), m_descriptors), m_filter);
     if (content == nil) {
         for (Entry const& entry : m_entries) {
             if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
         }
     }
-    static constexpr char const* Key[]{"content"};
+    static constexpr char const* keys[]{"content"};
     show(
-        std::move(arrangement), [&] { m_content = content; }, Key);
+        std::move(arrangement), [&] { m_content = content; }, keys);
 }
 
 void NSArrayController::Body::rearrange() {
-    show(arrange(sorted(m_entries, m_descriptors), m_filter), [] {}, {});
+    show(arrange(sorted(readAnew(m_descriptors), m_descriptors), m_filter), [] {}, {});
 }
 
 void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
@@ -168,15 +206,15 @@ void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
     for (id const& descriptor : descriptors) {
         if (descriptor.isKindOfClass_(classOf<NSSortDescriptor>())) kept.addObject_(descriptor);
     }
-    static constexpr char const* Key[]{"sortDescriptors"};
+    static constexpr char const* keys[]{"sortDescriptors"};
     show(
-        arrange(sorted(m_entries, kept), m_filter), [&] { m_descriptors = NSArray::arrayWithArray_(kept); }, Key);
+        arrange(sorted(readAnew(kept), kept), m_filter), [&] { m_descriptors = NSArray::arrayWithArray_(kept); }, keys);
 }
 
 void NSArrayController::Body::setFilterPredicate(NSPredicate const& predicate) {
-    static constexpr char const* Key[]{"filterPredicate"};
+    static constexpr char const* keys[]{"filterPredicate"};
     show(
-        arrange({m_entries, m_order.values()}, predicate), [&] { m_filter = predicate; }, Key);
+        arrange({m_entries, m_order.values()}, predicate), [&] { m_filter = predicate; }, keys);
 }
 
 void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {
@@ -219,7 +257,7 @@ void NSArrayController::Body::setSelectedRows(std::vector<NSUInteger> rows) {
         isSelected[row] = true;
     for (Entry& entry : m_entries)
         entry.isSelected = entry.row != NSNotFound && isSelected[entry.row];
-    change.tell();
+    raise(change.tell());
 }
 
 void NSArrayController::Body::bind(id const& object, NSString const& keyPath) {

@@ -2,6 +2,7 @@
 
 #include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/KeyPathObserver.h"
+#include "platform/appkit/LateRelease.h"
 #include "platform/appkit/NSArrayController.h"
 #include <memory>
 #include <span>
@@ -46,8 +47,14 @@ private:
         id identity;
         NSUInteger row{NSNotFound};
         bool isSelected{false};
-        // Where it stood in the content's order before; only while a new one is made.
-        std::size_t formerPlace{KeptOrder::None};
+    };
+
+    // The objects of a new content as far as they are read. Those that were there before come first, in their old
+    // order.
+    struct Reading {
+        std::vector<Entry> entries;
+        std::vector<std::size_t> formerPlaces;
+        std::vector<id> sortValues;
     };
 
     // What is shown next; made whole before anything changes, since reading objects may raise.
@@ -66,8 +73,10 @@ private:
 
     id self() { return id::retain(this); }
     Entry makeEntry(id const& object) const;
-    std::vector<Entry> entriesOf(id const& content) const;
-    Sorted sorted(std::vector<Entry> entries, NSArray const& criteria) const;
+    Reading read(id const& content) const;
+    // The entries that there are, by other criteria or changed in place.
+    Reading readAnew(NSArray const& criteria) const;
+    Sorted sorted(Reading reading, NSArray const& criteria) const;
     Arrangement arrange(Sorted sorted, NSPredicate const& filter) const;
     void show(Arrangement arrangement, std::function<void()> const& changeFurther,
               std::span<char const* const> furtherKeys);
@@ -83,11 +92,13 @@ private:
     std::vector<NSUInteger> m_selectedRows;
     // Identities of what was selected when the content became unknown.
     std::vector<id> m_awaited;
+    // Only while a change is told.
     NSArray m_previouslyArranged;
     std::vector<NSUInteger> m_previousRows;
     WeakReference m_boundObject;
     NSString m_boundKeyPath;
     std::unique_ptr<KeyPathObserver> m_binding;
+    LateRelease m_discarded;
 };
 
 } // namespace mac

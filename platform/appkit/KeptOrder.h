@@ -2,12 +2,25 @@
 
 #include "platform/foundation/NSArray.h"
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace mac {
 
 // The object's value of a key path, itself for an empty one; quick where the path is a single key.
 id valueOfKeyPath(id const& object, NSString const& keyPath);
+
+// Reads what objects are sorted by: one value for each criterion.
+class SortValueReader {
+public:
+    explicit SortValueReader(NSArray const& criteria);
+
+    std::size_t width() const { return m_keyPaths.size(); }
+    void append(std::vector<id>& values, id const& object) const;
+
+private:
+    std::vector<NSString> m_keyPaths;
+};
 
 // The order of an array controller's content. It remembers by what the objects were sorted, so that a content which is
 // mostly what it was needs no sorting of all of it.
@@ -23,10 +36,12 @@ public:
         std::vector<id> values;
     };
 
-    // The objects with a former place come first, in the order of those; so do equal ones in the result.
-    Result sort(std::span<id const> objects, std::span<std::size_t const> formerPlaces, NSArray const& criteria) const;
+    // Takes the values of all criteria, object after object. The objects with a former place come first, in the order
+    // of those; so do equal ones in the result.
+    Result sort(std::vector<id> values, std::span<std::size_t const> formerPlaces, NSArray const& criteria) const;
     std::vector<id> const& values() const { return m_values; }
-    void keep(std::vector<id> values) { m_values = std::move(values); }
+    // Answers what was kept before.
+    std::vector<id> keep(std::vector<id> values) { return std::exchange(m_values, std::move(values)); }
 
 private:
     bool isAsBefore(std::span<id const> values, std::span<std::size_t const> formerPlaces, std::size_t width) const;

@@ -16,6 +16,13 @@ NSArray byVersionThenPath() {
     });
 }
 
+std::vector<id> valuesOf(std::vector<id> const& records, NSArray const& criteria) {
+    std::vector<id> values;
+    for (id const& object : records)
+        SortValueReader(criteria).append(values, object);
+    return values;
+}
+
 NSMutableDictionary record(int number, int version) {
     return makeRecord(NSString::stringWithFormat_("/%d", number), NSString::stringWithFormat_("%d", version));
 }
@@ -48,13 +55,13 @@ TEST(KeptOrder, PutsAFewAddedObjectsInTheirPlaces) {
     NSArray const criteria =
         NSArray::arrayWithObject_(NSSortDescriptor::sortDescriptorWithKey_ascending_("version", YES));
     std::vector<std::size_t> places(100, KeptOrder::None);
-    order.keep(order.sort(records, places, criteria).values);
+    order.keep(order.sort(valuesOf(records, criteria), places, criteria).values);
     for (std::size_t place = 0; place < places.size(); ++place)
         places[place] = place;
     records.push_back(record(100, 2));
     records.push_back(record(101, 0));
     places.resize(records.size(), KeptOrder::None);
-    std::vector<std::size_t> const result = order.sort(records, places, criteria).order;
+    std::vector<std::size_t> const result = order.sort(valuesOf(records, criteria), places, criteria).order;
     ASSERT_EQ(result.size(), 102U);
     EXPECT_EQ(result.front(), 101U);
     EXPECT_EQ(result[1], 0U);
