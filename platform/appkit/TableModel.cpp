@@ -44,7 +44,8 @@ QVariant TableModel::cell(id const& object, TableColumn const& column, int role)
         return column.fillsWidth || column.fitsContents ? plainToolTip(column.textOf(object)) : QVariant();
     case Qt::ForegroundRole: {
         NSColor const color = column.colorOf(object);
-        return color == nil ? QVariant() : QVariant(colorInTheme(color, m_palette));
+        if (color == nil) return {};
+        return colorInTheme(color, m_colorSource ? m_colorSource->palette() : QPalette());
     }
     case Qt::TextAlignmentRole:
         return QVariant::fromValue(

@@ -3,7 +3,8 @@
 #include "platform/appkit/NSArrayController.h"
 #include "platform/appkit/TableColumn.h"
 #include <QAbstractTableModel>
-#include <QPalette>
+#include <QPointer>
+#include <QWidget>
 #include <span>
 #include <vector>
 
@@ -17,8 +18,8 @@ public:
 
     std::vector<TableColumn> const& columns() const { return m_columns; }
     id const& objectAt(int row) const { return m_rows[static_cast<std::size_t>(row)]; }
-    // The colours that cells take theirs from.
-    void setPalette(QPalette const& palette) { m_palette = palette; }
+    // Cells take their colours from the widget's palette, whatever it is by then.
+    void setColorSource(QWidget const* widget) { m_colorSource = widget; }
 
     // Shows these rows from now on; previousRows says where each stood, NSNotFound for a new one.
     void replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows);
@@ -36,7 +37,7 @@ private:
 
     std::vector<TableColumn> m_columns;
     std::vector<id> m_rows;
-    QPalette m_palette;
+    QPointer<QWidget const> m_colorSource;
     // Columns whose value could not be read, so that it is logged once for each change and not for each painting.
     mutable std::vector<bool> m_isBroken;
 };

@@ -64,7 +64,7 @@ NSTableView::Body::~Body() {
 }
 
 void NSTableView::Body::prepareView() {
-    m_model.setPalette(m_view->palette());
+    m_model.setColorSource(m_view);
     m_view->setModel(&m_model);
     m_view->setItemDelegate(&m_delegate);
     QHeaderView* const rows = m_view->verticalHeader();
@@ -139,8 +139,12 @@ void NSTableView::Body::followRows() {
 
 void NSTableView::Body::showRows(NSArray const& rows) {
     NSArrayController::Body const& controller = *bodyOf(m_controller);
-    m_model.setPalette(m_view->palette());
-    Anchor const kept = anchor();
+    std::vector<bool> const stays = stayingRows();
+    Anchor const kept = anchor(stays);
+    // The view would go after the row of the keyboard, wherever that is.
+    bool const autoScrolls = m_view->hasAutoScroll();
+    m_view->setAutoScroll(false);
+    moveKeyboardToStayingRow(stays);
     bool const isNextChange = m_shown != nil && isSame(controller.previouslyArranged(), m_shown);
     if (isNextChange)
         m_model.replaceRows(rows, controller.previousRows());
@@ -149,6 +153,30 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     m_shown = rows;
     m_widths->fitContents();
     restore(kept);
+    m_view->setAutoScroll(autoScrolls);
+}
+
+std::vector<bool> NSTableView::Body::stayingRows() const {
+    NSArrayController::Body const& controller = *bodyOf(m_controller);
+    std::vector<bool> stays(static_cast<std::size_t>(m_model.rowCount()), false);
+    if (m_shown == nil || !isSame(controller.previouslyArranged(), m_shown)) return stays;
+    for (NSUInteger const row : controller.previousRows()) {
+        if (row != NSNotFound) stays[row] = true;
+    }
+    return stays;
+}
+
+// Where a row goes, the next one below takes the keyboard, as the eye expects it; else the next one above.
+void NSTableView::Body::moveKeyboardToStayingRow(std::vector<bool> const& stays) {
+    QModelIndex const current = m_view->currentIndex();
+    if (!current.isValid()) return;
+    auto const place = stays.begin() + current.row();
+    auto const below = std::find(place, stays.end(), true);
+    auto const above = std::find(std::make_reverse_iterator(place), stays.rend(), true);
+    if (below == place || (below == stays.end() && above == stays.rend())) return;
+    auto const taker = below != stays.end() ? below : std::prev(above.base());
+    QModelIndex const index = m_model.index(static_cast<int>(taker - stays.begin()), current.column());
+    m_view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
 }
 
 void NSTableView::Body::followSelection() {
@@ -166,18 +194,21 @@ void NSTableView::Body::selectAsInView() {
     if (!m_isFollowing) bodyOf(m_controller)->setSelectedRows(rowsOf(m_view->selectionModel()->selection()));
 }
 
-// The row that keeps its place on the screen: the selected one where the user is, else the first one of a scrolled
-// table.
-NSTableView::Body::Anchor NSTableView::Body::anchor() const {
+// The row that keeps its place on the screen: the selected one where the user is, else the first one in sight of a
+// scrolled table.
+NSTableView::Body::Anchor NSTableView::Body::anchor(std::vector<bool> const& stays) const {
     QModelIndex const current = m_view->currentIndex();
-    if (current.isValid() && m_view->selectionModel()->isSelected(current)) {
+    bool const isSelected = current.isValid() && m_view->selectionModel()->isSelected(current);
+    if (isSelected && stays[static_cast<std::size_t>(current.row())]) {
         QRect const place = m_view->visualRect(current);
         bool const isSeen = place.bottom() >= 0 && place.top() < m_view->viewport()->height();
         if (isSeen) return {current, place.top()};
     }
     if (m_view->verticalScrollBar()->value() == 0) return {};
-    QModelIndex const first = m_model.index(m_view->rowAt(0), 0);
-    return {first, m_view->rowViewportPosition(first.row())};
+    auto const first = std::find(stays.begin() + std::max(m_view->rowAt(0), 0), stays.end(), true);
+    if (first == stays.end()) return {};
+    int const row = static_cast<int>(first - stays.begin());
+    return {m_model.index(row, 0), m_view->rowViewportPosition(row)};
 }
 
 void NSTableView::Body::restore(Anchor const& anchor) {

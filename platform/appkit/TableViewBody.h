@@ -12,8 +12,8 @@
 
 namespace mac {
 
-// A table on the screen and its array controller: rows, order and selection follow each other. While rows arrive, what
-// the user looks at stays where it is.
+// A table on the screen and its array controller: rows, order and selection follow each other. While rows come and go,
+// what the user looks at stays where it is.
 class NSTableView::Body : public NSControl::Body {
 public:
     Body(QTableView* view, std::vector<TableColumn> columns, NSArrayController const& controller);
@@ -34,10 +34,13 @@ private:
     void connectView();
     void followRows();
     void showRows(NSArray const& rows);
+    // Which of the rows that are shown will be shown next, too.
+    std::vector<bool> stayingRows() const;
+    void moveKeyboardToStayingRow(std::vector<bool> const& stays);
     void followSelection();
     void selectAsInView();
     void showOrder();
-    Anchor anchor() const;
+    Anchor anchor(std::vector<bool> const& stays) const;
     void restore(Anchor const& anchor);
 
     QPointer<QTableView> m_view;
