@@ -14,6 +14,10 @@ namespace {
 
 constexpr double Box = 16;
 constexpr double LineWidth = 1.4;
+// Of the tile behind a window's icon, in units of the box.
+constexpr double TileCorner = 3;
+constexpr double TileMargin = 2.5;
+constexpr QRgb TileColor = 0xFF2A5D8F;
 
 // Reads letters and numbers, one command after the other.
 class PathReader {
@@ -91,21 +95,14 @@ private:
 
 class DrawnIconEngine : public QIconEngine {
 public:
-    explicit DrawnIconEngine(QPainterPath path) : m_path(std::move(path)) {}
+    explicit DrawnIconEngine(QPainterPath const& path) : m_path(path) {}
 
     void paint(QPainter* painter, QRect const& rect, QIcon::Mode mode, QIcon::State) override {
         QPalette const palette = QGuiApplication::palette();
         QColor color = palette.color(QPalette::Active, QPalette::ButtonText);
         if (mode == QIcon::Disabled) color = palette.color(QPalette::Disabled, QPalette::ButtonText);
         if (mode == QIcon::Selected) color = palette.color(QPalette::Active, QPalette::HighlightedText);
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->translate(rect.topLeft());
-        painter->scale(rect.width() / Box, rect.height() / Box);
-        painter->setPen(QPen(color, LineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawPath(m_path);
-        painter->restore();
+        drawLine(*painter, rect, color);
     }
 
     QPixmap pixmap(QSize const& size, QIcon::Mode mode, QIcon::State state) override {
@@ -118,18 +115,55 @@ public:
 
     QIconEngine* clone() const override { return std::make_unique<DrawnIconEngine>(m_path).release(); }
 
+protected:
+    QPainterPath const& path() const { return m_path; }
+
+    void drawLine(QPainter& painter, QRectF const& rect, QColor const& color) const {
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(rect.topLeft());
+        painter.scale(rect.width() / Box, rect.height() / Box);
+        painter.setPen(QPen(color, LineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPath(m_path);
+        painter.restore();
+    }
+
 private:
     QPainterPath m_path;
 };
+
+class TileIconEngine : public DrawnIconEngine {
+public:
+    using DrawnIconEngine::DrawnIconEngine;
+
+    void paint(QPainter* painter, QRect const& rect, QIcon::Mode, QIcon::State) override {
+        double const unit = rect.width() / Box;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(QColor(TileColor));
+        painter->drawRoundedRect(rect, TileCorner * unit, TileCorner * unit);
+        painter->restore();
+        double const margin = TileMargin * unit;
+        drawLine(*painter, QRectF(rect).adjusted(margin, margin, -margin, -margin), Qt::white);
+    }
+
+    QIconEngine* clone() const override { return std::make_unique<TileIconEngine>(path()).release(); }
+};
+
+template <class Engine>
+QIcon iconWith(QString const& pathText) {
+    std::optional<QPainterPath> const path = pathFromText(pathText);
+    return path ? QIcon(std::make_unique<Engine>(*path).release()) : QIcon();
+}
 
 } // namespace
 
 std::optional<QPainterPath> pathFromText(QString const& text) { return PathReader(text).read(); }
 
-QIcon drawnIcon(QString const& pathText) {
-    std::optional<QPainterPath> path = pathFromText(pathText);
-    if (!path) return {};
-    return QIcon(std::make_unique<DrawnIconEngine>(*std::move(path)).release());
-}
+QIcon drawnIcon(QString const& pathText) { return iconWith<DrawnIconEngine>(pathText); }
+
+QIcon tileIcon(QString const& pathText) { return iconWith<TileIconEngine>(pathText); }
 
 } // namespace mac

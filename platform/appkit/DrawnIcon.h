@@ -14,4 +14,8 @@ std::optional<QPainterPath> pathFromText(QString const& text);
 // icon theme lacks what the window shows. An empty icon when the text is no path.
 QIcon drawnIcon(QString const& pathText);
 
+// The same line in white on a coloured tile, which can be seen on any background: for windows. An empty icon when the
+// text is no path.
+QIcon tileIcon(QString const& pathText);
+
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/appkit/FilterPredicate.h"
 #include "platform/appkit/FormReader.h"
 #include "platform/appkit/StatusLine.h"
+#include "platform/appkit/TableCover.h"
 #include "platform/appkit/TableViewBody.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/appkit/WindowBody.h"
@@ -19,8 +20,10 @@
 //                 arrayControllers     names; for each a list property of that name with lines contentSet=KEYPATH or
 //                                      contentArray=KEYPATH, and identityKeyPath=KEYPATH
 //                 initialFocus         name of the widget that gets the keyboard first
+//                 glyph                outline of its icon
 // any widget      outlet               the controller's key under which it gets this object
 //                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
+//                 coversRows           name of the table over whose rows it lies
 //                 enabledWhen          the same for buttons and actions
 // table           rows                 name of the array controller
 //                 columns              names; for each a list property NAMEColumn, see TableColumn.cpp
@@ -201,6 +204,13 @@ void InterfaceFile::connectConditions(QWidget* widget) {
                     });
 }
 
+void InterfaceFile::coverRows(QWidget* widget) {
+    QString const name = property<QString>(widget, "coversRows");
+    if (name.isEmpty()) return;
+    if (auto* const table = m_window->findChild<QTableView*>(name)) return keep<TableCover>(widget, table);
+    NSLog("Interface file: \"%@\" covers the rows of \"%@\", which does not exist", nameOf(widget), stringOf(name));
+}
+
 void InterfaceFile::connectWidgets() {
     if (has(m_window.get(), "outlet")) connectOutlet(property<QString>(m_window.get(), "outlet"), m_windowObject);
     for (QWidget* const widget : m_window->findChildren<QWidget*>()) {
@@ -213,6 +223,7 @@ void InterfaceFile::connectWidgets() {
         if (auto* const field = qobject_cast<QLineEdit*>(widget); field && has(field, "filters")) connectFilter(field);
         if (label && has(label, "displayPattern")) keep<BoundText>(label, m_scope);
         if (label && property<bool>(label, "showsLog")) keep<StatusLine>(label);
+        coverRows(widget);
         connectConditions(widget);
     }
     for (QAction* const action : m_window->findChildren<QAction*>())

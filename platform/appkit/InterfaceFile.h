@@ -50,6 +50,7 @@ private:
     void connectFilter(QLineEdit* field);
     void connectWidgets();
     void connectConditions(QWidget* widget);
+    void coverRows(QWidget* widget);
     // Enabled while the target responds and the conditions of the property enabledWhen hold.
     void enableWhenUsable(QObject* owner, NSControl const& control);
     NSControl makeControl(NSControl control, QObject* owner);

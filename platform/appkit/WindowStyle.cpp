@@ -72,6 +72,7 @@ void makeReachableOverflow(QToolBar* bar) {
 
 void styleWindow(QWidget* window) {
     giveIcons(window);
+    if (!glyphOf(window).isEmpty()) window->setWindowIcon(tileIcon(glyphOf(window)));
     for (QAction* const action : window->findChildren<QAction*>())
         tellShortcuts(action);
     for (QToolBar* const bar : window->findChildren<QToolBar*>()) {

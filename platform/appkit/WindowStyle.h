@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// What a form of Qt Designer cannot say by itself: icons where the theme has none, shortcuts in tool tips, further
-// shortcuts, mnemonics on tool buttons. The properties stand in InterfaceFile.cpp.
+// What a form of Qt Designer cannot say by itself: icons where the theme has none and one of the window, shortcuts in
+// tool tips, further shortcuts, mnemonics on tool buttons. The properties stand in InterfaceFile.cpp.
 void styleWindow(QWidget* window);
 
 // Gives the widget the keyboard; of a text field all is selected.
