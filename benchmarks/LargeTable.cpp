@@ -85,7 +85,7 @@ std::vector<Copy> copies(int count) {
     for (int index = 0; index < count; ++index) {
         int const shuffled = static_cast<int>(index * 7919LL % count);
         std::string const version = std::to_string(shuffled % VersionCount);
-        result.push_back({"/home/user/Folder " + std::to_string(shuffled % 97) + "/Backup " + std::to_string(shuffled) +
+        result.push_back({"/volumes/Folder " + std::to_string(shuffled % 97) + "/Backup " + std::to_string(shuffled) +
                               "/Mirror Frame.app",
                           version, "2." + version + " (" + version + ")"});
     }

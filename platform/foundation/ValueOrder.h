@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSArray.h"
+#include <span>
 #include <vector>
 
 // The order behind every sorting by descriptors, for implementations.
