@@ -76,12 +76,12 @@ std::optional<std::string> unguessableName() {
 // A new file beside another one, removed again unless it took its place.
 class NewFile {
 public:
-    explicit NewFile(int folder) : m_folder(folder) {
+    NewFile(int folder, mode_t mode) : m_folder(folder) {
         std::optional<std::string> const name = unguessableName();
         if (!name) return;
         m_name = *name;
         m_file = FileDescriptor(
-            ::openat(folder, m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, UsualMode));
+            ::openat(folder, m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     }
     ~NewFile() {
         int const reason = errno;
@@ -121,20 +121,22 @@ private:
 
 bool replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes) {
     std::optional<Place> const place = finalPlaceOf(path);
-    if (!place) return false;
+    return place && replaceFileInFolder(place->folder.number(), place->name, bytes, UsualMode);
+}
+
+bool replaceFileInFolder(int folder, std::string const& name, std::span<std::byte const> bytes, unsigned newFileMode) {
     struct stat old {};
-    bool const isThere = ::fstatat(place->folder.number(), place->name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+    bool const isThere = ::fstatat(folder, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
     if (!isThere && errno != ENOENT) return false;
     if (isThere && !S_ISREG(old.st_mode)) {
         errno = S_ISDIR(old.st_mode) ? EISDIR : EINVAL;
         return false;
     }
-    NewFile file(place->folder.number());
-    if (!file.isOpen() || (isThere && !file.takeAfter(old)) || !file.write(bytes) || !file.rename(place->name))
-        return false;
+    NewFile file(folder, newFileMode);
+    if (!file.isOpen() || (isThere && !file.takeAfter(old)) || !file.write(bytes) || !file.rename(name)) return false;
     // The new bytes are there for every reader; on a file system that cannot flush folders they still are.
-    FileDescriptor const folder(::openat(place->folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen()) ::fsync(folder.number());
+    FileDescriptor const flushed(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (flushed.isOpen()) ::fsync(flushed.number());
     return true;
 }
 

@@ -95,8 +95,12 @@ Result<FileContents> readFileAtPath(std::string_view path, std::size_t mostBytes
 
     // Another file may have taken the place meanwhile.
     FileDescriptor const file = openPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    return file.isOpen() ? readOpenFile(file, mostBytes) : systemFailure();
+}
+
+Result<FileContents> readOpenFile(FileDescriptor const& file, std::size_t mostBytes) {
     struct stat status {};
-    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) return systemFailure();
+    if (::fstat(file.number(), &status) != 0) return systemFailure();
     FileContents contents{{}, statusOf(status)};
     if (contents.status.kind != FileStatus::Kind::File) return complaintAbout(contents.status);
 

@@ -44,5 +44,7 @@ struct FileContents {
 // A regular file of at most so many bytes, whole. Other files are not opened: to open one can wait for ever, or do
 // things.
 Result<FileContents> readFileAtPath(std::string_view path, std::size_t mostBytes);
+// The same of a file open for reading, from where it stands.
+Result<FileContents> readOpenFile(FileDescriptor const& file, std::size_t mostBytes);
 
 } // namespace mac

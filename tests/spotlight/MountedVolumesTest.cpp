@@ -1,6 +1,6 @@
-#include "tests/spotlight/PrivateMounts.h"
 #include "tests/spotlight/RandomTree.h"
 #include "tests/spotlight/Walk.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>

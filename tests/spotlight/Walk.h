@@ -18,7 +18,4 @@ std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request);
 // The packages that find lists below the folder, sorted: those ending in .app, and none in another.
 std::vector<std::string> packagesByFind(std::string const& folder);
 
-// The program's standard output. Throws when it does not end well.
-std::string outputOf(std::vector<std::string> const& command);
-
 } // namespace mac::test

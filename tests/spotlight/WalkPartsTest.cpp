@@ -3,7 +3,7 @@
 #include "platform/spotlight/LeafRule.h"
 #include "platform/spotlight/PackageRule.h"
 #include "platform/spotlight/ThreadPace.h"
-#include "tests/spotlight/PrivateMounts.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <gtest/gtest.h>

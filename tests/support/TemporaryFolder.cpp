@@ -27,11 +27,16 @@ int removeEntry(char const* path, struct stat const* status, int type, FTW*) {
     return 0;
 }
 
+std::string usualBase() {
+    char const* const base = std::getenv("TMPDIR");
+    return base && *base ? base : "/tmp";
+}
+
 } // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    char const* const base = std::getenv("TMPDIR");
-    m_path = std::string(base && *base ? base : "/tmp") + "/framekeeper-test-XXXXXX";
+TemporaryFolder::TemporaryFolder() : TemporaryFolder(usualBase()) {}
+
+TemporaryFolder::TemporaryFolder(std::string const& base) : m_path(base + "/framekeeper-test-XXXXXX") {
     if (!::mkdtemp(m_path.data())) fail(m_path);
 }
 

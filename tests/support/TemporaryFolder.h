@@ -9,6 +9,8 @@ namespace mac::test {
 class TemporaryFolder {
 public:
     TemporaryFolder();
+    // In this folder.
+    explicit TemporaryFolder(std::string const& base);
     ~TemporaryFolder();
     TemporaryFolder(TemporaryFolder const&) = delete;
     TemporaryFolder& operator=(TemporaryFolder const&) = delete;

@@ -13,14 +13,18 @@ protected:
     void SetUp() override;
     void TearDown() override; // unmounts, so folders for mount points are members of the test's class
 
-    void mountMemory(std::string const& point);
+    void mountMemory(std::string const& point, char const* options = nullptr);
+    // A file system in memory that knows no extended attributes.
+    void mountWithoutAttributes(std::string const& point);
+    void makeReadOnly(std::string const& point);
     void bind(std::string const& folder, std::string const& point);
     // A new ext4 file system in a file, by a loop device. Skips the test, with the reason, where there are none; then
     // the caller returns.
     void mountImage(std::string const& image, std::string const& point, std::vector<std::string> const& options = {});
 
 private:
-    void add(std::string const& source, std::string const& point, char const* type, unsigned long flags);
+    void add(std::string const& source, std::string const& point, char const* type, unsigned long flags,
+             char const* options = nullptr);
 
     std::vector<std::string> m_points;
 };

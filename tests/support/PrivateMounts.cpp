@@ -1,5 +1,5 @@
-#include "tests/spotlight/PrivateMounts.h"
-#include "tests/spotlight/Walk.h"
+#include "tests/support/PrivateMounts.h"
+#include "tests/support/CommandOutput.h"
 #include <cerrno>
 #include <cstring>
 #include <sched.h>
@@ -33,13 +33,23 @@ void PrivateMounts::TearDown() {
         ::umount2(m_points.back().c_str(), MNT_DETACH);
 }
 
-void PrivateMounts::add(std::string const& source, std::string const& point, char const* type, unsigned long flags) {
-    if (::mount(source.c_str(), point.c_str(), type, flags, nullptr) != 0)
+void PrivateMounts::add(std::string const& source, std::string const& point, char const* type, unsigned long flags,
+                        char const* options) {
+    if (::mount(source.c_str(), point.c_str(), type, flags, options) != 0)
         throw std::system_error(errno, std::generic_category(), point);
     m_points.push_back(point);
 }
 
-void PrivateMounts::mountMemory(std::string const& point) { add("memory", point, "tmpfs", 0); }
+void PrivateMounts::mountMemory(std::string const& point, char const* options) {
+    add("memory", point, "tmpfs", 0, options);
+}
+
+void PrivateMounts::mountWithoutAttributes(std::string const& point) { add("memory", point, "ramfs", 0); }
+
+void PrivateMounts::makeReadOnly(std::string const& point) {
+    if (::mount(nullptr, point.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0)
+        throw std::system_error(errno, std::generic_category(), point);
+}
 
 void PrivateMounts::bind(std::string const& folder, std::string const& point) { add(folder, point, nullptr, MS_BIND); }
 

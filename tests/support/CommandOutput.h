@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+// The program's standard output. Throws when it does not end well.
+std::string outputOf(std::vector<std::string> const& command);
+
+} // namespace mac::test
