@@ -1,0 +1,22 @@
+#include "fuzz/AttributeListRoundTrip.h"
+#include "pathutils/ExtendedAttributes.h"
+
+namespace mac::fuzz {
+
+std::string complaintAboutAttributeList(std::string const& file, std::span<std::byte const> bytes) {
+    NSString const path = NSString::stringWithFileSystemRepresentation_(file);
+    NSData const data = NSData::dataWithBytes(bytes);
+    if (!pxSetExtendedAttributeData_forKey_(path, data, "given")) return "the bytes cannot be stored";
+    NSData const stored = pxExtendedAttributeDataForKey_(path, "given");
+    if (bytes.empty() ? stored != nil : !stored.isEqualToData_(data)) return "the bytes are stored otherwise";
+    id const list = pxExtendedAttributeDictionaryForKey_(path, "given");
+    if (list == nil) return {};
+    if (!pxSetExtendedAttributeDictionary_forKey_(path, list, "again")) return "the list cannot be stored";
+    id const again = pxExtendedAttributeDictionaryForKey_(path, "again");
+    NSData const written = pxExtendedAttributeDataForKey_(path, "again");
+    if (!pxSetExtendedAttributeDictionary_forKey_(path, again, "again")) return "the list cannot be stored twice";
+    if (!written.isEqualToData_(pxExtendedAttributeDataForKey_(path, "again"))) return "it changes every time";
+    return pxRemoveExtendedAttributeForKey_(path, "again") ? "" : "the list cannot be removed";
+}
+
+} // namespace mac::fuzz

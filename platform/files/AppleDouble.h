@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/foundation/Result.h"
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mac {
+
+// What a file "._NAME" holds for the item NAME beside it: version 2 of the form, with the table of attributes that Mac
+// OS X keeps behind the Finder information. A value; for implementations.
+struct AppleDouble {
+    static constexpr std::size_t FinderInformationSize = 32;
+    using FinderInformation = std::array<std::byte, FinderInformationSize>;
+
+    struct Attribute {
+        std::string name;
+        std::vector<std::byte> value;
+
+        bool operator==(Attribute const&) const = default;
+    };
+    // A part that means nothing here and is kept for others.
+    struct Part {
+        std::uint32_t kind{0};
+        std::vector<std::byte> bytes;
+
+        bool operator==(Part const&) const = default;
+    };
+
+    // All zero: there is none. An empty fork likewise.
+    FinderInformation finderInformation{};
+    std::vector<std::byte> resourceFork{};
+    std::vector<Attribute> attributes{};
+    std::vector<Part> otherParts{};
+
+    // Fails for what is no such file or contradicts itself: nothing outside of the bytes is believed, no byte counts
+    // twice, and no name does.
+    static Result<AppleDouble> read(std::span<std::byte const> file);
+    // Nothing when it is more than the form can count, or a name is empty, too long or holds a NUL.
+    std::optional<std::vector<std::byte>> written() const;
+
+    bool isEmpty() const;
+    // By name, those for the Finder information and the resource fork included.
+    std::optional<std::span<std::byte const>> valueOf(std::string_view name) const;
+    std::vector<std::string> names() const;
+    // False for Finder information of another size.
+    bool setValue(std::string_view name, std::span<std::byte const> value);
+    // Whether it was there.
+    bool removeValue(std::string_view name);
+
+    bool operator==(AppleDouble const&) const = default;
+};
+
+} // namespace mac

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace mac {
+
+// The numbers of the AppleDouble form; all are written most significant byte first.
+namespace appleDoubleForm {
+
+inline constexpr std::uint32_t Magic = 0x00051607;
+inline constexpr std::uint32_t Version = 0x00020000;
+inline constexpr std::string_view Filler = "Mac OS X        ";
+// Magic, version, filler, count of parts.
+inline constexpr std::size_t HeaderSize = 26;
+// Kind, offset, length.
+inline constexpr std::size_t PartEntrySize = 12;
+inline constexpr std::uint32_t ResourceForkKind = 2;
+inline constexpr std::uint32_t FinderInformationKind = 9;
+
+// The table of attributes lies in the part of the Finder information, so many bytes behind its start. Its offsets count
+// from the start of the file.
+inline constexpr std::size_t TableDistance = 34;
+inline constexpr std::uint32_t TableMagic = 0x41545452; // "ATTR"
+// Magic, tag, end, start of the values, length of the values, three reserved, flags, count of attributes.
+inline constexpr std::size_t TableHeaderSize = 36;
+// Offset, length, flags, length of the name with its NUL; the name follows.
+inline constexpr std::size_t AttributeEntrySize = 11;
+inline constexpr std::size_t AttributeAlignment = 4;
+inline constexpr std::size_t LongestName = 254;
+
+} // namespace appleDoubleForm
+
+} // namespace mac

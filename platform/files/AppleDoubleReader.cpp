@@ -1,0 +1,146 @@
+#include "platform/files/AppleDouble.h"
+#include "platform/files/AppleDoubleForm.h"
+#include "platform/files/ExtendedAttributes.h"
+#include <algorithm>
+#include <unordered_set>
+
+namespace mac {
+
+namespace {
+
+using namespace appleDoubleForm;
+
+using Bytes = std::span<std::byte const>;
+
+// Reads one number after the other; past the end they are 0, and the reader is no longer sound.
+class Reader {
+public:
+    Reader(Bytes file, std::size_t start) : m_rest(file.subspan(std::min(start, file.size()))) {}
+
+    bool isSound() const { return m_isSound; }
+    Bytes take(std::size_t count) {
+        if (count > m_rest.size()) {
+            m_isSound = false;
+            m_rest = {};
+            return {};
+        }
+        Bytes const taken = m_rest.first(count);
+        m_rest = m_rest.subspan(count);
+        return taken;
+    }
+    std::uint32_t number(std::size_t width) {
+        std::uint32_t value = 0;
+        for (std::byte const byte : take(width))
+            value = value << 8 | std::to_integer<std::uint32_t>(byte);
+        return value;
+    }
+
+private:
+    Bytes m_rest;
+    bool m_isSound{true};
+};
+
+std::vector<std::byte> copyOf(Bytes bytes) { return {bytes.begin(), bytes.end()}; }
+
+// Gives out pieces of a file, altogether no more than it has bytes, so that a small file cannot fill the memory.
+class Pieces {
+public:
+    explicit Pieces(Bytes file) : m_file(file), m_left(file.size()) {}
+
+    std::optional<Bytes> piece(std::size_t offset, std::size_t length) {
+        if (length == 0) return Bytes();
+        if (offset > m_file.size() || length > m_file.size() - offset || length > m_left) return std::nullopt;
+        m_left -= length;
+        return m_file.subspan(offset, length);
+    }
+
+private:
+    Bytes m_file;
+    std::size_t m_left;
+};
+
+std::size_t aligned(std::size_t size) {
+    return (size + AttributeAlignment - 1) / AttributeAlignment * AttributeAlignment;
+}
+
+bool isReserved(std::string_view name) { return name == XATTR_FINDERINFO_NAME || name == XATTR_RESOURCEFORK_NAME; }
+
+std::optional<std::string> readName(Reader& reader) {
+    std::size_t const length = reader.number(1);
+    Bytes const bytes = reader.take(aligned(AttributeEntrySize + length) - AttributeEntrySize);
+    if (!reader.isSound() || length < 2) return std::nullopt;
+    std::string const name(reinterpret_cast<char const*>(bytes.data()), length - 1);
+    bool const isEnded = bytes[length - 1] == std::byte{0};
+    if (!isEnded || name.find('\0') != std::string::npos || isReserved(name)) return std::nullopt;
+    return name;
+}
+
+// Behind the Finder information there may also be nothing but padding.
+Result<std::vector<AppleDouble::Attribute>> readTable(Bytes file, std::size_t start) {
+    std::vector<AppleDouble::Attribute> attributes;
+    Reader reader(file, start);
+    if (reader.number(4) != TableMagic) return attributes;
+    constexpr std::size_t untilCount = TableHeaderSize - 6;
+    reader.take(untilCount);
+    std::size_t const count = reader.number(2);
+    Pieces values(file);
+    std::unordered_set<std::string> names;
+    for (std::size_t index = 0; index < count; ++index) {
+        std::size_t const offset = reader.number(4);
+        std::size_t const length = reader.number(4);
+        reader.take(2);
+        std::optional<std::string> name = readName(reader);
+        std::optional<Bytes> const value = values.piece(offset, length);
+        if (!name || !value || !names.insert(*name).second) return Failure{"An attribute is damaged"};
+        attributes.push_back({std::move(*name), copyOf(*value)});
+    }
+    if (!reader.isSound()) return Failure{"The table of attributes is cut short"};
+    return attributes;
+}
+
+// The Finder information, and behind it the attributes.
+std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t offset, Bytes part) {
+    if (part.empty()) return {};
+    if (part.size() < AppleDouble::FinderInformationSize) return "The Finder information is cut short";
+    std::ranges::copy(part.first(AppleDouble::FinderInformationSize), result.finderInformation.begin());
+    if (part.size() < TableDistance + TableHeaderSize) return {};
+    Result<std::vector<AppleDouble::Attribute>> attributes = readTable(file, offset + TableDistance);
+    if (!attributes.hasValue()) return attributes.reason();
+    result.attributes = attributes.takeValue();
+    return {};
+}
+
+} // namespace
+
+Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) {
+    Reader reader(file, 0);
+    if (reader.number(4) != Magic) return Failure{"It is no AppleDouble file"};
+    if (reader.number(4) != Version) return Failure{"It is an AppleDouble file of another version"};
+    reader.take(Filler.size());
+    std::size_t const count = reader.number(2);
+
+    AppleDouble result;
+    Pieces pieces(file);
+    std::unordered_set<std::uint32_t> kinds;
+    for (std::size_t index = 0; index < count; ++index) {
+        std::uint32_t const kind = reader.number(4);
+        std::size_t const offset = reader.number(4);
+        std::size_t const length = reader.number(4);
+        if (!reader.isSound()) return Failure{"The list of parts is cut short"};
+        std::optional<Bytes> const part = pieces.piece(offset, length);
+        if (!part) return Failure{"A part lies outside of the file, or in another one"};
+        if (!kinds.insert(kind).second) return Failure{"A part is there twice"};
+        if (kind == FinderInformationKind) {
+            std::string complaint = takeFinderInformation(result, file, offset, *part);
+            if (!complaint.empty()) return Failure{std::move(complaint)};
+        } else if (kind == ResourceForkKind) {
+            result.resourceFork = copyOf(*part);
+        } else {
+            result.otherParts.push_back({kind, copyOf(*part)});
+        }
+    }
+    if (!reader.isSound()) return Failure{"It is cut short"};
+    return result;
+}
+
+} // namespace mac

@@ -1,0 +1,200 @@
+#include "platform/files/AppleDouble.h"
+#include "platform/files/ExtendedAttributes.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+// A file put together by hand, number by number.
+class Bytes {
+public:
+    Bytes& number(std::uint32_t value, unsigned width = 4) {
+        for (unsigned index = width; index > 0; --index)
+            m_bytes.push_back(static_cast<std::byte>(value >> (8 * (index - 1))));
+        return *this;
+    }
+    Bytes& text(std::string_view text) {
+        std::span<std::byte const> const bytes = std::as_bytes(std::span(text));
+        m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
+        return *this;
+    }
+    Bytes& zeros(std::size_t count) {
+        m_bytes.resize(m_bytes.size() + count);
+        return *this;
+    }
+    Bytes& header(std::uint32_t parts) {
+        return number(0x00051607).number(0x00020000).text("Mac OS X        ").number(parts, 2);
+    }
+    Bytes& part(std::uint32_t kind, std::uint32_t offset, std::uint32_t length) {
+        return number(kind).number(offset).number(length);
+    }
+    std::vector<std::byte> const& get() const { return m_bytes; }
+
+private:
+    std::vector<std::byte> m_bytes;
+};
+
+std::string text(std::optional<std::span<std::byte const>> bytes) {
+    if (!bytes) return "-";
+    return {reinterpret_cast<char const*>(bytes->data()), bytes->size()};
+}
+
+std::string complaint(Bytes const& bytes) { return AppleDouble::read(bytes.get()).reason(); }
+
+// Finder information of 32 bytes at 50, the table at 84 with its first entry at 120.
+Bytes withTable(std::uint32_t attributes) {
+    Bytes bytes;
+    bytes.header(2).part(9, 50, 110).part(2, 160, 4).text("APPLMRFM").zeros(26);
+    return bytes.text("ATTR").number(7).number(160).number(152).number(8).zeros(14).number(attributes, 2);
+}
+
+TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
+    Bytes const bytes = withTable(2)
+                            .number(152)
+                            .number(5)
+                            .number(0, 2)
+                            .number(2, 1)
+                            .text("a")
+                            .zeros(4)
+                            .number(157)
+                            .number(3)
+                            .number(0, 2)
+                            .number(4, 1)
+                            .text("b:c")
+                            .zeros(2)
+                            .text("valueyes")
+                            .text("fork");
+    ASSERT_EQ(bytes.get().size(), 164U);
+    Result<AppleDouble> const file = AppleDouble::read(bytes.get());
+    ASSERT_TRUE(file.hasValue()) << file.reason();
+    EXPECT_EQ(text(file.value().valueOf("a")), "value");
+    EXPECT_EQ(text(file.value().valueOf("b:c")), "yes");
+    EXPECT_EQ(text(file.value().valueOf(XATTR_RESOURCEFORK_NAME)), "fork");
+    EXPECT_EQ(text(file.value().valueOf(XATTR_FINDERINFO_NAME)), "APPLMRFM" + std::string(24, '\0'));
+    EXPECT_EQ(file.value().names(),
+              (std::vector<std::string>{XATTR_FINDERINFO_NAME, XATTR_RESOURCEFORK_NAME, "a", "b:c"}));
+    EXPECT_EQ(text(file.value().valueOf("c")), "-");
+}
+
+TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
+    AppleDouble file;
+    ASSERT_TRUE(file.setValue("a", std::as_bytes(std::span("value", 5))));
+    ASSERT_TRUE(file.setValue("b:c", std::as_bytes(std::span("yes", 3))));
+    ASSERT_TRUE(file.setValue(XATTR_RESOURCEFORK_NAME, std::as_bytes(std::span("fork", 4))));
+    Bytes const expected = Bytes()
+                               .header(2)
+                               .part(9, 50, 110)
+                               .part(2, 160, 4)
+                               .zeros(34)
+                               .text("ATTR")
+                               .number(0)
+                               .number(160)
+                               .number(152)
+                               .number(8)
+                               .zeros(14)
+                               .number(2, 2)
+                               .number(152)
+                               .number(5)
+                               .number(0, 2)
+                               .number(2, 1)
+                               .text("a")
+                               .zeros(4)
+                               .number(157)
+                               .number(3)
+                               .number(0, 2)
+                               .number(4, 1)
+                               .text("b:c")
+                               .zeros(2)
+                               .text("valueyes")
+                               .text("fork");
+    EXPECT_EQ(file.written(), expected.get());
+}
+
+TEST(AppleDouble, KeepsPartsOfOthers) {
+    Bytes const bytes = Bytes().header(2).part(3, 50, 4).part(0x8053567E, 54, 0).text("Name");
+    Result<AppleDouble> file = AppleDouble::read(bytes.get());
+    ASSERT_TRUE(file.hasValue());
+    AppleDouble changed = file.takeValue();
+    EXPECT_FALSE(changed.isEmpty());
+    ASSERT_TRUE(changed.setValue("a", {}));
+    Result<AppleDouble> const again = AppleDouble::read(changed.written().value());
+    ASSERT_TRUE(again.hasValue()) << again.reason();
+    EXPECT_EQ(again.value(), changed);
+    EXPECT_EQ(again.value().otherParts.size(), 2U);
+    EXPECT_EQ(text(again.value().valueOf("a")), "");
+}
+
+TEST(AppleDouble, WithoutInformationOrForkHasNoneOfThese) {
+    Result<AppleDouble> const file = AppleDouble::read(AppleDouble().written().value());
+    ASSERT_TRUE(file.hasValue());
+    EXPECT_TRUE(file.value().isEmpty());
+    EXPECT_TRUE(file.value().names().empty());
+    EXPECT_FALSE(file.value().valueOf(XATTR_FINDERINFO_NAME));
+    EXPECT_FALSE(file.value().valueOf(XATTR_RESOURCEFORK_NAME));
+}
+
+TEST(AppleDouble, ChangesByName) {
+    AppleDouble file;
+    std::vector<std::byte> const information(32, std::byte{1});
+    EXPECT_FALSE(file.setValue(XATTR_FINDERINFO_NAME, std::span(information).first(31)));
+    EXPECT_TRUE(file.setValue(XATTR_FINDERINFO_NAME, information));
+    EXPECT_TRUE(file.setValue("a", information));
+    EXPECT_TRUE(file.setValue("a", {}));
+    EXPECT_EQ(text(file.valueOf("a")), "");
+    EXPECT_FALSE(file.removeValue("b"));
+    EXPECT_TRUE(file.removeValue("a"));
+    EXPECT_FALSE(file.removeValue("a"));
+    EXPECT_TRUE(file.removeValue(XATTR_FINDERINFO_NAME));
+    EXPECT_TRUE(file.isEmpty());
+}
+
+TEST(AppleDouble, SaysWhatIsWrong) {
+    EXPECT_EQ(complaint(Bytes()), "It is no AppleDouble file");
+    EXPECT_EQ(complaint(Bytes().text("somebody's notes")), "It is no AppleDouble file");
+    EXPECT_EQ(complaint(Bytes().number(0x00051607).number(0x00010000).zeros(18)),
+              "It is an AppleDouble file of another version");
+    EXPECT_EQ(complaint(Bytes().number(0x00051607).number(0x00020000)), "It is cut short");
+    EXPECT_EQ(complaint(Bytes().header(2).part(2, 38, 0)), "The list of parts is cut short");
+    EXPECT_EQ(complaint(Bytes().header(1).part(2, 38, 1)), "A part lies outside of the file, or in another one");
+    EXPECT_EQ(complaint(Bytes().header(1).part(2, 0xFFFFFFFF, 0xFFFFFFFF)),
+              "A part lies outside of the file, or in another one");
+    EXPECT_EQ(complaint(Bytes().header(3).part(2, 0, 30).part(3, 0, 30).part(4, 0, 30)),
+              "A part lies outside of the file, or in another one");
+    EXPECT_EQ(complaint(Bytes().header(2).part(2, 50, 0).part(2, 50, 0)), "A part is there twice");
+    EXPECT_EQ(complaint(Bytes().header(1).part(9, 38, 4).zeros(4)), "The Finder information is cut short");
+}
+
+TEST(AppleDouble, SaysWhatIsWrongWithItsAttributes) {
+    auto const entry = [](std::uint32_t offset, std::uint32_t length, std::string_view name) {
+        Bytes bytes = withTable(1);
+        return bytes.number(offset)
+            .number(length)
+            .number(0, 2)
+            .number(static_cast<std::uint32_t>(name.size()), 1)
+            .text(name)
+            .zeros(64);
+    };
+    using std::string_view_literals::operator""sv;
+    EXPECT_EQ(complaint(entry(0, 4, "a\0"sv)), "");
+    EXPECT_EQ(complaint(entry(0, 4, "a"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(0, 4, "\0"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(0, 4, ""sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(0, 4, "ab"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(0, 4, "a\0b\0"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(0, 4, "com.apple.FinderInfo\0"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(5000, 4, "a\0"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(entry(4, 0xFFFFFFFF, "a\0"sv)), "An attribute is damaged");
+    EXPECT_EQ(complaint(withTable(40'000).zeros(44)), "An attribute is damaged");
+}
+
+TEST(AppleDouble, WritesNoNameItCouldNotRead) {
+    for (std::string const& name : {std::string(), std::string("a\0b", 3), std::string(255, 'n')}) {
+        AppleDouble file;
+        file.attributes.push_back({name, {}});
+        EXPECT_FALSE(file.written()) << name;
+    }
+}
+
+} // namespace
+} // namespace mac::test

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/files/ExtendedAttributes.h"
+#include <cerrno>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+// Short calls with position 0; they answer as the functions do.
+
+inline int set(std::string const& path, std::string const& name, std::string const& value, int options = 0) {
+    return setxattr(path.c_str(), name.c_str(), value.data(), value.size(), 0, options);
+}
+
+// Nothing, with errno set, where there is none.
+inline std::optional<std::string> get(std::string const& path, std::string const& name, int options = 0) {
+    std::ptrdiff_t const length = getxattr(path.c_str(), name.c_str(), nullptr, 0, 0, options);
+    if (length < 0) return std::nullopt;
+    std::string value(static_cast<std::size_t>(length), '?');
+    if (getxattr(path.c_str(), name.c_str(), value.data(), value.size(), 0, options) != length) return std::nullopt;
+    return value;
+}
+
+inline int removeAttribute(std::string const& path, std::string const& name, int options = 0) {
+    return removexattr(path.c_str(), name.c_str(), options);
+}
+
+inline std::vector<std::string> list(std::string const& path, int options = 0) {
+    std::ptrdiff_t const length = listxattr(path.c_str(), nullptr, 0, options);
+    std::string names(length > 0 ? static_cast<std::size_t>(length) : 0, '?');
+    if (names.empty() || listxattr(path.c_str(), names.data(), names.size(), options) != length) return {};
+    std::vector<std::string> result;
+    for (std::size_t place = 0; place < names.size(); place = names.find('\0', place) + 1)
+        result.emplace_back(names.c_str() + place);
+    return result;
+}
+
+} // namespace mac::test
