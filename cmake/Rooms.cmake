@@ -38,7 +38,9 @@ function(framekeeper_test NAME)
   add_executable(${NAME} ${TEST_SOURCES})
   target_link_libraries(${NAME} PRIVATE framekeeper_options ${TEST_USES} framekeeper_test_support GTest::gtest)
   # Optimising what is only tests takes more than half of the time that their build takes under the sanitizers.
-  target_compile_options(${NAME} PRIVATE $<$<BOOL:${FRAMEKEEPER_SANITIZERS}>:-O0>)
+  if(FRAMEKEEPER_SANITIZERS)
+    target_compile_options(${NAME} PRIVATE -O0)
+  endif()
   add_test(NAME ${NAME} COMMAND ${NAME})
   set_tests_properties(${NAME} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
