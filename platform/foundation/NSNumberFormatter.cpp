@@ -67,7 +67,7 @@ NSNumber numberOf(std::string const& digits, bool isNegative) {
 NumberSeparators NSNumberFormatter::Body::separators() const {
     NumberSeparators separators{u".", u","};
     if (m_localizesFormat) {
-        QLocale const locale = QLocale::system();
+        QLocale const locale;
         separators = {unitsOf(locale.decimalPoint()), unitsOf(locale.groupSeparator())};
     }
     if (m_decimalSeparator != nil) separators.decimal = m_decimalSeparator.codeUnits();

@@ -140,8 +140,8 @@ TEST(NSNumberFormatter, FollowsTheUsersLocaleWhereAsked) {
     EXPECT_FALSE(local.localizesFormat());
     local.setLocalizesFormat_(YES);
     EXPECT_TRUE(local.localizesFormat());
-    std::string const point = QLocale::system().decimalPoint().toStdString();
-    std::string const group = QLocale::system().groupSeparator().toStdString();
+    std::string const point = QLocale().decimalPoint().toStdString();
+    std::string const group = QLocale().groupSeparator().toStdString();
     EXPECT_EQ(text(local.decimalSeparator()), point);
     EXPECT_EQ(text(local.thousandSeparator()), group);
     NSNumber const number = NSNumber::numberWithDouble_(1234.5);
