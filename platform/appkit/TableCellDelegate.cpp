@@ -40,7 +40,9 @@ void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& opt
     painter->save();
     painter->setFont(cell.font);
     painter->setPen(cell.palette.color(group, isSelected ? QPalette::HighlightedText : QPalette::Text));
-    painter->drawText(place, static_cast<int>(cell.displayAlignment) | Qt::TextSingleLine,
+    // Paths and versions go from left to right whatever letters stand in them: else "/a" would be shown as "a/".
+    Qt::Alignment const alignment = QStyle::visualAlignment(cell.direction, cell.displayAlignment);
+    painter->drawText(place, static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextForceLeftToRight,
                       cell.fontMetrics.elidedText(text, cell.textElideMode, place.width()));
     if (!isSelected && hasKeyboard(view, index)) {
         painter->setPen(cell.palette.color(QPalette::Active, QPalette::Highlight));

@@ -5,6 +5,8 @@
 #include <QHeaderView>
 #include <QImage>
 #include <QLabel>
+#include <QPainter>
+#include <QStyledItemDelegate>
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -79,6 +81,49 @@ TEST(WindowLooks, CutsALongLineOfTheLogAndTellsAllOfItInTheToolTip) {
     EXPECT_TRUE(label->text().endsWith(QChar(0x2026)));
     EXPECT_LE(label->fontMetrics().horizontalAdvance(label->text()), label->contentsRect().width());
     EXPECT_EQ(label->accessibleDescription(), line);
+}
+
+// What the table draws of a cell in a wide place, cut out.
+QImage drawnCell(LoadedWindow const& window, QModelIndex const& index, Qt::LayoutDirection direction) {
+    QImage image(600, 30, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QStyleOptionViewItem option;
+    option.rect = image.rect();
+    option.direction = direction;
+    option.palette.setColor(QPalette::Text, Qt::black);
+    QPainter painter(&image);
+    painter.setLayoutDirection(direction);
+    window.table()->itemDelegate()->paint(&painter, option, index);
+    QRect drawn;
+    for (int x = 0; x < image.width(); ++x) {
+        for (int y = 0; y < image.height(); ++y) {
+            if (image.pixelColor(x, y) != QColor(Qt::white)) drawn |= QRect(x, y, 1, 1);
+        }
+    }
+    EXPECT_EQ(drawn.left() < 300, direction == Qt::LeftToRight);
+    return image.copy(drawn);
+}
+
+int darkness(QImage const& image, QRect const& part) {
+    int sum = 0;
+    for (int x = part.left(); x <= part.right(); ++x) {
+        for (int y = part.top(); y <= part.bottom(); ++y)
+            sum += 255 - qGray(image.pixel(x, y));
+    }
+    return sum;
+}
+
+TEST(WindowLooks, DrawsAPathFromLeftToRightAlsoWhereTextGoesRightToLeft) {
+    LoadedWindow const window;
+    window.controller().setPaths_(makeRecords({"/MMMM"}));
+    for (Qt::LayoutDirection const direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        QImage const cell = drawnCell(window, window.table()->model()->index(0, PathColumn), direction);
+        // The slash is the lightest of the characters.
+        QSize const character(cell.width() / 10, cell.height());
+        int const first = darkness(cell, QRect(QPoint(0, 0), character));
+        int const last = darkness(cell, QRect(QPoint(cell.width() - character.width(), 0), character));
+        EXPECT_LT(first, last) << direction;
+    }
 }
 
 TEST(WindowLooks, HasAnIconThatIsSeenOnAnyBackground) {
