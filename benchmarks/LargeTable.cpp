@@ -30,6 +30,7 @@ constexpr int Rounds = 5;
 // Longer than whatever in the window waits.
 constexpr int QuietMilliseconds = 350;
 constexpr int VersionCount = 500;
+constexpr int FolderCount = 97;
 constexpr int ColumnCount = 6;
 constexpr int PathColumn = 1;
 
@@ -85,9 +86,15 @@ std::vector<Copy> copies(int count) {
     for (int index = 0; index < count; ++index) {
         int const shuffled = static_cast<int>(index * 7919LL % count);
         std::string const version = std::to_string(shuffled % VersionCount);
-        result.push_back({"/volumes/Folder " + std::to_string(shuffled % 97) + "/Backup " + std::to_string(shuffled) +
-                              "/Mirror Frame.app",
-                          version, "2." + version + " (" + version + ")"});
+        std::string path = "/volumes/Folder ";
+        path += std::to_string(shuffled % FolderCount);
+        path += "/Backup ";
+        path += std::to_string(shuffled);
+        path += "/Mirror Frame.app";
+        std::string versionString = "2.";
+        versionString += version;
+        versionString += " (" + version + ")";
+        result.push_back({std::move(path), version, std::move(versionString)});
     }
     return result;
 }
