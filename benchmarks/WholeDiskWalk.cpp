@@ -6,7 +6,6 @@
 #include "platform/spotlight/VolumeWalker.h"
 
 #include <linux/magic.h>
-#include <sys/stat.h>
 #include <sys/vfs.h>
 
 #include <algorithm>
@@ -25,14 +24,17 @@ using namespace benchmarks;
 namespace {
 
 constexpr char const* usage =
-    "usage: whole_disk_walk [--keep] [--pairs N] [--cold-pairs N] FOLDER\n"
+    "usage: whole_disk_walk [--keep] [--pairs N] [--cold-pairs N] [--entries N] [--despite-load] FOLDER\n"
     "Builds a tree of 1.5 million entries in FOLDER (5 GB free is plenty), walks it in turn with the walker and with "
     "fd,\n"
     "find and bfs, and prints how many times longer each of them took, pair by pair. Deletes the tree in the end;\n"
     "with --keep it stays, and the next run uses it. Where the system's caches can be dropped (root), also cold.\n"
+    "With other --entries (100000 at least) there are no targets, and with --despite-load it does not wait for other\n"
+    "programs: both are for trying it out.\n"
     "Ends with 0 when everything was found and all targets were met.\n";
 
 constexpr std::uint64_t seed = 20;
+constexpr std::uint64_t entriesOfADisk = 1'500'000;
 constexpr char const* treeName = "whole-disk-walk-tree";
 constexpr char const* markName = "whole-disk-walk-tree.complete"; // lies beside the tree when it was built to the end
 // A walk in two threads loses more to other programs than a search in one, so a pair with such beside it tells nothing.
@@ -46,6 +48,8 @@ struct Options {
     bool keep = false;
     int pairs = 9;
     int coldPairs = 5;
+    std::uint64_t entries = entriesOfADisk;
+    bool isDespiteLoad = false;
 };
 
 struct Rival {
@@ -66,12 +70,18 @@ std::optional<Options> readOptions(int count, char** arguments) {
             options.pairs = std::atoi(arguments[++i]);
         else if (argument == "--cold-pairs" && hasValue)
             options.coldPairs = std::atoi(arguments[++i]);
+        else if (argument == "--entries" && hasValue)
+            options.entries = std::strtoull(arguments[++i], nullptr, 10);
+        else if (argument == "--despite-load")
+            options.isDespiteLoad = true;
         else if (argument.starts_with("-") || !options.folder.empty())
             return std::nullopt;
         else
             options.folder = argument;
     }
-    if (options.folder.empty() || options.pairs < 1 || options.coldPairs < 0) return std::nullopt;
+    if (options.folder.empty() || options.pairs < 1 || options.coldPairs < 0 ||
+        options.entries < WholeDiskWalkTree::leastEntries)
+        return std::nullopt;
     return options;
 }
 
@@ -107,8 +117,8 @@ double median(std::vector<double> values) {
 // The contest on one tree.
 class Contest {
 public:
-    Contest(std::string const& top, WholeDiskWalkTree const& tree)
-        : m_ours{"/proc/self/exe", "--walk", top}, m_expected(tree.packagesBelow(top)),
+    Contest(std::string const& top, WholeDiskWalkTree const& tree, bool isDespiteLoad)
+        : m_isDespiteLoad(isDespiteLoad), m_ours{"/proc/self/exe", "--walk", top}, m_expected(tree.packagesBelow(top)),
           m_wanted(tree.wantedPackagesBelow(top)) {}
 
     // Runs ours and the rival in turn and prints the ratios. A target of 0 is none.
@@ -120,6 +130,7 @@ private:
     std::optional<Run> prepareAndRun(std::vector<std::string> const& command, bool isCold);
     void check(bool holds, std::string const& complaint);
 
+    bool const m_isDespiteLoad;
     std::vector<std::string> const m_ours;
     std::vector<std::string> const m_expected;
     std::vector<std::string> const m_wanted;
@@ -147,16 +158,16 @@ void Contest::compare(Rival const& rival, int pairs, bool isCold, double target)
     int disturbed = 0;
     std::printf("  %-5s", rival.name.c_str());
     while (static_cast<int>(ratios.size()) < pairs && disturbed < pairs * disturbedPairsForOne) {
-        if (!waitUntilQuiet(foreignLoadAllowed, patience)) break;
+        if (!m_isDespiteLoad && !waitUntilQuiet(foreignLoadAllowed, patience)) break;
         std::optional<Run> const ours = prepareAndRun(m_ours, isCold);
         std::optional<Run> const theirs = prepareAndRun(rival.command, isCold);
         if (!theirs || theirs->outputLines.size() != m_expected.size()) {
             std::printf(" not compared: %s\n", theirs ? "it does not list the same" : "it is not installed");
-            return;
+            return check(target == 0, "its target is not met");
         }
         if (!ours || ours->outputLines != m_expected) return check(false, "the walk is not complete");
         m_memory = std::max(m_memory, std::atol(ours->errorText.c_str()));
-        if (std::max(ours->foreignLoad, theirs->foreignLoad) > foreignLoadAllowed) {
+        if (!m_isDespiteLoad && std::max(ours->foreignLoad, theirs->foreignLoad) > foreignLoadAllowed) {
             ++disturbed;
             continue;
         }
@@ -178,22 +189,20 @@ void Contest::printMemory() {
     check(m_memory < memoryTarget, "too much memory");
 }
 
-bool exists(std::string const& path) {
-    struct stat status;
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
 void removeTree(std::string const& folder) {
     run({"rm", "-rf", "--", folder + "/" + markName, folder + "/" + treeName});
 }
 
-void provideTree(std::string const& folder, WholeDiskWalkTree const& tree) {
-    if (exists(folder + "/" + markName)) return;
+// One that was built to the end has a mark that names its plan.
+void provideTree(std::string const& folder, WholeDiskWalkTree const& tree, std::string const& plan) {
+    std::string mark;
+    std::getline(std::ifstream(folder + "/" + markName), mark);
+    if (mark == plan) return;
     removeTree(folder);
     std::printf("building the tree\n");
     std::fflush(stdout);
     tree.build(folder + "/" + treeName);
-    std::ofstream(folder + "/" + markName) << seed << "\n";
+    std::ofstream(folder + "/" + markName) << plan << "\n";
 }
 
 } // namespace
@@ -207,8 +216,8 @@ int main(int count, char** arguments) {
         return 2;
     }
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // also into a file, as a run takes minutes
-    WholeDiskWalkTree const tree(seed);
-    provideTree(options->folder, tree);
+    WholeDiskWalkTree const tree(seed, options->entries);
+    provideTree(options->folder, tree, std::to_string(seed) + " " + std::to_string(options->entries));
     std::string const top = options->folder + "/" + treeName;
     std::vector<std::string> const findTail = {top, "-type", "d", "-name", "*.app", "-prune", "-print"};
     std::vector<Rival> rivals = {
@@ -219,9 +228,9 @@ int main(int count, char** arguments) {
     rivals[1].command.insert(rivals[1].command.end(), findTail.begin(), findTail.end());
     rivals[2].command.insert(rivals[2].command.end(), findTail.begin(), findTail.end());
 
-    bool const hasTargets = isMeasuredFileSystem(options->folder);
-    if (!hasTargets) std::printf("this file system is none of ext4, XFS and tmpfs, so there are no targets\n");
-    Contest contest(top, tree);
+    bool const hasTargets = isMeasuredFileSystem(options->folder) && options->entries == entriesOfADisk;
+    if (!hasTargets) std::printf("no targets: another size, or a file system that is none of ext4, XFS and tmpfs\n");
+    Contest contest(top, tree, options->isDespiteLoad);
     bool const canDrop = dropCaches();
     run({"find", top, "-name", "*.app", "-prune"});
     std::printf("warm: how many times longer than the walk (%ld directory entries in memory)\n",

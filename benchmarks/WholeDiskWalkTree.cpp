@@ -42,18 +42,20 @@ void require(bool success, char const* what) {
 
 } // namespace
 
-WholeDiskWalkTree::WholeDiskWalkTree(std::uint64_t seed) : m_state(seed) {
+WholeDiskWalkTree::WholeDiskWalkTree(std::uint64_t seed, std::uint64_t entries) : m_state(seed) {
+    // One in eight, as on a system disk.
+    auto const folders = static_cast<std::uint32_t>(entries * 19 / 150);
     constexpr std::uint32_t otherPackages = 800;
     constexpr std::uint32_t packagesInPackages = 100;
     constexpr std::uint32_t foldersPerPackage = 4;
     constexpr std::uint32_t inPackages = (wantedPackages + otherPackages + packagesInPackages) * foldersPerPackage;
     constexpr std::uint32_t decoyFolders = 200;
-    constexpr std::uint32_t ordinary = folders - inPackages - decoyFolders;
+    std::uint32_t const ordinary = folders - inPackages - decoyFolders;
     m_folders.reserve(folders + 1);
     m_folders.emplace_back();
     addOrdinaryFolders(ordinary);
     // Neighbours get a file and a link of the wanted name; each name is in a folder once.
-    constexpr std::uint32_t distance = ordinary / wantedPackages;
+    std::uint32_t const distance = ordinary / wantedPackages;
     for (std::uint32_t folder = 1; folder <= wantedPackages * distance; folder += distance) {
         addPackage(folder, wantedName, false);
         m_folders[folder + 1].decoyFiles.emplace_back(wantedName);

@@ -11,13 +11,13 @@ namespace benchmarks {
 // and names that look like the wanted one and are not.
 class WholeDiskWalkTree {
 public:
-    static constexpr std::uint64_t entries = 1'500'000; // folders, files and links, without the top folder
-    static constexpr std::uint32_t folders = 190'000;   // of them
+    static constexpr std::uint64_t leastEntries = 100'000;
     static constexpr std::uint32_t wantedPackages = 200;
     static constexpr char const* wantedName = "Mirror Frame.app";
 
-    // Only makes the plan; it is always the same for a seed.
-    explicit WholeDiskWalkTree(std::uint64_t seed);
+    // Only makes the plan; it is always the same for a seed and so many folders, files and links, without the top
+    // folder.
+    WholeDiskWalkTree(std::uint64_t seed, std::uint64_t entries);
 
     // Makes the tree below `top`, which is a new folder. Ends the program with a message when the disk refuses.
     void build(std::string const& top) const;
