@@ -69,7 +69,7 @@ Result<std::u16string> decode(std::string_view bytes, std::string const& encodin
     UErrorCode status = U_ZERO_ERROR;
     Converter const converter(::ucnv_open(encoding.c_str(), &status));
     if (U_FAILURE(status) || !keepsASCII(converter.get()))
-        return Failure{"The text's encoding \"" + encoding + "\" is not supported"};
+        return Failure{atLine("The text's encoding \"" + encoding + "\" is not supported", 1)};
     status = U_ZERO_ERROR;
     ::ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     if (U_FAILURE(status)) return Failure{"The text's encoding cannot be read"};

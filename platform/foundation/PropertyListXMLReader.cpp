@@ -67,13 +67,20 @@ public:
         while (m_reason.empty() && !m_xml.atEnd())
             readToken(m_xml.readNext());
         if (!m_reason.empty()) return Failure{m_reason};
-        if (m_xml.hasError()) return Failure{atLine(m_xml.errorString().toStdString(), line())};
+        if (m_xml.hasError()) return Failure{atLine(complaintOfParser(), line())};
         if (!m_builder.isComplete()) return Failure{atLine("The list is empty", line())};
         return m_builder.root();
     }
 
 private:
     std::size_t line() const { return static_cast<std::size_t>(m_xml.lineNumber()); }
+    // Some are whole sentences, to which the line is added.
+    std::string complaintOfParser() const {
+        std::string complaint = m_xml.errorString().toStdString();
+        while (complaint.ends_with('.'))
+            complaint.pop_back();
+        return complaint;
+    }
     void fail(std::string_view reason) {
         if (m_reason.empty() && !reason.empty()) m_reason = atLine(reason, line());
     }

@@ -150,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BadFile{"empty", "", "Cannot parse a NULL or zero-length data"},
         BadFile{"cut", "<plist>\n<dict>\n<key>a</ke",
-                "XML parser error: Premature end of document. at line 3; Old-style plist parser error: Two "
+                "XML parser error: Premature end of document at line 3; Old-style plist parser error: Two "
                 "hexadecimal digits or \">\" is missing before \"p\" at line 1"},
         BadFile{"wrongly typed", "<plist><array/></plist>", "It holds no dictionary"},
         BadFile{"entities", "<!DOCTYPE plist [<!ENTITY a \"a\">]>\n<plist><dict/></plist>",

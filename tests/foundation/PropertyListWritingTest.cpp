@@ -224,7 +224,7 @@ TEST(PropertyListReading, TakesNullForTheFormatAndTheError) {
 
 TEST(PropertyListReading, SaysWhatBothParsersOfTextComplainOf) {
     EXPECT_EQ(readList("<plist>\n<dict>\n").error,
-              "XML parser error:\n\tPremature end of document. at line 3\n"
+              "XML parser error:\n\tPremature end of document at line 3\n"
               "Old-style plist parser error:\n\tTwo hexadecimal digits or \">\" is missing before \"p\" at line 1\n");
 }
 

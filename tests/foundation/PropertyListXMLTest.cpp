@@ -111,8 +111,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"<plist><dict><plist/></dict></plist>", "There is a <plist> within another element at line 1"},
         Row{"<plist><set/></plist>", "There is no element <set> in property lists at line 1"},
         Row{"<plist><p:dict xmlns:p='x'/></plist>", "There is no element <p:dict> in property lists at line 1"},
-        Row{"<plist>&file;</plist>", "Entity 'file' not declared. at line 1"},
-        Row{"<plist><dict>\n<key>a</key>\n", "Premature end of document. at line 3"}));
+        Row{"<plist>&file;</plist>", "Entity 'file' not declared at line 1"},
+        Row{"<plist><dict>\n<key>a</key>\n", "Premature end of document at line 3"}));
 
 TEST(PropertyListXML, ReadsAListWithoutThePlistElement) {
     EXPECT_EQ(dump(readList("<dict><key>a</key><true/></dict>").list), "{\"a\":true}");
@@ -120,7 +120,7 @@ TEST(PropertyListXML, ReadsAListWithoutThePlistElement) {
 
 TEST(PropertyListXML, RefusesASecondRoot) {
     EXPECT_EQ(complaint("<plist><true/></plist>\n<plist><true/></plist>"),
-              "Extra content at end of document. at line 2");
+              "Extra content at end of document at line 2");
 }
 
 TEST(PropertyListXML, RefusesDeclarationsOfEntities) {
@@ -209,7 +209,7 @@ TEST(PropertyListXML, RefusesUTF16ThatIsCutInAUnit) {
 TEST(PropertyListXML, RefusesEncodingsInWhichMarkupIsNotASCII) {
     for (char const* name : {"UTF-7", "ISO-2022-JP", "ebcdic-cp-us", "UTF-16", "no-such-encoding", "SCSU"}) {
         std::string const text = std::string("<?xml version='1.0' encoding='") + name + "'?><true/>";
-        EXPECT_EQ(complaint(text), std::string("The text's encoding \"") + name + "\" is not supported");
+        EXPECT_EQ(complaint(text), std::string("The text's encoding \"") + name + "\" is not supported at line 1");
     }
 }
 
