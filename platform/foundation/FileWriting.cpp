@@ -119,9 +119,9 @@ private:
 
 } // namespace
 
-bool replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes) {
+bool replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes, unsigned newFileMode) {
     std::optional<Place> const place = finalPlaceOf(path);
-    return place && replaceFileInFolder(place->folder.number(), place->name, bytes, UsualMode);
+    return place && replaceFileInFolder(place->folder.number(), place->name, bytes, newFileMode);
 }
 
 bool replaceFileInFolder(int folder, std::string const& name, std::span<std::byte const> bytes, unsigned newFileMode) {

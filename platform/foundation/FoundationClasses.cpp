@@ -5,6 +5,7 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSDirectoryEnumerator.h"
 #include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSNotificationCenter.h"
@@ -32,11 +33,11 @@ void registerAll() {
 } // namespace
 
 void registerFoundationClasses() {
-    registerAll<CFUUIDRef, Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary, NSEnumerator,
-                NSFileManager, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableSet,
-                NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject,
-                NSPredicate, NSPropertyListSerialization, NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
-                NSValueTransformer>();
+    registerAll<CFUUIDRef, Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
+                NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSMutableArray, NSMutableCharacterSet,
+                NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter,
+                NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate, NSPropertyListSerialization, NSRunLoop,
+                NSSet, NSSortDescriptor, NSString, NSTimer, NSURL, NSValueTransformer>();
 }
 
 } // namespace mac

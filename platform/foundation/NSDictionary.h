@@ -4,6 +4,8 @@
 
 namespace mac {
 
+class NSDate;
+
 // Values by key. Keys are copied when they are set and compared by equality; neither is ever nil. The order is that of
 // insertion. Immutable; reading is safe on any thread.
 class NSDictionary : public Handle<NSDictionary, NSObject> {
@@ -29,6 +31,21 @@ public:
     NSEnumerator keyEnumerator() const;
     NSEnumerator objectEnumerator() const;
     bool isEqualToDictionary_(NSDictionary const& other) const;
+
+    // Of the attributes of a file, see NSFileAttributes.h; nil, 0 and NO for a missing one and one of another class.
+    NSString fileType() const;
+    unsigned long long fileSize() const;
+    NSUInteger filePosixPermissions() const;
+    NSDate fileModificationDate() const;
+    NSDate fileCreationDate() const;
+    NSString fileOwnerAccountName() const;
+    NSString fileGroupOwnerAccountName() const;
+    // Linux: 64 bits, since the numbers have as many.
+    unsigned long long fileSystemNumber() const;
+    unsigned long long fileSystemFileNumber() const;
+    bool fileIsImmutable() const;
+    bool fileIsAppendOnly() const;
+    bool fileExtensionHidden() const;
 };
 
 // Values by key that can be changed in place. One thread at a time.

@@ -1,29 +1,21 @@
 #include "platform/foundation/NSEnumerator.h"
+#include "platform/foundation/EnumeratorBody.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
-#include "platform/foundation/NSArray.h"
 #include <algorithm>
 
 namespace mac {
 
-class NSEnumerator::Body : public ObjectBody {
-public:
-    Body(NSArray const& array, bool isReverse) : m_array(array), m_count(array.count()), m_isReverse(isReverse) {}
+NSEnumerator::Body::Body(NSArray const& array, bool isReverse)
+    : m_array(array), m_count(array.count()), m_isReverse(isReverse) {}
 
-    id next() {
-        if (m_array.count() != m_count) throw NSGenericException("A collection was changed while it was enumerated");
-        if (m_given == m_count) return nil;
-        NSUInteger const index = m_isReverse ? m_count - 1 - m_given : m_given;
-        ++m_given;
-        return m_array.objectAtIndex_(index);
-    }
-
-private:
-    NSArray m_array;
-    NSUInteger m_count;
-    NSUInteger m_given{0};
-    bool m_isReverse;
-};
+id NSEnumerator::Body::next() {
+    if (m_array.count() != m_count) throw NSGenericException("A collection was changed while it was enumerated");
+    if (m_given == m_count) return nil;
+    NSUInteger const index = m_isReverse ? m_count - 1 - m_given : m_given;
+    ++m_given;
+    return m_array.objectAtIndex_(index);
+}
 
 ClassDescription NSEnumerator::describeClass() {
     return {

@@ -1,9 +1,76 @@
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileWriting.h"
+#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/LongPath.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSNumber.h"
+#include <array>
+#include <climits>
+#include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac {
+
+namespace {
+
+constexpr mode_t UsualFolderMode = 0777;
+constexpr mode_t UsualFileMode = 0666;
+constexpr unsigned PermissionBits = 07777;
+
+FileDescriptor openItem(NSString const& path, BOOL followsLinks) {
+    std::optional<std::string> const bytes = path.fileSystemRepresentation();
+    return bytes ? openPath(*bytes, O_PATH | (followsLinks ? 0 : O_NOFOLLOW)) : FileDescriptor();
+}
+
+// The folder that an item lies or is to lie in, and its name there.
+struct Place {
+    FileDescriptor folder{};
+    std::string name{};
+
+    bool isOpen() const { return folder.isOpen(); }
+    int number() const { return folder.number(); }
+};
+
+Place placeOf(NSString const& path) {
+    std::string bytes = path.fileSystemRepresentation().value_or("");
+    while (bytes.size() > 1 && bytes.ends_with('/'))
+        bytes.pop_back();
+    if (bytes.empty()) return {};
+    std::size_t const slash = bytes.rfind('/');
+    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
+    Place place{openPath(start == 0 ? "." : bytes.substr(0, start), O_PATH | O_DIRECTORY), bytes.substr(start)};
+    if (place.name.empty()) place.name = ".";
+    return place;
+}
+
+// What the permissions of something new are until the rest of its attributes is
+// set.
+mode_t modeOf(NSDictionary const& attributes, mode_t usual) {
+    bool const isGiven = !(as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions)) == nil);
+    return isGiven ? usual & attributes.filePosixPermissions() & PermissionBits : usual;
+}
+
+bool allows(FileDescriptor const& item, int access) {
+    return item.isOpen() &&
+           ::faccessat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(item.number())).c_str(), access, AT_EACCESS) == 0;
+}
+
+// In a folder with the sticky bit only an item's owner and the folder's may
+// remove it.
+bool allowsRemoval(Place const& place) {
+    struct stat folder {};
+    struct stat item {};
+    if (::fstat(place.number(), &folder) != 0) return false;
+    if (::fstatat(place.number(), place.name.c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0) return false;
+    uid_t const user = ::geteuid();
+    return (folder.st_mode & S_ISVTX) == 0 || user == 0 || user == item.st_uid || user == folder.st_uid;
+}
+
+} // namespace
 
 class NSFileManager::Body : public ObjectBody {};
 
@@ -11,13 +78,33 @@ ClassDescription NSFileManager::describeClass() {
     return {
         .name = "NSFileManager",
         .superclass = classOf<NSObject>(),
-        .methods = {method<&NSFileManager::fileExistsAtPath_>("fileExistsAtPath:")},
+        .methods =
+            {
+                method<&NSFileManager::fileExistsAtPath_>("fileExistsAtPath:"),
+                method<&NSFileManager::isReadableFileAtPath_>("isReadableFileAtPath:"),
+                method<&NSFileManager::isWritableFileAtPath_>("isWritableFileAtPath:"),
+                method<&NSFileManager::isExecutableFileAtPath_>("isExecutableFileAtPath:"),
+                method<&NSFileManager::isDeletableFileAtPath_>("isDeletableFileAtPath:"),
+                method<&NSFileManager::fileAttributesAtPath_traverseLink_>("fileAttributesAtPath:traverseLink:"),
+                method<&NSFileManager::changeFileAttributes_atPath_>("changeFileAttributes:atPath:"),
+                method<&NSFileManager::fileSystemAttributesAtPath_>("fileSystemAttributesAtPath:"),
+                method<&NSFileManager::displayNameAtPath_>("displayNameAtPath:"),
+                method<&NSFileManager::directoryContentsAtPath_>("directoryContentsAtPath:"),
+                method<&NSFileManager::enumeratorAtPath_>("enumeratorAtPath:"),
+                method<&NSFileManager::contentsAtPath_>("contentsAtPath:"),
+                method<&NSFileManager::contentsEqualAtPath_andPath_>("contentsEqualAtPath:andPath:"),
+                method<&NSFileManager::createDirectoryAtPath_attributes_>("createDirectoryAtPath:attributes:"),
+                method<&NSFileManager::createFileAtPath_contents_attributes_>("createFileAtPath:contents:attributes:"),
+                method<&NSFileManager::pathContentOfSymbolicLinkAtPath_>("pathContentOfSymbolicLinkAtPath:"),
+                method<&NSFileManager::createSymbolicLinkAtPath_pathContent_>("createSymbolicLinkAtPath:pathContent:"),
+            },
         .classMethods = {method<&NSFileManager::defaultManager>("defaultManager")},
     };
 }
 
 NSFileManager NSFileManager::defaultManager() {
-    // Never destroyed: other objects may ask for it until the program's last instruction.
+    // Never destroyed: other objects may ask for it until the program's last
+    // instruction.
     static NSFileManager const& shared = *std::make_unique<NSFileManager>(adopt<NSFileManager>()).release();
     return shared;
 }
@@ -34,6 +121,101 @@ bool NSFileManager::fileExistsAtPath_isDirectory_(NSString const& path, bool* is
     if (!status) return false;
     if (isDirectory) *isDirectory = status->kind == FileStatus::Kind::Folder;
     return true;
+}
+
+bool NSFileManager::isReadableFileAtPath_(NSString const& path) const {
+    return *this != nil && allows(openItem(path, YES), R_OK);
+}
+
+bool NSFileManager::isWritableFileAtPath_(NSString const& path) const {
+    return *this != nil && allows(openItem(path, YES), W_OK);
+}
+
+bool NSFileManager::isExecutableFileAtPath_(NSString const& path) const {
+    return *this != nil && allows(openItem(path, YES), X_OK);
+}
+
+bool NSFileManager::isDeletableFileAtPath_(NSString const& path) const {
+    Place const place = *this == nil ? Place() : placeOf(path);
+    return place.isOpen() && allows(place.folder, W_OK | X_OK) && allowsRemoval(place);
+}
+
+NSDictionary NSFileManager::fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const {
+    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, traverseLink);
+    return item.isOpen() ? fileAttributesOf(item) : NSDictionary(nil);
+}
+
+bool NSFileManager::changeFileAttributes_atPath_(NSDictionary const& attributes, NSString const& path) const {
+    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, YES);
+    return item.isOpen() && changeFileAttributes(item, attributes);
+}
+
+NSDictionary NSFileManager::fileSystemAttributesAtPath_(NSString const& path) const {
+    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, YES);
+    return item.isOpen() ? volumeAttributesOf(item) : NSDictionary(nil);
+}
+
+NSString NSFileManager::displayNameAtPath_(NSString const& path) const {
+    return *this == nil ? NSString(nil) : path.lastPathComponent();
+}
+
+NSArray NSFileManager::directoryContentsAtPath_(NSString const& path) const {
+    std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
+    std::optional<std::vector<std::string>> const names =
+        bytes ? namesInFolder(*bytes, LinkAtEnd::IsFollowed) : std::nullopt;
+    if (!names) return nil;
+    std::vector<id> contents;
+    contents.reserve(names->size());
+    for (std::string const& name : *names)
+        contents.push_back(NSString::stringWithFileSystemRepresentation_(name));
+    return NSArray::arrayWithVector(std::move(contents));
+}
+
+NSDirectoryEnumerator NSFileManager::enumeratorAtPath_(NSString const& path) const {
+    std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
+    std::optional<std::vector<std::string>> names = bytes ? namesInFolder(*bytes, LinkAtEnd::IsFollowed) : std::nullopt;
+    return names ? directoryEnumerator(*bytes, std::move(*names)) : NSDirectoryEnumerator(nil);
+}
+
+NSData NSFileManager::contentsAtPath_(NSString const& path) const {
+    return *this == nil ? NSData(nil) : NSData::dataWithContentsOfFile_(path);
+}
+
+bool NSFileManager::contentsEqualAtPath_andPath_(NSString const& path, NSString const& otherPath) const {
+    std::optional<std::string> const bytes = path.fileSystemRepresentation();
+    std::optional<std::string> const otherBytes = otherPath.fileSystemRepresentation();
+    return *this != nil && bytes && otherBytes && haveEqualContents(*bytes, *otherBytes);
+}
+
+bool NSFileManager::createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const {
+    Place const place = *this == nil ? Place() : placeOf(path);
+    if (!place.isOpen()) return false;
+    if (::mkdirat(place.number(), place.name.c_str(), modeOf(attributes, UsualFolderMode)) != 0) return false;
+    FileDescriptor const folder(
+        ::openat(place.number(), place.name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    return attributes.count() == 0 || (folder.isOpen() && changeFileAttributes(folder, attributes));
+}
+
+bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
+                                                          NSDictionary const& attributes) const {
+    std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
+    if (!bytes || !replaceFileAtPath(*bytes, contents.span(), modeOf(attributes, UsualFileMode))) return false;
+    return attributes.count() == 0 || changeFileAttributes_atPath_(attributes, path);
+}
+
+NSString NSFileManager::pathContentOfSymbolicLinkAtPath_(NSString const& path) const {
+    Place const place = *this == nil ? Place() : placeOf(path);
+    std::array<char, PATH_MAX> text;
+    ssize_t const length =
+        place.isOpen() ? ::readlinkat(place.number(), place.name.c_str(), text.data(), text.size()) : -1;
+    if (length < 0) return nil;
+    return NSString::stringWithFileSystemRepresentation_({text.data(), static_cast<std::size_t>(length)});
+}
+
+bool NSFileManager::createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const {
+    Place const place = *this == nil ? Place() : placeOf(path);
+    std::optional<std::string> const text = content.fileSystemRepresentation();
+    return place.isOpen() && text && ::symlinkat(text->c_str(), place.number(), place.name.c_str()) == 0;
 }
 
 } // namespace mac

@@ -1,10 +1,15 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSDirectoryEnumerator.h"
+#include "platform/foundation/NSFileAttributes.h"
 
 namespace mac {
 
-// Files and folders by path. Symbolic links are followed unless said. Any thread.
+class NSData;
+
+// Files and folders by path. Symbolic links are followed unless said; a
+// relative path starts at the current folder, and a path may be of any length.
+// A nil path, and one that can name no file, leads nowhere. Any thread.
 class NSFileManager : public Handle<NSFileManager, NSObject> {
 public:
     class Body;
@@ -14,11 +19,54 @@ public:
 
     static NSFileManager defaultManager();
 
-    // False also for a link that leads nowhere, a nil path and a path that cannot be reached. Relative paths start at
-    // the current folder.
+    // False also for a link that leads nowhere and a path that cannot be reached.
     bool fileExistsAtPath_(NSString const& path) const;
     // isDirectory may be null.
     bool fileExistsAtPath_isDirectory_(NSString const& path, bool* isDirectory) const;
+    // What the user that the program runs for may do. An item can be deleted by
+    // who may write to its folder.
+    bool isReadableFileAtPath_(NSString const& path) const;
+    bool isWritableFileAtPath_(NSString const& path) const;
+    bool isExecutableFileAtPath_(NSString const& path) const;
+    bool isDeletableFileAtPath_(NSString const& path) const;
+
+    // Under the keys of NSFileAttributes.h; nil where there is nothing. With NO a
+    // link at the end is meant itself.
+    NSDictionary fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const;
+    // Those of the attributes that can be changed: permissions, modification
+    // date, owner, group, immutable and append only; what else the dictionary
+    // holds is left aside. False when one of them could not be; others may be
+    // changed then. Linux: no file system lets the creation date be set, so
+    // asking for another one is a failure.
+    bool changeFileAttributes_atPath_(NSDictionary const& attributes, NSString const& path) const;
+    // Of the volume; sizes in bytes.
+    NSDictionary fileSystemAttributesAtPath_(NSString const& path) const;
+
+    // The name as people see it; that of the path when there is nothing.
+    // Linux: the last component, "/" for the root; names are shown as they are.
+    NSString displayNameAtPath_(NSString const& path) const;
+    // The names in a folder, sorted by their code units, without "." and "..";
+    // nil for what is no folder that can be read.
+    NSArray directoryContentsAtPath_(NSString const& path) const;
+    // Everything below a folder; nil for what is none.
+    NSDirectoryEnumerator enumeratorAtPath_(NSString const& path) const;
+    // Nil for what cannot be read, is no regular file or is larger than 1 GiB.
+    NSData contentsAtPath_(NSString const& path) const;
+    // Whether both are files of the same bytes, links of the same text, or
+    // folders with the same names of items that are equal. Links are not
+    // followed.
+    bool contentsEqualAtPath_andPath_(NSString const& path, NSString const& otherPath) const;
+
+    // The attributes may be nil. False where something is already, or the folder
+    // above is not.
+    bool createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const;
+    // Replaces a file that is there, old whole or new whole. Nil contents are
+    // none.
+    bool createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
+                                               NSDictionary const& attributes) const;
+    // The text of a link; nil for what is none.
+    NSString pathContentOfSymbolicLinkAtPath_(NSString const& path) const;
+    bool createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const;
 };
 
-}
+} // namespace mac

@@ -48,25 +48,26 @@ bool NSString::Body::isMutable() const { return isa().isSubclassOfClass_(classOf
 bool NSString::Body::isEqual(id const& other) const {
     if (other.body() == this) return true;
     NSString const string = as<NSString>(other);
-    return string != nil && bodyOf(string)->m_units == m_units;
+    return string != nil && bodyOf(string)->units() == units();
 }
 
 std::uint64_t NSString::Body::hash() const {
     std::uint64_t const known = m_hash.load(std::memory_order_relaxed);
     if (known != 0) return known;
-    std::uint64_t const hash = std::max<std::uint64_t>(hashOfUnits(m_units), 1);
-    m_hash.store(hash, std::memory_order_relaxed);
+    std::uint64_t const hash = std::max<std::uint64_t>(hashOfUnits(units()), 1);
+    // What is somebody else's may change unseen.
+    if (!isBorrowed()) m_hash.store(hash, std::memory_order_relaxed);
     return hash;
 }
 
 NSString NSString::Body::description() const { return uncheckedCast<NSString>(copy()); }
 
 id NSString::Body::copy() const {
-    if (isMutable()) return makeString(m_units);
+    if (isMutable() || isBorrowed()) return makeString(std::u16string(units()));
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSString::Body::mutableCopy() const { return adopt<NSMutableString>(m_units); }
+id NSString::Body::mutableCopy() const { return adopt<NSMutableString>(std::u16string(units())); }
 
 ClassDescription NSString::describeClass() {
     ClassDescription description{.name = "NSString", .superclass = classOf<NSObject>()};
@@ -133,6 +134,12 @@ NSString NSString::stringWithString_(NSString const& other) {
     return uncheckedCast<NSString>(other.copy());
 }
 
+NSString NSString::stringWithCharactersNoCopy_length_(unichar const* characters, NSUInteger length) {
+    if (length == 0) return string();
+    if (!characters) throw NSInvalidArgumentException("stringWithCharactersNoCopy:length: nil argument");
+    return adopt<NSString>(std::u16string_view(characters, length));
+}
+
 NSUInteger NSString::length() const { return static_cast<NSUInteger>(codeUnits().size()); }
 
 unichar NSString::characterAtIndex_(NSUInteger index) const {
@@ -146,7 +153,7 @@ unichar NSString::characterAtIndex_(NSUInteger index) const {
 
 std::u16string_view NSString::codeUnits() const {
     Body const* const body = bodyOf(*this);
-    return body ? std::u16string_view(body->units()) : std::u16string_view();
+    return body ? body->units() : std::u16string_view();
 }
 
 std::string NSString::UTF8String() const { return utf8FromUnits(codeUnits()); }

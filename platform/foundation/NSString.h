@@ -55,6 +55,8 @@ public:
     static NSString stringWithFileSystemRepresentation_(std::string_view bytes);
     static NSString stringWithCodeUnits(std::u16string_view units);
     static NSString stringWithString_(NSString const& other);
+    // Reads the characters where they lie, which therefore have to stay as long as the string.
+    static NSString stringWithCharactersNoCopy_length_(unichar const* characters, NSUInteger length);
     // Bytes that the encoding cannot hold answer nil; so does an encoding that is not in NSStringEncoding.
     static NSString stringWithData_encoding_(NSData const& data, NSStringEncoding encoding);
     template <class... Arguments>
@@ -123,6 +125,8 @@ public:
 
     // Paths. Unicode is not normalised; only where said is the disk looked at. Appending and deleting leave single
     // slashes and none at the end.
+    // The components joined by slashes; what is no string among them is left out. Nil for nil.
+    static NSString pathWithComponents_(NSArray const& components);
     // A path that begins with a tilde counts as absolute.
     bool isAbsolutePath() const;
     // "/" is a component at the start and, where the path ends with it, at the end.

@@ -71,6 +71,14 @@ NSArray NSString::pathComponents() const {
     return NSArray::arrayWithVector(std::move(components));
 }
 
+NSString NSString::pathWithComponents_(NSArray const& components) {
+    if (components == nil) return nil;
+    NSString path = NSString::string();
+    for (id const& component : components)
+        path = path.stringByAppendingPathComponent_(as<NSString>(component));
+    return path;
+}
+
 NSString NSString::lastPathComponent() const { return *this == nil ? NSString(nil) : lastComponentOf(codeUnits()); }
 
 NSString NSString::pathExtension() const {

@@ -11,8 +11,10 @@ class NSString::Body : public ObjectBody {
 public:
     Body() = default;
     explicit Body(std::u16string units) : m_units(std::move(units)) {}
+    // Reads somebody else's characters.
+    explicit Body(std::u16string_view borrowed) : m_borrowed(borrowed) {}
 
-    std::u16string const& units() const { return m_units; }
+    std::u16string_view units() const { return isBorrowed() ? m_borrowed : std::u16string_view(m_units); }
     // What changes is the caller's; the remembered hash is forgotten.
     std::u16string& mutableUnits() {
         m_hash.store(0, std::memory_order_relaxed);
@@ -27,8 +29,11 @@ public:
 
 private:
     bool isMutable() const;
+    bool isBorrowed() const { return m_borrowed.data() != nullptr; }
 
-    std::u16string m_units;
+    std::u16string m_units{};
+    // Without data: the units are its own.
+    std::u16string_view m_borrowed{};
     // 0 until somebody asked.
     mutable std::atomic<std::uint64_t> m_hash{0};
 };

@@ -65,6 +65,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
                               "NSData",
                               "NSDate",
                               "NSDictionary",
+                              "NSDirectoryEnumerator",
                               "NSEnumerator",
                               "NSFileManager",
                               "NSMutableArray",

@@ -1,4 +1,5 @@
 #include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSString.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cstdlib>
@@ -42,6 +43,18 @@ std::string joined(NSArray const& components) {
     for (id const& component : components)
         text += "[" + bytesOf(as<NSString>(component)) + "]";
     return text;
+}
+
+TEST(NSStringPaths, AreJoinedFromTheirComponents) {
+    auto const joined = [](std::initializer_list<id> components) {
+        return NSString::pathWithComponents_(NSArray::arrayWithObjects_(components));
+    };
+    EXPECT_TRUE(joined({"/", "a", "b"}).isEqualToString_("/a/b"));
+    EXPECT_TRUE(joined({"a", "b/", "/c"}).isEqualToString_("a/b/c"));
+    EXPECT_TRUE(joined({"/"}).isEqualToString_("/"));
+    EXPECT_TRUE(joined({"a", NSNull::null(), "b"}).isEqualToString_("a/b"));
+    EXPECT_TRUE(joined({}).isEqualToString_(""));
+    EXPECT_TRUE(NSString::pathWithComponents_(nil) == nil);
 }
 
 } // namespace

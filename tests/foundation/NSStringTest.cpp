@@ -173,6 +173,23 @@ TEST(NSString, AnswersCommonMessagesBySelector) {
         as<NSNumber>(NSMutableString::string().performSelector_withObject_("isEqualToString:", "")).boolValue());
 }
 
+TEST(NSString, ReadsCharactersWhereTheyLie) {
+    std::u16string characters = u"name";
+    NSString const string = NSString::stringWithCharactersNoCopy_length_(characters.data(), 4);
+    id const copy = string.copy();
+    EXPECT_EQ(string.hash(), copy.hash());
+    characters[0] = u'g';
+    EXPECT_TRUE(string.isEqualToString_("game"));
+    EXPECT_TRUE(string.isEqual_("game"));
+    EXPECT_TRUE(id("game").isEqual_(string));
+    EXPECT_EQ(string.hash(), NSString("game").hash());
+    EXPECT_TRUE(string.mutableCopy().isEqual_("game"));
+    EXPECT_TRUE(string.description().isEqualToString_("game"));
+    EXPECT_TRUE(copy.isEqual_("name"));
+    EXPECT_EQ(NSString::stringWithCharactersNoCopy_length_(nullptr, 0).length(), 0U);
+    EXPECT_THROW(NSString::stringWithCharactersNoCopy_length_(nullptr, 1), NSInvalidArgumentException);
+}
+
 } // namespace
 
 } // namespace mac::test

@@ -1,0 +1,100 @@
+#include "platform/foundation/AccountNames.h"
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSNumber.h"
+#include <array>
+#include <cmath>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr unsigned PermissionBits = 07777;
+
+// Through which the system follows to the item itself; what only names an item
+// is changed in no other way.
+std::string systemPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
+
+bool changePermissions(FileDescriptor const& item, NSNumber const& permissions) {
+    return permissions == nil ||
+           ::chmod(systemPath(item).c_str(), permissions.unsignedIntValue() & PermissionBits) == 0;
+}
+
+bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
+    if (date == nil) return true;
+    double const seconds = date.timeIntervalSince1970();
+    constexpr double farthest = 1e15;
+    if (!(std::abs(seconds) < farthest)) return false;
+    double const whole = std::floor(seconds);
+    std::array<timespec, 2> times{};
+    times[0].tv_nsec = UTIME_OMIT;
+    times[1].tv_sec = static_cast<time_t>(whole);
+    times[1].tv_nsec = static_cast<long>((seconds - whole) * 1e9);
+    return ::utimensat(AT_FDCWD, systemPath(item).c_str(), times.data(), 0) == 0;
+}
+
+// By number, else by name; "unchanged" where the dictionary says neither,
+// nothing for a name that nobody has.
+std::optional<unsigned> account(NSNumber const& number, NSString const& name,
+                                std::optional<unsigned> (*numberOf)(NSString const&)) {
+    constexpr unsigned unchanged = ~0U;
+    if (!(number == nil)) return number.unsignedIntValue();
+    return name == nil ? unchanged : numberOf(name);
+}
+
+bool changeOwners(FileDescriptor const& item, NSDictionary const& attributes) {
+    std::optional<unsigned> const user = account(as<NSNumber>(attributes.objectForKey_(NSFileOwnerAccountID)),
+                                                 attributes.fileOwnerAccountName(), &numberOfUser);
+    std::optional<unsigned> const group = account(as<NSNumber>(attributes.objectForKey_(NSFileGroupOwnerAccountID)),
+                                                  attributes.fileGroupOwnerAccountName(), &numberOfGroup);
+    struct stat status {};
+    if (!user || !group || ::fstat(item.number(), &status) != 0) return false;
+    bool const isSameUser = *user == ~0U || *user == status.st_uid;
+    bool const isSameGroup = *group == ~0U || *group == status.st_gid;
+    return (isSameUser && isSameGroup) || ::chown(systemPath(item).c_str(), *user, *group) == 0;
+}
+
+bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bool isSet) {
+    if (wanted == nil || wanted.boolValue() == isSet) return true;
+    FileDescriptor const file(::open(systemPath(item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    int flags = 0;
+    if (!file.isOpen() || ::ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0) return false;
+    flags ^= flag;
+    return ::ioctl(file.number(), FS_IOC_SETFLAGS, &flags) == 0;
+}
+
+bool isSameDate(NSDate const& wanted, NSDate const& date) {
+    constexpr double precision = 1e-3;
+    return wanted == nil || (!(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision);
+}
+
+} // namespace
+
+bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes) {
+    NSDictionary const old = fileAttributesOf(item);
+    if (old == nil) return false;
+    NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
+    NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
+    // What forbids changes is lifted first and put on last.
+    bool done = true;
+    if (old.fileIsImmutable() && !immutable.boolValue())
+        done = changeFlag(item, immutable, FS_IMMUTABLE_FL, true) && done;
+    if (old.fileIsAppendOnly() && !appendOnly.boolValue())
+        done = changeFlag(item, appendOnly, FS_APPEND_FL, true) && done;
+    done = changeOwners(item, attributes) && done;
+    done = changePermissions(item, as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions))) && done;
+    done = changeModificationDate(item, attributes.fileModificationDate()) && done;
+    done = isSameDate(attributes.fileCreationDate(), old.fileCreationDate()) && done;
+    if (!old.fileIsAppendOnly()) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
+    if (!old.fileIsImmutable()) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
+    return done;
+}
+
+} // namespace mac

@@ -1,0 +1,97 @@
+#include "platform/foundation/AccountNames.h"
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSNumber.h"
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+
+namespace mac {
+
+namespace {
+
+constexpr unsigned PermissionBits = 07777;
+
+NSNumber number(std::uint64_t value) { return NSNumber::numberWithUnsignedLongLong_(value); }
+
+NSString typeOf(unsigned mode) {
+    switch (mode & S_IFMT) {
+    case S_IFDIR:
+        return NSFileTypeDirectory;
+    case S_IFREG:
+        return NSFileTypeRegular;
+    case S_IFLNK:
+        return NSFileTypeSymbolicLink;
+    case S_IFSOCK:
+        return NSFileTypeSocket;
+    case S_IFCHR:
+        return NSFileTypeCharacterSpecial;
+    case S_IFBLK:
+        return NSFileTypeBlockSpecial;
+    default:
+        return NSFileTypeUnknown;
+    }
+}
+
+NSDate dateOf(statx_timestamp const& time) {
+    return NSDate::dateWithTimeIntervalSince1970_(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
+}
+
+void setIfKnown(NSMutableDictionary const& attributes, id const& value, NSString const& key) {
+    if (!(value == nil)) attributes.setObject_forKey_(value, key);
+}
+
+NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
+    return NSNumber::numberWithBool_(BOOL((status.stx_attributes & flag) != 0));
+}
+
+} // namespace
+
+NSDictionary fileAttributesOf(FileDescriptor const& item) {
+    struct statx status {};
+    if (::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
+        return nil;
+    NSMutableDictionary const attributes = NSMutableDictionary::dictionary();
+    attributes.setObject_forKey_(typeOf(status.stx_mode), NSFileType);
+    attributes.setObject_forKey_(number(status.stx_size), NSFileSize);
+    attributes.setObject_forKey_(number(status.stx_nlink), NSFileReferenceCount);
+    attributes.setObject_forKey_(number(status.stx_mode & PermissionBits), NSFilePosixPermissions);
+    attributes.setObject_forKey_(number(status.stx_uid), NSFileOwnerAccountID);
+    attributes.setObject_forKey_(number(status.stx_gid), NSFileGroupOwnerAccountID);
+    attributes.setObject_forKey_(number(makedev(status.stx_dev_major, status.stx_dev_minor)), NSFileSystemNumber);
+    attributes.setObject_forKey_(number(status.stx_ino), NSFileSystemFileNumber);
+    attributes.setObject_forKey_(flagOf(status, STATX_ATTR_IMMUTABLE), NSFileImmutable);
+    attributes.setObject_forKey_(flagOf(status, STATX_ATTR_APPEND), NSFileAppendOnly);
+    attributes.setObject_forKey_(NSNumber::numberWithBool_(NO), NSFileExtensionHidden);
+    attributes.setObject_forKey_(dateOf(status.stx_mtime), NSFileModificationDate);
+    setIfKnown(attributes, nameOfUser(status.stx_uid), NSFileOwnerAccountName);
+    setIfKnown(attributes, nameOfGroup(status.stx_gid), NSFileGroupOwnerAccountName);
+    if ((status.stx_mask & STATX_BTIME) != 0)
+        attributes.setObject_forKey_(dateOf(status.stx_btime), NSFileCreationDate);
+    if (S_ISCHR(status.stx_mode) || S_ISBLK(status.stx_mode))
+        attributes.setObject_forKey_(number(makedev(status.stx_rdev_major, status.stx_rdev_minor)),
+                                     NSFileDeviceIdentifier);
+    return attributes;
+}
+
+NSDictionary volumeAttributesOf(FileDescriptor const& item) {
+    struct statvfs volume {};
+    struct stat status {};
+    if (::fstatvfs(item.number(), &volume) != 0 || ::fstat(item.number(), &status) != 0) return nil;
+    return NSDictionary::dictionaryWithObjectsAndKeys_({
+        number(std::uint64_t{volume.f_blocks} * volume.f_frsize),
+        NSFileSystemSize,
+        number(std::uint64_t{volume.f_bavail} * volume.f_frsize),
+        NSFileSystemFreeSize,
+        number(volume.f_files),
+        NSFileSystemNodes,
+        number(volume.f_favail),
+        NSFileSystemFreeNodes,
+        number(status.st_dev),
+        NSFileSystemNumber,
+    });
+}
+
+} // namespace mac

@@ -1,0 +1,221 @@
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSNumber.h"
+#include "tests/foundation/LongFolder.h"
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+NSFileManager manager() { return NSFileManager::defaultManager(); }
+NSData bytes(std::string_view text) { return NSData::dataWithBytes(std::as_bytes(std::span(text))); }
+std::string text(id const& string) { return as<NSString>(string).fileSystemRepresentation().value_or("-"); }
+
+Names names(NSArray const& array) {
+    Names result;
+    for (id const& name : array)
+        result.push_back(text(name));
+    return result;
+}
+
+NSDictionary permissions(unsigned mode) {
+    return NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithUnsignedInt_(mode), NSFilePosixPermissions);
+}
+
+class NSFileManagerContents : public testing::Test {
+protected:
+    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
+
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(NSFileManagerContents, OfAFolderAreItsNames) {
+    m_folder.makeFile("b", "");
+    m_folder.makeFile("a/inner", "");
+    m_folder.makeFile(".hidden", "");
+    m_folder.makeFile("n\xFF", "");
+    ASSERT_EQ(::symlink("a", m_folder.path("link").c_str()), 0);
+    EXPECT_EQ(names(manager().directoryContentsAtPath_(path(m_folder.path()))),
+              (Names{".hidden", "a", "b", "link", "n\xFF"}));
+    EXPECT_EQ(names(manager().directoryContentsAtPath_(at("link"))), Names{"inner"});
+    EXPECT_EQ(manager().directoryContentsAtPath_(path(m_folder.makeFolder("empty"))).count(), 0U);
+    EXPECT_TRUE(manager().directoryContentsAtPath_(at("b")) == nil);
+    EXPECT_TRUE(manager().directoryContentsAtPath_(at("none")) == nil);
+    EXPECT_TRUE(manager().directoryContentsAtPath_(nil) == nil);
+    EXPECT_TRUE(NSFileManager(nil).directoryContentsAtPath_("/") == nil);
+    LongFolder folder;
+    folder.makeFile("file", "");
+    EXPECT_EQ(names(manager().directoryContentsAtPath_(path(folder.path()))), Names{"file"});
+}
+
+TEST_F(NSFileManagerContents, AreEnumeratedAllTheWayDown) {
+    m_folder.makeFile("a/b/c", "");
+    m_folder.makeFile("a/d", "");
+    m_folder.makeFolder("e");
+    ASSERT_EQ(::symlink(".", m_folder.path("loop").c_str()), 0);
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
+    EXPECT_EQ(names(all.allObjects()), (Names{"a", "a/b", "a/b/c", "a/d", "e", "loop"}));
+    EXPECT_TRUE(all.nextObject() == nil);
+    EXPECT_EQ(names(manager().enumeratorAtPath_(at("loop")).allObjects()).size(), 6U);
+    EXPECT_TRUE(manager().enumeratorAtPath_(at("a/d")) == nil);
+    EXPECT_TRUE(manager().enumeratorAtPath_(at("none")) == nil);
+    EXPECT_TRUE(manager().enumeratorAtPath_(nil) == nil);
+    EXPECT_TRUE(NSFileManager(nil).enumeratorAtPath_("/") == nil);
+}
+
+TEST_F(NSFileManagerContents, AreEnumeratedWithTheirAttributes) {
+    m_folder.makeFile("a/file", "123");
+    ASSERT_EQ(::symlink("a", m_folder.path("link").c_str()), 0);
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
+    EXPECT_TRUE(all.fileAttributes() == nil);
+    EXPECT_TRUE(all.directoryAttributes().fileType().isEqualToString_(NSFileTypeDirectory));
+    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_TRUE(all.fileAttributes().fileType().isEqualToString_(NSFileTypeDirectory));
+    EXPECT_EQ(text(all.nextObject()), "a/file");
+    EXPECT_EQ(all.fileAttributes().fileSize(), 3U);
+    EXPECT_EQ(text(all.nextObject()), "link");
+    EXPECT_TRUE(all.fileAttributes().fileType().isEqualToString_(NSFileTypeSymbolicLink));
+    EXPECT_TRUE(all.nextObject() == nil);
+    EXPECT_TRUE(all.fileAttributes() == nil);
+    EXPECT_TRUE(NSDirectoryEnumerator(nil).fileAttributes() == nil);
+    EXPECT_TRUE(NSDirectoryEnumerator(nil).directoryAttributes() == nil);
+    NSDirectoryEnumerator(nil).skipDescendents();
+}
+
+TEST_F(NSFileManagerContents, AreEnumeratedWithoutWhatIsSkipped) {
+    m_folder.makeFile("a/file", "");
+    m_folder.makeFile("b/file", "");
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
+    EXPECT_EQ(text(all.nextObject()), "a");
+    all.skipDescendents();
+    EXPECT_EQ(text(all.nextObject()), "b");
+    EXPECT_EQ(text(all.nextObject()), "b/file");
+    all.skipDescendents();
+    EXPECT_TRUE(all.nextObject() == nil);
+}
+
+TEST_F(NSFileManagerContents, MayGoWhileTheyAreEnumerated) {
+    m_folder.makeFile("a/file", "");
+    m_folder.makeFile("b", "");
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
+    EXPECT_EQ(text(all.nextObject()), "a");
+    ASSERT_EQ(::unlink(m_folder.path("a/file").c_str()), 0);
+    ASSERT_EQ(::rmdir(m_folder.path("a").c_str()), 0);
+    EXPECT_EQ(text(all.nextObject()), "b");
+}
+
+TEST_F(NSFileManagerContents, OfAFileAreItsBytes) {
+    m_folder.makeFile("file", std::string("a\0b", 3));
+    EXPECT_TRUE(manager().contentsAtPath_(at("file")).isEqualToData_(bytes({"a\0b", 3})));
+    EXPECT_EQ(manager().contentsAtPath_(path(m_folder.makeFile("empty", ""))).length(), 0U);
+    EXPECT_TRUE(manager().contentsAtPath_(at("none")) == nil);
+    EXPECT_TRUE(manager().contentsAtPath_(path(m_folder.path())) == nil);
+    EXPECT_TRUE(NSFileManager(nil).contentsAtPath_(at("file")) == nil);
+}
+
+TEST_F(NSFileManagerContents, AreEqualOrNot) {
+    std::string const large(300'000, 'x');
+    m_folder.makeFile("one/a", large);
+    m_folder.makeFile("two/a", large);
+    m_folder.makeFile("one/b/c", "");
+    m_folder.makeFile("two/b/c", "");
+    ASSERT_EQ(::symlink("a", m_folder.path("one/link").c_str()), 0);
+    ASSERT_EQ(::symlink("a", m_folder.path("two/link").c_str()), 0);
+    EXPECT_TRUE(manager().contentsEqualAtPath_andPath_(at("one"), at("two")));
+    EXPECT_TRUE(manager().contentsEqualAtPath_andPath_(at("one"), at("one/")));
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one/link"), at("one/a")));
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one"), at("one/a")));
+    m_folder.makeFile("two/a", large.substr(1) + "y");
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one/a"), at("two/a")));
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one"), at("two")));
+    EXPECT_TRUE(manager().contentsEqualAtPath_andPath_(at("one/b"), at("two/b")));
+    m_folder.makeFile("two/b/more", "");
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one/b"), at("two/b")));
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("none"), at("none")));
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(nil, at("one")));
+    EXPECT_FALSE(NSFileManager(nil).contentsEqualAtPath_andPath_(at("one"), at("one")));
+}
+
+TEST_F(NSFileManagerContents, OfANewFolderAreNone) {
+    EXPECT_TRUE(manager().createDirectoryAtPath_attributes_(at("new"), nil));
+    EXPECT_EQ(manager().directoryContentsAtPath_(at("new")).count(), 0U);
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_(at("new"), nil));
+    EXPECT_TRUE(manager().createDirectoryAtPath_attributes_(at("new/inner/"), permissions(0700)));
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("new/inner"), NO).filePosixPermissions(), 0700U);
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_(at("none/inner"), nil));
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_("/", nil));
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_("", nil));
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_(nil, nil));
+    EXPECT_FALSE(NSFileManager(nil).createDirectoryAtPath_attributes_(at("other"), nil));
+    EXPECT_TRUE(manager().createDirectoryAtPath_attributes_(at(std::string(255, 'n')), nil));
+    EXPECT_FALSE(manager().createDirectoryAtPath_attributes_(at(std::string(256, 'n')), nil));
+}
+
+TEST_F(NSFileManagerContents, OfANewFileAreWhatItIsMadeWith) {
+    EXPECT_TRUE(manager().createFileAtPath_contents_attributes_(at("file"), bytes("one"), permissions(0640)));
+    EXPECT_TRUE(manager().contentsAtPath_(at("file")).isEqualToData_(bytes("one")));
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("file"), NO).filePosixPermissions(), 0640U);
+    EXPECT_TRUE(manager().createFileAtPath_contents_attributes_(at("file"), nil, nil));
+    EXPECT_EQ(manager().contentsAtPath_(at("file")).length(), 0U);
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("file"), NO).filePosixPermissions(), 0640U);
+    EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(at("none/file"), nil, nil));
+    EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(path(m_folder.path()), nil, nil));
+    EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(nil, nil, nil));
+    EXPECT_FALSE(NSFileManager(nil).createFileAtPath_contents_attributes_(at("other"), nil, nil));
+}
+
+TEST_F(NSFileManagerContents, OfALinkAreItsText) {
+    EXPECT_TRUE(manager().createSymbolicLinkAtPath_pathContent_(at("link"), "../no\xC3\xA9where"));
+    EXPECT_EQ(text(manager().pathContentOfSymbolicLinkAtPath_(at("link"))), "../no\xC3\xA9where");
+    EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("link"), "other"));
+    EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("empty"), ""));
+    EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("empty"), nil));
+    EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(nil, "other"));
+    EXPECT_TRUE(manager().pathContentOfSymbolicLinkAtPath_(path(m_folder.path())) == nil);
+    EXPECT_TRUE(manager().pathContentOfSymbolicLinkAtPath_(at("none")) == nil);
+    EXPECT_TRUE(manager().pathContentOfSymbolicLinkAtPath_(nil) == nil);
+    EXPECT_TRUE(NSFileManager(nil).pathContentOfSymbolicLinkAtPath_(at("link")) == nil);
+    EXPECT_FALSE(NSFileManager(nil).createSymbolicLinkAtPath_pathContent_(at("new"), "other"));
+}
+
+TEST_F(NSFileManagerContents, MayBeReadOrNot) {
+    std::string const file = m_folder.makeFile("file", "");
+    EXPECT_TRUE(manager().isReadableFileAtPath_(at("file")));
+    EXPECT_TRUE(manager().isWritableFileAtPath_(at("file")));
+    EXPECT_FALSE(manager().isExecutableFileAtPath_(at("file")));
+    EXPECT_TRUE(manager().isDeletableFileAtPath_(at("file")));
+    ASSERT_EQ(::chmod(file.c_str(), 0700), 0);
+    EXPECT_TRUE(manager().isExecutableFileAtPath_(at("file")));
+    for (NSString const& none : {at("none"), NSString(""), NSString(nil)}) {
+        EXPECT_FALSE(manager().isReadableFileAtPath_(none));
+        EXPECT_FALSE(manager().isWritableFileAtPath_(none));
+        EXPECT_FALSE(manager().isExecutableFileAtPath_(none));
+        EXPECT_FALSE(manager().isDeletableFileAtPath_(none));
+    }
+    EXPECT_FALSE(NSFileManager(nil).isReadableFileAtPath_("/"));
+    EXPECT_FALSE(NSFileManager(nil).isWritableFileAtPath_("/"));
+    EXPECT_FALSE(NSFileManager(nil).isExecutableFileAtPath_("/"));
+    EXPECT_FALSE(NSFileManager(nil).isDeletableFileAtPath_(at("file")));
+    if (::geteuid() == 0) GTEST_SKIP() << "root may read and write whatever there is";
+    ASSERT_EQ(::chmod(file.c_str(), 0), 0);
+    EXPECT_FALSE(manager().isReadableFileAtPath_(at("file")));
+    EXPECT_FALSE(manager().isWritableFileAtPath_(at("file")));
+    EXPECT_TRUE(manager().isDeletableFileAtPath_(at("file")));
+}
+
+TEST_F(NSFileManagerContents, AreShownByTheirNames) {
+    EXPECT_EQ(text(manager().displayNameAtPath_(at("Mirror Frame.app"))), "Mirror Frame.app");
+    EXPECT_EQ(text(manager().displayNameAtPath_("/")), "/");
+    EXPECT_EQ(text(manager().displayNameAtPath_("/none of this/name/")), "name");
+    EXPECT_EQ(text(manager().displayNameAtPath_("/a:b")), "a:b");
+    EXPECT_TRUE(manager().displayNameAtPath_(nil) == nil);
+    EXPECT_TRUE(NSFileManager(nil).displayNameAtPath_("/") == nil);
+}
+
+} // namespace
+} // namespace mac::test
