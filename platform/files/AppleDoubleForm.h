@@ -4,10 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
-namespace mac {
-
 // The numbers of the AppleDouble form; all are written most significant byte first.
-namespace appleDoubleForm {
+namespace mac::appledouble {
 
 inline constexpr std::uint32_t Magic = 0x00051607;
 inline constexpr std::uint32_t Version = 0x00020000;
@@ -30,6 +28,4 @@ inline constexpr std::size_t AttributeEntrySize = 11;
 inline constexpr std::size_t AttributeAlignment = 4;
 inline constexpr std::size_t LongestName = 254;
 
-} // namespace appleDoubleForm
-
-} // namespace mac
+} // namespace mac::appledouble

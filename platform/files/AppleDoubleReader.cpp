@@ -8,7 +8,7 @@ namespace mac {
 
 namespace {
 
-using namespace appleDoubleForm;
+using namespace appledouble;
 
 using Bytes = std::span<std::byte const>;
 

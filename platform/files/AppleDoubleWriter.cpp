@@ -7,7 +7,7 @@ namespace mac {
 
 namespace {
 
-using namespace appleDoubleForm;
+using namespace appledouble;
 
 void appendNumber(std::vector<std::byte>& bytes, std::size_t value, std::size_t width) {
     for (std::size_t index = width; index > 0; --index)

@@ -18,12 +18,10 @@ constexpr int FolderFlags = O_PATH | O_DIRECTORY;
 // "a/b/./" means the folder a/b.
 std::string_view withoutEmptyEnd(std::string_view path) {
     for (;;) {
-        if (path.size() > 1 && path.ends_with('/'))
-            path.remove_suffix(1);
-        else if (path.size() > 2 && path.ends_with("/."))
-            path.remove_suffix(1);
-        else
-            return path;
+        bool const hasSlash = path.size() > 1 && path.ends_with('/');
+        bool const hasDot = path.size() > 2 && path.ends_with("/.");
+        if (!hasSlash && !hasDot) return path;
+        path.remove_suffix(1);
     }
 }
 

@@ -1,0 +1,22 @@
+#include "platform/files/FSRef.h"
+#include "platform/files/ItemReferences.h"
+
+namespace mac {
+
+bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
+    if (!fsRef) return false;
+    *fsRef = {};
+    std::optional<std::string> const path = url.isFileURL() ? url.path().fileSystemRepresentation() : std::nullopt;
+    std::optional<FSRef> const reference = path ? referenceToPath(*path, true) : std::nullopt;
+    if (reference) *fsRef = *reference;
+    return reference.has_value();
+}
+
+CFURLRef CFURLCreateFromFSRef(CFAllocatorRef /*allocator*/, FSRef const* fsRef) {
+    std::optional<ReferencedItem> const item = fsRef ? itemOfReference(*fsRef) : std::nullopt;
+    if (!item) return nil;
+    NSString const path = NSString::stringWithFileSystemRepresentation_(item->path);
+    return NSURL::fileURLWithPath_isDirectory_(path, BOOL(item->isFolder));
+}
+
+} // namespace mac

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/files/FSRef.h"
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mac {
+
+// References by paths, which are bytes of any length. For implementations; any thread.
+
+// To the item at the path; errno says why not. Of a link at the end to what it leads to, or to the link itself.
+std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks);
+
+struct ReferencedItem {
+    std::string path;
+    bool isFolder{false};
+};
+
+// Where the item is now; nothing when it is not found.
+std::optional<ReferencedItem> itemOfReference(FSRef const& reference);
+
+// What was removed is no longer held, so that the volume can use its space again. It happens with every new reference;
+// who removes large items calls this when it has done so.
+void releaseRemovedItems();
+
+} // namespace mac
