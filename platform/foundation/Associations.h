@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSString.h"
 #include <memory>
 #include <mutex>
@@ -43,9 +44,11 @@ public:
         std::size_t depth;
         id oldValue;
     };
-    // A change between will and did.
+    // A change between will and did; of single indexes where there are some.
     struct PendingChange {
         NSString key;
+        NSUInteger kind{};
+        NSIndexSet indexes;
         std::vector<Told> told;
     };
 

@@ -3,16 +3,22 @@
 #include "platform/foundation/HashedEntries.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSSet.h"
+#include <memory>
 #include <vector>
 
 namespace mac {
+
+class ArrayBehindKey;
 
 // The bodies of the mutable classes are those of the immutable ones: what differs is the class.
 
 class NSArray::Body : public ObjectBody {
 public:
-    Body() = default;
-    explicit Body(std::vector<id> objects) : m_objects(std::move(objects)) {}
+    Body();
+    explicit Body(std::vector<id> objects);
+    // An array that stands for another.
+    explicit Body(std::unique_ptr<ArrayBehindKey> source);
+    ~Body() override;
 
     bool isEqual(id const& other) const override;
     std::uint64_t hash() const override;
@@ -24,10 +30,16 @@ public:
     id valueForKeyPath(NSString const& keyPath) override;
     void setValueForKeyPath(id const& value, NSString const& keyPath) override;
 
-    // Makes the array hold these. The old ones are released when it already does.
-    void replaceObjects(std::vector<id> objects) { m_objects.swap(objects); }
+    // Those of the array that this one stands for, if it does.
+    std::span<id const> objects() const { return m_source ? objectsOfSource() : std::span<id const>(m_objects); }
 
     std::vector<id> m_objects;
+    std::unique_ptr<ArrayBehindKey> m_source;
+    // Grows with each change but replacements.
+    std::uint32_t m_changes{0};
+
+private:
+    std::span<id const> objectsOfSource() const;
 };
 
 class NSSet::Body : public ObjectBody {
@@ -98,6 +110,8 @@ public:
 private:
     static thread_local unsigned s_depth;
 };
+
+inline std::vector<id> copied(std::span<id const> objects) { return {objects.begin(), objects.end()}; }
 
 // The same object, or an equal one.
 inline bool isSameOrEqual(id const& a, id const& b) { return isSame(a, b) || a.isEqual_(b); }

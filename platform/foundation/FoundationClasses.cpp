@@ -8,6 +8,7 @@
 #include "platform/foundation/NSDirectoryEnumerator.h"
 #include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
@@ -34,10 +35,11 @@ void registerAll() {
 
 void registerFoundationClasses() {
     registerAll<CFUUIDRef, Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSMutableArray, NSMutableCharacterSet,
-                NSMutableData, NSMutableDictionary, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter,
-                NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate, NSPropertyListSerialization, NSRunLoop,
-                NSSet, NSSortDescriptor, NSString, NSTimer, NSURL, NSValueTransformer>();
+                NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray, NSMutableCharacterSet,
+                NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification,
+                NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate,
+                NSPropertyListSerialization, NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
+                NSValueTransformer>();
 }
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/Object.h"
 
@@ -95,6 +96,38 @@ id id::valueForKeyPath_(NSString const& keyPath) const { return m_body ? m_body-
 
 void id::setValue_forKeyPath_(id const& value, NSString const& keyPath) const {
     if (m_body) m_body->setValueForKeyPath(value, keyPath);
+}
+
+id id::valueForUndefinedKey_(NSString const& key) const { return m_body ? m_body->valueForUndefinedKey(key) : id(); }
+
+void id::setValue_forUndefinedKey_(id const& value, NSString const& key) const {
+    if (m_body) m_body->setValueForUndefinedKey(value, key);
+}
+
+void id::setNilValueForKey_(NSString const& key) const {
+    if (m_body) m_body->setNilValueForKey(key);
+}
+
+NSDictionary id::dictionaryWithValuesForKeys_(NSArray const& keys) const {
+    if (*this == nil) return nil;
+    id const self = *this;
+    NSMutableDictionary const values = NSMutableDictionary::dictionaryWithCapacity_(keys.count());
+    // A getter may change the keys.
+    for (id const& key : NSArray::arrayWithArray_(keys)) {
+        id const value = self.valueForKey_(as<NSString>(key));
+        values.setObject_forKey_(value == nil ? id(NSNull::null()) : value, key);
+    }
+    return uncheckedCast<NSDictionary>(values.copy());
+}
+
+void id::setValuesForKeysWithDictionary_(NSDictionary const& values) const {
+    id const self = *this;
+    // A setter may change the dictionary.
+    NSDictionary const kept = uncheckedCast<NSDictionary>(values.copy());
+    for (id const& key : kept.allKeys()) {
+        id const value = kept.objectForKey_(key);
+        self.setValue_forKey_(isSame(value, NSNull::null()) ? id() : value, as<NSString>(key));
+    }
 }
 
 } // namespace mac

@@ -40,6 +40,25 @@ bool isCollectionWithoutKeys(id const& object) {
     return object.isKindOfClass_(classOf<NSArray>()) || object.isKindOfClass_(classOf<NSSet>());
 }
 
+// What the change dictionary says of a change besides the values.
+struct KindOfChange {
+    NSUInteger kind{NSKeyValueChangeSetting};
+    NSIndexSet indexes{};
+};
+
+// As "<Class 0x…>".
+std::string named(id const& object) {
+    if (object == nil) return "(null)";
+    return NSString::stringWithFormat_("<%s %p>", std::string(object.class_().name()),
+                                       static_cast<void const*>(object.body()))
+        .UTF8String();
+}
+
+[[noreturn]] void raiseNoKeys(id const& collection, char const* message, NSString const& keyPath) {
+    throw NSInvalidArgumentException("[" + named(collection) + " " + message +
+                                     "] is not supported. Key path: " + keyPath.UTF8String());
+}
+
 std::vector<NSString> keysOfPath(NSString const& keyPath) {
     std::vector<NSString> keys;
     std::u16string_view const path = keyPath.codeUnits();
@@ -104,35 +123,53 @@ public:
         attach(object.valueForKey_(m_keys[depth]), depth + 1);
     }
 
-    id oldValue() const { return m_isActive ? valueIfAsked(NSKeyValueObservingOptionOld) : id(); }
+    // The change as it is for this observer: members of an array that the path only comes through are none of its
+    // matter, the value behind it is.
+    KindOfChange seen(KindOfChange const& change, std::size_t depth) const {
+        return depth + 1 == m_keys.size() ? change : KindOfChange();
+    }
+
+    id oldValue(KindOfChange const& change) const {
+        if (!m_isActive || change.kind == NSKeyValueChangeInsertion) return nil;
+        return valueIfAsked(NSKeyValueObservingOptionOld, change.indexes);
+    }
 
     void tellInitialValue() const {
-        if (m_options & NSKeyValueObservingOptionInitial) tell(nil, valueIfAsked(NSKeyValueObservingOptionNew), false);
+        if ((m_options & NSKeyValueObservingOptionInitial) == 0) return;
+        tell({}, nil, valueIfAsked(NSKeyValueObservingOptionNew, nil), false);
     }
 
-    void tellBefore(id const& oldValue) const {
-        if (m_options & NSKeyValueObservingOptionPrior) tell(oldValue, nil, true);
+    void tellBefore(KindOfChange const& change, id const& oldValue) const {
+        if (m_options & NSKeyValueObservingOptionPrior) tell(change, oldValue, nil, true);
     }
 
-    void tellAfter(id const& oldValue) const {
-        if (m_isActive) tell(oldValue, valueIfAsked(NSKeyValueObservingOptionNew), false);
+    void tellAfter(KindOfChange const& change, id const& oldValue) const {
+        if (!m_isActive) return;
+        bool const hasNewValue = change.kind != NSKeyValueChangeRemoval;
+        tell(change, oldValue, hasNewValue ? valueIfAsked(NSKeyValueObservingOptionNew, change.indexes) : id(), false);
     }
 
 private:
-    id valueIfAsked(NSUInteger option) const {
+    // Without indexes the whole value; else the members at those that there are.
+    id valueIfAsked(NSUInteger option, NSIndexSet const& indexes) const {
         id const root = m_root.load();
         if ((m_options & option) == 0 || root == nil) return nil;
         id const value = root.valueForKeyPath_(m_keyPath);
-        return value == nil ? id(NSNull::null()) : value;
+        if (value == nil) return NSNull::null();
+        if (indexes == nil) return value;
+        NSArray const array = as<NSArray>(value);
+        NSMutableIndexSet const there = NSMutableIndexSet::alloc().initWithIndexSet_(indexes);
+        there.removeIndexesInRange_({array.count(), NSNotFound - array.count()});
+        return array.objectsAtIndexes_(there);
     }
 
-    void tell(id const& oldValue, id const& newValue, bool isPrior) const {
+    void tell(KindOfChange const& kind, id const& oldValue, id const& newValue, bool isPrior) const {
         id const observer = m_observer.load();
         id const root = m_root.load();
         if (!m_isActive || observer == nil || root == nil) return;
         NSMutableDictionary const change = NSMutableDictionary::dictionary();
-        change.setObject_forKey_(NSNumber::numberWithUnsignedInteger_(NSKeyValueChangeSetting),
-                                 NSKeyValueChangeKindKey);
+        change.setObject_forKey_(NSNumber::numberWithUnsignedInteger_(kind.kind), NSKeyValueChangeKindKey);
+        if (kind.indexes != nil) change.setObject_forKey_(kind.indexes, NSKeyValueChangeIndexesKey);
         if (oldValue != nil) change.setObject_forKey_(oldValue, NSKeyValueChangeOldKey);
         if (newValue != nil) change.setObject_forKey_(newValue, NSKeyValueChangeNewKey);
         if (isPrior) change.setObject_forKey_(NSNumber::numberWithBool_(YES), NSKeyValueChangeNotificationIsPriorKey);
@@ -184,6 +221,22 @@ PendingChange takePendingChange(ObjectAssociations& associations, NSString const
     return change;
 }
 
+// Begins a change. One of the whole key within one of its members is part of that: nobody is told of it.
+void begin(id const& object, NSString const& key, KindOfChange const& kind) {
+    ObjectAssociations* const associations = object == nil ? nullptr : object.body()->associationsIfAny();
+    if (!associations || key == nil) return;
+    PendingChange change{uncheckedCast<NSString>(key.copy()), kind.kind, kind.indexes, {}};
+    bool const isPart = std::ranges::any_of(associations->pendingChanges, [&](PendingChange const& pending) {
+        return pending.indexes != nil && pending.key.isEqualToString_(key);
+    });
+    if (!isPart) change.told = observersOfKey(*associations, key);
+    for (Told& told : change.told)
+        told.oldValue = told.observation->oldValue(told.observation->seen(kind, told.depth));
+    for (Told const& told : change.told)
+        told.observation->tellBefore(told.observation->seen(kind, told.depth), told.oldValue);
+    associations->pendingChanges.push_back(std::move(change));
+}
+
 } // namespace
 
 ObjectAssociations::~ObjectAssociations() {
@@ -201,6 +254,11 @@ KeyChange::KeyChange(id const& object, NSString const& key)
     m_object.willChangeValueForKey_(m_key);
 }
 
+KeyChange::KeyChange(id const& object, NSString const& key, NSUInteger kind, NSIndexSet const& indexes)
+    : m_object(object), m_key(key), m_exceptions(std::uncaught_exceptions()) {
+    m_object.willChange_valuesAtIndexes_forKey_(kind, indexes, m_key);
+}
+
 KeyChange::~KeyChange() noexcept(false) {
     if (std::uncaught_exceptions() == m_exceptions) {
         m_object.didChangeValueForKey_(m_key);
@@ -214,9 +272,8 @@ void id::addObserver_forKeyPath_options_context_(id const& observer, NSString co
                                                  void* context) const {
     if (*this == nil || observer == nil) return;
     if (keyPath == nil) throw NSInvalidArgumentException("A key path to observe is missing");
-    if (isCollectionWithoutKeys(*this))
-        throw NSInvalidArgumentException("An array's or set's keys cannot be observed, only its elements'");
     id const self = *this;
+    if (isCollectionWithoutKeys(self)) raiseNoKeys(self, "addObserver:forKeyPath:options:context:", keyPath);
     ObjectAssociations const& associations = self.body()->associations();
     // Now and then only, so that the cost of many observers stays in proportion.
     if (std::has_single_bit(associations.listeners.size())) endThoseWithoutObserver(associations);
@@ -246,20 +303,32 @@ void id::removeObserver_forKeyPath_(id const& observer, NSString const& keyPath)
             return;
         }
     }
-    throw NSRangeException("There is no such observer of the key path \"" + keyPath.UTF8String() + "\" of " +
-                           std::string(self.class_().name()));
+    if (isCollectionWithoutKeys(self)) raiseNoKeys(self, "removeObserver:forKeyPath:", keyPath);
+    throw NSRangeException("Cannot remove an observer " + named(observer) + " for the key path \"" +
+                           keyPath.UTF8String() + "\" from " + named(self) +
+                           " because it is not registered as an observer.");
 }
 
 void id::willChangeValueForKey_(NSString const& key) const {
     id const self = *this;
-    ObjectAssociations* const associations = self == nil ? nullptr : self.body()->associationsIfAny();
-    if (!associations || key == nil) return;
-    PendingChange change{uncheckedCast<NSString>(key.copy()), observersOfKey(*associations, key)};
-    for (Told& told : change.told)
-        told.oldValue = told.observation->oldValue();
-    for (Told const& told : change.told)
-        told.observation->tellBefore(told.oldValue);
-    associations->pendingChanges.push_back(std::move(change));
+    begin(self, key, {});
+}
+
+void id::willChange_valuesAtIndexes_forKey_(NSUInteger kind, NSIndexSet const& indexes, NSString const& key) const {
+    id const self = *this;
+    if (kind < NSKeyValueChangeInsertion || kind > NSKeyValueChangeReplacement || indexes == nil)
+        throw NSInvalidArgumentException("A change at indexes needs indexes, and a kind that has some");
+    begin(self, key, {kind, NSIndexSet::alloc().initWithIndexSet_(indexes)});
+}
+
+void id::didChange_valuesAtIndexes_forKey_(NSUInteger, NSIndexSet const&, NSString const& key) const {
+    didChangeValueForKey_(key);
+}
+
+void id::observeValueForKeyPath_ofObject_change_context_(NSString const& keyPath, id const& object,
+                                                         NSDictionary const& change, void* context) const {
+    id const self = *this;
+    if (self != nil) self.body()->observeValueForKeyPath(keyPath, object, change, context);
 }
 
 void id::didChangeValueForKey_(NSString const& key) const {
@@ -267,11 +336,12 @@ void id::didChangeValueForKey_(NSString const& key) const {
     ObjectAssociations* const associations = self == nil ? nullptr : self.body()->associationsIfAny();
     if (!associations) return;
     PendingChange const change = takePendingChange(*associations, key);
+    KindOfChange const kind{change.kind, change.indexes};
     AllThenRaise all;
     for (Told const& told : change.told)
         all.take([&] { told.observation->follow(self, told.depth); });
     for (Told const& told : change.told)
-        all.take([&] { told.observation->tellAfter(told.oldValue); });
+        all.take([&] { told.observation->tellAfter(told.observation->seen(kind, told.depth), told.oldValue); });
     all.raise();
 }
 

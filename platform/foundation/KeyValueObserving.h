@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSString.h"
 
 namespace mac {
@@ -13,14 +14,18 @@ enum NSKeyValueObservingOptions : NSUInteger {
     NSKeyValueObservingOptionPrior = 8,
 };
 
-// The kind of change under "kind": a value was set as a whole.
+// The kind of change under "kind": a value was set as a whole, or members of an array came, went or were replaced.
 inline constexpr NSUInteger NSKeyValueChangeSetting = 1;
+inline constexpr NSUInteger NSKeyValueChangeInsertion = 2;
+inline constexpr NSUInteger NSKeyValueChangeRemoval = 3;
+inline constexpr NSUInteger NSKeyValueChangeReplacement = 4;
 
-// Keys of the change dictionary.
+// Keys of the change dictionary. Where there are "indexes", "new" and "old" are arrays of the members at them.
 inline constexpr char NSKeyValueChangeKindKey[] = "kind";
 inline constexpr char NSKeyValueChangeNewKey[] = "new";
 inline constexpr char NSKeyValueChangeOldKey[] = "old";
 inline constexpr char NSKeyValueChangeNotificationIsPriorKey[] = "notificationIsPrior";
+inline constexpr char NSKeyValueChangeIndexesKey[] = "indexes";
 
 // Stands in a setter for the whole change of one key: observers are told once when it ends. An exception of an observer
 // goes on to the setter's caller, after all observers have been told; where the setter itself is left by an exception
@@ -28,6 +33,8 @@ inline constexpr char NSKeyValueChangeNotificationIsPriorKey[] = "notificationIs
 class KeyChange {
 public:
     KeyChange(id const& object, NSString const& key);
+    // Of some members of the array under the key. What happens to the key as a whole meanwhile is part of this.
+    KeyChange(id const& object, NSString const& key, NSUInteger kind, NSIndexSet const& indexes);
     ~KeyChange() noexcept(false);
     KeyChange(KeyChange const&) = delete;
     KeyChange& operator=(KeyChange const&) = delete;

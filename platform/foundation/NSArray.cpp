@@ -1,7 +1,9 @@
 #include "platform/foundation/NSArray.h"
+#include "platform/foundation/ArrayBehindKey.h"
 #include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSPredicate.h"
 #include <algorithm>
@@ -22,8 +24,8 @@ std::vector<id> upToNil(std::initializer_list<id> objects) {
 
 // The elements' values, null where one has none. They are copied, since a getter may change the array.
 template <class Value>
-NSArray valuesOf(std::vector<id> const& objects, Value const& valueOf) {
-    std::vector<id> values = objects;
+NSArray valuesOf(std::span<id const> objects, Value const& valueOf) {
+    std::vector<id> values(objects.begin(), objects.end());
     for (id& object : values) {
         id value = valueOf(object);
         object = value == nil ? id(NSNull::null()) : std::move(value);
@@ -40,18 +42,29 @@ void requireObject(id const& object, char const* message) {
     if (object == nil) throw NSInvalidArgumentException(std::string(message) + ": the object is nil");
 }
 
+NSArray::Body::Body() = default;
+
+NSArray::Body::Body(std::vector<id> objects) : m_objects(std::move(objects)) {}
+
+NSArray::Body::Body(std::unique_ptr<ArrayBehindKey> source) : m_source(std::move(source)) {}
+
+NSArray::Body::~Body() = default;
+
+std::span<id const> NSArray::Body::objectsOfSource() const { return m_source->objects(); }
+
 bool NSArray::Body::isEqual(id const& other) const {
     if (other.body() == this) return true;
     NSArray const array = as<NSArray>(other);
     ComparingStep const step;
-    return array != nil && !step.isTooDeep() && std::ranges::equal(m_objects, array.objects(), isSameOrEqual);
+    return array != nil && !step.isTooDeep() && std::ranges::equal(objects(), array.objects(), isSameOrEqual);
 }
 
 std::uint64_t NSArray::Body::hash() const {
-    std::uint64_t hash = m_objects.size();
+    std::span<id const> const members = objects();
+    std::uint64_t hash = members.size();
     HashingStep const step;
     if (step.isTooDeep()) return hash;
-    for (id const& object : m_objects)
+    for (id const& object : members)
         hash = combineHashes(hash, object.hash());
     return hash;
 }
@@ -59,32 +72,30 @@ std::uint64_t NSArray::Body::hash() const {
 NSString NSArray::Body::description() const { return descriptionOfCollection(id::retain(const_cast<Body*>(this))); }
 
 id NSArray::Body::copy() const {
-    if (isKindOf(classOf<NSMutableArray>())) return adopt<NSArray>(m_objects);
+    if (isKindOf(classOf<NSMutableArray>())) return adopt<NSArray>(copied(objects()));
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSArray::Body::mutableCopy() const { return adopt<NSMutableArray>(m_objects); }
+id NSArray::Body::mutableCopy() const { return adopt<NSMutableArray>(copied(objects())); }
 
 id NSArray::Body::valueForKey(NSString const& key) {
-    if (isCollectionOperator(key)) return valueOfCollectionOperator(m_objects, key);
-    return valuesOf(m_objects, [&](id const& object) { return object.valueForKey_(key); });
+    if (isCollectionOperator(key)) return valueOfCollectionOperator(objects(), key);
+    return valuesOf(objects(), [&](id const& object) { return object.valueForKey_(key); });
 }
 
 void NSArray::Body::setValueForKey(id const& value, NSString const& key) {
     // An observer may change the array.
-    std::vector<id> const objects = m_objects;
-    for (id const& object : objects)
+    for (id const& object : copied(objects()))
         object.setValue_forKey_(value, key);
 }
 
 id NSArray::Body::valueForKeyPath(NSString const& keyPath) {
-    if (isCollectionOperator(keyPath)) return valueOfCollectionOperator(m_objects, keyPath);
-    return valuesOf(m_objects, [&](id const& object) { return object.valueForKeyPath_(keyPath); });
+    if (isCollectionOperator(keyPath)) return valueOfCollectionOperator(objects(), keyPath);
+    return valuesOf(objects(), [&](id const& object) { return object.valueForKeyPath_(keyPath); });
 }
 
 void NSArray::Body::setValueForKeyPath(id const& value, NSString const& keyPath) {
-    std::vector<id> const objects = m_objects;
-    for (id const& object : objects)
+    for (id const& object : copied(objects()))
         object.setValue_forKeyPath_(value, keyPath);
 }
 
@@ -97,6 +108,7 @@ ClassDescription NSArray::describeClass() {
             {
                 method<&NSArray::count>("count"),
                 method<&NSArray::objectAtIndex_>("objectAtIndex:"),
+                method<&NSArray::objectsAtIndexes_>("objectsAtIndexes:"),
                 method<&NSArray::lastObject>("lastObject"),
                 method<&NSArray::containsObject_>("containsObject:"),
                 method<&NSArray::indexOfObject_>("indexOfObject:"),
@@ -123,9 +135,7 @@ NSArray NSArray::arrayWithObject_(id const& object) {
 
 NSArray NSArray::arrayWithObjects_(std::initializer_list<id> objects) { return adopt<NSArray>(upToNil(objects)); }
 
-NSArray NSArray::arrayWithArray_(NSArray const& other) {
-    return adopt<NSArray>(std::vector<id>(other.begin(), other.end()));
-}
+NSArray NSArray::arrayWithArray_(NSArray const& other) { return adopt<NSArray>(copied(other.objects())); }
 
 NSArray NSArray::arrayWithVector(std::vector<id> objects) {
     for (id const& object : objects)
@@ -133,9 +143,7 @@ NSArray NSArray::arrayWithVector(std::vector<id> objects) {
     return adopt<NSArray>(std::move(objects));
 }
 
-std::span<id const> NSArray::objects() const {
-    return *this == nil ? std::span<id const>() : std::span<id const>(bodyOf(*this)->m_objects);
-}
+std::span<id const> NSArray::objects() const { return *this == nil ? std::span<id const>() : bodyOf(*this)->objects(); }
 
 NSUInteger NSArray::count() const { return static_cast<NSUInteger>(objects().size()); }
 
@@ -164,15 +172,15 @@ NSUInteger NSArray::indexOfObjectIdenticalTo_(id const& object) const {
 NSArray NSArray::arrayByAddingObject_(id const& object) const {
     if (*this == nil) return nil;
     requireObject(object, "Adding to an array");
-    std::vector<id> all(begin(), end());
+    std::vector<id> all = copied(objects());
     all.push_back(object);
     return adopt<NSArray>(std::move(all));
 }
 
 NSArray NSArray::arrayByAddingObjectsFromArray_(NSArray const& other) const {
     if (*this == nil) return nil;
-    std::vector<id> all(begin(), end());
-    all.insert(all.end(), other.begin(), other.end());
+    std::vector<id> all = copied(objects());
+    std::ranges::copy(other.objects(), std::back_inserter(all));
     return adopt<NSArray>(std::move(all));
 }
 
@@ -182,6 +190,31 @@ NSArray NSArray::subarrayWithRange_(NSRange range) const {
     if (range.location > count || range.length > count - range.location) raiseRange(range.location, count);
     std::span<id const> const part = objects().subspan(range.location, range.length);
     return adopt<NSArray>(std::vector<id>(part.begin(), part.end()));
+}
+
+NSArray NSArray::objectsAtIndexes_(NSIndexSet const& indexes) const {
+    if (*this == nil) return nil;
+    std::span<id const> const all = objects();
+    std::vector<id> found;
+    found.reserve(indexes.count());
+    for (NSRange const range : indexes.ranges()) {
+        if (range.location + range.length > all.size()) raiseRange(range.location + range.length - 1, all.size());
+        std::ranges::copy(all.subspan(range.location, range.length), std::back_inserter(found));
+    }
+    return adopt<NSArray>(std::move(found));
+}
+
+void NSArray::addObserver_toObjectsAtIndexes_forKeyPath_options_context_(id const& observer, NSIndexSet const& indexes,
+                                                                         NSString const& keyPath, NSUInteger options,
+                                                                         void* context) const {
+    for (id const& object : objectsAtIndexes_(indexes))
+        object.addObserver_forKeyPath_options_context_(observer, keyPath, options, context);
+}
+
+void NSArray::removeObserver_fromObjectsAtIndexes_forKeyPath_(id const& observer, NSIndexSet const& indexes,
+                                                              NSString const& keyPath) const {
+    for (id const& object : objectsAtIndexes_(indexes))
+        object.removeObserver_forKeyPath_(observer, keyPath);
 }
 
 NSString NSArray::componentsJoinedByString_(NSString const& separator) const {

@@ -40,6 +40,8 @@ public:
     NSArray arrayByAddingObject_(id const& object) const;
     NSArray arrayByAddingObjectsFromArray_(NSArray const& other) const;
     NSArray subarrayWithRange_(NSRange range) const;
+    // In ascending order of the indexes; an index past the end raises NSRangeException.
+    NSArray objectsAtIndexes_(NSIndexSet const& indexes) const;
     NSString componentsJoinedByString_(NSString const& separator) const;
     bool isEqualToArray_(NSArray const& other) const;
     NSEnumerator objectEnumerator() const;
@@ -49,6 +51,13 @@ public:
     NSArray sortedArrayUsingDescriptors_(NSArray const& descriptors) const;
     // Stable; the selector answers an NSComparisonResult for one argument.
     NSArray sortedArrayUsingSelector_(SEL comparator) const;
+    // Observing: an array's own keys cannot be observed (the messages of other objects raise
+    // NSInvalidArgumentException), the keys of its elements can. An index past the end raises NSRangeException.
+    void addObserver_toObjectsAtIndexes_forKeyPath_options_context_(id const& observer, NSIndexSet const& indexes,
+                                                                    NSString const& keyPath, NSUInteger options,
+                                                                    void* context) const;
+    void removeObserver_fromObjectsAtIndexes_forKeyPath_(id const& observer, NSIndexSet const& indexes,
+                                                         NSString const& keyPath) const;
 
     // The members, for loops; valid while an unchanged array lives.
     std::span<id const> objects() const;
@@ -75,6 +84,12 @@ public:
     void replaceObjectAtIndex_withObject_(NSUInteger index, id const& object) const;
     void removeObjectAtIndex_(NSUInteger index) const;
     void removeLastObject() const;
+    void removeObjectsInRange_(NSRange range) const;
+    // By index in ascending order; each index of an insertion counts those already inserted. Other counts of objects
+    // than of indexes raise NSInvalidArgumentException. What raises changes nothing.
+    void insertObjects_atIndexes_(NSArray const& objects, NSIndexSet const& indexes) const;
+    void removeObjectsAtIndexes_(NSIndexSet const& indexes) const;
+    void replaceObjectsAtIndexes_withObjects_(NSIndexSet const& indexes, NSArray const& objects) const;
     // Every equal, or the very same, object.
     void removeObject_(id const& object) const;
     void removeObjectIdenticalTo_(id const& object) const;

@@ -1,7 +1,10 @@
+#include "platform/foundation/ArrayBehindKey.h"
 #include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/Exceptions.h"
+#include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSIndexSet.h"
 #include <algorithm>
 #include <iterator>
 
@@ -9,20 +12,62 @@ namespace mac {
 
 namespace {
 
+[[noreturn]] void raiseRange(std::size_t index, std::size_t count) {
+    throw NSRangeException("Index " + std::to_string(index) + " is beyond the " + std::to_string(count) +
+                           " objects of the array");
+}
+
 void requireIndex(NSUInteger index, std::size_t count) {
-    if (index >= count)
-        throw NSRangeException("Index " + std::to_string(index) + " is beyond the " + std::to_string(count) +
-                               " objects of the array");
+    if (index >= count) raiseRange(index, count);
+}
+
+void requireIndexes(NSIndexSet const& indexes, std::size_t count) {
+    if (indexes.count() > 0) requireIndex(indexes.lastIndex(), count);
+}
+
+// Every change of an array passes here: the function gets the objects to change, or raises. Where the array stands for
+// one under a key, the indexes are the change's word to observers.
+template <class Edit>
+void change(NSMutableArray const& array, NSUInteger kind, NSIndexSet const& indexes, Edit const& edit) {
+    NSArray::Body& body = *bodyOf(array);
+    NSUInteger const counted = kind == NSKeyValueChangeReplacement ? 0 : 1;
+    if (!body.m_source) {
+        edit(body.m_objects);
+        body.m_changes += counted;
+        return;
+    }
+    // Observers may let go of it.
+    id const kept = array;
+    body.m_source->change(kind, indexes, edit);
+    body.m_changes += counted;
+}
+
+// Without the cost of an index set where nobody asks for it.
+template <class Edit>
+void changeAt(NSMutableArray const& array, NSUInteger kind, NSRange range, Edit const& edit) {
+    change(array, kind, bodyOf(array)->m_source ? NSIndexSet::indexSetWithIndexesInRange_(range) : NSIndexSet(), edit);
+}
+
+void replaceAll(NSMutableArray const& array, std::vector<id> objects) {
+    // The old ones are released when the array holds the new ones already.
+    change(array, NSKeyValueChangeSetting, nil, [&](std::vector<id>& all) { all.swap(objects); });
 }
 
 // What isUnwanted asks, and what goes, may look at the array meanwhile: it changes in one step.
 template <class Predicate>
 void removeWhere(NSMutableArray const& array, Predicate const& isUnwanted) {
-    std::vector<id> const objects(array.begin(), array.end());
+    std::vector<id> const objects = copied(array.objects());
+    NSMutableIndexSet const indexes = NSMutableIndexSet::indexSet();
     std::vector<id> kept;
     kept.reserve(objects.size());
-    std::ranges::remove_copy_if(objects, std::back_inserter(kept), isUnwanted);
-    if (kept.size() != objects.size()) bodyOf(array)->replaceObjects(std::move(kept));
+    for (NSUInteger index = 0; index < objects.size(); ++index) {
+        if (isUnwanted(objects[index]))
+            indexes.addIndex_(index);
+        else
+            kept.push_back(objects[index]);
+    }
+    if (kept.size() == objects.size()) return;
+    change(array, NSKeyValueChangeRemoval, indexes, [&](std::vector<id>& all) { all.swap(kept); });
 }
 
 } // namespace
@@ -43,6 +88,9 @@ ClassDescription NSMutableArray::describeClass() {
                 method<&NSMutableArray::addObjectsFromArray_>("addObjectsFromArray:"),
                 method<&NSMutableArray::removeLastObject>("removeLastObject"),
                 method<&NSMutableArray::removeObjectsInArray_>("removeObjectsInArray:"),
+                method<&NSMutableArray::insertObjects_atIndexes_>("insertObjects:atIndexes:"),
+                method<&NSMutableArray::removeObjectsAtIndexes_>("removeObjectsAtIndexes:"),
+                method<&NSMutableArray::replaceObjectsAtIndexes_withObjects_>("replaceObjectsAtIndexes:withObjects:"),
             },
     };
 }
@@ -58,7 +106,7 @@ NSMutableArray NSMutableArray::arrayWithCapacity_(NSUInteger capacity) {
 }
 
 NSMutableArray NSMutableArray::arrayWithArray_(NSArray const& other) {
-    return adopt<NSMutableArray>(std::vector<id>(other.begin(), other.end()));
+    return adopt<NSMutableArray>(copied(other.objects()));
 }
 
 NSMutableArray NSMutableArray::arrayWithObjects_(std::initializer_list<id> objects) {
@@ -68,50 +116,123 @@ NSMutableArray NSMutableArray::arrayWithObjects_(std::initializer_list<id> objec
 void NSMutableArray::addObject_(id const& object) const {
     if (*this == nil) return;
     requireObject(object, "Adding to an array");
-    bodyOf(*this)->m_objects.push_back(object);
+    if (bodyOf(*this)->m_source)
+        insertObject_atIndex_(object, count());
+    else
+        changeAt(*this, NSKeyValueChangeInsertion, {}, [&](std::vector<id>& objects) { objects.push_back(object); });
 }
 
 void NSMutableArray::addObjectsFromArray_(NSArray const& other) const {
-    if (*this == nil) return;
+    if (*this == nil || other.count() == 0) return;
     // A copy first: the other may be this one.
-    std::vector<id> const added(other.begin(), other.end());
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    objects.insert(objects.end(), added.begin(), added.end());
+    std::vector<id> const added = copied(other.objects());
+    NSRange const range{count(), static_cast<NSUInteger>(added.size())};
+    changeAt(*this, NSKeyValueChangeInsertion, range,
+             [&](std::vector<id>& objects) { objects.insert(objects.end(), added.begin(), added.end()); });
 }
 
 void NSMutableArray::insertObject_atIndex_(id const& object, NSUInteger index) const {
     if (*this == nil) return;
     requireObject(object, "Inserting into an array");
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    if (index > objects.size())
-        throw NSRangeException("Index " + std::to_string(index) + " to insert at is beyond the end of the array, " +
-                               std::to_string(objects.size()));
-    objects.insert(objects.begin() + index, object);
+    changeAt(*this, NSKeyValueChangeInsertion, {index, 1}, [&](std::vector<id>& objects) {
+        if (index > objects.size())
+            throw NSRangeException("Index " + std::to_string(index) + " to insert at is beyond the end of the array, " +
+                                   std::to_string(objects.size()));
+        objects.insert(objects.begin() + index, object);
+    });
+}
+
+void NSMutableArray::insertObjects_atIndexes_(NSArray const& objects, NSIndexSet const& indexes) const {
+    if (*this == nil) return;
+    std::vector<id> const inserted = copied(objects.objects());
+    if (inserted.size() != indexes.count())
+        throw NSInvalidArgumentException("Inserting " + std::to_string(inserted.size()) + " objects at " +
+                                         std::to_string(indexes.count()) + " indexes of an array");
+    if (inserted.empty()) return;
+    change(*this, NSKeyValueChangeInsertion, indexes, [&](std::vector<id>& all) {
+        requireIndexes(indexes, all.size() + inserted.size());
+        std::vector<id> result;
+        result.reserve(all.size() + inserted.size());
+        std::span<id const> old = all;
+        std::span<id const> added = inserted;
+        for (NSRange const range : indexes.ranges()) {
+            std::size_t const before = range.location - result.size();
+            std::ranges::copy(old.first(before), std::back_inserter(result));
+            std::ranges::copy(added.first(range.length), std::back_inserter(result));
+            old = old.subspan(before);
+            added = added.subspan(range.length);
+        }
+        std::ranges::copy(old, std::back_inserter(result));
+        all.swap(result);
+    });
 }
 
 void NSMutableArray::replaceObjectAtIndex_withObject_(NSUInteger index, id const& object) const {
     if (*this == nil) return;
     requireObject(object, "Replacing in an array");
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    requireIndex(index, objects.size());
     id replaced = object;
-    std::swap(objects[index], replaced);
+    changeAt(*this, NSKeyValueChangeReplacement, {index, 1}, [&](std::vector<id>& objects) {
+        requireIndex(index, objects.size());
+        std::swap(objects[index], replaced);
+    });
+}
+
+void NSMutableArray::replaceObjectsAtIndexes_withObjects_(NSIndexSet const& indexes, NSArray const& objects) const {
+    if (*this == nil) return;
+    std::vector<id> replaced = copied(objects.objects());
+    if (replaced.size() != indexes.count())
+        throw NSInvalidArgumentException("Replacing the objects at " + std::to_string(indexes.count()) +
+                                         " indexes of an array by " + std::to_string(replaced.size()));
+    if (replaced.empty()) return;
+    change(*this, NSKeyValueChangeReplacement, indexes, [&](std::vector<id>& all) {
+        requireIndexes(indexes, all.size());
+        auto next = replaced.begin();
+        for (NSRange const range : indexes.ranges())
+            next = std::swap_ranges(all.begin() + range.location, all.begin() + range.location + range.length, next);
+    });
 }
 
 void NSMutableArray::removeObjectAtIndex_(NSUInteger index) const {
     if (*this == nil) return;
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    requireIndex(index, objects.size());
-    id const removed = std::exchange(objects[index], id());
-    objects.erase(objects.begin() + index);
+    id removed;
+    changeAt(*this, NSKeyValueChangeRemoval, {index, 1}, [&](std::vector<id>& objects) {
+        requireIndex(index, objects.size());
+        removed = std::exchange(objects[index], id());
+        objects.erase(objects.begin() + index);
+    });
 }
 
 void NSMutableArray::removeLastObject() const {
     if (*this == nil) return;
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    if (objects.empty()) throw NSRangeException("There is no last object to remove from an empty array");
-    id const removed = std::exchange(objects.back(), id());
-    objects.pop_back();
+    if (count() == 0) throw NSRangeException("There is no last object to remove from an empty array");
+    removeObjectAtIndex_(count() - 1);
+}
+
+void NSMutableArray::removeObjectsInRange_(NSRange range) const {
+    if (*this == nil) return;
+    if (range.location > count() || range.length > count() - range.location)
+        raiseRange(std::size_t{range.location} + range.length, count());
+    removeObjectsAtIndexes_(NSIndexSet::indexSetWithIndexesInRange_(range));
+}
+
+void NSMutableArray::removeObjectsAtIndexes_(NSIndexSet const& indexes) const {
+    if (*this == nil || indexes.count() == 0) return;
+    // Kept until the array is whole again.
+    std::vector<id> old;
+    change(*this, NSKeyValueChangeRemoval, indexes, [&](std::vector<id>& objects) {
+        requireIndexes(indexes, objects.size());
+        std::vector<id> rest;
+        rest.reserve(objects.size() - indexes.count());
+        std::size_t start = 0;
+        for (NSRange const range : indexes.ranges()) {
+            rest.insert(rest.end(), objects.begin() + static_cast<std::ptrdiff_t>(start),
+                        objects.begin() + range.location);
+            start = std::size_t{range.location} + range.length;
+        }
+        rest.insert(rest.end(), objects.begin() + static_cast<std::ptrdiff_t>(start), objects.end());
+        objects.swap(rest);
+        old.swap(rest);
+    });
 }
 
 void NSMutableArray::removeObject_(id const& object) const {
@@ -136,18 +257,21 @@ void NSMutableArray::removeObjectsInArray_(NSArray const& other) const {
 }
 
 void NSMutableArray::removeAllObjects() const {
-    if (*this != nil) bodyOf(*this)->replaceObjects({});
+    if (*this != nil) replaceAll(*this, {});
 }
 
 void NSMutableArray::exchangeObjectAtIndex_withObjectAtIndex_(NSUInteger first, NSUInteger second) const {
     if (*this == nil) return;
-    std::vector<id>& objects = bodyOf(*this)->m_objects;
-    requireIndex(std::max(first, second), objects.size());
-    std::swap(objects[first], objects[second]);
+    NSMutableIndexSet const indexes = NSMutableIndexSet::indexSetWithIndex_(first);
+    indexes.addIndex_(second);
+    change(*this, NSKeyValueChangeReplacement, indexes, [&](std::vector<id>& objects) {
+        requireIndexes(indexes, objects.size());
+        std::swap(objects[first], objects[second]);
+    });
 }
 
 void NSMutableArray::setArray_(NSArray const& other) const {
-    if (*this != nil) bodyOf(*this)->replaceObjects(std::vector<id>(other.begin(), other.end()));
+    if (*this != nil) replaceAll(*this, copied(other.objects()));
 }
 
 } // namespace mac

@@ -2,6 +2,8 @@
 #include "platform/foundation/Associations.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSString.h"
 
 namespace mac {
@@ -119,6 +121,25 @@ ClassDescription NSObject::describeClass() {
                 {"description", [](id const& receiver, std::span<id const>) -> id { return receiver.description(); }},
                 {"copy", [](id const& receiver, std::span<id const>) { return receiver.copy(); }},
                 {"mutableCopy", [](id const& receiver, std::span<id const>) { return receiver.mutableCopy(); }},
+                method<&id::valueForKey_>("valueForKey:"),
+                method<&id::setValue_forKey_>("setValue:forKey:"),
+                method<&id::valueForKeyPath_>("valueForKeyPath:"),
+                method<&id::setValue_forKeyPath_>("setValue:forKeyPath:"),
+                method<&id::valueForUndefinedKey_>("valueForUndefinedKey:"),
+                method<&id::setValue_forUndefinedKey_>("setValue:forUndefinedKey:"),
+                method<&id::setNilValueForKey_>("setNilValueForKey:"),
+                method<&id::dictionaryWithValuesForKeys_>("dictionaryWithValuesForKeys:"),
+                method<&id::setValuesForKeysWithDictionary_>("setValuesForKeysWithDictionary:"),
+                method<&id::mutableArrayValueForKey_>("mutableArrayValueForKey:"),
+                method<&id::mutableArrayValueForKeyPath_>("mutableArrayValueForKeyPath:"),
+                method<&id::addObserver_forKeyPath_options_context_>("addObserver:forKeyPath:options:context:"),
+                method<&id::removeObserver_forKeyPath_>("removeObserver:forKeyPath:"),
+                method<&id::willChangeValueForKey_>("willChangeValueForKey:"),
+                method<&id::didChangeValueForKey_>("didChangeValueForKey:"),
+                method<&id::willChange_valuesAtIndexes_forKey_>("willChange:valuesAtIndexes:forKey:"),
+                method<&id::didChange_valuesAtIndexes_forKey_>("didChange:valuesAtIndexes:forKey:"),
+                method<&id::observeValueForKeyPath_ofObject_change_context_>(
+                    "observeValueForKeyPath:ofObject:change:context:"),
             },
     };
 }

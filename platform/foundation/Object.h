@@ -10,6 +10,10 @@
 
 namespace mac {
 
+class NSArray;
+class NSIndexSet;
+class NSMutableArray;
+
 // Any object, or nil. A handle is one counted pointer: passing it on shares the object, and a message to nil answers
 // nil, 0, NO or an empty value. A handle may be used from any thread; the object behind it only where its class says
 // so.
@@ -67,6 +71,18 @@ public:
     void setValue_forKey_(id const& value, NSString const& key) const;
     id valueForKeyPath_(NSString const& keyPath) const;
     void setValue_forKeyPath_(id const& value, NSString const& keyPath) const;
+    // What the messages above end in for a key that the class does not know, and for nil set on a scalar.
+    id valueForUndefinedKey_(NSString const& key) const;
+    void setValue_forUndefinedKey_(id const& value, NSString const& key) const;
+    void setNilValueForKey_(NSString const& key) const;
+    // The null object stands for nil in the dictionary, both ways.
+    NSDictionary dictionaryWithValuesForKeys_(NSArray const& keys) const;
+    void setValuesForKeysWithDictionary_(NSDictionary const& values) const;
+    // An array that stands for the one under the key, also for one that is set later: each change of it sets a changed
+    // copy under the key, and observers of the key are told which indexes were inserted, removed or replaced. Nil
+    // counts as empty; a value that is no array raises NSInvalidArgumentException on use. The array keeps the receiver.
+    NSMutableArray mutableArrayValueForKey_(NSString const& key) const;
+    NSMutableArray mutableArrayValueForKeyPath_(NSString const& keyPath) const;
 
     // Key-value observing: see KeyValueObserving.h.
     void addObserver_forKeyPath_options_context_(id const& observer, NSString const& keyPath, NSUInteger options,
@@ -74,6 +90,10 @@ public:
     void removeObserver_forKeyPath_(id const& observer, NSString const& keyPath) const;
     void willChangeValueForKey_(NSString const& key) const;
     void didChangeValueForKey_(NSString const& key) const;
+    void willChange_valuesAtIndexes_forKey_(NSUInteger kind, NSIndexSet const& indexes, NSString const& key) const;
+    void didChange_valuesAtIndexes_forKey_(NSUInteger kind, NSIndexSet const& indexes, NSString const& key) const;
+    void observeValueForKeyPath_ofObject_change_context_(NSString const& keyPath, id const& object,
+                                                         NSDictionary const& change, void* context) const;
 
     // For implementations: the body, not retained, null for nil; and a handle that takes a reference of its own.
     ObjectBody* body() const { return m_body; }

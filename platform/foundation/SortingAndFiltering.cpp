@@ -1,3 +1,4 @@
+#include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSSet.h"
@@ -32,9 +33,6 @@ std::vector<id> passing(std::span<id const> objects, NSPredicate const& predicat
                          [&](id const& object) { return predicate.evaluateWithObject_(object); });
     return result;
 }
-
-// A copy to work on: a getter or a comparison may change the collection.
-std::vector<id> copied(std::span<id const> objects) { return {objects.begin(), objects.end()}; }
 
 } // namespace
 

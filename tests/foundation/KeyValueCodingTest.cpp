@@ -108,6 +108,49 @@ TEST(KeyValueCoding, NamesClassAndKeyWhenItRaises) {
     }
 }
 
+TEST(KeyValueCoding, ReadsAndSetsManyKeysWithNullForNil) {
+    Parcel const parcel = Parcel::parcelWithName_("a");
+    parcel.setWeight_(3);
+    NSDictionary const values = parcel.dictionaryWithValuesForKeys_(words({"name", "weight", "next"}));
+    EXPECT_EQ(values.count(), 3U);
+    EXPECT_EQ(text(values.objectForKey_("weight")), "3");
+    EXPECT_TRUE(isSame(values.objectForKey_("next"), NSNull::null()));
+    Parcel const other = chain(2);
+    other.setValuesForKeysWithDictionary_(values);
+    EXPECT_EQ(text(other.name()), "a");
+    EXPECT_EQ(other.weight(), 3);
+    EXPECT_TRUE(other.next() == nil);
+    EXPECT_THROW(parcel.dictionaryWithValuesForKeys_(words({"colour"})), NSUndefinedKeyException);
+    EXPECT_THROW(other.setValuesForKeysWithDictionary_(NSDictionary::dictionaryWithObject_forKey_("x", "colour")),
+                 NSUndefinedKeyException);
+    EXPECT_THROW(
+        other.setValuesForKeysWithDictionary_(NSDictionary::dictionaryWithObject_forKey_(NSNull::null(), "weight")),
+        NSInvalidArgumentException);
+    EXPECT_EQ(parcel.dictionaryWithValuesForKeys_(nil).count(), 0U);
+    parcel.setValuesForKeysWithDictionary_(nil);
+    EXPECT_TRUE(id().dictionaryWithValuesForKeys_(words({"name"})) == nil);
+    id().setValuesForKeysWithDictionary_(values);
+}
+
+TEST(KeyValueCoding, EndsInMessagesThatRaise) {
+    Parcel const parcel = Parcel::parcelWithName_("a");
+    EXPECT_THROW(parcel.valueForUndefinedKey_("name"), NSUndefinedKeyException);
+    EXPECT_THROW(parcel.setValue_forUndefinedKey_("b", "name"), NSUndefinedKeyException);
+    EXPECT_THROW(parcel.setNilValueForKey_("name"), NSInvalidArgumentException);
+    EXPECT_TRUE(id().valueForUndefinedKey_("name") == nil);
+    id().setValue_forUndefinedKey_("b", "name");
+    id().setNilValueForKey_("name");
+    EXPECT_EQ(text(parcel.name()), "a");
+}
+
+TEST(KeyValueCoding, IsThereAsMessages) {
+    id const parcel = Parcel::parcelWithName_("a");
+    parcel.performSelector_withObject_withObject_("setValue:forKey:", "b", "name");
+    EXPECT_EQ(text(parcel.performSelector_withObject_("valueForKey:", "name")), "b");
+    EXPECT_EQ(text(parcel.performSelector_withObject_("valueForKeyPath:", "name")), "b");
+    EXPECT_TRUE(parcel.respondsToSelector_("observeValueForKeyPath:ofObject:change:context:"));
+}
+
 TEST(KeyValueCoding, ToNilDoesNothing) {
     id const none;
     EXPECT_TRUE(none.valueForKey_("no such key") == nil);

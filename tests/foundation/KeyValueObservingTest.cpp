@@ -189,8 +189,23 @@ TEST(KeyValueObserving, WithoutObserverOrPathIsNone) {
     parcel.setName_("b");
 }
 
+TEST(KeyValueObserving, SaysWhichObserverIsNotThere) {
+    Parcel const parcel = Parcel::parcelWithName_("a");
+    Recorder const recorder = Recorder::recorder();
+    std::string reason;
+    try {
+        parcel.removeObserver_forKeyPath_(recorder, "name.length");
+    } catch (NSRangeException const& exception) {
+        reason = exception.reason();
+    }
+    EXPECT_TRUE(reason.starts_with("Cannot remove an observer <Recorder 0x")) << reason;
+    EXPECT_NE(reason.find("> for the key path \"name.length\" from <Parcel 0x"), std::string::npos) << reason;
+    EXPECT_TRUE(reason.ends_with("> because it is not registered as an observer.")) << reason;
+}
+
 TEST(KeyValueObserving, OfCollectionsRaises) {
     Recorder const recorder = Recorder::recorder();
+    EXPECT_THROW(NSArray::array().removeObserver_forKeyPath_(recorder, "name"), NSInvalidArgumentException);
     EXPECT_THROW(recorder.observe(NSMutableArray::array(), "@count"), NSInvalidArgumentException);
     EXPECT_THROW(recorder.observe(NSMutableSet::set(), "@count"), NSInvalidArgumentException);
 }
