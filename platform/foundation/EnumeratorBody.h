@@ -1,22 +1,21 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSEnumerator.h"
+#include <functional>
 
 namespace mac {
 
-// Where an enumerator is in an array; others derive from it and give something
-// else.
+// What gives an enumerator's objects one by one: a function, or a subclass that overrides next.
 class NSEnumerator::Body : public ObjectBody {
 public:
-    Body(NSArray const& array, bool isReverse);
+    Body() = default;
+    explicit Body(std::function<id()> next) : m_next(std::move(next)) {}
 
-    virtual id next();
+    // Nil at the end, for good.
+    virtual id next() { return m_next ? m_next() : id(); }
 
 private:
-    NSArray m_array;
-    NSUInteger m_count;
-    NSUInteger m_given{0};
-    bool m_isReverse;
+    std::function<id()> const m_next;
 };
 
 } // namespace mac

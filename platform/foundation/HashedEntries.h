@@ -31,6 +31,8 @@ public:
     };
 
     std::size_t count() const { return m_count; }
+    // Grows whenever an entry comes or goes.
+    std::uint32_t changes() const { return m_changes; }
     // With the places of removed entries among them.
     std::vector<Entry> const& entries() const { return m_entries; }
 
@@ -55,6 +57,7 @@ public:
         m_entries.push_back(std::move(entry));
         place(m_entries.back().hash, m_entries.size() - 1);
         ++m_count;
+        ++m_changes;
     }
 
     void remove(id const& key) {
@@ -64,12 +67,14 @@ public:
         id const keptKey = std::exchange(entry.key, id());
         id const keptValue = std::exchange(entry.value, id());
         --m_count;
+        ++m_changes;
         if (m_count * 2 < m_entries.size()) rebuild(m_entries.size());
     }
 
     void clear() {
         HashedEntries dropped;
         std::swap(*this, dropped);
+        m_changes = dropped.m_changes + 1;
     }
 
     // A table of the entries alone, without the places of removed ones.
@@ -125,6 +130,7 @@ private:
     std::vector<std::uint32_t> m_slots;
     std::size_t m_mask{0};
     std::size_t m_count{0};
+    std::uint32_t m_changes{0};
 };
 
 } // namespace mac

@@ -174,10 +174,6 @@ NSArray NSDictionary::allKeysForObject_(id const& object) const {
     return NSArray::arrayWithVector(std::move(keys));
 }
 
-NSEnumerator NSDictionary::keyEnumerator() const { return allKeys().objectEnumerator(); }
-
-NSEnumerator NSDictionary::objectEnumerator() const { return allValues().objectEnumerator(); }
-
 bool NSDictionary::isEqualToDictionary_(NSDictionary const& other) const { return isEqual_(other); }
 
 ClassDescription NSMutableDictionary::describeClass() {

@@ -9,10 +9,7 @@ namespace mac {
 
 class NSDirectoryEnumerator::Body : public NSEnumerator::Body {
 public:
-    Body(std::string path, std::vector<std::string> names)
-        : NSEnumerator::Body(NSArray::array(), false), m_path(std::move(path)) {
-        enter({}, std::move(names));
-    }
+    Body(std::string path, std::vector<std::string> names) : m_path(std::move(path)) { enter({}, std::move(names)); }
 
     id next() override {
         descend();

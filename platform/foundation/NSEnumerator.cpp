@@ -1,21 +1,46 @@
 #include "platform/foundation/NSEnumerator.h"
+#include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/EnumeratorBody.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
-#include <algorithm>
 
 namespace mac {
 
-NSEnumerator::Body::Body(NSArray const& array, bool isReverse)
-    : m_array(array), m_count(array.count()), m_isReverse(isReverse) {}
+namespace {
 
-id NSEnumerator::Body::next() {
-    if (m_array.count() != m_count) throw NSGenericException("A collection was changed while it was enumerated");
-    if (m_given == m_count) return nil;
-    NSUInteger const index = m_isReverse ? m_count - 1 - m_given : m_given;
-    ++m_given;
-    return m_array.objectAtIndex_(index);
+// Raises when a member of the collection came or went.
+void requireUnchanged(bool isUnchanged, id const& collection) {
+    if (isUnchanged) return;
+    throw NSGenericException("The collection of class " + std::string(collection.class_().name()) +
+                             " was mutated while being enumerated.");
 }
+
+NSEnumerator enumeratorOfArray(NSArray const& array, bool isReverse) {
+    if (array == nil) return nil;
+    return adopt<NSEnumerator>([array, isReverse, changes = bodyOf(array)->m_changes, count = array.count(),
+                                given = NSUInteger{0}]() mutable -> id {
+        std::span<id const> const objects = array.objects();
+        requireUnchanged(bodyOf(array)->m_changes == changes && objects.size() == count, array);
+        if (given == count) return nil;
+        ++given;
+        return objects[isReverse ? count - given : given - 1];
+    });
+}
+
+// Removed entries keep their places until the table is made anew, and that is a change.
+NSEnumerator enumeratorOfEntries(id const& collection, HashedEntries const& entries, id HashedEntries::Entry::*part) {
+    return adopt<NSEnumerator>(
+        [collection, &entries, part, changes = entries.changes(), place = std::size_t{0}]() mutable -> id {
+            requireUnchanged(entries.changes() == changes, collection);
+            while (place < entries.entries().size()) {
+                HashedEntries::Entry const& entry = entries.entries()[place++];
+                if (entry.key != nil) return entry.*part;
+            }
+            return nil;
+        });
+}
+
+} // namespace
 
 ClassDescription NSEnumerator::describeClass() {
     return {
@@ -39,12 +64,23 @@ NSArray NSEnumerator::allObjects() const {
     return NSArray::arrayWithVector(std::move(rest));
 }
 
-NSEnumerator NSArray::objectEnumerator() const {
-    return *this == nil ? NSEnumerator() : adopt<NSEnumerator>(*this, false);
+NSEnumerator NSArray::objectEnumerator() const { return enumeratorOfArray(*this, false); }
+
+NSEnumerator NSArray::reverseObjectEnumerator() const { return enumeratorOfArray(*this, true); }
+
+NSEnumerator NSSet::objectEnumerator() const {
+    if (*this == nil) return nil;
+    return enumeratorOfEntries(*this, bodyOf(*this)->m_entries, &HashedEntries::Entry::key);
 }
 
-NSEnumerator NSArray::reverseObjectEnumerator() const {
-    return *this == nil ? NSEnumerator() : adopt<NSEnumerator>(*this, true);
+NSEnumerator NSDictionary::keyEnumerator() const {
+    if (*this == nil) return nil;
+    return enumeratorOfEntries(*this, bodyOf(*this)->m_entries, &HashedEntries::Entry::key);
+}
+
+NSEnumerator NSDictionary::objectEnumerator() const {
+    if (*this == nil) return nil;
+    return enumeratorOfEntries(*this, bodyOf(*this)->m_entries, &HashedEntries::Entry::value);
 }
 
 } // namespace mac

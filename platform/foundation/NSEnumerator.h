@@ -4,8 +4,6 @@
 
 namespace mac {
 
-class NSArray;
-
 // Gives the members of a collection one by one and keeps the collection alive. One thread at a time.
 class NSEnumerator : public Handle<NSEnumerator, NSObject> {
 public:
@@ -14,8 +12,8 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil when all have been given. Of a set or a dictionary these are the members it had when the enumerator was made;
-    // an array that has another count than then raises NSGenericException.
+    // Nil when all have been given. Once a member came to the collection or left it, this raises NSGenericException;
+    // one that took another's place is given.
     id nextObject() const;
     // Those not given yet.
     NSArray allObjects() const;

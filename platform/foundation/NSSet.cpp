@@ -150,8 +150,6 @@ NSArray NSSet::allObjects() const {
     return *this == nil ? NSArray() : NSArray::arrayWithVector(keysOf(bodyOf(*this)->m_entries));
 }
 
-NSEnumerator NSSet::objectEnumerator() const { return allObjects().objectEnumerator(); }
-
 bool NSSet::isEqualToSet_(NSSet const& other) const { return isEqual_(other); }
 
 bool NSSet::isSubsetOfSet_(NSSet const& other) const {

@@ -54,22 +54,52 @@ TEST(NSEnumerator, GivesAnObjectThatWasReplacedMeanwhile) {
     EXPECT_TRUE(enumerator.allObjects().isEqual_(words({"a", "x"})));
 }
 
-TEST(NSEnumerator, OfASetGivesTheMembersItHadThen) {
-    NSMutableSet const set = NSMutableSet::setWithArray_(words({"a", "b"}));
-    NSEnumerator const enumerator = set.objectEnumerator();
-    set.removeObject_(enumerator.nextObject());
-    set.addObject_("c");
-    EXPECT_EQ(text(enumerator.nextObject()), "b");
-    EXPECT_TRUE(enumerator.nextObject() == nil);
+TEST(NSEnumerator, RaisesWhenAMemberOfItsArrayMadeRoomForAnother) {
+    NSMutableArray const array = NSMutableArray::arrayWithObjects_({"a", "b"});
+    NSEnumerator const enumerator = array.reverseObjectEnumerator();
+    array.removeLastObject();
+    array.addObject_("c");
+    EXPECT_THROW(enumerator.nextObject(), NSGenericException);
 }
 
-TEST(NSEnumerator, OfADictionaryGivesTheKeysItHadThen) {
+TEST(NSEnumerator, RaisesWhenItsSetChanged) {
+    NSMutableSet const set = NSMutableSet::setWithArray_(words({"a", "b"}));
+    NSEnumerator const enumerator = set.objectEnumerator();
+    set.addObject_("b");
+    EXPECT_EQ(text(enumerator.nextObject()), "a");
+    set.removeObject_("a");
+    EXPECT_THROW(enumerator.nextObject(), NSGenericException);
+    EXPECT_THROW(enumerator.allObjects(), NSGenericException);
+    NSEnumerator const other = set.objectEnumerator();
+    set.removeAllObjects();
+    EXPECT_THROW(other.nextObject(), NSGenericException);
+}
+
+TEST(NSEnumerator, RaisesWhenItsDictionaryHasOtherKeys) {
     NSMutableDictionary const dictionary = NSMutableDictionary::dictionary();
     dictionary.setObject_forKey_("1", "a");
-    NSEnumerator const enumerator = dictionary.keyEnumerator();
-    dictionary.removeAllObjects();
-    EXPECT_EQ(text(enumerator.nextObject()), "a");
-    EXPECT_TRUE(enumerator.nextObject() == nil);
+    NSEnumerator const keys = dictionary.keyEnumerator();
+    NSEnumerator const values = dictionary.objectEnumerator();
+    dictionary.setObject_forKey_("2", "a");
+    EXPECT_EQ(text(keys.nextObject()), "a");
+    EXPECT_EQ(text(values.nextObject()), "2");
+    dictionary.setObject_forKey_("3", "b");
+    EXPECT_THROW(keys.nextObject(), NSGenericException);
+    EXPECT_THROW(values.nextObject(), NSGenericException);
+}
+
+TEST(NSEnumerator, PassesPlacesThatWereGivenUpBefore) {
+    NSMutableSet const set = NSMutableSet::setWithArray_(words({"a", "b", "c", "d"}));
+    set.removeObject_("a");
+    set.removeObject_("d");
+    EXPECT_TRUE(set.objectEnumerator().allObjects().isEqual_(words({"b", "c"})));
+}
+
+TEST(NSEnumerator, KeepsSetsAndDictionariesAlive) {
+    NSEnumerator const members = NSSet::setWithObject_("a").objectEnumerator();
+    NSEnumerator const keys = NSDictionary::dictionaryWithObject_forKey_("1", "b").keyEnumerator();
+    EXPECT_EQ(text(members.nextObject()), "a");
+    EXPECT_EQ(text(keys.nextObject()), "b");
 }
 
 TEST(NSEnumerator, UnderstandsMessagesByName) {
@@ -82,6 +112,11 @@ TEST(NSEnumerator, NilGivesNothing) {
     NSEnumerator const none;
     EXPECT_TRUE(none.nextObject() == nil);
     EXPECT_TRUE(none.allObjects() == nil);
+    EXPECT_TRUE(NSArray().objectEnumerator() == nil);
+    EXPECT_TRUE(NSArray().reverseObjectEnumerator() == nil);
+    EXPECT_TRUE(NSSet().objectEnumerator() == nil);
+    EXPECT_TRUE(NSDictionary().keyEnumerator() == nil);
+    EXPECT_TRUE(NSDictionary().objectEnumerator() == nil);
 }
 
 } // namespace mac::test
