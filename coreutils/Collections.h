@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSEnumerator.h"
+#include "platform/foundation/NSIndexSet.h"
+#include "platform/foundation/NSNull.h"
+#include "platform/foundation/NSSet.h"
+
+namespace mac {
+
+// Further messages of collections, and of any object for key-value coding and observing. All work on the caller's
+// thread and nothing may change the receiver meanwhile. A nil receiver answers nil and does nothing. Errors are the
+// framework's exceptions, unchanged: NSRangeException for an index outside, NSUndefinedKeyException for an unknown key,
+// NSInvalidArgumentException for a message that a member does not understand.
+
+// The members' unsigned-integer values; of a string, the number it begins with, else 0. A value of NSNotFound or more,
+// such as that of -1, raises NSRangeException.
+NSIndexSet pxIndexSetWithNumbers(NSArray receiver);
+NSIndexSet pxIndexSetWithNumbers(NSSet receiver);
+// Of the objects not given yet.
+NSIndexSet pxIndexSetWithNumbers(NSEnumerator receiver);
+// The indexes as numbers, ascending.
+NSArray pxArrayWithIndexes(NSIndexSet receiver);
+
+// Each element's stringValue, in order.
+NSArray pxStringValues(NSArray receiver);
+// A new array of the elements of the element arrays, in order, duplicates kept.
+NSMutableArray pxFlattenedMutableArrayOfArrays(NSArray receiver);
+// A new set of the members of the element sets.
+NSMutableSet pxFlattenedMutableSetOfSets(NSArray receiver);
+// The argument takes the receiver's members; the receiver stays as it is, whatever the name says.
+void pxUnionWithSet_(NSSet receiver, NSMutableSet set);
+// A new dictionary an element, with the element's values for the keys; a key without a value is absent.
+NSMutableArray pxMutableArrayWithTrimmedObjectsForKeys_(NSArray receiver, NSArray keys);
+// A new dictionary with the source's values for the keys; a key without a value is absent.
+NSMutableDictionary pxDictionaryWithDictionary_forKeys_(NSDictionary source, NSArray keys);
+// The name where no element equals it; else the first of "NAME 1", "NAME 2", ... that none equals.
+NSString pxUniqueCopyNameForName_(NSArray receiver, NSString name);
+// None: enumerating the null object gives nothing.
+NSEnumerator objectEnumerator(NSNull receiver);
+
+// The element goes to in front of the one that is at the index now, as a dragged row does; the count stands for the
+// end.
+void pxMoveObjectAtIndex_toIndex_(NSMutableArray receiver, NSUInteger from, NSUInteger to);
+// The elements at the indexes, in their order, go to in front of the first element that equals the one at the index
+// now; to the end where there is none at it. Where that one is itself moved and has no equal that stays,
+// NSRangeException is raised, and the elements are gone from the array.
+void pxMoveObjectsAtIndexes_toIndex_(NSMutableArray receiver, NSIndexSet indexes, NSUInteger to);
+
+// Set the source's value under the same key on the receiver. A nil value removes the key of a mutable dictionary.
+void pxSetValueFrom_forKey_(id receiver, id source, NSString key);
+void pxSetValuesFrom_forKeys_(id receiver, id source, NSArray keys);
+void pxSetValuesFrom_(id receiver, NSDictionary source);
+
+// Follows the path's components; an array answers with its element at the component's integer value (0 where it is no
+// number), without a check of the index, anything else with its value for the key. A nil on the way answers nil, and so
+// does a nil path.
+id pxValueForKeyPath_(id receiver, NSString keyPath);
+// Sets the value for the path's last component on what the others lead to; a nil there does nothing. A mutable array
+// takes the component's integer value as an index: nil removes the element there, an index that is negative or not
+// below the count appends, else the element is replaced. Of a path of one component the empty key leads to its object.
+void pxSetValue_forKeyPath_(id receiver, id value, NSString keyPath);
+
+// Observing. The receiver is always the observer, the object the observed; it gets the context with each notification,
+// unchanged. A collection is anything that answers objectEnumerator; nil and the null object have no members. Stopping
+// what was not started raises NSRangeException.
+void pxStartObserving_forKeyPath_options_context_(id receiver, id object, NSString keyPath, NSUInteger options,
+                                                  void* context);
+void pxStopObserving_forKeyPath_(id receiver, id object, NSString keyPath);
+void pxStartObserving_forKeyPaths_options_context_(id receiver, id object, NSArray keyPaths, NSUInteger options,
+                                                   void* context);
+void pxStopObserving_forKeyPaths_(id receiver, id object, NSArray keyPaths);
+void pxStartObservingAllObjectsOf_forKeyPath_options_context_(id receiver, id collection, NSString keyPath,
+                                                              NSUInteger options, void* context);
+void pxStopObservingAllObjectsOf_forKeyPath_(id receiver, id collection, NSString keyPath);
+void pxStartObservingAllObjectsOf_forKeyPaths_options_context_(id receiver, id collection, NSArray keyPaths,
+                                                               NSUInteger options, void* context);
+void pxStopObservingAllObjectsOf_forKeyPaths_(id receiver, id collection, NSArray keyPaths);
+// Of a collection of dictionaries, each with the keys that it has at the time of the call: stopping covers the keys
+// that are there then, not those that were at the start.
+void pxStartObservingAllKeysOfAllObjectsOf_options_context_(id receiver, id collection, NSUInteger options,
+                                                            void* context);
+void pxStopObservingAllKeysOfAllObjectsOf_(id receiver, id collection);
+
+} // namespace mac
