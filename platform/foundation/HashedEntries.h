@@ -19,8 +19,8 @@ inline std::uint64_t combineHashes(std::uint64_t seed, std::uint64_t hash) {
 }
 
 // The table behind sets and dictionaries: entries in the order of their insertion, found by the key's hash and
-// equality. What it drops is released only when the table is whole again, since a dying object may look at the
-// collection it was in.
+// equality. Few of them, as in a record, are looked through, which costs less memory and time than slots. What it drops
+// is released only when the table is whole again, since a dying object may look at the collection it was in.
 class HashedEntries {
 public:
     struct Entry {
@@ -55,7 +55,7 @@ public:
     void append(Entry entry) {
         reserve(m_entries.size() + 1);
         m_entries.push_back(std::move(entry));
-        place(m_entries.back().hash, m_entries.size() - 1);
+        if (!m_slots.empty()) place(m_entries.back().hash, m_entries.size() - 1);
         ++m_count;
         ++m_changes;
     }
@@ -89,20 +89,33 @@ public:
     }
 
     void reserve(std::size_t count) {
-        if (count * 2 > m_slots.size()) rebuild(std::max<std::size_t>(count, 4) * 2);
+        if (count > MostWithoutSlots && count * 2 > m_slots.size()) rebuild(count * 2);
     }
 
 private:
     static constexpr std::uint32_t Free = 0xFFFFFFFF;
+    static constexpr std::size_t MostWithoutSlots = 8;
 
-    // At most half of the slots are taken, so that there is a free one to end at.
+    static bool isFor(Entry const& entry, id const& key, std::uint64_t hash) {
+        return entry.hash == hash && entry.key != nil && (isSame(entry.key, key) || entry.key.isEqual_(key));
+    }
+
     Entry const* find(id const& key, std::uint64_t hash) const {
+        if (m_slots.empty()) return findWithoutSlots(key, hash);
+        // At most half of the slots are taken, so that there is a free one to end at.
         for (std::size_t slot = hash & m_mask;; slot = (slot + 1) & m_mask) {
             if (m_slots[slot] == Free) return nullptr;
             Entry const& entry = m_entries[m_slots[slot]];
-            if (entry.hash == hash && entry.key != nil && (isSame(entry.key, key) || entry.key.isEqual_(key)))
-                return &entry;
+            if (isFor(entry, key, hash)) return &entry;
         }
+    }
+
+    Entry const* findWithoutSlots(id const& key, std::uint64_t hash) const {
+        // By index, since a comparison may change the table.
+        for (std::size_t index = 0; index < m_entries.size(); ++index) {
+            if (isFor(m_entries[index], key, hash)) return &m_entries[index];
+        }
+        return nullptr;
     }
 
     std::size_t indexOf(Entry const* entry) const { return static_cast<std::size_t>(entry - m_entries.data()); }
@@ -115,11 +128,16 @@ private:
     }
 
     void rebuild(std::size_t room) {
+        auto const isGone = [](Entry const& entry) { return entry.key == nil; };
+        if (room <= MostWithoutSlots && m_slots.empty()) {
+            std::erase_if(m_entries, isGone);
+            return;
+        }
         std::size_t count = 8;
         while (count < room * 2)
             count *= 2;
         std::vector<std::uint32_t> slots(count, Free);
-        std::erase_if(m_entries, [](Entry const& entry) { return entry.key == nil; });
+        std::erase_if(m_entries, isGone);
         m_slots.swap(slots);
         m_mask = count - 1;
         for (std::size_t index = 0; index < m_entries.size(); ++index)

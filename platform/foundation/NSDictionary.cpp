@@ -76,8 +76,8 @@ id NSDictionary::Body::mutableCopy() const { return copyOf<NSMutableDictionary>(
 
 id NSDictionary::Body::valueForKey(NSString const& key) {
     // "@count" asks the dictionary itself, as any other object.
-    if (key.length() > 1 && key.characterAtIndex_(0) == u'@')
-        return ObjectBody::valueForKey(key.substringFromIndex_(1));
+    std::u16string_view const units = key.codeUnits();
+    if (units.size() > 1 && units.front() == u'@') return ObjectBody::valueForKey(key.substringFromIndex_(1));
     HashedEntries::Entry const* const entry = m_entries.find(key);
     return entry ? entry->value : id();
 }

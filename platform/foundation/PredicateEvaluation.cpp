@@ -14,10 +14,16 @@ namespace mac {
 
 namespace {
 
-// The null object stands for nil.
-id normalized(id const& value) { return isSame(value, NSNull::null()) ? id() : value; }
+// The null object stands for nil. Neither this nor what follows makes handles where none are needed: their counting is
+// what a simple comparison would spend its time on.
+id const& normalized(id const& value) {
+    static ObjectBody const* const null = NSNull::null().body();
+    static id const none;
+    return value.body() == null ? none : value;
+}
 
-id valueOf(PredicateExpression const& expression, id const& object) {
+// The value, which may be kept in the room that is given.
+id const& valueOf(PredicateExpression const& expression, id const& object, id& room) {
     using Kind = PredicateExpression::Kind;
     switch (expression.kind) {
     case Kind::Constant:
@@ -25,17 +31,18 @@ id valueOf(PredicateExpression const& expression, id const& object) {
     case Kind::Self:
         return object;
     case Kind::KeyPath:
-        return expression.isPlainKey ? object.valueForKey_(expression.keyPath)
-                                     : object.valueForKeyPath_(expression.keyPath);
+        return room = expression.isPlainKey ? object.valueForKey_(expression.keyPath)
+                                            : object.valueForKeyPath_(expression.keyPath);
     case Kind::Aggregate:
         break;
     }
     std::vector<id> values;
     for (PredicateExpression const& member : expression.members) {
-        id value = valueOf(member, object);
-        values.push_back(value == nil ? id(NSNull::null()) : std::move(value));
+        id value;
+        id const& found = valueOf(member, object, value);
+        values.push_back(found == nil ? id(NSNull::null()) : found);
     }
-    return NSArray::arrayWithVector(std::move(values));
+    return room = NSArray::arrayWithVector(std::move(values));
 }
 
 // The members of an array or set, the values of a dictionary; nothing for any other object.
@@ -155,8 +162,10 @@ bool compare(PredicateNode const& node, id const& left, id const& right) {
 }
 
 bool evaluateComparison(PredicateNode const& node, id const& object) {
-    id const left = normalized(valueOf(node.left, object));
-    id const right = normalized(valueOf(node.right, object));
+    id leftRoom;
+    id rightRoom;
+    id const& left = normalized(valueOf(node.left, object, leftRoom));
+    id const& right = normalized(valueOf(node.right, object, rightRoom));
     if (node.modifier == PredicateModifier::Direct) return compare(node, left, right);
     std::optional<NSArray> const members = membersOf(left);
     // A missing collection has no members.

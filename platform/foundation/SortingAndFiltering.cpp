@@ -1,4 +1,5 @@
 #include "platform/foundation/CollectionBodies.h"
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSSet.h"
@@ -27,10 +28,23 @@ NSArray sorted(std::vector<id> const& objects, NSArray const& descriptors, Read 
     return NSArray::arrayWithVector(std::move(result));
 }
 
-std::vector<id> passing(std::span<id const> objects, NSPredicate const& predicate) {
+// In place and without a copy, which would take longer than a simple test of each object.
+std::vector<id> passing(NSArray const& array, NSPredicate const& predicate) {
     std::vector<id> result;
-    std::ranges::copy_if(objects, std::back_inserter(result),
-                         [&](id const& object) { return predicate.evaluateWithObject_(object); });
+    if (!array.isKindOfClass_(classOf<NSMutableArray>())) {
+        std::ranges::copy_if(array.objects(), std::back_inserter(result),
+                             [&](id const& object) { return predicate.evaluateWithObject_(object); });
+        return result;
+    }
+    std::uint32_t const changes = bodyOf(array)->m_changes;
+    NSUInteger const count = array.count();
+    for (NSUInteger index = 0; index < count; ++index) {
+        // Kept, since a getter may replace it.
+        id const object = array.objects()[index];
+        if (predicate.evaluateWithObject_(object)) result.push_back(object);
+        if (bodyOf(array)->m_changes != changes || array.count() != count)
+            throw NSGenericException("An array was mutated while it was filtered.");
+    }
     return result;
 }
 
@@ -55,7 +69,8 @@ NSArray NSArray::sortedArrayUsingSelector_(SEL comparator) const {
 
 NSArray NSArray::filteredArrayUsingPredicate_(NSPredicate const& predicate) const {
     if (*this == nil) return nil;
-    return NSArray::arrayWithVector(passing(copied(objects()), predicate));
+    NSArray const kept = *this;
+    return NSArray::arrayWithVector(passing(kept, predicate));
 }
 
 void NSMutableArray::sortUsingDescriptors_(NSArray const& descriptors) const {

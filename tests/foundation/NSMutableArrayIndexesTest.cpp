@@ -1,5 +1,6 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSIndexSet.h"
+#include "platform/foundation/NSPredicate.h"
 #include "tests/foundation/Parcel.h"
 #include <gtest/gtest.h>
 
@@ -91,6 +92,30 @@ TEST(NSMutableArrayIndexes, IsWholeWhenWhatItDropsIsDestroyed) {
     parcel = nil;
     array.removeObjectsAtIndexes_(at({0}));
     EXPECT_EQ(countThen, 1U);
+}
+
+TEST(NSMutableArrayFiltering, RaisesWhenAComparisonChangesTheArray) {
+    NSMutableArray const array = NSMutableArray::array();
+    Peg const peg = Peg::pegWithNumber_hash_(1, 1);
+    bodyOf(peg)->m_whenCompared = [&] { array.removeAllObjects(); };
+    array.addObject_(peg);
+    array.addObject_("a");
+    NSPredicate const isOther = NSPredicate::predicateWithFormat_("SELF == %@", Peg::pegWithNumber_hash_(2, 1));
+    EXPECT_THROW(array.filteredArrayUsingPredicate_(isOther), NSGenericException);
+    EXPECT_EQ(array.count(), 0U);
+}
+
+TEST(NSMutableArrayFiltering, AnswersAnObjectThatItsComparisonReplaced) {
+    NSMutableArray const array = NSMutableArray::arrayWithObjects_({"a"});
+    Peg peg = Peg::pegWithNumber_hash_(1, 1);
+    bodyOf(peg)->m_whenCompared = [&] { array.replaceObjectAtIndex_withObject_(0, "b"); };
+    array.setArray_(NSArray::arrayWithObject_(peg));
+    peg = nil;
+    NSPredicate const isEqual = NSPredicate::predicateWithFormat_("SELF == %@", Peg::pegWithNumber_hash_(1, 1));
+    NSArray const found = array.filteredArrayUsingPredicate_(isEqual);
+    ASSERT_EQ(found.count(), 1U);
+    EXPECT_TRUE(as<Peg>(found.lastObject()) != nil);
+    EXPECT_EQ(joined(array), "b");
 }
 
 TEST(NSMutableArrayIndexes, NilDoesNothing) {
