@@ -3,6 +3,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/Object.h"
 #include <array>
+#include <bit>
 
 namespace mac {
 
@@ -28,8 +29,7 @@ Plain<T> fromObject(id const& object) {
         return static_cast<Value>(as<NSNumber>(object).doubleValue());
     // A context, which is passed through and never looked at, travels as its number.
     else if constexpr (std::is_same_v<Value, void*>)
-        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(
-            as<NSNumber>(object).unsignedLongLongValue())); // NOLINT(performance-no-int-to-ptr)
+        return std::bit_cast<void*>(static_cast<std::uintptr_t>(as<NSNumber>(object).unsignedLongLongValue()));
     else {
         static_assert(std::is_integral_v<Value> || std::is_enum_v<Value>, "a message carries objects and numbers");
         return static_cast<Value>(as<NSNumber>(object).longLongValue());

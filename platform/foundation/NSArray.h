@@ -46,6 +46,7 @@ public:
     bool isEqualToArray_(NSArray const& other) const;
     NSEnumerator objectEnumerator() const;
     NSEnumerator reverseObjectEnumerator() const;
+    // An array that changes meanwhile raises NSGenericException.
     NSArray filteredArrayUsingPredicate_(NSPredicate const& predicate) const;
     // Stable. Each key is read once an object.
     NSArray sortedArrayUsingDescriptors_(NSArray const& descriptors) const;

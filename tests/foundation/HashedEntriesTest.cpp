@@ -2,6 +2,8 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/Parcel.h"
 #include <gtest/gtest.h>
+#include <map>
+#include <random>
 
 namespace mac::test {
 
@@ -37,6 +39,31 @@ TEST(HashedEntries, SaysWhetherAKeyIsNew) {
     EXPECT_EQ(entries.count(), 0U);
     EXPECT_TRUE(entries.find("a") == nullptr);
     EXPECT_TRUE(entries.set("a", "three"));
+}
+
+TEST(HashedEntries, FewStayRightThroughManyChanges) {
+    std::mt19937 random(3);
+    HashedEntries entries;
+    std::map<int, int> plain;
+    for (int step = 0; step < 4000; ++step) {
+        int const key = static_cast<int>(random() % 12);
+        if (random() % 2 == 0) {
+            entries.set(number(key), number(step));
+            plain[key] = step;
+        } else {
+            entries.remove(number(key));
+            plain.erase(key);
+        }
+        ASSERT_EQ(entries.count(), plain.size());
+        for (int asked = 0; asked < 12; ++asked) {
+            HashedEntries::Entry const* const entry = entries.find(number(asked));
+            ASSERT_EQ(entry != nullptr, plain.contains(asked));
+            if (entry) ASSERT_TRUE(entry->value.isEqual_(number(plain[asked])));
+        }
+        if (step % 500 != 0) continue;
+        entries.clear();
+        plain.clear();
+    }
 }
 
 TEST(HashedEntries, TakesAKeyAndAValueThatItHolds) {
