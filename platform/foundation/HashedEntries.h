@@ -112,10 +112,10 @@ private:
 
     Entry const* findWithoutSlots(id const& key, std::uint64_t hash) const {
         // By index, since a comparison may change the table.
-        for (std::size_t index = 0; index < m_entries.size(); ++index) {
-            if (isFor(m_entries[index], key, hash)) return &m_entries[index];
-        }
-        return nullptr;
+        std::size_t index = 0;
+        while (index < m_entries.size() && !isFor(m_entries[index], key, hash))
+            ++index;
+        return index < m_entries.size() ? &m_entries[index] : nullptr;
     }
 
     std::size_t indexOf(Entry const* entry) const { return static_cast<std::size_t>(entry - m_entries.data()); }
