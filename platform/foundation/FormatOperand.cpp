@@ -63,7 +63,7 @@ bool FormatOperand::isNullPointer() const {
 
 std::u16string FormatOperand::text() const {
     if (isNilObject() || isNullPointer()) return u"(null)";
-    if (auto const* const number = std::get_if<double>(&m_value)) return unitsFromASCII(shortestText(*number));
+    if (auto const* const number = std::get_if<double>(&m_value)) return unitsFromASCII(generalText(*number));
     if (auto const* const number = std::get_if<Integer>(&m_value)) return decimalText(*number);
     if (std::holds_alternative<void const*>(m_value)) return hexadecimalText(address());
     NSString const description = object().description();

@@ -119,7 +119,7 @@ std::uint64_t NSNumber::Body::hash() const {
 NSString NSNumber::Body::description() const {
     std::string text;
     if (m_kind == Kind::Real)
-        text = m_isFloat ? shortestText(static_cast<float>(m_real)) : shortestText(m_real);
+        text = m_isFloat ? generalText(static_cast<float>(m_real)) : generalText(m_real);
     else
         text =
             m_kind == Kind::Unsigned ? std::to_string(m_integer) : std::to_string(static_cast<std::int64_t>(m_integer));

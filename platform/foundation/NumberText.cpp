@@ -3,19 +3,26 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
 
 namespace mac {
 
 namespace {
 
-template <class Real>
-std::string shortestTextOf(Real value) {
+std::string textWithDigits(double value, int digits) {
+    if (std::isnan(value)) return "nan";
+    std::array<char, 64> text;
+    std::to_chars_result const result =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits);
+    return {text.data(), result.ptr};
+}
+
+} // namespace
+
+std::string shortestText(double value) {
     if (std::isnan(value)) return "nan";
     if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
-    constexpr Real firstWithExponent = std::numeric_limits<Real>::max_digits10 == 17 ? Real(1e17) : Real(1e9);
-    Real const magnitude = std::abs(value);
-    bool const isPlain = magnitude == 0 || (magnitude >= Real(1e-4) && magnitude < firstWithExponent);
+    double const magnitude = std::abs(value);
+    bool const isPlain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e17);
     std::array<char, 64> text;
     std::to_chars_result const result =
         std::to_chars(text.data(), text.data() + text.size(), value,
@@ -23,9 +30,7 @@ std::string shortestTextOf(Real value) {
     return {text.data(), result.ptr};
 }
 
-} // namespace
-
-std::string shortestText(double value) { return shortestTextOf(value); }
-std::string shortestText(float value) { return shortestTextOf(value); }
+std::string generalText(double value) { return textWithDigits(value, 16); }
+std::string generalText(float value) { return textWithDigits(value, 7); }
 
 } // namespace mac

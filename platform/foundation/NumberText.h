@@ -4,9 +4,12 @@
 
 namespace mac {
 
-// The fewest digits that read back as the same number, in C's %g style with an exponent below 0.0001 and from 1e17 on
-// (1e9 for a float): "0.1", "1", "1e+20", "nan", "-inf". No locale. For implementations.
+// A real as the framework writes it where no format says more: %.16g for a double and %.7g for a float, so that 0.1 is
+// "0.1"; "nan", "inf" and "-inf". No locale. For implementations.
+std::string generalText(double value);
+std::string generalText(float value);
+
+// The fewest digits that read back as the same number, with an exponent below 0.0001 and from 1e17 on.
 std::string shortestText(double value);
-std::string shortestText(float value);
 
 } // namespace mac

@@ -151,8 +151,12 @@ std::string textOfNumber(NSNumber const& number) {
     double const value = number.doubleValue();
     if (std::isnan(value)) return "nan";
     if (std::isinf(value)) return value < 0 ? "-infinity" : "+infinity";
+    if (value == 0 && !std::signbit(value)) return "0.0";
+    // As the Mac's files have it: digits enough for any double to be read back, so that 0.1 is 0.10000000000000001.
+    constexpr int digits = 17;
     std::array<char, 32> buffer{};
-    auto const [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    auto const [end, error] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::general, digits);
     return {buffer.data(), end};
 }
 

@@ -139,7 +139,9 @@ TEST(NSNumber, DescribesItself) {
              NumberText{real(-1.5), "-1.5"},
              NumberText{real(1.0 / 3), "0.3333333333333333"},
              NumberText{real(1e15), "1000000000000000"},
-             NumberText{real(1e17), "1e+17"},
+             NumberText{real(1e16), "1e+16"},
+             NumberText{real(0.1 + 0.2), "0.3"},
+             NumberText{real(5e-324), "4.940656458412465e-324"},
              NumberText{real(1e300), "1e+300"},
              NumberText{real(0.0001), "0.0001"},
              NumberText{real(0.00001), "1e-05"},
@@ -147,7 +149,10 @@ TEST(NSNumber, DescribesItself) {
              NumberText{real(Infinity), "inf"},
              NumberText{real(-Infinity), "-inf"},
              NumberText{real(NoNumber), "nan"},
+             NumberText{real(-NoNumber), "nan"},
              NumberText{NSNumber::numberWithFloat_(0.1F), "0.1"},
+             NumberText{NSNumber::numberWithFloat_(1.0F / 3), "0.3333333"},
+             NumberText{NSNumber::numberWithFloat_(16777216.0F), "1.677722e+07"},
              NumberText{NSNumber::numberWithFloat_(3.4e38F), "3.4e+38"},
          }) {
         EXPECT_EQ(row.text, row.number.description().UTF8String());

@@ -107,6 +107,20 @@ TEST(PropertyListWriting, NumbersAtTheEndsOfTheirRangesSurvive) {
         EXPECT_EQ(dump(readList(writeList(list, format).bytes).list), dump(list));
 }
 
+TEST(PropertyListWriting, XMLHasRealsAsTheMacWritesThem) {
+    struct Row {
+        double value;
+        std::string_view text;
+    };
+    for (Row const& row :
+         {Row{0, "<real>0.0</real>"}, Row{1, "<real>1</real>"}, Row{0.1, "<real>0.10000000000000001</real>"},
+          Row{-2.5, "<real>-2.5</real>"}, Row{1e21, "<real>1e+21</real>"},
+          Row{std::numeric_limits<double>::infinity(), "<real>+infinity</real>"}}) {
+        Writing const writing = writeList(NSNumber::numberWithDouble_(row.value), NSPropertyListXMLFormat_v1_0);
+        EXPECT_NE(std::string::npos, writing.bytes.find(row.text)) << writing.bytes;
+    }
+}
+
 TEST(PropertyListWriting, EveryCarriageReturnSurvives) {
     NSString const string = "a\r\nb\rc\n\td ";
     for (auto const format : kFormats)
