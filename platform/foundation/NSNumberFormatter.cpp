@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NumberPattern.h"
+#include "platform/foundation/NumberText.h"
 #include "platform/foundation/StringBody.h"
 #include <QLocale>
 #include <charconv>
@@ -186,7 +187,8 @@ NSString NSNumberFormatter::stringFromNumber_(NSNumber const& number) const {
     double const value = number.doubleValue();
     if (std::isnan(value)) return body.m_notANumberSymbol;
     if (std::isinf(value)) return value < 0 ? "-∞" : "+∞";
-    std::string text = number.stringValue().UTF8String();
+    // The fewest digits: 9.95 is a tie, though the double lies below it.
+    std::string text = number.kind() == NSNumber::Kind::Real ? shortestText(value) : number.stringValue().UTF8String();
     bool const isNegative = text.starts_with('-') && value != 0;
     text.erase(0, text.starts_with('-') ? 1 : 0);
     NSString const forZero = body.m_zero == nil ? body.m_positive : body.m_zero;
