@@ -10,11 +10,11 @@ struct CloseConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
 };
 
-UpperHalf macOSRomanFromICU() {
+UpperHalf tableFromICU(char const* name) {
     UpperHalf table;
     table.fill(u'\uFFFD');
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UConverter, CloseConverter> const converter(ucnv_open("macintosh", &status));
+    std::unique_ptr<UConverter, CloseConverter> const converter(ucnv_open(name, &status));
     if (U_FAILURE(status)) return table;
     for (std::size_t index = 0; index < table.size(); ++index) {
         char const byte = static_cast<char>(0x80 + index);
@@ -42,11 +42,21 @@ constexpr UpperHalf NEXTSTEP{
 
 } // namespace
 
+UpperHalf const& upperHalfOfISOLatin2() {
+    static UpperHalf const table = tableFromICU("ISO-8859-2");
+    return table;
+}
+
 UpperHalf const& upperHalfOfMacOSRoman() {
-    static UpperHalf const table = macOSRomanFromICU();
+    static UpperHalf const table = tableFromICU("macintosh");
     return table;
 }
 
 UpperHalf const& upperHalfOfNEXTSTEP() { return NEXTSTEP; }
+
+UpperHalf const& upperHalfOfWindowsCP1252() {
+    static UpperHalf const table = tableFromICU("windows-1252");
+    return table;
+}
 
 } // namespace mac

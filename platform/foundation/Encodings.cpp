@@ -3,15 +3,12 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/StringBody.h"
 #include <algorithm>
-#include <cstring>
 
 namespace mac {
 
 namespace {
 
 constexpr std::string_view ByteOrderMarkUTF8 = "\xEF\xBB\xBF";
-constexpr char16_t ByteOrderMark = 0xFEFF;
-constexpr char16_t SwappedByteOrderMark = 0xFFFE;
 
 bool isASCII(std::string_view bytes) {
     return std::ranges::all_of(bytes, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
@@ -56,25 +53,6 @@ std::u16string unitsFromLatin1(std::string_view bytes) {
     return units;
 }
 
-std::optional<std::u16string> unitsFromUTF16(std::string_view bytes) {
-    if (bytes.size() % sizeof(char16_t) != 0) return std::nullopt;
-    std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
-    std::memcpy(units.data(), bytes.data(), bytes.size());
-    if (units.starts_with(SwappedByteOrderMark))
-        std::ranges::transform(units, units.begin(),
-                               [](char16_t unit) { return static_cast<char16_t>(unit << 8 | unit >> 8); });
-    if (units.starts_with(ByteOrderMark)) units.erase(0, 1);
-    return units;
-}
-
-std::string utf16FromUnits(std::u16string_view units) {
-    std::u16string text(1, ByteOrderMark);
-    text.append(units);
-    std::string bytes(text.size() * sizeof(char16_t), '\0');
-    std::memcpy(bytes.data(), text.data(), bytes.size());
-    return bytes;
-}
-
 bool hasLoneSurrogate(std::u16string_view units) {
     for (std::size_t index = 0; index < units.size(); ++index) {
         bool const isPair =
@@ -99,12 +77,15 @@ std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEnc
         return unitsFromUTF8(bytes.substr(bytes.starts_with(ByteOrderMarkUTF8) ? ByteOrderMarkUTF8.size() : 0));
     case NSISOLatin1StringEncoding:
         return unitsFromLatin1(bytes);
-    case NSUnicodeStringEncoding:
-        return unitsFromUTF16(bytes);
+    case NSISOLatin2StringEncoding:
+        return unitsFromTable(bytes, upperHalfOfISOLatin2());
+    case NSWindowsCP1252StringEncoding:
+        return unitsFromTable(bytes, upperHalfOfWindowsCP1252());
     case NSMacOSRomanStringEncoding:
         return unitsFromTable(bytes, upperHalfOfMacOSRoman());
+    default:
+        return unitsFromWideBytes(bytes, encoding);
     }
-    return std::nullopt;
 }
 
 std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding) {
@@ -117,12 +98,15 @@ std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEnc
         return hasLoneSurrogate(units) ? std::nullopt : std::optional(utf8FromUnits(units));
     case NSISOLatin1StringEncoding:
         return bytesBelow(units, 0x100);
-    case NSUnicodeStringEncoding:
-        return utf16FromUnits(units);
+    case NSISOLatin2StringEncoding:
+        return bytesFromTable(units, upperHalfOfISOLatin2());
+    case NSWindowsCP1252StringEncoding:
+        return bytesFromTable(units, upperHalfOfWindowsCP1252());
     case NSMacOSRomanStringEncoding:
         return bytesFromTable(units, upperHalfOfMacOSRoman());
+    default:
+        return wideBytesFromUnits(units, encoding);
     }
-    return std::nullopt;
 }
 
 NSString NSString::stringWithData_encoding_(NSData const& data, NSStringEncoding encoding) {
@@ -137,6 +121,17 @@ NSData NSString::dataUsingEncoding_(NSStringEncoding encoding) const {
     if (*this == nil) return nil;
     std::optional<std::string> const bytes = bytesFromUnits(codeUnits(), encoding);
     return bytes ? NSData::dataWithBytes(std::as_bytes(std::span(*bytes))) : NSData(nil);
+}
+
+NSData NSString::dataUsingEncoding_allowLossyConversion_(NSStringEncoding encoding, BOOL isLossy) const {
+    NSData const exact = dataUsingEncoding_(encoding);
+    if (*this == nil || exact != nil || !isLossy) return exact;
+    std::optional<std::string> const bytes = bytesFromUnitsWithLoss(codeUnits(), encoding);
+    return bytes ? NSData::dataWithBytes(std::as_bytes(std::span(*bytes))) : NSData(nil);
+}
+
+bool NSString::canBeConvertedToEncoding_(NSStringEncoding encoding) const {
+    return *this != nil && bytesFromUnits(codeUnits(), encoding).has_value();
 }
 
 } // namespace mac

@@ -21,10 +21,16 @@ std::u16string unitsFromFileSystemBytes(std::string_view bytes);
 std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units);
 
 // The bytes as text of the encoding, and back; nothing for what one of them cannot hold and for an unknown encoding.
-// UTF-16 is read in the order of its byte order mark, else of the machine, and written with one in the order of the
-// machine.
 std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEncoding encoding);
 std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding);
+// The same, with what cannot be held replaced: without its marks, else by what looks like it, else by a question mark.
+// Nothing for an unknown encoding alone.
+std::optional<std::string> bytesFromUnitsWithLoss(std::u16string_view units, NSStringEncoding encoding);
+
+// UTF-16 and UTF-32: those without an order in their name are read in that of their byte order mark, else of the
+// machine, and written with one in the order of the machine.
+std::optional<std::u16string> unitsFromWideBytes(std::string_view bytes, NSStringEncoding encoding);
+std::optional<std::string> wideBytesFromUnits(std::u16string_view units, NSStringEncoding encoding);
 
 // The code point at the index; a lone surrogate stands for itself. Appending is the way back.
 char32_t codePointAt(std::u16string_view units, std::size_t index);

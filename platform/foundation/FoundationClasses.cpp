@@ -16,6 +16,7 @@
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSScanner.h"
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "platform/foundation/NSTimer.h"
@@ -38,7 +39,7 @@ void registerFoundationClasses() {
                 NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray, NSMutableCharacterSet,
                 NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification,
                 NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate,
-                NSPropertyListSerialization, NSRunLoop, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
+                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
                 NSValueTransformer>();
 }
 

@@ -88,6 +88,23 @@ ClassDescription NSString::describeClass() {
         method<&NSString::stringByTrimmingCharactersInSet_>("stringByTrimmingCharactersInSet:"),
         method<&NSString::lowercaseString>("lowercaseString"),
         method<&NSString::uppercaseString>("uppercaseString"),
+        method<&NSString::capitalizedString>("capitalizedString"),
+        method<&NSString::localizedCompare_>("localizedCompare:"),
+        method<&NSString::localizedCaseInsensitiveCompare_>("localizedCaseInsensitiveCompare:"),
+        method<&NSString::commonPrefixWithString_options_>("commonPrefixWithString:options:"),
+        method<&NSString::componentsSeparatedByCharactersInSet_>("componentsSeparatedByCharactersInSet:"),
+        method<&NSString::stringByPaddingToLength_withString_startingAtIndex_>(
+            "stringByPaddingToLength:withString:startingAtIndex:"),
+        method<&NSString::stringByReplacingOccurrencesOfString_withString_>(
+            "stringByReplacingOccurrencesOfString:withString:"),
+        method<&NSString::decomposedStringWithCanonicalMapping>("decomposedStringWithCanonicalMapping"),
+        method<&NSString::precomposedStringWithCanonicalMapping>("precomposedStringWithCanonicalMapping"),
+        method<&NSString::decomposedStringWithCompatibilityMapping>("decomposedStringWithCompatibilityMapping"),
+        method<&NSString::precomposedStringWithCompatibilityMapping>("precomposedStringWithCompatibilityMapping"),
+        method<&NSString::canBeConvertedToEncoding_>("canBeConvertedToEncoding:"),
+        method<&NSString::stringByAddingPercentEscapesUsingEncoding_>("stringByAddingPercentEscapesUsingEncoding:"),
+        method<&NSString::stringByReplacingPercentEscapesUsingEncoding_>(
+            "stringByReplacingPercentEscapesUsingEncoding:"),
         method<&NSString::intValue>("intValue"),
         method<&NSString::integerValue>("integerValue"),
         method<&NSString::longLongValue>("longLongValue"),
@@ -128,6 +145,11 @@ NSString NSString::stringWithFileSystemRepresentation_(std::string_view bytes) {
 }
 
 NSString NSString::stringWithCodeUnits(std::u16string_view units) { return makeString(std::u16string(units)); }
+
+NSString NSString::stringWithCharacters_length_(unichar const* characters, NSUInteger length) {
+    if (!characters && length > 0) throw NSInvalidArgumentException("stringWithCharacters:length: nil argument");
+    return makeString(std::u16string(characters, length));
+}
 
 NSString NSString::stringWithString_(NSString const& other) {
     if (other == nil) throw NSInvalidArgumentException("stringWithString: nil argument");
@@ -187,6 +209,28 @@ NSString NSString::substringWithRange_(NSRange range) const {
     if (*this == nil) return nil;
     checkRange(range, units.size(), "substringWithRange:");
     return stringWithCodeUnits(units.substr(range.location, range.length));
+}
+
+void NSString::getCharacters_(unichar* buffer) const { getCharacters_range_(buffer, {0, length()}); }
+
+void NSString::getCharacters_range_(unichar* buffer, NSRange range) const {
+    if (*this == nil) return;
+    checkRange(range, codeUnits().size(), "getCharacters:range:");
+    std::ranges::copy(codeUnits().substr(range.location, range.length), buffer);
+}
+
+NSString NSString::stringByPaddingToLength_withString_startingAtIndex_(NSUInteger length, NSString const& padding,
+                                                                       NSUInteger index) const {
+    if (*this == nil) return nil;
+    std::u16string units(codeUnits().substr(0, length));
+    if (units.size() == length) return makeString(std::move(units));
+    std::u16string_view const pad = padding.codeUnits();
+    if (pad.empty()) throw NSInvalidArgumentException("stringByPaddingToLength:withString:startingAtIndex: no padding");
+    checkRange({index, 1}, pad.size(), "stringByPaddingToLength:withString:startingAtIndex:");
+    units.reserve(length);
+    for (std::size_t next = index; units.size() < length; next = (next + 1) % pad.size())
+        units.push_back(pad[next]);
+    return makeString(std::move(units));
 }
 
 NSString NSString::stringByAppendingString_(NSString const& other) const {

@@ -1,6 +1,7 @@
 #include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextFolding.h"
 #include <algorithm>
+#include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
 namespace mac {
@@ -35,7 +36,57 @@ NSString withCase(std::u16string_view text, UnitMapping const& ofASCII, CaseMapp
     return makeString(std::move(result));
 }
 
+// What stands inside of a word without being a letter: apostrophes and marks.
+bool goesOnWithWord(char32_t character) {
+    if (character == U'.' || character == U':') return false;
+    return u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_CASE_IGNORABLE) != 0;
+}
+
+bool isLetter(char32_t character) {
+    auto const point = static_cast<UChar32>(character);
+    return u_isalpha(point) != 0 || (U_GET_GC_MASK(point) & U_GC_M_MASK) != 0;
+}
+
+// As the first of a word: one capital, what follows from it in small letters.
+std::u16string capitalized(std::u16string_view character) {
+    auto const point = static_cast<UChar32>(codePointAt(character, 0));
+    if (u_totitle(point) != u_toupper(point)) {
+        std::u16string title;
+        appendCodePoint(title, static_cast<char32_t>(u_totitle(point)));
+        return title;
+    }
+    std::u16string const upper = mapped(character, &u_strToUpper);
+    std::size_t const first = unitCount(codePointAt(upper, 0));
+    return upper.substr(0, first) + mapped(upper.substr(first), &u_strToLower);
+}
+
+std::u16string withCapitals(std::u16string_view text) {
+    std::u16string result;
+    result.reserve(text.size());
+    for (std::size_t index = 0; index < text.size();) {
+        std::size_t const first = unitCount(codePointAt(text, index));
+        if (!isLetter(codePointAt(text, index))) {
+            result.append(text.substr(index, first));
+            index += first;
+            continue;
+        }
+        std::size_t end = index + first;
+        while (end < text.size() && (isLetter(codePointAt(text, end)) || goesOnWithWord(codePointAt(text, end))))
+            end += unitCount(codePointAt(text, end));
+        result.append(capitalized(text.substr(index, first)));
+        // The whole word, since the last sigma of one is another.
+        std::u16string const small = mapped(text.substr(index, end - index), &u_strToLower);
+        result.append(small.substr(mapped(text.substr(index, first), &u_strToLower).size()));
+        index = end;
+    }
+    return result;
+}
+
 } // namespace
+
+NSString NSString::capitalizedString() const {
+    return *this == nil ? NSString(nil) : makeString(withCapitals(codeUnits()));
+}
 
 NSString NSString::lowercaseString() const {
     return *this == nil ? NSString(nil) : withCase(codeUnits(), lowercaseASCII, &u_strToLower);

@@ -55,6 +55,10 @@ NSRange NSString::rangeOfCharacterFromSet_(NSCharacterSet const& set) const {
     return rangeOfCharacterFromSet_options_range_(set, 0, {0, length()});
 }
 
+NSRange NSString::rangeOfCharacterFromSet_options_(NSCharacterSet const& set, NSUInteger options) const {
+    return rangeOfCharacterFromSet_options_range_(set, options, {0, length()});
+}
+
 NSRange NSString::rangeOfCharacterFromSet_options_range_(NSCharacterSet const& set, NSUInteger options,
                                                          NSRange range) const {
     if (*this == nil) return {};
@@ -63,6 +67,25 @@ NSRange NSString::rangeOfCharacterFromSet_options_range_(NSCharacterSet const& s
     NSRange const found = findMember(codeUnits().substr(range.location, range.length), set, options);
     if (found.location == NSNotFound) return found;
     return {range.location + found.location, found.length};
+}
+
+NSArray NSString::componentsSeparatedByCharactersInSet_(NSCharacterSet const& set) const {
+    if (*this == nil) return nil;
+    requireArgument(set, "componentsSeparatedByCharactersInSet:");
+    std::vector<id> components;
+    std::u16string_view rest = codeUnits();
+    for (std::size_t end = 0; end < rest.size();) {
+        std::size_t const length = unitsOfFirst(rest.substr(end));
+        if (!beginsWithMember(rest.substr(end), set)) {
+            end += length;
+            continue;
+        }
+        components.push_back(stringWithCodeUnits(rest.substr(0, end)));
+        rest.remove_prefix(end + length);
+        end = 0;
+    }
+    components.push_back(stringWithCodeUnits(rest));
+    return NSArray::arrayWithVector(std::move(components));
 }
 
 NSString NSString::stringByTrimmingCharactersInSet_(NSCharacterSet const& set) const {

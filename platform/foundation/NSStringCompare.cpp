@@ -1,8 +1,12 @@
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextFolding.h"
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <span>
+#include <unicode/ucol.h>
 
 namespace mac {
 
@@ -108,18 +112,7 @@ NSComparisonResult compareFast(std::u16string_view first, std::u16string_view se
     return compareWhole(first.substr(lastPlain), second.substr(lastPlain), folding);
 }
 
-} // namespace
-
-NSComparisonResult NSString::compare_(NSString const& other) const { return compare_options_(other, 0); }
-
-NSComparisonResult NSString::caseInsensitiveCompare_(NSString const& other) const {
-    return compare_options_(other, NSCaseInsensitiveSearch);
-}
-
-NSComparisonResult NSString::compare_options_(NSString const& other, NSUInteger options) const {
-    if (*this == nil) return NSOrderedSame;
-    std::u16string_view const first = codeUnits();
-    std::u16string_view const second = other.codeUnits();
+NSComparisonResult compareTexts(std::u16string_view first, std::u16string_view second, NSUInteger options) {
     TextFolding const folding = foldingOf(options);
     bool const isNumeric = (options & NSNumericSearch) != 0;
     bool const isUsual = folding.isCanonical && !folding.isDiacriticInsensitive && !folding.isWidthInsensitive;
@@ -132,6 +125,77 @@ NSComparisonResult NSString::compare_options_(NSString const& other, NSUInteger 
         order = compareWhole(first, second, folding, isNumeric);
     if (order == NSOrderedSame && (options & NSForcedOrderingSearch) != 0) return compareLiteral(first, second);
     return order;
+}
+
+struct CloseCollator {
+    void operator()(UCollator* collator) const { ucol_close(collator); }
+};
+
+// Made for each comparison rather than kept: the user's language may change, and one collator is for one thread.
+NSComparisonResult compareByLanguage(std::u16string_view first, std::u16string_view second,
+                                     UCollationStrength strength) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<UCollator, CloseCollator> const collator(ucol_open(nullptr, &status));
+    if (U_FAILURE(status)) return compareTexts(first, second, 0);
+    ucol_setStrength(collator.get(), strength);
+    ucol_setAttribute(collator.get(), UCOL_NORMALIZATION_MODE, UCOL_ON, &status);
+    UCollationResult const result = ucol_strcoll(collator.get(), first.data(), static_cast<std::int32_t>(first.size()),
+                                                 second.data(), static_cast<std::int32_t>(second.size()));
+    if (result == UCOL_EQUAL) return NSOrderedSame;
+    return result == UCOL_LESS ? NSOrderedAscending : NSOrderedDescending;
+}
+
+// Whether the character at the index, in code units, begins with nothing of the character before it.
+bool isBoundary(std::vector<FoldedCharacter> const& characters, std::size_t index, TextFolding const& folding) {
+    if (index == 0 || index == characters.size()) return true;
+    bool const isApart = characters[index].start >= characters[index - 1].end;
+    return isApart && (!folding.isCanonical || !isCombining(characters[index].codePoint));
+}
+
+// How many code units of the first text are equal to a beginning of the second, in whole characters of both.
+std::size_t commonLength(std::u16string_view first, std::u16string_view second, TextFolding const& folding) {
+    std::vector<FoldedCharacter> const one = foldedText(first, folding);
+    std::vector<FoldedCharacter> const other = foldedText(second, folding);
+    auto const isSame = [](FoldedCharacter const& left, FoldedCharacter const& right) {
+        return left.codePoint == right.codePoint;
+    };
+    auto count = static_cast<std::size_t>(std::ranges::mismatch(one, other, isSame).in1 - one.begin());
+    while (!isBoundary(one, count, folding) || !isBoundary(other, count, folding))
+        --count;
+    return count < one.size() ? one[count].start : first.size();
+}
+
+} // namespace
+
+NSComparisonResult NSString::compare_(NSString const& other) const { return compare_options_(other, 0); }
+
+NSComparisonResult NSString::caseInsensitiveCompare_(NSString const& other) const {
+    return compare_options_(other, NSCaseInsensitiveSearch);
+}
+
+NSComparisonResult NSString::compare_options_(NSString const& other, NSUInteger options) const {
+    return compare_options_range_(other, options, {0, length()});
+}
+
+NSComparisonResult NSString::compare_options_range_(NSString const& other, NSUInteger options, NSRange range) const {
+    if (*this == nil) return NSOrderedSame;
+    checkRange(range, codeUnits().size(), "compare:options:range:");
+    return compareTexts(codeUnits().substr(range.location, range.length), other.codeUnits(), options);
+}
+
+NSComparisonResult NSString::localizedCompare_(NSString const& other) const {
+    return *this == nil ? NSOrderedSame : compareByLanguage(codeUnits(), other.codeUnits(), UCOL_TERTIARY);
+}
+
+NSComparisonResult NSString::localizedCaseInsensitiveCompare_(NSString const& other) const {
+    return *this == nil ? NSOrderedSame : compareByLanguage(codeUnits(), other.codeUnits(), UCOL_SECONDARY);
+}
+
+NSString NSString::commonPrefixWithString_options_(NSString const& other, NSUInteger options) const {
+    if (*this == nil) return nil;
+    if (other == nil) throw NSInvalidArgumentException("commonPrefixWithString:options: nil argument");
+    TextFolding const folding = foldingOf(options & (NSCaseInsensitiveSearch | NSLiteralSearch));
+    return stringWithCodeUnits(codeUnits().substr(0, commonLength(codeUnits(), other.codeUnits(), folding)));
 }
 
 } // namespace mac

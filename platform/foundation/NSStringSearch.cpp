@@ -3,6 +3,7 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/foundation/TextSearch.h"
 #include "platform/foundation/UnitSearch.h"
 #include <algorithm>
 #include <functional>
@@ -13,10 +14,7 @@ namespace {
 
 using Characters = std::vector<FoldedCharacter>;
 
-struct Match {
-    std::size_t start;
-    std::size_t end;
-};
+using Match = TextPlace;
 
 enum class Direction { Forwards, Backwards };
 
@@ -87,6 +85,22 @@ public:
             (direction == Direction::Backwards ? match->end != m_text.size() : match->start != 0))
             return std::nullopt;
         return match;
+    }
+
+    // Forwards or backwards, without overlaps.
+    std::vector<Match> findAll(Direction direction) const {
+        std::vector<Match> matches;
+        if (m_sought.empty() || m_sought.size() > m_characters.size()) return matches;
+        std::size_t const count = m_characters.size() - m_sought.size() + 1;
+        bool const isBackwards = direction == Direction::Backwards;
+        for (std::size_t step = 0; step < count; ++step) {
+            std::optional<Match> const match = matchAt(isBackwards ? count - 1 - step : step);
+            if (!match) continue;
+            bool const overlaps =
+                !matches.empty() && match->start < matches.back().end && match->end > matches.back().start;
+            if (!overlaps) matches.push_back(*match);
+        }
+        return matches;
     }
 
 private:
@@ -172,6 +186,25 @@ std::optional<Match> findText(std::u16string_view text, std::u16string_view soug
     return FoldedSearch(text, sought, folding).find(direction, isAnchored);
 }
 
+std::vector<Match> findAllUnits(std::u16string_view text, std::u16string_view sought) {
+    std::vector<Match> matches;
+    UnitSearch(sought).forEachIn(text, [&](std::size_t place) { matches.push_back({place, place + sought.size()}); });
+    return matches;
+}
+
+// One after the other, each in what the one before has left.
+std::vector<Match> findEach(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
+    std::vector<Match> matches;
+    Match rest{0, text.size()};
+    while (std::optional<Match> const match =
+               findText(text.substr(rest.start, rest.end - rest.start), sought, options)) {
+        matches.push_back({rest.start + match->start, rest.start + match->end});
+        bool const isBackwards = (options & NSBackwardsSearch) != 0;
+        rest = isBackwards ? Match{rest.start, matches.back().start} : Match{matches.back().end, rest.end};
+    }
+    return matches;
+}
+
 void requireArgument(id const& argument, char const* message) {
     if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
 }
@@ -179,6 +212,18 @@ void requireArgument(id const& argument, char const* message) {
 NSRange wholeRange(NSString const& string) { return {0, string.length()}; }
 
 } // namespace
+
+std::vector<TextPlace> placesOfText(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
+    if (text.empty() || sought.empty()) return {};
+    if ((options & NSAnchoredSearch) != 0) return findEach(text, sought, options);
+    TextFolding const folding = foldingOf(options);
+    bool const isPlain = !folding.isCaseInsensitive && !folding.isDiacriticInsensitive && !folding.isWidthInsensitive;
+    bool const isByUnit = isPlain && (!folding.isCanonical || (isSimple(text) && isSimple(sought)));
+    bool const isBackwards = (options & NSBackwardsSearch) != 0;
+    if (isByUnit && !isBackwards) return findAllUnits(text, sought);
+    if (isByUnit) return findEach(text, sought, options);
+    return FoldedSearch(text, sought, folding).findAll(isBackwards ? Direction::Backwards : Direction::Forwards);
+}
 
 bool NSString::hasPrefix_(NSString const& prefix) const {
     if (*this == nil) return false;

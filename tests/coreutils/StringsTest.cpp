@@ -183,9 +183,10 @@ TEST(PxChecksum, WrapsAt32Bits) {
     std::vector<std::byte> const ones(std::size_t{600} << 10, std::byte{0xFF});
     EXPECT_EQ(pxChecksum(NSData::dataWithBytes(ones)), checksumStepByStep(ones));
     // 65,537 words of all ones make the largest sum that does not wrap, and one more wraps.
-    std::span<std::byte const> const wrapping(ones.data(), 2 * 65538);
+    constexpr std::size_t largest = std::size_t{2} * 65537;
+    std::span<std::byte const> const wrapping(ones.data(), largest + 2);
     EXPECT_EQ(pxChecksum(NSData::dataWithBytes(wrapping)), checksumStepByStep(wrapping));
-    EXPECT_EQ(pxChecksum(NSData::dataWithBytes(wrapping.first(2 * 65537))), 0x0001);
+    EXPECT_EQ(pxChecksum(NSData::dataWithBytes(wrapping.first(largest))), 0x0001);
 }
 
 TEST(PxChecksum, FollowsTheStepsForEveryLengthAndAlignment) {

@@ -85,6 +85,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
                               "NSPredicate",
                               "NSPropertyListSerialization",
                               "NSRunLoop",
+                              "NSScanner",
                               "NSSet",
                               "NSSortDescriptor",
                               "NSString",

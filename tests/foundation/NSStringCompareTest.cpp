@@ -1,3 +1,4 @@
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSString.h"
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -136,6 +137,59 @@ TEST(NSStringCompare, TakesNilForTheEmptyString) {
     EXPECT_EQ(NSOrderedDescending, NSString("a").compare_(nil));
     EXPECT_EQ(NSOrderedSame, NSString("").compare_(nil));
     EXPECT_EQ(NSOrderedSame, NSString(nil).caseInsensitiveCompare_("a"));
+}
+
+TEST(NSStringCompare, TakesARangeOfTheReceiver) {
+    EXPECT_EQ(NSString("xabcx").compare_options_range_("abc", 0, {1, 3}), NSOrderedSame);
+    EXPECT_EQ(NSString("xabcx").compare_options_range_("ABC", NSCaseInsensitiveSearch, {1, 3}), NSOrderedSame);
+    EXPECT_EQ(NSString("xabcx").compare_options_range_("abc", 0, {1, 2}), NSOrderedAscending);
+    EXPECT_EQ(NSString("x").compare_options_range_("", 0, {1, 0}), NSOrderedSame);
+    EXPECT_THROW(NSString("x").compare_options_range_("x", 0, {1, 1}), NSRangeException);
+    EXPECT_EQ(NSString(nil).compare_options_range_("x", 0, {0, 5}), NSOrderedSame);
+}
+
+// What every language agrees on: the tests run in several.
+TEST(NSStringCompare, FollowsTheUsersLanguageWhereAsked) {
+    EXPECT_EQ(NSString("a").localizedCompare_("b"), NSOrderedAscending);
+    EXPECT_EQ(NSString("b").localizedCompare_("a"), NSOrderedDescending);
+    EXPECT_EQ(NSString("a").localizedCompare_("a"), NSOrderedSame);
+    EXPECT_EQ(NSString("e\u0301").localizedCompare_("\u00E9"), NSOrderedSame);
+    EXPECT_EQ(NSString("a").localizedCompare_(nil), NSOrderedDescending);
+    EXPECT_EQ(NSString("a").localizedCaseInsensitiveCompare_("b"), NSOrderedAscending);
+    EXPECT_EQ(NSString("c").localizedCaseInsensitiveCompare_("c"), NSOrderedSame);
+    EXPECT_EQ(NSString(nil).localizedCompare_("a"), NSOrderedSame);
+    EXPECT_EQ(NSString(nil).localizedCaseInsensitiveCompare_("a"), NSOrderedSame);
+}
+
+struct CommonPrefix {
+    std::u16string_view first;
+    std::u16string_view second;
+    NSUInteger options;
+    std::u16string_view prefix;
+};
+
+TEST(NSStringCompare, KnowsTheCommonPrefix) {
+    for (CommonPrefix const& row : {
+             CommonPrefix{u"abcd", u"abxd", 0, u"ab"},
+             CommonPrefix{u"abc", u"abc", 0, u"abc"},
+             CommonPrefix{u"abc", u"", 0, u""},
+             CommonPrefix{u"ABc", u"abx", 0, u""},
+             CommonPrefix{u"ABc", u"abx", NSCaseInsensitiveSearch, u"AB"},
+             CommonPrefix{u"a\u00E9b", u"ae\u0301c", 0, u"a\u00E9"},
+             CommonPrefix{u"ae\u0301c", u"a\u00E9b", 0, u"ae\u0301"},
+             CommonPrefix{u"a\u00E9b", u"ae\u0301c", NSLiteralSearch, u"a"},
+             CommonPrefix{u"ae", u"ae\u0301", 0, u"a"},
+             CommonPrefix{u"ae", u"ae\u0301", NSLiteralSearch, u"ae"},
+             CommonPrefix{u"stra\u00DFe", u"STRASx", NSCaseInsensitiveSearch, u"stra"},
+             CommonPrefix{u"stra\u00DFe", u"STRASSx", NSCaseInsensitiveSearch, u"stra\u00DF"},
+             CommonPrefix{u"\U0001F600", u"\U0001F601", NSLiteralSearch, u""},
+         })
+        EXPECT_EQ(NSString::stringWithCodeUnits(row.first)
+                      .commonPrefixWithString_options_(NSString::stringWithCodeUnits(row.second), row.options)
+                      .codeUnits(),
+                  row.prefix);
+    EXPECT_THROW(NSString("a").commonPrefixWithString_options_(nil, 0), NSInvalidArgumentException);
+    EXPECT_TRUE(NSString(nil).commonPrefixWithString_options_("a", 0) == nil);
 }
 
 TEST(NSStringCompare, HoldsForLoneSurrogates) {

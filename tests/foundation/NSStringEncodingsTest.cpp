@@ -26,6 +26,13 @@ TEST(NSStringEncodings, HoldTextBothWays) {
              Encoded{NSISOLatin1StringEncoding, "\xE9\x80", u"\u00E9\u0080"},
              Encoded{NSMacOSRomanStringEncoding, "\x8E\xF0\xDB", u"\u00E9\uF8FF\u20AC"},
              Encoded{NSNEXTSTEPStringEncoding, "\x81\xAE\xFD", u"\u00C0\uFB01\u00FF"},
+             Encoded{NSISOLatin2StringEncoding, "\xE9\xB1", u"\u00E9\u0105"},
+             Encoded{NSWindowsCP1252StringEncoding, "\xE9\x80\x93", u"\u00E9\u20AC\u201C"},
+             Encoded{NSUTF16BigEndianStringEncoding, "\x20\xAC\xD8\x3D\xDE\x01", u"\u20AC\U0001F601"},
+             Encoded{NSUTF16LittleEndianStringEncoding, "\xAC\x20", u"\u20AC"},
+             Encoded{NSUTF16BigEndianStringEncoding, "\xFE\xFF", u"\uFEFF"},
+             Encoded{NSUTF32BigEndianStringEncoding, std::string_view("\0\1\xF6\1", 4), u"\U0001F601"},
+             Encoded{NSUTF32LittleEndianStringEncoding, std::string_view("\1\xF6\1\0", 4), u"\U0001F601"},
          }) {
         EXPECT_EQ(encoded.text,
                   NSString::stringWithData_encoding_(dataOf(encoded.bytes), encoded.encoding).codeUnits());
@@ -99,6 +106,88 @@ TEST(NSStringEncodings, GiveEveryByteOfNEXTSTEPACharacterOfItsOwn) {
         EXPECT_TRUE(seen.insert(text.characterAtIndex_(0)).second) << byte;
         EXPECT_EQ(std::string(1, single), bytesOf(text.dataUsingEncoding_(NSNEXTSTEPStringEncoding))) << byte;
     }
+}
+
+struct WideBytes {
+    NSStringEncoding encoding;
+    std::string_view bytes;
+};
+
+TEST(NSStringEncodings, ReadWideTextInTheOrderOfItsMark) {
+    for (WideBytes const& row : {
+             WideBytes{NSUTF32StringEncoding, std::string_view("\0\0\xFE\xFF\0\0\x20\xAC", 8)},
+             WideBytes{NSUTF32StringEncoding, std::string_view("\xFF\xFE\0\0\xAC\x20\0\0", 8)},
+             WideBytes{NSUnicodeStringEncoding, "\xFE\xFF\x20\xAC"},
+             WideBytes{NSUnicodeStringEncoding, "\xFF\xFE\xAC\x20"},
+         })
+        EXPECT_EQ(NSString::stringWithData_encoding_(dataOf(row.bytes), row.encoding).codeUnits(), u"\u20AC");
+}
+
+TEST(NSStringEncodings, ReadBackWhatTheyWriteWithAMark) {
+    NSString const text = "a\u20AC\U0001F601";
+    for (NSStringEncoding const encoding : {NSUnicodeStringEncoding, NSUTF32StringEncoding}) {
+        NSData const data = text.dataUsingEncoding_(encoding);
+        EXPECT_EQ(NSString::stringWithData_encoding_(data, encoding).codeUnits(), text.codeUnits());
+    }
+    EXPECT_EQ(text.dataUsingEncoding_(NSUnicodeStringEncoding).length(), 2U + 8U);
+    EXPECT_EQ(text.dataUsingEncoding_(NSUTF32StringEncoding).length(), 4U + 12U);
+}
+
+TEST(NSStringEncodings, AreNilForWideBytesThatAreNoText) {
+    EXPECT_TRUE(NSString::stringWithData_encoding_(dataOf("abc"), NSUTF16BigEndianStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(dataOf("abcde"), NSUTF32StringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(dataOf(std::string_view("\0\x11\0\0", 4)),
+                                                   NSUTF32BigEndianStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(dataOf(std::string_view("\0\0\xD8\0", 4)),
+                                                   NSUTF32BigEndianStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithCodeUnits(u"\xDC80").dataUsingEncoding_(NSUTF32StringEncoding) == nil);
+}
+
+struct Lossy {
+    NSStringEncoding encoding;
+    char const* text;
+    char const* bytes;
+};
+
+TEST(NSStringEncodings, LoseWhatTheyCannotHoldWhereAllowed) {
+    for (Lossy const& row : {
+             Lossy{NSASCIIStringEncoding, "\u00C1\u00E9x", "Aex"},
+             Lossy{NSASCIIStringEncoding, "e\u0301", "e"},
+             Lossy{NSASCIIStringEncoding, "\u201Ca\u201D \u2019\u2014\u2026", "\"a\" '-..."},
+             Lossy{NSASCIIStringEncoding, "\uFB01\u00BD\u00DF", "fi1/2ss"},
+             Lossy{NSASCIIStringEncoding, "\u65E5\U0001F600", "??"},
+             Lossy{NSISOLatin1StringEncoding, "\u00E9\u0105\u20AC",
+                   "\xE9"
+                   "a?"},
+             Lossy{NSMacOSRomanStringEncoding, "\u00E9\u0105",
+                   "\x8E"
+                   "a"},
+         })
+        EXPECT_EQ(bytesOf(NSString::stringWithUTF8String_(row.text).dataUsingEncoding_allowLossyConversion_(
+                      row.encoding, YES)),
+                  row.bytes)
+            << row.text;
+}
+
+TEST(NSStringEncodings, LoseNothingWhereItIsNotAllowed) {
+    NSString const text = "\u00E9";
+    EXPECT_TRUE(text.dataUsingEncoding_allowLossyConversion_(NSASCIIStringEncoding, NO) == nil);
+    EXPECT_EQ(bytesOf(text.dataUsingEncoding_allowLossyConversion_(NSISOLatin1StringEncoding, YES)), "\xE9");
+    EXPECT_TRUE(text.dataUsingEncoding_allowLossyConversion_(static_cast<NSStringEncoding>(77), YES) == nil);
+    EXPECT_EQ(bytesOf(NSString::stringWithCodeUnits(u"a\xDC80")
+                          .dataUsingEncoding_allowLossyConversion_(NSUTF8StringEncoding, YES)),
+              "a?");
+    EXPECT_TRUE(NSString(nil).dataUsingEncoding_allowLossyConversion_(NSUTF8StringEncoding, YES) == nil);
+}
+
+TEST(NSStringEncodings, TellWhetherTheyCanHoldAText) {
+    NSString const text = "\u00E9";
+    EXPECT_FALSE(text.canBeConvertedToEncoding_(NSASCIIStringEncoding));
+    EXPECT_TRUE(text.canBeConvertedToEncoding_(NSISOLatin1StringEncoding));
+    EXPECT_TRUE(text.canBeConvertedToEncoding_(NSUTF8StringEncoding));
+    EXPECT_FALSE(text.canBeConvertedToEncoding_(static_cast<NSStringEncoding>(77)));
+    EXPECT_FALSE(NSString::stringWithCodeUnits(u"\xDC80").canBeConvertedToEncoding_(NSUTF8StringEncoding));
+    EXPECT_FALSE(NSString(nil).canBeConvertedToEncoding_(NSUTF8StringEncoding));
 }
 
 } // namespace

@@ -1,3 +1,5 @@
+#include "fuzz/FormatArguments.h"
+#include "fuzz/NumberReading.h"
 #include "fuzz/URLComponents.h"
 #include "platform/foundation/LongPath.h"
 #include <dirent.h>
@@ -28,6 +30,8 @@ void replay(std::string const& target, std::string (*complaintAbout)(std::string
     EXPECT_GT(count, 0);
 }
 
+TEST(TextCorpus, OfFormatsHolds) { replay("FormatFuzz", fuzz::complaintAboutFormat); }
+TEST(TextCorpus, OfNumbersHolds) { replay("NumberReadingFuzz", fuzz::complaintAboutNumbers); }
 TEST(TextCorpus, OfURLsHolds) { replay("URLComponentsFuzz", fuzz::complaintAboutURL); }
 
 } // namespace
