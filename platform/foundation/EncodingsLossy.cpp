@@ -51,16 +51,29 @@ std::u16string_view lookAlikeOf(char32_t character) {
     return found == LookAlikes.end() ? std::u16string_view() : found->text;
 }
 
+bool isHeld(std::u16string_view text, NSStringEncoding encoding) { return bytesFromUnits(text, encoding).has_value(); }
+
+std::u16string withLookAlikes(std::u16string_view text, NSStringEncoding encoding) {
+    std::u16string result;
+    for (std::size_t index = 0; index < text.size();) {
+        char32_t const codePoint = codePointAt(text, index);
+        std::u16string_view const character = text.substr(index, unitCount(codePoint));
+        result.append(isHeld(character, encoding) ? character : lookAlikeOf(codePoint));
+        index += character.size();
+    }
+    return result;
+}
+
 // What stands for the character in the encoding.
 std::u16string heldForm(std::u16string_view character, NSStringEncoding encoding) {
-    auto const isHeld = [&](std::u16string_view text) { return bytesFromUnits(text, encoding).has_value(); };
-    if (isHeld(character)) return std::u16string(character);
+    if (isHeld(character, encoding)) return std::u16string(character);
     char32_t const codePoint = codePointAt(character, 0);
-    if (std::u16string_view const alike = lookAlikeOf(codePoint); !alike.empty() && isHeld(alike))
+    if (std::u16string_view const alike = lookAlikeOf(codePoint); !alike.empty() && isHeld(alike, encoding))
         return std::u16string(alike);
-    std::u16string const plain = withoutMarks(character);
-    if (plain != character && isHeld(plain)) return plain;
-    return u"?";
+    // A mark goes without leaving anything.
+    if (isMark(codePoint)) return {};
+    std::u16string const plain = withLookAlikes(withoutMarks(character), encoding);
+    return plain.empty() ? u"?" : plain;
 }
 
 } // namespace
