@@ -41,8 +41,8 @@ NSString NSString::stringByAddingPercentEscapesUsingEncoding_(NSStringEncoding e
             rest.remove_prefix(1);
             continue;
         }
-        auto const end = isAnyASCII(rest[0]) ? rest.begin() + 1 : std::ranges::find_if(rest, isAnyASCII);
-        std::u16string_view const part(rest.begin(), end);
+        auto const behind = static_cast<std::size_t>(std::ranges::find_if(rest, isAnyASCII) - rest.begin());
+        std::u16string_view const part = rest.substr(0, isAnyASCII(rest[0]) ? 1 : behind);
         std::optional<std::string> const bytes =
             isAnyASCII(rest[0]) ? bytesFromUnits(part, encoding) : bytesToEscape(part, encoding);
         if (!bytes) return nil;
