@@ -10,7 +10,8 @@ namespace mac {
 //
 // Linux: an item is known by its volume, its number there and the time it was made. The last 256 items referred to are
 // held, and so they are found after any rename or move; one referred to earlier is looked for where it was when it was
-// let go, by its number, and otherwise not found. What is found is never another item.
+// let go, by its number, and otherwise not found. What is found is never another item. A volume whose items are held
+// cannot be unmounted, and the bytes lead other programs nowhere.
 struct FSRef {
     std::array<std::uint8_t, 80> hidden;
 

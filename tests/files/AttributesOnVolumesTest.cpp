@@ -50,7 +50,7 @@ TEST_P(AttributesIn, AreOfAnySize) {
 
 TEST_P(AttributesIn, HoldALargeResourceFork) {
     std::string const file = m_folder->makeFile("file", "");
-    std::string const fork = bytesOfLength(100 * 1024);
+    std::string const fork = bytesOfLength(std::size_t{100} << 10);
     ASSERT_EQ(set(file, XATTR_RESOURCEFORK_NAME, "small"), 0);
     ASSERT_EQ(set(file, XATTR_RESOURCEFORK_NAME, fork), 0);
     EXPECT_TRUE(get(file, XATTR_RESOURCEFORK_NAME) == fork);
