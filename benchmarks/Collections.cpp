@@ -38,6 +38,7 @@ Record recordOf(int index) {
 
 std::vector<id> dictionaries(int count) {
     std::vector<id> made;
+    made.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index)
         made.push_back(dictionaryOf(index));
     return made;
@@ -67,6 +68,7 @@ Record const* find(std::vector<Record> const& records, std::string const& key, s
 void compareLookUps() {
     NSArray const array = NSArray::arrayWithVector(dictionaries(Count));
     std::vector<Record> records;
+    records.reserve(Count);
     for (int index = 0; index < Count; ++index)
         records.push_back(recordOf(index));
     std::string const last = pathOf(Count - 1);
