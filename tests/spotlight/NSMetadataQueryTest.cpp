@@ -52,7 +52,7 @@ void Recorder::take_(NSNotification const& notification) const {
 }
 
 class MetadataQuery : public testing::Test {
-protected:
+public:
     void SetUp() override {
         ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1);
         query.setPredicate_(NSPredicate::predicateWithFormat_("%K = %@ AND %K = %@", kMDItemKind, "Application",
