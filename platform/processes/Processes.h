@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/foundation/MacErrors.h"
+#include "platform/foundation/NSDictionary.h"
+
+// The running processes, in the order of their start. Linux: those whose executable this user may see, as /proc tells.
+// Main thread, but for what says otherwise. A null pointer is a paramErr; a serial number that names no running process
+// a procNotFound.
+
+namespace mac {
+
+inline constexpr OSErr procNotFound = -600;
+
+// Names a process for as long as it runs, bound to its process ID and the moment of its start: never answered for
+// another process that gets the same ID.
+struct ProcessSerialNumber {
+    std::uint32_t highLongOfPSN{0};
+    std::uint32_t lowLongOfPSN{0};
+
+    constexpr bool operator==(ProcessSerialNumber const&) const = default;
+};
+
+// {0, kNoProcess} stands before the first process, {0, kCurrentProcess} for the calling one.
+inline constexpr std::uint32_t kNoProcess = 0;
+inline constexpr std::uint32_t kCurrentProcess = 2;
+
+// For ProcessInformationCopyDictionary; it answers all it knows whatever the mask.
+inline constexpr std::uint32_t kProcessDictionaryIncludeAllInformationMask = 0xFFFFFFFF;
+
+// Keys of its dictionary besides those of an information file.
+inline constexpr char kIOBundlePathKey[] = "BundlePath";
+inline constexpr char kCFBundleIdentifierKey[] = "CFBundleIdentifier";
+inline constexpr char kCFBundleNameKey[] = "CFBundleName";
+inline constexpr char kCFBundleExecutableKey[] = "CFBundleExecutable";
+
+// Advances the number to the process that started next and still runs. The walk is over the processes that ran when it
+// began at {0, kNoProcess}.
+OSErr GetNextProcess(ProcessSerialNumber* psn);
+
+// The number under which the others know the calling process. Any thread.
+OSErr GetCurrentProcess(ProcessSerialNumber* psn);
+
+// Any thread.
+OSStatus GetProcessPID(ProcessSerialNumber const* psn, std::int32_t* pid);
+OSStatus GetProcessForPID(std::int32_t pid, ProcessSerialNumber* psn);
+
+// Whether both name one process, also when one does so as {0, kCurrentProcess}. Any thread.
+OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* second, bool* result);
+
+// What is known of the process: "PSN" (the eight bytes of its number as one integer), "pid", "CFBundleExecutable" (the
+// path of the program) and "CFBundleName"; when it runs from a bundle, also "BundlePath", and "CFBundleIdentifier",
+// "FileType" and "FileCreator" as its information file has them. Nil when no such process runs. Linux: the desktop's
+// file browser, that is the default application for folders, is "com.apple.finder".
+NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
+
+} // namespace mac

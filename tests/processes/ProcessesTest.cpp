@@ -1,0 +1,267 @@
+#include "platform/processes/Processes.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/processes/ProcessList.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
+#include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <bit>
+#include <csignal>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+constexpr std::uint32_t All = kProcessDictionaryIncludeAllInformationMask;
+
+// A copy of cat, which runs until its input ends.
+std::string copyOfCat(TemporaryFolder const& folder, std::string const& relative) {
+    std::ifstream const original("/bin/cat", std::ios::binary);
+    std::ostringstream bytes;
+    bytes << original.rdbuf();
+    std::string const path = folder.makeFile(relative, bytes.str());
+    EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
+    return path;
+}
+
+std::string copyInBundle(TemporaryFolder const& folder, std::string const& name, std::string const& identifier) {
+    folder.makeBundle(name, informationFile(identifier, "1.0", "1"));
+    return copyOfCat(folder, name + "/Contents/Linux/cat");
+}
+
+ProcessSerialNumber numberOf(ChildProcess const& child) {
+    ProcessSerialNumber psn;
+    EXPECT_EQ(GetProcessForPID(child.pid(), &psn), noErr);
+    return psn;
+}
+
+NSDictionary informationOf(ProcessSerialNumber psn) { return ProcessInformationCopyDictionary(&psn, All); }
+
+std::string text(NSDictionary const& information, NSString const& key) {
+    return as<NSString>(information.objectForKey_(key)).UTF8String();
+}
+
+std::vector<ProcessSerialNumber> everyProcess() {
+    std::vector<ProcessSerialNumber> found;
+    ProcessSerialNumber psn{0, kNoProcess};
+    while (GetNextProcess(&psn) == noErr)
+        found.push_back(psn);
+    return found;
+}
+
+std::size_t placeOf(ChildProcess const& child, std::vector<ProcessSerialNumber> const& list) {
+    return static_cast<std::size_t>(std::ranges::find(list, numberOf(child)) - list.begin());
+}
+
+} // namespace
+
+TEST(Processes, TellWhichBundleAChildRunsFrom) {
+    TemporaryFolder const folder;
+    ChildProcess const child({copyInBundle(folder, "Mirror Frame.app", "com.tidelark.mirrorframe")});
+    NSDictionary const information = informationOf(numberOf(child));
+    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("Mirror Frame.app"));
+    EXPECT_EQ(text(information, kCFBundleIdentifierKey), "com.tidelark.mirrorframe");
+    EXPECT_EQ(text(information, kCFBundleExecutableKey), folder.path("Mirror Frame.app/Contents/Linux/cat"));
+    EXPECT_EQ(text(information, kCFBundleNameKey), "cat");
+    EXPECT_EQ(as<NSNumber>(information.objectForKey_("pid")).intValue(), child.pid());
+}
+
+TEST(Processes, GiveTheirNumberAsOneInteger) {
+    TemporaryFolder const folder;
+    ChildProcess const child({"/bin/cat"});
+    ProcessSerialNumber const psn = numberOf(child);
+    auto const value =
+        static_cast<std::uint64_t>(as<NSNumber>(informationOf(psn).objectForKey_("PSN")).longLongValue());
+    EXPECT_EQ(std::bit_cast<ProcessSerialNumber>(value), psn);
+}
+
+TEST(Processes, TellTheInnermostBundleAndNoneWhereThereIsNone) {
+    TemporaryFolder const folder;
+    ChildProcess const inner({copyInBundle(folder, "A.app/Contents/Library/B.app", "b")});
+    EXPECT_EQ(text(informationOf(numberOf(inner)), kIOBundlePathKey), folder.path("A.app/Contents/Library/B.app"));
+    for (char const* const path : {"plain/cat", ".app/Contents/cat", "C.app/cat"}) {
+        ChildProcess const child({copyOfCat(folder, path)});
+        NSDictionary const information = informationOf(numberOf(child));
+        EXPECT_TRUE(information.objectForKey_(kIOBundlePathKey) == nil) << path;
+        EXPECT_TRUE(information.objectForKey_(kCFBundleIdentifierKey) == nil) << path;
+        EXPECT_EQ(text(information, kCFBundleNameKey), "cat") << path;
+    }
+}
+
+TEST(Processes, RunFromABundleWithoutAnInformationFile) {
+    TemporaryFolder const folder;
+    ChildProcess const child({copyOfCat(folder, "A.app/Contents/Linux/cat")});
+    NSDictionary const information = informationOf(numberOf(child));
+    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app"));
+    EXPECT_TRUE(information.objectForKey_(kCFBundleIdentifierKey) == nil);
+}
+
+TEST(Processes, KeepABundlePathThatIsNoText) {
+    TemporaryFolder const folder;
+    ChildProcess const child({copyInBundle(folder, "caf\xE9.app", "com.tidelark.mirrorframe")});
+    NSString const path = as<NSString>(informationOf(numberOf(child)).objectForKey_(kIOBundlePathKey));
+    EXPECT_EQ(path.fileSystemRepresentation(), folder.path("caf\xE9.app"));
+}
+
+TEST(Processes, AreListedInTheOrderOfTheirStart) {
+    ChildProcess const first({"/bin/cat"});
+    ChildProcess const second({"/bin/cat"});
+    std::vector<ProcessSerialNumber> const list = everyProcess();
+    ASSERT_LT(placeOf(first, list), list.size());
+    ASSERT_LT(placeOf(second, list), list.size());
+    // Two that start within one tick of the clock are told apart by their IDs, which may have begun anew.
+    std::vector<ProcessIdentity> identities;
+    identities.reserve(list.size());
+    for (ProcessSerialNumber const& psn : list)
+        identities.push_back(identityOf(psn).value());
+    EXPECT_TRUE(std::ranges::is_sorted(identities, &ProcessIdentity::isBefore));
+    ProcessSerialNumber self;
+    ASSERT_EQ(GetCurrentProcess(&self), noErr);
+    auto const own = static_cast<std::size_t>(std::ranges::find(list, self) - list.begin());
+    EXPECT_LT(own, std::max(placeOf(first, list), placeOf(second, list)));
+}
+
+TEST(Processes, AreSkippedWhenTheyVanishDuringAWalk) {
+    auto child = std::make_unique<ChildProcess>(std::vector<std::string>{"/bin/cat"});
+    ProcessSerialNumber const psn = numberOf(*child);
+    ProcessSerialNumber walk{0, kNoProcess};
+    ASSERT_EQ(GetNextProcess(&walk), noErr);
+    child.reset();
+    while (GetNextProcess(&walk) == noErr)
+        EXPECT_NE(walk, psn);
+}
+
+TEST(Processes, AreGoneOnceTheyHaveEndedThoughNobodyWaitedForThem) {
+    ChildProcess child({"/bin/cat"});
+    ProcessSerialNumber const psn = numberOf(child);
+    child.sendSignal(SIGKILL);
+    child.waitUntilEnded();
+    std::int32_t pid = -1;
+    EXPECT_TRUE(informationOf(psn) == nil);
+    EXPECT_EQ(GetProcessPID(&psn, &pid), procNotFound);
+    ProcessSerialNumber again;
+    EXPECT_EQ(GetProcessForPID(child.pid(), &again), procNotFound);
+    child.wait();
+    EXPECT_TRUE(informationOf(psn) == nil);
+}
+
+TEST(Processes, AreNeverTakenForOthersWithTheirID) {
+    ChildProcess const child({"/bin/cat"});
+    ProcessIdentity identity = identityOf(numberOf(child)).value();
+    // The one that had the ID before.
+    identity.startTime -= 1;
+    ProcessSerialNumber const old = serialNumberOf(identity);
+    std::int32_t pid = -1;
+    EXPECT_TRUE(informationOf(old) == nil);
+    EXPECT_EQ(GetProcessPID(&old, &pid), procNotFound);
+    EXPECT_FALSE(askToEnd(identity));
+    EXPECT_FALSE(informationOf(numberOf(child)) == nil) << "it still runs";
+}
+
+TEST(Processes, AnswerTheirIDsByNumber) {
+    ChildProcess const child({"/bin/cat"});
+    ProcessSerialNumber const psn = numberOf(child);
+    std::int32_t pid = -1;
+    EXPECT_EQ(GetProcessPID(&psn, &pid), noErr);
+    EXPECT_EQ(pid, child.pid());
+    ProcessSerialNumber const current{0, kCurrentProcess};
+    EXPECT_EQ(GetProcessPID(&current, &pid), noErr);
+    EXPECT_EQ(pid, ::getpid());
+}
+
+TEST(Processes, KnowTheCurrentOneByBothItsNumbers) {
+    ProcessSerialNumber self;
+    ASSERT_EQ(GetCurrentProcess(&self), noErr);
+    ProcessSerialNumber const current{0, kCurrentProcess};
+    EXPECT_NE(self, current);
+    bool isSame = false;
+    EXPECT_EQ(SameProcess(&self, &current, &isSame), noErr);
+    EXPECT_TRUE(isSame);
+    ChildProcess const child({"/bin/cat"});
+    ProcessSerialNumber const other = numberOf(child);
+    EXPECT_EQ(SameProcess(&self, &other, &isSame), noErr);
+    EXPECT_FALSE(isSame);
+    EXPECT_EQ(as<NSNumber>(informationOf(current).objectForKey_("pid")).intValue(), ::getpid());
+    EXPECT_TRUE(informationOf(current).isEqual_(informationOf(self)));
+}
+
+TEST(Processes, AnswerErrorsForNumbersThatNameNone) {
+    std::int32_t pid = -1;
+    bool isSame = false;
+    ProcessSerialNumber const current{0, kCurrentProcess};
+    for (ProcessSerialNumber const psn :
+         {ProcessSerialNumber{0, kNoProcess}, ProcessSerialNumber{0, 1}, ProcessSerialNumber{0xFFFFFFFF, 0xFFFFFFFF}}) {
+        EXPECT_TRUE(informationOf(psn) == nil);
+        EXPECT_EQ(GetProcessPID(&psn, &pid), procNotFound);
+        EXPECT_EQ(SameProcess(&psn, &current, &isSame), procNotFound);
+    }
+    ProcessSerialNumber beyond{0xFFFFFFFF, 0xFFFFFFFF};
+    EXPECT_EQ(GetNextProcess(&beyond), procNotFound);
+    EXPECT_EQ(GetProcessForPID(0, &beyond), procNotFound);
+    EXPECT_EQ(GetProcessForPID(-1, &beyond), procNotFound);
+}
+
+TEST(Processes, AnswerAnErrorForANullPointer) {
+    ProcessSerialNumber psn;
+    std::int32_t pid = -1;
+    bool isSame = false;
+    EXPECT_EQ(GetNextProcess(nullptr), paramErr);
+    EXPECT_EQ(GetCurrentProcess(nullptr), paramErr);
+    EXPECT_EQ(GetProcessPID(nullptr, &pid), paramErr);
+    EXPECT_EQ(GetProcessPID(&psn, nullptr), paramErr);
+    EXPECT_EQ(GetProcessForPID(1, nullptr), paramErr);
+    EXPECT_EQ(SameProcess(nullptr, &psn, &isSame), paramErr);
+    EXPECT_EQ(SameProcess(&psn, nullptr, &isSame), paramErr);
+    EXPECT_EQ(SameProcess(&psn, &psn, nullptr), paramErr);
+    EXPECT_TRUE(ProcessInformationCopyDictionary(nullptr, All) == nil);
+}
+
+TEST(Processes, MayBeCalledAnything) {
+    TemporaryFolder const folder;
+    ChildProcess const child({copyOfCat(folder, "a) Z 1 (b")});
+    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleNameKey), "a) Z 1 (b");
+}
+
+TEST(Processes, KeepTheNameOfAProgramThatWasDeleted) {
+    TemporaryFolder const folder;
+    std::string const path = copyInBundle(folder, "A.app", "a");
+    ChildProcess const child({path});
+    ASSERT_EQ(::unlink(path.c_str()), 0);
+    NSDictionary const information = informationOf(numberOf(child));
+    EXPECT_EQ(text(information, kCFBundleExecutableKey), path);
+    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app"));
+    ChildProcess const marked({copyOfCat(folder, "cat (deleted)")});
+    EXPECT_EQ(text(informationOf(numberOf(marked)), kCFBundleNameKey), "cat (deleted)");
+}
+
+TEST(Processes, AreAskedToEnd) {
+    ChildProcess child({"/bin/cat"});
+    EXPECT_TRUE(askToEnd(identityOf(numberOf(child)).value()));
+    EXPECT_EQ(child.wait(), -SIGTERM);
+}
+
+TEST(Processes, HaveTheFileBrowserAmongThemInTheFindersRole) {
+    TemporaryFolder const folder;
+    std::string const program = copyOfCat(folder, "bin/browser");
+    folder.makeFile("data/applications/browser.desktop",
+                    "[Desktop Entry]\nName=Files\nExec=\"" + program + "\" %U\nType=Application\n");
+    folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
+    EnvironmentVariable const data("XDG_DATA_HOME", folder.path("data"));
+    EnvironmentVariable const config("XDG_CONFIG_HOME", folder.path("config"));
+    ChildProcess const other({"/bin/cat"});
+    ChildProcess const browser({program});
+    std::vector<ProcessSerialNumber> finders;
+    for (ProcessSerialNumber const& psn : everyProcess()) {
+        if (text(informationOf(psn), kCFBundleIdentifierKey) == "com.apple.finder") finders.push_back(psn);
+    }
+    EXPECT_EQ(finders, std::vector{numberOf(browser)});
+    EXPECT_EQ(text(informationOf(numberOf(browser)), kCFBundleNameKey), "Files");
+}
+
+} // namespace mac::test

@@ -1,0 +1,90 @@
+#include "tests/support/ChildProcess.h"
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+[[noreturn]] void fail(int number, std::string const& what) {
+    throw std::system_error(number, std::generic_category(), what);
+}
+
+std::array<int, 2> makePipe() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) fail(errno, "pipe");
+    return ends;
+}
+
+} // namespace
+
+ChildProcess::ChildProcess(std::vector<std::string> arguments) {
+    std::array<int, 2> const input = makePipe();
+    std::array<int, 2> const output = makePipe();
+    std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    pid_t pid = -1;
+    int const error = ::posix_spawn(&pid, pointers[0], &actions, nullptr, pointers.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(input[0]);
+    ::close(output[1]);
+    m_input = input[1];
+    m_output = output[0];
+    m_pid = pid;
+    if (error != 0) fail(error, arguments[0]);
+}
+
+ChildProcess::~ChildProcess() {
+    if (!m_isWaitedFor) {
+        sendSignal(SIGKILL);
+        wait();
+    }
+    ::close(m_input);
+    ::close(m_output);
+}
+
+std::string ChildProcess::readLine() const {
+    std::string line;
+    char character = 0;
+    for (;;) {
+        ssize_t const count = ::read(m_output, &character, 1);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0 || character == '\n') return line;
+        line.push_back(character);
+    }
+}
+
+void ChildProcess::writeLine(std::string const& line) const {
+    std::string const bytes = line + "\n";
+    if (::write(m_input, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) fail(errno, "write");
+}
+
+void ChildProcess::sendSignal(int signal) const { ::kill(m_pid, signal); }
+
+void ChildProcess::waitUntilEnded() const {
+    siginfo_t information{};
+    ::waitid(P_PID, static_cast<id_t>(m_pid), &information, WEXITED | WNOWAIT);
+}
+
+int ChildProcess::wait() {
+    int status = 0;
+    // Our own child, so that nothing but a signal keeps the wait from its end.
+    while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {}
+    m_isWaitedFor = true;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+} // namespace mac::test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+// A process that a test starts. Its standard input stays open until the object goes or closes it, so that a program
+// that reads to the end ends with the test at the latest. Ended and waited for by the destructor.
+class ChildProcess {
+public:
+    // The first argument is the program's path.
+    explicit ChildProcess(std::vector<std::string> arguments);
+    ~ChildProcess();
+    ChildProcess(ChildProcess const&) = delete;
+    ChildProcess& operator=(ChildProcess const&) = delete;
+
+    std::int32_t pid() const { return m_pid; }
+    // The next line of its standard output, without the line end; empty at the end.
+    std::string readLine() const;
+    void writeLine(std::string const& line) const;
+    void sendSignal(int signal) const;
+    // Until it has ended; what is left of it stays until wait.
+    void waitUntilEnded() const;
+    // Its exit status, or minus the number of the signal that ended it.
+    int wait();
+
+private:
+    std::int32_t m_pid{-1};
+    int m_input{-1};
+    int m_output{-1};
+    bool m_isWaitedFor{false};
+};
+
+} // namespace mac::test
