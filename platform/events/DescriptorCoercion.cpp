@@ -2,6 +2,7 @@
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"
 #include "platform/foundation/Encodings.h"
+#include <cstring>
 #include <map>
 #include <mutex>
 

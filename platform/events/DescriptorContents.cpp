@@ -12,8 +12,9 @@ bool fits(AEDesc const& value) {
     return false;
 }
 
-void deepen(DescriptorContents& contents, AEDesc const& value) {
+void put(DescriptorContents& contents, AEDesc& place, AEDesc value) {
     contents.depth = std::max(contents.depth, contentsOf(value).depth + 1);
+    place = std::move(value);
 }
 
 } // namespace
@@ -53,34 +54,28 @@ AEDesc const* findEntry(std::span<DescriptorEntry const> entries, AEKeyword keyw
     return found == entries.end() ? nullptr : &found->desc;
 }
 
-bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc const& value, bool isAttribute) {
+bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc value, bool isAttribute) {
     DescriptorForm const form = contentsOf(desc).form;
     bool const hasPlace = form == DescriptorForm::Event || (form == DescriptorForm::Record && !isAttribute);
     if (!hasPlace || !fits(value)) return false;
-    // The value may be this very descriptor, which then changes.
-    AEDesc const kept = value;
     DescriptorContents& contents = changeableContentsOf(desc);
     std::vector<DescriptorEntry>& entries = contents.entriesOrAttributes(isAttribute);
     auto const found = std::ranges::find(entries, keyword, &DescriptorEntry::keyword);
-    if (found == entries.end())
-        entries.push_back({keyword, kept});
-    else
-        found->desc = kept;
-    deepen(contents, kept);
+    DescriptorEntry& entry = found == entries.end() ? entries.emplace_back() : *found;
+    entry.keyword = keyword;
+    put(contents, entry.desc, std::move(value));
     return true;
 }
 
-bool putItem(AEDesc& desc, std::int32_t index, AEDesc const& value) {
+bool putItem(AEDesc& desc, std::int32_t index, AEDesc value) {
     DescriptorContents const& before = contentsOf(desc);
     auto const count = static_cast<std::int64_t>(before.entries.size());
     if (before.form != DescriptorForm::List || index < 0 || index > count + 1 || !fits(value)) return false;
-    AEDesc const kept = value;
     DescriptorContents& contents = changeableContentsOf(desc);
-    if (index == 0 || index > count)
-        contents.entries.push_back({AEKeyword{}, kept});
-    else
-        contents.entries[static_cast<std::size_t>(index) - 1].desc = kept;
-    deepen(contents, kept);
+    bool const isNew = index == 0 || index > count;
+    DescriptorEntry& entry =
+        isNew ? contents.entries.emplace_back() : contents.entries[static_cast<std::size_t>(index) - 1];
+    put(contents, entry.desc, std::move(value));
     return true;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
-#include <cstring>
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <optional>
 #include <span>
 #include <vector>
@@ -57,9 +59,9 @@ template <class T>
 std::optional<T> valueOf(AEDesc const& desc, DescType type) {
     std::optional<std::span<std::byte const>> const bytes = bytesOf(desc, type);
     if (!bytes || bytes->size() != sizeof(T)) return std::nullopt;
-    T value;
-    std::memcpy(&value, bytes->data(), sizeof value);
-    return value;
+    std::array<std::byte, sizeof(T)> copy;
+    std::ranges::copy(*bytes, copy.begin());
+    return std::bit_cast<T>(copy);
 }
 
 // The first value under the keyword; null where there is none.
@@ -67,9 +69,9 @@ AEDesc const* findEntry(std::span<DescriptorEntry const> entries, AEKeyword keyw
 
 // Puts a value under the keyword of a record or event, in place of the one that is there. False for anything else, and
 // where it would nest too deep, which is logged.
-bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc const& value, bool isAttribute = false);
+bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc value, bool isAttribute = false);
 // Puts an item in place of the one at the index counted from 1; at the end for 0 and for one past the last. False for
 // anything else.
-bool putItem(AEDesc& desc, std::int32_t index, AEDesc const& value);
+bool putItem(AEDesc& desc, std::int32_t index, AEDesc value);
 
 } // namespace mac

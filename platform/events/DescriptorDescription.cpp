@@ -27,7 +27,10 @@ public:
     }
 
     std::u16string takeText() {
-        if (isFull()) m_text.replace(LongestText, std::u16string::npos, u"...");
+        if (isFull()) {
+            m_text.resize(LongestText);
+            m_text.append(u"...");
+        }
         return std::move(m_text);
     }
 

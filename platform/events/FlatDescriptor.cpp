@@ -1,6 +1,7 @@
 #include "platform/events/FlatDescriptor.h"
 #include "platform/events/DescriptorContents.h"
 #include <algorithm>
+#include <cstring>
 
 namespace mac {
 

@@ -1,0 +1,89 @@
+#include "platform/events/AppleEvents.h"
+#include "platform/events/DescriptorContents.h"
+#include "platform/events/EventDispatch.h"
+#include "platform/events/EventTarget.h"
+#include "platform/events/EventTransport.h"
+#include "platform/events/FlatDescriptor.h"
+
+namespace mac {
+
+namespace {
+
+constexpr AESendMode ReplyModes = 3;
+
+EventDeadline deadlineIn(std::int32_t ticks) {
+    constexpr std::int32_t ticksOfDefault = 60 * 60;
+    using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 60>>;
+    if (ticks == kNoTimeOut) return std::nullopt;
+    return std::chrono::steady_clock::now() + std::chrono::ceil<std::chrono::steady_clock::duration>(
+                                                  Ticks(ticks == kAEDefaultTimeout ? ticksOfDefault : ticks));
+}
+
+bool isQuit(AppleEvent const& event) {
+    auto const code = [&](AEKeyword keyword) {
+        AEDesc const* const value = findEntry(contentsOf(event).attributes, keyword);
+        return FourCharCode(value ? valueOf<std::uint32_t>(*value, typeType).value_or(0) : 0);
+    };
+    return code(keyEventClassAttr) == kCoreEventClass && code(keyEventIDAttr) == kAEQuitApplication;
+}
+
+void enqueueAnswer(AppleEvent const& answer) { enqueue({.event = answer}); }
+
+OSStatus sendInPlace(AppleEvent const& event, AESendMode mode, AppleEvent& reply) {
+    OSErr const status = dispatchEvent(event, mode != kAENoReply, reply);
+    if (mode == kAEWaitReply) return status;
+    if (mode == kAEQueueReply) enqueueAnswer(status == noErr ? reply : failedReply(event, status));
+    reply = {};
+    return noErr;
+}
+
+OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode,
+                       EventDeadline const& deadline, AppleEvent& reply) {
+    Result<std::vector<std::byte>> flat = flattened(event);
+    if (!flat.hasValue()) return memFullErr;
+    openEventEndpoint();
+    auto const pending = std::make_shared<PendingReply>();
+    if (mode == kAEQueueReply) {
+        pending->whenDone = [event](SendingOutcome const& outcome) {
+            enqueueAnswer(outcome.status == noErr ? outcome.reply : failedReply(event, outcome.status));
+        };
+    }
+    sendToProcess(process, flat.takeValue(), mode != kAENoReply, pending);
+    Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
+    std::optional<SendingOutcome> outcome = waitFor(*pending, deadline, until);
+    if (!outcome) return errAETimeout;
+    if (outcome->hasNoEndpoint && isQuit(event) && askToEnd(process)) {
+        if (mode == kAEWaitReply) reply = makeReply(event);
+        return noErr;
+    }
+    reply = std::move(outcome->reply);
+    return outcome->status;
+}
+
+} // namespace
+
+OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks) {
+    AESendMode const mode = sendMode & ReplyModes;
+    if (!event || (!reply && mode == kAEWaitReply) || timeOutInTicks < kNoTimeOut) return paramErr;
+    // The reply may be the event's own record.
+    AppleEvent const sent = *event;
+    if (reply) *reply = {};
+    if (!isEvent(sent)) return errAENotAppleEvent;
+    if (mode == 0) return errAEUnknownSendMode;
+    EventDeadline const deadline = deadlineIn(timeOutInTicks);
+    AEDesc const* const address = findEntry(contentsOf(sent).attributes, keyAddressAttr);
+    std::optional<EventTarget> const target = address ? targetOfAddress(*address) : std::nullopt;
+    if (!target) return procNotFound;
+    AppleEvent answer;
+    OSStatus const status = target->isThisProcess ? sendInPlace(sent, mode, answer)
+                                                  : sendElsewhere(sent, target->process, mode, deadline, answer);
+    if (reply && status == noErr) *reply = std::move(answer);
+    return status;
+}
+
+OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority,
+             std::int32_t timeOutInTicks, AEIdleUPP, AEFilterUPP) {
+    return static_cast<OSErr>(AESendMessage(event, reply, sendMode, timeOutInTicks));
+}
+
+} // namespace mac

@@ -1,0 +1,111 @@
+#include "platform/events/EventQueue.h"
+#include "platform/events/EventDispatch.h"
+#include "platform/foundation/NSRunLoop.h"
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+// What senders may leave to be handled while the main thread is busy.
+constexpr std::size_t MostEvents = 1024;
+constexpr std::size_t MostBytes = std::size_t{64} << 20;
+
+struct Queue {
+    std::mutex lock;
+    std::condition_variable changed;
+    std::deque<IncomingEvent> events;
+    std::size_t bytes{0};
+};
+
+// Stands to the program's last instruction: another thread may still put something in.
+Queue& queue() {
+    static Queue& queue = *std::make_unique<Queue>().release();
+    return queue;
+}
+
+bool isMainThread() { return ::gettid() == ::getpid(); }
+
+std::optional<IncomingEvent> takeFirst(Queue& queue) {
+    if (queue.events.empty()) return std::nullopt;
+    IncomingEvent event = std::move(queue.events.front());
+    queue.events.pop_front();
+    queue.bytes -= event.size;
+    return event;
+}
+
+void handle(IncomingEvent const& incoming) {
+    AppleEvent reply;
+    OSErr const status = dispatchEvent(incoming.event, incoming.wantsReply, reply);
+    if (incoming.answer) incoming.answer(status, reply);
+}
+
+void handleOne() {
+    std::optional<IncomingEvent> event;
+    {
+        std::lock_guard const guard(queue().lock);
+        event = takeFirst(queue());
+    }
+    if (event) handle(*event);
+}
+
+} // namespace
+
+void noteSent(PendingReply& pending) {
+    {
+        std::lock_guard const guard(queue().lock);
+        pending.isSent = true;
+    }
+    queue().changed.notify_all();
+}
+
+void fulfil(PendingReply& pending, SendingOutcome const& outcome) {
+    bool isAnswer = false;
+    {
+        std::lock_guard const guard(queue().lock);
+        isAnswer = pending.isSent && pending.whenDone;
+        pending.outcome = outcome;
+        pending.isDone = true;
+    }
+    queue().changed.notify_all();
+    if (isAnswer) pending.whenDone(outcome);
+}
+
+bool enqueue(IncomingEvent event) {
+    {
+        std::lock_guard const guard(queue().lock);
+        if (queue().events.size() >= MostEvents || queue().bytes + event.size > MostBytes) return false;
+        queue().bytes += event.size;
+        queue().events.push_back(std::move(event));
+    }
+    queue().changed.notify_all();
+    // One call an event: where a wait has handled it already, there is nothing left to do.
+    performOnMainRunLoop(handleOne);
+    return true;
+}
+
+std::optional<SendingOutcome> waitFor(PendingReply const& pending, EventDeadline deadline, Until until) {
+    bool const takesEvents = until == Until::Replied && isMainThread();
+    auto const isOver = [&] { return pending.isDone || (until == Until::Sent && pending.isSent); };
+    auto const isSomethingThere = [&] { return isOver() || (takesEvents && !queue().events.empty()); };
+    std::unique_lock lock(queue().lock);
+    while (!isOver()) {
+        if (!deadline)
+            queue().changed.wait(lock, isSomethingThere);
+        else if (!queue().changed.wait_until(lock, *deadline, isSomethingThere))
+            return std::nullopt;
+        if (isOver()) break;
+        IncomingEvent const event = takeFirst(queue()).value();
+        lock.unlock();
+        handle(event);
+        lock.lock();
+        bool const isLate = deadline && std::chrono::steady_clock::now() >= *deadline;
+        if (isLate && !isOver()) return std::nullopt;
+    }
+    return pending.isDone ? pending.outcome : SendingOutcome{};
+}
+
+} // namespace mac

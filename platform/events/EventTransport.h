@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/events/EventQueue.h"
+#include "platform/processes/ProcessList.h"
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+// Events between processes, for implementations.
+
+namespace mac {
+
+// Begins to answer other processes, unless this one does already; what goes wrong is noticed when an event is sent. On
+// the main thread it makes the event loop; on another one it does nothing before there is one.
+void openEventEndpoint();
+
+// Sends a flat event; the pending reply is told when it is under way and, where one is wanted, when the reply has come.
+// Any thread.
+void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
+                   std::shared_ptr<PendingReply> const& pending);
+
+} // namespace mac

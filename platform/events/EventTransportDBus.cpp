@@ -1,0 +1,249 @@
+#include "platform/events/DescriptorContents.h"
+#include "platform/events/EventDispatch.h"
+#include "platform/events/EventTransport.h"
+#include "platform/events/FlatDescriptor.h"
+#include "platform/events/SessionBus.h"
+#include "platform/foundation/Boundary.h"
+#include "platform/foundation/EventLoop.h"
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVirtualObject>
+#include <QDeadlineTimer>
+#include <QMetaType>
+#include <QThread>
+#include <climits>
+#include <cstdlib>
+#include <map>
+#include <unistd.h>
+
+// Why a thread of its own: while the main thread waits for a reply, incoming events and that reply must reach it and
+// nothing else may, no input, timer or notification. An event loop within the loop would let all of them in, and a
+// connection of the main thread's would wait for that loop. So one thread serves a private connection and leaves what
+// arrives in the event queue, where both the run loop and a waiting sender find it. It also asks the bus who a peer is,
+// which blocks, and sends.
+
+namespace mac {
+
+namespace {
+
+constexpr char Interface[] = "com.tidelark.framekeeper.AppleEvents";
+constexpr char Path[] = "/com/tidelark/framekeeper/AppleEvents";
+
+QString endpointName(std::int32_t pid) { return QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(pid); }
+
+std::span<std::byte const> bytesOf(QByteArray const& data) {
+    return std::as_bytes(std::span(data.constData(), static_cast<std::size_t>(data.size())));
+}
+
+QByteArray arrayOf(std::span<std::byte const> bytes) {
+    return {reinterpret_cast<char const*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+}
+
+OSStatus statusOfError(QString const& name) {
+    if (name == "org.freedesktop.DBus.Error.LimitsExceeded") return memFullErr;
+    if (name == "org.freedesktop.DBus.Error.NameHasNoOwner" || name == "org.freedesktop.DBus.Error.ServiceUnknown")
+        return procNotFound;
+    return connectionInvalid;
+}
+
+SendingOutcome outcomeOfAnswer(QDBusMessage const& answer) {
+    if (answer.type() != QDBusMessage::ReplyMessage) return {.status = statusOfError(answer.errorName())};
+    QVariantList const arguments = answer.arguments();
+    bool const isFormed = arguments.size() == 2 && arguments[0].typeId() == QMetaType::Int &&
+                          arguments[1].typeId() == QMetaType::QByteArray;
+    if (!isFormed) return {.status = connectionInvalid};
+    Result<AEDesc> reply = unflattened(bytesOf(arguments[1].toByteArray()));
+    if (!reply.hasValue()) return {.status = errAECorruptData};
+    int const status = arguments[0].toInt();
+    return {.status = status, .reply = status == noErr ? reply.takeValue() : AppleEvent{}};
+}
+
+// The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
+class Endpoint : public QDBusVirtualObject {
+public:
+    // Anew when the bus has died since.
+    void open() {
+        if (m_connection && m_connection->isConnected()) return;
+        m_peers.clear();
+        m_connection = connectToSessionBus();
+        if (!m_connection) return;
+        m_connection->registerVirtualObject(Path, this);
+        requestBusName(*m_connection, endpointName(::getpid()));
+    }
+
+    // What was sent last has left when the bus answers a question behind it.
+    void close() {
+        if (m_connection) busNameOwner(*m_connection, endpointName(::getpid()));
+        m_connection.reset();
+    }
+
+    void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply,
+              std::shared_ptr<PendingReply> const& pending) {
+        open();
+        if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
+        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid));
+        if (owner.number.isEmpty() && !m_connection->isConnected()) {
+            // The bus died unnoticed; there may be another one by now.
+            open();
+            if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
+            owner = busNameOwner(*m_connection, endpointName(process.pid));
+        }
+        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
+        if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
+        if (!belongsTo(owner.number, process)) return fulfil(*pending, {.status = procNotFound});
+        // To the very connection that was looked at: the name may pass to another one.
+        QDBusMessage message = QDBusMessage::createMethodCall(owner.number, Path, Interface, "Send");
+        message.setArguments({event});
+        message.setAutoStartService(false);
+        if (!wantsReply) {
+            bool const isSent = m_connection->send(message);
+            return fulfil(*pending, {.status = isSent ? OSStatus{noErr} : connectionInvalid});
+        }
+        // Whoever waits has a time-out of their own.
+        auto* const watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this, [pending](QDBusPendingCallWatcher* finished) {
+            finished->deleteLater();
+            fulfil(*pending, outcomeOfAnswer(finished->reply()));
+        });
+        noteSent(*pending);
+    }
+
+    QString introspect(QString const&) const override {
+        return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
+                              "<arg type=\"i\" direction=\"out\"/><arg type=\"ay\" direction=\"out\"/></method>"
+                              "</interface>")
+            .arg(Interface);
+    }
+
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        if (message.interface() != Interface || message.member() != "Send") return false;
+        guarded([&] { receive(message, connection); });
+        return true;
+    }
+
+private:
+    void receive(QDBusMessage const& message, QDBusConnection const& connection) {
+        // The reply comes later, or an error now.
+        message.setDelayedReply(true);
+        auto const refuse = [&](QDBusError::ErrorType type, QString const& reason) {
+            if (message.isReplyRequired()) connection.send(message.createErrorReply(type, reason));
+        };
+        std::optional<BusPeer> const peer = knownPeer(message.service());
+        if (!peer || peer->user != ::geteuid())
+            return refuse(QDBusError::AccessDenied, "Only processes of the same user are answered");
+        QVariantList const arguments = message.arguments();
+        if (arguments.size() != 1 || arguments[0].typeId() != QMetaType::QByteArray)
+            return refuse(QDBusError::InvalidArgs, "The argument must be a row of bytes");
+        QByteArray const bytes = arguments[0].toByteArray();
+        Result<AEDesc> desc = unflattened(bytesOf(bytes));
+        if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.reason()));
+        if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
+        IncomingEvent incoming{
+            .event = desc.takeValue(), .wantsReply = message.isReplyRequired(), .size = bytesOf(bytes).size()};
+        setOrigin(incoming.event, peer->pid);
+        if (incoming.wantsReply) {
+            incoming.answer = [message, connection](OSStatus status, AppleEvent const& reply) {
+                answer(message, connection, status, reply);
+            };
+        }
+        if (!enqueue(std::move(incoming)))
+            refuse(QDBusError::LimitsExceeded, "Too many events wait to be handled already");
+    }
+
+    static void answer(QDBusMessage const& message, QDBusConnection const& connection, OSStatus status,
+                       AppleEvent const& reply) {
+        Result<std::vector<std::byte>> const flat = flattened(reply);
+        if (flat.hasValue())
+            connection.send(message.createReply({static_cast<int>(status), arrayOf(flat.value())}));
+        else
+            connection.send(message.createErrorReply(QDBusError::LimitsExceeded, "The reply is too large"));
+    }
+
+    // Where it came from and where it went, whatever the sender says.
+    static void setOrigin(AppleEvent& event, std::int32_t pid) {
+        ProcessSerialNumber sender;
+        if (GetProcessForPID(pid, &sender) != noErr) sender = {};
+        putEntry(event, keyOriginalAddressAttr, makeDescOf(typeProcessSerialNumber, sender), true);
+        putEntry(event, keySenderPIDAttr, makeDescOf(typeSInt32, pid), true);
+        putEntry(event, keyAddressAttr, makeDescOf(typeProcessSerialNumber, ProcessSerialNumber{0, kCurrentProcess}),
+                 true);
+    }
+
+    // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
+    // all the time.
+    bool belongsTo(QString const& number, ProcessIdentity const& process) const {
+        std::optional<BusPeer> const peer = busPeer(*m_connection, number);
+        return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
+    }
+
+    // The bus gives no number twice, so what it said of one stays true.
+    std::optional<BusPeer> knownPeer(QString const& number) {
+        constexpr std::size_t mostKept = 256;
+        auto const found = m_peers.find(number);
+        if (found != m_peers.end()) return found->second;
+        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number) : std::nullopt;
+        if (m_peers.size() >= mostKept) m_peers.clear();
+        if (peer) m_peers.emplace(number, *peer);
+        return peer;
+    }
+
+    std::optional<QDBusConnection> m_connection;
+    std::map<QString, BusPeer> m_peers;
+};
+
+// The thread and its endpoint, from the first need to the program's end.
+class Transport {
+public:
+    static Transport& shared() {
+        static Transport& transport = *std::make_unique<Transport>().release();
+        return transport;
+    }
+
+    Transport() {
+        // Qt's own thread for buses and its table of types are made first, so that they end after this one.
+        QDBusConnection::disconnectFromBus(QStringLiteral("framekeeper-events"));
+        QMetaType::fromType<QDBusArgument>().id();
+        m_thread.setObjectName("Apple events");
+        m_endpoint.moveToThread(&m_thread);
+        m_thread.start();
+        std::atexit([] { shared().stop(); });
+    }
+
+    template <class Function>
+    void run(Function function) {
+        QMetaObject::invokeMethod(
+            &m_endpoint, [this, function] { guarded([&] { function(m_endpoint); }); }, Qt::QueuedConnection);
+    }
+
+private:
+    void stop() {
+        run([](Endpoint& endpoint) {
+            endpoint.close();
+            QThread::currentThread()->quit();
+        });
+        // It may be waiting for a bus that hangs; nothing that it uses goes with it.
+        m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)));
+    }
+
+    QThread m_thread;
+    Endpoint m_endpoint;
+};
+
+} // namespace
+
+void openEventEndpoint() {
+    if (::gettid() == ::getpid()) requireEventLoop();
+    if (QCoreApplication::instance()) Transport::shared().run([](Endpoint& endpoint) { endpoint.open(); });
+}
+
+void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
+                   std::shared_ptr<PendingReply> const& pending) {
+    if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
+    Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, pending](Endpoint& endpoint) {
+        endpoint.send(process, event, wantsReply, pending);
+    });
+}
+
+} // namespace mac

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QString>
+#include <cstdint>
+#include <optional>
+
+// The session's message bus, for implementations; for the one thread that serves the connection.
+
+namespace mac {
+
+// The bus's address as the session tells it; nothing where there is none. None is ever started.
+std::optional<QString> sessionBusAddress();
+
+// A new connection of its own.
+std::optional<QDBusConnection> connectToSessionBus();
+
+// What the bus knows of a connection to it, by the number that the bus itself gave it or by a name.
+struct BusPeer {
+    std::uint32_t user{0};
+    std::int32_t pid{0};
+};
+std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name);
+
+// The number of the connection that owns the name. Otherwise the answer of the bus says why not.
+struct BusNameOwner {
+    QString number;
+    QString errorName;
+};
+BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name);
+
+// False when another connection has the name.
+bool requestBusName(QDBusConnection const& connection, QString const& name);
+
+} // namespace mac
