@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/applescript/Evaluator.h"
+
+// The standard additions: what scripts can do besides the language itself. Each takes its event's parameters.
+
+namespace mac::applescript {
+
+// Whether the command reads or changes more than the script's own values.
+bool hasEffects(EventCode event);
+
+namespace additions {
+
+// AdditionsText.cpp
+Value offset(Evaluator& evaluator, CommandArguments const& arguments);
+Value round(Evaluator& evaluator, CommandArguments const& arguments);
+Value randomNumber(Evaluator& evaluator, CommandArguments const& arguments);
+Value asciiCharacter(Evaluator& evaluator, CommandArguments const& arguments);
+Value asciiNumber(Evaluator& evaluator, CommandArguments const& arguments);
+Value localizedString(Evaluator& evaluator, CommandArguments const& arguments);
+Value log(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsSystem.cpp
+Value currentDate(Evaluator& evaluator, CommandArguments const& arguments);
+Value timeToGMT(Evaluator& evaluator, CommandArguments const& arguments);
+Value delay(Evaluator& evaluator, CommandArguments const& arguments);
+Value runScript(Evaluator& evaluator, CommandArguments const& arguments);
+Value systemAttribute(Evaluator& evaluator, CommandArguments const& arguments);
+Value systemInfo(Evaluator& evaluator, CommandArguments const& arguments);
+Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsShell.cpp
+Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsFiles.cpp
+Value infoFor(Evaluator& evaluator, CommandArguments const& arguments);
+Value listFolder(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsReadWrite.cpp
+Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments);
+Value closeAccess(Evaluator& evaluator, CommandArguments const& arguments);
+Value read(Evaluator& evaluator, CommandArguments const& arguments);
+Value write(Evaluator& evaluator, CommandArguments const& arguments);
+Value getEnd(Evaluator& evaluator, CommandArguments const& arguments);
+Value setEnd(Evaluator& evaluator, CommandArguments const& arguments);
+
+} // namespace additions
+
+} // namespace mac::applescript

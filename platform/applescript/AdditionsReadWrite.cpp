@@ -1,0 +1,226 @@
+#include "platform/applescript/Additions.h"
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/ElementAccess.h"
+#include "platform/applescript/TextElements.h"
+#include "platform/foundation/Encodings.h"
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac::applescript::additions {
+
+namespace {
+
+constexpr mode_t NewFileMode = 0666;
+using File = OpenFiles::File;
+
+Value asFile(Value const& named, std::u16string const& path) {
+    if (named.is(ValueKind::File)) return named;
+    return makeObject<FileObject>(ValueKind::File, FileObject::Kind::File, path);
+}
+
+File openAt(Value const& named, std::u16string const& path, int flags) {
+    std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
+    if (!bytes) throw fileNotFound(asFile(named, path));
+    int const descriptor = ::open(bytes->c_str(), flags | O_CLOEXEC, NewFileMode);
+    if (descriptor < 0 && (errno == EACCES || errno == EROFS || errno == EISDIR))
+        throw plainError(errors::FilePermission);
+    if (descriptor < 0) throw fileNotFound(asFile(named, path));
+    return {.descriptor = descriptor, .path = path, .maySave = (flags & O_ACCMODE) != O_RDONLY};
+}
+
+// A file that is open already, or one opened for this command alone.
+class FileInUse {
+public:
+    FileInUse(Evaluator& evaluator, Value const& designator, int flags) {
+        Value const named = resolved(designator, evaluator.context());
+        if (named.isNumber()) {
+            m_file = evaluator.state().files.withNumber(requireInteger(named, evaluator.context()));
+            if (!m_file) throw plainError(errors::FileNotOpen);
+            return;
+        }
+        std::u16string const path = requirePath(named, evaluator.context());
+        m_file = evaluator.state().files.withPath(path);
+        if (m_file) return;
+        m_own = openAt(named, path, flags);
+        m_file = &m_own;
+    }
+    ~FileInUse() {
+        if (m_own.descriptor >= 0) ::close(m_own.descriptor);
+    }
+    FileInUse(FileInUse const&) = delete;
+    FileInUse& operator=(FileInUse const&) = delete;
+
+    File* operator->() const { return m_file; }
+    File& operator*() const { return *m_file; }
+
+private:
+    File m_own;
+    File* m_file{nullptr};
+};
+
+std::int64_t endOf(File const& file) {
+    struct stat status {};
+    if (::fstat(file.descriptor, &status) != 0) throw plainError(errors::Parameter);
+    return status.st_size;
+}
+
+std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end, std::size_t most) {
+    std::int64_t const count = std::max<std::int64_t>(end - start, 0);
+    if (count > static_cast<std::int64_t>(most)) throw plainError(errors::ValueTooLarge);
+    std::string bytes(static_cast<std::size_t>(count), '\0');
+    std::size_t read = 0;
+    while (read < bytes.size()) {
+        ssize_t const got =
+            ::pread(file.descriptor, bytes.data() + read, bytes.size() - read, start + static_cast<std::int64_t>(read));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        read += static_cast<std::size_t>(got);
+    }
+    bytes.resize(read);
+    return bytes;
+}
+
+// Linux: text without a class is UTF-8 where it is that, for that is what files here hold; else Mac OS Roman.
+std::u16string textOf(std::string const& bytes, Code type) {
+    if (type == codeOf("utxt") || type == codeOf("ut16")) {
+        std::optional<std::u16string> const wide = unitsFromBytes(bytes, NSUnicodeStringEncoding);
+        if (!wide) throw plainError(errors::Parameter);
+        return *wide;
+    }
+    std::optional<std::u16string> text = unitsFromUTF8(bytes);
+    if (!text) text = unitsFromBytes(bytes, NSMacOSRomanStringEncoding);
+    return text.value_or(std::u16string());
+}
+
+Value splitText(std::u16string const& text, Value const& delimiters, TextContext const& context) {
+    TextContext splitting;
+    splitting.considered = context.considered | Considerations::Case;
+    setTextItemDelimiters(delimiters, splitting);
+    std::vector<Value> items;
+    for (SourceRange const range : textElements(text, codeOf("citm"), splitting))
+        items.push_back(Value::text(text.substr(range.start, range.end - range.start)));
+    return Value::list(std::move(items));
+}
+
+std::string bytesOfValue(Value const& value, Value const* type, TextContext const& context) {
+    if (value.is(ValueKind::Data)) return value.data().bytes;
+    std::u16string const text = requireText(value, context);
+    bool const isWide = type && type->is(ValueKind::Type) && type->asCode() == codeOf("utxt");
+    if (!isWide) return utf8FromUnits(text);
+    return bytesFromUnits(text, NSUnicodeStringEncoding).value_or(std::string());
+}
+
+void writeAll(File const& file, std::string_view bytes, std::int64_t place) {
+    while (!bytes.empty()) {
+        ssize_t const count = ::pwrite(file.descriptor, bytes.data(), bytes.size(), place);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) throw plainError(errors::NotOpenForWriting);
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+        place += count;
+    }
+}
+
+} // namespace
+
+Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments) {
+    std::u16string const path = requirePath(arguments.direct, evaluator.context());
+    if (evaluator.state().files.withPath(path)) throw plainError(errors::FileAlreadyOpen);
+    Value const* const permission = arguments.find(codeOf("perm"));
+    bool const maySave = permission && requireBoolean(*permission, evaluator.context());
+    // A file that is not there is made either way.
+    File file =
+        maySave ? openAt(arguments.direct, path, O_RDWR | O_CREAT) : openAt(arguments.direct, path, O_RDONLY | O_CREAT);
+    file.maySave = maySave;
+    return Value::integer(evaluator.state().files.add(std::move(file)));
+}
+
+Value closeAccess(Evaluator& evaluator, CommandArguments const& arguments) {
+    Value const named = resolved(arguments.direct, evaluator.context());
+    OpenFiles& files = evaluator.state().files;
+    File const* const file = named.isNumber() ? files.withNumber(requireInteger(named, evaluator.context()))
+                                              : files.withPath(requirePath(named, evaluator.context()));
+    if (!file) throw plainError(errors::FileNotOpen);
+    files.close(*file);
+    return {};
+}
+
+// Places count from 1; negative ones from the end.
+Value read(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    FileInUse const file(evaluator, arguments.direct, O_RDONLY);
+    std::int64_t const size = endOf(*file);
+    auto const place = [&](Value const& index) {
+        if (index.is(ValueKind::Constant)) return size;
+        std::int64_t const number = requireInteger(index, context);
+        return number < 0 ? size + number + 1 : number;
+    };
+    Value const* const from = arguments.find(codeOf("rdfm"));
+    Value const* const to = arguments.find(codeOf("rdto"));
+    Value const* const count = arguments.find(codeOf("rdfr"));
+    std::int64_t const start = from ? std::max<std::int64_t>(place(*from) - 1, 0) : file->place;
+    std::int64_t end = to ? place(*to) : count ? start + requireInteger(*count, context) : size;
+    end = std::min(end, size);
+    if (start >= size && (size > 0 || from)) throw plainError(errors::EndOfFile);
+    std::string bytes = bytesBetween(*file, start, end, context.mostUnits);
+    Value const* const before = arguments.find(codeOf("rdbf"));
+    Value const* const until = arguments.find(codeOf("rdut"));
+    if (before || until) {
+        std::string const mark = utf8FromUnits(requireText(before ? *before : *until, context));
+        std::size_t const found = bytes.find(mark.substr(0, 1));
+        if (found != std::string::npos) bytes.resize(before ? found : found + 1);
+    }
+    file->place = start + static_cast<std::int64_t>(bytes.size());
+    Value const* const type = arguments.find(codeOf("as  "));
+    Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
+    if (code == codeOf("rdat")) return makeObject<DataObject>(ValueKind::Data, codeOf("rdat"), bytes);
+    std::u16string const text = textOf(bytes, code);
+    if (Value const* const delimiters = arguments.find(codeOf("deli"))) return splitText(text, *delimiters, context);
+    bool const isText = code == codeOf("ctxt") || code == codeOf("TEXT") || code == codeOf("utxt") ||
+                        code == codeOf("utf8") || code == codeOf("ut16");
+    return isText ? Value::text(text) : requireType(Value::text(text), code, context);
+}
+
+Value write(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    Value const* const target = arguments.find(codeOf("refn"));
+    if (!target) throw missingParameter(u"to", u"write");
+    FileInUse const file(evaluator, *target, O_RDWR | O_CREAT);
+    if (!file->maySave) throw plainError(errors::NotOpenForWriting);
+    std::string bytes = bytesOfValue(resolved(arguments.direct, context), arguments.find(codeOf("as  ")), context);
+    if (Value const* const count = arguments.find(codeOf("nmwr")))
+        bytes.resize(std::min(bytes.size(), static_cast<std::size_t>(std::max(requireInteger(*count, context), 0))));
+    std::int64_t place = file->place;
+    if (Value const* const start = arguments.find(codeOf("wrat"))) {
+        std::int64_t const end = endOf(*file);
+        if (start->is(ValueKind::Constant)) {
+            place = end;
+        } else {
+            std::int64_t const number = requireInteger(*start, context);
+            place = number < 0 ? end + number + 1 : std::max<std::int64_t>(number - 1, 0);
+        }
+    }
+    writeAll(*file, bytes, place);
+    file->place = place + static_cast<std::int64_t>(bytes.size());
+    return {};
+}
+
+Value getEnd(Evaluator& evaluator, CommandArguments const& arguments) {
+    FileInUse const file(evaluator, arguments.direct, O_RDONLY);
+    return Value::number(static_cast<double>(endOf(*file)));
+}
+
+Value setEnd(Evaluator& evaluator, CommandArguments const& arguments) {
+    Value const* const size = arguments.find(codeOf("set2"));
+    if (!size) throw missingParameter(u"to", u"set eof");
+    FileInUse const file(evaluator, arguments.direct, O_RDWR | O_CREAT);
+    if (!file->maySave) throw plainError(errors::NotOpenForWriting);
+    std::int32_t const end = requireInteger(*size, evaluator.context());
+    if (end < 0 || ::ftruncate(file->descriptor, end) != 0) throw plainError(errors::Parameter);
+    file->place = std::min<std::int64_t>(file->place, end);
+    return {};
+}
+
+} // namespace mac::applescript::additions

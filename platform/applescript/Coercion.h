@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/applescript/HeapObjects.h"
+#include "platform/applescript/TextContext.h"
+#include <optional>
+
+namespace mac::applescript {
+
+// The value as one of that class; nothing where there is no way. References are followed first.
+std::optional<Value> coerced(Value const& value, Code type, TextContext const& context);
+
+// The same, with the error that says it cannot be done.
+Value requireType(Value const& value, Code type, TextContext const& context);
+// A number of either kind.
+Value requireNumber(Value const& value, TextContext const& context);
+double requireReal(Value const& value, TextContext const& context);
+std::int32_t requireInteger(Value const& value, TextContext const& context);
+std::u16string requireText(Value const& value, TextContext const& context);
+bool requireBoolean(Value const& value, TextContext const& context);
+// A path of a file, an alias, HFS text; POSIX text where it begins with a slash.
+std::u16string requirePath(Value const& value, TextContext const& context);
+
+// The class, as `class of` answers it.
+Code classOfValue(Value const& value);
+// Whether the value is of the class as it is, without coercion: number holds both kinds.
+bool isOfClass(Value const& value, Code type);
+
+} // namespace mac::applescript

@@ -1,0 +1,239 @@
+#include "platform/applescript/Additions.h"
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/ElementAccess.h"
+#include "platform/applescript/Evaluator.h"
+#include "platform/applescript/SourceForm.h"
+#include "platform/applescript/StackRoom.h"
+#include <algorithm>
+
+namespace mac::applescript {
+
+namespace {
+
+// A chain of parents that closes is a script's mistake; it has an end here.
+constexpr int LongestChain = 1000;
+
+std::u16string patternText(Node const& pattern) {
+    if (pattern.kind == NodeKind::Variable) return pattern.name->spelling;
+    std::u16string text;
+    for (Node const* const part : pattern.list)
+        text += (text.empty() ? u"" : u", ") + patternText(*part);
+    return u"{" + text + u"}";
+}
+
+ScriptError parametersDoNotMatch(std::vector<Value> const& arguments, HandlerDefinition const& handler) {
+    std::u16string parameters;
+    for (Node const* const pattern : handler.positional)
+        parameters += (parameters.empty() ? u"" : u", ") + patternText(*pattern);
+    return {.number = errors::ParametersDoNotMatch,
+            .message = sourceForm(Value::list(arguments)) + u" doesn’t match the parameters {" + parameters +
+                       u"} for " + handler.name->spelling + u"."};
+}
+
+} // namespace
+
+Value const* CommandArguments::find(Code code) const {
+    auto const found = std::ranges::find_if(named, [&](auto const& argument) { return argument.first == code; });
+    return found == named.end() ? nullptr : &found->second;
+}
+
+Evaluator::FoundHandler Evaluator::findHandler(Value const& start, Symbol name) const {
+    Value current = start;
+    for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
+        ScriptObject& script = current.script();
+        if (HandlerDefinition const* const handler = script.handlerNamed(name))
+            return {.owner = &script, .handler = handler};
+        Value const next = script.parent();
+        current = next;
+    }
+    return {};
+}
+
+Evaluator::FoundHandler Evaluator::findCommandHandler(Value const& start, CommandTerm const& command) const {
+    Value current = start;
+    for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
+        ScriptObject& script = current.script();
+        for (HandlerDefinition const* const handler : script.definition().handlers)
+            if (handler->command && handler->command->code == command.code)
+                return {.owner = &script, .handler = handler};
+        Value const next = script.parent();
+        current = next;
+    }
+    return {};
+}
+
+// Runs a handler in a frame of its own; `bind` gives its parameters their values.
+Value Evaluator::enter(FoundHandler found, Value const& me, std::function<void()> const& bind) {
+    requireStackRoom();
+    checkpoint();
+    Value const owner = found.owner->self();
+    std::vector<Value> locals(found.handler->localCount);
+    Frame frame;
+    frame.lexical = found.owner;
+    frame.root = &found.owner->outermost();
+    frame.handler = found.handler;
+    frame.me = frame.it = me;
+    frame.locals = locals.data();
+    Frame* const outer = std::exchange(m_frame, &frame);
+    struct Leave {
+        Frame*& current;
+        Frame* outer;
+        ~Leave() { current = outer; }
+    } const leave{m_frame, outer};
+    bind();
+    executeBlock(found.handler->block);
+    return std::move(frame.result);
+}
+
+Value Evaluator::callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments) {
+    std::vector<Node*> const& patterns = found.handler->positional;
+    if (patterns.size() != arguments.size()) throw parametersDoNotMatch(arguments, *found.handler);
+    return enter(found, me, [&] {
+        for (std::size_t index = 0; index < patterns.size(); ++index)
+            assign(*patterns[index], arguments[index]);
+    });
+}
+
+Value Evaluator::receiverOf(Node const& node) {
+    Value const receiver = resolved(node.a ? valueOf(*node.a) : m_frame->it, context());
+    if (receiver.is(ValueKind::Application)) throw cannotGet(receiver);
+    return receiver;
+}
+
+Value Evaluator::evaluateCall(Node const& node) {
+    Value const receiver = receiverOf(node);
+    FoundHandler const found = findHandler(receiver, node.name);
+    std::vector<Value> arguments;
+    arguments.reserve(node.list.size());
+    for (Node const* const argument : node.list)
+        arguments.push_back(valueOf(*argument));
+    if (!found.handler) {
+        // A property may hold a handler's script: nothing here calls values, so the message is not understood.
+        throw notUnderstood(receiver, node.name->spelling);
+    }
+    return callPositional(found, receiver, arguments);
+}
+
+Value Evaluator::evaluateLabeledCall(Node const& node) {
+    Value const receiver = receiverOf(node);
+    FoundHandler const found = findHandler(receiver, node.name);
+    if (!found.handler) throw notUnderstood(receiver, node.name->spelling);
+    return callLabeled(found, receiver, node);
+}
+
+Value Evaluator::callLabeled(FoundHandler found, Value const& me, Node const& node) {
+    std::vector<std::pair<Node const*, Value>> bindings;
+    HandlerDefinition const& handler = *found.handler;
+    if (handler.direct) {
+        if (!node.b) throw missingParameter(u"direct", handler.name->spelling);
+        bindings.emplace_back(handler.direct, valueOf(*node.b));
+    }
+    for (auto const& [label, pattern] : handler.labeled) {
+        std::size_t index = 0;
+        while (index < node.names.size() && !isSameName(node.names[index], label))
+            ++index;
+        if (index == node.names.size()) throw missingParameter(label->spelling, handler.name->spelling);
+        bindings.emplace_back(pattern, valueOf(*node.list[index]));
+    }
+    return enter(found, me, [&] {
+        for (auto const& [pattern, value] : bindings)
+            assign(*pattern, value);
+    });
+}
+
+Value Evaluator::callCommandHandler(FoundHandler found, Value const& me, CommandArguments const& arguments) {
+    HandlerDefinition const& handler = *found.handler;
+    return enter(found, me, [&] {
+        if (handler.direct && !arguments.direct.isNothing()) assign(*handler.direct, arguments.direct);
+        for (auto const& [label, pattern] : handler.labeled)
+            if (Value const* const value = arguments.find(label->code)) assign(*pattern, *value);
+    });
+}
+
+CommandArguments Evaluator::argumentsOf(Node const& node) {
+    CommandArguments arguments;
+    if (node.a) arguments.direct = valueOf(*node.a);
+    for (std::size_t index = 0; index < node.codes.size(); ++index)
+        arguments.named.emplace_back(node.codes[index], valueOf(*node.list[index]));
+    return arguments;
+}
+
+Value Evaluator::exists(Node const& node) {
+    if (!node.a) throw missingParameter(u"direct", u"exists");
+    try {
+        resolved(valueOf(*node.a), context());
+        return Value::boolean(true);
+    } catch (ScriptError const& error) {
+        bool const isAbsent = error.number == errors::CannotGet && !rootOf(error.from).is(ValueKind::Application);
+        if (!isAbsent) throw;
+        return Value::boolean(false);
+    }
+}
+
+Value Evaluator::evaluateCommand(Node const& node) {
+    if (node.command->code == eventOf("coredoex")) return exists(node);
+    CommandArguments const arguments = argumentsOf(node);
+    Value const receiver = m_frame->it.is(ValueKind::Script) ? m_frame->it : m_frame->me;
+    // A command to a script goes to that script.
+    Value const direct = resolved(arguments.direct, context());
+    FoundHandler found;
+    bool const isToScript = direct.is(ValueKind::Script);
+    if (isToScript) {
+        found = findCommandHandler(direct, *node.command);
+        if (node.command->code == eventOf("aevtoapp") && (!found.handler || found.owner != &direct.script()))
+            return runScript(direct.script(), {});
+        if (found.handler) return callCommandHandler(found, direct, {});
+    }
+    found = findCommandHandler(receiver, *node.command);
+    if (found.handler) return callCommandHandler(found, receiver, arguments);
+    return performCommand(*node.command, arguments, node);
+}
+
+Value Evaluator::performCommand(CommandTerm const& command, CommandArguments const& arguments, Node const& node) {
+    if (Addition const addition = additionFor(command.code)) {
+        if (command.direct == DirectParameter::Required && arguments.direct.isNothing())
+            throw missingParameter(u"direct", command.name);
+        if (m_options.computesOnly && hasEffects(command.code)) throw plainError(errors::AccessNotAllowed);
+        return addition(*this, arguments);
+    }
+    Value const target = resolved(arguments.direct.isNothing() ? m_frame->it : arguments.direct, context());
+    if (target.is(ValueKind::Application)) throw cannotGet(target);
+    if (command.code == eventOf("aevtoapp") && target.is(ValueKind::Script) && node.a == nullptr)
+        return runScript(target.script(), {});
+    throw notUnderstood(target, command.name);
+}
+
+// Hands the message on to the parent; `me` stays who it was.
+Value Evaluator::evaluateContinue(Node const& node) {
+    Node const& call = *node.a;
+    Value const parent = m_frame->lexical->parent();
+    if (call.kind == NodeKind::Command) {
+        FoundHandler const found = findCommandHandler(parent, *call.command);
+        CommandArguments const arguments = argumentsOf(call);
+        if (found.handler) return callCommandHandler(found, m_frame->me, arguments);
+        return performCommand(*call.command, arguments, call);
+    }
+    Symbol const name = call.name;
+    FoundHandler const found = name ? findHandler(parent, name) : FoundHandler();
+    if (!found.handler) {
+        if (!name) return valueOf(call);
+        throw notUnderstood(parent.isNothing() ? Value::currentApplication() : parent, name->spelling);
+    }
+    if (call.kind == NodeKind::LabeledCall) return callLabeled(found, m_frame->me, call);
+    std::vector<Value> arguments;
+    for (Node const* const argument : call.list)
+        arguments.push_back(valueOf(*argument));
+    return callPositional(found, m_frame->me, arguments);
+}
+
+Value Evaluator::runScript(ScriptObject& script, std::vector<Value> const& arguments) {
+    FoundHandler const found{.owner = &script, .handler = script.definition().run};
+    return enter(found, script.self(), [&] {
+        if (!found.handler->direct) return;
+        Node const& pattern = *found.handler->direct;
+        // Given parameters, on run argv gets them all.
+        assign(pattern, Value::list(arguments));
+    });
+}
+
+} // namespace mac::applescript

@@ -1,0 +1,64 @@
+#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/ScriptObject.h"
+#include <new>
+
+namespace mac::applescript {
+
+namespace {
+
+TerminologySource currentSource = nullptr;
+
+ScriptError outOfMemory() { return plainError(errors::OutOfMemory); }
+
+} // namespace
+
+void setTerminologySource(TerminologySource source) { currentSource = source; }
+TerminologySource terminologySource() { return currentSource; }
+
+EngineState& engineState() {
+    static EngineState state;
+    return state;
+}
+
+CompiledScript::~CompiledScript() {
+    if (m_script.isNothing()) return;
+    m_script = Value();
+    ContainerObject::collectCircles();
+}
+
+std::optional<CompiledScript> CompiledScript::compile(std::u16string_view source, ScriptError& error) {
+    try {
+        return CompiledScript(ScriptParser(source, currentSource).parse());
+    } catch (ScriptError const& thrown) {
+        error = thrown;
+    } catch (std::bad_alloc const&) {
+        error = outOfMemory();
+    }
+    error.isSyntax = true;
+    if (!error.range) error.range = SourceRange{.start = 0, .end = static_cast<std::uint32_t>(source.size())};
+    return {};
+}
+
+ScriptOutcome CompiledScript::run(RunOptions const& options, std::vector<Value> const& arguments) {
+    ScriptOutcome outcome;
+    EngineState& state = engineState();
+    unsigned const considered = state.text.considered;
+    try {
+        Evaluator evaluator(state, options);
+        if (m_script.isNothing()) m_script = evaluator.load(m_tree);
+        outcome.value = evaluator.runScript(m_script.script(), arguments);
+    } catch (ScriptError const& error) {
+        outcome.error = error;
+    } catch (ScriptStopped const& stopped) {
+        outcome.error = stopped.error;
+    } catch (std::bad_alloc const&) {
+        outcome.error = outOfMemory();
+    }
+    state.text.considered = considered;
+    if (!outcome.error) return outcome;
+    if (outcome.error->message.empty()) outcome.error->message = messageOfNumber(outcome.error->number);
+    if (!outcome.error->range) outcome.error->range = SourceRange{};
+    return outcome;
+}
+
+} // namespace mac::applescript

@@ -1,0 +1,67 @@
+#include "platform/applescript/ScriptSymbol.h"
+#include <memory>
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+#include <unordered_map>
+
+namespace mac::applescript {
+
+namespace {
+
+using SymbolTable = std::unordered_map<std::u16string, std::unique_ptr<ScriptSymbol>>;
+
+SymbolTable& identifiers() {
+    static SymbolTable table;
+    return table;
+}
+
+Symbol interned(std::u16string_view spelling) {
+    std::unique_ptr<ScriptSymbol>& entry = identifiers()[std::u16string(spelling)];
+    if (entry) return entry.get();
+    entry = std::make_unique<ScriptSymbol>();
+    ScriptSymbol* const made = entry.get();
+    made->spelling = spelling;
+    std::u16string const folded = foldedName(spelling);
+    made->canonical = folded == spelling ? made : interned(folded);
+    return made;
+}
+
+bool isAscii(std::u16string_view text) {
+    for (char16_t const unit : text)
+        if (unit >= 0x80) return false;
+    return true;
+}
+
+} // namespace
+
+std::u16string foldedName(std::u16string_view name) {
+    std::u16string folded(name);
+    if (isAscii(name)) {
+        for (char16_t& unit : folded)
+            if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + (u'a' - u'A'));
+        return folded;
+    }
+    // Folding at most triples the length.
+    std::u16string target(name.size() * 3, u'\0');
+    UErrorCode status = U_ZERO_ERROR;
+    std::int32_t const length = u_strFoldCase(target.data(), static_cast<std::int32_t>(target.size()), name.data(),
+                                              static_cast<std::int32_t>(name.size()), U_FOLD_CASE_DEFAULT, &status);
+    if (U_FAILURE(status)) return folded;
+    target.resize(static_cast<std::size_t>(length));
+    return target;
+}
+
+Symbol identifierSymbol(std::u16string_view spelling) { return interned(spelling); }
+
+Symbol termSymbol(Code code, std::u16string_view spelling) {
+    static std::unordered_map<Code, std::unique_ptr<ScriptSymbol>> terms;
+    std::unique_ptr<ScriptSymbol>& entry = terms[code];
+    if (entry) return entry.get();
+    entry = std::make_unique<ScriptSymbol>();
+    entry->spelling = spelling;
+    entry->canonical = entry.get();
+    entry->code = code;
+    return entry.get();
+}
+
+} // namespace mac::applescript

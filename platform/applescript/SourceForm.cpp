@@ -1,0 +1,320 @@
+#include "platform/applescript/SourceForm.h"
+#include "platform/applescript/ObjectSpecifier.h"
+#include "platform/applescript/RealText.h"
+#include "platform/applescript/ScriptDate.h"
+#include "platform/applescript/ScriptObject.h"
+#include "platform/applescript/ScriptPaths.h"
+#include "platform/applescript/StackRoom.h"
+#include <array>
+
+namespace mac::applescript {
+
+namespace {
+
+// A circle of lists has no end; a form that grows beyond this is cut off with the overflow error.
+constexpr std::size_t DeepestForm = 500;
+constexpr auto HexDigits = std::u16string_view(u"0123456789ABCDEF");
+
+struct ComparisonText {
+    Operation operation;
+    std::u16string_view text;
+};
+constexpr auto ComparisonTexts = std::to_array<ComparisonText>({
+    {Operation::Equal, u" = "},
+    {Operation::NotEqual, u" ≠ "},
+    {Operation::Less, u" < "},
+    {Operation::Greater, u" > "},
+    {Operation::AtMost, u" ≤ "},
+    {Operation::AtLeast, u" ≥ "},
+    {Operation::Contains, u" contains "},
+    {Operation::DoesNotContain, u" does not contain "},
+    {Operation::IsIn, u" is in "},
+    {Operation::IsNotIn, u" is not in "},
+    {Operation::StartsWith, u" starts with "},
+    {Operation::EndsWith, u" ends with "},
+    {Operation::And, u" and "},
+    {Operation::Or, u" or "},
+});
+
+std::u16string decimal(std::int32_t number) {
+    std::string const digits = std::to_string(number);
+    return std::u16string(digits.begin(), digits.end());
+}
+
+std::u16string quoted(std::u16string_view text) {
+    std::u16string form = u"\"";
+    for (char16_t const unit : text) {
+        if (unit == u'"' || unit == u'\\') form += u'\\';
+        form += unit;
+    }
+    return form + u"\"";
+}
+
+class Writer {
+public:
+    explicit Writer(bool isSource) : m_isSource(isSource) {}
+
+    void write(Value const& value) {
+        requireStackRoom();
+        if (++m_depth > DeepestForm) throw plainError(errors::StackOverflow);
+        switch (value.kind()) {
+        case ValueKind::Nothing:
+            break;
+        case ValueKind::Boolean:
+            m_form += value.asBoolean() ? u"true" : u"false";
+            break;
+        case ValueKind::Integer:
+            m_form += decimal(value.asInteger());
+            break;
+        case ValueKind::Real:
+            m_form += realText(value.asReal());
+            break;
+        case ValueKind::Type:
+            m_form += nameOfCode(value.asCode());
+            break;
+        case ValueKind::Constant:
+            writeConstant(value.asCode());
+            break;
+        case ValueKind::AppleScript:
+            m_form += u"«script AppleScript»";
+            break;
+        case ValueKind::CurrentApplication:
+            m_form += u"current application";
+            break;
+        default:
+            writeObject(value);
+        }
+        --m_depth;
+    }
+
+    std::u16string take() { return std::move(m_form); }
+
+private:
+    void writeConstant(Code code) {
+        std::u16string_view const name = Terminology::base().nameOf(code);
+        m_form += name.empty() ? u"«constant ****" + charactersOfCode(code) + u"»" : std::u16string(name);
+    }
+
+    void writeObject(Value const& value) {
+        switch (value.kind()) {
+        case ValueKind::Text:
+            m_form += m_isSource ? quoted(value.units()) : value.units();
+            break;
+        case ValueKind::List:
+            writeList(value.items());
+            break;
+        case ValueKind::Record:
+            writeRecord(value.fields());
+            break;
+        case ValueKind::Date:
+            m_form += u"date " + quoted(fullDateText(value.seconds()));
+            break;
+        case ValueKind::File:
+            writeFile(value);
+            break;
+        case ValueKind::Application:
+            m_form += value.application().byIdentifier ? u"application id " : u"application ";
+            m_form += quoted(value.application().name);
+            break;
+        case ValueKind::Data:
+            writeData(value.data());
+            break;
+        case ValueKind::Specifier:
+            writeSpecifier(value.specifier());
+            break;
+        case ValueKind::Test:
+            writeTest(value.test());
+            break;
+        default:
+            writeScript(value.script());
+        }
+    }
+
+    void open(std::u16string_view bracket) {
+        if (m_isSource) m_form += bracket;
+    }
+
+    void writeList(std::vector<Value> const& items) {
+        open(u"{");
+        bool isFirst = true;
+        for (Value const& item : items) {
+            if (!std::exchange(isFirst, false)) m_form += u", ";
+            write(item);
+        }
+        open(u"}");
+    }
+
+    void writeRecord(std::vector<std::pair<Symbol, Value>> const& fields) {
+        open(u"{");
+        bool isFirst = true;
+        for (auto const& [key, value] : fields) {
+            if (!std::exchange(isFirst, false)) m_form += u", ";
+            writeName(key);
+            m_form += u":";
+            write(value);
+        }
+        open(u"}");
+    }
+
+    void writeName(Symbol name) {
+        bool const hasBars = name->code == 0 && needsBars(name->spelling);
+        if (!hasBars) {
+            m_form += name->spelling;
+            return;
+        }
+        m_form += u'|';
+        for (char16_t const unit : name->spelling) {
+            if (unit == u'|' || unit == u'\\') m_form += u'\\';
+            m_form += unit;
+        }
+        m_form += u'|';
+    }
+
+    void writeFile(Value const& value) {
+        m_form += value.file().kind == FileObject::Kind::Alias ? u"alias " : u"file ";
+        m_form += m_isSource ? quoted(filePathText(value)) : filePathText(value);
+    }
+
+    void writeData(DataObject const& data) {
+        m_form += u"«data " + charactersOfCode(data.type);
+        for (char const byte : data.bytes) {
+            m_form += HexDigits[static_cast<unsigned char>(byte) >> 4U];
+            m_form += HexDigits[static_cast<unsigned char>(byte) & 15U];
+        }
+        m_form += u"»";
+    }
+
+    void writeScript(ScriptObject const& script) {
+        m_form += u"«script";
+        if (script.definition().name) m_form += u" " + script.definition().name->spelling;
+        m_form += u"»";
+    }
+
+    // Values inside a specifier are always in source form.
+    void writeInside(Value const& value) {
+        bool const isSource = std::exchange(m_isSource, true);
+        write(value);
+        m_isSource = isSource;
+    }
+
+    void writeSpecifier(SpecifierObject const& specifier) {
+        writeHead(specifier);
+        if (specifier.container.isNothing()) return;
+        m_form += specifier.form == Form::Before || specifier.form == Form::After ? u" " : u" of ";
+        writeInside(specifier.container);
+    }
+
+    // every item, or items before a range.
+    void writeElements(Code want) {
+        if (Term const* const plural = pluralOf(want))
+            m_form += plural->name;
+        else
+            m_form += nameOfCode(want);
+    }
+
+    static Term const* pluralOf(Code want) {
+        std::u16string const name = nameOfCode(want);
+        for (std::u16string_view const ending : {u"s", u"es"})
+            if (Term const* const term = Terminology::base().termNamed(name + std::u16string(ending)))
+                if (term->isPlural) return term;
+        return nullptr;
+    }
+
+    void writeHead(SpecifierObject const& specifier) {
+        std::u16string const name = specifier.want != 0 ? nameOfCode(specifier.want) : std::u16string();
+        switch (specifier.form) {
+        case Form::Property:
+            writeName(specifier.property);
+            break;
+        case Form::Index:
+        case Form::Name:
+            m_form += name + u" ";
+            writeInside(specifier.from);
+            break;
+        case Form::Identifier:
+            m_form += name + u" id ";
+            writeInside(specifier.from);
+            break;
+        case Form::Range:
+            writeRange(specifier);
+            break;
+        case Form::Every:
+            m_form += u"every " + name;
+            break;
+        case Form::Some:
+            m_form += u"some " + name;
+            break;
+        case Form::Middle:
+            m_form += u"middle " + name;
+            break;
+        case Form::Last:
+            m_form += u"last " + name;
+            break;
+        case Form::Filter:
+            writeInside(specifier.from);
+            m_form += u" whose ";
+            writeInside(specifier.to);
+            break;
+        case Form::Beginning:
+            m_form += u"beginning";
+            break;
+        case Form::End:
+            m_form += u"end";
+            break;
+        case Form::Before:
+            m_form += u"before";
+            break;
+        case Form::After:
+            m_form += u"after";
+            break;
+        }
+    }
+
+    void writeRange(SpecifierObject const& specifier) {
+        writeElements(specifier.want);
+        bool const isByElement = specifier.from.is(ValueKind::Specifier);
+        m_form += isByElement ? u" from " : u" ";
+        writeInside(specifier.from);
+        m_form += isByElement ? u" to " : u" thru ";
+        writeInside(specifier.to);
+    }
+
+    void writeTest(TestObject const& test) {
+        if (test.operation == Operation::Not) {
+            m_form += u"not ";
+            writeInside(test.left);
+            return;
+        }
+        writeInside(test.left);
+        for (ComparisonText const& comparison : ComparisonTexts)
+            if (comparison.operation == test.operation) m_form += comparison.text;
+        writeInside(test.right);
+    }
+
+    bool m_isSource;
+    std::size_t m_depth{0};
+    std::u16string m_form;
+};
+
+} // namespace
+
+std::u16string sourceForm(Value const& value) {
+    Writer writer(true);
+    writer.write(value);
+    return writer.take();
+}
+
+std::u16string humanForm(Value const& value) {
+    Writer writer(false);
+    writer.write(value);
+    return writer.take();
+}
+
+std::u16string filePathText(Value const& file) {
+    std::u16string path = hfsPathOf(file.file().path);
+    bool const isFolder = file.file().kind == FileObject::Kind::Alias && isFolderAt(file.file().path);
+    if (isFolder && !path.ends_with(u':')) path += u':';
+    return path;
+}
+
+} // namespace mac::applescript

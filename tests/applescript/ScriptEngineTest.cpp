@@ -1,0 +1,152 @@
+#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/SourceForm.h"
+#include "platform/foundation/Encodings.h"
+#include <atomic>
+#include <gtest/gtest.h>
+
+namespace mac::applescript::test {
+
+namespace {
+
+CompiledScript compiled(std::u16string_view source) {
+    ScriptError error;
+    std::optional<CompiledScript> script = CompiledScript::compile(source, error);
+    EXPECT_TRUE(script) << utf8FromUnits(error.message);
+    return *std::move(script);
+}
+
+std::int32_t compileErrorNumber(std::u16string_view source) {
+    ScriptError error;
+    return CompiledScript::compile(source, error) ? 0 : error.number;
+}
+
+std::u16string repeated(std::u16string_view part, std::size_t count) {
+    std::u16string text;
+    for (; count > 0; --count)
+        text += part;
+    return text;
+}
+
+constexpr std::size_t Many = 1000000;
+
+TEST(ScriptEngine, AMillionOpenParenthesesOverflowTheStack) {
+    EXPECT_EQ(compileErrorNumber(repeated(u"(", Many)), errors::StackOverflow);
+}
+
+TEST(ScriptEngine, AMillionOpenListsOverflowTheStack) {
+    EXPECT_EQ(compileErrorNumber(repeated(u"{", Many)), errors::StackOverflow);
+}
+
+TEST(ScriptEngine, AMillionSignsAndContainersOverflowTheStack) {
+    EXPECT_EQ(compileErrorNumber(repeated(u"- ", Many) + u"1"), errors::StackOverflow);
+    EXPECT_EQ(compileErrorNumber(u"a" + repeated(u" of a", Many)), errors::StackOverflow);
+    EXPECT_EQ(compileErrorNumber(repeated(u"not ", Many) + u"true"), errors::StackOverflow);
+}
+
+TEST(ScriptEngine, AMillionSummandsOverflowTheStackOnlyWhenTheyAreAdded) {
+    CompiledScript script = compiled(u"1" + repeated(u"+1", Many));
+    ScriptOutcome const outcome = script.run({});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::StackOverflow);
+}
+
+TEST(ScriptEngine, AListNestedWhileRunningIsTakenDown) {
+    CompiledScript script = compiled(u"set x to {}\nrepeat 100000 times\nset x to {x}\nend repeat\ncount x");
+    EXPECT_EQ(script.run({}).value.asInteger(), 1);
+}
+
+TEST(ScriptEngine, AListThatHoldsItselfHasNoSourceFormAndIsFreed) {
+    CompiledScript script = compiled(u"set x to {}\nset end of x to x\nx");
+    ScriptOutcome outcome = script.run({});
+    ASSERT_TRUE(outcome.value.is(ValueKind::List));
+    EXPECT_THROW(sourceForm(outcome.value), ScriptError);
+}
+
+TEST(ScriptEngine, AFlagStopsAnEndlessLoopEvenInsideATry) {
+    std::atomic<bool> const cancelled{true};
+    CompiledScript script = compiled(u"repeat\ntry\nrepeat\nend repeat\nend try\nend repeat");
+    ScriptOutcome const outcome = script.run({.cancelled = &cancelled});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::UserCanceled);
+}
+
+TEST(ScriptEngine, AnEndlessLoopStopsWhenItsTimeIsOver) {
+    CompiledScript script = compiled(u"repeat\nend repeat");
+    ScriptOutcome const outcome = script.run({.seconds = 0.01});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::TimedOut);
+}
+
+TEST(ScriptEngine, AFlagStopsAShellCommandThatNeverEnds) {
+    std::atomic<bool> const cancelled{true};
+    CompiledScript script = compiled(u"do shell script \"cat /dev/zero\"");
+    ScriptOutcome const outcome = script.run({.cancelled = &cancelled});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::UserCanceled);
+}
+
+TEST(ScriptEngine, TextThatDoublesForeverIsRefused) {
+    engineState().text = TextContext();
+    engineState().text.mostUnits = 1U << 20U;
+    CompiledScript script = compiled(u"set x to \"abcdefgh\"\nrepeat\nset x to x & x\nend repeat");
+    ScriptOutcome const outcome = script.run({});
+    engineState().text = TextContext();
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::ValueTooLarge);
+}
+
+TEST(ScriptEngine, PropertiesKeepTheirValuesFromRunToRun) {
+    CompiledScript script = compiled(u"property n : 0\nset n to n + 1\nn");
+    EXPECT_EQ(script.run({}).value.asInteger(), 1);
+    EXPECT_EQ(script.run({}).value.asInteger(), 2);
+    EXPECT_EQ(compiled(u"property n : 0\nset n to n + 1\nn").run({}).value.asInteger(), 1);
+}
+
+TEST(ScriptEngine, TextItemDelimitersStayFromScriptToScript) {
+    engineState().text = TextContext();
+    compiled(u"set AppleScript's text item delimiters to \"-\"").run({});
+    EXPECT_EQ(compiled(u"{1, 2} as text").run({}).value.units(), u"1-2");
+    engineState().text = TextContext();
+}
+
+TEST(ScriptEngine, LoneSurrogatesPassThrough) {
+    std::u16string const source = u"\"a" + std::u16string(1, char16_t{0xDC80}) + u"b\"";
+    EXPECT_EQ(compiled(source).run({}).value.units(), source.substr(1, 3));
+}
+
+TEST(ScriptEngine, AScriptThatOnlyComputesRunsNoCommands) {
+    CompiledScript script = compiled(u"do shell script \"true\"");
+    ScriptOutcome const outcome = script.run({.computesOnly = true});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::AccessNotAllowed);
+}
+
+TEST(ScriptEngine, ErrorsSayWhereTheyAre) {
+    ScriptError error;
+    EXPECT_FALSE(CompiledScript::compile(u"set x to", error));
+    EXPECT_EQ(error.range->start, 8U);
+    ScriptOutcome const outcome = compiled(u"set x to 1\nset y to z").run({});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->range->start, 20U);
+    EXPECT_EQ(outcome.error->range->end, 21U);
+}
+
+TEST(ScriptEngine, RunGetsItsArguments) {
+    ScriptOutcome const outcome =
+        compiled(u"on run argv\nitem 2 of argv\nend run").run({}, {Value::text(u"a"), Value::text(u"b")});
+    EXPECT_EQ(outcome.value.units(), u"b");
+}
+
+TEST(ScriptEngine, LogReachesItsListener) {
+    std::u16string logged;
+    compiled(u"log {1, \"a\"}").run({.log = [&](std::u16string const& line) { logged = line; }});
+    EXPECT_EQ(logged, u"(*{1, \"a\"}*)");
+}
+
+TEST(SourceForm, PeopleReadTextWithoutQuotes) {
+    EXPECT_EQ(humanForm(compiled(u"{1, \"a\", {b:2}}").run({}).value), u"1, a, b:2");
+}
+
+} // namespace
+
+} // namespace mac::applescript::test
