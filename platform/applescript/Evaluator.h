@@ -134,6 +134,7 @@ private:
     EngineState& m_state;
     RunOptions const& m_options;
     Frame* m_frame{nullptr};
+    std::uintptr_t m_lowestStackAddress;
     unsigned m_steps{0};
     std::chrono::steady_clock::time_point m_deadline{};
 };

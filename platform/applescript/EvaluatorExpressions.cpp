@@ -42,7 +42,8 @@ bool isRealSum(Operation operation, Value const& left, Value const& right) {
 
 } // namespace
 
-Evaluator::Evaluator(EngineState& state, RunOptions const& options) : m_state(state), m_options(options) {
+Evaluator::Evaluator(EngineState& state, RunOptions const& options)
+    : m_state(state), m_options(options), m_lowestStackAddress(lowestStackAddress()) {
     if (options.seconds > 0)
         m_deadline = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                                                             std::chrono::duration<double>(options.seconds));
@@ -73,6 +74,7 @@ Value Evaluator::evaluate(Node const& node) {
         break;
     }
     case NodeKind::Binary: {
+        if (currentStackAddress() < m_lowestStackAddress) break;
         if (!node.b || node.operation == Operation::And || node.operation == Operation::Or) break;
         Value const left = evaluate(*node.a);
         Value const right = evaluate(*node.b);

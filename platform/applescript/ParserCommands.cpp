@@ -229,7 +229,8 @@ bool ScriptParser::parseLabeledArguments(Node& call) {
     }
     if (takeWord("given")) {
         do {
-            call.names.push_back(takeIdentifier(u"identifier"));
+            if (!isRecordKey()) expected(u"identifier");
+            call.names.push_back(parseRecordKey());
             expectSymbol(":");
             call.list.push_back(&parseExpression());
         } while (takeSymbol(","));

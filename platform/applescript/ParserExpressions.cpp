@@ -1,153 +1,17 @@
+#include "platform/applescript/OperatorPrecedence.h"
 #include "platform/applescript/ScriptParser.h"
 #include "platform/applescript/StackRoom.h"
-#include <array>
 #include <cmath>
 
 namespace mac::applescript {
-
-namespace {
-
-constexpr int OrPrecedence = 1;
-constexpr int AndPrecedence = 2;
-constexpr int NotPrecedence = 3;
-constexpr int EqualityPrecedence = 4;
-constexpr int RelationPrecedence = 5;
-constexpr int CoercionPrecedence = 6;
-constexpr int ConcatenationPrecedence = 7;
-constexpr int SumPrecedence = 8;
-constexpr int ProductPrecedence = 9;
-constexpr int PowerPrecedence = 10;
-
-struct SymbolOperator {
-    std::string_view spelling;
-    Operation operation;
-    int precedence;
-};
-
-constexpr auto SymbolOperators = std::to_array<SymbolOperator>({
-    {"&", Operation::Concatenate, ConcatenationPrecedence},
-    {"+", Operation::Add, SumPrecedence},
-    {"-", Operation::Subtract, SumPrecedence},
-    {"*", Operation::Multiply, ProductPrecedence},
-    {"/", Operation::Divide, ProductPrecedence},
-    {"^", Operation::Power, PowerPrecedence},
-    {"=", Operation::Equal, EqualityPrecedence},
-    {"≠", Operation::NotEqual, EqualityPrecedence},
-    {"<", Operation::Less, RelationPrecedence},
-    {">", Operation::Greater, RelationPrecedence},
-    {"≤", Operation::AtMost, RelationPrecedence},
-    {"≥", Operation::AtLeast, RelationPrecedence},
-});
-
-struct WordOperator {
-    std::u16string_view words;
-    Operation operation;
-    int precedence;
-};
-
-// Whichever has the most words counts.
-constexpr auto WordOperators = std::to_array<WordOperator>({
-    {u"or", Operation::Or, OrPrecedence},
-    {u"and", Operation::And, AndPrecedence},
-    {u"div", Operation::IntegerDivide, ProductPrecedence},
-    {u"mod", Operation::Modulo, ProductPrecedence},
-    {u"as", Operation::As, CoercionPrecedence},
-    {u"equal", Operation::Equal, EqualityPrecedence},
-    {u"equals", Operation::Equal, EqualityPrecedence},
-    {u"equal to", Operation::Equal, EqualityPrecedence},
-    {u"is", Operation::Equal, EqualityPrecedence},
-    {u"is equal", Operation::Equal, EqualityPrecedence},
-    {u"is equal to", Operation::Equal, EqualityPrecedence},
-    {u"is not", Operation::NotEqual, EqualityPrecedence},
-    {u"is not equal", Operation::NotEqual, EqualityPrecedence},
-    {u"is not equal to", Operation::NotEqual, EqualityPrecedence},
-    {u"does not equal", Operation::NotEqual, EqualityPrecedence},
-    {u"less than", Operation::Less, RelationPrecedence},
-    {u"is less than", Operation::Less, RelationPrecedence},
-    {u"is not less than", Operation::AtLeast, RelationPrecedence},
-    {u"less than or equal", Operation::AtMost, RelationPrecedence},
-    {u"less than or equal to", Operation::AtMost, RelationPrecedence},
-    {u"is less than or equal", Operation::AtMost, RelationPrecedence},
-    {u"is less than or equal to", Operation::AtMost, RelationPrecedence},
-    {u"is not less than or equal", Operation::Greater, RelationPrecedence},
-    {u"is not less than or equal to", Operation::Greater, RelationPrecedence},
-    {u"greater than", Operation::Greater, RelationPrecedence},
-    {u"is greater than", Operation::Greater, RelationPrecedence},
-    {u"is not greater than", Operation::AtMost, RelationPrecedence},
-    {u"greater than or equal", Operation::AtLeast, RelationPrecedence},
-    {u"greater than or equal to", Operation::AtLeast, RelationPrecedence},
-    {u"is greater than or equal", Operation::AtLeast, RelationPrecedence},
-    {u"is greater than or equal to", Operation::AtLeast, RelationPrecedence},
-    {u"is not greater than or equal", Operation::Less, RelationPrecedence},
-    {u"is not greater than or equal to", Operation::Less, RelationPrecedence},
-    {u"comes before", Operation::Less, RelationPrecedence},
-    {u"comes after", Operation::Greater, RelationPrecedence},
-    {u"does not come before", Operation::AtLeast, RelationPrecedence},
-    {u"does not come after", Operation::AtMost, RelationPrecedence},
-    {u"contain", Operation::Contains, RelationPrecedence},
-    {u"contains", Operation::Contains, RelationPrecedence},
-    {u"does not contain", Operation::DoesNotContain, RelationPrecedence},
-    {u"is in", Operation::IsIn, RelationPrecedence},
-    {u"is contained by", Operation::IsIn, RelationPrecedence},
-    {u"is not in", Operation::IsNotIn, RelationPrecedence},
-    {u"is not contained by", Operation::IsNotIn, RelationPrecedence},
-    {u"start with", Operation::StartsWith, RelationPrecedence},
-    {u"starts with", Operation::StartsWith, RelationPrecedence},
-    {u"begin with", Operation::StartsWith, RelationPrecedence},
-    {u"begins with", Operation::StartsWith, RelationPrecedence},
-    {u"end with", Operation::EndsWith, RelationPrecedence},
-    {u"ends with", Operation::EndsWith, RelationPrecedence},
-    {u"is running", Operation::Running, EqualityPrecedence},
-    {u"is not running", Operation::NotRunning, EqualityPrecedence},
-});
-
-// "isn't" counts as "is not" and "doesn't" as "does not".
-std::size_t tokensOfOperator(std::span<Token const> tokens, std::u16string_view words) {
-    std::size_t const count = tokensSpelling(tokens, words);
-    if (count != 0 || tokens.empty()) return count;
-    constexpr std::u16string_view isNot = u"is not";
-    constexpr std::u16string_view doesNot = u"does not";
-    bool const isNegatedIs = tokens.front().isWord("isn't") && words.starts_with(isNot);
-    bool const isNegatedDoes = tokens.front().isWord("doesn't") && words.starts_with(doesNot);
-    if (!isNegatedIs && !isNegatedDoes) return 0;
-    std::u16string_view const rest = words.substr(isNegatedIs ? isNot.size() : doesNot.size());
-    if (rest.empty()) return 1;
-    std::size_t const following = tokensSpelling(tokens.subspan(1), rest.substr(1));
-    return following == 0 ? 0 : following + 1;
-}
-
-} // namespace
-
-std::optional<ScriptParser::Operator> ScriptParser::peekOperator() const {
-    Token const& token = current();
-    if (token.kind == TokenKind::Mark) {
-        for (SymbolOperator const& candidate : SymbolOperators)
-            if (token.word == candidate.spelling)
-                return Operator{.operation = candidate.operation, .precedence = candidate.precedence, .tokenCount = 1};
-        return {};
-    }
-    if (token.kind != TokenKind::Word || isStop()) return {};
-    bool const mayBegin = isReservedWord(token.word) || token.word == "less" || token.word == "greater" ||
-                          token.word.starts_with("come") || token.word.starts_with("start") ||
-                          token.word.starts_with("begin") || token.word == "ends";
-    if (!mayBegin) return {};
-    std::optional<Operator> best;
-    std::span<Token const> const rest = std::span(m_tokens).subspan(m_place);
-    for (WordOperator const& candidate : WordOperators) {
-        std::size_t const count = tokensOfOperator(rest, candidate.words);
-        if (count > (best ? best->tokenCount : 0))
-            best = Operator{.operation = candidate.operation, .precedence = candidate.precedence, .tokenCount = count};
-    }
-    return best;
-}
 
 Node& ScriptParser::parseExpression(int leastPrecedence) {
     requireStackRoom();
     std::size_t const first = m_place;
     Node* left = nullptr;
-    if (leastPrecedence <= NotPrecedence && isWord("not")) {
+    if (leastPrecedence <= precedence::Not && isWord("not")) {
         advance();
-        Node& operand = parseExpression(NotPrecedence);
+        Node& operand = parseExpression(precedence::Not);
         left = &make(NodeKind::Unary, first);
         left->operation = Operation::Not;
         left->a = &operand;
@@ -155,7 +19,7 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
         left = &parseUnary();
     }
     // Comparisons do not chain.
-    int mostPrecedence = PowerPrecedence;
+    int mostPrecedence = precedence::Power;
     while (std::optional<Operator> const found = peekOperator()) {
         if (found->precedence < leastPrecedence || found->precedence > mostPrecedence) break;
         for (std::size_t count = 0; count < found->tokenCount; ++count)
@@ -167,16 +31,18 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
         bool const isPredicate = found->operation == Operation::Running || found->operation == Operation::NotRunning;
         Node* right = nullptr;
         if (!isPredicate)
-            right = &parseExpression(found->operation == Operation::Power ? PowerPrecedence : found->precedence + 1);
+            right = &parseExpression(found->operation == Operation::Power ? precedence::Power : found->precedence + 1);
         Node& node = make(NodeKind::Binary, first);
         node.operation = found->operation;
         node.a = left;
         node.b = right;
         left = &node;
-        bool const isComparison = found->precedence == EqualityPrecedence || found->precedence == RelationPrecedence;
+        bool const isComparison =
+            found->precedence == precedence::Equality || found->precedence == precedence::Relation;
         if (isComparison) mostPrecedence = found->precedence - 1;
-        if (isComparison && found->precedence == RelationPrecedence) mostPrecedence = EqualityPrecedence;
-        if (found->precedence == AndPrecedence || found->precedence == OrPrecedence) mostPrecedence = PowerPrecedence;
+        if (isComparison && found->precedence == precedence::Relation) mostPrecedence = precedence::Equality;
+        if (found->precedence == precedence::And || found->precedence == precedence::Or)
+            mostPrecedence = precedence::Power;
     }
     return *left;
 }
@@ -313,7 +179,7 @@ Node* ScriptParser::parsePrimaryWord() {
         return &node;
     }
     if (takeWord("not")) {
-        Node& operand = parseExpression(EqualityPrecedence);
+        Node& operand = parseExpression(precedence::Equality);
         Node& node = make(NodeKind::Unary, first);
         node.operation = Operation::Not;
         node.a = &operand;

@@ -236,7 +236,8 @@ void ScriptParser::parseLabeledParameters(HandlerDefinition& handler) {
 void ScriptParser::parseGivenParameters(HandlerDefinition& handler) {
     if (!takeWord("given")) return;
     do {
-        Symbol const name = takeIdentifier(u"identifier");
+        if (!isRecordKey()) expected(u"identifier");
+        Symbol const name = parseRecordKey();
         expectSymbol(":");
         handler.labeled.emplace_back(name, &parsePattern(true));
     } while (takeSymbol(","));

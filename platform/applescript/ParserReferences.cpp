@@ -290,7 +290,7 @@ Node& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToken) {
         node.form = Form::Name;
     else
         takeWord("index");
-    if (startsIndex()) {
+    if (startsIndex() || (node.form == Form::Identifier && isSymbol("{"))) {
         node.b = &parseIndexOperand();
         if (takeWord("thru") || takeWord("through")) {
             node.form = Form::Range;

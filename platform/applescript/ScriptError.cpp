@@ -159,7 +159,7 @@ ScriptError divisionByZero(double dividend) {
 
 ScriptError fileNotFound(Value const& file) {
     return {.number = errors::FileNotFound,
-            .message = joined({u"File ", sourceForm(file), u" wasn’t found."}),
+            .message = joined({u"File ", humanForm(file), u" wasn’t found."}),
             .from = file};
 }
 

@@ -1,7 +1,6 @@
 #include "platform/applescript/StackRoom.h"
 #include "platform/applescript/ScriptError.h"
 #include <algorithm>
-#include <cstdint>
 #include <pthread.h>
 
 namespace mac::applescript {
@@ -12,10 +11,8 @@ namespace {
 constexpr std::uintptr_t MostUsed = 6U << 20U;
 constexpr std::uintptr_t LeastLeft = 512U << 10U;
 
-std::uintptr_t frameAddress() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
-
 std::uintptr_t lowestAddress() {
-    std::uintptr_t const here = frameAddress();
+    std::uintptr_t const here = currentStackAddress();
     std::uintptr_t lowest = here > MostUsed ? here - MostUsed : 0;
     pthread_attr_t attributes{};
     if (::pthread_getattr_np(::pthread_self(), &attributes) != 0) return lowest;
@@ -30,9 +27,13 @@ std::uintptr_t lowestAddress() {
 
 } // namespace
 
-void requireStackRoom() {
+std::uintptr_t lowestStackAddress() {
     thread_local std::uintptr_t const lowest = lowestAddress();
-    if (frameAddress() < lowest) throw plainError(errors::StackOverflow);
+    return lowest;
+}
+
+void requireStackRoom() {
+    if (currentStackAddress() < lowestStackAddress()) throw plainError(errors::StackOverflow);
 }
 
 } // namespace mac::applescript
