@@ -105,7 +105,9 @@ std::optional<SendingOutcome> waitFor(PendingReply const& pending, EventDeadline
         bool const isLate = deadline && std::chrono::steady_clock::now() >= *deadline;
         if (isLate && !isOver()) return std::nullopt;
     }
-    return pending.isDone ? pending.outcome : SendingOutcome{};
+    // A reply that has come already is not what was waited for.
+    bool const isUnderWay = until == Until::Sent && pending.isSent;
+    return isUnderWay ? SendingOutcome{} : pending.outcome;
 }
 
 } // namespace mac

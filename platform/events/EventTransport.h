@@ -10,12 +10,12 @@
 
 namespace mac {
 
-// Begins to answer other processes, unless this one does already; what goes wrong is noticed when an event is sent. On
-// the main thread it makes the event loop; on another one it does nothing before there is one.
+// Begins to answer other processes, unless this one does already: now, or as soon as there is an event loop. What goes
+// wrong is noticed when an event is sent. Any thread.
 void openEventEndpoint();
 
 // Sends a flat event; the pending reply is told when it is under way and, where one is wanted, when the reply has come.
-// Any thread.
+// The main thread makes the event loop for it; another one fails without.
 void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
                    std::shared_ptr<PendingReply> const& pending);
 

@@ -13,6 +13,7 @@
 #include <QDeadlineTimer>
 #include <QMetaType>
 #include <QThread>
+#include <atomic>
 #include <climits>
 #include <cstdlib>
 #include <map>
@@ -231,15 +232,25 @@ private:
     Endpoint m_endpoint;
 };
 
+std::atomic<bool> s_isWanted{false};
+
+// A program that shows windows makes its own kind of loop, so none is made here for it.
+void openWantedEndpoint() {
+    if (!s_isWanted || !QCoreApplication::instance()) return;
+    Transport::shared().run([](Endpoint& endpoint) { endpoint.open(); });
+}
+Q_COREAPP_STARTUP_FUNCTION(openWantedEndpoint)
+
 } // namespace
 
 void openEventEndpoint() {
-    if (::gettid() == ::getpid()) requireEventLoop();
-    if (QCoreApplication::instance()) Transport::shared().run([](Endpoint& endpoint) { endpoint.open(); });
+    s_isWanted = true;
+    openWantedEndpoint();
 }
 
 void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
                    std::shared_ptr<PendingReply> const& pending) {
+    if (::gettid() == ::getpid()) requireEventLoop();
     if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
     Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, pending](Endpoint& endpoint) {
         endpoint.send(process, event, wantsReply, pending);
