@@ -170,7 +170,10 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
         throw ScriptError{.number = status, .message = std::move(message)};
     }
     std::u16string text = decoded(shell.output());
-    return Value::text(isTrue(codeOf("alen"), true) ? withAlteredLineEnds(std::move(text)) : std::move(text));
+    if (isTrue(codeOf("alen"), true)) text = withAlteredLineEnds(std::move(text));
+    Value const* const type = arguments.find(codeOf("rtyp"));
+    Value const output = Value::text(std::move(text));
+    return type && type->is(ValueKind::Type) ? requireType(output, type->asCode(), context) : output;
 }
 
 } // namespace mac::applescript::additions

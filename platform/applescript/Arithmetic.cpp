@@ -101,14 +101,11 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
         }
         return Value::record(std::move(fields));
     }
-    // A reference in a list stays one.
-    std::vector<Value> items = left.is(ValueKind::List) ? left.items() : std::vector<Value>{left};
-    if (right.is(ValueKind::List)) {
-        requireRoom(items.size() + right.items().size(), context.mostItems);
-        items.insert(items.end(), right.items().begin(), right.items().end());
-    } else {
-        items.push_back(right);
-    }
+    // A record gives its values.
+    std::vector<Value> items = requireType(left, codeOf("list"), context).items();
+    std::vector<Value> const added = requireType(right, codeOf("list"), context).items();
+    requireRoom(items.size() + added.size(), context.mostItems);
+    items.insert(items.end(), added.begin(), added.end());
     return Value::list(std::move(items));
 }
 

@@ -187,7 +187,8 @@ void Evaluator::assign(Node const& target, Value const& value) {
         return;
     }
     case NodeKind::Record: {
-        Value const record = requireType(value, codeOf("reco"), context());
+        // Whatever has properties: a date as well.
+        Value const record = resolved(value, context());
         for (std::size_t index = 0; index < target.list.size(); ++index) {
             std::optional<Value> const field = propertyOf(record, target.names[index], context());
             if (!field) throw cannotGet(propertySpecifier(target.names[index], record));
