@@ -77,6 +77,7 @@ Value listFolder(Evaluator& evaluator, CommandArguments const& arguments) {
     }
     std::ranges::sort(names);
     std::vector<Value> values;
+    values.reserve(names.size());
     for (std::u16string& name : names)
         values.push_back(Value::text(std::move(name)));
     return Value::list(std::move(values));

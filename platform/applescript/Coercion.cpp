@@ -75,9 +75,8 @@ std::optional<Value> textOfList(Value const& value, TextContext const& context) 
     requireStackRoom();
     std::u16string text;
     bool isFirst = true;
-    // By index: following an item's reference may change the list.
-    for (std::size_t index = 0; index < value.items().size(); ++index) {
-        std::optional<Value> const item = coerced(value.items()[index], codeOf("ctxt"), context);
+    for (Value const& element : value.items()) {
+        std::optional<Value> const item = coerced(element, codeOf("ctxt"), context);
         if (!item) return {};
         if (!std::exchange(isFirst, false)) text += context.delimiters.front();
         text += item->units();

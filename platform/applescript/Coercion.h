@@ -7,7 +7,7 @@
 namespace mac::applescript {
 
 // The value as one of that class; nothing where there is no way. References are followed first.
-std::optional<Value> coerced(Value const& value, Code type, TextContext const& context);
+std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context);
 
 // The same, with the error that says it cannot be done.
 Value requireType(Value const& value, Code type, TextContext const& context);

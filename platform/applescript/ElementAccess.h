@@ -30,7 +30,7 @@ void setTextItemDelimiters(Value const& value, TextContext& context);
 // Follows references to the end; any other value is itself. Throws where there is nothing.
 Value resolved(Value const& value, TextContext const& context);
 Value objectOf(SpecifierObject const& specifier, Value const& asValue, TextContext const& context);
-void setObject(Value const& specifier, Value const& value, TextContext& context);
+void setObject(Value const& target, Value const& value, TextContext& context);
 
 // How many elements of the class there are; nothing where the value has none of the kind.
 std::optional<std::size_t> countOf(Value const& container, Code elementClass, TextContext const& context);

@@ -117,7 +117,7 @@ Value Evaluator::valueOf(Node const& node) {
     if (value.isNothing()) {
         ScriptError error = plainError(errors::NoResult);
         error.range = node.range;
-        throw error;
+        throw ScriptError(std::move(error));
     }
     return value;
 }

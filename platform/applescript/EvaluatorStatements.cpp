@@ -240,7 +240,7 @@ void Evaluator::raise(Node const& node) {
     if (node.list[2]) error.from = valueOf(*node.list[2]);
     if (node.list[3]) error.to = valueOf(*node.list[3]);
     if (node.list[4]) error.partialResult = valueOf(*node.list[4]);
-    throw error;
+    throw ScriptError(std::move(error));
 }
 
 } // namespace mac::applescript

@@ -134,7 +134,7 @@ Node& ScriptParser::parseCommand(CommandTerm const& command, std::size_t firstTo
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
     for (CommandParameter const& parameter : command.parameters)
         m_stops.push_back(parameter.label);
-    if (m_stops.empty()) m_stops.push_back(u"given");
+    if (m_stops.empty()) m_stops.emplace_back(u"given");
     if (command.direct != DirectParameter::None) {
         node.a = parseEnumerator(command.enumerators);
         bool const isSubtraction = isSymbol("-") && command.direct == DirectParameter::Optional;
@@ -158,7 +158,7 @@ Node& ScriptParser::parseCount() {
         node.code = parseClassName();
         if (!takeWord("in")) expectWord("of");
     }
-    m_stops.push_back(u"each");
+    m_stops.emplace_back(u"each");
     if (startsExpression()) {
         // count binds like a property: number of words of x + 1
         node.a = &parseReference();
