@@ -97,16 +97,24 @@ private:
     static constexpr std::size_t MostWithoutSlots = 8;
 
     static bool isFor(Entry const& entry, id const& key, std::uint64_t hash) {
-        return entry.hash == hash && entry.key != nil && (isSame(entry.key, key) || entry.key.isEqual_(key));
+        if (entry.hash != hash || entry.key == nil) return false;
+        if (isSame(entry.key, key)) return true;
+        // Held, since the comparison may drop the entry.
+        id const held = entry.key;
+        return held.isEqual_(key);
     }
 
     Entry const* find(id const& key, std::uint64_t hash) const {
         if (m_slots.empty()) return findWithoutSlots(key, hash);
         // At most half of the slots are taken, so that there is a free one to end at.
         for (std::size_t slot = hash & m_mask;; slot = (slot + 1) & m_mask) {
-            if (m_slots[slot] == Free) return nullptr;
-            Entry const& entry = m_entries[m_slots[slot]];
-            if (isFor(entry, key, hash)) return &entry;
+            std::uint32_t const index = m_slots[slot];
+            if (index == Free) return nullptr;
+            std::uint32_t const changesBefore = m_changes;
+            bool const isFound = isFor(m_entries[index], key, hash);
+            // The comparison changed the table under us.
+            if (m_changes != changesBefore) return findWithoutSlots(key, hash);
+            if (isFound) return &m_entries[index];
         }
     }
 
@@ -129,8 +137,9 @@ private:
 
     void rebuild(std::size_t room) {
         auto const isGone = [](Entry const& entry) { return entry.key == nil; };
-        if (room <= MostWithoutSlots && m_slots.empty()) {
+        if (room <= MostWithoutSlots) {
             std::erase_if(m_entries, isGone);
+            m_slots.clear();
             return;
         }
         std::size_t count = 8;
