@@ -16,6 +16,7 @@ namespace mac {
 // The members' unsigned-integer values; of a string, the number it begins with, else 0. A value of NSNotFound or more,
 // such as that of -1, raises NSRangeException.
 NSIndexSet pxIndexSetWithNumbers(NSArray receiver);
+// The same of a set's members.
 NSIndexSet pxIndexSetWithNumbers(NSSet receiver);
 // Of the objects not given yet.
 NSIndexSet pxIndexSetWithNumbers(NSEnumerator receiver);
@@ -47,9 +48,11 @@ void pxMoveObjectAtIndex_toIndex_(NSMutableArray receiver, NSUInteger from, NSUI
 // NSRangeException is raised, and the elements are gone from the array.
 void pxMoveObjectsAtIndexes_toIndex_(NSMutableArray receiver, NSIndexSet indexes, NSUInteger to);
 
-// Set the source's value under the same key on the receiver. A nil value removes the key of a mutable dictionary.
+// Sets the source's value under the same key on the receiver. A nil value removes the key of a mutable dictionary.
 void pxSetValueFrom_forKey_(id receiver, id source, NSString key);
+// The same for each of the keys, in their order.
 void pxSetValuesFrom_forKeys_(id receiver, id source, NSArray keys);
+// The same for each key of the source.
 void pxSetValuesFrom_(id receiver, NSDictionary source);
 
 // Follows the path's components; an array answers with its element at the component's integer value (0 where it is no
@@ -64,22 +67,32 @@ void pxSetValue_forKeyPath_(id receiver, id value, NSString keyPath);
 // Observing. The receiver is always the observer, the object the observed; it gets the context with each notification,
 // unchanged. A collection is anything that answers objectEnumerator; nil and the null object have no members. Stopping
 // what was not started raises NSRangeException.
+
+// Observes one key path of one object.
 void pxStartObserving_forKeyPath_options_context_(id receiver, id object, NSString keyPath, NSUInteger options,
                                                   void* context);
+// Ends what the message above began.
 void pxStopObserving_forKeyPath_(id receiver, id object, NSString keyPath);
+// Observes each of the key paths, in their order.
 void pxStartObserving_forKeyPaths_options_context_(id receiver, id object, NSArray keyPaths, NSUInteger options,
                                                    void* context);
+// Ends what the message above began.
 void pxStopObserving_forKeyPaths_(id receiver, id object, NSArray keyPaths);
+// Observes one key path of each member.
 void pxStartObservingAllObjectsOf_forKeyPath_options_context_(id receiver, id collection, NSString keyPath,
                                                               NSUInteger options, void* context);
+// Ends it for the members of the moment.
 void pxStopObservingAllObjectsOf_forKeyPath_(id receiver, id collection, NSString keyPath);
+// Observes each of the key paths of each member.
 void pxStartObservingAllObjectsOf_forKeyPaths_options_context_(id receiver, id collection, NSArray keyPaths,
                                                                NSUInteger options, void* context);
+// Ends it for the members of the moment.
 void pxStopObservingAllObjectsOf_forKeyPaths_(id receiver, id collection, NSArray keyPaths);
 // Of a collection of dictionaries, each with the keys that it has at the time of the call: stopping covers the keys
 // that are there then, not those that were at the start.
 void pxStartObservingAllKeysOfAllObjectsOf_options_context_(id receiver, id collection, NSUInteger options,
                                                             void* context);
+// Ends it for the members and keys of the moment.
 void pxStopObservingAllKeysOfAllObjectsOf_(id receiver, id collection);
 
 } // namespace mac

@@ -36,6 +36,7 @@ id pxExtendedAttributeDictionaryForKey_(NSString receiver, NSString key);
 bool pxSetExtendedAttributeDictionary_forKey_(NSString receiver, id propertyList, NSString key);
 // The same under the identifier of the running program's bundle.
 id pxExtendedAttributeDictionary(NSString receiver);
+// Nil removes it.
 void pxSetExtendedAttributeDictionary_(NSString receiver, id propertyList);
 
 } // namespace mac

@@ -30,6 +30,7 @@ NSString KRCStringWithHFSUniStr255NoCopy_(HFSUniStr255* name);
 
 // The NSFileType of the item itself, links not followed; nil where there is none. The path may be relative.
 NSString KRCPathGetFileType(NSString receiver);
+// Whether that type is that of a link; NO for nil.
 bool KRCPathIsSymbolicLink(NSString receiver);
 // Links are followed.
 bool KRCPathExists(NSString receiver);
@@ -63,6 +64,7 @@ bool KRCURLGetFSRef_(NSURL receiver, FSRef* ref);
 NSURL KRCURLWithFSRef_(FSRef const* ref);
 // The item's URL relative to the receiver, a folder's URL that is not checked to be above it.
 NSURL KRCURLRelativeURLWithFSRef_(NSURL receiver, FSRef const* ref);
+// Whether its host is that of the iDisk service, compared exactly; NO without a host.
 bool KRCURLIsOnIDisk(NSURL receiver);
 
 } // namespace mac

@@ -55,7 +55,7 @@ NSString NSIndexSet::Body::description() const {
     if (!m_ranges.empty()) {
         NSIndexSet const self = uncheckedCast<NSIndexSet>(id::retain(const_cast<Body*>(this)));
         text = "[number of indexes: " + std::to_string(self.count()) + " (in " + std::to_string(m_ranges.size()) +
-               (m_ranges.size() == 1 ? " range" : " ranges") + "), indexes: (";
+               " ranges), indexes: (";
         for (NSRange const range : m_ranges) {
             if (range != m_ranges.front()) text += ' ';
             text += std::to_string(range.location);

@@ -212,13 +212,7 @@ double NSNumber::doubleValue() const {
     return static_cast<double>(static_cast<std::int64_t>(body->integer()));
 }
 
-float NSNumber::floatValue() const {
-    // Linux: a real past the range of float is infinite, as IEEE 754 rounds it; the language leaves that open.
-    double const value = doubleValue();
-    if (std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max()) || std::isnan(value))
-        return static_cast<float>(value);
-    return std::copysign(std::numeric_limits<float>::infinity(), value < 0 ? -1.0F : 1.0F);
-}
+float NSNumber::floatValue() const { return nearestFloat(doubleValue()); }
 
 NSString NSNumber::stringValue() const {
     Body const* const body = bodyOf(*this);

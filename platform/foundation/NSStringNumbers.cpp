@@ -1,5 +1,5 @@
-#include "platform/foundation/CharacterClasses.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/NumberText.h"
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -11,8 +11,13 @@ namespace {
 
 bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
+// What the framework's reading of numbers passes over: a list of its own, apart from the white space of character sets.
+bool isBlank(char16_t unit) {
+    return unit <= 0x20 || (unit >= 0x7F && unit <= 0xA0) || (unit >= 0x2000 && unit <= 0x200B) || unit == 0x3000;
+}
+
 void skipBlanks(std::u16string_view& text) {
-    while (!text.empty() && (isWhitespace(text[0]) || isNewline(text[0])))
+    while (!text.empty() && isBlank(text[0]))
         text.remove_prefix(1);
 }
 
@@ -102,12 +107,7 @@ double NSString::doubleValue() const {
     return isNegative ? -value : value;
 }
 
-float NSString::floatValue() const {
-    double const value = doubleValue();
-    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
-        return std::copysign(HUGE_VALF, value < 0 ? -1.0F : 1.0F);
-    return static_cast<float>(value);
-}
+float NSString::floatValue() const { return nearestFloat(doubleValue()); }
 
 bool NSString::boolValue() const {
     std::u16string_view text = codeUnits();

@@ -13,7 +13,7 @@ struct NumberSeparators {
     std::u16string thousand;
 };
 
-// A number in decimal: 0.<digits> times ten to the power of the exponent. No digits: zero.
+// A number in decimal: the digits behind "0." times ten to the power of the exponent. No digits: zero.
 struct DecimalNumber {
     std::string digits;
     int exponent{0};

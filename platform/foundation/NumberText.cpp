@@ -1,8 +1,10 @@
 #include "platform/foundation/NumberText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace mac {
 
@@ -28,6 +30,13 @@ std::string shortestText(double value) {
         std::to_chars(text.data(), text.data() + text.size(), value,
                       isPlain ? std::chars_format::fixed : std::chars_format::scientific);
     return {text.data(), result.ptr};
+}
+
+float nearestFloat(double value) {
+    constexpr double largest = std::numeric_limits<float>::max();
+    constexpr double firstInfinite = 0x1.FFFFFFp127;
+    if (std::abs(value) >= firstInfinite) return std::copysign(HUGE_VALF, value < 0 ? -1.0F : 1.0F);
+    return static_cast<float>(std::isnan(value) ? value : std::clamp(value, -largest, largest));
 }
 
 std::string generalText(double value) { return textWithDigits(value, 16); }

@@ -53,9 +53,10 @@ bool containsComparable(std::u16string_view text, std::u16string_view part, NSUI
     bool const foldsCase = (options & NSCaseInsensitiveSearch) != 0;
     // Filters ask this of thousands of texts: most are searched where they stand.
     if (!isAscii(text)) return comparableText(text, options).find(wanted) != std::u16string::npos;
-    return !std::ranges::search(text, wanted, {}, [&](char16_t unit) {
-                return foldsCase ? lowercaseASCII(unit) : unit;
-            }).empty();
+    auto const isSame = [&](char16_t unit, char16_t sought) {
+        return (foldsCase ? lowercaseASCII(unit) : unit) == sought;
+    };
+    return std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), isSame) != text.end();
 }
 
 bool matchesWildcards(std::u16string_view text, std::u16string_view pattern) {

@@ -146,7 +146,7 @@ TEST(NSIndexSet, EqualsAnotherOfTheSameIndexes) {
 TEST(NSIndexSet, DescribesItself) {
     EXPECT_TRUE(text(NSIndexSet::indexSet()).ends_with(">(no indexes)"));
     EXPECT_TRUE(text(setOf({1, 2, 5})).ends_with(">[number of indexes: 3 (in 2 ranges), indexes: (1-2 5)]"));
-    EXPECT_TRUE(text(setOf({7})).ends_with(">[number of indexes: 1 (in 1 range), indexes: (7)]"));
+    EXPECT_TRUE(text(setOf({7})).ends_with(">[number of indexes: 1 (in 1 ranges), indexes: (7)]"));
     EXPECT_TRUE(text(setOf({7})).starts_with("<NSMutableIndexSet: 0x"));
 }
 

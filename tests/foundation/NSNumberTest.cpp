@@ -101,6 +101,7 @@ TEST(NSNumber, SaturatesFromReals) {
     EXPECT_EQ(std::numeric_limits<long long>::min(), real(-Infinity).longLongValue());
     EXPECT_EQ(std::numeric_limits<unsigned long long>::max(), real(Infinity).unsignedLongLongValue());
     EXPECT_EQ(0U, real(-0.5).unsignedLongLongValue());
+    EXPECT_EQ(std::numeric_limits<float>::max(), real(3.4028235e38).floatValue());
     EXPECT_EQ(HUGE_VALF, real(1e39).floatValue());
     EXPECT_EQ(-HUGE_VALF, real(-1e39).floatValue());
     EXPECT_TRUE(std::isnan(real(NoNumber).floatValue()));

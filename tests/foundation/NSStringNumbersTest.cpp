@@ -20,6 +20,12 @@ TEST(NSStringNumbers, ReadsAnIntegerAtTheStart) {
              IntegerText{u"-42", -42},
              IntegerText{u"+42", 42},
              IntegerText{u" \t\n\u00A0\u3000 42", 42},
+             IntegerText{u"\u0001 42", 42},
+             IntegerText{u"\u007F\u0093\u00A0\u2000\u200B42", 42},
+             IntegerText{u"\u202F42", 0},
+             IntegerText{u"\u1680 42", 0},
+             IntegerText{u"\u205F42", 0},
+             IntegerText{u"\u202842", 0},
              IntegerText{u"42abc", 42},
              IntegerText{u"4 2", 4},
              IntegerText{u"3.99", 3},
@@ -104,6 +110,8 @@ TEST(NSStringNumbers, GivesTheSignOnlyToANumber) {
 
 TEST(NSStringNumbers, SaturatesFloatsToInfinity) {
     EXPECT_EQ(1.5F, NSString("1.5").floatValue());
+    EXPECT_EQ(std::numeric_limits<float>::max(), NSString("3.4028235e38").floatValue());
+    EXPECT_EQ(HUGE_VALF, NSString("3.4028236e38").floatValue());
     EXPECT_EQ(HUGE_VALF, NSString("1e39").floatValue());
     EXPECT_EQ(-HUGE_VALF, NSString("-1e39").floatValue());
 }
