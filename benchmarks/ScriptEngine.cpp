@@ -5,8 +5,7 @@
 #include <functional>
 #include <spawn.h>
 #include <sys/wait.h>
-
-extern char** environ;
+#include <unistd.h>
 
 // Prints what compiling and running a five-line script costs against starting `/bin/sh -c :`, and a loop of a million
 // additions against the same loop in Python, its start left out. Each pair is measured in turns; the medians count.
