@@ -1,7 +1,7 @@
 #include "platform/spotlight/FolderPackages.h"
+#include "platform/files/MountTable.h"
 #include "platform/spotlight/FolderReader.h"
 #include "platform/spotlight/FolderStack.h"
-#include "platform/spotlight/MountTable.h"
 #include "platform/spotlight/PackageRule.h"
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "platform/spotlight/VolumeList.h"
 
+#include "platform/files/MountTable.h"
 #include "platform/spotlight/FolderStack.h"
-#include "platform/spotlight/MountTable.h"
 
 #include <sys/stat.h>
 

@@ -1,5 +1,5 @@
 #include "platform/spotlight/VolumeList.h"
-#include "platform/spotlight/MountTable.h"
+#include "platform/files/MountTable.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -1,4 +1,4 @@
-#include "platform/spotlight/MountTable.h"
+#include "platform/files/MountTable.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -43,6 +43,16 @@ bool readNumber(std::string_view text, std::uint64_t& number) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
+// Among the options, which commas part.
+bool isReadOnly(std::string_view options) {
+    while (!options.empty()) {
+        std::size_t const end = std::min(options.find(','), options.size());
+        if (options.substr(0, end) == "ro") return true;
+        options.remove_prefix(std::min(end + 1, options.size()));
+    }
+    return false;
+}
+
 // "36 35 98:0 /subtree /mount/point rw,noatime master:1 - ext3 /dev/root rw,errors=continue", where any number of
 // fields may stand before the dash.
 std::optional<Mount> parseLine(std::string_view line) {
@@ -51,9 +61,12 @@ std::optional<Mount> parseLine(std::string_view line) {
     mount.device = takeField(line);
     mount.subtree = unescaped(takeField(line));
     mount.mountPoint = unescaped(takeField(line));
+    bool const isMountReadOnly = isReadOnly(takeField(line));
     while (!line.empty() && takeField(line) != "-")
         ;
     mount.type = takeField(line);
+    mount.source = unescaped(takeField(line));
+    mount.isReadOnly = isMountReadOnly || isReadOnly(takeField(line));
     if (!mount.mountPoint.starts_with('/') || mount.type.empty()) return std::nullopt;
     return mount;
 }

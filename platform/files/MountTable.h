@@ -15,6 +15,8 @@ struct Mount {
     std::string subtree;      // the folder of the file system that is mounted: "/" unless a part is bound elsewhere
     std::string mountPoint;
     std::string type;           // "ext4"
+    std::string source;         // "/dev/sda1", or whatever the file system has instead
+    bool isReadOnly = false;    // this mount or its whole file system
     bool hangsOnListed = false; // its parent is in the table, too
 };
 

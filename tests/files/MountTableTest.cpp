@@ -1,4 +1,4 @@
-#include "platform/spotlight/MountTable.h"
+#include "platform/files/MountTable.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -20,6 +20,14 @@ TEST(MountTable, ReadsTheFieldsOfALine) {
     EXPECT_EQ(mount.subtree, "/subtree");
     EXPECT_EQ(mount.mountPoint, "/mount/point");
     EXPECT_EQ(mount.type, "ext3");
+    EXPECT_EQ(mount.source, "/dev/root");
+    EXPECT_FALSE(mount.isReadOnly);
+}
+
+TEST(MountTable, KnowsWhatCannotBeWrittenTo) {
+    EXPECT_TRUE(tableOf("1 0 8:1 / / ro,noatime - ext4 d rw").mounts().at(0).isReadOnly);
+    EXPECT_TRUE(tableOf("1 0 8:1 / / rw - ext4 d noatime,ro").mounts().at(0).isReadOnly);
+    EXPECT_FALSE(tableOf("1 0 8:1 / / rw - ext4 ro errors=remount-ro,row").mounts().at(0).isReadOnly);
 }
 
 TEST(MountTable, ReadsEscapedBytes) {

@@ -1,0 +1,85 @@
+#include "platform/files/MountTable.h"
+#include "platform/files/Volumes.h"
+#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/LongPath.h"
+#include <array>
+#include <climits>
+#include <cstdlib>
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+namespace mac {
+
+namespace {
+
+// Encrypted on a mirror on a partition, and more than anybody stacks.
+constexpr unsigned MostLayers = 8;
+constexpr std::size_t LongestAnswer = 4096;
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::string canonical(std::string const& path) {
+    std::unique_ptr<char, decltype(&std::free)> const result(::realpath(path.c_str(), nullptr), &std::free);
+    return result ? std::string(result.get()) : std::string();
+}
+
+bool exists(std::string const& path) { return fileStatusAtPath(path).has_value(); }
+
+std::string contentsOf(std::string const& path) {
+    Result<FileContents> const contents = readFileAtPath(path, LongestAnswer);
+    if (!contents.hasValue()) return {};
+    std::vector<std::byte> const& bytes = contents.value().bytes;
+    return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
+}
+
+// Some file systems have a number of their own, but name the device that they lie on.
+std::string blockDeviceOf(MountedVolume const& volume) {
+    if (!volume.device.starts_with("0:")) return volume.device;
+    struct stat status {};
+    if (!volume.source.starts_with("/dev/") || ::stat(volume.source.c_str(), &status) != 0) return {};
+    if (!S_ISBLK(status.st_mode)) return {};
+    return std::to_string(major(status.st_rdev)) + ":" + std::to_string(minor(status.st_rdev));
+}
+
+std::string firstEntryOf(std::string const& path) {
+    std::unique_ptr<DIR, CloseFolder> const folder(::opendir(path.c_str()));
+    while (dirent const* const entry = folder ? ::readdir(folder.get()) : nullptr) {
+        if (entry->d_name[0] != '.') return entry->d_name;
+    }
+    return {};
+}
+
+// The whole drive: below what is made of others, and not the partition alone.
+std::string driveFolderOf(std::string folder) {
+    for (unsigned layer = 0; layer < MostLayers; ++layer) {
+        std::string const parts = folder + "/slaves";
+        std::string const below = firstEntryOf(parts);
+        if (below.empty()) break;
+        folder = canonical(std::string(parts).append("/").append(below));
+    }
+    return exists(folder + "/partition") ? folder.substr(0, folder.rfind('/')) : folder;
+}
+
+} // namespace
+
+VolumeDrive driveOf(MountedVolume const& volume, std::string const& devicesFolder) {
+    VolumeDrive drive;
+    if (volume.isStartup()) return drive;
+    drive.isEjectable = !volume.isLocal;
+    std::string const device = blockDeviceOf(volume);
+    std::string const block = device.empty() ? std::string() : canonical(devicesFolder + "/dev/block/" + device);
+    if (block.empty()) return drive;
+    std::string const folder = driveFolderOf(block);
+    bool const isImage = exists(folder + "/loop/backing_file");
+    bool const isConnected = folder.find("/usb") != std::string::npos || folder.find("/mmc") != std::string::npos;
+    bool const canEject = contentsOf(folder + "/events").find("eject_request") != std::string::npos;
+    drive.isRemovable = contentsOf(folder + "/removable").starts_with('1');
+    drive.isEjectable = drive.isEjectable || drive.isRemovable || isImage || isConnected || canEject;
+    return drive;
+}
+
+} // namespace mac
