@@ -208,7 +208,7 @@ void InterfaceFile::coverRows(QWidget* widget) {
     QString const name = property<QString>(widget, "coversRows");
     if (name.isEmpty()) return;
     if (auto* const table = m_window->findChild<QTableView*>(name)) return keep<TableCover>(widget, table);
-    NSLog("Interface file: \"%@\" covers the rows of \"%@\", which does not exist", nameOf(widget), stringOf(name));
+    NSLog(R"(Interface file: "%@" covers the rows of "%@", which does not exist)", nameOf(widget), stringOf(name));
 }
 
 void InterfaceFile::connectWidgets() {

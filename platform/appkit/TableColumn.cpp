@@ -9,11 +9,11 @@ namespace mac {
 
 namespace {
 
-NSValueTransformer transformerNamed(QString const& name, QString const& column) {
-    NSValueTransformer const transformer = NSValueTransformer::valueTransformerForName_(stringOf(name));
+NSValueTransformer transformerNamed(QString const& wanted, QString const& columnTitle) {
+    NSValueTransformer const transformer = NSValueTransformer::valueTransformerForName_(stringOf(wanted));
     if (transformer == nil)
-        NSLog("Interface file: the column \"%@\" names the value transformer \"%@\", which does not exist",
-              stringOf(column), stringOf(name));
+        NSLog(R"(Interface file: the column "%@" names the value transformer "%@", which does not exist)",
+              stringOf(columnTitle), stringOf(wanted));
     return transformer;
 }
 

@@ -34,8 +34,8 @@ QColor dimmedText(QPalette const& palette) {
     QColor const text = palette.color(QPalette::Active, QPalette::Text);
     QColor const base = palette.color(QPalette::Active, QPalette::Base);
     QColor const alternate = palette.color(QPalette::Active, QPalette::AlternateBase);
-    for (double part = 0.55; part < 1; part += 0.05) {
-        QColor const dimmed = mixed(text, base, part);
+    for (int percent = 55; percent < 100; percent += 5) {
+        QColor const dimmed = mixed(text, base, percent / 100.0);
         if (contrast(dimmed, base) >= LegibleContrast && contrast(dimmed, alternate) >= LegibleContrast) return dimmed;
     }
     return text;

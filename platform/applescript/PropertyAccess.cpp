@@ -259,6 +259,25 @@ void setTextItemDelimiters(Value const& value, TextContext& context) {
     context.delimitersValue = set;
 }
 
+namespace {
+
+// Its own or, where it has none, that of the nearest ancestor that does.
+bool setPropertyOfScript(Value const& script, Symbol name, Value const& value) {
+    constexpr int longestChain = 1000;
+    Value current = script;
+    for (int step = 0; step < longestChain && current.is(ValueKind::Script); ++step) {
+        if (Value* const property = current.script().propertyNamed(name)) {
+            *property = value;
+            return true;
+        }
+        Value const next = current.script().parent();
+        current = next;
+    }
+    return false;
+}
+
+} // namespace
+
 bool setPropertyOf(Value const& container, Symbol name, Value const& value, TextContext& context) {
     switch (container.kind()) {
     case ValueKind::Record:
@@ -274,19 +293,8 @@ bool setPropertyOf(Value const& container, Symbol name, Value const& value, Text
         if (name->code != codeOf("txdl")) return false;
         setTextItemDelimiters(value, context);
         return true;
-    case ValueKind::Script: {
-        constexpr int longestChain = 1000;
-        Value current = container;
-        for (int step = 0; step < longestChain && current.is(ValueKind::Script); ++step) {
-            if (Value* const property = current.script().propertyNamed(name)) {
-                *property = value;
-                return true;
-            }
-            Value const next = current.script().parent();
-            current = next;
-        }
-        return setPropertyOf(Value::appleScript(), name, value, context);
-    }
+    case ValueKind::Script:
+        return setPropertyOfScript(container, name, value) || setPropertyOf(Value::appleScript(), name, value, context);
     default:
         return false;
     }

@@ -57,8 +57,8 @@ Token const& ScriptParser::ahead(std::size_t count) const {
 TermMatch ScriptParser::matchTermAt(std::size_t place) const {
     std::span<Token const> const rest = std::span(m_tokens).subspan(std::min(place, m_tokens.size() - 1));
     TermMatch best;
-    for (auto terms = m_terms.rbegin(); terms != m_terms.rend(); ++terms) {
-        TermMatch const match = (*terms)->match(rest);
+    for (std::size_t left = m_terms.size(); left > 0; --left) {
+        TermMatch const match = m_terms[left - 1]->match(rest);
         if (match.tokenCount > best.tokenCount) best = match;
     }
     return best;

@@ -1,4 +1,5 @@
 #include "platform/applescript/ScriptSymbol.h"
+#include <algorithm>
 #include <memory>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
@@ -27,9 +28,7 @@ Symbol interned(std::u16string_view spelling) {
 }
 
 bool isAscii(std::u16string_view text) {
-    for (char16_t const unit : text)
-        if (unit >= 0x80) return false;
-    return true;
+    return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
 }
 
 } // namespace

@@ -213,7 +213,7 @@ std::optional<TextMatch> findText(std::u16string_view text, std::u16string_view 
         auto const same = [&](char16_t one, char16_t other) { return isSameUnit(one, other, considered); };
         std::size_t place = from;
         while (true) {
-            auto const found = std::search(text.begin() + place, text.end(), sought.begin(), sought.end(), same);
+            auto const* const found = std::search(text.begin() + place, text.end(), sought.begin(), sought.end(), same);
             if (found == text.end()) return {};
             place = static_cast<std::size_t>(found - text.begin());
             std::size_t const end = place + sought.size();

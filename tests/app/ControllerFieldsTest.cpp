@@ -30,26 +30,26 @@ id valueFor(std::string const& key) {
 
 class ControllerField : public testing::TestWithParam<char const*> {
 protected:
-    NSString key = NSString::stringWithUTF8String_(GetParam());
-    AppController controller = makeController();
-    id value = valueFor(GetParam());
+    NSString m_key = NSString::stringWithUTF8String_(GetParam());
+    AppController m_controller = makeController();
+    id m_value = valueFor(GetParam());
 };
 
 TEST_P(ControllerField, IsSetAndReadThroughKeyValueCoding) {
-    controller.setValue_forKey_(value, key);
-    EXPECT_TRUE(isSame(controller.valueForKey_(key), value));
-    controller.setValue_forKey_(nil, key);
-    EXPECT_TRUE(controller.valueForKey_(key) == nil);
+    m_controller.setValue_forKey_(m_value, m_key);
+    EXPECT_TRUE(isSame(m_controller.valueForKey_(m_key), m_value));
+    m_controller.setValue_forKey_(nil, m_key);
+    EXPECT_TRUE(m_controller.valueForKey_(m_key) == nil);
 }
 
 TEST_P(ControllerField, TellsItsObserversOnceOfEachSettingAlsoOfTheSameObject) {
     Observer const observer = adopt<Observer>();
-    controller.addObserver_forKeyPath_options_context_(observer, key, 0, nullptr);
-    controller.setValue_forKey_(value, key);
+    m_controller.addObserver_forKeyPath_options_context_(observer, m_key, 0, nullptr);
+    m_controller.setValue_forKey_(m_value, m_key);
     EXPECT_EQ(bodyOf(observer)->changes, 1);
-    controller.setValue_forKey_(value, key);
+    m_controller.setValue_forKey_(m_value, m_key);
     EXPECT_EQ(bodyOf(observer)->changes, 2);
-    controller.removeObserver_forKeyPath_(observer, key);
+    m_controller.removeObserver_forKeyPath_(observer, m_key);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheController, ControllerField, testing::ValuesIn(Keys),

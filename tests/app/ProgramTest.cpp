@@ -28,6 +28,7 @@ Outcome run(std::vector<std::string> environment) {
     std::string program = PROGRAM;
     std::array<char*, 2> const arguments{program.data(), nullptr};
     std::vector<char*> variables;
+    variables.reserve(environment.size() + 1);
     for (std::string& variable : environment)
         variables.push_back(variable.data());
     variables.push_back(nullptr);

@@ -12,110 +12,110 @@ namespace {
 // A controller whose local computer is one folder.
 class SpotlightScan : public testing::Test {
 protected:
-    void SetUp() override { ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1); }
+    void SetUp() override { ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1); }
     void TearDown() override {
-        controller.query().stopQuery();
+        m_controller.query().stopQuery();
         ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
     }
 
     bool gathered() const {
-        return runUntil([this] { return !controller.query().isGathering(); });
+        return runUntil([this] { return !m_controller.query().isGathering(); });
     }
 
-    TemporaryFolder folder;
-    AppController controller = makeController();
+    TemporaryFolder m_folder;
+    AppController m_controller = makeController();
 };
 
 TEST_F(SpotlightScan, FillsTheInventoryWhileItGathers) {
-    NSString const first = makeCopy(folder, "Downloads");
-    NSString const second = makeCopy(folder, "Applications/Old", "1.9", "99");
-    controller.scanAction_(nil);
+    NSString const first = makeCopy(m_folder, "Downloads");
+    NSString const second = makeCopy(m_folder, "Applications/Old", "1.9", "99");
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    EXPECT_EQ(controller.paths().count(), 2U);
-    EXPECT_FALSE(recordOf(controller, first) == nil);
-    EXPECT_EQ(text(recordOf(controller, second).objectForKey_("versionString")), "1.9 (99)");
+    EXPECT_EQ(m_controller.paths().count(), 2U);
+    EXPECT_FALSE(recordOf(m_controller, first) == nil);
+    EXPECT_EQ(text(recordOf(m_controller, second).objectForKey_("versionString")), "1.9 (99)");
 }
 
 TEST_F(SpotlightScan, LeavesOutABundleWithAnotherIdentifier) {
-    folder.makeBundle("Mirror Frame.app", mac::test::informationFile("com.example.other", "1", "1"));
-    controller.scanAction_(nil);
+    m_folder.makeBundle("Mirror Frame.app", mac::test::informationFile("com.example.other", "1", "1"));
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    EXPECT_EQ(controller.query().resultCount(), 1U);
-    EXPECT_EQ(controller.isOnHarddiskPaths().count(), 0U);
-    EXPECT_EQ(controller.paths().count(), 0U);
+    EXPECT_EQ(m_controller.query().resultCount(), 1U);
+    EXPECT_EQ(m_controller.isOnHarddiskPaths().count(), 0U);
+    EXPECT_EQ(m_controller.paths().count(), 0U);
 }
 
 TEST_F(SpotlightScan, LeavesOutAResultThatHasGone) {
-    NSString const path = makeCopy(folder, "a");
-    controller.scanAction_(nil);
+    NSString const path = makeCopy(m_folder, "a");
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    controller.query().disableUpdates();
-    ::rename(folder.path("a").c_str(), folder.path("b").c_str());
-    controller.syncQuery();
-    EXPECT_EQ(controller.query().resultCount(), 1U);
-    EXPECT_TRUE(recordOf(controller, path) == nil);
+    m_controller.query().disableUpdates();
+    ::rename(m_folder.path("a").c_str(), m_folder.path("b").c_str());
+    m_controller.syncQuery();
+    EXPECT_EQ(m_controller.query().resultCount(), 1U);
+    EXPECT_TRUE(recordOf(m_controller, path) == nil);
 }
 
 TEST_F(SpotlightScan, EmptiesTheTableAtOnceButKeepsTheDisksPaths) {
-    makeCopy(folder, "a");
-    controller.scanAction_(nil);
+    makeCopy(m_folder, "a");
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    controller.scanAction_(nil);
-    EXPECT_TRUE(controller.paths() == nil);
-    EXPECT_EQ(controller.isOnHarddiskPaths().count(), 1U);
+    m_controller.scanAction_(nil);
+    EXPECT_TRUE(m_controller.paths() == nil);
+    EXPECT_EQ(m_controller.isOnHarddiskPaths().count(), 1U);
 }
 
 TEST_F(SpotlightScan, OfNothingLeavesTheTableEmpty) {
-    controller.scanAction_(nil);
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    ASSERT_FALSE(controller.paths() == nil);
-    EXPECT_EQ(controller.paths().count(), 0U);
+    ASSERT_FALSE(m_controller.paths() == nil);
+    EXPECT_EQ(m_controller.paths().count(), 0U);
 }
 
 TEST_F(SpotlightScan, StoppedKeepsTheRecordsAlreadyShown) {
-    NSString const path = makeCopy(folder, "a");
-    controller.scanAction_(nil);
-    ASSERT_TRUE(runUntil([this] { return controller.paths().count() == 1; }));
-    controller.stopAction_(nil);
-    EXPECT_FALSE(recordOf(controller, path) == nil);
-    EXPECT_TRUE(controller.query().isStopped());
+    NSString const path = makeCopy(m_folder, "a");
+    m_controller.scanAction_(nil);
+    ASSERT_TRUE(runUntil([this] { return m_controller.paths().count() == 1; }));
+    m_controller.stopAction_(nil);
+    EXPECT_FALSE(recordOf(m_controller, path) == nil);
+    EXPECT_TRUE(m_controller.query().isStopped());
 }
 
 TEST_F(SpotlightScan, IgnoresTheEndOfGatheringAndLiveUpdates) {
     NSNotification const notification =
-        NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
-    controller.queryDidFinish_(notification);
-    controller.queryDidUpdate_(notification);
-    EXPECT_TRUE(controller.paths() == nil);
+        NSNotification::notificationWithName_object_userInfo_("n", m_controller.query(), nil);
+    m_controller.queryDidFinish_(notification);
+    m_controller.queryDidUpdate_(notification);
+    EXPECT_TRUE(m_controller.paths() == nil);
 }
 
 TEST_F(SpotlightScan, FollowsTheStartAndTheProgressOfTheQuery) {
     NSNotification const notification =
-        NSNotification::notificationWithName_object_userInfo_("n", controller.query(), nil);
-    controller.queryDidStart_(notification);
-    EXPECT_FALSE(controller.paths() == nil);
-    controller.setPaths_(nil);
-    controller.queryGatheringProgress_(notification);
-    EXPECT_FALSE(controller.paths() == nil);
+        NSNotification::notificationWithName_object_userInfo_("n", m_controller.query(), nil);
+    m_controller.queryDidStart_(notification);
+    EXPECT_FALSE(m_controller.paths() == nil);
+    m_controller.setPaths_(nil);
+    m_controller.queryGatheringProgress_(notification);
+    EXPECT_FALSE(m_controller.paths() == nil);
 }
 
 TEST_F(SpotlightScan, SyncsTheDisksPathsWithoutTheInventory) {
-    controller.syncIsOnHarddisk();
-    EXPECT_FALSE(controller.isOnHarddiskPaths() == nil);
-    EXPECT_TRUE(controller.paths() == nil);
+    m_controller.syncIsOnHarddisk();
+    EXPECT_FALSE(m_controller.isOnHarddiskPaths() == nil);
+    EXPECT_TRUE(m_controller.paths() == nil);
 }
 
 TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
-    controller.query().setPredicate_(nil);
+    m_controller.query().setPredicate_(nil);
     int beeps = 0;
     std::vector<std::string> lines;
     BeepListener const beepListener([&] { ++beeps; });
     LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
-    controller.scanAction_(nil);
+    m_controller.scanAction_(nil);
     EXPECT_EQ(beeps, 1);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0], "ERROR: Could not start Spotlight query.");
-    EXPECT_TRUE(controller.paths() == nil);
+    EXPECT_TRUE(m_controller.paths() == nil);
 }
 
 // A bundle whose information file is bad in one way; the others must be listed all the same.
@@ -143,7 +143,7 @@ std::string sharedReferenceBomb() {
     }
     offsets += static_cast<char>(text.size() >> 8);
     offsets += static_cast<char>(text.size());
-    text += "\x51x";
+    text += "Qx";
     auto const table = static_cast<char>(text.size() >> 8);
     auto const tableLow = static_cast<char>(text.size());
     text += offsets;
@@ -171,37 +171,38 @@ std::vector<BadInformation> badInformation() {
 }
 
 TEST_F(SpotlightScan, ListsTheOtherCopiesBesideBadInformationFilesAndSaysWhichAreBad) {
-    NSString const good = makeCopy(folder, "good");
+    NSString const good = makeCopy(m_folder, "good");
     std::vector<BadInformation> const bad = badInformation();
     for (auto const& [name, text] : bad)
-        folder.makeBundle(std::string(name) + "/Mirror Frame.app", text);
-    folder.makeFolder("none/Mirror Frame.app");
-    folder.makeFolder("folder/Mirror Frame.app/Contents/Info.plist");
-    folder.makeFolder("pipe/Mirror Frame.app/Contents");
-    ASSERT_EQ(::mkfifo(folder.path("pipe/Mirror Frame.app/Contents/Info.plist").c_str(), 0600), 0);
+        m_folder.makeBundle(std::string(name) + "/Mirror Frame.app", text);
+    m_folder.makeFolder("none/Mirror Frame.app");
+    m_folder.makeFolder("folder/Mirror Frame.app/Contents/Info.plist");
+    m_folder.makeFolder("pipe/Mirror Frame.app/Contents");
+    ASSERT_EQ(::mkfifo(m_folder.path("pipe/Mirror Frame.app/Contents/Info.plist").c_str(), 0600), 0);
     std::vector<std::string> lines;
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
-    controller.scanAction_(nil);
+    m_controller.scanAction_(nil);
     ASSERT_TRUE(gathered());
-    EXPECT_EQ(controller.query().resultCount(), bad.size() + 4);
-    EXPECT_EQ(controller.paths().count(), 1U);
-    EXPECT_FALSE(recordOf(controller, good) == nil);
-    for (auto const& [name, text] : bad) {
+    EXPECT_EQ(m_controller.query().resultCount(), bad.size() + 4);
+    EXPECT_EQ(m_controller.paths().count(), 1U);
+    EXPECT_FALSE(recordOf(m_controller, good) == nil);
+    for (BadInformation const& information : bad) {
+        std::string const name = information.name;
         // A list of the wrong kind of identifier is a good file of another bundle.
         bool const isReported = std::ranges::any_of(
-            lines, [&](std::string const& line) { return line.find(folder.path(name)) != std::string::npos; });
-        EXPECT_EQ(isReported, name != std::string("number")) << name;
+            lines, [&](std::string const& line) { return line.find(m_folder.path(name)) != std::string::npos; });
+        EXPECT_EQ(isReported, name != "number") << name;
     }
 }
 
 TEST_F(SpotlightScan, ReadsTheOtherThreeSourcesAnew) {
-    controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/a", "psn", "1")));
-    controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/a", "autolaunchItem", "1")));
-    controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/a", "toolbarItem", "1")));
-    controller.scanAction_(nil);
-    EXPECT_EQ(controller.isRunningPaths().count(), 0U);
-    EXPECT_EQ(controller.isAutolaunchedPaths().count(), 0U);
-    EXPECT_EQ(controller.isInToolbarPaths().count(), 0U);
+    m_controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/a", "psn", "1")));
+    m_controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/a", "autolaunchItem", "1")));
+    m_controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/a", "toolbarItem", "1")));
+    m_controller.scanAction_(nil);
+    EXPECT_EQ(m_controller.isRunningPaths().count(), 0U);
+    EXPECT_EQ(m_controller.isAutolaunchedPaths().count(), 0U);
+    EXPECT_EQ(m_controller.isInToolbarPaths().count(), 0U);
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #include "tests/app/Controller.h"
+#include "tests/support/CommandOutput.h"
+#include "tests/support/SeededRandom.h"
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
 #include <random>
 #include <set>
 #include <sys/mount.h>
@@ -15,11 +15,7 @@ namespace {
 using Paths = std::set<std::string>;
 
 Paths listedByFind() {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> const pipe(::popen(LIST_COPIES, "r"), &::pclose);
-    std::string all;
-    std::array<char, 65536> buffer;
-    while (std::size_t const size = std::fread(buffer.data(), 1, buffer.size(), pipe.get()))
-        all.append(buffer.data(), size);
+    std::string const all = mac::test::outputOf({LIST_COPIES});
     Paths paths;
     for (std::size_t start = 0; start < all.size();) {
         std::size_t const end = all.find('\0', start);
@@ -86,7 +82,7 @@ TEST(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
     TemporaryFolder const folder;
     MountedVolume const volume(folder.makeFolder("volume"));
     if (!volume.isMounted()) std::puts("No second volume could be mounted; its folder lies on the first one instead.");
-    std::mt19937 random(20260);
+    std::mt19937 random = mac::test::seededRandom(20260);
     Paths scattered = scatter(folder, "disk", random);
     scattered.merge(scatter(folder, "volume", random));
 

@@ -23,27 +23,27 @@ class Window : public testing::Test {
 protected:
     void SetUp() override {
         NSApplication::sharedApplication();
-        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1);
+        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1);
     }
     void TearDown() override {
-        if (file) controller().query().stopQuery();
+        if (m_file) controller().query().stopQuery();
         ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
     }
 
     void open() {
         auto loaded = InterfaceFile::load(NSString::stringWithUTF8String_(MAIN_MENU));
         ASSERT_TRUE(std::holds_alternative<std::unique_ptr<InterfaceFile>>(loaded)) << std::get<std::string>(loaded);
-        file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
-        file->window().makeKeyAndOrderFront_(nil);
+        m_file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
+        m_file->window().makeKeyAndOrderFront_(nil);
     }
     bool gathered() const {
         return runUntil([this] { return !controller().query().isGathering(); });
     }
 
-    AppController controller() const { return as<AppController>(file->controller()); }
+    AppController controller() const { return as<AppController>(m_file->controller()); }
     template <class Widget>
     Widget* find(char const* name) const {
-        return file->widget()->findChild<Widget*>(name);
+        return m_file->widget()->findChild<Widget*>(name);
     }
     QTableView* table() const { return find<QTableView>("pathsTable"); }
     QVariant cell(int row, int column, int role = Qt::DisplayRole) const {
@@ -70,8 +70,8 @@ protected:
     }
     void trigger(char const* name) const { find<QAction>(name)->trigger(); }
 
-    TemporaryFolder folder;
-    std::unique_ptr<InterfaceFile> file;
+    TemporaryFolder m_folder;
+    std::unique_ptr<InterfaceFile> m_file;
 };
 
 double luminance(QColor const& color) {
@@ -96,7 +96,7 @@ TEST_F(Window, ConnectsItsOutletsAndStartsToSearch) {
 }
 
 TEST_F(Window, IsEmptyUntilTheQueryTellsOfItsStart) {
-    makeCopy(folder, "a");
+    makeCopy(m_folder, "a");
     open();
     EXPECT_TRUE(controller().paths() == nil);
     EXPECT_EQ(table()->model()->rowCount(), 0);
@@ -105,16 +105,16 @@ TEST_F(Window, IsEmptyUntilTheQueryTellsOfItsStart) {
 }
 
 TEST_F(Window, ListsTheCopiesByVersionThenPath) {
-    makeCopy(folder, "b", "2.1", "210");
-    makeCopy(folder, "A", "2.1", "210");
-    makeCopy(folder, "c", "1.9", "99");
+    makeCopy(m_folder, "b", "2.1", "210");
+    makeCopy(m_folder, "A", "2.1", "210");
+    makeCopy(m_folder, "c", "1.9", "99");
     open();
     ASSERT_TRUE(gathered());
     // As text "99" comes above "210"; among equal versions the paths go without regard to case.
     EXPECT_EQ(columnTexts(Version), (std::vector<std::string>{"1.9 (99)", "2.1 (210)", "2.1 (210)"}));
     EXPECT_EQ(columnTexts(Path),
-              (std::vector<std::string>{folder.path("c/Mirror Frame.app"), folder.path("A/Mirror Frame.app"),
-                                        folder.path("b/Mirror Frame.app")}));
+              (std::vector<std::string>{m_folder.path("c/Mirror Frame.app"), m_folder.path("A/Mirror Frame.app"),
+                                        m_folder.path("b/Mirror Frame.app")}));
 }
 
 TEST_F(Window, GivesTheTableTheSpecifiedSortDescriptors) {
@@ -132,13 +132,13 @@ TEST_F(Window, GivesTheTableTheSpecifiedSortDescriptors) {
 }
 
 TEST_F(Window, SortsByAClickOnAHeader) {
-    makeCopy(folder, "b", "2.1", "210");
-    makeCopy(folder, "a", "1.9", "99");
-    makeCopy(folder, "c", "2.0", "200");
+    makeCopy(m_folder, "b", "2.1", "210");
+    makeCopy(m_folder, "a", "1.9", "99");
+    makeCopy(m_folder, "c", "2.0", "200");
     open();
     ASSERT_TRUE(gathered());
-    std::vector<std::string> const byPath{folder.path("a/Mirror Frame.app"), folder.path("b/Mirror Frame.app"),
-                                          folder.path("c/Mirror Frame.app")};
+    std::vector<std::string> const byPath{m_folder.path("a/Mirror Frame.app"), m_folder.path("b/Mirror Frame.app"),
+                                          m_folder.path("c/Mirror Frame.app")};
     clickHeader(Path);
     EXPECT_EQ(columnTexts(Path), byPath);
     clickHeader(Path);
@@ -146,7 +146,7 @@ TEST_F(Window, SortsByAClickOnAHeader) {
 }
 
 TEST_F(Window, ShowsItsFlagsAsTextAndColour) {
-    makeCopy(folder, "a");
+    makeCopy(m_folder, "a");
     open();
     ASSERT_TRUE(gathered());
     EXPECT_EQ(cellText(0, Exists), "Yes");
@@ -180,14 +180,14 @@ TEST_F(Window, ChangesOnlyBecausePathsAreObserved) {
 }
 
 TEST_F(Window, KeepsItsSelectionOverARescan) {
-    makeCopy(folder, "a");
-    makeCopy(folder, "b");
+    makeCopy(m_folder, "a");
+    makeCopy(m_folder, "b");
     open();
     ASSERT_TRUE(gathered());
     table()->selectRow(1);
     std::vector<std::string> const selected = selectedPaths();
-    ASSERT_EQ(selected, std::vector<std::string>{folder.path("b/Mirror Frame.app")});
-    makeCopy(folder, "0");
+    ASSERT_EQ(selected, std::vector<std::string>{m_folder.path("b/Mirror Frame.app")});
+    makeCopy(m_folder, "0");
     trigger("scanAction");
     EXPECT_EQ(table()->model()->rowCount(), 0);
     ASSERT_TRUE(gathered());
@@ -196,7 +196,7 @@ TEST_F(Window, KeepsItsSelectionOverARescan) {
 }
 
 TEST_F(Window, KeepsItsRowsWhenTheSearchIsStopped) {
-    makeCopy(folder, "a");
+    makeCopy(m_folder, "a");
     open();
     ASSERT_TRUE(runUntil([this] { return table()->model()->rowCount() == 1; }));
     controller().stopAction_(nil);
@@ -205,7 +205,7 @@ TEST_F(Window, KeepsItsRowsWhenTheSearchIsStopped) {
 }
 
 TEST_F(Window, DisablesTheActionsThatAreNotThereYet) {
-    makeCopy(folder, "a");
+    makeCopy(m_folder, "a");
     open();
     ASSERT_TRUE(gathered());
     table()->selectRow(0);
@@ -222,7 +222,7 @@ TEST_F(Window, DisablesTheActionsThatAreNotThereYet) {
 
 TEST_F(Window, NamesEveryActionAndGivesTheDangerousOnesNoShortcut) {
     open();
-    for (QAction const* const action : file->widget()->findChildren<QAction*>()) {
+    for (QAction const* const action : m_file->widget()->findChildren<QAction*>()) {
         if (action->objectName().endsWith("Action") && action->property("action").isValid()) {
             EXPECT_FALSE(action->text().isEmpty()) << action->objectName().toStdString();
             EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
@@ -236,17 +236,17 @@ TEST_F(Window, NamesEveryActionAndGivesTheDangerousOnesNoShortcut) {
 }
 
 TEST_F(Window, FiltersByPath) {
-    makeCopy(folder, "needle");
-    makeCopy(folder, "hay");
+    makeCopy(m_folder, "needle");
+    makeCopy(m_folder, "hay");
     open();
     ASSERT_TRUE(gathered());
     QTest::keyClicks(find<QLineEdit>("filterField"), "NEEDLE");
     ASSERT_TRUE(runUntil([this] { return table()->model()->rowCount() == 1; }));
-    EXPECT_EQ(cellText(0, Path), folder.path("needle/Mirror Frame.app"));
+    EXPECT_EQ(cellText(0, Path), m_folder.path("needle/Mirror Frame.app"));
 }
 
 TEST_F(Window, ShowsBytesThatAreNoTextWithoutLosingThem) {
-    NSString const path = makeCopy(folder, "caf\xE9");
+    NSString const path = makeCopy(m_folder, "caf\xE9");
     open();
     ASSERT_TRUE(gathered());
     ASSERT_EQ(table()->model()->rowCount(), 1);
@@ -258,15 +258,15 @@ TEST_F(Window, EndsTheProgramWhenItIsClosed) {
     open();
     NSApplication const application = NSApplication::sharedApplication();
     application.setDelegate_(controller());
-    performOnMainRunLoop([this] { file->widget()->close(); });
+    performOnMainRunLoop([this] { m_file->widget()->close(); });
     application.run();
     EXPECT_FALSE(controller().window().isVisible());
 }
 
 TEST_F(Window, OpensWithoutAHomeAndWritesNothing) {
-    makeCopy(folder, "a");
+    makeCopy(m_folder, "a");
     std::string const home = std::getenv("HOME");
-    std::string const missing = folder.path("no home");
+    std::string const missing = m_folder.path("no home");
     for (char const* value : {missing.c_str(), static_cast<char const*>(nullptr)}) {
         if (value)
             ::setenv("HOME", value, 1);
@@ -276,7 +276,7 @@ TEST_F(Window, OpensWithoutAHomeAndWritesNothing) {
         ASSERT_TRUE(gathered());
         EXPECT_EQ(table()->model()->rowCount(), 1);
         controller().query().stopQuery();
-        file.reset();
+        m_file.reset();
         EXPECT_FALSE(NSFileManager::defaultManager().fileExistsAtPath_(pathString(missing)));
     }
     ::setenv("HOME", home.c_str(), 1);

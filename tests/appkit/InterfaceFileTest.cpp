@@ -37,7 +37,7 @@ TEST(InterfaceFile, SaysThatItsControllerCannotBeMade) {
 TEST(InterfaceFile, LogsAnOutletThatTheControllerDoesNotKnowAndLoadsTheRest) {
     LoggedLines const lines;
     auto const file = loadForm(formWith(Controller + stringProperty("outlet", "window"),
-                                        "<widget class=\"QPushButton\" name=\"button\">" +
+                                        R"(<widget class="QPushButton" name="button">)" +
                                             stringProperty("outlet", "steeringWheel") + "</widget>"));
     ASSERT_TRUE(file);
     EXPECT_TRUE(lines.contains("\"steeringWheel\""));
@@ -56,8 +56,8 @@ TEST(InterfaceFile, LogsAWidgetClassThatDoesNotExistAndLoadsTheRest) {
 TEST(InterfaceFile, LogsAKeyPathThatNobodyKnowsAndTakesItForNo) {
     LoggedLines const lines;
     auto const file = loadForm(formWith(
-        Controller, "<widget class=\"QLabel\" name=\"label\">" + listProperty("visibleWhen", {"query.isSinging"}) +
-                        "</widget>" + "<widget class=\"QLabel\" name=\"other\">" +
+        Controller, R"(<widget class="QLabel" name="label">)" + listProperty("visibleWhen", {"query.isSinging"}) +
+                        "</widget>" + R"(<widget class="QLabel" name="other">)" +
                         listProperty("visibleWhen", {"!query.isGathering"}) + "</widget>"));
     ASSERT_TRUE(file);
     EXPECT_TRUE(lines.contains("query.isSinging"));
@@ -67,7 +67,7 @@ TEST(InterfaceFile, LogsAKeyPathThatNobodyKnowsAndTakesItForNo) {
 
 TEST(InterfaceFile, LogsATableWithoutAnArrayController) {
     LoggedLines const lines;
-    auto const file = loadForm(formWith(Controller, "<widget class=\"QTableView\" name=\"table\">" +
+    auto const file = loadForm(formWith(Controller, R"(<widget class="QTableView" name="table">)" +
                                                         stringProperty("rows", "nobody") + "</widget>"));
     ASSERT_TRUE(file);
     EXPECT_TRUE(lines.contains("\"table\""));
@@ -92,7 +92,7 @@ TEST(InterfaceFile, LogsAGlyphThatIsNoPath) {
 
 TEST(InterfaceFile, FillsAPatternWithTheValuesOfItsKeyPathsAsPlainText) {
     auto const file = loadForm(
-        formWith(Controller, "<widget class=\"QLabel\" name=\"label\">" +
+        formWith(Controller, R"(<widget class="QLabel" name="label">)" +
                                  stringProperty("displayPattern", "%@ of %n%d%s &lt;b&gt;") +
                                  listProperty("displayKeyPaths", {"query.unreadableFolderCount"}) + "</widget>"));
     ASSERT_TRUE(file);

@@ -2,6 +2,7 @@
 #include "platform/appkit/NSArrayController.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/appkit/FakeController.h"
+#include "tests/support/SeededRandom.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
@@ -28,7 +29,7 @@ NSMutableDictionary record(int number, int version) {
 }
 
 TEST(KeptOrder, IsThatOfAFreshSortWhateverCameAndWent) {
-    std::mt19937 random(11);
+    std::mt19937 random = seededRandom(11);
     NSArrayController const controller = NSArrayController::alloc().init();
     controller.setIdentityKeyPath("path");
     controller.setSortDescriptors_(byVersionThenPath());
@@ -50,6 +51,7 @@ TEST(KeptOrder, IsThatOfAFreshSortWhateverCameAndWent) {
 TEST(KeptOrder, PutsAFewAddedObjectsInTheirPlaces) {
     KeptOrder order;
     std::vector<id> records;
+    records.reserve(100);
     for (int number = 0; number < 100; ++number)
         records.push_back(record(number, 1));
     NSArray const criteria =

@@ -13,6 +13,7 @@ constexpr int Few = 20;
 
 std::vector<id> objects(int count) {
     std::vector<id> made;
+    made.reserve(static_cast<std::size_t>(count));
     for (int index = 0; index < count; ++index)
         made.push_back(NSMutableArray::array());
     return made;

@@ -61,16 +61,16 @@ std::unique_ptr<InterfaceFile> loadForm(std::string const& text, std::string* re
 }
 
 std::string formWith(std::string const& properties, std::string const& widgets) {
-    return "<ui version=\"4.0\"><class>Window</class><widget class=\"QWidget\" name=\"window\">" + properties +
-           widgets + "</widget></ui>";
+    return R"(<ui version="4.0"><class>Window</class><widget class="QWidget" name="window">)" + properties + widgets +
+           "</widget></ui>";
 }
 
 std::string stringProperty(std::string const& name, std::string const& value) {
-    return "<property name=\"" + name + "\" stdset=\"0\"><string notr=\"true\">" + value + "</string></property>";
+    return "<property name=\"" + name + R"(" stdset="0"><string notr="true">)" + value + "</string></property>";
 }
 
 std::string listProperty(std::string const& name, std::vector<std::string> const& values) {
-    std::string text = "<property name=\"" + name + "\" stdset=\"0\"><stringlist notr=\"true\">";
+    std::string text = "<property name=\"" + name + R"(" stdset="0"><stringlist notr="true">)";
     for (std::string const& value : values)
         text += "<string>" + value + "</string>";
     return text + "</stringlist></property>";

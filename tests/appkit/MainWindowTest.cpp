@@ -303,8 +303,9 @@ TEST(MainWindow, MakesABeepVisible) {
 TEST(MainWindow, ShowsHostileNamesAsPlainText) {
     LoadedWindow const window;
     NSMutableSet const records = NSMutableSet::set();
-    records.addObject_(
-        makeRecord(NSString::stringWithFileSystemRepresentation_("/caf\xE9/<b>x</b>\n\x1b[31m\xE2\x80\xAE")));
+    std::string const rightToLeftOverride{'\xE2', '\x80', '\xAE'};
+    std::string const path = "/caf\xE9/<b>x</b>\n\x1b[31m" + rightToLeftOverride;
+    records.addObject_(makeRecord(NSString::stringWithFileSystemRepresentation_(path.c_str())));
     window.controller().setPaths_(records);
     QModelIndex const cell = window.table()->model()->index(0, PathColumn);
     QString const shown = QStringLiteral(u"/caf\uFFFD/<b>x</b>\uFFFD\uFFFD[31m\uFFFD");

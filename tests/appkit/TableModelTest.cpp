@@ -2,6 +2,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/appkit/LoadedWindow.h"
+#include "tests/support/SeededRandom.h"
 #include <QAbstractItemModelTester>
 #include <QItemSelectionModel>
 #include <gtest/gtest.h>
@@ -39,7 +40,7 @@ TEST(TableModel, TellsViewsEveryReplacementAsMovesRemovalsAndAdditions) {
     needApplication();
     TableModel model({column("value")});
     QAbstractItemModelTester const tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    std::mt19937 random(5);
+    std::mt19937 random = seededRandom(5);
     std::vector<int> before;
     model.resetRows(numbers(before));
     for (int round = 0; round < 200; ++round) {

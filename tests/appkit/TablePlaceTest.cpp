@@ -29,50 +29,50 @@ QString currentPath(LoadedWindow const& window) {
 class TablePlace : public testing::Test {
 protected:
     TablePlace() {
-        showAllBut(window, -1);
-        table->doItemsLayout();
+        showAllBut(m_window, -1);
+        m_table->doItemsLayout();
     }
 
-    int rowHeight() const { return table->verticalHeader()->defaultSectionSize(); }
+    int rowHeight() const { return m_table->verticalHeader()->defaultSectionSize(); }
 
-    LoadedWindow const window;
-    QTableView* const table = window.table();
-    QScrollBar* const scrollBar = table->verticalScrollBar();
+    LoadedWindow const m_window;
+    QTableView* const m_table = m_window.table();
+    QScrollBar* const m_scrollBar = m_table->verticalScrollBar();
 };
 
 TEST_F(TablePlace, StaysWhenTheSelectedRowGoes) {
-    scrollBar->setValue(95 * rowHeight() + 5);
-    window.selectRow(100);
-    int const before = scrollBar->value();
-    showAllBut(window, 100);
-    EXPECT_EQ(scrollBar->value(), before);
-    EXPECT_EQ(currentPath(window), pathOfRow(101));
-    EXPECT_FALSE(table->selectionModel()->hasSelection());
+    m_scrollBar->setValue(95 * rowHeight() + 5);
+    m_window.selectRow(100);
+    int const before = m_scrollBar->value();
+    showAllBut(m_window, 100);
+    EXPECT_EQ(m_scrollBar->value(), before);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(101));
+    EXPECT_FALSE(m_table->selectionModel()->hasSelection());
 }
 
 TEST_F(TablePlace, StaysWhenTheFirstRowInSightGoes) {
-    scrollBar->setValue(95 * rowHeight() + 5);
-    QModelIndex const second = table->indexAt({20, rowHeight()});
+    m_scrollBar->setValue(95 * rowHeight() + 5);
+    QModelIndex const second = m_table->indexAt({20, rowHeight()});
     QString const path = second.siblingAtColumn(PathColumn).data().toString();
-    int const place = table->visualRect(second).top();
-    showAllBut(window, 95);
-    QModelIndex const now = table->indexAt({20, rowHeight()});
+    int const place = m_table->visualRect(second).top();
+    showAllBut(m_window, 95);
+    QModelIndex const now = m_table->indexAt({20, rowHeight()});
     EXPECT_EQ(now.siblingAtColumn(PathColumn).data().toString(), path);
-    EXPECT_EQ(table->visualRect(now).top(), place);
+    EXPECT_EQ(m_table->visualRect(now).top(), place);
 }
 
 TEST_F(TablePlace, StaysAtTheTopWhenTheRowOfTheKeyboardGoesOutOfSight) {
-    table->selectionModel()->setCurrentIndex(table->model()->index(200, 0), QItemSelectionModel::NoUpdate);
-    scrollBar->setValue(0);
-    showAllBut(window, 200);
-    EXPECT_EQ(scrollBar->value(), 0);
-    EXPECT_EQ(currentPath(window), pathOfRow(201));
+    m_table->selectionModel()->setCurrentIndex(m_table->model()->index(200, 0), QItemSelectionModel::NoUpdate);
+    m_scrollBar->setValue(0);
+    showAllBut(m_window, 200);
+    EXPECT_EQ(m_scrollBar->value(), 0);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(201));
 }
 
 TEST_F(TablePlace, LeavesTheKeyboardToTheRowAboveWhenTheLastOneGoes) {
-    window.selectRow(RowCount - 1);
-    showAllBut(window, RowCount - 1);
-    EXPECT_EQ(currentPath(window), pathOfRow(RowCount - 2));
+    m_window.selectRow(RowCount - 1);
+    showAllBut(m_window, RowCount - 1);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(RowCount - 2));
 }
 
 } // namespace

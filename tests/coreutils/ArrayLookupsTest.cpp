@@ -83,6 +83,7 @@ TEST(PxObjectWithValueForKeyPath, FindsTheNullObjectByNil) {
 
 TEST(PxObjectWithValueForKeyPath, LooksThroughAHundredThousandElements) {
     std::vector<id> entries;
+    entries.reserve(100'000);
     for (int index = 0; index < 100'000; ++index)
         entries.push_back(entry(NSString::stringWithFormat_("/Volumes/Disk/%d.app", index)));
     NSArray const array = NSArray::arrayWithVector(entries);

@@ -1,6 +1,7 @@
 #include "platform/foundation/HashedEntries.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/Parcel.h"
+#include "tests/support/SeededRandom.h"
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
@@ -42,7 +43,7 @@ TEST(HashedEntries, SaysWhetherAKeyIsNew) {
 }
 
 TEST(HashedEntries, FewStayRightThroughManyChanges) {
-    std::mt19937 random(3);
+    std::mt19937 random = seededRandom(3);
     HashedEntries entries;
     std::map<int, int> plain;
     for (int step = 0; step < 4000; ++step) {

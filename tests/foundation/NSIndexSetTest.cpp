@@ -3,6 +3,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/foundation/Parcel.h"
+#include "tests/support/SeededRandom.h"
 #include <array>
 #include <gtest/gtest.h>
 #include <random>
@@ -235,7 +236,7 @@ TEST(NSMutableIndexSet, AShiftBeyondTheEndsRaisesAndChangesNothing) {
 }
 
 TEST(NSMutableIndexSet, AgreesWithAPlainSetThroughManyChanges) {
-    std::mt19937 random(7);
+    std::mt19937 random = seededRandom(7);
     NSMutableIndexSet const set = NSMutableIndexSet::indexSet();
     std::set<NSUInteger> plain;
     for (int step = 0; step < 3000; ++step) {

@@ -41,128 +41,128 @@ Listener Listener::make(std::function<void()> reaction) { return adopt<Listener>
 
 class NotificationCenter : public testing::Test {
 protected:
-    NSNotificationCenter center = NSNotificationCenter::alloc();
-    Listener listener = Listener::make();
-    id sender = NSObject::alloc();
+    NSNotificationCenter m_center = NSNotificationCenter::alloc();
+    Listener m_listener = Listener::make();
+    id m_sender = NSObject::alloc();
 };
 
 TEST_F(NotificationCenter, TellsWhoeverAskedForTheNameAndTheObject) {
-    center.addObserver_selector_name_object_(listener, "hear:", "a", sender);
-    center.postNotificationName_object_("a", sender);
-    center.postNotificationName_object_("b", sender);
-    center.postNotificationName_object_("a", nil);
-    center.postNotificationName_object_("a", NSObject::alloc());
-    EXPECT_EQ(listener.heard(), "a ");
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", m_sender);
+    m_center.postNotificationName_object_("a", m_sender);
+    m_center.postNotificationName_object_("b", m_sender);
+    m_center.postNotificationName_object_("a", nil);
+    m_center.postNotificationName_object_("a", NSObject::alloc());
+    EXPECT_EQ(m_listener.heard(), "a ");
 }
 
 TEST_F(NotificationCenter, TakesNilForEveryNameAndEveryObject) {
-    center.addObserver_selector_name_object_(listener, "hear:", nil, nil);
-    center.postNotificationName_object_("a", sender);
-    center.postNotificationName_object_("b", nil);
-    EXPECT_EQ(listener.heard(), "a b ");
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", nil, nil);
+    m_center.postNotificationName_object_("a", m_sender);
+    m_center.postNotificationName_object_("b", nil);
+    EXPECT_EQ(m_listener.heard(), "a b ");
 }
 
 TEST_F(NotificationCenter, ComparesObjectsByIdentity) {
     NSString const one = NSString::stringWithUTF8String_("equal");
     NSString const other = NSString::stringWithUTF8String_("equal");
-    center.addObserver_selector_name_object_(listener, "hear:", "a", one);
-    center.postNotificationName_object_("a", other);
-    EXPECT_EQ(listener.heard(), "");
-    center.postNotificationName_object_("a", one);
-    EXPECT_EQ(listener.heard(), "a ");
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", one);
+    m_center.postNotificationName_object_("a", other);
+    EXPECT_EQ(m_listener.heard(), "");
+    m_center.postNotificationName_object_("a", one);
+    EXPECT_EQ(m_listener.heard(), "a ");
 }
 
 TEST_F(NotificationCenter, TellsInTheOrderOfAskingAndTwiceWhoAskedTwice) {
     std::string order;
     Listener const first = Listener::make([&] { order += "1"; });
     Listener const second = Listener::make([&] { order += "2"; });
-    center.addObserver_selector_name_object_(first, "hear:", "a", nil);
-    center.addObserver_selector_name_object_(second, "hear:", "a", nil);
-    center.addObserver_selector_name_object_(first, "hear:", "a", nil);
-    center.postNotificationName_object_("a", nil);
+    m_center.addObserver_selector_name_object_(first, "hear:", "a", nil);
+    m_center.addObserver_selector_name_object_(second, "hear:", "a", nil);
+    m_center.addObserver_selector_name_object_(first, "hear:", "a", nil);
+    m_center.postNotificationName_object_("a", nil);
     EXPECT_EQ(order, "121");
 }
 
 TEST_F(NotificationCenter, KeepsNoObserverAliveAndTellsNoneThatHasGone) {
     Listener shortLived = Listener::make();
     Weak<Listener> const weak(shortLived);
-    center.addObserver_selector_name_object_(shortLived, "hear:", "a", nil);
+    m_center.addObserver_selector_name_object_(shortLived, "hear:", "a", nil);
     shortLived = nil;
     EXPECT_TRUE(weak.load() == nil);
-    center.postNotificationName_object_("a", nil);
+    m_center.postNotificationName_object_("a", nil);
 }
 
 TEST_F(NotificationCenter, ForgetsARegistrationWhoseObjectHasGone) {
     id gone = NSObject::alloc();
-    center.addObserver_selector_name_object_(listener, "hear:", "a", gone);
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", gone);
     gone = nil;
-    center.postNotificationName_object_("a", nil);
-    EXPECT_EQ(listener.heard(), "");
+    m_center.postNotificationName_object_("a", nil);
+    EXPECT_EQ(m_listener.heard(), "");
 }
 
 TEST_F(NotificationCenter, RemovesByObserverNameAndObject) {
-    center.addObserver_selector_name_object_(listener, "hear:", "a", nil);
-    center.addObserver_selector_name_object_(listener, "hear:", "b", nil);
-    center.addObserver_selector_name_object_(listener, "hear:", "c", sender);
-    center.removeObserver_name_object_(listener, "a", nil);
-    center.removeObserver_name_object_(listener, "b", sender);
-    center.removeObserver_name_object_(listener, nil, sender);
-    center.postNotificationName_object_("a", sender);
-    center.postNotificationName_object_("b", sender);
-    center.postNotificationName_object_("c", sender);
-    EXPECT_EQ(listener.heard(), "b ");
-    center.removeObserver_(listener);
-    center.postNotificationName_object_("b", sender);
-    EXPECT_EQ(listener.heard(), "b ");
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", nil);
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "b", nil);
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "c", m_sender);
+    m_center.removeObserver_name_object_(m_listener, "a", nil);
+    m_center.removeObserver_name_object_(m_listener, "b", m_sender);
+    m_center.removeObserver_name_object_(m_listener, nil, m_sender);
+    m_center.postNotificationName_object_("a", m_sender);
+    m_center.postNotificationName_object_("b", m_sender);
+    m_center.postNotificationName_object_("c", m_sender);
+    EXPECT_EQ(m_listener.heard(), "b ");
+    m_center.removeObserver_(m_listener);
+    m_center.postNotificationName_object_("b", m_sender);
+    EXPECT_EQ(m_listener.heard(), "b ");
 }
 
 TEST_F(NotificationCenter, DoesNotTellAnObserverThatWasRemovedWhileItPosts) {
-    Listener const remover = Listener::make([&] { center.removeObserver_(listener); });
-    center.addObserver_selector_name_object_(remover, "hear:", "a", nil);
-    center.addObserver_selector_name_object_(listener, "hear:", "a", nil);
-    center.postNotificationName_object_("a", nil);
-    EXPECT_EQ(listener.heard(), "");
+    Listener const remover = Listener::make([&] { m_center.removeObserver_(m_listener); });
+    m_center.addObserver_selector_name_object_(remover, "hear:", "a", nil);
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", nil);
+    m_center.postNotificationName_object_("a", nil);
+    EXPECT_EQ(m_listener.heard(), "");
 }
 
 TEST_F(NotificationCenter, TellsAnObserverAddedWhileItPostsFromTheNextOneOn) {
     bool isAdded = false;
     Listener const adder = Listener::make([&] {
-        if (!std::exchange(isAdded, true)) center.addObserver_selector_name_object_(listener, "hear:", "a", nil);
+        if (!std::exchange(isAdded, true)) m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", nil);
     });
-    center.addObserver_selector_name_object_(adder, "hear:", "a", nil);
-    center.postNotificationName_object_("a", nil);
-    EXPECT_EQ(listener.heard(), "");
-    center.postNotificationName_object_("a", nil);
-    EXPECT_EQ(listener.heard(), "a ");
+    m_center.addObserver_selector_name_object_(adder, "hear:", "a", nil);
+    m_center.postNotificationName_object_("a", nil);
+    EXPECT_EQ(m_listener.heard(), "");
+    m_center.postNotificationName_object_("a", nil);
+    EXPECT_EQ(m_listener.heard(), "a ");
 }
 
 TEST_F(NotificationCenter, MayPostWhileItPosts) {
     int depth = 0;
     Listener const poster = Listener::make([&] {
-        if (++depth < 3) center.postNotificationName_object_("a", nil);
+        if (++depth < 3) m_center.postNotificationName_object_("a", nil);
     });
-    center.addObserver_selector_name_object_(poster, "hear:", "a", nil);
-    center.postNotificationName_object_("a", nil);
+    m_center.addObserver_selector_name_object_(poster, "hear:", "a", nil);
+    m_center.postNotificationName_object_("a", nil);
     EXPECT_EQ(poster.heard(), "a a a ");
 }
 
 TEST_F(NotificationCenter, CarriesTheUserInformation) {
     NSDictionary const details = NSDictionary::dictionaryWithObject_forKey_("value", "key");
-    NSNotification const notification = NSNotification::notificationWithName_object_userInfo_("a", sender, details);
-    EXPECT_TRUE(isSame(notification.object(), sender));
+    NSNotification const notification = NSNotification::notificationWithName_object_userInfo_("a", m_sender, details);
+    EXPECT_TRUE(isSame(notification.object(), m_sender));
     EXPECT_TRUE(isSame(notification.userInfo(), details));
-    center.addObserver_selector_name_object_(listener, "hear:", "a", nil);
-    center.postNotification_(notification);
-    center.postNotificationName_object_userInfo_("a", nil, details);
-    EXPECT_EQ(listener.heard(), "a a ");
+    m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", nil);
+    m_center.postNotification_(notification);
+    m_center.postNotificationName_object_userInfo_("a", nil, details);
+    EXPECT_EQ(m_listener.heard(), "a a ");
 }
 
 TEST_F(NotificationCenter, RaisesForWhatCannotBePosted) {
-    EXPECT_THROW(center.postNotification_(nil), NSInvalidArgumentException);
-    EXPECT_THROW(center.postNotificationName_object_(nil, nil), NSInvalidArgumentException);
-    EXPECT_THROW(center.addObserver_selector_name_object_(listener, SEL(), "a", nil), NSInvalidArgumentException);
-    center.addObserver_selector_name_object_(listener, "unknown:", "a", nil);
-    EXPECT_THROW(center.postNotificationName_object_("a", nil), NSInvalidArgumentException);
+    EXPECT_THROW(m_center.postNotification_(nil), NSInvalidArgumentException);
+    EXPECT_THROW(m_center.postNotificationName_object_(nil, nil), NSInvalidArgumentException);
+    EXPECT_THROW(m_center.addObserver_selector_name_object_(m_listener, SEL(), "a", nil), NSInvalidArgumentException);
+    m_center.addObserver_selector_name_object_(m_listener, "unknown:", "a", nil);
+    EXPECT_THROW(m_center.postNotificationName_object_("a", nil), NSInvalidArgumentException);
 }
 
 TEST_F(NotificationCenter, IsOneByDefault) {

@@ -64,7 +64,7 @@ TEST(ValueTransformer, TellsByItsClassWhatItAnswersAndWhetherItGoesBack) {
     Class const cls = adopt<OneWay>().class_();
     EXPECT_TRUE(isSame(cls.performClassSelector_("transformedValueClass"), classOf<NSString>()));
     EXPECT_FALSE(as<NSNumber>(cls.performClassSelector_("allowsReverseTransformation")).boolValue());
-    Class const base = classOf<NSValueTransformer>();
+    Class const& base = classOf<NSValueTransformer>();
     EXPECT_TRUE(as<NSNumber>(base.performClassSelector_("allowsReverseTransformation")).boolValue());
 }
 

@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSortDescriptor.h"
+#include "tests/support/SeededRandom.h"
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -29,7 +30,7 @@ std::vector<std::size_t> orderByMessages(std::vector<id> const& values, NSArray 
 }
 
 std::vector<id> randomTexts(std::u16string_view start, std::size_t count) {
-    std::mt19937 random(7);
+    std::mt19937 random = seededRandom(7);
     // Letters that fold to others or to several, marks, halves of a pair, a byte that is no text.
     constexpr std::array<char16_t, 20> letters{u'a', u'A', u'b',   u'B', u'z', u'Z',   u'/',   u'1',   u' ',   0x01,
                                                0xE9, u'e', 0x0301, 0xDF, u's', 0x0130, 0xFB01, 0xD83D, 0xDE00, 0xDCFF};
