@@ -11,6 +11,14 @@ namespace mac::applescript {
 
 namespace {
 
+// What stands left of `and` and `or` is not coerced, but for a list that holds just a boolean.
+bool leftBoolean(Value const& left, TextContext const& context) {
+    Value const value = resolved(left, context);
+    if (value.is(ValueKind::Boolean)) return value.asBoolean();
+    if (value.is(ValueKind::List) && value.items().size() == 1) return leftBoolean(value.items().front(), context);
+    throw cannotMake(value, codeOf("bool"));
+}
+
 // Two integers, without any of what else operands may be. Nothing where that is not enough.
 std::optional<Value> integerOperation(Operation operation, std::int32_t left, std::int32_t right) {
     switch (operation) {
@@ -203,7 +211,7 @@ Value Evaluator::evaluateBinary(Node const& node) {
             throw cannotGet(propertySpecifier(termSymbol(codeOf("prun"), u"running"), application));
         throw cannotGet(application);
     }
-    bool const whole = requireBoolean(left, context());
+    bool const whole = leftBoolean(left, context());
     if (whole != (node.operation == Operation::And)) return Value::boolean(whole);
     return Value::boolean(requireBoolean(valueOf(*node.b), context()));
 }
