@@ -35,6 +35,14 @@ struct CommandArguments {
     Value const* find(Code code) const;
 };
 
+// A handler called by its name from outside of the script.
+struct HandlerMessage {
+    std::u16string name{};
+    // The parameters in order, or the direct one where the handler's are labeled; Nothing where there are none.
+    Value direct{};
+    std::vector<std::pair<Symbol, Value>> labeled{};
+};
+
 // Walks the tree of a script and does what it says. One object runs one script; main thread.
 class Evaluator {
 public:
@@ -43,6 +51,10 @@ public:
     // The script of a tree with its properties set.
     Value load(std::shared_ptr<SyntaxTree> const& tree);
     Value runScript(ScriptObject& script, std::vector<Value> const& arguments);
+    // The handler of the script, or of its parents, by name and by the event of a command. Throws -1708 where there is
+    // none.
+    Value callHandler(ScriptObject& script, HandlerMessage const& message);
+    Value handleEvent(ScriptObject& script, EventCode event, CommandArguments const& arguments);
 
     TextContext& context() { return m_state.text; }
     EngineState& state() { return m_state; }
@@ -125,9 +137,10 @@ private:
     Value exists(Node const& node);
     Value receiverOf(Node const& node);
     FoundHandler findHandler(Value const& start, Symbol name) const;
-    FoundHandler findCommandHandler(Value const& start, CommandTerm const& command) const;
+    FoundHandler findCommandHandler(Value const& start, EventCode event) const;
     Value callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments);
     Value callLabeled(FoundHandler found, Value const& me, Node const& node);
+    Value callLabeled(FoundHandler found, Value const& me, HandlerMessage const& message);
     Value callCommandHandler(FoundHandler found, Value const& me, CommandArguments const& arguments);
     Value enter(FoundHandler found, Value const& me, std::function<void()> const& bind);
 

@@ -49,13 +49,12 @@ Evaluator::FoundHandler Evaluator::findHandler(Value const& start, Symbol name) 
     return {};
 }
 
-Evaluator::FoundHandler Evaluator::findCommandHandler(Value const& start, CommandTerm const& command) const {
+Evaluator::FoundHandler Evaluator::findCommandHandler(Value const& start, EventCode event) const {
     Value current = start;
     for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
         ScriptObject& script = current.script();
         for (HandlerDefinition const* const handler : script.definition().handlers)
-            if (handler->command && handler->command->code == command.code)
-                return {.owner = &script, .handler = handler};
+            if (handler->command && handler->command->code == event) return {.owner = &script, .handler = handler};
         Value const next = script.parent();
         current = next;
     }
@@ -179,12 +178,12 @@ Value Evaluator::evaluateCommand(Node const& node) {
     FoundHandler found;
     bool const isToScript = direct.is(ValueKind::Script);
     if (isToScript) {
-        found = findCommandHandler(direct, *node.command);
+        found = findCommandHandler(direct, node.command->code);
         if (node.command->code == eventOf("aevtoapp") && (!found.handler || found.owner != &direct.script()))
             return runScript(direct.script(), {});
         if (found.handler) return callCommandHandler(found, direct, {});
     }
-    found = findCommandHandler(receiver, *node.command);
+    found = findCommandHandler(receiver, node.command->code);
     if (found.handler) return callCommandHandler(found, receiver, arguments);
     return performCommand(*node.command, arguments, node);
 }
@@ -208,7 +207,7 @@ Value Evaluator::evaluateContinue(Node const& node) {
     Node const& call = *node.a;
     Value const parent = m_frame->lexical->parent();
     if (call.kind == NodeKind::Command) {
-        FoundHandler const found = findCommandHandler(parent, *call.command);
+        FoundHandler const found = findCommandHandler(parent, call.command->code);
         CommandArguments const arguments = argumentsOf(call);
         if (found.handler) return callCommandHandler(found, m_frame->me, arguments);
         return performCommand(*call.command, arguments, call);
@@ -224,6 +223,48 @@ Value Evaluator::evaluateContinue(Node const& node) {
     for (Node const* const argument : call.list)
         arguments.push_back(valueOf(*argument));
     return callPositional(found, m_frame->me, arguments);
+}
+
+Value Evaluator::callLabeled(FoundHandler found, Value const& me, HandlerMessage const& message) {
+    HandlerDefinition const& handler = *found.handler;
+    std::vector<std::pair<Node const*, Value>> bindings;
+    if (handler.direct) {
+        if (message.direct.isNothing()) throw missingParameter(u"direct", handler.name->spelling);
+        bindings.emplace_back(handler.direct, message.direct);
+    }
+    for (auto const& [label, pattern] : handler.labeled) {
+        auto const given = std::ranges::find_if(
+            message.labeled, [&](auto const& parameter) { return isSameName(parameter.first, label); });
+        if (given == message.labeled.end()) throw missingParameter(label->spelling, handler.name->spelling);
+        bindings.emplace_back(pattern, given->second);
+    }
+    return enter(found, me, [&] {
+        for (auto const& [pattern, value] : bindings)
+            assign(*pattern, value);
+    });
+}
+
+Value Evaluator::callHandler(ScriptObject& script, HandlerMessage const& message) {
+    Value const me = script.self();
+    FoundHandler const found = findHandler(me, identifierSymbol(message.name));
+    if (!found.handler) throw notUnderstood(me, message.name);
+    if (found.handler->command) return callCommandHandler(found, me, {.direct = message.direct});
+    if (!found.handler->isPositional) return callLabeled(found, me, message);
+    Value const given =
+        message.direct.isNothing() ? Value::list() : requireType(message.direct, codeOf("list"), context());
+    return callPositional(found, me, given.items());
+}
+
+Value Evaluator::handleEvent(ScriptObject& script, EventCode event, CommandArguments const& arguments) {
+    Value const me = script.self();
+    FoundHandler const found = findCommandHandler(me, event);
+    if (found.handler) return callCommandHandler(found, me, arguments);
+    CommandTerm const* const command = Terminology::base().commandOf(event);
+    constexpr unsigned bitsOfCode = 32;
+    std::u16string const name = command ? std::u16string(command->name)
+                                        : u"«event " + charactersOfCode(static_cast<Code>(event >> bitsOfCode)) +
+                                              charactersOfCode(static_cast<Code>(event)) + u"»";
+    throw notUnderstood(me, name);
 }
 
 Value Evaluator::runScript(ScriptObject& script, std::vector<Value> const& arguments) {

@@ -40,13 +40,29 @@ std::optional<CompiledScript> CompiledScript::compile(std::u16string_view source
 }
 
 ScriptOutcome CompiledScript::run(RunOptions const& options, std::vector<Value> const& arguments) {
+    return perform(options,
+                   [&](Evaluator& evaluator, ScriptObject& script) { return evaluator.runScript(script, arguments); });
+}
+
+ScriptOutcome CompiledScript::call(RunOptions const& options, HandlerMessage const& message) {
+    return perform(options,
+                   [&](Evaluator& evaluator, ScriptObject& script) { return evaluator.callHandler(script, message); });
+}
+
+ScriptOutcome CompiledScript::handle(RunOptions const& options, EventCode event, CommandArguments const& arguments) {
+    return perform(options, [&](Evaluator& evaluator, ScriptObject& script) {
+        return evaluator.handleEvent(script, event, arguments);
+    });
+}
+
+ScriptOutcome CompiledScript::perform(RunOptions const& options, Action const& action) {
     ScriptOutcome outcome;
     EngineState& state = engineState();
     unsigned const considered = state.text.considered;
     try {
         Evaluator evaluator(state, options);
         if (m_script.isNothing()) m_script = evaluator.load(m_tree);
-        outcome.value = evaluator.runScript(m_script.script(), arguments);
+        outcome.value = action(evaluator, m_script.script());
     } catch (ScriptError const& error) {
         outcome.error = error;
     } catch (ScriptStopped const& stopped) {

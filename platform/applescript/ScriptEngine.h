@@ -26,8 +26,14 @@ public:
 
     // `arguments` are what `on run` is given. An error's range is set.
     ScriptOutcome run(RunOptions const& options, std::vector<Value> const& arguments = {});
+    // Call a handler, by name or by the event of its command; -1708 where there is none.
+    ScriptOutcome call(RunOptions const& options, HandlerMessage const& message);
+    ScriptOutcome handle(RunOptions const& options, EventCode event, CommandArguments const& arguments);
 
 private:
+    using Action = std::function<Value(Evaluator& evaluator, ScriptObject& script)>;
+    ScriptOutcome perform(RunOptions const& options, Action const& action);
+
     explicit CompiledScript(std::shared_ptr<SyntaxTree> tree) : m_tree(std::move(tree)) {}
 
     std::shared_ptr<SyntaxTree> m_tree;

@@ -21,6 +21,8 @@ struct ScriptError {
     Value partialResult{};
     std::optional<SourceRange> range{};
     bool isSyntax{false};
+    // The application that raised it; its name stands before the message then. Empty: the engine.
+    std::u16string application{};
 };
 
 // Stops a script from outside; no try of the script catches it.
@@ -41,6 +43,7 @@ inline constexpr std::int32_t OutOfMemory = -108;
 inline constexpr std::int32_t UserCanceled = -128;
 inline constexpr std::int32_t CannotCoerce = -1700;
 inline constexpr std::int32_t MissingParameter = -1701;
+inline constexpr std::int32_t CorruptData = -1702;
 inline constexpr std::int32_t NotUnderstood = -1708;
 inline constexpr std::int32_t TimedOut = -1712;
 inline constexpr std::int32_t NoUserInteraction = -1713;

@@ -1,0 +1,45 @@
+#include "platform/applescript/FileCoercions.h"
+#include "platform/applescript/HeapObjects.h"
+#include "platform/applescript/ScriptDescriptors.h"
+#include "platform/applescript/ScriptError.h"
+#include "platform/applescript/ScriptFileURLs.h"
+#include "platform/applescript/SourceForm.h"
+#include "platform/events/DescriptorCoercion.h"
+
+namespace mac::applescript {
+
+namespace {
+
+constexpr DescType AliasType{"alis"};
+
+OSErr asText(AEDesc const& desc, DescType toType, AEDesc& result) {
+    try {
+        AEDesc const text = makeText(filePathText(valueOfDescriptor(desc)));
+        return AECoerceDesc(&text, toType, &result);
+    } catch (ScriptError const&) {
+        return errAECoercionFail;
+    }
+}
+
+OSErr asFile(AEDesc const& desc, DescType toType, AEDesc& result) {
+    try {
+        FileObject::Kind const kind = toType == AliasType ? FileObject::Kind::Alias : FileObject::Kind::PosixFile;
+        Value const file = valueOfDescriptor(desc);
+        result = descriptorOfValue(makeObject<FileObject>(ValueKind::File, kind, file.file().path));
+        return noErr;
+    } catch (ScriptError const&) {
+        return errAECoercionFail;
+    }
+}
+
+} // namespace
+
+void installFileCoercions() {
+    for (DescType const type : {AliasType, typeFileURL})
+        for (DescType const text : {typeUnicodeText, typeText, typeUTF8Text})
+            AEInstallCoercionHandler(type, text, asText);
+    AEInstallCoercionHandler(AliasType, typeFileURL, asFile);
+    AEInstallCoercionHandler(typeFileURL, AliasType, asFile);
+}
+
+} // namespace mac::applescript
