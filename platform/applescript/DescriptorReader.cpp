@@ -286,11 +286,11 @@ private:
         }
     }
 
-    static Value test(Operation operation, Value left, Value right = {}) {
+    static Value test(Operation operation, Value first, Value second = {}) {
         Value const made = makeObject<TestObject>(ValueKind::Test);
         made.test().operation = operation;
-        made.test().left = std::move(left);
-        made.test().right = std::move(right);
+        made.test().left = std::move(first);
+        made.test().right = std::move(second);
         return made;
     }
 
@@ -302,13 +302,12 @@ private:
     Value testIn(AEDesc const& desc) {
         if (desc.descriptorType == LogicalTest) return logicalTestIn(desc);
         Code const code = codeIn(entry(desc, Comparison));
-        AEDesc const& first = entry(desc, FirstOperand);
-        Value const left = operand(first);
-        Value const right = operand(entry(desc, SecondOperand));
-        bool const isReversed = code == codeOf("cont") && !left.is(ValueKind::Specifier);
-        if (isReversed) return test(Operation::IsIn, right, left);
+        Value const subject = operand(entry(desc, FirstOperand));
+        Value const other = operand(entry(desc, SecondOperand));
+        bool const isReversed = code == codeOf("cont") && !subject.is(ValueKind::Specifier);
+        if (isReversed) return test(Operation::IsIn, other, subject);
         for (ComparisonRow const& row : Comparisons)
-            if (row.code == code) return test(row.operation, left, right);
+            if (row.code == code) return test(row.operation, subject, other);
         throw corrupt();
     }
 

@@ -232,11 +232,11 @@ Value Evaluator::callLabeled(FoundHandler found, Value const& me, HandlerMessage
         if (message.direct.isNothing()) throw missingParameter(u"direct", handler.name->spelling);
         bindings.emplace_back(handler.direct, message.direct);
     }
-    for (auto const& [label, pattern] : handler.labeled) {
+    for (auto const& labeled : handler.labeled) {
         auto const given = std::ranges::find_if(
-            message.labeled, [&](auto const& parameter) { return isSameName(parameter.first, label); });
-        if (given == message.labeled.end()) throw missingParameter(label->spelling, handler.name->spelling);
-        bindings.emplace_back(pattern, given->second);
+            message.labeled, [&](auto const& parameter) { return isSameName(parameter.first, labeled.first); });
+        if (given == message.labeled.end()) throw missingParameter(labeled.first->spelling, handler.name->spelling);
+        bindings.emplace_back(labeled.second, given->second);
     }
     return enter(found, me, [&] {
         for (auto const& [pattern, value] : bindings)

@@ -35,9 +35,10 @@ OSErr asFile(AEDesc const& desc, DescType toType, AEDesc& result) {
 } // namespace
 
 void installFileCoercions() {
-    for (DescType const type : {AliasType, typeFileURL})
-        for (DescType const text : {typeUnicodeText, typeText, typeUTF8Text})
-            AEInstallCoercionHandler(type, text, asText);
+    for (DescType const textType : {typeUnicodeText, typeText, typeUTF8Text}) {
+        AEInstallCoercionHandler(AliasType, textType, asText);
+        AEInstallCoercionHandler(typeFileURL, textType, asText);
+    }
     AEInstallCoercionHandler(AliasType, typeFileURL, asFile);
     AEInstallCoercionHandler(typeFileURL, AliasType, asFile);
 }

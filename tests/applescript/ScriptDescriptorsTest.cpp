@@ -89,7 +89,7 @@ TEST(ScriptDescriptors, EveryKindOfValueHasItsType) {
         {u"yes", "'yes '"},
         {u"{1, {\"a\"}, {}}", "[ 1, [ 'utxt'(\"a\") ], [  ] ]"},
         {u"{name:\"x\", |my key|:1, b:2}",
-         "{ 'pnam':'utxt'(\"x\"), 'usrf':[ 'utxt'(\"my key\"), 1, 'utxt'(\"b\"), 2 ] }"},
+         R"x({ 'pnam':'utxt'("x"), 'usrf':[ 'utxt'("my key"), 1, 'utxt'("b"), 2 ] })x"},
         {u"{class:application, name:\"x\"}", "'capp'{ 'pnam':'utxt'(\"x\") }"},
         {u"{class:integer, name:\"x\"}", "{ 'pcls':'long', 'pnam':'utxt'(\"x\") }"},
         {u"POSIX file \"/a b/ñ\"", "'furl'(\"Macintosh HD:a b:ñ\")"},

@@ -57,7 +57,7 @@ std::string printedCall(NSString const& source, NSAppleEventDescriptor const& ev
 
 TEST(NSAppleScript, AnswersTheResultOfARun) {
     NSDictionary error = NSDictionary::dictionary();
-    NSAppleScript const script = scriptOf("{1 + 1, \"a\" & \"b\"}");
+    NSAppleScript const script = scriptOf(R"({1 + 1, "a" & "b"})");
     EXPECT_EQ(printed(script.executeAndReturnError_(&error)), "[ 2, 'utxt'(\"ab\") ]");
     EXPECT_TRUE(error == nil);
     EXPECT_TRUE(script.isCompiled());

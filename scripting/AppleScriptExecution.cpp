@@ -1,0 +1,129 @@
+#include "scripting/AppleScriptExecution.h"
+#include "coreutils/Strings.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNumber.h"
+#include "scripting/AppleEventDescriptors.h"
+
+namespace mac {
+
+namespace {
+
+void storeMessage(NSDictionary const& errorInfo, NSString* error) {
+    if (error) *error = as<NSString>(errorInfo.objectForKey_(NSAppleScriptErrorBriefMessage));
+}
+
+NSAppleEventDescriptor resultOfSource(NSString const& source, NSString* error) {
+    NSAppleScript const script = NSAppleScript::alloc().initWithSource_(source);
+    NSDictionary errorInfo;
+    NSAppleEventDescriptor const result = script.executeAndReturnError_(&errorInfo);
+    storeMessage(errorInfo, error);
+    return result;
+}
+
+NSAppleEventDescriptor callOfHandler(NSString const& handler, NSAppleEventDescriptor const& parameters) {
+    NSAppleEventDescriptor const event =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            kASAppleScriptSuite, kASSubroutineEvent, pxDescriptorWithProcessSerialNumberSelf(), kAutoGenerateReturnID,
+            kAnyTransactionID);
+    event.setDescriptor_forKeyword_(NSAppleEventDescriptor::descriptorWithString_(handler.lowercaseString()),
+                                    keyASSubroutineName);
+    event.setDescriptor_forKeyword_(parameters == nil ? NSAppleEventDescriptor::listDescriptor() : parameters,
+                                    keyDirectObject);
+    return event;
+}
+
+// Nil for an object that no parameter can be made of.
+NSAppleEventDescriptor descriptorOfParameter(id const& parameter) {
+    if (NSNumber const number = as<NSNumber>(parameter); number != nil)
+        return NSAppleEventDescriptor::descriptorWithInt32_(number.integerValue());
+    if (NSString const text = as<NSString>(parameter); text != nil)
+        return NSAppleEventDescriptor::descriptorWithString_(text);
+    return as<NSAppleEventDescriptor>(parameter);
+}
+
+NSString withBackslashesBefore(NSString const& text, NSString const& quote) {
+    NSString const doubled = pxStringBySubstituting_with_(text, "\\", "\\\\");
+    return pxStringBySubstituting_with_(doubled, quote, NSString("\\").stringByAppendingString_(quote));
+}
+
+} // namespace
+
+NSString pxExecuteAsAppleScript(NSString receiver) {
+    NSString dropped;
+    return pxExecuteAsAppleScript_(receiver, &dropped);
+}
+
+NSString pxExecuteAsAppleScript_(NSString receiver, NSString* error) {
+    return receiver == nil ? NSString() : resultOfSource(receiver, error).stringValue();
+}
+
+id pxExecuteAsAppleScript2_(NSString receiver, NSString* error) {
+    return receiver == nil ? id() : pxObject(resultOfSource(receiver, error));
+}
+
+NSString pxExecuteAsShellScriptWithAdminPrivs_(NSString receiver, BOOL asksForAdministrator) {
+    if (receiver == nil) return nil;
+    char const* const privileges = asksForAdministrator ? " with administrator privileges" : "";
+    return pxExecuteAsAppleScript(NSString::stringWithFormat_("do shell script \"%@\"%s", receiver, privileges));
+}
+
+NSString pxQuotedForm(NSString receiver) {
+    if (receiver == nil) return nil;
+    NSString error;
+    NSString const quoted =
+        pxExecuteAsAppleScript_(NSString::stringWithFormat_("quoted form of \"%@\"\n", receiver), &error);
+    return error == nil ? quoted : NSString();
+}
+
+NSString pxStringByEscapingDoubleQuotes(NSString receiver) { return withBackslashesBefore(receiver, "\""); }
+
+NSString pxStringByEscapingSingleQuotes(NSString receiver) { return withBackslashesBefore(receiver, "'"); }
+
+id pxExecuteHandler_withParameters_error_(NSAppleScript receiver, NSString handler, NSAppleEventDescriptor parameters,
+                                          NSString* error) {
+    if (receiver == nil) return nil;
+    NSDictionary errorInfo;
+    NSAppleEventDescriptor const result =
+        receiver.executeAppleEvent_error_(callOfHandler(handler, parameters), &errorInfo);
+    storeMessage(errorInfo, error);
+    return pxObject(result);
+}
+
+id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
+                                          std::initializer_list<id> parameters) {
+    if (receiver == nil) return nil;
+    NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
+    NSInteger index = 0;
+    for (id const& parameter : parameters) {
+        if (parameter == nil) break;
+        ++index;
+        NSAppleEventDescriptor const descriptor = descriptorOfParameter(parameter);
+        if (descriptor == nil) {
+            NSLog("%s ERROR: Unrecognized type for parameter %d",
+                  "-[NSAppleScript(PXUtils) pxExecuteHandler:error:withParameters:]", index);
+            return nil;
+        }
+        list.insertDescriptor_atIndex_(descriptor, index);
+    }
+    return pxExecuteHandler_withParameters_error_(receiver, handler, list, error);
+}
+
+namespace {
+
+struct Registration {
+    Registration() {
+        Method const methods[] = {
+            method<&pxExecuteAsAppleScript>("pxExecuteAsAppleScript"),
+            method<&pxExecuteAsShellScriptWithAdminPrivs_>("pxExecuteAsShellScriptWithAdminPrivs:"),
+            method<&pxQuotedForm>("pxQuotedForm"),
+            method<&pxStringByEscapingDoubleQuotes>("pxStringByEscapingDoubleQuotes"),
+            method<&pxStringByEscapingSingleQuotes>("pxStringByEscapingSingleQuotes"),
+        };
+        classOf<NSString>().addMethods(methods);
+    }
+} const s_registration;
+
+} // namespace
+
+} // namespace mac
