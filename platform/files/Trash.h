@@ -17,6 +17,9 @@
 //
 // Nothing is ever copied, and nothing is deleted instead of being trashed: either the item moves within its volume, or
 // it stays where it is.
+//
+// Where FRAMEKEEPER_LOCAL_COMPUTER narrows the local computer to some folders, "all volumes" are those mounted there,
+// and the home trash.
 
 namespace mac {
 

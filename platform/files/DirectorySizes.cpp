@@ -1,0 +1,83 @@
+#include "platform/files/DirectorySizes.h"
+#include "platform/files/FolderDescent.h"
+#include "platform/files/TrashInformation.h"
+#include "platform/foundation/FileWriting.h"
+#include "platform/foundation/LongPath.h"
+#include <fcntl.h>
+#include <span>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr char FileName[] = "directorysizes";
+constexpr std::size_t LargestFile = std::size_t{4} << 20;
+constexpr std::size_t MostItems = 50'000;
+constexpr std::uint64_t BlockSize = 512;
+
+// As du counts.
+std::optional<std::uint64_t> diskUse(TrashFolder const& trash, std::string const& name) {
+    std::optional<ItemPlace> const place = placeOf(trash.files, name);
+    if (!place || !place->isFolder) return std::nullopt;
+    std::uint64_t blocks = 0;
+    DescentVisit const add = [&](FileDescriptor const& folder, std::string const& item, ItemPlace const&) {
+        struct stat status {};
+        if (::fstatat(folder.number(), item.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+        blocks += static_cast<std::uint64_t>(status.st_blocks);
+        return true;
+    };
+    if (!descend(trash.files, name, place->identity, {.mostItems = MostItems}, add)) return std::nullopt;
+    return blocks * BlockSize;
+}
+
+// Of two that change it at once the second lets it be: to wait is not worth it.
+FileDescriptor locked(TrashFolder const& trash) {
+    FileDescriptor folder(::openat(trash.folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen() || ::flock(folder.number(), LOCK_EX | LOCK_NB) != 0) return {};
+    return folder;
+}
+
+std::vector<DirectorySize> readSizes(FileDescriptor const& folder) {
+    FileDescriptor const file(
+        ::openat(folder.number(), FileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen()) return {};
+    Result<FileContents> const contents = readOpenFile(file, LargestFile);
+    if (!contents.hasValue()) return {};
+    std::span<std::byte const> const bytes = contents.value().bytes;
+    return DirectorySize::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+}
+
+void writeSizes(FileDescriptor const& folder, std::vector<DirectorySize> const& sizes) {
+    std::string const text = DirectorySize::text(sizes);
+    replaceFileInFolder(folder.number(), FileName, std::as_bytes(std::span(text)), S_IRUSR | S_IWUSR);
+}
+
+} // namespace
+
+void addDirectorySize(TrashFolder const& trash, std::string const& name) {
+    std::optional<std::uint64_t> const bytes = diskUse(trash, name);
+    struct stat information {};
+    std::string const informationName = name + std::string(TrashInformation::nameEnd);
+    int const found = ::fstatat(trash.information.number(), informationName.c_str(), &information, AT_SYMLINK_NOFOLLOW);
+    if (!bytes || found != 0) return;
+    FileDescriptor const folder = locked(trash);
+    if (!folder.isOpen()) return;
+    std::vector<DirectorySize> sizes = readSizes(folder);
+    std::erase_if(sizes, [&](DirectorySize const& size) { return size.name == name; });
+    sizes.push_back({*bytes, information.st_mtim.tv_sec, name});
+    writeSizes(folder, sizes);
+}
+
+void removeOldDirectorySizes(TrashFolder const& trash) {
+    FileDescriptor const folder = locked(trash);
+    if (!folder.isOpen()) return;
+    std::vector<DirectorySize> sizes = readSizes(folder);
+    std::size_t const gone =
+        std::erase_if(sizes, [&](DirectorySize const& size) { return !placeOf(trash.files, size.name); });
+    if (gone > 0) writeSizes(folder, sizes);
+}
+
+} // namespace mac

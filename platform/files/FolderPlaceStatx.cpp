@@ -1,0 +1,137 @@
+#include "platform/files/FolderPlace.h"
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
+    constexpr unsigned wanted =
+        STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_NLINK | STATX_BTIME | STATX_MNT_ID;
+    struct statx status {};
+    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, wanted, &status) != 0) return std::nullopt;
+    ItemPlace place;
+    place.identity.device = makedev(status.stx_dev_major, status.stx_dev_minor);
+    place.identity.inode = status.stx_ino;
+    if ((status.stx_mask & STATX_BTIME) != 0)
+        place.identity.birth = std::int64_t{status.stx_btime.tv_sec} * 1000000000 + status.stx_btime.tv_nsec;
+    place.mount = status.stx_mnt_id;
+    place.owner = status.stx_uid;
+    place.mode = status.stx_mode;
+    place.isFolder = S_ISDIR(status.stx_mode);
+    place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    return place;
+}
+
+FileDescriptor folderAbove(FileDescriptor const& folder, int flags = O_PATH) {
+    return FileDescriptor(::openat(folder.number(), "..", flags | O_DIRECTORY | O_CLOEXEC));
+}
+
+bool isSamePlace(ItemPlace const& one, ItemPlace const& other) {
+    return one.identity == other.identity && one.mount == other.mount;
+}
+
+// The system does not tell paths that are too long for it.
+std::optional<std::string> systemsPath(FileDescriptor const& folder) {
+    std::array<char, PATH_MAX> path;
+    std::string const link = "/proc/self/fd/" + std::to_string(folder.number());
+    ssize_t const length = ::readlink(link.c_str(), path.data(), path.size());
+    if (length <= 0) return std::nullopt;
+    if (path[0] == '/' && static_cast<std::size_t>(length) < path.size())
+        return std::string(path.data(), static_cast<std::size_t>(length));
+    errno = path[0] == '/' ? ENAMETOOLONG : ENOENT;
+    return std::nullopt;
+}
+
+std::optional<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& item) {
+    for (std::string const& name : namesInFolder(folder).value_or(std::vector<std::string>())) {
+        std::optional<ItemPlace> const found = placeOf(folder, name);
+        if (found && isSamePlace(*found, item)) return name;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<ItemPlace> placeOf(FileDescriptor const& item) { return placeAt(item.number(), "", AT_EMPTY_PATH); }
+
+std::optional<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name) {
+    return placeAt(folder.number(), name.c_str(), 0);
+}
+
+std::optional<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {
+    std::vector<ItemIdentity> identities;
+    std::optional<ItemPlace> place = placeOf(folder);
+    FileDescriptor above = folderAbove(folder);
+    while (place) {
+        identities.push_back(place->identity);
+        std::optional<ItemPlace> next = above.isOpen() ? placeOf(above) : std::nullopt;
+        if (next && isSamePlace(*next, *place)) return identities;
+        place = next;
+        if (place) above = folderAbove(above);
+    }
+    return std::nullopt;
+}
+
+FileDescriptor topOfMount(FileDescriptor const& folder) {
+    FileDescriptor top(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    while (top.isOpen()) {
+        std::optional<ItemPlace> const place = placeOf(top);
+        FileDescriptor above = folderAbove(top);
+        std::optional<ItemPlace> const next = above.isOpen() ? placeOf(above) : std::nullopt;
+        if (!place || !next) return {};
+        if (next->mount != place->mount || isSamePlace(*next, *place)) return top;
+        top = std::move(above);
+    }
+    return top;
+}
+
+std::optional<std::string> pathOfFolder(FileDescriptor const& folder) {
+    std::optional<std::string> path = systemsPath(folder);
+    FileDescriptor below(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::string end;
+    while (!path && errno == ENAMETOOLONG) {
+        FileDescriptor above = folderAbove(below, O_RDONLY);
+        std::optional<ItemPlace> const place = placeOf(below);
+        std::optional<std::string> const name = above.isOpen() && place ? nameInFolder(above, *place) : std::nullopt;
+        if (!name) return std::nullopt;
+        end = "/" + *name + end;
+        below = std::move(above);
+        path = systemsPath(below);
+    }
+    if (!path || end.empty()) return path;
+    return *path == "/" ? end : *path + end;
+}
+
+std::optional<std::vector<std::string>> namesInFolder(FileDescriptor const& folder) {
+    // A descriptor of its own starts at the beginning; what lists the folder closes it.
+    int const own = ::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
+    if (own < 0) return std::nullopt;
+    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(own));
+    if (!entries) {
+        ::close(own);
+        return std::nullopt;
+    }
+    std::vector<std::string> names;
+    errno = 0;
+    while (dirent const* const entry = ::readdir(entries.get())) {
+        std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(std::move(name));
+    }
+    if (errno != 0) return std::nullopt;
+    return names;
+}
+
+} // namespace mac

@@ -1,0 +1,216 @@
+#include "platform/files/DirectorySizes.h"
+#include "platform/files/FolderDescent.h"
+#include "platform/files/FolderPlace.h"
+#include "platform/files/TrashInformation.h"
+#include "platform/files/TrashMove.h"
+#include "platform/files/TrashSteps.h"
+#include "platform/foundation/LongPath.h"
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <set>
+#include <span>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr std::size_t LargestInformation = std::size_t{1} << 20;
+constexpr char CannotPutBack[] = "The item cannot be put back";
+constexpr char CannotErase[] = "The item cannot be deleted from the trash";
+constexpr std::string_view CompanionMark = "._";
+
+// Those that can be listed.
+std::set<std::string> namesIn(FileDescriptor const& folder) {
+    std::optional<std::vector<std::string>> const names = namesInFolder(folder);
+    return names ? std::set<std::string>(names->begin(), names->end()) : std::set<std::string>();
+}
+
+std::string informationName(std::string const& name) { return name + std::string(TrashInformation::nameEnd); }
+
+std::optional<TrashInformation> informationOf(TrashFolder const& trash, std::string const& name) {
+    std::string const file = informationName(name);
+    // Opening what is no file can wait for ever, or do things.
+    std::optional<ItemPlace> const place = placeOf(trash.information, file);
+    if (!place || !S_ISREG(place->mode)) return std::nullopt;
+    FileDescriptor const open(
+        ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!open.isOpen()) return std::nullopt;
+    Result<FileContents> const contents = readOpenFile(open, LargestInformation);
+    if (!contents.hasValue()) return std::nullopt;
+    std::span<std::byte const> const bytes = contents.value().bytes;
+    return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+}
+
+std::optional<TrashedItem> itemIn(TrashFolder const& trash, std::string const& name) {
+    std::optional<ItemPlace> const place = placeOf(trash.files, name);
+    if (!place) return std::nullopt;
+    TrashedItem item{.path = trash.filesPath() + "/" + name, .identity = place->identity, .isFolder = place->isFolder};
+    if (std::optional<TrashInformation> const information = informationOf(trash, name)) {
+        item.originalPath = trash.originalPath(information->path);
+        item.deletionTime = secondsOfLocalTimeText(information->date);
+    }
+    return item;
+}
+
+bool isCompanion(TrashFolder const& trash, std::set<std::string> const& names, std::string const& name) {
+    if (!name.starts_with(CompanionMark)) return false;
+    std::string const owner = name.substr(CompanionMark.size());
+    return names.contains(owner) && companionOf(trash.files, owner).file.isOpen();
+}
+
+std::vector<TrashedItem> itemsIn(TrashFolder const& trash) {
+    std::vector<TrashedItem> items;
+    std::set<std::string> const names = namesIn(trash.files);
+    for (std::string const& name : names) {
+        std::optional<TrashedItem> item = itemIn(trash, name);
+        if (item && !isCompanion(trash, names, name)) items.push_back(std::move(*item));
+    }
+    return items;
+}
+
+std::string nameOf(std::string const& path) { return path.substr(path.rfind('/') + 1); }
+
+void removeInformation(TrashFolder const& trash, std::string const& name) {
+    ::unlinkat(trash.information.number(), informationName(name).c_str(), 0);
+}
+
+// The trash that the item lies in, and the item, open.
+struct Found {
+    TrashFolder trash{};
+    std::string name{};
+    FileDescriptor item{};
+    bool isFolder{false};
+};
+
+TrashResult<Found> find(TrashedItem const& item, char const* what) {
+    std::optional<OpenItem> open = openItemAtPath(item.path, false);
+    std::optional<ItemPlace> const place = open ? placeOf(open->item) : std::nullopt;
+    std::optional<ItemPlace> const folder = place && !open->name.empty() ? placeOf(open->folder) : std::nullopt;
+    if (!folder) return trashFailure(errno, what);
+    if (!(place->identity == item.identity)) return trashFailure(ESTALE, what);
+    for (TrashFolder& trash : trashesAround(open->folder)) {
+        std::optional<ItemPlace> const files = placeOf(trash.files);
+        if (!files || !(files->identity == folder->identity)) continue;
+        return Found{std::move(trash), open->name, std::move(open->item), place->isFolder};
+    }
+    return TrashFailure{TrashProblem::NotInTrash, what + std::string(": It is not in the trash")};
+}
+
+// The AppleDouble file goes where its item went, unless something of its name is there.
+void putCompanionBack(TrashFolder const& trash, std::string const& name, FileDescriptor const& folder,
+                      std::string const& originalName) {
+    Companion const companion = companionOf(trash.files, name);
+    if (!companion.file.isOpen()) return;
+    std::string const back = std::string(CompanionMark) + originalName;
+    if (moveItem(companion.file, trash.files, companion.name, folder, back) != Moved::Yes) return;
+    removeInformation(trash, companion.name);
+}
+
+bool eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+    int const flags = place.isFolder ? AT_REMOVEDIR : 0;
+    return ::unlinkat(folder.number(), name.c_str(), flags) == 0 || errno == ENOENT;
+}
+
+bool eraseWhole(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity) {
+    if (!descend(trash.files, name, identity, {.makesAccessible = true}, eraseOne)) return false;
+    tellTrashStep(TrashStep::ItemErased);
+    removeInformation(trash, name);
+    return true;
+}
+
+// Errno says why not.
+bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity) {
+    Companion const companion = companionOf(trash.files, name);
+    if (!eraseWhole(trash, name, identity)) return false;
+    std::optional<ItemPlace> const place = companion.file.isOpen() ? placeOf(companion.file) : std::nullopt;
+    if (place) eraseWhole(trash, companion.name, place->identity);
+    return true;
+}
+
+// What tells of an item that never came, or went by other ways. A young one can be of an item that is on its way.
+void removeOrphans(TrashFolder const& trash) {
+    constexpr std::int64_t oldEnough = 60 * 60;
+    std::int64_t const now = ::time(nullptr);
+    for (std::string const& file : namesIn(trash.information)) {
+        if (!file.ends_with(TrashInformation::nameEnd)) continue;
+        std::string const name = file.substr(0, file.size() - TrashInformation::nameEnd.size());
+        struct stat status {};
+        if (::fstatat(trash.information.number(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
+        bool const isOrphan = !placeOf(trash.files, name) && errno == ENOENT;
+        if (isOrphan && S_ISREG(status.st_mode) && status.st_mtim.tv_sec + oldEnough < now)
+            ::unlinkat(trash.information.number(), file.c_str(), 0);
+    }
+}
+
+} // namespace
+
+std::vector<TrashedItem> trashedItems() {
+    std::vector<TrashedItem> items;
+    for (TrashFolder const& trash : trashesOfUser()) {
+        for (TrashedItem& item : itemsIn(trash))
+            items.push_back(std::move(item));
+    }
+    std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);
+    return items;
+}
+
+TrashResult<std::string> putBack(TrashedItem const& item) {
+    TrashResult<Found> const found = find(item, CannotPutBack);
+    if (!found.hasValue()) return found.failure();
+    Found const& trashed = found.value();
+    std::optional<TrashInformation> const information = informationOf(trashed.trash, trashed.name);
+    std::string const path = information ? trashed.trash.originalPath(information->path) : std::string();
+    if (path.empty())
+        return TrashFailure{TrashProblem::NotInTrash,
+                            std::string(CannotPutBack) + ": Nothing tells where it came from"};
+    std::size_t const slash = path.rfind('/');
+    FileDescriptor const folder = openPath(slash == 0 ? "/" : path.substr(0, slash), O_PATH | O_DIRECTORY);
+    if (!folder.isOpen()) return trashFailure(errno, CannotPutBack);
+    std::string const name = nameOf(path);
+    if (moveItem(trashed.item, trashed.trash.files, trashed.name, folder, name) != Moved::Yes)
+        return trashFailure(errno, CannotPutBack);
+    tellTrashStep(TrashStep::ItemPutBack);
+    putCompanionBack(trashed.trash, trashed.name, folder, name);
+    removeInformation(trashed.trash, trashed.name);
+    if (trashed.isFolder) removeOldDirectorySizes(trashed.trash);
+    return path;
+}
+
+TrashResult<std::string> eraseFromTrash(TrashedItem const& item) {
+    TrashResult<Found> const found = find(item, CannotErase);
+    if (!found.hasValue()) return found.failure();
+    TrashFolder const& trash = found.value().trash;
+    if (!eraseWithCompanion(trash, found.value().name, item.identity)) return trashFailure(errno, CannotErase);
+    if (found.value().isFolder) removeOldDirectorySizes(trash);
+    return item.path;
+}
+
+EmptiedTrash emptyTrash() {
+    EmptiedTrash emptied;
+    for (TrashFolder const& trash : trashesOfUser()) {
+        for (TrashedItem const& item : itemsIn(trash)) {
+            if (eraseWithCompanion(trash, nameOf(item.path), item.identity)) {
+                ++emptied.removed;
+                continue;
+            }
+            if (emptied.left == 0) emptied.firstFailure = trashFailure(errno, CannotErase);
+            ++emptied.left;
+        }
+        removeOrphans(trash);
+        removeOldDirectorySizes(trash);
+    }
+    return emptied;
+}
+
+std::vector<std::string> trashFolders() {
+    std::vector<std::string> folders;
+    for (TrashFolder const& trash : trashesOfUser())
+        folders.push_back(trash.filesPath());
+    return folders;
+}
+
+} // namespace mac

@@ -1,0 +1,182 @@
+#include "platform/files/TrashInformation.h"
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <ctime>
+
+namespace mac {
+
+namespace {
+
+constexpr std::string_view Heading = "[Trash Info]";
+constexpr std::string_view DateForm = "0000-00-00T00:00:00";
+
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+bool staysAsItIs(char character) {
+    bool const isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
+    return isLetter || isDigit(character) || std::string_view("/-._~").find(character) != std::string_view::npos;
+}
+
+std::string percentEncoded(std::string_view bytes) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    for (char const character : bytes) {
+        if (staysAsItIs(character)) {
+            text.push_back(character);
+            continue;
+        }
+        auto const byte = static_cast<unsigned char>(character);
+        text.push_back('%');
+        text.push_back(digits[byte >> 4]);
+        text.push_back(digits[byte & 0xF]);
+    }
+    return text;
+}
+
+// Nothing for a percent sign that no two digits follow, and for a NUL.
+std::optional<std::string> percentDecoded(std::string_view text) {
+    std::string bytes;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        unsigned byte = static_cast<unsigned char>(text[index]);
+        if (byte == '%') {
+            std::string_view const digits = text.substr(index + 1, 2);
+            char const* const end = digits.data() + digits.size();
+            auto const [stop, error] = std::from_chars(digits.data(), end, byte, 16);
+            if (error != std::errc() || stop != end || digits.size() != 2) return std::nullopt;
+            index += 2;
+        }
+        if (byte == 0) return std::nullopt;
+        bytes.push_back(static_cast<char>(byte));
+    }
+    return bytes;
+}
+
+std::string_view takeLine(std::string_view& text) {
+    std::size_t const end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t'))
+        line.remove_suffix(1);
+    return line;
+}
+
+bool isDate(std::string_view text) {
+    return std::ranges::equal(
+        text, DateForm, [](char character, char form) { return form == '0' ? isDigit(character) : character == form; });
+}
+
+// It ends in a name, and goes nowhere but down.
+bool leadsToAName(std::string_view path) {
+    std::string_view rest = path;
+    std::string_view last;
+    while (!rest.empty()) {
+        std::size_t const end = std::min(rest.find('/'), rest.size());
+        last = rest.substr(0, end);
+        if (last == "..") return false;
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return !last.empty() && last != "." && !path.ends_with('/');
+}
+
+std::string withoutSlashesAtEnd(std::string path) {
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back();
+    return path;
+}
+
+template <class Number>
+std::optional<Number> takeNumber(std::string_view& line) {
+    Number number = 0;
+    auto const [end, error] = std::from_chars(line.data(), line.data() + line.size(), number);
+    std::size_t const length = static_cast<std::size_t>(end - line.data());
+    if (error != std::errc() || length == line.size() || line[length] != ' ') return std::nullopt;
+    line.remove_prefix(length + 1);
+    return number;
+}
+
+} // namespace
+
+std::optional<TrashInformation> TrashInformation::read(std::string_view text) {
+    while (!text.empty() && takeLine(text) != Heading)
+        ;
+    TrashInformation information;
+    constexpr std::string_view pathKey = "Path=";
+    constexpr std::string_view dateKey = "DeletionDate=";
+    while (!text.empty()) {
+        std::string_view const line = takeLine(text);
+        if (line.starts_with('[')) break;
+        // Of several the first counts.
+        if (line.starts_with(pathKey) && information.path.empty()) {
+            std::optional<std::string> path = percentDecoded(line.substr(pathKey.size()));
+            if (!path) return std::nullopt;
+            information.path = withoutSlashesAtEnd(std::move(*path));
+        }
+        std::string_view const date = line.starts_with(dateKey) ? line.substr(dateKey.size()) : std::string_view();
+        if (information.date.empty() && isDate(date)) information.date = date;
+    }
+    if (!leadsToAName(information.path)) return std::nullopt;
+    return information;
+}
+
+std::string TrashInformation::text() const {
+    std::string text(Heading);
+    text.append("\nPath=").append(percentEncoded(path)).append("\n");
+    if (!date.empty()) text.append("DeletionDate=").append(date).append("\n");
+    return text;
+}
+
+std::vector<DirectorySize> DirectorySize::read(std::string_view text) {
+    std::vector<DirectorySize> sizes;
+    while (!text.empty()) {
+        std::string_view line = takeLine(text);
+        std::optional<std::uint64_t> const bytes = takeNumber<std::uint64_t>(line);
+        std::optional<std::int64_t> const time = bytes ? takeNumber<std::int64_t>(line) : std::nullopt;
+        std::optional<std::string> name = time ? percentDecoded(line) : std::nullopt;
+        if (name && !name->empty() && name->find('/') == std::string::npos)
+            sizes.push_back({*bytes, *time, std::move(*name)});
+    }
+    return sizes;
+}
+
+std::string DirectorySize::text(std::vector<DirectorySize> const& sizes) {
+    std::string text;
+    for (DirectorySize const& size : sizes) {
+        text.append(std::to_string(size.bytes)).append(" ").append(std::to_string(size.informationTime));
+        text.append(" ").append(percentEncoded(size.name)).append("\n");
+    }
+    return text;
+}
+
+std::string localTimeText(std::int64_t seconds) {
+    std::time_t const time = seconds;
+    std::tm parts{};
+    std::array<char, 64> text{};
+    if (!::localtime_r(&time, &parts)) return {};
+    std::string written(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &parts));
+    return isDate(written) ? written : std::string();
+}
+
+std::optional<std::int64_t> secondsOfLocalTimeText(std::string const& text) {
+    if (!isDate(text)) return std::nullopt;
+    auto const number = [&text](std::size_t start, std::size_t length) {
+        int value = 0;
+        std::from_chars(text.data() + start, text.data() + start + length, value);
+        return value;
+    };
+    std::tm parts{};
+    parts.tm_year = number(0, 4) - 1900;
+    parts.tm_mon = number(5, 2) - 1;
+    parts.tm_mday = number(8, 2);
+    parts.tm_hour = number(11, 2);
+    parts.tm_min = number(14, 2);
+    parts.tm_sec = number(17, 2);
+    parts.tm_isdst = -1;
+    std::tm const given = parts;
+    std::time_t const time = ::mktime(&parts);
+    // The calendar has no thirtieth of February.
+    if (parts.tm_mday != given.tm_mday || parts.tm_mon != given.tm_mon) return std::nullopt;
+    return time;
+}
+
+} // namespace mac

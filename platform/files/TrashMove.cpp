@@ -1,0 +1,96 @@
+#include "platform/files/TrashMove.h"
+#include "platform/files/AppleDoubleFile.h"
+#include "platform/files/AppleDoubleForm.h"
+#include "platform/files/ExclusiveRename.h"
+#include "platform/files/FolderPlace.h"
+#include "platform/files/TrashInformation.h"
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+bool isItem(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
+    std::optional<ItemPlace> const found = placeOf(folder, name);
+    std::optional<ItemPlace> const expected = found ? placeOf(item) : std::nullopt;
+    if (!expected) return false;
+    errno = ESTALE;
+    return found->identity == expected->identity;
+}
+
+bool writeAll(FileDescriptor const& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        ssize_t const count = ::write(file.number(), bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+std::uint32_t numberAt(std::span<unsigned char const, 4> bytes) {
+    std::uint32_t number = 0;
+    for (unsigned char const byte : bytes)
+        number = number << 8 | byte;
+    return number;
+}
+
+bool isAppleDouble(FileDescriptor const& item) {
+    struct stat status {};
+    // To open what is no file can wait for ever, or do things.
+    if (::fstat(item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    std::string const path = "/proc/self/fd/" + std::to_string(item.number());
+    FileDescriptor const file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    std::array<unsigned char, appledouble::HeaderSize> head{};
+    if (!file.isOpen() || ::pread(file.number(), head.data(), head.size(), 0) != std::ssize(head)) return false;
+    std::span const bytes(head);
+    return numberAt(bytes.subspan<0, 4>()) == appledouble::Magic &&
+           numberAt(bytes.subspan<4, 4>()) == appledouble::Version;
+}
+
+} // namespace
+
+Moved moveItem(FileDescriptor const& item, FileDescriptor const& fromFolder, std::string const& from,
+               FileDescriptor const& toFolder, std::string const& to) {
+    if (!isItem(fromFolder, from, item)) return Moved::No;
+    if (!renameWithoutReplacing(fromFolder.number(), from, toFolder.number(), to)) return Moved::No;
+    if (isItem(toFolder, to, item)) return Moved::Yes;
+    bool const isBack = renameWithoutReplacing(toFolder.number(), to, fromFolder.number(), from);
+    errno = ESTALE;
+    return isBack ? Moved::No : Moved::ButAnother;
+}
+
+TrashReservation::TrashReservation(TrashFolder const& trash, std::string const& name)
+    : m_trash(trash), m_name(name + std::string(TrashInformation::nameEnd)) {}
+
+TrashReservation::~TrashReservation() {
+    if (!m_file.isOpen() || m_isKept) return;
+    int const reason = errno;
+    if (isItem(m_trash.information, m_name, m_file)) ::unlinkat(m_trash.information.number(), m_name.c_str(), 0);
+    errno = reason;
+}
+
+bool TrashReservation::make(std::string const& writtenPath, std::string const& date) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    m_file = FileDescriptor(::openat(m_trash.information.number(), m_name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
+    if (!m_file.isOpen()) return false;
+    if (!writeAll(m_file, TrashInformation{writtenPath, date}.text()) || ::fsync(m_file.number()) != 0) return false;
+    // Some file systems cannot flush folders.
+    ::fsync(m_trash.information.number());
+    return true;
+}
+
+Companion companionOf(FileDescriptor const& folder, std::string const& itemName) {
+    constexpr std::string_view mark = "._";
+    if (itemName.starts_with(mark)) return {};
+    Companion companion{.name = AppleDoubleFile::nameFor(itemName)};
+    companion.file = FileDescriptor(::openat(folder.number(), companion.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!companion.file.isOpen() || !isAppleDouble(companion.file)) return {};
+    return companion;
+}
+
+} // namespace mac

@@ -1,0 +1,183 @@
+#include "platform/files/TrashSteps.h"
+#include "platform/files/ExclusiveRename.h"
+#include "tests/files/TrashHome.h"
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace mac::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// In a process of its own, which is killed when it has taken the step.
+void runUntilKilled(TrashStep last, std::function<void()> const& action) {
+    pid_t const child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        TrashStepListener const listener([last](TrashStep step) {
+            if (step == last) ::raise(SIGKILL);
+        });
+        action();
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "it never came to the step";
+}
+
+class TrashSteps : public testing::Test {
+protected:
+    TrashHome const m_home{};
+};
+
+TEST_F(TrashSteps, KilledBeforeTheMoveItemsAreWhereTheyWere) {
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    runUntilKilled(TrashStep::InformationWritten, [&] { moveToTrash(file); });
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_TRUE(trashedItems().empty());
+    // And they can still be trashed.
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_TRUE(result.hasValue());
+    EXPECT_EQ(textOf(result.value().path), "x");
+    ASSERT_TRUE(putBack(result.value()).hasValue());
+}
+
+TEST_F(TrashSteps, KilledAfterTheMoveItemsAreInTheTrash) {
+    for (TrashStep const step : {TrashStep::ItemMoved, TrashStep::AllMoved}) {
+        std::string const file = m_home.folder.makeFile("a/file", "x");
+        runUntilKilled(step, [&] { moveToTrash(file); });
+        EXPECT_FALSE(isThere(file));
+        std::vector<TrashedItem> const items = trashedItems();
+        ASSERT_EQ(items.size(), 1U);
+        EXPECT_EQ(items[0].originalPath, file);
+        EXPECT_TRUE(items[0].deletionTime.has_value());
+        ASSERT_TRUE(putBack(items[0]).hasValue());
+        EXPECT_EQ(textOf(file), "x");
+        EXPECT_TRUE(namesIn(m_home.information()).empty());
+    }
+}
+
+TEST_F(TrashSteps, KilledOnTheWayBackItemsAreBack) {
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    TrashedItem const item = moveToTrash(file).takeValue();
+    runUntilKilled(TrashStep::ItemPutBack, [&] { putBack(item); });
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_TRUE(trashedItems().empty());
+}
+
+TEST_F(TrashSteps, KilledWhileErasingNothingIsListedTwice) {
+    TrashedItem const item = moveToTrash(m_home.folder.makeFile("a/file", "x")).takeValue();
+    runUntilKilled(TrashStep::ItemErased, [&] { eraseFromTrash(item); });
+    EXPECT_TRUE(trashedItems().empty());
+    EXPECT_EQ(eraseFromTrash(item).failure().problem, TrashProblem::NotThere);
+}
+
+TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) {
+    std::string const file = m_home.folder.makeFile("a/file", "old");
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step != TrashStep::InformationWritten) return;
+        ::rename(file.c_str(), m_home.path("moved").c_str());
+        m_home.folder.makeFile("a/file", "new");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+    EXPECT_EQ(textOf(file), "new");
+    EXPECT_EQ(textOf(m_home.path("moved")), "old");
+    EXPECT_TRUE(namesIn(m_home.files()).empty());
+    EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashSteps, AFileThatTakesTheNameAtTheLastMomentStays) {
+    std::string const file = m_home.folder.makeFile("a/file", "mine");
+    bool isFirst = true;
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step != TrashStep::InformationWritten || !std::exchange(isFirst, false)) return;
+        m_home.folder.makeFile("data/Trash/files/file", "another's");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_TRUE(result.hasValue());
+    EXPECT_EQ(textOf(m_home.files("file")), "another's");
+    EXPECT_EQ(textOf(result.value().path), "mine");
+    EXPECT_EQ(namesIn(m_home.information()).size(), 1U);
+}
+
+TEST_F(TrashSteps, AnItemComesBackWhenTheFileBesideItCannotFollow) {
+    std::string const appleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    m_home.folder.makeFile("a/._file", appleDouble);
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step != TrashStep::ItemMoved) return;
+        ::rename(m_home.path("a/._file").c_str(), m_home.path("moved").c_str());
+        m_home.folder.makeFile("a/._file", "new");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(textOf(m_home.path("a/._file")), "new");
+    EXPECT_TRUE(namesIn(m_home.files()).empty());
+    EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashSteps, AnItemGoesAloneWhenTheFileBesideItGoesAway) {
+    std::string const appleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    m_home.folder.makeFile("a/._file", appleDouble);
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step == TrashStep::ItemMoved) ::unlink(m_home.path("a/._file").c_str());
+    });
+    EXPECT_TRUE(moveToTrash(file).hasValue());
+    EXPECT_EQ(namesIn(m_home.files()), Names{"file"});
+    EXPECT_EQ(namesIn(m_home.information()), Names{"file.trashinfo"});
+}
+
+class RenameOverPlaceholder : public testing::Test {
+protected:
+    bool rename(std::string const& from, std::string const& to) const {
+        return renameOverPlaceholder(m_parent.number(), from, m_parent.number(), to);
+    }
+
+    TemporaryFolder const m_folder{};
+    FileDescriptor const m_parent{::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+};
+
+TEST_F(RenameOverPlaceholder, MovesFilesFoldersAndLinks) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFile("folder/file", "y");
+    ASSERT_EQ(::symlink("nowhere", m_folder.path("link").c_str()), 0);
+    EXPECT_TRUE(rename("file", "file 2"));
+    EXPECT_TRUE(rename("folder", "folder 2"));
+    EXPECT_TRUE(rename("link", "link 2"));
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
+    EXPECT_EQ(textOf(m_folder.path("file 2")), "x");
+    EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
+}
+
+TEST_F(RenameOverPlaceholder, ReplacesNothing) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFolder("folder");
+    m_folder.makeFolder("empty");
+    EXPECT_FALSE(rename("file", "empty"));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(rename("folder", "empty"));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(rename("folder", "file"));
+    EXPECT_FALSE(rename("none", "new"));
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
+}
+
+TEST_F(RenameOverPlaceholder, LeavesNothingBehindWhenItFails) {
+    m_folder.makeFolder("folder/inner");
+    FileDescriptor const inner(::open(m_folder.path("folder/inner").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    EXPECT_FALSE(renameOverPlaceholder(m_parent.number(), "folder", inner.number(), "itself"));
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
+}
+
+} // namespace
+} // namespace mac::test
