@@ -120,6 +120,9 @@ inline bool isSameOrEqual(id const& a, id const& b) { return isSame(a, b) || a.i
 // keys. What holds itself, or would become too long, is cut with dots.
 NSString descriptionOfCollection(id const& collection);
 
+// Raises NSRangeException for an index of an array of so many objects.
+[[noreturn]] void raiseRange(std::size_t index, std::size_t count);
+
 // Raises NSInvalidArgumentException for nil.
 void requireObject(id const& object, char const* message);
 

@@ -32,10 +32,10 @@ public:
         : NSException("NSInvalidArgumentException", std::move(reason)) {}
 };
 
-// A key that the object's class does not know.
+// A key that the object's class does not know. Its name in reports is the one that the framework's constant holds.
 class NSUndefinedKeyException : public NSException {
 public:
-    explicit NSUndefinedKeyException(std::string reason) : NSException("NSUndefinedKeyException", std::move(reason)) {}
+    explicit NSUndefinedKeyException(std::string reason) : NSException("NSUnknownKeyException", std::move(reason)) {}
 };
 
 // Anything else, such as a collection changed while it is enumerated.

@@ -113,9 +113,26 @@ id getProperty(id const& object) {
     return Invoker<getter>::invoke(object, {});
 }
 
-template <auto setter>
+// The number that a key's setter gets: what the object answers when it is asked for one, as strings do too. An object
+// that cannot be asked raises NSInvalidArgumentException.
+template <class Value>
+id scalarOf(id const& object) {
+    if (object.isKindOfClass_(classOf<NSNumber>())) return object;
+    if constexpr (std::is_same_v<Value, BOOL> || std::is_same_v<Value, bool>)
+        return object.performSelector_("boolValue");
+    else if constexpr (std::is_floating_point_v<Value>)
+        return object.performSelector_("doubleValue");
+    else if constexpr (std::is_signed_v<Value> && sizeof(Value) <= sizeof(int))
+        return object.performSelector_("intValue");
+    else
+        return object.performSelector_("longLongValue");
+}
+
+template <auto getter, auto setter>
 void setProperty(id const& object, id const& value) {
-    std::array<id, 1> const arguments{value};
+    using Value = typename Invoker<getter>::Value;
+    std::array<id, 1> arguments{value};
+    if constexpr (!std::is_base_of_v<id, Value>) arguments[0] = scalarOf<Value>(value);
     Invoker<setter>::invoke(object, arguments);
 }
 
@@ -132,7 +149,7 @@ constexpr Method method(std::string_view selector) {
 // A row of the key table: property<&AppController::paths, &AppController::setPaths_>("paths").
 template <auto getter, auto setter>
 constexpr Property property(std::string_view key) {
-    return {key, &detail::getProperty<getter>, &detail::setProperty<setter>,
+    return {key, &detail::getProperty<getter>, &detail::setProperty<getter, setter>,
             !std::is_base_of_v<id, typename detail::Invoker<getter>::Value>};
 }
 

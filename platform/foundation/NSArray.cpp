@@ -12,31 +12,20 @@ namespace mac {
 
 namespace {
 
-[[noreturn]] void raiseRange(NSUInteger index, std::size_t count) {
-    throw NSRangeException("Index " + std::to_string(index) + " is beyond the " + std::to_string(count) +
-                           " objects of the array");
-}
-
 std::vector<id> upToNil(std::initializer_list<id> objects) {
     auto const* const end = std::ranges::find_if(objects, [](id const& object) { return object == nil; });
     return {objects.begin(), end};
-}
-
-// The elements' values, null where one has none. They are copied, since a getter may change the array.
-template <class Value>
-NSArray valuesOf(std::span<id const> objects, Value const& valueOf) {
-    std::vector<id> values(objects.begin(), objects.end());
-    for (id& object : values) {
-        id value = valueOf(object);
-        object = value == nil ? id(NSNull::null()) : std::move(value);
-    }
-    return adopt<NSArray>(std::move(values));
 }
 
 } // namespace
 
 thread_local unsigned HashingStep::s_depth = 0;
 thread_local unsigned ComparingStep::s_depth = 0;
+
+void raiseRange(std::size_t index, std::size_t count) {
+    throw NSRangeException("Index " + std::to_string(index) + " is beyond the " + std::to_string(count) +
+                           " objects of the array");
+}
 
 void requireObject(id const& object, char const* message) {
     if (object == nil) throw NSInvalidArgumentException(std::string(message) + ": the object is nil");
@@ -80,7 +69,13 @@ id NSArray::Body::mutableCopy() const { return adopt<NSMutableArray>(copied(obje
 
 id NSArray::Body::valueForKey(NSString const& key) {
     if (isCollectionOperator(key)) return valueOfCollectionOperator(objects(), key);
-    return valuesOf(objects(), [&](id const& object) { return object.valueForKey_(key); });
+    // Copied, since a getter may change the array.
+    std::vector<id> values = copied(objects());
+    for (id& object : values) {
+        id value = object.valueForKey_(key);
+        object = value == nil ? id(NSNull::null()) : std::move(value);
+    }
+    return adopt<NSArray>(std::move(values));
 }
 
 void NSArray::Body::setValueForKey(id const& value, NSString const& key) {
@@ -90,8 +85,8 @@ void NSArray::Body::setValueForKey(id const& value, NSString const& key) {
 }
 
 id NSArray::Body::valueForKeyPath(NSString const& keyPath) {
-    if (isCollectionOperator(keyPath)) return valueOfCollectionOperator(objects(), keyPath);
-    return valuesOf(objects(), [&](id const& object) { return object.valueForKeyPath_(keyPath); });
+    return isCollectionOperator(keyPath) ? valueOfCollectionOperator(objects(), keyPath)
+                                         : ObjectBody::valueForKeyPath(keyPath);
 }
 
 void NSArray::Body::setValueForKeyPath(id const& value, NSString const& keyPath) {
@@ -159,8 +154,14 @@ bool NSArray::containsObject_(id const& object) const { return *this != nil && i
 
 NSUInteger NSArray::indexOfObject_(id const& object) const {
     if (*this == nil) return 0;
-    auto const found = std::ranges::find_if(objects(), [&](id const& member) { return isSameOrEqual(member, object); });
-    return found == objects().end() ? NSNotFound : static_cast<NSUInteger>(found - objects().begin());
+    NSArray const self = bodyOf(*this)->m_source ? uncheckedCast<NSArray>(copy()) : *this;
+    id const sought = object;
+    // By index and held, since a comparison may change the array.
+    for (std::size_t index = 0; index < self.objects().size(); ++index) {
+        id const member = self.objects()[index];
+        if (isSameOrEqual(member, sought)) return static_cast<NSUInteger>(index);
+    }
+    return NSNotFound;
 }
 
 NSUInteger NSArray::indexOfObjectIdenticalTo_(id const& object) const {
@@ -220,8 +221,10 @@ void NSArray::removeObserver_fromObjectsAtIndexes_forKeyPath_(id const& observer
 NSString NSArray::componentsJoinedByString_(NSString const& separator) const {
     if (*this == nil) return nil;
     std::u16string joined;
-    for (bool isFirst = true; id const& object : objects()) {
-        if (!isFirst) joined += separator.codeUnits();
+    NSString const between = separator;
+    // Copied, since a description may change the array.
+    for (bool isFirst = true; id const& object : copied(objects())) {
+        if (!isFirst) joined += between.codeUnits();
         isFirst = false;
         joined += object.description().codeUnits();
     }

@@ -12,11 +12,6 @@ namespace mac {
 
 namespace {
 
-[[noreturn]] void raiseRange(std::size_t index, std::size_t count) {
-    throw NSRangeException("Index " + std::to_string(index) + " is beyond the " + std::to_string(count) +
-                           " objects of the array");
-}
-
 void requireIndex(NSUInteger index, std::size_t count) {
     if (index >= count) raiseRange(index, count);
 }

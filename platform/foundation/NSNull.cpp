@@ -8,6 +8,8 @@ class NSNull::Body : public ObjectBody {
 public:
     NSString description() const override { return "<null>"; }
     id copy() const override { return null(); }
+    // Every key of it is null: a path goes on through what is missing from a collection.
+    id valueForKey(NSString const&) override { return null(); }
 };
 
 ClassDescription NSNull::describeClass() {

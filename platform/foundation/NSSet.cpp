@@ -27,18 +27,6 @@ Set copyOf(HashedEntries const& entries) {
     return set;
 }
 
-// The members' values, without those that have none. A getter may change the set.
-template <class Value>
-NSSet valuesOf(std::vector<id> const& members, Value const& valueOf) {
-    NSSet const values = adopt<NSSet>();
-    bodyOf(values)->m_entries.reserve(members.size());
-    for (id const& member : members) {
-        id const value = valueOf(member);
-        if (value != nil) bodyOf(values)->m_entries.set(value, nil);
-    }
-    return values;
-}
-
 } // namespace
 
 std::vector<id> keysOf(HashedEntries const& entries) {
@@ -77,7 +65,13 @@ id NSSet::Body::mutableCopy() const { return copyOf<NSMutableSet>(m_entries); }
 
 id NSSet::Body::valueForKey(NSString const& key) {
     if (isCollectionOperator(key)) return valueOfCollectionOperator(keysOf(m_entries), key);
-    return valuesOf(keysOf(m_entries), [&](id const& member) { return member.valueForKey_(key); });
+    NSSet const values = adopt<NSSet>();
+    bodyOf(values)->m_entries.reserve(m_entries.count());
+    for (id const& member : keysOf(m_entries)) {
+        id const value = member.valueForKey_(key);
+        if (value != nil) bodyOf(values)->m_entries.set(value, nil);
+    }
+    return values;
 }
 
 void NSSet::Body::setValueForKey(id const& value, NSString const& key) {
@@ -86,8 +80,8 @@ void NSSet::Body::setValueForKey(id const& value, NSString const& key) {
 }
 
 id NSSet::Body::valueForKeyPath(NSString const& keyPath) {
-    if (isCollectionOperator(keyPath)) return valueOfCollectionOperator(keysOf(m_entries), keyPath);
-    return valuesOf(keysOf(m_entries), [&](id const& member) { return member.valueForKeyPath_(keyPath); });
+    return isCollectionOperator(keyPath) ? valueOfCollectionOperator(keysOf(m_entries), keyPath)
+                                         : ObjectBody::valueForKeyPath(keyPath);
 }
 
 void NSSet::Body::setValueForKeyPath(id const& value, NSString const& keyPath) {

@@ -88,7 +88,7 @@ TEST(TableModel, LogsAKeyThatNobodyKnowsOnceAndShowsNothing) {
         EXPECT_FALSE(model.index(1, 0).data().isValid());
     }
     EXPECT_EQ(lines.count(), 1U);
-    EXPECT_TRUE(lines.contains("NSUndefinedKeyException"));
+    EXPECT_TRUE(lines.contains("NSUnknownKeyException"));
     EXPECT_EQ(model.index(0, 1).data().toString(), "0");
 }
 

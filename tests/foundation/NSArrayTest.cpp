@@ -13,6 +13,25 @@ namespace {
 
 std::string joined(NSArray const& array) { return array.componentsJoinedByString_(" ").UTF8String(); }
 
+// An object that empties an array when it is described.
+class Emptier : public Handle<Emptier, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        explicit Body(NSMutableArray const& array) : m_array(array) {}
+        NSString description() const override {
+            m_array.removeAllObjects();
+            return "emptied";
+        }
+
+        NSMutableArray m_array;
+    };
+    using Handle::Handle;
+
+    static ClassDescription describeClass() { return {.name = "Emptier", .superclass = classOf<NSObject>()}; }
+    static Emptier emptierOf(NSMutableArray const& array) { return adopt<Emptier>(array); }
+};
+
 } // namespace
 
 TEST(NSArray, HoldsWhatItWasMadeOf) {
@@ -263,6 +282,25 @@ TEST(NSArray, OfSharedArraysIsDescribedInBounds) {
         array = NSArray::arrayWithObjects_({array, array});
     EXPECT_LT(array.description().length(), 20'000'000U);
     EXPECT_EQ(array.hash(), id(array).hash());
+}
+
+TEST(NSArray, LooksOnWhileAComparisonChangesIt) {
+    Peg const first = Peg::pegWithNumber_hash_(1, 1);
+    Peg const second = Peg::pegWithNumber_hash_(2, 2);
+    NSMutableArray const array = NSMutableArray::array();
+    array.addObject_(first);
+    array.addObject_(second);
+    bodyOf(first)->m_whenCompared = [&] { array.removeAllObjects(); };
+    EXPECT_EQ(array.indexOfObject_(Peg::pegWithNumber_hash_(2, 2)), NSNotFound);
+    EXPECT_EQ(array.count(), 0U);
+}
+
+TEST(NSArray, JoinsWhatItHeldWhileDescriptionsChangeIt) {
+    NSMutableArray const array = NSMutableArray::array();
+    array.addObject_(Emptier::emptierOf(array));
+    array.addObject_("b");
+    EXPECT_EQ(array.componentsJoinedByString_("-").UTF8String(), "emptied-b");
+    EXPECT_EQ(array.count(), 0U);
 }
 
 } // namespace mac::test

@@ -25,8 +25,8 @@ TEST(NSNull, StandsInCollections) {
     EXPECT_EQ(text(NSNull::null()), "<null>");
 }
 
-TEST(NSNull, HasNoKeysAndNoMutableForm) {
-    EXPECT_THROW(NSNull::null().valueForKey_("name"), NSUndefinedKeyException);
+TEST(NSNull, HasNoMutableFormAndAnswersItselfForEachKey) {
+    EXPECT_TRUE(isSame(NSNull::null().valueForKey_("name"), NSNull::null()));
     EXPECT_THROW(NSNull::null().mutableCopy(), NSInvalidArgumentException);
 }
 
