@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSString.h"
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -50,6 +51,8 @@ public:
         NSUInteger kind{};
         NSIndexSet indexes;
         std::vector<Told> told;
+        // What an observer raised that was told beforehand.
+        std::exception_ptr exception{};
     };
 
     std::shared_ptr<WeakRecord> const weakRecord;

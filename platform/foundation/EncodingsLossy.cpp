@@ -1,7 +1,7 @@
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/TextFolding.h"
 #include <algorithm>
 #include <array>
-#include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 
 namespace mac {
@@ -24,8 +24,6 @@ constexpr std::array LookAlikes{
     LookAlike{0x2039, u"<"},  LookAlike{0x203A, u">"},  LookAlike{0x2044, u"/"},
 };
 
-bool isMark(char32_t character) { return (U_GET_GC_MASK(static_cast<UChar32>(character)) & U_GC_M_MASK) != 0; }
-
 // The compatible decomposition, without marks.
 std::u16string withoutMarks(std::u16string_view character) {
     UErrorCode status = U_ZERO_ERROR;
@@ -40,7 +38,7 @@ std::u16string withoutMarks(std::u16string_view character) {
     std::u16string_view const decomposed(units.data(), static_cast<std::size_t>(length));
     for (std::size_t index = 0; index < decomposed.size();) {
         char32_t const part = codePointAt(decomposed, index);
-        if (!isMark(part)) appendCodePoint(plain, part);
+        if (!isCombining(part)) appendCodePoint(plain, part);
         index += unitCount(part);
     }
     return plain;
@@ -71,7 +69,7 @@ std::u16string heldForm(std::u16string_view character, NSStringEncoding encoding
     if (std::u16string_view const alike = lookAlikeOf(codePoint); !alike.empty() && isHeld(alike, encoding))
         return std::u16string(alike);
     // A mark goes without leaving anything.
-    if (isMark(codePoint)) return {};
+    if (isCombining(codePoint)) return {};
     std::u16string const plain = withLookAlikes(withoutMarks(character), encoding);
     return plain.empty() ? u"?" : plain;
 }

@@ -1,4 +1,5 @@
 #include "platform/foundation/Format.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/FormatNumber.h"
@@ -26,8 +27,6 @@ struct ParsedConversion : FormatConversion {
 };
 
 bool isOneOf(char letter, std::string_view letters) { return letters.find(letter) != std::string_view::npos; }
-
-std::u16string unitsFromASCII(std::string const& text) { return {text.begin(), text.end()}; }
 
 class Formatter {
 public:

@@ -1,4 +1,5 @@
 #include "platform/foundation/FormatOperand.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NumberText.h"
 #include <algorithm>
@@ -36,8 +37,6 @@ SignedMagnitude saturated(double value, std::size_t bytes, bool isSigned) {
     bool const isNegative = value < 0 && magnitude != 0;
     return {std::min(magnitude, highestMagnitude(bytes, isSigned) + (isNegative ? 1 : 0)), isNegative};
 }
-
-std::u16string unitsFromASCII(std::string const& text) { return {text.begin(), text.end()}; }
 
 std::u16string decimalText(Integer const& integer) {
     if (integer.isSigned) return unitsFromASCII(std::to_string(static_cast<std::int64_t>(integer.bits)));

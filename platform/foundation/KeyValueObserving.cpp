@@ -1,10 +1,7 @@
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Associations.h"
 #include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSNull.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSSet.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/KeyPathObservation.h"
 #include <algorithm>
 #include <bit>
 #include <exception>
@@ -17,9 +14,11 @@ using Told = ObjectAssociations::Told;
 
 namespace {
 
-// Several steps each of which is taken whatever the others raise; then the first exception goes on.
-class AllThenRaise {
+// Several steps each of which is taken whatever the others raise; the first exception is kept.
+class AllSteps {
 public:
+    explicit AllSteps(std::exception_ptr first = nullptr) : m_first(std::move(first)) {}
+
     template <class Step>
     void take(Step const& step) {
         try {
@@ -28,22 +27,10 @@ public:
             if (!m_first) m_first = std::current_exception();
         }
     }
-    void raise() const {
-        if (m_first) std::rethrow_exception(m_first);
-    }
+    std::exception_ptr first() const { return m_first; }
 
 private:
     std::exception_ptr m_first;
-};
-
-bool isCollectionWithoutKeys(id const& object) {
-    return object.isKindOfClass_(classOf<NSArray>()) || object.isKindOfClass_(classOf<NSSet>());
-}
-
-// What the change dictionary says of a change besides the values.
-struct KindOfChange {
-    NSUInteger kind{NSKeyValueChangeSetting};
-    NSIndexSet indexes{};
 };
 
 // As "<Class 0x…>".
@@ -58,135 +45,6 @@ std::string named(id const& object) {
     throw NSInvalidArgumentException("[" + named(collection) + " " + message +
                                      "] is not supported. Key path: " + keyPath.UTF8String());
 }
-
-std::vector<NSString> keysOfPath(NSString const& keyPath) {
-    std::vector<NSString> keys;
-    std::u16string_view const path = keyPath.codeUnits();
-    for (std::size_t start = 0; start <= path.size();) {
-        std::size_t const end = std::min(path.find(u'.', start), path.size());
-        keys.push_back(NSString::stringWithCodeUnits(path.substr(start, end - start)));
-        start = end + 1;
-    }
-    return keys;
-}
-
-} // namespace
-
-// One observer of one key path of one object. It listens at every object along the path, as far as there are some; when
-// one of them is replaced it moves to the new one. The listeners own it; it ends with its object or its observer.
-class KeyPathObservation : public std::enable_shared_from_this<KeyPathObservation> {
-public:
-    KeyPathObservation(id const& root, id const& observer, NSString const& keyPath, NSUInteger options, void* context)
-        : m_root(root), m_observer(observer), m_keyPath(keyPath), m_options(options), m_context(context),
-          m_keys(keysOfPath(keyPath)) {}
-
-    bool isOf(id const& root, id const& observer, NSString const& keyPath) const {
-        return m_isActive && m_root.refersTo(root) && m_observer.refersTo(observer) &&
-               m_keyPath.isEqualToString_(keyPath);
-    }
-
-    bool hasObserver() const { return m_isActive && !m_observer.isCleared(); }
-
-    // Listens at the objects from the given step on.
-    void attach(id object, std::size_t depth) {
-        for (std::size_t step = depth; step < m_keys.size() && object != nil && m_isActive; ++step) {
-            if (isCollectionWithoutKeys(object)) return;
-            m_steps.resize(step + 1);
-            m_steps[step] = WeakReference(object);
-            object.body()->associations().listeners.push_back({m_keys[step], shared_from_this(), step});
-            if (step + 1 < m_keys.size()) object = object.valueForKey_(m_keys[step]);
-        }
-    }
-
-    void detach(std::size_t depth) {
-        for (std::size_t step = depth; step < m_steps.size(); ++step) {
-            id const object = m_steps[step].load();
-            ObjectAssociations* const associations = object == nil ? nullptr : object.body()->associationsIfAny();
-            if (!associations) continue;
-            std::erase_if(associations->listeners, [&](Listener const& listener) {
-                return listener.observation.get() == this && listener.depth == step;
-            });
-        }
-        m_steps.resize(std::min(depth, m_steps.size()));
-    }
-
-    // The caller holds the observation meanwhile: its listeners go.
-    void end() {
-        m_isActive = false;
-        detach(0);
-    }
-
-    // The object at the step has another value for its key now.
-    void follow(id const& object, std::size_t depth) {
-        if (!m_isActive || depth + 1 >= m_keys.size()) return;
-        detach(depth + 1);
-        attach(object.valueForKey_(m_keys[depth]), depth + 1);
-    }
-
-    // The change as it is for this observer: members of an array that the path only comes through are none of its
-    // matter, the value behind it is.
-    KindOfChange seen(KindOfChange const& change, std::size_t depth) const {
-        return depth + 1 == m_keys.size() ? change : KindOfChange();
-    }
-
-    id oldValue(KindOfChange const& change) const {
-        if (!m_isActive || change.kind == NSKeyValueChangeInsertion) return nil;
-        return valueIfAsked(NSKeyValueObservingOptionOld, change.indexes);
-    }
-
-    void tellInitialValue() const {
-        if ((m_options & NSKeyValueObservingOptionInitial) == 0) return;
-        tell({}, nil, valueIfAsked(NSKeyValueObservingOptionNew, nil), false);
-    }
-
-    void tellBefore(KindOfChange const& change, id const& oldValue) const {
-        if (m_options & NSKeyValueObservingOptionPrior) tell(change, oldValue, nil, true);
-    }
-
-    void tellAfter(KindOfChange const& change, id const& oldValue) const {
-        if (!m_isActive) return;
-        bool const hasNewValue = change.kind != NSKeyValueChangeRemoval;
-        tell(change, oldValue, hasNewValue ? valueIfAsked(NSKeyValueObservingOptionNew, change.indexes) : id(), false);
-    }
-
-private:
-    // Without indexes the whole value; else the members at those that there are.
-    id valueIfAsked(NSUInteger option, NSIndexSet const& indexes) const {
-        id const root = m_root.load();
-        if ((m_options & option) == 0 || root == nil) return nil;
-        id const value = root.valueForKeyPath_(m_keyPath);
-        if (value == nil) return NSNull::null();
-        if (indexes == nil) return value;
-        NSArray const array = as<NSArray>(value);
-        NSMutableIndexSet const there = NSMutableIndexSet::alloc().initWithIndexSet_(indexes);
-        there.removeIndexesInRange_({array.count(), NSNotFound - array.count()});
-        return array.objectsAtIndexes_(there);
-    }
-
-    void tell(KindOfChange const& kind, id const& oldValue, id const& newValue, bool isPrior) const {
-        id const observer = m_observer.load();
-        id const root = m_root.load();
-        if (!m_isActive || observer == nil || root == nil) return;
-        NSMutableDictionary const change = NSMutableDictionary::dictionary();
-        change.setObject_forKey_(NSNumber::numberWithUnsignedInteger_(kind.kind), NSKeyValueChangeKindKey);
-        if (kind.indexes != nil) change.setObject_forKey_(kind.indexes, NSKeyValueChangeIndexesKey);
-        if (oldValue != nil) change.setObject_forKey_(oldValue, NSKeyValueChangeOldKey);
-        if (newValue != nil) change.setObject_forKey_(newValue, NSKeyValueChangeNewKey);
-        if (isPrior) change.setObject_forKey_(NSNumber::numberWithBool_(YES), NSKeyValueChangeNotificationIsPriorKey);
-        observer.body()->observeValueForKeyPath(m_keyPath, root, change, m_context);
-    }
-
-    WeakReference m_root;
-    WeakReference m_observer;
-    NSString m_keyPath;
-    NSUInteger m_options;
-    void* m_context;
-    std::vector<NSString> m_keys;
-    std::vector<WeakReference> m_steps;
-    bool m_isActive{true};
-};
-
-namespace {
 
 // Observers that went without a word leave their listeners behind.
 void endThoseWithoutObserver(ObjectAssociations const& associations) {
@@ -225,15 +83,18 @@ PendingChange takePendingChange(ObjectAssociations& associations, NSString const
 void begin(id const& object, NSString const& key, KindOfChange const& kind) {
     ObjectAssociations* const associations = object == nil ? nullptr : object.body()->associationsIfAny();
     if (!associations || key == nil) return;
-    PendingChange change{uncheckedCast<NSString>(key.copy()), kind.kind, kind.indexes, {}};
+    PendingChange change{uncheckedCast<NSString>(key.copy()), kind.kind, kind.indexes, {}, {}};
     bool const isPart = std::ranges::any_of(associations->pendingChanges, [&](PendingChange const& pending) {
         return pending.indexes != nil && pending.key.isEqualToString_(key);
     });
     if (!isPart) change.told = observersOfKey(*associations, key);
     for (Told& told : change.told)
         told.oldValue = told.observation->oldValue(told.observation->seen(kind, told.depth));
+    // Whoever is told of the beginning is told of the end: what one of them raises waits until then.
+    AllSteps all;
     for (Told const& told : change.told)
-        told.observation->tellBefore(told.observation->seen(kind, told.depth), told.oldValue);
+        all.take([&] { told.observation->tellBefore(told.observation->seen(kind, told.depth), told.oldValue); });
+    change.exception = all.first();
     associations->pendingChanges.push_back(std::move(change));
 }
 
@@ -337,12 +198,12 @@ void id::didChangeValueForKey_(NSString const& key) const {
     if (!associations) return;
     PendingChange const change = takePendingChange(*associations, key);
     KindOfChange const kind{change.kind, change.indexes};
-    AllThenRaise all;
+    AllSteps all(change.exception);
     for (Told const& told : change.told)
         all.take([&] { told.observation->follow(self, told.depth); });
     for (Told const& told : change.told)
         all.take([&] { told.observation->tellAfter(told.observation->seen(kind, told.depth), told.oldValue); });
-    all.raise();
+    if (all.first()) std::rethrow_exception(all.first());
 }
 
 } // namespace mac

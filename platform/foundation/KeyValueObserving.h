@@ -27,9 +27,9 @@ inline constexpr char NSKeyValueChangeOldKey[] = "old";
 inline constexpr char NSKeyValueChangeNotificationIsPriorKey[] = "notificationIsPrior";
 inline constexpr char NSKeyValueChangeIndexesKey[] = "indexes";
 
-// Stands in a setter for the whole change of one key: observers are told once when it ends. An exception of an observer
-// goes on to the setter's caller, after all observers have been told; where the setter itself is left by an exception
-// nobody is told. Observing is for one thread, the main thread by convention.
+// Stands in a setter for the whole change of one key: observers are told once when it ends. An exception of an
+// observer, also of one told beforehand, goes on to the setter's caller, after all observers have been told; where the
+// setter itself is left by an exception nobody is told. Observing is for one thread, the main thread by convention.
 class KeyChange {
 public:
     KeyChange(id const& object, NSString const& key);

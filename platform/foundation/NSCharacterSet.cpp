@@ -4,6 +4,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSData.h"
+#include "platform/foundation/StringBody.h"
 #include <algorithm>
 
 namespace mac {
@@ -20,10 +21,6 @@ Characters checkedCharacters(NSRange range, char const* message) {
     if (end > CharacterMembers::End)
         throw NSInvalidArgumentException(std::string(message) + " the range leaves the characters");
     return {range.location, static_cast<char32_t>(end)};
-}
-
-void requireArgument(id const& argument, char const* message) {
-    if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
 }
 
 CharacterMembers membersOf(std::u16string_view characters) {

@@ -20,8 +20,8 @@ std::size_t checkedLength(std::size_t length) {
     return length;
 }
 
-void requireArgument(void const* argument, std::size_t length, char const* message) {
-    if (!argument && length > 0) throw NSInvalidArgumentException(std::string(message) + " nil argument");
+void requireBytes(void const* bytes, std::size_t length, char const* message) {
+    if (!bytes && length > 0) throw NSInvalidArgumentException(std::string(message) + " nil argument");
 }
 
 // Eight bytes a step.
@@ -95,7 +95,7 @@ ClassDescription NSData::describeClass() {
 NSData NSData::data() { return adopt<NSData>(); }
 
 NSData NSData::dataWithBytes_length_(void const* bytes, NSUInteger length) {
-    requireArgument(bytes, length, "dataWithBytes:length:");
+    requireBytes(bytes, length, "dataWithBytes:length:");
     return dataWithBytes({static_cast<std::byte const*>(bytes), length});
 }
 
@@ -149,13 +149,12 @@ ClassDescription NSMutableData::describeClass() {
 NSMutableData NSMutableData::data() { return adopt<NSMutableData>(); }
 
 NSMutableData NSMutableData::dataWithData_(NSData const& other) {
-    if (other == nil) throw NSInvalidArgumentException("dataWithData: nil argument");
-    return uncheckedCast<NSMutableData>(other.mutableCopy());
+    return other == nil ? data() : uncheckedCast<NSMutableData>(other.mutableCopy());
 }
 
 void NSMutableData::appendBytes_length_(void const* bytes, NSUInteger length) const {
     if (*this == nil || length == 0) return;
-    requireArgument(bytes, length, "appendBytes:length:");
+    requireBytes(bytes, length, "appendBytes:length:");
     std::vector<std::byte>& own = bodyOf(*this)->bytes();
     checkedLength(own.size() + length);
     // The bytes may be among those that move.
@@ -164,11 +163,7 @@ void NSMutableData::appendBytes_length_(void const* bytes, NSUInteger length) co
     own.insert(own.end(), added.begin(), added.end());
 }
 
-void NSMutableData::appendData_(NSData const& other) const {
-    if (*this == nil) return;
-    if (other == nil) throw NSInvalidArgumentException("appendData: nil argument");
-    appendBytes_length_(other.bytes(), other.length());
-}
+void NSMutableData::appendData_(NSData const& other) const { appendBytes_length_(other.bytes(), other.length()); }
 
 void NSMutableData::setLength_(NSUInteger length) const {
     if (*this != nil) bodyOf(*this)->bytes().resize(checkedLength(length));

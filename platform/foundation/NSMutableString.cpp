@@ -4,14 +4,6 @@
 
 namespace mac {
 
-namespace {
-
-void requireString(NSString const& other, char const* message) {
-    if (other == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
-}
-
-} // namespace
-
 ClassDescription NSMutableString::describeClass() {
     ClassDescription description{.name = "NSMutableString", .superclass = classOf<NSString>()};
     description.makeBody = makeEmptyBody<NSMutableString>;
@@ -25,25 +17,25 @@ ClassDescription NSMutableString::describeClass() {
 NSMutableString NSMutableString::string() { return adopt<NSMutableString>(); }
 
 NSMutableString NSMutableString::stringWithString_(NSString const& other) {
-    requireString(other, "stringWithString:");
+    requireArgument(other, "stringWithString:");
     return adopt<NSMutableString>(std::u16string(other.codeUnits()));
 }
 
 void NSMutableString::appendString_(NSString const& other) const {
     if (*this == nil) return;
-    requireString(other, "appendString:");
+    requireArgument(other, "appendString:");
     bodyOf(*this)->mutableUnits().append(other.codeUnits());
 }
 
 void NSMutableString::setString_(NSString const& other) const {
     if (*this == nil) return;
-    requireString(other, "setString:");
+    requireArgument(other, "setString:");
     bodyOf(*this)->mutableUnits().assign(other.codeUnits());
 }
 
 void NSMutableString::insertString_atIndex_(NSString const& other, NSUInteger index) const {
     if (*this == nil) return;
-    requireString(other, "insertString:atIndex:");
+    requireArgument(other, "insertString:atIndex:");
     checkRange({index, 0}, codeUnits().size(), "insertString:atIndex:");
     bodyOf(*this)->mutableUnits().insert(index, other.codeUnits());
 }
@@ -56,7 +48,7 @@ void NSMutableString::deleteCharactersInRange_(NSRange range) const {
 
 void NSMutableString::replaceCharactersInRange_withString_(NSRange range, NSString const& other) const {
     if (*this == nil) return;
-    requireString(other, "replaceCharactersInRange:withString:");
+    requireArgument(other, "replaceCharactersInRange:withString:");
     checkRange(range, codeUnits().size(), "replaceCharactersInRange:withString:");
     bodyOf(*this)->mutableUnits().replace(range.location, range.length, other.codeUnits());
 }

@@ -34,7 +34,7 @@ namespace {
 std::u16string unitsOf(QString const& text) { return text.toStdU16String(); }
 
 NSString copyOf(NSString const& string, char const* message) {
-    if (string == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
+    requireArgument(string, message);
     return uncheckedCast<NSString>(string.copy());
 }
 
@@ -58,9 +58,11 @@ NSNumber numberOf(std::string const& digits, bool isNegative) {
     long long integer = 0;
     auto const [integerEnd, error] = std::from_chars(text.data(), end, integer);
     if (error == std::errc() && integerEnd == end) return NSNumber::numberWithLongLong_(integer);
-    double real = 0;
-    std::from_chars(text.data(), end, real);
-    return NSNumber::numberWithDouble_(real);
+    unsigned long long large = 0;
+    auto const [largeEnd, largeError] = std::from_chars(text.data(), end, large);
+    if (largeError == std::errc() && largeEnd == end) return NSNumber::numberWithUnsignedLongLong_(large);
+    // Saturating, which reading characters alone is not.
+    return NSNumber::numberWithDouble_(NSString::stringWithUTF8String_(text).doubleValue());
 }
 
 } // namespace

@@ -1,8 +1,10 @@
 #include "platform/foundation/NSScanner.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/StringBody.h"
+#include "platform/foundation/TextSearch.h"
 #include "platform/foundation/URLParts.h"
 #include <algorithm>
 #include <limits>
@@ -32,10 +34,8 @@ public:
 
 namespace {
 
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
-
 std::size_t digitCount(std::u16string_view text) {
-    return static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, isASCIIDigit) - text.begin());
 }
 
 std::size_t signCount(std::u16string_view text) { return text.starts_with(u'-') || text.starts_with(u'+') ? 1 : 0; }
@@ -89,10 +89,6 @@ std::size_t spanOf(std::u16string_view text, NSCharacterSet const& set, bool bel
     while (length < text.size() && set.longCharacterIsMember_(codePointAt(text, length)) == belong)
         length += unitCount(codePointAt(text, length));
     return length;
-}
-
-void requireArgument(id const& argument, char const* message) {
-    if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
 }
 
 NSUInteger searchOptions(NSScanner::Body const& body) {
@@ -183,9 +179,9 @@ bool NSScanner::scanString_intoString_(NSString const& string, NSString* value) 
     requireArgument(string, "scanString:intoString:");
     Body& body = *bodyOf(*this);
     std::u16string_view const text = body.restBehindSkipped();
-    NSRange const found =
-        NSString::stringWithCodeUnits(text).rangeOfString_options_(string, searchOptions(body) | NSAnchoredSearch);
-    return take(body, text, found.location == NSNotFound ? 0 : found.length, value);
+    std::optional<TextPlace> const found =
+        placeOfText(text, string.codeUnits(), searchOptions(body) | NSAnchoredSearch);
+    return take(body, text, found ? found->end : 0, value);
 }
 
 bool NSScanner::scanUpToString_intoString_(NSString const& string, NSString* value) const {
@@ -193,8 +189,8 @@ bool NSScanner::scanUpToString_intoString_(NSString const& string, NSString* val
     requireArgument(string, "scanUpToString:intoString:");
     Body& body = *bodyOf(*this);
     std::u16string_view const text = body.restBehindSkipped();
-    NSRange const found = NSString::stringWithCodeUnits(text).rangeOfString_options_(string, searchOptions(body));
-    return take(body, text, found.location == NSNotFound ? text.size() : found.location, value);
+    std::optional<TextPlace> const found = placeOfText(text, string.codeUnits(), searchOptions(body));
+    return take(body, text, found ? found->start : text.size(), value);
 }
 
 bool NSScanner::scanCharactersFromSet_intoString_(NSCharacterSet const& set, NSString* value) const {

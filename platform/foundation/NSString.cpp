@@ -37,6 +37,10 @@ std::uint64_t hashOfUnits(std::u16string_view units) {
 
 } // namespace
 
+void requireArgument(id const& argument, char const* message) {
+    if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
+}
+
 void checkRange(NSRange range, std::size_t length, char const* message) {
     if (range.location <= length && range.length <= length - range.location) return;
     throw NSRangeException(std::string(message) + ": range {" + std::to_string(range.location) + ", " +
@@ -152,7 +156,7 @@ NSString NSString::stringWithCharacters_length_(unichar const* characters, NSUIn
 }
 
 NSString NSString::stringWithString_(NSString const& other) {
-    if (other == nil) throw NSInvalidArgumentException("stringWithString: nil argument");
+    requireArgument(other, "stringWithString:");
     return uncheckedCast<NSString>(other.copy());
 }
 
@@ -235,7 +239,7 @@ NSString NSString::stringByPaddingToLength_withString_startingAtIndex_(NSUIntege
 
 NSString NSString::stringByAppendingString_(NSString const& other) const {
     if (*this == nil) return nil;
-    if (other == nil) throw NSInvalidArgumentException("stringByAppendingString: nil argument");
+    requireArgument(other, "stringByAppendingString:");
     std::u16string_view const head = codeUnits();
     std::u16string_view const tail = other.codeUnits();
     std::u16string units;

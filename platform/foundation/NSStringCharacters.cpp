@@ -8,10 +8,6 @@ namespace mac {
 
 namespace {
 
-void requireArgument(id const& argument, char const* message) {
-    if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
-}
-
 // The code units of the character at the front, or at the end; two for a pair.
 std::size_t unitsOfFirst(std::u16string_view text) { return unitCount(codePointAt(text, 0)); }
 

@@ -1,3 +1,4 @@
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/StringBody.h"
@@ -20,7 +21,7 @@ NSComparisonResult ordered(T first, T second) {
     return first < second ? NSOrderedAscending : NSOrderedDescending;
 }
 
-bool isDigit(FoldedCharacter const& character) { return character.codePoint >= U'0' && character.codePoint <= U'9'; }
+bool isDigit(FoldedCharacter const& character) { return isASCIIDigit(character.codePoint); }
 
 // The digits at the front without leading zeros, which are taken off the text.
 Characters takeNumber(Characters& characters) {
@@ -193,7 +194,7 @@ NSComparisonResult NSString::localizedCaseInsensitiveCompare_(NSString const& ot
 
 NSString NSString::commonPrefixWithString_options_(NSString const& other, NSUInteger options) const {
     if (*this == nil) return nil;
-    if (other == nil) throw NSInvalidArgumentException("commonPrefixWithString:options: nil argument");
+    requireArgument(other, "commonPrefixWithString:options:");
     TextFolding const folding = foldingOf(options & (NSCaseInsensitiveSearch | NSLiteralSearch));
     return stringWithCodeUnits(codeUnits().substr(0, commonLength(codeUnits(), other.codeUnits(), folding)));
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 
 namespace mac {
@@ -13,35 +14,57 @@ struct CloseBreaks {
     void operator()(UBreakIterator* breaks) const { ubrk_close(breaks); }
 };
 
-// Below U+0300 nothing joins with what is before it.
-bool standsAlone(char16_t unit) { return unit < 0x300; }
-
 struct Span {
     std::size_t start;
     std::size_t end;
 };
 
+int breakKindOf(char32_t codePoint) {
+    return u_getIntPropertyValue(static_cast<UChar32>(codePoint), UCHAR_GRAPHEME_CLUSTER_BREAK);
+}
+
+// Whether the code unit at the index surely joins with nothing before it; most that do not are told by their kind and
+// that of the one before. Below U+0300 nothing joins.
+bool beginsAnew(std::u16string_view text, std::size_t index) {
+    if (index == 0 || text[index] < 0x300) return true;
+    bool const isAfterPair = index > 1 && isLowSurrogate(text[index - 1]) && isHighSurrogate(text[index - 2]);
+    if (isLowSurrogate(text[index]) && isHighSurrogate(text[index - 1])) return false;
+    int const before = breakKindOf(codePointAt(text, index - (isAfterPair ? 2 : 1)));
+    if (before == U_GCB_PREPEND || before == U_GCB_ZWJ || before == U_GCB_EXTEND || before == U_GCB_L) return false;
+    int const kind = breakKindOf(codePointAt(text, index));
+    return kind == U_GCB_OTHER || kind == U_GCB_L || kind == U_GCB_LV || kind == U_GCB_LVT;
+}
+
 // What the character boundaries around the index depend on: from one code unit that joins with nothing before it to the
 // next.
 Span surroundings(std::u16string_view text, std::size_t index) {
     Span span{index, index + 1};
-    while (span.start > 0 && !standsAlone(text[span.start]))
+    while (!beginsAnew(text, span.start))
         --span.start;
-    while (span.end < text.size() && !standsAlone(text[span.end]))
+    while (span.end < text.size() && !beginsAnew(text, span.end))
         ++span.end;
     return span;
 }
 
+// Made once a thread, since making one costs more than most texts need.
+UBreakIterator* sharedBreaks() {
+    thread_local std::unique_ptr<UBreakIterator, CloseBreaks> const breaks = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        return std::unique_ptr<UBreakIterator, CloseBreaks>(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status));
+    }();
+    return breaks.get();
+}
+
 Span composedAt(std::u16string_view text, std::size_t index) {
     Span const around = surroundings(text, index);
-    if (around.end - around.start == 1) return around;
+    std::size_t const length = around.end - around.start;
+    if (length == unitCount(codePointAt(text, around.start))) return around;
+    UBreakIterator* const breaks = sharedBreaks();
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UBreakIterator, CloseBreaks> const breaks(ubrk_open(
-        UBRK_CHARACTER, "", text.data() + around.start, static_cast<std::int32_t>(around.end - around.start), &status));
-    if (U_FAILURE(status)) return {index, index + 1};
-    auto const place = static_cast<std::int32_t>(index - around.start);
-    std::int32_t const end = ubrk_following(breaks.get(), place);
-    std::int32_t const start = ubrk_previous(breaks.get());
+    if (breaks) ubrk_setText(breaks, text.data() + around.start, static_cast<std::int32_t>(length), &status);
+    if (!breaks || U_FAILURE(status)) return {index, index + 1};
+    std::int32_t const end = ubrk_following(breaks, static_cast<std::int32_t>(index - around.start));
+    std::int32_t const start = ubrk_previous(breaks);
     return {around.start + static_cast<std::size_t>(start), around.start + static_cast<std::size_t>(end)};
 }
 

@@ -1,3 +1,4 @@
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NumberText.h"
 #include <algorithm>
@@ -8,8 +9,6 @@
 namespace mac {
 
 namespace {
-
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 // What the framework's reading of numbers passes over: a list of its own, apart from the white space of character sets.
 bool isBlank(char16_t unit) {
@@ -30,7 +29,7 @@ bool takeSign(std::u16string_view& text) {
 }
 
 std::size_t digitCount(std::u16string_view text) {
-    return static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, isASCIIDigit) - text.begin());
 }
 
 template <class Integer>

@@ -5,14 +5,6 @@
 
 namespace mac {
 
-namespace {
-
-void requireStrings(NSString const& target, NSString const& replacement, char const* message) {
-    if (target == nil || replacement == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
-}
-
-} // namespace
-
 std::u16string withPlacesReplaced(std::u16string_view text, std::vector<TextPlace> const& places,
                                   std::u16string_view replacement) {
     std::size_t replaced = 0;
@@ -50,7 +42,7 @@ NSString NSString::stringByReplacingOccurrencesOfString_withString_options_range
 
 NSString NSString::stringByReplacingCharactersInRange_withString_(NSRange range, NSString const& replacement) const {
     if (*this == nil) return nil;
-    requireStrings(replacement, replacement, "stringByReplacingCharactersInRange:withString:");
+    requireArgument(replacement, "stringByReplacingCharactersInRange:withString:");
     std::u16string_view const text = codeUnits();
     checkRange(range, text.size(), "stringByReplacingCharactersInRange:withString:");
     return makeString(withPlacesReplaced(text, {{range.location, std::size_t{range.location} + range.length}},
@@ -63,7 +55,8 @@ NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range_
                                                                                  NSRange range) const {
     constexpr char const* message = "replaceOccurrencesOfString:withString:options:range:";
     if (*this == nil) return 0;
-    requireStrings(target, replacement, message);
+    requireArgument(target, message);
+    requireArgument(replacement, message);
     checkRange(range, codeUnits().size(), message);
     std::u16string_view const part = codeUnits().substr(range.location, range.length);
     std::vector<TextPlace> const places = placesOfText(part, target.codeUnits(), options);

@@ -1,49 +1,40 @@
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
+#include "platform/foundation/FoldedSearch.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/StringBody.h"
-#include "platform/foundation/TextFolding.h"
 #include "platform/foundation/TextSearch.h"
 #include "platform/foundation/UnitSearch.h"
 #include <algorithm>
-#include <functional>
 
 namespace mac {
 
 namespace {
 
-using Characters = std::vector<FoldedCharacter>;
-
 using Match = TextPlace;
-
-enum class Direction { Forwards, Backwards };
 
 NSRange rangeOf(std::optional<Match> const& match, std::size_t offset) {
     if (!match) return {NSNotFound, 0};
     return {static_cast<NSUInteger>(match->start + offset), static_cast<NSUInteger>(match->end - match->start)};
 }
 
-// The first position of the candidates that the test accepts, in the order of the search.
-template <class Test>
-std::optional<std::size_t> findPosition(std::size_t count, Direction direction, bool isAnchored, Test const& test) {
-    std::size_t const tries = isAnchored ? std::min<std::size_t>(count, 1) : count;
-    for (std::size_t step = 0; step < tries; ++step) {
-        std::size_t const position = direction == Direction::Backwards ? count - 1 - step : step;
-        if (test(position)) return position;
-    }
-    return std::nullopt;
+SearchDirection directionOf(NSUInteger options) {
+    return (options & NSBackwardsSearch) != 0 ? SearchDirection::Backwards : SearchDirection::Forwards;
 }
 
-std::optional<Match> findUnits(std::u16string_view text, std::u16string_view sought, Direction direction,
-                               bool isAnchored) {
-    bool const isBackwards = direction == Direction::Backwards;
-    std::size_t position = std::u16string_view::npos;
-    if (isAnchored && (isBackwards ? text.ends_with(sought) : text.starts_with(sought)))
-        position = isBackwards ? text.size() - sought.size() : 0;
-    else if (!isAnchored)
-        position = isBackwards ? text.rfind(sought) : text.find(sought);
-    if (position == std::u16string_view::npos) return std::nullopt;
-    return Match{position, position + sought.size()};
+std::optional<Match> findAnchoredUnits(std::u16string_view text, std::u16string_view sought,
+                                       SearchDirection direction) {
+    bool const isBackwards = direction == SearchDirection::Backwards;
+    if (isBackwards ? !text.ends_with(sought) : !text.starts_with(sought)) return std::nullopt;
+    std::size_t const start = isBackwards ? text.size() - sought.size() : 0;
+    return Match{start, start + sought.size()};
+}
+
+std::optional<Match> findUnits(std::u16string_view text, std::u16string_view sought, SearchDirection direction) {
+    std::size_t const place = UnitSearch(sought, direction).findIn(text);
+    if (place == std::u16string_view::npos) return std::nullopt;
+    return Match{place, place + sought.size()};
 }
 
 // Where code units do not depend on each other and canonical equivalence is sameness: below U+0300 there are no marks.
@@ -55,109 +46,53 @@ bool isASCII(std::u16string_view text) {
     return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
 }
 
-std::optional<Match> findCaseInsensitiveASCII(std::u16string_view text, std::u16string_view sought, Direction direction,
-                                              bool isAnchored) {
+bool haveSameLowercase(char16_t one, char16_t other) { return lowercaseASCII(one) == lowercaseASCII(other); }
+
+std::optional<Match> findCaseInsensitiveASCII(std::u16string_view text, std::u16string_view sought,
+                                              SearchDirection direction, bool isAnchored) {
     if (sought.size() > text.size()) return std::nullopt;
-    auto const isSame = [](char16_t one, char16_t other) { return lowercaseASCII(one) == lowercaseASCII(other); };
-    std::optional<std::size_t> const position =
-        findPosition(text.size() - sought.size() + 1, direction, isAnchored, [&](std::size_t candidate) {
-            return std::ranges::equal(text.substr(candidate, sought.size()), sought, isSame);
-        });
-    if (!position) return std::nullopt;
-    return Match{*position, *position + sought.size()};
+    if (isAnchored) {
+        std::size_t const start = direction == SearchDirection::Backwards ? text.size() - sought.size() : 0;
+        if (!std::ranges::equal(text.substr(start, sought.size()), sought, haveSameLowercase)) return std::nullopt;
+        return Match{start, start + sought.size()};
+    }
+    LinearSearch<char16_t, bool (*)(char16_t, char16_t)> const search({sought.data(), sought.size()}, direction,
+                                                                      haveSameLowercase);
+    std::optional<Match> match;
+    search.forEachIn({text.data(), text.size()}, [&](std::size_t place) {
+        match = Match{place, place + sought.size()};
+        return false;
+    });
+    return match;
 }
 
-// Finds folded text: a match takes whole characters of the text, with all their marks.
-class FoldedSearch {
-public:
-    FoldedSearch(std::u16string_view text, std::u16string_view sought, TextFolding const& folding)
-        : m_text(text), m_folding(folding), m_characters(foldedText(text, folding)),
-          m_sought(foldedText(sought, folding)) {}
+// Whether no mark and no half of a pair is at the index, so that what is before it is whole.
+bool beginsCharacter(std::u16string_view text, std::size_t index) {
+    if (index == 0 || text[index] < 0x300) return true;
+    bool const isInPair = isLowSurrogate(text[index]) && isHighSurrogate(text[index - 1]);
+    return !isInPair && !isCombining(codePointAt(text, index));
+}
 
-    std::optional<Match> find(Direction direction, bool isAnchored) const {
-        if (m_sought.empty() || m_sought.size() > m_characters.size()) return std::nullopt;
-        std::optional<Match> match;
-        findPosition(m_characters.size() - m_sought.size() + 1, direction, isAnchored, [&](std::size_t position) {
-            match = matchAt(position);
-            return match.has_value();
-        });
-        if (match && isAnchored &&
-            (direction == Direction::Backwards ? match->end != m_text.size() : match->start != 0))
-            return std::nullopt;
-        return match;
+// The beginning of the text with at least so many characters and all their marks.
+std::u16string_view frontOf(std::u16string_view text, std::size_t characters) {
+    std::size_t end = 0;
+    for (; end < text.size(); ++end) {
+        if (beginsCharacter(text, end) && characters-- == 0) break;
     }
+    return text.substr(0, end);
+}
 
-    // Forwards or backwards, without overlaps.
-    std::vector<Match> findAll(Direction direction) const {
-        std::vector<Match> matches;
-        if (m_sought.empty() || m_sought.size() > m_characters.size()) return matches;
-        std::size_t const count = m_characters.size() - m_sought.size() + 1;
-        bool const isBackwards = direction == Direction::Backwards;
-        for (std::size_t step = 0; step < count; ++step) {
-            std::optional<Match> const match = matchAt(isBackwards ? count - 1 - step : step);
-            if (!match) continue;
-            bool const overlaps =
-                !matches.empty() && match->start < matches.back().end && match->end > matches.back().start;
-            if (!overlaps) matches.push_back(*match);
-        }
-        return matches;
-    }
-
-private:
-    std::optional<Match> matchAt(std::size_t position) const {
-        auto const begin = m_characters.begin() + static_cast<std::ptrdiff_t>(position);
-        auto const end = begin + static_cast<std::ptrdiff_t>(m_sought.size());
-        bool const isEqual = std::equal(begin, end, m_sought.begin(), [](auto const& one, auto const& other) {
-            return one.codePoint == other.codePoint;
-        });
-        if (!isEqual) return std::nullopt;
-        Match match{begin->start, begin->end};
-        for (auto character = begin; character != end; ++character)
-            match = {std::min(match.start, character->start), std::max(match.end, character->end)};
-        if (takesPartOf(match, begin, end)) return std::nullopt;
-        return withMarks(match);
-    }
-
-    // Whether a character before or after comes from the same code units. Marks may have changed places, but none
-    // leaves its run.
-    bool takesPartOf(Match const& match, Characters::const_iterator begin, Characters::const_iterator end) const {
-        auto const isWithin = [&](FoldedCharacter const& character) {
-            return character.start < match.end && character.end > match.start;
-        };
-        auto const isMark = [](FoldedCharacter const& character) { return isCombining(character.codePoint); };
-        for (auto before = begin; before != m_characters.begin();) {
-            --before;
-            if (isWithin(*before)) return true;
-            if (!isMark(*before)) break;
-        }
-        for (auto after = end; after != m_characters.end(); ++after) {
-            if (isWithin(*after)) return true;
-            if (!isMark(*after)) break;
-        }
-        return false;
-    }
-
-    // A mark that follows makes another character of the last one, unless marks do not count.
-    std::optional<Match> withMarks(Match match) const {
-        bool const ignoresMarks = m_folding.isDiacriticInsensitive;
-        if (!ignoresMarks && !m_folding.isCanonical) return match;
-        while (match.end < m_text.size() && isCombining(codePointAt(m_text, match.end))) {
-            if (!ignoresMarks) return std::nullopt;
-            match.end += unitCount(codePointAt(m_text, match.end));
-        }
-        return match;
-    }
-
-    std::u16string_view m_text;
-    TextFolding m_folding;
-    Characters m_characters;
-    Characters m_sought;
-};
+std::u16string_view backOf(std::u16string_view text, std::size_t characters) {
+    std::size_t start = text.size();
+    while (start > 0 && characters > 0)
+        characters -= beginsCharacter(text, --start) ? 1 : 0;
+    return text.substr(start);
+}
 
 // Whether what begins one text begins or ends the other, where their code units alone can tell: at the first unit that
 // differs both are ASCII, which no mark changes, or there is none and no mark follows or leads.
-std::optional<bool> plainlyAnchored(std::u16string_view text, std::u16string_view sought, Direction direction) {
-    if (direction == Direction::Forwards) {
+std::optional<bool> plainlyAnchored(std::u16string_view text, std::u16string_view sought, SearchDirection direction) {
+    if (direction == SearchDirection::Forwards) {
         auto const [one, other] = std::ranges::mismatch(text, sought);
         if (one != text.end() && other != sought.end() && *one < 0x80 && *other < 0x80) return false;
         bool const isWhole = other == sought.end();
@@ -169,72 +104,111 @@ std::optional<bool> plainlyAnchored(std::u16string_view text, std::u16string_vie
     return std::nullopt;
 }
 
-std::optional<Match> findText(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
-    if (text.empty() || sought.empty()) return std::nullopt;
-    Direction const direction = (options & NSBackwardsSearch) != 0 ? Direction::Backwards : Direction::Forwards;
-    bool const isAnchored = (options & NSAnchoredSearch) != 0;
-    TextFolding const folding = foldingOf(options);
-    bool const isPlain = !folding.isCaseInsensitive && !folding.isDiacriticInsensitive && !folding.isWidthInsensitive;
-    if (isPlain && (!folding.isCanonical || (isSimple(text) && isSimple(sought))))
-        return findUnits(text, sought, direction, isAnchored);
-    if (isPlain && isAnchored) {
-        std::optional<bool> const answer = plainlyAnchored(text, sought, direction);
-        if (answer == false) return std::nullopt;
-        if (answer == true) return findUnits(text, sought, direction, true);
+// How the options would have text compared.
+struct Matching {
+    explicit Matching(NSUInteger options)
+        : direction(directionOf(options)), folding(foldingOf(options)),
+          isPlain(!folding.isCaseInsensitive && !folding.isDiacriticInsensitive && !folding.isWidthInsensitive) {}
+
+    bool isByUnit(std::u16string_view text, std::u16string_view sought) const {
+        return isPlain && (!folding.isCanonical || (isSimple(sought) && isSimple(text)));
     }
-    if (isASCII(text) && isASCII(sought)) return findCaseInsensitiveASCII(text, sought, direction, isAnchored);
-    return FoldedSearch(text, sought, folding).find(direction, isAnchored);
+
+    SearchDirection direction;
+    TextFolding folding;
+    bool isPlain;
+};
+
+// Only the characters at the edge are looked at: no code unit becomes more than eight.
+std::optional<Match> findAnchored(std::u16string_view text, std::u16string_view sought, Matching const& matching) {
+    bool const isBackwards = matching.direction == SearchDirection::Backwards;
+    std::size_t const characters = sought.size() * 8 + 1;
+    std::u16string_view const edge = isBackwards ? backOf(text, characters) : frontOf(text, characters);
+    std::optional<bool> const answer = matching.isPlain && matching.folding.isCanonical
+                                           ? plainlyAnchored(edge, sought, matching.direction)
+                                           : std::nullopt;
+    if (answer == false) return std::nullopt;
+    std::optional<Match> match;
+    if (answer == true || matching.isByUnit(edge, sought))
+        match = findAnchoredUnits(edge, sought, matching.direction);
+    else if (isASCII(edge) && isASCII(sought))
+        match = findCaseInsensitiveASCII(edge, sought, matching.direction, true);
+    else
+        match = FoldedSearch(edge, sought, matching.folding).findAnchored(matching.direction);
+    std::size_t const offset = isBackwards ? text.size() - edge.size() : 0;
+    if (match) match = Match{match->start + offset, match->end + offset};
+    return match;
 }
 
-std::vector<Match> findAllUnits(std::u16string_view text, std::u16string_view sought) {
+std::optional<Match> findAnywhere(std::u16string_view text, std::u16string_view sought, Matching const& matching) {
+    if (matching.isByUnit(text, sought)) return findUnits(text, sought, matching.direction);
+    if (isASCII(text) && isASCII(sought)) return findCaseInsensitiveASCII(text, sought, matching.direction, false);
+    return FoldedSearch(text, sought, matching.folding).find(matching.direction);
+}
+
+std::vector<Match> findAllUnits(std::u16string_view text, std::u16string_view sought, SearchDirection direction) {
     std::vector<Match> matches;
-    UnitSearch(sought).forEachIn(text, [&](std::size_t place) { matches.push_back({place, place + sought.size()}); });
+    UnitSearch(sought, direction).forEachIn(text, [&](std::size_t place) {
+        matches.push_back({place, place + sought.size()});
+    });
     return matches;
 }
 
-// One after the other, each in what the one before has left.
-std::vector<Match> findEach(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
+// One after the other, each at the edge of what the one before has left.
+std::vector<Match> findEachAnchored(std::u16string_view text, std::u16string_view sought, Matching const& matching) {
     std::vector<Match> matches;
     Match rest{0, text.size()};
-    while (std::optional<Match> const match =
-               findText(text.substr(rest.start, rest.end - rest.start), sought, options)) {
+    while (rest.start < rest.end) {
+        std::optional<Match> const match =
+            findAnchored(text.substr(rest.start, rest.end - rest.start), sought, matching);
+        if (!match) break;
         matches.push_back({rest.start + match->start, rest.start + match->end});
-        bool const isBackwards = (options & NSBackwardsSearch) != 0;
+        bool const isBackwards = matching.direction == SearchDirection::Backwards;
         rest = isBackwards ? Match{rest.start, matches.back().start} : Match{matches.back().end, rest.end};
     }
     return matches;
-}
-
-void requireArgument(id const& argument, char const* message) {
-    if (argument == nil) throw NSInvalidArgumentException(std::string(message) + " nil argument");
 }
 
 NSRange wholeRange(NSString const& string) { return {0, string.length()}; }
 
 } // namespace
 
+std::optional<TextPlace> placeOfText(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
+    if (text.empty() || sought.empty()) return std::nullopt;
+    Matching const matching(options);
+    if ((options & NSAnchoredSearch) != 0) return findAnchored(text, sought, matching);
+    // A text that is found early is not looked at to its end.
+    constexpr std::size_t firstPart = 64;
+    constexpr std::size_t growth = 4;
+    bool const isForwards = matching.direction == SearchDirection::Forwards;
+    for (std::size_t size = firstPart + sought.size() * 2; isForwards && size < text.size(); size *= growth) {
+        std::size_t end = size;
+        while (end < text.size() && !beginsCharacter(text, end))
+            ++end;
+        std::optional<Match> const match = findAnywhere(text.substr(0, end), sought, matching);
+        if (match) return match;
+    }
+    return findAnywhere(text, sought, matching);
+}
+
 std::vector<TextPlace> placesOfText(std::u16string_view text, std::u16string_view sought, NSUInteger options) {
     if (text.empty() || sought.empty()) return {};
-    if ((options & NSAnchoredSearch) != 0) return findEach(text, sought, options);
-    TextFolding const folding = foldingOf(options);
-    bool const isPlain = !folding.isCaseInsensitive && !folding.isDiacriticInsensitive && !folding.isWidthInsensitive;
-    bool const isByUnit = isPlain && (!folding.isCanonical || (isSimple(text) && isSimple(sought)));
-    bool const isBackwards = (options & NSBackwardsSearch) != 0;
-    if (isByUnit && !isBackwards) return findAllUnits(text, sought);
-    if (isByUnit) return findEach(text, sought, options);
-    return FoldedSearch(text, sought, folding).findAll(isBackwards ? Direction::Backwards : Direction::Forwards);
+    Matching const matching(options);
+    if ((options & NSAnchoredSearch) != 0) return findEachAnchored(text, sought, matching);
+    if (matching.isByUnit(text, sought)) return findAllUnits(text, sought, matching.direction);
+    return FoldedSearch(text, sought, matching.folding).findAll(matching.direction);
 }
 
 bool NSString::hasPrefix_(NSString const& prefix) const {
     if (*this == nil) return false;
     requireArgument(prefix, "hasPrefix:");
-    return findText(codeUnits(), prefix.codeUnits(), NSAnchoredSearch).has_value();
+    return placeOfText(codeUnits(), prefix.codeUnits(), NSAnchoredSearch).has_value();
 }
 
 bool NSString::hasSuffix_(NSString const& suffix) const {
     if (*this == nil) return false;
     requireArgument(suffix, "hasSuffix:");
-    return findText(codeUnits(), suffix.codeUnits(), NSAnchoredSearch | NSBackwardsSearch).has_value();
+    return placeOfText(codeUnits(), suffix.codeUnits(), NSAnchoredSearch | NSBackwardsSearch).has_value();
 }
 
 NSRange NSString::rangeOfString_(NSString const& other) const { return rangeOfString_options_(other, 0); }
@@ -247,7 +221,7 @@ NSRange NSString::rangeOfString_options_range_(NSString const& other, NSUInteger
     if (*this == nil) return {};
     requireArgument(other, "rangeOfString:options:range:");
     checkRange(range, codeUnits().size(), "rangeOfString:options:range:");
-    return rangeOf(findText(codeUnits().substr(range.location, range.length), other.codeUnits(), options),
+    return rangeOf(placeOfText(codeUnits().substr(range.location, range.length), other.codeUnits(), options),
                    range.location);
 }
 

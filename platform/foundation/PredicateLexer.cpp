@@ -1,4 +1,5 @@
 #include "platform/foundation/PredicateLexer.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include <algorithm>
@@ -47,7 +48,6 @@ constexpr std::array<std::pair<std::u16string_view, std::u16string_view>, 18> Sy
 // What C lets stand before a conversion letter and this language needs not.
 constexpr std::u16string_view LengthModifiers = u"hlqLzjt";
 
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool isDigitOf(int base, char16_t unit) { return unit < 0x80 && u_digit(unit, static_cast<std::int8_t>(base)) >= 0; }
 
 bool startsKey(char32_t point) { return point == U'_' || u_isIDStart(static_cast<UChar32>(point)) != 0; }
@@ -274,7 +274,7 @@ PredicateToken PredicateLexer::argument() {
     PredicateToken token{.kind = PredicateToken::Kind::Argument, .position = m_place};
     ++m_place;
     std::size_t const start = m_place;
-    while (isDigit(unitAt(m_place)))
+    while (isASCIIDigit(unitAt(m_place)))
         ++m_place;
     if (m_place > start) {
         std::string const digits = asciiOf(m_text.substr(start, m_place - start));
@@ -323,7 +323,7 @@ PredicateToken PredicateLexer::next() {
     char16_t const unit = m_text[m_place];
     if (unit == u'"' || unit == u'\'') return string();
     std::size_t const digits = unit == u'-' ? m_place + 1 : m_place;
-    if (isDigit(unitAt(digits)) || (unitAt(digits) == u'.' && isDigit(unitAt(digits + 1)))) return number();
+    if (isASCIIDigit(unitAt(digits)) || (unitAt(digits) == u'.' && isASCIIDigit(unitAt(digits + 1)))) return number();
     if (unit == u'%') return argument();
     if (unit == u'[') return options();
     if (unit == u'#' || unit == u'@' || startsIdentifier(m_place)) return name();

@@ -1,4 +1,5 @@
 #include "platform/foundation/PredicatePattern.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/TextFolding.h"

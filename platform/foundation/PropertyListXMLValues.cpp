@@ -1,4 +1,5 @@
 #include "platform/foundation/PropertyListXMLValues.h"
+#include "platform/foundation/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -27,8 +28,6 @@ Sign splitSign(std::string_view text) {
     return {isNegative, isNegative || text.starts_with('+') ? text.substr(1) : text};
 }
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
 std::string lowercase(std::string_view text) {
     std::string lower(text);
     std::ranges::transform(lower, lower.begin(), [](char character) {
@@ -48,7 +47,7 @@ std::optional<Value> whole(std::string_view text, Base... base) {
 // A fixed number of digits.
 std::optional<int> digits(std::string_view text, std::size_t position, std::size_t count) {
     std::string_view const part = text.substr(position, count);
-    if (!std::ranges::all_of(part, isDigit)) return std::nullopt;
+    if (!std::ranges::all_of(part, isASCIIDigit)) return std::nullopt;
     return whole<int>(part);
 }
 
@@ -93,7 +92,7 @@ NSNumber realOfText(std::string_view text) {
         magnitude = std::numeric_limits<double>::infinity();
     } else {
         bool const isDecimal = std::ranges::all_of(number, [](char character) {
-            return isDigit(character) || std::string_view(".e+-").find(character) != std::string_view::npos;
+            return isASCIIDigit(character) || std::string_view(".e+-").find(character) != std::string_view::npos;
         });
         std::optional<double> const value =
             isDecimal && !number.starts_with('-') ? whole<double>(number) : std::nullopt;
@@ -105,8 +104,9 @@ NSNumber realOfText(std::string_view text) {
 
 NSDate dateOfText(std::string_view text) {
     constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
-    bool const hasForm = std::ranges::equal(
-        text, kForm, [](char character, char form) { return form == '0' ? isDigit(character) : character == form; });
+    bool const hasForm = std::ranges::equal(text, kForm, [](char character, char form) {
+        return form == '0' ? isASCIIDigit(character) : character == form;
+    });
     if (!hasForm) return nil;
     chrono::year_month_day const day(chrono::year(*digits(text, 0, 4)),
                                      chrono::month(static_cast<unsigned>(*digits(text, 5, 2))),

@@ -41,6 +41,9 @@ private:
 // A new immutable string of the code units.
 inline NSString makeString(std::u16string units) { return adopt<NSString>(std::move(units)); }
 
+// Raises NSInvalidArgumentException, naming the message, for nil.
+void requireArgument(id const& argument, char const* message);
+
 // Raises NSRangeException, naming the message, unless the range lies within the length.
 void checkRange(NSRange range, std::size_t length, char const* message);
 

@@ -1,4 +1,5 @@
 #include "platform/foundation/TextFolding.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
 #include <array>

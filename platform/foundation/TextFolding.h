@@ -41,8 +41,4 @@ char32_t firstFoldedCodePoint(char32_t codePoint, TextFolding const& folding);
 // Marks, which belong to the character before them.
 bool isCombining(char32_t codePoint);
 
-constexpr char16_t lowercaseASCII(char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
-}
-
 } // namespace mac

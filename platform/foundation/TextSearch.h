@@ -2,6 +2,7 @@
 
 #include "platform/foundation/Types.h"
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +13,10 @@ struct TextPlace {
     std::size_t start;
     std::size_t end;
 };
+
+// The first place of the text sought in the order of the search, as NSStringCompareOptions ask for; what lies far
+// behind it is not looked at.
+std::optional<TextPlace> placeOfText(std::u16string_view text, std::u16string_view sought, NSUInteger options);
 
 // All places of the text sought in the order of the search, as NSStringCompareOptions ask for; they do not overlap.
 // An anchored search goes on where the last place ended.

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/foundation/LinearSearch.h"
+#include <optional>
 #include <string_view>
-#include <vector>
 
 namespace mac {
 
@@ -9,24 +10,30 @@ namespace mac {
 // For implementations. The text sought must outlive it.
 class UnitSearch {
 public:
-    explicit UnitSearch(std::u16string_view sought);
+    explicit UnitSearch(std::u16string_view sought, SearchDirection direction = SearchDirection::Forwards);
 
-    // The first place at or behind the start, npos when there is none or the text sought is empty.
-    std::size_t findIn(std::u16string_view text, std::size_t start) const;
+    // The first place in the order of the search, npos when there is none or the text sought is empty.
+    std::size_t findIn(std::u16string_view text) const;
 
-    // Calls with each place from left to right; places do not overlap.
+    // Calls with each place in the order of the search; places do not overlap.
     template <class Action>
     void forEachIn(std::u16string_view text, Action const& action) const {
-        for (std::size_t place = findIn(text, 0); place != std::u16string_view::npos;
-             place = findIn(text, place + m_sought.size()))
-            action(place);
+        bool const isBackwards = m_direction == SearchDirection::Backwards;
+        std::size_t start = 0;
+        for (std::size_t place = findIn(text); place != std::u16string_view::npos; place = findIn(text.substr(start))) {
+            action(start + place);
+            if (isBackwards)
+                text = text.substr(0, place);
+            else
+                start += place + m_sought.size();
+        }
     }
 
 private:
     std::u16string_view m_sought;
-    // For each length of a beginning that was found: the longest shorter one that it ends with. Empty for a short text,
-    // which is compared at every place.
-    std::vector<std::size_t> m_fallback;
+    SearchDirection m_direction;
+    // Nothing for a short text, which is compared at every place.
+    std::optional<LinearSearch<char16_t>> m_search;
 };
 
 } // namespace mac

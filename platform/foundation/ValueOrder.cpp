@@ -1,4 +1,5 @@
 #include "platform/foundation/ValueOrder.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSortDescriptor.h"

@@ -121,16 +121,39 @@ TEST(KeyValueObserving, AnObserverThatRaisesInADictionaryRaisesToTheCaller) {
     EXPECT_EQ(dictionary.count(), 0U);
 }
 
-TEST(KeyValueObserving, AnObserverThatRaisesBeforeAChangeStopsIt) {
+TEST(KeyValueObserving, AnObserverThatRaisesBeforeAChangeLeavesItToItsEnd) {
+    Parcel const parcel = Parcel::parcelWithName_("a");
+    Recorder const first = Recorder::recorder();
+    Recorder const second = Recorder::recorder();
+    Recorder const third = Recorder::recorder();
+    for (Recorder const& recorder : {first, second, third})
+        recorder.observe(parcel, "name", New | Prior);
+    second.whenTold([&] {
+        if (second.count() == 1) throw NSGenericException("no");
+    });
+    EXPECT_THROW(parcel.setName_("b"), NSGenericException);
+    EXPECT_EQ(text(parcel.name()), "b");
+    for (Recorder const& recorder : {first, second, third}) {
+        EXPECT_EQ(recorder.count(), 2U);
+        EXPECT_EQ(recorder.last(NSKeyValueChangeNewKey), "b");
+    }
+    parcel.setName_("c");
+    EXPECT_EQ(first.count(), 4U);
+}
+
+TEST(KeyValueObserving, ARaisingObserverIsToldOfTheEndThatIsSaidByHand) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const recorder = Recorder::recorder();
-    recorder.observe(parcel, "name", Prior);
-    recorder.whenTold([] { throw NSGenericException("no"); });
-    EXPECT_THROW(parcel.setName_("b"), NSGenericException);
-    EXPECT_EQ(text(parcel.name()), "a");
-    recorder.whenTold({});
-    parcel.setName_("c");
-    EXPECT_EQ(recorder.count(), 3U);
+    recorder.observe(parcel, "serial", Prior);
+    recorder.whenTold([&] {
+        if (recorder.count() == 1) throw NSGenericException("no");
+    });
+    parcel.willChangeValueForKey_("serial");
+    EXPECT_EQ(recorder.count(), 1U);
+    EXPECT_THROW(parcel.didChangeValueForKey_("serial"), NSGenericException);
+    EXPECT_EQ(recorder.count(), 2U);
+    parcel.didChangeValueForKey_("serial");
+    EXPECT_EQ(recorder.count(), 2U);
 }
 
 TEST(KeyValueObserving, TellsNobodyOfASetterThatRaises) {

@@ -112,11 +112,19 @@ TEST(NSMutableData, CopiesAsImmutableData) {
     EXPECT_EQ("abc", bytesOf(as<NSData>(copy)));
 }
 
-TEST(NSMutableData, RaisesForNilAndLengthsThatAreNone) {
+TEST(NSMutableData, TakesNilForNoBytes) {
+    NSMutableData const data = NSMutableData::dataWithData_(nil);
+    ASSERT_TRUE(data != nil);
+    data.appendData_(nil);
+    EXPECT_EQ(data.length(), 0U);
+    data.appendBytes_length_("ab", 2);
+    data.appendData_(nil);
+    EXPECT_EQ("ab", bytesOf(data));
+}
+
+TEST(NSMutableData, RaisesForLengthsThatAreNone) {
     NSMutableData const data = NSMutableData::data();
-    EXPECT_THROW(data.appendData_(nil), NSInvalidArgumentException);
     EXPECT_THROW(data.appendBytes_length_(nullptr, 1), NSInvalidArgumentException);
-    EXPECT_THROW(NSMutableData::dataWithData_(nil), NSInvalidArgumentException);
     EXPECT_THROW(data.setLength_(0xFFFFFFFF), NSInvalidArgumentException);
     NSMutableData(nil).appendData_(nil);
     EXPECT_EQ(nullptr, NSMutableData(nil).mutableBytes());

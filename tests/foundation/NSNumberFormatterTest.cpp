@@ -166,11 +166,26 @@ TEST(NSNumberFormatter, ReadsWhatItPrints) {
              Reading{".5", "0.5"},
              Reading{"5.", "5"},
              Reading{"9223372036854775807", "9223372036854775807"},
+             Reading{"9223372036854775808", "9223372036854775808"},
+             Reading{"18446744073709551615", "18446744073709551615"},
+             Reading{"(9223372036854775808)", "-9223372036854775808"},
              Reading{"100000000000000000000", "1e+20"},
          })
         EXPECT_EQ(
             text(formatter("#,##0.00;zero;(#,##0.00)").numberFromString_(NSString::stringWithUTF8String_(row.text))),
             row.value);
+}
+
+TEST(NSNumberFormatter, ReadsNumbersThatNoDoubleHolds) {
+    NSNumberFormatter const plain = formatter("0.#;(0.#)");
+    NSString const many = NSString("").stringByPaddingToLength_withString_startingAtIndex_(400, "9", 0);
+    NSString const tiny = NSString::stringWithFormat_(
+        "0.%@1", NSString("").stringByPaddingToLength_withString_startingAtIndex_(400, "0", 0));
+    EXPECT_EQ(plain.numberFromString_(many).doubleValue(), HUGE_VAL);
+    EXPECT_EQ(plain.numberFromString_(NSString::stringWithFormat_("(%@.5)", many)).doubleValue(), -HUGE_VAL);
+    NSNumber const small = plain.numberFromString_(tiny);
+    ASSERT_TRUE(small != nil);
+    EXPECT_EQ(small.doubleValue(), 0);
 }
 
 TEST(NSNumberFormatter, ReadsNothingElse) {

@@ -70,6 +70,25 @@ TEST(NSScanner, ReadsNumbersThatSaturate) {
     EXPECT_FALSE(scanner(".").scanDouble_(nullptr));
 }
 
+// Copying, or looking through, what is left at each step has no end here.
+TEST(NSScanner, ComesToTheEndOfALongText) {
+    for (char16_t const letter : {u'a', u'\u65E5'}) {
+        constexpr int lines = 20000;
+        std::u16string text;
+        for (int line = 0; line < lines; ++line)
+            text.append(3, letter).append(u"\nx ");
+        NSScanner const scanner = NSScanner::scannerWithString_(NSString::stringWithCodeUnits(text));
+        int count = 0;
+        NSString word;
+        while (scanner.scanUpToString_intoString_("\nx", &word) && scanner.scanString_intoString_("X", nullptr)) {
+            EXPECT_EQ(word.length(), 3U);
+            ++count;
+        }
+        EXPECT_EQ(count, lines);
+        EXPECT_TRUE(scanner.isAtEnd());
+    }
+}
+
 TEST(NSScanner, MindsTheCaseWhereAsked) {
     NSScanner const text = scanner("ABC");
     EXPECT_FALSE(text.caseSensitive());

@@ -32,9 +32,34 @@ TEST(NSStringComposed, KnowsWhatPeopleSeeAsOneCharacter) {
              Composed{u"\u65E5\u672C", 1, {1, 1}},
              Composed{u"\u0301a", 0, {0, 1}},
              Composed{u"1\uFE0F\u20E3", 2, {0, 3}},
+             Composed{u"\u65E5\u672C\u3099\u8A9E", 2, {1, 2}},
+             Composed{u"\u65E5\u672C\u3099\u8A9E", 3, {3, 1}},
+             Composed{u"\uAC00\uAC00\u11AB\uAC01", 1, {1, 2}},
+             Composed{u"\uAC00\uAC00\u11AB\uAC01", 3, {3, 1}},
+             Composed{u"\u0600\u65E5\u672C", 1, {0, 2}},
+             Composed{u"\u0600\u65E5\u672C", 2, {2, 1}},
+             Composed{u"\U0001F600\U0001F601", 3, {2, 2}},
+             Composed{u"\U0001F1E9\U0001F1EA\U0001F1EB\U0001F1F7", 5, {4, 4}},
+             Composed{u"\u0915\u093F\u0916", 1, {0, 2}},
+             Composed{u"\u65E5\U0001F468\u200D\U0001F469\u65E5", 2, {1, 5}},
          })
         EXPECT_EQ(units(row.text).rangeOfComposedCharacterSequenceAtIndex_(row.index), row.range) << row.index;
     EXPECT_EQ(units(u"a\xDC80").rangeOfComposedCharacterSequenceAtIndex_(1), (NSRange{1, 1}));
+}
+
+// A text without blanks, whose every character would have the whole of it looked at.
+TEST(NSStringComposed, ComesToTheEndOfALongTextWithoutBlanks) {
+    for (std::u16string_view const character : {u"\u65E5", u"\uAC00", u"\u65E5\u3099", u"\U0001F600", u"\U00020000"}) {
+        std::u16string text;
+        while (text.size() < 20000)
+            text += character;
+        NSString const string = units(text);
+        auto const length = static_cast<NSUInteger>(character.size());
+        NSUInteger place = 0;
+        for (; place < string.length(); place += length)
+            ASSERT_EQ(string.rangeOfComposedCharacterSequenceAtIndex_(place), (NSRange{place, length}));
+        EXPECT_EQ(place, string.length());
+    }
 }
 
 TEST(NSStringComposed, WidensARangeToWholeCharacters) {

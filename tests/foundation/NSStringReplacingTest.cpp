@@ -87,6 +87,22 @@ TEST(NSStringReplacing, AnswersNothingForNil) {
     EXPECT_TRUE(none.stringByReplacingCharactersInRange_withString_({0, 0}, "b") == nil);
 }
 
+TEST(NSStringReplacing, ComesToAnEndBackwardsAndAnchored) {
+    constexpr std::size_t length = 40000;
+    for (NSUInteger const options :
+         {NSUInteger{NSBackwardsSearch}, NSUInteger{NSAnchoredSearch}, NSUInteger{NSAnchoredSearch | NSBackwardsSearch},
+          NSUInteger{NSAnchoredSearch | NSCaseInsensitiveSearch}, NSUInteger{NSBackwardsSearch | NSLiteralSearch}}) {
+        for (char16_t const letter : {u'a', u'\u00E9', u'\u65E5'}) {
+            NSMutableString const text =
+                NSMutableString::stringWithString_(NSString::stringWithCodeUnits(std::u16string(length, letter)));
+            NSUInteger const count = text.replaceOccurrencesOfString_withString_options_range_(
+                NSString::stringWithCodeUnits(std::u16string(2, letter)), "b", options, {0, text.length()});
+            EXPECT_EQ(count, length / 2);
+            EXPECT_TRUE(text.isEqualToString_(NSString::stringWithCodeUnits(std::u16string(length / 2, u'b'))));
+        }
+    }
+}
+
 TEST(NSStringReplacing, TakesNoLongerForManyPlacesInFoldedText) {
     std::u16string text;
     for (int count = 0; count < 50'000; ++count)

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSString.h"
 #include <gtest/gtest.h>
+#include <random>
 
 namespace mac {
 
@@ -110,6 +111,82 @@ TEST(NSStringSearch, IgnoresMarksWhereAsked) {
              Search{u"\u0301", u"\u0301", NSDiacriticInsensitiveSearch, None},
          })
         expectRange(search);
+}
+
+// The first or last part, of whole characters, that is equal to the text sought.
+NSRange rangeByEye(NSString const& text, NSString const& sought, NSUInteger options) {
+    NSRange found = None;
+    std::u16string_view const all = text.codeUnits();
+    auto const isMark = [&](std::size_t index) { return index < all.size() && (all[index] & 0xFFC0) == 0x0300; };
+    for (NSUInteger start = 0; start < all.size(); ++start) {
+        for (NSUInteger end = start + 1; end <= all.size(); ++end) {
+            NSRange const range{start, end - start};
+            if (isMark(start) || isMark(end)) continue;
+            if (text.compare_options_range_(sought, options & ~NSBackwardsSearch, range) != NSOrderedSame) continue;
+            if ((options & NSBackwardsSearch) == 0) return range;
+            found = range;
+        }
+    }
+    return found;
+}
+
+TEST(NSStringSearch, FindsWhatComparingEachPartFinds) {
+    std::mt19937 random(11);
+    constexpr std::u16string_view letters = u"fsa\u00E9\u00DF\uFB00\u00C5\u6F22";
+    constexpr std::u16string_view marks = u"\u0301\u0323\u030A";
+    auto const textOf = [&](std::size_t length) {
+        std::u16string text;
+        while (text.size() < length) {
+            bool const isMark = !text.empty() && random() % 3 == 0;
+            text.push_back(isMark ? marks[random() % marks.size()] : letters[random() % letters.size()]);
+        }
+        return units(text);
+    };
+    for (int round = 0; round < 1500; ++round) {
+        NSString const text = textOf(random() % 9);
+        NSString const sought = textOf(1 + random() % 3);
+        for (NSUInteger const options : {0U, 1U, 4U, 5U})
+            EXPECT_EQ(text.rangeOfString_options_(sought, options), rangeByEye(text, sought, options))
+                << sought.UTF8String() << " in " << text.UTF8String() << " with " << options;
+    }
+}
+
+TEST(NSStringSearch, FindsTextFarBehind) {
+    for (std::u16string_view const filling : {u"a", u"e\u0301", u"\u6F22", u"f"}) {
+        std::u16string far;
+        while (far.size() < 9000)
+            far += filling;
+        for (std::size_t const cut : {63, 64, 65, 66, 67, 68, 70, 255, 263, 280, 1088, 9000}) {
+            std::u16string text = far.substr(0, cut);
+            if (text.size() % filling.size() != 0) text.pop_back();
+            auto const place = static_cast<NSUInteger>(text.size());
+            text += u"x\u0323\u0301z";
+            NSString const sought = units(u"x\u0301\u0323");
+            EXPECT_EQ(units(text).rangeOfString_(sought), (NSRange{place, 3}));
+            EXPECT_EQ(units(text).rangeOfString_("x"), None);
+            EXPECT_EQ(units(text).rangeOfString_options_("Z", NSCaseInsensitiveSearch), (NSRange{place + 3, 1}));
+            EXPECT_FALSE(units(text).hasPrefix_(sought));
+            EXPECT_TRUE(units(text).hasSuffix_("z"));
+        }
+    }
+}
+
+// Each place would be a match, were it not for what stands before or behind it: looking at each anew has no end.
+TEST(NSStringSearch, ComesToAnEndInTextsOfMarksAndLigatures) {
+    auto const many = [](char16_t unit, std::size_t count) { return std::u16string(count, unit); };
+    constexpr std::size_t length = 100000;
+    NSString const ligatures = units(many(u'\uFB00', length));
+    EXPECT_EQ(ligatures.rangeOfString_options_(units(many(u'f', length + 1)), NSCaseInsensitiveSearch), None);
+    EXPECT_EQ(ligatures.rangeOfString_options_(units(many(u'f', length)), NSCaseInsensitiveSearch),
+              (NSRange{0, length / 2}));
+    NSString const marks = units(u"a" + many(u'\u0301', length));
+    EXPECT_EQ(marks.rangeOfString_("a"), None);
+    EXPECT_EQ(marks.rangeOfString_options_("a", NSDiacriticInsensitiveSearch), (NSRange{0, length + 1}));
+    EXPECT_EQ(marks.rangeOfString_(units(u"a" + many(u'\u0301', length / 2))), None);
+    NSString const letters = units(many(u'a', length));
+    NSString const other = units(many(u'a', length / 2) + u"b");
+    for (NSUInteger const options : {0U, 1U, 2U, 4U, 5U, 6U})
+        EXPECT_EQ(letters.rangeOfString_options_(other, options), None);
 }
 
 TEST(NSStringSearch, SearchesARange) {
