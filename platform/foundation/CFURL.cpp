@@ -49,7 +49,7 @@ Component componentOf(URLParts const& parts, CFURLComponentType component) {
     case kCFURLComponentNetLocation:
         return {parts.authority(), places.user};
     case kCFURLComponentPath:
-        return {parts.path, parts.path.start};
+        return {parts.path.start == parts.path.end ? std::nullopt : std::optional(parts.path), parts.path.start};
     case kCFURLComponentResourceSpecifier:
         return {parts.behindPath(), places.parameters};
     case kCFURLComponentUser:
@@ -134,9 +134,10 @@ CFRange CFURLGetByteRangeForComponent(CFURLRef const& url, CFURLComponentType co
 }
 
 bool CFURLHasDirectoryPath(CFURLRef const& url) {
-    if (url == nil || !url.parts().isDecomposable) return false;
-    std::u16string_view const path = url.parts().path.of(url.relativeString().codeUnits());
-    if (path.empty()) return !url.parts().host && CFURLHasDirectoryPath(url.baseURL());
+    NSURL const absolute = url.absoluteURL();
+    if (absolute == nil || !absolute.parts().isDecomposable) return false;
+    std::u16string_view const path = absolute.parts().path.of(absolute.relativeString().codeUnits());
+    if (path.empty()) return false;
     std::u16string_view const last = path.substr(path.rfind(u'/') + 1);
     return last.empty() || last == u"." || last == u"..";
 }

@@ -30,13 +30,14 @@ enum CFURLComponentType : CFIndex {
 // than the buffer takes. Without a buffer they are only counted.
 CFIndex CFURLGetBytes(CFURLRef const& url, std::uint8_t* buffer, CFIndex bufferLength);
 
-// Where in those bytes the component lies; {kCFNotFound, 0} when there is none, or no such component. The other range,
+// Where in those bytes the component lies; {kCFNotFound, 0} when there is none, or no such component; an empty path is
+// none. The other range,
 // which may be null, is the component with what separates it from the one before and the one behind, or the place where
 // the component would be put.
 CFRange CFURLGetByteRangeForComponent(CFURLRef const& url, CFURLComponentType component,
                                       CFRange* rangeIncludingSeparators);
 
-// Whether the path ends with a slash or with a segment "." or ".."; an empty one is as the base's.
+// Whether the path of the absolute URL ends with a slash or with a segment "." or ".."; an empty one does not.
 bool CFURLHasDirectoryPath(CFURLRef const& url);
 
 // The URL of a path, which is not looked at on the disk: a folder's ends with a slash, another's does not. Nil for a

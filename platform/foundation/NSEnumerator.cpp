@@ -19,9 +19,9 @@ NSEnumerator enumeratorOfArray(NSArray const& array, bool isReverse) {
     if (array == nil) return nil;
     return adopt<NSEnumerator>([array, isReverse, changes = bodyOf(array)->m_changes, count = array.count(),
                                 given = NSUInteger{0}]() mutable -> id {
+        if (given == count) return nil;
         std::span<id const> const objects = array.objects();
         requireUnchanged(bodyOf(array)->m_changes == changes && objects.size() == count, array);
-        if (given == count) return nil;
         ++given;
         return objects[isReverse ? count - given : given - 1];
     });
@@ -29,15 +29,15 @@ NSEnumerator enumeratorOfArray(NSArray const& array, bool isReverse) {
 
 // Removed entries keep their places until the table is made anew, and that is a change.
 NSEnumerator enumeratorOfEntries(id const& collection, HashedEntries const& entries, id HashedEntries::Entry::*part) {
-    return adopt<NSEnumerator>(
-        [collection, &entries, part, changes = entries.changes(), place = std::size_t{0}]() mutable -> id {
-            requireUnchanged(entries.changes() == changes, collection);
-            while (place < entries.entries().size()) {
-                HashedEntries::Entry const& entry = entries.entries()[place++];
-                if (entry.key != nil) return entry.*part;
-            }
-            return nil;
-        });
+    return adopt<NSEnumerator>([collection, &entries, part, changes = entries.changes(), left = entries.count(),
+                                place = std::size_t{0}]() mutable -> id {
+        if (left == 0) return nil;
+        requireUnchanged(entries.changes() == changes, collection);
+        --left;
+        while (entries.entries()[place].key == nil)
+            ++place;
+        return entries.entries()[place++].*part;
+    });
 }
 
 } // namespace

@@ -12,8 +12,8 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil when all have been given. Once a member came to the collection or left it, this raises NSGenericException;
-    // one that took another's place is given.
+    // Nil when all have been given, whatever became of the collection since. Before that, once a member came to the
+    // collection or left it, this raises NSGenericException; one that took another's place is given.
     id nextObject() const;
     // Those not given yet.
     NSArray allObjects() const;

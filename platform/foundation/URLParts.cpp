@@ -23,8 +23,8 @@ std::optional<URLRange> schemeOf(std::u16string_view text) {
     return URLRange{0, end};
 }
 
-// Cuts off the part that begins at the first separator behind the start.
-std::optional<URLRange> takeLast(std::u16string_view& text, std::size_t start, char16_t separator) {
+// Cuts the text at the first separator behind the start.
+std::optional<URLRange> cutFromSeparator(std::u16string_view& text, std::size_t start, char16_t separator) {
     std::size_t const found = text.find(separator, start);
     if (found == None) return std::nullopt;
     URLRange const part{found + 1, text.size()};
@@ -99,14 +99,14 @@ URLParts partsOfURL(std::u16string_view text) {
     parts.isDecomposable = !parts.scheme || text.substr(start).starts_with(u'/');
     parts.path = {start, text.size()};
     if (!parts.isDecomposable) return parts;
-    parts.fragment = takeLast(text, start, u'#');
+    parts.fragment = cutFromSeparator(text, start, u'#');
     if (text.substr(start).starts_with(u"//")) {
         URLRange const authority{start + 2, std::min(text.find_first_of(u"/?", start + 2), text.size())};
         if (authority.start != authority.end) readAuthority(parts, text, authority);
         start = authority.end;
     }
-    parts.query = takeLast(text, start, u'?');
-    parts.parameters = takeLast(text, start, u';');
+    parts.query = cutFromSeparator(text, start, u'?');
+    parts.parameters = cutFromSeparator(text, start, u';');
     parts.path = {start, text.size()};
     return parts;
 }

@@ -14,7 +14,7 @@ std::u16string mergedPath(std::u16string_view relative, std::u16string_view base
     return withoutDotSegments(merged.append(relative), LeadingDots::Stay);
 }
 
-// A path behind no authority begins with one slash at most.
+// A path behind no authority begins with one slash at most: two would begin one.
 std::u16string behindNoAuthority(std::u16string path) {
     if (path.starts_with(u"//")) path.insert(0, u"/.");
     return path;
@@ -62,16 +62,17 @@ std::u16string resolvedURL(std::u16string_view relative, std::u16string_view bas
     url.push_back(u':');
     // The text itself begins with the two slashes.
     if (parts.host || relative.starts_with(u"//")) return url.append(relative);
-    std::u16string_view const behindScheme = base.substr(url.size());
-    if (behindScheme.starts_with(u"//")) url.append(u"//");
+    // An authority may be there and empty.
+    bool const hasAuthority = base.substr(url.size()).starts_with(u"//");
+    if (hasAuthority) url.append(u"//");
     if (baseParts.authority()) url.append(baseParts.authority()->of(base));
     bool const keepsPath = parts.path.start == parts.path.end;
     bool const keepsParameters = keepsPath && !parts.parameters;
     bool const keepsQuery = keepsParameters && !parts.query;
     std::u16string_view const basePath = baseParts.path.of(base);
-    std::u16string path = keepsPath ? std::u16string(basePath)
-                                    : mergedPath(parts.path.of(relative), basePath, baseParts.host.has_value());
-    url.append(behindScheme.starts_with(u"//") ? path : behindNoAuthority(std::move(path)));
+    std::u16string path =
+        keepsPath ? std::u16string(basePath) : mergedPath(parts.path.of(relative), basePath, hasAuthority);
+    url.append(hasAuthority ? path : behindNoAuthority(std::move(path)));
     appendPart(url, u';', keepsParameters ? baseParts.parameters : parts.parameters, keepsParameters ? base : relative);
     appendPart(url, u'?', keepsQuery ? baseParts.query : parts.query, keepsQuery ? base : relative);
     appendPart(url, u'#', parts.fragment, relative);

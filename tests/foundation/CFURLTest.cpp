@@ -47,7 +47,7 @@ TEST(CFURL, KnowsWhereEachComponentLies) {
                     Ranges{missing, missing}, Ranges{missing, missing}, Ranges{missing, missing},
                     Ranges{missing, missing}, Ranges{missing, missing}}},
              Table{"http://h?q",
-                   {Ranges{{0, 4}, {0, 7}}, Ranges{{7, 1}, {4, 5}}, Ranges{{8, 0}, {8, 1}}, Ranges{{9, 1}, {8, 2}},
+                   {Ranges{{0, 4}, {0, 7}}, Ranges{{7, 1}, {4, 5}}, Ranges{missing, {8, 0}}, Ranges{{9, 1}, {8, 2}},
                     Ranges{missing, {7, 0}}, Ranges{missing, {7, 0}}, Ranges{missing, {7, 0}}, Ranges{{7, 1}, {4, 5}},
                     Ranges{missing, {8, 0}}, Ranges{missing, {8, 0}}, Ranges{{9, 1}, {8, 2}},
                     Ranges{missing, {10, 0}}}},
@@ -93,6 +93,32 @@ TEST(CFURL, TellsAFolderByTheEndOfItsPath) {
     EXPECT_TRUE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", url("http://h/a/"))));
     EXPECT_FALSE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", url("http://h/a"))));
     EXPECT_FALSE(CFURLHasDirectoryPath(nil));
+}
+
+TEST(CFURL, TellsAFolderByTheAbsolutePath) {
+    auto const isFolder = [](std::string_view relative, std::string_view base) {
+        return CFURLHasDirectoryPath(
+            NSURL::URLWithString_relativeToURL_(NSString::stringWithUTF8String_(relative), url(base)));
+    };
+    EXPECT_TRUE(isFolder("", "http://h/a/"));
+    EXPECT_TRUE(isFolder("?q", "http://h/a/b/.."));
+    EXPECT_TRUE(isFolder("..", "http://h/a/b"));
+    EXPECT_TRUE(isFolder("b/", "http://h"));
+    EXPECT_FALSE(isFolder("", "http://h/a"));
+    EXPECT_FALSE(isFolder("b", "http://h/a/"));
+    EXPECT_FALSE(isFolder("", "http://h"));
+    EXPECT_FALSE(isFolder("//", "file:///a/"));
+    EXPECT_FALSE(isFolder("//i", "http://h/a/"));
+}
+
+TEST(CFURL, HasAPlaceForAnEmptyPath) {
+    for (auto const& [text, place] : {std::pair("http://h", 8L), std::pair("http://h#f", 8L), std::pair("#f", 0L),
+                                      std::pair("", 0L), std::pair("file://?q", 7L), std::pair("//h:1?p", 5L)}) {
+        SCOPED_TRACE(text);
+        CFRange separated;
+        EXPECT_EQ(CFURLGetByteRangeForComponent(url(text), kCFURLComponentPath, &separated), missing);
+        EXPECT_EQ(separated, (CFRange{static_cast<CFIndex>(place), 0}));
+    }
 }
 
 TEST(CFURL, IsMadeOfAPath) {

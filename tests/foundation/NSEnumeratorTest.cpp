@@ -78,6 +78,7 @@ TEST(NSEnumerator, RaisesWhenItsSetChanged) {
 TEST(NSEnumerator, RaisesWhenItsDictionaryHasOtherKeys) {
     NSMutableDictionary const dictionary = NSMutableDictionary::dictionary();
     dictionary.setObject_forKey_("1", "a");
+    dictionary.setObject_forKey_("1", "z");
     NSEnumerator const keys = dictionary.keyEnumerator();
     NSEnumerator const values = dictionary.objectEnumerator();
     dictionary.setObject_forKey_("2", "a");
@@ -86,6 +87,24 @@ TEST(NSEnumerator, RaisesWhenItsDictionaryHasOtherKeys) {
     dictionary.setObject_forKey_("3", "b");
     EXPECT_THROW(keys.nextObject(), NSGenericException);
     EXPECT_THROW(values.nextObject(), NSGenericException);
+}
+
+TEST(NSEnumerator, IsAtItsEndWhateverBecomesOfTheCollection) {
+    NSMutableArray const array = NSMutableArray::arrayWithObjects_({"a"});
+    NSMutableSet const set = NSMutableSet::setWithArray_(array);
+    NSMutableDictionary const dictionary = NSMutableDictionary::dictionary();
+    dictionary.setObject_forKey_("1", "a");
+    NSEnumerator const enumerators[]{array.objectEnumerator(), array.reverseObjectEnumerator(), set.objectEnumerator(),
+                                     dictionary.keyEnumerator(), dictionary.objectEnumerator()};
+    for (NSEnumerator const& enumerator : enumerators)
+        EXPECT_TRUE(enumerator.nextObject() != nil);
+    array.addObject_("b");
+    set.addObject_("b");
+    dictionary.setObject_forKey_("2", "b");
+    for (NSEnumerator const& enumerator : enumerators) {
+        EXPECT_TRUE(enumerator.nextObject() == nil);
+        EXPECT_EQ(enumerator.allObjects().count(), 0U);
+    }
 }
 
 TEST(NSEnumerator, PassesPlacesThatWereGivenUpBefore) {

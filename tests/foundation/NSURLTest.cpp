@@ -145,11 +145,24 @@ TEST(NSURL, ResolvesAgainstBasesOfEveryForm) {
     EXPECT_EQ(shown(url("?q", "http://a").absoluteString()), "http://a?q");
     EXPECT_EQ(shown(url("g", "file:///a/b").absoluteString()), "file:///a/g");
     EXPECT_EQ(shown(url("g", "http://u:p@h:1/").absoluteString()), "http://u:p@h:1/g");
+    EXPECT_EQ(shown(url("g", "file://").absoluteString()), "file:///g");
+    EXPECT_EQ(shown(url("g", "file://?q").absoluteString()), "file:///g");
+    EXPECT_EQ(shown(url("?y", "file://?q").absoluteString()), "file://?y");
+    EXPECT_EQ(shown(url("../..//g", "file:///a/b/").absoluteString()), "file:////g");
+    EXPECT_EQ(shown(url("..//g", "file:/a/b").absoluteString()), "file:/.//g");
+    EXPECT_EQ(shown(url("g", "file:/a/b").absoluteString()), "file:/a/g");
     EXPECT_EQ(shown(url("g", "mailto:ann").absoluteString()), "g");
     EXPECT_EQ(shown(url("g", "b/c").absoluteString()), "g");
     NSURL const twice = NSURL::URLWithString_relativeToURL_("d", url("b/c", "http://a/"));
     EXPECT_EQ(shown(twice.absoluteString()), "http://a/b/d");
     EXPECT_EQ(shown(twice.baseURL().relativeString()), "http://a/b/c");
+}
+
+TEST(NSURL, HasNoSchemeBeforeAColonAtItsStart) {
+    NSURL const odd = url(":/a/b");
+    EXPECT_TRUE(odd.scheme() == nil);
+    EXPECT_EQ(shown(odd.path()), ":/a/b");
+    EXPECT_EQ(shown(url(":/a/b", "http://h/c").absoluteString()), "http://h/:/a/b");
 }
 
 TEST(NSURL, RemembersWhatItIsRelativeTo) {
