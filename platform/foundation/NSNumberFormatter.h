@@ -47,7 +47,8 @@ public:
     NSString stringFromNumber_(NSNumber const& number) const;
     // Nil for an object that is no number.
     NSString stringForObjectValue_(id const& object) const;
-    // Whole numbers are integers where they can be; a real too large is infinite, one too small 0. Nil for a text that the format would not print.
+    // Whole numbers are integers where they can be; a real too large is infinite, one too small 0. Nil for a text that
+    // the format would not print.
     NSNumber numberFromString_(NSString const& string) const;
 };
 
