@@ -170,6 +170,16 @@ Value requireType(Value const& value, Code type, TextContext const& context) {
     return *std::move(made);
 }
 
+Value requireOneOf(Value const& value, std::span<Code const> types, TextContext const& context) {
+    if (types.size() == 1) return requireType(value, types.front(), context);
+    Value const target = resolved(value, context);
+    for (Code const type : types)
+        if (isOfClass(target, type)) return target;
+    for (Code const type : types)
+        if (std::optional<Value> made = coerced(target, type, context)) return *std::move(made);
+    throw cannotMake(target, types.front());
+}
+
 Value requireNumber(Value const& value, TextContext const& context) {
     if (value.isNumber()) return value;
     return requireType(value, codeOf("nmbr"), context);

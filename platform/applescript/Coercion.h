@@ -3,6 +3,7 @@
 #include "platform/applescript/HeapObjects.h"
 #include "platform/applescript/TextContext.h"
 #include <optional>
+#include <span>
 
 namespace mac::applescript {
 
@@ -11,6 +12,8 @@ std::optional<Value> coerced(Value const& unresolved, Code type, TextContext con
 
 // The same, with the error that says it cannot be done.
 Value requireType(Value const& value, Code type, TextContext const& context);
+// As the first of the classes that it already is, else as the first that it can become.
+Value requireOneOf(Value const& value, std::span<Code const> types, TextContext const& context);
 // A number of either kind.
 Value requireNumber(Value const& value, TextContext const& context);
 double requireReal(Value const& value, TextContext const& context);

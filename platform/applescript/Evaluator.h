@@ -138,6 +138,7 @@ private:
     Value receiverOf(Node const& node);
     FoundHandler findHandler(Value const& start, Symbol name) const;
     FoundHandler findCommandHandler(Value const& start, EventCode event) const;
+    void bindParameter(Node const& pattern, Value const* given);
     Value callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments);
     Value callLabeled(FoundHandler found, Value const& me, Node const& node);
     Value callLabeled(FoundHandler found, Value const& me, HandlerMessage const& message);

@@ -30,6 +30,8 @@ ScriptError parametersDoNotMatch(std::vector<Value> const& arguments, HandlerDef
                        u"} for " + handler.name->spelling + u"."};
 }
 
+bool isOptional(Node const* pattern) { return pattern->kind == NodeKind::Variable && pattern->b; }
+
 } // namespace
 
 Value const* CommandArguments::find(Code code) const {
@@ -86,11 +88,21 @@ Value Evaluator::enter(FoundHandler found, Value const& me, std::function<void()
 
 Value Evaluator::callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments) {
     std::vector<Node*> const& patterns = found.handler->positional;
-    if (patterns.size() != arguments.size()) throw parametersDoNotMatch(arguments, *found.handler);
+    bool const isEnough = std::ranges::all_of(patterns.begin() + std::min(arguments.size(), patterns.size()),
+                                              patterns.end(), &isOptional);
+    if (arguments.size() > patterns.size() || !isEnough) throw parametersDoNotMatch(arguments, *found.handler);
     return enter(found, me, [&] {
         for (std::size_t index = 0; index < patterns.size(); ++index)
-            assign(*patterns[index], arguments[index]);
+            bindParameter(*patterns[index], index < arguments.size() ? &arguments[index] : nullptr);
     });
+}
+
+// `given` is null where the call says nothing of an optional parameter.
+void Evaluator::bindParameter(Node const& pattern, Value const* given) {
+    if (!given && !isOptional(&pattern)) return;
+    Value const value = given ? *given : valueOf(*pattern.b);
+    bool const isTyped = pattern.kind == NodeKind::Variable && !pattern.codes.empty();
+    assign(pattern, isTyped ? requireOneOf(value, pattern.codes, context()) : value);
 }
 
 Value Evaluator::receiverOf(Node const& node) {
@@ -121,31 +133,19 @@ Value Evaluator::evaluateLabeledCall(Node const& node) {
 }
 
 Value Evaluator::callLabeled(FoundHandler found, Value const& me, Node const& node) {
-    std::vector<std::pair<Node const*, Value>> bindings;
-    HandlerDefinition const& handler = *found.handler;
-    if (handler.direct) {
-        if (!node.b) throw missingParameter(u"direct", handler.name->spelling);
-        bindings.emplace_back(handler.direct, valueOf(*node.b));
-    }
-    for (auto const& [label, pattern] : handler.labeled) {
-        std::size_t index = 0;
-        while (index < node.names.size() && !isSameName(node.names[index], label))
-            ++index;
-        if (index == node.names.size()) throw missingParameter(label->spelling, handler.name->spelling);
-        bindings.emplace_back(pattern, valueOf(*node.list[index]));
-    }
-    return enter(found, me, [&] {
-        for (auto const& [pattern, value] : bindings)
-            assign(*pattern, value);
-    });
+    HandlerMessage message;
+    if (node.b) message.direct = valueOf(*node.b);
+    for (std::size_t index = 0; index < node.names.size(); ++index)
+        message.labeled.emplace_back(node.names[index], valueOf(*node.list[index]));
+    return callLabeled(found, me, message);
 }
 
 Value Evaluator::callCommandHandler(FoundHandler found, Value const& me, CommandArguments const& arguments) {
     HandlerDefinition const& handler = *found.handler;
     return enter(found, me, [&] {
-        if (handler.direct && !arguments.direct.isNothing()) assign(*handler.direct, arguments.direct);
+        if (handler.direct) bindParameter(*handler.direct, arguments.direct.isNothing() ? nullptr : &arguments.direct);
         for (auto const& [label, pattern] : handler.labeled)
-            if (Value const* const value = arguments.find(label->code)) assign(*pattern, *value);
+            bindParameter(*pattern, arguments.find(label->code));
     });
 }
 
@@ -227,20 +227,20 @@ Value Evaluator::evaluateContinue(Node const& node) {
 
 Value Evaluator::callLabeled(FoundHandler found, Value const& me, HandlerMessage const& message) {
     HandlerDefinition const& handler = *found.handler;
-    std::vector<std::pair<Node const*, Value>> bindings;
-    if (handler.direct) {
-        if (message.direct.isNothing()) throw missingParameter(u"direct", handler.name->spelling);
-        bindings.emplace_back(handler.direct, message.direct);
-    }
+    std::vector<std::pair<Node const*, Value const*>> bindings;
+    auto const bind = [&](Node const* pattern, Value const* given, std::u16string_view label) {
+        if (!given && !isOptional(pattern)) throw missingParameter(label, handler.name->spelling);
+        bindings.emplace_back(pattern, given);
+    };
+    if (handler.direct) bind(handler.direct, message.direct.isNothing() ? nullptr : &message.direct, u"direct");
     for (auto const& labeled : handler.labeled) {
         auto const given = std::ranges::find_if(
             message.labeled, [&](auto const& parameter) { return isSameName(parameter.first, labeled.first); });
-        if (given == message.labeled.end()) throw missingParameter(labeled.first->spelling, handler.name->spelling);
-        bindings.emplace_back(labeled.second, given->second);
+        bind(labeled.second, given == message.labeled.end() ? nullptr : &given->second, labeled.first->spelling);
     }
     return enter(found, me, [&] {
-        for (auto const& [pattern, value] : bindings)
-            assign(*pattern, value);
+        for (auto const& [pattern, given] : bindings)
+            bindParameter(*pattern, given);
     });
 }
 

@@ -242,17 +242,7 @@ Value Evaluator::evaluateOperation(Operation operation, Value const& left, Value
     }
 }
 
-Value Evaluator::evaluateCoercion(Node const& node) {
-    Value const value = valueOf(*node.a);
-    if (node.codes.size() == 1) return requireType(value, node.codes.front(), context());
-    // First a class that it already is, then one it can become.
-    Value const target = resolved(value, context());
-    for (Code const code : node.codes)
-        if (isOfClass(target, code)) return target;
-    for (Code const code : node.codes)
-        if (std::optional<Value> const made = coerced(target, code, context())) return *made;
-    throw cannotMake(target, node.codes.front());
-}
+Value Evaluator::evaluateCoercion(Node const& node) { return requireOneOf(valueOf(*node.a), node.codes, context()); }
 
 Value Evaluator::evaluateDate(Node const& node) {
     Value const written = resolved(valueOf(*node.a), context());

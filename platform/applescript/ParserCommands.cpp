@@ -28,6 +28,12 @@ std::size_t ScriptParser::labelLength(std::u16string_view& label) const {
     return 0;
 }
 
+// given rounding:true, with rounding, without rounding
+bool ScriptParser::startsGivenParameters() const {
+    if (isStop()) return false;
+    return isWord("given") || ((isWord("with") || isWord("without")) && isIdentifier(ahead(1)));
+}
+
 bool ScriptParser::isStop() const {
     if (m_stops.empty() || current().kind != TokenKind::Word) return false;
     if (isWord("with") || isWord("without") || isWord("given")) return true;
@@ -179,7 +185,7 @@ Node& ScriptParser::parseIdentifier() {
                                 m_tokens[first - 1].isSymbol("'s") || m_tokens[first - 1].isWord("to"));
     if (isInterleaved) return parseInterleavedCall(name, first);
     std::u16string_view label;
-    bool const isLabeled = labelLength(label) > 0 || (m_labelsAllowed && !isStop() && isWord("given"));
+    bool const isLabeled = labelLength(label) > 0 || (m_labelsAllowed && startsGivenParameters());
     if (isLabeled) return parseLabeledCall(name, nullptr, first);
     return makeVariable(name, first);
 }
@@ -236,8 +242,7 @@ bool ScriptParser::parseLabeledArguments(Node& call) {
         } while (takeSymbol(","));
         return true;
     }
-    bool const isFlag = (isWord("with") || isWord("without")) && isIdentifier(ahead(1)) && !isStop();
-    if (!isFlag) return false;
+    if (!startsGivenParameters()) return false;
     bool const isTrue = isWord("with");
     std::size_t const first = m_place;
     advance();

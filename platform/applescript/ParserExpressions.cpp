@@ -69,19 +69,22 @@ Node& ScriptParser::parseUnary() {
 }
 
 Node& ScriptParser::parseCoercion(Node& operand, std::size_t firstToken) {
-    std::vector<Code> codes;
-    if (takeSymbol("{")) {
-        do
-            codes.push_back(parseClassName());
-        while (takeSymbol(","));
-        expectSymbol("}");
-    } else {
-        codes.push_back(parseClassName());
-    }
+    std::vector<Code> codes = parseClassNames();
     Node& node = make(NodeKind::Coercion, firstToken);
     node.a = &operand;
     node.codes = std::move(codes);
     return node;
+}
+
+// One class, or several in braces.
+std::vector<Code> ScriptParser::parseClassNames() {
+    if (!takeSymbol("{")) return {parseClassName()};
+    std::vector<Code> codes;
+    do
+        codes.push_back(parseClassName());
+    while (takeSymbol(","));
+    expectSymbol("}");
+    return codes;
 }
 
 Code ScriptParser::parseClassName() {

@@ -65,7 +65,7 @@ Node& ScriptParser::parseReference() {
         m_inContainer = inContainer;
         m_labelsAllowed = labelsAllowed;
         std::u16string_view label;
-        if (mayBeCall && (labelLength(label) > 0 || isWord("given")))
+        if (mayBeCall && (labelLength(label) > 0 || startsGivenParameters()))
             return parseLabeledCall(node->name, &container, first);
         node = &attach(*node, container);
         node->range.start = m_tokens[first].range.start;

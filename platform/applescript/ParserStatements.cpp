@@ -102,7 +102,10 @@ Node& ScriptParser::parsePattern(bool isParameter) {
             term && term->propertyCode != 0 ? termSymbol(term->propertyCode, term->name) : symbolOfToken(current());
         advance();
         m_body->locals.push_back(name);
-        return makeVariable(name, first);
+        Node& variable = makeVariable(name, first);
+        if (takeWord("as")) variable.codes = parseClassNames();
+        if (takeSymbol(":")) variable.b = &parseUnary();
+        return variable;
     }
     Node& node = make(NodeKind::List, first);
     while (!isSymbol("}")) {

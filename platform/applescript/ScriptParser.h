@@ -91,6 +91,7 @@ private:
     std::optional<Operator> peekOperator() const;
     Node& parseCoercion(Node& operand, std::size_t firstToken);
     Code parseClassName();
+    std::vector<Code> parseClassNames();
     Node& parsePrimary();
     Node* parsePrimaryWord();
     Node* parseConstantWord();
@@ -125,6 +126,7 @@ private:
     void addParameter(Node& node, CommandParameter const& parameter, Node& value) const;
     Node& parseCount();
     std::size_t labelLength(std::u16string_view& label) const;
+    bool startsGivenParameters() const;
     bool isStop() const;
     Node& parseIdentifier();
     Node& parseCall(Symbol name, std::size_t firstToken);

@@ -15,7 +15,7 @@ enum class NodeKind : std::uint8_t {
     It,
     Me,
     Result,
-    // name, place
+    // name, place; of a parameter also the classes it takes in codes, and in b what it is when the call leaves it out
     Variable,
     // name; a container. Without a container the property of what `it` is, or a variable of a term's name.
     Property,
