@@ -107,7 +107,7 @@ std::optional<std::string> pathOfFolder(FileDescriptor const& folder) {
         std::optional<ItemPlace> const place = placeOf(below);
         std::optional<std::string> const name = above.isOpen() && place ? nameInFolder(above, *place) : std::nullopt;
         if (!name) return std::nullopt;
-        end = "/" + *name + end;
+        end.insert(0, "/" + *name);
         below = std::move(above);
         path = systemsPath(below);
     }

@@ -133,7 +133,7 @@ bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemI
 
 // What tells of an item that never came, or went by other ways. A young one can be of an item that is on its way.
 void removeOrphans(TrashFolder const& trash) {
-    constexpr std::int64_t oldEnough = 60 * 60;
+    constexpr std::int64_t oldEnough = 3'600;
     std::int64_t const now = ::time(nullptr);
     for (std::string const& file : namesIn(trash.information)) {
         if (!file.ends_with(TrashInformation::nameEnd)) continue;

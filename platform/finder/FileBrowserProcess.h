@@ -24,6 +24,7 @@ FinderOutcome quitFileBrowser();
 
 // Remembers how the browser that runs was started, for who quits it by other means. False when it does not run.
 bool rememberFileBrowserStart();
+void forgetFileBrowserStart();
 
 // Starts the browser if it does not run: as it was started when it was last remembered, with the same arguments in the
 // same folder, and otherwise by its desktop entry. Answers when it runs; a service answers on the bus by then.

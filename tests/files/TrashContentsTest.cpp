@@ -146,7 +146,7 @@ TEST_F(TrashContents, AreEmptiedWithInformationAboutNothing) {
     put("coming", "[Trash Info]\nPath=/coming\n");
     ASSERT_EQ(::unlink(m_home.files("coming").c_str()), 0);
     std::array<timespec, 2> times{};
-    times[0].tv_sec = times[1].tv_sec = ::time(nullptr) - 2 * 60 * 60;
+    times[0].tv_sec = times[1].tv_sec = ::time(nullptr) - 7'200;
     ASSERT_EQ(::utimensat(AT_FDCWD, m_home.information("gone.trashinfo").c_str(), times.data(), 0), 0);
     emptyTrash();
     // What is young can be of an item that another program is about to move.

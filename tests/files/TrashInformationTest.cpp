@@ -84,11 +84,11 @@ TEST(TrashNames, LoseWholeCharactersWhenTheyAreTooLong) {
 }
 
 TEST(TrashInformationCorpus, Holds) {
-    std::string const folder = FRAMEKEEPER_CORPUS "/TrashInformationFuzz";
+    std::string const folder = FRAMEKEEPER_CORPUS "/TrashInformationFuzz/";
     std::vector<std::string> const names = namesIn(folder);
     EXPECT_FALSE(names.empty());
     for (std::string const& name : names) {
-        Result<FileContents> const contents = readFileAtPath(folder + "/" + name, std::size_t{1} << 20);
+        Result<FileContents> const contents = readFileAtPath(folder + name, std::size_t{1} << 20);
         ASSERT_TRUE(contents.hasValue()) << name;
         EXPECT_EQ(fuzz::complaintAboutTrashInformation(contents.value().bytes), "") << name;
     }

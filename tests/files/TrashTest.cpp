@@ -95,7 +95,7 @@ TEST_F(Trash, WritesTheRealPlaceOfWhatIsReachedThroughLinks) {
 }
 
 TEST_F(Trash, NumbersNamesThatAreTaken) {
-    std::regex const second("note \\d\\d-\\d\\d-\\d\\d( \\d)?\\.txt");
+    std::regex const second(R"(note \d\d-\d\d-\d\d( \d)?\.txt)");
     for (int round = 0; round < 4; ++round) {
         TrashResult<TrashedItem> const result = moveToTrash(m_home.folder.makeFile("note.txt", std::to_string(round)));
         ASSERT_TRUE(result.hasValue());
@@ -146,7 +146,8 @@ TEST_F(Trash, TakesPathsOfAnyLength) {
         folder = FileDescriptor(::openat(folder.number(), component.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         path += "/" + component;
     }
-    FileDescriptor(::openat(folder.number(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    FileDescriptor const file(::openat(folder.number(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    ASSERT_TRUE(file.isOpen());
     path += "/file";
     TrashResult<TrashedItem> const result = moveToTrash(path);
     ASSERT_TRUE(result.hasValue()) << result.failure().reason;

@@ -1,0 +1,187 @@
+#include "platform/finder/FileBrowserProcess.h"
+#include "platform/finder/DetachedProcess.h"
+#include "platform/finder/FileBrowserService.h"
+#include "platform/foundation/LongPath.h"
+#include "platform/foundation/NSString.h"
+#include "platform/processes/DesktopApplication.h"
+#include "platform/processes/KeyFile.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+// How the browser was started when it was last asked to quit.
+struct RememberedStart {
+    std::string executable{};
+    std::vector<std::string> words{};
+    std::string folder{};
+};
+
+RememberedStart& rememberedStart() {
+    static RememberedStart start;
+    return start;
+}
+
+std::string processPath(std::int32_t pid, char const* name) { return "/proc/" + std::to_string(pid) + "/" + name; }
+
+// Texts that each end with a NUL.
+std::vector<std::string> textsIn(std::string const& path) {
+    std::vector<std::string> texts;
+    constexpr std::size_t largest = std::size_t{8} << 20;
+    FileDescriptor const file = openPath(path, O_RDONLY);
+    Result<FileContents> const contents = file.isOpen() ? readOpenFile(file, largest) : Failure{};
+    if (!contents.hasValue()) return texts;
+    std::string_view rest(reinterpret_cast<char const*>(contents.value().bytes.data()), contents.value().bytes.size());
+    while (!rest.empty()) {
+        std::size_t const end = std::min(rest.find('\0'), rest.size());
+        texts.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return texts;
+}
+
+// Of another session of the same user, at another display, it is somebody else's.
+bool isOfThisSession(std::int32_t pid) {
+    struct stat status {};
+    if (::stat(processPath(pid, "").c_str(), &status) != 0 || status.st_uid != ::geteuid()) return false;
+    char const* const own = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    constexpr std::string_view key = "DBUS_SESSION_BUS_ADDRESS=";
+    for (std::string const& variable : textsIn(processPath(pid, "environ"))) {
+        if (variable.starts_with(key)) return own && variable.substr(key.size()) == own;
+    }
+    return true;
+}
+
+std::optional<std::string> linkText(std::string const& path) {
+    std::array<char, PATH_MAX> text;
+    ssize_t const length = ::readlink(path.c_str(), text.data(), text.size());
+    if (length <= 0) return std::nullopt;
+    return std::string(text.data(), static_cast<std::size_t>(length));
+}
+
+// What the browser's entry or its kind has for it; nothing where there is neither.
+std::optional<std::vector<std::string>> quitCommandOf(FileBrowser const& browser) {
+    KeyFile const entry = KeyFile::readFile(browser.entryPath);
+    for (std::string const& action : entry.list("Desktop Entry", "Actions")) {
+        std::string name = action;
+        std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::tolower(letter); });
+        std::optional<std::string> const commandLine = entry.text("Desktop Action " + action, "Exec");
+        if (name == "quit" && commandLine) return wordsOfCommandLine(*commandLine);
+    }
+    std::string name = browser.executable.substr(browser.executable.rfind('/') + 1);
+    std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    for (char const* const kind : {"thunar", "nautilus", "nemo", "caja"}) {
+        if (name == kind) return std::vector<std::string>{browser.executable, "-q"};
+    }
+    return std::nullopt;
+}
+
+using Clock = std::chrono::steady_clock;
+
+// Whether all have ended by then.
+bool haveEnded(std::vector<FileDescriptor> const& processes, Clock::time_point end) {
+    for (FileDescriptor const& process : processes) {
+        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+        pollfd waited{process.number(), POLLIN, 0};
+        if (::poll(&waited, 1, static_cast<int>(std::max<decltype(left)>(left, 0))) != 1) return false;
+    }
+    return true;
+}
+
+std::vector<FileDescriptor> openProcesses(std::vector<ProcessIdentity> const& processes) {
+    std::vector<FileDescriptor> open;
+    for (ProcessIdentity const& process : processes) {
+        FileDescriptor descriptor(static_cast<int>(::syscall(SYS_pidfd_open, process.pid, 0)));
+        // The ID may have become another process's before that.
+        if (descriptor.isOpen() && runningProcess(process)) open.push_back(std::move(descriptor));
+    }
+    return open;
+}
+
+bool runQuitCommand(FileBrowser const& browser) {
+    std::optional<std::vector<std::string>> const command = quitCommandOf(browser);
+    std::optional<std::string> const program =
+        command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
+    return program && startDetached(*program, *command).pid > 0;
+}
+
+FinderOutcome startBrowser(FileBrowser const& browser) {
+    if (!hasDisplay()) return noDisplay();
+    RememberedStart const& start = rememberedStart();
+    bool const isRemembered = start.executable == browser.executable && !start.words.empty();
+    std::optional<DesktopApplication> const application = defaultApplicationFor({"inode/directory"});
+    if (!isRemembered && !application) return noFileBrowser();
+    std::vector<std::string> const words = isRemembered ? start.words : commandOf(*application, {});
+    DetachedProcess const process = startDetached(browser.executable, words, isRemembered ? start.folder : "");
+    if (process.pid == 0) return notStarted();
+    if (!serviceCommandOf(browser) || !isFileBrowserServiceOffered()) return {};
+    return waitForFileBrowserService(process.pid);
+}
+
+} // namespace
+
+std::vector<ProcessIdentity> fileBrowserProcesses() {
+    std::vector<ProcessIdentity> processes;
+    std::optional<FileBrowser> const browser = defaultFileBrowser();
+    if (!browser) return processes;
+    for (RunningProcess const& process : runningProcesses()) {
+        if (process.executable == browser->executable && isOfThisSession(process.identity.pid))
+            processes.push_back(process.identity);
+    }
+    return processes;
+}
+
+FinderOutcome activateFileBrowser() {
+    FinderOutcome outcome = launchFileBrowser();
+    if (!outcome.isDone()) return outcome;
+    std::optional<std::string> const home = NSHomeDirectory().fileSystemRepresentation();
+    return openFolders({home.value_or("/")});
+}
+
+bool rememberFileBrowserStart() {
+    std::optional<FileBrowser> const browser = defaultFileBrowser();
+    std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
+    if (!browser || processes.empty()) return false;
+    std::int32_t const pid = processes.front().pid;
+    RememberedStart start{browser->executable, textsIn(processPath(pid, "cmdline")),
+                          linkText(processPath(pid, "cwd")).value_or("")};
+    if (start.words.empty() || !runningProcess(processes.front())) return false;
+    rememberedStart() = std::move(start);
+    return true;
+}
+
+void forgetFileBrowserStart() { rememberedStart() = {}; }
+
+FinderOutcome quitFileBrowser() {
+    std::optional<FileBrowser> const browser = defaultFileBrowser();
+    if (!browser) return noFileBrowser();
+    std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
+    if (processes.empty()) return {};
+    rememberFileBrowserStart();
+    std::vector<FileDescriptor> const open = openProcesses(processes);
+    Clock::time_point const end = Clock::now() + finderPatience().quit;
+    // Half of the time for its own way.
+    if (runQuitCommand(*browser) && haveEnded(open, end - finderPatience().quit / 2)) return {};
+    for (ProcessIdentity const& process : processes)
+        askToEnd(process);
+    if (haveEnded(open, end)) return {};
+    return {FinderProblem::NoAnswer, "The file browser does not quit"};
+}
+
+FinderOutcome launchFileBrowser() {
+    std::optional<FileBrowser> const browser = defaultFileBrowser();
+    if (!browser) return noFileBrowser();
+    return fileBrowserProcesses().empty() ? startBrowser(*browser) : FinderOutcome();
+}
+
+} // namespace mac

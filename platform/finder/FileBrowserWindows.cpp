@@ -1,0 +1,86 @@
+#include "platform/finder/FileBrowserWindows.h"
+#include "platform/finder/ContentTypes.h"
+#include "platform/finder/DetachedProcess.h"
+#include "platform/finder/FileBrowserService.h"
+#include "platform/foundation/LongPath.h"
+#include "platform/processes/DesktopApplication.h"
+#include <fcntl.h>
+#include <set>
+
+namespace mac {
+
+namespace {
+
+std::optional<FinderOutcome> complaintAbout(std::vector<std::string> const& paths) {
+    if (paths.empty()) return FinderOutcome{FinderProblem::NotThere, "Nothing is to be shown"};
+    for (std::string const& path : paths) {
+        if (!path.starts_with('/') || !openPath(path, O_PATH | O_NOFOLLOW).isOpen())
+            return FinderOutcome{FinderProblem::NotThere, "There is nothing at the path"};
+    }
+    return std::nullopt;
+}
+
+std::string folderOf(std::string path) {
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back();
+    std::size_t const slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+FinderOutcome startWith(DesktopApplication const& application, std::vector<std::string> const& paths) {
+    if (!hasDisplay()) return noDisplay();
+    if (application.needsTerminal) return {FinderProblem::Refused, "The application for it runs in terminals only"};
+    bool const hasStarted = startDetached(application.executable, commandOf(application, paths)).pid > 0;
+    return hasStarted ? FinderOutcome() : notStarted();
+}
+
+// By a browser that is no service: a window for each folder.
+FinderOutcome startWithFolders(std::set<std::string> const& folders) {
+    std::optional<DesktopApplication> const browser = defaultApplicationFor({"inode/directory"});
+    if (!browser) return noFileBrowser();
+    for (std::string const& folder : folders) {
+        FinderOutcome outcome = startWith(*browser, {folder});
+        if (!outcome.isDone()) return outcome;
+    }
+    return {};
+}
+
+} // namespace
+
+FinderOutcome revealItems(std::vector<std::string> const& paths) {
+    if (std::optional<FinderOutcome> const complaint = complaintAbout(paths)) return *complaint;
+    FileBrowserReach const browser = reachFileBrowser();
+    if (browser.reach == Reach::ByBus) return callFileBrowserService("ShowItems", paths);
+    if (browser.reach == Reach::NotAtAll) return browser.outcome;
+    std::set<std::string> folders;
+    for (std::string const& path : paths)
+        folders.insert(folderOf(path));
+    return startWithFolders(folders);
+}
+
+FinderOutcome openFolders(std::vector<std::string> const& paths) {
+    if (std::optional<FinderOutcome> const complaint = complaintAbout(paths)) return *complaint;
+    FileBrowserReach const browser = reachFileBrowser();
+    if (browser.reach == Reach::ByBus) return callFileBrowserService("ShowFolders", paths);
+    if (browser.reach == Reach::NotAtAll) return browser.outcome;
+    return startWithFolders({paths.begin(), paths.end()});
+}
+
+FinderOutcome showInformation(std::vector<std::string> const& paths) {
+    if (std::optional<FinderOutcome> const complaint = complaintAbout(paths)) return *complaint;
+    FileBrowserReach const browser = reachFileBrowser();
+    if (browser.reach == Reach::ByBus) return callFileBrowserService("ShowItemProperties", paths);
+    if (browser.reach == Reach::NotAtAll) return browser.outcome;
+    return {FinderProblem::Refused, "The file browser shows no windows with information when it is asked to"};
+}
+
+FinderOutcome openItem(std::string const& path) {
+    std::optional<FileStatus> const status = path.starts_with('/') ? fileStatusAtPath(path) : std::nullopt;
+    if (!status) return {FinderProblem::NotThere, "There is nothing at the path"};
+    if (status->kind == FileStatus::Kind::Folder) return openFolders({path});
+    std::optional<DesktopApplication> const application = defaultApplicationFor(contentTypesOfFile(path));
+    if (!application) return {FinderProblem::NoApplication, "No application is known for the item"};
+    return startWith(*application, {path});
+}
+
+} // namespace mac

@@ -1,0 +1,84 @@
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QTimer>
+#include <csignal>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+// A file browser that writes down what it is asked for: fake_file_browser MODE LOG [ARGUMENT ...].
+//   serve     is the service     silent    is it and never replies    refuse    is it and replies that it cannot
+//   stubborn  is it and does not end when it is asked to              nameless  runs without being the service
+//   ends      ends at once       starts    starts one that serves, and ends
+//   open      is none, and ends  quit      tells the one that serves to end
+
+namespace {
+
+constexpr char Name[] = "org.freedesktop.FileManager1";
+constexpr char Path[] = "/org/freedesktop/FileManager1";
+
+class FakeFileBrowser : public QDBusVirtualObject {
+public:
+    FakeFileBrowser(std::string mode, std::string log) : m_mode(std::move(mode)), m_log(std::move(log)) {}
+
+    void write(std::string const& line) const {
+        int const file = ::open(m_log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+        std::string const bytes = line + "\n";
+        if (::write(file, bytes.data(), bytes.size()) < 0) std::abort();
+        ::close(file);
+    }
+
+    QString introspect(QString const&) const override { return {}; }
+
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        if (message.member() == QLatin1String("Quit")) {
+            QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+            return connection.send(message.createReply());
+        }
+        std::string line = message.member().toStdString();
+        for (QString const& uri : message.arguments().value(0).toStringList())
+            line += " " + uri.toStdString();
+        write(line);
+        if (m_mode == "silent") return true;
+        if (m_mode != "refuse") return connection.send(message.createReply());
+        return connection.send(message.createErrorReply("org.example.Error", "It has no hands"));
+    }
+
+private:
+    std::string m_mode;
+    std::string m_log;
+};
+
+} // namespace
+
+int main(int count, char** arguments) {
+    QCoreApplication const application(count, arguments);
+    if (count < 3) return 2;
+    std::string const mode = arguments[1];
+    FakeFileBrowser browser(mode, arguments[2]);
+    std::string line = "started " + mode;
+    for (int index = 3; index < count; ++index)
+        line.append(" ").append(arguments[index]);
+    browser.write(line);
+    if (mode == "ends" || mode == "open") return 0;
+    if (mode == "stubborn") ::signal(SIGTERM, SIG_IGN);
+    if (mode == "starts" && ::fork() != 0) return 0;
+    if (mode == "starts") ::execl(arguments[0], arguments[0], "serve", arguments[2], nullptr);
+    QDBusConnection connection = QDBusConnection::sessionBus();
+    if (mode == "quit") {
+        connection.call(QDBusMessage::createMethodCall(Name, Path, Name, "Quit"));
+        return 0;
+    }
+    connection.registerVirtualObject(Path, &browser);
+    if (mode != "nameless" && !connection.registerService(Name)) return 1;
+    // The test's bus ends with the test.
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&connection] {
+        if (!connection.isConnected()) QCoreApplication::quit();
+    });
+    timer.start(100);
+    return QCoreApplication::exec();
+}

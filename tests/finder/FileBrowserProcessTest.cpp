@@ -1,0 +1,114 @@
+#include "platform/finder/FileBrowserProcess.h"
+#include "tests/finder/Desktop.h"
+#include <csignal>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class FileBrowserProcess : public testing::Test {
+protected:
+    void TearDown() override {
+        // What does not end by itself; the processes are the test's own, at its own bus.
+        for (ProcessIdentity const& process : fileBrowserProcesses())
+            ::kill(process.pid, SIGKILL);
+        forgetFileBrowserStart();
+    }
+
+    void install(std::string const& mode, std::string const& rest = "") const {
+        m_desktop.install(m_desktop.fake(mode) + " by entry", rest);
+        m_desktop.installService(m_desktop.fake(mode));
+    }
+    static bool isGone() {
+        return waitUntil([] { return fileBrowserProcesses().empty(); });
+    }
+
+    Desktop const m_desktop{};
+};
+
+TEST_F(FileBrowserProcess, IsStartedByItsEntryAndWaitedFor) {
+    install("serve");
+    EXPECT_TRUE(fileBrowserProcesses().empty());
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_EQ(isFileBrowserServiceOffered(), true);
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_EQ(m_desktop.lines(), Lines{"started serve by entry"});
+}
+
+TEST_F(FileBrowserProcess, QuitsByItsOwnCommand) {
+    install("serve", "Actions=Open;Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    FinderOutcome const outcome = quitFileBrowser();
+    EXPECT_TRUE(outcome.isDone()) << outcome.reason;
+    EXPECT_EQ(m_desktop.lines(), (Lines{"started serve by entry", "started quit"}));
+    // The command may take a moment longer than what it ended.
+    EXPECT_TRUE(isGone());
+}
+
+TEST_F(FileBrowserProcess, IsAskedAsAnyProcessWhereItHasNoCommand) {
+    install("serve");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_TRUE(fileBrowserProcesses().empty());
+}
+
+TEST_F(FileBrowserProcess, HasQuitWhereItDoesNotRun) {
+    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoApplication);
+    install("serve");
+    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_TRUE(m_desktop.lines().empty());
+}
+
+TEST_F(FileBrowserProcess, IsNotForcedToQuit) {
+    install("stubborn");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    Impatience const impatience;
+    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoAnswer);
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+}
+
+TEST_F(FileBrowserProcess, IsStartedAgainAsItWasStarted) {
+    install("serve");
+    ChildProcess browser({fakeFileBrowser(), "serve", m_desktop.log(), "as it was", ""});
+    ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
+    EXPECT_TRUE(rememberFileBrowserStart());
+    browser.sendSignal(SIGTERM);
+    browser.wait();
+    ASSERT_TRUE(isGone());
+    EXPECT_FALSE(rememberFileBrowserStart());
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_EQ(m_desktop.lines(), (Lines{"started serve as it was ", "started serve as it was "}));
+}
+
+TEST_F(FileBrowserProcess, OfAnotherSessionIsNotItsOwn) {
+    install("serve");
+    PrivateBus const other;
+    EnvironmentVariable address("DBUS_SESSION_BUS_ADDRESS", other.address());
+    ChildProcess const browser({fakeFileBrowser(), "serve", m_desktop.log()});
+    ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+    EnvironmentVariable const third("DBUS_SESSION_BUS_ADDRESS", "unix:path=/elsewhere");
+    EXPECT_TRUE(fileBrowserProcesses().empty());
+}
+
+TEST_F(FileBrowserProcess, ShowsTheHomeFolderWhenItIsActivated) {
+    install("serve");
+    EXPECT_TRUE(activateFileBrowser().isDone());
+    EXPECT_EQ(m_desktop.lines(),
+              (Lines{"started serve by entry", "ShowFolders file://" + m_desktop.folder.path("home")}));
+}
+
+TEST_F(FileBrowserProcess, IsNotStartedWithoutADisplay) {
+    install("serve");
+    EnvironmentVariable const none("DISPLAY", "");
+    EXPECT_EQ(launchFileBrowser().problem, FinderProblem::NoDisplay);
+    EXPECT_EQ(activateFileBrowser().problem, FinderProblem::NoDisplay);
+    EXPECT_TRUE(m_desktop.lines().empty());
+}
+
+} // namespace
+} // namespace mac::test
