@@ -19,6 +19,8 @@
 #include "platform/foundation/NSScanner.h"
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/NSSortDescriptor.h"
+#include "platform/foundation/NSTask.h"
+#include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/foundation/NSURL.h"
 #include "platform/foundation/NSValueTransformer.h"
@@ -39,7 +41,7 @@ void registerFoundationClasses() {
                 NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray, NSMutableCharacterSet,
                 NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification,
                 NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate,
-                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTimer, NSURL,
+                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL,
                 NSValueTransformer>();
 }
 

@@ -89,6 +89,8 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
                               "NSSet",
                               "NSSortDescriptor",
                               "NSString",
+                              "NSTask",
+                              "NSThread",
                               "NSTimer",
                               "NSURL",
                               "NSValueTransformer"};
