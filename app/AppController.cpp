@@ -48,6 +48,8 @@ ClassDescription AppController::describeClass() {
                 method<&Self::queryDidUpdate_>("queryDidUpdate:"),
                 method<&Self::scanAction_>("scanAction:"),
                 method<&Self::stopAction_>("stopAction:"),
+                method<&Self::isRunningWithQuitting_>("isRunningWithQuitting:"),
+                method<&Self::quitAction_>("quitAction:"),
             },
         .properties =
             {

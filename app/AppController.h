@@ -93,6 +93,13 @@ public:
     // Stops the query; what was found stays.
     void stopAction_(id const& sender) const;
 
+    // Whether a copy runs; with YES every one of them is then sent a quit event, which is logged. It is not waited for
+    // that they go.
+    bool isRunningWithQuitting_(BOOL quit) const;
+    // Quits the copy of the one selected record and reads the running copies anew; a beep and a line in the log when it
+    // refuses or does not run. Blocks while the copy quits, for about four seconds at most.
+    void quitAction_(id const& sender) const;
+
 private:
     // Starts the query; a refusal is a beep and a line in the log.
     void startQuery() const;

@@ -1,8 +1,88 @@
 #include "app/AppController.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Log.h"
+#include "scripting/ProcessesAndFinder.h"
+#include <bit>
+#include <functional>
 
 namespace framekeeper {
 
-// No source of running copies is connected yet, so none is known.
-void AppController::syncIsRunningPaths() const { setIsRunningPaths_(NSSet::set()); }
+namespace {
+
+void forEachRunningCopy(std::function<void(ProcessSerialNumber const&, NSDictionary const&)> const& function) {
+    ProcessSerialNumber psn{0, kNoProcess};
+    while (GetNextProcess(&psn) == noErr) {
+        NSDictionary const information =
+            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
+        if (information.objectForKey_(kCFBundleIdentifierKey).isEqual_(CompanionIdentifier)) function(psn, information);
+    }
+}
+
+// Does not wait for the process to go.
+bool sendQuitEvent(ProcessSerialNumber const& psn) {
+    NSAppleEventDescriptor const target = NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
+        typeProcessSerialNumber, &psn, sizeof psn);
+    NSAppleEventDescriptor const event =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            kCoreEventClass, kAEQuitApplication, target, kAutoGenerateReturnID, kAnyTransactionID);
+    AEDesc reply{.descriptorType = typeNull};
+    OSStatus const status = AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
+    AEDisposeDesc(&reply);
+    return status == noErr;
+}
+
+void quitCopy(NSNumber const& number) {
+    auto const psn = std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
+    std::int32_t pid = 0;
+    if (GetProcessPID(&psn, &pid) != noErr) {
+        NSBeep();
+        NSLog("Quitting Mirror Frame (psn=%@) %@", number, "failed");
+        return;
+    }
+    bool const isSent = sendQuitEvent(psn);
+    if (!isSent) NSBeep();
+    NSLog("Quitting Mirror Frame (pid=%d) %@", pid, isSent ? NSString("succeeded") : NSString("failed"));
+}
+
+} // namespace
+
+void AppController::syncIsRunningPaths() const {
+    if (*this == nil) return;
+    NSMutableSet const entries = NSMutableSet::set();
+    forEachRunningCopy([&](ProcessSerialNumber const& psn, NSDictionary const& information) {
+        id const path = information.objectForKey_(kIOBundlePathKey);
+        if (path == nil) return;
+        entries.addObject_(
+            NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", KRAProcessSerialNumber_(psn), "psn"}));
+    });
+    setIsRunningPaths_(entries);
+}
+
+bool AppController::isRunningWithQuitting_(BOOL quit) const {
+    if (*this == nil) return false;
+    NSMutableArray const numbers = NSMutableArray::array();
+    forEachRunningCopy([&](ProcessSerialNumber const&, NSDictionary const& information) {
+        id const number = information.objectForKey_("PSN");
+        if (number != nil) numbers.addObject_(number);
+    });
+    for (NSUInteger index = 0; quit && index < numbers.count(); ++index)
+        quitCopy(as<NSNumber>(numbers.objectAtIndex_(index)));
+    return numbers.count() > 0;
+}
+
+void AppController::quitAction_(id const&) const {
+    NSArray const selected = pathsArrayController().selectedObjects();
+    if (selected.count() != 1) return;
+    NSNumber const psn = as<NSNumber>(selected.objectAtIndex_(0).valueForKey_("psn"));
+    if (!KRAProcessSerialNumberQuit(psn)) {
+        NSBeep();
+        NSLog("Could not quit process.");
+        return;
+    }
+    syncIsRunningPaths();
+    reSync();
+}
 
 } // namespace framekeeper

@@ -3,6 +3,7 @@
 #include "platform/processes/Processes.h"
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // The processes by ID and start, for implementations. Any thread.
@@ -16,10 +17,6 @@ struct ProcessIdentity {
     std::int32_t pid{0};
 
     bool operator==(ProcessIdentity const&) const = default;
-    // In the order of the start; of two in one tick of the clock, by their IDs.
-    bool isBefore(ProcessIdentity const& other) const {
-        return startTime != other.startTime ? startTime < other.startTime : pid < other.pid;
-    }
 };
 
 struct RunningProcess {
@@ -28,13 +25,21 @@ struct RunningProcess {
     std::string executable;
 };
 
-// Every process whose program this user may see, in the order of their start. One that ends meanwhile may be missing.
-std::vector<RunningProcess> runningProcesses();
+// The IDs of all processes, in their order; who may not be looked at is among them.
+std::vector<std::int32_t> processIDs();
 
-// Nothing for an ID that no process has, and for one that has ended and is only waited for.
+// Nothing for an ID that no process has, for one that has ended and is only waited for, and for one whose program this
+// user may not see.
 std::optional<RunningProcess> runningProcess(std::int32_t pid);
 // The same of this very process.
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
+
+// The file in a bundle that the process runs: its program, or, where that is an interpreter, the script. Links are
+// resolved. Nothing for a process that runs from no bundle, or has ended.
+std::optional<std::string> programInBundle(RunningProcess const& process);
+
+// The innermost bundle in whose Contents the path lies; empty for none.
+std::string_view bundleHolding(std::string_view path);
 
 // Nothing for numbers that name none, {0, kNoProcess} among them. Whether the process runs is not asked.
 std::optional<ProcessIdentity> identityOf(ProcessSerialNumber const& psn);

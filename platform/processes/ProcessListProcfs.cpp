@@ -7,9 +7,12 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <mutex>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <unordered_map>
 
 namespace mac {
 
@@ -26,31 +29,49 @@ constexpr std::size_t NameOffset = 19;
 
 constexpr std::string_view DeletedMark = " (deleted)";
 
-FileDescriptor openFolder(int at, char const* name) {
-    return FileDescriptor(::openat(at, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-}
-
 std::optional<std::int32_t> processID(std::string_view name) {
     std::int32_t pid = 0;
     auto const [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
     return error == std::errc() && end == name.data() + name.size() && pid > 0 ? std::optional(pid) : std::nullopt;
 }
 
-std::vector<std::int32_t> processIDs(int processes) {
-    std::vector<std::int32_t> ids;
-    alignas(EntryHead) std::array<char, 65536> buffer{};
-    for (;;) {
-        long const size = ::syscall(SYS_getdents64, processes, buffer.data(), buffer.size());
-        if (size <= 0) return ids;
-        for (long offset = 0; offset < size;) {
-            EntryHead head{};
-            std::memcpy(&head, buffer.data() + offset, NameOffset);
-            if (std::optional<std::int32_t> const pid = processID(buffer.data() + offset + NameOffset))
-                ids.push_back(*pid);
-            offset += head.length;
-        }
+// What a process's folder was made with in memory. A process that gets the ID of another gets a new one; so does the
+// same process when the system needed the memory meanwhile.
+struct FolderIdentity {
+    std::uint64_t inode{0};
+    std::int64_t seconds{0};
+    std::int64_t nanoseconds{0};
+
+    bool operator==(FolderIdentity const&) const = default;
+};
+
+// When the processes that were looked at before have started. The system counts a process's whole work together to tell
+// its start, which takes longer than all the rest.
+class KnownStarts {
+public:
+    static KnownStarts& shared() {
+        static KnownStarts starts;
+        return starts;
     }
-}
+
+    std::optional<std::uint64_t> find(std::int32_t pid, FolderIdentity const& folder) {
+        std::lock_guard const guard(m_lock);
+        auto const found = m_starts.find(pid);
+        if (found == m_starts.end() || found->second.first != folder) return std::nullopt;
+        return found->second.second;
+    }
+
+    void add(std::int32_t pid, FolderIdentity const& folder, std::uint64_t start) {
+        constexpr std::size_t mostKept = 65536;
+        std::lock_guard const guard(m_lock);
+        if (m_starts.size() >= mostKept) m_starts.clear();
+        m_starts[pid] = {folder, start};
+    }
+
+private:
+    std::mutex m_lock;
+    std::unordered_map<std::int32_t, std::pair<FolderIdentity, std::uint64_t>> m_starts;
+};
 
 // The fields behind the name, which may hold anything, also parentheses: state, then numbers. The start is the
 // twentieth of them.
@@ -70,13 +91,23 @@ std::optional<std::uint64_t> startTimeIn(std::string_view status) {
     return error == std::errc() ? std::optional(start) : std::nullopt;
 }
 
-std::optional<std::uint64_t> startTime(int process) {
+std::optional<std::uint64_t> readStartTime(int process) {
     FileDescriptor const file(::openat(process, "stat", O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) return std::nullopt;
     std::array<char, 1024> buffer{};
     ssize_t const size = ::read(file.number(), buffer.data(), buffer.size());
     if (size <= 0) return std::nullopt;
     return startTimeIn({buffer.data(), static_cast<std::size_t>(size)});
+}
+
+std::optional<std::uint64_t> startTime(int process, std::int32_t pid) {
+    struct ::stat status {};
+    if (::fstat(process, &status) != 0) return std::nullopt;
+    FolderIdentity const folder{status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
+    if (std::optional<std::uint64_t> const known = KnownStarts::shared().find(pid, folder)) return known;
+    std::optional<std::uint64_t> const start = readStartTime(process);
+    if (start) KnownStarts::shared().add(pid, folder, *start);
+    return start;
 }
 
 std::optional<std::string> executable(int process) {
@@ -91,14 +122,10 @@ std::optional<std::string> executable(int process) {
 }
 
 // The folder stays that of the one process: once that has ended everything in it fails, whoever gets the ID.
-std::optional<RunningProcess> readProcess(int processes, std::int32_t pid) {
-    FileDescriptor const folder(::openat(processes, std::to_string(pid).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen()) return std::nullopt;
-    std::optional<std::string> path = executable(folder.number());
-    if (!path) return std::nullopt;
-    std::optional<std::uint64_t> const start = startTime(folder.number());
-    if (!start) return std::nullopt;
-    return RunningProcess{{*start, pid}, std::move(*path)};
+FileDescriptor openProcess(std::int32_t pid) {
+    std::array<char, 32> path{"/proc/"};
+    std::to_chars(path.data() + std::strlen(path.data()), path.data() + path.size() - 1, pid);
+    return FileDescriptor(::openat(AT_FDCWD, path.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
 constexpr int ProcessIDBits = 22;
@@ -106,21 +133,36 @@ constexpr std::uint64_t ProcessIDMask = (std::uint64_t{1} << ProcessIDBits) - 1;
 
 } // namespace
 
-std::vector<RunningProcess> runningProcesses() {
-    std::vector<RunningProcess> found;
-    FileDescriptor const processes = openFolder(AT_FDCWD, "/proc");
-    if (!processes.isOpen()) return found;
-    for (std::int32_t const pid : processIDs(processes.number())) {
-        if (std::optional<RunningProcess> process = readProcess(processes.number(), pid))
-            found.push_back(std::move(*process));
+std::vector<std::int32_t> processIDs() {
+    std::vector<std::int32_t> ids;
+    FileDescriptor const processes(::openat(AT_FDCWD, "/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!processes.isOpen()) return ids;
+    alignas(EntryHead) std::array<char, 65536> buffer{};
+    for (;;) {
+        long const size = ::syscall(SYS_getdents64, processes.number(), buffer.data(), buffer.size());
+        if (size <= 0) break;
+        for (long offset = 0; offset < size;) {
+            EntryHead head{};
+            std::memcpy(&head, buffer.data() + offset, NameOffset);
+            if (std::optional<std::int32_t> const pid = processID(buffer.data() + offset + NameOffset))
+                ids.push_back(*pid);
+            offset += head.length;
+        }
     }
-    std::ranges::sort(found, &ProcessIdentity::isBefore, &RunningProcess::identity);
-    return found;
+    std::ranges::sort(ids);
+    return ids;
 }
 
 std::optional<RunningProcess> runningProcess(std::int32_t pid) {
-    FileDescriptor const processes = openFolder(AT_FDCWD, "/proc");
-    return processes.isOpen() && pid > 0 ? readProcess(processes.number(), pid) : std::nullopt;
+    if (pid <= 0) return std::nullopt;
+    FileDescriptor const folder = openProcess(pid);
+    if (!folder.isOpen()) return std::nullopt;
+    // One that has ended has no program any more, though it has a start until it was waited for.
+    std::optional<std::string> path = executable(folder.number());
+    if (!path) return std::nullopt;
+    std::optional<std::uint64_t> const start = startTime(folder.number(), pid);
+    if (!start) return std::nullopt;
+    return RunningProcess{{*start, pid}, std::move(*path)};
 }
 
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {

@@ -2,10 +2,13 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/processes/FileBrowser.h"
+#include "platform/processes/FrontProcess.h"
 #include "platform/processes/ProcessList.h"
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <unistd.h>
+#include <utility>
 
 namespace mac {
 
@@ -13,15 +16,17 @@ namespace {
 
 // The walk that is under way: the processes as they were at its beginning, and who the file browser was.
 struct Walk {
-    std::vector<ProcessIdentity> processes;
+    std::vector<std::int32_t> processes;
     std::optional<FileBrowser> fileBrowser;
+    // The process that the walk has come to, and when.
+    std::optional<RunningProcess> current;
+    std::chrono::steady_clock::time_point readAt;
     bool hasBegun{false};
 
     void begin() {
-        processes.clear();
-        for (RunningProcess const& process : runningProcesses())
-            processes.push_back(process.identity);
+        processes = processIDs();
         fileBrowser = defaultFileBrowser();
+        current.reset();
         hasBegun = true;
     }
 };
@@ -37,16 +42,17 @@ std::optional<FileBrowser> const& knownFileBrowser() {
     return walk.fileBrowser;
 }
 
-NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
-
-// The innermost bundle that the path lies in the Contents of; empty for none.
-std::string_view bundleHolding(std::string_view path) {
-    constexpr std::string_view mark = ".app/Contents/";
-    std::size_t const place = path.rfind(mark);
-    // A bundle has a name before its extension.
-    if (place == std::string_view::npos || place == 0 || path[place - 1] == '/') return {};
-    return path.substr(0, place + std::string_view(".app").size());
+// What the walk read of the process a moment ago, else what it is now: whoever walks mostly asks for more of each
+// process right away.
+std::optional<RunningProcess> readOnce(ProcessIdentity const& identity) {
+    constexpr std::chrono::milliseconds moment(1);
+    Walk& walk = currentWalk();
+    std::optional<RunningProcess> const read = std::exchange(walk.current, std::nullopt);
+    bool const isNew = read && read->identity == identity && std::chrono::steady_clock::now() - walk.readAt < moment;
+    return isNew ? read : runningProcess(identity);
 }
+
+NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 void addText(NSMutableDictionary const& information, NSString const& key, id const& value) {
     NSString const text = as<NSString>(value);
@@ -76,12 +82,26 @@ OSErr GetNextProcess(ProcessSerialNumber* psn) {
     if (isStart || !walk.hasBegun) walk.begin();
     std::optional<ProcessIdentity> const last = isStart ? ProcessIdentity{} : identityOf(*psn);
     if (!last) return procNotFound;
-    auto const rest = std::ranges::upper_bound(walk.processes, *last, &ProcessIdentity::isBefore);
-    auto const next = std::find_if(rest, walk.processes.end(),
-                                   [](ProcessIdentity const& process) { return runningProcess(process).has_value(); });
-    if (next == walk.processes.end()) return procNotFound;
-    *psn = serialNumberOf(*next);
+    auto next = std::ranges::upper_bound(walk.processes, last->pid);
+    for (walk.current.reset(); next != walk.processes.end() && !walk.current; ++next)
+        walk.current = runningProcess(*next);
+    if (!walk.current) return procNotFound;
+    walk.readAt = std::chrono::steady_clock::now();
+    *psn = serialNumberOf(walk.current->identity);
     return noErr;
+}
+
+OSErr GetFrontProcess(ProcessSerialNumber* psn) {
+    if (!psn) return paramErr;
+    std::optional<std::int32_t> const pid = frontProcessID();
+    return pid ? static_cast<OSErr>(GetProcessForPID(*pid, psn)) : procNotFound;
+}
+
+OSErr SetFrontProcess(ProcessSerialNumber const* psn) {
+    std::int32_t pid = 0;
+    OSStatus const status = GetProcessPID(psn, &pid);
+    if (status != noErr) return static_cast<OSErr>(status);
+    return bringToFront(pid) ? noErr : appIsDaemon;
 }
 
 OSErr GetCurrentProcess(ProcessSerialNumber* psn) { return static_cast<OSErr>(GetProcessForPID(::getpid(), psn)); }
@@ -113,15 +133,16 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t) {
     std::optional<ProcessIdentity> const identity = psn ? identityOf(*psn) : std::nullopt;
-    std::optional<RunningProcess> const process = identity ? runningProcess(*identity) : std::nullopt;
+    std::optional<RunningProcess> const process = identity ? readOnce(*identity) : std::nullopt;
     if (!process) return nil;
-    NSString const executable = pathString(process->executable);
+    std::optional<std::string> const program = programInBundle(*process);
+    NSString const executable = pathString(program.value_or(process->executable));
     NSMutableDictionary const information = NSMutableDictionary::dictionary();
     information.setObject_forKey_(boxed(serialNumberOf(*identity)), "PSN");
     information.setObject_forKey_(NSNumber::numberWithInt_(identity->pid), "pid");
     information.setObject_forKey_(executable, kCFBundleExecutableKey);
     information.setObject_forKey_(executable.lastPathComponent(), kCFBundleNameKey);
-    addBundle(information, bundleHolding(process->executable));
+    if (program) addBundle(information, bundleHolding(*program));
     std::optional<FileBrowser> const& browser = knownFileBrowser();
     if (browser && browser->executable == process->executable) {
         information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);

@@ -3,13 +3,15 @@
 #include "platform/foundation/MacErrors.h"
 #include "platform/foundation/NSDictionary.h"
 
-// The running processes, in the order of their start. Linux: those whose executable this user may see, as /proc tells.
+// The running processes, in the order of their IDs. Linux: those whose executable this user may see, as /proc tells.
 // Main thread, but for what says otherwise. A null pointer is a paramErr; a serial number that names no running process
 // a procNotFound.
 
 namespace mac {
 
 inline constexpr OSErr procNotFound = -600;
+// The process has no windows that could come to the front.
+inline constexpr OSErr appIsDaemon = -606;
 
 // Names a process for as long as it runs, bound to its process ID and the moment of its start: never answered for
 // another process that gets the same ID.
@@ -33,9 +35,18 @@ inline constexpr char kCFBundleIdentifierKey[] = "CFBundleIdentifier";
 inline constexpr char kCFBundleNameKey[] = "CFBundleName";
 inline constexpr char kCFBundleExecutableKey[] = "CFBundleExecutable";
 
-// Advances the number to the process that started next and still runs. The walk is over the processes that ran when it
+// Advances the number to the process with the next ID that still runs. The walk is over the processes that ran when it
 // began at {0, kNoProcess}.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
+
+// The process whose window has the user's input. Linux: the window manager of an X11 display tells; procNotFound where
+// there is none, where the window belongs to a process on another computer, and for the windows of a Wayland session,
+// which tells no program about another one.
+OSErr GetFrontProcess(ProcessSerialNumber* psn);
+
+// Asks for the topmost window of the process to come to the front and does not wait until it has. Linux: the same
+// displays; the window manager may refuse unseen. appIsDaemon for a process without such windows.
+OSErr SetFrontProcess(ProcessSerialNumber const* psn);
 
 // The number under which the others know the calling process. Any thread.
 OSErr GetCurrentProcess(ProcessSerialNumber* psn);
@@ -48,9 +59,11 @@ OSStatus GetProcessForPID(std::int32_t pid, ProcessSerialNumber* psn);
 OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* second, bool* result);
 
 // What is known of the process: "PSN" (the eight bytes of its number as one integer), "pid", "CFBundleExecutable" (the
-// path of the program) and "CFBundleName"; when it runs from a bundle, also "BundlePath", and "CFBundleIdentifier",
-// "FileType" and "FileCreator" as its information file has them. Nil when no such process runs. Linux: the desktop's
-// file browser, that is the default application for folders, is "com.apple.finder".
+// path of the program; of a script in a bundle that a common interpreter runs, the script's) and "CFBundleName"; when
+// it runs from a bundle, also "BundlePath", and "CFBundleIdentifier", "FileType" and "FileCreator" as its information
+// file has them. A program that was renamed while it runs, or a folder above it, is known by its new path, one that was
+// replaced or deleted by its last. Nil when no such process runs. Linux: the desktop's file browser, that is the
+// default application for folders, is "com.apple.finder".
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 
 } // namespace mac

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <csignal>
+#include <cstdio>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -33,6 +34,12 @@ std::string copyOfCat(TemporaryFolder const& folder, std::string const& relative
 std::string copyInBundle(TemporaryFolder const& folder, std::string const& name, std::string const& identifier) {
     folder.makeBundle(name, informationFile(identifier, "1.0", "1"));
     return copyOfCat(folder, name + "/Contents/Linux/cat");
+}
+
+std::string makeScript(TemporaryFolder const& folder, std::string const& relative, std::string const& script) {
+    std::string path = folder.makeFile(relative, script);
+    EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
+    return path;
 }
 
 ProcessSerialNumber numberOf(ChildProcess const& child) {
@@ -109,22 +116,20 @@ TEST(Processes, KeepABundlePathThatIsNoText) {
     EXPECT_EQ(path.fileSystemRepresentation(), folder.path("caf\xE9.app"));
 }
 
-TEST(Processes, AreListedInTheOrderOfTheirStart) {
+TEST(Processes, AreListedInTheOrderOfTheirIDs) {
     ChildProcess const first({"/bin/cat"});
     ChildProcess const second({"/bin/cat"});
     std::vector<ProcessSerialNumber> const list = everyProcess();
-    ASSERT_LT(placeOf(first, list), list.size());
-    ASSERT_LT(placeOf(second, list), list.size());
-    // Two that start within one tick of the clock are told apart by their IDs, which may have begun anew.
-    std::vector<ProcessIdentity> identities;
-    identities.reserve(list.size());
+    EXPECT_LT(placeOf(first, list), list.size());
+    EXPECT_LT(placeOf(second, list), list.size());
+    std::vector<std::int32_t> ids;
+    ids.reserve(list.size());
     for (ProcessSerialNumber const& psn : list)
-        identities.push_back(identityOf(psn).value());
-    EXPECT_TRUE(std::ranges::is_sorted(identities, &ProcessIdentity::isBefore));
+        ids.push_back(identityOf(psn).value().pid);
+    EXPECT_TRUE(std::ranges::is_sorted(ids));
     ProcessSerialNumber self;
     ASSERT_EQ(GetCurrentProcess(&self), noErr);
-    auto const own = static_cast<std::size_t>(std::ranges::find(list, self) - list.begin());
-    EXPECT_LT(own, std::max(placeOf(first, list), placeOf(second, list)));
+    EXPECT_NE(std::ranges::find(list, self), list.end());
 }
 
 TEST(Processes, AreSkippedWhenTheyVanishDuringAWalk) {
@@ -135,6 +140,19 @@ TEST(Processes, AreSkippedWhenTheyVanishDuringAWalk) {
     child.reset();
     while (GetNextProcess(&walk) == noErr)
         EXPECT_NE(walk, psn);
+}
+
+TEST(Processes, AreGoneAMomentAfterTheWalkCameToThem) {
+    ChildProcess child({"/bin/cat"});
+    ProcessSerialNumber const psn = numberOf(child);
+    ProcessSerialNumber walk{0, kNoProcess};
+    while (walk != psn)
+        ASSERT_EQ(GetNextProcess(&walk), noErr);
+    child.sendSignal(SIGKILL);
+    child.wait();
+    // What the walk itself has read may be answered once, as if it had been asked for in that moment.
+    informationOf(psn);
+    EXPECT_TRUE(informationOf(psn) == nil);
 }
 
 TEST(Processes, AreGoneOnceTheyHaveEndedThoughNobodyWaitedForThem) {
@@ -240,10 +258,66 @@ TEST(Processes, KeepTheNameOfAProgramThatWasDeleted) {
     EXPECT_EQ(text(informationOf(numberOf(marked)), kCFBundleNameKey), "cat (deleted)");
 }
 
+TEST(Processes, AreKnownByTheNewPathOfAProgramThatWasRenamed) {
+    TemporaryFolder const folder;
+    std::string const path = copyInBundle(folder, "A.app", "a");
+    ChildProcess const child({path});
+    ASSERT_EQ(::rename(path.c_str(), folder.path("A.app/Contents/Linux/other").c_str()), 0);
+    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleNameKey), "other");
+    ASSERT_EQ(::rename(folder.path("A.app").c_str(), folder.path("B.app").c_str()), 0);
+    EXPECT_EQ(text(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("B.app"));
+    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleIdentifierKey), "a");
+}
+
+TEST(Processes, KeepTheNameOfAProgramThatWasReplaced) {
+    TemporaryFolder const folder;
+    std::string const path = copyInBundle(folder, "A.app", "a");
+    ChildProcess const child({path});
+    ASSERT_EQ(::rename(copyOfCat(folder, "new").c_str(), path.c_str()), 0);
+    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleExecutableKey), path);
+    EXPECT_EQ(text(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("A.app"));
+}
+
 TEST(Processes, AreAskedToEnd) {
     ChildProcess child({"/bin/cat"});
     EXPECT_TRUE(askToEnd(identityOf(numberOf(child)).value()));
     EXPECT_EQ(child.wait(), -SIGTERM);
+}
+
+TEST(Processes, RunFromTheBundleOfTheirScript) {
+    TemporaryFolder const folder;
+    folder.makeBundle("A.app", informationFile("a", "1.0", "1"));
+    std::string const script = makeScript(folder, "A.app/Contents/Linux/A", "#!/bin/sh\necho ready\nread line\n");
+    std::string const inside = makeScript(folder, "A.app/Contents/Resources/main", "echo ready\nread line\n");
+    std::vector<std::vector<std::string>> const commands{
+        {script}, {"/bin/sh", inside}, {"/bin/sh", "-u", inside}, {folder.path("./A.app//Contents/Linux/A"), "-c"}};
+    for (std::vector<std::string> const& command : commands) {
+        ChildProcess const child(command);
+        ASSERT_EQ(child.readLine(), "ready");
+        NSDictionary const information = informationOf(numberOf(child));
+        EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app")) << command.back();
+        EXPECT_EQ(text(information, kCFBundleIdentifierKey), "a") << command.back();
+        EXPECT_EQ(text(information, kCFBundleExecutableKey), command.front() == "/bin/sh" ? inside : script);
+    }
+}
+
+TEST(Processes, RunFromNoBundleThatTheirArgumentsOnlyMention) {
+    TemporaryFolder const folder;
+    folder.makeBundle("A.app", informationFile("a", "1.0", "1"));
+    std::string const script = makeScript(folder, "A.app/Contents/Linux/A", "#!/bin/sh\necho ready\nread line\n");
+    std::string const outside = makeScript(folder, "outside", "#!/bin/sh\necho ready\nread line\n");
+    std::vector<std::vector<std::string>> const commands{
+        {outside, script}, {"/bin/sh", "-c", "echo ready; read line; :", script}, {"/bin/sh", "-s", script}};
+    for (std::vector<std::string> const& command : commands) {
+        ChildProcess const child(command);
+        if (command[1] == "-s") child.writeLine("echo ready; read line");
+        ASSERT_EQ(child.readLine(), "ready");
+        EXPECT_TRUE(informationOf(numberOf(child)).objectForKey_(kIOBundlePathKey) == nil) << command[1];
+    }
+    // A pager, say, which shows the script.
+    ChildProcess const reader({"/usr/bin/tail", "-f", script});
+    EXPECT_EQ(reader.readLine(), "#!/bin/sh");
+    EXPECT_TRUE(informationOf(numberOf(reader)).objectForKey_(kIOBundlePathKey) == nil);
 }
 
 TEST(Processes, HaveTheFileBrowserAmongThemInTheFindersRole) {

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSTask.h"
+#include "platform/processes/Processes.h"
+
+// Running processes as plain numbers, how they are asked to quit, and showing items in the Finder: the desktop's file
+// browser. Main thread. Nothing is raised and nothing is logged: what fails answers nil or NO, and so does a nil
+// receiver.
+
+namespace mac {
+
+// The serial number as one number: its eight bytes in memory order, so that the low 32 bits are highLongOfPSN. Good
+// while the process runs, and in this program only.
+NSNumber KRAProcessSerialNumber_(ProcessSerialNumber psn);
+
+// The process whose window is in front; nil where that cannot be told (see GetFrontProcess).
+NSNumber KRAProcessSerialNumberGetFront();
+NSNumber KRAProcessSerialNumberGetCurrent();
+// The first Finder in the order of the process list; nil when none runs.
+NSNumber KRAProcessSerialNumberGetFinder();
+
+// Brings the process that the receiver names to the front; NO where that cannot be done (see SetFrontProcess).
+bool KRAProcessSerialNumberSetFront(NSNumber receiver);
+
+// Asks the process to quit, by an Apple event whose reply is waited for, then looks every 0.2 seconds, 20 times at
+// most, whether it has gone: YES when it has. NO when it could not be asked, which takes no time, and when it still
+// runs. It is never forced.
+bool KRAProcessSerialNumberQuit(NSNumber receiver);
+
+// Asks a running task to end and does not wait for it; whether it was running.
+bool pxTerminate(NSTask receiver);
+
+} // namespace mac
