@@ -1,31 +1,265 @@
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Log.h"
+#include "platform/processes/Processes.h"
+#include "scripting/ProcessesAndFinder.h"
 #include "tests/app/Controller.h"
+#include "tests/support/Companion.h"
+#include "tests/support/Environment.h"
+#include "tests/support/OwnProcesses.h"
+#include <algorithm>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <memory>
+#include <vector>
 
 namespace framekeeper::test {
 namespace {
 
-TEST(RunningCopies, AreReadAnewAndReplacedWhole) {
-    AppController const controller = makeController();
-    NSSet const before = NSSet::setWithObject_("an entry of before");
-    controller.setIsRunningPaths_(before);
-    controller.syncIsRunningPaths();
-    ASSERT_FALSE(controller.isRunningPaths() == nil);
-    EXPECT_FALSE(isSame(controller.isRunningPaths(), before));
-    EXPECT_EQ(controller.isRunningPaths().count(), 0U);
+using mac::test::ChildProcess;
+using mac::test::EnvironmentVariable;
+using mac::test::RunningCompanion;
+
+// The companion is the only program here of which copies are quit.
+class RunningCopies : public mac::test::OwnProcesses {
+protected:
+    void SetUp() override {
+        OwnProcesses::SetUp();
+        m_controller.setValue_forKey_(m_selection, "pathsArrayController");
+    }
+
+    std::string startBus() {
+        m_bus = std::make_unique<ChildProcess>(
+            std::vector<std::string>{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"});
+        return m_bus->readLine();
+    }
+
+    // Reads all sources anew and selects the records of these paths.
+    void select(std::vector<NSString> const& paths) const {
+        m_controller.syncIsRunningPaths();
+        m_controller.reSync();
+        selectKnown(paths);
+    }
+    void selectKnown(std::vector<NSString> const& paths) const {
+        NSMutableArray const records = NSMutableArray::array();
+        for (NSString const& path : paths)
+            records.addObject_(recordOf(m_controller, path));
+        m_selection.setContent_(m_controller.paths());
+        ASSERT_TRUE(m_selection.setSelectedObjects_(records));
+    }
+    std::vector<std::string> runningPaths() const {
+        std::vector<std::string> paths;
+        for (id const& entry : m_controller.isRunningPaths().allObjects())
+            paths.push_back(text(entry.valueForKey_("path")));
+        std::ranges::sort(paths);
+        return paths;
+    }
+
+    // A session bus that a test may end.
+    std::unique_ptr<ChildProcess> m_bus;
+    EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", startBus()};
+    AppController m_controller = makeController();
+    NSArrayController m_selection = NSArrayController::alloc().init();
+    std::vector<std::string> m_log;
+    int m_beeps{0};
+    LogListener m_logListener{[this](NSString const& line) { m_log.push_back(line.UTF8String()); }};
+    BeepListener m_beepListener{[this] { ++m_beeps; }};
+};
+
+std::string quittingLine(RunningCompanion const& copy, char const* how) {
+    return "Quitting Mirror Frame (pid=" + std::to_string(copy.pid()) + ") " + how;
 }
 
-TEST(RunningCopies, LeaveTheInventoryAsItIsWhenTheyAreRead) {
-    AppController const controller = makeController();
+TEST_F(RunningCopies, AreNoneWhenNoneRuns) {
+    m_controller.setIsRunningPaths_(NSSet::setWithObject_("an entry of before"));
+    m_controller.syncIsRunningPaths();
+    ASSERT_FALSE(m_controller.isRunningPaths() == nil);
+    EXPECT_EQ(m_controller.isRunningPaths().count(), 0U);
+    EXPECT_FALSE(m_controller.isRunningWithQuitting_(NO));
+    EXPECT_FALSE(m_controller.isRunningWithQuitting_(YES));
+}
+
+TEST_F(RunningCopies, AreThoseWhoseBundleHasTheIdentifier) {
+    RunningCompanion const willing("willing");
+    RunningCompanion const refusing("refusing");
+    RunningCompanion const other("other");
+    m_controller.syncIsRunningPaths();
+    std::vector<std::string> expected{text(willing.bundle()), text(refusing.bundle())};
+    std::ranges::sort(expected);
+    EXPECT_EQ(runningPaths(), expected) << "the third has another identifier, though the same file name";
+    for (id const& entry : m_controller.isRunningPaths().allObjects()) {
+        bool const isWilling = entry.valueForKey_("path").isEqual_(willing.bundle());
+        NSNumber const psn = KRAProcessSerialNumber_(isWilling ? willing.psn() : refusing.psn());
+        EXPECT_TRUE(entry.valueForKey_("psn").isEqual_(psn));
+        EXPECT_EQ(as<NSDictionary>(entry).count(), 2U);
+    }
+}
+
+TEST_F(RunningCopies, AreMarkedInTheirRecords) {
+    RunningCompanion const willing("willing");
+    m_controller.setIsOnHarddiskPaths_(pathSet({willing.bundle(), "/none/Mirror Frame.app"}));
+    m_controller.syncIsRunningPaths();
+    m_controller.reSync();
+    EXPECT_EQ(m_controller.paths().count(), 2U);
+    NSDictionary const record = recordOf(m_controller, willing.bundle());
+    EXPECT_TRUE(flag(record, "isRunning"));
+    EXPECT_TRUE(record.objectForKey_("psn").isEqual_(KRAProcessSerialNumber_(willing.psn())));
+    EXPECT_FALSE(flag(recordOf(m_controller, "/none/Mirror Frame.app"), "isRunning"));
+}
+
+TEST_F(RunningCopies, OfOneBundleAreOneRecord) {
+    RunningCompanion const first("willing");
+    RunningCompanion const second("willing");
+    m_controller.syncIsRunningPaths();
+    m_controller.reSync();
+    EXPECT_EQ(m_controller.isRunningPaths().count(), 2U);
+    EXPECT_EQ(m_controller.paths().count(), 1U);
+}
+
+TEST_F(RunningCopies, LeaveTheInventoryAsItIsWhenTheyAreRead) {
     NSMutableSet const records = NSMutableSet::set();
-    controller.setPaths_(records);
-    controller.syncIsRunningPaths();
-    EXPECT_TRUE(isSame(controller.paths(), records));
+    m_controller.setPaths_(records);
+    m_controller.syncIsRunningPaths();
+    EXPECT_TRUE(isSame(m_controller.paths(), records));
 }
 
-TEST(RunningCopies, OfANilControllerAreNone) {
+TEST_F(RunningCopies, AreOnlyReportedUnlessTheyAreToQuit) {
+    RunningCompanion const willing("willing");
+    EXPECT_TRUE(m_controller.isRunningWithQuitting_(NO));
+    EXPECT_TRUE(willing.isRunning());
+    EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(RunningCopies, AreAllAskedToQuitAndNotWaitedFor) {
+    RunningCompanion willing("willing");
+    RunningCompanion const slow("slow");
+    RunningCompanion refusing("refusing");
+    RunningCompanion const other("other");
+    EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
+    EXPECT_TRUE(slow.isRunning());
+    EXPECT_TRUE(other.isRunning());
+    EXPECT_EQ(willing.process().wait(), 0);
+    EXPECT_EQ(refusing.process().readLine(), "asked to quit");
+    EXPECT_EQ(m_log, (std::vector{quittingLine(willing, "succeeded"), quittingLine(slow, "succeeded"),
+                                  quittingLine(refusing, "succeeded")}));
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(RunningCopies, ThatEndInTheMeantimeFailToQuit) {
+    RunningCompanion const first("willing");
+    RunningCompanion second("willing");
+    std::string const number = text(KRAProcessSerialNumber_(second.psn()));
+    LogListener const listener([&](NSString const&) {
+        if (m_log.size() == 1) {
+            second.process().sendSignal(SIGKILL);
+            second.process().wait();
+        }
+    });
+    EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
+    EXPECT_EQ(m_log,
+              (std::vector{quittingLine(first, "succeeded"), "Quitting Mirror Frame (psn=" + number + ") failed"}));
+    EXPECT_EQ(m_beeps, 1);
+}
+
+TEST_F(RunningCopies, ThatCannotBeSentAnEventFailToQuit) {
+    RunningCompanion const copy("willing");
+    m_bus.reset();
+    EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
+    EXPECT_EQ(m_log, std::vector{quittingLine(copy, "failed")});
+    EXPECT_EQ(m_beeps, 1);
+    EXPECT_TRUE(copy.isRunning());
+    m_log.clear();
+    select({copy.bundle()});
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_beeps, 2);
+}
+
+TEST_F(RunningCopies, QuitWhenTheOneSelectedIsAskedTo) {
+    RunningCompanion willing("willing");
+    RunningCompanion const slow("slow");
+    m_controller.setIsOnHarddiskPaths_(pathSet({willing.bundle(), slow.bundle()}));
+    select({willing.bundle()});
+    m_controller.quitAction_(nil);
+    EXPECT_FALSE(willing.isRunning());
+    EXPECT_EQ(willing.process().wait(), 0);
+    EXPECT_FALSE(flag(recordOf(m_controller, willing.bundle()), "isRunning"));
+    EXPECT_TRUE(flag(recordOf(m_controller, slow.bundle()), "isRunning"));
+    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(RunningCopies, MayTakeTheirTimeToQuit) {
+    RunningCompanion slow("slow");
+    select({slow.bundle()});
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(slow.process().wait(), 0);
+    EXPECT_EQ(m_controller.paths().count(), 0U);
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(RunningCopies, WithoutAnEventHandlerAreQuitBySignal) {
+    RunningCompanion deaf("deaf");
+    select({deaf.bundle()});
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(deaf.process().wait(), -SIGTERM);
+    EXPECT_EQ(m_controller.paths().count(), 0U);
+}
+
+TEST_F(RunningCopies, ThatRefuseToQuitAreToldOfWhileNothingElseHappens) {
+    RunningCompanion refusing("refusing");
+    select({refusing.bundle()});
+    NSMutableSet const records = m_controller.paths();
+    bool isCalled = false;
+    performOnMainRunLoop([&] { isCalled = true; });
+    NSDate const start = NSDate::date();
+    m_controller.quitAction_(nil);
+    EXPECT_LE(start.timeIntervalSinceNow(), -4.0) << "twenty looks";
+    EXPECT_FALSE(isCalled);
+    EXPECT_EQ(refusing.process().readLine(), "asked to quit");
+    EXPECT_TRUE(refusing.isRunning());
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_beeps, 1);
+    EXPECT_TRUE(isSame(m_controller.paths(), records)) << "nothing is read anew";
+    EXPECT_TRUE(runUntil([&] { return isCalled; }));
+}
+
+TEST_F(RunningCopies, CannotBeQuitWhereTheCopyDoesNotRun) {
+    m_controller.setIsOnHarddiskPaths_(pathSet({"/none/Mirror Frame.app"}));
+    select({"/none/Mirror Frame.app"});
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_beeps, 1);
+}
+
+TEST_F(RunningCopies, CannotBeQuitTwice) {
+    RunningCompanion willing("willing");
+    select({willing.bundle()});
+    willing.process().sendSignal(SIGKILL);
+    willing.process().wait();
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_beeps, 1);
+}
+
+TEST_F(RunningCopies, AreLeftAloneUnlessJustOneIsSelected) {
+    RunningCompanion const willing("willing");
+    RunningCompanion const slow("slow");
+    select({});
+    m_controller.quitAction_(nil);
+    select({willing.bundle(), slow.bundle()});
+    m_controller.quitAction_(nil);
+    EXPECT_TRUE(willing.isRunning());
+    EXPECT_TRUE(slow.isRunning());
+    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST(RunningCopiesOfNil, AreNone) {
     AppController const controller = nil;
     controller.syncIsRunningPaths();
+    controller.quitAction_(nil);
     EXPECT_TRUE(controller.isRunningPaths() == nil);
+    EXPECT_FALSE(controller.isRunningWithQuitting_(YES));
 }
 
 } // namespace
