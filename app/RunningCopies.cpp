@@ -22,8 +22,8 @@ void forEachRunningCopy(std::function<void(ProcessSerialNumber const&, NSDiction
 
 // Does not wait for the process to go.
 bool sendQuitEvent(ProcessSerialNumber const& psn) {
-    NSAppleEventDescriptor const target = NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
-        typeProcessSerialNumber, &psn, sizeof psn);
+    NSAppleEventDescriptor const target =
+        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
     NSAppleEventDescriptor const event =
         NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
             kCoreEventClass, kAEQuitApplication, target, kAutoGenerateReturnID, kAnyTransactionID);

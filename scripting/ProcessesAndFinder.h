@@ -16,6 +16,7 @@ NSNumber KRAProcessSerialNumber_(ProcessSerialNumber psn);
 
 // The process whose window is in front; nil where that cannot be told (see GetFrontProcess).
 NSNumber KRAProcessSerialNumberGetFront();
+// This process, under the number by which the process list knows it.
 NSNumber KRAProcessSerialNumberGetCurrent();
 // The first Finder in the order of the process list; nil when none runs.
 NSNumber KRAProcessSerialNumberGetFinder();

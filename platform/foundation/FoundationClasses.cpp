@@ -41,8 +41,8 @@ void registerFoundationClasses() {
                 NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray, NSMutableCharacterSet,
                 NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification,
                 NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate,
-                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL,
-                NSValueTransformer>();
+                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread,
+                NSTimer, NSURL, NSValueTransformer>();
 }
 
 } // namespace mac

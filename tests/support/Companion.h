@@ -3,7 +3,6 @@
 #include "platform/foundation/NSString.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"
-#include <gtest/gtest.h>
 #include <string>
 
 namespace mac::test {
@@ -12,23 +11,12 @@ namespace mac::test {
 // tests/companion: "willing", "refusing", "slow", "deaf" or "other".
 class RunningCompanion {
 public:
-    explicit RunningCompanion(std::string const& kind)
-        : m_bundle(std::string(COMPANIONS) + "/" + kind + "/Mirror Frame.app"),
-          m_process({m_bundle + "/Contents/Linux/Mirror Frame"}) {
-        EXPECT_EQ(m_process.readLine(), "ready");
-    }
+    explicit RunningCompanion(std::string const& kind);
 
     NSString bundle() const { return NSString::stringWithFileSystemRepresentation_(m_bundle); }
     std::int32_t pid() const { return m_process.pid(); }
-    ProcessSerialNumber psn() const {
-        ProcessSerialNumber psn;
-        EXPECT_EQ(GetProcessForPID(pid(), &psn), noErr);
-        return psn;
-    }
-    bool isRunning() const {
-        ProcessSerialNumber psn;
-        return GetProcessForPID(pid(), &psn) == noErr;
-    }
+    ProcessSerialNumber psn() const;
+    bool isRunning() const;
     ChildProcess& process() { return m_process; }
 
 private:
