@@ -52,6 +52,25 @@ auto withRoom(HeldItems& items, Question const& question) {
     }
 }
 
+struct FoundItem {
+    OpenItem item;
+    std::string path;
+    bool isFolder;
+};
+
+std::optional<FoundItem> findItem(FSRef const& reference) {
+    std::optional<ItemIdentity> const identity = identityOf(reference);
+    if (!identity) return std::nullopt;
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    std::optional<std::string> path = withRoom(items, [&] { return items.pathOf(*identity); });
+    if (!path) return std::nullopt;
+    std::optional<OpenItem> item = withRoom(items, [&] { return openItemAtPath(*path, false); });
+    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
+    if (!found || !(found->identity == *identity)) return std::nullopt;
+    return FoundItem{std::move(*item), std::move(*path), found->isFolder};
+}
+
 } // namespace
 
 std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks) {
@@ -66,16 +85,15 @@ std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks) {
 }
 
 std::optional<ReferencedItem> itemOfReference(FSRef const& reference) {
-    std::optional<ItemIdentity> const identity = identityOf(reference);
-    if (!identity) return std::nullopt;
-    std::scoped_lock const lock(table().lock);
-    HeldItems& items = table().items;
-    std::optional<std::string> path = withRoom(items, [&] { return items.pathOf(*identity); });
-    if (!path) return std::nullopt;
-    std::optional<OpenItem> const item = withRoom(items, [&] { return openItemAtPath(*path, false); });
-    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
-    if (!found || !(found->identity == *identity)) return std::nullopt;
-    return ReferencedItem{std::move(*path), found->isFolder};
+    std::optional<FoundItem> found = findItem(reference);
+    if (!found) return std::nullopt;
+    return ReferencedItem{std::move(found->path), found->isFolder};
+}
+
+std::optional<OpenItem> openItemOfReference(FSRef const& reference) {
+    std::optional<FoundItem> found = findItem(reference);
+    if (!found) return std::nullopt;
+    return std::move(found->item);
 }
 
 void releaseRemovedItems() {

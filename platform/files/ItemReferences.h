@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/FSRef.h"
+#include "platform/files/OpenItem.h"
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ struct ReferencedItem {
 
 // Where the item is now; nothing when it is not found.
 std::optional<ReferencedItem> itemOfReference(FSRef const& reference);
+
+// The item itself, held open where it is now; nothing when it is not found.
+std::optional<OpenItem> openItemOfReference(FSRef const& reference);
 
 // What was removed is no longer held, so that the volume can use its space again. It happens with every new reference;
 // who removes large items calls this when it has done so.

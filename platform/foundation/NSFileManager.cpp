@@ -1,4 +1,5 @@
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/DisplayNameSource.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FileWriting.h"
 #include "platform/foundation/FolderContents.h"
@@ -7,6 +8,7 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
 #include <array>
+#include <atomic>
 #include <climits>
 #include <fcntl.h>
 #include <memory>
@@ -54,6 +56,9 @@ mode_t modeOf(NSDictionary const& attributes, mode_t usual) {
     return isGiven ? usual & attributes.filePosixPermissions() & PermissionBits : usual;
 }
 
+// Linked in or not, the room that knows better sets it before main.
+constinit std::atomic<DisplayNameSource> s_displayNameSource{nullptr};
+
 bool allows(FileDescriptor const& item, int access) {
     return item.isOpen() &&
            ::faccessat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(item.number())).c_str(), access, AT_EACCESS) == 0;
@@ -71,6 +76,8 @@ bool allowsRemoval(Place const& place) {
 }
 
 } // namespace
+
+void setDisplayNameSource(DisplayNameSource source) { s_displayNameSource.store(source); }
 
 class NSFileManager::Body : public ObjectBody {};
 
@@ -156,7 +163,10 @@ NSDictionary NSFileManager::fileSystemAttributesAtPath_(NSString const& path) co
 }
 
 NSString NSFileManager::displayNameAtPath_(NSString const& path) const {
-    return *this == nil ? NSString(nil) : path.lastPathComponent();
+    if (*this == nil) return nil;
+    DisplayNameSource const source = s_displayNameSource.load();
+    NSString const name = source && path != nil ? source(path) : NSString(nil);
+    return name == nil ? path.lastPathComponent() : name;
 }
 
 NSArray NSFileManager::directoryContentsAtPath_(NSString const& path) const {

@@ -43,7 +43,8 @@ public:
     NSDictionary fileSystemAttributesAtPath_(NSString const& path) const;
 
     // The name as people see it; that of the path when there is nothing.
-    // Linux: the last component, "/" for the root; names are shown as they are.
+    // Linux: the last component, "/" for the root; bundles and desktop entries may
+    // have a name of their own, and what hides its extension is shown without it.
     NSString displayNameAtPath_(NSString const& path) const;
     // The names in a folder, sorted by their code units, without "." and "..";
     // nil for what is no folder that can be read.

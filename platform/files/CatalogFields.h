@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/files/CatalogInformation.h"
+#include "platform/files/OpenItem.h"
+
+namespace mac {
+
+// What stands behind FSGetCatalogInfo and FSSetCatalogInfo; any thread. False when a field cannot be read or written;
+// errno says why. Fields that are not asked for stay as they are.
+
+bool readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& information);
+bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& information);
+
+// Leads to the item through its folder, which is held open; for attributes, with a link not followed.
+std::string attributePath(OpenItem const& item);
+
+// The attribute that holds a creation date that was set: its 8 bytes, the most significant first.
+inline constexpr char CreateDateAttribute[] = "com.apple.FSCatalogInfo.createDate";
+
+} // namespace mac

@@ -1,0 +1,112 @@
+#include "platform/files/CatalogInformation.h"
+#include "platform/files/CatalogFields.h"
+#include "platform/files/ItemReferences.h"
+#include <algorithm>
+#include <cerrno>
+
+namespace mac {
+
+namespace {
+
+std::span<std::byte const> firstHalf(FinderInformation const& information) {
+    return std::span(information.bytes).first(information.bytes.size() / 2);
+}
+
+std::span<std::byte const> secondHalf(FinderInformation const& information) {
+    return std::span(information.bytes).last(information.bytes.size() / 2);
+}
+
+OSErr errorOf(int errorNumber) {
+    switch (errorNumber) {
+    case ENOENT:
+        return fnfErr;
+    case EROFS:
+        return wPrErr;
+    case EPERM:
+    case EACCES:
+        return permErr;
+    case ENOMEM:
+        return memFullErr;
+    default:
+        return ioErr;
+    }
+}
+
+// As HFS holds it; empty for one that no record holds.
+HFSUniStr255 nameOf(OpenItem const& item) {
+    HFSUniStr255 result{};
+    NSString const name = NSString::stringWithFileSystemRepresentation_(item.name);
+    std::u16string_view const units = name.codeUnits();
+    if (units.size() > result.unicode.size()) return result;
+    result.length = static_cast<std::uint16_t>(units.size());
+    std::ranges::transform(units, result.unicode.begin(), [](unichar unit) {
+        if (unit == u':') return u'/';
+        return unit == u'/' ? u':' : unit;
+    });
+    return result;
+}
+
+std::string parentPath(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    return path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+// All zero for the root's.
+std::optional<FSRef> parentOf(FSRef const& reference) {
+    std::optional<ReferencedItem> const item = itemOfReference(reference);
+    if (!item) return std::nullopt;
+    if (item->path == "/") return FSRef{};
+    return referenceToPath(parentPath(item->path), true);
+}
+
+template <class T>
+void deliver(T const& value, T* place) {
+    if (place) *place = value;
+}
+
+} // namespace
+
+FinderInformation finderInformationOf(FSCatalogInfo const& catalogInfo) {
+    FinderInformation information;
+    std::ranges::copy(catalogInfo.finderInfo, information.bytes.begin());
+    std::ranges::copy(catalogInfo.extFinderInfo, information.bytes.begin() + catalogInfo.finderInfo.size());
+    return information;
+}
+
+void setFinderInformation(FSCatalogInfo& catalogInfo, FinderInformation const& information) {
+    std::ranges::copy(firstHalf(information), catalogInfo.finderInfo.begin());
+    std::ranges::copy(secondHalf(information), catalogInfo.extFinderInfo.begin());
+}
+
+OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
+                       HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef) {
+    if (!ref || fsSpec || (whichInfo != kFSCatInfoNone && !catalogInfo)) return paramErr;
+    if ((whichInfo & ~(kFSCatInfoGettableInfo | kFSCatInfoUserAccess)) != 0) return errFSBadInfoBitmap;
+    std::optional<OpenItem> const item = openItemOfReference(*ref);
+    if (!item) return errFSBadFSRef;
+    FSCatalogInfo information{};
+    if (catalogInfo) information = *catalogInfo;
+    errno = 0;
+    if (!readCatalogFields(*item, whichInfo, information)) return errorOf(errno);
+    FSRef parent{};
+    if (parentRef) {
+        std::optional<FSRef> const found = parentOf(*ref);
+        if (!found) return errorOf(errno);
+        parent = *found;
+    }
+    deliver(information, catalogInfo);
+    deliver(nameOf(*item), outName);
+    deliver(parent, parentRef);
+    return noErr;
+}
+
+OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo) {
+    if (!ref || !catalogInfo) return paramErr;
+    if ((whichInfo & ~kFSCatInfoSettableInfo) != 0) return errFSBadInfoBitmap;
+    std::optional<OpenItem> const item = openItemOfReference(*ref);
+    if (!item) return errFSBadFSRef;
+    errno = 0;
+    return writeCatalogFields(*item, whichInfo, *catalogInfo) ? noErr : errorOf(errno);
+}
+
+} // namespace mac

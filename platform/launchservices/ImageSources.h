@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/foundation/NSArray.h"
+
+namespace mac {
+
+// The type identifiers of the images that can be read, in the order of the readers' own names. Main thread.
+// Linux: those for which the toolkit has a reader installed.
+NSArray CGImageSourceCopyTypeIdentifiers();
+
+} // namespace mac

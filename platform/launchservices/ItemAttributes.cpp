@@ -1,0 +1,67 @@
+#include "platform/launchservices/ItemAttributes.h"
+#include "platform/files/FSPaths.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/launchservices/ContentTypes.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/launchservices/DisplayNames.h"
+#include "platform/launchservices/TypeIdentifiers.h"
+
+namespace mac {
+
+namespace {
+
+NSString textOf(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+
+// Nil for none; each byte is a character.
+NSString textOf(OSType code) {
+    if (code == OSType()) return nil;
+    std::u16string text;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        text += static_cast<char16_t>(code.value() >> shift & 0xFF);
+    return NSString::stringWithCodeUnits(text);
+}
+
+id contentType(DiskItem const& item) { return textOf(contentTypeOf(item)); }
+id extension(DiskItem const& item) { return item.extension().empty() ? id() : textOf(item.extension()); }
+id displayName(DiskItem const& item) { return displayNameOf(item); }
+id displayKind(DiskItem const& item) { return UTTypeCopyDescription(textOf(contentTypeOf(item))); }
+id fileType(DiskItem const& item) {
+    return item.kind == DiskItem::Kind::File ? textOf(item.finder.fileType()) : NSString(nil);
+}
+id fileCreator(DiskItem const& item) {
+    return item.kind == DiskItem::Kind::File ? textOf(item.finder.fileCreator()) : NSString(nil);
+}
+id isInvisible(DiskItem const& item) { return NSNumber::numberWithBool_(BOOL(item.isInvisible())); }
+id isExtensionHidden(DiskItem const& item) { return NSNumber::numberWithBool_(BOOL(hidesExtension(item))); }
+
+struct Attribute {
+    std::string_view name;
+    id (*valueOf)(DiskItem const& item);
+};
+
+constexpr std::array Attributes{
+    Attribute{kLSItemContentType, &contentType},   Attribute{kLSItemExtension, &extension},
+    Attribute{kLSItemDisplayName, &displayName},   Attribute{kLSItemDisplayKind, &displayKind},
+    Attribute{kLSItemFileType, &fileType},         Attribute{kLSItemFileCreator, &fileCreator},
+    Attribute{kLSItemIsInvisible, &isInvisible},   Attribute{kLSItemExtensionIsHidden, &isExtensionHidden},
+};
+
+} // namespace
+
+OSStatus LSCopyItemAttributes(FSRef const* itemRef, LSRolesMask /*inRoles*/, NSArray const& attributeNames,
+                              NSDictionary* outValues) {
+    if (!itemRef || !outValues) return paramErr;
+    std::optional<DiskItem> const item = diskItemOf(*itemRef);
+    if (!item) return fnfErr;
+    NSMutableDictionary const values = NSMutableDictionary::dictionary();
+    for (Attribute const& attribute : Attributes) {
+        NSString const name = textOf(attribute.name);
+        bool const isWanted = attributeNames == nil || attributeNames.containsObject_(name);
+        id const value = isWanted ? attribute.valueOf(*item) : id();
+        if (value != nil) values.setObject_forKey_(value, name);
+    }
+    *outValues = NSDictionary::dictionaryWithDictionary_(values);
+    return noErr;
+}
+
+} // namespace mac

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/files/FSRef.h"
+#include "platform/foundation/MacErrors.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSDictionary.h"
+
+namespace mac {
+
+// What Launch Services tells of an item by name. Any thread.
+
+using LSRolesMask = std::uint32_t;
+inline constexpr LSRolesMask kLSRolesNone = 0x00000001;
+inline constexpr LSRolesMask kLSRolesViewer = 0x00000002;
+inline constexpr LSRolesMask kLSRolesEditor = 0x00000004;
+inline constexpr LSRolesMask kLSRolesShell = 0x00000008;
+inline constexpr LSRolesMask kLSRolesAll = 0xFFFFFFFF;
+
+// Strings; a file's type identifier, its extension, its name and kind as people see them, the four characters of its
+// old type and creator.
+inline constexpr char kLSItemContentType[] = "LSItemContentType";
+inline constexpr char kLSItemExtension[] = "LSItemExtension";
+inline constexpr char kLSItemDisplayName[] = "LSItemDisplayName";
+inline constexpr char kLSItemDisplayKind[] = "LSItemDisplayKind";
+inline constexpr char kLSItemFileType[] = "LSItemFileType";
+inline constexpr char kLSItemFileCreator[] = "LSItemFileCreator";
+// Truth values.
+inline constexpr char kLSItemIsInvisible[] = "LSItemIsInvisible";
+inline constexpr char kLSItemExtensionIsHidden[] = "LSItemExtensionIsHidden";
+
+// The values under the names that were asked for; what the item has not, and names that are not known, are left out.
+// Nil names ask for all. paramErr for a null pointer, fnfErr where there is nothing; the values are untouched then. The
+// roles are not needed.
+OSStatus LSCopyItemAttributes(FSRef const* itemRef, LSRolesMask inRoles, NSArray const& attributeNames,
+                              NSDictionary* outValues);
+
+} // namespace mac

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "platform/foundation/NSDictionary.h"
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mac {
+
+// One declared type. For implementations, like everything here.
+struct DeclaredType {
+    std::string identifier{};
+    std::string description{};
+    std::vector<std::string> conformsTo{};
+    // The preferred one first.
+    std::vector<std::string> extensions{};
+    std::vector<std::string> mimeTypes{};
+    std::vector<std::string> typeCodes{};
+};
+
+enum class TagClass { Extension, MIMEType, TypeCode };
+
+// A set of declared types, which never changes once it is shared. Any thread.
+class TypeTree {
+public:
+    // The system's own.
+    static TypeTree ofSystem();
+
+    // Of equal identifiers the one that is there counts.
+    void add(DeclaredType type);
+    // From an information file: what is no declaration is passed over, the rest counts.
+    void addDeclarationsIn(NSDictionary const& information);
+
+    DeclaredType const* typeOf(std::string_view identifier) const;
+    // By the order in which the types were added.
+    std::vector<DeclaredType const*> typesWithTag(TagClass tagClass, std::string_view tag) const;
+
+private:
+    using Places = std::map<std::string, std::vector<std::size_t>, std::less<>>;
+
+    std::vector<DeclaredType> m_types{};
+    // By identifiers and tags as they are compared.
+    std::map<std::string, std::size_t, std::less<>> m_byIdentifier{};
+    Places m_byExtension{};
+    Places m_byMIMEType{};
+    Places m_byTypeCode{};
+};
+
+// The types known now.
+std::shared_ptr<TypeTree const> knownTypes();
+// Those of an information file become known, too; the ones of equal identifier stay as they are.
+void registerTypesIn(NSDictionary const& information);
+
+// Which tag a dynamic identifier was made from, and what kind it was said to be.
+struct DynamicType {
+    TagClass tagClass{TagClass::Extension};
+    std::string tag{};
+    // Empty: nothing said.
+    std::string conformsTo{};
+};
+std::string dynamicIdentifier(DynamicType const& type);
+std::optional<DynamicType> readDynamicIdentifier(std::string_view identifier);
+
+// Whether the one is the other or a special case of it.
+bool conforms(TypeTree const& types, std::string_view identifier, std::string_view to);
+// Of a MIME type: a declared type's identifier, else a dynamic one.
+std::string identifierOfMIMEType(TypeTree const& types, std::string_view mimeType);
+
+} // namespace mac
