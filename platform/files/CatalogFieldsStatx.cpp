@@ -63,8 +63,8 @@ timespec timeOf(UTCDateTime const& date) {
 
 std::optional<UTCDateTime> keptCreateDate(OpenItem const& item) {
     DateBytes bytes{};
-    std::ptrdiff_t const length = getxattr(attributePath(item).c_str(), CreateDateAttribute, bytes.data(),
-                                           bytes.size(), Start, XATTR_NOFOLLOW);
+    std::ptrdiff_t const length =
+        getxattr(attributePath(item).c_str(), CreateDateAttribute, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW);
     if (length != static_cast<std::ptrdiff_t>(bytes.size())) return std::nullopt;
     return dateOf(bytes);
 }
@@ -189,8 +189,7 @@ bool writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo c
 bool writePermissions(OpenItem const& item, struct statx const& status, FSPermissionInfo const& permissions) {
     bool const isSameOwner = permissions.userID == status.stx_uid && permissions.groupID == status.stx_gid;
     bool const isSameMode = (permissions.mode & PermissionBits) == (status.stx_mode & PermissionBits);
-    if (!isSameOwner &&
-        ::fchownat(item.item.number(), "", permissions.userID, permissions.groupID, AT_EMPTY_PATH) != 0)
+    if (!isSameOwner && ::fchownat(item.item.number(), "", permissions.userID, permissions.groupID, AT_EMPTY_PATH) != 0)
         return false;
     // A change of owner may take permissions away.
     if (isSameOwner && isSameMode) return true;
@@ -209,8 +208,8 @@ bool setLocked(OpenItem const& item, bool isLocked) {
 
 std::optional<struct statx> statusOf(OpenItem const& item) {
     struct statx status {};
-    int const failed = ::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT,
-                               STATX_BASIC_STATS | STATX_BTIME, &status);
+    int const failed =
+        ::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status);
     return failed ? std::nullopt : std::optional(status);
 }
 
@@ -254,8 +253,8 @@ bool readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalo
 bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
     std::optional<struct statx> const status = statusOf(item);
     if (!status) return false;
-    bool const changesLock = (which & kFSCatInfoNodeFlags) != 0 &&
-                             ((information.nodeFlags & kFSNodeLockedMask) != 0) != isLocked(*status);
+    bool const changesLock =
+        (which & kFSCatInfoNodeFlags) != 0 && ((information.nodeFlags & kFSNodeLockedMask) != 0) != isLocked(*status);
     // What forbids changes is lifted first and put on last.
     if (changesLock && isLocked(*status) && !setLocked(item, false)) return false;
     if (!writeFinderFields(item, which, information)) return false;

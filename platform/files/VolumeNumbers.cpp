@@ -1,6 +1,7 @@
 #include "platform/files/VolumeNumbers.h"
 #include "platform/files/Volumes.h"
 #include <cerrno>
+#include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
