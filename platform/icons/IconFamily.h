@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/foundation/MacErrors.h"
+#include "platform/icons/IconRefs.h"
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace mac {
+
+// A piece of an icon: a picture of one size and depth, or a mask.
+struct IconPart {
+    OSType type{};
+    std::vector<std::byte> bytes{};
+
+    bool operator==(IconPart const&) const = default;
+};
+
+// The pieces of an icon, in the order of its data. Nothing for null, and for an icon without data. Any thread.
+std::optional<std::vector<IconPart>> partsOfIcon(IconRef iconRef);
+
+// For implementations: of the contents of a file of type 'icns'; nothing for what contradicts itself. Of pieces of one
+// type the first counts; the table of contents is none.
+std::optional<std::vector<IconPart>> readIconFamily(std::span<std::byte const> bytes);
+
+} // namespace mac

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/foundation/MacErrors.h"
+#include <cstddef>
+#include <optional>
+#include <span>
+
+namespace mac {
+
+// The bytes of one resource in a resource fork, by its type and number; nothing where there is none, and where the fork
+// contradicts itself on the way to it. The bytes lie in the fork's. For implementations; any thread.
+std::optional<std::span<std::byte const>> resourceInFork(std::span<std::byte const> fork, OSType type,
+                                                         std::int16_t number);
+
+} // namespace mac
