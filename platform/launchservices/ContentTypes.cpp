@@ -66,8 +66,9 @@ std::string contentTypeOfFile(TypeTree const& types, DiskItem const& item) {
     if (byName.size() == 1) return identifierOfMIMEType(types, byName.front());
     if (byName.empty()) {
         std::string const code = typeCodeOf(item);
-        for (std::string const* const type : {identifierOfTag(types, TagClass::Extension, item.extension(), "public.data"),
-                                              identifierOfTag(types, TagClass::TypeCode, code, "public.data")}) {
+        for (std::string const* const type :
+             {identifierOfTag(types, TagClass::Extension, item.extension(), "public.data"),
+              identifierOfTag(types, TagClass::TypeCode, code, "public.data")}) {
             if (type) return *type;
         }
     }

@@ -43,7 +43,10 @@ bool isTrustedDesktopEntry(DiskItem const& item) {
 }
 
 NSString nameOfDesktopEntry(std::string const& path, std::vector<std::string> const& languages) {
-    KeyFile const entry = KeyFile::readFile(path);
+    return nameInDesktopEntry(KeyFile::readFile(path), languages);
+}
+
+NSString nameInDesktopEntry(KeyFile const& entry, std::vector<std::string> const& languages) {
     for (std::string const& language : languages) {
         std::optional<std::string> const name = entry.text(EntryGroup, "Name[" + language + "]");
         if (name && !name->empty()) return NSString::stringWithFileSystemRepresentation_(*name);

@@ -7,6 +7,7 @@
 
 namespace mac {
 
+class KeyFile;
 struct DiskItem;
 
 // The desktop's own descriptions of applications: files NAME.desktop. Paths are the file system's bytes. For
@@ -17,6 +18,7 @@ struct DiskItem;
 bool isTrustedDesktopEntry(DiskItem const& item);
 // In the first of the languages that it has one in; nil for what is no entry, or one without a name.
 NSString nameOfDesktopEntry(std::string const& path, std::vector<std::string> const& languages);
+NSString nameInDesktopEntry(KeyFile const& entry, std::vector<std::string> const& languages);
 
 // $XDG_DATA_HOME/applications and those of $XDG_DATA_DIRS, the weightiest first.
 std::vector<std::string> applicationEntryFolders();

@@ -13,10 +13,10 @@ namespace {
 
 // Sorted. A framework is a folder that people look into.
 constexpr std::array<std::string_view, 28> PackageExtensions{
-    "app",      "bundle",     "component", "dictionary", "docset",    "kext",          "key",
-    "mdimporter", "mpkg",     "nib",       "numbers",    "osax",      "pages",         "photoslibrary",
-    "pkg",      "plugin",     "prefpane",  "qlgenerator", "rtfd",     "saver",         "scptd",
-    "service",  "sparsebundle", "wdgt",    "webplugin",  "workflow",  "xcodeproj",     "xpc",
+    "app",        "bundle",       "component", "dictionary",  "docset",   "kext",      "key",
+    "mdimporter", "mpkg",         "nib",       "numbers",     "osax",     "pages",     "photoslibrary",
+    "pkg",        "plugin",       "prefpane",  "qlgenerator", "rtfd",     "saver",     "scptd",
+    "service",    "sparsebundle", "wdgt",      "webplugin",   "workflow", "xcodeproj", "xpc",
 };
 static_assert(std::ranges::is_sorted(PackageExtensions));
 
@@ -31,8 +31,7 @@ std::optional<DiskItem> describe(OpenItem const& item, std::string path) {
     unsigned const wanted = STATX_TYPE | STATX_MODE | STATX_SIZE;
     if (::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, wanted, &status) != 0) return std::nullopt;
     DiskItem result{.path = std::move(path), .name = item.name, .kind = kindOf(status.stx_mode)};
-    result.isVolume =
-        result.kind == DiskItem::Kind::Folder && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    result.isVolume = result.kind == DiskItem::Kind::Folder && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     result.mayRun = (status.stx_mode & (S_IXUSR | S_IXGRP | S_IXOTH)) != 0;
     result.size = status.stx_size;
     // What cannot be read is as if it were not there: the item itself is.

@@ -6,8 +6,8 @@ namespace mac {
 
 namespace {
 
-// Behind it the class's letter, the kind where one was said, a line end and the tag, in Base32: identifiers have letters
-// in no case, digits, dots and hyphens alone.
+// Behind it the class's letter, the kind where one was said, a line end and the tag, in Base32: identifiers have
+// letters in no case, digits, dots and hyphens alone.
 constexpr std::string_view Prefix = "dyn.";
 constexpr std::string_view Digits = "abcdefghijklmnopqrstuvwxyz234567";
 constexpr std::array<char, 3> ClassLetters{'e', 'm', 'o'};

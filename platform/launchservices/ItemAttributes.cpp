@@ -40,10 +40,10 @@ struct Attribute {
 };
 
 constexpr std::array Attributes{
-    Attribute{kLSItemContentType, &contentType},   Attribute{kLSItemExtension, &extension},
-    Attribute{kLSItemDisplayName, &displayName},   Attribute{kLSItemDisplayKind, &displayKind},
-    Attribute{kLSItemFileType, &fileType},         Attribute{kLSItemFileCreator, &fileCreator},
-    Attribute{kLSItemIsInvisible, &isInvisible},   Attribute{kLSItemExtensionIsHidden, &isExtensionHidden},
+    Attribute{kLSItemContentType, &contentType}, Attribute{kLSItemExtension, &extension},
+    Attribute{kLSItemDisplayName, &displayName}, Attribute{kLSItemDisplayKind, &displayKind},
+    Attribute{kLSItemFileType, &fileType},       Attribute{kLSItemFileCreator, &fileCreator},
+    Attribute{kLSItemIsInvisible, &isInvisible}, Attribute{kLSItemExtensionIsHidden, &isExtensionHidden},
 };
 
 } // namespace

@@ -26,8 +26,7 @@ LSItemInfoFlags basicFlags(DiskItem const& item) {
         flags |= kLSItemInfoIsPlainFile;
         break;
     }
-    bool const isAliasFile =
-        item.kind == DiskItem::Kind::File && (item.finder.finderFlags() & kIsAlias) != 0;
+    bool const isAliasFile = item.kind == DiskItem::Kind::File && (item.finder.finderFlags() & kIsAlias) != 0;
     if (isAliasFile) flags |= kLSItemInfoIsAliasFile;
     if (item.isVolume) flags |= kLSItemInfoIsVolume;
     if (item.isPackage()) flags |= kLSItemInfoIsPackage;

@@ -7,9 +7,7 @@ namespace mac {
 namespace {
 
 // A byte that is no UTF-8 belongs to no rule's letters.
-QString textOf(std::string_view bytes) {
-    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-}
+QString textOf(std::string_view bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
 
 } // namespace
 

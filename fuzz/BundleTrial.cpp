@@ -1,0 +1,60 @@
+#include "fuzz/BundleTrial.h"
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/launchservices/BundleFiles.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/launchservices/DisplayNames.h"
+#include "platform/launchservices/ItemInformation.h"
+#include "platform/launchservices/TypeIdentifiers.h"
+#include "platform/launchservices/TypeTree.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace mac::fuzz {
+
+namespace {
+
+std::string complaintAboutTypes(NSDictionary const& information) {
+    TypeTree types = TypeTree::ofSystem();
+    types.addDeclarationsIn(information);
+    if (!conforms(types, "public.png", "public.image")) return "the system's types are others now";
+    for (id const& object : as<NSArray>(information.objectForKey_(kUTExportedTypeDeclarationsKey))) {
+        NSDictionary const declaration = as<NSDictionary>(object);
+        NSString const name = as<NSString>(declaration.objectForKey_(kUTTypeIdentifierKey));
+        std::string const identifier = name.UTF8String();
+        if (identifier.empty()) continue;
+        if (!types.typeOf(identifier)) return "a type is declared and not there";
+        conforms(types, identifier, "public.item");
+    }
+    return "";
+}
+
+std::string complaintAboutApplication(std::string const& path) {
+    std::optional<DiskItem> const item = diskItemAtPath(path);
+    if (!item || !item->isApplicationBundle()) return "it is no application";
+    if (displayNameOf(*item).length() == 0) return "it has no name";
+    NSString const place = NSString::stringWithFileSystemRepresentation_(path);
+    LSItemInfoRecord record;
+    if (LSCopyItemInfoForURL(NSURL::fileURLWithPath_(place), kLSRequestAllInfo, &record) != noErr)
+        return "nothing can be told of it";
+    NSDictionary const information = bundleInformation(path);
+    // The framework's bundle would log what cannot be used, and that is most of what comes.
+    if (information == nil) return "";
+    NSBundle const bundle = NSBundle::bundleWithPath_(place);
+    if (!information.isEqual_(bundle.infoDictionary())) return "it was read in two ways";
+    NSString const executable = bundle.executablePath();
+    if (executable != nil && !executable.hasPrefix_(place)) return "its program lies outside of it";
+    return complaintAboutTypes(information);
+}
+
+} // namespace
+
+std::string complaintAboutBundle(std::span<std::byte const> bytes) {
+    test::TemporaryFolder const folder;
+    std::string_view const text(reinterpret_cast<char const*>(bytes.data()), bytes.size());
+    std::string const bundle = folder.makeBundle("A.app", text);
+    folder.makeFile("A.app/Contents/Resources/en.lproj/InfoPlist.strings", text);
+    folder.makeFile("A.app/Contents/MacOS/A", "");
+    return complaintAboutApplication(bundle);
+}
+
+} // namespace mac::fuzz

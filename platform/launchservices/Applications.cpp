@@ -1,0 +1,153 @@
+#include "platform/launchservices/Applications.h"
+#include "platform/files/FSPaths.h"
+#include "platform/files/ItemReferences.h"
+#include "platform/foundation/FolderContents.h"
+#include "platform/launchservices/BundleFiles.h"
+#include "platform/launchservices/DesktopRoles.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/launchservices/TypeTree.h"
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace mac {
+
+namespace {
+
+constexpr std::size_t MostRegistered = 4096;
+constexpr std::size_t CodeLength = 4;
+
+struct Registered {
+    std::mutex lock;
+    // The one registered last first.
+    std::vector<std::string> paths;
+};
+
+// Never destroyed: applications may be asked for until the program's last instruction.
+Registered& registered() {
+    static Registered& shared = *std::make_unique<Registered>().release();
+    return shared;
+}
+
+std::vector<std::string> registeredPaths() {
+    std::scoped_lock const lock(registered().lock);
+    return registered().paths;
+}
+
+void remember(std::string const& path) {
+    std::scoped_lock const lock(registered().lock);
+    std::vector<std::string>& paths = registered().paths;
+    std::erase(paths, path);
+    paths.insert(paths.begin(), path);
+    if (paths.size() > MostRegistered) paths.pop_back();
+}
+
+bool isApplication(std::string const& path) {
+    std::optional<DiskItem> const item = diskItemAtPath(path);
+    return item && item->isApplicationBundle();
+}
+
+// The folders in which applications are put, and one folder deeper.
+void addApplicationsIn(std::string const& folder, bool looksDeeper, std::vector<std::string>& paths) {
+    for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
+        std::string const path = std::string(folder).append("/").append(name);
+        std::optional<DiskItem> const item = diskItemAtPath(path);
+        if (!item || item->kind != DiskItem::Kind::Folder) continue;
+        if (item->isApplicationBundle())
+            paths.push_back(path);
+        else if (looksDeeper && !item->isPackage() && !item->isInvisible())
+            addApplicationsIn(path, false, paths);
+    }
+}
+
+std::vector<std::string> installedPaths() {
+    std::vector<std::string> paths;
+    std::string const home = NSHomeDirectory().fileSystemRepresentation().value_or("/");
+    for (std::string const& folder : {home + "/Applications", std::string("/Applications"), std::string("/opt")})
+        addApplicationsIn(folder, true, paths);
+    return paths;
+}
+
+std::string lowercaseOf(NSString const& text) {
+    return asciiLowercase(text.fileSystemRepresentation().value_or(text.UTF8String()));
+}
+
+bool hasIdentifier(std::string const& path, std::string const& identifier) {
+    id const found = bundleInformation(path).objectForKey_("CFBundleIdentifier");
+    return lowercaseOf(as<NSString>(found)) == identifier;
+}
+
+bool hasName(std::string const& path, std::string const& name) {
+    std::string const file = asciiLowercase(std::string_view(path).substr(path.rfind('/') + 1));
+    return file == name || file == name + ".app";
+}
+
+bool hasCreator(std::string const& path, OSType creator) {
+    std::string const code = as<NSString>(bundleInformation(path).objectForKey_("CFBundleSignature")).UTF8String();
+    if (code.size() != CodeLength) return false;
+    std::uint32_t value = 0;
+    for (char const character : code)
+        value = value << 8 | static_cast<unsigned char>(character);
+    return OSType(value) == creator;
+}
+
+using Question = std::function<bool(std::string const& path)>;
+
+// What was asked for, the weightiest first.
+std::vector<Question> questions(OSType creator, NSString const& bundleID, NSString const& name) {
+    std::vector<Question> result;
+    if (bundleID.length() > 0)
+        result.emplace_back(
+            [text = lowercaseOf(bundleID)](std::string const& path) { return hasIdentifier(path, text); });
+    if (name.length() > 0)
+        result.emplace_back([text = lowercaseOf(name)](std::string const& path) { return hasName(path, text); });
+    if (creator != kLSUnknownCreator)
+        result.emplace_back([creator](std::string const& path) { return hasCreator(path, creator); });
+    return result;
+}
+
+std::optional<std::string> findApplication(OSType creator, NSString const& bundleID, NSString const& name) {
+    std::vector<std::string> paths = registeredPaths();
+    std::erase_if(paths, std::not_fn(isApplication));
+    for (std::string& path : installedPaths())
+        paths.push_back(std::move(path));
+    for (Question const& question : questions(creator, bundleID, name)) {
+        auto const found = std::ranges::find_if(paths, question);
+        if (found != paths.end()) return *found;
+    }
+    return desktopEntryOfRole(lowercaseOf(bundleID));
+}
+
+OSStatus registerItem(std::optional<DiskItem> const& item) {
+    if (!item) return fnfErr;
+    if (!item->isApplicationBundle()) return kLSDataErr;
+    NSDictionary const information = bundleInformation(item->path);
+    if (information == nil) return kLSDataErr;
+    remember(item->path);
+    registerTypesIn(information);
+    return noErr;
+}
+
+} // namespace
+
+OSStatus LSFindApplicationForInfo(OSType inCreator, CFStringRef const& inBundleID, CFStringRef const& inName,
+                                  FSRef* outAppRef, CFURLRef* outAppURL) {
+    if (inCreator == kLSUnknownCreator && inBundleID.length() == 0 && inName.length() == 0) return paramErr;
+    std::optional<std::string> const path = findApplication(inCreator, inBundleID, inName);
+    std::optional<FSRef> const ref = path ? referenceToPath(*path, true) : std::nullopt;
+    if (!ref) return kLSApplicationNotFoundErr;
+    if (outAppRef) *outAppRef = *ref;
+    if (outAppURL) *outAppURL = NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(*path));
+    return noErr;
+}
+
+OSStatus LSRegisterURL(CFURLRef const& inURL, BOOL /*inUpdate*/) {
+    return inURL.isFileURL() ? registerItem(diskItemOf(inURL)) : paramErr;
+}
+
+OSStatus LSRegisterFSRef(FSRef const* inRef, BOOL /*inUpdate*/) {
+    return inRef ? registerItem(diskItemOf(*inRef)) : paramErr;
+}
+
+} // namespace mac

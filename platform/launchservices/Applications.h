@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/files/FSRef.h"
+#include "platform/foundation/MacErrors.h"
+
+namespace mac {
+
+// Applications by the identifiers of their bundles. Any thread.
+
+// No application is known by what was asked for.
+inline constexpr OSStatus kLSApplicationNotFoundErr = -10814;
+inline constexpr OSType kLSUnknownCreator{};
+
+// By bundle identifier, in any case of letters; else by the name of its file, compared likewise; else by its creator.
+// Each may be nil or unknown, but not all. The reference and the URL may be null. Of several the first by these places:
+// registered ones, Applications in the home folder, /Applications and /opt. kLSApplicationNotFoundErr where there is
+// none, paramErr where nothing is asked for; the answers are untouched then.
+//
+// Linux: "com.apple.finder" is the desktop's application for folders, "com.apple.ActivityMonitor" and
+// "com.apple.systempreferences" the first of the desktop's entries that shows processes or settings; what is found is
+// the entry's file, unless a bundle of that identifier is there.
+OSStatus LSFindApplicationForInfo(OSType inCreator, CFStringRef const& inBundleID, CFStringRef const& inName,
+                                  FSRef* outAppRef, CFURLRef* outAppURL);
+
+// From then on the bundle of the application is found by its identifier, and its types are known. What is registered is
+// forgotten when it is gone from its place. fnfErr where there is nothing, kLSDataErr for what says nothing usable.
+inline constexpr OSStatus kLSDataErr = -10817;
+OSStatus LSRegisterURL(CFURLRef const& inURL, BOOL inUpdate);
+OSStatus LSRegisterFSRef(FSRef const* inRef, BOOL inUpdate);
+
+} // namespace mac

@@ -1,0 +1,115 @@
+#include "platform/launchservices/DesktopRoles.h"
+#include "platform/foundation/FolderContents.h"
+#include "platform/launchservices/DesktopEntries.h"
+#include "platform/processes/FileBrowser.h"
+#include "platform/processes/KeyFile.h"
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <set>
+#include <tuple>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr char EntryGroup[] = "Desktop Entry";
+
+using Words = std::vector<std::string>;
+
+// Categories that an application in the role has, all of them; and one that it has not, since tools for one thing alone
+// stand beside the application for all.
+struct Role {
+    std::string_view identifier;
+    std::array<std::string_view, 2> categories;
+    std::string_view unwanted;
+};
+
+constexpr std::array<Role, 2> Roles{{
+    {"com.apple.activitymonitor", {"System", "Monitor"}, "ConsoleOnly"},
+    {"com.apple.systempreferences", {"Settings", "DesktopSettings"}, "ConsoleOnly"},
+}};
+
+bool has(Words const& words, std::string_view word) { return std::ranges::find(words, word) != words.end(); }
+
+Words currentDesktops() {
+    Words desktops;
+    char const* const value = std::getenv("XDG_CURRENT_DESKTOP");
+    std::string_view list = value ? value : "";
+    while (!list.empty()) {
+        std::size_t const end = std::min(list.find(':'), list.size());
+        if (end > 0) desktops.emplace_back(list.substr(0, end));
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return desktops;
+}
+
+bool isOneOf(Words const& desktops, Words const& listed) {
+    return std::ranges::any_of(listed, [&](std::string const& desktop) { return has(desktops, desktop); });
+}
+
+bool isThere(std::string const& program) {
+    if (program.find('/') != std::string::npos) return ::access(program.c_str(), X_OK) == 0;
+    char const* const value = std::getenv("PATH");
+    std::string_view list = value ? value : "/usr/local/bin:/usr/bin:/bin";
+    while (!list.empty()) {
+        std::size_t const end = std::min(list.find(':'), list.size());
+        std::string const path = std::string(list.substr(0, end)).append("/").append(program);
+        if (end > 0 && ::access(path.c_str(), X_OK) == 0) return true;
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return false;
+}
+
+bool canBeStarted(KeyFile const& entry) {
+    std::optional<std::string> const commandLine = entry.text(EntryGroup, "Exec");
+    std::optional<Words> const words = commandLine ? wordsOfCommandLine(*commandLine) : std::nullopt;
+    std::optional<std::string> const needed = entry.text(EntryGroup, "TryExec");
+    return words && !words->empty() && isThere(words->front()) && (!needed || needed->empty() || isThere(*needed));
+}
+
+bool isShown(KeyFile const& entry, Words const& desktops) {
+    if (entry.value(EntryGroup, "Type") != "Application") return false;
+    if (entry.value(EntryGroup, "Hidden") == "true" || entry.value(EntryGroup, "NoDisplay") == "true") return false;
+    Words const only = entry.list(EntryGroup, "OnlyShowIn");
+    return (only.empty() || isOneOf(desktops, only)) && !isOneOf(desktops, entry.list(EntryGroup, "NotShowIn"));
+}
+
+bool fits(KeyFile const& entry, Role const& role) {
+    Words const categories = entry.list(EntryGroup, "Categories");
+    return !has(categories, role.unwanted) &&
+           std::ranges::all_of(role.categories, [&](std::string_view category) { return has(categories, category); });
+}
+
+// Of entries of one name those in weightier folders hide the others.
+std::optional<std::string> entryOf(Role const& role) {
+    Words const desktops = currentDesktops();
+    std::set<std::string> seen;
+    std::set<std::tuple<bool, std::string, std::string>> found;
+    for (std::string const& folder : applicationEntryFolders()) {
+        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(Words())) {
+            if (!name.ends_with(".desktop") || !seen.insert(name).second) continue;
+            std::string const path = std::string(folder).append("/").append(name);
+            KeyFile const entry = KeyFile::readFile(path);
+            if (!fits(entry, role) || !isShown(entry, desktops) || !canBeStarted(entry)) continue;
+            bool const isForOthers = !isOneOf(desktops, entry.list(EntryGroup, "OnlyShowIn"));
+            found.emplace(isForOthers, name, path);
+        }
+    }
+    if (found.empty()) return std::nullopt;
+    return std::get<2>(*found.begin());
+}
+
+} // namespace
+
+std::optional<std::string> desktopEntryOfRole(std::string_view bundleIdentifier) {
+    if (bundleIdentifier == "com.apple.finder") {
+        std::optional<FileBrowser> const browser = defaultFileBrowser();
+        return browser ? std::optional(browser->entryPath) : std::nullopt;
+    }
+    auto const role = std::ranges::find(Roles, bundleIdentifier, &Role::identifier);
+    return role == Roles.end() ? std::nullopt : entryOf(*role);
+}
+
+} // namespace mac

@@ -1,0 +1,118 @@
+#include "platform/launchservices/ItemAttributes.h"
+#include "platform/files/FSPaths.h"
+#include "platform/files/FinderInformation.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/launchservices/TypeIdentifiers.h"
+#include "tests/support/TemporaryFolder.h"
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+class ItemAttributes : public testing::Test {
+protected:
+    NSDictionary valuesOf(std::string const& item, NSArray const& names) const {
+        FSRef ref{};
+        EXPECT_EQ(FSPathMakeRefWithOptions(reinterpret_cast<std::uint8_t const*>(item.c_str()),
+                                           kFSPathMakeRefDoNotFollowLeafSymlink, &ref, nullptr),
+                  noErr);
+        NSDictionary values;
+        EXPECT_EQ(LSCopyItemAttributes(&ref, kLSRolesViewer, names, &values), noErr);
+        return values;
+    }
+    NSString typeOf(std::string const& item) const {
+        return as<NSString>(
+            valuesOf(item, NSArray::arrayWithObject_(kLSItemContentType)).objectForKey_(kLSItemContentType));
+    }
+    std::string typeOfFile(std::string_view name, std::string_view contents = "") const {
+        return typeOf(m_folder.makeFile(name, contents)).UTF8String();
+    }
+    std::string typeOfFolder(std::string_view name) const { return typeOf(m_folder.makeFolder(name)).UTF8String(); }
+
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(ItemAttributes, TellAFilesTypeByItsName) {
+    EXPECT_EQ(typeOfFile("a.txt"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("a.TXT"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("a.png"), "public.png");
+    EXPECT_EQ(typeOfFile("a.jpg"), "public.jpeg");
+    EXPECT_EQ(typeOfFile("a.html"), "public.html");
+    EXPECT_EQ(typeOfFile("a.mp3"), "public.mp3");
+    EXPECT_EQ(typeOfFile("a.tar.gz"), "org.gnu.gnu-zip-tar-archive");
+    EXPECT_EQ(typeOfFile("a.odt"), "org.oasis-open.opendocument.text");
+    EXPECT_EQ(typeOfFile("a.py"), "public.python-script");
+    EXPECT_EQ(typeOfFile("\xFF.pdf"), "com.adobe.pdf");
+}
+
+TEST_F(ItemAttributes, TellAFilesTypeByItsContentsWhereTheNameSaysNothing) {
+    EXPECT_EQ(typeOfFile("page", "%PDF-1.4\n"), "com.adobe.pdf");
+    EXPECT_EQ(typeOfFile("letter", "Dear reader,\n"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("script", "#!/bin/sh\n"), "public.shell-script");
+    EXPECT_EQ(typeOfFile("empty"), "public.data");
+    EXPECT_EQ(typeOfFile("bytes", std::string_view("\1\2\3\0\4", 5)), "public.data");
+}
+
+TEST_F(ItemAttributes, TellAFilesTypeByItsOldCodeBeforeItsContents) {
+    std::string const file = m_folder.makeFile("picture", "Dear reader,\n");
+    FinderInformation information;
+    constexpr std::string_view code = "JPEG";
+    for (std::size_t index = 0; index < code.size(); ++index)
+        information.bytes[index] = static_cast<std::byte>(code[index]);
+    ASSERT_TRUE(writeFinderInformation(file, information));
+    EXPECT_TRUE(typeOf(file).isEqualToString_("public.jpeg"));
+    information.setFinderFlags(kIsAlias);
+    ASSERT_TRUE(writeFinderInformation(file, information));
+    EXPECT_TRUE(typeOf(file).isEqualToString_("com.apple.alias-file"));
+}
+
+TEST_F(ItemAttributes, TellWhatIsNoFileByWhatItIs) {
+    EXPECT_EQ(typeOfFolder("folder"), "public.folder");
+    EXPECT_EQ(typeOfFolder("picture.png"), "public.folder");
+    EXPECT_EQ(typeOfFolder("A.app"), "com.apple.application-bundle");
+    EXPECT_EQ(typeOfFolder("A.framework"), "com.apple.framework");
+    EXPECT_EQ(typeOfFolder("A.xpc"), "com.apple.package");
+    EXPECT_TRUE(typeOf("/").isEqualToString_("public.volume"));
+    ASSERT_EQ(::symlink("nowhere", m_folder.path("link").c_str()), 0);
+    EXPECT_TRUE(typeOf(m_folder.path("link")).isEqualToString_("public.symlink"));
+    // Never opened: nobody writes to it.
+    ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(typeOf(m_folder.path("pipe")).isEqualToString_("public.item"));
+}
+
+TEST_F(ItemAttributes, OfATypeThatNobodyDeclaresHaveADynamicIdentifier) {
+    NSString const type = typeOf(m_folder.makeFile("a.djvu", ""));
+    EXPECT_TRUE(type.hasPrefix_("dyn."));
+    EXPECT_TRUE(UTTypeConformsTo(type, "public.image"));
+    EXPECT_FALSE(UTTypeConformsTo(type, "public.text"));
+    NSString const source = typeOf(m_folder.makeFile("a.f90", ""));
+    EXPECT_TRUE(UTTypeConformsTo(source, "public.plain-text"));
+}
+
+TEST_F(ItemAttributes, AreThoseThatAreAskedFor) {
+    std::string const file = m_folder.makeFile(".a.txt", "");
+    NSDictionary const two = valuesOf(file, NSArray::arrayWithObjects_({kLSItemExtension, kLSItemIsInvisible, "none"}));
+    EXPECT_EQ(two.count(), 2U);
+    EXPECT_TRUE(two.objectForKey_(kLSItemExtension).isEqual_("txt"));
+    EXPECT_TRUE(as<NSNumber>(two.objectForKey_(kLSItemIsInvisible)).boolValue());
+    EXPECT_EQ(valuesOf(file, NSArray::array()).count(), 0U);
+    NSDictionary const all = valuesOf(file, nil);
+    EXPECT_EQ(all.count(), 6U);
+    EXPECT_TRUE(all.objectForKey_(kLSItemDisplayName).isEqual_(".a.txt"));
+    EXPECT_TRUE(all.objectForKey_(kLSItemDisplayKind).isEqual_("plain text"));
+    EXPECT_FALSE(as<NSNumber>(all.objectForKey_(kLSItemExtensionIsHidden)).boolValue());
+}
+
+TEST_F(ItemAttributes, AreLeftWhereThereIsNothing) {
+    FSRef const none{};
+    NSDictionary values = NSDictionary::dictionary();
+    EXPECT_EQ(LSCopyItemAttributes(&none, kLSRolesAll, nil, &values), fnfErr);
+    EXPECT_EQ(LSCopyItemAttributes(nullptr, kLSRolesAll, nil, &values), paramErr);
+    EXPECT_EQ(LSCopyItemAttributes(&none, kLSRolesAll, nil, nullptr), paramErr);
+    EXPECT_FALSE(values == nil);
+}
+
+} // namespace
+} // namespace mac::test
