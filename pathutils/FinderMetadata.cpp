@@ -1,0 +1,218 @@
+#include "pathutils/FinderMetadata.h"
+#include "coreutils/IconsAndImages.h"
+#include "pathutils/PathRelations.h"
+#include "platform/files/VolumeInformation.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSFileAttributes.h"
+#include "scripting/AppleEventDescriptors.h"
+#include "scripting/FileReferences.h"
+#include "scripting/URLUtilities.h"
+
+namespace mac {
+
+namespace {
+
+constexpr FSVolumeRefNum UnknownVolume = 0x3F3F;
+constexpr std::uint16_t UnknownFileSystem = 0xFFFF;
+constexpr std::uint16_t HFSFileSystem = 0x0000;
+constexpr std::uint16_t NetworkFileSystem = 0x6173;
+constexpr std::uint16_t FATFileSystem = 0x4953;
+constexpr std::uint16_t LocalFileSystem = 0xFFFE;
+
+constexpr TextEncoding UnknownEncoding = 0xFFFF;
+constexpr AEEventID UpdateEvent{"fupd"};
+constexpr DescType FileReferenceType{"fsrf"};
+constexpr AEKeyword DirectObject{"----"};
+
+bool getReferenceToItself(NSString const& path, FSRef& ref, bool& isDirectory) {
+    NSString const type = KRCPathGetFileType(path);
+    if (type == nil) return false;
+    FSRef parent{};
+    if (!KRCPathGetFSRef_isDirectory_(path.stringByDeletingLastPathComponent(), &parent, YES)) return false;
+    HFSUniStr255 name{};
+    KRCPathNameGetHFSUniStr255_(path.lastPathComponent(), &name);
+    if (FSMakeFSRefUnicode(&parent, name.length, name.unicode.data(), UnknownEncoding, &ref) != noErr) return false;
+    isDirectory = type.isEqualToString_(NSFileTypeDirectory);
+    return true;
+}
+
+std::optional<FSCatalogInfo> catalogInformation(NSString const& path, FSCatalogInfoBitmap which) {
+    FSRef ref{};
+    FSCatalogInfo information;
+    if (!KRPathGetFSRef_traverseLink_(path, &ref, NO)) return std::nullopt;
+    if (FSGetCatalogInfo(&ref, which, &information, {}, {}, {}) != noErr) return std::nullopt;
+    return information;
+}
+
+// What GetIconRefFromFileInfo is asked for; the icon is null until it answers one.
+struct IconAndLabel {
+    IconRef icon{};
+    std::int16_t label{0};
+};
+
+bool lookUp(FSRef const& ref, HFSUniStr255 const& name, bool wantsIcon, IconAndLabel& found) {
+    FSCatalogInfo information;
+    if (FSGetCatalogInfo(&ref, kIconServicesCatalogInfoMask, &information, {}, {}, {}) != noErr) return false;
+    IconRef* icon{};
+    if (wantsIcon) icon = &found.icon;
+    return GetIconRefFromFileInfo(&ref, name.length, name.unicode.data(), kIconServicesCatalogInfoMask, &information,
+                                  kIconServicesNoBadgeFlag, icon, &found.label) == noErr;
+}
+
+} // namespace
+
+bool KRPathGetFSRef_getIsDirectory_traverseLink_(NSString receiver, FSRef* ref, bool* isDirectory, BOOL traverseLink) {
+    if (traverseLink) return KRCPathGetFSRef_getIsDirectory_(receiver, ref, isDirectory);
+    bool isFolder = false;
+    bool const isMade = getReferenceToItself(receiver, *ref, isFolder);
+    if (!isMade) *ref = {};
+    if (isDirectory) *isDirectory = isMade && isFolder;
+    return isMade;
+}
+
+bool KRPathGetFSRef_traverseLink_(NSString receiver, FSRef* ref, BOOL traverseLink) {
+    return KRPathGetFSRef_getIsDirectory_traverseLink_(receiver, ref, {}, traverseLink);
+}
+
+bool KRPathGetParentFSRef_name_(NSString receiver, FSRef* parentRef, HFSUniStr255* name) {
+    FSRef ref{};
+    return KRCPathGetFSRef_(receiver, &ref) && FSGetCatalogInfo(&ref, kFSCatInfoNone, {}, name, {}, parentRef) == noErr;
+}
+
+FSVolumeRefNum pxVolumeRefNumOfPath(NSString receiver) {
+    std::optional<FSCatalogInfo> const information = catalogInformation(receiver, kFSCatInfoVolume);
+    return information ? information->volume : UnknownVolume;
+}
+
+std::uint16_t pxFilesystemIDForPath(NSString receiver) {
+    FSVolumeInfo information;
+    OSErr const status = FSGetVolumeInfo(pxVolumeRefNumOfPath(receiver), 0, {}, kFSVolInfoFSInfo, &information, {}, {});
+    return status == noErr ? information.filesystemID : UnknownFileSystem;
+}
+
+bool KRPathSupportsCustomIcons(NSString receiver) {
+    std::uint16_t const identifier = pxFilesystemIDForPath(receiver);
+    return identifier == HFSFileSystem || identifier == NetworkFileSystem || identifier == FATFileSystem ||
+           identifier == LocalFileSystem;
+}
+
+bool KRPathHasInexactTime(NSString receiver) {
+    if (receiver == nil) return false;
+    std::uint16_t const identifier = pxFilesystemIDForPath(receiver);
+    return identifier != HFSFileSystem && identifier != NetworkFileSystem && identifier != LocalFileSystem;
+}
+
+bool pxPathIsOnDOSVolume(NSString receiver) { return pxFilesystemIDForPath(receiver) == FATFileSystem; }
+
+bool pxPathIsOnIDisk(NSString receiver) {
+    return pxURLForVolume_(pxVolumeRefNumOfPath(receiver)).host().isEqualToString_(KRCIDiskHost);
+}
+
+bool pxValenceOfPath_(NSString receiver, std::uint32_t* valence) {
+    std::optional<FSCatalogInfo> const information = catalogInformation(receiver, kFSCatInfoValence);
+    if (information) *valence = information->valence;
+    return information.has_value();
+}
+
+bool pxFinderFlagsOfPath_(NSString receiver, std::uint16_t* flags) {
+    std::optional<FSCatalogInfo> const information = catalogInformation(receiver, kFSCatInfoFinderInfo);
+    if (information) *flags = finderInformationOf(*information).finderFlags();
+    return information.has_value();
+}
+
+bool pxSetFinderFlagsOfPath_mask_(NSString receiver, std::uint16_t flags, std::uint16_t mask) {
+    FSRef ref{};
+    FSCatalogInfo information;
+    if (!KRPathGetFSRef_traverseLink_(receiver, &ref, NO)) return false;
+    if (FSGetCatalogInfo(&ref, kFSCatInfoFinderInfo, &information, {}, {}, {}) != noErr) return false;
+    FinderInformation finder = finderInformationOf(information);
+    unsigned const kept = finder.finderFlags() & ~(unsigned{mask} | kIsOnDesk);
+    unsigned const set = unsigned{flags} & mask & ~unsigned{kIsOnDesk};
+    finder.setFinderFlags(static_cast<std::uint16_t>(kept | set));
+    setFinderInformation(information, finder);
+    return FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &information) == noErr;
+}
+
+bool pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(NSString receiver, std::uint16_t* flags, bool* isFolder,
+                                                            IconRef* customIconRef, std::int16_t* labelIndex) {
+    FSRef ref{};
+    FSCatalogInfo information;
+    HFSUniStr255 name{};
+    FSCatalogInfoBitmap const which = kFSCatInfoFinderInfo | (isFolder ? kFSCatInfoNodeFlags : kFSCatInfoNone);
+    if (!KRPathGetFSRef_traverseLink_(receiver, &ref, NO)) return false;
+    if (FSGetCatalogInfo(&ref, which, &information, &name, {}, {}) != noErr) return false;
+    std::uint16_t const found = finderInformationOf(information).finderFlags();
+    bool const hasWantedIcon = customIconRef && (found & kHasCustomIcon) != 0;
+    IconAndLabel iconAndLabel;
+    if ((hasWantedIcon || labelIndex) && !lookUp(ref, name, customIconRef, iconAndLabel)) {
+        ReleaseIconRef(iconAndLabel.icon);
+        return false;
+    }
+    if (flags) *flags = found;
+    if (isFolder) *isFolder = (information.nodeFlags & kFSNodeIsDirectoryMask) != 0;
+    if (customIconRef) *customIconRef = iconAndLabel.icon;
+    if (labelIndex) *labelIndex = iconAndLabel.label;
+    return true;
+}
+
+bool pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(NSString receiver, std::uint16_t* flags, bool* isFolder,
+                                                             NSDictionary* customIconData, std::int16_t* labelIndex) {
+    if (customIconData) *customIconData = nil;
+    IconRef icon{};
+    IconRef* wantedIcon{};
+    if (customIconData) wantedIcon = &icon;
+    if (!pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(receiver, flags, isFolder, wantedIcon, labelIndex))
+        return false;
+    if (!icon) return true;
+    *customIconData = pxDictionaryWithIconRef_(icon);
+    return ReleaseIconRef(icon) == noErr;
+}
+
+bool pxLSFlagsOfPath_(NSString receiver, std::uint32_t* flags) {
+    return pxLSFlagsOfPath_displayName_(receiver, flags, {});
+}
+
+bool pxLSFlagsOfPath_displayName_(NSString receiver, std::uint32_t* flags, NSString* displayName) {
+    return pxLSFlags_displayName_(pxURLOfPath(receiver), flags, displayName);
+}
+
+bool pxLSFlagsOfPath_displayName_isDirectory_(NSString receiver, std::uint32_t* flags, NSString* displayName,
+                                              BOOL isDirectory) {
+    return pxLSFlags_displayName_(pxURLOfPath_(receiver, isDirectory), flags, displayName);
+}
+
+bool pxUpdatePathInFinder(NSString receiver) {
+    FSRef ref{};
+    return KRPathGetFSRef_traverseLink_(receiver, &ref, NO) && pxUpdatePathInFinder_(&ref);
+}
+
+bool pxUpdatePathInFinder_(FSRef const* ref) {
+    if (!ref) return false;
+    NSAppleEventDescriptor const event = pxFinderAppleEventWithEventID_(UpdateEvent);
+    NSAppleEventDescriptor const item = NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
+        FileReferenceType, ref->hidden.data(), static_cast<NSUInteger>(ref->hidden.size()));
+    event.setParamDescriptor_forKeyword_(item, DirectObject);
+    return pxSend(event);
+}
+
+namespace {
+
+struct Registration {
+    Registration() {
+        Method const methods[] = {
+            method<&pxVolumeRefNumOfPath>("pxVolumeRefNumOfPath"),
+            method<&pxFilesystemIDForPath>("pxFilesystemIDForPath"),
+            method<&KRPathSupportsCustomIcons>("KRPathSupportsCustomIcons"),
+            method<&KRPathHasInexactTime>("KRPathHasInexactTime"),
+            method<&pxPathIsOnDOSVolume>("pxPathIsOnDOSVolume"),
+            method<&pxPathIsOnIDisk>("pxPathIsOnIDisk"),
+            method<&pxSetFinderFlagsOfPath_mask_>("pxSetFinderFlagsOfPath:mask:"),
+            method<&pxUpdatePathInFinder>("pxUpdatePathInFinder"),
+        };
+        classOf<NSString>().addMethods(methods);
+    }
+} const s_registration;
+
+} // namespace
+
+} // namespace mac

@@ -1,0 +1,320 @@
+#include "pathutils/FinderMetadata.h"
+#include "platform/files/ExtendedAttributes.h"
+#include "platform/files/VolumeInformation.h"
+#include "platform/foundation/NSData.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/launchservices/ItemInformation.h"
+#include "scripting/FileReferences.h"
+#include "tests/icons/IconBytes.h"
+#include "tests/support/TemporaryFolder.h"
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+std::string text(NSString const& string) {
+    return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
+}
+
+// Nothing that a reference to an item could be.
+FSRef filledReference() {
+    FSRef reference{};
+    reference.hidden.fill(0xA5);
+    return reference;
+}
+
+class FinderMetadata : public testing::Test {
+protected:
+    FinderMetadata() {
+        m_folder.makeFile("folder/file", "contents");
+        link("folder/file", "link");
+        link("folder", "folderLink");
+        link("nowhere", "lost");
+    }
+    void link(char const* target, char const* name) const {
+        if (::symlink(target, m_folder.path(name).c_str()) != 0) throw std::runtime_error("no link");
+    }
+    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
+    std::uint16_t flagsOf(std::string_view name) const {
+        std::uint16_t flags = 0xDEAD;
+        EXPECT_TRUE(pxFinderFlagsOfPath_(at(name), &flags));
+        return flags;
+    }
+    void setFlags(std::string_view name, std::uint16_t flags) const {
+        FinderInformation information;
+        information.setFinderFlags(flags);
+        ASSERT_TRUE(writeFinderInformation(m_folder.path(name), information));
+    }
+    void giveIcon(std::string_view name) const {
+        std::string const fork = resourceFork("icns", -16455, iconFamily(iconPiece("is32", "abc")));
+        ASSERT_EQ(setxattr(m_folder.path(name).c_str(), XATTR_RESOURCEFORK_NAME, fork.data(), fork.size(), 0, 0), 0);
+    }
+
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(FinderMetadata, AReferenceFollowsALinkOrMeansItItself) {
+    FSRef ref{};
+    bool isDirectory = false;
+    EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folderLink"), &ref, &isDirectory, YES));
+    EXPECT_TRUE(isDirectory);
+    EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), m_folder.path("folder"));
+    EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folderLink"), &ref, &isDirectory, NO));
+    EXPECT_FALSE(isDirectory);
+    EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), m_folder.path("folderLink"));
+    EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folder"), &ref, &isDirectory, NO));
+    EXPECT_TRUE(isDirectory);
+    EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folder"), &ref, {}, NO));
+    EXPECT_TRUE(KRPathGetFSRef_traverseLink_(at("link"), &ref, YES));
+    EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), m_folder.path("folder/file"));
+}
+
+TEST_F(FinderMetadata, ALinkThatLeadsNowhereHasAReferenceOfItsOwn) {
+    FSRef ref = filledReference();
+    EXPECT_TRUE(KRPathGetFSRef_traverseLink_(at("lost"), &ref, NO));
+    EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), m_folder.path("lost"));
+    EXPECT_FALSE(KRPathGetFSRef_traverseLink_(at("lost"), &ref, YES));
+    EXPECT_EQ(ref, FSRef{});
+}
+
+TEST_F(FinderMetadata, AReferenceToNothingIsAllZero) {
+    for (NSString const& none : {at("none"), at("none/file"), at("folder/file/below"), NSString(""), NSString(nil)}) {
+        for (BOOL const follows : {YES, NO}) {
+            FSRef ref = filledReference();
+            EXPECT_FALSE(KRPathGetFSRef_traverseLink_(none, &ref, follows)) << text(none);
+            EXPECT_EQ(ref, FSRef{}) << text(none);
+        }
+        FSRef ref = filledReference();
+        bool isDirectory = true;
+        EXPECT_FALSE(KRPathGetFSRef_getIsDirectory_traverseLink_(none, &ref, &isDirectory, NO));
+        EXPECT_FALSE(isDirectory);
+    }
+}
+
+TEST_F(FinderMetadata, AParentComesWithTheNameInIt) {
+    m_folder.makeFile("folder/a:b", "");
+    FSRef parent{};
+    HFSUniStr255 name{};
+    EXPECT_TRUE(KRPathGetParentFSRef_name_(at("folder/a:b"), &parent, &name));
+    EXPECT_EQ(text(KRCPathWithFSRef_(&parent)), m_folder.path("folder"));
+    EXPECT_EQ(text(KRCStringWithHFSUniStr255_(&name)), "a/b");
+    EXPECT_TRUE(KRPathGetParentFSRef_name_(at("link"), &parent, &name));
+    EXPECT_EQ(text(KRCStringWithHFSUniStr255_(&name)), "file");
+    EXPECT_TRUE(KRPathGetParentFSRef_name_("/", &parent, &name));
+    EXPECT_EQ(parent, FSRef{});
+    EXPECT_EQ(name.length, 0);
+    for (NSString const& none : {at("none"), at("lost"), NSString(nil)}) {
+        FSRef untouched = filledReference();
+        EXPECT_FALSE(KRPathGetParentFSRef_name_(none, &untouched, &name));
+        EXPECT_EQ(untouched, filledReference());
+    }
+}
+
+TEST_F(FinderMetadata, AVolumeHasOneNumber) {
+    FSVolumeRefNum const number = pxVolumeRefNumOfPath(at("folder"));
+    EXPECT_LT(number, 0);
+    EXPECT_EQ(pxVolumeRefNumOfPath(at("folder/file")), number);
+    EXPECT_EQ(pxVolumeRefNumOfPath(at("lost")), number);
+    for (NSString const& none : {at("none"), NSString("none"), NSString(""), NSString(nil)})
+        EXPECT_EQ(pxVolumeRefNumOfPath(none), 0x3F3F);
+}
+
+TEST_F(FinderMetadata, TheKindOfVolumeDecides) {
+    std::uint16_t const identifier = pxFilesystemIDForPath(at("folder"));
+    FSVolumeInfo information;
+    ASSERT_EQ(FSGetVolumeInfo(pxVolumeRefNumOfPath(at("folder")), 0, nullptr, kFSVolInfoFSInfo, &information, nullptr,
+                              nullptr),
+              noErr);
+    EXPECT_EQ(identifier, information.filesystemID);
+    // Where the tests run it is one of Linux's own.
+    EXPECT_EQ(identifier, 0xFFFE);
+    EXPECT_TRUE(KRPathSupportsCustomIcons(at("folder")));
+    EXPECT_FALSE(KRPathHasInexactTime(at("folder")));
+    EXPECT_FALSE(pxPathIsOnDOSVolume(at("folder")));
+    EXPECT_FALSE(pxPathIsOnIDisk(at("folder")));
+}
+
+TEST_F(FinderMetadata, OnAnUnknownVolumeTimesAreInexactAndIconsAreNone) {
+    EXPECT_EQ(pxFilesystemIDForPath(at("none")), 0xFFFF);
+    EXPECT_FALSE(KRPathSupportsCustomIcons(at("none")));
+    EXPECT_TRUE(KRPathHasInexactTime(at("none")));
+    EXPECT_FALSE(pxPathIsOnDOSVolume(at("none")));
+    EXPECT_FALSE(pxPathIsOnIDisk(at("none")));
+    EXPECT_EQ(pxFilesystemIDForPath(nil), 0xFFFF);
+    EXPECT_FALSE(KRPathSupportsCustomIcons(nil));
+    EXPECT_FALSE(KRPathHasInexactTime(nil));
+    EXPECT_FALSE(pxPathIsOnDOSVolume(nil));
+    EXPECT_FALSE(pxPathIsOnIDisk(nil));
+}
+
+TEST_F(FinderMetadata, TheValenceCountsWhatLiesInAFolder) {
+    std::uint32_t valence = 99;
+    EXPECT_TRUE(pxValenceOfPath_(at("folder"), &valence));
+    EXPECT_EQ(valence, 1U);
+    m_folder.makeFile("folder/.hidden", "");
+    m_folder.makeFolder("folder/below/it");
+    EXPECT_TRUE(pxValenceOfPath_(at("folder"), &valence));
+    EXPECT_EQ(valence, 3U);
+    EXPECT_TRUE(pxValenceOfPath_(at("folder/file"), &valence));
+    EXPECT_EQ(valence, 0U);
+    valence = 99;
+    EXPECT_TRUE(pxValenceOfPath_(at("folderLink"), &valence));
+    EXPECT_EQ(valence, 0U);
+    valence = 99;
+    EXPECT_FALSE(pxValenceOfPath_(at("none"), &valence));
+    EXPECT_FALSE(pxValenceOfPath_(nil, &valence));
+    EXPECT_EQ(valence, 99U);
+}
+
+TEST_F(FinderMetadata, FlagsAreReadFromTheStoredInformation) {
+    EXPECT_EQ(flagsOf("folder/file"), 0);
+    setFlags("folder/file", 0xC40A);
+    EXPECT_EQ(flagsOf("folder/file"), 0xC40A);
+    // A link's own.
+    EXPECT_EQ(flagsOf("link"), 0);
+    std::uint16_t flags = 7;
+    EXPECT_FALSE(pxFinderFlagsOfPath_(at("none"), &flags));
+    EXPECT_FALSE(pxFinderFlagsOfPath_(nil, &flags));
+    EXPECT_EQ(flags, 7);
+}
+
+TEST_F(FinderMetadata, FlagsAreSetWhereTheMaskSaysSo) {
+    setFlags("folder/file", 0x0500);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0x8000, 0x8000));
+    // The alias bit is set, others stay, and nothing lies on the desk.
+    EXPECT_EQ(flagsOf("folder/file"), 0x8400);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0xFFFF, 0x0102));
+    EXPECT_EQ(flagsOf("folder/file"), 0x8402);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0, 0x8000));
+    EXPECT_EQ(flagsOf("folder/file"), 0x0402);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0xFFFF, 0));
+    EXPECT_EQ(flagsOf("folder/file"), 0x0402);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0xFFFF, 0xFFFF));
+    EXPECT_EQ(flagsOf("folder/file"), 0xFEFF);
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder"), 0x0400, 0x0400));
+    EXPECT_EQ(flagsOf("folder"), 0x0400);
+}
+
+TEST_F(FinderMetadata, SettingFlagsKeepsTheRestOfTheInformation) {
+    FinderInformation information;
+    for (std::size_t index = 0; index < information.bytes.size(); ++index)
+        information.bytes[index] = static_cast<std::byte>(index + 1);
+    information.setFinderFlags(0x0400);
+    ASSERT_TRUE(writeFinderInformation(m_folder.path("folder/file"), information));
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0x4000, 0x4000));
+    information.setFinderFlags(0x4400);
+    EXPECT_EQ(readFinderInformation(m_folder.path("folder/file")), information);
+}
+
+TEST_F(FinderMetadata, FlagsOfNothingCannotBeSet) {
+    EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(at("none"), 0, 0));
+    EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(nil, 0x8000, 0x8000));
+    // A link carries no attributes.
+    EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(at("link"), 0x8000, 0x8000));
+    EXPECT_EQ(flagsOf("folder/file"), 0);
+}
+
+TEST_F(FinderMetadata, WithoutACustomIconNoneIsLookedUp) {
+    IconRef icon = reinterpret_cast<IconRef>(&icon);
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder/file"), {}, {}, &icon, {}));
+    EXPECT_EQ(icon, nullptr);
+}
+
+TEST_F(FinderMetadata, FlagsFolderIconAndLabelComeTogether) {
+    setFlags("folder/file", 0x040C);
+    giveIcon("folder/file");
+    std::uint16_t flags = 0;
+    bool isFolder = true;
+    IconRef icon{};
+    std::int16_t label = -1;
+    EXPECT_TRUE(
+        pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder/file"), &flags, &isFolder, &icon, &label));
+    EXPECT_EQ(flags, 0x040C);
+    EXPECT_FALSE(isFolder);
+    EXPECT_EQ(label, 6);
+    EXPECT_EQ(ReleaseIconRef(icon), noErr);
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder"), {}, &isFolder, {}, &label));
+    EXPECT_TRUE(isFolder);
+    EXPECT_EQ(label, 0);
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder"), {}, {}, {}, {}));
+}
+
+TEST_F(FinderMetadata, NothingIsWrittenForAMissingItem) {
+    for (NSString const& none : {at("none"), NSString(nil)}) {
+        std::uint16_t flags = 7;
+        bool isFolder = true;
+        auto const before = reinterpret_cast<IconRef>(&flags);
+        IconRef icon = before;
+        std::int16_t label = 7;
+        EXPECT_FALSE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(none, &flags, &isFolder, &icon, &label));
+        NSDictionary data = NSDictionary::dictionary();
+        EXPECT_FALSE(pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(none, &flags, &isFolder, &data, &label));
+        EXPECT_EQ(flags, 7);
+        EXPECT_TRUE(isFolder);
+        EXPECT_EQ(icon, before);
+        EXPECT_EQ(label, 7);
+        EXPECT_TRUE(data == nil);
+    }
+}
+
+TEST_F(FinderMetadata, AnIconsDataStandsUnderItsTypes) {
+    setFlags("folder/file", 0x0400);
+    giveIcon("folder/file");
+    NSDictionary data;
+    std::int16_t label = -1;
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(at("folder/file"), {}, {}, &data, &label));
+    EXPECT_EQ(data.count(), 1U);
+    EXPECT_EQ(as<NSData>(data.objectForKey_("is32")).length(), 3U);
+    EXPECT_EQ(label, 0);
+    // Without an icon of its own there is no data, with or without a label asked for.
+    data = NSDictionary::dictionary();
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(at("folder"), {}, {}, &data, {}));
+    EXPECT_TRUE(data == nil);
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(at("folder"), {}, {}, &data, &label));
+    EXPECT_TRUE(data == nil);
+    std::uint16_t flags = 0;
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(at("folder/file"), &flags, {}, {}, {}));
+    EXPECT_EQ(flags, 0x0400);
+}
+
+TEST_F(FinderMetadata, LaunchServicesTellsFlagsAndName) {
+    m_folder.makeFolder("A.app");
+    constexpr std::uint32_t application = kLSItemInfoIsContainer | kLSItemInfoIsPackage | kLSItemInfoIsApplication;
+    std::uint32_t flags = 0;
+    NSString name;
+    EXPECT_TRUE(pxLSFlagsOfPath_(at("A.app"), &flags));
+    EXPECT_EQ(flags, application);
+    EXPECT_TRUE(pxLSFlagsOfPath_displayName_(at("A.app"), &flags, &name));
+    EXPECT_EQ(text(name), "A.app");
+    EXPECT_TRUE(pxLSFlagsOfPath_displayName_(at("A.app"), &flags, {}));
+    for (BOOL const isDirectory : {YES, NO}) {
+        flags = 0;
+        EXPECT_TRUE(pxLSFlagsOfPath_displayName_isDirectory_(at("A.app"), &flags, &name, isDirectory));
+        EXPECT_EQ(flags, application);
+    }
+    for (NSString const& none : {at("none"), NSString(""), NSString(nil)}) {
+        flags = 7;
+        name = "untouched";
+        EXPECT_FALSE(pxLSFlagsOfPath_(none, &flags));
+        EXPECT_FALSE(pxLSFlagsOfPath_displayName_(none, &flags, &name));
+        EXPECT_FALSE(pxLSFlagsOfPath_displayName_isDirectory_(none, &flags, &name, YES));
+        EXPECT_EQ(flags, 7U);
+        EXPECT_EQ(text(name), "untouched");
+    }
+}
+
+TEST_F(FinderMetadata, ThereIsNothingToUpdateForAMissingItem) {
+    EXPECT_FALSE(pxUpdatePathInFinder(at("none")));
+    EXPECT_FALSE(pxUpdatePathInFinder(NSString(nil)));
+    EXPECT_FALSE(pxUpdatePathInFinder_(static_cast<FSRef const*>(nullptr)));
+}
+
+TEST_F(FinderMetadata, AreMessagesOfStrings) {
+    id const answer = at("folder").performSelector_("pxFilesystemIDForPath");
+    EXPECT_EQ(as<NSNumber>(answer).unsignedIntValue(), 0xFFFEU);
+}
+
+} // namespace
+} // namespace mac::test
