@@ -4,7 +4,8 @@
 
 namespace mac {
 
-// The type identifiers of the images that can be read, in the order of the readers' own names. Main thread.
+// The type identifiers of the images that can be read, in the order of the readers' own names; looked up once. Main
+// thread.
 // Linux: those for which the toolkit has a reader installed.
 NSArray CGImageSourceCopyTypeIdentifiers();
 

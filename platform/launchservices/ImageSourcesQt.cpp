@@ -5,7 +5,9 @@
 
 namespace mac {
 
-NSArray CGImageSourceCopyTypeIdentifiers() {
+namespace {
+
+NSArray readableTypes() {
     std::shared_ptr<TypeTree const> const types = knownTypes();
     NSMutableArray const identifiers = NSMutableArray::array();
     for (QByteArray const& mimeType : QImageReader::supportedMimeTypes()) {
@@ -14,6 +16,15 @@ NSArray CGImageSourceCopyTypeIdentifiers() {
         if (!identifiers.containsObject_(identifier)) identifiers.addObject_(identifier);
     }
     return NSArray::arrayWithArray_(identifiers);
+}
+
+} // namespace
+
+NSArray CGImageSourceCopyTypeIdentifiers() {
+    // The toolkit looks through its plug-ins for them, and finds the same ones each time. Never destroyed: images may
+    // be asked about until the program's last instruction.
+    static NSArray const& types = *std::make_unique<NSArray>(readableTypes()).release();
+    return types;
 }
 
 } // namespace mac
