@@ -7,7 +7,7 @@ namespace mac::fuzz {
 namespace {
 
 std::size_t sizeOf(AppleDouble const& file) {
-    std::size_t size = file.resourceFork.size();
+    std::size_t size = file.resourceFork.size() + file.informationTail.size();
     for (AppleDouble::Attribute const& attribute : file.attributes)
         size += attribute.value.size();
     for (AppleDouble::Part const& part : file.otherParts)
@@ -21,7 +21,8 @@ std::string complaintAboutAccess(AppleDouble file) {
         if (!file.removeValue(name) || file.valueOf(name)) return "a value cannot be removed";
     }
     if (!file.names().empty()) return "a name is left";
-    return file.isEmpty() == file.otherParts.empty() ? "" : "it is empty, or not";
+    bool const isEmpty = file.otherParts.empty() && file.informationTail.empty();
+    return file.isEmpty() == isEmpty ? "" : "it is empty, or not";
 }
 
 } // namespace

@@ -14,7 +14,14 @@ bool isZero(AppleDouble::FinderInformation const& information) {
 } // namespace
 
 bool AppleDouble::isEmpty() const {
-    return isZero(finderInformation) && resourceFork.empty() && attributes.empty() && otherParts.empty();
+    return isZero(finderInformation) && informationTail.empty() && resourceFork.empty() && attributes.empty() &&
+           otherParts.empty();
+}
+
+std::array<std::byte, 16> AppleDouble::defaultHomeFileSystem() {
+    std::array<std::byte, 16> bytes{};
+    std::ranges::copy(std::as_bytes(std::span(appledouble::HomeFileSystem)), bytes.begin());
+    return bytes;
 }
 
 std::optional<std::span<std::byte const>> AppleDouble::valueOf(std::string_view name) const {

@@ -21,6 +21,7 @@ struct AppleDouble {
     struct Attribute {
         std::string name;
         std::vector<std::byte> value;
+        std::uint16_t flags{0};
 
         bool operator==(Attribute const&) const = default;
     };
@@ -38,10 +39,22 @@ struct AppleDouble {
     std::vector<Attribute> attributes{};
     std::vector<Part> otherParts{};
 
+    // What means nothing here either, and stays as it was read.
+    std::array<std::byte, 16> homeFileSystem{defaultHomeFileSystem()};
+    struct TableMarks {
+        std::uint32_t tag{0};
+        std::array<std::byte, 12> reserved{};
+        std::uint16_t flags{0};
+
+        bool operator==(TableMarks const&) const = default;
+    } tableMarks{};
+    // Behind the Finder information, where it is no table of attributes: then there can be none.
+    std::vector<std::byte> informationTail{};
+
     // Fails for what is no such file or contradicts itself: nothing outside of the bytes is believed, no byte counts
     // twice, and no name does.
     static Result<AppleDouble> read(std::span<std::byte const> file);
-    // Nothing when it is more than the form can count, or a name is empty, too long or holds a NUL.
+    // Nothing when it is more than the form can count or read() takes, or a name is empty, too long or holds a NUL.
     std::optional<std::vector<std::byte>> written() const;
 
     bool isEmpty() const;
@@ -54,6 +67,9 @@ struct AppleDouble {
     bool removeValue(std::string_view name);
 
     bool operator==(AppleDouble const&) const = default;
+
+private:
+    static std::array<std::byte, 16> defaultHomeFileSystem();
 };
 
 } // namespace mac

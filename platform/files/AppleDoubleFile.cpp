@@ -1,8 +1,12 @@
 #include "platform/files/AppleDoubleFile.h"
+#include "platform/files/ItemIdentity.h"
 #include "platform/foundation/FileWriting.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/foundation/OpenItems.h"
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
+#include <mutex>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,13 +15,20 @@ namespace mac {
 namespace {
 
 constexpr std::size_t LargestFile = std::size_t{256} << 20;
-// What the item's reader and writer may do, nobody else does; and it is not run.
-constexpr mode_t ReadAndWrite = 0666;
+// Ten seconds altogether; who changes such a file needs milliseconds.
+constexpr timespec BetweenTries{0, 5'000'000};
+constexpr unsigned MostTries = 2'000;
 
-unsigned modeFor(OpenItem const& item) {
-    struct stat status {};
-    if (::fstat(item.item.number(), &status) != 0) return S_IRUSR | S_IWUSR;
-    return (status.st_mode & ReadAndWrite) | S_IRUSR | S_IWUSR;
+// A name can be given to another item.
+bool isInPlace(OpenItem const& item) {
+    std::optional<IdentifiedItem> const expected = identify(item.item);
+    std::optional<IdentifiedItem> const found = identify(item.folder, item.name);
+    return expected && found && expected->identity == found->identity;
+}
+
+std::mutex& threadLock() {
+    static std::mutex lock;
+    return lock;
 }
 
 } // namespace
@@ -30,32 +41,50 @@ AppleDoubleFile::AppleDoubleFile(OpenItem const& item) : m_item(item), m_name(na
     errno = before;
 }
 
+int AppleDoubleFile::readingError() const {
+    // The root has nothing beside it, and neither has an item whose name leaves no room for the prefix.
+    bool const holdsNothing = m_error == EEXIST || m_error == EOPNOTSUPP || m_error == ENAMETOOLONG;
+    return holdsNothing ? 0 : m_error;
+}
+
 void AppleDoubleFile::read() {
     if (m_item.name.empty()) {
         m_error = EOPNOTSUPP;
         return;
     }
     // Opening what is no file can wait for ever, or do things.
-    struct stat status {};
-    if (::fstatat(m_item.folder.number(), m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    std::optional<FileStatus> const found = fileStatusInFolder(m_item.folder, m_name);
+    if (!found) {
         m_error = errno == ENOENT ? 0 : errno;
         return;
     }
     m_error = EEXIST;
-    if (!S_ISREG(status.st_mode)) return;
+    if (found->kind != FileStatus::Kind::File) return;
     FileDescriptor const file(
         ::openat(m_item.folder.number(), m_name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) {
         m_error = errno;
         return;
     }
+    errno = 0;
     Result<FileContents> const bytes = readOpenFile(file, LargestFile);
-    if (!bytes.hasValue()) return;
+    if (!bytes.hasValue()) {
+        if (errno != 0) m_error = errno;
+        return;
+    }
     Result<AppleDouble> read = AppleDouble::read(bytes.value().bytes);
     if (!read.hasValue()) return;
     contents = read.takeValue();
-    m_isThere = true;
+    m_state = bytes.value().status;
     m_error = 0;
+}
+
+bool AppleDoubleFile::remove() const {
+    if (!m_state) return true;
+    std::optional<FileStatus> const found = fileStatusInFolder(m_item.folder, m_name);
+    if (!found && errno == ENOENT) return true;
+    if (found && found != m_state) errno = EAGAIN;
+    return found == m_state && ::unlinkat(m_item.folder.number(), m_name.c_str(), 0) == 0;
 }
 
 bool AppleDoubleFile::save() const {
@@ -63,14 +92,44 @@ bool AppleDoubleFile::save() const {
         errno = m_error;
         return false;
     }
-    if (contents.isEmpty())
-        return !m_isThere || ::unlinkat(m_item.folder.number(), m_name.c_str(), 0) == 0 || errno == ENOENT;
+    if (!isInPlace(m_item)) {
+        errno = ESTALE;
+        return false;
+    }
+    if (contents.isEmpty()) return remove();
     std::optional<std::vector<std::byte>> const bytes = contents.written();
     if (!bytes || bytes->size() > LargestFile) {
         errno = E2BIG;
         return false;
     }
-    return replaceFileInFolder(m_item.folder.number(), m_name, *bytes, modeFor(m_item));
+    if (replaceFileInFolder(m_item.folder, m_name, *bytes,
+                            {.newFileIsLike = &m_item.item, .hasToBe = true, .state = m_state}))
+        return true;
+    if (errno == EEXIST) errno = EAGAIN;
+    return false;
+}
+
+AppleDoubleLock::AppleDoubleLock(OpenItem const& item) : m_isHeld(true) {
+    if (item.folder.isOpen()) m_folder = readableFolder(item.folder);
+    for (unsigned tries = 0; m_folder.isOpen() && tries < MostTries; ++tries) {
+        if (::flock(m_folder.number(), LOCK_EX | LOCK_NB) == 0) return;
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            m_folder = FileDescriptor();
+            break;
+        }
+        ::nanosleep(&BetweenTries, nullptr);
+    }
+    if (m_folder.isOpen()) {
+        m_isHeld = false;
+        errno = EBUSY;
+        return;
+    }
+    threadLock().lock();
+    m_isThreadLocked = true;
+}
+
+AppleDoubleLock::~AppleDoubleLock() {
+    if (m_isThreadLocked) threadLock().unlock();
 }
 
 } // namespace mac

@@ -2,6 +2,7 @@
 
 #include "platform/files/AppleDouble.h"
 #include "platform/files/OpenItem.h"
+#include "platform/foundation/LongPath.h"
 
 namespace mac {
 
@@ -18,9 +19,12 @@ public:
     // else's and must not be written. errorNumber says why.
     bool isUsable() const { return m_error == 0; }
     int errorNumber() const { return m_error; }
+    // Why it is not known what the file holds; 0 also for somebody else's file, which holds nothing of the item.
+    int readingError() const;
 
-    // Puts the contents on the disk, old whole or new whole, or removes the file when they are empty. False when that
-    // fails; errno says why.
+    // Puts the contents on the disk, old whole or new whole, or removes the file when they are empty. A new file has
+    // the item's owner, group and permissions. False when that fails; errno says why: ESTALE when the item has lost its
+    // name, EAGAIN when somebody else has changed or made the file since it was read.
     bool save() const;
 
     // Of an item of that name, in the same folder.
@@ -28,11 +32,30 @@ public:
 
 private:
     void read();
+    bool remove() const;
 
     OpenItem const& m_item;
     std::string m_name;
-    bool m_isThere{false};
+    std::optional<FileStatus> m_state{};
     int m_error{0};
+};
+
+// While it lives no other thread, and no other program that asks for it, changes AppleDouble files in the folder. Where
+// folders cannot be locked it is only this program's threads that do not.
+class AppleDoubleLock {
+public:
+    explicit AppleDoubleLock(OpenItem const& item);
+    ~AppleDoubleLock();
+    AppleDoubleLock(AppleDoubleLock const&) = delete;
+    AppleDoubleLock& operator=(AppleDoubleLock const&) = delete;
+
+    // False, with errno EBUSY, when somebody keeps the folder locked.
+    bool isHeld() const { return m_isHeld; }
+
+private:
+    FileDescriptor m_folder{};
+    bool m_isThreadLocked{false};
+    bool m_isHeld{false};
 };
 
 } // namespace mac

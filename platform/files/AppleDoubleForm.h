@@ -9,8 +9,9 @@ namespace mac::appledouble {
 
 inline constexpr std::uint32_t Magic = 0x00051607;
 inline constexpr std::uint32_t Version = 0x00020000;
-inline constexpr std::string_view Filler = "Mac OS X        ";
-// Magic, version, filler, count of parts.
+// Where Mac OS X writes its name; others have written that of the file system the item comes from.
+inline constexpr std::string_view HomeFileSystem = "Mac OS X        ";
+// Magic, version, home file system, count of parts.
 inline constexpr std::size_t HeaderSize = 26;
 // Kind, offset, length.
 inline constexpr std::size_t PartEntrySize = 12;
@@ -27,5 +28,7 @@ inline constexpr std::size_t TableHeaderSize = 36;
 inline constexpr std::size_t AttributeEntrySize = 11;
 inline constexpr std::size_t AttributeAlignment = 4;
 inline constexpr std::size_t LongestName = 254;
+// More than any item carries, and few enough to be looked through.
+inline constexpr std::size_t MostAttributes = 1024;
 
 } // namespace mac::appledouble

@@ -75,38 +75,44 @@ std::optional<std::string> readName(Reader& reader) {
     return name;
 }
 
-// Behind the Finder information there may also be nothing but padding.
-Result<std::vector<AppleDouble::Attribute>> readTable(Bytes file, std::size_t start) {
-    std::vector<AppleDouble::Attribute> attributes;
-    Reader reader(file, start);
-    if (reader.number(4) != TableMagic) return attributes;
-    constexpr std::size_t untilCount = TableHeaderSize - 6;
-    reader.take(untilCount);
+// Answers what is wrong with the table, whose magic is read.
+std::string takeTable(AppleDouble& result, Bytes file, Reader& reader) {
+    result.tableMarks.tag = reader.number(4);
+    constexpr std::size_t endStartAndLength = 12;
+    reader.take(endStartAndLength);
+    Bytes const reserved = reader.take(result.tableMarks.reserved.size());
+    std::ranges::copy(reserved, result.tableMarks.reserved.begin());
+    result.tableMarks.flags = static_cast<std::uint16_t>(reader.number(2));
     std::size_t const count = reader.number(2);
+    if (count > MostAttributes) return "There are too many attributes";
     Pieces values(file);
     std::unordered_set<std::string> names;
     for (std::size_t index = 0; index < count; ++index) {
         std::size_t const offset = reader.number(4);
         std::size_t const length = reader.number(4);
-        reader.take(2);
+        auto const flags = static_cast<std::uint16_t>(reader.number(2));
         std::optional<std::string> name = readName(reader);
         std::optional<Bytes> const value = values.piece(offset, length);
-        if (!name || !value || !names.insert(*name).second) return Failure{"An attribute is damaged"};
-        attributes.push_back({std::move(*name), copyOf(*value)});
+        if (!name || !value || !names.insert(*name).second) return "An attribute is damaged";
+        result.attributes.push_back({std::move(*name), copyOf(*value), flags});
     }
-    if (!reader.isSound()) return Failure{"The table of attributes is cut short"};
-    return attributes;
+    return reader.isSound() ? "" : "The table of attributes is cut short";
 }
 
-// The Finder information, and behind it the attributes.
+bool isZero(Bytes bytes) {
+    return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{0}; });
+}
+
+// The Finder information, and behind it the attributes, nothing but padding, or what somebody else knows.
 std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t offset, Bytes part) {
     if (part.empty()) return {};
     if (part.size() < AppleDouble::FinderInformationSize) return "The Finder information is cut short";
     std::ranges::copy(part.first(AppleDouble::FinderInformationSize), result.finderInformation.begin());
-    if (part.size() < TableDistance + TableHeaderSize) return {};
-    Result<std::vector<AppleDouble::Attribute>> attributes = readTable(file, offset + TableDistance);
-    if (!attributes.hasValue()) return attributes.reason();
-    result.attributes = attributes.takeValue();
+    Reader reader(file, offset + TableDistance);
+    bool const hasTable = part.size() >= TableDistance + TableHeaderSize && reader.number(4) == TableMagic;
+    if (hasTable) return takeTable(result, file, reader);
+    Bytes const tail = part.subspan(AppleDouble::FinderInformationSize);
+    if (!isZero(tail)) result.informationTail = copyOf(tail);
     return {};
 }
 
@@ -116,10 +122,11 @@ Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) {
     Reader reader(file, 0);
     if (reader.number(4) != Magic) return Failure{"It is no AppleDouble file"};
     if (reader.number(4) != Version) return Failure{"It is an AppleDouble file of another version"};
-    reader.take(Filler.size());
+    AppleDouble result;
+    Bytes const homeFileSystem = reader.take(result.homeFileSystem.size());
+    std::ranges::copy(homeFileSystem, result.homeFileSystem.begin());
     std::size_t const count = reader.number(2);
 
-    AppleDouble result;
     Pieces pieces(file);
     std::unordered_set<std::uint32_t> kinds;
     for (std::size_t index = 0; index < count; ++index) {

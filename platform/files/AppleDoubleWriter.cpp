@@ -35,8 +35,10 @@ bool isWritable(AppleDouble::Attribute const& attribute) {
 std::vector<std::byte> finderPart(AppleDouble const& file, std::size_t place) {
     std::vector<std::byte> part;
     append(part, file.finderInformation);
+    append(part, file.informationTail);
+    if (!file.informationTail.empty()) return part;
     part.resize(TableDistance);
-    if (file.attributes.empty()) return part;
+    if (file.attributes.empty() && file.tableMarks == AppleDouble::TableMarks()) return part;
 
     std::size_t start = place + TableDistance + TableHeaderSize;
     std::size_t length = 0;
@@ -45,19 +47,19 @@ std::vector<std::byte> finderPart(AppleDouble const& file, std::size_t place) {
         length += attribute.value.size();
     }
     appendNumber(part, TableMagic, 4);
-    appendNumber(part, 0, 4);
+    appendNumber(part, file.tableMarks.tag, 4);
     appendNumber(part, start + length, 4);
     appendNumber(part, start, 4);
     appendNumber(part, length, 4);
-    constexpr std::size_t reservedAndFlags = 14;
-    part.resize(part.size() + reservedAndFlags);
+    append(part, file.tableMarks.reserved);
+    appendNumber(part, file.tableMarks.flags, 2);
     appendNumber(part, file.attributes.size(), 2);
     std::size_t offset = start;
     for (AppleDouble::Attribute const& attribute : file.attributes) {
         std::size_t const end = part.size() + entrySizeOf(attribute);
         appendNumber(part, offset, 4);
         appendNumber(part, attribute.value.size(), 4);
-        appendNumber(part, 0, 2);
+        appendNumber(part, attribute.flags, 2);
         appendNumber(part, attribute.name.size() + 1, 1);
         appendText(part, attribute.name);
         part.resize(end);
@@ -71,9 +73,9 @@ std::vector<std::byte> finderPart(AppleDouble const& file, std::size_t place) {
 } // namespace
 
 std::optional<std::vector<std::byte>> AppleDouble::written() const {
-    constexpr std::size_t mostAttributes = std::numeric_limits<std::uint16_t>::max();
-    constexpr std::size_t mostParts = mostAttributes - 2;
-    if (attributes.size() > mostAttributes || otherParts.size() > mostParts) return std::nullopt;
+    constexpr std::size_t mostParts = std::numeric_limits<std::uint16_t>::max() - 2;
+    if (attributes.size() > MostAttributes || otherParts.size() > mostParts) return std::nullopt;
+    if (!informationTail.empty() && !attributes.empty()) return std::nullopt;
     if (!std::ranges::all_of(attributes, isWritable)) return std::nullopt;
 
     // The Finder information comes first, where Mac OS X looks for it; the fork last, where it can grow.
@@ -87,7 +89,7 @@ std::optional<std::vector<std::byte>> AppleDouble::written() const {
     std::vector<std::byte> file;
     appendNumber(file, Magic, 4);
     appendNumber(file, Version, 4);
-    appendText(file, Filler);
+    append(file, homeFileSystem);
     appendNumber(file, parts.size(), 2);
     std::size_t place = firstPlace;
     for (Part const& part : parts) {

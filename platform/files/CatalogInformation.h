@@ -47,7 +47,6 @@ inline constexpr OSErr errFSMissingCatInfo = -1406;
 // The user may not.
 inline constexpr OSErr permErr = -54;
 inline constexpr OSErr wPrErr = -44;
-inline constexpr OSErr ioErr = -36;
 
 struct FSPermissionInfo {
     std::uint32_t userID{0};

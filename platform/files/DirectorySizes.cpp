@@ -52,7 +52,7 @@ std::vector<DirectorySize> readSizes(FileDescriptor const& folder) {
 
 void writeSizes(FileDescriptor const& folder, std::vector<DirectorySize> const& sizes) {
     std::string const text = DirectorySize::text(sizes);
-    replaceFileInFolder(folder.number(), FileName, std::as_bytes(std::span(text)), S_IRUSR | S_IWUSR);
+    replaceFileInFolder(folder, FileName, std::as_bytes(std::span(text)), {.newFileMode = S_IRUSR | S_IWUSR});
 }
 
 } // namespace

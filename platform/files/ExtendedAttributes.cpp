@@ -1,42 +1,22 @@
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/AppleDoubleFile.h"
+#include "platform/files/AttributesOnItem.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <mutex>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unordered_set>
 
 namespace mac {
 
 namespace {
 
-constexpr std::string_view Namespace = "user.";
-// What the system takes for a name, and for all names of an item.
-constexpr std::size_t LongestSystemName = 255;
-constexpr std::size_t LargestSystemList = 65536;
 constexpr int NoOptions = 0;
-
-// Only one at a time changes AppleDouble files.
-std::mutex& fileLock() {
-    static std::mutex lock;
-    return lock;
-}
 
 int failure(int errorNumber) {
     errno = errorNumber;
     return -1;
-}
-
-// Of the file system's attribute; empty, with errno set, for a name that none can have.
-std::string systemName(char const* name) {
-    std::size_t const length = name ? std::strlen(name) : 0;
-    if (length > 0 && Namespace.size() + length <= LongestSystemName) return std::string(Namespace) + name;
-    if (!name)
-        errno = EFAULT;
-    else
-        errno = length == 0 ? EINVAL : ENAMETOOLONG;
-    return {};
 }
 
 std::optional<OpenItem> openItem(char const* path, int options) {
@@ -58,24 +38,18 @@ bool isRefusal(int errorNumber) {
     return errorNumber == ENOSPC || errorNumber == E2BIG || errorNumber == EOPNOTSUPP || errorNumber == ERANGE;
 }
 
-std::vector<std::string> namesOnItem(OpenItem const& item) {
-    std::vector<char> list(LargestSystemList);
-    ssize_t const length = ::listxattr(item.systemPath().c_str(), list.data(), list.size());
-    std::vector<std::string> names;
-    char const* const end = list.data() + std::max<ssize_t>(length, 0);
-    for (char const* place = list.data(); place < end;) {
-        std::string_view const name(place, static_cast<std::size_t>(std::find(place, end, '\0') - place));
-        if (name.size() > Namespace.size() && name.starts_with(Namespace))
-            names.emplace_back(name.substr(Namespace.size()));
-        place += name.size() + 1;
+// Nothing, with errno set, when they cannot be read.
+std::optional<std::vector<std::string>> allNames(OpenItem const& item) {
+    std::optional<std::vector<std::string>> names = namesOnItem(item);
+    if (!names) return std::nullopt;
+    AppleDoubleFile const beside(item);
+    if (beside.readingError() != 0) {
+        errno = beside.readingError();
+        return std::nullopt;
     }
-    return names;
-}
-
-std::vector<std::string> allNames(OpenItem const& item) {
-    std::vector<std::string> names = namesOnItem(item);
-    for (std::string& name : AppleDoubleFile(item).contents.names()) {
-        if (std::ranges::find(names, name) == names.end()) names.push_back(std::move(name));
+    std::unordered_set<std::string> const known(names->begin(), names->end());
+    for (std::string& name : beside.contents.names()) {
+        if (!known.contains(name)) names->push_back(std::move(name));
     }
     return names;
 }
@@ -87,32 +61,77 @@ std::ptrdiff_t deliver(std::span<std::byte const> bytes, void* buffer, std::size
     return static_cast<std::ptrdiff_t>(bytes.size());
 }
 
-std::ptrdiff_t valueOnItem(OpenItem const& item, std::string const& name, void* value, std::size_t size) {
-    if (value && size > 0) return ::getxattr(item.systemPath().c_str(), name.c_str(), value, size);
-    // The system takes a size of 0 for the question how long it is.
-    ssize_t const length = ::getxattr(item.systemPath().c_str(), name.c_str(), nullptr, 0);
-    return value && length > 0 ? failure(ERANGE) : length;
+// Another name of the file would not have what is beside this one.
+bool hasOtherNames(OpenItem const& item) {
+    struct stat status {};
+    return ::fstat(item.item.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 1;
 }
 
-// Whether the options let the attribute be written, where it is or is not yet.
-bool mayWrite(OpenItem const& item, AppleDoubleFile const& beside, char const* name, std::string const& onSystem,
-              int options) {
-    if ((options & (XATTR_CREATE | XATTR_REPLACE)) == 0) return true;
-    bool const isThere = ::getxattr(item.systemPath().c_str(), onSystem.c_str(), nullptr, 0) >= 0 ||
-                         beside.contents.valueOf(name).has_value();
-    errno = isThere ? EEXIST : ENODATA;
-    return isThere == ((options & XATTR_REPLACE) != 0);
+// Why the options do not let the attribute be written that is there, or is not; 0 when they do.
+int contradiction(bool isThere, int options) {
+    if (isThere) return (options & XATTR_CREATE) != 0 ? EEXIST : 0;
+    return (options & XATTR_REPLACE) != 0 ? ENODATA : 0;
 }
 
-int writeBeside(OpenItem const& item, AppleDoubleFile& beside, char const* name, std::string const& onSystem,
+int writeBeside(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name,
                 std::span<std::byte const> value) {
-    // Somebody else's file stays, and the reason is the file system's.
-    if (!beside.isUsable()) return -1;
-    if (!beside.contents.setValue(name, value)) return failure(ERANGE);
+    if (hasOtherNames(item)) return failure(EMLINK);
+    if (!beside.contents.setValue(name.shown, value)) return failure(ERANGE);
     if (!beside.save()) return -1;
     // Until here the old value counted.
-    bool const isRemoved = ::removexattr(item.systemPath().c_str(), onSystem.c_str()) == 0 || mayBeBeside(errno);
-    return isRemoved ? 0 : -1;
+    return removeOnItem(item, name) == 0 || mayBeBeside(errno) ? 0 : -1;
+}
+
+// First what is beside, so that no older value appears when the other goes.
+int removeEverywhere(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name) {
+    if (beside.readingError() != 0) return failure(beside.readingError());
+    bool const wasBeside = beside.contents.removeValue(name.shown);
+    if (wasBeside && !beside.save()) return -1;
+    bool const wasNothing = holdsNothing(item, name);
+    bool const wasOnItem = removeOnItem(item, name) == 0;
+    if ((wasOnItem && !wasNothing) || (wasBeside && (wasOnItem || mayBeBeside(errno)))) return 0;
+    return wasOnItem || mayBeBeside(errno) ? failure(ENODATA) : -1;
+}
+
+int write(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name, std::span<std::byte const> value,
+          int options) {
+    bool const mustBeNew = (options & XATTR_CREATE) != 0;
+    bool const mustBeThere = (options & XATTR_REPLACE) != 0;
+    if ((mustBeNew || mustBeThere) && beside.readingError() != 0) return failure(beside.readingError());
+    bool const isBeside = beside.contents.valueOf(name.shown).has_value();
+    if (mustBeNew && isBeside) return failure(EEXIST);
+    // What counts as nothing must not look like something to the system.
+    if (holdsNothing(item, name) && removeOnItem(item, name) != 0) return -1;
+    if (isNothing(name, value)) {
+        bool const isThere = isBeside || valueOnItem(item, name, nullptr, 0) >= 0;
+        if (int const reason = contradiction(isThere, options)) return failure(reason);
+        return !isThere || removeEverywhere(item, beside, name) == 0 ? 0 : -1;
+    }
+    int systemOptions = mustBeNew ? ::XATTR_CREATE : 0;
+    if (mustBeThere && !isBeside) systemOptions = ::XATTR_REPLACE;
+    if (writeOnItem(item, name, value, systemOptions) == 0) {
+        // A value that stays beside does not count any more.
+        if (beside.contents.removeValue(name.shown)) beside.save();
+        return 0;
+    }
+    // Somebody else's file stays, and the reason is the file system's.
+    if (!isRefusal(errno) || !beside.isUsable()) return -1;
+    bool const isThere = isBeside || valueOnItem(item, name, nullptr, 0) >= 0;
+    if (int const reason = contradiction(isThere, options)) return failure(reason);
+    return writeBeside(item, beside, name, value);
+}
+
+// Somebody who knows nothing of the lock may have changed the file beside the item meanwhile; what he wrote counts.
+template <class Change>
+int changeUnderLock(OpenItem const& item, Change const& change) {
+    constexpr unsigned mostTries = 8;
+    AppleDoubleLock const lock(item);
+    if (!lock.isHeld()) return -1;
+    for (unsigned tries = 1;; ++tries) {
+        AppleDoubleFile beside(item);
+        int const result = change(beside);
+        if (result == 0 || errno != EAGAIN || tries == mostTries) return result;
+    }
 }
 
 } // namespace
@@ -123,7 +142,9 @@ std::ptrdiff_t listxattr(char const* path, char* names, std::size_t size, int op
     if (!item) return -1;
     std::string list;
     if (carriesAttributes(*item)) {
-        for (std::string const& name : allNames(*item))
+        std::optional<std::vector<std::string>> const all = allNames(*item);
+        if (!all) return -1;
+        for (std::string const& name : *all)
             list.append(name).push_back('\0');
     }
     return deliver(std::as_bytes(std::span(list)), names, size);
@@ -132,15 +153,16 @@ std::ptrdiff_t listxattr(char const* path, char* names, std::size_t size, int op
 std::ptrdiff_t getxattr(char const* path, char const* name, void* value, std::size_t size, std::uint32_t position,
                         int options) {
     if ((options & ~XATTR_NOFOLLOW) != NoOptions || position != 0) return failure(EINVAL);
-    std::string const onSystem = systemName(name);
-    if (onSystem.empty()) return -1;
+    std::optional<AttributeName> const wanted = attributeName(name);
+    if (!wanted) return -1;
     std::optional<OpenItem> const item = openItem(path, options);
     if (!item) return -1;
     if (!carriesAttributes(*item)) return failure(ENODATA);
-    std::ptrdiff_t const length = valueOnItem(*item, onSystem, value, size);
+    std::ptrdiff_t const length = valueOnItem(*item, *wanted, value, size);
     if (length >= 0 || !mayBeBeside(errno)) return length;
     AppleDoubleFile const beside(*item);
-    std::optional<std::span<std::byte const>> const found = beside.contents.valueOf(name);
+    if (beside.readingError() != 0) return failure(beside.readingError());
+    std::optional<std::span<std::byte const>> const found = beside.contents.valueOf(wanted->shown);
     return found ? deliver(*found, value, size) : failure(ENODATA);
 }
 
@@ -149,42 +171,26 @@ int setxattr(char const* path, char const* name, void const* value, std::size_t 
     constexpr int known = XATTR_NOFOLLOW | XATTR_CREATE | XATTR_REPLACE;
     bool const isContradiction = (options & XATTR_CREATE) != 0 && (options & XATTR_REPLACE) != 0;
     if ((options & ~known) != NoOptions || isContradiction || position != 0) return failure(EINVAL);
-    std::string const onSystem = systemName(name);
-    if (onSystem.empty()) return -1;
+    std::optional<AttributeName> const wanted = attributeName(name);
+    if (!wanted) return -1;
     if (!value && size > 0) return failure(EFAULT);
-    if (std::strcmp(name, XATTR_FINDERINFO_NAME) == 0 && size != AppleDouble::FinderInformationSize)
-        return failure(ERANGE);
+    if (wanted->isFinderInformation() && size != AppleDouble::FinderInformationSize) return failure(ERANGE);
     std::optional<OpenItem> const item = openItem(path, options);
     if (!item) return -1;
     if (!carriesAttributes(*item)) return failure(EPERM);
-
-    std::scoped_lock const lock(fileLock());
-    AppleDoubleFile beside(*item);
-    if (!mayWrite(*item, beside, name, onSystem, options)) return -1;
     std::span<std::byte const> const bytes(static_cast<std::byte const*>(value), size);
-    if (::setxattr(item->systemPath().c_str(), onSystem.c_str(), value, size, 0) != 0)
-        return isRefusal(errno) ? writeBeside(*item, beside, name, onSystem, bytes) : -1;
-    // A value that stays beside does not count any more.
-    if (beside.contents.removeValue(name)) beside.save();
-    return 0;
+    return changeUnderLock(*item,
+                           [&](AppleDoubleFile& beside) { return write(*item, beside, *wanted, bytes, options); });
 }
 
 int removexattr(char const* path, char const* name, int options) {
     if ((options & ~XATTR_NOFOLLOW) != NoOptions) return failure(EINVAL);
-    std::string const onSystem = systemName(name);
-    if (onSystem.empty()) return -1;
+    std::optional<AttributeName> const wanted = attributeName(name);
+    if (!wanted) return -1;
     std::optional<OpenItem> const item = openItem(path, options);
     if (!item) return -1;
     if (!carriesAttributes(*item)) return failure(EPERM);
-
-    // First what is beside, so that no older value appears when the other goes.
-    std::scoped_lock const lock(fileLock());
-    AppleDoubleFile beside(*item);
-    bool const wasBeside = beside.contents.removeValue(name);
-    if (wasBeside && !beside.save()) return -1;
-    bool const wasOnItem = ::removexattr(item->systemPath().c_str(), onSystem.c_str()) == 0;
-    if (wasOnItem || (wasBeside && mayBeBeside(errno))) return 0;
-    return mayBeBeside(errno) ? failure(ENODATA) : -1;
+    return changeUnderLock(*item, [&](AppleDoubleFile& beside) { return removeEverywhere(*item, beside, *wanted); });
 }
 
 } // namespace mac

@@ -11,7 +11,9 @@ namespace mac {
 // Linux: an attribute "n" is the file system's "user.n"; those of other namespaces do not show. What the file system
 // does not hold, because it is too large or because there is no place for attributes at all, goes to the AppleDouble
 // file "._NAME" beside the item, which is read too; where both have an attribute of the name, the file system's counts.
-// A missing attribute is ENODATA. Only files and folders carry attributes: on anything else they are EPERM.
+// Nothing goes there for a file with several names (EMLINK): the others would not have it. A missing attribute is
+// ENODATA. Only files and folders carry attributes: on anything else they are EPERM. EBUSY: somebody keeps the item's
+// folder locked.
 
 inline constexpr char XATTR_FINDERINFO_NAME[] = "com.apple.FinderInfo";
 inline constexpr char XATTR_RESOURCEFORK_NAME[] = "com.apple.ResourceFork";
@@ -29,7 +31,8 @@ std::ptrdiff_t listxattr(char const* path, char* names, std::size_t size, int op
 // be 0.
 std::ptrdiff_t getxattr(char const* path, char const* name, void* value, std::size_t size, std::uint32_t position,
                         int options);
-// The whole value, old or new whole. Finder information is 32 bytes, of another size ERANGE. Position must be 0.
+// The whole value, old or new whole. Finder information is 32 bytes, of another size ERANGE; zeros alone are none, and
+// neither is an empty resource fork: to set these is to remove what is there. Position must be 0.
 int setxattr(char const* path, char const* name, void const* value, std::size_t size, std::uint32_t position,
              int options);
 int removexattr(char const* path, char const* name, int options);

@@ -7,13 +7,34 @@ namespace mac {
 
 namespace {
 
-OSErr errorOf(int errorNumber) { return errorNumber == ENAMETOOLONG ? errFSNameTooLong : fnfErr; }
+OSErr errorOf(int errorNumber) {
+    switch (errorNumber) {
+    case EACCES:
+    case EPERM:
+        return afpAccessDenied;
+    case EMFILE:
+    case ENFILE:
+        return tmfoErr;
+    case EIO:
+        return ioErr;
+    case ENAMETOOLONG:
+        return errFSNameTooLong;
+    case ENODEV:
+    case ENXIO:
+        return nsvErr;
+    case ENOMEM:
+        return memFullErr;
+    case ESTALE:
+        return errFSBadFSRef;
+    default:
+        return fnfErr;
+    }
+}
 
-OSErr makeReference(std::string_view path, bool followsLinks, FSRef& ref) {
-    errno = 0;
-    std::optional<FSRef> const made = referenceToPath(path, followsLinks);
+OSErr takeReference(std::optional<FSRef> const& made, FSRef& ref) {
+    OSErr const error = made ? OSErr{noErr} : errorOf(errno);
     ref = made.value_or(FSRef{});
-    return made ? noErr : errorOf(errno);
+    return error;
 }
 
 // As paths show it; nothing for a name that none can have there.
@@ -38,7 +59,7 @@ OSStatus FSPathMakeRefWithOptions(std::uint8_t const* path, OptionBits options, 
     *ref = {};
     if (!path || (options & ~kFSPathMakeRefDoNotFollowLeafSymlink) != 0) return paramErr;
     bool const followsLinks = (options & kFSPathMakeRefDoNotFollowLeafSymlink) == 0;
-    OSErr const error = makeReference(reinterpret_cast<char const*>(path), followsLinks, *ref);
+    OSErr const error = takeReference(referenceToPath(reinterpret_cast<char const*>(path), followsLinks), *ref);
     if (error != noErr || !isDirectory) return error;
     std::optional<ReferencedItem> const item = itemOfReference(*ref);
     *isDirectory = item && item->isFolder;
@@ -61,10 +82,8 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
     if (nameLength > HFSUniStr255().unicode.size()) return errFSNameTooLong;
     std::optional<std::string> const shown = shownName({name, nameLength});
     if (!shown || *shown == "." || *shown == "..") return bdNamErr;
-    std::optional<ReferencedItem> const parent = itemOfReference(*parentRef);
-    if (!parent) return errFSBadFSRef;
-    if (!parent->isFolder) return errFSNotAFolder;
-    return makeReference(parent->path + "/" + *shown, false, *newRef);
+    OSErr const error = takeReference(referenceInFolder(*parentRef, *shown), *newRef);
+    return error == fnfErr && errno == ENOTDIR ? errFSNotAFolder : error;
 }
 
 OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2) {

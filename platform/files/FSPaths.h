@@ -9,10 +9,18 @@ namespace mac {
 // References by paths and names. Any thread. They answer noErr, or why not: paramErr for a null pointer that must not
 // be null; otherwise as said. A reference that cannot be made is all zero.
 
-// There is no item of that path or name.
-inline constexpr OSErr fnfErr = -43;
+// There is no such volume, or not any more.
+inline constexpr OSErr nsvErr = -35;
+// The disk, or what leads to it, has failed.
+inline constexpr OSErr ioErr = -36;
 // A name that no file can have.
 inline constexpr OSErr bdNamErr = -37;
+// The process has no room for another open file.
+inline constexpr OSErr tmfoErr = -42;
+// There is no item of that path or name.
+inline constexpr OSErr fnfErr = -43;
+// Something on the way may not be looked into.
+inline constexpr OSErr afpAccessDenied = -5000;
 // The folder's item is not there any more, or the reference is none.
 inline constexpr OSErr errFSBadFSRef = -1401;
 inline constexpr OSErr errFSNotAFolder = -1407;

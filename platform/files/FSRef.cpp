@@ -3,10 +3,19 @@
 
 namespace mac {
 
+namespace {
+
+bool isThisComputer(NSString const& host) {
+    return host.length() == 0 || host.caseInsensitiveCompare_("localhost") == NSOrderedSame;
+}
+
+} // namespace
+
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
     if (!fsRef) return false;
     *fsRef = {};
-    std::optional<std::string> const path = url.isFileURL() ? url.path().fileSystemRepresentation() : std::nullopt;
+    bool const isHere = url.isFileURL() && isThisComputer(url.host());
+    std::optional<std::string> const path = isHere ? url.path().fileSystemRepresentation() : std::nullopt;
     std::optional<FSRef> const reference = path ? referenceToPath(*path, true) : std::nullopt;
     if (reference) *fsRef = *reference;
     return reference.has_value();

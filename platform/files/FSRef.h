@@ -23,7 +23,7 @@ static_assert(sizeof(FSRef) == 80);
 // All of these may be called on any thread.
 
 // Makes the reference to what the file URL leads to, links followed. False, and the reference is all zero, where there
-// is nothing or the URL is no file's; false also for a null pointer.
+// is nothing or the URL is no file's or one of another computer; false also for a null pointer.
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef);
 // The URL of where the item is now, with a slash at the end for a folder; nil where it is not found.
 CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, FSRef const* fsRef);

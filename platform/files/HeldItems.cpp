@@ -1,11 +1,7 @@
 #include "platform/files/HeldItems.h"
 #include "platform/foundation/LongPath.h"
-#include <array>
-#include <climits>
-#include <dirent.h>
+#include "platform/foundation/OpenItems.h"
 #include <fcntl.h>
-#include <memory>
-#include <unistd.h>
 
 namespace mac {
 
@@ -13,53 +9,28 @@ namespace {
 
 constexpr int FolderFlags = O_PATH | O_DIRECTORY;
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-
 bool isThere(FileDescriptor const& folder, std::string const& name, ItemIdentity const& identity) {
     std::optional<IdentifiedItem> const found = identify(folder, name);
     return found && found->identity == identity;
 }
 
-struct SplitPath {
-    std::string folder;
-    std::string name;
-};
-
-SplitPath split(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
-    return {path.substr(0, start), path.substr(start)};
-}
-
 // Whether the item is what the path names, without following a link at its end.
 bool isAtPath(std::string const& path, ItemIdentity const& identity) {
-    SplitPath const parts = split(path);
+    SplitPath const parts = splitPath(path);
     FileDescriptor const folder = openPath(parts.folder.empty() ? "." : parts.folder, FolderFlags);
     return folder.isOpen() && isThere(folder, parts.name.empty() ? "." : parts.name, identity);
 }
 
-// The path that the system has for an open item. It says " (deleted)" behind one that is gone, but a name may end so,
-// and it says nothing when the path is too long for it.
-std::optional<std::string> systemsPath(FileDescriptor const& item) {
-    std::array<char, PATH_MAX> path;
-    std::string const link = "/proc/self/fd/" + std::to_string(item.number());
-    ssize_t const length = ::readlink(link.c_str(), path.data(), path.size());
-    if (length <= 0 || path[0] != '/') return std::nullopt;
-    return std::string(path.data(), static_cast<std::size_t>(length));
-}
-
 // Under another name in the folder that the path names.
 std::optional<std::string> findInFolder(std::string const& path, ItemIdentity const& identity) {
-    std::string const folderPath = split(path).folder;
-    FileDescriptor const folder = openPath(folderPath, O_RDONLY | O_DIRECTORY);
-    if (!folder.isOpen()) return std::nullopt;
-    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(::dup(folder.number())));
-    while (dirent const* const entry = entries ? ::readdir(entries.get()) : nullptr) {
-        std::string const name = entry->d_name;
-        if (entry->d_ino != identity.inode || name == "." || name == "..") continue;
-        if (isThere(folder, name, identity)) return folderPath + name;
+    std::string const folderPath = splitPath(path).folder;
+    FileDescriptor const folder = openPath(folderPath, FolderFlags);
+    FileDescriptor readable = folder.isOpen() ? readableFolder(folder) : FileDescriptor();
+    if (!readable.isOpen()) return std::nullopt;
+    std::optional<std::vector<FolderEntry>> const entries = entriesOf(std::move(readable));
+    if (!entries) return std::nullopt;
+    for (FolderEntry const& entry : *entries) {
+        if (entry.inode == identity.inode && isThere(folder, entry.name, identity)) return folderPath + entry.name;
     }
     return std::nullopt;
 }
@@ -97,6 +68,13 @@ std::optional<std::string> HeldItems::pathOf(ItemIdentity const& identity) const
     auto const remembered = m_rememberedByIdentity.find(identity);
     if (remembered == m_rememberedByIdentity.end() || !identity.isLasting()) return std::nullopt;
     return findAround(remembered->second->path, identity);
+}
+
+FileDescriptor HeldItems::openFolder(ItemIdentity const& identity) const {
+    if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end())
+        return openBelow(held->second->item, "");
+    std::optional<std::string> const path = pathOf(identity);
+    return path ? openPath(*path, FolderFlags | O_NOFOLLOW) : FileDescriptor();
 }
 
 void HeldItems::releaseRemoved() {

@@ -18,6 +18,9 @@ public:
     void hold(ItemIdentity const& identity, FileDescriptor item, std::string path);
     // Where it is now.
     std::optional<std::string> pathOf(ItemIdentity const& identity) const;
+    // A folder, to look into, by itself where it is held and else by where it is; what is opened may be another item
+    // then.
+    FileDescriptor openFolder(ItemIdentity const& identity) const;
     // Lets the items go that are on no volume any more.
     void releaseRemoved();
     // Lets the older half go, when the process has no descriptor left.

@@ -1,9 +1,14 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/files/HeldItems.h"
+#include "platform/foundation/OpenItems.h"
+#include "platform/foundation/SymbolicLinks.h"
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <mutex>
+#include <unistd.h>
 
 namespace mac {
 
@@ -52,6 +57,29 @@ auto withRoom(HeldItems& items, Question const& question) {
     }
 }
 
+// A relative one starts at the current folder, however long that one's path is.
+std::string absolutePath(std::string_view path) {
+    if (path.starts_with('/')) return std::string(path);
+    std::unique_ptr<char, decltype(&std::free)> const folder(::getcwd(nullptr, 0), &std::free);
+    return (folder ? std::string(folder.get()) : std::string()).append("/").append(path);
+}
+
+// Where the item is, as far as a path can tell: the system's own, or that which led there without its links.
+std::string placeOf(OpenItem const& item, std::string_view path, bool followsLinks) {
+    if (std::optional<std::string> known = systemsPath(item.item)) return *known;
+    std::string const absolute = absolutePath(path);
+    SplitPath const parts = splitPath(absolute);
+    bool const isLinkItself = !followsLinks && parts.name == item.name;
+    return isLinkItself ? resolvedPath(parts.folder) + "/" + parts.name : resolvedPath(absolute);
+}
+
+std::optional<FSRef> holdItem(HeldItems& items, FileDescriptor item, std::string path) {
+    std::optional<IdentifiedItem> const found = identify(item);
+    if (!found) return std::nullopt;
+    items.hold(found->identity, std::move(item), std::move(path));
+    return referenceTo(found->identity);
+}
+
 struct FoundItem {
     OpenItem item;
     std::string path;
@@ -78,10 +106,38 @@ std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks) {
     HeldItems& items = table().items;
     items.releaseRemoved();
     std::optional<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path, followsLinks); });
-    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
-    if (!found) return std::nullopt;
-    items.hold(found->identity, std::move(item->item), std::string(path));
-    return referenceTo(found->identity);
+    if (!item) return std::nullopt;
+    std::string place = placeOf(*item, path, followsLinks);
+    return holdItem(items, std::move(item->item), std::move(place));
+}
+
+std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
+    std::optional<ItemIdentity> const identity = identityOf(folder);
+    if (!identity) {
+        errno = ESTALE;
+        return std::nullopt;
+    }
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    items.releaseRemoved();
+    auto const opened = [](FileDescriptor descriptor) {
+        return descriptor.isOpen() ? std::optional(std::move(descriptor)) : std::nullopt;
+    };
+    std::optional<FileDescriptor> const parent = withRoom(items, [&] { return opened(items.openFolder(*identity)); });
+    // What is in the way says so itself; that there is nothing any more, or something else, is the reference's fault.
+    bool const isInTheWay = errno == ENOTDIR || errno == EACCES || errno == EMFILE || errno == ENFILE;
+    std::optional<IdentifiedItem> const found = parent ? identify(*parent) : std::nullopt;
+    if (!found || !(found->identity == *identity)) {
+        if (parent || !isInTheWay) errno = ESTALE;
+        return std::nullopt;
+    }
+    std::optional<FileDescriptor> item = withRoom(items, [&] {
+        return opened(FileDescriptor(::openat(parent->number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)));
+    });
+    if (!item) return std::nullopt;
+    std::optional<std::string> place = systemsPath(*item);
+    if (!place) place = items.pathOf(*identity).value_or("") + "/" + name;
+    return holdItem(items, std::move(*item), std::move(*place));
 }
 
 std::optional<ReferencedItem> itemOfReference(FSRef const& reference) {

@@ -13,6 +13,9 @@ namespace mac {
 // To the item at the path; errno says why not. Of a link at the end to what it leads to, or to the link itself.
 std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks);
 
+// To what has the name in the folder, wherever that is now; a link is meant itself. ESTALE: the folder is not found.
+std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& name);
+
 struct ReferencedItem {
     std::string path;
     bool isFolder{false};

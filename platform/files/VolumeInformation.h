@@ -4,7 +4,8 @@
 
 namespace mac {
 
-// The mounted volumes, by number and one after the other. Any thread.
+// The mounted volumes, by number and one after the other; nsvErr: none has the number, or there are not so many. Any
+// thread.
 
 using ItemCount = std::uint32_t;
 using FSVolumeInfoBitmap = std::uint32_t;
@@ -20,9 +21,6 @@ inline constexpr FSVolumeInfoBitmap kFSVolInfoFSInfo = 0x00004000;
 // Bits of the flags: the volume cannot be written, for its hardware's or for its mount's sake.
 inline constexpr std::uint16_t kFSVolFlagHardwareLockedMask = 0x0080;
 inline constexpr std::uint16_t kFSVolFlagSoftwareLockedMask = 0x8000;
-
-// No volume has the number, or there are not so many.
-inline constexpr OSErr nsvErr = -35;
 
 // Only the fields that are asked for have a meaning.
 struct FSVolumeInfo {

@@ -12,6 +12,8 @@ class FileDescriptor;
 
 NSDictionary fileAttributesOf(FileDescriptor const& item);
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
+// Immutable and append only alone; what the dictionary does not say stays.
+bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);
 NSDictionary volumeAttributesOf(FileDescriptor const& item);
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/OpenItems.h"
 #include <array>
 #include <cmath>
 #include <fcntl.h>
@@ -18,13 +19,9 @@ namespace {
 
 constexpr unsigned PermissionBits = 07777;
 
-// Through which the system follows to the item itself; what only names an item
-// is changed in no other way.
-std::string systemPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
-
 bool changePermissions(FileDescriptor const& item, NSNumber const& permissions) {
     return permissions == nil ||
-           ::chmod(systemPath(item).c_str(), permissions.unsignedIntValue() & PermissionBits) == 0;
+           ::chmod(descriptorPath(item).c_str(), permissions.unsignedIntValue() & PermissionBits) == 0;
 }
 
 bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
@@ -37,7 +34,7 @@ bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
     times[0].tv_nsec = UTIME_OMIT;
     times[1].tv_sec = static_cast<time_t>(whole);
     times[1].tv_nsec = static_cast<long>((seconds - whole) * 1e9);
-    return ::utimensat(AT_FDCWD, systemPath(item).c_str(), times.data(), 0) == 0;
+    return ::utimensat(AT_FDCWD, descriptorPath(item).c_str(), times.data(), 0) == 0;
 }
 
 // By number, else by name; "unchanged" where the dictionary says neither,
@@ -58,12 +55,12 @@ bool changeOwners(FileDescriptor const& item, NSDictionary const& attributes) {
     if (!user || !group || ::fstat(item.number(), &status) != 0) return false;
     bool const isSameUser = *user == ~0U || *user == status.st_uid;
     bool const isSameGroup = *group == ~0U || *group == status.st_gid;
-    return (isSameUser && isSameGroup) || ::chown(systemPath(item).c_str(), *user, *group) == 0;
+    return (isSameUser && isSameGroup) || ::chown(descriptorPath(item).c_str(), *user, *group) == 0;
 }
 
 bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bool isSet) {
     if (wanted == nil || wanted.boolValue() == isSet) return true;
-    FileDescriptor const file(::open(systemPath(item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    FileDescriptor const file(::open(descriptorPath(item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     int flags = 0;
     if (!file.isOpen() || ::ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0) return false;
     flags ^= flag;
@@ -95,6 +92,14 @@ bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attrib
     if (!old.fileIsAppendOnly()) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
     if (!old.fileIsImmutable()) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
     return done;
+}
+
+bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes) {
+    NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
+    NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
+    NSDictionary const old = fileAttributesOf(item);
+    bool const done = changeFlag(item, appendOnly, FS_APPEND_FL, old.fileIsAppendOnly());
+    return changeFlag(item, immutable, FS_IMMUTABLE_FL, old.fileIsImmutable()) && done;
 }
 
 } // namespace mac

@@ -20,6 +20,8 @@ public:
 
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
+    // Somebody else closes it.
+    int release() { return std::exchange(m_number, -1); }
 
 private:
     int m_number{-1};

@@ -82,6 +82,17 @@ std::optional<FileStatus> fileStatusAtPath(std::string_view path) {
     return statusOf(status);
 }
 
+std::optional<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name) {
+    struct stat status {};
+    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+    return statusOf(status);
+}
+
+std::optional<FileStatus> fileStatusOf(FileDescriptor const& file) {
+    struct stat status {};
+    return ::fstat(file.number(), &status) == 0 ? std::optional(statusOf(status)) : std::nullopt;
+}
+
 FileDescriptor openPath(std::string_view path, int flags) {
     ShortPath const place = shortened(path);
     if (!place.isValid) return {};

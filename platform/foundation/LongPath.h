@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +32,10 @@ struct FileStatus {
 
 // Nothing when it cannot be had; errno says why.
 std::optional<FileStatus> fileStatusAtPath(std::string_view path);
+
+// The same of a name in an open folder, and of an open file; a link is meant itself.
+std::optional<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name);
+std::optional<FileStatus> fileStatusOf(FileDescriptor const& file);
 
 // The flags are open's; the descriptor is closed on exec. None when it fails; errno says why.
 FileDescriptor openPath(std::string_view path, int flags);

@@ -4,12 +4,13 @@
 
 namespace mac {
 
+class FileDescriptor;
 class NSDictionary;
 
 // Gives the paths of everything below a folder, relative to it, a folder before
 // what is in it; of each folder the names as they were when it was entered.
-// Links are not followed, and folders that cannot be read count as empty. One
-// thread at a time.
+// Links are not followed, and folders that cannot be read count as empty. The
+// folder stays the same one when it is moved. One thread at a time.
 class NSDirectoryEnumerator : public Handle<NSDirectoryEnumerator, NSEnumerator> {
 public:
     class Body;
@@ -25,7 +26,7 @@ public:
     void skipDescendents() const;
 };
 
-// For implementations: of a folder at the path (bytes), whose names are these.
-NSDirectoryEnumerator directoryEnumerator(std::string const& path, std::vector<std::string> names);
+// For implementations: of an open folder, which need not be open for reading; nil for what cannot be listed.
+NSDirectoryEnumerator directoryEnumerator(FileDescriptor folder);
 
 } // namespace mac

@@ -7,9 +7,8 @@
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
-#include <array>
+#include "platform/foundation/OpenItems.h"
 #include <atomic>
-#include <climits>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -42,9 +41,8 @@ Place placeOf(NSString const& path) {
     while (bytes.size() > 1 && bytes.ends_with('/'))
         bytes.pop_back();
     if (bytes.empty()) return {};
-    std::size_t const slash = bytes.rfind('/');
-    std::size_t const start = slash == std::string::npos ? 0 : slash + 1;
-    Place place{openPath(start == 0 ? "." : bytes.substr(0, start), O_PATH | O_DIRECTORY), bytes.substr(start)};
+    SplitPath parts = splitPath(bytes);
+    Place place{openPath(parts.folder.empty() ? "." : parts.folder, O_PATH | O_DIRECTORY), std::move(parts.name)};
     if (place.name.empty()) place.name = ".";
     return place;
 }
@@ -59,14 +57,22 @@ mode_t modeOf(NSDictionary const& attributes, mode_t usual) {
 // Linked in or not, the room that knows better sets it before main.
 constinit std::atomic<DisplayNameSource> s_displayNameSource{nullptr};
 
+// What forbids every change, renaming too, has to wait until a file has its place.
+NSDictionary withoutLocks(NSDictionary const& attributes) {
+    NSMutableDictionary const rest = NSMutableDictionary::dictionaryWithDictionary_(attributes);
+    rest.removeObjectForKey_(NSFileImmutable);
+    rest.removeObjectForKey_(NSFileAppendOnly);
+    return rest;
+}
+
 bool allows(FileDescriptor const& item, int access) {
-    return item.isOpen() &&
-           ::faccessat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(item.number())).c_str(), access, AT_EACCESS) == 0;
+    return item.isOpen() && ::faccessat(AT_FDCWD, descriptorPath(item).c_str(), access, AT_EACCESS) == 0;
 }
 
 // In a folder with the sticky bit only an item's owner and the folder's may
-// remove it.
+// remove it; the root and folders without their name nobody can.
 bool allowsRemoval(Place const& place) {
+    if (place.name == "." || place.name == "..") return false;
     struct stat folder {};
     struct stat item {};
     if (::fstat(place.number(), &folder) != 0) return false;
@@ -182,9 +188,7 @@ NSArray NSFileManager::directoryContentsAtPath_(NSString const& path) const {
 }
 
 NSDirectoryEnumerator NSFileManager::enumeratorAtPath_(NSString const& path) const {
-    std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
-    std::optional<std::vector<std::string>> names = bytes ? namesInFolder(*bytes, LinkAtEnd::IsFollowed) : std::nullopt;
-    return names ? directoryEnumerator(*bytes, std::move(*names)) : NSDirectoryEnumerator(nil);
+    return *this == nil ? NSDirectoryEnumerator(nil) : directoryEnumerator(openItem(path, YES));
 }
 
 NSData NSFileManager::contentsAtPath_(NSString const& path) const {
@@ -209,17 +213,27 @@ bool NSFileManager::createDirectoryAtPath_attributes_(NSString const& path, NSDi
 bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
                                                           NSDictionary const& attributes) const {
     std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
-    if (!bytes || !replaceFileAtPath(*bytes, contents.span(), modeOf(attributes, UsualFileMode))) return false;
-    return attributes.count() == 0 || changeFileAttributes_atPath_(attributes, path);
+    if (!bytes) return false;
+    FileReplacement how{.newFileMode = modeOf(attributes, UsualFileMode)};
+    bool hasAttributes = true;
+    if (attributes.count() > 0) {
+        // On the file that was written, and before anybody finds it.
+        how.beforeRenaming = [&](FileDescriptor const& file) {
+            hasAttributes = changeFileAttributes(file, withoutLocks(attributes));
+            return true;
+        };
+        how.afterRenaming = [&](FileDescriptor const& file) {
+            hasAttributes = changeLocks(file, attributes) && hasAttributes;
+            return true;
+        };
+    }
+    return replaceFileAtPath(*bytes, contents.span(), how) && hasAttributes;
 }
 
 NSString NSFileManager::pathContentOfSymbolicLinkAtPath_(NSString const& path) const {
     Place const place = *this == nil ? Place() : placeOf(path);
-    std::array<char, PATH_MAX> text;
-    ssize_t const length =
-        place.isOpen() ? ::readlinkat(place.number(), place.name.c_str(), text.data(), text.size()) : -1;
-    if (length < 0) return nil;
-    return NSString::stringWithFileSystemRepresentation_({text.data(), static_cast<std::size_t>(length)});
+    std::optional<std::string> const text = place.isOpen() ? linkTextIn(place.folder, place.name) : std::nullopt;
+    return text ? NSString::stringWithFileSystemRepresentation_(*text) : NSString(nil);
 }
 
 bool NSFileManager::createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const {

@@ -46,8 +46,8 @@ public:
     // Linux: the last component, "/" for the root; bundles and desktop entries may
     // have a name of their own, and what hides its extension is shown without it.
     NSString displayNameAtPath_(NSString const& path) const;
-    // The names in a folder, sorted by their code units, without "." and "..";
-    // nil for what is no folder that can be read.
+    // The names in a folder, sorted by their bytes in the file system, without
+    // "." and ".."; nil for what is no folder that can be read.
     NSArray directoryContentsAtPath_(NSString const& path) const;
     // Everything below a folder; nil for what is none.
     NSDirectoryEnumerator enumeratorAtPath_(NSString const& path) const;
@@ -61,8 +61,10 @@ public:
     // The attributes may be nil. False where something is already, or the folder
     // above is not.
     bool createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const;
-    // Replaces a file that is there, old whole or new whole. Nil contents are
-    // none.
+    // Replaces a file that is there, old whole or new whole; it keeps what the
+    // attributes do not say. Nil contents are none. False also when an attribute
+    // could not be set; the file is there then, and nobody gets more of it than
+    // the attributes allow.
     bool createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
                                                NSDictionary const& attributes) const;
     // The text of a link; nil for what is none.

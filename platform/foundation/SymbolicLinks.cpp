@@ -1,8 +1,7 @@
 #include "platform/foundation/SymbolicLinks.h"
 #include "platform/foundation/LongPath.h"
-#include <array>
-#include <climits>
-#include <unistd.h>
+#include "platform/foundation/OpenItems.h"
+#include <fcntl.h>
 #include <vector>
 
 namespace mac {
@@ -25,9 +24,9 @@ void pushComponents(std::vector<std::string>& components, std::string_view path)
 
 // Empty for what is no link, or not there.
 std::string linkTarget(std::string const& path) {
-    std::array<char, PATH_MAX> target;
-    ssize_t const length = ::readlink(path.c_str(), target.data(), target.size());
-    return length > 0 ? std::string(target.data(), static_cast<std::size_t>(length)) : std::string();
+    SplitPath const parts = splitPath(path);
+    FileDescriptor const folder = openPath(parts.folder, O_PATH | O_DIRECTORY);
+    return folder.isOpen() ? linkTextIn(folder, parts.name).value_or("") : std::string();
 }
 
 void removeLastComponent(std::string& path) { path.resize(path.empty() ? 0 : path.rfind('/')); }

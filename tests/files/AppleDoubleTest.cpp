@@ -49,22 +49,16 @@ Bytes withTable(std::uint32_t attributes) {
     return bytes.text("ATTR").number(7).number(160).number(152).number(8).zeros(14).number(attributes, 2);
 }
 
+// Its entries, of an attribute "a" of 5 bytes and one "b:c" of 3, their values and a resource fork.
+void appendTwoAttributesAndFork(Bytes& bytes) {
+    bytes.number(152).number(5).number(0, 2).number(2, 1).text("a").zeros(4);
+    bytes.number(157).number(3).number(0, 2).number(4, 1).text("b:c").zeros(2);
+    bytes.text("valueyes").text("fork");
+}
+
 TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
-    Bytes const bytes = withTable(2)
-                            .number(152)
-                            .number(5)
-                            .number(0, 2)
-                            .number(2, 1)
-                            .text("a")
-                            .zeros(4)
-                            .number(157)
-                            .number(3)
-                            .number(0, 2)
-                            .number(4, 1)
-                            .text("b:c")
-                            .zeros(2)
-                            .text("valueyes")
-                            .text("fork");
+    Bytes bytes = withTable(2);
+    appendTwoAttributesAndFork(bytes);
     ASSERT_EQ(bytes.get().size(), 164U);
     Result<AppleDouble> const file = AppleDouble::read(bytes.get());
     ASSERT_TRUE(file.hasValue()) << file.reason();
@@ -82,32 +76,10 @@ TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
     ASSERT_TRUE(file.setValue("a", std::as_bytes(std::span("value", 5))));
     ASSERT_TRUE(file.setValue("b:c", std::as_bytes(std::span("yes", 3))));
     ASSERT_TRUE(file.setValue(XATTR_RESOURCEFORK_NAME, std::as_bytes(std::span("fork", 4))));
-    Bytes const expected = Bytes()
-                               .header(2)
-                               .part(9, 50, 110)
-                               .part(2, 160, 4)
-                               .zeros(34)
-                               .text("ATTR")
-                               .number(0)
-                               .number(160)
-                               .number(152)
-                               .number(8)
-                               .zeros(14)
-                               .number(2, 2)
-                               .number(152)
-                               .number(5)
-                               .number(0, 2)
-                               .number(2, 1)
-                               .text("a")
-                               .zeros(4)
-                               .number(157)
-                               .number(3)
-                               .number(0, 2)
-                               .number(4, 1)
-                               .text("b:c")
-                               .zeros(2)
-                               .text("valueyes")
-                               .text("fork");
+    Bytes expected;
+    expected.header(2).part(9, 50, 110).part(2, 160, 4).zeros(34);
+    expected.text("ATTR").number(0).number(160).number(152).number(8).zeros(14).number(2, 2);
+    appendTwoAttributesAndFork(expected);
     EXPECT_EQ(file.written(), expected.get());
 }
 
@@ -123,6 +95,66 @@ TEST(AppleDouble, KeepsPartsOfOthers) {
     EXPECT_EQ(again.value(), changed);
     EXPECT_EQ(again.value().otherParts.size(), 2U);
     EXPECT_EQ(text(again.value().valueOf("a")), "");
+}
+
+TEST(AppleDouble, KeepsWhatItDoesNotKnow) {
+    Bytes bytes;
+    bytes.number(0x00051607).number(0x00020000).text("HFS plus        ").number(2, 2);
+    bytes.part(9, 50, 88).part(2, 138, 0).zeros(34);
+    bytes.text("ATTR").number(0xCAFE).number(138).number(136).number(1).text("twelve bytes").number(0xBEEF, 2);
+    bytes.number(1, 2).number(136).number(1).number(0x1234, 2).number(2, 1).text("a").zeros(4).text("v").zeros(1);
+    ASSERT_EQ(bytes.get().size(), 138U);
+    Result<AppleDouble> read = AppleDouble::read(bytes.get());
+    ASSERT_TRUE(read.hasValue()) << read.reason();
+    AppleDouble changed = read.takeValue();
+    EXPECT_EQ(changed.tableMarks.tag, 0xCAFEU);
+    ASSERT_TRUE(changed.setValue("a", std::as_bytes(std::span("new", 3))));
+    ASSERT_TRUE(changed.setValue("b", {}));
+    Result<AppleDouble> const again = AppleDouble::read(changed.written().value());
+    ASSERT_TRUE(again.hasValue()) << again.reason();
+    EXPECT_EQ(again.value(), changed);
+    EXPECT_EQ(text(again.value().homeFileSystem), "HFS plus        ");
+    EXPECT_EQ(text(again.value().tableMarks.reserved), "twelve bytes");
+    EXPECT_EQ(again.value().tableMarks.flags, 0xBEEFU);
+    EXPECT_EQ(again.value().attributes[0].flags, 0x1234U);
+    EXPECT_EQ(again.value().attributes[1].flags, 0U);
+}
+
+TEST(AppleDouble, KeepsWhatOthersHavePutBehindTheFinderInformation) {
+    Bytes const bytes = Bytes().header(1).part(9, 38, 100).text("APPL").zeros(28).text("theirs").zeros(62);
+    Result<AppleDouble> read = AppleDouble::read(bytes.get());
+    ASSERT_TRUE(read.hasValue()) << read.reason();
+    AppleDouble changed = read.takeValue();
+    EXPECT_EQ(changed.informationTail.size(), 68U);
+    ASSERT_TRUE(changed.removeValue(XATTR_FINDERINFO_NAME));
+    EXPECT_FALSE(changed.isEmpty());
+    Result<AppleDouble> const again = AppleDouble::read(changed.written().value());
+    ASSERT_TRUE(again.hasValue()) << again.reason();
+    EXPECT_EQ(again.value(), changed);
+    // There is no place for a table.
+    ASSERT_TRUE(changed.setValue("a", {}));
+    EXPECT_FALSE(changed.written());
+}
+
+TEST(AppleDouble, KeepsNoPadding) {
+    Bytes const bytes = Bytes().header(1).part(9, 38, 4'000).text("APPL").zeros(3'996);
+    Result<AppleDouble> const read = AppleDouble::read(bytes.get());
+    ASSERT_TRUE(read.hasValue()) << read.reason();
+    EXPECT_TRUE(read.value().informationTail.empty());
+}
+
+TEST(AppleDouble, HoldsAtMost1024Attributes) {
+    AppleDouble file;
+    for (int index = 0; index < 1'024; ++index)
+        ASSERT_TRUE(file.setValue(std::to_string(index), {}));
+    std::optional<std::vector<std::byte>> const written = file.written();
+    ASSERT_TRUE(written);
+    Result<AppleDouble> const read = AppleDouble::read(*written);
+    ASSERT_TRUE(read.hasValue()) << read.reason();
+    EXPECT_EQ(read.value(), file);
+    ASSERT_TRUE(file.setValue("one more", {}));
+    EXPECT_FALSE(file.written());
+    EXPECT_EQ(complaint(withTable(1'025).zeros(64)), "There are too many attributes");
 }
 
 TEST(AppleDouble, WithoutInformationOrForkHasNoneOfThese) {
@@ -185,7 +217,7 @@ TEST(AppleDouble, SaysWhatIsWrongWithItsAttributes) {
     EXPECT_EQ(complaint(entry(0, 4, "com.apple.FinderInfo\0"sv)), "An attribute is damaged");
     EXPECT_EQ(complaint(entry(5000, 4, "a\0"sv)), "An attribute is damaged");
     EXPECT_EQ(complaint(entry(4, 0xFFFFFFFF, "a\0"sv)), "An attribute is damaged");
-    EXPECT_EQ(complaint(withTable(40'000).zeros(44)), "An attribute is damaged");
+    EXPECT_EQ(complaint(withTable(1'000).zeros(44)), "An attribute is damaged");
 }
 
 TEST(AppleDouble, WritesNoNameItCouldNotRead) {

@@ -187,7 +187,7 @@ TEST(ExtendedAttributes, OfOtherNamespacesDoNotShow) {
     EXPECT_EQ(::getxattr(file.c_str(), "user.trusted.hidden", nullptr, 0), 1);
 }
 
-TEST(ExtendedAttributes, HaveNamesOfAnyBytesAndAtMost250) {
+TEST(ExtendedAttributes, HaveNamesOfAnyBytesAndAtMost254) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     for (std::string const& name : {std::string("n\xC3\xA9"), std::string("\xFF\x80"), std::string(250, 'n'),
@@ -196,7 +196,7 @@ TEST(ExtendedAttributes, HaveNamesOfAnyBytesAndAtMost250) {
         EXPECT_EQ(list(file), Names{name});
         EXPECT_EQ(removeAttribute(file, name), 0);
     }
-    EXPECT_EQ(set(file, std::string(251, 'n'), "1"), -1);
+    EXPECT_EQ(set(file, std::string(255, 'n'), "1"), -1);
     EXPECT_EQ(errno, ENAMETOOLONG);
     EXPECT_EQ(set(file, "", "1"), -1);
     EXPECT_EQ(errno, EINVAL);
@@ -236,56 +236,6 @@ TEST(ExtendedAttributes, OfTheFinderAreOfOneSize) {
     EXPECT_TRUE(list(file).empty());
 }
 
-TEST(ExtendedAttributes, AreReadFromAnAppleDoubleFileAndTheFileSystemCountsFirst) {
-    TemporaryFolder const folder;
-    std::string const file = folder.makeFile("file", "");
-    AppleDouble beside;
-    for (char const* name : {"a", "b"})
-        ASSERT_TRUE(beside.setValue(name, std::as_bytes(std::span("beside", 6))));
-    std::vector<std::byte> const bytes = beside.written().value();
-    folder.makeFile("._file", {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
-    EXPECT_EQ(get(file, "a"), "beside");
-    ASSERT_EQ(::setxattr(file.c_str(), "user.a", "here", 4, 0), 0);
-    EXPECT_EQ(get(file, "a"), "here");
-    EXPECT_EQ(list(file), (Names{"a", "b"}));
-    // None of both is left.
-    EXPECT_EQ(removeAttribute(file, "a"), 0);
-    EXPECT_EQ(list(file), Names{"b"});
-    EXPECT_EQ(set(file, "b", "new"), 0);
-    EXPECT_EQ(get(file, "b"), "new");
-    EXPECT_FALSE(exists(folder.path("._file")));
-}
-
-TEST(ExtendedAttributes, TouchNoFileBesideThatIsNotTheirs) {
-    TemporaryFolder const folder;
-    std::string const file = folder.makeFile("file", "");
-    std::string const large(100'000, 'x');
-    std::string const theirs = folder.makeFile("._file", "somebody's notes");
-    EXPECT_EQ(set(file, "a", large), -1);
-    EXPECT_TRUE(list(file).empty());
-    EXPECT_EQ(set(file, "a", "small"), 0);
-    EXPECT_EQ(outputOf({"cat", theirs}), "somebody's notes");
-    ASSERT_EQ(::unlink(theirs.c_str()), 0);
-    std::string const target = folder.makeFile("target", "");
-    ASSERT_EQ(::symlink("target", theirs.c_str()), 0);
-    EXPECT_EQ(set(file, "a", large), -1);
-    EXPECT_EQ(outputOf({"cat", target}), "");
-    ASSERT_EQ(::unlink(theirs.c_str()), 0);
-    ASSERT_EQ(::mkfifo(theirs.c_str(), 0600), 0);
-    EXPECT_EQ(set(file, "a", large), -1);
-    EXPECT_EQ(get(file, "a"), "small");
-}
-
-TEST(ExtendedAttributes, BesideAnItemAreReadByWhoMayReadTheItem) {
-    TemporaryFolder const folder;
-    std::string const file = folder.makeFile("file", "");
-    ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
-    ASSERT_EQ(set(file, "a", std::string(100'000, 'x')), 0);
-    struct stat status {};
-    ASSERT_EQ(::stat(folder.path("._file").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0600U);
-}
-
 TEST(ExtendedAttributes, NeedNoShortPath) {
     LongFolder folder;
     folder.makeFile("file", "");
@@ -295,14 +245,6 @@ TEST(ExtendedAttributes, NeedNoShortPath) {
     EXPECT_EQ(set(file, "large", std::string(100'000, 'x')), 0);
     EXPECT_EQ(list(file), (Names{"a", "large"}));
     EXPECT_EQ(removeAttribute(file, "large"), 0);
-}
-
-TEST(ExtendedAttributes, OfANameThatLeavesNoPlaceBesideIt) {
-    TemporaryFolder const folder;
-    std::string const file = folder.makeFile(std::string(254, 'n'), "");
-    EXPECT_EQ(set(file, "a", "small"), 0);
-    EXPECT_EQ(set(file, "a", std::string(100'000, 'x')), -1);
-    EXPECT_EQ(get(file, "a"), "small");
 }
 
 } // namespace

@@ -1,7 +1,12 @@
 #include "platform/files/FSPaths.h"
+#include "tests/foundation/LongFolder.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
+#include <cerrno>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -102,6 +107,77 @@ TEST(FSMakeFSRefUnicode, SaysWhyThereIsNone) {
     EXPECT_EQ(FSMakeFSRefUnicode(nullptr, 1, u"a", 0, &reference), paramErr);
     EXPECT_EQ(FSMakeFSRefUnicode(&parent, 1, nullptr, 0, &reference), paramErr);
     EXPECT_EQ(FSMakeFSRefUnicode(&parent, 1, u"a", 0, nullptr), paramErr);
+}
+
+TEST(FSMakeFSRefUnicode, LooksIntoTheFolderItselfHoweverLongItsPath) {
+    LongFolder longFolder;
+    longFolder.makeFile("file", "");
+    FSRef const parent = referenceTo(longFolder.path());
+    FSRef const file = referenceTo(longFolder.path() + "/file");
+    FSRef reference{};
+    EXPECT_EQ(makeReference(parent, u"file", reference), noErr);
+    EXPECT_TRUE(reference == file);
+    TemporaryFolder const folder;
+    FSRef const inner = referenceTo(folder.makeFolder("inner"));
+    folder.makeFile("inner/file", "");
+    ASSERT_EQ(::rename(folder.path("inner").c_str(), folder.path("moved").c_str()), 0);
+    folder.makeFile("inner/file", "another");
+    EXPECT_EQ(makeReference(inner, u"file", reference), noErr);
+    EXPECT_EQ(pathOf(reference), folder.path("moved/file"));
+}
+
+TEST(FSMakeFSRefUnicode, KnowsAFolderThatIsGone) {
+    TemporaryFolder const folder;
+    std::string const inner = folder.makeFolder("inner");
+    FSRef const parent = referenceTo(inner);
+    ASSERT_EQ(::rmdir(inner.c_str()), 0);
+    folder.makeFile("inner/file", "");
+    FSRef reference{};
+    EXPECT_EQ(makeReference(parent, u"file", reference), errFSBadFSRef);
+}
+
+struct Refusal {
+    int errorNumber;
+    OSErr answer;
+};
+
+class RefusedReferences : public testing::TestWithParam<Refusal> {};
+
+TEST_P(RefusedReferences, SayWhy) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    FSRef const parent = referenceTo(folder.path());
+    withRefusedCall(SYS_openat, GetParam().errorNumber, [&] {
+        FSRef reference = parent;
+        EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), GetParam().answer);
+        EXPECT_TRUE(reference == FSRef{});
+        EXPECT_EQ(makeReference(parent, u"file", reference), GetParam().answer);
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(FSPaths, RefusedReferences,
+                         testing::Values(Refusal{EACCES, afpAccessDenied}, Refusal{EMFILE, tmfoErr}));
+
+TEST(FSPathMakeRef, SaysWhatTheDiskSays) {
+    for (Refusal const& refusal : {Refusal{EIO, ioErr}, Refusal{ENOMEM, memFullErr}, Refusal{ENXIO, nsvErr},
+                                   Refusal{EPERM, afpAccessDenied}, Refusal{ELOOP, fnfErr}}) {
+        withRefusedCall(SYS_openat, refusal.errorNumber, [&] {
+            FSRef reference{};
+            EXPECT_EQ(FSPathMakeRef(bytes("/usr"), &reference, nullptr), refusal.answer) << refusal.errorNumber;
+        });
+    }
+}
+
+TEST(FSPathMakeRef, LooksIntoNoFolderThatIsForbidden) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("closed/file", "");
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0), 0);
+    withoutPrivileges([&] {
+        FSRef reference{};
+        EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), afpAccessDenied);
+    });
+    ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0700), 0);
 }
 
 TEST(FSCompareFSRefs, TellsTheSameItem) {

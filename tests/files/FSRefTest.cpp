@@ -3,6 +3,7 @@
 #include "platform/files/ItemReferences.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -231,6 +232,36 @@ TEST(FSRef, TakesNamesThatAreNotUTF8AndLongPaths) {
     EXPECT_FALSE(referenceToPath(file + "2", true));
 }
 
+TEST(FSRef, ToALongPathIsFoundHoweverItWasMade) {
+    LongFolder longFolder;
+    longFolder.makeFile("file", "");
+    longFolder.makeFolder("inner");
+    std::string const& path = longFolder.path();
+    EXPECT_EQ(pathOf(referenceTo(path + "/inner/")), path + "/inner");
+    EXPECT_EQ(pathOf(referenceTo(path + "/inner/../inner/.")), path + "/inner");
+    EXPECT_EQ(pathOf(referenceTo(path + "/inner/../file")), path + "/file");
+    // Through a link at the front, which is short enough for the system.
+    TemporaryFolder const folder;
+    std::size_t const second = path.find('/', path.find('/', 1) + 1);
+    std::size_t const third = path.find('/', second + 1);
+    ASSERT_EQ(::symlink(path.substr(0, third).c_str(), folder.path("link").c_str()), 0);
+    std::string const throughLink = folder.path("link") + path.substr(third) + "/file";
+    EXPECT_EQ(pathOf(referenceTo(throughLink)), path + "/file");
+    EXPECT_EQ(pathOf(referenceToPath(throughLink, false).value()), path + "/file");
+}
+
+TEST(FSRef, ToALongRelativePathIsFoundFromElsewhere) {
+    LongFolder longFolder;
+    longFolder.makeFile("file", "");
+    std::string const& path = longFolder.path();
+    std::size_t const slash = path.find('/', path.find('/', 1) + 1);
+    std::unique_ptr<char, decltype(&std::free)> const before(::getcwd(nullptr, 0), &std::free);
+    ASSERT_EQ(::chdir(path.substr(0, slash).c_str()), 0);
+    FSRef const reference = referenceTo(path.substr(slash + 1) + "/file");
+    ASSERT_EQ(::chdir(before.get()), 0);
+    EXPECT_EQ(pathOf(reference), path + "/file");
+}
+
 TEST(FSRef, IsMadeAndFoundOnManyThreads) {
     TemporaryFolder const folder;
     std::vector<std::thread> threads;
@@ -262,11 +293,21 @@ TEST(FSRef, IsMadeFromAFileURLAndBecomesOne) {
     EXPECT_TRUE(CFURLHasDirectoryPath(CFURLCreateFromFSRef(kCFAllocatorDefault, &reference)));
 }
 
+TEST(FSRef, IsMadeFromAURLOfThisComputer) {
+    for (NSURL const& url : {NSURL::URLWithString_("file:///tmp"), NSURL::URLWithString_("file://localhost/tmp"),
+                             NSURL::URLWithString_("file://LocalHost/tmp")}) {
+        FSRef reference{};
+        EXPECT_TRUE(CFURLGetFSRef(url, &reference));
+        EXPECT_TRUE(reference == referenceTo("/tmp"));
+    }
+}
+
 TEST(FSRef, IsZeroWhereTheURLLeadsNowhere) {
     TemporaryFolder const folder;
     NSString const none = NSString::stringWithFileSystemRepresentation_(folder.path("none"));
     for (NSURL const& url : {NSURL(nil), NSURL::fileURLWithPath_(none), NSURL::URLWithString_("http://host/tmp"),
-                             NSURL::URLWithString_("file:///a%00b"), NSURL::URLWithString_("")}) {
+                             NSURL::URLWithString_("file:///a%00b"), NSURL::URLWithString_("file://elsewhere/tmp"),
+                             NSURL::URLWithString_("")}) {
         FSRef reference = referenceTo("/");
         EXPECT_FALSE(CFURLGetFSRef(url, &reference));
         EXPECT_TRUE(reference == FSRef{});

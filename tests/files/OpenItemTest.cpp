@@ -1,8 +1,10 @@
 #include "platform/files/OpenItem.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -61,6 +63,31 @@ TEST(OpenItem, IsTheLinkOrWhatItLeadsTo) {
     EXPECT_EQ(nameOf(folder.path("folder/"), false), "a");
     ASSERT_EQ(::symlink("a/.", folder.path("dotted").c_str()), 0);
     EXPECT_EQ(nameOf(folder.path("dotted")), "a");
+}
+
+TEST(OpenItem, LiesBehindAsManyLinksAsTheSystemFollows) {
+    TemporaryFolder const folder;
+    folder.makeFile("file", "");
+    std::string target = "file";
+    for (int number = 1; number <= 41; ++number) {
+        std::string const name = "link " + std::to_string(number);
+        ASSERT_EQ(::symlink(target.c_str(), folder.path(name).c_str()), 0);
+        target = name;
+    }
+    EXPECT_EQ(nameOf(folder.path("link 40")), "file");
+    EXPECT_EQ(nameOf(folder.path("link 41")), "-");
+    EXPECT_EQ(errno, ELOOP);
+}
+
+TEST(OpenItem, SaysWhyALinkCannotBeRead) {
+    TemporaryFolder const folder;
+    folder.makeFile("file", "");
+    ASSERT_EQ(::symlink("file", folder.path("link").c_str()), 0);
+    withRefusedCall(SYS_readlinkat, EIO, [&] {
+        EXPECT_EQ(nameOf(folder.path("file")), "file");
+        EXPECT_EQ(nameOf(folder.path("link")), "-");
+        EXPECT_EQ(errno, EIO);
+    });
 }
 
 TEST(OpenItem, StaysTheSameWhenItIsMoved) {

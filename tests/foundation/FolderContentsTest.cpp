@@ -1,8 +1,12 @@
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSData.h"
+#include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/LongFolder.h"
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -141,6 +145,71 @@ TEST_F(NSFileManagerContents, AreEqualOrNot) {
     EXPECT_FALSE(NSFileManager(nil).contentsEqualAtPath_andPath_(at("one"), at("one")));
 }
 
+// As many folders within each other, made by their descriptors.
+void makeDeep(std::string const& path, unsigned depth) {
+    ASSERT_EQ(::mkdir(path.c_str(), 0700), 0);
+    FileDescriptor folder(::open(path.c_str(), O_PATH | O_CLOEXEC));
+    for (unsigned level = 0; level < depth; ++level) {
+        ASSERT_EQ(::mkdirat(folder.number(), "d", 0700), 0);
+        folder = FileDescriptor(::openat(folder.number(), "d", O_PATH | O_CLOEXEC));
+    }
+}
+
+TEST_F(NSFileManagerContents, AreComparedHoweverDeepTheyLie) {
+    constexpr unsigned depth = 2'500;
+    makeDeep(m_folder.path("one"), depth);
+    makeDeep(m_folder.path("two"), depth);
+    makeDeep(m_folder.path("three"), depth - 1);
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &old), 0);
+    rlimit few = old;
+    few.rlim_cur = 64;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    bool const areEqual = manager().contentsEqualAtPath_andPath_(at("one"), at("two"));
+    bool const areOthersEqual = manager().contentsEqualAtPath_andPath_(at("one"), at("three"));
+    NSUInteger const count = manager().enumeratorAtPath_(at("one")).allObjects().count();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &old), 0);
+    EXPECT_TRUE(areEqual);
+    EXPECT_FALSE(areOthersEqual);
+    EXPECT_EQ(count, depth);
+}
+
+TEST_F(NSFileManagerContents, AreComparedInEveryFolder) {
+    for (char const* const tree : {"one", "two"}) {
+        for (char const* const file : {"/a/a/x", "/a/b/x", "/a/y", "/b/a/x", "/z"})
+            m_folder.makeFile(std::string(tree) + file, file);
+    }
+    EXPECT_TRUE(manager().contentsEqualAtPath_andPath_(at("one"), at("two")));
+    m_folder.makeFile("two/b/a/x", "/b/a/X");
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one"), at("two")));
+    EXPECT_TRUE(manager().contentsEqualAtPath_andPath_(at("one/a"), at("two/a")));
+    m_folder.makeFile("two/a/a/x", "/a/a/X");
+    EXPECT_FALSE(manager().contentsEqualAtPath_andPath_(at("one/a"), at("two/a")));
+}
+
+TEST_F(NSFileManagerContents, AreEnumeratedWhereverTheFolderGoes) {
+    m_folder.makeFile("folder/a/file", "1");
+    m_folder.makeFile("folder/b", "22");
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(at("folder"));
+    EXPECT_EQ(text(all.nextObject()), "a");
+    ASSERT_EQ(::rename(m_folder.path("folder").c_str(), m_folder.path("moved").c_str()), 0);
+    m_folder.makeFile("folder/a/other", "");
+    EXPECT_EQ(text(all.nextObject()), "a/file");
+    EXPECT_EQ(all.fileAttributes().fileSize(), 1U);
+    EXPECT_EQ(text(all.nextObject()), "b");
+    EXPECT_EQ(all.fileAttributes().fileSize(), 2U);
+}
+
+TEST_F(NSFileManagerContents, AreNotEnumeratedThroughALinkThatTakesAFoldersPlace) {
+    m_folder.makeFile("folder/a/file", "");
+    m_folder.makeFile("elsewhere/secret", "");
+    NSDirectoryEnumerator const all = manager().enumeratorAtPath_(at("folder"));
+    EXPECT_EQ(text(all.nextObject()), "a");
+    ASSERT_EQ(::rename(m_folder.path("folder/a").c_str(), m_folder.path("a").c_str()), 0);
+    ASSERT_EQ(::symlink("../elsewhere", m_folder.path("folder/a").c_str()), 0);
+    EXPECT_TRUE(all.nextObject() == nil);
+}
+
 TEST_F(NSFileManagerContents, OfANewFolderAreNone) {
     EXPECT_TRUE(manager().createDirectoryAtPath_attributes_(at("new"), nil));
     EXPECT_EQ(manager().directoryContentsAtPath_(at("new")).count(), 0U);
@@ -167,6 +236,32 @@ TEST_F(NSFileManagerContents, OfANewFileAreWhatItIsMadeWith) {
     EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(path(m_folder.path()), nil, nil));
     EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(nil, nil, nil));
     EXPECT_FALSE(NSFileManager(nil).createFileAtPath_contents_attributes_(at("other"), nil, nil));
+}
+
+TEST_F(NSFileManagerContents, OfANewFileHaveTheirAttributesFromTheBeginning) {
+    NSMutableDictionary const attributes = NSMutableDictionary::dictionaryWithDictionary_(permissions(0400));
+    attributes.setObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1'000), NSFileModificationDate);
+    EXPECT_TRUE(manager().createFileAtPath_contents_attributes_(at("file"), bytes("one"), attributes));
+    NSDictionary const found = manager().fileAttributesAtPath_traverseLink_(at("file"), NO);
+    EXPECT_EQ(found.filePosixPermissions(), 0400U);
+    EXPECT_EQ(found.fileModificationDate().timeIntervalSince1970(), 1'000);
+    // A failure is told, and the file is there.
+    attributes.setObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1'000), NSFileCreationDate);
+    EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(at("other"), bytes("two"), attributes));
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("other"), NO).filePosixPermissions(), 0400U);
+    EXPECT_TRUE(manager().contentsAtPath_(at("other")).isEqualToData_(bytes("two")));
+}
+
+TEST_F(NSFileManagerContents, OfANewFileMayBeLocked) {
+    NSDictionary const locked =
+        NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(YES), NSFileImmutable);
+    bool const isMade = manager().createFileAtPath_contents_attributes_(at("file"), bytes("one"), locked);
+    bool const isLocked = manager().fileAttributesAtPath_traverseLink_(at("file"), NO).fileIsImmutable();
+    NSDictionary const free =
+        NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(NO), NSFileImmutable);
+    manager().changeFileAttributes_atPath_(free, at("file"));
+    if (!isMade) GTEST_SKIP() << "files cannot be locked here";
+    EXPECT_TRUE(isLocked);
 }
 
 TEST_F(NSFileManagerContents, OfALinkAreItsText) {
@@ -197,6 +292,8 @@ TEST_F(NSFileManagerContents, MayBeReadOrNot) {
         EXPECT_FALSE(manager().isExecutableFileAtPath_(none));
         EXPECT_FALSE(manager().isDeletableFileAtPath_(none));
     }
+    for (NSString const& none : {NSString("/"), NSString("//"), at("."), at(".."), at("./")})
+        EXPECT_FALSE(manager().isDeletableFileAtPath_(none));
     EXPECT_FALSE(NSFileManager(nil).isReadableFileAtPath_("/"));
     EXPECT_FALSE(NSFileManager(nil).isWritableFileAtPath_("/"));
     EXPECT_FALSE(NSFileManager(nil).isExecutableFileAtPath_("/"));

@@ -129,7 +129,7 @@ TEST_F(PxExtendedAttributes, OfNoNameAreNone) {
         EXPECT_FALSE(pxRemoveExtendedAttributeForKey_(m_path, name));
         EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, name) == nil);
     }
-    EXPECT_FALSE(pxSetExtendedAttributeData_forKey_(m_path, bytes("1"), key(std::string(251, 'n'))));
+    EXPECT_FALSE(pxSetExtendedAttributeData_forKey_(m_path, bytes("1"), key(std::string(255, 'n'))));
     EXPECT_EQ(pxExtendedAttributesKeys(m_path).count(), 0U);
 }
 
