@@ -1,8 +1,8 @@
 #include "platform/launchservices/DesktopEntries.h"
 #include "platform/launchservices/DiskItem.h"
+#include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 namespace mac {
@@ -11,11 +11,6 @@ namespace {
 
 constexpr char EntryGroup[] = "Desktop Entry";
 
-std::string environment(char const* name, std::string const& fallback) {
-    char const* const value = std::getenv(name);
-    return value && *value ? value : fallback;
-}
-
 bool liesIn(std::string_view path, std::string_view folder) {
     return path.size() > folder.size() && path.starts_with(folder) && path[folder.size()] == '/';
 }
@@ -23,14 +18,7 @@ bool liesIn(std::string_view path, std::string_view folder) {
 } // namespace
 
 std::vector<std::string> applicationEntryFolders() {
-    std::vector<std::string> folders{environment("XDG_DATA_HOME", environment("HOME", "/") + "/.local/share")};
-    std::string const list = environment("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
-    for (std::size_t begin = 0; begin <= list.size();) {
-        std::size_t const end = std::min(list.find(':', begin), list.size());
-        // A relative folder is none, the standard says.
-        if (end > begin && list[begin] == '/') folders.push_back(list.substr(begin, end - begin));
-        begin = end + 1;
-    }
+    std::vector<std::string> folders = dataFolders();
     for (std::string& folder : folders)
         folder += "/applications";
     return folders;

@@ -1,6 +1,7 @@
 #include "platform/launchservices/DesktopRoles.h"
 #include "platform/foundation/FolderContents.h"
 #include "platform/launchservices/DesktopEntries.h"
+#include "platform/processes/DesktopApplication.h"
 #include "platform/processes/FileBrowser.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <cstdlib>
 #include <set>
 #include <tuple>
-#include <unistd.h>
 
 namespace mac {
 
@@ -49,18 +49,7 @@ bool isOneOf(Words const& desktops, Words const& listed) {
     return std::ranges::any_of(listed, [&](std::string const& desktop) { return has(desktops, desktop); });
 }
 
-bool isThere(std::string const& program) {
-    if (program.find('/') != std::string::npos) return ::access(program.c_str(), X_OK) == 0;
-    char const* const value = std::getenv("PATH");
-    std::string_view list = value ? value : "/usr/local/bin:/usr/bin:/bin";
-    while (!list.empty()) {
-        std::size_t const end = std::min(list.find(':'), list.size());
-        std::string const path = std::string(list.substr(0, end)).append("/").append(program);
-        if (end > 0 && ::access(path.c_str(), X_OK) == 0) return true;
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return false;
-}
+bool isThere(std::string const& program) { return resolvedProgram(program).has_value(); }
 
 bool canBeStarted(KeyFile const& entry) {
     std::optional<std::string> const commandLine = entry.text(EntryGroup, "Exec");

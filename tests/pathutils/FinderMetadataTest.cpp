@@ -1,4 +1,6 @@
 #include "pathutils/FinderMetadata.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/events/NSAppleEventManager.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/VolumeInformation.h"
 #include "platform/foundation/NSData.h"
@@ -6,7 +8,10 @@
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/FileReferences.h"
 #include "tests/icons/IconBytes.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -303,6 +308,62 @@ TEST_F(FinderMetadata, LaunchServicesTellsFlagsAndName) {
         EXPECT_EQ(flags, 7U);
         EXPECT_EQ(text(name), "untouched");
     }
+}
+
+FSRef s_updated{};
+
+OSErr takeUpdate(AppleEvent const* /*event*/, AppleEvent* /*reply*/, void* /*refcon*/) {
+    NSAppleEventDescriptor const event = NSAppleEventManager::sharedAppleEventManager().currentAppleEvent();
+    NSAppleEventDescriptor const item = event.paramDescriptorForKeyword_(AEKeyword("----"));
+    EXPECT_EQ(item.descriptorType(), DescType("fsrf"));
+    NSData const data = item.data();
+    EXPECT_EQ(data.length(), sizeof s_updated);
+    if (data.length() == sizeof s_updated)
+        std::ranges::copy(data.span(), std::as_writable_bytes(std::span(s_updated.hidden)).begin());
+    return noErr;
+}
+
+// A desktop whose file browser is this very program, which handles its own events at once.
+class DesktopOfOneself {
+public:
+    explicit DesktopOfOneself(TemporaryFolder const& folder)
+        : m_data("XDG_DATA_HOME", folder.path()), m_config("XDG_CONFIG_HOME", folder.path()) {
+        std::array<char, 4096> program{};
+        EXPECT_GT(::readlink("/proc/self/exe", program.data(), program.size() - 1), 0);
+        folder.makeFile("applications/browser.desktop",
+                        std::string("[Desktop Entry]\nName=Files\nExec=\"").append(program.data()).append("\"\n"));
+        folder.makeFile("mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
+        EXPECT_EQ(AEInstallEventHandler(AEEventClass("fndr"), AEEventID("fupd"), &takeUpdate, nullptr, NO), noErr);
+    }
+    ~DesktopOfOneself() { AERemoveEventHandler(AEEventClass("fndr"), AEEventID("fupd"), &takeUpdate, NO); }
+    DesktopOfOneself(DesktopOfOneself const&) = delete;
+    DesktopOfOneself& operator=(DesktopOfOneself const&) = delete;
+
+private:
+    EnvironmentVariable m_data;
+    EnvironmentVariable m_config;
+};
+
+TEST_F(FinderMetadata, TheFinderIsToldWhichItemToShowAnew) {
+    DesktopOfOneself const desktop(m_folder);
+    for (char const* name : {"folder", "lost"}) {
+        FSRef ref{};
+        ASSERT_TRUE(KRPathGetFSRef_traverseLink_(at(name), &ref, NO));
+        s_updated = {};
+        EXPECT_TRUE(pxUpdatePathInFinder(at(name)));
+        EXPECT_EQ(s_updated, ref);
+        s_updated = {};
+        EXPECT_TRUE(pxUpdatePathInFinder_(&ref));
+        EXPECT_EQ(s_updated, ref);
+    }
+}
+
+TEST_F(FinderMetadata, NobodyIsToldWhereNoFinderRuns) {
+    EnvironmentVariable const data("XDG_DATA_HOME", m_folder.path("none"));
+    EnvironmentVariable const dirs("XDG_DATA_DIRS", m_folder.path("none"));
+    EnvironmentVariable const config("XDG_CONFIG_HOME", m_folder.path("none"));
+    EnvironmentVariable const configs("XDG_CONFIG_DIRS", m_folder.path("none"));
+    EXPECT_FALSE(pxUpdatePathInFinder(at("folder")));
 }
 
 TEST_F(FinderMetadata, ThereIsNothingToUpdateForAMissingItem) {
