@@ -27,6 +27,9 @@ constexpr AEKeyword DirectObject{"----"};
 bool getReferenceToItself(NSString const& path, FSRef& ref, bool& isDirectory) {
     NSString const type = KRCPathGetFileType(path);
     if (type == nil) return false;
+    // The root lies in no folder, and is no link.
+    if (path.lastPathComponent().isEqualToString_("/"))
+        return KRCPathGetFSRef_getIsDirectory_(path, &ref, &isDirectory);
     FSRef parent{};
     if (!KRCPathGetFSRef_isDirectory_(path.stringByDeletingLastPathComponent(), &parent, YES)) return false;
     HFSUniStr255 name{};

@@ -8,8 +8,8 @@ namespace mac {
 class FileDescriptor;
 struct MountedVolume;
 
-// The numbers by which volumes are referred to: one for each as long as it is mounted, and never another's within a
-// program's life. For implementations; any thread.
+// The numbers by which volumes are referred to: one for each as long as it is mounted, and not given to another one
+// before there were 32,000. For implementations; any thread.
 
 FSVolumeRefNum numberOfVolume(MountedVolume const& volume);
 // Nothing for what lies on none; errno says why.

@@ -76,6 +76,17 @@ TEST_F(FinderMetadata, AReferenceFollowsALinkOrMeansItItself) {
     EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), m_folder.path("folder/file"));
 }
 
+TEST_F(FinderMetadata, TheRootHasAReference) {
+    for (BOOL const follows : {YES, NO}) {
+        FSRef ref{};
+        bool isDirectory = false;
+        EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_("/", &ref, &isDirectory, follows));
+        EXPECT_TRUE(isDirectory);
+        EXPECT_EQ(text(KRCPathWithFSRef_(&ref)), "/");
+    }
+    EXPECT_NE(pxVolumeRefNumOfPath("/"), 0x3F3F);
+}
+
 TEST_F(FinderMetadata, ALinkThatLeadsNowhereHasAReferenceOfItsOwn) {
     FSRef ref = filledReference();
     EXPECT_TRUE(KRPathGetFSRef_traverseLink_(at("lost"), &ref, NO));
