@@ -55,13 +55,13 @@ NSString pxDisplayComponent_(NSURL receiver, std::int32_t component) {
         return nil;
     }
     NSString const text = textAt(receiver, ranges.inner);
-    NSLog("%@: \"%@\" including separators: \"%@\"", name, text, textAt(receiver, ranges.withSeparators));
+    NSLog(R"(%@: "%@" including separators: "%@")", name, text, textAt(receiver, ranges.withSeparators));
     return text;
 }
 
 void pxDisplayComponents(NSURL receiver) {
     if (receiver == nil) return;
-    NSLog("Components for url \"%@\":", receiver);
+    NSLog(R"(Components for url "%@":)", receiver);
     NSLog("absoluteString: %@", receiver.absoluteString());
     NSLog("relativeString: %@", receiver.relativeString());
     NSLog("baseURL: %@", receiver.baseURL());

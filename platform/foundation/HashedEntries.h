@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Object.h"
+#include "platform/foundation/StringBody.h"
 #include <algorithm>
 #include <vector>
 
@@ -96,9 +96,15 @@ private:
     static constexpr std::uint32_t Free = 0xFFFFFFFF;
     static constexpr std::size_t MostWithoutSlots = 8;
 
+    static bool isString(id const& object) { return object.isMemberOfClass_(classOf<NSString>()); }
+
     static bool isFor(Entry const& entry, id const& key, std::uint64_t hash) {
         if (entry.hash != hash || entry.key == nil) return false;
         if (isSame(entry.key, key)) return true;
+        // Comparing strings calls nothing that could drop the entry.
+        if (isString(entry.key) && isString(key))
+            return areSameUnits(static_cast<NSString::Body const*>(entry.key.body())->units(),
+                                static_cast<NSString::Body const*>(key.body())->units());
         // Held, since the comparison may drop the entry.
         id const held = entry.key;
         return held.isEqual_(key);
@@ -153,10 +159,11 @@ private:
             place(m_entries[index].hash, index);
     }
 
+    // What a look-up in a small table needs comes first, so that it lies together in memory.
     std::vector<Entry> m_entries;
+    std::size_t m_count{0};
     std::vector<std::uint32_t> m_slots;
     std::size_t m_mask{0};
-    std::size_t m_count{0};
     std::uint32_t m_changes{0};
 };
 

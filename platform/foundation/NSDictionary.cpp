@@ -4,16 +4,42 @@
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Method.h"
 #include <algorithm>
+#include <array>
 
 namespace mac {
 
 namespace {
 
+// The keys that records were given last. Records have the same few keys over and over: one object for each of them
+// takes less memory, and it is at hand when a look-up goes through many records.
+class RecentKeys {
+public:
+    // An equal key that was given before, else the key.
+    static id sharedKey(id key) {
+        constexpr NSUInteger longest = 32;
+        if (s_areGone || !key.isMemberOfClass_(classOf<NSString>()) || uncheckedCast<NSString>(key).length() > longest)
+            return key;
+        thread_local RecentKeys keys;
+        NSString& recent = keys.m_keys[spreadHash(key.hash()) % keys.m_keys.size()];
+        if (!recent.isEqual_(key)) recent = uncheckedCast<NSString>(std::move(key));
+        return recent;
+    }
+
+    ~RecentKeys() { s_areGone = true; }
+
+private:
+    // At the end of a thread dictionaries may still be changed.
+    static thread_local bool s_areGone;
+    std::array<NSString, 64> m_keys;
+};
+
+thread_local bool RecentKeys::s_areGone = false;
+
 void store(HashedEntries& entries, id const& key, id const& value) {
     if (value == nil)
         entries.remove(key);
     else
-        entries.set(key.copy(), value);
+        entries.set(RecentKeys::sharedKey(key.copy()), value);
 }
 
 // Observers of a dictionary see each key that is set, however it is set. Without observers this costs nothing.

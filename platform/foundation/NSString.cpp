@@ -52,7 +52,8 @@ bool NSString::Body::isMutable() const { return isa().isSubclassOfClass_(classOf
 bool NSString::Body::isEqual(id const& other) const {
     if (other.body() == this) return true;
     // Without a handle, whose counting would take longer than most comparisons.
-    return other.isKindOfClass_(classOf<NSString>()) && static_cast<Body const*>(other.body())->units() == units();
+    return other.isKindOfClass_(classOf<NSString>()) &&
+           areSameUnits(static_cast<Body const*>(other.body())->units(), units());
 }
 
 std::uint64_t NSString::Body::hash() const {
@@ -191,7 +192,7 @@ std::optional<std::string> NSString::fileSystemRepresentation() const {
 }
 
 bool NSString::isEqualToString_(NSString const& other) const {
-    return *this != nil && other != nil && codeUnits() == other.codeUnits();
+    return *this != nil && other != nil && areSameUnits(codeUnits(), other.codeUnits());
 }
 
 NSString NSString::substringFromIndex_(NSUInteger index) const {

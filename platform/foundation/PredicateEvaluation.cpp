@@ -1,3 +1,4 @@
+#include "platform/foundation/CollectionBodies.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
@@ -22,6 +23,15 @@ id const& normalized(id const& value) {
     return value.body() == null ? none : value;
 }
 
+// The value where it lies: an immutable dictionary keeps it. Null for other objects. The key is one without an
+// operator.
+id const* valueWithin(id const& object, NSString const& key) {
+    if (!object.isMemberOfClass_(classOf<NSDictionary>())) return nullptr;
+    static id const none;
+    HashedEntries::Entry const* const entry = static_cast<NSDictionary::Body*>(object.body())->m_entries.find(key);
+    return entry ? &entry->value : &none;
+}
+
 // The value, which may be kept in the room that is given.
 id const& valueOf(PredicateExpression const& expression, id const& object, id& room) {
     using Kind = PredicateExpression::Kind;
@@ -31,6 +41,8 @@ id const& valueOf(PredicateExpression const& expression, id const& object, id& r
     case Kind::Self:
         return object;
     case Kind::KeyPath:
+        if (id const* const value = expression.isPlainKey ? valueWithin(object, expression.keyPath) : nullptr)
+            return *value;
         return room = expression.isPlainKey ? object.valueForKey_(expression.keyPath)
                                             : object.valueForKeyPath_(expression.keyPath);
     case Kind::Aggregate:

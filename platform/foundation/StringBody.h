@@ -2,6 +2,7 @@
 
 #include "platform/foundation/NSString.h"
 #include <atomic>
+#include <cstring>
 #include <string>
 
 namespace mac {
@@ -37,6 +38,12 @@ private:
     // 0 until somebody asked.
     mutable std::atomic<std::uint64_t> m_hash{0};
 };
+
+// By bytes: comparing unit by unit is what look-ups by path would spend their time on.
+inline bool areSameUnits(std::u16string_view one, std::u16string_view other) {
+    return one.size() == other.size() &&
+           (one.empty() || std::memcmp(one.data(), other.data(), one.size() * sizeof(char16_t)) == 0);
+}
 
 // A new immutable string of the code units.
 inline NSString makeString(std::u16string units) { return adopt<NSString>(std::move(units)); }
