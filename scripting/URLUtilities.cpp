@@ -1,4 +1,5 @@
 #include "scripting/URLUtilities.h"
+#include "pathutils/FinderMetadata.h"
 #include "platform/files/VolumeInformation.h"
 #include "platform/foundation/Method.h"
 #include "platform/launchservices/DisplayNames.h"
@@ -29,6 +30,18 @@ NSURL pxURLForVolume_(FSVolumeRefNum volume) {
     return FSCopyURLForVolume(volume, &url) == noErr ? url : NSURL(nil);
 }
 
+NSString KRVolumeURLGetPath(NSURL receiver) {
+    if (receiver == nil) return nil;
+    FSRef root{};
+    for (ItemCount index = 1;
+         FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, {}, kFSVolInfoNone, {}, {}, &root) == noErr; ++index) {
+        FSCatalogInfo information;
+        if (FSGetCatalogInfo(&root, kFSCatInfoVolume, &information, {}, {}, {}) != noErr) continue;
+        if (pxURLForVolume_(information.volume).isEqual_(receiver)) return KRCPathWithFSRef_(&root);
+    }
+    return nil;
+}
+
 bool pxLSFlags_displayName_(NSURL receiver, std::uint32_t* flags, NSString* displayName) {
     LSItemInfoRecord record;
     if (LSCopyItemInfoForURL(receiver, kLSRequestBasicFlagsOnly, &record) != noErr) return false;
@@ -48,11 +61,22 @@ bool pxIsImageFile(NSURL receiver) {
 
 bool pxIsAudioFile(NSURL receiver) { return UTTypeConformsTo(contentTypeOf(receiver), "public.audio"); }
 
+bool KRURLSupportsCustomIcons(NSURL receiver) {
+    return KRCURLIsOnIDisk(receiver) || KRPathSupportsCustomIcons(receiver.path());
+}
+
+bool KRURLHasInexactTime(NSURL receiver) {
+    return receiver != nil && !KRCURLIsOnIDisk(receiver) && KRPathHasInexactTime(receiver.path());
+}
+
 namespace {
 
 struct Registration {
     Registration() {
         Method const methods[] = {
+            method<&KRVolumeURLGetPath>("KRVolumeURLGetPath"),
+            method<&KRURLSupportsCustomIcons>("KRURLSupportsCustomIcons"),
+            method<&KRURLHasInexactTime>("KRURLHasInexactTime"),
             method<static_cast<bool (*)(NSURL)>(&pxIsImageFile)>("pxIsImageFile"),
             method<static_cast<bool (*)(NSURL)>(&pxIsAudioFile)>("pxIsAudioFile"),
         };

@@ -10,6 +10,8 @@ namespace mac {
 
 // Of the volume's root; nil where no volume has the number.
 NSURL pxURLForVolume_(FSVolumeRefNum volume);
+// The path of the root of the mounted volume whose URL equals the receiver; nil where there is none.
+NSString KRVolumeURLGetPath(NSURL receiver);
 // The basic flags of Launch Services (ItemInformation.h) and the name as people see it, whose pointer may be null. A
 // link is meant itself. NO where there is nothing, and for what is no file URL; nothing is written then.
 bool pxLSFlags_displayName_(NSURL receiver, std::uint32_t* flags, NSString* displayName);
@@ -17,6 +19,11 @@ bool pxLSFlags_displayName_(NSURL receiver, std::uint32_t* flags, NSString* disp
 bool pxIsImageFile(NSURL receiver);
 // Whether the file is sound by its type; whether that can be played is not asked. Links are followed.
 bool pxIsAudioFile(NSURL receiver);
+
+// As for the URL's path (pathutils/FinderMetadata.h): whether files on its volume can have icons of their own, and
+// whether dates there are less exact. On the iDisk service, which is told by the host alone, they can and are not.
+bool KRURLSupportsCustomIcons(NSURL receiver);
+bool KRURLHasInexactTime(NSURL receiver);
 
 // The components of a URL as it was written, without its base, by their numbers: 1 scheme, 2 net location, 3 path,
 // 4 resource specifier, 5 user, 6 password, 7 user info, 8 host, 9 port, 10 parameter string, 11 query, 12 fragment.

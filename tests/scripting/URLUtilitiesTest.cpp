@@ -1,4 +1,6 @@
 #include "scripting/URLUtilities.h"
+#include "pathutils/FinderMetadata.h"
+#include "platform/files/VolumeInformation.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -19,6 +21,58 @@ TEST(URLUtilities, AVolumesURLIsItsRoots) {
     EXPECT_TRUE(pxURLForVolume_(information.volume).absoluteString().isEqualToString_("file://localhost/"));
     EXPECT_TRUE(pxURLForVolume_(0x3F3F) == nil);
     EXPECT_TRUE(pxURLForVolume_(0) == nil);
+}
+
+TEST(URLUtilities, AVolumesPathIsFoundByItsURL) {
+    EXPECT_TRUE(KRVolumeURLGetPath(NSURL::URLWithString_("file://localhost/")).isEqualToString_("/"));
+    ItemCount index = 1;
+    FSVolumeRefNum volume = 0;
+    for (FSRef root{};
+         FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, &volume, kFSVolInfoNone, nullptr, nullptr, &root) == noErr;
+         ++index) {
+        NSURL const url = pxURLForVolume_(volume);
+        EXPECT_TRUE(KRVolumeURLGetPath(url).isEqualToString_(url.path())) << url.absoluteString().UTF8String();
+    }
+    EXPECT_GT(index, 1U);
+}
+
+TEST(URLUtilities, AURLOfNoVolumeHasNoVolumesPath) {
+    TemporaryFolder const folder;
+    for (NSURL const& none : {urlOf(folder.path()), urlOf(folder.makeFile("file", "")), urlOf("/no such volume/"),
+                              NSURL::URLWithString_("http://localhost/"), NSURL::URLWithString_("file:///"),
+                              NSURL::URLWithString_("FILE://localhost/"), NSURL(nil)})
+        EXPECT_TRUE(KRVolumeURLGetPath(none) == nil);
+}
+
+TEST(URLUtilities, IconsAndTimesAreThoseOfThePath) {
+    TemporaryFolder const folder;
+    for (std::string const& path : {folder.makeFile("file", ""), folder.path(), folder.path("missing"),
+                                    std::string("/"), std::string("/proc/self/stat")}) {
+        NSString const string = NSString::stringWithFileSystemRepresentation_(path);
+        EXPECT_EQ(KRURLSupportsCustomIcons(urlOf(path)), KRPathSupportsCustomIcons(string)) << path;
+        EXPECT_EQ(KRURLHasInexactTime(urlOf(path)), KRPathHasInexactTime(string)) << path;
+    }
+    EXPECT_FALSE(KRURLSupportsCustomIcons(urlOf(folder.path("missing"))));
+    EXPECT_TRUE(KRURLHasInexactTime(urlOf(folder.path("missing"))));
+}
+
+// Whatever the path says.
+TEST(URLUtilities, IconsAndTimesOnTheIDiskAreToldByTheHost) {
+    NSURL const url = NSURL::URLWithString_("http://idisk.mac.com/no/such/path");
+    EXPECT_TRUE(KRURLSupportsCustomIcons(url));
+    EXPECT_FALSE(KRURLHasInexactTime(url));
+    NSURL const elsewhere = NSURL::URLWithString_("http://IDISK.mac.com/no/such/path");
+    EXPECT_FALSE(KRURLSupportsCustomIcons(elsewhere));
+    EXPECT_TRUE(KRURLHasInexactTime(elsewhere));
+    EXPECT_FALSE(KRURLSupportsCustomIcons(nil));
+    EXPECT_FALSE(KRURLHasInexactTime(nil));
+}
+
+TEST(URLUtilities, AreMessages) {
+    id const url = NSURL::URLWithString_("http://idisk.mac.com/");
+    EXPECT_TRUE(as<NSNumber>(url.performSelector_("KRURLSupportsCustomIcons")).boolValue());
+    EXPECT_FALSE(as<NSNumber>(url.performSelector_("KRURLHasInexactTime")).boolValue());
+    EXPECT_TRUE(url.performSelector_("KRVolumeURLGetPath") == nil);
 }
 
 TEST(URLUtilities, FlagsAndNameOfAnItem) {
