@@ -22,6 +22,7 @@ public:
     }
 
     WeakReference delegate;
+    bool isEnding{false};
 
 private:
     void lastWindowClosed() {
@@ -74,11 +75,13 @@ void NSApplication::setDelegate_(id const& delegate) const {
 }
 
 void NSApplication::run() const {
-    if (*this != nil) QApplication::exec();
+    if (*this == nil) return;
+    bodyOf(*this)->isEnding = false;
+    QApplication::exec();
 }
 
 void NSApplication::terminate_(id const&) const {
-    if (*this == nil) return;
+    if (*this == nil || std::exchange(bodyOf(*this)->isEnding, true)) return;
     NSNotificationCenter::defaultCenter().postNotificationName_object_(NSApplicationWillTerminateNotification, *this);
     QCoreApplication::exit(0);
 }

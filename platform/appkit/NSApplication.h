@@ -20,14 +20,16 @@ public:
     void setDelegate_(id const& delegate) const;
     // Handles events until terminate_. Linux: returns then.
     void run() const;
-    // Posts NSApplicationWillTerminateNotification and ends run. The sender is ignored.
+    // Posts NSApplicationWillTerminateNotification and ends run; when that is under way, it does nothing. The sender is
+    // ignored.
     void terminate_(id const& sender) const;
 };
 
 inline constexpr char NSApplicationWillTerminateNotification[] = "NSApplicationWillTerminateNotification";
 
 // Runs the program: loads the main interface file that the main bundle names under NSMainNibFile, makes and connects
-// the objects it describes, sends the controller awakeFromNib, shows the window and handles events until the end.
+// the objects it describes, sends the controller awakeFromNib, shows the window and handles events until the end; the
+// Apple events of other programs too: asked to quit, it ends as if the window were closed.
 // Answers the exit status. Linux: 1, after a line on standard error, when there is no display or the interface file
 // cannot be used.
 int NSApplicationMain(int argc, char** argv);

@@ -1,3 +1,4 @@
+#include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/NSApplication.h"
@@ -22,6 +23,7 @@ int runInterface(NSString const& path) {
     NSApplication const application = NSApplication::sharedApplication();
     if (file.controllerIsDelegate()) application.setDelegate_(file.controller());
     file.window().makeKeyAndOrderFront_(nil);
+    installApplicationEvents();
     application.run();
     return 0;
 }

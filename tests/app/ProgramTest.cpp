@@ -1,3 +1,9 @@
+#include "platform/events/AppleEvents.h"
+#include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/processes/Processes.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
+#include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -57,6 +63,39 @@ TEST(Program, SaysThatTheDisplayDoesNotAnswerAndEnds) {
     EXPECT_TRUE(WIFEXITED(outcome.status));
     EXPECT_EQ(WEXITSTATUS(outcome.status), 1);
     EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;
+}
+
+using namespace mac;
+
+OSStatus send(ProcessSerialNumber const& psn, AEEventID eventID) {
+    NSAppleEventDescriptor const target =
+        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
+    NSAppleEventDescriptor const event =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            kCoreEventClass, eventID, target, kAutoGenerateReturnID, kAnyTransactionID);
+    AppleEvent reply;
+    return AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
+}
+
+TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {
+    mac::test::TemporaryFolder const home;
+    mac::test::EnvironmentVariable const homeVariable("HOME", home.path());
+    mac::test::EnvironmentVariable const platform("QT_QPA_PLATFORM", "offscreen");
+    mac::test::EnvironmentVariable const narrowed("FRAMEKEEPER_LOCAL_COMPUTER", home.path());
+    mac::test::ChildProcess program({PROGRAM});
+    ProcessSerialNumber psn;
+    ASSERT_EQ(GetProcessForPID(program.pid(), &psn), noErr);
+    OSStatus status = noErr;
+    std::int32_t pid = 0;
+    // It answers as soon as its window is there.
+    do
+        status = send(psn, kAEOpenApplication);
+    while (status != noErr && GetProcessPID(&psn, &pid) == noErr);
+    ASSERT_EQ(status, noErr);
+    EXPECT_EQ(send(psn, AEEventID("rapp")), noErr);
+    EXPECT_EQ(send(psn, AEEventID("odoc")), errAEEventNotHandled);
+    EXPECT_EQ(send(psn, kAEQuitApplication), noErr);
+    EXPECT_EQ(program.wait(), 0);
 }
 
 } // namespace

@@ -1,6 +1,11 @@
 #include "platform/appkit/NSApplication.h"
+#include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/processes/Processes.h"
 #include "tests/appkit/LoadedWindow.h"
 #include "tests/support/TemporaryFolder.h"
 #include <QTimer>
@@ -162,6 +167,73 @@ TEST(NSApplication, GoesOnAfterTheLastWindowWhenTheDelegateSaysNo) {
     application.run();
     EXPECT_EQ(bodyOf(delegate)->asked, 1);
     EXPECT_EQ(later, 1);
+}
+
+OSStatus sendToItself(AEEventID eventID) {
+    ProcessSerialNumber const self{0, kCurrentProcess};
+    NSAppleEventDescriptor const target =
+        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &self, sizeof self);
+    NSAppleEventDescriptor const event =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            kCoreEventClass, eventID, target, kAutoGenerateReturnID, kAnyTransactionID);
+    AppleEvent reply;
+    return AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
+}
+
+// Counts the notifications of an application's end.
+class EndListener : public Handle<EndListener, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        int ends{0};
+    };
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "EndListener",
+                .superclass = classOf<NSObject>(),
+                .methods = {method<&EndListener::applicationEnds_>("applicationEnds:")}};
+    }
+    void applicationEnds_(id const&) const { ++bodyOf(*this)->ends; }
+};
+
+// What becomes of a program that is asked to quit while its window is open.
+void askToQuit(BOOL delegateEndsIt) {
+    LoadedWindow const window;
+    Delegate const delegate = adopt<Delegate>();
+    bodyOf(delegate)->answer = bool(delegateEndsIt);
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(delegate);
+    EndListener const listener = adopt<EndListener>();
+    NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(
+        listener, "applicationEnds:", NSApplicationWillTerminateNotification, nil);
+    installApplicationEvents();
+    bool wasOpenAtReply = false;
+    QTimer::singleShot(0, [&] {
+        EXPECT_EQ(sendToItself(kAEQuitApplication), noErr);
+        wasOpenAtReply = window.file().window().isVisible();
+    });
+    application.run();
+    EXPECT_TRUE(wasOpenAtReply);
+    EXPECT_FALSE(window.file().window().isVisible());
+    EXPECT_EQ(bodyOf(delegate)->asked, 1);
+    EXPECT_EQ(bodyOf(listener)->ends, 1);
+    NSNotificationCenter::defaultCenter().removeObserver_(listener);
+}
+
+TEST(NSApplication, RepliesAndThenQuitsWhenAskedTo) {
+    askToQuit(YES);
+    askToQuit(NO);
+}
+
+TEST(NSApplication, IsOpenedAndOpenedAgainWithoutHarm) {
+    LoadedWindow const window;
+    installApplicationEvents();
+    NSWindow const shown = window.file().window();
+    shown.makeKeyAndOrderFront_(nil);
+    EXPECT_EQ(sendToItself(kAEOpenApplication), noErr);
+    EXPECT_EQ(sendToItself(AEEventID("rapp")), noErr);
+    EXPECT_TRUE(shown.isVisible());
+    EXPECT_EQ(sendToItself(AEEventID("odoc")), errAEEventNotHandled);
 }
 
 TEST(NSApplication, DoesNotKeepItsDelegateAlive) {

@@ -1,0 +1,44 @@
+#include "platform/appkit/ApplicationEvents.h"
+#include "platform/appkit/NSApplication.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/foundation/NSRunLoop.h"
+#include <QApplication>
+#include <QWidget>
+
+namespace mac {
+
+namespace {
+
+constexpr AEEventID ReopenApplication{"rapp"};
+
+OSErr doNothing(AppleEvent const*, AppleEvent*, void*) { return noErr; }
+
+OSErr bringToFront(AppleEvent const*, AppleEvent*, void*) {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible()) continue;
+        window->raise();
+        window->activateWindow();
+    }
+    return noErr;
+}
+
+// The delegate may have ended the program already when the last window was closed.
+void quitNow() {
+    QApplication::closeAllWindows();
+    NSApplication::sharedApplication().terminate_(nil);
+}
+
+OSErr quit(AppleEvent const*, AppleEvent*, void*) {
+    performOnMainRunLoop(quitNow);
+    return noErr;
+}
+
+} // namespace
+
+void installApplicationEvents() {
+    AEInstallEventHandler(kCoreEventClass, kAEOpenApplication, doNothing, nullptr, NO);
+    AEInstallEventHandler(kCoreEventClass, ReopenApplication, bringToFront, nullptr, NO);
+    AEInstallEventHandler(kCoreEventClass, kAEQuitApplication, quit, nullptr, NO);
+}
+
+} // namespace mac
