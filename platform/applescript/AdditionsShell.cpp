@@ -1,136 +1,24 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
+#include "platform/applescript/ShellCommand.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/FileDescriptor.h"
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace mac::applescript::additions {
 
 namespace {
 
-constexpr std::string_view ShellPath = "PATH=/usr/bin:/bin:/usr/sbin:/sbin";
 constexpr std::u16string_view SilentFailure = u"The command exited with a non-zero status.";
+constexpr std::u16string_view NoPassword =
+    u"The system itself asks for a user name and password; a script cannot give them.";
 constexpr std::int32_t PrivilegeViolation = -10004;
-constexpr int LongestWait = 50;
-
-// A command of the shell that runs, and what it says. Ends with it, or takes it along.
-class ShellCommand {
-public:
-    explicit ShellCommand(std::string const& command) {
-        Pipe output;
-        Pipe complaints;
-        posix_spawn_file_actions_t actions{};
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        ::posix_spawn_file_actions_adddup2(&actions, output.write, STDOUT_FILENO);
-        ::posix_spawn_file_actions_adddup2(&actions, complaints.write, STDERR_FILENO);
-        posix_spawnattr_t attributes{};
-        ::posix_spawnattr_init(&attributes);
-        // A group of its own, so that all of it can be stopped.
-        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-        std::array<std::string, 3> words{"sh", "-c", command};
-        std::array<char*, 4> const argv{words[0].data(), words[1].data(), words[2].data(), nullptr};
-        std::vector<char*> const environment = shellEnvironment();
-        int const failure =
-            ::posix_spawn(&m_process, "/bin/sh", &actions, &attributes, argv.data(), environment.data());
-        ::posix_spawnattr_destroy(&attributes);
-        ::posix_spawn_file_actions_destroy(&actions);
-        ::close(output.write);
-        ::close(complaints.write);
-        m_channels[0].descriptor = output.read;
-        m_channels[1].descriptor = complaints.read;
-        if (failure == 0) return;
-        m_process = -1;
-        closeChannels();
-        throw plainError(errors::OutOfMemory);
-    }
-
-    ~ShellCommand() {
-        closeChannels();
-        if (m_process <= 0) return;
-        ::kill(-m_process, SIGKILL);
-        ::waitpid(m_process, nullptr, 0);
-    }
-
-    ShellCommand(ShellCommand const&) = delete;
-    ShellCommand& operator=(ShellCommand const&) = delete;
-
-    // Until both ends are closed; throws when the script is to stop or says too much.
-    void collect(Evaluator const& evaluator, std::size_t most) {
-        while (m_channels[0].descriptor >= 0 || m_channels[1].descriptor >= 0) {
-            evaluator.stopIfAsked();
-            std::array<pollfd, 2> waiting{pollfd{.fd = m_channels[0].descriptor, .events = POLLIN, .revents = 0},
-                                          pollfd{.fd = m_channels[1].descriptor, .events = POLLIN, .revents = 0}};
-            if (::poll(waiting.data(), waiting.size(), LongestWait) < 0 && errno != EINTR) break;
-            for (std::size_t index = 0; index < waiting.size(); ++index)
-                if (waiting.at(index).revents != 0) readFrom(m_channels.at(index), most);
-        }
-    }
-
-    int status() {
-        int status = 0;
-        while (::waitpid(m_process, &status, 0) < 0 && errno == EINTR) {}
-        m_process = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
-
-    std::string const& output() const { return m_channels[0].said; }
-    std::string const& complaints() const { return m_channels[1].said; }
-
-private:
-    struct Pipe {
-        Pipe() {
-            std::array<int, 2> ends{-1, -1};
-            if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw plainError(errors::OutOfMemory);
-            read = ends[0];
-            write = ends[1];
-        }
-        int read{-1};
-        int write{-1};
-    };
-
-    struct Channel {
-        int descriptor{-1};
-        std::string said{};
-    };
-
-    static std::vector<char*> shellEnvironment() {
-        static std::string path(ShellPath);
-        std::vector<char*> environment{path.data()};
-        for (char** entry = environ; entry && *entry; ++entry)
-            if (!std::string_view(*entry).starts_with("PATH=")) environment.push_back(*entry);
-        environment.push_back(nullptr);
-        return environment;
-    }
-
-    static void readFrom(Channel& channel, std::size_t most) {
-        std::array<char, 65536> buffer{};
-        ssize_t const count = ::read(channel.descriptor, buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR) return;
-        if (count <= 0) {
-            ::close(std::exchange(channel.descriptor, -1));
-            return;
-        }
-        channel.said.append(buffer.data(), static_cast<std::size_t>(count));
-        if (channel.said.size() > most) throw plainError(errors::ValueTooLarge);
-    }
-
-    void closeChannels() {
-        for (Channel& channel : m_channels)
-            if (channel.descriptor >= 0) ::close(std::exchange(channel.descriptor, -1));
-    }
-
-    pid_t m_process{-1};
-    std::array<Channel, 2> m_channels{};
-};
+// What the asking program ends with when the user turns it down.
+constexpr int Dismissed = 126;
+// Written by the shell before anything else when it runs with an administrator's rights, so that a failure to get them
+// is not taken for one of the command.
+constexpr std::string_view Started = "\1privileges granted\1\n";
 
 std::u16string decoded(std::string const& bytes) {
     std::optional<std::u16string> text = unitsFromUTF8(bytes);
@@ -145,6 +33,46 @@ std::u16string withAlteredLineEnds(std::u16string text) {
     return text;
 }
 
+// The program that asks the user for an administrator's rights; empty where there is none.
+std::string askingProgram() {
+    char const* const path = std::getenv("PATH");
+    std::string_view rest = path ? path : "/usr/bin:/bin";
+    while (!rest.empty()) {
+        std::string_view const folder = rest.substr(0, rest.find(':'));
+        rest.remove_prefix(std::min(rest.size(), folder.size() + 1));
+        std::string program = std::string(folder) + "/pkexec";
+        if (folder.starts_with('/') && ::access(program.c_str(), X_OK) == 0) return program;
+    }
+    return {};
+}
+
+struct CommandResult {
+    int status{0};
+    std::string output{};
+    std::string complaints{};
+};
+
+CommandResult resultOf(Evaluator const& evaluator, std::vector<std::string> words, std::size_t most) {
+    ShellCommand command(std::move(words));
+    command.collect(evaluator, most);
+    int const status = command.status();
+    return {.status = status, .output = command.output(), .complaints = command.complaints()};
+}
+
+CommandResult privilegedResultOf(Evaluator const& evaluator, std::string const& command, std::size_t most) {
+    std::string const program = askingProgram();
+    if (program.empty()) throw plainError(PrivilegeViolation);
+    CommandResult result = resultOf(
+        evaluator,
+        {program, "/bin/sh", "-c", R"(printf '\1privileges granted\1\n' >&2; exec /bin/sh -c "$1")", "sh", command},
+        most);
+    std::size_t const start = result.complaints.find(Started);
+    if (start == std::string::npos)
+        throw plainError(result.status == Dismissed ? errors::UserCanceled : PrivilegeViolation);
+    result.complaints.erase(0, start + Started.size());
+    return result;
+}
+
 } // namespace
 
 Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
@@ -155,19 +83,21 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
     };
     if (arguments.direct.isNothing()) throw missingParameter(u"direct", u"do shell script");
     std::u16string const source = requireText(arguments.direct, context);
-    // Linux: nothing here asks for a password yet.
-    if (isTrue(codeOf("badm"), false)) throw plainError(PrivilegeViolation);
+    bool const givesPassword = arguments.find(codeOf("RAun")) || arguments.find(codeOf("RApw"));
+    // Linux: it would have to pass through a command line or a terminal, where others can see it.
+    if (givesPassword) throw ScriptError{.number = PrivilegeViolation, .message = std::u16string(NoPassword)};
     std::optional<std::string> const command = fileSystemBytesFromUnits(source);
     if (!command && !source.empty()) throw plainError(errors::Parameter);
-    ShellCommand shell(command.value_or(std::string()));
-    shell.collect(evaluator, context.mostUnits);
-    int const status = shell.status();
-    if (status != 0) {
-        std::u16string message = withAlteredLineEnds(decoded(shell.complaints()));
+    CommandResult const result =
+        isTrue(codeOf("badm"), false)
+            ? privilegedResultOf(evaluator, command.value_or(std::string()), context.mostUnits)
+            : resultOf(evaluator, {"/bin/sh", "-c", command.value_or(std::string())}, context.mostUnits);
+    if (result.status != 0) {
+        std::u16string message = withAlteredLineEnds(decoded(result.complaints));
         if (message.empty()) message = SilentFailure;
-        throw ScriptError{.number = status, .message = std::move(message)};
+        throw ScriptError{.number = result.status, .message = std::move(message)};
     }
-    std::u16string text = decoded(shell.output());
+    std::u16string text = decoded(result.output);
     if (isTrue(codeOf("alen"), true)) text = withAlteredLineEnds(std::move(text));
     Value const* const type = arguments.find(codeOf("rtyp"));
     Value const output = Value::text(std::move(text));

@@ -11,6 +11,7 @@
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/processes/Processes.h"
+#include <unordered_set>
 
 namespace mac::applescript {
 
@@ -29,7 +30,11 @@ std::string_view charactersOf(AEDesc const& desc) {
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
 }
 
-Symbol symbolOf(Code code) { return termSymbol(code, nameOfCode(code)); }
+// A code of zero would be a name that its author made up.
+Symbol symbolOf(Code code) {
+    if (code == 0) throw corrupt();
+    return termSymbol(code, nameOfCode(code));
+}
 
 Code codeIn(AEDesc const& desc) {
     std::optional<std::uint32_t> const code = mac::valueOf<std::uint32_t>(desc, desc.descriptorType);
@@ -172,11 +177,15 @@ private:
         return recordIn(desc);
     }
 
+    // Of two fields of one name the first counts.
     Value recordIn(AEDesc const& desc) {
         std::vector<std::pair<Symbol, Value>> fields;
+        std::unordered_set<Code> known;
         Code const type = desc.descriptorType.value();
-        if (namesRecord(type)) fields.emplace_back(symbolOf(codeOf("pcls")), Value::type(type));
+        if (namesRecord(type) && known.insert(codeOf("pcls")).second)
+            fields.emplace_back(symbolOf(codeOf("pcls")), Value::type(type));
         for (DescriptorEntry const& entry : contentsOf(desc).entries) {
+            if (!known.insert(entry.keyword.value()).second) continue;
             if (entry.keyword == UserFields)
                 addUserFields(entry.desc, fields);
             else

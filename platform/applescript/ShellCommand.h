@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/applescript/Evaluator.h"
+#include <array>
+#include <sys/types.h>
+
+namespace mac::applescript {
+
+// A program that runs for a script, and what it says. It reads nothing, and has the environment of shell scripts.
+// Ends with the object, as far as this user may end it.
+class ShellCommand {
+public:
+    // The first word is the program's path. Throws -108 where no process can be had.
+    explicit ShellCommand(std::vector<std::string> words);
+    ~ShellCommand();
+    ShellCommand(ShellCommand const&) = delete;
+    ShellCommand& operator=(ShellCommand const&) = delete;
+
+    // Until both of its outputs are closed; throws when the script is to stop or it says more than `most` bytes.
+    void collect(Evaluator const& evaluator, std::size_t most);
+    // Waits for its end; of one that a signal ended 128 and the signal's number.
+    int status();
+
+    std::string const& output() const { return m_channels[0].said; }
+    std::string const& complaints() const { return m_channels[1].said; }
+
+private:
+    struct Channel {
+        int descriptor{-1};
+        std::string said{};
+    };
+
+    static void readFrom(Channel& channel, std::size_t most);
+    void closeChannels();
+
+    pid_t m_process{-1};
+    std::array<Channel, 2> m_channels{};
+};
+
+} // namespace mac::applescript
