@@ -1,5 +1,6 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/appkit/UserInterfaceWidgets.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/Exceptions.h"
@@ -17,6 +18,7 @@ public:
         setBeepSound([] {
             if (qApp) QApplication::beep();
         });
+        installUserInterface();
         QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &m_connections,
                          [this] { guarded([&] { lastWindowClosed(); }); });
     }

@@ -30,13 +30,13 @@ constexpr auto Rows = std::to_array<AdditionRow>({
     {eventOf("earslfdr"), additions::listFolder, true},    {eventOf("rdwropen"), additions::openForAccess, true},
     {eventOf("rdwrclos"), additions::closeAccess, true},   {eventOf("rdwrread"), additions::read, true},
     {eventOf("rdwrwrit"), additions::write, true},         {eventOf("rdwrgeof"), additions::getEnd, true},
-    {eventOf("rdwrseof"), additions::setEnd, true},        {eventOf("sysodlog"), refuseInteraction, false},
-    {eventOf("sysodisA"), refuseInteraction, false},       {eventOf("sysonotf"), refuseInteraction, false},
+    {eventOf("rdwrseof"), additions::setEnd, true},        {eventOf("sysodlog"), additions::displayDialog, true},
+    {eventOf("sysodisA"), additions::displayAlert, true},  {eventOf("sysonotf"), additions::displayNotification, true},
     {eventOf("sysostdf"), refuseInteraction, false},       {eventOf("sysostfl"), refuseInteraction, false},
-    {eventOf("sysonwfl"), refuseInteraction, false},       {eventOf("gtqpchlt"), refuseInteraction, false},
-    {eventOf("sysobeep"), refuseInteraction, false},       {eventOf("sysottos"), refuseInteraction, false},
-    {eventOf("JonsgClp"), refuseInteraction, false},       {eventOf("JonspClp"), refuseInteraction, false},
-    {eventOf("JonsiClp"), refuseInteraction, false},       {eventOf("GURLGURL"), refuseInteraction, false},
+    {eventOf("sysonwfl"), refuseInteraction, false},       {eventOf("gtqpchlt"), additions::chooseFromList, true},
+    {eventOf("sysobeep"), additions::beep, true},          {eventOf("sysottos"), refuseInteraction, false},
+    {eventOf("JonsgClp"), additions::theClipboard, true},  {eventOf("JonspClp"), additions::setTheClipboard, true},
+    {eventOf("JonsiClp"), additions::clipboardInfo, true}, {eventOf("GURLGURL"), refuseInteraction, false},
 });
 
 } // namespace

@@ -32,6 +32,16 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
 // AdditionsShell.cpp
 Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
 
+// AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
+Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments);
+Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments);
+Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments);
+Value beep(Evaluator& evaluator, CommandArguments const& arguments);
+Value theClipboard(Evaluator& evaluator, CommandArguments const& arguments);
+Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments);
+Value clipboardInfo(Evaluator& evaluator, CommandArguments const& arguments);
+
 // AdditionsFiles.cpp
 Value infoFor(Evaluator& evaluator, CommandArguments const& arguments);
 Value listFolder(Evaluator& evaluator, CommandArguments const& arguments);

@@ -1,0 +1,151 @@
+#include "platform/appkit/UserInterfaceWidgets.h"
+#include "platform/foundation/UserInterface.h"
+#include <QApplication>
+#include <QClipboard>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDialogButtonBox>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <memory>
+
+namespace mac {
+
+namespace {
+
+QString qString(std::u16string const& text) { return QString::fromStdU16String(text); }
+
+std::u16string units(QString const& text) { return text.toStdU16String(); }
+
+QMessageBox::Icon iconOf(DialogRequest::Icon icon) {
+    switch (icon) {
+    case DialogRequest::Icon::Note:
+        return QMessageBox::Information;
+    case DialogRequest::Icon::Caution:
+        return QMessageBox::Warning;
+    case DialogRequest::Icon::Stop:
+        return QMessageBox::Critical;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+class Widgets : public UserInterface {
+public:
+    DialogOutcome runDialog(DialogRequest const& request) override {
+        QMessageBox box;
+        // What a script says is text, whatever it looks like.
+        box.setTextFormat(Qt::PlainText);
+        box.setIcon(iconOf(request.icon));
+        box.setWindowTitle(qString(request.title));
+        box.setText(qString(request.text));
+        box.setInformativeText(qString(request.details));
+        QLineEdit* const field = request.answer ? addField(box, request) : nullptr;
+        std::vector<QPushButton*> const buttons = addButtons(box, request);
+        bool isOver = false;
+        QTimer time;
+        if (request.seconds > 0) {
+            QObject::connect(&time, &QTimer::timeout, &box, [&] {
+                isOver = true;
+                box.done(0);
+            });
+            time.start(std::chrono::milliseconds(static_cast<std::int64_t>(request.seconds * 1000)));
+        }
+        box.exec();
+        DialogOutcome outcome;
+        if (field) outcome.answer = units(field->text());
+        auto const clicked = std::ranges::find(buttons, box.clickedButton());
+        if (!isOver && clicked != buttons.end()) outcome.button = static_cast<std::size_t>(clicked - buttons.begin());
+        // Closed by the window's own button.
+        if (!isOver && !outcome.button) outcome.button = request.cancelButton.value_or(0);
+        return outcome;
+    }
+
+    std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) override {
+        QDialog dialog;
+        dialog.setWindowTitle(qString(request.title));
+        QVBoxLayout layout(&dialog);
+        QLabel prompt(qString(request.text));
+        prompt.setTextFormat(Qt::PlainText);
+        QListWidget list;
+        prompt.setBuddy(&list);
+        list.setSelectionMode(request.allowsSeveral ? QAbstractItemView::ExtendedSelection
+                                                    : QAbstractItemView::SingleSelection);
+        for (std::u16string const& item : request.items)
+            list.addItem(qString(item));
+        for (std::size_t const index : request.chosen)
+            list.item(static_cast<int>(index))->setSelected(true);
+        QDialogButtonBox buttons(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+        QPushButton* const accept = buttons.button(QDialogButtonBox::Ok);
+        if (!request.acceptButton.empty()) accept->setText(qString(request.acceptButton));
+        if (!request.cancelButton.empty())
+            buttons.button(QDialogButtonBox::Cancel)->setText(qString(request.cancelButton));
+        layout.addWidget(&prompt);
+        layout.addWidget(&list);
+        layout.addWidget(&buttons);
+        auto const enable = [&] { accept->setEnabled(request.allowsNone || !list.selectedItems().isEmpty()); };
+        enable();
+        QObject::connect(&list, &QListWidget::itemSelectionChanged, &dialog, enable);
+        QObject::connect(&buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+        QObject::connect(&buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+        if (dialog.exec() != QDialog::Accepted) return {};
+        std::vector<std::size_t> chosen;
+        for (int row = 0; row < list.count(); ++row)
+            if (list.item(row)->isSelected()) chosen.push_back(static_cast<std::size_t>(row));
+        return chosen;
+    }
+
+    std::u16string clipboardText() override { return units(QApplication::clipboard()->text()); }
+    void setClipboardText(std::u16string const& text) override { QApplication::clipboard()->setText(qString(text)); }
+
+    void notify(std::u16string const& title, std::u16string const& text) override {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                                           "org.freedesktop.Notifications", "Notify");
+        constexpr int standardTime = -1;
+        // Markup in the text would be read as such.
+        message.setArguments({QApplication::applicationName(), 0U, QString(), qString(title),
+                              qString(text).toHtmlEscaped(), QStringList(), QVariantMap(), standardTime});
+        QDBusConnection::sessionBus().send(message);
+    }
+
+private:
+    static QLineEdit* addField(QMessageBox& box, DialogRequest const& request) {
+        auto field = std::make_unique<QLineEdit>(qString(*request.answer));
+        if (request.hidesAnswer) field->setEchoMode(QLineEdit::Password);
+        field->setAccessibleName(qString(request.text));
+        auto* const grid = qobject_cast<QGridLayout*>(box.layout());
+        QLineEdit* const placed = field.release();
+        // Above the row of buttons, across.
+        grid->addWidget(placed, grid->rowCount(), 0, 1, grid->columnCount());
+        return placed;
+    }
+
+    static std::vector<QPushButton*> addButtons(QMessageBox& box, DialogRequest const& request) {
+        std::vector<QPushButton*> buttons;
+        for (std::size_t index = 0; index < request.buttons.size(); ++index) {
+            QMessageBox::ButtonRole const role =
+                index == request.cancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
+            buttons.push_back(box.addButton(qString(request.buttons[index]), role));
+        }
+        if (request.defaultButton) box.setDefaultButton(buttons.at(*request.defaultButton));
+        if (request.cancelButton) box.setEscapeButton(buttons.at(*request.cancelButton));
+        return buttons;
+    }
+};
+
+} // namespace
+
+void installUserInterface() {
+    static Widgets widgets;
+    setUserInterface(&widgets);
+}
+
+} // namespace mac

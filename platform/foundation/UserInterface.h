@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+// What a script or program may ask the person at the screen, whoever owns the screen. Text in UTF-16 code units.
+
+namespace mac {
+
+struct DialogRequest {
+    enum class Icon { None, Note, Caution, Stop };
+
+    std::u16string title{};
+    std::u16string text{};
+    std::u16string details{};
+    Icon icon{Icon::None};
+    // The last one stands rightmost.
+    std::vector<std::u16string> buttons{};
+    // Answered by Return and by Escape; nothing: no button is.
+    std::optional<std::size_t> defaultButton{};
+    std::optional<std::size_t> cancelButton{};
+    // What stands in the field for an answer; nothing: there is no field.
+    std::optional<std::u16string> answer{};
+    bool hidesAnswer{false};
+    // After which the dialog goes by itself; 0: never.
+    double seconds{0};
+};
+
+struct DialogOutcome {
+    // Nothing when the time was over.
+    std::optional<std::size_t> button{};
+    std::u16string answer{};
+};
+
+struct ListRequest {
+    std::u16string title{};
+    std::u16string text{};
+    std::vector<std::u16string> items{};
+    std::vector<std::size_t> chosen{};
+    std::u16string acceptButton{};
+    std::u16string cancelButton{};
+    bool allowsSeveral{false};
+    bool allowsNone{false};
+};
+
+// Implemented by the room that owns the screen. Dialogs hold the caller until they are answered. Main thread.
+class UserInterface {
+public:
+    UserInterface() = default;
+    virtual ~UserInterface() = default;
+    UserInterface(UserInterface const&) = delete;
+    UserInterface& operator=(UserInterface const&) = delete;
+
+    virtual DialogOutcome runDialog(DialogRequest const& request) = 0;
+    // The indexes of what was chosen; nothing when the person cancels.
+    virtual std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) = 0;
+    virtual std::u16string clipboardText() = 0;
+    virtual void setClipboardText(std::u16string const& text) = 0;
+    // A note that goes by itself and is not answered; lost where the desktop shows none.
+    virtual void notify(std::u16string const& title, std::u16string const& text) = 0;
+};
+
+// Null for a program without windows. Main thread.
+UserInterface* userInterface();
+// Kept by the caller, who sets null before it goes.
+void setUserInterface(UserInterface* newInterface);
+
+} // namespace mac

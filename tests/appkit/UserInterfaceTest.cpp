@@ -1,0 +1,121 @@
+#include "platform/foundation/UserInterface.h"
+#include "platform/appkit/NSApplication.h"
+#include "tests/appkit/LoadedWindow.h"
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+UserInterface& interface() {
+    needApplication();
+    NSApplication::sharedApplication();
+    return *userInterface();
+}
+
+// What a person does once the dialog is there.
+template <class Function>
+void answer(Function function) {
+    QTimer::singleShot(0, [function] { function(*qobject_cast<QDialog*>(QApplication::activeModalWidget())); });
+}
+
+QPushButton* buttonNamed(QDialog const& dialog, QString const& name) {
+    for (QPushButton* const button : dialog.findChildren<QPushButton*>())
+        if (button->text() == name) return button;
+    return nullptr;
+}
+
+DialogRequest request() {
+    return {.text = u"<b>a</b>", .buttons = {u"Cancel", u"OK"}, .defaultButton = 1, .cancelButton = 0};
+}
+
+TEST(UserInterface, ADialogAnswersTheButtonThatIsClicked) {
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "OK")->click(); });
+    EXPECT_EQ(interface().runDialog(request()).button, 1U);
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "Cancel")->click(); });
+    EXPECT_EQ(interface().runDialog(request()).button, 0U);
+}
+
+TEST(UserInterface, ReturnIsTheDefaultButtonAndEscapeTheOneThatCancels) {
+    answer([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
+    EXPECT_EQ(interface().runDialog(request()).button, 1U);
+    answer([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(interface().runDialog(request()).button, 0U);
+}
+
+TEST(UserInterface, ADialogShowsTextAsItIs) {
+    QString shown;
+    Qt::TextFormat format = Qt::AutoText;
+    answer([&](QDialog& dialog) {
+        shown = qobject_cast<QMessageBox*>(&dialog)->text();
+        format = qobject_cast<QMessageBox*>(&dialog)->textFormat();
+        dialog.reject();
+    });
+    interface().runDialog(request());
+    EXPECT_EQ(shown, "<b>a</b>");
+    EXPECT_EQ(format, Qt::PlainText);
+}
+
+TEST(UserInterface, ADialogTakesAnAnswer) {
+    DialogRequest asked = request();
+    asked.answer = u"x";
+    asked.hidesAnswer = true;
+    QLineEdit::EchoMode mode = QLineEdit::Normal;
+    answer([&](QDialog const& dialog) {
+        auto* const field = dialog.findChild<QLineEdit*>();
+        mode = field->echoMode();
+        field->setText(field->text() + "yz");
+        buttonNamed(dialog, "OK")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).answer, u"xyz");
+    EXPECT_EQ(mode, QLineEdit::Password);
+}
+
+TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
+    DialogRequest asked = request();
+    asked.seconds = 0.001;
+    EXPECT_FALSE(interface().runDialog(asked).button);
+}
+
+ListRequest listRequest() { return {.text = u"which", .items = {u"a", u"b", u"c"}, .acceptButton = u"Go"}; }
+
+TEST(UserInterface, AListAnswersWhatIsChosen) {
+    ListRequest asked = listRequest();
+    asked.allowsSeveral = true;
+    asked.chosen = {2};
+    answer([](QDialog const& dialog) {
+        dialog.findChild<QListWidget*>()->item(0)->setSelected(true);
+        buttonNamed(dialog, "Go")->click();
+    });
+    EXPECT_EQ(interface().chooseFromList(asked), (std::vector<std::size_t>{0, 2}));
+}
+
+TEST(UserInterface, AListMustBeAnsweredOrCanceled) {
+    bool isEnabled = true;
+    answer([&](QDialog& dialog) {
+        isEnabled = buttonNamed(dialog, "Go")->isEnabled();
+        dialog.reject();
+    });
+    EXPECT_FALSE(interface().chooseFromList(listRequest()));
+    EXPECT_FALSE(isEnabled);
+    ListRequest asked = listRequest();
+    asked.allowsNone = true;
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "Go")->click(); });
+    EXPECT_EQ(interface().chooseFromList(asked), std::vector<std::size_t>());
+}
+
+TEST(UserInterface, TheClipboardIsTheDesktops) {
+    interface().setClipboardText(u"añ");
+    EXPECT_EQ(interface().clipboardText(), u"añ");
+}
+
+} // namespace
+} // namespace mac::test
