@@ -56,25 +56,35 @@ std::string contentsOf(std::istream& stream) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+// A byte of a name that is no text comes out as it went in.
+std::string bytesOf(std::u16string const& text) {
+    return mac::fileSystemBytesFromUnits(text).value_or(mac::utf8FromUnits(text));
+}
+
+std::u16string sourceIn(std::string_view bytes) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
+    return mac::unitsFromFileSystemBytes(bytes);
+}
+
 int report(ScriptError const& error, CommandLine const& line) {
     std::ostream& stream = line.printsErrorsToOutput ? std::cout : std::cerr;
     stream << error.range->start << ':' << error.range->end << ": " << (error.isSyntax ? "syntax" : "execution")
-           << " error: " << mac::utf8FromUnits(error.message) << " (" << error.number << ")\n";
+           << " error: " << bytesOf(error.message) << " (" << error.number << ")\n";
     return 1;
 }
 
 int run(CommandLine const& line, std::vector<Value> const& arguments) {
     ScriptError error;
-    std::optional<CompiledScript> script = CompiledScript::compile(mac::unitsFromFileSystemBytes(line.source), error);
+    std::optional<CompiledScript> script = CompiledScript::compile(sourceIn(line.source), error);
     if (!script) return report(error, line);
     RunOptions options;
-    options.log = [](std::u16string const& text) { std::cerr << mac::utf8FromUnits(text) << '\n'; };
+    options.log = [](std::u16string const& text) { std::cerr << bytesOf(text) << '\n'; };
     ScriptOutcome const outcome = script->run(options, arguments);
     if (outcome.error) return report(*outcome.error, line);
     if (outcome.value.isNothing()) return 0;
     try {
-        std::cout << mac::utf8FromUnits(line.isSourceForm ? sourceForm(outcome.value) : humanForm(outcome.value))
-                  << '\n';
+        std::cout << bytesOf(line.isSourceForm ? sourceForm(outcome.value) : humanForm(outcome.value)) << '\n';
     } catch (ScriptError& thrown) {
         thrown.range = SourceRange{};
         return report(thrown, line);

@@ -353,7 +353,9 @@ Node& ScriptParser::parseRaw() {
         space == std::u16string_view::npos ? std::u16string_view() : content.substr(space + 1);
     if (kind == u"class" && !code.empty()) {
         advance();
-        Term const term{.name = u"", .classCode = hexCode(code), .propertyCode = hexCode(code)};
+        // The name lives on in the table of symbols.
+        Symbol const symbol = termSymbol(hexCode(code), nameOfCode(hexCode(code)));
+        Term const term{.name = symbol->spelling, .classCode = symbol->code, .propertyCode = symbol->code};
         Term const* const known = Terminology::base().termNamed(nameOfCode(term.classCode));
         bool const isTerm = known && (known->classCode == term.classCode || known->propertyCode == term.classCode);
         Node& node = parseClassTerm(isTerm && known->classCode != 0 ? *known : term, first);
