@@ -5,7 +5,9 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSBundle.h"
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -28,9 +30,10 @@ std::u16string environmentValue(char const* name) {
 
 struct FolderRow {
     Code code;
-    // The variable of the desktop's folder, where it has one, and the folder in the home.
+    // The variable of the desktop's folder, where it has one, and the folder in the home; then what lies within.
     char const* variable;
     std::u16string_view inHome;
+    std::u16string_view within{};
 };
 
 constexpr auto Folders = std::to_array<FolderRow>({
@@ -42,7 +45,8 @@ constexpr auto Folders = std::to_array<FolderRow>({
     {codeOf("%doc"), "XDG_MUSIC_DIR", u"Music"},
     {codeOf("pdoc"), "XDG_PICTURES_DIR", u"Pictures"},
     {codeOf("pubb"), "XDG_PUBLICSHARE_DIR", u"Public"},
-    {codeOf("trsh"), "", u".local/share/Trash/files"},
+    {codeOf("trsh"), "XDG_DATA_HOME", u".local/share", u"/Trash/files"},
+    {codeOf("font"), "XDG_DATA_HOME", u".local/share", u"/fonts"},
     {codeOf("asup"), "XDG_DATA_HOME", u".local/share"},
     {codeOf("pref"), "XDG_CONFIG_HOME", u".config"},
     {codeOf("dlib"), "XDG_DATA_HOME", u".local/share"},
@@ -58,6 +62,9 @@ std::u16string fixedFolder(Code code) {
     }
     case codeOf("usrs"):
         return u"/home";
+    case codeOf("me  "):
+    case codeOf("cura"):
+        return std::u16string(NSBundle::mainBundle().bundlePath().codeUnits());
     case codeOf("apps"):
     case codeOf("uti$"):
         return u"/usr/share/applications";
@@ -73,11 +80,11 @@ std::u16string folderOf(Code code) {
     auto const* const row = std::ranges::find(Folders, code, &FolderRow::code);
     if (row == Folders.end()) return {};
     if (*row->variable != '\0') {
-        std::u16string const set = environmentValue(row->variable);
-        if (set.starts_with(u'/')) return set;
+        std::optional<std::string> const set = desktopFolder(row->variable);
+        if (set) return unitsFromFileSystemBytes(*set) + std::u16string(row->within);
     }
     std::u16string const home = environmentValue("HOME");
-    return row->inHome.empty() ? home : home + u"/" + std::u16string(row->inHome);
+    return row->inHome.empty() ? home : home + u"/" + std::u16string(row->inHome) + std::u16string(row->within);
 }
 
 } // namespace

@@ -31,6 +31,8 @@ constexpr auto Folders = std::to_array<Enumerator>({
     {u"documents folder", codeOf("docs")},
     {u"downloads folder", codeOf("down")},
     {u"favorites folder", codeOf("favs")},
+    {u"fonts", codeOf("font")},
+    {u"fonts folder", codeOf("font")},
     {u"home folder", codeOf("cusr")},
     {u"library folder", codeOf("dlib")},
     {u"movies folder", codeOf("mdoc")},

@@ -5,8 +5,10 @@
 #include "platform/applescript/ScriptObject.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSBundle.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <numbers>
 
 namespace mac::applescript {
@@ -175,6 +177,30 @@ std::optional<Value> propertyOfFile(Value const& file, Symbol name) {
     }
 }
 
+// The program that the script runs in.
+std::optional<Value> propertyOfCurrentApplication(Symbol name) {
+    auto const ofBundle = [](char const* key) -> std::optional<Value> {
+        NSString const text =
+            as<NSString>(NSBundle::mainBundle().objectForInfoDictionaryKey_(NSString::stringWithUTF8String_(key)));
+        if (text == nil) return {};
+        return Value::text(std::u16string(text.codeUnits()));
+    };
+    switch (name->code) {
+    case codeOf("pnam"): {
+        std::optional<Value> const named = ofBundle("CFBundleName");
+        return named ? *named : Value::text(unitsFromFileSystemBytes(program_invocation_short_name));
+    }
+    case codeOf("vers"):
+        return ofBundle("CFBundleShortVersionString");
+    case codeOf("ID  "):
+        return ofBundle("CFBundleIdentifier");
+    case codeOf("prun"):
+        return Value::boolean(true);
+    default:
+        return {};
+    }
+}
+
 } // namespace
 
 std::optional<Value> propertyOfAppleScript(Symbol name, TextContext const& context) {
@@ -235,6 +261,8 @@ std::optional<Value> propertyOf(Value const& container, Symbol name, TextContext
         return propertyOfScript(container, name, context);
     case ValueKind::AppleScript:
         return propertyOfAppleScript(name, context);
+    case ValueKind::CurrentApplication:
+        return propertyOfCurrentApplication(name);
     case ValueKind::File:
         return propertyOfFile(container, name);
     case ValueKind::Application:

@@ -2,7 +2,6 @@
 
 #include "platform/applescript/Evaluator.h"
 #include <array>
-#include <sys/types.h>
 
 namespace mac::applescript {
 
@@ -33,7 +32,7 @@ private:
     static void readFrom(Channel& channel, std::size_t most);
     void closeChannels();
 
-    pid_t m_process{-1};
+    std::int32_t m_process{-1};
     std::array<Channel, 2> m_channels{};
 };
 

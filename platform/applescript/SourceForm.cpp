@@ -98,7 +98,7 @@ private:
     void writeObject(Value const& value) {
         switch (value.kind()) {
         case ValueKind::Text:
-            m_form += m_isSource ? quoted(value.units()) : value.units();
+            writeQuoted(value.units());
             break;
         case ValueKind::List:
             writeList(value.items());
@@ -107,14 +107,15 @@ private:
             writeRecord(value.fields());
             break;
         case ValueKind::Date:
-            m_form += u"date " + quoted(fullDateText(value.seconds()));
+            m_form += u"date ";
+            writeQuoted(fullDateText(value.seconds()));
             break;
         case ValueKind::File:
             writeFile(value);
             break;
         case ValueKind::Application:
             m_form += value.application().byIdentifier ? u"application id " : u"application ";
-            m_form += quoted(value.application().name);
+            writeQuoted(value.application().name);
             break;
         case ValueKind::Data:
             writeData(value.data());
@@ -129,6 +130,9 @@ private:
             writeScript(value.script());
         }
     }
+
+    // People read no quotes.
+    void writeQuoted(std::u16string_view text) { m_form += m_isSource ? quoted(text) : std::u16string(text); }
 
     void open(std::u16string_view bracket) {
         if (m_isSource) m_form += bracket;
@@ -172,7 +176,7 @@ private:
 
     void writeFile(Value const& value) {
         m_form += value.file().kind == FileObject::Kind::Alias ? u"alias " : u"file ";
-        m_form += m_isSource ? quoted(filePathText(value)) : filePathText(value);
+        writeQuoted(filePathText(value));
     }
 
     void writeData(DataObject const& data) {
@@ -190,18 +194,11 @@ private:
         m_form += u"»";
     }
 
-    // Values inside a specifier are always in source form.
-    void writeInside(Value const& value) {
-        bool const isSource = std::exchange(m_isSource, true);
-        write(value);
-        m_isSource = isSource;
-    }
-
     void writeSpecifier(SpecifierObject const& specifier) {
         writeHead(specifier);
         if (specifier.container.isNothing()) return;
         m_form += specifier.form == Form::Before || specifier.form == Form::After ? u" " : u" of ";
-        writeInside(specifier.container);
+        write(specifier.container);
     }
 
     // every item, or items before a range.
@@ -229,11 +226,11 @@ private:
         case Form::Index:
         case Form::Name:
             m_form += name + u" ";
-            writeInside(specifier.from);
+            write(specifier.from);
             break;
         case Form::Identifier:
             m_form += name + u" id ";
-            writeInside(specifier.from);
+            write(specifier.from);
             break;
         case Form::Range:
             writeRange(specifier);
@@ -251,9 +248,9 @@ private:
             m_form += u"last " + name;
             break;
         case Form::Filter:
-            writeInside(specifier.from);
+            write(specifier.from);
             m_form += u" whose ";
-            writeInside(specifier.to);
+            write(specifier.to);
             break;
         case Form::Beginning:
             m_form += u"beginning";
@@ -274,21 +271,21 @@ private:
         writeElements(specifier.want);
         bool const isByElement = specifier.from.is(ValueKind::Specifier);
         m_form += isByElement ? u" from " : u" ";
-        writeInside(specifier.from);
+        write(specifier.from);
         m_form += isByElement ? u" to " : u" thru ";
-        writeInside(specifier.to);
+        write(specifier.to);
     }
 
     void writeTest(TestObject const& test) {
         if (test.operation == Operation::Not) {
             m_form += u"not ";
-            writeInside(test.left);
+            write(test.left);
             return;
         }
-        writeInside(test.left);
+        write(test.left);
         for (ComparisonText const& comparison : ComparisonTexts)
             if (comparison.operation == test.operation) m_form += comparison.text;
-        writeInside(test.right);
+        write(test.right);
     }
 
     bool m_isSource;

@@ -16,7 +16,10 @@
 #include <atomic>
 #include <climits>
 #include <cstdlib>
+#include <deque>
+#include <functional>
 #include <map>
+#include <mutex>
 #include <unistd.h>
 
 // Why a thread of its own: while the main thread waits for a reply, incoming events and that reply must reach it and
@@ -212,13 +215,27 @@ public:
         std::atexit([] { shared().stop(); });
     }
 
-    template <class Function>
-    void run(Function function) {
+    // What is to be done passes under a lock of our own: the toolkit's are not seen by the thread sanitizer.
+    void run(std::function<void(Endpoint&)> function) {
+        {
+            std::lock_guard const guard(m_lock);
+            m_waiting.push_back(std::move(function));
+        }
         QMetaObject::invokeMethod(
-            &m_endpoint, [this, function] { guarded([&] { function(m_endpoint); }); }, Qt::QueuedConnection);
+            &m_endpoint, [this] { runNext(); }, Qt::QueuedConnection);
     }
 
 private:
+    void runNext() {
+        std::function<void(Endpoint&)> function;
+        {
+            std::lock_guard const guard(m_lock);
+            function = std::move(m_waiting.front());
+            m_waiting.pop_front();
+        }
+        guarded([&] { function(m_endpoint); });
+    }
+
     void stop() {
         run([](Endpoint& endpoint) {
             endpoint.close();
@@ -228,6 +245,8 @@ private:
         m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)));
     }
 
+    std::mutex m_lock;
+    std::deque<std::function<void(Endpoint&)>> m_waiting;
     QThread m_thread;
     Endpoint m_endpoint;
 };

@@ -277,7 +277,8 @@ TEST(ScriptDescriptors, WhatIsNotWhatItsTypeSaysIsRefused) {
           record(DescType("cmpd"), {}),
           record(DescType("logi"),
                  {{AEKeyword("logc"), codeDesc(typeEnumerated, codeOf("AND "))}, {AEKeyword("term"), list({home})}}),
-          record(typeAERecord, {{AEKeyword("usrf"), home}}), record(typeAERecord, {{AEKeyword(), home}}),
+          record(typeAERecord, {{AEKeyword("usrf"), home}}),
+          record(typeAERecord, {{AEKeyword(), home}}),
           record(typeAERecord, {{AEKeyword("usrf"), list({makeDescOf(typeSInt32, 1)})}}),
           record(typeAERecord, {{AEKeyword("usrf"), list({makeDescOf(typeSInt32, 1), home})}})})
         EXPECT_EQ(readingError(wrong), errors::CorruptData) << printed(wrong);

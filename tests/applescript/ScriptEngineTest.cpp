@@ -55,6 +55,22 @@ TEST(ScriptEngine, AListNestedWhileRunningIsTakenDown) {
     EXPECT_EQ(script.run({}).value.asInteger(), 1);
 }
 
+TEST(ScriptEngine, PeopleReadResultsWithoutQuotesAndBrackets) {
+    struct Row {
+        std::u16string_view source;
+        std::u16string_view form;
+    };
+    constexpr auto rows = std::to_array<Row>({
+        {u"{\"a\", {1, \"b\"}, {c:\"d\"}}", u"a, 1, b, c:d"},
+        {u"date \"1/2/2003\"", u"date Thursday, January 2, 2003 12:00:00 AM"},
+        {u"POSIX file \"/a b\"", u"file Macintosh HD:a b"},
+        {u"application \"No Such One\"", u"application No Such One"},
+        {u"a reference to item \"a\" of {\"b\"}", u"item a of b"},
+    });
+    for (Row const& row : rows)
+        EXPECT_EQ(humanForm(compiled(row.source).run({}).value), row.form);
+}
+
 TEST(ScriptEngine, AListThatHoldsItselfHasNoSourceFormAndIsFreed) {
     CompiledScript script = compiled(u"set x to {}\nset end of x to x\nx");
     ScriptOutcome outcome = script.run({});

@@ -1,0 +1,74 @@
+#include "platform/foundation/DesktopFolders.h"
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace mac {
+
+namespace {
+
+constexpr std::string_view Blanks = " \t";
+// Lists are written by programs; a file beyond this is none.
+constexpr std::size_t LongestList = std::size_t{1} << 20;
+
+std::string_view withoutBlanks(std::string_view text) {
+    std::size_t const first = text.find_first_not_of(Blanks);
+    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+}
+
+// The text between double quotes, in which a backslash stands before a character that means itself.
+std::optional<std::string> quotedText(std::string_view text) {
+    if (!text.starts_with('"')) return {};
+    std::string value;
+    for (std::size_t index = 1; index < text.size(); ++index) {
+        if (text[index] == '"') return value;
+        if (text[index] == '\\' && ++index == text.size()) return {};
+        value += text[index];
+    }
+    return {};
+}
+
+std::string environmentValue(char const* name) {
+    char const* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+std::string listOfFolders() {
+    std::string folder = environmentValue("XDG_CONFIG_HOME");
+    if (!folder.starts_with('/')) folder = environmentValue("HOME") + "/.config";
+    std::ifstream file(folder + "/user-dirs.dirs", std::ios::binary);
+    std::string list(LongestList, '\0');
+    file.read(list.data(), static_cast<std::streamsize>(list.size()));
+    list.resize(static_cast<std::size_t>(file.gcount()));
+    return list;
+}
+
+} // namespace
+
+std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home) {
+    constexpr std::string_view homeVariable = "$HOME";
+    std::optional<std::string> found;
+    while (!list.empty()) {
+        std::string_view line = withoutBlanks(list.substr(0, list.find('\n')));
+        list.remove_prefix(std::min(list.size(), list.find('\n')));
+        if (!list.empty()) list.remove_prefix(1);
+        if (!line.starts_with(variable)) continue;
+        line = withoutBlanks(line.substr(variable.size()));
+        if (!line.starts_with('=')) continue;
+        std::optional<std::string> folder = quotedText(withoutBlanks(line.substr(1)));
+        if (!folder || folder->find('\0') != std::string::npos) continue;
+        bool const isInHome = folder->starts_with(homeVariable) &&
+                              (folder->size() == homeVariable.size() || (*folder)[homeVariable.size()] == '/');
+        if (isInHome) folder->replace(0, homeVariable.size(), home);
+        if (folder->starts_with('/')) found = std::move(folder);
+    }
+    return found;
+}
+
+std::optional<std::string> desktopFolder(std::string const& variable) {
+    std::string folder = environmentValue(variable.c_str());
+    if (folder.starts_with('/')) return folder;
+    return folderInList(listOfFolders(), variable, environmentValue("HOME"));
+}
+
+} // namespace mac

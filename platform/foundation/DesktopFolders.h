@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mac {
+
+// The folder of the desktop that goes by the variable's name, such as XDG_MUSIC_DIR: as the environment says, else as
+// the user's list of folders, user-dirs.dirs, does. Bytes of an absolute path; nothing where neither names one. For
+// implementations.
+std::optional<std::string> desktopFolder(std::string const& variable);
+
+// What such a list says of the variable: lines such as XDG_MUSIC_DIR="$HOME/Music", the last one counts. Nothing for
+// what is not absolute.
+std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home);
+
+} // namespace mac
