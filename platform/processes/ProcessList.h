@@ -34,6 +34,9 @@ std::optional<RunningProcess> runningProcess(std::int32_t pid);
 // The same of this very process.
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
 
+// All those, in the order of their start. One that ends meanwhile may be missing.
+std::vector<RunningProcess> runningProcesses();
+
 // The file in a bundle that the process runs: its program, or, where that is an interpreter, the script. Links are
 // resolved. Nothing for a process that runs from no bundle, or has ended.
 std::optional<std::string> programInBundle(RunningProcess const& process);

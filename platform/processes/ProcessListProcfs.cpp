@@ -170,6 +170,16 @@ std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {
     return process && process->identity == identity ? std::move(process) : std::nullopt;
 }
 
+std::vector<RunningProcess> runningProcesses() {
+    std::vector<RunningProcess> found;
+    for (std::int32_t const pid : processIDs()) {
+        if (std::optional<RunningProcess> process = runningProcess(pid)) found.push_back(std::move(*process));
+    }
+    // Of two that started in one tick of the clock the lower ID comes first, as the list has it.
+    std::ranges::stable_sort(found, {}, [](RunningProcess const& process) { return process.identity.startTime; });
+    return found;
+}
+
 // The ID in the lower bits and the start above them. The start counts from 1, which keeps clear of the numbers with a
 // meaning of their own.
 std::optional<ProcessIdentity> identityOf(ProcessSerialNumber const& psn) {
