@@ -134,10 +134,13 @@ std::vector<ProcessIdentity> fileBrowserProcesses() {
     std::vector<ProcessIdentity> processes;
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return processes;
-    for (RunningProcess const& process : runningProcesses()) {
-        if (process.executable == browser->executable && isOfThisSession(process.identity.pid))
-            processes.push_back(process.identity);
+    for (std::int32_t const pid : processIDs()) {
+        std::optional<RunningProcess> const process = runningProcess(pid);
+        if (process && process->executable == browser->executable && isOfThisSession(pid))
+            processes.push_back(process->identity);
     }
+    std::ranges::sort(processes, {},
+                      [](ProcessIdentity const& process) { return std::pair(process.startTime, process.pid); });
     return processes;
 }
 
