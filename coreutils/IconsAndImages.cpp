@@ -28,4 +28,15 @@ NSDictionary pxDictionaryWithIconRef_(IconRef iconRef) {
     return NSDictionary::dictionaryWithDictionary_(dictionary);
 }
 
+NSDate pxDateWithUTCDateTime_(UTCDateTime const* utcDateTime) {
+    CFAbsoluteTime time = 0;
+    if (UCConvertUTCDateTimeToCFAbsoluteTime(utcDateTime, &time) != noErr) return nil;
+    return NSDate::dateWithTimeIntervalSinceReferenceDate_(time);
+}
+
+bool pxUTCDateTime_(NSDate receiver, UTCDateTime* utcDateTime) {
+    return receiver != nil &&
+           UCConvertCFAbsoluteTimeToUTCDateTime(receiver.timeIntervalSinceReferenceDate(), utcDateTime) == noErr;
+}
+
 } // namespace mac

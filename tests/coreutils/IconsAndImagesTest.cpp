@@ -45,5 +45,24 @@ TEST(IconsAndImages, AnIconWithoutDataHasNoPieces) {
     EXPECT_TRUE(pxDictionaryWithIconRef_({}) == nil);
 }
 
+TEST(IconsAndImages, DatesAreRecordsAndComeBack) {
+    UTCDateTime record;
+    NSDate const date = NSDate::dateWithTimeIntervalSinceReferenceDate_(0.5);
+    EXPECT_TRUE(pxUTCDateTime_(date, &record));
+    EXPECT_EQ(record, (UTCDateTime{0, 3'061'152'000, 0x8000}));
+    EXPECT_TRUE(pxDateWithUTCDateTime_(&record).isEqualToDate_(date));
+    UTCDateTime const earliest;
+    EXPECT_EQ(pxDateWithUTCDateTime_(&earliest).timeIntervalSinceReferenceDate(), -3'061'152'000.0);
+}
+
+TEST(IconsAndImages, DatesThatNoRecordHoldsAreNone) {
+    UTCDateTime record{1, 2, 3};
+    EXPECT_FALSE(pxUTCDateTime_(NSDate::distantPast(), &record));
+    EXPECT_FALSE(pxUTCDateTime_(nil, &record));
+    EXPECT_EQ(record, (UTCDateTime{1, 2, 3}));
+    EXPECT_FALSE(pxUTCDateTime_(NSDate::date(), {}));
+    EXPECT_TRUE(pxDateWithUTCDateTime_({}) == nil);
+}
+
 } // namespace
 } // namespace mac::test
