@@ -7,7 +7,7 @@
 
 namespace mac {
 
-// The shared MIME information of this computer and user. For implementations; any thread.
+// The shared MIME information of this computer and user. For implementations; any thread. What holds a NUL is no name.
 
 // The types that files of the name are of, by its form alone; none where no rule fits.
 std::vector<std::string> mimeTypesOfName(std::string_view name);
