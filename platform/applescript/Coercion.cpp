@@ -6,6 +6,7 @@
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/applescript/applications/Application.h"
 #include <algorithm>
 #include <array>
 
@@ -158,7 +159,10 @@ std::optional<Value> coercedItself(Value const& value, Code type, TextContext co
 std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context) {
     requireStackRoom();
     if (type == codeOf("obj ") && unresolved.is(ValueKind::Specifier)) return unresolved;
+    if (isInApplication(unresolved)) return getInApplication(unresolved, type, context);
     Value const value = resolved(unresolved, context);
+    // What a reference of the script's own leads to may lie in an application.
+    if (isInApplication(value)) return getInApplication(value, type, context);
     std::optional<Value> const direct = coercedItself(value, type, context);
     bool const isSingle = !direct && value.is(ValueKind::List) && value.items().size() == 1;
     return isSingle ? coerced(value.items().front(), type, context) : direct;

@@ -4,6 +4,7 @@
 #include "platform/applescript/ScriptObject.h"
 #include "platform/applescript/StackRoom.h"
 #include "platform/applescript/TextElements.h"
+#include "platform/applescript/applications/Application.h"
 #include <cstdlib>
 #include <random>
 
@@ -122,6 +123,14 @@ std::optional<Value> elementOfText(Value const& text, ElementSelector const& sel
     return place ? std::optional(textIn(units, ranges[*place])) : std::nullopt;
 }
 
+// The same part of another container.
+Value withContainer(Value const& part, Value const& container) {
+    SpecifierObject const& specifier = part.specifier();
+    Value const made = elementSpecifier(specifier.form, specifier.want, container, specifier.from, specifier.to);
+    made.specifier().property = specifier.property;
+    return made;
+}
+
 std::vector<Value> itemsOfClass(std::vector<Value> const& items, Code type) {
     if (type == codeOf("cobj")) return items;
     std::vector<Value> found;
@@ -211,6 +220,7 @@ std::optional<std::size_t> countOf(Value const& container, Code elementClass, Te
 Value objectOf(SpecifierObject const& specifier, Value const& asValue, TextContext const& context) {
     requireStackRoom();
     Value const container = resolved(specifier.container, context);
+    if (isToldTo(container)) return getInApplication(withContainer(asValue, container), 0, context);
     std::optional<Value> found;
     if (specifier.form == Form::Property) {
         found = propertyOf(container, specifier.property, context);
@@ -219,18 +229,24 @@ Value objectOf(SpecifierObject const& specifier, Value const& asValue, TextConte
                           {.form = specifier.form, .want = specifier.want, .from = specifier.from, .to = specifier.to},
                           context);
     }
-    if (!found) throw cannotGet(rootOf(asValue).is(ValueKind::Application) ? rootOf(asValue) : asValue);
+    if (!found) throw cannotGet(asValue);
     return *std::move(found);
 }
 
 Value resolved(Value const& value, TextContext const& context) {
     if (!value.is(ValueKind::Specifier)) return value;
+    if (isInApplication(value)) return getInApplication(value, 0, context);
     return resolved(objectOf(value.specifier(), value, context), context);
 }
 
 void setObject(Value const& target, Value const& value, TextContext& context) {
     SpecifierObject const& specifier = target.specifier();
-    Value const container = resolved(specifier.container, context);
+    Value const container = isInApplication(specifier.container) ? specifier.container
+                                                                 : resolved(specifier.container, context);
+    if (isToldTo(container)) {
+        setInApplication(withContainer(target, container), value, context);
+        return;
+    }
     bool const isSet =
         specifier.form == Form::Property
             ? setPropertyOf(container, specifier.property, value, context)

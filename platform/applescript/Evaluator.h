@@ -106,6 +106,7 @@ private:
     Value& variable(Node const& node);
     Value evaluateUnary(Node const& node);
     Value evaluateBinary(Node const& node);
+    Value isRunning(Node const& node);
     Value evaluateOperation(Operation operation, Value const& left, Value const& right);
     Value evaluateCoercion(Node const& node);
     Value evaluateDate(Node const& node);
@@ -116,7 +117,20 @@ private:
     // EvaluatorReferences.cpp
     Value evaluateProperty(Node const& node);
     Value evaluateElement(Node const& node);
-    Value evaluateFilter(Node const& node);
+    // A part of something: its value, or of what lies in an application the specifier, which is still to be asked for.
+    struct Part {
+        Value value{};
+        bool isUnasked{false};
+    };
+    Part partOf(Node const& node);
+    Part propertyPart(Node const& node);
+    Part elementPart(Node const& node);
+    Part filterPart(Node const& node);
+    // The value, but the specifier of what lies in an application.
+    Value unaskedValue(Node const& node);
+    Value asked(Part const& part);
+    // What the part lies in, in an application; nothing where it lies in none.
+    std::optional<Value> placeInApplication(Node const& node, Value const& container) const;
     Value referenceTo(Node const& node);
     Value containerReference(Node const* node);
     Value testOf(Node const& node);
@@ -132,7 +146,8 @@ private:
     Value evaluateLabeledCall(Node const& node);
     Value evaluateCommand(Node const& node);
     Value evaluateContinue(Node const& node);
-    CommandArguments argumentsOf(Node const& node);
+    CommandArguments argumentsOf(Node const& node, bool isForApplication = false);
+    Value commandTarget(CommandArguments const& arguments) const;
     Value performCommand(CommandTerm const& command, CommandArguments const& arguments, Node const& node);
     Value exists(Node const& node);
     Value receiverOf(Node const& node);

@@ -4,6 +4,7 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/applescript/applications/Application.h"
 #include <algorithm>
 
 namespace mac::applescript {
@@ -106,8 +107,9 @@ void Evaluator::bindParameter(Node const& pattern, Value const* given) {
 }
 
 Value Evaluator::receiverOf(Node const& node) {
-    Value const receiver = resolved(node.a ? valueOf(*node.a) : m_frame->it, context());
-    if (receiver.is(ValueKind::Application)) throw cannotGet(receiver);
+    Value const named = node.a ? unaskedValue(*node.a) : m_frame->it;
+    Value const receiver = isToldTo(named) ? named : resolved(named, context());
+    if (isToldTo(receiver)) refuseCall(receiver, node.name, context());
     return receiver;
 }
 
@@ -149,32 +151,49 @@ Value Evaluator::callCommandHandler(FoundHandler found, Value const& me, Command
     });
 }
 
-CommandArguments Evaluator::argumentsOf(Node const& node) {
+// An application gets the specifiers of its objects as they are written.
+CommandArguments Evaluator::argumentsOf(Node const& node, bool isForApplication) {
+    auto const valueOfArgument = [&](Node const& argument) {
+        if (!isForApplication) return valueOf(argument);
+        Value const value = unaskedValue(argument);
+        // A reference of the script's own means nothing to others.
+        return isToldTo(value) ? value : resolved(value, context());
+    };
     CommandArguments arguments;
-    if (node.a) arguments.direct = valueOf(*node.a);
+    if (node.a) arguments.direct = valueOfArgument(*node.a);
     for (std::size_t index = 0; index < node.codes.size(); ++index)
-        arguments.named.emplace_back(node.codes[index], valueOf(*node.list[index]));
+        arguments.named.emplace_back(node.codes[index], valueOfArgument(*node.list[index]));
     return arguments;
 }
 
 Value Evaluator::exists(Node const& node) {
     if (!node.a) throw missingParameter(u"direct", u"exists");
+    Value meant;
     try {
-        resolved(valueOf(*node.a), context());
-        return Value::boolean(true);
+        meant = unaskedValue(*node.a);
+        if (meant.is(ValueKind::File) && isToldTo(m_frame->it)) meant = fileInApplication(meant, m_frame->it);
+        if (!isInApplication(meant)) meant = resolved(meant, context());
     } catch (ScriptError const& error) {
-        bool const isAbsent = error.number == errors::CannotGet && !rootOf(error.from).is(ValueKind::Application);
+        bool const isAbsent = error.number == errors::CannotGet && error.application.empty() && !isToldTo(error.from);
         if (!isAbsent) throw;
         return Value::boolean(false);
     }
+    if (meant.is(ValueKind::Application)) return Value::boolean(applicationOf(meant.application()) != nullptr);
+    return Value::boolean(!isInApplication(meant) || existsInApplication(meant, context()));
 }
 
 Value Evaluator::evaluateCommand(Node const& node) {
     if (node.command->code == eventOf("coredoex")) return exists(node);
-    CommandArguments const arguments = argumentsOf(node);
+    bool const isAddition = additionFor(node.command->code) != nullptr;
+    CommandArguments const arguments = argumentsOf(node, !isAddition);
+    Value const target = isAddition ? Value() : commandTarget(arguments);
+    if (!target.isNothing())
+        return performInApplication(
+            *this, target,
+            {.term = *node.command, .direct = arguments.direct, .named = arguments.named, .subject = m_frame->it});
     Value const receiver = m_frame->it.is(ValueKind::Script) ? m_frame->it : m_frame->me;
     // A command to a script goes to that script.
-    Value const direct = resolved(arguments.direct, context());
+    Value const direct = isInApplication(arguments.direct) ? Value() : resolved(arguments.direct, context());
     FoundHandler found;
     bool const isToScript = direct.is(ValueKind::Script);
     if (isToScript) {
@@ -188,6 +207,12 @@ Value Evaluator::evaluateCommand(Node const& node) {
     return performCommand(*node.command, arguments, node);
 }
 
+// The application that what the command is about lies in, else the one that is told something. Nothing for none.
+Value Evaluator::commandTarget(CommandArguments const& arguments) const {
+    if (isToldTo(arguments.direct)) return arguments.direct;
+    return isToldTo(m_frame->it) ? m_frame->it : Value();
+}
+
 Value Evaluator::performCommand(CommandTerm const& command, CommandArguments const& arguments, Node const& node) {
     if (Addition const addition = additionFor(command.code)) {
         if (command.direct == DirectParameter::Required && arguments.direct.isNothing())
@@ -195,8 +220,12 @@ Value Evaluator::performCommand(CommandTerm const& command, CommandArguments con
         if (m_options.computesOnly && hasEffects(command.code)) throw plainError(errors::AccessNotAllowed);
         return addition(*this, arguments);
     }
+    Value const told = commandTarget(arguments);
+    if (!told.isNothing())
+        return performInApplication(
+            *this, told,
+            {.term = command, .direct = arguments.direct, .named = arguments.named, .subject = m_frame->it});
     Value const target = resolved(arguments.direct.isNothing() ? m_frame->it : arguments.direct, context());
-    if (target.is(ValueKind::Application)) throw cannotGet(target);
     if (command.code == eventOf("aevtoapp") && target.is(ValueKind::Script) && node.a == nullptr)
         return runScript(target.script(), {});
     throw notUnderstood(target, command.name);

@@ -6,6 +6,7 @@
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/applescript/applications/Application.h"
 
 namespace mac::applescript {
 
@@ -201,16 +202,24 @@ Value Evaluator::evaluateUnary(Node const& node) {
     return requireNumber(operand, context());
 }
 
+// An application that nobody knows does not run.
+Value Evaluator::isRunning(Node const& node) {
+    Value const left = unaskedValue(*node.a);
+    Value const running = propertySpecifier(termSymbol(codeOf("prun"), u"running"), left);
+    bool const asks = node.operation == Operation::Running;
+    if (isInApplication(left)) return Value::boolean(getInApplication(running, 0, context()).asBoolean() == asks);
+    Value const application = resolved(left, context());
+    if (!application.is(ValueKind::Application)) throw cannotGet(running);
+    bool const isKnown = application.application().byIdentifier || applicationOf(application.application());
+    if (!isKnown) return Value::boolean(!asks);
+    return Value::boolean(getInApplication(running, codeOf("bool"), context()).asBoolean() == asks);
+}
+
 // What `evaluate` leaves over: and, or, is running.
 Value Evaluator::evaluateBinary(Node const& node) {
+    bool const isPredicate = node.operation == Operation::Running || node.operation == Operation::NotRunning;
+    if (isPredicate) return isRunning(node);
     Value const left = valueOf(*node.a);
-    if (node.operation == Operation::Running || node.operation == Operation::NotRunning) {
-        // Linux: no application answers yet, so none is known to run.
-        Value const application = resolved(left, context());
-        if (!application.is(ValueKind::Application))
-            throw cannotGet(propertySpecifier(termSymbol(codeOf("prun"), u"running"), application));
-        throw cannotGet(application);
-    }
     bool const whole = leftBoolean(left, context());
     if (whole != (node.operation == Operation::And)) return Value::boolean(whole);
     return Value::boolean(requireBoolean(valueOf(*node.b), context()));
@@ -272,8 +281,11 @@ Value Evaluator::evaluateFile(Node const& node) {
 }
 
 Value Evaluator::evaluateCount(Node const& node) {
-    Value const counted = resolved(node.a ? valueOf(*node.a) : m_frame->it, context());
-    if (rootOf(counted).is(ValueKind::Application)) throw cannotGet(rootOf(counted));
+    Value counted = node.a ? unaskedValue(*node.a) : m_frame->it;
+    if (counted.is(ValueKind::File) && isToldTo(m_frame->it)) counted = fileInApplication(counted, m_frame->it);
+    if (!isToldTo(counted)) counted = resolved(counted, context());
+    if (isToldTo(counted))
+        return Value::number(static_cast<double>(countInApplication(counted, node.code, context())));
     std::optional<std::size_t> const count = countOf(counted, node.code, context());
     if (!count) throw notUnderstood(counted, u"count");
     return Value::number(static_cast<double>(*count));

@@ -2,6 +2,8 @@
 #include "platform/applescript/ElementAccess.h"
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/Operators.h"
+#include "platform/applescript/StackRoom.h"
+#include "platform/applescript/applications/Application.h"
 #include "platform/foundation/Encodings.h"
 
 namespace mac::applescript {
@@ -13,6 +15,13 @@ Node const& unparenthesized(Node const& node) {
     while (inner->kind == NodeKind::Expression)
         inner = inner->a;
     return *inner;
+}
+
+// Whether the operand of a condition is a part of what is examined: name, name of it, name of container.
+bool isOfExamined(Node const& operand) {
+    if (operand.kind == NodeKind::It) return true;
+    if (operand.kind != NodeKind::Property && operand.kind != NodeKind::Element) return false;
+    return !operand.a || isOfExamined(unparenthesized(*operand.a));
 }
 
 // Text where a place is asked for is a name.
@@ -42,36 +51,99 @@ Value Evaluator::constructedText(Node const& node) {
     return Value::text(std::move(text));
 }
 
-Value Evaluator::evaluateElement(Node const& node) {
+Value Evaluator::asked(Part const& part) {
+    return part.isUnasked ? getInApplication(part.value, 0, context()) : part.value;
+}
+
+Value Evaluator::evaluateElement(Node const& node) { return asked(elementPart(node)); }
+Value Evaluator::evaluateProperty(Node const& node) { return asked(propertyPart(node)); }
+Value Evaluator::evaluateFilter(Node const& node) { return asked(filterPart(node)); }
+
+Evaluator::Part Evaluator::partOf(Node const& node) {
+    switch (node.kind) {
+    case NodeKind::Property:
+        return propertyPart(node);
+    case NodeKind::Element:
+        return elementPart(node);
+    case NodeKind::Filter:
+        return filterPart(node);
+    default:
+        return {.value = valueOf(node)};
+    }
+}
+
+Value Evaluator::unaskedValue(Node const& node) {
+    try {
+        requireStackRoom();
+        Value value = partOf(unparenthesized(node)).value;
+        if (value.isNothing()) throw plainError(errors::NoResult);
+        return value;
+    } catch (ScriptError& error) {
+        if (!error.range) error.range = node.range;
+        throw;
+    }
+}
+
+// An object of an application holds its parts, and what is told does, unless only the language knows such a thing. A file
+// in the words of an application that is told is that application's.
+std::optional<Value> Evaluator::placeInApplication(Node const& node, Value const& container) const {
+    bool const isProperty = node.kind == NodeKind::Property;
+    if (isToldTo(container)) {
+        bool const isImplied = isProperty && !node.a && !node.isOfApplication;
+        bool const isOfLanguage = isImplied && !hasTermFor(container, node.name->code) &&
+                                  propertyOfAppleScript(node.name, m_state.text).has_value();
+        if (isOfLanguage) return {};
+        return container;
+    }
+    bool const mayBeFile = container.is(ValueKind::File) && isToldTo(m_frame->it);
+    if (!mayBeFile) return {};
+    bool const isOfFile = isProperty && (node.name->code == codeOf("psxp") || node.name->code == codeOf("pcls"));
+    bool const isKnown = !isProperty || hasTermFor(m_frame->it, node.name->code);
+    if (isOfFile || !isKnown) return {};
+    return fileInApplication(container, m_frame->it);
+}
+
+Evaluator::Part Evaluator::elementPart(Node const& node) {
     bool const isConstructor = node.form == Form::Identifier && !node.a &&
                                (node.code == codeOf("cha ") || node.code == codeOf("TEXT") ||
                                 node.code == codeOf("ctxt") || node.code == codeOf("utxt"));
-    if (isConstructor) return constructedText(node);
+    if (isConstructor) return {.value = constructedText(node)};
+    Value container = node.a ? unaskedValue(*node.a) : m_frame->it;
+    std::optional<Value> place = placeInApplication(node, container);
+    if (!place) {
+        container = resolved(container, context());
+        place = placeInApplication(node, container);
+    }
     ElementSelector selector;
-    Value const container = resolved(node.a ? valueOf(*node.a) : m_frame->it, context());
     selector.want = node.code;
     if (node.b) selector.from = node.form == Form::Range ? rangeEnd(*node.b) : resolved(valueOf(*node.b), context());
     if (node.c) selector.to = rangeEnd(*node.c);
     selector.form = formOf(node, selector.from);
+    if (place)
+        return {.value = elementSpecifier(selector.form, selector.want, *place, selector.from, selector.to),
+                .isUnasked = true};
     std::optional<Value> const found = elementOf(container, selector, context());
-    if (found) return *found;
-    if (container.is(ValueKind::Application)) throw cannotGet(container);
+    if (found) return {.value = *found};
     bool const isImplied = !node.a && container.is(ValueKind::Script);
     throw cannotGet(
         elementSpecifier(selector.form, selector.want, isImplied ? Value() : container, selector.from, selector.to));
 }
 
-Value Evaluator::evaluateProperty(Node const& node) {
-    if (node.name->code == codeOf("pcnt") && node.a) {
-        Value const reference = valueOf(*node.a);
-        if (reference.is(ValueKind::Specifier)) return objectOf(reference.specifier(), reference, context());
+Evaluator::Part Evaluator::propertyPart(Node const& node) {
+    Value container = node.a ? unaskedValue(*node.a) : m_frame->it;
+    if (node.name->code == codeOf("pcnt") && node.a && container.is(ValueKind::Specifier))
+        return {.value = isInApplication(container) ? getInApplication(container, 0, context())
+                                                    : objectOf(container.specifier(), container, context())};
+    std::optional<Value> place = placeInApplication(node, container);
+    if (!place) {
+        if (!isToldTo(container)) container = resolved(container, context());
+        place = isToldTo(container) && !node.a ? std::nullopt : placeInApplication(node, container);
     }
-    Value const container = resolved(node.a ? valueOf(*node.a) : m_frame->it, context());
-    std::optional<Value> found = propertyOf(container, node.name, context());
+    if (place) return {.value = propertySpecifier(node.name, *place), .isUnasked = true};
+    std::optional<Value> found = isToldTo(container) ? std::nullopt : propertyOf(container, node.name, context());
     // What the target does not know is asked of the script, and of AppleScript behind it.
     if (!found && !node.a && !container.is(ValueKind::Script)) found = propertyOf(m_frame->me, node.name, context());
-    if (found && !found->isNothing()) return *found;
-    if (container.is(ValueKind::Application)) throw cannotGet(container);
+    if (found && !found->isNothing()) return {.value = *found};
     bool const isImplied = !node.a && container.is(ValueKind::Script);
     throw cannotGet(propertySpecifier(node.name, isImplied ? Value() : container));
 }
@@ -119,23 +191,42 @@ Value Evaluator::referenceTo(Node const& node) {
     }
 }
 
-// The engine's own values are not filtered; applications will be asked.
-Value Evaluator::evaluateFilter(Node const& node) {
-    Value const base = referenceTo(*node.a);
-    Value const& root = rootOf(base);
-    if (root.is(ValueKind::Application)) throw cannotGet(root);
-    throw cannotGet(elementSpecifier(Form::Filter, 0, Value(), base, testOf(*node.b)));
+namespace {
+
+// `name of every file whose …` filters the files. A part by its name or identifier is not filtered, what it lies in is.
+Value filtered(Value const& base, Value const& test) {
+    SpecifierObject const& part = base.specifier();
+    bool const isSingle =
+        part.form == Form::Property || part.form == Form::Name || part.form == Form::Identifier;
+    if (!isSingle || !part.container.is(ValueKind::Specifier))
+        return elementSpecifier(Form::Filter, part.want, part.container, base, test);
+    Value const outer = elementSpecifier(part.form, part.want, filtered(part.container, test), part.from, part.to);
+    outer.specifier().property = part.property;
+    return outer;
+}
+
+} // namespace
+
+// The engine's own values are not filtered.
+Evaluator::Part Evaluator::filterPart(Node const& node) {
+    Node const& inner = unparenthesized(*node.a);
+    bool const isPart = inner.kind == NodeKind::Property || inner.kind == NodeKind::Element;
+    if (isPart) {
+        Part const base = partOf(inner);
+        if (base.isUnasked) return {.value = filtered(base.value, testOf(*node.b)), .isUnasked = true};
+    }
+    throw cannotGet(elementSpecifier(Form::Filter, 0, Value(), referenceTo(*node.a), testOf(*node.b)));
 }
 
 Value Evaluator::operandOfTest(Node const& node) {
     Node const& operand = unparenthesized(node);
     if (operand.kind == NodeKind::It) return propertySpecifier(termSymbol(codeOf("it  "), u"it"), Value());
-    bool const isOfExamined = (operand.kind == NodeKind::Property || operand.kind == NodeKind::Element) &&
-                              (!operand.a || unparenthesized(*operand.a).kind == NodeKind::It);
-    if (!isOfExamined) return valueOf(operand);
-    if (operand.kind == NodeKind::Property) return propertySpecifier(operand.name, Value());
+    if (!isOfExamined(operand)) return valueOf(operand);
+    Value container;
+    if (operand.a && unparenthesized(*operand.a).kind != NodeKind::It) container = operandOfTest(*operand.a);
+    if (operand.kind == NodeKind::Property) return propertySpecifier(operand.name, container);
     Value const from = operand.b ? resolved(valueOf(*operand.b), context()) : Value();
-    return elementSpecifier(formOf(operand, from), operand.code, Value(), from);
+    return elementSpecifier(formOf(operand, from), operand.code, container, from);
 }
 
 Value Evaluator::testOf(Node const& node) {
@@ -174,6 +265,9 @@ void Evaluator::assign(Node const& target, Value const& value) {
     case NodeKind::Element:
         assignElement(target, value);
         return;
+    case NodeKind::Filter:
+        setInApplication(filterPart(target).value, value, context());
+        return;
     case NodeKind::List: {
         Value const list = requireType(value, codeOf("list"), context());
         // All right sides before any left one.
@@ -205,21 +299,32 @@ void Evaluator::assign(Node const& target, Value const& value) {
 }
 
 void Evaluator::assignProperty(Node const& target, Value const& value) {
-    Value const owner = target.a ? valueOf(*target.a) : m_frame->it;
+    Value const owner = target.a ? unaskedValue(*target.a) : m_frame->it;
     bool const isContents = target.name->code == codeOf("pcnt") && owner.is(ValueKind::Specifier);
     if (isContents) {
         setObject(owner, value, context());
         return;
     }
-    Value const container = resolved(owner, context());
-    if (setPropertyOf(container, target.name, value, context())) return;
+    std::optional<Value> place = placeInApplication(target, owner);
+    Value const container = place || isToldTo(owner) ? owner : resolved(owner, context());
+    if (!place && target.a) place = placeInApplication(target, container);
+    if (place) {
+        setInApplication(propertySpecifier(target.name, *place), value, context());
+        return;
+    }
+    if (!isToldTo(container) && setPropertyOf(container, target.name, value, context())) return;
     if (!target.a && setPropertyOf(m_frame->me, target.name, value, context())) return;
-    if (container.is(ValueKind::Application)) throw cannotGet(container);
     throw cannotSet(propertySpecifier(target.name, target.a ? container : Value()), value);
 }
 
 void Evaluator::assignElement(Node const& target, Value const& value) {
-    Value const container = resolved(target.a ? valueOf(*target.a) : m_frame->it, context());
+    Value const owner = target.a ? unaskedValue(*target.a) : m_frame->it;
+    bool const isInList = !isToldTo(owner);
+    Value const container = isInList ? resolved(owner, context()) : owner;
+    if (isToldTo(container)) {
+        setInApplication(elementPart(target).value, value, context());
+        return;
+    }
     ElementSelector selector;
     selector.want = target.code;
     if (target.b)
@@ -227,7 +332,6 @@ void Evaluator::assignElement(Node const& target, Value const& value) {
     if (target.c) selector.to = rangeEnd(*target.c);
     selector.form = formOf(target, selector.from);
     if (setElementOf(container, selector, value, context())) return;
-    if (container.is(ValueKind::Application)) throw cannotGet(container);
     throw cannotSet(elementSpecifier(selector.form, selector.want, container, selector.from, selector.to), value);
 }
 

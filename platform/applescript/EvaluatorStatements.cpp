@@ -3,6 +3,7 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/Operators.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/applescript/applications/Application.h"
 
 namespace mac::applescript {
 
@@ -176,7 +177,6 @@ Evaluator::Flow Evaluator::executeRepeatFrom(Node const& node) {
 
 Evaluator::Flow Evaluator::executeRepeatIn(Node const& node) {
     Value list = resolved(valueOf(*node.a), context());
-    if (list.is(ValueKind::Application)) throw cannotGet(list);
     if (!list.is(ValueKind::List) && !list.is(ValueKind::Text)) list = requireType(list, codeOf("list"), context());
     std::size_t const count = countOf(list, codeOf("cobj"), context()).value_or(0);
     Flow flow = Flow::Next;
@@ -189,9 +189,8 @@ Evaluator::Flow Evaluator::executeRepeatIn(Node const& node) {
 }
 
 Evaluator::Flow Evaluator::executeTell(Node const& node) {
-    Value target = valueOf(*node.a);
-    if (rootOf(target).is(ValueKind::Specifier) || !rootOf(target).is(ValueKind::Application))
-        target = resolved(target, context());
+    Value target = unaskedValue(*node.a);
+    if (!isToldTo(target)) target = resolved(target, context());
     Restored<Value> const it(m_frame->it, std::move(target));
     return executeBlock(node.b);
 }

@@ -123,10 +123,18 @@ bool ScriptParser::parseCommandParameter(Node& node, CommandTerm const& command)
     for (; most > 0; --most)
         advance();
     Node* value = parseEnumerator(parameter->enumerators);
-    if (!value && parameter->label == u"as") {
+    if (!value && (parameter->label == u"as" || parameter->label == u"new")) {
         Code const code = parseClassName();
         value = &make(NodeKind::Literal, first);
         value->value = Value::type(code);
+    }
+    // make login item at end: of what is told.
+    bool const isBareEnd = !value && (isWord("end") || isWord("beginning")) && !ahead(1).isWord("of") &&
+                           !ahead(1).isWord("in");
+    if (isBareEnd) {
+        value = &parseElement(codeOf("insl"), m_place);
+        value->form = isWord("end") ? Form::End : Form::Beginning;
+        advance();
     }
     if (!value) value = &parseExpression();
     addParameter(node, *parameter, *value);

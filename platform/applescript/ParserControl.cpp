@@ -173,10 +173,8 @@ Node* ScriptParser::parseUsingTerms() {
     takeWords({"using", "terms", "from"});
     Terminology const* terms = nullptr;
     if (!takeWords({"scripting", "additions"})) {
-        bool const isApplication = isWord("application") || isWord("app");
-        std::u16string const name = ahead(1).text;
         Node const& owner = parsePrimary();
-        if (isApplication && owner.kind == NodeKind::Application && m_applications) terms = m_applications(name);
+        if (owner.kind == NodeKind::Application) terms = termsOfTarget(owner);
     }
     expectEndOfStatement(false);
     if (terms) m_terms.push_back(terms);

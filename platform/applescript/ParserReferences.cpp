@@ -263,7 +263,8 @@ Node& ScriptParser::parseTerm(TermMatch const& match) {
     if (term.propertyCode != 0) {
         Node& node = make(NodeKind::Property, first);
         node.name = termSymbol(term.propertyCode, term.name);
-        m_body->names.push_back(&node);
+        node.isOfApplication = match.isOfApplication;
+        if (!match.isOfApplication) m_body->names.push_back(&node);
         return node;
     }
     Node& node = make(NodeKind::Literal, first);
@@ -272,8 +273,10 @@ Node& ScriptParser::parseTerm(TermMatch const& match) {
 }
 
 Node& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToken) {
+    // An application's own files are elements of it.
+    bool const isOwnFile = Terminology::base().termNamed(term.name) != &term;
     bool const opensFile = term.classCode == codeOf("alis") || term.classCode == codeOf("psxf") ||
-                           (term.classCode == codeOf("file") && !term.isPlural);
+                           (term.classCode == codeOf("file") && !term.isPlural && !isOwnFile);
     if (term.classCode == codeOf("ldt ") && startsIndex()) return parseDate(firstToken);
     if (opensFile && startsIndex() && current().kind != TokenKind::Integer) {
         Node& path = parseIndexOperand();

@@ -123,7 +123,7 @@ Node& ScriptParser::parsePattern(bool isParameter) {
 
 Node& ScriptParser::parseTarget() {
     Node& target = parsePattern(false);
-    bool const isTermVariable = target.kind == NodeKind::Property && !target.a;
+    bool const isTermVariable = target.kind == NodeKind::Property && !target.a && !target.isOfApplication;
     // Only the additions' names and such: the language's own properties stay what they are.
     if (isTermVariable && target.name->code != codeOf("txdl")) m_body->assignedTerms.push_back(target.name);
     return target;
@@ -164,16 +164,20 @@ Node* ScriptParser::parseCopy() {
     return &node;
 }
 
+// The terms of the application that the object lies in, where the source names it.
+Terminology const* ScriptParser::termsOfTarget(Node const& target) const {
+    Node const* application = &target;
+    while (application && application->kind != NodeKind::Application)
+        application = application->a;
+    bool const isNamed = application && application->a->value.is(ValueKind::Text);
+    return isNamed && m_applications ? m_applications(application->a->value.units()) : nullptr;
+}
+
 Node* ScriptParser::parseTell() {
     std::size_t const first = m_place;
     advance();
     Node& target = parseExpression();
-    Node const* application = &target;
-    while (application->kind == NodeKind::Expression)
-        application = application->a;
-    Terminology const* terms = nullptr;
-    bool const isNamed = application->kind == NodeKind::Application && application->a->value.is(ValueKind::Text);
-    if (isNamed && m_applications) terms = m_applications(m_tokens[first + 2].text);
+    Terminology const* const terms = termsOfTarget(target);
     if (terms) m_terms.push_back(terms);
     Node* block = nullptr;
     if (takeWord("to")) {

@@ -1,19 +1,17 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/ScriptObject.h"
+#include "platform/applescript/applications/Application.h"
 #include <new>
 
 namespace mac::applescript {
 
 namespace {
 
-TerminologySource currentSource = nullptr;
-
 ScriptError outOfMemory() { return plainError(errors::OutOfMemory); }
 
 } // namespace
 
-void setTerminologySource(TerminologySource source) { currentSource = source; }
-TerminologySource terminologySource() { return currentSource; }
+TerminologySource terminologySource() { return &terminologyOfApplication; }
 
 EngineState& engineState() {
     static EngineState state;
@@ -28,7 +26,7 @@ CompiledScript::~CompiledScript() {
 
 std::optional<CompiledScript> CompiledScript::compile(std::u16string_view source, ScriptError& error) {
     try {
-        return CompiledScript(ScriptParser(source, currentSource).parse());
+        return CompiledScript(ScriptParser(source, terminologySource()).parse());
     } catch (ScriptError const& thrown) {
         error = thrown;
     } catch (std::bad_alloc const&) {
@@ -59,6 +57,7 @@ ScriptOutcome CompiledScript::perform(RunOptions const& options, Action const& a
     ScriptOutcome outcome;
     EngineState& state = engineState();
     unsigned const considered = state.text.considered;
+    state.text.asksApplications = !options.computesOnly;
     try {
         Evaluator evaluator(state, options);
         if (m_script.isNothing()) m_script = evaluator.load(m_tree);

@@ -40,8 +40,7 @@ private:
     Value m_script;
 };
 
-// Where the tables of applications will come from; null while there are none.
-void setTerminologySource(TerminologySource source);
+// Where the tables of applications come from.
 TerminologySource terminologySource();
 EngineState& engineState();
 

@@ -137,6 +137,19 @@ ScriptError cannotSet(Value const& object, Value const& value) {
             .from = object};
 }
 
+ScriptError invalidIndex(Value const& object) {
+    return {.number = errors::InvalidIndex,
+            .message = joined({u"Can’t get ", sourceForm(object), u". Invalid index."}),
+            .from = object};
+}
+
+ScriptError mayNotSet(Value const& object, Value const& value) {
+    return {.number = errors::CannotSetAccess,
+            .message = joined(
+                {u"Can’t set ", sourceForm(object), u" to ", sourceForm(value), u". Access not allowed."}),
+            .from = object};
+}
+
 ScriptError notUnderstood(Value const& receiver, std::u16string_view message) {
     return {.number = errors::NotUnderstood,
             .message = joined({sourceForm(receiver), u" doesn’t understand the “", message, u"” message."}),

@@ -47,6 +47,7 @@ inline constexpr std::int32_t CorruptData = -1702;
 inline constexpr std::int32_t NotUnderstood = -1708;
 inline constexpr std::int32_t TimedOut = -1712;
 inline constexpr std::int32_t NoUserInteraction = -1713;
+inline constexpr std::int32_t InvalidIndex = -1719;
 inline constexpr std::int32_t InvalidRange = -1720;
 inline constexpr std::int32_t ParametersDoNotMatch = -1721;
 inline constexpr std::int32_t AccessNotAllowed = -1723;
@@ -82,7 +83,11 @@ ScriptError plainError(std::int32_t number);
 ScriptError cannotMake(Value const& value, Code type);
 ScriptError cannotMake(Value const& value, std::u16string_view type);
 ScriptError cannotGet(Value const& object);
+// An index beyond what there is.
+ScriptError invalidIndex(Value const& object);
 ScriptError cannotSet(Value const& object, Value const& value);
+// Something that can be read only.
+ScriptError mayNotSet(Value const& object, Value const& value);
 ScriptError notUnderstood(Value const& receiver, std::u16string_view message);
 ScriptError variableNotDefined(Symbol name);
 ScriptError missingParameter(std::u16string_view parameter, std::u16string_view message);

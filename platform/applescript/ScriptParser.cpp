@@ -59,7 +59,9 @@ TermMatch ScriptParser::matchTermAt(std::size_t place) const {
     TermMatch best;
     for (std::size_t left = m_terms.size(); left > 0; --left) {
         TermMatch const match = m_terms[left - 1]->match(rest);
-        if (match.tokenCount > best.tokenCount) best = match;
+        if (match.tokenCount <= best.tokenCount) continue;
+        best = match;
+        best.isOfApplication = left > 1;
     }
     return best;
 }

@@ -49,6 +49,7 @@ private:
     Node* parseSet();
     Node* parseCopy();
     Node* parseTell();
+    Terminology const* termsOfTarget(Node const& target) const;
     Node* parseIf();
     Node* parseReturn();
     Node* parseError();

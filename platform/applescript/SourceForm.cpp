@@ -50,6 +50,16 @@ std::u16string quoted(std::u16string_view text) {
     return form + u"\"";
 }
 
+// The innermost application whose own words are being written.
+Value const* writtenWithin = nullptr;
+
+bool isWrittenWithin(Value const& value) {
+    if (!writtenWithin || !value.is(ValueKind::Application)) return false;
+    ApplicationObject const& one = value.application();
+    ApplicationObject const& other = writtenWithin->application();
+    return one.byIdentifier == other.byIdentifier && foldedName(one.name) == foldedName(other.name);
+}
+
 class Writer {
 public:
     explicit Writer(bool isSource) : m_isSource(isSource) {}
@@ -196,25 +206,16 @@ private:
 
     void writeSpecifier(SpecifierObject const& specifier) {
         writeHead(specifier);
-        if (specifier.container.isNothing()) return;
+        bool const isWhole = specifier.form == Form::Filter || specifier.container.isNothing();
+        if (isWhole || isWrittenWithin(specifier.container)) return;
         m_form += specifier.form == Form::Before || specifier.form == Form::After ? u" " : u" of ";
         write(specifier.container);
     }
 
-    // every item, or items before a range.
+    // items before a range.
     void writeElements(Code want) {
-        if (Term const* const plural = pluralOf(want))
-            m_form += plural->name;
-        else
-            m_form += nameOfCode(want);
-    }
-
-    static Term const* pluralOf(Code want) {
-        std::u16string const name = nameOfCode(want);
-        for (std::u16string_view const ending : {u"s", u"es"})
-            if (Term const* const term = Terminology::base().termNamed(name + std::u16string(ending)))
-                if (term->isPlural) return term;
-        return nullptr;
+        std::u16string_view const plural = pluralOfCode(want);
+        m_form += plural.empty() ? nameOfCode(want) : std::u16string(plural);
     }
 
     void writeHead(SpecifierObject const& specifier) {
@@ -294,6 +295,11 @@ private:
 };
 
 } // namespace
+
+WithinApplication::WithinApplication(Value const& application)
+    : m_application(application), m_outer(std::exchange(writtenWithin, &m_application)) {}
+
+WithinApplication::~WithinApplication() { writtenWithin = m_outer; }
 
 std::u16string sourceForm(Value const& value) {
     Writer writer(true);

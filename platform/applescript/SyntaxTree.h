@@ -181,6 +181,8 @@ struct Node {
     std::vector<Code> codes{};
     CommandTerm const* command{nullptr};
     ScriptDefinition* definition{nullptr};
+    // A property by a term of the application that is told: never a variable.
+    bool isOfApplication{false};
 };
 
 struct HandlerDefinition {

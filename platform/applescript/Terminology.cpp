@@ -68,6 +68,7 @@ void Terminology::addClass(std::u16string_view name, std::u16string_view plural,
     Term& term = entry(plural);
     term.classCode = code;
     term.isPlural = true;
+    m_plurals.emplace(code, plural);
 }
 
 void Terminology::addProperty(std::u16string_view name, Code code) {
@@ -114,6 +115,11 @@ std::u16string_view Terminology::nameOf(Code code) const {
     return found == m_names.end() ? std::u16string_view() : found->second;
 }
 
+std::u16string_view Terminology::pluralOf(Code classCode) const {
+    auto const found = m_plurals.find(classCode);
+    return found == m_plurals.end() ? std::u16string_view() : found->second;
+}
+
 CommandTerm const* Terminology::commandOf(EventCode code) const {
     auto const found = std::ranges::find(m_commands, code, &CommandTerm::code);
     return found == m_commands.end() ? nullptr : *found;
@@ -132,9 +138,18 @@ std::u16string charactersOfCode(Code code) {
 }
 
 std::u16string nameOfCode(Code code) {
-    std::u16string_view const name = Terminology::base().nameOf(code);
+    std::u16string_view name = Terminology::base().nameOf(code);
+    for (Terminology const* const terms : applicationTerminologies())
+        if (name.empty()) name = terms->nameOf(code);
     if (!name.empty()) return std::u16string(name);
     return u"«class " + charactersOfCode(code) + u"»";
+}
+
+std::u16string_view pluralOfCode(Code classCode) {
+    std::u16string_view plural = Terminology::base().pluralOf(classCode);
+    for (Terminology const* const terms : applicationTerminologies())
+        if (plural.empty()) plural = terms->pluralOf(classCode);
+    return plural;
 }
 
 bool isReservedWord(std::string_view lowercase) { return std::ranges::binary_search(ReservedWords, lowercase); }

@@ -57,6 +57,8 @@ struct Term {
 struct TermMatch {
     Term const* term{nullptr};
     std::size_t tokenCount{0};
+    // From the table of an application that is told something.
+    bool isOfApplication{false};
 };
 
 // One table of terms: names of one or several words, with their codes. The language's own and the standard additions'
@@ -78,6 +80,7 @@ public:
     Term const* termNamed(std::u16string_view name) const;
     // Empty where no term has this code.
     std::u16string_view nameOf(Code code) const;
+    std::u16string_view pluralOf(Code classCode) const;
     CommandTerm const* commandOf(EventCode code) const;
 
 private:
@@ -90,14 +93,20 @@ private:
     // By first word, longest first.
     std::unordered_map<std::string, std::vector<Entry>> m_entries;
     std::unordered_map<Code, std::u16string_view> m_names;
+    std::unordered_map<Code, std::u16string_view> m_plurals;
     std::vector<CommandTerm const*> m_commands;
 };
 
 // How many of the tokens spell the words of the name; 0 when they do not.
 std::size_t tokensSpelling(std::span<Token const> tokens, std::u16string_view name);
 
-// The name of the term, or «class xxxx».
+// The tables of the applications that are part of this engine.
+std::span<Terminology const* const> applicationTerminologies();
+
+// The name of the term, also of an application's, or «class xxxx».
 std::u16string nameOfCode(Code code);
+// Empty where no term says so.
+std::u16string_view pluralOfCode(Code classCode);
 // Four characters of a code; what is no letter shows as it is.
 std::u16string charactersOfCode(Code code);
 // Whether a name must stand between bars: it is reserved, is a term, or is no plain identifier.

@@ -14,6 +14,8 @@ struct TextContext {
     // What one value may hold at most.
     std::size_t mostUnits{std::size_t{1} << 27U};
     std::size_t mostItems{std::size_t{1} << 25U};
+    // False for a script that may only compute.
+    bool asksApplications{true};
 };
 
 } // namespace mac::applescript

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/applescript/applications/Application.h"
+
+namespace mac::applescript {
+
+// The applications that this engine itself is; each one object.
+Application& finderApplication();
+Application& systemEventsApplication();
+Application& systemPreferencesApplication();
+
+// A program of this computer by name or identifier; null where there is none. Answered anew each time, and the same
+// object for the same program.
+Application* programNamed(std::u16string_view name);
+Application* programIdentified(std::u16string_view identifier);
+
+} // namespace mac::applescript
