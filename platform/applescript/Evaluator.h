@@ -117,6 +117,7 @@ private:
     // EvaluatorReferences.cpp
     Value evaluateProperty(Node const& node);
     Value evaluateElement(Node const& node);
+    Value evaluateFilter(Node const& node);
     // A part of something: its value, or of what lies in an application the specifier, which is still to be asked for.
     struct Part {
         Value value{};

@@ -56,6 +56,7 @@ std::optional<Value> propertyOfText(Value const& text, Symbol name, TextContext 
     case codeOf("ID  "):
         return identifiersOf(text.units());
     case codeOf("psxp"):
+    case codeOf("posx"):
         return Value::text(posixPathOf(text.units()));
     default:
         return {};
@@ -163,6 +164,7 @@ std::optional<Value> propertyOfFile(Value const& file, Symbol name) {
     std::u16string path = file.file().path;
     switch (name->code) {
     case codeOf("psxp"):
+    case codeOf("posx"):
         if (file.file().kind == FileObject::Kind::Alias && isFolderAt(path) && !path.ends_with(u'/')) path += u'/';
         return Value::text(std::move(path));
     case codeOf("pnam"): {

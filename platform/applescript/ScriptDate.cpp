@@ -266,6 +266,19 @@ std::int64_t dateOfUnixTime(std::int64_t seconds) {
     return seconds + offset + DaysTo1970 * SecondsPerDay;
 }
 
+std::int64_t unixTimeOfDate(std::int64_t seconds) {
+    DateParts const parts = partsOfDate(seconds);
+    std::tm local{};
+    local.tm_year = static_cast<int>(parts.year - 1900);
+    local.tm_mon = parts.month - 1;
+    local.tm_mday = parts.day;
+    local.tm_hour = parts.hour;
+    local.tm_min = parts.minute;
+    local.tm_sec = parts.second;
+    local.tm_isdst = -1;
+    return std::mktime(&local);
+}
+
 std::int64_t currentDate() { return dateOfUnixTime(std::time(nullptr)); }
 
 std::int64_t secondsToGMT() {

@@ -76,6 +76,8 @@ std::optional<Value> ModelObject::property(Code code) {
     return {};
 }
 
+ModelPointer ModelObject::objectProperty(Code /*code*/) { return nullptr; }
+
 bool ModelObject::setProperty(Code /*code*/, Value const& /*value*/, TextContext const& /*context*/) { return false; }
 
 std::optional<std::vector<ModelPointer>> ModelObject::elements(Code /*elementType*/) { return {}; }

@@ -26,6 +26,8 @@ public:
 
     // Nothing for a property that it has not. A specifier stands for the object it leads to.
     virtual std::optional<Value> property(Code code);
+    // A property that is an object itself; null for any other.
+    virtual ModelPointer objectProperty(Code code);
     // Those that `properties` is a record of.
     virtual std::vector<Code> propertyCodes() const { return {}; }
     // False for a property that it has not, or that cannot be set.

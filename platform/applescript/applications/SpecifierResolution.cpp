@@ -64,6 +64,8 @@ Meant SpecifierResolution::partOf(Meant const& container, Value const& part) {
 Meant SpecifierResolution::propertyOf(Meant const& container, Value const& part) {
     Symbol const name = part.specifier().property;
     if (name->code == codeOf("it  ")) return container;
+    if (container.object)
+        if (ModelPointer const object = container.object->objectProperty(name->code)) return {.object = object};
     std::optional<Value> value;
     if (!container.object) {
         value = applescript::propertyOf(container.value, name, m_context);

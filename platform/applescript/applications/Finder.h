@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/applescript/applications/FinderItem.h"
+
+// The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
+// desktop's file browser's.
+
+namespace mac::applescript {
+
+Terminology const& finderTerms();
+
+namespace finder {
+
+// The items that are meant; throws for what is none.
+std::vector<std::shared_ptr<FinderItem>> itemsOf(ModelApplication& finder, Value const& meant,
+                                                 TextContext const& context);
+// The folder that something is to be put into; -10024 for what is none.
+std::shared_ptr<FinderItem> folderOf(ModelApplication& finder, Value const& meant, TextContext const& context);
+// A command about one item answers that, one about several a list.
+Value answerOf(Value const& meant, std::vector<Value> answers);
+
+// FinderTrash.cpp
+ModelPointer trash();
+bool isTrash(ModelApplication& finder, Value const& meant, TextContext const& context);
+Value movedToTrash(FinderItem const& item);
+
+using Command = Value (*)(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+
+// FinderTrash.cpp
+Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+// FinderTransfers.cpp
+Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+// FinderMaking.cpp
+Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+// FinderWindows.cpp
+Value open(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+Value reveal(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+Value activate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+Value quit(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
+bool isRunning();
+
+} // namespace finder
+
+} // namespace mac::applescript

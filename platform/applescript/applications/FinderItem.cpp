@@ -1,0 +1,230 @@
+#include "platform/applescript/applications/FinderItem.h"
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/ScriptPaths.h"
+#include "platform/applescript/TextComparison.h"
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/files/HFSPaths.h"
+#include "platform/files/OpenItem.h"
+#include "platform/files/Volumes.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/LongPath.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/stat.h>
+#include <sys/stat.h>
+
+namespace mac::applescript {
+
+namespace {
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
+    struct statx status {};
+    if (::statx(folder, name, flags | AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) return {};
+    bool const hasBirth = (status.stx_mask & STATX_BTIME) != 0;
+    constexpr std::uint64_t blockSize = 512;
+    return ItemFacts{
+        .identity = {},
+        .mode = status.stx_mode,
+        .owner = status.stx_uid,
+        .group = status.stx_gid,
+        .size = status.stx_size,
+        .physicalSize = status.stx_blocks * blockSize,
+        .created = hasBirth ? status.stx_btime.tv_sec : std::min(status.stx_ctime.tv_sec, status.stx_mtime.tv_sec),
+        .modified = status.stx_mtime.tv_sec,
+    };
+}
+
+std::optional<ItemFacts> factsOf(FileDescriptor const& folder, std::string const& name) {
+    std::optional<IdentifiedItem> const identified = identify(folder, name);
+    std::optional<ItemFacts> facts = factsOf(folder.number(), name.c_str(), 0);
+    if (!identified || !facts) return {};
+    facts->identity = identified->identity;
+    return facts;
+}
+
+bool isPackageName(std::string_view name) {
+    constexpr auto endings = std::to_array<std::string_view>(
+        {".bundle", ".plugin", ".kext", ".pkg", ".mpkg", ".rtfd", ".prefPane", ".saver", ".wdgt"});
+    return std::ranges::any_of(endings, [&](std::string_view ending) {
+        return name.size() > ending.size() && name.ends_with(ending);
+    });
+}
+
+Code typeOf(std::string_view name, std::uint32_t mode) {
+    if (S_ISLNK(mode)) return codeOf("alia");
+    if (S_ISREG(mode)) return codeOf("docf");
+    if (!S_ISDIR(mode)) return codeOf("cobj");
+    if (name.size() > 4 && name.ends_with(".app")) return codeOf("appf");
+    return isPackageName(name) ? codeOf("pack") : codeOf("cfol");
+}
+
+bool isDisk(std::string const& path) {
+    if (path == "/") return true;
+    return std::ranges::any_of(mountedVolumes(), [&](MountedVolume const& volume) {
+        return volume.isBrowsable && volume.mountPoint == path;
+    });
+}
+
+FileDescriptor openFolder(std::string const& path) {
+    FileDescriptor folder = openPath(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return folder;
+}
+
+// The names in the order of a list by name; what begins with a dot does not show.
+std::vector<std::string> shownNames(FileDescriptor const& folder) {
+    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0)));
+    std::vector<std::pair<std::u16string, std::string>> names;
+    while (dirent const* const entry = entries ? ::readdir(entries.get()) : nullptr) {
+        std::string name = entry->d_name;
+        if (name.starts_with('.')) continue;
+        std::u16string shown = shownName(name);
+        names.emplace_back(std::move(shown), std::move(name));
+    }
+    constexpr unsigned considered = Considerations::Standard | Considerations::NumericStrings;
+    std::ranges::sort(names, [](auto const& one, auto const& other) {
+        int const order = compareText(one.first, other.first, considered);
+        return order != 0 ? order < 0 : one.second < other.second;
+    });
+    std::vector<std::string> sorted;
+    sorted.reserve(names.size());
+    for (auto& [shown, name] : names)
+        sorted.push_back(std::move(name));
+    return sorted;
+}
+
+} // namespace
+
+std::shared_ptr<FinderItem> FinderItem::atPath(std::string const& path) {
+    std::optional<std::string> const direct = directPath(path);
+    if (!direct) return nullptr;
+    if (*direct != "/") return inFolder(parentOf(*direct), lastName(*direct), Value());
+    FileDescriptor const root = openFolder("/");
+    std::optional<ItemFacts> const facts = factsOf(root, ".");
+    return facts ? std::make_shared<FinderItem>("/", *facts, codeOf("cdis"), Value()) : nullptr;
+}
+
+std::shared_ptr<FinderItem> FinderItem::inFolder(std::string const& folderPath, std::string const& name,
+                                                 Value const& folder) {
+    FileDescriptor const parent = openPath(folderPath, O_PATH | O_DIRECTORY | O_CLOEXEC);
+    std::optional<ItemFacts> const facts = parent.isOpen() ? factsOf(parent, name) : std::nullopt;
+    if (!facts) return nullptr;
+    std::string path = joined(folderPath, name);
+    Code const type = S_ISDIR(facts->mode) && isDisk(path) ? codeOf("cdis") : typeOf(name, facts->mode);
+    return std::make_shared<FinderItem>(std::move(path), *facts, type, folder);
+}
+
+bool FinderItem::isFolder() const { return S_ISDIR(m_facts.mode); }
+
+bool FinderItem::isOfType(Code sought) const {
+    switch (sought) {
+    case codeOf("cobj"):
+        return true;
+    case codeOf("ctnr"):
+        return m_type == codeOf("cfol") || m_type == codeOf("cdis");
+    case codeOf("file"):
+        return m_type == codeOf("docf") || m_type == codeOf("appf") || m_type == codeOf("alia") ||
+               m_type == codeOf("pack");
+    default:
+        return sought == m_type;
+    }
+}
+
+Value FinderItem::specifier() const {
+    if (m_type == codeOf("cdis")) return folderSpecifier(m_path);
+    return itemSpecifier(m_type, lastName(m_path), m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder);
+}
+
+OpenItem FinderItem::open() const {
+    std::optional<OpenItem> item = openItemAtPath(m_path, false);
+    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
+    if (!found) throw fileError(errno == 0 ? ENOENT : errno, specifier());
+    if (!(found->identity == m_facts.identity)) throw fileError(ENOENT, specifier());
+    return *std::move(item);
+}
+
+std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) {
+    constexpr auto types = std::to_array<Code>({codeOf("cobj"), codeOf("ctnr"), codeOf("cfol"), codeOf("file"),
+                                                codeOf("docf"), codeOf("appf"), codeOf("alia"), codeOf("pack"),
+                                                codeOf("cdis")});
+    if (!isFolder() || std::ranges::find(types, elementType) == types.end()) return {};
+    FileDescriptor const folder = openFolder(m_path);
+    if (!folder.isOpen()) throw fileError(errno, specifier());
+    std::optional<IdentifiedItem> const found = identify(folder);
+    if (!found || !(found->identity == m_facts.identity)) throw fileError(ENOENT, specifier());
+    Value const self = specifier();
+    std::vector<ModelPointer> elements;
+    for (std::string const& name : shownNames(folder)) {
+        std::optional<ItemFacts> const facts = factsOf(folder, name);
+        if (!facts) continue;
+        Code const type = typeOf(name, facts->mode);
+        ModelPointer const element = std::make_shared<FinderItem>(joined(m_path, name), *facts, type, self);
+        if (element->isOfType(elementType)) elements.push_back(element);
+    }
+    return elements;
+}
+
+// The name may be a path of several, with colons between.
+ModelPointer FinderItem::elementNamed(Code elementType, std::u16string const& name) {
+    if (!isFolder()) return nullptr;
+    std::size_t const colon = name.find(u':');
+    std::optional<std::string> const first = nameOnDisk(std::u16string_view(name).substr(0, colon));
+    std::shared_ptr<FinderItem> const found = first ? inFolder(m_path, *first, specifier()) : nullptr;
+    if (!found) return nullptr;
+    bool const isWhole = colon == std::u16string::npos || colon + 1 == name.size();
+    if (!isWhole) return found->elementNamed(elementType, name.substr(colon + 1));
+    return found->isOfType(elementType) ? found : nullptr;
+}
+
+std::optional<Value> FinderItem::coerced(Code wanted) {
+    std::u16string const path = unitsFromFileSystemBytes(m_path);
+    switch (wanted) {
+    case codeOf("ctxt"):
+    case codeOf("TEXT"):
+    case codeOf("utxt"):
+        return Value::text(hfsPathFromPOSIXPath(path, isFolder()));
+    case codeOf("alis"):
+        return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
+    case codeOf("furl"):
+    case codeOf("psxf"):
+        return makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile, path);
+    default:
+        return isOfType(wanted) ? std::optional(specifier()) : std::nullopt;
+    }
+}
+
+ScriptError fileError(int errorNumber, Value const& object) {
+    switch (errorNumber) {
+    case ENOENT:
+    case ESTALE:
+    case ENOTDIR:
+        return cannotGet(object);
+    case EACCES:
+    case EPERM:
+        return {.number = -5000,
+                .message = u"The operation can’t be completed because you don’t have the necessary permission.",
+                .from = object};
+    case EROFS:
+        return {.number = -44, .message = u"The disk is write protected.", .from = object};
+    case ENOSPC:
+    case EDQUOT:
+        return {.number = -34, .message = u"The disk is full.", .from = object};
+    case ENAMETOOLONG:
+    case EINVAL:
+        return {.number = -37, .message = u"Bad name for file.", .from = object};
+    case EBUSY:
+        return {.number = -47, .message = u"The file is busy.", .from = object};
+    case EEXIST:
+        return {.number = -48, .message = u"An item with the same name already exists in this location.", .from = object};
+    default:
+        return {.number = -36, .message = u"The disk could not be read or written.", .from = object};
+    }
+}
+
+} // namespace mac::applescript

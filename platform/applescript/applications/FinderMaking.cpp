@@ -1,0 +1,106 @@
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/Evaluator.h"
+#include "platform/applescript/applications/Finder.h"
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/files/OpenItem.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// New folders, files and alias files.
+
+namespace mac::applescript::finder {
+
+namespace {
+
+constexpr std::int32_t CannotMakeClass = -2710;
+
+// Folders are made for all, as far as the user's mask lets them.
+bool makeItem(int folder, std::string const& name, Code type, std::string const& target) {
+    if (type == codeOf("cfol")) return ::mkdirat(folder, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0;
+    if (type == codeOf("alia")) return ::symlinkat(target.c_str(), folder, name.c_str()) == 0;
+    constexpr mode_t everybodyReads = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    FileDescriptor const file(
+        ::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, everybodyReads));
+    return file.isOpen();
+}
+
+std::u16string firstName(Code type, std::string const& target) {
+    if (type == codeOf("cfol")) return u"untitled folder";
+    if (type == codeOf("alia")) return shownName(lastName(target)) + u" alias";
+    return u"untitled";
+}
+
+Code classToMake(ApplicationCommand const& command) {
+    Value const* const type = command.find(codeOf("kocl"));
+    if (!type) throw missingParameter(u"new", command.term.name);
+    if (!type->is(ValueKind::Type)) throw plainError(errors::CannotCoerce);
+    switch (type->asCode()) {
+    case codeOf("cfol"):
+    case codeOf("alia"):
+        return type->asCode();
+    case codeOf("alis"):
+        return codeOf("alia");
+    case codeOf("file"):
+    case codeOf("docf"):
+        return codeOf("docf");
+    default:
+        throw ScriptError{.number = CannotMakeClass, .message = u"Can’t make class " + nameOfCode(type->asCode()) + u"."};
+    }
+}
+
+// Without a name an item gets one that nothing has: "untitled folder 2".
+std::string makeUnder(OpenItem const& folder, std::optional<std::string> const& wanted, Code type,
+                      std::string const& target, Value const& place) {
+    std::u16string const first = firstName(type, target);
+    for (unsigned number = 1;; ++number) {
+        std::string const digits = std::to_string(number);
+        std::u16string const numbered =
+            number == 1 ? first : first + u" " + std::u16string(digits.begin(), digits.end());
+        std::optional<std::string> const name = wanted ? wanted : nameOnDisk(numbered);
+        if (!name) throw fileError(EINVAL, place);
+        if (makeItem(folder.item.number(), *name, type, target)) return *name;
+        if (errno != EEXIST || wanted) throw fileError(errno, errno == EEXIST ? itemSpecifier(type, *name, place) : place);
+    }
+}
+
+} // namespace
+
+Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
+    TextContext const& context = evaluator.context();
+    Code const type = classToMake(command);
+    Value const* const at = command.find(codeOf("insh"));
+    std::shared_ptr<FinderItem> const folder = folderOf(finder, at ? *at : command.subject, context);
+    if (!folder) throw fileError(ENOENT, Value::text(shownName(desktopPath())));
+    std::string target;
+    if (type == codeOf("alia")) {
+        Value const* const to = command.find(codeOf("to  "));
+        if (!to) throw missingParameter(u"to", command.term.name);
+        std::vector<std::shared_ptr<FinderItem>> const originals = itemsOf(finder, *to, context);
+        if (originals.size() != 1) throw plainError(-10014);
+        target = originals.front()->path();
+    }
+    Value const* const properties = command.find(codeOf("prdt"));
+    if (properties && !properties->is(ValueKind::Record)) throw cannotMake(*properties, codeOf("reco"));
+    std::vector<std::pair<Symbol, Value>> const fields =
+        properties ? properties->fields() : std::vector<std::pair<Symbol, Value>>();
+    std::optional<std::string> name;
+    for (auto const& [key, value] : fields) {
+        if (key->code != codeOf("pnam")) continue;
+        std::u16string const written = requireText(value, context);
+        name = written.find(u':') == std::u16string::npos ? nameOnDisk(written) : std::nullopt;
+        if (!name) throw fileError(EINVAL, value);
+    }
+    std::string const made = makeUnder(folder->open(), name, type, target, folder->specifier());
+    std::shared_ptr<FinderItem> const item = FinderItem::inFolder(folder->path(), made, folder->specifier());
+    if (!item) throw fileError(ENOENT, folder->specifier());
+    for (auto const& [key, value] : fields) {
+        if (key->code == codeOf("pnam")) continue;
+        Value const part = propertySpecifier(key, item->specifier());
+        if (!item->setProperty(key->code, value, context)) throw cannotSet(part, value);
+    }
+    return item->specifier();
+}
+
+} // namespace mac::applescript::finder

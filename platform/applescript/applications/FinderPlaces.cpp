@@ -1,0 +1,92 @@
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/ScriptPaths.h"
+#include "platform/applescript/Terminology.h"
+#include "platform/files/FolderPlace.h"
+#include "platform/files/OpenItem.h"
+#include "platform/files/Volumes.h"
+#include "platform/foundation/Encodings.h"
+#include <algorithm>
+#include <cstdlib>
+
+namespace mac::applescript {
+
+namespace {
+
+std::string environment(char const* name) {
+    char const* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+bool isPackageName(std::string_view name) { return name.ends_with(".app") && name.size() > 4; }
+
+} // namespace
+
+std::u16string shownName(std::string_view name) {
+    std::u16string shown = unitsFromFileSystemBytes(name);
+    std::ranges::replace(shown, u':', u'/');
+    return shown;
+}
+
+std::optional<std::string> nameOnDisk(std::u16string_view shown) {
+    std::u16string units(shown);
+    std::ranges::replace(units, u'/', u':');
+    std::optional<std::string> name = fileSystemBytesFromUnits(units);
+    if (!name || name->empty() || *name == "." || *name == "..") return {};
+    return name;
+}
+
+std::string homePath() {
+    std::string const home = environment("HOME");
+    return home.starts_with('/') ? home : "/";
+}
+
+// Linux: the desktop's folder as the user's settings name it.
+std::string desktopPath() {
+    std::string const set = environment("XDG_DESKTOP_DIR");
+    return set.starts_with('/') ? set : joined(homePath(), "Desktop");
+}
+
+Value finderItself() { return makeObject<ApplicationObject>(ValueKind::Application, u"Finder", false); }
+
+Value itemSpecifier(Code type, std::string_view name, Value const& folder) {
+    return elementSpecifier(Form::Name, type, folder, Value::text(shownName(name)));
+}
+
+Value folderSpecifier(std::string const& path) {
+    std::vector<MountedVolume> volumes = mountedVolumes();
+    std::erase_if(volumes, [](MountedVolume const& volume) { return !volume.isStartup() && !volume.isBrowsable; });
+    MountedVolume const* const volume = volumeOfPath(volumes, path);
+    std::string const mountPoint = volume ? volume->mountPoint : "/";
+    Value place = mountPoint == "/"
+                      ? propertySpecifier(termSymbol(codeOf("sdsk"), u"startup disk"), finderItself())
+                      : elementSpecifier(Form::Name, codeOf("cdis"), finderItself(), Value::text(volume->name));
+    std::string_view rest = std::string_view(path).substr(mountPoint == "/" ? 0 : mountPoint.size());
+    while (!rest.empty()) {
+        rest.remove_prefix(1);
+        std::string_view const name = rest.substr(0, rest.find('/'));
+        rest.remove_prefix(name.size());
+        if (!name.empty()) place = itemSpecifier(isPackageName(name) ? codeOf("appf") : codeOf("cfol"), name, place);
+    }
+    return place;
+}
+
+std::optional<std::string> directPath(std::string const& path) {
+    std::optional<OpenItem> const item = openItemAtPath(path, false);
+    if (!item) return {};
+    if (item->name.empty()) return "/";
+    std::optional<std::string> const folder = pathOfFolder(item->folder);
+    return folder ? std::optional(joined(*folder, item->name)) : std::nullopt;
+}
+
+std::string parentOf(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+std::string lastName(std::string const& path) { return path.substr(path.rfind('/') + 1); }
+
+std::string joined(std::string const& folder, std::string const& name) {
+    return folder == "/" ? "/" + name : folder + "/" + name;
+}
+
+} // namespace mac::applescript

@@ -1,0 +1,189 @@
+#include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/Evaluator.h"
+#include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/Finder.h"
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/foundation/AccountNames.h"
+#include "platform/foundation/Encodings.h"
+#include <pwd.h>
+#include <unistd.h>
+
+namespace mac::applescript {
+
+namespace {
+
+// The user who runs this program.
+class CurrentUser final : public ModelObject {
+public:
+    Code type() const override { return codeOf("uacc"); }
+    Value specifier() const override {
+        return elementSpecifier(Form::Name, codeOf("uacc"), systemEvents::itself(), Value::text(shortName()));
+    }
+    std::optional<Value> property(Code code) override {
+        switch (code) {
+        case codeOf("pcls"):
+            return Value::type(codeOf("uacc"));
+        case codeOf("pnam"):
+            return Value::text(shortName());
+        case codeOf("anam"):
+            return Value::text(fullName());
+        case codeOf("home"):
+            return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias,
+                                          unitsFromFileSystemBytes(homePath()));
+        default:
+            return {};
+        }
+    }
+
+private:
+    // The first part of what the user database says about the person.
+    static std::u16string fullName() {
+        passwd const* const record = ::getpwuid(::getuid());
+        std::string_view const about = record && record->pw_gecos ? record->pw_gecos : "";
+        std::string_view const name = about.substr(0, about.find(','));
+        return name.empty() ? shortName() : unitsFromFileSystemBytes(name);
+    }
+    static std::u16string shortName() {
+        NSString const name = nameOfUser(::getuid());
+        return name == nil ? std::u16string() : std::u16string(name.codeUnits());
+    }
+};
+
+class SystemEventsRoot final : public ModelObject {
+public:
+    Code type() const override { return codeOf("capp"); }
+    Value specifier() const override { return systemEvents::itself(); }
+
+    std::optional<Value> property(Code code) override {
+        switch (code) {
+        case codeOf("pcls"):
+            return Value::type(codeOf("capp"));
+        case codeOf("pnam"):
+            return Value::text(u"System Events");
+        case codeOf("ID  "):
+            return Value::text(u"com.apple.systemevents");
+        case codeOf("vers"):
+            return Value::text(u"1.3");
+        case codeOf("prun"):
+            return Value::boolean(true);
+        case codeOf("pisf"):
+            return Value::boolean(false);
+        default:
+            return {};
+        }
+    }
+
+    ModelPointer objectProperty(Code code) override {
+        switch (code) {
+        case codeOf("curu"):
+            return std::make_shared<CurrentUser>();
+        case codeOf("cusr"):
+        case codeOf("home"):
+            return systemEvents::diskItemAt(homePath());
+        case codeOf("desk"):
+            return systemEvents::diskItemAt(desktopPath());
+        case codeOf("sdsk"):
+            return systemEvents::diskItemAt("/");
+        default:
+            return nullptr;
+        }
+    }
+
+    // Linux: login items are not looked up here.
+    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
+        switch (elementType) {
+        case codeOf("prcs"):
+        case codeOf("pcap"):
+            return systemEvents::processes(elementType);
+        case codeOf("cdis"):
+            return systemEvents::disks();
+        case codeOf("uacc"):
+            return std::vector<ModelPointer>{std::make_shared<CurrentUser>()};
+        case codeOf("ditm"):
+        case codeOf("file"):
+        case codeOf("cfol"): {
+            ModelPointer const home = systemEvents::diskItemAt(homePath());
+            return home ? home->elements(elementType) : std::nullopt;
+        }
+        default:
+            return {};
+        }
+    }
+
+    ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
+        switch (elementType) {
+        case codeOf("ditm"):
+        case codeOf("file"):
+        case codeOf("cfol"):
+        case codeOf("cdis"):
+        case codeOf("cobj"):
+            return systemEvents::diskItemNamed(elementType, name);
+        default:
+            return ModelObject::elementNamed(elementType, name);
+        }
+    }
+};
+
+class SystemEvents final : public ModelApplication {
+public:
+    std::u16string name() const override { return u"System Events"; }
+    std::u16string identifier() const override { return u"com.apple.systemevents"; }
+    Terminology const* terms() const override { return &systemEventsTerms(); }
+    bool isRunning() const override { return true; }
+
+protected:
+    ModelPointer root() override { return std::make_shared<SystemEventsRoot>(); }
+
+    ModelPointer objectOfFile(FileObject const& file) override {
+        std::optional<std::string> const path = fileSystemBytesFromUnits(file.path);
+        return path ? systemEvents::diskItemAt(*path) : nullptr;
+    }
+
+    std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
+        switch (command.term.code) {
+        case eventOf("coredelo"):
+            return remove(evaluator, command);
+        case eventOf("miscactv"):
+        case eventOf("ascrnoop"):
+        case eventOf("aevtoapp"):
+        case eventOf("aevtrapp"):
+        case eventOf("aevtquit"):
+            // It is always there, without a window.
+            return Value();
+        case eventOf("fndrlogo"):
+        case eventOf("fndrrest"):
+        case eventOf("fndrshut"):
+        case eventOf("fndrslep"):
+            // Linux: nothing here speaks for the session.
+            throw plainError(-10004);
+        default:
+            return {};
+        }
+    }
+
+private:
+    // Linux: to the trash, from where it can be put back.
+    Value remove(Evaluator& evaluator, ApplicationCommand const& command) {
+        for (ModelPointer const& object : objects(directOf(command), evaluator.context())) {
+            std::shared_ptr<FinderItem> const item = systemEvents::itemOf(*object);
+            if (!item) throw plainError(-10010);
+            finder::movedToTrash(*item);
+        }
+        return {};
+    }
+};
+
+} // namespace
+
+namespace systemEvents {
+
+Value itself() { return makeObject<ApplicationObject>(ValueKind::Application, u"System Events", false); }
+
+} // namespace systemEvents
+
+Application& systemEventsApplication() {
+    static SystemEvents application;
+    return application;
+}
+
+} // namespace mac::applescript
