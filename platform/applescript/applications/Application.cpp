@@ -81,11 +81,4 @@ void refuseCall(Value const& target, Symbol name, TextContext const& context) {
     throw plainError(errors::NotUnderstood);
 }
 
-std::u16string_view briefMessageOf(ScriptError const& error) {
-    std::u16string_view const whole = error.message;
-    if (error.application.empty()) return whole;
-    std::u16string const prefix = error.application + u" got an error: ";
-    return whole.starts_with(prefix) ? whole.substr(prefix.size()) : whole;
-}
-
 } // namespace mac::applescript

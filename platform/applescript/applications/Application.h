@@ -73,7 +73,4 @@ Value performInApplication(Evaluator& evaluator, Value const& target, Applicatio
 // A call of a handler, which no application has.
 [[noreturn]] void refuseCall(Value const& target, Symbol name, TextContext const& context);
 
-// What an error of an application says without the application's name.
-std::u16string_view briefMessageOf(ScriptError const& error);
-
 } // namespace mac::applescript

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/applescript/applications/Application.h"
+#include "platform/processes/ProcessList.h"
+#include <span>
+
+// Other programs of this computer, as far as the system tells of them.
+
+namespace mac::applescript {
+
+// Whether one of the programs, by the names of their files, runs.
+bool isProgramRunning(std::span<char const* const> names);
+// Asks each of them to end.
+void quitPrograms(std::span<char const* const> names);
+
+// The first process that is called so: by the name of its bundle or of its program's file, or by its identifier.
+struct NamedProcess {
+    ProcessIdentity identity{};
+    std::u16string name{};
+    std::u16string identifier{};
+};
+std::optional<NamedProcess> processNamed(std::u16string_view name);
+std::optional<NamedProcess> processIdentified(std::u16string_view identifier);
+
+// What the desktop knows as an application: its name, its identifier, and how it is started.
+struct InstalledProgram {
+    std::u16string name{};
+    std::u16string identifier{};
+    std::vector<std::string> words{};
+};
+std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name);
+std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view identifier);
+
+} // namespace mac::applescript
