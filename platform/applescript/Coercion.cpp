@@ -129,8 +129,19 @@ std::optional<Value> listOf(Value const& value) {
     return Value::list(std::move(items));
 }
 
+std::optional<Value> aliasListOf(Value const& value, TextContext const& context) {
+    std::vector<Value> aliases;
+    for (Value const& item : listOf(value)->items()) {
+        std::optional<Value> const alias = coerced(item, codeOf("alis"), context);
+        if (!alias) return {};
+        aliases.push_back(*alias);
+    }
+    return Value::list(std::move(aliases));
+}
+
 std::optional<Value> coercedItself(Value const& value, Code type, TextContext const& context) {
     if (type == codeOf("list")) return listOf(value);
+    if (type == codeOf("alst")) return aliasListOf(value, context);
     if (type == codeOf("****") || isOfClass(value, type)) return value;
     if (isTextClass(type)) return textOf(value, context);
     switch (type) {

@@ -241,8 +241,8 @@ Value resolved(Value const& value, TextContext const& context) {
 
 void setObject(Value const& target, Value const& value, TextContext& context) {
     SpecifierObject const& specifier = target.specifier();
-    Value const container = isInApplication(specifier.container) ? specifier.container
-                                                                 : resolved(specifier.container, context);
+    Value const container =
+        isInApplication(specifier.container) ? specifier.container : resolved(specifier.container, context);
     if (isToldTo(container)) {
         setInApplication(withContainer(target, container), value, context);
         return;

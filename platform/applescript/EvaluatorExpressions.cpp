@@ -284,8 +284,7 @@ Value Evaluator::evaluateCount(Node const& node) {
     Value counted = node.a ? unaskedValue(*node.a) : m_frame->it;
     if (counted.is(ValueKind::File) && isToldTo(m_frame->it)) counted = fileInApplication(counted, m_frame->it);
     if (!isToldTo(counted)) counted = resolved(counted, context());
-    if (isToldTo(counted))
-        return Value::number(static_cast<double>(countInApplication(counted, node.code, context())));
+    if (isToldTo(counted)) return Value::number(static_cast<double>(countInApplication(counted, node.code, context())));
     std::optional<std::size_t> const count = countOf(counted, node.code, context());
     if (!count) throw notUnderstood(counted, u"count");
     return Value::number(static_cast<double>(*count));

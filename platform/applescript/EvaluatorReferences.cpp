@@ -84,8 +84,8 @@ Value Evaluator::unaskedValue(Node const& node) {
     }
 }
 
-// An object of an application holds its parts, and what is told does, unless only the language knows such a thing. A file
-// in the words of an application that is told is that application's.
+// An object of an application holds its parts, and what is told does, unless only the language knows such a thing. A
+// file in the words of an application that is told is that application's.
 std::optional<Value> Evaluator::placeInApplication(Node const& node, Value const& container) const {
     bool const isProperty = node.kind == NodeKind::Property;
     if (isToldTo(container)) {
@@ -196,8 +196,7 @@ namespace {
 // `name of every file whose …` filters the files. A part by its name or identifier is not filtered, what it lies in is.
 Value filtered(Value const& base, Value const& test) {
     SpecifierObject const& part = base.specifier();
-    bool const isSingle =
-        part.form == Form::Property || part.form == Form::Name || part.form == Form::Identifier;
+    bool const isSingle = part.form == Form::Property || part.form == Form::Name || part.form == Form::Identifier;
     if (!isSingle || !part.container.is(ValueKind::Specifier))
         return elementSpecifier(Form::Filter, part.want, part.container, base, test);
     Value const outer = elementSpecifier(part.form, part.want, filtered(part.container, test), part.from, part.to);

@@ -15,8 +15,8 @@ struct SpecifierObject final : ContainerObject {
     Symbol property{nullptr};
     // Nothing: what the target of the moment is.
     Value container{};
-    // The index, name, identifier or test; a range reaches from one to the other. A filter's are what is filtered, whose
-    // container it shares, and the test.
+    // The index, name, identifier or test; a range reaches from one to the other. A filter's are what is filtered,
+    // whose container it shares, and the test.
     Value from{};
     Value to{};
 

@@ -129,8 +129,8 @@ bool ScriptParser::parseCommandParameter(Node& node, CommandTerm const& command)
         value->value = Value::type(code);
     }
     // make login item at end: of what is told.
-    bool const isBareEnd = !value && (isWord("end") || isWord("beginning")) && !ahead(1).isWord("of") &&
-                           !ahead(1).isWord("in");
+    bool const isBareEnd =
+        !value && (isWord("end") || isWord("beginning")) && !ahead(1).isWord("of") && !ahead(1).isWord("in");
     if (isBareEnd) {
         value = &parseElement(codeOf("insl"), m_place);
         value->form = isWord("end") ? Form::End : Form::Beginning;

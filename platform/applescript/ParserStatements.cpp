@@ -1,3 +1,4 @@
+#include "platform/applescript/HeapObjects.h"
 #include "platform/applescript/ScriptParser.h"
 #include "platform/applescript/StackRoom.h"
 

@@ -145,8 +145,8 @@ ScriptError invalidIndex(Value const& object) {
 
 ScriptError mayNotSet(Value const& object, Value const& value) {
     return {.number = errors::CannotSetAccess,
-            .message = joined(
-                {u"Can’t set ", sourceForm(object), u" to ", sourceForm(value), u". Access not allowed."}),
+            .message =
+                joined({u"Can’t set ", sourceForm(object), u" to ", sourceForm(value), u". Access not allowed."}),
             .from = object};
 }
 

@@ -101,7 +101,9 @@ public:
 
 private:
     void writeConstant(Code code) {
-        std::u16string_view const name = Terminology::base().nameOf(code);
+        std::u16string_view name = Terminology::base().nameOf(code);
+        for (Terminology const* const terms : applicationTerminologies())
+            if (name.empty()) name = terms->nameOf(code);
         m_form += name.empty() ? u"«constant ****" + charactersOfCode(code) + u"»" : std::u16string(name);
     }
 

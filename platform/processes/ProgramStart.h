@@ -10,8 +10,8 @@ namespace mac {
 // be run. For implementations; any thread.
 std::optional<std::string> programFile(std::string const& name);
 
-// Starts a program that goes on by itself, in a session of its own, with its standard files at /dev/null. The first word
-// is its name or path. Nobody waits for it. False when it cannot be run; errno says why.
+// Starts a program that goes on by itself, in a session of its own, with its standard files at /dev/null. The first
+// word is its name or path. Nobody waits for it. False when it cannot be run; errno says why.
 bool startProgram(std::vector<std::string> const& words);
 
 } // namespace mac

@@ -39,8 +39,8 @@ public:
     // Asked of the system; starts nothing.
     virtual bool isRunning() const = 0;
 
-    // The value of what is meant, as one of that class; 0: as it is. An object is answered as the specifier that names it
-    // by its place.
+    // The value of what is meant, as one of that class; 0: as it is. An object is answered as the specifier that names
+    // it by its place.
     virtual Value get(Value const& specifier, Code type, TextContext const& context) = 0;
     virtual void set(Value const& specifier, Value const& value, TextContext const& context) = 0;
     virtual bool exists(Value const& specifier, TextContext const& context) = 0;

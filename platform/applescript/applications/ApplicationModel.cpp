@@ -94,8 +94,9 @@ ModelPointer ModelObject::elementIdentified(Code elementType, Value const& ident
     for (ModelPointer const& element : elements(elementType).value_or(std::vector<ModelPointer>())) {
         std::optional<Value> const found = element->property(codeOf("ID  "));
         if (!found || found->kind() != identifier.kind()) continue;
-        bool const isSame = found->is(ValueKind::Text) ? found->units() == identifier.units()
-                                                       : found->isNumber() && found->asNumber() == identifier.asNumber();
+        bool const isSame = found->is(ValueKind::Text)
+                                ? found->units() == identifier.units()
+                                : found->isNumber() && found->asNumber() == identifier.asNumber();
         if (isSame) return element;
     }
     return nullptr;

@@ -87,9 +87,7 @@ private:
 };
 
 // Whatever is not the Finder itself or the trash is an item on a disk.
-bool isItem(ModelObject const& object) {
-    return object.type() != codeOf("capp") && object.type() != codeOf("ctrs");
-}
+bool isItem(ModelObject const& object) { return object.type() != codeOf("capp") && object.type() != codeOf("ctrs"); }
 
 struct CommandRow {
     EventCode event;
@@ -135,14 +133,6 @@ constexpr auto Commands = std::to_array<CommandRow>({
     {eventOf("coremove"), finder::move},
     {eventOf("coreclon"), finder::duplicate},
     {eventOf("corecrel"), finder::make},
-    {eventOf("aevtodoc"), finder::open},
-    {eventOf("miscmvis"), finder::reveal},
-    {eventOf("miscslct"), finder::reveal},
-    {eventOf("miscactv"), finder::activate},
-    {eventOf("ascrnoop"), finder::activate},
-    {eventOf("aevtoapp"), finder::activate},
-    {eventOf("aevtrapp"), finder::activate},
-    {eventOf("aevtquit"), finder::quit},
     {eventOf("fndrempt"), finder::emptyTrash},
     {eventOf("fndrfupd"), update},
     {eventOf("DATASORT"), sort},

@@ -52,9 +52,8 @@ std::optional<ItemFacts> factsOf(FileDescriptor const& folder, std::string const
 bool isPackageName(std::string_view name) {
     constexpr auto endings = std::to_array<std::string_view>(
         {".bundle", ".plugin", ".kext", ".pkg", ".mpkg", ".rtfd", ".prefPane", ".saver", ".wdgt"});
-    return std::ranges::any_of(endings, [&](std::string_view ending) {
-        return name.size() > ending.size() && name.ends_with(ending);
-    });
+    return std::ranges::any_of(
+        endings, [&](std::string_view ending) { return name.size() > ending.size() && name.ends_with(ending); });
 }
 
 Code typeOf(std::string_view name, std::uint32_t mode) {
@@ -67,9 +66,8 @@ Code typeOf(std::string_view name, std::uint32_t mode) {
 
 bool isDisk(std::string const& path) {
     if (path == "/") return true;
-    return std::ranges::any_of(mountedVolumes(), [&](MountedVolume const& volume) {
-        return volume.isBrowsable && volume.mountPoint == path;
-    });
+    return std::ranges::any_of(
+        mountedVolumes(), [&](MountedVolume const& volume) { return volume.isBrowsable && volume.mountPoint == path; });
 }
 
 FileDescriptor openFolder(std::string const& path) {
@@ -150,9 +148,9 @@ OpenItem FinderItem::open() const {
 }
 
 std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) {
-    constexpr auto types = std::to_array<Code>({codeOf("cobj"), codeOf("ctnr"), codeOf("cfol"), codeOf("file"),
-                                                codeOf("docf"), codeOf("appf"), codeOf("alia"), codeOf("pack"),
-                                                codeOf("cdis")});
+    constexpr auto types =
+        std::to_array<Code>({codeOf("cobj"), codeOf("ctnr"), codeOf("cfol"), codeOf("file"), codeOf("docf"),
+                             codeOf("appf"), codeOf("alia"), codeOf("pack"), codeOf("cdis")});
     if (!isFolder() || std::ranges::find(types, elementType) == types.end()) return {};
     FileDescriptor const folder = openFolder(m_path);
     if (!folder.isOpen()) throw fileError(errno, specifier());
@@ -221,7 +219,8 @@ ScriptError fileError(int errorNumber, Value const& object) {
     case EBUSY:
         return {.number = -47, .message = u"The file is busy.", .from = object};
     case EEXIST:
-        return {.number = -48, .message = u"An item with the same name already exists in this location.", .from = object};
+        return {
+            .number = -48, .message = u"An item with the same name already exists in this location.", .from = object};
     default:
         return {.number = -36, .message = u"The disk could not be read or written.", .from = object};
     }

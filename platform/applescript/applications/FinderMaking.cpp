@@ -46,7 +46,8 @@ Code classToMake(ApplicationCommand const& command) {
     case codeOf("docf"):
         return codeOf("docf");
     default:
-        throw ScriptError{.number = CannotMakeClass, .message = u"Can’t make class " + nameOfCode(type->asCode()) + u"."};
+        throw ScriptError{.number = CannotMakeClass,
+                          .message = u"Can’t make class " + nameOfCode(type->asCode()) + u"."};
     }
 }
 
@@ -61,7 +62,8 @@ std::string makeUnder(OpenItem const& folder, std::optional<std::string> const& 
         std::optional<std::string> const name = wanted ? wanted : nameOnDisk(numbered);
         if (!name) throw fileError(EINVAL, place);
         if (makeItem(folder.item.number(), *name, type, target)) return *name;
-        if (errno != EEXIST || wanted) throw fileError(errno, errno == EEXIST ? itemSpecifier(type, *name, place) : place);
+        if (errno != EEXIST || wanted)
+            throw fileError(errno, errno == EEXIST ? itemSpecifier(type, *name, place) : place);
     }
 }
 

@@ -51,9 +51,8 @@ void setComment(OpenItem const& item, std::u16string const& comment, Value const
     if (isLink(item)) throw fileError(EPERM, object);
     std::string const path = item.systemPath();
     std::string const bytes = utf8FromUnits(comment);
-    bool const isSet = bytes.empty()
-                           ? mac::removexattr(path.c_str(), CommentName, 0) == 0 || errno == ENODATA
-                           : mac::setxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), 0, 0) == 0;
+    bool const isSet = bytes.empty() ? mac::removexattr(path.c_str(), CommentName, 0) == 0 || errno == ENODATA
+                                     : mac::setxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), 0, 0) == 0;
     if (!isSet) throw fileError(errno, object);
 }
 
@@ -71,8 +70,8 @@ void setLabelIndex(OpenItem const& item, int index, Value const& object) {
     FinderInformation information = finderInformation(item).value_or(FinderInformation{});
     auto const colour = static_cast<unsigned>(index == 0 ? 0 : LabelCount - index);
     information[LabelByte] = static_cast<unsigned char>((information[LabelByte] & ~LabelMask) | colour << 1U);
-    int const status = mac::setxattr(item.systemPath().c_str(), XATTR_FINDERINFO_NAME, information.data(),
-                                     information.size(), 0, 0);
+    int const status =
+        mac::setxattr(item.systemPath().c_str(), XATTR_FINDERINFO_NAME, information.data(), information.size(), 0, 0);
     if (status != 0) throw fileError(errno, object);
 }
 

@@ -26,7 +26,9 @@ namespace mac::applescript {
 namespace {
 
 Value count(std::uint64_t number) { return Value::number(static_cast<double>(number)); }
-Value shown(NSString const& text) { return text == nil ? Value::missing() : Value::text(std::u16string(text.codeUnits())); }
+Value shown(NSString const& text) {
+    return text == nil ? Value::missing() : Value::text(std::u16string(text.codeUnits()));
+}
 
 std::u16string extensionOf(std::u16string_view name) {
     std::size_t const dot = name.rfind(u'.');
@@ -120,8 +122,7 @@ std::optional<Value> FinderItem::placeProperty(Code code) {
         return m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder;
     case codeOf("cdis"): {
         std::vector<MountedVolume> volumes = mountedVolumes();
-        std::erase_if(volumes,
-                      [](MountedVolume const& volume) { return !volume.isStartup() && !volume.isBrowsable; });
+        std::erase_if(volumes, [](MountedVolume const& volume) { return !volume.isStartup() && !volume.isBrowsable; });
         MountedVolume const* const volume = volumeOfPath(volumes, m_path);
         return folderSpecifier(volume ? volume->mountPoint : "/");
     }
@@ -189,9 +190,11 @@ Value FinderItem::wholeSize() const {
         if (::statvfs(m_path.c_str(), &space) != 0) return Value::missing();
         return count(std::uint64_t{space.f_blocks - space.f_bfree} * space.f_frsize);
     }
-    std::string const path = open().systemPath() + "/.";
+    OpenItem const item = open();
+    std::string const path = item.systemPath() + "/.";
     std::array<char*, 2> roots{const_cast<char*>(path.c_str()), nullptr};
-    std::unique_ptr<FTS, CloseTree> const tree(::fts_open(roots.data(), FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV, nullptr));
+    std::unique_ptr<FTS, CloseTree> const tree(
+        ::fts_open(roots.data(), FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV, nullptr));
     std::uint64_t size = 0;
     while (FTSENT const* const entry = tree ? ::fts_read(tree.get()) : nullptr)
         if (entry->fts_info == FTS_F || entry->fts_info == FTS_SL)

@@ -87,8 +87,8 @@ constexpr auto Update = std::to_array<CommandParameter>({
     {.label = u"necessity", .code = codeOf("nec?"), .isBoolean = true},
     {.label = u"registering applications", .code = codeOf("reg?"), .isBoolean = true},
 });
-constexpr auto Empty = std::to_array<CommandParameter>(
-    {{.label = u"security", .code = codeOf("sec?"), .isBoolean = true}});
+constexpr auto Empty =
+    std::to_array<CommandParameter>({{.label = u"security", .code = codeOf("sec?"), .isBoolean = true}});
 
 constexpr auto Optional = DirectParameter::Optional;
 constexpr auto Required = DirectParameter::Required;
@@ -109,8 +109,8 @@ constexpr auto Commands = std::to_array<CommandTerm>({
 } // namespace
 
 Terminology const& finderTerms() {
-    static Terminology const terms = terminologyOf(
-        {.classes = Classes, .properties = Properties, .constants = Constants, .commands = Commands});
+    static Terminology const terms =
+        terminologyOf({.classes = Classes, .properties = Properties, .constants = Constants, .commands = Commands});
     return terms;
 }
 

@@ -20,9 +20,7 @@ public:
     bool isOfType(Code sought) const override {
         return sought == codeOf("ctrs") || sought == codeOf("cobj") || sought == codeOf("ctnr");
     }
-    Value specifier() const override {
-        return propertySpecifier(termSymbol(codeOf("trsh"), u"trash"), finderItself());
-    }
+    Value specifier() const override { return propertySpecifier(termSymbol(codeOf("trsh"), u"trash"), finderItself()); }
 
     std::optional<Value> property(Code code) override {
         if (code == codeOf("pcls")) return Value::type(codeOf("ctrs"));
@@ -73,6 +71,11 @@ namespace finder {
 
 ModelPointer trash() { return std::make_shared<FinderTrash>(); }
 
+bool isTrash(ModelApplication& finder, Value const& meant, TextContext const& context) {
+    std::vector<ModelPointer> const found = finder.objects(meant, context);
+    return found.size() == 1 && found.front()->type() == codeOf("ctrs");
+}
+
 Value movedToTrash(FinderItem const& item) {
     TrashResult<TrashedItem> const result = moveToTrash(item.open());
     if (!result.hasValue()) throw trashError(result.failure(), item.specifier());
@@ -94,15 +97,12 @@ Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand 
 
 Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     if (!command.direct.isNothing()) {
-        std::vector<ModelPointer> const meant = finder.objects(command.direct, evaluator.context());
-        bool const isTheTrash = meant.size() == 1 && meant.front()->type() == codeOf("ctrs");
-        if (!isTheTrash) throw plainError(-10010);
+        if (!isTrash(finder, command.direct, evaluator.context())) throw plainError(-10010);
     }
     EmptiedTrash const emptied = mac::emptyTrash();
     if (emptied.left > 0) throw trashError(emptied.firstFailure, trash()->specifier());
     bool const wasEmpty = emptied.removed == 0;
-    if (wasEmpty)
-        throw ScriptError{.number = errors::UserCanceled, .message = u"The operation can’t be completed."};
+    if (wasEmpty) throw ScriptError{.number = errors::UserCanceled, .message = u"The operation can’t be completed."};
     return {};
 }
 

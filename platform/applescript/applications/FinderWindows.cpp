@@ -11,8 +11,8 @@ namespace mac::applescript::finder {
 bool isRunning() {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     return browser && std::ranges::any_of(runningProcesses(), [&](RunningProcess const& process) {
-        return process.executable == browser->executable;
-    });
+               return process.executable == browser->executable;
+           });
 }
 
 } // namespace mac::applescript::finder

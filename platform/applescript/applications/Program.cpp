@@ -122,8 +122,8 @@ private:
             try {
                 if (isAsked) send(command.term.code, {});
             } catch (ScriptError const& error) {
-                bool const isUnheard =
-                    error.number == errors::NotUnderstood || error.number == NotRunning || error.number == connectionInvalid;
+                bool const isUnheard = error.number == errors::NotUnderstood || error.number == NotRunning ||
+                                       error.number == connectionInvalid;
                 if (!isUnheard) throw;
             }
             return {};

@@ -23,8 +23,8 @@ NamedProcess named(RunningProcess const& process) {
     NSDictionary const information =
         ProcessInformationCopyDictionary(&number, kProcessDictionaryIncludeAllInformationMask);
     return {.identity = process.identity,
-            .name = textIn(information, kCFBundleNameKey)
-                        .value_or(unitsFromFileSystemBytes(fileName(process.executable))),
+            .name =
+                textIn(information, kCFBundleNameKey).value_or(unitsFromFileSystemBytes(fileName(process.executable))),
             .identifier = textIn(information, kCFBundleIdentifierKey).value_or(std::u16string())};
 }
 
@@ -63,10 +63,10 @@ std::optional<InstalledProgram> installedProgram(Matches const& matches) {
             std::optional<std::string> const name = entry.text(group, "Name");
             std::optional<std::string> const commandLine = entry.text(group, "Exec");
             if (!name || !commandLine || entry.value(group, "Hidden") == "true") continue;
-            InstalledProgram program{
-                .name = unitsFromFileSystemBytes(*name),
-                .identifier = unitsFromFileSystemBytes(file.substr(0, file.size() - ending.size())),
-                .words = wordsWithoutCodes(*commandLine)};
+            InstalledProgram program{.name = unitsFromFileSystemBytes(*name),
+                                     .identifier =
+                                         unitsFromFileSystemBytes(file.substr(0, file.size() - ending.size())),
+                                     .words = wordsWithoutCodes(*commandLine)};
             if (!program.words.empty() && matches(program)) return program;
         }
     }

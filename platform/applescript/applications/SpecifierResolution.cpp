@@ -74,6 +74,9 @@ Meant SpecifierResolution::propertyOf(Meant const& container, Value const& part)
     } else {
         value = container.object->property(name->code);
     }
+    // Of many objects the property of each.
+    bool const isOfEach = !value && !container.object && container.value.is(ValueKind::List);
+    if (isOfEach) return partOf(origin(container.value), part);
     if (!value) throw cannotGet(part);
     return {.value = *value};
 }
@@ -190,11 +193,21 @@ Meant SpecifierResolution::filtered(Meant const& container, Value const& filter)
     } else {
         std::optional<std::vector<ModelPointer>> elements;
         if (container.object) elements = container.object->elements(base.specifier().want);
+        if (container.value.is(ValueKind::List)) elements = elementsIn(container.value, base.specifier().want);
         if (!elements) throw cannotGet(base);
         all = *std::move(elements);
     }
     std::erase_if(all, [&](ModelPointer const& object) { return !holds(filter.specifier().to, object); });
     return isProperty ? listOf(all) : chosen(all, base, filter);
+}
+
+std::vector<ModelPointer> SpecifierResolution::elementsIn(Value const& list, Code elementType) {
+    std::vector<ModelPointer> elements;
+    for (Value const& item : list.items()) {
+        Meant const meant = isInApplication(item) ? follow(item) : Meant();
+        if (meant.object && meant.object->isOfType(elementType)) elements.push_back(meant.object);
+    }
+    return elements;
 }
 
 Value SpecifierResolution::operand(Value const& written, ModelPointer const& examined) {

@@ -26,6 +26,8 @@ private:
     Meant filtered(Meant const& container, Value const& filter);
     Meant chosen(std::vector<ModelPointer> const& all, Value const& part, Value const& complaint);
     std::size_t placeOfEnd(std::vector<ModelPointer> const& all, Value const& end, Value const& complaint);
+    // The objects of the class in a list of specifiers.
+    std::vector<ModelPointer> elementsIn(Value const& list, Code elementType);
     bool holds(Value const& test, ModelPointer const& examined);
     Value operand(Value const& written, ModelPointer const& examined);
 

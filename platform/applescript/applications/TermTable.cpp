@@ -40,8 +40,8 @@ constexpr auto Close = std::to_array<CommandParameter>({
     {.label = u"saving in", .code = codeOf("kfil")},
     {.label = u"saving", .code = codeOf("savo"), .enumerators = Answers},
 });
-constexpr auto Save =
-    std::to_array<CommandParameter>({{.label = u"in", .code = codeOf("kfil")}, {.label = u"as", .code = codeOf("fltp")}});
+constexpr auto Save = std::to_array<CommandParameter>(
+    {{.label = u"in", .code = codeOf("kfil")}, {.label = u"as", .code = codeOf("fltp")}});
 
 constexpr auto Optional = DirectParameter::Optional;
 constexpr auto Required = DirectParameter::Required;

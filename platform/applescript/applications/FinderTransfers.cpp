@@ -1,0 +1,135 @@
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/Evaluator.h"
+#include "platform/applescript/applications/Finder.h"
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/files/ItemTransfer.h"
+#include <cerrno>
+
+// Moving and duplicating.
+
+namespace mac::applescript::finder {
+
+namespace {
+
+constexpr std::int32_t NameTaken = -15267;
+constexpr std::int32_t CannotPutThere = -10024;
+
+ScriptError transferError(int errorNumber, Value const& item) {
+    if (errorNumber == EEXIST)
+        return {.number = NameTaken,
+                .message = u"An item with the same name already exists in this location.",
+                .from = item};
+    if (errorNumber == EINVAL) return plainError(CannotPutThere);
+    if (errorNumber == ECANCELED) return plainError(errors::UserCanceled);
+    return fileError(errorNumber, item);
+}
+
+bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
+    Value const* const replacing = command.find(codeOf("alrp"));
+    return replacing && requireBoolean(*replacing, context);
+}
+
+// "letter copy.txt", then "letter copy 2.txt".
+std::u16string nameOfCopy(std::u16string const& name, unsigned number) {
+    std::size_t const dot = name.rfind(u'.');
+    bool const hasExtension = dot != std::u16string::npos && dot > 0 && dot + 1 < name.size();
+    std::u16string const stem = hasExtension ? name.substr(0, dot) : name;
+    std::string const digits = std::to_string(number);
+    std::u16string const mark =
+        number == 1 ? std::u16string(u" copy") : u" copy " + std::u16string(digits.begin(), digits.end());
+    return stem + mark + (hasExtension ? name.substr(dot) : std::u16string());
+}
+
+Value itemIn(FinderItem const& folder, std::string const& name, Value const& complaint) {
+    std::shared_ptr<FinderItem> const item = FinderItem::inFolder(folder.path(), name, folder.specifier());
+    if (!item) throw fileError(ENOENT, complaint);
+    return item->specifier();
+}
+
+TransferGoesOn whileWanted(Evaluator& evaluator) {
+    return [&evaluator] {
+        try {
+            evaluator.stopIfAsked();
+            return true;
+        } catch (ScriptStopped const&) {
+            return false;
+        }
+    };
+}
+
+// Beside itself under another name.
+Value duplicateHere(Evaluator& evaluator, FinderItem const& item) {
+    OpenItem const original = item.open();
+    std::shared_ptr<FinderItem> const folder = FinderItem::atPath(parentOf(item.path()));
+    if (!folder || original.name.empty()) throw plainError(CannotPutThere);
+    for (unsigned number = 1;; ++number) {
+        std::optional<std::string> const name = nameOnDisk(nameOfCopy(shownName(original.name), number));
+        if (!name) throw fileError(ENAMETOOLONG, item.specifier());
+        if (copyItem(original, original.folder, *name, NameClash::IsRefused, whileWanted(evaluator)))
+            return itemIn(*folder, *name, item.specifier());
+        evaluator.stopIfAsked();
+        if (errno != EEXIST) throw transferError(errno, item.specifier());
+    }
+}
+
+bool liesIn(FinderItem const& item, FinderItem const& folder) {
+    std::shared_ptr<FinderItem> const parent = FinderItem::atPath(parentOf(item.path()));
+    return parent && parent->facts().identity == folder.facts().identity;
+}
+
+} // namespace
+
+// Linux: to another disk it is moved too; the copy is whole before the original goes.
+Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
+    TextContext const& context = evaluator.context();
+    Value const* const to = command.find(codeOf("insh"));
+    if (!to) throw missingParameter(u"to", command.term.name);
+    Value const meant = ModelApplication::directOf(command);
+    std::vector<std::shared_ptr<FinderItem>> const items = itemsOf(finder, meant, context);
+    if (isTrash(finder, *to, context)) return remove(finder, evaluator, command);
+    std::shared_ptr<FinderItem> const folder = folderOf(finder, *to, context);
+    NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
+    OpenItem const place = folder->open();
+    std::vector<Value> answers;
+    for (std::shared_ptr<FinderItem> const& item : items) {
+        evaluator.stopIfAsked();
+        OpenItem const original = item->open();
+        if (original.name.empty()) throw plainError(CannotPutThere);
+        bool const isMoved =
+            liesIn(*item, *folder) || moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
+        int const reason = errno;
+        if (!isMoved) evaluator.stopIfAsked();
+        if (!isMoved) throw transferError(reason, item->specifier());
+        answers.push_back(itemIn(*folder, original.name, item->specifier()));
+    }
+    return answerOf(meant, std::move(answers));
+}
+
+Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
+    TextContext const& context = evaluator.context();
+    Value const* const to = command.find(codeOf("insh"));
+    Value const meant = ModelApplication::directOf(command);
+    std::vector<std::shared_ptr<FinderItem>> const items = itemsOf(finder, meant, context);
+    std::shared_ptr<FinderItem> const folder = to ? folderOf(finder, *to, context) : nullptr;
+    NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
+    std::vector<Value> answers;
+    for (std::shared_ptr<FinderItem> const& item : items) {
+        evaluator.stopIfAsked();
+        bool const isHere = !folder || liesIn(*item, *folder);
+        if (isHere) {
+            answers.push_back(duplicateHere(evaluator, *item));
+            continue;
+        }
+        OpenItem const original = item->open();
+        OpenItem const place = folder->open();
+        if (original.name.empty()) throw plainError(CannotPutThere);
+        bool const isCopied = copyItem(original, place.item, original.name, clash, whileWanted(evaluator));
+        int const reason = errno;
+        if (!isCopied) evaluator.stopIfAsked();
+        if (!isCopied) throw transferError(reason, item->specifier());
+        answers.push_back(itemIn(*folder, original.name, item->specifier()));
+    }
+    return answerOf(meant, std::move(answers));
+}
+
+} // namespace mac::applescript::finder

@@ -1,0 +1,303 @@
+#include "platform/files/ItemTransfer.h"
+#include "platform/files/AppleDoubleFile.h"
+#include "platform/files/ExclusiveRename.h"
+#include "platform/files/FileCopy.h"
+#include "platform/files/FolderDescent.h"
+#include "platform/files/FolderPlace.h"
+#include "platform/files/TrashMove.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_map>
+
+namespace mac {
+
+namespace {
+
+constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+std::int64_t changeTime(FileDescriptor const& folder, std::string const& name) {
+    struct stat status {};
+    constexpr std::int64_t nanoseconds = 1000000000;
+    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return -1;
+    return status.st_ctim.tv_sec * nanoseconds + status.st_ctim.tv_nsec;
+}
+
+std::string pathOf(FileDescriptor const& file) { return "/proc/self/fd/" + std::to_string(file.number()); }
+
+// What was copied, and the state it was copied in; of folders only that they were.
+using CopiedItems = std::unordered_map<ItemIdentity, std::int64_t, ItemIdentityHash>;
+
+// Copies one item. However deep it goes, two folders are open.
+class TreeCopy {
+public:
+    TreeCopy(TransferGoesOn const& goesOn, CopiedItems& copied) : m_goesOn(goesOn), m_copied(copied) {}
+
+    bool run(OpenItem const& item, FileDescriptor const& folder, std::string const& name);
+
+private:
+    struct Level {
+        ItemPlace place;
+        ItemIdentity target;
+        std::vector<std::string> names;
+    };
+
+    bool copy(std::string const& from, std::string const& to, ItemPlace const& place);
+    bool copyFile(std::string const& from, std::string const& to, ItemPlace const& place);
+    bool enter(std::string const& from, std::string const& to, ItemPlace const& place);
+    bool leave();
+
+    TransferGoesOn const& m_goesOn;
+    CopiedItems& m_copied;
+    FileDescriptor m_source{};
+    FileDescriptor m_target{};
+    ItemPlace m_sourceStart{};
+    ItemPlace m_targetStart{};
+    std::vector<Level> m_levels{};
+};
+
+bool TreeCopy::run(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    // Of the folder that holds the item only a name is needed.
+    m_source = FileDescriptor(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    m_target = FileDescriptor(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::optional<ItemPlace> const source = m_source.isOpen() ? placeOf(m_source) : std::nullopt;
+    std::optional<ItemPlace> const target = m_target.isOpen() ? placeOf(m_target) : std::nullopt;
+    std::optional<ItemPlace> const meant = placeOf(item.item);
+    std::optional<ItemPlace> const found = source ? placeOf(m_source, item.name) : std::nullopt;
+    if (!source || !target || !meant || !found) return false;
+    if (!(found->identity == meant->identity)) {
+        errno = ESTALE;
+        return false;
+    }
+    m_sourceStart = *source;
+    m_targetStart = *target;
+    if (!copy(item.name, name, *found)) return false;
+    while (!m_levels.empty()) {
+        if (m_levels.back().names.empty()) {
+            if (!leave()) return false;
+            continue;
+        }
+        std::string const next = std::move(m_levels.back().names.back());
+        m_levels.back().names.pop_back();
+        std::optional<ItemPlace> const place = placeOf(m_source, next);
+        // Somebody was quicker.
+        if (!place && errno == ENOENT) continue;
+        if (!place || !copy(next, next, *place)) return false;
+    }
+    return true;
+}
+
+bool TreeCopy::copy(std::string const& from, std::string const& to, ItemPlace const& place) {
+    if (!m_goesOn()) {
+        errno = ECANCELED;
+        return false;
+    }
+    if (place.isFolder) return enter(from, to, place);
+    std::int64_t const state = changeTime(m_source, from);
+    bool const isFile = S_ISREG(place.mode);
+    bool const isCopied =
+        isFile ? copyFile(from, to, place) : copySpecial(m_source.number(), from, m_target.number(), to);
+    if (isCopied) m_copied[place.identity] = state;
+    return isCopied;
+}
+
+bool TreeCopy::copyFile(std::string const& from, std::string const& to, ItemPlace const& place) {
+    FileDescriptor const source(
+        ::openat(m_source.number(), from.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    std::optional<ItemPlace> const found = source.isOpen() ? placeOf(source) : std::nullopt;
+    if (!found) return false;
+    if (!(found->identity == place.identity)) {
+        errno = ESTALE;
+        return false;
+    }
+    FileDescriptor const target(::openat(m_target.number(), to.c_str(),
+                                         O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                         mode_t{S_IRUSR | S_IWUSR}));
+    if (!target.isOpen()) return false;
+    return copyContents(source, target, m_goesOn) && copyMetadata(source, target, pathOf(target));
+}
+
+bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace const& place) {
+    if (place.mount != m_sourceStart.mount) {
+        errno = EBUSY;
+        return false;
+    }
+    FileDescriptor source(::openat(m_source.number(), from.c_str(), ListFlags));
+    std::optional<ItemPlace> const found = source.isOpen() ? placeOf(source) : std::nullopt;
+    std::optional<std::vector<std::string>> names = found ? namesInFolder(source) : std::nullopt;
+    if (!names) return false;
+    bool const isSame = found->identity == place.identity;
+    if (!isSame) errno = ESTALE;
+    if (!isSame || ::mkdirat(m_target.number(), to.c_str(), S_IRWXU) != 0) return false;
+    FileDescriptor target(::openat(m_target.number(), to.c_str(), ListFlags));
+    std::optional<ItemPlace> const made = target.isOpen() ? placeOf(target) : std::nullopt;
+    if (!made) return false;
+    m_levels.push_back({.place = place, .target = made->identity, .names = std::move(*names)});
+    m_source = std::move(source);
+    m_target = std::move(target);
+    return true;
+}
+
+// A folder's own dates come last: every item in it changes them. Back only into the very folders it came from.
+bool TreeCopy::leave() {
+    Level const level = std::move(m_levels.back());
+    m_levels.pop_back();
+    if (!copyMetadata(m_source, m_target, pathOf(m_target))) return false;
+    m_copied[level.place.identity] = 0;
+    int const flags = m_levels.empty() ? O_PATH | O_DIRECTORY | O_CLOEXEC : ListFlags;
+    FileDescriptor source(::openat(m_source.number(), "..", flags));
+    FileDescriptor target(::openat(m_target.number(), "..", flags));
+    std::optional<ItemPlace> const sourcePlace = source.isOpen() ? placeOf(source) : std::nullopt;
+    std::optional<ItemPlace> const targetPlace = target.isOpen() ? placeOf(target) : std::nullopt;
+    if (!sourcePlace || !targetPlace) return false;
+    ItemIdentity const above = m_levels.empty() ? m_sourceStart.identity : m_levels.back().place.identity;
+    ItemIdentity const targetAbove = m_levels.empty() ? m_targetStart.identity : m_levels.back().target;
+    if (!(sourcePlace->identity == above) || !(targetPlace->identity == targetAbove)) {
+        errno = ESTALE;
+        return false;
+    }
+    m_source = std::move(source);
+    m_target = std::move(target);
+    return true;
+}
+
+bool removeOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+    return ::unlinkat(folder.number(), name.c_str(), place.isFolder ? AT_REMOVEDIR : 0) == 0;
+}
+
+// Nobody can foresee it.
+std::string temporaryName() {
+    std::array<unsigned char, 16> bytes{};
+    if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string name = ".copy-";
+    for (unsigned char const byte : bytes) {
+        name += digits[byte >> 4U];
+        name += digits[byte & 15U];
+    }
+    return name;
+}
+
+void removeCopy(FileDescriptor const& folder, std::string const& name) {
+    int const reason = errno;
+    if (std::optional<ItemPlace> const place = placeOf(folder, name))
+        descend(folder, name, place->identity, {.makesAccessible = true}, removeOne);
+    errno = reason;
+}
+
+bool liesIn(FileDescriptor const& folder, ItemIdentity const& item) {
+    std::optional<std::vector<ItemIdentity>> const above = folderAndThoseAbove(folder);
+    return above && std::ranges::find(*above, item) != above->end();
+}
+
+// Gives what has the first name the second one. What had that goes.
+bool giveName(FileDescriptor const& folder, std::string const& from, std::string const& to, NameClash clash) {
+    if (renameWithoutReplacing(folder.number(), from, folder.number(), to)) return true;
+    if (errno != EEXIST || clash == NameClash::IsRefused) return false;
+    std::optional<ItemPlace> const old = placeOf(folder, to);
+    if (!old) return false;
+    if (::renameat2(folder.number(), from.c_str(), folder.number(), to.c_str(), RENAME_EXCHANGE) != 0) return false;
+    return descend(folder, from, old->identity, {.makesAccessible = true}, removeOne);
+}
+
+// The AppleDouble file beside an item; one that is not there, or that the new place has already, stays away.
+void bringCompanion(OpenItem const& item, FileDescriptor const& folder, std::string const& name, bool isMoved) {
+    Companion companion = companionOf(item.folder, item.name);
+    if (!companion.file.isOpen()) return;
+    std::string const newName = AppleDoubleFile::nameFor(name);
+    bool const isThere =
+        isMoved && renameWithoutReplacing(item.folder.number(), companion.name, folder.number(), newName);
+    if (isThere) return;
+    CopiedItems copied;
+    TransferGoesOn const goesOn = [] { return true; };
+    FileDescriptor const place(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    OpenItem source{.folder = FileDescriptor(::fcntl(place.number(), F_DUPFD_CLOEXEC, 0)),
+                    .item = std::move(companion.file),
+                    .name = companion.name};
+    bool const isCopied = TreeCopy(goesOn, copied).run(source, folder, newName);
+    if (isCopied && isMoved) ::unlinkat(item.folder.number(), companion.name.c_str(), 0);
+}
+
+bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+            TransferGoesOn const& goesOn, CopiedItems& copied) {
+    std::optional<ItemPlace> const place = placeOf(item.item);
+    if (!place) return false;
+    if (place->isFolder && liesIn(folder, place->identity)) {
+        errno = EINVAL;
+        return false;
+    }
+    bool const isTaken = clash == NameClash::IsRefused && placeOf(folder, name).has_value();
+    if (isTaken) {
+        errno = EEXIST;
+        return false;
+    }
+    std::string const temporary = temporaryName();
+    FileDescriptor const listed(::openat(folder.number(), ".", ListFlags));
+    bool const isWhole = !temporary.empty() && listed.isOpen() &&
+                         TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
+                         giveName(folder, temporary, name, clash);
+    if (!isWhole && !temporary.empty()) removeCopy(folder, temporary);
+    return isWhole;
+}
+
+// Only what was copied goes, and only as it was then.
+bool removeOriginal(OpenItem const& item, CopiedItems const& copied) {
+    std::optional<ItemPlace> const place = placeOf(item.item);
+    if (!place) return false;
+    return descend(item.folder, item.name, place->identity, {},
+                   [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& found) {
+                       auto const known = copied.find(found.identity);
+                       bool const isCopied =
+                           known != copied.end() && (found.isFolder || known->second == changeTime(folder, name));
+                       if (!isCopied) errno = ESTALE;
+                       return isCopied && removeOne(folder, name, found);
+                   });
+}
+
+// In place of what has the name, which then lies where the item was, and goes.
+bool exchange(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    std::optional<ItemPlace> const old = placeOf(folder, name);
+    std::optional<ItemPlace> const place = placeOf(item.item);
+    if (!old || !place) return false;
+    if (old->identity == place->identity) return true;
+    // Not into what it holds itself.
+    bool const isAbove = liesIn(item.folder, old->identity);
+    if (isAbove) errno = EINVAL;
+    if (isAbove ||
+        ::renameat2(item.folder.number(), item.name.c_str(), folder.number(), name.c_str(), RENAME_EXCHANGE) != 0)
+        return false;
+    return descend(item.folder, item.name, old->identity, {.makesAccessible = true}, removeOne);
+}
+
+} // namespace
+
+bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+              TransferGoesOn const& goesOn) {
+    CopiedItems copied;
+    if (!copyAs(item, folder, name, clash, goesOn, copied)) return false;
+    bringCompanion(item, folder, name, false);
+    return true;
+}
+
+bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+              TransferGoesOn const& goesOn) {
+    Moved const moved = moveItem(item.item, item.folder, item.name, folder, name);
+    bool isMoved = moved == Moved::Yes;
+    if (moved == Moved::ButAnother) return false;
+    if (!isMoved && errno == EEXIST && clash == NameClash::IsReplaced) isMoved = exchange(item, folder, name);
+    if (!isMoved && errno != EXDEV) return false;
+    if (!isMoved) {
+        CopiedItems copied;
+        if (!copyAs(item, folder, name, clash, goesOn, copied) || !removeOriginal(item, copied)) return false;
+    }
+    bringCompanion(item, folder, name, true);
+    return true;
+}
+
+} // namespace mac

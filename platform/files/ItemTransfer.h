@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/files/OpenItem.h"
+#include <functional>
+
+namespace mac {
+
+// Copies and moves of whole items, folders with all that is in them, to any depth. Links are copied themselves, what is
+// mounted in a folder is not entered (EBUSY), and several names of one file become files of their own. A copy has the
+// contents, permissions, dates and attributes of the original, and its owner where that is allowed; whoever may read it
+// is never more than before. The AppleDouble file beside an item goes with it. All answer false when they fail, errno
+// says why, and what was there is there. For implementations; any thread.
+
+enum class NameClash {
+    // EEXIST where something has the name already.
+    IsRefused,
+    // What has the name is deleted once the new item has its place.
+    IsReplaced,
+};
+
+// Asked now and then; ECANCELED once it answers false.
+using TransferGoesOn = std::function<bool()>;
+
+// The copy gets the name in the open folder when it is whole and on the disk. EINVAL: the folder lies in the item.
+bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+              TransferGoesOn const& goesOn);
+// On another volume it is copied, and goes when the copy is whole; what changed meanwhile stays, and is ESTALE.
+bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+              TransferGoesOn const& goesOn);
+
+} // namespace mac

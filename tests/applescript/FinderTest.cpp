@@ -1,0 +1,193 @@
+#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/SourceForm.h"
+#include "platform/files/HFSPaths.h"
+#include "platform/foundation/Encodings.h"
+#include "tests/applescript/ScriptHome.h"
+#include "tests/support/CommandOutput.h"
+#include "tests/support/PrivateMounts.h"
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace mac::applescript::test {
+
+namespace {
+
+bool isThere(std::string const& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+std::string textOf(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// As a script's text holds it.
+std::string escaped(std::string const& path) {
+    std::string text;
+    for (char const character : path) {
+        if (character == '"' || character == '\\') text += '\\';
+        text += character;
+    }
+    return text;
+}
+
+ScriptOutcome outcomeOf(std::string const& source, RunOptions const& options = {}) {
+    ScriptError error;
+    std::optional<CompiledScript> script = CompiledScript::compile(unitsFromFileSystemBytes(source), error);
+    if (!script) return {.error = error};
+    return script->run(options);
+}
+
+std::string textResult(std::string const& source) {
+    ScriptOutcome const outcome = outcomeOf(source);
+    if (outcome.error) return "! " + utf8FromUnits(outcome.error->message);
+    if (!outcome.value.is(ValueKind::Text)) return "! no text";
+    return fileSystemBytesFromUnits(outcome.value.units()).value_or("! no path");
+}
+
+std::int32_t errorNumberOf(std::string const& source, RunOptions const& options = {}) {
+    ScriptOutcome const outcome = outcomeOf(source, options);
+    return outcome.error ? outcome.error->number : 0;
+}
+
+std::string trashScript(std::string const& path) {
+    return "set x to POSIX file \"" + escaped(path) +
+           "\"\n"
+           "tell application \"Finder\" to set y to delete x\n"
+           "tell application \"Finder\" to set r to y as text\n"
+           "POSIX path of r\n";
+}
+
+std::string moveScript(std::string const& path, std::string const& folder) {
+    return "set x to POSIX file \"" + escaped(path) + "\"\nset y to POSIX file \"" + escaped(folder) +
+           "\"\n"
+           "tell application \"Finder\" to set z to move x to y\n"
+           "tell application \"Finder\" to set r to z as text\n"
+           "POSIX path of r\n";
+}
+
+TEST(Finder, ThrowsAwayAndSaysWhere) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    EXPECT_EQ(textResult(trashScript(file)), home.path(".local/share/Trash/files/f1.txt"));
+    EXPECT_FALSE(isThere(file));
+    EXPECT_EQ(textOf(home.path(".local/share/Trash/files/f1.txt")), "1");
+    EXPECT_TRUE(isThere(home.path(".local/share/Trash/info/f1.txt.trashinfo")));
+}
+
+TEST(Finder, ThrowsAwayAFolderWhosePathThenEndsInASlash) {
+    ScriptHome const home;
+    EXPECT_EQ(textResult(trashScript(home.path("Documents"))), home.path(".local/share/Trash/files/Documents/"));
+}
+
+TEST(Finder, ThrowsAwayTheLinkItself) {
+    ScriptHome const home;
+    ASSERT_EQ(::symlink("Documents", home.path("link").c_str()), 0);
+    EXPECT_EQ(textResult(trashScript(home.path("link"))), home.path(".local/share/Trash/files/link"));
+    EXPECT_TRUE(isThere(home.path("Documents/f1.txt")));
+}
+
+TEST(Finder, KeepsEveryByteOfAName) {
+    ScriptHome const home;
+    for (std::string const name : {"quote\" and \\ back", "colon:slash", "\xFF\xE9 bytes", "line\nfeed", "ünï", " "}) {
+        std::string const file = home.folder().makeFile("Documents/" + name, name);
+        EXPECT_EQ(textResult(trashScript(file)), home.path(".local/share/Trash/files/" + name));
+        EXPECT_EQ(textOf(home.path(".local/share/Trash/files/" + name)), name);
+        EXPECT_FALSE(isThere(file));
+    }
+}
+
+TEST(Finder, MovesAndSaysWhere) {
+    ScriptHome const home;
+    EXPECT_EQ(textResult(moveScript(home.path("Documents/f1.txt"), home.path("Empty"))), home.path("Empty/f1.txt"));
+    EXPECT_EQ(textOf(home.path("Empty/f1.txt")), "1");
+    EXPECT_FALSE(isThere(home.path("Documents/f1.txt")));
+}
+
+TEST(Finder, LeavesBothWhereTheyAreWhenTheNameIsTaken) {
+    ScriptHome const home;
+    home.folder().makeFile("Empty/f1.txt", "other");
+    EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents/f1.txt"), home.path("Empty"))), -15267);
+    EXPECT_EQ(textOf(home.path("Empty/f1.txt")), "other");
+    EXPECT_EQ(textOf(home.path("Documents/f1.txt")), "1");
+}
+
+TEST(Finder, ReplacesOnlyWhenItIsTold) {
+    ScriptHome const home;
+    home.folder().makeFile("Empty/f1.txt", "other");
+    std::string const source = "tell application \"Finder\" to move (POSIX file \"" + home.path("Documents/f1.txt") +
+                               "\") to (POSIX file \"" + home.path("Empty") + "\") with replacing";
+    EXPECT_EQ(errorNumberOf(source), 0);
+    EXPECT_EQ(textOf(home.path("Empty/f1.txt")), "1");
+    EXPECT_FALSE(isThere(home.path("Documents/f1.txt")));
+}
+
+TEST(Finder, DoesNotMoveAFolderIntoItself) {
+    ScriptHome const home;
+    EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents"), home.path("Documents/Inner"))), -10024);
+    EXPECT_TRUE(isThere(home.path("Documents/Inner/deep.md")));
+}
+
+TEST(Finder, SaysWhichApplicationComplains) {
+    ScriptHome const home;
+    ScriptOutcome const outcome = outcomeOf("tell application \"Finder\" to name of folder \"nope\" of home");
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->application, u"Finder");
+    EXPECT_EQ(outcome.error->message, u"Finder got an error: Can’t get folder \"nope\" of home.");
+}
+
+TEST(Finder, IsNotAskedByAScriptThatMayOnlyCompute) {
+    ScriptHome const home;
+    EXPECT_EQ(errorNumberOf(trashScript(home.path("Documents/f1.txt")), {.computesOnly = true}), -1723);
+    EXPECT_TRUE(isThere(home.path("Documents/f1.txt")));
+    EXPECT_EQ(errorNumberOf("tell application \"Finder\" to empty trash", {.computesOnly = true}), -1723);
+}
+
+TEST(Finder, StopsWhenTheScriptIsToStop) {
+    ScriptHome const home;
+    std::atomic<bool> const cancelled{true};
+    EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents/f1.txt"), home.path("Empty")), {.cancelled = &cancelled}),
+              -128);
+    EXPECT_TRUE(isThere(home.path("Documents/f1.txt")));
+}
+
+// A desktop in the memory, so that home and the other volume lie on different ones.
+class FinderOnVolumes : public mac::test::PrivateMounts {
+protected:
+    ScriptHome const m_home{};
+    mac::test::TemporaryFolder const m_point{"/mnt"};
+};
+
+TEST_F(FinderOnVolumes, ThrowsAwayOnTheVolumeOfTheItem) {
+    mountMemory(m_point.path());
+    std::string const file = m_point.makeFile("letter.txt", "Dear Anna");
+    std::string const trash = m_point.path(".Trash-" + std::to_string(::getuid()));
+    EXPECT_EQ(textResult(trashScript(file)), trash + "/files/letter.txt");
+    EXPECT_EQ(textOf(trash + "/files/letter.txt"), "Dear Anna");
+    EXPECT_FALSE(isThere(file));
+}
+
+TEST_F(FinderOnVolumes, MovesAcrossVolumes) {
+    mountMemory(m_point.path());
+    EXPECT_EQ(textResult(moveScript(m_home.path("Documents"), m_point.path())), m_point.path("Documents") + "/");
+    EXPECT_EQ(textOf(m_point.path("Documents/Inner/deep.md")), "deep");
+    EXPECT_FALSE(isThere(m_home.path("Documents")));
+}
+
+TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
+    mountMemory(m_point.path());
+    m_point.makeFile("letter.txt", "Dear Anna");
+    std::string const name = m_point.path().substr(m_point.path().rfind('/') + 1);
+    std::string const source = "tell application \"Finder\" to name of every file of disk \"" + name + "\" as text";
+    EXPECT_EQ(textResult(source), "letter.txt");
+    EXPECT_EQ(textResult("tell application \"Finder\" to (file \"letter.txt\" of disk \"" + name + "\") as text"),
+              name + ":letter.txt");
+}
+
+} // namespace
+
+} // namespace mac::applescript::test

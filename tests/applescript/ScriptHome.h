@@ -1,0 +1,38 @@
+#pragma once
+
+#include "tests/support/Environment.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace mac::applescript::test {
+
+// A home of its own with a few files, for scripts that tell applications about files.
+class ScriptHome {
+public:
+    ScriptHome() {
+        m_folder.makeFolder("Desktop");
+        m_folder.makeFolder("Empty");
+        m_folder.makeFile("Documents/f1.txt", "1");
+        m_folder.makeFile("Documents/f2.txt", "22");
+        m_folder.makeFile("Documents/f10.txt", "1010101010");
+        m_folder.makeFile("Documents/Inner/deep.md", "deep");
+        m_folder.makeFile("Desktop/Mirror.app/Contents/Info.plist", "");
+    }
+
+    std::string const& path() const { return m_folder.path(); }
+    std::string path(std::string_view relative) const { return m_folder.path(relative); }
+    mac::test::TemporaryFolder const& folder() const { return m_folder; }
+
+private:
+    mac::test::TemporaryFolder m_folder{};
+    mac::test::EnvironmentVariable m_home{"HOME", m_folder.path()};
+    mac::test::EnvironmentVariable m_data{"XDG_DATA_HOME", m_folder.path(".local/share")};
+    mac::test::EnvironmentVariable m_settings{"XDG_CONFIG_HOME", m_folder.path(".config")};
+    // The trashes of other volumes are not this home's.
+    mac::test::EnvironmentVariable m_computer{"FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path()};
+    // No program of this computer.
+    mac::test::EnvironmentVariable m_otherData{"XDG_DATA_DIRS", m_folder.path("none")};
+    mac::test::EnvironmentVariable m_programs{"PATH", m_folder.path("bin")};
+    mac::test::EnvironmentVariable m_desktop{"XDG_DESKTOP_DIR", ""};
+};
+
+} // namespace mac::applescript::test
