@@ -60,6 +60,7 @@ bool startProgram(std::vector<std::string> const& words) {
     }
     std::vector<std::string> copies = words;
     std::vector<char*> arguments;
+    arguments.reserve(copies.size() + 1);
     for (std::string& word : copies)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);

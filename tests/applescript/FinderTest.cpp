@@ -119,7 +119,7 @@ TEST(Finder, LeavesBothWhereTheyAreWhenTheNameIsTaken) {
 TEST(Finder, ReplacesOnlyWhenItIsTold) {
     ScriptHome const home;
     home.folder().makeFile("Empty/f1.txt", "other");
-    std::string const source = "tell application \"Finder\" to move (POSIX file \"" + home.path("Documents/f1.txt") +
+    std::string const source = R"(tell application "Finder" to move (POSIX file ")" + home.path("Documents/f1.txt") +
                                "\") to (POSIX file \"" + home.path("Empty") + "\") with replacing";
     EXPECT_EQ(errorNumberOf(source), 0);
     EXPECT_EQ(textOf(home.path("Empty/f1.txt")), "1");
@@ -134,7 +134,7 @@ TEST(Finder, DoesNotMoveAFolderIntoItself) {
 
 TEST(Finder, SaysWhichApplicationComplains) {
     ScriptHome const home;
-    ScriptOutcome const outcome = outcomeOf("tell application \"Finder\" to name of folder \"nope\" of home");
+    ScriptOutcome const outcome = outcomeOf(R"(tell application "Finder" to name of folder "nope" of home)");
     ASSERT_TRUE(outcome.error);
     EXPECT_EQ(outcome.error->application, u"Finder");
     EXPECT_EQ(outcome.error->message, u"Finder got an error: Can’t get folder \"nope\" of home.");
@@ -182,7 +182,7 @@ TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
     mountMemory(m_point.path());
     m_point.makeFile("letter.txt", "Dear Anna");
     std::string const name = m_point.path().substr(m_point.path().rfind('/') + 1);
-    std::string const source = "tell application \"Finder\" to name of every file of disk \"" + name + "\" as text";
+    std::string const source = R"(tell application "Finder" to name of every file of disk ")" + name + "\" as text";
     EXPECT_EQ(textResult(source), "letter.txt");
     EXPECT_EQ(textResult("tell application \"Finder\" to (file \"letter.txt\" of disk \"" + name + "\") as text"),
               name + ":letter.txt");
