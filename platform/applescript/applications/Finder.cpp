@@ -4,7 +4,9 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/Volumes.h"
+#include "platform/finder/FileBrowserProcess.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/processes/FrontProcess.h"
 #include <algorithm>
 #include <array>
 
@@ -34,6 +36,8 @@ public:
             return Value::text(u"10.6");
         case codeOf("prun"):
             return Value::boolean(finder::isRunning());
+        case codeOf("pisf"):
+            return Value::boolean(isFrontmost());
         default:
             return {};
         }
@@ -76,6 +80,12 @@ public:
     }
 
 private:
+    static bool isFrontmost() {
+        std::optional<std::int32_t> const front = frontProcessID();
+        return front && std::ranges::any_of(fileBrowserProcesses(),
+                                            [&](ProcessIdentity const& process) { return process.pid == *front; });
+    }
+
     static std::vector<ModelPointer> disks() {
         std::vector<ModelPointer> disks;
         for (MountedVolume const& volume : mountedVolumes()) {
@@ -133,6 +143,14 @@ constexpr auto Commands = std::to_array<CommandRow>({
     {eventOf("coremove"), finder::move},
     {eventOf("coreclon"), finder::duplicate},
     {eventOf("corecrel"), finder::make},
+    {eventOf("aevtodoc"), finder::open},
+    {eventOf("miscmvis"), finder::reveal},
+    {eventOf("miscslct"), finder::reveal},
+    {eventOf("miscactv"), finder::activate},
+    {eventOf("ascrnoop"), finder::activate},
+    {eventOf("aevtoapp"), finder::activate},
+    {eventOf("aevtrapp"), finder::activate},
+    {eventOf("aevtquit"), finder::quit},
     {eventOf("fndrempt"), finder::emptyTrash},
     {eventOf("fndrfupd"), update},
     {eventOf("DATASORT"), sort},

@@ -5,7 +5,6 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/processes/ProgramStart.h"
 #include <map>
 
 namespace mac::applescript {

@@ -1,11 +1,12 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/events/AppleEvents.h"
+#include "platform/finder/DetachedProcess.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/FolderContents.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/launchservices/Applications.h"
+#include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
-#include "platform/processes/ProgramStart.h"
 #include <algorithm>
-#include <cstdlib>
 
 namespace mac::applescript {
 
@@ -28,22 +29,6 @@ NamedProcess named(RunningProcess const& process) {
             .identifier = textIn(information, kCFBundleIdentifierKey).value_or(std::u16string())};
 }
 
-std::vector<std::string> entryFolders() {
-    auto const variable = [](char const* name, std::string const& fallback) {
-        char const* const value = std::getenv(name);
-        return value && *value ? std::string(value) : fallback;
-    };
-    std::string const all = variable("XDG_DATA_HOME", variable("HOME", "/") + "/.local/share") + ":" +
-                            variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
-    std::vector<std::string> folders;
-    for (std::size_t begin = 0; begin <= all.size();) {
-        std::size_t const end = std::min(all.find(':', begin), all.size());
-        if (end > begin) folders.push_back(all.substr(begin, end - begin) + "/applications");
-        begin = end + 1;
-    }
-    return folders;
-}
-
 // Codes for files and the like are nothing that a program without files is given.
 std::vector<std::string> wordsWithoutCodes(std::string_view commandLine) {
     std::vector<std::string> words = wordsOfCommandLine(commandLine).value_or(std::vector<std::string>());
@@ -55,7 +40,8 @@ template <class Matches>
 std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     constexpr char group[] = "Desktop Entry";
     constexpr std::string_view ending = ".desktop";
-    for (std::string const& folder : entryFolders()) {
+    for (std::string const& data : dataFolders()) {
+        std::string const folder = data + "/applications";
         for (std::string const& file :
              namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
             if (!file.ends_with(ending)) continue;
@@ -73,21 +59,48 @@ std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     return {};
 }
 
+// A bundle, or an entry of the desktop that has the role of an application of Mac OS X.
+std::optional<InstalledProgram> launchServicesProgram(std::u16string_view identifier) {
+    CFURLRef url;
+    NSString const wanted = NSString::stringWithCodeUnits(std::u16string(identifier));
+    if (LSFindApplicationForInfo(kLSUnknownCreator, wanted, nil, nullptr, &url) != noErr) return {};
+    NSString const path = url.path();
+    NSBundle const bundle = NSBundle::bundleWithPath_(path);
+    std::optional<std::string> const executable = bundle.executablePath().fileSystemRepresentation();
+    if (!executable) return {};
+    return InstalledProgram{.name =
+                                std::u16string(path.lastPathComponent().stringByDeletingPathExtension().codeUnits()),
+                            .identifier = std::u16string(identifier),
+                            .words = {*executable}};
+}
+
 } // namespace
 
+bool startProgram(std::vector<std::string> const& words) {
+    std::optional<std::string> const file = words.empty() ? std::nullopt : resolvedProgram(words.front());
+    return file && startDetached(*file, words).pid != 0;
+}
+
+std::vector<RunningProcess> runningPrograms() {
+    std::vector<RunningProcess> programs;
+    for (std::int32_t const pid : processIDs())
+        if (std::optional<RunningProcess> program = runningProcess(pid)) programs.push_back(*std::move(program));
+    return programs;
+}
+
 bool isProgramRunning(std::span<char const* const> names) {
-    return std::ranges::any_of(runningProcesses(), [&](RunningProcess const& process) {
+    return std::ranges::any_of(runningPrograms(), [&](RunningProcess const& process) {
         return std::ranges::find(names, fileName(process.executable)) != names.end();
     });
 }
 
 void quitPrograms(std::span<char const* const> names) {
-    for (RunningProcess const& process : runningProcesses())
+    for (RunningProcess const& process : runningPrograms())
         if (std::ranges::find(names, fileName(process.executable)) != names.end()) askToEnd(process.identity);
 }
 
 std::optional<NamedProcess> processNamed(std::u16string_view name) {
-    for (RunningProcess const& process : runningProcesses()) {
+    for (RunningProcess const& process : runningPrograms()) {
         NamedProcess found = named(process);
         bool const isIt = foldedName(found.name) == foldedName(name) ||
                           foldedName(unitsFromFileSystemBytes(fileName(process.executable))) == foldedName(name);
@@ -97,7 +110,7 @@ std::optional<NamedProcess> processNamed(std::u16string_view name) {
 }
 
 std::optional<NamedProcess> processIdentified(std::u16string_view identifier) {
-    for (RunningProcess const& process : runningProcesses()) {
+    for (RunningProcess const& process : runningPrograms()) {
         NamedProcess found = named(process);
         if (!found.identifier.empty() && foldedName(found.identifier) == foldedName(identifier)) return found;
     }
@@ -111,8 +124,9 @@ std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name) 
 }
 
 std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view identifier) {
-    return installedProgram(
+    std::optional<InstalledProgram> found = installedProgram(
         [&](InstalledProgram const& program) { return foldedName(program.identifier) == foldedName(identifier); });
+    return found ? found : launchServicesProgram(identifier);
 }
 
 } // namespace mac::applescript

@@ -1,6 +1,9 @@
+#include "platform/applescript/Coercion.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/processes/FrontProcess.h"
 #include "platform/processes/ProcessList.h"
 #include <algorithm>
 
@@ -33,6 +36,8 @@ public:
         case codeOf("idux"):
         case codeOf("ID  "):
             return Value::number(m_process.identity.pid);
+        case codeOf("pisf"):
+            return Value::boolean(frontProcessID() == m_process.identity.pid);
         case codeOf("bnid"):
             return text(kCFBundleIdentifierKey).value_or(Value::missing());
         case codeOf("file"):
@@ -43,6 +48,15 @@ public:
         default:
             return {};
         }
+    }
+
+    bool setProperty(Code code, Value const& value, TextContext const& context) override {
+        if (code != codeOf("pisf")) return false;
+        // What is behind cannot be pushed back further.
+        if (!requireBoolean(value, context)) return true;
+        if (!runningProcess(m_process.identity)) throw plainError(procNotFound);
+        if (!bringToFront(m_process.identity.pid)) throw plainError(appIsDaemon);
+        return true;
     }
 
     std::vector<Code> propertyCodes() const override {
@@ -78,7 +92,7 @@ private:
 
 std::vector<ModelPointer> processes(Code /*elementType*/) {
     std::vector<ModelPointer> all;
-    for (RunningProcess& process : runningProcesses())
+    for (RunningProcess& process : runningPrograms())
         all.push_back(std::make_shared<Process>(std::move(process)));
     return all;
 }

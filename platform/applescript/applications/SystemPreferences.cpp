@@ -4,7 +4,6 @@
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/TermTable.h"
-#include "platform/processes/ProgramStart.h"
 #include <algorithm>
 #include <array>
 
