@@ -20,9 +20,10 @@ bool pxIsImageFile(NSURL receiver);
 // Whether the file is sound by its type; whether that can be played is not asked. Links are followed.
 bool pxIsAudioFile(NSURL receiver);
 
-// As for the URL's path (pathutils/FinderMetadata.h): whether files on its volume can have icons of their own, and
-// whether dates there are less exact. On the iDisk service, which is told by the host alone, they can and are not.
+// As for the URL's path (pathutils/FinderMetadata.h): whether files on its volume can have icons of their own. On the
+// iDisk service, which is told by the host alone, they can.
 bool KRURLSupportsCustomIcons(NSURL receiver);
+// Likewise, whether dates there are less exact than here. On the iDisk service they are not.
 bool KRURLHasInexactTime(NSURL receiver);
 
 // The components of a URL as it was written, without its base, by their numbers: 1 scheme, 2 net location, 3 path,
