@@ -22,7 +22,8 @@ set_target_properties(
   PROPERTIES OUTPUT_NAME framekeeper
              EXPORT_NAME framekeeper
              VERSION ${PROJECT_VERSION}
-             SOVERSION ${PROJECT_VERSION_MAJOR})
+             # Until 1.0 every minor version may change what programs were built against; so says the version file, too.
+             SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers}
                                                                                           ${library_headers})

@@ -3,8 +3,9 @@
 
 namespace mac::fuzz {
 
-std::string complaintAboutAttributeList(std::string const& file, std::span<std::byte const> bytes) {
-    NSString const path = NSString::stringWithFileSystemRepresentation_(file);
+namespace {
+
+std::string complaint(NSString const& path, std::span<std::byte const> bytes) {
     NSData const data = NSData::dataWithBytes(bytes);
     if (!pxSetExtendedAttributeData_forKey_(path, data, "given")) return "the bytes cannot be stored";
     NSData const stored = pxExtendedAttributeDataForKey_(path, "given");
@@ -16,7 +17,19 @@ std::string complaintAboutAttributeList(std::string const& file, std::span<std::
     NSData const written = pxExtendedAttributeDataForKey_(path, "again");
     if (!pxSetExtendedAttributeDictionary_forKey_(path, again, "again")) return "the list cannot be stored twice";
     if (!written.isEqualToData_(pxExtendedAttributeDataForKey_(path, "again"))) return "it changes every time";
-    return pxRemoveExtendedAttributeForKey_(path, "again") ? "" : "the list cannot be removed";
+    return {};
+}
+
+} // namespace
+
+std::string complaintAboutAttributeList(std::string const& file, std::span<std::byte const> bytes) {
+    NSString const path = NSString::stringWithFileSystemRepresentation_(file);
+    std::string result = complaint(path, bytes);
+    // Nothing of this input is left for the next one.
+    for (char const* const key : {"given", "again"})
+        pxRemoveExtendedAttributeForKey_(path, NSString::stringWithUTF8String_(key));
+    if (result.empty() && pxExtendedAttributesKeys(path).count() > 0) return "the attributes cannot be removed";
+    return result;
 }
 
 } // namespace mac::fuzz

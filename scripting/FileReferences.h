@@ -46,7 +46,9 @@ NSString KRCPathGetFileSystemPath(NSString receiver);
 
 // Nil for null and where the item is not found.
 NSString KRCPathWithFSRef_(FSRef const* ref);
-// Links are followed. NO, and all 80 bytes zero, where there is nothing.
+// Links are followed. NO, and all 80 bytes zero, where there is nothing. The three go by the path's file URL, which for
+// a relative path starts at the current folder: such a path leads to a reference, though it does not exist for the
+// operations above.
 bool KRCPathGetFSRef_(NSString receiver, FSRef* ref);
 // isDirectory: whether the path names a folder.
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory);
@@ -62,7 +64,9 @@ NSString KRCPathSubPathRelativeToBasePath_(NSString receiver, NSString basePath)
 bool KRCURLGetFSRef_(NSURL receiver, FSRef* ref);
 // Nil for null and where the item is not found.
 NSURL KRCURLWithFSRef_(FSRef const* ref);
-// The item's URL relative to the receiver, a folder's URL that is not checked to be above it.
+// The item's URL relative to the receiver, a folder's URL: of the item's path without as many components as the
+// receiver's path has, whichever these are; raises NSRangeException where it has fewer. Nil for null, for a nil
+// receiver and where the item is not found.
 NSURL KRCURLRelativeURLWithFSRef_(NSURL receiver, FSRef const* ref);
 // Whether its host is that of the iDisk service, compared exactly; NO without a host.
 bool KRCURLIsOnIDisk(NSURL receiver);

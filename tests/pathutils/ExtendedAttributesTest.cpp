@@ -1,5 +1,6 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "platform/files/ExtendedAttributes.h"
+#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
@@ -246,6 +247,28 @@ TEST_F(PxExtendedAttributes, ThatAreNoListReadAsNil) {
 TEST_F(PxExtendedAttributes, UnderTheProgramsIdentifierAreNoneWithoutOne) {
     pxSetExtendedAttributeDictionary_(m_path, NSDictionary::dictionaryWithObject_forKey_("1", "a"));
     EXPECT_TRUE(pxExtendedAttributeDictionary(m_path) == nil);
+    EXPECT_EQ(pxExtendedAttributesKeys(m_path).count(), 0U);
+}
+
+// Runs once more as the program of a bundle.
+TEST_F(PxExtendedAttributes, UnderTheProgramsIdentifierAreThoseOfItsBundle) {
+    if (NSBundle::mainBundle().bundleIdentifier() == nil) {
+        std::string const bundle = m_folder.makeBundle("X.app", informationFile("com.example.X", "1", "1"));
+        std::string const program = m_folder.makeFolder("X.app/Contents/Linux") + "/program";
+        outputOf({"cp", "/proc/" + std::to_string(::getpid()) + "/exe", program});
+        std::string const printed =
+            outputOf({program, "--gtest_output=", "--gtest_filter=*.UnderTheProgramsIdentifierAreThoseOfItsBundle"});
+        EXPECT_NE(printed.find("[  PASSED  ] 1 test."), std::string::npos) << printed;
+        return;
+    }
+    NSDictionary const list = NSDictionary::dictionaryWithObject_forKey_("1", "a");
+    pxSetExtendedAttributeDictionary_(m_path, list);
+    EXPECT_TRUE(pxExtendedAttributesKeys(m_path).isEqual_(NSArray::arrayWithObject_("com.example.X")));
+    NSMutableDictionary const read = as<NSMutableDictionary>(pxExtendedAttributeDictionary(m_path));
+    EXPECT_TRUE(read.isEqual_(list));
+    EXPECT_FALSE(read == nil);
+    EXPECT_TRUE(pxExtendedAttributeDictionaryForKey_(m_path, "com.example.X").isEqual_(list));
+    pxSetExtendedAttributeDictionary_(m_path, nil);
     EXPECT_EQ(pxExtendedAttributesKeys(m_path).count(), 0U);
 }
 

@@ -4,7 +4,9 @@
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -81,6 +83,28 @@ TEST_F(KRCPaths, ThatAreRelativeDoNotExist) {
     }
     EXPECT_FALSE(KRCPathExistsIsDirectory_traverseLink_(".", &isDirectory, NO));
     EXPECT_FALSE(isDirectory);
+}
+
+// Their URLs start at the current folder, and so do the references that are made of these.
+TEST_F(KRCPaths, ThatAreRelativeLeadToReferencesAllTheSame) {
+    FSRef expected{};
+    ASSERT_TRUE(KRCPathGetFSRef_(at("folder/file"), &expected));
+    std::unique_ptr<char, decltype(&std::free)> const before(::getcwd(nullptr, 0), &std::free);
+    ASSERT_EQ(::chdir(at("folder").fileSystemRepresentation().value().c_str()), 0);
+    FSRef reference{};
+    FSRef again{};
+    bool isDirectory = true;
+    bool const isMade = KRCPathGetFSRef_("file", &reference);
+    bool const isMadeAgain = KRCPathGetFSRef_isDirectory_("./file", &again, NO);
+    bool const isMadeAtLast = KRCPathGetFSRef_getIsDirectory_("../folder/file", &expected, &isDirectory);
+    FSRef none = expected;
+    bool const isNone = !KRCPathGetFSRef_("none", &none);
+    ASSERT_EQ(::chdir(before.get()), 0);
+    EXPECT_TRUE(isMade && isMadeAgain && isMadeAtLast && isNone);
+    EXPECT_FALSE(isDirectory);
+    EXPECT_TRUE(reference == expected);
+    EXPECT_TRUE(again == expected);
+    EXPECT_TRUE(none == FSRef{});
 }
 
 TEST_F(KRCPaths, TellFoldersWithLinksFollowed) {
