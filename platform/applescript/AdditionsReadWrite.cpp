@@ -1,6 +1,7 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ElementAccess.h"
+#include "platform/applescript/SourceForm.h"
 #include "platform/applescript/TextElements.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
@@ -29,6 +30,11 @@ File openAt(Value const& named, std::u16string const& path, int flags) {
         throw plainError(errors::FilePermission);
     if (descriptor < 0) throw fileNotFound(asFile(named, path));
     return {.descriptor = descriptor, .path = path, .maySave = (flags & O_ACCMODE) != O_RDONLY};
+}
+
+// What is said of a file that goes by its path; of one that goes by its number nothing more is known.
+ScriptError aboutFile(std::int32_t number, Value const& named, std::u16string const& path, std::u16string_view end) {
+    return {.number = number, .message = u"File " + humanForm(asFile(named, path)) + std::u16string(end)};
 }
 
 // A file that is open already, or one opened for this command alone.
@@ -127,7 +133,9 @@ void writeAll(File const& file, std::string_view bytes, std::int64_t place) {
 
 Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const path = requirePath(arguments.direct, evaluator.context());
-    if (evaluator.state().files.withPath(path)) throw plainError(errors::FileAlreadyOpen);
+    if (evaluator.state().files.withPath(path))
+        throw aboutFile(errors::FileAlreadyOpen, resolved(arguments.direct, evaluator.context()), path,
+                        u" is already open.");
     Value const* const permission = arguments.find(codeOf("perm"));
     bool const maySave = permission && requireBoolean(*permission, evaluator.context());
     // A file that is not there is made either way.
@@ -140,9 +148,11 @@ Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments) {
 Value closeAccess(Evaluator& evaluator, CommandArguments const& arguments) {
     Value const named = resolved(arguments.direct, evaluator.context());
     OpenFiles& files = evaluator.state().files;
-    File const* const file = named.isNumber() ? files.withNumber(requireInteger(named, evaluator.context()))
-                                              : files.withPath(requirePath(named, evaluator.context()));
-    if (!file) throw plainError(errors::FileNotOpen);
+    std::u16string const path = named.isNumber() ? std::u16string() : requirePath(named, evaluator.context());
+    File const* const file =
+        named.isNumber() ? files.withNumber(requireInteger(named, evaluator.context())) : files.withPath(path);
+    if (!file && named.isNumber()) throw plainError(errors::FileNotOpen);
+    if (!file) throw aboutFile(errors::FileNotOpen, named, path, u" wasn’t open.");
     files.close(*file);
     return {};
 }

@@ -5,6 +5,7 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/foundation/AccountNames.h"
 #include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSBundle.h"
@@ -52,6 +53,21 @@ constexpr auto Folders = std::to_array<FolderRow>({
     {codeOf("dlib"), "XDG_DATA_HOME", u".local/share"},
 });
 
+// Its bundle, where it lies in one.
+std::u16string pathOfThisProgram() {
+    NSBundle const bundle = NSBundle::mainBundle();
+    bool const isBundle = bundle.bundlePath().pathExtension().isEqualToString_("app");
+    NSString const path = isBundle ? bundle.bundlePath() : bundle.executablePath();
+    return std::u16string(path.codeUnits());
+}
+
+// With the folders around it, as far as they may be made.
+void makeFolder(std::string const& path) {
+    for (std::size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1))
+        ::mkdir(path.substr(0, slash).c_str(), S_IRWXU);
+    ::mkdir(path.c_str(), S_IRWXU);
+}
+
 std::u16string fixedFolder(Code code) {
     switch (code) {
     case codeOf("boot"):
@@ -64,7 +80,7 @@ std::u16string fixedFolder(Code code) {
         return u"/home";
     case codeOf("me  "):
     case codeOf("cura"):
-        return std::u16string(NSBundle::mainBundle().bundlePath().codeUnits());
+        return pathOfThisProgram();
     case codeOf("apps"):
     case codeOf("uti$"):
         return u"/usr/share/applications";
@@ -152,7 +168,7 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
     auto const key = [](Code code) { return termSymbol(code, nameOfCode(code)); };
     return Value::record({
         {key(codeOf("siav")), Value::text(u"2.8")},
-        {key(codeOf("sisn")), Value::text(environmentValue("USER"))},
+        {key(codeOf("sisn")), Value::text(std::u16string(nameOfUser(::getuid()).codeUnits()))},
         {key(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
         {key(codeOf("sicn")), Value::text(name)},
         {key(codeOf("home")),
@@ -167,7 +183,7 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     Value const* const makesFolder = arguments.find(codeOf("crfl"));
     bool const mayMake = !makesFolder || requireBoolean(*makesFolder, evaluator.context());
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
-    if (mayMake && bytes && !existsAt(path)) ::mkdir(bytes->c_str(), S_IRWXU);
+    if (mayMake && bytes && !existsAt(path)) makeFolder(*bytes);
     Value const folder = makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
     Value const* const type = arguments.find(codeOf("rtyp"));
     bool const isText = type && type->is(ValueKind::Type) && type->asCode() != codeOf("alis");

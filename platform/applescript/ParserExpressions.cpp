@@ -109,6 +109,7 @@ Code ScriptParser::parseClassName() {
 }
 
 Node& ScriptParser::parsePrimary() {
+    requireStackRoom();
     std::size_t const first = m_place;
     Token const& token = current();
     auto const literal = [&](Value value) -> Node& {

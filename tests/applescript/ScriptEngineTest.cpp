@@ -28,6 +28,8 @@ std::u16string repeated(std::u16string_view part, std::size_t count) {
 }
 
 constexpr std::size_t Many = 1000000;
+// Far more than any stack holds, and soon parsed.
+constexpr std::size_t Enough = 100000;
 
 TEST(ScriptEngine, AMillionOpenParenthesesOverflowTheStack) {
     EXPECT_EQ(compileErrorNumber(repeated(u"(", Many)), errors::StackOverflow);
@@ -41,6 +43,17 @@ TEST(ScriptEngine, AMillionSignsAndContainersOverflowTheStack) {
     EXPECT_EQ(compileErrorNumber(repeated(u"- ", Many) + u"1"), errors::StackOverflow);
     EXPECT_EQ(compileErrorNumber(u"a" + repeated(u" of a", Many)), errors::StackOverflow);
     EXPECT_EQ(compileErrorNumber(repeated(u"not ", Many) + u"true"), errors::StackOverflow);
+}
+
+TEST(ScriptEngine, NestedOwnersRangesAndContinuationsOverflowTheStack) {
+    for (std::u16string_view const part :
+         {u"my ", u"its ", u"continue ", u"text from ", u"words 1 thru ", u"count ", u"a reference to "})
+        EXPECT_EQ(compileErrorNumber(repeated(part, Enough) + u"1"), errors::StackOverflow) << utf8FromUnits(part);
+}
+
+TEST(ScriptEngine, NestedBlocksOverflowTheStack) {
+    for (std::u16string_view const part : {u"if true then\n", u"tell me\n", u"try\n", u"repeat\n", u"script\n"})
+        EXPECT_EQ(compileErrorNumber(repeated(part, Enough)), errors::StackOverflow) << utf8FromUnits(part);
 }
 
 TEST(ScriptEngine, AMillionSummandsOverflowTheStackOnlyWhenTheyAreAdded) {
