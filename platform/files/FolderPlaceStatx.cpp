@@ -27,7 +27,8 @@ std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
     place.identity.inode = status.stx_ino;
     if ((status.stx_mask & STATX_BTIME) != 0)
         place.identity.birth = std::int64_t{status.stx_btime.tv_sec} * 1000000000 + status.stx_btime.tv_nsec;
-    place.mount = status.stx_mnt_id;
+    // Before Linux 5.8 the device has to do.
+    place.mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : place.identity.device;
     place.owner = status.stx_uid;
     place.mode = status.stx_mode;
     place.isFolder = S_ISDIR(status.stx_mode);

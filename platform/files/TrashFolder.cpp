@@ -151,7 +151,8 @@ TrashResult<TrashFolder> trashForFolder(FileDescriptor const& folder, MissingTra
     std::optional<ItemPlace> const place = placeOf(folder);
     FileDescriptor const nearest = openNearest(homeTrashPath());
     std::optional<ItemPlace> const home = nearest.isOpen() ? placeOf(nearest) : std::nullopt;
-    if (place && home && home->mount == place->mount) {
+    if (!place || !home) return noTrash();
+    if (home->mount == place->mount) {
         std::optional<TrashFolder> trash = openHomeTrash(missing);
         if (!trash) return noTrash();
         return std::move(*trash);

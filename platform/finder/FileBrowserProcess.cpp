@@ -54,10 +54,10 @@ std::vector<std::string> textsIn(std::string const& path) {
 bool isOfThisSession(std::int32_t pid) {
     struct stat status {};
     if (::stat(processPath(pid, "").c_str(), &status) != 0 || status.st_uid != ::geteuid()) return false;
-    char const* const own = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    std::optional<std::string> const own = sessionBusPlace();
     constexpr std::string_view key = "DBUS_SESSION_BUS_ADDRESS=";
     for (std::string const& variable : textsIn(processPath(pid, "environ"))) {
-        if (variable.starts_with(key)) return own && variable.substr(key.size()) == own;
+        if (variable.starts_with(key)) return own && placeInBusAddress(variable.substr(key.size())) == *own;
     }
     return true;
 }
@@ -91,28 +91,38 @@ using Clock = std::chrono::steady_clock;
 // Whether all have ended by then.
 bool haveEnded(std::vector<FileDescriptor> const& processes, Clock::time_point end) {
     for (FileDescriptor const& process : processes) {
-        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        pollfd waited{process.number(), POLLIN, 0};
-        if (::poll(&waited, 1, static_cast<int>(std::max<decltype(left)>(left, 0))) != 1) return false;
+        int count = 0;
+        do {
+            auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+            pollfd waited{process.number(), POLLIN, 0};
+            count = ::poll(&waited, 1, static_cast<int>(std::max<decltype(left)>(left, 0)));
+        } while (count < 0 && errno == EINTR);
+        if (count != 1) return false;
     }
     return true;
+}
+
+FileDescriptor openProcess(std::int32_t pid) {
+    return FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
 }
 
 std::vector<FileDescriptor> openProcesses(std::vector<ProcessIdentity> const& processes) {
     std::vector<FileDescriptor> open;
     for (ProcessIdentity const& process : processes) {
-        FileDescriptor descriptor(static_cast<int>(::syscall(SYS_pidfd_open, process.pid, 0)));
+        FileDescriptor descriptor = openProcess(process.pid);
         // The ID may have become another process's before that.
         if (descriptor.isOpen() && runningProcess(process)) open.push_back(std::move(descriptor));
     }
     return open;
 }
 
-bool runQuitCommand(FileBrowser const& browser) {
+// The process that does it; none where there is no command, or it cannot be started.
+FileDescriptor runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser);
     std::optional<std::string> const program =
         command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
-    return program && startDetached(*program, *command).pid > 0;
+    std::int32_t const pid = program ? startDetached(*program, *command).pid : 0;
+    return pid > 0 ? openProcess(pid) : FileDescriptor();
 }
 
 FinderOutcome startBrowser(FileBrowser const& browser) {
@@ -171,10 +181,14 @@ FinderOutcome quitFileBrowser() {
     std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
     if (processes.empty()) return {};
     rememberFileBrowserStart();
-    std::vector<FileDescriptor> const open = openProcesses(processes);
+    std::vector<FileDescriptor> open = openProcesses(processes);
     Clock::time_point const end = Clock::now() + finderPatience().quit;
-    // Half of the time for its own way.
-    if (runQuitCommand(*browser) && haveEnded(open, end - finderPatience().quit / 2)) return {};
+    if (FileDescriptor command = runQuitCommand(*browser); command.isOpen()) {
+        // It is the browser's program, too, and looks like one that still runs.
+        open.push_back(std::move(command));
+        // Half of the time for its own way.
+        if (haveEnded(open, end - finderPatience().quit / 2)) return {};
+    }
     for (ProcessIdentity const& process : processes)
         askToEnd(process);
     if (haveEnded(open, end)) return {};

@@ -1,32 +1,57 @@
 #include "tests/files/TrashHome.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/PrivateMounts.h"
 #include <gtest/gtest.h>
 #include <stdexcept>
 
 namespace mac::test {
 namespace {
 
-// What another program of the desktop makes of the trash, each time on a session bus of its own.
+// Another program of the desktop's, each time on a session bus of its own.
+std::string gio(std::vector<std::string> const& arguments) {
+    std::vector<std::string> command{"dbus-run-session", "--", "gio"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return outputOf(command);
+}
+
+bool knowsTrash() {
+    try {
+        gio({"list", "trash:///"});
+        return true;
+    } catch (std::runtime_error const&) {
+        return false;
+    }
+}
+
+constexpr char WhyNot[] = "gio knows no trash here; the package gvfs has what it needs";
+
+// A home for it.
+struct GioHome : TrashHome {
+    EnvironmentVariable user{"HOME", folder.makeFolder("home")};
+    EnvironmentVariable locale{"LC_ALL", "C.UTF-8"};
+    EnvironmentVariable runtime{"XDG_RUNTIME_DIR", folder.makeFolder("home")};
+};
+
 class TrashBesideGio : public testing::Test {
 protected:
     void SetUp() override {
-        try {
-            gio({"list", "trash:///"});
-        } catch (std::runtime_error const&) {
-            GTEST_SKIP() << "gio knows no trash here; the package gvfs has what it needs";
-        }
+        if (!knowsTrash()) GTEST_SKIP() << WhyNot;
     }
 
-    static std::string gio(std::vector<std::string> const& arguments) {
-        std::vector<std::string> command{"dbus-run-session", "--", "gio"};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return outputOf(command);
+    GioHome const m_home{};
+};
+
+class TrashOnADiskBesideGio : public PrivateMounts {
+protected:
+    void SetUp() override {
+        PrivateMounts::SetUp();
+        if (IsSkipped()) return;
+        if (!knowsTrash()) GTEST_SKIP() << WhyNot;
+        mountImage(m_home.path("image"), m_point);
     }
 
-    TrashHome const m_home{};
-    EnvironmentVariable const m_user{"HOME", m_home.folder.makeFolder("home")};
-    EnvironmentVariable const m_locale{"LC_ALL", "C.UTF-8"};
-    EnvironmentVariable const m_runtime{"XDG_RUNTIME_DIR", m_home.folder.makeFolder("home")};
+    GioHome const m_home{};
+    std::string const m_point = m_home.folder.makeFolder("disk");
 };
 
 TEST_F(TrashBesideGio, ListsAndRestoresWhatWasTrashedHere) {
@@ -79,6 +104,28 @@ TEST_F(TrashBesideGio, EmptiesWhatWasTrashedHere) {
     gio({"trash", "--empty"});
     EXPECT_TRUE(trashedItems().empty());
     EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashOnADiskBesideGio, GoesToOneFolderFromBoth) {
+    std::string const file = m_home.folder.makeFile("disk/a b/file 1", "1");
+    std::string const other = m_home.folder.makeFile("disk/file 2", "2");
+    gio({"trash", file});
+    TrashResult<TrashedItem> const result = moveToTrash(other);
+    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    std::vector<TrashedItem> const items = trashedItems();
+    ASSERT_EQ(items.size(), 2U);
+    for (TrashedItem const& item : items)
+        EXPECT_TRUE(item.path.starts_with(m_point + "/.Trash-")) << item.path;
+    std::string const list = gio({"trash", "--list"});
+    EXPECT_NE(list.find("\t" + other + "\n"), std::string::npos) << list;
+    for (TrashedItem const& item : items) {
+        TrashResult<std::string> const back = putBack(item);
+        ASSERT_TRUE(back.hasValue()) << back.failure().reason;
+        EXPECT_EQ(back.value(), item.originalPath);
+    }
+    EXPECT_EQ(textOf(file), "1");
+    EXPECT_EQ(textOf(other), "2");
+    EXPECT_EQ(gio({"trash", "--list"}), "");
 }
 
 } // namespace

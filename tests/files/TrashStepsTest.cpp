@@ -60,6 +60,18 @@ TEST_F(TrashSteps, KilledAfterTheMoveItemsAreInTheTrash) {
     }
 }
 
+TEST_F(TrashSteps, KilledBeforeTheFileBesideItFollowsNothingIsLost) {
+    std::string const appleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    m_home.folder.makeFile("a/._file", appleDouble);
+    runUntilKilled(TrashStep::ItemMoved, [&] { moveToTrash(file); });
+    EXPECT_EQ(namesIn(m_home.path("a")), Names{"._file"});
+    std::vector<TrashedItem> const items = trashedItems();
+    ASSERT_EQ(items.size(), 1U);
+    ASSERT_TRUE(putBack(items[0]).hasValue());
+    EXPECT_EQ(namesIn(m_home.path("a")), (Names{"._file", "file"}));
+}
+
 TEST_F(TrashSteps, KilledOnTheWayBackItemsAreBack) {
     std::string const file = m_home.folder.makeFile("a/file", "x");
     TrashedItem const item = moveToTrash(file).takeValue();

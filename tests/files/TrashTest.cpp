@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <sys/resource.h>
 #include <thread>
 
 namespace mac::test {
@@ -296,6 +297,26 @@ TEST_F(Trash, TakesTheOpenItemAndNoOther) {
     EXPECT_EQ(other.failure().problem, TrashProblem::Changed);
     EXPECT_EQ(textOf(file), "second");
     EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(Trash, TakesAnItemWholeOrNotAtAllWhenDescriptorsRunOut) {
+    ASSERT_EQ(problemOf(m_home.folder.makeFile("first", "")), std::nullopt);
+    std::string const file = m_home.folder.makeFile("file", "x");
+    rlimit usual{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+    rlim_t const next = static_cast<rlim_t>(FileDescriptor(::open("/", O_PATH | O_CLOEXEC)).number());
+    bool isTrashed = false;
+    for (rlim_t count = 0; !isTrashed && count < 40; ++count) {
+        rlimit const scarce{next + count, usual.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &scarce), 0);
+        isTrashed = moveToTrash(file).hasValue();
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
+        EXPECT_NE(isThere(file), isTrashed) << count;
+        EXPECT_EQ(isThere(m_home.files("file")), isTrashed) << count;
+        EXPECT_EQ(isThere(m_home.information("file.trashinfo")), isTrashed) << count;
+        EXPECT_FALSE(isThere("/.Trash-" + std::to_string(::geteuid()) + "/files/file"));
+    }
+    EXPECT_TRUE(isTrashed);
 }
 
 TEST_F(Trash, TakesFromManyThreadsAtOnce) {
