@@ -4,6 +4,7 @@
 #include "platform/foundation/LongPath.h"
 #include "platform/foundation/NSString.h"
 #include "platform/processes/DesktopApplication.h"
+#include "platform/processes/FrontProcess.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
 #include <array>
@@ -157,6 +158,9 @@ std::vector<ProcessIdentity> fileBrowserProcesses() {
 FinderOutcome activateFileBrowser() {
     FinderOutcome outcome = launchFileBrowser();
     if (!outcome.isDone()) return outcome;
+    for (ProcessIdentity const& process : fileBrowserProcesses()) {
+        if (bringToFront(process.pid)) return {};
+    }
     std::optional<std::string> const home = NSHomeDirectory().fileSystemRepresentation();
     return openFolders({home.value_or("/")});
 }

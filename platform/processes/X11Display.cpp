@@ -161,7 +161,7 @@ std::uint32_t X11Display::rootWindow() const { return m_connection->root(); }
 std::vector<std::uint32_t> X11Display::numbers(std::uint32_t window, char const* property) const {
     std::string const bytes = m_connection->property(window, property, 32);
     std::vector<std::uint32_t> numbers(bytes.size() / sizeof(std::uint32_t));
-    std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(std::uint32_t));
+    if (!numbers.empty()) std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(std::uint32_t));
     return numbers;
 }
 

@@ -37,10 +37,17 @@ inline std::string const& folderWithContentTypes() {
     return folder.path();
 }
 
+// The command of a server that does not outlive a test that crashes.
+inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command) {
+    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", "KILL"};
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+}
+
 // A session bus of a test's own, on which nothing of the computer's can be started.
 class PrivateBus {
 public:
-    PrivateBus() : m_daemon({"/usr/bin/dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"}) {}
+    PrivateBus() : m_daemon(endingWithThisProcess({"dbus-daemon", "--session", "--nofork", "--print-address"})) {}
 
     std::string const& address() const { return m_address; }
 

@@ -12,7 +12,8 @@ namespace {
 class VirtualDisplay {
 public:
     VirtualDisplay()
-        : m_server({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp"}) {}
+        : m_server(
+              endingWithThisProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "800x600x24", "-nolisten", "tcp"})) {}
 
     std::string name() const { return m_name; }
 
