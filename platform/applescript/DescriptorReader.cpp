@@ -276,7 +276,7 @@ private:
         bool const isOfMany = from.is(ValueKind::Specifier) && from.specifier().want == want &&
                               (from.specifier().form == Form::Every || from.specifier().form == Form::Range);
         Value const base = isOfMany ? from : elementSpecifier(Form::Every, want, from);
-        return elementSpecifier(Form::Filter, 0, Value(), base, test);
+        return elementSpecifier(Form::Filter, want, base.specifier().container, base, test);
     }
 
     Value insertionIn(AEDesc const& desc) {

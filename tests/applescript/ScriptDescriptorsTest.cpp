@@ -236,6 +236,17 @@ TEST(ScriptDescriptors, AFilterIsWrittenAsApplicationsReadIt) {
               "}, 'from':'obj '{ 'want':'file', 'form':'indx', 'seld':'abso'($206C6C61$), 'from':'null'() } }");
 }
 
+TEST(ScriptDescriptors, AFilterLiesInWhatItFilters) {
+    Value const files = elementSpecifier(Form::Every, codeOf("file"), finder());
+    Value const name = propertySpecifier(termSymbol(codeOf("pnam"), u"name"), {});
+    Value const filter = elementSpecifier(Form::Filter, codeOf("file"), finder(), files,
+                                          test(Operation::Equal, name, Value::text(u"a")));
+    Value const back = valueOfDescriptor(descriptorOfValue(filter, finder()), finder());
+    ASSERT_TRUE(back.is(ValueKind::Specifier));
+    EXPECT_EQ(back.specifier().want, codeOf("file"));
+    EXPECT_TRUE(rootOf(back).is(ValueKind::Application));
+}
+
 TEST(ScriptDescriptors, NumbersOfEverySizeAreRead) {
     EXPECT_EQ(valueOfDescriptor(makeDescOf(typeSInt16, std::int16_t{-3})).asInteger(), -3);
     EXPECT_EQ(valueOfDescriptor(makeDescOf(typeUInt32, std::uint32_t{7})).asInteger(), 7);
