@@ -70,17 +70,22 @@ std::optional<std::string> linkText(std::string const& path) {
     return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
+// In no language.
+std::string lowercase(std::string text) {
+    for (char& character : text) {
+        if (character >= 'A' && character <= 'Z') character = static_cast<char>(character - 'A' + 'a');
+    }
+    return text;
+}
+
 // What the browser's entry or its kind has for it; nothing where there is neither.
 std::optional<std::vector<std::string>> quitCommandOf(FileBrowser const& browser) {
     KeyFile const entry = KeyFile::readFile(browser.entryPath);
     for (std::string const& action : entry.list("Desktop Entry", "Actions")) {
-        std::string name = action;
-        std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::tolower(letter); });
         std::optional<std::string> const commandLine = entry.text("Desktop Action " + action, "Exec");
-        if (name == "quit" && commandLine) return wordsOfCommandLine(*commandLine);
+        if (lowercase(action) == "quit" && commandLine) return wordsOfCommandLine(*commandLine);
     }
-    std::string name = browser.executable.substr(browser.executable.rfind('/') + 1);
-    std::ranges::transform(name, name.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    std::string const name = lowercase(browser.executable.substr(browser.executable.rfind('/') + 1));
     for (char const* const kind : {"thunar", "nautilus", "nemo", "caja"}) {
         if (name == kind) return std::vector<std::string>{browser.executable, "-q"};
     }

@@ -60,6 +60,9 @@ private:
         EnvironmentVariable config;
         EnvironmentVariable home;
         EnvironmentVariable runtime;
+        // The titles are looked at.
+        EnvironmentVariable locale{"LC_ALL", "C.UTF-8"};
+        EnvironmentVariable language{"LANGUAGE", ""};
         VirtualDisplay screen{};
         EnvironmentVariable display;
         EnvironmentVariable wayland;
