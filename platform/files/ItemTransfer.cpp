@@ -184,8 +184,18 @@ std::string temporaryName() {
     return name;
 }
 
+// The AppleDouble file that keeps what the volume has no place for goes by the item's name.
+void renameCompanion(FileDescriptor const& folder, std::string const& from, std::string const& to, NameClash clash) {
+    if (!companionOf(folder, from).file.isOpen()) return;
+    std::string const name = AppleDoubleFile::nameFor(to);
+    bool const isOld = clash == NameClash::IsReplaced && companionOf(folder, to).file.isOpen();
+    if (isOld) ::unlinkat(folder.number(), name.c_str(), 0);
+    renameWithoutReplacing(folder.number(), AppleDoubleFile::nameFor(from), folder.number(), name);
+}
+
 void removeCopy(FileDescriptor const& folder, std::string const& name) {
     int const reason = errno;
+    if (companionOf(folder, name).file.isOpen()) ::unlinkat(folder.number(), AppleDoubleFile::nameFor(name).c_str(), 0);
     if (std::optional<ItemPlace> const place = placeOf(folder, name))
         descend(folder, name, place->identity, {.makesAccessible = true}, removeOne);
     errno = reason;
@@ -242,6 +252,7 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
     bool const isWhole = !temporary.empty() && listed.isOpen() &&
                          TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
                          giveName(folder, temporary, name, clash);
+    if (isWhole) renameCompanion(folder, temporary, name, clash);
     if (!isWhole && !temporary.empty()) removeCopy(folder, temporary);
     return isWhole;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/files/ItemTransfer.h"
 
 // The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
 // desktop's file browser's.
@@ -30,6 +31,7 @@ using Command = Value (*)(ModelApplication& finder, Evaluator& evaluator, Applic
 Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 // FinderTransfers.cpp
+void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& folder, NameClash clash);
 Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 // FinderMaking.cpp

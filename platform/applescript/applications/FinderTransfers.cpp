@@ -2,7 +2,6 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/files/ItemTransfer.h"
 #include <cerrno>
 
 // Moving and duplicating.
@@ -79,6 +78,18 @@ bool liesIn(FinderItem const& item, FinderItem const& folder) {
 
 } // namespace
 
+void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& folder, NameClash clash) {
+    OpenItem const original = item.open();
+    OpenItem const place = folder.open();
+    if (original.name.empty()) throw plainError(CannotPutThere);
+    bool const isMoved =
+        liesIn(item, folder) || moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
+    int const reason = errno;
+    if (isMoved) return;
+    evaluator.stopIfAsked();
+    throw transferError(reason, item.specifier());
+}
+
 // Linux: to another disk it is moved too; the copy is whole before the original goes.
 Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     TextContext const& context = evaluator.context();
@@ -89,18 +100,11 @@ Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     if (isTrash(finder, *to, context)) return remove(finder, evaluator, command);
     std::shared_ptr<FinderItem> const folder = folderOf(finder, *to, context);
     NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
-    OpenItem const place = folder->open();
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : items) {
         evaluator.stopIfAsked();
-        OpenItem const original = item->open();
-        if (original.name.empty()) throw plainError(CannotPutThere);
-        bool const isMoved =
-            liesIn(*item, *folder) || moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
-        int const reason = errno;
-        if (!isMoved) evaluator.stopIfAsked();
-        if (!isMoved) throw transferError(reason, item->specifier());
-        answers.push_back(itemIn(*folder, original.name, item->specifier()));
+        moveInto(evaluator, *item, *folder, clash);
+        answers.push_back(itemIn(*folder, lastName(item->path()), item->specifier()));
     }
     return answerOf(meant, std::move(answers));
 }

@@ -11,9 +11,6 @@ namespace mac::applescript {
 // Starts a program that goes on by itself; the first word is its name or path. False when it cannot be run.
 bool startProgram(std::vector<std::string> const& words);
 
-// Every process whose program this user may see, in the order of their IDs.
-std::vector<RunningProcess> runningPrograms();
-
 // Whether one of the programs, by the names of their files, runs.
 bool isProgramRunning(std::span<char const* const> names);
 // Asks each of them to end.

@@ -7,6 +7,7 @@
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
+#include <unistd.h>
 
 namespace mac::applescript {
 
@@ -81,40 +82,41 @@ bool startProgram(std::vector<std::string> const& words) {
     return file && startDetached(*file, words).pid != 0;
 }
 
-std::vector<RunningProcess> runningPrograms() {
-    std::vector<RunningProcess> programs;
-    for (std::int32_t const pid : processIDs())
-        if (std::optional<RunningProcess> program = runningProcess(pid)) programs.push_back(*std::move(program));
-    return programs;
-}
-
 bool isProgramRunning(std::span<char const* const> names) {
-    return std::ranges::any_of(runningPrograms(), [&](RunningProcess const& process) {
+    return std::ranges::any_of(runningProcesses(), [&](RunningProcess const& process) {
         return std::ranges::find(names, fileName(process.executable)) != names.end();
     });
 }
 
 void quitPrograms(std::span<char const* const> names) {
-    for (RunningProcess const& process : runningPrograms())
+    for (RunningProcess const& process : runningProcesses())
         if (std::ranges::find(names, fileName(process.executable)) != names.end()) askToEnd(process.identity);
 }
 
-std::optional<NamedProcess> processNamed(std::u16string_view name) {
-    for (RunningProcess const& process : runningPrograms()) {
+// This very process before others of its name.
+template <class Matches>
+std::optional<NamedProcess> firstProcess(Matches const& matches) {
+    std::vector<RunningProcess> processes = runningProcesses();
+    std::ranges::stable_partition(processes,
+                                  [](RunningProcess const& process) { return process.identity.pid == ::getpid(); });
+    for (RunningProcess const& process : processes) {
         NamedProcess found = named(process);
-        bool const isIt = foldedName(found.name) == foldedName(name) ||
-                          foldedName(unitsFromFileSystemBytes(fileName(process.executable))) == foldedName(name);
-        if (isIt) return found;
+        if (matches(found, process)) return found;
     }
     return {};
 }
 
+std::optional<NamedProcess> processNamed(std::u16string_view name) {
+    return firstProcess([&](NamedProcess const& found, RunningProcess const& process) {
+        return foldedName(found.name) == foldedName(name) ||
+               foldedName(unitsFromFileSystemBytes(fileName(process.executable))) == foldedName(name);
+    });
+}
+
 std::optional<NamedProcess> processIdentified(std::u16string_view identifier) {
-    for (RunningProcess const& process : runningPrograms()) {
-        NamedProcess found = named(process);
-        if (!found.identifier.empty() && foldedName(found.identifier) == foldedName(identifier)) return found;
-    }
-    return {};
+    return firstProcess([&](NamedProcess const& found, RunningProcess const& /*process*/) {
+        return !found.identifier.empty() && foldedName(found.identifier) == foldedName(identifier);
+    });
 }
 
 std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name) {

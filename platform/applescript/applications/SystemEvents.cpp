@@ -143,6 +143,8 @@ protected:
         switch (command.term.code) {
         case eventOf("coredelo"):
             return remove(evaluator, command);
+        case eventOf("coremove"):
+            return move(evaluator, command);
         case eventOf("miscactv"):
         case eventOf("ascrnoop"):
         case eventOf("aevtoapp"):
@@ -170,6 +172,25 @@ private:
             finder::movedToTrash(*item);
         }
         return {};
+    }
+
+    Value move(Evaluator& evaluator, ApplicationCommand const& command) {
+        Value const* const to = command.find(codeOf("insh"));
+        if (!to) throw missingParameter(u"to", command.term.name);
+        TextContext const& context = evaluator.context();
+        std::vector<ModelPointer> const places = objects(*to, context);
+        std::shared_ptr<FinderItem> const folder = places.size() == 1 ? systemEvents::itemOf(*places.front()) : nullptr;
+        if (!folder || !folder->isFolder()) throw plainError(-10024);
+        Value const meant = directOf(command);
+        std::vector<Value> answers;
+        for (ModelPointer const& object : objects(meant, context)) {
+            std::shared_ptr<FinderItem> const item = systemEvents::itemOf(*object);
+            if (!item) throw plainError(-10010);
+            finder::moveInto(evaluator, *item, *folder, NameClash::IsRefused);
+            ModelPointer const moved = systemEvents::diskItemAt(joined(folder->path(), lastName(item->path())));
+            answers.push_back(moved ? moved->specifier() : Value::missing());
+        }
+        return finder::answerOf(meant, std::move(answers));
     }
 };
 

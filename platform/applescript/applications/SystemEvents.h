@@ -13,7 +13,7 @@ namespace systemEvents {
 // `application "System Events"`.
 Value itself();
 
-// SystemEventsProcesses.cpp: in the order of their IDs.
+// SystemEventsProcesses.cpp: in the order of their start.
 std::vector<ModelPointer> processes(Code elementType);
 
 // SystemEventsDisks.cpp

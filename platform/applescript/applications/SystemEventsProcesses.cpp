@@ -1,5 +1,4 @@
 #include "platform/applescript/Coercion.h"
-#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
@@ -92,7 +91,7 @@ private:
 
 std::vector<ModelPointer> processes(Code /*elementType*/) {
     std::vector<ModelPointer> all;
-    for (RunningProcess& process : runningPrograms())
+    for (RunningProcess& process : runningProcesses())
         all.push_back(std::make_shared<Process>(std::move(process)));
     return all;
 }

@@ -1,0 +1,203 @@
+#include "platform/files/ItemTransfer.h"
+#include "tests/files/TrashHome.h"
+#include "tests/support/PrivateMounts.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/xattr.h>
+
+namespace mac::test {
+
+namespace {
+
+TransferGoesOn const always = [] { return true; };
+
+FileDescriptor folderAt(std::string const& path) {
+    return FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+using Transfer = bool (*)(OpenItem const&, FileDescriptor const&, std::string const&, NameClash, TransferGoesOn const&);
+constexpr Transfer move = moveItem;
+constexpr Transfer copy = copyItem;
+
+// 0, or errno.
+int errorOf(Transfer transfer, std::string const& path, std::string const& folder, std::string const& name,
+            NameClash clash = NameClash::IsRefused, TransferGoesOn const& goesOn = always) {
+    std::optional<OpenItem> const item = openItemAtPath(path, false);
+    if (!item) return errno;
+    return transfer(*item, folderAt(folder), name, clash, goesOn) ? 0 : errno;
+}
+
+struct stat statusOf(std::string const& path) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+// A folder with one of each in it.
+void makeTree(TemporaryFolder const& folder, std::string const& name) {
+    folder.makeFile(name + "/inner/deep.txt", "deep");
+    std::string const file = folder.makeFile(name + "/file \xFF", "contents");
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    std::array<timespec, 2> const times{timespec{1000, 0}, timespec{2000, 5}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
+    ASSERT_EQ(::symlink("nowhere", folder.path(name + "/link").c_str()), 0);
+    ASSERT_EQ(::mkfifo(folder.path(name + "/pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::utimensat(AT_FDCWD, folder.path(name).c_str(), times.data(), 0), 0);
+}
+
+void expectTree(std::string const& path) {
+    EXPECT_EQ(namesIn(path), (std::vector<std::string>{"file \xFF", "inner", "link", "pipe"}));
+    EXPECT_EQ(textOf(path + "/inner/deep.txt"), "deep");
+    EXPECT_EQ(textOf(path + "/file \xFF"), "contents");
+    struct stat const file = statusOf(path + "/file \xFF");
+    EXPECT_EQ(file.st_mode & 07777U, 0640U);
+    EXPECT_EQ(file.st_mtim.tv_sec, 2000);
+    EXPECT_EQ(file.st_mtim.tv_nsec, 5);
+    EXPECT_TRUE(S_ISLNK(statusOf(path + "/link").st_mode));
+    EXPECT_TRUE(S_ISFIFO(statusOf(path + "/pipe").st_mode));
+    EXPECT_EQ(statusOf(path).st_mtim.tv_sec, 2000);
+}
+
+TEST(ItemTransfer, CopiesAFolderWithAllThatIsInIt) {
+    TemporaryFolder const folder;
+    makeTree(folder, "tree");
+    folder.makeFolder("there");
+    EXPECT_EQ(errorOf(copy, folder.path("tree"), folder.path("there"), "copy"), 0);
+    expectTree(folder.path("there/copy"));
+    expectTree(folder.path("tree"));
+    EXPECT_EQ(namesIn(folder.path("there")), (std::vector<std::string>{"copy"}));
+}
+
+TEST(ItemTransfer, CopiesAttributes) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "x");
+    if (::setxattr(file.c_str(), "user.colour", "blue", 4, 0) != 0) GTEST_SKIP() << "no attributes on this volume";
+    EXPECT_EQ(errorOf(copy, file, folder.path(), "copy"), 0);
+    std::array<char, 8> value{};
+    EXPECT_EQ(::getxattr(folder.path("copy").c_str(), "user.colour", value.data(), value.size()), 4);
+    EXPECT_STREQ(value.data(), "blue");
+}
+
+TEST(ItemTransfer, KeepsTheHolesOfAFile) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "begin");
+    constexpr off_t size = off_t{1} << 30U;
+    ASSERT_EQ(::truncate(file.c_str(), size), 0);
+    EXPECT_EQ(errorOf(copy, file, folder.path(), "copy"), 0);
+    struct stat const copied = statusOf(folder.path("copy"));
+    EXPECT_EQ(copied.st_size, size);
+    EXPECT_LT(copied.st_blocks, 1000);
+}
+
+TEST(ItemTransfer, RefusesANameThatIsTaken) {
+    TemporaryFolder const folder;
+    folder.makeFile("a", "a");
+    folder.makeFile("b", "b");
+    EXPECT_EQ(errorOf(copy, folder.path("a"), folder.path(), "b"), EEXIST);
+    EXPECT_EQ(errorOf(move, folder.path("a"), folder.path(), "b"), EEXIST);
+    EXPECT_EQ(textOf(folder.path("a")), "a");
+    EXPECT_EQ(textOf(folder.path("b")), "b");
+    EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(ItemTransfer, ReplacesWhatHasTheName) {
+    TemporaryFolder const folder;
+    folder.makeFile("a", "a");
+    folder.makeFile("there/b/inner", "b");
+    EXPECT_EQ(errorOf(copy, folder.path("a"), folder.path("there"), "b", NameClash::IsReplaced), 0);
+    EXPECT_EQ(textOf(folder.path("there/b")), "a");
+    folder.makeFile("c", "c");
+    EXPECT_EQ(errorOf(move, folder.path("c"), folder.path("there"), "b", NameClash::IsReplaced), 0);
+    EXPECT_EQ(textOf(folder.path("there/b")), "c");
+    EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"a", "there"}));
+    EXPECT_EQ(namesIn(folder.path("there")), (std::vector<std::string>{"b"}));
+}
+
+TEST(ItemTransfer, DoesNotPutAFolderIntoItself) {
+    TemporaryFolder const folder;
+    makeTree(folder, "tree");
+    EXPECT_EQ(errorOf(copy, folder.path("tree"), folder.path("tree/inner"), "copy"), EINVAL);
+    EXPECT_EQ(errorOf(move, folder.path("tree"), folder.path("tree/inner"), "tree"), EINVAL);
+    expectTree(folder.path("tree"));
+}
+
+TEST(ItemTransfer, DoesNotReplaceTheFolderThatHoldsTheItem) {
+    TemporaryFolder const folder;
+    folder.makeFile("a/a", "x");
+    EXPECT_EQ(errorOf(move, folder.path("a/a"), folder.path(), "a", NameClash::IsReplaced), EINVAL);
+    EXPECT_EQ(textOf(folder.path("a/a")), "x");
+}
+
+TEST(ItemTransfer, LeavesNothingOfACopyThatIsGivenUp) {
+    TemporaryFolder const folder;
+    makeTree(folder, "tree");
+    folder.makeFolder("there");
+    for (int most = 0; most < 6; ++most) {
+        int asked = 0;
+        EXPECT_EQ(errorOf(copy, folder.path("tree"), folder.path("there"), "copy", NameClash::IsRefused,
+                          [&] { return asked++ < most; }),
+                  ECANCELED);
+        EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>());
+    }
+    expectTree(folder.path("tree"));
+}
+
+TEST(ItemTransfer, LeavesAnotherItemThatTookThePlaceAlone) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "old");
+    std::optional<OpenItem> const item = openItemAtPath(file, false);
+    ASSERT_TRUE(item);
+    ASSERT_EQ(::rename(file.c_str(), folder.path("elsewhere").c_str()), 0);
+    folder.makeFile("file", "new");
+    EXPECT_FALSE(copyItem(*item, folderAt(folder.path()), "copy", NameClash::IsRefused, always));
+    EXPECT_EQ(errno, ESTALE);
+    EXPECT_FALSE(moveItem(*item, folderAt(folder.path()), "copy", NameClash::IsRefused, always));
+    EXPECT_EQ(errno, ESTALE);
+    EXPECT_EQ(textOf(file), "new");
+}
+
+class ItemTransferOnVolumes : public PrivateMounts {
+protected:
+    TemporaryFolder const m_folder{};
+    TemporaryFolder const m_point{};
+};
+
+TEST_F(ItemTransferOnVolumes, MovesAFolderToAnotherVolume) {
+    mountMemory(m_point.path());
+    makeTree(m_folder, "tree");
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    expectTree(m_point.path("tree"));
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
+    mountMemory(m_point.path(), "size=64k");
+    m_folder.makeFile("tree/large", std::string(std::size_t{1} << 20U, 'x'));
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), ENOSPC);
+    EXPECT_EQ(textOf(m_folder.path("tree/large")).size(), std::size_t{1} << 20U);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, KeepsAttributesThatTheOtherVolumeHasNoPlaceFor) {
+    mountWithoutAttributes(m_point.path());
+    std::string const file = m_folder.makeFile("file", "x");
+    if (::setxattr(file.c_str(), "user.colour", "blue", 4, 0) != 0) GTEST_SKIP() << "no attributes on this volume";
+    EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0);
+    EXPECT_EQ(namesIn(m_point.path()), (std::vector<std::string>{"._file", "file"}));
+    EXPECT_EQ(errorOf(move, m_point.path("file"), m_folder.path(), "back"), 0);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, DoesNotEnterWhatIsMountedInside) {
+    m_folder.makeFile("tree/file", "x");
+    m_folder.makeFolder("tree/mount");
+    mountMemory(m_folder.path("tree/mount"));
+    m_folder.makeFolder("there");
+    EXPECT_EQ(errorOf(copy, m_folder.path("tree"), m_folder.path("there"), "copy"), EBUSY);
+    EXPECT_EQ(namesIn(m_folder.path("there")), std::vector<std::string>());
+}
+
+} // namespace
+
+} // namespace mac::test
