@@ -164,6 +164,18 @@ TEST_F(TrashOnVolumes, AreListedAndEmptiedTogether) {
     EXPECT_TRUE(namesIn(m_own + "/info").empty());
 }
 
+TEST_F(TrashOnVolumes, GetNothingBackThatIsOfAnother) {
+    TrashResult<TrashedItem> const result = trash("a/file");
+    ASSERT_TRUE(result.hasValue());
+    mountMemory(m_home.path("a"));
+    TrashResult<std::string> const back = putBack(result.value());
+    ASSERT_FALSE(back.hasValue());
+    EXPECT_EQ(back.failure().problem, TrashProblem::Other);
+    EXPECT_TRUE(isThere(result.value().path));
+    EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));
+    EXPECT_TRUE(namesIn(m_home.path("a")).empty());
+}
+
 TEST_F(TrashOnVolumes, AreNotEnteredWhileEmptying) {
     ASSERT_TRUE(trash("folder/inner/file").hasValue());
     m_home.folder.makeFolder("folder/point");
