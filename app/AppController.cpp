@@ -50,6 +50,7 @@ ClassDescription AppController::describeClass() {
                 method<&Self::stopAction_>("stopAction:"),
                 method<&Self::isRunningWithQuitting_>("isRunningWithQuitting:"),
                 method<&Self::quitAction_>("quitAction:"),
+                method<&Self::openActivityMonitorAction_>("openActivityMonitorAction:"),
             },
         .properties =
             {

@@ -99,6 +99,8 @@ public:
     // Quits the copy of the one selected record and reads the running copies anew; a beep and a line in the log when it
     // refuses or does not run. Blocks while the copy quits, for about four seconds at most.
     void quitAction_(id const& sender) const;
+    // Launches the system's monitor of processes; a beep and a line in the log when there is none.
+    void openActivityMonitorAction_(id const& sender) const;
 
 private:
     // Starts the query; a refusal is a beep and a line in the log.

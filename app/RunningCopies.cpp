@@ -1,4 +1,5 @@
 #include "app/AppController.h"
+#include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Beep.h"
@@ -83,6 +84,17 @@ void AppController::quitAction_(id const&) const {
     }
     syncIsRunningPaths();
     reSync();
+}
+
+void AppController::openActivityMonitorAction_(id const&) const {
+    if (*this == nil) return;
+    bool const isLaunched = NSWorkspace::sharedWorkspace()
+                                .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+                                    "com.apple.ActivityMonitor", NSWorkspaceLaunchDefault,
+                                    NSAppleEventDescriptor::nullDescriptor(), nullptr);
+    if (isLaunched) return;
+    NSBeep();
+    NSLog("Could not launch Activity Monitor.");
 }
 
 } // namespace framekeeper

@@ -1,8 +1,14 @@
 #include "scripting/ProcessesAndFinder.h"
+#include "pathutils/FinderMetadata.h"
+#include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSThread.h"
+#include "platform/foundation/NSURL.h"
+#include "platform/launchservices/ItemInformation.h"
+#include "scripting/AppleScriptExecution.h"
+#include "scripting/FileReferences.h"
 #include <bit>
 
 namespace mac {
@@ -29,6 +35,24 @@ OSStatus sendQuit(ProcessSerialNumber const& psn) {
     OSStatus const status = AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
     AEDisposeDesc(&reply);
     return status;
+}
+
+// The path of an item that is one or a file's URL; nil for everything else, null objects among it.
+NSString pathOfItem(id const& item) {
+    NSString const path = as<NSString>(item);
+    NSURL const url = as<NSURL>(item);
+    if (path == nil && !url.isFileURL()) return nil;
+    return (path == nil ? url.path() : path).stringByStandardizingPath();
+}
+
+// Tries every item; whether one of them could be shown.
+bool showItems(NSEnumerator const& items, bool (*show)(NSString)) {
+    bool isAnyShown = false;
+    for (id item = items.nextObject(); item != nil; item = items.nextObject()) {
+        NSString const path = pathOfItem(item);
+        if (path != nil && show(path)) isAnyShown = true;
+    }
+    return isAnyShown;
 }
 
 } // namespace
@@ -75,6 +99,43 @@ bool KRAProcessSerialNumberQuit(NSNumber receiver) {
     return false;
 }
 
+bool KRAPathRevealInFinder(NSString receiver) {
+    if (KRCPathExists(receiver))
+        return NSWorkspace::sharedWorkspace().selectFile_inFileViewerRootedAtPath_(receiver, "");
+    NSString path = receiver;
+    while (path.pathComponents().count() > 1) {
+        path = path.stringByDeletingLastPathComponent();
+        std::uint32_t flags = 0;
+        if (!KRCPathExists(path) || !pxLSFlagsOfPath_(path, &flags)) continue;
+        if ((flags & kLSItemInfoIsInvisible) != 0) return false;
+        if (pxOpenItemWithFinder(path)) return true;
+    }
+    return false;
+}
+
+bool pxOpenItemWithFinder(NSString receiver) {
+    NSString const path = receiver.stringByStandardizingPath();
+    return KRCPathExists(path) && NSWorkspace::sharedWorkspace().openFile_(path);
+}
+
+bool pxRevealItemsInFinder(NSEnumerator receiver) { return showItems(receiver, &KRAPathRevealInFinder); }
+
+bool pxOpenItemsWithFinder(NSEnumerator receiver) { return showItems(receiver, &pxOpenItemWithFinder); }
+
+bool pxShowFinderInfo(NSEnumerator receiver) {
+    NSMutableString const script = NSMutableString::stringWithString_("tell application \"Finder\" to activate\n");
+    NSUInteger const lengthWithoutItems = script.length();
+    for (id item = receiver.nextObject(); item != nil; item = receiver.nextObject()) {
+        NSString const path = as<NSString>(item).stringByStandardizingPath();
+        if (!KRCPathExists(path)) continue;
+        script.appendFormat_("set x to POSIX file \"%@\" as text\n", pxStringByEscapingDoubleQuotes(path));
+        script.appendString_("tell application \"Finder\" to open information window of alias x\n");
+    }
+    if (script.length() == lengthWithoutItems) return false;
+    pxExecuteAsAppleScript(script);
+    return true;
+}
+
 bool pxTerminate(NSTask receiver) {
     bool const wasRunning = receiver.isRunning();
     if (wasRunning) receiver.terminate();
@@ -90,6 +151,17 @@ struct Registration {
             method<&KRAProcessSerialNumberQuit>("KRAProcessSerialNumberQuit"),
         };
         classOf<NSNumber>().addMethods(ofNumbers);
+        Method const ofStrings[] = {
+            method<&KRAPathRevealInFinder>("KRAPathRevealInFinder"),
+            method<&pxOpenItemWithFinder>("pxOpenItemWithFinder"),
+        };
+        classOf<NSString>().addMethods(ofStrings);
+        Method const ofEnumerators[] = {
+            method<&pxRevealItemsInFinder>("pxRevealItemsInFinder"),
+            method<&pxOpenItemsWithFinder>("pxOpenItemsWithFinder"),
+            method<&pxShowFinderInfo>("pxShowFinderInfo"),
+        };
+        classOf<NSEnumerator>().addMethods(ofEnumerators);
         Method const ofTasks[] = {method<&pxTerminate>("pxTerminate")};
         classOf<NSTask>().addMethods(ofTasks);
     }

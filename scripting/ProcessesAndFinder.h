@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSTask.h"
 #include "platform/processes/Processes.h"
@@ -28,6 +29,21 @@ bool KRAProcessSerialNumberSetFront(NSNumber receiver);
 // most, whether it has gone: YES when it has. NO when it could not be asked, which takes no time, and when it still
 // runs. It is never forced.
 bool KRAProcessSerialNumberQuit(NSNumber receiver);
+
+// Shows the item at the path in the file browser; of a missing one the nearest folder above it that is there opens
+// instead. NO when that folder is invisible, when only "/" is left, and when nothing could be shown.
+bool KRAPathRevealInFinder(NSString receiver);
+// Opens what is at the path: a folder in the file browser, a file with its application. NO when nothing is there.
+bool pxOpenItemWithFinder(NSString receiver);
+
+// The same for each item: paths and the URLs of files; null objects and everything else are passed over. YES when at
+// least one was shown, or opened; a failure ends nothing.
+bool pxRevealItemsInFinder(NSEnumerator receiver);
+bool pxOpenItemsWithFinder(NSEnumerator receiver);
+
+// Shows the Finder's information windows of the items that exist, by a script. YES when there is one, whatever becomes
+// of the script. Items that are neither paths nor null objects are passed over.
+bool pxShowFinderInfo(NSEnumerator receiver);
 
 // Asks a running task to end and does not wait for it; whether it was running.
 bool pxTerminate(NSTask receiver);

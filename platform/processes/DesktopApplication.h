@@ -25,6 +25,9 @@ struct DesktopApplication {
 // Looked up anew.
 std::optional<DesktopApplication> defaultApplicationFor(std::vector<std::string> const& contentTypes);
 
+// Of a desktop entry; nothing for what is none, is hidden, or has a program that is not there.
+std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& path);
+
 // What starts the application with the files, each word a whole argument and the program's own file first. One that
 // takes only one file gets the first.
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths);

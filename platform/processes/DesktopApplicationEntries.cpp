@@ -91,22 +91,6 @@ std::optional<std::string> entryPath(std::string name) {
     return std::nullopt;
 }
 
-std::optional<DesktopApplication> applicationOfEntry(std::string const& name) {
-    constexpr char group[] = "Desktop Entry";
-    std::optional<std::string> const path = entryPath(name);
-    if (!path) return std::nullopt;
-    KeyFile const entry = KeyFile::readFile(*path);
-    std::optional<std::string> const commandLine = entry.text(group, "Exec");
-    if (!commandLine || entry.value(group, "Hidden") == "true") return std::nullopt;
-    std::optional<std::vector<std::string>> words = wordsOfCommandLine(*commandLine);
-    if (!words || words->empty()) return std::nullopt;
-    std::optional<std::string> program = resolvedProgram(words->front());
-    if (!program) return std::nullopt;
-    bool const needsTerminal = entry.value(group, "Terminal") == "true";
-    return DesktopApplication{*path, entry.text(group, "Name").value_or(name), std::move(*program), std::move(*words),
-                              needsTerminal};
-}
-
 // The word with the codes in it resolved that stand for a part of a word.
 std::string expanded(std::string const& word, DesktopApplication const& application, std::string const& path) {
     std::string result;
@@ -152,10 +136,26 @@ bool standsForFiles(std::string const& word) {
 
 } // namespace
 
+std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& path) {
+    constexpr char group[] = "Desktop Entry";
+    KeyFile const entry = KeyFile::readFile(path);
+    std::optional<std::string> const commandLine = entry.text(group, "Exec");
+    if (!commandLine || entry.value(group, "Hidden") == "true") return std::nullopt;
+    std::optional<std::vector<std::string>> words = wordsOfCommandLine(*commandLine);
+    if (!words || words->empty()) return std::nullopt;
+    std::optional<std::string> program = resolvedProgram(words->front());
+    if (!program) return std::nullopt;
+    bool const needsTerminal = entry.value(group, "Terminal") == "true";
+    return DesktopApplication{path, entry.text(group, "Name").value_or(path.substr(path.rfind('/') + 1)),
+                              std::move(*program), std::move(*words), needsTerminal};
+}
+
 std::optional<DesktopApplication> defaultApplicationFor(std::vector<std::string> const& contentTypes) {
     for (std::string const& contentType : contentTypes) {
         for (std::string const& name : candidatesFor(contentType)) {
-            if (std::optional<DesktopApplication> application = applicationOfEntry(name)) return application;
+            std::optional<std::string> const path = entryPath(name);
+            if (!path) continue;
+            if (std::optional<DesktopApplication> application = applicationOfEntryAtPath(*path)) return application;
         }
     }
     return std::nullopt;

@@ -1,0 +1,103 @@
+#include "platform/appkit/NSWorkspace.h"
+#include "platform/finder/DetachedProcess.h"
+#include "platform/finder/FileBrowserProcess.h"
+#include "platform/finder/FileBrowserService.h"
+#include "platform/finder/FileBrowserWindows.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/launchservices/Applications.h"
+#include "platform/processes/DesktopApplication.h"
+#include "platform/processes/Processes.h"
+
+namespace mac {
+
+namespace {
+
+// Makes the class known by its name.
+RegisteredClass<NSWorkspace> const s_registered;
+
+constexpr char FinderIdentifier[] = "com.apple.finder";
+
+bool start(std::string const& program, std::vector<std::string> const& words) {
+    return startDetached(program, words).pid > 0;
+}
+
+bool startInTerminal(std::vector<std::string> const& command) {
+    std::optional<std::string> const terminal = resolvedProgram("x-terminal-emulator");
+    if (!terminal) return false;
+    std::vector<std::string> words{*terminal, "-e"};
+    words.insert(words.end(), command.begin(), command.end());
+    return start(*terminal, words);
+}
+
+bool launchEntry(std::string const& path) {
+    std::optional<DesktopApplication> const application = applicationOfEntryAtPath(path);
+    if (!application || !hasDisplay()) return false;
+    std::vector<std::string> const command = commandOf(*application, {});
+    return application->needsTerminal ? startInTerminal(command) : start(application->executable, command);
+}
+
+std::optional<ProcessSerialNumber> processWithIdentifier(NSString const& identifier) {
+    ProcessSerialNumber psn{0, kNoProcess};
+    while (GetNextProcess(&psn) == noErr) {
+        NSDictionary const information =
+            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
+        if (information.objectForKey_(kCFBundleIdentifierKey).isEqual_(identifier)) return psn;
+    }
+    return std::nullopt;
+}
+
+bool launchBundle(NSString const& path) {
+    NSBundle const bundle = NSBundle::bundleWithPath_(path);
+    if (std::optional<ProcessSerialNumber> const running = processWithIdentifier(bundle.bundleIdentifier())) {
+        // A display that does not bring it to the front does not keep it from running.
+        SetFrontProcess(&*running);
+        return true;
+    }
+    std::optional<std::string> const program = bundle.executablePath().fileSystemRepresentation();
+    return program && start(*program, {*program});
+}
+
+} // namespace
+
+class NSWorkspace::Body : public ObjectBody {};
+
+ClassDescription NSWorkspace::describeClass() {
+    return {
+        .name = "NSWorkspace",
+        .superclass = classOf<NSObject>(),
+        .methods = {method<&NSWorkspace::openFile_>("openFile:"),
+                    method<&NSWorkspace::selectFile_inFileViewerRootedAtPath_>("selectFile:inFileViewerRootedAtPath:")},
+    };
+}
+
+NSWorkspace NSWorkspace::sharedWorkspace() {
+    static NSWorkspace const shared = adopt<NSWorkspace>();
+    return shared;
+}
+
+bool NSWorkspace::selectFile_inFileViewerRootedAtPath_(NSString const& fullPath, NSString const&) const {
+    std::optional<std::string> const path = fullPath.fileSystemRepresentation();
+    return *this != nil && path && revealItems({*path}).isDone();
+}
+
+bool NSWorkspace::openFile_(NSString const& fullPath) const {
+    std::optional<std::string> const path = fullPath.fileSystemRepresentation();
+    return *this != nil && path && openItem(*path).isDone();
+}
+
+bool NSWorkspace::launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+    NSString const& bundleIdentifier, NSWorkspaceLaunchOptions, NSAppleEventDescriptor const&, NSNumber*) const {
+    CFURLRef url;
+    if (*this == nil || bundleIdentifier == nil ||
+        LSFindApplicationForInfo(kLSUnknownCreator, bundleIdentifier, nil, nullptr, &url) != noErr)
+        return false;
+    NSString const path = url.path();
+    if (!path.pathExtension().isEqualToString_("desktop")) return launchBundle(path);
+    if (bundleIdentifier.caseInsensitiveCompare_(FinderIdentifier) == NSOrderedSame)
+        return launchFileBrowser().isDone();
+    std::optional<std::string> const entry = path.fileSystemRepresentation();
+    return entry && launchEntry(*entry);
+}
+
+} // namespace mac

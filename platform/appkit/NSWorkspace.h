@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/events/NSAppleEventDescriptor.h"
+
+namespace mac {
+
+// How an application is launched; nothing but the default has a meaning here.
+using NSWorkspaceLaunchOptions = std::uint32_t;
+inline constexpr NSWorkspaceLaunchOptions NSWorkspaceLaunchAsync = 0x00010000;
+inline constexpr NSWorkspaceLaunchOptions NSWorkspaceLaunchAllowingClassicStartup = 0x00020000;
+inline constexpr NSWorkspaceLaunchOptions NSWorkspaceLaunchDefault =
+    NSWorkspaceLaunchAsync | NSWorkspaceLaunchAllowingClassicStartup;
+
+// Files shown and opened, and applications launched, as the desktop does it. There is one. Main thread; paths are
+// absolute. NO where it could not be done, for nil, and from nil; what the file browser answers is waited for, bounded.
+class NSWorkspace : public Handle<NSWorkspace, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    static NSWorkspace sharedWorkspace();
+
+    // Shows the item selected in a window of the file browser. Linux: the root of the window is the browser's matter,
+    // whatever is asked for.
+    bool selectFile_inFileViewerRootedAtPath_(NSString const& fullPath, NSString const& rootFullPath) const;
+    // Opens a folder in the file browser, anything else with the desktop's default application for it.
+    bool openFile_(NSString const& fullPath) const;
+    // Launches the application with the bundle identifier (see Applications.h), or brings it to the front where it runs
+    // already, and does not wait for it. The descriptor is not passed on, and the identifier, whose pointer may be
+    // null, is left alone.
+    bool launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+        NSString const& bundleIdentifier, NSWorkspaceLaunchOptions options, NSAppleEventDescriptor const& descriptor,
+        NSNumber* identifier) const;
+};
+
+}

@@ -1,0 +1,141 @@
+#include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSNull.h"
+#include "platform/foundation/NSURL.h"
+#include "scripting/ProcessesAndFinder.h"
+#include "tests/finder/Desktop.h"
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// A desktop with a file browser that writes down what it is asked for.
+class FinderControl : public testing::Test {
+protected:
+    void SetUp() override {
+        m_desktop.install(m_desktop.fake("open") + " %U");
+        m_desktop.installService(m_desktop.fake("serve"));
+    }
+
+    std::string uri(std::string const& relative) const { return "file://" + m_desktop.folder.path(relative); }
+    NSString path(std::string const& relative) const {
+        return NSString::stringWithFileSystemRepresentation_(m_desktop.folder.path(relative));
+    }
+    NSString makeFile(std::string const& relative) const {
+        return NSString::stringWithFileSystemRepresentation_(m_desktop.folder.makeFile(relative, ""));
+    }
+    // What the browser was asked for, without its start.
+    Lines asked() const {
+        Lines lines = m_desktop.lines();
+        if (!lines.empty()) lines.erase(lines.begin());
+        return lines;
+    }
+    static NSEnumerator enumerator(std::initializer_list<id> items) {
+        return NSArray::arrayWithObjects_(items).objectEnumerator();
+    }
+
+    Desktop const m_desktop{};
+};
+
+TEST_F(FinderControl, RevealsAnItem) {
+    EXPECT_TRUE(KRAPathRevealInFinder(makeFile("shown/file")));
+    EXPECT_EQ(asked(), Lines{"ShowItems " + uri("shown/file")});
+}
+
+TEST_F(FinderControl, OpensTheNearestFolderOfAMissingItem) {
+    makeFile("shown/file");
+    EXPECT_TRUE(KRAPathRevealInFinder(path("shown/none")));
+    EXPECT_TRUE(KRAPathRevealInFinder(path("shown/no/such/folder/file")));
+    EXPECT_EQ(asked(), (Lines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
+}
+
+TEST_F(FinderControl, OpensNoInvisibleFolder) {
+    makeFile("shown/.hidden/file");
+    EXPECT_FALSE(KRAPathRevealInFinder(path("shown/.hidden/none")));
+    EXPECT_TRUE(m_desktop.lines().empty());
+    EXPECT_TRUE(KRAPathRevealInFinder(path("shown/.hidden/file"))) << "an item that is there is shown nevertheless";
+}
+
+TEST_F(FinderControl, NeverOpensTheRootForAMissingItem) {
+    // The root itself is opened when it is asked for, or is the nearest folder.
+    EXPECT_FALSE(KRAPathRevealInFinder(""));
+    EXPECT_FALSE(KRAPathRevealInFinder("none"));
+    EXPECT_FALSE(KRAPathRevealInFinder(nil));
+    EXPECT_TRUE(m_desktop.lines().empty());
+}
+
+TEST_F(FinderControl, OpensAnItem) {
+    makeFile("shown/file");
+    EXPECT_TRUE(pxOpenItemWithFinder(path("shown/../shown/")));
+    EXPECT_FALSE(pxOpenItemWithFinder(path("none")));
+    EXPECT_FALSE(pxOpenItemWithFinder(""));
+    EXPECT_FALSE(pxOpenItemWithFinder(nil));
+    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("shown")});
+}
+
+TEST_F(FinderControl, FailsToOpenWhatNoApplicationIsKnownFor) {
+    EXPECT_FALSE(pxOpenItemWithFinder(makeFile("file.unknown-to-all")));
+}
+
+TEST_F(FinderControl, RevealsManyItemsAndPassesOverOthers) {
+    NSString const first = makeFile("shown/first");
+    NSURL const second = NSURL::fileURLWithPath_(makeFile("shown/second"));
+    EXPECT_TRUE(pxRevealItemsInFinder(enumerator({NSNull::null(), first, NSURL::URLWithString_("http://example.org/a"),
+                                                  NSNumber::numberWithInt_(1), path("shown/none"), second})));
+    EXPECT_EQ(asked(), (Lines{"ShowItems " + uri("shown/first"), "ShowFolders " + uri("shown"),
+                              "ShowItems " + uri("shown/second")}));
+}
+
+TEST_F(FinderControl, RevealsNothingOfWhatIsNoPath) {
+    EXPECT_FALSE(pxRevealItemsInFinder(
+        enumerator({NSNull::null(), NSURL::URLWithString_("http://example.org/a"), NSNumber::numberWithInt_(1)})));
+    EXPECT_FALSE(pxRevealItemsInFinder(enumerator({})));
+    EXPECT_FALSE(pxRevealItemsInFinder(nil));
+    EXPECT_TRUE(m_desktop.lines().empty());
+}
+
+TEST_F(FinderControl, OpensManyItemsThatExist) {
+    makeFile("shown/file");
+    EXPECT_TRUE(pxOpenItemsWithFinder(
+        enumerator({path("none"), NSNull::null(), NSURL::fileURLWithPath_(path("shown")), path("shown")})));
+    EXPECT_EQ(asked(), (Lines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
+    EXPECT_FALSE(pxOpenItemsWithFinder(enumerator({path("none"), NSNull::null()})));
+    EXPECT_FALSE(pxOpenItemsWithFinder(nil));
+}
+
+TEST_F(FinderControl, GoesOnAfterAFailure) {
+    NSString const unknown = makeFile("file.unknown-to-all");
+    EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({unknown, path("")})));
+    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("")});
+}
+
+TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
+    EXPECT_FALSE(pxShowFinderInfo(enumerator({NSNull::null(), path("none"), NSNumber::numberWithInt_(1)})));
+    EXPECT_FALSE(pxShowFinderInfo(enumerator({})));
+    EXPECT_FALSE(pxShowFinderInfo(nil));
+    EXPECT_TRUE(m_desktop.lines().empty());
+}
+
+TEST_F(FinderControl, AnswersYesForInformationWhateverBecomesOfTheScript) {
+    EXPECT_TRUE(pxShowFinderInfo(enumerator({makeFile("shown/a \"quoted\" \\ name"), NSNull::null()})));
+}
+
+TEST_F(FinderControl, FailsWithoutAFileBrowser) {
+    NSString const file = makeFile("shown/file");
+    EnvironmentVariable const none("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_desktop.folder.path("none"));
+    EXPECT_FALSE(KRAPathRevealInFinder(file));
+    EXPECT_FALSE(KRAPathRevealInFinder(path("shown/none")));
+    EXPECT_FALSE(pxRevealItemsInFinder(enumerator({file})));
+}
+
+TEST_F(FinderControl, AnswersMessagesByName) {
+    id const file = makeFile("shown/file");
+    EXPECT_TRUE(as<NSNumber>(file.performSelector_("KRAPathRevealInFinder")).boolValue());
+    id const items = enumerator({file});
+    EXPECT_TRUE(as<NSNumber>(items.performSelector_("pxRevealItemsInFinder")).boolValue());
+    EXPECT_EQ(asked().size(), 2U);
+}
+
+} // namespace
+} // namespace mac::test
