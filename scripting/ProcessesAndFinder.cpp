@@ -102,9 +102,9 @@ bool KRAProcessSerialNumberQuit(NSNumber receiver) {
 bool KRAPathRevealInFinder(NSString receiver) {
     if (KRCPathExists(receiver))
         return NSWorkspace::sharedWorkspace().selectFile_inFileViewerRootedAtPath_(receiver, "");
-    NSString path = receiver;
-    while (path.pathComponents().count() > 1) {
-        path = path.stringByDeletingLastPathComponent();
+    // The root is no folder that anybody would look for the item in.
+    for (NSString path = receiver.stringByDeletingLastPathComponent(); path.pathComponents().count() > 1;
+         path = path.stringByDeletingLastPathComponent()) {
         std::uint32_t flags = 0;
         if (!KRCPathExists(path) || !pxLSFlagsOfPath_(path, &flags)) continue;
         if ((flags & kLSItemInfoIsInvisible) != 0) return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/foundation/NSNumber.h"
 
 namespace mac {
 

@@ -3,6 +3,7 @@
 #include "platform/processes/Processes.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/app/Controller.h"
+#include "tests/finder/Desktop.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OwnProcesses.h"
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/stat.h>
 #include <vector>
 
 namespace framekeeper::test {
@@ -254,10 +256,31 @@ TEST_F(RunningCopies, AreLeftAloneUnlessJustOneIsSelected) {
     EXPECT_EQ(m_beeps, 0);
 }
 
+TEST_F(RunningCopies, AreLookedAtByHandInTheActivityMonitor) {
+    mac::test::Desktop const desktop;
+    std::string const program = desktop.folder.makeFile("bin/monitor", "#!/bin/sh\necho started >>" + desktop.log());
+    ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
+    desktop.folder.makeFile(
+        "data/applications/monitor.desktop",
+        "[Desktop Entry]\nType=Application\nName=Monitor\nCategories=System;Monitor;\nExec=" + program + "\n");
+    m_controller.openActivityMonitorAction_(nil);
+    EXPECT_EQ(desktop.lines(1), std::vector<std::string>{"started"});
+    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(RunningCopies, CannotBeLookedAtWithoutAnActivityMonitor) {
+    mac::test::Desktop const desktop;
+    m_controller.openActivityMonitorAction_(nil);
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not launch Activity Monitor."});
+    EXPECT_EQ(m_beeps, 1);
+}
+
 TEST(RunningCopiesOfNil, AreNone) {
     AppController const controller = nil;
     controller.syncIsRunningPaths();
     controller.quitAction_(nil);
+    controller.openActivityMonitorAction_(nil);
     EXPECT_TRUE(controller.isRunningPaths() == nil);
     EXPECT_FALSE(controller.isRunningWithQuitting_(YES));
 }

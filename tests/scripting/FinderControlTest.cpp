@@ -58,7 +58,8 @@ TEST_F(FinderControl, OpensNoInvisibleFolder) {
 }
 
 TEST_F(FinderControl, NeverOpensTheRootForAMissingItem) {
-    // The root itself is opened when it is asked for, or is the nearest folder.
+    EXPECT_FALSE(KRAPathRevealInFinder("/no/such/dir/file"));
+    EXPECT_FALSE(KRAPathRevealInFinder("/no"));
     EXPECT_FALSE(KRAPathRevealInFinder(""));
     EXPECT_FALSE(KRAPathRevealInFinder("none"));
     EXPECT_FALSE(KRAPathRevealInFinder(nil));
@@ -106,8 +107,9 @@ TEST_F(FinderControl, OpensManyItemsThatExist) {
 
 TEST_F(FinderControl, GoesOnAfterAFailure) {
     NSString const unknown = makeFile("file.unknown-to-all");
-    EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({unknown, path("")})));
-    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("")});
+    makeFile("folder/file");
+    EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({unknown, path("folder")})));
+    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("folder")});
 }
 
 TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
