@@ -88,10 +88,10 @@ void AppController::quitAction_(id const&) const {
 
 void AppController::openActivityMonitorAction_(id const&) const {
     if (*this == nil) return;
-    bool const isLaunched = NSWorkspace::sharedWorkspace()
-                                .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
-                                    "com.apple.ActivityMonitor", NSWorkspaceLaunchDefault,
-                                    NSAppleEventDescriptor::nullDescriptor(), nullptr);
+    bool const isLaunched =
+        NSWorkspace::sharedWorkspace()
+            .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+                "com.apple.ActivityMonitor", NSWorkspaceLaunchDefault, NSAppleEventDescriptor::nullDescriptor(), {});
     if (isLaunched) return;
     NSBeep();
     NSLog("Could not launch Activity Monitor.");

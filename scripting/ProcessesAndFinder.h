@@ -37,8 +37,9 @@ bool KRAPathRevealInFinder(NSString receiver);
 bool pxOpenItemWithFinder(NSString receiver);
 
 // The same for each item: paths and the URLs of files; null objects and everything else are passed over. YES when at
-// least one was shown, or opened; a failure ends nothing.
+// least one was shown; a failure ends nothing.
 bool pxRevealItemsInFinder(NSEnumerator receiver);
+// Those that exist are opened.
 bool pxOpenItemsWithFinder(NSEnumerator receiver);
 
 // Shows the Finder's information windows of the items that exist, by a script. YES when there is one, whatever becomes

@@ -5,20 +5,16 @@
 #include "tests/app/Controller.h"
 #include "tests/finder/Desktop.h"
 #include "tests/support/Companion.h"
-#include "tests/support/Environment.h"
 #include "tests/support/OwnProcesses.h"
 #include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <memory>
 #include <sys/stat.h>
 #include <vector>
 
 namespace framekeeper::test {
 namespace {
 
-using mac::test::ChildProcess;
-using mac::test::EnvironmentVariable;
 using mac::test::RunningCompanion;
 
 // The companion is the only program here of which copies are quit.
@@ -27,12 +23,6 @@ protected:
     void SetUp() override {
         OwnProcesses::SetUp();
         m_controller.setValue_forKey_(m_selection, "pathsArrayController");
-    }
-
-    std::string startBus() {
-        m_bus = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"});
-        return m_bus->readLine();
     }
 
     // Reads all sources anew and selects the records of these paths.
@@ -56,9 +46,6 @@ protected:
         return paths;
     }
 
-    // A session bus that a test may end.
-    std::unique_ptr<ChildProcess> m_bus;
-    EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", startBus()};
     AppController m_controller = makeController();
     NSArrayController m_selection = NSArrayController::alloc().init();
     std::vector<std::string> m_log;
@@ -162,15 +149,14 @@ TEST_F(RunningCopies, ThatEndInTheMeantimeFailToQuit) {
     EXPECT_EQ(m_beeps, 1);
 }
 
-TEST_F(RunningCopies, ThatCannotBeSentAnEventFailToQuit) {
-    RunningCompanion const copy("willing");
-    m_bus.reset();
+TEST_F(RunningCopies, ThatCrashInsteadOfAReplyFailToQuit) {
+    RunningCompanion const first("crashing");
     EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
-    EXPECT_EQ(m_log, std::vector{quittingLine(copy, "failed")});
+    EXPECT_EQ(m_log, std::vector{quittingLine(first, "failed")});
     EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(copy.isRunning());
     m_log.clear();
-    select({copy.bundle()});
+    RunningCompanion const second("crashing");
+    select({second.bundle()});
     m_controller.quitAction_(nil);
     EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
     EXPECT_EQ(m_beeps, 2);

@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 // Stands for the companion: it runs until it is asked to quit, and answers as its bundle says under WhenAskedToQuit:
-// "quit" at once, "linger" a second and a half longer, "refuse", or "none", which handles no event at all.
+// "quit" at once, "linger" a second and a half longer, "refuse", "crash", or "none", which handles no event at all.
 
 namespace {
 
@@ -29,6 +29,7 @@ OSErr quit(AppleEvent const*, AppleEvent*, void* refcon) {
     std::string const& answer = *static_cast<std::string const*>(refcon);
     say("asked to quit");
     if (answer == "refuse") return userCanceledErr;
+    if (answer == "crash") std::raise(SIGKILL);
     s_end = NSDate::dateWithTimeIntervalSinceNow_(answer == "linger" ? 1.5 : 0);
     return noErr;
 }

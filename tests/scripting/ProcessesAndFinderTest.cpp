@@ -14,21 +14,14 @@ namespace {
 
 constexpr ProcessSerialNumber Current{0, kCurrentProcess};
 
-// A session bus of the test's own.
-class ProcessNumbers : public testing::Test {
-protected:
-    ChildProcess m_bus{{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"}};
-    EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.readLine()};
-};
-
-TEST_F(ProcessNumbers, HoldTheBytesOfTheSerialNumber) {
+TEST(ProcessNumbers, HoldTheBytesOfTheSerialNumber) {
     EXPECT_EQ(KRAProcessSerialNumber_(Current).unsignedLongLongValue(), 0x0000000200000000ULL);
     EXPECT_EQ(KRAProcessSerialNumber_({1, 2}).unsignedLongLongValue(), 0x0000000200000001ULL);
     EXPECT_EQ(KRAProcessSerialNumber_({0, 0}).unsignedLongLongValue(), 0U);
     EXPECT_EQ(KRAProcessSerialNumber_({0xFFFFFFFF, 0xFFFFFFFE}).unsignedLongLongValue(), 0xFFFFFFFEFFFFFFFFULL);
 }
 
-TEST_F(ProcessNumbers, AreThoseOfTheProcessList) {
+TEST(ProcessNumbers, AreThoseOfTheProcessList) {
     RunningCompanion const copy("willing");
     ProcessSerialNumber const psn = copy.psn();
     NSDictionary const information =
@@ -36,13 +29,13 @@ TEST_F(ProcessNumbers, AreThoseOfTheProcessList) {
     EXPECT_TRUE(information.objectForKey_("PSN").isEqual_(KRAProcessSerialNumber_(psn)));
 }
 
-TEST_F(ProcessNumbers, NameThisProcess) {
+TEST(ProcessNumbers, NameThisProcess) {
     ProcessSerialNumber self;
     ASSERT_EQ(GetCurrentProcess(&self), noErr);
     EXPECT_TRUE(KRAProcessSerialNumberGetCurrent().isEqual_(KRAProcessSerialNumber_(self)));
 }
 
-TEST_F(ProcessNumbers, NameNoFinderWhereNoneRuns) {
+TEST(ProcessNumbers, NameNoFinderWhereNoneRuns) {
     TemporaryFolder const empty;
     EnvironmentVariable const data("XDG_DATA_HOME", empty.path());
     EnvironmentVariable const dataDirs("XDG_DATA_DIRS", empty.path());
@@ -51,7 +44,7 @@ TEST_F(ProcessNumbers, NameNoFinderWhereNoneRuns) {
     EXPECT_TRUE(KRAProcessSerialNumberGetFinder() == nil);
 }
 
-TEST_F(ProcessNumbers, NameTheFirstFinder) {
+TEST(ProcessNumbers, NameTheFirstFinder) {
     TemporaryFolder const folder;
     std::ifstream const cat("/bin/cat", std::ios::binary);
     std::ostringstream bytes;
@@ -70,7 +63,7 @@ TEST_F(ProcessNumbers, NameTheFirstFinder) {
     EXPECT_TRUE(KRAProcessSerialNumberGetFinder().isEqual_(KRAProcessSerialNumber_(psn)));
 }
 
-TEST_F(ProcessNumbers, TellNothingOfTheFrontWithoutADisplay) {
+TEST(ProcessNumbers, TellNothingOfTheFrontWithoutADisplay) {
     EnvironmentVariable const display("DISPLAY", "");
     EXPECT_TRUE(KRAProcessSerialNumberGetFront() == nil);
     EXPECT_FALSE(KRAProcessSerialNumberSetFront(KRAProcessSerialNumberGetCurrent()));
@@ -78,33 +71,33 @@ TEST_F(ProcessNumbers, TellNothingOfTheFrontWithoutADisplay) {
     EXPECT_FALSE(KRAProcessSerialNumberSetFront(nil));
 }
 
-TEST_F(ProcessNumbers, QuitTheirProcess) {
+TEST(ProcessNumbers, QuitTheirProcess) {
     RunningCompanion copy("willing");
     EXPECT_TRUE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_(copy.psn())));
     EXPECT_FALSE(copy.isRunning());
     EXPECT_EQ(copy.process().wait(), 0);
 }
 
-TEST_F(ProcessNumbers, QuitAProcessThatTakesItsTime) {
+TEST(ProcessNumbers, QuitAProcessThatTakesItsTime) {
     RunningCompanion copy("slow");
     EXPECT_TRUE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_(copy.psn())));
     EXPECT_EQ(copy.process().wait(), 0);
 }
 
-TEST_F(ProcessNumbers, QuitAProcessWithoutAnEventHandlerBySignal) {
+TEST(ProcessNumbers, QuitAProcessWithoutAnEventHandlerBySignal) {
     RunningCompanion copy("deaf");
     EXPECT_TRUE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_(copy.psn())));
     EXPECT_EQ(copy.process().wait(), -SIGTERM);
 }
 
-TEST_F(ProcessNumbers, FailToQuitAProcessThatRefuses) {
+TEST(ProcessNumbers, FailToQuitAProcessThatRefuses) {
     RunningCompanion copy("refusing");
     EXPECT_FALSE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_(copy.psn())));
     EXPECT_TRUE(copy.isRunning());
     EXPECT_EQ(copy.process().readLine(), "asked to quit");
 }
 
-TEST_F(ProcessNumbers, FailToQuitAProcessThatHasGone) {
+TEST(ProcessNumbers, FailToQuitAProcessThatHasGone) {
     RunningCompanion copy("willing");
     NSNumber const number = KRAProcessSerialNumber_(copy.psn());
     copy.process().sendSignal(SIGKILL);
@@ -112,13 +105,13 @@ TEST_F(ProcessNumbers, FailToQuitAProcessThatHasGone) {
     EXPECT_FALSE(KRAProcessSerialNumberQuit(number));
 }
 
-TEST_F(ProcessNumbers, FailToQuitWhatIsNone) {
+TEST(ProcessNumbers, FailToQuitWhatIsNone) {
     EXPECT_FALSE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_({0, kNoProcess})));
     EXPECT_FALSE(KRAProcessSerialNumberQuit(NSNumber::numberWithDouble_(1.5)));
     EXPECT_FALSE(KRAProcessSerialNumberQuit(nil));
 }
 
-TEST_F(ProcessNumbers, AnswerMessagesByName) {
+TEST(ProcessNumbers, AnswerMessagesByName) {
     RunningCompanion copy("willing");
     id const number = KRAProcessSerialNumber_(copy.psn());
     EXPECT_FALSE(as<NSNumber>(number.performSelector_("KRAProcessSerialNumberSetFront")).boolValue());

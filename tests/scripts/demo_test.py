@@ -3,6 +3,7 @@
 
 import os
 import plistlib
+import signal
 import subprocess
 import tempfile
 import unittest
@@ -64,6 +65,24 @@ class SampleHome(unittest.TestCase):
         with open(f"{self.home}/Projects/Mirror Frame.app/Contents/Info.plist", "rb") as f:
             self.assertNotEqual(plistlib.load(f)["CFBundleIdentifier"], IDENTIFIER)
         self.assertIn(b"Mirror Frame r\xe9pondeur.app", os.listdir(os.fsencode(self.home) + b"/Downloads"))
+
+    def start(self, place):
+        program = f"{self.home}/{place}/Mirror Frame.app/Contents/Linux/Mirror Frame"
+        copy = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        self.assertIn(b"Mirror Frame", copy.stdout.readline())
+        return copy
+
+    def test_has_programs_that_run_until_they_are_asked_to_quit(self):
+        copy = self.start("Applications")
+        copy.terminate()
+        self.assertEqual(copy.wait(), -signal.SIGTERM)
+        copy.communicate()
+
+    def test_has_a_program_that_refuses_to_quit_and_ends_with_its_input(self):
+        copy = self.start("Downloads/Old Versions/1.9")
+        copy.terminate()
+        copy.communicate()
+        self.assertGreaterEqual(copy.returncode, 0)
 
     def test_says_where_the_trashed_copy_came_from(self):
         info = Path(self.home, ".local/share/Trash/info/Mirror Frame.app.trashinfo").read_text()
