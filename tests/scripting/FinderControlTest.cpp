@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 class FinderControl : public testing::Test {
 protected:
     void SetUp() override {
-        m_desktop.install(m_desktop.fake("open") + " %U");
+        m_desktop.install(m_desktop.fake("serve"));
         m_desktop.installService(m_desktop.fake("serve"));
     }
 
@@ -119,8 +119,21 @@ TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
     EXPECT_TRUE(m_desktop.lines().empty());
 }
 
+TEST_F(FinderControl, ShowsInformationOfNamesThatNeedEscaping) {
+    NSString const quoted = makeFile("shown/a \"quoted\" \\ name");
+    EXPECT_TRUE(pxShowFinderInfo(enumerator({quoted, NSNull::null(), path("none"), path("shown")})));
+    Lines windows;
+    for (std::string const& line : m_desktop.lines()) {
+        if (line.starts_with("ShowItemProperties")) windows.push_back(line);
+    }
+    EXPECT_EQ(windows, (Lines{"ShowItemProperties " + uri("shown/a%20%22quoted%22%20%5C%20name"),
+                              "ShowItemProperties " + uri("shown")}));
+}
+
 TEST_F(FinderControl, AnswersYesForInformationWhateverBecomesOfTheScript) {
-    EXPECT_TRUE(pxShowFinderInfo(enumerator({makeFile("shown/a \"quoted\" \\ name"), NSNull::null()})));
+    NSString const file = makeFile("shown/file");
+    EnvironmentVariable const none("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_desktop.folder.path("none"));
+    EXPECT_TRUE(pxShowFinderInfo(enumerator({file})));
 }
 
 TEST_F(FinderControl, FailsWithoutAFileBrowser) {
