@@ -8,6 +8,7 @@
 #include "platform/launchservices/ItemInformation.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "scripting/FileReferences.h"
+#include <algorithm>
 
 namespace mac {
 
@@ -52,11 +53,10 @@ bool pxLSFlags_displayName_(NSURL receiver, std::uint32_t* flags, NSString* disp
 bool pxIsImageFile(NSURL receiver) {
     NSString const contentType = contentTypeOf(receiver);
     if (contentType == nil) return false;
-    for (id const& object : CGImageSourceCopyTypeIdentifiers()) {
-        NSString const type = as<NSString>(object);
-        if (UTTypeConformsTo(type, "public.image") && UTTypeConformsTo(contentType, type)) return true;
-    }
-    return false;
+    return std::ranges::any_of(CGImageSourceCopyTypeIdentifiers(), [&](id const& object) {
+        NSString const readable = as<NSString>(object);
+        return UTTypeConformsTo(readable, "public.image") && UTTypeConformsTo(contentType, readable);
+    });
 }
 
 bool pxIsAudioFile(NSURL receiver) { return UTTypeConformsTo(contentTypeOf(receiver), "public.audio"); }
