@@ -16,8 +16,12 @@ std::string complaintAboutText(NSString const& text) {
     if (NSString::stringWithFormat_("%lld", integer).longLongValue() != integer) return "an integer changes on its way";
     double const real = text.doubleValue();
     if (std::isnan(real)) return "a text is no number";
-    NSString const shortest = NSNumber::numberWithDouble_(real).stringValue();
-    if (std::isfinite(real) && shortest.doubleValue() != real) return "a real changes on its way";
+    // A number's own text has 16 digits, one less than it would take to tell all reals apart.
+    NSString const exact = NSString::stringWithFormat_("%.17g", real);
+    NSString const written = NSNumber::numberWithDouble_(real).stringValue();
+    if (std::isfinite(real) && exact.doubleValue() != real) return "a real changes on its way";
+    if (std::abs(real) < 1e307 && std::abs(written.doubleValue() - real) > std::abs(real) * 1e-15)
+        return "a number's text is another number";
     if (std::isfinite(text.floatValue()) && text.floatValue() != static_cast<float>(real)) return "a float is another";
     // What does not begin as an integer has no real either, but for a point.
     if (integer != 0 && std::abs(real) < 1 && text.UTF8String().find_first_of("eE") == std::string::npos)
