@@ -9,9 +9,11 @@
 namespace mac {
 
 // Further messages of collections, and of any object for key-value coding and observing. All work on the caller's
-// thread and nothing may change the receiver meanwhile. A nil receiver answers nil and does nothing. Errors are the
-// framework's exceptions, unchanged: NSRangeException for an index outside, NSUndefinedKeyException for an unknown key,
-// NSInvalidArgumentException for a message that a member does not understand.
+// thread and nothing may change the receiver meanwhile. A nil receiver answers nil and does nothing. A nil array, index
+// set or collection for an argument is one without members, a nil source has no values, a nil object is not observed. A
+// nil key or key path goes on to the object, which raises. Errors are the framework's exceptions, unchanged:
+// NSRangeException for an index outside, NSUndefinedKeyException for an unknown key, NSInvalidArgumentException for a
+// message that a member does not understand, and for nil under a key that holds a number.
 
 // The members' unsigned-integer values; of a string, the number it begins with, else 0. A value of NSNotFound or more,
 // such as that of -1, raises NSRangeException.
@@ -25,17 +27,18 @@ NSArray pxArrayWithIndexes(NSIndexSet receiver);
 
 // Each element's stringValue, in order.
 NSArray pxStringValues(NSArray receiver);
-// A new array of the elements of the element arrays, in order, duplicates kept.
+// A new array of the elements of the element arrays, in order, duplicates kept. An element that is no array raises
+// NSInvalidArgumentException.
 NSMutableArray pxFlattenedMutableArrayOfArrays(NSArray receiver);
 // A new set of the members of the element sets.
 NSMutableSet pxFlattenedMutableSetOfSets(NSArray receiver);
-// The argument takes the receiver's members; the receiver stays as it is, whatever the name says.
+// The argument, which may be nil, takes the receiver's members; the receiver stays as it is, whatever the name says.
 void pxUnionWithSet_(NSSet receiver, NSMutableSet set);
 // A new dictionary an element, with the element's values for the keys; a key without a value is absent.
 NSMutableArray pxMutableArrayWithTrimmedObjectsForKeys_(NSArray receiver, NSArray keys);
-// A new dictionary with the source's values for the keys; a key without a value is absent.
+// A new dictionary with the source's values for the keys; a key without a value is absent. Empty for a nil source.
 NSMutableDictionary pxDictionaryWithDictionary_forKeys_(NSDictionary source, NSArray keys);
-// The name where no element equals it; else the first of "NAME 1", "NAME 2", ... that none equals.
+// Nil for a nil name. The name where no element equals it; else the first of "NAME 1", "NAME 2", ... that none equals.
 NSString pxUniqueCopyNameForName_(NSArray receiver, NSString name);
 // None: enumerating the null object gives nothing.
 NSEnumerator objectEnumerator(NSNull receiver);

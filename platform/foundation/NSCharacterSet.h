@@ -9,7 +9,8 @@ class NSData;
 using UTF32Char = char32_t;
 
 // A set of characters: of UTF-16 code units, and of characters that take two. Immutable; any thread. The named sets are
-// Unicode's categories.
+// Unicode's categories. Where nothing else is said, nil for an argument raises NSInvalidArgumentException; a nil
+// receiver has no members and answers nil.
 class NSCharacterSet : public Handle<NSCharacterSet, NSObject> {
 public:
     class Body;
@@ -17,7 +18,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Two halves that make a character count as that character alone. Nil raises NSInvalidArgumentException.
+    // Two halves that make a character count as that character alone.
     static NSCharacterSet characterSetWithCharactersInString_(NSString const& characters);
     // Raises NSInvalidArgumentException where the range leaves the characters.
     static NSCharacterSet characterSetWithRange_(NSRange range);
@@ -45,12 +46,14 @@ public:
     bool characterIsMember_(unichar character) const;
     bool longCharacterIsMember_(UTF32Char character) const;
     bool hasMemberInPlane_(std::uint8_t plane) const;
+    // Every set is one of a nil set.
     bool isSupersetOfSet_(NSCharacterSet const& other) const;
     NSCharacterSet invertedSet() const;
     NSData bitmapRepresentation() const;
 };
 
-// A set that can be changed in place. One thread at a time. Nil raises NSInvalidArgumentException.
+// A set that can be changed in place. One thread at a time. A range that leaves the characters raises
+// NSInvalidArgumentException, as nil does.
 class NSMutableCharacterSet : public Handle<NSMutableCharacterSet, NSCharacterSet> {
 public:
     using Handle::Handle;

@@ -6,7 +6,8 @@ namespace mac {
 
 // Reads one thing after the other from a text. What does not match is left where it is, and the answer is NO; pointers
 // for what was read may be null. Characters to be skipped, white space and newlines at first, are skipped before each
-// thing. One thread at a time.
+// thing. A nil string or set to scan for raises NSInvalidArgumentException; a nil scanner answers NO, 0 and nil, and is
+// at its end. One thread at a time.
 class NSScanner : public Handle<NSScanner, NSObject> {
 public:
     class Body;
@@ -14,7 +15,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil raises NSInvalidArgumentException.
+    // Of a copy of the string.
     static NSScanner scannerWithString_(NSString const& string);
 
     NSString string() const;

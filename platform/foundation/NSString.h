@@ -44,6 +44,9 @@ enum NSStringEncoding : NSUInteger {
 
 // Text as UTF-16 code units; also a path. A byte of a file name that is not UTF-8 is held as the lone surrogate
 // U+DC00 + byte, so that every name on the disk can be told and found again. Immutable; any thread.
+//
+// Where nothing else is said, a nil argument raises NSInvalidArgumentException, an index or range past the end
+// NSRangeException, and a nil receiver answers nil, 0, NO or an empty value before either.
 class NSString : public Handle<NSString, NSObject> {
 public:
     class Body;
@@ -62,12 +65,14 @@ public:
     // Any bytes: those that are not UTF-8 become lone surrogates, see above.
     static NSString stringWithFileSystemRepresentation_(std::string_view bytes);
     static NSString stringWithCodeUnits(std::u16string_view units);
+    // A copy. Null raises NSInvalidArgumentException unless the length is 0.
     static NSString stringWithCharacters_length_(unichar const* characters, NSUInteger length);
     static NSString stringWithString_(NSString const& other);
-    // Reads the characters where they lie, which therefore have to stay as long as the string.
+    // Reads the characters where they lie, which therefore have to stay as long as the string. Null as above.
     static NSString stringWithCharactersNoCopy_length_(unichar const* characters, NSUInteger length);
-    // Bytes that the encoding cannot hold answer nil; so does an encoding that is not in NSStringEncoding.
+    // Bytes that the encoding cannot hold answer nil; so do nil data and an encoding that is not in NSStringEncoding.
     static NSString stringWithData_encoding_(NSData const& data, NSStringEncoding encoding);
+    // Format.h says what a format may hold. A missing argument prints "(null)".
     template <class... Arguments>
     static NSString stringWithFormat_(NSString const& format, Arguments const&... arguments) {
         if constexpr (sizeof...(arguments) == 0) {
@@ -79,7 +84,6 @@ public:
     }
 
     NSUInteger length() const;
-    // Raises NSRangeException past the end.
     unichar characterAtIndex_(NSUInteger index) const;
     // The text itself, for implementations; valid while an unchanged string lives.
     std::u16string_view codeUnits() const;
@@ -94,42 +98,40 @@ public:
     // With loss, what cannot be held goes without its marks, else as what looks like it, else as a question mark.
     NSData dataUsingEncoding_allowLossyConversion_(NSStringEncoding encoding, BOOL isLossy) const;
     bool canBeConvertedToEncoding_(NSStringEncoding encoding) const;
-    // Raise NSRangeException past the end. The buffer has room for all.
+    // The buffer has room for all.
     void getCharacters_(unichar* buffer) const;
     void getCharacters_range_(unichar* buffer, NSRange range) const;
 
-    // The same code units; no normalisation, no folding.
+    // The same code units; no normalisation, no folding. NO for nil.
     bool isEqualToString_(NSString const& other) const;
     // Canonically equivalent text is equal; nil other counts as the empty string.
     NSComparisonResult compare_(NSString const& other) const;
     NSComparisonResult compare_options_(NSString const& other, NSUInteger options) const;
-    // The range is the receiver's; raises NSRangeException unless it lies within the text.
+    // The range is the receiver's.
     NSComparisonResult compare_options_range_(NSString const& other, NSUInteger options, NSRange range) const;
-    // Full folding: ß equals ss. The locale plays no part.
+    // Full folding: ß equals ss. The locale plays no part. Nil counts as empty here and below.
     NSComparisonResult caseInsensitiveCompare_(NSString const& other) const;
     // In the order of the user's language.
     NSComparisonResult localizedCompare_(NSString const& other) const;
     NSComparisonResult localizedCaseInsensitiveCompare_(NSString const& other) const;
     // The beginning of this text that is equal to a beginning of the other; NSCaseInsensitiveSearch and NSLiteralSearch
-    // count. A nil other raises NSInvalidArgumentException.
+    // count.
     NSString commonPrefixWithString_options_(NSString const& other, NSUInteger options) const;
     // As the first and last text found by rangeOfString_; so nothing begins or ends with the empty string.
     bool hasPrefix_(NSString const& prefix) const;
     bool hasSuffix_(NSString const& suffix) const;
     // {NSNotFound, 0} when there is none; nothing ever contains the empty string. Canonically equivalent text is found,
-    // and only whole characters with all their marks, unless the options have NSLiteralSearch: that one is linear. A
-    // nil argument raises NSInvalidArgumentException; a nil receiver answers {0, 0}.
+    // and only whole characters with all their marks, unless the options have NSLiteralSearch. The time grows with what
+    // is looked through.
     NSRange rangeOfString_(NSString const& other) const;
     NSRange rangeOfString_options_(NSString const& other, NSUInteger options) const;
-    // Raises NSRangeException unless the range lies within the text.
     NSRange rangeOfString_options_range_(NSString const& other, NSUInteger options, NSRange range) const;
     // The first, or with NSBackwardsSearch the last, character of the set: two code units where it takes two.
     NSRange rangeOfCharacterFromSet_(NSCharacterSet const& set) const;
     NSRange rangeOfCharacterFromSet_options_(NSCharacterSet const& set, NSUInteger options) const;
     NSRange rangeOfCharacterFromSet_options_range_(NSCharacterSet const& set, NSUInteger options, NSRange range) const;
 
-    // The character at the index with its marks, and whatever else people see as one. Raises NSRangeException past the
-    // end.
+    // The character at the index with its marks, and whatever else people see as one.
     NSRange rangeOfComposedCharacterSequenceAtIndex_(NSUInteger index) const;
     NSRange rangeOfComposedCharacterSequencesForRange_(NSRange range) const;
     // The lines that the range touches, with their ends: LF, CR, CR LF, U+0085, U+2028, U+2029. The pointers may be
@@ -138,7 +140,6 @@ public:
     void getLineStart_end_contentsEnd_forRange_(NSUInteger* start, NSUInteger* end, NSUInteger* contentsEnd,
                                                 NSRange range) const;
 
-    // Raise NSRangeException past the end.
     NSString substringFromIndex_(NSUInteger index) const;
     NSString substringToIndex_(NSUInteger index) const;
     NSString substringWithRange_(NSRange range) const;
@@ -157,7 +158,7 @@ public:
     // where it is needed.
     NSString stringByPaddingToLength_withString_startingAtIndex_(NSUInteger length, NSString const& padding,
                                                                  NSUInteger index) const;
-    // As the places found by rangeOfString_, without overlaps. Nil raises NSInvalidArgumentException.
+    // As the places found by rangeOfString_, without overlaps.
     NSString stringByReplacingOccurrencesOfString_withString_(NSString const& target,
                                                               NSString const& replacement) const;
     NSString stringByReplacingOccurrencesOfString_withString_options_range_(NSString const& target,
@@ -202,7 +203,7 @@ public:
     NSString pathExtension() const;
     // Nil counts as the empty string.
     NSString stringByAppendingPathComponent_(NSString const& component) const;
-    // Nil for an empty path, for "/" and for an extension that begins with a slash.
+    // Nil for an empty path, for "/" and for an extension that begins with a slash. A nil extension counts as empty.
     NSString stringByAppendingPathExtension_(NSString const& extension) const;
     NSString stringByDeletingLastPathComponent() const;
     NSString stringByDeletingPathExtension() const;
@@ -216,7 +217,8 @@ public:
     NSString stringByResolvingSymlinksInPath() const;
 };
 
-// Text that can be changed in place. One thread at a time.
+// Text that can be changed in place. One thread at a time. Nil arguments and places past the end raise as above, and
+// then nothing has changed.
 class NSMutableString : public Handle<NSMutableString, NSString> {
 public:
     using Handle::Handle;
@@ -232,7 +234,6 @@ public:
         appendString_(NSString::stringWithFormat_(format, arguments...));
     }
     void setString_(NSString const& other) const;
-    // Raise NSRangeException past the end, NSInvalidArgumentException for nil.
     void insertString_atIndex_(NSString const& other, NSUInteger index) const;
     void deleteCharactersInRange_(NSRange range) const;
     void replaceCharactersInRange_withString_(NSRange range, NSString const& other) const;
