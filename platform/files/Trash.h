@@ -108,7 +108,8 @@ TrashResult<std::string> eraseFromTrash(TrashedItem const& item);
 struct EmptiedTrash {
     // Of items, as trashedItems counts.
     std::size_t removed{0};
-    // Those that could not be removed, or not wholly, and why the first could not.
+    // Those that could not be removed, or not wholly, and why the first could not. A trash that cannot be listed counts
+    // as one of them.
     std::size_t left{0};
     TrashFailure firstFailure{};
 };

@@ -23,10 +23,11 @@ constexpr char CannotPutBack[] = "The item cannot be put back";
 constexpr char CannotErase[] = "The item cannot be deleted from the trash";
 constexpr std::string_view CompanionMark = "._";
 
-// Those that can be listed.
-std::set<std::string> namesIn(FileDescriptor const& folder) {
+// Nothing, and errno, where they cannot be listed.
+std::optional<std::set<std::string>> namesIn(FileDescriptor const& folder) {
     std::optional<std::vector<std::string>> const names = namesInFolder(folder);
-    return names ? std::set<std::string>(names->begin(), names->end()) : std::set<std::string>();
+    if (!names) return std::nullopt;
+    return std::set<std::string>(names->begin(), names->end());
 }
 
 std::string informationName(std::string const& name) { return name + std::string(TrashInformation::nameEnd); }
@@ -56,23 +57,39 @@ std::optional<TrashedItem> itemIn(TrashFolder const& trash, std::string const& n
     return item;
 }
 
+std::string nameOf(std::string const& path) { return path.substr(path.rfind('/') + 1); }
+
+// The AppleDouble file that came with the item. One from elsewhere that happens to have its name here is an item of its
+// own, which must not go where this one goes.
+Companion companionInTrash(TrashFolder const& trash, std::string const& name) {
+    Companion companion = companionOf(trash.files, name);
+    if (!companion.file.isOpen()) return {};
+    std::optional<TrashInformation> const owner = informationOf(trash, name);
+    std::optional<TrashInformation> const information = informationOf(trash, companion.name);
+    if (!owner || !information) return {};
+    std::string expected = owner->path;
+    expected.insert(expected.size() - nameOf(expected).size(), CompanionMark);
+    if (information->path != expected) return {};
+    return companion;
+}
+
 bool isCompanion(TrashFolder const& trash, std::set<std::string> const& names, std::string const& name) {
     if (!name.starts_with(CompanionMark)) return false;
     std::string const owner = name.substr(CompanionMark.size());
-    return names.contains(owner) && companionOf(trash.files, owner).file.isOpen();
+    return names.contains(owner) && companionInTrash(trash, owner).file.isOpen();
 }
 
-std::vector<TrashedItem> itemsIn(TrashFolder const& trash) {
+// Nothing, and errno, where they cannot be listed.
+std::optional<std::vector<TrashedItem>> itemsIn(TrashFolder const& trash) {
+    std::optional<std::set<std::string>> const names = namesIn(trash.files);
+    if (!names) return std::nullopt;
     std::vector<TrashedItem> items;
-    std::set<std::string> const names = namesIn(trash.files);
-    for (std::string const& name : names) {
+    for (std::string const& name : *names) {
         std::optional<TrashedItem> item = itemIn(trash, name);
-        if (item && !isCompanion(trash, names, name)) items.push_back(std::move(*item));
+        if (item && !isCompanion(trash, *names, name)) items.push_back(std::move(*item));
     }
     return items;
 }
-
-std::string nameOf(std::string const& path) { return path.substr(path.rfind('/') + 1); }
 
 void removeInformation(TrashFolder const& trash, std::string const& name) {
     ::unlinkat(trash.information.number(), informationName(name).c_str(), 0);
@@ -103,7 +120,7 @@ TrashResult<Found> find(TrashedItem const& item, char const* what) {
 // The AppleDouble file goes where its item went, unless something of its name is there.
 void putCompanionBack(TrashFolder const& trash, std::string const& name, FileDescriptor const& folder,
                       std::string const& originalName) {
-    Companion const companion = companionOf(trash.files, name);
+    Companion const companion = companionInTrash(trash, name);
     if (!companion.file.isOpen()) return;
     std::string const back = std::string(CompanionMark) + originalName;
     if (moveItem(companion.file, trash.files, companion.name, folder, back) != Moved::Yes) return;
@@ -124,18 +141,17 @@ bool eraseWhole(TrashFolder const& trash, std::string const& name, ItemIdentity 
 
 // Errno says why not.
 bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity) {
-    Companion const companion = companionOf(trash.files, name);
+    Companion const companion = companionInTrash(trash, name);
     if (!eraseWhole(trash, name, identity)) return false;
     std::optional<ItemPlace> const place = companion.file.isOpen() ? placeOf(companion.file) : std::nullopt;
-    if (place) eraseWhole(trash, companion.name, place->identity);
-    return true;
+    return !place || eraseWhole(trash, companion.name, place->identity);
 }
 
 // What tells of an item that never came, or went by other ways. A young one can be of an item that is on its way.
 void removeOrphans(TrashFolder const& trash) {
     constexpr std::int64_t oldEnough = 3'600;
     std::int64_t const now = ::time(nullptr);
-    for (std::string const& file : namesIn(trash.information)) {
+    for (std::string const& file : namesIn(trash.information).value_or(std::set<std::string>())) {
         if (!file.ends_with(TrashInformation::nameEnd)) continue;
         std::string const name = file.substr(0, file.size() - TrashInformation::nameEnd.size());
         struct stat status {};
@@ -151,7 +167,7 @@ void removeOrphans(TrashFolder const& trash) {
 std::vector<TrashedItem> trashedItems() {
     std::vector<TrashedItem> items;
     for (TrashFolder const& trash : trashesOfUser()) {
-        for (TrashedItem& item : itemsIn(trash))
+        for (TrashedItem& item : itemsIn(trash).value_or(std::vector<TrashedItem>()))
             items.push_back(std::move(item));
     }
     std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);
@@ -196,13 +212,17 @@ TrashResult<std::string> eraseFromTrash(TrashedItem const& item) {
 EmptiedTrash emptyTrash() {
     EmptiedTrash emptied;
     for (TrashFolder const& trash : trashesOfUser()) {
-        for (TrashedItem const& item : itemsIn(trash)) {
-            if (eraseWithCompanion(trash, nameOf(item.path), item.identity)) {
-                ++emptied.removed;
-                continue;
-            }
+        auto const failed = [&emptied] {
             if (emptied.left == 0) emptied.firstFailure = trashFailure(errno, CannotErase);
             ++emptied.left;
+        };
+        std::optional<std::vector<TrashedItem>> const items = itemsIn(trash);
+        if (!items) failed();
+        for (TrashedItem const& item : items.value_or(std::vector<TrashedItem>())) {
+            if (eraseWithCompanion(trash, nameOf(item.path), item.identity))
+                ++emptied.removed;
+            else
+                failed();
         }
         removeOrphans(trash);
         removeOldDirectorySizes(trash);

@@ -1,8 +1,10 @@
 #include "platform/files/ItemIdentity.h"
 #include "tests/files/TrashHome.h"
+#include "tests/support/Refusals.h"
 #include <array>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 
 namespace mac::test {
 namespace {
@@ -138,6 +140,30 @@ TEST_F(TrashContents, AreEmptiedWithoutFollowingLinks) {
     EXPECT_TRUE(isThere(kept));
     EXPECT_TRUE(namesIn(m_home.files()).empty());
     EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashContents, AreNotTakenForAnotherItemsAppleDoubleFile) {
+    std::string const appleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
+    TrashedItem const stray = trash("a/._song", appleDouble);
+    TrashedItem const song = trash("b/song", "la");
+    EXPECT_EQ(trashedItems().size(), 2U);
+    ASSERT_TRUE(putBack(song).hasValue());
+    EXPECT_EQ(namesIn(m_home.path("b")), Names{"song"});
+    ASSERT_TRUE(isThere(stray.path));
+    TrashedItem const again = moveToTrash(m_home.path("b/song")).takeValue();
+    ASSERT_TRUE(eraseFromTrash(again).hasValue());
+    ASSERT_TRUE(putBack(stray).hasValue());
+    EXPECT_EQ(textOf(m_home.path("a/._song")), appleDouble);
+}
+
+TEST_F(TrashContents, AreNotSaidToBeGoneWhereTheyCannotBeListed) {
+    TrashedItem const item = trash("a/file");
+    EmptiedTrash emptied;
+    withRefusedCall(SYS_getdents64, EIO, [&] { emptied = emptyTrash(); });
+    EXPECT_EQ(emptied.removed, 0U);
+    EXPECT_EQ(emptied.left, 1U);
+    EXPECT_EQ(emptied.firstFailure.problem, TrashProblem::Other);
+    EXPECT_TRUE(isThere(item.path));
 }
 
 TEST_F(TrashContents, AreEmptiedWithInformationAboutNothing) {
