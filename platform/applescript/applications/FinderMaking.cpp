@@ -33,7 +33,9 @@ std::u16string firstName(Code type, std::string const& target) {
 }
 
 Code classToMake(ApplicationCommand const& command) {
-    Value const* const type = command.find(codeOf("kocl"));
+    Value const* const named = command.find(codeOf("kocl"));
+    // make folder
+    Value const* const type = named || command.direct.isNothing() ? named : &command.direct;
     if (!type) throw missingParameter(u"new", command.term.name);
     if (!type->is(ValueKind::Type)) throw plainError(errors::CannotCoerce);
     switch (type->asCode()) {

@@ -83,6 +83,12 @@ Meant SpecifierResolution::propertyOf(Meant const& container, Value const& part)
 
 Meant SpecifierResolution::elementOf(Meant const& container, Value const& part) {
     SpecifierObject const& specifier = part.specifier();
+    bool const isOfList = !container.object && container.value.is(ValueKind::List) && specifier.form != Form::Name &&
+                          specifier.form != Form::Identifier;
+    if (isOfList) {
+        std::vector<ModelPointer> const elements = elementsIn(container.value, specifier.want);
+        if (!elements.empty()) return chosen(elements, part, part);
+    }
     if (!container.object) {
         std::optional<Value> const found = applescript::elementOf(
             container.value,

@@ -145,6 +145,8 @@ protected:
             return remove(evaluator, command);
         case eventOf("coremove"):
             return move(evaluator, command);
+        case eventOf("corecrel"):
+            return make(command);
         case eventOf("miscactv"):
         case eventOf("ascrnoop"):
         case eventOf("aevtoapp"):
@@ -164,6 +166,14 @@ protected:
     }
 
 private:
+    // Linux: login items are not looked up here, and other things are the Finder's to make.
+    static Value make(ApplicationCommand const& command) {
+        Value const* const named = command.find(codeOf("kocl"));
+        Value const type = named ? *named : command.direct;
+        if (!type.is(ValueKind::Type)) throw missingParameter(u"new", command.term.name);
+        throw ScriptError{.number = -2710, .message = u"Can’t make class " + nameOfCode(type.asCode()) + u"."};
+    }
+
     // Linux: to the trash, from where it can be put back.
     Value remove(Evaluator& evaluator, ApplicationCommand const& command) {
         for (ModelPointer const& object : objects(directOf(command), evaluator.context())) {

@@ -47,7 +47,7 @@ constexpr auto Optional = DirectParameter::Optional;
 constexpr auto Required = DirectParameter::Required;
 
 constexpr auto Commands = std::to_array<CommandTerm>({
-    {.name = u"make", .code = eventOf("corecrel"), .parameters = Make},
+    {.name = u"make", .code = eventOf("corecrel"), .direct = Optional, .parameters = Make},
     {.name = u"delete", .code = eventOf("coredelo"), .direct = Optional},
     {.name = u"move", .code = eventOf("coremove"), .direct = Optional, .parameters = Place},
     {.name = u"duplicate", .code = eventOf("coreclon"), .direct = Optional, .parameters = Place},
