@@ -136,6 +136,7 @@ private:
     Value containerReference(Node const* node);
     Value testOf(Node const& node);
     Value operandOfTest(Node const& node);
+    Value examinedOperand(Node const& node);
     Value rangeEnd(Node const& node);
     Value constructedText(Node const& node);
     void assign(Node const& target, Value const& value);

@@ -228,6 +228,16 @@ Value Evaluator::operandOfTest(Node const& node) {
     return elementSpecifier(formOf(operand, from), operand.code, container, from);
 }
 
+// `class is folder`: where something is examined, a name of a class is that of a property.
+Value Evaluator::examinedOperand(Node const& node) {
+    Node const& operand = unparenthesized(node);
+    bool const isClass =
+        operand.kind == NodeKind::Literal && operand.value.is(ValueKind::Type) && !operand.value.isMissing();
+    if (!isClass) return operandOfTest(node);
+    Code const code = operand.value.asCode();
+    return propertySpecifier(termSymbol(code, nameOfCode(code)), Value());
+}
+
 Value Evaluator::testOf(Node const& node) {
     Node const& condition = unparenthesized(node);
     Value const made = makeObject<TestObject>(ValueKind::Test);
@@ -245,7 +255,7 @@ Value Evaluator::testOf(Node const& node) {
         return made;
     }
     bool const isLogical = condition.operation == Operation::And || condition.operation == Operation::Or;
-    test.left = isLogical ? testOf(*condition.a) : operandOfTest(*condition.a);
+    test.left = isLogical ? testOf(*condition.a) : examinedOperand(*condition.a);
     test.right = isLogical ? testOf(*condition.b) : operandOfTest(*condition.b);
     return made;
 }

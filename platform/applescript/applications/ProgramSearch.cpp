@@ -97,8 +97,8 @@ void quitPrograms(std::span<char const* const> names) {
 template <class Matches>
 std::optional<NamedProcess> firstProcess(Matches const& matches) {
     std::vector<RunningProcess> processes = runningProcesses();
-    std::ranges::stable_partition(processes,
-                                  [](RunningProcess const& process) { return process.identity.pid == ::getpid(); });
+    std::stable_partition(processes.begin(), processes.end(),
+                          [](RunningProcess const& process) { return process.identity.pid == ::getpid(); });
     for (RunningProcess const& process : processes) {
         NamedProcess found = named(process);
         if (matches(found, process)) return found;

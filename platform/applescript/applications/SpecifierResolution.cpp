@@ -227,6 +227,17 @@ Value SpecifierResolution::operand(Value const& written, ModelPointer const& exa
     return valueOf(follow(written));
 }
 
+// What is compared with: `home` is no property of an item, but of the application.
+Value SpecifierResolution::comparand(Value const& written, ModelPointer const& examined) {
+    try {
+        return operand(written, examined);
+    } catch (ScriptError const& error) {
+        bool const isElsewhere = error.number == errors::CannotGet && rootOf(written).isNothing();
+        if (!isElsewhere) throw;
+        return operand(written, m_root);
+    }
+}
+
 bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined) {
     requireStackRoom();
     TestObject const& condition = test.test();
@@ -244,7 +255,7 @@ bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined)
     Value right;
     try {
         left = operand(condition.left, examined);
-        right = operand(condition.right, examined);
+        right = comparand(condition.right, examined);
     } catch (ScriptError const& error) {
         // An object without the property is not one of those looked for.
         if (error.number == errors::CannotGet || error.number == errors::InvalidIndex) return false;

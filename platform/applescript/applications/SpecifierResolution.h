@@ -30,6 +30,7 @@ private:
     std::vector<ModelPointer> elementsIn(Value const& list, Code elementType);
     bool holds(Value const& test, ModelPointer const& examined);
     Value operand(Value const& written, ModelPointer const& examined);
+    Value comparand(Value const& written, ModelPointer const& examined);
 
     ModelPointer m_root;
     std::function<ModelPointer(FileObject const&)> m_fileObject;
