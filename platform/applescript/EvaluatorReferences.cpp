@@ -21,7 +21,10 @@ Node const& unparenthesized(Node const& node) {
 bool isOfExamined(Node const& operand) {
     if (operand.kind == NodeKind::It) return true;
     if (operand.kind != NodeKind::Property && operand.kind != NodeKind::Element) return false;
-    return !operand.a || isOfExamined(unparenthesized(*operand.a));
+    if (!operand.a) return true;
+    Node const& container = unparenthesized(*operand.a);
+    bool const isClass = container.kind == NodeKind::Literal && container.value.is(ValueKind::Type);
+    return isClass || isOfExamined(container);
 }
 
 // Text where a place is asked for is a name.
@@ -222,7 +225,7 @@ Value Evaluator::operandOfTest(Node const& node) {
     if (operand.kind == NodeKind::It) return propertySpecifier(termSymbol(codeOf("it  "), u"it"), Value());
     if (!isOfExamined(operand)) return valueOf(operand);
     Value container;
-    if (operand.a && unparenthesized(*operand.a).kind != NodeKind::It) container = operandOfTest(*operand.a);
+    if (operand.a && unparenthesized(*operand.a).kind != NodeKind::It) container = examinedOperand(*operand.a);
     if (operand.kind == NodeKind::Property) return propertySpecifier(operand.name, container);
     Value const from = operand.b ? resolved(valueOf(*operand.b), context()) : Value();
     return elementSpecifier(formOf(operand, from), operand.code, container, from);
