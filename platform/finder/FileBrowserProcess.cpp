@@ -149,7 +149,8 @@ FinderOutcome startBrowser(FileBrowser const& browser) {
 std::vector<ProcessIdentity> fileBrowserProcesses() {
     std::vector<ProcessIdentity> processes;
     std::optional<FileBrowser> const browser = defaultFileBrowser();
-    if (!browser) return processes;
+    // Of a script nothing but the interpreter is known, and others run in it too.
+    if (!browser || isInterpreter(browser->executable)) return processes;
     for (std::int32_t const pid : processIDs()) {
         std::optional<RunningProcess> const process = runningProcess(pid);
         if (process && process->executable == browser->executable && isOfThisSession(pid))

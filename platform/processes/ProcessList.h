@@ -41,6 +41,9 @@ std::vector<RunningProcess> runningProcesses();
 // resolved. Nothing for a process that runs from no bundle, or has ended.
 std::optional<std::string> programInBundle(RunningProcess const& process);
 
+// Whether the program runs scripts, so that it does not tell what runs.
+bool isInterpreter(std::string_view executable);
+
 // The innermost bundle in whose Contents the path lies; empty for none.
 std::string_view bundleHolding(std::string_view path);
 

@@ -24,9 +24,15 @@ std::string_view plainName(std::string_view executable) {
     return name.substr(0, name.find_first_of("0123456789-"));
 }
 
-bool isInterpreter(std::string_view name) { return std::ranges::find(Interpreters, name) != Interpreters.end(); }
-
 bool isShell(std::string_view name) { return name.ends_with("sh") && name != "tclsh" && name != "wish"; }
+
+// Letters of options that take no argument and leave the script where it is.
+std::string_view plainOptionsOf(std::string_view interpreter) {
+    if (isShell(interpreter)) return "abefhilmnpuvx";
+    if (interpreter == "python") return "BEIOPSbdisuv";
+    if (interpreter == "perl") return "TWtw";
+    return "";
+}
 
 // As many of the words as fit; the last of them may be cut.
 std::vector<std::string> argumentsOf(std::int32_t pid) {
@@ -44,12 +50,13 @@ std::vector<std::string> argumentsOf(std::int32_t pid) {
     return words;
 }
 
-// The first word that is no option. Nothing where the program is another text: an argument, the input, a module.
-std::optional<std::string> scriptAmong(std::vector<std::string> const& words, bool isForShell) {
+// The first word that is no option. Nothing behind an option that may take the word, or puts another text in the
+// script's place.
+std::optional<std::string> scriptAmong(std::vector<std::string> const& words, std::string_view plainOptions) {
     for (std::size_t index = 1; index < words.size(); ++index) {
         std::string const& word = words[index];
-        if (word == "-c" || (isForShell ? word == "-s" : word == "-e" || word == "-m")) return std::nullopt;
         if (!word.starts_with('-')) return word;
+        if (word.size() < 2 || word.find_first_not_of(plainOptions, 1) != std::string::npos) return std::nullopt;
     }
     return std::nullopt;
 }
@@ -62,10 +69,10 @@ std::optional<std::string> resolved(std::string const& path) {
 }
 
 std::optional<std::string> scriptOf(RunningProcess const& process) {
-    std::string_view const name = plainName(process.executable);
-    if (!isInterpreter(name)) return std::nullopt;
+    if (!isInterpreter(process.executable)) return std::nullopt;
     std::int32_t const pid = process.identity.pid;
-    std::optional<std::string> const word = scriptAmong(argumentsOf(pid), isShell(name));
+    std::optional<std::string> const word =
+        scriptAmong(argumentsOf(pid), plainOptionsOf(plainName(process.executable)));
     if (!word || word->empty()) return std::nullopt;
     std::string const folder = "/proc/" + std::to_string(pid) + "/cwd/";
     std::optional<std::string> script = resolved(word->front() == '/' ? *word : folder + *word);
@@ -74,6 +81,10 @@ std::optional<std::string> scriptOf(RunningProcess const& process) {
 }
 
 } // namespace
+
+bool isInterpreter(std::string_view executable) {
+    return std::ranges::find(Interpreters, plainName(executable)) != Interpreters.end();
+}
 
 std::string_view bundleHolding(std::string_view path) {
     constexpr std::string_view mark = ".app/Contents/";

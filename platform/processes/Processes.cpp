@@ -144,7 +144,7 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     information.setObject_forKey_(executable.lastPathComponent(), kCFBundleNameKey);
     if (program) addBundle(information, bundleHolding(*program));
     std::optional<FileBrowser> const& browser = knownFileBrowser();
-    if (browser && browser->executable == process->executable) {
+    if (browser && browser->executable == process->executable && !isInterpreter(process->executable)) {
         information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);
         information.setObject_forKey_(pathString(browser->name), kCFBundleNameKey);
     }

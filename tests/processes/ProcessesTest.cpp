@@ -306,8 +306,11 @@ TEST(Processes, RunFromNoBundleThatTheirArgumentsOnlyMention) {
     folder.makeBundle("A.app", informationFile("a", "1.0", "1"));
     std::string const script = makeScript(folder, "A.app/Contents/Linux/A", "#!/bin/sh\necho ready\nread line\n");
     std::string const outside = makeScript(folder, "outside", "#!/bin/sh\necho ready\nread line\n");
-    std::vector<std::vector<std::string>> const commands{
-        {outside, script}, {"/bin/sh", "-c", "echo ready; read line; :", script}, {"/bin/sh", "-s", script}};
+    std::vector<std::vector<std::string>> const commands{{outside, script},
+                                                         {"/bin/sh", "-c", "echo ready; read line; :", script},
+                                                         {"/bin/sh", "-ec", "echo ready; read line; :", script},
+                                                         {"/bin/bash", "--rcfile", script, outside},
+                                                         {"/bin/sh", "-s", script}};
     for (std::vector<std::string> const& command : commands) {
         ChildProcess const child(command);
         if (command[1] == "-s") child.writeLine("echo ready; read line");
@@ -318,6 +321,19 @@ TEST(Processes, RunFromNoBundleThatTheirArgumentsOnlyMention) {
     ChildProcess const reader({"/usr/bin/tail", "-f", script});
     EXPECT_EQ(reader.readLine(), "#!/bin/sh");
     EXPECT_TRUE(informationOf(numberOf(reader)).objectForKey_(kIOBundlePathKey) == nil);
+}
+
+TEST(Processes, AreNotTheFileBrowserForTheirInterpreterAlone) {
+    TemporaryFolder const folder;
+    folder.makeFile("data/applications/browser.desktop",
+                    "[Desktop Entry]\nName=Files\nExec=/bin/sh browser %U\nType=Application\n");
+    folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
+    EnvironmentVariable const data("XDG_DATA_HOME", folder.path("data"));
+    EnvironmentVariable const config("XDG_CONFIG_HOME", folder.path("config"));
+    ChildProcess const other({"/bin/sh", "-c", "read line; :"});
+    ProcessSerialNumber walk{0, kNoProcess};
+    ASSERT_EQ(GetNextProcess(&walk), noErr);
+    EXPECT_TRUE(informationOf(numberOf(other)).objectForKey_(kCFBundleIdentifierKey) == nil);
 }
 
 TEST(Processes, HaveTheFileBrowserAmongThemInTheFindersRole) {
