@@ -18,8 +18,9 @@
 // Nothing is ever copied, and nothing is deleted instead of being trashed: either the item moves within its volume, or
 // it stays where it is.
 //
-// Where FRAMEKEEPER_LOCAL_COMPUTER narrows the local computer to some folders, "all volumes" are those mounted there,
-// and the home trash.
+// "All volumes" are the local ones and the home trash, for a server that does not answer would be waited for; what lies
+// on a server goes to the trash there nevertheless. Where FRAMEKEEPER_LOCAL_COMPUTER narrows the local computer to some
+// folders, they are those mounted there.
 
 namespace mac {
 

@@ -199,7 +199,8 @@ std::vector<TrashFolder> trashesAround(FileDescriptor const& folder) {
 std::vector<TrashFolder> trashesOfUser() {
     std::vector<TrashFolder> trashes = homeTrash();
     for (MountedVolume const& volume : mountedVolumes()) {
-        if (!isOfLocalComputer(volume.mountPoint)) continue;
+        // A server that is gone would be waited for.
+        if (!volume.isLocal || !isOfLocalComputer(volume.mountPoint)) continue;
         for (TrashFolder& trash : trashesOfMount(openPath(volume.mountPoint, FolderFlags)))
             trashes.push_back(std::move(trash));
     }

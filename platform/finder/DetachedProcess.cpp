@@ -22,7 +22,7 @@ struct Report {
     ::setsid();
     pid_t const last = ::fork();
     if (last > 0) ::_exit(0);
-    Report report{::getpid(), errno};
+    Report report{0, errno};
     if (last == 0) {
         sigset_t none;
         ::sigemptyset(&none);
@@ -72,8 +72,8 @@ DetachedProcess startDetached(std::string const& file, std::vector<std::string> 
     Report started;
     Report failed;
     if (!readReport(from.number(), started)) return {};
-    bool const hasFailed = readReport(from.number(), failed);
-    errno = hasFailed ? failed.errorNumber : started.errorNumber;
+    bool const hasFailed = started.pid == 0 || readReport(from.number(), failed);
+    errno = started.pid == 0 ? started.errorNumber : failed.errorNumber;
     return {hasFailed ? 0 : started.pid};
 }
 

@@ -122,6 +122,12 @@ std::vector<FileDescriptor> openProcesses(std::vector<ProcessIdentity> const& pr
     return open;
 }
 
+// One that could not be opened has not been seen to end.
+bool noneRuns(std::vector<ProcessIdentity> const& processes) {
+    return std::ranges::none_of(processes,
+                                [](ProcessIdentity const& process) { return runningProcess(process).has_value(); });
+}
+
 // The process that does it; none where there is no command, or it cannot be started.
 FileDescriptor runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser);
@@ -197,11 +203,11 @@ FinderOutcome quitFileBrowser() {
         // It is the browser's program, too, and looks like one that still runs.
         open.push_back(std::move(command));
         // Half of the time for its own way.
-        if (haveEnded(open, end - finderPatience().quit / 2)) return {};
+        if (haveEnded(open, end - finderPatience().quit / 2) && noneRuns(processes)) return {};
     }
     for (ProcessIdentity const& process : processes)
         askToEnd(process);
-    if (haveEnded(open, end)) return {};
+    if (haveEnded(open, end) && noneRuns(processes)) return {};
     return {FinderProblem::NoAnswer, "The file browser does not quit"};
 }
 
