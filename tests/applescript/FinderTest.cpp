@@ -3,7 +3,7 @@
 #include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/applescript/ScriptHome.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Gio.h"
 #include "tests/support/PrivateMounts.h"
 #include <fstream>
 #include <gtest/gtest.h>
@@ -77,6 +77,19 @@ TEST(Finder, ThrowsAwayAndSaysWhere) {
     EXPECT_FALSE(isThere(file));
     EXPECT_EQ(textOf(home.path(".local/share/Trash/files/f1.txt")), "1");
     EXPECT_TRUE(isThere(home.path(".local/share/Trash/info/f1.txt.trashinfo")));
+}
+
+TEST(Finder, ThrowsAwayWhatAnotherProgramRestores) {
+    ScriptHome const home;
+    mac::test::EnvironmentVariable const runtime("XDG_RUNTIME_DIR", home.folder().makeFolder("runtime"));
+    mac::test::EnvironmentVariable const programs("PATH", "/usr/bin:/bin");
+    mac::test::EnvironmentVariable const data("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
+    if (!mac::test::gioKnowsTrash()) GTEST_SKIP() << mac::test::GioKnowsNoTrash;
+    std::string const file = home.path("Documents/f1.txt");
+    ASSERT_EQ(textResult(trashScript(file)), home.path(".local/share/Trash/files/f1.txt"));
+    EXPECT_EQ(mac::test::gio({"trash", "--list"}), "trash:///f1.txt\t" + file + "\n");
+    mac::test::gio({"trash", "--restore", "trash:///f1.txt"});
+    EXPECT_EQ(textOf(file), "1");
 }
 
 TEST(Finder, ThrowsAwayAFolderWhosePathThenEndsInASlash) {

@@ -1,29 +1,10 @@
 #include "tests/files/TrashHome.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Gio.h"
 #include "tests/support/PrivateMounts.h"
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 namespace mac::test {
 namespace {
-
-// Another program of the desktop's, each time on a session bus of its own.
-std::string gio(std::vector<std::string> const& arguments) {
-    std::vector<std::string> command{"dbus-run-session", "--", "gio"};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return outputOf(command);
-}
-
-bool knowsTrash() {
-    try {
-        gio({"list", "trash:///"});
-        return true;
-    } catch (std::runtime_error const&) {
-        return false;
-    }
-}
-
-constexpr char WhyNot[] = "gio knows no trash here; the package gvfs has what it needs";
 
 // A home for it.
 struct GioHome : TrashHome {
@@ -35,7 +16,7 @@ struct GioHome : TrashHome {
 class TrashBesideGio : public testing::Test {
 protected:
     void SetUp() override {
-        if (!knowsTrash()) GTEST_SKIP() << WhyNot;
+        if (!gioKnowsTrash()) GTEST_SKIP() << GioKnowsNoTrash;
     }
 
     GioHome const m_home{};
@@ -46,7 +27,7 @@ protected:
     void SetUp() override {
         PrivateMounts::SetUp();
         if (IsSkipped()) return;
-        if (!knowsTrash()) GTEST_SKIP() << WhyNot;
+        if (!gioKnowsTrash()) GTEST_SKIP() << GioKnowsNoTrash;
         mountImage(m_home.path("image"), m_point);
     }
 

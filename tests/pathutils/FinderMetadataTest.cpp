@@ -323,7 +323,7 @@ TEST_F(FinderMetadata, LaunchServicesTellsFlagsAndName) {
 
 FSRef s_updated{};
 
-OSErr takeUpdate(AppleEvent const* /*event*/, AppleEvent* /*reply*/, void* /*refcon*/) {
+OSErr takeUpdate(AppleEvent const*, AppleEvent*, void*) {
     NSAppleEventDescriptor const event = NSAppleEventManager::sharedAppleEventManager().currentAppleEvent();
     NSAppleEventDescriptor const item = event.paramDescriptorForKeyword_(AEKeyword("----"));
     EXPECT_EQ(item.descriptorType(), DescType("fsrf"));
