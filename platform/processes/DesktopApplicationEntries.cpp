@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <set>
 #include <unistd.h>
 
 namespace mac {
@@ -60,17 +61,23 @@ std::vector<std::string> defaultLists() {
 // The programs for the type by the names of their entries, in the order in which they are to be tried.
 std::vector<std::string> candidatesFor(std::string const& contentType) {
     std::vector<std::string> names;
+    std::set<std::string> removed;
     auto const add = [&](KeyFile const& file, char const* group) {
-        for (std::string& name : file.list(group, contentType))
-            names.push_back(std::move(name));
+        for (std::string& name : file.list(group, contentType)) {
+            if (!removed.contains(name)) names.push_back(std::move(name));
+        }
     };
     std::vector<KeyFile> lists;
     for (std::string const& path : defaultLists())
         lists.push_back(KeyFile::readFile(path));
     for (KeyFile const& file : lists)
         add(file, "Default Applications");
-    for (KeyFile const& file : lists)
+    // What the user took away does not come back from lists that count less.
+    for (KeyFile const& file : lists) {
         add(file, "Added Associations");
+        for (std::string& name : file.list("Removed Associations", contentType))
+            removed.insert(std::move(name));
+    }
     for (std::string const& folder : applicationFolders())
         add(KeyFile::readFile(folder + "/mimeinfo.cache"), "MIME Cache");
     return names;

@@ -65,6 +65,17 @@ TEST_F(FileBrowserOfADesktop, IsAProgramKnownForFoldersWhereNoneWasChosen) {
     EXPECT_EQ(found(), "added");
 }
 
+TEST_F(FileBrowserOfADesktop, IsNoProgramThatTheUserTookAwayFromFolders) {
+    makeEntry("system/applications/thunar.desktop", "thunar");
+    makeEntry("system/applications/other.desktop", "other");
+    m_folder.makeFile("system/applications/mimeinfo.cache",
+                      "[MIME Cache]\ninode/directory=thunar.desktop;other.desktop;\n");
+    m_folder.makeFile("config/mimeapps.list", "[Removed Associations]\ninode/directory=thunar.desktop;\n");
+    EXPECT_EQ(found(), "other");
+    m_folder.makeFile("system/applications/mimeapps.list", "[Added Associations]\ninode/directory=thunar.desktop;\n");
+    EXPECT_EQ(found(), "other") << "a list that counts less does not bring it back";
+}
+
 TEST_F(FileBrowserOfADesktop, HasAnEntryInAFolderThatItsNameTells) {
     makeEntry("local/applications/kde/org-files.desktop", "files");
     makeList("config/mimeapps.list", "kde-org-files.desktop");
