@@ -23,6 +23,7 @@ constexpr int Rounds = 9;
 
 pid_t spawned(std::vector<std::string> words, bool isSilent) {
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
@@ -77,6 +78,7 @@ std::size_t information() {
 
 int main() {
     std::vector<pid_t> children;
+    children.reserve(Processes);
     for (int index = 0; index < Processes; ++index)
         children.push_back(spawned({"sleep", "3600"}, true));
 
