@@ -171,7 +171,7 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
         {key(codeOf("sisn")), Value::text(std::u16string(nameOfUser(::getuid()).codeUnits()))},
         {key(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
         {key(codeOf("sicn")), Value::text(name)},
-        {key(codeOf("home")),
+        {key(codeOf("sihd")),
          makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile, environmentValue("HOME"))},
     });
 }

@@ -234,7 +234,8 @@ constexpr auto Keys = std::to_array<KeyRow>({
     {u"short user name", codeOf("sisn")},
     {u"long user name", codeOf("siln")},
     {u"user ID", codeOf("siid")},
-    {u"home directory", codeOf("home")},
+    // Not 'home', which is the Finder's name of a place.
+    {u"home directory", codeOf("sihd")},
     {u"computer name", codeOf("sicn")},
     {u"host name", codeOf("ldsa")},
     {u"physical memory", codeOf("sipm")},

@@ -6,6 +6,7 @@
 #include "platform/applescript/StackRoom.h"
 #include "platform/applescript/applications/Application.h"
 #include <algorithm>
+#include <span>
 
 namespace mac::applescript {
 
@@ -89,8 +90,8 @@ Value Evaluator::enter(FoundHandler found, Value const& me, std::function<void()
 
 Value Evaluator::callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments) {
     std::vector<Node*> const& patterns = found.handler->positional;
-    bool const isEnough = std::ranges::all_of(patterns.begin() + std::min(arguments.size(), patterns.size()),
-                                              patterns.end(), &isOptional);
+    std::span<Node* const> const leftOut = std::span(patterns).subspan(std::min(arguments.size(), patterns.size()));
+    bool const isEnough = std::ranges::all_of(leftOut, &isOptional);
     if (arguments.size() > patterns.size() || !isEnough) throw parametersDoNotMatch(arguments, *found.handler);
     return enter(found, me, [&] {
         for (std::size_t index = 0; index < patterns.size(); ++index)

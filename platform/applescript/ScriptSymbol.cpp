@@ -1,5 +1,6 @@
 #include "platform/applescript/ScriptSymbol.h"
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
@@ -53,14 +54,16 @@ std::u16string foldedName(std::u16string_view name) {
 Symbol identifierSymbol(std::u16string_view spelling) { return interned(spelling); }
 
 Symbol termSymbol(Code code, std::u16string_view spelling) {
-    static std::unordered_map<Code, std::unique_ptr<ScriptSymbol>> terms;
-    std::unique_ptr<ScriptSymbol>& entry = terms[code];
-    if (entry) return entry.get();
-    entry = std::make_unique<ScriptSymbol>();
-    entry->spelling = spelling;
-    entry->canonical = entry.get();
-    entry->code = code;
-    return entry.get();
+    // By their spellings: one application calls "home" what another calls "home directory".
+    static std::unordered_map<Code, std::deque<ScriptSymbol>> terms;
+    std::deque<ScriptSymbol>& known = terms[code];
+    auto const found = std::ranges::find(known, spelling, &ScriptSymbol::spelling);
+    if (found != known.end()) return &*found;
+    ScriptSymbol& made = known.emplace_back();
+    made.spelling = spelling;
+    made.canonical = &known.front();
+    made.code = code;
+    return &made;
 }
 
 } // namespace mac::applescript

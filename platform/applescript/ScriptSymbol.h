@@ -28,7 +28,7 @@ using Symbol = ScriptSymbol const*;
 
 // Letters of any case are the same name; the answer keeps the spelling.
 Symbol identifierSymbol(std::u16string_view spelling);
-// The term of the code; the first spelling given for it is shown.
+// The term of the code, shown in that spelling; every spelling of it is the same name.
 Symbol termSymbol(Code code, std::u16string_view spelling);
 
 inline bool isSameName(Symbol one, Symbol other) { return one->canonical == other->canonical; }

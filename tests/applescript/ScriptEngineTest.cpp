@@ -172,6 +172,15 @@ TEST(ScriptEngine, LogReachesItsListener) {
     EXPECT_EQ(logged, u"(*{1, \"a\"}*)");
 }
 
+TEST(ScriptSymbol, OfATermIsShownAsItIsSpelt) {
+    Symbol const one = termSymbol(codeOf("home"), u"home directory");
+    Symbol const other = termSymbol(codeOf("home"), u"home");
+    EXPECT_EQ(one->spelling, u"home directory");
+    EXPECT_EQ(other->spelling, u"home");
+    EXPECT_TRUE(isSameName(one, other));
+    EXPECT_EQ(termSymbol(codeOf("home"), u"home"), other);
+}
+
 TEST(SourceForm, PeopleReadTextWithoutQuotes) {
     EXPECT_EQ(humanForm(compiled(u"{1, \"a\", {b:2}}").run({}).value), u"1, a, b:2");
 }
