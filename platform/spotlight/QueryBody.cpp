@@ -121,10 +121,14 @@ void NSMetadataQuery::Body::deliver() {
         // Asked before the finds are taken: what is found later than this comes with the next batch.
         VolumeWalkProgress const progress = m_walker->progress();
         bool const isMore = takeFinds();
+        m_lastDelivery = NSDate::date();
         if (!isMore && progress.isFinished) return finishGathering(progress);
         // The end comes with a delivery of its own, also when an observer of this one raises.
         if (progress.isFinished) scheduleDelivery();
+        std::uint64_t const walk = m_walk;
         if (isMore) post(NSMetadataQueryGatheringProgressNotification);
+        // The interval begins when the observers are done, however long they or the machine took.
+        if (walk == m_walk) m_lastDelivery = NSDate::date();
         return;
     }
     if (m_phase == Phase::Live && applyFolderChanges()) post(NSMetadataQueryDidUpdateNotification);
