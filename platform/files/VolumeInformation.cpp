@@ -70,7 +70,7 @@ HFSUniStr255 nameOf(MountedVolume const& volume) {
 } // namespace
 
 std::uint16_t fileSystemIdentifier(std::string_view fileSystem, bool isLocal) {
-    auto const kind = std::ranges::find(ForeignKinds, fileSystem, [](auto const& row) { return row.first; });
+    auto const* const kind = std::ranges::find(ForeignKinds, fileSystem, [](auto const& row) { return row.first; });
     if (kind != ForeignKinds.end()) return kind->second;
     return isLocal ? LocalIdentifier : NetworkIdentifier;
 }

@@ -58,7 +58,8 @@ std::optional<std::vector<std::string>> serviceCommandOf(FileBrowser const& brow
         std::optional<std::vector<std::string>> const names = namesInFolder(folder, LinkAtEnd::IsFollowed);
         for (std::string const& name : names.value_or(std::vector<std::string>())) {
             if (!name.ends_with(".service")) continue;
-            std::optional<std::vector<std::string>> command = commandIn(folder + "/" + name, browser);
+            std::optional<std::vector<std::string>> command =
+                commandIn(std::string(folder).append("/").append(name), browser);
             if (command) return command;
         }
     }

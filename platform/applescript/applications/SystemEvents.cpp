@@ -17,7 +17,7 @@ class CurrentUser final : public ModelObject {
 public:
     Code type() const override { return codeOf("uacc"); }
     Value specifier() const override {
-        return elementSpecifier(Form::Name, codeOf("uacc"), systemEvents::itself(), Value::text(shortName()));
+        return elementSpecifier(Form::Name, codeOf("uacc"), system_events::itself(), Value::text(shortName()));
     }
     std::optional<Value> property(Code code) override {
         switch (code) {
@@ -52,7 +52,7 @@ private:
 class SystemEventsRoot final : public ModelObject {
 public:
     Code type() const override { return codeOf("capp"); }
-    Value specifier() const override { return systemEvents::itself(); }
+    Value specifier() const override { return system_events::itself(); }
 
     std::optional<Value> property(Code code) override {
         switch (code) {
@@ -79,11 +79,11 @@ public:
             return std::make_shared<CurrentUser>();
         case codeOf("cusr"):
         case codeOf("home"):
-            return systemEvents::diskItemAt(homePath());
+            return system_events::diskItemAt(homePath());
         case codeOf("desk"):
-            return systemEvents::diskItemAt(desktopPath());
+            return system_events::diskItemAt(desktopPath());
         case codeOf("sdsk"):
-            return systemEvents::diskItemAt("/");
+            return system_events::diskItemAt("/");
         default:
             return nullptr;
         }
@@ -94,15 +94,15 @@ public:
         switch (elementType) {
         case codeOf("prcs"):
         case codeOf("pcap"):
-            return systemEvents::processes(elementType);
+            return system_events::processes(elementType);
         case codeOf("cdis"):
-            return systemEvents::disks();
+            return system_events::disks();
         case codeOf("uacc"):
             return std::vector<ModelPointer>{std::make_shared<CurrentUser>()};
         case codeOf("ditm"):
         case codeOf("file"):
         case codeOf("cfol"): {
-            ModelPointer const home = systemEvents::diskItemAt(homePath());
+            ModelPointer const home = system_events::diskItemAt(homePath());
             return home ? home->elements(elementType) : std::nullopt;
         }
         default:
@@ -117,7 +117,7 @@ public:
         case codeOf("cfol"):
         case codeOf("cdis"):
         case codeOf("cobj"):
-            return systemEvents::diskItemNamed(elementType, name);
+            return system_events::diskItemNamed(elementType, name);
         default:
             return ModelObject::elementNamed(elementType, name);
         }
@@ -136,7 +136,7 @@ protected:
 
     ModelPointer objectOfFile(FileObject const& file) override {
         std::optional<std::string> const path = fileSystemBytesFromUnits(file.path);
-        return path ? systemEvents::diskItemAt(*path) : nullptr;
+        return path ? system_events::diskItemAt(*path) : nullptr;
     }
 
     std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
@@ -177,7 +177,7 @@ private:
     // Linux: to the trash, from where it can be put back.
     Value remove(Evaluator& evaluator, ApplicationCommand const& command) {
         for (ModelPointer const& object : objects(directOf(command), evaluator.context())) {
-            std::shared_ptr<FinderItem> const item = systemEvents::itemOf(*object);
+            std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
             if (!item) throw plainError(-10010);
             finder::movedToTrash(*item);
         }
@@ -189,15 +189,16 @@ private:
         if (!to) throw missingParameter(u"to", command.term.name);
         TextContext const& context = evaluator.context();
         std::vector<ModelPointer> const places = objects(*to, context);
-        std::shared_ptr<FinderItem> const folder = places.size() == 1 ? systemEvents::itemOf(*places.front()) : nullptr;
+        std::shared_ptr<FinderItem> const folder =
+            places.size() == 1 ? system_events::itemOf(*places.front()) : nullptr;
         if (!folder || !folder->isFolder()) throw plainError(-10024);
         Value const meant = directOf(command);
         std::vector<Value> answers;
         for (ModelPointer const& object : objects(meant, context)) {
-            std::shared_ptr<FinderItem> const item = systemEvents::itemOf(*object);
+            std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
             if (!item) throw plainError(-10010);
             finder::moveInto(evaluator, *item, *folder, NameClash::IsRefused);
-            ModelPointer const moved = systemEvents::diskItemAt(joined(folder->path(), lastName(item->path())));
+            ModelPointer const moved = system_events::diskItemAt(joined(folder->path(), lastName(item->path())));
             answers.push_back(moved ? moved->specifier() : Value::missing());
         }
         return finder::answerOf(meant, std::move(answers));
@@ -206,11 +207,11 @@ private:
 
 } // namespace
 
-namespace systemEvents {
+namespace system_events {
 
 Value itself() { return makeObject<ApplicationObject>(ValueKind::Application, u"System Events", false); }
 
-} // namespace systemEvents
+} // namespace system_events
 
 Application& systemEventsApplication() {
     static SystemEvents application;

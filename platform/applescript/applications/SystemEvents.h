@@ -8,7 +8,7 @@ namespace mac::applescript {
 
 Terminology const& systemEventsTerms();
 
-namespace systemEvents {
+namespace system_events {
 
 // `application "System Events"`.
 Value itself();
@@ -24,6 +24,6 @@ ModelPointer diskItemAt(std::string const& path);
 // Null for what lies on no disk.
 std::shared_ptr<FinderItem> itemOf(ModelObject const& object);
 
-} // namespace systemEvents
+} // namespace system_events
 
 } // namespace mac::applescript

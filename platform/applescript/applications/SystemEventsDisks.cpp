@@ -8,7 +8,7 @@
 
 // Disks, folders and files as System Events tells of them.
 
-namespace mac::applescript::systemEvents {
+namespace mac::applescript::system_events {
 
 namespace {
 
@@ -139,4 +139,4 @@ std::shared_ptr<FinderItem> itemOf(ModelObject const& object) {
     return isDiskItem ? static_cast<DiskItem const&>(object).item() : nullptr;
 }
 
-} // namespace mac::applescript::systemEvents
+} // namespace mac::applescript::system_events

@@ -8,7 +8,7 @@
 
 // The running processes.
 
-namespace mac::applescript::systemEvents {
+namespace mac::applescript::system_events {
 
 namespace {
 
@@ -96,4 +96,4 @@ std::vector<ModelPointer> processes(Code /*elementType*/) {
     return all;
 }
 
-} // namespace mac::applescript::systemEvents
+} // namespace mac::applescript::system_events

@@ -185,6 +185,7 @@ public:
     std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
         if (elementType != codeOf("xppb")) return {};
         std::vector<ModelPointer> all;
+        all.reserve(std::size(Panes));
         for (Pane const& pane : Panes)
             all.push_back(std::make_shared<PaneObject>(pane));
         return all;
