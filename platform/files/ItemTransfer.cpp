@@ -4,6 +4,7 @@
 #include "platform/files/FileCopy.h"
 #include "platform/files/FolderDescent.h"
 #include "platform/files/FolderPlace.h"
+#include "platform/files/Trash.h"
 #include "platform/files/TrashMove.h"
 #include <algorithm>
 #include <array>
@@ -185,12 +186,10 @@ std::string temporaryName() {
 }
 
 // The AppleDouble file that keeps what the volume has no place for goes by the item's name.
-void renameCompanion(FileDescriptor const& folder, std::string const& from, std::string const& to, NameClash clash) {
+void renameCompanion(FileDescriptor const& folder, std::string const& from, std::string const& to) {
     if (!companionOf(folder, from).file.isOpen()) return;
-    std::string const name = AppleDoubleFile::nameFor(to);
-    bool const isOld = clash == NameClash::IsReplaced && companionOf(folder, to).file.isOpen();
-    if (isOld) ::unlinkat(folder.number(), name.c_str(), 0);
-    renameWithoutReplacing(folder.number(), AppleDoubleFile::nameFor(from), folder.number(), name);
+    renameWithoutReplacing(folder.number(), AppleDoubleFile::nameFor(from), folder.number(),
+                           AppleDoubleFile::nameFor(to));
 }
 
 void removeCopy(FileDescriptor const& folder, std::string const& name) {
@@ -201,19 +200,48 @@ void removeCopy(FileDescriptor const& folder, std::string const& name) {
     errno = reason;
 }
 
-bool liesIn(FileDescriptor const& folder, ItemIdentity const& item) {
+// Where that cannot be found out it may be so.
+bool mayLieIn(FileDescriptor const& folder, ItemIdentity const& item) {
     std::optional<std::vector<ItemIdentity>> const above = folderAndThoseAbove(folder);
-    return above && std::ranges::find(*above, item) != above->end();
+    return !above || std::ranges::find(*above, item) != above->end();
 }
 
-// Gives what has the first name the second one. What had that goes.
-bool giveName(FileDescriptor const& folder, std::string const& from, std::string const& to, NameClash clash) {
-    if (renameWithoutReplacing(folder.number(), from, folder.number(), to)) return true;
+FileDescriptor anotherOf(FileDescriptor const& folder) {
+    return FileDescriptor(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+// Makes room for the item: what has the name goes to the trash, from where it can be put back. Nothing, and errno, when
+// it stays where it is.
+std::optional<TrashedItem> makeRoom(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    OpenItem old{.folder = anotherOf(folder),
+                 .item = FileDescriptor(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)),
+                 .name = name};
+    std::optional<ItemPlace> const place = old.item.isOpen() && old.folder.isOpen() ? placeOf(old.item) : std::nullopt;
+    if (!place) return std::nullopt;
+    // Not what holds the item itself.
+    if (mayLieIn(item.folder, place->identity)) {
+        errno = EINVAL;
+        return std::nullopt;
+    }
+    TrashResult<TrashedItem> trashed = moveToTrash(old);
+    if (trashed.hasValue()) return trashed.takeValue();
+    errno = trashed.failure().problem == TrashProblem::ReadOnly ? EROFS : EPERM;
+    return std::nullopt;
+}
+
+// Calls `place`, which answers false with EEXIST where something has the name; then once more with room made for it.
+// When that fails, too, what had the name has it again.
+bool placeOver(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+               std::function<bool()> const& place) {
+    if (place()) return true;
     if (errno != EEXIST || clash == NameClash::IsRefused) return false;
-    std::optional<ItemPlace> const old = placeOf(folder, to);
+    std::optional<TrashedItem> const old = makeRoom(item, folder, name);
     if (!old) return false;
-    if (::renameat2(folder.number(), from.c_str(), folder.number(), to.c_str(), RENAME_EXCHANGE) != 0) return false;
-    return descend(folder, from, old->identity, {.makesAccessible = true}, removeOne);
+    if (place()) return true;
+    int const reason = errno;
+    putBack(*old);
+    errno = reason;
+    return false;
 }
 
 // The AppleDouble file beside an item; one that is not there, or that the new place has already, stays away.
@@ -226,10 +254,7 @@ void bringCompanion(OpenItem const& item, FileDescriptor const& folder, std::str
     if (isThere) return;
     CopiedItems copied;
     TransferGoesOn const goesOn = [] { return true; };
-    FileDescriptor const place(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    OpenItem source{.folder = FileDescriptor(::fcntl(place.number(), F_DUPFD_CLOEXEC, 0)),
-                    .item = std::move(companion.file),
-                    .name = companion.name};
+    OpenItem source{.folder = anotherOf(item.folder), .item = std::move(companion.file), .name = companion.name};
     bool const isCopied = TreeCopy(goesOn, copied).run(source, folder, newName);
     if (isCopied && isMoved) ::unlinkat(item.folder.number(), companion.name.c_str(), 0);
 }
@@ -238,7 +263,7 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
             TransferGoesOn const& goesOn, CopiedItems& copied) {
     std::optional<ItemPlace> const place = placeOf(item.item);
     if (!place) return false;
-    if (place->isFolder && liesIn(folder, place->identity)) {
+    if (place->isFolder && mayLieIn(folder, place->identity)) {
         errno = EINVAL;
         return false;
     }
@@ -251,8 +276,10 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
     FileDescriptor const listed(::openat(folder.number(), ".", ListFlags));
     bool const isWhole = !temporary.empty() && listed.isOpen() &&
                          TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
-                         giveName(folder, temporary, name, clash);
-    if (isWhole) renameCompanion(folder, temporary, name, clash);
+                         placeOver(item, folder, name, clash, [&] {
+                             return renameWithoutReplacing(folder.number(), temporary, folder.number(), name);
+                         });
+    if (isWhole) renameCompanion(folder, temporary, name);
     if (!isWhole && !temporary.empty()) removeCopy(folder, temporary);
     return isWhole;
 }
@@ -271,19 +298,10 @@ bool removeOriginal(OpenItem const& item, CopiedItems const& copied) {
                    });
 }
 
-// In place of what has the name, which then lies where the item was, and goes.
-bool exchange(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
-    std::optional<ItemPlace> const old = placeOf(folder, name);
+bool isThere(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    std::optional<ItemPlace> const found = placeOf(folder, name);
     std::optional<ItemPlace> const place = placeOf(item.item);
-    if (!old || !place) return false;
-    if (old->identity == place->identity) return true;
-    // Not into what it holds itself.
-    bool const isAbove = liesIn(item.folder, old->identity);
-    if (isAbove) errno = EINVAL;
-    if (isAbove ||
-        ::renameat2(item.folder.number(), item.name.c_str(), folder.number(), name.c_str(), RENAME_EXCHANGE) != 0)
-        return false;
-    return descend(item.folder, item.name, old->identity, {.makesAccessible = true}, removeOne);
+    return found && place && found->identity == place->identity;
 }
 
 } // namespace
@@ -298,10 +316,13 @@ bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string co
 
 bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
               TransferGoesOn const& goesOn) {
-    Moved const moved = moveItem(item.item, item.folder, item.name, folder, name);
-    bool isMoved = moved == Moved::Yes;
+    if (clash == NameClash::IsReplaced && isThere(item, folder, name)) return true;
+    Moved moved = Moved::No;
+    bool isMoved = placeOver(item, folder, name, clash, [&] {
+        moved = moveItem(item.item, item.folder, item.name, folder, name);
+        return moved == Moved::Yes;
+    });
     if (moved == Moved::ButAnother) return false;
-    if (!isMoved && errno == EEXIST && clash == NameClash::IsReplaced) isMoved = exchange(item, folder, name);
     if (!isMoved && errno != EXDEV) return false;
     if (!isMoved) {
         CopiedItems copied;

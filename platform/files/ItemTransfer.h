@@ -14,7 +14,8 @@ namespace mac {
 enum class NameClash {
     // EEXIST where something has the name already.
     IsRefused,
-    // What has the name is deleted once the new item has its place.
+    // What has the name goes to the trash once the new item is ready for its place. Linux: it is not deleted, so that
+    // a replacement can be taken back; EPERM where it cannot be trashed, EINVAL where it holds the item itself.
     IsReplaced,
 };
 

@@ -101,17 +101,21 @@ TEST(ItemTransfer, RefusesANameThatIsTaken) {
     EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"a", "b"}));
 }
 
-TEST(ItemTransfer, ReplacesWhatHasTheName) {
-    TemporaryFolder const folder;
+TEST(ItemTransfer, ReplacesWhatHasTheNameWhichGoesToTheTrash) {
+    TrashHome const home;
+    TemporaryFolder const& folder = home.folder;
     folder.makeFile("a", "a");
     folder.makeFile("there/b/inner", "b");
     EXPECT_EQ(errorOf(copy, folder.path("a"), folder.path("there"), "b", NameClash::IsReplaced), 0);
     EXPECT_EQ(textOf(folder.path("there/b")), "a");
+    EXPECT_EQ(textOf(home.files("b/inner")), "b");
     folder.makeFile("c", "c");
     EXPECT_EQ(errorOf(move, folder.path("c"), folder.path("there"), "b", NameClash::IsReplaced), 0);
     EXPECT_EQ(textOf(folder.path("there/b")), "c");
-    EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"a", "there"}));
+    EXPECT_EQ(trashedItems().size(), 2U);
     EXPECT_EQ(namesIn(folder.path("there")), (std::vector<std::string>{"b"}));
+    EXPECT_EQ(errorOf(move, folder.path("there/b"), folder.path("there"), "b", NameClash::IsReplaced), 0);
+    EXPECT_EQ(textOf(folder.path("there/b")), "c") << "it takes its own place";
 }
 
 TEST(ItemTransfer, DoesNotPutAFolderIntoItself) {
@@ -123,10 +127,15 @@ TEST(ItemTransfer, DoesNotPutAFolderIntoItself) {
 }
 
 TEST(ItemTransfer, DoesNotReplaceTheFolderThatHoldsTheItem) {
-    TemporaryFolder const folder;
+    TrashHome const home;
+    TemporaryFolder const& folder = home.folder;
     folder.makeFile("a/a", "x");
+    folder.makeFile("a/sibling", "y");
     EXPECT_EQ(errorOf(move, folder.path("a/a"), folder.path(), "a", NameClash::IsReplaced), EINVAL);
+    EXPECT_EQ(errorOf(copy, folder.path("a/a"), folder.path(), "a", NameClash::IsReplaced), EINVAL);
     EXPECT_EQ(textOf(folder.path("a/a")), "x");
+    EXPECT_EQ(textOf(folder.path("a/sibling")), "y");
+    EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"a"}) << "no copy is left";
 }
 
 TEST(ItemTransfer, LeavesNothingOfACopyThatIsGivenUp) {
