@@ -239,17 +239,23 @@ Value SpecifierResolution::comparand(Value const& written, ModelPointer const& e
 }
 
 bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined) {
+    return truthOf(test, examined) == true;
+}
+
+// Nothing where the object has no such property: neither the condition nor its opposite holds then.
+std::optional<bool> SpecifierResolution::truthOf(Value const& test, ModelPointer const& examined) {
     requireStackRoom();
     TestObject const& condition = test.test();
-    switch (condition.operation) {
-    case Operation::Not:
-        return !holds(condition.left, examined);
-    case Operation::And:
-        return holds(condition.left, examined) && holds(condition.right, examined);
-    case Operation::Or:
-        return holds(condition.left, examined) || holds(condition.right, examined);
-    default:
-        break;
+    bool const isAnd = condition.operation == Operation::And;
+    if (condition.operation == Operation::Not) {
+        std::optional<bool> const truth = truthOf(condition.left, examined);
+        return truth ? std::optional(!*truth) : std::nullopt;
+    }
+    if (isAnd || condition.operation == Operation::Or) {
+        std::optional<bool> const left = truthOf(condition.left, examined);
+        if (left == !isAnd) return left;
+        std::optional<bool> const right = truthOf(condition.right, examined);
+        return right == !isAnd || left ? right : left;
     }
     Value left;
     Value right;
@@ -257,8 +263,7 @@ bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined)
         left = operand(condition.left, examined);
         right = comparand(condition.right, examined);
     } catch (ScriptError const& error) {
-        // An object without the property is not one of those looked for.
-        if (error.number == errors::CannotGet || error.number == errors::InvalidIndex) return false;
+        if (error.number == errors::CannotGet || error.number == errors::InvalidIndex) return std::nullopt;
         throw;
     }
     switch (condition.operation) {

@@ -29,6 +29,7 @@ private:
     // The objects of the class in a list of specifiers.
     std::vector<ModelPointer> elementsIn(Value const& list, Code elementType);
     bool holds(Value const& test, ModelPointer const& examined);
+    std::optional<bool> truthOf(Value const& test, ModelPointer const& examined);
     Value operand(Value const& written, ModelPointer const& examined);
     Value comparand(Value const& written, ModelPointer const& examined);
 
