@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <optional>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -66,6 +67,20 @@ bool copyRange(int from, int to, off_t begin, off_t end, std::function<bool()> c
     return true;
 }
 
+// Some volumes tell too small a size, or none. Answers where the file really ends.
+std::optional<off_t> copyRest(int from, int to, off_t begin, std::function<bool()> const& goesOn) {
+    while (true) {
+        ssize_t const count = copyPiece(from, to, begin, PieceSize);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) return begin;
+        begin += count;
+        if (goesOn()) continue;
+        errno = ECANCELED;
+        return std::nullopt;
+    }
+}
+
 bool isForPeople(std::string_view attribute) { return attribute.starts_with("user."); }
 
 bool setAttribute(FileDescriptor const& to, std::string const& path, std::string const& name,
@@ -113,7 +128,15 @@ bool copyContents(FileDescriptor const& from, FileDescriptor const& to, std::fun
         if (!copyRange(from.number(), to.number(), data, end, goesOn)) return false;
         place = end;
     }
-    return ::ftruncate(to.number(), status.st_size) == 0;
+    struct stat now {};
+    if (::fstat(from.number(), &now) != 0) return false;
+    // Cut while it was copied: what came of it is neither.
+    if (now.st_size < status.st_size) {
+        errno = ESTALE;
+        return false;
+    }
+    std::optional<off_t> const end = copyRest(from.number(), to.number(), status.st_size, goesOn);
+    return end && ::ftruncate(to.number(), *end) == 0;
 }
 
 bool copyMetadata(FileDescriptor const& from, FileDescriptor const& to, std::string const& path) {

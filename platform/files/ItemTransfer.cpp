@@ -26,7 +26,7 @@ constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_C
 std::int64_t changeTime(FileDescriptor const& folder, std::string const& name) {
     struct stat status {};
     constexpr std::int64_t nanoseconds = 1000000000;
-    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return -1;
+    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH) != 0) return -1;
     return status.st_ctim.tv_sec * nanoseconds + status.st_ctim.tv_nsec;
 }
 
@@ -129,6 +129,11 @@ bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace c
         errno = EBUSY;
         return false;
     }
+    // The folder leads to its own copy, through a mount.
+    if (!m_levels.empty() && place.identity == m_levels.front().target) {
+        errno = EINVAL;
+        return false;
+    }
     FileDescriptor source(::openat(m_source.number(), from.c_str(), ListFlags));
     std::optional<ItemPlace> const found = source.isOpen() ? placeOf(source) : std::nullopt;
     std::optional<std::vector<std::string>> names = found ? namesInFolder(source) : std::nullopt;
@@ -185,11 +190,18 @@ std::string temporaryName() {
     return name;
 }
 
-// The AppleDouble file that keeps what the volume has no place for goes by the item's name.
-void renameCompanion(FileDescriptor const& folder, std::string const& from, std::string const& to) {
-    if (!companionOf(folder, from).file.isOpen()) return;
-    renameWithoutReplacing(folder.number(), AppleDoubleFile::nameFor(from), folder.number(),
-                           AppleDoubleFile::nameFor(to));
+// The AppleDouble file goes by the item's name, so both get theirs or none does.
+bool nameCopy(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+    std::string const companion = AppleDoubleFile::nameFor(from);
+    std::string const newCompanion = AppleDoubleFile::nameFor(to);
+    bool const hasCompanion = companionOf(folder, from).file.isOpen();
+    if (hasCompanion && !renameWithoutReplacing(folder.number(), companion, folder.number(), newCompanion))
+        return false;
+    if (renameWithoutReplacing(folder.number(), from, folder.number(), to)) return true;
+    int const reason = errno;
+    if (hasCompanion) renameWithoutReplacing(folder.number(), newCompanion, folder.number(), companion);
+    errno = reason;
+    return false;
 }
 
 void removeCopy(FileDescriptor const& folder, std::string const& name) {
@@ -244,19 +256,11 @@ bool placeOver(OpenItem const& item, FileDescriptor const& folder, std::string c
     return false;
 }
 
-// The AppleDouble file beside an item; one that is not there, or that the new place has already, stays away.
-void bringCompanion(OpenItem const& item, FileDescriptor const& folder, std::string const& name, bool isMoved) {
+// The AppleDouble file beside the item, as an item; nothing where there is none.
+std::optional<OpenItem> companionItem(OpenItem const& item) {
     Companion companion = companionOf(item.folder, item.name);
-    if (!companion.file.isOpen()) return;
-    std::string const newName = AppleDoubleFile::nameFor(name);
-    bool const isThere =
-        isMoved && renameWithoutReplacing(item.folder.number(), companion.name, folder.number(), newName);
-    if (isThere) return;
-    CopiedItems copied;
-    TransferGoesOn const goesOn = [] { return true; };
-    OpenItem source{.folder = anotherOf(item.folder), .item = std::move(companion.file), .name = companion.name};
-    bool const isCopied = TreeCopy(goesOn, copied).run(source, folder, newName);
-    if (isCopied && isMoved) ::unlinkat(item.folder.number(), companion.name.c_str(), 0);
+    if (!companion.file.isOpen()) return std::nullopt;
+    return OpenItem{.folder = anotherOf(item.folder), .item = std::move(companion.file), .name = companion.name};
 }
 
 bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
@@ -274,28 +278,54 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
     }
     std::string const temporary = temporaryName();
     FileDescriptor const listed(::openat(folder.number(), ".", ListFlags));
-    bool const isWhole = !temporary.empty() && listed.isOpen() &&
-                         TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
-                         placeOver(item, folder, name, clash, [&] {
-                             return renameWithoutReplacing(folder.number(), temporary, folder.number(), name);
-                         });
-    if (isWhole) renameCompanion(folder, temporary, name);
+    // First, so that attributes which the volume has no place for join those that it holds.
+    std::optional<OpenItem> const companion = companionItem(item);
+    bool const isWhole =
+        !temporary.empty() && listed.isOpen() &&
+        (!companion || TreeCopy(goesOn, copied).run(*companion, folder, AppleDoubleFile::nameFor(temporary))) &&
+        TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
+        placeOver(item, folder, name, clash, [&] { return nameCopy(folder, temporary, name); });
+    // Some file systems cannot flush folders.
+    if (isWhole) ::fsync(listed.number());
     if (!isWhole && !temporary.empty()) removeCopy(folder, temporary);
     return isWhole;
 }
 
-// Only what was copied goes, and only as it was then.
-bool removeOriginal(OpenItem const& item, CopiedItems const& copied) {
+// Only what was copied goes, and only as it was then; a name that goes changes the file that its others lead to.
+bool removeCopied(FileDescriptor const& folder, std::string const& name, ItemPlace const& place, CopiedItems& copied) {
+    auto const known = copied.find(place.identity);
+    bool const isCopied = known != copied.end() && (place.isFolder || known->second == changeTime(folder, name));
+    if (!isCopied) {
+        errno = ESTALE;
+        return false;
+    }
+    FileDescriptor const file(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.isOpen() || !removeOne(folder, name, place)) return false;
+    known->second = changeTime(file, "");
+    return true;
+}
+
+bool removeOriginal(OpenItem const& item, CopiedItems& copied) {
     std::optional<ItemPlace> const place = placeOf(item.item);
     if (!place) return false;
-    return descend(item.folder, item.name, place->identity, {},
+    return descend(item.folder, item.name, place->identity, {.makesAccessible = true},
                    [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& found) {
-                       auto const known = copied.find(found.identity);
-                       bool const isCopied =
-                           known != copied.end() && (found.isFolder || known->second == changeTime(folder, name));
-                       if (!isCopied) errno = ESTALE;
-                       return isCopied && removeOne(folder, name, found);
+                       return removeCopied(folder, name, found, copied);
                    });
+}
+
+// To another folder of the volume, with the AppleDouble file beside it or not at all.
+Moved moveWithCompanion(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    Companion const companion = companionOf(item.folder, item.name);
+    Moved const moved = moveItem(item.item, item.folder, item.name, folder, name);
+    if (moved != Moved::Yes || !companion.file.isOpen()) return moved;
+    Moved const followed =
+        moveItem(companion.file, item.folder, companion.name, folder, AppleDoubleFile::nameFor(name));
+    if (followed == Moved::Yes || (followed == Moved::No && errno == ENOENT)) return Moved::Yes;
+    int const reason = errno;
+    Moved const back = moveItem(item.item, folder, name, item.folder, item.name);
+    errno = reason;
+    return back == Moved::Yes ? Moved::No : Moved::ButAnother;
 }
 
 bool isThere(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
@@ -309,27 +339,23 @@ bool isThere(OpenItem const& item, FileDescriptor const& folder, std::string con
 bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
               TransferGoesOn const& goesOn) {
     CopiedItems copied;
-    if (!copyAs(item, folder, name, clash, goesOn, copied)) return false;
-    bringCompanion(item, folder, name, false);
-    return true;
+    return copyAs(item, folder, name, clash, goesOn, copied);
 }
 
 bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
               TransferGoesOn const& goesOn) {
     if (clash == NameClash::IsReplaced && isThere(item, folder, name)) return true;
     Moved moved = Moved::No;
-    bool isMoved = placeOver(item, folder, name, clash, [&] {
-        moved = moveItem(item.item, item.folder, item.name, folder, name);
+    bool const isMoved = placeOver(item, folder, name, clash, [&] {
+        moved = moveWithCompanion(item, folder, name);
         return moved == Moved::Yes;
     });
-    if (moved == Moved::ButAnother) return false;
-    if (!isMoved && errno != EXDEV) return false;
-    if (!isMoved) {
-        CopiedItems copied;
-        if (!copyAs(item, folder, name, clash, goesOn, copied) || !removeOriginal(item, copied)) return false;
-    }
-    bringCompanion(item, folder, name, true);
-    return true;
+    if (isMoved) return true;
+    if (moved == Moved::ButAnother || errno != EXDEV) return false;
+    CopiedItems copied;
+    std::optional<OpenItem> const companion = companionItem(item);
+    return copyAs(item, folder, name, clash, goesOn, copied) && removeOriginal(item, copied) &&
+           (!companion || removeOriginal(*companion, copied));
 }
 
 } // namespace mac

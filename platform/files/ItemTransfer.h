@@ -8,8 +8,9 @@ namespace mac {
 // Copies and moves of whole items, folders with all that is in them, to any depth. Links are copied themselves, what is
 // mounted in a folder is not entered (EBUSY), and several names of one file become files of their own. A copy has the
 // contents, permissions, dates and attributes of the original, and its owner where that is allowed; whoever may read it
-// is never more than before. The AppleDouble file beside an item goes with it. All answer false when they fail, errno
-// says why, and what was there is there. For implementations; any thread.
+// is never more than before. The AppleDouble file beside an item goes with it or neither goes: EEXIST where a stray one
+// has its name. All answer false when they fail, errno says why, and what was there is there. For implementations; any
+// thread.
 
 enum class NameClash {
     // EEXIST where something has the name already.

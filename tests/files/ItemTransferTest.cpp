@@ -11,6 +11,7 @@ namespace mac::test {
 namespace {
 
 TransferGoesOn const always = [] { return true; };
+std::string const AppleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
 
 FileDescriptor folderAt(std::string const& path) {
     return FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -138,6 +139,32 @@ TEST(ItemTransfer, DoesNotReplaceTheFolderThatHoldsTheItem) {
     EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"a"}) << "no copy is left";
 }
 
+TEST(ItemTransfer, CopiesWhatAVolumeTellsNoSizeOf) {
+    TemporaryFolder const folder;
+    ASSERT_EQ(statusOf("/proc/version").st_size, 0);
+    EXPECT_EQ(errorOf(copy, "/proc/version", folder.path(), "copy"), 0);
+    EXPECT_FALSE(textOf("/proc/version").empty());
+    EXPECT_EQ(textOf(folder.path("copy")), textOf("/proc/version"));
+}
+
+TEST(ItemTransfer, DoesNotPartAnItemFromItsAppleDoubleFile) {
+    TemporaryFolder const folder;
+    folder.makeFile("file", "x");
+    folder.makeFile("._file", AppleDouble + "own");
+    folder.makeFile("there/._file", AppleDouble + "stray");
+    for (Transfer const transfer : {copy, move}) {
+        EXPECT_EQ(errorOf(transfer, folder.path("file"), folder.path("there"), "file"), EEXIST);
+        EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"._file", "file", "there"}));
+        EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>{"._file"});
+        EXPECT_EQ(textOf(folder.path("there/._file")), AppleDouble + "stray");
+    }
+    EXPECT_EQ(errorOf(copy, folder.path("file"), folder.path("there"), "copy"), 0);
+    EXPECT_EQ(textOf(folder.path("there/._copy")), AppleDouble + "own");
+    EXPECT_EQ(errorOf(move, folder.path("file"), folder.path("there"), "moved"), 0);
+    EXPECT_EQ(textOf(folder.path("there/._moved")), AppleDouble + "own");
+    EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"there"});
+}
+
 TEST(ItemTransfer, LeavesNothingOfACopyThatIsGivenUp) {
     TemporaryFolder const folder;
     makeTree(folder, "tree");
@@ -178,6 +205,32 @@ TEST_F(ItemTransferOnVolumes, MovesAFolderToAnotherVolume) {
     EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
     expectTree(m_point.path("tree"));
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, MovesFilesOfSeveralNamesAndTheirAppleDoubleFile) {
+    mountMemory(m_point.path());
+    m_folder.makeFile("tree/a", "x");
+    ASSERT_EQ(::link(m_folder.path("tree/a").c_str(), m_folder.path("tree/b").c_str()), 0);
+    ASSERT_EQ(::link(m_folder.path("tree/a").c_str(), m_folder.path("tree/c").c_str()), 0);
+    m_folder.makeFile("._tree", AppleDouble);
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    EXPECT_EQ(namesIn(m_point.path("tree")), (std::vector<std::string>{"a", "b", "c"}));
+    EXPECT_EQ(textOf(m_point.path("._tree")), AppleDouble);
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, MovesAFolderThatNobodyMayChange) {
+    mountMemory(m_point.path(), "mode=777");
+    m_folder.makeFile("tree/inner/file", "x");
+    for (char const* const name : {"", "tree", "tree/inner", "tree/inner/file"})
+        OrdinaryUser::own(m_folder.path(name));
+    OrdinaryUser const user;
+    ASSERT_EQ(::chmod(m_folder.path("tree/inner").c_str(), 0555), 0);
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    EXPECT_EQ(textOf(m_point.path("tree/inner/file")), "x");
+    EXPECT_EQ(statusOf(m_point.path("tree/inner")).st_mode & 0777U, 0555U);
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+    ::chmod(m_point.path("tree/inner").c_str(), 0755);
 }
 
 TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {

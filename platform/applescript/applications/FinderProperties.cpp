@@ -2,7 +2,7 @@
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/files/ExclusiveRename.h"
+#include "platform/files/ItemTransfer.h"
 #include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/AccountNames.h"
@@ -231,10 +231,8 @@ void FinderItem::rename(Value const& value, TextContext const& context) {
     if (!name || m_path == "/" || m_type == codeOf("cdis")) throw fileError(EINVAL, specifier());
     OpenItem const item = open();
     if (*name == item.name) return;
-    if (!renameWithoutReplacing(item.folder.number(), item.name, item.folder.number(), *name))
+    if (!moveItem(item, item.folder, *name, NameClash::IsRefused, [] { return true; }))
         throw fileError(errno, specifier());
-    // What belongs to the item goes by its name.
-    renameWithoutReplacing(item.folder.number(), "._" + item.name, item.folder.number(), "._" + *name);
     m_path = joined(parentOf(m_path), *name);
 }
 
