@@ -1,8 +1,8 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
 #include <pwd.h>
@@ -19,23 +19,6 @@ std::string bytesOf(NSString const& string) { return string.fileSystemRepresenta
 struct PathResult {
     std::string_view path;
     std::string_view result;
-};
-
-// Sets HOME, and puts it back.
-class Home {
-public:
-    explicit Home(char const* value) : m_before(std::getenv("HOME")) {
-        if (value)
-            ::setenv("HOME", value, 1);
-        else
-            ::unsetenv("HOME");
-    }
-    ~Home() { ::setenv("HOME", m_before.c_str(), 1); }
-    Home(Home const&) = delete;
-    Home& operator=(Home const&) = delete;
-
-private:
-    std::string m_before;
 };
 
 std::string joined(NSArray const& components) {
@@ -134,7 +117,7 @@ TEST(NSStringPaths, AreAbsoluteWithASlashOrATilde) {
 }
 
 TEST(NSStringPaths, ExpandTheTilde) {
-    Home const home("/home/ann");
+    EnvironmentVariable const home("HOME", "/home/ann");
     for (PathResult const& row : {PathResult{"~", "/home/ann"}, PathResult{"~/", "/home/ann"},
                                   PathResult{"~/a/b/", "/home/ann/a/b"}, PathResult{"/~/a", "/~/a"},
                                   PathResult{"a~", "a~"}, PathResult{"~no-such-user-here/a", "~no-such-user-here/a"},
@@ -149,7 +132,7 @@ TEST(NSStringPaths, ExpandTheTildeOfAUser) {
 }
 
 TEST(NSStringPaths, AbbreviateTheHomeByWholeComponents) {
-    Home const home("/home/ann/");
+    EnvironmentVariable const home("HOME", "/home/ann/");
     for (PathResult const& row : {PathResult{"/home/ann", "~"}, PathResult{"/home/ann/", "~"},
                                   PathResult{"/home/ann/a", "~/a"}, PathResult{"/home/annex", "/home/annex"},
                                   PathResult{"/home", "/home"}, PathResult{"home/ann", "home/ann"}, PathResult{"", ""}})
@@ -157,7 +140,7 @@ TEST(NSStringPaths, AbbreviateTheHomeByWholeComponents) {
 }
 
 TEST(NSStringPaths, DoNotAbbreviateTheRootAsAHome) {
-    Home const home("/");
+    EnvironmentVariable const home("HOME", "/");
     EXPECT_EQ("/a", bytesOf(path("/a").stringByAbbreviatingWithTildeInPath()));
     EXPECT_EQ("/a", bytesOf(path("~/a").stringByExpandingTildeInPath()));
 }
@@ -165,15 +148,15 @@ TEST(NSStringPaths, DoNotAbbreviateTheRootAsAHome) {
 TEST(NSStringPaths, TakeTheHomeFromTheUserDatabaseWhereTheVariableIsNone) {
     passwd const* const entry = ::getpwuid(::geteuid());
     ASSERT_NE(nullptr, entry);
-    for (char const* const value : {static_cast<char const*>(nullptr), "", "relative/home"}) {
-        Home const home(value);
+    for (std::optional<std::string> const& value : {std::optional<std::string>(), {""}, {"relative/home"}}) {
+        EnvironmentVariable const home("HOME", value);
         EXPECT_EQ(entry->pw_dir, bytesOf(NSHomeDirectory()));
     }
     EXPECT_EQ(entry->pw_name, bytesOf(NSUserName()));
 }
 
 TEST(NSStringPaths, AreStandardizedByName) {
-    Home const home("/home/ann");
+    EnvironmentVariable const home("HOME", "/home/ann");
     for (PathResult const& row :
          {PathResult{"/a/b/..", "/a"}, PathResult{"/a/../b", "/b"}, PathResult{"/..", "/"},
           PathResult{"/../../a", "/a"}, PathResult{"/a//b/./c/", "/a/b/c"}, PathResult{"a/../b", "a/../b"},
