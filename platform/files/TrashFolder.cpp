@@ -2,8 +2,8 @@
 #include "platform/files/FolderPlace.h"
 #include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/LongPath.h"
-#include "platform/foundation/NSString.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -20,12 +20,7 @@ constexpr int FolderFlags = O_PATH | O_DIRECTORY;
 // To be listed, and flushed to the disk.
 constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
 
-std::string homeTrashPath() {
-    char const* const data = std::getenv("XDG_DATA_HOME");
-    // A relative one counts for nothing.
-    if (data && *data == '/') return std::string(data) + "/Trash";
-    return NSHomeDirectory().fileSystemRepresentation().value_or("") + "/.local/share/Trash";
-}
+std::string homeTrashPath() { return dataHome() + "/Trash"; }
 
 // The folder at the path, or the nearest above it that can be reached.
 FileDescriptor openNearest(std::string path) {

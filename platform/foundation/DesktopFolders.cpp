@@ -1,4 +1,5 @@
 #include "platform/foundation/DesktopFolders.h"
+#include "platform/foundation/NSString.h"
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -33,10 +34,22 @@ std::string environmentValue(char const* name) {
     return value ? value : "";
 }
 
+std::string homeFolder() { return NSHomeDirectory().fileSystemRepresentation().value_or("/"); }
+
+// The rest is empty or begins with a slash.
+std::string pathBelow(std::string_view home, std::string_view rest) {
+    if (home == "/" && !rest.empty()) home = {};
+    return std::string(home).append(rest);
+}
+
+// Relative ones count for nothing.
+std::string baseFolder(char const* variable, std::string_view usual) {
+    std::string folder = environmentValue(variable);
+    return folder.starts_with('/') ? folder : pathBelow(homeFolder(), usual);
+}
+
 std::string listOfFolders() {
-    std::string folder = environmentValue("XDG_CONFIG_HOME");
-    if (!folder.starts_with('/')) folder = environmentValue("HOME") + "/.config";
-    std::ifstream file(folder + "/user-dirs.dirs", std::ios::binary);
+    std::ifstream file(configHome() + "/user-dirs.dirs", std::ios::binary);
     std::string list(LongestList, '\0');
     file.read(list.data(), static_cast<std::streamsize>(list.size()));
     list.resize(static_cast<std::size_t>(file.gcount()));
@@ -44,6 +57,10 @@ std::string listOfFolders() {
 }
 
 } // namespace
+
+std::string configHome() { return baseFolder("XDG_CONFIG_HOME", "/.config"); }
+
+std::string dataHome() { return baseFolder("XDG_DATA_HOME", "/.local/share"); }
 
 std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home) {
     constexpr std::string_view homeVariable = "$HOME";
@@ -59,7 +76,7 @@ std::optional<std::string> folderInList(std::string_view list, std::string_view 
         if (!folder || folder->find('\0') != std::string::npos) continue;
         bool const isInHome = folder->starts_with(homeVariable) &&
                               (folder->size() == homeVariable.size() || (*folder)[homeVariable.size()] == '/');
-        if (isInHome) folder->replace(0, homeVariable.size(), home);
+        if (isInHome) folder = pathBelow(home, std::string_view(*folder).substr(homeVariable.size()));
         if (folder->starts_with('/')) found = std::move(folder);
     }
     return found;
@@ -68,7 +85,7 @@ std::optional<std::string> folderInList(std::string_view list, std::string_view 
 std::optional<std::string> desktopFolder(std::string const& variable) {
     std::string folder = environmentValue(variable.c_str());
     if (folder.starts_with('/')) return folder;
-    return folderInList(listOfFolders(), variable, environmentValue("HOME"));
+    return folderInList(listOfFolders(), variable, homeFolder());
 }
 
 } // namespace mac

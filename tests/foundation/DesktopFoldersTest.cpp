@@ -1,4 +1,5 @@
 #include "platform/foundation/DesktopFolders.h"
+#include "platform/foundation/NSString.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
@@ -42,6 +43,53 @@ TEST(DesktopFolders, TheEnvironmentComesBeforeTheUsersList) {
     EXPECT_EQ(desktopFolder("XDG_MUSIC_DIR"), "/home/ann/Songs");
     EnvironmentVariable const set("XDG_MUSIC_DIR", "/srv/music");
     EXPECT_EQ(desktopFolder("XDG_MUSIC_DIR"), "/srv/music");
+}
+
+TEST(DesktopFolders, TheHomeIsTheUsersWhereTheVariableIsNone) {
+    TemporaryFolder const folder;
+    EnvironmentVariable const configuration("XDG_CONFIG_HOME", folder.path());
+    std::ofstream(folder.path() + "/user-dirs.dirs") << "XDG_MUSIC_DIR=\"$HOME/Songs\"\n";
+    for (std::optional<std::string> const& value : {std::optional<std::string>(), {""}, {"relative/home"}}) {
+        EnvironmentVariable const home("HOME", value);
+        std::string const own = NSHomeDirectory().fileSystemRepresentation().value();
+        EXPECT_EQ(desktopFolder("XDG_MUSIC_DIR"), own + "/Songs");
+    }
+}
+
+TEST(DesktopFolders, ARootThatIsTheHomeIsOneSlash) {
+    EXPECT_EQ(folderInList("XDG_MUSIC_DIR=\"$HOME/Songs\"", "XDG_MUSIC_DIR", "/"), "/Songs");
+    EXPECT_EQ(folderInList("XDG_MUSIC_DIR=\"$HOME\"", "XDG_MUSIC_DIR", "/"), "/");
+}
+
+TEST(DesktopFolders, SettingsAndDataLieInTheHomeOrWhereTheEnvironmentSays) {
+    EnvironmentVariable const home("HOME", "/home/ann/");
+    for (std::optional<std::string> const& value : {std::optional<std::string>(), {""}, {"relative"}}) {
+        EnvironmentVariable const configuration("XDG_CONFIG_HOME", value);
+        EnvironmentVariable const data("XDG_DATA_HOME", value);
+        EXPECT_EQ(configHome(), "/home/ann/.config");
+        EXPECT_EQ(dataHome(), "/home/ann/.local/share");
+    }
+    EnvironmentVariable const configuration("XDG_CONFIG_HOME", "/srv/settings");
+    EnvironmentVariable const data("XDG_DATA_HOME", "/srv/data");
+    EXPECT_EQ(configHome(), "/srv/settings");
+    EXPECT_EQ(dataHome(), "/srv/data");
+}
+
+TEST(DesktopFolders, SettingsAndDataOfOneWithoutAHomeLieInTheUserDatabases) {
+    EnvironmentVariable const configuration("XDG_CONFIG_HOME", std::nullopt);
+    EnvironmentVariable const data("XDG_DATA_HOME", std::nullopt);
+    EnvironmentVariable const home("HOME", std::nullopt);
+    std::string const own = NSHomeDirectory().fileSystemRepresentation().value();
+    EXPECT_EQ(configHome(), (own == "/" ? "" : own) + "/.config");
+    EXPECT_EQ(dataHome(), (own == "/" ? "" : own) + "/.local/share");
+}
+
+TEST(DesktopFolders, ARootThatIsTheHomeHoldsSettingsAndData) {
+    EnvironmentVariable const configuration("XDG_CONFIG_HOME", std::nullopt);
+    EnvironmentVariable const data("XDG_DATA_HOME", std::nullopt);
+    EnvironmentVariable const home("HOME", "/");
+    EXPECT_EQ(configHome(), "/.config");
+    EXPECT_EQ(dataHome(), "/.local/share");
 }
 
 } // namespace
