@@ -13,6 +13,15 @@ constexpr char16_t lowercaseASCII(char16_t unit) {
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
 }
 
+// The letters of ASCII alone: other bytes, such as those of longer characters, stay.
+inline std::string asciiLowercase(std::string_view text) {
+    std::string lower(text);
+    for (char& byte : lower) {
+        if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte - 'A' + 'a');
+    }
+    return lower;
+}
+
 // The text must be ASCII.
 inline std::u16string unitsFromASCII(std::string_view text) { return {text.begin(), text.end()}; }
 

@@ -28,14 +28,6 @@ Sign splitSign(std::string_view text) {
     return {isNegative, isNegative || text.starts_with('+') ? text.substr(1) : text};
 }
 
-std::string lowercase(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return lower;
-}
-
 template <class Value, class... Base>
 std::optional<Value> whole(std::string_view text, Base... base) {
     Value value{};
@@ -84,7 +76,7 @@ NSNumber integerOfText(std::string_view text) {
 
 NSNumber realOfText(std::string_view text) {
     Sign const sign = splitSign(text);
-    std::string const number = lowercase(sign.rest);
+    std::string const number = asciiLowercase(sign.rest);
     double magnitude = 0;
     if (number == "nan") {
         magnitude = std::numeric_limits<double>::quiet_NaN();

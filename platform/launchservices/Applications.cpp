@@ -1,6 +1,7 @@
 #include "platform/launchservices/Applications.h"
 #include "platform/files/FSPaths.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/FolderContents.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DesktopRoles.h"

@@ -1,6 +1,7 @@
 #include "platform/launchservices/DiskItem.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/files/OpenItem.h"
+#include "platform/foundation/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -40,14 +41,6 @@ std::optional<DiskItem> describe(OpenItem const& item, std::string path) {
 }
 
 } // namespace
-
-std::string asciiLowercase(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return result;
-}
 
 bool isPackageExtension(std::string_view extension) {
     return std::ranges::binary_search(PackageExtensions, asciiLowercase(extension));

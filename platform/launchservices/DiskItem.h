@@ -41,7 +41,4 @@ std::optional<DiskItem> diskItemOf(NSURL const& url);
 // Whether a folder of that extension, in any case of letters, is a package.
 bool isPackageExtension(std::string_view extension);
 
-// Letters of ASCII alone; other bytes stay.
-std::string asciiLowercase(std::string_view text);
-
 } // namespace mac

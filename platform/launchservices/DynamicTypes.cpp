@@ -1,3 +1,4 @@
+#include "platform/foundation/ASCII.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
 #include <array>

@@ -1,4 +1,5 @@
 #include "platform/launchservices/TypeTree.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/MIMETypes.h"
