@@ -3,8 +3,10 @@
 #include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/applescript/ScriptHome.h"
+#include "tests/files/TrashHome.h"
 #include "tests/support/Gio.h"
 #include "tests/support/PrivateMounts.h"
+#include <array>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -143,6 +145,81 @@ TEST(Finder, DoesNotMoveAFolderIntoItself) {
     ScriptHome const home;
     EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents"), home.path("Documents/Inner"))), -10024);
     EXPECT_TRUE(isThere(home.path("Documents/Inner/deep.md")));
+}
+
+constexpr char FinderAttribute[] = "user.com.apple.FinderInfo";
+constexpr std::string_view TextOfAnEditor = "TEXTttxt";
+
+std::string finderAttribute(std::string const& path) {
+    std::array<char, 64> bytes{};
+    ssize_t const length = ::lgetxattr(path.c_str(), FinderAttribute, bytes.data(), bytes.size());
+    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))};
+}
+
+void setFinderAttribute(std::string const& path, std::string bytes) {
+    bytes.resize(32);
+    ASSERT_EQ(::setxattr(path.c_str(), FinderAttribute, bytes.data(), bytes.size(), 0), 0);
+}
+
+std::string ofItem(std::string const& property, std::string const& path) {
+    return "tell application \"Finder\" to " + property + " of (POSIX file \"" + escaped(path) + "\")";
+}
+
+TEST(Finder, ALabelLeavesTypeAndCreatorAlone) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    setFinderAttribute(file, std::string(TextOfAnEditor) + "\x41\x01");
+    EXPECT_EQ(errorNumberOf("tell application \"Finder\" to set label index of (POSIX file \"" + file + "\") to 2"), 0);
+    EXPECT_EQ(finderAttribute(file).substr(0, 10), std::string(TextOfAnEditor) + "\x41\x0D");
+}
+
+TEST(Finder, SetsNoLabelWhereItCannotReadWhatElseIsThere) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    setFinderAttribute(file, std::string(TextOfAnEditor));
+    std::string const before = finderAttribute(file);
+    ASSERT_EQ(::chmod(home.path().c_str(), 0755), 0);
+    mac::test::OrdinaryUser::own(file);
+    ASSERT_EQ(::chmod(file.c_str(), 0200), 0);
+    {
+        mac::test::OrdinaryUser const user;
+        EXPECT_EQ(errorNumberOf("tell application \"Finder\" to set label index of (POSIX file \"" + file + "\") to 2"),
+                  -5000);
+        EXPECT_EQ(outcomeOf(ofItem("label index", file)).value.asInteger(), 0);
+    }
+    ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
+    EXPECT_EQ(finderAttribute(file), before);
+}
+
+TEST(Finder, AFileThatOnlyItsRightsProtectIsNotLocked) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(ofItem("locked", file)).value)), "false");
+}
+
+TEST(Finder, ShowsABundleByTheNameThatItGivesItself) {
+    ScriptHome const home;
+    std::string const bundle = home.folder().makeBundle(
+        "Mine.app", "<plist version=\"1.0\"><dict><key>CFBundleDisplayName</key><string>Mine</string></dict></plist>");
+    EXPECT_EQ(textResult(ofItem("displayed name", bundle)), "Mine");
+    EXPECT_EQ(textResult(ofItem("name", bundle)), "Mine.app");
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(ofItem("extension hidden", bundle)).value)), "true");
+    std::string const plain = home.folder().makeFile("a:b.txt", "");
+    EXPECT_EQ(textResult(ofItem("displayed name", plain)), "a/b.txt");
+    setFinderAttribute(plain, std::string(8, '\0') + std::string("\0\x10", 2));
+    EXPECT_EQ(textResult(ofItem("displayed name", plain)), "a/b");
+}
+
+TEST(Finder, TellsTheKindOfAnItemByWhatItHolds) {
+    ScriptHome const home;
+    ASSERT_EQ(::symlink("Documents", home.path("link").c_str()), 0);
+    EXPECT_EQ(textResult(ofItem("kind", home.path("Desktop/Mirror.app"))), "Application");
+    EXPECT_EQ(textResult(ofItem("kind", home.folder().makeFolder("Empty/x.pkg"))), "Installer package");
+    EXPECT_EQ(textResult(ofItem("kind", home.path("link"))), "Alias");
+    EXPECT_EQ(textResult(ofItem("kind", home.folder().makeFile("a.plist", ""))), "Property list");
+    EXPECT_EQ(textResult(ofItem("kind", home.folder().makeFile("a.Qqq", "\1\2"))), "qqq document");
+    EXPECT_EQ(textResult("tell application \"Finder\" to kind of startup disk"), "Volume");
 }
 
 TEST(Finder, SaysWhichApplicationComplains) {

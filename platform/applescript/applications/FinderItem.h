@@ -4,8 +4,9 @@
 #include "platform/files/ItemIdentity.h"
 
 namespace mac {
+struct DiskItem;
 struct OpenItem;
-}
+} // namespace mac
 
 namespace mac::applescript {
 
@@ -55,6 +56,7 @@ public:
 
 private:
     std::optional<Value> diskProperty(Code code) const;
+    Value shownProperty(Code code) const;
     std::optional<Value> placeProperty(Code code);
     std::optional<Value> linkProperty(Code code) const;
     Value entireContents();
@@ -71,16 +73,19 @@ private:
 // What errno says, as the Finder's error about the object.
 ScriptError fileError(int errorNumber, Value const& object);
 
-// FinderMetadata.cpp: what is kept beside the contents. Nothing where the item has none.
+// FinderMetadata.cpp: what is kept beside the contents. Nothing where the item has none, and where it cannot be read;
+// to set something throws then.
 std::u16string commentOf(OpenItem const& item);
 void setComment(OpenItem const& item, std::u16string const& comment, Value const& object);
 int labelIndexOf(OpenItem const& item);
 void setLabelIndex(OpenItem const& item, int index, Value const& object);
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator);
+// Whether it may not be changed at all, whoever owns it.
+bool isLocked(OpenItem const& item);
 // The rights of owner (0), group (1) and everybody (2) as one of the Finder's constants, and back.
 Value privilegesOf(std::uint32_t mode, int whose);
 bool setPrivileges(OpenItem const& item, int whose, Value const& value);
-std::u16string kindOf(Code type, std::u16string_view name);
+std::u16string kindOf(Code type, DiskItem const& item);
 std::u16string urlOf(std::string const& path, bool isFolder);
 
 } // namespace mac::applescript

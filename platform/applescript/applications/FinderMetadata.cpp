@@ -1,8 +1,11 @@
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/files/CatalogFields.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/files/OpenItem.h"
 #include "platform/foundation/Encodings.h"
-#include <array>
+#include "platform/foundation/NSString.h"
+#include "platform/launchservices/ContentTypes.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/launchservices/TypeIdentifiers.h"
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -14,74 +17,67 @@ namespace {
 
 // Linux: the attribute "user.xdg.comment", which the desktop's own programs show.
 constexpr char CommentName[] = "xdg.comment";
-
-using FinderInformation = std::array<unsigned char, 32>;
-// The ninth byte's second half of the flags: three bits of colour.
-constexpr std::size_t LabelByte = 9;
-constexpr unsigned LabelMask = 0x0E;
+constexpr std::uint32_t Start = 0;
+// Of the flags, three bits of colour.
+constexpr unsigned LabelShift = 1;
 constexpr int LabelCount = 8;
 
-std::optional<FinderInformation> finderInformation(OpenItem const& item) {
-    FinderInformation bytes{};
-    std::ptrdiff_t const length =
-        mac::getxattr(item.systemPath().c_str(), XATTR_FINDERINFO_NAME, bytes.data(), bytes.size(), 0, 0);
-    return length == static_cast<std::ptrdiff_t>(bytes.size()) ? std::optional(bytes) : std::nullopt;
-}
-
-bool isLink(OpenItem const& item) {
-    struct stat status {};
-    return ::fstat(item.item.number(), &status) == 0 && S_ISLNK(status.st_mode);
+// What cannot be read does not show.
+FinderInformation shownInformation(OpenItem const& item) {
+    return readFinderInformation(attributePath(item)).value_or(FinderInformation());
 }
 
 } // namespace
 
 std::u16string commentOf(OpenItem const& item) {
-    if (isLink(item)) return {};
-    std::string const path = item.systemPath();
-    std::ptrdiff_t const length = mac::getxattr(path.c_str(), CommentName, nullptr, 0, 0, 0);
+    std::string const path = attributePath(item);
+    std::ptrdiff_t const length = mac::getxattr(path.c_str(), CommentName, nullptr, 0, Start, XATTR_NOFOLLOW);
     if (length <= 0) return {};
     std::string bytes(static_cast<std::size_t>(length), '\0');
-    std::ptrdiff_t const read = mac::getxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), 0, 0);
+    std::ptrdiff_t const read =
+        mac::getxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW);
     if (read < 0) return {};
     bytes.resize(static_cast<std::size_t>(read));
     return unitsFromFileSystemBytes(bytes);
 }
 
 void setComment(OpenItem const& item, std::u16string const& comment, Value const& object) {
-    if (isLink(item)) throw fileError(EPERM, object);
-    std::string const path = item.systemPath();
+    std::string const path = attributePath(item);
     std::string const bytes = utf8FromUnits(comment);
-    bool const isSet = bytes.empty() ? mac::removexattr(path.c_str(), CommentName, 0) == 0 || errno == ENODATA
-                                     : mac::setxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), 0, 0) == 0;
+    bool const isSet =
+        bytes.empty()
+            ? mac::removexattr(path.c_str(), CommentName, XATTR_NOFOLLOW) == 0 || errno == ENODATA
+            : mac::setxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW) == 0;
     if (!isSet) throw fileError(errno, object);
 }
 
 // The colours count the other way round on the disk.
 int labelIndexOf(OpenItem const& item) {
-    if (isLink(item)) return 0;
-    std::optional<FinderInformation> const information = finderInformation(item);
-    unsigned const colour = information ? ((*information)[LabelByte] & LabelMask) >> 1U : 0;
-    return colour == 0 ? 0 : LabelCount - static_cast<int>(colour);
+    int const colour = shownInformation(item).labelIndex();
+    return colour == 0 ? 0 : LabelCount - colour;
 }
 
 void setLabelIndex(OpenItem const& item, int index, Value const& object) {
     if (index < 0 || index >= LabelCount) throw plainError(errors::Parameter);
-    if (isLink(item)) throw fileError(EPERM, object);
-    FinderInformation information = finderInformation(item).value_or(FinderInformation{});
+    // What else is there stays, so it has to be read.
+    std::optional<FinderInformation> information = readFinderInformation(attributePath(item));
+    if (!information) throw fileError(errno, object);
     auto const colour = static_cast<unsigned>(index == 0 ? 0 : LabelCount - index);
-    information[LabelByte] = static_cast<unsigned char>((information[LabelByte] & ~LabelMask) | colour << 1U);
-    int const status =
-        mac::setxattr(item.systemPath().c_str(), XATTR_FINDERINFO_NAME, information.data(), information.size(), 0, 0);
-    if (status != 0) throw fileError(errno, object);
+    unsigned const flags = information->finderFlags() & ~unsigned{kColor};
+    information->setFinderFlags(static_cast<std::uint16_t>(flags | colour << LabelShift));
+    if (!writeFinderInformation(attributePath(item), *information)) throw fileError(errno, object);
 }
 
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator) {
-    std::optional<FinderInformation> const information = finderInformation(item);
-    if (!information) return {};
-    Code code = 0;
-    for (std::size_t index = 0; index < 4; ++index)
-        code = code << 8U | (*information)[index + (isCreator ? 4 : 0)];
+    FinderInformation const information = shownInformation(item);
+    Code const code = (isCreator ? information.fileCreator() : information.fileType()).value();
     return code == 0 ? std::nullopt : std::optional(Value::type(code));
+}
+
+bool isLocked(OpenItem const& item) {
+    FSCatalogInfo information;
+    return readCatalogFields(item, kFSCatInfoNodeFlags, information) &&
+           (information.nodeFlags & kFSNodeLockedMask) != 0;
 }
 
 Value privilegesOf(std::uint32_t mode, int whose) {
@@ -120,23 +116,18 @@ bool setPrivileges(OpenItem const& item, int whose, Value const& value) {
     return ::chmod(item.systemPath().c_str(), kept | rights << shift | entering) == 0;
 }
 
-std::u16string kindOf(Code type, std::u16string_view name) {
-    switch (type) {
-    case codeOf("cfol"):
-        return u"Folder";
-    case codeOf("cdis"):
-        return u"Volume";
-    case codeOf("alia"):
-        return u"Alias";
-    case codeOf("appf"):
-        return u"Application";
-    default:
-        break;
-    }
-    std::size_t const dot = name.rfind(u'.');
-    bool const hasExtension = dot != std::u16string_view::npos && dot > 0 && dot + 1 < name.size();
-    if (!hasExtension) return u"Document";
-    return foldedName(name.substr(dot + 1)) + u" document";
+std::u16string kindOf(Code type, DiskItem const& item) {
+    if (type == codeOf("cdis")) return u"Volume";
+    if (type == codeOf("alia")) return u"Alias";
+    NSString const identifier = NSString::stringWithUTF8String_(contentTypeOf(item));
+    NSString const description = UTTypeCopyDescription(identifier);
+    // Of a type that nobody describes the extension says most.
+    if (description == nil)
+        return item.extension().empty() ? std::u16string(u"Document")
+                                        : foldedName(unitsFromFileSystemBytes(item.extension())) + u" document";
+    std::u16string kind(description.codeUnits());
+    if (kind.front() >= u'a' && kind.front() <= u'z') kind.front() -= u'a' - u'A';
+    return kind;
 }
 
 std::u16string urlOf(std::string const& path, bool isFolder) {

@@ -8,6 +8,8 @@
 #include "platform/foundation/AccountNames.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/LongPath.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/launchservices/DisplayNames.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -64,19 +66,18 @@ std::optional<Value> FinderItem::property(Code code) {
     case codeOf("pcls"):
         return Value::type(m_type);
     case codeOf("pnam"):
-    case codeOf("dnam"):
         if (m_type == codeOf("cdis")) return diskProperty(codeOf("pnam"));
         return Value::text(name);
     case codeOf("nmxt"):
         return Value::text(isContainer() ? std::u16string() : extensionOf(name));
+    case codeOf("dnam"):
     case codeOf("hidx"):
-        return Value::boolean(false);
+    case codeOf("kind"):
+        return shownProperty(code);
     case codeOf("phys"):
         return count(m_facts.physicalSize);
     case codeOf("ptsz"):
         return isFolder() ? wholeSize() : count(m_facts.size);
-    case codeOf("kind"):
-        return Value::text(kindOf(m_type, name));
     case codeOf("dscr"):
         return Value::missing();
     case codeOf("ascd"):
@@ -96,7 +97,7 @@ std::optional<Value> FinderItem::property(Code code) {
     case codeOf("purl"):
         return Value::text(urlOf(m_path, isFolder()));
     case codeOf("aslk"):
-        return Value::boolean((m_facts.mode & S_IWUSR) == 0);
+        return Value::boolean(isLocked(open()));
     case codeOf("comt"):
         return Value::text(commentOf(open()));
     case codeOf("labi"):
@@ -111,6 +112,18 @@ std::optional<Value> FinderItem::property(Code code) {
     if (std::optional<Value> const place = placeProperty(code)) return place;
     if (m_type == codeOf("cdis")) return diskProperty(code);
     return m_type == codeOf("alia") ? linkProperty(code) : std::nullopt;
+}
+
+// As people are shown it.
+Value FinderItem::shownProperty(Code code) const {
+    std::optional<DiskItem> const item = diskItemAtPath(m_path);
+    if (!item) throw fileError(errno, specifier());
+    if (code == codeOf("kind")) return Value::text(kindOf(m_type, *item));
+    if (code == codeOf("hidx")) return Value::boolean(hidesExtension(*item));
+    if (m_type == codeOf("cdis")) return *diskProperty(codeOf("pnam"));
+    std::u16string name(displayNameOf(*item).codeUnits());
+    std::ranges::replace(name, u':', u'/');
+    return Value::text(std::move(name));
 }
 
 std::optional<Value> FinderItem::placeProperty(Code code) {
