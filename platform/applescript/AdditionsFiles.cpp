@@ -2,6 +2,7 @@
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ElementAccess.h"
 #include "platform/applescript/ScriptDate.h"
+#include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
 #include <dirent.h>
@@ -41,6 +42,7 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
     struct stat status {};
     if (::stat(bytesOfPath(path, file).c_str(), &status) != 0) throw fileNotFound(file);
     std::u16string const name = lastComponent(path);
+    std::string const bytesName = bytesOfPath(name, file);
     std::size_t const dot = name.rfind(u'.');
     bool const hasExtension = dot != std::u16string::npos && dot > 0 && dot + 1 < name.size();
     bool const isFolder = S_ISDIR(status.st_mode);
@@ -52,7 +54,7 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
         {key(codeOf("ptsz")), Value::number(static_cast<double>(status.st_size))},
         {key(codeOf("asdr")), Value::boolean(isFolder)},
         {key(codeOf("alis")), Value::boolean(false)},
-        {key(codeOf("ispk")), Value::boolean(isFolder && name.ends_with(u".app"))},
+        {key(codeOf("ispk")), Value::boolean(isFolder && classOfFolderNamed(bytesName) != codeOf("cfol"))},
         {key(codeOf("pvis")), Value::boolean(!name.starts_with(u'.'))},
         {key(codeOf("hidx")), Value::boolean(false)},
         {key(codeOf("nmxt")), hasExtension ? Value::text(name.substr(dot + 1)) : Value::missing()},

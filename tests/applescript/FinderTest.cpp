@@ -245,6 +245,27 @@ TEST(Finder, StopsWhenTheScriptIsToStop) {
     EXPECT_TRUE(isThere(home.path("Documents/f1.txt")));
 }
 
+TEST(Finder, NamesWhatLiesInAPackageSoThatItIsFoundAgain) {
+    ScriptHome const home;
+    for (std::string const name : {"x.bundle", "x.component", "X.App", "x.xcodeproj", "x.framework"}) {
+        std::string const file = home.folder().makeFile("Empty/" + name + "/Contents/in.txt", "");
+        std::string const source = "tell application \"Finder\"\nset x to container of (POSIX file \"" + file +
+                                   "\")\nname of item 1 of x\nend tell";
+        EXPECT_EQ(textResult(source), "in.txt") << name;
+        EXPECT_EQ(textResult(ofItem("name", home.path("Empty/" + name))), name);
+    }
+}
+
+TEST(Finder, EntireContentsLeavesPackagesClosed) {
+    ScriptHome const home;
+    for (std::string const name : {"a.Component", "b.xcodeproj", "c.app"})
+        home.folder().makeFile("Empty/" + name + "/inside", "");
+    home.folder().makeFile("Empty/d.framework/inside", "");
+    ScriptOutcome const outcome = outcomeOf(ofItem("name of every item of entire contents", home.path("Empty")));
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcome.value)),
+              R"({"a.Component", "b.xcodeproj", "c.app", "d.framework", "inside"})");
+}
+
 // A desktop in the memory, so that home and the other volume lie on different ones.
 class FinderOnVolumes : public mac::test::PrivateMounts {
 protected:
@@ -266,6 +287,14 @@ TEST_F(FinderOnVolumes, MovesAcrossVolumes) {
     EXPECT_EQ(textResult(moveScript(m_home.path("Documents"), m_point.path())), m_point.path("Documents") + "/");
     EXPECT_EQ(textOf(m_point.path("Documents/Inner/deep.md")), "deep");
     EXPECT_FALSE(isThere(m_home.path("Documents")));
+}
+
+TEST_F(FinderOnVolumes, EntireContentsStaysOnTheVolume) {
+    std::string const point = m_home.folder().makeFolder("Empty/point");
+    mountMemory(point);
+    std::ofstream(point + "/inside") << "x";
+    std::string const source = ofItem("(count entire contents", m_home.path("Empty")) + ") as text";
+    EXPECT_EQ(textResult(source), "1");
 }
 
 TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {

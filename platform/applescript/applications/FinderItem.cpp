@@ -26,7 +26,8 @@ struct CloseFolder {
 
 std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
     struct statx status {};
-    if (::statx(folder, name, flags | AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) return {};
+    int const how = flags | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
+    if (::statx(folder, name, how, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) return {};
     bool const hasBirth = (status.stx_mask & STATX_BTIME) != 0;
     constexpr std::uint64_t blockSize = 512;
     return ItemFacts{
@@ -38,6 +39,7 @@ std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
         .physicalSize = status.stx_blocks * blockSize,
         .created = hasBirth ? status.stx_btime.tv_sec : std::min(status.stx_ctime.tv_sec, status.stx_mtime.tv_sec),
         .modified = status.stx_mtime.tv_sec,
+        .isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0,
     };
 }
 
@@ -49,19 +51,10 @@ std::optional<ItemFacts> factsOf(FileDescriptor const& folder, std::string const
     return facts;
 }
 
-bool isPackageName(std::string_view name) {
-    constexpr auto endings = std::to_array<std::string_view>(
-        {".bundle", ".plugin", ".kext", ".pkg", ".mpkg", ".rtfd", ".prefPane", ".saver", ".wdgt"});
-    return std::ranges::any_of(
-        endings, [&](std::string_view ending) { return name.size() > ending.size() && name.ends_with(ending); });
-}
-
 Code typeOf(std::string_view name, std::uint32_t mode) {
     if (S_ISLNK(mode)) return codeOf("alia");
     if (S_ISREG(mode)) return codeOf("docf");
-    if (!S_ISDIR(mode)) return codeOf("cobj");
-    if (name.size() > 4 && name.ends_with(".app")) return codeOf("appf");
-    return isPackageName(name) ? codeOf("pack") : codeOf("cfol");
+    return S_ISDIR(mode) ? classOfFolderNamed(name) : codeOf("cobj");
 }
 
 bool isDisk(std::string const& path) {

@@ -21,6 +21,8 @@ struct ItemFacts {
     // Seconds since 1970.
     std::int64_t created{0};
     std::int64_t modified{0};
+    // What lies in it is another volume's.
+    bool isMountPoint{false};
 };
 
 // One item on a disk as the Finder shows it: a file, a folder, a disk. It holds the item's path and identity, and what

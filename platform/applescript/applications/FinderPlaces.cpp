@@ -5,6 +5,7 @@
 #include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/launchservices/DiskItem.h"
 #include <algorithm>
 #include <cstdlib>
 
@@ -16,8 +17,6 @@ std::string environment(char const* name) {
     char const* const value = std::getenv(name);
     return value ? value : "";
 }
-
-bool isPackageName(std::string_view name) { return name.ends_with(".app") && name.size() > 4; }
 
 } // namespace
 
@@ -46,6 +45,13 @@ std::string desktopPath() {
     return set.starts_with('/') ? set : joined(homePath(), "Desktop");
 }
 
+Code classOfFolderNamed(std::string_view name) {
+    std::size_t const dot = name.rfind('.');
+    std::string const extension = dot == std::string_view::npos || dot == 0 ? "" : asciiLowercase(name.substr(dot + 1));
+    if (extension == "app") return codeOf("appf");
+    return isPackageExtension(extension) ? codeOf("pack") : codeOf("cfol");
+}
+
 Value finderItself() { return makeObject<ApplicationObject>(ValueKind::Application, u"Finder", false); }
 
 Value itemSpecifier(Code type, std::string_view name, Value const& folder) {
@@ -65,7 +71,7 @@ Value folderSpecifier(std::string const& path) {
         rest.remove_prefix(1);
         std::string_view const name = rest.substr(0, rest.find('/'));
         rest.remove_prefix(name.size());
-        if (!name.empty()) place = itemSpecifier(isPackageName(name) ? codeOf("appf") : codeOf("cfol"), name, place);
+        if (!name.empty()) place = itemSpecifier(classOfFolderNamed(name), name, place);
     }
     return place;
 }

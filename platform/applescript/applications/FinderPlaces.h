@@ -18,6 +18,9 @@ std::optional<std::string> nameOnDisk(std::u16string_view shown);
 std::string homePath();
 std::string desktopPath();
 
+// An application, a package or a folder, by the name on the disk alone.
+Code classOfFolderNamed(std::string_view name);
+
 // `application "Finder"`.
 Value finderItself();
 // `folder "b" of folder "a" of startup disk of application "Finder"`.

@@ -215,7 +215,7 @@ Value FinderItem::wholeSize() const {
     return count(size);
 }
 
-// Folders before what is in them. Not into packages, nor through links.
+// Folders before what is in them. Not into packages, other volumes, nor through links.
 Value FinderItem::entireContents() {
     std::vector<Value> all;
     std::vector<ModelPointer> waiting = *elements(codeOf("cobj"));
@@ -224,7 +224,9 @@ Value FinderItem::entireContents() {
         ModelPointer const next = std::move(waiting.back());
         waiting.pop_back();
         all.push_back(next->specifier());
-        if (!next->isOfType(codeOf("cfol"))) continue;
+        bool const isEntered =
+            next->isOfType(codeOf("cfol")) && !static_cast<FinderItem const&>(*next).facts().isMountPoint;
+        if (!isEntered) continue;
         std::vector<ModelPointer> inner;
         try {
             inner = *next->elements(codeOf("cobj"));
