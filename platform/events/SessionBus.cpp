@@ -1,9 +1,7 @@
 #include "platform/events/SessionBus.h"
-#include <QByteArray>
+#include "platform/processes/Session.h"
 #include <QDBusArgument>
-#include <QFile>
 #include <QVariantMap>
-#include <sys/stat.h>
 
 namespace mac {
 
@@ -19,25 +17,14 @@ QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVari
 
 } // namespace
 
-// Without an address the bus's library would try to start a bus of its own.
-std::optional<QString> sessionBusAddress() {
-    QByteArray const address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-    if (!address.isEmpty()) return QString::fromLocal8Bit(address);
-    QByteArray const folder = qgetenv("XDG_RUNTIME_DIR");
-    if (folder.isEmpty()) return std::nullopt;
-    QByteArray const path = folder + "/bus";
-    struct stat status {};
-    if (::stat(path.constData(), &status) != 0 || !S_ISSOCK(status.st_mode)) return std::nullopt;
-    return QString::fromLatin1("unix:path=" + path.toPercentEncoding("/"));
-}
-
 std::optional<QDBusConnection> connectToSessionBus() {
-    std::optional<QString> const address = sessionBusAddress();
+    // Without an address the bus's library would try to start a bus of its own.
+    std::optional<std::string> const address = sessionBusAddress();
     if (!address) return std::nullopt;
     static int number = 0;
     // The name is for this process alone.
     QString const name = QStringLiteral("framekeeper-events-%1").arg(++number);
-    QDBusConnection const connection = QDBusConnection::connectToBus(*address, name);
+    QDBusConnection const connection = QDBusConnection::connectToBus(QString::fromStdString(*address), name);
     // The library keeps one under its name for good; ours ends with the last copy.
     QDBusConnection::disconnectFromBus(name);
     return connection.isConnected() ? std::optional(connection) : std::nullopt;

@@ -10,10 +10,7 @@
 
 namespace mac {
 
-// The bus's address as the session tells it; nothing where there is none. None is ever started.
-std::optional<QString> sessionBusAddress();
-
-// A new connection of its own.
+// A new connection of its own; nothing where there is no bus. None is ever started.
 std::optional<QDBusConnection> connectToSessionBus();
 
 // What the bus knows of a connection to it, by the number that the bus itself gave it or by a name.

@@ -33,36 +33,6 @@ RememberedStart& rememberedStart() {
     return start;
 }
 
-std::string processPath(std::int32_t pid, char const* name) { return "/proc/" + std::to_string(pid) + "/" + name; }
-
-// Texts that each end with a NUL.
-std::vector<std::string> textsIn(std::string const& path) {
-    std::vector<std::string> texts;
-    constexpr std::size_t largest = std::size_t{8} << 20;
-    FileDescriptor const file = openPath(path, O_RDONLY);
-    Result<FileContents> const contents = file.isOpen() ? readOpenFile(file, largest) : Failure{};
-    if (!contents.hasValue()) return texts;
-    std::string_view rest(reinterpret_cast<char const*>(contents.value().bytes.data()), contents.value().bytes.size());
-    while (!rest.empty()) {
-        std::size_t const end = std::min(rest.find('\0'), rest.size());
-        texts.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return texts;
-}
-
-// Of another session of the same user, at another display, it is somebody else's.
-bool isOfThisSession(std::int32_t pid) {
-    struct stat status {};
-    if (::stat(processPath(pid, "").c_str(), &status) != 0 || status.st_uid != ::geteuid()) return false;
-    std::optional<std::string> const own = sessionBusPlace();
-    constexpr std::string_view key = "DBUS_SESSION_BUS_ADDRESS=";
-    for (std::string const& variable : textsIn(processPath(pid, "environ"))) {
-        if (variable.starts_with(key)) return own && placeInBusAddress(variable.substr(key.size())) == *own;
-    }
-    return true;
-}
-
 std::optional<std::string> linkText(std::string const& path) {
     std::array<char, PATH_MAX> text;
     ssize_t const length = ::readlink(path.c_str(), text.data(), text.size());
@@ -155,15 +125,10 @@ FinderOutcome startBrowser(FileBrowser const& browser) {
 std::vector<ProcessIdentity> fileBrowserProcesses() {
     std::vector<ProcessIdentity> processes;
     std::optional<FileBrowser> const browser = defaultFileBrowser();
-    // Of a script nothing but the interpreter is known, and others run in it too.
-    if (!browser || isInterpreter(browser->executable)) return processes;
-    for (std::int32_t const pid : processIDs()) {
-        std::optional<RunningProcess> const process = runningProcess(pid);
-        if (process && process->executable == browser->executable && isOfThisSession(pid))
-            processes.push_back(process->identity);
+    if (!browser) return processes;
+    for (RunningProcess const& process : runningProcesses()) {
+        if (isFileBrowser(*browser, programOf(process), process.identity.pid)) processes.push_back(process.identity);
     }
-    std::ranges::sort(processes, {},
-                      [](ProcessIdentity const& process) { return std::pair(process.startTime, process.pid); });
     return processes;
 }
 
@@ -182,8 +147,8 @@ bool rememberFileBrowserStart() {
     std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
     if (!browser || processes.empty()) return false;
     std::int32_t const pid = processes.front().pid;
-    RememberedStart start{browser->executable, textsIn(processPath(pid, "cmdline")),
-                          linkText(processPath(pid, "cwd")).value_or("")};
+    RememberedStart start{browser->executable, argumentsOf(pid).value_or(std::vector<std::string>()),
+                          linkText("/proc/" + std::to_string(pid) + "/cwd").value_or("")};
     if (start.words.empty() || !runningProcess(processes.front())) return false;
     rememberedStart() = std::move(start);
     return true;

@@ -66,8 +66,6 @@ std::optional<std::vector<std::string>> serviceCommandOf(FileBrowser const& brow
     return std::nullopt;
 }
 
-std::string placeInBusAddress(std::string const& address) { return address.substr(0, address.find(",guid=")); }
-
 bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY"); }
 
 FinderOutcome noFileBrowser() {

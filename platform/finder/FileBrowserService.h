@@ -40,11 +40,6 @@ FinderOutcome waitForFileBrowserService(std::int32_t pid);
 // Calls a method of the service with the items.
 FinderOutcome callFileBrowserService(std::string const& method, std::vector<std::string> const& paths);
 
-// What tells the session's bus from others: its address without the number that a bus gives itself, which not all
-// processes know. Nothing where there is no bus.
-std::optional<std::string> sessionBusPlace();
-std::string placeInBusAddress(std::string const& address);
-
 // Whether a window can be shown.
 bool hasDisplay();
 

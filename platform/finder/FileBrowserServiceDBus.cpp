@@ -42,11 +42,6 @@ std::optional<bool> isFileBrowserServiceOffered() {
     return bus ? std::optional(isOffered(*bus)) : std::nullopt;
 }
 
-std::optional<std::string> sessionBusPlace() {
-    std::optional<QString> const address = sessionBusAddress();
-    return address ? std::optional(placeInBusAddress(address->toStdString())) : std::nullopt;
-}
-
 FinderOutcome waitForFileBrowserService(std::int32_t pid) {
     std::optional<QDBusConnection> const bus = connection();
     if (!bus) return noSessionBus();

@@ -32,7 +32,8 @@ std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& pa
 // takes only one file gets the first.
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths);
 
-// "file://" and the path's bytes, those with a meaning in a URI as percent escapes.
+// The path's bytes, those with a meaning in a URI as percent escapes; and the same behind "file://".
+std::string percentEscaped(std::string const& path);
 std::string fileURIOfPath(std::string const& path);
 
 // The user's folder for data and the system's ("/usr/share"), the weightiest first.

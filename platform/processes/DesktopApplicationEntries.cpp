@@ -187,23 +187,25 @@ std::vector<std::string> commandOf(DesktopApplication const& application, std::v
     return command;
 }
 
-std::string fileURIOfPath(std::string const& path) {
+std::string percentEscaped(std::string const& path) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     constexpr std::string_view plain = "/-._~";
-    std::string uri = "file://";
+    std::string escaped;
     for (char const character : path) {
         bool const isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
         if (isLetter || (character >= '0' && character <= '9') || plain.find(character) != std::string_view::npos) {
-            uri.push_back(character);
+            escaped.push_back(character);
             continue;
         }
         auto const byte = static_cast<unsigned char>(character);
-        uri.push_back('%');
-        uri.push_back(digits[byte >> 4]);
-        uri.push_back(digits[byte & 0xF]);
+        escaped.push_back('%');
+        escaped.push_back(digits[byte >> 4]);
+        escaped.push_back(digits[byte & 0xF]);
     }
-    return uri;
+    return escaped;
 }
+
+std::string fileURIOfPath(std::string const& path) { return "file://" + percentEscaped(path); }
 
 std::vector<std::string> dataFolders() {
     std::vector<std::string> folders{environment("XDG_DATA_HOME", home() + "/.local/share")};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,10 +16,17 @@ struct FileBrowser {
     std::string name;
     // The program's file, with links resolved.
     std::string executable;
+    // What programOf answers for its processes: the same, or the script that its command runs; empty where an
+    // interpreter is all that can be told.
+    std::string program;
 };
 
 // Looked up anew: the user's and the system's lists of default applications, then the applications known for folders.
 // The first whose program is there; nothing where there is none. Any thread.
 std::optional<FileBrowser> defaultFileBrowser();
+
+// Whether the process that runs the program, as programOf tells it, is the file browser of this user's session. Any
+// thread.
+bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::int32_t pid);
 
 } // namespace mac

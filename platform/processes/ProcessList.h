@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/processes/Processes.h"
+#include <compare>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,8 @@ struct ProcessIdentity {
     std::uint64_t startTime{0};
     std::int32_t pid{0};
 
-    bool operator==(ProcessIdentity const&) const = default;
+    // The order of their start. Of two that started in one tick of the clock the lower ID comes first.
+    auto operator<=>(ProcessIdentity const&) const = default;
 };
 
 struct RunningProcess {
@@ -37,12 +39,24 @@ std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
 // All those, in the order of their start. One that ends meanwhile may be missing.
 std::vector<RunningProcess> runningProcesses();
 
-// The file in a bundle that the process runs: its program, or, where that is an interpreter, the script. Links are
-// resolved. Nothing for a process that runs from no bundle, or has ended.
-std::optional<std::string> programInBundle(RunningProcess const& process);
+// Whether some process has the ID, also one that has ended and is only waited for. Next to no work.
+bool isIDInUse(std::int32_t pid);
+
+// The words that the process was called with, and its environment ("NAME=value") as that was when it began: at most
+// 8 MiB of them. Nothing where they may not be read.
+std::optional<std::vector<std::string>> argumentsOf(std::int32_t pid);
+std::optional<std::vector<std::string>> environmentOf(std::int32_t pid);
+
+// The file that tells what the process runs: its executable or, where that is an interpreter outside of any bundle, the
+// script, links resolved, as far as its arguments tell.
+std::string programOf(RunningProcess const& process);
 
 // Whether the program runs scripts, so that it does not tell what runs.
 bool isInterpreter(std::string_view executable);
+
+// The script among the words of a command line, the interpreter's file being the first; the word as it stands. Nothing
+// where the program is no interpreter, or no script can be told.
+std::optional<std::string> scriptInCommand(std::string_view executable, std::vector<std::string> const& words);
 
 // The innermost bundle in whose Contents the path lies; empty for none.
 std::string_view bundleHolding(std::string_view path);

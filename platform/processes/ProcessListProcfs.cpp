@@ -2,15 +2,20 @@
 #include "platform/processes/ProcessList.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <functional>
+#include <iterator>
 #include <mutex>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <unordered_map>
 
@@ -128,6 +133,21 @@ FileDescriptor openProcess(std::int32_t pid) {
     return FileDescriptor(::openat(AT_FDCWD, path.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
+// Calls it with the numbers below the count, each in a thread of its own, and returns once all are done.
+void forEachInParallel(std::size_t count, std::function<void(std::size_t)> const& function) {
+    std::vector<std::jthread> threads;
+    std::size_t number = 1;
+    try {
+        for (; number < count; ++number)
+            threads.emplace_back(function, number);
+    } catch (std::system_error const&) {
+        // The system has no more threads for us: the rest is done here.
+    }
+    function(0);
+    for (; number < count; ++number)
+        function(number);
+}
+
 constexpr int ProcessIDBits = 22;
 constexpr std::uint64_t ProcessIDMask = (std::uint64_t{1} << ProcessIDBits) - 1;
 
@@ -171,14 +191,27 @@ std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {
 }
 
 std::vector<RunningProcess> runningProcesses() {
+    std::vector<std::int32_t> const ids = processIDs();
+    // A thread costs as much to start as it takes to look at some of them.
+    constexpr std::size_t worthAThread = 256;
+    std::size_t const cores = std::max(std::thread::hardware_concurrency(), 1U);
+    std::size_t const count = std::clamp<std::size_t>(ids.size() / worthAThread, 1, cores);
+    std::vector<std::vector<RunningProcess>> parts(count);
+    auto const readPart = [&](std::size_t part) {
+        for (std::size_t index = ids.size() * part / count; index < ids.size() * (part + 1) / count; ++index) {
+            if (std::optional<RunningProcess> process = runningProcess(ids[index]))
+                parts[part].push_back(std::move(*process));
+        }
+    };
+    forEachInParallel(count, readPart);
     std::vector<RunningProcess> found;
-    for (std::int32_t const pid : processIDs()) {
-        if (std::optional<RunningProcess> process = runningProcess(pid)) found.push_back(std::move(*process));
-    }
-    // Of two that started in one tick of the clock the lower ID comes first, as the list has it.
-    std::ranges::stable_sort(found, {}, [](RunningProcess const& process) { return process.identity.startTime; });
+    for (std::vector<RunningProcess>& part : parts)
+        std::ranges::move(part, std::back_inserter(found));
+    std::ranges::sort(found, {}, &RunningProcess::identity);
     return found;
 }
+
+bool isIDInUse(std::int32_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
 
 // The ID in the lower bits and the start above them. The start counts from 1, which keeps clear of the numbers with a
 // meaning of their own.

@@ -1,4 +1,4 @@
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/LongPath.h"
 #include "platform/processes/ProcessList.h"
 #include <algorithm>
 #include <array>
@@ -34,32 +34,23 @@ std::string_view plainOptionsOf(std::string_view interpreter) {
     return "";
 }
 
-// As many of the words as fit; the last of them may be cut.
-std::vector<std::string> argumentsOf(std::int32_t pid) {
-    std::vector<std::string> words;
-    std::string const path = "/proc/" + std::to_string(pid) + "/cmdline";
-    FileDescriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<char, 16384> buffer{};
-    ssize_t const size = file.isOpen() ? ::read(file.number(), buffer.data(), buffer.size()) : -1;
-    std::string_view rest(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+// Texts that each end with a NUL.
+std::optional<std::vector<std::string>> textsIn(std::string const& path) {
+    constexpr std::size_t largest = std::size_t{8} << 20;
+    FileDescriptor const file = openPath(path, O_RDONLY);
+    Result<FileContents> const contents = file.isOpen() ? readOpenFile(file, largest) : Failure{};
+    if (!contents.hasValue()) return std::nullopt;
+    std::vector<std::string> texts;
+    std::string_view rest(reinterpret_cast<char const*>(contents.value().bytes.data()), contents.value().bytes.size());
     while (!rest.empty()) {
         std::size_t const end = std::min(rest.find('\0'), rest.size());
-        words.emplace_back(rest.substr(0, end));
+        texts.emplace_back(rest.substr(0, end));
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
-    return words;
+    return texts;
 }
 
-// The first word that is no option. Nothing behind an option that may take the word, or puts another text in the
-// script's place.
-std::optional<std::string> scriptAmong(std::vector<std::string> const& words, std::string_view plainOptions) {
-    for (std::size_t index = 1; index < words.size(); ++index) {
-        std::string const& word = words[index];
-        if (!word.starts_with('-')) return word;
-        if (word.size() < 2 || word.find_first_not_of(plainOptions, 1) != std::string::npos) return std::nullopt;
-    }
-    return std::nullopt;
-}
+std::string processPath(std::int32_t pid, char const* name) { return "/proc/" + std::to_string(pid) + "/" + name; }
 
 std::optional<std::string> resolved(std::string const& path) {
     std::unique_ptr<char, decltype(&::free)> const real(::realpath(path.c_str(), nullptr), &::free);
@@ -71,19 +62,34 @@ std::optional<std::string> resolved(std::string const& path) {
 std::optional<std::string> scriptOf(RunningProcess const& process) {
     if (!isInterpreter(process.executable)) return std::nullopt;
     std::int32_t const pid = process.identity.pid;
-    std::optional<std::string> const word =
-        scriptAmong(argumentsOf(pid), plainOptionsOf(plainName(process.executable)));
+    std::vector<std::string> const words = argumentsOf(pid).value_or(std::vector<std::string>());
+    std::optional<std::string> const word = scriptInCommand(process.executable, words);
     if (!word || word->empty()) return std::nullopt;
-    std::string const folder = "/proc/" + std::to_string(pid) + "/cwd/";
-    std::optional<std::string> script = resolved(word->front() == '/' ? *word : folder + *word);
+    std::optional<std::string> script = resolved(word->front() == '/' ? *word : processPath(pid, "cwd/") + *word);
     // What was read is that process's only while it runs.
     return script && runningProcess(process.identity) ? std::move(script) : std::nullopt;
 }
 
 } // namespace
 
+std::optional<std::vector<std::string>> argumentsOf(std::int32_t pid) { return textsIn(processPath(pid, "cmdline")); }
+
+std::optional<std::vector<std::string>> environmentOf(std::int32_t pid) { return textsIn(processPath(pid, "environ")); }
+
 bool isInterpreter(std::string_view executable) {
     return std::ranges::find(Interpreters, plainName(executable)) != Interpreters.end();
+}
+
+std::optional<std::string> scriptInCommand(std::string_view executable, std::vector<std::string> const& words) {
+    if (!isInterpreter(executable)) return std::nullopt;
+    std::string_view const plainOptions = plainOptionsOf(plainName(executable));
+    for (std::size_t index = 1; index < words.size(); ++index) {
+        std::string const& word = words[index];
+        if (!word.starts_with('-')) return word;
+        // An option may take the next word, or put another text in the script's place.
+        if (word.size() < 2 || word.find_first_not_of(plainOptions, 1) != std::string::npos) return std::nullopt;
+    }
+    return std::nullopt;
 }
 
 std::string_view bundleHolding(std::string_view path) {
@@ -94,10 +100,9 @@ std::string_view bundleHolding(std::string_view path) {
     return path.substr(0, place + std::string_view(".app").size());
 }
 
-std::optional<std::string> programInBundle(RunningProcess const& process) {
+std::string programOf(RunningProcess const& process) {
     if (!bundleHolding(process.executable).empty()) return process.executable;
-    std::optional<std::string> script = scriptOf(process);
-    return script && !bundleHolding(*script).empty() ? std::move(script) : std::nullopt;
+    return scriptOf(process).value_or(process.executable);
 }
 
 } // namespace mac

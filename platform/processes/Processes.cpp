@@ -8,49 +8,63 @@
 #include <bit>
 #include <chrono>
 #include <unistd.h>
-#include <utility>
 
 namespace mac {
 
 namespace {
 
-// The walk that is under way: the processes as they were at its beginning, and who the file browser was.
-struct Walk {
-    std::vector<std::int32_t> processes;
-    std::optional<FileBrowser> fileBrowser;
-    // The process that the walk has come to, and when.
-    std::optional<RunningProcess> current;
-    std::chrono::steady_clock::time_point readAt;
-    bool hasBegun{false};
+// The processes as they were when the walk that is under way began, and who the file browser was.
+class Walk {
+public:
+    static Walk& current() {
+        static Walk walk;
+        return walk;
+    }
 
     void begin() {
-        processes = processIDs();
-        fileBrowser = defaultFileBrowser();
-        current.reset();
-        hasBegun = true;
+        m_processes = runningProcesses();
+        m_fileBrowser = defaultFileBrowser();
+        m_readAt = std::chrono::steady_clock::now();
+        m_hasBegun = true;
     }
+    void beginOnce() {
+        if (!m_hasBegun) begin();
+    }
+
+    // The first one after it that still runs.
+    std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
+        auto next = std::ranges::upper_bound(m_processes, last, {}, &RunningProcess::identity);
+        for (; next != m_processes.end(); ++next) {
+            if (isKnown(*next) || runningProcess(next->identity)) return next->identity;
+        }
+        return std::nullopt;
+    }
+
+    // What the walk has read, as long as that was a moment ago, else what it is now: whoever walks mostly asks for more
+    // of each process right away.
+    std::optional<RunningProcess> process(ProcessIdentity const& identity) const {
+        auto const found = std::ranges::lower_bound(m_processes, identity, {}, &RunningProcess::identity);
+        bool const isRead = found != m_processes.end() && found->identity == identity && isKnown(*found);
+        return isRead ? *found : runningProcess(identity);
+    }
+
+    std::optional<FileBrowser> const& fileBrowser() {
+        beginOnce();
+        return m_fileBrowser;
+    }
+
+private:
+    // Not even a system that does nothing else gives the same ID again in so short a time.
+    bool isKnown(RunningProcess const& process) const {
+        constexpr std::chrono::milliseconds moment(20);
+        return std::chrono::steady_clock::now() - m_readAt < moment && isIDInUse(process.identity.pid);
+    }
+
+    std::vector<RunningProcess> m_processes;
+    std::optional<FileBrowser> m_fileBrowser;
+    std::chrono::steady_clock::time_point m_readAt;
+    bool m_hasBegun{false};
 };
-
-Walk& currentWalk() {
-    static Walk walk;
-    return walk;
-}
-
-std::optional<FileBrowser> const& knownFileBrowser() {
-    Walk& walk = currentWalk();
-    if (!walk.hasBegun) walk.begin();
-    return walk.fileBrowser;
-}
-
-// What the walk read of the process a moment ago, else what it is now: whoever walks mostly asks for more of each
-// process right away.
-std::optional<RunningProcess> readOnce(ProcessIdentity const& identity) {
-    constexpr std::chrono::milliseconds moment(1);
-    Walk& walk = currentWalk();
-    std::optional<RunningProcess> const read = std::exchange(walk.current, std::nullopt);
-    bool const isNew = read && read->identity == identity && std::chrono::steady_clock::now() - walk.readAt < moment;
-    return isNew ? read : runningProcess(identity);
-}
 
 NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
@@ -60,7 +74,6 @@ void addText(NSMutableDictionary const& information, NSString const& key, id con
 }
 
 void addBundle(NSMutableDictionary const& information, std::string_view bundlePath) {
-    if (bundlePath.empty()) return;
     information.setObject_forKey_(pathString(bundlePath), kIOBundlePathKey);
     NSBundle const bundle = NSBundle::bundleWithPath_(pathString(bundlePath));
     addText(information, kCFBundleIdentifierKey, bundle.bundleIdentifier());
@@ -77,17 +90,15 @@ NSNumber boxed(ProcessSerialNumber const& psn) {
 
 OSErr GetNextProcess(ProcessSerialNumber* psn) {
     if (!psn) return paramErr;
-    Walk& walk = currentWalk();
     bool const isStart = *psn == ProcessSerialNumber{0, kNoProcess};
-    if (isStart || !walk.hasBegun) walk.begin();
     std::optional<ProcessIdentity> const last = isStart ? ProcessIdentity{} : identityOf(*psn);
     if (!last) return procNotFound;
-    auto next = std::ranges::upper_bound(walk.processes, last->pid);
-    for (walk.current.reset(); next != walk.processes.end() && !walk.current; ++next)
-        walk.current = runningProcess(*next);
-    if (!walk.current) return procNotFound;
-    walk.readAt = std::chrono::steady_clock::now();
-    *psn = serialNumberOf(walk.current->identity);
+    Walk& walk = Walk::current();
+    if (isStart) walk.begin();
+    walk.beginOnce();
+    std::optional<ProcessIdentity> const next = walk.after(*last);
+    if (!next) return procNotFound;
+    *psn = serialNumberOf(*next);
     return noErr;
 }
 
@@ -133,18 +144,20 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t) {
     std::optional<ProcessIdentity> const identity = psn ? identityOf(*psn) : std::nullopt;
-    std::optional<RunningProcess> const process = identity ? readOnce(*identity) : std::nullopt;
+    Walk& walk = Walk::current();
+    std::optional<RunningProcess> const process = identity ? walk.process(*identity) : std::nullopt;
     if (!process) return nil;
-    std::optional<std::string> const program = programInBundle(*process);
-    NSString const executable = pathString(program.value_or(process->executable));
+    std::string const program = programOf(*process);
+    std::string_view const bundlePath = bundleHolding(program);
+    NSString const executable = pathString(bundlePath.empty() ? process->executable : program);
     NSMutableDictionary const information = NSMutableDictionary::dictionary();
     information.setObject_forKey_(boxed(serialNumberOf(*identity)), "PSN");
     information.setObject_forKey_(NSNumber::numberWithInt_(identity->pid), "pid");
     information.setObject_forKey_(executable, kCFBundleExecutableKey);
     information.setObject_forKey_(executable.lastPathComponent(), kCFBundleNameKey);
-    if (program) addBundle(information, bundleHolding(*program));
-    std::optional<FileBrowser> const& browser = knownFileBrowser();
-    if (browser && browser->executable == process->executable && !isInterpreter(process->executable)) {
+    if (!bundlePath.empty()) addBundle(information, bundlePath);
+    std::optional<FileBrowser> const& browser = walk.fileBrowser();
+    if (browser && isFileBrowser(*browser, program, identity->pid)) {
         information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);
         information.setObject_forKey_(pathString(browser->name), kCFBundleNameKey);
     }

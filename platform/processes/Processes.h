@@ -3,7 +3,7 @@
 #include "platform/foundation/MacErrors.h"
 #include "platform/foundation/NSDictionary.h"
 
-// The running processes, in the order of their IDs. Linux: those whose executable this user may see, as /proc tells.
+// The running processes, in the order of their start. Linux: those whose executable this user may see, as /proc tells.
 // Main thread, but for what says otherwise. A null pointer is a paramErr; a serial number that names no running process
 // a procNotFound.
 
@@ -35,8 +35,8 @@ inline constexpr char kCFBundleIdentifierKey[] = "CFBundleIdentifier";
 inline constexpr char kCFBundleNameKey[] = "CFBundleName";
 inline constexpr char kCFBundleExecutableKey[] = "CFBundleExecutable";
 
-// Advances the number to the process with the next ID that still runs. The walk is over the processes that ran when it
-// began at {0, kNoProcess}.
+// Advances the number to the process that was started next and still runs. The walk is over the processes that ran when
+// it began at {0, kNoProcess}.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
 
 // The process whose window has the user's input. Linux: the window manager of an X11 display tells; procNotFound where
@@ -63,7 +63,7 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // it runs from a bundle, also "BundlePath", and "CFBundleIdentifier", "FileType" and "FileCreator" as its information
 // file has them. A program that was renamed while it runs, or a folder above it, is known by its new path, one that was
 // replaced or deleted by its last. Nil when no such process runs. Linux: the desktop's file browser, that is the
-// default application for folders, is "com.apple.finder".
+// default application for folders, is "com.apple.finder" in this user's session.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 
 } // namespace mac

@@ -77,6 +77,25 @@ TEST_F(ProcessList, NeverSignalsTheNextProcessWithAnID) {
     EXPECT_EQ(second->wait(), -SIGTERM);
 }
 
+TEST_F(ProcessList, IsInTheOrderOfTheirStartWhateverTheirIDs) {
+    constexpr std::int32_t high = 30'000;
+    std::unique_ptr<ChildProcess> const first = startWithID(high);
+    if (!first) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
+    std::uint64_t const start = identityOf(numberOf(*first)).value().startTime;
+    // The start is known to the tick.
+    while (now() <= start) {}
+    constexpr std::int32_t low = 20'000;
+    std::unique_ptr<ChildProcess> const second = startWithID(low);
+    ASSERT_TRUE(second);
+    std::vector<std::int32_t> ids;
+    ProcessSerialNumber psn{0, kNoProcess};
+    std::int32_t pid = 0;
+    while (GetNextProcess(&psn) == noErr) {
+        if (GetProcessPID(&psn, &pid) == noErr && (pid == high || pid == low)) ids.push_back(pid);
+    }
+    EXPECT_EQ(ids, (std::vector{high, low}));
+}
+
 TEST_F(ProcessList, HasTenThousandProcesses) {
     constexpr int wanted = 10'000;
     ChildProcess many({MANY_PROCESSES, std::to_string(wanted)});

@@ -1,65 +1,21 @@
 #include "platform/processes/Processes.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/processes/ProcessList.h"
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Environment.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/processes/Programs.h"
 #include <algorithm>
 #include <bit>
 #include <csignal>
 #include <cstdio>
-#include <fcntl.h>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
 
 namespace {
 
-constexpr std::uint32_t All = kProcessDictionaryIncludeAllInformationMask;
-
-// A copy of cat, which runs until its input ends.
-std::string copyOfCat(TemporaryFolder const& folder, std::string const& relative) {
-    std::ifstream const original("/bin/cat", std::ios::binary);
-    std::ostringstream bytes;
-    bytes << original.rdbuf();
-    std::string const path = folder.makeFile(relative, bytes.str());
-    EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
-    return path;
-}
-
 std::string copyInBundle(TemporaryFolder const& folder, std::string const& name, std::string const& identifier) {
     folder.makeBundle(name, informationFile(identifier, "1.0", "1"));
     return copyOfCat(folder, name + "/Contents/Linux/cat");
-}
-
-std::string makeScript(TemporaryFolder const& folder, std::string const& relative, std::string const& script) {
-    std::string path = folder.makeFile(relative, script);
-    EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
-    return path;
-}
-
-ProcessSerialNumber numberOf(ChildProcess const& child) {
-    ProcessSerialNumber psn;
-    EXPECT_EQ(GetProcessForPID(child.pid(), &psn), noErr);
-    return psn;
-}
-
-NSDictionary informationOf(ProcessSerialNumber psn) { return ProcessInformationCopyDictionary(&psn, All); }
-
-std::string text(NSDictionary const& information, NSString const& key) {
-    return as<NSString>(information.objectForKey_(key)).UTF8String();
-}
-
-std::vector<ProcessSerialNumber> everyProcess() {
-    std::vector<ProcessSerialNumber> found;
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr)
-        found.push_back(psn);
-    return found;
 }
 
 std::size_t placeOf(ChildProcess const& child, std::vector<ProcessSerialNumber> const& list) {
@@ -116,17 +72,17 @@ TEST(Processes, KeepABundlePathThatIsNoText) {
     EXPECT_EQ(path.fileSystemRepresentation(), folder.path("caf\xE9.app"));
 }
 
-TEST(Processes, AreListedInTheOrderOfTheirIDs) {
+TEST(Processes, AreListedInTheOrderOfTheirStart) {
     ChildProcess const first({"/bin/cat"});
     ChildProcess const second({"/bin/cat"});
     std::vector<ProcessSerialNumber> const list = everyProcess();
     EXPECT_LT(placeOf(first, list), list.size());
     EXPECT_LT(placeOf(second, list), list.size());
-    std::vector<std::int32_t> ids;
-    ids.reserve(list.size());
+    std::vector<ProcessIdentity> identities;
+    identities.reserve(list.size());
     for (ProcessSerialNumber const& psn : list)
-        ids.push_back(identityOf(psn).value().pid);
-    EXPECT_TRUE(std::ranges::is_sorted(ids));
+        identities.push_back(identityOf(psn).value());
+    EXPECT_TRUE(std::ranges::is_sorted(identities));
     ProcessSerialNumber self;
     ASSERT_EQ(GetCurrentProcess(&self), noErr);
     EXPECT_NE(std::ranges::find(list, self), list.end());
@@ -150,8 +106,6 @@ TEST(Processes, AreGoneAMomentAfterTheWalkCameToThem) {
         ASSERT_EQ(GetNextProcess(&walk), noErr);
     child.sendSignal(SIGKILL);
     child.wait();
-    // What the walk itself has read may be answered once, as if it had been asked for in that moment.
-    informationOf(psn);
     EXPECT_TRUE(informationOf(psn) == nil);
 }
 
@@ -237,7 +191,7 @@ TEST(Processes, AnswerAnErrorForANullPointer) {
     EXPECT_EQ(SameProcess(nullptr, &psn, &isSame), paramErr);
     EXPECT_EQ(SameProcess(&psn, nullptr, &isSame), paramErr);
     EXPECT_EQ(SameProcess(&psn, &psn, nullptr), paramErr);
-    EXPECT_TRUE(ProcessInformationCopyDictionary(nullptr, All) == nil);
+    EXPECT_TRUE(ProcessInformationCopyDictionary(nullptr, kProcessDictionaryIncludeAllInformationMask) == nil);
 }
 
 TEST(Processes, MayBeCalledAnything) {
@@ -321,37 +275,6 @@ TEST(Processes, RunFromNoBundleThatTheirArgumentsOnlyMention) {
     ChildProcess const reader({"/usr/bin/tail", "-f", script});
     EXPECT_EQ(reader.readLine(), "#!/bin/sh");
     EXPECT_TRUE(informationOf(numberOf(reader)).objectForKey_(kIOBundlePathKey) == nil);
-}
-
-TEST(Processes, AreNotTheFileBrowserForTheirInterpreterAlone) {
-    TemporaryFolder const folder;
-    folder.makeFile("data/applications/browser.desktop",
-                    "[Desktop Entry]\nName=Files\nExec=/bin/sh browser %U\nType=Application\n");
-    folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
-    EnvironmentVariable const data("XDG_DATA_HOME", folder.path("data"));
-    EnvironmentVariable const config("XDG_CONFIG_HOME", folder.path("config"));
-    ChildProcess const other({"/bin/sh", "-c", "read line; :"});
-    ProcessSerialNumber walk{0, kNoProcess};
-    ASSERT_EQ(GetNextProcess(&walk), noErr);
-    EXPECT_TRUE(informationOf(numberOf(other)).objectForKey_(kCFBundleIdentifierKey) == nil);
-}
-
-TEST(Processes, HaveTheFileBrowserAmongThemInTheFindersRole) {
-    TemporaryFolder const folder;
-    std::string const program = copyOfCat(folder, "bin/browser");
-    folder.makeFile("data/applications/browser.desktop",
-                    "[Desktop Entry]\nName=Files\nExec=\"" + program + "\" %U\nType=Application\n");
-    folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
-    EnvironmentVariable const data("XDG_DATA_HOME", folder.path("data"));
-    EnvironmentVariable const config("XDG_CONFIG_HOME", folder.path("config"));
-    ChildProcess const other({"/bin/cat"});
-    ChildProcess const browser({program});
-    std::vector<ProcessSerialNumber> finders;
-    for (ProcessSerialNumber const& psn : everyProcess()) {
-        if (text(informationOf(psn), kCFBundleIdentifierKey) == "com.apple.finder") finders.push_back(psn);
-    }
-    EXPECT_EQ(finders, std::vector{numberOf(browser)});
-    EXPECT_EQ(text(informationOf(numberOf(browser)), kCFBundleNameKey), "Files");
 }
 
 } // namespace mac::test

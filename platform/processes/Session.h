@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+// The session that this process is in, for implementations; any thread.
+
+namespace mac {
+
+// The address of the session's message bus, as the environment tells it; nothing where there is none. None is ever
+// started.
+std::optional<std::string> sessionBusAddress();
+
+// Whether the process is this user's and at the same bus: of another session, at another display, it is somebody
+// else's. One whose environment names no bus is taken for this session's; one that may not be looked at is not.
+bool isOfThisSession(std::int32_t pid);
+
+} // namespace mac
