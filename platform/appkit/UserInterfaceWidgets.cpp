@@ -49,22 +49,20 @@ public:
         box.setInformativeText(qString(request.details));
         QLineEdit* const field = request.answer ? addField(box, request) : nullptr;
         std::vector<QPushButton*> const buttons = addButtons(box, request);
-        bool isOver = false;
+        DialogOutcome outcome;
         QTimer time;
         if (request.seconds > 0) {
             QObject::connect(&time, &QTimer::timeout, &box, [&] {
-                isOver = true;
+                outcome.isTimeOver = true;
                 box.done(0);
             });
             time.start(std::chrono::milliseconds(static_cast<std::int64_t>(request.seconds * 1000)));
         }
         box.exec();
-        DialogOutcome outcome;
         if (field) outcome.answer = units(field->text());
         auto const clicked = std::ranges::find(buttons, box.clickedButton());
-        if (!isOver && clicked != buttons.end()) outcome.button = static_cast<std::size_t>(clicked - buttons.begin());
-        // Closed by the window's own button.
-        if (!isOver && !outcome.button) outcome.button = request.cancelButton.value_or(0);
+        if (!outcome.isTimeOver && clicked != buttons.end())
+            outcome.button = static_cast<std::size_t>(clicked - buttons.begin());
         return outcome;
     }
 

@@ -79,13 +79,15 @@ void takeButtons(DialogRequest& request, CommandArguments const& arguments, Text
 }
 
 Value answerOf(DialogRequest const& request, DialogOutcome const& outcome) {
-    if (outcome.button && outcome.button == request.cancelButton) throw plainError(errors::UserCanceled);
-    bool const isOver = !outcome.button;
+    // No button stands for what nobody chose: a script goes on with none of them.
+    bool const isUnanswered = !outcome.button && !outcome.isTimeOver;
+    bool const isCanceled = outcome.button && outcome.button == request.cancelButton;
+    if (isUnanswered || isCanceled) throw plainError(errors::UserCanceled);
     std::vector<std::pair<Symbol, Value>> fields;
     fields.emplace_back(keyOf(codeOf("bhit")),
-                        Value::text(isOver ? std::u16string() : request.buttons.at(*outcome.button)));
+                        Value::text(outcome.button ? request.buttons.at(*outcome.button) : std::u16string()));
     if (request.answer) fields.emplace_back(keyOf(codeOf("ttxt")), Value::text(outcome.answer));
-    if (request.seconds > 0) fields.emplace_back(keyOf(codeOf("gavu")), Value::boolean(isOver));
+    if (request.seconds > 0) fields.emplace_back(keyOf(codeOf("gavu")), Value::boolean(outcome.isTimeOver));
     return Value::record(std::move(fields));
 }
 

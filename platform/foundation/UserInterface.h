@@ -29,8 +29,9 @@ struct DialogRequest {
 };
 
 struct DialogOutcome {
-    // Nothing when the time was over.
+    // Nothing when the time was over, and when the dialog ended with the program or was closed without a choice.
     std::optional<std::size_t> button{};
+    bool isTimeOver{false};
     std::u16string answer{};
 };
 

@@ -85,6 +85,22 @@ TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
     EXPECT_FALSE(interface().runDialog(asked).button);
 }
 
+TEST(UserInterface, ADialogThatEndsWithTheProgramIsNotAnswered) {
+    DialogRequest const asked{.text = u"a", .buttons = {u"Delete", u"Keep"}, .defaultButton = 1};
+    UserInterface& screen = interface();
+    std::vector<DialogOutcome> outcomes;
+    QTimer::singleShot(0, [&] {
+        answer([](QDialog const&) { NSApplication::sharedApplication().terminate_(nil); });
+        outcomes.push_back(screen.runDialog(asked));
+        // While the program ends, nobody is there to answer another one.
+        outcomes.push_back(screen.runDialog(request()));
+    });
+    NSApplication::sharedApplication().run();
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_FALSE(outcomes[0].button);
+    EXPECT_FALSE(outcomes[1].button);
+}
+
 ListRequest listRequest() { return {.text = u"which", .items = {u"a", u"b", u"c"}, .acceptButton = u"Go"}; }
 
 TEST(UserInterface, AListAnswersWhatIsChosen) {

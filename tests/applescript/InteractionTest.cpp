@@ -87,11 +87,20 @@ TEST(Interaction, ADialogAsksForText) {
 
 TEST(Interaction, ADialogGivesUp) {
     Person person;
-    person.answer.button = {};
+    person.answer = {.isTimeOver = true};
     EXPECT_EQ(outcomeOf(u"display dialog \"a\" giving up after 2"), "{button returned:\"\", gave up:true}");
     EXPECT_EQ(person.dialog.seconds, 2);
-    person.answer.button = 1;
+    person.answer = {.button = 1};
     EXPECT_EQ(outcomeOf(u"display dialog \"a\" giving up after 2"), "{button returned:\"OK\", gave up:false}");
+}
+
+TEST(Interaction, ADialogThatNobodyAnsweredIsCanceled) {
+    Person person;
+    person.answer = {};
+    for (std::u16string_view const source :
+         {u"display alert \"a\" buttons {\"Delete\", \"Keep\"}", u"display dialog \"a\" buttons {\"Delete\"}",
+          u"display dialog \"a\" giving up after 2"})
+        EXPECT_EQ(outcomeOf(source), "User canceled. (-128)") << utf8FromUnits(source);
 }
 
 TEST(Interaction, ButtonsGoByNameOrNumberAndMustBeThere) {
