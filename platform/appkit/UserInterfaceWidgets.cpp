@@ -47,8 +47,8 @@ public:
         box.setWindowTitle(qString(request.title));
         box.setText(qString(request.text));
         box.setInformativeText(qString(request.details));
-        QLineEdit* const field = request.answer ? addField(box, request) : nullptr;
         std::vector<QPushButton*> const buttons = addButtons(box, request);
+        QLineEdit* const field = request.answer ? addField(box, request) : nullptr;
         DialogOutcome outcome;
         QTimer time;
         if (request.seconds > 0) {
@@ -120,9 +120,17 @@ private:
         if (request.hidesAnswer) field->setEchoMode(QLineEdit::Password);
         field->setAccessibleName(qString(request.text));
         auto* const grid = qobject_cast<QGridLayout*>(box.layout());
+        auto* const buttons = box.findChild<QDialogButtonBox*>();
         QLineEdit* const placed = field.release();
-        // Above the row of buttons, across.
-        grid->addWidget(placed, grid->rowCount(), 0, 1, grid->columnCount());
+        // The texts stand in the last column, the buttons in the last row, which makes room.
+        int const columns = grid->columnCount();
+        int const row = grid->rowCount();
+        grid->removeWidget(buttons);
+        grid->addWidget(placed, row, columns - 1);
+        grid->addWidget(buttons, row + 1, 0, 1, columns);
+        QWidget::setTabOrder(placed, buttons);
+        placed->selectAll();
+        placed->setFocus();
         return placed;
     }
 

@@ -79,6 +79,32 @@ TEST(UserInterface, ADialogTakesAnAnswer) {
     EXPECT_EQ(mode, QLineEdit::Password);
 }
 
+TEST(UserInterface, TheAnswerIsTypedAboveTheButtons) {
+    DialogRequest asked = request();
+    asked.details = u"b";
+    asked.icon = DialogRequest::Icon::Note;
+    asked.answer = u"x";
+    QRect text;
+    QRect field;
+    QRect button;
+    answer([&](QDialog& dialog) {
+        auto const placeOf = [&](QWidget const& widget) {
+            return QRect(widget.mapTo(&dialog, QPoint()), widget.size());
+        };
+        text = placeOf(*dialog.findChild<QLabel*>("qt_msgbox_informativelabel"));
+        field = placeOf(*dialog.findChild<QLineEdit*>());
+        button = placeOf(*buttonNamed(dialog, "OK"));
+        QTest::keyClicks(dialog.focusWidget(), "yz");
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    });
+    DialogOutcome const outcome = interface().runDialog(asked);
+    EXPECT_EQ(outcome.answer, u"yz") << "what stands there is selected, and so replaced";
+    EXPECT_EQ(outcome.button, 1U);
+    EXPECT_LE(text.bottom(), field.top());
+    EXPECT_LE(field.bottom(), button.top());
+    EXPECT_EQ(field.left(), text.left());
+}
+
 TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
     DialogRequest asked = request();
     asked.seconds = 0.001;
