@@ -4,8 +4,8 @@
 #include "platform/files/FolderPlace.h"
 #include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/launchservices/DiskItem.h"
 #include <algorithm>
 #include <cstdlib>
 
