@@ -6,6 +6,7 @@
 #include "platform/files/Volumes.h"
 #include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/launchservices/DiskItem.h"
 #include <algorithm>
 #include <cstdlib>
 
