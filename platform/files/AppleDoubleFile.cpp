@@ -33,7 +33,9 @@ std::mutex& threadLock() {
 
 } // namespace
 
-std::string AppleDoubleFile::nameFor(std::string_view itemName) { return "._" + std::string(itemName); }
+std::string AppleDoubleFile::nameFor(std::string_view itemName) {
+    return std::string(namePrefix).append(itemName);
+}
 
 AppleDoubleFile::AppleDoubleFile(OpenItem const& item) : m_item(item), m_name(nameFor(item.name)) {
     int const before = errno;

@@ -27,6 +27,7 @@ public:
     // name, EAGAIN when somebody else has changed or made the file since it was read.
     bool save() const;
 
+    static constexpr std::string_view namePrefix = "._";
     // Of an item of that name, in the same folder.
     static std::string nameFor(std::string_view itemName);
 

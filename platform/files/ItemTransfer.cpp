@@ -138,6 +138,10 @@ bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace c
     std::optional<ItemPlace> const found = source.isOpen() ? placeOf(source) : std::nullopt;
     std::optional<std::vector<std::string>> names = found ? namesInFolder(source) : std::nullopt;
     if (!names) return false;
+    // They are taken from the end. First come AppleDouble files, so that attributes which the volume has no place for
+    // join those that they hold.
+    std::partition(names->begin(), names->end(),
+                   [](std::string const& name) { return !name.starts_with(AppleDoubleFile::namePrefix); });
     bool const isSame = found->identity == place.identity;
     if (!isSame) errno = ESTALE;
     if (!isSame || ::mkdirat(m_target.number(), to.c_str(), S_IRWXU) != 0) return false;

@@ -95,7 +95,7 @@ private:
         if (::fstatvfs(m_trash.information.number(), &status) == 0 && status.f_namemax > 0)
             longest = std::min<std::size_t>(longest, status.f_namemax);
         std::size_t const added =
-            TrashInformation::nameEnd.size() + (m_companion.file.isOpen() ? AppleDoubleFile::nameFor("").size() : 0);
+            TrashInformation::nameEnd.size() + (m_companion.file.isOpen() ? AppleDoubleFile::namePrefix.size() : 0);
         return longest - std::min(longest - 1, added);
     }
 

@@ -1,3 +1,4 @@
+#include "platform/files/AppleDoubleFile.h"
 #include "platform/files/DirectorySizes.h"
 #include "platform/files/FolderDescent.h"
 #include "platform/files/FolderPlace.h"
@@ -21,7 +22,6 @@ namespace {
 constexpr std::size_t LargestInformation = std::size_t{1} << 20;
 constexpr char CannotPutBack[] = "The item cannot be put back";
 constexpr char CannotErase[] = "The item cannot be deleted from the trash";
-constexpr std::string_view CompanionMark = "._";
 
 // Nothing, and errno, where they cannot be listed.
 std::optional<std::set<std::string>> namesIn(FileDescriptor const& folder) {
@@ -68,14 +68,14 @@ Companion companionInTrash(TrashFolder const& trash, std::string const& name) {
     std::optional<TrashInformation> const information = informationOf(trash, companion.name);
     if (!owner || !information) return {};
     std::string expected = owner->path;
-    expected.insert(expected.size() - nameOf(expected).size(), CompanionMark);
+    expected.insert(expected.size() - nameOf(expected).size(), AppleDoubleFile::namePrefix);
     if (information->path != expected) return {};
     return companion;
 }
 
 bool isCompanion(TrashFolder const& trash, std::set<std::string> const& names, std::string const& name) {
-    if (!name.starts_with(CompanionMark)) return false;
-    std::string const owner = name.substr(CompanionMark.size());
+    if (!name.starts_with(AppleDoubleFile::namePrefix)) return false;
+    std::string const owner = name.substr(AppleDoubleFile::namePrefix.size());
     return names.contains(owner) && companionInTrash(trash, owner).file.isOpen();
 }
 
@@ -122,7 +122,7 @@ void putCompanionBack(TrashFolder const& trash, std::string const& name, FileDes
                       std::string const& originalName) {
     Companion const companion = companionInTrash(trash, name);
     if (!companion.file.isOpen()) return;
-    std::string const back = std::string(CompanionMark) + originalName;
+    std::string const back = AppleDoubleFile::nameFor(originalName);
     if (moveItem(companion.file, trash.files, companion.name, folder, back) != Moved::Yes) return;
     removeInformation(trash, companion.name);
 }

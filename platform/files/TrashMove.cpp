@@ -85,8 +85,7 @@ bool TrashReservation::make(std::string const& writtenPath, std::string const& d
 }
 
 Companion companionOf(FileDescriptor const& folder, std::string const& itemName) {
-    constexpr std::string_view mark = "._";
-    if (itemName.starts_with(mark)) return {};
+    if (itemName.starts_with(AppleDoubleFile::namePrefix)) return {};
     Companion companion{.name = AppleDoubleFile::nameFor(itemName)};
     companion.file = FileDescriptor(::openat(folder.number(), companion.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!companion.file.isOpen() || !isAppleDouble(companion.file)) return {};

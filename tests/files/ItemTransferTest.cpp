@@ -1,4 +1,5 @@
 #include "platform/files/ItemTransfer.h"
+#include "tests/files/Attributes.h"
 #include "tests/files/TrashHome.h"
 #include "tests/support/PrivateMounts.h"
 #include <cerrno>
@@ -249,6 +250,29 @@ TEST_F(ItemTransferOnVolumes, KeepsAttributesThatTheOtherVolumeHasNoPlaceFor) {
     EXPECT_EQ(namesIn(m_point.path()), (std::vector<std::string>{"._file", "file"}));
     EXPECT_EQ(errorOf(move, m_point.path("file"), m_folder.path(), "back"), 0);
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, JoinsAttributesOfItemsInAFolderWithThoseBesideThem) {
+    mountWithoutAttributes(m_point.path());
+    ASSERT_EQ(set(m_point.makeFile("model", "x"), "shape", "round"), 0);
+    std::string const beside = textOf(m_point.path("._model"));
+    // So many that no order of theirs is the right one by chance.
+    std::string const names = "abcdefghijklmnopqrst";
+    for (char const name : names) {
+        std::string const file = m_folder.makeFile(std::string("tree/") + name, "x");
+        m_folder.makeFile(std::string("tree/._") + name, beside);
+        if (::setxattr(file.c_str(), "user.colour", "blue", 4, 0) != 0) GTEST_SKIP() << "no attributes on this volume";
+    }
+    for (Transfer const transfer : {copy, move}) {
+        std::string const target = transfer == copy ? "copied" : "moved";
+        EXPECT_EQ(errorOf(transfer, m_folder.path("tree"), m_point.path(), target), 0);
+        for (char const name : names) {
+            std::string const file = m_point.path(target + "/") + name;
+            EXPECT_EQ(get(file, "colour"), "blue");
+            EXPECT_EQ(get(file, "shape"), "round");
+        }
+    }
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
 }
 
 TEST_F(ItemTransferOnVolumes, DoesNotEnterWhatIsMountedInside) {
