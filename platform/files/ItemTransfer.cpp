@@ -1,6 +1,6 @@
 #include "platform/files/ItemTransfer.h"
 #include "platform/files/AppleDoubleFile.h"
-#include "platform/files/ExclusiveRename.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include "platform/files/FileCopy.h"
 #include "platform/files/FolderDescent.h"
 #include "platform/files/FolderPlace.h"

@@ -1,7 +1,7 @@
 #include "platform/files/TrashMove.h"
 #include "platform/files/AppleDoubleFile.h"
 #include "platform/files/AppleDoubleForm.h"
-#include "platform/files/ExclusiveRename.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include "platform/files/FolderPlace.h"
 #include "platform/files/TrashInformation.h"
 #include <array>

@@ -1,5 +1,5 @@
 #include "platform/files/TrashSteps.h"
-#include "platform/files/ExclusiveRename.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include "tests/files/TrashHome.h"
 #include <cerrno>
 #include <csignal>

@@ -1,4 +1,4 @@
-#include "platform/files/ExclusiveRename.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include "platform/foundation/FileDescriptor.h"
 #include <cerrno>
 #include <cstdio>
