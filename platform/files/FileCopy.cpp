@@ -41,12 +41,13 @@ ssize_t copyPiece(int from, int to, off_t place, std::size_t size) {
     return writeAll(to, buffer.data(), static_cast<std::size_t>(count), place) ? count : -1;
 }
 
-bool copyRange(int from, int to, off_t begin, off_t end, std::function<bool()> const& goesOn) {
+// Answers how far it came, which is less than to the end where the file ends before it.
+std::optional<off_t> copyRange(int from, int to, off_t begin, off_t end, std::function<bool()> const& goesOn) {
     bool isBySystem = true;
     while (begin < end) {
         if (!goesOn()) {
             errno = ECANCELED;
-            return false;
+            return std::nullopt;
         }
         std::size_t const size = std::min(static_cast<std::size_t>(end - begin), PieceSize);
         off_t source = begin;
@@ -59,15 +60,14 @@ bool copyRange(int from, int to, off_t begin, off_t end, std::function<bool()> c
             isBySystem = false;
             continue;
         }
-        if (count < 0) return false;
-        // The file has become shorter.
-        if (count == 0) return true;
+        if (count < 0) return std::nullopt;
+        if (count == 0) break;
         begin += count;
     }
-    return true;
+    return begin;
 }
 
-// Some volumes tell too small a size, or none. Answers where the file really ends.
+// What is behind the size that the volume tells. Answers where the file really ends.
 std::optional<off_t> copyRest(int from, int to, off_t begin, std::function<bool()> const& goesOn) {
     while (true) {
         ssize_t const count = copyPiece(from, to, begin, PieceSize);
@@ -117,16 +117,20 @@ bool copyContents(FileDescriptor const& from, FileDescriptor const& to, std::fun
     struct stat status {};
     if (::fstat(from.number(), &status) != 0) return false;
     off_t place = 0;
-    while (place < status.st_size) {
+    // The volume may tell too large a size.
+    off_t knownEnd = status.st_size;
+    while (place < knownEnd) {
         off_t const begin = ::lseek(from.number(), place, SEEK_DATA);
         bool const isEnd = begin < 0 && errno == ENXIO;
         if (isEnd) break;
         // A volume that does not know its holes.
         off_t const data = begin < 0 ? place : begin;
         off_t const hole = begin < 0 ? -1 : ::lseek(from.number(), data, SEEK_HOLE);
-        off_t const end = hole < 0 ? status.st_size : hole;
-        if (!copyRange(from.number(), to.number(), data, end, goesOn)) return false;
-        place = end;
+        off_t const end = hole < 0 ? knownEnd : hole;
+        std::optional<off_t> const reached = copyRange(from.number(), to.number(), data, end, goesOn);
+        if (!reached) return false;
+        place = *reached;
+        if (place < end) knownEnd = place;
     }
     struct stat now {};
     if (::fstat(from.number(), &now) != 0) return false;
@@ -135,7 +139,7 @@ bool copyContents(FileDescriptor const& from, FileDescriptor const& to, std::fun
         errno = ESTALE;
         return false;
     }
-    std::optional<off_t> const end = copyRest(from.number(), to.number(), status.st_size, goesOn);
+    std::optional<off_t> const end = copyRest(from.number(), to.number(), knownEnd, goesOn);
     return end && ::ftruncate(to.number(), *end) == 0;
 }
 

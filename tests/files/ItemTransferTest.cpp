@@ -148,6 +148,15 @@ TEST(ItemTransfer, CopiesWhatAVolumeTellsNoSizeOf) {
     EXPECT_EQ(textOf(folder.path("copy")), textOf("/proc/version"));
 }
 
+TEST(ItemTransfer, CopiesNoMoreThanThereIsWhereAVolumeTellsTooLargeASize) {
+    std::string const file = "/sys/devices/system/cpu/online";
+    if (!isThere(file)) GTEST_SKIP() << "the system does not show its processors";
+    TemporaryFolder const folder;
+    ASSERT_GT(statusOf(file).st_size, static_cast<off_t>(textOf(file).size()));
+    EXPECT_EQ(errorOf(copy, file, folder.path(), "copy"), 0);
+    EXPECT_EQ(textOf(folder.path("copy")), textOf(file));
+}
+
 TEST(ItemTransfer, DoesNotPartAnItemFromItsAppleDoubleFile) {
     TemporaryFolder const folder;
     folder.makeFile("file", "x");
