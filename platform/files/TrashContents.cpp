@@ -2,6 +2,7 @@
 #include "platform/files/DirectorySizes.h"
 #include "platform/files/FolderDescent.h"
 #include "platform/files/FolderPlace.h"
+#include "platform/files/ItemReferences.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
 #include "platform/files/TrashSteps.h"
@@ -227,6 +228,7 @@ EmptiedTrash emptyTrash() {
         removeOrphans(trash);
         removeOldDirectorySizes(trash);
     }
+    releaseRemovedItems();
     return emptied;
 }
 

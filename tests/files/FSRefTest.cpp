@@ -1,6 +1,7 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/HeldItems.h"
 #include "platform/files/ItemReferences.h"
+#include "tests/files/TrashHome.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cstdlib>
@@ -202,6 +203,16 @@ TEST(FSRef, DoesNotKeepRemovedItems) {
     std::size_t const before = openDescriptors();
     ASSERT_EQ(::unlink(file.c_str()), 0);
     releaseRemovedItems();
+    EXPECT_EQ(openDescriptors(), before - 1);
+}
+
+TEST(FSRef, DoesNotKeepWhatTheTrashIsEmptiedOf) {
+    TrashHome const home;
+    TrashResult<TrashedItem> const item = moveToTrash(home.folder.makeFile("file", ""));
+    ASSERT_TRUE(item.hasValue());
+    referenceTo(item.value().path);
+    std::size_t const before = openDescriptors();
+    EXPECT_EQ(emptyTrash().removed, 1U);
     EXPECT_EQ(openDescriptors(), before - 1);
 }
 
