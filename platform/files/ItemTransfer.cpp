@@ -194,11 +194,19 @@ std::string temporaryName() {
     return name;
 }
 
+// A stray AppleDouble file there would be taken for the item's own.
+bool wouldAdopt(FileDescriptor const& folder, std::string const& name) {
+    if (!companionOf(folder, name).file.isOpen()) return false;
+    errno = EEXIST;
+    return true;
+}
+
 // The AppleDouble file goes by the item's name, so both get theirs or none does.
 bool nameCopy(FileDescriptor const& folder, std::string const& from, std::string const& to) {
     std::string const companion = AppleDoubleFile::nameFor(from);
     std::string const newCompanion = AppleDoubleFile::nameFor(to);
     bool const hasCompanion = companionOf(folder, from).file.isOpen();
+    if (!hasCompanion && wouldAdopt(folder, to)) return false;
     if (hasCompanion && !renameWithoutReplacing(folder.number(), companion, folder.number(), newCompanion))
         return false;
     if (renameWithoutReplacing(folder.number(), from, folder.number(), to)) return true;
@@ -252,7 +260,11 @@ bool placeOver(OpenItem const& item, FileDescriptor const& folder, std::string c
     if (place()) return true;
     if (errno != EEXIST || clash == NameClash::IsRefused) return false;
     std::optional<TrashedItem> const old = makeRoom(item, folder, name);
-    if (!old) return false;
+    if (!old) {
+        // Only a stray AppleDouble file has it.
+        if (errno == ENOENT) errno = EEXIST;
+        return false;
+    }
     if (place()) return true;
     int const reason = errno;
     putBack(*old);
@@ -275,8 +287,7 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
         errno = EINVAL;
         return false;
     }
-    bool const isTaken = clash == NameClash::IsRefused && placeOf(folder, name).has_value();
-    if (isTaken) {
+    if (clash == NameClash::IsRefused && placeOf(folder, name)) {
         errno = EEXIST;
         return false;
     }
@@ -321,6 +332,7 @@ bool removeOriginal(OpenItem const& item, CopiedItems& copied) {
 // To another folder of the volume, with the AppleDouble file beside it or not at all.
 Moved moveWithCompanion(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
     Companion const companion = companionOf(item.folder, item.name);
+    if (!companion.file.isOpen() && wouldAdopt(folder, name)) return Moved::No;
     Moved const moved = moveItem(item.item, item.folder, item.name, folder, name);
     if (moved != Moved::Yes || !companion.file.isOpen()) return moved;
     Moved const followed =

@@ -163,16 +163,42 @@ TEST(ItemTransfer, DoesNotPartAnItemFromItsAppleDoubleFile) {
     folder.makeFile("._file", AppleDouble + "own");
     folder.makeFile("there/._file", AppleDouble + "stray");
     for (Transfer const transfer : {copy, move}) {
-        EXPECT_EQ(errorOf(transfer, folder.path("file"), folder.path("there"), "file"), EEXIST);
-        EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"._file", "file", "there"}));
-        EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>{"._file"});
-        EXPECT_EQ(textOf(folder.path("there/._file")), AppleDouble + "stray");
+        for (NameClash const clash : {NameClash::IsRefused, NameClash::IsReplaced}) {
+            EXPECT_EQ(errorOf(transfer, folder.path("file"), folder.path("there"), "file", clash), EEXIST);
+            EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"._file", "file", "there"}));
+            EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>{"._file"});
+            EXPECT_EQ(textOf(folder.path("there/._file")), AppleDouble + "stray");
+        }
     }
     EXPECT_EQ(errorOf(copy, folder.path("file"), folder.path("there"), "copy"), 0);
     EXPECT_EQ(textOf(folder.path("there/._copy")), AppleDouble + "own");
     EXPECT_EQ(errorOf(move, folder.path("file"), folder.path("there"), "moved"), 0);
     EXPECT_EQ(textOf(folder.path("there/._moved")), AppleDouble + "own");
     EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"there"});
+}
+
+TEST(ItemTransfer, GivesNoItemTheAttributesOfAStrayAppleDoubleFile) {
+    TrashHome const home;
+    TemporaryFolder const& folder = home.folder;
+    folder.makeFile("file", "x");
+    folder.makeFile("there/._file", AppleDouble + "stray");
+    for (Transfer const transfer : {copy, move}) {
+        for (NameClash const clash : {NameClash::IsRefused, NameClash::IsReplaced}) {
+            EXPECT_EQ(errorOf(transfer, folder.path("file"), folder.path("there"), "file", clash), EEXIST);
+            EXPECT_EQ(textOf(folder.path("file")), "x");
+            EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>{"._file"});
+        }
+    }
+    // It goes with the item that it belongs to.
+    folder.makeFile("there/file", "old");
+    EXPECT_EQ(errorOf(copy, folder.path("file"), folder.path("there"), "file", NameClash::IsReplaced), 0);
+    EXPECT_EQ(namesIn(folder.path("there")), std::vector<std::string>{"file"});
+    EXPECT_EQ(textOf(home.files("._file")), AppleDouble + "stray");
+    // Somebody else's file gives no attributes.
+    folder.makeFile("there/._other", "somebody else's");
+    EXPECT_EQ(errorOf(copy, folder.path("file"), folder.path("there"), "other"), 0);
+    EXPECT_EQ(errorOf(move, folder.path("there/other"), folder.path(), "moved"), 0);
+    EXPECT_EQ(namesIn(folder.path("there")), (std::vector<std::string>{"._other", "file"}));
 }
 
 TEST(ItemTransfer, LeavesNothingOfACopyThatIsGivenUp) {
