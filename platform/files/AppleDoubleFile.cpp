@@ -33,9 +33,7 @@ std::mutex& threadLock() {
 
 } // namespace
 
-std::string AppleDoubleFile::nameFor(std::string_view itemName) {
-    return std::string(namePrefix).append(itemName);
-}
+std::string AppleDoubleFile::nameFor(std::string_view itemName) { return std::string(namePrefix).append(itemName); }
 
 AppleDoubleFile::AppleDoubleFile(OpenItem const& item) : m_item(item), m_name(nameFor(item.name)) {
     int const before = errno;

@@ -1,11 +1,12 @@
 #include "platform/files/ItemTransfer.h"
 #include "platform/files/AppleDoubleFile.h"
-#include "platform/foundation/ExclusiveRename.h"
 #include "platform/files/FileCopy.h"
 #include "platform/files/FolderDescent.h"
 #include "platform/files/FolderPlace.h"
+#include "platform/files/ItemReferences.h"
 #include "platform/files/Trash.h"
 #include "platform/files/TrashMove.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -358,20 +359,24 @@ bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string co
     return copyAs(item, folder, name, clash, goesOn, copied);
 }
 
-bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
-              TransferGoesOn const& goesOn) {
-    if (clash == NameClash::IsReplaced && isThere(item, folder, name)) return true;
+ItemMove moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+                  TransferGoesOn const& goesOn) {
+    if (clash == NameClash::IsReplaced && isThere(item, folder, name)) return ItemMove::Done;
     Moved moved = Moved::No;
     bool const isMoved = placeOver(item, folder, name, clash, [&] {
         moved = moveWithCompanion(item, folder, name);
         return moved == Moved::Yes;
     });
-    if (isMoved) return true;
-    if (moved == Moved::ButAnother || errno != EXDEV) return false;
+    if (isMoved) return ItemMove::Done;
+    if (moved == Moved::ButAnother || errno != EXDEV) return ItemMove::NotDone;
     CopiedItems copied;
     std::optional<OpenItem> const companion = companionItem(item);
-    return copyAs(item, folder, name, clash, goesOn, copied) && removeOriginal(item, copied) &&
-           (!companion || removeOriginal(*companion, copied));
+    if (!copyAs(item, folder, name, clash, goesOn, copied)) return ItemMove::NotDone;
+    bool const isGone = removeOriginal(item, copied) && (!companion || removeOriginal(*companion, copied));
+    int const reason = errno;
+    releaseRemovedItems();
+    errno = reason;
+    return isGone ? ItemMove::Done : ItemMove::OriginalStays;
 }
 
 } // namespace mac

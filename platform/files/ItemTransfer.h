@@ -9,8 +9,7 @@ namespace mac {
 // mounted in a folder is not entered (EBUSY), and several names of one file become files of their own. A copy has the
 // contents, permissions, dates and attributes of the original, and its owner where that is allowed; whoever may read it
 // is never more than before. The AppleDouble file beside an item goes with it or neither goes: EEXIST where a stray one
-// has its name. All answer false when they fail, errno says why, and what was there is there. For implementations; any
-// thread.
+// has its name. Where they fail errno says why, and what was there is there. For implementations; any thread.
 
 enum class NameClash {
     // EEXIST where something has the name already.
@@ -26,8 +25,18 @@ using TransferGoesOn = std::function<bool()>;
 // The copy gets the name in the open folder when it is whole and on the disk. EINVAL: the folder lies in the item.
 bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
               TransferGoesOn const& goesOn);
-// On another volume it is copied, and goes when the copy is whole; what changed meanwhile stays, and is ESTALE.
-bool moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
-              TransferGoesOn const& goesOn);
+
+enum class ItemMove {
+    Done,
+    // It is where it was.
+    NotDone,
+    // To another volume, where the copy is whole and in its place. What of the original could not be removed is where
+    // it was; what changed meanwhile stays, and is ESTALE.
+    OriginalStays,
+};
+
+// On another volume it is copied, and goes when the copy is whole.
+ItemMove moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
+                  TransferGoesOn const& goesOn);
 
 } // namespace mac

@@ -1,9 +1,9 @@
 #include "platform/files/TrashMove.h"
 #include "platform/files/AppleDoubleFile.h"
 #include "platform/files/AppleDoubleForm.h"
-#include "platform/foundation/ExclusiveRename.h"
 #include "platform/files/FolderPlace.h"
 #include "platform/files/TrashInformation.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include <array>
 #include <cerrno>
 #include <fcntl.h>

@@ -297,6 +297,18 @@ TEST_F(FinderOnVolumes, EntireContentsStaysOnTheVolume) {
     EXPECT_EQ(textResult(source), "1");
 }
 
+TEST_F(FinderOnVolumes, SaysThatTheCopyIsCompleteWhenTheOriginalCannotGo) {
+    mountMemory(m_point.path());
+    std::string const file = m_point.makeFile("letter.txt", "Dear Anna");
+    makeReadOnly(m_point.path());
+    std::string const script = moveScript(file, m_home.path("Documents"));
+    EXPECT_EQ(textResult(script), "! Finder got an error: The copy is complete, but the original could not be removed. "
+                                  "The disk is write protected.");
+    EXPECT_EQ(textOf(m_home.path("Documents/letter.txt")), "Dear Anna");
+    EXPECT_EQ(textOf(file), "Dear Anna");
+    EXPECT_EQ(errorNumberOf(script), -15267) << "the copy is there";
+}
+
 TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
     mountMemory(m_point.path());
     m_point.makeFile("letter.txt", "Dear Anna");

@@ -1,4 +1,5 @@
 #include "platform/files/ItemTransfer.h"
+#include "platform/files/ItemReferences.h"
 #include "tests/files/Attributes.h"
 #include "tests/files/TrashHome.h"
 #include "tests/support/PrivateMounts.h"
@@ -19,8 +20,11 @@ FileDescriptor folderAt(std::string const& path) {
 }
 
 using Transfer = bool (*)(OpenItem const&, FileDescriptor const&, std::string const&, NameClash, TransferGoesOn const&);
-constexpr Transfer move = moveItem;
 constexpr Transfer copy = copyItem;
+constexpr Transfer move = [](OpenItem const& item, FileDescriptor const& folder, std::string const& name,
+                             NameClash clash, TransferGoesOn const& goesOn) {
+    return moveItem(item, folder, name, clash, goesOn) == ItemMove::Done;
+};
 
 // 0, or errno.
 int errorOf(Transfer transfer, std::string const& path, std::string const& folder, std::string const& name,
@@ -224,7 +228,7 @@ TEST(ItemTransfer, LeavesAnotherItemThatTookThePlaceAlone) {
     folder.makeFile("file", "new");
     EXPECT_FALSE(copyItem(*item, folderAt(folder.path()), "copy", NameClash::IsRefused, always));
     EXPECT_EQ(errno, ESTALE);
-    EXPECT_FALSE(moveItem(*item, folderAt(folder.path()), "copy", NameClash::IsRefused, always));
+    EXPECT_EQ(moveItem(*item, folderAt(folder.path()), "copy", NameClash::IsRefused, always), ItemMove::NotDone);
     EXPECT_EQ(errno, ESTALE);
     EXPECT_EQ(textOf(file), "new");
 }
@@ -267,6 +271,32 @@ TEST_F(ItemTransferOnVolumes, MovesAFolderThatNobodyMayChange) {
     EXPECT_EQ(statusOf(m_point.path("tree/inner")).st_mode & 0777U, 0555U);
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
     ::chmod(m_point.path("tree/inner").c_str(), 0755);
+}
+
+TEST_F(ItemTransferOnVolumes, DoesNotKeepTheSpaceOfTheOriginal) {
+    mountMemory(m_point.path());
+    std::string const file = m_folder.makeFile("file", "x");
+    ASSERT_TRUE(referenceToPath(file, false));
+    std::size_t const before = namesIn("/proc/self/fd").size();
+    EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0);
+    EXPECT_EQ(namesIn("/proc/self/fd").size(), before - 1);
+}
+
+TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
+    mountMemory(m_point.path(), "mode=777");
+    std::string const file = m_folder.makeFile("closed/file", "x");
+    OrdinaryUser::own(file);
+    OrdinaryUser::own(m_folder.path());
+    OrdinaryUser::own(m_folder.path("closed"));
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0555), 0);
+    OrdinaryUser const user;
+    ASSERT_NE(::faccessat(AT_FDCWD, m_folder.path("closed").c_str(), W_OK, AT_EACCESS), 0);
+    std::optional<OpenItem> const item = openItemAtPath(file, false);
+    ASSERT_TRUE(item);
+    EXPECT_EQ(moveItem(*item, folderAt(m_point.path()), "file", NameClash::IsRefused, always), ItemMove::OriginalStays);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(textOf(m_point.path("file")), "x");
+    EXPECT_EQ(textOf(file), "x");
 }
 
 TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {

@@ -246,7 +246,7 @@ void FinderItem::rename(Value const& value, TextContext const& context) {
     if (!name || m_path == "/" || m_type == codeOf("cdis")) throw fileError(EINVAL, specifier());
     OpenItem const item = open();
     if (*name == item.name) return;
-    if (!moveItem(item, item.folder, *name, NameClash::IsRefused, [] { return true; }))
+    if (moveItem(item, item.folder, *name, NameClash::IsRefused, [] { return true; }) != ItemMove::Done)
         throw fileError(errno, specifier());
     m_path = joined(parentOf(m_path), *name);
 }

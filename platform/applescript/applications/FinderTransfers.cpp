@@ -23,6 +23,13 @@ ScriptError transferError(int errorNumber, Value const& item) {
     return fileError(errorNumber, item);
 }
 
+ScriptError originalStays(int errorNumber, Value const& item) {
+    // It changed while it was copied.
+    ScriptError error = fileError(errorNumber == ESTALE ? EBUSY : errorNumber, item);
+    error.message = u"The copy is complete, but the original could not be removed. " + error.message;
+    return error;
+}
+
 bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
     Value const* const replacing = command.find(codeOf("alrp"));
     return replacing && requireBoolean(*replacing, context);
@@ -82,10 +89,11 @@ void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& fo
     OpenItem const original = item.open();
     OpenItem const place = folder.open();
     if (original.name.empty()) throw plainError(CannotPutThere);
-    bool const isMoved =
-        liesIn(item, folder) || moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
+    if (liesIn(item, folder)) return;
+    ItemMove const moved = moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
     int const reason = errno;
-    if (isMoved) return;
+    if (moved == ItemMove::Done) return;
+    if (moved == ItemMove::OriginalStays) throw originalStays(reason, item.specifier());
     evaluator.stopIfAsked();
     throw transferError(reason, item.specifier());
 }
