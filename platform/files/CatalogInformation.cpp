@@ -46,19 +46,6 @@ HFSUniStr255 nameOf(OpenItem const& item) {
     return result;
 }
 
-std::string parentPath(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    return path.substr(0, std::max<std::size_t>(slash, 1));
-}
-
-// All zero for the root's.
-std::optional<FSRef> parentOf(FSRef const& reference) {
-    std::optional<ReferencedItem> const item = itemOfReference(reference);
-    if (!item) return std::nullopt;
-    if (item->path == "/") return FSRef{};
-    return referenceToPath(parentPath(item->path), true);
-}
-
 template <class T>
 void deliver(T const& value, T* place) {
     if (place) *place = value;
@@ -90,7 +77,7 @@ OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalo
     if (!readCatalogFields(*item, whichInfo, information)) return errorOf(errno);
     FSRef parent{};
     if (parentRef) {
-        std::optional<FSRef> const found = parentOf(*ref);
+        std::optional<FSRef> const found = referenceToFolderOf(*item);
         if (!found) return errorOf(errno);
         parent = *found;
     }

@@ -1,4 +1,5 @@
 #include "platform/files/ItemReferences.h"
+#include "platform/files/FolderPlace.h"
 #include "platform/files/HeldItems.h"
 #include "platform/foundation/OpenItems.h"
 #include "platform/foundation/SymbolicLinks.h"
@@ -80,6 +81,10 @@ std::optional<FSRef> holdItem(HeldItems& items, FileDescriptor item, std::string
     return referenceTo(found->identity);
 }
 
+std::optional<FileDescriptor> opened(FileDescriptor descriptor) {
+    return descriptor.isOpen() ? std::optional(std::move(descriptor)) : std::nullopt;
+}
+
 struct FoundItem {
     OpenItem item;
     std::string path;
@@ -120,9 +125,6 @@ std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& n
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     items.releaseRemoved();
-    auto const opened = [](FileDescriptor descriptor) {
-        return descriptor.isOpen() ? std::optional(std::move(descriptor)) : std::nullopt;
-    };
     std::optional<FileDescriptor> const parent = withRoom(items, [&] { return opened(items.openFolder(*identity)); });
     // What is in the way says so itself; that there is nothing any more, or something else, is the reference's fault.
     bool const isInTheWay = errno == ENOTDIR || errno == EACCES || errno == EMFILE || errno == ENFILE;
@@ -138,6 +140,18 @@ std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& n
     std::optional<std::string> place = systemsPath(*item);
     if (!place) place = items.pathOf(*identity).value_or("") + "/" + name;
     return holdItem(items, std::move(*item), std::move(*place));
+}
+
+std::optional<FSRef> referenceToFolderOf(OpenItem const& item) {
+    if (item.name.empty()) return FSRef{};
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    items.releaseRemoved();
+    std::optional<FileDescriptor> folder =
+        withRoom(items, [&] { return opened(FileDescriptor(::fcntl(item.folder.number(), F_DUPFD_CLOEXEC, 0))); });
+    std::optional<std::string> place = folder ? pathOfFolder(*folder) : std::nullopt;
+    if (!place) return std::nullopt;
+    return holdItem(items, std::move(*folder), std::move(*place));
 }
 
 std::optional<ReferencedItem> itemOfReference(FSRef const& reference) {

@@ -15,6 +15,8 @@ std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks);
 
 // To what has the name in the folder, wherever that is now; a link is meant itself. ESTALE: the folder is not found.
 std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& name);
+// To the folder that the item was found in, wherever that is now; all zero for the root's.
+std::optional<FSRef> referenceToFolderOf(OpenItem const& item);
 
 struct ReferencedItem {
     std::string path;
