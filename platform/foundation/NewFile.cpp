@@ -1,4 +1,5 @@
 #include "platform/foundation/NewFile.h"
+#include "platform/foundation/ExclusiveRename.h"
 #include "platform/foundation/OpenItems.h"
 #include <algorithm>
 #include <array>
@@ -124,15 +125,8 @@ bool NewFile::finish(std::string const& name, Place place) {
     int const copy = ::fcntl(m_file.number(), F_DUPFD_CLOEXEC, 0);
     if (copy < 0 || ::close(copy) != 0) return false;
     int const folder = m_folder.number();
-    if (place == Place::IsTaken) {
-        m_isDone = ::renameat(folder, m_name.c_str(), folder, name.c_str()) == 0;
-    } else {
-        m_isDone = ::renameat2(folder, m_name.c_str(), folder, name.c_str(), RENAME_NOREPLACE) == 0;
-        // Where the system cannot rename so, a second name is as good: it replaces nothing.
-        if (!m_isDone && (errno == EINVAL || errno == ENOSYS) &&
-            ::linkat(folder, m_name.c_str(), folder, name.c_str(), 0) == 0)
-            m_isDone = ::unlinkat(folder, m_name.c_str(), 0) == 0;
-    }
+    m_isDone = place == Place::IsTaken ? ::renameat(folder, m_name.c_str(), folder, name.c_str()) == 0
+                                       : renameWithoutReplacing(folder, m_name, folder, name);
     return m_isDone && flushFolder(m_folder);
 }
 

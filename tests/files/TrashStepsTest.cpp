@@ -1,5 +1,4 @@
 #include "platform/files/TrashSteps.h"
-#include "platform/foundation/ExclusiveRename.h"
 #include "tests/files/TrashHome.h"
 #include <cerrno>
 #include <csignal>
@@ -145,50 +144,6 @@ TEST_F(TrashSteps, AnItemGoesAloneWhenTheFileBesideItGoesAway) {
     EXPECT_TRUE(moveToTrash(file).hasValue());
     EXPECT_EQ(namesIn(m_home.files()), Names{"file"});
     EXPECT_EQ(namesIn(m_home.information()), Names{"file.trashinfo"});
-}
-
-class RenameOverPlaceholder : public testing::Test {
-protected:
-    bool rename(std::string const& from, std::string const& to) const {
-        return renameOverPlaceholder(m_parent.number(), from, m_parent.number(), to);
-    }
-
-    TemporaryFolder const m_folder{};
-    FileDescriptor const m_parent{::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
-};
-
-TEST_F(RenameOverPlaceholder, MovesFilesFoldersAndLinks) {
-    m_folder.makeFile("file", "x");
-    m_folder.makeFile("folder/file", "y");
-    ASSERT_EQ(::symlink("nowhere", m_folder.path("link").c_str()), 0);
-    EXPECT_TRUE(rename("file", "file 2"));
-    EXPECT_TRUE(rename("folder", "folder 2"));
-    EXPECT_TRUE(rename("link", "link 2"));
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
-    EXPECT_EQ(textOf(m_folder.path("file 2")), "x");
-    EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
-}
-
-TEST_F(RenameOverPlaceholder, ReplacesNothing) {
-    m_folder.makeFile("file", "x");
-    m_folder.makeFolder("folder");
-    m_folder.makeFolder("empty");
-    EXPECT_FALSE(rename("file", "empty"));
-    EXPECT_EQ(errno, EEXIST);
-    EXPECT_FALSE(rename("folder", "empty"));
-    EXPECT_EQ(errno, EEXIST);
-    EXPECT_FALSE(rename("folder", "file"));
-    EXPECT_FALSE(rename("none", "new"));
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
-}
-
-TEST_F(RenameOverPlaceholder, LeavesNothingBehindWhenItFails) {
-    m_folder.makeFolder("folder/inner");
-    FileDescriptor const inner(::open(m_folder.path("folder/inner").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_FALSE(renameOverPlaceholder(m_parent.number(), "folder", inner.number(), "itself"));
-    EXPECT_EQ(errno, EINVAL);
-    EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
 }
 
 } // namespace
