@@ -1,5 +1,4 @@
 #include "platform/appkit/NSWorkspace.h"
-#include "platform/finder/DetachedProcess.h"
 #include "platform/finder/FileBrowserProcess.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/finder/FileBrowserWindows.h"
@@ -7,6 +6,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/DesktopApplication.h"
+#include "platform/processes/DetachedProcess.h"
 #include "platform/processes/Processes.h"
 
 namespace mac {

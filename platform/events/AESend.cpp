@@ -4,6 +4,7 @@
 #include "platform/events/EventTarget.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
+#include "platform/processes/FileBrowserStart.h"
 
 namespace mac {
 
@@ -52,7 +53,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitFor(*pending, deadline, until);
     if (!outcome) return errAETimeout;
-    if (outcome->hasNoEndpoint && isQuit(event) && askToEnd(process)) {
+    if (outcome->hasNoEndpoint && isQuit(event) && askToQuit(process)) {
         if (mode == kAEWaitReply) reply = makeReply(event);
         return noErr;
     }

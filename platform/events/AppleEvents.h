@@ -59,8 +59,8 @@ using AEFilterUPP = Nil;
 // null pointer. The default time-out is a minute. The reply is null after a failure and where none is waited for, and
 // is the caller's to dispose of; it may be a null pointer where none is waited for.
 // While a reply is waited for, the main thread handles incoming events and nothing else. Other threads may send to
-// other processes, by serial number or process ID. Linux: a process that answers no events is asked to quit by SIGTERM,
-// which counts as its reply.
+// other processes, by serial number or process ID. Linux: a process that answers no events is asked to quit as a
+// user would, the file browser by its own command and others by SIGTERM, which counts as its reply.
 OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks);
 // The same; the priority is ignored.
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority sendPriority,

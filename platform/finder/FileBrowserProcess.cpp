@@ -1,66 +1,18 @@
 #include "platform/finder/FileBrowserProcess.h"
-#include "platform/finder/DetachedProcess.h"
 #include "platform/finder/FileBrowserService.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSString.h"
-#include "platform/processes/DesktopApplication.h"
+#include "platform/processes/FileBrowserStart.h"
 #include "platform/processes/FrontProcess.h"
-#include "platform/processes/KeyFile.h"
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <climits>
-#include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac {
 
 namespace {
-
-// How the browser was started when it was last asked to quit.
-struct RememberedStart {
-    std::string executable{};
-    std::vector<std::string> words{};
-    std::string folder{};
-};
-
-RememberedStart& rememberedStart() {
-    static RememberedStart start;
-    return start;
-}
-
-std::optional<std::string> linkText(std::string const& path) {
-    std::array<char, PATH_MAX> text;
-    ssize_t const length = ::readlink(path.c_str(), text.data(), text.size());
-    if (length <= 0) return std::nullopt;
-    return std::string(text.data(), static_cast<std::size_t>(length));
-}
-
-// In no language.
-std::string lowercase(std::string text) {
-    for (char& character : text) {
-        if (character >= 'A' && character <= 'Z') character = static_cast<char>(character - 'A' + 'a');
-    }
-    return text;
-}
-
-// What the browser's entry or its kind has for it; nothing where there is neither.
-std::optional<std::vector<std::string>> quitCommandOf(FileBrowser const& browser) {
-    KeyFile const entry = KeyFile::readFile(browser.entryPath);
-    for (std::string const& action : entry.list("Desktop Entry", "Actions")) {
-        std::optional<std::string> const commandLine = entry.text("Desktop Action " + action, "Exec");
-        if (lowercase(action) == "quit" && commandLine) return wordsOfCommandLine(*commandLine);
-    }
-    std::string const name = lowercase(browser.executable.substr(browser.executable.rfind('/') + 1));
-    for (char const* const kind : {"thunar", "nautilus", "nemo", "caja"}) {
-        if (name == kind) return std::vector<std::string>{browser.executable, "-q"};
-    }
-    return std::nullopt;
-}
 
 using Clock = std::chrono::steady_clock;
 
@@ -98,23 +50,11 @@ bool noneRuns(std::vector<ProcessIdentity> const& processes) {
                                 [](ProcessIdentity const& process) { return runningProcess(process).has_value(); });
 }
 
-// The process that does it; none where there is no command, or it cannot be started.
-FileDescriptor runQuitCommand(FileBrowser const& browser) {
-    std::optional<std::vector<std::string>> const command = quitCommandOf(browser);
-    std::optional<std::string> const program =
-        command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
-    std::int32_t const pid = program ? startDetached(*program, *command).pid : 0;
-    return pid > 0 ? openProcess(pid) : FileDescriptor();
-}
-
 FinderOutcome startBrowser(FileBrowser const& browser) {
     if (!hasDisplay()) return noDisplay();
-    RememberedStart const& start = rememberedStart();
-    bool const isRemembered = start.executable == browser.executable && !start.words.empty();
-    std::optional<DesktopApplication> const application = defaultApplicationFor({"inode/directory"});
-    if (!isRemembered && !application) return noFileBrowser();
-    std::vector<std::string> const words = isRemembered ? start.words : commandOf(*application, {});
-    DetachedProcess const process = startDetached(browser.executable, words, isRemembered ? start.folder : "");
+    FileBrowserStart const start =
+        rememberedStart(browser).value_or(FileBrowserStart{commandOf(browser.application, {}), ""});
+    DetachedProcess const process = startDetached(browser.application.executable, start.words, start.folder);
     if (process.pid == 0) return notStarted();
     if (!serviceCommandOf(browser) || !isFileBrowserServiceOffered()) return {};
     return waitForFileBrowserService(process.pid);
@@ -123,13 +63,8 @@ FinderOutcome startBrowser(FileBrowser const& browser) {
 } // namespace
 
 std::vector<ProcessIdentity> fileBrowserProcesses() {
-    std::vector<ProcessIdentity> processes;
     std::optional<FileBrowser> const browser = defaultFileBrowser();
-    if (!browser) return processes;
-    for (RunningProcess const& process : runningProcesses()) {
-        if (isFileBrowser(*browser, programOf(process), process.identity.pid)) processes.push_back(process.identity);
-    }
-    return processes;
+    return browser ? processesOf(*browser) : std::vector<ProcessIdentity>();
 }
 
 FinderOutcome activateFileBrowser() {
@@ -142,31 +77,17 @@ FinderOutcome activateFileBrowser() {
     return openFolders({home.value_or("/")});
 }
 
-bool rememberFileBrowserStart() {
-    std::optional<FileBrowser> const browser = defaultFileBrowser();
-    std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
-    if (!browser || processes.empty()) return false;
-    std::int32_t const pid = processes.front().pid;
-    RememberedStart start{browser->executable, argumentsOf(pid).value_or(std::vector<std::string>()),
-                          linkText("/proc/" + std::to_string(pid) + "/cwd").value_or("")};
-    if (start.words.empty() || !runningProcess(processes.front())) return false;
-    rememberedStart() = std::move(start);
-    return true;
-}
-
-void forgetFileBrowserStart() { rememberedStart() = {}; }
-
 FinderOutcome quitFileBrowser() {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
-    std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
+    std::vector<ProcessIdentity> const processes = processesOf(*browser);
     if (processes.empty()) return {};
-    rememberFileBrowserStart();
+    rememberStart(*browser, processes.front());
     std::vector<FileDescriptor> open = openProcesses(processes);
     Clock::time_point const end = Clock::now() + finderPatience().quit;
-    if (FileDescriptor command = runQuitCommand(*browser); command.isOpen()) {
+    if (DetachedProcess const command = runQuitCommand(*browser); command.pid > 0) {
         // It is the browser's program, too, and looks like one that still runs.
-        open.push_back(std::move(command));
+        if (FileDescriptor process = openProcess(command.pid); process.isOpen()) open.push_back(std::move(process));
         // Half of the time for its own way.
         if (haveEnded(open, end - finderPatience().quit / 2) && noneRuns(processes)) return {};
     }
@@ -179,7 +100,7 @@ FinderOutcome quitFileBrowser() {
 FinderOutcome launchFileBrowser() {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
-    return fileBrowserProcesses().empty() ? startBrowser(*browser) : FinderOutcome();
+    return processesOf(*browser).empty() ? startBrowser(*browser) : FinderOutcome();
 }
 
 } // namespace mac

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/finder/FileBrowserWindows.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/processes/FileBrowserStart.h"
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,10 +21,6 @@ FinderOutcome activateFileBrowser();
 // is asked, and waits until it is gone, some 5 seconds at most. Done also when it does not run. How it was started is
 // remembered.
 FinderOutcome quitFileBrowser();
-
-// Remembers how the browser that runs was started, for who quits it by other means. False when it does not run.
-bool rememberFileBrowserStart();
-void forgetFileBrowserStart();
 
 // Starts the browser if it does not run: as it was started when it was last remembered, with the same arguments in the
 // same folder, and otherwise by its desktop entry. Answers when it runs; a service answers on the bus by then.

@@ -1,7 +1,7 @@
 #include "platform/finder/FileBrowserService.h"
-#include "platform/finder/DetachedProcess.h"
 #include "platform/foundation/FolderContents.h"
 #include "platform/processes/DesktopApplication.h"
+#include "platform/processes/DetachedProcess.h"
 #include "platform/processes/KeyFile.h"
 #include <cerrno>
 #include <cstdlib>
@@ -22,13 +22,14 @@ std::optional<std::vector<std::string>> commandIn(std::string const& serviceFile
     if (service.value(group, "Name") != "org.freedesktop.FileManager1") return std::nullopt;
     std::optional<std::string> const commandLine = service.text(group, "Exec");
     std::optional<std::vector<std::string>> words = commandLine ? wordsOfCommandLine(*commandLine) : std::nullopt;
-    if (!words || words->empty() || resolvedProgram(words->front()) != browser.executable) return std::nullopt;
+    if (!words || words->empty() || resolvedProgram(words->front()) != browser.application.executable)
+        return std::nullopt;
     return words;
 }
 
 FileBrowserReach startService(FileBrowser const& browser, std::vector<std::string> const& command) {
     if (!hasDisplay()) return {.outcome = noDisplay()};
-    DetachedProcess const process = startDetached(browser.executable, command);
+    DetachedProcess const process = startDetached(browser.application.executable, command);
     if (process.pid == 0) return {.outcome = notStarted()};
     FinderOutcome const outcome = waitForFileBrowserService(process.pid);
     return {outcome.isDone() ? Reach::ByBus : Reach::NotAtAll, outcome};

@@ -1,9 +1,9 @@
 #include "platform/finder/FileBrowserWindows.h"
-#include "platform/finder/DetachedProcess.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/foundation/LongPath.h"
 #include "platform/launchservices/MIMETypes.h"
 #include "platform/processes/DesktopApplication.h"
+#include "platform/processes/DetachedProcess.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <set>
@@ -61,10 +61,10 @@ FinderOutcome startWith(DesktopApplication const& application, std::vector<std::
 
 // By a browser that is no service: a window for each folder.
 FinderOutcome startWithFolders(std::set<std::string> const& folders) {
-    std::optional<DesktopApplication> const browser = defaultApplicationFor({"inode/directory"});
+    std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
     for (std::string const& folder : folders) {
-        FinderOutcome outcome = startWith(*browser, {folder});
+        FinderOutcome outcome = startWith(browser->application, {folder});
         if (!outcome.isDone()) return outcome;
     }
     return {};

@@ -95,7 +95,7 @@ std::optional<std::string> entryOf(Role const& role) {
 std::optional<std::string> desktopEntryOfRole(std::string_view bundleIdentifier) {
     if (bundleIdentifier == "com.apple.finder") {
         std::optional<FileBrowser> const browser = defaultFileBrowser();
-        return browser ? std::optional(browser->entryPath) : std::nullopt;
+        return browser ? std::optional(browser->application.entryPath) : std::nullopt;
     }
     auto const role = std::ranges::find(Roles, bundleIdentifier, &Role::identifier);
     return role == Roles.end() ? std::nullopt : entryOf(*role);

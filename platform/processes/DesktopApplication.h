@@ -36,8 +36,14 @@ std::vector<std::string> commandOf(DesktopApplication const& application, std::v
 std::string percentEscaped(std::string const& path);
 std::string fileURIOfPath(std::string const& path);
 
-// The user's folder for data and the system's ("/usr/share"), the weightiest first.
+// The parts of a variable's value between colons, without empty ones; those of the fallback where it is not set.
+std::vector<std::string> listInEnvironment(char const* variable, std::string const& fallback);
+
+// The user's folder and then the system's, the weightiest first: for settings ("/etc/xdg"), for data ("/usr/share") and
+// for desktop entries ("/usr/share/applications").
+std::vector<std::string> configFolders();
 std::vector<std::string> dataFolders();
+std::vector<std::string> applicationFolders();
 
 // The program's file with links resolved, of a path or by the search path; nothing when there is none that can be run.
 std::optional<std::string> resolvedProgram(std::string const& word);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "platform/processes/DesktopApplication.h"
+#include "platform/processes/ProcessList.h"
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 // Which program shows folders on this desktop, for implementations.
 
@@ -10,14 +13,9 @@ namespace mac {
 
 // The desktop's default application for folders, which stands in the Finder's role.
 struct FileBrowser {
-    // The desktop entry's own file.
-    std::string entryPath;
-    // Its name for people, in UTF-8 and not translated.
-    std::string name;
-    // The program's file, with links resolved.
-    std::string executable;
-    // What programOf answers for its processes: the same, or the script that its command runs; empty where an
-    // interpreter is all that can be told.
+    DesktopApplication application;
+    // What programOf answers for its processes: the application's file, or the script that its command runs; empty
+    // where an interpreter is all that can be told.
     std::string program;
 };
 
@@ -28,5 +26,8 @@ std::optional<FileBrowser> defaultFileBrowser();
 // Whether the process that runs the program, as programOf tells it, is the file browser of this user's session. Any
 // thread.
 bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::int32_t pid);
+
+// Its processes, in the order of their start. Any thread.
+std::vector<ProcessIdentity> processesOf(FileBrowser const& browser);
 
 } // namespace mac

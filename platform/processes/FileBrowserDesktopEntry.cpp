@@ -1,6 +1,4 @@
-#include "platform/processes/DesktopApplication.h"
 #include "platform/processes/FileBrowser.h"
-#include "platform/processes/ProcessList.h"
 #include "platform/processes/Session.h"
 
 namespace mac {
@@ -16,13 +14,22 @@ std::string programOf(DesktopApplication const& application) {
 } // namespace
 
 std::optional<FileBrowser> defaultFileBrowser() {
-    std::optional<DesktopApplication> const application = defaultApplicationFor({"inode/directory"});
+    std::optional<DesktopApplication> application = defaultApplicationFor({"inode/directory"});
     if (!application) return std::nullopt;
-    return FileBrowser{application->entryPath, application->name, application->executable, programOf(*application)};
+    std::string program = programOf(*application);
+    return FileBrowser{std::move(*application), std::move(program)};
 }
 
 bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::int32_t pid) {
     return program == browser.program && isOfThisSession(pid);
+}
+
+std::vector<ProcessIdentity> processesOf(FileBrowser const& browser) {
+    std::vector<ProcessIdentity> processes;
+    for (RunningProcess const& process : runningProcesses()) {
+        if (isFileBrowser(browser, programOf(process), process.identity.pid)) processes.push_back(process.identity);
+    }
+    return processes;
 }
 
 } // namespace mac

@@ -71,7 +71,7 @@ bool readWord(std::string_view& text, std::string& word) {
 
 KeyFile KeyFile::read(std::string_view text) {
     KeyFile file;
-    std::map<std::string, std::string>* group = nullptr;
+    std::map<std::string, std::string>* group = &file.m_groups[""];
     while (!text.empty()) {
         std::size_t const end = text.find('\n');
         std::string_view const line = trimmed(text.substr(0, end));
@@ -82,7 +82,7 @@ KeyFile KeyFile::read(std::string_view text) {
             continue;
         }
         std::size_t const equals = line.find('=');
-        if (!group || equals == std::string_view::npos) continue;
+        if (equals == std::string_view::npos) continue;
         (*group)[std::string(trimmed(line.substr(0, equals)))] = trimmed(line.substr(equals + 1));
     }
     return file;

@@ -9,7 +9,8 @@
 namespace mac {
 
 // A file of the desktop's in groups of keys with values: desktop entries, lists of default applications. Comments and
-// lines that are neither are passed over; of equal keys in a group the last counts.
+// lines that are neither are passed over; of equal keys in a group the last counts. Keys before the first group are in
+// the one without a name.
 class KeyFile {
 public:
     static KeyFile read(std::string_view text);

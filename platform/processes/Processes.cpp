@@ -159,7 +159,7 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     std::optional<FileBrowser> const& browser = walk.fileBrowser();
     if (browser && isFileBrowser(*browser, program, identity->pid)) {
         information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);
-        information.setObject_forKey_(pathString(browser->name), kCFBundleNameKey);
+        information.setObject_forKey_(pathString(browser->application.name), kCFBundleNameKey);
     }
     return NSDictionary::dictionaryWithDictionary_(information);
 }

@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -35,6 +36,7 @@ public:
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         if (message.member() == QLatin1String("Quit")) {
+            write("asked to quit");
             QTimer::singleShot(0, qApp, &QCoreApplication::quit);
             return connection.send(message.createReply());
         }
@@ -62,6 +64,9 @@ int main(int count, char** arguments) {
     std::string line = "started " + mode;
     for (int index = 3; index < count; ++index)
         line.append(" ").append(arguments[index]);
+    // Only who asks for it wants to see the folder.
+    std::string const folder = std::filesystem::current_path().string();
+    if (line.ends_with(" in")) line.append(" ").append(folder);
     browser.write(line);
     if (mode == "ends" || mode == "open") return 0;
     if (mode == "stubborn") ::signal(SIGTERM, SIG_IGN);

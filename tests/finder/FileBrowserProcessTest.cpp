@@ -44,7 +44,7 @@ TEST_F(FileBrowserProcess, QuitsByItsOwnCommand) {
     ASSERT_TRUE(launchFileBrowser().isDone());
     FinderOutcome const outcome = quitFileBrowser();
     EXPECT_TRUE(outcome.isDone()) << outcome.reason;
-    EXPECT_EQ(m_desktop.lines(), (Lines{"started serve by entry", "started quit"}));
+    EXPECT_EQ(m_desktop.lines(), (Lines{"started serve by entry", "started quit", "asked to quit"}));
     EXPECT_TRUE(fileBrowserProcesses().empty());
 }
 
@@ -72,15 +72,26 @@ TEST_F(FileBrowserProcess, IsNotForcedToQuit) {
 
 TEST_F(FileBrowserProcess, IsStartedAgainAsItWasStarted) {
     install("serve");
-    ChildProcess browser({fakeFileBrowser(), "serve", m_desktop.log(), "as it was", ""});
+    std::string const folder = m_desktop.folder.makeFolder("a folder");
+    ChildProcess browser({"/usr/bin/env", "-C", folder, fakeFileBrowser(), "serve", m_desktop.log(), "", "in"});
     ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
-    EXPECT_TRUE(rememberFileBrowserStart());
-    browser.sendSignal(SIGTERM);
-    browser.wait();
+    std::vector<ProcessIdentity> const processes = fileBrowserProcesses();
+    ASSERT_EQ(processes.size(), 1U);
+    EXPECT_TRUE(askToQuit(processes[0]));
+    EXPECT_EQ(browser.wait(), -SIGTERM) << "it has no command for that";
     ASSERT_TRUE(isGone());
-    EXPECT_FALSE(rememberFileBrowserStart());
+    EXPECT_FALSE(askToQuit(processes[0]));
     EXPECT_TRUE(launchFileBrowser().isDone());
-    EXPECT_EQ(m_desktop.lines(), (Lines{"started serve as it was ", "started serve as it was "}));
+    std::string const line = "started serve  in " + folder;
+    EXPECT_EQ(m_desktop.lines(), (Lines{line, line}));
+}
+
+TEST_F(FileBrowserProcess, IsAskedToQuitByItsOwnCommandFirst) {
+    install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(askToQuit(fileBrowserProcesses().at(0)));
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(m_desktop.lastLine(), "asked to quit");
 }
 
 TEST_F(FileBrowserProcess, OfAnotherSessionIsNotItsOwn) {

@@ -27,7 +27,7 @@ protected:
     }
     static std::string found() {
         std::optional<FileBrowser> const browser = defaultFileBrowser();
-        return browser ? browser->name : "";
+        return browser ? browser->application.name : "";
     }
 
     TemporaryFolder m_folder;
@@ -93,6 +93,48 @@ TEST_F(FileBrowserOfADesktop, HasAProgramThatIsThere) {
     EXPECT_EQ(found(), "d");
 }
 
+TEST_F(FileBrowserOfADesktop, IsWhatTheUserChoseInXfcesOwnSettings) {
+    m_folder.makeFile("system/applications/xfce4-file-manager.desktop",
+                      "[Desktop Entry]\nName=File Manager\nExec=exo-open --launch FileManager %u\n");
+    makeList("config/mimeapps.list", "xfce4-file-manager.desktop");
+    std::string const launcher = makeProgram("exo-open");
+    auto const makeHelper = [&](std::string const& name, std::string const& parameters) {
+        m_folder.makeFile("system/xfce4/helpers/" + name + ".desktop",
+                          "[Desktop Entry]\nType=X-XFCE-Helper\nName=" + name + "\nX-XFCE-Binaries=none;" + name +
+                              ";\nX-XFCE-CommandsWithParameter=" + parameters + ";\n");
+        return makeProgram(name);
+    };
+    std::string const thunar = makeHelper("thunar", "%B \"%s\"");
+    std::string const other = makeHelper("other", "%B -n \"%s\"");
+    EXPECT_EQ(defaultFileBrowser()->program, launcher) << "nothing was chosen";
+    m_folder.makeFile("etc/xfce4/helpers.rc", "# The defaults\nWebBrowser=other\nFileManager=thunar\n");
+    EXPECT_EQ(defaultFileBrowser()->program, thunar);
+    EXPECT_EQ(commandOf(defaultFileBrowser()->application, {"/a b"}),
+              (std::vector{thunar, std::string("file:///a%20b")}));
+    m_folder.makeFile("config/xfce4/helpers.rc", "FileManager=other\n");
+    EXPECT_EQ(defaultFileBrowser()->program, other);
+    EXPECT_EQ(commandOf(defaultFileBrowser()->application, {"/a"}),
+              (std::vector<std::string>{other, "-n", "file:///a"}));
+    EXPECT_EQ(found(), "File Manager");
+    m_folder.makeFile("config/xfce4/helpers.rc", "FileManager=../helpers/thunar\n");
+    EXPECT_EQ(defaultFileBrowser()->program, launcher) << "a name is no path";
+}
+
+TEST_F(FileBrowserOfADesktop, IsNoEntryThatIsHidden) {
+    makeEntry("home/applications/shown.desktop", "shown");
+    m_folder.makeFile("home/applications/hidden.desktop", "[Desktop Entry]\nName=hidden\nExec=shown\nHidden=true\n");
+    makeList("config/mimeapps.list", "hidden.desktop;shown.desktop");
+    EXPECT_EQ(found(), "shown");
+}
+
+TEST_F(FileBrowserOfADesktop, IsLookedForByNoListThatIsNotAbsolute) {
+    makeEntry("home/applications/d.desktop", "d");
+    makeList("config/mimeapps.list", "d.desktop");
+    EnvironmentVariable const relative("XDG_CONFIG_HOME", "config");
+    EnvironmentVariable const home("HOME", m_folder.path("none"));
+    EXPECT_EQ(found(), "");
+}
+
 TEST_F(FileBrowserOfADesktop, IsKnownByItsFileBehindLinks) {
     makeEntry("home/applications/d.desktop", "d");
     makeList("config/mimeapps.list", "d.desktop");
@@ -100,8 +142,8 @@ TEST_F(FileBrowserOfADesktop, IsKnownByItsFileBehindLinks) {
     ASSERT_EQ(::unlink(m_folder.path("bin/d").c_str()), 0);
     ASSERT_EQ(::symlink(real.c_str(), m_folder.path("bin/d").c_str()), 0);
     ASSERT_TRUE(defaultFileBrowser().has_value());
-    EXPECT_EQ(defaultFileBrowser()->executable, real);
-    EXPECT_EQ(defaultFileBrowser()->entryPath, m_folder.path("home/applications/d.desktop"));
+    EXPECT_EQ(defaultFileBrowser()->application.executable, real);
+    EXPECT_EQ(defaultFileBrowser()->application.entryPath, m_folder.path("home/applications/d.desktop"));
 }
 
 TEST(KeyFile, ReadsKeysInTheirGroups) {
@@ -111,6 +153,7 @@ TEST(KeyFile, ReadsKeysInTheirGroups) {
     EXPECT_EQ(file.value("A", "empty"), "");
     EXPECT_EQ(file.value("A", "more"), "c");
     EXPECT_EQ(file.value("A", "stray"), std::nullopt);
+    EXPECT_EQ(file.value("", "stray"), "1");
     EXPECT_EQ(file.value("C", "key"), std::nullopt);
     EXPECT_EQ(file.list("B", "key"), (std::vector<std::string>{"x", "y"}));
     EXPECT_TRUE(file.list("A", "none").empty());

@@ -1,3 +1,4 @@
+#include "platform/appkit/NSWorkspace.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSURL.h"
@@ -142,6 +143,23 @@ TEST_F(FinderControl, FailsWithoutAFileBrowser) {
     EXPECT_FALSE(KRAPathRevealInFinder(file));
     EXPECT_FALSE(KRAPathRevealInFinder(path("shown/none")));
     EXPECT_FALSE(pxRevealItemsInFinder(enumerator({file})));
+}
+
+TEST_F(FinderControl, QuitsTheFileBrowserByItsOwnMeansAndStartsItAsItWas) {
+    m_desktop.install(m_desktop.fake("serve"),
+                      "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
+    ChildProcess const browser({fakeFileBrowser(), "serve", m_desktop.log(), "as it was"});
+    ASSERT_TRUE(waitUntil([] { return KRAProcessSerialNumberGetFinder() != nil; }));
+    ASSERT_EQ(m_desktop.lines(1), Lines{"started serve as it was"});
+    ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
+    EXPECT_TRUE(KRAProcessSerialNumberQuit(KRAProcessSerialNumberGetFinder()));
+    EXPECT_TRUE(KRAProcessSerialNumberGetFinder() == nil);
+    EXPECT_EQ(asked(), (Lines{"started quit", "asked to quit"}));
+    EXPECT_TRUE(NSWorkspace::sharedWorkspace()
+                    .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+                        "com.apple.finder", NSWorkspaceLaunchDefault, nil, nullptr));
+    EXPECT_EQ(m_desktop.lastLine(), "started serve as it was");
+    KRAProcessSerialNumberQuit(KRAProcessSerialNumberGetFinder());
 }
 
 TEST_F(FinderControl, AnswersMessagesByName) {

@@ -1,10 +1,10 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/finder/DetachedProcess.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/FolderContents.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/DesktopApplication.h"
+#include "platform/processes/DetachedProcess.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
 #include <unistd.h>

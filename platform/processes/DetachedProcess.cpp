@@ -1,4 +1,4 @@
-#include "platform/finder/DetachedProcess.h"
+#include "platform/processes/DetachedProcess.h"
 #include "platform/foundation/FileDescriptor.h"
 #include <array>
 #include <cerrno>

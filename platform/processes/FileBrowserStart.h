@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/processes/DetachedProcess.h"
+#include "platform/processes/FileBrowser.h"
+#include <optional>
+#include <string>
+#include <vector>
+
+// How the file browser is asked to quit, and how it was started, so that it can be started again as it was. For
+// implementations; any thread.
+
+namespace mac {
+
+struct FileBrowserStart {
+    std::vector<std::string> words;
+    // Where it was started; empty where that cannot be told.
+    std::string folder;
+};
+
+// Remembers how the process, one of the browser's, was started. False when it does not run any more.
+bool rememberStart(FileBrowser const& browser, ProcessIdentity const& process);
+// Of the same browser; nothing where none was remembered.
+std::optional<FileBrowserStart> rememberedStart(FileBrowser const& browser);
+void forgetFileBrowserStart();
+
+// Runs the command that its desktop entry or its kind has to make it quit, and does not wait. The process that does it;
+// none where there is no such command, or it cannot be started.
+DetachedProcess runQuitCommand(FileBrowser const& browser);
+
+// Asks the process to quit as a user would and does not wait: the file browser by its own command, after its start was
+// remembered, and any other process as askToEnd does. False when it has ended already, or may not be asked.
+bool askToQuit(ProcessIdentity const& process);
+
+} // namespace mac
