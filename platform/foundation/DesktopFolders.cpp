@@ -1,8 +1,8 @@
 #include "platform/foundation/DesktopFolders.h"
+#include "platform/foundation/LongPath.h"
 #include "platform/foundation/NSString.h"
+#include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 namespace mac {
 
@@ -49,11 +49,10 @@ std::string baseFolder(char const* variable, std::string_view usual) {
 }
 
 std::string listOfFolders() {
-    std::ifstream file(configHome() + "/user-dirs.dirs", std::ios::binary);
-    std::string list(LongestList, '\0');
-    file.read(list.data(), static_cast<std::streamsize>(list.size()));
-    list.resize(static_cast<std::size_t>(file.gcount()));
-    return list;
+    Result<FileContents> const file = readFileAtPath(configHome() + "/user-dirs.dirs", LongestList);
+    if (!file.hasValue()) return {};
+    std::vector<std::byte> const& bytes = file.value().bytes;
+    return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
 }
 
 } // namespace

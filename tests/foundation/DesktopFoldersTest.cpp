@@ -4,6 +4,8 @@
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::test {
 namespace {
@@ -43,6 +45,18 @@ TEST(DesktopFolders, TheEnvironmentComesBeforeTheUsersList) {
     EXPECT_EQ(desktopFolder("XDG_MUSIC_DIR"), "/home/ann/Songs");
     EnvironmentVariable const set("XDG_MUSIC_DIR", "/srv/music");
     EXPECT_EQ(desktopFolder("XDG_MUSIC_DIR"), "/srv/music");
+}
+
+TEST(DesktopFolders, WhatIsNoListOfReasonableLengthNamesNone) {
+    TemporaryFolder const folder;
+    EnvironmentVariable const configuration("XDG_CONFIG_HOME", folder.path());
+    std::string const list = folder.path("user-dirs.dirs");
+    std::ofstream(list) << "XDG_MUSIC_DIR=\"/srv/music\"\n#" << std::string(std::size_t{1} << 20, ' ') << "\n";
+    EXPECT_FALSE(desktopFolder("XDG_MUSIC_DIR"));
+    ASSERT_EQ(::unlink(list.c_str()), 0);
+    // Nobody writes into it: to open it would take for ever.
+    ASSERT_EQ(::mkfifo(list.c_str(), 0600), 0);
+    EXPECT_FALSE(desktopFolder("XDG_MUSIC_DIR"));
 }
 
 TEST(DesktopFolders, TheHomeIsTheUsersWhereTheVariableIsNone) {
