@@ -116,22 +116,29 @@ void NSMetadataQuery::Body::scheduleDelivery() {
 void NSMetadataQuery::Body::deliver() {
     m_timer = nil;
     if (m_disabledUpdates > 0) return;
+    std::uint64_t const walk = m_walk;
     m_lastDelivery = NSDate::date();
-    if (m_phase == Phase::Gathering) {
-        // Asked before the finds are taken: what is found later than this comes with the next batch.
-        VolumeWalkProgress const progress = m_walker->progress();
-        bool const isMore = takeFinds();
-        m_lastDelivery = NSDate::date();
-        if (!isMore && progress.isFinished) return finishGathering(progress);
-        // The end comes with a delivery of its own, also when an observer of this one raises.
-        if (progress.isFinished) scheduleDelivery();
-        std::uint64_t const walk = m_walk;
-        if (isMore) post(NSMetadataQueryGatheringProgressNotification);
-        // The interval begins when the observers are done, however long they or the machine took.
-        if (walk == m_walk) m_lastDelivery = NSDate::date();
-        return;
-    }
-    if (m_phase == Phase::Live && applyFolderChanges()) post(NSMetadataQueryDidUpdateNotification);
+    if (m_phase == Phase::Gathering)
+        deliverFinds();
+    else if (m_phase == Phase::Live && applyFolderChanges())
+        post(NSMetadataQueryDidUpdateNotification);
+    // An observer may have stopped or restarted the query.
+    if (walk != m_walk) return;
+    // The interval begins when the observers are done, however long they or the machine took.
+    m_lastDelivery = NSDate::date();
+    if (!m_timer.isValid()) return;
+    m_timer.invalidate();
+    scheduleDelivery();
+}
+
+void NSMetadataQuery::Body::deliverFinds() {
+    // Asked before the finds are taken: what is found later than this comes with the next batch.
+    VolumeWalkProgress const progress = m_walker->progress();
+    bool const isMore = takeFinds();
+    if (!isMore && progress.isFinished) return finishGathering(progress);
+    // The end comes with a delivery of its own, also when an observer of this one raises.
+    if (progress.isFinished) scheduleDelivery();
+    if (isMore) post(NSMetadataQueryGatheringProgressNotification);
 }
 
 bool NSMetadataQuery::Body::takeFinds() {

@@ -39,6 +39,7 @@ private:
     // Asks for a delivery as soon as the last one is an interval ago, or shortly after the first news; at once when
     // only the end is left to tell.
     void scheduleDelivery();
+    void deliverFinds();
     bool takeFinds();
     void finishGathering(VolumeWalkProgress const& progress);
     void tellUnreadable(VolumeWalkProgress const& progress);

@@ -352,6 +352,26 @@ TEST_F(MetadataQuery, PostsNoProgressBeforeTheIntervalIsOver) {
     }
 }
 
+TEST_F(MetadataQuery, PostsNoUpdateBeforeTheIntervalSinceTheObserversWereDoneIsOver) {
+    folder.makeFolder("a/Mirror Frame.app");
+    query.setNotificationBatchingInterval_(0.2);
+    std::chrono::steady_clock::time_point done;
+    bodyOf(recorder)->onNotification = [&](std::string const& name) {
+        if (name != NSMetadataQueryDidUpdateNotification) return;
+        bodyOf(recorder)->onNotification = nullptr;
+        ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
+        TemporaryFolder const work;
+        for (int index = 0; index < 1000; ++index)
+            work.makeFile(std::to_string(index), "");
+        done = std::chrono::steady_clock::now();
+    };
+    ASSERT_TRUE(gather());
+    ::rename(folder.path("a/Mirror Frame.app").c_str(), folder.path("a/Other").c_str());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification, 2));
+    EXPECT_EQ(query.resultCount(), 1U);
+    EXPECT_GE(bodyOf(recorder)->times.back() - done, std::chrono::milliseconds(199));
+}
+
 TEST_F(MetadataQuery, GathersByThePredicateItStartedWith) {
     folder.makeFolder("a/Mirror Frame.app");
     ASSERT_TRUE(query.startQuery());
