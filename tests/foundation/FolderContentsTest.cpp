@@ -4,6 +4,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/LongFolder.h"
+#include "tests/support/FileLocks.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -253,15 +254,13 @@ TEST_F(NSFileManagerContents, OfANewFileHaveTheirAttributesFromTheBeginning) {
 }
 
 TEST_F(NSFileManagerContents, OfANewFileMayBeLocked) {
+    if (!canLockFilesIn(m_folder)) GTEST_SKIP() << "files cannot be locked here";
     NSDictionary const locked =
         NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(YES), NSFileImmutable);
-    bool const isMade = manager().createFileAtPath_contents_attributes_(at("file"), bytes("one"), locked);
-    bool const isLocked = manager().fileAttributesAtPath_traverseLink_(at("file"), NO).fileIsImmutable();
-    NSDictionary const free =
-        NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(NO), NSFileImmutable);
-    manager().changeFileAttributes_atPath_(free, at("file"));
-    if (!isMade) GTEST_SKIP() << "files cannot be locked here";
-    EXPECT_TRUE(isLocked);
+    EXPECT_TRUE(manager().createFileAtPath_contents_attributes_(at("file"), bytes("one"), locked));
+    EXPECT_TRUE(manager().fileAttributesAtPath_traverseLink_(at("file"), NO).fileIsImmutable());
+    EXPECT_TRUE(manager().contentsAtPath_(at("file")).isEqualToData_(bytes("one")));
+    EXPECT_TRUE(setLocked(m_folder.path("file"), false));
 }
 
 TEST_F(NSFileManagerContents, OfALinkAreItsText) {
