@@ -1,8 +1,8 @@
 #include "platform/foundation/LinearSearch.h"
 #include "platform/foundation/UnitSearch.h"
+#include "tests/support/SeededRandom.h"
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
 
 namespace mac::test {
@@ -59,7 +59,7 @@ TEST(LinearSearch, FindsEveryPlaceAlsoThoseThatOverlap) {
 }
 
 TEST(LinearSearch, FindsWhatLookingAtEachPlaceFinds) {
-    std::mt19937 random(7);
+    std::mt19937 random = seededRandom(7);
     for (int round = 0; round < 500; ++round) {
         std::u16string const text = textOf(random, random() % 40);
         std::u16string const sought = textOf(random, 1 + random() % 12);

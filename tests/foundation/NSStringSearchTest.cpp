@@ -2,8 +2,8 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/SeededRandom.h"
 #include <gtest/gtest.h>
-#include <random>
 
 namespace mac {
 
@@ -131,7 +131,7 @@ NSRange rangeByEye(NSString const& text, NSString const& sought, NSUInteger opti
 }
 
 TEST(NSStringSearch, FindsWhatComparingEachPartFinds) {
-    std::mt19937 random(11);
+    std::mt19937 random = seededRandom(11);
     constexpr std::u16string_view letters = u"fsa\u00E9\u00DF\uFB00\u00C5\u6F22";
     constexpr std::u16string_view marks = u"\u0301\u0323\u030A";
     auto const textOf = [&](std::size_t length) {
