@@ -1,6 +1,7 @@
 #include "platform/foundation/FolderContents.h"
 #include "platform/foundation/LongPath.h"
 #include "platform/foundation/OpenItems.h"
+#include "platform/foundation/TreeDescent.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -84,34 +85,19 @@ std::optional<std::vector<std::string>> namesIn(FileDescriptor readableFolder) {
     return names;
 }
 
-// Two trees side by side. Only the folders that are being looked at are open, however deep they lie.
+// Two trees side by side.
 class TreeComparison {
 public:
-    TreeComparison(FileDescriptor one, FileDescriptor other) : m_root(std::move(one)), m_otherRoot(std::move(other)) {}
+    TreeComparison(FileDescriptor one, FileDescriptor other) : m_one(std::move(one)), m_other(std::move(other)) {}
 
     bool haveEqualContents() {
-        if (!areEqual(withStatus(openBelow(m_root, "")), withStatus(openBelow(m_otherRoot, "")))) return false;
-        while (!m_levels.empty()) {
-            if (m_levels.back().names.empty()) {
-                leave();
-                continue;
-            }
-            std::string const name = std::move(m_levels.back().names.back());
-            m_levels.back().names.pop_back();
-            if (!isOpen()) return false;
-            m_name = name;
-            if (!areEqual(withStatus(openBelow(m_folder, name)), withStatus(openBelow(m_otherFolder, name))))
-                return false;
-        }
+        do {
+            if (!areEqual(withStatus(m_one.item()), withStatus(m_other.item()))) return false;
+        } while (m_one.next() && m_other.next());
         return true;
     }
 
 private:
-    struct Level {
-        std::size_t pathLength; // of the folder above
-        std::vector<std::string> names;
-    };
-
     bool areEqual(std::optional<Item> one, std::optional<Item> other) {
         if (!one || !other) return false;
         if (S_ISDIR(one->status.st_mode) && S_ISDIR(other->status.st_mode))
@@ -122,35 +108,13 @@ private:
     bool enter(FileDescriptor folder, FileDescriptor otherFolder) {
         std::optional<std::vector<std::string>> names = namesIn(readableFolder(folder));
         if (!names || namesIn(readableFolder(otherFolder)) != names) return false;
-        m_levels.push_back({m_path.size(), std::move(*names)});
-        if (m_levels.size() > 1) m_path.append(m_name).append("/");
-        m_folder = std::move(folder);
-        m_otherFolder = std::move(otherFolder);
+        m_one.enter(std::move(folder), *names);
+        m_other.enter(std::move(otherFolder), std::move(*names));
         return true;
     }
 
-    void leave() {
-        m_path.resize(m_levels.back().pathLength);
-        m_levels.pop_back();
-        m_folder = FileDescriptor();
-        m_otherFolder = FileDescriptor();
-    }
-
-    // The way back to a folder above is from the root again.
-    bool isOpen() {
-        if (m_folder.isOpen()) return true;
-        m_folder = openBelow(m_root, m_path);
-        m_otherFolder = openBelow(m_otherRoot, m_path);
-        return m_folder.isOpen() && m_otherFolder.isOpen();
-    }
-
-    FileDescriptor m_root;
-    FileDescriptor m_otherRoot;
-    FileDescriptor m_folder{};
-    FileDescriptor m_otherFolder{};
-    std::string m_path{}; // from the roots to the folders, with a slash at the end
-    std::string m_name{}; // of what is being compared
-    std::vector<Level> m_levels{};
+    TreeDescent m_one;
+    TreeDescent m_other;
 };
 
 } // namespace

@@ -4,76 +4,43 @@
 #include "platform/foundation/FolderContents.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/OpenItems.h"
-#include <algorithm>
+#include "platform/foundation/TreeDescent.h"
 
 namespace mac {
 
 class NSDirectoryEnumerator::Body : public NSEnumerator::Body {
 public:
-    Body(FileDescriptor root, std::vector<std::string> names) : m_root(std::move(root)) { enter({}, std::move(names)); }
+    Body(FileDescriptor root, std::vector<std::string> names) : m_descent(std::move(root)) {
+        m_descent.enter(FileDescriptor(), std::move(names));
+    }
 
     id next() override {
         descend();
-        while (!m_folders.empty() && m_folders.back().names.empty())
-            leave();
-        m_last.clear();
-        if (m_folders.empty()) return nil;
-        std::vector<std::string>& names = m_folders.back().names;
-        m_last = m_path + names.back();
-        names.pop_back();
-        m_isEntered = false;
-        return NSString::stringWithFileSystemRepresentation_(m_last);
+        m_isEntered = !m_descent.next();
+        return m_isEntered ? id(nil) : NSString::stringWithFileSystemRepresentation_(m_descent.path());
     }
 
     void skip() { m_isEntered = true; }
-    NSDictionary rootAttributes() const { return attributesOf(openBelow(m_root, "")); }
-    NSDictionary lastAttributes() const { return m_last.empty() ? NSDictionary(nil) : attributesOf(last()); }
+    NSDictionary rootAttributes() const { return attributesOf(openBelow(m_descent.root(), "")); }
+    NSDictionary lastAttributes() {
+        return m_descent.path().empty() ? NSDictionary(nil) : attributesOf(m_descent.item());
+    }
 
 private:
-    // Its names that are not given yet, the next one last.
-    struct Folder {
-        std::size_t pathLength; // of the folder above
-        std::vector<std::string> names;
-    };
-
     static NSDictionary attributesOf(FileDescriptor const& item) {
         return item.isOpen() ? fileAttributesOf(item) : NSDictionary(nil);
-    }
-
-    void enter(FileDescriptor folder, std::vector<std::string> names) {
-        std::ranges::reverse(names);
-        m_folders.push_back({m_path.size(), std::move(names)});
-        if (!m_last.empty()) m_path = m_last + "/";
-        m_folder = std::move(folder);
-    }
-
-    void leave() {
-        m_path.resize(m_folders.back().pathLength);
-        m_folders.pop_back();
-        m_folder = FileDescriptor();
-    }
-
-    // The item given last. The way back to a folder above is from the root again.
-    FileDescriptor last() const {
-        if (!m_folder.isOpen()) m_folder = openBelow(m_root, m_path);
-        return openBelow(m_folder, std::string_view(m_last).substr(m_path.size()));
     }
 
     // Into the item given last, if it is a folder.
     void descend() {
         if (m_isEntered) return;
-        m_isEntered = true;
-        FileDescriptor folder = last();
+        FileDescriptor folder = m_descent.item();
         std::optional<std::vector<std::string>> names = folder.isOpen() ? namesInOpenFolder(folder) : std::nullopt;
-        if (names) enter(std::move(folder), std::move(*names));
+        if (names) m_descent.enter(std::move(folder), std::move(*names));
     }
 
-    FileDescriptor m_root;             // is found wherever it is moved to
-    mutable FileDescriptor m_folder{}; // that is listed, once it was needed
-    std::string m_path{};              // from the root to that folder, with a slash at the end
-    std::vector<Folder> m_folders{};
-    std::string m_last{};
-    bool m_isEntered{true};
+    TreeDescent m_descent;
+    bool m_isEntered{true}; // or is not to be
 };
 
 ClassDescription NSDirectoryEnumerator::describeClass() {
