@@ -1,8 +1,7 @@
 #include "fuzz/AppleDoubleRoundTrip.h"
-#include "fuzz/PropertyListRoundTrip.h"
-#include <cstdint>
+#include "fuzz/Complaint.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutAppleDouble(std::as_bytes(std::span(data, size))));
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutAppleDouble(mac::fuzz::bytesOf(data, size)));
     return 0;
 }

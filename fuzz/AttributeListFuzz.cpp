@@ -1,7 +1,5 @@
 #include "fuzz/AttributeListRoundTrip.h"
-#include "fuzz/PropertyListRoundTrip.h"
-#include <cstdint>
-#include <cstdlib>
+#include "fuzz/Complaint.h"
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -36,6 +34,6 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static File const file;
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutAttributeList(file.path(), std::as_bytes(std::span(data, size))));
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutAttributeList(file.path(), mac::fuzz::bytesOf(data, size)));
     return 0;
 }

@@ -1,8 +1,7 @@
 #include "fuzz/BundleTrial.h"
-#include "fuzz/PropertyListRoundTrip.h"
-#include <cstdint>
+#include "fuzz/Complaint.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutBundle(std::as_bytes(std::span(data, size))));
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutBundle(mac::fuzz::bytesOf(data, size)));
     return 0;
 }

@@ -1,8 +1,7 @@
+#include "fuzz/Complaint.h"
 #include "fuzz/ContentTypeTrial.h"
-#include "fuzz/PropertyListRoundTrip.h"
-#include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutContentType(std::as_bytes(std::span(data, size))));
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutContentType(mac::fuzz::bytesOf(data, size)));
     return 0;
 }

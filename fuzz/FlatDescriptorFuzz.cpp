@@ -1,9 +1,7 @@
+#include "fuzz/Complaint.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace mac::fuzz {
 
@@ -24,15 +22,15 @@ void readAll(NSAppleEventDescriptor const& descriptor) {
     }
 }
 
-char const* complaintAbout(std::span<std::byte const> bytes) {
+std::string complaintAbout(std::span<std::byte const> bytes) {
     Result<AEDesc> const desc = unflattened(bytes);
-    if (!desc.hasValue()) return desc.reason().empty() ? "a failure without a reason" : nullptr;
+    if (!desc.hasValue()) return desc.reason().empty() ? "a failure without a reason" : "";
     Result<std::vector<std::byte>> const again = flattened(desc.value());
     if (!again.hasValue() || !std::ranges::equal(again.value(), bytes)) return "it comes back as other bytes";
     NSAppleEventDescriptor const descriptor = NSAppleEventDescriptor::descriptorWithAEDesc(desc.value());
     descriptor.description();
     readAll(descriptor);
-    return nullptr;
+    return {};
 }
 
 } // namespace
@@ -40,8 +38,6 @@ char const* complaintAbout(std::span<std::byte const> bytes) {
 } // namespace mac::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    char const* const complaint = mac::fuzz::complaintAbout(std::as_bytes(std::span(data, size)));
-    if (!complaint) return 0;
-    std::fprintf(stderr, "%s\n", complaint);
-    std::abort();
+    mac::fuzz::requireNone(mac::fuzz::complaintAbout(mac::fuzz::bytesOf(data, size)));
+    return 0;
 }

@@ -5,8 +5,6 @@
 #include "platform/foundation/PropertyListText.h"
 #include "platform/foundation/PropertyListXML.h"
 #include "tests/foundation/PropertyListDump.h"
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 
 namespace mac::fuzz {
@@ -92,12 +90,6 @@ std::string complaintAboutOldStyle(std::span<std::byte const> bytes) {
     return complaintAbout(
         [bytes](NSPropertyListMutabilityOptions option) { return readText(bytes, option, readPropertyListOldStyle); },
         false);
-}
-
-void requireNone(std::string const& complaint) {
-    if (complaint.empty()) return;
-    std::fprintf(stderr, "%s\n", complaint.c_str());
-    std::abort();
 }
 
 } // namespace mac::fuzz

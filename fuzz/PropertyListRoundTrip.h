@@ -13,7 +13,4 @@ std::string complaintAboutXML(std::span<std::byte const> bytes);
 std::string complaintAboutBinary(std::span<std::byte const> bytes);
 std::string complaintAboutOldStyle(std::span<std::byte const> bytes);
 
-// For fuzz targets: ends the program with the complaint, if there is one.
-void requireNone(std::string const& complaint);
-
 } // namespace mac::fuzz

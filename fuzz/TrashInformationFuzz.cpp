@@ -1,8 +1,7 @@
-#include "fuzz/PropertyListRoundTrip.h"
+#include "fuzz/Complaint.h"
 #include "fuzz/TrashInformationRoundTrip.h"
-#include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutTrashInformation(std::as_bytes(std::span(data, size))));
+    mac::fuzz::requireNone(mac::fuzz::complaintAboutTrashInformation(mac::fuzz::bytesOf(data, size)));
     return 0;
 }

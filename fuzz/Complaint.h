@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+#include <string_view>
+
+// What every fuzz target begins and ends with.
+
+namespace mac::fuzz {
+
+inline std::span<std::byte const> bytesOf(std::uint8_t const* data, std::size_t size) {
+    return std::as_bytes(std::span(data, size));
+}
+
+inline std::string_view textOf(std::uint8_t const* data, std::size_t size) {
+    return {reinterpret_cast<char const*>(data), size};
+}
+
+// Ends the program with the complaint, if there is one.
+inline void requireNone(std::string const& complaint) {
+    if (complaint.empty()) return;
+    std::fprintf(stderr, "%s\n", complaint.c_str());
+    std::abort();
+}
+
+} // namespace mac::fuzz
