@@ -2,54 +2,17 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
+#include "tests/spotlight/QueryRecorder.h"
 #include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
-#include <chrono>
-#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace mac::test {
 namespace {
-
-// Writes down which notifications arrive, with the number of results at that time.
-class Recorder : public Handle<Recorder, NSObject> {
-public:
-    class Body;
-    using Handle::Handle;
-    static ClassDescription describeClass() {
-        return {
-            .name = "QueryRecorder", .superclass = classOf<NSObject>(), .methods = {method<&Recorder::take_>("take:")}};
-    }
-    void take_(NSNotification const& notification) const;
-};
-
-class Recorder::Body : public ObjectBody {
-public:
-    void observeValueForKeyPath(NSString const& keyPath, id const&, NSDictionary const&, void*) override {
-        changedKeys.push_back(keyPath.UTF8String());
-        if (onChange) onChange();
-    }
-    std::vector<std::string> names;
-    std::vector<NSUInteger> counts;
-    std::vector<std::chrono::steady_clock::time_point> times;
-    std::vector<std::string> changedKeys;
-    std::function<void(std::string const& name)> onNotification;
-    std::function<void()> onChange;
-};
-
-void Recorder::take_(NSNotification const& notification) const {
-    bodyOf(*this)->names.push_back(notification.name().UTF8String());
-    bodyOf(*this)->counts.push_back(as<NSMetadataQuery>(notification.object()).resultCount());
-    bodyOf(*this)->times.push_back(std::chrono::steady_clock::now());
-    if (bodyOf(*this)->onNotification) bodyOf(*this)->onNotification(bodyOf(*this)->names.back());
-}
 
 class MetadataQuery : public testing::Test {
 public:
@@ -81,7 +44,7 @@ public:
 
     TemporaryFolder folder;
     NSMetadataQuery query = NSMetadataQuery::alloc().init();
-    Recorder recorder = adopt<Recorder>();
+    QueryRecorder recorder = adopt<QueryRecorder>();
 };
 
 TEST_F(MetadataQuery, PostsStartThenProgressThenTheEnd) {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/foundation/NSNotificationCenter.h"
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace mac::test {
+
+// Writes down which notifications arrive, with the number of results at that time.
+class QueryRecorder : public Handle<QueryRecorder, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+    static ClassDescription describeClass();
+
+    void take_(NSNotification const& notification) const;
+};
+
+class QueryRecorder::Body : public ObjectBody {
+public:
+    void observeValueForKeyPath(NSString const& keyPath, id const&, NSDictionary const&, void*) override {
+        changedKeys.push_back(keyPath.UTF8String());
+        if (onChange) onChange();
+    }
+    std::vector<std::string> names;
+    std::vector<NSUInteger> counts;
+    std::vector<std::chrono::steady_clock::time_point> times;
+    std::vector<std::string> changedKeys;
+    std::function<void(std::string const& name)> onNotification;
+    std::function<void()> onChange;
+};
+
+} // namespace mac::test
