@@ -1,9 +1,8 @@
 #include "platform/finder/FileBrowserWindows.h"
+#include "platform/finder/ApplicationStart.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/foundation/LongPath.h"
 #include "platform/launchservices/MIMETypes.h"
-#include "platform/processes/DesktopApplication.h"
-#include "platform/processes/DetachedProcess.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <set>
@@ -52,19 +51,12 @@ std::vector<std::string> contentTypesOf(std::string const& path, FileStatus cons
     return types;
 }
 
-FinderOutcome startWith(DesktopApplication const& application, std::vector<std::string> const& paths) {
-    if (!hasDisplay()) return noDisplay();
-    if (application.needsTerminal) return {FinderProblem::Refused, "The application for it runs in terminals only"};
-    bool const hasStarted = startDetached(application.executable, commandOf(application, paths)).pid > 0;
-    return hasStarted ? FinderOutcome() : notStarted();
-}
-
 // By a browser that is no service: a window for each folder.
 FinderOutcome startWithFolders(std::set<std::string> const& folders) {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
     for (std::string const& folder : folders) {
-        FinderOutcome outcome = startWith(browser->application, {folder});
+        FinderOutcome outcome = startApplication(browser->application, {folder});
         if (!outcome.isDone()) return outcome;
     }
     return {};
@@ -105,7 +97,7 @@ FinderOutcome openItem(std::string const& path) {
     if (status->kind == FileStatus::Kind::Folder) return openFolders({path});
     std::optional<DesktopApplication> const application = defaultApplicationFor(contentTypesOf(path, *status));
     if (!application) return {FinderProblem::NoApplication, "No application is known for the item"};
-    return startWith(*application, {path});
+    return startApplication(*application, {path});
 }
 
 } // namespace mac

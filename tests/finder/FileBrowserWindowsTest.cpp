@@ -171,9 +171,15 @@ TEST_F(OpenedItem, IsOneArgumentWhateverItsName) {
     EXPECT_EQ(m_desktop.lastLine(), "started open " + text);
 }
 
-TEST_F(OpenedItem, IsNotOpenedInATerminal) {
+TEST_F(OpenedItem, IsOpenedInATerminalByAnApplicationForTerminals) {
     installEditor(" %f", "Terminal=true\n");
-    EXPECT_EQ(openItem(m_text).problem, FinderProblem::Refused);
+    EnvironmentVariable const path("PATH", m_desktop.folder.path("bin"));
+    EXPECT_EQ(openItem(m_text).problem, FinderProblem::Refused) << "there is no terminal";
+    std::string const terminal =
+        m_desktop.folder.makeFile("bin/x-terminal-emulator", "#!/bin/sh\nshift\nexec \"$@\"\n");
+    ASSERT_EQ(::chmod(terminal.c_str(), 0755), 0);
+    EXPECT_TRUE(openItem(m_text).isDone());
+    EXPECT_EQ(m_desktop.lines(1), Lines{"started open " + m_text});
 }
 
 } // namespace
