@@ -1,13 +1,15 @@
 #include "platform/appkit/NSWorkspace.h"
+#include "platform/finder/ApplicationStart.h"
 #include "platform/finder/FileBrowserProcess.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/finder/FileBrowserWindows.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
-#include "platform/processes/DesktopApplication.h"
 #include "platform/processes/DetachedProcess.h"
-#include "platform/processes/Processes.h"
+#include "platform/processes/FrontProcess.h"
+#include "platform/processes/ProcessList.h"
+#include "platform/processes/Session.h"
 
 namespace mac {
 
@@ -18,23 +20,24 @@ RegisteredClass<NSWorkspace> const s_registered;
 
 constexpr char FinderIdentifier[] = "com.apple.finder";
 
-bool start(std::string const& program, std::vector<std::string> const& words) {
-    return startDetached(program, words).pid > 0;
-}
-
-bool startInTerminal(std::vector<std::string> const& command) {
-    std::optional<std::string> const terminal = resolvedProgram("x-terminal-emulator");
-    if (!terminal) return false;
-    std::vector<std::string> words{*terminal, "-e"};
-    words.insert(words.end(), command.begin(), command.end());
-    return start(*terminal, words);
+// Brings a process of this session that runs the program to the front, as far as the display does that; false when none
+// runs it.
+bool activateProgram(std::string const& program) {
+    bool isRunning = false;
+    for (RunningProcess const& process : runningProcesses()) {
+        if (programOf(process) != program || !isOfThisSession(process.identity.pid)) continue;
+        if (bringToFront(process.identity.pid)) return true;
+        isRunning = true;
+    }
+    return isRunning;
 }
 
 bool launchEntry(std::string const& path) {
     std::optional<DesktopApplication> const application = applicationOfEntryAtPath(path);
     if (!application || !hasDisplay()) return false;
-    std::vector<std::string> const command = commandOf(*application, {});
-    return application->needsTerminal ? startInTerminal(command) : start(application->executable, command);
+    // The window around one that runs in a terminal is not its own.
+    if (!application->needsTerminal && activateProgram(programOf(*application))) return true;
+    return startApplication(*application, {}).isDone();
 }
 
 std::optional<ProcessSerialNumber> processWithIdentifier(NSString const& identifier) {
@@ -55,7 +58,7 @@ bool launchBundle(NSString const& path) {
         return true;
     }
     std::optional<std::string> const program = bundle.executablePath().fileSystemRepresentation();
-    return program && start(*program, {*program});
+    return program && startDetached(*program, {*program}).pid > 0;
 }
 
 } // namespace

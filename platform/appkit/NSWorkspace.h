@@ -28,9 +28,10 @@ public:
     bool selectFile_inFileViewerRootedAtPath_(NSString const& fullPath, NSString const& rootFullPath) const;
     // Opens a folder in the file browser, anything else with the desktop's default application for it.
     bool openFile_(NSString const& fullPath) const;
-    // Launches the application with the bundle identifier (see Applications.h), or brings it to the front where it runs
-    // already, and does not wait for it. The descriptor is not passed on, and the identifier, whose pointer may be
-    // null, is left alone.
+    // Launches the application with the bundle identifier (see Applications.h) and does not wait for it. One that runs
+    // already is not started again but brought to the front, where the display does that (see SetFrontProcess); what
+    // runs in a terminal is started anew each time. The descriptor is not passed on, and the identifier, whose pointer
+    // may be null, is left alone.
     bool launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
         NSString const& bundleIdentifier, NSWorkspaceLaunchOptions options, NSAppleEventDescriptor const& descriptor,
         NSNumber* identifier) const;

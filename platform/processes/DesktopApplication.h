@@ -28,6 +28,10 @@ std::optional<DesktopApplication> defaultApplicationFor(std::vector<std::string>
 // Of a desktop entry; nothing for what is none, is hidden, or has a program that is not there.
 std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& path);
 
+// What programOf answers for the application's processes: its executable, or the script that its command runs; empty
+// where an interpreter is all that can be told.
+std::string programOf(DesktopApplication const& application);
+
 // What starts the application with the files, each word a whole argument and the program's own file first. One that
 // takes only one file gets the first.
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths);

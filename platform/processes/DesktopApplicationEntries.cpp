@@ -1,5 +1,6 @@
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
+#include "platform/processes/ProcessList.h"
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -66,6 +67,12 @@ std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& pa
     bool const needsTerminal = entry.value(group, "Terminal") == "true";
     return DesktopApplication{path, entry.text(group, "Name").value_or(path.substr(path.rfind('/') + 1)),
                               std::move(*program), std::move(*words), needsTerminal};
+}
+
+std::string programOf(DesktopApplication const& application) {
+    if (!isInterpreter(application.executable)) return application.executable;
+    std::optional<std::string> const script = scriptInCommand(application.executable, application.words);
+    return script ? resolvedProgram(*script).value_or("") : "";
 }
 
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths) {

@@ -3,16 +3,6 @@
 
 namespace mac {
 
-namespace {
-
-std::string programOf(DesktopApplication const& application) {
-    if (!isInterpreter(application.executable)) return application.executable;
-    std::optional<std::string> const script = scriptInCommand(application.executable, application.words);
-    return script ? resolvedProgram(*script).value_or("") : "";
-}
-
-} // namespace
-
 std::optional<FileBrowser> defaultFileBrowser() {
     std::optional<DesktopApplication> application = defaultApplicationFor({"inode/directory"});
     if (!application) return std::nullopt;

@@ -14,12 +14,18 @@ protected:
             .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
                 identifier, NSWorkspaceLaunchDefault, NSAppleEventDescriptor::nullDescriptor(), nullptr);
     }
-    // A program that writes a line into the desktop's log.
+    // A program that writes a line into the desktop's log, and ends with its input.
     std::string makeProgram(std::string const& relative) const {
-        std::string path =
-            m_desktop.folder.makeFile(relative, "#!/bin/sh\necho \"$0 $*\" >>'" + m_desktop.log() + "'\n");
+        std::string path = m_desktop.folder.makeFile(relative, "#!/bin/sh\necho \"$0 $*\" >>'" + m_desktop.log() +
+                                                                   "'\nread -r line\n");
         EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
         return path;
+    }
+    std::string makeTool() const {
+        m_desktop.folder.makeBundle("home/Applications/Tool.app",
+                                    "{CFBundleIdentifier = \"com.example.tool\"; CFBundleExecutable = Tool;"
+                                    " CFBundlePackageType = APPL;}");
+        return makeProgram("home/Applications/Tool.app/Contents/Linux/Tool");
     }
     void makeMonitor(std::string const& program, std::string const& rest) const {
         m_desktop.folder.makeFile(
@@ -85,13 +91,35 @@ TEST_F(Workspace, LaunchesNoProgramWithoutADisplay) {
 }
 
 TEST_F(Workspace, LaunchesABundleByItsIdentifier) {
-    m_desktop.folder.makeBundle("home/Applications/Tool.app", informationFile("com.example.tool", "1.0", "1"));
-    std::string const program = makeProgram("home/Applications/Tool.app/Contents/Linux/Tool");
-    m_desktop.folder.makeFile("home/Applications/Tool.app/Contents/Info.plist",
-                              "{CFBundleIdentifier = \"com.example.tool\"; CFBundleExecutable = Tool;"
-                              " CFBundlePackageType = APPL;}");
+    std::string const program = makeTool();
     EXPECT_TRUE(launch("com.example.tool"));
     EXPECT_EQ(m_desktop.lines(1), std::vector{program + " "});
+}
+
+TEST_F(Workspace, StartsNoBundleThatRuns) {
+    std::string const program = makeTool();
+    {
+        ChildProcess const running({program, "first"});
+        ASSERT_EQ(m_desktop.lines(1), std::vector{program + " first"});
+        EXPECT_TRUE(launch("com.example.tool"));
+    }
+    m_desktop.folder.makeFile(program.substr(m_desktop.folder.path().size() + 1),
+                              "#!/bin/sh\necho last >>'" + m_desktop.log() + "'\n");
+    EXPECT_TRUE(launch("com.example.tool")) << "it has ended";
+    EXPECT_EQ(m_desktop.lines(2), (std::vector<std::string>{program + " first", "last"}));
+}
+
+TEST_F(Workspace, StartsNoEntryWhoseProgramRuns) {
+    std::string const program = makeProgram("bin/monitor");
+    makeMonitor(program, "");
+    {
+        ChildProcess const running({program, "first"});
+        ASSERT_EQ(m_desktop.lines(1), std::vector{program + " first"});
+        EXPECT_TRUE(launch("com.apple.ActivityMonitor"));
+    }
+    makeMonitor(program, "Exec=\"" + program + "\" last\n");
+    EXPECT_TRUE(launch("com.apple.ActivityMonitor")) << "it has ended";
+    EXPECT_EQ(m_desktop.lines(2), (std::vector{program + " first", program + " last"}));
 }
 
 TEST_F(Workspace, StartsTheFileBrowserAsTheFinder) {
