@@ -1,4 +1,5 @@
 #include "platform/launchservices/DiskItem.h"
+#include "platform/files/CatalogFields.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/files/OpenItem.h"
 #include "platform/foundation/ASCII.h"
@@ -36,7 +37,7 @@ std::optional<DiskItem> describe(OpenItem const& item, std::string path) {
     result.mayRun = (status.stx_mode & (S_IXUSR | S_IXGRP | S_IXOTH)) != 0;
     result.size = status.stx_size;
     // What cannot be read is as if it were not there: the item itself is.
-    result.finder = readFinderInformation(result.path).value_or(FinderInformation());
+    result.finder = readFinderInformation(attributePath(item)).value_or(FinderInformation());
     return result;
 }
 
@@ -73,8 +74,9 @@ std::optional<DiskItem> diskItemAtPath(std::string const& path) {
 }
 
 std::optional<DiskItem> diskItemOf(FSRef const& reference) {
-    std::optional<ReferencedItem> const item = itemOfReference(reference);
-    return item ? diskItemAtPath(item->path) : std::nullopt;
+    std::optional<OpenItem> const item = openItemOfReference(reference);
+    std::optional<ReferencedItem> place = item ? itemOfReference(reference) : std::nullopt;
+    return place ? describe(*item, std::move(place->path)) : std::nullopt;
 }
 
 std::optional<DiskItem> diskItemOf(NSURL const& url) {
