@@ -15,7 +15,6 @@ inline constexpr IconServicesUsageFlags kIconServicesNormalUsageFlag = 0x0000000
 inline constexpr IconServicesUsageFlags kIconServicesNoBadgeFlag = 0x00000001;
 
 inline constexpr OSErr invalidIconRefErr = -2580;
-inline constexpr OSErr noSuchIconErr = -2581;
 
 // The icon of the item and its label, 0 (none) to 7. Its own where the Finder flags in the information say that it has
 // one, and it can be read: of a file the resource 'icns' -16455 in its resource fork, of a folder the one of the file

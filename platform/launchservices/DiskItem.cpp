@@ -30,12 +30,11 @@ DiskItem::Kind kindOf(unsigned mode) {
 
 std::optional<DiskItem> describe(OpenItem const& item, std::string path) {
     struct statx status {};
-    unsigned const wanted = STATX_TYPE | STATX_MODE | STATX_SIZE;
+    unsigned const wanted = STATX_TYPE | STATX_MODE;
     if (::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, wanted, &status) != 0) return std::nullopt;
     DiskItem result{.path = std::move(path), .name = item.name, .kind = kindOf(status.stx_mode)};
     result.isVolume = result.kind == DiskItem::Kind::Folder && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     result.mayRun = (status.stx_mode & (S_IXUSR | S_IXGRP | S_IXOTH)) != 0;
-    result.size = status.stx_size;
     // What cannot be read is as if it were not there: the item itself is.
     result.finder = readFinderInformation(attributePath(item)).value_or(FinderInformation());
     return result;

@@ -19,7 +19,6 @@ struct DiskItem {
     Kind kind{Kind::Other};
     bool isVolume{false};
     bool mayRun{false};
-    std::uint64_t size{0};
     FinderInformation finder{};
 
     // A folder whose name or Finder flags make it one.
