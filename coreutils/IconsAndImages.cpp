@@ -1,5 +1,5 @@
 #include "coreutils/IconsAndImages.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include "platform/foundation/NSData.h"
 #include "platform/icons/IconFamily.h"
 
@@ -7,14 +7,7 @@ namespace mac {
 
 namespace {
 
-// Each byte is a character of the old encoding.
-NSString textOf(OSType code) {
-    constexpr int bits = 8;
-    std::array<std::byte, 4> bytes{};
-    for (std::size_t index = 0; index < bytes.size(); ++index)
-        bytes[index] = static_cast<std::byte>(code.value() >> (bits * (bytes.size() - 1 - index)));
-    return NSString::stringWithData_encoding_(NSData::dataWithBytes(bytes), NSMacOSRomanStringEncoding);
-}
+NSString textOf(OSType code) { return NSString::stringWithCodeUnits(textOfCode(code)); }
 
 } // namespace
 

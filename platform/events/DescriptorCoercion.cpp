@@ -2,6 +2,7 @@
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include <cstring>
 #include <map>
 #include <mutex>
@@ -52,13 +53,7 @@ std::optional<FourCharCode> codeOf(AEDesc const& desc) {
     }
     if (desc.descriptorType == typeTrue || desc.descriptorType == typeFalse) return desc.descriptorType;
     std::optional<std::u16string> const text = plainTextOf(desc);
-    if (!text || text->size() != sizeof(std::uint32_t)) return std::nullopt;
-    std::optional<std::string> const bytes = bytesFromUnits(*text, NSMacOSRomanStringEncoding);
-    if (!bytes || bytes->size() != sizeof(std::uint32_t)) return std::nullopt;
-    std::uint32_t value = 0;
-    for (char const byte : *bytes)
-        value = value << 8 | static_cast<unsigned char>(byte);
-    return FourCharCode(value);
+    return text ? codeOfText(*text) : std::nullopt;
 }
 
 std::optional<bool> truthOfText(std::u16string_view text) {
@@ -187,13 +182,6 @@ std::optional<std::u16string> plainTextOf(AEDesc const& desc) {
 }
 
 AEDesc makeText(std::u16string_view units) { return makeDesc(typeUnicodeText, std::as_bytes(std::span(units))); }
-
-std::u16string textOfCode(FourCharCode code) {
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        bytes.push_back(static_cast<char>(code.value() >> shift));
-    return unitsFromBytes(bytes, NSMacOSRomanStringEncoding).value_or(std::u16string());
-}
 
 std::optional<AEDesc> coerced(AEDesc const& desc, DescType toType) {
     if (desc.descriptorType == toType || toType == typeWildCard) return desc;

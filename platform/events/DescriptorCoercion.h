@@ -17,7 +17,4 @@ std::optional<std::u16string> plainTextOf(AEDesc const& desc);
 // Text as UTF-16 of the machine.
 AEDesc makeText(std::u16string_view units);
 
-// The four characters of a code in Mac OS Roman, as all codes are.
-std::u16string textOfCode(FourCharCode code);
-
 } // namespace mac

@@ -1,6 +1,7 @@
 #include "platform/events/AppleEventDescriptorBody.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorNumber.h"
+#include "platform/foundation/FourCharCodeText.h"
 
 namespace mac {
 

@@ -1,6 +1,7 @@
 #include "platform/events/EventTarget.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include <unistd.h>
 
 namespace mac {

@@ -3,6 +3,7 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/foundation/ASCII.h"
 #include "platform/foundation/FolderContents.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DesktopRoles.h"
 #include "platform/launchservices/DiskItem.h"
@@ -17,7 +18,6 @@ namespace mac {
 namespace {
 
 constexpr std::size_t MostRegistered = 4096;
-constexpr std::size_t CodeLength = 4;
 
 struct Registered {
     std::mutex lock;
@@ -85,12 +85,8 @@ bool hasName(std::string const& path, std::string const& name) {
 }
 
 bool hasCreator(std::string const& path, OSType creator) {
-    std::string const code = as<NSString>(bundleInformation(path).objectForKey_("CFBundleSignature")).UTF8String();
-    if (code.size() != CodeLength) return false;
-    std::uint32_t value = 0;
-    for (char const character : code)
-        value = value << 8 | static_cast<unsigned char>(character);
-    return OSType(value) == creator;
+    id const signature = bundleInformation(path).objectForKey_("CFBundleSignature");
+    return codeOfText(as<NSString>(signature).codeUnits()) == creator;
 }
 
 using Question = std::function<bool(std::string const& path)>;

@@ -1,5 +1,7 @@
 #include "platform/launchservices/ContentTypes.h"
 #include "platform/files/OpenItem.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/MIMETypes.h"
 #include "platform/launchservices/TypeTree.h"
@@ -33,13 +35,10 @@ std::string contentTypeOfFolder(TypeTree const& types, DiskItem const& item) {
     return item.isPackage() ? "com.apple.package" : "public.folder";
 }
 
+// As declarations name it; empty for none.
 std::string typeCodeOf(DiskItem const& item) {
-    std::uint32_t const code = item.finder.fileType().value();
-    std::string text;
-    if (code == 0) return text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += static_cast<char>(code >> shift & 0xFF);
-    return text;
+    OSType const code = item.finder.fileType();
+    return code == OSType() ? std::string() : utf8FromUnits(textOfCode(code));
 }
 
 // Opened so that nothing else can be read in the file's place; empty where it cannot be read.

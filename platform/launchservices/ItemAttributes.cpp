@@ -1,5 +1,6 @@
 #include "platform/launchservices/ItemAttributes.h"
 #include "platform/files/FSPaths.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
@@ -12,13 +13,9 @@ namespace {
 
 NSString textOf(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
-// Nil for none; each byte is a character.
+// Nil for none.
 NSString textOf(OSType code) {
-    if (code == OSType()) return nil;
-    std::u16string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += static_cast<char16_t>(code.value() >> shift & 0xFF);
-    return NSString::stringWithCodeUnits(text);
+    return code == OSType() ? NSString(nil) : NSString::stringWithCodeUnits(textOfCode(code));
 }
 
 id contentType(DiskItem const& item) { return textOf(contentTypeOf(item)); }

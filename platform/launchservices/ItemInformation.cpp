@@ -1,5 +1,6 @@
 #include "platform/launchservices/ItemInformation.h"
 #include "platform/files/FSPaths.h"
+#include "platform/foundation/FourCharCodeText.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
@@ -10,7 +11,6 @@ namespace mac {
 namespace {
 
 constexpr OSType ApplicationType{"APPL"};
-constexpr std::size_t CodeLength = 4;
 
 LSItemInfoFlags basicFlags(DiskItem const& item) {
     LSItemInfoFlags flags = 0;
@@ -46,15 +46,8 @@ LSItemInfoFlags applicationFlags(DiskItem const& item) {
 
 LSItemInfoFlags extensionFlags(DiskItem const& item) { return hidesExtension(item) ? kLSItemInfoExtensionIsHidden : 0; }
 
-// Zero for what is not four characters of one byte.
-OSType codeOf(id const& text) {
-    std::string const characters = as<NSString>(text).UTF8String();
-    if (characters.size() != CodeLength) return {};
-    std::uint32_t code = 0;
-    for (char const character : characters)
-        code = code << 8 | static_cast<unsigned char>(character);
-    return OSType(code);
-}
+// Zero for what is no code.
+OSType codeOf(id const& text) { return codeOfText(as<NSString>(text).codeUnits()).value_or(OSType()); }
 
 void addTypeAndCreator(DiskItem const& item, LSItemInfoRecord& record) {
     if (item.kind == DiskItem::Kind::File) {

@@ -42,13 +42,21 @@ std::vector<std::string> stringsOf(id const& value) {
     return strings;
 }
 
+// Of four characters each; those at the end may be blanks.
+std::vector<std::string> codesOf(std::string_view text) {
+    std::vector<std::string> codes = wordsOf(text);
+    for (std::string& code : codes)
+        code.resize(sizeof(OSType), ' ');
+    return codes;
+}
+
 DeclaredType typeOfRow(SystemType const& row) {
     return {.identifier = std::string(row.identifier),
             .description = std::string(row.description),
             .conformsTo = wordsOf(row.conformsTo),
             .extensions = wordsOf(row.extensions),
             .mimeTypes = wordsOf(row.mimeTypes),
-            .typeCodes = wordsOf(row.typeCodes)};
+            .typeCodes = codesOf(row.typeCodes)};
 }
 
 DeclaredType typeOfDeclaration(NSDictionary const& declaration) {

@@ -64,6 +64,8 @@ TEST_F(Applications, AreFoundByIdentifierThenNameThenCreator) {
     EXPECT_EQ(find(nil, "a"), first);
     EXPECT_EQ(find(nil, nil, OSType("mrfr")), first);
     EXPECT_EQ(find(nil, nil, OSType("ZZZZ")), "-");
+    std::string const third = m_folder.makeBundle("Applications/C.app", "{CFBundleSignature = \"b\u2022ll\";}");
+    EXPECT_EQ(find(nil, nil, OSType("b\xA5ll")), third);
 }
 
 TEST_F(Applications, ThatAreRegisteredAreFoundAnywhereAsLongAsTheyAreThere) {

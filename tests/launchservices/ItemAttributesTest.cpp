@@ -3,6 +3,7 @@
 #include "platform/files/FinderInformation.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/TypeIdentifiers.h"
+#include "platform/launchservices/TypeTree.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -66,6 +67,24 @@ TEST_F(ItemAttributes, TellAFilesTypeByItsOldCodeBeforeItsContents) {
     information.setFinderFlags(kIsAlias);
     ASSERT_TRUE(writeFinderInformation(file, information));
     EXPECT_TRUE(typeOf(file).isEqualToString_("com.apple.alias-file"));
+}
+
+TEST_F(ItemAttributes, HaveCodesInMacOSRoman) {
+    registerTypesIn(NSDictionary::dictionaryWithObject_forKey_(
+        NSArray::arrayWithObject_(NSDictionary::dictionaryWithObjectsAndKeys_(
+            {"com.example.bullet", kUTTypeIdentifierKey, "public.data", kUTTypeConformsToKey,
+             NSDictionary::dictionaryWithObject_forKey_("b\u2022ll", kUTTagClassOSType), kUTTypeTagSpecificationKey})),
+        kUTExportedTypeDeclarationsKey));
+    std::string const file = m_folder.makeFile("bullet", "");
+    FinderInformation information;
+    constexpr std::string_view codes = "b\xA5llmrf\xA0";
+    for (std::size_t index = 0; index < codes.size(); ++index)
+        information.bytes[index] = static_cast<std::byte>(codes[index]);
+    ASSERT_TRUE(writeFinderInformation(file, information));
+    NSDictionary const values = valuesOf(file, nil);
+    EXPECT_TRUE(values.objectForKey_(kLSItemFileType).isEqual_("b\u2022ll"));
+    EXPECT_TRUE(values.objectForKey_(kLSItemFileCreator).isEqual_("mrf\u2020"));
+    EXPECT_TRUE(values.objectForKey_(kLSItemContentType).isEqual_("com.example.bullet"));
 }
 
 TEST_F(ItemAttributes, TellWhatIsNoFileByWhatItIs) {

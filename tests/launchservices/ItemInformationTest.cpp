@@ -106,6 +106,13 @@ TEST_F(ItemInformation, AnswersOnlyWhatIsAskedFor) {
     EXPECT_TRUE(recordOf("A.app", kLSRequestExtension).extension.isEqualToString_("app"));
 }
 
+TEST_F(ItemInformation, HasCodesInMacOSRoman) {
+    m_folder.makeBundle("A.app", "{CFBundlePackageType = \"b\u2022ll\"; CFBundleSignature = \"a\u2022\";}");
+    LSItemInfoRecord const codes = recordOf("A.app", kLSRequestTypeCreator);
+    EXPECT_EQ(codes.filetype, OSType("b\xA5ll"));
+    EXPECT_EQ(codes.creator, OSType()) << "four bytes, but two characters";
+}
+
 TEST_F(ItemInformation, TellsAFilesTypeCreatorAndExtension) {
     setFinderCodes(m_folder.makeFile("a.b.\xFF", ""), "TEXTttxt");
     LSItemInfoRecord const record = recordOf("a.b.\xFF", kLSRequestTypeCreator | kLSRequestExtension);

@@ -80,6 +80,7 @@ TEST(TypeIdentifiers, AreFoundByTheirTags) {
     EXPECT_TRUE(identifierFor(kUTTagClassMIMEType, "image/PNG").isEqualToString_("public.png"));
     EXPECT_TRUE(identifierFor(kUTTagClassOSType, "MooV").isEqualToString_("com.apple.quicktime-movie"));
     EXPECT_TRUE(identifierFor(kUTTagClassOSType, "moov").hasPrefix_("dyn."));
+    EXPECT_TRUE(identifierFor(kUTTagClassOSType, "url ").isEqualToString_("public.url"));
     EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "app", "public.data").hasPrefix_("dyn."));
     EXPECT_TRUE(identifierFor("public.nonsense", "png") == nil);
     EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "") == nil);
