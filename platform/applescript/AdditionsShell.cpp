@@ -52,18 +52,17 @@ struct CommandResult {
     std::string complaints{};
 };
 
-CommandResult resultOf(Evaluator const& evaluator, std::vector<std::string> words, std::size_t most) {
+CommandResult resultOf(std::vector<std::string> words, std::size_t most) {
     ShellCommand command(std::move(words));
-    command.collect(evaluator, most);
+    command.collect(most);
     int const status = command.status();
     return {.status = status, .output = command.output(), .complaints = command.complaints()};
 }
 
-CommandResult privilegedResultOf(Evaluator const& evaluator, std::string const& command, std::size_t most) {
+CommandResult privilegedResultOf(std::string const& command, std::size_t most) {
     std::string const program = askingProgram();
     if (program.empty()) throw plainError(PrivilegeViolation);
     CommandResult result = resultOf(
-        evaluator,
         {program, "/bin/sh", "-c", R"(printf '\1privileges granted\1\n' >&2; exec /bin/sh -c "$1")", "sh", command},
         most);
     std::size_t const start = result.complaints.find(Started);
@@ -88,10 +87,9 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
     if (givesPassword) throw ScriptError{.number = PrivilegeViolation, .message = std::u16string(NoPassword)};
     std::optional<std::string> const command = fileSystemBytesFromUnits(source);
     if (!command && !source.empty()) throw plainError(errors::Parameter);
-    CommandResult const result =
-        isTrue(codeOf("badm"), false)
-            ? privilegedResultOf(evaluator, command.value_or(std::string()), context.mostUnits)
-            : resultOf(evaluator, {"/bin/sh", "-c", command.value_or(std::string())}, context.mostUnits);
+    CommandResult const result = isTrue(codeOf("badm"), false)
+                                     ? privilegedResultOf(command.value_or(std::string()), context.mostUnits)
+                                     : resultOf({"/bin/sh", "-c", command.value_or(std::string())}, context.mostUnits);
     if (result.status != 0) {
         std::u16string message = withAlteredLineEnds(decoded(result.complaints));
         if (message.empty()) message = SilentFailure;

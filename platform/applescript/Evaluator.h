@@ -6,7 +6,6 @@
 #include "platform/applescript/ScriptObject.h"
 #include "platform/applescript/TextContext.h"
 #include <atomic>
-#include <chrono>
 #include <functional>
 
 namespace mac::applescript {
@@ -43,7 +42,7 @@ struct HandlerMessage {
     std::vector<std::pair<Symbol, Value>> labeled{};
 };
 
-// Walks the tree of a script and does what it says. One object runs one script; main thread.
+// Walks the tree of a script and does what it says, within the current limits. One object runs one script; main thread.
 class Evaluator {
 public:
     Evaluator(EngineState& state, RunOptions const& options);
@@ -61,7 +60,7 @@ public:
     RunOptions const& options() const { return m_options; }
     // Throws ScriptStopped when the run is to end; the first looks only now and then.
     void checkpoint();
-    void stopIfAsked() const;
+    static void stopIfAsked();
 
 private:
     enum class Flow : std::uint8_t { Next, Exit, Return };
@@ -92,6 +91,7 @@ private:
     Flow executeTell(Node const& node);
     Flow executeTry(Node const& node);
     Flow executeConsidering(Node const& node);
+    Flow executeTimeout(Node const& node);
     // Whether the loop goes on after its block.
     bool executeBody(Node const& loop, Flow& flow);
     void bindError(Node const& node, ScriptError const& error);
@@ -147,6 +147,7 @@ private:
     Value evaluateCall(Node const& node);
     Value evaluateLabeledCall(Node const& node);
     Value evaluateCommand(Node const& node);
+    Value carryOut(Node const& command);
     Value evaluateContinue(Node const& node);
     CommandArguments argumentsOf(Node const& node, bool isForApplication = false);
     Value commandTarget(CommandArguments const& arguments) const;
@@ -167,7 +168,6 @@ private:
     Frame* m_frame{nullptr};
     std::uintptr_t m_lowestStackAddress;
     unsigned m_steps{0};
-    std::chrono::steady_clock::time_point m_deadline{};
 };
 
 // One of the standard additions; null for an event that is none.

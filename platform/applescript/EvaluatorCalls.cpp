@@ -183,7 +183,14 @@ Value Evaluator::exists(Node const& node) {
     return Value::boolean(!isInApplication(meant) || existsInApplication(meant, context()));
 }
 
+// One may have taken long.
 Value Evaluator::evaluateCommand(Node const& node) {
+    Value answer = carryOut(node);
+    stopIfAsked();
+    return answer;
+}
+
+Value Evaluator::carryOut(Node const& node) {
     if (node.command->code == eventOf("coredoex")) return exists(node);
     bool const isAddition = additionFor(node.command->code) != nullptr;
     CommandArguments const arguments = argumentsOf(node, !isAddition);

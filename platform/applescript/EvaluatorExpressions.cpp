@@ -52,11 +52,7 @@ bool isRealSum(Operation operation, Value const& left, Value const& right) {
 } // namespace
 
 Evaluator::Evaluator(EngineState& state, RunOptions const& options)
-    : m_state(state), m_options(options), m_lowestStackAddress(lowestStackAddress()) {
-    if (options.seconds > 0)
-        m_deadline = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                                                            std::chrono::duration<double>(options.seconds));
-}
+    : m_state(state), m_options(options), m_lowestStackAddress(lowestStackAddress()) {}
 
 Value& Evaluator::variable(Node const& node) {
     switch (node.place.kind) {

@@ -2,6 +2,7 @@
 #include "platform/applescript/ElementAccess.h"
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/Operators.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/StackRoom.h"
 #include "platform/applescript/applications/Application.h"
 
@@ -9,7 +10,7 @@ namespace mac::applescript {
 
 namespace {
 
-// How often a running script looks whether it is to stop.
+// How often a running script looks whether it is to stop, where it carries out no commands.
 constexpr unsigned StepsBetweenLooks = 256;
 
 // Puts a value back when the block that changed it is left, however it is left.
@@ -34,12 +35,7 @@ void Evaluator::checkpoint() {
     if (++m_steps % StepsBetweenLooks == 0) stopIfAsked();
 }
 
-void Evaluator::stopIfAsked() const {
-    if (m_options.cancelled && m_options.cancelled->load(std::memory_order_relaxed))
-        throw ScriptStopped{plainError(errors::UserCanceled)};
-    if (m_options.seconds > 0 && std::chrono::steady_clock::now() >= m_deadline)
-        throw ScriptStopped{plainError(errors::TimedOut)};
-}
+void Evaluator::stopIfAsked() { stopRunIfAsked(); }
 
 Evaluator::Flow Evaluator::execute(Node const& statement) {
     try {
@@ -92,8 +88,7 @@ Evaluator::Flow Evaluator::executeStatement(Node const& statement) {
     case NodeKind::Considering:
         return executeConsidering(statement);
     case NodeKind::Timeout:
-        if (statement.a) requireNumber(valueOf(*statement.a), context());
-        return executeBlock(statement.b);
+        return executeTimeout(statement);
     case NodeKind::Return:
         m_frame->result = statement.a ? evaluate(*statement.a) : Value();
         return Flow::Return;
@@ -117,6 +112,21 @@ Evaluator::Flow Evaluator::executeStatement(Node const& statement) {
         m_frame->result = evaluate(statement);
         return Flow::Next;
     }
+}
+
+// Also in the handlers that are called within. Of a transaction nothing is known here but its statements.
+Evaluator::Flow Evaluator::executeTimeout(Node const& node) {
+    double const seconds = node.a ? requireReal(valueOf(*node.a), context()) : 0;
+    RunLimits* const limits = RunLimits::current();
+    if (node.code == 0 || !limits) return executeBlock(node.b);
+    struct Limited {
+        ~Limited() { limits->setReplySeconds(before); }
+        RunLimits* limits;
+        double before;
+    };
+    Limited const limited{.limits = limits, .before = limits->replySeconds()};
+    limits->setReplySeconds(seconds);
+    return executeBlock(node.b);
 }
 
 Evaluator::Flow Evaluator::executeIf(Node const& node) {

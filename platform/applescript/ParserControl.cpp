@@ -154,6 +154,7 @@ Node* ScriptParser::parseWith() {
     bool const isTimeout = isWord("timeout");
     advance();
     if (isTimeout) {
+        node.code = codeOf("timo");
         takeWord("of");
         // `second` and `seconds` end the number.
         m_stops.insert(m_stops.end(), {u"second", u"seconds"});

@@ -1,4 +1,5 @@
 #include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/ScriptObject.h"
 #include "platform/applescript/applications/Application.h"
 #include <new>
@@ -59,6 +60,7 @@ ScriptOutcome CompiledScript::perform(RunOptions const& options, Action const& a
     unsigned const considered = state.text.considered;
     state.text.asksApplications = !options.computesOnly;
     try {
+        RunLimits const limits(options.cancelled, options.seconds);
         Evaluator evaluator(state, options);
         if (m_script.isNothing()) m_script = evaluator.load(m_tree);
         outcome.value = action(evaluator, m_script.script());

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "platform/applescript/Evaluator.h"
+#include "platform/foundation/FileDescriptor.h"
 #include <array>
+#include <string>
+#include <vector>
 
 namespace mac::applescript {
 
@@ -16,8 +18,8 @@ public:
     ShellCommand& operator=(ShellCommand const&) = delete;
 
     // Until both of its outputs are closed; throws when the script is to stop or it says more than `most` bytes.
-    void collect(Evaluator const& evaluator, std::size_t most);
-    // Waits for its end; of one that a signal ended 128 and the signal's number.
+    void collect(std::size_t most);
+    // Waits for its end; of one that a signal ended 128 and the signal's number. Throws when the script is to stop.
     int status();
 
     std::string const& output() const { return m_channels[0].said; }
@@ -25,12 +27,11 @@ public:
 
 private:
     struct Channel {
-        int descriptor{-1};
+        FileDescriptor read{};
         std::string said{};
     };
 
     static void readFrom(Channel& channel, std::size_t most);
-    void closeChannels();
 
     std::int32_t m_process{-1};
     std::array<Channel, 2> m_channels{};

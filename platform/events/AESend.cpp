@@ -1,6 +1,7 @@
 #include "platform/events/AppleEvents.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"
+#include "platform/events/EventSending.h"
 #include "platform/events/EventTarget.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
@@ -38,8 +39,25 @@ OSStatus sendInPlace(AppleEvent const& event, AESendMode mode, AppleEvent& reply
     return noErr;
 }
 
-OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode,
-                       EventDeadline const& deadline, AppleEvent& reply) {
+struct Wait {
+    EventDeadline deadline{};
+    // Empty: as long as the deadline lets it.
+    std::function<bool()> goesOn{};
+};
+
+std::optional<SendingOutcome> waitWhileWanted(PendingReply const& pending, Wait const& wait, Until until) {
+    constexpr std::chrono::milliseconds betweenLooks{50};
+    while (wait.goesOn) {
+        auto const nextLook = std::chrono::steady_clock::now() + betweenLooks;
+        if (wait.deadline && *wait.deadline <= nextLook) break;
+        if (std::optional<SendingOutcome> outcome = waitFor(pending, nextLook, until)) return outcome;
+        if (!wait.goesOn()) return std::nullopt;
+    }
+    return waitFor(pending, wait.deadline, until);
+}
+
+OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, Wait const& wait,
+                       AppleEvent& reply) {
     Result<std::vector<std::byte>> flat = flattened(event);
     if (!flat.hasValue()) return memFullErr;
     openEventEndpoint();
@@ -51,7 +69,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     }
     sendToProcess(process, flat.takeValue(), mode != kAENoReply, pending);
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
-    std::optional<SendingOutcome> outcome = waitFor(*pending, deadline, until);
+    std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;
     if (outcome->hasNoEndpoint && isQuit(event) && askToQuit(process)) {
         if (mode == kAEWaitReply) reply = makeReply(event);
@@ -61,7 +79,25 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     return outcome->status;
 }
 
+OSStatus send(AppleEvent const& sent, AppleEvent* reply, AESendMode mode, Wait const& wait) {
+    if (!isEvent(sent)) return errAENotAppleEvent;
+    if (mode == 0) return errAEUnknownSendMode;
+    AEDesc const* const address = findEntry(contentsOf(sent).attributes, keyAddressAttr);
+    std::optional<EventTarget> const target = address ? targetOfAddress(*address) : std::nullopt;
+    if (!target) return procNotFound;
+    AppleEvent answer;
+    OSStatus const status = target->isThisProcess ? sendInPlace(sent, mode, answer)
+                                                  : sendElsewhere(sent, target->process, mode, wait, answer);
+    if (reply && status == noErr) *reply = std::move(answer);
+    return status;
+}
+
 } // namespace
+
+OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
+                     std::function<bool()> const& goesOn) {
+    return send(event, &reply, kAEWaitReply, {.deadline = deadline, .goesOn = goesOn});
+}
 
 OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks) {
     AESendMode const mode = sendMode & ReplyModes;
@@ -69,17 +105,7 @@ OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode se
     // The reply may be the event's own record.
     AppleEvent const sent = *event;
     if (reply) *reply = {};
-    if (!isEvent(sent)) return errAENotAppleEvent;
-    if (mode == 0) return errAEUnknownSendMode;
-    EventDeadline const deadline = deadlineIn(timeOutInTicks);
-    AEDesc const* const address = findEntry(contentsOf(sent).attributes, keyAddressAttr);
-    std::optional<EventTarget> const target = address ? targetOfAddress(*address) : std::nullopt;
-    if (!target) return procNotFound;
-    AppleEvent answer;
-    OSStatus const status = target->isThisProcess ? sendInPlace(sent, mode, answer)
-                                                  : sendElsewhere(sent, target->process, mode, deadline, answer);
-    if (reply && status == noErr) *reply = std::move(answer);
-    return status;
+    return send(sent, reply, mode, {.deadline = deadlineIn(timeOutInTicks)});
 }
 
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority,

@@ -266,6 +266,15 @@ TEST(Finder, EntireContentsLeavesPackagesClosed) {
               R"({"a.Component", "b.xcodeproj", "c.app", "d.framework", "inside"})");
 }
 
+TEST(Finder, StopsWhileItWalksThroughAFolder) {
+    ScriptHome const home;
+    std::atomic<bool> const cancelled{true};
+    for (std::string const property : {"size", "entire contents"}) {
+        std::string const kept = "try\n" + ofItem(property, home.path("Documents")) + "\nend try";
+        EXPECT_EQ(errorNumberOf(kept, {.cancelled = &cancelled}), -128) << property;
+    }
+}
+
 // A desktop in the memory, so that home and the other volume lie on different ones.
 class FinderOnVolumes : public mac::test::PrivateMounts {
 protected:

@@ -4,9 +4,13 @@
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/applescript/ScriptHome.h"
+#include "tests/support/ChildProcess.h"
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 // What scripts tell programs that are no part of the engine. This very process is one of them.
 
@@ -14,11 +18,11 @@ namespace mac::applescript::test {
 
 namespace {
 
-std::string outcomeOf(std::u16string_view source) {
+std::string outcomeOf(std::u16string_view source, RunOptions const& options = {}) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(source, error);
     if (!script) return "! " + utf8FromUnits(error.message);
-    ScriptOutcome const outcome = script->run({});
+    ScriptOutcome const outcome = script->run(options);
     if (!outcome.error) return utf8FromUnits(sourceForm(outcome.value));
     return "! " + utf8FromUnits(outcome.error->message) + " (" + std::to_string(outcome.error->number) + ")";
 }
@@ -97,6 +101,54 @@ TEST_F(InstalledPrograms, ShowThePanesOfTheSystemPreferences) {
               "pane id \"com.apple.preferences.users\" of application \"System Preferences\"");
     EXPECT_EQ(startedLine(), "gnome-control-center user-accounts");
     EXPECT_EQ(outcomeOf(u"tell application \"System Preferences\" to name of current pane"), "\"Accounts\"");
+}
+
+// Another program, which never answers what scripts ask it for.
+class HangingProgram : public testing::Test {
+protected:
+    // Under a name of its own, for it is looked for among all that run.
+    std::string const m_name{"hanging-" + std::to_string(::getpid())};
+    mac::test::TemporaryFolder const m_folder{};
+    mac::test::ChildProcess m_bus{{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"}};
+    mac::test::EnvironmentVariable const m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.readLine()};
+    mac::test::ChildProcess m_program{{copiedProgram()}};
+
+    void SetUp() override { ASSERT_EQ(m_program.readLine(), "ready"); }
+
+    std::string copiedProgram() const {
+        std::string const copy = m_folder.path(m_name);
+        std::filesystem::copy_file(EVENT_PEER, copy);
+        return copy;
+    }
+    std::u16string hang() const {
+        return u"tell application \"" + unitsFromFileSystemBytes(m_name) + u"\" to get «class docu» 1";
+    }
+    std::string timedOut() const {
+        return "! " + m_name + " got an error: " + utf8FromUnits(messageOfNumber(-1712)) + " (-1712)";
+    }
+};
+
+TEST_F(HangingProgram, IsWaitedForAsLongAsTheScriptSays) {
+    ASSERT_EQ(outcomeOf(u"with timeout of 0.1 seconds\n" + hang() + u"\nend timeout"), timedOut());
+    EXPECT_EQ(m_program.readLine(), "hanging");
+    EXPECT_EQ(outcomeOf(u"on wish()\n" + hang() + u"\nend wish\nwith timeout of 0.1 seconds\nwish()\nend timeout"),
+              timedOut());
+    EXPECT_EQ(
+        outcomeOf(u"try\nwith timeout of 0.1 seconds\n" + hang() + u"\nend timeout\non error number n\nn\nend try"),
+        "-1712");
+}
+
+TEST_F(HangingProgram, KeepsNoScriptFromEnding) {
+    std::u16string const source = u"try\n" + hang() + u"\nend try";
+    EXPECT_EQ(outcomeOf(source, {.seconds = 0.1}), "! " + utf8FromUnits(messageOfNumber(-1712)) + " (-1712)");
+    std::atomic<bool> cancelled{false};
+    // The program says when it was asked.
+    std::thread other([&] {
+        m_program.readLine();
+        cancelled = true;
+    });
+    EXPECT_EQ(outcomeOf(source, {.cancelled = &cancelled}), "! " + utf8FromUnits(messageOfNumber(-128)) + " (-128)");
+    other.join();
 }
 
 TEST_F(InstalledPrograms, AreStartedByTheirNames) {

@@ -1,8 +1,11 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/foundation/Encodings.h"
+#include "tests/support/TemporaryFolder.h"
 #include <atomic>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::applescript::test {
 
@@ -102,6 +105,38 @@ TEST(ScriptEngine, AFlagStopsAnEndlessLoopEvenInsideATry) {
 TEST(ScriptEngine, AnEndlessLoopStopsWhenItsTimeIsOver) {
     CompiledScript script = compiled(u"repeat\nend repeat");
     ScriptOutcome const outcome = script.run({.seconds = 0.01});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::TimedOut);
+}
+
+TEST(ScriptEngine, AScriptWithinAScriptGetsNoTimeOfItsOwn) {
+    mac::test::TemporaryFolder const folder;
+    std::string const mark = folder.path("mark");
+    CompiledScript script = compiled(u"delay 0.03\nrun script \"delay 0.03\ndo shell script \\\"touch " +
+                                     unitsFromFileSystemBytes(mark) + u"\\\"\"");
+    ScriptOutcome const outcome = script.run({.seconds = 0.05});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::TimedOut);
+    EXPECT_NE(::access(mark.c_str(), F_OK), 0);
+}
+
+TEST(ScriptEngine, AFlagStopsAScriptAfterEveryCommand) {
+    mac::test::TemporaryFolder const folder;
+    std::atomic<bool> const cancelled{true};
+    std::u16string const file = u"(POSIX file \"" + unitsFromFileSystemBytes(folder.path("file")) + u"\")";
+    CompiledScript script = compiled(u"set f to open for access " + file + u" with write permission\nwrite \"a\" to f");
+    ScriptOutcome const outcome = script.run({.cancelled = &cancelled});
+    ASSERT_TRUE(outcome.error);
+    EXPECT_EQ(outcome.error->number, errors::UserCanceled);
+    compiled(u"close access " + file).run({});
+    struct stat status {};
+    ASSERT_EQ(::stat(folder.path("file").c_str(), &status), 0);
+    EXPECT_EQ(status.st_size, 0);
+}
+
+TEST(ScriptEngine, AShellCommandThatSaysNothingMoreStillEndsWithTheRun) {
+    CompiledScript script = compiled(u"do shell script \"exec >/dev/null 2>&1; exec sleep 1000\"");
+    ScriptOutcome const outcome = script.run({.seconds = 0.2});
     ASSERT_TRUE(outcome.error);
     EXPECT_EQ(outcome.error->number, errors::TimedOut);
 }

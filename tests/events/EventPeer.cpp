@@ -98,6 +98,7 @@ void run() {
     install(Echo, echo);
     install(CallBack, callBack);
     install(Hang, hang);
+    AEInstallEventHandler(AEEventClass("core"), AEEventID("getd"), hang, nullptr, NO);
     install(Die, die);
     install(Fail, fail);
     install(Raise, raise);

@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/Application.h"
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include <algorithm>
@@ -22,7 +23,9 @@ auto told(Value const& target, TextContext const& context, Action&& action) {
     Application& application = requireApplication(root, context);
     WithinApplication const within(root);
     try {
-        return action(application);
+        auto answer = action(application);
+        stopRunIfAsked();
+        return answer;
     } catch (ScriptError& error) {
         if (!error.application.empty()) throw;
         if (error.message.empty()) error.message = messageOfNumber(error.number);
@@ -57,7 +60,10 @@ Value getInApplication(Value const& specifier, Code type, TextContext const& con
 }
 
 void setInApplication(Value const& specifier, Value const& value, TextContext const& context) {
-    told(specifier, context, [&](Application& application) { application.set(specifier, value, context); });
+    told(specifier, context, [&](Application& application) {
+        application.set(specifier, value, context);
+        return Value();
+    });
 }
 
 bool existsInApplication(Value const& specifier, TextContext const& context) {
@@ -75,7 +81,7 @@ Value performInApplication(Evaluator& evaluator, Value const& target, Applicatio
 }
 
 void refuseCall(Value const& target, Symbol name, TextContext const& context) {
-    told(target, context, [&](Application& /*application*/) {
+    told(target, context, [&](Application& /*application*/) -> Value {
         throw ScriptError{.number = errors::NotUnderstood, .message = u"Can’t continue " + name->spelling + u"."};
     });
     throw plainError(errors::NotUnderstood);

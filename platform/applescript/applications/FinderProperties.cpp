@@ -1,4 +1,5 @@
 #include "platform/applescript/Coercion.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
@@ -209,9 +210,11 @@ Value FinderItem::wholeSize() const {
     std::unique_ptr<FTS, CloseTree> const tree(
         ::fts_open(roots.data(), FTS_PHYSICAL | FTS_NOCHDIR | FTS_XDEV, nullptr));
     std::uint64_t size = 0;
-    while (FTSENT const* const entry = tree ? ::fts_read(tree.get()) : nullptr)
+    while (FTSENT const* const entry = tree ? ::fts_read(tree.get()) : nullptr) {
+        stopRunIfAsked();
         if (entry->fts_info == FTS_F || entry->fts_info == FTS_SL)
             size += static_cast<std::uint64_t>(entry->fts_statp->st_size);
+    }
     return count(size);
 }
 
@@ -221,6 +224,7 @@ Value FinderItem::entireContents() {
     std::vector<ModelPointer> waiting = *elements(codeOf("cobj"));
     std::ranges::reverse(waiting);
     while (!waiting.empty()) {
+        stopRunIfAsked();
         ModelPointer const next = std::move(waiting.back());
         waiting.pop_back();
         all.push_back(next->specifier());

@@ -1,9 +1,10 @@
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/ScriptDescriptors.h"
 #include "platform/applescript/applications/ApplicationList.h"
-#include "platform/events/AppleEvents.h"
+#include "platform/events/EventSending.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include <map>
 
@@ -13,8 +14,6 @@ namespace {
 
 constexpr std::int32_t NotRunning = -600;
 constexpr std::int32_t CannotRun = -10810;
-// Two minutes, in sixtieths of a second.
-constexpr std::int32_t LongestWait = 7200;
 
 AEKeyword keywordOf(Code code) { return AEKeyword(code); }
 
@@ -146,7 +145,11 @@ private:
             made.setParamDescriptor_forKeyword_(
                 NSAppleEventDescriptor::descriptorWithAEDesc(descriptorOfValue(value, self())), keywordOf(code));
         AEDesc reply;
-        OSStatus const status = AESendMessage(made.aeDesc(), &reply, kAEWaitReply, LongestWait);
+        OSStatus const status = sendAndWait(*made.aeDesc(), reply, endOfReply(), [] {
+            stopRunIfAsked();
+            return true;
+        });
+        stopRunIfAsked();
         if (status != noErr) throw plainError(status);
         return valueOfReply(NSAppleEventDescriptor::descriptorWithAEDesc(reply));
     }
