@@ -37,9 +37,10 @@ inline std::string const& folderWithContentTypes() {
     return folder.path();
 }
 
-// The command of a server that does not outlive a test that crashes.
-inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command) {
-    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", "KILL"};
+// The command of a server that does not outlive a test that crashes: it gets the signal then.
+inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command,
+                                                      std::string const& signal = "KILL") {
+    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", signal};
     words.insert(words.end(), command.begin(), command.end());
     return words;
 }

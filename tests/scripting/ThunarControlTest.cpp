@@ -1,0 +1,54 @@
+#include "platform/appkit/NSWorkspace.h"
+#include "platform/foundation/NSArray.h"
+#include "scripting/ProcessesAndFinder.h"
+#include "tests/finder/ThunarDesktop.h"
+
+namespace mac::test {
+namespace {
+
+// The operations on a real file browser, whose windows are read as assistive technology reads them.
+class ThunarControl : public ThunarDesktop {
+protected:
+    NSString makeFile(std::string const& relative) const {
+        return NSString::stringWithFileSystemRepresentation_(m_folder.makeFile(relative, ""));
+    }
+};
+
+TEST_F(ThunarControl, SelectsTheItemThatIsRevealed) {
+    makeFile("items/another.txt");
+    EXPECT_TRUE(KRAPathRevealInFinder(makeFile("items/letter.txt")));
+    EXPECT_TRUE(showsWindow("items - Thunar"));
+    EXPECT_TRUE(showsElement("status bar \"letter.txt\""));
+}
+
+TEST_F(ThunarControl, ShowsInformationThroughAScript) {
+    NSString const file = makeFile("items/a \"quoted\" letter.txt");
+    EXPECT_TRUE(pxShowFinderInfo(NSArray::arrayWithObject_(file).objectEnumerator()));
+    EXPECT_TRUE(showsElement("dialog a \"quoted\" letter.txt - Properties"));
+}
+
+TEST_F(ThunarControl, OpensAFolder) {
+    makeFile("shown/file");
+    EXPECT_TRUE(pxOpenItemWithFinder(NSString::stringWithFileSystemRepresentation_(m_folder.path("shown"))));
+    EXPECT_TRUE(showsWindow("shown - Thunar"));
+}
+
+TEST_F(ThunarControl, QuitsTheFinderAndLaunchesItAgain) {
+    EXPECT_TRUE(KRAProcessSerialNumberGetFinder() == nil);
+    EXPECT_TRUE(KRAPathRevealInFinder(makeFile("items/letter.txt")));
+    NSNumber const first = KRAProcessSerialNumberGetFinder();
+    ASSERT_FALSE(first == nil);
+    EXPECT_TRUE(KRAProcessSerialNumberQuit(first));
+    EXPECT_TRUE(KRAProcessSerialNumberGetFinder() == nil);
+    EXPECT_TRUE(NSWorkspace::sharedWorkspace()
+                    .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+                        "com.apple.finder", NSWorkspaceLaunchDefault, nil, nullptr));
+    NSNumber const second = KRAProcessSerialNumberGetFinder();
+    ASSERT_FALSE(second == nil);
+    EXPECT_FALSE(second.isEqual_(first));
+    EXPECT_TRUE(KRAPathRevealInFinder(makeFile("others/letter.txt")));
+    EXPECT_TRUE(showsWindow("others - Thunar"));
+}
+
+} // namespace
+} // namespace mac::test
