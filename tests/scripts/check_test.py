@@ -26,7 +26,7 @@ add_subdirectory(tests)
   "binaryDir": "${sourceDir}/build/check", "cacheVariables": { "CMAKE_CXX_COMPILER": "clang++" } } ] }
 """,
     "README.md": "# Small\n\nRead [the rules](CONTRIBUTING.md).\n",
-    "CONTRIBUTING.md": "Keep it small.\n",
+    "CONTRIBUTING.md": "Keep `app/ItemActions.cpp` small; build/small/app is made, docs/TOPIC is any, /docs/x is elsewhere.\n",
     "run": "#!/usr/bin/env bash\nset -eu\necho \"$#\"\n",
     "docs/operations.txt": """# Operations.
 
@@ -233,6 +233,8 @@ PLANTED = [
     ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:407: ", "split"),
     # documents
     ("documents", [after("README.md", 3, "![The window](docs/window.png)\n")], "README.md:4: ", "leads nowhere"),
+    ("documents", [after("README.md", 3, "| `app/` | decides, see `app/Nowhere.cpp`. |\n")], "README.md:4: ", "app/Nowhere.cpp"),
+    ("documents", [after("CONTRIBUTING.md", 1, "\n    ./docs/nothing -e 1\n")], "CONTRIBUTING.md:3: ", "docs/nothing"),
     ("documents", [after("run", 2, "if true; then\n")], "run:5: ", "syntax error"),
     ("documents", [after("run", 2, "cd $1\n")], "run:3: ", "SC2086"),
     ("documents", [new("scripts/count.py", "def (:\n")], "scripts/count.py:1: ", "invalid syntax"),
