@@ -1,8 +1,7 @@
 #include "benchmarks/ChecksumPlainLoop.h"
+#include "benchmarks/Timing.h"
 #include "coreutils/Strings.h"
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -10,25 +9,12 @@
 // The checksum of 1 GiB in memory, against its steps word by word and against merely reading the bytes.
 
 using namespace mac;
+using namespace benchmarks;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr NSUInteger Size = NSUInteger{1} << 30;
 constexpr int Rounds = 7;
-
-template <class Function>
-double secondsOf(Function const& function) {
-    Clock::time_point const start = Clock::now();
-    function();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
 
 // Every byte is looked at, and as little done with it as can be.
 std::uint64_t readAll(std::span<std::byte const> bytes) {

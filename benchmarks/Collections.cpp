@@ -1,7 +1,7 @@
 #include "coreutils/Collections.h"
+#include "benchmarks/Timing.h"
 #include "coreutils/ArrayLookups.h"
 #include "platform/foundation/NSNumber.h"
-#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <string>
@@ -12,6 +12,7 @@
 // grows with their number.
 
 using namespace mac;
+using benchmarks::median;
 
 namespace {
 
@@ -44,17 +45,12 @@ std::vector<id> dictionaries(int count) {
     return made;
 }
 
-// Of the processor, so that other programs do not count.
+// So other programs do not count.
 template <class Function>
-double secondsOf(Function const& function) {
+double processorSecondsOf(Function const& function) {
     std::clock_t const start = std::clock();
     function();
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
 }
 
 Record const* find(std::vector<Record> const& records, std::string const& key, std::string const& value) {
@@ -77,9 +73,9 @@ void compareLookUps() {
     std::vector<double> times;
     int found = 0;
     for (int round = 0; round < Rounds; ++round) {
-        double const byHand = secondsOf([&] { found += find(records, "path", last) ? 1 : 0; });
+        double const byHand = processorSecondsOf([&] { found += find(records, "path", last) ? 1 : 0; });
         double const byKeyPath =
-            secondsOf([&] { found += pxObjectWithValue_forKeyPath_(array, lastPath, "path") == nil ? 0 : 1; });
+            processorSecondsOf([&] { found += pxObjectWithValue_forKeyPath_(array, lastPath, "path") == nil ? 0 : 1; });
         ratios.push_back(byKeyPath / byHand);
         times.push_back(byKeyPath);
     }
@@ -95,8 +91,8 @@ void compareGrowth(char const* what, Build const& build) {
     std::vector<double> ratios;
     std::vector<double> times;
     for (int round = 0; round < Rounds; ++round) {
-        double const smallTime = secondsOf([&] { build(small); });
-        double const largeTime = secondsOf([&] { build(large); });
+        double const smallTime = processorSecondsOf([&] { build(small); });
+        double const largeTime = processorSecondsOf([&] { build(large); });
         ratios.push_back(largeTime / smallTime);
         times.push_back(largeTime);
     }

@@ -1,4 +1,5 @@
 #include "app/AppController.h"
+#include "benchmarks/Timing.h"
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/foundation/NSNumber.h"
 #include <QApplication>
@@ -21,6 +22,7 @@
 // usage: large_table MAIN_INTERFACE_FILE
 
 using namespace framekeeper;
+using benchmarks::median;
 
 namespace {
 
@@ -197,11 +199,6 @@ void measurePlain(MeasuringApplication& application, Results& results) {
     results.replacement.theirs.push_back(fillWith(RowCount + FurtherRows));
     results.order.theirs.push_back(application.longestHold([&] { proxy.sort(PathColumn, Qt::AscendingOrder); }));
     results.filter.theirs.push_back(application.longestHold([&] { proxy.setFilterFixedString("9"); }));
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
 }
 
 void print(char const* name, Holds const& holds) {

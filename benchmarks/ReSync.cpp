@@ -1,8 +1,7 @@
 #include "app/AppController.h"
+#include "benchmarks/Timing.h"
 #include "coreutils/ArrayLookups.h"
 #include "platform/foundation/NSNumber.h"
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <vector>
 
@@ -10,10 +9,9 @@
 // source's whole list for each path.
 
 using namespace framekeeper;
+using namespace benchmarks;
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 NSString pathOf(int source, int index) {
     return NSString::stringWithFormat_("/nowhere/%d/%d/Mirror Frame.app", source, index);
@@ -38,18 +36,6 @@ AppController controllerWithPaths(int total) {
     controller.setIsAutolaunchedPaths_(membershipEntries(2, each, "autolaunchItem"));
     controller.setIsInToolbarPaths_(membershipEntries(3, each, "toolbarItem"));
     return controller;
-}
-
-template <class Function>
-double secondsOf(Function const& function) {
-    Clock::time_point const start = Clock::now();
-    function();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
 }
 
 } // namespace

@@ -1,11 +1,7 @@
 #include "platform/applescript/ScriptEngine.h"
-#include <algorithm>
-#include <chrono>
+#include "benchmarks/Timing.h"
 #include <cstdio>
-#include <functional>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <cstdlib>
 
 // Prints what compiling and running a five-line script costs against starting `/bin/sh -c :`, and a loop of a million
 // additions against the same loop in Python, its start left out. Each pair is measured in turns; the medians count.
@@ -13,7 +9,7 @@
 namespace {
 
 using namespace mac::applescript;
-using Clock = std::chrono::steady_clock;
+using namespace benchmarks;
 
 constexpr int Rounds = 15;
 constexpr std::u16string_view FiveLines = u"set x to \"a,b,c\"\nset text item delimiters to \",\"\nset n to 0\n"
@@ -21,31 +17,12 @@ constexpr std::u16string_view FiveLines = u"set x to \"a,b,c\"\nset text item de
 constexpr std::u16string_view Loop = u"set x to 0\nrepeat with i from 1 to 1000000\nset x to x + i\nend repeat\nx";
 constexpr char const* PythonLoop = "x = 0\nfor i in range(1, 1000001):\n    x = x + i\n";
 
-double seconds(std::function<void()> const& work) {
-    Clock::time_point const start = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> times) {
-    std::ranges::sort(times);
-    return times[times.size() / 2];
-}
-
-void runProgram(char const* program, char const* source) {
-    std::string name = program;
-    std::string flag = "-c";
-    std::string text = source;
-    char* const argv[]{name.data(), flag.data(), text.data(), nullptr};
-    pid_t process = -1;
-    if (::posix_spawnp(&process, program, nullptr, nullptr, argv, environ) != 0) return;
-    ::waitpid(process, nullptr, 0);
-}
-
 void runScript(std::u16string_view source) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(source, error);
-    if (!script || script->run({}).error) std::puts("the script failed");
+    if (script && !script->run({}).error) return;
+    std::fputs("the script failed\n", stderr);
+    std::exit(1);
 }
 
 } // namespace
@@ -56,11 +33,11 @@ int main() {
     std::vector<double> loop;
     std::vector<double> python;
     for (int round = 0; round < Rounds; ++round) {
-        script.push_back(seconds([] { runScript(FiveLines); }));
-        shell.push_back(seconds([] { runProgram("/bin/sh", ":"); }));
-        loop.push_back(seconds([] { runScript(Loop); }));
-        double const start = seconds([] { runProgram("python3", ""); });
-        python.push_back(seconds([] { runProgram("python3", PythonLoop); }) - start);
+        script.push_back(secondsOf([] { runScript(FiveLines); }));
+        shell.push_back(secondsOf([] { runProgram({"/bin/sh", "-c", ":"}); }));
+        loop.push_back(secondsOf([] { runScript(Loop); }));
+        double const start = secondsOf([] { runProgram({"python3", "-c", ""}); });
+        python.push_back(secondsOf([] { runProgram({"python3", "-c", PythonLoop}); }) - start);
     }
     std::printf("a five-line script: %.0f microseconds, %.3f of starting /bin/sh -c :\n", median(script) * 1e6,
                 median(script) / median(shell));

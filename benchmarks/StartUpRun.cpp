@@ -1,10 +1,10 @@
 #include "benchmarks/StartUpRun.h"
+#include "benchmarks/Timing.h"
 
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -42,19 +42,14 @@ StartUpRun startUp(char const* program) {
     return {.seconds = time.count(), .kilobytes = std::atol(answer.data())};
 }
 
-double StartUpMedians::milliseconds() const {
-    std::vector<StartUpRun> runs = m_runs;
-    std::ranges::sort(runs, {}, &StartUpRun::seconds);
-    std::size_t const middle = runs.size() / 2;
-    return runs[middle].seconds * 1000;
+void StartUpMedians::add(StartUpRun const& run) {
+    m_seconds.push_back(run.seconds);
+    m_kilobytes.push_back(static_cast<double>(run.kilobytes));
 }
 
-double StartUpMedians::megabytes() const {
-    std::vector<StartUpRun> runs = m_runs;
-    std::ranges::sort(runs, {}, &StartUpRun::kilobytes);
-    std::size_t const middle = runs.size() / 2;
-    return static_cast<double>(runs[middle].kilobytes) / 1024;
-}
+double StartUpMedians::milliseconds() const { return median(m_seconds) * 1000; }
+
+double StartUpMedians::megabytes() const { return median(m_kilobytes) / 1024; }
 
 char const* useEmptyHome() {
     static std::string folder = "/tmp/framekeeper-start-up-XXXXXX";

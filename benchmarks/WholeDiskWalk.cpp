@@ -1,6 +1,7 @@
 // How fast the walk of a whole disk is beside the programs a user would search with, how much memory it takes, and
 // whether it finds everything. Usage and options: see `usage` below.
 
+#include "benchmarks/Timing.h"
 #include "benchmarks/WholeDiskWalkRun.h"
 #include "benchmarks/WholeDiskWalkTree.h"
 #include "platform/spotlight/VolumeWalker.h"
@@ -107,11 +108,6 @@ bool isMeasuredFileSystem(std::string const& folder) {
     struct statfs status;
     if (::statfs(folder.c_str(), &status) != 0) return false;
     return status.f_type == EXT4_SUPER_MAGIC || status.f_type == XFS_SUPER_MAGIC || status.f_type == TMPFS_MAGIC;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 // The contest on one tree.

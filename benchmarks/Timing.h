@@ -1,0 +1,31 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace benchmarks {
+
+// By the clock on the wall.
+template <class Function>
+double secondsOf(Function const& function) {
+    auto const start = std::chrono::steady_clock::now();
+    function();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// There must be at least one value.
+inline double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+// Starts the program, which is looked for in PATH, and lets nothing of its output be seen. Answers its process; ends
+// this program with a message when it cannot be started: without it there is nothing to compare with.
+int startProgram(std::vector<std::string> words);
+
+// The same, and waits for its end; also ends this program when the other one fails.
+void runProgram(std::vector<std::string> const& words);
+
+} // namespace benchmarks
