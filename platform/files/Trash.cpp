@@ -82,8 +82,9 @@ public:
         for (unsigned number = 0; number < TrashNames::MostNames; ++number) {
             std::string const name = names.name(number);
             errno = 0;
-            if (moveTo(name, date)) return trashed(name);
-            if (errno != EEXIST) return trashFailure(errno, What);
+            std::optional<TrashFailure> const failure = moveTo(name, date);
+            if (!failure) return trashed(name);
+            if (failure->problem != TrashProblem::NameTaken) return *failure;
         }
         return trashFailure(EEXIST, What);
     }
@@ -99,39 +100,50 @@ private:
         return longest - std::min(longest - 1, added);
     }
 
-    bool moveTo(std::string const& name, std::string const& date) const {
+    // Nothing where it has moved; NameTaken where it may under another name.
+    std::optional<TrashFailure> moveTo(std::string const& name, std::string const& date) const {
         TrashReservation reservation(m_trash, name);
-        if (!reservation.make(m_original, date)) return false;
+        if (!reservation.make(m_original, date)) return trashFailure(errno, What);
         bool const hasCompanion = m_companion.file.isOpen();
         std::string const companionName = AppleDoubleFile::nameFor(name);
         TrashReservation companion(m_trash, companionName);
-        if (hasCompanion && !companion.make(companionOriginal(), date)) return false;
+        if (hasCompanion && !companion.make(companionOriginal(), date)) return trashFailure(errno, What);
         tellTrashStep(TrashStep::InformationWritten);
 
         Moved const moved = moveItem(m_item.item, m_item.folder, m_item.name, m_trash.files, name);
         if (moved != Moved::No) reservation.keep();
-        if (moved != Moved::Yes) return false;
+        if (moved == Moved::ButAnother) return anotherMoved(What, pathOf(name));
+        if (moved != Moved::Yes) return trashFailure(errno, What);
         tellTrashStep(TrashStep::ItemMoved);
 
-        if (hasCompanion && !moveCompanion(companion, companionName)) {
-            int const reason = errno;
-            bool const isBack = moveItem(m_item.item, m_trash.files, name, m_item.folder, m_item.name) == Moved::Yes;
-            if (isBack) reservation.giveUp();
-            // Gone to the trash without it, not to be tried again under another name.
-            errno = isBack || reason != EEXIST ? reason : EIO;
-            return false;
+        std::optional<TrashFailure> failure = hasCompanion ? moveCompanion(companion, companionName) : std::nullopt;
+        if (failure) {
+            Moved const back = moveItem(m_item.item, m_trash.files, name, m_item.folder, m_item.name);
+            if (back == Moved::Yes) reservation.giveUp();
+            return back == Moved::No ? leftBehind(std::move(*failure), name) : failure;
         }
         ::fsync(m_trash.files.number());
         tellTrashStep(TrashStep::AllMoved);
-        return true;
+        return std::nullopt;
     }
 
-    bool moveCompanion(TrashReservation& reservation, std::string const& name) const {
+    std::optional<TrashFailure> moveCompanion(TrashReservation& reservation, std::string const& name) const {
         Moved const moved = moveItem(m_companion.file, m_item.folder, m_companion.name, m_trash.files, name);
         if (moved != Moved::No) reservation.keep();
+        if (moved == Moved::ButAnother) return anotherMoved(What, pathOf(name));
         // Who took it away meanwhile has it.
-        return moved == Moved::Yes || (moved == Moved::No && errno == ENOENT);
+        if (moved == Moved::Yes || errno == ENOENT) return std::nullopt;
+        return trashFailure(errno, What);
     }
+
+    // In the trash, where the file beside it could not follow; not to be tried again under another name.
+    TrashFailure leftBehind(TrashFailure failure, std::string const& name) const {
+        if (failure.problem == TrashProblem::NameTaken) failure.problem = TrashProblem::Other;
+        failure.reason += "; the item is now at " + shownPath(pathOf(name));
+        return failure;
+    }
+
+    std::string pathOf(std::string const& name) const { return m_trash.filesPath() + "/" + name; }
 
     std::string companionOriginal() const {
         return m_original.substr(0, m_original.size() - m_item.name.size()) + m_companion.name;
@@ -141,7 +153,7 @@ private:
         std::optional<ItemPlace> const place = placeOf(m_item.item);
         if (!place) return trashFailure(errno, What);
         if (place->isFolder) addDirectorySize(m_trash, name);
-        return TrashedItem{.path = m_trash.filesPath() + "/" + name,
+        return TrashedItem{.path = pathOf(name),
                            .originalPath = m_trash.originalPath(m_original),
                            .deletionTime = m_time,
                            .identity = place->identity,

@@ -89,7 +89,8 @@ struct TrashedItem {
 // Moves the item, with the AppleDouble file "._NAME" beside it, to the trash of its volume, which is made when it is
 // missing. A link at the end of the path is meant itself, also with a slash behind it. Where the trash has the name
 // already the item gets one with the time of day, "NAME 14-05-22.txt"; a name too long for the trash is shortened. On
-// failure everything is where it was.
+// failure everything is where it was, except what had begun to move when somebody else took its place: that is in the
+// trash, nothing is lost, and the reason says where.
 TrashResult<TrashedItem> moveToTrash(std::string_view path);
 // The very item that was opened; Changed when another one has taken its place.
 TrashResult<TrashedItem> moveToTrash(OpenItem const& item);

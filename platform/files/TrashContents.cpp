@@ -188,7 +188,9 @@ TrashResult<std::string> putBack(TrashedItem const& item) {
     FileDescriptor const folder = openPath(slash == 0 ? "/" : path.substr(0, slash), O_PATH | O_DIRECTORY);
     if (!folder.isOpen()) return trashFailure(errno, CannotPutBack);
     std::string const name = nameOf(path);
-    if (moveItem(trashed.item, trashed.trash.files, trashed.name, folder, name) != Moved::Yes) {
+    Moved const moved = moveItem(trashed.item, trashed.trash.files, trashed.name, folder, name);
+    if (moved == Moved::ButAnother) return anotherMoved(CannotPutBack, path);
+    if (moved != Moved::Yes) {
         TrashFailure failure = trashFailure(errno, CannotPutBack);
         // What lies there now is another volume; that one's trash has no part in it.
         if (failure.problem == TrashProblem::NoTrash) failure.problem = TrashProblem::Other;

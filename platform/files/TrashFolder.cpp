@@ -3,6 +3,7 @@
 #include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/DesktopFolders.h"
+#include "platform/foundation/Encodings.h"
 #include "platform/foundation/LongPath.h"
 #include <algorithm>
 #include <cerrno>
@@ -208,6 +209,12 @@ std::vector<TrashFolder> trashesOfUser() {
         return false;
     });
     return trashes;
+}
+
+std::string shownPath(std::string const& path) { return utf8FromUnits(unitsFromFileSystemBytes(path)); }
+
+TrashFailure anotherMoved(std::string const& what, std::string const& path) {
+    return {TrashProblem::Changed, what + ": Another item was moved in its stead, and is now at " + shownPath(path)};
 }
 
 TrashFailure trashFailure(int errorNumber, std::string const& what) {

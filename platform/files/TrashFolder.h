@@ -41,5 +41,9 @@ std::vector<TrashFolder> trashesOfUser();
 
 // Of a call that failed with that number; ESTALE means that another item has taken the place.
 TrashFailure trashFailure(int errorNumber, std::string const& what);
+// Another item was moved in the stead of the one that was meant, and cannot be moved back from the path.
+TrashFailure anotherMoved(std::string const& what, std::string const& path);
+// A path as people can read it.
+std::string shownPath(std::string const& path);
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/files/AppleDoubleForm.h"
 #include "platform/files/FolderPlace.h"
 #include "platform/files/TrashInformation.h"
+#include "platform/files/TrashSteps.h"
 #include "platform/foundation/ExclusiveRename.h"
 #include <array>
 #include <cerrno>
@@ -57,7 +58,9 @@ bool isAppleDouble(FileDescriptor const& item) {
 Moved moveItem(FileDescriptor const& item, FileDescriptor const& fromFolder, std::string const& from,
                FileDescriptor const& toFolder, std::string const& to) {
     if (!isItem(fromFolder, from, item)) return Moved::No;
+    tellTrashStep(TrashStep::Checked);
     if (!renameWithoutReplacing(fromFolder.number(), from, toFolder.number(), to)) return Moved::No;
+    tellTrashStep(TrashStep::Renamed);
     if (isItem(toFolder, to, item)) return Moved::Yes;
     bool const isBack = renameWithoutReplacing(toFolder.number(), to, fromFolder.number(), from);
     errno = ESTALE;

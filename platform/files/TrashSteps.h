@@ -6,6 +6,10 @@ namespace mac {
 
 // What moving to the trash and back has just done; for tests of what happens between two steps.
 enum class TrashStep {
+    // What has the name is the item that is meant, or the AppleDouble file beside it; it is about to get its new name.
+    Checked,
+    // It has its new name; whether it is still the same is about to be looked at.
+    Renamed,
     // On the disk; the item is about to move.
     InformationWritten,
     ItemMoved,

@@ -102,6 +102,56 @@ TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) {
     EXPECT_TRUE(namesIn(m_home.information()).empty());
 }
 
+TEST_F(TrashSteps, WhatTakesThePlaceOfAnItemAfterTheLastLookComesBack) {
+    std::string const file = m_home.folder.makeFile("a/file", "old");
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step != TrashStep::Checked) return;
+        ::rename(file.c_str(), m_home.path("moved").c_str());
+        m_home.folder.makeFile("a/file", "new");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+    EXPECT_EQ(textOf(file), "new");
+    EXPECT_EQ(textOf(m_home.path("moved")), "old");
+    EXPECT_TRUE(namesIn(m_home.files()).empty());
+    EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashSteps, WhatCannotComeBackStaysInTheTrashAndTheFailureSaysWhere) {
+    std::string const file = m_home.folder.makeFile("a/file", "old");
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step == TrashStep::Checked) ::rename(file.c_str(), m_home.path("moved").c_str());
+        if (step == TrashStep::Checked) m_home.folder.makeFile("a/file", "another's");
+        if (step == TrashStep::Renamed) m_home.folder.makeFile("a/file", "newer");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+    EXPECT_TRUE(result.failure().reason.ends_with(m_home.files("file"))) << result.failure().reason;
+    EXPECT_EQ(textOf(m_home.path("moved")), "old");
+    EXPECT_EQ(textOf(file), "newer");
+    EXPECT_EQ(textOf(m_home.files("file")), "another's");
+    ASSERT_EQ(trashedItems().size(), 1U);
+    EXPECT_EQ(trashedItems()[0].originalPath, file);
+}
+
+TEST_F(TrashSteps, WhatWasPutBackInsteadOfAnItemIsNamed) {
+    std::string const file = m_home.folder.makeFile("a/file", "old");
+    TrashedItem const item = moveToTrash(file).takeValue();
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step == TrashStep::Checked) ::rename(item.path.c_str(), m_home.path("moved").c_str());
+        if (step == TrashStep::Checked) m_home.folder.makeFile("data/Trash/files/file", "another's");
+        if (step == TrashStep::Renamed) m_home.folder.makeFile("data/Trash/files/file", "newer");
+    });
+    TrashResult<std::string> const result = putBack(item);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+    EXPECT_TRUE(result.failure().reason.ends_with(file)) << result.failure().reason;
+    EXPECT_EQ(textOf(file), "another's");
+    EXPECT_EQ(textOf(item.path), "newer");
+}
+
 TEST_F(TrashSteps, AFileThatTakesTheNameAtTheLastMomentStays) {
     std::string const file = m_home.folder.makeFile("a/file", "mine");
     bool isFirst = true;
@@ -132,6 +182,24 @@ TEST_F(TrashSteps, AnItemComesBackWhenTheFileBesideItCannotFollow) {
     EXPECT_EQ(textOf(m_home.path("a/._file")), "new");
     EXPECT_TRUE(namesIn(m_home.files()).empty());
     EXPECT_TRUE(namesIn(m_home.information()).empty());
+}
+
+TEST_F(TrashSteps, AnItemWhosePlaceIsTakenStaysInTheTrashWhenTheFileBesideItCannotFollow) {
+    std::string const appleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
+    std::string const file = m_home.folder.makeFile("a/file", "x");
+    m_home.folder.makeFile("a/._file", appleDouble);
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step != TrashStep::ItemMoved) return;
+        m_home.folder.makeFile("a/file", "new");
+        m_home.folder.makeFile("data/Trash/files/._file", "another's");
+    });
+    TrashResult<TrashedItem> const result = moveToTrash(file);
+    ASSERT_FALSE(result.hasValue());
+    EXPECT_TRUE(result.failure().reason.ends_with(m_home.files("file"))) << result.failure().reason;
+    EXPECT_EQ(textOf(m_home.files("file")), "x");
+    EXPECT_EQ(textOf(file), "new");
+    EXPECT_EQ(textOf(m_home.path("a/._file")), appleDouble);
+    EXPECT_EQ(namesIn(m_home.information()), Names{"file.trashinfo"});
 }
 
 TEST_F(TrashSteps, AnItemGoesAloneWhenTheFileBesideItGoesAway) {
