@@ -150,12 +150,16 @@ std::optional<MountedVolume> volumeOfItem(FileDescriptor const& item) {
     struct statx status {};
     int const flags = AT_EMPTY_PATH | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     if (!item.isOpen() || ::statx(item.number(), "", flags, STATX_MNT_ID, &status) != 0) return std::nullopt;
-    std::string const device = std::to_string(status.stx_dev_major) + ":" + std::to_string(status.stx_dev_minor);
-    bool const knowsMount = (status.stx_mask & STATX_MNT_ID) != 0;
-    for (MountedVolume const& volume : mountedVolumes()) {
-        if (knowsMount ? volume.mount == status.stx_mnt_id : volume.device == device) return volume;
+    MountTable const mounts = MountTable::current();
+    if ((status.stx_mask & STATX_MNT_ID) != 0) {
+        Mount const* const mount = mounts.withId(status.stx_mnt_id);
+        return mount && isWanted(*mount, mounts) ? std::optional(volumeOf(*mount)) : std::nullopt;
     }
-    return std::nullopt;
+    // Before Linux 5.8 the device has to do.
+    std::string const device = std::to_string(status.stx_dev_major) + ":" + std::to_string(status.stx_dev_minor);
+    std::vector<MountedVolume> const volumes = volumesOf(mounts);
+    auto const found = std::ranges::find(volumes, device, &MountedVolume::device);
+    return found == volumes.end() ? std::nullopt : std::optional(*found);
 }
 
 } // namespace mac

@@ -44,7 +44,8 @@ std::vector<MountedVolume> volumesOf(MountTable const& mounts);
 
 // That an absolute path without links and dots leads into, told by the text alone; nullptr for what is no such path.
 MountedVolume const* volumeOfPath(std::vector<MountedVolume> const& volumes, std::string_view path);
-// The one that holds the open item. Nothing for what is on no volume: a pipe, or a file of the kernel's own.
+// The one that holds the open item, without its name, and to be browsed also where another volume shows all that it
+// does: to know that takes a look at all. Nothing for what is on no volume: a pipe, or a file of the kernel's own.
 std::optional<MountedVolume> volumeOfItem(FileDescriptor const& item);
 
 // What the system tells of the drive that holds a volume.

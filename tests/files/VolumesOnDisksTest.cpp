@@ -1,8 +1,10 @@
 #include "platform/files/HFSPaths.h"
+#include "platform/files/VolumeNumbers.h"
 #include "platform/foundation/LongPath.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -48,6 +50,30 @@ TEST_F(VolumesOnDisks, AreToldApartThoughOneShowsTheOther) {
     bind(memory, point);
     FileDescriptor const item = openPath(point, O_PATH);
     EXPECT_EQ(volumeOfItem(item)->mountPoint, point);
+}
+
+TEST_F(VolumesOnDisks, HaveTheNumberThatWhatLiesOnThemTells) {
+    std::string const point = m_folder.makeFolder("point");
+    std::string const memory = m_folder.makeFolder("memory");
+    mountMemory(memory);
+    bind(memory, point);
+    std::vector<MountedVolume> const volumes = mountedVolumes();
+    for (std::string const& path : {std::string("/"), memory, point}) {
+        FileDescriptor const item = openPath(path, O_PATH);
+        MountedVolume const* const volume = volumeOfPath(volumes, path);
+        ASSERT_TRUE(volume) << path;
+        EXPECT_EQ(numberOfVolumeOf(item), numberOfVolume(*volume)) << path;
+    }
+}
+
+TEST_F(VolumesOnDisks, ThatAnotherOneHidesAreNone) {
+    std::string const point = m_folder.makeFolder("point");
+    mountMemory(point);
+    FileDescriptor const item = openPath(point, O_PATH);
+    EXPECT_TRUE(numberOfVolumeOf(item));
+    mountMemory(point);
+    EXPECT_FALSE(numberOfVolumeOf(item));
+    EXPECT_EQ(errno, ENXIO);
 }
 
 TEST_F(VolumesOnDisks, AreNamedInPaths) {
