@@ -1,16 +1,17 @@
 #include "platform/files/CatalogFields.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/VolumeNumbers.h"
+#include "platform/foundation/BigEndian.h"
 #include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/OpenItems.h"
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -38,9 +39,7 @@ DateBytes bytesOf(UTCDateTime const& date) {
 }
 
 UTCDateTime dateOf(DateBytes const& bytes) {
-    std::uint64_t whole = 0;
-    for (std::byte const byte : bytes)
-        whole = whole << 8 | std::to_integer<std::uint64_t>(byte);
+    auto const whole = bigEndian<std::uint64_t>(bytes, 0);
     return {static_cast<std::uint16_t>(whole >> 48), static_cast<std::uint32_t>(whole >> 16),
             static_cast<std::uint16_t>(whole)};
 }
@@ -83,23 +82,6 @@ std::uint8_t accessTo(OpenItem const& item) {
             access |= static_cast<unsigned>(kind);
     }
     return static_cast<std::uint8_t>(access);
-}
-
-// Without "." and ".."; nothing for a folder that cannot be read.
-std::optional<std::uint32_t> itemsIn(OpenItem const& folder) {
-    FileDescriptor opened(::open(folder.systemPath().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!opened.isOpen()) return std::nullopt;
-    // It closes a descriptor of its own.
-    int const own = ::fcntl(opened.number(), F_DUPFD_CLOEXEC, 0);
-    std::unique_ptr<DIR, int (*)(DIR*)> const stream(own < 0 ? nullptr : ::fdopendir(own), &::closedir);
-    if (!stream) return std::nullopt;
-    std::uint32_t count = 0;
-    errno = 0;
-    while (dirent const* const entry = ::readdir(stream.get())) {
-        std::string_view const name(static_cast<char const*>(entry->d_name));
-        if (name != "." && name != "..") ++count;
-    }
-    return errno == 0 ? std::optional(count) : std::nullopt;
 }
 
 // 0 where there is none.
@@ -150,9 +132,10 @@ bool readFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalog
 
 bool readValence(OpenItem const& item, bool isFolder, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
     if ((which & kFSCatInfoValence) == 0) return true;
-    std::optional<std::uint32_t> const count = isFolder ? itemsIn(item) : std::optional<std::uint32_t>(0);
-    if (!count) return false;
-    information.valence = *count;
+    std::optional<std::vector<std::string>> const names =
+        isFolder ? namesInOpenFolder(item.item) : std::vector<std::string>();
+    if (!names) return false;
+    information.valence = static_cast<std::uint32_t>(names->size());
     return true;
 }
 
@@ -220,7 +203,7 @@ bool isLocked(struct statx const& status) { return (status.stx_attributes & STAT
 std::string attributePath(OpenItem const& item) {
     // The root lies in no folder.
     if (item.name.empty()) return item.folder.isOpen() ? item.systemPath() : "/";
-    return "/proc/self/fd/" + std::to_string(item.folder.number()) + "/" + item.name;
+    return descriptorPath(item.folder) + "/" + item.name;
 }
 
 bool readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo& information) {

@@ -1,9 +1,9 @@
 #include "platform/files/FileCopy.h"
 #include "platform/files/ExtendedAttributes.h"
+#include "platform/foundation/OpenItems.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <fcntl.h>
 #include <optional>
 #include <string_view>
@@ -163,23 +163,25 @@ bool copyMetadata(FileDescriptor const& from, FileDescriptor const& to, std::str
     return ::futimens(to.number(), times.data()) == 0;
 }
 
-bool copySpecial(int fromFolder, std::string const& from, int toFolder, std::string const& to) {
+bool copySpecial(FileDescriptor const& fromFolder, std::string const& from, FileDescriptor const& toFolder,
+                 std::string const& to) {
     struct stat status {};
-    if (::fstatat(fromFolder, from.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+    if (::fstatat(fromFolder.number(), from.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
     if (S_ISLNK(status.st_mode)) {
-        std::array<char, PATH_MAX> target{};
-        ssize_t const length = ::readlinkat(fromFolder, from.c_str(), target.data(), target.size() - 1);
-        if (length < 0 || ::symlinkat(target.data(), toFolder, to.c_str()) != 0) return false;
+        std::optional<std::string> const target = linkTextIn(fromFolder, from);
+        if (!target || ::symlinkat(target->c_str(), toFolder.number(), to.c_str()) != 0) return false;
     } else {
         constexpr mode_t ownerAlone = S_IRUSR | S_IWUSR;
         mode_t const kind = status.st_mode & S_IFMT;
-        if (::mknodat(toFolder, to.c_str(), kind | (status.st_mode & ownerAlone), status.st_rdev) != 0) return false;
+        if (::mknodat(toFolder.number(), to.c_str(), kind | (status.st_mode & ownerAlone), status.st_rdev) != 0)
+            return false;
     }
-    bool const isOwned = ::fchownat(toFolder, to.c_str(), status.st_uid, status.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
+    bool const isOwned =
+        ::fchownat(toFolder.number(), to.c_str(), status.st_uid, status.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
     bool const getsMode = isOwned && !S_ISLNK(status.st_mode);
-    if (getsMode && ::fchmodat(toFolder, to.c_str(), status.st_mode & 07777U, 0) != 0) return false;
+    if (getsMode && ::fchmodat(toFolder.number(), to.c_str(), status.st_mode & 07777U, 0) != 0) return false;
     std::array<timespec, 2> const times{status.st_atim, status.st_mtim};
-    return ::utimensat(toFolder, to.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) == 0;
+    return ::utimensat(toFolder.number(), to.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 } // namespace mac

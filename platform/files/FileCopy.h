@@ -14,6 +14,7 @@ bool copyContents(FileDescriptor const& from, FileDescriptor const& to, std::fun
 // the copy, for attributes that the volume has no place for.
 bool copyMetadata(FileDescriptor const& from, FileDescriptor const& to, std::string const& path);
 // What is neither file nor folder, as the name in the folder.
-bool copySpecial(int fromFolder, std::string const& from, int toFolder, std::string const& to);
+bool copySpecial(FileDescriptor const& fromFolder, std::string const& from, FileDescriptor const& toFolder,
+                 std::string const& to);
 
 } // namespace mac

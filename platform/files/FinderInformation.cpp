@@ -1,5 +1,6 @@
 #include "platform/files/FinderInformation.h"
 #include "platform/files/ExtendedAttributes.h"
+#include "platform/foundation/BigEndian.h"
 #include <algorithm>
 #include <cerrno>
 
@@ -13,23 +14,15 @@ constexpr std::size_t FlagsOffset = 8;
 constexpr int LabelShift = 1;
 constexpr std::uint32_t Start = 0;
 
-template <class Number>
-Number numberAt(std::array<std::byte, 32> const& bytes, std::size_t offset) {
-    Number value = 0;
-    for (std::size_t index = 0; index < sizeof(Number); ++index)
-        value = static_cast<Number>(value << 8 | std::to_integer<Number>(bytes[offset + index]));
-    return value;
-}
-
 bool isNowhere(int errorNumber) {
     return errorNumber == ENODATA || errorNumber == EOPNOTSUPP || errorNumber == EPERM || errorNumber == ERANGE;
 }
 
 } // namespace
 
-OSType FinderInformation::fileType() const { return OSType(numberAt<std::uint32_t>(bytes, TypeOffset)); }
-OSType FinderInformation::fileCreator() const { return OSType(numberAt<std::uint32_t>(bytes, CreatorOffset)); }
-std::uint16_t FinderInformation::finderFlags() const { return numberAt<std::uint16_t>(bytes, FlagsOffset); }
+OSType FinderInformation::fileType() const { return OSType(bigEndian32(bytes, TypeOffset)); }
+OSType FinderInformation::fileCreator() const { return OSType(bigEndian32(bytes, CreatorOffset)); }
+std::uint16_t FinderInformation::finderFlags() const { return bigEndian16(bytes, FlagsOffset); }
 
 void FinderInformation::setFinderFlags(std::uint16_t flags) {
     bytes[FlagsOffset] = static_cast<std::byte>(flags >> 8);

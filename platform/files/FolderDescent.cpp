@@ -1,4 +1,6 @@
 #include "platform/files/FolderDescent.h"
+#include "platform/foundation/FolderContents.h"
+#include "platform/foundation/OpenItems.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,8 +16,7 @@ void letOwnerIn(FileDescriptor const& folder, std::string const& name, ItemPlace
     FileDescriptor const item(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     std::optional<ItemPlace> const found = item.isOpen() ? placeOf(item) : std::nullopt;
     if (!found || !(found->identity == place.identity) || found->owner != ::geteuid()) return;
-    std::string const path = "/proc/self/fd/" + std::to_string(item.number());
-    ::chmod(path.c_str(), (found->mode & 07777) | S_IRWXU);
+    ::chmod(descriptorPath(item).c_str(), (found->mode & 07777) | S_IRWXU);
 }
 
 class Descent {
@@ -89,7 +90,7 @@ void Descent::enter(std::string const& name, ItemPlace const& place) {
     if (!folder.isOpen()) return fail(errno);
     std::optional<ItemPlace> const found = placeOf(folder);
     if (!found || !(found->identity == place.identity)) return fail(ESTALE);
-    std::optional<std::vector<std::string>> names = namesInFolder(folder);
+    std::optional<std::vector<std::string>> names = namesInOpenFolder(folder);
     if (!names) return fail(errno);
     m_levels.push_back({name, place, std::move(*names)});
     m_folder = std::move(folder);

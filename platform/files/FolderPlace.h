@@ -34,7 +34,4 @@ FileDescriptor topOfMount(FileDescriptor const& folder);
 // Absolute, of any length.
 std::optional<std::string> pathOfFolder(FileDescriptor const& folder);
 
-// What an open folder holds, without "." and "..", in no order; nothing when that cannot all be had.
-std::optional<std::vector<std::string>> namesInFolder(FileDescriptor const& folder);
-
 } // namespace mac

@@ -1,10 +1,8 @@
 #include "platform/files/FolderPlace.h"
-#include <array>
+#include "platform/foundation/FolderContents.h"
+#include "platform/foundation/OpenItems.h"
 #include <cerrno>
-#include <climits>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -12,10 +10,6 @@
 namespace mac {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
 
 std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
     constexpr unsigned wanted =
@@ -44,20 +38,8 @@ bool isSamePlace(ItemPlace const& one, ItemPlace const& other) {
     return one.identity == other.identity && one.mount == other.mount;
 }
 
-// The system does not tell paths that are too long for it.
-std::optional<std::string> systemsPath(FileDescriptor const& folder) {
-    std::array<char, PATH_MAX> path;
-    std::string const link = "/proc/self/fd/" + std::to_string(folder.number());
-    ssize_t const length = ::readlink(link.c_str(), path.data(), path.size());
-    if (length <= 0) return std::nullopt;
-    if (path[0] == '/' && static_cast<std::size_t>(length) < path.size())
-        return std::string(path.data(), static_cast<std::size_t>(length));
-    errno = path[0] == '/' ? ENAMETOOLONG : ENOENT;
-    return std::nullopt;
-}
-
 std::optional<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& item) {
-    for (std::string const& name : namesInFolder(folder).value_or(std::vector<std::string>())) {
+    for (std::string const& name : namesInOpenFolder(folder).value_or(std::vector<std::string>())) {
         std::optional<ItemPlace> const found = placeOf(folder, name);
         if (found && isSamePlace(*found, item)) return name;
     }
@@ -114,25 +96,6 @@ std::optional<std::string> pathOfFolder(FileDescriptor const& folder) {
     }
     if (!path || end.empty()) return path;
     return *path == "/" ? end : *path + end;
-}
-
-std::optional<std::vector<std::string>> namesInFolder(FileDescriptor const& folder) {
-    // A descriptor of its own starts at the beginning; what lists the folder closes it.
-    int const own = ::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC);
-    if (own < 0) return std::nullopt;
-    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(own));
-    if (!entries) {
-        ::close(own);
-        return std::nullopt;
-    }
-    std::vector<std::string> names;
-    errno = 0;
-    while (dirent const* const entry = ::readdir(entries.get())) {
-        std::string name = entry->d_name;
-        if (name != "." && name != "..") names.push_back(std::move(name));
-    }
-    if (errno != 0) return std::nullopt;
-    return names;
 }
 
 } // namespace mac

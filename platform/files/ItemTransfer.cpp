@@ -7,13 +7,14 @@
 #include "platform/files/Trash.h"
 #include "platform/files/TrashMove.h"
 #include "platform/foundation/ExclusiveRename.h"
+#include "platform/foundation/FolderContents.h"
+#include "platform/foundation/NewFile.h"
+#include "platform/foundation/OpenItems.h"
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_map>
@@ -30,8 +31,6 @@ std::int64_t changeTime(FileDescriptor const& folder, std::string const& name) {
     if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH) != 0) return -1;
     return status.st_ctim.tv_sec * nanoseconds + status.st_ctim.tv_nsec;
 }
-
-std::string pathOf(FileDescriptor const& file) { return "/proc/self/fd/" + std::to_string(file.number()); }
 
 // What was copied, and the state it was copied in; of folders only that they were.
 using CopiedItems = std::unordered_map<ItemIdentity, std::int64_t, ItemIdentityHash>;
@@ -103,8 +102,7 @@ bool TreeCopy::copy(std::string const& from, std::string const& to, ItemPlace co
     if (place.isFolder) return enter(from, to, place);
     std::int64_t const state = changeTime(m_source, from);
     bool const isFile = S_ISREG(place.mode);
-    bool const isCopied =
-        isFile ? copyFile(from, to, place) : copySpecial(m_source.number(), from, m_target.number(), to);
+    bool const isCopied = isFile ? copyFile(from, to, place) : copySpecial(m_source, from, m_target, to);
     if (isCopied) m_copied[place.identity] = state;
     return isCopied;
 }
@@ -122,7 +120,7 @@ bool TreeCopy::copyFile(std::string const& from, std::string const& to, ItemPlac
                                          O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                          mode_t{S_IRUSR | S_IWUSR}));
     if (!target.isOpen()) return false;
-    return copyContents(source, target, m_goesOn) && copyMetadata(source, target, pathOf(target));
+    return copyContents(source, target, m_goesOn) && copyMetadata(source, target, descriptorPath(target));
 }
 
 bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace const& place) {
@@ -137,7 +135,7 @@ bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace c
     }
     FileDescriptor source(::openat(m_source.number(), from.c_str(), ListFlags));
     std::optional<ItemPlace> const found = source.isOpen() ? placeOf(source) : std::nullopt;
-    std::optional<std::vector<std::string>> names = found ? namesInFolder(source) : std::nullopt;
+    std::optional<std::vector<std::string>> names = found ? namesInOpenFolder(source) : std::nullopt;
     if (!names) return false;
     // They are taken from the end. First come AppleDouble files, so that attributes which the volume has no place for
     // join those that they hold.
@@ -159,7 +157,7 @@ bool TreeCopy::enter(std::string const& from, std::string const& to, ItemPlace c
 bool TreeCopy::leave() {
     Level const level = std::move(m_levels.back());
     m_levels.pop_back();
-    if (!copyMetadata(m_source, m_target, pathOf(m_target))) return false;
+    if (!copyMetadata(m_source, m_target, descriptorPath(m_target))) return false;
     m_copied[level.place.identity] = 0;
     int const flags = m_levels.empty() ? O_PATH | O_DIRECTORY | O_CLOEXEC : ListFlags;
     FileDescriptor source(::openat(m_source.number(), "..", flags));
@@ -180,19 +178,6 @@ bool TreeCopy::leave() {
 
 bool removeOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
     return ::unlinkat(folder.number(), name.c_str(), place.isFolder ? AT_REMOVEDIR : 0) == 0;
-}
-
-// Nobody can foresee it.
-std::string temporaryName() {
-    std::array<unsigned char, 16> bytes{};
-    if (::getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string name = ".copy-";
-    for (unsigned char const byte : bytes) {
-        name += digits[byte >> 4U];
-        name += digits[byte & 15U];
-    }
-    return name;
 }
 
 // A stray AppleDouble file there would be taken for the item's own.
@@ -292,7 +277,7 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
         errno = EEXIST;
         return false;
     }
-    std::string const temporary = temporaryName();
+    std::string const temporary = unguessableName().value_or("");
     FileDescriptor const listed(::openat(folder.number(), ".", ListFlags));
     // First, so that attributes which the volume has no place for join those that it holds.
     std::optional<OpenItem> const companion = companionItem(item);

@@ -6,6 +6,7 @@
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
 #include "platform/files/TrashSteps.h"
+#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/LongPath.h"
 #include <algorithm>
 #include <cerrno>
@@ -26,7 +27,7 @@ constexpr char CannotErase[] = "The item cannot be deleted from the trash";
 
 // Nothing, and errno, where they cannot be listed.
 std::optional<std::set<std::string>> namesIn(FileDescriptor const& folder) {
-    std::optional<std::vector<std::string>> const names = namesInFolder(folder);
+    std::optional<std::vector<std::string>> const names = namesInOpenFolder(folder);
     if (!names) return std::nullopt;
     return std::set<std::string>(names->begin(), names->end());
 }

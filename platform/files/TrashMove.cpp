@@ -4,7 +4,9 @@
 #include "platform/files/FolderPlace.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashSteps.h"
+#include "platform/foundation/BigEndian.h"
 #include "platform/foundation/ExclusiveRename.h"
+#include "platform/foundation/OpenItems.h"
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -23,34 +25,14 @@ bool isItem(FileDescriptor const& folder, std::string const& name, FileDescripto
     return found->identity == expected->identity;
 }
 
-bool writeAll(FileDescriptor const& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        ssize_t const count = ::write(file.number(), bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-std::uint32_t numberAt(std::span<unsigned char const, 4> bytes) {
-    std::uint32_t number = 0;
-    for (unsigned char const byte : bytes)
-        number = number << 8 | byte;
-    return number;
-}
-
 bool isAppleDouble(FileDescriptor const& item) {
     struct stat status {};
     // To open what is no file can wait for ever, or do things.
     if (::fstat(item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-    std::string const path = "/proc/self/fd/" + std::to_string(item.number());
-    FileDescriptor const file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    std::array<unsigned char, appledouble::HeaderSize> head{};
+    FileDescriptor const file(::open(descriptorPath(item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    std::array<std::byte, appledouble::HeaderSize> head{};
     if (!file.isOpen() || ::pread(file.number(), head.data(), head.size(), 0) != std::ssize(head)) return false;
-    std::span const bytes(head);
-    return numberAt(bytes.subspan<0, 4>()) == appledouble::Magic &&
-           numberAt(bytes.subspan<4, 4>()) == appledouble::Version;
+    return bigEndian32(head, 0) == appledouble::Magic && bigEndian32(head, 4) == appledouble::Version;
 }
 
 } // namespace
@@ -81,7 +63,8 @@ bool TrashReservation::make(std::string const& writtenPath, std::string const& d
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     m_file = FileDescriptor(::openat(m_trash.information.number(), m_name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
     if (!m_file.isOpen()) return false;
-    if (!writeAll(m_file, TrashInformation{writtenPath, date}.text()) || ::fsync(m_file.number()) != 0) return false;
+    std::string const text = TrashInformation{writtenPath, date}.text();
+    if (!writeAll(m_file, std::as_bytes(std::span(text))) || ::fsync(m_file.number()) != 0) return false;
     // Some file systems cannot flush folders.
     ::fsync(m_trash.information.number());
     return true;

@@ -1,11 +1,12 @@
 #include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/FileDescriptor.h"
+#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/LongPath.h"
+#include "platform/foundation/SymbolicLinks.h"
 #include <array>
 #include <climits>
 #include <cstdlib>
-#include <dirent.h>
 #include <memory>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -18,16 +19,10 @@ namespace {
 constexpr unsigned MostLayers = 8;
 constexpr std::size_t LongestAnswer = 4096;
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
-
 std::string canonical(std::string const& path) {
     std::unique_ptr<char, decltype(&std::free)> const result(::realpath(path.c_str(), nullptr), &std::free);
     return result ? std::string(result.get()) : std::string();
 }
-
-bool exists(std::string const& path) { return fileStatusAtPath(path).has_value(); }
 
 std::string contentsOf(std::string const& path) {
     Result<FileContents> const contents = readFileAtPath(path, LongestAnswer);
@@ -46,11 +41,9 @@ std::string blockDeviceOf(MountedVolume const& volume) {
 }
 
 std::string firstEntryOf(std::string const& path) {
-    std::unique_ptr<DIR, CloseFolder> const folder(::opendir(path.c_str()));
-    while (dirent const* const entry = folder ? ::readdir(folder.get()) : nullptr) {
-        if (entry->d_name[0] != '.') return entry->d_name;
-    }
-    return {};
+    std::vector<std::string> const names =
+        namesInFolder(path, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>());
+    return names.empty() ? std::string() : names.front();
 }
 
 // The whole drive: below what is made of others, and not the partition alone.
@@ -61,7 +54,7 @@ std::string driveFolderOf(std::string folder) {
         if (below.empty()) break;
         folder = canonical(std::string(parts).append("/").append(below));
     }
-    return exists(folder + "/partition") ? folder.substr(0, folder.rfind('/')) : folder;
+    return pathExists(folder + "/partition") ? folder.substr(0, folder.rfind('/')) : folder;
 }
 
 } // namespace
@@ -74,7 +67,7 @@ VolumeDrive driveOf(MountedVolume const& volume, std::string const& devicesFolde
     std::string const block = device.empty() ? std::string() : canonical(devicesFolder + "/dev/block/" + device);
     if (block.empty()) return drive;
     std::string const folder = driveFolderOf(block);
-    bool const isImage = exists(folder + "/loop/backing_file");
+    bool const isImage = pathExists(folder + "/loop/backing_file");
     bool const isConnected = folder.find("/usb") != std::string::npos || folder.find("/mmc") != std::string::npos;
     bool const canEject = contentsOf(folder + "/events").find("eject_request") != std::string::npos;
     drive.isRemovable = contentsOf(folder + "/removable").starts_with('1');

@@ -24,18 +24,6 @@ constexpr std::string_view AccessList = "system.posix_acl_access";
 // The security module labels the new file itself, and what the old bytes were allowed to do the new ones are not.
 constexpr std::string_view SecurityNames = "security.";
 
-std::optional<std::string> unguessableName() {
-    std::array<unsigned char, 16> random;
-    if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) return std::nullopt;
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string name = ".";
-    for (unsigned char const byte : random) {
-        name.push_back(digits[byte >> 4]);
-        name.push_back(digits[byte & 0xF]);
-    }
-    return name;
-}
-
 bool isUnsupported(int errorNumber) { return errorNumber == EOPNOTSUPP || errorNumber == ENOSYS; }
 bool isForbidden(int errorNumber) { return errorNumber == EPERM || errorNumber == EACCES; }
 
@@ -71,6 +59,18 @@ bool flushFolder(FileDescriptor const& folder) {
 }
 
 } // namespace
+
+std::optional<std::string> unguessableName() {
+    std::array<unsigned char, 16> random;
+    if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) return std::nullopt;
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string name = ".";
+    for (unsigned char const byte : random) {
+        name.push_back(digits[byte >> 4]);
+        name.push_back(digits[byte & 0xF]);
+    }
+    return name;
+}
 
 NewFile::NewFile(FileDescriptor const& folder, unsigned mode) : m_folder(folder) {
     std::optional<std::string> const name = unguessableName();

@@ -2,10 +2,14 @@
 
 #include "platform/foundation/FileDescriptor.h"
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 
 namespace mac {
+
+// It begins with a dot. Nothing where the system has no chance to give.
+std::optional<std::string> unguessableName();
 
 // A file under a name that nobody guesses, which is to take the place of another one in its folder; removed again
 // unless it did. For implementations; one thread at a time. False where the system refuses; errno then says why.

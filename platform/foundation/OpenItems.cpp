@@ -33,7 +33,9 @@ std::string descriptorPath(FileDescriptor const& item) { return "/proc/self/fd/"
 
 std::optional<std::string> systemsPath(FileDescriptor const& item) {
     std::optional<std::string> path = textOfLink(AT_FDCWD, descriptorPath(item).c_str());
-    return path && path->starts_with('/') ? path : std::nullopt;
+    if (!path || path->starts_with('/')) return path;
+    errno = ENOENT;
+    return std::nullopt;
 }
 
 std::optional<std::string> linkText(FileDescriptor const& link) { return textOfLink(link.number(), ""); }
