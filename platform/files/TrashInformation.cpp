@@ -1,4 +1,6 @@
 #include "platform/files/TrashInformation.h"
+#include "platform/foundation/ASCII.h"
+#include "platform/foundation/PercentEscapes.h"
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -11,44 +13,10 @@ namespace {
 constexpr std::string_view Heading = "[Trash Info]";
 constexpr std::string_view DateForm = "0000-00-00T00:00:00";
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
-bool staysAsItIs(char character) {
-    bool const isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-    return isLetter || isDigit(character) || std::string_view("/-._~").find(character) != std::string_view::npos;
-}
-
-std::string percentEncoded(std::string_view bytes) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    for (char const character : bytes) {
-        if (staysAsItIs(character)) {
-            text.push_back(character);
-            continue;
-        }
-        auto const byte = static_cast<unsigned char>(character);
-        text.push_back('%');
-        text.push_back(digits[byte >> 4]);
-        text.push_back(digits[byte & 0xF]);
-    }
-    return text;
-}
-
-// Nothing for a percent sign that no two digits follow, and for a NUL.
+// Nothing for what is no text of that form, and for a NUL.
 std::optional<std::string> percentDecoded(std::string_view text) {
-    std::string bytes;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        unsigned byte = static_cast<unsigned char>(text[index]);
-        if (byte == '%') {
-            std::string_view const digits = text.substr(index + 1, 2);
-            char const* const end = digits.data() + digits.size();
-            auto const [stop, error] = std::from_chars(digits.data(), end, byte, 16);
-            if (error != std::errc() || stop != end || digits.size() != 2) return std::nullopt;
-            index += 2;
-        }
-        if (byte == 0) return std::nullopt;
-        bytes.push_back(static_cast<char>(byte));
-    }
+    std::optional<std::string> bytes = percentUnescaped(text);
+    if (bytes && bytes->find('\0') != std::string::npos) return std::nullopt;
     return bytes;
 }
 
@@ -62,8 +30,9 @@ std::string_view takeLine(std::string_view& text) {
 }
 
 bool isDate(std::string_view text) {
-    return std::ranges::equal(
-        text, DateForm, [](char character, char form) { return form == '0' ? isDigit(character) : character == form; });
+    return std::ranges::equal(text, DateForm, [](char character, char form) {
+        return form == '0' ? isASCIIDigit(character) : character == form;
+    });
 }
 
 // It ends in a name, and goes nowhere but down.
@@ -121,7 +90,7 @@ std::optional<TrashInformation> TrashInformation::read(std::string_view text) {
 
 std::string TrashInformation::text() const {
     std::string text(Heading);
-    text.append("\nPath=").append(percentEncoded(path)).append("\n");
+    text.append("\nPath=").append(percentEscaped(path)).append("\n");
     if (!date.empty()) text.append("DeletionDate=").append(date).append("\n");
     return text;
 }
@@ -143,7 +112,7 @@ std::string DirectorySize::text(std::vector<DirectorySize> const& sizes) {
     std::string text;
     for (DirectorySize const& size : sizes) {
         text.append(std::to_string(size.bytes)).append(" ").append(std::to_string(size.informationTime));
-        text.append(" ").append(percentEncoded(size.name)).append("\n");
+        text.append(" ").append(percentEscaped(size.name)).append("\n");
     }
     return text;
 }

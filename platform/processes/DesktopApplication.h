@@ -36,8 +36,7 @@ std::string programOf(DesktopApplication const& application);
 // takes only one file gets the first.
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths);
 
-// The path's bytes, those with a meaning in a URI as percent escapes; and the same behind "file://".
-std::string percentEscaped(std::string const& path);
+// "file://" and the path's bytes, those with a meaning in a URI as percent escapes.
 std::string fileURIOfPath(std::string const& path);
 
 // The parts of a variable's value between colons, without empty ones; those of the fallback where it is not set.

@@ -1,3 +1,4 @@
+#include "platform/foundation/PercentEscapes.h"
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
 #include "platform/processes/ProcessList.h"
@@ -92,24 +93,6 @@ std::vector<std::string> commandOf(DesktopApplication const& application, std::v
     // It does not say that it takes files; most do.
     if (!hasFiles) command.push_back(first);
     return command;
-}
-
-std::string percentEscaped(std::string const& path) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    constexpr std::string_view plain = "/-._~";
-    std::string escaped;
-    for (char const character : path) {
-        bool const isLetter = (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-        if (isLetter || (character >= '0' && character <= '9') || plain.find(character) != std::string_view::npos) {
-            escaped.push_back(character);
-            continue;
-        }
-        auto const byte = static_cast<unsigned char>(character);
-        escaped.push_back('%');
-        escaped.push_back(digits[byte >> 4]);
-        escaped.push_back(digits[byte & 0xF]);
-    }
-    return escaped;
 }
 
 std::string fileURIOfPath(std::string const& path) { return "file://" + percentEscaped(path); }

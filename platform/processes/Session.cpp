@@ -1,4 +1,5 @@
 #include "platform/processes/Session.h"
+#include "platform/foundation/PercentEscapes.h"
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/ProcessList.h"
 #include <cstdlib>
