@@ -4,6 +4,7 @@
 #include "platform/files/Volumes.h"
 #include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/LocalComputer.h"
 #include "platform/foundation/LongPath.h"
 #include <algorithm>
 #include <cerrno>
@@ -111,14 +112,9 @@ std::optional<TrashFolder> openOwnTrash(FileDescriptor const& top, std::string c
 
 // Where the local computer is narrowed, other volumes are not its own.
 bool isOfLocalComputer(std::string_view mountPoint) {
-    char const* const narrowed = std::getenv("FRAMEKEEPER_LOCAL_COMPUTER");
-    if (!narrowed || !*narrowed) return true;
-    for (std::string_view rest = narrowed; !rest.empty();) {
-        std::size_t const end = std::min(rest.find(':'), rest.size());
-        if (end > 0 && isAtOrBelow(mountPoint, rest.substr(0, end))) return true;
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return false;
+    std::vector<std::string> const folders = localComputerFolders();
+    return folders.empty() ||
+           std::ranges::any_of(folders, [&](std::string const& folder) { return isAtOrBelow(mountPoint, folder); });
 }
 
 TrashFailure noTrash() {

@@ -1,8 +1,7 @@
 #include "platform/spotlight/SearchPlan.h"
+#include "platform/foundation/LocalComputer.h"
 #include "platform/foundation/PredicateTree.h"
 #include "platform/spotlight/NSMetadataQuery.h"
-#include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 namespace mac {
@@ -75,18 +74,6 @@ Names namesOfTree(PredicateNode const& node) {
     }
 }
 
-// The folders that stand for the local computer; none for all of it.
-std::vector<std::string> localComputer() {
-    char const* const narrowed = std::getenv("FRAMEKEEPER_LOCAL_COMPUTER");
-    std::vector<std::string> folders;
-    for (std::string_view rest = narrowed ? narrowed : ""; !rest.empty();) {
-        std::size_t const end = std::min(rest.find(':'), rest.size());
-        if (end > 0) folders.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return folders;
-}
-
 } // namespace
 
 std::optional<VolumeWalkRequest> planSearch(NSPredicate const& predicate, NSArray const& scopes) {
@@ -97,7 +84,7 @@ std::optional<VolumeWalkRequest> planSearch(NSPredicate const& predicate, NSArra
         NSString const text = as<NSString>(scope);
         std::optional<std::string> const path = text.fileSystemRepresentation();
         if (text.isEqualToString_(NSMetadataQueryLocalComputerScope)) {
-            request.roots = localComputer();
+            request.roots = localComputerFolders();
             return request;
         }
         if (path && text.isAbsolutePath()) request.roots.push_back(*path);
