@@ -9,11 +9,6 @@ namespace mac {
 
 namespace {
 
-unichar swapped(unichar unit) {
-    if (unit == u':') return u'/';
-    return unit == u'/' ? u':' : unit;
-}
-
 std::span<unichar const> unitsOf(HFSUniStr255 const& name) {
     return std::span(name.unicode).first(std::min<std::size_t>(name.length, name.unicode.size()));
 }
@@ -33,14 +28,14 @@ void clear(FSRef* ref) {
 NSString KRCStringBySwappingColonsAndSlashes(NSString receiver) {
     if (receiver == nil) return nil;
     std::u16string units(receiver.codeUnits());
-    std::ranges::transform(units, units.begin(), swapped);
+    std::ranges::transform(units, units.begin(), slashAndColonExchanged);
     return NSString::stringWithCodeUnits(units);
 }
 
 void KRCHFSUniStr255SwapColonsAndSlashes_(HFSUniStr255* name) {
     std::size_t const length = unitsOf(*name).size();
     for (std::size_t index = 0; index < length; ++index)
-        name->unicode[index] = swapped(name->unicode[index]);
+        name->unicode[index] = slashAndColonExchanged(name->unicode[index]);
 }
 
 void KRCStringGetHFSUniStr255_(NSString receiver, HFSUniStr255* name) {

@@ -39,10 +39,7 @@ HFSUniStr255 nameOf(OpenItem const& item) {
     std::u16string_view const units = name.codeUnits();
     if (units.size() > result.unicode.size()) return result;
     result.length = static_cast<std::uint16_t>(units.size());
-    std::ranges::transform(units, result.unicode.begin(), [](unichar unit) {
-        if (unit == u':') return u'/';
-        return unit == u'/' ? u':' : unit;
-    });
+    std::ranges::transform(units, result.unicode.begin(), slashAndColonExchanged);
     return result;
 }
 

@@ -1,4 +1,5 @@
 #include "platform/files/HFSPaths.h"
+#include "platform/files/HFSUniStr255.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/TextFolding.h"
 #include <algorithm>
@@ -7,14 +8,9 @@ namespace mac {
 
 namespace {
 
-char16_t exchanged(char16_t unit) {
-    if (unit == u'/') return u':';
-    return unit == u':' ? u'/' : unit;
-}
-
 std::u16string exchanged(std::u16string_view text) {
     std::u16string result(text);
-    std::ranges::transform(result, result.begin(), [](char16_t unit) { return exchanged(unit); });
+    std::ranges::transform(result, result.begin(), slashAndColonExchanged);
     return result;
 }
 

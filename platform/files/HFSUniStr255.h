@@ -14,4 +14,10 @@ struct HFSUniStr255 {
 
 static_assert(sizeof(HFSUniStr255) == 512);
 
+// What is a slash in such a name or in an HFS path is a colon in the path of a file, and the other way round.
+constexpr unichar slashAndColonExchanged(unichar unit) {
+    if (unit == u'/') return u':';
+    return unit == u':' ? u'/' : unit;
+}
+
 } // namespace mac
