@@ -19,13 +19,6 @@ constexpr std::size_t LargestFile = std::size_t{256} << 20;
 constexpr timespec BetweenTries{0, 5'000'000};
 constexpr unsigned MostTries = 2'000;
 
-// A name can be given to another item.
-bool isInPlace(OpenItem const& item) {
-    std::optional<IdentifiedItem> const expected = identify(item.item);
-    std::optional<IdentifiedItem> const found = identify(item.folder, item.name);
-    return expected && found && expected->identity == found->identity;
-}
-
 std::mutex& threadLock() {
     static std::mutex lock;
     return lock;
@@ -92,7 +85,7 @@ bool AppleDoubleFile::save() const {
         errno = m_error;
         return false;
     }
-    if (!isInPlace(m_item)) {
+    if (!isItemInFolder(m_item.folder, m_item.name, m_item.item)) {
         errno = ESTALE;
         return false;
     }

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace mac {
@@ -17,10 +16,7 @@ std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
     struct statx status {};
     if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, wanted, &status) != 0) return std::nullopt;
     ItemPlace place;
-    place.identity.device = makedev(status.stx_dev_major, status.stx_dev_minor);
-    place.identity.inode = status.stx_ino;
-    if ((status.stx_mask & STATX_BTIME) != 0)
-        place.identity.birth = std::int64_t{status.stx_btime.tv_sec} * 1000000000 + status.stx_btime.tv_nsec;
+    place.identity = identityOf(status);
     // Before Linux 5.8 the device has to do.
     place.mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : place.identity.device;
     place.owner = status.stx_uid;

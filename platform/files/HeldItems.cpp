@@ -9,16 +9,11 @@ namespace {
 
 constexpr int FolderFlags = O_PATH | O_DIRECTORY;
 
-bool isThere(FileDescriptor const& folder, std::string const& name, ItemIdentity const& identity) {
-    std::optional<IdentifiedItem> const found = identify(folder, name);
-    return found && found->identity == identity;
-}
-
 // Whether the item is what the path names, without following a link at its end.
 bool isAtPath(std::string const& path, ItemIdentity const& identity) {
     SplitPath const parts = splitPath(path);
     FileDescriptor const folder = openPath(parts.folder.empty() ? "." : parts.folder, FolderFlags);
-    return folder.isOpen() && isThere(folder, parts.name.empty() ? "." : parts.name, identity);
+    return folder.isOpen() && isItemInFolder(folder, parts.name.empty() ? "." : parts.name, identity);
 }
 
 // Under another name in the folder that the path names.
@@ -30,7 +25,8 @@ std::optional<std::string> findInFolder(std::string const& path, ItemIdentity co
     std::optional<std::vector<FolderEntry>> const entries = entriesOf(std::move(readable));
     if (!entries) return std::nullopt;
     for (FolderEntry const& entry : *entries) {
-        if (entry.inode == identity.inode && isThere(folder, entry.name, identity)) return folderPath + entry.name;
+        if (entry.inode == identity.inode && isItemInFolder(folder, entry.name, identity))
+            return folderPath + entry.name;
     }
     return std::nullopt;
 }

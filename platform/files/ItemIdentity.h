@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+struct statx;
+
 namespace mac {
 
 class FileDescriptor;
@@ -21,6 +23,9 @@ struct ItemIdentity {
     bool operator==(ItemIdentity const&) const = default;
 };
 
+// What was asked of the system with the item's device, number and birth.
+ItemIdentity identityOf(struct statx const& status);
+
 struct ItemIdentityHash {
     std::size_t operator()(ItemIdentity const& identity) const;
 };
@@ -34,5 +39,10 @@ struct IdentifiedItem {
 std::optional<IdentifiedItem> identify(FileDescriptor const& item);
 // In an open folder; a link is meant itself.
 std::optional<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
+
+// Whether what has the name in the open folder is that very item, for a name can be given to another one: then errno is
+// ESTALE.
+bool isItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item);
+bool isItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item);
 
 } // namespace mac

@@ -330,12 +330,6 @@ Moved moveWithCompanion(OpenItem const& item, FileDescriptor const& folder, std:
     return back == Moved::Yes ? Moved::No : Moved::ButAnother;
 }
 
-bool isThere(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
-    std::optional<ItemPlace> const found = placeOf(folder, name);
-    std::optional<ItemPlace> const place = placeOf(item.item);
-    return found && place && found->identity == place->identity;
-}
-
 } // namespace
 
 bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
@@ -346,7 +340,7 @@ bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string co
 
 ItemMove moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
                   TransferGoesOn const& goesOn) {
-    if (clash == NameClash::IsReplaced && isThere(item, folder, name)) return ItemMove::Done;
+    if (clash == NameClash::IsReplaced && isItemInFolder(folder, name, item.item)) return ItemMove::Done;
     Moved moved = Moved::No;
     bool const isMoved = placeOver(item, folder, name, clash, [&] {
         moved = moveWithCompanion(item, folder, name);

@@ -17,14 +17,6 @@ namespace mac {
 
 namespace {
 
-bool isItem(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
-    std::optional<ItemPlace> const found = placeOf(folder, name);
-    std::optional<ItemPlace> const expected = found ? placeOf(item) : std::nullopt;
-    if (!expected) return false;
-    errno = ESTALE;
-    return found->identity == expected->identity;
-}
-
 bool isAppleDouble(FileDescriptor const& item) {
     struct stat status {};
     // To open what is no file can wait for ever, or do things.
@@ -39,11 +31,11 @@ bool isAppleDouble(FileDescriptor const& item) {
 
 Moved moveItem(FileDescriptor const& item, FileDescriptor const& fromFolder, std::string const& from,
                FileDescriptor const& toFolder, std::string const& to) {
-    if (!isItem(fromFolder, from, item)) return Moved::No;
+    if (!isItemInFolder(fromFolder, from, item)) return Moved::No;
     tellTrashStep(TrashStep::Checked);
     if (!renameWithoutReplacing(fromFolder.number(), from, toFolder.number(), to)) return Moved::No;
     tellTrashStep(TrashStep::Renamed);
-    if (isItem(toFolder, to, item)) return Moved::Yes;
+    if (isItemInFolder(toFolder, to, item)) return Moved::Yes;
     bool const isBack = renameWithoutReplacing(toFolder.number(), to, fromFolder.number(), from);
     errno = ESTALE;
     return isBack ? Moved::No : Moved::ButAnother;
@@ -55,7 +47,8 @@ TrashReservation::TrashReservation(TrashFolder const& trash, std::string const& 
 TrashReservation::~TrashReservation() {
     if (!m_file.isOpen() || m_isKept) return;
     int const reason = errno;
-    if (isItem(m_trash.information, m_name, m_file)) ::unlinkat(m_trash.information.number(), m_name.c_str(), 0);
+    if (isItemInFolder(m_trash.information, m_name, m_file))
+        ::unlinkat(m_trash.information.number(), m_name.c_str(), 0);
     errno = reason;
 }
 
