@@ -99,7 +99,7 @@ std::u16string folderOf(Code code) {
         std::optional<std::string> const set = desktopFolder(row->variable);
         if (set) return unitsFromFileSystemBytes(*set) + std::u16string(row->within);
     }
-    std::u16string const home = environmentValue("HOME");
+    std::u16string const home(NSHomeDirectory().codeUnits());
     return row->inHome.empty() ? home : home + u"/" + std::u16string(row->inHome) + std::u16string(row->within);
 }
 
@@ -171,8 +171,8 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
         {key(codeOf("sisn")), Value::text(std::u16string(nameOfUser(::getuid()).codeUnits()))},
         {key(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
         {key(codeOf("sicn")), Value::text(name)},
-        {key(codeOf("sihd")),
-         makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile, environmentValue("HOME"))},
+        {key(codeOf("sihd")), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,
+                                                     std::u16string(NSHomeDirectory().codeUnits()))},
     });
 }
 

@@ -9,6 +9,7 @@
 #include <array>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -220,6 +221,22 @@ TEST(Finder, TellsTheKindOfAnItemByWhatItHolds) {
     EXPECT_EQ(textResult(ofItem("kind", home.folder().makeFile("a.plist", ""))), "Property list");
     EXPECT_EQ(textResult(ofItem("kind", home.folder().makeFile("a.Qqq", "\1\2"))), "qqq document");
     EXPECT_EQ(textResult("tell application \"Finder\" to kind of startup disk"), "Volume");
+}
+
+TEST(Finder, FindsTheDesktopWhereTheUsersListSays) {
+    ScriptHome const home;
+    home.setDesktopFolders("XDG_DESKTOP_DIR=\"$HOME/Empty\"\n");
+    home.folder().makeFile("Empty/here.txt", "");
+    EXPECT_EQ(textResult("tell application \"Finder\" to name of item 1 of desktop"), "here.txt");
+    EXPECT_EQ(textResult("POSIX path of (path to desktop)"), home.path("Empty/"));
+}
+
+TEST(Finder, FindsTheHomeOfTheUserWhereNoVariableSays) {
+    ScriptHome const home;
+    mac::test::EnvironmentVariable const none("HOME", "");
+    EXPECT_EQ(textResult("tell application \"Finder\" to POSIX path of (home as alias)"),
+              textResult("POSIX path of (path to home folder)"));
+    EXPECT_EQ(textResult("POSIX path of (path to home folder)"), std::string(::getpwuid(::getuid())->pw_dir) + "/");
 }
 
 TEST(Finder, SaysWhichApplicationComplains) {

@@ -21,6 +21,8 @@ public:
     std::string const& path() const { return m_folder.path(); }
     std::string path(std::string_view relative) const { return m_folder.path(relative); }
     mac::test::TemporaryFolder const& folder() const { return m_folder; }
+    // The user's list of the desktop's folders: XDG_DESKTOP_DIR="$HOME/Schreibtisch".
+    void setDesktopFolders(std::string const& list) const { m_folder.makeFile(".config/user-dirs.dirs", list); }
 
 private:
     mac::test::TemporaryFolder m_folder{};
@@ -32,6 +34,7 @@ private:
     // No program of this computer.
     mac::test::EnvironmentVariable m_otherData{"XDG_DATA_DIRS", m_folder.path("none")};
     mac::test::EnvironmentVariable m_programs{"PATH", m_folder.path("bin")};
+    // What folders of the desktop there are, only this home's own list says.
     mac::test::EnvironmentVariable m_desktop{"XDG_DESKTOP_DIR", ""};
 };
 

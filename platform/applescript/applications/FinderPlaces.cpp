@@ -5,21 +5,13 @@
 #include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/ASCII.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSString.h"
 #include "platform/launchservices/DiskItem.h"
 #include <algorithm>
-#include <cstdlib>
 
 namespace mac::applescript {
-
-namespace {
-
-std::string environment(char const* name) {
-    char const* const value = std::getenv(name);
-    return value ? value : "";
-}
-
-} // namespace
 
 std::u16string shownName(std::string_view name) {
     std::u16string shown = unitsFromFileSystemBytes(name);
@@ -35,16 +27,10 @@ std::optional<std::string> nameOnDisk(std::u16string_view shown) {
     return name;
 }
 
-std::string homePath() {
-    std::string const home = environment("HOME");
-    return home.starts_with('/') ? home : "/";
-}
+std::string homePath() { return NSHomeDirectory().fileSystemRepresentation().value_or("/"); }
 
 // Linux: the desktop's folder as the user's settings name it.
-std::string desktopPath() {
-    std::string const set = environment("XDG_DESKTOP_DIR");
-    return set.starts_with('/') ? set : joined(homePath(), "Desktop");
-}
+std::string desktopPath() { return desktopFolder("XDG_DESKTOP_DIR").value_or(joined(homePath(), "Desktop")); }
 
 Code classOfFolderNamed(std::string_view name) {
     std::size_t const dot = name.rfind('.');
