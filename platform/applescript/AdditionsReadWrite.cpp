@@ -5,6 +5,7 @@
 #include "platform/applescript/TextElements.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -89,10 +90,22 @@ std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end,
     return bytes;
 }
 
+bool isWide(Code type) { return type == codeOf("utxt") || type == codeOf("ut16"); }
+
+// As the byte order mark at the file's beginning says, else as this computer writes it. The text begins with a mark at
+// the beginning alone.
+NSStringEncoding wideEncodingAt(std::int64_t place, File const& file) {
+    if (place == 0) return NSUnicodeStringEncoding;
+    std::string const mark = bytesBetween(file, 0, 2, 2);
+    if (mark == "\xFE\xFF") return NSUTF16BigEndianStringEncoding;
+    bool const isLittle = mark == "\xFF\xFE" || std::endian::native == std::endian::little;
+    return isLittle ? NSUTF16LittleEndianStringEncoding : NSUTF16BigEndianStringEncoding;
+}
+
 // Linux: text without a class is UTF-8 where it is that, for that is what files here hold; else Mac OS Roman.
-std::u16string textOf(std::string const& bytes, Code type) {
-    if (type == codeOf("utxt") || type == codeOf("ut16")) {
-        std::optional<std::u16string> const wide = unitsFromBytes(bytes, NSUnicodeStringEncoding);
+std::u16string textOf(std::string const& bytes, Code type, NSStringEncoding wideEncoding) {
+    if (isWide(type)) {
+        std::optional<std::u16string> const wide = unitsFromBytes(bytes, wideEncoding);
         if (!wide) throw plainError(errors::Parameter);
         return *wide;
     }
@@ -111,12 +124,30 @@ Value splitText(std::u16string const& text, Value const& delimiters, TextContext
     return Value::list(std::move(items));
 }
 
-std::string bytesOfValue(Value const& value, Value const* type, TextContext const& context) {
+// The first character of the text, as the bytes hold it.
+std::string markIn(std::string const& bytes, std::u16string const& text, Code type, NSStringEncoding wideEncoding) {
+    bool const isPair = text.size() > 1 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
+    std::u16string const first = text.substr(0, isPair ? 2 : 1);
+    if (isWide(type)) return bytesFromUnits(first, wideEncoding).value_or(std::string());
+    if (unitsFromUTF8(bytes)) return utf8FromUnits(first);
+    return bytesFromUnits(first, NSMacOSRomanStringEncoding).value_or(std::string());
+}
+
+// Of a wide encoding whole units are compared.
+std::size_t placeOfMark(std::string const& bytes, std::string const& mark, Code type) {
+    if (mark.empty()) return std::string::npos;
+    std::size_t found = bytes.find(mark);
+    while (isWide(type) && found != std::string::npos && found % 2 != 0)
+        found = bytes.find(mark, found + 1);
+    return found;
+}
+
+std::string bytesOfValue(Value const& value, Value const* type, NSStringEncoding wideEncoding,
+                         TextContext const& context) {
     if (value.is(ValueKind::Data)) return value.data().bytes;
     std::u16string const text = requireText(value, context);
-    bool const isWide = type && type->is(ValueKind::Type) && type->asCode() == codeOf("utxt");
-    if (!isWide) return utf8FromUnits(text);
-    return bytesFromUnits(text, NSUnicodeStringEncoding).value_or(std::string());
+    if (!type || !type->is(ValueKind::Type) || !isWide(type->asCode())) return utf8FromUnits(text);
+    return bytesFromUnits(text, wideEncoding).value_or(std::string());
 }
 
 void writeAll(File const& file, std::string_view bytes, std::int64_t place) {
@@ -175,18 +206,22 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
     end = std::min(end, size);
     if (start >= size && (size > 0 || from)) throw plainError(errors::EndOfFile);
     std::string bytes = bytesBetween(*file, start, end, context.mostUnits);
+    Value const* const type = arguments.find(codeOf("as  "));
+    Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
+    NSStringEncoding const wideEncoding = wideEncodingAt(start, *file);
     Value const* const before = arguments.find(codeOf("rdbf"));
     Value const* const until = arguments.find(codeOf("rdut"));
     if (before || until) {
-        std::string const mark = utf8FromUnits(requireText(before ? *before : *until, context));
-        std::size_t const found = bytes.find(mark.substr(0, 1));
-        if (found != std::string::npos) bytes.resize(before ? found : found + 1);
+        std::u16string const text = requireText(before ? *before : *until, context);
+        // A mark of the order is none of the text.
+        NSStringEncoding const encoding = wideEncodingAt(1, *file);
+        std::string const mark = markIn(bytes, text, code, encoding);
+        std::size_t const found = placeOfMark(bytes, mark, code);
+        if (found != std::string::npos) bytes.resize(before ? found : found + mark.size());
     }
     file->place = start + static_cast<std::int64_t>(bytes.size());
-    Value const* const type = arguments.find(codeOf("as  "));
-    Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
     if (code == codeOf("rdat")) return makeObject<DataObject>(ValueKind::Data, codeOf("rdat"), bytes);
-    std::u16string const text = textOf(bytes, code);
+    std::u16string const text = textOf(bytes, code, wideEncoding);
     if (Value const* const delimiters = arguments.find(codeOf("deli"))) return splitText(text, *delimiters, context);
     bool const isText = code == codeOf("ctxt") || code == codeOf("TEXT") || code == codeOf("utxt") ||
                         code == codeOf("utf8") || code == codeOf("ut16");
@@ -199,9 +234,6 @@ Value write(Evaluator& evaluator, CommandArguments const& arguments) {
     if (!target) throw missingParameter(u"to", u"write");
     FileInUse const file(evaluator, *target, O_RDWR | O_CREAT);
     if (!file->maySave) throw plainError(errors::NotOpenForWriting);
-    std::string bytes = bytesOfValue(resolved(arguments.direct, context), arguments.find(codeOf("as  ")), context);
-    if (Value const* const count = arguments.find(codeOf("nmwr")))
-        bytes.resize(std::min(bytes.size(), static_cast<std::size_t>(std::max(requireInteger(*count, context), 0))));
     std::int64_t place = file->place;
     if (Value const* const start = arguments.find(codeOf("wrat"))) {
         std::int64_t const end = endOf(*file);
@@ -212,6 +244,10 @@ Value write(Evaluator& evaluator, CommandArguments const& arguments) {
             place = number < 0 ? end + number + 1 : std::max<std::int64_t>(number - 1, 0);
         }
     }
+    std::string bytes = bytesOfValue(resolved(arguments.direct, context), arguments.find(codeOf("as  ")),
+                                     wideEncodingAt(place, *file), context);
+    if (Value const* const count = arguments.find(codeOf("nmwr")))
+        bytes.resize(std::min(bytes.size(), static_cast<std::size_t>(std::max(requireInteger(*count, context), 0))));
     writeAll(*file, bytes, place);
     file->place = place + static_cast<std::int64_t>(bytes.size());
     return {};
