@@ -3,6 +3,7 @@
 #include "platform/applescript/Operators.h"
 #include "platform/applescript/ScriptError.h"
 #include <cmath>
+#include <unordered_map>
 
 namespace mac::applescript {
 
@@ -112,7 +113,7 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
 Value deepCopy(Value const& value) {
     struct Copying {
         // Each object of the original has one copy, so that circles and sharing stay.
-        std::vector<std::pair<HeapObject const*, Value>> made;
+        std::unordered_map<HeapObject const*, Value> made;
 
         Value copy(Value const& original, int depth) {
             constexpr int deepest = 500;
@@ -120,27 +121,25 @@ Value deepCopy(Value const& value) {
             bool const isShared =
                 original.is(ValueKind::List) || original.is(ValueKind::Record) || original.is(ValueKind::Date);
             if (!isShared) return original;
-            if (original.is(ValueKind::Date)) return Value::date(original.seconds());
-            for (auto const& [object, known] : made)
-                if (object == original.object()) return known;
-            Value const copied = original.is(ValueKind::List) ? Value::list() : Value::record();
-            remember(original, copied);
+            if (auto const known = made.find(original.object()); known != made.end()) return known->second;
+            Value const copied = emptyCopy(original);
+            made.emplace(original.object(), copied);
+            if (original.is(ValueKind::Date)) return copied;
             if (original.is(ValueKind::List)) {
                 copied.items().reserve(original.items().size());
                 for (Value const& item : original.items())
                     copied.items().push_back(copy(item, depth + 1));
-                forget();
                 return copied;
             }
             for (auto const& [key, field] : original.fields())
                 copied.fields().emplace_back(key, copy(field, depth + 1));
-            forget();
             return copied;
         }
 
-        // Only what is being copied further out can close a circle.
-        void remember(Value const& original, Value const& copied) { made.emplace_back(original.object(), copied); }
-        void forget() { made.pop_back(); }
+        static Value emptyCopy(Value const& original) {
+            if (original.is(ValueKind::Date)) return Value::date(original.seconds());
+            return original.is(ValueKind::List) ? Value::list() : Value::record();
+        }
     };
     return Copying{}.copy(value, 0);
 }
