@@ -73,6 +73,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     if (!outcome) return errAETimeout;
     if (outcome->hasNoEndpoint && isQuit(event) && askToQuit(process)) {
         if (mode == kAEWaitReply) reply = makeReply(event);
+        if (mode == kAEQueueReply) enqueueAnswer(makeReply(event));
         return noErr;
     }
     reply = std::move(outcome->reply);

@@ -123,6 +123,26 @@ TEST_F(EventTransport, AsksAProcessThatAnswersNoEventsToQuitByASignal) {
     EXPECT_EQ(child.wait(), -SIGTERM);
 }
 
+TEST_F(EventTransport, QueuesTheAnswerOfAProcessThatASignalAsksToQuit) {
+    ChildProcess child({"/bin/cat"});
+    std::vector<AEEventID> answers;
+    InstalledHandler const handler(
+        kCoreEventClass, kAEAnswer,
+        [](AppleEvent const* event, AppleEvent*, void* refcon) {
+            static_cast<std::vector<AEEventID>*>(refcon)->push_back(
+                NSAppleEventDescriptor::descriptorWithAEDesc(*event).eventID());
+            return OSErr{noErr};
+        },
+        &answers);
+    NSAppleEventDescriptor const quit =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            kCoreEventClass, kAEQuitApplication, address(child), kAutoGenerateReturnID, kAnyTransactionID);
+    EXPECT_EQ(AESendMessage(quit.aeDesc(), nullptr, kAEQueueReply, kAEDefaultTimeout), noErr);
+    EXPECT_EQ(child.wait(), -SIGTERM);
+    ASSERT_TRUE(runUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, std::vector<AEEventID>{kAEAnswer});
+}
+
 TEST_F(EventTransport, EndsAWaitWhenTheTimeIsOver) {
     auto const peer = startPeer();
     EXPECT_EQ(send(testEvent(Hang, address(*peer)), 6), errAETimeout);
