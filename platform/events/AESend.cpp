@@ -67,7 +67,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
             enqueueAnswer(outcome.status == noErr ? outcome.reply : failedReply(event, outcome.status));
         };
     }
-    sendToProcess(process, flat.takeValue(), mode != kAENoReply, pending);
+    sendToProcess(process, flat.takeValue(), mode != kAENoReply, wait.deadline, pending);
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;

@@ -15,8 +15,8 @@ namespace mac {
 void openEventEndpoint();
 
 // Sends a flat event; the pending reply is told when it is under way and, where one is wanted, when the reply has come.
-// The main thread makes the event loop for it; another one fails without.
+// Nothing is sent when the deadline has passed. The main thread makes the event loop for it; another one fails without.
 void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
-                   std::shared_ptr<PendingReply> const& pending);
+                   EventDeadline const& deadline, std::shared_ptr<PendingReply> const& pending);
 
 } // namespace mac

@@ -13,6 +13,7 @@
 #include <QDeadlineTimer>
 #include <QMetaType>
 #include <QThread>
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <cstdlib>
@@ -64,6 +65,15 @@ SendingOutcome outcomeOfAnswer(QDBusMessage const& answer) {
     return {.status = status, .reply = status == noErr ? reply.takeValue() : AppleEvent{}};
 }
 
+bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::steady_clock::now() >= *deadline; }
+
+// For as long as the sender waits.
+BusPatience patienceUntil(EventDeadline const& deadline) {
+    if (!deadline) return LongestBusPatience;
+    auto const left = std::chrono::ceil<BusPatience>(*deadline - std::chrono::steady_clock::now());
+    return std::clamp(left, BusPatience(1), LongestBusPatience);
+}
+
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
 class Endpoint : public QDBusVirtualObject {
 public:
@@ -83,20 +93,23 @@ public:
         m_connection.reset();
     }
 
-    void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply,
+    void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply, EventDeadline const& deadline,
               std::shared_ptr<PendingReply> const& pending) {
+        if (isOver(deadline)) return fulfil(*pending, {.status = errAETimeout});
         open();
         if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid));
+        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), patienceUntil(deadline));
         if (owner.number.isEmpty() && !m_connection->isConnected()) {
             // The bus died unnoticed; there may be another one by now.
             open();
             if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-            owner = busNameOwner(*m_connection, endpointName(process.pid));
+            owner = busNameOwner(*m_connection, endpointName(process.pid), patienceUntil(deadline));
         }
         OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
         if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
-        if (!belongsTo(owner.number, process)) return fulfil(*pending, {.status = procNotFound});
+        if (!belongsTo(owner.number, process, deadline)) return fulfil(*pending, {.status = procNotFound});
+        // The sender has given up: what came now would come as a surprise.
+        if (isOver(deadline)) return fulfil(*pending, {.status = errAETimeout});
         // To the very connection that was looked at: the name may pass to another one.
         QDBusMessage message = QDBusMessage::createMethodCall(owner.number, Path, Interface, "Send");
         message.setArguments({event});
@@ -177,8 +190,8 @@ private:
 
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
-    bool belongsTo(QString const& number, ProcessIdentity const& process) const {
-        std::optional<BusPeer> const peer = busPeer(*m_connection, number);
+    bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) const {
+        std::optional<BusPeer> const peer = busPeer(*m_connection, number, patienceUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 
@@ -268,11 +281,11 @@ void openEventEndpoint() {
 }
 
 void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
-                   std::shared_ptr<PendingReply> const& pending) {
+                   EventDeadline const& deadline, std::shared_ptr<PendingReply> const& pending) {
     if (::gettid() == ::getpid()) requireEventLoop();
     if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
-    Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, pending](Endpoint& endpoint) {
-        endpoint.send(process, event, wantsReply, pending);
+    Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, deadline, pending](Endpoint& endpoint) {
+        endpoint.send(process, event, wantsReply, deadline, pending);
     });
 }
 

@@ -7,12 +7,12 @@ namespace mac {
 
 namespace {
 
-QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVariantList const& arguments) {
-    constexpr int milliseconds = 25000;
+QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVariantList const& arguments,
+                    BusPatience patience = LongestBusPatience) {
     QDBusMessage message =
         QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
     message.setArguments(arguments);
-    return connection.call(message, QDBus::Block, milliseconds);
+    return connection.call(message, QDBus::Block, static_cast<int>(patience.count()));
 }
 
 } // namespace
@@ -30,16 +30,16 @@ std::optional<QDBusConnection> connectToSessionBus() {
     return connection.isConnected() ? std::optional(connection) : std::nullopt;
 }
 
-std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name) {
-    QDBusMessage const answer = askBus(connection, "GetConnectionCredentials", {name});
+std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name, BusPatience patience) {
+    QDBusMessage const answer = askBus(connection, "GetConnectionCredentials", {name}, patience);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return std::nullopt;
     QVariantMap const credentials = qdbus_cast<QVariantMap>(answer.arguments().first());
     if (!credentials.contains("UnixUserID") || !credentials.contains("ProcessID")) return std::nullopt;
     return BusPeer{credentials["UnixUserID"].toUInt(), static_cast<std::int32_t>(credentials["ProcessID"].toUInt())};
 }
 
-BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name) {
-    QDBusMessage const answer = askBus(connection, "GetNameOwner", {name});
+BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name, BusPatience patience) {
+    QDBusMessage const answer = askBus(connection, "GetNameOwner", {name}, patience);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return {{}, answer.errorName()};
     return {answer.arguments().first().toString(), {}};
 }

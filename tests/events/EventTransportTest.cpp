@@ -143,6 +143,16 @@ TEST_F(EventTransport, QueuesTheAnswerOfAProcessThatASignalAsksToQuit) {
     EXPECT_EQ(answers, std::vector<AEEventID>{kAEAnswer});
 }
 
+TEST_F(EventTransport, SendsNothingAnymoreWhenTheTimeIsOver) {
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    m_bus->sendSignal(SIGSTOP);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), text("late")), 6), errAETimeout);
+    m_bus->sendSignal(SIGCONT);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), text("now"))), noErr);
+    EXPECT_EQ(peer->readLine(), "now");
+}
+
 TEST_F(EventTransport, EndsAWaitWhenTheTimeIsOver) {
     auto const peer = startPeer();
     EXPECT_EQ(send(testEvent(Hang, address(*peer)), 6), errAETimeout);
