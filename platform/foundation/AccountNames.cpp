@@ -1,29 +1,11 @@
 #include "platform/foundation/AccountNames.h"
-#include <cerrno>
+#include "platform/foundation/AccountRecord.h"
 #include <grp.h>
 #include <pwd.h>
-#include <vector>
 
 namespace mac {
 
 namespace {
-
-// The look-up is one of the reentrant calls, which wants a larger buffer until
-// it has enough; the answer is what the function makes of the record.
-template <class Record, class LookUp, class Answer>
-auto answerOf(LookUp const& lookUp, Answer const& answer) -> decltype(answer(Record())) {
-    constexpr std::size_t largestBuffer = 1U << 22;
-    for (std::size_t size = 1024; size <= largestBuffer; size *= 2) {
-        std::vector<char> buffer(size);
-        Record record{};
-        Record* found = nullptr;
-        int const status = lookUp(&record, buffer.data(), buffer.size(), &found);
-        if (status == ERANGE || status == EINTR) continue;
-        if (!found) break;
-        return answer(*found);
-    }
-    return {};
-}
 
 NSString text(char const* bytes) { return NSString::stringWithFileSystemRepresentation_(bytes ? bytes : ""); }
 

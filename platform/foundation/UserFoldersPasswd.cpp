@@ -1,10 +1,9 @@
+#include "platform/foundation/AccountRecord.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/UserFolders.h"
-#include <cerrno>
 #include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
-#include <vector>
 
 namespace mac {
 
@@ -15,26 +14,12 @@ struct UserRecord {
     std::string home;
 };
 
-// The look-up is one of the reentrant calls, which wants a larger buffer until it has enough.
-template <class LookUp>
-std::optional<UserRecord> userRecord(LookUp const& lookUp) {
-    constexpr std::size_t largestBuffer = 1U << 20;
-    for (std::size_t size = 1024; size <= largestBuffer; size *= 2) {
-        std::vector<char> buffer(size);
-        passwd entry{};
-        passwd* found = nullptr;
-        int const status = lookUp(&entry, buffer.data(), buffer.size(), &found);
-        if (status == ERANGE || status == EINTR) continue;
-        if (!found) return std::nullopt;
-        return UserRecord{found->pw_name ? found->pw_name : "", found->pw_dir ? found->pw_dir : ""};
-    }
-    return std::nullopt;
+std::optional<UserRecord> copied(passwd const& record) {
+    return UserRecord{record.pw_name ? record.pw_name : "", record.pw_dir ? record.pw_dir : ""};
 }
 
 std::optional<UserRecord> ownRecord() {
-    return userRecord([](passwd* entry, char* buffer, std::size_t size, passwd** found) {
-        return ::getpwuid_r(::geteuid(), entry, buffer, size, found);
-    });
+    return answerOf<passwd>([](auto... arguments) { return ::getpwuid_r(::geteuid(), arguments...); }, &copied);
 }
 
 bool isAbsolute(std::string_view path) { return path.starts_with('/'); }
@@ -56,9 +41,7 @@ std::string ownHome() {
 
 std::optional<std::string> homeFolderOfUser(std::string const& name) {
     std::optional<UserRecord> const record =
-        userRecord([&](passwd* entry, char* buffer, std::size_t size, passwd** found) {
-            return ::getpwnam_r(name.c_str(), entry, buffer, size, found);
-        });
+        answerOf<passwd>([&](auto... arguments) { return ::getpwnam_r(name.c_str(), arguments...); }, &copied);
     if (!record || !isAbsolute(record->home)) return std::nullopt;
     return withoutTrailingSlashes(record->home);
 }
