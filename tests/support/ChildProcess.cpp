@@ -1,9 +1,9 @@
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Spawn.h"
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
@@ -27,24 +27,11 @@ std::array<int, 2> makePipe() {
 ChildProcess::ChildProcess(std::vector<std::string> arguments) {
     std::array<int, 2> const input = makePipe();
     std::array<int, 2> const output = makePipe();
-    std::vector<char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    pid_t pid = -1;
-    int const error = ::posix_spawn(&pid, pointers[0], &actions, nullptr, pointers.data(), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
+    m_pid = spawn(std::move(arguments), input[0], output[1]);
     ::close(input[0]);
     ::close(output[1]);
     m_input = input[1];
     m_output = output[0];
-    m_pid = pid;
-    if (error != 0) fail(error, arguments[0]);
 }
 
 ChildProcess::~ChildProcess() {
