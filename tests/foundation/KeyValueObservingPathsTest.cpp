@@ -7,14 +7,6 @@
 
 namespace mac::test {
 
-namespace {
-
-constexpr NSUInteger New = NSKeyValueObservingOptionNew;
-constexpr NSUInteger Old = NSKeyValueObservingOptionOld;
-constexpr NSUInteger Initial = NSKeyValueObservingOptionInitial;
-
-} // namespace
-
 TEST(KeyValueObserving, FollowsEveryStepOfAPath) {
     Parcel const parcel = chain(3);
     Recorder const recorder = Recorder::recorder();

@@ -6,15 +6,6 @@
 
 namespace mac::test {
 
-namespace {
-
-constexpr NSUInteger New = NSKeyValueObservingOptionNew;
-constexpr NSUInteger Old = NSKeyValueObservingOptionOld;
-constexpr NSUInteger Initial = NSKeyValueObservingOptionInitial;
-constexpr NSUInteger Prior = NSKeyValueObservingOptionPrior;
-
-} // namespace
-
 TEST(KeyValueObserving, AnObserverMayRemoveItselfWhenItIsTold) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const first = Recorder::recorder();

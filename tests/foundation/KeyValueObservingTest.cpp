@@ -10,15 +10,6 @@
 
 namespace mac::test {
 
-namespace {
-
-constexpr NSUInteger New = NSKeyValueObservingOptionNew;
-constexpr NSUInteger Old = NSKeyValueObservingOptionOld;
-constexpr NSUInteger Initial = NSKeyValueObservingOptionInitial;
-constexpr NSUInteger Prior = NSKeyValueObservingOptionPrior;
-
-} // namespace
-
 TEST(KeyValueObserving, TellsOnceOfASetter) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const recorder = Recorder::recorder();

@@ -10,6 +10,11 @@
 
 namespace mac::test {
 
+inline constexpr NSUInteger New = NSKeyValueObservingOptionNew;
+inline constexpr NSUInteger Old = NSKeyValueObservingOptionOld;
+inline constexpr NSUInteger Initial = NSKeyValueObservingOptionInitial;
+inline constexpr NSUInteger Prior = NSKeyValueObservingOptionPrior;
+
 // A class of the tests' own. Name, weight and next are keys whose setters tell observers; label, fragile and burn are
 // messages alone; serial can only be read.
 class Parcel : public Handle<Parcel, NSObject> {
