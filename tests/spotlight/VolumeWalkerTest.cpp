@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,6 +22,19 @@ using Paths = std::vector<std::string>;
 Paths sorted(Paths paths) {
     std::sort(paths.begin(), paths.end());
     return paths;
+}
+
+void makePackages(TemporaryFolder const& folder, int count) {
+    for (int index = 0; index < count; ++index)
+        folder.makeFolder(std::to_string(index) + "/A.app");
+}
+
+// To be told of news: counts them, for a test that waits for the number to change.
+std::function<void()> counting(std::atomic<int>& calls) {
+    return [&calls] {
+        ++calls;
+        calls.notify_all();
+    };
 }
 
 // Takes root's right to read every folder away from this process for a while; nothing for others.
@@ -211,13 +225,9 @@ TEST(VolumeWalker, CountsTheFoldersItVisits) {
 
 TEST(VolumeWalker, TellsOfNewsOnceUntilItIsTakenAndOnceAtTheEnd) {
     TemporaryFolder const folder;
-    for (int i = 0; i < 50; ++i)
-        folder.makeFolder(std::to_string(i) + "/A.app");
+    makePackages(folder, 50);
     std::atomic<int> calls = 0;
-    VolumeWalker walker({.roots = {folder.path()}}, [&calls] {
-        ++calls;
-        calls.notify_all();
-    });
+    VolumeWalker walker({.roots = {folder.path()}}, counting(calls));
     ASSERT_TRUE(walker.start());
     calls.wait(0);
     calls.wait(1);
@@ -229,8 +239,7 @@ TEST(VolumeWalker, TellsOfNewsOnceUntilItIsTakenAndOnceAtTheEnd) {
 
 TEST(VolumeWalker, TellsOfNewsAgainAfterATake) {
     TemporaryFolder const folder;
-    for (int i = 0; i < 50; ++i)
-        folder.makeFolder(std::to_string(i) + "/A.app");
+    makePackages(folder, 50);
     std::atomic<int> calls = 0;
     std::atomic<bool> finished = false;
     Paths found; // by the callback alone, so that every find is news
@@ -255,13 +264,9 @@ TEST(VolumeWalker, TellsOfNewsAgainAfterATake) {
 
 TEST(VolumeWalker, TellsOfNothingAfterAStopAndKeepsWhatItFound) {
     TemporaryFolder const folder;
-    for (int i = 0; i < 300; ++i)
-        folder.makeFolder(std::to_string(i) + "/A.app");
+    makePackages(folder, 300);
     std::atomic<int> calls = 0;
-    VolumeWalker walker({.roots = {folder.path()}}, [&calls] {
-        ++calls;
-        calls.notify_all();
-    });
+    VolumeWalker walker({.roots = {folder.path()}}, counting(calls));
     ASSERT_TRUE(walker.start());
     calls.wait(0);
     walker.stop();
