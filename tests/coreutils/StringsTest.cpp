@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSNumberFormatter.h"
 #include "platform/foundation/WordSum.h"
+#include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@
 
 namespace mac::test {
 namespace {
-
-NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 NSData bytes(std::initializer_list<unsigned char> list) {
     return NSData::dataWithBytes_length_(std::data(list), static_cast<NSUInteger>(list.size()));

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/FileLocks.h"
+#include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -16,9 +17,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 NSFileManager manager() { return NSFileManager::defaultManager(); }
-NSData bytes(std::string_view text) { return NSData::dataWithBytes(std::as_bytes(std::span(text))); }
 std::string text(id const& string) { return as<NSString>(string).fileSystemRepresentation().value_or("-"); }
 
 Names names(NSArray const& array) {

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/foundation/PropertyListDump.h"
+#include "tests/support/Texts.h"
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -16,7 +17,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 NSBundle bundle(std::string_view bytes) { return NSBundle::bundleWithPath_(path(bytes)); }
 
 std::string identifierOf(std::string_view bytes) {

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/FileLocks.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,7 +12,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 NSFileManager manager() { return NSFileManager::defaultManager(); }
 NSDictionary attributes(std::string const& item, BOOL traverseLink = NO) {
     return manager().fileAttributesAtPath_traverseLink_(path(item), traverseLink);

@@ -1,5 +1,6 @@
 #include "platform/foundation/NSFileManager.h"
 #include "tests/foundation/LongFolder.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,7 +8,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 bool exists(std::string_view bytes) { return NSFileManager::defaultManager().fileExistsAtPath_(path(bytes)); }
 
 TEST(NSFileManager, IsOne) { EXPECT_TRUE(isSame(NSFileManager::defaultManager(), NSFileManager::defaultManager())); }

@@ -1,5 +1,6 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/Texts.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -12,8 +13,6 @@ struct Comparison {
     std::u16string_view second;
     int order;
 };
-
-NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 // Both ways round.
 void expectOrder(Comparison const& comparison, NSUInteger options) {

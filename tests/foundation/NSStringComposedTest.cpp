@@ -1,12 +1,11 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 struct Composed {
     std::u16string_view text;

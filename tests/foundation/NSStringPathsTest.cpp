@@ -3,6 +3,7 @@
 #include "platform/foundation/NSString.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <optional>
 #include <pwd.h>
@@ -11,8 +12,6 @@
 namespace mac::test {
 
 namespace {
-
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 std::string bytesOf(NSString const& string) { return string.fileSystemRepresentation().value_or(""); }
 

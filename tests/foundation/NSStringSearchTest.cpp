@@ -3,6 +3,7 @@
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSString.h"
 #include "tests/support/SeededRandom.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac {
@@ -25,8 +26,6 @@ struct Search {
     NSUInteger options;
     NSRange range;
 };
-
-NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 void expectRange(Search const& search) {
     NSString const text = units(search.text);

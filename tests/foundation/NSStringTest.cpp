@@ -2,13 +2,12 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 TEST(NSString, HoldsUTF16CodeUnits) {
     NSString const text = NSString::stringWithUTF8String_("a\xC3\xA9\xF0\x9F\x98\x80");

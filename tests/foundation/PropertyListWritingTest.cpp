@@ -3,6 +3,7 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/foundation/PropertyListDump.h"
+#include "tests/support/Texts.h"
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -11,8 +12,6 @@ namespace mac::test {
 namespace {
 
 constexpr NSPropertyListFormat kFormats[]{NSPropertyListXMLFormat_v1_0, NSPropertyListBinaryFormat_v1_0};
-
-NSData bytes(std::string_view text) { return NSData::dataWithBytes(std::as_bytes(std::span(text))); }
 
 NSDictionary everyKind() {
     return NSDictionary::dictionaryWithObjectsAndKeys_(

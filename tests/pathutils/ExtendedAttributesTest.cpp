@@ -8,6 +8,7 @@
 #include "tests/pathutils/AttributeCalls.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -17,9 +18,7 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 NSString key(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
-NSData bytes(std::string_view bytes) { return NSData::dataWithBytes(std::as_bytes(std::span(bytes))); }
 
 std::vector<std::string> namesOf(NSArray const& keys) {
     std::vector<std::string> names;

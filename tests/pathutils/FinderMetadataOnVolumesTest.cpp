@@ -4,13 +4,12 @@
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace mac::test {
 namespace {
-
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 bool setFlags(std::string const& item, std::uint16_t flags) {
     return pxSetFinderFlagsOfPath_mask_(path(item), flags, 0xFFFF);

@@ -10,6 +10,7 @@
 #include "tests/icons/IconBytes.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
@@ -18,7 +19,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 std::string text(NSString const& string) {
     return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
 }

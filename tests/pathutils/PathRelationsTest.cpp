@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,7 +12,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 std::string text(NSString const& string) {
     return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
 }

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSFileAttributes.h"
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 std::string text(NSString const& string) {
     return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
 }

@@ -1,10 +1,10 @@
 #include "scripting/FileReferences.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 std::string text(NSString const& string) {
     return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
 }
