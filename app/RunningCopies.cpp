@@ -21,19 +21,6 @@ void forEachRunningCopy(std::function<void(ProcessSerialNumber const&, NSDiction
     }
 }
 
-// Does not wait for the process to go.
-bool sendQuitEvent(ProcessSerialNumber const& psn) {
-    NSAppleEventDescriptor const target =
-        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
-    NSAppleEventDescriptor const event =
-        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
-            kCoreEventClass, kAEQuitApplication, target, kAutoGenerateReturnID, kAnyTransactionID);
-    AEDesc reply{.descriptorType = typeNull};
-    OSStatus const status = AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
-    AEDisposeDesc(&reply);
-    return status == noErr;
-}
-
 void quitCopy(NSNumber const& number) {
     auto const psn = std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
     std::int32_t pid = 0;
@@ -42,7 +29,7 @@ void quitCopy(NSNumber const& number) {
         NSLog("Quitting Mirror Frame (psn=%@) %@", number, "failed");
         return;
     }
-    bool const isSent = sendQuitEvent(psn);
+    bool const isSent = sendEvent(psn, kCoreEventClass, kAEQuitApplication) == noErr;
     if (!isSent) NSBeep();
     NSLog("Quitting Mirror Frame (pid=%d) %@", pid, isSent ? NSString("succeeded") : NSString("failed"));
 }

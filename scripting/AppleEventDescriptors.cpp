@@ -23,12 +23,6 @@ NSAppleEventDescriptor addressOf(ProcessSerialNumber const& psn) {
                                                                               sizeof psn);
 }
 
-bool isFinder(ProcessSerialNumber const& psn) {
-    NSDictionary const information =
-        ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-    return information.objectForKey_(kCFBundleIdentifierKey).isEqual_("com.apple.finder");
-}
-
 id dataOfUnknownType(NSAppleEventDescriptor const& descriptor) {
     std::uint32_t const type = descriptor.descriptorType().value();
     auto const character = [&](int shift) { return static_cast<signed char>(type >> shift); };
@@ -76,11 +70,8 @@ NSAppleEventDescriptor pxFinderAppleEventWithEventClass_eventID_(AEEventClass, A
 NSAppleEventDescriptor pxDescriptorWithProcessSerialNumberSelf() { return addressOf({0, kCurrentProcess}); }
 
 NSAppleEventDescriptor pxDescriptorWithProcessSerialNumberFinder() {
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr) {
-        if (isFinder(psn)) return addressOf(psn);
-    }
-    return nil;
+    std::optional<ProcessSerialNumber> const finder = processWith(kCFBundleIdentifierKey, "com.apple.finder");
+    return finder ? addressOf(*finder) : NSAppleEventDescriptor(nil);
 }
 
 bool pxSend(NSAppleEventDescriptor receiver) {

@@ -2,7 +2,6 @@
 #include "pathutils/FinderMetadata.h"
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSURL.h"
@@ -15,26 +14,12 @@ namespace mac {
 
 namespace {
 
-constexpr char FinderIdentifier[] = "com.apple.finder";
-
 ProcessSerialNumber unboxed(NSNumber const& number) {
     return std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
 }
 
 NSDictionary informationOf(ProcessSerialNumber const& psn) {
     return ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-}
-
-OSStatus sendQuit(ProcessSerialNumber const& psn) {
-    NSAppleEventDescriptor const target =
-        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
-    NSAppleEventDescriptor const event =
-        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
-            kCoreEventClass, kAEQuitApplication, target, kAutoGenerateReturnID, kAnyTransactionID);
-    AEDesc reply{.descriptorType = typeNull};
-    OSStatus const status = AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
-    AEDisposeDesc(&reply);
-    return status;
 }
 
 // The path of an item that is one or a file's URL; nil for everything else, null objects among it.
@@ -72,12 +57,8 @@ NSNumber KRAProcessSerialNumberGetCurrent() {
 }
 
 NSNumber KRAProcessSerialNumberGetFinder() {
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr) {
-        id const identifier = informationOf(psn).objectForKey_(kCFBundleIdentifierKey);
-        if (identifier.isEqual_(FinderIdentifier)) return KRAProcessSerialNumber_(psn);
-    }
-    return nil;
+    std::optional<ProcessSerialNumber> const finder = processWith(kCFBundleIdentifierKey, "com.apple.finder");
+    return finder ? KRAProcessSerialNumber_(*finder) : NSNumber(nil);
 }
 
 bool KRAProcessSerialNumberSetFront(NSNumber receiver) {
@@ -91,7 +72,7 @@ bool KRAProcessSerialNumberQuit(NSNumber receiver) {
     constexpr NSTimeInterval betweenLooks = 0.2;
     if (receiver == nil) return false;
     ProcessSerialNumber const psn = unboxed(receiver);
-    if (sendQuit(psn) != noErr) return false;
+    if (sendEvent(psn, kCoreEventClass, kAEQuitApplication) != noErr) return false;
     for (int look = 0; look < mostLooks; ++look) {
         NSThread::sleepUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(betweenLooks));
         if (informationOf(psn) == nil) return true;

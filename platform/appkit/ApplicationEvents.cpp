@@ -9,8 +9,6 @@ namespace mac {
 
 namespace {
 
-constexpr AEEventID ReopenApplication{"rapp"};
-
 OSErr doNothing(AppleEvent const*, AppleEvent*, void*) { return noErr; }
 
 OSErr bringToFront(AppleEvent const*, AppleEvent*, void*) {
@@ -37,7 +35,7 @@ OSErr quit(AppleEvent const*, AppleEvent*, void*) {
 
 void installApplicationEvents() {
     AEInstallEventHandler(kCoreEventClass, kAEOpenApplication, doNothing, nullptr, NO);
-    AEInstallEventHandler(kCoreEventClass, ReopenApplication, bringToFront, nullptr, NO);
+    AEInstallEventHandler(kCoreEventClass, kAEReopenApplication, bringToFront, nullptr, NO);
     AEInstallEventHandler(kCoreEventClass, kAEQuitApplication, quit, nullptr, NO);
 }
 

@@ -40,19 +40,10 @@ bool launchEntry(std::string const& path) {
     return startApplication(*application, {}).isDone();
 }
 
-std::optional<ProcessSerialNumber> processWithIdentifier(NSString const& identifier) {
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr) {
-        NSDictionary const information =
-            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-        if (information.objectForKey_(kCFBundleIdentifierKey).isEqual_(identifier)) return psn;
-    }
-    return std::nullopt;
-}
-
 bool launchBundle(NSString const& path) {
     NSBundle const bundle = NSBundle::bundleWithPath_(path);
-    if (std::optional<ProcessSerialNumber> const running = processWithIdentifier(bundle.bundleIdentifier())) {
+    std::optional<ProcessSerialNumber> const running = processWith(kCFBundleIdentifierKey, bundle.bundleIdentifier());
+    if (running) {
         // A display that does not bring it to the front does not keep it from running.
         SetFrontProcess(&*running);
         return true;

@@ -71,6 +71,7 @@ inline constexpr AEKeyword keySenderPIDAttr{"spid"};
 // Classes and numbers of events.
 inline constexpr AEEventClass kCoreEventClass{"aevt"};
 inline constexpr AEEventID kAEOpenApplication{"oapp"};
+inline constexpr AEEventID kAEReopenApplication{"rapp"};
 inline constexpr AEEventID kAEQuitApplication{"quit"};
 inline constexpr AEEventID kAEAnswer{"ansr"};
 

@@ -5,6 +5,7 @@
 #include "platform/events/EventTarget.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
+#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/processes/FileBrowserStart.h"
 
 namespace mac {
@@ -112,6 +113,16 @@ OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode se
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority,
              std::int32_t timeOutInTicks, AEIdleUPP, AEFilterUPP) {
     return static_cast<OSErr>(AESendMessage(event, reply, sendMode, timeOutInTicks));
+}
+
+OSStatus sendEvent(ProcessSerialNumber const& psn, AEEventClass eventClass, AEEventID eventID) {
+    NSAppleEventDescriptor const target =
+        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
+    NSAppleEventDescriptor const event =
+        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+            eventClass, eventID, target, kAutoGenerateReturnID, kAnyTransactionID);
+    AppleEvent reply;
+    return AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
 }
 
 } // namespace mac

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
+#include "platform/processes/Processes.h"
 
 // Who handles the Apple events that this program gets, and how it sends some. Any program of this library that has
 // installed a handler or sent an event to another process answers those of the same user, over the session bus.
@@ -65,5 +66,8 @@ OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode se
 // The same; the priority is ignored.
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority sendPriority,
              std::int32_t timeOutInTicks, AEIdleUPP idleProc, AEFilterUPP filterProc);
+
+// Sends the process an event without parameters and waits for the reply, which is not looked at; the default time-out.
+OSStatus sendEvent(ProcessSerialNumber const& psn, AEEventClass eventClass, AEEventID eventID);
 
 } // namespace mac

@@ -10,17 +10,6 @@ namespace {
 
 constexpr FourCharCode FinderSignature{"MACS"};
 
-// The first process whose information has the text under the key.
-std::optional<ProcessSerialNumber> processWith(NSString const& key, NSString const& text) {
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr) {
-        NSDictionary const information =
-            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-        if (information.objectForKey_(key).isEqual_(text)) return psn;
-    }
-    return std::nullopt;
-}
-
 std::optional<ProcessSerialNumber> processWithSignature(FourCharCode signature) {
     if (signature == FinderSignature) return processWith(kCFBundleIdentifierKey, "com.apple.finder");
     return processWith("FileCreator", NSString::stringWithCodeUnits(textOfCode(signature)));

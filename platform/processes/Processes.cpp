@@ -164,4 +164,14 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     return NSDictionary::dictionaryWithDictionary_(information);
 }
 
+std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value) {
+    ProcessSerialNumber psn{0, kNoProcess};
+    while (GetNextProcess(&psn) == noErr) {
+        NSDictionary const information =
+            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
+        if (information.objectForKey_(key).isEqual_(value)) return psn;
+    }
+    return std::nullopt;
+}
+
 } // namespace mac

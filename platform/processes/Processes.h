@@ -2,6 +2,7 @@
 
 #include "platform/foundation/MacErrors.h"
 #include "platform/foundation/NSDictionary.h"
+#include <optional>
 
 // The running processes, in the order of their start. Linux: those whose executable this user may see, as /proc tells.
 // Main thread, but for what says otherwise. A null pointer is a paramErr; a serial number that names no running process
@@ -65,5 +66,8 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // replaced or deleted by its last. Nil when no such process runs. Linux: the desktop's file browser, that is the
 // default application for folders, is "com.apple.finder" in this user's session.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
+
+// Of a walk over all processes the first whose information has an equal value under the key; nothing where none has.
+std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value);
 
 } // namespace mac

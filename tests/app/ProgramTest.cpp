@@ -1,5 +1,4 @@
 #include "platform/events/AppleEvents.h"
-#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
@@ -67,16 +66,6 @@ TEST(Program, SaysThatTheDisplayDoesNotAnswerAndEnds) {
 
 using namespace mac;
 
-OSStatus send(ProcessSerialNumber const& psn, AEEventID eventID) {
-    NSAppleEventDescriptor const target =
-        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn, sizeof psn);
-    NSAppleEventDescriptor const event =
-        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
-            kCoreEventClass, eventID, target, kAutoGenerateReturnID, kAnyTransactionID);
-    AppleEvent reply;
-    return AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
-}
-
 TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {
     mac::test::TemporaryFolder const home;
     mac::test::EnvironmentVariable const homeVariable("HOME", home.path());
@@ -89,12 +78,12 @@ TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {
     std::int32_t pid = 0;
     // It answers as soon as its window is there.
     do
-        status = send(psn, kAEOpenApplication);
+        status = sendEvent(psn, kCoreEventClass, kAEOpenApplication);
     while (status != noErr && GetProcessPID(&psn, &pid) == noErr);
     ASSERT_EQ(status, noErr);
-    EXPECT_EQ(send(psn, AEEventID("rapp")), noErr);
-    EXPECT_EQ(send(psn, AEEventID("odoc")), errAEEventNotHandled);
-    EXPECT_EQ(send(psn, kAEQuitApplication), noErr);
+    EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEReopenApplication), noErr);
+    EXPECT_EQ(sendEvent(psn, kCoreEventClass, AEEventID("odoc")), errAEEventNotHandled);
+    EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEQuitApplication), noErr);
     EXPECT_EQ(program.wait(), 0);
 }
 

@@ -2,7 +2,6 @@
 #include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/processes/Processes.h"
@@ -169,16 +168,7 @@ TEST(NSApplication, GoesOnAfterTheLastWindowWhenTheDelegateSaysNo) {
     EXPECT_EQ(later, 1);
 }
 
-OSStatus sendToItself(AEEventID eventID) {
-    ProcessSerialNumber const self{0, kCurrentProcess};
-    NSAppleEventDescriptor const target =
-        NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &self, sizeof self);
-    NSAppleEventDescriptor const event =
-        NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
-            kCoreEventClass, eventID, target, kAutoGenerateReturnID, kAnyTransactionID);
-    AppleEvent reply;
-    return AESendMessage(event.aeDesc(), &reply, kAEWaitReply, kAEDefaultTimeout);
-}
+OSStatus sendToItself(AEEventID eventID) { return sendEvent({0, kCurrentProcess}, kCoreEventClass, eventID); }
 
 // Counts the notifications of an application's end.
 class EndListener : public Handle<EndListener, NSObject> {
@@ -231,7 +221,7 @@ TEST(NSApplication, IsOpenedAndOpenedAgainWithoutHarm) {
     NSWindow const shown = window.file().window();
     shown.makeKeyAndOrderFront_(nil);
     EXPECT_EQ(sendToItself(kAEOpenApplication), noErr);
-    EXPECT_EQ(sendToItself(AEEventID("rapp")), noErr);
+    EXPECT_EQ(sendToItself(kAEReopenApplication), noErr);
     EXPECT_TRUE(shown.isVisible());
     EXPECT_EQ(sendToItself(AEEventID("odoc")), errAEEventNotHandled);
 }

@@ -35,6 +35,17 @@ TEST(Processes, TellWhichBundleAChildRunsFrom) {
     EXPECT_EQ(as<NSNumber>(information.objectForKey_("pid")).intValue(), child.pid());
 }
 
+TEST(Processes, AreFoundByWhatIsKnownOfThem) {
+    TemporaryFolder const folder;
+    NSString const identifier = "com.example.found";
+    EXPECT_FALSE(processWith(kCFBundleIdentifierKey, identifier));
+    ChildProcess const child({copyInBundle(folder, "A.app", "com.example.found")});
+    EXPECT_EQ(processWith(kCFBundleIdentifierKey, identifier), numberOf(child));
+    EXPECT_EQ(processWith("pid", NSNumber::numberWithInt_(child.pid())), numberOf(child));
+    EXPECT_FALSE(processWith(kCFBundleIdentifierKey, nil)) << "others have none";
+    EXPECT_FALSE(processWith(nil, identifier));
+}
+
 TEST(Processes, GiveTheirNumberAsOneInteger) {
     TemporaryFolder const folder;
     ChildProcess const child({"/bin/cat"});
