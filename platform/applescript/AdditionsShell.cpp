@@ -1,9 +1,9 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ShellCommand.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
-#include <cstdlib>
 #include <unistd.h>
 
 namespace mac::applescript::additions {
@@ -35,12 +35,8 @@ std::u16string withAlteredLineEnds(std::u16string text) {
 
 // The program that asks the user for an administrator's rights; empty where there is none.
 std::string askingProgram() {
-    char const* const path = std::getenv("PATH");
-    std::string_view rest = path ? path : "/usr/bin:/bin";
-    while (!rest.empty()) {
-        std::string_view const folder = rest.substr(0, rest.find(':'));
-        rest.remove_prefix(std::min(rest.size(), folder.size() + 1));
-        std::string program = std::string(folder) + "/pkexec";
+    for (std::string const& folder : listInEnvironment("PATH", "/usr/bin:/bin")) {
+        std::string program = folder + "/pkexec";
         if (folder.starts_with('/') && ::access(program.c_str(), X_OK) == 0) return program;
     }
     return {};

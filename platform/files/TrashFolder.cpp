@@ -8,7 +8,6 @@
 #include "platform/foundation/LongPath.h"
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>

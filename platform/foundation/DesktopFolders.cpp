@@ -87,4 +87,16 @@ std::optional<std::string> desktopFolder(std::string const& variable) {
     return folderInList(listOfFolders(), variable, homeFolder());
 }
 
+std::vector<std::string> listInEnvironment(char const* variable, std::string_view fallback) {
+    std::string const value = environmentValue(variable);
+    std::string_view rest = value.empty() ? fallback : value;
+    std::vector<std::string> parts;
+    while (!rest.empty()) {
+        std::size_t const end = std::min(rest.find(':'), rest.size());
+        if (end > 0) parts.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return parts;
+}
+
 } // namespace mac

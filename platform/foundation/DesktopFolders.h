@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace mac {
 
@@ -19,5 +20,9 @@ std::optional<std::string> desktopFolder(std::string const& variable);
 // What such a list says of the variable: lines such as XDG_MUSIC_DIR="$HOME/Music", the last one counts. Nothing for
 // what is not absolute. The home is an absolute path.
 std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home);
+
+// The parts of a variable's value between colons, without empty ones; those of the fallback where it is empty or not
+// set. For implementations.
+std::vector<std::string> listInEnvironment(char const* variable, std::string_view fallback);
 
 } // namespace mac

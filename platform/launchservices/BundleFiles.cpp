@@ -1,4 +1,5 @@
 #include "platform/launchservices/BundleFiles.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/LongPath.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include <algorithm>
@@ -95,11 +96,9 @@ NSDictionary localizedBundleInformation(std::string const& bundlePath, std::vect
 std::vector<std::string> userLanguages() {
     std::vector<std::string> languages;
     std::string_view const locale = localeOfMessages();
-    std::string_view list = languageOfLocale(locale).empty() ? std::string_view() : environment("LANGUAGE");
-    while (!list.empty()) {
-        std::size_t const end = std::min(list.find(':'), list.size());
-        addWithAndWithoutCountry(languages, list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
+    if (!languageOfLocale(locale).empty()) {
+        for (std::string const& language : listInEnvironment("LANGUAGE", ""))
+            addWithAndWithoutCountry(languages, language);
     }
     addWithAndWithoutCountry(languages, locale);
     add(languages, "en");

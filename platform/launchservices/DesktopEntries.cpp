@@ -17,16 +17,9 @@ bool liesIn(std::string_view path, std::string_view folder) {
 
 } // namespace
 
-std::vector<std::string> applicationEntryFolders() {
-    std::vector<std::string> folders = dataFolders();
-    for (std::string& folder : folders)
-        folder += "/applications";
-    return folders;
-}
-
 bool isTrustedDesktopEntry(DiskItem const& item) {
     if (item.kind != DiskItem::Kind::File || item.extension() != "desktop") return false;
-    return item.mayRun || std::ranges::any_of(applicationEntryFolders(),
+    return item.mayRun || std::ranges::any_of(applicationFolders(),
                                               [&](std::string const& folder) { return liesIn(item.path, folder); });
 }
 

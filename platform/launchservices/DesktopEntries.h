@@ -20,7 +20,4 @@ bool isTrustedDesktopEntry(DiskItem const& item);
 NSString nameOfDesktopEntry(std::string const& path, std::vector<std::string> const& languages);
 NSString nameInDesktopEntry(KeyFile const& entry, std::vector<std::string> const& languages);
 
-// $XDG_DATA_HOME/applications and those of $XDG_DATA_DIRS, the weightiest first.
-std::vector<std::string> applicationEntryFolders();
-
 } // namespace mac

@@ -1,12 +1,11 @@
 #include "platform/launchservices/DesktopRoles.h"
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/FolderContents.h"
-#include "platform/launchservices/DesktopEntries.h"
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/FileBrowser.h"
 #include "platform/processes/KeyFile.h"
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <set>
 #include <tuple>
 
@@ -33,29 +32,14 @@ constexpr std::array<Role, 2> Roles{{
 
 bool has(Words const& words, std::string_view word) { return std::ranges::find(words, word) != words.end(); }
 
-Words currentDesktops() {
-    Words desktops;
-    char const* const value = std::getenv("XDG_CURRENT_DESKTOP");
-    std::string_view list = value ? value : "";
-    while (!list.empty()) {
-        std::size_t const end = std::min(list.find(':'), list.size());
-        if (end > 0) desktops.emplace_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return desktops;
-}
-
 bool isOneOf(Words const& desktops, Words const& listed) {
     return std::ranges::any_of(listed, [&](std::string const& desktop) { return has(desktops, desktop); });
 }
 
-bool isThere(std::string const& program) { return resolvedProgram(program).has_value(); }
-
-bool canBeStarted(KeyFile const& entry) {
-    std::optional<std::string> const commandLine = entry.text(EntryGroup, "Exec");
-    std::optional<Words> const words = commandLine ? wordsOfCommandLine(*commandLine) : std::nullopt;
-    std::optional<std::string> const needed = entry.text(EntryGroup, "TryExec");
-    return words && !words->empty() && isThere(words->front()) && (!needed || needed->empty() || isThere(*needed));
+// Its program is there, and what else it says that it needs.
+bool canBeStarted(std::string const& path, KeyFile const& entry) {
+    std::string const needed = entry.text(EntryGroup, "TryExec").value_or("");
+    return applicationOfEntryAtPath(path) && (needed.empty() || resolvedProgram(needed));
 }
 
 bool isShown(KeyFile const& entry, Words const& desktops) {
@@ -73,15 +57,15 @@ bool fits(KeyFile const& entry, Role const& role) {
 
 // Of entries of one name those in weightier folders hide the others.
 std::optional<std::string> entryOf(Role const& role) {
-    Words const desktops = currentDesktops();
+    Words const desktops = listInEnvironment("XDG_CURRENT_DESKTOP", "");
     std::set<std::string> seen;
     std::set<std::tuple<bool, std::string, std::string>> found;
-    for (std::string const& folder : applicationEntryFolders()) {
+    for (std::string const& folder : applicationFolders()) {
         for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(Words())) {
             if (!name.ends_with(".desktop") || !seen.insert(name).second) continue;
             std::string const path = std::string(folder).append("/").append(name);
             KeyFile const entry = KeyFile::readFile(path);
-            if (!fits(entry, role) || !isShown(entry, desktops) || !canBeStarted(entry)) continue;
+            if (!fits(entry, role) || !isShown(entry, desktops) || !canBeStarted(path, entry)) continue;
             bool const isForOthers = !isOneOf(desktops, entry.list(EntryGroup, "OnlyShowIn"));
             found.emplace(isForOthers, name, path);
         }

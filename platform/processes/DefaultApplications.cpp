@@ -3,7 +3,6 @@
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"
 #include "platform/processes/XfceApplications.h"
-#include <cstdlib>
 #include <set>
 #include <unistd.h>
 
@@ -82,18 +81,6 @@ std::optional<DesktopApplication> defaultApplicationFor(std::vector<std::string>
         if (std::optional<DesktopApplication> application = applicationFor(contentType)) return application;
     }
     return std::nullopt;
-}
-
-std::vector<std::string> listInEnvironment(char const* variable, std::string const& fallback) {
-    char const* const value = std::getenv(variable);
-    std::string const text = value && *value ? value : fallback;
-    std::vector<std::string> parts;
-    for (std::size_t begin = 0; begin <= text.size();) {
-        std::size_t const end = std::min(text.find(':', begin), text.size());
-        if (end > begin) parts.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return parts;
 }
 
 std::vector<std::string> configFolders() {

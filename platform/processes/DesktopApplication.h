@@ -39,9 +39,6 @@ std::vector<std::string> commandOf(DesktopApplication const& application, std::v
 // "file://" and the path's bytes, those with a meaning in a URI as percent escapes.
 std::string fileURIOfPath(std::string const& path);
 
-// The parts of a variable's value between colons, without empty ones; those of the fallback where it is not set.
-std::vector<std::string> listInEnvironment(char const* variable, std::string const& fallback);
-
 // The user's folder and then the system's, the weightiest first: for settings ("/etc/xdg"), for data ("/usr/share") and
 // for desktop entries ("/usr/share/applications").
 std::vector<std::string> configFolders();

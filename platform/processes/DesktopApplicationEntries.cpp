@@ -1,3 +1,4 @@
+#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/PercentEscapes.h"
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/KeyFile.h"

@@ -106,5 +106,18 @@ TEST(DesktopFolders, ARootThatIsTheHomeHoldsSettingsAndData) {
     EXPECT_EQ(dataHome(), "/.local/share");
 }
 
+TEST(DesktopFolders, AreListedBetweenColons) {
+    using Parts = std::vector<std::string>;
+    EnvironmentVariable const unset("LISTED", std::nullopt);
+    EXPECT_EQ(listInEnvironment("LISTED", "/a:/b"), (Parts{"/a", "/b"}));
+    EnvironmentVariable const empty("LISTED", "");
+    EXPECT_EQ(listInEnvironment("LISTED", "/a:/b"), (Parts{"/a", "/b"}));
+    EXPECT_EQ(listInEnvironment("LISTED", ""), Parts());
+    EnvironmentVariable const set("LISTED", ":/c d::e:");
+    EXPECT_EQ(listInEnvironment("LISTED", "/a"), (Parts{"/c d", "e"}));
+    EnvironmentVariable const colons("LISTED", "::");
+    EXPECT_EQ(listInEnvironment("LISTED", "/a"), Parts());
+}
+
 } // namespace
 } // namespace mac::test

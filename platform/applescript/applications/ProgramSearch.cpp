@@ -41,8 +41,7 @@ template <class Matches>
 std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     constexpr char group[] = "Desktop Entry";
     constexpr std::string_view ending = ".desktop";
-    for (std::string const& data : dataFolders()) {
-        std::string const folder = data + "/applications";
+    for (std::string const& folder : applicationFolders()) {
         for (std::string const& file :
              namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
             if (!file.ends_with(ending)) continue;
