@@ -2,11 +2,11 @@
 #include "platform/finder/ApplicationStart.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/foundation/LongPath.h"
+#include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/MIMETypes.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <set>
-#include <unistd.h>
 
 namespace mac {
 
@@ -28,21 +28,9 @@ std::string folderOf(std::string path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// What the rules of the desktop's database look at.
-std::string firstBytes(std::string const& path) {
-    constexpr std::size_t mostBytes = 16'384;
-    std::string bytes(mostBytes, '\0');
-    FileDescriptor const file = openPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    ssize_t const count = file.isOpen() ? ::read(file.number(), bytes.data(), bytes.size()) : 0;
-    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    return bytes;
-}
-
 // The file's own first, then what that is a kind of.
-std::vector<std::string> contentTypesOf(std::string const& path, FileStatus const& status) {
-    // To open what is no file can wait for ever, or do things.
-    std::string const bytes = status.kind == FileStatus::Kind::File ? firstBytes(path) : std::string();
-    std::vector<std::string> types{mimeTypeOfNameAndBytes(path.substr(path.rfind('/') + 1), bytes)};
+std::vector<std::string> contentTypesOf(std::string const& path) {
+    std::vector<std::string> types{mimeTypeOfItem(path, true)};
     for (std::size_t index = 0; index < types.size(); ++index) {
         for (std::string& parent : parentsOfMIMEType(types[index])) {
             if (std::ranges::find(types, parent) == types.end()) types.push_back(std::move(parent));
@@ -95,7 +83,7 @@ FinderOutcome openItem(std::string const& path) {
     std::optional<FileStatus> const status = path.starts_with('/') ? fileStatusAtPath(path) : std::nullopt;
     if (!status) return {FinderProblem::NotThere, "There is nothing at the path"};
     if (status->kind == FileStatus::Kind::Folder) return openFolders({path});
-    std::optional<DesktopApplication> const application = defaultApplicationFor(contentTypesOf(path, *status));
+    std::optional<DesktopApplication> const application = defaultApplicationFor(contentTypesOf(path));
     if (!application) return {FinderProblem::NoApplication, "No application is known for the item"};
     return startApplication(*application, {path});
 }

@@ -42,8 +42,8 @@ std::string typeCodeOf(DiskItem const& item) {
 }
 
 // Opened so that nothing else can be read in the file's place; empty where it cannot be read.
-std::string firstBytes(DiskItem const& item) {
-    std::optional<OpenItem> const opened = openItemAtPath(item.path, false);
+std::string firstBytes(std::string const& path, bool followsLinks) {
+    std::optional<OpenItem> const opened = openItemAtPath(path, followsLinks);
     struct stat status {};
     if (!opened || ::fstat(opened->item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
     FileDescriptor const file(::open(opened->systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -71,8 +71,7 @@ std::string contentTypeOfFile(TypeTree const& types, DiskItem const& item) {
             if (type) return *type;
         }
     }
-    std::string const mimeType = mimeTypeOfNameAndBytes(item.name, firstBytes(item));
-    return identifierOfMIMEType(types, mimeType);
+    return identifierOfMIMEType(types, mimeTypeOfItem(item.path, false));
 }
 
 } // namespace
@@ -90,6 +89,10 @@ std::string contentTypeOf(DiskItem const& item) {
         break;
     }
     return "public.item";
+}
+
+std::string mimeTypeOfItem(std::string const& path, bool followsLinks) {
+    return mimeTypeOfNameAndBytes(std::string_view(path).substr(path.rfind('/') + 1), firstBytes(path, followsLinks));
 }
 
 } // namespace mac

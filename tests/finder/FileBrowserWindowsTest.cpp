@@ -159,6 +159,17 @@ TEST_F(OpenedItem, GoesToTheDefaultApplicationOfItsType) {
     EXPECT_EQ(m_desktop.lastLine(), "started open " + source);
 }
 
+TEST_F(OpenedItem, IsKnownByTheContentsALinkLeadsTo) {
+    installEditor(" %f");
+    std::string const link = m_desktop.folder.path("letter");
+    ASSERT_EQ(::symlink(m_desktop.folder.makeFile("page", "Dear Anna").c_str(), link.c_str()), 0);
+    EXPECT_TRUE(openItem(link).isDone());
+    EXPECT_EQ(m_desktop.lines(1), Lines{"started open " + link});
+    // Never opened: nobody writes to it.
+    ASSERT_EQ(::mkfifo(m_desktop.folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(openItem(m_desktop.folder.path("pipe")).problem, FinderProblem::NoApplication);
+}
+
 TEST_F(OpenedItem, IsOneArgumentWhateverItsName) {
     installEditor(" --name=%c --uri=%u %% %i");
     std::string const text = m_desktop.folder.makeFile("$(touch x) \"'.txt", "x");
