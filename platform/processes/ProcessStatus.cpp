@@ -18,7 +18,9 @@ std::optional<std::uint64_t> startTimeIn(std::string_view status) {
     }
     std::uint64_t start = 0;
     auto const [end, error] = std::from_chars(fields.data(), fields.data() + fields.size(), start);
-    return error == std::errc() ? std::optional(start) : std::nullopt;
+    // A number that goes on, or is cut off, is another one.
+    bool const isWhole = end != fields.data() + fields.size() && (*end == ' ' || *end == '\n');
+    return error == std::errc() && isWhole ? std::optional(start) : std::nullopt;
 }
 
 } // namespace mac

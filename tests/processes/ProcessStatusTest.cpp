@@ -33,9 +33,11 @@ TEST(ProcessStatus, TellsNothingWhereTheLineIsNone) {
     for (std::string_view const line :
          {"", "12", "12 (sleep", "12 (sleep)", "12 (sleep) ", "12 (sleep) S", "12 sleep S 1"})
         EXPECT_FALSE(startTimeIn(line)) << line;
-    for (std::string_view const behind : {"", " ", " x", " -1 0", " 18446744073709551616 0"})
+    for (std::string_view const behind : {"", " ", " x", " -1 0", " 18446744073709551616 0", " 47x 0"})
         EXPECT_FALSE(startOf("12 (sleep) S", behind)) << behind;
 }
+
+TEST(ProcessStatus, TellsNothingWhereTheLineEndsWithinTheStart) { EXPECT_FALSE(startOf("12 (sleep) S", " 47")); }
 
 TEST(ProcessStatus, OfTheCorpusHolds) { expectNoComplaints("ProcessStatusFuzz", &fuzz::complaintAboutProcessStatus); }
 
