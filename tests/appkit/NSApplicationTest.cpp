@@ -7,7 +7,9 @@
 #include "platform/processes/Processes.h"
 #include "tests/appkit/LoadedWindow.h"
 #include "tests/support/TemporaryFolder.h"
+#include <QTest>
 #include <QTimer>
+#include <QWindow>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
@@ -215,14 +217,19 @@ TEST(NSApplication, RepliesAndThenQuitsWhenAskedTo) {
     askToQuit(NO);
 }
 
-TEST(NSApplication, IsOpenedAndOpenedAgainWithoutHarm) {
+TEST(NSApplication, IsOpenedAndComesToTheFrontWhenItIsOpenedAgain) {
     LoadedWindow const window;
     installApplicationEvents();
-    NSWindow const shown = window.file().window();
-    shown.makeKeyAndOrderFront_(nil);
+    window.file().window().makeKeyAndOrderFront_(nil);
+    // In front of it, as another program's would be.
+    QWindow other;
+    other.show();
+    other.requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
     EXPECT_EQ(sendToItself(kAEOpenApplication), noErr);
+    EXPECT_FALSE(window.widget()->isActiveWindow());
     EXPECT_EQ(sendToItself(kAEReopenApplication), noErr);
-    EXPECT_TRUE(shown.isVisible());
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.widget()));
     EXPECT_EQ(sendToItself(AEEventID("odoc")), errAEEventNotHandled);
 }
 
