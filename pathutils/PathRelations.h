@@ -7,7 +7,7 @@
 namespace mac {
 
 // How paths lie to one another, and what a bundle at one says. "Standardized" is stringByStandardizingPath: without ~,
-// "." and ".." and a slash at the end. Nothing is raised, logged or kept. A nil
+// "." and ".." and a slash at the end. Nothing is raised; an information file that cannot be used is logged. A nil
 // receiver answers nil and NO.
 
 // Whether both are the same once standardized, in any case of letters. The other may be nil or the null object: NO.
