@@ -31,11 +31,6 @@ Registered& registered() {
     return shared;
 }
 
-std::vector<std::string> registeredPaths() {
-    std::scoped_lock const lock(registered().lock);
-    return registered().paths;
-}
-
 void remember(std::string const& path) {
     std::scoped_lock const lock(registered().lock);
     std::vector<std::string>& paths = registered().paths;
@@ -47,6 +42,13 @@ void remember(std::string const& path) {
 bool isApplication(std::string const& path) {
     std::optional<DiskItem> const item = diskItemAtPath(path);
     return item && item->isApplicationBundle();
+}
+
+// Those that are still in their places; the others are forgotten.
+std::vector<std::string> registeredPaths() {
+    std::scoped_lock const lock(registered().lock);
+    std::erase_if(registered().paths, std::not_fn(isApplication));
+    return registered().paths;
 }
 
 // The folders in which applications are put, and one folder deeper.
@@ -74,44 +76,66 @@ std::string lowercaseOf(NSString const& text) {
     return asciiLowercase(text.fileSystemRepresentation().value_or(text.UTF8String()));
 }
 
-bool hasIdentifier(std::string const& path, std::string const& identifier) {
-    id const found = bundleInformation(path).objectForKey_("CFBundleIdentifier");
+// An application on the way, whose information file is read when it is first asked for.
+class Candidate {
+public:
+    explicit Candidate(std::string path) : m_path(std::move(path)) {}
+
+    std::string const& path() const { return m_path; }
+    // The types that it declares are known from then on.
+    NSDictionary const& information() {
+        if (!m_information) {
+            m_information = bundleInformation(m_path);
+            registerTypesIn(*m_information);
+        }
+        return *m_information;
+    }
+
+private:
+    std::string m_path;
+    std::optional<NSDictionary> m_information{};
+};
+
+bool hasIdentifier(Candidate& application, std::string const& identifier) {
+    id const found = application.information().objectForKey_("CFBundleIdentifier");
     return lowercaseOf(as<NSString>(found)) == identifier;
 }
 
-bool hasName(std::string const& path, std::string const& name) {
+bool hasName(Candidate const& application, std::string const& name) {
+    std::string const& path = application.path();
     std::string const file = asciiLowercase(std::string_view(path).substr(path.rfind('/') + 1));
     return file == name || file == name + ".app";
 }
 
-bool hasCreator(std::string const& path, OSType creator) {
-    id const signature = bundleInformation(path).objectForKey_("CFBundleSignature");
+bool hasCreator(Candidate& application, OSType creator) {
+    id const signature = application.information().objectForKey_("CFBundleSignature");
     return codeOfText(as<NSString>(signature).codeUnits()) == creator;
 }
 
-using Question = std::function<bool(std::string const& path)>;
+using Question = std::function<bool(Candidate& application)>;
 
 // What was asked for, the weightiest first.
 std::vector<Question> questions(OSType creator, NSString const& bundleID, NSString const& name) {
     std::vector<Question> result;
     if (bundleID.length() > 0)
         result.emplace_back(
-            [text = lowercaseOf(bundleID)](std::string const& path) { return hasIdentifier(path, text); });
+            [text = lowercaseOf(bundleID)](Candidate& application) { return hasIdentifier(application, text); });
     if (name.length() > 0)
-        result.emplace_back([text = lowercaseOf(name)](std::string const& path) { return hasName(path, text); });
+        result.emplace_back([text = lowercaseOf(name)](Candidate& application) { return hasName(application, text); });
     if (creator != kLSUnknownCreator)
-        result.emplace_back([creator](std::string const& path) { return hasCreator(path, creator); });
+        result.emplace_back([creator](Candidate& application) { return hasCreator(application, creator); });
     return result;
 }
 
 std::optional<std::string> findApplication(OSType creator, NSString const& bundleID, NSString const& name) {
-    std::vector<std::string> paths = registeredPaths();
-    std::erase_if(paths, std::not_fn(isApplication));
+    std::vector<Candidate> applications;
+    for (std::string& path : registeredPaths())
+        applications.emplace_back(std::move(path));
     for (std::string& path : installedPaths())
-        paths.push_back(std::move(path));
+        applications.emplace_back(std::move(path));
     for (Question const& question : questions(creator, bundleID, name)) {
-        auto const found = std::ranges::find_if(paths, question);
-        if (found != paths.end()) return *found;
+        auto const found = std::ranges::find_if(applications, question);
+        if (found != applications.end()) return found->path();
     }
     return desktopEntryOfRole(lowercaseOf(bundleID));
 }

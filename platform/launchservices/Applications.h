@@ -14,7 +14,8 @@ inline constexpr OSType kLSUnknownCreator{};
 // By bundle identifier, in any case of letters; else by the name of its file, compared likewise; else by its creator.
 // Each may be nil or unknown, but not all. The reference and the URL may be null. Of several the first by these places:
 // registered ones, Applications in the home folder, /Applications and /opt. kLSApplicationNotFoundErr where there is
-// none, paramErr where nothing is asked for; the answers are untouched then.
+// none, paramErr where nothing is asked for; the answers are untouched then. In each of the places it is also looked
+// one folder deeper. The types that the applications on the way declare are known from then on.
 //
 // Linux: "com.apple.finder" is the desktop's application for folders, "com.apple.ActivityMonitor" and
 // "com.apple.systempreferences" the first of the desktop's entries that shows processes or settings; what is found is
@@ -22,8 +23,9 @@ inline constexpr OSType kLSUnknownCreator{};
 OSStatus LSFindApplicationForInfo(OSType inCreator, CFStringRef const& inBundleID, CFStringRef const& inName,
                                   FSRef* outAppRef, CFURLRef* outAppURL);
 
-// From then on the bundle of the application is found by its identifier, and its types are known. What is registered is
-// forgotten when it is gone from its place. fnfErr where there is nothing, kLSDataErr for what says nothing usable.
+// From then on the bundle of the application is found by its identifier, and its types are known. One that is gone from
+// its place is forgotten when the next one is looked for; its types stay. fnfErr where there is nothing, kLSDataErr for
+// what says nothing usable.
 inline constexpr OSStatus kLSDataErr = -10817;
 OSStatus LSRegisterURL(CFURLRef const& inURL, BOOL inUpdate);
 OSStatus LSRegisterFSRef(FSRef const* inRef, BOOL inUpdate);

@@ -7,9 +7,9 @@ namespace mac {
 
 // Uniform type identifiers: what kinds of contents there are, how one is a special case of others, and by which tags
 // (extensions, MIME types, old type codes) files say theirs. Identifiers are equal in any case of letters. Declared are
-// the system's own and those in the information files of registered applications (Applications.h). A tag that no
-// declared type has gets a dynamic identifier, which holds the tag itself and so means the same everywhere. Nil answers
-// nil and NO. Any thread.
+// the system's own and those in the information files of applications that were registered or looked for
+// (Applications.h). A tag that no declared type has gets a dynamic identifier, which holds the tag itself and so means
+// the same everywhere. Nil answers nil and NO. Any thread.
 //
 // Linux: what kind a MIME type is of comes from the shared MIME information, also for dynamic identifiers.
 

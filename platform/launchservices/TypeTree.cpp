@@ -5,6 +5,7 @@
 #include "platform/launchservices/MIMETypes.h"
 #include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
+#include <algorithm>
 #include <mutex>
 #include <set>
 
@@ -59,9 +60,22 @@ DeclaredType typeOfRow(SystemType const& row) {
             .typeCodes = codesOf(row.typeCodes)};
 }
 
+std::vector<NSDictionary> declarationsIn(NSDictionary const& information) {
+    std::vector<NSDictionary> declarations;
+    for (NSString const& key : {NSString(kUTExportedTypeDeclarationsKey), NSString(kUTImportedTypeDeclarationsKey)}) {
+        for (id const& declaration : as<NSArray>(information.objectForKey_(key)))
+            declarations.push_back(as<NSDictionary>(declaration));
+    }
+    return declarations;
+}
+
+std::string identifierOf(NSDictionary const& declaration) {
+    return as<NSString>(declaration.objectForKey_(kUTTypeIdentifierKey)).UTF8String();
+}
+
 DeclaredType typeOfDeclaration(NSDictionary const& declaration) {
     NSDictionary const tags = as<NSDictionary>(declaration.objectForKey_(kUTTypeTagSpecificationKey));
-    return {.identifier = as<NSString>(declaration.objectForKey_(kUTTypeIdentifierKey)).UTF8String(),
+    return {.identifier = identifierOf(declaration),
             .description = as<NSString>(declaration.objectForKey_(kUTTypeDescriptionKey)).UTF8String(),
             .conformsTo = stringsOf(declaration.objectForKey_(kUTTypeConformsToKey)),
             .extensions = stringsOf(tags.objectForKey_(kUTTagClassFilenameExtension)),
@@ -132,10 +146,15 @@ void TypeTree::add(DeclaredType type) {
 }
 
 void TypeTree::addDeclarationsIn(NSDictionary const& information) {
-    for (NSString const& key : {NSString(kUTExportedTypeDeclarationsKey), NSString(kUTImportedTypeDeclarationsKey)}) {
-        for (id const& declaration : as<NSArray>(information.objectForKey_(key)))
-            add(typeOfDeclaration(as<NSDictionary>(declaration)));
-    }
+    for (NSDictionary const& declaration : declarationsIn(information))
+        add(typeOfDeclaration(declaration));
+}
+
+bool TypeTree::knowsDeclarationsIn(NSDictionary const& information) const {
+    return std::ranges::all_of(declarationsIn(information), [this](NSDictionary const& declaration) {
+        std::string const identifier = identifierOf(declaration);
+        return identifier.empty() || typeOf(identifier);
+    });
 }
 
 DeclaredType const* TypeTree::typeOf(std::string_view identifier) const {
@@ -161,6 +180,7 @@ std::shared_ptr<TypeTree const> knownTypes() {
 
 void registerTypesIn(NSDictionary const& information) {
     std::scoped_lock const lock(sharedTypes().lock);
+    if (sharedTypes().types->knowsDeclarationsIn(information)) return;
     TypeTree changed = *sharedTypes().types;
     changed.addDeclarationsIn(information);
     sharedTypes().types = std::make_shared<TypeTree>(std::move(changed));

@@ -33,6 +33,8 @@ public:
     void add(DeclaredType type);
     // From an information file: what is no declaration is passed over, the rest counts.
     void addDeclarationsIn(NSDictionary const& information);
+    // Whether to add them would change nothing.
+    bool knowsDeclarationsIn(NSDictionary const& information) const;
 
     DeclaredType const* typeOf(std::string_view identifier) const;
     // By the order in which the types were added.

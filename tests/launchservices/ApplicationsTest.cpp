@@ -79,6 +79,19 @@ TEST_F(Applications, ThatAreRegisteredAreFoundAnywhereAsLongAsTheyAreThere) {
     EXPECT_EQ(find("com.example.registered"), newer);
     ASSERT_EQ(::rename(newer.c_str(), m_folder.path("newer/Away.app").c_str()), 0);
     EXPECT_EQ(find("com.example.registered"), bundle);
+    ASSERT_EQ(::rename(m_folder.path("newer/Away.app").c_str(), newer.c_str()), 0);
+    EXPECT_EQ(find("com.example.registered"), bundle) << "the other one is forgotten";
+    EXPECT_EQ(LSRegisterFSRef(&ref, NO), noErr);
+    EXPECT_EQ(find("com.example.registered"), newer);
+}
+
+TEST_F(Applications, ThatAreMetDeclareTheirTypes) {
+    m_folder.makeBundle("Applications/M.app", R"({CFBundleIdentifier = com.example.m;
+        UTImportedTypeDeclarations = ({UTTypeIdentifier = com.example.m.page; UTTypeConformsTo = public.text;
+        UTTypeTagSpecification = {"public.filename-extension" = mpage;};});})");
+    EXPECT_FALSE(UTTypeConformsTo("com.example.m.page", "public.text"));
+    EXPECT_EQ(find("com.example.none"), "-");
+    EXPECT_TRUE(UTTypeConformsTo("com.example.m.page", "public.text"));
 }
 
 TEST_F(Applications, ThatAreRegisteredDeclareTheirTypes) {
