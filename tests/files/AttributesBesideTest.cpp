@@ -1,6 +1,7 @@
 #include "platform/files/AppleDoubleFile.h"
 #include "tests/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -146,12 +147,13 @@ TEST(AttributesBeside, ThatCannotBeReadAreErrors) {
     ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(file.c_str(), 0644), 0);
     ASSERT_EQ(::chmod(folder.path("._file").c_str(), 0), 0);
-    withoutPrivileges([&] {
+    {
+        OrdinaryUser const user;
         EXPECT_FALSE(get(file, "a"));
         EXPECT_EQ(errno, EACCES);
         EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), -1);
         EXPECT_EQ(errno, EACCES);
-    });
+    }
     EXPECT_EQ(get(file, "a"), "beside");
 }
 

@@ -1,5 +1,6 @@
 #include "platform/files/FSPaths.h"
 #include "tests/foundation/LongFolder.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
@@ -173,10 +174,11 @@ TEST(FSPathMakeRef, LooksIntoNoFolderThatIsForbidden) {
     std::string const file = folder.makeFile("closed/file", "");
     ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0), 0);
-    withoutPrivileges([&] {
+    {
+        OrdinaryUser const user;
         FSRef reference{};
         EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), afpAccessDenied);
-    });
+    }
     ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0700), 0);
 }
 

@@ -2,6 +2,7 @@
 #include "tests/spotlight/FolderForMany.h"
 #include "tests/spotlight/RandomTree.h"
 #include "tests/spotlight/Walk.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>
@@ -36,20 +37,6 @@ std::function<void()> counting(std::atomic<int>& calls) {
         calls.notify_all();
     };
 }
-
-// Takes root's right to read every folder away from this process for a while; nothing for others.
-class OrdinaryUser {
-public:
-    OrdinaryUser() {
-        if (::geteuid() == 0) m_changed = ::seteuid(65534) == 0;
-    }
-    ~OrdinaryUser() {
-        if (m_changed && ::seteuid(0) != 0) std::abort();
-    }
-
-private:
-    bool m_changed = false;
-};
 
 } // namespace
 

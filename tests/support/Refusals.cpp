@@ -14,8 +14,6 @@ namespace mac::test {
 
 namespace {
 
-constexpr long Nobody = 65'534;
-
 void refuse(long call, int errorNumber) {
     std::array<sock_filter, 4> program{{
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -33,17 +31,6 @@ void refuse(long call, int errorNumber) {
 void withRefusedCall(long call, int errorNumber, std::function<void()> const& work) {
     std::thread([&] {
         refuse(call, errorNumber);
-        work();
-    }).join();
-}
-
-void withoutPrivileges(std::function<void()> const& work) {
-    std::thread([&] {
-        if (::geteuid() == 0) {
-            ::syscall(SYS_setgroups, 0, nullptr);
-            ::syscall(SYS_setfsgid, Nobody);
-            ::syscall(SYS_setfsuid, Nobody);
-        }
         work();
     }).join();
 }
