@@ -1,8 +1,8 @@
 #include "platform/files/TrashInformation.h"
 #include "fuzz/TrashInformationRoundTrip.h"
 #include "platform/files/TrashNames.h"
-#include "platform/foundation/LongPath.h"
-#include "tests/files/TrashHome.h"
+#include "tests/support/Corpus.h"
+#include "tests/support/Environment.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -84,14 +84,7 @@ TEST(TrashNames, LoseWholeCharactersWhenTheyAreTooLong) {
 }
 
 TEST(TrashInformationCorpus, Holds) {
-    std::string const folder = FRAMEKEEPER_CORPUS "/TrashInformationFuzz/";
-    std::vector<std::string> const names = namesIn(folder);
-    EXPECT_FALSE(names.empty());
-    for (std::string const& name : names) {
-        Result<FileContents> const contents = readFileAtPath(folder + name, std::size_t{1} << 20);
-        ASSERT_TRUE(contents.hasValue()) << name;
-        EXPECT_EQ(fuzz::complaintAboutTrashInformation(contents.value().bytes), "") << name;
-    }
+    expectNoComplaints("TrashInformationFuzz", &fuzz::complaintAboutTrashInformation);
 }
 
 } // namespace
