@@ -194,18 +194,6 @@ TrashResult<TrashedItem> moveToTrash(OpenItem const& item) {
     return Trashing(item, trash.value(), *original).run();
 }
 
-bool isInTrash(std::string_view path) {
-    std::optional<OpenItem> const item = openItemAtPath(withoutSlashesAtEnd(path), false);
-    std::optional<ItemPlace> const place = item ? placeOf(item->item) : std::nullopt;
-    if (!place || item->name.empty()) return false;
-    std::optional<std::vector<ItemIdentity>> const above = folderAndThoseAbove(item->folder);
-    if (!above) return false;
-    return std::ranges::any_of(trashesAround(item->folder), [&](TrashFolder const& trash) {
-        std::optional<ItemPlace> const files = placeOf(trash.files);
-        return files && contains(*above, files->identity);
-    });
-}
-
 std::optional<std::string> trashFolderForPath(std::string_view path, bool makesIt) {
     std::optional<OpenItem> const item = openItemAtPath(path, true);
     std::optional<ItemPlace> const place = item ? placeOf(item->item) : std::nullopt;

@@ -103,10 +103,6 @@ std::vector<TrashedItem> trashedItems();
 // where the folder is gone, NotThere.
 TrashResult<std::string> putBack(TrashedItem const& item);
 
-// Deletes the item for good, which must be the one that was listed. A folder is deleted as far as that is allowed.
-// Answers the path that is gone.
-TrashResult<std::string> eraseFromTrash(TrashedItem const& item);
-
 struct EmptiedTrash {
     // Of items, as trashedItems counts.
     std::size_t removed{0};
@@ -119,14 +115,8 @@ struct EmptiedTrash {
 // Deletes for good all that lies in the user's trashes on all volumes now; never what a link or a mount point leads to.
 EmptiedTrash emptyTrash();
 
-// Whether the item at the path lies in one of the user's trashes, however deep; a link at the end is meant itself.
-bool isInTrash(std::string_view path);
-
 // The folder that what is trashed on the volume of the path goes to, ".../Trash/files"; nothing when there is none yet
 // (unless it is to be made and can be).
 std::optional<std::string> trashFolderForPath(std::string_view path, bool makesIt);
-
-// All such folders of the user that there are: the home trash first.
-std::vector<std::string> trashFolders();
 
 } // namespace mac

@@ -105,18 +105,18 @@ struct Found {
     bool isFolder{false};
 };
 
-TrashResult<Found> find(TrashedItem const& item, char const* what) {
+TrashResult<Found> find(TrashedItem const& item) {
     std::optional<OpenItem> open = openItemAtPath(item.path, false);
     std::optional<ItemPlace> const place = open ? placeOf(open->item) : std::nullopt;
     std::optional<ItemPlace> const folder = place && !open->name.empty() ? placeOf(open->folder) : std::nullopt;
-    if (!folder) return trashFailure(errno, what);
-    if (!(place->identity == item.identity)) return trashFailure(ESTALE, what);
+    if (!folder) return trashFailure(errno, CannotPutBack);
+    if (!(place->identity == item.identity)) return trashFailure(ESTALE, CannotPutBack);
     for (TrashFolder& trash : trashesAround(open->folder)) {
         std::optional<ItemPlace> const files = placeOf(trash.files);
         if (!files || !(files->identity == folder->identity)) continue;
         return Found{std::move(trash), open->name, std::move(open->item), place->isFolder};
     }
-    return TrashFailure{TrashProblem::NotInTrash, what + std::string(": It is not in the trash")};
+    return TrashFailure{TrashProblem::NotInTrash, std::string(CannotPutBack) + ": It is not in the trash"};
 }
 
 // The AppleDouble file goes where its item went, unless something of its name is there.
@@ -177,7 +177,7 @@ std::vector<TrashedItem> trashedItems() {
 }
 
 TrashResult<std::string> putBack(TrashedItem const& item) {
-    TrashResult<Found> const found = find(item, CannotPutBack);
+    TrashResult<Found> const found = find(item);
     if (!found.hasValue()) return found.failure();
     Found const& trashed = found.value();
     std::optional<TrashInformation> const information = informationOf(trashed.trash, trashed.name);
@@ -204,15 +204,6 @@ TrashResult<std::string> putBack(TrashedItem const& item) {
     return path;
 }
 
-TrashResult<std::string> eraseFromTrash(TrashedItem const& item) {
-    TrashResult<Found> const found = find(item, CannotErase);
-    if (!found.hasValue()) return found.failure();
-    TrashFolder const& trash = found.value().trash;
-    if (!eraseWithCompanion(trash, found.value().name, item.identity)) return trashFailure(errno, CannotErase);
-    if (found.value().isFolder) removeOldDirectorySizes(trash);
-    return item.path;
-}
-
 EmptiedTrash emptyTrash() {
     EmptiedTrash emptied;
     for (TrashFolder const& trash : trashesOfUser()) {
@@ -233,13 +224,6 @@ EmptiedTrash emptyTrash() {
     }
     releaseRemovedItems();
     return emptied;
-}
-
-std::vector<std::string> trashFolders() {
-    std::vector<std::string> folders;
-    for (TrashFolder const& trash : trashesOfUser())
-        folders.push_back(trash.filesPath());
-    return folders;
 }
 
 } // namespace mac

@@ -123,6 +123,24 @@ TrashFailure noTrash() {
     return failure;
 }
 
+// Those that there are.
+std::vector<TrashFolder> homeTrash() {
+    std::vector<TrashFolder> trashes;
+    if (std::optional<TrashFolder> trash = openHomeTrash(MissingTrash::IsMissing)) trashes.push_back(std::move(*trash));
+    return trashes;
+}
+
+std::vector<TrashFolder> trashesOfMount(FileDescriptor const& top) {
+    std::vector<TrashFolder> trashes;
+    std::optional<std::string> const path = top.isOpen() ? pathOfFolder(top) : std::nullopt;
+    if (!path) return trashes;
+    for (auto const open : {openSharedTrash, openOwnTrash}) {
+        if (std::optional<TrashFolder> trash = open(top, *path, MissingTrash::IsMissing))
+            trashes.push_back(std::move(*trash));
+    }
+    return trashes;
+}
+
 } // namespace
 
 std::optional<std::string> TrashFolder::writtenPath(std::string const& original) const {
@@ -154,23 +172,6 @@ TrashResult<TrashFolder> trashForFolder(FileDescriptor const& folder, MissingTra
     if (std::optional<TrashFolder> trash = openSharedTrash(top, *path, missing)) return std::move(*trash);
     if (std::optional<TrashFolder> trash = openOwnTrash(top, *path, missing)) return std::move(*trash);
     return noTrash();
-}
-
-std::vector<TrashFolder> homeTrash() {
-    std::vector<TrashFolder> trashes;
-    if (std::optional<TrashFolder> trash = openHomeTrash(MissingTrash::IsMissing)) trashes.push_back(std::move(*trash));
-    return trashes;
-}
-
-std::vector<TrashFolder> trashesOfMount(FileDescriptor const& top) {
-    std::vector<TrashFolder> trashes;
-    std::optional<std::string> const path = top.isOpen() ? pathOfFolder(top) : std::nullopt;
-    if (!path) return trashes;
-    for (auto const open : {openSharedTrash, openOwnTrash}) {
-        if (std::optional<TrashFolder> trash = open(top, *path, MissingTrash::IsMissing))
-            trashes.push_back(std::move(*trash));
-    }
-    return trashes;
 }
 
 bool holdsHomeTrash(ItemIdentity const& folder) {

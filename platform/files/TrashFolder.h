@@ -29,9 +29,6 @@ enum class MissingTrash { IsMade, IsMissing };
 // Where something in the folder goes to when it is trashed.
 TrashResult<TrashFolder> trashForFolder(FileDescriptor const& folder, MissingTrash missing);
 
-// Those that there are: the home trash, and those of the mount with that uppermost folder.
-std::vector<TrashFolder> homeTrash();
-std::vector<TrashFolder> trashesOfMount(FileDescriptor const& top);
 // Whether the home trash lies in that folder, or would if it were made.
 bool holdsHomeTrash(ItemIdentity const& folder);
 // Those that something in the folder could lie in, or hold.

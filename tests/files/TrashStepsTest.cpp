@@ -81,9 +81,9 @@ TEST_F(TrashSteps, KilledOnTheWayBackItemsAreBack) {
 
 TEST_F(TrashSteps, KilledWhileErasingNothingIsListedTwice) {
     TrashedItem const item = moveToTrash(m_home.folder.makeFile("a/file", "x")).takeValue();
-    runUntilKilled(TrashStep::ItemErased, [&] { eraseFromTrash(item); });
+    runUntilKilled(TrashStep::ItemErased, [&] { emptyTrash(); });
     EXPECT_TRUE(trashedItems().empty());
-    EXPECT_EQ(eraseFromTrash(item).failure().problem, TrashProblem::NotThere);
+    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotThere);
 }
 
 TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) {
