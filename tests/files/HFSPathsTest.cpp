@@ -1,6 +1,8 @@
 #include "platform/files/HFSPaths.h"
+#include "fuzz/HFSPathsRoundTrip.h"
 #include "platform/files/MountTable.h"
 #include "platform/foundation/Encodings.h"
+#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -103,6 +105,8 @@ TEST(HFSPaths, AreThoseOfTheVolumesThatAreMounted) {
     EXPECT_EQ(hfsPathFromPOSIXPath(u"a", false), u":a");
     EXPECT_EQ(posixPathFromHFSPath(u":a"), u"a");
 }
+
+TEST(HFSPathsCorpus, Holds) { expectNoComplaints("HFSPathsFuzz", &fuzz::complaintAboutPaths); }
 
 } // namespace
 } // namespace mac::test
