@@ -14,7 +14,4 @@ bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSC
 // Leads to the item through its folder, which is held open; for attributes, with a link not followed.
 std::string attributePath(OpenItem const& item);
 
-// The attribute that holds a creation date that was set: its 8 bytes, the most significant first.
-inline constexpr char CreateDateAttribute[] = "com.apple.FSCatalogInfo.createDate";
-
 } // namespace mac

@@ -1,7 +1,7 @@
 #include "platform/files/CatalogFields.h"
+#include "platform/files/CreationDates.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/VolumeNumbers.h"
-#include "platform/foundation/BigEndian.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/FolderContents.h"
 #include "platform/foundation/NSDate.h"
@@ -25,25 +25,6 @@ constexpr double NanosecondsASecond = 1e9;
 constexpr unsigned PermissionBits = 07777;
 constexpr std::uint64_t BlockSize = 512;
 constexpr std::uint32_t Start = 0;
-constexpr std::size_t DateSize = 8;
-
-using DateBytes = std::array<std::byte, DateSize>;
-
-DateBytes bytesOf(UTCDateTime const& date) {
-    std::uint64_t const whole =
-        std::uint64_t{date.highSeconds} << 48 | std::uint64_t{date.lowSeconds} << 16 | date.fraction;
-    DateBytes bytes{};
-    for (std::size_t index = 0; index < bytes.size(); ++index)
-        bytes[index] = static_cast<std::byte>(whole >> (8 * (bytes.size() - 1 - index)));
-    return bytes;
-}
-
-UTCDateTime dateOf(DateBytes const& bytes) {
-    auto const whole = bigEndian<std::uint64_t>(bytes, 0);
-    return {static_cast<std::uint16_t>(whole >> 48), static_cast<std::uint32_t>(whole >> 16),
-            static_cast<std::uint16_t>(whole)};
-}
-
 // A date that the record cannot hold is none.
 UTCDateTime dateOf(statx_timestamp const& time) {
     UTCDateTime date{};
@@ -60,16 +41,8 @@ timespec timeOf(UTCDateTime const& date) {
             static_cast<long>(std::round((time - whole) * NanosecondsASecond))};
 }
 
-std::optional<UTCDateTime> keptCreateDate(OpenItem const& item) {
-    DateBytes bytes{};
-    std::ptrdiff_t const length =
-        getxattr(attributePath(item).c_str(), CreateDateAttribute, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW);
-    if (length != static_cast<std::ptrdiff_t>(bytes.size())) return std::nullopt;
-    return dateOf(bytes);
-}
-
 UTCDateTime createDateOf(OpenItem const& item, struct statx const& status) {
-    std::optional<UTCDateTime> const kept = keptCreateDate(item);
+    std::optional<UTCDateTime> const kept = keptCreationDate(item);
     if (kept) return *kept;
     return dateOf((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_mtime);
 }
@@ -149,12 +122,6 @@ bool writeFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalo
     if ((which & kFSCatInfoFinderXInfo) != 0) whole.extFinderInfo = information.extFinderInfo;
     FinderInformation const changed = finderInformationOf(whole);
     return changed == *old || writeFinderInformation(attributePath(item), changed);
-}
-
-bool writeCreateDate(OpenItem const& item, UTCDateTime const& date) {
-    DateBytes const bytes = bytesOf(date);
-    return setxattr(attributePath(item).c_str(), CreateDateAttribute, bytes.data(), bytes.size(), Start,
-                    XATTR_NOFOLLOW) == 0;
 }
 
 bool writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
@@ -241,7 +208,7 @@ bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatal
     // What forbids changes is lifted first and put on last.
     if (changesLock && isLocked(*status) && !setLocked(item, false)) return false;
     if (!writeFinderFields(item, which, information)) return false;
-    if ((which & kFSCatInfoCreateDate) != 0 && !writeCreateDate(item, information.createDate)) return false;
+    if ((which & kFSCatInfoCreateDate) != 0 && !keepCreationDate(item, information.createDate)) return false;
     if ((which & kFSCatInfoPermissions) != 0 && !writePermissions(item, *status, information.permissions)) return false;
     if (!writeTimes(item, which, information)) return false;
     return !changesLock || isLocked(*status) || setLocked(item, true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSFileAttributes.h"
+#include <optional>
 #include <string>
 
 namespace mac {
@@ -14,6 +15,11 @@ NSDictionary fileAttributesOf(FileDescriptor const& item);
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // Immutable and append only alone; what the dictionary does not say stays.
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);
+// File systems have no place for a creation date that is set. The room that keeps such dates elsewhere says, before
+// main begins, how that of an open file or folder is read: in seconds since the beginning of 2001.
+using CreationDateReader = std::optional<double> (*)(FileDescriptor const& item);
+void readCreationDatesBy(CreationDateReader reader);
+
 NSDictionary volumeAttributesOf(FileDescriptor const& item);
 
 } // namespace mac

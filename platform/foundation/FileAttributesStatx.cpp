@@ -39,6 +39,19 @@ NSDate dateOf(statx_timestamp const& time) {
     return NSDate::dateWithTimeIntervalSince1970_(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
 }
 
+CreationDateReader& creationDateReader() {
+    static constinit CreationDateReader reader = nullptr;
+    return reader;
+}
+
+NSDate creationDateOf(FileDescriptor const& item, struct statx const& status) {
+    bool const canBeKept = S_ISREG(status.stx_mode) || S_ISDIR(status.stx_mode);
+    CreationDateReader const reader = canBeKept ? creationDateReader() : nullptr;
+    if (std::optional<double> const kept = reader ? reader(item) : std::nullopt)
+        return NSDate::dateWithTimeIntervalSinceReferenceDate_(*kept);
+    return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
+}
+
 void setIfKnown(NSMutableDictionary const& attributes, id const& value, NSString const& key) {
     if (!(value == nil)) attributes.setObject_forKey_(value, key);
 }
@@ -48,6 +61,8 @@ NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
 }
 
 } // namespace
+
+void readCreationDatesBy(CreationDateReader reader) { creationDateReader() = reader; }
 
 NSDictionary fileAttributesOf(FileDescriptor const& item) {
     struct statx status {};
@@ -68,8 +83,7 @@ NSDictionary fileAttributesOf(FileDescriptor const& item) {
     attributes.setObject_forKey_(dateOf(status.stx_mtime), NSFileModificationDate);
     setIfKnown(attributes, nameOfUser(status.stx_uid), NSFileOwnerAccountName);
     setIfKnown(attributes, nameOfGroup(status.stx_gid), NSFileGroupOwnerAccountName);
-    if ((status.stx_mask & STATX_BTIME) != 0)
-        attributes.setObject_forKey_(dateOf(status.stx_btime), NSFileCreationDate);
+    setIfKnown(attributes, creationDateOf(item, status), NSFileCreationDate);
     if (S_ISCHR(status.stx_mode) || S_ISBLK(status.stx_mode))
         attributes.setObject_forKey_(number(makedev(status.stx_rdev_major, status.stx_rdev_minor)),
                                      NSFileDeviceIdentifier);

@@ -31,7 +31,8 @@ public:
     bool isDeletableFileAtPath_(NSString const& path) const;
 
     // Under the keys of NSFileAttributes.h; nil where there is nothing. With NO a
-    // link at the end is meant itself.
+    // link at the end is meant itself. A creation date that FSSetCatalogInfo set
+    // counts, and not the file system's own.
     NSDictionary fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const;
     // Those of the attributes that can be changed: permissions, modification
     // date, owner, group, immutable and append only; what else the dictionary

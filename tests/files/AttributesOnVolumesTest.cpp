@@ -1,4 +1,9 @@
 #include "platform/files/AppleDouble.h"
+#include "platform/files/CreationDates.h"
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSFileAttributes.h"
+#include "platform/foundation/NSFileManager.h"
 #include "tests/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/PrivateMounts.h"
@@ -185,6 +190,20 @@ TEST_F(AttributesOnVolumes, ThatAreFullDisksStayAsTheyWere) {
     EXPECT_EQ(set(file, "a", bytesOfLength(100'000)), -1);
     EXPECT_EQ(errno, ENOSPC);
     EXPECT_TRUE(get(file, "a") == "old");
+}
+
+TEST_F(AttributesOnVolumes, AreWhereCreationDatesAreKept) {
+    std::string const point = m_folder.makeFolder("point");
+    mountWithoutAttributes(point);
+    std::string const file = m_folder.makeFile("point/file", "");
+    UTCDateTime const date{.lowSeconds = 1'000};
+    ASSERT_TRUE(keepCreationDate(*openItemAtPath(file, false), date));
+    EXPECT_EQ(keptCreationDate(*openItemAtPath(file, false)), date);
+    CFAbsoluteTime time = 0;
+    ASSERT_EQ(UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time), noErr);
+    NSString const path = NSString::stringWithFileSystemRepresentation_(file);
+    NSDictionary const attributes = NSFileManager::defaultManager().fileAttributesAtPath_traverseLink_(path, NO);
+    EXPECT_EQ(attributes.fileCreationDate().timeIntervalSinceReferenceDate(), time);
 }
 
 } // namespace

@@ -1,7 +1,12 @@
 #include "platform/files/CatalogInformation.h"
 #include "platform/files/CatalogFields.h"
+#include "platform/files/CreationDates.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSFileAttributes.h"
+#include "platform/foundation/NSFileManager.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -46,6 +51,14 @@ struct stat statusOf(std::string const& path) {
     struct stat status {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0);
     return status;
+}
+
+// As the file manager tells it.
+double shownCreationDate(std::string const& path, BOOL traversesLink = NO) {
+    NSString const string = NSString::stringWithFileSystemRepresentation_(path);
+    NSDictionary const attributes =
+        NSFileManager::defaultManager().fileAttributesAtPath_traverseLink_(string, traversesLink);
+    return attributes.fileCreationDate().timeIntervalSinceReferenceDate();
 }
 
 class CatalogInformation : public testing::Test {
@@ -121,11 +134,23 @@ TEST_F(CatalogInformation, KeepsTheCreationDateThatWasSet) {
     information.createDate = dateOf(-1e8 + 0.25);
     ASSERT_EQ(set(m_file, kFSCatInfoCreateDate, information), noErr);
     EXPECT_EQ(informationOf(m_file, kFSCatInfoCreateDate).createDate, information.createDate);
+    EXPECT_EQ(shownCreationDate(m_file), -1e8 + 0.25) << "the file manager tells the same";
     // It travels with the item, as eight bytes.
     EXPECT_EQ(getxattr(m_file.c_str(), CreateDateAttribute, nullptr, 0, 0, 0), 8);
     // What is of another size is somebody else's.
     ASSERT_EQ(setxattr(m_file.c_str(), CreateDateAttribute, "x", 1, 0, 0), 0);
     EXPECT_GT(secondsOf(informationOf(m_file, kFSCatInfoCreateDate).createDate), 0);
+    EXPECT_GT(shownCreationDate(m_file), 0);
+}
+
+TEST_F(CatalogInformation, TellsNoLinkTheDateOfWhatItLeadsTo) {
+    FSCatalogInfo information;
+    information.createDate = dateOf(-1e8);
+    ASSERT_EQ(set(m_file, kFSCatInfoCreateDate, information), noErr);
+    std::string const link = m_folder.path("link");
+    ASSERT_EQ(::symlink(m_file.c_str(), link.c_str()), 0);
+    EXPECT_NE(shownCreationDate(link), -1e8);
+    EXPECT_EQ(shownCreationDate(link, YES), -1e8);
 }
 
 TEST_F(CatalogInformation, SetsTheOtherDates) {
