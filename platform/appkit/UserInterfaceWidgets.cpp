@@ -37,10 +37,42 @@ QMessageBox::Icon iconOf(DialogRequest::Icon icon) {
     }
 }
 
+// A message with a field for an answer below its texts. The box of the toolkit lays out texts and buttons alone, and
+// does so anew when the desktop's style changes.
+class MessageWithField : public QMessageBox {
+public:
+    void setField(QLineEdit* field) {
+        m_field = field;
+        placeField();
+    }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        QMessageBox::changeEvent(event);
+        placeField();
+    }
+
+private:
+    void placeField() {
+        auto* const grid = qobject_cast<QGridLayout*>(layout());
+        if (!m_field || grid->indexOf(m_field) >= 0) return;
+        auto* const buttons = findChild<QDialogButtonBox*>();
+        // The texts stand in the last column, the buttons in the last row, which makes room.
+        int const columns = grid->columnCount();
+        int const row = grid->rowCount();
+        grid->removeWidget(buttons);
+        grid->addWidget(m_field, row, columns - 1);
+        grid->addWidget(buttons, row + 1, 0, 1, columns);
+        setTabOrder(m_field, buttons);
+    }
+
+    QLineEdit* m_field{nullptr};
+};
+
 class Widgets : public UserInterface {
 public:
     DialogOutcome runDialog(DialogRequest const& request) override {
-        QMessageBox box;
+        MessageWithField box;
         // What a script says is text, whatever it looks like.
         box.setTextFormat(Qt::PlainText);
         box.setIcon(iconOf(request.icon));
@@ -115,21 +147,13 @@ public:
     }
 
 private:
-    static QLineEdit* addField(QMessageBox& box, DialogRequest const& request) {
+    static QLineEdit* addField(MessageWithField& box, DialogRequest const& request) {
         auto field = std::make_unique<QLineEdit>(qString(*request.answer));
         if (request.hidesAnswer) field->setEchoMode(QLineEdit::Password);
         field->setAccessibleName(qString(request.text));
-        auto* const grid = qobject_cast<QGridLayout*>(box.layout());
-        auto* const buttons = box.findChild<QDialogButtonBox*>();
+        field->selectAll();
         QLineEdit* const placed = field.release();
-        // The texts stand in the last column, the buttons in the last row, which makes room.
-        int const columns = grid->columnCount();
-        int const row = grid->rowCount();
-        grid->removeWidget(buttons);
-        grid->addWidget(placed, row, columns - 1);
-        grid->addWidget(buttons, row + 1, 0, 1, columns);
-        QWidget::setTabOrder(placed, buttons);
-        placed->selectAll();
+        box.setField(placed);
         placed->setFocus();
         return placed;
     }

@@ -79,30 +79,33 @@ TEST(UserInterface, ADialogTakesAnAnswer) {
     EXPECT_EQ(mode, QLineEdit::Password);
 }
 
+void expectFieldBetweenTextAndButtons(QDialog const& dialog) {
+    auto const placeOf = [&](QWidget const& widget) { return QRect(widget.mapTo(&dialog, QPoint()), widget.size()); };
+    QRect const text = placeOf(*dialog.findChild<QLabel*>("qt_msgbox_informativelabel"));
+    QRect const field = placeOf(*dialog.findChild<QLineEdit*>());
+    EXPECT_LE(text.bottom(), field.top());
+    EXPECT_LE(field.bottom(), placeOf(*buttonNamed(dialog, "OK")).top());
+    EXPECT_EQ(field.left(), text.left());
+}
+
 TEST(UserInterface, TheAnswerIsTypedAboveTheButtons) {
     DialogRequest asked = request();
     asked.details = u"b";
     asked.icon = DialogRequest::Icon::Note;
     asked.answer = u"x";
-    QRect text;
-    QRect field;
-    QRect button;
-    answer([&](QDialog& dialog) {
-        auto const placeOf = [&](QWidget const& widget) {
-            return QRect(widget.mapTo(&dialog, QPoint()), widget.size());
-        };
-        text = placeOf(*dialog.findChild<QLabel*>("qt_msgbox_informativelabel"));
-        field = placeOf(*dialog.findChild<QLineEdit*>());
-        button = placeOf(*buttonNamed(dialog, "OK"));
+    answer([](QDialog& dialog) {
+        expectFieldBetweenTextAndButtons(dialog);
+        // The desktop's style changes, and the dialog is laid out anew.
+        QEvent change(QEvent::StyleChange);
+        QApplication::sendEvent(&dialog, &change);
+        QApplication::processEvents();
+        expectFieldBetweenTextAndButtons(dialog);
         QTest::keyClicks(dialog.focusWidget(), "yz");
         QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
     });
     DialogOutcome const outcome = interface().runDialog(asked);
     EXPECT_EQ(outcome.answer, u"yz") << "what stands there is selected, and so replaced";
     EXPECT_EQ(outcome.button, 1U);
-    EXPECT_LE(text.bottom(), field.top());
-    EXPECT_LE(field.bottom(), button.top());
-    EXPECT_EQ(field.left(), text.left());
 }
 
 TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
