@@ -8,8 +8,8 @@
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/DetachedProcess.h"
 #include "platform/processes/FrontProcess.h"
-#include "platform/processes/ProcessList.h"
 #include "platform/processes/Session.h"
+#include <algorithm>
 
 namespace mac {
 
@@ -23,13 +23,10 @@ constexpr char FinderIdentifier[] = "com.apple.finder";
 // Brings a process of this session that runs the program to the front, as far as the display does that; false when none
 // runs it.
 bool activateProgram(std::string const& program) {
-    bool isRunning = false;
-    for (RunningProcess const& process : runningProcesses()) {
-        if (programOf(process) != program || !isOfThisSession(process.identity.pid)) continue;
-        if (bringToFront(process.identity.pid)) return true;
-        isRunning = true;
-    }
-    return isRunning;
+    std::vector<ProcessIdentity> const processes = sessionProcessesOf(program);
+    bool const isInFront =
+        std::ranges::any_of(processes, [](ProcessIdentity const& process) { return bringToFront(process.pid); });
+    return isInFront || !processes.empty();
 }
 
 bool launchEntry(std::string const& path) {

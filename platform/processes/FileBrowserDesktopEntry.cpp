@@ -14,12 +14,6 @@ bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::
     return program == browser.program && isOfThisSession(pid);
 }
 
-std::vector<ProcessIdentity> processesOf(FileBrowser const& browser) {
-    std::vector<ProcessIdentity> processes;
-    for (RunningProcess const& process : runningProcesses()) {
-        if (isFileBrowser(browser, programOf(process), process.identity.pid)) processes.push_back(process.identity);
-    }
-    return processes;
-}
+std::vector<ProcessIdentity> processesOf(FileBrowser const& browser) { return sessionProcessesOf(browser.program); }
 
 } // namespace mac

@@ -1,7 +1,6 @@
 #include "platform/processes/Session.h"
 #include "platform/foundation/PercentEscapes.h"
 #include "platform/processes/DesktopApplication.h"
-#include "platform/processes/ProcessList.h"
 #include <cstdlib>
 #include <functional>
 #include <sys/stat.h>
@@ -51,6 +50,15 @@ bool isOfThisSession(std::int32_t pid) {
         return std::string();
     }));
     return !place || place == placeIn(sessionBusAddress());
+}
+
+std::vector<ProcessIdentity> sessionProcessesOf(std::string const& program) {
+    std::vector<ProcessIdentity> processes;
+    for (RunningProcess const& process : runningProcesses()) {
+        if (programOf(process) == program && isOfThisSession(process.identity.pid))
+            processes.push_back(process.identity);
+    }
+    return processes;
 }
 
 } // namespace mac

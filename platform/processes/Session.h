@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/processes/ProcessList.h"
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 // The session that this process is in, for implementations; any thread.
 
@@ -15,5 +17,8 @@ std::optional<std::string> sessionBusAddress();
 // Whether the process is this user's and at the same bus: of another session, at another display, it is somebody
 // else's. One whose environment names no bus is taken for this session's; one that may not be looked at is not.
 bool isOfThisSession(std::int32_t pid);
+
+// This session's processes that run the program, as programOf tells it, in the order of their start.
+std::vector<ProcessIdentity> sessionProcessesOf(std::string const& program);
 
 } // namespace mac
