@@ -286,8 +286,6 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
         (!companion || TreeCopy(goesOn, copied).run(*companion, folder, AppleDoubleFile::nameFor(temporary))) &&
         TreeCopy(goesOn, copied).run(item, folder, temporary) && ::syncfs(listed.number()) == 0 &&
         placeOver(item, folder, name, clash, [&] { return nameCopy(folder, temporary, name); });
-    // Some file systems cannot flush folders.
-    if (isWhole) ::fsync(listed.number());
     if (!isWhole && !temporary.empty()) removeCopy(folder, temporary);
     return isWhole;
 }
@@ -335,7 +333,9 @@ Moved moveWithCompanion(OpenItem const& item, FileDescriptor const& folder, std:
 bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
               TransferGoesOn const& goesOn) {
     CopiedItems copied;
-    return copyAs(item, folder, name, clash, goesOn, copied);
+    bool const isCopied = copyAs(item, folder, name, clash, goesOn, copied);
+    if (isCopied) flushFolder(folder);
+    return isCopied;
 }
 
 ItemMove moveItem(OpenItem const& item, FileDescriptor const& folder, std::string const& name, NameClash clash,
@@ -351,7 +351,9 @@ ItemMove moveItem(OpenItem const& item, FileDescriptor const& folder, std::strin
     CopiedItems copied;
     std::optional<OpenItem> const companion = companionItem(item);
     if (!copyAs(item, folder, name, clash, goesOn, copied)) return ItemMove::NotDone;
-    bool const isGone = removeOriginal(item, copied) && (!companion || removeOriginal(*companion, copied));
+    // Not before the copy's name is on the disk, too.
+    bool const isGone =
+        flushFolder(folder) && removeOriginal(item, copied) && (!companion || removeOriginal(*companion, copied));
     int const reason = errno;
     releaseRemovedItems();
     errno = reason;

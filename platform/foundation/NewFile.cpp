@@ -51,13 +51,6 @@ bool copyAttribute(std::string const& oldPath, FileDescriptor const& file, std::
            isUnsupported(errno);
 }
 
-// A system that cannot flush folders has no more to offer.
-bool flushFolder(FileDescriptor const& folder) {
-    FileDescriptor const readable = readableFolder(folder);
-    return !readable.isOpen() || ::fsync(readable.number()) == 0 || errno == EINVAL || errno == EROFS ||
-           isUnsupported(errno);
-}
-
 } // namespace
 
 std::optional<std::string> unguessableName() {

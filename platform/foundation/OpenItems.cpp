@@ -60,6 +60,12 @@ FileDescriptor readableFolder(FileDescriptor const& folder) {
     return FileDescriptor(::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
 }
 
+bool flushFolder(FileDescriptor const& folder) {
+    FileDescriptor const readable = readableFolder(folder);
+    if (!readable.isOpen() || ::fsync(readable.number()) == 0) return true;
+    return errno == EINVAL || errno == EROFS || errno == EOPNOTSUPP || errno == ENOSYS;
+}
+
 bool writeAll(FileDescriptor const& file, std::span<std::byte const> bytes) {
     while (!bytes.empty()) {
         ssize_t const count = ::write(file.number(), bytes.data(), bytes.size());

@@ -31,6 +31,9 @@ FileDescriptor openBelow(FileDescriptor const& folder, std::string_view relative
 // The open folder for reading.
 FileDescriptor readableFolder(FileDescriptor const& folder);
 
+// The names in the folder are on the disk, as far as the system can see to it; true also where it cannot flush folders.
+bool flushFolder(FileDescriptor const& folder);
+
 // All of the bytes, from where the file stands.
 bool writeAll(FileDescriptor const& file, std::span<std::byte const> bytes);
 

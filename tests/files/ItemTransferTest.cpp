@@ -3,9 +3,11 @@
 #include "tests/files/Attributes.h"
 #include "tests/files/TrashHome.h"
 #include "tests/support/PrivateMounts.h"
+#include "tests/support/Refusals.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 
 namespace mac::test {
@@ -297,6 +299,23 @@ TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
     EXPECT_EQ(errno, EACCES);
     EXPECT_EQ(textOf(m_point.path("file")), "x");
     EXPECT_EQ(textOf(file), "x");
+}
+
+TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhereTheNameOfTheCopyIsNotOnTheDisk) {
+    mountMemory(m_point.path());
+    std::string const file = m_folder.makeFile("file", "x");
+    std::optional<OpenItem> const item = openItemAtPath(file, false);
+    ASSERT_TRUE(item);
+    withRefusedCall(SYS_fsync, EIO, [&] {
+        ItemMove const moved = moveItem(*item, folderAt(m_point.path()), "file", NameClash::IsRefused, always);
+        EXPECT_EQ(moved, ItemMove::OriginalStays);
+        EXPECT_EQ(errno, EIO);
+    });
+    EXPECT_EQ(textOf(file), "x");
+    ASSERT_EQ(::unlink(m_point.path("file").c_str()), 0);
+    // Some file systems cannot flush folders.
+    withRefusedCall(SYS_fsync, EINVAL, [&] { EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0); });
+    EXPECT_FALSE(isThere(file));
 }
 
 TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
