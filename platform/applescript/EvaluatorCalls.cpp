@@ -208,7 +208,7 @@ Value Evaluator::carryOut(Node const& node) {
         found = findCommandHandler(direct, node.command->code);
         if (node.command->code == eventOf("aevtoapp") && (!found.handler || found.owner != &direct.script()))
             return runScript(direct.script(), {});
-        if (found.handler) return callCommandHandler(found, direct, {});
+        if (found.handler) return callCommandHandler(found, direct, {.named = arguments.named});
     }
     found = findCommandHandler(receiver, node.command->code);
     if (found.handler) return callCommandHandler(found, receiver, arguments);
