@@ -50,8 +50,8 @@ Value fileInApplication(Value const& file, Value const& told) {
 }
 
 bool hasTermFor(Value const& told, Code property) {
-    Application const* const application = applicationOf(rootOf(told).application());
-    return application && application->terms() && !application->terms()->nameOf(property).empty();
+    Terminology const* const terms = termsOf(rootOf(told).application());
+    return terms && !terms->nameOf(property).empty();
 }
 
 Value getInApplication(Value const& specifier, Code type, TextContext const& context) {

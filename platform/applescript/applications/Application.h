@@ -51,6 +51,8 @@ public:
 
 // By name in any case, or by identifier. Null for one that nobody knows.
 Application* applicationOf(ApplicationObject const& named);
+// Its table, without looking for a program; null where it has none.
+Terminology const* termsOf(ApplicationObject const& named);
 // The same for a name or an identifier; null also for an application without a table.
 Terminology const* terminologyOfApplication(std::u16string_view nameOrIdentifier);
 

@@ -35,6 +35,11 @@ Application* applicationOf(ApplicationObject const& named) {
     return named.byIdentifier ? programIdentified(named.name) : programNamed(named.name);
 }
 
+Terminology const* termsOf(ApplicationObject const& named) {
+    Application const* const own = ownApplication(named.name, named.byIdentifier);
+    return own ? own->terms() : nullptr;
+}
+
 Terminology const* terminologyOfApplication(std::u16string_view nameOrIdentifier) {
     for (bool const byIdentifier : {false, true})
         if (Application const* const application = ownApplication(nameOrIdentifier, byIdentifier))

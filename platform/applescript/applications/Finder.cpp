@@ -111,7 +111,7 @@ Value refuse(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, Application
 
 // The desktop's file browser watches what it shows.
 Value update(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    finder::itemsOf(finder, ModelApplication::directOf(command), evaluator.context());
+    finder::itemsOf(finder.objects(ModelApplication::directOf(command), evaluator.context()));
     return {};
 }
 
@@ -187,18 +187,16 @@ protected:
 
 namespace finder {
 
-std::vector<std::shared_ptr<FinderItem>> itemsOf(ModelApplication& finder, Value const& meant,
-                                                 TextContext const& context) {
-    std::vector<std::shared_ptr<FinderItem>> items;
-    for (ModelPointer const& object : finder.objects(meant, context)) {
+FinderItems itemsOf(std::vector<ModelPointer> const& found) {
+    FinderItems items;
+    for (ModelPointer const& object : found) {
         if (!isItem(*object)) throw plainError(NoObjectOfClass);
         items.push_back(std::static_pointer_cast<FinderItem>(object));
     }
     return items;
 }
 
-std::shared_ptr<FinderItem> folderOf(ModelApplication& finder, Value const& meant, TextContext const& context) {
-    std::vector<ModelPointer> const found = finder.objects(meant, context);
+std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
     if (found.size() != 1) throw plainError(CannotPutThere);
     // The Finder's own elements are what lies on the desktop.
     if (found.front()->type() == codeOf("capp")) return FinderItem::atPath(desktopPath());

@@ -12,18 +12,21 @@ Terminology const& finderTerms();
 
 namespace finder {
 
-// The items that are meant; throws for what is none.
-std::vector<std::shared_ptr<FinderItem>> itemsOf(ModelApplication& finder, Value const& meant,
-                                                 TextContext const& context);
+using FinderItems = std::vector<std::shared_ptr<FinderItem>>;
+
+// What was found, as items; throws for what is none.
+FinderItems itemsOf(std::vector<ModelPointer> const& found);
 // The folder that something is to be put into; -10024 for what is none.
-std::shared_ptr<FinderItem> folderOf(ModelApplication& finder, Value const& meant, TextContext const& context);
+std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found);
 // A command about one item answers that, one about several a list.
 Value answerOf(Value const& meant, std::vector<Value> answers);
 
 // FinderTrash.cpp
 ModelPointer trash();
-bool isTrash(ModelApplication& finder, Value const& meant, TextContext const& context);
+bool isTrash(std::vector<ModelPointer> const& found);
 Value movedToTrash(FinderItem const& item);
+// The answer of a command about them.
+Value moveToTrash(FinderItems const& items, Value const& meant);
 
 using Command = Value (*)(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 

@@ -75,13 +75,13 @@ Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     TextContext const& context = evaluator.context();
     Code const type = classToMake(command);
     Value const* const at = command.find(codeOf("insh"));
-    std::shared_ptr<FinderItem> const folder = folderOf(finder, at ? *at : command.subject, context);
+    std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(at ? *at : command.subject, context));
     if (!folder) throw fileError(ENOENT, Value::text(shownName(desktopPath())));
     std::string target;
     if (type == codeOf("alia")) {
         Value const* const to = command.find(codeOf("to  "));
         if (!to) throw missingParameter(u"to", command.term.name);
-        std::vector<std::shared_ptr<FinderItem>> const originals = itemsOf(finder, *to, context);
+        FinderItems const originals = itemsOf(finder.objects(*to, context));
         if (originals.size() != 1) throw plainError(-10014);
         target = originals.front()->path();
     }

@@ -104,9 +104,10 @@ Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     Value const* const to = command.find(codeOf("insh"));
     if (!to) throw missingParameter(u"to", command.term.name);
     Value const meant = ModelApplication::directOf(command);
-    std::vector<std::shared_ptr<FinderItem>> const items = itemsOf(finder, meant, context);
-    if (isTrash(finder, *to, context)) return remove(finder, evaluator, command);
-    std::shared_ptr<FinderItem> const folder = folderOf(finder, *to, context);
+    FinderItems const items = itemsOf(finder.objects(meant, context));
+    std::vector<ModelPointer> const place = finder.objects(*to, context);
+    if (isTrash(place)) return moveToTrash(items, meant);
+    std::shared_ptr<FinderItem> const folder = folderOf(place);
     NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : items) {
@@ -121,8 +122,8 @@ Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationComma
     TextContext const& context = evaluator.context();
     Value const* const to = command.find(codeOf("insh"));
     Value const meant = ModelApplication::directOf(command);
-    std::vector<std::shared_ptr<FinderItem>> const items = itemsOf(finder, meant, context);
-    std::shared_ptr<FinderItem> const folder = to ? folderOf(finder, *to, context) : nullptr;
+    FinderItems const items = itemsOf(finder.objects(meant, context));
+    std::shared_ptr<FinderItem> const folder = to ? folderOf(finder.objects(*to, context)) : nullptr;
     NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : items) {

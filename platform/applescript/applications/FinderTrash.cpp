@@ -1,4 +1,5 @@
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/HFSPaths.h"
@@ -71,13 +72,12 @@ namespace finder {
 
 ModelPointer trash() { return std::make_shared<FinderTrash>(); }
 
-bool isTrash(ModelApplication& finder, Value const& meant, TextContext const& context) {
-    std::vector<ModelPointer> const found = finder.objects(meant, context);
+bool isTrash(std::vector<ModelPointer> const& found) {
     return found.size() == 1 && found.front()->type() == codeOf("ctrs");
 }
 
 Value movedToTrash(FinderItem const& item) {
-    TrashResult<TrashedItem> const result = moveToTrash(item.open());
+    TrashResult<TrashedItem> const result = mac::moveToTrash(item.open());
     if (!result.hasValue()) throw trashError(result.failure(), item.specifier());
     std::shared_ptr<FinderItem> const trashed = FinderItem::atPath(result.value().path);
     if (!trashed) throw fileError(ENOENT, item.specifier());
@@ -85,20 +85,23 @@ Value movedToTrash(FinderItem const& item) {
 }
 
 // What cannot be thrown away ends it; what was thrown away until then stays in the trash.
-Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    Value const meant = ModelApplication::directOf(command);
+Value moveToTrash(FinderItems const& items, Value const& meant) {
     std::vector<Value> answers;
-    for (std::shared_ptr<FinderItem> const& item : itemsOf(finder, meant, evaluator.context())) {
-        evaluator.stopIfAsked();
+    for (std::shared_ptr<FinderItem> const& item : items) {
+        stopRunIfAsked();
         answers.push_back(movedToTrash(*item));
     }
     return answerOf(meant, std::move(answers));
 }
 
+Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
+    Value const meant = ModelApplication::directOf(command);
+    return moveToTrash(itemsOf(finder.objects(meant, evaluator.context())), meant);
+}
+
 Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    if (!command.direct.isNothing()) {
-        if (!isTrash(finder, command.direct, evaluator.context())) throw plainError(-10010);
-    }
+    bool const isTold = !command.direct.isNothing();
+    if (isTold && !isTrash(finder.objects(command.direct, evaluator.context()))) throw plainError(-10010);
     EmptiedTrash const emptied = mac::emptyTrash();
     if (emptied.left > 0) throw trashError(emptied.firstFailure, trash()->specifier());
     bool const wasEmpty = emptied.removed == 0;

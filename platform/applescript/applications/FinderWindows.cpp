@@ -36,9 +36,10 @@ Value done(FinderOutcome const& outcome, Value const& object) {
 }
 
 std::vector<std::string> pathsOf(ModelApplication& finder, Value const& meant, TextContext const& context) {
-    if (isTrash(finder, meant, context)) return {trashFolderForPath(homePath(), true).value_or(homePath())};
+    std::vector<ModelPointer> const found = finder.objects(meant, context);
+    if (isTrash(found)) return {trashFolderForPath(homePath(), true).value_or(homePath())};
     std::vector<std::string> paths;
-    for (std::shared_ptr<FinderItem> const& item : itemsOf(finder, meant, context))
+    for (std::shared_ptr<FinderItem> const& item : itemsOf(found))
         paths.push_back(item->path());
     return paths;
 }

@@ -84,8 +84,12 @@ public:
     }
 
 private:
+    // All processes are gone through only when the one that was found has ended.
     std::optional<NamedProcess> running() const {
-        return m_byIdentifier ? processIdentified(m_name) : processNamed(m_name);
+        std::optional<RunningProcess> const known = m_process ? runningProcess(m_process->identity) : std::nullopt;
+        bool const isStillIt = known && known->executable == m_process->executable;
+        if (!isStillIt) m_process = m_byIdentifier ? processIdentified(m_name) : processNamed(m_name);
+        return m_process;
     }
     std::optional<InstalledProgram> installed() const {
         return m_byIdentifier ? installedProgramIdentified(m_name) : installedProgramNamed(m_name);
@@ -168,6 +172,7 @@ private:
 
     std::u16string m_name;
     bool m_byIdentifier;
+    mutable std::optional<NamedProcess> m_process{};
 };
 
 Application* program(std::u16string_view name, bool byIdentifier) {

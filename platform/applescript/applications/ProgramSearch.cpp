@@ -25,6 +25,7 @@ NamedProcess named(RunningProcess const& process) {
     NSDictionary const information =
         ProcessInformationCopyDictionary(&number, kProcessDictionaryIncludeAllInformationMask);
     return {.identity = process.identity,
+            .executable = process.executable,
             .name =
                 textIn(information, kCFBundleNameKey).value_or(unitsFromFileSystemBytes(fileName(process.executable))),
             .identifier = textIn(information, kCFBundleIdentifierKey).value_or(std::u16string())};
