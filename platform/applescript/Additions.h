@@ -30,6 +30,9 @@ Value systemInfo(Evaluator& evaluator, CommandArguments const& arguments);
 Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsShell.cpp
+// Linux: what files and commands say in no named encoding is UTF-8 where it is that, for that is what files here hold;
+// else Mac OS Roman.
+std::u16string textOfBytes(std::string const& bytes);
 Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
@@ -43,6 +46,8 @@ Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments);
 Value clipboardInfo(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsFiles.cpp
+// The file as it was named; for a mere path, its file.
+Value asFile(Value const& named, std::u16string const& path);
 Value infoFor(Evaluator& evaluator, CommandArguments const& arguments);
 Value listFolder(Evaluator& evaluator, CommandArguments const& arguments);
 

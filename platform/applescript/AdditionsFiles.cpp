@@ -4,18 +4,13 @@
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/FolderContents.h"
 #include <algorithm>
-#include <dirent.h>
-#include <memory>
 #include <sys/stat.h>
 
 namespace mac::applescript::additions {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
 
 std::string bytesOfPath(std::u16string const& path, Value const& file) {
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
@@ -29,16 +24,16 @@ std::u16string lastComponent(std::u16string path) {
     return path.substr(path.rfind(u'/') + 1);
 }
 
-Value fileValue(Value const& written, std::u16string const& path) {
-    if (written.is(ValueKind::File)) return written;
+} // namespace
+
+Value asFile(Value const& named, std::u16string const& path) {
+    if (named.is(ValueKind::File)) return named;
     return makeObject<FileObject>(ValueKind::File, FileObject::Kind::File, path);
 }
 
-} // namespace
-
 Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const path = requirePath(arguments.direct, evaluator.context());
-    Value const file = fileValue(resolved(arguments.direct, evaluator.context()), path);
+    Value const file = asFile(resolved(arguments.direct, evaluator.context()), path);
     struct stat status {};
     if (::stat(bytesOfPath(path, file).c_str(), &status) != 0) throw fileNotFound(file);
     std::u16string const name = lastComponent(path);
@@ -66,17 +61,15 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
 // In the order of names; hidden items unless told otherwise.
 Value listFolder(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const path = requirePath(arguments.direct, evaluator.context());
-    Value const file = fileValue(resolved(arguments.direct, evaluator.context()), path);
-    std::unique_ptr<DIR, CloseFolder> const folder(::opendir(bytesOfPath(path, file).c_str()));
-    if (!folder) throw fileNotFound(file);
+    Value const file = asFile(resolved(arguments.direct, evaluator.context()), path);
+    std::optional<std::vector<std::string>> const listed =
+        namesInFolder(bytesOfPath(path, file), LinkAtEnd::IsFollowed);
+    if (!listed) throw fileNotFound(file);
     Value const* const flag = arguments.find(codeOf("lfiv"));
     bool const showsHidden = !flag || requireBoolean(*flag, evaluator.context());
     std::vector<std::u16string> names;
-    while (dirent const* const entry = ::readdir(folder.get())) {
-        std::string_view const name = entry->d_name;
-        bool const isShown = name != "." && name != ".." && (showsHidden || !name.starts_with('.'));
-        if (isShown) names.push_back(unitsFromFileSystemBytes(name));
-    }
+    for (std::string const& name : *listed)
+        if (showsHidden || !name.starts_with('.')) names.push_back(unitsFromFileSystemBytes(name));
     std::ranges::sort(names);
     std::vector<Value> values;
     values.reserve(names.size());

@@ -18,11 +18,6 @@ namespace {
 constexpr mode_t NewFileMode = 0666;
 using File = OpenFiles::File;
 
-Value asFile(Value const& named, std::u16string const& path) {
-    if (named.is(ValueKind::File)) return named;
-    return makeObject<FileObject>(ValueKind::File, FileObject::Kind::File, path);
-}
-
 File openAt(Value const& named, std::u16string const& path, int flags) {
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (!bytes) throw fileNotFound(asFile(named, path));
@@ -102,16 +97,13 @@ NSStringEncoding wideEncodingAt(std::int64_t place, File const& file) {
     return isLittle ? NSUTF16LittleEndianStringEncoding : NSUTF16BigEndianStringEncoding;
 }
 
-// Linux: text without a class is UTF-8 where it is that, for that is what files here hold; else Mac OS Roman.
 std::u16string textOf(std::string const& bytes, Code type, NSStringEncoding wideEncoding) {
     if (isWide(type)) {
         std::optional<std::u16string> const wide = unitsFromBytes(bytes, wideEncoding);
         if (!wide) throw plainError(errors::Parameter);
         return *wide;
     }
-    std::optional<std::u16string> text = unitsFromUTF8(bytes);
-    if (!text) text = unitsFromBytes(bytes, NSMacOSRomanStringEncoding);
-    return text.value_or(std::u16string());
+    return textOfBytes(bytes);
 }
 
 Value splitText(std::u16string const& text, Value const& delimiters, TextContext const& context) {

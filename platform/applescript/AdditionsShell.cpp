@@ -20,12 +20,6 @@ constexpr int Dismissed = 126;
 // is not taken for one of the command.
 constexpr std::string_view Started = "\1privileges granted\1\n";
 
-std::u16string decoded(std::string const& bytes) {
-    std::optional<std::u16string> text = unitsFromUTF8(bytes);
-    if (!text) text = unitsFromBytes(bytes, NSMacOSRomanStringEncoding);
-    return text.value_or(std::u16string());
-}
-
 // Line ends become returns, and the last one goes.
 std::u16string withAlteredLineEnds(std::u16string text) {
     std::ranges::replace(text, u'\n', u'\r');
@@ -70,6 +64,12 @@ CommandResult privilegedResultOf(std::string const& command, std::size_t most) {
 
 } // namespace
 
+std::u16string textOfBytes(std::string const& bytes) {
+    std::optional<std::u16string> text = unitsFromUTF8(bytes);
+    if (!text) text = unitsFromBytes(bytes, NSMacOSRomanStringEncoding);
+    return text.value_or(std::u16string());
+}
+
 Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
     auto const isTrue = [&](Code code, bool standard) {
@@ -87,11 +87,11 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
                                      ? privilegedResultOf(command.value_or(std::string()), context.mostUnits)
                                      : resultOf({"/bin/sh", "-c", command.value_or(std::string())}, context.mostUnits);
     if (result.status != 0) {
-        std::u16string message = withAlteredLineEnds(decoded(result.complaints));
+        std::u16string message = withAlteredLineEnds(textOfBytes(result.complaints));
         if (message.empty()) message = SilentFailure;
         throw ScriptError{.number = result.status, .message = std::move(message)};
     }
-    std::u16string text = decoded(result.output);
+    std::u16string text = textOfBytes(result.output);
     if (isTrue(codeOf("alen"), true)) text = withAlteredLineEnds(std::move(text));
     Value const* const type = arguments.find(codeOf("rtyp"));
     Value const output = Value::text(std::move(text));

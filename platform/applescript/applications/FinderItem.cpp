@@ -7,11 +7,11 @@
 #include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/LongPath.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <linux/stat.h>
 #include <sys/stat.h>
@@ -19,10 +19,6 @@
 namespace mac::applescript {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
 
 std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
     struct statx status {};
@@ -69,11 +65,9 @@ FileDescriptor openFolder(std::string const& path) {
 }
 
 // The names in the order of a list by name; what begins with a dot does not show.
-std::vector<std::string> shownNames(FileDescriptor const& folder) {
-    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0)));
+std::vector<std::string> shownNames(std::vector<std::string> all) {
     std::vector<std::pair<std::u16string, std::string>> names;
-    while (dirent const* const entry = entries ? ::readdir(entries.get()) : nullptr) {
-        std::string name = entry->d_name;
+    for (std::string& name : all) {
         if (name.starts_with('.')) continue;
         std::u16string shown = shownName(name);
         names.emplace_back(std::move(shown), std::move(name));
@@ -149,9 +143,11 @@ std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) 
     if (!folder.isOpen()) throw fileError(errno, specifier());
     std::optional<IdentifiedItem> const found = identify(folder);
     if (!found || !(found->identity == m_facts.identity)) throw fileError(ENOENT, specifier());
+    std::optional<std::vector<std::string>> names = namesInOpenFolder(folder);
+    if (!names) throw fileError(errno, specifier());
     Value const self = specifier();
     std::vector<ModelPointer> elements;
-    for (std::string const& name : shownNames(folder)) {
+    for (std::string const& name : shownNames(std::move(*names))) {
         std::optional<ItemFacts> const facts = factsOf(folder, name);
         if (!facts) continue;
         Code const type = typeOf(name, facts->mode);

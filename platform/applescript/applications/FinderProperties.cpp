@@ -9,12 +9,12 @@
 #include "platform/foundation/AccountNames.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/LongPath.h"
+#include "platform/foundation/OpenItems.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/DisplayNames.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <fcntl.h>
 #include <fts.h>
 #include <memory>
@@ -187,12 +187,10 @@ std::optional<Value> FinderItem::diskProperty(Code code) const {
 std::optional<Value> FinderItem::linkProperty(Code code) const {
     if (code != codeOf("orig")) return {};
     OpenItem const item = open();
-    std::array<char, PATH_MAX> text;
-    ssize_t const length = ::readlinkat(item.item.number(), "", text.data(), text.size());
-    if (length <= 0) return {};
-    std::string const target(text.data(), static_cast<std::size_t>(length));
+    std::optional<std::string> const target = linkText(item.item);
+    if (!target) throw fileError(errno, specifier());
     std::shared_ptr<FinderItem> const original =
-        atPath(target.starts_with('/') ? target : joined(parentOf(m_path), target));
+        atPath(target->starts_with('/') ? *target : joined(parentOf(m_path), *target));
     if (!original) throw fileError(ENOENT, propertySpecifier(termSymbol(code, u"original item"), specifier()));
     return original->specifier();
 }
