@@ -69,6 +69,8 @@ ContainerObject::~ContainerObject() {
     --containerCount;
 }
 
+std::size_t ContainerObject::countOfAll() { return containerCount; }
+
 // A container that is held more often than containers hold it is held from outside, and so is what it holds.
 void ContainerObject::collectCircles() {
     for (ContainerObject* container = firstContainer; container; container = container->m_next) {

@@ -13,6 +13,8 @@ public:
 
     // Frees the containers that only containers of the same circle hold. Called now and then, and when a script ends.
     static void collectCircles();
+    // How many live.
+    static std::size_t countOfAll();
 
 protected:
     // Calls back for each value held.

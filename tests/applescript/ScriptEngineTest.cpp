@@ -1,4 +1,5 @@
 #include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/HeapObjects.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/support/TemporaryFolder.h"
@@ -88,10 +89,28 @@ TEST(ScriptEngine, PeopleReadResultsWithoutQuotesAndBrackets) {
 }
 
 TEST(ScriptEngine, AListThatHoldsItselfHasNoSourceFormAndIsFreed) {
-    CompiledScript script = compiled(u"set x to {}\nset end of x to x\nx");
-    ScriptOutcome outcome = script.run({});
-    ASSERT_TRUE(outcome.value.is(ValueKind::List));
-    EXPECT_THROW(sourceForm(outcome.value), ScriptError);
+    ContainerObject::collectCircles();
+    std::size_t const before = ContainerObject::countOfAll();
+    {
+        CompiledScript script = compiled(u"set x to {}\nset end of x to x\nx");
+        ScriptOutcome const outcome = script.run({});
+        ASSERT_TRUE(outcome.value.is(ValueKind::List));
+        EXPECT_THROW(sourceForm(outcome.value), ScriptError);
+        EXPECT_GT(ContainerObject::countOfAll(), before);
+    }
+    ContainerObject::collectCircles();
+    EXPECT_EQ(ContainerObject::countOfAll(), before);
+}
+
+TEST(ScriptEngine, WhatACompiledScriptHoldsInCirclesGoesWithIt) {
+    ContainerObject::collectCircles();
+    std::size_t const before = ContainerObject::countOfAll();
+    {
+        CompiledScript script = compiled(u"set x to {}\nset end of x to x\n1");
+        script.run({});
+        EXPECT_GT(ContainerObject::countOfAll(), before);
+    }
+    EXPECT_EQ(ContainerObject::countOfAll(), before);
 }
 
 TEST(ScriptEngine, AFlagStopsAnEndlessLoopEvenInsideATry) {

@@ -1,7 +1,10 @@
 #include "platform/applescript/NSAppleScript.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/TemporaryFolder.h"
 #include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <thread>
 
 namespace mac::test {
@@ -173,7 +176,27 @@ TEST(NSAppleScript, ARunThatTakesTooLongEndsAndNoTryKeepsIt) {
 
 extern "C" void cancelScripts(int) { NSAppleScript::cancelRunningScripts(); }
 
-TEST(NSAppleScript, AnEndlessRunIsCancelledFromAnotherThreadOrASignal) {
+TEST(NSAppleScript, AnEndlessRunIsCancelledFromAnotherThread) {
+    TemporaryFolder const folder;
+    std::string const pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    // The run has begun when it writes.
+    std::thread other([&] {
+        std::ifstream reading(pipe);
+        std::string line;
+        std::getline(reading, line);
+        NSAppleScript::cancelRunningScripts();
+    });
+    std::string const source =
+        "do shell script \"echo > '" + pipe + "'\"\nrepeat\ntry\nrepeat\nend repeat\nend try\nend repeat";
+    NSDictionary error;
+    EXPECT_TRUE(scriptOf(NSString::stringWithUTF8String_(source)).executeAndReturnError_(&error) == nil);
+    other.join();
+    EXPECT_EQ(numberIn(error), -128);
+    EXPECT_EQ(scriptOf("1").executeAndReturnError_(nullptr).int32Value(), 1) << "what runs later is not cancelled";
+}
+
+TEST(NSAppleScript, AnEndlessRunIsCancelledFromASignal) {
     NSAppleScript const script =
         scriptOf("do shell script \"kill -USR1 $PPID\"\nrepeat\ntry\nrepeat\nend repeat\nend try\nend repeat");
     auto* const previous = std::signal(SIGUSR1, cancelScripts);
