@@ -238,7 +238,9 @@ private:
         case FormTest:
             return filtered(want, from, value(keyData));
         case FormRelative:
-            return elementSpecifier(codeIn(keyData) == Previous ? Form::Before : Form::After, want, from);
+            if (codeIn(keyData) == Previous) return elementSpecifier(Form::Before, want, from);
+            if (codeIn(keyData) == Next) return elementSpecifier(Form::After, want, from);
+            throw corrupt();
         default:
             throw corrupt();
         }

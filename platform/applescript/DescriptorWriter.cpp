@@ -1,3 +1,4 @@
+#include "platform/applescript/DateTerms.h"
 #include "platform/applescript/DescriptorKeywords.h"
 #include "platform/applescript/ObjectSpecifier.h"
 #include "platform/applescript/ScriptDescriptors.h"
@@ -33,11 +34,7 @@ AEDesc bytesDesc(DescType type, std::string_view bytes) { return makeDesc(type, 
 
 // Months and weekdays are enumerated values to applications.
 bool isPartOfDate(Code code) {
-    constexpr auto parts = std::to_array<Code>(
-        {codeOf("jan "), codeOf("feb "), codeOf("mar "), codeOf("apr "), codeOf("may "), codeOf("jun "), codeOf("jul "),
-         codeOf("aug "), codeOf("sep "), codeOf("oct "), codeOf("nov "), codeOf("dec "), codeOf("sun "), codeOf("mon "),
-         codeOf("tue "), codeOf("wed "), codeOf("thu "), codeOf("fri "), codeOf("sat ")});
-    return std::ranges::find(parts, code) != parts.end();
+    return std::ranges::find(Months, code) != Months.end() || std::ranges::find(Weekdays, code) != Weekdays.end();
 }
 
 AEDesc descOfType(Code code) {

@@ -1,4 +1,5 @@
 #include "platform/applescript/Coercion.h"
+#include "platform/applescript/DateTerms.h"
 #include "platform/applescript/ElementAccess.h"
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/ScriptError.h"
@@ -15,11 +16,6 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr auto Months = std::to_array<Code>({codeOf("jan "), codeOf("feb "), codeOf("mar "), codeOf("apr "),
-                                             codeOf("may "), codeOf("jun "), codeOf("jul "), codeOf("aug "),
-                                             codeOf("sep "), codeOf("oct "), codeOf("nov "), codeOf("dec ")});
-constexpr auto Weekdays = std::to_array<Code>(
-    {codeOf("sun "), codeOf("mon "), codeOf("tue "), codeOf("wed "), codeOf("thu "), codeOf("fri "), codeOf("sat ")});
 constexpr std::u16string_view LanguageVersion = u"2.8";
 
 Value countValue(std::size_t count) { return Value::number(static_cast<double>(count)); }

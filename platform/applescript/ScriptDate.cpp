@@ -1,4 +1,5 @@
 #include "platform/applescript/ScriptDate.h"
+#include "platform/foundation/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <ctime>
@@ -37,13 +38,12 @@ std::u16string decimal(std::int64_t number, std::size_t width = 1) {
     return std::u16string(digits.begin(), digits.end());
 }
 
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool isLetter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); }
 
 std::u16string lowered(std::u16string_view text) {
     std::u16string lower(text);
     for (char16_t& unit : lower)
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit | 0x20);
+        unit = lowercaseASCII(unit);
     return lower;
 }
 
@@ -64,7 +64,7 @@ public:
     std::optional<std::int64_t> read() {
         while (m_place < m_text.size()) {
             char16_t const unit = m_text[m_place];
-            bool const isFine = isDigit(unit) ? readNumber() : isLetter(unit) ? readWord() : readSeparator();
+            bool const isFine = isASCIIDigit(unit) ? readNumber() : isLetter(unit) ? readWord() : readSeparator();
             if (!isFine) return {};
         }
         return finish();
@@ -98,7 +98,7 @@ private:
     std::int64_t digits(std::size_t& count) {
         std::int64_t number = 0;
         count = 0;
-        for (; m_place < m_text.size() && isDigit(m_text[m_place]) && count < 9; ++m_place, ++count)
+        for (; m_place < m_text.size() && isASCIIDigit(m_text[m_place]) && count < 9; ++m_place, ++count)
             number = number * 10 + (m_text[m_place] - u'0');
         return number;
     }

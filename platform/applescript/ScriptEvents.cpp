@@ -32,11 +32,6 @@ constexpr auto Prepositions = std::to_array<PrepositionRow>({
     {AEKeyword("thru"), u"thru"},       {AEKeyword("thgh"), u"through"}, {AEKeyword("undr"), u"under"},
 });
 
-Code codeAttribute(AppleEvent const& event, AEKeyword keyword) {
-    AEDesc const* const value = findEntry(contentsOf(event).attributes, keyword);
-    return value ? mac::valueOf<std::uint32_t>(*value, typeType).value_or(0) : 0;
-}
-
 void addGiven(HandlerMessage& message, Value const& given) {
     if (given.is(ValueKind::Record)) {
         for (auto const& field : given.fields())

@@ -1,7 +1,6 @@
 #include "platform/applescript/ScriptFileURLs.h"
 #include "platform/foundation/Encodings.h"
-#include <cctype>
-#include <charconv>
+#include "platform/foundation/PercentEscapes.h"
 #include <cstdlib>
 #include <memory>
 #include <unistd.h>
@@ -13,7 +12,6 @@ namespace {
 constexpr std::string_view FileScheme = "file://";
 constexpr std::string_view ThisComputer = "localhost";
 constexpr std::string_view ApplicationScheme = "eppc:///";
-constexpr int Hexadecimal = 16;
 
 struct Free {
     void operator()(char* text) const { std::free(text); }
@@ -25,47 +23,16 @@ std::string absolute(std::string_view path) {
     return std::string(folder ? folder.get() : "") + "/" + std::string(path);
 }
 
-std::string escaped(std::string_view bytes) {
-    constexpr std::string_view plain = "-._~/!$&'()*+,:@=";
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    for (char const byte : bytes) {
-        auto const value = static_cast<unsigned char>(byte);
-        bool const isPlain = value < 0x80 && (std::isalnum(value) != 0 || plain.find(byte) != std::string_view::npos);
-        if (isPlain) {
-            text += byte;
-            continue;
-        }
-        text += '%';
-        text += digits[value >> 4U];
-        text += digits[value & 15U];
-    }
-    return text;
-}
-
+// No path holds a byte of zero.
 std::optional<std::string> unescaped(std::string_view text) {
-    std::string bytes;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        if (text[index] == '\0') return {};
-        if (text[index] != '%') {
-            bytes += text[index];
-            continue;
-        }
-        if (index + 2 >= text.size()) return {};
-        unsigned value = 0;
-        char const* const end = text.data() + index + 3;
-        auto const [stop, failure] = std::from_chars(text.data() + index + 1, end, value, Hexadecimal);
-        if (failure != std::errc() || stop != end || value == 0) return {};
-        bytes += static_cast<char>(value);
-        index += 2;
-    }
-    return bytes;
+    std::optional<std::string> bytes = percentUnescaped(text);
+    return bytes && bytes->find('\0') == std::string::npos ? bytes : std::nullopt;
 }
 
 } // namespace
 
 std::string fileURL(std::string_view path) {
-    return std::string(FileScheme) + std::string(ThisComputer) + escaped(absolute(path));
+    return std::string(FileScheme) + std::string(ThisComputer) + percentEscaped(absolute(path));
 }
 
 std::optional<std::string> pathOfFileURL(std::string_view url) {
@@ -77,7 +44,7 @@ std::optional<std::string> pathOfFileURL(std::string_view url) {
 }
 
 std::string applicationURL(std::u16string_view name) {
-    return std::string(ApplicationScheme) + escaped(utf8FromUnits(name));
+    return std::string(ApplicationScheme) + percentEscaped(utf8FromUnits(name));
 }
 
 std::optional<std::u16string> nameOfApplicationURL(std::string_view url) {

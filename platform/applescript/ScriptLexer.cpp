@@ -1,4 +1,5 @@
 #include "platform/applescript/ScriptToken.h"
+#include "platform/foundation/ASCII.h"
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -20,7 +21,6 @@ constexpr auto Symbols = std::to_array<SymbolSpelling>({
     {u"{", "{"},  {u"}", "}"},  {u"(", "("},  {u")", ")"}, {u",", ","}, {u":", ":"},
 });
 
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 bool isLetter(char16_t unit) {
     return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit == u'_';
 }
@@ -129,7 +129,7 @@ private:
             add(TokenKind::EndOfLine);
         } else if (isLetter(unit)) {
             readWord();
-        } else if (isDigit(unit) || (unit == u'.' && isDigit(unitAt(m_place + 1)))) {
+        } else if (isASCIIDigit(unit) || (unit == u'.' && isASCIIDigit(unitAt(m_place + 1)))) {
             readNumber();
         } else if (unit == u'"') {
             readText();
@@ -138,7 +138,7 @@ private:
         } else if (unit == u'«' || unit == u'《') {
             readRaw();
         } else if (unit == u'\'' && (unitAt(m_place + 1) | 0x20) == u's' && !isLetter(unitAt(m_place + 2)) &&
-                   !isDigit(unitAt(m_place + 2))) {
+                   !isASCIIDigit(unitAt(m_place + 2))) {
             m_place += 2;
             add(TokenKind::Mark).word = "'s";
         } else {
@@ -147,7 +147,7 @@ private:
     }
 
     void readWord() {
-        while (isLetter(here()) || isDigit(here()))
+        while (isLetter(here()) || isASCIIDigit(here()))
             ++m_place;
         // isn't, doesn't
         bool const isNegated = here() == u'\'' && (unitAt(m_place + 1) | 0x20) == u't' &&
@@ -160,7 +160,7 @@ private:
     }
 
     void skipDigits() {
-        while (isDigit(here()))
+        while (isASCIIDigit(here()))
             ++m_place;
     }
 
@@ -168,7 +168,7 @@ private:
         if ((here() | 0x20) != u'e') return false;
         std::size_t digits = m_place + 1;
         if (unitAt(digits) == u'+' || unitAt(digits) == u'-') ++digits;
-        if (!isDigit(unitAt(digits))) return false;
+        if (!isASCIIDigit(unitAt(digits))) return false;
         m_place = digits;
         skipDigits();
         return true;
@@ -205,7 +205,7 @@ private:
                                              static_cast<char16_t>(unitAt(m_place + 1) | 0x20)};
         std::u16string_view const letters(suffix.data(), suffix.size());
         bool const isSuffix = letters == u"st" || letters == u"nd" || letters == u"rd" || letters == u"th";
-        if (!isSuffix || isLetter(unitAt(m_place + 2)) || isDigit(unitAt(m_place + 2))) return false;
+        if (!isSuffix || isLetter(unitAt(m_place + 2)) || isASCIIDigit(unitAt(m_place + 2))) return false;
         m_place += 2;
         return true;
     }

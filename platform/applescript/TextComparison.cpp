@@ -1,5 +1,6 @@
 #include "platform/applescript/TextComparison.h"
 #include "platform/applescript/SyntaxTree.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
 #include <array>
@@ -161,10 +162,8 @@ bool isPlain(std::u16string_view text, unsigned considered) {
     return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
 }
 
-char16_t lowered(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit; }
-
 bool isSameUnit(char16_t one, char16_t other, unsigned considered) {
-    return one == other || ((considered & Considerations::Case) == 0 && lowered(one) == lowered(other));
+    return one == other || ((considered & Considerations::Case) == 0 && lowercaseASCII(one) == lowercaseASCII(other));
 }
 
 bool isMark(char32_t point) { return point >= 0x300 && u_charType(static_cast<UChar32>(point)) == U_NON_SPACING_MARK; }

@@ -23,11 +23,8 @@ EventDeadline deadlineIn(std::int32_t ticks) {
 }
 
 bool isQuit(AppleEvent const& event) {
-    auto const code = [&](AEKeyword keyword) {
-        AEDesc const* const value = findEntry(contentsOf(event).attributes, keyword);
-        return FourCharCode(value ? valueOf<std::uint32_t>(*value, typeType).value_or(0) : 0);
-    };
-    return code(keyEventClassAttr) == kCoreEventClass && code(keyEventIDAttr) == kAEQuitApplication;
+    return codeAttribute(event, keyEventClassAttr) == kCoreEventClass.value() &&
+           codeAttribute(event, keyEventIDAttr) == kAEQuitApplication.value();
 }
 
 void enqueueAnswer(AppleEvent const& answer) { enqueue({.event = answer}); }

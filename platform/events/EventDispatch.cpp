@@ -24,11 +24,6 @@ std::vector<CurrentEvent>& nestedEvents() {
     return events;
 }
 
-std::uint32_t codeAttribute(AppleEvent const& event, AEKeyword keyword) {
-    AEDesc const* const value = findEntry(contentsOf(event).attributes, keyword);
-    return value ? valueOf<std::uint32_t>(*value, typeType).value_or(0) : 0;
-}
-
 // A copy: the handler may remove itself.
 EventHandler handlerFor(AppleEvent const& event) {
     std::uint32_t const eventClass = codeAttribute(event, keyEventClassAttr);
@@ -61,6 +56,11 @@ bool removeEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandl
     if (found == handlers().end() || (procedure && found->second.procedure != procedure)) return false;
     handlers().erase(found);
     return true;
+}
+
+std::uint32_t codeAttribute(AppleEvent const& event, AEKeyword keyword) {
+    AEDesc const* const value = findEntry(contentsOf(event).attributes, keyword);
+    return value ? valueOf<std::uint32_t>(*value, typeType).value_or(0) : 0;
 }
 
 bool isEvent(AEDesc const& desc) {

@@ -19,6 +19,8 @@ void setEventHandler(AEEventClass eventClass, AEEventID eventID, RegisteredHandl
 // False when there is none for just this class and ID, or none with this procedure where one is named.
 bool removeEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerProcPtr procedure);
 
+// The attribute as a four-character code; 0 where there is none.
+std::uint32_t codeAttribute(AppleEvent const& event, AEKeyword keyword);
 // Whether the descriptor is an event with a class and an ID.
 bool isEvent(AEDesc const& desc);
 

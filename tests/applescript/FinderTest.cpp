@@ -239,6 +239,14 @@ TEST(Finder, FindsTheHomeOfTheUserWhereNoVariableSays) {
     EXPECT_EQ(textResult("POSIX path of (path to home folder)"), std::string(::getpwuid(::getuid())->pw_dir) + "/");
 }
 
+TEST(Finder, TellsAnItemsURLByteForByte) {
+    ScriptHome const home;
+    std::string const file = home.folder().makeFile("a \xFF%é(1)", "");
+    EXPECT_EQ(textResult(ofItem("URL", file)), "file://" + home.path("a%20%FF%25%C3%A9%281%29"));
+    EXPECT_EQ(textResult(ofItem("URL", home.path("Empty"))), "file://" + home.path("Empty") + "/");
+    EXPECT_EQ(textResult("tell application \"Finder\" to URL of startup disk"), "file:///");
+}
+
 TEST(Finder, SaysWhichApplicationComplains) {
     ScriptHome const home;
     ScriptOutcome const outcome = outcomeOf(R"(tell application "Finder" to name of folder "nope" of home)");

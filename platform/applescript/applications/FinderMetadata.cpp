@@ -1,8 +1,10 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/files/CatalogFields.h"
 #include "platform/files/ExtendedAttributes.h"
+#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
+#include "platform/foundation/PercentEscapes.h"
 #include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"
@@ -131,22 +133,8 @@ std::u16string kindOf(Code type, DiskItem const& item) {
 }
 
 std::u16string urlOf(std::string const& path, bool isFolder) {
-    constexpr std::string_view plain = "-._~!$&'()*+,;=:@/";
-    constexpr std::u16string_view digits = u"0123456789ABCDEF";
-    std::u16string url = u"file://";
-    std::string const whole = isFolder && path != "/" ? path + "/" : path;
-    for (char const character : whole) {
-        auto const byte = static_cast<unsigned char>(character);
-        bool const isLetter = (byte >= '0' && byte <= '9') || ((byte | 0x20U) >= 'a' && (byte | 0x20U) <= 'z');
-        if (byte < 0x80 && (isLetter || plain.find(character) != std::string_view::npos)) {
-            url += static_cast<char16_t>(byte);
-            continue;
-        }
-        url += u'%';
-        url += digits[byte >> 4U];
-        url += digits[byte & 15U];
-    }
-    return url;
+    bool const needsSlash = isFolder && path != "/";
+    return unitsFromASCII("file://" + percentEscaped(path) + (needsSlash ? "/" : ""));
 }
 
 } // namespace mac::applescript
