@@ -1,28 +1,24 @@
 #include "benchmarks/Timing.h"
+#include "tests/support/Spawn.h"
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace benchmarks {
 
-int startProgram(std::vector<std::string> words) {
-    std::vector<char*> pointers;
-    pointers.reserve(words.size() + 1);
-    for (std::string& word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t child = -1;
-    int const failure = ::posix_spawnp(&child, pointers[0], &actions, nullptr, pointers.data(), environ);
-    ::posix_spawn_file_actions_destroy(&actions);
-    if (failure == 0) return child;
-    std::fprintf(stderr, "%s cannot be started\n", words[0].c_str());
-    std::exit(1);
+int startProgram(std::vector<std::string> const& words) {
+    int const nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    try {
+        int const process = mac::test::spawn(words, -1, nowhere);
+        ::close(nowhere);
+        return process;
+    } catch (std::system_error const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        std::exit(1);
+    }
 }
 
 void runProgram(std::vector<std::string> const& words) {

@@ -23,7 +23,7 @@ inline double median(std::vector<double> values) {
 
 // Starts the program, which is looked for in PATH, and lets nothing of its output be seen. Answers its process; ends
 // this program with a message when it cannot be started: without it there is nothing to compare with.
-int startProgram(std::vector<std::string> words);
+int startProgram(std::vector<std::string> const& words);
 
 // The same, and waits for its end; also ends this program when the other one fails.
 void runProgram(std::vector<std::string> const& words);
