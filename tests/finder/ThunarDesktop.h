@@ -1,30 +1,37 @@
 #pragma once
 
-#include "tests/finder/Desktop.h"
+#include "platform/finder/FileBrowserProcess.h"
+#include "tests/finder/VirtualSession.h"
 #include <memory>
-#include <string>
 
 namespace mac::test {
 
-// A real file browser at a display and a bus of the test's own, which assistive technology can read. Skipped where it
-// is not installed.
+// A real file browser in a session of the test's own. Skipped where it is not installed.
 class ThunarDesktop : public testing::Test {
 protected:
-    ThunarDesktop();
-    ~ThunarDesktop() override;
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override {
+        std::optional<std::string> const obstacle = VirtualSession::obstacle();
+        if (obstacle) GTEST_SKIP() << *obstacle;
+        if (::access("/usr/bin/thunar", X_OK) != 0) GTEST_SKIP() << "thunar is not installed";
+        m_folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=thunar.desktop\n");
+        m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
+    }
+    void TearDown() override {
+        if (m_session) quitFileBrowser();
+        forgetFileBrowserStart();
+    }
 
-    // Whether a window of that title comes.
-    static bool showsWindow(std::string const& title);
-    // Whether an element comes whose role and name begin so ("status bar \"letter.txt\"").
-    static bool showsElement(std::string const& beginning);
+    static bool showsWindow(std::string const& title) { return VirtualSession::showsWindow(title); }
+    static bool showsElement(std::string const& beginning) { return VirtualSession::showsElement(beginning); }
 
     TemporaryFolder const m_folder{};
 
 private:
-    struct Session;
-    std::unique_ptr<Session> m_session{};
+    EnvironmentVariable const m_data{"XDG_DATA_HOME", m_folder.path("data")};
+    EnvironmentVariable const m_dataFolders{"XDG_DATA_DIRS", "/usr/share"};
+    EnvironmentVariable const m_config{"XDG_CONFIG_HOME", m_folder.path("config")};
+    EnvironmentVariable const m_home{"HOME", m_folder.makeFolder("home")};
+    std::unique_ptr<VirtualSession> m_session{};
 };
 
 } // namespace mac::test
