@@ -4,6 +4,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <set>
+#include <sys/mount.h>
 #include <sys/statvfs.h>
 
 namespace mac::test {
@@ -109,6 +110,20 @@ TEST_F(MountedVolumeNumbers, StayAsLongAsTheVolumeIsMounted) {
     makeReadOnly(first);
     ASSERT_EQ(FSGetVolumeInfo(number, 0, nullptr, kFSVolInfoFlags, &information, nullptr, nullptr), noErr);
     EXPECT_EQ(information.flags, kFSVolFlagSoftwareLockedMask);
+}
+
+TEST_F(MountedVolumeNumbers, NameNothingOnceTheVolumeHasGone) {
+    std::string const place = m_folder.makeFolder("place");
+    mountMemory(place);
+    FSVolumeRefNum const number = numberOf(place);
+    CFURLRef url;
+    ASSERT_EQ(FSCopyURLForVolume(number, &url), noErr);
+    ASSERT_EQ(::umount2(place.c_str(), MNT_DETACH), 0);
+    FSVolumeInfo information;
+    EXPECT_EQ(FSGetVolumeInfo(number, 0, nullptr, kFSVolInfoFSInfo, &information, nullptr, nullptr), nsvErr);
+    EXPECT_EQ(FSCopyURLForVolume(number, &url), nsvErr);
+    mountMemory(place);
+    EXPECT_NE(numberOf(place), number) << "another volume is not taken for it";
 }
 
 } // namespace

@@ -120,6 +120,10 @@ TEST(PxVersionOfPath, IsThatOfTheBundle) {
     for (Bundle const& row : {
              Bundle{"<key>CFBundleVersion</key><string>2.0.0</string>", "2.0"},
              Bundle{"<key>CFBundleVersion</key><string>1.1.1svn</string>", "1.1.1"},
+             Bundle{"<key>CFBundleVersion</key><string>3.0</string>", "3.0"},
+             Bundle{"<key>CFBundleVersion</key><string>2.0.0b1</string>", "2.0"},
+             Bundle{"<key>CFBundleVersion</key><string>9f3c2e1</string>", "9.0"},
+             Bundle{"<key>CFBundleVersion</key><string>${CURRENT}</string>", "0.0"},
              Bundle{"<key>CFBundleVersion</key><integer>210</integer>", "210.0"},
              Bundle{"<key>CFBundleVersion</key><real>2.5</real>", "2.5"},
              Bundle{"<key>CFBundleVersion</key><string></string>", "0.0"},

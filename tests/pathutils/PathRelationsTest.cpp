@@ -153,6 +153,11 @@ TEST_F(PathRelations, ALinkToAPackageIsNone) {
     EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("link"), 1));
     // What lies behind it has the package above it, and not the link.
     EXPECT_TRUE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("link/Contents"), 2));
+    link("itself.app", "itself.app");
+    EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("itself.app"), 9));
+    EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("itself.app/Contents"), 2));
+    EXPECT_TRUE(pxInfoDictionaryForPath(at("itself.app")) == nil);
+    EXPECT_TRUE(pxInfoDictionaryForPathUncached(at("itself.app")) == nil);
     m_folder.makeFile("file.app", "");
     EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("file.app"), 1));
     m_folder.makeFolder(".app");
