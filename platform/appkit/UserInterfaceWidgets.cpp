@@ -160,10 +160,11 @@ private:
 
     static std::vector<QPushButton*> addButtons(QMessageBox& box, DialogRequest const& request) {
         std::vector<QPushButton*> buttons;
-        for (std::size_t index = 0; index < request.buttons.size(); ++index) {
-            QMessageBox::ButtonRole const role =
-                index == request.cancelButton ? QMessageBox::RejectRole : QMessageBox::AcceptRole;
-            buttons.push_back(box.addButton(qString(request.buttons[index]), role));
+        for (std::u16string const& name : request.buttons) {
+            // Of this role no desktop changes the order, and none of them becomes the default by itself.
+            QPushButton* const button = box.addButton(qString(name), QMessageBox::ActionRole);
+            button->setAutoDefault(false);
+            buttons.push_back(button);
         }
         if (request.defaultButton) box.setDefaultButton(buttons.at(*request.defaultButton));
         if (request.cancelButton) box.setEscapeButton(buttons.at(*request.cancelButton));

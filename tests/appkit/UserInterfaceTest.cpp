@@ -51,6 +51,36 @@ TEST(UserInterface, ReturnIsTheDefaultButtonAndEscapeTheOneThatCancels) {
     EXPECT_EQ(interface().runDialog(request()).button, 0U);
 }
 
+TEST(UserInterface, ReturnIsNoButtonWhereNoneIsTheDefault) {
+    DialogRequest asked = request();
+    asked.buttons = {u"Delete", u"Keep", u"Later"};
+    asked.defaultButton.reset();
+    asked.cancelButton.reset();
+    answer([](QDialog& dialog) {
+        QTest::keyClick(&dialog, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        if (QWidget* const button = dialog.focusWidget()) QTest::keyClick(button, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        buttonNamed(dialog, "Later")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 2U);
+}
+
+TEST(UserInterface, TheButtonsStandInTheirOrder) {
+    DialogRequest asked = request();
+    asked.buttons = {u"Delete", u"Keep", u"Cancel"};
+    asked.defaultButton = 0;
+    asked.cancelButton = 1;
+    answer([](QDialog const& dialog) {
+        int const first = buttonNamed(dialog, "Delete")->x();
+        int const second = buttonNamed(dialog, "Keep")->x();
+        EXPECT_LT(first, second);
+        EXPECT_LT(second, buttonNamed(dialog, "Cancel")->x());
+        buttonNamed(dialog, "Cancel")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 2U);
+}
+
 TEST(UserInterface, ADialogShowsTextAsItIs) {
     QString shown;
     Qt::TextFormat format = Qt::AutoText;
