@@ -230,14 +230,15 @@ public:
         std::atexit([] { shared().stop(); });
     }
 
-    // What is to be done passes under a lock of our own: the toolkit's are not seen by the thread sanitizer.
+    // What is to be done passes under a lock of our own, and nothing by the toolkit: its locks are not seen by the
+    // thread sanitizer.
     void run(std::function<void(Endpoint&)> function) {
         {
             std::lock_guard const guard(m_lock);
             m_waiting.push_back(std::move(function));
         }
         QMetaObject::invokeMethod(
-            &m_endpoint, [this] { runNext(); }, Qt::QueuedConnection);
+            &m_endpoint, [] { shared().runNext(); }, Qt::QueuedConnection);
     }
 
 private:
