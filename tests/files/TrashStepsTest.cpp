@@ -29,6 +29,23 @@ void runUntilKilled(TrashStep last, std::function<void()> const& action) {
 
 class TrashSteps : public testing::Test {
 protected:
+    // Somebody puts another file into the place of the item just then.
+    void expectAnotherToStay(TrashStep moment) {
+        std::string const file = m_home.folder.makeFile("a/file", "old");
+        TrashStepListener const listener([&](TrashStep step) {
+            if (step != moment) return;
+            ::rename(file.c_str(), m_home.path("moved").c_str());
+            m_home.folder.makeFile("a/file", "new");
+        });
+        TrashResult<TrashedItem> const result = moveToTrash(file);
+        ASSERT_FALSE(result.hasValue());
+        EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
+        EXPECT_EQ(textOf(file), "new");
+        EXPECT_EQ(textOf(m_home.path("moved")), "old");
+        EXPECT_TRUE(namesIn(m_home.files()).empty());
+        EXPECT_TRUE(namesIn(m_home.information()).empty());
+    }
+
     TrashHome const m_home{};
 };
 
@@ -86,37 +103,9 @@ TEST_F(TrashSteps, KilledWhileErasingNothingIsListedTwice) {
     EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotThere);
 }
 
-TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) {
-    std::string const file = m_home.folder.makeFile("a/file", "old");
-    TrashStepListener const listener([&](TrashStep step) {
-        if (step != TrashStep::InformationWritten) return;
-        ::rename(file.c_str(), m_home.path("moved").c_str());
-        m_home.folder.makeFile("a/file", "new");
-    });
-    TrashResult<TrashedItem> const result = moveToTrash(file);
-    ASSERT_FALSE(result.hasValue());
-    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
-    EXPECT_EQ(textOf(file), "new");
-    EXPECT_EQ(textOf(m_home.path("moved")), "old");
-    EXPECT_TRUE(namesIn(m_home.files()).empty());
-    EXPECT_TRUE(namesIn(m_home.information()).empty());
-}
+TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) { expectAnotherToStay(TrashStep::InformationWritten); }
 
-TEST_F(TrashSteps, WhatTakesThePlaceOfAnItemAfterTheLastLookComesBack) {
-    std::string const file = m_home.folder.makeFile("a/file", "old");
-    TrashStepListener const listener([&](TrashStep step) {
-        if (step != TrashStep::Checked) return;
-        ::rename(file.c_str(), m_home.path("moved").c_str());
-        m_home.folder.makeFile("a/file", "new");
-    });
-    TrashResult<TrashedItem> const result = moveToTrash(file);
-    ASSERT_FALSE(result.hasValue());
-    EXPECT_EQ(result.failure().problem, TrashProblem::Changed);
-    EXPECT_EQ(textOf(file), "new");
-    EXPECT_EQ(textOf(m_home.path("moved")), "old");
-    EXPECT_TRUE(namesIn(m_home.files()).empty());
-    EXPECT_TRUE(namesIn(m_home.information()).empty());
-}
+TEST_F(TrashSteps, WhatTakesThePlaceOfAnItemAfterTheLastLookComesBack) { expectAnotherToStay(TrashStep::Checked); }
 
 TEST_F(TrashSteps, WhatCannotComeBackStaysInTheTrashAndTheFailureSaysWhere) {
     std::string const file = m_home.folder.makeFile("a/file", "old");
