@@ -5,6 +5,7 @@
 #include "platform/finder/FileBrowserWindows.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/DetachedProcess.h"
 #include "platform/processes/FrontProcess.h"
@@ -37,9 +38,21 @@ bool launchEntry(std::string const& path) {
     return startApplication(*application, {}).isDone();
 }
 
+// The first process of this session that runs from a bundle with the identifier.
+std::optional<ProcessSerialNumber> sessionProcessWith(NSString const& identifier) {
+    ProcessSerialNumber psn{0, kNoProcess};
+    while (GetNextProcess(&psn) == noErr) {
+        NSDictionary const information =
+            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
+        std::int32_t const pid = as<NSNumber>(information.objectForKey_("pid")).intValue();
+        if (information.objectForKey_(kCFBundleIdentifierKey).isEqual_(identifier) && isOfThisSession(pid)) return psn;
+    }
+    return std::nullopt;
+}
+
 bool launchBundle(NSString const& path) {
     NSBundle const bundle = NSBundle::bundleWithPath_(path);
-    std::optional<ProcessSerialNumber> const running = processWith(kCFBundleIdentifierKey, bundle.bundleIdentifier());
+    std::optional<ProcessSerialNumber> const running = sessionProcessWith(bundle.bundleIdentifier());
     if (running) {
         // A display that does not bring it to the front does not keep it from running.
         SetFrontProcess(&*running);
@@ -47,6 +60,13 @@ bool launchBundle(NSString const& path) {
     }
     std::optional<std::string> const program = bundle.executablePath().fileSystemRepresentation();
     return program && startDetached(*program, {*program}).pid > 0;
+}
+
+bool launchFinder() {
+    if (!launchFileBrowser().isDone()) return false;
+    // One that was started just now may have no window yet.
+    bringFileBrowserToFront();
+    return true;
 }
 
 } // namespace
@@ -85,8 +105,7 @@ bool NSWorkspace::launchAppWithBundleIdentifier_options_additionalEventParamDesc
         return false;
     NSString const path = url.path();
     if (!path.pathExtension().isEqualToString_("desktop")) return launchBundle(path);
-    if (bundleIdentifier.caseInsensitiveCompare_(FinderIdentifier) == NSOrderedSame)
-        return launchFileBrowser().isDone();
+    if (bundleIdentifier.caseInsensitiveCompare_(FinderIdentifier) == NSOrderedSame) return launchFinder();
     std::optional<std::string> const entry = path.fileSystemRepresentation();
     return entry && launchEntry(*entry);
 }

@@ -14,6 +14,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace mac {
@@ -88,7 +89,9 @@ public:
                 outcome.isTimeOver = true;
                 box.done(0);
             });
-            time.start(std::chrono::milliseconds(static_cast<std::int64_t>(request.seconds * 1000)));
+            // A timer takes no more, which is 24 days.
+            constexpr double most = std::numeric_limits<int>::max();
+            time.start(static_cast<int>(std::min(request.seconds * 1000, most)));
         }
         box.exec();
         if (field) outcome.answer = units(field->text());

@@ -2,6 +2,7 @@
 #include "platform/processes/Session.h"
 #include <QDBusArgument>
 #include <QVariantMap>
+#include <atomic>
 
 namespace mac {
 
@@ -21,7 +22,7 @@ std::optional<QDBusConnection> connectToSessionBus() {
     // Without an address the bus's library would try to start a bus of its own.
     std::optional<std::string> const address = sessionBusAddress();
     if (!address) return std::nullopt;
-    static int number = 0;
+    static std::atomic<int> number = 0;
     // The name is for this process alone.
     QString const name = QStringLiteral("framekeeper-events-%1").arg(++number);
     QDBusConnection const connection = QDBusConnection::connectToBus(QString::fromStdString(*address), name);

@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <optional>
 
-// The session's message bus, for implementations; for the one thread that serves the connection.
+// The session's message bus, for implementations. Any thread may connect; what is done with a connection is for the one
+// thread that serves it.
 
 namespace mac {
 

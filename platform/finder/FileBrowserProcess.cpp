@@ -1,4 +1,5 @@
 #include "platform/finder/FileBrowserProcess.h"
+#include "platform/finder/ApplicationStart.h"
 #include "platform/finder/FileBrowserService.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSString.h"
@@ -52,9 +53,11 @@ bool noneRuns(std::vector<ProcessIdentity> const& processes) {
 
 FinderOutcome startBrowser(FileBrowser const& browser) {
     if (!hasDisplay()) return noDisplay();
-    FileBrowserStart const start =
-        rememberedStart(browser).value_or(FileBrowserStart{commandOf(browser.application, {}), ""});
-    DetachedProcess const process = startDetached(browser.application.executable, start.words, start.folder);
+    // The terminal it ran in is not known.
+    if (browser.application.needsTerminal) return startApplication(browser.application, {});
+    FileBrowserStart const usual{browser.application.executable, commandOf(browser.application, {}), ""};
+    FileBrowserStart const start = rememberedStart(browser).value_or(usual);
+    DetachedProcess const process = startDetached(start.executable, start.words, start.folder);
     if (process.pid == 0) return notStarted();
     if (!serviceCommandOf(browser) || !isFileBrowserServiceOffered()) return {};
     return waitForFileBrowserService(process.pid);
@@ -67,12 +70,14 @@ std::vector<ProcessIdentity> fileBrowserProcesses() {
     return browser ? processesOf(*browser) : std::vector<ProcessIdentity>();
 }
 
+bool bringFileBrowserToFront() {
+    return std::ranges::any_of(fileBrowserProcesses(),
+                               [](ProcessIdentity const& process) { return bringToFront(process.pid); });
+}
+
 FinderOutcome activateFileBrowser() {
     FinderOutcome outcome = launchFileBrowser();
-    if (!outcome.isDone()) return outcome;
-    for (ProcessIdentity const& process : fileBrowserProcesses()) {
-        if (bringToFront(process.pid)) return {};
-    }
+    if (!outcome.isDone() || bringFileBrowserToFront()) return outcome;
     std::optional<std::string> const home = NSHomeDirectory().fileSystemRepresentation();
     return openFolders({home.value_or("/")});
 }
@@ -85,14 +90,8 @@ FinderOutcome quitFileBrowser() {
     rememberStart(*browser, processes.front());
     std::vector<FileDescriptor> open = openProcesses(processes);
     Clock::time_point const end = Clock::now() + finderPatience().quit;
-    if (DetachedProcess const command = runQuitCommand(*browser); command.pid > 0) {
-        // It is the browser's program, too, and looks like one that still runs.
-        if (FileDescriptor process = openProcess(command.pid); process.isOpen()) open.push_back(std::move(process));
-        // Half of the time for its own way.
-        if (haveEnded(open, end - finderPatience().quit / 2) && noneRuns(processes)) return {};
-    }
-    for (ProcessIdentity const& process : processes)
-        askToEnd(process);
+    // One that has a way of its own may have something to finish first, or a question to ask.
+    if (runQuitCommand(*browser).pid == 0) std::ranges::for_each(processes, askToEnd);
     if (haveEnded(open, end) && noneRuns(processes)) return {};
     return {FinderProblem::NoAnswer, "The file browser does not quit"};
 }

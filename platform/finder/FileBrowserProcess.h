@@ -13,6 +13,9 @@ namespace mac {
 // The processes of the desktop's default file browser, this user's alone, in the order of their start.
 std::vector<ProcessIdentity> fileBrowserProcesses();
 
+// Brings the topmost window of the browser to the front; false where there is none.
+bool bringFileBrowserToFront();
+
 // Brings the browser to the front, starting it when it does not run; a window of the home folder shows where it has
 // none to show.
 FinderOutcome activateFileBrowser();

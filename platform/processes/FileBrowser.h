@@ -2,7 +2,6 @@
 
 #include "platform/processes/DesktopApplication.h"
 #include "platform/processes/ProcessList.h"
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,9 +22,9 @@ struct FileBrowser {
 // The first whose program is there; nothing where there is none. Any thread.
 std::optional<FileBrowser> defaultFileBrowser();
 
-// Whether the process that runs the program, as programOf tells it, is the file browser of this user's session. Any
-// thread.
-bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::int32_t pid);
+// Whether the process that runs the program, as programOf tells it, is the file browser of this user's session; one
+// that was only started to make it quit is not. Any thread.
+bool isFileBrowser(FileBrowser const& browser, std::string const& program, ProcessIdentity const& process);
 
 // Its processes, in the order of their start. Any thread.
 std::vector<ProcessIdentity> processesOf(FileBrowser const& browser);

@@ -1,4 +1,5 @@
 #include "platform/processes/FileBrowser.h"
+#include "platform/processes/FileBrowserStart.h"
 #include "platform/processes/Session.h"
 
 namespace mac {
@@ -10,10 +11,14 @@ std::optional<FileBrowser> defaultFileBrowser() {
     return FileBrowser{std::move(*application), std::move(program)};
 }
 
-bool isFileBrowser(FileBrowser const& browser, std::string const& program, std::int32_t pid) {
-    return program == browser.program && isOfThisSession(pid);
+bool isFileBrowser(FileBrowser const& browser, std::string const& program, ProcessIdentity const& process) {
+    return program == browser.program && !isQuitCommand(process) && isOfThisSession(process.pid);
 }
 
-std::vector<ProcessIdentity> processesOf(FileBrowser const& browser) { return sessionProcessesOf(browser.program); }
+std::vector<ProcessIdentity> processesOf(FileBrowser const& browser) {
+    std::vector<ProcessIdentity> processes = sessionProcessesOf(browser.program);
+    std::erase_if(processes, isQuitCommand);
+    return processes;
+}
 
 } // namespace mac

@@ -37,6 +37,27 @@ private:
     std::optional<std::pair<std::string, FileBrowserStart>> m_start;
 };
 
+class LastQuitCommand {
+public:
+    static LastQuitCommand& shared() {
+        static LastQuitCommand command;
+        return command;
+    }
+
+    void set(ProcessIdentity const& process) {
+        std::lock_guard const guard(m_lock);
+        m_process = process;
+    }
+    bool is(ProcessIdentity const& process) {
+        std::lock_guard const guard(m_lock);
+        return m_process == process;
+    }
+
+private:
+    std::mutex m_lock;
+    ProcessIdentity m_process;
+};
+
 // What the browser's entry or its kind has for it; nothing where there is neither.
 std::optional<std::vector<std::string>> quitCommandOf(DesktopApplication const& browser) {
     KeyFile const entry = KeyFile::readFile(browser.entryPath);
@@ -58,8 +79,10 @@ bool rememberStart(FileBrowser const& browser, ProcessIdentity const& process) {
     FileDescriptor const entries = openPath("/proc/" + std::to_string(process.pid), O_PATH | O_DIRECTORY);
     std::optional<std::string> folder = entries.isOpen() ? linkTextIn(entries, "cwd") : std::nullopt;
     // What was read is that process's only while it runs.
-    if (!words || words->empty() || !runningProcess(process)) return false;
-    RememberedStart::shared().set(browser.program, {std::move(*words), std::move(folder).value_or("")});
+    std::optional<RunningProcess> running = runningProcess(process);
+    if (!words || words->empty() || !running) return false;
+    RememberedStart::shared().set(browser.program,
+                                  {std::move(running->executable), std::move(*words), std::move(folder).value_or("")});
     return true;
 }
 
@@ -73,13 +96,18 @@ DetachedProcess runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser.application);
     std::optional<std::string> const program =
         command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
-    return program ? startDetached(*program, *command) : DetachedProcess();
+    DetachedProcess const process = program ? startDetached(*program, *command) : DetachedProcess();
+    std::optional<RunningProcess> const running = runningProcess(process.pid);
+    LastQuitCommand::shared().set(running ? running->identity : ProcessIdentity());
+    return process;
 }
+
+bool isQuitCommand(ProcessIdentity const& process) { return LastQuitCommand::shared().is(process); }
 
 bool askToQuit(ProcessIdentity const& process) {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     std::optional<RunningProcess> const running = runningProcess(process);
-    if (browser && running && isFileBrowser(*browser, programOf(*running), process.pid)) {
+    if (browser && running && isFileBrowser(*browser, programOf(*running), process)) {
         rememberStart(*browser, process);
         if (runQuitCommand(*browser).pid > 0) return true;
     }

@@ -12,6 +12,8 @@
 namespace mac {
 
 struct FileBrowserStart {
+    // The file that was executed, which is the interpreter of a browser that is a script.
+    std::string executable;
     std::vector<std::string> words;
     // Where it was started; empty where that cannot be told.
     std::string folder;
@@ -26,6 +28,8 @@ void forgetFileBrowserStart();
 // Runs the command that its desktop entry or its kind has to make it quit, and does not wait. The process that does it;
 // none where there is no such command, or it cannot be started.
 DetachedProcess runQuitCommand(FileBrowser const& browser);
+// Whether the process is the last of those, which mostly runs the browser's own program.
+bool isQuitCommand(ProcessIdentity const& process);
 
 // Asks the process to quit as a user would and does not wait: the file browser by its own command, after its start was
 // remembered, and any other process as askToEnd does. False when it has ended already, or may not be asked.

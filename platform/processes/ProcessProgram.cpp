@@ -81,8 +81,12 @@ bool isInterpreter(std::string_view executable) {
 }
 
 std::optional<std::string> scriptInCommand(std::string_view executable, std::vector<std::string> const& words) {
-    if (!isInterpreter(executable)) return std::nullopt;
-    std::string_view const plainOptions = plainOptionsOf(plainName(executable));
+    if (!isInterpreter(executable) || words.empty()) return std::nullopt;
+    // One program under many names: which one it plays is in the first word.
+    bool const isBusybox = plainName(executable) == "busybox";
+    std::string_view const name = plainName(isBusybox ? std::string_view(words.front()) : executable);
+    if (isBusybox && !isShell(name)) return std::nullopt;
+    std::string_view const plainOptions = plainOptionsOf(name);
     for (std::size_t index = 1; index < words.size(); ++index) {
         std::string const& word = words[index];
         if (!word.starts_with('-')) return word;

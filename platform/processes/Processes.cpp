@@ -22,8 +22,8 @@ public:
     }
 
     void begin() {
+        readFileBrowser();
         m_processes = runningProcesses();
-        m_fileBrowser = defaultFileBrowser();
         m_readAt = std::chrono::steady_clock::now();
         m_hasBegun = true;
     }
@@ -49,11 +49,17 @@ public:
     }
 
     std::optional<FileBrowser> const& fileBrowser() {
-        beginOnce();
+        constexpr std::chrono::seconds longest(1);
+        if (std::chrono::steady_clock::now() - m_browserReadAt > longest) readFileBrowser();
         return m_fileBrowser;
     }
 
 private:
+    void readFileBrowser() {
+        m_fileBrowser = defaultFileBrowser();
+        m_browserReadAt = std::chrono::steady_clock::now();
+    }
+
     // Not even a system that does nothing else gives the same ID again in so short a time.
     bool isKnown(RunningProcess const& process) const {
         constexpr std::chrono::milliseconds moment(20);
@@ -63,6 +69,7 @@ private:
     std::vector<RunningProcess> m_processes;
     std::optional<FileBrowser> m_fileBrowser;
     std::chrono::steady_clock::time_point m_readAt;
+    std::chrono::steady_clock::time_point m_browserReadAt;
     bool m_hasBegun{false};
 };
 
@@ -157,7 +164,7 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     information.setObject_forKey_(executable.lastPathComponent(), kCFBundleNameKey);
     if (!bundlePath.empty()) addBundle(information, bundlePath);
     std::optional<FileBrowser> const& browser = walk.fileBrowser();
-    if (browser && isFileBrowser(*browser, program, identity->pid)) {
+    if (browser && isFileBrowser(*browser, program, *identity)) {
         information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);
         information.setObject_forKey_(pathString(browser->application.name), kCFBundleNameKey);
     }

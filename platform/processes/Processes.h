@@ -63,7 +63,8 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // path of the program; of a script in a bundle that a common interpreter runs, the script's) and "CFBundleName"; when
 // it runs from a bundle, also "BundlePath", and "CFBundleIdentifier", "FileType" and "FileCreator" as its information
 // file has them. A program that was renamed while it runs, or a folder above it, is known by its new path, one that was
-// replaced or deleted by its last. Nil when no such process runs. Linux: the desktop's file browser, that is the
+// replaced or deleted by its last. Nil when no such process runs; one that has ended and that its parent has not waited
+// for may be told of for 20 ms more while a walk goes on. Linux: the desktop's file browser, that is the
 // default application for folders, is "com.apple.finder" in this user's session.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 

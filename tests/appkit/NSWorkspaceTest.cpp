@@ -109,6 +109,16 @@ TEST_F(Workspace, StartsNoBundleThatRuns) {
     EXPECT_EQ(m_desktop.lines(2), (std::vector<std::string>{program + " first", "last"}));
 }
 
+TEST_F(Workspace, StartsABundleThatRunsInAnotherSession) {
+    std::string const program = makeTool();
+    EnvironmentVariable display("DISPLAY", ":of-another");
+    ChildProcess const running({program, "there"});
+    ASSERT_EQ(m_desktop.lines(1), std::vector{program + " there"});
+    EnvironmentVariable const own("DISPLAY", ":of-nobody");
+    EXPECT_TRUE(launch("com.example.tool"));
+    EXPECT_EQ(m_desktop.lines(2), (std::vector{program + " there", program + " "}));
+}
+
 TEST_F(Workspace, StartsNoEntryWhoseProgramRuns) {
     std::string const program = makeProgram("bin/monitor");
     makeMonitor(program, "");

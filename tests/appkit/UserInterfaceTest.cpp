@@ -144,6 +144,17 @@ TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
     EXPECT_FALSE(interface().runDialog(asked).button);
 }
 
+TEST(UserInterface, ADialogMayStayForYears) {
+    DialogRequest asked = request();
+    // In milliseconds 4 more than there are numbers of 32 bits.
+    asked.seconds = 4294967.3;
+    answer([](QDialog const& dialog) {
+        constexpr int later = 40;
+        QTimer::singleShot(later, &dialog, [&dialog] { buttonNamed(dialog, "OK")->click(); });
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 1U);
+}
+
 TEST(UserInterface, ADialogThatEndsWithTheProgramIsNotAnswered) {
     DialogRequest const asked{.text = u"a", .buttons = {u"Delete", u"Keep"}, .defaultButton = 1};
     UserInterface& screen = interface();

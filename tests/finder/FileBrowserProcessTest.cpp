@@ -1,7 +1,9 @@
 #include "platform/finder/FileBrowserProcess.h"
+#include "platform/processes/Session.h"
 #include "tests/finder/Desktop.h"
 #include <csignal>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -84,6 +86,52 @@ TEST_F(FileBrowserProcess, IsStartedAgainAsItWasStarted) {
     EXPECT_TRUE(launchFileBrowser().isDone());
     std::string const line = "started serve  in " + folder;
     EXPECT_EQ(m_desktop.lines(), (Lines{line, line}));
+}
+
+TEST_F(FileBrowserProcess, ThatIsAScriptIsStartedAgainAsItWasStarted) {
+    std::string const script = m_desktop.folder.makeFile("browser", "#!/bin/sh -u\necho \"$0 $*\" >>'" +
+                                                                        m_desktop.log() + "'\nread -r line\n");
+    ASSERT_EQ(::chmod(script.c_str(), 0755), 0);
+    m_desktop.install(script + " by entry");
+    ChildProcess browser({script, "as it was"});
+    std::string const line = script + " as it was";
+    ASSERT_EQ(m_desktop.lines(1), Lines{line});
+    ASSERT_EQ(fileBrowserProcesses().size(), 1U);
+    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_EQ(browser.wait(), -SIGTERM);
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_EQ(m_desktop.lines(2), (Lines{line, line}));
+}
+
+TEST_F(FileBrowserProcess, IsStartedInATerminalWhereItNeedsOne) {
+    std::string const terminal = m_desktop.folder.makeFile(
+        "bin/x-terminal-emulator", "#!/bin/sh\necho \"terminal $*\" >>'" + m_desktop.log() + "'\n");
+    ASSERT_EQ(::chmod(terminal.c_str(), 0755), 0);
+    EnvironmentVariable const path("PATH", m_desktop.folder.path("bin") + ":/usr/bin:/bin");
+    m_desktop.install("/bin/cat by entry", "Terminal=true\n");
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_desktop.lines(1).at(0).starts_with("terminal -e /")) << m_desktop.lastLine();
+}
+
+TEST_F(FileBrowserProcess, MayTakeItsTimeAfterItsOwnCommand) {
+    install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("open") + "\n");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    Impatience const impatience;
+    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoAnswer);
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U) << "it got no signal";
+}
+
+TEST_F(FileBrowserProcess, IsNotTheCommandThatMakesItQuit) {
+    std::string const command = m_desktop.fake("nameless");
+    install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + command + "\n");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    std::vector<ProcessIdentity> const before = fileBrowserProcesses();
+    ASSERT_EQ(before.size(), 1U);
+    EXPECT_TRUE(askToQuit(before[0]));
+    EXPECT_EQ(m_desktop.lines(2).back(), "started nameless");
+    EXPECT_EQ(fileBrowserProcesses(), before);
+    for (ProcessIdentity const& process : sessionProcessesOf(fakeFileBrowser()))
+        ::kill(process.pid, SIGKILL);
 }
 
 TEST_F(FileBrowserProcess, IsAskedToQuitByItsOwnCommandFirst) {

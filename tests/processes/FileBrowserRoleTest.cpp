@@ -87,6 +87,23 @@ TEST_F(FindersRole, IsNotPlayedInAnotherSession) {
     EXPECT_EQ(finders().size(), 1U) << "not all processes know the number of the bus";
 }
 
+TEST_F(FindersRole, IsNotPlayedAtAnotherDisplay) {
+    std::string const program = copyOfCat(m_folder, "bin/browser");
+    install(program);
+    EnvironmentVariable const wayland("WAYLAND_DISPLAY", "");
+    EnvironmentVariable const first("DISPLAY", ":1.0");
+    ChildProcess const browser({program});
+    ASSERT_EQ(finders().size(), 1U);
+    for (char const* const display : {":2", ":10", "elsewhere:1", "1.0:"}) {
+        EnvironmentVariable const other("DISPLAY", display);
+        EXPECT_TRUE(finders().empty()) << display;
+    }
+    for (char const* const display : {":1", ":1.1", ""}) {
+        EnvironmentVariable const same("DISPLAY", display);
+        EXPECT_EQ(finders().size(), 1U) << display;
+    }
+}
+
 TEST_F(FindersRole, MayBePlayedByAProcessThatNamesNoSession) {
     std::string const program = copyOfCat(m_folder, "bin/browser");
     install(program);

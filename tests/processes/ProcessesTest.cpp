@@ -266,6 +266,14 @@ TEST(Processes, RunFromTheBundleOfTheirScript) {
     }
 }
 
+TEST(Processes, ThatAreBusyboxRunAScriptOnlyUnderTheNameOfAShell) {
+    for (char const* const name : {"sh", "/bin/ash", "busybox-sh/sh"})
+        EXPECT_EQ(scriptInCommand("/bin/busybox", {name, "script"}), "script") << name;
+    for (char const* const name : {"vi", "/usr/bin/tail", "busybox", ""})
+        EXPECT_EQ(scriptInCommand("/bin/busybox", {name, "script"}), std::nullopt) << name;
+    EXPECT_EQ(scriptInCommand("/bin/sh", {}), std::nullopt);
+}
+
 TEST(Processes, RunFromNoBundleThatTheirArgumentsOnlyMention) {
     TemporaryFolder const folder;
     folder.makeBundle("A.app", informationFile("a", "1.0", "1"));
