@@ -147,7 +147,7 @@ private:
     Value evaluateCall(Node const& node);
     Value evaluateLabeledCall(Node const& node);
     Value evaluateCommand(Node const& node);
-    Value carryOut(Node const& command);
+    Value carryOut(Node const& node);
     Value evaluateContinue(Node const& node);
     CommandArguments argumentsOf(Node const& node, bool isForApplication = false);
     Value commandTarget(CommandArguments const& arguments) const;

@@ -85,8 +85,9 @@ NSDictionary bundleInformation(std::string const& bundlePath) {
 NSDictionary localizedBundleInformation(std::string const& bundlePath, std::vector<std::string> const& languages) {
     for (std::string const& language : languages) {
         for (std::string const& name : folderNames(language)) {
-            NSDictionary const strings =
-                dictionaryInFile(bundlePath + "/Contents/Resources/" + name + ".lproj/InfoPlist.strings");
+            std::string path = bundlePath;
+            path.append("/Contents/Resources/").append(name).append(".lproj/InfoPlist.strings");
+            NSDictionary const strings = dictionaryInFile(path);
             if (strings != nil) return strings;
         }
     }

@@ -81,7 +81,7 @@ std::optional<std::string> desktopEntryOfRole(std::string_view bundleIdentifier)
         std::optional<FileBrowser> const browser = defaultFileBrowser();
         return browser ? std::optional(browser->application.entryPath) : std::nullopt;
     }
-    auto const role = std::ranges::find(Roles, bundleIdentifier, &Role::identifier);
+    auto const* const role = std::ranges::find(Roles, bundleIdentifier, &Role::identifier);
     return role == Roles.end() ? std::nullopt : entryOf(*role);
 }
 

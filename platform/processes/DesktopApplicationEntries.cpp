@@ -4,6 +4,7 @@
 #include "platform/processes/KeyFile.h"
 #include "platform/processes/ProcessList.h"
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <unistd.h>
@@ -49,10 +50,8 @@ std::string expanded(std::string const& word, DesktopApplication const& applicat
 bool isListOfFiles(std::string const& word) { return word == "%F" || word == "%U"; }
 
 bool standsForFiles(std::string const& word) {
-    for (char const* const code : {"%f", "%F", "%u", "%U"}) {
-        if (word.find(code) != std::string::npos) return true;
-    }
-    return false;
+    constexpr std::array codes{"%f", "%F", "%u", "%U"};
+    return std::ranges::any_of(codes, [&](char const* code) { return word.find(code) != std::string::npos; });
 }
 
 } // namespace

@@ -18,6 +18,7 @@ struct ProcessIdentity {
     std::int32_t pid{0};
 
     // The order of their start. Of two that started in one tick of the clock the lower ID comes first.
+    // NOLINTNEXTLINE(modernize-use-nullptr): it takes the comparison's own 0 for a pointer
     auto operator<=>(ProcessIdentity const&) const = default;
 };
 

@@ -99,7 +99,7 @@ std::optional<std::uint64_t> startTime(int process, std::int32_t pid) {
 }
 
 std::optional<std::string> executable(int process) {
-    std::array<char, 4096> buffer{};
+    std::array<char, 4096> buffer;
     ssize_t const size = ::readlinkat(process, "exe", buffer.data(), buffer.size());
     if (size <= 0 || static_cast<std::size_t>(size) == buffer.size()) return std::nullopt;
     std::string path(buffer.data(), static_cast<std::size_t>(size));

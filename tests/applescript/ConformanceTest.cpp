@@ -58,7 +58,7 @@ std::string withHome(std::string const& text, std::string const& home) {
     std::string folder = "startup disk of application \"Finder\"";
     for (std::size_t begin = 1; begin < home.size();) {
         std::size_t const end = std::min(home.find('/', begin), home.size());
-        folder = "folder \"" + home.substr(begin, end - begin) + "\" of " + folder;
+        folder.insert(0, "folder \"" + home.substr(begin, end - begin) + "\" of ");
         begin = end + 1;
     }
     return replaced(replaced(replaced(text, "⌂/", home + "/"), "⌂:", hfs), "⌂", folder);

@@ -26,7 +26,7 @@ IconRef customIconOf(std::string const& file, std::string const& family) {
 
 TEST(IconsAndImages, AnIconsPiecesStandUnderTheirTypes) {
     TemporaryFolder const folder;
-    IconRef const icon =
+    IconRef icon =
         customIconOf(folder.makeFile("file", ""),
                      iconFamily(iconPiece("is32", "abc") + iconPiece("\x8Ax\x8Ax", "d") + iconPiece("s8mk", "")));
     NSDictionary const pieces = pxDictionaryWithIconRef_(icon);
@@ -39,7 +39,7 @@ TEST(IconsAndImages, AnIconsPiecesStandUnderTheirTypes) {
 
 TEST(IconsAndImages, AnIconWithoutDataHasNoPieces) {
     TemporaryFolder const folder;
-    IconRef const icon = customIconOf(folder.makeFile("file", ""), "nonsense");
+    IconRef icon = customIconOf(folder.makeFile("file", ""), "nonsense");
     EXPECT_TRUE(pxDictionaryWithIconRef_(icon) == nil);
     EXPECT_EQ(ReleaseIconRef(icon), noErr);
     EXPECT_TRUE(pxDictionaryWithIconRef_({}) == nil);
