@@ -22,65 +22,60 @@ std::optional<struct stat> statusOf(Place const& place) {
     return failed ? std::nullopt : std::optional(status);
 }
 
-bool isThere(Place const& place, struct stat const& item) {
-    std::optional<struct stat> const found = statusOf(place);
-    return found && found->st_dev == item.st_dev && found->st_ino == item.st_ino;
-}
-
 bool fail(int errorNumber) {
     errno = errorNumber;
     return false;
 }
 
-// What has taken a name meanwhile keeps it.
-void removeIfThere(Place const& place, struct stat const& item) {
-    int const reason = errno;
-    if (isThere(place, item)) ::unlinkat(place.folder, place.name.c_str(), S_ISDIR(item.st_mode) ? AT_REMOVEDIR : 0);
-    errno = reason;
-}
-
-// The file system has no second names, or not for this user and file.
-bool isWithoutSecondNames(int errorNumber) {
-    return errorNumber == EPERM || errorNumber == EMLINK || errorNumber == EOPNOTSUPP || errorNumber == ENOSYS ||
-           errorNumber == EINVAL;
-}
-
-// Of a file that has both names.
-bool removeFirstName(Place const& from, Place const& to, struct stat const& file) {
-    bool const isFirst = isThere(from, file);
-    if (isFirst && ::unlinkat(from.folder, from.name.c_str(), 0) == 0) return true;
-    if (!isFirst) errno = ESTALE;
-    removeIfThere(to, file);
-    return false;
-}
-
-bool makeEmpty(Place const& place, bool isFolder) {
-    if (isFolder) return ::mkdirat(place.folder, place.name.c_str(), S_IRWXU) == 0;
+// What holds the place: an empty file that nobody else has.
+std::optional<struct stat> makeEmptyFile(Place const& place) {
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    return FileDescriptor(::openat(place.folder, place.name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR})).isOpen();
+    FileDescriptor const file(::openat(place.folder, place.name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
+    struct stat status {};
+    bool const isMade = file.isOpen() && ::fstat(file.number(), &status) == 0;
+    return isMade ? std::optional(status) : std::nullopt;
 }
 
-bool renameOverEmpty(Place const& from, Place const& to, bool isFolder, std::function<void()> const& afterFirstStep) {
-    if (!makeEmpty(to, isFolder)) return false;
-    std::optional<struct stat> const made = statusOf(to);
+bool isStillEmpty(Place const& place, struct stat const& made) {
+    std::optional<struct stat> const found = statusOf(place);
+    return found && S_ISREG(found->st_mode) && found->st_dev == made.st_dev && found->st_ino == made.st_ino &&
+           found->st_size == 0;
+}
+
+bool renameFile(Place const& from, Place const& to, std::function<void()> const& afterFirstStep) {
+    std::optional<struct stat> const made = makeEmptyFile(to);
     if (!made) return false;
     if (afterFirstStep) afterFirstStep();
-    // The system itself sees to it that a folder is empty.
-    std::optional<struct stat> const found = isFolder ? made : statusOf(to);
-    bool const isEmpty = found && found->st_ino == made->st_ino && found->st_size <= made->st_size;
-    if (!isEmpty) return fail(EEXIST);
+    if (!isStillEmpty(to, *made)) return fail(EEXIST);
     if (::renameat(from.folder, from.name.c_str(), to.folder, to.name.c_str()) == 0) return true;
-    if (errno == ENOTEMPTY) return fail(EEXIST);
-    removeIfThere(to, *made);
-    return false;
+    int const reason = errno;
+    if (isStillEmpty(to, *made)) ::unlinkat(to.folder, to.name.c_str(), 0);
+    return fail(reason);
+}
+
+// The system itself sees to it that the folder it takes the place of, or removes, is empty.
+bool renameFolder(Place const& from, Place const& to, std::function<void()> const& afterFirstStep) {
+    if (::mkdirat(to.folder, to.name.c_str(), S_IRWXU) != 0) return false;
+    if (afterFirstStep) afterFirstStep();
+    if (::renameat(from.folder, from.name.c_str(), to.folder, to.name.c_str()) == 0) return true;
+    int const reason = errno;
+    ::unlinkat(to.folder, to.name.c_str(), AT_REMOVEDIR);
+    return fail(reason == ENOTEMPTY ? EEXIST : reason);
+}
+
+// The file system does not know how not to replace.
+bool isUnknownToIt(int errorNumber) { return errorNumber == EINVAL || errorNumber == ENOSYS; }
+
+// It has no second names, or not for this user and file.
+bool isWithoutSecondNames(int errorNumber) {
+    return isUnknownToIt(errorNumber) || errorNumber == EPERM || errorNumber == EMLINK || errorNumber == EOPNOTSUPP;
 }
 
 } // namespace
 
 bool renameWithoutReplacing(int fromFolder, std::string const& from, int toFolder, std::string const& to) {
     if (::renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE) == 0) return true;
-    if (errno != EINVAL && errno != ENOSYS) return false;
-    return renameInSteps(fromFolder, from, toFolder, to);
+    return isUnknownToIt(errno) && renameInSteps(fromFolder, from, toFolder, to);
 }
 
 bool renameInSteps(int fromFolder, std::string const& from, int toFolder, std::string const& to,
@@ -89,13 +84,17 @@ bool renameInSteps(int fromFolder, std::string const& from, int toFolder, std::s
     Place const second{toFolder, to};
     std::optional<struct stat> const item = statusOf(first);
     if (!item) return false;
-    bool const isFolder = S_ISDIR(item->st_mode);
-    if (!isFolder && ::linkat(fromFolder, from.c_str(), toFolder, to.c_str(), 0) == 0) {
-        if (afterFirstStep) afterFirstStep();
-        return removeFirstName(first, second, *item);
-    }
-    if (!isFolder && !isWithoutSecondNames(errno)) return false;
-    return renameOverEmpty(first, second, isFolder, afterFirstStep);
+    return S_ISDIR(item->st_mode) ? renameFolder(first, second, afterFirstStep)
+                                  : renameFile(first, second, afterFirstStep);
+}
+
+bool nameNewFile(int folder, std::string const& from, std::string const& to) {
+    if (::renameat2(folder, from.c_str(), folder, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (!isUnknownToIt(errno)) return false;
+    if (::linkat(folder, from.c_str(), folder, to.c_str(), 0) != 0)
+        return isWithoutSecondNames(errno) && renameInSteps(folder, from, folder, to);
+    ::unlinkat(folder, from.c_str(), 0);
+    return true;
 }
 
 } // namespace mac

@@ -119,7 +119,7 @@ bool NewFile::finish(std::string const& name, Place place) {
     if (copy < 0 || ::close(copy) != 0) return false;
     int const folder = m_folder.number();
     m_isDone = place == Place::IsTaken ? ::renameat(folder, m_name.c_str(), folder, name.c_str()) == 0
-                                       : renameWithoutReplacing(folder, m_name, folder, name);
+                                       : nameNewFile(folder, m_name, name);
     return m_isDone && flushFolder(m_folder);
 }
 

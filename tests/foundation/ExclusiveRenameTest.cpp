@@ -1,6 +1,7 @@
 #include "platform/foundation/ExclusiveRename.h"
 #include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/FolderContents.h"
+#include "platform/foundation/OpenItems.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -36,14 +37,6 @@ protected:
         return renameInSteps(m_parent.number(), from, m_parent.number(), to, afterFirstStep) ? 0 : errno;
     }
 
-    // Where no file can have two names.
-    int renameWithoutLinks(std::string const& from, std::string const& to,
-                           std::function<void()> const& afterFirstStep = {}) const {
-        int result = 0;
-        withRefusedCall(SYS_linkat, EPERM, [&] { result = rename(from, to, afterFirstStep); });
-        return result;
-    }
-
     TemporaryFolder const m_folder{};
     FileDescriptor const m_parent{::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
 };
@@ -58,10 +51,6 @@ TEST_F(RenameInSteps, MovesFilesFoldersAndLinks) {
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
     EXPECT_EQ(textOf(m_folder.path("file 2")), "x");
     EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
-    EXPECT_EQ(renameWithoutLinks("file 2", "file 3"), 0);
-    EXPECT_EQ(renameWithoutLinks("link 2", "link 3"), 0);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 3", "folder 2", "link 3"}));
-    EXPECT_EQ(textOf(m_folder.path("file 3")), "x");
 }
 
 TEST_F(RenameInSteps, ReplacesNothing) {
@@ -69,44 +58,46 @@ TEST_F(RenameInSteps, ReplacesNothing) {
     m_folder.makeFolder("folder");
     m_folder.makeFolder("empty");
     EXPECT_EQ(rename("file", "empty"), EEXIST);
-    EXPECT_EQ(renameWithoutLinks("file", "empty"), EEXIST);
     EXPECT_EQ(rename("folder", "empty"), EEXIST);
     EXPECT_EQ(rename("folder", "file"), EEXIST);
     EXPECT_EQ(rename("none", "new"), ENOENT);
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
 }
 
-TEST_F(RenameInSteps, PutsNothingInTheWayOfAFileThatCanHaveTwoNames) {
-    m_folder.makeFile("file", "x");
-    std::string const second = m_folder.path("second");
-    EXPECT_EQ(rename("file", "second", [&] { std::ofstream(second, std::ios::app) << "y"; }), 0);
-    EXPECT_EQ(textOf(second), "xy") << "who writes to it already writes to the file itself";
-    EXPECT_EQ(namesIn(m_folder.path()), Names{"second"});
+TEST_F(RenameInSteps, IsFollowedByWhoHasTheItemOpen) {
+    FileDescriptor const file(::open(m_folder.makeFile("file", "x").c_str(), O_PATH | O_CLOEXEC));
+    ASSERT_TRUE(file.isOpen());
+    EXPECT_EQ(rename("file", "second"), 0);
+    EXPECT_EQ(systemsPath(file), m_folder.path("second"));
 }
 
-TEST_F(RenameInSteps, LeavesWhatTakesThePlaceOfTheFile) {
+TEST_F(RenameInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     std::string const file = m_folder.makeFile("file", "old");
-    EXPECT_EQ(rename("file", "second",
-                     [&] {
-                         ::rename(file.c_str(), m_folder.path("moved").c_str());
-                         m_folder.makeFile("file", "new");
-                     }),
-              ESTALE);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file", "moved"}));
-    EXPECT_EQ(textOf(file), "new");
-    EXPECT_EQ(textOf(m_folder.path("moved")), "old");
+    std::string const saved = m_folder.makeFile("saved", "new");
+    ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(saved.c_str(), file.c_str()); }), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"old", "second"}));
+    EXPECT_EQ(textOf(m_folder.path("second")), "new");
 }
 
 TEST_F(RenameInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
     m_folder.makeFile("file", "x");
     m_folder.makeFile("folder/inner", "y");
     std::string const second = m_folder.path("second");
-    EXPECT_EQ(renameWithoutLinks("file", "second", [&] { std::ofstream(second) << "another's"; }), EEXIST);
+    EXPECT_EQ(rename("file", "second", [&] { std::ofstream(second) << "another's"; }), EEXIST);
     EXPECT_EQ(textOf(second), "another's");
     EXPECT_EQ(textOf(m_folder.path("file")), "x");
     EXPECT_EQ(rename("folder", "third", [&] { m_folder.makeFile("third/file", "another's"); }), EEXIST);
     EXPECT_EQ(textOf(m_folder.path("third/file")), "another's");
     EXPECT_EQ(textOf(m_folder.path("folder/inner")), "y");
+}
+
+TEST_F(RenameInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
+    std::string const file = m_folder.makeFile("file", "x");
+    std::string const anothers = m_folder.makeFile("another's", "");
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }), EEXIST);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(textOf(file), "x");
 }
 
 TEST_F(RenameInSteps, LeavesNothingBehindWhenItFails) {
@@ -115,11 +106,9 @@ TEST_F(RenameInSteps, LeavesNothingBehindWhenItFails) {
     EXPECT_FALSE(renameInSteps(m_parent.number(), "folder", inner.number(), "itself"));
     EXPECT_EQ(errno, EINVAL);
     EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
-    m_folder.makeFile("file", "x");
-    int reason = 0;
-    withRefusedCall(SYS_unlinkat, EACCES, [&] { reason = rename("file", "second"); });
-    EXPECT_EQ(reason, EACCES);
-    EXPECT_EQ(textOf(m_folder.path("file")), "x");
+    std::string const file = m_folder.makeFile("file", "x");
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(file.c_str(), m_folder.path("moved").c_str()); }), ENOENT);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"folder", "moved"}));
 }
 
 TEST_F(RenameInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
@@ -132,6 +121,45 @@ TEST_F(RenameInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
     });
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"free", "taken"}));
     EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+}
+
+class NamingANewFile : public RenameInSteps {
+protected:
+    int name(std::string const& from, std::string const& to) const {
+        return nameNewFile(m_parent.number(), from, to) ? 0 : errno;
+    }
+    // Where the system cannot rename without replacing.
+    int nameInSteps(std::string const& from, std::string const& to) const {
+        int result = 0;
+        withRefusedCall(SYS_renameat2, EINVAL, [&] { result = name(from, to); });
+        return result;
+    }
+};
+
+TEST_F(NamingANewFile, ReplacesNothing) {
+    m_folder.makeFile("new", "x");
+    m_folder.makeFile("taken", "y");
+    EXPECT_EQ(name("new", "taken"), EEXIST);
+    EXPECT_EQ(nameInSteps("new", "taken"), EEXIST);
+    EXPECT_EQ(name("new", "free"), 0);
+    EXPECT_EQ(nameInSteps("free", "name"), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "taken"}));
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+    EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+}
+
+TEST_F(NamingANewFile, IsDoneAlsoWhereTheFirstNameCannotGo) {
+    m_folder.makeFile("new", "x");
+    withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "new"}));
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+}
+
+TEST_F(NamingANewFile, NeedsNoSecondNames) {
+    m_folder.makeFile("new", "x");
+    withRefusedCall(SYS_linkat, EPERM, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
+    EXPECT_EQ(namesIn(m_folder.path()), Names{"name"});
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
 }
 
 } // namespace
