@@ -273,7 +273,7 @@ bool copyAs(OpenItem const& item, FileDescriptor const& folder, std::string cons
         errno = EINVAL;
         return false;
     }
-    if (clash == NameClash::IsRefused && placeOf(folder, name)) {
+    if (clash == NameClash::IsRefused && (placeOf(folder, name) || wouldAdopt(folder, name))) {
         errno = EEXIST;
         return false;
     }
@@ -315,17 +315,28 @@ bool removeOriginal(OpenItem const& item, CopiedItems& copied) {
 
 // To another folder of the volume, with the AppleDouble file beside it or not at all.
 Moved moveWithCompanion(OpenItem const& item, FileDescriptor const& folder, std::string const& name) {
+    std::optional<ItemPlace> const from = placeOf(item.folder);
+    std::optional<ItemPlace> const to = placeOf(folder);
+    if (!from || !to) return Moved::No;
+    // Told first: before it is copied, nothing has to make room for it.
+    if (from->mount != to->mount) {
+        errno = EXDEV;
+        return Moved::No;
+    }
     Companion const companion = companionOf(item.folder, item.name);
-    if (!companion.file.isOpen() && wouldAdopt(folder, name)) return Moved::No;
+    // "._x" may become "x".
+    bool const isTheCompanion = isItemInFolder(folder, AppleDoubleFile::nameFor(name), item.item);
+    if (!companion.file.isOpen() && !isTheCompanion && wouldAdopt(folder, name)) return Moved::No;
     Moved const moved = moveItem(item.item, item.folder, item.name, folder, name);
     if (moved != Moved::Yes || !companion.file.isOpen()) return moved;
     Moved const followed =
         moveItem(companion.file, item.folder, companion.name, folder, AppleDoubleFile::nameFor(name));
     if (followed == Moved::Yes || (followed == Moved::No && errno == ENOENT)) return Moved::Yes;
     int const reason = errno;
-    Moved const back = moveItem(item.item, folder, name, item.folder, item.name);
-    errno = reason;
-    return back == Moved::Yes ? Moved::No : Moved::ButAnother;
+    bool const isBack = moveItem(item.item, folder, name, item.folder, item.name) == Moved::Yes;
+    // What has the new name then is the item itself, not something to make room.
+    errno = isBack ? reason : ESTALE;
+    return isBack ? Moved::No : Moved::ButAnother;
 }
 
 } // namespace

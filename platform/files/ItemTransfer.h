@@ -16,8 +16,8 @@ enum class NameClash {
     IsRefused,
     // What has the name goes to the trash once the new item is ready for its place. Linux: it is not deleted, so that
     // a replacement can be taken back; EPERM where it cannot be trashed, EINVAL where it holds the item itself. When
-    // the
-    // new item cannot take the place after all, it is put back; where somebody else was quicker it stays in the trash.
+    // the new item cannot take the place after all, it is put back; where somebody else was quicker it stays in the
+    // trash.
     IsReplaced,
 };
 
@@ -31,7 +31,8 @@ bool copyItem(OpenItem const& item, FileDescriptor const& folder, std::string co
 enum class ItemMove {
     Done,
     // It is where it was. ESTALE: another item took its place; where that was moved in its stead and cannot go back, it
-    // has the new name.
+    // has the new name. So has the item itself where the AppleDouble file could not follow and the old name was taken
+    // meanwhile.
     NotDone,
     // To another volume, where the copy is whole and in its place. What of the original could not be removed is where
     // it was; what changed meanwhile stays, and is ESTALE.

@@ -1,5 +1,6 @@
 #include "platform/files/ItemTransfer.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/files/TrashSteps.h"
 #include "tests/files/Attributes.h"
 #include "tests/files/TrashHome.h"
 #include "tests/support/PrivateMounts.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
+#include <utility>
 
 namespace mac::test {
 
@@ -207,6 +209,37 @@ TEST(ItemTransfer, GivesNoItemTheAttributesOfAStrayAppleDoubleFile) {
     EXPECT_EQ(namesIn(folder.path("there")), (std::vector<std::string>{"._other", "file"}));
 }
 
+TEST(ItemTransfer, GivesAnAppleDoubleFileTheNameItIsFor) {
+    TemporaryFolder const folder;
+    folder.makeFile("._file", AppleDouble);
+    EXPECT_EQ(errorOf(move, folder.path("._file"), folder.path(), "file"), 0);
+    EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"file"});
+    folder.makeFile("._other", AppleDouble);
+    EXPECT_EQ(errorOf(move, folder.path("file"), folder.path(), "other"), EEXIST)
+        << "of another item it is a stray one";
+}
+
+TEST(ItemTransfer, DoesNotTrashTheItemThatCannotGoBack) {
+    TrashHome const home;
+    TemporaryFolder const& folder = home.folder;
+    std::string const file = folder.makeFile("file", "x");
+    folder.makeFile("._file", AppleDouble + "own");
+    folder.makeFile("there/._file", AppleDouble + "stray");
+    for (NameClash const clash : {NameClash::IsReplaced, NameClash::IsRefused}) {
+        bool isFirst = true;
+        TrashStepListener const listener([&](TrashStep step) {
+            if (step == TrashStep::Renamed && std::exchange(isFirst, false)) folder.makeFile("file", "another's");
+            EXPECT_NE(step, TrashStep::InformationWritten) << "it is about to go to the trash";
+        });
+        EXPECT_EQ(errorOf(move, file, folder.path("there"), "file", clash), ESTALE);
+        EXPECT_EQ(textOf(folder.path("there/file")), "x");
+        EXPECT_EQ(textOf(folder.path("there/._file")), AppleDouble + "stray");
+        EXPECT_EQ(textOf(file), "another's");
+        EXPECT_TRUE(trashedItems().empty());
+        ASSERT_EQ(::rename(folder.path("there/file").c_str(), file.c_str()), 0);
+    }
+}
+
 TEST(ItemTransfer, LeavesNothingOfACopyThatIsGivenUp) {
     TemporaryFolder const folder;
     makeTree(folder, "tree");
@@ -324,6 +357,43 @@ TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
     EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), ENOSPC);
     EXPECT_EQ(textOf(m_folder.path("tree/large")).size(), std::size_t{1} << 20U);
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, ReplacesNothingBeforeTheCopyIsWhole) {
+    mountMemory(m_point.path());
+    m_folder.makeFile("file", "new");
+    m_point.makeFile("file", "old");
+    m_point.makeFile("._file", AppleDouble + "old");
+    int steps = 0;
+    int questions = 0;
+    TrashStepListener const listener([&](TrashStep) { ++steps; });
+    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsReplaced,
+                      [&] {
+                          ++questions;
+                          return false;
+                      }),
+              ECANCELED);
+    EXPECT_EQ(questions, 1);
+    EXPECT_EQ(steps, 0) << "nothing was away for a while";
+    EXPECT_EQ(textOf(m_point.path("file")), "old");
+    EXPECT_EQ(textOf(m_point.path("._file")), AppleDouble + "old");
+    EXPECT_EQ(textOf(m_folder.path("file")), "new");
+    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsReplaced), 0);
+    EXPECT_GT(steps, 0);
+    EXPECT_EQ(textOf(m_point.path("file")), "new");
+    EXPECT_FALSE(isThere(m_point.path("._file")));
+}
+
+TEST_F(ItemTransferOnVolumes, RefusesAStrayAppleDoubleFileBeforeItCopies) {
+    mountMemory(m_point.path());
+    m_folder.makeFile("file", "x");
+    m_point.makeFile("._file", AppleDouble);
+    int questions = 0;
+    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsRefused,
+                      [&] { return ++questions > 0; }),
+              EEXIST);
+    EXPECT_EQ(questions, 0);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"._file"});
 }
 
 TEST_F(ItemTransferOnVolumes, KeepsAttributesThatTheOtherVolumeHasNoPlaceFor) {
