@@ -3,7 +3,6 @@
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/VolumeNumbers.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/OpenItems.h"
@@ -105,10 +104,14 @@ bool readFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalog
 
 bool readValence(OpenItem const& item, bool isFolder, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
     if ((which & kFSCatInfoValence) == 0) return true;
-    std::optional<std::vector<std::string>> const names =
-        isFolder ? namesInOpenFolder(item.item) : std::vector<std::string>();
-    if (!names) return false;
-    information.valence = static_cast<std::uint32_t>(names->size());
+    information.valence = 0;
+    if (!isFolder) return true;
+    // To be read is enough, it need not be entered, as it must for ".".
+    FileDescriptor folder(::open(item.systemPath().c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    std::optional<std::vector<FolderEntry>> const entries =
+        folder.isOpen() ? entriesOf(std::move(folder)) : std::nullopt;
+    if (!entries) return false;
+    information.valence = static_cast<std::uint32_t>(entries->size());
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "platform/foundation/NSFileManager.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -101,6 +102,19 @@ TEST_F(CatalogInformation, LeavesTheFieldsThatAreNotAskedFor) {
     ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoValence, &information, nullptr, nullptr, nullptr), noErr);
     EXPECT_EQ(information.valence, 0U);
     EXPECT_EQ(information.nodeID, 77U);
+}
+
+TEST_F(CatalogInformation, CountsWhatIsInAFolderThatMayOnlyBeRead) {
+    m_folder.makeFile("folder/other", "");
+    std::string const folder = m_folder.path("folder");
+    OrdinaryUser::own(m_folder.path());
+    OrdinaryUser::own(folder);
+    ASSERT_EQ(::chmod(folder.c_str(), 0644), 0);
+    {
+        OrdinaryUser const user;
+        EXPECT_EQ(informationOf(folder, kFSCatInfoValence).valence, 2U);
+    }
+    ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
 }
 
 TEST_F(CatalogInformation, ComesWithNameAndParent) {
