@@ -12,6 +12,16 @@ class FileDescriptor;
 // implementations; any thread.
 
 NSDictionary fileAttributesOf(FileDescriptor const& item);
+
+// What forbids changes of it.
+struct FileLocks {
+    bool isImmutable{false};
+    bool isAppendOnly{false};
+};
+std::optional<FileLocks> locksOf(FileDescriptor const& item);
+// nil where it is not known.
+NSDate creationDateOf(FileDescriptor const& item);
+
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // Immutable and append only alone; what the dictionary does not say stays.
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);

@@ -67,39 +67,39 @@ bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bo
     return ::ioctl(file.number(), FS_IOC_SETFLAGS, &flags) == 0;
 }
 
-bool isSameDate(NSDate const& wanted, NSDate const& date) {
+bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
+    if (wanted == nil) return true;
+    NSDate const date = creationDateOf(item);
     constexpr double precision = 1e-3;
-    return wanted == nil || (!(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision);
+    return !(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision;
 }
 
 } // namespace
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes) {
-    NSDictionary const old = fileAttributesOf(item);
-    if (old == nil) return false;
+    std::optional<FileLocks> const old = locksOf(item);
+    if (!old) return false;
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
+    // Asked before the changes, after which it may not be ours to read.
+    bool done = hasCreationDate(item, attributes.fileCreationDate());
     // What forbids changes is lifted first and put on last.
-    bool done = true;
-    if (old.fileIsImmutable() && !immutable.boolValue())
-        done = changeFlag(item, immutable, FS_IMMUTABLE_FL, true) && done;
-    if (old.fileIsAppendOnly() && !appendOnly.boolValue())
-        done = changeFlag(item, appendOnly, FS_APPEND_FL, true) && done;
+    if (old->isImmutable && !immutable.boolValue()) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, true) && done;
+    if (old->isAppendOnly && !appendOnly.boolValue()) done = changeFlag(item, appendOnly, FS_APPEND_FL, true) && done;
     done = changeOwners(item, attributes) && done;
     done = changePermissions(item, as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions))) && done;
     done = changeModificationDate(item, attributes.fileModificationDate()) && done;
-    done = isSameDate(attributes.fileCreationDate(), old.fileCreationDate()) && done;
-    if (!old.fileIsAppendOnly()) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
-    if (!old.fileIsImmutable()) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
+    if (!old->isAppendOnly) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
+    if (!old->isImmutable) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
     return done;
 }
 
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes) {
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
-    NSDictionary const old = fileAttributesOf(item);
-    bool const done = changeFlag(item, appendOnly, FS_APPEND_FL, old.fileIsAppendOnly());
-    return changeFlag(item, immutable, FS_IMMUTABLE_FL, old.fileIsImmutable()) && done;
+    FileLocks const old = locksOf(item).value_or(FileLocks());
+    bool const done = changeFlag(item, appendOnly, FS_APPEND_FL, old.isAppendOnly);
+    return changeFlag(item, immutable, FS_IMMUTABLE_FL, old.isImmutable) && done;
 }
 
 } // namespace mac

@@ -44,6 +44,13 @@ CreationDateReader& creationDateReader() {
     return reader;
 }
 
+std::optional<struct statx> statusOf(FileDescriptor const& item) {
+    struct statx status {};
+    int const failed =
+        ::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status);
+    return failed ? std::nullopt : std::optional(status);
+}
+
 NSDate creationDateOf(FileDescriptor const& item, struct statx const& status) {
     bool const canBeKept = S_ISREG(status.stx_mode) || S_ISDIR(status.stx_mode);
     CreationDateReader const reader = canBeKept ? creationDateReader() : nullptr;
@@ -64,10 +71,22 @@ NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
 
 void readCreationDatesBy(CreationDateReader reader) { creationDateReader() = reader; }
 
+std::optional<FileLocks> locksOf(FileDescriptor const& item) {
+    std::optional<struct statx> const status = statusOf(item);
+    if (!status) return std::nullopt;
+    return FileLocks{.isImmutable = (status->stx_attributes & STATX_ATTR_IMMUTABLE) != 0,
+                     .isAppendOnly = (status->stx_attributes & STATX_ATTR_APPEND) != 0};
+}
+
+NSDate creationDateOf(FileDescriptor const& item) {
+    std::optional<struct statx> const status = statusOf(item);
+    return status ? creationDateOf(item, *status) : NSDate(nil);
+}
+
 NSDictionary fileAttributesOf(FileDescriptor const& item) {
-    struct statx status {};
-    if (::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status) != 0)
-        return nil;
+    std::optional<struct statx> const found = statusOf(item);
+    if (!found) return nil;
+    struct statx const& status = *found;
     NSMutableDictionary const attributes = NSMutableDictionary::dictionary();
     attributes.setObject_forKey_(typeOf(status.stx_mode), NSFileType);
     attributes.setObject_forKey_(number(status.stx_size), NSFileSize);

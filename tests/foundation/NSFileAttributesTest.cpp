@@ -1,3 +1,5 @@
+#include "platform/foundation/FileAttributes.h"
+#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSFileManager.h"
@@ -5,6 +7,7 @@
 #include "tests/foundation/LongFolder.h"
 #include "tests/support/FileLocks.h"
 #include "tests/support/Texts.h"
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,6 +65,29 @@ TEST(NSFileAttributes, HaveACreationDateThatStays) {
     NSDictionary const other =
         NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1), NSFileCreationDate);
     EXPECT_FALSE(manager().changeFileAttributes_atPath_(other, path(file)));
+}
+
+TEST(NSFileAttributes, AskForTheCreationDateOnlyWhereItIsWanted) {
+    static int questions;
+    questions = 0;
+    readCreationDatesBy([](FileDescriptor const&) -> std::optional<double> {
+        ++questions;
+        return 5.0;
+    });
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(permissions(0600), path(file)));
+    NSDictionary const unlocked =
+        NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(NO), NSFileImmutable);
+    EXPECT_TRUE(changeLocks(FileDescriptor(::open(file.c_str(), O_PATH | O_CLOEXEC)), unlocked));
+    EXPECT_EQ(questions, 0);
+    NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(
+        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
+    EXPECT_EQ(questions, 1);
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSinceReferenceDate(), 5);
+    EXPECT_EQ(questions, 2);
+    readCreationDatesBy(nullptr);
 }
 
 TEST(NSFileAttributes, TellTheTypes) {
