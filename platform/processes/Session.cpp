@@ -71,7 +71,8 @@ bool isOfThisSession(std::int32_t pid) {
     struct stat status {};
     if (::stat(("/proc/" + std::to_string(pid)).c_str(), &status) != 0 || status.st_uid != ::geteuid()) return false;
     std::optional<std::vector<std::string>> variables = environmentOf(pid);
-    if (!variables) return false;
+    // While a program is being started there are none for a moment, whosever it is.
+    if (!variables || variables->empty()) return false;
     Environment const environment = environmentIn(std::move(*variables));
     if (areAtDifferentDisplays(environment, environmentOfThisProcess())) return false;
     std::optional<std::string> const place = placeIn(busAddressIn(environment));

@@ -15,8 +15,8 @@ namespace mac {
 std::optional<std::string> sessionBusAddress();
 
 // Whether the process is this user's and was started at the same bus and display: in another session it is somebody
-// else's. One whose environment names no bus, or no display, is taken for this session's in that; one that may not be
-// looked at is not.
+// else's. One whose environment names no bus, or no display, is taken for this session's in that; one that has no
+// environment, or may not be looked at, is not.
 bool isOfThisSession(std::int32_t pid);
 
 // This session's processes that run the program, as programOf tells it, in the order of their start.

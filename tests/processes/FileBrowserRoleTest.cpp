@@ -41,6 +41,7 @@ TEST_F(FindersRole, IsTheFileBrowsersAlone) {
     install("\"" + program + "\"");
     ChildProcess const other({"/bin/cat"});
     ChildProcess const browser({program});
+    waitUntilCatRuns(browser);
     EXPECT_EQ(finders(), std::vector{numberOf(browser)});
     EXPECT_EQ(text(informationOf(numberOf(browser)), kCFBundleNameKey), "Files");
 }
@@ -49,7 +50,9 @@ TEST_F(FindersRole, IsThatOfTheFirstStartedFirst) {
     std::string const program = copyOfCat(m_folder, "bin/browser");
     install(program);
     ChildProcess const first({program});
+    waitUntilCatRuns(first);
     ChildProcess const second({program});
+    waitUntilCatRuns(second);
     EXPECT_EQ(finders(), (std::vector{numberOf(first), numberOf(second)}));
 }
 
@@ -78,6 +81,7 @@ TEST_F(FindersRole, IsNotPlayedInAnotherSession) {
     std::string const program = copyOfCat(m_folder, "bin/browser");
     install(program);
     ChildProcess const browser({program});
+    waitUntilCatRuns(browser);
     ASSERT_EQ(finders().size(), 1U);
     {
         EnvironmentVariable const other("DBUS_SESSION_BUS_ADDRESS", "unix:path=/elsewhere/bus,guid=1");
@@ -93,6 +97,7 @@ TEST_F(FindersRole, IsNotPlayedAtAnotherDisplay) {
     EnvironmentVariable const wayland("WAYLAND_DISPLAY", "");
     EnvironmentVariable const first("DISPLAY", ":1.0");
     ChildProcess const browser({program});
+    waitUntilCatRuns(browser);
     ASSERT_EQ(finders().size(), 1U);
     for (char const* const display : {":2", ":10", "elsewhere:1", "1.0:"}) {
         EnvironmentVariable const other("DISPLAY", display);
@@ -112,8 +117,17 @@ TEST_F(FindersRole, MayBePlayedByAProcessThatNamesNoSession) {
     {
         EnvironmentVariable const none("DBUS_SESSION_BUS_ADDRESS", "");
         browser = std::make_unique<ChildProcess>(std::vector{program});
+        waitUntilCatRuns(*browser);
     }
     EXPECT_EQ(finders(), std::vector{numberOf(*browser)});
+}
+
+TEST_F(FindersRole, IsNotPlayedByAProcessWithoutAnEnvironment) {
+    std::string const program = copyOfCat(m_folder, "bin/browser");
+    install(program);
+    ChildProcess const starting({"/usr/bin/env", "-i", program});
+    waitUntilCatRuns(starting);
+    EXPECT_TRUE(finders().empty()) << "it may be anybody's that is being started";
 }
 
 TEST_F(FindersRole, IsNotPlayedByAnotherUsersProcess) {
@@ -122,9 +136,9 @@ TEST_F(FindersRole, IsNotPlayedByAnotherUsersProcess) {
     if (::geteuid() != 0) GTEST_SKIP() << "nobody else can be played here";
     ASSERT_EQ(::chmod(m_folder.path("").c_str(), 0755), 0);
     ChildProcess const others({"/usr/bin/setpriv", "--reuid", "65534", "--clear-groups", program});
-    others.writeLine("it runs");
-    ASSERT_EQ(others.readLine(), "it runs");
+    waitUntilCatRuns(others);
     ChildProcess const own({program});
+    waitUntilCatRuns(own);
     EXPECT_EQ(finders(), std::vector{numberOf(own)});
 }
 

@@ -25,6 +25,12 @@ inline std::string copyOfCat(TemporaryFolder const& folder, std::string const& r
     return path;
 }
 
+// A program that is being started has no environment for a moment.
+inline void waitUntilCatRuns(ChildProcess const& cat) {
+    cat.writeLine("it runs");
+    EXPECT_EQ(cat.readLine(), "it runs");
+}
+
 inline std::string makeScript(TemporaryFolder const& folder, std::string const& relative, std::string const& script) {
     std::string path = folder.makeFile(relative, script);
     EXPECT_EQ(::chmod(path.c_str(), 0755), 0);
