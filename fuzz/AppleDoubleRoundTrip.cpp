@@ -25,10 +25,36 @@ std::string complaintAboutAccess(AppleDouble file) {
     return file.isEmpty() == isEmpty ? "" : "it is empty, or not";
 }
 
+bool isAsInWhole(AppleDouble::Attribute const& attribute, AppleDouble::Attribute const& inWhole) {
+    return attribute.name == inWhole.name && (attribute.value == inWhole.value || attribute.value.empty());
+}
+
+// It says the same, or that it does not know.
+std::string complaintAboutBeginning(std::span<std::byte const> bytes, std::size_t size,
+                                    Result<AppleDouble> const& whole) {
+    Result<AppleDouble> const read = AppleDouble::readBeginning(bytes.first(size), bytes.size());
+    if (!read.hasValue()) return "";
+    if (!whole.hasValue()) return "only the beginning can be read";
+    if (read.value().finderInformation != whole.value().finderInformation) return "the beginning says something else";
+    return std::ranges::equal(read.value().attributes, whole.value().attributes, isAsInWhole)
+               ? ""
+               : "the beginning has other attributes";
+}
+
+std::string complaintAboutBeginnings(std::span<std::byte const> bytes, Result<AppleDouble> const& whole) {
+    for (std::size_t parts = 1; parts < 8; ++parts) {
+        std::string complaint = complaintAboutBeginning(bytes, bytes.size() * parts / 8, whole);
+        if (!complaint.empty()) return complaint;
+    }
+    return "";
+}
+
 } // namespace
 
 std::string complaintAboutAppleDouble(std::span<std::byte const> bytes) {
     Result<AppleDouble> const read = AppleDouble::read(bytes);
+    std::string complaint = complaintAboutBeginnings(bytes, read);
+    if (!complaint.empty()) return complaint;
     if (!read.hasValue()) return read.reason().empty() ? "refused without a reason" : "";
     if (sizeOf(read.value()) > 2 * bytes.size()) return "more was read than there is";
     std::optional<std::vector<std::byte>> const written = read.value().written();

@@ -54,6 +54,9 @@ struct AppleDouble {
     // Fails for what is no such file or contradicts itself: nothing outside of the bytes is believed, no byte counts
     // twice, and no name does.
     static Result<AppleDouble> read(std::span<std::byte const> file);
+    // The same of the first bytes of a file of that size, for who looks for something small: what lies behind them is
+    // left empty, but for the Finder information and the table of attributes. Fails where these are not among them.
+    static Result<AppleDouble> readBeginning(std::span<std::byte const> beginning, std::size_t fileSize);
     // Nothing when it is more than the form can count or read() takes, or a name is empty, too long or holds a NUL.
     std::optional<std::vector<std::byte>> written() const;
 

@@ -1,4 +1,5 @@
 #include "platform/files/AppleDoubleFile.h"
+#include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemIdentity.h"
 #include "platform/foundation/FileWriting.h"
 #include "platform/foundation/OpenItems.h"
@@ -15,6 +16,8 @@ namespace mac {
 namespace {
 
 constexpr std::size_t LargestFile = std::size_t{256} << 20;
+// Before the resource fork, which may be large, there is room for what most items carry.
+constexpr std::size_t BeginningSize = std::size_t{64} << 10;
 // Ten seconds altogether; who changes such a file needs milliseconds.
 constexpr timespec BetweenTries{0, 5'000'000};
 constexpr unsigned MostTries = 2'000;
@@ -22,6 +25,36 @@ constexpr unsigned MostTries = 2'000;
 std::mutex& threadLock() {
     static std::mutex lock;
     return lock;
+}
+
+// The file of that name; errno is 0 where there is nothing, EEXIST where it is no file.
+FileDescriptor openFile(FileDescriptor const& folder, std::string const& name) {
+    // Opening what is no file can wait for ever, or do things.
+    std::optional<FileStatus> const found = fileStatusInFolder(folder, name);
+    if (!found && errno == ENOENT) errno = 0;
+    if (found && found->kind != FileStatus::Kind::File) errno = EEXIST;
+    if (!found || found->kind != FileStatus::Kind::File) return {};
+    return FileDescriptor(
+        ::openat(folder.number(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+}
+
+// Of a large file; nothing where only the whole tells.
+std::optional<AppleDouble> beginningBeside(OpenItem const& item) {
+    if (item.name.empty()) return std::nullopt;
+    FileDescriptor const file = openFile(item.folder, AppleDoubleFile::nameFor(item.name));
+    std::optional<FileStatus> const status = file.isOpen() ? fileStatusOf(file) : std::nullopt;
+    if (!status || status->size <= BeginningSize || status->size > LargestFile) return std::nullopt;
+    std::vector<std::byte> beginning(BeginningSize);
+    if (::pread(file.number(), beginning.data(), beginning.size(), 0) != std::ssize(beginning)) return std::nullopt;
+    Result<AppleDouble> read = AppleDouble::readBeginning(beginning, status->size);
+    return read.hasValue() ? std::optional(read.takeValue()) : std::nullopt;
+}
+
+std::optional<std::vector<std::byte>> valueIn(AppleDouble const& contents, std::string_view name) {
+    std::optional<std::span<std::byte const>> const value = contents.valueOf(name);
+    if (value) return std::vector<std::byte>(value->begin(), value->end());
+    errno = ENODATA;
+    return std::nullopt;
 }
 
 } // namespace
@@ -45,20 +78,9 @@ void AppleDoubleFile::read() {
         m_error = EOPNOTSUPP;
         return;
     }
-    // Opening what is no file can wait for ever, or do things.
-    std::optional<FileStatus> const found = fileStatusInFolder(m_item.folder, m_name);
-    if (!found) {
-        m_error = errno == ENOENT ? 0 : errno;
-        return;
-    }
-    m_error = EEXIST;
-    if (found->kind != FileStatus::Kind::File) return;
-    FileDescriptor const file(
-        ::openat(m_item.folder.number(), m_name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file.isOpen()) {
-        m_error = errno;
-        return;
-    }
+    FileDescriptor const file = openFile(m_item.folder, m_name);
+    m_error = file.isOpen() ? EEXIST : errno;
+    if (!file.isOpen()) return;
     errno = 0;
     Result<FileContents> const bytes = readOpenFile(file, LargestFile);
     if (!bytes.hasValue()) {
@@ -100,6 +122,18 @@ bool AppleDoubleFile::save() const {
         return true;
     if (errno == EEXIST) errno = EAGAIN;
     return false;
+}
+
+std::optional<std::vector<std::byte>> valueBeside(OpenItem const& item, std::string_view name) {
+    std::optional<AppleDouble> const beginning = name == XATTR_RESOURCEFORK_NAME ? std::nullopt : beginningBeside(item);
+    std::optional<std::span<std::byte const>> const found = beginning ? beginning->valueOf(name) : std::nullopt;
+    // One that is empty there may lie behind it.
+    bool const isKnown = beginning && (!found || !found->empty());
+    if (isKnown) return valueIn(*beginning, name);
+    AppleDoubleFile const whole(item);
+    if (whole.readingError() == 0) return valueIn(whole.contents, name);
+    errno = whole.readingError();
+    return std::nullopt;
 }
 
 AppleDoubleLock::AppleDoubleLock(OpenItem const& item) : m_isHeld(true) {

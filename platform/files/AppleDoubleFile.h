@@ -41,6 +41,10 @@ private:
     int m_error{0};
 };
 
+// What such a file holds under the name. It is read as a whole only where its beginning does not tell. Nothing where
+// there is none, which is ENODATA, or it is not known; errno says why.
+std::optional<std::vector<std::byte>> valueBeside(OpenItem const& item, std::string_view name);
+
 // While it lives no other thread, and no other program that asks for it, changes AppleDouble files in the folder. Where
 // folders cannot be locked it is only this program's threads that do not.
 class AppleDoubleLock {

@@ -42,20 +42,23 @@ private:
 
 std::vector<std::byte> copyOf(Bytes bytes) { return {bytes.begin(), bytes.end()}; }
 
-// Gives out pieces of a file, altogether no more than it has bytes, so that a small file cannot fill the memory.
+// Gives out pieces of a file, altogether no more than it has bytes, so that a small file cannot fill the memory. Those
+// that lie behind the bytes at hand are empty.
 class Pieces {
 public:
-    explicit Pieces(Bytes file) : m_file(file), m_left(file.size()) {}
+    Pieces(Bytes beginning, std::size_t fileSize) : m_beginning(beginning), m_size(fileSize), m_left(fileSize) {}
 
     std::optional<Bytes> piece(std::size_t offset, std::size_t length) {
         if (length == 0) return Bytes();
-        if (offset > m_file.size() || length > m_file.size() - offset || length > m_left) return std::nullopt;
+        if (offset > m_size || length > m_size - offset || length > m_left) return std::nullopt;
         m_left -= length;
-        return m_file.subspan(offset, length);
+        return isAtHand(offset, length) ? m_beginning.subspan(offset, length) : Bytes();
     }
+    bool isAtHand(std::size_t offset, std::size_t length) const { return offset + length <= m_beginning.size(); }
 
 private:
-    Bytes m_file;
+    Bytes m_beginning;
+    std::size_t m_size;
     std::size_t m_left;
 };
 
@@ -76,7 +79,7 @@ std::optional<std::string> readName(Reader& reader) {
 }
 
 // Answers what is wrong with the table, whose magic is read.
-std::string takeTable(AppleDouble& result, Bytes file, Reader& reader) {
+std::string takeTable(AppleDouble& result, Pieces values, Reader& reader) {
     result.tableMarks.tag = reader.number(4);
     constexpr std::size_t endStartAndLength = 12;
     reader.take(endStartAndLength);
@@ -85,7 +88,6 @@ std::string takeTable(AppleDouble& result, Bytes file, Reader& reader) {
     result.tableMarks.flags = static_cast<std::uint16_t>(reader.number(2));
     std::size_t const count = reader.number(2);
     if (count > MostAttributes) return "There are too many attributes";
-    Pieces values(file);
     std::unordered_set<std::string> names;
     for (std::size_t index = 0; index < count; ++index) {
         std::size_t const offset = reader.number(4);
@@ -104,13 +106,14 @@ bool isZero(Bytes bytes) {
 }
 
 // The Finder information, and behind it the attributes, nothing but padding, or what somebody else knows.
-std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t offset, Bytes part) {
+std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t fileSize, std::size_t offset,
+                                  Bytes part) {
     if (part.empty()) return {};
     if (part.size() < AppleDouble::FinderInformationSize) return "The Finder information is cut short";
     std::ranges::copy(part.first(AppleDouble::FinderInformationSize), result.finderInformation.begin());
     Reader reader(file, offset + TableDistance);
     bool const hasTable = part.size() >= TableDistance + TableHeaderSize && reader.number(4) == TableMagic;
-    if (hasTable) return takeTable(result, file, reader);
+    if (hasTable) return takeTable(result, Pieces(file, fileSize), reader);
     Bytes const tail = part.subspan(AppleDouble::FinderInformationSize);
     if (!isZero(tail)) result.informationTail = copyOf(tail);
     return {};
@@ -118,8 +121,10 @@ std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t o
 
 } // namespace
 
-Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) {
-    Reader reader(file, 0);
+Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) { return readBeginning(file, file.size()); }
+
+Result<AppleDouble> AppleDouble::readBeginning(std::span<std::byte const> beginning, std::size_t fileSize) {
+    Reader reader(beginning, 0);
     if (reader.number(4) != Magic) return Failure{"It is no AppleDouble file"};
     if (reader.number(4) != Version) return Failure{"It is an AppleDouble file of another version"};
     AppleDouble result;
@@ -127,7 +132,7 @@ Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) {
     std::ranges::copy(homeFileSystem, result.homeFileSystem.begin());
     std::size_t const count = reader.number(2);
 
-    Pieces pieces(file);
+    Pieces pieces(beginning, fileSize);
     std::unordered_set<std::uint32_t> kinds;
     for (std::size_t index = 0; index < count; ++index) {
         std::uint32_t const kind = reader.number(4);
@@ -138,7 +143,8 @@ Result<AppleDouble> AppleDouble::read(std::span<std::byte const> file) {
         if (!part) return Failure{"A part lies outside of the file, or in another one"};
         if (!kinds.insert(kind).second) return Failure{"A part is there twice"};
         if (kind == FinderInformationKind) {
-            std::string complaint = takeFinderInformation(result, file, offset, *part);
+            if (part->size() < length) return Failure{"The Finder information lies behind what is read"};
+            std::string complaint = takeFinderInformation(result, beginning, fileSize, offset, *part);
             if (!complaint.empty()) return Failure{std::move(complaint)};
         } else if (kind == ResourceForkKind) {
             result.resourceFork = copyOf(*part);

@@ -160,10 +160,8 @@ std::ptrdiff_t getxattr(char const* path, char const* name, void* value, std::si
     if (!carriesAttributes(*item)) return failure(ENODATA);
     std::ptrdiff_t const length = valueOnItem(*item, *wanted, value, size);
     if (length >= 0 || !mayBeBeside(errno)) return length;
-    AppleDoubleFile const beside(*item);
-    if (beside.readingError() != 0) return failure(beside.readingError());
-    std::optional<std::span<std::byte const>> const found = beside.contents.valueOf(wanted->shown);
-    return found ? deliver(*found, value, size) : failure(ENODATA);
+    std::optional<std::vector<std::byte>> const found = valueBeside(*item, wanted->shown);
+    return found ? deliver(*found, value, size) : -1;
 }
 
 int setxattr(char const* path, char const* name, void const* value, std::size_t size, std::uint32_t position,

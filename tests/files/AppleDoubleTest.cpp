@@ -71,6 +71,39 @@ TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
     EXPECT_EQ(text(file.value().valueOf("c")), "-");
 }
 
+TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
+    Bytes bytes = withTable(2);
+    appendTwoAttributesAndFork(bytes);
+    std::size_t const size = bytes.get().size();
+    std::span<std::byte const> const all(bytes.get());
+    constexpr std::size_t fork = 160;
+    Result<AppleDouble> const withoutFork = AppleDouble::readBeginning(all.first(fork), size);
+    ASSERT_TRUE(withoutFork.hasValue()) << withoutFork.reason();
+    EXPECT_EQ(text(withoutFork.value().valueOf("a")), "value");
+    EXPECT_EQ(text(withoutFork.value().valueOf("b:c")), "yes");
+    EXPECT_TRUE(withoutFork.value().resourceFork.empty());
+    EXPECT_EQ(AppleDouble::readBeginning(all.first(fork - 1), size).reason(),
+              "The Finder information lies behind what is read");
+    EXPECT_EQ(AppleDouble::readBeginning(all.first(fork), fork).reason(),
+              "A part lies outside of the file, or in another one");
+}
+
+TEST(AppleDouble, LeavesValuesEmptyThatLieBehindItsBeginning) {
+    // The table's values need not lie in the Finder information.
+    Bytes bytes;
+    bytes.header(1).part(9, 50, 90).zeros(12).text("APPLMRFM").zeros(26);
+    bytes.text("ATTR").number(7).number(0).number(0).number(0).zeros(14).number(2, 2);
+    bytes.number(160).number(5).number(0, 2).number(2, 1).text("a").zeros(4);
+    bytes.number(152).number(3).number(0, 2).number(4, 1).text("b:c").zeros(2);
+    bytes.text("yes").zeros(5).text("value");
+    std::span<std::byte const> const all(bytes.get());
+    Result<AppleDouble> const read = AppleDouble::readBeginning(all.first(155), all.size());
+    ASSERT_TRUE(read.hasValue()) << read.reason();
+    EXPECT_EQ(text(read.value().valueOf("a")), "");
+    EXPECT_EQ(text(read.value().valueOf("b:c")), "yes");
+    EXPECT_EQ(text(AppleDouble::read(all).value().valueOf("a")), "value");
+}
+
 TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
     AppleDouble file;
     ASSERT_TRUE(file.setValue("a", std::as_bytes(std::span("value", 5))));

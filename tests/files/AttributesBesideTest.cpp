@@ -6,6 +6,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -52,6 +53,48 @@ TEST(AttributesBeside, AreReadFromAnAppleDoubleFileAndTheFileSystemCountsFirst) 
     EXPECT_EQ(set(file, "b", "new"), 0);
     EXPECT_EQ(get(file, "b"), "new");
     EXPECT_FALSE(exists(folder.path("._file")));
+}
+
+// Nothing where the system does not count them.
+std::optional<std::size_t> bytesReadByThisThread() {
+    std::ifstream counts("/proc/thread-self/io");
+    std::string what;
+    std::size_t count = 0;
+    if (!(counts >> what >> count) || what != "rchar:") return std::nullopt;
+    return count;
+}
+
+TEST(AttributesBeside, AreReadWithoutTheResourceFork) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    constexpr std::size_t forkSize = std::size_t{8} << 20U;
+    AppleDouble beside;
+    beside.resourceFork.resize(forkSize, std::byte{'f'});
+    ASSERT_TRUE(beside.setValue("first", std::as_bytes(std::span("1", 1))));
+    std::vector<std::byte> const bytes = beside.written().value();
+    folder.makeFile("._file", {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+    std::optional<std::size_t> const before = bytesReadByThisThread();
+    if (!before) GTEST_SKIP() << "the system does not count what is read";
+    EXPECT_EQ(get(file, "first"), "1");
+    EXPECT_FALSE(get(file, "none"));
+    EXPECT_EQ(errno, ENODATA);
+    EXPECT_LT(*bytesReadByThisThread() - *before, forkSize);
+    EXPECT_EQ(get(file, XATTR_RESOURCEFORK_NAME).value_or("").size(), forkSize);
+}
+
+TEST(AttributesBeside, AreFoundBehindALargeOne) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    AppleDouble beside;
+    ASSERT_TRUE(beside.setValue("large", std::as_bytes(std::span(s_large))));
+    ASSERT_TRUE(beside.setValue("last", std::as_bytes(std::span("2", 1))));
+    ASSERT_TRUE(beside.setValue("empty", {}));
+    std::vector<std::byte> const bytes = beside.written().value();
+    folder.makeFile("._file", {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+    EXPECT_EQ(get(file, "large"), s_large);
+    EXPECT_EQ(get(file, "last"), "2");
+    EXPECT_EQ(get(file, "empty"), "");
+    EXPECT_FALSE(get(file, "none"));
 }
 
 TEST(AttributesBeside, TouchNoFileBesideThatIsNotTheirs) {
