@@ -27,7 +27,7 @@ class Applications : public testing::Test {
 protected:
     std::string makeApplication(std::string_view name, std::string_view identifier) const {
         return m_folder.makeBundle(name, "{CFBundleIdentifier = \"" + std::string(identifier) +
-                                             "\"; CFBundleSignature = \"mrfr\";}");
+                                             R"("; CFBundleSignature = "mrfr";})");
     }
     std::string makeEntry(std::string_view name, std::string_view lines) const {
         return m_folder.makeFile(std::string("data/applications/").append(name),

@@ -261,7 +261,7 @@ TEST_F(FinderMetadata, NothingIsWrittenForAMissingItem) {
     for (NSString const& none : {at("none"), NSString(nil)}) {
         std::uint16_t flags = 7;
         bool isFolder = true;
-        auto const before = reinterpret_cast<IconRef>(&flags);
+        auto* const before = reinterpret_cast<IconRef>(&flags);
         IconRef icon = before;
         std::int16_t label = 7;
         EXPECT_FALSE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(none, &flags, &isFolder, &icon, &label));

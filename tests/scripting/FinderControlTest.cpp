@@ -121,7 +121,7 @@ TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
 }
 
 TEST_F(FinderControl, ShowsInformationOfNamesThatNeedEscaping) {
-    NSString const quoted = makeFile("shown/a \"quoted\" \\ name");
+    NSString const quoted = makeFile(R"(shown/a "quoted" \ name)");
     EXPECT_TRUE(pxShowFinderInfo(enumerator({quoted, NSNull::null(), path("none"), path("shown")})));
     Lines windows;
     for (std::string const& line : m_desktop.lines()) {

@@ -18,13 +18,13 @@ TEST_F(ThunarControl, SelectsTheItemThatIsRevealed) {
     makeFile("items/another.txt");
     EXPECT_TRUE(KRAPathRevealInFinder(makeFile("items/letter.txt")));
     EXPECT_TRUE(showsWindow("items - Thunar"));
-    EXPECT_TRUE(showsElement("status bar \"letter.txt\""));
+    EXPECT_TRUE(showsElement(R"(status bar "letter.txt")"));
 }
 
 TEST_F(ThunarControl, ShowsInformationThroughAScript) {
-    NSString const file = makeFile("items/a \"quoted\" letter.txt");
+    NSString const file = makeFile(R"(items/a "quoted" letter.txt)");
     EXPECT_TRUE(pxShowFinderInfo(NSArray::arrayWithObject_(file).objectEnumerator()));
-    EXPECT_TRUE(showsElement("dialog a \"quoted\" letter.txt - Properties"));
+    EXPECT_TRUE(showsElement(R"(dialog a "quoted" letter.txt - Properties)"));
 }
 
 TEST_F(ThunarControl, OpensAFolder) {
