@@ -143,6 +143,19 @@ TEST(Finder, ReplacesOnlyWhenItIsTold) {
 }
 
 TEST(Finder, DoesNotMoveAFolderIntoItself) {
+TEST(Finder, PutsNothingOntoADesktopThatIsNotThere) {
+    ScriptHome const home;
+    ASSERT_EQ(::rename(home.path("Desktop").c_str(), home.path("Away").c_str()), 0);
+    std::string const file = home.path("Documents/f1.txt");
+    for (std::string const command : {"move", "duplicate"}) {
+        std::string const source = "tell application \"Finder\" to " + command + " (POSIX file \"" + file + "\") to it";
+        EXPECT_EQ(errorNumberOf(source), -1728) << command;
+    }
+    EXPECT_EQ(errorNumberOf("tell application \"Finder\" to make new folder"), -1728);
+    EXPECT_TRUE(isThere(file));
+    EXPECT_FALSE(isThere(home.path("Documents/f1 copy.txt")));
+}
+
     ScriptHome const home;
     EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents"), home.path("Documents/Inner"))), -10024);
     EXPECT_TRUE(isThere(home.path("Documents/Inner/deep.md")));

@@ -9,6 +9,7 @@
 #include "platform/processes/FrontProcess.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 namespace mac::applescript {
 
@@ -199,7 +200,11 @@ FinderItems itemsOf(std::vector<ModelPointer> const& found) {
 std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
     if (found.size() != 1) throw plainError(CannotPutThere);
     // The Finder's own elements are what lies on the desktop.
-    if (found.front()->type() == codeOf("capp")) return FinderItem::atPath(desktopPath());
+    if (found.front()->type() == codeOf("capp")) {
+        std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
+        if (!desktop) throw fileError(ENOENT, Value::text(shownName(desktopPath())));
+        return desktop;
+    }
     if (!isItem(*found.front())) throw plainError(CannotPutThere);
     std::shared_ptr<FinderItem> const folder = std::static_pointer_cast<FinderItem>(found.front());
     if (!folder->isFolder()) throw plainError(CannotPutThere);

@@ -76,7 +76,6 @@ Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     Code const type = classToMake(command);
     Value const* const at = command.find(codeOf("insh"));
     std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(at ? *at : command.subject, context));
-    if (!folder) throw fileError(ENOENT, Value::text(shownName(desktopPath())));
     std::string target;
     if (type == codeOf("alia")) {
         Value const* const to = command.find(codeOf("to  "));
