@@ -369,3 +369,16 @@ TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
 } // namespace
 
 } // namespace mac::applescript::test
+TEST_F(FinderOnVolumes, FindsADiskAgainWhereItListedAFolder) {
+    mountMemory(m_point.path());
+    for (std::string const name : {"inner", "b.app"}) {
+        mountMemory(m_point.makeFolder(name));
+        m_point.makeFile(name + "/inside", "x");
+    }
+    std::string const names = ofItem("name of every item of entire contents", m_point.path());
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(names).value)), R"({"b.app", "inner"})");
+    std::string const one = "item 1 of folder \"inner\" of (POSIX file \"" + m_point.path() + "\")";
+    EXPECT_EQ(textResult("tell application \"Finder\" to name of " + one), "inside");
+    EXPECT_EQ(errorNumberOf(ofItem("name of document file \"inner\"", m_point.path())), -1728);
+}
+

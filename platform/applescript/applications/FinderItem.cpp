@@ -166,7 +166,9 @@ ModelPointer FinderItem::elementNamed(Code elementType, std::u16string const& na
     if (!found) return nullptr;
     bool const isWhole = colon == std::u16string::npos || colon + 1 == name.size();
     if (!isWhole) return found->elementNamed(elementType, name.substr(colon + 1));
-    return found->isOfType(elementType) ? found : nullptr;
+    // Among a folder's elements a disk goes by the class that its folder alone would have.
+    bool const isListedDisk = found->type() == codeOf("cdis") && typeOf(*first, found->facts().mode) == elementType;
+    return isListedDisk || found->isOfType(elementType) ? found : nullptr;
 }
 
 std::optional<Value> FinderItem::coerced(Code wanted) {
