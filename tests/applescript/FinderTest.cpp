@@ -206,6 +206,19 @@ TEST(Finder, SetsNoLabelWhereItCannotReadWhatElseIsThere) {
 }
 
 TEST(Finder, AFileThatOnlyItsRightsProtectIsNotLocked) {
+TEST(Finder, SetsNoLabelOverInformationOfAnotherSize) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    ASSERT_EQ(::setxattr(file.c_str(), FinderAttribute, TextOfAnEditor.data(), TextOfAnEditor.size(), 0), 0);
+    EXPECT_EQ(outcomeOf(ofItem("label index", file)).value.asInteger(), 0);
+    for (std::string const label : {"2", "0"}) {
+        std::string const source =
+            "tell application \"Finder\" to set label index of (POSIX file \"" + file + "\") to " + label;
+        EXPECT_EQ(errorNumberOf(source), -36) << label;
+    }
+    EXPECT_EQ(finderAttribute(file), TextOfAnEditor);
+}
+
     ScriptHome const home;
     std::string const file = home.path("Documents/f1.txt");
     ASSERT_EQ(::chmod(file.c_str(), 0444), 0);

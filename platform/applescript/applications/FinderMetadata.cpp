@@ -29,6 +29,12 @@ FinderInformation shownInformation(OpenItem const& item) {
     return readFinderInformation(attributePath(item)).value_or(FinderInformation());
 }
 
+// Of another size than the Finder's: another program's.
+bool holdsOtherInformation(std::string const& path) {
+    std::ptrdiff_t const length = mac::getxattr(path.c_str(), XATTR_FINDERINFO_NAME, nullptr, 0, Start, XATTR_NOFOLLOW);
+    return length >= 0 && static_cast<std::size_t>(length) != FinderInformation().bytes.size();
+}
+
 } // namespace
 
 std::u16string commentOf(OpenItem const& item) {
@@ -61,13 +67,15 @@ int labelIndexOf(OpenItem const& item) {
 
 void setLabelIndex(OpenItem const& item, int index, Value const& object) {
     if (index < 0 || index >= LabelCount) throw plainError(errors::Parameter);
-    // What else is there stays, so it has to be read.
-    std::optional<FinderInformation> information = readFinderInformation(attributePath(item));
+    std::string const path = attributePath(item);
+    // What else is there stays, so it has to be read and understood.
+    std::optional<FinderInformation> information = readFinderInformation(path);
     if (!information) throw fileError(errno, object);
+    if (holdsOtherInformation(path)) throw fileError(EIO, object);
     auto const colour = static_cast<unsigned>(index == 0 ? 0 : LabelCount - index);
     unsigned const flags = information->finderFlags() & ~unsigned{kColor};
     information->setFinderFlags(static_cast<std::uint16_t>(flags | colour << LabelShift));
-    if (!writeFinderInformation(attributePath(item), *information)) throw fileError(errno, object);
+    if (!writeFinderInformation(path, *information)) throw fileError(errno, object);
 }
 
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator) {
