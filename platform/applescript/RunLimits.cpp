@@ -36,6 +36,15 @@ void stopRunIfAsked() {
     if (s_current) s_current->stopIfAsked();
 }
 
+bool mayRunGoOn() {
+    try {
+        stopRunIfAsked();
+        return true;
+    } catch (ScriptStopped const&) {
+        return false;
+    }
+}
+
 RunLimits::Clock::time_point endOfReply() {
     RunLimits::Clock::time_point end = timeIn(s_current ? s_current->m_replySeconds : RunLimits::StandardReplySeconds);
     for (RunLimits const* limits = s_current; limits; limits = limits->m_outer)

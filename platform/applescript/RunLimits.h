@@ -37,9 +37,11 @@ private:
     double m_replySeconds{StandardReplySeconds};
 };
 
-// Look at the limits of the current run, where one goes on. The second answers when a wait for a reply that begins now
-// is over: with the run, or before it.
+// Look at the limits of the current run, where one goes on. The first throws ScriptStopped when it is to end; the
+// second is for what must not be left by an exception. The third answers when a wait for a reply that begins now is
+// over: with the run, or before it.
 void stopRunIfAsked();
+bool mayRunGoOn();
 RunLimits::Clock::time_point endOfReply();
 
 } // namespace mac::applescript

@@ -48,6 +48,7 @@ private:
     std::vector<Level> m_levels{};
     std::size_t m_count{0};
     int m_firstError{0};
+    bool m_isCancelled{false};
 };
 
 bool Descent::run(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected) {
@@ -61,7 +62,7 @@ bool Descent::run(FileDescriptor const& folder, std::string const& name, ItemIde
     }
     m_start = *start;
     meet(name, *place);
-    while (!m_levels.empty()) {
+    while (!m_levels.empty() && !m_isCancelled) {
         if (m_count > m_rules.mostItems) {
             fail(E2BIG);
             break;
@@ -127,6 +128,7 @@ void Descent::visit(std::string const& name, ItemPlace const& place) {
 
 void Descent::fail(int errorNumber) {
     if (m_firstError == 0) m_firstError = errorNumber;
+    m_isCancelled = m_isCancelled || errorNumber == ECANCELED;
 }
 
 } // namespace

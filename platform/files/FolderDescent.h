@@ -15,6 +15,7 @@ struct DescentRules {
 };
 
 // What is to be done with the item, which is the name in the open folder. False when it cannot be; errno says why.
+// ECANCELED ends the descent.
 using DescentVisit = std::function<bool(FileDescriptor const& folder, std::string const& name, ItemPlace const& place)>;
 
 // Visits what has the name in the open folder, if it is that very item, and before it all that is in it, down to any

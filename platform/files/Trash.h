@@ -4,6 +4,7 @@
 #include "platform/files/OpenItem.h"
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -113,7 +114,9 @@ struct EmptiedTrash {
 };
 
 // Deletes for good all that lies in the user's trashes on all volumes now; never what a link or a mount point leads to.
-EmptiedTrash emptyTrash();
+// `goesOn`, unless it is empty, is asked before each item and before all that a folder holds; when it answers false,
+// the rest stays, and is no failure.
+EmptiedTrash emptyTrash(std::function<bool()> const& goesOn = {});
 
 // The folder that what is trashed on the volume of the path goes to, ".../Trash/files"; nothing when there is none yet
 // (unless it is to be made and can be).

@@ -134,19 +134,21 @@ bool eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace c
     return ::unlinkat(folder.number(), name.c_str(), flags) == 0 || errno == ENOENT;
 }
 
-bool eraseWhole(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity) {
-    if (!descend(trash.files, name, identity, {.makesAccessible = true}, eraseOne)) return false;
+bool eraseWhole(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity,
+                DescentVisit const& erase) {
+    if (!descend(trash.files, name, identity, {.makesAccessible = true}, erase)) return false;
     tellTrashStep(TrashStep::ItemErased);
     removeInformation(trash, name);
     return true;
 }
 
-// Errno says why not.
-bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity) {
+// Errno says why not. An item that is gone takes the file beside it along, whether more is to be erased or not.
+bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity,
+                        DescentVisit const& erase) {
     Companion const companion = companionInTrash(trash, name);
-    if (!eraseWhole(trash, name, identity)) return false;
+    if (!eraseWhole(trash, name, identity, erase)) return false;
     std::optional<ItemPlace> const place = companion.file.isOpen() ? placeOf(companion.file) : std::nullopt;
-    return !place || eraseWhole(trash, companion.name, place->identity);
+    return !place || eraseWhole(trash, companion.name, place->identity, eraseOne);
 }
 
 // What tells of an item that never came, or went by other ways. A young one can be of an item that is on its way.
@@ -204,8 +206,14 @@ TrashResult<std::string> putBack(TrashedItem const& item) {
     return path;
 }
 
-EmptiedTrash emptyTrash() {
+EmptiedTrash emptyTrash(std::function<bool()> const& goesOn) {
     EmptiedTrash emptied;
+    bool isStopped = false;
+    auto const erase = [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+        isStopped = goesOn && !goesOn();
+        if (isStopped) errno = ECANCELED;
+        return !isStopped && eraseOne(folder, name, place);
+    };
     for (TrashFolder const& trash : trashesOfUser()) {
         auto const failed = [&emptied] {
             if (emptied.left == 0) emptied.firstFailure = trashFailure(errno, CannotErase);
@@ -214,13 +222,15 @@ EmptiedTrash emptyTrash() {
         std::optional<std::vector<TrashedItem>> const items = itemsIn(trash);
         if (!items) failed();
         for (TrashedItem const& item : items.value_or(std::vector<TrashedItem>())) {
-            if (eraseWithCompanion(trash, nameOf(item.path), item.identity))
+            if (eraseWithCompanion(trash, nameOf(item.path), item.identity, erase))
                 ++emptied.removed;
-            else
+            else if (!isStopped)
                 failed();
+            if (isStopped) break;
         }
         removeOrphans(trash);
         removeOldDirectorySizes(trash);
+        if (isStopped) break;
     }
     releaseRemovedItems();
     return emptied;

@@ -1,6 +1,7 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/files/HFSPaths.h"
+#include "platform/files/TrashSteps.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/applescript/ScriptHome.h"
 #include "tests/files/TrashHome.h"
@@ -142,7 +143,6 @@ TEST(Finder, ReplacesOnlyWhenItIsTold) {
     EXPECT_FALSE(isThere(home.path("Documents/f1.txt")));
 }
 
-TEST(Finder, DoesNotMoveAFolderIntoItself) {
 TEST(Finder, PutsNothingOntoADesktopThatIsNotThere) {
     ScriptHome const home;
     ASSERT_EQ(::rename(home.path("Desktop").c_str(), home.path("Away").c_str()), 0);
@@ -156,6 +156,7 @@ TEST(Finder, PutsNothingOntoADesktopThatIsNotThere) {
     EXPECT_FALSE(isThere(home.path("Documents/f1 copy.txt")));
 }
 
+TEST(Finder, DoesNotMoveAFolderIntoItself) {
     ScriptHome const home;
     EXPECT_EQ(errorNumberOf(moveScript(home.path("Documents"), home.path("Documents/Inner"))), -10024);
     EXPECT_TRUE(isThere(home.path("Documents/Inner/deep.md")));
@@ -205,7 +206,6 @@ TEST(Finder, SetsNoLabelWhereItCannotReadWhatElseIsThere) {
     EXPECT_EQ(finderAttribute(file), before);
 }
 
-TEST(Finder, AFileThatOnlyItsRightsProtectIsNotLocked) {
 TEST(Finder, SetsNoLabelOverInformationOfAnotherSize) {
     ScriptHome const home;
     std::string const file = home.path("Documents/f1.txt");
@@ -219,6 +219,7 @@ TEST(Finder, SetsNoLabelOverInformationOfAnotherSize) {
     EXPECT_EQ(finderAttribute(file), TextOfAnEditor);
 }
 
+TEST(Finder, AFileThatOnlyItsRightsProtectIsNotLocked) {
     ScriptHome const home;
     std::string const file = home.path("Documents/f1.txt");
     ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
@@ -296,6 +297,19 @@ TEST(Finder, StopsWhenTheScriptIsToStop) {
     EXPECT_TRUE(isThere(home.path("Documents/f1.txt")));
 }
 
+TEST(Finder, StopsWhileItEmptiesTheTrash) {
+    ScriptHome const home;
+    for (std::string const name : {"f1.txt", "f2.txt", "f10.txt"})
+        ASSERT_EQ(errorNumberOf(trashScript(home.path("Documents/" + name))), 0);
+    std::atomic<bool> cancelled{false};
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step == TrashStep::ItemErased) cancelled = true;
+    });
+    EXPECT_EQ(errorNumberOf("try\ntell application \"Finder\" to empty trash\nend try", {.cancelled = &cancelled}),
+              -128);
+    EXPECT_EQ(trashedItems().size(), 2U);
+}
+
 TEST(Finder, NamesWhatLiesInAPackageSoThatItIsFoundAgain) {
     ScriptHome const home;
     for (std::string const name : {"x.bundle", "x.component", "X.App", "x.xcodeproj", "x.framework"}) {
@@ -357,6 +371,19 @@ TEST_F(FinderOnVolumes, EntireContentsStaysOnTheVolume) {
     EXPECT_EQ(textResult(source), "1");
 }
 
+TEST_F(FinderOnVolumes, FindsADiskAgainWhereItListedAFolder) {
+    mountMemory(m_point.path());
+    for (std::string const name : {"inner", "b.app"}) {
+        mountMemory(m_point.makeFolder(name));
+        m_point.makeFile(name + "/inside", "x");
+    }
+    std::string const names = ofItem("name of every item of entire contents", m_point.path());
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(names).value)), R"({"b.app", "inner"})");
+    std::string const one = "item 1 of folder \"inner\" of (POSIX file \"" + m_point.path() + "\")";
+    EXPECT_EQ(textResult("tell application \"Finder\" to name of " + one), "inside");
+    EXPECT_EQ(errorNumberOf(ofItem("name of document file \"inner\"", m_point.path())), -1728);
+}
+
 TEST_F(FinderOnVolumes, SaysThatTheCopyIsCompleteWhenTheOriginalCannotGo) {
     mountMemory(m_point.path());
     std::string const file = m_point.makeFile("letter.txt", "Dear Anna");
@@ -382,16 +409,3 @@ TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
 } // namespace
 
 } // namespace mac::applescript::test
-TEST_F(FinderOnVolumes, FindsADiskAgainWhereItListedAFolder) {
-    mountMemory(m_point.path());
-    for (std::string const name : {"inner", "b.app"}) {
-        mountMemory(m_point.makeFolder(name));
-        m_point.makeFile(name + "/inside", "x");
-    }
-    std::string const names = ofItem("name of every item of entire contents", m_point.path());
-    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(names).value)), R"({"b.app", "inner"})");
-    std::string const one = "item 1 of folder \"inner\" of (POSIX file \"" + m_point.path() + "\")";
-    EXPECT_EQ(textResult("tell application \"Finder\" to name of " + one), "inside");
-    EXPECT_EQ(errorNumberOf(ofItem("name of document file \"inner\"", m_point.path())), -1728);
-}
-

@@ -103,6 +103,33 @@ TEST_F(TrashSteps, KilledWhileErasingNothingIsListedTwice) {
     EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotThere);
 }
 
+TEST_F(TrashSteps, ErasingEndsWhenItIsNoMoreWanted) {
+    for (std::string const name : {"a", "b", "c"})
+        ASSERT_TRUE(moveToTrash(m_home.folder.makeFile(name, "x")).hasValue());
+    bool isWanted = true;
+    TrashStepListener const listener([&](TrashStep step) {
+        if (step == TrashStep::ItemErased) isWanted = false;
+    });
+    EmptiedTrash const emptied = emptyTrash([&] { return isWanted; });
+    EXPECT_EQ(emptied.removed, 1U);
+    EXPECT_EQ(emptied.left, 0U) << "nothing failed";
+    EXPECT_EQ(trashedItems().size(), 2U);
+}
+
+TEST_F(TrashSteps, ErasingEndsAmongWhatAFolderHolds) {
+    m_home.folder.makeFile("folder/a", "x");
+    m_home.folder.makeFile("folder/b", "x");
+    m_home.folder.makeFile("folder/c", "x");
+    ASSERT_TRUE(moveToTrash(m_home.path("folder")).hasValue());
+    int times = 0;
+    EmptiedTrash const emptied = emptyTrash([&] { return ++times == 1; });
+    EXPECT_EQ(emptied.removed, 0U);
+    EXPECT_EQ(emptied.left, 0U);
+    EXPECT_EQ(times, 2) << "not asked again after a no";
+    EXPECT_EQ(namesIn(m_home.files("folder")).size(), 2U);
+    EXPECT_TRUE(isThere(m_home.information("folder.trashinfo"))) << "it can be put back";
+}
+
 TEST_F(TrashSteps, AnItemThatIsReplacedAtTheLastMomentStays) { expectAnotherToStay(TrashStep::InformationWritten); }
 
 TEST_F(TrashSteps, WhatTakesThePlaceOfAnItemAfterTheLastLookComesBack) { expectAnotherToStay(TrashStep::Checked); }

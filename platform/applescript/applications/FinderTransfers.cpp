@@ -1,5 +1,6 @@
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include <cerrno>
@@ -52,17 +53,6 @@ Value itemIn(FinderItem const& folder, std::string const& name, Value const& com
     return item->specifier();
 }
 
-TransferGoesOn whileWanted(Evaluator& evaluator) {
-    return [&evaluator] {
-        try {
-            evaluator.stopIfAsked();
-            return true;
-        } catch (ScriptStopped const&) {
-            return false;
-        }
-    };
-}
-
 // Beside itself under another name.
 Value duplicateHere(Evaluator& evaluator, FinderItem const& item) {
     OpenItem const original = item.open();
@@ -71,7 +61,7 @@ Value duplicateHere(Evaluator& evaluator, FinderItem const& item) {
     for (unsigned number = 1;; ++number) {
         std::optional<std::string> const name = nameOnDisk(nameOfCopy(shownName(original.name), number));
         if (!name) throw fileError(ENAMETOOLONG, item.specifier());
-        if (copyItem(original, original.folder, *name, NameClash::IsRefused, whileWanted(evaluator)))
+        if (copyItem(original, original.folder, *name, NameClash::IsRefused, mayRunGoOn))
             return itemIn(*folder, *name, item.specifier());
         evaluator.stopIfAsked();
         if (errno != EEXIST) throw transferError(errno, item.specifier());
@@ -90,7 +80,7 @@ void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& fo
     OpenItem const place = folder.open();
     if (original.name.empty()) throw plainError(CannotPutThere);
     if (liesIn(item, folder)) return;
-    ItemMove const moved = moveItem(original, place.item, original.name, clash, whileWanted(evaluator));
+    ItemMove const moved = moveItem(original, place.item, original.name, clash, mayRunGoOn);
     int const reason = errno;
     if (moved == ItemMove::Done) return;
     if (moved == ItemMove::OriginalStays) throw originalStays(reason, item.specifier());
@@ -136,7 +126,7 @@ Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationComma
         OpenItem const original = item->open();
         OpenItem const place = folder->open();
         if (original.name.empty()) throw plainError(CannotPutThere);
-        bool const isCopied = copyItem(original, place.item, original.name, clash, whileWanted(evaluator));
+        bool const isCopied = copyItem(original, place.item, original.name, clash, mayRunGoOn);
         int const reason = errno;
         if (!isCopied) evaluator.stopIfAsked();
         if (!isCopied) throw transferError(reason, item->specifier());

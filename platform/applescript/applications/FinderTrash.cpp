@@ -102,7 +102,8 @@ Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand 
 Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     bool const isTold = !command.direct.isNothing();
     if (isTold && !isTrash(finder.objects(command.direct, evaluator.context()))) throw plainError(-10010);
-    EmptiedTrash const emptied = mac::emptyTrash();
+    EmptiedTrash const emptied = mac::emptyTrash(mayRunGoOn);
+    stopRunIfAsked();
     if (emptied.left > 0) throw trashError(emptied.firstFailure, trash()->specifier());
     bool const wasEmpty = emptied.removed == 0;
     if (wasEmpty) throw ScriptError{.number = errors::UserCanceled, .message = u"The operation can’t be completed."};
