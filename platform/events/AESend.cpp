@@ -54,6 +54,18 @@ std::optional<SendingOutcome> waitWhileWanted(PendingReply const& pending, Wait 
     return waitFor(pending, wait.deadline, until);
 }
 
+// Whichever way the wait is left, what is still on its way to the bus then is not sent.
+class Abandoning {
+public:
+    explicit Abandoning(std::shared_ptr<PendingReply> pending) : m_pending(std::move(pending)) {}
+    ~Abandoning() { abandon(*m_pending); }
+    Abandoning(Abandoning const&) = delete;
+    Abandoning& operator=(Abandoning const&) = delete;
+
+private:
+    std::shared_ptr<PendingReply> m_pending;
+};
+
 OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, Wait const& wait,
                        AppleEvent& reply) {
     Result<std::vector<std::byte>> flat = flattened(event);
@@ -65,6 +77,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
             enqueueAnswer(outcome.status == noErr ? outcome.reply : failedReply(event, outcome.status));
         };
     }
+    Abandoning const abandoning(pending);
     sendToProcess(process, flat.takeValue(), mode != kAENoReply, wait.deadline, pending);
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);

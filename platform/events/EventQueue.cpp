@@ -74,6 +74,16 @@ void fulfil(PendingReply& pending, SendingOutcome const& outcome) {
     if (isAnswer) pending.whenDone(outcome);
 }
 
+void abandon(PendingReply& pending) {
+    std::lock_guard const guard(queue().lock);
+    pending.isAbandoned = true;
+}
+
+bool isAbandoned(PendingReply const& pending) {
+    std::lock_guard const guard(queue().lock);
+    return pending.isAbandoned;
+}
+
 bool enqueue(IncomingEvent event) {
     {
         std::lock_guard const guard(queue().lock);

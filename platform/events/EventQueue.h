@@ -25,12 +25,17 @@ struct PendingReply {
     std::function<void(SendingOutcome const&)> whenDone{};
     bool isSent{false};
     bool isDone{false};
+    // Nobody waits any more: what has not been sent yet is not to be sent.
+    bool isAbandoned{false};
     SendingOutcome outcome{};
 };
 
 // Tells whoever waits that the event is under way, or how it went in the end. Any thread.
 void noteSent(PendingReply& pending);
 void fulfil(PendingReply& pending, SendingOutcome const& outcome);
+// From whoever waited, and for the one who sends. Any thread.
+void abandon(PendingReply& pending);
+bool isAbandoned(PendingReply const& pending);
 
 struct IncomingEvent {
     AppleEvent event;

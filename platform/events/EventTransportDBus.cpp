@@ -97,7 +97,7 @@ public:
 
     void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply, EventDeadline const& deadline,
               std::shared_ptr<PendingReply> const& pending) {
-        if (isOver(deadline)) return fulfil(*pending, {.status = errAETimeout});
+        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
         open();
         if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
         BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), patienceUntil(deadline));
@@ -111,7 +111,7 @@ public:
         if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
         if (!belongsTo(owner.number, process, deadline)) return fulfil(*pending, {.status = procNotFound});
         // The sender has given up: what came now would come as a surprise.
-        if (isOver(deadline)) return fulfil(*pending, {.status = errAETimeout});
+        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
         // To the very connection that was looked at: the name may pass to another one.
         QDBusMessage message = QDBusMessage::createMethodCall(owner.number, Path, Interface, "Send");
         message.setArguments({event});

@@ -1,5 +1,7 @@
 #include "platform/events/AppleEvents.h"
+#include "platform/events/EventSending.h"
 #include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/processes/Processes.h"
@@ -11,6 +13,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QVariant>
+#include <atomic>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <memory>
@@ -157,8 +160,31 @@ TEST_F(EventTransport, EndsAWaitWhenTheTimeIsOver) {
     auto const peer = startPeer();
     EXPECT_EQ(send(testEvent(Hang, address(*peer)), 6), errAETimeout);
     EXPECT_EQ(m_reply.descriptorType, typeNull);
-    EXPECT_EQ(peer->readLine(), "hanging");
     EXPECT_EQ(send(testEvent(Hang, address(*peer)), 0), errAETimeout);
+}
+
+TEST_F(EventTransport, EndsAWaitThatIsNotWantedAnyMore) {
+    auto const peer = startPeer();
+    std::atomic<bool> isHanging{false};
+    std::thread other([&] { isHanging = peer->readLine() == "hanging"; });
+    EXPECT_EQ(sendAndWait(testEvent(Hang, address(*peer)), m_reply, std::nullopt, [&] { return !isHanging; }),
+              errAETimeout);
+    other.join();
+    EXPECT_EQ(m_reply.descriptorType, typeNull);
+}
+
+TEST_F(EventTransport, SendsNothingAnymoreWhenTheWaitIsLeft) {
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    m_bus->sendSignal(SIGSTOP);
+    EXPECT_EQ(sendAndWait(testEvent(Tell, address(*peer), text("late")), m_reply, std::nullopt, [] { return false; }),
+              errAETimeout);
+    AppleEvent const another = testEvent(Tell, address(*peer), text("later"));
+    auto const raise = []() -> bool { throw NSGenericException("on purpose"); };
+    EXPECT_THROW(sendAndWait(another, m_reply, std::nullopt, raise), NSGenericException);
+    m_bus->sendSignal(SIGCONT);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), text("now"))), noErr);
+    EXPECT_EQ(peer->readLine(), "now");
 }
 
 TEST_F(EventTransport, NoticesThatAPeerWasKilledInTheMiddleOfACall) {
