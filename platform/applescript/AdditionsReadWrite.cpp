@@ -18,13 +18,43 @@ namespace {
 constexpr mode_t NewFileMode = 0666;
 using File = OpenFiles::File;
 
+// Nothing for what means another thing where it happens.
+std::optional<std::int32_t> numberOf(int errorNumber) {
+    switch (errorNumber) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+        return errors::FilePermission;
+    case ENOSPC:
+    case EDQUOT:
+        return errors::DiskFull;
+    case EIO:
+        return errors::InputOutput;
+    default:
+        return {};
+    }
+}
+
+// Neither a folder, nor a pipe or a device, which have no places to read from.
+bool isFile(int descriptor) {
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
 File openAt(Value const& named, std::u16string const& path, int flags) {
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (!bytes) throw fileNotFound(asFile(named, path));
-    int const descriptor = ::open(bytes->c_str(), flags | O_CLOEXEC, NewFileMode);
-    if (descriptor < 0 && (errno == EACCES || errno == EROFS || errno == EISDIR))
+    // A pipe that nobody writes to would be waited for.
+    int const descriptor = ::open(bytes->c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, NewFileMode);
+    if (descriptor < 0) {
+        std::int32_t const number = numberOf(errno).value_or(errors::FileNotFound);
+        throw number == errors::FileNotFound ? fileNotFound(asFile(named, path)) : plainError(number);
+    }
+    if (!isFile(descriptor)) {
+        ::close(descriptor);
         throw plainError(errors::FilePermission);
-    if (descriptor < 0) throw fileNotFound(asFile(named, path));
+    }
     return {.descriptor = descriptor, .path = path, .maySave = (flags & O_ACCMODE) != O_RDONLY};
 }
 
@@ -78,7 +108,8 @@ std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end,
         ssize_t const got =
             ::pread(file.descriptor, bytes.data() + read, bytes.size() - read, start + static_cast<std::int64_t>(read));
         if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) break;
+        if (got < 0) throw plainError(numberOf(errno).value_or(errors::InputOutput));
+        if (got == 0) break;
         read += static_cast<std::size_t>(got);
     }
     bytes.resize(read);
@@ -146,7 +177,8 @@ void writeAll(File const& file, std::string_view bytes, std::int64_t place) {
     while (!bytes.empty()) {
         ssize_t const count = ::pwrite(file.descriptor, bytes.data(), bytes.size(), place);
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) throw plainError(errors::NotOpenForWriting);
+        if (count < 0) throw plainError(numberOf(errno).value_or(errors::NotOpenForWriting));
+        if (count == 0) throw plainError(errors::NotOpenForWriting);
         bytes.remove_prefix(static_cast<std::size_t>(count));
         place += count;
     }

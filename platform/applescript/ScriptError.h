@@ -32,6 +32,8 @@ struct ScriptStopped {
 
 // The numbers that the engine itself uses.
 namespace errors {
+inline constexpr std::int32_t DiskFull = -34;
+inline constexpr std::int32_t InputOutput = -36;
 inline constexpr std::int32_t EndOfFile = -39;
 inline constexpr std::int32_t FileNotFound = -43;
 inline constexpr std::int32_t FileNotOpen = -38;

@@ -2,10 +2,13 @@
 #include "platform/applescript/HeapObjects.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/foundation/Encodings.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::applescript::test {
@@ -151,6 +154,52 @@ TEST(ScriptEngine, AFlagStopsAScriptAfterEveryCommand) {
     struct stat status {};
     ASSERT_EQ(::stat(folder.path("file").c_str(), &status), 0);
     EXPECT_EQ(status.st_size, 0);
+}
+
+std::u16string fileIn(mac::test::TemporaryFolder const& folder, std::string_view name) {
+    return u"(POSIX file \"" + unitsFromFileSystemBytes(folder.path(name)) + u"\")";
+}
+
+std::int32_t errorNumberOf(std::u16string_view source) {
+    ScriptOutcome const outcome = compiled(source).run({});
+    return outcome.error ? outcome.error->number : 0;
+}
+
+TEST(ScriptEngine, WhatIsNoFileIsNeitherReadNorWritten) {
+    mac::test::TemporaryFolder const folder;
+    ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), S_IRUSR | S_IWUSR), 0);
+    folder.makeFolder("folder");
+    for (char const* const name : {"pipe", "folder"}) {
+        std::u16string const item = fileIn(folder, name);
+        EXPECT_EQ(errorNumberOf(u"read " + item), errors::FilePermission) << name;
+        EXPECT_EQ(errorNumberOf(u"get eof " + item), errors::FilePermission) << name;
+        EXPECT_EQ(errorNumberOf(u"open for access " + item), errors::FilePermission) << name;
+        EXPECT_EQ(errorNumberOf(u"write \"x\" to " + item), errors::FilePermission) << name;
+    }
+}
+
+TEST(ScriptEngine, AFileThatMayNotBeOpenedIsNotSaidToBeMissing) {
+    mac::test::TemporaryFolder const folder;
+    folder.makeFile("file", "x");
+    std::u16string const source = u"write \"y\" to " + fileIn(folder, "file");
+    for (auto const& [refusal, number] : {std::pair(EPERM, errors::FilePermission), std::pair(EIO, errors::InputOutput),
+                                          std::pair(EDQUOT, errors::DiskFull)})
+        mac::test::withRefusedCall(SYS_openat, refusal,
+                                   [&, number = number] { EXPECT_EQ(errorNumberOf(source), number); });
+}
+
+TEST(ScriptEngine, WhatTheDiskDoesNotReadOrTakeIsSaid) {
+    mac::test::TemporaryFolder const folder;
+    folder.makeFile("file", "x");
+    std::u16string const file = fileIn(folder, "file");
+    for (auto const& [refusal, number] :
+         {std::pair(ENOSPC, errors::DiskFull), std::pair(EDQUOT, errors::DiskFull), std::pair(EIO, errors::InputOutput),
+          std::pair(EBADF, errors::NotOpenForWriting)})
+        mac::test::withRefusedCall(SYS_pwrite64, refusal, [&, number = number] {
+            EXPECT_EQ(errorNumberOf(u"write \"y\" to " + file), number);
+        });
+    mac::test::withRefusedCall(SYS_pread64, EIO,
+                               [&] { EXPECT_EQ(errorNumberOf(u"read " + file), errors::InputOutput); });
 }
 
 TEST(ScriptEngine, AShellCommandThatSaysNothingMoreStillEndsWithTheRun) {
