@@ -371,6 +371,25 @@ TEST_F(FinderOnVolumes, EntireContentsStaysOnTheVolume) {
     EXPECT_EQ(textResult(source), "1");
 }
 
+TEST_F(FinderOnVolumes, StopsWhileARenamedFolderIsCopied) {
+    mountMemory(m_point.path());
+    m_point.makeFile("below/old/inside", "x");
+    m_point.makeFolder("changes/above");
+    m_point.makeFolder("changes/work");
+    std::string const point = m_point.makeFolder("point");
+    mountLayers(m_point.path("below"), m_point.path("changes"), point);
+    if (IsSkipped()) return;
+    std::string const source =
+        "tell application \"Finder\" to set name of (POSIX file \"" + point + "/old\") to \"new\"";
+    std::atomic<bool> const cancelled{true};
+    EXPECT_EQ(errorNumberOf(source, {.cancelled = &cancelled}), -128);
+    EXPECT_EQ(textOf(point + "/old/inside"), "x");
+    EXPECT_FALSE(isThere(point + "/new"));
+    EXPECT_EQ(errorNumberOf(source), 0);
+    EXPECT_EQ(textOf(point + "/new/inside"), "x");
+    EXPECT_FALSE(isThere(point + "/old"));
+}
+
 TEST_F(FinderOnVolumes, FindsADiskAgainWhereItListedAFolder) {
     mountMemory(m_point.path());
     for (std::string const name : {"inner", "b.app"}) {

@@ -46,6 +46,13 @@ void PrivateMounts::mountMemory(std::string const& point, char const* options) {
 
 void PrivateMounts::mountWithoutAttributes(std::string const& point) { add("memory", point, "ramfs", 0); }
 
+void PrivateMounts::mountLayers(std::string const& below, std::string const& changes, std::string const& point) {
+    std::string const options = "lowerdir=" + below + ",upperdir=" + changes + "/above,workdir=" + changes + "/work";
+    if (::mount("layers", point.c_str(), "overlay", 0, options.c_str()) != 0)
+        GTEST_SKIP() << "layers cannot be mounted here: " << std::strerror(errno);
+    m_points.push_back(point);
+}
+
 void PrivateMounts::makeReadOnly(std::string const& point) {
     if (::mount(nullptr, point.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0)
         throw std::system_error(errno, std::generic_category(), point);

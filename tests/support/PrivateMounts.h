@@ -16,6 +16,9 @@ protected:
     void mountMemory(std::string const& point, char const* options = nullptr);
     // A file system in memory that knows no extended attributes.
     void mountWithoutAttributes(std::string const& point);
+    // Two folders as one: what changes goes to the folder "above" in the other, which needs one called "work", too.
+    // Skips the test, with the reason, where the system has no such mounts; then the caller returns.
+    void mountLayers(std::string const& below, std::string const& changes, std::string const& point);
     void makeReadOnly(std::string const& point);
     void bind(std::string const& folder, std::string const& point);
     // A new ext4 file system in a file, by a loop device. Skips the test, with the reason, where there are none; then

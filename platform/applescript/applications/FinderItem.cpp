@@ -217,4 +217,11 @@ ScriptError fileError(int errorNumber, Value const& object) {
     }
 }
 
+ScriptError originalStays(int errorNumber, Value const& object) {
+    // It changed while it was copied.
+    ScriptError error = fileError(errorNumber == ESTALE ? EBUSY : errorNumber, object);
+    error.message = u"The copy is complete, but the original could not be removed. " + error.message;
+    return error;
+}
+
 } // namespace mac::applescript

@@ -74,6 +74,8 @@ private:
 
 // What errno says, as the Finder's error about the object.
 ScriptError fileError(int errorNumber, Value const& object);
+// Of an item that was copied instead of moved and cannot be removed.
+ScriptError originalStays(int errorNumber, Value const& object);
 
 // FinderMetadata.cpp: what is kept beside the contents. Nothing where the item has none, and where it cannot be read;
 // to set something throws then.

@@ -248,8 +248,12 @@ void FinderItem::rename(Value const& value, TextContext const& context) {
     if (!name || m_path == "/" || m_type == codeOf("cdis")) throw fileError(EINVAL, specifier());
     OpenItem const item = open();
     if (*name == item.name) return;
-    if (moveItem(item, item.folder, *name, NameClash::IsRefused, [] { return true; }) != ItemMove::Done)
-        throw fileError(errno, specifier());
+    // Where layers of folders show as one, a folder of a lower layer is copied.
+    ItemMove const moved = moveItem(item, item.folder, *name, NameClash::IsRefused, mayRunGoOn);
+    int const reason = errno;
+    if (moved == ItemMove::OriginalStays) throw originalStays(reason, specifier());
+    if (moved != ItemMove::Done) stopRunIfAsked();
+    if (moved != ItemMove::Done) throw fileError(reason, specifier());
     m_path = joined(parentOf(m_path), *name);
 }
 

@@ -24,13 +24,6 @@ ScriptError transferError(int errorNumber, Value const& item) {
     return fileError(errorNumber, item);
 }
 
-ScriptError originalStays(int errorNumber, Value const& item) {
-    // It changed while it was copied.
-    ScriptError error = fileError(errorNumber == ESTALE ? EBUSY : errorNumber, item);
-    error.message = u"The copy is complete, but the original could not be removed. " + error.message;
-    return error;
-}
-
 bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
     Value const* const replacing = command.find(codeOf("alrp"));
     return replacing && requireBoolean(*replacing, context);
