@@ -31,11 +31,11 @@ public:
         if (!m_hasBegun) begin();
     }
 
-    // The first one after it that still runs.
+    // The first one after it that still runs, or did a moment ago.
     std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
         auto next = std::ranges::upper_bound(m_processes, last, {}, &RunningProcess::identity);
         for (; next != m_processes.end(); ++next) {
-            if (isKnown(*next) || runningProcess(next->identity)) return next->identity;
+            if (wasReadJustNow() || runningProcess(next->identity)) return next->identity;
         }
         return std::nullopt;
     }
@@ -44,8 +44,9 @@ public:
     // of each process right away.
     std::optional<RunningProcess> process(ProcessIdentity const& identity) const {
         auto const found = std::ranges::lower_bound(m_processes, identity, {}, &RunningProcess::identity);
-        bool const isRead = found != m_processes.end() && found->identity == identity && isKnown(*found);
-        return isRead ? *found : runningProcess(identity);
+        bool const isRead = found != m_processes.end() && found->identity == identity;
+        // No system gives the same ID again in so short a time.
+        return isRead && wasReadJustNow() && isIDInUse(identity.pid) ? *found : runningProcess(identity);
     }
 
     std::optional<FileBrowser> const& fileBrowser() {
@@ -60,10 +61,9 @@ private:
         m_browserReadAt = std::chrono::steady_clock::now();
     }
 
-    // Not even a system that does nothing else gives the same ID again in so short a time.
-    bool isKnown(RunningProcess const& process) const {
+    bool wasReadJustNow() const {
         constexpr std::chrono::milliseconds moment(20);
-        return std::chrono::steady_clock::now() - m_readAt < moment && isIDInUse(process.identity.pid);
+        return std::chrono::steady_clock::now() - m_readAt < moment;
     }
 
     std::vector<RunningProcess> m_processes;

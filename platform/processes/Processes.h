@@ -37,7 +37,8 @@ inline constexpr char kCFBundleNameKey[] = "CFBundleName";
 inline constexpr char kCFBundleExecutableKey[] = "CFBundleExecutable";
 
 // Advances the number to the process that was started next and still runs. The walk is over the processes that ran when
-// it began at {0, kNoProcess}.
+// it began at {0, kNoProcess}; for 20 ms from then one that has ended since may still be among them, of which the
+// others know nothing any more.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
 
 // The process whose window has the user's input. Linux: the window manager of an X11 display tells; procNotFound where

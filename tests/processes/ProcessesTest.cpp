@@ -99,14 +99,19 @@ TEST(Processes, AreListedInTheOrderOfTheirStart) {
     EXPECT_NE(std::ranges::find(list, self), list.end());
 }
 
-TEST(Processes, AreSkippedWhenTheyVanishDuringAWalk) {
+TEST(Processes, TellNothingOnceTheyHaveVanishedDuringAWalk) {
     auto child = std::make_unique<ChildProcess>(std::vector<std::string>{"/bin/cat"});
     ProcessSerialNumber const psn = numberOf(*child);
     ProcessSerialNumber walk{0, kNoProcess};
     ASSERT_EQ(GetNextProcess(&walk), noErr);
     child.reset();
-    while (GetNextProcess(&walk) == noErr)
-        EXPECT_NE(walk, psn);
+    std::int32_t pid = -1;
+    while (GetNextProcess(&walk) == noErr) {
+        if (walk != psn) continue;
+        EXPECT_TRUE(informationOf(walk) == nil);
+        EXPECT_EQ(GetProcessPID(&walk, &pid), procNotFound);
+    }
+    EXPECT_TRUE(informationOf(psn) == nil);
 }
 
 TEST(Processes, AreGoneAMomentAfterTheWalkCameToThem) {
