@@ -75,16 +75,32 @@ private:
 
 NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
+// The same strings for all processes: to make them anew would take as long as all the rest.
+struct InformationKeys {
+    NSString psn = "PSN";
+    NSString pid = "pid";
+    NSString bundlePath = kIOBundlePathKey;
+    NSString identifier = kCFBundleIdentifierKey;
+    NSString name = kCFBundleNameKey;
+    NSString executable = kCFBundleExecutableKey;
+
+    static InformationKeys const& shared() {
+        static InformationKeys const keys;
+        return keys;
+    }
+};
+
 void addText(NSMutableDictionary const& information, NSString const& key, id const& value) {
     NSString const text = as<NSString>(value);
     if (text != nil) information.setObject_forKey_(text, key);
 }
 
 void addBundle(NSMutableDictionary const& information, std::string_view bundlePath) {
-    information.setObject_forKey_(pathString(bundlePath), kIOBundlePathKey);
+    InformationKeys const& keys = InformationKeys::shared();
+    information.setObject_forKey_(pathString(bundlePath), keys.bundlePath);
     NSBundle const bundle = NSBundle::bundleWithPath_(pathString(bundlePath));
-    addText(information, kCFBundleIdentifierKey, bundle.bundleIdentifier());
-    addText(information, kCFBundleNameKey, bundle.objectForInfoDictionaryKey_(kCFBundleNameKey));
+    addText(information, keys.identifier, bundle.bundleIdentifier());
+    addText(information, keys.name, bundle.objectForInfoDictionaryKey_(keys.name));
     addText(information, "FileType", bundle.objectForInfoDictionaryKey_("CFBundlePackageType"));
     addText(information, "FileCreator", bundle.objectForInfoDictionaryKey_("CFBundleSignature"));
 }
@@ -157,16 +173,17 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     std::string const program = programOf(*process);
     std::string_view const bundlePath = bundleHolding(program);
     NSString const executable = pathString(bundlePath.empty() ? process->executable : program);
+    InformationKeys const& keys = InformationKeys::shared();
     NSMutableDictionary const information = NSMutableDictionary::dictionary();
-    information.setObject_forKey_(boxed(serialNumberOf(*identity)), "PSN");
-    information.setObject_forKey_(NSNumber::numberWithInt_(identity->pid), "pid");
-    information.setObject_forKey_(executable, kCFBundleExecutableKey);
-    information.setObject_forKey_(executable.lastPathComponent(), kCFBundleNameKey);
+    information.setObject_forKey_(boxed(serialNumberOf(*identity)), keys.psn);
+    information.setObject_forKey_(NSNumber::numberWithInt_(identity->pid), keys.pid);
+    information.setObject_forKey_(executable, keys.executable);
+    information.setObject_forKey_(executable.lastPathComponent(), keys.name);
     if (!bundlePath.empty()) addBundle(information, bundlePath);
     std::optional<FileBrowser> const& browser = walk.fileBrowser();
     if (browser && isFileBrowser(*browser, program, *identity)) {
-        information.setObject_forKey_("com.apple.finder", kCFBundleIdentifierKey);
-        information.setObject_forKey_(pathString(browser->application.name), kCFBundleNameKey);
+        information.setObject_forKey_("com.apple.finder", keys.identifier);
+        information.setObject_forKey_(pathString(browser->application.name), keys.name);
     }
     return NSDictionary::dictionaryWithDictionary_(information);
 }
