@@ -5,12 +5,14 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <condition_variable>
 #include <csignal>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <mutex>
 #include <string_view>
 #include <sys/stat.h>
@@ -19,6 +21,7 @@
 #include <thread>
 #include <unistd.h>
 #include <unordered_map>
+#include <utility>
 
 namespace mac {
 
@@ -116,19 +119,65 @@ FileDescriptor openProcess(std::int32_t pid) {
     return FileDescriptor(::openat(AT_FDCWD, path.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-// Calls it with the numbers below the count, each in a thread of its own, and returns once all are done.
-void forEachInParallel(std::size_t count, std::function<void(std::size_t)> const& function) {
-    std::vector<std::jthread> threads;
-    std::size_t number = 1;
-    try {
-        for (; number < count; ++number)
-            threads.emplace_back(function, number);
-    } catch (std::system_error const&) {
-        // The system has no more threads for us: the rest is done here.
+using IDs = std::vector<std::int32_t>;
+
+// Calls it with the IDs of all processes, some at a time, as the system lists them.
+template <class Function>
+void listProcesses(Function const& add) {
+    FileDescriptor const processes(::openat(AT_FDCWD, "/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!processes.isOpen()) return;
+    alignas(EntryHead) std::array<char, 4096> buffer;
+    for (;;) {
+        long const size = ::syscall(SYS_getdents64, processes.number(), buffer.data(), buffer.size());
+        if (size <= 0) break;
+        IDs ids;
+        for (long offset = 0; offset < size;) {
+            EntryHead head{};
+            std::memcpy(&head, buffer.data() + offset, NameOffset);
+            if (std::optional<std::int32_t> const pid = processID(buffer.data() + offset + NameOffset))
+                ids.push_back(*pid);
+            offset += head.length;
+        }
+        add(std::move(ids));
     }
-    function(0);
-    for (; number < count; ++number)
-        function(number);
+}
+
+// What one thread lists and several read.
+class ListedProcesses {
+public:
+    void add(IDs ids) {
+        std::lock_guard const guard(m_lock);
+        m_ids.push_back(std::move(ids));
+        m_changed.notify_one();
+    }
+    void end() {
+        std::lock_guard const guard(m_lock);
+        m_hasEnded = true;
+        m_changed.notify_all();
+    }
+    // Waits for more of them. Nothing once all are taken.
+    std::optional<IDs> take() {
+        std::unique_lock guard(m_lock);
+        m_changed.wait(guard, [this] { return !m_ids.empty() || m_hasEnded; });
+        if (m_ids.empty()) return std::nullopt;
+        IDs ids = std::move(m_ids.back());
+        m_ids.pop_back();
+        return ids;
+    }
+
+private:
+    std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::vector<IDs> m_ids;
+    bool m_hasEnded{false};
+};
+
+void readListed(ListedProcesses& listed, std::vector<RunningProcess>& found) {
+    while (std::optional<IDs> const ids = listed.take()) {
+        for (std::int32_t const pid : *ids) {
+            if (std::optional<RunningProcess> process = runningProcess(pid)) found.push_back(std::move(*process));
+        }
+    }
 }
 
 constexpr int ProcessIDBits = 22;
@@ -137,23 +186,10 @@ constexpr std::uint64_t ProcessIDMask = (std::uint64_t{1} << ProcessIDBits) - 1;
 } // namespace
 
 std::vector<std::int32_t> processIDs() {
-    std::vector<std::int32_t> ids;
-    FileDescriptor const processes(::openat(AT_FDCWD, "/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!processes.isOpen()) return ids;
-    alignas(EntryHead) std::array<char, 65536> buffer{};
-    for (;;) {
-        long const size = ::syscall(SYS_getdents64, processes.number(), buffer.data(), buffer.size());
-        if (size <= 0) break;
-        for (long offset = 0; offset < size;) {
-            EntryHead head{};
-            std::memcpy(&head, buffer.data() + offset, NameOffset);
-            if (std::optional<std::int32_t> const pid = processID(buffer.data() + offset + NameOffset))
-                ids.push_back(*pid);
-            offset += head.length;
-        }
-    }
-    std::ranges::sort(ids);
-    return ids;
+    IDs all;
+    listProcesses([&](IDs const& ids) { all.insert(all.end(), ids.begin(), ids.end()); });
+    std::ranges::sort(all);
+    return all;
 }
 
 std::optional<RunningProcess> runningProcess(std::int32_t pid) {
@@ -174,19 +210,28 @@ std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {
 }
 
 std::vector<RunningProcess> runningProcesses() {
-    std::vector<std::int32_t> const ids = processIDs();
-    // A thread costs as much to start as it takes to look at some of them.
-    constexpr std::size_t worthAThread = 256;
     std::size_t const cores = std::max(std::thread::hardware_concurrency(), 1U);
-    std::size_t const count = std::clamp<std::size_t>(ids.size() / worthAThread, 1, cores);
-    std::vector<std::vector<RunningProcess>> parts(count);
-    auto const readPart = [&](std::size_t part) {
-        for (std::size_t index = ids.size() * part / count; index < ids.size() * (part + 1) / count; ++index) {
-            if (std::optional<RunningProcess> process = runningProcess(ids[index]))
-                parts[part].push_back(std::move(*process));
-        }
-    };
-    forEachInParallel(count, readPart);
+    std::vector<std::vector<RunningProcess>> parts(cores);
+    ListedProcesses listed;
+    {
+        std::vector<std::jthread> readers;
+        // The readers end, however the listing does.
+        std::unique_ptr<ListedProcesses, void (*)(ListedProcesses*)> const ending(
+            &listed, [](ListedProcesses* list) { list->end(); });
+        bool isFirst = true;
+        listProcesses([&](IDs ids) {
+            listed.add(std::move(ids));
+            // The first are as quickly read as a thread is started.
+            if (std::exchange(isFirst, false) || readers.size() + 1 >= cores) return;
+            try {
+                readers.emplace_back(readListed, std::ref(listed), std::ref(parts[readers.size() + 1]));
+            } catch (std::system_error const&) {
+                // The system has no more threads for us: they are read here.
+            }
+        });
+        listed.end();
+        readListed(listed, parts[0]);
+    }
     std::vector<RunningProcess> found;
     for (std::vector<RunningProcess>& part : parts)
         std::ranges::move(part, std::back_inserter(found));
