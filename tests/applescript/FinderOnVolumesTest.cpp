@@ -49,7 +49,7 @@ TEST_F(FinderOnVolumes, StopsWhileARenamedFolderIsCopied) {
     mountLayers(m_point.path("below"), m_point.path("changes"), point);
     if (IsSkipped()) return;
     std::string const source =
-        "tell application \"Finder\" to set name of (POSIX file \"" + point + "/old\") to \"new\"";
+        R"(tell application "Finder" to set name of (POSIX file ")" + point + R"(/old") to "new")";
     std::atomic<bool> const cancelled{true};
     EXPECT_EQ(errorNumberOf(source, {.cancelled = &cancelled}), -128);
     EXPECT_EQ(textOf(point + "/old/inside"), "x");
@@ -67,7 +67,7 @@ TEST_F(FinderOnVolumes, FindsADiskAgainWhereItListedAFolder) {
     }
     std::string const names = ofItem("name of every item of entire contents", m_point.path());
     EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(names).value)), R"({"b.app", "inner"})");
-    std::string const one = "item 1 of folder \"inner\" of (POSIX file \"" + m_point.path() + "\")";
+    std::string const one = R"(item 1 of folder "inner" of (POSIX file ")" + m_point.path() + "\")";
     EXPECT_EQ(textResult("tell application \"Finder\" to name of " + one), "inside");
     EXPECT_EQ(errorNumberOf(ofItem("name of document file \"inner\"", m_point.path())), -1728);
 }

@@ -90,7 +90,8 @@ TEST(Finder, PutsNothingOntoADesktopThatIsNotThere) {
     ASSERT_EQ(::rename(home.path("Desktop").c_str(), home.path("Away").c_str()), 0);
     std::string const file = home.path("Documents/f1.txt");
     for (std::string const command : {"move", "duplicate"}) {
-        std::string const source = "tell application \"Finder\" to " + command + " (POSIX file \"" + file + "\") to it";
+        std::string source = "tell application \"Finder\" to ";
+        source.append(command).append(" (POSIX file \"").append(file).append("\") to it");
         EXPECT_EQ(errorNumberOf(source), -1728) << command;
     }
     EXPECT_EQ(errorNumberOf("tell application \"Finder\" to make new folder"), -1728);
@@ -150,8 +151,8 @@ TEST(Finder, SetsNoLabelOverInformationOfAnotherSize) {
     ASSERT_EQ(::setxattr(file.c_str(), FinderAttribute, TextOfAnEditor.data(), TextOfAnEditor.size(), 0), 0);
     EXPECT_EQ(outcomeOf(ofItem("label index", file)).value.asInteger(), 0);
     for (std::string const label : {"2", "0"}) {
-        std::string const source =
-            "tell application \"Finder\" to set label index of (POSIX file \"" + file + "\") to " + label;
+        std::string source = R"(tell application "Finder" to set label index of (POSIX file ")";
+        source.append(file).append("\") to ").append(label);
         EXPECT_EQ(errorNumberOf(source), -36) << label;
     }
     EXPECT_EQ(finderAttribute(file), TextOfAnEditor);
