@@ -5,7 +5,6 @@
 #include "platform/finder/FileBrowserWindows.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/DetachedProcess.h"
 #include "platform/processes/FrontProcess.h"
@@ -38,21 +37,10 @@ bool launchEntry(std::string const& path) {
     return startApplication(*application, {}).isDone();
 }
 
-// The first process of this session that runs from a bundle with the identifier.
-std::optional<ProcessSerialNumber> sessionProcessWith(NSString const& identifier) {
-    ProcessSerialNumber psn{0, kNoProcess};
-    while (GetNextProcess(&psn) == noErr) {
-        NSDictionary const information =
-            ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-        std::int32_t const pid = as<NSNumber>(information.objectForKey_("pid")).intValue();
-        if (information.objectForKey_(kCFBundleIdentifierKey).isEqual_(identifier) && isOfThisSession(pid)) return psn;
-    }
-    return std::nullopt;
-}
-
 bool launchBundle(NSString const& path) {
     NSBundle const bundle = NSBundle::bundleWithPath_(path);
-    std::optional<ProcessSerialNumber> const running = sessionProcessWith(bundle.bundleIdentifier());
+    std::optional<ProcessSerialNumber> const running =
+        processWith(kCFBundleIdentifierKey, bundle.bundleIdentifier(), isOfThisSession);
     if (running) {
         // A display that does not bring it to the front does not keep it from running.
         SetFrontProcess(&*running);

@@ -11,52 +11,19 @@ namespace mac {
 
 namespace {
 
-// How one browser was started, by its program.
-class RememberedStart {
-public:
-    static RememberedStart& shared() {
-        static RememberedStart start;
-        return start;
-    }
-
-    void set(std::string const& program, FileBrowserStart start) {
-        std::lock_guard const guard(m_lock);
-        m_start.emplace(program, std::move(start));
-    }
-    std::optional<FileBrowserStart> of(std::string const& program) {
-        std::lock_guard const guard(m_lock);
-        return m_start && m_start->first == program ? std::optional(m_start->second) : std::nullopt;
-    }
-    void forget() {
-        std::lock_guard const guard(m_lock);
-        m_start.reset();
-    }
-
-private:
-    std::mutex m_lock;
-    std::optional<std::pair<std::string, FileBrowserStart>> m_start;
+// What has to be known of the browser while it does not run.
+struct Memory {
+    std::mutex lock;
+    // The program whose start is remembered.
+    std::string program;
+    std::optional<FileBrowserStart> start;
+    ProcessIdentity quitCommand;
 };
 
-class LastQuitCommand {
-public:
-    static LastQuitCommand& shared() {
-        static LastQuitCommand command;
-        return command;
-    }
-
-    void set(ProcessIdentity const& process) {
-        std::lock_guard const guard(m_lock);
-        m_process = process;
-    }
-    bool is(ProcessIdentity const& process) {
-        std::lock_guard const guard(m_lock);
-        return m_process == process;
-    }
-
-private:
-    std::mutex m_lock;
-    ProcessIdentity m_process;
-};
+Memory& memory() {
+    static Memory memory;
+    return memory;
+}
 
 // What the browser's entry or its kind has for it; nothing where there is neither.
 std::optional<std::vector<std::string>> quitCommandOf(DesktopApplication const& browser) {
@@ -81,16 +48,21 @@ bool rememberStart(FileBrowser const& browser, ProcessIdentity const& process) {
     // What was read is that process's only while it runs.
     std::optional<RunningProcess> running = runningProcess(process);
     if (!words || words->empty() || !running) return false;
-    RememberedStart::shared().set(browser.program,
-                                  {std::move(running->executable), std::move(*words), std::move(folder).value_or("")});
+    std::lock_guard const guard(memory().lock);
+    memory().program = browser.program;
+    memory().start = {std::move(running->executable), std::move(*words), std::move(folder).value_or("")};
     return true;
 }
 
 std::optional<FileBrowserStart> rememberedStart(FileBrowser const& browser) {
-    return RememberedStart::shared().of(browser.program);
+    std::lock_guard const guard(memory().lock);
+    return memory().program == browser.program ? memory().start : std::nullopt;
 }
 
-void forgetFileBrowserStart() { RememberedStart::shared().forget(); }
+void forgetFileBrowserStart() {
+    std::lock_guard const guard(memory().lock);
+    memory().start.reset();
+}
 
 DetachedProcess runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser.application);
@@ -98,11 +70,15 @@ DetachedProcess runQuitCommand(FileBrowser const& browser) {
         command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
     DetachedProcess const process = program ? startDetached(*program, *command) : DetachedProcess();
     std::optional<RunningProcess> const running = runningProcess(process.pid);
-    LastQuitCommand::shared().set(running ? running->identity : ProcessIdentity());
+    std::lock_guard const guard(memory().lock);
+    memory().quitCommand = running ? running->identity : ProcessIdentity();
     return process;
 }
 
-bool isQuitCommand(ProcessIdentity const& process) { return LastQuitCommand::shared().is(process); }
+bool isQuitCommand(ProcessIdentity const& process) {
+    std::lock_guard const guard(memory().lock);
+    return process == memory().quitCommand;
+}
 
 bool askToQuit(ProcessIdentity const& process) {
     std::optional<FileBrowser> const browser = defaultFileBrowser();

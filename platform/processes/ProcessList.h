@@ -28,9 +28,6 @@ struct RunningProcess {
     std::string executable;
 };
 
-// The IDs of all processes, in their order; who may not be looked at is among them.
-std::vector<std::int32_t> processIDs();
-
 // Nothing for an ID that no process has, for one that has ended and is only waited for, and for one whose program this
 // user may not see.
 std::optional<RunningProcess> runningProcess(std::int32_t pid);

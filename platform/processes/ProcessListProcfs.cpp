@@ -185,13 +185,6 @@ constexpr std::uint64_t ProcessIDMask = (std::uint64_t{1} << ProcessIDBits) - 1;
 
 } // namespace
 
-std::vector<std::int32_t> processIDs() {
-    IDs all;
-    listProcesses([&](IDs const& ids) { all.insert(all.end(), ids.begin(), ids.end()); });
-    std::ranges::sort(all);
-    return all;
-}
-
 std::optional<RunningProcess> runningProcess(std::int32_t pid) {
     if (pid <= 0) return std::nullopt;
     FileDescriptor const folder = openProcess(pid);

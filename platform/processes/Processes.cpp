@@ -45,7 +45,7 @@ public:
     std::optional<RunningProcess> process(ProcessIdentity const& identity) const {
         auto const found = std::ranges::lower_bound(m_processes, identity, {}, &RunningProcess::identity);
         bool const isRead = found != m_processes.end() && found->identity == identity;
-        // No system gives the same ID again in so short a time.
+        // Should the ID be another's already, it is told of the one that was read, whose number was given.
         return isRead && wasReadJustNow() && isIDInUse(identity.pid) ? *found : runningProcess(identity);
     }
 
@@ -75,7 +75,7 @@ private:
 
 NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
-// The same strings for all processes: to make them anew would take as long as all the rest.
+// The same strings for all processes, instead of new ones for each.
 struct InformationKeys {
     NSString psn = "PSN";
     NSString pid = "pid";
@@ -188,12 +188,14 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     return NSDictionary::dictionaryWithDictionary_(information);
 }
 
-std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value) {
+std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value, bool (*isMeant)(std::int32_t)) {
     ProcessSerialNumber psn{0, kNoProcess};
     while (GetNextProcess(&psn) == noErr) {
         NSDictionary const information =
             ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
-        if (information.objectForKey_(key).isEqual_(value)) return psn;
+        if (!information.objectForKey_(key).isEqual_(value)) continue;
+        if (!isMeant || isMeant(as<NSNumber>(information.objectForKey_(InformationKeys::shared().pid)).intValue()))
+            return psn;
     }
     return std::nullopt;
 }

@@ -70,6 +70,8 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 
 // Of a walk over all processes the first whose information has an equal value under the key; nothing where none has.
-std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value);
+// The function may refuse some by their IDs.
+std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value,
+                                               bool (*isMeant)(std::int32_t pid) = nullptr);
 
 } // namespace mac

@@ -72,7 +72,7 @@ int main(int count, char** arguments) {
     if (mode == "stubborn") ::signal(SIGTERM, SIG_IGN);
     if (mode == "starts" && ::fork() != 0) return 0;
     if (mode == "starts") ::execl(arguments[0], arguments[0], "serve", arguments[2], nullptr);
-    // When the test's bus goes while it is asked, the library tries for ever.
+    // When the test's bus goes while it is asked, it may never end by itself.
     constexpr unsigned seconds = 30;
     if (mode == "quit") ::alarm(seconds);
     QDBusConnection connection = QDBusConnection::sessionBus();
