@@ -4,7 +4,7 @@
 #include "benchmarks/Timing.h"
 #include "benchmarks/WholeDiskWalkRun.h"
 #include "benchmarks/WholeDiskWalkTree.h"
-#include "platform/spotlight/VolumeWalker.h"
+#include "platform/system/walker/VolumeWalker.h"
 
 #include <linux/magic.h>
 #include <sys/vfs.h>

@@ -1,5 +1,5 @@
 #include "fuzz/AppleDoubleRoundTrip.h"
-#include "platform/files/AppleDouble.h"
+#include "platform/system/items/AppleDouble.h"
 #include <algorithm>
 
 namespace mac::fuzz {
@@ -31,8 +31,8 @@ bool isAsInWhole(AppleDouble::Attribute const& attribute, AppleDouble::Attribute
 
 // It says the same, or that it does not know.
 std::string complaintAboutBeginning(std::span<std::byte const> bytes, std::size_t size,
-                                    Result<AppleDouble> const& whole) {
-    Result<AppleDouble> const read = AppleDouble::readBeginning(bytes.first(size), bytes.size());
+                                    Result<AppleDouble, Failure> const& whole) {
+    Result<AppleDouble, Failure> const read = AppleDouble::readBeginning(bytes.first(size), bytes.size());
     if (!read.hasValue()) return "";
     if (!whole.hasValue()) return "only the beginning can be read";
     if (read.value().finderInformation != whole.value().finderInformation) return "the beginning says something else";
@@ -41,7 +41,7 @@ std::string complaintAboutBeginning(std::span<std::byte const> bytes, std::size_
                : "the beginning has other attributes";
 }
 
-std::string complaintAboutBeginnings(std::span<std::byte const> bytes, Result<AppleDouble> const& whole) {
+std::string complaintAboutBeginnings(std::span<std::byte const> bytes, Result<AppleDouble, Failure> const& whole) {
     for (std::size_t parts = 1; parts < 8; ++parts) {
         std::string complaint = complaintAboutBeginning(bytes, bytes.size() * parts / 8, whole);
         if (!complaint.empty()) return complaint;
@@ -52,15 +52,15 @@ std::string complaintAboutBeginnings(std::span<std::byte const> bytes, Result<Ap
 } // namespace
 
 std::string complaintAboutAppleDouble(std::span<std::byte const> bytes) {
-    Result<AppleDouble> const read = AppleDouble::read(bytes);
+    Result<AppleDouble, Failure> const read = AppleDouble::read(bytes);
     std::string complaint = complaintAboutBeginnings(bytes, read);
     if (!complaint.empty()) return complaint;
-    if (!read.hasValue()) return read.reason().empty() ? "refused without a reason" : "";
+    if (!read.hasValue()) return read.problem().reason.empty() ? "refused without a reason" : "";
     if (sizeOf(read.value()) > 2 * bytes.size()) return "more was read than there is";
     std::optional<std::vector<std::byte>> const written = read.value().written();
     if (!written) return "what was read cannot be written";
-    Result<AppleDouble> const again = AppleDouble::read(*written);
-    if (!again.hasValue()) return "what was written cannot be read: " + again.reason();
+    Result<AppleDouble, Failure> const again = AppleDouble::read(*written);
+    if (!again.hasValue()) return "what was written cannot be read: " + again.problem().reason;
     if (!(again.value() == read.value())) return "it was read otherwise than it was written";
     if (again.value().written() != written) return "it is written otherwise the second time";
     return complaintAboutAccess(read.value());

@@ -1,9 +1,9 @@
 #include "fuzz/ContentTypeTrial.h"
-#include "platform/launchservices/DesktopEntries.h"
-#include "platform/launchservices/MIMETypes.h"
+#include "platform/desktop/DesktopEntries.h"
+#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/MIMETypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"
-#include "platform/processes/KeyFile.h"
 #include <algorithm>
 
 namespace mac::fuzz {

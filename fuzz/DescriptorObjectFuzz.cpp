@@ -8,7 +8,7 @@ namespace mac::fuzz {
 namespace {
 
 std::string complaintAbout(std::span<std::byte const> bytes) {
-    Result<AEDesc> const desc = unflattened(bytes);
+    Result<AEDesc, Failure> const desc = unflattened(bytes);
     if (!desc.hasValue()) return {};
     NSAppleEventDescriptor const descriptor = NSAppleEventDescriptor::descriptorWithAEDesc(desc.value());
     id const object = pxObject(descriptor);

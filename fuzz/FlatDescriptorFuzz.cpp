@@ -23,9 +23,9 @@ void readAll(NSAppleEventDescriptor const& descriptor) {
 }
 
 std::string complaintAbout(std::span<std::byte const> bytes) {
-    Result<AEDesc> const desc = unflattened(bytes);
-    if (!desc.hasValue()) return desc.reason().empty() ? "a failure without a reason" : "";
-    Result<std::vector<std::byte>> const again = flattened(desc.value());
+    Result<AEDesc, Failure> const desc = unflattened(bytes);
+    if (!desc.hasValue()) return desc.problem().reason.empty() ? "a failure without a reason" : "";
+    Result<std::vector<std::byte>, Failure> const again = flattened(desc.value());
     if (!again.hasValue() || !std::ranges::equal(again.value(), bytes)) return "it comes back as other bytes";
     NSAppleEventDescriptor const descriptor = NSAppleEventDescriptor::descriptorWithAEDesc(desc.value());
     descriptor.description();

@@ -1,7 +1,7 @@
 #include "fuzz/HFSPathsRoundTrip.h"
 #include "platform/files/HFSPaths.h"
-#include "platform/files/MountTable.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 
 namespace mac::fuzz {

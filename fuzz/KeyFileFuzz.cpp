@@ -1,5 +1,5 @@
 #include "fuzz/Complaint.h"
-#include "platform/processes/KeyFile.h"
+#include "platform/desktop/KeyFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     mac::KeyFile const file = mac::KeyFile::read(mac::fuzz::textOf(data, size));

@@ -1,6 +1,6 @@
 #include "fuzz/MountTableRoundTrip.h"
-#include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <set>
 

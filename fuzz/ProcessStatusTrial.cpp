@@ -1,5 +1,5 @@
 #include "fuzz/ProcessStatusTrial.h"
-#include "platform/processes/ProcessStatus.h"
+#include "platform/system/processes/ProcessStatus.h"
 
 namespace mac::fuzz {
 

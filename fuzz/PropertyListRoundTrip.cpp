@@ -4,7 +4,7 @@
 #include "platform/foundation/PropertyListOldStyle.h"
 #include "platform/foundation/PropertyListText.h"
 #include "platform/foundation/PropertyListXML.h"
-#include "tests/foundation/PropertyListDump.h"
+#include "tests/platform/foundation/PropertyListDump.h"
 #include <functional>
 
 namespace mac::fuzz {
@@ -18,7 +18,7 @@ using test::dump;
 // seconds.
 constexpr std::size_t kMostCompared = 20000;
 
-using Reader = std::function<Result<id>(NSPropertyListMutabilityOptions)>;
+using Reader = std::function<Result<id, Failure>(NSPropertyListMutabilityOptions)>;
 
 // How many objects there are below the list, up to the bound.
 void count(id const& list, std::size_t& objects) {
@@ -35,39 +35,40 @@ bool isLarge(id const& list) {
     return objects > kMostCompared;
 }
 
-Result<id> readText(std::span<std::byte const> bytes, NSPropertyListMutabilityOptions option,
-                    Result<id> (*read)(std::u16string_view, NSPropertyListMutabilityOptions)) {
-    Result<std::u16string> const text = decodePropertyListText(bytes);
-    if (!text.hasValue()) return Failure{text.reason()};
+Result<id, Failure> readText(std::span<std::byte const> bytes, NSPropertyListMutabilityOptions option,
+                             Result<id, Failure> (*read)(std::u16string_view, NSPropertyListMutabilityOptions)) {
+    Result<std::u16string, Failure> const text = decodePropertyListText(bytes);
+    if (!text.hasValue()) return Failure{text.problem().reason};
     return read(text.value(), option);
 }
 
 std::string complaintAboutBinaryOf(id const& list) {
-    Result<std::string> const written = writePropertyListBinary(list);
-    if (!written.hasValue()) return "cannot be written as binary: " + written.reason();
-    Result<id> const read = readPropertyListBinary(std::as_bytes(std::span(written.value())), NSPropertyListImmutable);
-    if (!read.hasValue()) return "the binary form cannot be read: " + read.reason();
+    Result<std::string, Failure> const written = writePropertyListBinary(list);
+    if (!written.hasValue()) return "cannot be written as binary: " + written.problem().reason;
+    Result<id, Failure> const read =
+        readPropertyListBinary(std::as_bytes(std::span(written.value())), NSPropertyListImmutable);
+    if (!read.hasValue()) return "the binary form cannot be read: " + read.problem().reason;
     if (dump(read.value()) != dump(list)) return "the binary form is another list";
     return writePropertyListBinary(read.value()).value() == written.value() ? "" : "the binary form is not stable";
 }
 
 std::string complaintAboutXMLOf(id const& list, bool canAlwaysBeWritten) {
-    Result<std::string> const written = writePropertyListXML(list);
-    if (!written.hasValue() && (canAlwaysBeWritten || written.reason().empty()))
-        return "cannot be written as XML: " + written.reason();
+    Result<std::string, Failure> const written = writePropertyListXML(list);
+    if (!written.hasValue() && (canAlwaysBeWritten || written.problem().reason.empty()))
+        return "cannot be written as XML: " + written.problem().reason;
     if (!written.hasValue()) return "";
-    Result<id> const read =
+    Result<id, Failure> const read =
         readText(std::as_bytes(std::span(written.value())), NSPropertyListImmutable, readPropertyListXML);
-    if (!read.hasValue()) return "the XML form cannot be read: " + read.reason();
+    if (!read.hasValue()) return "the XML form cannot be read: " + read.problem().reason;
     if (dump(read.value()) != dump(list, Dates::WholeSeconds)) return "the XML form is another list";
     return writePropertyListXML(read.value()).value() == written.value() ? "" : "the XML form is not stable";
 }
 
 std::string complaintAbout(Reader const& read, bool comesFromXML) {
-    Result<id> const list = read(NSPropertyListImmutable);
-    Result<id> const changeable = read(NSPropertyListMutableContainersAndLeaves);
+    Result<id, Failure> const list = read(NSPropertyListImmutable);
+    Result<id, Failure> const changeable = read(NSPropertyListMutableContainersAndLeaves);
     if (list.hasValue() != changeable.hasValue()) return "mutability decides whether it can be read";
-    if (!list.hasValue()) return list.reason().empty() ? "there is neither a list nor a reason" : "";
+    if (!list.hasValue()) return list.problem().reason.empty() ? "there is neither a list nor a reason" : "";
     if (isLarge(list.value())) return "";
     if (dump(list.value()) != dump(changeable.value())) return "mutability decides what is read";
     std::string const complaint = complaintAboutBinaryOf(list.value());

@@ -32,7 +32,7 @@ std::optional<Value> valueIn(AEDesc const& desc, std::string& complaint) {
 } // namespace
 
 std::string complaintAboutScriptDescriptor(std::span<std::byte const> bytes) {
-    Result<AEDesc> const desc = unflattened(bytes);
+    Result<AEDesc, Failure> const desc = unflattened(bytes);
     if (!desc.hasValue()) return {};
     std::string complaint;
     std::optional<Value> const value = valueIn(desc.value(), complaint);

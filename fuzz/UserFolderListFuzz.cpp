@@ -1,5 +1,5 @@
 #include "fuzz/Complaint.h"
-#include "platform/foundation/DesktopFolders.h"
+#include "platform/system/XDGFolders.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::optional<std::string> const folder =

@@ -1,14 +1,15 @@
 #include "platform/appkit/NSWorkspace.h"
-#include "platform/finder/ApplicationStart.h"
-#include "platform/finder/FileBrowserProcess.h"
-#include "platform/finder/FileBrowserService.h"
-#include "platform/finder/FileBrowserWindows.h"
+#include "platform/desktop/ApplicationStart.h"
+#include "platform/desktop/FileBrowserProcess.h"
+#include "platform/desktop/FileBrowserService.h"
+#include "platform/desktop/FileBrowserWindows.h"
+#include "platform/desktop/FrontProcess.h"
+#include "platform/desktop/Session.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
-#include "platform/processes/DetachedProcess.h"
-#include "platform/processes/FrontProcess.h"
-#include "platform/processes/Session.h"
+#include "platform/processes/Processes.h"
+#include "platform/system/processes/DetachedProcess.h"
 #include <algorithm>
 
 namespace mac {

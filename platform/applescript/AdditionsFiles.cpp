@@ -4,7 +4,7 @@
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/FolderContents.h"
+#include "platform/system/FolderContents.h"
 #include <algorithm>
 #include <sys/stat.h>
 

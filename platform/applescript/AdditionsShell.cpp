@@ -1,8 +1,8 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ShellCommand.h"
-#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/XDGFolders.h"
 #include <algorithm>
 #include <unistd.h>
 

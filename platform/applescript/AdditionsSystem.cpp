@@ -5,10 +5,10 @@
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/StackRoom.h"
-#include "platform/foundation/AccountNames.h"
-#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/system/Users.h"
+#include "platform/system/XDGFolders.h"
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -168,7 +168,7 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
     auto const key = [](Code code) { return termSymbol(code, nameOfCode(code)); };
     return Value::record({
         {key(codeOf("siav")), Value::text(u"2.8")},
-        {key(codeOf("sisn")), Value::text(std::u16string(nameOfUser(::getuid()).codeUnits()))},
+        {key(codeOf("sisn")), Value::text(unitsFromFileSystemBytes(nameOfUser(::getuid()).value_or("")))},
         {key(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
         {key(codeOf("sicn")), Value::text(name)},
         {key(codeOf("sihd")), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,

@@ -94,7 +94,7 @@ Value fileIn(AEDesc const& desc) {
 Value dataIn(AEDesc const& desc) {
     if (contentsOf(desc).form == DescriptorForm::Bytes)
         return makeObject<DataObject>(ValueKind::Data, desc.descriptorType.value(), std::string(charactersOf(desc)));
-    Result<std::vector<std::byte>> const flat = flattened(desc);
+    Result<std::vector<std::byte>, Failure> const flat = flattened(desc);
     if (!flat.hasValue()) throw plainError(errors::ValueTooLarge);
     std::string_view const bytes(reinterpret_cast<char const*>(flat.value().data()), flat.value().size());
     return makeObject<DataObject>(ValueKind::Data, desc.descriptorType.value(), std::string(bytes));

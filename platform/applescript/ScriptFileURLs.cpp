@@ -1,6 +1,6 @@
 #include "platform/applescript/ScriptFileURLs.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/PercentEscapes.h"
+#include "platform/system/PercentEscapes.h"
 #include <cstdlib>
 #include <memory>
 #include <unistd.h>

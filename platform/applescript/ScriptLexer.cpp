@@ -1,5 +1,5 @@
 #include "platform/applescript/ScriptToken.h"
-#include "platform/foundation/ASCII.h"
+#include "platform/system/ASCII.h"
 #include <array>
 #include <charconv>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/FileDescriptor.h"
+#include "platform/system/FileDescriptor.h"
 #include <array>
 #include <string>
 #include <vector>

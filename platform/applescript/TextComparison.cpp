@@ -1,7 +1,7 @@
 #include "platform/applescript/TextComparison.h"
 #include "platform/applescript/SyntaxTree.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <map>

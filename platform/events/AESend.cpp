@@ -1,3 +1,4 @@
+#include "platform/desktop/FileBrowserStart.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"
@@ -6,7 +7,6 @@
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/processes/FileBrowserStart.h"
 
 namespace mac {
 
@@ -68,7 +68,7 @@ private:
 
 OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, Wait const& wait,
                        AppleEvent& reply) {
-    Result<std::vector<std::byte>> flat = flattened(event);
+    Result<std::vector<std::byte>, Failure> flat = flattened(event);
     if (!flat.hasValue()) return memFullErr;
     openEventEndpoint();
     auto const pending = std::make_shared<PendingReply>();

@@ -2,6 +2,7 @@
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/foundation/FourCharCodeText.h"
+#include "platform/processes/SerialNumbers.h"
 #include <unistd.h>
 
 namespace mac {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/system/processes/ProcessList.h"
 #include <optional>
 
 namespace mac {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/events/EventQueue.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/system/processes/ProcessList.h"
 #include <cstddef>
 #include <memory>
 #include <vector>

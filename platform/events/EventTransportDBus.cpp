@@ -1,8 +1,8 @@
+#include "platform/desktop/SessionBus.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/events/SessionBus.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
 #include <QCoreApplication>
@@ -59,7 +59,7 @@ SendingOutcome outcomeOfAnswer(QDBusMessage const& answer) {
     bool const isFormed = arguments.size() == 2 && arguments[0].typeId() == QMetaType::Int &&
                           arguments[1].typeId() == QMetaType::QByteArray;
     if (!isFormed) return {.status = connectionInvalid};
-    Result<AEDesc> reply = unflattened(bytesOf(arguments[1].toByteArray()));
+    Result<AEDesc, Failure> reply = unflattened(bytesOf(arguments[1].toByteArray()));
     if (!reply.hasValue()) return {.status = errAECorruptData};
     int const status = arguments[0].toInt();
     return {.status = status, .reply = status == noErr ? reply.takeValue() : AppleEvent{}};
@@ -156,8 +156,8 @@ private:
         if (arguments.size() != 1 || arguments[0].typeId() != QMetaType::QByteArray)
             return refuse(QDBusError::InvalidArgs, "The argument must be a row of bytes");
         QByteArray const bytes = arguments[0].toByteArray();
-        Result<AEDesc> desc = unflattened(bytesOf(bytes));
-        if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.reason()));
+        Result<AEDesc, Failure> desc = unflattened(bytesOf(bytes));
+        if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.problem().reason));
         if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
         IncomingEvent incoming{
             .event = desc.takeValue(), .wantsReply = message.isReplyRequired(), .size = bytesOf(bytes).size()};
@@ -173,7 +173,7 @@ private:
 
     static void answer(QDBusMessage const& message, QDBusConnection const& connection, OSStatus status,
                        AppleEvent const& reply) {
-        Result<std::vector<std::byte>> const flat = flattened(reply);
+        Result<std::vector<std::byte>, Failure> const flat = flattened(reply);
         if (flat.hasValue())
             connection.send(message.createReply({static_cast<int>(status), arrayOf(flat.value())}));
         else

@@ -139,7 +139,7 @@ private:
 
 } // namespace
 
-Result<std::vector<std::byte>> flattened(AEDesc const& desc) {
+Result<std::vector<std::byte>, Failure> flattened(AEDesc const& desc) {
     Writer writer;
     writer.writeWord(Mark);
     writer.writeWord(Version);
@@ -149,7 +149,7 @@ Result<std::vector<std::byte>> flattened(AEDesc const& desc) {
     return bytes;
 }
 
-Result<AEDesc> unflattened(std::span<std::byte const> bytes) {
+Result<AEDesc, Failure> unflattened(std::span<std::byte const> bytes) {
     if (bytes.size() > kFlatDescriptorMaximumSize) return Failure{TooLarge};
     Reader reader(bytes);
     if (reader.readWord() != Mark) reader.fail("This is no flat descriptor");

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -16,9 +16,9 @@ inline constexpr std::size_t kFlatDescriptorMaximumSize = std::size_t{16} << 20;
 inline constexpr std::size_t kFlatDescriptorMaximumCount = std::size_t{1} << 20;
 
 // Fails for a descriptor that would take more than is allowed.
-Result<std::vector<std::byte>> flattened(AEDesc const& desc);
+Result<std::vector<std::byte>, Failure> flattened(AEDesc const& desc);
 
 // What comes from outside is not trusted: sizes that lie, too much, too deep, or anything behind the descriptor fail.
-Result<AEDesc> unflattened(std::span<std::byte const> bytes);
+Result<AEDesc, Failure> unflattened(std::span<std::byte const> bytes);
 
 } // namespace mac

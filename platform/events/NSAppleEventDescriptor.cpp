@@ -65,7 +65,7 @@ NSAppleEventDescriptor NSAppleEventDescriptor::descriptorWithDescriptorType_byte
     if (!bytes && length > 0) return nil;
     std::span<std::byte const> const span(static_cast<std::byte const*>(bytes), length);
     if (!isContainerType(type)) return made(makeDesc(type, span));
-    Result<AEDesc> const flat = unflattened(span);
+    Result<AEDesc, Failure> const flat = unflattened(span);
     return made(flat.hasValue() && flat.value().descriptorType == type ? flat.value() : makeDesc(type, span));
 }
 
@@ -127,7 +127,7 @@ NSData NSAppleEventDescriptor::data() const {
     AEDesc const& desc = bodyOf(*this)->desc;
     DescriptorContents const& contents = contentsOf(desc);
     if (contents.form == DescriptorForm::Bytes) return NSData::dataWithBytes(contents.bytes);
-    Result<std::vector<std::byte>> const flat = flattened(desc);
+    Result<std::vector<std::byte>, Failure> const flat = flattened(desc);
     return flat.hasValue() ? NSData::dataWithBytes(flat.value()) : NSData(nil);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/CatalogInformation.h"
-#include "platform/files/OpenItem.h"
+#include "platform/system/items/OpenItem.h"
 
 namespace mac {
 

@@ -5,7 +5,7 @@
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/OpenItems.h"
 #include <algorithm>
 #include <cerrno>
 #include <cmath>

@@ -1,10 +1,10 @@
 #include "platform/files/CreationDates.h"
 #include "platform/files/CatalogFields.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/files/ItemIdentity.h"
-#include "platform/foundation/BigEndian.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/BigEndian.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemIdentity.h"
 #include <array>
 #include <cerrno>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/OpenItem.h"
 #include "platform/foundation/UTCDateTime.h"
+#include "platform/system/items/OpenItem.h"
 
 namespace mac {
 

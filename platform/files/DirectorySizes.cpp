@@ -1,8 +1,8 @@
 #include "platform/files/DirectorySizes.h"
-#include "platform/files/FolderDescent.h"
 #include "platform/files/TrashInformation.h"
-#include "platform/foundation/FileWriting.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/items/FolderDescent.h"
 #include <fcntl.h>
 #include <span>
 #include <sys/file.h>
@@ -44,7 +44,7 @@ std::vector<DirectorySize> readSizes(FileDescriptor const& folder) {
     FileDescriptor const file(
         ::openat(folder.number(), FileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) return {};
-    Result<FileContents> const contents = readOpenFile(file, LargestFile);
+    Result<FileContents, Failure> const contents = readOpenFile(file, LargestFile);
     if (!contents.hasValue()) return {};
     std::span<std::byte const> const bytes = contents.value().bytes;
     return DirectorySize::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});

@@ -1,6 +1,6 @@
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/files/AppleDoubleFile.h"
-#include "platform/files/AttributesOnItem.h"
+#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/items/AttributeNames.h"
 #include <cstddef>
 #include <cstdint>
 
@@ -14,9 +15,6 @@ namespace mac {
 // Nothing goes there for a file with several names (EMLINK): the others would not have it. A missing attribute is
 // ENODATA. Only files and folders carry attributes: on anything else they are EPERM. EBUSY: somebody keeps the item's
 // folder locked.
-
-inline constexpr char XATTR_FINDERINFO_NAME[] = "com.apple.FinderInfo";
-inline constexpr char XATTR_RESOURCEFORK_NAME[] = "com.apple.ResourceFork";
 
 // Options. NOFOLLOW: a symbolic link at the end of the path is meant itself, else what it leads to. CREATE: fail with
 // EEXIST where the attribute is; REPLACE: fail with ENODATA where it is not. Others are EINVAL.

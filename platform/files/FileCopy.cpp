@@ -1,6 +1,6 @@
 #include "platform/files/FileCopy.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/OpenItems.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

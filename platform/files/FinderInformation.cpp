@@ -1,6 +1,6 @@
 #include "platform/files/FinderInformation.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/BigEndian.h"
+#include "platform/system/BigEndian.h"
 #include <algorithm>
 #include <cerrno>
 

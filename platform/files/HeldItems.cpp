@@ -1,6 +1,6 @@
 #include "platform/files/HeldItems.h"
-#include "platform/foundation/LongPath.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include <fcntl.h>
 
 namespace mac {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/ItemIdentity.h"
-#include "platform/files/OpenItem.h"
+#include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/OpenItem.h"
 #include <list>
 #include <unordered_map>
 

@@ -1,8 +1,8 @@
 #include "platform/files/ItemReferences.h"
-#include "platform/files/FolderPlace.h"
 #include "platform/files/HeldItems.h"
-#include "platform/foundation/OpenItems.h"
-#include "platform/foundation/SymbolicLinks.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/SymbolicLinks.h"
+#include "platform/system/items/FolderPlace.h"
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/FSRef.h"
-#include "platform/files/OpenItem.h"
+#include "platform/system/items/OpenItem.h"
 #include <optional>
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/files/OpenItem.h"
+#include "platform/system/items/OpenItem.h"
 #include <functional>
 
 namespace mac {

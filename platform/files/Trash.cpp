@@ -1,12 +1,12 @@
 #include "platform/files/Trash.h"
-#include "platform/files/AppleDoubleFile.h"
 #include "platform/files/DirectorySizes.h"
-#include "platform/files/FolderPlace.h"
-#include "platform/files/MountTable.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
 #include "platform/files/TrashNames.h"
 #include "platform/files/TrashSteps.h"
+#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <cerrno>
 #include <climits>

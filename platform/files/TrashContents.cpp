@@ -1,13 +1,13 @@
-#include "platform/files/AppleDoubleFile.h"
 #include "platform/files/DirectorySizes.h"
-#include "platform/files/FolderDescent.h"
-#include "platform/files/FolderPlace.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
 #include "platform/files/TrashSteps.h"
-#include "platform/foundation/FolderContents.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/FolderPlace.h"
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
@@ -42,7 +42,7 @@ std::optional<TrashInformation> informationOf(TrashFolder const& trash, std::str
     FileDescriptor const open(
         ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!open.isOpen()) return std::nullopt;
-    Result<FileContents> const contents = readOpenFile(open, LargestInformation);
+    Result<FileContents, Failure> const contents = readOpenFile(open, LargestInformation);
     if (!contents.hasValue()) return std::nullopt;
     std::span<std::byte const> const bytes = contents.value().bytes;
     return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});

@@ -1,11 +1,11 @@
 #include "platform/files/TrashFolder.h"
-#include "platform/files/FolderPlace.h"
-#include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/LocalComputer.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/system/LocalComputer.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/XDGFolders.h"
+#include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "platform/files/TrashInformation.h"
-#include "platform/foundation/ASCII.h"
-#include "platform/foundation/PercentEscapes.h"
+#include "platform/system/ASCII.h"
+#include "platform/system/PercentEscapes.h"
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,9 +1,9 @@
-#include "platform/files/MountTable.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/FileDescriptor.h"
-#include "platform/foundation/FolderContents.h"
-#include "platform/foundation/LongPath.h"
-#include "platform/foundation/SymbolicLinks.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/SymbolicLinks.h"
+#include "platform/system/items/MountTable.h"
 #include <array>
 #include <climits>
 #include <cstdlib>
@@ -25,7 +25,7 @@ std::string canonical(std::string const& path) {
 }
 
 std::string contentsOf(std::string const& path) {
-    Result<FileContents> const contents = readFileAtPath(path, LongestAnswer);
+    Result<FileContents, Failure> const contents = readFileAtPath(path, LongestAnswer);
     if (!contents.hasValue()) return {};
     std::vector<std::byte> const& bytes = contents.value().bytes;
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};

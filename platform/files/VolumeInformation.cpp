@@ -2,7 +2,7 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/files/VolumeNumbers.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/system/LongPath.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <limits>

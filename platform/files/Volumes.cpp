@@ -1,8 +1,8 @@
 #include "platform/files/Volumes.h"
-#include "platform/files/MountTable.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <array>
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "platform/foundation/BundleInformation.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/LongPath.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/system/LongPath.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -60,10 +60,10 @@ FileState findFile(std::string_view bundlePath) {
     return state;
 }
 
-Result<NSDictionary> readInformation(std::string const& path, FileState& state) {
+Result<NSDictionary, Failure> readInformation(std::string const& path, FileState& state) {
     if (state.error != 0) return Failure{std::generic_category().message(state.error)};
-    Result<FileContents> const contents = readFileAtPath(path, kLargestFile);
-    if (!contents.hasValue()) return Failure{contents.reason()};
+    Result<FileContents, Failure> const contents = readFileAtPath(path, kLargestFile);
+    if (!contents.hasValue()) return Failure{contents.problem().reason};
     // Of what was read, not of what was found before.
     state.status = contents.value().status;
     NSString reason;
@@ -100,11 +100,11 @@ public:
 
         std::int64_t const start = now();
         std::string const path = pathOfPlace(bundlePath, state.place);
-        Result<NSDictionary> const information = readInformation(path, state);
+        Result<NSDictionary, Failure> const information = readInformation(path, state);
         bool const isTold = known && known->state == state;
         if (!information.hasValue() && !isTold)
             NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
-                  joinedLines(information.reason()));
+                  joinedLines(information.problem().reason));
         if (known) forget(m_entries.begin());
         NSDictionary const result = information.hasValue() ? information.value() : NSDictionary::dictionary();
         remember({std::string(bundlePath), state, start - state.status.modified > kNanosecondsToSettle, result});

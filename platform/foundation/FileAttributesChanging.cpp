@@ -1,9 +1,9 @@
-#include "platform/foundation/AccountNames.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/Users.h"
 #include <array>
 #include <cmath>
 #include <fcntl.h>
@@ -40,10 +40,12 @@ bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
 // By number, else by name; "unchanged" where the dictionary says neither,
 // nothing for a name that nobody has.
 std::optional<unsigned> account(NSNumber const& number, NSString const& name,
-                                std::optional<unsigned> (*numberOf)(NSString const&)) {
+                                std::optional<unsigned> (*numberOf)(std::string const&)) {
     constexpr unsigned unchanged = ~0U;
     if (!(number == nil)) return number.unsignedIntValue();
-    return name == nil ? unchanged : numberOf(name);
+    if (name == nil) return unchanged;
+    std::optional<std::string> const bytes = name.fileSystemRepresentation();
+    return bytes ? numberOf(*bytes) : std::nullopt;
 }
 
 bool changeOwners(FileDescriptor const& item, NSDictionary const& attributes) {

@@ -1,8 +1,8 @@
-#include "platform/foundation/AccountNames.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/FileDescriptor.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Users.h"
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -15,6 +15,10 @@ namespace {
 constexpr unsigned PermissionBits = 07777;
 
 NSNumber number(std::uint64_t value) { return NSNumber::numberWithUnsignedLongLong_(value); }
+
+NSString string(std::optional<std::string> const& bytes) {
+    return bytes ? NSString::stringWithFileSystemRepresentation_(*bytes) : NSString(nil);
+}
 
 NSString typeOf(unsigned mode) {
     switch (mode & S_IFMT) {
@@ -100,8 +104,8 @@ NSDictionary fileAttributesOf(FileDescriptor const& item) {
     attributes.setObject_forKey_(flagOf(status, STATX_ATTR_APPEND), NSFileAppendOnly);
     attributes.setObject_forKey_(NSNumber::numberWithBool_(NO), NSFileExtensionHidden);
     attributes.setObject_forKey_(dateOf(status.stx_mtime), NSFileModificationDate);
-    setIfKnown(attributes, nameOfUser(status.stx_uid), NSFileOwnerAccountName);
-    setIfKnown(attributes, nameOfGroup(status.stx_gid), NSFileGroupOwnerAccountName);
+    setIfKnown(attributes, string(nameOfUser(status.stx_uid)), NSFileOwnerAccountName);
+    setIfKnown(attributes, string(nameOfGroup(status.stx_gid)), NSFileGroupOwnerAccountName);
     setIfKnown(attributes, creationDateOf(item, status), NSFileCreationDate);
     if (S_ISCHR(status.stx_mode) || S_ISBLK(status.stx_mode))
         attributes.setObject_forKey_(number(makedev(status.stx_rdev_major, status.stx_rdev_minor)),

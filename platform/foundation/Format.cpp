@@ -1,10 +1,10 @@
 #include "platform/foundation/Format.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/FormatNumber.h"
 #include "platform/foundation/FormatOperand.h"
 #include "platform/foundation/StringBody.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <cstdlib>
 

@@ -1,7 +1,7 @@
 #include "platform/foundation/FormatOperand.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NumberText.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <cmath>
 

@@ -1,9 +1,9 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/Exceptions.h"
-#include "platform/foundation/FileWriting.h"
-#include "platform/foundation/LongPath.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/StringBody.h"
+#include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
 #include <algorithm>
 #include <cstring>
 
@@ -106,7 +106,7 @@ NSData NSData::dataWithBytes(std::span<std::byte const> bytes) {
 NSData NSData::dataWithContentsOfFile_(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes) return nil;
-    Result<FileContents> contents = readFileAtPath(*bytes, LargestFile);
+    Result<FileContents, Failure> contents = readFileAtPath(*bytes, LargestFile);
     return contents.hasValue() ? adopt<NSData>(contents.takeValue().bytes) : NSData(nil);
 }
 

@@ -1,10 +1,10 @@
 #include "platform/foundation/NSDirectoryEnumerator.h"
 #include "platform/foundation/EnumeratorBody.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/Method.h"
-#include "platform/foundation/OpenItems.h"
-#include "platform/foundation/TreeDescent.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/TreeDescent.h"
 
 namespace mac {
 

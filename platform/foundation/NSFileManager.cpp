@@ -1,13 +1,13 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/DisplayNameSource.h"
 #include "platform/foundation/FileAttributes.h"
-#include "platform/foundation/FileWriting.h"
-#include "platform/foundation/FolderContents.h"
-#include "platform/foundation/LongPath.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/foundation/OpenItems.h"
+#include "platform/system/FileWriting.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include <atomic>
 #include <fcntl.h>
 #include <memory>

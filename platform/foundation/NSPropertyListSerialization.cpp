@@ -21,24 +21,24 @@ Failure failureOfBothParsers(std::string const& ofXML, std::string const& ofOldS
     return {"XML parser error:\n\t" + ofXML + "\nOld-style plist parser error:\n\t" + ofOldStyle + "\n"};
 }
 
-Result<ReadList> readList(std::span<std::byte const> data, NSPropertyListMutabilityOptions option) {
+Result<ReadList, Failure> readList(std::span<std::byte const> data, NSPropertyListMutabilityOptions option) {
     if (data.empty()) return Failure{"Cannot parse a NULL or zero-length data"};
     if (data.size() > kPropertyListMaximumInput) return Failure{std::string(kPropertyListTooLarge)};
     if (isPropertyListBinary(data)) {
-        Result<id> const list = readPropertyListBinary(data, option);
+        Result<id, Failure> const list = readPropertyListBinary(data, option);
         if (list.hasValue()) return ReadList{list.value(), NSPropertyListBinaryFormat_v1_0};
-        return Failure{"Binary parser error:\n\t" + list.reason() + "\n"};
+        return Failure{"Binary parser error:\n\t" + list.problem().reason + "\n"};
     }
-    Result<std::u16string> const text = decodePropertyListText(data);
-    if (!text.hasValue()) return failureOfBothParsers(text.reason(), text.reason());
-    Result<id> const xml = readPropertyListXML(text.value(), option);
+    Result<std::u16string, Failure> const text = decodePropertyListText(data);
+    if (!text.hasValue()) return failureOfBothParsers(text.problem().reason, text.problem().reason);
+    Result<id, Failure> const xml = readPropertyListXML(text.value(), option);
     if (xml.hasValue()) return ReadList{xml.value(), NSPropertyListXMLFormat_v1_0};
-    Result<id> const oldStyle = readPropertyListOldStyle(text.value(), option);
+    Result<id, Failure> const oldStyle = readPropertyListOldStyle(text.value(), option);
     if (oldStyle.hasValue()) return ReadList{oldStyle.value(), NSPropertyListOpenStepFormat};
-    return failureOfBothParsers(xml.reason(), oldStyle.reason());
+    return failureOfBothParsers(xml.problem().reason, oldStyle.problem().reason);
 }
 
-Result<std::string> writeList(id const& propertyList, NSPropertyListFormat format) {
+Result<std::string, Failure> writeList(id const& propertyList, NSPropertyListFormat format) {
     if (format == NSPropertyListXMLFormat_v1_0) return writePropertyListXML(propertyList);
     if (format == NSPropertyListBinaryFormat_v1_0) return writePropertyListBinary(propertyList);
     if (format == NSPropertyListOpenStepFormat) return Failure{"Old-style property lists cannot be written"};
@@ -80,9 +80,9 @@ ClassDescription NSPropertyListSerialization::describeClass() {
 
 id NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
     NSData const& data, NSPropertyListMutabilityOptions option, NSPropertyListFormat* format, NSString* errorString) {
-    Result<ReadList> const read = readList(data.span(), option);
+    Result<ReadList, Failure> const read = readList(data.span(), option);
     if (!read.hasValue()) {
-        report(read.reason(), errorString);
+        report(read.problem().reason, errorString);
         return nil;
     }
     if (format) *format = read.value().format;
@@ -92,9 +92,9 @@ id NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_err
 NSData NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(id const& propertyList,
                                                                                   NSPropertyListFormat format,
                                                                                   NSString* errorString) {
-    Result<std::string> const written = writeList(propertyList, format);
+    Result<std::string, Failure> const written = writeList(propertyList, format);
     if (written.hasValue()) return NSData::dataWithBytes(std::as_bytes(std::span(written.value())));
-    report(written.reason(), errorString);
+    report(written.problem().reason, errorString);
     return nil;
 }
 

@@ -1,11 +1,11 @@
 #include "platform/foundation/NSScanner.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextSearch.h"
 #include "platform/foundation/URLParts.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <limits>
 

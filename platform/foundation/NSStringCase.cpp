@@ -1,6 +1,6 @@
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/StringBody.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>

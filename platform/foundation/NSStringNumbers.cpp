@@ -1,6 +1,6 @@
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NumberText.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <charconv>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/StringBody.h"
-#include "platform/foundation/SymbolicLinks.h"
-#include "platform/foundation/UserFolders.h"
+#include "platform/system/SymbolicLinks.h"
+#include "platform/system/Users.h"
 #include <algorithm>
 #include <vector>
 
@@ -72,6 +72,10 @@ std::u16string withoutPrivate(std::u16string path) {
 }
 
 } // namespace
+
+NSString NSHomeDirectory() { return NSString::stringWithFileSystemRepresentation_(ownHomeFolder()); }
+
+NSString NSUserName() { return NSString::stringWithFileSystemRepresentation_(ownUserName()); }
 
 NSString NSString::stringByExpandingTildeInPath() const {
     return *this == nil ? NSString(nil) : makeString(expanded(codeUnits()));

@@ -1,4 +1,3 @@
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/FoldedSearch.h"
@@ -6,6 +5,7 @@
 #include "platform/foundation/StringBody.h"
 #include "platform/foundation/TextSearch.h"
 #include "platform/foundation/UnitSearch.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 
 namespace mac {

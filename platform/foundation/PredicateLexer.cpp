@@ -1,7 +1,7 @@
 #include "platform/foundation/PredicateLexer.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,8 +1,8 @@
 #include "platform/foundation/PredicatePattern.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <unicode/uregex.h>
 

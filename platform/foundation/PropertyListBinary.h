@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSPropertyListSerialization.h"
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <cstddef>
 #include <span>
 #include <string>
@@ -14,10 +14,10 @@ bool isPropertyListBinary(std::span<std::byte const> data);
 
 // Objects that the file shares are shared by what is read, unless containers are to be mutable: then each place gets
 // its own. Keys are strings; sets, unique identifiers and nulls are refused. Reasons name the offset in the file.
-Result<id> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option);
+Result<id, Failure> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option);
 
 // Equal strings, numbers, dates and data are written once; keys in the order of their code units, so that equal lists
 // become equal bytes. Fails for dates that are no number.
-Result<std::string> writePropertyListBinary(id const& propertyList);
+Result<std::string, Failure> writePropertyListBinary(id const& propertyList);
 
 } // namespace mac

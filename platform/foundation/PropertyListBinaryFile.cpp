@@ -8,7 +8,7 @@
 
 namespace mac {
 
-Result<BinaryFile> BinaryFile::open(std::span<std::byte const> data) {
+Result<BinaryFile, Failure> BinaryFile::open(std::span<std::byte const> data) {
     if (data.size() < kBinaryHead.size() + kBinaryTrailerSize) return Failure{"The file is cut off"};
     // The second digit of the version says nothing about the layout.
     if (data[kBinaryMagic.size()] != std::byte{'0'}) return Failure{"The version of the file is not known"};

@@ -2,7 +2,7 @@
 
 #include "platform/foundation/Object.h"
 #include "platform/foundation/PropertyListBinaryFormat.h"
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <optional>
 #include <span>
 #include <string>
@@ -37,7 +37,7 @@ struct BinaryObject {
 class BinaryFile {
 public:
     // Fails when the trailer does not fit the file.
-    static Result<BinaryFile> open(std::span<std::byte const> data);
+    static Result<BinaryFile, Failure> open(std::span<std::byte const> data);
 
     std::size_t count() const { return m_count; }
     std::size_t top() const { return m_top; }

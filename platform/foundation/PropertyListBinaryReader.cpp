@@ -32,7 +32,7 @@ public:
     Reader(BinaryFile const& file, NSPropertyListMutabilityOptions option)
         : m_file(file), m_objects(option), m_seen(file.count()) {}
 
-    Result<id> read() {
+    Result<id, Failure> read() {
         std::string reason = visit(m_file.top());
         while (reason.empty() && !m_open.empty())
             reason = step();
@@ -142,9 +142,9 @@ bool isPropertyListBinary(std::span<std::byte const> data) {
     return bytes.starts_with(kBinaryMagic);
 }
 
-Result<id> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option) {
-    Result<BinaryFile> const file = BinaryFile::open(data);
-    if (!file.hasValue()) return Failure{file.reason()};
+Result<id, Failure> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option) {
+    Result<BinaryFile, Failure> const file = BinaryFile::open(data);
+    if (!file.hasValue()) return Failure{file.problem().reason};
     return Reader(file.value(), option).read();
 }
 

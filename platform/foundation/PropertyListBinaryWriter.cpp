@@ -76,7 +76,7 @@ std::string numberBytes(NSNumber const& number) {
 
 class Writer {
 public:
-    Result<std::string> write(id const& propertyList) {
+    Result<std::string, Failure> write(id const& propertyList) {
         if (!addObject(propertyList, 0)) return Failure{m_reason};
         return assemble();
     }
@@ -211,6 +211,6 @@ private:
 
 } // namespace
 
-Result<std::string> writePropertyListBinary(id const& propertyList) { return Writer().write(propertyList); }
+Result<std::string, Failure> writePropertyListBinary(id const& propertyList) { return Writer().write(propertyList); }
 
 } // namespace mac

@@ -13,7 +13,7 @@ class Reader {
 public:
     Reader(std::u16string_view text, NSPropertyListMutabilityOptions option) : m_scanner(text), m_builder(option) {}
 
-    Result<id> read() {
+    Result<id, Failure> read() {
         std::string reason = readRoot();
         while (reason.empty() && m_builder.container() != Container::None)
             reason = m_builder.container() == Container::Array ? readElement() : readPair();
@@ -36,8 +36,8 @@ private:
         // A lone string is the list; otherwise the text is the content of a dictionary, and read again as such.
         std::size_t const start = m_scanner.position();
         if (!m_scanner.isAtEnd()) {
-            Result<std::u16string> const string = m_scanner.readString();
-            if (!string.hasValue()) return string.reason();
+            Result<std::u16string, Failure> const string = m_scanner.readString();
+            if (!string.hasValue()) return string.problem().reason;
             if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
             if (m_scanner.isAtEnd()) return withLine(m_builder.addString(string.value()));
         }
@@ -51,12 +51,12 @@ private:
         if (m_scanner.accept(u'{')) return begin(Container::Dictionary);
         if (m_scanner.accept(u'(')) return begin(Container::Array);
         if (m_scanner.accept(u'<')) {
-            Result<std::vector<std::byte>> const data = m_scanner.readData();
-            return data.hasValue() ? withLine(m_builder.addData(data.value())) : data.reason();
+            Result<std::vector<std::byte>, Failure> const data = m_scanner.readData();
+            return data.hasValue() ? withLine(m_builder.addData(data.value())) : data.problem().reason;
         }
         if (!m_scanner.isAtString()) return m_scanner.unexpected("A value");
-        Result<std::u16string> const string = m_scanner.readString();
-        return string.hasValue() ? withLine(m_builder.addString(string.value())) : string.reason();
+        Result<std::u16string, Failure> const string = m_scanner.readString();
+        return string.hasValue() ? withLine(m_builder.addString(string.value())) : string.problem().reason;
     }
 
     std::string begin(Container container) {
@@ -95,8 +95,8 @@ private:
 
     std::string readKeyAndValue() {
         if (!m_scanner.isAtString()) return m_scanner.unexpected("A key or \"}\"");
-        Result<std::u16string> const key = m_scanner.readString();
-        if (!key.hasValue()) return key.reason();
+        Result<std::u16string, Failure> const key = m_scanner.readString();
+        if (!key.hasValue()) return key.problem().reason;
         if (std::string reason = withLine(m_builder.addKey(key.value())); !reason.empty()) return reason;
         if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
         if (m_scanner.peek() == u';') return withLine(m_builder.addString(key.value()));
@@ -115,7 +115,7 @@ private:
 
 } // namespace
 
-Result<id> readPropertyListOldStyle(std::u16string_view text, NSPropertyListMutabilityOptions option) {
+Result<id, Failure> readPropertyListOldStyle(std::u16string_view text, NSPropertyListMutabilityOptions option) {
     return Reader(text, option).read();
 }
 

@@ -83,7 +83,7 @@ bool OldStyleScanner::isAtString() const {
     return !isAtEnd() && (peek() == u'"' || peek() == u'\'' || isUnquoted(peek()));
 }
 
-Result<std::u16string> OldStyleScanner::readString() {
+Result<std::u16string, Failure> OldStyleScanner::readString() {
     if (peek() == u'"' || peek() == u'\'') return readQuoted();
     std::size_t const start = m_position;
     while (!isAtEnd() && isUnquoted(peek()))
@@ -91,7 +91,7 @@ Result<std::u16string> OldStyleScanner::readString() {
     return std::u16string(m_text.substr(start, m_position - start));
 }
 
-Result<std::u16string> OldStyleScanner::readQuoted() {
+Result<std::u16string, Failure> OldStyleScanner::readQuoted() {
     std::size_t const start = m_position;
     char16_t const quote = m_text[m_position++];
     std::u16string string;
@@ -137,7 +137,7 @@ std::u16string_view OldStyleScanner::readDigits(std::size_t most, bool (*isDigit
     return m_text.substr(start, m_position - start);
 }
 
-Result<std::vector<std::byte>> OldStyleScanner::readData() {
+Result<std::vector<std::byte>, Failure> OldStyleScanner::readData() {
     std::vector<std::byte> data;
     while (!isAtEnd()) {
         if (isBlank(peek())) {

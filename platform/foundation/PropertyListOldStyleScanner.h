@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -24,9 +24,9 @@ public:
     void setPosition(std::size_t position) { m_position = position; }
 
     bool isAtString() const;
-    Result<std::u16string> readString();
+    Result<std::u16string, Failure> readString();
     // Behind the opening "<", up to and with the closing ">".
-    Result<std::vector<std::byte>> readData();
+    Result<std::vector<std::byte>, Failure> readData();
 
     std::string failure(std::string_view reason) const { return failureAt(reason, m_position); }
     // Says what stands at the position where something else was expected.
@@ -34,7 +34,7 @@ public:
 
 private:
     std::string failureAt(std::string_view reason, std::size_t position) const;
-    Result<std::u16string> readQuoted();
+    Result<std::u16string, Failure> readQuoted();
     std::string readEscape(std::u16string& string);
     std::u16string_view readDigits(std::size_t most, bool (*isDigit)(char16_t));
 

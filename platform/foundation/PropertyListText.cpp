@@ -65,7 +65,7 @@ bool keepsASCII(UConverter* converter) {
     return unit == u'<' && (U_SUCCESS(status) || status == U_STRING_NOT_TERMINATED_WARNING);
 }
 
-Result<std::u16string> decode(std::string_view bytes, std::string const& encoding) {
+Result<std::u16string, Failure> decode(std::string_view bytes, std::string const& encoding) {
     UErrorCode status = U_ZERO_ERROR;
     Converter const converter(::ucnv_open(encoding.c_str(), &status));
     if (U_FAILURE(status) || !keepsASCII(converter.get()))
@@ -96,7 +96,7 @@ Result<std::u16string> decode(std::string_view bytes, std::string const& encodin
 
 } // namespace
 
-Result<std::u16string> decodePropertyListText(std::span<std::byte const> data) {
+Result<std::u16string, Failure> decodePropertyListText(std::span<std::byte const> data) {
     std::string_view const bytes(reinterpret_cast<char const*>(data.data()), data.size());
     if (bytes.starts_with("\xEF\xBB\xBF")) return decode(bytes.substr(3), "UTF-8");
     if (bytes.starts_with("\xFE\xFF")) return decode(bytes.substr(2), "UTF-16BE");

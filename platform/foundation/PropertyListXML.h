@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSPropertyListSerialization.h"
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <string>
 #include <string_view>
 
@@ -9,10 +9,10 @@ namespace mac {
 
 // The XML form. Text may be wrapped in a plist element or not; attributes and the document type's names do not matter.
 // Declarations of a document's own (entities, in short) are refused, and nothing outside the text is ever looked at.
-Result<id> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option);
+Result<id, Failure> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option);
 
 // UTF-8 text in the usual layout: tabs, keys in the order of their code units, equal lists as equal bytes. Fails for
 // what XML cannot carry: control characters, lone surrogates, dates before year 0 or after year 9999.
-Result<std::string> writePropertyListXML(id const& propertyList);
+Result<std::string, Failure> writePropertyListXML(id const& propertyList);
 
 } // namespace mac

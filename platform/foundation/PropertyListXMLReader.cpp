@@ -63,7 +63,7 @@ public:
         m_xml.setNamespaceProcessing(false);
     }
 
-    Result<id> read() {
+    Result<id, Failure> read() {
         while (m_reason.empty() && !m_xml.atEnd())
             readToken(m_xml.readNext());
         if (!m_reason.empty()) return Failure{m_reason};
@@ -175,7 +175,7 @@ private:
 
 } // namespace
 
-Result<id> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
+Result<id, Failure> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
     std::string const complaint = complaintAboutMarkup(text);
     if (!complaint.empty()) return Failure{complaint};
     return Reader(QString(reinterpret_cast<QChar const*>(text.data()), static_cast<qsizetype>(text.size())), option)

@@ -1,5 +1,5 @@
 #include "platform/foundation/PropertyListXMLValues.h"
-#include "platform/foundation/ASCII.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <bit>

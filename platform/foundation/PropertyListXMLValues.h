@@ -2,7 +2,7 @@
 
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/foundation/Result.h"
+#include "platform/system/Result.h"
 #include <cstddef>
 #include <optional>
 #include <span>

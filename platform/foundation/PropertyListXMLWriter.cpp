@@ -37,7 +37,7 @@ bool isTextOfXML(std::u16string_view units) {
 
 class Writer {
 public:
-    Result<std::string> write(id const& propertyList) {
+    Result<std::string, Failure> write(id const& propertyList) {
         m_text = kHead;
         if (!writeValue(propertyList, 0)) return Failure{m_reason};
         m_text += kTail;
@@ -166,6 +166,6 @@ private:
 
 } // namespace
 
-Result<std::string> writePropertyListXML(id const& propertyList) { return Writer().write(propertyList); }
+Result<std::string, Failure> writePropertyListXML(id const& propertyList) { return Writer().write(propertyList); }
 
 } // namespace mac

@@ -1,6 +1,6 @@
 #include "platform/foundation/TextFolding.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <array>
 #include <unicode/uchar.h>

@@ -1,9 +1,9 @@
 #include "platform/foundation/ValueOrder.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>

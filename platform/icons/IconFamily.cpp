@@ -1,5 +1,5 @@
 #include "platform/icons/IconFamily.h"
-#include "platform/foundation/BigEndian.h"
+#include "platform/system/BigEndian.h"
 #include <algorithm>
 
 namespace mac {

@@ -1,5 +1,5 @@
 #include "platform/icons/ResourceFork.h"
-#include "platform/foundation/BigEndian.h"
+#include "platform/system/BigEndian.h"
 
 namespace mac {
 

@@ -1,13 +1,13 @@
 #include "platform/launchservices/Applications.h"
+#include "platform/desktop/DesktopRoles.h"
 #include "platform/files/FSPaths.h"
 #include "platform/files/ItemReferences.h"
-#include "platform/foundation/ASCII.h"
-#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/BundleFiles.h"
-#include "platform/launchservices/DesktopRoles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
+#include "platform/system/ASCII.h"
+#include "platform/system/FolderContents.h"
 #include <algorithm>
 #include <functional>
 #include <memory>

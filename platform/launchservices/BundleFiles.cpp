@@ -1,7 +1,7 @@
 #include "platform/launchservices/BundleFiles.h"
-#include "platform/foundation/DesktopFolders.h"
-#include "platform/foundation/LongPath.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/XDGFolders.h"
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -71,7 +71,7 @@ std::vector<std::string> folderNames(std::string const& language) {
 } // namespace
 
 NSDictionary dictionaryInFile(std::string const& path) {
-    Result<FileContents> const contents = readFileAtPath(path, LargestFile);
+    Result<FileContents, Failure> const contents = readFileAtPath(path, LargestFile);
     if (!contents.hasValue()) return nil;
     id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
         NSData::dataWithBytes(contents.value().bytes), NSPropertyListImmutable, nullptr, nullptr);

@@ -1,10 +1,10 @@
 #include "platform/launchservices/ContentTypes.h"
-#include "platform/files/OpenItem.h"
+#include "platform/desktop/MIMETypes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/DiskItem.h"
-#include "platform/launchservices/MIMETypes.h"
 #include "platform/launchservices/TypeTree.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>

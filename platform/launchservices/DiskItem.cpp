@@ -1,8 +1,8 @@
 #include "platform/launchservices/DiskItem.h"
 #include "platform/files/CatalogFields.h"
 #include "platform/files/ItemReferences.h"
-#include "platform/files/OpenItem.h"
-#include "platform/foundation/ASCII.h"
+#include "platform/system/ASCII.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

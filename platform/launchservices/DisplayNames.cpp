@@ -1,8 +1,8 @@
 #include "platform/launchservices/DisplayNames.h"
+#include "platform/desktop/DesktopEntries.h"
 #include "platform/files/FSPaths.h"
 #include "platform/foundation/DisplayNameSource.h"
 #include "platform/launchservices/BundleFiles.h"
-#include "platform/launchservices/DesktopEntries.h"
 #include "platform/launchservices/DiskItem.h"
 
 namespace mac {

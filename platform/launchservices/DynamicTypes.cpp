@@ -1,6 +1,6 @@
-#include "platform/foundation/ASCII.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
+#include "platform/system/ASCII.h"
 #include <array>
 
 namespace mac {

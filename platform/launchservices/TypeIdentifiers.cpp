@@ -1,8 +1,8 @@
 #include "platform/launchservices/TypeIdentifiers.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
+#include "platform/system/ASCII.h"
 
 namespace mac {
 

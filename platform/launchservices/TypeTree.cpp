@@ -1,10 +1,10 @@
 #include "platform/launchservices/TypeTree.h"
-#include "platform/foundation/ASCII.h"
+#include "platform/desktop/MIMETypes.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
-#include "platform/launchservices/MIMETypes.h"
 #include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <mutex>
 #include <set>

@@ -1,9 +1,10 @@
 #include "platform/processes/Processes.h"
+#include "platform/desktop/FileBrowser.h"
+#include "platform/desktop/FrontProcess.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/processes/FileBrowser.h"
-#include "platform/processes/FrontProcess.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/processes/SerialNumbers.h"
+#include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 #include <bit>
 #include <chrono>

@@ -5,8 +5,8 @@
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
-#include "platform/spotlight/FolderPackages.h"
 #include "platform/spotlight/SearchPlan.h"
+#include "platform/system/walker/FolderPackages.h"
 #include <algorithm>
 #include <cstring>
 

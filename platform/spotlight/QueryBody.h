@@ -3,7 +3,7 @@
 #include "platform/foundation/NSTimer.h"
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/spotlight/NSMetadataQuery.h"
-#include "platform/spotlight/VolumeWalker.h"
+#include "platform/system/walker/VolumeWalker.h"
 #include <memory>
 #include <set>
 

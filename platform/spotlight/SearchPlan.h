@@ -2,7 +2,7 @@
 
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSPredicate.h"
-#include "platform/spotlight/VolumeWalker.h"
+#include "platform/system/walker/VolumeWalker.h"
 #include <optional>
 
 namespace mac {

@@ -3,7 +3,7 @@
 #include "platform/processes/Processes.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/app/Controller.h"
-#include "tests/finder/Desktop.h"
+#include "tests/platform/desktop/Desktop.h"
 #include "tests/support/Companion.h"
 #include "tests/support/OwnProcesses.h"
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "tests/finder/VirtualSession.h"
+#include "tests/platform/desktop/VirtualSession.h"
 #include "tests/support/CommandOutput.h"
 #include <csignal>
 #include <memory>

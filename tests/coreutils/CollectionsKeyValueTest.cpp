@@ -2,7 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/NSNumber.h"
-#include "tests/foundation/Parcel.h"
+#include "tests/platform/foundation/Parcel.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -1,7 +1,7 @@
 #include "coreutils/IconsAndImages.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/foundation/NSData.h"
-#include "tests/icons/IconBytes.h"
+#include "tests/platform/icons/IconBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 

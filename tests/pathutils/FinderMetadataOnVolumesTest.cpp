@@ -1,7 +1,7 @@
 #include "pathutils/FinderMetadata.h"
 #include "pathutils/PathRelations.h"
 #include "platform/launchservices/ItemInformation.h"
-#include "tests/foundation/LongFolder.h"
+#include "tests/platform/system/LongFolder.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"

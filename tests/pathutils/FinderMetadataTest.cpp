@@ -7,7 +7,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/FileReferences.h"
-#include "tests/icons/IconBytes.h"
+#include "tests/platform/icons/IconBytes.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"

@@ -1,7 +1,7 @@
 #include "scripting/FileReferences.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSFileAttributes.h"
-#include "tests/foundation/LongFolder.h"
+#include "tests/platform/system/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSURL.h"
 #include "scripting/ProcessesAndFinder.h"
-#include "tests/finder/Desktop.h"
+#include "tests/platform/desktop/Desktop.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -1,7 +1,7 @@
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/foundation/NSArray.h"
 #include "scripting/ProcessesAndFinder.h"
-#include "tests/finder/ThunarDesktop.h"
+#include "tests/platform/desktop/ThunarDesktop.h"
 
 namespace mac::test {
 namespace {

@@ -3,10 +3,10 @@
 #include "platform/applescript/Operators.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/desktop/FileBrowserProcess.h"
+#include "platform/desktop/FrontProcess.h"
 #include "platform/files/Volumes.h"
-#include "platform/finder/FileBrowserProcess.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/processes/FrontProcess.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

@@ -4,11 +4,11 @@
 #include "platform/applescript/TextComparison.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/HFSPaths.h"
-#include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/FolderContents.h"
-#include "platform/foundation/LongPath.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/ApplicationModel.h"
-#include "platform/files/ItemIdentity.h"
+#include "platform/system/items/ItemIdentity.h"
 
 namespace mac {
 struct DiskItem;

@@ -2,7 +2,7 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/files/OpenItem.h"
+#include "platform/system/items/OpenItem.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,13 +1,13 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/files/CatalogFields.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/ASCII.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
-#include "platform/foundation/PercentEscapes.h"
 #include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"
+#include "platform/system/ASCII.h"
+#include "platform/system/PercentEscapes.h"
 #include <cerrno>
 #include <sys/stat.h>
 

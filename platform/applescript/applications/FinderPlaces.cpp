@@ -1,14 +1,14 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/Terminology.h"
-#include "platform/files/FolderPlace.h"
-#include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/ASCII.h"
-#include "platform/foundation/DesktopFolders.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
 #include "platform/launchservices/DiskItem.h"
+#include "platform/system/ASCII.h"
+#include "platform/system/XDGFolders.h"
+#include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 
 namespace mac::applescript {

@@ -4,14 +4,14 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/ItemTransfer.h"
-#include "platform/files/OpenItem.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/AccountNames.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/LongPath.h"
-#include "platform/foundation/OpenItems.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/DisplayNames.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/Users.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -29,8 +29,8 @@ namespace mac::applescript {
 namespace {
 
 Value count(std::uint64_t number) { return Value::number(static_cast<double>(number)); }
-Value shown(NSString const& text) {
-    return text == nil ? Value::missing() : Value::text(std::u16string(text.codeUnits()));
+Value shown(std::optional<std::string> const& name) {
+    return name ? Value::text(unitsFromFileSystemBytes(*name)) : Value::missing();
 }
 
 std::u16string extensionOf(std::u16string_view name) {

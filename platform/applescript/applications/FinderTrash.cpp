@@ -3,9 +3,9 @@
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/HFSPaths.h"
-#include "platform/files/OpenItem.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/items/OpenItem.h"
 #include <cerrno>
 
 // The trash, and what is thrown into it.

@@ -1,9 +1,9 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/desktop/FileBrowserProcess.h"
+#include "platform/desktop/FileBrowserWindows.h"
 #include "platform/files/Trash.h"
-#include "platform/finder/FileBrowserProcess.h"
-#include "platform/finder/FileBrowserWindows.h"
 #include "platform/foundation/Encodings.h"
 #include <cerrno>
 

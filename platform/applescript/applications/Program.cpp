@@ -6,6 +6,7 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/events/EventSending.h"
 #include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/processes/SerialNumbers.h"
 #include <map>
 
 namespace mac::applescript {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/Application.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/system/processes/ProcessList.h"
 #include <span>
 
 // Other programs of this computer, as far as the system tells of them.

@@ -1,11 +1,12 @@
 #include "platform/applescript/applications/Program.h"
+#include "platform/desktop/DesktopApplication.h"
+#include "platform/desktop/KeyFile.h"
 #include "platform/foundation/Encodings.h"
-#include "platform/foundation/FolderContents.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
-#include "platform/processes/DesktopApplication.h"
-#include "platform/processes/DetachedProcess.h"
-#include "platform/processes/KeyFile.h"
+#include "platform/processes/SerialNumbers.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/processes/DetachedProcess.h"
 #include <algorithm>
 #include <unistd.h>
 

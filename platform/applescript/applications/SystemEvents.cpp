@@ -3,8 +3,8 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/foundation/AccountNames.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/Users.h"
 #include <pwd.h>
 #include <unistd.h>
 
@@ -43,10 +43,7 @@ private:
         std::string_view const name = about.substr(0, about.find(','));
         return name.empty() ? shortName() : unitsFromFileSystemBytes(name);
     }
-    static std::u16string shortName() {
-        NSString const name = nameOfUser(::getuid());
-        return name == nil ? std::u16string() : std::u16string(name.codeUnits());
-    }
+    static std::u16string shortName() { return unitsFromFileSystemBytes(nameOfUser(::getuid()).value_or("")); }
 };
 
 class SystemEventsRoot final : public ModelObject {

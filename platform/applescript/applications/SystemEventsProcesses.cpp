@@ -1,9 +1,10 @@
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/desktop/FrontProcess.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
-#include "platform/processes/FrontProcess.h"
-#include "platform/processes/ProcessList.h"
+#include "platform/processes/SerialNumbers.h"
+#include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 
 // The running processes.

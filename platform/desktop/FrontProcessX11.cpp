@@ -1,0 +1,56 @@
+#include "platform/desktop/FrontProcess.h"
+#include "platform/desktop/X11Display.h"
+#include <algorithm>
+#include <array>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+std::string hostName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : "";
+}
+
+// A window says its process's ID and on which computer that runs. The ID is of use on this one only.
+std::optional<std::int32_t> processOf(X11Display const& display, std::uint32_t window) {
+    std::vector<std::uint32_t> const pid = display.numbers(window, "_NET_WM_PID");
+    if (pid.empty() || pid[0] == 0 || pid[0] > INT32_MAX) return std::nullopt;
+    std::string const computer = display.text(window, "WM_CLIENT_MACHINE");
+    if (!computer.empty() && computer != hostName()) return std::nullopt;
+    return static_cast<std::int32_t>(pid[0]);
+}
+
+// From the topmost to the lowest.
+std::vector<std::uint32_t> windowsOf(X11Display const& display) {
+    std::vector<std::uint32_t> windows = display.numbers(display.rootWindow(), "_NET_CLIENT_LIST_STACKING");
+    if (windows.empty()) windows = display.numbers(display.rootWindow(), "_NET_CLIENT_LIST");
+    std::ranges::reverse(windows);
+    return windows;
+}
+
+} // namespace
+
+std::optional<std::int32_t> frontProcessID() {
+    std::unique_ptr<X11Display> const display = X11Display::open();
+    if (!display) return std::nullopt;
+    std::vector<std::uint32_t> const window = display->numbers(display->rootWindow(), "_NET_ACTIVE_WINDOW");
+    if (window.empty() || window[0] == 0) return std::nullopt;
+    return processOf(*display, window[0]);
+}
+
+bool bringToFront(std::int32_t pid) {
+    std::unique_ptr<X11Display> const display = X11Display::open();
+    if (!display) return false;
+    for (std::uint32_t const window : windowsOf(*display)) {
+        if (processOf(*display, window) != pid) continue;
+        // As a pager asks, on the user's behalf: what a program asks for itself is often only hinted at.
+        constexpr std::uint32_t fromPager = 2;
+        constexpr std::uint32_t now = 0;
+        return display->tellWindowManager(window, "_NET_ACTIVE_WINDOW", {fromPager, now, 0, 0, 0});
+    }
+    return false;
+}
+
+} // namespace mac

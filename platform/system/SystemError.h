@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+namespace mac {
+
+// Why the system refused: what was tried, on what, and the system's own code. A value; any thread.
+struct SystemError {
+    // An errno value; 0 only if nothing was tried.
+    int code{0};
+    // The system call or step, such as "open" or "rename"; a literal.
+    char const* operation{""};
+    // What it was tried on: a path or a name in bytes, as far as it is known there.
+    std::string item{};
+
+    bool is(int errorNumber) const { return code == errorNumber; }
+    // In UTF-8, for people: "rename of “notes.txt”: Permission denied".
+    std::string text() const;
+};
+
+// The error of the system call on the line above it, which has just set errno.
+SystemError lastSystemError(char const* operation, std::string item = {});
+
+// A code's text in UTF-8, in the program's language: "Permission denied".
+std::string textOfSystemError(int code);
+
+} // namespace mac

@@ -1,0 +1,61 @@
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/items/ItemIdentity.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+
+namespace mac {
+
+namespace {
+
+constexpr unsigned Wanted = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BTIME;
+
+std::optional<IdentifiedItem> identifyAt(int folder, char const* name, int flags) {
+    struct statx status {};
+    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, Wanted, &status) != 0) return std::nullopt;
+    IdentifiedItem item;
+    item.identity = identityOf(status);
+    item.isFolder = S_ISDIR(status.stx_mode);
+    item.isRemoved = status.stx_nlink == 0;
+    return item;
+}
+
+} // namespace
+
+ItemIdentity identityOf(struct statx const& status) {
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    ItemIdentity identity{.device = makedev(status.stx_dev_major, status.stx_dev_minor), .inode = status.stx_ino};
+    if ((status.stx_mask & STATX_BTIME) != 0)
+        identity.birth = status.stx_btime.tv_sec * nanoseconds + status.stx_btime.tv_nsec;
+    return identity;
+}
+
+std::size_t ItemIdentityHash::operator()(ItemIdentity const& identity) const {
+    std::uint64_t hash = identity.inode * 0x9E3779B97F4A7C15U;
+    hash = (hash ^ identity.device ^ static_cast<std::uint64_t>(identity.birth)) * 0x9E3779B97F4A7C15U;
+    return hash ^ hash >> 32;
+}
+
+std::optional<IdentifiedItem> identify(FileDescriptor const& item) {
+    return identifyAt(item.number(), "", AT_EMPTY_PATH);
+}
+
+std::optional<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name) {
+    return identifyAt(folder.number(), name.c_str(), 0);
+}
+
+bool isItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item) {
+    std::optional<IdentifiedItem> const found = identify(folder, name);
+    if (!found) return false;
+    if (found->identity == item) return true;
+    errno = ESTALE;
+    return false;
+}
+
+bool isItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
+    std::optional<IdentifiedItem> const expected = identify(item);
+    return expected && isItemInFolder(folder, name, expected->identity);
+}
+
+} // namespace mac

@@ -1,0 +1,48 @@
+#include "platform/system/walker/FolderReader.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace mac {
+
+namespace {
+
+constexpr std::size_t bufferSize = 65'536;
+constexpr std::size_t nameOffset = offsetof(dirent64, d_name);
+
+// The length of an entry pads its name with at most eight zero bytes, so only those are searched for the end.
+std::string_view nameOf(dirent64 const& entry) {
+    std::size_t const room = entry.d_reclen - nameOffset;
+    std::size_t const certain = room > sizeof(std::uint64_t) ? room - sizeof(std::uint64_t) : 0;
+    return {entry.d_name, certain + ::strnlen(entry.d_name + certain, room - certain)};
+}
+
+} // namespace
+
+FolderReader::FolderReader() : m_buffer(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+
+FolderReader::Fill FolderReader::fill(OpenFolder const& folder) {
+    ssize_t const count = ::getdents64(folder.descriptor(), m_buffer.get(), bufferSize);
+    m_position = 0;
+    m_filled = count > 0 ? static_cast<std::size_t>(count) : 0;
+    if (count < 0) return Fill::Failed;
+    return count == 0 ? Fill::End : Fill::Some;
+}
+
+std::optional<std::string_view> FolderReader::nextSubfolder(OpenFolder const& folder) {
+    while (m_position < m_filled) {
+        auto const& entry = *reinterpret_cast<dirent64 const*>(m_buffer.get() + m_position);
+        m_position += entry.d_reclen;
+        if (entry.d_type != DT_DIR && entry.d_type != DT_UNKNOWN) continue;
+        std::string_view const name = nameOf(entry);
+        if (name == "." || name == "..") continue;
+        if (entry.d_type == DT_DIR || factsInside(folder, entry.d_name).isFolder) return name;
+    }
+    return std::nullopt;
+}
+
+bool FolderReader::hadRoomLeft() const { return bufferSize - m_filled > sizeof(dirent64); }
+
+} // namespace mac

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/system/BytePath.h"
+#include "platform/system/walker/OpenFolder.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mac {
+
+// What holds for all folders of a volume.
+struct VolumeTraits {
+    std::uint64_t mount = 0;               // as FolderFacts tells it
+    bool linkCountTellsSubfolders = false; // see LeafRule.h
+};
+
+// How far one folder has been read. Its descriptor may have been given up; then the rest serves to go on later.
+struct FolderState {
+    OpenFolder folder;
+    FolderIdentity identity;
+    std::int64_t position = 0;               // where reading goes on, while it is not open
+    std::optional<std::uint32_t> subfolders; // by the leaf rule
+    std::uint32_t subfoldersSeen = 0;
+    bool isRead = false; // all subfolders were seen
+    bool holdsMountPoints = false;
+};
+
+// Work that one thread hands to another: the whole of a volume, or subfolders of a folder with their descendants.
+struct FolderShare {
+    std::string path;
+    bool isVolumeRoot = false; // `traits` holds the mount alone, `state` and `names` nothing yet
+    VolumeTraits traits;
+    FolderState state;
+    std::string names; // of the subfolders, each with a zero byte behind it
+};
+
+// The folders on the way down to where a thread is in the tree, each with those of its subfolders that are still to be
+// visited. Owned by that thread. It keeps one path and one heap of names for all, so that depth costs little, and at
+// most `openLimit` folders open: beyond that the uppermost are closed, to be opened by path when their turn comes.
+class FolderStack {
+public:
+    explicit FolderStack(std::size_t openLimit);
+
+    bool isEmpty() const { return m_levels.empty(); }
+    void begin(FolderShare&& share); // the stack is empty
+    void push(std::string_view name, FolderState&& state);
+    void pop();
+    void clear();
+
+    FolderState& top() { return m_levels.back().state; }
+    std::string_view path() const { return m_path; } // of the top folder
+    // Opens the top folder if it is not open. False with errno when that fails or another folder has its path now.
+    bool openTop();
+    void closeAllButTop();
+
+    // Subfolders of the top folder, to be visited in this order.
+    void addName(std::string_view name);
+    std::size_t nameBytesWaiting() const { return m_levels.back().namesEnd - m_levels.back().nextName; }
+    char const* nextName(); // nullptr after the last; valid until a name is added
+
+    // Takes away what another thread may do: the uppermost folder that has work left, or half of the names of the only
+    // one. Nothing when there is too little.
+    std::optional<FolderShare> split(VolumeTraits const& traits);
+
+private:
+    struct Level {
+        FolderState state;
+        std::size_t pathLength = 0;
+        std::size_t firstName = 0; // this and the next two: offsets in m_names
+        std::size_t nextName = 0;
+        std::size_t namesEnd = 0;
+    };
+
+    bool hasWork(Level const& level) const { return level.nextName < level.namesEnd || !level.state.isRead; }
+    FolderShare shareOf(Level const& level, VolumeTraits const& traits, std::size_t firstName) const;
+    std::size_t startOfSecondHalf(Level const& level) const;
+    static void giveUpDescriptor(FolderState& state);
+
+    std::size_t const m_openLimit;
+    std::vector<Level> m_levels;
+    std::size_t m_firstOpen = 0; // all levels above in the tree are closed
+    std::string m_path;
+    std::string m_names;
+};
+
+} // namespace mac

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/system/walker/MountPointSet.h"
+#include "platform/system/walker/PackageRule.h"
+#include "platform/system/walker/VolumeWalker.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mac {
+
+class MountTable;
+
+// Where a folder lies that a walk is to start from.
+struct WalkRoot {
+    std::string path;          // as it was asked for, and as what is found in it is named
+    std::string canonicalPath; // absolute, without links
+    std::uint64_t mount = 0;   // 0: not known
+    bool isLink = false;
+};
+
+// A folder to be walked without crossing into another mount.
+struct Volume {
+    std::string path;
+    std::uint64_t mount = 0; // 0: not known
+};
+
+// What a walk is to visit, such that nothing is visited twice.
+struct VolumeList {
+    std::vector<Volume> volumes;
+    std::vector<std::string> packages; // roots that are packages themselves
+    MountPointSet mountPoints;         // below the roots
+    std::vector<UnreadableFolder> failures;
+};
+
+// What is to be visited for these roots, each on whatever file system it lies, and with all local volumes mounted below
+// it; `onlyLocal` drops the roots that are not local themselves. A folder that can be reached through several of them,
+// by a bind mount or a second mount of its device or from a root within another, is left to the one that reaches most,
+// else to the first.
+VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
+                         MountTable const& mounts);
+
+// The same for paths; none means all local volumes. A path that leads to no folder becomes a failure.
+VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages);
+
+} // namespace mac

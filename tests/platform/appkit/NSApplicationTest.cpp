@@ -1,0 +1,244 @@
+#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/ApplicationEvents.h"
+#include "platform/appkit/DisplayConnection.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/processes/Processes.h"
+#include "tests/platform/appkit/LoadedWindow.h"
+#include "tests/support/TemporaryFolder.h"
+#include <QTest>
+#include <QTimer>
+#include <QWindow>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+void unsetDisplays() {
+    for (char const* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        ::unsetenv(name);
+}
+
+[[noreturn]] void runProgram() {
+    static char name[] = "program";
+    static char* arguments[]{name, nullptr};
+    std::_Exit(NSApplicationMain(1, arguments));
+}
+
+class NSApplicationDeathTest : public testing::Test {
+protected:
+    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+};
+
+TEST_F(NSApplicationDeathTest, EndsWithALineWhenNoDisplayIsSet) {
+    EXPECT_EXIT(
+        {
+            unsetDisplays();
+            runProgram();
+        },
+        testing::ExitedWithCode(1), "^Cannot open a window: there is no display.*\n$");
+}
+
+TEST_F(NSApplicationDeathTest, EndsWithALineWhenNobodyIsAtTheDisplay) {
+    EXPECT_EXIT(
+        {
+            unsetDisplays();
+            ::setenv("DISPLAY", ":4217", 1);
+            runProgram();
+        },
+        testing::ExitedWithCode(1), "^Cannot open a window: the display :4217 cannot be used\\.\n$");
+}
+
+// Listens where an X server of that display would, and says nothing.
+class SilentDisplay {
+public:
+    SilentDisplay() {
+        for (m_number = 4300; m_number < 4400 && !listenAt(m_number); ++m_number) {}
+    }
+    ~SilentDisplay() { ::close(m_socket); }
+    std::string name() const { return ":" + std::to_string(m_number); }
+
+private:
+    bool listenAt(int number) {
+        m_socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::string const path = "/tmp/.X11-unix/X" + std::to_string(number);
+        // An abstract name: nothing is left on the disk.
+        path.copy(address.sun_path + 1, path.size());
+        auto const length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + path.size());
+        if (::bind(m_socket, reinterpret_cast<sockaddr const*>(&address), length) == 0 && ::listen(m_socket, 8) == 0)
+            return true;
+        ::close(m_socket);
+        return false;
+    }
+
+    int m_socket{-1};
+    int m_number;
+};
+
+[[noreturn]] void connectToSilentDisplay() {
+    SilentDisplay const display;
+    unsetDisplays();
+    ::setenv("DISPLAY", display.name().c_str(), 1);
+    ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    static char name[] = "program";
+    static char* arguments[]{name, nullptr};
+    int count = 1;
+    connectToDisplay(count, arguments, std::chrono::milliseconds(200));
+    std::_Exit(0);
+}
+
+TEST_F(NSApplicationDeathTest, EndsWithALineWhenTheDisplayDoesNotAnswer) {
+    EXPECT_EXIT(connectToSilentDisplay(), testing::ExitedWithCode(1), "Cannot open a window: .*does not answer");
+}
+
+TEST_F(NSApplicationDeathTest, EndsWithALineForAPlatformThatDoesNotExist) {
+    EXPECT_EXIT(
+        {
+            unsetDisplays();
+            ::setenv("QT_QPA_PLATFORM", "steeringwheel", 1);
+            runProgram();
+        },
+        testing::ExitedWithCode(1), "Cannot open a window: the display \\(QT_QPA_PLATFORM is steeringwheel\\)");
+}
+
+TEST_F(NSApplicationDeathTest, EndsWithALineWithoutAMainInterfaceFile) {
+    EXPECT_EXIT(
+        {
+            unsetDisplays();
+            ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+            runProgram();
+        },
+        testing::ExitedWithCode(1), "NSMainNibFile");
+}
+
+// A delegate that answers what it is told to.
+class Delegate : public Handle<Delegate, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        bool answer{false};
+        int asked{0};
+    };
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "Delegate",
+                .superclass = classOf<NSObject>(),
+                .methods = {method<&Delegate::applicationShouldTerminateAfterLastWindowClosed_>(
+                    "applicationShouldTerminateAfterLastWindowClosed:")}};
+    }
+    bool applicationShouldTerminateAfterLastWindowClosed_(id const&) const {
+        ++bodyOf(*this)->asked;
+        return bodyOf(*this)->answer;
+    }
+};
+
+TEST(NSApplication, EndsAfterTheLastWindowWhenTheDelegateSaysSo) {
+    LoadedWindow const window;
+    Delegate const delegate = adopt<Delegate>();
+    bodyOf(delegate)->answer = true;
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(delegate);
+    QTimer::singleShot(0, [&] { window.file().window().close(); });
+    application.run();
+    EXPECT_EQ(bodyOf(delegate)->asked, 1);
+    EXPECT_FALSE(window.file().window().isVisible());
+}
+
+TEST(NSApplication, GoesOnAfterTheLastWindowWhenTheDelegateSaysNo) {
+    LoadedWindow const window;
+    Delegate const delegate = adopt<Delegate>();
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(delegate);
+    int later = 0;
+    QTimer::singleShot(0, [&] {
+        window.file().window().close();
+        QTimer::singleShot(0, [&] {
+            ++later;
+            application.terminate_(nil);
+        });
+    });
+    application.run();
+    EXPECT_EQ(bodyOf(delegate)->asked, 1);
+    EXPECT_EQ(later, 1);
+}
+
+OSStatus sendToItself(AEEventID eventID) { return sendEvent({0, kCurrentProcess}, kCoreEventClass, eventID); }
+
+// Counts the notifications of an application's end.
+class EndListener : public Handle<EndListener, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        int ends{0};
+    };
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "EndListener",
+                .superclass = classOf<NSObject>(),
+                .methods = {method<&EndListener::applicationEnds_>("applicationEnds:")}};
+    }
+    void applicationEnds_(id const&) const { ++bodyOf(*this)->ends; }
+};
+
+// What becomes of a program that is asked to quit while its window is open.
+void askToQuit(BOOL delegateEndsIt) {
+    LoadedWindow const window;
+    Delegate const delegate = adopt<Delegate>();
+    bodyOf(delegate)->answer = bool(delegateEndsIt);
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(delegate);
+    EndListener const listener = adopt<EndListener>();
+    NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(
+        listener, "applicationEnds:", NSApplicationWillTerminateNotification, nil);
+    installApplicationEvents();
+    bool wasOpenAtReply = false;
+    QTimer::singleShot(0, [&] {
+        EXPECT_EQ(sendToItself(kAEQuitApplication), noErr);
+        wasOpenAtReply = window.file().window().isVisible();
+    });
+    application.run();
+    EXPECT_TRUE(wasOpenAtReply);
+    EXPECT_FALSE(window.file().window().isVisible());
+    EXPECT_EQ(bodyOf(delegate)->asked, 1);
+    EXPECT_EQ(bodyOf(listener)->ends, 1);
+    NSNotificationCenter::defaultCenter().removeObserver_(listener);
+}
+
+TEST(NSApplication, RepliesAndThenQuitsWhenAskedTo) {
+    askToQuit(YES);
+    askToQuit(NO);
+}
+
+TEST(NSApplication, IsOpenedAndComesToTheFrontWhenItIsOpenedAgain) {
+    LoadedWindow const window;
+    installApplicationEvents();
+    window.file().window().makeKeyAndOrderFront_(nil);
+    // In front of it, as another program's would be.
+    QWindow other;
+    other.show();
+    other.requestActivate();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    EXPECT_EQ(sendToItself(kAEOpenApplication), noErr);
+    EXPECT_FALSE(window.widget()->isActiveWindow());
+    EXPECT_EQ(sendToItself(kAEReopenApplication), noErr);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.widget()));
+    EXPECT_EQ(sendToItself(AEEventID("odoc")), errAEEventNotHandled);
+}
+
+TEST(NSApplication, DoesNotKeepItsDelegateAlive) {
+    needApplication();
+    NSApplication const application = NSApplication::sharedApplication();
+    application.setDelegate_(adopt<Delegate>());
+    EXPECT_TRUE(application.delegate() == nil);
+}
+
+} // namespace
+} // namespace mac::test

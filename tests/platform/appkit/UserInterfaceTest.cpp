@@ -1,0 +1,207 @@
+#include "platform/foundation/UserInterface.h"
+#include "platform/appkit/NSApplication.h"
+#include "tests/platform/appkit/LoadedWindow.h"
+#include <QApplication>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+UserInterface& interface() {
+    needApplication();
+    NSApplication::sharedApplication();
+    return *userInterface();
+}
+
+// What a person does once the dialog is there.
+template <class Function>
+void answer(Function function) {
+    QTimer::singleShot(0, [function] { function(*qobject_cast<QDialog*>(QApplication::activeModalWidget())); });
+}
+
+QPushButton* buttonNamed(QDialog const& dialog, QString const& name) {
+    for (QPushButton* const button : dialog.findChildren<QPushButton*>())
+        if (button->text() == name) return button;
+    return nullptr;
+}
+
+DialogRequest request() {
+    return {.text = u"<b>a</b>", .buttons = {u"Cancel", u"OK"}, .defaultButton = 1, .cancelButton = 0};
+}
+
+TEST(UserInterface, ADialogAnswersTheButtonThatIsClicked) {
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "OK")->click(); });
+    EXPECT_EQ(interface().runDialog(request()).button, 1U);
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "Cancel")->click(); });
+    EXPECT_EQ(interface().runDialog(request()).button, 0U);
+}
+
+TEST(UserInterface, ReturnIsTheDefaultButtonAndEscapeTheOneThatCancels) {
+    answer([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
+    EXPECT_EQ(interface().runDialog(request()).button, 1U);
+    answer([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(interface().runDialog(request()).button, 0U);
+}
+
+TEST(UserInterface, ReturnIsNoButtonWhereNoneIsTheDefault) {
+    DialogRequest asked = request();
+    asked.buttons = {u"Delete", u"Keep", u"Later"};
+    asked.defaultButton.reset();
+    asked.cancelButton.reset();
+    answer([](QDialog& dialog) {
+        QTest::keyClick(&dialog, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        if (QWidget* const button = dialog.focusWidget()) QTest::keyClick(button, Qt::Key_Return);
+        EXPECT_TRUE(dialog.isVisible());
+        buttonNamed(dialog, "Later")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 2U);
+}
+
+TEST(UserInterface, TheButtonsStandInTheirOrder) {
+    DialogRequest asked = request();
+    asked.buttons = {u"Delete", u"Keep", u"Cancel"};
+    asked.defaultButton = 0;
+    asked.cancelButton = 1;
+    answer([](QDialog const& dialog) {
+        int const first = buttonNamed(dialog, "Delete")->x();
+        int const second = buttonNamed(dialog, "Keep")->x();
+        EXPECT_LT(first, second);
+        EXPECT_LT(second, buttonNamed(dialog, "Cancel")->x());
+        buttonNamed(dialog, "Cancel")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 2U);
+}
+
+TEST(UserInterface, ADialogShowsTextAsItIs) {
+    QString shown;
+    Qt::TextFormat format = Qt::AutoText;
+    answer([&](QDialog& dialog) {
+        shown = qobject_cast<QMessageBox*>(&dialog)->text();
+        format = qobject_cast<QMessageBox*>(&dialog)->textFormat();
+        dialog.reject();
+    });
+    interface().runDialog(request());
+    EXPECT_EQ(shown, "<b>a</b>");
+    EXPECT_EQ(format, Qt::PlainText);
+}
+
+TEST(UserInterface, ADialogTakesAnAnswer) {
+    DialogRequest asked = request();
+    asked.answer = u"x";
+    asked.hidesAnswer = true;
+    QLineEdit::EchoMode mode = QLineEdit::Normal;
+    answer([&](QDialog const& dialog) {
+        auto* const field = dialog.findChild<QLineEdit*>();
+        mode = field->echoMode();
+        field->setText(field->text() + "yz");
+        buttonNamed(dialog, "OK")->click();
+    });
+    EXPECT_EQ(interface().runDialog(asked).answer, u"xyz");
+    EXPECT_EQ(mode, QLineEdit::Password);
+}
+
+void expectFieldBetweenTextAndButtons(QDialog const& dialog) {
+    auto const placeOf = [&](QWidget const& widget) { return QRect(widget.mapTo(&dialog, QPoint()), widget.size()); };
+    QRect const text = placeOf(*dialog.findChild<QLabel*>("qt_msgbox_informativelabel"));
+    QRect const field = placeOf(*dialog.findChild<QLineEdit*>());
+    EXPECT_LE(text.bottom(), field.top());
+    EXPECT_LE(field.bottom(), placeOf(*buttonNamed(dialog, "OK")).top());
+    EXPECT_EQ(field.left(), text.left());
+}
+
+TEST(UserInterface, TheAnswerIsTypedAboveTheButtons) {
+    DialogRequest asked = request();
+    asked.details = u"b";
+    asked.icon = DialogRequest::Icon::Note;
+    asked.answer = u"x";
+    answer([](QDialog& dialog) {
+        expectFieldBetweenTextAndButtons(dialog);
+        // The desktop's style changes, and the dialog is laid out anew.
+        QEvent change(QEvent::StyleChange);
+        QApplication::sendEvent(&dialog, &change);
+        QApplication::processEvents();
+        expectFieldBetweenTextAndButtons(dialog);
+        QTest::keyClicks(dialog.focusWidget(), "yz");
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    });
+    DialogOutcome const outcome = interface().runDialog(asked);
+    EXPECT_EQ(outcome.answer, u"yz") << "what stands there is selected, and so replaced";
+    EXPECT_EQ(outcome.button, 1U);
+}
+
+TEST(UserInterface, ADialogGoesByItselfWhenItsTimeIsOver) {
+    DialogRequest asked = request();
+    asked.seconds = 0.001;
+    EXPECT_FALSE(interface().runDialog(asked).button);
+}
+
+TEST(UserInterface, ADialogMayStayForYears) {
+    DialogRequest asked = request();
+    // In milliseconds 4 more than there are numbers of 32 bits.
+    asked.seconds = 4294967.3;
+    answer([](QDialog const& dialog) {
+        constexpr int later = 40;
+        QTimer::singleShot(later, &dialog, [&dialog] { buttonNamed(dialog, "OK")->click(); });
+    });
+    EXPECT_EQ(interface().runDialog(asked).button, 1U);
+}
+
+TEST(UserInterface, ADialogThatEndsWithTheProgramIsNotAnswered) {
+    DialogRequest const asked{.text = u"a", .buttons = {u"Delete", u"Keep"}, .defaultButton = 1};
+    UserInterface& screen = interface();
+    std::vector<DialogOutcome> outcomes;
+    QTimer::singleShot(0, [&] {
+        answer([](QDialog const&) { NSApplication::sharedApplication().terminate_(nil); });
+        outcomes.push_back(screen.runDialog(asked));
+        // While the program ends, nobody is there to answer another one.
+        outcomes.push_back(screen.runDialog(request()));
+    });
+    NSApplication::sharedApplication().run();
+    ASSERT_EQ(outcomes.size(), 2U);
+    EXPECT_FALSE(outcomes[0].button);
+    EXPECT_FALSE(outcomes[1].button);
+}
+
+ListRequest listRequest() { return {.text = u"which", .items = {u"a", u"b", u"c"}, .acceptButton = u"Go"}; }
+
+TEST(UserInterface, AListAnswersWhatIsChosen) {
+    ListRequest asked = listRequest();
+    asked.allowsSeveral = true;
+    asked.chosen = {2};
+    answer([](QDialog const& dialog) {
+        dialog.findChild<QListWidget*>()->item(0)->setSelected(true);
+        buttonNamed(dialog, "Go")->click();
+    });
+    EXPECT_EQ(interface().chooseFromList(asked), (std::vector<std::size_t>{0, 2}));
+}
+
+TEST(UserInterface, AListMustBeAnsweredOrCanceled) {
+    bool isEnabled = true;
+    answer([&](QDialog& dialog) {
+        isEnabled = buttonNamed(dialog, "Go")->isEnabled();
+        dialog.reject();
+    });
+    EXPECT_FALSE(interface().chooseFromList(listRequest()));
+    EXPECT_FALSE(isEnabled);
+    ListRequest asked = listRequest();
+    asked.allowsNone = true;
+    answer([](QDialog const& dialog) { buttonNamed(dialog, "Go")->click(); });
+    EXPECT_EQ(interface().chooseFromList(asked), std::vector<std::size_t>());
+}
+
+TEST(UserInterface, TheClipboardIsTheDesktops) {
+    interface().setClipboardText(u"añ");
+    EXPECT_EQ(interface().clipboardText(), u"añ");
+}
+
+} // namespace
+} // namespace mac::test

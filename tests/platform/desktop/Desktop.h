@@ -1,0 +1,124 @@
+#pragma once
+
+#include "platform/desktop/FileBrowserService.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
+#include "tests/support/TemporaryFolder.h"
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace mac::test {
+
+// For what other programs do, which no source of the run loop tells; false when it takes a minute, which only a failure
+// does.
+inline bool waitUntil(std::function<bool()> const& condition) {
+    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
+    while (!condition()) {
+        if (end.timeIntervalSinceNow() < 0) return false;
+        NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode,
+                                                        NSDate::dateWithTimeIntervalSinceNow_(0.01));
+    }
+    return true;
+}
+
+// The program of FakeFileBrowser.cpp.
+std::string fakeFileBrowser();
+
+// The content types that the computer knows, and nothing else of what it has for all users.
+inline std::string const& folderWithContentTypes() {
+    static TemporaryFolder const folder;
+    static bool const isLinked = ::symlink("/usr/share/mime", folder.path("mime").c_str()) == 0;
+    EXPECT_TRUE(isLinked);
+    return folder.path();
+}
+
+// The command of a server that does not outlive a test that crashes: it gets the signal then.
+inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command,
+                                                      std::string const& signal = "KILL") {
+    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", signal};
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+}
+
+// A session bus of a test's own, on which nothing of the computer's can be started.
+class PrivateBus {
+public:
+    PrivateBus() : m_daemon(endingWithThisProcess({"dbus-daemon", "--session", "--nofork", "--print-address"})) {}
+
+    std::string const& address() const { return m_address; }
+
+private:
+    ChildProcess m_daemon;
+    std::string m_address{m_daemon.readLine()};
+};
+
+// A desktop of its own with what a test puts into it. Nothing of the computer's is seen.
+class Desktop {
+public:
+    TemporaryFolder const folder{};
+
+    std::string log() const { return folder.path("log"); }
+    std::string fake(std::string const& mode) const { return fakeFileBrowser() + " " + mode + " " + log(); }
+
+    // The default application for folders.
+    void install(std::string const& command, std::string const& rest = "") const {
+        folder.makeFile("data/applications/browser.desktop",
+                        "[Desktop Entry]\nName=Browser\nExec=" + command + "\n" + rest);
+        folder.makeFile("data/applications/mimeapps.list",
+                        "[Default Applications]\ninode/directory=browser.desktop\ntext/plain=editor.desktop\n");
+    }
+    // The same program as the service, and how the bus would start it.
+    void installService(std::string const& command) const {
+        folder.makeFile("data/dbus-1/services/browser.service",
+                        "[D-BUS Service]\nName=org.freedesktop.FileManager1\nExec=" + command + "\n");
+    }
+
+    std::vector<std::string> lines() const {
+        std::ifstream file(log());
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(file, line);)
+            lines.push_back(line);
+        return lines;
+    }
+    // Waits for what a program that nobody waits for is to write.
+    std::vector<std::string> lines(std::size_t count) const {
+        waitUntil([&] { return lines().size() >= count; });
+        return lines();
+    }
+
+    // Empty where there is none.
+    std::string lastLine() const {
+        std::vector<std::string> const all = lines();
+        return all.empty() ? "" : all.back();
+    }
+
+private:
+    EnvironmentVariable const m_data{"XDG_DATA_HOME", folder.path("data")};
+    EnvironmentVariable const m_dataFolders{"XDG_DATA_DIRS", folderWithContentTypes()};
+    EnvironmentVariable const m_config{"XDG_CONFIG_HOME", folder.path("config")};
+    EnvironmentVariable const m_configFolders{"XDG_CONFIG_DIRS", folder.path("none")};
+    EnvironmentVariable const m_display{"DISPLAY", ":of-nobody"};
+    EnvironmentVariable const m_wayland{"WAYLAND_DISPLAY", ""};
+    EnvironmentVariable const m_home{"HOME", folder.makeFolder("home")};
+    PrivateBus const m_bus{};
+    EnvironmentVariable const m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.address()};
+};
+
+// Restores the usual patience.
+class Impatience {
+public:
+    Impatience() {
+        std::chrono::milliseconds const moment(100);
+        finderPatience() = {.start = moment, .answer = moment, .quit = moment};
+    }
+    ~Impatience() { finderPatience() = {}; }
+    Impatience(Impatience const&) = delete;
+    Impatience& operator=(Impatience const&) = delete;
+};
+
+} // namespace mac::test

@@ -1,0 +1,44 @@
+#include "tests/platform/desktop/VirtualSession.h"
+#include "tests/support/CommandOutput.h"
+#include <csignal>
+
+namespace mac::test {
+
+namespace {
+
+constexpr char AccessibilityBus[] = "/usr/libexec/at-spi-bus-launcher";
+
+} // namespace
+
+std::optional<std::string> VirtualSession::obstacle() {
+    for (char const* const program : {"/usr/bin/Xvfb", "/usr/bin/xwininfo", "/usr/bin/dbus-daemon", AccessibilityBus}) {
+        if (::access(program, X_OK) != 0) return std::string(program) + " is not installed";
+    }
+    return std::nullopt;
+}
+
+VirtualSession::VirtualSession(std::string const& runtimeFolder)
+    : m_runtime("XDG_RUNTIME_DIR", runtimeFolder),
+      m_server(endingWithThisProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"})),
+      m_display("DISPLAY", ":" + m_server.readLine()), m_address("DBUS_SESSION_BUS_ADDRESS", m_bus.address()),
+      m_accessibility(endingWithThisProcess({AccessibilityBus, "--launch-immediately"}, "TERM")) {
+    // Whoever starts before that bus is there is never read.
+    EXPECT_TRUE(waitUntil([] { return outputOf({LIST_ACCESSIBLE, "--ready"}) == "yes\n"; }));
+}
+
+VirtualSession::~VirtualSession() {
+    m_accessibility.sendSignal(SIGTERM);
+    m_accessibility.wait();
+}
+
+bool VirtualSession::showsWindow(std::string const& title) {
+    return waitUntil([&] {
+        return outputOf({"xwininfo", "-root", "-tree"}).find("\"" + title + "\"") != std::string::npos;
+    });
+}
+
+bool VirtualSession::showsElement(std::string const& beginning) {
+    return waitUntil([&] { return ("\n" + outputOf({LIST_ACCESSIBLE})).find("\n" + beginning) != std::string::npos; });
+}
+
+} // namespace mac::test

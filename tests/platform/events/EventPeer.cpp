@@ -1,0 +1,151 @@
+#include "platform/events/AppleEvents.h"
+#include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "tests/platform/events/TestEvents.h"
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <sys/prctl.h>
+#include <unistd.h>
+#include <vector>
+
+// The other process of the transport's tests. Each event it handles shows one thing that another process may do.
+
+namespace mac::test {
+
+namespace {
+
+bool s_isToQuit = false;
+
+void say(char const* line) {
+    std::puts(line);
+    std::fflush(stdout);
+}
+
+NSAppleEventDescriptor directObject(AppleEvent const* event) {
+    return NSAppleEventDescriptor::descriptorWithAEDesc(*event).paramDescriptorForKeyword_(keyDirectObject);
+}
+
+void setDirectObject(AppleEvent* reply, NSAppleEventDescriptor const& value) {
+    NSAppleEventDescriptor const filled = NSAppleEventDescriptor::descriptorWithAEDesc(*reply);
+    filled.setParamDescriptor_forKeyword_(value, keyDirectObject);
+    *reply = *filled.aeDesc();
+}
+
+OSErr quit(AppleEvent const*, AppleEvent*, void*) {
+    s_isToQuit = true;
+    say("quit");
+    return noErr;
+}
+
+OSErr echo(AppleEvent const* event, AppleEvent* reply, void*) {
+    setDirectObject(reply, directObject(event));
+    return noErr;
+}
+
+// Asks the sender something before it replies.
+OSErr callBack(AppleEvent const* event, AppleEvent* reply, void*) {
+    NSAppleEventDescriptor const received = NSAppleEventDescriptor::descriptorWithAEDesc(*event);
+    AppleEvent answer;
+    NSAppleEventDescriptor const sender = received.attributeDescriptorForKeyword_(keyOriginalAddressAttr);
+    AppleEvent const question = testEvent(Back, sender, directObject(event));
+    OSStatus const status = AESendMessage(&question, &answer, kAEWaitReply, kAEDefaultTimeout);
+    if (status != noErr) return static_cast<OSErr>(status);
+    setDirectObject(reply, directObject(&answer));
+    return noErr;
+}
+
+OSErr hang(AppleEvent const*, AppleEvent*, void*) {
+    say("hanging");
+    char byte = 0;
+    while (::read(STDIN_FILENO, &byte, 1) > 0) {}
+    return noErr;
+}
+
+OSErr die(AppleEvent const*, AppleEvent*, void*) {
+    std::raise(SIGKILL);
+    return noErr;
+}
+
+OSErr fail(AppleEvent const*, AppleEvent*, void*) { return -1234; }
+
+OSErr raise(AppleEvent const*, AppleEvent*, void*) { throw NSGenericException("on purpose"); }
+
+OSErr replyTooMuch(AppleEvent const*, AppleEvent* reply, void*) {
+    std::vector<std::byte> const bytes(std::size_t{17} << 20);
+    setDirectObject(reply, NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
+                               typeData, bytes.data(), static_cast<NSUInteger>(bytes.size())));
+    return noErr;
+}
+
+OSErr tellDirectObject(AppleEvent const* event, AppleEvent*, void*) {
+    say(directObject(event).stringValue().UTF8String().c_str());
+    return noErr;
+}
+
+void install(AEEventID eventID, AEEventHandlerProcPtr handler) {
+    AEInstallEventHandler(TestClass, eventID, handler, nullptr, NO);
+}
+
+void run() {
+    AEInstallEventHandler(kCoreEventClass, kAEQuitApplication, quit, nullptr, NO);
+    install(Echo, echo);
+    install(CallBack, callBack);
+    install(Hang, hang);
+    AEInstallEventHandler(AEEventClass("core"), AEEventID("getd"), hang, nullptr, NO);
+    install(Die, die);
+    install(Fail, fail);
+    install(Raise, raise);
+    install(TooMuch, replyTooMuch);
+    install(Tell, tellDirectObject);
+    // A program with windows makes another kind of loop later.
+    if (QCoreApplication::instance()) say("a loop before one is needed");
+    // What is sent goes behind the opening of our own end: afterwards we can be called.
+    std::int32_t const parent = ::getppid();
+    AppleEvent const hello =
+        testEvent(AEEventID("helo"), NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
+                                         typeKernelProcessID, &parent, sizeof parent));
+    AESendMessage(&hello, nullptr, kAENoReply, kNoTimeOut);
+    say("ready");
+    while (!s_isToQuit)
+        NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, NSDate::distantFuture());
+}
+
+// Calls the parent as another user does, by hand, and tells the error.
+void callAsStranger() {
+    constexpr uid_t nobody = 65534;
+    QString const parent = QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(::getppid());
+    if (::setuid(nobody) != 0) return say("no other user");
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    QDBusConnection const connection =
+        QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "stranger");
+    if (!connection.isConnected()) return say(connection.lastError().message().toUtf8().constData());
+    QDBusMessage message = QDBusMessage::createMethodCall(parent, "/com/tidelark/framekeeper/AppleEvents",
+                                                          "com.tidelark.framekeeper.AppleEvents", "Send");
+    NSData const event = NSAppleEventDescriptor::descriptorWithAEDesc(testEvent(Back, nil)).data();
+    message.setArguments(
+        {QByteArray(reinterpret_cast<char const*>(event.bytes()), static_cast<qsizetype>(event.length()))});
+    say(connection.call(message).errorName().toUtf8().constData());
+}
+
+} // namespace
+
+} // namespace mac::test
+
+int main(int argc, char**) {
+    // A test that fails early takes its peer along.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (argc > 1) {
+        mac::test::callAsStranger();
+        // Qt's own thread may still read, and complains when what it needs goes first.
+        std::_Exit(0);
+    }
+    mac::test::run();
+    return 0;
+}

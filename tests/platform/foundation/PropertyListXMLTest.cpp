@@ -1,0 +1,217 @@
+#include "platform/foundation/NSDictionary.h"
+#include "tests/platform/foundation/PropertyListDump.h"
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+std::string plist(std::string_view value) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">\n" +
+           std::string(value) + "\n</plist>\n";
+}
+
+// The XML parser's part of the error.
+std::string complaint(std::string_view text) {
+    std::string const error = readList(text).error;
+    constexpr std::string_view kHead = "XML parser error:\n\t";
+    constexpr std::string_view kNext = "\nOld-style plist parser error:\n\t";
+    if (!error.starts_with(kHead) || error.find(kNext) == std::string::npos) return "not both complaints: " + error;
+    return error.substr(kHead.size(), error.find(kNext) - kHead.size());
+}
+
+struct Row {
+    char const* text;
+    char const* expected;
+};
+
+void PrintTo(Row const& row, std::ostream* out) { *out << row.text; }
+
+class XMLValue : public testing::TestWithParam<Row> {};
+
+TEST_P(XMLValue, IsRead) {
+    Reading const reading = readList(plist(GetParam().text));
+    EXPECT_EQ(reading.error, "");
+    EXPECT_EQ(dump(reading.list), GetParam().expected);
+    EXPECT_EQ(reading.format, NSPropertyListXMLFormat_v1_0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PropertyListXML, XMLValue,
+    testing::Values(
+        Row{"<string>a</string>", "\"a\""}, Row{"<string/>", "\"\""}, Row{"<string>  </string>", "\"  \""},
+        Row{"<string>&lt;&gt;&amp;&quot;&apos;&#65;&#x42;</string>", "\"<>&\\u0022'AB\""},
+        Row{"<string>a<![CDATA[<b>&amp;]]>c</string>", "\"a<b>&amp;c\""}, Row{"<string>&#13;</string>", "\"\\u000d\""},
+        Row{"<string>\xC3\xA9\xF0\x9F\x98\x80</string>", "\"\\u00e9\\ud83d\\ude00\""},
+        Row{"<integer>0</integer>", "i0"}, Row{"<integer>-0</integer>", "i0"}, Row{"<integer>+7</integer>", "i7"},
+        Row{"<integer>0x1F</integer>", "i31"}, Row{"<integer>-0X1f</integer>", "i-31"},
+        Row{"<integer>9223372036854775807</integer>", "i9223372036854775807"},
+        Row{"<integer>9223372036854775808</integer>", "i9223372036854775808"},
+        Row{"<integer>18446744073709551615</integer>", "i18446744073709551615"},
+        Row{"<integer>-9223372036854775808</integer>", "i-9223372036854775808"}, Row{"<real>1.5</real>", "r1.5"},
+        Row{"<real>1</real>", "r1"}, Row{"<real>-0</real>", "r-0"}, Row{"<real>+1E-3</real>", "r0.001"},
+        Row{"<real>nan</real>", "rnan"}, Row{"<real>inf</real>", "rinf"}, Row{"<real>-Infinity</real>", "r-inf"},
+        Row{"<real>+infinity</real>", "rinf"}, Row{"<true/>", "true"}, Row{"<false></false>", "false"},
+        Row{"<date>2001-01-01T00:00:00Z</date>", "d0"}, Row{"<date>2000-12-31T23:59:59Z</date>", "d-1"},
+        Row{"<date>2024-02-29T12:34:56Z</date>", "d730902896"}, Row{"<data></data>", "<>"},
+        Row{"<data>AAH/</data>", "<0001ff>"}, Row{"<data>\n\tAA\n\tE=\n\t</data>", "<0001>"},
+        Row{"<data>AA==</data>", "<00>"}, Row{"<array/>", "[]"},
+        Row{"<array><!-- c --><true/> <?pi x?><integer>1</integer></array>", "[true,i1]"}, Row{"<dict/>", "{}"},
+        Row{"<dict><key>b</key><true/><key>a</key><array><dict/></array></dict>", "{\"a\":[{}],\"b\":true}"},
+        Row{"<dict><key></key><string>empty</string></dict>", "{\"\":\"empty\"}"},
+        Row{"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", "{\"a\":i2}"}));
+
+class XMLMistake : public testing::TestWithParam<Row> {};
+
+TEST_P(XMLMistake, IsRefusedWithItsLine) {
+    EXPECT_EQ(readList(GetParam().text).list == nil, true);
+    EXPECT_EQ(complaint(GetParam().text), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PropertyListXML, XMLMistake,
+    testing::Values(
+        Row{"<plist>\n<integer> 1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 2"},
+        Row{"<plist><integer>1 </integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>1.5</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer></integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>-</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>--1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>0x</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>18446744073709551616</integer></plist>",
+            "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>-9223372036854775809</integer></plist>",
+            "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><integer>\xD9\xA1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        Row{"<plist><real/></plist>", "There is a <real> that is no number at line 1"},
+        Row{"<plist><real>1,5</real></plist>", "There is a <real> that is no number at line 1"},
+        Row{"<plist><real>0x1p3</real></plist>", "There is a <real> that is no number at line 1"},
+        Row{"<plist><real>+-1</real></plist>", "There is a <real> that is no number at line 1"},
+        Row{"<plist><real>1e999</real></plist>", "There is a <real> that is no number at line 1"},
+        Row{"<plist><date>2001-01-01</date></plist>", "There is a <date> that is no date at line 1"},
+        Row{"<plist><date>2001-02-30T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        Row{"<plist><date>2001-01-01T24:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        Row{"<plist><data>A</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        Row{"<plist><data>A===</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        Row{"<plist><data>AA=A</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        Row{"<plist><data>AA*=</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        Row{"<plist><true>x</true></plist>", "There is text in a <true> or <false> at line 1"},
+        Row{"<plist><string>a<!-- b --></string></plist>", "There is something other than text in <string> at line 1"},
+        Row{"<plist><string>a<b/></string></plist>", "There is something other than text in <string> at line 1"},
+        Row{"<plist>\n<string/>\n<string/></plist>",
+            "There is more than one value outside of all containers at line 3"},
+        Row{"<plist/>\n", "The list is empty at line 2"},
+        Row{"<plist><dict>\n<key>a</key>\n</dict></plist>", "The last key of a dictionary has no value at line 3"},
+        Row{"<plist><dict><key>a</key><key>b</key></dict></plist>", "A key in a dictionary has no value at line 1"},
+        Row{"<plist><dict>\n\n<true/></dict></plist>", "A value in a dictionary has no key at line 3"},
+        Row{"<plist><dict><dict/></dict></plist>", "A value in a dictionary has no key at line 1"},
+        Row{"<plist><array><key>a</key></array></plist>", "There is a key outside of a dictionary at line 1"},
+        Row{"<plist><array>stray</array></plist>", "There is text outside of a value at line 1"},
+        Row{"<plist>stray<true/></plist>", "There is text outside of a value at line 1"},
+        Row{"<plist><dict><plist/></dict></plist>", "There is a <plist> within another element at line 1"},
+        Row{"<plist><set/></plist>", "There is no element <set> in property lists at line 1"},
+        Row{"<plist><p:dict xmlns:p='x'/></plist>", "There is no element <p:dict> in property lists at line 1"},
+        Row{"<plist>&file;</plist>", "Entity 'file' not declared at line 1"},
+        Row{"<plist><dict>\n<key>a</key>\n", "Premature end of document at line 3"}));
+
+TEST(PropertyListXML, ReadsAListWithoutThePlistElement) {
+    EXPECT_EQ(dump(readList("<dict><key>a</key><true/></dict>").list), "{\"a\":true}");
+}
+
+TEST(PropertyListXML, RefusesASecondRoot) {
+    EXPECT_EQ(complaint("<plist><true/></plist>\n<plist><true/></plist>"),
+              "Extra content at end of document at line 2");
+}
+
+TEST(PropertyListXML, RefusesDeclarationsOfEntities) {
+    std::string const list = "<!DOCTYPE plist [\n<!ENTITY a \"b\">\n]>\n<plist><string>&a;</string></plist>";
+    EXPECT_EQ(complaint(list), "There are declarations in the document type at line 1");
+}
+
+TEST(PropertyListXML, RefusesABillionLaughsAtOnce) {
+    std::string list = "<?xml version=\"1.0\"?>\n<!DOCTYPE plist [<!ENTITY a0 \"laugh\">";
+    for (int level = 1; level < 30; ++level)
+        list += "<!ENTITY a" + std::to_string(level) + " \"&a" + std::to_string(level - 1) + ";&a" +
+                std::to_string(level - 1) + ";\">";
+    EXPECT_EQ(complaint(list + "]><plist><string>&a29;</string></plist>"),
+              "There are declarations in the document type at line 2");
+}
+
+TEST(PropertyListXML, LooksAtNothingOutsideForADocumentType) {
+    std::string const list = "<!DOCTYPE plist SYSTEM \"file:///dev/zero\"><plist><string>a</string></plist>";
+    EXPECT_EQ(dump(readList(list).list), "\"a\"");
+}
+
+TEST(PropertyListXML, RefusesExternalEntities) {
+    std::string const list =
+        "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/hostname\">]><plist><string>&a;</string></plist>";
+    EXPECT_EQ(complaint(list), "There are declarations in the document type at line 1");
+}
+
+TEST(PropertyListXML, RefusesATagOfAMillionAttributes) {
+    std::string list = "<plist";
+    for (int index = 0; index < 1000000; ++index)
+        list += " a" + std::to_string(index) + "=''";
+    EXPECT_EQ(complaint(list + "><true/></plist>"), "There is a tag that is too long at line 1");
+}
+
+TEST(PropertyListXML, TakesLongTextBetweenTagsForNoTag) {
+    std::string const text(100000, 'x');
+    EXPECT_EQ(dump(readList(plist("<!-- < " + text + " --><string><![CDATA[<" + text + "]]></string>")).list),
+              "\"<" + text + "\"");
+}
+
+struct EncodingRow {
+    char const* name;
+    std::string bytes;
+    char const* expected;
+};
+
+void PrintTo(EncodingRow const& row, std::ostream* out) { *out << row.name; }
+
+std::string wide(std::string_view ascii, bool isBigEndian) {
+    std::string bytes;
+    for (char const character : ascii)
+        bytes += isBigEndian ? std::string{'\0', character} : std::string{character, '\0'};
+    return bytes;
+}
+
+constexpr std::string_view kDeclared16 = R"(<?xml version="1.0" encoding="UTF-16"?><string>a</string>)";
+
+class XMLEncoding : public testing::TestWithParam<EncodingRow> {};
+
+TEST_P(XMLEncoding, IsRead) { EXPECT_EQ(dump(readList(GetParam().bytes).list), GetParam().expected); }
+
+INSTANTIATE_TEST_SUITE_P(
+    PropertyListXML, XMLEncoding,
+    testing::Values(
+        EncodingRow{"UTF-8", "<string>\xC3\xA9</string>", "\"\\u00e9\""},
+        EncodingRow{"UTF-8 with a mark", "\xEF\xBB\xBF<string>\xC3\xA9</string>", "\"\\u00e9\""},
+        EncodingRow{"UTF-16, big, marked", "\xFE\xFF" + wide(kDeclared16, true), "\"a\""},
+        EncodingRow{"UTF-16, little, marked", "\xFF\xFE" + wide(kDeclared16, false), "\"a\""},
+        EncodingRow{"UTF-16, big, bare", wide(kDeclared16, true), "\"a\""},
+        EncodingRow{"UTF-16, little, bare", wide(kDeclared16, false), "\"a\""},
+        EncodingRow{"Latin-1", "<?xml version='1.0' encoding='ISO-8859-1'?><string>\xE9</string>", "\"\\u00e9\""},
+        EncodingRow{"Mac OS Roman", "<?xml version='1.0' encoding='macintosh'?><string>\x8E</string>", "\"\\u00e9\""},
+        EncodingRow{"a declared UTF-8", "<?xml version='1.0' encoding='utf-8'?><string>\xC3\xA9</string>",
+                    "\"\\u00e9\""}));
+
+TEST(PropertyListXML, RefusesBytesThatAreNotUTF8WithTheirLine) {
+    EXPECT_EQ(complaint("<plist>\n<string>\xE9</string></plist>"),
+              "The text is not valid in its encoding, UTF-8, at line 2");
+}
+
+TEST(PropertyListXML, RefusesUTF16ThatIsCutInAUnit) {
+    EXPECT_EQ(complaint("\xFE\xFF" + wide("<true/>", true) + std::string(1, '\0')),
+              "The text is not valid in its encoding, UTF-16BE, at line 1");
+}
+
+TEST(PropertyListXML, RefusesEncodingsInWhichMarkupIsNotASCII) {
+    for (char const* name : {"UTF-7", "ISO-2022-JP", "ebcdic-cp-us", "UTF-16", "no-such-encoding", "SCSU"}) {
+        std::string const text = std::string("<?xml version='1.0' encoding='") + name + "'?><true/>";
+        EXPECT_EQ(complaint(text), std::string("The text's encoding \"") + name + "\" is not supported at line 1");
+    }
+}
+
+} // namespace
+} // namespace mac::test

@@ -1,0 +1,166 @@
+#include "platform/system/ExclusiveRename.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/OpenItems.h"
+#include "tests/support/Refusals.h"
+#include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+Names namesIn(std::string const& path) {
+    Names names = namesInFolder(path, LinkAtEnd::IsFollowed).value_or(Names{"cannot be read"});
+    std::ranges::sort(names);
+    return names;
+}
+
+std::string textOf(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class RenameInSteps : public testing::Test {
+protected:
+    // 0, or errno.
+    int rename(std::string const& from, std::string const& to, std::function<void()> const& afterFirstStep = {}) const {
+        return renameInSteps(m_parent.number(), from, m_parent.number(), to, afterFirstStep) ? 0 : errno;
+    }
+
+    TemporaryFolder const m_folder{};
+    FileDescriptor const m_parent{::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
+};
+
+TEST_F(RenameInSteps, MovesFilesFoldersAndLinks) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFile("folder/file", "y");
+    ASSERT_EQ(::symlink("nowhere", m_folder.path("link").c_str()), 0);
+    EXPECT_EQ(rename("file", "file 2"), 0);
+    EXPECT_EQ(rename("folder", "folder 2"), 0);
+    EXPECT_EQ(rename("link", "link 2"), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
+    EXPECT_EQ(textOf(m_folder.path("file 2")), "x");
+    EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
+}
+
+TEST_F(RenameInSteps, ReplacesNothing) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFolder("folder");
+    m_folder.makeFolder("empty");
+    EXPECT_EQ(rename("file", "empty"), EEXIST);
+    EXPECT_EQ(rename("folder", "empty"), EEXIST);
+    EXPECT_EQ(rename("folder", "file"), EEXIST);
+    EXPECT_EQ(rename("none", "new"), ENOENT);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
+}
+
+TEST_F(RenameInSteps, IsFollowedByWhoHasTheItemOpen) {
+    FileDescriptor const file(::open(m_folder.makeFile("file", "x").c_str(), O_PATH | O_CLOEXEC));
+    ASSERT_TRUE(file.isOpen());
+    EXPECT_EQ(rename("file", "second"), 0);
+    EXPECT_EQ(systemsPath(file), m_folder.path("second"));
+}
+
+TEST_F(RenameInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
+    std::string const file = m_folder.makeFile("file", "old");
+    std::string const saved = m_folder.makeFile("saved", "new");
+    ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(saved.c_str(), file.c_str()); }), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"old", "second"}));
+    EXPECT_EQ(textOf(m_folder.path("second")), "new");
+}
+
+TEST_F(RenameInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFile("folder/inner", "y");
+    std::string const second = m_folder.path("second");
+    EXPECT_EQ(rename("file", "second", [&] { std::ofstream(second) << "another's"; }), EEXIST);
+    EXPECT_EQ(textOf(second), "another's");
+    EXPECT_EQ(textOf(m_folder.path("file")), "x");
+    EXPECT_EQ(rename("folder", "third", [&] { m_folder.makeFile("third/file", "another's"); }), EEXIST);
+    EXPECT_EQ(textOf(m_folder.path("third/file")), "another's");
+    EXPECT_EQ(textOf(m_folder.path("folder/inner")), "y");
+}
+
+TEST_F(RenameInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
+    std::string const file = m_folder.makeFile("file", "x");
+    std::string const anothers = m_folder.makeFile("another's", "");
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }), EEXIST);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(textOf(file), "x");
+}
+
+TEST_F(RenameInSteps, LeavesNothingBehindWhenItFails) {
+    m_folder.makeFolder("folder/inner");
+    FileDescriptor const inner(::open(m_folder.path("folder/inner").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    EXPECT_FALSE(renameInSteps(m_parent.number(), "folder", inner.number(), "itself"));
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
+    std::string const file = m_folder.makeFile("file", "x");
+    EXPECT_EQ(rename("file", "second", [&] { ::rename(file.c_str(), m_folder.path("moved").c_str()); }), ENOENT);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"folder", "moved"}));
+}
+
+TEST_F(RenameInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
+    m_folder.makeFile("file", "x");
+    m_folder.makeFile("taken", "y");
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        EXPECT_FALSE(renameWithoutReplacing(m_parent.number(), "file", m_parent.number(), "taken"));
+        EXPECT_EQ(errno, EEXIST);
+        EXPECT_TRUE(renameWithoutReplacing(m_parent.number(), "file", m_parent.number(), "free"));
+    });
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"free", "taken"}));
+    EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+}
+
+class NamingANewFile : public RenameInSteps {
+protected:
+    int name(std::string const& from, std::string const& to) const {
+        return nameNewFile(m_parent.number(), from, to) ? 0 : errno;
+    }
+    // Where the system cannot rename without replacing.
+    int nameInSteps(std::string const& from, std::string const& to) const {
+        int result = 0;
+        withRefusedCall(SYS_renameat2, EINVAL, [&] { result = name(from, to); });
+        return result;
+    }
+};
+
+TEST_F(NamingANewFile, ReplacesNothing) {
+    m_folder.makeFile("new", "x");
+    m_folder.makeFile("taken", "y");
+    EXPECT_EQ(name("new", "taken"), EEXIST);
+    EXPECT_EQ(nameInSteps("new", "taken"), EEXIST);
+    EXPECT_EQ(name("new", "free"), 0);
+    EXPECT_EQ(nameInSteps("free", "name"), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "taken"}));
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+    EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+}
+
+TEST_F(NamingANewFile, IsDoneAlsoWhereTheFirstNameCannotGo) {
+    m_folder.makeFile("new", "x");
+    withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "new"}));
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+}
+
+TEST_F(NamingANewFile, NeedsNoSecondNames) {
+    m_folder.makeFile("new", "x");
+    withRefusedCall(SYS_linkat, EPERM, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
+    EXPECT_EQ(namesIn(m_folder.path()), Names{"name"});
+    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+}
+
+} // namespace
+} // namespace mac::test

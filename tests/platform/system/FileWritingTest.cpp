@@ -1,0 +1,224 @@
+#include "platform/system/FileWriting.h"
+#include "tests/support/CommandOutput.h"
+#include "tests/support/Refusals.h"
+#include "tests/support/TemporaryFolder.h"
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace mac::test {
+namespace {
+
+using Bytes = std::span<std::byte const>;
+
+Bytes bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
+
+struct stat statusAt(std::string const& path) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+unsigned modeAt(std::string const& path) { return statusAt(path).st_mode & 07777U; }
+
+std::string attributeAt(std::string const& path, char const* name) {
+    std::array<char, 256> value;
+    ssize_t const length = ::getxattr(path.c_str(), name, value.data(), value.size());
+    return length < 0 ? "-" : std::string(value.data(), static_cast<std::size_t>(length));
+}
+
+class ReplacingAFile : public testing::Test {
+protected:
+    std::string contents() const { return outputOf({"cat", m_file}); }
+    // Nothing is left of the new file.
+    std::string names() const { return outputOf({"ls", "-A", m_folder.path()}); }
+
+    TemporaryFolder const m_folder{};
+    std::string const m_file{m_folder.makeFile("file", "old")};
+    FileDescriptor const m_open{openPath(m_folder.path(), O_PATH | O_DIRECTORY)};
+};
+
+TEST_F(ReplacingAFile, KeepsItsPermissionsAndAttributes) {
+    ASSERT_EQ(::chmod(m_file.c_str(), 0640), 0);
+    ASSERT_EQ(::setxattr(m_file.c_str(), "user.note", "kept", 4, 0), 0);
+    ASSERT_EQ(::setxattr(m_file.c_str(), "user.empty", "", 0, 0), 0);
+    ASSERT_TRUE(replaceFileAtPath(m_file, bytes("new")));
+    EXPECT_EQ(contents(), "new");
+    EXPECT_EQ(modeAt(m_file), 0640U);
+    EXPECT_EQ(attributeAt(m_file, "user.note"), "kept");
+    EXPECT_EQ(attributeAt(m_file, "user.empty"), "");
+    EXPECT_EQ(names(), "file\n");
+}
+
+// Version 2; the owner, a user of that number, the group, the mask, others.
+std::string accessList(char userPermissions) {
+    std::string list("\2\0\0\0", 4);
+    for (std::string const& entry :
+         {std::string("\1\0\6\0\xFF\xFF\xFF\xFF", 8),
+          std::string("\2\0", 2) + userPermissions + std::string("\0\7\7\0\0", 5),
+          std::string("\4\0\4\0\xFF\xFF\xFF\xFF", 8), std::string("\x10\0\6\0\xFF\xFF\xFF\xFF", 8),
+          std::string("\x20\0\0\0\xFF\xFF\xFF\xFF", 8)})
+        list += entry;
+    return list;
+}
+
+TEST_F(ReplacingAFile, KeepsItsAccessList) {
+    std::string const list = accessList('\6');
+    if (::setxattr(m_file.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "there are no access lists in " << m_folder.path();
+    ASSERT_TRUE(replaceFileAtPath(m_file, bytes("new")));
+    EXPECT_EQ(attributeAt(m_file, "system.posix_acl_access"), list);
+    EXPECT_EQ(modeAt(m_file), 0660U);
+}
+
+TEST_F(ReplacingAFile, TakesNoAccessListFromTheFolder) {
+    std::string const list = accessList('\6');
+    if (::setxattr(m_folder.path().c_str(), "system.posix_acl_default", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "there are no access lists in " << m_folder.path();
+    ASSERT_TRUE(replaceFileAtPath(m_file, bytes("new")));
+    EXPECT_EQ(attributeAt(m_file, "system.posix_acl_access"), "-");
+}
+
+TEST_F(ReplacingAFile, LetsNobodyReadTheNewOneBefore) {
+    ASSERT_EQ(::chmod(m_file.c_str(), 0666), 0);
+    std::string during;
+    bool const isDone = replaceFileAtPath(m_file, bytes("new"),
+                                          {.newFileMode = 0666, .beforeRenaming = [&](FileDescriptor const& file) {
+                                               during = contents();
+                                               return ::fchmod(file.number(), 0600) == 0;
+                                           }});
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(during, "old");
+    EXPECT_EQ(modeAt(m_file), 0600U);
+    withRefusedCall(SYS_fchmod, EPERM, [&] { EXPECT_FALSE(replaceFileAtPath(m_file, bytes("newer"))); });
+    EXPECT_EQ(contents(), "new");
+}
+
+TEST_F(ReplacingAFile, GivesOurGroupNoMoreThanEverybody) {
+    ASSERT_EQ(::chmod(m_file.c_str(), 06674), 0);
+    withRefusedCall(SYS_fchown, EPERM, [&] { EXPECT_TRUE(replaceFileAtPath(m_file, bytes("new"))); });
+    EXPECT_EQ(modeAt(m_file), 0644U);
+}
+
+TEST_F(ReplacingAFile, GivesItToItsOwnerAndGroup) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root gives files away";
+    ASSERT_EQ(::chown(m_file.c_str(), 12'345, 23'456), 0);
+    ASSERT_EQ(::chmod(m_file.c_str(), 0664), 0);
+    ASSERT_TRUE(replaceFileAtPath(m_file, bytes("new")));
+    EXPECT_EQ(statusAt(m_file).st_uid, 12'345U);
+    EXPECT_EQ(statusAt(m_file).st_gid, 23'456U);
+    EXPECT_EQ(modeAt(m_file), 0664U);
+}
+
+TEST_F(ReplacingAFile, SaysWhatTheDiskSays) {
+    for (long const call : {SYS_fsync, SYS_close, SYS_write, SYS_renameat, SYS_listxattr}) {
+        withRefusedCall(call, EIO, [&] {
+            EXPECT_FALSE(replaceFileAtPath(m_file, bytes("new"))) << call;
+            EXPECT_EQ(errno, EIO) << call;
+        });
+        EXPECT_EQ(contents(), "old");
+        EXPECT_EQ(names(), "file\n");
+    }
+}
+
+TEST_F(ReplacingAFile, GivesANewOneThePermissionsOfTheUmask) {
+    std::string const file = m_folder.path("new");
+    mode_t const before = ::umask(0027);
+    bool const isDone = replaceFileAtPath(file, bytes("new"));
+    ::umask(before);
+    ASSERT_TRUE(isDone);
+    EXPECT_EQ(modeAt(file), 0640U);
+}
+
+TEST_F(ReplacingAFile, MakesANewOneLikeAnother) {
+    bool const mayGive = ::chown(m_file.c_str(), 12'345, 23'456) == 0;
+    EXPECT_EQ(mayGive, ::geteuid() == 0);
+    ASSERT_EQ(::chmod(m_file.c_str(), 0751), 0);
+    FileDescriptor const model = openPath(m_file, O_PATH);
+    ASSERT_TRUE(replaceFileAtPath(m_folder.path("new"), bytes("new"), {.newFileIsLike = &model}));
+    EXPECT_EQ(modeAt(m_folder.path("new")), 0640U);
+    EXPECT_EQ(statusAt(m_folder.path("new")).st_uid, statusAt(m_file).st_uid);
+    EXPECT_EQ(statusAt(m_folder.path("new")).st_gid, statusAt(m_file).st_gid);
+    withRefusedCall(SYS_fchown, EPERM, [&] {
+        EXPECT_TRUE(replaceFileAtPath(m_folder.path("ours"), bytes("new"), {.newFileIsLike = &model}));
+    });
+    EXPECT_EQ(modeAt(m_folder.path("ours")), 0600U);
+}
+
+TEST_F(ReplacingAFile, LeavesOneThatHasChanged) {
+    std::optional<FileStatus> const state = fileStatusInFolder(m_open, "file");
+    m_folder.makeFile("other", "somebody's");
+    ASSERT_EQ(::rename(m_folder.path("other").c_str(), m_file.c_str()), 0);
+    EXPECT_FALSE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .state = state}));
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_EQ(contents(), "somebody's");
+    EXPECT_FALSE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true}));
+    EXPECT_EQ(errno, EEXIST);
+    ASSERT_EQ(::unlink(m_file.c_str()), 0);
+    EXPECT_FALSE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .state = state}));
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_TRUE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true}));
+    EXPECT_EQ(contents(), "new");
+}
+
+TEST_F(ReplacingAFile, LeavesOneThatChangesMeanwhile) {
+    std::optional<FileStatus> const state = fileStatusInFolder(m_open, "file");
+    auto const change = [&](FileDescriptor const&) {
+        m_folder.makeFile("other", "somebody's");
+        return ::rename(m_folder.path("other").c_str(), m_file.c_str()) == 0;
+    };
+    EXPECT_FALSE(
+        replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .state = state, .beforeRenaming = change}));
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_EQ(contents(), "somebody's");
+    ASSERT_EQ(::unlink(m_file.c_str()), 0);
+    EXPECT_FALSE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .beforeRenaming = change}));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(contents(), "somebody's");
+    EXPECT_EQ(names(), "file\n");
+}
+
+TEST_F(ReplacingAFile, ReplacesNothingWhereTheSystemCannotPromiseIt) {
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        EXPECT_FALSE(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true}));
+        EXPECT_TRUE(replaceFileInFolder(m_open, "new", bytes("new"), {.hasToBe = true}));
+    });
+    EXPECT_EQ(contents(), "old");
+    EXPECT_EQ(names(), "file\nnew\n");
+}
+
+TEST_F(ReplacingAFile, FollowsAsManyLinksAsTheSystem) {
+    std::string target = "file";
+    for (int number = 1; number <= 41; ++number) {
+        std::string const name = "link " + std::to_string(number);
+        ASSERT_EQ(::symlink(target.c_str(), m_folder.path(name).c_str()), 0);
+        target = name;
+    }
+    EXPECT_EQ(::access(m_folder.path("link 40").c_str(), F_OK), 0);
+    EXPECT_TRUE(replaceFileAtPath(m_folder.path("link 40"), bytes("new")));
+    EXPECT_EQ(contents(), "new");
+    EXPECT_EQ(::access(m_folder.path("link 41").c_str(), F_OK), -1);
+    EXPECT_FALSE(replaceFileAtPath(m_folder.path("link 41"), bytes("newer")));
+    EXPECT_EQ(errno, ELOOP);
+    EXPECT_EQ(contents(), "new");
+}
+
+TEST_F(ReplacingAFile, LeavesWhatIsNoFile) {
+    EXPECT_FALSE(replaceFileAtPath(m_folder.makeFolder("folder"), bytes("new")));
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_FALSE(replaceFileAtPath(m_folder.path("folder/"), bytes("new")));
+    ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(replaceFileAtPath(m_folder.path("pipe"), bytes("new")));
+    EXPECT_EQ(errno, EINVAL);
+    ASSERT_EQ(::symlink("file", m_folder.path("link").c_str()), 0);
+    EXPECT_FALSE(replaceFileInFolder(m_open, "link", bytes("new")));
+    EXPECT_EQ(contents(), "old");
+}
+
+} // namespace
+} // namespace mac::test
