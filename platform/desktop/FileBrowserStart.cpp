@@ -3,8 +3,10 @@
 #include "platform/system/ASCII.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include <algorithm>
 #include <fcntl.h>
 #include <mutex>
+#include <unistd.h>
 #include <utility>
 
 namespace mac {
@@ -17,7 +19,9 @@ struct Memory {
     // The program whose start is remembered.
     std::string program;
     std::optional<FileBrowserStart> start;
-    ProcessIdentity quitCommand;
+    // The session (setsid) that the quit command was started in, and when; 0 before the first.
+    std::int32_t quitSession{0};
+    std::uint64_t quitStart{0};
 };
 
 Memory& memory() {
@@ -70,14 +74,18 @@ DetachedProcess runQuitCommand(FileBrowser const& browser) {
         command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
     DetachedProcess const process = program ? startDetached(*program, *command) : DetachedProcess();
     std::optional<RunningProcess> const running = runningProcess(process.pid);
+    std::int32_t const session = running ? ::getsid(process.pid) : 0;
     std::lock_guard const guard(memory().lock);
-    memory().quitCommand = running ? running->identity : ProcessIdentity();
+    memory().quitSession = std::max(session, 0);
+    memory().quitStart = running ? running->identity.startTime : 0;
     return process;
 }
 
 bool isQuitCommand(ProcessIdentity const& process) {
     std::lock_guard const guard(memory().lock);
-    return process == memory().quitCommand;
+    // The system gives the session's number to no other process while the session has members.
+    return memory().quitSession != 0 && process.startTime >= memory().quitStart &&
+           ::getsid(process.pid) == memory().quitSession;
 }
 
 bool askToQuit(ProcessIdentity const& process) {

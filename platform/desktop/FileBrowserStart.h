@@ -28,7 +28,8 @@ void forgetFileBrowserStart();
 // Runs the command that its desktop entry or its kind has to make it quit, and does not wait. The process that does it;
 // none where there is no such command, or it cannot be started.
 DetachedProcess runQuitCommand(FileBrowser const& browser);
-// Whether the process is the last of those, which mostly runs the browser's own program.
+// Whether the process is the last of those commands, or was started by it. Most run the browser's own program, so they
+// would count as the browser otherwise.
 bool isQuitCommand(ProcessIdentity const& process);
 
 // Asks the process to quit as a user would and does not wait: the file browser by its own command, after its start was

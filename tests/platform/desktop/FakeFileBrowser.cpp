@@ -15,6 +15,7 @@
 //   stubborn  is it and does not end when it is asked to              nameless  runs without being the service
 //   ends      ends at once       starts    starts one that serves, and ends
 //   open      is none, and ends  quit      tells the one that serves to end
+//   quit-and-linger  as quit, but stays with a child process of the same program for half a minute
 
 namespace {
 
@@ -74,10 +75,16 @@ int main(int count, char** arguments) {
     if (mode == "starts") ::execl(arguments[0], arguments[0], "serve", arguments[2], nullptr);
     // When the test's bus goes while it is asked, it may never end by itself.
     constexpr unsigned seconds = 30;
-    if (mode == "quit") ::alarm(seconds);
+    bool const asksToQuit = mode.starts_with("quit");
+    if (asksToQuit) ::alarm(seconds);
+    if (mode == "quit-and-linger" && ::fork() == 0) {
+        ::alarm(seconds);
+        ::pause();
+    }
     QDBusConnection connection = QDBusConnection::sessionBus();
-    if (mode == "quit") {
+    if (asksToQuit) {
         connection.call(QDBusMessage::createMethodCall(Name, Path, Name, "Quit"));
+        if (mode == "quit-and-linger") ::pause();
         return 0;
     }
     connection.registerVirtualObject(Path, &browser);

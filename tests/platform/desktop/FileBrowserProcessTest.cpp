@@ -134,6 +134,20 @@ TEST_F(FileBrowserProcess, IsNotTheCommandThatMakesItQuit) {
         ::kill(process.pid, SIGKILL);
 }
 
+// A leak checker, for one, examines its program from a child process of the same executable.
+TEST_F(FileBrowserProcess, IsNoChildOfTheCommandThatMakesItQuit) {
+    std::string const command = m_desktop.fake("quit-and-linger");
+    install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + command + "\n");
+    ASSERT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_FALSE(sessionProcessesOf(fakeFileBrowser()).empty()) << "the child has ended";
+    EXPECT_TRUE(fileBrowserProcesses().empty());
+    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+    for (ProcessIdentity const& process : sessionProcessesOf(fakeFileBrowser()))
+        ::kill(process.pid, SIGKILL);
+}
+
 TEST_F(FileBrowserProcess, IsAskedToQuitByItsOwnCommandFirst) {
     install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
     ASSERT_TRUE(launchFileBrowser().isDone());
