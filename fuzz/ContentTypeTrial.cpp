@@ -1,6 +1,5 @@
 #include "fuzz/ContentTypeTrial.h"
-#include "platform/desktop/DesktopEntries.h"
-#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/DesktopEntry.h"
 #include "platform/desktop/MIMETypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"
@@ -48,8 +47,8 @@ std::string complaintAboutContentType(std::span<std::byte const> bytes) {
     }
     std::string const complaint = complaintAboutMIMEType(std::string(name));
     if (!complaint.empty()) return complaint;
-    NSString const shown = nameInDesktopEntry(KeyFile::read(text), {"de", std::string(name)});
-    if (shown != nil && shown.length() == 0) return "an entry has an empty name";
+    std::optional<std::string> const shown = DesktopEntry::read(text).localizedName({"de", std::string(name)});
+    if (shown && shown->empty()) return "an entry has an empty name";
     return complaintAboutDynamicType(name);
 }
 

@@ -1,11 +1,12 @@
 #include "fuzz/Complaint.h"
-#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/DesktopEntry.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::KeyFile const file = mac::KeyFile::read(mac::fuzz::textOf(data, size));
-    file.list("Default Applications", "inode/directory");
-    file.text("Desktop Entry", "Name");
-    std::optional<std::string> const commandLine = file.text("Desktop Entry", "Exec");
-    if (commandLine) mac::wordsOfCommandLine(*commandLine);
+    mac::KeyFile::read(mac::fuzz::textOf(data, size)).list("Default Applications", "inode/directory");
+    mac::DesktopEntry const entry = mac::DesktopEntry::read(mac::fuzz::textOf(data, size));
+    entry.localizedName({"de"});
+    entry.command();
+    entry.commandOfAction("quit");
+    entry.isShownHere();
     return 0;
 }

@@ -1,10 +1,9 @@
 #include "platform/appkit/NSWorkspace.h"
-#include "platform/desktop/ApplicationStart.h"
-#include "platform/desktop/FileBrowserProcess.h"
-#include "platform/desktop/FileBrowserService.h"
-#include "platform/desktop/FileBrowserWindows.h"
+#include "platform/desktop/DesktopApplication.h"
+#include "platform/desktop/FileBrowserSession.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/desktop/Session.h"
+#include "platform/events/EventSending.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
@@ -19,6 +18,12 @@ namespace {
 // Makes the class known by its name.
 RegisteredClass<NSWorkspace> const s_registered;
 
+// Lets the event 'quit' reach the file browser, which receives no events, by the browser's own means.
+struct FileBrowserQuits {
+    FileBrowserQuits() { setUnansweredQuitHandler(askToQuit); }
+};
+FileBrowserQuits const s_fileBrowserQuits;
+
 constexpr char FinderIdentifier[] = "com.apple.finder";
 
 // Brings a process of this session that runs the program to the front, as far as the display does that; false when none
@@ -31,7 +36,7 @@ bool activateProgram(std::string const& program) {
 }
 
 bool launchEntry(std::string const& path) {
-    std::optional<DesktopApplication> const application = applicationOfEntryAtPath(path);
+    std::optional<DesktopApplication> const application = applicationOfEntry(DesktopEntry::readFile(path));
     if (!application || !hasDisplay()) return false;
     // The window around one that runs in a terminal is not its own.
     if (!application->needsTerminal && activateProgram(programOf(*application))) return true;
@@ -52,7 +57,7 @@ bool launchBundle(NSString const& path) {
 }
 
 bool launchFinder() {
-    if (!launchFileBrowser().isDone()) return false;
+    if (!FileBrowserSession().launch().isDone()) return false;
     // One that was started just now may have no window yet.
     bringFileBrowserToFront();
     return true;
@@ -78,12 +83,12 @@ NSWorkspace NSWorkspace::sharedWorkspace() {
 
 bool NSWorkspace::selectFile_inFileViewerRootedAtPath_(NSString const& fullPath, NSString const&) const {
     std::optional<std::string> const path = fullPath.fileSystemRepresentation();
-    return *this != nil && path && revealItems({*path}).isDone();
+    return *this != nil && path && FileBrowserSession().revealItems({*path}).isDone();
 }
 
 bool NSWorkspace::openFile_(NSString const& fullPath) const {
     std::optional<std::string> const path = fullPath.fileSystemRepresentation();
-    return *this != nil && path && openItem(*path).isDone();
+    return *this != nil && path && FileBrowserSession().openItem(*path).isDone();
 }
 
 bool NSWorkspace::launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(

@@ -1,51 +1,56 @@
 #pragma once
 
+#include "platform/desktop/DesktopEntry.h"
+#include "platform/desktop/DesktopProblem.h"
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
-// The applications that the desktop knows, by their desktop entries. For implementations; any thread.
-
 namespace mac {
 
+// An application that the desktop knows by its desktop entry, ready to be started. A value; for implementations.
 struct DesktopApplication {
     // The desktop entry's own file.
     std::string entryPath{};
-    // Its name for people, in UTF-8 and not translated.
+    // The name for people, in UTF-8 and not translated.
     std::string name{};
     // The program's file, with links resolved.
     std::string executable{};
-    // Of its command line, with the codes for files (%f) as they stand.
+    // The words of the command line, with the codes for files (%f) as they stand.
     std::vector<std::string> words{};
     bool needsTerminal{false};
 };
 
-// The default application for the first of the content types ("text/plain") that has one, as the user's and the
-// system's lists say, then those known for the type. The first whose program is there; nothing where there is none.
-// Looked up anew.
-std::optional<DesktopApplication> defaultApplicationFor(std::vector<std::string> const& contentTypes);
-
-// Of a desktop entry; nothing for what is none, is hidden, or has a program that is not there.
-std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& path);
+// nullopt for an entry that is hidden, has no command line, or whose program is not there. Any thread.
+std::optional<DesktopApplication> applicationOfEntry(DesktopEntry const& entry);
 
 // What programOf answers for the application's processes: its executable, or the script that its command runs; empty
-// where an interpreter is all that can be told.
+// if only the interpreter is known. Any thread.
 std::string programOf(DesktopApplication const& application);
 
-// What starts the application with the files, each word a whole argument and the program's own file first. One that
-// takes only one file gets the first.
+// The application's command with the files, one argument a word, the program's own file first. A command that takes
+// only one file gets the first. Any thread.
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths);
 
-// "file://" and the path's bytes, those with a meaning in a URI as percent escapes.
+// "file://" and the path's bytes, percent-escaped where they have a meaning in a URI. Any thread.
 std::string fileURIOfPath(std::string const& path);
 
-// The user's folder and then the system's, the weightiest first: for settings ("/etc/xdg"), for data ("/usr/share") and
-// for desktop entries ("/usr/share/applications").
-std::vector<std::string> configFolders();
-std::vector<std::string> dataFolders();
-std::vector<std::string> applicationFolders();
+// How a program is started.
+struct ProgramStart {
+    // The file that is executed: the interpreter of a script.
+    std::string executable;
+    std::vector<std::string> words;
+    // The current folder; empty for this process's own.
+    std::string folder{};
+};
 
-// The program's file with links resolved, of a path or by the search path; nothing when there is none that can be run.
-std::optional<std::string> resolvedProgram(std::string const& word);
+// Starts a program that shows windows, detached, and answers its process ID. NoDisplay without a display, NoAnswer if
+// the system refuses to start it. Main thread.
+DesktopResult<std::int32_t> startProgram(ProgramStart const& start);
+
+// Starts the application with the files, in a terminal if it needs one, and does not wait for it. As startProgram, and
+// Refused if there is no terminal. Main thread.
+DesktopOutcome startApplication(DesktopApplication const& application, std::vector<std::string> const& paths);
 
 } // namespace mac

@@ -1,53 +1,38 @@
 #pragma once
 
-#include "platform/desktop/FileBrowser.h"
-#include "platform/desktop/FileBrowserWindows.h"
+#include "platform/desktop/DesktopProblem.h"
+#include "platform/desktop/FileBrowserKinds.h"
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-// The file browser's end of the session's bus. For implementations; main thread.
+// File browsers on the session's bus. For implementations; main thread.
 
 namespace mac {
 
-// How long it is waited for the browser, to start and to answer. Shorter in tests of what does not come.
-struct FinderPatience {
-    std::chrono::milliseconds start{15'000};
-    std::chrono::milliseconds answer{10'000};
-    std::chrono::milliseconds quit{5'000};
-};
-FinderPatience& finderPatience();
+inline constexpr std::string_view FileBrowserServiceName = "org.freedesktop.FileManager1";
 
-// The ways to the browser.
-enum class Reach { ByBus, ByCommand, NotAtAll };
-struct FileBrowserReach {
-    Reach reach{Reach::NotAtAll};
-    // Why it cannot be reached at all.
-    FinderOutcome outcome{};
-};
-// Starts the browser where it is a service and nobody offers that yet.
-FileBrowserReach reachFileBrowser();
-
-// The command by which the bus would start the browser as the service: nothing for a browser that is none.
-std::optional<std::vector<std::string>> serviceCommandOf(FileBrowser const& browser);
-
-// Whether somebody offers the service now; nothing where there is no bus to ask.
+// Whether a process offers the service now; nullopt without a bus.
 std::optional<bool> isFileBrowserServiceOffered();
-// Waits until somebody offers it. Not as long as it could where the process that should has ended.
-FinderOutcome waitForFileBrowserService(std::int32_t pid);
 
-// Calls a method of the service with the items.
-FinderOutcome callFileBrowserService(std::string const& method, std::vector<std::string> const& paths);
+// Waits until a process offers the service. If the process with the ID, which was started to do so, ends meanwhile, it
+// waits at most 2 seconds more: the program may have started another and ended.
+DesktopOutcome waitForFileBrowserService(std::int32_t pid, std::chrono::milliseconds longest);
 
-// Whether a window can be shown.
-bool hasDisplay();
+enum class FileBrowserRequest { ShowItems, ShowFolders, ShowItemProperties };
 
-// Of what is not there.
-FinderOutcome noFileBrowser();
-FinderOutcome noSessionBus();
-FinderOutcome noDisplay();
-// Of a program that could not be started, by errno.
-FinderOutcome notStarted();
+// Asks the process that offers the service, whichever browser it is, and waits for its reply unless it is known never
+// to reply. Never starts a process: the bus might start another browser than the user's.
+DesktopOutcome callFileBrowserService(FileBrowserRequest request, std::vector<std::string> const& paths,
+                                      std::chrono::milliseconds longest);
+
+// What to answer for a browser that can be reached by the bus alone, without one.
+DesktopProblem noSessionBus();
+
+// Tells the process to quit by its browser's own call. False if it has no such name on the bus, or refuses.
+bool callToQuit(QuitCall const& call, std::int32_t pid);
 
 } // namespace mac

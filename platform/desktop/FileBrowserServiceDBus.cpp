@@ -3,9 +3,12 @@
 #include "platform/desktop/SessionBus.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/processes/ProcessList.h"
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QStringList>
+#include <algorithm>
+#include <array>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -14,46 +17,84 @@ namespace mac {
 
 namespace {
 
-constexpr char Name[] = "org.freedesktop.FileManager1";
 constexpr char Path[] = "/org/freedesktop/FileManager1";
+
+QString textOf(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 std::optional<QDBusConnection> connection() {
     requireEventLoop();
     return connectToSessionBus();
 }
 
-bool isOffered(QDBusConnection const& bus) { return !busNameOwner(bus, Name).number.isEmpty(); }
+bool isOffered(QDBusConnection const& bus) {
+    return !busNameOwner(bus, textOf(FileBrowserServiceName)).number.isEmpty();
+}
 
-FinderOutcome outcomeOf(QDBusMessage const& answer) {
+// Whether the error says that no process could be asked, rather than that one refused.
+bool isAbsence(QString const& errorName) {
+    constexpr std::array absences{"ServiceUnknown", "NameHasNoOwner", "NoReply", "Timeout", "TimedOut", "Disconnected"};
+    return std::ranges::any_of(absences, [&](char const* absence) {
+        return errorName == QStringLiteral("org.freedesktop.DBus.Error.") + absence;
+    });
+}
+
+DesktopOutcome outcomeOf(QDBusMessage const& answer) {
     if (answer.type() == QDBusMessage::ReplyMessage) return {};
-    QString const name = answer.errorName();
-    std::string const reason = "The file browser does not answer: " + answer.errorMessage().toStdString();
-    for (char const* const absent :
-         {"ServiceUnknown", "NameHasNoOwner", "NoReply", "Timeout", "TimedOut", "Disconnected"}) {
-        if (name == QStringLiteral("org.freedesktop.DBus.Error.") + absent) return {FinderProblem::NoAnswer, reason};
+    std::string const reason = answer.errorMessage().toStdString();
+    if (isAbsence(answer.errorName()))
+        return DesktopProblem{DesktopProblem::Kind::NoAnswer, "The file browser does not answer: " + reason};
+    return DesktopProblem{DesktopProblem::Kind::Refused, "The file browser cannot do it: " + reason};
+}
+
+QString methodOf(FileBrowserRequest request) {
+    switch (request) {
+    case FileBrowserRequest::ShowItems:
+        return QStringLiteral("ShowItems");
+    case FileBrowserRequest::ShowFolders:
+        return QStringLiteral("ShowFolders");
+    case FileBrowserRequest::ShowItemProperties:
+        break;
     }
-    return {FinderProblem::Refused, "The file browser cannot do it: " + answer.errorMessage().toStdString()};
+    return QStringLiteral("ShowItemProperties");
+}
+
+bool hasReply(QDBusConnection const& bus, FileBrowserRequest request) {
+    if (request != FileBrowserRequest::ShowItemProperties) return true;
+    std::optional<BusPeer> const owner = busPeer(bus, textOf(FileBrowserServiceName));
+    std::optional<RunningProcess> const process = owner ? runningProcess(owner->pid) : std::nullopt;
+    FileBrowserKind const* const kind = process ? fileBrowserKindOf(process->executable) : nullptr;
+    return !kind || kind->informationReply == InformationReply::Comes;
+}
+
+DesktopOutcome sendWithoutReply(QDBusConnection const& bus, QDBusMessage const& call) {
+    // The bus handles messages in order: its answer about the owner says that it has delivered the call.
+    bool const isDelivered = bus.send(call) && isOffered(bus);
+    if (isDelivered) return {};
+    return DesktopProblem{DesktopProblem::Kind::NoAnswer, "The file browser has left the session bus"};
 }
 
 } // namespace
+
+DesktopProblem noSessionBus() {
+    return {DesktopProblem::Kind::NoBus, "There is no session bus to reach the file browser by"};
+}
 
 std::optional<bool> isFileBrowserServiceOffered() {
     std::optional<QDBusConnection> const bus = connection();
     return bus ? std::optional(isOffered(*bus)) : std::nullopt;
 }
 
-FinderOutcome waitForFileBrowserService(std::int32_t pid) {
+DesktopOutcome waitForFileBrowserService(std::int32_t pid, std::chrono::milliseconds longest) {
     std::optional<QDBusConnection> const bus = connection();
     if (!bus) return noSessionBus();
-    // A program may start another one and end; that one comes soon then.
     constexpr std::chrono::milliseconds step(20);
     constexpr std::chrono::milliseconds rest(2'000);
-    auto end = std::chrono::steady_clock::now() + finderPatience().start;
+    auto end = std::chrono::steady_clock::now() + longest;
     FileDescriptor const process(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
     bool hasEnded = !process.isOpen();
     while (!isOffered(*bus)) {
         auto const now = std::chrono::steady_clock::now();
-        if (now >= end) return {FinderProblem::NoAnswer, "The file browser did not start in time"};
+        if (now >= end) return DesktopProblem{DesktopProblem::Kind::NoAnswer, "The file browser did not start in time"};
         pollfd waited{hasEnded ? -1 : process.number(), POLLIN, 0};
         if (::poll(&waited, 1, static_cast<int>(step.count())) == 1) {
             hasEnded = true;
@@ -63,17 +104,36 @@ FinderOutcome waitForFileBrowserService(std::int32_t pid) {
     return {};
 }
 
-FinderOutcome callFileBrowserService(std::string const& method, std::vector<std::string> const& paths) {
+DesktopOutcome callFileBrowserService(FileBrowserRequest request, std::vector<std::string> const& paths,
+                                      std::chrono::milliseconds longest) {
     std::optional<QDBusConnection> const bus = connection();
     if (!bus) return noSessionBus();
     QStringList uris;
     for (std::string const& path : paths)
         uris.append(QString::fromStdString(fileURIOfPath(path)));
-    QDBusMessage call = QDBusMessage::createMethodCall(Name, Path, Name, QString::fromStdString(method));
-    call.setArguments({uris, QString()});
-    // The bus might start another one than the user's.
+    QString const name = textOf(FileBrowserServiceName);
+    QDBusMessage call = QDBusMessage::createMethodCall(name, Path, name, methodOf(request));
+    QString const startupID;
+    call.setArguments({uris, startupID});
     call.setAutoStartService(false);
-    return outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(finderPatience().answer.count())));
+    if (!hasReply(*bus, request)) return sendWithoutReply(*bus, call);
+    return outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(longest.count())));
+}
+
+bool callToQuit(QuitCall const& call, std::int32_t pid) {
+    constexpr int milliseconds = 1'000;
+    std::optional<QDBusConnection> const bus = connection();
+    if (!bus) return false;
+    QString const name = textOf(call.namePrefix) + QString::number(pid);
+    // The name proves nothing: any process may take it.
+    std::optional<BusPeer> const owner = busPeer(*bus, name);
+    if (!owner || owner->pid != pid) return false;
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(name, textOf(call.path), textOf(call.interface), textOf(call.method));
+    message.setAutoStartService(false);
+    QDBusMessage const answer = bus->call(message, QDBus::Block, milliseconds);
+    // A process that asks its user first, or ends at once, does not reply.
+    return answer.type() == QDBusMessage::ReplyMessage || isAbsence(answer.errorName());
 }
 
 } // namespace mac

@@ -1,6 +1,8 @@
 #include "platform/desktop/KeyFile.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/XDGFolders.h"
 #include <algorithm>
+#include <iterator>
 
 namespace mac {
 
@@ -39,7 +41,7 @@ std::string unescaped(std::string_view text) {
         case '\\':
             result.push_back('\\');
             break;
-        // No escape of this level: the command line has its own.
+        // Not an escape here: command lines have their own.
         default:
             result.append({'\\', next});
         }
@@ -47,7 +49,7 @@ std::string unescaped(std::string_view text) {
     return result;
 }
 
-// Reads a word from the front of the text; false for a quote that does not end.
+// Reads a word from the front of the text; false if a quote does not end.
 bool readWord(std::string_view& text, std::string& word) {
     bool isQuoted = false;
     while (!text.empty()) {
@@ -65,6 +67,12 @@ bool readWord(std::string_view& text, std::string& word) {
         }
     }
     return !isQuoted;
+}
+
+std::vector<std::string> withListInEnvironment(std::string home, char const* variable, char const* fallback) {
+    std::vector<std::string> folders{std::move(home)};
+    std::ranges::move(listInEnvironment(variable, fallback), std::back_inserter(folders));
+    return folders;
 }
 
 } // namespace
@@ -126,6 +134,12 @@ std::optional<std::vector<std::string>> wordsOfCommandLine(std::string_view text
         if (text.empty()) return words;
         if (!readWord(text, words.emplace_back())) return std::nullopt;
     }
+}
+
+std::vector<std::string> configFolders() { return withListInEnvironment(configHome(), "XDG_CONFIG_DIRS", "/etc/xdg"); }
+
+std::vector<std::string> dataFolders() {
+    return withListInEnvironment(dataHome(), "XDG_DATA_DIRS", "/usr/local/share:/usr/share");
 }
 
 } // namespace mac

@@ -1,21 +1,32 @@
 #pragma once
 
-#include <cstddef>
+#include "platform/system/FolderContents.h"
 #include <string>
 #include <string_view>
 #include <vector>
 
+// The shared MIME information of this computer and user. A name that holds a NUL has no rule. For implementations; any
+// thread.
+
 namespace mac {
 
-// The shared MIME information of this computer and user. For implementations; any thread. What holds a NUL is no name.
-
-// The types that files of the name are of, by its form alone; none where no rule fits.
+// The types of files of that name, by its form alone; empty if no rule fits.
 std::vector<std::string> mimeTypesOfName(std::string_view name);
-// By name and first bytes together, as the desktop tells them. "application/octet-stream" where nothing fits.
+
+// The type by name and first bytes together, as the desktop determines it; "application/octet-stream" if no rule fits.
 std::string mimeTypeOfNameAndBytes(std::string_view name, std::string_view bytes);
-// The types that it is a special case of, the nearest first; none for one that is not known.
+
+// The type of the item at the path, by its name and, of a regular file that can be read, its first 16 KiB. Other items
+// are never opened: opening one may block or have side effects.
+std::string mimeTypeOfItem(std::string const& path, LinkAtEnd linkAtEnd);
+
+// The types that it is a special case of, the nearest first; empty for an unknown type.
 std::vector<std::string> parentsOfMIMEType(std::string_view mimeType);
-// The name that is used, for one of its other names; the same where it is not known.
+
+// The type, its parents, their parents and so on, each once and the nearest first.
+std::vector<std::string> mimeTypeAndAncestors(std::string mimeType);
+
+// The canonical name of a type given by an alias; other names are answered unchanged.
 std::string canonicalMIMEType(std::string_view mimeType);
 
 } // namespace mac

@@ -1,16 +1,50 @@
 #include "platform/desktop/MIMETypes.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/items/OpenItem.h"
 #include <QByteArray>
 #include <QMimeDatabase>
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac {
 
 namespace {
 
-// A byte that is no UTF-8 belongs to no rule's letters.
+// The rules of the shared MIME information look at no byte behind these.
+constexpr std::size_t BytesToLookAt = 16384;
+
+// A byte that is not UTF-8 matches no letter of a rule.
 QString textOf(std::string_view bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
 
-// Empty for what is no file's name: with a NUL the database reads behind the end of its own file.
+// Empty for a name with a NUL: such a name makes the database read past the end of its own file.
 QString fileName(std::string_view name) { return name.find('\0') == std::string_view::npos ? textOf(name) : QString(); }
+
+// Up to so many bytes from the file's start; fewer at its end or if reading fails.
+std::string readBytes(FileDescriptor const& file, std::size_t count) {
+    std::string bytes(count, '\0');
+    std::size_t length = 0;
+    while (file.isOpen() && length < bytes.size()) {
+        ssize_t const read = ::read(file.number(), bytes.data() + length, bytes.size() - length);
+        if (read < 0 && errno == EINTR) continue;
+        if (read <= 0) break;
+        length += static_cast<std::size_t>(read);
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+// The item is held while it is examined and opened, so that no other can be read in its place.
+std::string firstBytes(std::string const& path, LinkAtEnd linkAtEnd) {
+    std::optional<OpenItem> const opened = openItemAtPath(path, linkAtEnd == LinkAtEnd::IsFollowed);
+    struct stat status {};
+    if (!opened || ::fstat(opened->item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+    FileDescriptor const file(::open(opened->systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return readBytes(file, BytesToLookAt);
+}
 
 } // namespace
 
@@ -26,6 +60,10 @@ std::string mimeTypeOfNameAndBytes(std::string_view name, std::string_view bytes
     return QMimeDatabase().mimeTypeForFileNameAndData(fileName(name), data).name().toStdString();
 }
 
+std::string mimeTypeOfItem(std::string const& path, LinkAtEnd linkAtEnd) {
+    return mimeTypeOfNameAndBytes(BytePath(path).leaf(), firstBytes(path, linkAtEnd));
+}
+
 std::vector<std::string> parentsOfMIMEType(std::string_view mimeType) {
     QMimeType const type = QMimeDatabase().mimeTypeForName(textOf(mimeType));
     std::vector<std::string> names;
@@ -33,6 +71,16 @@ std::vector<std::string> parentsOfMIMEType(std::string_view mimeType) {
     for (QString const& parent : type.parentMimeTypes())
         names.push_back(parent.toStdString());
     return names;
+}
+
+std::vector<std::string> mimeTypeAndAncestors(std::string mimeType) {
+    std::vector<std::string> types{std::move(mimeType)};
+    for (std::size_t index = 0; index < types.size(); ++index) {
+        for (std::string& parent : parentsOfMIMEType(types[index])) {
+            if (std::ranges::find(types, parent) == types.end()) types.push_back(std::move(parent));
+        }
+    }
+    return types;
 }
 
 std::string canonicalMIMEType(std::string_view mimeType) {

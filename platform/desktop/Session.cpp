@@ -1,6 +1,6 @@
 #include "platform/desktop/Session.h"
-#include "platform/desktop/DesktopApplication.h"
 #include "platform/system/PercentEscapes.h"
+#include "platform/system/XDGFolders.h"
 #include <cstdlib>
 #include <functional>
 #include <string_view>
@@ -12,7 +12,7 @@ namespace mac {
 
 namespace {
 
-// The value of a variable; empty where it is not set.
+// Answers a variable's value; empty if it is not set.
 using Environment = std::function<std::string(std::string_view)>;
 
 Environment environmentOfThisProcess() {
@@ -42,18 +42,19 @@ std::optional<std::string> busAddressIn(Environment const& value) {
     return "unix:path=" + percentEscaped(socket);
 }
 
-// Without the number that a bus gives itself, which not all processes know.
+// The address without the bus's own number (guid), which not all processes know.
 std::optional<std::string> placeIn(std::optional<std::string> const& address) {
     return address ? std::optional(address->substr(0, address->find(",guid="))) : std::nullopt;
 }
 
-// Without the number of the screen, of which a display may have several.
+// The display's name without the number of its screen: ":0" for ":0.1".
 std::string displayIn(std::string const& name) {
     std::size_t const dot = name.rfind('.');
     return dot != std::string::npos && dot > name.rfind(':') ? name.substr(0, dot) : name;
 }
 
-// All sessions of a user may have one bus. What has windows on both systems is at the same display of either.
+// Sessions of one user may share a bus. If both processes name a Wayland display, that decides, else their X11
+// displays.
 bool areAtDifferentDisplays(Environment const& one, Environment const& other) {
     for (char const* const name : {"WAYLAND_DISPLAY", "DISPLAY"}) {
         std::string const display = one(name);
@@ -67,11 +68,18 @@ bool areAtDifferentDisplays(Environment const& one, Environment const& other) {
 
 std::optional<std::string> sessionBusAddress() { return busAddressIn(environmentOfThisProcess()); }
 
+bool hasDisplay() {
+    Environment const value = environmentOfThisProcess();
+    return !value("DISPLAY").empty() || !value("WAYLAND_DISPLAY").empty();
+}
+
+std::vector<std::string> currentDesktops() { return listInEnvironment("XDG_CURRENT_DESKTOP", ""); }
+
 bool isOfThisSession(std::int32_t pid) {
     struct stat status {};
     if (::stat(("/proc/" + std::to_string(pid)).c_str(), &status) != 0 || status.st_uid != ::geteuid()) return false;
     std::optional<std::vector<std::string>> variables = environmentOf(pid);
-    // While a program is being started there are none for a moment, whosever it is.
+    // During exec the environment is empty for a moment, whichever session the process belongs to.
     if (!variables || variables->empty()) return false;
     Environment const environment = environmentIn(std::move(*variables));
     if (areAtDifferentDisplays(environment, environmentOfThisProcess())) return false;

@@ -6,20 +6,25 @@
 #include <string>
 #include <vector>
 
-// The session that this process is in, for implementations; any thread.
+// The desktop session that this process runs in; for implementations, any thread.
 
 namespace mac {
 
-// The address of the session's message bus, as the environment tells it; nothing where there is none. None is ever
-// started.
+// The address of the session's message bus, from the environment; nullopt if it names none. Never starts a bus.
 std::optional<std::string> sessionBusAddress();
 
-// Whether the process is this user's and was started at the same bus and display: in another session it is somebody
-// else's. One whose environment names no bus, or no display, is taken for this session's in that; one that has no
-// environment, or may not be looked at, is not.
+// Whether the environment names a display, on X11 or Wayland, to show a window on.
+bool hasDisplay();
+
+// The names of the desktop (XDG_CURRENT_DESKTOP), by precedence: {"ubuntu", "GNOME"}.
+std::vector<std::string> currentDesktops();
+
+// Whether the process belongs to this user and was started on the same bus and display. A process whose environment
+// names no bus, or no display, passes that part of the test; one that has no environment, or whose environment may not
+// be read, fails it.
 bool isOfThisSession(std::int32_t pid);
 
-// This session's processes that run the program, as programOf tells it, in the order of their start.
+// This session's processes that run the program, as programOf answers it, in the order of their start.
 std::vector<ProcessIdentity> sessionProcessesOf(std::string const& program);
 
 } // namespace mac

@@ -1,4 +1,3 @@
-#include "platform/desktop/FileBrowserStart.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"
@@ -7,12 +6,15 @@
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/events/NSAppleEventDescriptor.h"
+#include <atomic>
 
 namespace mac {
 
 namespace {
 
 constexpr AESendMode ReplyModes = 3;
+
+std::atomic<QuitRequest> s_unansweredQuitHandler{askToEnd};
 
 EventDeadline deadlineIn(std::int32_t ticks) {
     constexpr std::int32_t ticksOfDefault = 60 * 60;
@@ -82,7 +84,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;
-    if (outcome->hasNoEndpoint && isQuit(event) && askToQuit(process)) {
+    if (outcome->hasNoEndpoint && isQuit(event) && s_unansweredQuitHandler.load()(process)) {
         if (mode == kAEWaitReply) reply = makeReply(event);
         if (mode == kAEQueueReply) enqueueAnswer(makeReply(event));
         return noErr;
@@ -105,6 +107,8 @@ OSStatus send(AppleEvent const& sent, AppleEvent* reply, AESendMode mode, Wait c
 }
 
 } // namespace
+
+void setUnansweredQuitHandler(QuitRequest handler) { s_unansweredQuitHandler = handler; }
 
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
                      std::function<bool()> const& goesOn) {

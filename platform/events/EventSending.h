@@ -2,9 +2,10 @@
 
 #include "platform/events/AppleEvents.h"
 #include "platform/events/EventQueue.h"
+#include "platform/system/processes/ProcessList.h"
 #include <functional>
 
-// Sending for those who may have to give up; for implementations.
+// Sending beyond what AESend offers; for implementations.
 
 namespace mac {
 
@@ -12,5 +13,12 @@ namespace mac {
 // while the reply is waited for, and may raise; when it answers NO, the wait is over with errAETimeout.
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
                      std::function<bool()> const& goesOn);
+
+// Asks a process to quit by other means than an event. False if it could not be asked.
+using QuitRequest = bool (*)(ProcessIdentity const& process);
+
+// Sets what becomes of the event 'quit' for a process that receives no events. It is sent SIGTERM (askToEnd) until this
+// is called. Any thread.
+void setUnansweredQuitHandler(QuitRequest handler);
 
 } // namespace mac

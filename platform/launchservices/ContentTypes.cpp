@@ -4,19 +4,11 @@
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
-#include "platform/system/items/OpenItem.h"
-#include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "platform/system/FolderContents.h"
 
 namespace mac {
 
 namespace {
-
-// All that the rules of the shared MIME information look at.
-constexpr std::size_t BytesToLookAt = 16384;
 
 std::string const* identifierOfTag(TypeTree const& types, TagClass tagClass, std::string_view tag,
                                    std::string_view kind) {
@@ -41,24 +33,6 @@ std::string typeCodeOf(DiskItem const& item) {
     return code == OSType() ? std::string() : utf8FromUnits(textOfCode(code));
 }
 
-// Opened so that nothing else can be read in the file's place; empty where it cannot be read.
-std::string firstBytes(std::string const& path, bool followsLinks) {
-    std::optional<OpenItem> const opened = openItemAtPath(path, followsLinks);
-    struct stat status {};
-    if (!opened || ::fstat(opened->item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    FileDescriptor const file(::open(opened->systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    std::string bytes(BytesToLookAt, '\0');
-    std::size_t length = 0;
-    while (file.isOpen() && length < bytes.size()) {
-        ssize_t const count = ::read(file.number(), bytes.data() + length, bytes.size() - length);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) break;
-        length += static_cast<std::size_t>(count);
-    }
-    bytes.resize(length);
-    return bytes;
-}
-
 std::string contentTypeOfFile(TypeTree const& types, DiskItem const& item) {
     if ((item.finder.finderFlags() & kIsAlias) != 0) return "com.apple.alias-file";
     std::vector<std::string> const byName = mimeTypesOfName(item.name);
@@ -71,7 +45,7 @@ std::string contentTypeOfFile(TypeTree const& types, DiskItem const& item) {
             if (type) return *type;
         }
     }
-    return identifierOfMIMEType(types, mimeTypeOfItem(item.path, false));
+    return identifierOfMIMEType(types, mimeTypeOfItem(item.path, LinkAtEnd::IsNotFollowed));
 }
 
 } // namespace
@@ -89,10 +63,6 @@ std::string contentTypeOf(DiskItem const& item) {
         break;
     }
     return "public.item";
-}
-
-std::string mimeTypeOfItem(std::string const& path, bool followsLinks) {
-    return mimeTypeOfNameAndBytes(std::string_view(path).substr(path.rfind('/') + 1), firstBytes(path, followsLinks));
 }
 
 } // namespace mac

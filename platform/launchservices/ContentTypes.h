@@ -11,8 +11,4 @@ struct DiskItem;
 // thread.
 std::string contentTypeOf(DiskItem const& item);
 
-// The MIME type by the name and, of a file that can be read, the first bytes. Nothing else is ever opened: that can
-// wait for ever, or do things. For implementations; any thread.
-std::string mimeTypeOfItem(std::string const& path, bool followsLinks);
-
 } // namespace mac

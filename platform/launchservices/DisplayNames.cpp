@@ -1,9 +1,11 @@
 #include "platform/launchservices/DisplayNames.h"
-#include "platform/desktop/DesktopEntries.h"
+#include "platform/desktop/DesktopEntry.h"
 #include "platform/files/FSPaths.h"
 #include "platform/foundation/DisplayNameSource.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
+#include "platform/system/BytePath.h"
+#include <algorithm>
 
 namespace mac {
 
@@ -27,9 +29,20 @@ NSString nameFromBundle(DiskItem const& item) {
     return localized == nil ? name : localized;
 }
 
+// Whether the item is a desktop entry that the desktop would start, so that its name may be believed: it may be
+// executed, or lies in a folder of applications.
+bool isTrustedDesktopEntry(DiskItem const& item) {
+    if (item.kind != DiskItem::Kind::File || item.extension() != "desktop") return false;
+    return item.mayRun || std::ranges::any_of(applicationFolders(), [&](std::string const& folder) {
+               return BytePath(item.path).isBelow(folder);
+           });
+}
+
 NSString ownName(DiskItem const& item) {
     if (item.isPackage()) return nameFromBundle(item);
-    return isTrustedDesktopEntry(item) ? nameOfDesktopEntry(item.path, userLanguages()) : NSString(nil);
+    if (!isTrustedDesktopEntry(item)) return nil;
+    std::optional<std::string> const name = DesktopEntry::readFile(item.path).localizedName(userLanguages());
+    return name ? textOf(*name) : NSString(nil);
 }
 
 bool isToldToHideExtension(DiskItem const& item) {

@@ -3,7 +3,7 @@
 #include "platform/applescript/Operators.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/desktop/FileBrowserProcess.h"
+#include "platform/desktop/FileBrowserSession.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"

@@ -1,8 +1,7 @@
 #include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/desktop/FileBrowserProcess.h"
-#include "platform/desktop/FileBrowserWindows.h"
+#include "platform/desktop/FileBrowserSession.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
 #include <cerrno>
@@ -16,23 +15,28 @@ namespace {
 constexpr std::int32_t ApplicationNotFound = -10814;
 constexpr std::int32_t EventFailed = -10000;
 
-// Nothing, or the error that says why it was not done.
-Value done(FinderOutcome const& outcome, Value const& object) {
-    switch (outcome.problem) {
-    case FinderProblem::None:
-        return {};
-    case FinderProblem::NotThere:
-        throw fileError(ENOENT, object);
-    case FinderProblem::NoApplication:
-        throw plainError(ApplicationNotFound);
-    case FinderProblem::NoBus:
-    case FinderProblem::NoDisplay:
-        throw plainError(errors::NoUserInteraction);
-    case FinderProblem::NoAnswer:
-        throw plainError(errors::TimedOut);
-    default:
-        throw ScriptError{.number = EventFailed, .message = unitsFromFileSystemBytes(outcome.reason), .from = object};
+// The script's error for why the object was not shown.
+ScriptError scriptErrorOf(DesktopProblem const& problem, Value const& object) {
+    switch (problem.kind) {
+    case DesktopProblem::Kind::NotThere:
+        return fileError(ENOENT, object);
+    case DesktopProblem::Kind::NoApplication:
+        return plainError(ApplicationNotFound);
+    case DesktopProblem::Kind::NoBus:
+    case DesktopProblem::Kind::NoDisplay:
+        return plainError(errors::NoUserInteraction);
+    case DesktopProblem::Kind::NoAnswer:
+        return plainError(errors::TimedOut);
+    case DesktopProblem::Kind::Refused:
+        break;
     }
+    return {.number = EventFailed, .message = unitsFromFileSystemBytes(problem.text), .from = object};
+}
+
+// An empty value if it was done, else raises the problem as the script's error.
+Value done(DesktopOutcome const& outcome, Value const& object) {
+    if (!outcome.isDone()) throw scriptErrorOf(outcome.problem(), object);
+    return {};
 }
 
 std::vector<std::string> pathsOf(ModelApplication& finder, Value const& meant, TextContext const& context) {
@@ -54,25 +58,26 @@ bool isInformationWindow(Value const& meant) {
 Value open(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     if (isInformationWindow(command.direct)) {
         Value const& item = command.direct.specifier().container;
-        return done(showInformation(pathsOf(finder, item, evaluator.context())), item);
+        return done(FileBrowserSession().showInformation(pathsOf(finder, item, evaluator.context())), item);
     }
     for (std::string const& path : pathsOf(finder, command.direct, evaluator.context()))
-        done(openItem(path), command.direct);
+        done(FileBrowserSession().openItem(path), command.direct);
     return {};
 }
 
 Value reveal(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    return done(revealItems(pathsOf(finder, command.direct, evaluator.context())), command.direct);
+    return done(FileBrowserSession().revealItems(pathsOf(finder, command.direct, evaluator.context())), command.direct);
 }
 
 Value activate(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& command) {
     bool const isLaunch = command.term.code == eventOf("ascrnoop");
-    return done(isLaunch ? launchFileBrowser() : activateFileBrowser(), finderItself());
+    FileBrowserSession const browser;
+    return done(isLaunch ? browser.launch() : browser.activate(), finderItself());
 }
 
 Value quit(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
     if (!isRunning()) return {};
-    return done(quitFileBrowser(), finderItself());
+    return done(FileBrowserSession().quit(), finderItself());
 }
 
 bool isRunning() { return !fileBrowserProcesses().empty(); }

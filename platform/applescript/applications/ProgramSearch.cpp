@@ -1,11 +1,10 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/desktop/DesktopApplication.h"
-#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/DesktopEntry.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/SerialNumbers.h"
-#include "platform/system/FolderContents.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/processes/DetachedProcess.h"
 #include <algorithm>
 #include <unistd.h>
@@ -14,7 +13,7 @@ namespace mac::applescript {
 
 namespace {
 
-std::string fileName(std::string const& path) { return path.substr(path.rfind('/') + 1); }
+std::string_view fileName(std::string const& path) { return BytePath(path).leaf(); }
 
 std::optional<std::u16string> textIn(NSDictionary const& information, char const* key) {
     NSString const found = as<NSString>(information.objectForKey_(NSString::stringWithUTF8String_(key)));
@@ -32,31 +31,23 @@ NamedProcess named(RunningProcess const& process) {
             .identifier = textIn(information, kCFBundleIdentifierKey).value_or(std::u16string())};
 }
 
-// Codes for files and the like are nothing that a program without files is given.
-std::vector<std::string> wordsWithoutCodes(std::string_view commandLine) {
-    std::vector<std::string> words = wordsOfCommandLine(commandLine).value_or(std::vector<std::string>());
+// The command of the entry without its codes for files and the like, for a program that is started without files.
+std::vector<std::string> wordsOf(DesktopEntry const& entry) {
+    std::vector<std::string> words = entry.command().value_or(std::vector<std::string>());
     std::erase_if(words, [](std::string const& word) { return word.size() == 2 && word.front() == '%'; });
     return words;
 }
 
 template <class Matches>
 std::optional<InstalledProgram> installedProgram(Matches const& matches) {
-    constexpr char group[] = "Desktop Entry";
-    constexpr std::string_view ending = ".desktop";
-    for (std::string const& folder : applicationFolders()) {
-        for (std::string const& file :
-             namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
-            if (!file.ends_with(ending)) continue;
-            KeyFile const entry = KeyFile::readFile(std::string(folder).append("/").append(file));
-            std::optional<std::string> const name = entry.text(group, "Name");
-            std::optional<std::string> const commandLine = entry.text(group, "Exec");
-            if (!name || !commandLine || entry.value(group, "Hidden") == "true") continue;
-            InstalledProgram program{.name = unitsFromFileSystemBytes(*name),
-                                     .identifier =
-                                         unitsFromFileSystemBytes(file.substr(0, file.size() - ending.size())),
-                                     .words = wordsWithoutCodes(*commandLine)};
-            if (!program.words.empty() && matches(program)) return program;
-        }
+    for (InstalledEntry const& installed : installedEntries()) {
+        DesktopEntry const entry = DesktopEntry::readFile(installed.path);
+        std::optional<std::string> const name = entry.name();
+        if (!name || entry.isHidden()) continue;
+        InstalledProgram program{.name = unitsFromFileSystemBytes(*name),
+                                 .identifier = unitsFromFileSystemBytes(installed.identifier()),
+                                 .words = wordsOf(entry)};
+        if (!program.words.empty() && matches(program)) return program;
     }
     return {};
 }

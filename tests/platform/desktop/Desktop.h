@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/FileBrowserService.h"
+#include "platform/desktop/FileBrowserSession.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
@@ -109,16 +109,16 @@ private:
     EnvironmentVariable const m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.address()};
 };
 
-// Restores the usual patience.
-class Impatience {
-public:
-    Impatience() {
-        std::chrono::milliseconds const moment(100);
-        finderPatience() = {.start = moment, .answer = moment, .quit = moment};
-    }
-    ~Impatience() { finderPatience() = {}; }
-    Impatience(Impatience const&) = delete;
-    Impatience& operator=(Impatience const&) = delete;
-};
+// For a browser that does not start, answer or quit.
+inline constexpr FileBrowserTimeouts ShortTimeouts{.start = std::chrono::milliseconds(100),
+                                                   .answer = std::chrono::milliseconds(100),
+                                                   .quit = std::chrono::milliseconds(100)};
+
+// nullopt for what was done.
+inline std::optional<DesktopProblem::Kind> kindOf(DesktopOutcome const& outcome) {
+    return outcome.isDone() ? std::nullopt : std::optional(outcome.problem().kind);
+}
+// Empty for what was done.
+inline std::string textOf(DesktopOutcome const& outcome) { return outcome.isDone() ? "" : outcome.problem().text; }
 
 } // namespace mac::test

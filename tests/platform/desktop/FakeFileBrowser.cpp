@@ -15,6 +15,7 @@
 //   stubborn  is it and does not end when it is asked to              nameless  runs without being the service
 //   ends      ends at once       starts    starts one that serves, and ends
 //   open      is none, and ends  quit      tells the one that serves to end
+//   dolphin   is it, never replies to ShowItemProperties, and is told to end by its own name's call
 //   quit-and-linger  as quit, but stays with a child process of the same program for half a minute
 
 namespace {
@@ -36,7 +37,7 @@ public:
     QString introspect(QString const&) const override { return {}; }
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
-        if (message.member() == QLatin1String("Quit")) {
+        if (message.member().compare(QLatin1String("quit"), Qt::CaseInsensitive) == 0) {
             write("asked to quit");
             QTimer::singleShot(0, qApp, &QCoreApplication::quit);
             return connection.send(message.createReply());
@@ -45,7 +46,8 @@ public:
         for (QString const& uri : message.arguments().value(0).toStringList())
             line += " " + uri.toStdString();
         write(line);
-        if (m_mode == "silent") return true;
+        bool const isInformation = message.member() == QLatin1String("ShowItemProperties");
+        if (m_mode == "silent" || (m_mode == "dolphin" && isInformation)) return true;
         if (m_mode != "refuse") return connection.send(message.createReply());
         return connection.send(message.createErrorReply("org.example.Error", "It has no hands"));
     }
@@ -88,6 +90,10 @@ int main(int count, char** arguments) {
         return 0;
     }
     connection.registerVirtualObject(Path, &browser);
+    if (mode == "dolphin") {
+        connection.registerVirtualObject("/MainApplication", &browser);
+        connection.registerService("org.kde.dolphin-" + QString::number(::getpid()));
+    }
     if (mode != "nameless" && !connection.registerService(Name)) return 1;
     // The test's bus ends with the test.
     QTimer timer;

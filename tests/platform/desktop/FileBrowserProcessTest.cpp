@@ -1,4 +1,3 @@
-#include "platform/desktop/FileBrowserProcess.h"
 #include "platform/desktop/Session.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <csignal>
@@ -17,7 +16,6 @@ protected:
         // What does not end by itself; the processes are the test's own, at its own bus.
         for (ProcessIdentity const& process : fileBrowserProcesses())
             ::kill(process.pid, SIGKILL);
-        forgetFileBrowserStart();
     }
 
     void install(std::string const& mode, std::string const& rest = "") const {
@@ -29,46 +27,47 @@ protected:
     }
 
     Desktop const m_desktop{};
+    FileBrowserSession const m_browser{};
 };
 
 TEST_F(FileBrowserProcess, IsStartedByItsEntryAndWaitedFor) {
     install("serve");
     EXPECT_TRUE(fileBrowserProcesses().empty());
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     EXPECT_EQ(isFileBrowserServiceOffered(), true);
     EXPECT_EQ(fileBrowserProcesses().size(), 1U);
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     EXPECT_EQ(m_desktop.lines(), Lines{"started serve by entry"});
 }
 
 TEST_F(FileBrowserProcess, QuitsByItsOwnCommand) {
     install("serve", "Actions=Open;Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
-    ASSERT_TRUE(launchFileBrowser().isDone());
-    FinderOutcome const outcome = quitFileBrowser();
-    EXPECT_TRUE(outcome.isDone()) << outcome.reason;
+    ASSERT_TRUE(m_browser.launch().isDone());
+    DesktopOutcome const outcome = m_browser.quit();
+    EXPECT_TRUE(outcome.isDone()) << textOf(outcome);
     EXPECT_EQ(m_desktop.lines(), (Lines{"started serve by entry", "started quit", "asked to quit"}));
     EXPECT_TRUE(fileBrowserProcesses().empty());
 }
 
 TEST_F(FileBrowserProcess, IsAskedAsAnyProcessWhereItHasNoCommand) {
     install("serve");
-    ASSERT_TRUE(launchFileBrowser().isDone());
-    EXPECT_TRUE(quitFileBrowser().isDone());
+    ASSERT_TRUE(m_browser.launch().isDone());
+    EXPECT_TRUE(m_browser.quit().isDone());
     EXPECT_TRUE(fileBrowserProcesses().empty());
 }
 
 TEST_F(FileBrowserProcess, HasQuitWhereItDoesNotRun) {
-    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoApplication);
+    EXPECT_EQ(kindOf(m_browser.quit()), DesktopProblem::Kind::NoApplication);
     install("serve");
-    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.quit().isDone());
     EXPECT_TRUE(m_desktop.lines().empty());
 }
 
 TEST_F(FileBrowserProcess, IsNotForcedToQuit) {
     install("stubborn");
-    ASSERT_TRUE(launchFileBrowser().isDone());
-    Impatience const impatience;
-    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoAnswer);
+    ASSERT_TRUE(m_browser.launch().isDone());
+    FileBrowserSession const impatient(ShortTimeouts);
+    EXPECT_EQ(kindOf(impatient.quit()), DesktopProblem::Kind::NoAnswer);
     EXPECT_EQ(fileBrowserProcesses().size(), 1U);
 }
 
@@ -83,7 +82,7 @@ TEST_F(FileBrowserProcess, IsStartedAgainAsItWasStarted) {
     EXPECT_EQ(browser.wait(), -SIGTERM) << "it has no command for that";
     ASSERT_TRUE(isGone());
     EXPECT_FALSE(askToQuit(processes[0]));
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     std::string const line = "started serve  in " + folder;
     EXPECT_EQ(m_desktop.lines(), (Lines{line, line}));
 }
@@ -97,9 +96,9 @@ TEST_F(FileBrowserProcess, ThatIsAScriptIsStartedAgainAsItWasStarted) {
     std::string const line = script + " as it was";
     ASSERT_EQ(m_desktop.lines(1), Lines{line});
     ASSERT_EQ(fileBrowserProcesses().size(), 1U);
-    EXPECT_TRUE(quitFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.quit().isDone());
     EXPECT_EQ(browser.wait(), -SIGTERM);
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     EXPECT_EQ(m_desktop.lines(2), (Lines{line, line}));
 }
 
@@ -109,22 +108,22 @@ TEST_F(FileBrowserProcess, IsStartedInATerminalWhereItNeedsOne) {
     ASSERT_EQ(::chmod(terminal.c_str(), 0755), 0);
     EnvironmentVariable const path("PATH", m_desktop.folder.path("bin") + ":/usr/bin:/bin");
     m_desktop.install("/bin/cat by entry", "Terminal=true\n");
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     EXPECT_TRUE(m_desktop.lines(1).at(0).starts_with("terminal -e /")) << m_desktop.lastLine();
 }
 
 TEST_F(FileBrowserProcess, MayTakeItsTimeAfterItsOwnCommand) {
     install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("open") + "\n");
-    ASSERT_TRUE(launchFileBrowser().isDone());
-    Impatience const impatience;
-    EXPECT_EQ(quitFileBrowser().problem, FinderProblem::NoAnswer);
+    ASSERT_TRUE(m_browser.launch().isDone());
+    FileBrowserSession const impatient(ShortTimeouts);
+    EXPECT_EQ(kindOf(impatient.quit()), DesktopProblem::Kind::NoAnswer);
     EXPECT_EQ(fileBrowserProcesses().size(), 1U) << "it got no signal";
 }
 
 TEST_F(FileBrowserProcess, IsNotTheCommandThatMakesItQuit) {
     std::string const command = m_desktop.fake("nameless");
     install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + command + "\n");
-    ASSERT_TRUE(launchFileBrowser().isDone());
+    ASSERT_TRUE(m_browser.launch().isDone());
     std::vector<ProcessIdentity> const before = fileBrowserProcesses();
     ASSERT_EQ(before.size(), 1U);
     EXPECT_TRUE(askToQuit(before[0]));
@@ -138,11 +137,11 @@ TEST_F(FileBrowserProcess, IsNotTheCommandThatMakesItQuit) {
 TEST_F(FileBrowserProcess, IsNoChildOfTheCommandThatMakesItQuit) {
     std::string const command = m_desktop.fake("quit-and-linger");
     install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + command + "\n");
-    ASSERT_TRUE(launchFileBrowser().isDone());
-    EXPECT_TRUE(quitFileBrowser().isDone());
+    ASSERT_TRUE(m_browser.launch().isDone());
+    EXPECT_TRUE(m_browser.quit().isDone());
     EXPECT_FALSE(sessionProcessesOf(fakeFileBrowser()).empty()) << "the child has ended";
     EXPECT_TRUE(fileBrowserProcesses().empty());
-    EXPECT_TRUE(launchFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.launch().isDone());
     EXPECT_EQ(fileBrowserProcesses().size(), 1U);
     for (ProcessIdentity const& process : sessionProcessesOf(fakeFileBrowser()))
         ::kill(process.pid, SIGKILL);
@@ -150,7 +149,7 @@ TEST_F(FileBrowserProcess, IsNoChildOfTheCommandThatMakesItQuit) {
 
 TEST_F(FileBrowserProcess, IsAskedToQuitByItsOwnCommandFirst) {
     install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
-    ASSERT_TRUE(launchFileBrowser().isDone());
+    ASSERT_TRUE(m_browser.launch().isDone());
     EXPECT_TRUE(askToQuit(fileBrowserProcesses().at(0)));
     EXPECT_TRUE(isGone());
     EXPECT_EQ(m_desktop.lastLine(), "asked to quit");
@@ -169,7 +168,7 @@ TEST_F(FileBrowserProcess, OfAnotherSessionIsNotItsOwn) {
 
 TEST_F(FileBrowserProcess, ShowsTheHomeFolderWhenItIsActivated) {
     install("serve");
-    EXPECT_TRUE(activateFileBrowser().isDone());
+    EXPECT_TRUE(m_browser.activate().isDone());
     EXPECT_EQ(m_desktop.lines(),
               (Lines{"started serve by entry", "ShowFolders file://" + m_desktop.folder.path("home")}));
 }
@@ -177,8 +176,8 @@ TEST_F(FileBrowserProcess, ShowsTheHomeFolderWhenItIsActivated) {
 TEST_F(FileBrowserProcess, IsNotStartedWithoutADisplay) {
     install("serve");
     EnvironmentVariable const none("DISPLAY", "");
-    EXPECT_EQ(launchFileBrowser().problem, FinderProblem::NoDisplay);
-    EXPECT_EQ(activateFileBrowser().problem, FinderProblem::NoDisplay);
+    EXPECT_EQ(kindOf(m_browser.launch()), DesktopProblem::Kind::NoDisplay);
+    EXPECT_EQ(kindOf(m_browser.activate()), DesktopProblem::Kind::NoDisplay);
     EXPECT_TRUE(m_desktop.lines().empty());
 }
 

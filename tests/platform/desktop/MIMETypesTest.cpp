@@ -1,5 +1,8 @@
 #include "platform/desktop/MIMETypes.h"
+#include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::test {
 namespace {
@@ -32,6 +35,22 @@ TEST(MIMETypes, AreCasesOfOthersAndHaveOtherNames) {
     EXPECT_EQ(parentsOfMIMEType("application/x-nobody"), Names());
     EXPECT_EQ(canonicalMIMEType("application/x-gzip"), "application/gzip");
     EXPECT_EQ(canonicalMIMEType("application/x-nobody"), "application/x-nobody");
+}
+
+TEST(MIMETypes, OfItemsAreThoseOfNamesAndFirstBytes) {
+    TemporaryFolder const folder;
+    std::string const page = folder.makeFile("page", "%PDF-1.4");
+    EXPECT_EQ(mimeTypeOfItem(page, LinkAtEnd::IsNotFollowed), "application/pdf");
+    ASSERT_EQ(::symlink("page", folder.path("link").c_str()), 0);
+    EXPECT_EQ(mimeTypeOfItem(folder.path("link"), LinkAtEnd::IsFollowed), "application/pdf");
+    EXPECT_EQ(mimeTypeOfItem(folder.path("link"), LinkAtEnd::IsNotFollowed), mimeTypeOfNameAndBytes("link", ""));
+    ASSERT_EQ(::mkfifo(folder.path("pipe.txt").c_str(), 0600), 0);
+    EXPECT_EQ(mimeTypeOfItem(folder.path("pipe.txt"), LinkAtEnd::IsFollowed), "text/plain") << "it is never opened";
+}
+
+TEST(MIMETypes, AreListedWithAllThatTheyAreCasesOf) {
+    EXPECT_EQ(mimeTypeAndAncestors("text/x-tex"), (Names{"text/x-tex", "text/plain", "application/octet-stream"}));
+    EXPECT_EQ(mimeTypeAndAncestors("application/x-nobody"), Names{"application/x-nobody"});
 }
 
 } // namespace

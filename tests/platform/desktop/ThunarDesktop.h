@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/FileBrowserProcess.h"
+#include "platform/desktop/FileBrowserSession.h"
 #include "tests/platform/desktop/VirtualSession.h"
 #include <memory>
 
@@ -17,13 +17,14 @@ protected:
         m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
     }
     void TearDown() override {
-        if (m_session) quitFileBrowser();
-        forgetFileBrowserStart();
+        if (!m_session) return;
+        EXPECT_EQ(kindOf(m_browser.quit()), std::nullopt);
     }
 
     static bool showsWindow(std::string const& title) { return VirtualSession::showsWindow(title); }
     static bool showsElement(std::string const& beginning) { return VirtualSession::showsElement(beginning); }
 
+    FileBrowserSession const m_browser{};
     TemporaryFolder const m_folder{};
 
 private:

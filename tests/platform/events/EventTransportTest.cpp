@@ -126,6 +126,24 @@ TEST_F(EventTransport, AsksAProcessThatAnswersNoEventsToQuitByASignal) {
     EXPECT_EQ(child.wait(), -SIGTERM);
 }
 
+ProcessIdentity s_quitRequest;
+
+TEST_F(EventTransport, LeavesAProcessThatAnswersNoEventsToTheHandlerOfUnansweredQuits) {
+    struct Restored {
+        ~Restored() { setUnansweredQuitHandler(askToEnd); }
+    } const restored;
+    ChildProcess const child({"/bin/cat"});
+    setUnansweredQuitHandler([](ProcessIdentity const& process) {
+        s_quitRequest = process;
+        return true;
+    });
+    EXPECT_EQ(askToQuit(child), noErr);
+    EXPECT_EQ(s_quitRequest.pid, child.pid());
+    EXPECT_TRUE(runningProcess(s_quitRequest)) << "it got no signal";
+    setUnansweredQuitHandler([](ProcessIdentity const&) { return false; });
+    EXPECT_EQ(askToQuit(child), procNotFound);
+}
+
 TEST_F(EventTransport, QueuesTheAnswerOfAProcessThatASignalAsksToQuit) {
     ChildProcess child({"/bin/cat"});
     std::vector<AEEventID> answers;

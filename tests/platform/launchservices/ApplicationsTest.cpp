@@ -1,5 +1,5 @@
 #include "platform/launchservices/Applications.h"
-#include "platform/desktop/DesktopRoles.h"
+#include "platform/desktop/DefaultApplications.h"
 #include "platform/files/FSPaths.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "tests/support/Environment.h"

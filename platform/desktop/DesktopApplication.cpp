@@ -1,19 +1,17 @@
 #include "platform/desktop/DesktopApplication.h"
-#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/Session.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/PercentEscapes.h"
-#include "platform/system/XDGFolders.h"
+#include "platform/system/processes/DetachedProcess.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <memory>
-#include <unistd.h>
 
 namespace mac {
 
 namespace {
 
-// The word with the codes in it resolved that stand for a part of a word.
+// The word with its codes (%f) replaced.
 std::string expanded(std::string const& word, DesktopApplication const& application, std::string const& path) {
     std::string result;
     for (std::size_t index = 0; index < word.size(); ++index) {
@@ -39,7 +37,7 @@ std::string expanded(std::string const& word, DesktopApplication const& applicat
         case 'k':
             result += application.entryPath;
             break;
-        // Others stand for nothing any more.
+        // Other codes are deprecated and expand to nothing.
         default:
             break;
         }
@@ -54,20 +52,19 @@ bool standsForFiles(std::string const& word) {
     return std::ranges::any_of(codes, [&](char const* code) { return word.find(code) != std::string::npos; });
 }
 
+DesktopProblem noDisplay() { return {DesktopProblem::Kind::NoDisplay, "There is no display to open a window on"}; }
+
 } // namespace
 
-std::optional<DesktopApplication> applicationOfEntryAtPath(std::string const& path) {
-    constexpr char group[] = "Desktop Entry";
-    KeyFile const entry = KeyFile::readFile(path);
-    std::optional<std::string> const commandLine = entry.text(group, "Exec");
-    if (!commandLine || entry.value(group, "Hidden") == "true") return std::nullopt;
-    std::optional<std::vector<std::string>> words = wordsOfCommandLine(*commandLine);
-    if (!words || words->empty()) return std::nullopt;
-    std::optional<std::string> program = resolvedProgram(words->front());
+std::optional<DesktopApplication> applicationOfEntry(DesktopEntry const& entry) {
+    std::optional<std::vector<std::string>> words = entry.isHidden() ? std::nullopt : entry.command();
+    std::optional<std::string> program = words ? resolvedProgram(words->front()) : std::nullopt;
     if (!program) return std::nullopt;
-    bool const needsTerminal = entry.value(group, "Terminal") == "true";
-    return DesktopApplication{path, entry.text(group, "Name").value_or(path.substr(path.rfind('/') + 1)),
-                              std::move(*program), std::move(*words), needsTerminal};
+    return DesktopApplication{.entryPath = entry.path(),
+                              .name = entry.name().value_or(std::string(BytePath(entry.path()).leaf())),
+                              .executable = std::move(*program),
+                              .words = std::move(*words),
+                              .needsTerminal = entry.needsTerminal()};
 }
 
 std::string programOf(DesktopApplication const& application) {
@@ -90,26 +87,34 @@ std::vector<std::string> commandOf(DesktopApplication const& application, std::v
         }
         hasFiles = hasFiles || standsForFiles(word);
     }
-    // It does not say that it takes files; most do.
+    // A command without a code for files mostly takes them all the same.
     if (!hasFiles) command.push_back(first);
     return command;
 }
 
 std::string fileURIOfPath(std::string const& path) { return "file://" + percentEscaped(path); }
 
-std::optional<std::string> resolvedProgram(std::string const& word) {
-    std::vector<std::string> paths{word};
-    if (word.find('/') == std::string::npos) {
-        paths = listInEnvironment("PATH", "/usr/local/bin:/usr/bin:/bin");
-        for (std::string& folder : paths)
-            folder += "/" + word;
+DesktopResult<std::int32_t> startProgram(ProgramStart const& start) {
+    if (!hasDisplay()) return noDisplay();
+    DetachedProcess const process = startDetached(start.executable, start.words, start.folder);
+    if (process.pid > 0) return process.pid;
+    SystemError cause = lastSystemError("execv", start.executable);
+    std::string text = "The program cannot be started: " + cause.text();
+    return DesktopProblem{DesktopProblem::Kind::NoAnswer, std::move(text), std::move(cause)};
+}
+
+DesktopOutcome startApplication(DesktopApplication const& application, std::vector<std::string> const& paths) {
+    if (!hasDisplay()) return noDisplay();
+    ProgramStart start{.executable = application.executable, .words = commandOf(application, paths)};
+    if (application.needsTerminal) {
+        std::optional<std::string> const terminal = resolvedProgram("x-terminal-emulator");
+        if (!terminal)
+            return DesktopProblem{DesktopProblem::Kind::Refused, "There is no terminal to run the application in"};
+        start.executable = *terminal;
+        start.words.insert(start.words.begin(), {*terminal, "-e"});
     }
-    for (std::string const& path : paths) {
-        if (::access(path.c_str(), X_OK) != 0) continue;
-        std::unique_ptr<char, decltype(&::free)> const resolved(::realpath(path.c_str(), nullptr), &::free);
-        if (resolved) return std::string(resolved.get());
-    }
-    return std::nullopt;
+    DesktopResult<std::int32_t> const started = startProgram(start);
+    return started.hasValue() ? DesktopOutcome() : DesktopOutcome(started.problem());
 }
 
 } // namespace mac
