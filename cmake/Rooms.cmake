@@ -35,17 +35,20 @@ function(framekeeper_library_room NAME)
   set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_LIBRARY_ROOMS framekeeper_${NAME})
 endfunction()
 
-# framekeeper_test(NAME SOURCES ... [USES ...] [THROUGH ...]): a GoogleTest program, registered under its name. THROUGH is
-# the command that runs it, where it is not run straight.
+# framekeeper_test(NAME [OWN_PROCESSES] SOURCES ... [USES ...]): a GoogleTest program, registered under its name. With
+# OWN_PROCESSES it starts itself in a process namespace of its own, however it is run.
 function(framekeeper_test NAME)
-  cmake_parse_arguments(TEST "" "" "SOURCES;USES;THROUGH" ${ARGN})
+  cmake_parse_arguments(TEST "OWN_PROCESSES" "" "SOURCES;USES" ${ARGN})
   add_executable(${NAME} ${TEST_SOURCES})
   target_link_libraries(${NAME} PRIVATE framekeeper_options ${TEST_USES} framekeeper_test_support GTest::gtest)
   # Optimising what is only tests takes more than half of the time that their build takes under the sanitizers.
   if(FRAMEKEEPER_SANITIZERS)
     target_compile_options(${NAME} PRIVATE -O0)
   endif()
-  add_test(NAME ${NAME} COMMAND ${TEST_THROUGH} $<TARGET_FILE:${NAME}>)
+  if(TEST_OWN_PROCESSES)
+    target_link_libraries(${NAME} PRIVATE framekeeper_own_processes)
+  endif()
+  add_test(NAME ${NAME} COMMAND ${NAME})
   set_tests_properties(${NAME} PROPERTIES
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
 endfunction()

@@ -30,8 +30,7 @@ TEST(PathRecords, HoldElevenKeysInTheirOrderWhenEveryObjectIsThere) {
 TEST(PathRecords, LeaveOutTheKeysOfObjectsThatAreNil) {
     AppController const controller = makeController();
     NSMutableSet const records = NSMutableSet::set();
-    controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/nowhere/Mirror Frame.app", nil, nil,
-                                                                     nil);
+    controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/a", nil, nil, nil);
     NSDictionary const record = as<NSDictionary>(records.anyObject());
     EXPECT_EQ(text(record.allKeys().componentsJoinedByString_(" ")),
               "path displayPath exists isRunning isAutolaunched isInToolbar version versionString");
@@ -124,11 +123,13 @@ TEST(PathRecords, ShowAVersionThatIsANumberAsText) {
 }
 
 TEST(PathRecords, ListALoginItemThatTheDiskDoesNotHold) {
+    TemporaryFolder const folder;
+    NSString const gone = pathString(folder.path("Gone/Mirror Frame.app"));
     AppController const controller = makeController();
     NSDictionary const item = NSDictionary::dictionaryWithObject_forKey_("~/Gone/Mirror Frame.app", "Path");
-    controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/Gone/Mirror Frame.app", "autolaunchItem", item)));
+    controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry(gone, "autolaunchItem", item)));
     controller.reSync();
-    NSDictionary const record = recordOf(controller, "/Gone/Mirror Frame.app");
+    NSDictionary const record = recordOf(controller, gone);
     EXPECT_TRUE(flag(record, "isAutolaunched"));
     EXPECT_FALSE(flag(record, "exists"));
     EXPECT_TRUE(isSame(record.objectForKey_("autolaunchItem"), item));
@@ -217,7 +218,7 @@ std::size_t readsOfReSync(int count) {
     NSMutableSet const sources[3]{NSMutableSet::set(), NSMutableSet::set(), NSMutableSet::set()};
     for (int index = 0; index < count; ++index) {
         for (NSMutableSet const& source : sources)
-            source.addObject_(adopt<CountedEntry>(NSString::stringWithFormat_("/none/%d", index)));
+            source.addObject_(adopt<CountedEntry>(NSString::stringWithFormat_("/%d/Mirror Frame.app", index)));
     }
     controller.setIsRunningPaths_(sources[0]);
     controller.setIsAutolaunchedPaths_(sources[1]);

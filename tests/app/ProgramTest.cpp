@@ -51,14 +51,16 @@ Outcome run(std::vector<std::string> environment) {
 }
 
 TEST(Program, SaysThatThereIsNoDisplayAndEnds) {
-    Outcome const outcome = run({"HOME=/nonexistent"});
+    mac::test::TemporaryFolder const home;
+    Outcome const outcome = run({"HOME=" + home.path()});
     EXPECT_TRUE(WIFEXITED(outcome.status));
     EXPECT_EQ(WEXITSTATUS(outcome.status), 1);
     EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;
 }
 
 TEST(Program, SaysThatTheDisplayDoesNotAnswerAndEnds) {
-    Outcome const outcome = run({"HOME=/nonexistent", "DISPLAY=:4093"});
+    mac::test::TemporaryFolder const home;
+    Outcome const outcome = run({"HOME=" + home.path(), "DISPLAY=:4093"});
     EXPECT_TRUE(WIFEXITED(outcome.status));
     EXPECT_EQ(WEXITSTATUS(outcome.status), 1);
     EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;

@@ -46,6 +46,9 @@ protected:
         return paths;
     }
 
+    TemporaryFolder const m_folder{};
+    // A copy of which no process runs.
+    NSString const m_idle{makeCopy(m_folder, "idle")};
     AppController m_controller = makeController();
     NSArrayController m_selection = NSArrayController::alloc().init();
     std::vector<std::string> m_log;
@@ -85,14 +88,14 @@ TEST_F(RunningCopies, AreThoseWhoseBundleHasTheIdentifier) {
 
 TEST_F(RunningCopies, AreMarkedInTheirRecords) {
     RunningCompanion const willing("willing");
-    m_controller.setIsOnHarddiskPaths_(pathSet({willing.bundle(), "/none/Mirror Frame.app"}));
+    m_controller.setIsOnHarddiskPaths_(pathSet({willing.bundle(), m_idle}));
     m_controller.syncIsRunningPaths();
     m_controller.reSync();
     EXPECT_EQ(m_controller.paths().count(), 2U);
     NSDictionary const record = recordOf(m_controller, willing.bundle());
     EXPECT_TRUE(flag(record, "isRunning"));
     EXPECT_TRUE(record.objectForKey_("psn").isEqual_(KRAProcessSerialNumber_(willing.psn())));
-    EXPECT_FALSE(flag(recordOf(m_controller, "/none/Mirror Frame.app"), "isRunning"));
+    EXPECT_FALSE(flag(recordOf(m_controller, m_idle), "isRunning"));
 }
 
 TEST_F(RunningCopies, OfOneBundleAreOneRecord) {
@@ -212,8 +215,8 @@ TEST_F(RunningCopies, ThatRefuseToQuitAreToldOfWhileNothingElseHappens) {
 }
 
 TEST_F(RunningCopies, CannotBeQuitWhereTheCopyDoesNotRun) {
-    m_controller.setIsOnHarddiskPaths_(pathSet({"/none/Mirror Frame.app"}));
-    select({"/none/Mirror Frame.app"});
+    m_controller.setIsOnHarddiskPaths_(pathSet({m_idle}));
+    select({m_idle});
     m_controller.quitAction_(nil);
     EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
     EXPECT_EQ(m_beeps, 1);

@@ -1,6 +1,7 @@
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "tests/app/Controller.h"
+#include "tests/app/OnlyOwnCopies.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -10,9 +11,12 @@ namespace framekeeper::test {
 namespace {
 
 // A controller whose local computer is one folder.
-class SpotlightScan : public testing::Test {
+class SpotlightScan : public OnlyOwnCopies {
 protected:
-    void SetUp() override { ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1); }
+    void SetUp() override {
+        OnlyOwnCopies::SetUp();
+        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1);
+    }
     void TearDown() override {
         m_controller.query().stopQuery();
         ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");

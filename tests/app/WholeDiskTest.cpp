@@ -1,4 +1,5 @@
 #include "tests/app/Controller.h"
+#include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/SeededRandom.h"
 #include <algorithm>
@@ -78,7 +79,9 @@ private:
     bool m_isMounted;
 };
 
-TEST(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
+using WholeDisk = OnlyOwnCopies;
+
+TEST_F(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
     TemporaryFolder const folder;
     MountedVolume const volume(folder.makeFolder("volume"));
     if (!volume.isMounted()) std::puts("No second volume could be mounted; its folder lies on the first one instead.");

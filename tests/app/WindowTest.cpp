@@ -3,6 +3,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/app/Controller.h"
+#include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
 #include <QAction>
 #include <QApplication>
@@ -20,9 +21,10 @@ namespace {
 
 enum Column { Version, Path, Exists, Running, LoginItem, InToolbar };
 
-class Window : public testing::Test {
+class Window : public OnlyOwnCopies {
 protected:
     void SetUp() override {
+        OnlyOwnCopies::SetUp();
         NSApplication::sharedApplication();
         ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1);
     }

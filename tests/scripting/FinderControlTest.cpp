@@ -59,8 +59,10 @@ TEST_F(FinderControl, OpensNoInvisibleFolder) {
 }
 
 TEST_F(FinderControl, NeverOpensTheRootForAMissingItem) {
-    EXPECT_FALSE(KRAPathRevealInFinder("/no/such/dir/file"));
-    EXPECT_FALSE(KRAPathRevealInFinder("/no"));
+    std::string const& folder = m_desktop.folder.path();
+    NSString const besideRoot = NSString::stringWithUTF8String_(folder.substr(folder.rfind('/')));
+    EXPECT_FALSE(KRAPathRevealInFinder(besideRoot.stringByAppendingString_("/such/folder/file")));
+    EXPECT_FALSE(KRAPathRevealInFinder(besideRoot));
     EXPECT_FALSE(KRAPathRevealInFinder(""));
     EXPECT_FALSE(KRAPathRevealInFinder("none"));
     EXPECT_FALSE(KRAPathRevealInFinder(nil));

@@ -1,4 +1,5 @@
 #include "tests/platform/appkit/LoadedWindow.h"
+#include "tests/support/Texts.h"
 #include <QLabel>
 #include <gtest/gtest.h>
 
@@ -15,7 +16,8 @@ std::string reasonFor(std::string const& form) {
 
 TEST(InterfaceFile, SaysThatAFileIsMissing) {
     needApplication();
-    auto const loaded = InterfaceFile::load("/nowhere/Window.ui");
+    TemporaryFolder const folder;
+    auto const loaded = InterfaceFile::load(path(folder.path("none/Window.ui")));
     EXPECT_EQ(std::get<std::string>(loaded), "it cannot be read");
 }
 

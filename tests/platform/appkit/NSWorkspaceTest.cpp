@@ -1,6 +1,7 @@
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/desktop/Desktop.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -56,9 +57,10 @@ TEST_F(Workspace, SelectsAndOpensInTheFileBrowser) {
 TEST_F(Workspace, FailsForWhatIsNotThere) {
     m_desktop.install(m_desktop.fake("open") + " %U");
     NSWorkspace const workspace = NSWorkspace::sharedWorkspace();
-    for (NSString const& path : {NSString("/none"), NSString("relative"), NSString(""), NSString(nil)}) {
-        EXPECT_FALSE(workspace.selectFile_inFileViewerRootedAtPath_(path, nil));
-        EXPECT_FALSE(workspace.openFile_(path));
+    for (NSString const& missing :
+         {path(m_desktop.folder.path("none")), NSString("relative"), NSString(""), NSString(nil)}) {
+        EXPECT_FALSE(workspace.selectFile_inFileViewerRootedAtPath_(missing, nil));
+        EXPECT_FALSE(workspace.openFile_(missing));
     }
     EXPECT_FALSE(launch("com.example.none"));
     EXPECT_FALSE(launch(""));

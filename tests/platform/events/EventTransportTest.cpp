@@ -324,8 +324,9 @@ TEST_F(EventTransport, FailsWithoutABus) {
     ChildProcess const child({"/bin/cat"});
     m_bus->sendSignal(SIGKILL);
     m_bus->wait();
+    TemporaryFolder const folder;
     EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "");
-    EnvironmentVariable const folder("XDG_RUNTIME_DIR", "/nowhere");
+    EnvironmentVariable const runtime("XDG_RUNTIME_DIR", folder.path("none"));
     EXPECT_EQ(ask(child, Echo), connectionInvalid);
     EXPECT_EQ(askToQuit(child), connectionInvalid);
     AppleEvent const event = testEvent(Echo, EventTransport::address(child));

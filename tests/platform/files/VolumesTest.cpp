@@ -112,7 +112,8 @@ TEST(Volumes, OnTheNetworkAreNotLocal) {
     ASSERT_EQ(volumes.size(), 2U);
     EXPECT_FALSE(volumes[1].isLocal);
     EXPECT_EQ(volumes[1].source, "server:/export x");
-    EXPECT_TRUE(driveOf(volumes[1], "/nowhere").isEjectable);
+    TemporaryFolder const noDrives;
+    EXPECT_TRUE(driveOf(volumes[1], noDrives.path()).isEjectable);
 }
 
 TEST(Volumes, AreFoundByPath) {

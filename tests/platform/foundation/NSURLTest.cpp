@@ -195,23 +195,26 @@ struct FilePath {
 };
 
 TEST(NSURL, OfAFileEscapesItsPath) {
+    TemporaryFolder const folder;
     for (FilePath const& row : {
-             FilePath{"/", "file://localhost/"},
-             FilePath{"/no/such file", "file://localhost/no/such%20file"},
-             FilePath{"/no/such/", "file://localhost/no/such/"},
-             FilePath{"/a%b#c?d;e:f", "file://localhost/a%25b%23c%3Fd%3Be:f"},
-             FilePath{"/-_.!~*'()/:@&=+$,", "file://localhost/-_.!~*'()/:@&=+$,"},
-             FilePath{"/[]{}|\\^`\"<>", "file://localhost/%5B%5D%7B%7D%7C%5C%5E%60%22%3C%3E"},
-             FilePath{"/\n\x7F", "file://localhost/%0A%7F"},
-             FilePath{"/\u00E9\u20AC\U0001F600", "file://localhost/%C3%A9%E2%82%AC%F0%9F%98%80"},
-             FilePath{"//a//b/../c", "file://localhost//a//b/../c"},
+             FilePath{"/no/such file", "/no/such%20file"},
+             FilePath{"/no/such/", "/no/such/"},
+             FilePath{"/a%b#c?d;e:f", "/a%25b%23c%3Fd%3Be:f"},
+             FilePath{"/-_.!~*'()/:@&=+$,", "/-_.!~*'()/:@&=+$,"},
+             FilePath{"/[]{}|\\^`\"<>", "/%5B%5D%7B%7D%7C%5C%5E%60%22%3C%3E"},
+             FilePath{"/\n\x7F", "/%0A%7F"},
+             FilePath{"/\u00E9\u20AC\U0001F600", "/%C3%A9%E2%82%AC%F0%9F%98%80"},
+             FilePath{"//a//b/../c", "//a//b/../c"},
          }) {
-        NSURL const file = NSURL::fileURLWithPath_(NSString::stringWithUTF8String_(row.path));
-        EXPECT_EQ(shown(file.absoluteString()), row.url);
+        std::string const path = folder.path() + std::string(row.path);
+        NSURL const file = NSURL::fileURLWithPath_(NSString::stringWithUTF8String_(path));
+        EXPECT_EQ(shown(file.absoluteString()), "file://localhost" + folder.path() + std::string(row.url));
         EXPECT_TRUE(file.isFileURL());
-        bool const isFolder = row.path.size() > 1 && row.path.ends_with('/');
-        EXPECT_EQ(shown(file.path()), row.path.substr(0, row.path.size() - (isFolder ? 1 : 0)));
+        EXPECT_EQ(shown(file.path()), path.substr(0, path.size() - (path.ends_with('/') ? 1 : 0)));
     }
+    NSURL const root = NSURL::fileURLWithPath_("/");
+    EXPECT_EQ(shown(root.absoluteString()), "file://localhost/");
+    EXPECT_EQ(shown(root.path()), "/");
 }
 
 TEST(NSURL, OfAFileHoldsNamesThatAreNoText) {
@@ -244,8 +247,8 @@ TEST(NSURL, OfAFolderEndsWithASlash) {
     EXPECT_EQ(fileURL(path + "/link"), "file://localhost" + path + "/link/");
     EXPECT_EQ(fileURL(path + "/file"), "file://localhost" + path + "/file");
     EXPECT_EQ(fileURL(path + "/none"), "file://localhost" + path + "/none");
-    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/none", YES).absoluteString()), "file://localhost/none/");
-    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/none/", NO).absoluteString()), "file://localhost/none");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/file", YES).absoluteString()), "file://localhost/file/");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/file/", NO).absoluteString()), "file://localhost/file");
     EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/", NO).absoluteString()), "file://localhost/");
 }
 

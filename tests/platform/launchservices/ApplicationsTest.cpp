@@ -150,7 +150,7 @@ TEST_F(Applications, OfTheDesktopAreThoseThatItShowsAndCanStart) {
     makeEntry("c.desktop", with("OnlyShowIn=KDE;\n"));
     makeEntry("d.desktop", with("NotShowIn=GNOME;\n"));
     makeEntry("e.desktop", with("Exec=no-such-program-here\n"));
-    makeEntry("f.desktop", with("TryExec=/no/such/program\n"));
+    makeEntry("f.desktop", with("TryExec=" + m_folder.path("no/such/program") + "\n"));
     makeEntry("g.desktop", "Categories=System;Monitor;ConsoleOnly;\n");
     makeEntry("h.desktop", "Categories=System;\n");
     makeEntry("i.txt", categories);

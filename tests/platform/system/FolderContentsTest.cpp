@@ -306,7 +306,7 @@ TEST_F(NSFileManagerContents, MayBeReadOrNot) {
 TEST_F(NSFileManagerContents, AreShownByTheirNames) {
     EXPECT_EQ(text(manager().displayNameAtPath_(at("Mirror Frame.app"))), "Mirror Frame.app");
     EXPECT_EQ(text(manager().displayNameAtPath_("/")), "/");
-    EXPECT_EQ(text(manager().displayNameAtPath_("/none of this/name/")), "name");
+    EXPECT_EQ(text(manager().displayNameAtPath_(at("none of this/name/"))), "name");
     EXPECT_EQ(text(manager().displayNameAtPath_("/a:b")), "a:b");
     EXPECT_TRUE(manager().displayNameAtPath_(nil) == nil);
     EXPECT_TRUE(NSFileManager(nil).displayNameAtPath_("/") == nil);
