@@ -24,31 +24,23 @@ public:
 
     void begin() {
         readFileBrowser();
-        m_processes = runningProcesses();
-        m_readAt = std::chrono::steady_clock::now();
+        m_processes = m_reader.readAll();
         m_hasBegun = true;
     }
     void beginOnce() {
         if (!m_hasBegun) begin();
     }
 
-    // The first one after it that still runs, or did a moment ago.
-    std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
+    // The first one after it that still runs.
+    std::optional<ProcessIdentity> after(ProcessIdentity const& last) {
         auto next = std::ranges::upper_bound(m_processes, last, {}, &RunningProcess::identity);
-        for (; next != m_processes.end(); ++next) {
-            if (wasReadJustNow() || runningProcess(next->identity)) return next->identity;
-        }
-        return std::nullopt;
+        next = std::find_if(next, m_processes.end(), [this](RunningProcess const& process) {
+            return m_reader.read(process.identity).has_value();
+        });
+        return next == m_processes.end() ? std::nullopt : std::optional(next->identity);
     }
 
-    // What the walk has read, as long as that was a moment ago, else what it is now: whoever walks mostly asks for more
-    // of each process right away.
-    std::optional<RunningProcess> process(ProcessIdentity const& identity) const {
-        auto const found = std::ranges::lower_bound(m_processes, identity, {}, &RunningProcess::identity);
-        bool const isRead = found != m_processes.end() && found->identity == identity;
-        // Should the ID be another's already, it is told of the one that was read, whose number was given.
-        return isRead && wasReadJustNow() && isIDInUse(identity.pid) ? *found : runningProcess(identity);
-    }
+    std::optional<RunningProcess> process(ProcessIdentity const& identity) { return m_reader.read(identity); }
 
     std::optional<FileBrowser> const& fileBrowser() {
         constexpr std::chrono::seconds longest(1);
@@ -62,14 +54,9 @@ private:
         m_browserReadAt = std::chrono::steady_clock::now();
     }
 
-    bool wasReadJustNow() const {
-        constexpr std::chrono::milliseconds moment(20);
-        return std::chrono::steady_clock::now() - m_readAt < moment;
-    }
-
+    ProcessReader m_reader;
     std::vector<RunningProcess> m_processes;
     std::optional<FileBrowser> m_fileBrowser;
-    std::chrono::steady_clock::time_point m_readAt;
     std::chrono::steady_clock::time_point m_browserReadAt;
     bool m_hasBegun{false};
 };

@@ -1,18 +1,21 @@
 #pragma once
 
 #include <compare>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-// The processes by ID and start, for implementations. Any thread.
+// The processes by ID and start, for implementations. Any thread, but for ProcessReader.
 
 namespace mac {
 
-// What no two processes have in common while the system runs.
+// Identifies one process as long as the system runs. Another process that gets the same ID within the same clock tick
+// would be identified alike; that is why an identity is only told once the tick of its start is over.
 struct ProcessIdentity {
-    // In clock ticks since the system's start, as the system counts.
+    // In clock ticks since the system's start, 100 a second.
     std::uint64_t startTime{0};
     std::int32_t pid{0};
 
@@ -23,21 +26,45 @@ struct ProcessIdentity {
 
 struct RunningProcess {
     ProcessIdentity identity;
-    // The program's file in the file system's bytes, without the mark of one that was deleted.
+    // The path of the program in the file system's bytes, without the mark of a deleted file.
     std::string executable;
 };
 
-// Nothing for an ID that no process has, for one that has ended and is only waited for, and for one whose program this
-// user may not see.
+// Reads the processes of /proc and remembers their starts, so that reading them again takes less than half the time:
+// for a start the kernel adds up the work of all the process's threads. One thread at a time.
+class ProcessReader {
+public:
+    // nullopt if no process has the ID, if it has ended and is only waited for, and if this user may not see its
+    // program. Blocks for up to 10 ms if the process started within the current clock tick.
+    std::optional<RunningProcess> read(std::int32_t pid);
+    // The process with this identity; never blocks.
+    std::optional<RunningProcess> read(ProcessIdentity const& identity);
+    // All of those, in the order of their start; one that ends meanwhile may be missing. Blocks as read(pid) does.
+    std::vector<RunningProcess> readAll();
+
+private:
+    // The start of a process, with the inode and change time of its folder in /proc. Another process has another
+    // folder; the same process may get a new one when the system is short of memory, and its start is read anew.
+    struct KnownStart {
+        std::uint64_t inode{0};
+        std::int64_t seconds{0};
+        std::int64_t nanoseconds{0};
+        std::uint64_t start{0};
+        // The call of readAll that met it last: what the next one does not meet is forgotten.
+        std::uint64_t round{0};
+    };
+
+    std::optional<RunningProcess> readOnce(std::int32_t pid);
+    std::optional<std::uint64_t> startOf(std::int32_t pid);
+
+    std::unordered_map<std::int32_t, KnownStart> m_known;
+    std::uint64_t m_round{0};
+};
+
+// What a ProcessReader answers that has read nothing before.
 std::optional<RunningProcess> runningProcess(std::int32_t pid);
-// The same of this very process.
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
-
-// All those, in the order of their start. One that ends meanwhile may be missing.
 std::vector<RunningProcess> runningProcesses();
-
-// Whether some process has the ID, also one that has ended and is only waited for. Next to no work.
-bool isIDInUse(std::int32_t pid);
 
 // The words that the process was called with, and its environment ("NAME=value") as that was when it began: at most
 // 8 MiB of them. Nothing where they may not be read.

@@ -3,107 +3,73 @@
 #include "platform/system/processes/ProcessStatus.h"
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <condition_variable>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
-#include <functional>
-#include <iterator>
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <system_error>
-#include <thread>
 #include <unistd.h>
-#include <unordered_map>
 #include <utility>
 
 namespace mac {
 
 namespace {
 
-// What stands before the directory entry's name; its length is to be found in front of it.
-struct EntryHead {
-    std::uint64_t inode;
-    std::int64_t offset;
-    std::uint16_t length;
-    std::uint8_t type;
-};
-constexpr std::size_t NameOffset = 19;
-
 constexpr std::string_view DeletedMark = " (deleted)";
 
-std::optional<std::int32_t> processID(std::string_view name) {
-    std::int32_t pid = 0;
-    auto const [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-    return error == std::errc() && end == name.data() + name.size() && pid > 0 ? std::optional(pid) : std::nullopt;
+constexpr std::uint64_t NanosecondsPerSecond = 1'000'000'000;
+
+// In nanoseconds. Start times in /proc count clock ticks of CLOCK_BOOTTIME.
+std::uint64_t tickLength() {
+    static std::uint64_t const length = NanosecondsPerSecond / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    return length;
 }
 
-// What a process's folder was made with in memory. A process that gets the ID of another gets a new one; so does the
-// same process when the system needed the memory meanwhile.
-struct FolderIdentity {
-    std::uint64_t inode{0};
-    std::int64_t seconds{0};
-    std::int64_t nanoseconds{0};
+std::uint64_t currentTick() {
+    timespec now{};
+    ::clock_gettime(CLOCK_BOOTTIME, &now);
+    std::uint64_t const seconds = static_cast<std::uint64_t>(now.tv_sec);
+    return (seconds * NanosecondsPerSecond + static_cast<std::uint64_t>(now.tv_nsec)) / tickLength();
+}
 
-    bool operator==(FolderIdentity const&) const = default;
-};
+// Blocks for one tick at most, which is 10 ms.
+void waitUntilOver(std::uint64_t tick) {
+    std::uint64_t const end = (tick + 1) * tickLength();
+    timespec const moment{static_cast<time_t>(end / NanosecondsPerSecond),
+                          static_cast<long>(end % NanosecondsPerSecond)};
+    while (currentTick() == tick)
+        ::clock_nanosleep(CLOCK_BOOTTIME, TIMER_ABSTIME, &moment, nullptr);
+}
 
-// When the processes that were looked at before have started. The system counts a process's whole work together to tell
-// its start, which takes longer than all the rest.
-class KnownStarts {
+// Whether what was read from the given tick on belongs to one process and to no other ever: if it started before that
+// tick it had its ID all the while, and no other can get the same ID and start any more. A start that lies ahead is
+// counted by another clock, for which waiting is of no use.
+bool isSettled(ProcessIdentity const& identity, std::uint64_t readFrom) {
+    return identity.startTime < readFrom || identity.startTime > currentTick();
+}
+
+// The file of the process in /proc, without an allocation.
+class ProcessPath {
 public:
-    static KnownStarts& shared() {
-        static KnownStarts starts;
-        return starts;
+    ProcessPath(std::int32_t pid, std::string_view name) {
+        char* const end = std::to_chars(m_path.data() + Folder.size(), m_path.data() + m_path.size(), pid).ptr;
+        std::ranges::copy(name, end);
     }
-
-    std::optional<std::uint64_t> find(std::int32_t pid, FolderIdentity const& folder) {
-        std::lock_guard const guard(m_lock);
-        auto const found = m_starts.find(pid);
-        if (found == m_starts.end() || found->second.first != folder) return std::nullopt;
-        return found->second.second;
-    }
-
-    void add(std::int32_t pid, FolderIdentity const& folder, std::uint64_t start) {
-        constexpr std::size_t mostKept = 65536;
-        std::lock_guard const guard(m_lock);
-        if (m_starts.size() >= mostKept) m_starts.clear();
-        m_starts[pid] = {folder, start};
-    }
+    char const* text() const { return m_path.data(); }
 
 private:
-    std::mutex m_lock;
-    std::unordered_map<std::int32_t, std::pair<FolderIdentity, std::uint64_t>> m_starts;
+    static constexpr std::string_view Folder = "/proc/";
+    std::array<char, 32> m_path{"/proc/"};
 };
 
-std::optional<std::uint64_t> readStartTime(int process) {
-    FileDescriptor const file(::openat(process, "stat", O_RDONLY | O_CLOEXEC));
-    if (!file.isOpen()) return std::nullopt;
-    std::array<char, 1024> buffer{};
-    ssize_t const size = ::read(file.number(), buffer.data(), buffer.size());
-    if (size <= 0) return std::nullopt;
-    return startTimeIn({buffer.data(), static_cast<std::size_t>(size)});
-}
-
-std::optional<std::uint64_t> startTime(int process, std::int32_t pid) {
-    struct ::stat status {};
-    if (::fstat(process, &status) != 0) return std::nullopt;
-    FolderIdentity const folder{status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
-    if (std::optional<std::uint64_t> const known = KnownStarts::shared().find(pid, folder)) return known;
-    std::optional<std::uint64_t> const start = readStartTime(process);
-    if (start) KnownStarts::shared().add(pid, folder, *start);
-    return start;
-}
-
-std::optional<std::string> executable(int process) {
+std::optional<std::string> executableOf(std::int32_t pid) {
     std::array<char, 4096> buffer;
-    ssize_t const size = ::readlinkat(process, "exe", buffer.data(), buffer.size());
+    ssize_t const size = ::readlink(ProcessPath(pid, "/exe").text(), buffer.data(), buffer.size());
     if (size <= 0 || static_cast<std::size_t>(size) == buffer.size()) return std::nullopt;
     std::string path(buffer.data(), static_cast<std::size_t>(size));
     // A file may be called so itself.
@@ -112,124 +78,89 @@ std::optional<std::string> executable(int process) {
     return path;
 }
 
-// The folder stays that of the one process: once that has ended everything in it fails, whoever gets the ID.
-FileDescriptor openProcess(std::int32_t pid) {
-    std::array<char, 32> path{"/proc/"};
-    std::to_chars(path.data() + std::strlen(path.data()), path.data() + path.size() - 1, pid);
-    return FileDescriptor(::openat(AT_FDCWD, path.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+std::optional<std::uint64_t> readStart(std::int32_t pid) {
+    FileDescriptor const file(::open(ProcessPath(pid, "/stat").text(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) return std::nullopt;
+    std::array<char, 1024> buffer;
+    ssize_t const size = ::read(file.number(), buffer.data(), buffer.size());
+    if (size <= 0) return std::nullopt;
+    return startTimeIn({buffer.data(), static_cast<std::size_t>(size)});
 }
 
-using IDs = std::vector<std::int32_t>;
-
-// Calls it with the IDs of all processes, some at a time, as the system lists them.
-template <class Function>
-void listProcesses(Function const& add) {
-    FileDescriptor const processes(::openat(AT_FDCWD, "/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!processes.isOpen()) return;
-    alignas(EntryHead) std::array<char, 4096> buffer;
-    for (;;) {
-        long const size = ::syscall(SYS_getdents64, processes.number(), buffer.data(), buffer.size());
-        if (size <= 0) break;
-        IDs ids;
-        for (long offset = 0; offset < size;) {
-            EntryHead head{};
-            std::memcpy(&head, buffer.data() + offset, NameOffset);
-            if (std::optional<std::int32_t> const pid = processID(buffer.data() + offset + NameOffset))
-                ids.push_back(*pid);
-            offset += head.length;
-        }
-        add(std::move(ids));
+std::vector<std::int32_t> processIDs() {
+    std::vector<std::int32_t> ids;
+    std::unique_ptr<DIR, int (*)(DIR*)> const folder(::opendir("/proc"), &::closedir);
+    while (dirent const* const entry = folder ? ::readdir(folder.get()) : nullptr) {
+        std::int32_t pid = 0;
+        char const* const end = entry->d_name + std::strlen(entry->d_name);
+        if (std::from_chars(entry->d_name, end, pid).ptr == end && pid > 0) ids.push_back(pid);
     }
-}
-
-// What one thread lists and several read.
-class ListedProcesses {
-public:
-    void add(IDs ids) {
-        std::lock_guard const guard(m_lock);
-        m_ids.push_back(std::move(ids));
-        m_changed.notify_one();
-    }
-    void end() {
-        std::lock_guard const guard(m_lock);
-        m_hasEnded = true;
-        m_changed.notify_all();
-    }
-    // Waits for more of them. Nothing once all are taken.
-    std::optional<IDs> take() {
-        std::unique_lock guard(m_lock);
-        m_changed.wait(guard, [this] { return !m_ids.empty() || m_hasEnded; });
-        if (m_ids.empty()) return std::nullopt;
-        IDs ids = std::move(m_ids.back());
-        m_ids.pop_back();
-        return ids;
-    }
-
-private:
-    std::mutex m_lock;
-    std::condition_variable m_changed;
-    std::vector<IDs> m_ids;
-    bool m_hasEnded{false};
-};
-
-void readListed(ListedProcesses& listed, std::vector<RunningProcess>& found) {
-    while (std::optional<IDs> const ids = listed.take()) {
-        for (std::int32_t const pid : *ids) {
-            if (std::optional<RunningProcess> process = runningProcess(pid)) found.push_back(std::move(*process));
-        }
-    }
+    return ids;
 }
 
 } // namespace
 
-std::optional<RunningProcess> runningProcess(std::int32_t pid) {
-    if (pid <= 0) return std::nullopt;
-    FileDescriptor const folder = openProcess(pid);
-    if (!folder.isOpen()) return std::nullopt;
-    // One that has ended has no program any more, though it has a start until it was waited for.
-    std::optional<std::string> path = executable(folder.number());
-    if (!path) return std::nullopt;
-    std::optional<std::uint64_t> const start = startTime(folder.number(), pid);
+std::optional<std::uint64_t> ProcessReader::startOf(std::int32_t pid) {
+    struct ::stat status {};
+    if (::stat(ProcessPath(pid, "").text(), &status) != 0) return std::nullopt;
+    KnownStart const now{status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec, 0, m_round};
+    KnownStart& known = m_known[pid];
+    if (known.inode == now.inode && known.seconds == now.seconds && known.nanoseconds == now.nanoseconds) {
+        known.round = m_round;
+        return known.start;
+    }
+    std::optional<std::uint64_t> const start = readStart(pid);
     if (!start) return std::nullopt;
-    return RunningProcess{{*start, pid}, std::move(*path)};
+    known = now;
+    known.start = *start;
+    return start;
 }
 
-std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {
-    std::optional<RunningProcess> process = runningProcess(identity.pid);
+std::optional<RunningProcess> ProcessReader::readOnce(std::int32_t pid) {
+    // A process that has ended has no executable any more, though it has a start until it was waited for.
+    std::optional<std::string> executable = executableOf(pid);
+    if (!executable) return std::nullopt;
+    std::optional<std::uint64_t> const start = startOf(pid);
+    if (!start) return std::nullopt;
+    return RunningProcess{{*start, pid}, std::move(*executable)};
+}
+
+std::optional<RunningProcess> ProcessReader::read(std::int32_t pid) {
+    for (;;) {
+        std::uint64_t const before = currentTick();
+        std::optional<RunningProcess> process = pid > 0 ? readOnce(pid) : std::nullopt;
+        if (!process || isSettled(process->identity, before)) return process;
+        waitUntilOver(process->identity.startTime);
+    }
+}
+
+std::optional<RunningProcess> ProcessReader::read(ProcessIdentity const& identity) {
+    std::optional<RunningProcess> process = identity.pid > 0 ? readOnce(identity.pid) : std::nullopt;
     return process && process->identity == identity ? std::move(process) : std::nullopt;
 }
 
-std::vector<RunningProcess> runningProcesses() {
-    std::size_t const cores = std::max(std::thread::hardware_concurrency(), 1U);
-    std::vector<std::vector<RunningProcess>> parts(cores);
-    ListedProcesses listed;
-    {
-        std::vector<std::jthread> readers;
-        // The readers end, however the listing does.
-        std::unique_ptr<ListedProcesses, void (*)(ListedProcesses*)> const ending(
-            &listed, [](ListedProcesses* list) { list->end(); });
-        bool isFirst = true;
-        listProcesses([&](IDs ids) {
-            listed.add(std::move(ids));
-            // The first are as quickly read as a thread is started.
-            if (std::exchange(isFirst, false) || readers.size() + 1 >= cores) return;
-            try {
-                readers.emplace_back(readListed, std::ref(listed), std::ref(parts[readers.size() + 1]));
-            } catch (std::system_error const&) {
-                // The system has no more threads for us: they are read here.
-            }
-        });
-        listed.end();
-        readListed(listed, parts[0]);
-    }
+std::vector<RunningProcess> ProcessReader::readAll() {
+    ++m_round;
+    std::uint64_t const before = currentTick();
     std::vector<RunningProcess> found;
-    for (std::vector<RunningProcess>& part : parts)
-        std::ranges::move(part, std::back_inserter(found));
+    for (std::int32_t const pid : processIDs()) {
+        if (std::optional<RunningProcess> process = readOnce(pid)) found.push_back(std::move(*process));
+    }
+    // Mostly none: a process that started just now is read again once its tick is over, which is waited for once.
+    for (RunningProcess& process : found) {
+        if (!isSettled(process.identity, before)) process = read(process.identity.pid).value_or(RunningProcess());
+    }
+    std::erase_if(found, [](RunningProcess const& process) { return process.identity.pid == 0; });
+    std::erase_if(m_known, [this](auto const& entry) { return entry.second.round != m_round; });
     std::ranges::sort(found, {}, &RunningProcess::identity);
     return found;
 }
 
-bool isIDInUse(std::int32_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
+std::optional<RunningProcess> runningProcess(std::int32_t pid) { return ProcessReader().read(pid); }
+
+std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) { return ProcessReader().read(identity); }
+
+std::vector<RunningProcess> runningProcesses() { return ProcessReader().readAll(); }
 
 bool askToEnd(ProcessIdentity const& identity) {
     FileDescriptor const process(static_cast<int>(::syscall(SYS_pidfd_open, identity.pid, 0)));

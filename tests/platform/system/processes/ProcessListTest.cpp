@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <ctime>
 #include <fstream>
 #include <grp.h>
 #include <set>
@@ -26,21 +25,42 @@ protected:
         return psn;
     }
 
-    // In clock ticks since the system's start.
-    static std::uint64_t now() {
-        timespec time{};
-        ::clock_gettime(CLOCK_BOOTTIME, &time);
-        constexpr std::uint64_t nanosecondsOfASecond = 1'000'000'000;
-        auto const ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
-        return static_cast<std::uint64_t>(time.tv_sec) * ticks +
-               static_cast<std::uint64_t>(time.tv_nsec) * ticks / nanosecondsOfASecond;
+    // Has the next process get this ID, if the system lets us choose it.
+    static bool chooseNextID(std::int32_t pid) {
+        std::ofstream last("/proc/sys/kernel/ns_last_pid");
+        last << pid - 1 << std::flush;
+        return last.good();
     }
+
+    // A process that does nothing, started with this ID within a fraction of a clock tick; it ends with the object.
+    class Sleeper {
+    public:
+        explicit Sleeper(std::int32_t pid) {
+            if (!chooseNextID(pid)) return;
+            m_pid = ::fork();
+            if (m_pid == 0) {
+                for (;;)
+                    ::pause();
+            }
+        }
+        ~Sleeper() {
+            if (m_pid <= 0) return;
+            ::kill(m_pid, SIGKILL);
+            ::waitpid(m_pid, nullptr, 0);
+        }
+        Sleeper(Sleeper const&) = delete;
+        Sleeper& operator=(Sleeper const&) = delete;
+
+        // Another ID than the one wanted, or -1, where the system does not let us choose it.
+        std::int32_t pid() const { return m_pid; }
+
+    private:
+        std::int32_t m_pid{-1};
+    };
 
     // Starts a process that gets this ID; null where the system does not let us choose it.
     static std::unique_ptr<ChildProcess> startWithID(std::int32_t pid) {
-        std::ofstream last("/proc/sys/kernel/ns_last_pid");
-        last << pid - 1 << std::flush;
-        if (!last) return nullptr;
+        if (!chooseNextID(pid)) return nullptr;
         auto child = std::make_unique<ChildProcess>(std::vector<std::string>{"/bin/cat"});
         return child->pid() == pid ? std::move(child) : nullptr;
     }
@@ -62,8 +82,6 @@ TEST_F(ProcessList, NeverSignalsTheNextProcessWithAnID) {
     ProcessIdentity const identity = identityOf(old).value();
     std::int32_t const pid = first->pid();
     first.reset();
-    // The start is known to the tick.
-    while (now() <= identity.startTime) {}
     std::unique_ptr<ChildProcess> const second = startWithID(pid);
     if (!second) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
 
@@ -78,13 +96,38 @@ TEST_F(ProcessList, NeverSignalsTheNextProcessWithAnID) {
     EXPECT_EQ(second->wait(), -SIGTERM);
 }
 
+TEST_F(ProcessList, GivesNoNumberTwiceThoughAnIDReturnsAtOnce) {
+    constexpr std::int32_t recycled = 25'000;
+    constexpr int rounds = 12;
+    std::vector<ProcessSerialNumber> numbers;
+    for (int round = 0; round < rounds; ++round) {
+        Sleeper const sleeper(recycled);
+        if (sleeper.pid() != recycled) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
+        ProcessSerialNumber psn{0, kNoProcess};
+        if (round % 2 == 0) {
+            ASSERT_EQ(GetProcessForPID(recycled, &psn), noErr);
+        } else {
+            std::int32_t pid = 0;
+            while (pid != recycled && GetNextProcess(&psn) == noErr)
+                GetProcessPID(&psn, &pid);
+            ASSERT_EQ(pid, recycled);
+        }
+        EXPECT_EQ(std::ranges::find(numbers, psn), numbers.end()) << "in round " << round;
+        for (ProcessSerialNumber const& old : numbers) {
+            std::int32_t pid = 0;
+            EXPECT_EQ(GetProcessPID(&old, &pid), procNotFound) << "in round " << round;
+        }
+        numbers.push_back(psn);
+    }
+    EXPECT_EQ(numbers.size(), std::size_t{rounds});
+}
+
 TEST_F(ProcessList, IsInTheOrderOfTheirStartWhateverTheirIDs) {
     constexpr std::int32_t high = 30'000;
     std::unique_ptr<ChildProcess> const first = startWithID(high);
     if (!first) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
-    std::uint64_t const start = identityOf(numberOf(*first)).value().startTime;
-    // The start is known to the tick.
-    while (now() <= start) {}
+    // A number is given once the clock tick of the start has passed, so that the second starts in a later one.
+    numberOf(*first);
     constexpr std::int32_t low = 20'000;
     std::unique_ptr<ChildProcess> const second = startWithID(low);
     ASSERT_TRUE(second);
