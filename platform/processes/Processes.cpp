@@ -1,20 +1,19 @@
 #include "platform/processes/Processes.h"
-#include "platform/desktop/FileBrowser.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/processes/RecentFileBrowser.h"
 #include "platform/processes/SerialNumbers.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 #include <bit>
-#include <chrono>
 #include <unistd.h>
 
 namespace mac {
 
 namespace {
 
-// The processes as they were when the walk that is under way began, and who the file browser was.
+// The processes as they were when the walk that is under way began.
 class Walk {
 public:
     static Walk& current() {
@@ -23,7 +22,7 @@ public:
     }
 
     void begin() {
-        readFileBrowser();
+        m_fileBrowser.forget();
         m_processes = m_reader.readAll();
         m_hasBegun = true;
     }
@@ -31,33 +30,21 @@ public:
         if (!m_hasBegun) begin();
     }
 
-    // The first one after it that still runs.
-    std::optional<ProcessIdentity> after(ProcessIdentity const& last) {
+    // The first one after it whose ID is still in use.
+    std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
         auto next = std::ranges::upper_bound(m_processes, last, {}, &RunningProcess::identity);
-        next = std::find_if(next, m_processes.end(), [this](RunningProcess const& process) {
-            return m_reader.read(process.identity).has_value();
-        });
+        while (next != m_processes.end() && !isIDInUse(next->identity.pid))
+            ++next;
         return next == m_processes.end() ? std::nullopt : std::optional(next->identity);
     }
 
     std::optional<RunningProcess> process(ProcessIdentity const& identity) { return m_reader.read(identity); }
-
-    std::optional<FileBrowser> const& fileBrowser() {
-        constexpr std::chrono::seconds longest(1);
-        if (std::chrono::steady_clock::now() - m_browserReadAt > longest) readFileBrowser();
-        return m_fileBrowser;
-    }
+    std::optional<FileBrowser> const& fileBrowser() { return m_fileBrowser.get(); }
 
 private:
-    void readFileBrowser() {
-        m_fileBrowser = defaultFileBrowser();
-        m_browserReadAt = std::chrono::steady_clock::now();
-    }
-
     ProcessReader m_reader;
+    RecentFileBrowser m_fileBrowser;
     std::vector<RunningProcess> m_processes;
-    std::optional<FileBrowser> m_fileBrowser;
-    std::chrono::steady_clock::time_point m_browserReadAt;
     bool m_hasBegun{false};
 };
 

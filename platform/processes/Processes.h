@@ -14,8 +14,9 @@ inline constexpr OSErr procNotFound = -600;
 // The process has no windows that could come to the front.
 inline constexpr OSErr appIsDaemon = -606;
 
-// Names a process for as long as it runs, bound to its process ID and the moment of its start: never answered for
-// another process that gets the same ID.
+// Names a process for as long as it runs, made of its process ID and the clock tick of its start: never answered for
+// another process that gets the same ID. No number is given before that tick is over, when no other process can start
+// with the ID in it; what gives the number of a process that started just now therefore blocks for up to 10 ms.
 struct ProcessSerialNumber {
     std::uint32_t highLongOfPSN{0};
     std::uint32_t lowLongOfPSN{0};
@@ -36,9 +37,9 @@ inline constexpr char kCFBundleIdentifierKey[] = "CFBundleIdentifier";
 inline constexpr char kCFBundleNameKey[] = "CFBundleName";
 inline constexpr char kCFBundleExecutableKey[] = "CFBundleExecutable";
 
-// Advances the number to the process that was started next and still runs. The walk is over the processes that ran when
-// it began at {0, kNoProcess}; for 20 ms from then one that has ended since may still be among them, of which the
-// others know nothing any more.
+// Advances the number to the process that was started next. The walk is over the processes that ran when it began at
+// {0, kNoProcess}, without those that are gone since. One that has ended and whose parent has not waited for it may
+// still be among them; the other functions know nothing of it any more.
 OSErr GetNextProcess(ProcessSerialNumber* psn);
 
 // The process whose window has the user's input. Linux: the window manager of an X11 display tells; procNotFound where
@@ -64,9 +65,9 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // path of the program; of a script in a bundle that a common interpreter runs, the script's) and "CFBundleName"; when
 // it runs from a bundle, also "BundlePath", and "CFBundleIdentifier", "FileType" and "FileCreator" as its information
 // file has them. A program that was renamed while it runs, or a folder above it, is known by its new path, one that was
-// replaced or deleted by its last. Nil when no such process runs; one that has ended and that its parent has not waited
-// for may be told of for 20 ms more while a walk goes on. Linux: the desktop's file browser, that is the
-// default application for folders, is "com.apple.finder" in this user's session.
+// replaced or deleted by its last. All of it is read anew each time. Nil when no such process runs. Linux: the
+// desktop's file browser, that is the default application for folders, is "com.apple.finder" in this user's session;
+// which one that is, is looked up once a walk and once a second.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 
 // Of a walk over all processes the first whose information has an equal value under the key; nothing where none has.

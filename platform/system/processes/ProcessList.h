@@ -66,6 +66,9 @@ std::optional<RunningProcess> runningProcess(std::int32_t pid);
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
 std::vector<RunningProcess> runningProcesses();
 
+// Whether a process has the ID, also one that has ended and is only waited for. Next to no work.
+bool isIDInUse(std::int32_t pid);
+
 // The words that the process was called with, and its environment ("NAME=value") as that was when it began: at most
 // 8 MiB of them. Nothing where they may not be read.
 std::optional<std::vector<std::string>> argumentsOf(std::int32_t pid);

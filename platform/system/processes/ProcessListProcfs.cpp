@@ -3,6 +3,7 @@
 #include "platform/system/processes/ProcessStatus.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstring>
@@ -161,6 +162,8 @@ std::optional<RunningProcess> runningProcess(std::int32_t pid) { return ProcessR
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) { return ProcessReader().read(identity); }
 
 std::vector<RunningProcess> runningProcesses() { return ProcessReader().readAll(); }
+
+bool isIDInUse(std::int32_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
 
 bool askToEnd(ProcessIdentity const& identity) {
     FileDescriptor const process(static_cast<int>(::syscall(SYS_pidfd_open, identity.pid, 0)));
