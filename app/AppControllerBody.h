@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "scripting/ProcessQuitting.h"
 
 namespace framekeeper {
 
@@ -8,6 +9,10 @@ namespace framekeeper {
 // controller and is neither stopped nor are its observers removed.
 class AppController::Body : public ObjectBody {
 public:
+    // The pause comes before each look at a copy that was asked to quit.
+    explicit Body(Pause pause = sleepForInterval) : _pause(std::move(pause)) {}
+
+    Pause const _pause;
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
     NSSet _isRunningPaths;

@@ -1,4 +1,5 @@
 #include "app/AppController.h"
+#include "app/AppControllerBody.h"
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
@@ -64,7 +65,7 @@ void AppController::quitAction_(id const&) const {
     NSArray const selected = pathsArrayController().selectedObjects();
     if (selected.count() != 1) return;
     NSNumber const psn = as<NSNumber>(selected.objectAtIndex_(0).valueForKey_("psn"));
-    if (!KRAProcessSerialNumberQuit(psn)) {
+    if (!quitProcess(psn, bodyOf(*this)->_pause)) {
         NSBeep();
         NSLog("Could not quit process.");
         return;

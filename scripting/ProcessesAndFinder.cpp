@@ -3,11 +3,11 @@
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/Method.h"
-#include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSURL.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/AppleScriptExecution.h"
 #include "scripting/FileReferences.h"
+#include "scripting/ProcessQuitting.h"
 #include <bit>
 
 namespace mac {
@@ -16,10 +16,6 @@ namespace {
 
 ProcessSerialNumber unboxed(NSNumber const& number) {
     return std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
-}
-
-NSDictionary informationOf(ProcessSerialNumber const& psn) {
-    return ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
 }
 
 // The path of an item that is one or a file's URL; nil for everything else, null objects among it.
@@ -67,18 +63,7 @@ bool KRAProcessSerialNumberSetFront(NSNumber receiver) {
     return SetFrontProcess(&psn) == noErr;
 }
 
-bool KRAProcessSerialNumberQuit(NSNumber receiver) {
-    constexpr int mostLooks = 20;
-    constexpr NSTimeInterval betweenLooks = 0.2;
-    if (receiver == nil) return false;
-    ProcessSerialNumber const psn = unboxed(receiver);
-    if (sendEvent(psn, kCoreEventClass, kAEQuitApplication) != noErr) return false;
-    for (int look = 0; look < mostLooks; ++look) {
-        NSThread::sleepUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(betweenLooks));
-        if (informationOf(psn) == nil) return true;
-    }
-    return false;
-}
+bool KRAProcessSerialNumberQuit(NSNumber receiver) { return quitProcess(receiver, sleepForInterval); }
 
 bool KRAPathRevealInFinder(NSString receiver) {
     if (KRCPathExists(receiver))

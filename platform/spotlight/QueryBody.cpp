@@ -104,20 +104,20 @@ void NSMetadataQuery::Body::scheduleDelivery() {
     if (m_disabledUpdates > 0 || m_timer.isValid()) return;
     NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
     NSTimeInterval delay = std::min(FirstBatchDelay, interval);
-    if (m_lastDelivery != nil) delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceNow(), 0.0, interval);
+    if (m_lastDelivery != nil)
+        delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceDate_(m_clock.now()), 0.0, interval);
     if (m_phase == Phase::Gathering) {
         VolumeWalkProgress const progress = m_walker->progress();
         if (progress.isFinished && (m_lastDelivery == nil || progress.packagesToTake == 0)) delay = 0;
     }
-    m_timer =
-        NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(delay, self(), "deliver:", nil, NO);
+    m_timer = m_clock.startTimer(delay, self());
 }
 
 void NSMetadataQuery::Body::deliver() {
     m_timer = nil;
     if (m_disabledUpdates > 0) return;
     std::uint64_t const walk = m_walk;
-    m_lastDelivery = NSDate::date();
+    m_lastDelivery = m_clock.now();
     if (m_phase == Phase::Gathering)
         deliverFinds();
     else if (m_phase == Phase::Live && applyFolderChanges())
@@ -125,7 +125,7 @@ void NSMetadataQuery::Body::deliver() {
     // An observer may have stopped or restarted the query.
     if (walk != m_walk) return;
     // The interval begins when the observers are done, however long they or the machine took.
-    m_lastDelivery = NSDate::date();
+    m_lastDelivery = m_clock.now();
     if (!m_timer.isValid()) return;
     m_timer.invalidate();
     scheduleDelivery();

@@ -1,13 +1,25 @@
 #pragma once
 
+#include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include <functional>
 #include <memory>
 #include <set>
 
 namespace mac {
+
+// When a query delivers: the time, and timers that send "deliver:" to it once.
+struct QueryClock {
+    std::function<NSDate()> now = [] { return NSDate::date(); };
+    std::function<NSTimer(NSTimeInterval delay, NSMetadataQuery const& query)> startTimer =
+        [](NSTimeInterval delay, NSMetadataQuery const& query) {
+            return NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(delay, query,
+                                                                                             "deliver:", nil, NO);
+        };
+};
 
 // A query at work. The walker's threads only say that there is news; everything else happens on the main thread, and
 // what observers read changes only in `deliver`.
@@ -15,6 +27,7 @@ class NSMetadataQuery::Body : public ObjectBody {
 public:
     enum class Phase { Idle, Gathering, Live, Stopped };
 
+    explicit Body(QueryClock clock = {}) : m_clock(std::move(clock)) {}
     ~Body() override;
 
     bool start();
@@ -49,6 +62,7 @@ private:
     std::vector<NSMetadataItem> matchesInFolder(std::string const& folder) const;
     bool matches(NSMetadataItem const& item) const;
 
+    QueryClock const m_clock;
     VolumeWalkRequest m_request;
     NSPredicate m_runningPredicate; // a new one is for the next start
     std::unique_ptr<VolumeWalker> m_walker;

@@ -90,13 +90,6 @@ TEST(ProcessNumbers, QuitAProcessWithoutAnEventHandlerBySignal) {
     EXPECT_EQ(copy.process().wait(), -SIGTERM);
 }
 
-TEST(ProcessNumbers, FailToQuitAProcessThatRefuses) {
-    RunningCompanion copy("refusing");
-    EXPECT_FALSE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_(copy.psn())));
-    EXPECT_TRUE(copy.isRunning());
-    EXPECT_EQ(copy.process().readLine(), "asked to quit");
-}
-
 TEST(ProcessNumbers, FailToQuitAProcessThatHasGone) {
     RunningCompanion copy("willing");
     NSNumber const number = KRAProcessSerialNumber_(copy.psn());

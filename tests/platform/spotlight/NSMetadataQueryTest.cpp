@@ -2,50 +2,14 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
-#include "tests/platform/spotlight/QueryRecorder.h"
-#include "tests/support/RunUntil.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/platform/spotlight/MetadataQuery.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
 namespace {
-
-class MetadataQuery : public testing::Test {
-public:
-    void SetUp() override {
-        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1);
-        query.setPredicate_(NSPredicate::predicateWithFormat_("%K = %@ AND %K = %@", kMDItemKind, "Application",
-                                                              kMDItemFSName, "Mirror Frame.app"));
-        query.setSearchScopes_(NSArray::arrayWithObject_(NSMetadataQueryLocalComputerScope));
-        query.setNotificationBatchingInterval_(0.02);
-        NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(recorder, "take:", nil, query);
-    }
-    void TearDown() override {
-        query.stopQuery();
-        ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
-    }
-
-    std::vector<std::string> const& names() const { return bodyOf(recorder)->names; }
-    bool runUntilNamed(char const* name, std::size_t times = 1) const {
-        return runUntil(
-            [&] { return static_cast<std::size_t>(std::ranges::count(names(), std::string(name))) >= times; });
-    }
-    // What the walk finds meanwhile waits.
-    static void runForAMoment() {
-        NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
-    }
-    bool gather() const { return query.startQuery() && runUntilNamed(NSMetadataQueryDidFinishGatheringNotification); }
-    NSSet foundPaths() const { return NSSet::setWithArray_(as<NSArray>(query.results().valueForKey_(kMDItemPath))); }
-    static NSString string(std::string const& bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
-
-    TemporaryFolder folder;
-    NSMetadataQuery query = NSMetadataQuery::alloc().init();
-    QueryRecorder recorder = adopt<QueryRecorder>();
-};
 
 TEST_F(MetadataQuery, PostsStartThenProgressThenTheEnd) {
     folder.makeFolder("a/Mirror Frame.app");
@@ -299,40 +263,6 @@ TEST_F(MetadataQuery, EndsThoughAnObserverOfItsProgressRaises) {
     };
     ASSERT_TRUE(gather());
     EXPECT_FALSE(query.isGathering());
-}
-
-TEST_F(MetadataQuery, PostsNoProgressBeforeTheIntervalIsOver) {
-    for (int index = 0; index < 3000; ++index)
-        folder.makeFolder(std::to_string(index) + "/Mirror Frame.app");
-    query.setNotificationBatchingInterval_(0.005);
-    ASSERT_TRUE(gather());
-    EXPECT_EQ(query.resultCount(), 3000U);
-    auto const& times = bodyOf(recorder)->times;
-    for (std::size_t index = 1; index + 1 < names().size(); ++index) {
-        ASSERT_EQ(names()[index], NSMetadataQueryGatheringProgressNotification);
-        if (index == 1) continue;
-        EXPECT_GE(times[index] - times[index - 1], std::chrono::milliseconds(4));
-    }
-}
-
-TEST_F(MetadataQuery, PostsNoUpdateBeforeTheIntervalSinceTheObserversWereDoneIsOver) {
-    folder.makeFolder("a/Mirror Frame.app");
-    query.setNotificationBatchingInterval_(0.2);
-    std::chrono::steady_clock::time_point done;
-    bodyOf(recorder)->onNotification = [&](std::string const& name) {
-        if (name != NSMetadataQueryDidUpdateNotification) return;
-        bodyOf(recorder)->onNotification = nullptr;
-        ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
-        TemporaryFolder const work;
-        for (int index = 0; index < 1000; ++index)
-            work.makeFile(std::to_string(index), "");
-        done = std::chrono::steady_clock::now();
-    };
-    ASSERT_TRUE(gather());
-    ::rename(folder.path("a/Mirror Frame.app").c_str(), folder.path("a/Other").c_str());
-    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidUpdateNotification, 2));
-    EXPECT_EQ(query.resultCount(), 1U);
-    EXPECT_GE(bodyOf(recorder)->times.back() - done, std::chrono::milliseconds(199));
 }
 
 TEST_F(MetadataQuery, GathersByThePredicateItStartedWith) {

@@ -13,7 +13,6 @@ ClassDescription QueryRecorder::describeClass() {
 void QueryRecorder::take_(NSNotification const& notification) const {
     bodyOf(*this)->names.push_back(notification.name().UTF8String());
     bodyOf(*this)->counts.push_back(as<NSMetadataQuery>(notification.object()).resultCount());
-    bodyOf(*this)->times.push_back(std::chrono::steady_clock::now());
     if (bodyOf(*this)->onNotification) bodyOf(*this)->onNotification(bodyOf(*this)->names.back());
 }
 

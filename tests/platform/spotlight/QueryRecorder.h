@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/foundation/NSNotificationCenter.h"
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,7 +25,6 @@ public:
     }
     std::vector<std::string> names;
     std::vector<NSUInteger> counts;
-    std::vector<std::chrono::steady_clock::time_point> times;
     std::vector<std::string> changedKeys;
     std::function<void(std::string const& name)> onNotification;
     std::function<void()> onChange;

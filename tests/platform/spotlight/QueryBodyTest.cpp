@@ -1,0 +1,110 @@
+#include "platform/spotlight/QueryBody.h"
+#include "tests/platform/spotlight/MetadataQuery.h"
+#include <cstdio>
+#include <utility>
+
+namespace mac::test {
+namespace {
+
+// A query whose time stands still but for what the test lets pass.
+class MetadataQueryInTime : public MetadataQuery {
+protected:
+    void SetUp() override {
+        query = adopt<NSMetadataQuery>(QueryClock{
+            .now = [this] { return NSDate::dateWithTimeIntervalSinceReferenceDate_(m_now); },
+            .startTimer =
+                [this](NSTimeInterval delay, NSMetadataQuery const& target) {
+                    m_due = m_now + delay;
+                    return m_timer = NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
+                               Never, target, "deliver:", nil, NO);
+                }});
+        MetadataQuery::SetUp();
+        query.setNotificationBatchingInterval_(0.2);
+    }
+
+    bool runUntilDeliveryIsDue() const {
+        return runUntil([this] { return m_timer.isValid(); });
+    }
+    // The time until the delivery passes.
+    void deliver() {
+        m_now = std::max(m_now, m_due);
+        NSTimer const due = std::exchange(m_timer, NSTimer());
+        due.fire();
+    }
+    bool gatherInTime() {
+        if (!query.startQuery()) return false;
+        while (query.isGathering()) {
+            if (!runUntilDeliveryIsDue()) return false;
+            deliver();
+        }
+        return true;
+    }
+
+    static constexpr NSTimeInterval Never = 1'000'000;
+    NSTimeInterval m_now{0};
+    NSTimeInterval m_due{0};
+    NSTimer m_timer{};
+};
+
+TEST_F(MetadataQueryInTime, PostsNoProgressBeforeTheIntervalIsOver) {
+    constexpr NSUInteger copies = 2000;
+    for (NSUInteger index = 0; index < copies; ++index)
+        folder.makeFolder(std::to_string(index) + "/Mirror Frame.app");
+    std::vector<NSTimeInterval> progress;
+    bodyOf(recorder)->onNotification = [&](std::string const& name) {
+        if (name == NSMetadataQueryGatheringProgressNotification) progress.push_back(m_now);
+    };
+    ASSERT_TRUE(gatherInTime());
+    EXPECT_EQ(query.resultCount(), copies);
+    ASSERT_FALSE(progress.empty());
+    EXPECT_LE(progress.front(), 0.05) << "the first finds do not wait for the interval";
+    for (std::size_t index = 1; index < progress.size(); ++index)
+        EXPECT_NEAR(progress[index] - progress[index - 1], 0.2, 1e-9);
+}
+
+TEST_F(MetadataQueryInTime, PostsNoUpdateBeforeTheIntervalSinceTheObserversWereDoneIsOver) {
+    folder.makeFolder("a/Mirror Frame.app");
+    ASSERT_TRUE(gatherInTime());
+    if (m_timer.isValid()) deliver();
+    bodyOf(recorder)->onNotification = [&](std::string const& name) {
+        if (name == NSMetadataQueryDidUpdateNotification) m_now += 7;
+    };
+    m_now += 100;
+    ::rename(folder.path("a/Mirror Frame.app").c_str(), folder.path("a/Other").c_str());
+    ASSERT_TRUE(runUntilDeliveryIsDue());
+    EXPECT_EQ(m_due, m_now) << "the interval has long passed";
+    deliver();
+    EXPECT_EQ(names().back(), NSMetadataQueryDidUpdateNotification);
+    EXPECT_EQ(query.resultCount(), 0U);
+
+    m_now += 0.05;
+    ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
+    ASSERT_TRUE(runUntilDeliveryIsDue());
+    EXPECT_NEAR(m_due - m_now, 0.15, 1e-9);
+    EXPECT_EQ(query.resultCount(), 0U);
+    deliver();
+    EXPECT_EQ(query.resultCount(), 1U);
+}
+
+TEST_F(MetadataQueryInTime, BeginsTheIntervalAnewForWhatHappensWhileTheObserversWork) {
+    folder.makeFolder("a/Mirror Frame.app");
+    ASSERT_TRUE(gatherInTime());
+    if (m_timer.isValid()) deliver();
+    ::rename(folder.path("a/Mirror Frame.app").c_str(), folder.path("a/Other").c_str());
+    ASSERT_TRUE(runUntilDeliveryIsDue());
+    bodyOf(recorder)->onNotification = [&](std::string const& name) {
+        if (name != NSMetadataQueryDidUpdateNotification) return;
+        ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
+        EXPECT_TRUE(runUntilDeliveryIsDue());
+        m_now += 7;
+    };
+    deliver();
+    bodyOf(recorder)->onNotification = nullptr;
+    ASSERT_TRUE(m_timer.isValid());
+    EXPECT_NEAR(m_due - m_now, 0.2, 1e-9);
+    deliver();
+    EXPECT_EQ(query.resultCount(), 1U);
+}
+
+} // namespace
+} // namespace mac::test
