@@ -1,37 +1,38 @@
 #pragma once
 
-#include "platform/files/ItemTransfer.h"
-#include "tests/platform/files/TrashHome.h"
+#include "platform/system/items/ItemTransfer.h"
+#include "tests/support/DiskContents.h"
+#include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::test {
 
 // Copies and moves by path, and a folder to try them on.
 
-inline TransferGoesOn const always = [] { return true; };
 inline std::string const AppleDouble("\x00\x05\x16\x07\x00\x02\x00\x00Mac OS X        \x00\x00", 26);
 
 inline FileDescriptor folderAt(std::string const& path) {
     return FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-using Transfer = bool (*)(OpenItem const&, FileDescriptor const&, std::string const&, NameClash, TransferGoesOn const&);
+using Transfer = Result<void, TransferProblem> (*)(ItemTransfer const&);
 inline constexpr Transfer copy = copyItem;
-inline constexpr Transfer move = [](OpenItem const& item, FileDescriptor const& folder, std::string const& name,
-                                    NameClash clash, TransferGoesOn const& goesOn) {
-    return moveItem(item, folder, name, clash, goesOn) == ItemMove::Done;
-};
+inline constexpr Transfer move = moveItem;
 
-// 0, or errno.
+// The system's code of the failure; 0 for none.
 inline int errorOf(Transfer transfer, std::string const& path, std::string const& folder, std::string const& name,
-                   NameClash clash = NameClash::IsRefused, TransferGoesOn const& goesOn = always) {
-    std::optional<OpenItem> const item = openItemAtPath(path, false);
-    if (!item) return errno;
-    return transfer(*item, folderAt(folder), name, clash, goesOn) ? 0 : errno;
+                   std::function<bool()> shouldContinue = {}) {
+    Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return item.problem().code;
+    FileDescriptor const target = folderAt(folder);
+    Result<void, TransferProblem> const done =
+        transfer({.item = item.value(), .folder = target, .name = name, .shouldContinue = std::move(shouldContinue)});
+    return done.isDone() ? 0 : done.problem().error.code;
 }
 
 inline struct stat statusOf(std::string const& path) {

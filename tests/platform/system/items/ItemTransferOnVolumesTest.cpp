@@ -1,7 +1,5 @@
-#include "platform/files/ItemReferences.h"
-#include "platform/files/TrashSteps.h"
 #include "tests/platform/files/Attributes.h"
-#include "tests/platform/files/ItemTransfers.h"
+#include "tests/platform/system/items/ItemTransfers.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
@@ -52,15 +50,6 @@ TEST_F(ItemTransferOnVolumes, MovesAFolderThatNobodyMayChange) {
     ::chmod(m_point.path("tree/inner").c_str(), 0755);
 }
 
-TEST_F(ItemTransferOnVolumes, DoesNotKeepTheSpaceOfTheOriginal) {
-    mountMemory(m_point.path());
-    std::string const file = m_folder.makeFile("file", "x");
-    ASSERT_TRUE(referenceToPath(file, false));
-    std::size_t const before = namesIn("/proc/self/fd").size();
-    EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0);
-    EXPECT_EQ(namesIn("/proc/self/fd").size(), before - 1);
-}
-
 TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
     mountMemory(m_point.path(), "mode=777");
     std::string const file = m_folder.makeFile("closed/file", "x");
@@ -70,10 +59,13 @@ TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
     ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0555), 0);
     OrdinaryUser const user;
     ASSERT_NE(::faccessat(AT_FDCWD, m_folder.path("closed").c_str(), W_OK, AT_EACCESS), 0);
-    std::optional<OpenItem> const item = openItemAtPath(file, false);
-    ASSERT_TRUE(item);
-    EXPECT_EQ(moveItem(*item, folderAt(m_point.path()), "file", NameClash::IsRefused, always), ItemMove::OriginalStays);
-    EXPECT_EQ(errno, EACCES);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
+    FileDescriptor const target = folderAt(m_point.path());
+    Result<void, TransferProblem> const moved = moveItem({.item = item.value(), .folder = target, .name = "file"});
+    ASSERT_FALSE(moved.isDone());
+    EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(moved.problem().error.code, EACCES);
     EXPECT_EQ(textOf(m_point.path("file")), "x");
     EXPECT_EQ(textOf(file), "x");
 }
@@ -81,12 +73,14 @@ TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
 TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhereTheNameOfTheCopyIsNotOnTheDisk) {
     mountMemory(m_point.path());
     std::string const file = m_folder.makeFile("file", "x");
-    std::optional<OpenItem> const item = openItemAtPath(file, false);
-    ASSERT_TRUE(item);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
     withRefusedCall(SYS_fsync, EIO, [&] {
-        ItemMove const moved = moveItem(*item, folderAt(m_point.path()), "file", NameClash::IsRefused, always);
-        EXPECT_EQ(moved, ItemMove::OriginalStays);
-        EXPECT_EQ(errno, EIO);
+        FileDescriptor const target = folderAt(m_point.path());
+        Result<void, TransferProblem> const moved = moveItem({.item = item.value(), .folder = target, .name = "file"});
+        ASSERT_FALSE(moved.isDone());
+        EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+        EXPECT_EQ(moved.problem().error.code, EIO);
     });
     EXPECT_EQ(textOf(file), "x");
     ASSERT_EQ(::unlink(m_point.path("file").c_str()), 0);
@@ -103,39 +97,12 @@ TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
 }
 
-TEST_F(ItemTransferOnVolumes, ReplacesNothingBeforeTheCopyIsWhole) {
-    mountMemory(m_point.path());
-    m_folder.makeFile("file", "new");
-    m_point.makeFile("file", "old");
-    m_point.makeFile("._file", AppleDouble + "old");
-    int steps = 0;
-    int questions = 0;
-    TrashStepListener const listener([&](TrashStep) { ++steps; });
-    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsReplaced,
-                      [&] {
-                          ++questions;
-                          return false;
-                      }),
-              ECANCELED);
-    EXPECT_EQ(questions, 1);
-    EXPECT_EQ(steps, 0) << "nothing was away for a while";
-    EXPECT_EQ(textOf(m_point.path("file")), "old");
-    EXPECT_EQ(textOf(m_point.path("._file")), AppleDouble + "old");
-    EXPECT_EQ(textOf(m_folder.path("file")), "new");
-    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsReplaced), 0);
-    EXPECT_GT(steps, 0);
-    EXPECT_EQ(textOf(m_point.path("file")), "new");
-    EXPECT_FALSE(isThere(m_point.path("._file")));
-}
-
 TEST_F(ItemTransferOnVolumes, RefusesAStrayAppleDoubleFileBeforeItCopies) {
     mountMemory(m_point.path());
     m_folder.makeFile("file", "x");
     m_point.makeFile("._file", AppleDouble);
     int questions = 0;
-    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", NameClash::IsRefused,
-                      [&] { return ++questions > 0; }),
-              EEXIST);
+    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", [&] { return ++questions > 0; }), EEXIST);
     EXPECT_EQ(questions, 0);
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"._file"});
 }
