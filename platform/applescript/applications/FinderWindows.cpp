@@ -5,7 +5,6 @@
 #include "platform/desktop/FileBrowserWindows.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
-#include <cerrno>
 
 // What the Finder shows: the windows of the desktop's file browser.
 
@@ -22,7 +21,7 @@ Value done(FinderOutcome const& outcome, Value const& object) {
     case FinderProblem::None:
         return {};
     case FinderProblem::NotThere:
-        throw fileError(ENOENT, object);
+        throw cannotGet(object);
     case FinderProblem::NoApplication:
         throw plainError(ApplicationNotFound);
     case FinderProblem::NoBus:
@@ -37,7 +36,7 @@ Value done(FinderOutcome const& outcome, Value const& object) {
 
 std::vector<std::string> pathsOf(ModelApplication& finder, Value const& meant, TextContext const& context) {
     std::vector<ModelPointer> const found = finder.objects(meant, context);
-    if (isTrash(found)) return {trashFolderForPath(homePath(), true).value_or(homePath())};
+    if (isTrash(found)) return {trashFolderForPath(homePath(), MissingTrash::IsMade).valueOr(homePath())};
     std::vector<std::string> paths;
     for (std::shared_ptr<FinderItem> const& item : itemsOf(found))
         paths.push_back(item->path());

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/SerialNumbers.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/processes/DetachedProcess.h"
 #include <algorithm>
@@ -14,7 +15,7 @@ namespace mac::applescript {
 
 namespace {
 
-std::string fileName(std::string const& path) { return path.substr(path.rfind('/') + 1); }
+std::string fileName(std::string const& path) { return std::string(BytePath(path).leaf()); }
 
 std::optional<std::u16string> textIn(NSDictionary const& information, char const* key) {
     NSString const found = as<NSString>(information.objectForKey_(NSString::stringWithUTF8String_(key)));
@@ -44,10 +45,9 @@ std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     constexpr char group[] = "Desktop Entry";
     constexpr std::string_view ending = ".desktop";
     for (std::string const& folder : applicationFolders()) {
-        for (std::string const& file :
-             namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
+        for (std::string const& file : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
             if (!file.ends_with(ending)) continue;
-            KeyFile const entry = KeyFile::readFile(std::string(folder).append("/").append(file));
+            KeyFile const entry = KeyFile::readFile(BytePath(folder).joined(file));
             std::optional<std::string> const name = entry.text(group, "Name");
             std::optional<std::string> const commandLine = entry.text(group, "Exec");
             if (!name || !commandLine || entry.value(group, "Hidden") == "true") continue;
@@ -80,7 +80,7 @@ std::optional<InstalledProgram> launchServicesProgram(std::u16string_view identi
 
 bool startProgram(std::vector<std::string> const& words) {
     std::optional<std::string> const file = words.empty() ? std::nullopt : resolvedProgram(words.front());
-    return file && startDetached(*file, words).pid != 0;
+    return file && startDetached(*file, words).hasValue();
 }
 
 bool isProgramRunning(std::span<char const* const> names) {
