@@ -1,4 +1,5 @@
 #include "platform/system/items/OpenItem.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/ItemIdentity.h"
@@ -30,18 +31,18 @@ bool isSameItem(FileDescriptor const& a, FileDescriptor const& b) {
 }
 
 // Opens "/", "." or "..": the path does not tell the name, but the system may.
-Result<OpenItem> openNameless(std::string const& path) {
-    Result<FileDescriptor> opened = openPath(path, FolderFlags);
+Result<OpenItem> openNameless(std::string_view given) {
+    Result<FileDescriptor> opened = openPath(given, FolderFlags);
     if (!opened.hasValue()) return opened.problem();
     OpenItem item{.item = opened.takeValue()};
-    std::string const place = systemsPath(item.item).valueOr("");
-    SplitPath parts = splitPath(place);
-    if (parts.name.empty()) return item;
-    Result<FileDescriptor> folder = openPath(parts.folder, FolderFlags);
+    std::string const path = systemsPath(item.item).valueOr("");
+    std::string name(BytePath(path).leaf());
+    if (name.empty()) return item;
+    Result<FileDescriptor> folder = openPath(BytePath(path).parent(), FolderFlags);
     if (!folder.hasValue()) return item;
-    FileDescriptor found(::openat(folder.value().number(), parts.name.c_str(), FolderFlags | O_NOFOLLOW | O_CLOEXEC));
+    FileDescriptor found(::openat(folder.value().number(), name.c_str(), FolderFlags | O_NOFOLLOW | O_CLOEXEC));
     if (!isSameItem(found, item.item)) return item;
-    return OpenItem{folder.takeValue(), std::move(found), std::move(parts.name)};
+    return OpenItem{folder.takeValue(), std::move(found), std::move(name)};
 }
 
 bool isNameless(std::string_view name) { return name.empty() || name == "." || name == ".."; }
@@ -74,11 +75,11 @@ Result<OpenItem> openItemAtPath(std::string_view givenPath, LinkAtEnd linkAtEnd)
     for (unsigned links = 0; links <= MostLinksInPath; ++links) {
         std::string_view const whole = withoutEmptyEnd(path);
         bool const isFolder = whole.size() < path.size();
-        SplitPath const parts = splitPath(whole);
-        if (isNameless(parts.name)) return openNameless(std::string(whole));
+        std::string const name(BytePath(whole).leaf());
+        if (isNameless(name)) return openNameless(whole);
 
-        std::string const parent = parts.folder.empty() ? "./" : parts.folder;
-        Result<OpenedName> opened = openName(parent, parts.name);
+        std::string const parent(BytePath(whole).parent().empty() ? "." : BytePath(whole).parent());
+        Result<OpenedName> opened = openName(parent, name);
         if (!opened.hasValue()) return opened.problem();
         bool const isLink = S_ISLNK(opened.value().mode);
         if (!isLink && isFolder && !S_ISDIR(opened.value().mode))
@@ -86,7 +87,9 @@ Result<OpenItem> openItemAtPath(std::string_view givenPath, LinkAtEnd linkAtEnd)
         if (!isLink || (linkAtEnd == LinkAtEnd::IsNotFollowed && !isFolder)) return std::move(opened.value().item);
         Result<std::string> const target = linkText(opened.value().item.item);
         if (!target.hasValue()) return target.problem();
-        path = (target.value().starts_with('/') ? "" : parent) + target.value() + (isFolder ? "/" : "");
+        std::string const& text = target.value();
+        path = BytePath(text).isAbsolute() ? text : BytePath(parent).joined(text);
+        if (isFolder) path += '/';
     }
     return SystemError{.code = ELOOP, .operation = "open", .item = std::string(givenPath)};
 }
