@@ -14,7 +14,8 @@ FinderOutcome startApplication(DesktopApplication const& application, std::vecto
         program = *terminal;
         words.insert(words.begin(), {program, "-e"});
     }
-    return startDetached(program, words).pid > 0 ? FinderOutcome() : notStarted();
+    Result<std::int32_t> const started = startDetached(program, words);
+    return started.hasValue() ? FinderOutcome() : notStarted(started.problem());
 }
 
 } // namespace mac

@@ -61,7 +61,7 @@ std::optional<std::string> entryOf(Role const& role) {
     std::set<std::string> seen;
     std::set<std::tuple<bool, std::string, std::string>> found;
     for (std::string const& folder : applicationFolders()) {
-        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(Words())) {
+        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
             if (!name.ends_with(".desktop") || !seen.insert(name).second) continue;
             std::string const path = std::string(folder).append("/").append(name);
             KeyFile const entry = KeyFile::readFile(path);

@@ -57,10 +57,10 @@ FinderOutcome startBrowser(FileBrowser const& browser) {
     if (browser.application.needsTerminal) return startApplication(browser.application, {});
     FileBrowserStart const usual{browser.application.executable, commandOf(browser.application, {}), ""};
     FileBrowserStart const start = rememberedStart(browser).value_or(usual);
-    DetachedProcess const process = startDetached(start.executable, start.words, start.folder);
-    if (process.pid == 0) return notStarted();
+    Result<std::int32_t> const process = startDetached(start.executable, start.words, start.folder);
+    if (!process.hasValue()) return notStarted(process.problem());
     if (!serviceCommandOf(browser) || !isFileBrowserServiceOffered()) return {};
-    return waitForFileBrowserService(process.pid);
+    return waitForFileBrowserService(process.value());
 }
 
 } // namespace
@@ -91,7 +91,7 @@ FinderOutcome quitFileBrowser() {
     std::vector<FileDescriptor> open = openProcesses(processes);
     Clock::time_point const end = Clock::now() + finderPatience().quit;
     // One that has a way of its own may have something to finish first, or a question to ask.
-    if (runQuitCommand(*browser).pid == 0) std::ranges::for_each(processes, askToEnd);
+    if (!runQuitCommand(*browser).hasValue()) std::ranges::for_each(processes, askToEnd);
     if (haveEnded(open, end) && noneRuns(processes)) return {};
     return {FinderProblem::NoAnswer, "The file browser does not quit"};
 }

@@ -3,9 +3,7 @@
 #include "platform/desktop/KeyFile.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/processes/DetachedProcess.h"
-#include <cerrno>
 #include <cstdlib>
-#include <system_error>
 
 namespace mac {
 
@@ -29,9 +27,9 @@ std::optional<std::vector<std::string>> commandIn(std::string const& serviceFile
 
 FileBrowserReach startService(FileBrowser const& browser, std::vector<std::string> const& command) {
     if (!hasDisplay()) return {.outcome = noDisplay()};
-    DetachedProcess const process = startDetached(browser.application.executable, command);
-    if (process.pid == 0) return {.outcome = notStarted()};
-    FinderOutcome const outcome = waitForFileBrowserService(process.pid);
+    Result<std::int32_t> const process = startDetached(browser.application.executable, command);
+    if (!process.hasValue()) return {.outcome = notStarted(process.problem())};
+    FinderOutcome const outcome = waitForFileBrowserService(process.value());
     return {outcome.isDone() ? Reach::ByBus : Reach::NotAtAll, outcome};
 }
 
@@ -56,8 +54,7 @@ FileBrowserReach reachFileBrowser() {
 std::optional<std::vector<std::string>> serviceCommandOf(FileBrowser const& browser) {
     for (std::string const& data : dataFolders()) {
         std::string const folder = data + "/dbus-1/services";
-        std::optional<std::vector<std::string>> const names = namesInFolder(folder, LinkAtEnd::IsFollowed);
-        for (std::string const& name : names.value_or(std::vector<std::string>())) {
+        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
             if (!name.ends_with(".service")) continue;
             std::optional<std::vector<std::string>> command =
                 commandIn(std::string(folder).append("/").append(name), browser);
@@ -77,8 +74,8 @@ FinderOutcome noSessionBus() { return {FinderProblem::NoBus, "There is no sessio
 
 FinderOutcome noDisplay() { return {FinderProblem::NoDisplay, "There is no display to open a window on"}; }
 
-FinderOutcome notStarted() {
-    return {FinderProblem::NoAnswer, "The program cannot be started: " + std::generic_category().message(errno)};
+FinderOutcome notStarted(SystemError const& error) {
+    return {FinderProblem::NoAnswer, "The program cannot be started: " + textOfSystemError(error.code)};
 }
 
 } // namespace mac

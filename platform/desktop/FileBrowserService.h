@@ -2,6 +2,7 @@
 
 #include "platform/desktop/FileBrowser.h"
 #include "platform/desktop/FileBrowserWindows.h"
+#include "platform/system/SystemError.h"
 #include <chrono>
 #include <optional>
 #include <string>
@@ -47,7 +48,7 @@ bool hasDisplay();
 FinderOutcome noFileBrowser();
 FinderOutcome noSessionBus();
 FinderOutcome noDisplay();
-// Of a program that could not be started, by errno.
-FinderOutcome notStarted();
+// The outcome of a program that could not be started.
+FinderOutcome notStarted(SystemError const& error);
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/system/ASCII.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include <cerrno>
 #include <fcntl.h>
 #include <mutex>
 #include <utility>
@@ -43,14 +44,14 @@ std::optional<std::vector<std::string>> quitCommandOf(DesktopApplication const& 
 
 bool rememberStart(FileBrowser const& browser, ProcessIdentity const& process) {
     std::optional<std::vector<std::string>> words = argumentsOf(process.pid);
-    FileDescriptor const entries = openPath("/proc/" + std::to_string(process.pid), O_PATH | O_DIRECTORY);
-    std::optional<std::string> folder = entries.isOpen() ? linkTextIn(entries, "cwd") : std::nullopt;
+    Result<FileDescriptor> const entries = openPath("/proc/" + std::to_string(process.pid), O_PATH | O_DIRECTORY);
+    std::string folder = entries.hasValue() ? linkTextIn(entries.value(), "cwd").valueOr("") : std::string();
     // What was read is that process's only while it runs.
     std::optional<RunningProcess> running = runningProcess(process);
     if (!words || words->empty() || !running) return false;
     std::lock_guard const guard(memory().lock);
     memory().program = browser.program;
-    memory().start = {std::move(running->executable), std::move(*words), std::move(folder).value_or("")};
+    memory().start = {std::move(running->executable), std::move(*words), std::move(folder)};
     return true;
 }
 
@@ -64,12 +65,13 @@ void forgetFileBrowserStart() {
     memory().start.reset();
 }
 
-DetachedProcess runQuitCommand(FileBrowser const& browser) {
+Result<std::int32_t> runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser.application);
     std::optional<std::string> const program =
         command && !command->empty() ? resolvedProgram(command->front()) : std::nullopt;
-    DetachedProcess const process = program ? startDetached(*program, *command) : DetachedProcess();
-    std::optional<RunningProcess> const running = runningProcess(process.pid);
+    Result<std::int32_t> process = SystemError{.code = ENOENT, .operation = "exec"};
+    if (program) process = startDetached(*program, *command);
+    std::optional<RunningProcess> const running = process.hasValue() ? runningProcess(process.value()) : std::nullopt;
     std::lock_guard const guard(memory().lock);
     memory().quitCommand = running ? running->identity : ProcessIdentity();
     return process;
@@ -85,7 +87,7 @@ bool askToQuit(ProcessIdentity const& process) {
     std::optional<RunningProcess> const running = runningProcess(process);
     if (browser && running && isFileBrowser(*browser, programOf(*running), process)) {
         rememberStart(*browser, process);
-        if (runQuitCommand(*browser).pid > 0) return true;
+        if (runQuitCommand(*browser).hasValue()) return true;
     }
     return askToEnd(process);
 }

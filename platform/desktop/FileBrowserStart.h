@@ -26,8 +26,8 @@ std::optional<FileBrowserStart> rememberedStart(FileBrowser const& browser);
 void forgetFileBrowserStart();
 
 // Runs the command that its desktop entry or its kind has to make it quit, and does not wait. The process that does it;
-// none where there is no such command, or it cannot be started.
-DetachedProcess runQuitCommand(FileBrowser const& browser);
+// fails with ENOENT if there is no such command.
+Result<std::int32_t> runQuitCommand(FileBrowser const& browser);
 // Whether the process is the last of those, which mostly runs the browser's own program.
 bool isQuitCommand(ProcessIdentity const& process);
 

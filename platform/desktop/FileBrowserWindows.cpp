@@ -12,11 +12,12 @@ namespace mac {
 
 namespace {
 
+FinderOutcome nothingThere() { return {FinderProblem::NotThere, "There is nothing at the path"}; }
+
 std::optional<FinderOutcome> complaintAbout(std::vector<std::string> const& paths) {
     if (paths.empty()) return FinderOutcome{FinderProblem::NotThere, "Nothing is to be shown"};
     for (std::string const& path : paths) {
-        if (!path.starts_with('/') || !openPath(path, O_PATH | O_NOFOLLOW).isOpen())
-            return FinderOutcome{FinderProblem::NotThere, "There is nothing at the path"};
+        if (!path.starts_with('/') || !openPath(path, O_PATH | O_NOFOLLOW).hasValue()) return nothingThere();
     }
     return std::nullopt;
 }
@@ -80,9 +81,10 @@ FinderOutcome showInformation(std::vector<std::string> const& paths) {
 }
 
 FinderOutcome openItem(std::string const& path) {
-    std::optional<FileStatus> const status = path.starts_with('/') ? fileStatusAtPath(path) : std::nullopt;
-    if (!status) return {FinderProblem::NotThere, "There is nothing at the path"};
-    if (status->kind == FileStatus::Kind::Folder) return openFolders({path});
+    if (!path.starts_with('/')) return nothingThere();
+    Result<FileStatus> const status = fileStatusAtPath(path);
+    if (!status.hasValue()) return nothingThere();
+    if (status.value().kind == FileStatus::Kind::Folder) return openFolders({path});
     std::optional<DesktopApplication> const application = defaultApplicationFor(contentTypesOf(path));
     if (!application) return {FinderProblem::NoApplication, "No application is known for the item"};
     return startApplication(*application, {path});

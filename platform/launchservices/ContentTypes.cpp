@@ -4,6 +4,7 @@
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <cerrno>
@@ -43,10 +44,13 @@ std::string typeCodeOf(DiskItem const& item) {
 
 // Opened so that nothing else can be read in the file's place; empty where it cannot be read.
 std::string firstBytes(std::string const& path, bool followsLinks) {
-    std::optional<OpenItem> const opened = openItemAtPath(path, followsLinks);
+    LinkAtEnd const linkAtEnd = followsLinks ? LinkAtEnd::IsFollowed : LinkAtEnd::IsNotFollowed;
+    Result<OpenItem> const opened = openItemAtPath(path, linkAtEnd);
+    if (!opened.hasValue()) return {};
     struct stat status {};
-    if (!opened || ::fstat(opened->item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    FileDescriptor const file(::open(opened->systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (::fstat(opened.value().item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+    FileDescriptor const file(
+        ::open(opened.value().systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     std::string bytes(BytesToLookAt, '\0');
     std::size_t length = 0;
     while (file.isOpen() && length < bytes.size()) {
@@ -92,7 +96,7 @@ std::string contentTypeOf(DiskItem const& item) {
 }
 
 std::string mimeTypeOfItem(std::string const& path, bool followsLinks) {
-    return mimeTypeOfNameAndBytes(std::string_view(path).substr(path.rfind('/') + 1), firstBytes(path, followsLinks));
+    return mimeTypeOfNameAndBytes(BytePath(path).leaf(), firstBytes(path, followsLinks));
 }
 
 } // namespace mac
