@@ -29,9 +29,9 @@ std::string complaintAboutTypes(NSDictionary const& information) {
 }
 
 std::string complaintAboutApplication(std::string const& path) {
-    std::optional<DiskItem> const item = diskItemAtPath(path);
-    if (!item || !item->isApplicationBundle()) return "it is no application";
-    if (displayNameOf(*item).length() == 0) return "it has no name";
+    Result<DiskItem> const item = diskItemAtPath(path);
+    if (!item.hasValue() || !item.value().isApplicationBundle()) return "it is no application";
+    if (displayNameOf(item.value()).length() == 0) return "it has no name";
     NSString const place = NSString::stringWithFileSystemRepresentation_(path);
     LSItemInfoRecord record;
     if (LSCopyItemInfoForURL(NSURL::fileURLWithPath_(place), kLSRequestAllInfo, &record) != noErr)

@@ -1,5 +1,6 @@
 #include "fuzz/MountTableRoundTrip.h"
 #include "platform/files/Volumes.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <set>
@@ -60,7 +61,8 @@ std::string complaintAboutMounts(std::string_view text) {
         if (!mount.mountPoint.starts_with('/') || mount.type.empty()) return "what is no mount is in the table";
         if (!table.withId(mount.id)) return "a mount is not found by its number";
         Mount const* const reached = table.reachedBy(mount.mountPoint);
-        if (reached && !isAtOrBelow(mount.mountPoint, reached->mountPoint)) return "a path leads to a mount elsewhere";
+        if (reached && !BytePath(mount.mountPoint).isAtOrBelow(reached->mountPoint))
+            return "a path leads to a mount elsewhere";
         written += lineOf(mount);
     }
     std::vector<Mount> const again = MountTable::parse(written).mounts();

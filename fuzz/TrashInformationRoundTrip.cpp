@@ -1,6 +1,5 @@
 #include "fuzz/TrashInformationRoundTrip.h"
 #include "platform/files/TrashInformation.h"
-#include "platform/files/TrashNames.h"
 
 namespace mac::fuzz {
 

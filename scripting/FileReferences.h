@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/files/FSRef.h"
-#include "platform/files/HFSUniStr255.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSURL.h"
 

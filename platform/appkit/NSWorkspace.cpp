@@ -53,7 +53,7 @@ bool launchBundle(NSString const& path) {
         return true;
     }
     std::optional<std::string> const program = bundle.executablePath().fileSystemRepresentation();
-    return program && startDetached(*program, {*program}).pid > 0;
+    return program && startDetached(*program, {*program}).hasValue();
 }
 
 bool launchFinder() {

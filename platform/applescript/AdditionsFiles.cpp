@@ -62,13 +62,12 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
 Value listFolder(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const path = requirePath(arguments.direct, evaluator.context());
     Value const file = asFile(resolved(arguments.direct, evaluator.context()), path);
-    std::optional<std::vector<std::string>> const listed =
-        namesInFolder(bytesOfPath(path, file), LinkAtEnd::IsFollowed);
-    if (!listed) throw fileNotFound(file);
+    Result<std::vector<std::string>> const listed = namesInFolder(bytesOfPath(path, file), LinkAtEnd::IsFollowed);
+    if (!listed.hasValue()) throw fileNotFound(file);
     Value const* const flag = arguments.find(codeOf("lfiv"));
     bool const showsHidden = !flag || requireBoolean(*flag, evaluator.context());
     std::vector<std::u16string> names;
-    for (std::string const& name : *listed)
+    for (std::string const& name : listed.value())
         if (showsHidden || !name.starts_with('.')) names.push_back(unitsFromFileSystemBytes(name));
     std::ranges::sort(names);
     std::vector<Value> values;

@@ -1,6 +1,7 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ElementAccess.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/TextElements.h"
 #include "platform/foundation/Encodings.h"
@@ -18,25 +19,11 @@ namespace {
 constexpr mode_t NewFileMode = 0666;
 using File = OpenFiles::File;
 
-// Nothing for what means another thing where it happens.
-std::optional<std::int32_t> numberOf(int errorNumber) {
-    switch (errorNumber) {
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EISDIR:
-        return errors::FilePermission;
-    case ENOSPC:
-    case EDQUOT:
-        return errors::DiskFull;
-    case EIO:
-        return errors::InputOutput;
-    default:
-        return {};
-    }
+std::int32_t lastErrorNumber(char const* operation, std::int32_t otherwise) {
+    return fileErrorNumber(lastSystemError(operation), FileCommand::ReadOrWrite).value_or(otherwise);
 }
 
-// Neither a folder, nor a pipe or a device, which have no places to read from.
+// False for folders, and for pipes and devices, which cannot be read at a position.
 bool isFile(int descriptor) {
     struct stat status {};
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
@@ -45,10 +32,10 @@ bool isFile(int descriptor) {
 File openAt(Value const& named, std::u16string const& path, int flags) {
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (!bytes) throw fileNotFound(asFile(named, path));
-    // A pipe that nobody writes to would be waited for.
+    // Opening a pipe without writer would block.
     int const descriptor = ::open(bytes->c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, NewFileMode);
     if (descriptor < 0) {
-        std::int32_t const number = numberOf(errno).value_or(errors::FileNotFound);
+        std::int32_t const number = lastErrorNumber("open", errors::FileNotFound);
         throw number == errors::FileNotFound ? fileNotFound(asFile(named, path)) : plainError(number);
     }
     if (!isFile(descriptor)) {
@@ -58,7 +45,7 @@ File openAt(Value const& named, std::u16string const& path, int flags) {
     return {.descriptor = descriptor, .path = path, .maySave = (flags & O_ACCMODE) != O_RDONLY};
 }
 
-// What is said of a file that goes by its path; of one that goes by its number nothing more is known.
+// The error about a file that the script named by its path.
 ScriptError aboutFile(std::int32_t number, Value const& named, std::u16string const& path, std::u16string_view end) {
     return {.number = number, .message = u"File " + humanForm(asFile(named, path)) + std::u16string(end)};
 }
@@ -108,7 +95,7 @@ std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end,
         ssize_t const got =
             ::pread(file.descriptor, bytes.data() + read, bytes.size() - read, start + static_cast<std::int64_t>(read));
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) throw plainError(numberOf(errno).value_or(errors::InputOutput));
+        if (got < 0) throw plainError(lastErrorNumber("read", errors::InputOutput));
         if (got == 0) break;
         read += static_cast<std::size_t>(got);
     }
@@ -177,7 +164,7 @@ void writeAll(File const& file, std::string_view bytes, std::int64_t place) {
     while (!bytes.empty()) {
         ssize_t const count = ::pwrite(file.descriptor, bytes.data(), bytes.size(), place);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) throw plainError(numberOf(errno).value_or(errors::NotOpenForWriting));
+        if (count < 0) throw plainError(lastErrorNumber("write", errors::NotOpenForWriting));
         if (count == 0) throw plainError(errors::NotOpenForWriting);
         bytes.remove_prefix(static_cast<std::size_t>(count));
         place += count;

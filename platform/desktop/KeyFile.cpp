@@ -97,7 +97,7 @@ KeyFile KeyFile::read(std::string_view text) {
 }
 
 KeyFile KeyFile::readFile(std::string const& path) {
-    Result<FileContents, Failure> const contents = readFileAtPath(path, LargestFile);
+    Result<FileContents> const contents = readFileAtPath(path, LargestFile);
     if (!contents.hasValue()) return {};
     std::vector<std::byte> const& bytes = contents.value().bytes;
     return read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});

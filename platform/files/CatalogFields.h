@@ -5,13 +5,10 @@
 
 namespace mac {
 
-// What stands behind FSGetCatalogInfo and FSSetCatalogInfo; any thread. False when a field cannot be read or written;
-// errno says why. Fields that are not asked for stay as they are.
+// The implementation of FSGetCatalogInfo and FSSetCatalogInfo on an open item. Fields that are not asked for stay as
+// they are; on failure some of the others may have been read or written. Any thread.
 
-bool readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& information);
-bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& information);
-
-// Leads to the item through its folder, which is held open; for attributes, with a link not followed.
-std::string attributePath(OpenItem const& item);
+Result<void> readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& information);
+Result<void> writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& information);
 
 } // namespace mac

@@ -1,18 +1,18 @@
 #include "platform/files/CatalogFields.h"
-#include "platform/files/CreationDates.h"
-#include "platform/files/ExtendedAttributes.h"
-#include "platform/files/VolumeNumbers.h"
+#include "platform/files/VolumeInformation.h"
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/KeptCreationDate.h"
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace mac {
@@ -23,8 +23,8 @@ constexpr double SecondsFrom1970To2001 = 978'307'200;
 constexpr double NanosecondsASecond = 1e9;
 constexpr unsigned PermissionBits = 07777;
 constexpr std::uint64_t BlockSize = 512;
-constexpr std::uint32_t Start = 0;
-// A date that the record cannot hold is none.
+
+// All zero for a date that the record cannot hold.
 UTCDateTime dateOf(statx_timestamp const& time) {
     UTCDateTime date{};
     UCConvertCFAbsoluteTimeToUTCDateTime(
@@ -41,8 +41,8 @@ timespec timeOf(UTCDateTime const& date) {
 }
 
 UTCDateTime createDateOf(OpenItem const& item, struct statx const& status) {
-    std::optional<UTCDateTime> const kept = keptCreationDate(item);
-    if (kept) return *kept;
+    Result<KeptCreationDate> const kept = keptCreationDate(item);
+    if (kept.hasValue()) return utcDateTimeOf(kept.value().units);
     return dateOf((status.stx_mask & STATX_BTIME) != 0 ? status.stx_btime : status.stx_mtime);
 }
 
@@ -56,11 +56,9 @@ std::uint8_t accessTo(OpenItem const& item) {
     return static_cast<std::uint8_t>(access);
 }
 
-// 0 where there is none.
+// In bytes; 0 if the item has no resource fork.
 std::uint64_t resourceForkSize(OpenItem const& item) {
-    std::ptrdiff_t const size =
-        getxattr(attributePath(item).c_str(), XATTR_RESOURCEFORK_NAME, nullptr, 0, Start, XATTR_NOFOLLOW);
-    return static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(size, 0));
+    return sizeOfAttribute(item, AttributeName(XATTR_RESOURCEFORK_NAME)).valueOr(0);
 }
 
 std::uint32_t parentNumber(OpenItem const& item) {
@@ -91,130 +89,141 @@ void readSizes(OpenItem const& item, struct statx const& status, FSCatalogInfoBi
     }
 }
 
-bool readFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
-    if ((which & (kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)) == 0) return true;
-    std::optional<FinderInformation> const found = readFinderInformation(attributePath(item));
-    if (!found) return false;
+Result<void> readFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
+    if ((which & (kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)) == 0) return {};
+    Result<FinderInformation> const found = readFinderInformation(item);
+    if (!found.hasValue()) return found.problem();
     FSCatalogInfo whole;
-    setFinderInformation(whole, *found);
+    setFinderInformation(whole, found.value());
     if ((which & kFSCatInfoFinderInfo) != 0) information.finderInfo = whole.finderInfo;
     if ((which & kFSCatInfoFinderXInfo) != 0) information.extFinderInfo = whole.extFinderInfo;
-    return true;
+    return {};
 }
 
-bool readValence(OpenItem const& item, bool isFolder, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
-    if ((which & kFSCatInfoValence) == 0) return true;
+Result<void> readValence(OpenItem const& item, bool isFolder, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
+    if ((which & kFSCatInfoValence) == 0) return {};
     information.valence = 0;
-    if (!isFolder) return true;
-    // To be read is enough, it need not be entered, as it must for ".".
+    if (!isFolder) return {};
+    // Permission to read is enough; opening "." would need permission to enter the folder, too.
     FileDescriptor folder(::open(item.systemPath().c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    std::optional<std::vector<FolderEntry>> const entries =
-        folder.isOpen() ? entriesOf(std::move(folder)) : std::nullopt;
-    if (!entries) return false;
-    information.valence = static_cast<std::uint32_t>(entries->size());
-    return true;
+    if (!folder.isOpen()) return lastSystemError("open", item.name);
+    Result<std::vector<FolderEntry>> const entries = entriesOf(std::move(folder));
+    if (!entries.hasValue()) return entries.problem();
+    information.valence = static_cast<std::uint32_t>(entries.value().size());
+    return {};
 }
 
-bool writeFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
-    if ((which & (kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)) == 0) return true;
-    std::optional<FinderInformation> const old = readFinderInformation(attributePath(item));
-    if (!old) return false;
+Result<void> writeFinderFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
+    if ((which & (kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)) == 0) return {};
+    Result<FinderInformation> const old = readFinderInformation(item);
+    if (!old.hasValue()) return old.problem();
     FSCatalogInfo whole;
-    setFinderInformation(whole, *old);
+    setFinderInformation(whole, old.value());
     if ((which & kFSCatInfoFinderInfo) != 0) whole.finderInfo = information.finderInfo;
     if ((which & kFSCatInfoFinderXInfo) != 0) whole.extFinderInfo = information.extFinderInfo;
     FinderInformation const changed = finderInformationOf(whole);
-    return changed == *old || writeFinderInformation(attributePath(item), changed);
+    return changed == old.value() ? Result<void>() : writeFinderInformation(item, changed);
 }
 
-bool writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
+Result<void> writeCreateDate(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
+    if ((which & kFSCatInfoCreateDate) == 0) return {};
+    return keepCreationDate(item, {unitsOf(information.createDate)});
+}
+
+Result<void> writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
     std::array<timespec, 2> times{};
     bool const changesAccess = (which & kFSCatInfoAccessDate) != 0;
     bool const changesContents = (which & kFSCatInfoContentMod) != 0;
-    if (!changesAccess && !changesContents) return true;
+    if (!changesAccess && !changesContents) return {};
     times[0].tv_nsec = UTIME_OMIT;
     times[1].tv_nsec = UTIME_OMIT;
     if (changesAccess) times[0] = timeOf(information.accessDate);
     if (changesContents) times[1] = timeOf(information.contentModDate);
-    return ::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) == 0;
+    if (::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) != 0)
+        return lastSystemError("utimensat", item.name);
+    return {};
 }
 
-bool writePermissions(OpenItem const& item, struct statx const& status, FSPermissionInfo const& permissions) {
+Result<void> writePermissions(OpenItem const& item, struct statx const& status, FSCatalogInfoBitmap which,
+                              FSPermissionInfo const& permissions) {
+    if ((which & kFSCatInfoPermissions) == 0) return {};
     bool const isSameOwner = permissions.userID == status.stx_uid && permissions.groupID == status.stx_gid;
     bool const isSameMode = (permissions.mode & PermissionBits) == (status.stx_mode & PermissionBits);
     if (!isSameOwner && ::fchownat(item.item.number(), "", permissions.userID, permissions.groupID, AT_EMPTY_PATH) != 0)
-        return false;
+        return lastSystemError("chown", item.name);
     // A change of owner may take permissions away.
-    if (isSameOwner && isSameMode) return true;
-    // A link has none of its own.
-    return S_ISLNK(status.stx_mode) || ::chmod(item.systemPath().c_str(), permissions.mode & PermissionBits) == 0;
+    if (isSameOwner && isSameMode) return {};
+    // A symbolic link has no permissions of its own.
+    if (S_ISLNK(status.stx_mode) || ::chmod(item.systemPath().c_str(), permissions.mode & PermissionBits) == 0)
+        return {};
+    return lastSystemError("chmod", item.name);
 }
 
-bool setLocked(OpenItem const& item, bool isLocked) {
-    NSDictionary const attributes =
-        NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(BOOL(isLocked)), NSFileImmutable);
-    errno = 0;
-    if (changeFileAttributes(item.item, attributes)) return true;
-    if (errno == 0) errno = EPERM;
-    return false;
-}
-
-std::optional<struct statx> statusOf(OpenItem const& item) {
+Result<struct statx> statusOf(OpenItem const& item) {
     struct statx status {};
     int const failed =
         ::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status);
-    return failed ? std::nullopt : std::optional(status);
+    if (failed != 0) return lastSystemError("statx", item.name);
+    return status;
 }
 
 bool isLocked(struct statx const& status) { return (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0; }
 
-} // namespace
-
-std::string attributePath(OpenItem const& item) {
-    // The root lies in no folder.
-    if (item.name.empty()) return item.folder.isOpen() ? item.systemPath() : "/";
-    return descriptorPath(item.folder) + "/" + item.name;
-}
-
-bool readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
-    std::optional<struct statx> const status = statusOf(item);
-    if (!status) return false;
-    bool const isFolder = S_ISDIR(status->stx_mode);
+// The fields that the status and the item's folder tell.
+void readStatus(OpenItem const& item, struct statx const& status, FSCatalogInfoBitmap which,
+                FSCatalogInfo& information) {
+    bool const isFolder = S_ISDIR(status.stx_mode);
     if ((which & kFSCatInfoTextEncoding) != 0) information.textEncodingHint = 0;
     if ((which & kFSCatInfoNodeFlags) != 0)
         information.nodeFlags = static_cast<std::uint16_t>((isFolder ? kFSNodeIsDirectoryMask : 0) |
-                                                           (isLocked(*status) ? kFSNodeLockedMask : 0));
-    if ((which & kFSCatInfoVolume) != 0) {
-        std::optional<FSVolumeRefNum> const volume = numberOfVolumeOf(item.item);
-        if (!volume) return false;
-        information.volume = *volume;
-    }
+                                                           (isLocked(status) ? kFSNodeLockedMask : 0));
     if ((which & kFSCatInfoParentDirID) != 0) information.parentDirID = parentNumber(item);
-    if ((which & kFSCatInfoNodeID) != 0) information.nodeID = static_cast<std::uint32_t>(status->stx_ino);
-    readDates(item, *status, which, information);
+    if ((which & kFSCatInfoNodeID) != 0) information.nodeID = static_cast<std::uint32_t>(status.stx_ino);
+    readDates(item, status, which, information);
     if ((which & (kFSCatInfoPermissions | kFSCatInfoUserAccess)) != 0)
-        information.permissions = {.userID = status->stx_uid,
-                                   .groupID = status->stx_gid,
-                                   .userAccess = accessTo(item),
-                                   .mode = status->stx_mode};
-    readSizes(item, *status, which, information);
+        information.permissions = {
+            .userID = status.stx_uid, .groupID = status.stx_gid, .userAccess = accessTo(item), .mode = status.stx_mode};
+    readSizes(item, status, which, information);
     if ((which & kFSCatInfoSharingFlags) != 0) information.sharingFlags = 0;
     if ((which & kFSCatInfoUserPrivs) != 0) information.userPrivileges = 0;
-    return readFinderFields(item, which, information) && readValence(item, isFolder, which, information);
 }
 
-bool writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
-    std::optional<struct statx> const status = statusOf(item);
-    if (!status) return false;
+} // namespace
+
+Result<void> readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo& information) {
+    Result<struct statx> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    if ((which & kFSCatInfoVolume) != 0) {
+        Result<FSVolumeRefNum> const volume = numberOfVolumeOf(item.item);
+        if (!volume.hasValue()) return volume.problem();
+        information.volume = volume.value();
+    }
+    readStatus(item, status.value(), which, information);
+    Result<void> const finder = readFinderFields(item, which, information);
+    if (!finder.isDone()) return finder;
+    return readValence(item, S_ISDIR(status.value().stx_mode), which, information);
+}
+
+Result<void> writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
+    Result<struct statx> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    bool const wasLocked = isLocked(status.value());
     bool const changesLock =
-        (which & kFSCatInfoNodeFlags) != 0 && ((information.nodeFlags & kFSNodeLockedMask) != 0) != isLocked(*status);
-    // What forbids changes is lifted first and put on last.
-    if (changesLock && isLocked(*status) && !setLocked(item, false)) return false;
-    if (!writeFinderFields(item, which, information)) return false;
-    if ((which & kFSCatInfoCreateDate) != 0 && !keepCreationDate(item, information.createDate)) return false;
-    if ((which & kFSCatInfoPermissions) != 0 && !writePermissions(item, *status, information.permissions)) return false;
-    if (!writeTimes(item, which, information)) return false;
-    return !changesLock || isLocked(*status) || setLocked(item, true);
+        (which & kFSCatInfoNodeFlags) != 0 && ((information.nodeFlags & kFSNodeLockedMask) != 0) != wasLocked;
+    // The lock forbids the other changes, so it is taken off first and put on last.
+    std::array<std::function<Result<void>()>, 6> const steps{
+        [&] { return changesLock && wasLocked ? setImmutable(item.item, false) : Result<void>(); },
+        [&] { return writeFinderFields(item, which, information); },
+        [&] { return writeCreateDate(item, which, information); },
+        [&] { return writePermissions(item, status.value(), which, information.permissions); },
+        [&] { return writeTimes(item, which, information); },
+        [&] { return changesLock && !wasLocked ? setImmutable(item.item, true) : Result<void>(); },
+    };
+    for (std::function<Result<void>()> const& step : steps) {
+        Result<void> const done = step();
+        if (!done.isDone()) return done;
+    }
+    return {};
 }
 
 } // namespace mac

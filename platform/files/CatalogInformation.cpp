@@ -1,8 +1,8 @@
 #include "platform/files/CatalogInformation.h"
 #include "platform/files/CatalogFields.h"
+#include "platform/files/FileStatuses.h"
 #include "platform/files/ItemReferences.h"
 #include <algorithm>
-#include <cerrno>
 
 namespace mac {
 
@@ -16,23 +16,7 @@ std::span<std::byte const> secondHalf(FinderInformation const& information) {
     return std::span(information.bytes).last(information.bytes.size() / 2);
 }
 
-OSErr errorOf(int errorNumber) {
-    switch (errorNumber) {
-    case ENOENT:
-        return fnfErr;
-    case EROFS:
-        return wPrErr;
-    case EPERM:
-    case EACCES:
-        return permErr;
-    case ENOMEM:
-        return memFullErr;
-    default:
-        return ioErr;
-    }
-}
-
-// As HFS holds it; empty for one that no record holds.
+// The name in the form of HFS; empty if it is too long for the record.
 HFSUniStr255 nameOf(OpenItem const& item) {
     HFSUniStr255 result{};
     NSString const name = NSString::stringWithFileSystemRepresentation_(item.name);
@@ -66,31 +50,27 @@ OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalo
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef) {
     if (!ref || fsSpec || (whichInfo != kFSCatInfoNone && !catalogInfo)) return paramErr;
     if ((whichInfo & ~(kFSCatInfoGettableInfo | kFSCatInfoUserAccess)) != 0) return errFSBadInfoBitmap;
-    std::optional<OpenItem> const item = openItemOfReference(*ref);
-    if (!item) return errFSBadFSRef;
+    Result<OpenItem> const item = openItemOfReference(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
     FSCatalogInfo information{};
     if (catalogInfo) information = *catalogInfo;
-    errno = 0;
-    if (!readCatalogFields(*item, whichInfo, information)) return errorOf(errno);
-    FSRef parent{};
-    if (parentRef) {
-        std::optional<FSRef> const found = referenceToFolderOf(*item);
-        if (!found) return errorOf(errno);
-        parent = *found;
-    }
+    Result<void> const read = readCatalogFields(item.value(), whichInfo, information);
+    if (!read.isDone()) return statusOf(read.problem(), FileOperation::UsingCatalog);
+    Result<FSRef> const parent = parentRef ? referenceToFolderOf(item.value()) : FSRef{};
+    if (!parent.hasValue()) return statusOf(parent.problem(), FileOperation::UsingCatalog);
     deliver(information, catalogInfo);
-    deliver(nameOf(*item), outName);
-    deliver(parent, parentRef);
+    deliver(nameOf(item.value()), outName);
+    deliver(parent.value(), parentRef);
     return noErr;
 }
 
 OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo) {
     if (!ref || !catalogInfo) return paramErr;
     if ((whichInfo & ~kFSCatInfoSettableInfo) != 0) return errFSBadInfoBitmap;
-    std::optional<OpenItem> const item = openItemOfReference(*ref);
-    if (!item) return errFSBadFSRef;
-    errno = 0;
-    return writeCatalogFields(*item, whichInfo, *catalogInfo) ? noErr : errorOf(errno);
+    Result<OpenItem> const item = openItemOfReference(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
+    Result<void> const written = writeCatalogFields(item.value(), whichInfo, *catalogInfo);
+    return written.isDone() ? noErr : statusOf(written.problem(), FileOperation::UsingCatalog);
 }
 
 } // namespace mac

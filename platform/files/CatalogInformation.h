@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
 #include "platform/foundation/UTCDateTime.h"
 
 namespace mac {
 
-// What the catalog of a volume says of an item. Any thread.
+// An item's metadata, as the catalog of a volume holds it. Any thread.
 
 using FSCatalogInfoBitmap = std::uint32_t;
 using FSVolumeRefNum = std::int16_t;
@@ -34,38 +34,39 @@ inline constexpr FSCatalogInfoBitmap kFSCatInfoUserAccess = 0x00080000;
 inline constexpr FSCatalogInfoBitmap kFSCatInfoAllDates = 0x000003E0;
 inline constexpr FSCatalogInfoBitmap kFSCatInfoGettableInfo = 0x0003FFFF;
 inline constexpr FSCatalogInfoBitmap kFSCatInfoSettableInfo = 0x00001FE3;
-// What an icon is looked up by.
+// The fields that an icon is looked up by.
 inline constexpr FSCatalogInfoBitmap kIconServicesCatalogInfoMask = 0x00081C5E;
 
-// Bits of the node flags. Locked: nobody may change or delete the item until it is unlocked.
+// Bits of the node flags. Locked: the item cannot be changed or deleted until it is unlocked.
 inline constexpr std::uint16_t kFSNodeLockedMask = 0x0001;
 inline constexpr std::uint16_t kFSNodeIsDirectoryMask = 0x0010;
 
-// A bit that means nothing, or a field that cannot be set.
+// The mask has an undefined bit, or asks to set a field that cannot be set.
 inline constexpr OSErr errFSBadInfoBitmap = -1405;
 inline constexpr OSErr errFSMissingCatInfo = -1406;
-// The user may not.
+// The user has no permission.
 inline constexpr OSErr permErr = -54;
+// The volume cannot be written to.
 inline constexpr OSErr wPrErr = -44;
 
 struct FSPermissionInfo {
     std::uint32_t userID{0};
     std::uint32_t groupID{0};
     std::uint8_t reserved1{0};
-    // What the user that the program runs for may do: 4 read, 2 write, 1 execute or enter.
+    // The access of the program's user: 4 read, 2 write, 1 execute or search.
     std::uint8_t userAccess{0};
-    // Kind and permissions as the system counts them.
+    // Kind and permissions, as in the system's st_mode.
     std::uint16_t mode{0};
     std::uint32_t reserved2{0};
 
     constexpr bool operator==(FSPermissionInfo const&) const = default;
 };
 
-// Only the fields that are asked for have a meaning.
+// Only the fields that were asked for are set.
 struct FSCatalogInfo {
     std::uint16_t nodeFlags{0};
     FSVolumeRefNum volume{0};
-    // Linux: the lower 32 bits of the numbers, which need not be enough to tell items apart.
+    // Linux: the lower 32 bits of the inode numbers, which may not tell items apart.
     std::uint32_t parentDirID{0};
     std::uint32_t nodeID{0};
     std::uint8_t sharingFlags{0};
@@ -76,8 +77,8 @@ struct FSCatalogInfo {
     UTCDateTime accessDate{};
     UTCDateTime backupDate{};
     FSPermissionInfo permissions{};
-    // Linux: in the order in which Mac OS X stores them, whatever the processor's; finderInformationOf and
-    // setFinderInformation take them out and put them in.
+    // Linux: in the byte order in which Mac OS X stores them, whatever the processor's; finderInformationOf and
+    // setFinderInformation convert.
     std::array<std::byte, 16> finderInfo{};
     std::array<std::byte, 16> extFinderInfo{};
     std::uint64_t dataLogicalSize{0};
@@ -91,21 +92,21 @@ struct FSCatalogInfo {
 FinderInformation finderInformationOf(FSCatalogInfo const& catalogInfo);
 void setFinderInformation(FSCatalogInfo& catalogInfo, FinderInformation const& information);
 
-// A file's old kind of name, which nobody asks for any more.
+// The obsolete form of a file's name; always null here.
 struct FSSpec;
 
-// Everything but the reference may be null, and the information with an empty mask. Nothing is written when it fails.
-// The name is as HFS holds it, empty for the root and for one that no HFSUniStr255 holds; the root's parent is all
-// zero. paramErr for a null pointer that must not be one and for an FSSpec, errFSBadInfoBitmap for unknown bits.
+// Everything but the reference may be null; so may the information, with an empty mask. Nothing is written on failure.
+// The name is in the form of HFS, empty for the root and if no HFSUniStr255 can hold it; the root's parent is all zero.
+// paramErr for a null pointer where none is allowed and for an FSSpec, errFSBadInfoBitmap for undefined bits.
 //
-// Linux: the creation date is the one that was set, else the file system's, else the date of the last change. Nobody is
-// known to have made a backup. A locked file is an immutable one.
+// Linux: the creation date is the one that was set, else the file system's, else the date of the last change. The
+// backup date is 0. A locked file is one with the immutable flag.
 OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef);
-// Of kFSCatInfoSettableInfo alone. What was set before a failure stays.
+// Sets fields of kFSCatInfoSettableInfo. Fields that were set before a failure stay set.
 //
-// Linux: no file system lets a creation date be set, so it is kept in the attribute
-// "com.apple.FSCatalogInfo.createDate"; the date when attributes changed and the text encoding are taken and not kept.
+// Linux: no file system can set a creation date, so it is kept in the attribute "com.apple.FSCatalogInfo.createDate";
+// the date of the last attribute change and the text encoding are accepted and ignored.
 OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo);
 
 } // namespace mac

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "platform/files/TrashFolder.h"
+#include "platform/files/TrashPlaces.h"
 
 namespace mac {
 
-// Adds a folder that has come into the trash to the trash's file of sizes, unless it is so large that adding up would
-// take long: then others add up when they need it. Nothing depends on the file, so nothing is said when it fails.
-void addDirectorySize(TrashFolder const& trash, std::string const& name);
+// The trash's file "directorysizes", a cache of the sizes of the folders in it. Failures are ignored, since other
+// programs add up the sizes that are missing. Any thread.
 
-// Removes from the file what is not in the trash any more.
-void removeOldDirectorySizes(TrashFolder const& trash);
+// Adds the size of a folder that was trashed, unless the folder holds too many items to add up quickly.
+void addDirectorySize(TrashPlace const& trash, std::string const& name);
+
+// Removes the sizes of folders that are no longer in the trash.
+void removeOldDirectorySizes(TrashPlace const& trash);
 
 } // namespace mac

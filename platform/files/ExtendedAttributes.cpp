@@ -1,194 +1,120 @@
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/system/items/AppleDoubleFile.h"
-#include "platform/system/items/AttributesOnItem.h"
-#include <algorithm>
+#include "platform/system/items/ItemAttributes.h"
 #include <cerrno>
 #include <cstring>
-#include <sys/stat.h>
-#include <sys/xattr.h>
-#include <unordered_set>
 
 namespace mac {
 
 namespace {
 
-constexpr int NoOptions = 0;
+SystemError refusal(int code, char const* operation) { return {.code = code, .operation = operation}; }
 
-int failure(int errorNumber) {
-    errno = errorNumber;
+// The border: the callers' contract is -1 and errno.
+std::ptrdiff_t answer(Result<std::size_t> const& length) {
+    if (length.hasValue()) return static_cast<std::ptrdiff_t>(length.value());
+    errno = length.problem().code;
     return -1;
 }
 
-std::optional<OpenItem> openItem(char const* path, int options) {
-    if (path) return openItemAtPath(path, (options & XATTR_NOFOLLOW) == 0);
-    errno = EFAULT;
-    return std::nullopt;
+int answer(Result<void> const& done) {
+    Result<std::size_t> const length = done.isDone() ? Result<std::size_t>(std::size_t{0}) : done.problem();
+    return static_cast<int>(answer(length));
 }
 
-bool carriesAttributes(OpenItem const& item) {
-    struct stat status {};
-    return ::fstat(item.item.number(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+Result<OpenItem> openItem(char const* path, int options) {
+    if (!path) return refusal(EFAULT, "open");
+    bool const isFollowed = (options & XATTR_NOFOLLOW) == 0;
+    return openItemAtPath(path, isFollowed ? LinkAtEnd::IsFollowed : LinkAtEnd::IsNotFollowed);
 }
 
-// The file system has it nowhere, but it may be beside the item.
-bool mayBeBeside(int errorNumber) { return errorNumber == ENODATA || errorNumber == EOPNOTSUPP; }
+// What a call names: an item, and one of its attributes.
+struct NamedAttribute {
+    OpenItem item;
+    AttributeName name;
+};
 
-// The file system cannot hold it.
-bool isRefusal(int errorNumber) {
-    return errorNumber == ENOSPC || errorNumber == E2BIG || errorNumber == EOPNOTSUPP || errorNumber == ERANGE;
+Result<AttributeName> attributeName(char const* name) {
+    if (!name) return refusal(EFAULT, "getxattr");
+    return AttributeName::make(name);
 }
 
-// Nothing, with errno set, when they cannot be read.
-std::optional<std::vector<std::string>> allNames(OpenItem const& item) {
-    std::optional<std::vector<std::string>> names = namesOnItem(item);
-    if (!names) return std::nullopt;
-    AppleDoubleFile const beside(item);
-    if (beside.readingError() != 0) {
-        errno = beside.readingError();
-        return std::nullopt;
-    }
-    std::unordered_set<std::string> const known(names->begin(), names->end());
-    for (std::string& name : beside.contents.names()) {
-        if (!known.contains(name)) names->push_back(std::move(name));
-    }
-    return names;
+Result<NamedAttribute> open(char const* path, char const* name, int options) {
+    Result<AttributeName> wanted = attributeName(name);
+    if (!wanted.hasValue()) return wanted.problem();
+    Result<OpenItem> item = openItem(path, options);
+    if (!item.hasValue()) return item.problem();
+    return NamedAttribute{item.takeValue(), wanted.takeValue()};
 }
 
-// A buffer that is null takes nothing, and that is enough.
-std::ptrdiff_t deliver(std::span<std::byte const> bytes, void* buffer, std::size_t size) {
-    if (buffer && size < bytes.size()) return failure(ERANGE);
+// Copies the bytes to a buffer; a null buffer takes no bytes and is never too small.
+Result<std::size_t> deliver(std::span<std::byte const> bytes, void* buffer, std::size_t size) {
+    if (buffer && size < bytes.size()) return refusal(ERANGE, "getxattr");
     if (buffer && !bytes.empty()) std::memcpy(buffer, bytes.data(), bytes.size());
-    return static_cast<std::ptrdiff_t>(bytes.size());
+    return bytes.size();
 }
 
-// Another name of the file would not have what is beside this one.
-bool hasOtherNames(OpenItem const& item) {
-    struct stat status {};
-    return ::fstat(item.item.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 1;
+Result<std::size_t> list(char const* path, char* names, std::size_t size, int options) {
+    if ((options & ~XATTR_NOFOLLOW) != 0) return refusal(EINVAL, "listxattr");
+    Result<OpenItem> const item = openItem(path, options);
+    if (!item.hasValue()) return item.problem();
+    Result<std::vector<std::string>> const all = namesOfAttributes(item.value());
+    if (!all.hasValue()) return all.problem();
+    std::string list;
+    for (std::string const& name : all.value())
+        list.append(name).push_back('\0');
+    return deliver(std::as_bytes(std::span(list)), names, size);
 }
 
-// Why the options do not let the attribute be written that is there, or is not; 0 when they do.
-int contradiction(bool isThere, int options) {
-    if (isThere) return (options & XATTR_CREATE) != 0 ? EEXIST : 0;
-    return (options & XATTR_REPLACE) != 0 ? ENODATA : 0;
+Result<std::size_t> get(char const* path, char const* name, void* value, std::size_t size, int options) {
+    Result<NamedAttribute> const attribute = open(path, name, options);
+    if (!attribute.hasValue()) return attribute.problem();
+    if (!value) return sizeOfAttribute(attribute.value().item, attribute.value().name);
+    Result<std::vector<std::byte>> const bytes = readAttribute(attribute.value().item, attribute.value().name);
+    if (!bytes.hasValue()) return bytes.problem();
+    return deliver(bytes.value(), value, size);
 }
 
-int writeBeside(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name,
-                std::span<std::byte const> value) {
-    if (hasOtherNames(item)) return failure(EMLINK);
-    if (!beside.contents.setValue(name.shown, value)) return failure(ERANGE);
-    if (!beside.save()) return -1;
-    // Until here the old value counted.
-    return removeOnItem(item, name) == 0 || mayBeBeside(errno) ? 0 : -1;
-}
-
-// First what is beside, so that no older value appears when the other goes.
-int removeEverywhere(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name) {
-    if (beside.readingError() != 0) return failure(beside.readingError());
-    bool const wasBeside = beside.contents.removeValue(name.shown);
-    if (wasBeside && !beside.save()) return -1;
-    bool const wasNothing = holdsNothing(item, name);
-    bool const wasOnItem = removeOnItem(item, name) == 0;
-    if ((wasOnItem && !wasNothing) || (wasBeside && (wasOnItem || mayBeBeside(errno)))) return 0;
-    return wasOnItem || mayBeBeside(errno) ? failure(ENODATA) : -1;
-}
-
-int write(OpenItem const& item, AppleDoubleFile& beside, AttributeName const& name, std::span<std::byte const> value,
-          int options) {
+Result<void> set(char const* path, char const* name, std::span<std::byte const> value, int options) {
+    constexpr int known = XATTR_NOFOLLOW | XATTR_CREATE | XATTR_REPLACE;
     bool const mustBeNew = (options & XATTR_CREATE) != 0;
-    bool const mustBeThere = (options & XATTR_REPLACE) != 0;
-    if ((mustBeNew || mustBeThere) && beside.readingError() != 0) return failure(beside.readingError());
-    bool const isBeside = beside.contents.valueOf(name.shown).has_value();
-    if (mustBeNew && isBeside) return failure(EEXIST);
-    // What counts as nothing must not look like something to the system.
-    if (holdsNothing(item, name) && removeOnItem(item, name) != 0) return -1;
-    if (isNothing(name, value)) {
-        bool const isThere = isBeside || valueOnItem(item, name, nullptr, 0) >= 0;
-        if (int const reason = contradiction(isThere, options)) return failure(reason);
-        return !isThere || removeEverywhere(item, beside, name) == 0 ? 0 : -1;
-    }
-    int systemOptions = mustBeNew ? ::XATTR_CREATE : 0;
-    if (mustBeThere && !isBeside) systemOptions = ::XATTR_REPLACE;
-    if (writeOnItem(item, name, value, systemOptions) == 0) {
-        // A value that stays beside does not count any more.
-        if (beside.contents.removeValue(name.shown)) beside.save();
-        return 0;
-    }
-    // Somebody else's file stays, and the reason is the file system's.
-    if (!isRefusal(errno) || !beside.isUsable()) return -1;
-    bool const isThere = isBeside || valueOnItem(item, name, nullptr, 0) >= 0;
-    if (int const reason = contradiction(isThere, options)) return failure(reason);
-    return writeBeside(item, beside, name, value);
+    bool const mustExist = (options & XATTR_REPLACE) != 0;
+    if ((options & ~known) != 0 || (mustBeNew && mustExist)) return refusal(EINVAL, "setxattr");
+    Result<AttributeName> const wanted = attributeName(name);
+    if (!wanted.hasValue()) return wanted.problem();
+    if (!value.data() && !value.empty()) return refusal(EFAULT, "setxattr");
+    if (!wanted.value().accepts(value.size())) return refusal(ERANGE, "setxattr");
+    Result<OpenItem> const item = openItem(path, options);
+    if (!item.hasValue()) return item.problem();
+    AttributeCondition const orAny = mustExist ? AttributeCondition::MustExist : AttributeCondition::Any;
+    AttributeCondition const condition = mustBeNew ? AttributeCondition::MustBeNew : orAny;
+    return writeAttribute(item.value(), wanted.value(), value, condition);
 }
 
-// Somebody who knows nothing of the lock may have changed the file beside the item meanwhile; what he wrote counts.
-template <class Change>
-int changeUnderLock(OpenItem const& item, Change const& change) {
-    constexpr unsigned mostTries = 8;
-    AppleDoubleLock const lock(item);
-    if (!lock.isHeld()) return -1;
-    for (unsigned tries = 1;; ++tries) {
-        AppleDoubleFile beside(item);
-        int const result = change(beside);
-        if (result == 0 || errno != EAGAIN || tries == mostTries) return result;
-    }
+Result<void> remove(char const* path, char const* name, int options) {
+    if ((options & ~XATTR_NOFOLLOW) != 0) return refusal(EINVAL, "removexattr");
+    Result<NamedAttribute> const attribute = open(path, name, options);
+    if (!attribute.hasValue()) return attribute.problem();
+    return removeAttribute(attribute.value().item, attribute.value().name);
 }
 
 } // namespace
 
 std::ptrdiff_t listxattr(char const* path, char* names, std::size_t size, int options) {
-    if ((options & ~XATTR_NOFOLLOW) != NoOptions) return failure(EINVAL);
-    std::optional<OpenItem> const item = openItem(path, options);
-    if (!item) return -1;
-    std::string list;
-    if (carriesAttributes(*item)) {
-        std::optional<std::vector<std::string>> const all = allNames(*item);
-        if (!all) return -1;
-        for (std::string const& name : *all)
-            list.append(name).push_back('\0');
-    }
-    return deliver(std::as_bytes(std::span(list)), names, size);
+    return answer(list(path, names, size, options));
 }
 
 std::ptrdiff_t getxattr(char const* path, char const* name, void* value, std::size_t size, std::uint32_t position,
                         int options) {
-    if ((options & ~XATTR_NOFOLLOW) != NoOptions || position != 0) return failure(EINVAL);
-    std::optional<AttributeName> const wanted = attributeName(name);
-    if (!wanted) return -1;
-    std::optional<OpenItem> const item = openItem(path, options);
-    if (!item) return -1;
-    if (!carriesAttributes(*item)) return failure(ENODATA);
-    std::ptrdiff_t const length = valueOnItem(*item, *wanted, value, size);
-    if (length >= 0 || !mayBeBeside(errno)) return length;
-    std::optional<std::vector<std::byte>> const found = valueBeside(*item, wanted->shown);
-    return found ? deliver(*found, value, size) : -1;
+    bool const isKnown = (options & ~XATTR_NOFOLLOW) == 0 && position == 0;
+    return answer(isKnown ? get(path, name, value, size, options) : refusal(EINVAL, "getxattr"));
 }
 
 int setxattr(char const* path, char const* name, void const* value, std::size_t size, std::uint32_t position,
              int options) {
-    constexpr int known = XATTR_NOFOLLOW | XATTR_CREATE | XATTR_REPLACE;
-    bool const isContradiction = (options & XATTR_CREATE) != 0 && (options & XATTR_REPLACE) != 0;
-    if ((options & ~known) != NoOptions || isContradiction || position != 0) return failure(EINVAL);
-    std::optional<AttributeName> const wanted = attributeName(name);
-    if (!wanted) return -1;
-    if (!value && size > 0) return failure(EFAULT);
-    if (wanted->isFinderInformation() && size != AppleDouble::FinderInformationSize) return failure(ERANGE);
-    std::optional<OpenItem> const item = openItem(path, options);
-    if (!item) return -1;
-    if (!carriesAttributes(*item)) return failure(EPERM);
-    std::span<std::byte const> const bytes(static_cast<std::byte const*>(value), size);
-    return changeUnderLock(*item,
-                           [&](AppleDoubleFile& beside) { return write(*item, beside, *wanted, bytes, options); });
+    if (position != 0) return answer(Result<void>(refusal(EINVAL, "setxattr")));
+    return answer(set(path, name, {static_cast<std::byte const*>(value), size}, options));
 }
 
-int removexattr(char const* path, char const* name, int options) {
-    if ((options & ~XATTR_NOFOLLOW) != NoOptions) return failure(EINVAL);
-    std::optional<AttributeName> const wanted = attributeName(name);
-    if (!wanted) return -1;
-    std::optional<OpenItem> const item = openItem(path, options);
-    if (!item) return -1;
-    if (!carriesAttributes(*item)) return failure(EPERM);
-    return changeUnderLock(*item, [&](AppleDoubleFile& beside) { return removeEverywhere(*item, beside, *wanted); });
-}
+int removexattr(char const* path, char const* name, int options) { return answer(remove(path, name, options)); }
 
 } // namespace mac

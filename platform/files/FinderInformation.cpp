@@ -1,6 +1,7 @@
 #include "platform/files/FinderInformation.h"
-#include "platform/files/ExtendedAttributes.h"
 #include "platform/system/BigEndian.h"
+#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/ItemAttributes.h"
 #include <algorithm>
 #include <cerrno>
 
@@ -12,10 +13,10 @@ constexpr std::size_t TypeOffset = 0;
 constexpr std::size_t CreatorOffset = 4;
 constexpr std::size_t FlagsOffset = 8;
 constexpr int LabelShift = 1;
-constexpr std::uint32_t Start = 0;
 
-bool isNowhere(int errorNumber) {
-    return errorNumber == ENODATA || errorNumber == EOPNOTSUPP || errorNumber == EPERM || errorNumber == ERANGE;
+// Whether the item has no Finder information, or cannot have any.
+bool isNowhere(SystemError const& error) {
+    return error.is(ENODATA) || error.is(EOPNOTSUPP) || error.is(EPERM) || error.is(ERANGE);
 }
 
 } // namespace
@@ -40,20 +41,17 @@ std::optional<FinderInformation> finderInformationFromBytes(std::span<std::byte 
     return information;
 }
 
-std::optional<FinderInformation> readFinderInformation(std::string const& path) {
-    FinderInformation information;
-    std::ptrdiff_t const length = getxattr(path.c_str(), XATTR_FINDERINFO_NAME, information.bytes.data(),
-                                           information.bytes.size(), Start, XATTR_NOFOLLOW);
-    if (length < 0) return isNowhere(errno) ? std::optional(FinderInformation()) : std::nullopt;
-    bool const isWhole = static_cast<std::size_t>(length) == information.bytes.size();
-    return isWhole ? information : FinderInformation();
+Result<FinderInformation> readFinderInformation(OpenItem const& item) {
+    Result<std::vector<std::byte>> const value = readAttribute(item, AttributeName(XATTR_FINDERINFO_NAME));
+    if (!value.hasValue()) return isNowhere(value.problem()) ? Result(FinderInformation()) : value.problem();
+    return finderInformationFromBytes(value.value()).value_or(FinderInformation());
 }
 
-bool writeFinderInformation(std::string const& path, FinderInformation const& information) {
-    if (information == FinderInformation())
-        return removexattr(path.c_str(), XATTR_FINDERINFO_NAME, XATTR_NOFOLLOW) == 0 || errno == ENODATA;
-    return setxattr(path.c_str(), XATTR_FINDERINFO_NAME, information.bytes.data(), information.bytes.size(), Start,
-                    XATTR_NOFOLLOW) == 0;
+Result<void> writeFinderInformation(OpenItem const& item, FinderInformation const& information) {
+    AttributeName const name(XATTR_FINDERINFO_NAME);
+    if (information != FinderInformation()) return writeAttribute(item, name, information.bytes);
+    Result<void> removed = removeAttribute(item, name);
+    return removed.isDone() || removed.problem().is(ENODATA) ? Result<void>() : removed;
 }
 
 } // namespace mac

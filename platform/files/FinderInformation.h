@@ -1,26 +1,28 @@
 #pragma once
 
 #include "platform/foundation/MacErrors.h"
+#include "platform/system/Result.h"
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
-#include <string>
 
 namespace mac {
 
-// What the Finder keeps with a file or folder: 32 bytes in the order in which Mac OS X stores them, numbers with the
-// most significant byte first. A value.
+struct OpenItem;
+
+// The Finder's metadata of a file or folder: 32 bytes in the order in which Mac OS X stores them, numbers with the most
+// significant byte first. A value.
 struct FinderInformation {
     std::array<std::byte, 32> bytes{};
 
-    // Of a file; of a folder the bytes mean something else.
+    // REQUIRES: information of a file; a folder's bytes mean something else.
     OSType fileType() const;
     OSType fileCreator() const;
-    // kIsAlias and the others below.
+    // The bits kIsAlias and so on, below.
     std::uint16_t finderFlags() const;
     void setFinderFlags(std::uint16_t flags);
-    // 0, none, to 7.
+    // 1 to 7; 0 if the item has no label.
     std::int16_t labelIndex() const;
 
     bool operator==(FinderInformation const&) const = default;
@@ -35,13 +37,12 @@ inline constexpr std::uint16_t kHasBundle = 0x2000;
 inline constexpr std::uint16_t kIsInvisible = 0x4000;
 inline constexpr std::uint16_t kIsAlias = 0x8000;
 
-// For implementations. The item's own, a link at the end of the path (bytes) not followed; all zero where there is
-// none, as for what is no file and no folder. Nothing where it cannot be read; errno says why. Bytes of another size
-// than 32, as other programs may leave them, are none.
-std::optional<FinderInformation> readFinderInformation(std::string const& path);
-// False where it cannot be written; errno says why. All zero leaves nothing behind.
-bool writeFinderInformation(std::string const& path, FinderInformation const& information);
-// Of stored bytes; nothing for another size.
+// For implementations. All zero for an item that has no Finder information or cannot have any, and for stored bytes of
+// a size other than 32, which other programs may leave.
+Result<FinderInformation> readFinderInformation(OpenItem const& item);
+// Writing all zero removes the attribute.
+Result<void> writeFinderInformation(OpenItem const& item, FinderInformation const& information);
+// nullopt for a size other than 32 bytes.
 std::optional<FinderInformation> finderInformationFromBytes(std::span<std::byte const> bytes);
 
 } // namespace mac

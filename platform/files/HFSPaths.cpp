@@ -1,5 +1,5 @@
 #include "platform/files/HFSPaths.h"
-#include "platform/files/HFSUniStr255.h"
+#include "platform/files/FSRef.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/TextFolding.h"
 #include <algorithm>

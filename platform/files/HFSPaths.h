@@ -7,23 +7,22 @@
 
 namespace mac {
 
-// Paths as text in the form of HFS and in that of POSIX, one from the other: "STICK:letters:12/3.txt" is
-// "/media/ann/STICK/letters/12:3.txt". A name shows as a slash in one what is a colon in the other. Nothing is looked
-// for on the disk, and nothing is normalised. The texts are code units; what has no form on the disk passes through.
-// For implementations; any thread.
+// Converts paths between the form of HFS and that of POSIX: "STICK:letters:12/3.txt" is
+// "/media/ann/STICK/letters/12:3.txt". A colon in a name of one form is a slash in the other. The disk is not read, and
+// paths are not normalised. Texts are UTF-16 code units; lone surrogates pass through. Any thread.
 //
-// Linux: the volumes that are to be browsed have their names at the front; what lies anywhere else lies on the startup
-// volume, also where that is a mount of the system's own, such as /tmp.
+// Linux: a path on a browsable volume starts with the volume's name; every other path starts with the startup volume's,
+// also on a mount of the system's own, such as /tmp.
 
-// Relative paths keep being relative: a colon first. What is said to be a folder, ends with a slash or is a volume
-// itself ends with a colon.
+// A relative path becomes one that starts with a colon. A path ends with a colon if `isFolder` says so, if it ends with
+// a slash, and if it is a volume's root.
 std::u16string hfsPathFromPOSIXPath(std::u16string_view path, bool isFolder);
-// The way back. Upper and lower case in a volume's name are the same; a volume that is not mounted is taken to be one
-// in /Volumes, and a text without colon that names none to be an item of the root, as is the empty one. A text that
-// begins with a slash is no HFS path and stays.
+// The case of letters in a volume's name does not count. A volume that is not mounted is one in /Volumes; a text
+// without colon that names no volume is an item of the root, as is the empty text. A text that begins with a slash is
+// no HFS path and is returned unchanged.
 std::u16string posixPathFromHFSPath(std::u16string_view path);
 
-// The same with these volumes.
+// Conversion by a given list of volumes.
 std::u16string hfsPathFromPOSIXPath(std::u16string_view path, bool isFolder, std::vector<MountedVolume> const& volumes);
 std::u16string posixPathFromHFSPath(std::u16string_view path, std::vector<MountedVolume> const& volumes);
 

@@ -1,6 +1,7 @@
 #include "platform/files/HeldItems.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include <cerrno>
 #include <fcntl.h>
 
 namespace mac {
@@ -9,37 +10,38 @@ namespace {
 
 constexpr int FolderFlags = O_PATH | O_DIRECTORY;
 
-// Whether the item is what the path names, without following a link at its end.
-bool isAtPath(std::string const& path, ItemIdentity const& identity) {
+// Fails unless the path leads to the item; a symbolic link at its end is not followed.
+Result<void> confirmAtPath(std::string const& path, ItemIdentity const& identity) {
     SplitPath const parts = splitPath(path);
-    FileDescriptor const folder = openPath(parts.folder.empty() ? "." : parts.folder, FolderFlags);
-    return folder.isOpen() && isItemInFolder(folder, parts.name.empty() ? "." : parts.name, identity);
+    Result<FileDescriptor> const folder = openPath(parts.folder.empty() ? "." : parts.folder, FolderFlags);
+    if (!folder.hasValue()) return folder.problem();
+    return confirmItemInFolder(folder.value(), parts.name.empty() ? "." : parts.name, identity);
 }
 
-// Under another name in the folder that the path names.
-std::optional<std::string> findInFolder(std::string const& path, ItemIdentity const& identity) {
+// Looks for the item under another name in the folder of the path.
+Result<std::string> findInFolder(std::string const& path, ItemIdentity const& identity) {
     std::string const folderPath = splitPath(path).folder;
-    FileDescriptor const folder = openPath(folderPath, FolderFlags);
-    FileDescriptor readable = folder.isOpen() ? readableFolder(folder) : FileDescriptor();
-    if (!readable.isOpen()) return std::nullopt;
-    std::optional<std::vector<FolderEntry>> const entries = entriesOf(std::move(readable));
-    if (!entries) return std::nullopt;
-    for (FolderEntry const& entry : *entries) {
-        if (entry.inode == identity.inode && isItemInFolder(folder, entry.name, identity))
-            return folderPath + entry.name;
+    Result<FileDescriptor> const folder = openPath(folderPath, FolderFlags);
+    if (!folder.hasValue()) return folder.problem();
+    Result<FileDescriptor> const readable = readableFolder(folder.value());
+    if (!readable.hasValue()) return readable.problem();
+    Result<std::vector<FolderEntry>> const entries = entriesOf(readable.value());
+    if (!entries.hasValue()) return entries.problem();
+    for (FolderEntry const& entry : entries.value()) {
+        bool const mayBe = entry.inode == identity.inode;
+        if (mayBe && confirmItemInFolder(folder.value(), entry.name, identity).isDone()) return folderPath + entry.name;
     }
-    return std::nullopt;
+    return SystemError{.code = ENOENT, .operation = "find", .item = path};
 }
 
-std::optional<std::string> findAround(std::string const& path, ItemIdentity const& identity) {
-    if (isAtPath(path, identity)) return path;
+Result<std::string> findAround(std::string const& path, ItemIdentity const& identity) {
+    if (confirmAtPath(path, identity).isDone()) return path;
     return findInFolder(path, identity);
 }
 
-std::optional<std::string> findHeld(FileDescriptor const& item, std::string const& lastPath,
-                                    ItemIdentity const& identity) {
-    std::optional<std::string> path = systemsPath(item);
-    if (path && isAtPath(*path, identity)) return path;
+Result<std::string> findHeld(FileDescriptor const& item, std::string const& lastPath, ItemIdentity const& identity) {
+    Result<std::string> path = systemsPath(item);
+    if (path.hasValue() && confirmAtPath(path.value(), identity).isDone()) return path;
     return findAround(lastPath, identity);
 }
 
@@ -58,26 +60,28 @@ void HeldItems::hold(ItemIdentity const& identity, FileDescriptor item, std::str
     m_heldByIdentity.emplace(identity, m_held.begin());
 }
 
-std::optional<std::string> HeldItems::pathOf(ItemIdentity const& identity) const {
+Result<std::string> HeldItems::pathOf(ItemIdentity const& identity) const {
     if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end())
         return findHeld(held->second->item, held->second->path, identity);
     auto const remembered = m_rememberedByIdentity.find(identity);
-    if (remembered == m_rememberedByIdentity.end() || !identity.isLasting()) return std::nullopt;
+    if (remembered == m_rememberedByIdentity.end() || !identity.isLasting())
+        return SystemError{.code = ESTALE, .operation = "find"};
     return findAround(remembered->second->path, identity);
 }
 
-FileDescriptor HeldItems::openFolder(ItemIdentity const& identity) const {
+Result<FileDescriptor> HeldItems::openFolder(ItemIdentity const& identity) const {
     if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end())
         return openBelow(held->second->item, "");
-    std::optional<std::string> const path = pathOf(identity);
-    return path ? openPath(*path, FolderFlags | O_NOFOLLOW) : FileDescriptor();
+    Result<std::string> const path = pathOf(identity);
+    if (!path.hasValue()) return path.problem();
+    return openPath(path.value(), FolderFlags | O_NOFOLLOW);
 }
 
 void HeldItems::releaseRemoved() {
     for (auto held = m_held.begin(); held != m_held.end();) {
         auto const current = held++;
-        std::optional<IdentifiedItem> const status = identify(current->item);
-        if (status && !status->isRemoved) continue;
+        Result<IdentifiedItem> const status = identify(current->item);
+        if (status.hasValue() && !status.value().isRemoved) continue;
         m_heldByIdentity.erase(current->identity);
         m_held.erase(current);
     }
@@ -92,11 +96,12 @@ void HeldItems::letGo(HeldList::iterator held) {
     Held gone = std::move(*held);
     m_heldByIdentity.erase(gone.identity);
     m_held.erase(held);
-    // Its descriptor may be the one that the search needs.
-    std::optional<std::string> path = systemsPath(gone.item);
+    Result<std::string> path = systemsPath(gone.item);
+    // The search may need the descriptor, if the process can open no more files.
     gone.item = FileDescriptor();
-    if (!path || !isAtPath(*path, gone.identity)) path = findAround(gone.path, gone.identity);
-    remember(gone.identity, path ? std::move(*path) : std::move(gone.path));
+    bool const isThere = path.hasValue() && confirmAtPath(path.value(), gone.identity).isDone();
+    if (!isThere) path = findAround(gone.path, gone.identity);
+    remember(gone.identity, std::move(path).valueOr(std::move(gone.path)));
 }
 
 void HeldItems::remember(ItemIdentity const& identity, std::string path) {

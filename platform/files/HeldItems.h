@@ -7,23 +7,23 @@
 
 namespace mac {
 
-// The items that references were made to: the last ones held open, of those before them the place where they were. For
-// implementations; one thread at a time.
+// The items that references were made to: the last MostHeld are held open; of the MostRemembered before them the last
+// known path is kept. Paths are bytes. One thread at a time.
 class HeldItems {
 public:
     static constexpr std::size_t MostHeld = 256;
     static constexpr std::size_t MostRemembered = 65536;
 
-    // Makes it the last one; the path is the one that led to it.
+    // Holds the item as the most recent one; `path` is the path that led to it.
     void hold(ItemIdentity const& identity, FileDescriptor item, std::string path);
-    // Where it is now.
-    std::optional<std::string> pathOf(ItemIdentity const& identity) const;
-    // A folder, to look into, by itself where it is held and else by where it is; what is opened may be another item
-    // then.
-    FileDescriptor openFolder(ItemIdentity const& identity) const;
-    // Lets the items go that are on no volume any more.
+    // The path where the item is now.
+    Result<std::string> pathOf(ItemIdentity const& identity) const;
+    // Opens a folder with O_PATH. A folder that is no longer held is opened at its last known path, so that another
+    // item may be opened instead.
+    Result<FileDescriptor> openFolder(ItemIdentity const& identity) const;
+    // Closes the items that have been removed.
     void releaseRemoved();
-    // Lets the older half go, when the process has no descriptor left.
+    // Closes the older half, for a process that can open no more files.
     void releaseHalf();
 
     std::size_t heldCount() const { return m_held.size(); }
@@ -38,7 +38,7 @@ private:
         ItemIdentity identity;
         std::string path;
     };
-    // The last one first.
+    // The most recent item first.
     using HeldList = std::list<Held>;
     using RememberedList = std::list<Remembered>;
 

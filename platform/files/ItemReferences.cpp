@@ -1,7 +1,8 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/files/HeldItems.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/SymbolicLinks.h"
 #include "platform/system/items/FolderPlace.h"
 #include <cerrno>
 #include <cstdlib>
@@ -15,7 +16,7 @@ namespace mac {
 
 namespace {
 
-// What a reference's bytes begin with; the rest is zero.
+// The first bytes of a reference; the others are zero.
 struct Contents {
     std::array<char, 8> mark{'F', 'S', 'R', 'e', 'f', ' ', '1', '\0'};
     ItemIdentity identity{};
@@ -27,7 +28,7 @@ struct Table {
     HeldItems items;
 };
 
-// Never destroyed: references may be asked for until the program's last instruction.
+// Never destroyed, since references may be used until the program's last instruction.
 Table& table() {
     static Table& shared = *std::make_unique<Table>().release();
     return shared;
@@ -40,49 +41,75 @@ FSRef referenceTo(ItemIdentity const& identity) {
     return reference;
 }
 
-std::optional<ItemIdentity> identityOf(FSRef const& reference) {
+SystemError badReference() { return {.code = ESTALE, .operation = "find reference"}; }
+
+// ESTALE for bytes that are no reference.
+Result<ItemIdentity> identityOf(FSRef const& reference) {
     Contents contents;
     std::memcpy(&contents, reference.hidden.data(), sizeof(contents));
-    bool const isReference = reference == referenceTo(contents.identity);
-    return isReference ? std::optional(contents.identity) : std::nullopt;
+    if (reference != referenceTo(contents.identity)) return badReference();
+    return contents.identity;
 }
 
-// Asks again, with room made, where the process had no descriptor left.
-template <class Question>
-auto withRoom(HeldItems& items, Question const& question) {
+// Calls the operation, which answers a result, again after releasing held items if the process can open no more files.
+template <class Operation>
+auto withRoom(HeldItems& items, Operation const& operation) {
     for (;;) {
-        errno = 0;
-        auto answer = question();
-        if (answer || (errno != EMFILE && errno != ENFILE) || items.heldCount() == 0) return answer;
+        auto result = operation();
+        bool const needsRoom = !result.hasValue() && (result.problem().is(EMFILE) || result.problem().is(ENFILE));
+        if (!needsRoom || items.heldCount() == 0) return result;
         items.releaseHalf();
     }
 }
 
-// A relative one starts at the current folder, however long that one's path is.
+// A relative path starts at the current folder, whose own path may be of any length.
 std::string absolutePath(std::string_view path) {
     if (path.starts_with('/')) return std::string(path);
     std::unique_ptr<char, decltype(&std::free)> const folder(::getcwd(nullptr, 0), &std::free);
     return (folder ? std::string(folder.get()) : std::string()).append("/").append(path);
 }
 
-// Where the item is, as far as a path can tell: the system's own, or that which led there without its links.
-std::string placeOf(OpenItem const& item, std::string_view path, bool followsLinks) {
-    if (std::optional<std::string> known = systemsPath(item.item)) return *known;
+// The item's path, as far as it can be known: the system's, or the one that led to the item without its links.
+std::string pathOf(OpenItem const& item, std::string_view path, LinkAtEnd linkAtEnd) {
+    Result<std::string> known = systemsPath(item.item);
+    if (known.hasValue()) return known.takeValue();
     std::string const absolute = absolutePath(path);
     SplitPath const parts = splitPath(absolute);
-    bool const isLinkItself = !followsLinks && parts.name == item.name;
-    return isLinkItself ? resolvedPath(parts.folder) + "/" + parts.name : resolvedPath(absolute);
+    bool const isLinkItself = linkAtEnd == LinkAtEnd::IsNotFollowed && parts.name == item.name;
+    return isLinkItself ? BytePath(resolvedPath(parts.folder)).joined(parts.name) : resolvedPath(absolute);
 }
 
-std::optional<FSRef> holdItem(HeldItems& items, FileDescriptor item, std::string path) {
-    std::optional<IdentifiedItem> const found = identify(item);
-    if (!found) return std::nullopt;
-    items.hold(found->identity, std::move(item), std::move(path));
-    return referenceTo(found->identity);
+Result<FSRef> holdItem(HeldItems& items, FileDescriptor item, std::string path) {
+    Result<IdentifiedItem> const found = identify(item);
+    if (!found.hasValue()) return found.problem();
+    items.hold(found.value().identity, std::move(item), std::move(path));
+    return referenceTo(found.value().identity);
 }
 
-std::optional<FileDescriptor> opened(FileDescriptor descriptor) {
-    return descriptor.isOpen() ? std::optional(std::move(descriptor)) : std::nullopt;
+// Opens the folder that was referred to. An obstacle on the way, or a lack of descriptors, is the error; if the folder
+// is gone, or another item has taken its place, the reference is bad.
+Result<FileDescriptor> openReferencedFolder(HeldItems& items, ItemIdentity const& identity) {
+    Result<FileDescriptor> folder = withRoom(items, [&] { return items.openFolder(identity); });
+    if (!folder.hasValue()) {
+        SystemError const& error = folder.problem();
+        bool const isObstacle = error.is(ENOTDIR) || error.is(EACCES) || error.is(EMFILE) || error.is(ENFILE);
+        return isObstacle ? error : badReference();
+    }
+    Result<IdentifiedItem> const found = identify(folder.value());
+    if (!found.hasValue() || !(found.value().identity == identity)) return badReference();
+    return folder;
+}
+
+Result<FileDescriptor> openNamed(FileDescriptor const& folder, std::string const& name) {
+    FileDescriptor item(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!item.isOpen()) return lastSystemError("open", name);
+    return item;
+}
+
+Result<FileDescriptor> duplicateOf(FileDescriptor const& item) {
+    FileDescriptor duplicate(::fcntl(item.number(), F_DUPFD_CLOEXEC, 0));
+    if (!duplicate.isOpen()) return lastSystemError("fcntl");
+    return duplicate;
 }
 
 struct FoundItem {
@@ -91,79 +118,70 @@ struct FoundItem {
     bool isFolder;
 };
 
-std::optional<FoundItem> findItem(FSRef const& reference) {
-    std::optional<ItemIdentity> const identity = identityOf(reference);
-    if (!identity) return std::nullopt;
+Result<FoundItem> findItem(FSRef const& reference) {
+    Result<ItemIdentity> const identity = identityOf(reference);
+    if (!identity.hasValue()) return identity.problem();
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
-    std::optional<std::string> path = withRoom(items, [&] { return items.pathOf(*identity); });
-    if (!path) return std::nullopt;
-    std::optional<OpenItem> item = withRoom(items, [&] { return openItemAtPath(*path, false); });
-    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
-    if (!found || !(found->identity == *identity)) return std::nullopt;
-    return FoundItem{std::move(*item), std::move(*path), found->isFolder};
+    Result<std::string> path = withRoom(items, [&] { return items.pathOf(identity.value()); });
+    if (!path.hasValue()) return path.problem();
+    Result<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path.value(), LinkAtEnd::IsNotFollowed); });
+    if (!item.hasValue()) return item.problem();
+    Result<IdentifiedItem> const found = identify(item.value().item);
+    if (!found.hasValue()) return found.problem();
+    if (!(found.value().identity == identity.value())) return badReference();
+    return FoundItem{item.takeValue(), path.takeValue(), found.value().isFolder};
 }
 
 } // namespace
 
-std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks) {
+Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd) {
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     items.releaseRemoved();
-    std::optional<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path, followsLinks); });
-    if (!item) return std::nullopt;
-    std::string place = placeOf(*item, path, followsLinks);
-    return holdItem(items, std::move(item->item), std::move(place));
+    Result<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path, linkAtEnd); });
+    if (!item.hasValue()) return item.problem();
+    std::string known = pathOf(item.value(), path, linkAtEnd);
+    return holdItem(items, std::move(item.value().item), std::move(known));
 }
 
-std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
-    std::optional<ItemIdentity> const identity = identityOf(folder);
-    if (!identity) {
-        errno = ESTALE;
-        return std::nullopt;
-    }
+Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
+    Result<ItemIdentity> const identity = identityOf(folder);
+    if (!identity.hasValue()) return identity.problem();
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     items.releaseRemoved();
-    std::optional<FileDescriptor> const parent = withRoom(items, [&] { return opened(items.openFolder(*identity)); });
-    // What is in the way says so itself; that there is nothing any more, or something else, is the reference's fault.
-    bool const isInTheWay = errno == ENOTDIR || errno == EACCES || errno == EMFILE || errno == ENFILE;
-    std::optional<IdentifiedItem> const found = parent ? identify(*parent) : std::nullopt;
-    if (!found || !(found->identity == *identity)) {
-        if (parent || !isInTheWay) errno = ESTALE;
-        return std::nullopt;
-    }
-    std::optional<FileDescriptor> item = withRoom(items, [&] {
-        return opened(FileDescriptor(::openat(parent->number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)));
-    });
-    if (!item) return std::nullopt;
-    std::optional<std::string> place = systemsPath(*item);
-    if (!place) place = items.pathOf(*identity).value_or("") + "/" + name;
-    return holdItem(items, std::move(*item), std::move(*place));
+    Result<FileDescriptor> const parent = openReferencedFolder(items, identity.value());
+    if (!parent.hasValue()) return parent.problem();
+    Result<FileDescriptor> item = withRoom(items, [&] { return openNamed(parent.value(), name); });
+    if (!item.hasValue()) return item.problem();
+    Result<std::string> path = systemsPath(item.value());
+    if (!path.hasValue()) path = items.pathOf(identity.value()).valueOr("") + "/" + name;
+    return holdItem(items, item.takeValue(), path.takeValue());
 }
 
-std::optional<FSRef> referenceToFolderOf(OpenItem const& item) {
+Result<FSRef> referenceToFolderOf(OpenItem const& item) {
     if (item.name.empty()) return FSRef{};
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     items.releaseRemoved();
-    std::optional<FileDescriptor> folder =
-        withRoom(items, [&] { return opened(FileDescriptor(::fcntl(item.folder.number(), F_DUPFD_CLOEXEC, 0))); });
-    std::optional<std::string> place = folder ? pathOfFolder(*folder) : std::nullopt;
-    if (!place) return std::nullopt;
-    return holdItem(items, std::move(*folder), std::move(*place));
+    Result<FileDescriptor> folder = withRoom(items, [&] { return duplicateOf(item.folder); });
+    if (!folder.hasValue()) return folder.problem();
+    Result<std::string> path = pathOfFolder(folder.value());
+    if (!path.hasValue()) return path.problem();
+    return holdItem(items, folder.takeValue(), path.takeValue());
 }
 
-std::optional<ReferencedItem> itemOfReference(FSRef const& reference) {
-    std::optional<FoundItem> found = findItem(reference);
-    if (!found) return std::nullopt;
-    return ReferencedItem{std::move(found->path), found->isFolder};
+Result<ReferencedItem> itemOfReference(FSRef const& reference) {
+    Result<FoundItem> found = findItem(reference);
+    if (!found.hasValue()) return found.problem();
+    return ReferencedItem{std::move(found.value().path), found.value().isFolder};
 }
 
-std::optional<OpenItem> openItemOfReference(FSRef const& reference) {
-    std::optional<FoundItem> found = findItem(reference);
-    if (!found) return std::nullopt;
-    return std::move(found->item);
+Result<OpenItem> openItemOfReference(FSRef const& reference) {
+    Result<FoundItem> found = findItem(reference);
+    if (!found.hasValue()) return found.problem();
+    return std::move(found.value().item);
 }
 
 void releaseRemovedItems() {

@@ -2,35 +2,35 @@
 
 #include "platform/files/FSRef.h"
 #include "platform/system/items/OpenItem.h"
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace mac {
 
-// References by paths, which are bytes of any length. For implementations; any thread.
+// How references are made and found; paths and names are bytes, paths of any length. If the process can open no more
+// files, items held for earlier references are released. Any thread.
 
-// To the item at the path; errno says why not. Of a link at the end to what it leads to, or to the link itself.
-std::optional<FSRef> referenceToPath(std::string_view path, bool followsLinks);
+Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd);
 
-// To what has the name in the folder, wherever that is now; a link is meant itself. ESTALE: the folder is not found.
-std::optional<FSRef> referenceInFolder(FSRef const& folder, std::string const& name);
-// To the folder that the item was found in, wherever that is now; all zero for the root's.
-std::optional<FSRef> referenceToFolderOf(OpenItem const& item);
+// A reference to the item of a name in the folder, wherever the folder is now; a symbolic link is not followed. ESTALE:
+// the folder is not found.
+Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name);
+// A reference to the folder that the item was found in, wherever that is now; all zero for the root.
+Result<FSRef> referenceToFolderOf(OpenItem const& item);
 
 struct ReferencedItem {
+    // Where the item is now.
     std::string path;
     bool isFolder{false};
 };
+// ESTALE: the bytes are no reference, or another item has taken the item's place.
+Result<ReferencedItem> itemOfReference(FSRef const& reference);
 
-// Where the item is now; nothing when it is not found.
-std::optional<ReferencedItem> itemOfReference(FSRef const& reference);
+// Opens the item where it is now. ESTALE as for itemOfReference.
+Result<OpenItem> openItemOfReference(FSRef const& reference);
 
-// The item itself, held open where it is now; nothing when it is not found.
-std::optional<OpenItem> openItemOfReference(FSRef const& reference);
-
-// What was removed is no longer held, so that the volume can use its space again. It happens with every new reference;
-// who removes large items calls this when it has done so.
+// Closes held items that have been removed, so that their volume can use the space again. Every new reference does so,
+// too; call it after removing large items.
 void releaseRemovedItems();
 
 } // namespace mac

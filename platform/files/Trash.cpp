@@ -2,9 +2,8 @@
 #include "platform/files/DirectorySizes.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
-#include "platform/files/TrashNames.h"
-#include "platform/files/TrashSteps.h"
-#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
@@ -20,73 +19,93 @@ namespace mac {
 
 namespace {
 
+using Done = Result<void, TrashProblem>;
+
 constexpr char What[] = "The item cannot be moved to the trash";
 
-TrashFailure immovable(std::string const& reason) { return {TrashProblem::Immovable, What + (": " + reason)}; }
+TrashProblem cannotTrash(SystemError error) { return trashProblem(std::move(error), What); }
+
+TrashProblem refused(TrashProblem::Kind kind, std::string const& reason) {
+    return {.kind = kind, .text = What + (": " + reason)};
+}
 
 bool contains(std::vector<ItemIdentity> const& identities, ItemIdentity const& identity) {
     return std::ranges::find(identities, identity) != identities.end();
 }
 
-// Whether the item, in a folder with those above it, is a trash, holds one, or lies in one.
-std::optional<TrashFailure> refusalBeside(TrashFolder const& trash, ItemIdentity const& item,
-                                          std::vector<ItemIdentity> const& above) {
-    std::optional<std::vector<ItemIdentity>> const aboveTrash = folderAndThoseAbove(trash.folder);
-    std::optional<ItemPlace> const files = placeOf(trash.files);
-    std::optional<ItemPlace> const information = placeOf(trash.information);
-    if (!aboveTrash || !files || !information) return trashFailure(errno, What);
-    if (item == files->identity || item == information->identity || contains(*aboveTrash, item))
-        return immovable("It is the trash, or holds it");
-    if (contains(above, aboveTrash->front()))
-        return TrashFailure{TrashProblem::InTrash, What + std::string(": It is in the trash")};
-    return std::nullopt;
+// Refuses an item that is the trash, holds it, or lies in it; `above` are the item's folder and the folders above it.
+Done checkBeside(TrashPlace const& trash, ItemIdentity const& item, std::vector<ItemIdentity> const& above) {
+    Result<std::vector<ItemIdentity>> const aboveTrash = folderAndThoseAbove(trash.folder);
+    if (!aboveTrash.hasValue()) return cannotTrash(aboveTrash.problem());
+    Result<ItemPlace> const files = placeOf(trash.files);
+    if (!files.hasValue()) return cannotTrash(files.problem());
+    Result<ItemPlace> const information = placeOf(trash.information);
+    if (!information.hasValue()) return cannotTrash(information.problem());
+    bool const isPart = item == files.value().identity || item == information.value().identity;
+    if (isPart || contains(aboveTrash.value(), item))
+        return refused(TrashProblem::Immovable, "It is the trash, or holds it");
+    if (contains(above, aboveTrash.value().front())) return refused(TrashProblem::InTrash, "It is in the trash");
+    return {};
 }
 
 bool holdsMountPoint(std::string const& path) {
-    MountTable const mounts = MountTable::current();
-    return std::ranges::any_of(mounts.mounts(),
-                               [&](Mount const& mount) { return isAtOrBelow(mount.mountPoint, path); });
+    Result<MountTable> const mounts = MountTable::current();
+    return mounts.hasValue() && std::ranges::any_of(mounts.value().mounts(), [&](Mount const& mount) {
+               return BytePath(mount.mountPoint).isAtOrBelow(path);
+           });
 }
 
-// What can be known before anything is made.
-std::optional<TrashFailure> refusalOf(OpenItem const& item) {
-    if (item.name.empty()) return immovable("It is the root of all volumes");
-    std::optional<ItemPlace> const place = placeOf(item.item);
-    std::optional<ItemPlace> const folder = placeOf(item.folder);
-    if (!place || !folder) return trashFailure(errno, What);
-    if (place->mount != folder->mount) return immovable("A volume is mounted there");
-    if (::faccessat(item.folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) return trashFailure(errno, What);
-    bool const isOthers = place->owner != ::geteuid() && folder->owner != ::geteuid() && ::geteuid() != 0;
-    if ((folder->mode & S_ISVTX) != 0 && isOthers) return trashFailure(EPERM, What);
-    if (place->isFolder && holdsHomeTrash(place->identity)) return immovable("It holds the trash");
-    std::optional<std::vector<ItemIdentity>> const above = folderAndThoseAbove(item.folder);
-    if (!above) return trashFailure(errno, What);
-    for (TrashFolder const& trash : trashesAround(item.folder)) {
-        if (std::optional<TrashFailure> refusal = refusalBeside(trash, place->identity, *above)) return refusal;
+// Whether this user may remove the item's name from its folder.
+Done checkRights(OpenItem const& item, ItemPlace const& place, ItemPlace const& folder) {
+    if (::faccessat(item.folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0)
+        return cannotTrash(lastSystemError("access"));
+    bool const isOthers = place.owner != ::geteuid() && folder.owner != ::geteuid() && ::geteuid() != 0;
+    if ((folder.mode & S_ISVTX) != 0 && isOthers)
+        return cannotTrash({.code = EPERM, .operation = "rename", .item = item.name});
+    return {};
+}
+
+// Refuses items that cannot be trashed, before anything is made.
+Done check(OpenItem const& item) {
+    if (item.name.empty()) return refused(TrashProblem::Immovable, "It is the root of all volumes");
+    Result<ItemPlace> const place = placeOf(item.item);
+    if (!place.hasValue()) return cannotTrash(place.problem());
+    Result<ItemPlace> const folder = placeOf(item.folder);
+    if (!folder.hasValue()) return cannotTrash(folder.problem());
+    if (place.value().mount != folder.value().mount)
+        return refused(TrashProblem::Immovable, "A volume is mounted there");
+    Done const rights = checkRights(item, place.value(), folder.value());
+    if (!rights.isDone()) return rights;
+    if (place.value().isFolder && holdsHomeTrash(place.value().identity))
+        return refused(TrashProblem::Immovable, "It holds the trash");
+    Result<std::vector<ItemIdentity>> const above = folderAndThoseAbove(item.folder);
+    if (!above.hasValue()) return cannotTrash(above.problem());
+    for (TrashPlace const& trash : trashesAround(item.folder)) {
+        Done const beside = checkBeside(trash, place.value().identity, above.value());
+        if (!beside.isDone()) return beside;
     }
-    return std::nullopt;
+    return {};
 }
 
-// Of an item that is about to move, and of the file beside it.
+// Moves one item and its sidecar.
 class Trashing {
 public:
-    Trashing(OpenItem const& item, TrashFolder const& trash, std::string original)
-        : m_item(item), m_trash(trash), m_original(std::move(original)),
-          m_companion(companionOf(item.folder, item.name)), m_time(::time(nullptr)) {}
+    Trashing(OpenItem const& item, TrashPlace const& trash, std::string original, TrashSteps const& steps)
+        : m_item(item), m_trash(trash), m_original(std::move(original)), m_steps(steps),
+          m_sidecar(sidecarBeside(item.folder, item.name)), m_time(::time(nullptr)) {}
 
-    TrashResult<TrashedItem> run() const {
+    Result<TrashedItem, TrashProblem> run() const {
         std::string const date = localTimeText(m_time);
         std::string timeOfDay = date.size() > 11 ? date.substr(11) : date;
         std::ranges::replace(timeOfDay, ':', '-');
         TrashNames const names(m_item.name, timeOfDay, longestName());
         for (unsigned number = 0; number < TrashNames::MostNames; ++number) {
             std::string const name = names.name(number);
-            errno = 0;
-            std::optional<TrashFailure> const failure = moveTo(name, date);
-            if (!failure) return trashed(name);
-            if (failure->problem != TrashProblem::NameTaken) return *failure;
+            Done const moved = moveTo(name, date);
+            if (moved.isDone()) return trashed(name);
+            if (moved.problem().kind != TrashProblem::NameTaken) return moved.problem();
         }
-        return trashFailure(EEXIST, What);
+        return cannotTrash({.code = EEXIST, .operation = "rename", .item = m_item.name});
     }
 
 private:
@@ -96,111 +115,120 @@ private:
         if (::fstatvfs(m_trash.information.number(), &status) == 0 && status.f_namemax > 0)
             longest = std::min<std::size_t>(longest, status.f_namemax);
         std::size_t const added =
-            TrashInformation::nameEnd.size() + (m_companion.file.isOpen() ? AppleDoubleFile::namePrefix.size() : 0);
+            TrashInformation::nameEnd.size() + (m_sidecar ? AppleDoubleSidecar::namePrefix.size() : 0);
         return longest - std::min(longest - 1, added);
     }
 
-    // Nothing where it has moved; NameTaken where it may under another name.
-    std::optional<TrashFailure> moveTo(std::string const& name, std::string const& date) const {
+    // NameTaken: the item may be moved to another name.
+    Done moveTo(std::string const& name, std::string const& date) const {
         TrashReservation reservation(m_trash, name);
-        if (!reservation.make(m_original, date)) return trashFailure(errno, What);
-        bool const hasCompanion = m_companion.file.isOpen();
-        std::string const companionName = AppleDoubleFile::nameFor(name);
-        TrashReservation companion(m_trash, companionName);
-        if (hasCompanion && !companion.make(companionOriginal(), date)) return trashFailure(errno, What);
-        tellTrashStep(TrashStep::InformationWritten);
+        Result<void> const isReserved = reservation.make(m_original, date);
+        if (!isReserved.isDone()) return cannotTrash(isReserved.problem());
+        std::string const sidecarName = AppleDoubleSidecar::nameFor(name);
+        TrashReservation sidecar(m_trash, sidecarName);
+        Result<void> const sidecarIsReserved = m_sidecar ? sidecar.make(sidecarOriginal(), date) : Result<void>();
+        if (!sidecarIsReserved.isDone()) return cannotTrash(sidecarIsReserved.problem());
+        tell(TrashStep::InformationWritten);
 
-        Moved const moved = moveItem(m_item.item, m_item.folder, m_item.name, m_trash.files, name);
-        if (moved != Moved::No) reservation.keep();
-        if (moved == Moved::ButAnother) return anotherMoved(What, pathOf(name));
-        if (moved != Moved::Yes) return trashFailure(errno, What);
-        tellTrashStep(TrashStep::ItemMoved);
+        Result<void, RenameProblem> const moved = renameIntoTrash(m_item.item, m_item.name, name);
+        if (moved.isDone() || moved.problem().movedWrongItem) reservation.keep();
+        if (!moved.isDone()) return problemOf(moved.problem(), name);
+        tell(TrashStep::ItemMoved);
 
-        std::optional<TrashFailure> failure = hasCompanion ? moveCompanion(companion, companionName) : std::nullopt;
-        if (failure) {
-            Moved const back = moveItem(m_item.item, m_trash.files, name, m_item.folder, m_item.name);
-            if (back == Moved::Yes) reservation.giveUp();
-            return back == Moved::No ? leftBehind(std::move(*failure), name) : failure;
-        }
+        Done const followed = m_sidecar ? moveSidecar(sidecar, sidecarName) : Done();
+        if (!followed.isDone()) return takeBack(reservation, followed.problem(), name);
         ::fsync(m_trash.files.number());
-        tellTrashStep(TrashStep::AllMoved);
-        return std::nullopt;
+        tell(TrashStep::AllMoved);
+        return {};
     }
 
-    std::optional<TrashFailure> moveCompanion(TrashReservation& reservation, std::string const& name) const {
-        Moved const moved = moveItem(m_companion.file, m_item.folder, m_companion.name, m_trash.files, name);
-        if (moved != Moved::No) reservation.keep();
-        if (moved == Moved::ButAnother) return anotherMoved(What, pathOf(name));
-        // Who took it away meanwhile has it.
-        if (moved == Moved::Yes || errno == ENOENT) return std::nullopt;
-        return trashFailure(errno, What);
+    Done moveSidecar(TrashReservation& reservation, std::string const& name) const {
+        Result<void, RenameProblem> const moved = renameIntoTrash(m_sidecar->file, m_sidecar->name, name);
+        if (moved.isDone() || moved.problem().movedWrongItem) reservation.keep();
+        if (moved.isDone()) return {};
+        // A sidecar that another process has removed meanwhile is no longer the item's.
+        if (!moved.problem().movedWrongItem && moved.problem().error.is(ENOENT)) return {};
+        return problemOf(moved.problem(), name);
     }
 
-    // In the trash, where the file beside it could not follow; not to be tried again under another name.
-    TrashFailure leftBehind(TrashFailure failure, std::string const& name) const {
-        if (failure.problem == TrashProblem::NameTaken) failure.problem = TrashProblem::Other;
-        failure.reason += "; the item is now at " + shownPath(pathOf(name));
-        return failure;
+    // Moves the item back, because its sidecar could not follow.
+    TrashProblem takeBack(TrashReservation& reservation, TrashProblem problem, std::string const& name) const {
+        Result<void, RenameProblem> const back =
+            renameItem(m_item.item, {m_trash.files, name}, {m_item.folder, m_item.name}, renameStepsOf(m_steps));
+        if (back.isDone()) reservation.giveUp();
+        if (back.isDone() || back.problem().movedWrongItem) return problem;
+        // The item is in the trash, so no other name is to be tried.
+        if (problem.kind == TrashProblem::NameTaken) problem.kind = TrashProblem::Other;
+        problem.text += "; the item is now at " + shownPath(pathOf(name));
+        return problem;
+    }
+
+    Result<void, RenameProblem> renameIntoTrash(FileDescriptor const& item, std::string const& name,
+                                                std::string const& nameInTrash) const {
+        return renameItem(item, {m_item.folder, name}, {m_trash.files, nameInTrash}, renameStepsOf(m_steps));
+    }
+
+    TrashProblem problemOf(RenameProblem const& problem, std::string const& name) const {
+        return problem.movedWrongItem ? wrongItemMoved(problem.error, What, pathOf(name)) : cannotTrash(problem.error);
+    }
+
+    void tell(TrashStep step) const {
+        if (m_steps) m_steps(step);
     }
 
     std::string pathOf(std::string const& name) const { return m_trash.filesPath() + "/" + name; }
 
-    std::string companionOriginal() const {
-        return m_original.substr(0, m_original.size() - m_item.name.size()) + m_companion.name;
-    }
+    std::string sidecarOriginal() const { return BytePath(BytePath(m_original).parent()).joined(m_sidecar->name); }
 
-    TrashResult<TrashedItem> trashed(std::string const& name) const {
-        std::optional<ItemPlace> const place = placeOf(m_item.item);
-        if (!place) return trashFailure(errno, What);
-        if (place->isFolder) addDirectorySize(m_trash, name);
+    Result<TrashedItem, TrashProblem> trashed(std::string const& name) const {
+        Result<ItemPlace> const place = placeOf(m_item.item);
+        if (!place.hasValue()) return cannotTrash(place.problem());
+        if (place.value().isFolder) addDirectorySize(m_trash, name);
         return TrashedItem{.path = pathOf(name),
                            .originalPath = m_trash.originalPath(m_original),
                            .deletionTime = m_time,
-                           .identity = place->identity,
-                           .isFolder = place->isFolder};
+                           .identity = place.value().identity,
+                           .isFolder = place.value().isFolder};
     }
 
     OpenItem const& m_item;
-    TrashFolder const& m_trash;
+    TrashPlace const& m_trash;
     std::string m_original;
-    Companion m_companion;
+    TrashSteps const& m_steps;
+    std::optional<OpenSidecar> m_sidecar;
     std::int64_t m_time;
 };
 
-std::string_view withoutSlashesAtEnd(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.remove_suffix(1);
-    return path;
-}
-
 } // namespace
 
-TrashResult<TrashedItem> moveToTrash(std::string_view path) {
-    std::optional<OpenItem> const item = openItemAtPath(withoutSlashesAtEnd(path), false);
-    if (!item) return trashFailure(errno, What);
-    return moveToTrash(*item);
+Result<TrashedItem, TrashProblem> moveToTrash(std::string_view path, TrashSteps const& steps) {
+    Result<OpenItem> const item = openItemAtPath(BytePath(path).bytes(), LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return cannotTrash(item.problem());
+    return moveToTrash(item.value(), steps);
 }
 
-TrashResult<TrashedItem> moveToTrash(OpenItem const& item) {
-    if (std::optional<TrashFailure> const refusal = refusalOf(item)) return *refusal;
-    std::optional<std::string> const folder = pathOfFolder(item.folder);
-    if (!folder) return trashFailure(errno, What);
-    std::string const path = (*folder == "/" ? *folder : *folder + "/") + item.name;
-    if (holdsMountPoint(path)) return immovable("A volume is mounted in it");
-    TrashResult<TrashFolder> const trash = trashForFolder(item.folder, MissingTrash::IsMade);
-    if (!trash.hasValue()) return trash.failure();
+Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps const& steps) {
+    Done const allowed = check(item);
+    if (!allowed.isDone()) return allowed.problem();
+    Result<std::string> const folder = pathOfFolder(item.folder);
+    if (!folder.hasValue()) return cannotTrash(folder.problem());
+    std::string const path = BytePath(folder.value()).joined(item.name);
+    if (holdsMountPoint(path)) return refused(TrashProblem::Immovable, "A volume is mounted in it");
+    Result<TrashPlace, TrashProblem> const trash = trashForFolder(item.folder, MissingTrash::IsMade);
+    if (!trash.hasValue()) return trash.problem();
     std::optional<std::string> const original = trash.value().writtenPath(path);
-    if (!original) return trashFailure(EXDEV, What);
-    return Trashing(item, trash.value(), *original).run();
+    if (!original) return cannotTrash({.code = EXDEV, .operation = "rename", .item = path});
+    return Trashing(item, trash.value(), *original, steps).run();
 }
 
-std::optional<std::string> trashFolderForPath(std::string_view path, bool makesIt) {
-    std::optional<OpenItem> const item = openItemAtPath(path, true);
-    std::optional<ItemPlace> const place = item ? placeOf(item->item) : std::nullopt;
-    if (!place) return std::nullopt;
-    TrashResult<TrashFolder> const trash = trashForFolder(place->isFolder ? item->item : item->folder,
-                                                          makesIt ? MissingTrash::IsMade : MissingTrash::IsMissing);
-    if (!trash.hasValue()) return std::nullopt;
+Result<std::string, TrashProblem> trashFolderForPath(std::string_view path, MissingTrash missing) {
+    Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsFollowed);
+    if (!item.hasValue()) return cannotTrash(item.problem());
+    Result<ItemPlace> const place = placeOf(item.value().item);
+    if (!place.hasValue()) return cannotTrash(place.problem());
+    FileDescriptor const& folder = place.value().isFolder ? item.value().item : item.value().folder;
+    Result<TrashPlace, TrashProblem> const trash = trashForFolder(folder, missing);
+    if (!trash.hasValue()) return trash.problem();
     return trash.value().filesPath();
 }
 

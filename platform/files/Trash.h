@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/Result.h"
 #include "platform/system/items/ItemIdentity.h"
 #include "platform/system/items/OpenItem.h"
 #include <cstddef>
@@ -8,118 +9,121 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-// The user's trash as all programs of the desktop keep it: a folder "Trash" among the user's data for what lies on the
-// same volume, and ".Trash/USER" or ".Trash-USER" at the top of every other volume. What is in it lies in its folder
-// "files"; a file in its folder "info" says where it came from. For implementations, which translate the failures; any
-// thread. Paths and names are bytes.
+// The user's trash in the freedesktop.org layout, which all programs of the desktop share: the folder "Trash" among the
+// user's data for items of the same volume, and ".Trash/USER" or ".Trash-USER" at the top of every other volume. A
+// trashed item lies in the folder "files" of its trash; a file in the folder "info" records where it came from. Paths
+// and names are bytes. Any thread.
 //
-// Nothing is ever copied, and nothing is deleted instead of being trashed: either the item moves within its volume, or
-// it stays where it is.
+// An item is never copied into a trash, and never deleted in place of being trashed: it either moves within its volume
+// or stays where it is.
 //
-// "All volumes" are the local ones and the home trash, for a server that does not answer would be waited for; what lies
-// on a server goes to the trash there nevertheless. Where FRAMEKEEPER_LOCAL_COMPUTER narrows the local computer to some
-// folders, they are those mounted there.
+// "All volumes" are the local ones and the home trash, since a server that does not answer would block; an item on a
+// server is trashed there nevertheless. Where FRAMEKEEPER_LOCAL_COMPUTER narrows the local computer to some folders,
+// all volumes are those mounted in these folders.
 
 namespace mac {
 
-enum class TrashProblem {
-    // There is nothing at the path, or it went meanwhile.
-    NotThere,
-    // Something else took the item's place meanwhile; it was left alone.
-    Changed,
-    // The item, its folder or its owner do not let this user do it.
-    NotAllowed,
-    // A volume that cannot be written to.
-    ReadOnly,
-    // No room, not even for the few bytes that the trash needs.
-    Full,
-    // The volume has no trash that can be used, and none can be made.
-    NoTrash,
-    // The root, a mount point, a folder that holds one, a trash, or what holds a trash.
-    Immovable,
-    // The item lies in a trash already.
-    InTrash,
-    // The item does not lie in a trash, or nothing tells where it came from.
-    NotInTrash,
-    // Something has the name already that the item would get.
-    NameTaken,
-    // Whatever else the system says.
-    Other,
-};
+// Why an item could not be trashed, put back or erased.
+struct TrashProblem {
+    enum class Kind {
+        // No item is at the path, or it has gone meanwhile.
+        NotThere,
+        // Another item has taken the item's place meanwhile; it was left alone.
+        Changed,
+        // The permissions of the item, its folder or its owner do not allow it.
+        NotAllowed,
+        // The volume cannot be written to.
+        ReadOnly,
+        // The volume has no space left, not even for the few bytes that the trash needs.
+        Full,
+        // The volume has no trash that can be used, and none can be made.
+        NoTrash,
+        // The item is the root, a mount point, a folder that holds one, a trash, or a folder that holds a trash.
+        Immovable,
+        // The item lies in a trash already.
+        InTrash,
+        // The item does not lie in a trash, or its original path is not recorded.
+        NotInTrash,
+        // Another item has the name that the item would get.
+        NameTaken,
+        // Any other error of the system.
+        Other,
+    };
+    using enum Kind;
 
-struct TrashFailure {
-    TrashProblem problem{TrashProblem::Other};
+    Kind kind{Other};
+    // The system call that failed; its code is 0 if the trash itself refused.
+    SystemError error{};
     // For people, in UTF-8.
-    std::string reason{};
+    std::string text{};
 };
 
-// A value, or why there is none.
-template <class T>
-class TrashResult {
-public:
-    TrashResult(T value) : m_value(std::move(value)) {}
-    TrashResult(TrashFailure failure) : m_failure(std::move(failure)) {}
-
-    bool hasValue() const { return m_value.has_value(); }
-    // Only when there is one.
-    T const& value() const { return *m_value; }
-    T takeValue() { return std::move(*m_value); }
-    // Only when there is no value.
-    TrashFailure const& failure() const { return m_failure; }
-
-private:
-    std::optional<T> m_value{};
-    TrashFailure m_failure{};
+// A step of trashing, putting back or erasing that was just taken.
+enum class TrashStep {
+    // The name still belongs to the item, or to its AppleDouble sidecar; the rename is next.
+    Checked,
+    // The item has its new name; whether it is still the same item is checked next.
+    Renamed,
+    // The item's information file is on the disk; the move is next.
+    InformationWritten,
+    ItemMoved,
+    // The AppleDouble sidecar, if there is one, has moved, too.
+    AllMoved,
+    ItemPutBack,
+    ItemErased,
 };
+// Called after each step, on the thread that takes it; empty in the product. For tests of what happens between steps.
+using TrashSteps = std::function<void(TrashStep)>;
 
-// Something that lies in a trash, as it was when it was looked at.
+// An item in a trash, as it was when the trash was read.
 struct TrashedItem {
     // Where it is now: ".../Trash/files/NAME".
     std::string path{};
-    // Where it came from; empty when nothing tells.
+    // Where it came from; empty if that is not recorded.
     std::string originalPath{};
-    // Seconds since 1970; nothing when nothing tells.
+    // Seconds since 1970; nullopt if that is not recorded.
     std::optional<std::int64_t> deletionTime{};
     ItemIdentity identity{};
     bool isFolder{false};
 };
 
-// Moves the item, with the AppleDouble file "._NAME" beside it, to the trash of its volume, which is made when it is
-// missing. A link at the end of the path is meant itself, also with a slash behind it. Where the trash has the name
-// already the item gets one with the time of day, "NAME 14-05-22.txt"; a name too long for the trash is shortened. On
-// failure everything is where it was, except what had begun to move when somebody else took its place: that is in the
-// trash, nothing is lost, and the reason says where.
-TrashResult<TrashedItem> moveToTrash(std::string_view path);
-// The very item that was opened; Changed when another one has taken its place.
-TrashResult<TrashedItem> moveToTrash(OpenItem const& item);
+// Moves the item, with its AppleDouble sidecar "._NAME", to the trash of its volume, which is created if it is missing.
+// A symbolic link at the end of the path is not followed, also with a slash after it. If the name is taken in the trash
+// the item gets one with the time of day, "NAME 14-05-22.txt"; a name too long for the trash is shortened. On failure
+// everything is where it was, except an item that took the place at the last moment, was moved instead and could not be
+// moved back: it is in the trash, and the text says where.
+Result<TrashedItem, TrashProblem> moveToTrash(std::string_view path, TrashSteps const& steps = {});
+// Moves the open item; Changed if another item has taken its place.
+Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps const& steps = {});
 
-// Everything in the user's trashes on all volumes, the last deleted first. AppleDouble files that belong to an item
-// there are not listed.
+// Everything in the user's trashes on all volumes, the last deleted first. The AppleDouble sidecars of items there are
+// not listed.
 std::vector<TrashedItem> trashedItems();
 
-// Moves the item back to where it came from and answers that path. Where something is there already it is NameTaken;
-// where the folder is gone, NotThere.
-TrashResult<std::string> putBack(TrashedItem const& item);
+// Moves the item back to where it came from and answers that path: NameTaken if another item is there, NotThere if the
+// folder is gone.
+Result<std::string, TrashProblem> putBack(TrashedItem const& item, TrashSteps const& steps = {});
 
 struct EmptiedTrash {
-    // Of items, as trashedItems counts.
+    // Counted in items of trashedItems().
     std::size_t removed{0};
-    // Those that could not be removed, or not wholly, and why the first could not. A trash that cannot be listed counts
-    // as one of them.
+    // Items that could not be removed, or not entirely, and why the first could not. A trash that cannot be listed
+    // counts as one.
     std::size_t left{0};
-    TrashFailure firstFailure{};
+    TrashProblem firstProblem{};
 };
 
-// Deletes for good all that lies in the user's trashes on all volumes now; never what a link or a mount point leads to.
-// `goesOn`, unless it is empty, is asked before each item and before all that a folder holds; when it answers false,
-// the rest stays, and is no failure.
-EmptiedTrash emptyTrash(std::function<bool()> const& goesOn = {});
+// Deletes for good all that lies in the user's trashes on all volumes now; never what a symbolic link or a mount point
+// leads to. `shouldContinue`, unless it is empty, is called before each item and before each item in a folder; if it
+// answers false, the rest stays and does not count as left.
+EmptiedTrash emptyTrash(std::function<bool()> const& shouldContinue = {}, TrashSteps const& steps = {});
 
-// The folder that what is trashed on the volume of the path goes to, ".../Trash/files"; nothing when there is none yet
-// (unless it is to be made and can be).
-std::optional<std::string> trashFolderForPath(std::string_view path, bool makesIt);
+enum class MissingTrash { IsMade, IsMissing };
+
+// The folder ".../Trash/files" in which items of the path's volume are trashed. If there is none it is created or is a
+// problem, as `missing` says.
+Result<std::string, TrashProblem> trashFolderForPath(std::string_view path, MissingTrash missing);
 
 } // namespace mac

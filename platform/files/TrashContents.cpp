@@ -2,10 +2,10 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/files/TrashInformation.h"
 #include "platform/files/TrashMove.h"
-#include "platform/files/TrashSteps.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
-#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/FolderPlace.h"
 #include <algorithm>
@@ -21,37 +21,43 @@ namespace mac {
 
 namespace {
 
+using Names = std::set<std::string>;
+
 constexpr std::size_t LargestInformation = std::size_t{1} << 20;
 constexpr char CannotPutBack[] = "The item cannot be put back";
 constexpr char CannotErase[] = "The item cannot be deleted from the trash";
 
-// Nothing, and errno, where they cannot be listed.
-std::optional<std::set<std::string>> namesIn(FileDescriptor const& folder) {
-    std::optional<std::vector<std::string>> const names = namesInOpenFolder(folder);
-    if (!names) return std::nullopt;
-    return std::set<std::string>(names->begin(), names->end());
+TrashProblem cannotPutBack(SystemError error) { return trashProblem(std::move(error), CannotPutBack); }
+
+void tell(TrashSteps const& steps, TrashStep step) {
+    if (steps) steps(step);
 }
 
-std::string informationName(std::string const& name) { return name + std::string(TrashInformation::nameEnd); }
+Result<Names> namesIn(FileDescriptor const& folder) {
+    Result<std::vector<std::string>> const names = namesInOpenFolder(folder);
+    if (!names.hasValue()) return names.problem();
+    return Names(names.value().begin(), names.value().end());
+}
 
-std::optional<TrashInformation> informationOf(TrashFolder const& trash, std::string const& name) {
-    std::string const file = informationName(name);
-    // Opening what is no file can wait for ever, or do things.
-    std::optional<ItemPlace> const place = placeOf(trash.information, file);
-    if (!place || !S_ISREG(place->mode)) return std::nullopt;
+std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name) {
+    std::string const file = TrashInformation::nameFor(name);
+    // Opening an item that is no file may block or have side effects.
+    Result<ItemPlace> const place = placeOf(trash.information, file);
+    if (!place.hasValue() || !S_ISREG(place.value().mode)) return std::nullopt;
     FileDescriptor const open(
         ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!open.isOpen()) return std::nullopt;
-    Result<FileContents, Failure> const contents = readOpenFile(open, LargestInformation);
+    Result<FileContents> const contents = readOpenFile(open, LargestInformation);
     if (!contents.hasValue()) return std::nullopt;
     std::span<std::byte const> const bytes = contents.value().bytes;
     return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
-std::optional<TrashedItem> itemIn(TrashFolder const& trash, std::string const& name) {
-    std::optional<ItemPlace> const place = placeOf(trash.files, name);
-    if (!place) return std::nullopt;
-    TrashedItem item{.path = trash.filesPath() + "/" + name, .identity = place->identity, .isFolder = place->isFolder};
+Result<TrashedItem> itemIn(TrashPlace const& trash, std::string const& name) {
+    Result<ItemPlace> const place = placeOf(trash.files, name);
+    if (!place.hasValue()) return place.problem();
+    TrashedItem item{
+        .path = trash.filesPath() + "/" + name, .identity = place.value().identity, .isFolder = place.value().isFolder};
     if (std::optional<TrashInformation> const information = informationOf(trash, name)) {
         item.originalPath = trash.originalPath(information->path);
         item.deletionTime = secondsOfLocalTimeText(information->date);
@@ -59,179 +65,216 @@ std::optional<TrashedItem> itemIn(TrashFolder const& trash, std::string const& n
     return item;
 }
 
-std::string nameOf(std::string const& path) { return path.substr(path.rfind('/') + 1); }
-
-// The AppleDouble file that came with the item. One from elsewhere that happens to have its name here is an item of its
-// own, which must not go where this one goes.
-Companion companionInTrash(TrashFolder const& trash, std::string const& name) {
-    Companion companion = companionOf(trash.files, name);
-    if (!companion.file.isOpen()) return {};
+// The AppleDouble sidecar that came with the item. A sidecar from elsewhere that happens to have its name here is an
+// item of its own, which must not go where this item goes.
+std::optional<OpenSidecar> sidecarInTrash(TrashPlace const& trash, std::string const& name) {
+    std::optional<OpenSidecar> sidecar = sidecarBeside(trash.files, name);
+    if (!sidecar) return std::nullopt;
     std::optional<TrashInformation> const owner = informationOf(trash, name);
-    std::optional<TrashInformation> const information = informationOf(trash, companion.name);
-    if (!owner || !information) return {};
-    std::string expected = owner->path;
-    expected.insert(expected.size() - nameOf(expected).size(), AppleDoubleFile::namePrefix);
-    if (information->path != expected) return {};
-    return companion;
+    std::optional<TrashInformation> const information = informationOf(trash, sidecar->name);
+    if (!owner || !information) return std::nullopt;
+    BytePath const original(owner->path);
+    std::string const expected = BytePath(original.parent()).joined(AppleDoubleSidecar::nameFor(original.leaf()));
+    if (information->path != expected) return std::nullopt;
+    return sidecar;
 }
 
-bool isCompanion(TrashFolder const& trash, std::set<std::string> const& names, std::string const& name) {
-    if (!name.starts_with(AppleDoubleFile::namePrefix)) return false;
-    std::string const owner = name.substr(AppleDoubleFile::namePrefix.size());
-    return names.contains(owner) && companionInTrash(trash, owner).file.isOpen();
+bool isSidecar(TrashPlace const& trash, Names const& names, std::string const& name) {
+    if (!name.starts_with(AppleDoubleSidecar::namePrefix)) return false;
+    std::string const owner = name.substr(AppleDoubleSidecar::namePrefix.size());
+    return names.contains(owner) && sidecarInTrash(trash, owner).has_value();
 }
 
-// Nothing, and errno, where they cannot be listed.
-std::optional<std::vector<TrashedItem>> itemsIn(TrashFolder const& trash) {
-    std::optional<std::set<std::string>> const names = namesIn(trash.files);
-    if (!names) return std::nullopt;
+Result<std::vector<TrashedItem>> itemsIn(TrashPlace const& trash) {
+    Result<Names> const names = namesIn(trash.files);
+    if (!names.hasValue()) return names.problem();
     std::vector<TrashedItem> items;
-    for (std::string const& name : *names) {
-        std::optional<TrashedItem> item = itemIn(trash, name);
-        if (item && !isCompanion(trash, *names, name)) items.push_back(std::move(*item));
+    for (std::string const& name : names.value()) {
+        Result<TrashedItem> item = itemIn(trash, name);
+        if (item.hasValue() && !isSidecar(trash, names.value(), name)) items.push_back(item.takeValue());
     }
     return items;
 }
 
-void removeInformation(TrashFolder const& trash, std::string const& name) {
-    ::unlinkat(trash.information.number(), informationName(name).c_str(), 0);
+void removeInformation(TrashPlace const& trash, std::string const& name) {
+    ::unlinkat(trash.information.number(), TrashInformation::nameFor(name).c_str(), 0);
 }
 
-// The trash that the item lies in, and the item, open.
-struct Found {
-    TrashFolder trash{};
+// An item in a trash, open.
+struct FoundItem {
+    TrashPlace trash{};
     std::string name{};
     FileDescriptor item{};
     bool isFolder{false};
 };
 
-TrashResult<Found> find(TrashedItem const& item) {
-    std::optional<OpenItem> open = openItemAtPath(item.path, false);
-    std::optional<ItemPlace> const place = open ? placeOf(open->item) : std::nullopt;
-    std::optional<ItemPlace> const folder = place && !open->name.empty() ? placeOf(open->folder) : std::nullopt;
-    if (!folder) return trashFailure(errno, CannotPutBack);
-    if (!(place->identity == item.identity)) return trashFailure(ESTALE, CannotPutBack);
-    for (TrashFolder& trash : trashesAround(open->folder)) {
-        std::optional<ItemPlace> const files = placeOf(trash.files);
-        if (!files || !(files->identity == folder->identity)) continue;
-        return Found{std::move(trash), open->name, std::move(open->item), place->isFolder};
+Result<FoundItem, TrashProblem> find(TrashedItem const& item) {
+    Result<OpenItem> open = openItemAtPath(item.path, LinkAtEnd::IsNotFollowed);
+    if (!open.hasValue()) return cannotPutBack(open.problem());
+    if (open.value().name.empty()) return cannotPutBack({.code = ENOENT, .operation = "open", .item = item.path});
+    Result<ItemPlace> const place = placeOf(open.value().item);
+    if (!place.hasValue()) return cannotPutBack(place.problem());
+    Result<ItemPlace> const folder = placeOf(open.value().folder);
+    if (!folder.hasValue()) return cannotPutBack(folder.problem());
+    if (!(place.value().identity == item.identity))
+        return cannotPutBack({.code = ESTALE, .operation = "open", .item = item.path});
+    for (TrashPlace& trash : trashesAround(open.value().folder)) {
+        Result<ItemPlace> const files = placeOf(trash.files);
+        if (!files.hasValue() || !(files.value().identity == folder.value().identity)) continue;
+        return FoundItem{std::move(trash), open.value().name, std::move(open.value().item), place.value().isFolder};
     }
-    return TrashFailure{TrashProblem::NotInTrash, std::string(CannotPutBack) + ": It is not in the trash"};
+    return TrashProblem{.kind = TrashProblem::NotInTrash,
+                        .text = std::string(CannotPutBack) + ": It is not in the trash"};
 }
 
-// The AppleDouble file goes where its item went, unless something of its name is there.
-void putCompanionBack(TrashFolder const& trash, std::string const& name, FileDescriptor const& folder,
-                      std::string const& originalName) {
-    Companion const companion = companionInTrash(trash, name);
-    if (!companion.file.isOpen()) return;
-    std::string const back = AppleDoubleFile::nameFor(originalName);
-    if (moveItem(companion.file, trash.files, companion.name, folder, back) != Moved::Yes) return;
-    removeInformation(trash, companion.name);
+// Moves the sidecar to its item, unless its name is taken there.
+void putSidecarBack(TrashPlace const& trash, std::string const& name, NameInFolder original, TrashSteps const& steps) {
+    std::optional<OpenSidecar> const sidecar = sidecarInTrash(trash, name);
+    if (!sidecar) return;
+    std::string const back = AppleDoubleSidecar::nameFor(original.name);
+    Result<void, RenameProblem> const moved =
+        renameItem(sidecar->file, {trash.files, sidecar->name}, {original.folder, back}, renameStepsOf(steps));
+    if (moved.isDone()) removeInformation(trash, sidecar->name);
 }
 
-bool eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+Result<void> eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
     int const flags = place.isFolder ? AT_REMOVEDIR : 0;
-    return ::unlinkat(folder.number(), name.c_str(), flags) == 0 || errno == ENOENT;
+    if (::unlinkat(folder.number(), name.c_str(), flags) == 0 || errno == ENOENT) return {};
+    return lastSystemError("unlink", name);
 }
 
-bool eraseWhole(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity,
-                DescentVisit const& erase) {
-    if (!descend(trash.files, name, identity, {.makesAccessible = true}, erase)) return false;
-    tellTrashStep(TrashStep::ItemErased);
-    removeInformation(trash, name);
-    return true;
-}
+// Deletes everything that lies in the trashes, until it is told to stop.
+class Emptying {
+public:
+    Emptying(std::function<bool()> const& shouldContinue, TrashSteps const& steps)
+        : m_shouldContinue(shouldContinue), m_steps(steps) {}
 
-// Errno says why not. An item that is gone takes the file beside it along, whether more is to be erased or not.
-bool eraseWithCompanion(TrashFolder const& trash, std::string const& name, ItemIdentity const& identity,
-                        DescentVisit const& erase) {
-    Companion const companion = companionInTrash(trash, name);
-    if (!eraseWhole(trash, name, identity, erase)) return false;
-    std::optional<ItemPlace> const place = companion.file.isOpen() ? placeOf(companion.file) : std::nullopt;
-    return !place || eraseWhole(trash, companion.name, place->identity, eraseOne);
-}
-
-// What tells of an item that never came, or went by other ways. A young one can be of an item that is on its way.
-void removeOrphans(TrashFolder const& trash) {
-    constexpr std::int64_t oldEnough = 3'600;
-    std::int64_t const now = ::time(nullptr);
-    for (std::string const& file : namesIn(trash.information).value_or(std::set<std::string>())) {
-        if (!file.ends_with(TrashInformation::nameEnd)) continue;
-        std::string const name = file.substr(0, file.size() - TrashInformation::nameEnd.size());
-        struct stat status {};
-        if (::fstatat(trash.information.number(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
-        bool const isOrphan = !placeOf(trash.files, name) && errno == ENOENT;
-        if (isOrphan && S_ISREG(status.st_mode) && status.st_mtim.tv_sec + oldEnough < now)
-            ::unlinkat(trash.information.number(), file.c_str(), 0);
+    EmptiedTrash run() {
+        for (TrashPlace const& trash : trashesOfUser()) {
+            empty(trash);
+            removeOrphans(trash);
+            removeOldDirectorySizes(trash);
+            if (m_isStopped) break;
+        }
+        return m_emptied;
     }
-}
+
+private:
+    void empty(TrashPlace const& trash) {
+        Result<std::vector<TrashedItem>> const items = itemsIn(trash);
+        if (!items.hasValue()) return countLeft(items.problem());
+        for (TrashedItem const& item : items.value()) {
+            Result<void> const erased = eraseWithSidecar(trash, item);
+            if (erased.isDone())
+                ++m_emptied.removed;
+            else if (!m_isStopped)
+                countLeft(erased.problem());
+            if (m_isStopped) return;
+        }
+    }
+
+    void countLeft(SystemError const& error) {
+        if (m_emptied.left == 0) m_emptied.firstProblem = trashProblem(error, CannotErase);
+        ++m_emptied.left;
+    }
+
+    // An item that is erased takes its sidecar along, also if the emptying stops then.
+    Result<void> eraseWithSidecar(TrashPlace const& trash, TrashedItem const& item) {
+        std::string const name(BytePath(item.path).leaf());
+        std::optional<OpenSidecar> const sidecar = sidecarInTrash(trash, name);
+        Result<void> erased =
+            eraseWhole(trash, name, item.identity,
+                       [this](FileDescriptor const& folder, std::string const& inner, ItemPlace const& place) {
+                           return eraseUnlessStopped(folder, inner, place);
+                       });
+        if (!erased.isDone() || !sidecar) return erased;
+        Result<ItemPlace> const place = placeOf(sidecar->file);
+        return place.hasValue() ? eraseWhole(trash, sidecar->name, place.value().identity, eraseOne) : Result<void>();
+    }
+
+    Result<void> eraseWhole(TrashPlace const& trash, std::string const& name, ItemIdentity const& identity,
+                            DescentVisit const& erase) const {
+        Result<void> erased = descend(trash.files, name, identity, {.makesAccessible = true}, erase);
+        if (!erased.isDone()) return erased;
+        tell(m_steps, TrashStep::ItemErased);
+        removeInformation(trash, name);
+        return {};
+    }
+
+    Result<void> eraseUnlessStopped(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+        m_isStopped = m_shouldContinue && !m_shouldContinue();
+        if (m_isStopped) return SystemError{.code = ECANCELED, .operation = "unlink", .item = name};
+        return eraseOne(folder, name, place);
+    }
+
+    // Removes information files whose item never came or has gone by other ways. A recent one may belong to an item
+    // that is being moved.
+    static void removeOrphans(TrashPlace const& trash) {
+        constexpr std::int64_t oldEnough = 3'600;
+        std::int64_t const now = ::time(nullptr);
+        Result<Names> const files = namesIn(trash.information);
+        if (!files.hasValue()) return;
+        for (std::string const& file : files.value()) {
+            if (!file.ends_with(TrashInformation::nameEnd)) continue;
+            std::string const name = file.substr(0, file.size() - TrashInformation::nameEnd.size());
+            struct stat status {};
+            if (::fstatat(trash.information.number(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) continue;
+            Result<ItemPlace> const item = placeOf(trash.files, name);
+            bool const isOrphan = !item.hasValue() && item.problem().is(ENOENT);
+            if (isOrphan && S_ISREG(status.st_mode) && status.st_mtim.tv_sec + oldEnough < now)
+                ::unlinkat(trash.information.number(), file.c_str(), 0);
+        }
+    }
+
+    std::function<bool()> const& m_shouldContinue;
+    TrashSteps const& m_steps;
+    EmptiedTrash m_emptied{};
+    bool m_isStopped{false};
+};
 
 } // namespace
 
 std::vector<TrashedItem> trashedItems() {
     std::vector<TrashedItem> items;
-    for (TrashFolder const& trash : trashesOfUser()) {
-        for (TrashedItem& item : itemsIn(trash).value_or(std::vector<TrashedItem>()))
-            items.push_back(std::move(item));
+    for (TrashPlace const& trash : trashesOfUser()) {
+        Result<std::vector<TrashedItem>> here = itemsIn(trash);
+        if (here.hasValue()) std::ranges::move(here.value(), std::back_inserter(items));
     }
     std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);
     return items;
 }
 
-TrashResult<std::string> putBack(TrashedItem const& item) {
-    TrashResult<Found> const found = find(item);
-    if (!found.hasValue()) return found.failure();
-    Found const& trashed = found.value();
+Result<std::string, TrashProblem> putBack(TrashedItem const& item, TrashSteps const& steps) {
+    Result<FoundItem, TrashProblem> const found = find(item);
+    if (!found.hasValue()) return found.problem();
+    FoundItem const& trashed = found.value();
     std::optional<TrashInformation> const information = informationOf(trashed.trash, trashed.name);
     std::string const path = information ? trashed.trash.originalPath(information->path) : std::string();
     if (path.empty())
-        return TrashFailure{TrashProblem::NotInTrash,
-                            std::string(CannotPutBack) + ": Nothing tells where it came from"};
-    std::size_t const slash = path.rfind('/');
-    FileDescriptor const folder = openPath(slash == 0 ? "/" : path.substr(0, slash), O_PATH | O_DIRECTORY);
-    if (!folder.isOpen()) return trashFailure(errno, CannotPutBack);
-    std::string const name = nameOf(path);
-    Moved const moved = moveItem(trashed.item, trashed.trash.files, trashed.name, folder, name);
-    if (moved == Moved::ButAnother) return anotherMoved(CannotPutBack, path);
-    if (moved != Moved::Yes) {
-        TrashFailure failure = trashFailure(errno, CannotPutBack);
-        // What lies there now is another volume; that one's trash has no part in it.
-        if (failure.problem == TrashProblem::NoTrash) failure.problem = TrashProblem::Other;
-        return failure;
+        return TrashProblem{.kind = TrashProblem::NotInTrash,
+                            .text = std::string(CannotPutBack) + ": Nothing tells where it came from"};
+    Result<FileDescriptor> const folder = openPath(BytePath(path).parent(), O_PATH | O_DIRECTORY);
+    if (!folder.hasValue()) return cannotPutBack(folder.problem());
+    std::string const name(BytePath(path).leaf());
+    Result<void, RenameProblem> const moved =
+        renameItem(trashed.item, {trashed.trash.files, trashed.name}, {folder.value(), name}, renameStepsOf(steps));
+    if (!moved.isDone() && moved.problem().movedWrongItem)
+        return wrongItemMoved(moved.problem().error, CannotPutBack, path);
+    if (!moved.isDone()) {
+        TrashProblem problem = cannotPutBack(moved.problem().error);
+        // Another volume is at the original path now; its trash has no part in it.
+        if (problem.kind == TrashProblem::NoTrash) problem.kind = TrashProblem::Other;
+        return problem;
     }
-    tellTrashStep(TrashStep::ItemPutBack);
-    putCompanionBack(trashed.trash, trashed.name, folder, name);
+    tell(steps, TrashStep::ItemPutBack);
+    putSidecarBack(trashed.trash, trashed.name, {folder.value(), name}, steps);
     removeInformation(trashed.trash, trashed.name);
     if (trashed.isFolder) removeOldDirectorySizes(trashed.trash);
     return path;
 }
 
-EmptiedTrash emptyTrash(std::function<bool()> const& goesOn) {
-    EmptiedTrash emptied;
-    bool isStopped = false;
-    auto const erase = [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-        isStopped = goesOn && !goesOn();
-        if (isStopped) errno = ECANCELED;
-        return !isStopped && eraseOne(folder, name, place);
-    };
-    for (TrashFolder const& trash : trashesOfUser()) {
-        auto const failed = [&emptied] {
-            if (emptied.left == 0) emptied.firstFailure = trashFailure(errno, CannotErase);
-            ++emptied.left;
-        };
-        std::optional<std::vector<TrashedItem>> const items = itemsIn(trash);
-        if (!items) failed();
-        for (TrashedItem const& item : items.value_or(std::vector<TrashedItem>())) {
-            if (eraseWithCompanion(trash, nameOf(item.path), item.identity, erase))
-                ++emptied.removed;
-            else if (!isStopped)
-                failed();
-            if (isStopped) break;
-        }
-        removeOrphans(trash);
-        removeOldDirectorySizes(trash);
-        if (isStopped) break;
-    }
+EmptiedTrash emptyTrash(std::function<bool()> const& shouldContinue, TrashSteps const& steps) {
+    EmptiedTrash emptied = Emptying(shouldContinue, steps).run();
     releaseRemovedItems();
     return emptied;
 }

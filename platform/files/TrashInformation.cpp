@@ -1,5 +1,6 @@
 #include "platform/files/TrashInformation.h"
 #include "platform/system/ASCII.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/PercentEscapes.h"
 #include <algorithm>
 #include <array>
@@ -13,7 +14,7 @@ namespace {
 constexpr std::string_view Heading = "[Trash Info]";
 constexpr std::string_view DateForm = "0000-00-00T00:00:00";
 
-// Nothing for what is no text of that form, and for a NUL.
+// nullopt for a text that is not percent-encoded, and if it encodes a NUL.
 std::optional<std::string> percentDecoded(std::string_view text) {
     std::optional<std::string> bytes = percentUnescaped(text);
     if (bytes && bytes->find('\0') != std::string::npos) return std::nullopt;
@@ -35,7 +36,7 @@ bool isDate(std::string_view text) {
     });
 }
 
-// It ends in a name, and goes nowhere but down.
+// Whether the path has no ".." and ends in a name.
 bool leadsToAName(std::string_view path) {
     std::string_view rest = path;
     std::string_view last;
@@ -48,12 +49,6 @@ bool leadsToAName(std::string_view path) {
     return !last.empty() && last != "." && !path.ends_with('/');
 }
 
-std::string withoutSlashesAtEnd(std::string path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.pop_back();
-    return path;
-}
-
 template <class Number>
 std::optional<Number> takeNumber(std::string_view& line) {
     Number number = 0;
@@ -64,7 +59,46 @@ std::optional<Number> takeNumber(std::string_view& line) {
     return number;
 }
 
+constexpr std::size_t LongestExtension = 16;
+
+// The extension with its dot. A suffix that holds a blank or no letter belongs to the name: "Notes v1.2", "Dr. No".
+std::string_view extensionOf(std::string_view name) {
+    std::size_t const dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0) return {};
+    std::string_view const extension = name.substr(dot);
+    bool const hasLetter = std::ranges::any_of(
+        extension, [](char letter) { return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z'); });
+    bool const isOne = extension.size() <= LongestExtension && hasLetter && extension.find(' ') == extension.npos;
+    return isOne ? extension : std::string_view();
+}
+
+bool isInsideCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
+
+std::string_view shortened(std::string_view text, std::size_t size) {
+    if (text.size() <= size) return text;
+    constexpr std::size_t longestCharacter = 4;
+    for (std::size_t end = size; end > 0 && size - end < longestCharacter; --end) {
+        if (!isInsideCharacter(text[end])) return text.substr(0, end);
+    }
+    // The text is not UTF-8.
+    return text.substr(0, size);
+}
+
 } // namespace
+
+TrashNames::TrashNames(std::string_view name, std::string_view timeOfDay, std::size_t longest)
+    : m_extension(extensionOf(name)), m_timeOfDay(timeOfDay), m_longest(longest) {
+    m_base = name.substr(0, name.size() - m_extension.size());
+}
+
+std::string TrashNames::name(unsigned number) const {
+    std::string end;
+    if (number > 0) end = " " + m_timeOfDay;
+    if (number > 1) end += " " + std::to_string(number);
+    end += m_extension;
+    std::string_view const base = shortened(m_base, m_longest - std::min(m_longest, end.size()));
+    return std::string(base) + end;
+}
 
 std::optional<TrashInformation> TrashInformation::read(std::string_view text) {
     while (!text.empty() && takeLine(text) != Heading)
@@ -75,11 +109,11 @@ std::optional<TrashInformation> TrashInformation::read(std::string_view text) {
     while (!text.empty()) {
         std::string_view const line = takeLine(text);
         if (line.starts_with('[')) break;
-        // Of several the first counts.
+        // The first of several counts.
         if (line.starts_with(pathKey) && information.path.empty()) {
             std::optional<std::string> path = percentDecoded(line.substr(pathKey.size()));
             if (!path) return std::nullopt;
-            information.path = withoutSlashesAtEnd(std::move(*path));
+            information.path = BytePath(*path).bytes();
         }
         std::string_view const date = line.starts_with(dateKey) ? line.substr(dateKey.size()) : std::string_view();
         if (information.date.empty() && isDate(date)) information.date = date;

@@ -1,36 +1,60 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// What the trash writes down, as text. For implementations; any thread.
+// The names and texts that the trash writes. Any thread.
 
 namespace mac {
 
-// Of an item in the trash: the file "info/NAME.trashinfo".
+// The candidate names of an item in the trash. A value.
+class TrashNames {
+public:
+    // After so many names the item is not trashed.
+    static constexpr unsigned MostNames = 10'000;
+
+    // `timeOfDay` has the form "14-05-22"; `longest` is in bytes.
+    TrashNames(std::string_view name, std::string_view timeOfDay, std::size_t longest);
+
+    // 0 is the item's own name, 1 "NAME 14-05-22.txt", 2 "NAME 14-05-22 2.txt" and so on. A name that is too long is
+    // shortened by whole characters before its extension.
+    std::string name(unsigned number) const;
+
+private:
+    std::string m_base;
+    std::string m_extension;
+    std::string m_timeOfDay;
+    std::size_t m_longest;
+};
+
+// The contents of an information file, "info/NAME.trashinfo".
 struct TrashInformation {
     static constexpr std::string_view nameEnd = ".trashinfo";
+    // The name of an item's information file.
+    static std::string nameFor(std::string const& itemName) { return itemName + std::string(nameEnd); }
 
-    // Where the item was, in bytes: absolute, or from the folder that the trash counts from.
+    // Where the item was, in bytes: absolute, or relative to the folder that the trash counts from.
     std::string path{};
-    // "2026-11-21T16:20:00", as the clock on the wall showed it; empty when it is not known.
+    // Local time in the form "2026-11-21T16:20:00"; empty if it is not known.
     std::string date{};
 
-    // Nothing for another kind of text, and where no path can be made of it: none, one with a NUL, one that leads to no
-    // name, or over "..".
+    // nullopt for a text of another form, and if the recorded path is empty, holds a NUL or "..", or does not end in a
+    // name.
     static std::optional<TrashInformation> read(std::string_view text);
     std::string text() const;
 
     bool operator==(TrashInformation const&) const = default;
 };
 
-// A line of the file "directorysizes", which spares others to add up what the folders in a trash take.
+// A line of the file "directorysizes", which caches the sizes of the folders in a trash.
 struct DirectorySize {
     std::uint64_t bytes{0};
-    // When the item's information was written, in seconds since 1970: of another time the line tells nothing.
+    // The modification time of the item's information file, in seconds since 1970; the line is ignored if the times
+    // differ.
     std::int64_t informationTime{0};
     std::string name{};
 
@@ -41,8 +65,9 @@ struct DirectorySize {
     bool operator==(DirectorySize const&) const = default;
 };
 
-// The time on the wall here at so many seconds since 1970, and back; nothing for what is no such time.
+// Seconds since 1970 as local time, in the form of TrashInformation::date; empty if the form cannot hold it.
 std::string localTimeText(std::int64_t seconds);
+// Seconds since 1970 of such a text; nullopt if it is no local time.
 std::optional<std::int64_t> secondsOfLocalTimeText(std::string const& text);
 
 } // namespace mac

@@ -1,50 +1,35 @@
 #pragma once
 
-#include "platform/files/TrashFolder.h"
+#include "platform/files/TrashPlaces.h"
+#include "platform/system/items/ItemRename.h"
 
-// How an item goes into the trash and out of it, step by step. For implementations; any thread.
+// What moving items into the trash and out of it has in common. Any thread.
 
 namespace mac {
 
-enum class Moved {
-    Yes,
-    // It is where it was; errno says why, and ESTALE that another item has its name.
-    No,
-    // Another item took its place at the last moment, was moved in its stead and could not be moved back.
-    ButAnother,
-};
+// The steps of a rename as steps of the trash; empty if `steps` is.
+RenameSteps renameStepsOf(TrashSteps const& steps);
 
-// Moves the open item, which has the name in the one folder, to a name in the other one that nothing has.
-Moved moveItem(FileDescriptor const& item, FileDescriptor const& fromFolder, std::string const& from,
-               FileDescriptor const& toFolder, std::string const& to);
-
-// What the trash knows of one item: made before the item comes, and gone with this object unless it is kept.
+// An item's information file "NAME.trashinfo", created before the item moves; the destructor removes it again unless it
+// is kept.
 class TrashReservation {
 public:
-    // Of an item that will have the name.
-    TrashReservation(TrashFolder const& trash, std::string const& name);
+    // `name` is the name that the item will have in the trash.
+    TrashReservation(TrashPlace const& trash, std::string const& name);
     ~TrashReservation();
     TrashReservation(TrashReservation const&) = delete;
     TrashReservation& operator=(TrashReservation const&) = delete;
 
-    // On the disk when it is true. EEXIST: something of that name is there.
-    bool make(std::string const& writtenPath, std::string const& date);
+    // Creates the file and flushes it to the disk; fails with EEXIST if there is one of that name.
+    Result<void> make(std::string const& writtenPath, std::string const& date);
     void keep() { m_isKept = true; }
     void giveUp() { m_isKept = false; }
 
 private:
-    TrashFolder const& m_trash;
+    TrashPlace const& m_trash;
     std::string m_name;
     FileDescriptor m_file{};
     bool m_isKept{false};
 };
-
-// The AppleDouble file beside an item, open.
-struct Companion {
-    FileDescriptor file{};
-    std::string name{};
-};
-// None where there is none, or something else has the name.
-Companion companionOf(FileDescriptor const& folder, std::string const& itemName);
 
 } // namespace mac

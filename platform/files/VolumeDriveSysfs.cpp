@@ -1,8 +1,8 @@
 #include "platform/files/Volumes.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
-#include "platform/system/SymbolicLinks.h"
 #include "platform/system/items/MountTable.h"
 #include <array>
 #include <climits>
@@ -15,7 +15,7 @@ namespace mac {
 
 namespace {
 
-// Encrypted on a mirror on a partition, and more than anybody stacks.
+// Enough for an encrypted volume on a mirror on a partition, and a bound against cycles.
 constexpr unsigned MostLayers = 8;
 constexpr std::size_t LongestAnswer = 4096;
 
@@ -25,13 +25,14 @@ std::string canonical(std::string const& path) {
 }
 
 std::string contentsOf(std::string const& path) {
-    Result<FileContents, Failure> const contents = readFileAtPath(path, LongestAnswer);
+    Result<FileContents> const contents = readFileAtPath(path, LongestAnswer);
     if (!contents.hasValue()) return {};
     std::vector<std::byte> const& bytes = contents.value().bytes;
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
 }
 
-// Some file systems have a number of their own, but name the device that they lie on.
+// The number of the block device that holds the volume. File systems with a device number of their own name the block
+// device as their source.
 std::string blockDeviceOf(MountedVolume const& volume) {
     if (!volume.device.starts_with("0:")) return volume.device;
     struct stat status {};
@@ -41,12 +42,11 @@ std::string blockDeviceOf(MountedVolume const& volume) {
 }
 
 std::string firstEntryOf(std::string const& path) {
-    std::vector<std::string> const names =
-        namesInFolder(path, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>());
+    std::vector<std::string> const names = namesInFolder(path, LinkAtEnd::IsFollowed).valueOr({});
     return names.empty() ? std::string() : names.front();
 }
 
-// The whole drive: below what is made of others, and not the partition alone.
+// The folder of the whole drive: below devices that are made of others, and not the partition's.
 std::string driveFolderOf(std::string folder) {
     for (unsigned layer = 0; layer < MostLayers; ++layer) {
         std::string const parts = folder + "/slaves";
@@ -54,7 +54,7 @@ std::string driveFolderOf(std::string folder) {
         if (below.empty()) break;
         folder = canonical(std::string(parts).append("/").append(below));
     }
-    return pathExists(folder + "/partition") ? folder.substr(0, folder.rfind('/')) : folder;
+    return pathExists(folder + "/partition") ? std::string(BytePath(folder).parent()) : folder;
 }
 
 } // namespace

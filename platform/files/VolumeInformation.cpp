@@ -1,12 +1,15 @@
 #include "platform/files/VolumeInformation.h"
 #include "platform/files/ItemReferences.h"
-#include "platform/files/VolumeNumbers.h"
 #include "platform/files/Volumes.h"
 #include "platform/system/LongPath.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <limits>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <sys/statvfs.h>
+#include <tuple>
 #include <utility>
 
 namespace mac {
@@ -21,7 +24,7 @@ constexpr std::uint16_t NetworkIdentifier = 0x6173;
 constexpr std::uint16_t LocalIdentifier = 0xFFFE;
 constexpr std::uint16_t OtherIdentifier = 0x4655;
 
-// What is neither Linux's own nor one of those above.
+// The file systems that are not Linux's own.
 constexpr std::array<std::pair<std::string_view, std::uint16_t>, 12> ForeignKinds{{
     {"exfat", FATIdentifier},
     {"fuseblk", OtherIdentifier},
@@ -37,6 +40,24 @@ constexpr std::array<std::pair<std::string_view, std::uint16_t>, 12> ForeignKind
     {"vfat", FATIdentifier},
 }};
 
+// The number of the first volume on Mac OS X; the others count downwards.
+constexpr FSVolumeRefNum FirstNumber = -100;
+
+// The system may give the number of a mount to a later one, which is another volume.
+using VolumeKey = std::tuple<std::uint64_t, std::string, std::string>;
+
+struct NumberTable {
+    std::mutex lock;
+    std::map<VolumeKey, FSVolumeRefNum> numbers;
+    FSVolumeRefNum next{FirstNumber};
+};
+
+// Never destroyed, since volumes may be asked for until the program's last instruction.
+NumberTable& numberTable() {
+    static NumberTable& shared = *std::make_unique<NumberTable>().release();
+    return shared;
+}
+
 std::optional<MountedVolume> findVolume(FSVolumeRefNum number, ItemCount index) {
     std::vector<MountedVolume> volumes = mountedVolumes();
     if (index > 0) return index <= volumes.size() ? std::optional(std::move(volumes[index - 1])) : std::nullopt;
@@ -44,10 +65,11 @@ std::optional<MountedVolume> findVolume(FSVolumeRefNum number, ItemCount index) 
     return found == volumes.end() ? std::nullopt : std::optional(std::move(*found));
 }
 
-bool readSizes(MountedVolume const& volume, FSVolumeInfo& info) {
-    FileDescriptor const root = openPath(volume.mountPoint, O_PATH | O_DIRECTORY);
+Result<void> readSizes(MountedVolume const& volume, FSVolumeInfo& info) {
+    Result<FileDescriptor> const root = openPath(volume.mountPoint, O_PATH | O_DIRECTORY);
+    if (!root.hasValue()) return root.problem();
     struct statvfs status {};
-    if (!root.isOpen() || ::fstatvfs(root.number(), &status) != 0) return false;
+    if (::fstatvfs(root.value().number(), &status) != 0) return lastSystemError("statvfs", volume.mountPoint);
     auto const counted = [](std::uint64_t count) {
         return static_cast<std::uint32_t>(std::min<std::uint64_t>(count, std::numeric_limits<std::uint32_t>::max()));
     };
@@ -56,7 +78,7 @@ bool readSizes(MountedVolume const& volume, FSVolumeInfo& info) {
     info.freeBlocks = counted(status.f_bavail);
     info.totalBytes = std::uint64_t{status.f_blocks} * status.f_frsize;
     info.freeBytes = std::uint64_t{status.f_bavail} * status.f_frsize;
-    return true;
+    return {};
 }
 
 HFSUniStr255 nameOf(MountedVolume const& volume) {
@@ -75,6 +97,21 @@ std::uint16_t fileSystemIdentifier(std::string_view fileSystem, bool isLocal) {
     return isLocal ? LocalIdentifier : NetworkIdentifier;
 }
 
+FSVolumeRefNum numberOfVolume(MountedVolume const& volume) {
+    std::scoped_lock const lock(numberTable().lock);
+    auto const [place, isNew] =
+        numberTable().numbers.try_emplace({volume.mount, volume.device, volume.mountPoint}, numberTable().next);
+    // After 32,000 mounts the last number is given to all others.
+    if (isNew && numberTable().next > std::numeric_limits<FSVolumeRefNum>::min()) --numberTable().next;
+    return place->second;
+}
+
+Result<FSVolumeRefNum> numberOfVolumeOf(FileDescriptor const& item) {
+    Result<MountedVolume> const volume = volumeOfItem(item);
+    if (!volume.hasValue()) return volume.problem();
+    return numberOfVolume(volume.value());
+}
+
 OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefNum* actualVolume,
                       FSVolumeInfoBitmap whichInfo, FSVolumeInfo* info, HFSUniStr255* volumeName,
                       FSRef* rootDirectory) {
@@ -84,15 +121,17 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
     std::optional<MountedVolume> const found = findVolume(volume, volumeIndex);
     if (!found) return nsvErr;
     FSVolumeInfo read{};
-    if ((whichInfo & (kFSVolInfoSizes | kFSVolInfoBlocks)) != 0 && !readSizes(*found, read)) return ioErr;
+    bool const wantsSizes = (whichInfo & (kFSVolInfoSizes | kFSVolInfoBlocks)) != 0;
+    // Whatever fails on a mounted volume is the disk's failure.
+    if (wantsSizes && !readSizes(*found, read).isDone()) return ioErr;
     read.flags = found->isReadOnly ? kFSVolFlagSoftwareLockedMask : 0;
     read.filesystemID = fileSystemIdentifier(found->fileSystem, found->isLocal);
-    std::optional<FSRef> const root = rootDirectory ? referenceToPath(found->mountPoint, true) : std::optional(FSRef{});
-    if (!root) return ioErr;
+    Result<FSRef> const root = rootDirectory ? referenceToPath(found->mountPoint, LinkAtEnd::IsFollowed) : FSRef{};
+    if (!root.hasValue()) return ioErr;
     if (whichInfo != kFSVolInfoNone) *info = read;
     if (actualVolume) *actualVolume = numberOfVolume(*found);
     if (volumeName) *volumeName = nameOf(*found);
-    if (rootDirectory) *rootDirectory = *root;
+    if (rootDirectory) *rootDirectory = root.value();
     return noErr;
 }
 

@@ -1,10 +1,12 @@
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/TextFolding.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <set>
 #include <sys/stat.h>
@@ -14,18 +16,18 @@ namespace mac {
 
 namespace {
 
-// Mounts at or below these belong to the system.
+// Whether mounts at the path belong to the system.
 bool isSystemFolder(std::string_view path) {
     static constexpr std::array<std::string_view, 16> folders = {
         "/bin", "/boot", "/dev",  "/efi", "/etc",  "/lib", "/lib32", "/lib64",
         "/nix", "/proc", "/sbin", "/sys", "/snap", "/tmp", "/usr",   "/var",
     };
     static constexpr std::array<std::string_view, 4> alone = {"/home", "/opt", "/root", "/srv"};
-    if (isAtOrBelow(path, "/run")) return !isAtOrBelow(path, "/run/media");
+    if (BytePath(path).isAtOrBelow("/run")) return !BytePath(path).isAtOrBelow("/run/media");
     // A home folder that is a file system of its own, encrypted for example.
     bool const isHome = path.starts_with("/home/") && path.find('/', std::string_view("/home/").size()) == path.npos;
     return isHome || std::ranges::find(alone, path) != alone.end() ||
-           std::ranges::any_of(folders, [&](std::string_view folder) { return isAtOrBelow(path, folder); });
+           std::ranges::any_of(folders, [&](std::string_view folder) { return BytePath(path).isAtOrBelow(folder); });
 }
 
 MountedVolume volumeOf(Mount const& mount) {
@@ -43,15 +45,15 @@ MountedVolume volumeOf(Mount const& mount) {
 }
 
 bool isWanted(Mount const& mount, MountTable const& mounts) {
-    // Behind a mount point that was removed the list says "//deleted".
+    // The mount table appends "//deleted" to a mount point that was removed.
     if (mount.mountPoint.find("//") != std::string::npos) return false;
     if (mount.mountPoint != "/" && isPseudoFileSystem(mount.type)) return false;
     return mounts.reachedBy(mount.mountPoint) == &mount;
 }
 
-// All that the part shows, the whole shows, too.
+// Whether the whole shows every item that the part shows.
 bool isPartOf(MountedVolume const& part, MountedVolume const& whole) {
-    return part.device == whole.device && isAtOrBelow(part.subtree, whole.subtree);
+    return part.device == whole.device && BytePath(part.subtree).isAtOrBelow(whole.subtree);
 }
 
 void hideParts(std::vector<MountedVolume>& volumes) {
@@ -75,10 +77,10 @@ FoldedName folded(std::u16string_view name) {
 
 std::u16string nameAt(std::string_view mountPoint) {
     if (mountPoint == "/") return std::u16string(StartupVolumeName);
-    return unitsFromFileSystemBytes(mountPoint.substr(mountPoint.rfind('/') + 1));
+    return unitsFromFileSystemBytes(BytePath(mountPoint).leaf());
 }
 
-// A name that nobody has by right.
+// The name with the first number that makes it unique.
 std::u16string numberedName(std::u16string const& name, std::set<FoldedName> const& taken) {
     for (unsigned number = 1;; ++number) {
         std::string const digits = std::to_string(number);
@@ -118,19 +120,19 @@ bool isPseudoFileSystem(std::string_view fileSystem) {
     return std::ranges::find(kinds, fileSystem) != kinds.end();
 }
 
-std::vector<MountedVolume> mountedVolumes() { return volumesOf(MountTable::current()); }
+std::vector<MountedVolume> mountedVolumes() { return volumesOf(MountTable::current().valueOr({})); }
 
 std::vector<MountedVolume> volumesOf(MountTable const& mounts) {
     std::vector<MountedVolume> volumes;
     for (Mount const& mount : mounts.mounts()) {
         if (isWanted(mount, mounts)) volumes.push_back(volumeOf(mount));
     }
-    // Where the list does not tell of the root there still is one.
+    // The root exists even if the mount table lacks it.
     if (std::ranges::none_of(volumes, &MountedVolume::isStartup)) {
         MountedVolume const startup{.mountPoint = "/", .subtree = "/", .isLocal = true, .isBrowsable = true};
         volumes.push_back(startup);
     }
-    // A slash is before every other mount point.
+    // The root sorts before every other mount point.
     std::ranges::sort(volumes, {}, &MountedVolume::mountPoint);
     hideParts(volumes);
     nameAll(volumes);
@@ -141,25 +143,27 @@ MountedVolume const* volumeOfPath(std::vector<MountedVolume> const& volumes, std
     MountedVolume const* deepest = nullptr;
     for (MountedVolume const& volume : volumes) {
         bool const isDeeper = deepest == nullptr || volume.mountPoint.size() > deepest->mountPoint.size();
-        if (isDeeper && isAtOrBelow(path, volume.mountPoint)) deepest = &volume;
+        if (isDeeper && BytePath(path).isAtOrBelow(volume.mountPoint)) deepest = &volume;
     }
     return deepest;
 }
 
-std::optional<MountedVolume> volumeOfItem(FileDescriptor const& item) {
+Result<MountedVolume> volumeOfItem(FileDescriptor const& item) {
     struct statx status {};
     int const flags = AT_EMPTY_PATH | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
-    if (!item.isOpen() || ::statx(item.number(), "", flags, STATX_MNT_ID, &status) != 0) return std::nullopt;
-    MountTable const mounts = MountTable::current();
+    if (::statx(item.number(), "", flags, STATX_MNT_ID, &status) != 0) return lastSystemError("statx");
+    SystemError const none{.code = ENXIO, .operation = "find volume"};
+    Result<MountTable> const mounts = MountTable::current();
+    if (!mounts.hasValue()) return mounts.problem();
     if ((status.stx_mask & STATX_MNT_ID) != 0) {
-        Mount const* const mount = mounts.withId(status.stx_mnt_id);
-        return mount && isWanted(*mount, mounts) ? std::optional(volumeOf(*mount)) : std::nullopt;
+        Mount const* const mount = mounts.value().withId(status.stx_mnt_id);
+        return mount && isWanted(*mount, mounts.value()) ? Result(volumeOf(*mount)) : none;
     }
-    // Before Linux 5.8 the device has to do.
+    // Before Linux 5.8 the system does not tell the mount; the first volume on the device is taken.
     std::string const device = std::to_string(status.stx_dev_major) + ":" + std::to_string(status.stx_dev_minor);
-    std::vector<MountedVolume> const volumes = volumesOf(mounts);
+    std::vector<MountedVolume> const volumes = volumesOf(mounts.value());
     auto const found = std::ranges::find(volumes, device, &MountedVolume::device);
-    return found == volumes.end() ? std::nullopt : std::optional(*found);
+    return found == volumes.end() ? none : Result(*found);
 }
 
 } // namespace mac

@@ -1,6 +1,7 @@
 #include "platform/foundation/BundleInformation.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include <algorithm>
 #include <array>
@@ -8,7 +9,6 @@
 #include <chrono>
 #include <list>
 #include <memory>
-#include <system_error>
 #include <unordered_map>
 
 namespace mac {
@@ -33,6 +33,7 @@ constexpr std::int64_t kNanosecondsToSettle = 2'000'000'000;
 // Which file it is and in what state, or the error that its status gave.
 struct FileState {
     std::size_t place{kPlaces.size()};
+    // An errno value; 0 if the status is known.
     int error{0};
     FileStatus status{};
 
@@ -41,30 +42,38 @@ struct FileState {
 };
 
 std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
-    return std::string(bundlePath).append("/").append(kPlaces[place]);
+    return BytePath(bundlePath).joined(kPlaces[place]);
 }
 
 FileState findFile(std::string_view bundlePath) {
     FileState state;
     for (state.place = 0; state.isFound(); ++state.place) {
-        std::optional<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, state.place));
-        if (status) {
-            state.status = *status;
+        Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, state.place));
+        if (status.hasValue()) {
+            state.status = status.value();
             return state;
         }
-        if (errno != ENOENT && errno != ENOTDIR) {
-            state.error = errno;
+        if (!status.problem().is(ENOENT) && !status.problem().is(ENOTDIR)) {
+            state.error = status.problem().code;
             return state;
         }
     }
     return state;
 }
 
+// Why the file cannot be read, as the log tells it.
+Failure failureOf(int code) {
+    if (code == EFBIG) return {"It is too large"};
+    if (code == EISDIR) return {"It is a folder"};
+    if (code == EINVAL) return {"It is no regular file"};
+    return {textOfSystemError(code)};
+}
+
 Result<NSDictionary, Failure> readInformation(std::string const& path, FileState& state) {
-    if (state.error != 0) return Failure{std::generic_category().message(state.error)};
-    Result<FileContents, Failure> const contents = readFileAtPath(path, kLargestFile);
-    if (!contents.hasValue()) return Failure{contents.problem().reason};
-    // Of what was read, not of what was found before.
+    if (state.error != 0) return failureOf(state.error);
+    Result<FileContents> const contents = readFileAtPath(path, kLargestFile);
+    if (!contents.hasValue()) return failureOf(contents.problem().code);
+    // The file may have changed since its status was read.
     state.status = contents.value().status;
     NSString reason;
     id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSFileAttributes.h"
+#include "platform/system/Result.h"
 #include <optional>
 #include <string>
 
@@ -19,16 +20,15 @@ struct FileLocks {
     bool isAppendOnly{false};
 };
 std::optional<FileLocks> locksOf(FileDescriptor const& item);
-// nil where it is not known.
+// The creation date that a program has set for the file or folder, else the time of its birth; nil if that is not
+// known.
 NSDate creationDateOf(FileDescriptor const& item);
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // Immutable and append only alone; what the dictionary does not say stays.
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);
-// File systems have no place for a creation date that is set. The room that keeps such dates elsewhere says, before
-// main begins, how that of an open file or folder is read: in seconds since the beginning of 2001.
-using CreationDateReader = std::optional<double> (*)(FileDescriptor const& item);
-void readCreationDatesBy(CreationDateReader reader);
+// Sets or clears the flag that forbids every change of the item.
+Result<void> setImmutable(FileDescriptor const& item, bool isImmutable);
 
 NSDictionary volumeAttributesOf(FileDescriptor const& item);
 

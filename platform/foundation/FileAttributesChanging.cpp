@@ -60,13 +60,18 @@ bool changeOwners(FileDescriptor const& item, NSDictionary const& attributes) {
     return (isSameUser && isSameGroup) || ::chown(descriptorPath(item).c_str(), *user, *group) == 0;
 }
 
-bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bool isSet) {
-    if (wanted == nil || wanted.boolValue() == isSet) return true;
+Result<void> setFlag(FileDescriptor const& item, int flag, bool isSet) {
     FileDescriptor const file(::open(descriptorPath(item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen()) return lastSystemError("open");
     int flags = 0;
-    if (!file.isOpen() || ::ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0) return false;
-    flags ^= flag;
-    return ::ioctl(file.number(), FS_IOC_SETFLAGS, &flags) == 0;
+    if (::ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0) return lastSystemError("ioctl");
+    flags = isSet ? flags | flag : flags & ~flag;
+    if (::ioctl(file.number(), FS_IOC_SETFLAGS, &flags) != 0) return lastSystemError("ioctl");
+    return {};
+}
+
+bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bool isSet) {
+    return wanted == nil || wanted.boolValue() == isSet || setFlag(item, flag, !isSet).isDone();
 }
 
 bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
@@ -94,6 +99,10 @@ bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attrib
     if (!old->isAppendOnly) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
     if (!old->isImmutable) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
     return done;
+}
+
+Result<void> setImmutable(FileDescriptor const& item, bool isImmutable) {
+    return setFlag(item, FS_IMMUTABLE_FL, isImmutable);
 }
 
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes) {

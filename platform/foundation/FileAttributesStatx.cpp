@@ -1,8 +1,10 @@
 #include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/UTCDateTime.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/KeptCreationDate.h"
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -43,11 +45,6 @@ NSDate dateOf(statx_timestamp const& time) {
     return NSDate::dateWithTimeIntervalSince1970_(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
 }
 
-CreationDateReader& creationDateReader() {
-    static constinit CreationDateReader reader = nullptr;
-    return reader;
-}
-
 std::optional<struct statx> statusOf(FileDescriptor const& item) {
     struct statx status {};
     int const failed =
@@ -55,11 +52,22 @@ std::optional<struct statx> statusOf(FileDescriptor const& item) {
     return failed ? std::nullopt : std::optional(status);
 }
 
+// The creation date that a program has set; nil if none has.
+NSDate keptCreationDateOf(FileDescriptor const& item) {
+    Result<OpenItem> const found = openItemInItsFolder(item);
+    if (!found.hasValue()) return nil;
+    Result<KeptCreationDate> const kept = keptCreationDate(found.value());
+    if (!kept.hasValue()) return nil;
+    UTCDateTime const date = utcDateTimeOf(kept.value().units);
+    CFAbsoluteTime time = 0;
+    if (UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time) != noErr) return nil;
+    return NSDate::dateWithTimeIntervalSinceReferenceDate_(time);
+}
+
 NSDate creationDateOf(FileDescriptor const& item, struct statx const& status) {
     bool const canBeKept = S_ISREG(status.stx_mode) || S_ISDIR(status.stx_mode);
-    CreationDateReader const reader = canBeKept ? creationDateReader() : nullptr;
-    if (std::optional<double> const kept = reader ? reader(item) : std::nullopt)
-        return NSDate::dateWithTimeIntervalSinceReferenceDate_(*kept);
+    NSDate const kept = canBeKept ? keptCreationDateOf(item) : NSDate(nil);
+    if (!(kept == nil)) return kept;
     return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
 }
 
@@ -72,8 +80,6 @@ NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
 }
 
 } // namespace
-
-void readCreationDatesBy(CreationDateReader reader) { creationDateReader() = reader; }
 
 std::optional<FileLocks> locksOf(FileDescriptor const& item) {
     std::optional<struct statx> const status = statusOf(item);

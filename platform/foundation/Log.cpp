@@ -1,5 +1,6 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/Listeners.h"
+#include "platform/system/BytePath.h"
 #include <array>
 #include <cerrno>
 #include <ctime>
@@ -66,7 +67,7 @@ std::string programName() {
     std::array<char, 256> path{};
     ssize_t const size = ::readlink("/proc/self/exe", path.data(), path.size() - 1);
     std::string const name(path.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
-    return name.empty() ? "program" : name.substr(name.rfind('/') + 1);
+    return name.empty() ? "program" : std::string(BytePath(name).leaf());
 }
 
 // "2026-11-21 10:00:00.123 framekeeper[4711] ".

@@ -106,7 +106,7 @@ NSData NSData::dataWithBytes(std::span<std::byte const> bytes) {
 NSData NSData::dataWithContentsOfFile_(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes) return nil;
-    Result<FileContents, Failure> contents = readFileAtPath(*bytes, LargestFile);
+    Result<FileContents> contents = readFileAtPath(*bytes, LargestFile);
     return contents.hasValue() ? adopt<NSData>(contents.takeValue().bytes) : NSData(nil);
 }
 
@@ -130,7 +130,7 @@ NSData NSData::subdataWithRange_(NSRange range) const {
 bool NSData::writeToFile_atomically_(NSString const& path, BOOL atomically) const {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (*this == nil || !bytes) return false;
-    return atomically ? replaceFileAtPath(*bytes, span()) : overwriteFileAtPath(*bytes, span());
+    return (atomically ? replaceFileAtPath(*bytes, span()) : overwriteFileAtPath(*bytes, span())).isDone();
 }
 
 ClassDescription NSMutableData::describeClass() {

@@ -4,7 +4,6 @@
 #include "platform/foundation/Method.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/TreeDescent.h"
 
 namespace mac {
 
@@ -27,16 +26,17 @@ public:
     }
 
 private:
-    static NSDictionary attributesOf(FileDescriptor const& item) {
-        return item.isOpen() ? fileAttributesOf(item) : NSDictionary(nil);
+    static NSDictionary attributesOf(Result<FileDescriptor> const& item) {
+        return item.hasValue() ? fileAttributesOf(item.value()) : NSDictionary(nil);
     }
 
-    // Into the item given last, if it is a folder.
+    // Enters the item given last, if it is a folder.
     void descend() {
         if (m_isEntered) return;
-        FileDescriptor folder = m_descent.item();
-        std::optional<std::vector<std::string>> names = folder.isOpen() ? namesInOpenFolder(folder) : std::nullopt;
-        if (names) m_descent.enter(std::move(folder), std::move(*names));
+        Result<FileDescriptor> folder = m_descent.item();
+        if (!folder.hasValue()) return;
+        Result<std::vector<std::string>> names = namesInOpenFolder(folder.value());
+        if (names.hasValue()) m_descent.enter(folder.takeValue(), names.takeValue());
     }
 
     TreeDescent m_descent;
@@ -69,8 +69,9 @@ void NSDirectoryEnumerator::skipDescendents() const {
 }
 
 NSDirectoryEnumerator directoryEnumerator(FileDescriptor folder) {
-    std::optional<std::vector<std::string>> names = folder.isOpen() ? namesInOpenFolder(folder) : std::nullopt;
-    return names ? adopt<NSDirectoryEnumerator>(std::move(folder), std::move(*names)) : NSDirectoryEnumerator(nil);
+    Result<std::vector<std::string>> names = namesInOpenFolder(folder);
+    if (!names.hasValue()) return nil;
+    return adopt<NSDirectoryEnumerator>(std::move(folder), names.takeValue());
 }
 
 } // namespace mac

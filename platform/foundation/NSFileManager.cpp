@@ -4,11 +4,13 @@
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include <atomic>
+#include <cerrno>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -22,9 +24,13 @@ constexpr mode_t UsualFolderMode = 0777;
 constexpr mode_t UsualFileMode = 0666;
 constexpr unsigned PermissionBits = 07777;
 
-FileDescriptor openItem(NSString const& path, BOOL followsLinks) {
+// The error of a path that is nil, empty or has no file-system representation.
+SystemError noPath() { return {.code = ENOENT, .operation = "open"}; }
+
+Result<FileDescriptor> openItem(NSString const& path, LinkAtEnd linkAtEnd) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
-    return bytes ? openPath(*bytes, O_PATH | (followsLinks ? 0 : O_NOFOLLOW)) : FileDescriptor();
+    if (!bytes) return noPath();
+    return openPath(*bytes, O_PATH | (linkAtEnd == LinkAtEnd::IsFollowed ? 0 : O_NOFOLLOW));
 }
 
 // The folder that an item lies or is to lie in, and its name there.
@@ -32,23 +38,21 @@ struct Place {
     FileDescriptor folder{};
     std::string name{};
 
-    bool isOpen() const { return folder.isOpen(); }
     int number() const { return folder.number(); }
 };
 
-Place placeOf(NSString const& path) {
-    std::string bytes = path.fileSystemRepresentation().value_or("");
-    while (bytes.size() > 1 && bytes.ends_with('/'))
-        bytes.pop_back();
-    if (bytes.empty()) return {};
-    SplitPath parts = splitPath(bytes);
-    Place place{openPath(parts.folder.empty() ? "." : parts.folder, O_PATH | O_DIRECTORY), std::move(parts.name)};
-    if (place.name.empty()) place.name = ".";
-    return place;
+Result<Place> placeOf(NSString const& path) {
+    std::string const bytes = path.fileSystemRepresentation().value_or("");
+    if (bytes.empty()) return noPath();
+    BytePath const item(bytes);
+    std::string_view const folderPath = item.parent();
+    Result<FileDescriptor> folder = openPath(folderPath.empty() ? "." : folderPath, O_PATH | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
+    std::string_view const name = item.leaf();
+    return Place{folder.takeValue(), std::string(name.empty() ? "." : name)};
 }
 
-// What the permissions of something new are until the rest of its attributes is
-// set.
+// The permissions of a new item until the rest of its attributes is set.
 mode_t modeOf(NSDictionary const& attributes, mode_t usual) {
     bool const isGiven = !(as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions)) == nil);
     return isGiven ? usual & attributes.filePosixPermissions() & PermissionBits : usual;
@@ -66,7 +70,12 @@ NSDictionary withoutLocks(NSDictionary const& attributes) {
 }
 
 bool allows(FileDescriptor const& item, int access) {
-    return item.isOpen() && ::faccessat(AT_FDCWD, descriptorPath(item).c_str(), access, AT_EACCESS) == 0;
+    return ::faccessat(AT_FDCWD, descriptorPath(item).c_str(), access, AT_EACCESS) == 0;
+}
+
+bool allowsAtPath(NSString const& path, int access) {
+    Result<FileDescriptor> const item = openItem(path, LinkAtEnd::IsFollowed);
+    return item.hasValue() && allows(item.value(), access);
 }
 
 // In a folder with the sticky bit only an item's owner and the folder's may
@@ -130,42 +139,47 @@ bool NSFileManager::fileExistsAtPath_isDirectory_(NSString const& path, bool* is
     if (isDirectory) *isDirectory = false;
     if (*this == nil) return false;
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
-    std::optional<FileStatus> const status = bytes ? fileStatusAtPath(*bytes) : std::nullopt;
-    if (!status) return false;
-    if (isDirectory) *isDirectory = status->kind == FileStatus::Kind::Folder;
+    if (!bytes) return false;
+    Result<FileStatus> const status = fileStatusAtPath(*bytes);
+    if (!status.hasValue()) return false;
+    if (isDirectory) *isDirectory = status.value().kind == FileStatus::Kind::Folder;
     return true;
 }
 
 bool NSFileManager::isReadableFileAtPath_(NSString const& path) const {
-    return *this != nil && allows(openItem(path, YES), R_OK);
+    return *this != nil && allowsAtPath(path, R_OK);
 }
 
 bool NSFileManager::isWritableFileAtPath_(NSString const& path) const {
-    return *this != nil && allows(openItem(path, YES), W_OK);
+    return *this != nil && allowsAtPath(path, W_OK);
 }
 
 bool NSFileManager::isExecutableFileAtPath_(NSString const& path) const {
-    return *this != nil && allows(openItem(path, YES), X_OK);
+    return *this != nil && allowsAtPath(path, X_OK);
 }
 
 bool NSFileManager::isDeletableFileAtPath_(NSString const& path) const {
-    Place const place = *this == nil ? Place() : placeOf(path);
-    return place.isOpen() && allows(place.folder, W_OK | X_OK) && allowsRemoval(place);
+    if (*this == nil) return false;
+    Result<Place> const place = placeOf(path);
+    return place.hasValue() && allows(place.value().folder, W_OK | X_OK) && allowsRemoval(place.value());
 }
 
 NSDictionary NSFileManager::fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const {
-    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, traverseLink);
-    return item.isOpen() ? fileAttributesOf(item) : NSDictionary(nil);
+    if (*this == nil) return nil;
+    Result<FileDescriptor> const item = openItem(path, traverseLink ? LinkAtEnd::IsFollowed : LinkAtEnd::IsNotFollowed);
+    return item.hasValue() ? fileAttributesOf(item.value()) : NSDictionary(nil);
 }
 
 bool NSFileManager::changeFileAttributes_atPath_(NSDictionary const& attributes, NSString const& path) const {
-    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, YES);
-    return item.isOpen() && changeFileAttributes(item, attributes);
+    if (*this == nil) return false;
+    Result<FileDescriptor> const item = openItem(path, LinkAtEnd::IsFollowed);
+    return item.hasValue() && changeFileAttributes(item.value(), attributes);
 }
 
 NSDictionary NSFileManager::fileSystemAttributesAtPath_(NSString const& path) const {
-    FileDescriptor const item = *this == nil ? FileDescriptor() : openItem(path, YES);
-    return item.isOpen() ? volumeAttributesOf(item) : NSDictionary(nil);
+    if (*this == nil) return nil;
+    Result<FileDescriptor> const item = openItem(path, LinkAtEnd::IsFollowed);
+    return item.hasValue() ? volumeAttributesOf(item.value()) : NSDictionary(nil);
 }
 
 NSString NSFileManager::displayNameAtPath_(NSString const& path) const {
@@ -177,18 +191,20 @@ NSString NSFileManager::displayNameAtPath_(NSString const& path) const {
 
 NSArray NSFileManager::directoryContentsAtPath_(NSString const& path) const {
     std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
-    std::optional<std::vector<std::string>> const names =
-        bytes ? namesInFolder(*bytes, LinkAtEnd::IsFollowed) : std::nullopt;
-    if (!names) return nil;
+    if (!bytes) return nil;
+    Result<std::vector<std::string>> const names = namesInFolder(*bytes, LinkAtEnd::IsFollowed);
+    if (!names.hasValue()) return nil;
     std::vector<id> contents;
-    contents.reserve(names->size());
-    for (std::string const& name : *names)
+    contents.reserve(names.value().size());
+    for (std::string const& name : names.value())
         contents.push_back(NSString::stringWithFileSystemRepresentation_(name));
     return NSArray::arrayWithVector(std::move(contents));
 }
 
 NSDirectoryEnumerator NSFileManager::enumeratorAtPath_(NSString const& path) const {
-    return *this == nil ? NSDirectoryEnumerator(nil) : directoryEnumerator(openItem(path, YES));
+    if (*this == nil) return nil;
+    Result<FileDescriptor> folder = openItem(path, LinkAtEnd::IsFollowed);
+    return folder.hasValue() ? directoryEnumerator(folder.takeValue()) : NSDirectoryEnumerator(nil);
 }
 
 NSData NSFileManager::contentsAtPath_(NSString const& path) const {
@@ -202,8 +218,10 @@ bool NSFileManager::contentsEqualAtPath_andPath_(NSString const& path, NSString 
 }
 
 bool NSFileManager::createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const {
-    Place const place = *this == nil ? Place() : placeOf(path);
-    if (!place.isOpen()) return false;
+    if (*this == nil) return false;
+    Result<Place> const found = placeOf(path);
+    if (!found.hasValue()) return false;
+    Place const& place = found.value();
     if (::mkdirat(place.number(), place.name.c_str(), modeOf(attributes, UsualFolderMode)) != 0) return false;
     FileDescriptor const folder(
         ::openat(place.number(), place.name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -217,29 +235,32 @@ bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, 
     FileReplacement how{.newFileMode = modeOf(attributes, UsualFileMode)};
     bool hasAttributes = true;
     if (attributes.count() > 0) {
-        // On the file that was written, and before anybody finds it.
+        // Once the file is written, and before it has the name.
         how.beforeRenaming = [&](FileDescriptor const& file) {
             hasAttributes = changeFileAttributes(file, withoutLocks(attributes));
-            return true;
+            return Result<void>();
         };
         how.afterRenaming = [&](FileDescriptor const& file) {
             hasAttributes = changeLocks(file, attributes) && hasAttributes;
-            return true;
+            return Result<void>();
         };
     }
-    return replaceFileAtPath(*bytes, contents.span(), how) && hasAttributes;
+    return replaceFileAtPath(*bytes, contents.span(), how).isDone() && hasAttributes;
 }
 
 NSString NSFileManager::pathContentOfSymbolicLinkAtPath_(NSString const& path) const {
-    Place const place = *this == nil ? Place() : placeOf(path);
-    std::optional<std::string> const text = place.isOpen() ? linkTextIn(place.folder, place.name) : std::nullopt;
-    return text ? NSString::stringWithFileSystemRepresentation_(*text) : NSString(nil);
+    if (*this == nil) return nil;
+    Result<Place> const place = placeOf(path);
+    if (!place.hasValue()) return nil;
+    Result<std::string> const text = linkTextIn(place.value().folder, place.value().name);
+    return text.hasValue() ? NSString::stringWithFileSystemRepresentation_(text.value()) : NSString(nil);
 }
 
 bool NSFileManager::createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const {
-    Place const place = *this == nil ? Place() : placeOf(path);
     std::optional<std::string> const text = content.fileSystemRepresentation();
-    return place.isOpen() && text && ::symlinkat(text->c_str(), place.number(), place.name.c_str()) == 0;
+    if (*this == nil || !text) return false;
+    Result<Place> const place = placeOf(path);
+    return place.hasValue() && ::symlinkat(text->c_str(), place.value().number(), place.value().name.c_str()) == 0;
 }
 
 } // namespace mac

@@ -1,6 +1,6 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/StringBody.h"
-#include "platform/system/SymbolicLinks.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
 #include <algorithm>
 #include <vector>

@@ -13,6 +13,15 @@ struct UTCDateTime {
     constexpr bool operator==(UTCDateTime const&) const = default;
 };
 
+// The record as one number of 1/65536 seconds since the beginning of 1904, and back.
+constexpr std::uint64_t unitsOf(UTCDateTime const& date) {
+    return std::uint64_t{date.highSeconds} << 48 | std::uint64_t{date.lowSeconds} << 16 | date.fraction;
+}
+constexpr UTCDateTime utcDateTimeOf(std::uint64_t units) {
+    return {static_cast<std::uint16_t>(units >> 48), static_cast<std::uint32_t>(units >> 16),
+            static_cast<std::uint16_t>(units)};
+}
+
 // Seconds since the beginning of 2001 in UTC.
 using CFAbsoluteTime = double;
 

@@ -1,9 +1,9 @@
 #include "platform/icons/IconRefs.h"
-#include "platform/files/CatalogFields.h"
-#include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/icons/IconFamily.h"
 #include "platform/icons/ResourceFork.h"
+#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/ItemAttributes.h"
 #include <atomic>
 #include <memory>
 #include <vector>
@@ -21,24 +21,27 @@ namespace {
 constexpr OSType FamilyType{"icns"};
 constexpr std::int16_t CustomIconNumber = -16455;
 constexpr char FolderIconFile[] = "/Icon\r";
-constexpr std::ptrdiff_t LargestFork = std::ptrdiff_t{64} << 20;
-constexpr std::uint32_t Start = 0;
+constexpr std::size_t LargestFork = std::size_t{64} << 20;
 
-std::vector<std::byte> resourceForkAt(std::string const& path) {
-    std::ptrdiff_t const size = getxattr(path.c_str(), XATTR_RESOURCEFORK_NAME, nullptr, 0, Start, XATTR_NOFOLLOW);
-    if (size <= 0 || size > LargestFork) return {};
-    std::vector<std::byte> fork(static_cast<std::size_t>(size));
-    std::ptrdiff_t const read =
-        getxattr(path.c_str(), XATTR_RESOURCEFORK_NAME, fork.data(), fork.size(), Start, XATTR_NOFOLLOW);
-    return read == size ? fork : std::vector<std::byte>();
+// Empty if the item has no resource fork, or one too large to be read.
+std::vector<std::byte> resourceForkOf(OpenItem const& item) {
+    AttributeName const name(XATTR_RESOURCEFORK_NAME);
+    if (sizeOfAttribute(item, name).valueOr(0) > LargestFork) return {};
+    return readAttribute(item, name).valueOr({});
 }
 
-// Empty where the item has none that can be read.
+// A folder's custom icon lies in a file in it.
+Result<OpenItem> itemWithIcon(FSRef const& ref, bool isFolder) {
+    Result<OpenItem> item = openItemOfReference(ref);
+    if (!item.hasValue() || !isFolder) return item;
+    return openItemAtPath(item.value().systemPath() + FolderIconFile, LinkAtEnd::IsNotFollowed);
+}
+
+// Empty if the item has no custom icon that can be read.
 std::vector<std::byte> customIconOf(FSRef const& ref, bool isFolder) {
-    std::optional<OpenItem> const item = openItemOfReference(ref);
-    if (!item) return {};
-    std::vector<std::byte> const fork =
-        resourceForkAt(isFolder ? item->systemPath() + FolderIconFile : attributePath(*item));
+    Result<OpenItem> const item = itemWithIcon(ref, isFolder);
+    if (!item.hasValue()) return {};
+    std::vector<std::byte> const fork = resourceForkOf(item.value());
     std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, FamilyType, CustomIconNumber);
     if (!icon || !readIconFamily(*icon)) return {};
     return {icon->begin(), icon->end()};
@@ -51,7 +54,7 @@ OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t /*fileNameLength*/,
                              IconServicesUsageFlags /*usageFlags*/, IconRef* iconRef, std::int16_t* label) {
     bool const isWhole = (whichInfo & kIconServicesCatalogInfoMask) == kIconServicesCatalogInfoMask;
     if (!ref || !catalogInfo || !isWhole) return paramErr;
-    if (!itemOfReference(*ref)) return errFSBadFSRef;
+    if (!itemOfReference(*ref).hasValue()) return errFSBadFSRef;
     FinderInformation const finder = finderInformationOf(*catalogInfo);
     if (iconRef) {
         auto icon = std::make_unique<OpaqueIconRef>();

@@ -1,12 +1,13 @@
 #include "platform/launchservices/Applications.h"
 #include "platform/desktop/DefaultApplications.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
 #include "platform/system/ASCII.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include <algorithm>
 #include <functional>
@@ -40,8 +41,8 @@ void remember(std::string const& path) {
 }
 
 bool isApplication(std::string const& path) {
-    std::optional<DiskItem> const item = diskItemAtPath(path);
-    return item && item->isApplicationBundle();
+    Result<DiskItem> const item = diskItemAtPath(path);
+    return item.hasValue() && item.value().isApplicationBundle();
 }
 
 // Those that are still in their places; the others are forgotten.
@@ -53,13 +54,14 @@ std::vector<std::string> registeredPaths() {
 
 // The folders in which applications are put, and one folder deeper.
 void addApplicationsIn(std::string const& folder, bool looksDeeper, std::vector<std::string>& paths) {
-    for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
-        std::string const path = std::string(folder).append("/").append(name);
-        std::optional<DiskItem> const item = diskItemAtPath(path);
-        if (!item || item->kind != DiskItem::Kind::Folder) continue;
-        if (item->isApplicationBundle())
+    for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
+        std::string const path = BytePath(folder).joined(name);
+        Result<DiskItem> const found = diskItemAtPath(path);
+        if (!found.hasValue() || found.value().kind != DiskItem::Kind::Folder) continue;
+        DiskItem const& item = found.value();
+        if (item.isApplicationBundle())
             paths.push_back(path);
-        else if (looksDeeper && !item->isPackage() && !item->isInvisible())
+        else if (looksDeeper && !item.isPackage() && !item.isInvisible())
             addApplicationsIn(path, false, paths);
     }
 }
@@ -102,8 +104,7 @@ bool hasIdentifier(Candidate& application, std::string const& identifier) {
 }
 
 bool hasName(Candidate const& application, std::string const& name) {
-    std::string const& path = application.path();
-    std::string const file = asciiLowercase(std::string_view(path).substr(path.rfind('/') + 1));
+    std::string const file = asciiLowercase(BytePath(application.path()).leaf());
     return file == name || file == name + ".app";
 }
 
@@ -140,12 +141,13 @@ std::optional<std::string> findApplication(OSType creator, NSString const& bundl
     return desktopEntryOfRole(lowercaseOf(bundleID));
 }
 
-OSStatus registerItem(std::optional<DiskItem> const& item) {
-    if (!item) return fnfErr;
-    if (!item->isApplicationBundle()) return kLSDataErr;
-    NSDictionary const information = bundleInformation(item->path);
+OSStatus registerItem(Result<DiskItem> const& found) {
+    if (!found.hasValue()) return fnfErr;
+    DiskItem const& item = found.value();
+    if (!item.isApplicationBundle()) return kLSDataErr;
+    NSDictionary const information = bundleInformation(item.path);
     if (information == nil) return kLSDataErr;
-    remember(item->path);
+    remember(item.path);
     registerTypesIn(information);
     return noErr;
 }
@@ -156,9 +158,10 @@ OSStatus LSFindApplicationForInfo(OSType inCreator, CFStringRef const& inBundleI
                                   FSRef* outAppRef, CFURLRef* outAppURL) {
     if (inCreator == kLSUnknownCreator && inBundleID.length() == 0 && inName.length() == 0) return paramErr;
     std::optional<std::string> const path = findApplication(inCreator, inBundleID, inName);
-    std::optional<FSRef> const ref = path ? referenceToPath(*path, true) : std::nullopt;
-    if (!ref) return kLSApplicationNotFoundErr;
-    if (outAppRef) *outAppRef = *ref;
+    if (!path) return kLSApplicationNotFoundErr;
+    Result<FSRef> const ref = referenceToPath(*path, LinkAtEnd::IsFollowed);
+    if (!ref.hasValue()) return kLSApplicationNotFoundErr;
+    if (outAppRef) *outAppRef = ref.value();
     if (outAppURL) *outAppURL = NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(*path));
     return noErr;
 }

@@ -71,7 +71,7 @@ std::vector<std::string> folderNames(std::string const& language) {
 } // namespace
 
 NSDictionary dictionaryInFile(std::string const& path) {
-    Result<FileContents, Failure> const contents = readFileAtPath(path, LargestFile);
+    Result<FileContents> const contents = readFileAtPath(path, LargestFile);
     if (!contents.hasValue()) return nil;
     id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
         NSData::dataWithBytes(contents.value().bytes), NSPropertyListImmutable, nullptr, nullptr);

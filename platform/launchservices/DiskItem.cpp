@@ -1,5 +1,4 @@
 #include "platform/launchservices/DiskItem.h"
-#include "platform/files/CatalogFields.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/items/OpenItem.h"
@@ -28,15 +27,16 @@ DiskItem::Kind kindOf(unsigned mode) {
     return S_ISLNK(mode) ? DiskItem::Kind::Link : DiskItem::Kind::Other;
 }
 
-std::optional<DiskItem> describe(OpenItem const& item, std::string path) {
+Result<DiskItem> describe(OpenItem const& item, std::string path) {
     struct statx status {};
     unsigned const wanted = STATX_TYPE | STATX_MODE;
-    if (::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, wanted, &status) != 0) return std::nullopt;
+    if (::statx(item.item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, wanted, &status) != 0)
+        return lastSystemError("stat", std::move(path));
     DiskItem result{.path = std::move(path), .name = item.name, .kind = kindOf(status.stx_mode)};
     result.isVolume = result.kind == DiskItem::Kind::Folder && (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     result.mayRun = (status.stx_mode & (S_IXUSR | S_IXGRP | S_IXOTH)) != 0;
-    // What cannot be read is as if it were not there: the item itself is.
-    result.finder = readFinderInformation(attributePath(item)).value_or(FinderInformation());
+    // Finder information that cannot be read counts as missing; the item itself exists.
+    result.finder = readFinderInformation(item).valueOr(FinderInformation());
     return result;
 }
 
@@ -67,22 +67,24 @@ bool DiskItem::isApplicationBundle() const { return isPackage() && asciiLowercas
 
 bool DiskItem::isInvisible() const { return name.starts_with('.') || (finder.finderFlags() & kIsInvisible) != 0; }
 
-std::optional<DiskItem> diskItemAtPath(std::string const& path) {
-    std::optional<OpenItem> const item = openItemAtPath(path, false);
-    return item ? describe(*item, path) : std::nullopt;
+Result<DiskItem> diskItemAtPath(std::string const& path) {
+    Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return item.problem();
+    return describe(item.value(), path);
 }
 
-std::optional<DiskItem> diskItemOf(FSRef const& reference) {
-    std::optional<OpenItem> const item = openItemOfReference(reference);
-    std::optional<ReferencedItem> place = item ? itemOfReference(reference) : std::nullopt;
-    return place ? describe(*item, std::move(place->path)) : std::nullopt;
+Result<DiskItem> diskItemOf(FSRef const& reference) {
+    Result<OpenItem> const item = openItemOfReference(reference);
+    if (!item.hasValue()) return item.problem();
+    Result<ReferencedItem> place = itemOfReference(reference);
+    if (!place.hasValue()) return place.problem();
+    return describe(item.value(), std::move(place.value().path));
 }
 
-std::optional<DiskItem> diskItemOf(NSURL const& url) {
-    errno = 0;
-    if (!url.isFileURL()) return std::nullopt;
-    std::optional<std::string> const path = url.path().fileSystemRepresentation();
-    return path ? diskItemAtPath(*path) : std::nullopt;
+Result<DiskItem> diskItemOf(NSURL const& url) {
+    std::optional<std::string> const path = url.isFileURL() ? url.path().fileSystemRepresentation() : std::nullopt;
+    if (!path) return SystemError{.code = EINVAL, .operation = "open"};
+    return diskItemAtPath(*path);
 }
 
 } // namespace mac

@@ -2,14 +2,13 @@
 
 #include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
-#include <optional>
+#include "platform/system/Result.h"
 #include <string>
 #include <string_view>
 
 namespace mac {
 
-// An item as it was when it was looked at, a link meant itself; what the services of this room answer from. A value;
-// for implementations, any thread.
+// An item's state when it was looked at, from which this room's services answer. A value; any thread.
 struct DiskItem {
     enum class Kind { File, Folder, Link, Other };
 
@@ -21,21 +20,21 @@ struct DiskItem {
     bool mayRun{false};
     FinderInformation finder{};
 
-    // A folder whose name or Finder flags make it one.
+    // Whether it is a folder that its name or its Finder flags make a package.
     bool isPackage() const;
     bool isInvisible() const;
     bool isApplicationBundle() const;
-    // Behind the last dot, as it is written; empty where there is none, as in a name that begins with its only dot.
+    // The text behind the last dot, as it is written; empty for a name without dot or with its only dot in front.
     std::string_view extension() const;
     // The name without dot and extension.
     std::string_view stem() const;
 };
 
-// Nothing where there is none; errno says why.
-std::optional<DiskItem> diskItemAtPath(std::string const& path);
-std::optional<DiskItem> diskItemOf(FSRef const& reference);
-// Nothing, with errno 0, for a URL that is no file's.
-std::optional<DiskItem> diskItemOf(NSURL const& url);
+// The item at a path of bytes; a symbolic link is not followed.
+Result<DiskItem> diskItemAtPath(std::string const& path);
+Result<DiskItem> diskItemOf(FSRef const& reference);
+// Fails with EINVAL for a URL that is not a file's.
+Result<DiskItem> diskItemOf(NSURL const& url);
 
 // Whether a folder of that extension, in any case of letters, is a package.
 bool isPackageExtension(std::string_view extension);

@@ -1,6 +1,6 @@
 #include "platform/launchservices/DisplayNames.h"
 #include "platform/desktop/DesktopEntry.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/foundation/DisplayNameSource.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
@@ -49,16 +49,17 @@ bool isToldToHideExtension(DiskItem const& item) {
     return !item.extension().empty() && (item.finder.finderFlags() & kExtensionHidden) != 0;
 }
 
-OSStatus deliver(std::optional<DiskItem> const& item, CFStringRef* displayName) {
-    if (!item) return fnfErr;
-    *displayName = displayNameOf(*item);
+OSStatus deliver(Result<DiskItem> const& item, CFStringRef* displayName) {
+    if (!item.hasValue()) return fnfErr;
+    *displayName = displayNameOf(item.value());
     return noErr;
 }
 
 NSString displayNameAtPath(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
-    std::optional<DiskItem> const item = bytes ? diskItemAtPath(*bytes) : std::nullopt;
-    return item ? displayNameOf(*item) : NSString(nil);
+    if (!bytes) return nil;
+    Result<DiskItem> const item = diskItemAtPath(*bytes);
+    return item.hasValue() ? displayNameOf(item.value()) : NSString(nil);
 }
 
 } // namespace

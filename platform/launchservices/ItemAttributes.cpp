@@ -1,5 +1,5 @@
 #include "platform/launchservices/ItemAttributes.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/ContentTypes.h"
@@ -48,13 +48,13 @@ constexpr std::array Attributes{
 OSStatus LSCopyItemAttributes(FSRef const* itemRef, LSRolesMask /*inRoles*/, NSArray const& attributeNames,
                               NSDictionary* outValues) {
     if (!itemRef || !outValues) return paramErr;
-    std::optional<DiskItem> const item = diskItemOf(*itemRef);
-    if (!item) return fnfErr;
+    Result<DiskItem> const item = diskItemOf(*itemRef);
+    if (!item.hasValue()) return fnfErr;
     NSMutableDictionary const values = NSMutableDictionary::dictionary();
     for (Attribute const& attribute : Attributes) {
         NSString const name = textOf(attribute.name);
         bool const isWanted = attributeNames == nil || attributeNames.containsObject_(name);
-        id const value = isWanted ? attribute.valueOf(*item) : id();
+        id const value = isWanted ? attribute.valueOf(item.value()) : id();
         if (value != nil) values.setObject_forKey_(value, name);
     }
     *outValues = NSDictionary::dictionaryWithDictionary_(values);

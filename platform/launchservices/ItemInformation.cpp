@@ -1,5 +1,5 @@
 #include "platform/launchservices/ItemInformation.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/foundation/FourCharCodeText.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/BundleFiles.h"
@@ -76,17 +76,17 @@ LSItemInfoRecord recordOf(DiskItem const& item, LSRequestedInfo which) {
 
 OSStatus LSCopyItemInfoForRef(FSRef const* itemRef, LSRequestedInfo whichInfo, LSItemInfoRecord* itemInfo) {
     if (!itemRef || !itemInfo) return paramErr;
-    std::optional<DiskItem> const item = diskItemOf(*itemRef);
-    if (!item) return fnfErr;
-    *itemInfo = recordOf(*item, whichInfo);
+    Result<DiskItem> const item = diskItemOf(*itemRef);
+    if (!item.hasValue()) return fnfErr;
+    *itemInfo = recordOf(item.value(), whichInfo);
     return noErr;
 }
 
 OSStatus LSCopyItemInfoForURL(CFURLRef const& url, LSRequestedInfo whichInfo, LSItemInfoRecord* itemInfo) {
     if (!itemInfo || !url.isFileURL()) return paramErr;
-    std::optional<DiskItem> const item = diskItemOf(url);
-    if (!item) return fnfErr;
-    *itemInfo = recordOf(*item, whichInfo);
+    Result<DiskItem> const item = diskItemOf(url);
+    if (!item.hasValue()) return fnfErr;
+    *itemInfo = recordOf(item.value(), whichInfo);
     return noErr;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/spotlight/FolderWatch.h"
+#include "platform/system/BytePath.h"
 #include <QSocketNotifier>
 #include <array>
 #include <set>
@@ -42,12 +43,10 @@ public:
 
     bool add(std::string const& folder) {
         if (!watch(folder, Events)) return false;
-        std::size_t slash = folder.rfind('/');
-        while (slash != std::string::npos && slash > 0) {
-            std::string const above = folder.substr(0, slash);
-            // Those above it are watched, too.
+        for (std::string above(BytePath(folder).parent()); above.size() > 1;
+             above.resize(BytePath(above).parent().size())) {
+            // If it is watched, so are the folders above it.
             if (m_paths.contains(above) || !watch(above, EventsAbove)) break;
-            slash = above.rfind('/');
         }
         return true;
     }

@@ -6,6 +6,7 @@
 #include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
 #include "platform/spotlight/SearchPlan.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/walker/FolderPackages.h"
 #include <algorithm>
 #include <cstring>
@@ -17,10 +18,7 @@ namespace {
 // The first finds are shown at once, but what comes within this time goes with them.
 constexpr NSTimeInterval FirstBatchDelay = 0.05;
 
-std::string folderOf(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
+std::string folderOf(std::string const& path) { return std::string(BytePath(path).parent()); }
 
 NSString itemPath(NSMetadataItem const& item) { return as<NSString>(item.valueForAttribute_(kMDItemPath)); }
 
@@ -175,9 +173,9 @@ void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) 
 
 void NSMetadataQuery::Body::tellUnreadable(VolumeWalkProgress const& progress) {
     if (progress.unreadableFolders == 0) return;
-    UnreadableFolder const& first = progress.firstUnreadable.front();
+    SystemError const& first = progress.firstUnreadable.front();
     NSLog("Folders that could not be read: %llu, the first: %@ (%s)", progress.unreadableFolders,
-          NSString::stringWithFileSystemRepresentation_(first.path), std::strerror(first.error));
+          NSString::stringWithFileSystemRepresentation_(first.item), std::strerror(first.code));
 }
 
 bool NSMetadataQuery::Body::applyFolderChanges() {
@@ -204,10 +202,8 @@ bool NSMetadataQuery::Body::applyFolderChanges() {
 
 // Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
 bool NSMetadataQuery::Body::isChanged(std::string folder, std::set<std::string> const& changed) const {
-    while (!folder.empty() && !changed.contains(folder)) {
-        std::size_t const slash = folder.rfind('/');
-        folder.resize(folder == "/" || slash == std::string::npos ? 0 : std::max<std::size_t>(slash, 1));
-    }
+    while (!folder.empty() && !changed.contains(folder))
+        folder.resize(folder == "/" ? 0 : BytePath(folder).parent().size());
     return changed.contains(folder);
 }
 

@@ -1,7 +1,7 @@
 #include "platform/spotlight/SearchPlan.h"
 #include "platform/foundation/PredicateTree.h"
 #include "platform/spotlight/NSMetadataQuery.h"
-#include "platform/system/LocalComputer.h"
+#include "platform/system/XDGFolders.h"
 #include <string_view>
 
 namespace mac {

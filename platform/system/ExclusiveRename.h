@@ -1,24 +1,47 @@
 #pragma once
 
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
 #include <functional>
 #include <string>
 
 namespace mac {
 
-// Moves what the one open folder has under a name to a name in the other one that nothing may have: EEXIST where
-// something does. Both are on one volume. False when it fails; errno says why. For implementations; any thread.
-bool renameWithoutReplacing(int fromFolder, std::string const& from, int toFolder, std::string const& to);
+// Renaming that never replaces an item. Folders are open and on one volume; names are bytes. Any thread.
 
-// The same for file systems that do not know how not to replace: the item takes the place of something empty that was
-// made for it, unless somebody has filled that meanwhile. Whatever had the first name is moved, nothing is removed that
-// somebody may have put there. Killed in between, the empty thing stays. `afterFirstStep` is for tests of what happens
-// then.
-bool renameInSteps(int fromFolder, std::string const& from, int toFolder, std::string const& to,
-                   std::function<void()> const& afterFirstStep = {});
+// Moves the item of a name in one folder to a name in another; fails with EEXIST if the new name is taken. A symbolic
+// link is moved itself.
+Result<void> renameWithoutReplacing(FileDescriptor const& fromFolder, std::string const& from,
+                                    FileDescriptor const& toFolder, std::string const& to);
 
-// Gives a whole file, whose first name nobody else knows, a name in its folder that nothing may have: EEXIST where
-// something does. On such file systems it gets the second name before it loses the first, which stays where it cannot
-// go.
-bool nameNewFile(int folder, std::string const& from, std::string const& to);
+// Renames a complete file, whose first name no other process knows, within its folder; fails with EEXIST if the new
+// name is taken. Where the file system cannot rename exclusively, the file gets the second name before it loses the
+// first, which stays if it cannot be removed.
+Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, std::string const& to);
+
+// What renameWithoutReplacing does on file systems that cannot rename exclusively: an empty placeholder is created
+// under the new name, and the item replaces it unless another process has filled it meanwhile. The item moved is
+// whatever has the first name by then. If the process is killed in between, the placeholder stays.
+class StepwiseRename {
+public:
+    StepwiseRename() = default;
+    // Calls `afterFirstStep` once the placeholder exists.
+    explicit StepwiseRename(std::function<void()> afterFirstStep) : m_afterFirstStep(std::move(afterFirstStep)) {}
+
+    Result<void> rename(FileDescriptor const& fromFolder, std::string const& from, FileDescriptor const& toFolder,
+                        std::string const& to) const;
+
+private:
+    struct Place {
+        FileDescriptor const& folder;
+        std::string const& name;
+    };
+
+    Result<void> renameFile(Place const& from, Place const& to) const;
+    Result<void> renameFolder(Place const& from, Place const& to) const;
+    void tellFirstStep() const;
+
+    std::function<void()> m_afterFirstStep{};
+};
 
 } // namespace mac

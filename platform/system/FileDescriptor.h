@@ -4,7 +4,7 @@
 
 namespace mac {
 
-// An open file of the system, closed with the object. One that could not be opened is none.
+// Owns an open file descriptor and closes it. Movable; isOpen() is false after a move and for the default value.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
@@ -20,7 +20,7 @@ public:
 
     bool isOpen() const { return m_number >= 0; }
     int number() const { return m_number; }
-    // Somebody else closes it.
+    // Releases ownership.
     int release() { return std::exchange(m_number, -1); }
 
 private:

@@ -1,7 +1,7 @@
 #include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -10,8 +10,6 @@ namespace mac {
 
 namespace {
 
-// As many as the kernel follows in one path.
-constexpr unsigned MostLinks = 40;
 constexpr mode_t UsualMode = 0666;
 constexpr mode_t OwnersAlone = 0600;
 constexpr mode_t ReadAndWrite = 0666;
@@ -23,83 +21,121 @@ struct Place {
     std::string name{};
 };
 
-std::optional<Place> placeOf(std::string const& path) {
+SystemError refusal(int code, std::string const& name) { return {.code = code, .operation = "replace", .item = name}; }
+
+Result<Place> placeOf(std::string const& path) {
     SplitPath parts = splitPath(path);
-    Place place{openPath(parts.folder.empty() ? "." : parts.folder, O_PATH | O_DIRECTORY), std::move(parts.name)};
-    if (!place.folder.isOpen()) return std::nullopt;
-    if (!place.name.empty() && place.name != "." && place.name != "..") return place;
-    errno = EISDIR;
-    return std::nullopt;
+    Result<FileDescriptor> folder = openPath(parts.folder.empty() ? "." : parts.folder, O_PATH | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
+    if (parts.name.empty() || parts.name == "." || parts.name == "..") return refusal(EISDIR, path);
+    return Place{folder.takeValue(), std::move(parts.name)};
 }
 
 // Follows symbolic links at the end of the path.
-std::optional<Place> finalPlaceOf(std::string path) {
-    for (unsigned links = 0; links <= MostLinks; ++links) {
-        std::optional<Place> place = placeOf(path);
-        if (!place) return std::nullopt;
-        std::optional<std::string> const target = linkTextIn(place->folder, place->name);
-        if (!target) return place;
-        path.resize(target->starts_with('/') ? 0 : path.size() - place->name.size());
-        path += *target;
+Result<Place> finalPlaceOf(std::string path) {
+    std::string const wanted = path;
+    for (unsigned links = 0; links <= MostLinksInPath; ++links) {
+        Result<Place> place = placeOf(path);
+        if (!place.hasValue()) return place;
+        Result<std::string> const target = linkTextIn(place.value().folder, place.value().name);
+        if (!target.hasValue()) return place;
+        path.resize(target.value().starts_with('/') ? 0 : path.size() - place.value().name.size());
+        path += target.value();
     }
-    errno = ELOOP;
-    return std::nullopt;
+    return refusal(ELOOP, wanted);
 }
 
-// Why the file is not as it has to be; 0 when it is.
-int contradiction(FileReplacement const& how, std::optional<FileStatus> const& state) {
-    if (!how.hasToBe || how.state == state) return 0;
-    return how.state ? EAGAIN : EEXIST;
+// The old file, opened with O_PATH, and its state; closed and nullopt if there is none.
+struct OldFile {
+    FileDescriptor file{};
+    std::optional<FileStatus> state{};
+};
+
+Result<OldFile> oldFile(FileDescriptor const& folder, std::string const& name) {
+    OldFile old{.file = FileDescriptor(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC))};
+    if (!old.file.isOpen()) {
+        SystemError error = lastSystemError("open", name);
+        return error.is(ENOENT) ? Result<OldFile>(OldFile()) : error;
+    }
+    Result<FileStatus> const state = fileStatusOf(old.file);
+    if (!state.hasValue()) return state.problem();
+    old.state = state.value();
+    return old;
 }
 
-int complaintAbout(std::optional<FileStatus> const& state) {
-    if (!state || state->kind == FileStatus::Kind::File) return 0;
-    return state->kind == FileStatus::Kind::Folder ? EISDIR : EINVAL;
+// Fails if the old file is no regular file or not in the state it must be in.
+Result<void> mayReplace(OldFile const& old, std::string const& name, FileReplacement const& how) {
+    if (old.state && old.state->kind == FileStatus::Kind::Folder) return refusal(EISDIR, name);
+    if (old.state && old.state->kind == FileStatus::Kind::Other) return refusal(EINVAL, name);
+    if (how.hasToBe && how.state != old.state) return refusal(how.state ? EAGAIN : EEXIST, name);
+    return {};
 }
 
-// Of a file that is there, else of what it is to be like.
-bool takeAttributes(NewFile const& file, FileDescriptor const& old, FileReplacement const& how) {
-    if (old.isOpen()) return file.takeAfter(old, AllPermissions) && file.copyAttributesOf(old);
-    return how.newFileIsLike == nullptr || file.takeAfter(*how.newFileIsLike, ReadAndWrite);
+// The attributes of the old file, else of the item that a new file is to be like.
+Result<void> takeAttributes(NewFile const& file, OldFile const& old, FileReplacement const& how) {
+    if (!old.state) return how.newFileIsLike ? file.takeAfter(*how.newFileIsLike, ReadAndWrite) : Result<void>();
+    Result<void> const taken = file.takeAfter(old.file, AllPermissions);
+    return taken.isDone() ? file.copyAttributesOf(old.file) : taken;
+}
+
+// Fails if the file of the name changed since it was opened; asked as late as possible.
+Result<void> isUnchanged(FileDescriptor const& folder, std::string const& name, OldFile const& old,
+                         FileReplacement const& how) {
+    if (!how.hasToBe || !old.state) return {};
+    Result<FileStatus> const now = fileStatusInFolder(folder, name);
+    return now.hasValue() && now.value() == old.state ? Result<void>() : refusal(EAGAIN, name);
+}
+
+Result<void> called(std::function<Result<void>(FileDescriptor const&)> const& function, FileDescriptor const& file) {
+    return function ? function(file) : Result<void>();
+}
+
+// Writes the new file completely, without its final name.
+Result<void> fill(NewFile const& file, std::span<std::byte const> bytes, OldFile const& old,
+                  FileReplacement const& how) {
+    Result<void> const written = file.write(bytes);
+    if (!written.isDone()) return written;
+    Result<void> const taken = takeAttributes(file, old, how);
+    return taken.isDone() ? called(how.beforeRenaming, file.file()) : taken;
 }
 
 } // namespace
 
-bool replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes, FileReplacement const& how) {
-    std::optional<Place> const place = finalPlaceOf(path);
-    return place && replaceFileInFolder(place->folder, place->name, bytes, how);
+Result<void> replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes, FileReplacement const& how) {
+    Result<Place> const place = finalPlaceOf(path);
+    if (!place.hasValue()) return place.problem();
+    return replaceFileInFolder(place.value().folder, place.value().name, bytes, how);
 }
 
-bool replaceFileInFolder(FileDescriptor const& folder, std::string const& name, std::span<std::byte const> bytes,
-                         FileReplacement const& how) {
-    FileDescriptor const old(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (!old.isOpen() && errno != ENOENT) return false;
-    std::optional<FileStatus> const state = old.isOpen() ? fileStatusOf(old) : std::nullopt;
-    int const complaint = old.isOpen() && !state ? errno : std::max(complaintAbout(state), contradiction(how, state));
-    if (complaint != 0) {
-        errno = complaint;
-        return false;
-    }
-    bool const isLikeAnother = state || how.newFileIsLike != nullptr;
-    NewFile file(folder, isLikeAnother ? OwnersAlone : how.newFileMode);
-    if (!file.isOpen() || !file.write(bytes) || !takeAttributes(file, old, how)) return false;
-    if (how.beforeRenaming && !how.beforeRenaming(file.file())) return false;
-    // Once more, as late as can be.
-    if (how.hasToBe && state && fileStatusInFolder(folder, name) != state) {
-        errno = EAGAIN;
-        return false;
-    }
-    bool const mustBeFree = how.hasToBe && !state;
-    if (!file.finish(name, mustBeFree ? NewFile::Place::MustBeFree : NewFile::Place::IsTaken)) return false;
-    return !how.afterRenaming || how.afterRenaming(file.file());
+Result<void> replaceFileInFolder(FileDescriptor const& folder, std::string const& name,
+                                 std::span<std::byte const> bytes, FileReplacement const& how) {
+    Result<OldFile> const opened = oldFile(folder, name);
+    if (!opened.hasValue()) return opened.problem();
+    OldFile const& old = opened.value();
+    Result<void> const allowed = mayReplace(old, name, how);
+    if (!allowed.isDone()) return allowed;
+
+    bool const isLikeAnother = old.state || how.newFileIsLike != nullptr;
+    Result<NewFile> made = NewFile::make(folder, isLikeAnother ? OwnersAlone : how.newFileMode);
+    if (!made.hasValue()) return made.problem();
+    NewFile& file = made.value();
+    Result<void> const filled = fill(file, bytes, old, how);
+    if (!filled.isDone()) return filled;
+    Result<void> const unchanged = isUnchanged(folder, name, old, how);
+    if (!unchanged.isDone()) return unchanged;
+
+    bool const mustBeFree = how.hasToBe && !old.state;
+    Result<void> const finished = file.finish(name, mustBeFree ? NewFile::Place::MustBeFree : NewFile::Place::IsTaken);
+    return finished.isDone() ? called(how.afterRenaming, file.file()) : finished;
 }
 
-bool overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes) {
-    std::optional<Place> const place = finalPlaceOf(path);
-    if (!place) return false;
-    FileDescriptor const file(::openat(place->folder.number(), place->name.c_str(),
+Result<void> overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes) {
+    Result<Place> const place = finalPlaceOf(path);
+    if (!place.hasValue()) return place.problem();
+    FileDescriptor const file(::openat(place.value().folder.number(), place.value().name.c_str(),
                                        O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, UsualMode));
-    return file.isOpen() && writeAll(file, bytes);
+    if (!file.isOpen()) return lastSystemError("open", path);
+    return writeAll(file, bytes);
 }
 
 } // namespace mac

@@ -6,34 +6,38 @@
 
 namespace mac {
 
-// All answer false when the file system refuses; errno then says why. A path is its bytes; a symbolic link at its end
-// is followed. For implementations; any thread.
+// Writing whole files. A path is bytes, of any length; a symbolic link at its end is followed. Only regular files are
+// replaced: a folder fails with EISDIR, another kind with EINVAL. Any thread.
 
-// What else is wanted when a file is replaced.
+// What a replacement requires beyond the bytes.
 struct FileReplacement {
-    // Of a file that is not there yet; the umask takes from it.
+    // Permissions of a file that does not exist yet, less the umask.
     unsigned newFileMode{0666};
-    // Such a file has the owner, the group and the rights to read and write of this item instead.
+    // If set, a file that does not exist yet takes its owner, group and read and write permissions from this item.
     FileDescriptor const* newFileIsLike{nullptr};
-    // The file has to be as it was then, or still be missing, else EAGAIN and EEXIST.
+    // If set, the file must still be in `state`, or still be missing if `state` is nullopt; else the replacement fails
+    // with EAGAIN or EEXIST.
     bool hasToBe{false};
     std::optional<FileStatus> state{};
-    // Done to the new file when all is written and before anybody finds it; false gives up.
-    std::function<bool(FileDescriptor const&)> beforeRenaming{};
-    std::function<bool(FileDescriptor const&)> afterRenaming{};
+    // Called with the new file once it is written and before it is renamed; a failure cancels the replacement.
+    std::function<Result<void>(FileDescriptor const&)> beforeRenaming{};
+    // Called with the new file once it has the name; a failure is the answer, but the file stays replaced.
+    std::function<Result<void>(FileDescriptor const&)> afterRenaming{};
 };
 
-// Written beside the file, flushed to the disk and renamed over it: whoever opens the file finds the old or the new
-// bytes whole, also after a crash. The file keeps its permissions, access list and named attributes, and its owner
-// where that is allowed; nobody gets more than he had. A new one gets the permissions of the umask. What is no regular
-// file is left alone.
-bool replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes, FileReplacement const& how = {});
+// Writes a new file beside the old one, flushes it to the disk and renames it over the old one, so that every reader
+// finds the old or the new bytes whole, also after a crash. The file keeps its permissions, access list and extended
+// attributes, and its owner where that is allowed; no user gets more access than before. A new file has the
+// permissions that `how` asks for.
+Result<void> replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes,
+                               FileReplacement const& how = {});
 
-// The same in an open folder, where a symbolic link of the name is not followed but left alone.
-bool replaceFileInFolder(FileDescriptor const& folder, std::string const& name, std::span<std::byte const> bytes,
-                         FileReplacement const& how = {});
+// Replaces the file of a name in an open folder; a symbolic link of that name is not followed but fails with EINVAL.
+Result<void> replaceFileInFolder(FileDescriptor const& folder, std::string const& name,
+                                 std::span<std::byte const> bytes, FileReplacement const& how = {});
 
-// Written in place; what was there is gone even when it fails. Waits for nobody: a pipe without reader is a failure.
-bool overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes);
+// Truncates the file and writes it in place; its old bytes are lost also if that fails. Never blocks: a pipe without
+// reader is a failure.
+Result<void> overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes);
 
 } // namespace mac

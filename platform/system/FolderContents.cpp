@@ -1,7 +1,6 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/TreeDescent.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -20,18 +19,19 @@ struct Item {
     struct stat status {};
 };
 
-std::optional<Item> withStatus(FileDescriptor item) {
-    Item opened{.item = std::move(item)};
-    if (!opened.item.isOpen() || ::fstat(opened.item.number(), &opened.status) != 0) return std::nullopt;
+std::optional<Item> withStatus(Result<FileDescriptor> item) {
+    if (!item.hasValue()) return std::nullopt;
+    Item opened{.item = item.takeValue()};
+    if (::fstat(opened.item.number(), &opened.status) != 0) return std::nullopt;
     return opened;
 }
 
-// The very item, for reading.
+// Opens the very item for reading; not open if that fails.
 FileDescriptor readable(Item const& file) {
     return FileDescriptor(::open(descriptorPath(file.item).c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
 }
 
-// As many bytes as there are, up to a block.
+// Reads as many bytes as there are, up to a block; nullopt if that fails.
 std::optional<std::size_t> readBlock(FileDescriptor const& file, std::vector<char>& block) {
     std::size_t size = 0;
     while (size < block.size()) {
@@ -60,11 +60,12 @@ bool haveEqualBytes(Item const& one, Item const& other) {
 }
 
 bool haveEqualText(Item const& link, Item const& other) {
-    std::optional<std::string> const text = linkText(link.item);
-    return text && linkText(other.item) == text;
+    Result<std::string> const text = linkText(link.item);
+    Result<std::string> const otherText = linkText(other.item);
+    return text.hasValue() && otherText.hasValue() && text.value() == otherText.value();
 }
 
-// Of what is no folder; a folder is equal to nothing else.
+// Compares two items that are not both folders.
 bool haveEqualItems(Item const& one, Item const& other) {
     mode_t const type = one.status.st_mode & S_IFMT;
     if (S_ISDIR(type) || type != (other.status.st_mode & S_IFMT)) return false;
@@ -73,19 +74,19 @@ bool haveEqualItems(Item const& one, Item const& other) {
     return one.status.st_rdev == other.status.st_rdev;
 }
 
-std::optional<std::vector<std::string>> namesIn(FileDescriptor readableFolder) {
-    if (!readableFolder.isOpen()) return std::nullopt;
-    std::optional<std::vector<FolderEntry>> entries = entriesOf(std::move(readableFolder));
-    if (!entries) return std::nullopt;
+Result<std::vector<std::string>> namesIn(Result<FileDescriptor> const& readableFolder) {
+    if (!readableFolder.hasValue()) return readableFolder.problem();
+    Result<std::vector<FolderEntry>> entries = entriesOf(readableFolder.value());
+    if (!entries.hasValue()) return entries.problem();
     std::vector<std::string> names;
-    names.reserve(entries->size());
-    for (FolderEntry& entry : *entries)
+    names.reserve(entries.value().size());
+    for (FolderEntry& entry : entries.value())
         names.push_back(std::move(entry.name));
     std::ranges::sort(names);
     return names;
 }
 
-// Two trees side by side.
+// Traverses two trees side by side.
 class TreeComparison {
 public:
     TreeComparison(FileDescriptor one, FileDescriptor other) : m_one(std::move(one)), m_other(std::move(other)) {}
@@ -106,10 +107,11 @@ private:
     }
 
     bool enter(FileDescriptor folder, FileDescriptor otherFolder) {
-        std::optional<std::vector<std::string>> names = namesIn(readableFolder(folder));
-        if (!names || namesIn(readableFolder(otherFolder)) != names) return false;
-        m_one.enter(std::move(folder), *names);
-        m_other.enter(std::move(otherFolder), std::move(*names));
+        Result<std::vector<std::string>> names = namesInOpenFolder(folder);
+        Result<std::vector<std::string>> otherNames = namesInOpenFolder(otherFolder);
+        if (!names.hasValue() || !otherNames.hasValue() || names.value() != otherNames.value()) return false;
+        m_one.enter(std::move(folder), names.takeValue());
+        m_other.enter(std::move(otherFolder), otherNames.takeValue());
         return true;
     }
 
@@ -119,13 +121,50 @@ private:
 
 } // namespace
 
-std::optional<std::vector<std::string>> namesInFolder(std::string_view path, LinkAtEnd linkAtEnd) {
+Result<std::vector<std::string>> namesInFolder(std::string_view path, LinkAtEnd linkAtEnd) {
     int const links = linkAtEnd == LinkAtEnd::IsFollowed ? 0 : O_NOFOLLOW;
     return namesIn(openPath(path, O_RDONLY | O_DIRECTORY | O_NONBLOCK | links));
 }
 
-std::optional<std::vector<std::string>> namesInOpenFolder(FileDescriptor const& folder) {
+Result<std::vector<std::string>> namesInOpenFolder(FileDescriptor const& folder) {
     return namesIn(readableFolder(folder));
+}
+
+TreeDescent::TreeDescent(FileDescriptor root) : m_root(std::move(root)) {}
+
+Result<FileDescriptor> TreeDescent::item() {
+    if (m_path.empty()) return openBelow(m_root, "");
+    std::string_view const path = m_path;
+    if (!m_folder.isOpen()) {
+        Result<FileDescriptor> folder = openBelow(m_root, path.substr(0, m_folderLength));
+        if (!folder.hasValue()) return folder;
+        m_folder = folder.takeValue();
+    }
+    return openBelow(m_folder, path.substr(m_folderLength));
+}
+
+void TreeDescent::enter(FileDescriptor folder, std::vector<std::string> names) {
+    std::ranges::reverse(names);
+    m_levels.push_back({m_folderLength, std::move(names)});
+    if (!m_path.empty()) m_path += '/';
+    m_folderLength = m_path.size();
+    m_folder = std::move(folder);
+}
+
+bool TreeDescent::next() {
+    while (!m_levels.empty() && m_levels.back().names.empty())
+        leave();
+    m_path.resize(m_folderLength);
+    if (m_levels.empty()) return false;
+    m_path += m_levels.back().names.back();
+    m_levels.back().names.pop_back();
+    return true;
+}
+
+void TreeDescent::leave() {
+    m_folderLength = m_levels.back().aboveLength;
+    m_levels.pop_back();
+    m_folder = FileDescriptor();
 }
 
 bool haveEqualContents(std::string const& path, std::string const& otherPath) {

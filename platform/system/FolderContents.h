@@ -1,26 +1,57 @@
 #pragma once
 
-#include <optional>
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace mac {
 
-class FileDescriptor;
-
 enum class LinkAtEnd { IsFollowed, IsNotFollowed };
 
-// The names in a folder, without "." and "..", sorted by their bytes; nothing
-// for what is no folder that can be read. The path is bytes, of any length. For
-// implementations; any thread.
-std::optional<std::vector<std::string>> namesInFolder(std::string_view path, LinkAtEnd linkAtEnd);
+// The names in a folder, without "." and "..", sorted by their bytes. The path is bytes, of any length. Any thread.
+Result<std::vector<std::string>> namesInFolder(std::string_view path, LinkAtEnd linkAtEnd);
 
-// The same of an open folder, which need not be open for reading.
-std::optional<std::vector<std::string>> namesInOpenFolder(FileDescriptor const& folder);
+// The names in an open folder, which need not be open for reading.
+Result<std::vector<std::string>> namesInOpenFolder(FileDescriptor const& folder);
 
-// Whether both are files of the same bytes, links of the same text or folders
-// of the same contents; links are not followed.
+// A depth-first traversal of a folder tree. Only the root and the folder whose names are being given are open, however
+// deep it lies; a folder above is opened again from the root, without following symbolic links. One thread at a time.
+class TreeDescent {
+public:
+    explicit TreeDescent(FileDescriptor root);
+
+    FileDescriptor const& root() const { return m_root; }
+
+    // The path from the root to the current item; empty for the root, which is the current item before the first next()
+    // and after the last.
+    std::string const& path() const { return m_path; }
+    // Opens that item with O_PATH; a symbolic link is not followed.
+    Result<FileDescriptor> item();
+
+    // Enters the current item, given as it was opened: the names in it are given next, in this order.
+    void enter(FileDescriptor folder, std::vector<std::string> names);
+    // Goes to the next item; false when all have been given.
+    bool next();
+
+private:
+    struct Level {
+        std::size_t aboveLength;        // of the path to the folder above
+        std::vector<std::string> names; // not given yet, the next one last
+    };
+
+    void leave();
+
+    FileDescriptor m_root; // stays open, so it is found wherever it is moved to
+    FileDescriptor m_folder{};
+    std::vector<Level> m_levels{};
+    std::string m_path{};
+    std::size_t m_folderLength{0}; // of the path to the folder, with its slash
+};
+
+// Whether both are files of the same bytes, symbolic links of the same text or folders of the same contents; links are
+// not followed. False if either cannot be read.
 bool haveEqualContents(std::string const& path, std::string const& otherPath);
 
 } // namespace mac

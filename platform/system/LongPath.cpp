@@ -1,12 +1,12 @@
 #include "platform/system/LongPath.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/OpenItems.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
-#include <string>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace mac {
@@ -17,33 +17,33 @@ namespace {
 constexpr std::size_t kLongestPiece = PATH_MAX - 1;
 constexpr std::size_t kReadSize = std::size_t{128} << 10;
 
-// A folder, none for the current one, and the path from there, which is short enough for the system.
+// A path short enough for the system, from an open folder or, if that is closed, from the current one.
 struct ShortPath {
     FileDescriptor folder{};
     std::string path{};
-    bool isValid{false};
 
     int folderNumber() const { return folder.isOpen() ? folder.number() : AT_FDCWD; }
 };
 
-ShortPath shortened(std::string_view path) {
+SystemError tooLong(std::string_view path) {
+    return {.code = ENAMETOOLONG, .operation = "open", .item = std::string(path)};
+}
+
+Result<ShortPath> shortened(std::string_view path) {
+    std::string_view const whole = path;
     ShortPath result;
     while (path.size() > kLongestPiece) {
         std::size_t const slash = path.rfind('/', kLongestPiece - 1);
-        if (slash == std::string_view::npos) {
-            errno = ENAMETOOLONG;
-            return result;
-        }
+        if (slash == std::string_view::npos) return tooLong(whole);
         std::string const piece(path.substr(0, slash + 1));
         result.folder =
             FileDescriptor(::openat(result.folderNumber(), piece.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        if (!result.folder.isOpen()) return result;
+        if (!result.folder.isOpen()) return lastSystemError("open", std::string(whole));
         // More slashes would make the rest absolute.
         path.remove_prefix(std::min(path.find_first_not_of('/', slash), path.size()));
         if (path.empty()) path = ".";
     }
     result.path = path;
-    result.isValid = true;
     return result;
 }
 
@@ -61,12 +61,44 @@ FileStatus statusOf(struct stat const& status) {
     return result;
 }
 
-Failure systemFailure() { return {std::generic_category().message(errno)}; }
+SystemError notReadable(FileStatus::Kind kind, std::string_view path) {
+    int code = EFBIG;
+    if (kind == FileStatus::Kind::Folder) code = EISDIR;
+    if (kind == FileStatus::Kind::Other) code = EINVAL;
+    return {.code = code, .operation = "read", .item = std::string(path)};
+}
 
-Failure complaintAbout(FileStatus const& status) {
-    if (status.kind == FileStatus::Kind::Folder) return {"It is a folder"};
-    if (status.kind == FileStatus::Kind::Other) return {"It is no regular file"};
-    return {"It is too large"};
+Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes, std::string_view path) {
+    struct stat status {};
+    if (::fstat(file.number(), &status) != 0) return lastSystemError("stat", std::string(path));
+    FileContents contents{{}, statusOf(status)};
+    if (contents.status.kind != FileStatus::Kind::File) return notReadable(contents.status.kind, path);
+
+    // Until its end, whatever size it claims to have.
+    std::array<std::byte, kReadSize> buffer;
+    for (;;) {
+        ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return lastSystemError("read", std::string(path));
+        if (count == 0) return contents;
+        if (contents.bytes.size() + static_cast<std::size_t>(count) > mostBytes)
+            return notReadable(contents.status.kind, path);
+        contents.bytes.insert(contents.bytes.end(), buffer.begin(), buffer.begin() + count);
+    }
+}
+
+// The components of a path, the first one last, so that those of a link are put in front.
+void pushComponents(std::vector<std::string>& components, BytePath path) {
+    for (; !path.leaf().empty(); path = path.parent()) {
+        if (path.leaf() != ".") components.emplace_back(path.leaf());
+    }
+}
+
+// Empty for an item that is no symbolic link, or missing.
+std::string linkTarget(std::string const& path) {
+    BytePath const item(path);
+    Result<FileDescriptor> const folder = openPath(item.parent(), O_PATH | O_DIRECTORY);
+    return folder.hasValue() ? linkTextIn(folder.value(), std::string(item.leaf())).valueOr("") : std::string();
 }
 
 } // namespace
@@ -75,56 +107,75 @@ FileDescriptor::~FileDescriptor() {
     if (isOpen()) ::close(m_number);
 }
 
-std::optional<FileStatus> fileStatusAtPath(std::string_view path) {
-    ShortPath const place = shortened(path);
+Result<FileStatus> fileStatusAtPath(std::string_view path) {
+    Result<ShortPath> const place = shortened(path);
+    if (!place.hasValue()) return place.problem();
     struct stat status {};
-    if (!place.isValid || ::fstatat(place.folderNumber(), place.path.c_str(), &status, 0) != 0) return std::nullopt;
+    if (::fstatat(place.value().folderNumber(), place.value().path.c_str(), &status, 0) != 0)
+        return lastSystemError("stat", std::string(path));
     return statusOf(status);
 }
 
-std::optional<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name) {
+Result<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name) {
     struct stat status {};
-    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
+    if (::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        return lastSystemError("stat", name);
     return statusOf(status);
 }
 
-std::optional<FileStatus> fileStatusOf(FileDescriptor const& file) {
+Result<FileStatus> fileStatusOf(FileDescriptor const& file) {
     struct stat status {};
-    return ::fstat(file.number(), &status) == 0 ? std::optional(statusOf(status)) : std::nullopt;
+    if (::fstat(file.number(), &status) != 0) return lastSystemError("stat");
+    return statusOf(status);
 }
 
-FileDescriptor openPath(std::string_view path, int flags) {
-    ShortPath const place = shortened(path);
-    if (!place.isValid) return {};
-    return FileDescriptor(::openat(place.folderNumber(), place.path.c_str(), flags | O_CLOEXEC));
+std::string resolvedPath(std::string const& path) {
+    std::vector<std::string> components;
+    pushComponents(components, path);
+    std::string resolved = "/";
+    unsigned links = 0;
+    while (!components.empty()) {
+        std::string const component = std::move(components.back());
+        components.pop_back();
+        if (component == "..") {
+            resolved.resize(BytePath(resolved).parent().size());
+            continue;
+        }
+        std::size_t const folderLength = resolved.size();
+        appendComponent(resolved, component);
+        std::string const target = linkTarget(resolved);
+        if (target.empty()) continue;
+        if (++links > MostLinksInPath) return path;
+        resolved.resize(target.starts_with('/') ? 1 : folderLength);
+        pushComponents(components, target);
+    }
+    return resolved;
 }
 
-Result<FileContents, Failure> readFileAtPath(std::string_view path, std::size_t mostBytes) {
-    std::optional<FileStatus> const expected = fileStatusAtPath(path);
-    if (!expected) return systemFailure();
-    if (expected->kind != FileStatus::Kind::File || expected->size > mostBytes) return complaintAbout(*expected);
+bool pathExists(std::string const& path) { return fileStatusAtPath(path).hasValue(); }
+
+Result<FileDescriptor> openPath(std::string_view path, int flags) {
+    Result<ShortPath> const place = shortened(path);
+    if (!place.hasValue()) return place.problem();
+    FileDescriptor file(::openat(place.value().folderNumber(), place.value().path.c_str(), flags | O_CLOEXEC));
+    if (!file.isOpen()) return lastSystemError("open", std::string(path));
+    return file;
+}
+
+Result<FileContents> readFileAtPath(std::string_view path, std::size_t mostBytes) {
+    Result<FileStatus> const expected = fileStatusAtPath(path);
+    if (!expected.hasValue()) return expected.problem();
+    if (expected.value().kind != FileStatus::Kind::File || expected.value().size > mostBytes)
+        return notReadable(expected.value().kind, path);
 
     // Another file may have taken the place meanwhile.
-    FileDescriptor const file = openPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-    return file.isOpen() ? readOpenFile(file, mostBytes) : systemFailure();
+    Result<FileDescriptor> const file = openPath(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (!file.hasValue()) return file.problem();
+    return readOpen(file.value(), mostBytes, path);
 }
 
-Result<FileContents, Failure> readOpenFile(FileDescriptor const& file, std::size_t mostBytes) {
-    struct stat status {};
-    if (::fstat(file.number(), &status) != 0) return systemFailure();
-    FileContents contents{{}, statusOf(status)};
-    if (contents.status.kind != FileStatus::Kind::File) return complaintAbout(contents.status);
-
-    // Until its end, whatever size it claims to have.
-    std::array<std::byte, kReadSize> buffer;
-    for (;;) {
-        ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return systemFailure();
-        if (count == 0) return contents;
-        if (contents.bytes.size() + static_cast<std::size_t>(count) > mostBytes) return Failure{"It is too large"};
-        contents.bytes.insert(contents.bytes.end(), buffer.begin(), buffer.begin() + count);
-    }
+Result<FileContents> readOpenFile(FileDescriptor const& file, std::size_t mostBytes) {
+    return readOpen(file, mostBytes, {});
 }
 
 } // namespace mac

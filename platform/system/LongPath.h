@@ -11,17 +11,19 @@
 
 namespace mac {
 
-// Files by paths of any length: what is too long for one call to the system is walked piece by piece. Paths are the
-// file system's bytes, without NUL; relative ones start at the current folder; links are followed. Any thread.
+// Files by paths of any length: a path longer than the system's limit is opened folder by folder. Paths are the file
+// system's bytes, without NUL; relative ones start at the current folder; symbolic links are followed. Errors name the
+// path. Any thread.
 
-// What the system tells of a file. Two that are equal tell of the same state of the same file, as far as its clock
-// tells.
+// The state of a file. Two equal ones describe the same state of the same file, to the precision of the file system's
+// clock.
 struct FileStatus {
     enum class Kind { File, Folder, Other };
 
     Kind kind{Kind::Other};
     std::uint64_t device{0};
     std::uint64_t inode{0};
+    // In bytes.
     std::uint64_t size{0};
     // Nanoseconds since 1970.
     std::int64_t modified{0};
@@ -30,15 +32,23 @@ struct FileStatus {
     bool operator==(FileStatus const&) const = default;
 };
 
-// Nothing when it cannot be had; errno says why.
-std::optional<FileStatus> fileStatusAtPath(std::string_view path);
+Result<FileStatus> fileStatusAtPath(std::string_view path);
+// The status of a name in an open folder; a symbolic link is not followed.
+Result<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name);
+Result<FileStatus> fileStatusOf(FileDescriptor const& file);
 
-// The same of a name in an open folder, and of an open file; a link is meant itself.
-std::optional<FileStatus> fileStatusInFolder(FileDescriptor const& folder, std::string const& name);
-std::optional<FileStatus> fileStatusOf(FileDescriptor const& file);
+// How many symbolic links the kernel follows in one path.
+inline constexpr unsigned MostLinksInPath = 40;
 
-// The flags are open's; the descriptor is closed on exec. None when it fails; errno says why.
-FileDescriptor openPath(std::string_view path, int flags);
+// The absolute path (bytes) with its symbolic links followed as far as they exist, and its ".." resolved after them.
+// Components that do not exist stay as they are; the path is returned unchanged if its links form a cycle.
+std::string resolvedPath(std::string const& path);
+
+// Whether the path leads to an item; symbolic links are followed.
+bool pathExists(std::string const& path);
+
+// Takes the flags of the system's open; O_CLOEXEC is always set. The descriptor is open if there is a value.
+Result<FileDescriptor> openPath(std::string_view path, int flags);
 
 // A file's contents and the state they were read in.
 struct FileContents {
@@ -46,10 +56,10 @@ struct FileContents {
     FileStatus status;
 };
 
-// A regular file of at most so many bytes, whole. Other files are not opened: to open one can wait for ever, or do
-// things.
-Result<FileContents, Failure> readFileAtPath(std::string_view path, std::size_t mostBytes);
-// The same of a file open for reading, from where it stands.
-Result<FileContents, Failure> readOpenFile(FileDescriptor const& file, std::size_t mostBytes);
+// Reads a regular file of at most so many bytes whole. A larger file fails with EFBIG, a folder with EISDIR, another
+// kind of file with EINVAL: it is not opened, since that may block or have side effects.
+Result<FileContents> readFileAtPath(std::string_view path, std::size_t mostBytes);
+// Reads a file that is open for reading, from its current position.
+Result<FileContents> readOpenFile(FileDescriptor const& file, std::size_t mostBytes);
 
 } // namespace mac

@@ -1,45 +1,53 @@
 #pragma once
 
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
 #include <cstddef>
-#include <optional>
 #include <span>
 #include <string>
 
 namespace mac {
 
-// It begins with a dot. Nothing where the system has no chance to give.
-std::optional<std::string> unguessableName();
+// A random name of 33 bytes that begins with a dot. Fails if the system has no random numbers.
+Result<std::string> unguessableName();
 
-// A file under a name that nobody guesses, which is to take the place of another one in its folder; removed again
-// unless it did. For implementations; one thread at a time. False where the system refuses; errno then says why.
+// A file under an unguessable name, made to replace another one in its folder. The destructor removes it unless it got
+// its final name. Movable; one thread at a time.
 class NewFile {
 public:
-    // The folder stays open longer. Nobody else may read the file unless the mode says so; the umask takes from it.
-    NewFile(FileDescriptor const& folder, unsigned mode);
-    ~NewFile();
+    // REQUIRES: the folder stays open and in place longer than the file. The mode holds the permissions, less the
+    // umask.
+    static Result<NewFile> make(FileDescriptor const& folder, unsigned mode);
+
+    NewFile(NewFile&&) noexcept = default;
+    NewFile& operator=(NewFile&&) = delete;
     NewFile(NewFile const&) = delete;
     NewFile& operator=(NewFile const&) = delete;
+    ~NewFile();
 
-    bool isOpen() const { return m_file.isOpen(); }
     FileDescriptor const& file() const { return m_file; }
 
-    bool write(std::span<std::byte const> bytes) const;
-    // Named attributes and access list of an open file, as far as we may write them.
-    bool copyAttributesOf(FileDescriptor const& old) const;
-    // Owner, group, and of the item's permissions those in the mask. Where the system does not let us give it away, it
-    // stays ours, nobody gets to run it in our name, and our group gets no more than everybody has.
-    bool takeAfter(FileDescriptor const& item, unsigned permissionMask) const;
+    // Appends all of the bytes.
+    Result<void> write(std::span<std::byte const> bytes) const;
+    // Copies the extended attributes and the access list of an open file, as far as this user may write them.
+    Result<void> copyAttributesOf(FileDescriptor const& old) const;
+    // Takes owner, group and those permissions of the item that are in the mask. Where this user may not change the
+    // owner, the file stays its own, without set-user-ID, and a group that cannot be taken gets no more permissions
+    // than others.
+    Result<void> takeAfter(FileDescriptor const& item, unsigned permissionMask) const;
 
     enum class Place { IsTaken, MustBeFree };
-    // On the disk, and renamed. The file stays open.
-    bool finish(std::string const& name, Place place);
+    // Flushes the file to the disk and renames it. The file stays open.
+    Result<void> finish(std::string const& name, Place place);
 
 private:
-    FileDescriptor const& m_folder;
-    std::string m_name{};
-    FileDescriptor m_file{};
-    bool m_isDone{false};
+    NewFile(FileDescriptor const& folder, std::string name, FileDescriptor file);
+    Result<void> takeName(std::string const& name, Place place) const;
+
+    FileDescriptor const* m_folder;
+    std::string m_name;
+    FileDescriptor m_file;
+    bool m_hasFinalName{false};
 };
 
 } // namespace mac

@@ -4,22 +4,19 @@
 #include <climits>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <unistd.h>
 
 namespace mac {
 
 namespace {
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { ::closedir(folder); }
-};
+constexpr std::size_t BlockSize = std::size_t{32} << 10;
 
-std::optional<std::string> textOfLink(int folder, char const* name) {
+Result<std::string> textOfLink(int folder, char const* name) {
     for (std::size_t size = PATH_MAX;; size *= 2) {
         std::string text(size, '\0');
         ssize_t const length = ::readlinkat(folder, name, text.data(), text.size());
-        if (length < 0) return std::nullopt;
+        if (length < 0) return lastSystemError("readlink", name);
         // A buffer that is full may hold a part of it.
         if (static_cast<std::size_t>(length) == size) continue;
         text.resize(static_cast<std::size_t>(length));
@@ -31,63 +28,72 @@ std::optional<std::string> textOfLink(int folder, char const* name) {
 
 std::string descriptorPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
 
-std::optional<std::string> systemsPath(FileDescriptor const& item) {
-    std::optional<std::string> path = textOfLink(AT_FDCWD, descriptorPath(item).c_str());
-    if (!path || path->starts_with('/')) return path;
-    errno = ENOENT;
-    return std::nullopt;
+Result<std::string> systemsPath(FileDescriptor const& item) {
+    Result<std::string> path = textOfLink(AT_FDCWD, descriptorPath(item).c_str());
+    if (!path.hasValue() || path.value().starts_with('/')) return path;
+    return SystemError{.code = ENOENT, .operation = "readlink", .item = path.takeValue()};
 }
 
-std::optional<std::string> linkText(FileDescriptor const& link) { return textOfLink(link.number(), ""); }
+Result<std::string> linkText(FileDescriptor const& link) { return textOfLink(link.number(), ""); }
 
-std::optional<std::string> linkTextIn(FileDescriptor const& folder, std::string const& name) {
+Result<std::string> linkTextIn(FileDescriptor const& folder, std::string const& name) {
     return textOfLink(folder.number(), name.c_str());
 }
 
-FileDescriptor openBelow(FileDescriptor const& folder, std::string_view relativePath) {
+Result<FileDescriptor> openBelow(FileDescriptor const& folder, std::string_view relativePath) {
     constexpr int flags = O_PATH | O_NOFOLLOW | O_CLOEXEC;
     FileDescriptor item(::openat(folder.number(), ".", flags));
-    while (item.isOpen() && !relativePath.empty()) {
+    if (!item.isOpen()) return lastSystemError("open", ".");
+    while (!relativePath.empty()) {
         std::size_t const length = std::min(relativePath.find('/'), relativePath.size());
         std::string const name(relativePath.substr(0, length));
         relativePath.remove_prefix(std::min(length + 1, relativePath.size()));
-        if (!name.empty()) item = FileDescriptor(::openat(item.number(), name.c_str(), flags));
+        if (name.empty()) continue;
+        item = FileDescriptor(::openat(item.number(), name.c_str(), flags));
+        if (!item.isOpen()) return lastSystemError("open", name);
     }
     return item;
 }
 
-FileDescriptor readableFolder(FileDescriptor const& folder) {
-    return FileDescriptor(::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+Result<FileDescriptor> readableFolder(FileDescriptor const& folder) {
+    FileDescriptor readable(::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    if (!readable.isOpen()) return lastSystemError("open", ".");
+    return readable;
 }
 
-bool flushFolder(FileDescriptor const& folder) {
-    FileDescriptor const readable = readableFolder(folder);
-    if (!readable.isOpen() || ::fsync(readable.number()) == 0) return true;
-    return errno == EINVAL || errno == EROFS || errno == EOPNOTSUPP || errno == ENOSYS;
+Result<void> flushFolder(FileDescriptor const& folder) {
+    Result<FileDescriptor> const readable = readableFolder(folder);
+    if (!readable.hasValue() || ::fsync(readable.value().number()) == 0) return {};
+    SystemError error = lastSystemError("fsync", ".");
+    bool const cannotFlush = error.is(EINVAL) || error.is(EROFS) || error.is(EOPNOTSUPP) || error.is(ENOSYS);
+    return cannotFlush ? Result<void>() : error;
 }
 
-bool writeAll(FileDescriptor const& file, std::span<std::byte const> bytes) {
+Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> bytes) {
     while (!bytes.empty()) {
         ssize_t const count = ::write(file.number(), bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return false;
+        if (count < 0) return lastSystemError("write");
         bytes = bytes.subspan(static_cast<std::size_t>(count));
     }
-    return true;
+    return {};
 }
 
-std::optional<std::vector<FolderEntry>> entriesOf(FileDescriptor folder) {
-    std::unique_ptr<DIR, CloseFolder> const entries(::fdopendir(folder.number()));
-    if (!entries) return std::nullopt;
-    // What lists the folder closes it.
-    folder.release();
+Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder) {
     std::vector<FolderEntry> result;
-    errno = 0;
-    while (dirent const* const entry = ::readdir(entries.get())) {
-        std::string name = entry->d_name;
-        if (name != "." && name != "..") result.push_back({std::move(name), entry->d_ino});
+    std::vector<char> block(BlockSize);
+    for (;;) {
+        ssize_t const count = ::getdents64(folder.number(), block.data(), block.size());
+        // A folder that was removed while open has no entries.
+        if (count == 0 || (count < 0 && errno == ENOENT)) return result;
+        if (count < 0) return lastSystemError("getdents");
+        for (std::size_t position = 0; position < static_cast<std::size_t>(count);) {
+            auto const& entry = *reinterpret_cast<dirent64 const*>(block.data() + position);
+            position += entry.d_reclen;
+            std::string name = entry.d_name;
+            if (name != "." && name != "..") result.push_back({std::move(name), entry.d_ino});
+        }
     }
-    return errno == 0 ? std::optional(std::move(result)) : std::nullopt;
 }
 
 SplitPath splitPath(std::string_view path) {

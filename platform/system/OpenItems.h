@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,43 +11,44 @@
 
 namespace mac {
 
-// What is asked of items by their descriptors rather than their paths, so that nothing else can take their place
-// meanwhile. For implementations; any thread. Where there is no answer errno says why.
+// Operations on items by their descriptors rather than their paths, so that no other item can take their place
+// meanwhile. Any thread.
 
-// A path that leads to this very item, also where its own is too long for the system.
+// A path that leads to this very item, also where its own path is too long for the system.
 std::string descriptorPath(FileDescriptor const& item);
 
-// The path that the system has for the item. It says " (deleted)" behind one that is gone, but a name may end so, and
-// it says nothing when the path is too long for it.
-std::optional<std::string> systemsPath(FileDescriptor const& item);
+// The path that the system knows for the item. The system appends " (deleted)" if the item is gone, but a name may end
+// so. Fails if the path is longer than the system reports.
+Result<std::string> systemsPath(FileDescriptor const& item);
 
-// The text of a symbolic link that was opened itself, or of one in an open folder.
-std::optional<std::string> linkText(FileDescriptor const& link);
-std::optional<std::string> linkTextIn(FileDescriptor const& folder, std::string const& name);
+// The text of a symbolic link that was opened itself.
+Result<std::string> linkText(FileDescriptor const& link);
+// The text of a symbolic link in an open folder; fails with EINVAL if the name is that of another kind of item.
+Result<std::string> linkTextIn(FileDescriptor const& folder, std::string const& name);
 
-// What lies there below the folder, without following a link on the way or at its end; the folder itself for an empty
-// path. It names the item and does not read it. The path may be of any length.
-FileDescriptor openBelow(FileDescriptor const& folder, std::string_view relativePath);
-// The open folder for reading.
-FileDescriptor readableFolder(FileDescriptor const& folder);
+// Opens an item below the folder with O_PATH, without following a symbolic link on the way or at its end; the folder
+// itself for an empty path. The path may be of any length.
+Result<FileDescriptor> openBelow(FileDescriptor const& folder, std::string_view relativePath);
+// Opens the folder again, for reading.
+Result<FileDescriptor> readableFolder(FileDescriptor const& folder);
 
-// The names in the folder are on the disk, as far as the system can see to it; true also where it cannot flush folders.
-bool flushFolder(FileDescriptor const& folder);
+// Flushes the names in the folder to the disk. Also done where the file system or the permissions allow no flushing.
+Result<void> flushFolder(FileDescriptor const& folder);
 
-// All of the bytes, from where the file stands.
-bool writeAll(FileDescriptor const& file, std::span<std::byte const> bytes);
+// Writes all of the bytes at the file's current position.
+Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> bytes);
 
 struct FolderEntry {
     std::string name;
     std::uint64_t inode;
 };
-// What is in a folder that is open for reading, without "." and "..", in the folder's order.
-std::optional<std::vector<FolderEntry>> entriesOf(FileDescriptor folder);
+// The entries of a folder that is open for reading, without "." and "..", in the folder's order.
+Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder);
 
 // "a/b/c" is "a/b/" and "c".
 struct SplitPath {
-    std::string folder; // with the slash; empty where the path has none
-    std::string name;   // empty behind a slash at the end
+    std::string folder; // with the slash; empty if the path has none
+    std::string name;   // empty after a slash at the end
 };
 SplitPath splitPath(std::string_view path);
 

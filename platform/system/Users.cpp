@@ -1,9 +1,9 @@
 #include "platform/system/Users.h"
+#include "platform/system/BytePath.h"
 #include <cerrno>
 #include <cstdlib>
 #include <grp.h>
 #include <pwd.h>
-#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -44,12 +44,9 @@ std::optional<UserRecord> ownRecord() {
     return answerOf<passwd>([](auto... arguments) { return ::getpwuid_r(::geteuid(), arguments...); }, &copied);
 }
 
-bool isAbsolute(std::string_view path) { return path.starts_with('/'); }
-
-std::string withoutTrailingSlashes(std::string path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.pop_back();
-    return path;
+// Without slashes at its end; nullopt for a path that is not absolute.
+std::optional<std::string> absolutePath(BytePath path) {
+    return path.isAbsolute() ? std::optional(std::string(path.bytes())) : std::nullopt;
 }
 
 } // namespace
@@ -77,15 +74,15 @@ std::optional<unsigned> numberOfGroup(std::string const& name) {
 std::optional<std::string> homeFolderOfUser(std::string const& name) {
     std::optional<UserRecord> const record =
         answerOf<passwd>([&](auto... arguments) { return ::getpwnam_r(name.c_str(), arguments...); }, &copied);
-    if (!record || !isAbsolute(record->home)) return std::nullopt;
-    return withoutTrailingSlashes(record->home);
+    return record ? absolutePath(record->home) : std::nullopt;
 }
 
 std::string ownHomeFolder() {
     char const* const variable = std::getenv("HOME");
-    if (variable && isAbsolute(variable)) return withoutTrailingSlashes(variable);
+    std::optional<std::string> home = variable ? absolutePath(variable) : std::nullopt;
+    if (home) return *home;
     std::optional<UserRecord> const record = ownRecord();
-    return record && isAbsolute(record->home) ? withoutTrailingSlashes(record->home) : "/";
+    return record ? absolutePath(record->home).value_or("/") : "/";
 }
 
 std::string ownUserName() {

@@ -47,7 +47,7 @@ std::string baseFolder(char const* variable, std::string_view usual) {
 }
 
 std::string listOfFolders() {
-    Result<FileContents, Failure> const file = readFileAtPath(configHome() + "/user-dirs.dirs", LongestList);
+    Result<FileContents> const file = readFileAtPath(configHome() + "/user-dirs.dirs", LongestList);
     if (!file.hasValue()) return {};
     std::vector<std::byte> const& bytes = file.value().bytes;
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
@@ -96,5 +96,7 @@ std::vector<std::string> listInEnvironment(char const* variable, std::string_vie
     }
     return parts;
 }
+
+std::vector<std::string> localComputerFolders() { return listInEnvironment("FRAMEKEEPER_LOCAL_COMPUTER", ""); }
 
 } // namespace mac

@@ -25,4 +25,8 @@ std::optional<std::string> folderInList(std::string_view list, std::string_view 
 // set. For implementations.
 std::vector<std::string> listInEnvironment(char const* variable, std::string_view fallback);
 
+// The folders that stand for the local computer, in the environment's FRAMEKEEPER_LOCAL_COMPUTER with colons between
+// them, so that the demo and the tests narrow it; empty if it stands for itself.
+std::vector<std::string> localComputerFolders();
+
 } // namespace mac

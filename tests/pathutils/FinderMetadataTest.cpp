@@ -9,6 +9,7 @@
 #include "scripting/FileReferences.h"
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/support/Environment.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>

@@ -229,6 +229,9 @@ PLANTED = [
     ("rules", [after("CONTRIBUTING.md", 1, f"See {WORK}.\n")], "CONTRIBUTING.md:2: ", "developer"),
     ("rules", [after("run", 1, "cd /" + "home/ann/code\n")], "run:2: ", "developer"),
     ("rules", [after("app/ItemActions.cpp", 3, "// " + "-" * 20 + "\n")], "app/ItemActions.cpp:4: ", "ruler"),
+    ("rules", [after("platform/foundation/NSString.h", 4, "// False if it fails; errno says why.\n")], "platform/foundation/NSString.h:5: ", "Result"),
+    ("rules", [after("platform/foundation/NSString.cpp", 3, "int fail() { errno = 2; return -1; }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
+    ("rules", [after("platform/foundation/NSString.cpp", 3, "void clear() { std::exchange(errno, 0); }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
     ("rules", [replace("app/AppController.h", "#pragma once\n", "")], "app/AppController.h:1: ", "#pragma once"),
     ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:407: ", "split"),
     # documents

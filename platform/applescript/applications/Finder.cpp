@@ -9,7 +9,6 @@
 #include "platform/foundation/Encodings.h"
 #include <algorithm>
 #include <array>
-#include <cerrno>
 
 namespace mac::applescript {
 
@@ -202,7 +201,7 @@ std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
     // The Finder's own elements are what lies on the desktop.
     if (found.front()->type() == codeOf("capp")) {
         std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
-        if (!desktop) throw fileError(ENOENT, Value::text(shownName(desktopPath())));
+        if (!desktop) throw cannotGet(Value::text(shownName(desktopPath())));
         return desktop;
     }
     if (!isItem(*found.front())) throw plainError(CannotPutThere);

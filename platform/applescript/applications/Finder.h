@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/FinderItem.h"
-#include "platform/files/ItemTransfer.h"
+#include "platform/files/ReplacingTransfer.h"
 
 // The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
 // desktop's file browser's.

@@ -1,17 +1,18 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/Coercion.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/TextComparison.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <fcntl.h>
 #include <linux/stat.h>
 #include <sys/stat.h>
@@ -40,10 +41,10 @@ std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
 }
 
 std::optional<ItemFacts> factsOf(FileDescriptor const& folder, std::string const& name) {
-    std::optional<IdentifiedItem> const identified = identify(folder, name);
+    Result<IdentifiedItem> const identified = identify(folder, name);
     std::optional<ItemFacts> facts = factsOf(folder.number(), name.c_str(), 0);
-    if (!identified || !facts) return {};
-    facts->identity = identified->identity;
+    if (!identified.hasValue() || !facts) return {};
+    facts->identity = identified.value().identity;
     return facts;
 }
 
@@ -59,10 +60,7 @@ bool isDisk(std::string const& path) {
         mountedVolumes(), [&](MountedVolume const& volume) { return volume.isBrowsable && volume.mountPoint == path; });
 }
 
-FileDescriptor openFolder(std::string const& path) {
-    FileDescriptor folder = openPath(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    return folder;
-}
+Result<FileDescriptor> openFolder(std::string const& path) { return openPath(path, O_RDONLY | O_DIRECTORY); }
 
 // The names in the order of a list by name; what begins with a dot does not show.
 std::vector<std::string> shownNames(std::vector<std::string> all) {
@@ -89,18 +87,19 @@ std::vector<std::string> shownNames(std::vector<std::string> all) {
 std::shared_ptr<FinderItem> FinderItem::atPath(std::string const& path) {
     std::optional<std::string> const direct = directPath(path);
     if (!direct) return nullptr;
-    if (*direct != "/") return inFolder(parentOf(*direct), lastName(*direct), Value());
-    FileDescriptor const root = openFolder("/");
-    std::optional<ItemFacts> const facts = factsOf(root, ".");
+    if (*direct != "/")
+        return inFolder(std::string(BytePath(*direct).parent()), std::string(BytePath(*direct).leaf()), Value());
+    Result<FileDescriptor> const root = openFolder("/");
+    std::optional<ItemFacts> const facts = root.hasValue() ? factsOf(root.value(), ".") : std::nullopt;
     return facts ? std::make_shared<FinderItem>("/", *facts, codeOf("cdis"), Value()) : nullptr;
 }
 
 std::shared_ptr<FinderItem> FinderItem::inFolder(std::string const& folderPath, std::string const& name,
                                                  Value const& folder) {
-    FileDescriptor const parent = openPath(folderPath, O_PATH | O_DIRECTORY | O_CLOEXEC);
-    std::optional<ItemFacts> const facts = parent.isOpen() ? factsOf(parent, name) : std::nullopt;
+    Result<FileDescriptor> const parent = openPath(folderPath, O_PATH | O_DIRECTORY);
+    std::optional<ItemFacts> const facts = parent.hasValue() ? factsOf(parent.value(), name) : std::nullopt;
     if (!facts) return nullptr;
-    std::string path = joined(folderPath, name);
+    std::string path = BytePath(folderPath).joined(name);
     Code const type = S_ISDIR(facts->mode) && isDisk(path) ? codeOf("cdis") : typeOf(name, facts->mode);
     return std::make_shared<FinderItem>(std::move(path), *facts, type, folder);
 }
@@ -123,15 +122,17 @@ bool FinderItem::isOfType(Code sought) const {
 
 Value FinderItem::specifier() const {
     if (m_type == codeOf("cdis")) return folderSpecifier(m_path);
-    return itemSpecifier(m_type, lastName(m_path), m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder);
+    return itemSpecifier(m_type, BytePath(m_path).leaf(),
+                         m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder);
 }
 
 OpenItem FinderItem::open() const {
-    std::optional<OpenItem> item = openItemAtPath(m_path, false);
-    std::optional<IdentifiedItem> const found = item ? identify(item->item) : std::nullopt;
-    if (!found) throw fileError(errno == 0 ? ENOENT : errno, specifier());
-    if (!(found->identity == m_facts.identity)) throw fileError(ENOENT, specifier());
-    return *std::move(item);
+    Result<OpenItem> item = openItemAtPath(m_path, LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) throw fileError(item.problem(), specifier());
+    Result<IdentifiedItem> const found = identify(item.value().item);
+    if (!found.hasValue()) throw fileError(found.problem(), specifier());
+    if (!(found.value().identity == m_facts.identity)) throw cannotGet(specifier());
+    return item.takeValue();
 }
 
 std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) {
@@ -139,19 +140,19 @@ std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) 
         std::to_array<Code>({codeOf("cobj"), codeOf("ctnr"), codeOf("cfol"), codeOf("file"), codeOf("docf"),
                              codeOf("appf"), codeOf("alia"), codeOf("pack"), codeOf("cdis")});
     if (!isFolder() || std::ranges::find(types, elementType) == types.end()) return {};
-    FileDescriptor const folder = openFolder(m_path);
-    if (!folder.isOpen()) throw fileError(errno, specifier());
-    std::optional<IdentifiedItem> const found = identify(folder);
-    if (!found || !(found->identity == m_facts.identity)) throw fileError(ENOENT, specifier());
-    std::optional<std::vector<std::string>> names = namesInOpenFolder(folder);
-    if (!names) throw fileError(errno, specifier());
+    Result<FileDescriptor> const folder = openFolder(m_path);
+    if (!folder.hasValue()) throw fileError(folder.problem(), specifier());
+    Result<IdentifiedItem> const found = identify(folder.value());
+    if (!found.hasValue() || !(found.value().identity == m_facts.identity)) throw cannotGet(specifier());
+    Result<std::vector<std::string>> names = namesInOpenFolder(folder.value());
+    if (!names.hasValue()) throw fileError(names.problem(), specifier());
     Value const self = specifier();
     std::vector<ModelPointer> elements;
-    for (std::string const& name : shownNames(std::move(*names))) {
-        std::optional<ItemFacts> const facts = factsOf(folder, name);
+    for (std::string const& name : shownNames(names.takeValue())) {
+        std::optional<ItemFacts> const facts = factsOf(folder.value(), name);
         if (!facts) continue;
         Code const type = typeOf(name, facts->mode);
-        ModelPointer const element = std::make_shared<FinderItem>(joined(m_path, name), *facts, type, self);
+        ModelPointer const element = std::make_shared<FinderItem>(BytePath(m_path).joined(name), *facts, type, self);
         if (element->isOfType(elementType)) elements.push_back(element);
     }
     return elements;
@@ -186,42 +187,6 @@ std::optional<Value> FinderItem::coerced(Code wanted) {
     default:
         return isOfType(wanted) ? std::optional(specifier()) : std::nullopt;
     }
-}
-
-ScriptError fileError(int errorNumber, Value const& object) {
-    switch (errorNumber) {
-    case ENOENT:
-    case ESTALE:
-    case ENOTDIR:
-        return cannotGet(object);
-    case EACCES:
-    case EPERM:
-        return {.number = -5000,
-                .message = u"The operation can’t be completed because you don’t have the necessary permission.",
-                .from = object};
-    case EROFS:
-        return {.number = -44, .message = u"The disk is write protected.", .from = object};
-    case ENOSPC:
-    case EDQUOT:
-        return {.number = -34, .message = u"The disk is full.", .from = object};
-    case ENAMETOOLONG:
-    case EINVAL:
-        return {.number = -37, .message = u"Bad name for file.", .from = object};
-    case EBUSY:
-        return {.number = -47, .message = u"The file is busy.", .from = object};
-    case EEXIST:
-        return {
-            .number = -48, .message = u"An item with the same name already exists in this location.", .from = object};
-    default:
-        return {.number = -36, .message = u"The disk could not be read or written.", .from = object};
-    }
-}
-
-ScriptError originalStays(int errorNumber, Value const& object) {
-    // It changed while it was copied.
-    ScriptError error = fileError(errorNumber == ESTALE ? EBUSY : errorNumber, object);
-    error.message = u"The copy is complete, but the original could not be removed. " + error.message;
-    return error;
 }
 
 } // namespace mac::applescript

@@ -10,7 +10,7 @@ struct OpenItem;
 
 namespace mac::applescript {
 
-// What the disk tells of an item.
+// An item's status on the disk.
 struct ItemFacts {
     ItemIdentity identity{};
     std::uint32_t mode{0};
@@ -21,7 +21,7 @@ struct ItemFacts {
     // Seconds since 1970.
     std::int64_t created{0};
     std::int64_t modified{0};
-    // What lies in it is another volume's.
+    // A volume is mounted there.
     bool isMountPoint{false};
 };
 
@@ -32,9 +32,9 @@ public:
     FinderItem(std::string path, ItemFacts const& facts, Code type, Value folder)
         : m_path(std::move(path)), m_facts(facts), m_type(type), m_folder(std::move(folder)) {}
 
-    // Null where nothing is at the path, which may go through links.
+    // nullptr if no item is at the path, which may lead through symbolic links.
     static std::shared_ptr<FinderItem> atPath(std::string const& path);
-    // In the folder of that path; `folder` is its specifier.
+    // The item of a name in the folder of that path; `folder` is the folder's specifier.
     static std::shared_ptr<FinderItem> inFolder(std::string const& folderPath, std::string const& name,
                                                 Value const& folder);
 
@@ -51,9 +51,9 @@ public:
     std::string const& path() const { return m_path; }
     ItemFacts const& facts() const { return m_facts; }
     bool isContainer() const { return isOfType(codeOf("ctnr")); }
-    // A folder to the disk, a package among them.
+    // Whether it is a folder of the file system, such as a package.
     bool isFolder() const;
-    // The very item, open; throws -43 when it is not there any more.
+    // Opens this very item; throws if it is no longer there.
     OpenItem open() const;
 
 private:
@@ -68,25 +68,20 @@ private:
     std::string m_path;
     ItemFacts m_facts;
     Code m_type;
-    // Nothing: to be found out from the path.
+    // The folder's specifier; nothing if it is to be made from the path.
     Value m_folder;
 };
 
-// What errno says, as the Finder's error about the object.
-ScriptError fileError(int errorNumber, Value const& object);
-// Of an item that was copied instead of moved and cannot be removed.
-ScriptError originalStays(int errorNumber, Value const& object);
-
-// FinderMetadata.cpp: what is kept beside the contents. Nothing where the item has none, and where it cannot be read;
-// to set something throws then.
+// FinderMetadata.cpp: the metadata kept beside an item's contents. Reading answers an empty value if the item has none
+// or it cannot be read; setting throws if it cannot be written.
 std::u16string commentOf(OpenItem const& item);
 void setComment(OpenItem const& item, std::u16string const& comment, Value const& object);
 int labelIndexOf(OpenItem const& item);
 void setLabelIndex(OpenItem const& item, int index, Value const& object);
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator);
-// Whether it may not be changed at all, whoever owns it.
+// Whether the item has the immutable flag.
 bool isLocked(OpenItem const& item);
-// The rights of owner (0), group (1) and everybody (2) as one of the Finder's constants, and back.
+// The permissions of owner (0), group (1) and others (2) as one of the Finder's constants, and back.
 Value privilegesOf(std::uint32_t mode, int whose);
 bool setPrivileges(OpenItem const& item, int whose, Value const& value);
 std::u16string kindOf(Code type, DiskItem const& item);

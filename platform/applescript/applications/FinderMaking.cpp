@@ -1,7 +1,9 @@
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/items/OpenItem.h"
 #include <cerrno>
 #include <fcntl.h>
@@ -16,19 +18,20 @@ namespace {
 
 constexpr std::int32_t CannotMakeClass = -2710;
 
-// Folders are made for all, as far as the user's mask lets them.
-bool makeItem(int folder, std::string const& name, Code type, std::string const& target) {
-    if (type == codeOf("cfol")) return ::mkdirat(folder, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0;
-    if (type == codeOf("alia")) return ::symlinkat(target.c_str(), folder, name.c_str()) == 0;
+// Creates the item, with all permissions that the umask leaves. EEXIST if the name is taken.
+Result<void> makeItem(int folder, std::string const& name, Code type, std::string const& target) {
+    auto const answer = [&](bool isMade) { return isMade ? Result<void>() : lastSystemError("make", name); };
+    if (type == codeOf("cfol")) return answer(::mkdirat(folder, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0);
+    if (type == codeOf("alia")) return answer(::symlinkat(target.c_str(), folder, name.c_str()) == 0);
     constexpr mode_t everybodyReads = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     FileDescriptor const file(
         ::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, everybodyReads));
-    return file.isOpen();
+    return answer(file.isOpen());
 }
 
 std::u16string firstName(Code type, std::string const& target) {
     if (type == codeOf("cfol")) return u"untitled folder";
-    if (type == codeOf("alia")) return shownName(lastName(target)) + u" alias";
+    if (type == codeOf("alia")) return shownName(BytePath(target).leaf()) + u" alias";
     return u"untitled";
 }
 
@@ -62,10 +65,11 @@ std::string makeUnder(OpenItem const& folder, std::optional<std::string> const& 
         std::u16string const numbered =
             number == 1 ? first : first + u" " + std::u16string(digits.begin(), digits.end());
         std::optional<std::string> const name = wanted ? wanted : nameOnDisk(numbered);
-        if (!name) throw fileError(EINVAL, place);
-        if (makeItem(folder.item.number(), *name, type, target)) return *name;
-        if (errno != EEXIST || wanted)
-            throw fileError(errno, errno == EEXIST ? itemSpecifier(type, *name, place) : place);
+        if (!name) throw badFileName(place);
+        Result<void> const made = makeItem(folder.item.number(), *name, type, target);
+        if (made.isDone()) return *name;
+        bool const isTaken = made.problem().is(EEXIST);
+        if (!isTaken || wanted) throw fileError(made.problem(), isTaken ? itemSpecifier(type, *name, place) : place);
     }
 }
 
@@ -93,11 +97,11 @@ Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
         if (key->code != codeOf("pnam")) continue;
         std::u16string const written = requireText(value, context);
         name = written.find(u':') == std::u16string::npos ? nameOnDisk(written) : std::nullopt;
-        if (!name) throw fileError(EINVAL, value);
+        if (!name) throw badFileName(value);
     }
     std::string const made = makeUnder(folder->open(), name, type, target, folder->specifier());
     std::shared_ptr<FinderItem> const item = FinderItem::inFolder(folder->path(), made, folder->specifier());
-    if (!item) throw fileError(ENOENT, folder->specifier());
+    if (!item) throw cannotGet(folder->specifier());
     for (auto const& [key, value] : fields) {
         if (key->code == codeOf("pnam")) continue;
         Value const part = propertySpecifier(key, item->specifier());

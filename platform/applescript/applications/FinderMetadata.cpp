@@ -1,6 +1,6 @@
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/files/CatalogFields.h"
-#include "platform/files/ExtendedAttributes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
 #include "platform/launchservices/ContentTypes.h"
@@ -8,6 +8,8 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/PercentEscapes.h"
+#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/ItemAttributes.h"
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -19,47 +21,38 @@ namespace {
 
 // Linux: the attribute "user.xdg.comment", which the desktop's own programs show.
 constexpr char CommentName[] = "xdg.comment";
-constexpr std::uint32_t Start = 0;
-// Of the flags, three bits of colour.
+// The colour is three bits of the flags, from this bit on.
 constexpr unsigned LabelShift = 1;
 constexpr int LabelCount = 8;
 
-// What cannot be read does not show.
+// All zero if it cannot be read.
 FinderInformation shownInformation(OpenItem const& item) {
-    return readFinderInformation(attributePath(item)).value_or(FinderInformation());
+    return readFinderInformation(item).valueOr(FinderInformation());
 }
 
-// Of another size than the Finder's: another program's.
-bool holdsOtherInformation(std::string const& path) {
-    std::ptrdiff_t const length = mac::getxattr(path.c_str(), XATTR_FINDERINFO_NAME, nullptr, 0, Start, XATTR_NOFOLLOW);
-    return length >= 0 && static_cast<std::size_t>(length) != FinderInformation().bytes.size();
+// Whether the attribute has another size than Finder information, and so belongs to another program.
+bool holdsOtherInformation(OpenItem const& item) {
+    Result<std::size_t> const size = sizeOfAttribute(item, AttributeName(XATTR_FINDERINFO_NAME));
+    return size.hasValue() && size.value() != FinderInformation().bytes.size();
 }
 
 } // namespace
 
 std::u16string commentOf(OpenItem const& item) {
-    std::string const path = attributePath(item);
-    std::ptrdiff_t const length = mac::getxattr(path.c_str(), CommentName, nullptr, 0, Start, XATTR_NOFOLLOW);
-    if (length <= 0) return {};
-    std::string bytes(static_cast<std::size_t>(length), '\0');
-    std::ptrdiff_t const read =
-        mac::getxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW);
-    if (read < 0) return {};
-    bytes.resize(static_cast<std::size_t>(read));
-    return unitsFromFileSystemBytes(bytes);
+    std::vector<std::byte> const bytes = readAttribute(item, AttributeName(CommentName)).valueOr({});
+    return unitsFromFileSystemBytes({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
 void setComment(OpenItem const& item, std::u16string const& comment, Value const& object) {
-    std::string const path = attributePath(item);
+    AttributeName const name(CommentName);
     std::string const bytes = utf8FromUnits(comment);
-    bool const isSet =
-        bytes.empty()
-            ? mac::removexattr(path.c_str(), CommentName, XATTR_NOFOLLOW) == 0 || errno == ENODATA
-            : mac::setxattr(path.c_str(), CommentName, bytes.data(), bytes.size(), Start, XATTR_NOFOLLOW) == 0;
-    if (!isSet) throw fileError(errno, object);
+    Result<void> const set =
+        bytes.empty() ? removeAttribute(item, name) : writeAttribute(item, name, std::as_bytes(std::span(bytes)));
+    bool const isSet = set.isDone() || (bytes.empty() && set.problem().is(ENODATA));
+    if (!isSet) throw fileError(set.problem(), object);
 }
 
-// The colours count the other way round on the disk.
+// Labels count in the opposite order of the colours on the disk.
 int labelIndexOf(OpenItem const& item) {
     int const colour = shownInformation(item).labelIndex();
     return colour == 0 ? 0 : LabelCount - colour;
@@ -67,15 +60,16 @@ int labelIndexOf(OpenItem const& item) {
 
 void setLabelIndex(OpenItem const& item, int index, Value const& object) {
     if (index < 0 || index >= LabelCount) throw plainError(errors::Parameter);
-    std::string const path = attributePath(item);
-    // What else is there stays, so it has to be read and understood.
-    std::optional<FinderInformation> information = readFinderInformation(path);
-    if (!information) throw fileError(errno, object);
-    if (holdsOtherInformation(path)) throw fileError(EIO, object);
+    // The other fields are kept, so the information must be read and of the Finder's form.
+    Result<FinderInformation> const read = readFinderInformation(item);
+    if (!read.hasValue()) throw fileError(read.problem(), object);
+    if (holdsOtherInformation(item)) throw fileError({.code = EIO, .operation = "read"}, object);
+    FinderInformation information = read.value();
     auto const colour = static_cast<unsigned>(index == 0 ? 0 : LabelCount - index);
-    unsigned const flags = information->finderFlags() & ~unsigned{kColor};
-    information->setFinderFlags(static_cast<std::uint16_t>(flags | colour << LabelShift));
-    if (!writeFinderInformation(path, *information)) throw fileError(errno, object);
+    unsigned const flags = information.finderFlags() & ~unsigned{kColor};
+    information.setFinderFlags(static_cast<std::uint16_t>(flags | colour << LabelShift));
+    Result<void> const written = writeFinderInformation(item, information);
+    if (!written.isDone()) throw fileError(written.problem(), object);
 }
 
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator) {
@@ -86,7 +80,7 @@ std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator) {
 
 bool isLocked(OpenItem const& item) {
     FSCatalogInfo information;
-    return readCatalogFields(item, kFSCatInfoNodeFlags, information) &&
+    return readCatalogFields(item, kFSCatInfoNodeFlags, information).isDone() &&
            (information.nodeFlags & kFSNodeLockedMask) != 0;
 }
 

@@ -6,6 +6,7 @@
 #include "platform/foundation/NSString.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/system/ASCII.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/OpenItem.h"
@@ -30,7 +31,7 @@ std::optional<std::string> nameOnDisk(std::u16string_view shown) {
 std::string homePath() { return NSHomeDirectory().fileSystemRepresentation().value_or("/"); }
 
 // Linux: the desktop's folder as the user's settings name it.
-std::string desktopPath() { return desktopFolder("XDG_DESKTOP_DIR").value_or(joined(homePath(), "Desktop")); }
+std::string desktopPath() { return desktopFolder("XDG_DESKTOP_DIR").value_or(BytePath(homePath()).joined("Desktop")); }
 
 Code classOfFolderNamed(std::string_view name) {
     std::size_t const dot = name.rfind('.');
@@ -64,22 +65,13 @@ Value folderSpecifier(std::string const& path) {
 }
 
 std::optional<std::string> directPath(std::string const& path) {
-    std::optional<OpenItem> const item = openItemAtPath(path, false);
-    if (!item) return {};
-    if (item->name.empty()) return "/";
-    std::optional<std::string> const folder = pathOfFolder(item->folder);
-    return folder ? std::optional(joined(*folder, item->name)) : std::nullopt;
+    Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return {};
+    if (item.value().name.empty()) return "/";
+    Result<std::string> const folder = pathOfFolder(item.value().folder);
+    return folder.hasValue() ? std::optional(BytePath(folder.value()).joined(item.value().name)) : std::nullopt;
 }
 
-std::string parentOf(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
-
-std::string lastName(std::string const& path) { return path.substr(path.rfind('/') + 1); }
-
-std::string joined(std::string const& folder, std::string const& name) {
-    return folder == "/" ? "/" + name : folder + "/" + name;
-}
+std::string parentOf(std::string const& path) { return std::string(BytePath(path).parent()); }
 
 } // namespace mac::applescript

@@ -1,20 +1,20 @@
 #include "platform/applescript/Coercion.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/RunLimits.h"
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/files/ItemTransfer.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/DisplayNames.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/Users.h"
 #include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <fcntl.h>
 #include <fts.h>
 #include <memory>
@@ -62,7 +62,7 @@ std::vector<Code> FinderItem::propertyCodes() const {
 }
 
 std::optional<Value> FinderItem::property(Code code) {
-    std::u16string const name = m_path == "/" ? std::u16string(StartupVolumeName) : shownName(lastName(m_path));
+    std::u16string const name = m_path == "/" ? std::u16string(StartupVolumeName) : shownName(BytePath(m_path).leaf());
     switch (code) {
     case codeOf("pcls"):
         return Value::type(m_type);
@@ -117,12 +117,12 @@ std::optional<Value> FinderItem::property(Code code) {
 
 // As people are shown it.
 Value FinderItem::shownProperty(Code code) const {
-    std::optional<DiskItem> const item = diskItemAtPath(m_path);
-    if (!item) throw fileError(errno, specifier());
-    if (code == codeOf("kind")) return Value::text(kindOf(m_type, *item));
-    if (code == codeOf("hidx")) return Value::boolean(hidesExtension(*item));
+    Result<DiskItem> const item = diskItemAtPath(m_path);
+    if (!item.hasValue()) throw fileError(item.problem(), specifier());
+    if (code == codeOf("kind")) return Value::text(kindOf(m_type, item.value()));
+    if (code == codeOf("hidx")) return Value::boolean(hidesExtension(item.value()));
     if (m_type == codeOf("cdis")) return *diskProperty(codeOf("pnam"));
-    std::u16string name(displayNameOf(*item).codeUnits());
+    std::u16string name(displayNameOf(item.value()).codeUnits());
     std::ranges::replace(name, u':', u'/');
     return Value::text(std::move(name));
 }
@@ -187,11 +187,12 @@ std::optional<Value> FinderItem::diskProperty(Code code) const {
 std::optional<Value> FinderItem::linkProperty(Code code) const {
     if (code != codeOf("orig")) return {};
     OpenItem const item = open();
-    std::optional<std::string> const target = linkText(item.item);
-    if (!target) throw fileError(errno, specifier());
+    Result<std::string> const target = linkText(item.item);
+    if (!target.hasValue()) throw fileError(target.problem(), specifier());
+    bool const isAbsolute = target.value().starts_with('/');
     std::shared_ptr<FinderItem> const original =
-        atPath(target->starts_with('/') ? *target : joined(parentOf(m_path), *target));
-    if (!original) throw fileError(ENOENT, propertySpecifier(termSymbol(code, u"original item"), specifier()));
+        atPath(isAbsolute ? target.value() : BytePath(parentOf(m_path)).joined(target.value()));
+    if (!original) throw cannotGet(propertySpecifier(termSymbol(code, u"original item"), specifier()));
     return original->specifier();
 }
 
@@ -245,16 +246,17 @@ void FinderItem::rename(Value const& value, TextContext const& context) {
     std::u16string const wanted = requireText(value, context);
     std::optional<std::string> const name =
         wanted.find(u':') == std::u16string::npos ? nameOnDisk(wanted) : std::nullopt;
-    if (!name || m_path == "/" || m_type == codeOf("cdis")) throw fileError(EINVAL, specifier());
+    if (!name || m_path == "/" || m_type == codeOf("cdis")) throw badFileName(specifier());
     OpenItem const item = open();
     if (*name == item.name) return;
-    // Where layers of folders show as one, a folder of a lower layer is copied.
-    ItemMove const moved = moveItem(item, item.folder, *name, NameClash::IsRefused, mayRunGoOn);
-    int const reason = errno;
-    if (moved == ItemMove::OriginalStays) throw originalStays(reason, specifier());
-    if (moved != ItemMove::Done) stopRunIfAsked();
-    if (moved != ItemMove::Done) throw fileError(reason, specifier());
-    m_path = joined(parentOf(m_path), *name);
+    // A file system of several layers copies a folder of a lower layer.
+    Result<void, ReplacingProblem> const moved = moveItem(
+        {.item = item, .folder = item.folder, .name = *name, .shouldContinue = mayRunGoOn}, NameClash::IsRefused);
+    if (!moved.isDone()) {
+        if (moved.problem().transfer.kind != TransferProblem::Kind::OriginalStays) stopRunIfAsked();
+        throw transferError(moved.problem(), specifier(), FileCommand::UseItem);
+    }
+    m_path = BytePath(parentOf(m_path)).joined(*name);
 }
 
 bool FinderItem::setProperty(Code code, Value const& value, TextContext const& context) {
@@ -280,7 +282,7 @@ bool FinderItem::setProperty(Code code, Value const& value, TextContext const& c
                                             timespec{.tv_sec = unixTimeOfDate(value.seconds()), .tv_nsec = 0}};
         OpenItem const item = open();
         bool const isSet = ::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) == 0;
-        if (!isSet) throw fileError(errno, specifier());
+        if (!isSet) throw fileError(lastSystemError("utimensat"), specifier());
         return true;
     }
     default:

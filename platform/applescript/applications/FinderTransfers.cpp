@@ -1,8 +1,10 @@
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/system/BytePath.h"
 #include <cerrno>
 
 // Moving and duplicating.
@@ -11,18 +13,7 @@ namespace mac::applescript::finder {
 
 namespace {
 
-constexpr std::int32_t NameTaken = -15267;
 constexpr std::int32_t CannotPutThere = -10024;
-
-ScriptError transferError(int errorNumber, Value const& item) {
-    if (errorNumber == EEXIST)
-        return {.number = NameTaken,
-                .message = u"An item with the same name already exists in this location.",
-                .from = item};
-    if (errorNumber == EINVAL) return plainError(CannotPutThere);
-    if (errorNumber == ECANCELED) return plainError(errors::UserCanceled);
-    return fileError(errorNumber, item);
-}
 
 bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
     Value const* const replacing = command.find(codeOf("alrp"));
@@ -42,7 +33,7 @@ std::u16string nameOfCopy(std::u16string const& name, unsigned number) {
 
 Value itemIn(FinderItem const& folder, std::string const& name, Value const& complaint) {
     std::shared_ptr<FinderItem> const item = FinderItem::inFolder(folder.path(), name, folder.specifier());
-    if (!item) throw fileError(ENOENT, complaint);
+    if (!item) throw cannotGet(complaint);
     return item->specifier();
 }
 
@@ -53,11 +44,14 @@ Value duplicateHere(Evaluator& evaluator, FinderItem const& item) {
     if (!folder || original.name.empty()) throw plainError(CannotPutThere);
     for (unsigned number = 1;; ++number) {
         std::optional<std::string> const name = nameOnDisk(nameOfCopy(shownName(original.name), number));
-        if (!name) throw fileError(ENAMETOOLONG, item.specifier());
-        if (copyItem(original, original.folder, *name, NameClash::IsRefused, mayRunGoOn))
-            return itemIn(*folder, *name, item.specifier());
+        if (!name) throw badFileName(item.specifier());
+        Result<void, ReplacingProblem> const copied =
+            copyItem({.item = original, .folder = original.folder, .name = *name, .shouldContinue = mayRunGoOn},
+                     NameClash::IsRefused);
+        if (copied.isDone()) return itemIn(*folder, *name, item.specifier());
         evaluator.stopIfAsked();
-        if (errno != EEXIST) throw transferError(errno, item.specifier());
+        if (!copied.problem().transfer.error.is(EEXIST))
+            throw transferError(copied.problem(), item.specifier(), FileCommand::Transfer);
     }
 }
 
@@ -73,12 +67,11 @@ void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& fo
     OpenItem const place = folder.open();
     if (original.name.empty()) throw plainError(CannotPutThere);
     if (liesIn(item, folder)) return;
-    ItemMove const moved = moveItem(original, place.item, original.name, clash, mayRunGoOn);
-    int const reason = errno;
-    if (moved == ItemMove::Done) return;
-    if (moved == ItemMove::OriginalStays) throw originalStays(reason, item.specifier());
-    evaluator.stopIfAsked();
-    throw transferError(reason, item.specifier());
+    Result<void, ReplacingProblem> const moved =
+        moveItem({.item = original, .folder = place.item, .name = original.name, .shouldContinue = mayRunGoOn}, clash);
+    if (moved.isDone()) return;
+    if (moved.problem().transfer.kind != TransferProblem::Kind::OriginalStays) evaluator.stopIfAsked();
+    throw transferError(moved.problem(), item.specifier(), FileCommand::Transfer);
 }
 
 // Linux: to another disk it is moved too; the copy is whole before the original goes.
@@ -96,7 +89,7 @@ Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     for (std::shared_ptr<FinderItem> const& item : items) {
         evaluator.stopIfAsked();
         moveInto(evaluator, *item, *folder, clash);
-        answers.push_back(itemIn(*folder, lastName(item->path()), item->specifier()));
+        answers.push_back(itemIn(*folder, std::string(BytePath(item->path()).leaf()), item->specifier()));
     }
     return answerOf(meant, std::move(answers));
 }
@@ -119,10 +112,12 @@ Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationComma
         OpenItem const original = item->open();
         OpenItem const place = folder->open();
         if (original.name.empty()) throw plainError(CannotPutThere);
-        bool const isCopied = copyItem(original, place.item, original.name, clash, mayRunGoOn);
-        int const reason = errno;
-        if (!isCopied) evaluator.stopIfAsked();
-        if (!isCopied) throw transferError(reason, item->specifier());
+        Result<void, ReplacingProblem> const copied = copyItem(
+            {.item = original, .folder = place.item, .name = original.name, .shouldContinue = mayRunGoOn}, clash);
+        if (!copied.isDone()) {
+            evaluator.stopIfAsked();
+            throw transferError(copied.problem(), item->specifier(), FileCommand::Transfer);
+        }
         answers.push_back(itemIn(*folder, original.name, item->specifier()));
     }
     return answerOf(meant, std::move(answers));

@@ -1,20 +1,19 @@
 #include "platform/applescript/Evaluator.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Trash.h"
-#include "platform/foundation/Encodings.h"
 #include "platform/system/items/OpenItem.h"
-#include <cerrno>
 
-// The trash, and what is thrown into it.
+// The trash and the commands that fill and empty it.
 
 namespace mac::applescript {
 
 namespace {
 
-// Of all volumes; its elements are what was thrown away, the last one first.
+// The trash of all volumes; its elements are the trashed items, the last one first.
 class FinderTrash final : public ModelObject {
 public:
     Code type() const override { return codeOf("ctrs"); }
@@ -39,32 +38,11 @@ public:
     }
 
     std::optional<Value> coerced(Code wanted) override {
-        std::optional<std::string> const path = trashFolderForPath(homePath(), true);
-        std::shared_ptr<FinderItem> const folder = path ? FinderItem::atPath(*path) : nullptr;
+        Result<std::string, TrashProblem> const path = trashFolderForPath(homePath(), MissingTrash::IsMade);
+        std::shared_ptr<FinderItem> const folder = path.hasValue() ? FinderItem::atPath(path.value()) : nullptr;
         return folder ? folder->coerced(wanted) : std::nullopt;
     }
 };
-
-ScriptError trashError(TrashFailure const& failure, Value const& object) {
-    switch (failure.problem) {
-    case TrashProblem::NotThere:
-    case TrashProblem::Changed:
-        return fileError(ENOENT, object);
-    case TrashProblem::NotAllowed:
-        return fileError(EACCES, object);
-    case TrashProblem::ReadOnly:
-        return fileError(EROFS, object);
-    case TrashProblem::Full:
-        return fileError(ENOSPC, object);
-    case TrashProblem::NameTaken:
-        return fileError(EEXIST, object);
-    case TrashProblem::InTrash:
-    case TrashProblem::Immovable:
-        return {.number = -10010, .message = messageOfNumber(-10010), .from = object};
-    default:
-        return {.number = -10000, .message = unitsFromFileSystemBytes(failure.reason), .from = object};
-    }
-}
 
 } // namespace
 
@@ -77,14 +55,14 @@ bool isTrash(std::vector<ModelPointer> const& found) {
 }
 
 Value movedToTrash(FinderItem const& item) {
-    TrashResult<TrashedItem> const result = mac::moveToTrash(item.open());
-    if (!result.hasValue()) throw trashError(result.failure(), item.specifier());
+    Result<TrashedItem, TrashProblem> const result = mac::moveToTrash(item.open());
+    if (!result.hasValue()) throw trashError(result.problem(), item.specifier());
     std::shared_ptr<FinderItem> const trashed = FinderItem::atPath(result.value().path);
-    if (!trashed) throw fileError(ENOENT, item.specifier());
+    if (!trashed) throw cannotGet(item.specifier());
     return trashed->specifier();
 }
 
-// What cannot be thrown away ends it; what was thrown away until then stays in the trash.
+// The first item that cannot be trashed ends the command; items trashed before it stay in the trash.
 Value moveToTrash(FinderItems const& items, Value const& meant) {
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : items) {
@@ -104,7 +82,7 @@ Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationComm
     if (isTold && !isTrash(finder.objects(command.direct, evaluator.context()))) throw plainError(-10010);
     EmptiedTrash const emptied = mac::emptyTrash(mayRunGoOn);
     stopRunIfAsked();
-    if (emptied.left > 0) throw trashError(emptied.firstFailure, trash()->specifier());
+    if (emptied.left > 0) throw trashError(emptied.firstProblem, trash()->specifier());
     bool const wasEmpty = emptied.removed == 0;
     if (wasEmpty) throw ScriptError{.number = errors::UserCanceled, .message = u"The operation can’t be completed."};
     return {};

@@ -4,7 +4,6 @@
 #include "platform/desktop/FileBrowserSession.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
-#include <cerrno>
 
 // What the Finder shows: the windows of the desktop's file browser.
 
@@ -19,7 +18,7 @@ constexpr std::int32_t EventFailed = -10000;
 ScriptError scriptErrorOf(DesktopProblem const& problem, Value const& object) {
     switch (problem.kind) {
     case DesktopProblem::Kind::NotThere:
-        return fileError(ENOENT, object);
+        return cannotGet(object);
     case DesktopProblem::Kind::NoApplication:
         return plainError(ApplicationNotFound);
     case DesktopProblem::Kind::NoBus:
@@ -41,7 +40,7 @@ Value done(DesktopOutcome const& outcome, Value const& object) {
 
 std::vector<std::string> pathsOf(ModelApplication& finder, Value const& meant, TextContext const& context) {
     std::vector<ModelPointer> const found = finder.objects(meant, context);
-    if (isTrash(found)) return {trashFolderForPath(homePath(), true).value_or(homePath())};
+    if (isTrash(found)) return {trashFolderForPath(homePath(), MissingTrash::IsMade).valueOr(homePath())};
     std::vector<std::string> paths;
     for (std::shared_ptr<FinderItem> const& item : itemsOf(found))
         paths.push_back(item->path());

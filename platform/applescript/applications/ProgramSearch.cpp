@@ -71,7 +71,7 @@ std::optional<InstalledProgram> launchServicesProgram(std::u16string_view identi
 
 bool startProgram(std::vector<std::string> const& words) {
     std::optional<std::string> const file = words.empty() ? std::nullopt : resolvedProgram(words.front());
-    return file && startDetached(*file, words).pid != 0;
+    return file && startDetached(*file, words).hasValue();
 }
 
 bool isProgramRunning(std::span<char const* const> names) {

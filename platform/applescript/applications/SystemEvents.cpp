@@ -4,6 +4,7 @@
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
 #include <pwd.h>
 #include <unistd.h>
@@ -195,7 +196,8 @@ private:
             std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
             if (!item) throw plainError(-10010);
             finder::moveInto(evaluator, *item, *folder, NameClash::IsRefused);
-            ModelPointer const moved = system_events::diskItemAt(joined(folder->path(), lastName(item->path())));
+            ModelPointer const moved =
+                system_events::diskItemAt(BytePath(folder->path()).joined(BytePath(item->path()).leaf()));
             answers.push_back(moved ? moved->specifier() : Value::missing());
         }
         return finder::answerOf(meant, std::move(answers));

@@ -5,6 +5,7 @@
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/system/BytePath.h"
 
 // Disks, folders and files as System Events tells of them.
 
@@ -43,7 +44,7 @@ public:
         case codeOf("extn"):
             return m_item->property(codeOf("nmxt"));
         case codeOf("pvis"):
-            return Value::boolean(!lastName(m_item->path()).starts_with('.'));
+            return Value::boolean(!BytePath(m_item->path()).leaf().starts_with('.'));
         case codeOf("ctnr"): {
             ModelPointer const folder = m_item->path() == "/" ? nullptr : diskItemAt(parentOf(m_item->path()));
             return folder ? std::optional(folder->specifier()) : std::nullopt;
@@ -129,7 +130,8 @@ ModelPointer diskItemNamed(Code elementType, std::u16string const& name) {
         std::u16string units = isPath ? posixPathOf(name) : name;
         if (name.starts_with(u"~/")) units = name.substr(2);
         std::optional<std::string> const bytes = fileSystemBytesFromUnits(units);
-        if (bytes && !bytes->empty()) found = diskItemAt(bytes->starts_with('/') ? *bytes : joined(homePath(), *bytes));
+        if (bytes && !bytes->empty())
+            found = diskItemAt(bytes->starts_with('/') ? *bytes : BytePath(homePath()).joined(*bytes));
     }
     return found && found->isOfType(elementType) ? found : nullptr;
 }

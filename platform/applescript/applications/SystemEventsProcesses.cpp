@@ -4,6 +4,7 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/processes/SerialNumbers.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 
@@ -80,7 +81,7 @@ private:
 
     std::u16string shownName() const {
         std::string const& path = m_process.executable;
-        return unitsOf(kCFBundleNameKey).value_or(unitsFromFileSystemBytes(path.substr(path.rfind('/') + 1)));
+        return unitsOf(kCFBundleNameKey).value_or(unitsFromFileSystemBytes(BytePath(path).leaf()));
     }
 
     RunningProcess m_process;

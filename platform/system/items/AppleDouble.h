@@ -12,8 +12,8 @@
 
 namespace mac {
 
-// What a file "._NAME" holds for the item NAME beside it: version 2 of the form, with the table of attributes that Mac
-// OS X keeps behind the Finder information. A value; for implementations.
+// The contents of an AppleDouble file: version 2 of the format, with the table of attributes that Mac OS X stores after
+// the Finder information. A value; any thread.
 struct AppleDouble {
     static constexpr std::size_t FinderInformationSize = 32;
     using FinderInformation = std::array<std::byte, FinderInformationSize>;
@@ -25,7 +25,7 @@ struct AppleDouble {
 
         bool operator==(Attribute const&) const = default;
     };
-    // A part that means nothing here and is kept for others.
+    // An entry of another kind, kept for other programs.
     struct Part {
         std::uint32_t kind{0};
         std::vector<std::byte> bytes;
@@ -33,13 +33,13 @@ struct AppleDouble {
         bool operator==(Part const&) const = default;
     };
 
-    // All zero: there is none. An empty fork likewise.
+    // All zero if there is none; the fork is empty if there is none.
     FinderInformation finderInformation{};
     std::vector<std::byte> resourceFork{};
     std::vector<Attribute> attributes{};
     std::vector<Part> otherParts{};
 
-    // What means nothing here either, and stays as it was read.
+    // Fields without a use here are written as they were read.
     std::array<std::byte, 16> homeFileSystem{defaultHomeFileSystem()};
     struct TableMarks {
         std::uint32_t tag{0};
@@ -48,25 +48,26 @@ struct AppleDouble {
 
         bool operator==(TableMarks const&) const = default;
     } tableMarks{};
-    // Behind the Finder information, where it is no table of attributes: then there can be none.
+    // Bytes after the Finder information that are no table of attributes; if not empty, there can be no attributes.
     std::vector<std::byte> informationTail{};
 
-    // Fails for what is no such file or contradicts itself: nothing outside of the bytes is believed, no byte counts
-    // twice, and no name does.
+    // Fails if the bytes are not an AppleDouble file or contradict themselves: offsets outside of the file, parts that
+    // overlap, and duplicate attribute names are refused.
     static Result<AppleDouble, Failure> read(std::span<std::byte const> file);
-    // The same of the first bytes of a file of that size, for who looks for something small: what lies behind them is
-    // left empty, but for the Finder information and the table of attributes. Fails where these are not among them.
+    // Reads the first bytes of a file of `fileSize` bytes; values that lie after them are left empty. Fails if the
+    // Finder information or the table of attributes lies after them.
     static Result<AppleDouble, Failure> readBeginning(std::span<std::byte const> beginning, std::size_t fileSize);
-    // Nothing when it is more than the form can count or read() takes, or a name is empty, too long or holds a NUL.
+    // nullopt if the format cannot count that much, read() would refuse it, or an attribute's name is empty, too long
+    // or has a NUL.
     std::optional<std::vector<std::byte>> written() const;
 
     bool isEmpty() const;
-    // By name, those for the Finder information and the resource fork included.
+    // Attributes by name; the Finder information and the resource fork have names, too.
     std::optional<std::span<std::byte const>> valueOf(std::string_view name) const;
     std::vector<std::string> names() const;
-    // False for Finder information of another size.
+    // False for Finder information of a size other than 32 bytes.
     bool setValue(std::string_view name, std::span<std::byte const> value);
-    // Whether it was there.
+    // Answers whether the value existed.
     bool removeValue(std::string_view name);
 
     bool operator==(AppleDouble const&) const = default;

@@ -12,7 +12,7 @@ using namespace appledouble;
 
 using Bytes = std::span<std::byte const>;
 
-// Reads one number after the other; past the end they are 0, and the reader is no longer sound.
+// Reads numbers in sequence; past the end they are 0, and isSound() is false.
 class Reader {
 public:
     Reader(Bytes file, std::size_t start) : m_rest(file.subspan(std::min(start, file.size()))) {}
@@ -42,8 +42,8 @@ private:
 
 std::vector<std::byte> copyOf(Bytes bytes) { return {bytes.begin(), bytes.end()}; }
 
-// Gives out pieces of a file, altogether no more than it has bytes, so that a small file cannot fill the memory. Those
-// that lie behind the bytes at hand are empty.
+// Gives out parts of a file, altogether no more bytes than it has, so that a small file cannot fill the memory. Parts
+// that lie after the bytes at hand are empty.
 class Pieces {
 public:
     Pieces(Bytes beginning, std::size_t fileSize) : m_beginning(beginning), m_size(fileSize), m_left(fileSize) {}
@@ -78,7 +78,7 @@ std::optional<std::string> readName(Reader& reader) {
     return name;
 }
 
-// Answers what is wrong with the table, whose magic is read.
+// Reads the table after its magic number. Answers what is wrong with it; empty if it is sound.
 std::string takeTable(AppleDouble& result, Pieces values, Reader& reader) {
     result.tableMarks.tag = reader.number(4);
     constexpr std::size_t endStartAndLength = 12;
@@ -105,7 +105,8 @@ bool isZero(Bytes bytes) {
     return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{0}; });
 }
 
-// The Finder information, and behind it the attributes, nothing but padding, or what somebody else knows.
+// Reads the Finder information and what follows it: the table of attributes, padding, or bytes of another program.
+// Answers what is wrong; empty if it is sound.
 std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t fileSize, std::size_t offset,
                                   Bytes part) {
     if (part.empty()) return {};

@@ -30,8 +30,8 @@ bool isWritable(AppleDouble::Attribute const& attribute) {
     return !name.empty() && name.size() <= LongestName && name.find('\0') == std::string::npos;
 }
 
-// The whole part: Finder information, table, names, values. The place is the part's own in the file, a multiple of the
-// alignment plus 2, so that the table is aligned.
+// The entry of the Finder information with the table of attributes, their names and values. `place` is its offset in
+// the file: a multiple of the alignment plus 2, so that the table is aligned.
 std::vector<std::byte> finderPart(AppleDouble const& file, std::size_t place) {
     std::vector<std::byte> part;
     append(part, file.finderInformation);

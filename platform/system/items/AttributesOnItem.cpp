@@ -1,9 +1,10 @@
 #include "platform/system/items/AttributesOnItem.h"
+#include "platform/system/items/AppleDouble.h"
 #include "platform/system/items/AppleDoubleForm.h"
 #include "platform/system/items/AttributeNames.h"
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <sys/xattr.h>
 
 namespace mac {
@@ -11,82 +12,114 @@ namespace mac {
 namespace {
 
 constexpr std::string_view Namespace = "user.";
-// What the system takes for a name, and for all names of an item.
+// The system's limits for a name, and for the names of an item together.
 constexpr std::size_t LongestSystemName = 255;
 constexpr std::size_t LargestSystemList = 65536;
+// Holds what most attributes carry.
+constexpr std::size_t UsualSize = 4096;
 
-int failure(int errorNumber) {
-    errno = errorNumber;
-    return -1;
+SystemError missing(AttributeName const& name) {
+    return {.code = ENODATA, .operation = "getxattr", .item = name.shown};
 }
 
-std::ptrdiff_t systemValue(OpenItem const& item, AttributeName const& name, void* value, std::size_t size) {
-    if (name.onSystem.empty()) return failure(ENODATA);
-    return ::getxattr(item.systemPath().c_str(), name.onSystem.c_str(), value, size);
+std::string systemName(std::string_view name) {
+    bool const fits = Namespace.size() + name.size() <= LongestSystemName;
+    return fits ? std::string(Namespace).append(name) : std::string();
+}
+
+// Reads into the bytes and answers the length; without bytes, the length alone.
+Result<std::size_t> readSystem(OpenItem const& item, AttributeName const& name, std::span<std::byte> bytes) {
+    if (name.onSystem.empty()) return missing(name);
+    ssize_t const length = ::getxattr(item.systemPath().c_str(), name.onSystem.c_str(), bytes.data(), bytes.size());
+    if (length < 0) return lastSystemError("getxattr", name.shown);
+    return static_cast<std::size_t>(length);
 }
 
 } // namespace
+
+AttributeName::AttributeName(std::string_view name) : shown(name), onSystem(systemName(name)) {}
+
+Result<AttributeName> AttributeName::make(std::string_view name) {
+    bool const isText = !name.empty() && name.find('\0') == std::string_view::npos;
+    if (!isText) return SystemError{.code = EINVAL, .operation = "getxattr", .item = std::string(name)};
+    if (name.size() > appledouble::LongestName)
+        return SystemError{.code = ENAMETOOLONG, .operation = "getxattr", .item = std::string(name)};
+    return AttributeName(name);
+}
 
 bool AttributeName::isFinderInformation() const { return shown == XATTR_FINDERINFO_NAME; }
 
 bool AttributeName::isResourceFork() const { return shown == XATTR_RESOURCEFORK_NAME; }
 
-std::optional<AttributeName> attributeName(char const* name) {
-    std::size_t const length = name ? std::strlen(name) : 0;
-    if (length > 0 && Namespace.size() + length <= LongestSystemName)
-        return AttributeName{name, std::string(Namespace) + name};
-    if (length > 0 && length <= appledouble::LongestName) return AttributeName{name, {}};
-    if (!name)
-        errno = EFAULT;
-    else
-        errno = length == 0 ? EINVAL : ENAMETOOLONG;
-    return std::nullopt;
+bool AttributeName::accepts(std::size_t size) const {
+    return !isFinderInformation() || size == AppleDouble::FinderInformationSize;
 }
 
-bool isNothing(AttributeName const& name, std::span<std::byte const> value) {
-    if (name.isResourceFork()) return value.empty();
-    return name.isFinderInformation() && value.size() == AppleDouble::FinderInformationSize &&
+bool AttributeName::isNothing(std::span<std::byte const> value) const {
+    if (isResourceFork()) return value.empty();
+    return isFinderInformation() && value.size() == AppleDouble::FinderInformationSize &&
            std::ranges::all_of(value, [](std::byte byte) { return byte == std::byte{0}; });
 }
 
 bool holdsNothing(OpenItem const& item, AttributeName const& name) {
     if (!name.isFinderInformation() && !name.isResourceFork()) return false;
     AppleDouble::FinderInformation bytes{};
-    std::ptrdiff_t const length = systemValue(item, name, bytes.data(), bytes.size());
-    return length >= 0 && isNothing(name, std::span(bytes).first(static_cast<std::size_t>(length)));
+    Result<std::size_t> const length = readSystem(item, name, bytes);
+    return length.hasValue() && name.isNothing(std::span(bytes).first(length.value()));
 }
 
-std::ptrdiff_t valueOnItem(OpenItem const& item, AttributeName const& name, void* value, std::size_t size) {
-    if (holdsNothing(item, name)) return failure(ENODATA);
-    if (value && size > 0) return systemValue(item, name, value, size);
-    // The system takes a size of 0 for the question how long it is.
-    std::ptrdiff_t const length = systemValue(item, name, nullptr, 0);
-    return value && length > 0 ? failure(ERANGE) : length;
+Result<std::size_t> sizeOnItem(OpenItem const& item, AttributeName const& name) {
+    if (holdsNothing(item, name)) return missing(name);
+    return readSystem(item, name, {});
 }
 
-int removeOnItem(OpenItem const& item, AttributeName const& name) {
-    if (name.onSystem.empty()) return failure(ENODATA);
-    return ::removexattr(item.systemPath().c_str(), name.onSystem.c_str());
+Result<std::vector<std::byte>> valueOnItem(OpenItem const& item, AttributeName const& name) {
+    if (holdsNothing(item, name)) return missing(name);
+    std::vector<std::byte> value(UsualSize);
+    Result<std::size_t> length = readSystem(item, name, value);
+    // Another process may write a longer value between the two calls.
+    while (!length.hasValue() && length.problem().is(ERANGE)) {
+        Result<std::size_t> const size = readSystem(item, name, {});
+        if (!size.hasValue()) return size.problem();
+        value.resize(std::max<std::size_t>(size.value(), 1));
+        length = readSystem(item, name, value);
+    }
+    if (!length.hasValue()) return length.problem();
+    value.resize(length.value());
+    return value;
 }
 
-int writeOnItem(OpenItem const& item, AttributeName const& name, std::span<std::byte const> value, int systemOptions) {
-    if (name.onSystem.empty()) return failure(E2BIG);
-    return ::setxattr(item.systemPath().c_str(), name.onSystem.c_str(), value.data(), value.size(), systemOptions);
+Result<void> removeOnItem(OpenItem const& item, AttributeName const& name) {
+    if (name.onSystem.empty()) return missing(name);
+    if (::removexattr(item.systemPath().c_str(), name.onSystem.c_str()) != 0)
+        return lastSystemError("removexattr", name.shown);
+    return {};
 }
 
-std::optional<std::vector<std::string>> namesOnItem(OpenItem const& item) {
+Result<void> writeOnItem(OpenItem const& item, AttributeName const& name, std::span<std::byte const> value, int flags) {
+    if (name.onSystem.empty()) return SystemError{.code = E2BIG, .operation = "setxattr", .item = name.shown};
+    if (::setxattr(item.systemPath().c_str(), name.onSystem.c_str(), value.data(), value.size(), flags) != 0)
+        return lastSystemError("setxattr", name.shown);
+    return {};
+}
+
+Result<std::vector<std::string>> namesOnItem(OpenItem const& item) {
     std::vector<char> list(LargestSystemList);
     ssize_t const length = ::listxattr(item.systemPath().c_str(), list.data(), list.size());
     std::vector<std::string> names;
-    if (length < 0) return errno == EOPNOTSUPP ? std::optional(names) : std::nullopt;
-    char const* const end = list.data() + length;
-    for (char const* place = list.data(); place < end;) {
-        std::string_view const name(place, static_cast<std::size_t>(std::find(place, end, '\0') - place));
+    if (length < 0) {
+        SystemError error = lastSystemError("listxattr", item.name);
+        if (error.is(EOPNOTSUPP)) return names;
+        return error;
+    }
+    std::string_view rest(list.data(), static_cast<std::size_t>(length));
+    while (!rest.empty()) {
+        std::string_view const name = rest.substr(0, rest.find('\0'));
         if (name.size() > Namespace.size() && name.starts_with(Namespace))
             names.emplace_back(name.substr(Namespace.size()));
-        place += name.size() + 1;
+        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
     }
-    std::erase_if(names, [&](std::string const& name) { return holdsNothing(item, *attributeName(name.c_str())); });
+    std::erase_if(names, [&](std::string const& name) { return holdsNothing(item, AttributeName(name)); });
     return names;
 }
 

@@ -1,34 +1,46 @@
 #pragma once
 
-#include "platform/system/items/AppleDouble.h"
+#include "platform/system/Result.h"
 #include "platform/system/items/OpenItem.h"
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace mac {
 
-// The attributes that the file system itself keeps for an item, under the names that programs give them. For
-// implementations; they answer as the system's calls do. Any thread.
-
+// An attribute's name, as programs give it and as the file system knows it.
 struct AttributeName {
+    // For names that are known to be valid. REQUIRES: 1 to 250 bytes.
+    explicit AttributeName(std::string_view name);
+    // EINVAL for an empty name or one with a NUL, ENAMETOOLONG for one that no sidecar can hold.
+    static Result<AttributeName> make(std::string_view name);
+
     std::string shown;
-    std::string onSystem; // empty for one that is too long for the file system and fits beside the item alone
+    // Empty for a name that is too long for the file system and fits in a sidecar alone.
+    std::string onSystem;
 
     bool isFinderInformation() const;
     bool isResourceFork() const;
+    // False for Finder information of a size other than 32 bytes.
+    bool accepts(std::size_t size) const;
+    // Finder information of zeros, or an empty resource fork: counts as absent, as on Mac OS X.
+    bool isNothing(std::span<std::byte const> value) const;
 };
 
-// Nothing, with errno set, for a name that no attribute can have.
-std::optional<AttributeName> attributeName(char const* name);
+// The attributes that the file system itself holds for an item. Any thread.
 
-// As on Mac OS X, where Finder information of zeros alone and an empty fork are none.
-bool isNothing(AttributeName const& name, std::span<std::byte const> value);
-// Whether the file system has the attribute, and it is such a nothing.
+// Whether the file system holds a value that counts as absent.
 bool holdsNothing(OpenItem const& item, AttributeName const& name);
 
-// Its length; ENODATA for a nothing. A buffer that is null takes nothing.
-std::ptrdiff_t valueOnItem(OpenItem const& item, AttributeName const& name, void* value, std::size_t size);
-int writeOnItem(OpenItem const& item, AttributeName const& name, std::span<std::byte const> value, int systemOptions);
-int removeOnItem(OpenItem const& item, AttributeName const& name);
-// Nothing, with errno set, when they cannot be read; none where the file system keeps no attributes.
-std::optional<std::vector<std::string>> namesOnItem(OpenItem const& item);
+// ENODATA for a value that counts as absent, too; EOPNOTSUPP if the file system holds no attributes.
+Result<std::vector<std::byte>> valueOnItem(OpenItem const& item, AttributeName const& name);
+Result<std::size_t> sizeOnItem(OpenItem const& item, AttributeName const& name);
+// The flags are the system call's.
+Result<void> writeOnItem(OpenItem const& item, AttributeName const& name, std::span<std::byte const> value, int flags);
+Result<void> removeOnItem(OpenItem const& item, AttributeName const& name);
+// Empty if the file system holds no attributes.
+Result<std::vector<std::string>> namesOnItem(OpenItem const& item);
 
 } // namespace mac

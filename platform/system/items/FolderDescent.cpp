@@ -3,6 +3,7 @@
 #include "platform/system/OpenItems.h"
 #include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,22 +15,33 @@ constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_C
 
 void letOwnerIn(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
     FileDescriptor const item(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    std::optional<ItemPlace> const found = item.isOpen() ? placeOf(item) : std::nullopt;
-    if (!found || !(found->identity == place.identity) || found->owner != ::geteuid()) return;
-    ::chmod(descriptorPath(item).c_str(), (found->mode & 07777) | S_IRWXU);
+    if (!item.isOpen()) return;
+    Result<ItemPlace> const found = placeOf(item);
+    if (!found.hasValue() || !(found.value().identity == place.identity)) return;
+    if (found.value().owner != ::geteuid()) return;
+    ::chmod(descriptorPath(item).c_str(), (found.value().mode & 07777) | S_IRWXU);
 }
+
+// Opens a folder for listing.
+Result<FileDescriptor> openToList(FileDescriptor const& folder, std::string const& name) {
+    FileDescriptor opened(::openat(folder.number(), name.c_str(), ListFlags));
+    if (!opened.isOpen()) return lastSystemError("open", name);
+    return opened;
+}
+
+SystemError anotherItem(std::string const& name) { return {.code = ESTALE, .operation = "open", .item = name}; }
 
 class Descent {
 public:
     Descent(DescentRules const& rules, DescentVisit const& visit) : m_rules(rules), m_visit(visit) {}
 
-    bool run(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected);
+    Result<void> run(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected);
 
 private:
     struct Level {
         std::string name;
         ItemPlace place;
-        // Of what is still to be visited in it.
+        // Items in the folder that are still to be visited.
         std::vector<std::string> names;
     };
 
@@ -38,33 +50,33 @@ private:
     void visitNext();
     bool leave();
     void visit(std::string const& name, ItemPlace const& place);
-    void fail(int errorNumber);
+    void fail(SystemError const& error);
 
     DescentRules const& m_rules;
     DescentVisit const& m_visit;
-    // However deep it goes, one folder is open.
+    // The only folder that is open, however deep the descent goes.
     FileDescriptor m_folder{};
     ItemPlace m_start{};
     std::vector<Level> m_levels{};
     std::size_t m_count{0};
-    int m_firstError{0};
+    std::optional<SystemError> m_firstError{};
     bool m_isCancelled{false};
 };
 
-bool Descent::run(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected) {
-    m_folder = FileDescriptor(::openat(folder.number(), ".", ListFlags));
-    std::optional<ItemPlace> const start = m_folder.isOpen() ? placeOf(m_folder) : std::nullopt;
-    std::optional<ItemPlace> const place = start ? placeOf(m_folder, name) : std::nullopt;
-    if (!place) return false;
-    if (!(place->identity == expected)) {
-        errno = ESTALE;
-        return false;
-    }
-    m_start = *start;
-    meet(name, *place);
+Result<void> Descent::run(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected) {
+    Result<FileDescriptor> opened = openToList(folder, ".");
+    if (!opened.hasValue()) return opened.problem();
+    m_folder = opened.takeValue();
+    Result<ItemPlace> const start = placeOf(m_folder);
+    if (!start.hasValue()) return start.problem();
+    Result<ItemPlace> const place = placeOf(m_folder, name);
+    if (!place.hasValue()) return place.problem();
+    if (!(place.value().identity == expected)) return anotherItem(name);
+    m_start = start.value();
+    meet(name, place.value());
     while (!m_levels.empty() && !m_isCancelled) {
         if (m_count > m_rules.mostItems) {
-            fail(E2BIG);
+            fail({.code = E2BIG, .operation = "readdir", .item = name});
             break;
         }
         if (!m_levels.back().names.empty())
@@ -72,8 +84,8 @@ bool Descent::run(FileDescriptor const& folder, std::string const& name, ItemIde
         else if (!leave())
             break;
     }
-    errno = m_firstError;
-    return m_firstError == 0;
+    if (m_firstError) return *m_firstError;
+    return {};
 }
 
 void Descent::meet(std::string const& name, ItemPlace const& place) {
@@ -85,56 +97,61 @@ void Descent::meet(std::string const& name, ItemPlace const& place) {
 }
 
 void Descent::enter(std::string const& name, ItemPlace const& place) {
-    if (place.mount != m_start.mount) return fail(EBUSY);
+    if (place.mount != m_start.mount) return fail({.code = EBUSY, .operation = "open", .item = name});
     if (m_rules.makesAccessible && (place.mode & S_IRWXU) != S_IRWXU) letOwnerIn(m_folder, name, place);
-    FileDescriptor folder(::openat(m_folder.number(), name.c_str(), ListFlags));
-    if (!folder.isOpen()) return fail(errno);
-    std::optional<ItemPlace> const found = placeOf(folder);
-    if (!found || !(found->identity == place.identity)) return fail(ESTALE);
-    std::optional<std::vector<std::string>> names = namesInOpenFolder(folder);
-    if (!names) return fail(errno);
-    m_levels.push_back({name, place, std::move(*names)});
-    m_folder = std::move(folder);
+    Result<FileDescriptor> folder = openToList(m_folder, name);
+    if (!folder.hasValue()) return fail(folder.problem());
+    Result<ItemPlace> const found = placeOf(folder.value());
+    if (!found.hasValue() || !(found.value().identity == place.identity)) return fail(anotherItem(name));
+    Result<std::vector<std::string>> names = namesInOpenFolder(folder.value());
+    if (!names.hasValue()) return fail(names.problem());
+    m_levels.push_back({name, place, names.takeValue()});
+    m_folder = folder.takeValue();
 }
 
 void Descent::visitNext() {
     std::string const name = std::move(m_levels.back().names.back());
     m_levels.back().names.pop_back();
-    std::optional<ItemPlace> const place = placeOf(m_folder, name);
-    if (place) return meet(name, *place);
-    // Otherwise somebody was quicker.
-    if (errno != ENOENT) fail(errno);
+    Result<ItemPlace> const place = placeOf(m_folder, name);
+    if (place.hasValue()) return meet(name, place.value());
+    // An item that another process has removed meanwhile is no failure.
+    if (!place.problem().is(ENOENT)) fail(place.problem());
 }
 
-// Only into the very folder that it came from.
+// Goes back into the very folder that the descent came from, and no other.
 bool Descent::leave() {
     Level const level = std::move(m_levels.back());
     m_levels.pop_back();
     ItemPlace const& above = m_levels.empty() ? m_start : m_levels.back().place;
-    FileDescriptor folder(::openat(m_folder.number(), "..", ListFlags));
-    std::optional<ItemPlace> const place = folder.isOpen() ? placeOf(folder) : std::nullopt;
-    if (!place || !(place->identity == above.identity)) {
-        fail(place ? ESTALE : errno);
+    Result<FileDescriptor> folder = openToList(m_folder, "..");
+    if (!folder.hasValue()) {
+        fail(folder.problem());
         return false;
     }
-    m_folder = std::move(folder);
+    Result<ItemPlace> const place = placeOf(folder.value());
+    if (!place.hasValue() || !(place.value().identity == above.identity)) {
+        fail(place.hasValue() ? anotherItem("..") : place.problem());
+        return false;
+    }
+    m_folder = folder.takeValue();
     visit(level.name, level.place);
     return true;
 }
 
 void Descent::visit(std::string const& name, ItemPlace const& place) {
-    if (!m_visit(m_folder, name, place)) fail(errno);
+    Result<void> const visited = m_visit(m_folder, name, place);
+    if (!visited.isDone()) fail(visited.problem());
 }
 
-void Descent::fail(int errorNumber) {
-    if (m_firstError == 0) m_firstError = errorNumber;
-    m_isCancelled = m_isCancelled || errorNumber == ECANCELED;
+void Descent::fail(SystemError const& error) {
+    if (!m_firstError) m_firstError = error;
+    m_isCancelled = m_isCancelled || error.is(ECANCELED);
 }
 
 } // namespace
 
-bool descend(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
-             DescentRules const& rules, DescentVisit const& visit) {
+Result<void> descend(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
+                     DescentRules const& rules, DescentVisit const& visit) {
     return Descent(rules, visit).run(folder, name, expected);
 }
 

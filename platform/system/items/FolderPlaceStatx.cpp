@@ -1,3 +1,4 @@
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/FolderPlace.h"
@@ -10,11 +11,12 @@ namespace mac {
 
 namespace {
 
-std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
+Result<ItemPlace> placeAt(int folder, char const* name, int flags) {
     constexpr unsigned wanted =
         STATX_TYPE | STATX_MODE | STATX_UID | STATX_INO | STATX_NLINK | STATX_BTIME | STATX_MNT_ID;
     struct statx status {};
-    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, wanted, &status) != 0) return std::nullopt;
+    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, wanted, &status) != 0)
+        return lastSystemError("statx", name);
     ItemPlace place;
     place.identity = identityOf(status);
     // Before Linux 5.8 the device has to do.
@@ -26,72 +28,92 @@ std::optional<ItemPlace> placeAt(int folder, char const* name, int flags) {
     return place;
 }
 
-FileDescriptor folderAbove(FileDescriptor const& folder, int flags = O_PATH) {
-    return FileDescriptor(::openat(folder.number(), "..", flags | O_DIRECTORY | O_CLOEXEC));
+Result<FileDescriptor> openFolder(FileDescriptor const& folder, char const* name, int flags) {
+    FileDescriptor opened(::openat(folder.number(), name, flags | O_DIRECTORY | O_CLOEXEC));
+    if (!opened.isOpen()) return lastSystemError("open", name);
+    return opened;
 }
 
 bool isSamePlace(ItemPlace const& one, ItemPlace const& other) {
     return one.identity == other.identity && one.mount == other.mount;
 }
 
-std::optional<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& item) {
-    for (std::string const& name : namesInOpenFolder(folder).value_or(std::vector<std::string>())) {
-        std::optional<ItemPlace> const found = placeOf(folder, name);
-        if (found && isSamePlace(*found, item)) return name;
+// A folder of a path, and where it lies.
+struct PlacedFolder {
+    FileDescriptor folder{};
+    ItemPlace place{};
+};
+
+Result<PlacedFolder> placed(Result<FileDescriptor> folder) {
+    if (!folder.hasValue()) return folder.problem();
+    Result<ItemPlace> const place = placeOf(folder.value());
+    if (!place.hasValue()) return place.problem();
+    return PlacedFolder{folder.takeValue(), place.value()};
+}
+
+Result<PlacedFolder> folderAbove(FileDescriptor const& folder, int flags = O_PATH) {
+    return placed(openFolder(folder, "..", flags));
+}
+
+Result<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& item) {
+    Result<std::vector<std::string>> const names = namesInOpenFolder(folder);
+    if (!names.hasValue()) return names.problem();
+    for (std::string const& name : names.value()) {
+        Result<ItemPlace> const found = placeOf(folder, name);
+        if (found.hasValue() && isSamePlace(found.value(), item)) return name;
     }
-    return std::nullopt;
+    return SystemError{.code = ENOENT, .operation = "readdir"};
 }
 
 } // namespace
 
-std::optional<ItemPlace> placeOf(FileDescriptor const& item) { return placeAt(item.number(), "", AT_EMPTY_PATH); }
+Result<ItemPlace> placeOf(FileDescriptor const& item) { return placeAt(item.number(), "", AT_EMPTY_PATH); }
 
-std::optional<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name) {
+Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name) {
     return placeAt(folder.number(), name.c_str(), 0);
 }
 
-std::optional<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {
+Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {
+    Result<PlacedFolder> current = placed(openFolder(folder, ".", O_PATH));
     std::vector<ItemIdentity> identities;
-    std::optional<ItemPlace> place = placeOf(folder);
-    FileDescriptor above = folderAbove(folder);
-    while (place) {
-        identities.push_back(place->identity);
-        std::optional<ItemPlace> next = above.isOpen() ? placeOf(above) : std::nullopt;
-        if (next && isSamePlace(*next, *place)) return identities;
-        place = next;
-        if (place) above = folderAbove(above);
+    while (current.hasValue()) {
+        identities.push_back(current.value().place.identity);
+        Result<PlacedFolder> above = folderAbove(current.value().folder);
+        if (above.hasValue() && isSamePlace(above.value().place, current.value().place)) return identities;
+        current = std::move(above);
     }
-    return std::nullopt;
+    return current.problem();
 }
 
-FileDescriptor topOfMount(FileDescriptor const& folder) {
-    FileDescriptor top(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    while (top.isOpen()) {
-        std::optional<ItemPlace> const place = placeOf(top);
-        FileDescriptor above = folderAbove(top);
-        std::optional<ItemPlace> const next = above.isOpen() ? placeOf(above) : std::nullopt;
-        if (!place || !next) return {};
-        if (next->mount != place->mount || isSamePlace(*next, *place)) return top;
+Result<FileDescriptor> topOfMount(FileDescriptor const& folder) {
+    Result<PlacedFolder> top = placed(openFolder(folder, ".", O_PATH));
+    while (top.hasValue()) {
+        Result<PlacedFolder> above = folderAbove(top.value().folder);
+        if (!above.hasValue()) return above.problem();
+        bool const isOnSameMount = above.value().place.mount == top.value().place.mount;
+        if (!isOnSameMount || isSamePlace(above.value().place, top.value().place)) return std::move(top.value().folder);
         top = std::move(above);
     }
-    return top;
+    return top.problem();
 }
 
-std::optional<std::string> pathOfFolder(FileDescriptor const& folder) {
-    std::optional<std::string> path = systemsPath(folder);
-    FileDescriptor below(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+Result<std::string> pathOfFolder(FileDescriptor const& folder) {
+    Result<std::string> path = systemsPath(folder);
+    if (path.hasValue() || !path.problem().is(ENAMETOOLONG)) return path;
+    Result<PlacedFolder> below = placed(openFolder(folder, ".", O_PATH));
     std::string end;
-    while (!path && errno == ENAMETOOLONG) {
-        FileDescriptor above = folderAbove(below, O_RDONLY);
-        std::optional<ItemPlace> const place = placeOf(below);
-        std::optional<std::string> const name = above.isOpen() && place ? nameInFolder(above, *place) : std::nullopt;
-        if (!name) return std::nullopt;
-        end.insert(0, "/" + *name);
+    while (!path.hasValue() && path.problem().is(ENAMETOOLONG)) {
+        if (!below.hasValue()) return below.problem();
+        Result<PlacedFolder> above = folderAbove(below.value().folder, O_RDONLY);
+        if (!above.hasValue()) return above.problem();
+        Result<std::string> const name = nameInFolder(above.value().folder, below.value().place);
+        if (!name.hasValue()) return name.problem();
+        end = end.empty() ? name.value() : BytePath(name.value()).joined(end);
+        path = systemsPath(above.value().folder);
         below = std::move(above);
-        path = systemsPath(below);
     }
-    if (!path || end.empty()) return path;
-    return *path == "/" ? end : *path + end;
+    if (!path.hasValue()) return path;
+    return BytePath(path.value()).joined(end);
 }
 
 } // namespace mac

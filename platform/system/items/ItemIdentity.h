@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/system/Result.h"
 #include <cstdint>
-#include <optional>
 #include <string>
 
 struct statx;
@@ -10,20 +10,20 @@ namespace mac {
 
 class FileDescriptor;
 
-// What tells an item from all others, also from one that gets its number when it is gone. For implementations.
+// Tells an item from all others, also from one that gets its inode number once it is removed. A value; any thread.
 struct ItemIdentity {
     std::uint64_t device{0};
     std::uint64_t inode{0};
-    // Nanoseconds since 1970; 0 where the file system does not tell.
+    // Nanoseconds since 1970; 0 if the file system does not record the birth time.
     std::int64_t birth{0};
 
-    // Without a birth time a number may come to mean another item, unless the item is held.
+    // False if the inode number may be given to another item once this one is no longer held open.
     bool isLasting() const { return birth != 0; }
 
     bool operator==(ItemIdentity const&) const = default;
 };
 
-// What was asked of the system with the item's device, number and birth.
+// The device, inode and birth time in a status that was asked for with STATX_INO and STATX_BTIME.
 ItemIdentity identityOf(struct statx const& status);
 
 struct ItemIdentityHash {
@@ -33,16 +33,16 @@ struct ItemIdentityHash {
 struct IdentifiedItem {
     ItemIdentity identity{};
     bool isFolder{false};
+    // No name leads to the item any more.
     bool isRemoved{false};
 };
 
-std::optional<IdentifiedItem> identify(FileDescriptor const& item);
-// In an open folder; a link is meant itself.
-std::optional<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
+Result<IdentifiedItem> identify(FileDescriptor const& item);
+// The item of a name in an open folder; a symbolic link itself.
+Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
 
-// Whether what has the name in the open folder is that very item, for a name can be given to another one: then errno is
-// ESTALE.
-bool isItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item);
-bool isItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item);
+// Done if the name in the open folder leads to that very item; ESTALE if it leads to another one.
+Result<void> confirmItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item);
+Result<void> confirmItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item);
 
 } // namespace mac

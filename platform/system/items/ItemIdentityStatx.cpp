@@ -11,9 +11,10 @@ namespace {
 
 constexpr unsigned Wanted = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_BTIME;
 
-std::optional<IdentifiedItem> identifyAt(int folder, char const* name, int flags) {
+Result<IdentifiedItem> identifyAt(int folder, char const* name, int flags) {
     struct statx status {};
-    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, Wanted, &status) != 0) return std::nullopt;
+    if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, Wanted, &status) != 0)
+        return lastSystemError("statx", name);
     IdentifiedItem item;
     item.identity = identityOf(status);
     item.isFolder = S_ISDIR(status.stx_mode);
@@ -37,25 +38,23 @@ std::size_t ItemIdentityHash::operator()(ItemIdentity const& identity) const {
     return hash ^ hash >> 32;
 }
 
-std::optional<IdentifiedItem> identify(FileDescriptor const& item) {
-    return identifyAt(item.number(), "", AT_EMPTY_PATH);
-}
+Result<IdentifiedItem> identify(FileDescriptor const& item) { return identifyAt(item.number(), "", AT_EMPTY_PATH); }
 
-std::optional<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name) {
+Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name) {
     return identifyAt(folder.number(), name.c_str(), 0);
 }
 
-bool isItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item) {
-    std::optional<IdentifiedItem> const found = identify(folder, name);
-    if (!found) return false;
-    if (found->identity == item) return true;
-    errno = ESTALE;
-    return false;
+Result<void> confirmItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item) {
+    Result<IdentifiedItem> const found = identify(folder, name);
+    if (!found.hasValue()) return found.problem();
+    if (found.value().identity == item) return {};
+    return SystemError{.code = ESTALE, .operation = "statx", .item = name};
 }
 
-bool isItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
-    std::optional<IdentifiedItem> const expected = identify(item);
-    return expected && isItemInFolder(folder, name, expected->identity);
+Result<void> confirmItemInFolder(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
+    Result<IdentifiedItem> const expected = identify(item);
+    if (!expected.hasValue()) return expected.problem();
+    return confirmItemInFolder(folder, name, expected.value().identity);
 }
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/Result.h"
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,8 +26,8 @@ class MountTable {
 public:
     static constexpr char const* source = "/proc/self/mountinfo";
 
-    // Of this process. Empty with errno set when the system does not tell.
-    static MountTable current();
+    // The mounts that this process sees.
+    static Result<MountTable> current();
     // Text as in `source`; a line of another form is left out.
     static MountTable parse(std::string_view text);
 
@@ -42,8 +43,5 @@ private:
 
 // Whether the files lie on this machine: on a disk or an image of one, or in a file system that stands on such.
 bool isLocal(Mount const& mount);
-
-// Whether `path` is `folder` or lies in it.
-bool isAtOrBelow(std::string_view path, std::string_view folder);
 
 } // namespace mac

@@ -1,8 +1,6 @@
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/items/MountTable.h"
-
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -13,6 +11,8 @@
 namespace mac {
 
 namespace {
+
+constexpr std::size_t LargestTable = std::size_t{64} << 20;
 
 std::string_view takeField(std::string_view& line) {
     std::size_t const space = std::min(line.find(' '), line.size());
@@ -73,16 +73,11 @@ std::optional<Mount> parseLine(std::string_view line) {
 
 } // namespace
 
-MountTable MountTable::current() {
-    int const descriptor = ::open(source, O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) return {};
-    std::string text;
-    std::array<char, 16'384> buffer;
-    ssize_t count;
-    while ((count = ::read(descriptor, buffer.data(), buffer.size())) > 0)
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    ::close(descriptor);
-    return parse(text);
+Result<MountTable> MountTable::current() {
+    Result<FileContents> const table = readFileAtPath(source, LargestTable);
+    if (!table.hasValue()) return table.problem();
+    std::vector<std::byte> const& bytes = table.value().bytes;
+    return parse({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
 MountTable MountTable::parse(std::string_view text) {
@@ -115,7 +110,7 @@ Mount const* MountTable::reachedBy(std::string_view path) const {
         for (Mount const& mount : m_mounts) {
             bool const hangsHere =
                 reached == nullptr ? !mount.hangsOnListed : mount.hangsOnListed && mount.parent == reached->id;
-            if (!hangsHere || !isAtOrBelow(path, mount.mountPoint)) continue;
+            if (!hangsHere || !BytePath(path).isAtOrBelow(mount.mountPoint)) continue;
             if (next == nullptr || mount.mountPoint.size() < next->mountPoint.size()) next = &mount;
         }
         if (next == nullptr) break;
@@ -149,11 +144,6 @@ bool isLocal(Mount const& mount) {
     };
     if (!mount.device.starts_with("0:")) return true;
     return std::find(localTypes.begin(), localTypes.end(), mount.type) != localTypes.end();
-}
-
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-    if (folder == "/") return path.starts_with('/');
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 } // namespace mac

@@ -11,13 +11,13 @@ namespace mac {
 
 namespace {
 
-// What the starter wants to know: who it is, or why it is not there.
+// What the started process tells its starter: its ID, or the code of its failure.
 struct Report {
     std::int32_t pid{0};
     int errorNumber{0};
 };
 
-// Between fork and exec only what a signal handler might call.
+// Runs between fork and exec, so it makes async-signal-safe calls only.
 [[noreturn]] void run(char const* file, char* const* words, char const* folder, int reportTo) {
     ::setsid();
     pid_t const last = ::fork();
@@ -51,30 +51,31 @@ bool readReport(int from, Report& report) {
 
 } // namespace
 
-DetachedProcess startDetached(std::string const& file, std::vector<std::string> const& words,
-                              std::string const& folder) {
+Result<std::int32_t> startDetached(std::string const& file, std::vector<std::string> const& words,
+                                   std::string const& folder) {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string const& word : words)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return {};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return lastSystemError("pipe", file);
     FileDescriptor const from(ends[0]);
     FileDescriptor to(ends[1]);
     pid_t const child = ::fork();
-    if (child < 0) return {};
+    if (child < 0) return lastSystemError("fork", file);
     if (child == 0) run(file.c_str(), arguments.data(), folder.c_str(), to.number());
     to = FileDescriptor();
     while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR)
         ;
-    // The program's own descriptor closes when it starts; what comes before that is a failure.
+    // exec closes the process's end of the pipe; a report that comes before that is a failure.
     Report started;
     Report failed;
-    if (!readReport(from.number(), started)) return {};
-    bool const hasFailed = started.pid == 0 || readReport(from.number(), failed);
-    errno = started.pid == 0 ? started.errorNumber : failed.errorNumber;
-    return {hasFailed ? 0 : started.pid};
+    if (!readReport(from.number(), started)) return SystemError{.code = EPIPE, .operation = "fork", .item = file};
+    if (started.pid == 0) return SystemError{.code = started.errorNumber, .operation = "fork", .item = file};
+    if (readReport(from.number(), failed))
+        return SystemError{.code = failed.errorNumber, .operation = "exec", .item = file};
+    return started.pid;
 }
 
 } // namespace mac

@@ -1,3 +1,4 @@
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
@@ -20,7 +21,7 @@ constexpr std::array<std::string_view, 24> Interpreters{
 
 // "python3.11" is python, "perl5.36-x86_64-linux-gnu" is perl.
 std::string_view plainName(std::string_view executable) {
-    std::string_view const name = executable.substr(executable.rfind('/') + 1);
+    std::string_view const name = BytePath(executable).leaf();
     return name.substr(0, name.find_first_of("0123456789-"));
 }
 
@@ -34,11 +35,12 @@ std::string_view plainOptionsOf(std::string_view interpreter) {
     return "";
 }
 
-// Texts that each end with a NUL.
+// The NUL-terminated strings in a file; nullopt if it cannot be read.
 std::optional<std::vector<std::string>> textsIn(std::string const& path) {
     constexpr std::size_t largest = std::size_t{8} << 20;
-    FileDescriptor const file = openPath(path, O_RDONLY);
-    Result<FileContents, Failure> const contents = file.isOpen() ? readOpenFile(file, largest) : Failure{};
+    Result<FileDescriptor> const file = openPath(path, O_RDONLY);
+    if (!file.hasValue()) return std::nullopt;
+    Result<FileContents> const contents = readOpenFile(file.value(), largest);
     if (!contents.hasValue()) return std::nullopt;
     std::vector<std::string> texts;
     std::string_view rest(reinterpret_cast<char const*>(contents.value().bytes.data()), contents.value().bytes.size());

@@ -19,26 +19,32 @@ std::string_view nameOf(dirent64 const& entry) {
     return {entry.d_name, certain + ::strnlen(entry.d_name + certain, room - certain)};
 }
 
+bool isFolder(FileDescriptor const& parent, char const* name) {
+    Result<FolderFacts> const facts = factsInside(parent, name);
+    return facts.hasValue() && facts.value().isFolder;
+}
+
 } // namespace
 
 FolderReader::FolderReader() : m_buffer(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
 
-FolderReader::Fill FolderReader::fill(OpenFolder const& folder) {
-    ssize_t const count = ::getdents64(folder.descriptor(), m_buffer.get(), bufferSize);
+Result<FolderReader::Fill> FolderReader::fill(FileDescriptor const& folder) {
     m_position = 0;
-    m_filled = count > 0 ? static_cast<std::size_t>(count) : 0;
-    if (count < 0) return Fill::Failed;
+    m_filled = 0;
+    ssize_t const count = ::getdents64(folder.number(), m_buffer.get(), bufferSize);
+    if (count < 0) return lastSystemError("getdents");
+    m_filled = static_cast<std::size_t>(count);
     return count == 0 ? Fill::End : Fill::Some;
 }
 
-std::optional<std::string_view> FolderReader::nextSubfolder(OpenFolder const& folder) {
+std::optional<std::string_view> FolderReader::nextSubfolder(FileDescriptor const& folder) {
     while (m_position < m_filled) {
         auto const& entry = *reinterpret_cast<dirent64 const*>(m_buffer.get() + m_position);
         m_position += entry.d_reclen;
         if (entry.d_type != DT_DIR && entry.d_type != DT_UNKNOWN) continue;
         std::string_view const name = nameOf(entry);
         if (name == "." || name == "..") continue;
-        if (entry.d_type == DT_DIR || factsInside(folder, entry.d_name).isFolder) return name;
+        if (entry.d_type == DT_DIR || isFolder(folder, entry.d_name)) return name;
     }
     return std::nullopt;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/walker/OpenFolder.h"
+#include "platform/system/walker/FolderFacts.h"
 
 #include <cstddef>
 #include <memory>
@@ -14,12 +14,12 @@ class FolderReader {
 public:
     FolderReader();
 
-    enum class Fill { Some, End, Failed };
-    // Reads on from where the descriptor stands. Sets errno when it fails.
-    Fill fill(OpenFolder const& folder);
-    // The next folder in the buffer, never "." or "..". Valid until the next fill. `folder` is the one it was filled
-    // from, and is asked where the file system does not tell the kind of an entry.
-    std::optional<std::string_view> nextSubfolder(OpenFolder const& folder);
+    enum class Fill { Some, End };
+    // Reads on from the descriptor's position. After a failure nothing is in the buffer.
+    Result<Fill> fill(FileDescriptor const& folder);
+    // The next folder in the buffer, never "." or ".."; nullopt after the last. Valid until the next fill. `folder` is
+    // the one it was filled from, and is asked where the file system does not tell the kind of an entry.
+    std::optional<std::string_view> nextSubfolder(FileDescriptor const& folder);
     // Whether the last fill left room for more, so that the folder's end was surely reached.
     bool hadRoomLeft() const;
 

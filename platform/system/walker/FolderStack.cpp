@@ -1,12 +1,19 @@
 #include "platform/system/walker/FolderStack.h"
-
-#include <unistd.h>
+#include "platform/system/LongPath.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 #include <utility>
 
 namespace mac {
+
+namespace {
+
+FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).valueOr(FolderFacts()).identity; }
+
+} // namespace
 
 FolderStack::FolderStack(std::size_t openLimit) : m_openLimit(std::max<std::size_t>(openLimit, 1)) {}
 
@@ -40,17 +47,16 @@ void FolderStack::clear() {
     m_firstOpen = 0;
 }
 
-bool FolderStack::openTop() {
+Result<void> FolderStack::openTop() {
     FolderState& state = top();
-    if (state.folder.isOpen()) return true;
-    OpenFolder folder = OpenFolder::atPath(m_path);
-    if (!folder.isOpen()) return false;
-    if (factsOf(folder).identity != state.identity || ::lseek(folder.descriptor(), state.position, SEEK_SET) < 0) {
-        errno = ESTALE;
-        return false;
-    }
-    state.folder = std::move(folder);
-    return true;
+    if (state.folder.isOpen()) return {};
+    Result<FileDescriptor> folder = openPath(m_path, O_RDONLY | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
+    bool const isSame = identityOf(folder.value()) == state.identity;
+    if (!isSame || ::lseek(folder.value().number(), state.position, SEEK_SET) < 0)
+        return SystemError{.code = ESTALE, .operation = "open", .item = m_path};
+    state.folder = folder.takeValue();
+    return {};
 }
 
 void FolderStack::closeAllButTop() {
@@ -60,9 +66,9 @@ void FolderStack::closeAllButTop() {
 
 void FolderStack::giveUpDescriptor(FolderState& state) {
     if (!state.folder.isOpen()) return;
-    state.identity = factsOf(state.folder).identity;
-    state.position = ::lseek(state.folder.descriptor(), 0, SEEK_CUR);
-    state.folder.close();
+    state.identity = identityOf(state.folder);
+    state.position = ::lseek(state.folder.number(), 0, SEEK_CUR);
+    state.folder = FileDescriptor();
 }
 
 void FolderStack::addName(std::string_view name) {
@@ -96,8 +102,8 @@ std::optional<FolderShare> FolderStack::split(VolumeTraits const& traits) {
     std::size_t const secondHalf = startOfSecondHalf(only);
     if (secondHalf == only.namesEnd || !only.state.folder.isOpen()) return std::nullopt;
     FolderShare share = shareOf(only, traits, secondHalf);
-    share.state.folder = only.state.folder.duplicate();
-    share.state.identity = factsOf(only.state.folder).identity;
+    share.state.folder = duplicateOf(only.state.folder).valueOr(FileDescriptor());
+    share.state.identity = identityOf(only.state.folder);
     share.state.isRead = true;
     share.state.holdsMountPoints = only.state.holdsMountPoints;
     only.namesEnd = secondHalf;

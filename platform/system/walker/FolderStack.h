@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/system/BytePath.h"
-#include "platform/system/walker/OpenFolder.h"
+#include "platform/system/walker/FolderFacts.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,12 +15,12 @@ namespace mac {
 // What holds for all folders of a volume.
 struct VolumeTraits {
     std::uint64_t mount = 0;               // as FolderFacts tells it
-    bool linkCountTellsSubfolders = false; // see LeafRule.h
+    bool linkCountTellsSubfolders = false; // by the leaf rule, see FolderFacts.h
 };
 
 // How far one folder has been read. Its descriptor may have been given up; then the rest serves to go on later.
 struct FolderState {
-    OpenFolder folder;
+    FileDescriptor folder;
     FolderIdentity identity;
     std::int64_t position = 0;               // where reading goes on, while it is not open
     std::optional<std::uint32_t> subfolders; // by the leaf rule
@@ -53,8 +53,8 @@ public:
 
     FolderState& top() { return m_levels.back().state; }
     std::string_view path() const { return m_path; } // of the top folder
-    // Opens the top folder if it is not open. False with errno when that fails or another folder has its path now.
-    bool openTop();
+    // Opens the top folder if it is not open; fails with ESTALE if another folder has its path now.
+    Result<void> openTop();
     void closeAllButTop();
 
     // Subfolders of the top folder, to be visited in this order.

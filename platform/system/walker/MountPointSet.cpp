@@ -1,12 +1,13 @@
 #include "platform/system/walker/MountPointSet.h"
+#include "platform/system/BytePath.h"
 
 namespace mac {
 
 void MountPointSet::add(std::string_view path) {
-    std::size_t const slash = path.rfind('/');
-    if (slash == std::string_view::npos) return;
+    std::string_view const parent = BytePath(path).parent();
+    if (parent.empty()) return;
     m_points.emplace(path);
-    m_parents.emplace(slash == 0 ? std::string_view("/") : path.substr(0, slash));
+    m_parents.emplace(parent);
 }
 
 } // namespace mac

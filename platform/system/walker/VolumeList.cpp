@@ -1,15 +1,13 @@
 #include "platform/system/walker/VolumeList.h"
-
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/items/MountTable.h"
-#include "platform/system/walker/FolderStack.h"
-
-#include <sys/stat.h>
-
+#include "platform/system/walker/FolderFacts.h"
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
-#include <optional>
+#include <sys/stat.h>
 #include <utility>
 
 namespace mac {
@@ -25,29 +23,9 @@ struct Candidate {
     bool isPackage = false;
 };
 
-// What follows `folder` in `path`, which lies at or below it: "" or "a/b".
-std::string_view pathBelow(std::string_view path, std::string_view folder) {
-    path.remove_prefix(folder.size());
-    if (path.starts_with('/')) path.remove_prefix(1);
-    return path;
-}
-
-std::string joined(std::string folder, std::string_view relativePath) {
-    if (!relativePath.empty()) appendComponent(folder, relativePath);
-    return folder;
-}
-
-std::string withoutTrailingSlashes(std::string path) {
-    while (path.size() > 1 && path.ends_with('/'))
-        path.pop_back();
-    return path;
-}
-
-std::string_view lastComponent(std::string_view path) { return path.substr(path.rfind('/') + 1); }
-
-std::string_view withoutLastComponent(std::string_view relativePath) {
-    std::size_t const slash = relativePath.rfind('/');
-    return slash == std::string_view::npos ? std::string_view() : relativePath.substr(0, slash);
+// The folder itself for an empty relative path.
+std::string joined(BytePath folder, std::string_view relativePath) {
+    return relativePath.empty() ? std::string(folder.bytes()) : folder.joined(relativePath);
 }
 
 Candidate candidateForRoot(WalkRoot const& root, Mount const* mount, PackageRule const& packages) {
@@ -56,10 +34,10 @@ Candidate candidateForRoot(WalkRoot const& root, Mount const* mount, PackageRule
                         .mount = mount,
                         .device = "",
                         .subtree = root.canonicalPath,
-                        .isPackage = !root.isLink && packages.isPackage(lastComponent(root.path))};
+                        .isPackage = !root.isLink && packages.isPackage(BytePath(root.path).leaf())};
     if (mount == nullptr) return candidate;
     candidate.device = mount->device;
-    candidate.subtree = joined(mount->subtree, pathBelow(root.canonicalPath, mount->mountPoint));
+    candidate.subtree = joined(mount->subtree, BytePath(root.canonicalPath).belowFolder(mount->mountPoint));
     return candidate;
 }
 
@@ -73,10 +51,10 @@ Candidate candidateForMount(Mount const& mount, std::string&& path) {
 
 // Whether a walk of `wide` comes to `narrow` by itself.
 bool covers(Candidate const& wide, Candidate const& narrow, PackageRule const& packages, MountTable const& mounts) {
-    if (wide.device != narrow.device || !isAtOrBelow(narrow.subtree, wide.subtree)) return false;
-    std::string_view const below = pathBelow(narrow.subtree, wide.subtree);
+    if (wide.device != narrow.device || !BytePath(narrow.subtree).isAtOrBelow(wide.subtree)) return false;
+    std::string_view const below = BytePath(narrow.subtree).belowFolder(wide.subtree);
     if (wide.isPackage && !below.empty()) return false;
-    if (packages.crossesPackage(narrow.isPackage ? withoutLastComponent(below) : below)) return false;
+    if (packages.crossesPackage(narrow.isPackage ? BytePath(below).parent() : below)) return false;
     return mounts.reachedBy(joined(wide.canonicalPath, below)) == wide.mount;
 }
 
@@ -95,15 +73,16 @@ std::vector<Candidate> withoutCovered(std::vector<Candidate>&& candidates, Packa
     return kept;
 }
 
-// Nothing, with errno set, when there is no such folder.
-std::optional<WalkRoot> locate(std::string const& path) {
+// Fails if there is no such folder.
+Result<WalkRoot> locate(std::string const& path) {
     struct stat status;
-    if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
-    OpenFolder const folder = OpenFolder::atPath(path);
-    if (!folder.isOpen()) return std::nullopt;
+    if (::lstat(path.c_str(), &status) != 0) return lastSystemError("stat", path);
+    Result<FileDescriptor> const folder = openPath(path, O_RDONLY | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
     std::unique_ptr<char, decltype(&std::free)> const canonicalPath(::realpath(path.c_str(), nullptr), &std::free);
-    if (canonicalPath == nullptr) return std::nullopt;
-    return WalkRoot{path, canonicalPath.get(), factsOf(folder).mount, S_ISLNK(status.st_mode)};
+    if (canonicalPath == nullptr) return lastSystemError("realpath", path);
+    FolderFacts const facts = factsOf(folder.value()).valueOr(FolderFacts());
+    return WalkRoot{path, canonicalPath.get(), facts.mount, S_ISLNK(status.st_mode)};
 }
 
 } // namespace
@@ -118,8 +97,8 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
         if (!onlyLocal || rootMount == nullptr || isLocal(*rootMount)) candidates.push_back(candidate);
         if (candidate.isPackage) continue;
         for (Mount const& mount : mounts.mounts()) {
-            if (mount.mountPoint == root.canonicalPath || !isAtOrBelow(mount.mountPoint, root.canonicalPath)) continue;
-            std::string_view const below = pathBelow(mount.mountPoint, root.canonicalPath);
+            std::string_view const below = BytePath(mount.mountPoint).belowFolder(root.canonicalPath);
+            if (below.empty()) continue;
             std::string path = joined(root.path, below);
             list.mountPoints.add(path);
             if (!isLocal(mount) || packages.crossesPackage(below)) continue;
@@ -130,7 +109,7 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
     for (Candidate& candidate : withoutCovered(std::move(candidates), packages, mounts)) {
         if (!candidate.isPackage)
             list.volumes.push_back(std::move(candidate.volume));
-        else if (packages.isWanted(lastComponent(candidate.volume.path)))
+        else if (packages.isWanted(BytePath(candidate.volume.path).leaf()))
             list.packages.push_back(std::move(candidate.volume.path));
     }
     return list;
@@ -138,16 +117,17 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
 
 VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages) {
     std::vector<WalkRoot> roots;
-    std::vector<UnreadableFolder> failures;
-    MountTable const mounts = MountTable::current();
-    if (mounts.mounts().empty()) failures.push_back({MountTable::source, errno});
+    std::vector<SystemError> failures;
+    Result<MountTable> const current = MountTable::current();
+    if (!current.hasValue()) failures.push_back(current.problem());
     for (std::string const& path : paths.empty() ? std::vector<std::string>{"/"} : paths) {
-        std::string const plainPath = withoutTrailingSlashes(path);
-        if (std::optional<WalkRoot> root = locate(plainPath))
-            roots.push_back(std::move(*root));
+        Result<WalkRoot> root = locate(std::string(BytePath(path).bytes()));
+        if (root.hasValue())
+            roots.push_back(root.takeValue());
         else
-            failures.push_back({plainPath, errno});
+            failures.push_back(root.problem());
     }
+    MountTable const mounts = current.hasValue() ? current.value() : MountTable();
     VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts);
     list.failures = std::move(failures);
     return list;

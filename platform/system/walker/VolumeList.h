@@ -31,7 +31,7 @@ struct VolumeList {
     std::vector<Volume> volumes;
     std::vector<std::string> packages; // roots that are packages themselves
     MountPointSet mountPoints;         // below the roots
-    std::vector<UnreadableFolder> failures;
+    std::vector<SystemError> failures; // each names its path
 };
 
 // What is to be visited for these roots, each on whatever file system it lies, and with all local volumes mounted below

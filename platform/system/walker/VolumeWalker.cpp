@@ -98,8 +98,8 @@ void VolumeWalker::Walk::lead() {
 void VolumeWalker::Walk::giveVolumes() {
     VolumeList list = listVolumes(m_roots, m_packages);
     m_mountPoints = std::move(list.mountPoints);
-    for (UnreadableFolder const& failure : list.failures)
-        m_findings.addUnreadable(failure.path, failure.error);
+    for (SystemError const& failure : list.failures)
+        m_findings.addUnreadable(failure.item, failure);
     for (std::string& package : list.packages)
         m_findings.addPackage(std::move(package));
     for (Volume& volume : list.volumes) {

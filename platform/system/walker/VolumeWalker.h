@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/SystemError.h"
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -19,18 +20,13 @@ struct VolumeWalkRequest {
     std::vector<std::string> names{};
 };
 
-struct UnreadableFolder {
-    std::string path;
-    int error = 0; // as errno
-};
-
 struct VolumeWalkProgress {
     bool isFinished = false; // never after a stop
     std::uint64_t foldersVisited = 0;
     std::uint64_t packagesFound = 0;
     std::uint64_t packagesToTake = 0; // of them, found since the last take
     std::uint64_t unreadableFolders = 0;
-    std::vector<UnreadableFolder> firstUnreadable; // at most maximumUnreadableKept
+    std::vector<SystemError> firstUnreadable; // each names its folder; at most maximumUnreadableKept
 };
 
 // Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was

@@ -16,11 +16,12 @@ void WalkFindings::addPackage(std::string&& path) {
     if (m_onNews) m_onNews();
 }
 
-void WalkFindings::addUnreadable(std::string_view path, int error) {
+void WalkFindings::addUnreadable(std::string_view path, SystemError const& error) {
     std::lock_guard const lock(m_mutex);
     ++m_progress.unreadableFolders;
     if (m_progress.firstUnreadable.size() < VolumeWalker::maximumUnreadableKept)
-        m_progress.firstUnreadable.push_back({.path = std::string(path), .error = error});
+        m_progress.firstUnreadable.push_back(
+            {.code = error.code, .operation = error.operation, .item = std::string(path)});
 }
 
 void WalkFindings::finish() {

@@ -14,7 +14,7 @@ public:
     explicit WalkFindings(std::function<void()> onNews);
 
     void addPackage(std::string&& path);
-    void addUnreadable(std::string_view path, int error);
+    void addUnreadable(std::string_view path, SystemError const& error);
     void countFolder() { m_foldersVisited.fetch_add(1, std::memory_order_relaxed); }
     void finish();
 

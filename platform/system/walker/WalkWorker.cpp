@@ -1,8 +1,7 @@
 #include "platform/system/walker/WalkWorker.h"
-
-#include "platform/system/walker/LeafRule.h"
-
+#include "platform/system/LongPath.h"
 #include <cerrno>
+#include <fcntl.h>
 #include <utility>
 
 namespace mac {
@@ -31,12 +30,13 @@ void WalkWorker::run() {
 }
 
 bool WalkWorker::openVolume(FolderShare& share) {
-    share.state.folder = OpenFolder::atPath(share.path);
-    if (!share.state.folder.isOpen()) {
-        m_findings.addUnreadable(share.path, errno);
+    Result<FileDescriptor> folder = openPath(share.path, O_RDONLY | O_DIRECTORY);
+    if (!folder.hasValue()) {
+        m_findings.addUnreadable(share.path, folder.problem());
         return false;
     }
-    std::uint64_t const mount = factsOf(share.state.folder).mount;
+    share.state.folder = folder.takeValue();
+    std::uint64_t const mount = factsOf(share.state.folder).valueOr(FolderFacts()).mount;
     if (mount != 0 && mount != share.traits.mount) return false; // unmounted since it was listed
     share.traits.mount = mount;
     share.traits.linkCountTellsSubfolders = linkCountTellsSubfolders(share.state.folder);
@@ -55,51 +55,63 @@ void WalkWorker::step() {
 }
 
 void WalkWorker::readNames() {
-    if (!m_stack.openTop()) return abandonTop(errno);
+    if (Result<void> const opened = m_stack.openTop(); !opened.isDone()) return abandonTop(opened.problem());
     FolderState& state = m_stack.top();
-    while (!state.isRead && m_stack.nameBytesWaiting() < nameBytesAtOnce && !m_exchange.isOver()) {
-        FolderReader::Fill const fill = m_reader.fill(state.folder);
-        if (fill == FolderReader::Fill::Failed) failed(m_stack.path(), errno);
-        while (std::optional<std::string_view> const name = m_reader.nextSubfolder(state.folder)) {
-            ++state.subfoldersSeen;
-            if (!m_packages.isPackage(*name))
-                m_stack.addName(*name);
-            else if (m_packages.isWanted(*name))
-                m_findings.addPackage(pathOf(*name));
-        }
-        state.isRead = fill != FolderReader::Fill::Some || sawAllSubfolders(state);
+    while (!state.isRead && m_stack.nameBytesWaiting() < nameBytesAtOnce && !m_exchange.isOver())
+        readInto(state);
+}
+
+// Reads once into the buffer and takes the subfolders from there.
+void WalkWorker::readInto(FolderState& state) {
+    Result<FolderReader::Fill> const fill = m_reader.fill(state.folder);
+    if (!fill.hasValue()) {
+        topFailed(fill.problem());
+        state.isRead = true;
+        return;
     }
+    while (std::optional<std::string_view> const name = m_reader.nextSubfolder(state.folder)) {
+        ++state.subfoldersSeen;
+        if (!m_packages.isPackage(*name))
+            m_stack.addName(*name);
+        else if (m_packages.isWanted(*name))
+            m_findings.addPackage(pathOf(*name));
+    }
+    state.isRead = fill.value() == FolderReader::Fill::End || sawAllSubfolders(state);
 }
 
 // A folder made since the count was taken may have been seen in place of one that comes later in the listing. So
 // unless the listing was short enough to come whole, the count is taken again.
 bool WalkWorker::sawAllSubfolders(FolderState const& state) const {
     if (!state.subfolders || state.subfoldersSeen < *state.subfolders) return false;
-    return m_reader.hadRoomLeft() || subfoldersByLinkCount(factsOf(state.folder).linkCount) == state.subfoldersSeen;
+    if (m_reader.hadRoomLeft()) return true;
+    std::uint32_t const linkCount = factsOf(state.folder).valueOr(FolderFacts()).linkCount;
+    return subfoldersByLinkCount(linkCount) == state.subfoldersSeen;
 }
 
 void WalkWorker::visit(char const* name) {
-    if (!m_stack.openTop()) return abandonTop(errno);
+    if (Result<void> const opened = m_stack.openTop(); !opened.isDone()) return abandonTop(opened.problem());
     FolderState const& parent = m_stack.top();
     if (parent.holdsMountPoints && m_mountPoints.contains(pathOf(name))) return;
-    FolderFacts const facts = factsInside(parent.folder, name);
-    if (facts.error != 0) return failed(pathOf(name), facts.error);
+    Result<FolderFacts> const looked = factsInside(parent.folder, name);
+    if (!looked.hasValue()) return subfolderFailed(name, looked.problem());
+    FolderFacts const& facts = looked.value();
     if (!facts.isFolder || facts.mount != m_volume.mount) return;
     m_findings.countFolder();
     FolderState child;
     if (m_volume.linkCountTellsSubfolders) child.subfolders = subfoldersByLinkCount(facts.linkCount);
     if (child.subfolders == 0U) return;
-    child.folder = open(parent.folder, name);
-    if (!child.folder.isOpen()) return failed(pathOf(name), errno);
+    Result<FileDescriptor> folder = open(parent.folder, name);
+    if (!folder.hasValue()) return subfolderFailed(name, folder.problem());
+    child.folder = folder.takeValue();
     m_stack.push(name, std::move(child));
     m_stack.top().holdsMountPoints = m_mountPoints.isParentOfOne(m_stack.path());
 }
 
-OpenFolder WalkWorker::open(OpenFolder const& parent, char const* name) {
-    OpenFolder folder = OpenFolder::inside(parent, name);
-    if (folder.isOpen() || (errno != EMFILE && errno != ENFILE)) return folder;
+Result<FileDescriptor> WalkWorker::open(FileDescriptor const& parent, char const* name) {
+    Result<FileDescriptor> folder = openFolderIn(parent, name);
+    if (folder.hasValue() || (!folder.problem().is(EMFILE) && !folder.problem().is(ENFILE))) return folder;
     m_stack.closeAllButTop();
-    return OpenFolder::inside(parent, name);
+    return openFolderIn(parent, name);
 }
 
 std::string WalkWorker::pathOf(std::string_view name) const {
@@ -110,12 +122,16 @@ std::string WalkWorker::pathOf(std::string_view name) const {
     return path;
 }
 
-void WalkWorker::failed(std::string_view path, int error) {
-    if (!meansVanished(error)) m_findings.addUnreadable(path, error);
+void WalkWorker::subfolderFailed(char const* name, SystemError const& error) {
+    if (!meansVanished(error)) m_findings.addUnreadable(pathOf(name), error);
 }
 
-void WalkWorker::abandonTop(int error) {
-    failed(m_stack.path(), error);
+void WalkWorker::topFailed(SystemError const& error) {
+    if (!meansVanished(error)) m_findings.addUnreadable(m_stack.path(), error);
+}
+
+void WalkWorker::abandonTop(SystemError const& error) {
+    topFailed(error);
     m_stack.pop();
 }
 

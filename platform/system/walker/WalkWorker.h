@@ -24,11 +24,13 @@ private:
     void step();
     void readNames();
     void visit(char const* name);
+    void readInto(FolderState& state);
     bool sawAllSubfolders(FolderState const& state) const;
-    OpenFolder open(OpenFolder const& parent, char const* name);
+    Result<FileDescriptor> open(FileDescriptor const& parent, char const* name);
     std::string pathOf(std::string_view name) const;
-    void failed(std::string_view path, int error);
-    void abandonTop(int error);
+    void subfolderFailed(char const* name, SystemError const& error);
+    void topFailed(SystemError const& error);
+    void abandonTop(SystemError const& error);
 
     WorkExchange& m_exchange;
     WalkFindings& m_findings;

@@ -84,6 +84,23 @@ TEST_F(FinderOnVolumes, SaysThatTheCopyIsCompleteWhenTheOriginalCannotGo) {
     EXPECT_EQ(errorNumberOf(script), -15267) << "the copy is there";
 }
 
+TEST_F(FinderOnVolumes, SaysWhyTheReplacedItemCannotBeThrownAway) {
+    mountMemory(m_point.path());
+    m_point.makeFile(".Trash-" + std::to_string(::getuid()), "no folder");
+    std::string const old = m_point.makeFile("letter.txt", "old");
+    std::string const file = m_home.folder().makeFile("letter.txt", "new");
+    std::string const reason = textResult(trashScript(old));
+    EXPECT_EQ(errorNumberOf(trashScript(old)), -10000);
+    for (std::string const command : {"move", "duplicate"}) {
+        std::string const source = "tell application \"Finder\" to " + command + " (POSIX file \"" + escaped(file) +
+                                   "\") to (POSIX file \"" + escaped(m_point.path()) + "\") with replacing";
+        EXPECT_EQ(textResult(source), reason) << command;
+        EXPECT_EQ(errorNumberOf(source), -10000) << command;
+        EXPECT_EQ(textOf(old), "old");
+        EXPECT_EQ(textOf(file), "new");
+    }
+}
+
 TEST_F(FinderOnVolumes, ShowsAVolumeAsADisk) {
     mountMemory(m_point.path());
     m_point.makeFile("letter.txt", "Dear Anna");

@@ -1,13 +1,16 @@
 #include "platform/applescript/SourceForm.h"
 #include "platform/files/HFSPaths.h"
-#include "platform/files/TrashSteps.h"
 #include "tests/platform/applescript/FinderScripts.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/files/TrashHome.h"
 #include "tests/support/Gio.h"
 #include <array>
+#include <atomic>
+#include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -15,6 +18,32 @@
 namespace mac::applescript::test {
 
 namespace {
+
+std::atomic<bool>* s_isDeleted = nullptr;
+
+// Sets the flag when an item in the folder is deleted: a signal interrupts the deleting thread, so that it runs on only
+// after the flag is set. REQUIRES: the main thread deletes.
+class FirstDeletion {
+public:
+    FirstDeletion(std::string const& folder, std::atomic<bool>& isDeleted) {
+        s_isDeleted = &isDeleted;
+        m_before = std::signal(SIGIO, [](int) { *s_isDeleted = true; });
+        EXPECT_GE(::inotify_add_watch(m_events.number(), folder.c_str(), IN_DELETE), 0);
+        EXPECT_EQ(::fcntl(m_events.number(), F_SETOWN, ::getpid()), 0);
+        EXPECT_EQ(::fcntl(m_events.number(), F_SETFL, O_ASYNC | O_NONBLOCK), 0);
+    }
+    ~FirstDeletion() {
+        m_events = FileDescriptor();
+        std::signal(SIGIO, m_before);
+        s_isDeleted = nullptr;
+    }
+    FirstDeletion(FirstDeletion const&) = delete;
+    FirstDeletion& operator=(FirstDeletion const&) = delete;
+
+private:
+    FileDescriptor m_events{::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)};
+    void (*m_before)(int){SIG_DFL};
+};
 
 TEST(Finder, ThrowsAwayAndSaysWhere) {
     ScriptHome const home;
@@ -241,9 +270,7 @@ TEST(Finder, StopsWhileItEmptiesTheTrash) {
     for (std::string const name : {"f1.txt", "f2.txt", "f10.txt"})
         ASSERT_EQ(errorNumberOf(trashScript(home.path("Documents/" + name))), 0);
     std::atomic<bool> cancelled{false};
-    TrashStepListener const listener([&](TrashStep step) {
-        if (step == TrashStep::ItemErased) cancelled = true;
-    });
+    FirstDeletion const deletion(home.path(".local/share/Trash/files"), cancelled);
     EXPECT_EQ(errorNumberOf("try\ntell application \"Finder\" to empty trash\nend try", {.cancelled = &cancelled}),
               -128);
     EXPECT_EQ(trashedItems().size(), 2U);

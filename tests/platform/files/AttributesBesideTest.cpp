@@ -1,4 +1,4 @@
-#include "platform/system/items/AppleDoubleFile.h"
+#include "platform/system/items/AppleDouble.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/OrdinaryUser.h"
@@ -8,10 +8,8 @@
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -289,101 +287,6 @@ INSTANTIATE_TEST_SUITE_P(ExtendedAttributes, AttributesThatAreNone,
                          testing::Values(Nothing{XATTR_FINDERINFO_NAME, std::string(32, '\0'), std::string(32, 'F')},
                                          Nothing{XATTR_RESOURCEFORK_NAME, "", "fork"}),
                          [](auto const& parameter) { return parameter.index == 0 ? "FinderInformation" : "Fork"; });
-
-class AppleDoubleFiles : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_TRUE(m_item); }
-
-    TemporaryFolder const m_folder{};
-    std::string const m_file{m_folder.makeFile("file", "")};
-    std::optional<OpenItem> const m_item{openItemAtPath(m_file, true)};
-};
-
-TEST_F(AppleDoubleFiles, AreNotWrittenOverAnothersChange) {
-    makeBeside(m_folder, "._file", {"a"});
-    AppleDoubleFile ours(*m_item);
-    ASSERT_TRUE(ours.contents.setValue("b", {}));
-    makeBeside(m_folder, "theirs", {"a", "c"});
-    ASSERT_EQ(::rename(m_folder.path("theirs").c_str(), m_folder.path("._file").c_str()), 0);
-    EXPECT_FALSE(ours.save());
-    EXPECT_EQ(errno, EAGAIN);
-    EXPECT_EQ(list(m_file), (Names{"a", "c"}));
-    EXPECT_TRUE(AppleDoubleFile(*m_item).save());
-}
-
-TEST_F(AppleDoubleFiles, AreNotWrittenOverOneThatHasAppeared) {
-    AppleDoubleFile ours(*m_item);
-    ASSERT_TRUE(ours.contents.setValue("b", {}));
-    makeBeside(m_folder, "._file", {"a"});
-    EXPECT_FALSE(ours.save());
-    EXPECT_EQ(errno, EAGAIN);
-    EXPECT_EQ(list(m_file), Names{"a"});
-}
-
-TEST_F(AppleDoubleFiles, AreNotRemovedWhenTheyHaveChanged) {
-    makeBeside(m_folder, "._file", {"a"});
-    AppleDoubleFile ours(*m_item);
-    ASSERT_TRUE(ours.contents.removeValue("a"));
-    makeBeside(m_folder, "._file", {"a", "c"});
-    EXPECT_FALSE(ours.save());
-    EXPECT_EQ(errno, EAGAIN);
-    EXPECT_EQ(list(m_file), (Names{"a", "c"}));
-    ASSERT_EQ(::unlink(m_folder.path("._file").c_str()), 0);
-    EXPECT_TRUE(ours.save());
-}
-
-TEST_F(AppleDoubleFiles, AreNotWrittenForAnItemThatHasLostItsName) {
-    AppleDoubleFile ours(*m_item);
-    ASSERT_TRUE(ours.contents.setValue("b", {}));
-    ASSERT_EQ(::rename(m_file.c_str(), m_folder.path("moved").c_str()), 0);
-    EXPECT_FALSE(ours.save());
-    EXPECT_EQ(errno, ESTALE);
-    m_folder.makeFile("file", "another");
-    EXPECT_FALSE(ours.save());
-    EXPECT_EQ(errno, ESTALE);
-    EXPECT_FALSE(exists(m_folder.path("._file")));
-}
-
-TEST_F(AppleDoubleFiles, AreOneProgramsAtATime) {
-    AppleDoubleLock const lock(*m_item);
-    ASSERT_TRUE(lock.isHeld());
-    FileDescriptor const folder(::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_EQ(::flock(folder.number(), LOCK_EX | LOCK_NB), -1);
-    EXPECT_EQ(errno, EWOULDBLOCK);
-}
-
-TEST_F(AppleDoubleFiles, AreLockedForThreadsWhereFoldersCannotBe) {
-    withRefusedCall(SYS_flock, EOPNOTSUPP, [&] {
-        AppleDoubleLock const lock(*m_item);
-        EXPECT_TRUE(lock.isHeld());
-    });
-}
-
-TEST_F(AppleDoubleFiles, KeepWhatSeveralProgramsWrite) {
-    constexpr int programs = 4;
-    constexpr int attributes = 12;
-    std::vector<pid_t> children;
-    for (int program = 0; program < programs; ++program) {
-        pid_t const child = ::fork();
-        if (child == 0) {
-            int failures = 0;
-            for (int index = 0; index < attributes; ++index) {
-                // Too long a name for the item itself.
-                std::string const name = std::to_string(program) + " " + std::to_string(index) + std::string(248, 'n');
-                failures += set(m_file, name, "value") == 0 ? 0 : 1;
-            }
-            ::_exit(failures);
-        }
-        ASSERT_GT(child, 0);
-        children.push_back(child);
-    }
-    for (pid_t const child : children) {
-        int status = -1;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-    EXPECT_EQ(list(m_file).size(), static_cast<std::size_t>(programs * attributes));
-}
 
 } // namespace
 } // namespace mac::test

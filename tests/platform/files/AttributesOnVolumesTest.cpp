@@ -1,9 +1,10 @@
-#include "platform/files/CreationDates.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/UTCDateTime.h"
 #include "platform/system/items/AppleDouble.h"
+#include "platform/system/items/KeptCreationDate.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/PrivateMounts.h"
@@ -197,8 +198,10 @@ TEST_F(AttributesOnVolumes, AreWhereCreationDatesAreKept) {
     mountWithoutAttributes(point);
     std::string const file = m_folder.makeFile("point/file", "");
     UTCDateTime const date{.lowSeconds = 1'000};
-    ASSERT_TRUE(keepCreationDate(*openItemAtPath(file, false), date));
-    EXPECT_EQ(keptCreationDate(*openItemAtPath(file, false)), date);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
+    ASSERT_TRUE(keepCreationDate(item.value(), {unitsOf(date)}).isDone());
+    EXPECT_EQ(utcDateTimeOf(keptCreationDate(item.value()).valueOr({}).units), date);
     CFAbsoluteTime time = 0;
     ASSERT_EQ(UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time), noErr);
     NSString const path = NSString::stringWithFileSystemRepresentation_(file);

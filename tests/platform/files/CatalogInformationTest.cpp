@@ -1,12 +1,13 @@
 #include "platform/files/CatalogInformation.h"
 #include "platform/files/CatalogFields.h"
-#include "platform/files/CreationDates.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemReferences.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "platform/foundation/NSFileManager.h"
+#include "platform/system/items/KeptCreationDate.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -19,9 +20,9 @@ namespace {
 constexpr double From1970To2001 = 978'307'200;
 
 FSRef referenceTo(std::string const& path) {
-    std::optional<FSRef> const ref = referenceToPath(path, false);
-    EXPECT_TRUE(ref) << path;
-    return ref.value_or(FSRef{});
+    Result<FSRef> const ref = referenceToPath(path, LinkAtEnd::IsNotFollowed);
+    EXPECT_TRUE(ref.hasValue()) << path;
+    return ref.hasValue() ? ref.value() : FSRef{};
 }
 
 FSCatalogInfo informationOf(std::string const& path, FSCatalogInfoBitmap which) {

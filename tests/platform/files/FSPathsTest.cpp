@@ -1,4 +1,4 @@
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"

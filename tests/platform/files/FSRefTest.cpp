@@ -18,11 +18,11 @@ namespace mac::test {
 namespace {
 
 std::string pathOf(FSRef const& reference) {
-    std::optional<ReferencedItem> const item = itemOfReference(reference);
-    return item ? item->path : "-";
+    Result<ReferencedItem> const item = itemOfReference(reference);
+    return item.hasValue() ? item.value().path : "-";
 }
 
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, true).value_or(FSRef{}); }
+FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsFollowed).valueOr(FSRef{}); }
 
 struct CloseFolder {
     void operator()(DIR* folder) const { ::closedir(folder); }
@@ -48,10 +48,10 @@ TEST(FSRef, LeadsBackToItsItem) {
     EXPECT_EQ(pathOf(referenceTo(file)), file);
     EXPECT_EQ(pathOf(referenceTo(folder.path())), folder.path());
     EXPECT_EQ(pathOf(referenceTo("/")), "/");
-    EXPECT_TRUE(itemOfReference(referenceTo(folder.path() + "/"))->isFolder);
-    EXPECT_FALSE(itemOfReference(referenceTo(file))->isFolder);
-    EXPECT_FALSE(referenceToPath(folder.path("none"), true));
-    EXPECT_FALSE(referenceToPath("", true));
+    EXPECT_TRUE(itemOfReference(referenceTo(folder.path() + "/")).value().isFolder);
+    EXPECT_FALSE(itemOfReference(referenceTo(file)).value().isFolder);
+    EXPECT_FALSE(referenceToPath(folder.path("none"), LinkAtEnd::IsFollowed).hasValue());
+    EXPECT_FALSE(referenceToPath("", LinkAtEnd::IsFollowed).hasValue());
 }
 
 TEST(FSRef, IsTheSameForTheSameItem) {
@@ -61,8 +61,8 @@ TEST(FSRef, IsTheSameForTheSameItem) {
     EXPECT_TRUE(referenceTo(file) == referenceTo(folder.path("a/../a/./file")));
     EXPECT_TRUE(referenceTo(file) == referenceTo(folder.path("link")));
     EXPECT_FALSE(referenceTo(file) == referenceTo(folder.makeFile("b", "")));
-    EXPECT_FALSE(referenceTo(file) == referenceToPath(folder.path("link"), false).value());
-    EXPECT_EQ(pathOf(referenceToPath(folder.path("link"), false).value()), folder.path("link"));
+    EXPECT_FALSE(referenceTo(file) == referenceToPath(folder.path("link"), LinkAtEnd::IsNotFollowed).value());
+    EXPECT_EQ(pathOf(referenceToPath(folder.path("link"), LinkAtEnd::IsNotFollowed).value()), folder.path("link"));
 }
 
 TEST(FSRef, FollowsRenamesAndMoves) {
@@ -81,12 +81,12 @@ TEST(FSRef, FollowsALinkThatIsMovedAndNotWhatItLeadsTo) {
     TemporaryFolder const folder;
     folder.makeFile("target", "");
     ASSERT_EQ(::symlink("target", folder.path("link").c_str()), 0);
-    FSRef const link = referenceToPath(folder.path("link"), false).value();
+    FSRef const link = referenceToPath(folder.path("link"), LinkAtEnd::IsNotFollowed).value();
     ASSERT_EQ(::rename(folder.path("link").c_str(), folder.path("moved").c_str()), 0);
     EXPECT_EQ(pathOf(link), folder.path("moved"));
     ASSERT_EQ(::symlink("nowhere", folder.path("lost").c_str()), 0);
-    EXPECT_FALSE(referenceToPath(folder.path("lost"), true));
-    EXPECT_TRUE(referenceToPath(folder.path("lost"), false));
+    EXPECT_FALSE(referenceToPath(folder.path("lost"), LinkAtEnd::IsFollowed).hasValue());
+    EXPECT_TRUE(referenceToPath(folder.path("lost"), LinkAtEnd::IsNotFollowed).hasValue());
 }
 
 TEST(FSRef, IsNeverAnotherItem) {
@@ -208,7 +208,7 @@ TEST(FSRef, DoesNotKeepRemovedItems) {
 
 TEST(FSRef, DoesNotKeepWhatTheTrashIsEmptiedOf) {
     TrashHome const home;
-    TrashResult<TrashedItem> const item = moveToTrash(home.folder.makeFile("file", ""));
+    Result<TrashedItem, TrashProblem> const item = moveToTrash(home.folder.makeFile("file", ""));
     ASSERT_TRUE(item.hasValue());
     referenceTo(item.value().path);
     std::size_t const before = openDescriptors();
@@ -240,7 +240,7 @@ TEST(FSRef, TakesNamesThatAreNotUTF8AndLongPaths) {
     FSRef const reference = referenceTo(file);
     EXPECT_EQ(pathOf(reference), file);
     EXPECT_EQ(pathOf(referenceTo(longFolder.path())), longFolder.path());
-    EXPECT_FALSE(referenceToPath(file + "2", true));
+    EXPECT_FALSE(referenceToPath(file + "2", LinkAtEnd::IsFollowed).hasValue());
 }
 
 TEST(FSRef, ToALongPathIsFoundHoweverItWasMade) {
@@ -258,7 +258,7 @@ TEST(FSRef, ToALongPathIsFoundHoweverItWasMade) {
     ASSERT_EQ(::symlink(path.substr(0, third).c_str(), folder.path("link").c_str()), 0);
     std::string const throughLink = folder.path("link") + path.substr(third) + "/file";
     EXPECT_EQ(pathOf(referenceTo(throughLink)), path + "/file");
-    EXPECT_EQ(pathOf(referenceToPath(throughLink, false).value()), path + "/file");
+    EXPECT_EQ(pathOf(referenceToPath(throughLink, LinkAtEnd::IsNotFollowed).value()), path + "/file");
 }
 
 TEST(FSRef, ToALongRelativePathIsFoundFromElsewhere) {

@@ -1,5 +1,6 @@
 #include "platform/files/FinderInformation.h"
 #include "platform/files/ExtendedAttributes.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <cstring>
@@ -67,14 +68,15 @@ TEST(FinderInformation, OfALinkIsNone) {
     ASSERT_EQ(::symlink("file", folder.path("link").c_str()), 0);
     ASSERT_TRUE(writeFinderInformation(file, informationFrom("TEXT")));
     EXPECT_EQ(readFinderInformation(folder.path("link")), FinderInformation());
-    EXPECT_FALSE(writeFinderInformation(folder.path("link"), informationFrom("TEXT")));
-    EXPECT_EQ(errno, EPERM);
+    Result<OpenItem> const link = openItemAtPath(folder.path("link"), LinkAtEnd::IsNotFollowed);
+    Result<void> const written = mac::writeFinderInformation(link.value(), informationFrom("TEXT"));
+    ASSERT_FALSE(written.isDone());
+    EXPECT_TRUE(written.problem().is(EPERM));
 }
 
 TEST(FinderInformation, OfNothingCannotBeRead) {
     TemporaryFolder const folder;
     EXPECT_FALSE(readFinderInformation(folder.path("none")));
-    EXPECT_EQ(errno, ENOENT);
     EXPECT_FALSE(writeFinderInformation(folder.path("none"), informationFrom("TEXT")));
 }
 

@@ -62,23 +62,23 @@ TEST_F(TrashContents, DoNotWaitForAPipeThatStandsForInformation) {
 
 TEST_F(TrashContents, GoBackToWhereTheyWere) {
     TrashedItem const item = trash("a/file", "x");
-    TrashResult<std::string> const back = putBack(item);
-    ASSERT_TRUE(back.hasValue()) << back.failure().reason;
+    Result<std::string, TrashProblem> const back = putBack(item);
+    ASSERT_TRUE(back.hasValue()) << back.problem().text;
     EXPECT_EQ(back.value(), m_home.path("a/file"));
     EXPECT_EQ(textOf(m_home.path("a/file")), "x");
     EXPECT_TRUE(namesIn(m_home.files()).empty());
     EXPECT_TRUE(namesIn(m_home.information()).empty());
-    TrashResult<std::string> const again = putBack(item);
+    Result<std::string, TrashProblem> const again = putBack(item);
     ASSERT_FALSE(again.hasValue());
-    EXPECT_EQ(again.failure().problem, TrashProblem::NotThere);
+    EXPECT_EQ(again.problem().kind, TrashProblem::NotThere);
 }
 
 TEST_F(TrashContents, StayWhereSomethingElseHasTheirPlace) {
     TrashedItem const item = trash("a/file", "old");
     m_home.folder.makeFile("a/file", "new");
-    TrashResult<std::string> const back = putBack(item);
+    Result<std::string, TrashProblem> const back = putBack(item);
     ASSERT_FALSE(back.hasValue());
-    EXPECT_EQ(back.failure().problem, TrashProblem::NameTaken);
+    EXPECT_EQ(back.problem().kind, TrashProblem::NameTaken);
     EXPECT_EQ(textOf(m_home.path("a/file")), "new");
     EXPECT_EQ(textOf(item.path), "old");
     EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));
@@ -87,26 +87,26 @@ TEST_F(TrashContents, StayWhereSomethingElseHasTheirPlace) {
 TEST_F(TrashContents, StayWhereTheirFolderIsGone) {
     TrashedItem const item = trash("a/file");
     ASSERT_EQ(::rmdir(m_home.path("a").c_str()), 0);
-    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotThere);
+    EXPECT_EQ(putBack(item).problem().kind, TrashProblem::NotThere);
     EXPECT_TRUE(isThere(item.path));
 }
 
 TEST_F(TrashContents, StayWhereNothingTellsWhereTheyCameFrom) {
     TrashedItem const item = trash("a/file");
     ASSERT_EQ(::unlink(m_home.information("file.trashinfo").c_str()), 0);
-    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotInTrash);
+    EXPECT_EQ(putBack(item).problem().kind, TrashProblem::NotInTrash);
     EXPECT_TRUE(isThere(item.path));
-    EXPECT_EQ(putBack({}).failure().problem, TrashProblem::NotThere);
+    EXPECT_EQ(putBack({}).problem().kind, TrashProblem::NotThere);
 }
 
 TEST_F(TrashContents, AreOnlyThoseThatLieInATrash) {
     std::string const file = m_home.folder.makeFile("file", "");
     TrashedItem item = trash("other");
     item.path = file;
-    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::Changed);
-    std::optional<OpenItem> const open = openItemAtPath(file, false);
-    item.identity = identify(open->item)->identity;
-    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotInTrash);
+    EXPECT_EQ(putBack(item).problem().kind, TrashProblem::Changed);
+    Result<OpenItem> const open = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    item.identity = identify(open.value().item).value().identity;
+    EXPECT_EQ(putBack(item).problem().kind, TrashProblem::NotInTrash);
     EXPECT_TRUE(isThere(file));
 }
 
@@ -114,7 +114,7 @@ TEST_F(TrashContents, AreNotWhatTookTheirNames) {
     TrashedItem const item = trash("file");
     ASSERT_EQ(::rename(item.path.c_str(), m_home.path("moved").c_str()), 0);
     m_home.folder.makeFile("data/Trash/files/file", "new");
-    EXPECT_EQ(putBack(item).failure().problem, TrashProblem::Changed);
+    EXPECT_EQ(putBack(item).problem().kind, TrashProblem::Changed);
     EXPECT_EQ(textOf(item.path), "new");
 }
 
@@ -155,7 +155,7 @@ TEST_F(TrashContents, AreNotSaidToBeGoneWhereTheyCannotBeListed) {
     withRefusedCall(SYS_getdents64, EIO, [&] { emptied = emptyTrash(); });
     EXPECT_EQ(emptied.removed, 0U);
     EXPECT_EQ(emptied.left, 1U);
-    EXPECT_EQ(emptied.firstFailure.problem, TrashProblem::Other);
+    EXPECT_EQ(emptied.firstProblem.kind, TrashProblem::Other);
     EXPECT_TRUE(isThere(item.path));
 }
 

@@ -71,9 +71,9 @@ TEST_F(TrashBesideGio, FillsTheTrashThatIsListedAndPutBackHere) {
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].originalPath, file);
     EXPECT_EQ(items[1].originalPath, file);
-    TrashResult<std::string> const back = putBack(items[0]);
-    ASSERT_TRUE(back.hasValue()) << back.failure().reason;
-    EXPECT_EQ(putBack(items[1]).failure().problem, TrashProblem::NameTaken);
+    Result<std::string, TrashProblem> const back = putBack(items[0]);
+    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    EXPECT_EQ(putBack(items[1]).problem().kind, TrashProblem::NameTaken);
     EXPECT_EQ(emptyTrash().removed, 1U);
     EXPECT_EQ(gio({"trash", "--list"}), "");
 }
@@ -91,8 +91,8 @@ TEST_F(TrashOnADiskBesideGio, GoesToOneFolderFromBoth) {
     std::string const file = m_home.folder.makeFile("disk/a b/file 1", "1");
     std::string const other = m_home.folder.makeFile("disk/file 2", "2");
     gio({"trash", file});
-    TrashResult<TrashedItem> const result = moveToTrash(other);
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(other);
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     std::vector<TrashedItem> const items = trashedItems();
     ASSERT_EQ(items.size(), 2U);
     for (TrashedItem const& item : items)
@@ -100,8 +100,8 @@ TEST_F(TrashOnADiskBesideGio, GoesToOneFolderFromBoth) {
     std::string const list = gio({"trash", "--list"});
     EXPECT_NE(list.find("\t" + other + "\n"), std::string::npos) << list;
     for (TrashedItem const& item : items) {
-        TrashResult<std::string> const back = putBack(item);
-        ASSERT_TRUE(back.hasValue()) << back.failure().reason;
+        Result<std::string, TrashProblem> const back = putBack(item);
+        ASSERT_TRUE(back.hasValue()) << back.problem().text;
         EXPECT_EQ(back.value(), item.originalPath);
     }
     EXPECT_EQ(textOf(file), "1");

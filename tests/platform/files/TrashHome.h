@@ -1,14 +1,10 @@
 #pragma once
 
 #include "platform/files/Trash.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
-#include <algorithm>
-#include <dirent.h>
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -29,26 +25,9 @@ struct TrashHome {
     }
 };
 
-inline bool isThere(std::string const& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
-inline std::string textOf(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// Sorted; empty also for what is no folder.
-inline std::vector<std::string> namesIn(std::string const& path) {
-    std::vector<std::string> names;
-    std::unique_ptr<DIR, int (*)(DIR*)> const folder(::opendir(path.c_str()), &::closedir);
-    while (dirent const* const entry = folder ? ::readdir(folder.get()) : nullptr)
-        names.emplace_back(entry->d_name);
-    std::erase(names, ".");
-    std::erase(names, "..");
-    std::ranges::sort(names);
-    return names;
+// Empty if the path's volume has no trash.
+inline std::string trashFolderOf(std::string const& path, MissingTrash missing) {
+    return trashFolderForPath(path, missing).valueOr("");
 }
 
 } // namespace mac::test

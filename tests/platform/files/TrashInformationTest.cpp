@@ -1,6 +1,5 @@
 #include "platform/files/TrashInformation.h"
 #include "fuzz/TrashInformationRoundTrip.h"
-#include "platform/files/TrashNames.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include <gtest/gtest.h>

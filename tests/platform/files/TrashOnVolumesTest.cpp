@@ -15,14 +15,14 @@ protected:
         if (!IsSkipped()) mountMemory(m_point);
     }
 
-    TrashResult<TrashedItem> trash(std::string const& relative, std::string const& contents = "") const {
+    Result<TrashedItem, TrashProblem> trash(std::string const& relative, std::string const& contents = "") const {
         return moveToTrash(m_home.folder.makeFile(relative, contents));
     }
-    TrashProblem problemOf(std::string const& path) const {
-        TrashResult<TrashedItem> const result = moveToTrash(path);
+    TrashProblem::Kind problemOf(std::string const& path) const {
+        Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
         EXPECT_FALSE(result.hasValue()) << path;
         EXPECT_TRUE(isThere(path));
-        return result.failure().problem;
+        return result.problem().kind;
     }
 
     std::string const m_user = std::to_string(::geteuid());
@@ -32,8 +32,8 @@ protected:
 };
 
 TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
-    TrashResult<TrashedItem> const result = trash("volume/a b/file", "x");
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = trash("volume/a b/file", "x");
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     EXPECT_EQ(result.value().path, m_own + "/files/file");
     EXPECT_EQ(result.value().originalPath, m_point + "/a b/file");
     EXPECT_TRUE(textOf(m_own + "/info/file.trashinfo").starts_with("[Trash Info]\nPath=a%20b/file\nDeletionDate=20"));
@@ -41,7 +41,7 @@ TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
     ASSERT_EQ(::stat(m_own.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0700U);
     EXPECT_FALSE(isThere(m_home.path("data")));
-    EXPECT_EQ(trashFolderForPath(m_point, false), m_own + "/files");
+    EXPECT_EQ(trashFolderOf(m_point, MissingTrash::IsMissing), m_own + "/files");
     EXPECT_EQ(problemOf(m_own), TrashProblem::Immovable);
     EXPECT_EQ(problemOf(result.value().path), TrashProblem::InTrash);
 }
@@ -49,7 +49,7 @@ TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
 TEST_F(TrashOnVolumes, GoesToTheSharedTrashWhereThereIsOne) {
     m_home.folder.makeFolder("volume/.Trash");
     ASSERT_EQ(::chmod((m_point + "/.Trash").c_str(), 01777), 0);
-    TrashResult<TrashedItem> const result = trash("volume/file");
+    Result<TrashedItem, TrashProblem> const result = trash("volume/file");
     ASSERT_TRUE(result.hasValue());
     EXPECT_EQ(result.value().path, m_point + "/.Trash/" + m_user + "/files/file");
     EXPECT_FALSE(isThere(m_own));
@@ -62,7 +62,7 @@ TEST_F(TrashOnVolumes, GoesToTheSharedTrashWhereThereIsOne) {
 TEST_F(TrashOnVolumes, GoesToNoSharedTrashThatOthersCouldChange) {
     m_home.folder.makeFolder("volume/.Trash");
     ASSERT_EQ(::chmod((m_point + "/.Trash").c_str(), 0777), 0);
-    TrashResult<TrashedItem> const result = trash("volume/file");
+    Result<TrashedItem, TrashProblem> const result = trash("volume/file");
     ASSERT_TRUE(result.hasValue());
     EXPECT_EQ(result.value().path, m_own + "/files/file");
     EXPECT_TRUE(namesIn(m_point + "/.Trash").empty());
@@ -83,7 +83,7 @@ TEST_F(TrashOnVolumes, UsesNoTrashOfSomebodyElse) {
     ASSERT_EQ(::chown(m_own.c_str(), OrdinaryUser::ID, OrdinaryUser::ID), 0);
     EXPECT_EQ(problemOf(m_home.folder.makeFile("volume/file", "")), TrashProblem::NoTrash);
     EXPECT_TRUE(namesIn(m_own + "/info").empty());
-    EXPECT_EQ(trashFolderForPath(m_point, false), std::nullopt);
+    EXPECT_EQ(trashFolderOf(m_point, MissingTrash::IsMissing), "");
 }
 
 TEST_F(TrashOnVolumes, UsesNoTrashThatAnotherVolumeIsMountedOn) {
@@ -143,7 +143,7 @@ TEST_F(TrashOnVolumes, BelieveNoPathThatLeadsAway) {
     ASSERT_EQ(items.size(), 2U);
     for (TrashedItem const& item : items) {
         EXPECT_EQ(item.originalPath, "");
-        EXPECT_EQ(putBack(item).failure().problem, TrashProblem::NotInTrash);
+        EXPECT_EQ(putBack(item).problem().kind, TrashProblem::NotInTrash);
     }
 }
 
@@ -162,12 +162,12 @@ TEST_F(TrashOnVolumes, AreListedAndEmptiedTogether) {
 }
 
 TEST_F(TrashOnVolumes, GetNothingBackThatIsOfAnother) {
-    TrashResult<TrashedItem> const result = trash("a/file");
+    Result<TrashedItem, TrashProblem> const result = trash("a/file");
     ASSERT_TRUE(result.hasValue());
     mountMemory(m_home.path("a"));
-    TrashResult<std::string> const back = putBack(result.value());
+    Result<std::string, TrashProblem> const back = putBack(result.value());
     ASSERT_FALSE(back.hasValue());
-    EXPECT_EQ(back.failure().problem, TrashProblem::Other);
+    EXPECT_EQ(back.problem().kind, TrashProblem::Other);
     EXPECT_TRUE(isThere(result.value().path));
     EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));
     EXPECT_TRUE(namesIn(m_home.path("a")).empty());
@@ -182,7 +182,7 @@ TEST_F(TrashOnVolumes, AreNotEnteredWhileEmptying) {
     EmptiedTrash const emptied = emptyTrash();
     EXPECT_EQ(emptied.removed, 1U);
     EXPECT_EQ(emptied.left, 1U);
-    EXPECT_EQ(emptied.firstFailure.problem, TrashProblem::Immovable);
+    EXPECT_EQ(emptied.firstProblem.kind, TrashProblem::Immovable);
     EXPECT_TRUE(isThere(m_home.files("folder/point/kept")));
     EXPECT_TRUE(isThere(m_home.information("folder.trashinfo")));
 }
@@ -190,20 +190,20 @@ TEST_F(TrashOnVolumes, AreNotEnteredWhileEmptying) {
 TEST_F(TrashOnVolumes, ThatAreBoundFoldersHaveATrashOfTheirOwn) {
     std::string const point = m_home.folder.makeFolder("bound");
     bind(m_home.folder.makeFolder("source"), point);
-    TrashResult<TrashedItem> const result = trash("bound/file");
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = trash("bound/file");
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     EXPECT_EQ(result.value().path, point + "/.Trash-" + m_user + "/files/file");
 }
 
 TEST_F(TrashOnVolumes, TakeTheHomeTrashWhenItIsTheirs) {
     EnvironmentVariable const data("XDG_DATA_HOME", m_point + "/my data");
-    TrashResult<TrashedItem> const result = trash("volume/file");
+    Result<TrashedItem, TrashProblem> const result = trash("volume/file");
     ASSERT_TRUE(result.hasValue());
     EXPECT_EQ(result.value().path, m_point + "/my data/Trash/files/file");
     // And what is elsewhere does not cross over.
     std::string const other = m_home.folder.makeFolder("other volume");
     mountMemory(other);
-    TrashResult<TrashedItem> const elsewhere = trash("other volume/file");
+    Result<TrashedItem, TrashProblem> const elsewhere = trash("other volume/file");
     ASSERT_TRUE(elsewhere.hasValue());
     EXPECT_EQ(elsewhere.value().path, other + "/.Trash-" + m_user + "/files/file");
 }

@@ -6,10 +6,10 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::optional<TrashProblem> problemOf(std::string_view path) {
-    TrashResult<TrashedItem> const result = moveToTrash(path);
+std::optional<TrashProblem::Kind> problemOf(std::string_view path) {
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
     if (result.hasValue()) return std::nullopt;
-    return result.failure().problem;
+    return result.problem().kind;
 }
 
 // Of files and folders that an ordinary user has.
@@ -82,7 +82,7 @@ TEST_F(TrashOfOrdinaryUser, EmptiesFoldersThatTheirOwnerLocked) {
     ASSERT_EQ(::chmod(m_home.files("locked/a").c_str(), 0555), 0);
     EmptiedTrash const emptied = emptyTrash();
     EXPECT_EQ(emptied.removed, 1U);
-    EXPECT_EQ(emptied.left, 0U) << emptied.firstFailure.reason;
+    EXPECT_EQ(emptied.left, 0U) << emptied.firstProblem.text;
     EXPECT_TRUE(namesIn(m_home.files()).empty());
 }
 
@@ -98,7 +98,7 @@ TEST_F(TrashOfOrdinaryUser, SaysWhatCouldNotBeEmptied) {
     EmptiedTrash const emptied = emptyTrash();
     EXPECT_EQ(emptied.removed, 1U);
     EXPECT_EQ(emptied.left, 1U);
-    EXPECT_EQ(emptied.firstFailure.problem, TrashProblem::NotAllowed);
+    EXPECT_EQ(emptied.firstProblem.kind, TrashProblem::NotAllowed);
     EXPECT_EQ(namesIn(m_home.files()), Names{"folder"});
     EXPECT_TRUE(isThere(m_home.files("folder/root's/file")));
     EXPECT_TRUE(isThere(m_home.information("folder.trashinfo")));

@@ -11,11 +11,11 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::optional<TrashProblem> problemOf(std::string_view path) {
-    TrashResult<TrashedItem> const result = moveToTrash(path);
+std::optional<TrashProblem::Kind> problemOf(std::string_view path) {
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
     if (result.hasValue()) return std::nullopt;
-    EXPECT_FALSE(result.failure().reason.empty());
-    return result.failure().problem;
+    EXPECT_FALSE(result.problem().text.empty());
+    return result.problem().kind;
 }
 
 class Trash : public testing::Test {
@@ -28,8 +28,8 @@ TEST_F(Trash, TakesAFileAndSaysWhereItCameFrom) {
     ::tzset();
     std::string const file = m_home.folder.makeFile("a/letter 100%.txt", "Dear Anna");
     std::int64_t const before = ::time(nullptr);
-    TrashResult<TrashedItem> const result = moveToTrash(file);
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     TrashedItem const& item = result.value();
     EXPECT_EQ(item.path, m_home.files("letter 100%.txt"));
     EXPECT_EQ(item.originalPath, file);
@@ -67,7 +67,7 @@ TEST_F(Trash, TakesFoldersLinksAndPipes) {
     // With the slash, too, it is the link that goes.
     EXPECT_EQ(problemOf(m_home.path("link/")), std::nullopt);
     EXPECT_TRUE(isThere(m_home.path("folder.app/Contents")));
-    TrashResult<TrashedItem> const folder = moveToTrash(m_home.path("folder.app//"));
+    Result<TrashedItem, TrashProblem> const folder = moveToTrash(m_home.path("folder.app//"));
     ASSERT_TRUE(folder.hasValue());
     EXPECT_TRUE(folder.value().isFolder);
     EXPECT_EQ(namesIn(m_home.files()), (Names{"dangling", "folder.app", "link", "pipe"}));
@@ -77,8 +77,8 @@ TEST_F(Trash, TakesFoldersLinksAndPipes) {
 TEST_F(Trash, KeepsTheBytesOfNames) {
     std::string const name = "\xE9t\xC3\xA9 \n\\%41;\x01";
     std::string const file = m_home.folder.makeFile("\xFF/" + name, "");
-    TrashResult<TrashedItem> const result = moveToTrash(file);
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     EXPECT_EQ(result.value().path, m_home.files(name));
     std::string const text = textOf(m_home.information(name + ".trashinfo"));
     EXPECT_NE(text.find("/%FF/%E9t%C3%A9%20%0A%5C%2541%3B%01\n"), std::string::npos) << text;
@@ -90,7 +90,7 @@ TEST_F(Trash, KeepsTheBytesOfNames) {
 TEST_F(Trash, WritesTheRealPlaceOfWhatIsReachedThroughLinks) {
     std::string const file = m_home.folder.makeFile("real/file", "");
     ASSERT_EQ(::symlink("real", m_home.path("way").c_str()), 0);
-    TrashResult<TrashedItem> const result = moveToTrash(m_home.path("way/../way/./file"));
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(m_home.path("way/../way/./file"));
     ASSERT_TRUE(result.hasValue());
     EXPECT_EQ(result.value().originalPath, file);
 }
@@ -98,7 +98,8 @@ TEST_F(Trash, WritesTheRealPlaceOfWhatIsReachedThroughLinks) {
 TEST_F(Trash, NumbersNamesThatAreTaken) {
     std::regex const second(R"(note \d\d-\d\d-\d\d( \d)?\.txt)");
     for (int round = 0; round < 4; ++round) {
-        TrashResult<TrashedItem> const result = moveToTrash(m_home.folder.makeFile("note.txt", std::to_string(round)));
+        Result<TrashedItem, TrashProblem> const result =
+            moveToTrash(m_home.folder.makeFile("note.txt", std::to_string(round)));
         ASSERT_TRUE(result.hasValue());
         std::string const name = result.value().path.substr(m_home.files().size());
         EXPECT_TRUE(round == 0 ? name == "note.txt" : std::regex_match(name, second)) << name;
@@ -126,8 +127,8 @@ TEST_F(Trash, TakesNamesOfAnyLength) {
         name += ".txt";
         for (int round = 0; round < 2; ++round) {
             std::string const file = m_home.folder.makeFile("a/" + name, "");
-            TrashResult<TrashedItem> const result = moveToTrash(file);
-            ASSERT_TRUE(result.hasValue()) << length << result.failure().reason;
+            Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
+            ASSERT_TRUE(result.hasValue()) << length << result.problem().text;
             EXPECT_TRUE(result.value().path.ends_with(".txt"));
             EXPECT_TRUE(isThere(result.value().path));
             EXPECT_EQ(result.value().originalPath, file);
@@ -150,11 +151,11 @@ TEST_F(Trash, TakesPathsOfAnyLength) {
     FileDescriptor const file(::openat(folder.number(), "file", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
     ASSERT_TRUE(file.isOpen());
     path += "/file";
-    TrashResult<TrashedItem> const result = moveToTrash(path);
-    ASSERT_TRUE(result.hasValue()) << result.failure().reason;
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
     EXPECT_TRUE(result.value().originalPath == path);
-    TrashResult<std::string> const back = putBack(result.value());
-    ASSERT_TRUE(back.hasValue()) << back.failure().reason;
+    Result<std::string, TrashProblem> const back = putBack(result.value());
+    ASSERT_TRUE(back.hasValue()) << back.problem().text;
     EXPECT_EQ(::faccessat(folder.number(), "file", F_OK, 0), 0);
     // The folder itself goes and is deleted, however deep it is.
     ASSERT_EQ(problemOf(m_home.path("deep")), std::nullopt);
@@ -167,7 +168,7 @@ TEST_F(Trash, TakesTheAppleDoubleFileAlong) {
     std::string const file = m_home.folder.makeFile("a/song.mp3", "la");
     m_home.folder.makeFile("a/._song.mp3", appleDouble);
     m_home.folder.makeFile("a/._other", appleDouble);
-    TrashResult<TrashedItem> const result = moveToTrash(file);
+    Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
     ASSERT_TRUE(result.hasValue());
     EXPECT_EQ(namesIn(m_home.path("a")), Names{"._other"});
     EXPECT_EQ(namesIn(m_home.files()), (Names{"._song.mp3", "song.mp3"}));
@@ -177,7 +178,7 @@ TEST_F(Trash, TakesTheAppleDoubleFileAlong) {
     // It keeps to its item under another name, too.
     m_home.folder.makeFile("a/song.mp3", "lala");
     m_home.folder.makeFile("a/._song.mp3", appleDouble);
-    TrashResult<TrashedItem> const second = moveToTrash(file);
+    Result<TrashedItem, TrashProblem> const second = moveToTrash(file);
     ASSERT_TRUE(second.hasValue());
     std::string const name = second.value().path.substr(m_home.files().size());
     EXPECT_TRUE(isThere(m_home.files("._" + name)));
@@ -248,11 +249,11 @@ TEST_F(Trash, LeavesTheRootItselfAndWhatHoldsItWhereTheyAre) {
 
 TEST_F(Trash, TellsItsFolder) {
     m_home.folder.makeFile("a", "");
-    EXPECT_EQ(trashFolderForPath(m_home.path("a"), false), std::nullopt);
-    EXPECT_EQ(trashFolderForPath(m_home.path("none"), true), std::nullopt);
+    EXPECT_EQ(trashFolderOf(m_home.path("a"), MissingTrash::IsMissing), "");
+    EXPECT_EQ(trashFolderOf(m_home.path("none"), MissingTrash::IsMade), "");
     EXPECT_FALSE(isThere(m_home.path("data")));
-    EXPECT_EQ(trashFolderForPath(m_home.path("a"), true), m_home.path("data/Trash/files"));
-    EXPECT_EQ(trashFolderForPath(m_home.path(), false), m_home.path("data/Trash/files"));
+    EXPECT_EQ(trashFolderOf(m_home.path("a"), MissingTrash::IsMade), m_home.path("data/Trash/files"));
+    EXPECT_EQ(trashFolderOf(m_home.path(), MissingTrash::IsMissing), m_home.path("data/Trash/files"));
 }
 
 TEST_F(Trash, FollowsNoLinkThatStandsForAPartOfIt) {
@@ -273,15 +274,15 @@ TEST_F(Trash, IsNotUsedWhereItIsAFile) {
 
 TEST_F(Trash, TakesTheOpenItemAndNoOther) {
     std::string const file = m_home.folder.makeFile("a", "first");
-    std::optional<OpenItem> const item = openItemAtPath(file, false);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
     ASSERT_EQ(::rename(file.c_str(), m_home.path("moved").c_str()), 0);
-    TrashResult<TrashedItem> const gone = moveToTrash(*item);
+    Result<TrashedItem, TrashProblem> const gone = moveToTrash(item.value());
     ASSERT_FALSE(gone.hasValue());
-    EXPECT_EQ(gone.failure().problem, TrashProblem::NotThere);
+    EXPECT_EQ(gone.problem().kind, TrashProblem::NotThere);
     m_home.folder.makeFile("a", "second");
-    TrashResult<TrashedItem> const other = moveToTrash(*item);
+    Result<TrashedItem, TrashProblem> const other = moveToTrash(item.value());
     ASSERT_FALSE(other.hasValue());
-    EXPECT_EQ(other.failure().problem, TrashProblem::Changed);
+    EXPECT_EQ(other.problem().kind, TrashProblem::Changed);
     EXPECT_EQ(textOf(file), "second");
     EXPECT_TRUE(namesIn(m_home.information()).empty());
 }

@@ -11,10 +11,10 @@ namespace mac::test {
 namespace {
 
 FSVolumeRefNum numberOf(std::string const& path) {
-    std::optional<FSRef> const ref = referenceToPath(path, false);
+    Result<FSRef> const ref = referenceToPath(path, LinkAtEnd::IsNotFollowed);
     FSCatalogInfo information;
-    EXPECT_TRUE(ref);
-    EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoVolume, &information, nullptr, nullptr, nullptr), noErr);
+    EXPECT_TRUE(ref.hasValue());
+    EXPECT_EQ(FSGetCatalogInfo(&ref.value(), kFSCatInfoVolume, &information, nullptr, nullptr, nullptr), noErr);
     return information.volume;
 }
 
@@ -39,7 +39,7 @@ TEST(VolumeInformation, BeginsWithTheStartupVolume) {
     ASSERT_EQ(FSGetVolumeInfo(kFSInvalidVolumeRefNum, 1, &number, kFSVolInfoNone, nullptr, &name, &root), noErr);
     EXPECT_EQ(number, numberOf("/"));
     EXPECT_EQ(std::u16string(name.unicode.data(), name.length), u"Macintosh HD");
-    EXPECT_EQ(root, referenceToPath("/", true));
+    EXPECT_EQ(root, referenceToPath("/", LinkAtEnd::IsFollowed).value());
     CFURLRef url;
     EXPECT_EQ(FSCopyURLForVolume(number, &url), noErr);
     EXPECT_TRUE(url.path().isEqualToString_("/"));

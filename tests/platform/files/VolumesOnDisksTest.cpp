@@ -1,5 +1,5 @@
 #include "platform/files/HFSPaths.h"
-#include "platform/files/VolumeNumbers.h"
+#include "platform/files/VolumeInformation.h"
 #include "platform/system/LongPath.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
@@ -33,14 +33,14 @@ TEST_F(VolumesOnDisks, AreFoundByWhatLiesOnThem) {
     std::string const point = m_folder.makeFolder("point");
     mountMemory(point);
     makeReadOnly(point);
-    FileDescriptor const item = openPath(point, O_PATH);
-    std::optional<MountedVolume> const volume = volumeOfItem(item);
-    ASSERT_TRUE(volume);
-    EXPECT_EQ(volume->mountPoint, point);
-    EXPECT_EQ(volume->fileSystem, "tmpfs");
-    EXPECT_TRUE(volume->isReadOnly);
-    EXPECT_TRUE(volume->isLocal);
-    EXPECT_EQ(volumeOfPath(mountedVolumes(), point + "/x")->mount, volume->mount);
+    FileDescriptor const item = openPath(point, O_PATH).takeValue();
+    Result<MountedVolume> const volume = volumeOfItem(item);
+    ASSERT_TRUE(volume.hasValue());
+    EXPECT_EQ(volume.value().mountPoint, point);
+    EXPECT_EQ(volume.value().fileSystem, "tmpfs");
+    EXPECT_TRUE(volume.value().isReadOnly);
+    EXPECT_TRUE(volume.value().isLocal);
+    EXPECT_EQ(volumeOfPath(mountedVolumes(), point + "/x")->mount, volume.value().mount);
 }
 
 TEST_F(VolumesOnDisks, AreToldApartThoughOneShowsTheOther) {
@@ -48,8 +48,8 @@ TEST_F(VolumesOnDisks, AreToldApartThoughOneShowsTheOther) {
     std::string const memory = m_folder.makeFolder("memory");
     mountMemory(memory);
     bind(memory, point);
-    FileDescriptor const item = openPath(point, O_PATH);
-    EXPECT_EQ(volumeOfItem(item)->mountPoint, point);
+    FileDescriptor const item = openPath(point, O_PATH).takeValue();
+    EXPECT_EQ(volumeOfItem(item).value().mountPoint, point);
 }
 
 TEST_F(VolumesOnDisks, HaveTheNumberThatWhatLiesOnThemTells) {
@@ -59,21 +59,20 @@ TEST_F(VolumesOnDisks, HaveTheNumberThatWhatLiesOnThemTells) {
     bind(memory, point);
     std::vector<MountedVolume> const volumes = mountedVolumes();
     for (std::string const& path : {std::string("/"), memory, point}) {
-        FileDescriptor const item = openPath(path, O_PATH);
+        FileDescriptor const item = openPath(path, O_PATH).takeValue();
         MountedVolume const* const volume = volumeOfPath(volumes, path);
         ASSERT_TRUE(volume) << path;
-        EXPECT_EQ(numberOfVolumeOf(item), numberOfVolume(*volume)) << path;
+        EXPECT_EQ(numberOfVolumeOf(item).value(), numberOfVolume(*volume)) << path;
     }
 }
 
 TEST_F(VolumesOnDisks, ThatAnotherOneHidesAreNone) {
     std::string const point = m_folder.makeFolder("point");
     mountMemory(point);
-    FileDescriptor const item = openPath(point, O_PATH);
-    EXPECT_TRUE(numberOfVolumeOf(item));
+    FileDescriptor const item = openPath(point, O_PATH).takeValue();
+    EXPECT_TRUE(numberOfVolumeOf(item).hasValue());
     mountMemory(point);
-    EXPECT_FALSE(numberOfVolumeOf(item));
-    EXPECT_EQ(errno, ENXIO);
+    EXPECT_TRUE(numberOfVolumeOf(item).problem().is(ENXIO));
 }
 
 TEST_F(VolumesOnDisks, AreNamedInPaths) {
@@ -86,10 +85,10 @@ TEST_F(VolumesOnDisks, ThatAreImagesAreEjectable) {
     std::string const point = m_folder.makeFolder("point");
     mountImage(m_folder.path("image"), point);
     if (IsSkipped()) return;
-    FileDescriptor const item = openPath(point, O_PATH);
-    std::optional<MountedVolume> const volume = volumeOfItem(item);
-    ASSERT_TRUE(volume);
-    EXPECT_TRUE(driveOf(*volume).isEjectable);
+    FileDescriptor const item = openPath(point, O_PATH).takeValue();
+    Result<MountedVolume> const volume = volumeOfItem(item);
+    ASSERT_TRUE(volume.hasValue());
+    EXPECT_TRUE(driveOf(volume.value()).isEjectable);
 }
 
 } // namespace

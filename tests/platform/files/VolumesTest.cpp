@@ -143,8 +143,8 @@ TEST(Volumes, OfThisSystemBeginWithItsRoot) {
     Volumes const volumes = mountedVolumes();
     ASSERT_FALSE(volumes.empty());
     EXPECT_TRUE(volumes.front().isStartup());
-    FileDescriptor const root = openPath("/", O_PATH);
-    EXPECT_EQ(volumeOfItem(root)->mountPoint, "/");
+    FileDescriptor const root = openPath("/", O_PATH).takeValue();
+    EXPECT_EQ(volumeOfItem(root).value().mountPoint, "/");
 }
 
 TEST(Volumes, HoldNoPipesAndNothingThatIsNotOpen) {
@@ -152,10 +152,10 @@ TEST(Volumes, HoldNoPipesAndNothingThatIsNotOpen) {
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     FileDescriptor const reading(ends[0]);
     FileDescriptor const writing(ends[1]);
-    EXPECT_FALSE(volumeOfItem(reading));
-    EXPECT_FALSE(volumeOfItem(FileDescriptor()));
-    FileDescriptor const kernels = openPath("/proc/self/status", O_PATH);
-    EXPECT_FALSE(volumeOfItem(kernels));
+    EXPECT_FALSE(volumeOfItem(reading).hasValue());
+    EXPECT_FALSE(volumeOfItem(FileDescriptor()).hasValue());
+    FileDescriptor const kernels = openPath("/proc/self/status", O_PATH).takeValue();
+    EXPECT_FALSE(volumeOfItem(kernels).hasValue());
 }
 
 // A folder such as the system shows its devices in.

@@ -21,8 +21,8 @@ std::string outputOfPython(std::vector<std::string> arguments) {
 }
 
 std::string contents(std::string const& path) {
-    Result<FileContents, Failure> const file = readFileAtPath(path, std::size_t{64} << 20);
-    if (!file.hasValue()) return "cannot be read: " + file.problem().reason;
+    Result<FileContents> const file = readFileAtPath(path, std::size_t{64} << 20);
+    if (!file.hasValue()) return "cannot be read: " + file.problem().text();
     auto const& bytes = file.value().bytes;
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
 }

@@ -2,6 +2,7 @@
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/icons/IconFamily.h"
 #include "tests/platform/icons/IconBytes.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/launchservices/Applications.h"
 #include "platform/desktop/DefaultApplications.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

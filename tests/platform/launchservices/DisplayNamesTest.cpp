@@ -1,8 +1,9 @@
 #include "platform/launchservices/DisplayNames.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/Environment.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>

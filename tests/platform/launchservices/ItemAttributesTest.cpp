@@ -1,9 +1,10 @@
 #include "platform/launchservices/ItemAttributes.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,6 +1,7 @@
 #include "platform/launchservices/ItemInformation.h"
-#include "platform/files/FSPaths.h"
+#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
+#include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <stdexcept>

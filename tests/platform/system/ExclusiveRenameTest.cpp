@@ -2,6 +2,7 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/OpenItems.h"
+#include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -20,7 +21,7 @@ namespace {
 using Names = std::vector<std::string>;
 
 Names namesIn(std::string const& path) {
-    Names names = namesInFolder(path, LinkAtEnd::IsFollowed).value_or(Names{"cannot be read"});
+    Names names = namesInFolder(path, LinkAtEnd::IsFollowed).valueOr(Names{"cannot be read"});
     std::ranges::sort(names);
     return names;
 }
@@ -30,18 +31,18 @@ std::string textOf(std::string const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-class RenameInSteps : public testing::Test {
+class RenamingInSteps : public testing::Test {
 protected:
-    // 0, or errno.
+    // 0, or the system's code.
     int rename(std::string const& from, std::string const& to, std::function<void()> const& afterFirstStep = {}) const {
-        return renameInSteps(m_parent.number(), from, m_parent.number(), to, afterFirstStep) ? 0 : errno;
+        return codeOf(StepwiseRename(afterFirstStep).rename(m_parent, from, m_parent, to));
     }
 
     TemporaryFolder const m_folder{};
     FileDescriptor const m_parent{::open(m_folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
 };
 
-TEST_F(RenameInSteps, MovesFilesFoldersAndLinks) {
+TEST_F(RenamingInSteps, MovesFilesFoldersAndLinks) {
     m_folder.makeFile("file", "x");
     m_folder.makeFile("folder/file", "y");
     ASSERT_EQ(::symlink("nowhere", m_folder.path("link").c_str()), 0);
@@ -53,7 +54,7 @@ TEST_F(RenameInSteps, MovesFilesFoldersAndLinks) {
     EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
 }
 
-TEST_F(RenameInSteps, ReplacesNothing) {
+TEST_F(RenamingInSteps, ReplacesNothing) {
     m_folder.makeFile("file", "x");
     m_folder.makeFolder("folder");
     m_folder.makeFolder("empty");
@@ -64,14 +65,14 @@ TEST_F(RenameInSteps, ReplacesNothing) {
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
 }
 
-TEST_F(RenameInSteps, IsFollowedByWhoHasTheItemOpen) {
+TEST_F(RenamingInSteps, IsFollowedByWhoHasTheItemOpen) {
     FileDescriptor const file(::open(m_folder.makeFile("file", "x").c_str(), O_PATH | O_CLOEXEC));
     ASSERT_TRUE(file.isOpen());
     EXPECT_EQ(rename("file", "second"), 0);
-    EXPECT_EQ(systemsPath(file), m_folder.path("second"));
+    EXPECT_EQ(systemsPath(file).value(), m_folder.path("second"));
 }
 
-TEST_F(RenameInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
+TEST_F(RenamingInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     std::string const file = m_folder.makeFile("file", "old");
     std::string const saved = m_folder.makeFile("saved", "new");
     ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
@@ -80,7 +81,7 @@ TEST_F(RenameInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     EXPECT_EQ(textOf(m_folder.path("second")), "new");
 }
 
-TEST_F(RenameInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
+TEST_F(RenamingInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
     m_folder.makeFile("file", "x");
     m_folder.makeFile("folder/inner", "y");
     std::string const second = m_folder.path("second");
@@ -92,7 +93,7 @@ TEST_F(RenameInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
     EXPECT_EQ(textOf(m_folder.path("folder/inner")), "y");
 }
 
-TEST_F(RenameInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
+TEST_F(RenamingInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
     std::string const file = m_folder.makeFile("file", "x");
     std::string const anothers = m_folder.makeFile("another's", "");
     EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }), EEXIST);
@@ -100,34 +101,44 @@ TEST_F(RenameInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
     EXPECT_EQ(textOf(file), "x");
 }
 
-TEST_F(RenameInSteps, LeavesNothingBehindWhenItFails) {
+TEST_F(RenamingInSteps, LeavesNothingBehindWhenItFails) {
     m_folder.makeFolder("folder/inner");
     FileDescriptor const inner(::open(m_folder.path("folder/inner").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    EXPECT_FALSE(renameInSteps(m_parent.number(), "folder", inner.number(), "itself"));
-    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(codeOf(StepwiseRename().rename(m_parent, "folder", inner, "itself")), EINVAL);
     EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
     std::string const file = m_folder.makeFile("file", "x");
     EXPECT_EQ(rename("file", "second", [&] { ::rename(file.c_str(), m_folder.path("moved").c_str()); }), ENOENT);
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"folder", "moved"}));
 }
 
-TEST_F(RenameInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
+TEST_F(RenamingInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
     m_folder.makeFile("file", "x");
     m_folder.makeFile("taken", "y");
     withRefusedCall(SYS_renameat2, EINVAL, [&] {
-        EXPECT_FALSE(renameWithoutReplacing(m_parent.number(), "file", m_parent.number(), "taken"));
-        EXPECT_EQ(errno, EEXIST);
-        EXPECT_TRUE(renameWithoutReplacing(m_parent.number(), "file", m_parent.number(), "free"));
+        EXPECT_EQ(codeOf(renameWithoutReplacing(m_parent, "file", m_parent, "taken")), EEXIST);
+        EXPECT_EQ(codeOf(renameWithoutReplacing(m_parent, "file", m_parent, "free")), 0);
     });
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"free", "taken"}));
     EXPECT_EQ(textOf(m_folder.path("taken")), "y");
 }
 
-class NamingANewFile : public RenameInSteps {
+TEST_F(RenamingInSteps, TellsWhatFailedAndOnWhat) {
+    Result<void> const renamed = StepwiseRename().rename(m_parent, "none", m_parent, "new");
+    ASSERT_FALSE(renamed.isDone());
+    EXPECT_EQ(renamed.problem().code, ENOENT);
+    EXPECT_EQ(renamed.problem().item, "none");
+    m_folder.makeFile("file", "");
+    m_folder.makeFile("taken", "");
+    Result<void> const taken = renameWithoutReplacing(m_parent, "file", m_parent, "taken");
+    ASSERT_FALSE(taken.isDone());
+    EXPECT_EQ(taken.problem().code, EEXIST);
+    EXPECT_STREQ(taken.problem().operation, "rename");
+    EXPECT_EQ(taken.problem().item, "file");
+}
+
+class NamingANewFile : public RenamingInSteps {
 protected:
-    int name(std::string const& from, std::string const& to) const {
-        return nameNewFile(m_parent.number(), from, to) ? 0 : errno;
-    }
+    int name(std::string const& from, std::string const& to) const { return codeOf(nameNewFile(m_parent, from, to)); }
     // Where the system cannot rename without replacing.
     int nameInSteps(std::string const& from, std::string const& to) const {
         int result = 0;

@@ -78,8 +78,9 @@ TEST(MountTable, EndsWhereMountsHangOnEachOther) {
 }
 
 TEST(MountTable, OfThisProcessHoldsItsRoot) {
-    MountTable const table = MountTable::current();
-    EXPECT_NE(table.reachedBy(MountTable::source), nullptr);
+    Result<MountTable> const table = MountTable::current();
+    ASSERT_TRUE(table.hasValue());
+    EXPECT_NE(table.value().reachedBy(MountTable::source), nullptr);
 }
 
 struct Locality {

@@ -1,4 +1,5 @@
 #include "platform/system/items/OpenItem.h"
+#include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
@@ -10,16 +11,17 @@
 namespace mac::test {
 namespace {
 
-std::string nameOf(std::string const& path, bool followsLinks = true) {
-    std::optional<OpenItem> const item = openItemAtPath(path, followsLinks);
-    return item ? item->name : "-";
+std::string nameOf(std::string const& path, LinkAtEnd linkAtEnd = LinkAtEnd::IsFollowed) {
+    Result<OpenItem> const item = openItemAtPath(path, linkAtEnd);
+    return item.hasValue() ? item.value().name : "-";
 }
 
-bool isItem(std::optional<OpenItem> const& item, std::string const& path) {
+bool isItem(Result<OpenItem> const& item, std::string const& path) {
     struct stat expected {};
     struct stat found {};
-    return item && ::lstat(path.c_str(), &expected) == 0 && ::fstat(item->item.number(), &found) == 0 &&
-           expected.st_ino == found.st_ino && expected.st_dev == found.st_dev;
+    return item.hasValue() && ::lstat(path.c_str(), &expected) == 0 &&
+           ::fstat(item.value().item.number(), &found) == 0 && expected.st_ino == found.st_ino &&
+           expected.st_dev == found.st_dev;
 }
 
 TEST(OpenItem, HasTheNameOfTheLastComponent) {
@@ -40,12 +42,10 @@ TEST(OpenItem, HasTheNameOfTheLastComponent) {
 TEST(OpenItem, IsNoFileWhereThePathMeansAFolder) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
-    EXPECT_EQ(nameOf(file + "/"), "-");
-    EXPECT_EQ(errno, ENOTDIR);
+    EXPECT_EQ(codeOf(openItemAtPath(file + "/", LinkAtEnd::IsFollowed)), ENOTDIR);
     EXPECT_EQ(nameOf(file + "/."), "-");
     EXPECT_EQ(nameOf(file + "/.."), "-");
-    EXPECT_EQ(nameOf(folder.path("none")), "-");
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(codeOf(openItemAtPath(folder.path("none"), LinkAtEnd::IsFollowed)), ENOENT);
     EXPECT_EQ(nameOf(""), "-");
 }
 
@@ -54,13 +54,13 @@ TEST(OpenItem, IsTheLinkOrWhatItLeadsTo) {
     std::string const file = folder.makeFile("a/file", "");
     ASSERT_EQ(::symlink("a/file", folder.path("relative").c_str()), 0);
     ASSERT_EQ(::symlink(folder.path("relative").c_str(), folder.path("absolute").c_str()), 0);
-    EXPECT_TRUE(isItem(openItemAtPath(folder.path("absolute"), true), file));
+    EXPECT_TRUE(isItem(openItemAtPath(folder.path("absolute"), LinkAtEnd::IsFollowed), file));
     EXPECT_EQ(nameOf(folder.path("absolute")), "file");
-    EXPECT_TRUE(isItem(openItemAtPath(folder.path("absolute"), false), folder.path("absolute")));
+    EXPECT_TRUE(isItem(openItemAtPath(folder.path("absolute"), LinkAtEnd::IsNotFollowed), folder.path("absolute")));
     ASSERT_EQ(::symlink("a", folder.path("folder").c_str()), 0);
-    EXPECT_EQ(nameOf(folder.path("folder"), false), "folder");
+    EXPECT_EQ(nameOf(folder.path("folder"), LinkAtEnd::IsNotFollowed), "folder");
     // A slash at the end asks for the folder.
-    EXPECT_EQ(nameOf(folder.path("folder/"), false), "a");
+    EXPECT_EQ(nameOf(folder.path("folder/"), LinkAtEnd::IsNotFollowed), "a");
     ASSERT_EQ(::symlink("a/.", folder.path("dotted").c_str()), 0);
     EXPECT_EQ(nameOf(folder.path("dotted")), "a");
 }
@@ -75,8 +75,7 @@ TEST(OpenItem, LiesBehindAsManyLinksAsTheSystemFollows) {
         target = name;
     }
     EXPECT_EQ(nameOf(folder.path("link 40")), "file");
-    EXPECT_EQ(nameOf(folder.path("link 41")), "-");
-    EXPECT_EQ(errno, ELOOP);
+    EXPECT_EQ(codeOf(openItemAtPath(folder.path("link 41"), LinkAtEnd::IsFollowed)), ELOOP);
 }
 
 TEST(OpenItem, SaysWhyALinkCannotBeRead) {
@@ -85,21 +84,37 @@ TEST(OpenItem, SaysWhyALinkCannotBeRead) {
     ASSERT_EQ(::symlink("file", folder.path("link").c_str()), 0);
     withRefusedCall(SYS_readlinkat, EIO, [&] {
         EXPECT_EQ(nameOf(folder.path("file")), "file");
-        EXPECT_EQ(nameOf(folder.path("link")), "-");
-        EXPECT_EQ(errno, EIO);
+        EXPECT_EQ(codeOf(openItemAtPath(folder.path("link"), LinkAtEnd::IsFollowed)), EIO);
     });
 }
 
 TEST(OpenItem, StaysTheSameWhenItIsMoved) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
-    std::optional<OpenItem> const item = openItemAtPath(file, true);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsFollowed);
+    ASSERT_TRUE(item.hasValue());
     ASSERT_EQ(::rename(file.c_str(), folder.path("moved").c_str()), 0);
     folder.makeFile("file", "another");
     EXPECT_TRUE(isItem(item, folder.path("moved")));
     struct stat status {};
-    ASSERT_EQ(::stat(item->systemPath().c_str(), &status), 0);
+    ASSERT_EQ(::stat(item.value().systemPath().c_str(), &status), 0);
     EXPECT_EQ(status.st_size, 0);
+}
+
+TEST(OpenItem, IsFoundAgainInItsFolder) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsFollowed);
+    ASSERT_TRUE(item.hasValue());
+    ASSERT_EQ(::rename(file.c_str(), folder.path("moved").c_str()), 0);
+    Result<OpenItem> const found = openItemInItsFolder(item.value().item);
+    EXPECT_TRUE(isItem(found, folder.path("moved")));
+    EXPECT_EQ(found.value().name, "moved");
+    ASSERT_EQ(::unlink(folder.path("moved").c_str()), 0);
+    folder.makeFile("moved (deleted)", "another");
+    Result<OpenItem> const another = openItemInItsFolder(item.value().item);
+    ASSERT_FALSE(another.hasValue());
+    EXPECT_EQ(another.problem().code, ESTALE);
 }
 
 } // namespace

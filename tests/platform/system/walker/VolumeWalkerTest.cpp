@@ -158,10 +158,10 @@ TEST(VolumeWalker, CountsARootThatIsNoFolder) {
     WalkResult const result = walk({.roots = {folder.path("missing"), folder.path("a"), file}});
     EXPECT_EQ(result.paths, (Paths{package}));
     ASSERT_EQ(result.progress.unreadableFolders, 2U);
-    EXPECT_EQ(result.progress.firstUnreadable[0].path, folder.path("missing"));
-    EXPECT_EQ(result.progress.firstUnreadable[0].error, ENOENT);
-    EXPECT_EQ(result.progress.firstUnreadable[1].path, file);
-    EXPECT_EQ(result.progress.firstUnreadable[1].error, ENOTDIR);
+    EXPECT_EQ(result.progress.firstUnreadable[0].item, folder.path("missing"));
+    EXPECT_EQ(result.progress.firstUnreadable[0].code, ENOENT);
+    EXPECT_EQ(result.progress.firstUnreadable[1].item, file);
+    EXPECT_EQ(result.progress.firstUnreadable[1].code, ENOTDIR);
 }
 
 TEST(VolumeWalker, CountsFoldersThatCannotBeReadAndGoesOn) {
@@ -182,9 +182,9 @@ TEST(VolumeWalker, CountsFoldersThatCannotBeReadAndGoesOn) {
     EXPECT_EQ(result.paths, (Paths{package}));
     EXPECT_EQ(result.progress.unreadableFolders, 2U);
     Paths unreadable;
-    for (UnreadableFolder const& one : result.progress.firstUnreadable) {
-        unreadable.push_back(one.path);
-        EXPECT_EQ(one.error, EACCES);
+    for (SystemError const& one : result.progress.firstUnreadable) {
+        unreadable.push_back(one.item);
+        EXPECT_EQ(one.code, EACCES);
     }
     EXPECT_EQ(sorted(unreadable), (Paths{folder.path("blind/a"), folder.path("closed")}));
 }

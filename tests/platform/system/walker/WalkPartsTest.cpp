@@ -1,22 +1,27 @@
+#include "platform/system/LongPath.h"
 #include "platform/system/walker/DescriptorBudget.h"
+#include "platform/system/walker/FolderFacts.h"
 #include "platform/system/walker/FolderReader.h"
-#include "platform/system/walker/LeafRule.h"
 #include "platform/system/walker/PackageRule.h"
 #include "platform/system/walker/ThreadPace.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
 
+FileDescriptor folderAt(std::string const& path) { return openPath(path, O_RDONLY | O_DIRECTORY).takeValue(); }
+
 std::vector<std::string> subfoldersOf(std::string const& path) {
-    OpenFolder const folder = OpenFolder::atPath(path);
+    FileDescriptor const folder = folderAt(path);
     std::vector<std::string> names;
     FolderReader reader;
-    while (reader.fill(folder) == FolderReader::Fill::Some) {
+    while (reader.fill(folder).value() == FolderReader::Fill::Some) {
         while (std::optional<std::string_view> const name = reader.nextSubfolder(folder))
             names.emplace_back(*name);
     }
@@ -25,7 +30,7 @@ std::vector<std::string> subfoldersOf(std::string const& path) {
 }
 
 std::optional<std::uint32_t> subfoldersByLinksOf(std::string const& path) {
-    return subfoldersByLinkCount(factsOf(OpenFolder::atPath(path)).linkCount);
+    return subfoldersByLinkCount(factsOf(folderAt(path)).value().linkCount);
 }
 
 } // namespace
@@ -109,8 +114,10 @@ TEST(FolderReader, LeavesOutTheFolderItselfItsParentAndFiles) {
 
 TEST(FolderReader, FailsOnAFolderThatIsNotOpen) {
     FolderReader reader;
-    EXPECT_EQ(reader.fill(OpenFolder()), FolderReader::Fill::Failed);
-    EXPECT_EQ(reader.nextSubfolder(OpenFolder()), std::nullopt);
+    Result<FolderReader::Fill> const fill = reader.fill(FileDescriptor());
+    ASSERT_FALSE(fill.hasValue());
+    EXPECT_EQ(fill.problem().code, EBADF);
+    EXPECT_EQ(reader.nextSubfolder(FileDescriptor()), std::nullopt);
 }
 
 TEST(LeafRule, TellsNothingWhereTheCountIsNoneOfFolders) {
@@ -120,7 +127,7 @@ TEST(LeafRule, TellsNothingWhereTheCountIsNoneOfFolders) {
     EXPECT_EQ(subfoldersByLinkCount(9), 7U);
 }
 
-TEST(LeafRule, IsNotTrustedOnOtherFileSystems) { EXPECT_FALSE(linkCountTellsSubfolders(OpenFolder::atPath("/proc"))); }
+TEST(LeafRule, IsNotTrustedOnOtherFileSystems) { EXPECT_FALSE(linkCountTellsSubfolders(folderAt("/proc"))); }
 
 class LeafRuleOnVolumes : public PrivateMounts {
 protected:
@@ -129,7 +136,7 @@ protected:
 
 TEST_F(LeafRuleOnVolumes, HoldsInMemory) {
     mountMemory(m_folder.path());
-    ASSERT_TRUE(linkCountTellsSubfolders(OpenFolder::atPath(m_folder.path())));
+    ASSERT_TRUE(linkCountTellsSubfolders(folderAt(m_folder.path())));
     m_folder.makeFile("a/file", "");
     EXPECT_EQ(subfoldersByLinksOf(m_folder.path("a")), 0U);
     m_folder.makeFolder("a/b");
@@ -141,7 +148,7 @@ TEST_F(LeafRuleOnVolumes, HoldsOnExt4) {
     std::string const point = m_folder.makeFolder("image");
     mountImage(m_folder.path("file.img"), point);
     if (IsSkipped()) return;
-    ASSERT_TRUE(linkCountTellsSubfolders(OpenFolder::atPath(point)));
+    ASSERT_TRUE(linkCountTellsSubfolders(folderAt(point)));
     m_folder.makeFile("image/a/file", "");
     EXPECT_EQ(subfoldersByLinksOf(m_folder.path("image/a")), 0U);
     m_folder.makeFolder("image/a/b");

@@ -1,8 +1,11 @@
+#include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderStack.h"
 #include "platform/system/walker/WorkExchange.h"
+#include "tests/support/ErrorCode.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
 #include <cerrno>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <thread>
@@ -17,9 +20,11 @@ using Names = std::vector<std::string>;
 FolderShare shareAt(std::string const& path) {
     FolderShare share;
     share.path = path;
-    share.state.folder = OpenFolder::atPath(path);
+    share.state.folder = openPath(path, O_RDONLY | O_DIRECTORY).takeValue();
     return share;
 }
+
+FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).value().identity; }
 
 Names namesIn(FolderShare const& share) {
     Names names;
@@ -45,7 +50,7 @@ void fill(FolderStack& stack, std::string const& path, Names const& names) {
 
 void push(FolderStack& stack, std::string const& name) {
     FolderState state;
-    state.folder = OpenFolder::inside(stack.top().folder, name.c_str());
+    state.folder = openFolderIn(stack.top().folder, name.c_str()).takeValue();
     stack.push(name, std::move(state));
 }
 
@@ -111,7 +116,7 @@ TEST_P(Splits, HalveTheNamesOfTheOnlyFolder) {
     EXPECT_EQ(share.has_value(), !GetParam().given.empty());
     if (share) {
         EXPECT_EQ(namesIn(*share), GetParam().given);
-        EXPECT_EQ(factsOf(share->state.folder).identity, factsOf(stack.top().folder).identity);
+        EXPECT_EQ(identityOf(share->state.folder), identityOf(stack.top().folder));
         EXPECT_TRUE(share->state.isRead);
     }
     EXPECT_EQ(restOf(stack), GetParam().kept);
@@ -129,14 +134,14 @@ TEST(FolderStack, GivesUpDescriptorsBeyondItsLimitAndOpensThemAgain) {
     FolderStack stack(2);
     fill(stack, folder.path(), {});
     stack.top().isRead = false;
-    FolderIdentity const root = factsOf(stack.top().folder).identity;
+    FolderIdentity const root = identityOf(stack.top().folder);
     for (char const* name : {"a", "b", "c"})
         push(stack, name);
     for (int i = 0; i < 3; ++i)
         stack.pop();
     EXPECT_FALSE(stack.top().folder.isOpen());
-    ASSERT_TRUE(stack.openTop());
-    EXPECT_EQ(factsOf(stack.top().folder).identity, root);
+    ASSERT_TRUE(stack.openTop().isDone());
+    EXPECT_EQ(identityOf(stack.top().folder), root);
 }
 
 TEST(FolderStack, DoesNotTakeAnotherFolderForTheOneItGaveUp) {
@@ -149,11 +154,9 @@ TEST(FolderStack, DoesNotTakeAnotherFolderForTheOneItGaveUp) {
     ASSERT_EQ(::rename(folder.path("a").c_str(), folder.path("kept").c_str()), 0);
     folder.makeFolder("a");
     stack.pop();
-    EXPECT_FALSE(stack.openTop());
-    EXPECT_EQ(errno, ESTALE);
+    EXPECT_EQ(codeOf(stack.openTop()), ESTALE);
     ASSERT_EQ(::rmdir(folder.path("a").c_str()), 0);
-    EXPECT_FALSE(stack.openTop());
-    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(codeOf(stack.openTop()), ENOENT);
 }
 
 TEST(WorkExchange, IsOverWhenAllWaitAndNothingIsLeft) {

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/foundation/MacErrors.h"
+#include "platform/system/SystemError.h"
+
+namespace mac {
+
+// The File Manager's status of a system error. Any thread.
+
+enum class FileOperation {
+    // Making a reference: an error that has no status of its own is fnfErr.
+    Finding,
+    // Reading or writing what the catalog holds of an item: an error that has no status of its own is ioErr.
+    UsingCatalog,
+};
+
+OSErr statusOf(SystemError const& error, FileOperation operation);
+
+} // namespace mac

@@ -1,0 +1,306 @@
+#include "platform/files/TrashPlaces.h"
+#include "platform/files/Volumes.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/XDGFolders.h"
+#include "platform/system/items/FolderPlace.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr int FolderFlags = O_PATH | O_DIRECTORY;
+// Open for listing, and for flushing to the disk.
+constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NONBLOCK;
+
+enum class Top { UserData, Volume };
+enum class NameEnd { None, UserID };
+
+// A place where a trash can lie.
+struct PlaceRow {
+    Top top;
+    // A folder in the top that the administrator made for the trashes of all users; empty if the trash lies in the top.
+    std::string_view sharedFolder;
+    std::string_view nameStart;
+    NameEnd nameEnd;
+
+    std::string name() const {
+        return std::string(nameStart) + (nameEnd == NameEnd::UserID ? std::to_string(::geteuid()) : "");
+    }
+    std::string pathIn(std::string_view topPath) const {
+        std::string const folder = sharedFolder.empty() ? std::string(topPath) : BytePath(topPath).joined(sharedFolder);
+        return BytePath(folder).joined(name());
+    }
+};
+
+// All places, in the order in which they are tried: the user's data only for what lies on its volume.
+constexpr std::array<PlaceRow, 3> Places{{
+    {Top::UserData, "", "Trash", NameEnd::None},
+    {Top::Volume, ".Trash", "", NameEnd::UserID},
+    {Top::Volume, "", ".Trash-", NameEnd::UserID},
+}};
+
+struct TopFolder {
+    FileDescriptor folder{};
+    std::string path{};
+};
+
+Result<FileDescriptor> openIn(FileDescriptor const& folder, std::string const& name, int flags) {
+    FileDescriptor opened(::openat(folder.number(), name.c_str(), flags | O_CLOEXEC));
+    if (!opened.isOpen()) return lastSystemError("open", name);
+    return opened;
+}
+
+Result<FileDescriptor> openOrMake(FileDescriptor const& folder, std::string const& name, int flags,
+                                  MissingTrash missing) {
+    if (missing == MissingTrash::IsMade && ::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        return lastSystemError("mkdir", name);
+    return openIn(folder, name, flags);
+}
+
+Result<FileDescriptor> openOrMakePath(BytePath path, MissingTrash missing) {
+    Result<FileDescriptor> folder = openPath(path.bytes(), FolderFlags);
+    bool const canMake = missing == MissingTrash::IsMade && path.bytes() != path.parent();
+    if (folder.hasValue() || !folder.problem().is(ENOENT) || !canMake) return folder;
+    Result<FileDescriptor> const above = openOrMakePath(path.parent(), missing);
+    if (!above.hasValue()) return above.problem();
+    return openOrMake(above.value(), std::string(path.leaf()), FolderFlags, missing);
+}
+
+// Opens the folder at the path, or the nearest folder above it that can be opened.
+Result<FileDescriptor> openNearest(BytePath path) {
+    Result<FileDescriptor> folder = openPath(path.bytes(), FolderFlags);
+    if (folder.hasValue() || path.bytes() == path.parent() || path.parent().empty()) return folder;
+    return openNearest(path.parent());
+}
+
+// Fails with EPERM unless the item is a folder of this user on the mount: others could have made it as a trap.
+Result<void> checkOwnOn(FileDescriptor const& folder, std::uint64_t mount, std::string const& path) {
+    Result<ItemPlace> const place = placeOf(folder);
+    if (!place.hasValue()) return place.problem();
+    bool const isOwn = place.value().isFolder && place.value().owner == ::geteuid() && place.value().mount == mount;
+    return isOwn ? Result<void>() : SystemError{.code = EPERM, .operation = "use", .item = path};
+}
+
+// Opens a folder of the trash, "files" or "info".
+Result<FileDescriptor> openPart(TrashPlace const& trash, std::uint64_t mount, char const* name, MissingTrash missing) {
+    Result<FileDescriptor> part = openOrMake(trash.folder, name, ListFlags | O_NOFOLLOW, missing);
+    if (!part.hasValue()) return part;
+    Result<void> const check = checkOwnOn(part.value(), mount, trash.path);
+    if (!check.isDone()) return check.problem();
+    return part;
+}
+
+// Opens the folder that the administrator made. Without the sticky bit any user could replace a folder in it.
+Result<FileDescriptor> openShared(TopFolder const& top, std::string const& name, std::uint64_t mount) {
+    Result<FileDescriptor> shared = openIn(top.folder, name, FolderFlags | O_NOFOLLOW);
+    if (!shared.hasValue()) return shared;
+    Result<ItemPlace> const place = placeOf(shared.value());
+    if (!place.hasValue()) return place.problem();
+    bool const isSafe = (place.value().mode & S_ISVTX) != 0 && place.value().mount == mount;
+    if (!isSafe) return SystemError{.code = EPERM, .operation = "use", .item = BytePath(top.path).joined(name)};
+    return shared;
+}
+
+Result<FileDescriptor> openTrashFolder(PlaceRow const& row, TopFolder const& top, MissingTrash missing) {
+    // The user may have linked the home trash to another place.
+    if (row.top == Top::UserData) return openOrMake(top.folder, row.name(), FolderFlags, missing);
+    if (row.sharedFolder.empty()) return openOrMake(top.folder, row.name(), FolderFlags | O_NOFOLLOW, missing);
+    Result<ItemPlace> const place = placeOf(top.folder);
+    if (!place.hasValue()) return place.problem();
+    Result<FileDescriptor> const shared = openShared(top, std::string(row.sharedFolder), place.value().mount);
+    if (!shared.hasValue()) return shared.problem();
+    return openOrMake(shared.value(), row.name(), FolderFlags | O_NOFOLLOW, missing);
+}
+
+Result<TrashPlace> openTrash(PlaceRow const& row, TopFolder const& top, MissingTrash missing) {
+    Result<FileDescriptor> folder = openTrashFolder(row, top, missing);
+    if (!folder.hasValue()) return folder.problem();
+    TrashPlace trash{.folder = folder.takeValue(),
+                     .path = row.pathIn(top.path),
+                     .base = top.path,
+                     .isHome = row.top == Top::UserData};
+    Result<ItemPlace> const place = placeOf(trash.isHome ? trash.folder : top.folder);
+    if (!place.hasValue()) return place.problem();
+    std::uint64_t const mount = place.value().mount;
+    Result<void> const check = checkOwnOn(trash.folder, mount, trash.path);
+    if (!check.isDone()) return check.problem();
+    Result<FileDescriptor> files = openPart(trash, mount, "files", missing);
+    if (!files.hasValue()) return files.problem();
+    Result<FileDescriptor> information = openPart(trash, mount, "info", missing);
+    if (!information.hasValue()) return information.problem();
+    trash.files = files.takeValue();
+    trash.information = information.takeValue();
+    return trash;
+}
+
+Result<TopFolder> openUserData(MissingTrash missing) {
+    std::string path(BytePath(dataHome()).bytes());
+    Result<FileDescriptor> folder = openOrMakePath(path, missing);
+    if (!folder.hasValue()) return folder.problem();
+    return TopFolder{folder.takeValue(), std::move(path)};
+}
+
+Result<TopFolder> topFolder(Result<FileDescriptor> folder) {
+    if (!folder.hasValue()) return folder.problem();
+    Result<std::string> path = pathOfFolder(folder.value());
+    if (!path.hasValue()) return path.problem();
+    return TopFolder{folder.takeValue(), path.takeValue()};
+}
+
+// The trashes that exist at the places of that kind below the top folder.
+std::vector<TrashPlace> existingTrashes(Top kind, Result<TopFolder> const& top) {
+    std::vector<TrashPlace> trashes;
+    if (!top.hasValue()) return trashes;
+    for (PlaceRow const& row : Places) {
+        if (row.top != kind) continue;
+        Result<TrashPlace> trash = openTrash(row, top.value(), MissingTrash::IsMissing);
+        if (trash.hasValue()) trashes.push_back(trash.takeValue());
+    }
+    return trashes;
+}
+
+std::vector<TrashPlace> trashesOfUserData() {
+    return existingTrashes(Top::UserData, openUserData(MissingTrash::IsMissing));
+}
+
+// Whether the volume belongs to the local computer, which may be narrowed to some folders.
+bool isOfLocalComputer(BytePath mountPoint) {
+    std::vector<std::string> const folders = localComputerFolders();
+    return folders.empty() ||
+           std::ranges::any_of(folders, [&](std::string const& folder) { return mountPoint.isAtOrBelow(folder); });
+}
+
+TrashProblem noTrash(SystemError error) {
+    TrashProblem problem = trashProblem(std::move(error), "The volume has no trash that can be used");
+    bool const isTheVolume = problem.kind == TrashProblem::ReadOnly || problem.kind == TrashProblem::Full;
+    if (!isTheVolume) problem.kind = TrashProblem::NoTrash;
+    return problem;
+}
+
+// The first trash below the top that can be used; the problem of the last place if none can.
+Result<TrashPlace, TrashProblem> firstTrash(Top kind, Result<TopFolder> const& top, MissingTrash missing) {
+    if (!top.hasValue()) return noTrash(top.problem());
+    SystemError error;
+    for (PlaceRow const& row : Places) {
+        if (row.top != kind) continue;
+        Result<TrashPlace> trash = openTrash(row, top.value(), missing);
+        if (trash.hasValue()) return trash.takeValue();
+        error = trash.problem();
+    }
+    return noTrash(std::move(error));
+}
+
+// The folder, existing or not, that the user's data and its trashes lie in or would lie in.
+Result<FileDescriptor> nearestToUserData(PlaceRow const& row) { return openNearest(row.pathIn(dataHome())); }
+
+} // namespace
+
+std::optional<std::string> TrashPlace::writtenPath(std::string const& original) const {
+    if (isHome) return original;
+    std::string_view const relative = BytePath(original).belowFolder(base);
+    return relative.empty() ? std::nullopt : std::optional(std::string(relative));
+}
+
+std::string TrashPlace::originalPath(std::string const& written) const {
+    if (!written.starts_with('/')) return BytePath(base).joined(written);
+    // A volume brought from elsewhere has no say about paths on other volumes.
+    return isHome ? written : std::string();
+}
+
+Result<TrashPlace, TrashProblem> trashForFolder(FileDescriptor const& folder, MissingTrash missing) {
+    Result<ItemPlace> const place = placeOf(folder);
+    if (!place.hasValue()) return noTrash(place.problem());
+    for (PlaceRow const& row : Places) {
+        if (row.top != Top::UserData) continue;
+        Result<FileDescriptor> const nearest = nearestToUserData(row);
+        if (!nearest.hasValue()) return noTrash(nearest.problem());
+        Result<ItemPlace> const home = placeOf(nearest.value());
+        if (!home.hasValue()) return noTrash(home.problem());
+        if (home.value().mount == place.value().mount) return firstTrash(Top::UserData, openUserData(missing), missing);
+    }
+    return firstTrash(Top::Volume, topFolder(topOfMount(folder)), missing);
+}
+
+bool holdsHomeTrash(ItemIdentity const& folder) {
+    return std::ranges::any_of(Places, [&](PlaceRow const& row) {
+        if (row.top != Top::UserData) return false;
+        Result<FileDescriptor> const nearest = nearestToUserData(row);
+        if (!nearest.hasValue()) return false;
+        Result<std::vector<ItemIdentity>> const above = folderAndThoseAbove(nearest.value());
+        return above.hasValue() && std::ranges::find(above.value(), folder) != above.value().end();
+    });
+}
+
+std::vector<TrashPlace> trashesAround(FileDescriptor const& folder) {
+    std::vector<TrashPlace> trashes = trashesOfUserData();
+    std::ranges::move(existingTrashes(Top::Volume, topFolder(topOfMount(folder))), std::back_inserter(trashes));
+    return trashes;
+}
+
+std::vector<TrashPlace> trashesOfUser() {
+    std::vector<TrashPlace> trashes = trashesOfUserData();
+    for (MountedVolume const& volume : mountedVolumes()) {
+        // A server that does not answer would block.
+        if (!volume.isLocal || !isOfLocalComputer(volume.mountPoint)) continue;
+        Result<TopFolder> const top = topFolder(openPath(volume.mountPoint, FolderFlags));
+        std::ranges::move(existingTrashes(Top::Volume, top), std::back_inserter(trashes));
+    }
+    // A volume can be mounted at several places.
+    std::vector<ItemIdentity> seen;
+    std::erase_if(trashes, [&seen](TrashPlace const& trash) {
+        Result<ItemPlace> const place = placeOf(trash.folder);
+        if (!place.hasValue() || std::ranges::find(seen, place.value().identity) != seen.end()) return true;
+        seen.push_back(place.value().identity);
+        return false;
+    });
+    return trashes;
+}
+
+std::string shownPath(std::string const& path) { return utf8FromUnits(unitsFromFileSystemBytes(path)); }
+
+TrashProblem wrongItemMoved(SystemError error, std::string const& what, std::string const& path) {
+    return {.kind = TrashProblem::Changed,
+            .error = std::move(error),
+            .text = what + ": Another item was moved in its stead, and is now at " + shownPath(path)};
+}
+
+TrashProblem trashProblem(SystemError error, std::string const& what) {
+    constexpr auto kindOf = [](int code) {
+        switch (code) {
+        case ENOENT:
+        case ENOTDIR:
+            return TrashProblem::NotThere;
+        case EACCES:
+        case EPERM:
+            return TrashProblem::NotAllowed;
+        case EROFS:
+            return TrashProblem::ReadOnly;
+        case ENOSPC:
+        case EDQUOT:
+            return TrashProblem::Full;
+        case EXDEV:
+            return TrashProblem::NoTrash;
+        case EBUSY:
+            return TrashProblem::Immovable;
+        case EEXIST:
+        case ENOTEMPTY:
+            return TrashProblem::NameTaken;
+        case ESTALE:
+            return TrashProblem::Changed;
+        default:
+            return TrashProblem::Other;
+        }
+    };
+    std::string text = what + ": " + textOfSystemError(error.code);
+    return {.kind = kindOf(error.code), .error = std::move(error), .text = std::move(text)};
+}
+
+} // namespace mac

@@ -1,0 +1,67 @@
+#include "platform/system/walker/FolderFacts.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+
+namespace mac {
+
+namespace {
+
+Result<FileDescriptor> ifOpen(FileDescriptor folder) {
+    if (!folder.isOpen()) return lastSystemError("open");
+    return folder;
+}
+
+Result<FolderFacts> facts(int descriptor, char const* name, int flags) {
+    struct statx status;
+    if (::statx(descriptor, name, flags | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
+                STATX_TYPE | STATX_NLINK | STATX_INO | STATX_MNT_ID, &status) != 0)
+        return lastSystemError("stat");
+    return FolderFacts{.isFolder = S_ISDIR(status.stx_mode),
+                       .mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : 0,
+                       .linkCount = status.stx_nlink,
+                       .identity = {.device = (std::uint64_t{status.stx_dev_major} << 32) | status.stx_dev_minor,
+                                    .inode = status.stx_ino}};
+}
+
+} // namespace
+
+Result<FileDescriptor> openFolderIn(FileDescriptor const& parent, char const* name) {
+    return ifOpen(FileDescriptor(::openat(parent.number(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW)));
+}
+
+Result<FileDescriptor> duplicateOf(FileDescriptor const& folder) {
+    return ifOpen(FileDescriptor(::fcntl(folder.number(), F_DUPFD_CLOEXEC, 0)));
+}
+
+Result<FolderFacts> factsInside(FileDescriptor const& parent, char const* name) {
+    return facts(parent.number(), name, AT_SYMLINK_NOFOLLOW);
+}
+
+Result<FolderFacts> factsOf(FileDescriptor const& folder) { return facts(folder.number(), "", AT_EMPTY_PATH); }
+
+bool meansVanished(SystemError const& error) { return error.is(ENOENT) || error.is(ENOTDIR) || error.is(ELOOP); }
+
+bool linkCountTellsSubfolders(FileDescriptor const& folder) {
+    struct statfs volume;
+    if (::fstatfs(folder.number(), &volume) != 0) return false;
+    switch (volume.f_type) {
+    case EXT4_SUPER_MAGIC: // ext2 and ext3 as well
+    case XFS_SUPER_MAGIC:
+    case TMPFS_MAGIC:
+    case EROFS_SUPER_MAGIC_V1:
+        return true;
+    default:
+        return false;
+    }
+}
+
+std::optional<std::uint32_t> subfoldersByLinkCount(std::uint32_t linkCount) {
+    constexpr std::uint32_t ownLinks = 2; // its name and its "."
+    if (linkCount < ownLinks) return std::nullopt;
+    return linkCount - ownLinks;
+}
+
+} // namespace mac

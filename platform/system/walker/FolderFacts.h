@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
+#include <cstdint>
+#include <optional>
+
+namespace mac {
+
+// How the walker opens folders and what it asks of them. Errors name no item and allocate nothing, since a walk meets
+// many entries that have vanished: the caller knows the path.
+
+// Opens a folder for reading; a symbolic link is not followed.
+Result<FileDescriptor> openFolderIn(FileDescriptor const& parent, char const* name);
+// A second descriptor of the same open folder.
+Result<FileDescriptor> duplicateOf(FileDescriptor const& folder);
+
+// Which folder it is, whatever its path is now.
+struct FolderIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool operator==(FolderIdentity const&) const = default;
+};
+
+struct FolderFacts {
+    bool isFolder = false;
+    std::uint64_t mount = 0; // ID of the mount it is reached through; 0 if unknown
+    std::uint32_t linkCount = 0;
+    FolderIdentity identity{};
+};
+
+// Looks without opening, without following a link, without mounting on demand and without asking a server.
+Result<FolderFacts> factsInside(FileDescriptor const& parent, char const* name);
+Result<FolderFacts> factsOf(FileDescriptor const& folder);
+
+// Whether an item that was listed a moment ago is gone, or is no folder any more.
+bool meansVanished(SystemError const& error);
+
+// The leaf rule: where every subfolder's ".." counts as a link to its parent, a folder's link count tells how many
+// folders lie in it. A folder with none need not be opened at all, and reading another can end with its last folder.
+// More than half of all folders hold no folder, so no other single measure saves a walk as much.
+
+// Whether the file system that holds the folder counts so. True only for those where this was measured; btrfs, overlay
+// and most others do not.
+bool linkCountTellsSubfolders(FileDescriptor const& folder);
+
+// nullopt if the count does not tell, as in a folder that has more subfolders than the file system can count links.
+std::optional<std::uint32_t> subfoldersByLinkCount(std::uint32_t linkCount);
+
+} // namespace mac

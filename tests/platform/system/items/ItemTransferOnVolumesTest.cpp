@@ -1,0 +1,154 @@
+#include "tests/platform/files/Attributes.h"
+#include "tests/platform/system/items/ItemTransfers.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/PrivateMounts.h"
+#include "tests/support/Refusals.h"
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+
+namespace mac::test {
+
+namespace {
+
+class ItemTransferOnVolumes : public PrivateMounts {
+protected:
+    TemporaryFolder const m_folder{};
+    TemporaryFolder const m_point{};
+};
+
+TEST_F(ItemTransferOnVolumes, MovesAFolderToAnotherVolume) {
+    mountMemory(m_point.path());
+    makeTree(m_folder, "tree");
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    expectTree(m_point.path("tree"));
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, MovesFilesOfSeveralNamesAndTheirAppleDoubleFile) {
+    mountMemory(m_point.path());
+    m_folder.makeFile("tree/a", "x");
+    ASSERT_EQ(::link(m_folder.path("tree/a").c_str(), m_folder.path("tree/b").c_str()), 0);
+    ASSERT_EQ(::link(m_folder.path("tree/a").c_str(), m_folder.path("tree/c").c_str()), 0);
+    m_folder.makeFile("._tree", AppleDouble);
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    EXPECT_EQ(namesIn(m_point.path("tree")), (std::vector<std::string>{"a", "b", "c"}));
+    EXPECT_EQ(textOf(m_point.path("._tree")), AppleDouble);
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, MovesAFolderThatNobodyMayChange) {
+    mountMemory(m_point.path(), "mode=777");
+    m_folder.makeFile("tree/inner/file", "x");
+    for (char const* const name : {"", "tree", "tree/inner", "tree/inner/file"})
+        OrdinaryUser::own(m_folder.path(name));
+    OrdinaryUser const user;
+    ASSERT_EQ(::chmod(m_folder.path("tree/inner").c_str(), 0555), 0);
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), 0);
+    EXPECT_EQ(textOf(m_point.path("tree/inner/file")), "x");
+    EXPECT_EQ(statusOf(m_point.path("tree/inner")).st_mode & 0777U, 0555U);
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+    ::chmod(m_point.path("tree/inner").c_str(), 0755);
+}
+
+TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
+    mountMemory(m_point.path(), "mode=777");
+    std::string const file = m_folder.makeFile("closed/file", "x");
+    OrdinaryUser::own(file);
+    OrdinaryUser::own(m_folder.path());
+    OrdinaryUser::own(m_folder.path("closed"));
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0555), 0);
+    OrdinaryUser const user;
+    ASSERT_NE(::faccessat(AT_FDCWD, m_folder.path("closed").c_str(), W_OK, AT_EACCESS), 0);
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
+    FileDescriptor const target = folderAt(m_point.path());
+    Result<void, TransferProblem> const moved = moveItem({.item = item.value(), .folder = target, .name = "file"});
+    ASSERT_FALSE(moved.isDone());
+    EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(moved.problem().error.code, EACCES);
+    EXPECT_EQ(textOf(m_point.path("file")), "x");
+    EXPECT_EQ(textOf(file), "x");
+}
+
+TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhereTheNameOfTheCopyIsNotOnTheDisk) {
+    mountMemory(m_point.path());
+    std::string const file = m_folder.makeFile("file", "x");
+    Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
+    withRefusedCall(SYS_fsync, EIO, [&] {
+        FileDescriptor const target = folderAt(m_point.path());
+        Result<void, TransferProblem> const moved = moveItem({.item = item.value(), .folder = target, .name = "file"});
+        ASSERT_FALSE(moved.isDone());
+        EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+        EXPECT_EQ(moved.problem().error.code, EIO);
+    });
+    EXPECT_EQ(textOf(file), "x");
+    ASSERT_EQ(::unlink(m_point.path("file").c_str()), 0);
+    // Some file systems cannot flush folders.
+    withRefusedCall(SYS_fsync, EINVAL, [&] { EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0); });
+    EXPECT_FALSE(isThere(file));
+}
+
+TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
+    mountMemory(m_point.path(), "size=64k");
+    m_folder.makeFile("tree/large", std::string(std::size_t{1} << 20U, 'x'));
+    EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), ENOSPC);
+    EXPECT_EQ(textOf(m_folder.path("tree/large")).size(), std::size_t{1} << 20U);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, RefusesAStrayAppleDoubleFileBeforeItCopies) {
+    mountMemory(m_point.path());
+    m_folder.makeFile("file", "x");
+    m_point.makeFile("._file", AppleDouble);
+    int questions = 0;
+    EXPECT_EQ(errorOf(move, m_folder.path("file"), m_point.path(), "file", [&] { return ++questions > 0; }), EEXIST);
+    EXPECT_EQ(questions, 0);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"._file"});
+}
+
+TEST_F(ItemTransferOnVolumes, KeepsAttributesThatTheOtherVolumeHasNoPlaceFor) {
+    mountWithoutAttributes(m_point.path());
+    std::string const file = m_folder.makeFile("file", "x");
+    if (::setxattr(file.c_str(), "user.colour", "blue", 4, 0) != 0) GTEST_SKIP() << "no attributes on this volume";
+    EXPECT_EQ(errorOf(move, file, m_point.path(), "file"), 0);
+    EXPECT_EQ(namesIn(m_point.path()), (std::vector<std::string>{"._file", "file"}));
+    EXPECT_EQ(errorOf(move, m_point.path("file"), m_folder.path(), "back"), 0);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, JoinsAttributesOfItemsInAFolderWithThoseBesideThem) {
+    mountWithoutAttributes(m_point.path());
+    ASSERT_EQ(set(m_point.makeFile("model", "x"), "shape", "round"), 0);
+    std::string const beside = textOf(m_point.path("._model"));
+    // So many that no order of theirs is the right one by chance.
+    std::string const names = "abcdefghijklmnopqrst";
+    for (char const name : names) {
+        std::string const file = m_folder.makeFile(std::string("tree/") + name, "x");
+        m_folder.makeFile(std::string("tree/._") + name, beside);
+        if (::setxattr(file.c_str(), "user.colour", "blue", 4, 0) != 0) GTEST_SKIP() << "no attributes on this volume";
+    }
+    for (Transfer const transfer : {copy, move}) {
+        std::string const target = transfer == copy ? "copied" : "moved";
+        EXPECT_EQ(errorOf(transfer, m_folder.path("tree"), m_point.path(), target), 0);
+        for (char const name : names) {
+            std::string const file = m_point.path(target + "/") + name;
+            EXPECT_EQ(get(file, "colour"), "blue");
+            EXPECT_EQ(get(file, "shape"), "round");
+        }
+    }
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, DoesNotEnterWhatIsMountedInside) {
+    m_folder.makeFile("tree/file", "x");
+    m_folder.makeFolder("tree/mount");
+    mountMemory(m_folder.path("tree/mount"));
+    m_folder.makeFolder("there");
+    EXPECT_EQ(errorOf(copy, m_folder.path("tree"), m_folder.path("there"), "copy"), EBUSY);
+    EXPECT_EQ(namesIn(m_folder.path("there")), std::vector<std::string>());
+}
+
+} // namespace
+
+} // namespace mac::test
