@@ -20,7 +20,6 @@ namespace {
 
 constexpr mode_t UsualFolderMode = 0777;
 constexpr mode_t UsualFileMode = 0666;
-constexpr unsigned PermissionBits = 07777;
 
 FileDescriptor openItem(NSString const& path, BOOL followsLinks) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();

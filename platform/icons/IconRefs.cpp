@@ -18,7 +18,7 @@ struct OpaqueIconRef {
 
 namespace {
 
-constexpr OSType FamilyType{"icns"};
+constexpr OSType IconFamilyType{"icns"};
 constexpr std::int16_t CustomIconNumber = -16455;
 constexpr char FolderIconFile[] = "/Icon\r";
 constexpr std::ptrdiff_t LargestFork = std::ptrdiff_t{64} << 20;
@@ -39,7 +39,7 @@ std::vector<std::byte> customIconOf(FSRef const& ref, bool isFolder) {
     if (!item) return {};
     std::vector<std::byte> const fork =
         resourceForkAt(isFolder ? item->systemPath() + FolderIconFile : attributePath(*item));
-    std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, FamilyType, CustomIconNumber);
+    std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, IconFamilyType, CustomIconNumber);
     if (!icon || !readIconFamily(*icon)) return {};
     return {icon->begin(), icon->end()};
 }
