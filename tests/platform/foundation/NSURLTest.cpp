@@ -19,7 +19,7 @@ NSURL url(std::string_view string, std::string_view base) {
 // What tests expect of a part that is not there.
 std::string const noPart = "(none)";
 
-std::string partOrNone(NSString const& string) { return string == nil ? noPart : string.UTF8String(); }
+std::string shown(NSString const& string) { return string == nil ? noPart : string.UTF8String(); }
 
 struct Parts {
     std::string_view url;
@@ -69,19 +69,19 @@ TEST(NSURL, KnowsItsParts) {
         SCOPED_TRACE(row.url);
         NSURL const whole = url(row.url);
         ASSERT_TRUE(whole != nil);
-        EXPECT_EQ(partOrNone(whole.absoluteString()), row.url);
-        EXPECT_EQ(partOrNone(whole.relativeString()), row.url);
-        EXPECT_EQ(partOrNone(whole.scheme()), row.scheme);
-        EXPECT_EQ(partOrNone(whole.resourceSpecifier()), row.resource);
-        EXPECT_EQ(partOrNone(whole.user()), row.user);
-        EXPECT_EQ(partOrNone(whole.password()), row.password);
-        EXPECT_EQ(partOrNone(whole.host()), row.host);
+        EXPECT_EQ(shown(whole.absoluteString()), row.url);
+        EXPECT_EQ(shown(whole.relativeString()), row.url);
+        EXPECT_EQ(shown(whole.scheme()), row.scheme);
+        EXPECT_EQ(shown(whole.resourceSpecifier()), row.resource);
+        EXPECT_EQ(shown(whole.user()), row.user);
+        EXPECT_EQ(shown(whole.password()), row.password);
+        EXPECT_EQ(shown(whole.host()), row.host);
         EXPECT_EQ(whole.port() == nil ? noPart : text(whole.port()), row.port);
-        EXPECT_EQ(partOrNone(whole.path()), row.path);
-        EXPECT_EQ(partOrNone(whole.relativePath()), row.path);
-        EXPECT_EQ(partOrNone(whole.parameterString()), row.parameters);
-        EXPECT_EQ(partOrNone(whole.query()), row.query);
-        EXPECT_EQ(partOrNone(whole.fragment()), row.fragment);
+        EXPECT_EQ(shown(whole.path()), row.path);
+        EXPECT_EQ(shown(whole.relativePath()), row.path);
+        EXPECT_EQ(shown(whole.parameterString()), row.parameters);
+        EXPECT_EQ(shown(whole.query()), row.query);
+        EXPECT_EQ(shown(whole.fragment()), row.fragment);
     }
 }
 
@@ -140,47 +140,47 @@ TEST(NSURL, ResolvesARelativeTextAgainstItsBase) {
              Resolution{"g/../h", "http://a/b/c/h"},
              Resolution{"http:g", "http:g"},
          })
-        EXPECT_EQ(partOrNone(url(row.relative, "http://a/b/c/d;p?q#f").absoluteString()), row.absolute) << row.relative;
+        EXPECT_EQ(shown(url(row.relative, "http://a/b/c/d;p?q#f").absoluteString()), row.absolute) << row.relative;
 }
 
 TEST(NSURL, ResolvesAgainstBasesOfEveryForm) {
-    EXPECT_EQ(partOrNone(url("g", "http://a").absoluteString()), "http://a/g");
-    EXPECT_EQ(partOrNone(url("?q", "http://a").absoluteString()), "http://a?q");
-    EXPECT_EQ(partOrNone(url("g", "file:///a/b").absoluteString()), "file:///a/g");
-    EXPECT_EQ(partOrNone(url("g", "http://u:p@h:1/").absoluteString()), "http://u:p@h:1/g");
-    EXPECT_EQ(partOrNone(url("g", "file://").absoluteString()), "file:///g");
-    EXPECT_EQ(partOrNone(url("g", "file://?q").absoluteString()), "file:///g");
-    EXPECT_EQ(partOrNone(url("?y", "file://?q").absoluteString()), "file://?y");
-    EXPECT_EQ(partOrNone(url("../..//g", "file:///a/b/").absoluteString()), "file:////g");
-    EXPECT_EQ(partOrNone(url("..//g", "file:/a/b").absoluteString()), "file:/.//g");
-    EXPECT_EQ(partOrNone(url("g", "file:/a/b").absoluteString()), "file:/a/g");
-    EXPECT_EQ(partOrNone(url("g", "mailto:ann").absoluteString()), "g");
-    EXPECT_EQ(partOrNone(url("g", "b/c").absoluteString()), "g");
+    EXPECT_EQ(shown(url("g", "http://a").absoluteString()), "http://a/g");
+    EXPECT_EQ(shown(url("?q", "http://a").absoluteString()), "http://a?q");
+    EXPECT_EQ(shown(url("g", "file:///a/b").absoluteString()), "file:///a/g");
+    EXPECT_EQ(shown(url("g", "http://u:p@h:1/").absoluteString()), "http://u:p@h:1/g");
+    EXPECT_EQ(shown(url("g", "file://").absoluteString()), "file:///g");
+    EXPECT_EQ(shown(url("g", "file://?q").absoluteString()), "file:///g");
+    EXPECT_EQ(shown(url("?y", "file://?q").absoluteString()), "file://?y");
+    EXPECT_EQ(shown(url("../..//g", "file:///a/b/").absoluteString()), "file:////g");
+    EXPECT_EQ(shown(url("..//g", "file:/a/b").absoluteString()), "file:/.//g");
+    EXPECT_EQ(shown(url("g", "file:/a/b").absoluteString()), "file:/a/g");
+    EXPECT_EQ(shown(url("g", "mailto:ann").absoluteString()), "g");
+    EXPECT_EQ(shown(url("g", "b/c").absoluteString()), "g");
     NSURL const twice = NSURL::URLWithString_relativeToURL_("d", url("b/c", "http://a/"));
-    EXPECT_EQ(partOrNone(twice.absoluteString()), "http://a/b/d");
-    EXPECT_EQ(partOrNone(twice.baseURL().relativeString()), "http://a/b/c");
+    EXPECT_EQ(shown(twice.absoluteString()), "http://a/b/d");
+    EXPECT_EQ(shown(twice.baseURL().relativeString()), "http://a/b/c");
 }
 
 TEST(NSURL, HasNoSchemeBeforeAColonAtItsStart) {
     NSURL const odd = url(":/a/b");
     EXPECT_TRUE(odd.scheme() == nil);
-    EXPECT_EQ(partOrNone(odd.path()), ":/a/b");
-    EXPECT_EQ(partOrNone(url(":/a/b", "http://h/c").absoluteString()), "http://h/:/a/b");
+    EXPECT_EQ(shown(odd.path()), ":/a/b");
+    EXPECT_EQ(shown(url(":/a/b", "http://h/c").absoluteString()), "http://h/:/a/b");
 }
 
 TEST(NSURL, RemembersWhatItIsRelativeTo) {
     NSURL const relative = url("d%20e?f", "http://u:p@h:1/b/c");
-    EXPECT_EQ(partOrNone(relative.relativeString()), "d%20e?f");
-    EXPECT_EQ(partOrNone(relative.baseURL().absoluteString()), "http://u:p@h:1/b/c");
-    EXPECT_EQ(partOrNone(relative.resourceSpecifier()), "d%20e?f");
-    EXPECT_EQ(partOrNone(relative.relativePath()), "d e");
-    EXPECT_EQ(partOrNone(relative.path()), "/b/d e");
-    EXPECT_EQ(partOrNone(relative.scheme()), "http");
-    EXPECT_EQ(partOrNone(relative.host()), "h");
-    EXPECT_EQ(partOrNone(relative.user()), "u");
-    EXPECT_EQ(partOrNone(relative.password()), "p");
+    EXPECT_EQ(shown(relative.relativeString()), "d%20e?f");
+    EXPECT_EQ(shown(relative.baseURL().absoluteString()), "http://u:p@h:1/b/c");
+    EXPECT_EQ(shown(relative.resourceSpecifier()), "d%20e?f");
+    EXPECT_EQ(shown(relative.relativePath()), "d e");
+    EXPECT_EQ(shown(relative.path()), "/b/d e");
+    EXPECT_EQ(shown(relative.scheme()), "http");
+    EXPECT_EQ(shown(relative.host()), "h");
+    EXPECT_EQ(shown(relative.user()), "u");
+    EXPECT_EQ(shown(relative.password()), "p");
     EXPECT_EQ(text(relative.port()), "1");
-    EXPECT_EQ(partOrNone(relative.query()), "f");
+    EXPECT_EQ(shown(relative.query()), "f");
     EXPECT_EQ(text(relative), "d%20e?f -- http://u:p@h:1/b/c");
     EXPECT_EQ(text(relative.absoluteURL()), "http://u:p@h:1/b/d%20e?f");
 }
@@ -210,17 +210,17 @@ TEST(NSURL, OfAFileEscapesItsPath) {
              FilePath{"//a//b/../c", "file://localhost//a//b/../c"},
          }) {
         NSURL const file = NSURL::fileURLWithPath_(NSString::stringWithUTF8String_(row.path));
-        EXPECT_EQ(partOrNone(file.absoluteString()), row.url);
+        EXPECT_EQ(shown(file.absoluteString()), row.url);
         EXPECT_TRUE(file.isFileURL());
         bool const isFolder = row.path.size() > 1 && row.path.ends_with('/');
-        EXPECT_EQ(partOrNone(file.path()), row.path.substr(0, row.path.size() - (isFolder ? 1 : 0)));
+        EXPECT_EQ(shown(file.path()), row.path.substr(0, row.path.size() - (isFolder ? 1 : 0)));
     }
 }
 
 TEST(NSURL, OfAFileHoldsNamesThatAreNoText) {
     NSString const path = NSString::stringWithFileSystemRepresentation_("/a\xE4/\xFF");
     NSURL const file = NSURL::fileURLWithPath_(path);
-    EXPECT_EQ(partOrNone(file.absoluteString()), "file://localhost/a%E4/%FF");
+    EXPECT_EQ(shown(file.absoluteString()), "file://localhost/a%E4/%FF");
     EXPECT_TRUE(file.path().isEqualToString_(path));
     EXPECT_TRUE(url("file:///a%e4/%Ff").path().isEqualToString_(path));
     EXPECT_TRUE(url("file:///%C3%A9").path().isEqualToString_("/\u00E9"));
@@ -240,27 +240,26 @@ TEST(NSURL, OfAFolderEndsWithASlash) {
     std::ofstream(path + "/file") << "text";
     ASSERT_EQ(::symlink(path.c_str(), (path + "/link").c_str()), 0);
     auto const fileURL = [](std::string const& name) {
-        return partOrNone(
-            NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(name)).absoluteString());
+        return shown(NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(name)).absoluteString());
     };
     EXPECT_EQ(fileURL(path), "file://localhost" + path + "/");
     EXPECT_EQ(fileURL(path + "/"), "file://localhost" + path + "/");
     EXPECT_EQ(fileURL(path + "/link"), "file://localhost" + path + "/link/");
     EXPECT_EQ(fileURL(path + "/file"), "file://localhost" + path + "/file");
     EXPECT_EQ(fileURL(path + "/none"), "file://localhost" + path + "/none");
-    EXPECT_EQ(partOrNone(NSURL::fileURLWithPath_isDirectory_("/none", YES).absoluteString()), "file://localhost/none/");
-    EXPECT_EQ(partOrNone(NSURL::fileURLWithPath_isDirectory_("/none/", NO).absoluteString()), "file://localhost/none");
-    EXPECT_EQ(partOrNone(NSURL::fileURLWithPath_isDirectory_("/", NO).absoluteString()), "file://localhost/");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/none", YES).absoluteString()), "file://localhost/none/");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/none/", NO).absoluteString()), "file://localhost/none");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_isDirectory_("/", NO).absoluteString()), "file://localhost/");
 }
 
 TEST(NSURL, OfARelativePathIsRelativeToTheCurrentFolder) {
     NSURL const file = NSURL::fileURLWithPath_("no such/a:b");
-    EXPECT_EQ(partOrNone(file.relativeString()), "no%20such/a:b");
-    EXPECT_EQ(partOrNone(file.relativePath()), "no such/a:b");
+    EXPECT_EQ(shown(file.relativeString()), "no%20such/a:b");
+    EXPECT_EQ(shown(file.relativePath()), "no such/a:b");
     EXPECT_TRUE(file.isFileURL());
     EXPECT_TRUE(file.path().hasSuffix_("/no such/a:b"));
     EXPECT_TRUE(file.baseURL().absoluteString().hasPrefix_("file://localhost/"));
-    EXPECT_EQ(partOrNone(NSURL::fileURLWithPath_("a:b").relativeString()), "./a:b");
+    EXPECT_EQ(shown(NSURL::fileURLWithPath_("a:b").relativeString()), "./a:b");
     EXPECT_TRUE(NSURL::fileURLWithPath_("a:b").path().hasSuffix_("/a:b"));
 }
 
@@ -273,22 +272,22 @@ TEST(NSURL, IsOfAFileByItsSchemeInAnyCase) {
 }
 
 TEST(NSURL, IsStandardizedByRemovingDots) {
-    EXPECT_EQ(partOrNone(url("http://h/a/./b/../c?d/../e").standardizedURL().absoluteString()), "http://h/a/c?d/../e");
-    EXPECT_EQ(partOrNone(url("http://h/../a/..").standardizedURL().absoluteString()), "http://h/");
-    EXPECT_EQ(partOrNone(url("../a/../b").standardizedURL().absoluteString()), "../b");
-    EXPECT_EQ(partOrNone(url("mailto:a/../b").standardizedURL().absoluteString()), "mailto:a/../b");
+    EXPECT_EQ(shown(url("http://h/a/./b/../c?d/../e").standardizedURL().absoluteString()), "http://h/a/c?d/../e");
+    EXPECT_EQ(shown(url("http://h/../a/..").standardizedURL().absoluteString()), "http://h/");
+    EXPECT_EQ(shown(url("../a/../b").standardizedURL().absoluteString()), "../b");
+    EXPECT_EQ(shown(url("mailto:a/../b").standardizedURL().absoluteString()), "mailto:a/../b");
     NSURL const relative = url("a/../b", "http://h/c/").standardizedURL();
-    EXPECT_EQ(partOrNone(relative.relativeString()), "b");
-    EXPECT_EQ(partOrNone(relative.absoluteString()), "http://h/c/b");
+    EXPECT_EQ(shown(relative.relativeString()), "b");
+    EXPECT_EQ(shown(relative.absoluteString()), "http://h/c/b");
 }
 
 TEST(NSURL, KeepsItsPathAPathWithoutDots) {
-    EXPECT_EQ(partOrNone(url("a/../b:c/d").standardizedURL().absoluteString()), "./b:c/d");
-    EXPECT_EQ(partOrNone(url("a/..//b").standardizedURL().absoluteString()), ".//b");
-    EXPECT_EQ(partOrNone(url("file:/a/..//b").standardizedURL().absoluteString()), "file:/.//b");
-    EXPECT_EQ(partOrNone(url("http://h/a/..//b").standardizedURL().absoluteString()), "http://h//b");
-    EXPECT_EQ(partOrNone(url("file:///a/..//b").standardizedURL().absoluteString()), "file:////b");
-    EXPECT_EQ(partOrNone(url("b/..//c", "file:/a").absoluteString()), "file:/.//c");
+    EXPECT_EQ(shown(url("a/../b:c/d").standardizedURL().absoluteString()), "./b:c/d");
+    EXPECT_EQ(shown(url("a/..//b").standardizedURL().absoluteString()), ".//b");
+    EXPECT_EQ(shown(url("file:/a/..//b").standardizedURL().absoluteString()), "file:/.//b");
+    EXPECT_EQ(shown(url("http://h/a/..//b").standardizedURL().absoluteString()), "http://h//b");
+    EXPECT_EQ(shown(url("file:///a/..//b").standardizedURL().absoluteString()), "file:////b");
+    EXPECT_EQ(shown(url("b/..//c", "file:/a").absoluteString()), "file:/.//c");
 }
 
 TEST(NSURL, IsEqualByTextAndBase) {
@@ -310,7 +309,7 @@ TEST(NSURL, KeepsItsTextWhenTheStringChanges) {
     NSMutableString const string = NSMutableString::stringWithString_("http://a/");
     NSURL const whole = NSURL::URLWithString_(string);
     string.setString_("b");
-    EXPECT_EQ(partOrNone(whole.absoluteString()), "http://a/");
+    EXPECT_EQ(shown(whole.absoluteString()), "http://a/");
 }
 
 TEST(NSURL, AnswersByKeyAndBySelector) {
