@@ -17,12 +17,30 @@ if(FRAMEKEEPER_SANITIZERS)
   target_link_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS})
 endif()
 
+# Several sources of a target compiled as one: the headers they share are then read once for all of them. So names in
+# unnamed namespaces differ within a target. Sources with compile definitions or options of their own stay alone.
+option(FRAMEKEEPER_UNITY "Compile the sources of a target in batches" OFF)
+set(FRAMEKEEPER_UNITY_BATCH 12 CACHE STRING "How many sources make a batch; 0 for all of a target")
+# Targets that are compiled source by source even so.
+set(FRAMEKEEPER_ALONE framekeeper_system framekeeper_files framekeeper_desktop framekeeper_library system_tests)
+
+function(framekeeper_compile_in_batches NAME)
+  if(FRAMEKEEPER_UNITY AND NOT NAME IN_LIST FRAMEKEEPER_ALONE)
+    set_target_properties(${NAME} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${FRAMEKEEPER_UNITY_BATCH})
+    # Qt's macros named slots, signals and emit would reach sources that know nothing of Qt.
+    target_compile_definitions(${NAME} PRIVATE QT_NO_KEYWORDS)
+    # GCC takes a class in a source of a batch for one in a header.
+    target_compile_options(${NAME} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
+endfunction()
+
 # framekeeper_room(NAME SOURCES ... [HEADERS ...] [USES ...] [HIDES ...]): a folder of the tree as a library. HEADERS are
 # the public ones. USES are the rooms its headers may include, HIDES what only its sources see, so that no toolkit reaches
 # another room.
 function(framekeeper_room NAME)
   cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;USES;HIDES" ${ARGN})
   add_library(framekeeper_${NAME} STATIC ${ROOM_SOURCES})
+  framekeeper_compile_in_batches(framekeeper_${NAME})
   target_link_libraries(framekeeper_${NAME} PUBLIC framekeeper_options ${ROOM_USES} PRIVATE ${ROOM_HIDES})
   set_target_properties(framekeeper_${NAME} PROPERTIES FRAMEKEEPER_HIDES "${ROOM_HIDES}")
   list(TRANSFORM ROOM_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
@@ -40,6 +58,7 @@ endfunction()
 function(framekeeper_test NAME)
   cmake_parse_arguments(TEST "OWN_PROCESSES" "" "SOURCES;USES" ${ARGN})
   add_executable(${NAME} ${TEST_SOURCES})
+  framekeeper_compile_in_batches(${NAME})
   target_link_libraries(${NAME} PRIVATE framekeeper_options ${TEST_USES} framekeeper_test_support GTest::gtest)
   # Optimising what is only tests takes more than half of the time that their build takes under the sanitizers.
   if(FRAMEKEEPER_SANITIZERS)

@@ -9,8 +9,6 @@ namespace mac {
 namespace {
 
 constexpr int Gone = -1;
-// Columns up to this one have a shortcut that sorts by them.
-constexpr int LastShortcutColumn = 9;
 
 } // namespace
 
@@ -124,12 +122,12 @@ void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> pr
         endInsertRows();
     }
     reorder(staying);
-    if (isChanged) emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+    if (isChanged) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
 }
 
 void TableModel::reorder(std::vector<int> const& newRowOf) {
     if (std::ranges::is_sorted(newRowOf)) return;
-    emit layoutAboutToBeChanged({}, VerticalSortHint);
+    Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
     std::vector<id> moved(m_rows.size());
     for (std::size_t row = 0; row < m_rows.size(); ++row)
         moved[static_cast<std::size_t>(newRowOf[row])] = std::move(m_rows[row]);
@@ -140,7 +138,7 @@ void TableModel::reorder(std::vector<int> const& newRowOf) {
     for (QModelIndex const& old : from)
         to.append(index(newRowOf[static_cast<std::size_t>(old.row())], old.column()));
     changePersistentIndexList(from, to);
-    emit layoutChanged({}, VerticalSortHint);
+    Q_EMIT layoutChanged({}, VerticalSortHint);
 }
 
 } // namespace mac

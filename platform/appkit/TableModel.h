@@ -10,6 +10,9 @@
 
 namespace mac {
 
+// Columns up to this one have a shortcut that sorts by them.
+inline constexpr int LastShortcutColumn = 9;
+
 // The arranged objects of an array controller as rows. Values are read when they are shown. Replacing the rows moves,
 // removes and adds as little as tells views what happened, so that they keep their selection.
 class TableModel : public QAbstractTableModel {

@@ -12,8 +12,6 @@ namespace mac {
 
 namespace {
 
-constexpr int LastShortcutColumn = 9;
-
 // The selected rows of a view, ascending.
 std::vector<NSUInteger> rowsOf(QItemSelection const& selection) {
     std::vector<NSUInteger> rows;

@@ -154,51 +154,55 @@ constexpr auto Choose = std::to_array<CommandParameter>({
     {.label = u"empty selection allowed", .code = codeOf("empL"), .isBoolean = true},
 });
 
-constexpr auto Optional = DirectParameter::Optional;
-constexpr auto Required = DirectParameter::Required;
+constexpr auto OptionalDirect = DirectParameter::Optional;
+constexpr auto RequiredDirect = DirectParameter::Required;
 
-constexpr auto Commands = std::to_array<CommandTerm>({
+constexpr auto AdditionCommands = std::to_array<CommandTerm>({
     {.name = u"offset", .code = eventOf("sysooffs"), .parameters = Offset},
-    {.name = u"round", .code = eventOf("sysorond"), .direct = Required, .parameters = Round},
-    {.name = u"random number", .code = eventOf("sysorand"), .direct = Optional, .parameters = RandomNumber},
+    {.name = u"round", .code = eventOf("sysorond"), .direct = RequiredDirect, .parameters = Round},
+    {.name = u"random number", .code = eventOf("sysorand"), .direct = OptionalDirect, .parameters = RandomNumber},
     {.name = u"current date", .code = eventOf("misccurd")},
     {.name = u"time to GMT", .code = eventOf("sysogtmt")},
-    {.name = u"delay", .code = eventOf("sysodela"), .direct = Optional},
-    {.name = u"path to", .code = eventOf("earsffdr"), .direct = Required, .parameters = PathTo, .enumerators = Folders},
-    {.name = u"do shell script", .code = eventOf("sysoexec"), .direct = Optional, .parameters = ShellScript},
-    {.name = u"info for", .code = eventOf("sysonfo4"), .direct = Required, .parameters = InfoFor},
-    {.name = u"list folder", .code = eventOf("earslfdr"), .direct = Required, .parameters = ListFolder},
+    {.name = u"delay", .code = eventOf("sysodela"), .direct = OptionalDirect},
+    {.name = u"path to",
+     .code = eventOf("earsffdr"),
+     .direct = RequiredDirect,
+     .parameters = PathTo,
+     .enumerators = Folders},
+    {.name = u"do shell script", .code = eventOf("sysoexec"), .direct = OptionalDirect, .parameters = ShellScript},
+    {.name = u"info for", .code = eventOf("sysonfo4"), .direct = RequiredDirect, .parameters = InfoFor},
+    {.name = u"list folder", .code = eventOf("earslfdr"), .direct = RequiredDirect, .parameters = ListFolder},
     {.name = u"list disks", .code = eventOf("earslvol")},
-    {.name = u"open for access", .code = eventOf("rdwropen"), .direct = Required, .parameters = OpenForAccess},
-    {.name = u"close access", .code = eventOf("rdwrclos"), .direct = Required},
-    {.name = u"read", .code = eventOf("rdwrread"), .direct = Required, .parameters = Read},
-    {.name = u"write", .code = eventOf("rdwrwrit"), .direct = Required, .parameters = Write},
-    {.name = u"get eof", .code = eventOf("rdwrgeof"), .direct = Required},
-    {.name = u"set eof", .code = eventOf("rdwrseof"), .direct = Required, .parameters = SetEnd},
-    {.name = u"run script", .code = eventOf("sysodsct"), .direct = Required, .parameters = RunScript},
-    {.name = u"load script", .code = eventOf("sysoload"), .direct = Required},
-    {.name = u"store script", .code = eventOf("sysostor"), .direct = Optional, .parameters = StoreScript},
-    {.name = u"system attribute", .code = eventOf("fndrgstl"), .direct = Optional, .parameters = SystemAttribute},
+    {.name = u"open for access", .code = eventOf("rdwropen"), .direct = RequiredDirect, .parameters = OpenForAccess},
+    {.name = u"close access", .code = eventOf("rdwrclos"), .direct = RequiredDirect},
+    {.name = u"read", .code = eventOf("rdwrread"), .direct = RequiredDirect, .parameters = Read},
+    {.name = u"write", .code = eventOf("rdwrwrit"), .direct = RequiredDirect, .parameters = Write},
+    {.name = u"get eof", .code = eventOf("rdwrgeof"), .direct = RequiredDirect},
+    {.name = u"set eof", .code = eventOf("rdwrseof"), .direct = RequiredDirect, .parameters = SetEnd},
+    {.name = u"run script", .code = eventOf("sysodsct"), .direct = RequiredDirect, .parameters = RunScript},
+    {.name = u"load script", .code = eventOf("sysoload"), .direct = RequiredDirect},
+    {.name = u"store script", .code = eventOf("sysostor"), .direct = OptionalDirect, .parameters = StoreScript},
+    {.name = u"system attribute", .code = eventOf("fndrgstl"), .direct = OptionalDirect, .parameters = SystemAttribute},
     {.name = u"system info", .code = eventOf("sysosigt")},
-    {.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = Required},
-    {.name = u"ASCII number", .code = eventOf("sysocton"), .direct = Required},
-    {.name = u"localized string", .code = eventOf("sysolstr"), .direct = Required, .parameters = LocalizedString},
-    {.name = u"open location", .code = eventOf("GURLGURL"), .direct = Optional},
-    {.name = u"beep", .code = eventOf("sysobeep"), .direct = Optional},
-    {.name = u"say", .code = eventOf("sysottos"), .direct = Required, .parameters = Say},
+    {.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = RequiredDirect},
+    {.name = u"ASCII number", .code = eventOf("sysocton"), .direct = RequiredDirect},
+    {.name = u"localized string", .code = eventOf("sysolstr"), .direct = RequiredDirect, .parameters = LocalizedString},
+    {.name = u"open location", .code = eventOf("GURLGURL"), .direct = OptionalDirect},
+    {.name = u"beep", .code = eventOf("sysobeep"), .direct = OptionalDirect},
+    {.name = u"say", .code = eventOf("sysottos"), .direct = RequiredDirect, .parameters = Say},
     {.name = u"the clipboard", .code = eventOf("JonsgClp"), .parameters = Clipboard},
-    {.name = u"set the clipboard to", .code = eventOf("JonspClp"), .direct = Required},
+    {.name = u"set the clipboard to", .code = eventOf("JonspClp"), .direct = RequiredDirect},
     {.name = u"clipboard info", .code = eventOf("JonsiClp")},
-    {.name = u"display dialog", .code = eventOf("sysodlog"), .direct = Required, .parameters = DisplayDialog},
-    {.name = u"display alert", .code = eventOf("sysodisA"), .direct = Required, .parameters = DisplayAlert},
+    {.name = u"display dialog", .code = eventOf("sysodlog"), .direct = RequiredDirect, .parameters = DisplayDialog},
+    {.name = u"display alert", .code = eventOf("sysodisA"), .direct = RequiredDirect, .parameters = DisplayAlert},
     {.name = u"display notification",
      .code = eventOf("sysonotf"),
-     .direct = Optional,
+     .direct = OptionalDirect,
      .parameters = DisplayNotification},
-    {.name = u"choose file", .code = eventOf("sysostdf"), .direct = Optional, .parameters = Choose},
-    {.name = u"choose folder", .code = eventOf("sysostfl"), .direct = Optional, .parameters = Choose},
-    {.name = u"choose file name", .code = eventOf("sysonwfl"), .direct = Optional, .parameters = Choose},
-    {.name = u"choose from list", .code = eventOf("gtqpchlt"), .direct = Required, .parameters = Choose},
+    {.name = u"choose file", .code = eventOf("sysostdf"), .direct = OptionalDirect, .parameters = Choose},
+    {.name = u"choose folder", .code = eventOf("sysostfl"), .direct = OptionalDirect, .parameters = Choose},
+    {.name = u"choose file name", .code = eventOf("sysonwfl"), .direct = OptionalDirect, .parameters = Choose},
+    {.name = u"choose from list", .code = eventOf("gtqpchlt"), .direct = RequiredDirect, .parameters = Choose},
 });
 
 struct KeyRow {
@@ -245,7 +249,7 @@ constexpr auto Keys = std::to_array<KeyRow>({
 } // namespace
 
 void addStandardAdditions(Terminology& terms) {
-    for (CommandTerm const& command : Commands)
+    for (CommandTerm const& command : AdditionCommands)
         terms.addCommand(command);
     for (KeyRow const& key : Keys)
         terms.addProperty(key.name, key.code);

@@ -13,9 +13,9 @@
 
 namespace mac::applescript {
 
-namespace {
-
 bool isTextClass(Code type) { return type == codeOf("ctxt") || type == codeOf("TEXT") || type == codeOf("utxt"); }
+
+namespace {
 
 // What text that has no digits at all counts as.
 bool isBlank(std::u16string_view text) { return text.find_first_not_of(u" \t\r\n\u00A0") == std::u16string_view::npos; }

@@ -7,6 +7,9 @@
 
 namespace mac::applescript {
 
+// Whether the class is one of the three that text has.
+bool isTextClass(Code type);
+
 // The value as one of that class; nothing where there is no way. References are followed first.
 std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context);
 

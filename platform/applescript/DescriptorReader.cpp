@@ -19,7 +19,7 @@ namespace {
 
 using namespace keywords;
 
-constexpr std::size_t MostValues = std::size_t{1} << 20;
+constexpr std::size_t MostValuesRead = std::size_t{1} << 20;
 // Some hundred thousand years either way; beyond that no calendar counts.
 constexpr std::int64_t LatestDate = std::int64_t{1} << 43;
 
@@ -113,13 +113,13 @@ Value processIn(AEDesc const& desc) {
     return makeObject<ApplicationObject>(ValueKind::Application, std::u16string(name.codeUnits()), false);
 }
 
-class Reader {
+class DescriptorReader {
 public:
-    explicit Reader(Value const& application) : m_application(application) {}
+    explicit DescriptorReader(Value const& application) : m_application(application) {}
 
     Value value(AEDesc const& desc) {
         requireStackRoom();
-        if (++m_count > MostValues) throw plainError(errors::ValueTooLarge);
+        if (++m_count > MostValuesRead) throw plainError(errors::ValueTooLarge);
         DescType const type = desc.descriptorType;
         DescriptorForm const form = contentsOf(desc).form;
         if (form == DescriptorForm::List) return listIn(desc);
@@ -359,6 +359,8 @@ private:
 
 } // namespace
 
-Value valueOfDescriptor(AEDesc const& desc, Value const& application) { return Reader(application).value(desc); }
+Value valueOfDescriptor(AEDesc const& desc, Value const& application) {
+    return DescriptorReader(application).value(desc);
+}
 
 } // namespace mac::applescript

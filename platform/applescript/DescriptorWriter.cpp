@@ -18,7 +18,7 @@ namespace {
 
 using namespace keywords;
 
-constexpr std::size_t MostValues = std::size_t{1} << 20;
+constexpr std::size_t MostValuesWritten = std::size_t{1} << 20;
 
 constexpr auto NotOfRecords = std::to_array<Code>(
     {codeOf("null"), codeOf("true"), codeOf("fals"), codeOf("bool"), codeOf("shor"), codeOf("long"), codeOf("magn"),
@@ -47,14 +47,14 @@ AEDesc descOfApplication(ApplicationObject const& application) {
     return bytesDesc(ApplicationURL, applicationURL(application.name));
 }
 
-class Writer {
+class DescriptorWriter {
 public:
-    explicit Writer(Value const& application) : m_application(application) {}
+    explicit DescriptorWriter(Value const& application) : m_application(application) {}
 
     // `root` is what a reference without a container hangs on.
     AEDesc desc(Value const& value, DescType root) {
         requireStackRoom();
-        if (++m_count > MostValues) throw plainError(errors::ValueTooLarge);
+        if (++m_count > MostValuesWritten) throw plainError(errors::ValueTooLarge);
         if (m_depth >= kDescriptorMaximumDepth) throw plainError(errors::StackOverflow);
         ++m_depth;
         AEDesc made = descOfKind(value, root);
@@ -308,7 +308,7 @@ private:
 bool keywords::namesRecord(Code type) { return std::ranges::find(NotOfRecords, type) == NotOfRecords.end(); }
 
 AEDesc descriptorOfValue(Value const& value, Value const& application) {
-    return Writer(application).desc(value, typeNull);
+    return DescriptorWriter(application).desc(value, typeNull);
 }
 
 } // namespace mac::applescript

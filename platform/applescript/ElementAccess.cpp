@@ -60,8 +60,6 @@ std::optional<Places> chosenRange(ElementSelector const& selector, std::size_t c
     return Places{.first = std::min(*from, *to), .last = std::max(*from, *to)};
 }
 
-bool isTextClass(Code type) { return type == codeOf("ctxt") || type == codeOf("TEXT") || type == codeOf("utxt"); }
-
 Value textIn(std::u16string const& units, SourceRange range) {
     return Value::text(units.substr(range.start, range.end - range.start));
 }

@@ -1,4 +1,5 @@
 #include "platform/applescript/FileCoercions.h"
+#include "platform/applescript/DescriptorKeywords.h"
 #include "platform/applescript/HeapObjects.h"
 #include "platform/applescript/ScriptDescriptors.h"
 #include "platform/applescript/ScriptError.h"
@@ -10,7 +11,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr DescType AliasType{"alis"};
+using keywords::AliasType;
 
 OSErr asText(AEDesc const& desc, DescType toType, AEDesc& result) {
     try {

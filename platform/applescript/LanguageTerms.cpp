@@ -16,7 +16,7 @@ struct NameRow {
     Code code;
 };
 
-constexpr auto Classes = std::to_array<ClassRow>({
+constexpr auto LanguageClasses = std::to_array<ClassRow>({
     {u"item", u"items", codeOf("cobj")},
     {u"text", u"", codeOf("ctxt")},
     {u"string", u"strings", codeOf("TEXT")},
@@ -52,7 +52,7 @@ constexpr auto Classes = std::to_array<ClassRow>({
 });
 
 // Properties of values, of scripts and of AppleScript itself.
-constexpr auto Properties = std::to_array<NameRow>({
+constexpr auto LanguageProperties = std::to_array<NameRow>({
     {u"class", codeOf("pcls")},       {u"contents", codeOf("pcnt")},    {u"length", codeOf("leng")},
     {u"rest", codeOf("rest")},        {u"reverse", codeOf("rvse")},     {u"id", codeOf("ID  ")},
     {u"name", codeOf("pnam")},        {u"version", codeOf("vers")},     {u"running", codeOf("prun")},
@@ -66,7 +66,7 @@ constexpr auto Properties = std::to_array<NameRow>({
     {u"linefeed", codeOf("lnfd")},    {u"quote", codeOf("quot")},       {u"pi", codeOf("pi  ")},
 });
 
-constexpr auto Constants = std::to_array<NameRow>({
+constexpr auto LanguageConstants = std::to_array<NameRow>({
     {u"yes", codeOf("yes ")},
     {u"no", codeOf("no  ")},
     {u"ask", codeOf("ask ")},
@@ -95,7 +95,7 @@ constexpr auto SavingAnswers =
 constexpr auto QuitParameters =
     std::to_array<CommandParameter>({{.label = u"saving", .code = codeOf("savo"), .enumerators = SavingAnswers}});
 
-constexpr auto Commands = std::to_array<CommandTerm>({
+constexpr auto LanguageCommands = std::to_array<CommandTerm>({
     {.name = u"exists", .code = eventOf("coredoex"), .direct = DirectParameter::Required},
     {.name = u"run", .code = eventOf("aevtoapp"), .direct = DirectParameter::Optional},
     {.name = u"launch", .code = eventOf("ascrnoop"), .direct = DirectParameter::Optional},
@@ -111,15 +111,15 @@ constexpr auto Commands = std::to_array<CommandTerm>({
 } // namespace
 
 void addLanguageTerms(Terminology& terms) {
-    for (ClassRow const& row : Classes)
+    for (ClassRow const& row : LanguageClasses)
         terms.addClass(row.name, row.plural, row.code);
-    for (NameRow const& row : Properties)
+    for (NameRow const& row : LanguageProperties)
         terms.addProperty(row.name, row.code);
-    for (NameRow const& row : Constants)
+    for (NameRow const& row : LanguageConstants)
         terms.addConstant(row.name, row.code);
     for (NameRow const& row : Values)
         terms.addValue(row.name, row.code);
-    for (CommandTerm const& command : Commands)
+    for (CommandTerm const& command : LanguageCommands)
         terms.addCommand(command);
 }
 

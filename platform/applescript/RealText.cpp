@@ -15,7 +15,7 @@ constexpr int SignificantDigits = 15;
 constexpr int MostDecimals = 12;
 constexpr std::size_t LongestReal = 400;
 
-std::u16string widened(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
+std::u16string widenedASCII(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 // One decimal stays.
 void stripZeros(std::string& digits) {
@@ -29,7 +29,7 @@ std::string written(double number, std::chars_format format, int precision) {
     return std::string(buffer.data(), end.ptr);
 }
 
-bool isBlank(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\u00A0'; }
+bool isBlankInNumber(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\u00A0'; }
 
 } // namespace
 
@@ -43,7 +43,7 @@ std::u16string realText(double number) {
         std::string digits =
             written(number, std::chars_format::fixed, std::min(MostDecimals, SignificantDigits - whole));
         stripZeros(digits);
-        return widened(digits);
+        return widenedASCII(digits);
     }
     std::string const text = written(number, std::chars_format::scientific, SignificantDigits - 1);
     std::size_t const mark = text.find('e');
@@ -51,13 +51,13 @@ std::u16string realText(double number) {
     stripZeros(digits);
     std::string exponent = text.substr(mark + 2);
     exponent.erase(0, std::min(exponent.find_first_not_of('0'), exponent.size() - 1));
-    return widened(digits + "E" + text[mark + 1] + exponent);
+    return widenedASCII(digits + "E" + text[mark + 1] + exponent);
 }
 
 std::optional<NumberInText> numberInText(std::u16string_view text) {
-    while (!text.empty() && isBlank(text.front()))
+    while (!text.empty() && isBlankInNumber(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
+    while (!text.empty() && isBlankInNumber(text.back()))
         text.remove_suffix(1);
     if (text.empty() || text.size() > LongestReal) return {};
     std::string ascii;

@@ -12,10 +12,10 @@ namespace {
 constexpr std::int64_t SecondsPerDay = 86400;
 // Days from 1 January 1904 to 1 January 1970.
 constexpr std::int64_t DaysTo1970 = 24107;
-constexpr auto Months =
+constexpr auto MonthNames =
     std::to_array<std::u16string_view>({u"January", u"February", u"March", u"April", u"May", u"June", u"July",
                                         u"August", u"September", u"October", u"November", u"December"});
-constexpr auto Weekdays = std::to_array<std::u16string_view>(
+constexpr auto WeekdayNames = std::to_array<std::u16string_view>(
     {u"Sunday", u"Monday", u"Tuesday", u"Wednesday", u"Thursday", u"Friday", u"Saturday"});
 
 std::int64_t floorDivide(std::int64_t dividend, std::int64_t divisor) {
@@ -32,13 +32,13 @@ std::int64_t daysOfDate(std::int64_t year, int month, int day) {
     return era * 146097 + dayOfEra - 719468;
 }
 
-std::u16string decimal(std::int64_t number, std::size_t width = 1) {
+std::u16string paddedDecimal(std::int64_t number, std::size_t width = 1) {
     std::string digits = std::to_string(number);
     if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
     return std::u16string(digits.begin(), digits.end());
 }
 
-bool isLetter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); }
+bool isDateLetter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); }
 
 std::u16string lowered(std::u16string_view text) {
     std::u16string lower(text);
@@ -64,7 +64,7 @@ public:
     std::optional<std::int64_t> read() {
         while (m_place < m_text.size()) {
             char16_t const unit = m_text[m_place];
-            bool const isFine = isASCIIDigit(unit) ? readNumber() : isLetter(unit) ? readWord() : readSeparator();
+            bool const isFine = isASCIIDigit(unit) ? readNumber() : isDateLetter(unit) ? readWord() : readSeparator();
             if (!isFine) return {};
         }
         return finish();
@@ -78,7 +78,7 @@ private:
 
     bool readWord() {
         std::size_t const start = m_place;
-        while (m_place < m_text.size() && isLetter(m_text[m_place]))
+        while (m_place < m_text.size() && isDateLetter(m_text[m_place]))
             ++m_place;
         std::u16string const word = lowered(m_text.substr(start, m_place - start));
         if (word == u"at" || word == u"of" || word == u"the") return true;
@@ -88,8 +88,8 @@ private:
             m_hour = m_hour % 12 + (word == u"pm" ? 12 : 0);
             return true;
         }
-        if (indexOfName(Weekdays, word) >= 0) return true;
-        int const month = indexOfName(Months, word);
+        if (indexOfName(WeekdayNames, word) >= 0) return true;
+        int const month = indexOfName(MonthNames, word);
         if (month < 0 || m_month != 0) return false;
         m_month = month + 1;
         return true;
@@ -234,21 +234,21 @@ int weekdayOfDate(std::int64_t seconds) {
 
 std::u16string longDateText(std::int64_t seconds) {
     DateParts const parts = partsOfDate(seconds);
-    std::u16string text(Weekdays.at(static_cast<std::size_t>(weekdayOfDate(seconds))));
+    std::u16string text(WeekdayNames.at(static_cast<std::size_t>(weekdayOfDate(seconds))));
     text += u", ";
-    text += Months.at(static_cast<std::size_t>(parts.month) - 1);
-    return text + u" " + decimal(parts.day) + u", " + decimal(parts.year);
+    text += MonthNames.at(static_cast<std::size_t>(parts.month) - 1);
+    return text + u" " + paddedDecimal(parts.day) + u", " + paddedDecimal(parts.year);
 }
 
 std::u16string shortDateText(std::int64_t seconds) {
     DateParts const parts = partsOfDate(seconds);
-    return decimal(parts.month) + u"/" + decimal(parts.day) + u"/" + decimal(parts.year % 100, 2);
+    return paddedDecimal(parts.month) + u"/" + paddedDecimal(parts.day) + u"/" + paddedDecimal(parts.year % 100, 2);
 }
 
 std::u16string timeText(std::int64_t seconds) {
     DateParts const parts = partsOfDate(seconds);
     int const hour = parts.hour % 12 == 0 ? 12 : parts.hour % 12;
-    return decimal(hour) + u":" + decimal(parts.minute, 2) + u":" + decimal(parts.second, 2) +
+    return paddedDecimal(hour) + u":" + paddedDecimal(parts.minute, 2) + u":" + paddedDecimal(parts.second, 2) +
            (parts.hour < 12 ? u" AM" : u" PM");
 }
 

@@ -99,7 +99,7 @@ std::u16string joined(std::initializer_list<std::u16string_view> parts) {
     return whole;
 }
 
-std::u16string decimal(std::int32_t number) {
+std::u16string decimalNumber(std::int32_t number) {
     std::string const digits = std::to_string(number);
     return std::u16string(digits.begin(), digits.end());
 }
@@ -109,7 +109,7 @@ std::u16string decimal(std::int32_t number) {
 std::u16string messageOfNumber(std::int32_t number) {
     auto const* const found = std::ranges::find(Texts, number, &NumberedText::number);
     if (found != Texts.end()) return std::u16string(found->text);
-    return joined({u"An error of type ", decimal(number), u" has occurred."});
+    return joined({u"An error of type ", decimalNumber(number), u" has occurred."});
 }
 
 ScriptError plainError(std::int32_t number) { return {.number = number, .message = messageOfNumber(number)}; }

@@ -21,13 +21,13 @@ constexpr auto Symbols = std::to_array<SymbolSpelling>({
     {u"{", "{"},  {u"}", "}"},  {u"(", "("},  {u")", ")"}, {u",", ","}, {u":", ":"},
 });
 
-bool isLetter(char16_t unit) {
+bool isNameLetter(char16_t unit) {
     return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || unit == u'_';
 }
-bool isBlank(char16_t unit) {
+bool isScriptBlank(char16_t unit) {
     return unit == u' ' || unit == u'\t' || unit == u'\u00A0' || unit == u'\f' || unit == u'\v';
 }
-bool isLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r' || unit == u'\u2028' || unit == u'\u2029'; }
+bool isScriptLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r' || unit == u'\u2028' || unit == u'\u2029'; }
 
 class Lexer {
 public:
@@ -67,7 +67,7 @@ private:
     // Blanks, comments, and line ends that a ¬ continues.
     void skipBlanks() {
         while (m_place < m_source.size()) {
-            if (isBlank(here())) {
+            if (isScriptBlank(here())) {
                 ++m_place;
             } else if (here() == u'#' || (here() == u'-' && unitAt(m_place + 1) == u'-')) {
                 skipLine();
@@ -80,7 +80,7 @@ private:
     }
 
     void skipLine() {
-        while (m_place < m_source.size() && !isLineEnd(here()))
+        while (m_place < m_source.size() && !isScriptLineEnd(here()))
             ++m_place;
     }
 
@@ -105,12 +105,12 @@ private:
 
     bool skipContinuation() {
         std::size_t place = m_place + 1;
-        while (isBlank(unitAt(place)))
+        while (isScriptBlank(unitAt(place)))
             ++place;
         if (unitAt(place) == u'-' && unitAt(place + 1) == u'-')
-            while (place < m_source.size() && !isLineEnd(m_source[place]))
+            while (place < m_source.size() && !isScriptLineEnd(m_source[place]))
                 ++place;
-        if (place < m_source.size() && !isLineEnd(m_source[place])) return false;
+        if (place < m_source.size() && !isScriptLineEnd(m_source[place])) return false;
         m_place = place;
         skipLineEnd();
         return true;
@@ -124,10 +124,10 @@ private:
 
     void readToken() {
         char16_t const unit = here();
-        if (isLineEnd(unit)) {
+        if (isScriptLineEnd(unit)) {
             skipLineEnd();
             add(TokenKind::EndOfLine);
-        } else if (isLetter(unit)) {
+        } else if (isNameLetter(unit)) {
             readWord();
         } else if (isASCIIDigit(unit) || (unit == u'.' && isASCIIDigit(unitAt(m_place + 1)))) {
             readNumber();
@@ -137,7 +137,7 @@ private:
             readBarred();
         } else if (unit == u'«' || unit == u'《') {
             readRaw();
-        } else if (unit == u'\'' && (unitAt(m_place + 1) | 0x20) == u's' && !isLetter(unitAt(m_place + 2)) &&
+        } else if (unit == u'\'' && (unitAt(m_place + 1) | 0x20) == u's' && !isNameLetter(unitAt(m_place + 2)) &&
                    !isASCIIDigit(unitAt(m_place + 2))) {
             m_place += 2;
             add(TokenKind::Mark).word = "'s";
@@ -147,11 +147,11 @@ private:
     }
 
     void readWord() {
-        while (isLetter(here()) || isASCIIDigit(here()))
+        while (isNameLetter(here()) || isASCIIDigit(here()))
             ++m_place;
         // isn't, doesn't
         bool const isNegated = here() == u'\'' && (unitAt(m_place + 1) | 0x20) == u't' &&
-                               (m_source[m_place - 1] | 0x20) == u'n' && !isLetter(unitAt(m_place + 2));
+                               (m_source[m_place - 1] | 0x20) == u'n' && !isNameLetter(unitAt(m_place + 2));
         if (isNegated) m_place += 2;
         Token& token = add(TokenKind::Word);
         token.text = m_source.substr(m_start, m_place - m_start);
@@ -205,7 +205,7 @@ private:
                                              static_cast<char16_t>(unitAt(m_place + 1) | 0x20)};
         std::u16string_view const letters(suffix.data(), suffix.size());
         bool const isSuffix = letters == u"st" || letters == u"nd" || letters == u"rd" || letters == u"th";
-        if (!isSuffix || isLetter(unitAt(m_place + 2)) || isASCIIDigit(unitAt(m_place + 2))) return false;
+        if (!isSuffix || isNameLetter(unitAt(m_place + 2)) || isASCIIDigit(unitAt(m_place + 2))) return false;
         m_place += 2;
         return true;
     }
@@ -242,7 +242,7 @@ private:
     void readBarred() {
         std::u16string name;
         ++m_place;
-        while (m_place < m_source.size() && !isLineEnd(here())) {
+        while (m_place < m_source.size() && !isScriptLineEnd(here())) {
             char16_t const unit = m_source[m_place++];
             bool const isEscape = (unit == u'\\' || unit == u'|') && here() == u'|';
             if (isEscape) {
@@ -260,7 +260,7 @@ private:
 
     void readRaw() {
         std::size_t const end = m_source.find_first_of(u"»》\r\n", m_place);
-        if (end == std::u16string_view::npos || isLineEnd(m_source[end])) {
+        if (end == std::u16string_view::npos || isScriptLineEnd(m_source[end])) {
             addUnfinished(u"“»”");
             return;
         }

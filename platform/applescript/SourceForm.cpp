@@ -36,7 +36,7 @@ constexpr auto ComparisonTexts = std::to_array<ComparisonText>({
     {Operation::Or, u" or "},
 });
 
-std::u16string decimal(std::int32_t number) {
+std::u16string decimalText(std::int32_t number) {
     std::string const digits = std::to_string(number);
     return std::u16string(digits.begin(), digits.end());
 }
@@ -60,9 +60,9 @@ bool isWrittenWithin(Value const& value) {
     return one.byIdentifier == other.byIdentifier && foldedName(one.name) == foldedName(other.name);
 }
 
-class Writer {
+class SourceWriter {
 public:
-    explicit Writer(bool isSource) : m_isSource(isSource) {}
+    explicit SourceWriter(bool isSource) : m_isSource(isSource) {}
 
     void write(Value const& value) {
         requireStackRoom();
@@ -74,7 +74,7 @@ public:
             m_form += value.asBoolean() ? u"true" : u"false";
             break;
         case ValueKind::Integer:
-            m_form += decimal(value.asInteger());
+            m_form += decimalText(value.asInteger());
             break;
         case ValueKind::Real:
             m_form += realText(value.asReal());
@@ -304,13 +304,13 @@ WithinApplication::WithinApplication(Value const& application)
 WithinApplication::~WithinApplication() { writtenWithin = m_outer; }
 
 std::u16string sourceForm(Value const& value) {
-    Writer writer(true);
+    SourceWriter writer(true);
     writer.write(value);
     return writer.take();
 }
 
 std::u16string humanForm(Value const& value) {
-    Writer writer(false);
+    SourceWriter writer(false);
     writer.write(value);
     return writer.take();
 }

@@ -156,15 +156,15 @@ std::optional<AEDesc> convertedHere(AEDesc const& desc, DescType type) {
 using Pair = std::pair<std::uint32_t, std::uint32_t>;
 std::mutex s_lock;
 
-std::map<Pair, AECoercionHandler>& handlers() {
+std::map<Pair, AECoercionHandler>& coercionHandlers() {
     static std::map<Pair, AECoercionHandler> handlers;
     return handlers;
 }
 
 AECoercionHandler handlerFor(DescType fromType, DescType toType) {
     std::lock_guard const guard(s_lock);
-    auto const found = handlers().find({fromType.value(), toType.value()});
-    return found == handlers().end() ? nullptr : found->second;
+    auto const found = coercionHandlers().find({fromType.value(), toType.value()});
+    return found == coercionHandlers().end() ? nullptr : found->second;
 }
 
 } // namespace
@@ -195,7 +195,7 @@ std::optional<AEDesc> coerced(AEDesc const& desc, DescType toType) {
 OSErr AEInstallCoercionHandler(DescType fromType, DescType toType, AECoercionHandler handler) {
     if (!handler) return paramErr;
     std::lock_guard const guard(s_lock);
-    handlers()[{fromType.value(), toType.value()}] = handler;
+    coercionHandlers()[{fromType.value(), toType.value()}] = handler;
     return noErr;
 }
 

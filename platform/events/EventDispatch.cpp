@@ -14,7 +14,7 @@ constexpr std::size_t MostNested = 64;
 
 using Key = std::pair<std::uint32_t, std::uint32_t>;
 
-std::map<Key, RegisteredHandler>& handlers() {
+std::map<Key, RegisteredHandler>& eventHandlers() {
     static std::map<Key, RegisteredHandler> handlers;
     return handlers;
 }
@@ -30,8 +30,8 @@ EventHandler handlerFor(AppleEvent const& event) {
     std::uint32_t const eventID = codeAttribute(event, keyEventIDAttr);
     constexpr std::uint32_t any = typeWildCard.value();
     for (Key const& key : std::array<Key, 4>{{{eventClass, eventID}, {eventClass, any}, {any, eventID}, {any, any}}}) {
-        auto const found = handlers().find(key);
-        if (found != handlers().end()) return found->second.handler;
+        auto const found = eventHandlers().find(key);
+        if (found != eventHandlers().end()) return found->second.handler;
     }
     return nullptr;
 }
@@ -47,14 +47,14 @@ OSErr call(EventHandler const& handler, AppleEvent const& event, AppleEvent& rep
 } // namespace
 
 void setEventHandler(AEEventClass eventClass, AEEventID eventID, RegisteredHandler handler) {
-    handlers()[{eventClass.value(), eventID.value()}] = std::move(handler);
+    eventHandlers()[{eventClass.value(), eventID.value()}] = std::move(handler);
     openEventEndpoint();
 }
 
 bool removeEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerProcPtr procedure) {
-    auto const found = handlers().find({eventClass.value(), eventID.value()});
-    if (found == handlers().end() || (procedure && found->second.procedure != procedure)) return false;
-    handlers().erase(found);
+    auto const found = eventHandlers().find({eventClass.value(), eventID.value()});
+    if (found == eventHandlers().end() || (procedure && found->second.procedure != procedure)) return false;
+    eventHandlers().erase(found);
     return true;
 }
 

@@ -7,7 +7,7 @@ namespace mac {
 
 namespace {
 
-Listeners<>& listeners() {
+Listeners<>& beepListeners() {
     static Listeners<>& all = *std::make_unique<Listeners<>>().release();
     return all;
 }
@@ -26,12 +26,12 @@ std::function<void()>& sound() {
 
 void NSBeep() {
     sound()();
-    listeners().tell();
+    beepListeners().tell();
 }
 
-BeepListener::BeepListener(std::function<void()> listener) : m_token(listeners().add(std::move(listener))) {}
+BeepListener::BeepListener(std::function<void()> listener) : m_token(beepListeners().add(std::move(listener))) {}
 
-BeepListener::~BeepListener() { listeners().remove(m_token); }
+BeepListener::~BeepListener() { beepListeners().remove(m_token); }
 
 void setBeepSound(std::function<void()> newSound) { sound() = newSound ? std::move(newSound) : ringTerminal; }
 

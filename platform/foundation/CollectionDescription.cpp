@@ -24,7 +24,7 @@ std::vector<id> keysInOrder(NSDictionary const& dictionary) {
     return keys;
 }
 
-class Writer {
+class DescriptionWriter {
 public:
     std::u16string text;
 
@@ -113,7 +113,7 @@ private:
 } // namespace
 
 NSString descriptionOfCollection(id const& collection) {
-    Writer writer;
+    DescriptionWriter writer;
     writer.write(collection, 0);
     return NSString::stringWithCodeUnits(writer.text);
 }

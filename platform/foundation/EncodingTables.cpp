@@ -6,7 +6,7 @@ namespace mac {
 
 namespace {
 
-struct CloseConverter {
+struct CloseTableConverter {
     void operator()(UConverter* converter) const { ucnv_close(converter); }
 };
 
@@ -14,7 +14,7 @@ UpperHalf tableFromICU(char const* name) {
     UpperHalf table;
     table.fill(u'\uFFFD');
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UConverter, CloseConverter> const converter(ucnv_open(name, &status));
+    std::unique_ptr<UConverter, CloseTableConverter> const converter(ucnv_open(name, &status));
     if (U_FAILURE(status)) return table;
     for (std::size_t index = 0; index < table.size(); ++index) {
         char const byte = static_cast<char>(0x80 + index);

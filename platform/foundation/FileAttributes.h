@@ -12,6 +12,9 @@ class FileDescriptor;
 // Attributes of an open item as the file manager tells and changes them. For
 // implementations; any thread.
 
+// The part of an item's mode that NSFilePosixPermissions tells and changes.
+inline constexpr unsigned PermissionBits = 07777;
+
 NSDictionary fileAttributesOf(FileDescriptor const& item);
 
 // What forbids changes of it.

@@ -17,8 +17,6 @@ namespace mac {
 
 namespace {
 
-constexpr unsigned PermissionBits = 07777;
-
 bool changePermissions(FileDescriptor const& item, NSNumber const& permissions) {
     return permissions == nil ||
            ::chmod(descriptorPath(item).c_str(), permissions.unsignedIntValue() & PermissionBits) == 0;

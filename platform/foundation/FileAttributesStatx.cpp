@@ -14,8 +14,6 @@ namespace mac {
 
 namespace {
 
-constexpr unsigned PermissionBits = 07777;
-
 NSNumber number(std::uint64_t value) { return NSNumber::numberWithUnsignedLongLong_(value); }
 
 NSString string(std::optional<std::string> const& bytes) {

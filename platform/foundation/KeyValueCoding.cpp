@@ -25,13 +25,13 @@ std::string unknownKey(ObjectBody const& object, NSString const& key) {
     return std::string(object.isa().name()) + " has no key \"" + key.UTF8String() + "\"";
 }
 
-struct SplitPath {
+struct SplitKeyPath {
     NSString first;
     // Nil where the path is one key.
     NSString rest;
 };
 
-SplitPath split(NSString const& keyPath) {
+SplitKeyPath split(NSString const& keyPath) {
     std::u16string_view const units = keyPath.codeUnits();
     std::size_t const dot = units.find(u'.');
     if (dot == std::u16string_view::npos) return {keyPath, nil};

@@ -15,7 +15,7 @@ namespace mac {
 
 namespace {
 
-Listeners<NSString>& listeners() {
+Listeners<NSString>& logListeners() {
     static Listeners<NSString>& all = *std::make_unique<Listeners<NSString>>().release();
     return all;
 }
@@ -57,7 +57,7 @@ std::string oneLine(std::u16string_view text) {
     return line;
 }
 
-void appendNumber(std::string& text, long value, std::size_t digits) {
+void appendDigits(std::string& text, long value, std::size_t digits) {
     std::string const number = std::to_string(value);
     if (number.size() < digits) text.append(digits - number.size(), '0');
     text += number;
@@ -77,19 +77,19 @@ std::string linePrefix() {
     tm local{};
     ::localtime_r(&now.tv_sec, &local);
     std::string text;
-    appendNumber(text, local.tm_year + 1900L, 4);
+    appendDigits(text, local.tm_year + 1900L, 4);
     text += '-';
-    appendNumber(text, local.tm_mon + 1L, 2);
+    appendDigits(text, local.tm_mon + 1L, 2);
     text += '-';
-    appendNumber(text, local.tm_mday, 2);
+    appendDigits(text, local.tm_mday, 2);
     text += ' ';
-    appendNumber(text, local.tm_hour, 2);
+    appendDigits(text, local.tm_hour, 2);
     text += ':';
-    appendNumber(text, local.tm_min, 2);
+    appendDigits(text, local.tm_min, 2);
     text += ':';
-    appendNumber(text, local.tm_sec, 2);
+    appendDigits(text, local.tm_sec, 2);
     text += '.';
-    appendNumber(text, now.tv_usec / 1000, 3);
+    appendDigits(text, now.tv_usec / 1000, 3);
     static std::string const name = programName();
     return text + " " + name + "[" + std::to_string(::getpid()) + "] ";
 }
@@ -112,15 +112,15 @@ void logMessage(NSString const& message) {
     writeAll(linePrefix() + line + "\n");
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
     try {
-        listeners().tell(message);
+        logListeners().tell(message);
     } catch (...) {
         writeAll(linePrefix() + "A listener of the log raised an exception\n");
     }
 }
 
 LogListener::LogListener(std::function<void(NSString const&)> listener)
-    : m_token(listeners().add(std::move(listener))) {}
+    : m_token(logListeners().add(std::move(listener))) {}
 
-LogListener::~LogListener() { listeners().remove(m_token); }
+LogListener::~LogListener() { logListeners().remove(m_token); }
 
 } // namespace mac

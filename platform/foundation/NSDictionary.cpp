@@ -58,7 +58,7 @@ void change(NSMutableDictionary const& dictionary, id const& key, id const& valu
 }
 
 template <class Dictionary>
-Dictionary copyOf(HashedEntries const& entries) {
+Dictionary dictionaryWithEntries(HashedEntries const& entries) {
     Dictionary const copy = adopt<Dictionary>();
     bodyOf(copy)->m_entries = entries.compact();
     return copy;
@@ -94,11 +94,11 @@ NSString NSDictionary::Body::description() const {
 }
 
 id NSDictionary::Body::copy() const {
-    if (isKindOf(classOf<NSMutableDictionary>())) return copyOf<NSDictionary>(m_entries);
+    if (isKindOf(classOf<NSMutableDictionary>())) return dictionaryWithEntries<NSDictionary>(m_entries);
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSDictionary::Body::mutableCopy() const { return copyOf<NSMutableDictionary>(m_entries); }
+id NSDictionary::Body::mutableCopy() const { return dictionaryWithEntries<NSMutableDictionary>(m_entries); }
 
 id NSDictionary::Body::valueForKey(NSString const& key) {
     // "@count" asks the dictionary itself, as any other object.
@@ -165,7 +165,7 @@ NSDictionary NSDictionary::dictionaryWithObjects_forKeys_(NSArray const& objects
 }
 
 NSDictionary NSDictionary::dictionaryWithDictionary_(NSDictionary const& other) {
-    return other == nil ? dictionary() : copyOf<NSDictionary>(bodyOf(other)->m_entries);
+    return other == nil ? dictionary() : dictionaryWithEntries<NSDictionary>(bodyOf(other)->m_entries);
 }
 
 NSUInteger NSDictionary::count() const {
@@ -224,7 +224,7 @@ NSMutableDictionary NSMutableDictionary::dictionary() { return adopt<NSMutableDi
 NSMutableDictionary NSMutableDictionary::dictionaryWithCapacity_(NSUInteger) { return dictionary(); }
 
 NSMutableDictionary NSMutableDictionary::dictionaryWithDictionary_(NSDictionary const& other) {
-    return other == nil ? dictionary() : copyOf<NSMutableDictionary>(bodyOf(other)->m_entries);
+    return other == nil ? dictionary() : dictionaryWithEntries<NSMutableDictionary>(bodyOf(other)->m_entries);
 }
 
 void NSMutableDictionary::setObject_forKey_(id const& object, id const& key) const {

@@ -22,7 +22,6 @@ namespace {
 
 constexpr mode_t UsualFolderMode = 0777;
 constexpr mode_t UsualFileMode = 0666;
-constexpr unsigned PermissionBits = 07777;
 
 // The error of a path that is nil, empty or has no file-system representation.
 SystemError noPath() { return {.code = ENOENT, .operation = "open"}; }

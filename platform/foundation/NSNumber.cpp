@@ -90,7 +90,7 @@ int orderOf(NSNumber::Body const& first, NSNumber::Body const& second) {
     return orderOfIntegers(first, second);
 }
 
-std::uint64_t mixed(std::uint64_t value) {
+std::uint64_t mixedNumber(std::uint64_t value) {
     value *= 0x9E3779B97F4A7C15;
     return value ^ value >> 32;
 }
@@ -108,12 +108,12 @@ bool NSNumber::Body::isEqual(id const& other) const {
 }
 
 std::uint64_t NSNumber::Body::hash() const {
-    if (m_kind != Kind::Real) return mixed(m_integer);
-    if (std::isnan(m_real)) return mixed(std::numeric_limits<std::uint64_t>::max());
+    if (m_kind != Kind::Real) return mixedNumber(m_integer);
+    if (std::isnan(m_real)) return mixedNumber(std::numeric_limits<std::uint64_t>::max());
     if (m_real == std::trunc(m_real) && m_real >= -twoTo63 && m_real < twoTo64)
-        return mixed(m_real < twoTo63 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(m_real))
-                                      : static_cast<std::uint64_t>(m_real));
-    return mixed(std::hash<double>()(m_real));
+        return mixedNumber(m_real < twoTo63 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(m_real))
+                                            : static_cast<std::uint64_t>(m_real));
+    return mixedNumber(std::hash<double>()(m_real));
 }
 
 NSString NSNumber::Body::description() const {

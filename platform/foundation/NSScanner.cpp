@@ -34,7 +34,7 @@ public:
 
 namespace {
 
-std::size_t digitCount(std::u16string_view text) {
+std::size_t leadingDigitCount(std::u16string_view text) {
     return static_cast<std::size_t>(std::ranges::find_if_not(text, isASCIIDigit) - text.begin());
 }
 
@@ -43,17 +43,17 @@ std::size_t signCount(std::u16string_view text) { return text.starts_with(u'-') 
 // The code units of the number at the front of the text; 0 for none.
 std::size_t integerLength(std::u16string_view text) {
     std::size_t const sign = signCount(text);
-    std::size_t const digits = digitCount(text.substr(sign));
+    std::size_t const digits = leadingDigitCount(text.substr(sign));
     return digits == 0 ? 0 : sign + digits;
 }
 
 std::size_t realLength(std::u16string_view text) {
     std::size_t length = signCount(text);
-    std::size_t const whole = digitCount(text.substr(length));
+    std::size_t const whole = leadingDigitCount(text.substr(length));
     length += whole;
     std::size_t fraction = 0;
     if (text.substr(length).starts_with(u'.')) {
-        fraction = digitCount(text.substr(length + 1));
+        fraction = leadingDigitCount(text.substr(length + 1));
         length += 1 + fraction;
     }
     if (whole + fraction == 0) return 0;

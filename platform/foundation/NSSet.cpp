@@ -21,7 +21,7 @@ Set setOf(std::span<id const> objects) {
 }
 
 template <class Set>
-Set copyOf(HashedEntries const& entries) {
+Set setWithEntries(HashedEntries const& entries) {
     Set const set = adopt<Set>();
     bodyOf(set)->m_entries = entries.compact();
     return set;
@@ -57,11 +57,11 @@ std::uint64_t NSSet::Body::hash() const {
 NSString NSSet::Body::description() const { return descriptionOfCollection(id::retain(const_cast<Body*>(this))); }
 
 id NSSet::Body::copy() const {
-    if (isKindOf(classOf<NSMutableSet>())) return copyOf<NSSet>(m_entries);
+    if (isKindOf(classOf<NSMutableSet>())) return setWithEntries<NSSet>(m_entries);
     return id::retain(const_cast<Body*>(this));
 }
 
-id NSSet::Body::mutableCopy() const { return copyOf<NSMutableSet>(m_entries); }
+id NSSet::Body::mutableCopy() const { return setWithEntries<NSMutableSet>(m_entries); }
 
 id NSSet::Body::valueForKey(NSString const& key) {
     if (isCollectionOperator(key)) return valueOfCollectionOperator(keysOf(m_entries), key);
@@ -119,7 +119,9 @@ NSSet NSSet::setWithObjects_(std::initializer_list<id> objects) {
 
 NSSet NSSet::setWithArray_(NSArray const& array) { return setOf<NSSet>(array.objects()); }
 
-NSSet NSSet::setWithSet_(NSSet const& other) { return other == nil ? set() : copyOf<NSSet>(bodyOf(other)->m_entries); }
+NSSet NSSet::setWithSet_(NSSet const& other) {
+    return other == nil ? set() : setWithEntries<NSSet>(bodyOf(other)->m_entries);
+}
 
 NSUInteger NSSet::count() const { return *this == nil ? 0 : static_cast<NSUInteger>(bodyOf(*this)->m_entries.count()); }
 
@@ -182,7 +184,7 @@ NSMutableSet NSMutableSet::setWithCapacity_(NSUInteger) { return set(); }
 NSMutableSet NSMutableSet::setWithArray_(NSArray const& array) { return setOf<NSMutableSet>(array.objects()); }
 
 NSMutableSet NSMutableSet::setWithSet_(NSSet const& other) {
-    return other == nil ? set() : copyOf<NSMutableSet>(bodyOf(other)->m_entries);
+    return other == nil ? set() : setWithEntries<NSMutableSet>(bodyOf(other)->m_entries);
 }
 
 void NSMutableSet::addObject_(id const& object) const {

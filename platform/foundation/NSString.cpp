@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t hashMultiplier = 0x9E3779B97F4A7C15;
 
-std::uint64_t mixed(std::uint64_t value) {
+std::uint64_t mixedUnits(std::uint64_t value) {
     value ^= value >> 32;
     value *= hashMultiplier;
     return value ^ value >> 29;
@@ -24,15 +24,15 @@ std::uint64_t mixed(std::uint64_t value) {
 // Four code units a step: hashing is what look-ups by path spend their time on.
 std::uint64_t hashOfUnits(std::u16string_view units) {
     constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(char16_t);
-    std::uint64_t hash = mixed(units.size() + hashMultiplier);
+    std::uint64_t hash = mixedUnits(units.size() + hashMultiplier);
     while (!units.empty()) {
         std::size_t const count = std::min(step, units.size());
         std::uint64_t word = 0;
         std::memcpy(&word, units.data(), count * sizeof(char16_t));
-        hash = mixed(hash ^ word) + hashMultiplier;
+        hash = mixedUnits(hash ^ word) + hashMultiplier;
         units.remove_prefix(count);
     }
-    return mixed(hash);
+    return mixedUnits(hash);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace mac {
 
 namespace {
 
-using Characters = std::span<FoldedCharacter const>;
+using FoldedView = std::span<FoldedCharacter const>;
 
 template <class T>
 NSComparisonResult ordered(T first, T second) {
@@ -24,16 +24,16 @@ NSComparisonResult ordered(T first, T second) {
 bool isDigit(FoldedCharacter const& character) { return isASCIIDigit(character.codePoint); }
 
 // The digits at the front without leading zeros, which are taken off the text.
-Characters takeNumber(Characters& characters) {
+FoldedView takeNumber(FoldedView& characters) {
     auto const end = std::ranges::find_if_not(characters, isDigit);
     auto const first = std::find_if(characters.begin(), end,
                                     [](FoldedCharacter const& character) { return character.codePoint != U'0'; });
-    Characters const number(first, end);
-    characters = Characters(end, characters.end());
+    FoldedView const number(first, end);
+    characters = FoldedView(end, characters.end());
     return number;
 }
 
-NSComparisonResult compareNumbers(Characters first, Characters second) {
+NSComparisonResult compareNumbers(FoldedView first, FoldedView second) {
     if (first.size() != second.size()) return ordered(first.size(), second.size());
     for (std::size_t index = 0; index < first.size(); ++index) {
         if (first[index].codePoint != second[index].codePoint)
@@ -43,10 +43,10 @@ NSComparisonResult compareNumbers(Characters first, Characters second) {
 }
 
 // By code point; runs of digits by their value where asked.
-NSComparisonResult compareFolded(Characters first, Characters second, bool isNumeric) {
+NSComparisonResult compareFolded(FoldedView first, FoldedView second, bool isNumeric) {
     while (!first.empty() && !second.empty()) {
         if (isNumeric && isDigit(first[0]) && isDigit(second[0])) {
-            Characters const firstNumber = takeNumber(first);
+            FoldedView const firstNumber = takeNumber(first);
             NSComparisonResult const order = compareNumbers(firstNumber, takeNumber(second));
             if (order != NSOrderedSame) return order;
             continue;

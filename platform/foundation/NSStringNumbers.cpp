@@ -11,12 +11,12 @@ namespace mac {
 namespace {
 
 // What the framework's reading of numbers passes over: a list of its own, apart from the white space of character sets.
-bool isBlank(char16_t unit) {
+bool isBlankBeforeNumber(char16_t unit) {
     return unit <= 0x20 || (unit >= 0x7F && unit <= 0xA0) || (unit >= 0x2000 && unit <= 0x200B) || unit == 0x3000;
 }
 
 void skipBlanks(std::u16string_view& text) {
-    while (!text.empty() && isBlank(text[0]))
+    while (!text.empty() && isBlankBeforeNumber(text[0]))
         text.remove_prefix(1);
 }
 

@@ -27,9 +27,9 @@ struct Open {
     Seen total{};
 };
 
-class Reader {
+class BinaryReader {
 public:
-    Reader(BinaryFile const& file, NSPropertyListMutabilityOptions option)
+    BinaryReader(BinaryFile const& file, NSPropertyListMutabilityOptions option)
         : m_file(file), m_objects(option), m_seen(file.count()) {}
 
     Result<id, Failure> read() {
@@ -145,7 +145,7 @@ bool isPropertyListBinary(std::span<std::byte const> data) {
 Result<id, Failure> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option) {
     Result<BinaryFile, Failure> const file = BinaryFile::open(data);
     if (!file.hasValue()) return Failure{file.problem().reason};
-    return Reader(file.value(), option).read();
+    return BinaryReader(file.value(), option).read();
 }
 
 } // namespace mac

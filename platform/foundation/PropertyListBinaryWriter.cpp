@@ -22,14 +22,14 @@ std::uint8_t widthExponent(std::uint64_t number) {
     return number <= 0xFFFFFFFF ? 2 : 3;
 }
 
-void appendNumber(std::string& bytes, std::uint64_t number, std::size_t width) {
+void appendBigEndian(std::string& bytes, std::uint64_t number, std::size_t width) {
     for (std::size_t shift = width * 8; shift > 0; shift -= 8)
         bytes += static_cast<char>(number >> (shift - 8));
 }
 
 void appendInteger(std::string& bytes, std::uint64_t number, std::uint8_t exponent) {
     bytes += static_cast<char>(static_cast<std::uint8_t>(BinaryMarker::Integer) << 4 | exponent);
-    appendNumber(bytes, number, std::size_t{1} << exponent);
+    appendBigEndian(bytes, number, std::size_t{1} << exponent);
 }
 
 std::string markerBytes(BinaryMarker marker, std::size_t size) {
@@ -44,7 +44,7 @@ std::string stringBytes(std::u16string_view units) {
     bool const isASCII = std::ranges::all_of(units, [](char16_t unit) { return unit <= 0x7F; });
     std::string bytes = markerBytes(isASCII ? BinaryMarker::ASCII : BinaryMarker::UTF16, units.size());
     for (char16_t const unit : units)
-        appendNumber(bytes, unit, isASCII ? 1 : 2);
+        appendBigEndian(bytes, unit, isASCII ? 1 : 2);
     return bytes;
 }
 
@@ -56,7 +56,7 @@ std::string numberBytes(NSNumber const& number) {
         break;
     case NSNumber::Kind::Real:
         bytes += static_cast<char>(static_cast<std::uint8_t>(BinaryMarker::Real) << 4 | 3);
-        appendNumber(bytes, std::bit_cast<std::uint64_t>(number.doubleValue()), 8);
+        appendBigEndian(bytes, std::bit_cast<std::uint64_t>(number.doubleValue()), 8);
         break;
     default: {
         std::uint64_t const value = number.unsignedLongLongValue();
@@ -67,14 +67,14 @@ std::string numberBytes(NSNumber const& number) {
             break;
         }
         bytes += static_cast<char>(static_cast<std::uint8_t>(BinaryMarker::Integer) << 4 | 4);
-        appendNumber(bytes, 0, 8);
-        appendNumber(bytes, value, 8);
+        appendBigEndian(bytes, 0, 8);
+        appendBigEndian(bytes, value, 8);
     }
     }
     return bytes;
 }
 
-class Writer {
+class BinaryWriter {
 public:
     Result<std::string, Failure> write(id const& propertyList) {
         if (!addObject(propertyList, 0)) return Failure{m_reason};
@@ -156,7 +156,7 @@ private:
         double const seconds = date.timeIntervalSinceReferenceDate();
         if (!std::isfinite(seconds)) return fail("A date is no number");
         std::string bytes{static_cast<char>(kBinaryDate)};
-        appendNumber(bytes, std::bit_cast<std::uint64_t>(seconds), 8);
+        appendBigEndian(bytes, std::bit_cast<std::uint64_t>(seconds), 8);
         return addLeaf(std::move(bytes));
     }
 
@@ -186,19 +186,19 @@ private:
             offsets.push_back(bytes.size());
             bytes.append(item.marker).append(item.leaf);
             for (std::uint32_t const reference : item.references)
-                appendNumber(bytes, reference, referenceSize);
+                appendBigEndian(bytes, reference, referenceSize);
         }
         std::uint64_t const table = bytes.size();
         std::size_t const offsetSize = std::size_t{1} << widthExponent(table);
         for (std::uint64_t const offset : offsets)
-            appendNumber(bytes, offset, offsetSize);
+            appendBigEndian(bytes, offset, offsetSize);
         bytes.append(kBinaryOffsetSizeField, '\0');
-        appendNumber(bytes, offsetSize, 1);
-        appendNumber(bytes, referenceSize, 1);
-        appendNumber(bytes, m_items.size(), 8);
+        appendBigEndian(bytes, offsetSize, 1);
+        appendBigEndian(bytes, referenceSize, 1);
+        appendBigEndian(bytes, m_items.size(), 8);
         // The list itself is the first object.
-        appendNumber(bytes, 0, 8);
-        appendNumber(bytes, table, 8);
+        appendBigEndian(bytes, 0, 8);
+        appendBigEndian(bytes, table, 8);
         return bytes;
     }
 
@@ -211,6 +211,8 @@ private:
 
 } // namespace
 
-Result<std::string, Failure> writePropertyListBinary(id const& propertyList) { return Writer().write(propertyList); }
+Result<std::string, Failure> writePropertyListBinary(id const& propertyList) {
+    return BinaryWriter().write(propertyList);
+}
 
 } // namespace mac

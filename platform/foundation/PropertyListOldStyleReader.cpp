@@ -9,9 +9,10 @@ namespace {
 using Container = PropertyListBuilder::Container;
 
 // Each step answers why the text is no list, or an empty text.
-class Reader {
+class OldStyleReader {
 public:
-    Reader(std::u16string_view text, NSPropertyListMutabilityOptions option) : m_scanner(text), m_builder(option) {}
+    OldStyleReader(std::u16string_view text, NSPropertyListMutabilityOptions option)
+        : m_scanner(text), m_builder(option) {}
 
     Result<id, Failure> read() {
         std::string reason = readRoot();
@@ -116,7 +117,7 @@ private:
 } // namespace
 
 Result<id, Failure> readPropertyListOldStyle(std::u16string_view text, NSPropertyListMutabilityOptions option) {
-    return Reader(text, option).read();
+    return OldStyleReader(text, option).read();
 }
 
 } // namespace mac

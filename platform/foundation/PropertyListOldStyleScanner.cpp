@@ -8,11 +8,13 @@ namespace mac {
 
 namespace {
 
-bool isBlank(char16_t unit) {
+bool isOldStyleBlank(char16_t unit) {
     return unit == u' ' || (unit >= u'\t' && unit <= u'\r') || unit == u'\x2028' || unit == u'\x2029';
 }
 
-bool isLineEnd(char16_t unit) { return unit == u'\n' || unit == u'\r' || unit == u'\x2028' || unit == u'\x2029'; }
+bool isOldStyleLineEnd(char16_t unit) {
+    return unit == u'\n' || unit == u'\r' || unit == u'\x2028' || unit == u'\x2029';
+}
 
 bool isUnquoted(char16_t unit) {
     return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9') ||
@@ -57,10 +59,10 @@ char16_t unitOfNeXTSTEP(unsigned byte) {
 std::string OldStyleScanner::skipBlanks() {
     while (!isAtEnd()) {
         std::u16string_view const rest = m_text.substr(m_position);
-        if (isBlank(rest[0])) {
+        if (isOldStyleBlank(rest[0])) {
             ++m_position;
         } else if (rest.starts_with(u"//")) {
-            while (!isAtEnd() && !isLineEnd(peek()))
+            while (!isAtEnd() && !isOldStyleLineEnd(peek()))
                 ++m_position;
         } else if (rest.starts_with(u"/*")) {
             std::size_t const end = rest.find(u"*/", 2);
@@ -140,7 +142,7 @@ std::u16string_view OldStyleScanner::readDigits(std::size_t most, bool (*isDigit
 Result<std::vector<std::byte>, Failure> OldStyleScanner::readData() {
     std::vector<std::byte> data;
     while (!isAtEnd()) {
-        if (isBlank(peek())) {
+        if (isOldStyleBlank(peek())) {
             ++m_position;
             continue;
         }
@@ -163,7 +165,7 @@ std::string OldStyleScanner::failureAt(std::string_view reason, std::size_t posi
     std::size_t line = 1;
     for (std::size_t index = 0; index < position; ++index) {
         bool const isHalfOfPair = m_text[index] == u'\r' && index + 1 < m_text.size() && m_text[index + 1] == u'\n';
-        line += isLineEnd(m_text[index]) && !isHalfOfPair ? 1 : 0;
+        line += isOldStyleLineEnd(m_text[index]) && !isHalfOfPair ? 1 : 0;
     }
     return atLine(reason, line);
 }

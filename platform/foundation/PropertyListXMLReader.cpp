@@ -47,19 +47,19 @@ std::string nameOf(Element element) {
     return std::ranges::find(kElements, element, &NamedElement::element)->name.data();
 }
 
-bool isBlank(QStringView text) {
+bool isXMLBlank(QStringView text) {
     return std::ranges::all_of(text, [](QChar character) {
         return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
     });
 }
 
-std::u16string_view unitsOf(QString const& text) {
+std::u16string_view viewOfUnits(QString const& text) {
     return {reinterpret_cast<char16_t const*>(text.utf16()), static_cast<std::size_t>(text.size())};
 }
 
-class Reader {
+class XMLReader {
 public:
-    Reader(QString const& text, NSPropertyListMutabilityOptions option) : m_xml(text), m_builder(option) {
+    XMLReader(QString const& text, NSPropertyListMutabilityOptions option) : m_xml(text), m_builder(option) {
         m_xml.setNamespaceProcessing(false);
     }
 
@@ -94,7 +94,7 @@ private:
             if (elementOfName(m_xml.qualifiedName()) != Element::Plist) fail(m_builder.end());
             return;
         case QXmlStreamReader::Characters:
-            if (!isBlank(m_xml.text())) fail("There is text outside of a value");
+            if (!isXMLBlank(m_xml.text())) fail("There is text outside of a value");
             return;
         case QXmlStreamReader::EntityReference:
             fail("There is an entity that is not known");
@@ -141,9 +141,9 @@ private:
     std::string_view addLeaf(Element element, QString const& text) {
         switch (element) {
         case Element::Key:
-            return m_builder.addKey(unitsOf(text));
+            return m_builder.addKey(viewOfUnits(text));
         case Element::String:
-            return m_builder.addString(unitsOf(text));
+            return m_builder.addString(viewOfUnits(text));
         case Element::Integer:
             return addOrSay(integerOfText(text.toStdString()), "There is an <integer> that is no 64-bit integer");
         case Element::Real:
@@ -178,7 +178,7 @@ private:
 Result<id, Failure> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
     std::string const complaint = complaintAboutMarkup(text);
     if (!complaint.empty()) return Failure{complaint};
-    return Reader(QString(reinterpret_cast<QChar const*>(text.data()), static_cast<qsizetype>(text.size())), option)
+    return XMLReader(QString(reinterpret_cast<QChar const*>(text.data()), static_cast<qsizetype>(text.size())), option)
         .read();
 }
 

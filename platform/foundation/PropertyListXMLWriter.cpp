@@ -35,7 +35,7 @@ bool isTextOfXML(std::u16string_view units) {
     return true;
 }
 
-class Writer {
+class XMLWriter {
 public:
     Result<std::string, Failure> write(id const& propertyList) {
         m_text = kHead;
@@ -166,6 +166,6 @@ private:
 
 } // namespace
 
-Result<std::string, Failure> writePropertyListXML(id const& propertyList) { return Writer().write(propertyList); }
+Result<std::string, Failure> writePropertyListXML(id const& propertyList) { return XMLWriter().write(propertyList); }
 
 } // namespace mac

@@ -11,7 +11,7 @@ namespace mac {
 
 namespace {
 
-using Characters = std::vector<FoldedCharacter>;
+using FoldedText = std::vector<FoldedCharacter>;
 
 constexpr char32_t FirstThatDecomposes = 0xC0;
 
@@ -29,7 +29,7 @@ struct NormalForms {
     }
 };
 
-void appendAll(Characters& characters, std::u16string_view units, FoldedCharacter const& origin) {
+void appendAll(FoldedText& characters, std::u16string_view units, FoldedCharacter const& origin) {
     for (std::size_t index = 0; index < units.size();) {
         char32_t const codePoint = codePointAt(units, index);
         characters.push_back({codePoint, origin.start, origin.end});
@@ -43,7 +43,7 @@ std::uint8_t combiningClass(char32_t codePoint) {
 }
 
 // Marks of different classes stand in the order of their classes, whatever order they were written in.
-void putMarksInOrder(Characters& characters) {
+void putMarksInOrder(FoldedText& characters) {
     auto const isStarter = [](FoldedCharacter const& character) { return combiningClass(character.codePoint) == 0; };
     auto run = std::find_if_not(characters.begin(), characters.end(), isStarter);
     while (run != characters.end()) {
@@ -90,21 +90,21 @@ bool becomesItself(char32_t codePoint) {
 }
 
 template <class Mapping>
-void mapEach(Characters& characters, Mapping const& mapping) {
-    Characters mapped;
+void mapEach(FoldedText& characters, Mapping const& mapping) {
+    FoldedText mapped;
     mapped.reserve(characters.size());
     for (FoldedCharacter const& character : characters)
         appendAll(mapped, mapping(character.codePoint), character);
     characters.swap(mapped);
 }
 
-void decompose(Characters& characters) {
+void decompose(FoldedText& characters) {
     mapEach(characters, decomposed);
     putMarksInOrder(characters);
 }
 
 // Full-width letters and half-width katakana become the usual ones.
-void foldWidth(Characters& characters) {
+void foldWidth(FoldedText& characters) {
     for (FoldedCharacter& character : characters) {
         auto const codePoint = static_cast<UChar32>(character.codePoint);
         std::int32_t const kind = u_getIntPropertyValue(codePoint, UCHAR_DECOMPOSITION_TYPE);
@@ -129,7 +129,7 @@ TextFolding foldingOf(std::uint32_t options) {
 }
 
 std::vector<FoldedCharacter> foldedText(std::u16string_view units, TextFolding const& folding) {
-    Characters characters;
+    FoldedText characters;
     characters.reserve(units.size());
     for (std::size_t index = 0; index < units.size();) {
         char32_t const codePoint = codePointAt(units, index);

@@ -18,7 +18,7 @@ struct OpaqueIconRef {
 
 namespace {
 
-constexpr OSType FamilyType{"icns"};
+constexpr OSType IconFamilyType{"icns"};
 constexpr std::int16_t CustomIconNumber = -16455;
 constexpr char FolderIconFile[] = "/Icon\r";
 constexpr std::size_t LargestFork = std::size_t{64} << 20;
@@ -42,7 +42,7 @@ std::vector<std::byte> customIconOf(FSRef const& ref, bool isFolder) {
     Result<OpenItem> const item = itemWithIcon(ref, isFolder);
     if (!item.hasValue()) return {};
     std::vector<std::byte> const fork = resourceForkOf(item.value());
-    std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, FamilyType, CustomIconNumber);
+    std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, IconFamilyType, CustomIconNumber);
     if (!icon || !readIconFamily(*icon)) return {};
     return {icon->begin(), icon->end()};
 }

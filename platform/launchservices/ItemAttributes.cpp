@@ -11,22 +11,22 @@ namespace mac {
 
 namespace {
 
-NSString textOf(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+NSString attributeText(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 // Nil for none.
-NSString textOf(OSType code) {
+NSString attributeText(OSType code) {
     return code == OSType() ? NSString(nil) : NSString::stringWithCodeUnits(textOfCode(code));
 }
 
-id contentType(DiskItem const& item) { return textOf(contentTypeOf(item)); }
-id extension(DiskItem const& item) { return item.extension().empty() ? id() : textOf(item.extension()); }
+id contentType(DiskItem const& item) { return attributeText(contentTypeOf(item)); }
+id extension(DiskItem const& item) { return item.extension().empty() ? id() : attributeText(item.extension()); }
 id displayName(DiskItem const& item) { return displayNameOf(item); }
-id displayKind(DiskItem const& item) { return UTTypeCopyDescription(textOf(contentTypeOf(item))); }
+id displayKind(DiskItem const& item) { return UTTypeCopyDescription(attributeText(contentTypeOf(item))); }
 id fileType(DiskItem const& item) {
-    return item.kind == DiskItem::Kind::File ? textOf(item.finder.fileType()) : NSString(nil);
+    return item.kind == DiskItem::Kind::File ? attributeText(item.finder.fileType()) : NSString(nil);
 }
 id fileCreator(DiskItem const& item) {
-    return item.kind == DiskItem::Kind::File ? textOf(item.finder.fileCreator()) : NSString(nil);
+    return item.kind == DiskItem::Kind::File ? attributeText(item.finder.fileCreator()) : NSString(nil);
 }
 id isInvisible(DiskItem const& item) { return NSNumber::numberWithBool_(BOOL(item.isInvisible())); }
 id isExtensionHidden(DiskItem const& item) { return NSNumber::numberWithBool_(BOOL(hidesExtension(item))); }
@@ -52,7 +52,7 @@ OSStatus LSCopyItemAttributes(FSRef const* itemRef, LSRolesMask /*inRoles*/, NSA
     if (!item.hasValue()) return fnfErr;
     NSMutableDictionary const values = NSMutableDictionary::dictionary();
     for (Attribute const& attribute : Attributes) {
-        NSString const name = textOf(attribute.name);
+        NSString const name = attributeText(attribute.name);
         bool const isWanted = attributeNames == nil || attributeNames.containsObject_(name);
         id const value = isWanted ? attribute.valueOf(item.value()) : id();
         if (value != nil) values.setObject_forKey_(value, name);

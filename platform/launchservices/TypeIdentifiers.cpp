@@ -17,7 +17,7 @@ std::optional<TagClass> classOfTags(NSString const& name) {
 
 // An extension's bytes need not be UTF-8.
 std::string bytesOf(NSString const& text) { return text.fileSystemRepresentation().value_or(text.UTF8String()); }
-NSString textOf(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+NSString typeText(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 std::vector<std::string> const& tagsOf(DeclaredType const& type, TagClass tagClass) {
     switch (tagClass) {
@@ -33,10 +33,10 @@ std::vector<std::string> const& tagsOf(DeclaredType const& type, TagClass tagCla
 
 // One as itself, several in an array.
 id objectOf(std::vector<std::string> const& words) {
-    if (words.size() == 1) return textOf(words.front());
+    if (words.size() == 1) return typeText(words.front());
     NSMutableArray const array = NSMutableArray::array();
     for (std::string const& word : words)
-        array.addObject_(textOf(word));
+        array.addObject_(typeText(word));
     return NSArray::arrayWithArray_(array);
 }
 
@@ -67,9 +67,9 @@ NSDictionary UTTypeCopyDeclaration(CFStringRef const& type) {
     DeclaredType const* const declared = type == nil ? nullptr : types->typeOf(bytesOf(type));
     if (!declared) return nil;
     NSMutableDictionary const declaration = NSMutableDictionary::dictionary();
-    declaration.setObject_forKey_(textOf(declared->identifier), kUTTypeIdentifierKey);
+    declaration.setObject_forKey_(typeText(declared->identifier), kUTTypeIdentifierKey);
     if (!declared->description.empty())
-        declaration.setObject_forKey_(textOf(declared->description), kUTTypeDescriptionKey);
+        declaration.setObject_forKey_(typeText(declared->description), kUTTypeDescriptionKey);
     setUnlessEmpty(declaration, declared->conformsTo, kUTTypeConformsToKey);
     NSDictionary const tags = tagSpecificationOf(*declared);
     if (tags.count() > 0) declaration.setObject_forKey_(tags, kUTTypeTagSpecificationKey);
@@ -87,9 +87,9 @@ CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef const& tagClass, C
     std::shared_ptr<TypeTree const> const types = knownTypes();
     std::string const kind = bytesOf(conformingToType);
     for (DeclaredType const* const type : types->typesWithTag(*wanted, bytesOf(tag))) {
-        if (kind.empty() || conforms(*types, type->identifier, kind)) return textOf(type->identifier);
+        if (kind.empty() || conforms(*types, type->identifier, kind)) return typeText(type->identifier);
     }
-    return textOf(dynamicIdentifier({.tagClass = *wanted, .tag = bytesOf(tag), .conformsTo = kind}));
+    return typeText(dynamicIdentifier({.tagClass = *wanted, .tag = bytesOf(tag), .conformsTo = kind}));
 }
 
 CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef const& type, CFStringRef const& tagClass) {
@@ -98,10 +98,10 @@ CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef const& type, CFStringRef
     std::shared_ptr<TypeTree const> const types = knownTypes();
     if (DeclaredType const* const declared = types->typeOf(bytesOf(type))) {
         std::vector<std::string> const& tags = tagsOf(*declared, *wanted);
-        return tags.empty() ? NSString(nil) : textOf(tags.front());
+        return tags.empty() ? NSString(nil) : typeText(tags.front());
     }
     std::optional<DynamicType> const dynamic = readDynamicIdentifier(bytesOf(type));
-    return dynamic && dynamic->tagClass == *wanted ? textOf(dynamic->tag) : NSString(nil);
+    return dynamic && dynamic->tagClass == *wanted ? typeText(dynamic->tag) : NSString(nil);
 }
 
 } // namespace mac

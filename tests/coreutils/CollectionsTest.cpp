@@ -14,7 +14,7 @@ NSMutableArray letters(char const* text) {
     return made;
 }
 
-std::string joined(NSArray const& array) {
+std::string concatenated(NSArray const& array) {
     return array == nil ? "-" : array.componentsJoinedByString_("").UTF8String();
 }
 
@@ -102,10 +102,10 @@ TEST(PxStringValues, AsksEachElementInOrder) {
 TEST(PxFlattenedMutableArrayOfArrays, JoinsTheElementsWithTheirDuplicates) {
     NSArray const arrays = NSArray::arrayWithObjects_({letters("ab"), letters(""), letters("bc")});
     NSMutableArray const flat = pxFlattenedMutableArrayOfArrays(arrays);
-    EXPECT_EQ(joined(flat), "abbc");
+    EXPECT_EQ(concatenated(flat), "abbc");
     flat.addObject_("x");
-    EXPECT_EQ(joined(as<NSArray>(arrays.objectAtIndex_(2))), "bc");
-    EXPECT_EQ(joined(pxFlattenedMutableArrayOfArrays(NSArray::array())), "");
+    EXPECT_EQ(concatenated(as<NSArray>(arrays.objectAtIndex_(2))), "bc");
+    EXPECT_EQ(concatenated(pxFlattenedMutableArrayOfArrays(NSArray::array())), "");
     EXPECT_THROW(pxFlattenedMutableArrayOfArrays(letters("a")), NSInvalidArgumentException);
     EXPECT_TRUE(pxFlattenedMutableArrayOfArrays(nil) == nil);
 }
@@ -195,7 +195,7 @@ TEST(PxMoveObjectAtIndex, PutsTheElementInFrontOfTheOneThere) {
                           Row{5, 6, "abcdef"}, Row{5, 0, "fabcde"}, Row{0, 1, "abcdef"}}) {
         NSMutableArray const array = letters("abcdef");
         pxMoveObjectAtIndex_toIndex_(array, row.from, row.to);
-        EXPECT_EQ(joined(array), row.expected) << row.from << " to " << row.to;
+        EXPECT_EQ(concatenated(array), row.expected) << row.from << " to " << row.to;
     }
 }
 
@@ -203,7 +203,7 @@ TEST(PxMoveObjectAtIndex, MovesTheVeryObjectAmongEqualOnes) {
     NSMutableArray const array = letters("aab");
     id const first = array.objectAtIndex_(0);
     pxMoveObjectAtIndex_toIndex_(array, 0, 3);
-    EXPECT_EQ(joined(array), "aba");
+    EXPECT_EQ(concatenated(array), "aba");
     EXPECT_TRUE(isSame(array.objectAtIndex_(2), first));
 }
 
@@ -214,7 +214,7 @@ TEST(PxMoveObjectAtIndex, RaisesOutsideTheArray) {
     EXPECT_THROW(pxMoveObjectAtIndex_toIndex_(array, static_cast<NSUInteger>(-1), 0), NSRangeException);
     EXPECT_THROW(pxMoveObjectAtIndex_toIndex_(array, 0, 0x80000000), NSRangeException);
     pxMoveObjectAtIndex_toIndex_(array, 9, 9);
-    EXPECT_EQ(joined(array), "abc");
+    EXPECT_EQ(concatenated(array), "abc");
     pxMoveObjectAtIndex_toIndex_(nil, 0, 1);
     pxMoveObjectAtIndex_toIndex_(nil, 1, 0);
 }
@@ -229,7 +229,7 @@ TEST(PxMoveObjectsAtIndexes, PutsTheBlockInFrontOfTheOneThere) {
                            Row{{5, 0}, 3, "bcafde"}, Row{{}, 2, "abcdef"}, Row{{3}, 0x80000000, "abcefd"}}) {
         NSMutableArray const array = letters("abcdef");
         pxMoveObjectsAtIndexes_toIndex_(array, at(row.indexes), row.to);
-        EXPECT_EQ(joined(array), row.expected) << row.to;
+        EXPECT_EQ(concatenated(array), row.expected) << row.to;
     }
 }
 
@@ -237,24 +237,24 @@ TEST(PxMoveObjectsAtIndexes, PutsTheBlockInFrontOfTheOneThere) {
 TEST(PxMoveObjectsAtIndexes, WithDuplicatesGoesInFrontOfTheFirst) {
     NSMutableArray const array = letters("xaxb");
     pxMoveObjectsAtIndexes_toIndex_(array, at({3}), 2);
-    EXPECT_EQ(joined(array), "bxax");
+    EXPECT_EQ(concatenated(array), "bxax");
     NSMutableArray const own = letters("axbx");
     pxMoveObjectsAtIndexes_toIndex_(own, at({1, 2}), 1);
-    EXPECT_EQ(joined(own), "axbx");
+    EXPECT_EQ(concatenated(own), "axbx");
 }
 
 // By design: nothing is put back.
 TEST(PxMoveObjectsAtIndexes, RaisesInFrontOfOneOfItsOwn) {
     NSMutableArray const array = letters("abcd");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({1, 2}), 2), NSRangeException);
-    EXPECT_EQ(joined(array), "ad");
+    EXPECT_EQ(concatenated(array), "ad");
 }
 
 TEST(PxMoveObjectsAtIndexes, ChangesNothingForAnIndexOutside) {
     NSMutableArray const array = letters("abc");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({0, 3}), 1), NSRangeException);
     pxMoveObjectsAtIndexes_toIndex_(array, nil, 1);
-    EXPECT_EQ(joined(array), "abc");
+    EXPECT_EQ(concatenated(array), "abc");
     pxMoveObjectsAtIndexes_toIndex_(nil, at({0}), 1);
 }
 
@@ -263,7 +263,7 @@ TEST(PxCollections, AreMessagesToo) {
     id const object = array;
     object.performSelector_withObject_withObject_("pxMoveObjectAtIndex:toIndex:", number(0), number(3));
     object.performSelector_withObject_withObject_("pxMoveObjectsAtIndexes:toIndex:", at({2}), number(0));
-    EXPECT_EQ(joined(array), "abc");
+    EXPECT_EQ(concatenated(array), "abc");
     EXPECT_EQ(object.performSelector_withObject_("pxUniqueCopyNameForName:", "a").description().UTF8String(), "a 1");
     id const numbers = NSArray::arrayWithObject_(number(4));
     EXPECT_TRUE(

@@ -20,7 +20,7 @@ namespace {
 
 NSString key(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
-std::vector<std::string> namesOf(NSArray const& keys) {
+std::vector<std::string> sortedNamesOf(NSArray const& keys) {
     std::vector<std::string> names;
     for (id const& name : keys)
         names.push_back(as<NSString>(name).fileSystemRepresentation().value_or(""));
@@ -51,14 +51,14 @@ TEST_F(PxExtendedAttributes, AreWrittenAndRead) {
     EXPECT_TRUE(pxSetExtendedAttributeData_forKey_(m_path, bytes("one"), "a"));
     EXPECT_TRUE(pxSetExtendedAttributeData_forKey_(m_path, bytes("two"), "b"));
     EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, "a").isEqual_(bytes("one")));
-    EXPECT_EQ(namesOf(pxExtendedAttributesKeys(m_path)), (Names{"a", "b"}));
+    EXPECT_EQ(sortedNamesOf(pxExtendedAttributesKeys(m_path)), (Names{"a", "b"}));
     EXPECT_TRUE(pxSetExtendedAttributeData_forKey_(m_path, bytes("three"), "a"));
     NSDictionary const all = pxExtendedAttributes(m_path);
     EXPECT_EQ(all.count(), 2U);
     EXPECT_TRUE(all.objectForKey_("a").isEqual_(bytes("three")));
     EXPECT_TRUE(all.objectForKey_("b").isEqual_(bytes("two")));
     EXPECT_TRUE(pxRemoveExtendedAttributeForKey_(m_path, "a"));
-    EXPECT_EQ(namesOf(pxExtendedAttributesKeys(m_path)), Names{"b"});
+    EXPECT_EQ(sortedNamesOf(pxExtendedAttributesKeys(m_path)), Names{"b"});
     EXPECT_FALSE(pxRemoveExtendedAttributeForKey_(m_path, "a"));
 }
 
@@ -81,12 +81,12 @@ TEST_F(PxExtendedAttributes, AreRemovedByNilData) {
 
 TEST_F(PxExtendedAttributes, ThatAreEmptyReadAsNil) {
     EXPECT_TRUE(pxSetExtendedAttributeData_forKey_(m_path, NSData::data(), "empty"));
-    EXPECT_EQ(namesOf(pxExtendedAttributesKeys(m_path)), Names{"empty"});
+    EXPECT_EQ(sortedNamesOf(pxExtendedAttributesKeys(m_path)), Names{"empty"});
     EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, "empty") == nil);
     EXPECT_EQ(pxExtendedAttributes(m_path).count(), 0U);
     EXPECT_FALSE(pxExtendedAttributes(m_path) == nil);
     pxSetExtendedAttributeData_forKey_(m_path, bytes("1"), "full");
-    EXPECT_EQ(namesOf(pxExtendedAttributes(m_path).allKeys()), Names{"full"});
+    EXPECT_EQ(sortedNamesOf(pxExtendedAttributes(m_path).allKeys()), Names{"full"});
 }
 
 TEST_F(PxExtendedAttributes, OfAMissingItemAreNone) {
@@ -154,7 +154,7 @@ TEST_F(PxExtendedAttributes, AreTheOnesOfOtherPrograms) {
 TEST_F(PxExtendedAttributes, NamesOfSeveralBytesAreFollowedByPiecesOfThemselves) {
     auto const keysWith = [&](std::string const& name) {
         EXPECT_TRUE(pxSetExtendedAttributeData_forKey_(m_path, bytes("1"), key(name)));
-        Names const names = namesOf(pxExtendedAttributesKeys(m_path));
+        Names const names = sortedNamesOf(pxExtendedAttributesKeys(m_path));
         EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, key(name)).isEqual_(bytes("1")));
         EXPECT_EQ(pxExtendedAttributes(m_path).count(), 1U);
         EXPECT_TRUE(pxRemoveExtendedAttributeForKey_(m_path, key(name)));
@@ -189,7 +189,7 @@ TEST_F(PxExtendedAttributes, AreWrittenSeveralAtOnce) {
     pxSetExtendedAttributes_(m_path, NSDictionary::dictionaryWithObjectsAndKeys_(
                                          {bytes("1"), "a", bytes("2"), "b", "no data", "c", NSNull::null(), "kept",
                                           bytes("3"), NSNumber::numberWithInt_(3)}));
-    EXPECT_EQ(namesOf(pxExtendedAttributesKeys(m_path)), (Names{"a", "b", "c", "kept"}));
+    EXPECT_EQ(sortedNamesOf(pxExtendedAttributesKeys(m_path)), (Names{"a", "b", "c", "kept"}));
     EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, "c").isEqual_(bytes("old")));
     pxSetExtendedAttributes_(m_path, nil);
     EXPECT_EQ(pxExtendedAttributesKeys(m_path).count(), 4U);

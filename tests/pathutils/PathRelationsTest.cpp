@@ -12,14 +12,14 @@
 namespace mac::test {
 namespace {
 
-std::string text(NSString const& string) {
+std::string bytesOf(NSString const& string) {
     return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
 }
 
-std::vector<std::string> namesOf(NSArray const& array) {
+std::vector<std::string> namesInOrder(NSArray const& array) {
     std::vector<std::string> names;
     for (id const& name : array)
-        names.push_back(text(as<NSString>(name)));
+        names.push_back(bytesOf(as<NSString>(name)));
     return names;
 }
 using Names = std::vector<std::string>;
@@ -166,29 +166,29 @@ TEST_F(PathRelations, ALinkToAPackageIsNone) {
 
 TEST_F(PathRelations, DisplayNamesAreTheFileManagers) {
     m_folder.makeFile("a.txt", "");
-    EXPECT_EQ(text(pxDisplayNameOfPath(at("a.txt"))), "a.txt");
-    EXPECT_EQ(text(pxDisplayNameOfPath(at("none.txt"))), "none.txt");
-    EXPECT_EQ(text(pxDisplayNameOfPath("/")), "/");
-    EXPECT_EQ(text(pxDisplayNameOfPath(nil)), "-");
+    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(at("a.txt"))), "a.txt");
+    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(at("none.txt"))), "none.txt");
+    EXPECT_EQ(bytesOf(pxDisplayNameOfPath("/")), "/");
+    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(nil)), "-");
     std::string const bundle = m_folder.makeBundle("Frame.app", R"(<plist version="1.0"><dict>
         <key>CFBundleDisplayName</key><string>Frame</string></dict></plist>)");
     m_folder.makeFile("Frame.app/Contents/Resources/de.lproj/InfoPlist.strings", R"(CFBundleDisplayName = "Rahmen";)");
     EnvironmentVariable const all("LC_ALL", "de_AT.UTF-8");
     EnvironmentVariable const list("LANGUAGE", "");
-    EXPECT_EQ(text(pxDisplayNameOfPath(path(bundle))), "Rahmen");
-    EXPECT_EQ(text(NSFileManager::defaultManager().displayNameAtPath_(path(bundle))), "Rahmen");
+    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(path(bundle))), "Rahmen");
+    EXPECT_EQ(bytesOf(NSFileManager::defaultManager().displayNameAtPath_(path(bundle))), "Rahmen");
 }
 
 TEST_F(PathRelations, TheParentIsTheFolderAbove) {
-    EXPECT_EQ(text(pxParentPathOfPath("/a/b")), "/a");
-    EXPECT_EQ(text(pxParentPathOfPath("/a/b/")), "/a");
-    EXPECT_EQ(text(pxParentPathOfPath("/a/./b/..")), "/");
-    EXPECT_EQ(text(pxParentPathOfPath("/a")), "/");
-    EXPECT_EQ(text(pxParentPathOfPath("/")), "-");
-    EXPECT_EQ(text(pxParentPathOfPath("a")), "-");
-    EXPECT_EQ(text(pxParentPathOfPath("a/b")), "a");
-    EXPECT_EQ(text(pxParentPathOfPath("")), "-");
-    EXPECT_EQ(text(pxParentPathOfPath(nil)), "-");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/b")), "/a");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/b/")), "/a");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/./b/..")), "/");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a")), "/");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("/")), "-");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("a")), "-");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("a/b")), "a");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath("")), "-");
+    EXPECT_EQ(bytesOf(pxParentPathOfPath(nil)), "-");
 }
 
 TEST_F(PathRelations, TheInformationOfABundleIsItsDictionary) {
@@ -239,7 +239,7 @@ TEST_F(PathRelations, VisibleContentsLeaveOutWhatIsInvisible) {
     m_folder.makeFile("\xFF", "");
     link("nowhere", "c");
     for (BOOL const flag : {YES, NO})
-        EXPECT_EQ(namesOf(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), flag)),
+        EXPECT_EQ(namesInOrder(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), flag)),
                   (Names{"a", "b", "c", "\xFF"}));
     EXPECT_EQ(pxVisibleDirectoryContentsAtPath_(at("a"), YES).count(), 0U);
     EXPECT_FALSE(pxVisibleDirectoryContentsAtPath_(at("a"), YES) == nil);
@@ -249,26 +249,26 @@ TEST_F(PathRelations, VisibleContentsLeaveOutWhatIsInvisible) {
 }
 
 TEST_F(PathRelations, ATypesExtensionIsItsDeclaredFirstOne) {
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("public.jpeg")), "jpeg");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("public.tiff")), "tiff");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("public.png")), "png");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("PUBLIC.PNG")), "png");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("com.compuserve.gif")), "gif");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.jpeg")), "jpeg");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.tiff")), "tiff");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.png")), "png");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("PUBLIC.PNG")), "png");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("com.compuserve.gif")), "gif");
     // Declared, without an extension.
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("public.data")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("com.example.unknown")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI("")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTI(nil)), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.data")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("com.example.unknown")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI(nil)), "-");
 }
 
 TEST_F(PathRelations, OlderSystemsKnowThreeExtensions) {
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("public.tiff")), "tiff");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("public.jpeg")), "jpeg");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("public.png")), "png");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("public.gif")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("Public.png")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther("")), "-");
-    EXPECT_EQ(text(pxFilenameExtensionOfUTIPanther(nil)), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.tiff")), "tiff");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.jpeg")), "jpeg");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.png")), "png");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.gif")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("Public.png")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("")), "-");
+    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther(nil)), "-");
 }
 
 TEST_F(PathRelations, ImagesAndSoundAreToldByTheirTypes) {
@@ -310,9 +310,9 @@ TEST_F(PathRelations, WhatTheUserMayDoIsTheFileManagersAnswer) {
 TEST_F(PathRelations, AURLOfAFolderEndsWithASlash) {
     m_folder.makeFolder("a b");
     std::string const folder = "file://localhost" + m_folder.path() + "/a%20b";
-    EXPECT_EQ(text(pxURLOfPath(at("a b")).absoluteString()), folder + "/");
-    EXPECT_EQ(text(pxURLOfPath_(at("a b"), YES).absoluteString()), folder + "/");
-    EXPECT_EQ(text(pxURLOfPath_(at("a b"), NO).absoluteString()), folder);
+    EXPECT_EQ(bytesOf(pxURLOfPath(at("a b")).absoluteString()), folder + "/");
+    EXPECT_EQ(bytesOf(pxURLOfPath_(at("a b"), YES).absoluteString()), folder + "/");
+    EXPECT_EQ(bytesOf(pxURLOfPath_(at("a b"), NO).absoluteString()), folder);
     EXPECT_TRUE(pxURLOfPath("") == nil);
     EXPECT_TRUE(pxURLOfPath_("", YES) == nil);
     EXPECT_TRUE(pxURLOfPath(nil) == nil);

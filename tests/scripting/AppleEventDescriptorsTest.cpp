@@ -18,7 +18,9 @@ namespace mac::test {
 namespace {
 
 NSAppleEventDescriptor number(std::int32_t value) { return NSAppleEventDescriptor::descriptorWithInt32_(value); }
-NSAppleEventDescriptor text(NSString const& value) { return NSAppleEventDescriptor::descriptorWithString_(value); }
+NSAppleEventDescriptor textDescriptor(NSString const& value) {
+    return NSAppleEventDescriptor::descriptorWithString_(value);
+}
 
 NSAppleEventDescriptor ofBytes(DescType type, std::string_view bytes) {
     return NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(type, bytes.data(),
@@ -53,7 +55,7 @@ ProcessSerialNumber serialNumberIn(NSAppleEventDescriptor const& address) {
 }
 
 // The lines that are logged while it lives.
-class Lines {
+class LoggedWhileAlive {
 public:
     std::vector<std::string> const& all() const { return m_lines; }
 
@@ -167,16 +169,17 @@ TEST(AppleEventDescriptors, ConvertNumbersAndTruthValues) {
 }
 
 TEST(AppleEventDescriptors, ConvertTextAndCodesToStrings) {
-    EXPECT_TRUE(pxObject(text("a\"\n")).isEqual_("a\"\n"));
-    EXPECT_TRUE(pxObject(text("")).isEqual_(""));
+    EXPECT_TRUE(pxObject(textDescriptor("a\"\n")).isEqual_("a\"\n"));
+    EXPECT_TRUE(pxObject(textDescriptor("")).isEqual_(""));
     EXPECT_TRUE(pxObject(ofBytes(typeText, "plain")).isEqual_("plain"));
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::descriptorWithEnumCode_(OSType("yes "))).isEqual_("yes "));
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::descriptorWithTypeCode_(OSType("msng"))).isEqual_("msng"));
 }
 
 TEST(AppleEventDescriptors, ConvertAListItemByItem) {
-    Lines const lines;
-    NSArray const array = as<NSArray>(pxObject(listOf({number(1), text("a"), ofBytes(DescType("fork"), "xy")})));
+    LoggedWhileAlive const lines;
+    NSArray const array =
+        as<NSArray>(pxObject(listOf({number(1), textDescriptor("a"), ofBytes(DescType("fork"), "xy")})));
     ASSERT_EQ(array.count(), 3U);
     EXPECT_TRUE(array.objectAtIndex_(0).isEqual_(NSNumber::numberWithInt_(1)));
     EXPECT_TRUE(array.objectAtIndex_(1).isEqual_("a"));
@@ -190,7 +193,7 @@ TEST(AppleEventDescriptors, ConvertAListItemByItem) {
 TEST(AppleEventDescriptors, LeaveOutItemsThatConvertToNothing) {
     NSAppleEventDescriptor const record = recordOf(number(1));
     record.setDescriptor_forKeyword_(number(2), AEKeyword("two "));
-    Lines const lines;
+    LoggedWhileAlive const lines;
     NSArray const array = as<NSArray>(pxObject(listOf({record, number(1)})));
     ASSERT_EQ(array.count(), 1U);
     EXPECT_TRUE(array.objectAtIndex_(0).isEqual_(NSNumber::numberWithInt_(1)));
@@ -209,7 +212,8 @@ TEST(AppleEventDescriptors, ConvertAnObjectSpecifierLikeAList) {
 }
 
 TEST(AppleEventDescriptors, ConvertARecordOfOneFlatListToADictionary) {
-    NSAppleEventDescriptor const list = listOf({text("k1"), number(1), text("k2"), number(2), text("k1"), number(3)});
+    NSAppleEventDescriptor const list =
+        listOf({textDescriptor("k1"), number(1), textDescriptor("k2"), number(2), textDescriptor("k1"), number(3)});
     for (AEKeyword const keyword : {AEKeyword("usrf"), AEKeyword("any ")}) {
         NSDictionary const dictionary = as<NSDictionary>(pxObject(recordOf(list, keyword)));
         ASSERT_EQ(dictionary.count(), 2U);
@@ -220,8 +224,8 @@ TEST(AppleEventDescriptors, ConvertARecordOfOneFlatListToADictionary) {
 }
 
 TEST(AppleEventDescriptors, TakeAnyKeyAsAKey) {
-    NSDictionary const dictionary = as<NSDictionary>(
-        pxObject(recordOf(listOf({text("@count"), number(1), text("a.b"), number(2), number(3), text("c")}))));
+    NSDictionary const dictionary = as<NSDictionary>(pxObject(recordOf(listOf(
+        {textDescriptor("@count"), number(1), textDescriptor("a.b"), number(2), number(3), textDescriptor("c")}))));
     ASSERT_EQ(dictionary.count(), 3U);
     EXPECT_TRUE(dictionary.objectForKey_("@count").isEqual_(NSNumber::numberWithInt_(1)));
     EXPECT_TRUE(dictionary.objectForKey_("a.b").isEqual_(NSNumber::numberWithInt_(2)));
@@ -229,17 +233,18 @@ TEST(AppleEventDescriptors, TakeAnyKeyAsAKey) {
 }
 
 TEST(AppleEventDescriptors, ConvertAnyOtherRecordToNothing) {
-    Lines const lines;
+    LoggedWhileAlive const lines;
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::recordDescriptor()) == nil);
-    EXPECT_TRUE(pxObject(recordOf(text("a"))) == nil);
+    EXPECT_TRUE(pxObject(recordOf(textDescriptor("a"))) == nil);
     EXPECT_TRUE(pxObject(recordOf(listOf({}))) == nil);
-    EXPECT_TRUE(pxObject(recordOf(listOf({text("k1")}))) == nil);
-    EXPECT_TRUE(pxObject(recordOf(recordOf(listOf({text("k"), number(1)})))) == nil) << "a dictionary is no list";
+    EXPECT_TRUE(pxObject(recordOf(listOf({textDescriptor("k1")}))) == nil);
+    EXPECT_TRUE(pxObject(recordOf(recordOf(listOf({textDescriptor("k"), number(1)})))) == nil)
+        << "a dictionary is no list";
     EXPECT_TRUE(lines.all().empty());
 }
 
 TEST(AppleEventDescriptors, ConvertNullToItsData) {
-    Lines const lines;
+    LoggedWhileAlive const lines;
     NSData const data = as<NSData>(pxObject(NSAppleEventDescriptor::nullDescriptor()));
     ASSERT_FALSE(data == nil);
     EXPECT_EQ(data.length(), 0U);
@@ -247,7 +252,7 @@ TEST(AppleEventDescriptors, ConvertNullToItsData) {
 }
 
 TEST(AppleEventDescriptors, LogATypeTheyDoNotKnowAndAnswerItsData) {
-    Lines const lines;
+    LoggedWhileAlive const lines;
     EXPECT_TRUE(pxObject(ofBytes(typeBoolean, "\x01")).isEqual_(NSData::dataWithBytes_length_("\x01", 1)));
     EXPECT_TRUE(pxObject(ofBytes(DescType("utf8"), "x")).isEqual_(NSData::dataWithBytes_length_("x", 1)));
     EXPECT_EQ(lines.all(), (std::vector<std::string>{
@@ -258,7 +263,7 @@ TEST(AppleEventDescriptors, LogATypeTheyDoNotKnowAndAnswerItsData) {
 }
 
 TEST(AppleEventDescriptors, AreConvertedByMessageToo) {
-    EXPECT_TRUE(text("x").performSelector_("pxObject").isEqual_("x"));
+    EXPECT_TRUE(textDescriptor("x").performSelector_("pxObject").isEqual_("x"));
     EXPECT_TRUE(pxObject(nil) == nil);
 }
 

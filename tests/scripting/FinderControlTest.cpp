@@ -9,7 +9,7 @@
 namespace mac::test {
 namespace {
 
-using Lines = std::vector<std::string>;
+using AskedLines = std::vector<std::string>;
 
 // A desktop with a file browser that writes down what it is asked for.
 class FinderControl : public testing::Test {
@@ -27,8 +27,8 @@ protected:
         return NSString::stringWithFileSystemRepresentation_(m_desktop.folder.makeFile(relative, ""));
     }
     // What the browser was asked for, without its start.
-    Lines asked() const {
-        Lines lines = m_desktop.lines();
+    AskedLines asked() const {
+        AskedLines lines = m_desktop.lines();
         if (!lines.empty()) lines.erase(lines.begin());
         return lines;
     }
@@ -41,14 +41,14 @@ protected:
 
 TEST_F(FinderControl, RevealsAnItem) {
     EXPECT_TRUE(KRAPathRevealInFinder(makeFile("shown/file")));
-    EXPECT_EQ(asked(), Lines{"ShowItems " + uri("shown/file")});
+    EXPECT_EQ(asked(), AskedLines{"ShowItems " + uri("shown/file")});
 }
 
 TEST_F(FinderControl, OpensTheNearestFolderOfAMissingItem) {
     makeFile("shown/file");
     EXPECT_TRUE(KRAPathRevealInFinder(path("shown/none")));
     EXPECT_TRUE(KRAPathRevealInFinder(path("shown/no/such/folder/file")));
-    EXPECT_EQ(asked(), (Lines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
+    EXPECT_EQ(asked(), (AskedLines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
 }
 
 TEST_F(FinderControl, OpensNoInvisibleFolder) {
@@ -75,7 +75,7 @@ TEST_F(FinderControl, OpensAnItem) {
     EXPECT_FALSE(pxOpenItemWithFinder(path("none")));
     EXPECT_FALSE(pxOpenItemWithFinder(""));
     EXPECT_FALSE(pxOpenItemWithFinder(nil));
-    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("shown")});
+    EXPECT_EQ(asked(), AskedLines{"ShowFolders " + uri("shown")});
 }
 
 TEST_F(FinderControl, FailsToOpenWhatNoApplicationIsKnownFor) {
@@ -87,8 +87,8 @@ TEST_F(FinderControl, RevealsManyItemsAndPassesOverOthers) {
     NSURL const second = NSURL::fileURLWithPath_(makeFile("shown/second"));
     EXPECT_TRUE(pxRevealItemsInFinder(enumerator({NSNull::null(), first, NSURL::URLWithString_("http://example.org/a"),
                                                   NSNumber::numberWithInt_(1), path("shown/none"), second})));
-    EXPECT_EQ(asked(), (Lines{"ShowItems " + uri("shown/first"), "ShowFolders " + uri("shown"),
-                              "ShowItems " + uri("shown/second")}));
+    EXPECT_EQ(asked(), (AskedLines{"ShowItems " + uri("shown/first"), "ShowFolders " + uri("shown"),
+                                   "ShowItems " + uri("shown/second")}));
 }
 
 TEST_F(FinderControl, RevealsNothingOfWhatIsNoPath) {
@@ -103,7 +103,7 @@ TEST_F(FinderControl, OpensManyItemsThatExist) {
     makeFile("shown/file");
     EXPECT_TRUE(pxOpenItemsWithFinder(
         enumerator({path("none"), NSNull::null(), NSURL::fileURLWithPath_(path("shown")), path("shown")})));
-    EXPECT_EQ(asked(), (Lines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
+    EXPECT_EQ(asked(), (AskedLines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
     EXPECT_FALSE(pxOpenItemsWithFinder(enumerator({path("none"), NSNull::null()})));
     EXPECT_FALSE(pxOpenItemsWithFinder(nil));
 }
@@ -112,7 +112,7 @@ TEST_F(FinderControl, GoesOnAfterAFailure) {
     NSString const unknown = makeFile("file.unknown-to-all");
     makeFile("folder/file");
     EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({unknown, path("folder")})));
-    EXPECT_EQ(asked(), Lines{"ShowFolders " + uri("folder")});
+    EXPECT_EQ(asked(), AskedLines{"ShowFolders " + uri("folder")});
 }
 
 TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
@@ -125,12 +125,12 @@ TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
 TEST_F(FinderControl, ShowsInformationOfNamesThatNeedEscaping) {
     NSString const quoted = makeFile(R"(shown/a "quoted" \ name)");
     EXPECT_TRUE(pxShowFinderInfo(enumerator({quoted, NSNull::null(), path("none"), path("shown")})));
-    Lines windows;
+    AskedLines windows;
     for (std::string const& line : m_desktop.lines()) {
         if (line.starts_with("ShowItemProperties")) windows.push_back(line);
     }
-    EXPECT_EQ(windows, (Lines{"ShowItemProperties " + uri("shown/a%20%22quoted%22%20%5C%20name"),
-                              "ShowItemProperties " + uri("shown")}));
+    EXPECT_EQ(windows, (AskedLines{"ShowItemProperties " + uri("shown/a%20%22quoted%22%20%5C%20name"),
+                                   "ShowItemProperties " + uri("shown")}));
 }
 
 TEST_F(FinderControl, AnswersYesForInformationWhateverBecomesOfTheScript) {
@@ -152,11 +152,11 @@ TEST_F(FinderControl, QuitsTheFileBrowserByItsOwnMeansAndStartsItAsItWas) {
                       "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
     ChildProcess const browser({fakeFileBrowser(), "serve", m_desktop.log(), "as it was"});
     ASSERT_TRUE(waitUntil([] { return KRAProcessSerialNumberGetFinder() != nil; }));
-    ASSERT_EQ(m_desktop.lines(1), Lines{"started serve as it was"});
+    ASSERT_EQ(m_desktop.lines(1), AskedLines{"started serve as it was"});
     ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
     EXPECT_TRUE(KRAProcessSerialNumberQuit(KRAProcessSerialNumberGetFinder()));
     EXPECT_TRUE(KRAProcessSerialNumberGetFinder() == nil);
-    EXPECT_EQ(asked(), (Lines{"started quit", "asked to quit"}));
+    EXPECT_EQ(asked(), (AskedLines{"started quit", "asked to quit"}));
     EXPECT_TRUE(NSWorkspace::sharedWorkspace()
                     .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
                         "com.apple.finder", NSWorkspaceLaunchDefault, nil, nullptr));

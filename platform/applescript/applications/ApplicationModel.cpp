@@ -8,7 +8,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr std::int32_t NoObjectOfClass = -10010;
+constexpr std::int32_t NoObject = -10010;
 
 // An object as one of the class; anything as a list of itself.
 Value objectAs(ModelObject& object, Code type) {
@@ -61,7 +61,7 @@ void addObjects(Meant const& meant, ModelApplication& application, TextContext c
         return;
     }
     if (!meant.list) {
-        if (!isInApplication(meant.value)) throw plainError(NoObjectOfClass);
+        if (!isInApplication(meant.value)) throw plainError(NoObject);
         addObjects(application.follow(meant.value, context), application, context, objects);
         return;
     }
@@ -118,10 +118,10 @@ std::vector<ModelPointer> ModelApplication::objects(Value const& meant, TextCont
     std::vector<ModelPointer> found;
     bool const isNoObject = !meant.is(ValueKind::Specifier) && !meant.is(ValueKind::File) &&
                             !meant.is(ValueKind::List) && !meant.is(ValueKind::Application);
-    if (isNoObject) throw plainError(NoObjectOfClass);
+    if (isNoObject) throw plainError(NoObject);
     // A file that is not there is no object of this application.
     bool const isMissing = meant.is(ValueKind::File) && !objectOfFile(meant.file());
-    if (isMissing) throw plainError(NoObjectOfClass);
+    if (isMissing) throw plainError(NoObject);
     addObjects(follow(meant, context), *this, context, found);
     return found;
 }

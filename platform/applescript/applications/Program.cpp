@@ -14,7 +14,7 @@ namespace mac::applescript {
 namespace {
 
 constexpr std::int32_t NotRunning = -600;
-constexpr std::int32_t CannotRun = -10810;
+constexpr std::int32_t CannotStartProgram = -10810;
 
 AEKeyword keywordOf(Code code) { return AEKeyword(code); }
 
@@ -132,7 +132,7 @@ private:
             return {};
         }
         std::optional<InstalledProgram> const program = installed();
-        if (!program || !startProgram(program->words)) throw plainError(CannotRun);
+        if (!program || !startProgram(program->words)) throw plainError(CannotStartProgram);
         return {};
     }
 

@@ -6,7 +6,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr auto Classes = std::to_array<ClassTerm>({
+constexpr auto SystemEventsClasses = std::to_array<ClassTerm>({
     {u"item", u"items", codeOf("cobj")},
     {u"process", u"processes", codeOf("prcs")},
     {u"application process", u"application processes", codeOf("pcap")},
@@ -18,7 +18,7 @@ constexpr auto Classes = std::to_array<ClassTerm>({
     {u"user", u"users", codeOf("uacc")},
 });
 
-constexpr auto Properties = std::to_array<PropertyTerm>({
+constexpr auto SystemEventsProperties = std::to_array<PropertyTerm>({
     {u"unix id", codeOf("idux")},
     {u"bundle identifier", codeOf("bnid")},
     {u"background only", codeOf("bkgo")},
@@ -52,7 +52,7 @@ constexpr auto Properties = std::to_array<PropertyTerm>({
     {u"local volume", codeOf("isrv")},
 });
 
-constexpr auto Commands = std::to_array<CommandTerm>({
+constexpr auto SystemEventsCommands = std::to_array<CommandTerm>({
     {.name = u"open", .code = eventOf("aevtodoc"), .direct = DirectParameter::Required},
     {.name = u"log out", .code = eventOf("fndrlogo")},
     {.name = u"restart", .code = eventOf("fndrrest")},
@@ -63,8 +63,8 @@ constexpr auto Commands = std::to_array<CommandTerm>({
 } // namespace
 
 Terminology const& systemEventsTerms() {
-    static Terminology const terms =
-        terminologyOf({.classes = Classes, .properties = Properties, .commands = Commands});
+    static Terminology const terms = terminologyOf(
+        {.classes = SystemEventsClasses, .properties = SystemEventsProperties, .commands = SystemEventsCommands});
     return terms;
 }
 

@@ -13,7 +13,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr std::int32_t CannotRun = -10810;
+constexpr std::int32_t CannotStartPreferences = -10810;
 
 // How one desktop shows a pane: words of a command line, divided by blanks.
 struct Pane {
@@ -73,11 +73,11 @@ constexpr auto Panes = std::to_array<Pane>({
 constexpr auto Programs = std::to_array<char const*>(
     {"gnome-control-center", "systemsettings", "xfce4-settings-manager", "cinnamon-settings"});
 
-constexpr auto Classes = std::to_array<ClassTerm>({
+constexpr auto PreferencesClasses = std::to_array<ClassTerm>({
     {u"pane", u"panes", codeOf("xppb")},
     {u"anchor", u"anchors", codeOf("xppa")},
 });
-constexpr auto Properties = std::to_array<PropertyTerm>({
+constexpr auto PreferencesProperties = std::to_array<PropertyTerm>({
     {u"current pane", codeOf("xpcp")},
     {u"localized name", codeOf("locn")},
     {u"preferences window", codeOf("prfw")},
@@ -85,7 +85,8 @@ constexpr auto Properties = std::to_array<PropertyTerm>({
 });
 
 Terminology const& systemPreferencesTerms() {
-    static Terminology const terms = terminologyOf({.classes = Classes, .properties = Properties});
+    static Terminology const terms =
+        terminologyOf({.classes = PreferencesClasses, .properties = PreferencesProperties});
     return terms;
 }
 
@@ -101,7 +102,7 @@ std::vector<std::string> wordsOf(std::string_view command) {
     return words;
 }
 
-ScriptError cannotRun() { return plainError(CannotRun); }
+ScriptError cannotRun() { return plainError(CannotStartPreferences); }
 
 void startFirst(std::span<char const* const> commands) {
     for (char const* const command : commands)

@@ -18,7 +18,7 @@ namespace mac::applescript::test {
 
 namespace {
 
-std::string outcomeOf(std::u16string_view source, RunOptions const& options = {}) {
+std::string outcomeOfRun(std::u16string_view source, RunOptions const& options = {}) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(source, error);
     if (!script) return "! " + utf8FromUnits(error.message);
@@ -55,20 +55,20 @@ protected:
 };
 
 TEST_F(ThisProgram, IsAskedByAnEventForWhatAScriptWantsOfIt) {
-    EXPECT_EQ(outcomeOf(u"tell application \"applescript_tests\" to get «class docu» 1"), "42");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"applescript_tests\" to get «class docu» 1"), "42");
     EXPECT_EQ(m_received.direct.descriptorType, typeObjectSpecifier);
 }
 
 TEST_F(ThisProgram, IsNamedByWhatItComplainsOf) {
     m_received.what = "error";
-    EXPECT_EQ(outcomeOf(u"tell application \"applescript_tests\" to get «class docu» 1"),
+    EXPECT_EQ(outcomeOfRun(u"tell application \"applescript_tests\" to get «class docu» 1"),
               "! applescript_tests got an error: Can’t get some object. (-1728)");
 }
 
 TEST_F(ThisProgram, RunsAndHasAName) {
-    EXPECT_EQ(outcomeOf(u"application \"applescript_tests\" is running"), "true");
-    EXPECT_EQ(outcomeOf(u"name of application \"applescript_tests\""), "\"applescript_tests\"");
-    EXPECT_EQ(outcomeOf(u"tell application \"applescript_tests\" to exists «class docu» 1"),
+    EXPECT_EQ(outcomeOfRun(u"application \"applescript_tests\" is running"), "true");
+    EXPECT_EQ(outcomeOfRun(u"name of application \"applescript_tests\""), "\"applescript_tests\"");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"applescript_tests\" to exists «class docu» 1"),
               "! applescript_tests got an error: Some object doesn’t understand the “some event” message. (-1708)");
 }
 
@@ -97,10 +97,10 @@ protected:
 
 TEST_F(InstalledPrograms, ShowThePanesOfTheSystemPreferences) {
     makeProgram("gnome-control-center");
-    EXPECT_EQ(outcomeOf(u"tell application \"System Preferences\" to set current pane to pane \"Accounts\""),
+    EXPECT_EQ(outcomeOfRun(u"tell application \"System Preferences\" to set current pane to pane \"Accounts\""),
               "pane id \"com.apple.preferences.users\" of application \"System Preferences\"");
     EXPECT_EQ(startedLine(), "gnome-control-center user-accounts");
-    EXPECT_EQ(outcomeOf(u"tell application \"System Preferences\" to name of current pane"), "\"Accounts\"");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"System Preferences\" to name of current pane"), "\"Accounts\"");
 }
 
 // Another program, which never answers what scripts ask it for.
@@ -129,24 +129,24 @@ protected:
 };
 
 TEST_F(HangingProgram, IsWaitedForAsLongAsTheScriptSays) {
-    ASSERT_EQ(outcomeOf(u"with timeout of 0.1 seconds\n" + hang() + u"\nend timeout"), timedOut());
-    EXPECT_EQ(outcomeOf(u"on wish()\n" + hang() + u"\nend wish\nwith timeout of 0.1 seconds\nwish()\nend timeout"),
+    ASSERT_EQ(outcomeOfRun(u"with timeout of 0.1 seconds\n" + hang() + u"\nend timeout"), timedOut());
+    EXPECT_EQ(outcomeOfRun(u"on wish()\n" + hang() + u"\nend wish\nwith timeout of 0.1 seconds\nwish()\nend timeout"),
               timedOut());
     EXPECT_EQ(
-        outcomeOf(u"try\nwith timeout of 0.1 seconds\n" + hang() + u"\nend timeout\non error number n\nn\nend try"),
+        outcomeOfRun(u"try\nwith timeout of 0.1 seconds\n" + hang() + u"\nend timeout\non error number n\nn\nend try"),
         "-1712");
 }
 
 TEST_F(HangingProgram, KeepsNoScriptFromEnding) {
     std::u16string const source = u"try\n" + hang() + u"\nend try";
-    EXPECT_EQ(outcomeOf(source, {.seconds = 0.1}), "! " + utf8FromUnits(messageOfNumber(-1712)) + " (-1712)");
+    EXPECT_EQ(outcomeOfRun(source, {.seconds = 0.1}), "! " + utf8FromUnits(messageOfNumber(-1712)) + " (-1712)");
     std::atomic<bool> cancelled{false};
     // The program says when it was asked.
     std::thread other([&] {
         m_program.readLine();
         cancelled = true;
     });
-    EXPECT_EQ(outcomeOf(source, {.cancelled = &cancelled}), "! " + utf8FromUnits(messageOfNumber(-128)) + " (-128)");
+    EXPECT_EQ(outcomeOfRun(source, {.cancelled = &cancelled}), "! " + utf8FromUnits(messageOfNumber(-128)) + " (-128)");
     other.join();
 }
 
@@ -154,21 +154,21 @@ TEST_F(InstalledPrograms, AreStartedByTheirNames) {
     makeProgram("sketch");
     m_home.folder().makeFile(".local/share/applications/org.example.Sketch.desktop",
                              "[Desktop Entry]\nType=Application\nName=Sketch Pad\nExec=sketch --new %U\n");
-    EXPECT_EQ(outcomeOf(u"application \"Sketch Pad\" is running"), "false");
-    EXPECT_EQ(outcomeOf(u"tell application \"sketch pad\" to activate"), "");
+    EXPECT_EQ(outcomeOfRun(u"application \"Sketch Pad\" is running"), "false");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"sketch pad\" to activate"), "");
     EXPECT_EQ(startedLine(), "sketch --new");
-    EXPECT_EQ(outcomeOf(u"id of application \"Sketch Pad\""), "\"org.example.Sketch\"");
-    EXPECT_EQ(outcomeOf(u"name of application id \"org.example.sketch\""), "\"Sketch Pad\"");
+    EXPECT_EQ(outcomeOfRun(u"id of application \"Sketch Pad\""), "\"org.example.Sketch\"");
+    EXPECT_EQ(outcomeOfRun(u"name of application id \"org.example.sketch\""), "\"Sketch Pad\"");
 }
 
 TEST_F(InstalledPrograms, ThatDoNotRunAreNotStartedByAQuestion) {
     makeProgram("sketch");
     m_home.folder().makeFile(".local/share/applications/sketch.desktop",
                              "[Desktop Entry]\nType=Application\nName=Sketch\nExec=sketch\n");
-    EXPECT_EQ(outcomeOf(u"tell application \"Sketch\" to quit"), "");
-    EXPECT_EQ(outcomeOf(u"tell application \"Sketch\" to get «class docu» 1"),
+    EXPECT_EQ(outcomeOfRun(u"tell application \"Sketch\" to quit"), "");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"Sketch\" to get «class docu» 1"),
               "! Sketch got an error: Application isn’t running. (-600)");
-    EXPECT_EQ(outcomeOf(u"application \"Sketch\" is running"), "false");
+    EXPECT_EQ(outcomeOfRun(u"application \"Sketch\" is running"), "false");
 }
 
 TEST_F(InstalledPrograms, ThatTheUserHidCannotBeGot) {
@@ -182,9 +182,9 @@ TEST_F(InstalledPrograms, ThatTheUserHidCannotBeGot) {
 }
 
 TEST_F(InstalledPrograms, ThatNobodyKnowsCannotBeGot) {
-    EXPECT_EQ(outcomeOf(u"tell application id \"org.example.none\" to activate"),
+    EXPECT_EQ(outcomeOfRun(u"tell application id \"org.example.none\" to activate"),
               "! Can’t get application id \"org.example.none\". (-1728)");
-    EXPECT_EQ(outcomeOf(u"application id \"org.example.none\" is running"),
+    EXPECT_EQ(outcomeOfRun(u"application id \"org.example.none\" is running"),
               "! Can’t get application id \"org.example.none\". (-1728)");
 }
 

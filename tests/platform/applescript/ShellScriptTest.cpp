@@ -13,7 +13,7 @@ namespace {
 using mac::test::EnvironmentVariable;
 using mac::test::TemporaryFolder;
 
-std::string outcomeOf(std::u16string_view source) {
+std::string textOrErrorOf(std::u16string_view source) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(source, error);
     EXPECT_TRUE(script) << utf8FromUnits(error.message);
@@ -40,29 +40,29 @@ constexpr char Granted[] = "exec \"$@\"";
 
 TEST(ShellScript, RunsWithPrivilegesOnceTheyAreGranted) {
     Asking const asking(Granted);
-    EXPECT_EQ(outcomeOf(u"do shell script \"echo \\\"a  b\\\"\" with administrator privileges"), "a  b");
-    EXPECT_EQ(outcomeOf(u"do shell script \"echo no >&2; exit 3\" with administrator privileges"), "no (3)");
-    EXPECT_EQ(outcomeOf(u"do shell script \"exit 126\" with administrator privileges"),
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"echo \\\"a  b\\\"\" with administrator privileges"), "a  b");
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"echo no >&2; exit 3\" with administrator privileges"), "no (3)");
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"exit 126\" with administrator privileges"),
               "The command exited with a non-zero status. (126)");
-    EXPECT_EQ(outcomeOf(u"do shell script \"exit 127\" with administrator privileges"),
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"exit 127\" with administrator privileges"),
               "The command exited with a non-zero status. (127)");
 }
 
 TEST(ShellScript, TellsThatTheUserDoesNotGrantPrivileges) {
     Asking const asking("exit 126");
-    EXPECT_EQ(outcomeOf(u"do shell script \"echo a\" with administrator privileges"), "User canceled. (-128)");
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"echo a\" with administrator privileges"), "User canceled. (-128)");
 }
 
 TEST(ShellScript, TellsThatPrivilegesAreRefused) {
     Asking const asking("echo 'Not authorized.' >&2; exit 127");
-    EXPECT_EQ(outcomeOf(u"do shell script \"echo a\" with administrator privileges"),
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"echo a\" with administrator privileges"),
               "A privilege violation occurred. (-10004)");
 }
 
 TEST(ShellScript, TellsThatNothingAsksForPrivileges) {
     TemporaryFolder const folder;
     EnvironmentVariable const path("PATH", folder.path() + ":relative:");
-    EXPECT_EQ(outcomeOf(u"do shell script \"echo a\" with administrator privileges"),
+    EXPECT_EQ(textOrErrorOf(u"do shell script \"echo a\" with administrator privileges"),
               "A privilege violation occurred. (-10004)");
 }
 
@@ -70,7 +70,7 @@ TEST(ShellScript, TakesNoPassword) {
     Asking const asking(Granted);
     for (std::u16string_view const parameters :
          {u" user name \"u\" password \"secret\" with administrator privileges", u" password \"secret\""}) {
-        EXPECT_EQ(outcomeOf(u"do shell script \"echo a\"" + std::u16string(parameters)),
+        EXPECT_EQ(textOrErrorOf(u"do shell script \"echo a\"" + std::u16string(parameters)),
                   "The system itself asks for a user name and password; a script cannot give them. (-10004)");
     }
 }

@@ -12,7 +12,9 @@ constexpr AEKeyword Name{"pnam"};
 constexpr AEKeyword Size{"ptsz"};
 
 NSAppleEventDescriptor number(std::int32_t value) { return NSAppleEventDescriptor::descriptorWithInt32_(value); }
-NSAppleEventDescriptor text(NSString const& value) { return NSAppleEventDescriptor::descriptorWithString_(value); }
+NSAppleEventDescriptor stringDescriptor(NSString const& value) {
+    return NSAppleEventDescriptor::descriptorWithString_(value);
+}
 
 NSAppleEventDescriptor listOf(std::initializer_list<NSAppleEventDescriptor> items) {
     NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
@@ -75,15 +77,15 @@ TEST(NSAppleEventDescriptor, HoldsCodesNumbersAndTexts) {
     EXPECT_EQ(type.typeCodeValue(), OSType("cfol"));
     EXPECT_EQ(number(-5).descriptorType(), typeSInt32);
     EXPECT_EQ(number(-5).int32Value(), -5);
-    EXPECT_EQ(text("x").descriptorType(), typeUnicodeText);
-    EXPECT_TRUE(text("x").stringValue().isEqualToString_("x"));
-    EXPECT_TRUE(text("").stringValue().isEqualToString_(""));
+    EXPECT_EQ(stringDescriptor("x").descriptorType(), typeUnicodeText);
+    EXPECT_TRUE(stringDescriptor("x").stringValue().isEqualToString_("x"));
+    EXPECT_TRUE(stringDescriptor("").stringValue().isEqualToString_(""));
     EXPECT_TRUE(NSAppleEventDescriptor::descriptorWithString_(nil) == nil);
 }
 
 TEST(NSAppleEventDescriptor, KeepsLoneSurrogatesOfFileNames) {
     NSString const name = NSString::stringWithFileSystemRepresentation_("caf\xE9\".app");
-    EXPECT_TRUE(text(name).stringValue().isEqualToString_(name));
+    EXPECT_TRUE(stringDescriptor(name).stringValue().isEqualToString_(name));
 }
 
 TEST(NSAppleEventDescriptor, PutsItemsIntoAListByIndexesFromOne) {
@@ -130,9 +132,9 @@ TEST(NSAppleEventDescriptor, CopiesWhatIsPutInAndTakenOut) {
 
 TEST(NSAppleEventDescriptor, PutsValuesIntoARecordByKeyword) {
     NSAppleEventDescriptor const record = NSAppleEventDescriptor::recordDescriptor();
-    record.setDescriptor_forKeyword_(text("a"), Name);
+    record.setDescriptor_forKeyword_(stringDescriptor("a"), Name);
     record.setDescriptor_forKeyword_(number(1), Size);
-    record.setDescriptor_forKeyword_(text("b"), Name);
+    record.setDescriptor_forKeyword_(stringDescriptor("b"), Name);
     record.setDescriptor_forKeyword_(nil, Size);
     ASSERT_EQ(record.numberOfItems(), 2);
     EXPECT_EQ(record.keywordForDescriptorAtIndex_(1), Name);
@@ -186,7 +188,7 @@ TEST(NSAppleEventDescriptor, MakesNewReturnIDs) {
 
 TEST(NSAppleEventDescriptor, SetsAttributesAndParametersOfAnEvent) {
     NSAppleEventDescriptor const event = quitEvent(nil);
-    event.setParamDescriptor_forKeyword_(text("x"), keyDirectObject);
+    event.setParamDescriptor_forKeyword_(stringDescriptor("x"), keyDirectObject);
     event.setAttributeDescriptor_forKeyword_(number(9), keySenderPIDAttr);
     event.setParamDescriptor_forKeyword_(nil, keyDirectObject);
     event.setAttributeDescriptor_forKeyword_(nil, keySenderPIDAttr);
@@ -211,7 +213,7 @@ TEST(NSAppleEventDescriptor, GivesItsRecordForTheProceduralCalls) {
 }
 
 TEST(NSAppleEventDescriptor, MakesTheDataOfAListAListAgain) {
-    NSAppleEventDescriptor const list = listOf({number(1), listOf({text("x")})});
+    NSAppleEventDescriptor const list = listOf({number(1), listOf({stringDescriptor("x")})});
     NSAppleEventDescriptor const again =
         NSAppleEventDescriptor::descriptorWithDescriptorType_data_(typeAEList, list.data());
     ASSERT_EQ(again.numberOfItems(), 2);
@@ -248,8 +250,8 @@ TEST(NSAppleEventDescriptor, DescribesItself) {
     auto const described = [](NSAppleEventDescriptor const& descriptor) {
         return descriptor.description().UTF8String();
     };
-    EXPECT_EQ(described(text("x")), "<NSAppleEventDescriptor: 'utxt'(\"x\")>");
-    EXPECT_EQ(described(listOf({number(1), text("a")})), "<NSAppleEventDescriptor: [ 1, 'utxt'(\"a\") ]>");
+    EXPECT_EQ(described(stringDescriptor("x")), "<NSAppleEventDescriptor: 'utxt'(\"x\")>");
+    EXPECT_EQ(described(listOf({number(1), stringDescriptor("a")})), "<NSAppleEventDescriptor: [ 1, 'utxt'(\"a\") ]>");
     EXPECT_EQ(described(record), "<NSAppleEventDescriptor: { 'form':'indx', 'from':'null'() }>");
     EXPECT_EQ(described(record.coerceToDescriptorType_(typeObjectSpecifier)),
               "<NSAppleEventDescriptor: 'obj '{ 'form':'indx', 'from':'null'() }>");
@@ -262,7 +264,7 @@ TEST(NSAppleEventDescriptor, DescribesItself) {
 
 TEST(NSAppleEventDescriptor, EndsALongDescriptionInDots) {
     // Each list holds the one before twice.
-    NSAppleEventDescriptor list = listOf({text("abc")});
+    NSAppleEventDescriptor list = listOf({stringDescriptor("abc")});
     for (int doubling = 0; doubling < 60; ++doubling)
         list = listOf({list, list});
     NSString const description = list.description();

@@ -20,7 +20,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-bool exists(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
+bool isThere(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
 
 std::string bytesOfLength(std::size_t length) {
     std::string bytes(length, '\0');
@@ -50,7 +50,7 @@ TEST_P(AttributesIn, AreOfAnySize) {
         EXPECT_EQ(list(file), Names{"value"});
         EXPECT_EQ(removeAttribute(file, "value"), 0);
         EXPECT_TRUE(list(file).empty());
-        EXPECT_FALSE(exists(m_folder->path("._file " + std::to_string(size))));
+        EXPECT_FALSE(isThere(m_folder->path("._file " + std::to_string(size))));
     }
 }
 
@@ -67,7 +67,7 @@ TEST_P(AttributesIn, HoldALargeResourceFork) {
     EXPECT_TRUE(std::ranges::equal(read.value().resourceFork, std::as_bytes(std::span(fork))));
     ASSERT_EQ(set(file, XATTR_RESOURCEFORK_NAME, "small"), 0);
     EXPECT_EQ(get(file, XATTR_RESOURCEFORK_NAME), "small");
-    EXPECT_FALSE(exists(m_folder->path("._file")));
+    EXPECT_FALSE(isThere(m_folder->path("._file")));
 }
 
 TEST_P(AttributesIn, KeepTheOthersWhenOneDoesNotFit) {
@@ -88,7 +88,7 @@ TEST_P(AttributesIn, KeepTheOthersWhenOneDoesNotFit) {
     for (std::string const& name : names)
         EXPECT_EQ(removeAttribute(file, name), 0);
     EXPECT_TRUE(list(file).empty());
-    EXPECT_FALSE(exists(m_folder->path("._file")));
+    EXPECT_FALSE(isThere(m_folder->path("._file")));
 }
 
 INSTANTIATE_TEST_SUITE_P(Folders, AttributesIn, testing::Values("/tmp", "/dev/shm"),
@@ -107,7 +107,7 @@ TEST_F(AttributesOnVolumes, WithoutAnyGoBesideTheItem) {
     ASSERT_EQ(set(file, "a", "1"), 0);
     ASSERT_EQ(set(file, "empty", ""), 0);
     ASSERT_EQ(set(file, XATTR_FINDERINFO_NAME, std::string(32, 'F')), 0);
-    EXPECT_TRUE(exists(point + "/._file"));
+    EXPECT_TRUE(isThere(point + "/._file"));
     EXPECT_EQ(get(file, "a"), "1");
     EXPECT_EQ(get(file, "empty"), "");
     EXPECT_EQ(list(file), (Names{XATTR_FINDERINFO_NAME, "a", "empty"}));
@@ -117,7 +117,7 @@ TEST_F(AttributesOnVolumes, WithoutAnyGoBesideTheItem) {
     EXPECT_EQ(errno, ENODATA);
     for (std::string const& name : list(file))
         EXPECT_EQ(removeAttribute(file, name), 0);
-    EXPECT_FALSE(exists(point + "/._file"));
+    EXPECT_FALSE(isThere(point + "/._file"));
 }
 
 TEST_F(AttributesOnVolumes, OfTheirRootGoBesideTheMountPoint) {
@@ -125,7 +125,7 @@ TEST_F(AttributesOnVolumes, OfTheirRootGoBesideTheMountPoint) {
     mountWithoutAttributes(point);
     // The mount point's folder is another volume's, but it is where the root's name is.
     EXPECT_EQ(set(point, "a", "1"), 0);
-    EXPECT_TRUE(exists(m_folder.path("._point")));
+    EXPECT_TRUE(isThere(m_folder.path("._point")));
     EXPECT_EQ(get(point + "/.", "a"), "1");
 }
 

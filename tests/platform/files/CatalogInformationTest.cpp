@@ -19,21 +19,21 @@ namespace {
 
 constexpr double From1970To2001 = 978'307'200;
 
-FSRef referenceTo(std::string const& path) {
+FSRef referenceToItem(std::string const& path) {
     Result<FSRef> const ref = referenceToPath(path, LinkAtEnd::IsNotFollowed);
     EXPECT_TRUE(ref.hasValue()) << path;
     return ref.hasValue() ? ref.value() : FSRef{};
 }
 
 FSCatalogInfo informationOf(std::string const& path, FSCatalogInfoBitmap which) {
-    FSRef const ref = referenceTo(path);
+    FSRef const ref = referenceToItem(path);
     FSCatalogInfo information;
     EXPECT_EQ(FSGetCatalogInfo(&ref, which, &information, nullptr, nullptr, nullptr), noErr);
     return information;
 }
 
-OSErr set(std::string const& path, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
-    FSRef const ref = referenceTo(path);
+OSErr setInformation(std::string const& path, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
+    FSRef const ref = referenceToItem(path);
     return FSSetCatalogInfo(&ref, which, &information);
 }
 
@@ -49,7 +49,7 @@ UTCDateTime dateOf(double seconds) {
     return date;
 }
 
-struct stat statusOf(std::string const& path) {
+struct stat itemStatus(std::string const& path) {
     struct stat status {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0);
     return status;
@@ -77,10 +77,10 @@ TEST_F(CatalogInformation, TellsFoldersFromFiles) {
 }
 
 TEST_F(CatalogInformation, HasTheFileSystemsNumbersDatesAndSizes) {
-    struct stat const status = statusOf(m_file);
+    struct stat const status = itemStatus(m_file);
     FSCatalogInfo const information = informationOf(m_file, kFSCatInfoGettableInfo);
     EXPECT_EQ(information.nodeID, static_cast<std::uint32_t>(status.st_ino));
-    EXPECT_EQ(information.parentDirID, static_cast<std::uint32_t>(statusOf(m_folder.path("folder")).st_ino));
+    EXPECT_EQ(information.parentDirID, static_cast<std::uint32_t>(itemStatus(m_folder.path("folder")).st_ino));
     EXPECT_EQ(information.dataLogicalSize, 8U);
     EXPECT_EQ(information.dataPhysicalSize, static_cast<std::uint64_t>(status.st_blocks) * 512);
     EXPECT_EQ(information.rsrcLogicalSize, 0U);
@@ -96,7 +96,7 @@ TEST_F(CatalogInformation, HasTheFileSystemsNumbersDatesAndSizes) {
 }
 
 TEST_F(CatalogInformation, LeavesTheFieldsThatAreNotAskedFor) {
-    FSRef const ref = referenceTo(m_file);
+    FSRef const ref = referenceToItem(m_file);
     FSCatalogInfo information;
     information.valence = 77;
     information.nodeID = 77;
@@ -119,35 +119,35 @@ TEST_F(CatalogInformation, CountsWhatIsInAFolderThatMayOnlyBeRead) {
 }
 
 TEST_F(CatalogInformation, ComesWithNameAndParent) {
-    FSRef const ref = referenceTo(m_folder.makeFile("folder/a:b", ""));
+    FSRef const ref = referenceToItem(m_folder.makeFile("folder/a:b", ""));
     HFSUniStr255 name{};
     FSRef parent{};
     ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), noErr);
     EXPECT_EQ(std::u16string(name.unicode.data(), name.length), u"a/b");
-    EXPECT_EQ(parent, referenceTo(m_folder.path("folder")));
-    FSRef const root = referenceTo("/");
+    EXPECT_EQ(parent, referenceToItem(m_folder.path("folder")));
+    FSRef const root = referenceToItem("/");
     ASSERT_EQ(FSGetCatalogInfo(&root, kFSCatInfoNone, nullptr, &name, nullptr, &parent), noErr);
     EXPECT_EQ(name.length, 0);
     EXPECT_EQ(parent, FSRef{});
-    FSRef const below = referenceTo("/usr");
+    FSRef const below = referenceToItem("/usr");
     ASSERT_EQ(FSGetCatalogInfo(&below, kFSCatInfoNone, nullptr, nullptr, nullptr, &parent), noErr);
     EXPECT_EQ(parent, root);
 }
 
 TEST_F(CatalogInformation, FollowsAnItemThatWasMoved) {
-    FSRef const ref = referenceTo(m_file);
+    FSRef const ref = referenceToItem(m_file);
     ASSERT_EQ(::rename(m_file.c_str(), m_folder.path("moved").c_str()), 0);
     HFSUniStr255 name{};
     FSRef parent{};
     ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, &parent), noErr);
     EXPECT_EQ(std::u16string(name.unicode.data(), name.length), u"moved");
-    EXPECT_EQ(parent, referenceTo(m_folder.path()));
+    EXPECT_EQ(parent, referenceToItem(m_folder.path()));
 }
 
 TEST_F(CatalogInformation, KeepsTheCreationDateThatWasSet) {
     FSCatalogInfo information;
     information.createDate = dateOf(-1e8 + 0.25);
-    ASSERT_EQ(set(m_file, kFSCatInfoCreateDate, information), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoCreateDate, information), noErr);
     EXPECT_EQ(informationOf(m_file, kFSCatInfoCreateDate).createDate, information.createDate);
     EXPECT_EQ(shownCreationDate(m_file), -1e8 + 0.25) << "the file manager tells the same";
     // It travels with the item, as eight bytes.
@@ -161,7 +161,7 @@ TEST_F(CatalogInformation, KeepsTheCreationDateThatWasSet) {
 TEST_F(CatalogInformation, TellsNoLinkTheDateOfWhatItLeadsTo) {
     FSCatalogInfo information;
     information.createDate = dateOf(-1e8);
-    ASSERT_EQ(set(m_file, kFSCatInfoCreateDate, information), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoCreateDate, information), noErr);
     std::string const link = m_folder.path("link");
     ASSERT_EQ(::symlink(m_file.c_str(), link.c_str()), 0);
     EXPECT_NE(shownCreationDate(link), -1e8);
@@ -172,20 +172,20 @@ TEST_F(CatalogInformation, SetsTheOtherDates) {
     FSCatalogInfo information;
     information.contentModDate = dateOf(1e8);
     information.accessDate = dateOf(-2e9);
-    ASSERT_EQ(set(m_file, kFSCatInfoContentMod, information), noErr);
-    EXPECT_EQ(statusOf(m_file).st_mtim.tv_sec, static_cast<time_t>(1e8 + From1970To2001));
-    EXPECT_GT(statusOf(m_file).st_atim.tv_sec, 0);
-    ASSERT_EQ(set(m_file, kFSCatInfoAllDates, information), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoContentMod, information), noErr);
+    EXPECT_EQ(itemStatus(m_file).st_mtim.tv_sec, static_cast<time_t>(1e8 + From1970To2001));
+    EXPECT_GT(itemStatus(m_file).st_atim.tv_sec, 0);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoAllDates, information), noErr);
     EXPECT_EQ(informationOf(m_file, kFSCatInfoAccessDate).accessDate, information.accessDate);
 }
 
 TEST_F(CatalogInformation, SetsPermissions) {
     FSCatalogInfo information = informationOf(m_file, kFSCatInfoPermissions);
     information.permissions.mode = 0640;
-    ASSERT_EQ(set(m_file, kFSCatInfoPermissions, information), noErr);
-    EXPECT_EQ(statusOf(m_file).st_mode & 07777, 0640U);
-    ASSERT_EQ(set(m_file, kFSCatInfoPermissions, informationOf(m_file, kFSCatInfoPermissions)), noErr);
-    EXPECT_EQ(statusOf(m_file).st_mode, S_IFREG | 0640U);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoPermissions, information), noErr);
+    EXPECT_EQ(itemStatus(m_file).st_mode & 07777, 0640U);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoPermissions, informationOf(m_file, kFSCatInfoPermissions)), noErr);
+    EXPECT_EQ(itemStatus(m_file).st_mode, S_IFREG | 0640U);
 }
 
 TEST_F(CatalogInformation, SetsTheFindersHalvesApart) {
@@ -194,45 +194,46 @@ TEST_F(CatalogInformation, SetsTheFindersHalvesApart) {
         whole.bytes[index] = static_cast<std::byte>(index + 1);
     FSCatalogInfo information;
     setFinderInformation(information, whole);
-    ASSERT_EQ(set(m_file, kFSCatInfoFinderXInfo, information), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoFinderXInfo, information), noErr);
     FSCatalogInfo const half = informationOf(m_file, kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo);
     EXPECT_EQ(half.finderInfo, (std::array<std::byte, 16>{}));
     EXPECT_EQ(half.extFinderInfo, information.extFinderInfo);
-    ASSERT_EQ(set(m_file, kFSCatInfoFinderInfo, information), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoFinderInfo, information), noErr);
     EXPECT_EQ(finderInformationOf(informationOf(m_file, kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)), whole);
     EXPECT_EQ(readFinderInformation(m_file), whole);
-    ASSERT_EQ(set(m_file, kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo, FSCatalogInfo()), noErr);
+    ASSERT_EQ(setInformation(m_file, kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo, FSCatalogInfo()), noErr);
     EXPECT_EQ(getxattr(m_file.c_str(), XATTR_FINDERINFO_NAME, nullptr, 0, 0, 0), -1);
 }
 
 TEST_F(CatalogInformation, ThatIsSetUnchangedIsNoChange) {
     FSCatalogInfo const information = informationOf(m_file, kFSCatInfoNodeFlags | kFSCatInfoTextEncoding);
-    EXPECT_EQ(set(m_file, kFSCatInfoNodeFlags | kFSCatInfoTextEncoding | kFSCatInfoAttrMod | kFSCatInfoBackupDate,
-                  information),
+    EXPECT_EQ(setInformation(m_file,
+                             kFSCatInfoNodeFlags | kFSCatInfoTextEncoding | kFSCatInfoAttrMod | kFSCatInfoBackupDate,
+                             information),
               noErr);
-    EXPECT_EQ(set(m_file, kFSCatInfoNone, information), noErr);
+    EXPECT_EQ(setInformation(m_file, kFSCatInfoNone, information), noErr);
 }
 
 TEST_F(CatalogInformation, OfALinkAreTheLinksOwn) {
     std::string const link = m_folder.path("link");
     ASSERT_EQ(::symlink("folder", link.c_str()), 0);
     FSCatalogInfo const information = informationOf(link, kFSCatInfoGettableInfo);
-    EXPECT_EQ(information.nodeID, static_cast<std::uint32_t>(statusOf(link).st_ino));
+    EXPECT_EQ(information.nodeID, static_cast<std::uint32_t>(itemStatus(link).st_ino));
     EXPECT_EQ(information.valence, 0U);
     EXPECT_EQ(finderInformationOf(information), FinderInformation());
     FSCatalogInfo changed = information;
     changed.contentModDate = dateOf(5e7);
-    EXPECT_EQ(set(link, kFSCatInfoContentMod, changed), noErr);
-    EXPECT_EQ(statusOf(link).st_mtim.tv_sec, static_cast<time_t>(5e7 + From1970To2001));
+    EXPECT_EQ(setInformation(link, kFSCatInfoContentMod, changed), noErr);
+    EXPECT_EQ(itemStatus(link).st_mtim.tv_sec, static_cast<time_t>(5e7 + From1970To2001));
     FinderInformation finder;
     finder.setFinderFlags(kIsAlias);
     setFinderInformation(changed, finder);
-    EXPECT_EQ(set(link, kFSCatInfoFinderInfo, changed), permErr);
+    EXPECT_EQ(setInformation(link, kFSCatInfoFinderInfo, changed), permErr);
 }
 
 TEST_F(CatalogInformation, AnswersWhyItCannotBeHad) {
     FSRef const none{};
-    FSRef const ref = referenceTo(m_file);
+    FSRef const ref = referenceToItem(m_file);
     FSCatalogInfo information;
     FSRef parent = ref;
     EXPECT_EQ(FSGetCatalogInfo(&none, kFSCatInfoNone, nullptr, nullptr, nullptr, &parent), errFSBadFSRef);

@@ -15,13 +15,13 @@ namespace {
 
 std::uint8_t const* bytes(std::string const& path) { return reinterpret_cast<std::uint8_t const*>(path.c_str()); }
 
-std::string pathOf(FSRef const& reference) {
+std::string pathMadeFrom(FSRef const& reference) {
     std::array<std::uint8_t, 4096> path{};
     if (FSRefMakePath(&reference, path.data(), path.size()) != noErr) return "-";
     return reinterpret_cast<char const*>(path.data());
 }
 
-FSRef referenceTo(std::string const& path) {
+FSRef referenceMadeFrom(std::string const& path) {
     FSRef reference{};
     EXPECT_EQ(FSPathMakeRef(bytes(path), &reference, nullptr), noErr) << path;
     return reference;
@@ -40,19 +40,19 @@ TEST(FSPathMakeRef, MakesAReferenceWithLinksFollowedOrNot) {
     bool isDirectory = true;
     EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, &isDirectory), noErr);
     EXPECT_FALSE(isDirectory);
-    EXPECT_EQ(pathOf(reference), file);
+    EXPECT_EQ(pathMadeFrom(reference), file);
     EXPECT_EQ(FSPathMakeRef(bytes(link), &reference, &isDirectory), noErr);
     EXPECT_TRUE(isDirectory);
-    EXPECT_EQ(pathOf(reference), folder.path("folder"));
+    EXPECT_EQ(pathMadeFrom(reference), folder.path("folder"));
     EXPECT_EQ(FSPathMakeRefWithOptions(bytes(link), kFSPathMakeRefDoNotFollowLeafSymlink, &reference, &isDirectory),
               noErr);
     EXPECT_FALSE(isDirectory);
-    EXPECT_EQ(pathOf(reference), link);
+    EXPECT_EQ(pathMadeFrom(reference), link);
 }
 
 TEST(FSPathMakeRef, SaysWhyThereIsNone) {
     TemporaryFolder const folder;
-    FSRef reference = referenceTo("/");
+    FSRef reference = referenceMadeFrom("/");
     bool isDirectory = true;
     EXPECT_EQ(FSPathMakeRef(bytes(folder.path("none")), &reference, &isDirectory), fnfErr);
     EXPECT_TRUE(reference == FSRef{});
@@ -66,7 +66,7 @@ TEST(FSPathMakeRef, SaysWhyThereIsNone) {
 
 TEST(FSRefMakePath, NeedsRoomForThePathAndItsEnd) {
     TemporaryFolder const folder;
-    FSRef const reference = referenceTo(folder.path());
+    FSRef const reference = referenceMadeFrom(folder.path());
     std::vector<std::uint8_t> path(folder.path().size() + 1, '?');
     EXPECT_EQ(FSRefMakePath(&reference, path.data(), static_cast<std::uint32_t>(path.size() - 1)), pathTooLongErr);
     EXPECT_EQ(path[0], '?');
@@ -82,18 +82,18 @@ TEST(FSMakeFSRefUnicode, FindsANameInAFolder) {
     TemporaryFolder const folder;
     folder.makeFile("12:30", "");
     ASSERT_EQ(::symlink("nowhere", folder.path("lost").c_str()), 0);
-    FSRef const parent = referenceTo(folder.path());
+    FSRef const parent = referenceMadeFrom(folder.path());
     FSRef reference{};
     EXPECT_EQ(makeReference(parent, u"12/30", reference), noErr);
-    EXPECT_EQ(pathOf(reference), folder.path("12:30"));
+    EXPECT_EQ(pathMadeFrom(reference), folder.path("12:30"));
     EXPECT_EQ(makeReference(parent, u"lost", reference), noErr);
-    EXPECT_EQ(pathOf(reference), folder.path("lost"));
+    EXPECT_EQ(pathMadeFrom(reference), folder.path("lost"));
 }
 
 TEST(FSMakeFSRefUnicode, SaysWhyThereIsNone) {
     TemporaryFolder const folder;
-    FSRef const parent = referenceTo(folder.path());
-    FSRef const file = referenceTo(folder.makeFile("file", ""));
+    FSRef const parent = referenceMadeFrom(folder.path());
+    FSRef const file = referenceMadeFrom(folder.makeFile("file", ""));
     FSRef reference = parent;
     EXPECT_EQ(makeReference(parent, u"none", reference), fnfErr);
     EXPECT_TRUE(reference == FSRef{});
@@ -113,24 +113,24 @@ TEST(FSMakeFSRefUnicode, SaysWhyThereIsNone) {
 TEST(FSMakeFSRefUnicode, LooksIntoTheFolderItselfHoweverLongItsPath) {
     LongFolder longFolder;
     longFolder.makeFile("file", "");
-    FSRef const parent = referenceTo(longFolder.path());
-    FSRef const file = referenceTo(longFolder.path() + "/file");
+    FSRef const parent = referenceMadeFrom(longFolder.path());
+    FSRef const file = referenceMadeFrom(longFolder.path() + "/file");
     FSRef reference{};
     EXPECT_EQ(makeReference(parent, u"file", reference), noErr);
     EXPECT_TRUE(reference == file);
     TemporaryFolder const folder;
-    FSRef const inner = referenceTo(folder.makeFolder("inner"));
+    FSRef const inner = referenceMadeFrom(folder.makeFolder("inner"));
     folder.makeFile("inner/file", "");
     ASSERT_EQ(::rename(folder.path("inner").c_str(), folder.path("moved").c_str()), 0);
     folder.makeFile("inner/file", "another");
     EXPECT_EQ(makeReference(inner, u"file", reference), noErr);
-    EXPECT_EQ(pathOf(reference), folder.path("moved/file"));
+    EXPECT_EQ(pathMadeFrom(reference), folder.path("moved/file"));
 }
 
 TEST(FSMakeFSRefUnicode, KnowsAFolderThatIsGone) {
     TemporaryFolder const folder;
     std::string const inner = folder.makeFolder("inner");
-    FSRef const parent = referenceTo(inner);
+    FSRef const parent = referenceMadeFrom(inner);
     ASSERT_EQ(::rmdir(inner.c_str()), 0);
     folder.makeFile("inner/file", "");
     FSRef reference{};
@@ -147,7 +147,7 @@ class RefusedReferences : public testing::TestWithParam<Refusal> {};
 TEST_P(RefusedReferences, SayWhy) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
-    FSRef const parent = referenceTo(folder.path());
+    FSRef const parent = referenceMadeFrom(folder.path());
     withRefusedCall(SYS_openat, GetParam().errorNumber, [&] {
         FSRef reference = parent;
         EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), GetParam().answer);
@@ -184,9 +184,9 @@ TEST(FSPathMakeRef, LooksIntoNoFolderThatIsForbidden) {
 
 TEST(FSCompareFSRefs, TellsTheSameItem) {
     TemporaryFolder const folder;
-    FSRef const file = referenceTo(folder.makeFile("file", ""));
-    FSRef const again = referenceTo(folder.path("./file"));
-    FSRef const other = referenceTo(folder.path());
+    FSRef const file = referenceMadeFrom(folder.makeFile("file", ""));
+    FSRef const again = referenceMadeFrom(folder.path("./file"));
+    FSRef const other = referenceMadeFrom(folder.path());
     FSRef const nothing{};
     EXPECT_EQ(FSCompareFSRefs(&file, &again), noErr);
     EXPECT_EQ(FSCompareFSRefs(&file, &other), errFSRefsDifferent);

@@ -6,7 +6,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::optional<TrashProblem::Kind> problemOf(std::string_view path) {
+std::optional<TrashProblem::Kind> problemOfTrashing(std::string_view path) {
     Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
     if (result.hasValue()) return std::nullopt;
     return result.problem().kind;
@@ -29,7 +29,7 @@ protected:
 TEST_F(TrashOfOrdinaryUser, LeavesWhatIsInAFolderThatCannotBeWrittenTo) {
     ASSERT_EQ(::chmod(m_home.path("folder").c_str(), 0555), 0);
     OrdinaryUser const user;
-    EXPECT_EQ(problemOf(m_file), TrashProblem::NotAllowed);
+    EXPECT_EQ(problemOfTrashing(m_file), TrashProblem::NotAllowed);
     EXPECT_TRUE(isThere(m_file));
     EXPECT_FALSE(isThere(m_home.path("data")));
 }
@@ -40,16 +40,16 @@ TEST_F(TrashOfOrdinaryUser, LeavesOthersItemsInASharedFolder) {
     ASSERT_EQ(::chmod(m_home.path("folder").c_str(), 01777), 0);
     std::string const others = m_home.folder.makeFile("folder/root's", "");
     OrdinaryUser const user;
-    EXPECT_EQ(problemOf(others), TrashProblem::NotAllowed);
+    EXPECT_EQ(problemOfTrashing(others), TrashProblem::NotAllowed);
     EXPECT_TRUE(isThere(others));
     EXPECT_FALSE(isThere(m_home.path("data")));
-    EXPECT_EQ(problemOf(m_file), std::nullopt);
+    EXPECT_EQ(problemOfTrashing(m_file), std::nullopt);
 }
 
 TEST_F(TrashOfOrdinaryUser, LeavesAFolderThatCannotBeWrittenTo) {
     ASSERT_EQ(::chmod(m_home.path("folder").c_str(), 0555), 0);
     OrdinaryUser const user;
-    EXPECT_EQ(problemOf(m_home.path("folder")), TrashProblem::NotAllowed);
+    EXPECT_EQ(problemOfTrashing(m_home.path("folder")), TrashProblem::NotAllowed);
     EXPECT_TRUE(isThere(m_file));
     EXPECT_TRUE(namesIn(m_home.information()).empty());
 }
@@ -58,7 +58,7 @@ TEST_F(TrashOfOrdinaryUser, IsNotMadeWhereThatIsNotAllowed) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make somebody else's folder";
     m_home.folder.makeFolder("data");
     OrdinaryUser const user;
-    EXPECT_EQ(problemOf(m_file), TrashProblem::NoTrash);
+    EXPECT_EQ(problemOfTrashing(m_file), TrashProblem::NoTrash);
     EXPECT_TRUE(isThere(m_file));
 }
 
@@ -69,7 +69,7 @@ TEST_F(TrashOfOrdinaryUser, IsNotUsedWhereItIsSomebodyElses) {
     for (char const* const folder : {"data/Trash", "data/Trash/files", "data/Trash/info"})
         ASSERT_EQ(::chmod(m_home.path(folder).c_str(), 0777), 0);
     OrdinaryUser const user;
-    EXPECT_EQ(problemOf(m_file), TrashProblem::NoTrash);
+    EXPECT_EQ(problemOfTrashing(m_file), TrashProblem::NoTrash);
     EXPECT_TRUE(isThere(m_file));
     EXPECT_TRUE(namesIn(m_home.information()).empty());
 }
@@ -77,7 +77,7 @@ TEST_F(TrashOfOrdinaryUser, IsNotUsedWhereItIsSomebodyElses) {
 TEST_F(TrashOfOrdinaryUser, EmptiesFoldersThatTheirOwnerLocked) {
     OrdinaryUser const user;
     m_home.folder.makeFile("locked/a/b/file", "");
-    ASSERT_EQ(problemOf(m_home.path("locked")), std::nullopt);
+    ASSERT_EQ(problemOfTrashing(m_home.path("locked")), std::nullopt);
     ASSERT_EQ(::chmod(m_home.files("locked/a/b").c_str(), 0), 0);
     ASSERT_EQ(::chmod(m_home.files("locked/a").c_str(), 0555), 0);
     EmptiedTrash const emptied = emptyTrash();
@@ -90,8 +90,8 @@ TEST_F(TrashOfOrdinaryUser, SaysWhatCouldNotBeEmptied) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root can make somebody else's folder";
     {
         OrdinaryUser const user;
-        ASSERT_EQ(problemOf(m_home.path("folder")), std::nullopt);
-        ASSERT_EQ(problemOf(m_home.folder.makeFile("other", "")), std::nullopt);
+        ASSERT_EQ(problemOfTrashing(m_home.path("folder")), std::nullopt);
+        ASSERT_EQ(problemOfTrashing(m_home.folder.makeFile("other", "")), std::nullopt);
     }
     m_home.folder.makeFile("data/Trash/files/folder/root's/file", "");
     OrdinaryUser const user;

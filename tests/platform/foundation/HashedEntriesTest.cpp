@@ -10,7 +10,7 @@ namespace mac::test {
 
 namespace {
 
-NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
+NSNumber numberKey(int value) { return NSNumber::numberWithInt_(value); }
 
 } // namespace
 
@@ -19,7 +19,7 @@ TEST(HashedEntries, AddingManyMakesTheTableAnewSeldom) {
     std::size_t moves = 0;
     HashedEntries::Entry const* place = nullptr;
     for (int value = 0; value < 100'000; ++value) {
-        entries.set(number(value), nil);
+        entries.set(numberKey(value), nil);
         moves += entries.entries().data() == place ? 0 : 1;
         place = entries.entries().data();
     }
@@ -49,17 +49,17 @@ TEST(HashedEntries, FewStayRightThroughManyChanges) {
     for (int step = 0; step < 4000; ++step) {
         int const key = static_cast<int>(random() % 12);
         if (random() % 2 == 0) {
-            entries.set(number(key), number(step));
+            entries.set(numberKey(key), numberKey(step));
             plain[key] = step;
         } else {
-            entries.remove(number(key));
+            entries.remove(numberKey(key));
             plain.erase(key);
         }
         ASSERT_EQ(entries.count(), plain.size());
         for (int asked = 0; asked < 12; ++asked) {
-            HashedEntries::Entry const* const entry = entries.find(number(asked));
+            HashedEntries::Entry const* const entry = entries.find(numberKey(asked));
             ASSERT_EQ(entry != nullptr, plain.contains(asked));
-            ASSERT_TRUE(!entry || entry->value.isEqual_(number(plain[asked])));
+            ASSERT_TRUE(!entry || entry->value.isEqual_(numberKey(plain[asked])));
         }
         if (step % 500 != 0) continue;
         entries.clear();
@@ -72,8 +72,8 @@ TEST(HashedEntries, TakesAKeyAndAValueThatItHolds) {
     entries.set("a", "one");
     for (int value = 0; value < 100; ++value) {
         HashedEntries::Entry const& first = entries.entries().front();
-        entries.set(number(value), first.value);
-        EXPECT_EQ(text(entries.find(number(value))->value), "one");
+        entries.set(numberKey(value), first.value);
+        EXPECT_EQ(text(entries.find(numberKey(value))->value), "one");
     }
     HashedEntries::Entry const& last = entries.entries().back();
     entries.remove(last.key);

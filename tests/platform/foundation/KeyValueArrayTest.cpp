@@ -17,9 +17,7 @@ NSMutableDictionary shelfOf(std::initializer_list<char const*> names) {
     return shelf;
 }
 
-std::string joined(NSArray const& array) { return text(array.componentsJoinedByString_(" ")); }
-
-std::string joined(id const& shelf) { return joined(as<NSArray>(shelf.valueForKey_("names"))); }
+std::string namesOn(id const& shelf) { return joined(as<NSArray>(shelf.valueForKey_("names"))); }
 
 // What the observer was told last: kind, indexes, old and new members.
 std::string last(Recorder const& recorder) {
@@ -85,24 +83,24 @@ TEST(MutableArrayValueForKey, ChangesTheArrayUnderTheKey) {
     NSMutableDictionary const shelf = shelfOf({"a", "b", "c"});
     NSMutableArray const names = shelf.mutableArrayValueForKey_("names");
     names.addObject_("d");
-    EXPECT_EQ(joined(shelf), "a b c d");
+    EXPECT_EQ(namesOn(shelf), "a b c d");
     names.insertObject_atIndex_("x", 1);
-    EXPECT_EQ(joined(shelf), "a x b c d");
+    EXPECT_EQ(namesOn(shelf), "a x b c d");
     names.replaceObjectAtIndex_withObject_(0, "y");
-    EXPECT_EQ(joined(shelf), "y x b c d");
+    EXPECT_EQ(namesOn(shelf), "y x b c d");
     names.removeObject_("x");
-    EXPECT_EQ(joined(shelf), "y b c d");
+    EXPECT_EQ(namesOn(shelf), "y b c d");
     names.exchangeObjectAtIndex_withObjectAtIndex_(0, 3);
-    EXPECT_EQ(joined(shelf), "d b c y");
+    EXPECT_EQ(namesOn(shelf), "d b c y");
     names.removeLastObject();
     names.addObjectsFromArray_(words({"e", "f"}));
-    EXPECT_EQ(joined(shelf), "d b c e f");
+    EXPECT_EQ(namesOn(shelf), "d b c e f");
     names.removeObjectsInArray_(words({"d", "e"}));
-    EXPECT_EQ(joined(shelf), "b c f");
+    EXPECT_EQ(namesOn(shelf), "b c f");
     names.setArray_(words({"z"}));
-    EXPECT_EQ(joined(shelf), "z");
+    EXPECT_EQ(namesOn(shelf), "z");
     names.removeAllObjects();
-    EXPECT_EQ(joined(shelf), "");
+    EXPECT_EQ(namesOn(shelf), "");
 }
 
 TEST(MutableArrayValueForKey, LeavesTheOldArrayAsItWas) {
@@ -111,7 +109,7 @@ TEST(MutableArrayValueForKey, LeavesTheOldArrayAsItWas) {
     shelf.setObject_forKey_(old, "names");
     shelf.mutableArrayValueForKey_("names").addObject_("b");
     EXPECT_EQ(old.count(), 1U);
-    EXPECT_EQ(joined(shelf), "a b");
+    EXPECT_EQ(namesOn(shelf), "a b");
 }
 
 TEST(MutableArrayValueForKey, TellsObserversWhichIndexesChangedHow) {
@@ -128,7 +126,7 @@ TEST(MutableArrayValueForKey, TellsObserversWhichIndexesChangedHow) {
     NSMutableIndexSet const outer = NSMutableIndexSet::indexSetWithIndex_(0);
     outer.addIndex_(4);
     names.insertObjects_atIndexes_(words({"p", "q"}), outer);
-    EXPECT_EQ(joined(shelf), "p b x d q");
+    EXPECT_EQ(namesOn(shelf), "p b x d q");
     EXPECT_EQ(last(recorder), "2 at 0+1 4+1, old: -, new: p q");
     names.removeObjectsAtIndexes_(outer);
     EXPECT_EQ(last(recorder), "3 at 0+1 4+1, old: p q, new: -");
@@ -183,7 +181,7 @@ TEST(MutableArrayValueForKey, WhatRaisesChangesNothingAndTellsNobody) {
     EXPECT_THROW(names.insertObject_atIndex_("x", 3), NSRangeException);
     EXPECT_THROW(names.replaceObjectAtIndex_withObject_(0x80000000, "x"), NSRangeException);
     EXPECT_THROW(names.addObject_(nil), NSInvalidArgumentException);
-    EXPECT_EQ(joined(shelf), "a b");
+    EXPECT_EQ(namesOn(shelf), "a b");
     EXPECT_EQ(recorder.count(), 0U);
     names.addObject_("c");
     EXPECT_EQ(recorder.count(), 1U);
@@ -194,7 +192,7 @@ TEST(MutableArrayValueForKey, StartsWithoutAnArray) {
     NSMutableArray const names = shelf.mutableArrayValueForKey_("names");
     EXPECT_EQ(names.count(), 0U);
     names.addObject_("a");
-    EXPECT_EQ(joined(shelf), "a");
+    EXPECT_EQ(namesOn(shelf), "a");
 }
 
 TEST(MutableArrayValueForKey, OfWhatIsNoArrayRaisesOnUse) {

@@ -11,7 +11,7 @@ namespace mac::test {
 
 namespace {
 
-NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
+NSNumber weight(int value) { return NSNumber::numberWithInt_(value); }
 
 // An object with a scalar of each kind.
 class Scales : public Handle<Scales, NSObject> {
@@ -62,7 +62,7 @@ TEST(KeyValueCoding, ReadsAndSetsAProperty) {
 
 TEST(KeyValueCoding, WrapsScalarsInNumbers) {
     Parcel const parcel = Parcel::parcelWithName_("a");
-    parcel.setValue_forKey_(number(12), "weight");
+    parcel.setValue_forKey_(weight(12), "weight");
     EXPECT_EQ(parcel.weight(), 12);
     EXPECT_EQ(intOf(parcel.valueForKey_("weight")), 12);
 }
@@ -138,7 +138,7 @@ TEST(KeyValueCoding, AKeyThatIsNotThereRaises) {
 TEST(KeyValueCoding, AKeyThatCanOnlyBeReadRaisesWhenItIsSet) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     EXPECT_EQ(intOf(parcel.valueForKey_("serial")), 7);
-    EXPECT_THROW(parcel.setValue_forKey_(number(1), "serial"), NSUndefinedKeyException);
+    EXPECT_THROW(parcel.setValue_forKey_(weight(1), "serial"), NSUndefinedKeyException);
     EXPECT_THROW(parcel.setValue_forKey_("a", "label"), NSUndefinedKeyException);
 }
 

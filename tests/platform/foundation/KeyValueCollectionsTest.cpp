@@ -11,9 +11,9 @@ namespace mac::test {
 
 namespace {
 
-NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
+NSNumber integer(int value) { return NSNumber::numberWithInt_(value); }
 
-int intOf(id const& object) { return as<NSNumber>(object).intValue(); }
+int integerOf(id const& object) { return as<NSNumber>(object).intValue(); }
 
 // A parcel for each name, with its place as weight; a null pointer is a parcel without name.
 NSArray parcels(std::initializer_list<char const*> names) {
@@ -109,14 +109,14 @@ TEST(KeyValueCoding, OfASetSetsEveryMember) {
     NSArray const array = parcels({"a", "b"});
     setOf(array).setValue_forKey_("x", "name");
     EXPECT_EQ(sortedText(array.valueForKey_("name")), "x x");
-    setOf(array).setValue_forKeyPath_(number(5), "weight");
+    setOf(array).setValue_forKeyPath_(integer(5), "weight");
     EXPECT_EQ(sortedText(array.valueForKey_("weight")), "5 5");
 }
 
 TEST(KeyValueCoding, OfEmptyCollectionsAnswersEmptyOnes) {
     EXPECT_EQ(as<NSArray>(NSArray::array().valueForKey_("anything")).count(), 0U);
     EXPECT_TRUE(as<NSSet>(NSSet::set().valueForKey_("anything")) != nil);
-    EXPECT_EQ(intOf(NSArray::array().valueForKey_("@count")), 0);
+    EXPECT_EQ(integerOf(NSArray::array().valueForKey_("@count")), 0);
 }
 
 struct OperatorCase {
@@ -158,8 +158,8 @@ TEST(KeyValueCoding, UnitesCollectionsByOperator) {
 
 TEST(KeyValueCoding, OperatorsOverNothingAnswerZeroOrNil) {
     NSArray const none = NSArray::array();
-    EXPECT_EQ(intOf(none.valueForKeyPath_("@sum.weight")), 0);
-    EXPECT_EQ(intOf(none.valueForKeyPath_("@avg.weight")), 0);
+    EXPECT_EQ(integerOf(none.valueForKeyPath_("@sum.weight")), 0);
+    EXPECT_EQ(integerOf(none.valueForKeyPath_("@avg.weight")), 0);
     EXPECT_TRUE(none.valueForKeyPath_("@max.weight") == nil);
     EXPECT_TRUE(none.valueForKeyPath_("@min.weight") == nil);
     EXPECT_EQ(as<NSArray>(none.valueForKeyPath_("@unionOfObjects.weight")).count(), 0U);
@@ -167,7 +167,7 @@ TEST(KeyValueCoding, OperatorsOverNothingAnswerZeroOrNil) {
 
 TEST(KeyValueCoding, MissingValuesCountAsZeroInAnAverageAndAsNothingElsewhere) {
     NSMutableDictionary const four = NSMutableDictionary::dictionary();
-    four.setObject_forKey_(number(4), "size");
+    four.setObject_forKey_(integer(4), "size");
     NSArray const array = NSArray::arrayWithObjects_({four, NSDictionary::dictionary()});
     EXPECT_EQ(text(array.valueForKeyPath_("@avg.size")), "2");
     EXPECT_EQ(text(array.valueForKeyPath_("@sum.size")), "4");

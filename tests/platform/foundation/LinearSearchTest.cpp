@@ -18,13 +18,13 @@ struct CountedSame {
     }
 };
 
-struct Search {
+struct Searched {
     std::vector<std::size_t> places;
     std::size_t comparisons{0};
 };
 
-Search searched(std::u16string_view text, std::u16string_view sought, SearchDirection direction) {
-    Search result;
+Searched searched(std::u16string_view text, std::u16string_view sought, SearchDirection direction) {
+    Searched result;
     LinearSearch<char16_t, CountedSame> const search(std::span(sought.data(), sought.size()), direction,
                                                      CountedSame{&result.comparisons});
     search.forEachIn(std::span(text.data(), text.size()), [&](std::size_t place) {
@@ -78,10 +78,10 @@ TEST(LinearSearch, ComparesInProportionToTheText) {
     for (SearchDirection const direction : {SearchDirection::Forwards, SearchDirection::Backwards}) {
         std::u16string sought(5000, u'a');
         sought[direction == SearchDirection::Forwards ? 4999 : 0] = u'b';
-        Search const search = searched(text, sought, direction);
+        Searched const search = searched(text, sought, direction);
         EXPECT_TRUE(search.places.empty());
         EXPECT_LE(search.comparisons, 2 * (text.size() + sought.size()));
-        Search const found = searched(text, std::u16string(5000, u'a'), direction);
+        Searched const found = searched(text, std::u16string(5000, u'a'), direction);
         EXPECT_EQ(found.places.size(), 15001U);
         EXPECT_LE(found.comparisons, 2 * (text.size() + sought.size()));
     }

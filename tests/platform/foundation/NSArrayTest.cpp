@@ -11,8 +11,6 @@ namespace mac::test {
 
 namespace {
 
-std::string joined(NSArray const& array) { return array.componentsJoinedByString_(" ").UTF8String(); }
-
 // An object that empties an array when it is described.
 class Emptier : public Handle<Emptier, NSObject> {
 public:

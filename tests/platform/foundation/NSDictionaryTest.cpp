@@ -9,7 +9,7 @@ namespace mac::test {
 
 namespace {
 
-NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
+NSNumber integerValue(int value) { return NSNumber::numberWithInt_(value); }
 
 // "a=1 b=2", in the dictionary's order.
 std::string entries(NSDictionary const& dictionary) {
@@ -19,19 +19,19 @@ std::string entries(NSDictionary const& dictionary) {
     return all;
 }
 
-NSDictionary sample() { return NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "2", "b"}); }
+NSDictionary twoEntries() { return NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "2", "b"}); }
 
-NSMutableDictionary mutableSample() { return NSMutableDictionary::dictionaryWithDictionary_(sample()); }
+NSMutableDictionary mutableTwoEntries() { return NSMutableDictionary::dictionaryWithDictionary_(twoEntries()); }
 
 } // namespace
 
 TEST(NSDictionary, HoldsWhatItWasMadeOf) {
     EXPECT_EQ(NSDictionary::dictionary().count(), 0U);
     EXPECT_EQ(entries(NSDictionary::dictionaryWithObject_forKey_("1", "a")), "a=1");
-    EXPECT_EQ(entries(sample()), "a=1 b=2");
+    EXPECT_EQ(entries(twoEntries()), "a=1 b=2");
     EXPECT_EQ(entries(NSDictionary::dictionaryWithObjects_forKeys_(words({"1", "2"}), words({"a", "b"}))), "a=1 b=2");
-    EXPECT_EQ(entries(NSDictionary::dictionaryWithDictionary_(sample())), "a=1 b=2");
-    EXPECT_TRUE(sample().isMemberOfClass_(classOf<NSDictionary>()));
+    EXPECT_EQ(entries(NSDictionary::dictionaryWithDictionary_(twoEntries())), "a=1 b=2");
+    EXPECT_TRUE(twoEntries().isMemberOfClass_(classOf<NSDictionary>()));
 }
 
 TEST(NSDictionary, TakesObjectsAndKeysUpToTheFirstNil) {
@@ -58,7 +58,7 @@ TEST(NSDictionary, OfNilIsEmpty) {
 
 TEST(NSDictionary, AnswersValuesByEqualKeys) {
     NSDictionary const dictionary =
-        NSDictionary::dictionaryWithObjectsAndKeys_({"text", "1", "number", number(1), "list", words({"x"})});
+        NSDictionary::dictionaryWithObjectsAndKeys_({"text", "1", "number", integerValue(1), "list", words({"x"})});
     EXPECT_EQ(text(dictionary.objectForKey_("1")), "text");
     EXPECT_EQ(text(dictionary.objectForKey_(NSNumber::numberWithDouble_(1))), "number");
     EXPECT_EQ(text(dictionary.objectForKey_(words({"x"}))), "list");
@@ -67,10 +67,10 @@ TEST(NSDictionary, AnswersValuesByEqualKeys) {
 }
 
 TEST(NSDictionary, ListsKeysAndValuesInTheOrderOfInsertion) {
-    EXPECT_TRUE(sample().allKeys().isEqual_(words({"a", "b"})));
-    EXPECT_TRUE(sample().allValues().isEqual_(words({"1", "2"})));
-    EXPECT_TRUE(sample().keyEnumerator().allObjects().isEqual_(words({"a", "b"})));
-    EXPECT_TRUE(sample().objectEnumerator().allObjects().isEqual_(words({"1", "2"})));
+    EXPECT_TRUE(twoEntries().allKeys().isEqual_(words({"a", "b"})));
+    EXPECT_TRUE(twoEntries().allValues().isEqual_(words({"1", "2"})));
+    EXPECT_TRUE(twoEntries().keyEnumerator().allObjects().isEqual_(words({"a", "b"})));
+    EXPECT_TRUE(twoEntries().objectEnumerator().allObjects().isEqual_(words({"1", "2"})));
 }
 
 TEST(NSDictionary, ListsTheKeysOfAValue) {
@@ -95,26 +95,26 @@ TEST(NSDictionary, NilAnswersNothing) {
 
 TEST(NSDictionary, EqualsAnotherOfEqualEntriesInWhateverOrder) {
     NSDictionary const same = NSDictionary::dictionaryWithObjectsAndKeys_({"2", "b", "1", "a"});
-    EXPECT_TRUE(sample().isEqualToDictionary_(same));
-    EXPECT_EQ(sample().hash(), same.hash());
-    EXPECT_TRUE(sample().isEqual_(mutableSample()));
-    EXPECT_EQ(sample().hash(), mutableSample().hash());
-    EXPECT_FALSE(sample().isEqual_(NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "x", "b"})));
-    EXPECT_FALSE(sample().isEqual_(NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "2", "x"})));
-    EXPECT_FALSE(sample().isEqual_(NSDictionary::dictionaryWithObject_forKey_("1", "a")));
-    EXPECT_FALSE(sample().isEqualToDictionary_(nil));
-    EXPECT_FALSE(sample().isEqual_("a=1 b=2"));
+    EXPECT_TRUE(twoEntries().isEqualToDictionary_(same));
+    EXPECT_EQ(twoEntries().hash(), same.hash());
+    EXPECT_TRUE(twoEntries().isEqual_(mutableTwoEntries()));
+    EXPECT_EQ(twoEntries().hash(), mutableTwoEntries().hash());
+    EXPECT_FALSE(twoEntries().isEqual_(NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "x", "b"})));
+    EXPECT_FALSE(twoEntries().isEqual_(NSDictionary::dictionaryWithObjectsAndKeys_({"1", "a", "2", "x"})));
+    EXPECT_FALSE(twoEntries().isEqual_(NSDictionary::dictionaryWithObject_forKey_("1", "a")));
+    EXPECT_FALSE(twoEntries().isEqualToDictionary_(nil));
+    EXPECT_FALSE(twoEntries().isEqual_("a=1 b=2"));
 }
 
 TEST(NSDictionary, HashesByWhichValueStandsUnderWhichKey) {
     NSDictionary const swapped = NSDictionary::dictionaryWithObjectsAndKeys_({"2", "a", "1", "b"});
     NSDictionary const turned = NSDictionary::dictionaryWithObjectsAndKeys_({"a", "1", "b", "2"});
-    EXPECT_NE(sample().hash(), swapped.hash());
-    EXPECT_NE(sample().hash(), turned.hash());
+    EXPECT_NE(twoEntries().hash(), swapped.hash());
+    EXPECT_NE(twoEntries().hash(), turned.hash());
 }
 
 TEST(NSDictionary, CopiesToItselfAndMutableCopiesToAnother) {
-    NSDictionary const dictionary = sample();
+    NSDictionary const dictionary = twoEntries();
     EXPECT_TRUE(isSame(dictionary.copy(), dictionary));
     NSMutableDictionary const changed = as<NSMutableDictionary>(dictionary.mutableCopy());
     changed.setObject_forKey_("3", "c");
@@ -126,7 +126,7 @@ TEST(NSDictionary, CopiesToItselfAndMutableCopiesToAnother) {
 TEST(NSDictionary, DescribesItselfInTheOrderOfItsKeys) {
     NSDictionary const dictionary = NSDictionary::dictionaryWithObjectsAndKeys_({"2", "b", "a b", "a/b", "1", "a"});
     EXPECT_EQ(text(dictionary), "{\n    a = 1;\n    \"a/b\" = \"a b\";\n    b = 2;\n}");
-    EXPECT_EQ(text(NSDictionary::dictionaryWithObjectsAndKeys_({"x", number(2), "y", number(1)})),
+    EXPECT_EQ(text(NSDictionary::dictionaryWithObjectsAndKeys_({"x", integerValue(2), "y", integerValue(1)})),
               "{\n    2 = x;\n    1 = y;\n}");
     EXPECT_EQ(text(NSDictionary::dictionary()), "{\n}");
 }
@@ -147,7 +147,7 @@ TEST(NSMutableDictionary, SetsReplacesAndRemoves) {
 }
 
 TEST(NSMutableDictionary, HoldsNoNil) {
-    NSMutableDictionary const dictionary = mutableSample();
+    NSMutableDictionary const dictionary = mutableTwoEntries();
     EXPECT_THROW(dictionary.setObject_forKey_(nil, "a"), NSInvalidArgumentException);
     EXPECT_THROW(dictionary.setObject_forKey_("1", nil), NSInvalidArgumentException);
     EXPECT_THROW(dictionary.removeObjectForKey_(nil), NSInvalidArgumentException);
@@ -171,7 +171,7 @@ TEST(NSMutableDictionary, AKeyThatCannotBeCopiedRaises) {
 }
 
 TEST(NSMutableDictionary, TakesTheEntriesOfAnother) {
-    NSMutableDictionary const dictionary = mutableSample();
+    NSMutableDictionary const dictionary = mutableTwoEntries();
     dictionary.addEntriesFromDictionary_(NSDictionary::dictionaryWithObjectsAndKeys_({"3", "b", "4", "c"}));
     EXPECT_EQ(entries(dictionary), "a=1 b=3 c=4");
     dictionary.addEntriesFromDictionary_(nil);
@@ -186,7 +186,7 @@ TEST(NSMutableDictionary, TakesTheEntriesOfAnother) {
 }
 
 TEST(NSMutableDictionary, RemovesSeveralKeys) {
-    NSMutableDictionary const dictionary = mutableSample();
+    NSMutableDictionary const dictionary = mutableTwoEntries();
     dictionary.removeObjectsForKeys_(words({"a", "x"}));
     EXPECT_EQ(entries(dictionary), "b=2");
     dictionary.removeObjectsForKeys_(nil);
@@ -202,8 +202,8 @@ TEST(NSMutableDictionary, NilChangesNothing) {
     none.removeObjectForKey_(nil);
     none.removeObjectsForKeys_(words({"a"}));
     none.removeAllObjects();
-    none.addEntriesFromDictionary_(sample());
-    none.setDictionary_(sample());
+    none.addEntriesFromDictionary_(twoEntries());
+    none.setDictionary_(twoEntries());
     EXPECT_EQ(none.count(), 0U);
 }
 
@@ -227,7 +227,7 @@ TEST(NSMutableDictionary, IsWholeWhenWhatItDropsIsDestroyed) {
         [](NSMutableDictionary const& dictionary) { dictionary.setDictionary_(nil); },
     };
     for (auto const& drop : drops) {
-        NSMutableDictionary const dictionary = mutableSample();
+        NSMutableDictionary const dictionary = mutableTwoEntries();
         Parcel parcel = Parcel::parcelWithName_("p");
         bool isSeen = false;
         bodyOf(parcel)->m_lastWord = [&] {
@@ -249,7 +249,7 @@ TEST(NSMutableDictionary, ComparesHardlyAnyKeysOfHashesInARow) {
     std::vector<Peg> pegs;
     for (int value = 0; value < count; ++value) {
         pegs.push_back(Peg::pegWithNumber_hash_(value, static_cast<std::uint64_t>(value) * 4096));
-        dictionary.setObject_forKey_(number(value), pegs.back());
+        dictionary.setObject_forKey_(integerValue(value), pegs.back());
     }
     EXPECT_EQ(dictionary.count(), static_cast<NSUInteger>(count));
     unsigned comparisons = 0;

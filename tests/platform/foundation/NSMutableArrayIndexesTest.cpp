@@ -17,8 +17,6 @@ NSIndexSet at(std::initializer_list<NSUInteger> indexes) {
 
 NSMutableArray letters() { return NSMutableArray::arrayWithObjects_({"a", "b", "c", "d", "e"}); }
 
-std::string joined(NSArray const& array) { return text(array.componentsJoinedByString_(" ")); }
-
 } // namespace
 
 TEST(NSArrayIndexes, AnswersTheObjectsInAscendingOrder) {

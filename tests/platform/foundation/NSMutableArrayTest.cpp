@@ -8,8 +8,6 @@ namespace mac::test {
 
 namespace {
 
-std::string joined(NSArray const& array) { return array.componentsJoinedByString_(" ").UTF8String(); }
-
 NSMutableArray list(std::initializer_list<char const*> names) { return as<NSMutableArray>(words(names).mutableCopy()); }
 
 } // namespace

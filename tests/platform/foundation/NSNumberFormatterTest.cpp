@@ -19,7 +19,7 @@ std::string formatted(NSString const& format, double value) {
     return formatter(format).stringFromNumber_(NSNumber::numberWithDouble_(value)).UTF8String();
 }
 
-struct Row {
+struct FormattedNumber {
     char const* format;
     double value;
     char const* text;
@@ -28,55 +28,55 @@ struct Row {
 } // namespace
 
 TEST(NSNumberFormatter, PrintsByTheFormat) {
-    for (Row const& row : {
-             Row{"0.0;0;-0.0", 1.5, "1.5"},
-             Row{"0.0;0;-0.0", 0, "0"},
-             Row{"0.0;0;-0.0", -0.0, "0"},
-             Row{"0.0;0;-0.0", -1.5, "-1.5"},
-             Row{"0.0;0;-0.0", 0.01, "0.0"},
-             Row{"0.0;0;-0.0", -0.01, "-0.0"},
-             Row{"0.0;0;-0.0", 1234567.25, "1234567.2"},
-             Row{"0", 7.4, "7"},
-             Row{"000", 7, "007"},
-             Row{"0.00", 1, "1.00"},
-             Row{"0.00", -1, "-1.00"},
-             Row{"#.##", 0.5, ".5"},
-             Row{"#.##", 0, "0"},
-             Row{"#.##", 12, "12"},
-             Row{"0.0##", 1.25, "1.25"},
-             Row{"0.0##", 1.20, "1.2"},
-             Row{"0.0##", 1.0006, "1.001"},
-             Row{"#,##0.00", 1234567.891, "1,234,567.89"},
-             Row{"#,##0.00", 999, "999.00"},
-             Row{"#,##0", 1000, "1,000"},
-             Row{"#,##0.00;(#,##0.00)", -1234.5, "(1,234.50)"},
-             Row{"#,##0.00;(#,##0.00)", 0, "0.00"},
-             Row{"0;none;-0", 0, "none"},
-             Row{"$0.00 each", 2.5, "$2.50 each"},
-             Row{"0", 1e20, "100000000000000000000"},
-             Row{"0.0000000000", 1e-9, "0.0000000010"},
-             Row{"0.0", 1e-300, "0.0"},
-             Row{"plain", 5, "plain"},
-             Row{"", 5, ""},
+    for (FormattedNumber const& row : {
+             FormattedNumber{"0.0;0;-0.0", 1.5, "1.5"},
+             FormattedNumber{"0.0;0;-0.0", 0, "0"},
+             FormattedNumber{"0.0;0;-0.0", -0.0, "0"},
+             FormattedNumber{"0.0;0;-0.0", -1.5, "-1.5"},
+             FormattedNumber{"0.0;0;-0.0", 0.01, "0.0"},
+             FormattedNumber{"0.0;0;-0.0", -0.01, "-0.0"},
+             FormattedNumber{"0.0;0;-0.0", 1234567.25, "1234567.2"},
+             FormattedNumber{"0", 7.4, "7"},
+             FormattedNumber{"000", 7, "007"},
+             FormattedNumber{"0.00", 1, "1.00"},
+             FormattedNumber{"0.00", -1, "-1.00"},
+             FormattedNumber{"#.##", 0.5, ".5"},
+             FormattedNumber{"#.##", 0, "0"},
+             FormattedNumber{"#.##", 12, "12"},
+             FormattedNumber{"0.0##", 1.25, "1.25"},
+             FormattedNumber{"0.0##", 1.20, "1.2"},
+             FormattedNumber{"0.0##", 1.0006, "1.001"},
+             FormattedNumber{"#,##0.00", 1234567.891, "1,234,567.89"},
+             FormattedNumber{"#,##0.00", 999, "999.00"},
+             FormattedNumber{"#,##0", 1000, "1,000"},
+             FormattedNumber{"#,##0.00;(#,##0.00)", -1234.5, "(1,234.50)"},
+             FormattedNumber{"#,##0.00;(#,##0.00)", 0, "0.00"},
+             FormattedNumber{"0;none;-0", 0, "none"},
+             FormattedNumber{"$0.00 each", 2.5, "$2.50 each"},
+             FormattedNumber{"0", 1e20, "100000000000000000000"},
+             FormattedNumber{"0.0000000000", 1e-9, "0.0000000010"},
+             FormattedNumber{"0.0", 1e-300, "0.0"},
+             FormattedNumber{"plain", 5, "plain"},
+             FormattedNumber{"", 5, ""},
          })
         EXPECT_EQ(formatted(NSString::stringWithUTF8String_(row.format), row.value), row.text)
             << row.format << " " << row.value;
 }
 
 TEST(NSNumberFormatter, RoundsTiesToTheEvenDigit) {
-    for (Row const& row : {
-             Row{"0", 0.5, "0"},
-             Row{"0", 1.5, "2"},
-             Row{"0", 2.5, "2"},
-             Row{"0", 2.50001, "3"},
-             Row{"0", -2.5, "-2"},
-             Row{"0.0", 0.25, "0.2"},
-             Row{"0.0", 0.35, "0.4"},
-             Row{"0.0", 9.95, "10.0"},
-             Row{"0.00", 2.675, "2.68"},
-             Row{"0", 99.5, "100"},
-             Row{"0", 0.6, "1"},
-             Row{"0.0", 0.06, "0.1"},
+    for (FormattedNumber const& row : {
+             FormattedNumber{"0", 0.5, "0"},
+             FormattedNumber{"0", 1.5, "2"},
+             FormattedNumber{"0", 2.5, "2"},
+             FormattedNumber{"0", 2.50001, "3"},
+             FormattedNumber{"0", -2.5, "-2"},
+             FormattedNumber{"0.0", 0.25, "0.2"},
+             FormattedNumber{"0.0", 0.35, "0.4"},
+             FormattedNumber{"0.0", 9.95, "10.0"},
+             FormattedNumber{"0.00", 2.675, "2.68"},
+             FormattedNumber{"0", 99.5, "100"},
+             FormattedNumber{"0", 0.6, "1"},
+             FormattedNumber{"0.0", 0.06, "0.1"},
          })
         EXPECT_EQ(formatted(NSString::stringWithUTF8String_(row.format), row.value), row.text) << row.value;
 }
@@ -151,25 +151,25 @@ TEST(NSNumberFormatter, FollowsTheUsersLocaleWhereAsked) {
     EXPECT_EQ(text(local.decimalSeparator()), "!");
 }
 
-struct Reading {
+struct ReadNumber {
     char const* text;
     char const* value;
 };
 
 TEST(NSNumberFormatter, ReadsWhatItPrints) {
-    for (Reading const& row : {
-             Reading{"1,234.50", "1234.5"},
-             Reading{"1234.5", "1234.5"},
-             Reading{"12", "12"},
-             Reading{"(12.25)", "-12.25"},
-             Reading{"zero", "0"},
-             Reading{".5", "0.5"},
-             Reading{"5.", "5"},
-             Reading{"9223372036854775807", "9223372036854775807"},
-             Reading{"9223372036854775808", "9223372036854775808"},
-             Reading{"18446744073709551615", "18446744073709551615"},
-             Reading{"(9223372036854775808)", "-9223372036854775808"},
-             Reading{"100000000000000000000", "1e+20"},
+    for (ReadNumber const& row : {
+             ReadNumber{"1,234.50", "1234.5"},
+             ReadNumber{"1234.5", "1234.5"},
+             ReadNumber{"12", "12"},
+             ReadNumber{"(12.25)", "-12.25"},
+             ReadNumber{"zero", "0"},
+             ReadNumber{".5", "0.5"},
+             ReadNumber{"5.", "5"},
+             ReadNumber{"9223372036854775807", "9223372036854775807"},
+             ReadNumber{"9223372036854775808", "9223372036854775808"},
+             ReadNumber{"18446744073709551615", "18446744073709551615"},
+             ReadNumber{"(9223372036854775808)", "-9223372036854775808"},
+             ReadNumber{"100000000000000000000", "1e+20"},
          })
         EXPECT_EQ(
             text(formatter("#,##0.00;zero;(#,##0.00)").numberFromString_(NSString::stringWithUTF8String_(row.text))),

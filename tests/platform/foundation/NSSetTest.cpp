@@ -11,7 +11,7 @@ namespace mac::test {
 
 namespace {
 
-std::string joined(NSSet const& set) { return set.allObjects().componentsJoinedByString_(" ").UTF8String(); }
+std::string joinedMembers(NSSet const& set) { return set.allObjects().componentsJoinedByString_(" ").UTF8String(); }
 
 NSSet setOf(std::initializer_list<char const*> names) { return NSSet::setWithArray_(words(names)); }
 
@@ -27,14 +27,14 @@ NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
 
 TEST(NSSet, HoldsWhatItWasMadeOfEachOnceInTheOrderItCame) {
     EXPECT_EQ(NSSet::set().count(), 0U);
-    EXPECT_EQ(joined(NSSet::setWithObject_("a")), "a");
-    EXPECT_EQ(joined(NSSet::setWithObjects_({"b", "a", "b"})), "b a");
-    EXPECT_EQ(joined(setOf({"c", "a", "c", "b"})), "c a b");
-    EXPECT_EQ(joined(NSSet::setWithSet_(setOf({"a", "b"}))), "a b");
+    EXPECT_EQ(joinedMembers(NSSet::setWithObject_("a")), "a");
+    EXPECT_EQ(joinedMembers(NSSet::setWithObjects_({"b", "a", "b"})), "b a");
+    EXPECT_EQ(joinedMembers(setOf({"c", "a", "c", "b"})), "c a b");
+    EXPECT_EQ(joinedMembers(NSSet::setWithSet_(setOf({"a", "b"}))), "a b");
 }
 
 TEST(NSSet, TakesObjectsUpToTheFirstNil) {
-    EXPECT_EQ(joined(NSSet::setWithObjects_({"a", nil, "b"})), "a");
+    EXPECT_EQ(joinedMembers(NSSet::setWithObjects_({"a", nil, "b"})), "a");
     EXPECT_THROW(NSSet::setWithObject_(nil), NSInvalidArgumentException);
 }
 
@@ -141,8 +141,8 @@ TEST(NSSet, CopiesToItselfAndMutableCopiesToAnother) {
     EXPECT_TRUE(isSame(set.copy(), set));
     NSMutableSet const changed = as<NSMutableSet>(set.mutableCopy());
     changed.removeObject_("a");
-    EXPECT_EQ(joined(set), "a b");
-    EXPECT_EQ(joined(changed), "b");
+    EXPECT_EQ(joinedMembers(set), "a b");
+    EXPECT_EQ(joinedMembers(changed), "b");
     EXPECT_TRUE(changed.copy().isMemberOfClass_(classOf<NSSet>()));
 }
 
@@ -152,15 +152,15 @@ TEST(NSMutableSet, AddsAndRemoves) {
     set.addObject_("a");
     set.addObjectsFromArray_(words({"b", "c", "a"}));
     set.addObjectsFromArray_(nil);
-    EXPECT_EQ(joined(set), "a b c");
+    EXPECT_EQ(joinedMembers(set), "a b c");
     set.removeObject_("b");
     set.removeObject_("x");
     set.removeObject_(nil);
-    EXPECT_EQ(joined(set), "a c");
+    EXPECT_EQ(joinedMembers(set), "a c");
     set.removeAllObjects();
     EXPECT_EQ(set.count(), 0U);
     set.addObject_("d");
-    EXPECT_EQ(joined(set), "d");
+    EXPECT_EQ(joinedMembers(set), "d");
 }
 
 TEST(NSMutableSet, AddingNilRaises) {
@@ -172,13 +172,13 @@ TEST(NSMutableSet, AddingNilRaises) {
 TEST(NSMutableSet, CombinesWithOthers) {
     NSMutableSet const set = mutableSetOf({"a", "b"});
     set.unionSet_(setOf({"b", "c"}));
-    EXPECT_EQ(joined(set), "a b c");
+    EXPECT_EQ(joinedMembers(set), "a b c");
     set.minusSet_(setOf({"a", "x"}));
-    EXPECT_EQ(joined(set), "b c");
+    EXPECT_EQ(joinedMembers(set), "b c");
     set.intersectSet_(setOf({"c", "d"}));
-    EXPECT_EQ(joined(set), "c");
+    EXPECT_EQ(joinedMembers(set), "c");
     set.setSet_(setOf({"x", "y"}));
-    EXPECT_EQ(joined(set), "x y");
+    EXPECT_EQ(joinedMembers(set), "x y");
 }
 
 TEST(NSMutableSet, CombinesWithItself) {
@@ -187,7 +187,7 @@ TEST(NSMutableSet, CombinesWithItself) {
     set.intersectSet_(set);
     set.setSet_(set);
     set.addObjectsFromArray_(set.allObjects());
-    EXPECT_EQ(joined(set), "a b c d e");
+    EXPECT_EQ(joinedMembers(set), "a b c d e");
     set.minusSet_(set);
     EXPECT_EQ(set.count(), 0U);
 }
@@ -196,7 +196,7 @@ TEST(NSMutableSet, CombinesWithNil) {
     NSMutableSet const set = mutableSetOf({"a"});
     set.unionSet_(nil);
     set.minusSet_(nil);
-    EXPECT_EQ(joined(set), "a");
+    EXPECT_EQ(joinedMembers(set), "a");
     set.intersectSet_(nil);
     EXPECT_EQ(set.count(), 0U);
     set.addObject_("a");

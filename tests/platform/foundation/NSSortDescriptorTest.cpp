@@ -6,16 +6,17 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSSet.h"
+#include "tests/platform/foundation/Parcel.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
 
-NSString text(std::string_view utf8) { return NSString::stringWithUTF8String_(utf8); }
+NSString stringOf(std::string_view utf8) { return NSString::stringWithUTF8String_(utf8); }
 
 // A record that counts how often its key is read, and compares itself as it likes.
-class Reading : public Handle<Reading, NSObject> {
+class CountedReading : public Handle<CountedReading, NSObject> {
 public:
     class Body;
     using Handle::Handle;
@@ -23,32 +24,32 @@ public:
     static ClassDescription describeClass() {
         return {.name = "SortReading",
                 .superclass = classOf<NSObject>(),
-                .methods = {method<&Reading::neverEqual_>("neverEqual:")},
-                .properties = {readOnlyProperty<&Reading::rank>("rank")}};
+                .methods = {method<&CountedReading::neverEqual_>("neverEqual:")},
+                .properties = {readOnlyProperty<&CountedReading::rank>("rank")}};
     }
-    static Reading of(int rank);
+    static CountedReading of(int rank);
     NSInteger rank() const;
     int reads() const;
     // Says that each is before the other.
     NSInteger neverEqual_(id const&) const { return -1; }
 };
 
-class Reading::Body : public ObjectBody {
+class CountedReading::Body : public ObjectBody {
 public:
     explicit Body(int number) : rank(number) {}
     int rank;
     int reads{0};
 };
 
-Reading Reading::of(int rank) { return adopt<Reading>(rank); }
-NSInteger Reading::rank() const {
+CountedReading CountedReading::of(int rank) { return adopt<CountedReading>(rank); }
+NSInteger CountedReading::rank() const {
     ++bodyOf(*this)->reads;
     return bodyOf(*this)->rank;
 }
-int Reading::reads() const { return bodyOf(*this)->reads; }
+int CountedReading::reads() const { return bodyOf(*this)->reads; }
 
 NSDictionary record(std::string_view version, std::string_view path) {
-    return NSDictionary::dictionaryWithObjectsAndKeys_({text(version), "version", text(path), "path"});
+    return NSDictionary::dictionaryWithObjectsAndKeys_({stringOf(version), "version", stringOf(path), "path"});
 }
 
 NSArray byVersionThenPath() {
@@ -58,11 +59,9 @@ NSArray byVersionThenPath() {
     });
 }
 
-std::string joined(NSArray const& array, NSString const& key) {
+std::string joinedValues(NSArray const& array, NSString const& key) {
     return as<NSArray>(array.valueForKey_(key)).componentsJoinedByString_(" ").UTF8String();
 }
-
-std::string joined(NSArray const& array) { return array.componentsJoinedByString_(" ").UTF8String(); }
 
 TEST(SortDescriptor, TellsItsKeyDirectionAndSelector) {
     NSSortDescriptor const descriptor = NSSortDescriptor::sortDescriptorWithKey_ascending_("path", NO);
@@ -117,8 +116,8 @@ TEST(SortedArray, OrdersVersionsAsTextAndPathsWithoutCase) {
     NSArray const records = NSArray::arrayWithObjects_(
         {record("210", "/b"), record("99", "/B2"), record("99", "/a"), record("210", "/A"), record("99", "/b1")});
     NSArray const sorted = records.sortedArrayUsingDescriptors_(byVersionThenPath());
-    EXPECT_EQ(joined(sorted, "version"), "99 99 99 210 210");
-    EXPECT_EQ(joined(sorted, "path"), "/a /b1 /B2 /A /b");
+    EXPECT_EQ(joinedValues(sorted, "version"), "99 99 99 210 210");
+    EXPECT_EQ(joinedValues(sorted, "path"), "/a /b1 /B2 /A /b");
 }
 
 TEST(SortedArray, KeepsTheOrderOfEqualObjects) {
@@ -139,13 +138,13 @@ TEST(SortedArray, ReadsEachKeyOnceAnObject) {
     std::vector<id> readings;
     readings.reserve(1000);
     for (int index = 0; index < 500; ++index)
-        readings.push_back(Reading::of(index * 7919 % 500));
+        readings.push_back(CountedReading::of(index * 7919 % 500));
     NSArray const sorted = NSArray::arrayWithVector(readings).sortedArrayUsingDescriptors_(
         NSArray::arrayWithObject_(NSSortDescriptor::sortDescriptorWithKey_ascending_("rank", YES)));
     for (id const& reading : readings)
-        EXPECT_EQ(as<Reading>(reading).reads(), 1);
+        EXPECT_EQ(as<CountedReading>(reading).reads(), 1);
     for (NSUInteger index = 0; index < 500; ++index)
-        EXPECT_EQ(as<Reading>(sorted.objectAtIndex_(index)).rank(), static_cast<NSInteger>(index));
+        EXPECT_EQ(as<CountedReading>(sorted.objectAtIndex_(index)).rank(), static_cast<NSInteger>(index));
 }
 
 // The shortcut for ASCII text must order as the messages do.
@@ -153,7 +152,7 @@ TEST(SortedArray, OrdersAsTheMessagesDo) {
     std::vector<id> words;
     for (std::string_view const word : {"b", "B", "a_",  "a-", "aB", "ab", "A",  "",  "_",  "[", "Z",
                                         "z", "~", "a b", "é",  "e",  "É",  "ss", "ß", "10", "9"})
-        words.push_back(text(word));
+        words.push_back(stringOf(word));
     NSArray const array = NSArray::arrayWithVector(words);
     for (SEL const selector : {SEL("compare:"), SEL("caseInsensitiveCompare:")}) {
         NSArray const sorted = array.sortedArrayUsingSelector_(selector);
@@ -180,14 +179,14 @@ TEST(SortedArray, PutsObjectsWithoutTheKeyFirst) {
         {record("2", "b"), NSDictionary::dictionaryWithObject_forKey_("none", "path"), record("1", "c")});
     NSArray const rising =
         NSArray::arrayWithObject_(NSSortDescriptor::sortDescriptorWithKey_ascending_("version", YES));
-    EXPECT_EQ(joined(records.sortedArrayUsingDescriptors_(rising), "path"), "none c b");
+    EXPECT_EQ(joinedValues(records.sortedArrayUsingDescriptors_(rising), "path"), "none c b");
 }
 
 TEST(SortedArray, SurvivesAComparisonThatContradictsItself) {
     std::vector<id> readings;
     readings.reserve(1000);
     for (int index = 0; index < 1000; ++index)
-        readings.push_back(Reading::of(index));
+        readings.push_back(CountedReading::of(index));
     EXPECT_EQ(NSArray::arrayWithVector(readings).sortedArrayUsingSelector_("neverEqual:").count(), 1000U);
 }
 

@@ -7,7 +7,7 @@ namespace mac::test {
 
 namespace {
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
+constexpr double TooLarge = std::numeric_limits<double>::infinity();
 
 struct IntegerText {
     std::u16string_view text;
@@ -72,14 +72,14 @@ TEST(NSStringNumbers, ReadsAReal) {
              RealText{".", 0},
              RealText{"", 0},
              RealText{"e5", 0},
-             RealText{"1e999", Infinity},
-             RealText{"-1e999", -Infinity},
-             RealText{"1e99999999999999999999", Infinity},
+             RealText{"1e999", TooLarge},
+             RealText{"-1e999", -TooLarge},
+             RealText{"1e99999999999999999999", TooLarge},
              RealText{"1e-99999999999999999999", 0},
              RealText{"1e-999", 0},
              RealText{"0e99999", 0},
              RealText{"0.000e99999", 0},
-             RealText{"0.00001e400", Infinity},
+             RealText{"0.00001e400", TooLarge},
              RealText{"4.9e-324", 4.9e-324},
          })
         EXPECT_EQ(number.value, NSString::stringWithUTF8String_(number.text).doubleValue()) << number.text;
@@ -87,7 +87,7 @@ TEST(NSStringNumbers, ReadsAReal) {
 
 TEST(NSStringNumbers, ReadsRealsOfManyDigits) {
     std::string const zeros(500, '0');
-    EXPECT_EQ(Infinity, NSString::stringWithUTF8String_("1" + zeros + "e-1").doubleValue());
+    EXPECT_EQ(TooLarge, NSString::stringWithUTF8String_("1" + zeros + "e-1").doubleValue());
     EXPECT_EQ(0, NSString::stringWithUTF8String_("0." + zeros + "1e5").doubleValue());
     EXPECT_EQ(10, NSString::stringWithUTF8String_("0." + zeros + "1e502").doubleValue());
 }

@@ -20,7 +20,7 @@ struct PathResult {
     std::string_view result;
 };
 
-std::string joined(NSArray const& components) {
+std::string bracketedBytes(NSArray const& components) {
     std::string text;
     for (id const& component : components)
         text += "[" + bytesOf(as<NSString>(component)) + "]";
@@ -28,14 +28,14 @@ std::string joined(NSArray const& components) {
 }
 
 TEST(NSStringPaths, AreJoinedFromTheirComponents) {
-    auto const joined = [](std::initializer_list<id> components) {
+    auto const bracketedBytes = [](std::initializer_list<id> components) {
         return NSString::pathWithComponents_(NSArray::arrayWithObjects_(components));
     };
-    EXPECT_TRUE(joined({"/", "a", "b"}).isEqualToString_("/a/b"));
-    EXPECT_TRUE(joined({"a", "b/", "/c"}).isEqualToString_("a/b/c"));
-    EXPECT_TRUE(joined({"/"}).isEqualToString_("/"));
-    EXPECT_TRUE(joined({"a", NSNull::null(), "b"}).isEqualToString_("a/b"));
-    EXPECT_TRUE(joined({}).isEqualToString_(""));
+    EXPECT_TRUE(bracketedBytes({"/", "a", "b"}).isEqualToString_("/a/b"));
+    EXPECT_TRUE(bracketedBytes({"a", "b/", "/c"}).isEqualToString_("a/b/c"));
+    EXPECT_TRUE(bracketedBytes({"/"}).isEqualToString_("/"));
+    EXPECT_TRUE(bracketedBytes({"a", NSNull::null(), "b"}).isEqualToString_("a/b"));
+    EXPECT_TRUE(bracketedBytes({}).isEqualToString_(""));
     EXPECT_TRUE(NSString::pathWithComponents_(nil) == nil);
 }
 
@@ -105,7 +105,7 @@ TEST(NSStringPaths, FallIntoComponents) {
          {PathResult{"tmp/scratch", "[tmp][scratch]"}, PathResult{"/tmp/scratch", "[/][tmp][scratch]"},
           PathResult{"/", "[/]"}, PathResult{"//", "[/]"}, PathResult{"", ""}, PathResult{"/tmp//a/", "[/][tmp][a][/]"},
           PathResult{"a/", "[a][/]"}})
-        EXPECT_EQ(row.result, joined(path(row.path).pathComponents())) << row.path;
+        EXPECT_EQ(row.result, bracketedBytes(path(row.path).pathComponents())) << row.path;
 }
 
 TEST(NSStringPaths, AreAbsoluteWithASlashOrATilde) {

@@ -5,16 +5,16 @@ namespace mac::test {
 
 namespace {
 
-std::string const none = "(none)";
+std::string const noText = "(none)";
 
-std::string shown(NSString const& string) { return string == nil ? none : string.UTF8String(); }
+std::string textOrNone(NSString const& string) { return string == nil ? noText : string.UTF8String(); }
 
 std::string escaped(NSString const& string, NSStringEncoding encoding = NSUTF8StringEncoding) {
-    return shown(string.stringByAddingPercentEscapesUsingEncoding_(encoding));
+    return textOrNone(string.stringByAddingPercentEscapesUsingEncoding_(encoding));
 }
 
 std::string unescaped(NSString const& string, NSStringEncoding encoding = NSUTF8StringEncoding) {
-    return shown(string.stringByReplacingPercentEscapesUsingEncoding_(encoding));
+    return textOrNone(string.stringByReplacingPercentEscapesUsingEncoding_(encoding));
 }
 
 } // namespace
@@ -32,12 +32,12 @@ TEST(NSStringPercentEscapes, AreAddedToWhatNoURLMayHave) {
 TEST(NSStringPercentEscapes, AreOfTheEncodingsBytes) {
     EXPECT_EQ(escaped("\u00E9 ", NSISOLatin1StringEncoding), "%E9%20");
     EXPECT_EQ(escaped("\u00E9", NSMacOSRomanStringEncoding), "%8E");
-    EXPECT_EQ(escaped("\u20AC", NSISOLatin1StringEncoding), none);
-    EXPECT_EQ(escaped("\u00E9", NSASCIIStringEncoding), none);
+    EXPECT_EQ(escaped("\u20AC", NSISOLatin1StringEncoding), noText);
+    EXPECT_EQ(escaped("\u00E9", NSASCIIStringEncoding), noText);
     EXPECT_EQ(escaped("a b", NSASCIIStringEncoding), "a%20b");
     EXPECT_EQ(unescaped("%E9%20", NSISOLatin1StringEncoding), "\u00E9 ");
     EXPECT_EQ(unescaped("%8E", NSMacOSRomanStringEncoding), "\u00E9");
-    EXPECT_EQ(unescaped("%E9", NSASCIIStringEncoding), none);
+    EXPECT_EQ(unescaped("%E9", NSASCIIStringEncoding), noText);
 }
 
 TEST(NSStringPercentEscapes, AreReplacedByTheirCharacters) {
@@ -53,17 +53,17 @@ TEST(NSStringPercentEscapes, AreReplacedByTheirCharacters) {
 
 TEST(NSStringPercentEscapes, OfNoTextAreNil) {
     for (std::string_view const bad : {"%", "a%2", "%zz", "%2z", "%C3", "%C3x%A9", "%E4", "%FF%FE"})
-        EXPECT_EQ(unescaped(NSString::stringWithUTF8String_(bad)), none) << bad;
+        EXPECT_EQ(unescaped(NSString::stringWithUTF8String_(bad)), noText) << bad;
 }
 
 TEST(NSStringPercentEscapes, CarryTheBytesOfFileNames) {
     EXPECT_EQ(escaped(NSString::stringWithFileSystemRepresentation_("a\xE4\xFF")), "a%E4%FF");
-    EXPECT_EQ(escaped(NSString::stringWithCodeUnits(u"\xD800")), none);
+    EXPECT_EQ(escaped(NSString::stringWithCodeUnits(u"\xD800")), noText);
 }
 
 TEST(NSStringPercentEscapes, OfNilAreNil) {
-    EXPECT_EQ(escaped(nil), none);
-    EXPECT_EQ(unescaped(nil), none);
+    EXPECT_EQ(escaped(nil), noText);
+    EXPECT_EQ(unescaped(nil), noText);
 }
 
 } // namespace mac::test

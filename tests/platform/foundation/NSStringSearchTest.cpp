@@ -231,7 +231,7 @@ TEST(NSStringSearch, FindsCharactersOfASet) {
     EXPECT_THROW(text.rangeOfCharacterFromSet_options_range_(digits, 0, {6, 1}), NSRangeException);
 }
 
-std::string joined(NSArray const& components) {
+std::string bracketed(NSArray const& components) {
     std::string text;
     for (id const& component : components)
         text += "[" + as<NSString>(component).UTF8String() + "]";
@@ -239,12 +239,12 @@ std::string joined(NSArray const& components) {
 }
 
 TEST(NSStringSearch, SplitsText) {
-    EXPECT_EQ("[a][b][][c]", joined(NSString("a,b,,c").componentsSeparatedByString_(",")));
-    EXPECT_EQ("[][]", joined(NSString(",").componentsSeparatedByString_(",")));
-    EXPECT_EQ("[]", joined(NSString("").componentsSeparatedByString_(",")));
-    EXPECT_EQ("[abc]", joined(NSString("abc").componentsSeparatedByString_("")));
-    EXPECT_EQ("[][a]", joined(NSString("aaa").componentsSeparatedByString_("aa")));
-    EXPECT_EQ("[x][\xCC\x81y]", joined(units(u"xe\u0301y").componentsSeparatedByString_("e")));
+    EXPECT_EQ("[a][b][][c]", bracketed(NSString("a,b,,c").componentsSeparatedByString_(",")));
+    EXPECT_EQ("[][]", bracketed(NSString(",").componentsSeparatedByString_(",")));
+    EXPECT_EQ("[]", bracketed(NSString("").componentsSeparatedByString_(",")));
+    EXPECT_EQ("[abc]", bracketed(NSString("abc").componentsSeparatedByString_("")));
+    EXPECT_EQ("[][a]", bracketed(NSString("aaa").componentsSeparatedByString_("aa")));
+    EXPECT_EQ("[x][\xCC\x81y]", bracketed(units(u"xe\u0301y").componentsSeparatedByString_("e")));
     EXPECT_THROW(NSString("a").componentsSeparatedByString_(nil), NSInvalidArgumentException);
 }
 

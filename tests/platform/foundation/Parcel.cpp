@@ -142,6 +142,8 @@ void onThreads(unsigned count, std::function<void(unsigned)> const& function) {
         thread.join();
 }
 
+std::string joined(NSArray const& array) { return text(array.componentsJoinedByString_(" ")); }
+
 NSArray words(std::initializer_list<char const*> words) {
     NSMutableArray const made = NSMutableArray::array();
     for (char const* word : words)

@@ -124,5 +124,7 @@ std::string text(id const& object);
 void onThreads(unsigned count, std::function<void(unsigned)> const& function);
 // An array of the strings.
 NSArray words(std::initializer_list<char const*> words);
+// The elements' descriptions with a space between; "-" for nil.
+std::string joined(NSArray const& array);
 
 }

@@ -1,14 +1,12 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/PropertyListLimits.h"
+#include "tests/platform/foundation/PropertyListBytes.h"
 #include "tests/platform/foundation/PropertyListDump.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 namespace {
-
-// Text that may hold NUL.
-std::string operator""_bytes(char const* text, std::size_t size) { return {text, size}; }
 
 std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
@@ -18,26 +16,19 @@ std::string repeated(std::string_view text, std::size_t count) {
     return result;
 }
 
-std::string number(std::uint64_t value, std::size_t width) {
-    std::string bytes;
-    for (std::size_t shift = width * 8; shift > 0; shift -= 8)
-        bytes += static_cast<char>(value >> (shift - 8));
-    return bytes;
-}
-
 // A binary file of containers, each holding the next one so many times; the last one is followed by an empty array.
 std::string chain(std::size_t containers, std::size_t references) {
     std::string bytes = "bplist00";
     std::string table;
     for (std::size_t index = 0; index < containers; ++index) {
-        table += number(bytes.size(), 4);
+        table += bigEndian(bytes.size(), 4);
         bytes += static_cast<char>(0xA0 | references);
-        bytes += repeated(number(index + 1, 4), references);
+        bytes += repeated(bigEndian(index + 1, 4), references);
     }
-    table += number(bytes.size(), 4);
+    table += bigEndian(bytes.size(), 4);
     bytes += "\xA0";
-    return bytes + table + std::string(6, '\0') + "\x04\x04" + number(containers + 1, 8) + number(0, 8) +
-           number(bytes.size(), 8);
+    return bytes + table + std::string(6, '\0') + "\x04\x04" + bigEndian(containers + 1, 8) + bigEndian(0, 8) +
+           bigEndian(bytes.size(), 8);
 }
 
 std::string xmlChain(std::size_t depth) { return repeated("<array>", depth) + repeated("</array>", depth); }
@@ -87,14 +78,14 @@ TEST(PropertyListBounds, DepthCountsAlsoWhereAnObjectIsShared) {
     constexpr std::size_t kEach = 300;
     // The list holds the second chain, then the first, whose end holds the second.
     auto const add = [&](std::string const& object) {
-        table += number(bytes.size(), 4);
+        table += bigEndian(bytes.size(), 4);
         bytes += object;
     };
-    add("\xA2"_bytes + number(kEach + 1, 4) + number(1, 4));
+    add("\xA2"_bytes + bigEndian(kEach + 1, 4) + bigEndian(1, 4));
     for (std::size_t index = 1; index <= kEach * 2; ++index)
-        add(index == kEach * 2 ? "\xA0"_bytes : "\xA1"_bytes + number(index + 1, 4));
-    EXPECT_TRUE(isTooDeep(bytes + table + std::string(6, '\0') + "\x04\x04" + number(kEach * 2 + 1, 8) + number(0, 8) +
-                          number(bytes.size(), 8)));
+        add(index == kEach * 2 ? "\xA0"_bytes : "\xA1"_bytes + bigEndian(index + 1, 4));
+    EXPECT_TRUE(isTooDeep(bytes + table + std::string(6, '\0') + "\x04\x04" + bigEndian(kEach * 2 + 1, 8) +
+                          bigEndian(0, 8) + bigEndian(bytes.size(), 8)));
 }
 
 TEST(PropertyListBounds, ABombOfSharedReferencesIsAnError) {
@@ -115,10 +106,10 @@ TEST(PropertyListBounds, SharedContainersBelowTheBoundAreRead) {
 TEST(PropertyListBounds, SharedTextCountsAsOftenAsItIsMet) {
     std::string bytes = "bplist00\xAF\x10\x14"_bytes + repeated("\x01", 20);
     std::size_t const string = bytes.size();
-    bytes += "\x5F\x12"_bytes + number(16 << 20, 4) + std::string(16 << 20, 'x');
-    std::string const table = number(8, 4) + number(string, 4);
-    EXPECT_TRUE(isTooLarge(bytes + table + std::string(6, '\0') + "\x04\x01" + number(2, 8) + number(0, 8) +
-                           number(bytes.size(), 8)));
+    bytes += "\x5F\x12"_bytes + bigEndian(16 << 20, 4) + std::string(16 << 20, 'x');
+    std::string const table = bigEndian(8, 4) + bigEndian(string, 4);
+    EXPECT_TRUE(isTooLarge(bytes + table + std::string(6, '\0') + "\x04\x01" + bigEndian(2, 8) + bigEndian(0, 8) +
+                           bigEndian(bytes.size(), 8)));
 }
 
 TEST(PropertyListBounds, TooManyObjectsAreAnError) {

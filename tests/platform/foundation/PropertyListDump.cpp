@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view Digits = "0123456789abcdef";
 
-std::string real(double value) {
+std::string realText(double value) {
     if (std::isnan(value)) return "nan";
     std::array<char, 40> text{};
     auto const [end, error] =
@@ -51,7 +51,7 @@ void appendNumber(std::string& text, NSNumber const& number) {
         text += number.boolValue() ? "true" : "false";
         return;
     case NSNumber::Kind::Real:
-        text.append("r").append(real(number.doubleValue()));
+        text.append("r").append(realText(number.doubleValue()));
         return;
     case NSNumber::Kind::Signed:
         text.append("i").append(std::to_string(number.longLongValue()));
@@ -101,7 +101,7 @@ void append(std::string& text, id const& value, Dates dates) {
     } else if (value.isKindOfClass_(classOf<NSDate>())) {
         // Text has no negative zero seconds; the sum has none either.
         double const seconds = as<NSDate>(value).timeIntervalSinceReferenceDate();
-        text.append("d").append(real(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0));
+        text.append("d").append(realText(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0));
     } else {
         text += "nil";
     }

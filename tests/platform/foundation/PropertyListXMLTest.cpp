@@ -12,7 +12,7 @@ std::string plist(std::string_view value) {
 }
 
 // The XML parser's part of the error.
-std::string complaint(std::string_view text) {
+std::string xmlComplaint(std::string_view text) {
     std::string const error = readList(text).error;
     constexpr std::string_view kHead = "XML parser error:\n\t";
     constexpr std::string_view kNext = "\nOld-style plist parser error:\n\t";
@@ -20,14 +20,14 @@ std::string complaint(std::string_view text) {
     return error.substr(kHead.size(), error.find(kNext) - kHead.size());
 }
 
-struct Row {
+struct XMLRow {
     char const* text;
     char const* expected;
 };
 
-void PrintTo(Row const& row, std::ostream* out) { *out << row.text; }
+void PrintTo(XMLRow const& row, std::ostream* out) { *out << row.text; }
 
-class XMLValue : public testing::TestWithParam<Row> {};
+class XMLValue : public testing::TestWithParam<XMLRow> {};
 
 TEST_P(XMLValue, IsRead) {
     Reading const reading = readList(plist(GetParam().text));
@@ -39,93 +39,98 @@ TEST_P(XMLValue, IsRead) {
 INSTANTIATE_TEST_SUITE_P(
     PropertyListXML, XMLValue,
     testing::Values(
-        Row{"<string>a</string>", "\"a\""}, Row{"<string/>", "\"\""}, Row{"<string>  </string>", "\"  \""},
-        Row{"<string>&lt;&gt;&amp;&quot;&apos;&#65;&#x42;</string>", "\"<>&\\u0022'AB\""},
-        Row{"<string>a<![CDATA[<b>&amp;]]>c</string>", "\"a<b>&amp;c\""}, Row{"<string>&#13;</string>", "\"\\u000d\""},
-        Row{"<string>\xC3\xA9\xF0\x9F\x98\x80</string>", "\"\\u00e9\\ud83d\\ude00\""},
-        Row{"<integer>0</integer>", "i0"}, Row{"<integer>-0</integer>", "i0"}, Row{"<integer>+7</integer>", "i7"},
-        Row{"<integer>0x1F</integer>", "i31"}, Row{"<integer>-0X1f</integer>", "i-31"},
-        Row{"<integer>9223372036854775807</integer>", "i9223372036854775807"},
-        Row{"<integer>9223372036854775808</integer>", "i9223372036854775808"},
-        Row{"<integer>18446744073709551615</integer>", "i18446744073709551615"},
-        Row{"<integer>-9223372036854775808</integer>", "i-9223372036854775808"}, Row{"<real>1.5</real>", "r1.5"},
-        Row{"<real>1</real>", "r1"}, Row{"<real>-0</real>", "r-0"}, Row{"<real>+1E-3</real>", "r0.001"},
-        Row{"<real>nan</real>", "rnan"}, Row{"<real>inf</real>", "rinf"}, Row{"<real>-Infinity</real>", "r-inf"},
-        Row{"<real>+infinity</real>", "rinf"}, Row{"<true/>", "true"}, Row{"<false></false>", "false"},
-        Row{"<date>2001-01-01T00:00:00Z</date>", "d0"}, Row{"<date>2000-12-31T23:59:59Z</date>", "d-1"},
-        Row{"<date>2024-02-29T12:34:56Z</date>", "d730902896"}, Row{"<data></data>", "<>"},
-        Row{"<data>AAH/</data>", "<0001ff>"}, Row{"<data>\n\tAA\n\tE=\n\t</data>", "<0001>"},
-        Row{"<data>AA==</data>", "<00>"}, Row{"<array/>", "[]"},
-        Row{"<array><!-- c --><true/> <?pi x?><integer>1</integer></array>", "[true,i1]"}, Row{"<dict/>", "{}"},
-        Row{"<dict><key>b</key><true/><key>a</key><array><dict/></array></dict>", "{\"a\":[{}],\"b\":true}"},
-        Row{"<dict><key></key><string>empty</string></dict>", "{\"\":\"empty\"}"},
-        Row{"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", "{\"a\":i2}"}));
+        XMLRow{"<string>a</string>", "\"a\""}, XMLRow{"<string/>", "\"\""}, XMLRow{"<string>  </string>", "\"  \""},
+        XMLRow{"<string>&lt;&gt;&amp;&quot;&apos;&#65;&#x42;</string>", "\"<>&\\u0022'AB\""},
+        XMLRow{"<string>a<![CDATA[<b>&amp;]]>c</string>", "\"a<b>&amp;c\""},
+        XMLRow{"<string>&#13;</string>", "\"\\u000d\""},
+        XMLRow{"<string>\xC3\xA9\xF0\x9F\x98\x80</string>", "\"\\u00e9\\ud83d\\ude00\""},
+        XMLRow{"<integer>0</integer>", "i0"}, XMLRow{"<integer>-0</integer>", "i0"},
+        XMLRow{"<integer>+7</integer>", "i7"}, XMLRow{"<integer>0x1F</integer>", "i31"},
+        XMLRow{"<integer>-0X1f</integer>", "i-31"},
+        XMLRow{"<integer>9223372036854775807</integer>", "i9223372036854775807"},
+        XMLRow{"<integer>9223372036854775808</integer>", "i9223372036854775808"},
+        XMLRow{"<integer>18446744073709551615</integer>", "i18446744073709551615"},
+        XMLRow{"<integer>-9223372036854775808</integer>", "i-9223372036854775808"}, XMLRow{"<real>1.5</real>", "r1.5"},
+        XMLRow{"<real>1</real>", "r1"}, XMLRow{"<real>-0</real>", "r-0"}, XMLRow{"<real>+1E-3</real>", "r0.001"},
+        XMLRow{"<real>nan</real>", "rnan"}, XMLRow{"<real>inf</real>", "rinf"},
+        XMLRow{"<real>-Infinity</real>", "r-inf"}, XMLRow{"<real>+infinity</real>", "rinf"}, XMLRow{"<true/>", "true"},
+        XMLRow{"<false></false>", "false"}, XMLRow{"<date>2001-01-01T00:00:00Z</date>", "d0"},
+        XMLRow{"<date>2000-12-31T23:59:59Z</date>", "d-1"}, XMLRow{"<date>2024-02-29T12:34:56Z</date>", "d730902896"},
+        XMLRow{"<data></data>", "<>"}, XMLRow{"<data>AAH/</data>", "<0001ff>"},
+        XMLRow{"<data>\n\tAA\n\tE=\n\t</data>", "<0001>"}, XMLRow{"<data>AA==</data>", "<00>"},
+        XMLRow{"<array/>", "[]"}, XMLRow{"<array><!-- c --><true/> <?pi x?><integer>1</integer></array>", "[true,i1]"},
+        XMLRow{"<dict/>", "{}"},
+        XMLRow{"<dict><key>b</key><true/><key>a</key><array><dict/></array></dict>", "{\"a\":[{}],\"b\":true}"},
+        XMLRow{"<dict><key></key><string>empty</string></dict>", "{\"\":\"empty\"}"},
+        XMLRow{"<dict><key>a</key><integer>1</integer><key>a</key><integer>2</integer></dict>", "{\"a\":i2}"}));
 
-class XMLMistake : public testing::TestWithParam<Row> {};
+class XMLMistake : public testing::TestWithParam<XMLRow> {};
 
 TEST_P(XMLMistake, IsRefusedWithItsLine) {
     EXPECT_EQ(readList(GetParam().text).list == nil, true);
-    EXPECT_EQ(complaint(GetParam().text), GetParam().expected);
+    EXPECT_EQ(xmlComplaint(GetParam().text), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     PropertyListXML, XMLMistake,
     testing::Values(
-        Row{"<plist>\n<integer> 1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 2"},
-        Row{"<plist><integer>1 </integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>1.5</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer></integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>-</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>--1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>0x</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>18446744073709551616</integer></plist>",
-            "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>-9223372036854775809</integer></plist>",
-            "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><integer>\xD9\xA1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
-        Row{"<plist><real/></plist>", "There is a <real> that is no number at line 1"},
-        Row{"<plist><real>1,5</real></plist>", "There is a <real> that is no number at line 1"},
-        Row{"<plist><real>0x1p3</real></plist>", "There is a <real> that is no number at line 1"},
-        Row{"<plist><real>+-1</real></plist>", "There is a <real> that is no number at line 1"},
-        Row{"<plist><real>1e999</real></plist>", "There is a <real> that is no number at line 1"},
-        Row{"<plist><date>2001-01-01</date></plist>", "There is a <date> that is no date at line 1"},
-        Row{"<plist><date>2001-02-30T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
-        Row{"<plist><date>2001-01-01T24:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
-        Row{"<plist><data>A</data></plist>", "There is <data> that is not in base 64 at line 1"},
-        Row{"<plist><data>A===</data></plist>", "There is <data> that is not in base 64 at line 1"},
-        Row{"<plist><data>AA=A</data></plist>", "There is <data> that is not in base 64 at line 1"},
-        Row{"<plist><data>AA*=</data></plist>", "There is <data> that is not in base 64 at line 1"},
-        Row{"<plist><true>x</true></plist>", "There is text in a <true> or <false> at line 1"},
-        Row{"<plist><string>a<!-- b --></string></plist>", "There is something other than text in <string> at line 1"},
-        Row{"<plist><string>a<b/></string></plist>", "There is something other than text in <string> at line 1"},
-        Row{"<plist>\n<string/>\n<string/></plist>",
-            "There is more than one value outside of all containers at line 3"},
-        Row{"<plist/>\n", "The list is empty at line 2"},
-        Row{"<plist><dict>\n<key>a</key>\n</dict></plist>", "The last key of a dictionary has no value at line 3"},
-        Row{"<plist><dict><key>a</key><key>b</key></dict></plist>", "A key in a dictionary has no value at line 1"},
-        Row{"<plist><dict>\n\n<true/></dict></plist>", "A value in a dictionary has no key at line 3"},
-        Row{"<plist><dict><dict/></dict></plist>", "A value in a dictionary has no key at line 1"},
-        Row{"<plist><array><key>a</key></array></plist>", "There is a key outside of a dictionary at line 1"},
-        Row{"<plist><array>stray</array></plist>", "There is text outside of a value at line 1"},
-        Row{"<plist>stray<true/></plist>", "There is text outside of a value at line 1"},
-        Row{"<plist><dict><plist/></dict></plist>", "There is a <plist> within another element at line 1"},
-        Row{"<plist><set/></plist>", "There is no element <set> in property lists at line 1"},
-        Row{"<plist><p:dict xmlns:p='x'/></plist>", "There is no element <p:dict> in property lists at line 1"},
-        Row{"<plist>&file;</plist>", "Entity 'file' not declared at line 1"},
-        Row{"<plist><dict>\n<key>a</key>\n", "Premature end of document at line 3"}));
+        XMLRow{"<plist>\n<integer> 1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 2"},
+        XMLRow{"<plist><integer>1 </integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>1.5</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer></integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>-</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>--1</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>0x</integer></plist>", "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>18446744073709551616</integer></plist>",
+               "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>-9223372036854775809</integer></plist>",
+               "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><integer>\xD9\xA1</integer></plist>",
+               "There is an <integer> that is no 64-bit integer at line 1"},
+        XMLRow{"<plist><real/></plist>", "There is a <real> that is no number at line 1"},
+        XMLRow{"<plist><real>1,5</real></plist>", "There is a <real> that is no number at line 1"},
+        XMLRow{"<plist><real>0x1p3</real></plist>", "There is a <real> that is no number at line 1"},
+        XMLRow{"<plist><real>+-1</real></plist>", "There is a <real> that is no number at line 1"},
+        XMLRow{"<plist><real>1e999</real></plist>", "There is a <real> that is no number at line 1"},
+        XMLRow{"<plist><date>2001-01-01</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>2001-02-30T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>2001-01-01T24:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><data>A</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        XMLRow{"<plist><data>A===</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        XMLRow{"<plist><data>AA=A</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        XMLRow{"<plist><data>AA*=</data></plist>", "There is <data> that is not in base 64 at line 1"},
+        XMLRow{"<plist><true>x</true></plist>", "There is text in a <true> or <false> at line 1"},
+        XMLRow{"<plist><string>a<!-- b --></string></plist>",
+               "There is something other than text in <string> at line 1"},
+        XMLRow{"<plist><string>a<b/></string></plist>", "There is something other than text in <string> at line 1"},
+        XMLRow{"<plist>\n<string/>\n<string/></plist>",
+               "There is more than one value outside of all containers at line 3"},
+        XMLRow{"<plist/>\n", "The list is empty at line 2"},
+        XMLRow{"<plist><dict>\n<key>a</key>\n</dict></plist>", "The last key of a dictionary has no value at line 3"},
+        XMLRow{"<plist><dict><key>a</key><key>b</key></dict></plist>", "A key in a dictionary has no value at line 1"},
+        XMLRow{"<plist><dict>\n\n<true/></dict></plist>", "A value in a dictionary has no key at line 3"},
+        XMLRow{"<plist><dict><dict/></dict></plist>", "A value in a dictionary has no key at line 1"},
+        XMLRow{"<plist><array><key>a</key></array></plist>", "There is a key outside of a dictionary at line 1"},
+        XMLRow{"<plist><array>stray</array></plist>", "There is text outside of a value at line 1"},
+        XMLRow{"<plist>stray<true/></plist>", "There is text outside of a value at line 1"},
+        XMLRow{"<plist><dict><plist/></dict></plist>", "There is a <plist> within another element at line 1"},
+        XMLRow{"<plist><set/></plist>", "There is no element <set> in property lists at line 1"},
+        XMLRow{"<plist><p:dict xmlns:p='x'/></plist>", "There is no element <p:dict> in property lists at line 1"},
+        XMLRow{"<plist>&file;</plist>", "Entity 'file' not declared at line 1"},
+        XMLRow{"<plist><dict>\n<key>a</key>\n", "Premature end of document at line 3"}));
 
 TEST(PropertyListXML, ReadsAListWithoutThePlistElement) {
     EXPECT_EQ(dump(readList("<dict><key>a</key><true/></dict>").list), "{\"a\":true}");
 }
 
 TEST(PropertyListXML, RefusesASecondRoot) {
-    EXPECT_EQ(complaint("<plist><true/></plist>\n<plist><true/></plist>"),
+    EXPECT_EQ(xmlComplaint("<plist><true/></plist>\n<plist><true/></plist>"),
               "Extra content at end of document at line 2");
 }
 
 TEST(PropertyListXML, RefusesDeclarationsOfEntities) {
     std::string const list = "<!DOCTYPE plist [\n<!ENTITY a \"b\">\n]>\n<plist><string>&a;</string></plist>";
-    EXPECT_EQ(complaint(list), "There are declarations in the document type at line 1");
+    EXPECT_EQ(xmlComplaint(list), "There are declarations in the document type at line 1");
 }
 
 TEST(PropertyListXML, RefusesABillionLaughsAtOnce) {
@@ -133,7 +138,7 @@ TEST(PropertyListXML, RefusesABillionLaughsAtOnce) {
     for (int level = 1; level < 30; ++level)
         list += "<!ENTITY a" + std::to_string(level) + " \"&a" + std::to_string(level - 1) + ";&a" +
                 std::to_string(level - 1) + ";\">";
-    EXPECT_EQ(complaint(list + "]><plist><string>&a29;</string></plist>"),
+    EXPECT_EQ(xmlComplaint(list + "]><plist><string>&a29;</string></plist>"),
               "There are declarations in the document type at line 2");
 }
 
@@ -145,14 +150,14 @@ TEST(PropertyListXML, LooksAtNothingOutsideForADocumentType) {
 TEST(PropertyListXML, RefusesExternalEntities) {
     std::string const list =
         "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/hostname\">]><plist><string>&a;</string></plist>";
-    EXPECT_EQ(complaint(list), "There are declarations in the document type at line 1");
+    EXPECT_EQ(xmlComplaint(list), "There are declarations in the document type at line 1");
 }
 
 TEST(PropertyListXML, RefusesATagOfAMillionAttributes) {
     std::string list = "<plist";
     for (int index = 0; index < 1000000; ++index)
         list += " a" + std::to_string(index) + "=''";
-    EXPECT_EQ(complaint(list + "><true/></plist>"), "There is a tag that is too long at line 1");
+    EXPECT_EQ(xmlComplaint(list + "><true/></plist>"), "There is a tag that is too long at line 1");
 }
 
 TEST(PropertyListXML, TakesLongTextBetweenTagsForNoTag) {
@@ -197,19 +202,19 @@ INSTANTIATE_TEST_SUITE_P(
                     "\"\\u00e9\""}));
 
 TEST(PropertyListXML, RefusesBytesThatAreNotUTF8WithTheirLine) {
-    EXPECT_EQ(complaint("<plist>\n<string>\xE9</string></plist>"),
+    EXPECT_EQ(xmlComplaint("<plist>\n<string>\xE9</string></plist>"),
               "The text is not valid in its encoding, UTF-8, at line 2");
 }
 
 TEST(PropertyListXML, RefusesUTF16ThatIsCutInAUnit) {
-    EXPECT_EQ(complaint("\xFE\xFF" + wide("<true/>", true) + std::string(1, '\0')),
+    EXPECT_EQ(xmlComplaint("\xFE\xFF" + wide("<true/>", true) + std::string(1, '\0')),
               "The text is not valid in its encoding, UTF-16BE, at line 1");
 }
 
 TEST(PropertyListXML, RefusesEncodingsInWhichMarkupIsNotASCII) {
     for (char const* name : {"UTF-7", "ISO-2022-JP", "ebcdic-cp-us", "UTF-16", "no-such-encoding", "SCSU"}) {
         std::string const text = std::string("<?xml version='1.0' encoding='") + name + "'?><true/>";
-        EXPECT_EQ(complaint(text), std::string("The text's encoding \"") + name + "\" is not supported at line 1");
+        EXPECT_EQ(xmlComplaint(text), std::string("The text's encoding \"") + name + "\" is not supported at line 1");
     }
 }
 

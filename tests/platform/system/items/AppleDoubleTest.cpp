@@ -7,26 +7,26 @@ namespace mac::test {
 namespace {
 
 // A file put together by hand, number by number.
-class Bytes {
+class FileBytes {
 public:
-    Bytes& number(std::uint32_t value, unsigned width = 4) {
+    FileBytes& number(std::uint32_t value, unsigned width = 4) {
         for (unsigned index = width; index > 0; --index)
             m_bytes.push_back(static_cast<std::byte>(value >> (8 * (index - 1))));
         return *this;
     }
-    Bytes& text(std::string_view text) {
+    FileBytes& text(std::string_view text) {
         std::span<std::byte const> const bytes = std::as_bytes(std::span(text));
         m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
         return *this;
     }
-    Bytes& zeros(std::size_t count) {
+    FileBytes& zeros(std::size_t count) {
         m_bytes.resize(m_bytes.size() + count);
         return *this;
     }
-    Bytes& header(std::uint32_t parts) {
+    FileBytes& header(std::uint32_t parts) {
         return number(0x00051607).number(0x00020000).text("Mac OS X        ").number(parts, 2);
     }
-    Bytes& part(std::uint32_t kind, std::uint32_t offset, std::uint32_t length) {
+    FileBytes& part(std::uint32_t kind, std::uint32_t offset, std::uint32_t length) {
         return number(kind).number(offset).number(length);
     }
     std::vector<std::byte> const& get() const { return m_bytes; }
@@ -40,24 +40,24 @@ std::string text(std::optional<std::span<std::byte const>> bytes) {
     return {reinterpret_cast<char const*>(bytes->data()), bytes->size()};
 }
 
-std::string complaint(Bytes const& bytes) { return AppleDouble::read(bytes.get()).problem().reason; }
+std::string complaint(FileBytes const& bytes) { return AppleDouble::read(bytes.get()).problem().reason; }
 
 // Finder information of 32 bytes at 50, the table at 84 with its first entry at 120.
-Bytes withTable(std::uint32_t attributes) {
-    Bytes bytes;
+FileBytes withTable(std::uint32_t attributes) {
+    FileBytes bytes;
     bytes.header(2).part(9, 50, 110).part(2, 160, 4).text("APPLMRFM").zeros(26);
     return bytes.text("ATTR").number(7).number(160).number(152).number(8).zeros(14).number(attributes, 2);
 }
 
 // Its entries, of an attribute "a" of 5 bytes and one "b:c" of 3, their values and a resource fork.
-void appendTwoAttributesAndFork(Bytes& bytes) {
+void appendTwoAttributesAndFork(FileBytes& bytes) {
     bytes.number(152).number(5).number(0, 2).number(2, 1).text("a").zeros(4);
     bytes.number(157).number(3).number(0, 2).number(4, 1).text("b:c").zeros(2);
     bytes.text("valueyes").text("fork");
 }
 
 TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
-    Bytes bytes = withTable(2);
+    FileBytes bytes = withTable(2);
     appendTwoAttributesAndFork(bytes);
     ASSERT_EQ(bytes.get().size(), 164U);
     Result<AppleDouble, Failure> const file = AppleDouble::read(bytes.get());
@@ -72,7 +72,7 @@ TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
 }
 
 TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
-    Bytes bytes = withTable(2);
+    FileBytes bytes = withTable(2);
     appendTwoAttributesAndFork(bytes);
     std::size_t const size = bytes.get().size();
     std::span<std::byte const> const all(bytes.get());
@@ -90,7 +90,7 @@ TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
 
 TEST(AppleDouble, LeavesValuesEmptyThatLieBehindItsBeginning) {
     // The table's values need not lie in the Finder information.
-    Bytes bytes;
+    FileBytes bytes;
     bytes.header(1).part(9, 50, 90).zeros(12).text("APPLMRFM").zeros(26);
     bytes.text("ATTR").number(7).number(0).number(0).number(0).zeros(14).number(2, 2);
     bytes.number(160).number(5).number(0, 2).number(2, 1).text("a").zeros(4);
@@ -109,7 +109,7 @@ TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
     ASSERT_TRUE(file.setValue("a", std::as_bytes(std::span("value", 5))));
     ASSERT_TRUE(file.setValue("b:c", std::as_bytes(std::span("yes", 3))));
     ASSERT_TRUE(file.setValue(XATTR_RESOURCEFORK_NAME, std::as_bytes(std::span("fork", 4))));
-    Bytes expected;
+    FileBytes expected;
     expected.header(2).part(9, 50, 110).part(2, 160, 4).zeros(34);
     expected.text("ATTR").number(0).number(160).number(152).number(8).zeros(14).number(2, 2);
     appendTwoAttributesAndFork(expected);
@@ -117,7 +117,7 @@ TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
 }
 
 TEST(AppleDouble, KeepsPartsOfOthers) {
-    Bytes const bytes = Bytes().header(2).part(3, 50, 4).part(0x8053567E, 54, 0).text("Name");
+    FileBytes const bytes = FileBytes().header(2).part(3, 50, 4).part(0x8053567E, 54, 0).text("Name");
     Result<AppleDouble, Failure> file = AppleDouble::read(bytes.get());
     ASSERT_TRUE(file.hasValue());
     AppleDouble changed = file.takeValue();
@@ -131,7 +131,7 @@ TEST(AppleDouble, KeepsPartsOfOthers) {
 }
 
 TEST(AppleDouble, KeepsWhatItDoesNotKnow) {
-    Bytes bytes;
+    FileBytes bytes;
     bytes.number(0x00051607).number(0x00020000).text("HFS plus        ").number(2, 2);
     bytes.part(9, 50, 88).part(2, 138, 0).zeros(34);
     bytes.text("ATTR").number(0xCAFE).number(138).number(136).number(1).text("twelve bytes").number(0xBEEF, 2);
@@ -154,7 +154,7 @@ TEST(AppleDouble, KeepsWhatItDoesNotKnow) {
 }
 
 TEST(AppleDouble, KeepsWhatOthersHavePutBehindTheFinderInformation) {
-    Bytes const bytes = Bytes().header(1).part(9, 38, 100).text("APPL").zeros(28).text("theirs").zeros(62);
+    FileBytes const bytes = FileBytes().header(1).part(9, 38, 100).text("APPL").zeros(28).text("theirs").zeros(62);
     Result<AppleDouble, Failure> read = AppleDouble::read(bytes.get());
     ASSERT_TRUE(read.hasValue()) << read.problem().reason;
     AppleDouble changed = read.takeValue();
@@ -170,7 +170,7 @@ TEST(AppleDouble, KeepsWhatOthersHavePutBehindTheFinderInformation) {
 }
 
 TEST(AppleDouble, KeepsNoPadding) {
-    Bytes const bytes = Bytes().header(1).part(9, 38, 4'000).text("APPL").zeros(3'996);
+    FileBytes const bytes = FileBytes().header(1).part(9, 38, 4'000).text("APPL").zeros(3'996);
     Result<AppleDouble, Failure> const read = AppleDouble::read(bytes.get());
     ASSERT_TRUE(read.hasValue()) << read.problem().reason;
     EXPECT_TRUE(read.value().informationTail.empty());
@@ -215,24 +215,24 @@ TEST(AppleDouble, ChangesByName) {
 }
 
 TEST(AppleDouble, SaysWhatIsWrong) {
-    EXPECT_EQ(complaint(Bytes()), "It is no AppleDouble file");
-    EXPECT_EQ(complaint(Bytes().text("somebody's notes")), "It is no AppleDouble file");
-    EXPECT_EQ(complaint(Bytes().number(0x00051607).number(0x00010000).zeros(18)),
+    EXPECT_EQ(complaint(FileBytes()), "It is no AppleDouble file");
+    EXPECT_EQ(complaint(FileBytes().text("somebody's notes")), "It is no AppleDouble file");
+    EXPECT_EQ(complaint(FileBytes().number(0x00051607).number(0x00010000).zeros(18)),
               "It is an AppleDouble file of another version");
-    EXPECT_EQ(complaint(Bytes().number(0x00051607).number(0x00020000)), "It is cut short");
-    EXPECT_EQ(complaint(Bytes().header(2).part(2, 38, 0)), "The list of parts is cut short");
-    EXPECT_EQ(complaint(Bytes().header(1).part(2, 38, 1)), "A part lies outside of the file, or in another one");
-    EXPECT_EQ(complaint(Bytes().header(1).part(2, 0xFFFFFFFF, 0xFFFFFFFF)),
+    EXPECT_EQ(complaint(FileBytes().number(0x00051607).number(0x00020000)), "It is cut short");
+    EXPECT_EQ(complaint(FileBytes().header(2).part(2, 38, 0)), "The list of parts is cut short");
+    EXPECT_EQ(complaint(FileBytes().header(1).part(2, 38, 1)), "A part lies outside of the file, or in another one");
+    EXPECT_EQ(complaint(FileBytes().header(1).part(2, 0xFFFFFFFF, 0xFFFFFFFF)),
               "A part lies outside of the file, or in another one");
-    EXPECT_EQ(complaint(Bytes().header(3).part(2, 0, 30).part(3, 0, 30).part(4, 0, 30)),
+    EXPECT_EQ(complaint(FileBytes().header(3).part(2, 0, 30).part(3, 0, 30).part(4, 0, 30)),
               "A part lies outside of the file, or in another one");
-    EXPECT_EQ(complaint(Bytes().header(2).part(2, 50, 0).part(2, 50, 0)), "A part is there twice");
-    EXPECT_EQ(complaint(Bytes().header(1).part(9, 38, 4).zeros(4)), "The Finder information is cut short");
+    EXPECT_EQ(complaint(FileBytes().header(2).part(2, 50, 0).part(2, 50, 0)), "A part is there twice");
+    EXPECT_EQ(complaint(FileBytes().header(1).part(9, 38, 4).zeros(4)), "The Finder information is cut short");
 }
 
 TEST(AppleDouble, SaysWhatIsWrongWithItsAttributes) {
     auto const entry = [](std::uint32_t offset, std::uint32_t length, std::string_view name) {
-        Bytes bytes = withTable(1);
+        FileBytes bytes = withTable(1);
         return bytes.number(offset)
             .number(length)
             .number(0, 2)
