@@ -13,7 +13,7 @@ std::string hostName() {
     return ::gethostname(name.data(), name.size() - 1) == 0 ? std::string(name.data()) : "";
 }
 
-// A window says its process's ID and on which computer that runs. The ID is of use on this one only.
+// The ID of the process that the window names; nullopt if it names none, or one of another computer.
 std::optional<std::int32_t> processOf(X11Display const& display, std::uint32_t window) {
     std::vector<std::uint32_t> const pid = display.numbers(window, "_NET_WM_PID");
     if (pid.empty() || pid[0] == 0 || pid[0] > INT32_MAX) return std::nullopt;
@@ -22,7 +22,7 @@ std::optional<std::int32_t> processOf(X11Display const& display, std::uint32_t w
     return static_cast<std::int32_t>(pid[0]);
 }
 
-// From the topmost to the lowest.
+// The windows from the topmost to the lowest.
 std::vector<std::uint32_t> windowsOf(X11Display const& display) {
     std::vector<std::uint32_t> windows = display.numbers(display.rootWindow(), "_NET_CLIENT_LIST_STACKING");
     if (windows.empty()) windows = display.numbers(display.rootWindow(), "_NET_CLIENT_LIST");
@@ -45,7 +45,7 @@ bool bringToFront(std::int32_t pid) {
     if (!display) return false;
     for (std::uint32_t const window : windowsOf(*display)) {
         if (processOf(*display, window) != pid) continue;
-        // As a pager asks, on the user's behalf: what a program asks for itself is often only hinted at.
+        // As a pager asks, on the user's behalf: a window manager may only mark the window for a program's own request.
         constexpr std::uint32_t fromPager = 2;
         constexpr std::uint32_t now = 0;
         return display->tellWindowManager(window, "_NET_ACTIVE_WINDOW", {fromPager, now, 0, 0, 0});

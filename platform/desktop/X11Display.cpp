@@ -18,7 +18,7 @@ namespace {
 template <class T>
 using Reply = std::unique_ptr<T, decltype(&std::free)>;
 
-// The functions of the display's library, found by name.
+// The functions of libxcb, found by name.
 struct Library {
     decltype(&::xcb_connect) connect{nullptr};
     decltype(&::xcb_disconnect) disconnect{nullptr};
@@ -64,7 +64,7 @@ struct Library {
         find(flush, "xcb_flush");
     }
 
-    // Stays loaded to the program's end.
+    // Never unloaded.
     static Library const& shared() {
         static Library const library;
         return library;
@@ -89,7 +89,7 @@ public:
         return screens.rem > 0 ? screens.data->root : xcb_window_t{XCB_WINDOW_NONE};
     }
 
-    // None where nobody has used the name yet.
+    // XCB_ATOM_NONE for a name that no client has used yet.
     xcb_atom_t atom(std::string_view name) const {
         constexpr std::uint8_t onlyIfExists = 1;
         auto const cookie =
@@ -113,12 +113,12 @@ public:
     bool sendToRoot(xcb_client_message_event_t const& event) const {
         constexpr std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
         m_library.sendEvent(m_connection, 0, root(), mask, reinterpret_cast<char const*>(&event));
-        // An answer to a question behind it says that the message has been taken.
+        // Requests are handled in order: the reply to a later one says that the message was taken.
         return wait<xcb_get_input_focus_reply_t>(m_library.getInputFocus(m_connection).sequence) != nullptr;
     }
 
 private:
-    // A display that hangs is not waited for for ever.
+    // null if the request fails, or the display does not answer within 5 seconds.
     template <class T>
     Reply<T> wait(unsigned sequence) const {
         using Clock = std::chrono::steady_clock;
@@ -167,7 +167,7 @@ std::vector<std::uint32_t> X11Display::numbers(std::uint32_t window, char const*
 
 std::string X11Display::text(std::uint32_t window, char const* property) const {
     std::string text = m_connection->property(window, property, 8);
-    // Some write the end of the text with it.
+    // Some programs write the terminating NUL with the text.
     while (text.ends_with('\0'))
         text.pop_back();
     return text;

@@ -5,15 +5,15 @@
 #include <string>
 #include <vector>
 
-// What is needed of an X11 display, for implementations.
+// An X11 display, as far as windows of other programs need it. For implementations.
 
 namespace mac {
 
-// A connection to the display that the environment names. The library for it is loaded on first need, so that a program
-// needs none where there is no display. One thread at a time.
+// A connection to the display that the environment names. libxcb is loaded on first need, so that a program without a
+// display runs without it. One thread at a time.
 class X11Display {
 public:
-    // Null where there is no display, or no library for it.
+    // null without a display or the library.
     static std::unique_ptr<X11Display> open();
 
     class Connection;
@@ -23,11 +23,11 @@ public:
     X11Display& operator=(X11Display const&) = delete;
 
     std::uint32_t rootWindow() const;
-    // The property's values as 32-bit numbers, or its bytes; empty for one that is not there, has another width, or
-    // is of a window that has gone.
+    // A property's values: numbers for one of 32 bits, text for one of 8 bits. Empty if the window or the property does
+    // not exist, or the property has another width.
     std::vector<std::uint32_t> numbers(std::uint32_t window, char const* property) const;
     std::string text(std::uint32_t window, char const* property) const;
-    // Sends the window manager a message about a window; whether the display took it.
+    // Sends the window manager a client message about a window, with up to five values. True if the display took it.
     bool tellWindowManager(std::uint32_t window, char const* message, std::vector<std::uint32_t> const& values) const;
 
 private:

@@ -69,11 +69,11 @@ bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::ste
 
 // A little longer than the sender waits, who is to find the time over rather than the bus gone: the toolkit's clock may
 // be an eighth too fast.
-BusPatience patienceUntil(EventDeadline const& deadline) {
-    if (!deadline) return LongestBusPatience;
-    constexpr BusPatience least{100};
-    auto const left = std::chrono::ceil<BusPatience>(*deadline - std::chrono::steady_clock::now());
-    return std::clamp(left + left / 8 + least, least, LongestBusPatience);
+BusTimeout timeoutUntil(EventDeadline const& deadline) {
+    if (!deadline) return LongestBusTimeout;
+    constexpr BusTimeout least{100};
+    auto const left = std::chrono::ceil<BusTimeout>(*deadline - std::chrono::steady_clock::now());
+    return std::clamp(left + left / 8 + least, least, LongestBusTimeout);
 }
 
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
@@ -100,12 +100,12 @@ public:
         if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
         open();
         if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), patienceUntil(deadline));
+        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
         if (owner.number.isEmpty() && !m_connection->isConnected()) {
             // The bus died unnoticed; there may be another one by now.
             open();
             if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-            owner = busNameOwner(*m_connection, endpointName(process.pid), patienceUntil(deadline));
+            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
         }
         OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
         if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
@@ -193,7 +193,7 @@ private:
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
     bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) const {
-        std::optional<BusPeer> const peer = busPeer(*m_connection, number, patienceUntil(deadline));
+        std::optional<BusPeer> const peer = busPeer(*m_connection, number, timeoutUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 

@@ -14,8 +14,7 @@
 
 namespace mac::test {
 
-// For what other programs do, which no source of the run loop tells; false when it takes a minute, which only a failure
-// does.
+// Runs the run loop until the condition holds, which it asks every 10 ms. False after a minute.
 inline bool waitUntil(std::function<bool()> const& condition) {
     NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
     while (!condition()) {
@@ -29,7 +28,7 @@ inline bool waitUntil(std::function<bool()> const& condition) {
 // The program of FakeFileBrowser.cpp.
 std::string fakeFileBrowser();
 
-// The content types that the computer knows, and nothing else of what it has for all users.
+// A data folder with the computer's content types alone.
 inline std::string const& folderWithContentTypes() {
     static TemporaryFolder const folder;
     static bool const isLinked = ::symlink("/usr/share/mime", folder.path("mime").c_str()) == 0;
@@ -37,7 +36,7 @@ inline std::string const& folderWithContentTypes() {
     return folder.path();
 }
 
-// The command of a server that does not outlive a test that crashes: it gets the signal then.
+// The command of a server that gets the signal when this process ends, also by a crash.
 inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command,
                                                       std::string const& signal = "KILL") {
     std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", signal};
@@ -45,7 +44,7 @@ inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> c
     return words;
 }
 
-// A session bus of a test's own, on which nothing of the computer's can be started.
+// A session bus of the test's own, which starts no services but those in the test's data folders.
 class PrivateBus {
 public:
     PrivateBus() : m_daemon(endingWithThisProcess({"dbus-daemon", "--session", "--nofork", "--print-address"})) {}
@@ -57,7 +56,7 @@ private:
     std::string m_address{m_daemon.readLine()};
 };
 
-// A desktop of its own with what a test puts into it. Nothing of the computer's is seen.
+// A desktop that holds only what the test puts into it.
 class Desktop {
 public:
     TemporaryFolder const folder{};
@@ -72,7 +71,7 @@ public:
         folder.makeFile("data/applications/mimeapps.list",
                         "[Default Applications]\ninode/directory=browser.desktop\ntext/plain=editor.desktop\n");
     }
-    // The same program as the service, and how the bus would start it.
+    // How the bus would start the program that offers FileManager1.
     void installService(std::string const& command) const {
         folder.makeFile("data/dbus-1/services/browser.service",
                         "[D-BUS Service]\nName=org.freedesktop.FileManager1\nExec=" + command + "\n");
@@ -85,13 +84,13 @@ public:
             lines.push_back(line);
         return lines;
     }
-    // Waits for what a program that nobody waits for is to write.
+    // Waits until the log has so many lines.
     std::vector<std::string> lines(std::size_t count) const {
         waitUntil([&] { return lines().size() >= count; });
         return lines();
     }
 
-    // Empty where there is none.
+    // Empty without a line.
     std::string lastLine() const {
         std::vector<std::string> const all = lines();
         return all.empty() ? "" : all.back();

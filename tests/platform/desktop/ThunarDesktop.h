@@ -6,7 +6,7 @@
 
 namespace mac::test {
 
-// A real file browser in a session of the test's own. Skipped where it is not installed.
+// A real file browser in a session of the test's own. Skipped if it is not installed.
 class ThunarDesktop : public testing::Test {
 protected:
     void SetUp() override {

@@ -6,23 +6,23 @@
 
 namespace mac::test {
 
-// A display that nobody sees and a bus, in the environment for as long as the object lives; what is on the display can
-// be read as assistive technology does. Texts are English.
+// A virtual display and a bus, in the environment as long as the object lives; what is on the display can be read as
+// assistive technology does. Texts are English.
 class VirtualSession {
 public:
-    // Why there can be none here; nothing where there can.
+    // Which program it lacks on this computer; nullopt if it can be made.
     static std::optional<std::string> obstacle();
 
-    // The folder for what the session leaves while it runs.
+    // The folder becomes XDG_RUNTIME_DIR.
     explicit VirtualSession(std::string const& runtimeFolder);
-    // Asked, the bus of assistive technology ends with all that is on it.
+    // Ends the accessibility bus, and with it what it started.
     ~VirtualSession();
     VirtualSession(VirtualSession const&) = delete;
     VirtualSession& operator=(VirtualSession const&) = delete;
 
-    // Whether a window of that title comes.
+    // Waits for a window of that title; false after a minute.
     static bool showsWindow(std::string const& title);
-    // Whether an element comes whose role and name begin so ("status bar \"letter.txt\"").
+    // Waits for an element whose role and name begin so ("status bar \"letter.txt\""); false after a minute.
     static bool showsElement(std::string const& beginning);
 
 private:
