@@ -96,9 +96,9 @@ std::string fileURIOfPath(std::string const& path) { return "file://" + percentE
 
 DesktopResult<std::int32_t> startProgram(ProgramStart const& start) {
     if (!hasDisplay()) return noDisplay();
-    DetachedProcess const process = startDetached(start.executable, start.words, start.folder);
-    if (process.pid > 0) return process.pid;
-    SystemError cause = lastSystemError("execv", start.executable);
+    Result<std::int32_t> const process = startDetached(start.executable, start.words, start.folder);
+    if (process.hasValue()) return process.value();
+    SystemError cause = process.problem();
     std::string text = "The program cannot be started: " + cause.text();
     return DesktopProblem{DesktopProblem::Kind::NoAnswer, std::move(text), std::move(cause)};
 }

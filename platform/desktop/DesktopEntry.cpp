@@ -106,8 +106,7 @@ std::vector<InstalledEntry> installedEntries() {
     std::vector<InstalledEntry> entries;
     std::set<std::string> seen;
     for (std::string const& folder : applicationFolders()) {
-        for (std::string const& name :
-             namesInFolder(folder, LinkAtEnd::IsFollowed).value_or(std::vector<std::string>())) {
+        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
             if (name.ends_with(Extension) && seen.insert(name).second)
                 entries.push_back({name, BytePath(folder).joined(name)});
         }

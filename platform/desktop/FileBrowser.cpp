@@ -37,15 +37,15 @@ Memory& memory() {
 
 void rememberStart(FileBrowser const& browser, ProcessIdentity const& process) {
     std::optional<std::vector<std::string>> words = argumentsOf(process.pid);
-    FileDescriptor const entries = openPath("/proc/" + std::to_string(process.pid), O_PATH | O_DIRECTORY);
-    std::optional<std::string> folder = entries.isOpen() ? linkTextIn(entries, "cwd") : std::nullopt;
+    Result<FileDescriptor> const entries = openPath("/proc/" + std::to_string(process.pid), O_PATH | O_DIRECTORY);
+    std::string folder = entries.hasValue() ? linkTextIn(entries.value(), "cwd").valueOr("") : "";
     // What was read is that process's only if it still runs.
     std::optional<RunningProcess> running = runningProcess(process);
     if (!words || words->empty() || !running) return;
     std::lock_guard const guard(memory().lock);
     memory().program = browser.program;
     memory().busAddress = sessionBusAddress();
-    memory().start = {std::move(running->executable), std::move(*words), std::move(folder).value_or("")};
+    memory().start = {std::move(running->executable), std::move(*words), std::move(folder)};
 }
 
 // A session's number belongs to no other process while the session has members.
@@ -69,13 +69,13 @@ std::optional<std::vector<std::string>> quitCommandOf(FileBrowser const& browser
 bool runQuitCommand(FileBrowser const& browser) {
     std::optional<std::vector<std::string>> const command = quitCommandOf(browser);
     std::optional<std::string> const program = command ? resolvedProgram(command->front()) : std::nullopt;
-    DetachedProcess const process = program ? startDetached(*program, *command) : DetachedProcess();
-    std::optional<RunningProcess> const running = runningProcess(process.pid);
-    std::int32_t const session = running ? ::getsid(process.pid) : 0;
+    std::int32_t const pid = program ? startDetached(*program, *command).valueOr(0) : 0;
+    std::optional<RunningProcess> const running = runningProcess(pid);
+    std::int32_t const session = running ? ::getsid(pid) : 0;
     std::lock_guard const guard(memory().lock);
     memory().quitSession = std::max(session, 0);
     memory().quitStart = running ? running->identity.startTime : 0;
-    return process.pid > 0;
+    return pid > 0;
 }
 
 bool askOneToQuit(FileBrowser const& browser, ProcessIdentity const& process) {
@@ -118,8 +118,7 @@ std::optional<ProgramStart> serviceCommandOf(FileBrowser const& browser) {
     if (!program) return std::nullopt;
     for (std::string const& data : dataFolders()) {
         std::string const folder = BytePath(data).joined("dbus-1/services");
-        std::optional<std::vector<std::string>> const names = namesInFolder(folder, LinkAtEnd::IsFollowed);
-        for (std::string const& name : names.value_or(std::vector<std::string>())) {
+        for (std::string const& name : namesInFolder(folder, LinkAtEnd::IsFollowed).valueOr({})) {
             if (!name.ends_with(".service")) continue;
             std::optional<std::vector<std::string>> words = commandInService(BytePath(folder).joined(name), *program);
             if (words) return ProgramStart{.executable = *program, .words = std::move(*words)};

@@ -29,7 +29,7 @@ DesktopProblem nothingAtPath() { return {NotThere, "There is nothing at the path
 std::optional<DesktopProblem> problemOf(Paths const& paths) {
     if (paths.empty()) return DesktopProblem{NotThere, "Nothing is to be shown"};
     for (std::string const& path : paths) {
-        if (!BytePath(path).isAbsolute() || !openPath(path, O_PATH | O_NOFOLLOW).isOpen()) return nothingAtPath();
+        if (!BytePath(path).isAbsolute() || !openPath(path, O_PATH | O_NOFOLLOW).hasValue()) return nothingAtPath();
     }
     return std::nullopt;
 }
@@ -120,9 +120,10 @@ DesktopOutcome FileBrowserSession::showInformation(Paths const& paths) const {
 }
 
 DesktopOutcome FileBrowserSession::openItem(std::string const& path) const {
-    std::optional<FileStatus> const status = BytePath(path).isAbsolute() ? fileStatusAtPath(path) : std::nullopt;
-    if (!status) return nothingAtPath();
-    if (status->kind == FileStatus::Kind::Folder) return openFolders({path});
+    if (!BytePath(path).isAbsolute()) return nothingAtPath();
+    Result<FileStatus> const status = fileStatusAtPath(path);
+    if (!status.hasValue()) return nothingAtPath();
+    if (status.value().kind == FileStatus::Kind::Folder) return openFolders({path});
     std::optional<DesktopApplication> const application =
         defaultApplicationFor(mimeTypeAndAncestors(mimeTypeOfItem(path, LinkAtEnd::IsFollowed)));
     if (!application) return DesktopProblem{NoApplication, "No application is known for the item"};

@@ -39,10 +39,11 @@ std::string readBytes(FileDescriptor const& file, std::size_t count) {
 
 // The item is held while it is examined and opened, so that no other can be read in its place.
 std::string firstBytes(std::string const& path, LinkAtEnd linkAtEnd) {
-    std::optional<OpenItem> const opened = openItemAtPath(path, linkAtEnd == LinkAtEnd::IsFollowed);
+    Result<OpenItem> const opened = openItemAtPath(path, linkAtEnd);
+    if (!opened.hasValue()) return {};
     struct stat status {};
-    if (!opened || ::fstat(opened->item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    FileDescriptor const file(::open(opened->systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (::fstat(opened.value().item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+    FileDescriptor const file(::open(opened.value().systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     return readBytes(file, BytesToLookAt);
 }
 
