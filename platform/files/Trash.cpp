@@ -1,7 +1,5 @@
 #include "platform/files/Trash.h"
-#include "platform/files/DirectorySizes.h"
-#include "platform/files/TrashInformation.h"
-#include "platform/files/TrashMove.h"
+#include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
@@ -200,6 +198,11 @@ private:
 };
 
 } // namespace
+
+RenameSteps renameStepsOf(TrashSteps const& steps) {
+    if (!steps) return {};
+    return [steps](RenameStep step) { steps(step == RenameStep::Checked ? TrashStep::Checked : TrashStep::Renamed); };
+}
 
 Result<TrashedItem, TrashProblem> moveToTrash(std::string_view path, TrashSteps const& steps) {
     Result<OpenItem> const item = openItemAtPath(BytePath(path).bytes(), LinkAtEnd::IsNotFollowed);

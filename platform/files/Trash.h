@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/files/TrashProblem.h"
 #include "platform/system/Result.h"
 #include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/ItemRename.h"
 #include "platform/system/items/OpenItem.h"
 #include <cstddef>
 #include <cstdint>
@@ -25,41 +27,6 @@
 
 namespace mac {
 
-// Why an item could not be trashed, put back or erased.
-struct TrashProblem {
-    enum class Kind {
-        // No item is at the path, or it has gone meanwhile.
-        NotThere,
-        // Another item has taken the item's place meanwhile; it was left alone.
-        Changed,
-        // The permissions of the item, its folder or its owner do not allow it.
-        NotAllowed,
-        // The volume cannot be written to.
-        ReadOnly,
-        // The volume has no space left, not even for the few bytes that the trash needs.
-        Full,
-        // The volume has no trash that can be used, and none can be made.
-        NoTrash,
-        // The item is the root, a mount point, a folder that holds one, a trash, or a folder that holds a trash.
-        Immovable,
-        // The item lies in a trash already.
-        InTrash,
-        // The item does not lie in a trash, or its original path is not recorded.
-        NotInTrash,
-        // Another item has the name that the item would get.
-        NameTaken,
-        // Any other error of the system.
-        Other,
-    };
-    using enum Kind;
-
-    Kind kind{Other};
-    // The system call that failed; its code is 0 if the trash itself refused.
-    SystemError error{};
-    // For people, in UTF-8.
-    std::string text{};
-};
-
 // A step of trashing, putting back or erasing that was just taken.
 enum class TrashStep {
     // The name still belongs to the item, or to its AppleDouble sidecar; the rename is next.
@@ -76,6 +43,8 @@ enum class TrashStep {
 };
 // Called after each step, on the thread that takes it; empty in the product. For tests of what happens between steps.
 using TrashSteps = std::function<void(TrashStep)>;
+// The steps of a rename as steps of the trash; empty if `steps` is.
+RenameSteps renameStepsOf(TrashSteps const& steps);
 
 // An item in a trash, as it was when the trash was read.
 struct TrashedItem {

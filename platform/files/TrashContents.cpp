@@ -1,7 +1,5 @@
-#include "platform/files/DirectorySizes.h"
 #include "platform/files/ItemReferences.h"
-#include "platform/files/TrashInformation.h"
-#include "platform/files/TrashMove.h"
+#include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
@@ -13,7 +11,6 @@
 #include <ctime>
 #include <fcntl.h>
 #include <set>
-#include <span>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,7 +20,6 @@ namespace {
 
 using Names = std::set<std::string>;
 
-constexpr std::size_t LargestInformation = std::size_t{1} << 20;
 constexpr char CannotPutBack[] = "The item cannot be put back";
 constexpr char CannotErase[] = "The item cannot be deleted from the trash";
 
@@ -37,20 +33,6 @@ Result<Names> namesIn(FileDescriptor const& folder) {
     Result<std::vector<std::string>> const names = namesInOpenFolder(folder);
     if (!names.hasValue()) return names.problem();
     return Names(names.value().begin(), names.value().end());
-}
-
-std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name) {
-    std::string const file = TrashInformation::nameFor(name);
-    // Opening an item that is no file may block or have side effects.
-    Result<ItemPlace> const place = placeOf(trash.information, file);
-    if (!place.hasValue() || !S_ISREG(place.value().mode)) return std::nullopt;
-    FileDescriptor const open(
-        ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!open.isOpen()) return std::nullopt;
-    Result<FileContents> const contents = readOpenFile(open, LargestInformation);
-    if (!contents.hasValue()) return std::nullopt;
-    std::span<std::byte const> const bytes = contents.value().bytes;
-    return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
 Result<TrashedItem> itemIn(TrashPlace const& trash, std::string const& name) {
@@ -94,10 +76,6 @@ Result<std::vector<TrashedItem>> itemsIn(TrashPlace const& trash) {
         if (item.hasValue() && !isSidecar(trash, names.value(), name)) items.push_back(item.takeValue());
     }
     return items;
-}
-
-void removeInformation(TrashPlace const& trash, std::string const& name) {
-    ::unlinkat(trash.information.number(), TrashInformation::nameFor(name).c_str(), 0);
 }
 
 // An item in a trash, open.

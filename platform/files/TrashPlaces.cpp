@@ -1,6 +1,5 @@
 #include "platform/files/TrashPlaces.h"
 #include "platform/files/Volumes.h"
-#include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/XDGFolders.h"
@@ -262,45 +261,6 @@ std::vector<TrashPlace> trashesOfUser() {
         return false;
     });
     return trashes;
-}
-
-std::string shownPath(std::string const& path) { return utf8FromUnits(unitsFromFileSystemBytes(path)); }
-
-TrashProblem wrongItemMoved(SystemError error, std::string const& what, std::string const& path) {
-    return {.kind = TrashProblem::Changed,
-            .error = std::move(error),
-            .text = what + ": Another item was moved in its stead, and is now at " + shownPath(path)};
-}
-
-TrashProblem trashProblem(SystemError error, std::string const& what) {
-    constexpr auto kindOf = [](int code) {
-        switch (code) {
-        case ENOENT:
-        case ENOTDIR:
-            return TrashProblem::NotThere;
-        case EACCES:
-        case EPERM:
-            return TrashProblem::NotAllowed;
-        case EROFS:
-            return TrashProblem::ReadOnly;
-        case ENOSPC:
-        case EDQUOT:
-            return TrashProblem::Full;
-        case EXDEV:
-            return TrashProblem::NoTrash;
-        case EBUSY:
-            return TrashProblem::Immovable;
-        case EEXIST:
-        case ENOTEMPTY:
-            return TrashProblem::NameTaken;
-        case ESTALE:
-            return TrashProblem::Changed;
-        default:
-            return TrashProblem::Other;
-        }
-    };
-    std::string text = what + ": " + textOfSystemError(error.code);
-    return {.kind = kindOf(error.code), .error = std::move(error), .text = std::move(text)};
 }
 
 } // namespace mac

@@ -36,11 +36,4 @@ std::vector<TrashPlace> trashesAround(FileDescriptor const& folder);
 // The user's trashes on all volumes.
 std::vector<TrashPlace> trashesOfUser();
 
-// Why a system call about the trash failed. The text begins with `what`; ESTALE is Changed.
-TrashProblem trashProblem(SystemError error, std::string const& what);
-// Another item was moved to the path instead of the item, and cannot be moved back.
-TrashProblem wrongItemMoved(SystemError error, std::string const& what, std::string const& path);
-// A path in UTF-8, as it is shown to people.
-std::string shownPath(std::string const& path);
-
 } // namespace mac

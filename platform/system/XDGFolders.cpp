@@ -1,4 +1,5 @@
 #include "platform/system/XDGFolders.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
 #include <algorithm>
@@ -34,20 +35,19 @@ std::string environmentValue(char const* name) {
     return value ? value : "";
 }
 
-// The rest is empty or begins with a slash.
-std::string pathBelow(std::string_view home, std::string_view rest) {
-    if (home == "/" && !rest.empty()) home = {};
-    return std::string(home).append(rest);
+// The text after "$HOME" is empty or begins with a slash.
+std::string pathBelowHome(std::string_view home, std::string_view rest) {
+    return rest.empty() ? std::string(home) : BytePath(home).joined(rest.substr(1));
 }
 
-// Relative ones count for nothing.
+// A variable that holds a relative path is ignored.
 std::string baseFolder(char const* variable, std::string_view usual) {
     std::string folder = environmentValue(variable);
-    return folder.starts_with('/') ? folder : pathBelow(ownHomeFolder(), usual);
+    return BytePath(folder).isAbsolute() ? folder : BytePath(ownHomeFolder()).joined(usual);
 }
 
 std::string listOfFolders() {
-    Result<FileContents> const file = readFileAtPath(configHome() + "/user-dirs.dirs", LongestList);
+    Result<FileContents> const file = readFileAtPath(BytePath(configHome()).joined("user-dirs.dirs"), LongestList);
     if (!file.hasValue()) return {};
     std::vector<std::byte> const& bytes = file.value().bytes;
     return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
@@ -55,9 +55,9 @@ std::string listOfFolders() {
 
 } // namespace
 
-std::string configHome() { return baseFolder("XDG_CONFIG_HOME", "/.config"); }
+std::string configHome() { return baseFolder("XDG_CONFIG_HOME", ".config"); }
 
-std::string dataHome() { return baseFolder("XDG_DATA_HOME", "/.local/share"); }
+std::string dataHome() { return baseFolder("XDG_DATA_HOME", ".local/share"); }
 
 std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home) {
     constexpr std::string_view homeVariable = "$HOME";
@@ -73,7 +73,7 @@ std::optional<std::string> folderInList(std::string_view list, std::string_view 
         if (!folder || folder->find('\0') != std::string::npos) continue;
         bool const isInHome = folder->starts_with(homeVariable) &&
                               (folder->size() == homeVariable.size() || (*folder)[homeVariable.size()] == '/');
-        if (isInHome) folder = pathBelow(home, std::string_view(*folder).substr(homeVariable.size()));
+        if (isInHome) folder = pathBelowHome(home, std::string_view(*folder).substr(homeVariable.size()));
         if (folder->starts_with('/')) found = std::move(folder);
     }
     return found;

@@ -122,8 +122,8 @@ Result<void> TreeCopy::enter(std::string const& from, std::string const& to, Ite
     if (!names.hasValue()) return names.problem();
     // They are taken from the end. Sidecars come first, so that attributes which the volume cannot hold join those that
     // the sidecars hold.
-    std::ranges::partition(names.value(),
-                           [](std::string const& name) { return !name.starts_with(AppleDoubleSidecar::namePrefix); });
+    std::partition(names.value().begin(), names.value().end(),
+                   [](std::string const& name) { return !name.starts_with(AppleDoubleSidecar::namePrefix); });
     if (Result<void> const confirmed = confirm(source.value(), place.identity, from); !confirmed.isDone())
         return confirmed;
     if (::mkdirat(m_target.number(), to.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", to);

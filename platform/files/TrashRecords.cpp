@@ -1,7 +1,7 @@
-#include "platform/files/DirectorySizes.h"
-#include "platform/files/TrashInformation.h"
+#include "platform/files/TrashRecords.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include "platform/system/items/FolderDescent.h"
 #include <fcntl.h>
 #include <span>
@@ -13,13 +13,14 @@ namespace mac {
 
 namespace {
 
-constexpr char FileName[] = "directorysizes";
-constexpr std::size_t LargestFile = std::size_t{4} << 20;
-constexpr std::size_t MostItems = 50'000;
+constexpr std::size_t LargestInformation = std::size_t{1} << 20;
+constexpr char SizesFileName[] = "directorysizes";
+constexpr std::size_t LargestSizesFile = std::size_t{4} << 20;
+constexpr std::size_t MostItemsAddedUp = 50'000;
 constexpr std::uint64_t BlockSize = 512;
 
 // The disk space of the item and of all below it, in bytes, as du counts it; nullopt for what is no folder and for more
-// than MostItems items.
+// than MostItemsAddedUp items.
 std::optional<std::uint64_t> diskUse(TrashPlace const& trash, std::string const& name) {
     Result<ItemPlace> const place = placeOf(trash.files, name);
     if (!place.hasValue() || !place.value().isFolder) return std::nullopt;
@@ -32,7 +33,7 @@ std::optional<std::uint64_t> diskUse(TrashPlace const& trash, std::string const&
         blocks += static_cast<std::uint64_t>(status.st_blocks);
         return {};
     };
-    Result<void> const added = descend(trash.files, name, place.value().identity, {.mostItems = MostItems}, add);
+    Result<void> const added = descend(trash.files, name, place.value().identity, {.mostItems = MostItemsAddedUp}, add);
     if (!added.isDone()) return std::nullopt;
     return blocks * BlockSize;
 }
@@ -46,9 +47,9 @@ FileDescriptor locked(TrashPlace const& trash) {
 
 std::vector<DirectorySize> readSizes(FileDescriptor const& folder) {
     FileDescriptor const file(
-        ::openat(folder.number(), FileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+        ::openat(folder.number(), SizesFileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen()) return {};
-    Result<FileContents> const contents = readOpenFile(file, LargestFile);
+    Result<FileContents> const contents = readOpenFile(file, LargestSizesFile);
     if (!contents.hasValue()) return {};
     std::span<std::byte const> const bytes = contents.value().bytes;
     return DirectorySize::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
@@ -57,10 +58,51 @@ std::vector<DirectorySize> readSizes(FileDescriptor const& folder) {
 void writeSizes(FileDescriptor const& folder, std::vector<DirectorySize> const& sizes) {
     std::string const text = DirectorySize::text(sizes);
     // The file is a cache, which may be missing.
-    (void)replaceFileInFolder(folder, FileName, std::as_bytes(std::span(text)), {.newFileMode = S_IRUSR | S_IWUSR});
+    (void)replaceFileInFolder(folder, SizesFileName, std::as_bytes(std::span(text)),
+                              {.newFileMode = S_IRUSR | S_IWUSR});
 }
 
 } // namespace
+
+std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name) {
+    std::string const file = TrashInformation::nameFor(name);
+    // Opening an item that is no file may block or have side effects.
+    Result<ItemPlace> const place = placeOf(trash.information, file);
+    if (!place.hasValue() || !S_ISREG(place.value().mode)) return std::nullopt;
+    FileDescriptor const open(
+        ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!open.isOpen()) return std::nullopt;
+    Result<FileContents> const contents = readOpenFile(open, LargestInformation);
+    if (!contents.hasValue()) return std::nullopt;
+    std::span<std::byte const> const bytes = contents.value().bytes;
+    return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+}
+
+void removeInformation(TrashPlace const& trash, std::string const& name) {
+    ::unlinkat(trash.information.number(), TrashInformation::nameFor(name).c_str(), 0);
+}
+
+TrashReservation::TrashReservation(TrashPlace const& trash, std::string const& name)
+    : m_trash(trash), m_name(TrashInformation::nameFor(name)) {}
+
+TrashReservation::~TrashReservation() {
+    if (!m_file.isOpen() || m_isKept) return;
+    if (confirmItemInFolder(m_trash.information, m_name, m_file).isDone())
+        ::unlinkat(m_trash.information.number(), m_name.c_str(), 0);
+}
+
+Result<void> TrashReservation::make(std::string const& writtenPath, std::string const& date) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    m_file = FileDescriptor(::openat(m_trash.information.number(), m_name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
+    if (!m_file.isOpen()) return lastSystemError("open", m_name);
+    std::string const text = TrashInformation{writtenPath, date}.text();
+    Result<void> const written = writeAll(m_file, std::as_bytes(std::span(text)));
+    if (!written.isDone()) return written;
+    if (::fsync(m_file.number()) != 0) return lastSystemError("fsync", m_name);
+    // Some file systems cannot flush folders.
+    ::fsync(m_trash.information.number());
+    return {};
+}
 
 void addDirectorySize(TrashPlace const& trash, std::string const& name) {
     std::optional<std::uint64_t> const bytes = diskUse(trash, name);

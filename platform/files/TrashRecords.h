@@ -1,14 +1,15 @@
 #pragma once
 
+#include "platform/files/TrashInformation.h"
 #include "platform/files/TrashPlaces.h"
-#include "platform/system/items/ItemRename.h"
 
-// What moving items into the trash and out of it has in common. Any thread.
+// The files in which a trash records its items. Any thread.
 
 namespace mac {
 
-// The steps of a rename as steps of the trash; empty if `steps` is.
-RenameSteps renameStepsOf(TrashSteps const& steps);
+// nullopt if the item in the trash has no information file, or one that cannot be read.
+std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name);
+void removeInformation(TrashPlace const& trash, std::string const& name);
 
 // An item's information file "NAME.trashinfo", created before the item moves; the destructor removes it again unless it
 // is kept.
@@ -31,5 +32,14 @@ private:
     FileDescriptor m_file{};
     bool m_isKept{false};
 };
+
+// The file "directorysizes" caches the sizes of the folders in the trash. Failures are ignored, since other programs
+// add up the sizes that are missing.
+
+// Adds the size of a folder that was trashed, unless the folder holds too many items to add up quickly.
+void addDirectorySize(TrashPlace const& trash, std::string const& name);
+
+// Removes the sizes of folders that are no longer in the trash.
+void removeOldDirectorySizes(TrashPlace const& trash);
 
 } // namespace mac
