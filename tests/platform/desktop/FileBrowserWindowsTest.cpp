@@ -1,4 +1,5 @@
 #include "tests/platform/desktop/Desktop.h"
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -132,7 +133,10 @@ TEST_F(FileBrowserWindows, AreStartedWithTheFolderWhereTheBrowserIsNoService) {
 TEST_F(FileBrowserWindows, SayWhenTheBrowserIsNoProgram) {
     m_desktop.install(m_desktop.folder.makeFile("program", "neither a script nor a program"));
     ASSERT_EQ(::chmod(m_desktop.folder.path("program").c_str(), 0755), 0);
-    EXPECT_EQ(kindOf(m_browser.revealItems({m_file})), DesktopProblem::Kind::NoAnswer);
+    DesktopOutcome const outcome = m_browser.revealItems({m_file});
+    ASSERT_EQ(kindOf(outcome), DesktopProblem::Kind::NoAnswer);
+    ASSERT_TRUE(outcome.problem().cause.has_value());
+    EXPECT_EQ(outcome.problem().cause->code, ENOEXEC);
 }
 
 // What the types of files are made of, as far as the tests need it.

@@ -1,0 +1,34 @@
+#include "platform/desktop/KeyFile.h"
+#include <gtest/gtest.h>
+
+namespace mac::test {
+
+TEST(KeyFile, ReadsKeysInTheirGroups) {
+    KeyFile const file =
+        KeyFile::read("stray=1\n# no\n[A]\nkey = a value \r\nkey=b\nempty=\nline\n[B]\nkey=;x; y;\n[A]\nmore=c");
+    EXPECT_EQ(file.value("A", "key"), "b");
+    EXPECT_EQ(file.value("A", "empty"), "");
+    EXPECT_EQ(file.value("A", "more"), "c");
+    EXPECT_EQ(file.value("A", "stray"), std::nullopt);
+    EXPECT_EQ(file.value("", "stray"), "1");
+    EXPECT_EQ(file.value("C", "key"), std::nullopt);
+    EXPECT_EQ(file.list("B", "key"), (std::vector<std::string>{"x", "y"}));
+    EXPECT_TRUE(file.list("A", "none").empty());
+}
+
+TEST(KeyFile, ResolvesEscapes) {
+    KeyFile const file = KeyFile::read("[A]\nkey=a\\sb\\nc\\\\d\\\"e\\");
+    EXPECT_EQ(file.text("A", "key"), "a b\nc\\d\\\"e\\");
+    EXPECT_EQ(file.text("A", "none"), std::nullopt);
+}
+
+TEST(KeyFile, SplitsACommandLineIntoItsWords) {
+    using Words = std::vector<std::string>;
+    EXPECT_EQ(wordsOfCommandLine("thunar  --window %F"), (Words{"thunar", "--window", "%F"}));
+    EXPECT_EQ(wordsOfCommandLine("\"/a b/c \\\"d\\\\\" x"), (Words{"/a b/c \"d\\", "x"}));
+    EXPECT_EQ(wordsOfCommandLine(" \"\" "), (Words{""}));
+    EXPECT_EQ(wordsOfCommandLine("  "), Words{});
+    EXPECT_EQ(wordsOfCommandLine("\"a"), std::nullopt);
+}
+
+} // namespace mac::test
