@@ -23,7 +23,7 @@ public:
 
     void begin() {
         m_fileBrowser.forget();
-        m_processes = m_reader.readAll();
+        m_processes = m_known.list();
         m_hasBegun = true;
     }
     void beginOnce() {
@@ -32,19 +32,19 @@ public:
 
     // The first one after it whose ID is still in use.
     std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
-        auto next = std::ranges::upper_bound(m_processes, last, {}, &RunningProcess::identity);
-        while (next != m_processes.end() && !isIDInUse(next->identity.pid))
+        auto next = std::ranges::upper_bound(m_processes, last);
+        while (next != m_processes.end() && !isIDInUse(next->pid))
             ++next;
-        return next == m_processes.end() ? std::nullopt : std::optional(next->identity);
+        return next == m_processes.end() ? std::nullopt : std::optional(*next);
     }
 
-    std::optional<RunningProcess> process(ProcessIdentity const& identity) { return m_reader.read(identity); }
+    std::optional<RunningProcess> process(ProcessIdentity const& identity) const { return m_known.read(identity); }
     std::optional<FileBrowser> const& fileBrowser() { return m_fileBrowser.get(); }
 
 private:
-    ProcessReader m_reader;
+    KnownProcesses m_known;
     RecentFileBrowser m_fileBrowser;
-    std::vector<RunningProcess> m_processes;
+    std::vector<ProcessIdentity> m_processes;
     bool m_hasBegun{false};
 };
 

@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-// The processes by ID and start, for implementations. Any thread, but for ProcessReader.
+// The processes by ID and start, for implementations. Any thread, but for KnownProcesses.
 
 namespace mac {
 
@@ -30,41 +30,47 @@ struct RunningProcess {
     std::string executable;
 };
 
-// Reads the processes of /proc and remembers their starts, so that reading them again takes less than half the time:
-// for a start the kernel adds up the work of all the process's threads. One thread at a time.
-class ProcessReader {
+// nullopt if no process has the ID, if it has ended and is only waited for, and if this user may not see its program.
+// Blocks for up to 10 ms if the process started within the current clock tick.
+std::optional<RunningProcess> runningProcess(std::int32_t pid);
+// The process with this identity, if it still runs; never blocks.
+std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
+// All of those, in the order of their start; one that ends meanwhile may be missing. Blocks as runningProcess(pid)
+// does.
+std::vector<RunningProcess> runningProcesses();
+
+// Lists processes again and again. Remembers those it has met by their folders in /proc, so that it reads no start a
+// second time, for which the kernel adds up the work of all of a process's threads. One thread at a time.
+class KnownProcesses {
 public:
-    // nullopt if no process has the ID, if it has ended and is only waited for, and if this user may not see its
-    // program. Blocks for up to 10 ms if the process started within the current clock tick.
-    std::optional<RunningProcess> read(std::int32_t pid);
-    // The process with this identity; never blocks.
-    std::optional<RunningProcess> read(ProcessIdentity const& identity);
-    // All of those, in the order of their start; one that ends meanwhile may be missing. Blocks as read(pid) does.
-    std::vector<RunningProcess> readAll();
+    // What runningProcesses lists, and known processes that have ended but that their parents have not waited for.
+    std::vector<ProcessIdentity> list();
+    // What runningProcess answers.
+    std::optional<RunningProcess> read(ProcessIdentity const& identity) const;
 
 private:
-    // The start of a process, with the inode and change time of its folder in /proc. Another process has another
-    // folder; the same process may get a new one when the system is short of memory, and its start is read anew.
-    struct KnownStart {
+    // The inode and change time of /proc/PID. Another process with the ID has another folder; the same process may get
+    // a new one when the system is short of memory, and is read anew.
+    struct Folder {
         std::uint64_t inode{0};
         std::int64_t seconds{0};
         std::int64_t nanoseconds{0};
+
+        bool operator==(Folder const&) const = default;
+    };
+    struct Known {
+        Folder folder;
         std::uint64_t start{0};
-        // The call of readAll that met it last: what the next one does not meet is forgotten.
+        // The call of list that met it last: what a call does not meet is forgotten.
         std::uint64_t round{0};
     };
 
-    std::optional<RunningProcess> readOnce(std::int32_t pid);
-    std::optional<std::uint64_t> startOf(std::int32_t pid);
+    static std::optional<Folder> folderOf(std::int32_t pid);
+    std::optional<RunningProcess> readUnlessKnown(std::int32_t pid);
 
-    std::unordered_map<std::int32_t, KnownStart> m_known;
+    std::unordered_map<std::int32_t, Known> m_known;
     std::uint64_t m_round{0};
 };
-
-// What a ProcessReader answers that has read nothing before.
-std::optional<RunningProcess> runningProcess(std::int32_t pid);
-std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
-std::vector<RunningProcess> runningProcesses();
 
 // Whether a process has the ID, also one that has ended and is only waited for. Next to no work.
 bool isIDInUse(std::int32_t pid);

@@ -79,7 +79,7 @@ std::optional<std::string> executableOf(std::int32_t pid) {
     return path;
 }
 
-std::optional<std::uint64_t> readStart(std::int32_t pid) {
+std::optional<std::uint64_t> startOf(std::int32_t pid) {
     FileDescriptor const file(::open(ProcessPath(pid, "/stat").text(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) return std::nullopt;
     std::array<char, 1024> buffer;
@@ -99,69 +99,91 @@ std::vector<std::int32_t> processIDs() {
     return ids;
 }
 
-} // namespace
-
-std::optional<std::uint64_t> ProcessReader::startOf(std::int32_t pid) {
-    struct ::stat status {};
-    if (::stat(ProcessPath(pid, "").text(), &status) != 0) return std::nullopt;
-    KnownStart const now{status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec, 0, m_round};
-    KnownStart& known = m_known[pid];
-    if (known.inode == now.inode && known.seconds == now.seconds && known.nanoseconds == now.nanoseconds) {
-        known.round = m_round;
-        return known.start;
-    }
-    std::optional<std::uint64_t> const start = readStart(pid);
-    if (!start) return std::nullopt;
-    known = now;
-    known.start = *start;
-    return start;
-}
-
-std::optional<RunningProcess> ProcessReader::readOnce(std::int32_t pid) {
+std::optional<RunningProcess> readOnce(std::int32_t pid) {
     // A process that has ended has no executable any more, though it has a start until it was waited for.
-    std::optional<std::string> executable = executableOf(pid);
+    std::optional<std::string> executable = pid > 0 ? executableOf(pid) : std::nullopt;
     if (!executable) return std::nullopt;
     std::optional<std::uint64_t> const start = startOf(pid);
-    if (!start) return std::nullopt;
-    return RunningProcess{{*start, pid}, std::move(*executable)};
+    return start ? std::optional(RunningProcess{{*start, pid}, std::move(*executable)}) : std::nullopt;
 }
 
-std::optional<RunningProcess> ProcessReader::read(std::int32_t pid) {
+template <class Read>
+std::optional<RunningProcess> readSettled(std::int32_t pid, Read const& read) {
     for (;;) {
         std::uint64_t const before = currentTick();
-        std::optional<RunningProcess> process = pid > 0 ? readOnce(pid) : std::nullopt;
+        std::optional<RunningProcess> process = read(pid);
         if (!process || isSettled(process->identity, before)) return process;
         waitUntilOver(process->identity.startTime);
     }
 }
 
-std::optional<RunningProcess> ProcessReader::read(ProcessIdentity const& identity) {
-    std::optional<RunningProcess> process = identity.pid > 0 ? readOnce(identity.pid) : std::nullopt;
-    return process && process->identity == identity ? std::move(process) : std::nullopt;
-}
-
-std::vector<RunningProcess> ProcessReader::readAll() {
-    ++m_round;
+// In the order of their start, each as read(pid) answers it.
+template <class Read>
+std::vector<RunningProcess> readAll(Read const& read) {
     std::uint64_t const before = currentTick();
     std::vector<RunningProcess> found;
     for (std::int32_t const pid : processIDs()) {
-        if (std::optional<RunningProcess> process = readOnce(pid)) found.push_back(std::move(*process));
+        if (std::optional<RunningProcess> process = read(pid)) found.push_back(std::move(*process));
     }
     // Mostly none: a process that started just now is read again once its tick is over, which is waited for once.
     for (RunningProcess& process : found) {
-        if (!isSettled(process.identity, before)) process = read(process.identity.pid).value_or(RunningProcess());
+        if (!isSettled(process.identity, before))
+            process = readSettled(process.identity.pid, read).value_or(RunningProcess());
     }
     std::erase_if(found, [](RunningProcess const& process) { return process.identity.pid == 0; });
-    std::erase_if(m_known, [this](auto const& entry) { return entry.second.round != m_round; });
     std::ranges::sort(found, {}, &RunningProcess::identity);
     return found;
 }
 
-std::optional<RunningProcess> runningProcess(std::int32_t pid) { return ProcessReader().read(pid); }
+} // namespace
 
-std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) { return ProcessReader().read(identity); }
+std::optional<RunningProcess> runningProcess(std::int32_t pid) { return readSettled(pid, &readOnce); }
 
-std::vector<RunningProcess> runningProcesses() { return ProcessReader().readAll(); }
+std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity) {
+    std::optional<RunningProcess> process = readOnce(identity.pid);
+    return process && process->identity == identity ? std::move(process) : std::nullopt;
+}
+
+std::vector<RunningProcess> runningProcesses() { return readAll(&readOnce); }
+
+std::optional<KnownProcesses::Folder> KnownProcesses::folderOf(std::int32_t pid) {
+    struct ::stat status {};
+    if (::stat(ProcessPath(pid, "").text(), &status) != 0) return std::nullopt;
+    return Folder{status.st_ino, status.st_ctim.tv_sec, status.st_ctim.tv_nsec};
+}
+
+// Without the executable if the process is known.
+std::optional<RunningProcess> KnownProcesses::readUnlessKnown(std::int32_t pid) {
+    std::optional<Folder> const folder = folderOf(pid);
+    if (!folder) return std::nullopt;
+    auto const known = m_known.find(pid);
+    if (known != m_known.end() && known->second.folder == *folder) {
+        known->second.round = m_round;
+        return RunningProcess{{known->second.start, pid}, ""};
+    }
+    std::optional<RunningProcess> process = readOnce(pid);
+    // Should the ID have passed to another process meanwhile, the folder is never met again.
+    if (process) m_known[pid] = {*folder, process->identity.startTime, m_round};
+    return process;
+}
+
+std::vector<ProcessIdentity> KnownProcesses::list() {
+    ++m_round;
+    std::vector<ProcessIdentity> identities;
+    for (RunningProcess const& process : readAll([this](std::int32_t pid) { return readUnlessKnown(pid); }))
+        identities.push_back(process.identity);
+    std::erase_if(m_known, [this](auto const& entry) { return entry.second.round != m_round; });
+    return identities;
+}
+
+std::optional<RunningProcess> KnownProcesses::read(ProcessIdentity const& identity) const {
+    auto const known = m_known.find(identity.pid);
+    if (known == m_known.end() || known->second.start != identity.startTime) return runningProcess(identity);
+    // The folder is asked for last: if it is still the same, the ID was that process's before, too.
+    std::optional<std::string> executable = executableOf(identity.pid);
+    if (!executable || folderOf(identity.pid) != known->second.folder) return runningProcess(identity);
+    return RunningProcess{identity, std::move(*executable)};
+}
 
 bool isIDInUse(std::int32_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
 

@@ -122,6 +122,27 @@ TEST_F(ProcessList, GivesNoNumberTwiceThoughAnIDReturnsAtOnce) {
     EXPECT_EQ(numbers.size(), std::size_t{rounds});
 }
 
+TEST_F(ProcessList, KnowsAProcessAgainButNotTheNextWithItsID) {
+    constexpr std::int32_t recycled = 25'000;
+    KnownProcesses known;
+    std::optional<ProcessIdentity> first;
+    for (bool const isFirst : {true, false}) {
+        Sleeper const sleeper(recycled);
+        if (sleeper.pid() != recycled) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
+        EXPECT_TRUE(isFirst || !known.read(*first));
+        std::vector<ProcessIdentity> const list = known.list();
+        EXPECT_EQ(known.list(), list);
+        auto const found = std::ranges::find(list, recycled, &ProcessIdentity::pid);
+        ASSERT_NE(found, list.end());
+        std::optional<RunningProcess> const process = known.read(*found);
+        ASSERT_TRUE(process);
+        EXPECT_EQ(process->identity, *found);
+        EXPECT_EQ(process->executable, runningProcess(::getpid()).value().executable);
+        if (isFirst) first = *found;
+    }
+    EXPECT_FALSE(known.read(*first));
+}
+
 TEST_F(ProcessList, IsInTheOrderOfTheirStartWhateverTheirIDs) {
     constexpr std::int32_t high = 30'000;
     std::unique_ptr<ChildProcess> const first = startWithID(high);
