@@ -3,7 +3,7 @@
 #include "platform/foundation/Log.h"
 #include "platform/processes/Processes.h"
 #include "scripting/ProcessesAndFinder.h"
-#include "tests/app/Controller.h"
+#include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/Companion.h"
 #include "tests/support/OwnProcesses.h"
@@ -106,13 +106,6 @@ TEST_F(RunningCopies, OfOneBundleAreOneRecord) {
     m_controller.reSync();
     EXPECT_EQ(m_controller.isRunningPaths().count(), 2U);
     EXPECT_EQ(m_controller.paths().count(), 1U);
-}
-
-TEST_F(RunningCopies, LeaveTheInventoryAsItIsWhenTheyAreRead) {
-    NSMutableSet const records = NSMutableSet::set();
-    m_controller.setPaths_(records);
-    m_controller.syncIsRunningPaths();
-    EXPECT_TRUE(isSame(m_controller.paths(), records));
 }
 
 TEST_F(RunningCopies, AreOnlyReportedUnlessTheyAreToQuit) {
@@ -267,6 +260,10 @@ TEST_F(RunningCopies, CannotBeLookedAtWithoutAnActivityMonitor) {
     EXPECT_EQ(m_log, std::vector<std::string>{"Could not launch Activity Monitor."});
     EXPECT_EQ(m_beeps, 1);
 }
+
+INSTANTIATE_TEST_SUITE_P(RunningCopies, PathSources,
+                         testing::Values(PathSource{"RunningCopies", "isRunningPaths", "psn",
+                                                    &AppController::syncIsRunningPaths}));
 
 TEST(RunningCopiesOfNil, AreNone) {
     AppController const controller = nil;

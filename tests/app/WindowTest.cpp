@@ -1,10 +1,10 @@
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
+#include "tests/support/Environment.h"
 #include <QAction>
 #include <QApplication>
 #include <QHeaderView>
@@ -12,12 +12,15 @@
 #include <QTest>
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 // The program's own window, from its own interface file, on a disk of its own.
 
 namespace framekeeper::test {
 namespace {
+
+using mac::test::EnvironmentVariable;
 
 enum Column { Version, Path, Exists, Running, LoginItem, InToolbar };
 
@@ -38,6 +41,14 @@ protected:
         ASSERT_TRUE(std::holds_alternative<std::unique_ptr<InterfaceFile>>(loaded)) << std::get<std::string>(loaded);
         m_file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
         m_file->window().makeKeyAndOrderFront_(nil);
+    }
+    // Opens the window, shows the one copy and closes it.
+    void useToTheEnd() {
+        open();
+        ASSERT_TRUE(gathered());
+        EXPECT_EQ(table()->model()->rowCount(), 1);
+        controller().query().stopQuery();
+        m_file.reset();
     }
     bool gathered() const {
         return runUntil([this] { return !controller().query().isGathering(); });
@@ -241,13 +252,15 @@ TEST_F(Window, QuitsTheSelectedCopy) {
 
 TEST_F(Window, NamesEveryActionAndGivesTheDangerousOnesNoShortcut) {
     open();
+    int count = 0;
     for (QAction const* const action : m_file->widget()->findChildren<QAction*>()) {
-        if (action->objectName().endsWith("Action") && action->property("action").isValid()) {
-            EXPECT_FALSE(action->text().isEmpty()) << action->objectName().toStdString();
-            EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
-            EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
-        }
+        if (!action->property("action").isValid()) continue;
+        ++count;
+        EXPECT_FALSE(action->text().isEmpty()) << action->objectName().toStdString();
+        EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
+        EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
     }
+    EXPECT_EQ(count, 14);
     EXPECT_TRUE(find<QAction>("logOutAction")->shortcut().isEmpty());
     EXPECT_TRUE(find<QAction>("quitFinderAction")->shortcut().isEmpty());
     EXPECT_EQ(find<QAction>("trashAction")->shortcut(), QKeySequence(Qt::Key_Delete));
@@ -282,23 +295,26 @@ TEST_F(Window, EndsTheProgramWhenItIsClosed) {
     EXPECT_FALSE(controller().window().isVisible());
 }
 
-TEST_F(Window, OpensWithoutAHomeAndWritesNothing) {
+TEST_F(Window, OpensWithAMissingHomeAndDoesNotMakeIt) {
     makeCopy(m_folder, "a");
-    std::string const home = std::getenv("HOME");
-    std::string const missing = m_folder.path("no home");
-    for (char const* value : {missing.c_str(), static_cast<char const*>(nullptr)}) {
-        if (value)
-            ::setenv("HOME", value, 1);
-        else
-            ::unsetenv("HOME");
-        open();
-        ASSERT_TRUE(gathered());
-        EXPECT_EQ(table()->model()->rowCount(), 1);
-        controller().query().stopQuery();
-        m_file.reset();
-        EXPECT_FALSE(NSFileManager::defaultManager().fileExistsAtPath_(pathString(missing)));
-    }
-    ::setenv("HOME", home.c_str(), 1);
+    EnvironmentVariable const home("HOME", m_folder.path("no home"));
+    useToTheEnd();
+    EXPECT_FALSE(std::filesystem::exists(m_folder.path("no home")));
+}
+
+// The home that the system's list of users names stays untouched: what would be written there goes below the folder.
+TEST_F(Window, OpensWithoutAHomeVariableAndWritesNothing) {
+    makeCopy(m_folder, "a");
+    EnvironmentVariable const home("HOME", std::nullopt);
+    EnvironmentVariable const config("XDG_CONFIG_HOME", m_folder.path("config"));
+    EnvironmentVariable const data("XDG_DATA_HOME", m_folder.path("data"));
+    EnvironmentVariable const cache("XDG_CACHE_HOME", m_folder.path("cache"));
+    EnvironmentVariable const state("XDG_STATE_HOME", m_folder.path("state"));
+    useToTheEnd();
+    std::vector<std::string> names;
+    for (auto const& item : std::filesystem::directory_iterator(m_folder.path()))
+        names.push_back(item.path().filename());
+    EXPECT_EQ(names, std::vector<std::string>{"a"});
 }
 
 TEST_F(Window, TakesAHundredThousandRows) {

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSTimer.h"
 #include "tests/support/RunUntil.h"
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace mac::test {
 namespace {
@@ -13,9 +14,24 @@ TEST(NSThread, SleepsUntilTheDate) {
     EXPECT_LE(date.timeIntervalSinceNow(), 0);
 }
 
+// How often this thread has given up the processor because it waited for something.
+long waitsOfThisThread() {
+    rusage usage{};
+    EXPECT_EQ(::getrusage(RUSAGE_THREAD, &usage), 0);
+    return usage.ru_nvcsw;
+}
+
 TEST(NSThread, DoesNotSleepForADateThatHasPassedOrForNone) {
-    NSThread::sleepUntilDate_(NSDate::distantPast());
-    NSThread::sleepUntilDate_(nil);
+    NSDate const justPassed = NSDate::dateWithTimeIntervalSinceNow_(-0.001);
+    // Once without counting: what is used for the first time may be read from the disk.
+    for (NSDate const& date : {NSDate::distantPast(), justPassed, NSDate(nil)})
+        NSThread::sleepUntilDate_(date);
+    long const before = waitsOfThisThread();
+    for (NSDate const& date : {NSDate::distantPast(), justPassed, NSDate(nil)})
+        NSThread::sleepUntilDate_(date);
+    EXPECT_EQ(waitsOfThisThread(), before);
+    NSThread::sleepUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.001));
+    EXPECT_GT(waitsOfThisThread(), before) << "a sleep is a wait";
 }
 
 TEST(NSThread, HandlesNothingWhileItSleeps) {

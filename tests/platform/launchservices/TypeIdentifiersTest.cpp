@@ -43,6 +43,7 @@ TEST(TypeIdentifiers, ConformToThemselvesAndToWhatTheyAreACaseOf) {
 
 TEST(TypeIdentifiers, OfTheSystemAllConformToTypesThatAreThere) {
     TypeTree const tree = TypeTree::ofSystem();
+    ASSERT_FALSE(systemTypes().empty());
     for (SystemType const& row : systemTypes()) {
         SCOPED_TRACE(row.identifier);
         DeclaredType const* const type = tree.typeOf(row.identifier);
