@@ -1,4 +1,5 @@
 #include "platform/appkit/NSWorkspace.h"
+#include "platform/appkit/Registration.h"
 #include "platform/desktop/ApplicationStart.h"
 #include "platform/desktop/FileBrowserProcess.h"
 #include "platform/desktop/FileBrowserService.h"
@@ -15,9 +16,6 @@
 namespace mac {
 
 namespace {
-
-// Makes the class known by its name.
-RegisteredClass<NSWorkspace> const s_registered;
 
 constexpr char FinderIdentifier[] = "com.apple.finder";
 
@@ -70,6 +68,8 @@ ClassDescription NSWorkspace::describeClass() {
                     method<&NSWorkspace::selectFile_inFileViewerRootedAtPath_>("selectFile:inFileViewerRootedAtPath:")},
     };
 }
+
+void registerWorkspace() { registerClasses<NSWorkspace>(); }
 
 NSWorkspace NSWorkspace::sharedWorkspace() {
     static NSWorkspace const shared = adopt<NSWorkspace>();

@@ -52,11 +52,9 @@ std::optional<double> keptTime(FileDescriptor const& item) {
     return isKnown ? std::optional(time) : std::nullopt;
 }
 
-struct Registration {
-    Registration() { readCreationDatesBy(&keptTime); }
-} const s_registration;
-
 } // namespace
+
+void useCreationDatesInFileManager() { readCreationDatesBy(&keptTime); }
 
 std::optional<UTCDateTime> keptCreationDate(OpenItem const& item) {
     DateBytes bytes{};

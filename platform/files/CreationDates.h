@@ -12,6 +12,8 @@ namespace mac {
 std::optional<UTCDateTime> keptCreationDate(OpenItem const& item);
 // False when it cannot be kept; errno says why.
 bool keepCreationDate(OpenItem const& item, UTCDateTime const& date);
+// Has the file manager answer the dates that were set. For registerFiles.
+void useCreationDatesInFileManager();
 
 // Its 8 bytes, the most significant first.
 inline constexpr char CreateDateAttribute[] = "com.apple.FSCatalogInfo.createDate";

@@ -1,0 +1,8 @@
+#include "platform/files/Registration.h"
+#include "platform/files/CreationDates.h"
+
+namespace mac {
+
+void registerFiles() { useCreationDatesInFileManager(); }
+
+} // namespace mac
