@@ -12,9 +12,6 @@ namespace framekeeper {
 
 namespace {
 
-// The main interface file finds the class by its name only.
-RegisteredClass<AppController> const s_registered;
-
 // An outlet: set by the interface file through key-value coding, read by the getter.
 template <auto getter, auto field>
 constexpr Property outlet(std::string_view key) {
@@ -42,6 +39,34 @@ ClassDescription AppController::describeClass() {
                 method<&Self::awakeFromNib>("awakeFromNib"),
                 method<&Self::applicationShouldTerminateAfterLastWindowClosed_>(
                     "applicationShouldTerminateAfterLastWindowClosed:"),
+                method<&Self::allAutolaunchItems>("allAutolaunchItems"),
+                method<&Self::setAllAutolaunchItems_>("setAllAutolaunchItems:"),
+                method<&Self::allToolbarItems>("allToolbarItems"),
+                method<&Self::setAllToolbarItems_>("setAllToolbarItems:"),
+                method<&Self::isRunningPaths>("isRunningPaths"),
+                method<&Self::setIsRunningPaths_>("setIsRunningPaths:"),
+                method<&Self::isAutolaunchedPaths>("isAutolaunchedPaths"),
+                method<&Self::setIsAutolaunchedPaths_>("setIsAutolaunchedPaths:"),
+                method<&Self::isInToolbarPaths>("isInToolbarPaths"),
+                method<&Self::setIsInToolbarPaths_>("setIsInToolbarPaths:"),
+                method<&Self::isOnHarddiskPaths>("isOnHarddiskPaths"),
+                method<&Self::setIsOnHarddiskPaths_>("setIsOnHarddiskPaths:"),
+                method<&Self::paths>("paths"),
+                method<&Self::setPaths_>("setPaths:"),
+                method<&Self::query>("query"),
+                method<&Self::setQuery_>("setQuery:"),
+                method<&Self::pathsArrayController>("pathsArrayController"),
+                method<&Self::pathsTableView>("pathsTableView"),
+                method<&Self::window>("window"),
+                method<&Self::pathObjects_addPath_psn_autolaunchedItem_toolbarItem_>(
+                    "pathObjects:addPath:psn:autolaunchedItem:toolbarItem:"),
+                method<&Self::pathObjects_addPath_>("pathObjects:addPath:"),
+                method<&Self::reSync>("reSync"),
+                method<&Self::syncIsRunningPaths>("syncIsRunningPaths"),
+                method<&Self::syncIsAutolaunched>("syncIsAutolaunched"),
+                method<&Self::syncIsInToolbar>("syncIsInToolbar"),
+                method<&Self::syncQuery>("syncQuery"),
+                method<&Self::syncIsOnHarddisk>("syncIsOnHarddisk"),
                 method<&Self::queryDidStart_>("queryDidStart:"),
                 method<&Self::queryGatheringProgress_>("queryGatheringProgress:"),
                 method<&Self::queryDidFinish_>("queryDidFinish:"),
@@ -52,6 +77,7 @@ ClassDescription AppController::describeClass() {
                 method<&Self::quitAction_>("quitAction:"),
                 method<&Self::openActivityMonitorAction_>("openActivityMonitorAction:"),
             },
+        .classMethods = {classMethod<&AppController::initialize>("initialize")},
         .properties =
             {
                 property<&Self::allAutolaunchItems, &Self::setAllAutolaunchItems_>("allAutolaunchItems"),

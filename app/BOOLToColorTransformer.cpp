@@ -9,10 +9,11 @@ ClassDescription BOOLToColorTransformer::describeClass() {
         .name = "BOOLToColorTransformer",
         .superclass = classOf<NSValueTransformer>(),
         .makeBody = &makeEmptyBody<BOOLToColorTransformer>,
+        .methods = {method<&BOOLToColorTransformer::transformedValue_>("transformedValue:")},
         .classMethods =
             {
-                method<&BOOLToColorTransformer::transformedValueClass>("transformedValueClass"),
-                method<&BOOLToColorTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
+                classMethod<&BOOLToColorTransformer::transformedValueClass>("transformedValueClass"),
+                classMethod<&BOOLToColorTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
             },
     };
 }

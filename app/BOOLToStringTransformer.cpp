@@ -8,10 +8,11 @@ ClassDescription BOOLToStringTransformer::describeClass() {
         .name = "BOOLToStringTransformer",
         .superclass = classOf<NSValueTransformer>(),
         .makeBody = &makeEmptyBody<BOOLToStringTransformer>,
+        .methods = {method<&BOOLToStringTransformer::transformedValue_>("transformedValue:")},
         .classMethods =
             {
-                method<&BOOLToStringTransformer::transformedValueClass>("transformedValueClass"),
-                method<&BOOLToStringTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
+                classMethod<&BOOLToStringTransformer::transformedValueClass>("transformedValueClass"),
+                classMethod<&BOOLToStringTransformer::allowsReverseTransformation>("allowsReverseTransformation"),
             },
     };
 }

@@ -6,8 +6,34 @@ include(CMakePackageConfigHelpers)
 
 get_property(rooms GLOBAL PROPERTY FRAMEKEEPER_LIBRARY_ROOMS)
 get_property(headers GLOBAL PROPERTY FRAMEKEEPER_HEADERS)
-# One topic is one pair of files, so every header of the three rooms is public.
-file(GLOB library_headers CONFIGURE_DEPENDS coreutils/*.h pathutils/*.h scripting/*.h)
+# One topic is one pair of files, so every header of the three rooms is public, but for those that register the rooms.
+file(GLOB library_headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS coreutils/*.h pathutils/*.h scripting/*.h)
+list(FILTER library_headers EXCLUDE REGEX "/Registration\\.h$")
+
+# framekeeper_with_included(RESULT HEADER...): the headers and those of the tree that they include, also through others;
+# relative to the root. CMake runs again when one of them changes.
+function(framekeeper_with_included RESULT)
+  set(waiting ${ARGN})
+  set(found)
+  while(waiting)
+    list(POP_FRONT waiting header)
+    if(header IN_LIST found)
+      continue()
+    endif()
+    list(APPEND found ${header})
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${header})
+    file(STRINGS ${PROJECT_SOURCE_DIR}/${header} lines REGEX "^[ \t]*#[ \t]*include[ \t]*\"")
+    foreach(line IN LISTS lines)
+      string(REGEX REPLACE "^[^\"]*\"([^\"]*)\".*" "\\1" included "${line}")
+      list(APPEND waiting ${included})
+    endforeach()
+  endwhile()
+  list(SORT found)
+  set(${RESULT} ${found} PARENT_SCOPE)
+endfunction()
+
+framekeeper_with_included(public_headers ${headers} ${library_headers})
+list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/)
 
 add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_library>)
 foreach(room IN LISTS rooms)
@@ -25,8 +51,8 @@ set_target_properties(
              # Until 1.0 every minor version may change what programs were built against; so says the version file, too.
              SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
-target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers}
-                                                                                          ${library_headers})
+target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
+framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_library)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
 install(

@@ -34,16 +34,21 @@ function(framekeeper_compile_in_batches NAME)
   endif()
 endfunction()
 
-# framekeeper_room(NAME SOURCES ... [HEADERS ...] [USES ...] [HIDES ...]): a folder of the tree as a library. HEADERS are
-# the public ones. USES are the rooms its headers may include, HIDES what only its sources see, so that no toolkit reaches
-# another room.
+# framekeeper_room(NAME SOURCES ... [HEADERS ...] [REGISTERS ...] [USES ...] [HIDES ...]): a folder of the tree as a
+# library. HEADERS are the public ones; what they include is public, too. REGISTERS is the function that registers the
+# room's classes and hands in its hooks (Registration.cmake). USES are the rooms its headers may include, HIDES what only
+# its sources see, so that no toolkit reaches another room.
 function(framekeeper_room NAME)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;USES;HIDES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;REGISTERS;USES;HIDES" ${ARGN})
   add_library(framekeeper_${NAME} STATIC ${ROOM_SOURCES})
   framekeeper_compile_in_batches(framekeeper_${NAME})
   target_link_libraries(framekeeper_${NAME} PUBLIC framekeeper_options ${ROOM_USES} PRIVATE ${ROOM_HIDES})
   set_target_properties(framekeeper_${NAME} PROPERTIES FRAMEKEEPER_HIDES "${ROOM_HIDES}")
-  list(TRANSFORM ROOM_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  if(ROOM_REGISTERS)
+    framekeeper_registers(framekeeper_${NAME} ${ROOM_REGISTERS})
+  endif()
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE folder)
+  list(TRANSFORM ROOM_HEADERS PREPEND ${folder}/)
   set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_HEADERS ${ROOM_HEADERS})
 endfunction()
 

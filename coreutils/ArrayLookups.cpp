@@ -1,5 +1,4 @@
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSPredicate.h"
 
 namespace mac {
@@ -13,19 +12,5 @@ id pxObjectWithValue_forKeyPath_(NSArray receiver, id value, NSString keyPath) {
 id pxObjectAtIndex_(NSArray receiver, NSUInteger index) {
     return index < receiver.count() ? receiver.objectAtIndex_(index) : id();
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxObjectWithValue_forKeyPath_>("pxObjectWithValue:forKeyPath:"),
-            method<&pxObjectAtIndex_>("pxObjectAtIndex:"),
-        };
-        classOf<NSArray>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

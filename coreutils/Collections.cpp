@@ -1,7 +1,7 @@
 #include "coreutils/Collections.h"
 #include "coreutils/ArrayLookups.h"
 #include "platform/foundation/Exceptions.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNumber.h"
 #include <algorithm>
 
 namespace mac {
@@ -129,41 +129,5 @@ void pxMoveObjectsAtIndexes_toIndex_(NSMutableArray receiver, NSIndexSet indexes
     NSRange const places{receiver.indexOfObject_(anchor), block.count()};
     receiver.insertObjects_atIndexes_(block, NSIndexSet::indexSetWithIndexesInRange_(places));
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const ofArrays[] = {
-            method<static_cast<NSIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
-            method<&pxStringValues>("pxStringValues"),
-            method<&pxFlattenedMutableArrayOfArrays>("pxFlattenedMutableArrayOfArrays"),
-            method<&pxFlattenedMutableSetOfSets>("pxFlattenedMutableSetOfSets"),
-            method<&pxMutableArrayWithTrimmedObjectsForKeys_>("pxMutableArrayWithTrimmedObjectsForKeys:"),
-            method<&pxUniqueCopyNameForName_>("pxUniqueCopyNameForName:"),
-        };
-        classOf<NSArray>().addMethods(ofArrays);
-        Method const ofMutableArrays[] = {
-            method<&pxMoveObjectAtIndex_toIndex_>("pxMoveObjectAtIndex:toIndex:"),
-            method<&pxMoveObjectsAtIndexes_toIndex_>("pxMoveObjectsAtIndexes:toIndex:"),
-        };
-        classOf<NSMutableArray>().addMethods(ofMutableArrays);
-        Method const ofEnumerators[] = {
-            method<static_cast<NSIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
-        };
-        classOf<NSEnumerator>().addMethods(ofEnumerators);
-        Method const ofSets[] = {
-            method<static_cast<NSIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
-            method<&pxUnionWithSet_>("pxUnionWithSet:"),
-        };
-        classOf<NSSet>().addMethods(ofSets);
-        Method const ofIndexSets[] = {method<&pxArrayWithIndexes>("pxArrayWithIndexes")};
-        classOf<NSIndexSet>().addMethods(ofIndexSets);
-        Method const ofNull[] = {method<&objectEnumerator>("objectEnumerator")};
-        classOf<NSNull>().addMethods(ofNull);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

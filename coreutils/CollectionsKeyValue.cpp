@@ -1,5 +1,4 @@
 #include "coreutils/Collections.h"
-#include "platform/foundation/Method.h"
 
 namespace mac {
 
@@ -130,35 +129,5 @@ void pxStopObservingAllKeysOfAllObjectsOf_(id receiver, id collection) {
     forEach(membersOf(collection),
             [&](id const& member) { pxStopObserving_forKeyPaths_(receiver, member, keysOf(member)); });
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxSetValueFrom_forKey_>("pxSetValueFrom:forKey:"),
-            method<&pxSetValuesFrom_forKeys_>("pxSetValuesFrom:forKeys:"),
-            method<&pxSetValuesFrom_>("pxSetValuesFrom:"),
-            method<&pxValueForKeyPath_>("pxValueForKeyPath:"),
-            method<&pxSetValue_forKeyPath_>("pxSetValue:forKeyPath:"),
-            method<&pxStartObserving_forKeyPath_options_context_>("pxStartObserving:forKeyPath:options:context:"),
-            method<&pxStopObserving_forKeyPath_>("pxStopObserving:forKeyPath:"),
-            method<&pxStartObserving_forKeyPaths_options_context_>("pxStartObserving:forKeyPaths:options:context:"),
-            method<&pxStopObserving_forKeyPaths_>("pxStopObserving:forKeyPaths:"),
-            method<&pxStartObservingAllObjectsOf_forKeyPath_options_context_>(
-                "pxStartObservingAllObjectsOf:forKeyPath:options:context:"),
-            method<&pxStopObservingAllObjectsOf_forKeyPath_>("pxStopObservingAllObjectsOf:forKeyPath:"),
-            method<&pxStartObservingAllObjectsOf_forKeyPaths_options_context_>(
-                "pxStartObservingAllObjectsOf:forKeyPaths:options:context:"),
-            method<&pxStopObservingAllObjectsOf_forKeyPaths_>("pxStopObservingAllObjectsOf:forKeyPaths:"),
-            method<&pxStartObservingAllKeysOfAllObjectsOf_options_context_>(
-                "pxStartObservingAllKeysOfAllObjectsOf:options:context:"),
-            method<&pxStopObservingAllKeysOfAllObjectsOf_>("pxStopObservingAllKeysOfAllObjectsOf:"),
-        };
-        classOf<NSObject>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

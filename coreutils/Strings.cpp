@@ -1,7 +1,7 @@
 #include "coreutils/Strings.h"
 #include "platform/foundation/CFUUID.h"
 #include "platform/foundation/Exceptions.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSNumberFormatter.h"
 #include "platform/foundation/UnitSearch.h"
 #include "platform/foundation/WordSum.h"
@@ -118,23 +118,5 @@ NSString pxDescriptionOfSystemErrorCode_(std::int32_t code) {
     std::uint32_t const number = bits & 0x3FFF;
     return NSString::stringWithFormat_("%08X(sys=%08X sub=%08X code=%08X=%d)", bits, system, subsystem, number, number);
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const strings[] = {
-            method<&pxCountOf_>("pxCountOf:"),
-            method<&pxContainsCharactersInString_>("pxContainsCharactersInString:"),
-            method<&pxStringByRemovingCharactersInSet_>("pxStringByRemovingCharactersInSet:"),
-            method<&pxStringBySubstituting_with_>("pxStringBySubstituting:with:"),
-        };
-        classOf<NSString>().addMethods(strings);
-        Method const data[] = {method<&pxChecksum>("pxChecksum")};
-        classOf<NSData>().addMethods(data);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

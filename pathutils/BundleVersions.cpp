@@ -1,7 +1,6 @@
 #include "pathutils/BundleVersions.h"
 #include "pathutils/PathRelations.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSNumber.h"
@@ -74,21 +73,5 @@ std::int32_t pxVersionCompare_(NSString receiver, NSString version) {
     if (one == other) return 0;
     return one < other ? -1 : 1;
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxVersionOfPath>("pxVersionOfPath"),
-            method<&pxTrimmedVersion_>("pxTrimmedVersion:"),
-            method<&pxTrimmedVersion>("pxTrimmedVersion"),
-            method<&pxVersionCompare_>("pxVersionCompare:"),
-        };
-        classOf<NSString>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -1,6 +1,5 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include <algorithm>
@@ -125,28 +124,5 @@ id pxExtendedAttributeDictionary(NSString receiver) {
 void pxSetExtendedAttributeDictionary_(NSString receiver, id propertyList) {
     pxSetExtendedAttributeDictionary_forKey_(receiver, propertyList, bundleIdentifier());
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxExtendedAttributesKeys>("pxExtendedAttributesKeys"),
-            method<&pxExtendedAttributeDataForKey_>("pxExtendedAttributeDataForKey:"),
-            method<&pxSetExtendedAttributeData_forKey_>("pxSetExtendedAttributeData:forKey:"),
-            method<&pxRemoveExtendedAttributeForKey_>("pxRemoveExtendedAttributeForKey:"),
-            method<&pxExtendedAttributes>("pxExtendedAttributes"),
-            method<&pxExtendedAttributesForKeys_>("pxExtendedAttributesForKeys:"),
-            method<&pxSetExtendedAttributes_>("pxSetExtendedAttributes:"),
-            method<&pxExtendedAttributeDictionaryForKey_>("pxExtendedAttributeDictionaryForKey:"),
-            method<&pxSetExtendedAttributeDictionary_forKey_>("pxSetExtendedAttributeDictionary:forKey:"),
-            method<&pxExtendedAttributeDictionary>("pxExtendedAttributeDictionary"),
-            method<&pxSetExtendedAttributeDictionary_>("pxSetExtendedAttributeDictionary:"),
-        };
-        classOf<NSString>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -2,7 +2,6 @@
 #include "coreutils/IconsAndImages.h"
 #include "pathutils/PathRelations.h"
 #include "platform/files/VolumeInformation.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/FileReferences.h"
@@ -197,25 +196,5 @@ bool pxUpdatePathInFinder_(FSRef const* ref) {
     event.setParamDescriptor_forKeyword_(item, DirectObject);
     return pxSend(event);
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxVolumeRefNumOfPath>("pxVolumeRefNumOfPath"),
-            method<&pxFilesystemIDForPath>("pxFilesystemIDForPath"),
-            method<&KRPathSupportsCustomIcons>("KRPathSupportsCustomIcons"),
-            method<&KRPathHasInexactTime>("KRPathHasInexactTime"),
-            method<&pxPathIsOnDOSVolume>("pxPathIsOnDOSVolume"),
-            method<&pxPathIsOnIDisk>("pxPathIsOnIDisk"),
-            method<&pxSetFinderFlagsOfPath_mask_>("pxSetFinderFlagsOfPath:mask:"),
-            method<&pxUpdatePathInFinder>("pxUpdatePathInFinder"),
-        };
-        classOf<NSString>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

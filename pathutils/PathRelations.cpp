@@ -1,7 +1,6 @@
 #include "pathutils/PathRelations.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/foundation/CFURL.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSFileManager.h"
@@ -164,38 +163,5 @@ NSURL pxURLOfPath(NSString receiver) { return receiver == nil ? NSURL(nil) : NSU
 NSURL pxURLOfPath_(NSString receiver, BOOL isDirectory) {
     return CFURLCreateWithFileSystemPath(kCFAllocatorDefault, receiver, kCFURLPOSIXPathStyle, isDirectory);
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxIsEqualToPath_>("pxIsEqualToPath:"),
-            method<&pxIsChildOf_>("pxIsChildOf:"),
-            method<&pxFastIsChildOf_>("pxFastIsChildOf:"),
-            method<&pxIsPathPackageOrPartOfPackageCheckingMaxLevels_>(
-                "pxIsPathPackageOrPartOfPackageCheckingMaxLevels:"),
-            method<&pxIsPathPartOfPackageCheckingMaxLevels_>("pxIsPathPartOfPackageCheckingMaxLevels:"),
-            method<&pxDisplayNameOfPath>("pxDisplayNameOfPath"),
-            method<&pxParentPathOfPath>("pxParentPathOfPath"),
-            method<&pxInfoDictionaryForPath>("pxInfoDictionaryForPath"),
-            method<&pxInfoDictionaryForPathUncached>("pxInfoDictionaryForPathUncached"),
-            method<&pxVisibleDirectoryContentsAtPath_>("pxVisibleDirectoryContentsAtPath:"),
-            method<&pxFilenameExtensionOfUTI>("pxFilenameExtensionOfUTI"),
-            method<&pxFilenameExtensionOfUTIPanther>("pxFilenameExtensionOfUTIPanther"),
-            method<static_cast<bool (*)(NSString)>(&pxIsImageFile)>("pxIsImageFile"),
-            method<static_cast<bool (*)(NSString)>(&pxIsAudioFile)>("pxIsAudioFile"),
-            method<&pxIsWritableFileAtPath>("pxIsWritableFileAtPath"),
-            method<&pxIsDeletableFileAtPath>("pxIsDeletableFileAtPath"),
-            method<&pxURLOfPath>("pxURLOfPath"),
-            method<&pxURLOfPath_>("pxURLOfPath:"),
-        };
-        classOf<NSString>().addMethods(methods);
-        // The file manager's names are what this library shows.
-        useForFileManager();
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

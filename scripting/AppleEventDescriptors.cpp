@@ -1,8 +1,8 @@
 #include "scripting/AppleEventDescriptors.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
 #include "platform/processes/Processes.h"
 
 namespace mac {
@@ -94,19 +94,5 @@ id pxObject(NSAppleEventDescriptor receiver) {
     if (type == typeNull) return receiver.data();
     return dataOfUnknownType(receiver);
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxSend>("pxSend"),
-            method<&pxObject>("pxObject"),
-        };
-        classOf<NSAppleEventDescriptor>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -1,7 +1,6 @@
 #include "scripting/AppleScriptExecution.h"
 #include "coreutils/Strings.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSNumber.h"
 #include "scripting/AppleEventDescriptors.h"
 
@@ -92,11 +91,15 @@ id pxExecuteHandler_withParameters_error_(NSAppleScript receiver, NSString handl
 
 id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
                                           std::initializer_list<id> parameters) {
+    return pxExecuteHandler_error_withParameters_(receiver, handler, error, NSArray::arrayWithObjects_(parameters));
+}
+
+id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
+                                          NSArray parameters) {
     if (receiver == nil) return nil;
     NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
     NSInteger index = 0;
     for (id const& parameter : parameters) {
-        if (parameter == nil) break;
         ++index;
         NSAppleEventDescriptor const descriptor = descriptorOfParameter(parameter);
         if (descriptor == nil) {
@@ -108,22 +111,5 @@ id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handl
     }
     return pxExecuteHandler_withParameters_error_(receiver, handler, list, error);
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxExecuteAsAppleScript>("pxExecuteAsAppleScript"),
-            method<&pxExecuteAsShellScriptWithAdminPrivs_>("pxExecuteAsShellScriptWithAdminPrivs:"),
-            method<&pxQuotedForm>("pxQuotedForm"),
-            method<&pxStringByEscapingDoubleQuotes>("pxStringByEscapingDoubleQuotes"),
-            method<&pxStringByEscapingSingleQuotes>("pxStringByEscapingSingleQuotes"),
-        };
-        classOf<NSString>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -43,5 +43,8 @@ id pxExecuteHandler_withParameters_error_(NSAppleScript receiver, NSString handl
 // 1, calls nothing, leaves the error alone and answers nil.
 id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
                                           std::initializer_list<id> parameters);
+// A message sent by selector carries the parameters in an array.
+id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
+                                          NSArray parameters);
 
 } // namespace mac

@@ -1,5 +1,4 @@
 #include "scripting/FileReferences.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSFileManager.h"
 #include <algorithm>
@@ -162,27 +161,5 @@ NSURL KRCURLRelativeURLWithFSRef_(NSURL receiver, FSRef const* ref) {
 }
 
 bool KRCURLIsOnIDisk(NSURL receiver) { return receiver.host().isEqualToString_(KRCIDiskHost); }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const ofStrings[] = {
-            method<&KRCStringBySwappingColonsAndSlashes>("KRCStringBySwappingColonsAndSlashes"),
-            method<&KRCPathGetFileType>("KRCPathGetFileType"),
-            method<&KRCPathIsSymbolicLink>("KRCPathIsSymbolicLink"),
-            method<&KRCPathExists>("KRCPathExists"),
-            method<&KRCPathExistsTraverseLink_>("KRCPathExistsTraverseLink:"),
-            method<&KRCPathGetFileSystemPath>("KRCPathGetFileSystemPath"),
-            method<&KRCPathDisplayNames>("KRCPathDisplayNames"),
-            method<&KRCPathSubPathRelativeToBasePath_>("KRCPathSubPathRelativeToBasePath:"),
-        };
-        classOf<NSString>().addMethods(ofStrings);
-        Method const ofURLs[] = {method<&KRCURLIsOnIDisk>("KRCURLIsOnIDisk")};
-        classOf<NSURL>().addMethods(ofURLs);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

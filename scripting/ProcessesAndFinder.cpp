@@ -2,7 +2,8 @@
 #include "pathutils/FinderMetadata.h"
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSURL.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/AppleScriptExecution.h"
@@ -107,32 +108,5 @@ bool pxTerminate(NSTask receiver) {
     if (wasRunning) receiver.terminate();
     return wasRunning;
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const ofNumbers[] = {
-            method<&KRAProcessSerialNumberSetFront>("KRAProcessSerialNumberSetFront"),
-            method<&KRAProcessSerialNumberQuit>("KRAProcessSerialNumberQuit"),
-        };
-        classOf<NSNumber>().addMethods(ofNumbers);
-        Method const ofStrings[] = {
-            method<&KRAPathRevealInFinder>("KRAPathRevealInFinder"),
-            method<&pxOpenItemWithFinder>("pxOpenItemWithFinder"),
-        };
-        classOf<NSString>().addMethods(ofStrings);
-        Method const ofEnumerators[] = {
-            method<&pxRevealItemsInFinder>("pxRevealItemsInFinder"),
-            method<&pxOpenItemsWithFinder>("pxOpenItemsWithFinder"),
-            method<&pxShowFinderInfo>("pxShowFinderInfo"),
-        };
-        classOf<NSEnumerator>().addMethods(ofEnumerators);
-        Method const ofTasks[] = {method<&pxTerminate>("pxTerminate")};
-        classOf<NSTask>().addMethods(ofTasks);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

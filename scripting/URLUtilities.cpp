@@ -1,7 +1,6 @@
 #include "scripting/URLUtilities.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/VolumeInformation.h"
-#include "platform/foundation/Method.h"
 #include "platform/launchservices/DisplayNames.h"
 #include "platform/launchservices/ImageSources.h"
 #include "platform/launchservices/ItemAttributes.h"
@@ -68,22 +67,5 @@ bool KRURLSupportsCustomIcons(NSURL receiver) {
 bool KRURLHasInexactTime(NSURL receiver) {
     return receiver != nil && !KRCURLIsOnIDisk(receiver) && KRPathHasInexactTime(receiver.path());
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&KRVolumeURLGetPath>("KRVolumeURLGetPath"),
-            method<&KRURLSupportsCustomIcons>("KRURLSupportsCustomIcons"),
-            method<&KRURLHasInexactTime>("KRURLHasInexactTime"),
-            method<static_cast<bool (*)(NSURL)>(&pxIsImageFile)>("pxIsImageFile"),
-            method<static_cast<bool (*)(NSURL)>(&pxIsAudioFile)>("pxIsAudioFile"),
-        };
-        classOf<NSURL>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -1,6 +1,5 @@
 #include "platform/foundation/CFURL.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
 #include "platform/foundation/NSArray.h"
 #include "scripting/URLUtilities.h"
 #include <string>
@@ -80,20 +79,5 @@ void pxDisplayComponents(NSURL receiver) {
     NSLog("isFileURL: %d", receiver.isFileURL() ? 1 : 0);
     NSLog("standardizedURL: %@", receiver.standardizedURL());
 }
-
-namespace {
-
-struct Registration {
-    Registration() {
-        Method const methods[] = {
-            method<&pxComponent_>("pxComponent:"),
-            method<&pxDisplayComponent_>("pxDisplayComponent:"),
-            method<&pxDisplayComponents>("pxDisplayComponents"),
-        };
-        classOf<NSURL>().addMethods(methods);
-    }
-} const s_registration;
-
-} // namespace
 
 } // namespace mac

@@ -1,4 +1,5 @@
 #include "platform/appkit/NSWorkspace.h"
+#include "platform/appkit/Registration.h"
 #include "platform/desktop/DesktopApplication.h"
 #include "platform/desktop/FileBrowserSession.h"
 #include "platform/desktop/FrontProcess.h"
@@ -14,15 +15,6 @@
 namespace mac {
 
 namespace {
-
-// Makes the class known by its name.
-RegisteredClass<NSWorkspace> const s_registered;
-
-// Lets the event 'quit' reach the file browser, which receives no events, by the browser's own means.
-struct FileBrowserQuits {
-    FileBrowserQuits() { setUnansweredQuitHandler(askToQuit); }
-};
-FileBrowserQuits const s_fileBrowserQuits;
 
 constexpr char FinderIdentifier[] = "com.apple.finder";
 
@@ -74,6 +66,12 @@ ClassDescription NSWorkspace::describeClass() {
         .methods = {method<&NSWorkspace::openFile_>("openFile:"),
                     method<&NSWorkspace::selectFile_inFileViewerRootedAtPath_>("selectFile:inFileViewerRootedAtPath:")},
     };
+}
+
+void registerWorkspace() {
+    registerClasses<NSWorkspace>();
+    // Lets the event 'quit' reach the file browser, which receives no events, by the browser's own means.
+    setUnansweredQuitHandler(askToQuit);
 }
 
 NSWorkspace NSWorkspace::sharedWorkspace() {

@@ -274,9 +274,13 @@ void openWantedEndpoint() {
     if (!s_isWanted || !QCoreApplication::instance()) return;
     Transport::shared().run([](Endpoint& endpoint) { endpoint.open(); });
 }
-Q_COREAPP_STARTUP_FUNCTION(openWantedEndpoint)
 
 } // namespace
+
+void prepareEventEndpoint() {
+    static std::once_flag isPrepared;
+    std::call_once(isPrepared, [] { qAddPreRoutine(&openWantedEndpoint); });
+}
 
 void openEventEndpoint() {
     s_isWanted = true;

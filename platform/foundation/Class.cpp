@@ -1,6 +1,5 @@
 #include "platform/foundation/Class.h"
 #include "platform/foundation/Exceptions.h"
-#include "platform/foundation/FoundationClasses.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSString.h"
 #include <atomic>
@@ -15,6 +14,7 @@ namespace mac {
 class MethodTable {
 public:
     void add(std::span<Method const> methods) {
+        if (methods.empty()) return;
         std::lock_guard const guard(m_lock);
         auto rows = m_tables.empty() ? std::make_unique<Rows>() : std::make_unique<Rows>(*m_tables.back());
         for (Method const& method : methods)
@@ -128,7 +128,7 @@ public:
     }
 
 private:
-    // Those that came before it, all before main.
+    // For those that came before it.
     void becomeClassOfClasses(Class::Body& body) {
         m_classOfClasses = &body;
         for (auto const& [name, registered] : m_classes)
@@ -145,9 +145,10 @@ std::recursive_mutex& initializationLock() {
     return lock;
 }
 
-Class const noClass;
-// Before main: from then on every class object has a class.
-RegisteredClass<Class> const classOfClasses;
+Class const& noClass() {
+    static Class const& none = *std::make_unique<Class>().release();
+    return none;
+}
 
 } // namespace
 
@@ -176,7 +177,7 @@ bool Class::isSubclassOfClass_(Class const& other) const {
     return *this != nil && bodyOf(*this)->isSubclassOf(other.body());
 }
 
-Class const& ObjectBody::isa() const { return m_class ? static_cast<Class::Body const*>(m_class)->m_self : noClass; }
+Class const& ObjectBody::isa() const { return m_class ? static_cast<Class::Body const*>(m_class)->m_self : noClass(); }
 
 bool ObjectBody::isKindOf(Class const& cls) const {
     return m_class && static_cast<Class::Body const*>(m_class)->isSubclassOf(cls.body());
@@ -214,6 +215,10 @@ void Class::addMethods(std::span<Method const> methods) const {
     if (*this != nil) bodyOf(*this)->m_methods.add(methods);
 }
 
+void Class::addClassMethods(std::span<Method const> methods) const {
+    if (*this != nil) bodyOf(*this)->m_classMethods.add(methods);
+}
+
 void Class::initializeOnce() const {
     if (*this == nil) return;
     Body* const cls = bodyOf(*this);
@@ -231,10 +236,7 @@ void Class::initializeOnce() const {
     if (cls->m_description.initialize) cls->m_description.initialize();
 }
 
-Class NSClassFromString(NSString name) {
-    registerFoundationClasses();
-    return Registry::shared().find(name.UTF8String());
-}
+Class NSClassFromString(NSString name) { return Registry::shared().find(name.UTF8String()); }
 
 NSString NSStringFromClass(Class const& cls) {
     return cls == nil ? NSString() : NSString::stringWithUTF8String_(cls.name());

@@ -48,8 +48,10 @@ public:
     // For implementations: the row of the nearest class that has one, or null.
     Method const* methodForSelector(SEL selector) const;
     Property const* propertyForKey(std::string_view key) const;
-    // A category: further methods of an existing class. A later one of the same selector wins.
+    // A category: further methods of an existing class, and further class methods. A later one of the same selector
+    // wins.
     void addMethods(std::span<Method const> methods) const;
+    void addClassMethods(std::span<Method const> methods) const;
     // Sends +initialize to the superclass and to this class, once each, before the first instance. Other threads that
     // make an instance meanwhile wait, so an initialize waits for no thread.
     void initializeOnce() const;
@@ -69,7 +71,7 @@ struct ClassDescription {
 };
 
 Class const& registerClass(ClassDescription description);
-// The registered class of that name, or nil. The framework's classes of this room are always registered.
+// The registered class of that name, or nil. A program's classes are registered before main, see Registration.h.
 Class NSClassFromString(NSString name);
 NSString NSStringFromClass(Class const& cls);
 
@@ -108,11 +110,5 @@ template <class Self, class Super>
 Self Handle<Self, Super>::alloc() {
     return uncheckedCast<Self>(classOf<Self>().alloc());
 }
-
-// Registers a class by name before main, for classes that are found by name only.
-template <class T>
-struct RegisteredClass {
-    RegisteredClass() { classOf<T>(); }
-};
 
 }

@@ -5,7 +5,7 @@ namespace mac {
 class NSString;
 
 // Where the file manager learns how people see the name of the item at a path: nil leaves the path's last component.
-// For implementations of the room that knows such names, which sets it before main; it is called on any thread.
+// The room that knows such names hands the function in when it is registered. The function is called on any thread.
 using DisplayNameSource = NSString (*)(NSString const& path);
 void setDisplayNameSource(DisplayNameSource source);
 

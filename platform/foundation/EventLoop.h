@@ -4,5 +4,8 @@ namespace mac {
 
 // Makes the program's event loop when there is none yet, for programs without windows. Main thread.
 void requireEventLoop();
+// Binds what performOnMainRunLoop queues to the calling thread, which has to be the main thread, and has each new event
+// loop deliver what was queued before it. For registerFoundation.
+void prepareMainRunLoop();
 
 } // namespace mac

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSValue.h"
 #include "platform/foundation/Object.h"
 #include <array>
 #include <bit>
@@ -30,7 +31,16 @@ Plain<T> fromObject(id const& object) {
     // A context, which is passed through and never looked at, travels as its number.
     else if constexpr (std::is_same_v<Value, void*>)
         return std::bit_cast<void*>(static_cast<std::uintptr_t>(as<NSNumber>(object).unsignedLongLongValue()));
-    else {
+    else if constexpr (std::is_same_v<Value, FourCharCode>)
+        return FourCharCode(as<NSNumber>(object).unsignedIntValue());
+    // Any other pointer travels in an NSValue, and so does the address of a record; what is none arrives as null and as
+    // an empty record.
+    else if constexpr (std::is_pointer_v<Value>)
+        return as<NSValue>(object).pointerValue<std::remove_pointer_t<Value>>();
+    else if constexpr (std::is_class_v<Value>) {
+        Value const* const record = as<NSValue>(object).pointerValue<Value const>();
+        return record ? *record : Value{};
+    } else {
         static_assert(std::is_integral_v<Value> || std::is_enum_v<Value>, "a message carries objects and numbers");
         return static_cast<Value>(as<NSNumber>(object).longLongValue());
     }
@@ -108,6 +118,24 @@ struct Invoker<function> {
     }
 };
 
+template <auto function>
+struct ClassInvoker;
+
+// A class method's function has no receiver.
+template <class Result, class... Arguments, Result (*function)(Arguments...)>
+struct ClassInvoker<function> {
+    using Value = Plain<Result>;
+
+    static id invoke(id const&, std::span<id const> arguments) {
+        return withIndexes(arguments, std::index_sequence_for<Arguments...>());
+    }
+    template <std::size_t... index>
+    static id withIndexes([[maybe_unused]] std::span<id const> arguments, std::index_sequence<index...>) {
+        return resultOf<Result>(
+            [&]() -> Result { return function(fromObject<Arguments>(argumentAt(arguments, index))...); });
+    }
+};
+
 template <auto getter>
 id getProperty(id const& object) {
     return Invoker<getter>::invoke(object, {});
@@ -144,6 +172,26 @@ template <auto function>
 constexpr Method method(std::string_view selector) {
     using Invoker = detail::Invoker<function>;
     return {selector, &Invoker::invoke, !std::is_void_v<typename Invoker::Value>};
+}
+
+// A row of the table of class methods: classMethod<&pxUUID>("pxUUID").
+template <auto function>
+constexpr Method classMethod(std::string_view selector) {
+    using Invoker = detail::ClassInvoker<function>;
+    return {selector, &Invoker::invoke, !std::is_void_v<typename Invoker::Value>};
+}
+
+// Makes the classes known by name. Without it a class is known from its first use on.
+template <class... Classes>
+void registerClasses() {
+    [[maybe_unused]] Class const* const registered[]{&classOf<Classes>()...};
+}
+
+// Adds a category to the class T.
+template <class T>
+void addCategory(std::initializer_list<Method> methods, std::initializer_list<Method> classMethods = {}) {
+    classOf<T>().addMethods(methods);
+    classOf<T>().addClassMethods(classMethods);
 }
 
 // A row of the key table: property<&AppController::paths, &AppController::setPaths_>("paths").

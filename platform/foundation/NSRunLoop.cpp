@@ -65,13 +65,15 @@ private:
     std::deque<std::function<void()>> m_functions;
 };
 
-// Belongs to the main thread even when another one calls first: made before main.
-MainThreadCalls& s_calls = MainThreadCalls::shared();
-
-void wakeCallsOfNewLoop() { s_calls.wakeNewLoop(); }
-Q_COREAPP_STARTUP_FUNCTION(wakeCallsOfNewLoop)
+void wakeCallsOfNewLoop() { MainThreadCalls::shared().wakeNewLoop(); }
 
 } // namespace
+
+void prepareMainRunLoop() {
+    MainThreadCalls::shared();
+    static std::once_flag isPrepared;
+    std::call_once(isPrepared, [] { qAddPreRoutine(&wakeCallsOfNewLoop); });
+}
 
 void requireEventLoop() {
     if (QCoreApplication::instance()) return;
@@ -120,6 +122,6 @@ bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
     return !isTimeOver;
 }
 
-void performOnMainRunLoop(std::function<void()> function) { s_calls.add(std::move(function)); }
+void performOnMainRunLoop(std::function<void()> function) { MainThreadCalls::shared().add(std::move(function)); }
 
 } // namespace mac

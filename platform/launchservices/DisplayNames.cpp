@@ -83,6 +83,6 @@ OSStatus LSCopyDisplayNameForRef(FSRef const* itemRef, CFStringRef* displayName)
     return !displayName || !itemRef ? paramErr : deliver(diskItemOf(*itemRef), displayName);
 }
 
-void useForFileManager() { setDisplayNameSource(&displayNameAtPath); }
+void useDisplayNamesInFileManager() { setDisplayNameSource(&displayNameAtPath); }
 
 } // namespace mac

@@ -21,7 +21,7 @@ OSStatus LSCopyDisplayNameForRef(FSRef const* itemRef, CFStringRef* displayName)
 NSString displayNameOf(DiskItem const& item);
 // Whether people see the name without its extension.
 bool hidesExtension(DiskItem const& item);
-// From then on the file manager shows these names, too.
-void useForFileManager();
+// Has the file manager answer these names, too. For registerLaunchServices.
+void useDisplayNamesInFileManager();
 
 } // namespace mac

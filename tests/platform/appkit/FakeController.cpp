@@ -12,8 +12,6 @@ bool nextInitAnswersNil = false;
 
 namespace {
 
-RegisteredClass<FakeController> const s_registered;
-
 class YesOrNo : public Handle<YesOrNo, NSValueTransformer> {
 public:
     using Handle::Handle;

@@ -12,6 +12,8 @@ namespace mac::test {
 void needApplication() {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 0);
     NSApplication::sharedApplication();
+    // The interface file finds the class by its name.
+    classOf<FakeController>();
 }
 
 LoadedWindow::LoadedWindow() {

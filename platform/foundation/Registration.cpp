@@ -1,5 +1,7 @@
-#include "platform/foundation/FoundationClasses.h"
+#include "platform/foundation/Registration.h"
 #include "platform/foundation/CFUUID.h"
+#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSData.h"
@@ -23,26 +25,19 @@
 #include "platform/foundation/NSThread.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/foundation/NSURL.h"
+#include "platform/foundation/NSValue.h"
 #include "platform/foundation/NSValueTransformer.h"
 
 namespace mac {
 
-namespace {
-
-template <class... Classes>
-void registerAll() {
-    [[maybe_unused]] static Class const* const all[]{&classOf<Classes>()...};
-}
-
-} // namespace
-
-void registerFoundationClasses() {
-    registerAll<CFUUIDRef, Class, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray, NSMutableCharacterSet,
-                NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification,
-                NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter, NSObject, NSPredicate,
-                NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread,
-                NSTimer, NSURL, NSValueTransformer>();
+void registerFoundation() {
+    registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
+                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
+                    NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
+                    NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
+                    NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
+                    NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+    prepareMainRunLoop();
 }
 
 } // namespace mac

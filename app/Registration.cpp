@@ -1,0 +1,11 @@
+#include "app/Registration.h"
+#include "app/AppController.h"
+#include "app/BOOLToColorTransformer.h"
+#include "app/BOOLToStringTransformer.h"
+#include "platform/foundation/Method.h"
+
+namespace framekeeper {
+
+void registerApp() { registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer>(); }
+
+} // namespace framekeeper

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace framekeeper {
+
+// Makes the program's classes known by name: the main interface file finds the controller so. A second call changes
+// nothing. Called before main, see platform/foundation/Registration.h.
+void registerApp();
+
+} // namespace framekeeper

@@ -1,0 +1,94 @@
+#include "coreutils/Registration.h"
+#include "coreutils/ArrayLookups.h"
+#include "coreutils/Collections.h"
+#include "coreutils/IconsAndImages.h"
+#include "coreutils/Strings.h"
+#include "platform/foundation/Method.h"
+
+namespace mac {
+
+namespace {
+
+void registerStrings() {
+    addCategory<NSString>(
+        {
+            method<&pxCountOf_>("pxCountOf:"),
+            method<&pxContainsCharactersInString_>("pxContainsCharactersInString:"),
+            method<&pxStringByRemovingCharactersInSet_>("pxStringByRemovingCharactersInSet:"),
+            method<&pxStringBySubstituting_with_>("pxStringBySubstituting:with:"),
+        },
+        {
+            classMethod<&pxUUID>("pxUUID"),
+            classMethod<&pxFormattedStringWithSize_>("pxFormattedStringWithSize:"),
+            classMethod<&pxDescriptionOfSystemErrorCode_>("pxDescriptionOfSystemErrorCode:"),
+        });
+    addCategory<NSData>({method<&pxChecksum>("pxChecksum")});
+}
+
+void registerCollections() {
+    addCategory<NSArray>({
+        method<static_cast<NSIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<&pxStringValues>("pxStringValues"),
+        method<&pxFlattenedMutableArrayOfArrays>("pxFlattenedMutableArrayOfArrays"),
+        method<&pxFlattenedMutableSetOfSets>("pxFlattenedMutableSetOfSets"),
+        method<&pxMutableArrayWithTrimmedObjectsForKeys_>("pxMutableArrayWithTrimmedObjectsForKeys:"),
+        method<&pxUniqueCopyNameForName_>("pxUniqueCopyNameForName:"),
+        method<&pxObjectWithValue_forKeyPath_>("pxObjectWithValue:forKeyPath:"),
+        method<&pxObjectAtIndex_>("pxObjectAtIndex:"),
+    });
+    addCategory<NSMutableArray>({
+        method<&pxMoveObjectAtIndex_toIndex_>("pxMoveObjectAtIndex:toIndex:"),
+        method<&pxMoveObjectsAtIndexes_toIndex_>("pxMoveObjectsAtIndexes:toIndex:"),
+    });
+    addCategory<NSMutableDictionary>(
+        {}, {classMethod<&pxDictionaryWithDictionary_forKeys_>("pxDictionaryWithDictionary:forKeys:")});
+    addCategory<NSEnumerator>({
+        method<static_cast<NSIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+    });
+    addCategory<NSSet>({
+        method<static_cast<NSIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<&pxUnionWithSet_>("pxUnionWithSet:"),
+    });
+    addCategory<NSIndexSet>({method<&pxArrayWithIndexes>("pxArrayWithIndexes")});
+    addCategory<NSNull>({method<&objectEnumerator>("objectEnumerator")});
+}
+
+void registerKeyValueOperations() {
+    addCategory<NSObject>({
+        method<&pxSetValueFrom_forKey_>("pxSetValueFrom:forKey:"),
+        method<&pxSetValuesFrom_forKeys_>("pxSetValuesFrom:forKeys:"),
+        method<&pxSetValuesFrom_>("pxSetValuesFrom:"),
+        method<&pxValueForKeyPath_>("pxValueForKeyPath:"),
+        method<&pxSetValue_forKeyPath_>("pxSetValue:forKeyPath:"),
+        method<&pxStartObserving_forKeyPath_options_context_>("pxStartObserving:forKeyPath:options:context:"),
+        method<&pxStopObserving_forKeyPath_>("pxStopObserving:forKeyPath:"),
+        method<&pxStartObserving_forKeyPaths_options_context_>("pxStartObserving:forKeyPaths:options:context:"),
+        method<&pxStopObserving_forKeyPaths_>("pxStopObserving:forKeyPaths:"),
+        method<&pxStartObservingAllObjectsOf_forKeyPath_options_context_>(
+            "pxStartObservingAllObjectsOf:forKeyPath:options:context:"),
+        method<&pxStopObservingAllObjectsOf_forKeyPath_>("pxStopObservingAllObjectsOf:forKeyPath:"),
+        method<&pxStartObservingAllObjectsOf_forKeyPaths_options_context_>(
+            "pxStartObservingAllObjectsOf:forKeyPaths:options:context:"),
+        method<&pxStopObservingAllObjectsOf_forKeyPaths_>("pxStopObservingAllObjectsOf:forKeyPaths:"),
+        method<&pxStartObservingAllKeysOfAllObjectsOf_options_context_>(
+            "pxStartObservingAllKeysOfAllObjectsOf:options:context:"),
+        method<&pxStopObservingAllKeysOfAllObjectsOf_>("pxStopObservingAllKeysOfAllObjectsOf:"),
+    });
+}
+
+void registerIconsAndDates() {
+    addCategory<NSDictionary>({}, {classMethod<&pxDictionaryWithIconRef_>("pxDictionaryWithIconRef:")});
+    addCategory<NSDate>({method<&pxUTCDateTime_>("pxUTCDateTime:")},
+                        {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
+}
+
+} // namespace
+
+void registerCoreUtils() {
+    registerStrings();
+    registerCollections();
+    registerKeyValueOperations();
+    registerIconsAndDates();
+}
+
+} // namespace mac

@@ -1,0 +1,97 @@
+#include "pathutils/Registration.h"
+#include "pathutils/BundleVersions.h"
+#include "pathutils/ExtendedAttributes.h"
+#include "pathutils/FinderMetadata.h"
+#include "pathutils/PathRelations.h"
+#include "platform/foundation/Method.h"
+
+namespace mac {
+
+namespace {
+
+void registerBundleVersions() {
+    addCategory<NSString>({
+        method<&pxVersionOfPath>("pxVersionOfPath"),
+        method<&pxParseVersionToMajor_minor_subminor_>("pxParseVersionToMajor:minor:subminor:"),
+        method<&pxTrimmedVersion_>("pxTrimmedVersion:"),
+        method<&pxTrimmedVersion>("pxTrimmedVersion"),
+        method<&pxVersionCompare_>("pxVersionCompare:"),
+    });
+}
+
+void registerPathRelations() {
+    addCategory<NSString>({
+        method<&pxIsEqualToPath_>("pxIsEqualToPath:"),
+        method<&pxIsChildOf_>("pxIsChildOf:"),
+        method<&pxFastIsChildOf_>("pxFastIsChildOf:"),
+        method<&pxIsPathPackageOrPartOfPackageCheckingMaxLevels_>("pxIsPathPackageOrPartOfPackageCheckingMaxLevels:"),
+        method<&pxIsPathPartOfPackageCheckingMaxLevels_>("pxIsPathPartOfPackageCheckingMaxLevels:"),
+        method<&pxDisplayNameOfPath>("pxDisplayNameOfPath"),
+        method<&pxParentPathOfPath>("pxParentPathOfPath"),
+        method<&pxInfoDictionaryForPath>("pxInfoDictionaryForPath"),
+        method<&pxInfoDictionaryForPathUncached>("pxInfoDictionaryForPathUncached"),
+        method<&pxVisibleDirectoryContentsAtPath_>("pxVisibleDirectoryContentsAtPath:"),
+        method<&pxFilenameExtensionOfUTI>("pxFilenameExtensionOfUTI"),
+        method<&pxFilenameExtensionOfUTIPanther>("pxFilenameExtensionOfUTIPanther"),
+        method<static_cast<bool (*)(NSString)>(&pxIsImageFile)>("pxIsImageFile"),
+        method<static_cast<bool (*)(NSString)>(&pxIsAudioFile)>("pxIsAudioFile"),
+        method<&pxIsWritableFileAtPath>("pxIsWritableFileAtPath"),
+        method<&pxIsDeletableFileAtPath>("pxIsDeletableFileAtPath"),
+        method<&pxURLOfPath>("pxURLOfPath"),
+        method<&pxURLOfPath_>("pxURLOfPath:"),
+    });
+}
+
+void registerExtendedAttributes() {
+    addCategory<NSString>({
+        method<&pxExtendedAttributesKeys>("pxExtendedAttributesKeys"),
+        method<&pxExtendedAttributeDataForKey_>("pxExtendedAttributeDataForKey:"),
+        method<&pxSetExtendedAttributeData_forKey_>("pxSetExtendedAttributeData:forKey:"),
+        method<&pxRemoveExtendedAttributeForKey_>("pxRemoveExtendedAttributeForKey:"),
+        method<&pxExtendedAttributes>("pxExtendedAttributes"),
+        method<&pxExtendedAttributesForKeys_>("pxExtendedAttributesForKeys:"),
+        method<&pxSetExtendedAttributes_>("pxSetExtendedAttributes:"),
+        method<&pxExtendedAttributeDictionaryForKey_>("pxExtendedAttributeDictionaryForKey:"),
+        method<&pxSetExtendedAttributeDictionary_forKey_>("pxSetExtendedAttributeDictionary:forKey:"),
+        method<&pxExtendedAttributeDictionary>("pxExtendedAttributeDictionary"),
+        method<&pxSetExtendedAttributeDictionary_>("pxSetExtendedAttributeDictionary:"),
+    });
+}
+
+void registerFinderMetadata() {
+    addCategory<NSString>(
+        {
+            method<&KRPathGetFSRef_getIsDirectory_traverseLink_>("KRPathGetFSRef:getIsDirectory:traverseLink:"),
+            method<&KRPathGetFSRef_traverseLink_>("KRPathGetFSRef:traverseLink:"),
+            method<&KRPathGetParentFSRef_name_>("KRPathGetParentFSRef:name:"),
+            method<&pxVolumeRefNumOfPath>("pxVolumeRefNumOfPath"),
+            method<&pxFilesystemIDForPath>("pxFilesystemIDForPath"),
+            method<&KRPathSupportsCustomIcons>("KRPathSupportsCustomIcons"),
+            method<&KRPathHasInexactTime>("KRPathHasInexactTime"),
+            method<&pxPathIsOnDOSVolume>("pxPathIsOnDOSVolume"),
+            method<&pxPathIsOnIDisk>("pxPathIsOnIDisk"),
+            method<&pxValenceOfPath_>("pxValenceOfPath:"),
+            method<&pxFinderFlagsOfPath_>("pxFinderFlagsOfPath:"),
+            method<&pxSetFinderFlagsOfPath_mask_>("pxSetFinderFlagsOfPath:mask:"),
+            method<&pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_>(
+                "pxFinderFlagsOfPath:isFolder:customIconRef:labelIndex:"),
+            method<&pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_>(
+                "pxFinderFlagsOfPath:isFolder:customIconData:labelIndex:"),
+            method<&pxLSFlagsOfPath_>("pxLSFlagsOfPath:"),
+            method<&pxLSFlagsOfPath_displayName_>("pxLSFlagsOfPath:displayName:"),
+            method<&pxLSFlagsOfPath_displayName_isDirectory_>("pxLSFlagsOfPath:displayName:isDirectory:"),
+            method<&pxUpdatePathInFinder>("pxUpdatePathInFinder"),
+        },
+        {classMethod<&pxUpdatePathInFinder_>("pxUpdatePathInFinder:")});
+}
+
+} // namespace
+
+void registerPathUtils() {
+    registerBundleVersions();
+    registerPathRelations();
+    registerExtendedAttributes();
+    registerFinderMetadata();
+}
+
+} // namespace mac

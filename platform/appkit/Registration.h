@@ -1,0 +1,10 @@
+#pragma once
+
+namespace mac {
+
+// Make the classes of this folder's two libraries known by name. A second call changes nothing. Called before main, see
+// platform/foundation/Registration.h.
+void registerAppKit();
+void registerWorkspace();
+
+} // namespace mac

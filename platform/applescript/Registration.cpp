@@ -1,0 +1,9 @@
+#include "platform/applescript/Registration.h"
+#include "platform/applescript/NSAppleScript.h"
+#include "platform/foundation/Method.h"
+
+namespace mac {
+
+void registerAppleScript() { registerClasses<NSAppleScript>(); }
+
+} // namespace mac

@@ -1,0 +1,10 @@
+#include "platform/spotlight/Registration.h"
+#include "platform/foundation/Method.h"
+#include "platform/spotlight/NSMetadataItem.h"
+#include "platform/spotlight/NSMetadataQuery.h"
+
+namespace mac {
+
+void registerSpotlight() { registerClasses<NSMetadataItem, NSMetadataQuery>(); }
+
+} // namespace mac

@@ -1,0 +1,38 @@
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSValue.h"
+#include "platform/foundation/UTCDateTime.h"
+#include <gtest/gtest.h>
+
+namespace mac::test {
+
+TEST(CoreUtilsRegistration, AnswersClassMethodsSentBySelector) {
+    id const strings = classOf<NSString>();
+    EXPECT_EQ(as<NSString>(strings.performSelector_("pxUUID")).length(), 36U);
+    id const size = NSNumber::numberWithInt_(1572864);
+    EXPECT_EQ(as<NSString>(strings.performSelector_withObject_("pxFormattedStringWithSize:", size)).UTF8String(),
+              "1.5 MB");
+    id const noError = NSNumber::numberWithInt_(0);
+    EXPECT_TRUE(strings.performSelector_withObject_("pxDescriptionOfSystemErrorCode:", noError) == nil);
+    EXPECT_FALSE(id("text").respondsToSelector_("pxUUID"));
+}
+
+TEST(CoreUtilsRegistration, KeepsTheKeysOfADictionaryByAClassMethod) {
+    NSDictionary const source = NSDictionary::dictionaryWithObjectsAndKeys_({"1", "one", "2", "two"});
+    id const dictionaries = classOf<NSMutableDictionary>();
+    NSDictionary const kept = as<NSDictionary>(dictionaries.performSelector_withObject_withObject_(
+        "pxDictionaryWithDictionary:forKeys:", source, NSArray::arrayWithObject_("two")));
+    EXPECT_TRUE(kept.isEqual_(NSDictionary::dictionaryWithObject_forKey_("2", "two")));
+}
+
+TEST(CoreUtilsRegistration, CarriesADateTimeThereAndBackByItsAddress) {
+    NSDate const date = NSDate::dateWithTimeIntervalSinceReferenceDate_(1000);
+    UTCDateTime record{};
+    id const address = NSValue::valueWithPointer_(&record);
+    EXPECT_TRUE(as<NSNumber>(date.performSelector_withObject_("pxUTCDateTime:", address)).boolValue());
+    id const back = id(classOf<NSDate>()).performSelector_withObject_("pxDateWithUTCDateTime:", address);
+    EXPECT_TRUE(back.isEqual_(date));
+}
+
+} // namespace mac::test
