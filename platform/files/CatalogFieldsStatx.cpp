@@ -105,9 +105,9 @@ Result<void> readValence(OpenItem const& item, bool isFolder, FSCatalogInfoBitma
     information.valence = 0;
     if (!isFolder) return {};
     // Permission to read is enough; opening "." would need permission to enter the folder, too.
-    FileDescriptor folder(::open(item.systemPath().c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    FileDescriptor const folder(::open(item.systemPath().c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
     if (!folder.isOpen()) return lastSystemError("open", item.name);
-    Result<std::vector<FolderEntry>> const entries = entriesOf(std::move(folder));
+    Result<std::vector<FolderEntry>> const entries = entriesOf(folder);
     if (!entries.hasValue()) return entries.problem();
     information.valence = static_cast<std::uint32_t>(entries.value().size());
     return {};

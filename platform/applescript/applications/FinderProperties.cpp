@@ -281,9 +281,9 @@ bool FinderItem::setProperty(Code code, Value const& value, TextContext const& c
         std::array<timespec, 2> const times{timespec{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
                                             timespec{.tv_sec = unixTimeOfDate(value.seconds()), .tv_nsec = 0}};
         OpenItem const item = open();
-        bool const isSet = ::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) == 0;
-        if (!isSet) throw fileError(lastSystemError("utimensat"), specifier());
-        return true;
+        if (::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) == 0) return true;
+        SystemError const error = lastSystemError("utimensat", item.name);
+        throw fileError(error, specifier());
     }
     default:
         return false;
