@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "app/MembershipSources.h"
+#include <array>
 
 namespace framekeeper {
 
@@ -10,9 +12,8 @@ class AppController::Body : public ObjectBody {
 public:
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
-    NSSet _isRunningPaths;
-    NSSet _isAutolaunchedPaths;
-    NSSet _isInToolbarPaths;
+    // Row by row of MembershipSources.
+    std::array<NSSet, MembershipSources.size()> _entries;
     NSMutableSet _isOnHarddiskPaths;
     NSMutableSet _paths;
     NSMetadataQuery _query;
