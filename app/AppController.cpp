@@ -7,6 +7,8 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSSortDescriptor.h"
+#include <utility>
+#include <vector>
 
 namespace framekeeper {
 
@@ -24,11 +26,26 @@ constexpr Property outlet(std::string_view key) {
     return property;
 }
 
+// The set of a source, by its key in the table.
+template <std::size_t row>
+constexpr Property entriesProperty() {
+    return {MembershipSources[row].entriesKey,
+            [](id const& object) -> id { return entriesOf(uncheckedCast<AppController>(object), row); },
+            [](id const& object, id const& value) {
+                setEntries(uncheckedCast<AppController>(object), row, as<NSSet>(value));
+            }};
+}
+
+template <std::size_t... rows>
+void addEntriesProperties(std::vector<Property>& properties, std::index_sequence<rows...>) {
+    properties.insert(properties.end(), {entriesProperty<rows>()...});
+}
+
 } // namespace
 
 ClassDescription AppController::describeClass() {
     using Self = AppController;
-    return {
+    ClassDescription description{
         .name = "AppController",
         .superclass = classOf<NSObject>(),
         .makeBody = &makeEmptyBody<AppController>,
@@ -82,9 +99,6 @@ ClassDescription AppController::describeClass() {
             {
                 property<&Self::allAutolaunchItems, &Self::setAllAutolaunchItems_>("allAutolaunchItems"),
                 property<&Self::allToolbarItems, &Self::setAllToolbarItems_>("allToolbarItems"),
-                property<&Self::isRunningPaths, &Self::setIsRunningPaths_>("isRunningPaths"),
-                property<&Self::isAutolaunchedPaths, &Self::setIsAutolaunchedPaths_>("isAutolaunchedPaths"),
-                property<&Self::isInToolbarPaths, &Self::setIsInToolbarPaths_>("isInToolbarPaths"),
                 property<&Self::isOnHarddiskPaths, &Self::setIsOnHarddiskPaths_>("isOnHarddiskPaths"),
                 property<&Self::paths, &Self::setPaths_>("paths"),
                 property<&Self::query, &Self::setQuery_>("query"),
@@ -93,6 +107,8 @@ ClassDescription AppController::describeClass() {
                 outlet<&Self::window, &Body::_window>("window"),
             },
     };
+    addEntriesProperties(description.properties, std::make_index_sequence<MembershipSources.size()>());
+    return description;
 }
 
 void AppController::initialize() {
@@ -126,9 +142,7 @@ void AppController::awakeFromNib() const {
         NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("version", NO, "compare:"),
         NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("displayPath", YES, "caseInsensitiveCompare:"),
     }));
-    syncIsRunningPaths();
-    syncIsAutolaunched();
-    syncIsInToolbar();
+    syncMembershipSources(*this);
     startQuery();
 }
 

@@ -43,7 +43,8 @@ public:
     // The whole toolbar-items list as last read.
     NSArray allToolbarItems() const;
     void setAllToolbarItems_(NSArray const& items) const;
-    // Membership entries: dictionaries of "path" and the source's own object ("psn", "autolaunchItem", "toolbarItem").
+    // Membership entries: dictionaries of "path" and the source's own object. The table in MembershipSources.h has the
+    // keys of the sources.
     NSSet isRunningPaths() const;
     void setIsRunningPaths_(NSSet const& entries) const;
     NSSet isAutolaunchedPaths() const;
@@ -69,9 +70,9 @@ public:
     void pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(NSMutableSet const& records, NSString const& path,
                                                                id const& psn, id const& autolaunchedItem,
                                                                id const& toolbarItem) const;
-    // The same with the objects looked up in the sources: of several entries of one path the first counts.
+    // Builds and adds the record with the objects that the sources have: of several entries of a path the first counts.
     void pathObjects_addPath_(NSMutableSet const& records, NSString const& path) const;
-    // Rebuilds the inventory from the four sources: the disk's paths first, then those that only the other three know.
+    // Rebuilds the inventory from all sources: the disk's paths first, then those that only the others know.
     void reSync() const;
 
     // Read a source anew and replace it; the inventory follows with the next reSync.
@@ -93,8 +94,8 @@ public:
     // Stops the query; what was found stays.
     void stopAction_(id const& sender) const;
 
-    // Whether a copy runs; with YES every one of them is then sent a quit event, which is logged. It is not waited for
-    // that they go.
+    // Whether a copy runs; with YES every one of them is then sent a quit event, which is logged. Does not wait for
+    // them to exit.
     bool isRunningWithQuitting_(BOOL quit) const;
     // Quits the copy of the one selected record and reads the running copies anew; a beep and a line in the log when it
     // refuses or does not run. Blocks while the copy quits, for about four seconds at most.

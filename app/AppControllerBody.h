@@ -1,7 +1,9 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "app/MembershipSources.h"
 #include "scripting/ProcessQuitting.h"
+#include <array>
 
 namespace framekeeper {
 
@@ -15,9 +17,8 @@ public:
     Pause const _pause;
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
-    NSSet _isRunningPaths;
-    NSSet _isAutolaunchedPaths;
-    NSSet _isInToolbarPaths;
+    // Row by row of MembershipSources.
+    std::array<NSSet, MembershipSources.size()> _entries;
     NSMutableSet _isOnHarddiskPaths;
     NSMutableSet _paths;
     NSMetadataQuery _query;

@@ -1,20 +1,28 @@
 #include "app/AppControllerBody.h"
+#include "app/MembershipSources.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSNumber.h"
+#include <array>
+#include <cstddef>
+#include <vector>
 
 namespace framekeeper {
 
 namespace {
 
+template <class Value>
+void replaceField(AppController const& controller, Value& field, Value const& value, NSString const& key) {
+    KeyChange const change(controller, key);
+    if (!isSame(field, value)) field = value;
+}
+
 // Replaces a field whole. Observers are told once of every setting, also of the same object.
 template <class Value>
 void replace(AppController const& controller, Value AppController::Body::*field, Value const& value,
              NSString const& key) {
-    if (controller == nil) return;
-    KeyChange const change(controller, key);
-    if (!isSame(bodyOf(controller)->*field, value)) bodyOf(controller)->*field = value;
+    if (controller != nil) replaceField(controller, bodyOf(controller)->*field, value, key);
 }
 
 template <class Value>
@@ -46,16 +54,22 @@ private:
     id m_entryWithoutPath;
 };
 
-// The three sources with objects, indexed once, so that a record costs the same however many paths there are.
-struct SourceIndex {
-    explicit SourceIndex(AppController const& controller)
-        : running(controller.isRunningPaths()), autolaunched(controller.isAutolaunchedPaths()),
-          inToolbar(controller.isInToolbarPaths()) {}
+// The sources with objects, row by row of their table, indexed once, so that a record costs the same however many paths
+// there are.
+class SourceIndex {
+public:
+    explicit SourceIndex(AppController const& controller) {
+        for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+            m_sources.emplace_back(entriesOf(controller, row));
+    }
+    EntriesByPath const& operator[](std::size_t row) const { return m_sources[row]; }
 
-    EntriesByPath running;
-    EntriesByPath autolaunched;
-    EntriesByPath inToolbar;
+private:
+    std::vector<EntriesByPath> m_sources;
 };
+
+// A path's object in each of the sources, nil where there is none.
+using RecordObjects = std::array<id, MembershipSources.size()>;
 
 struct Versions {
     // Nil for a copy that tells none.
@@ -81,43 +95,50 @@ Versions versionsOfPath(NSString const& path) {
 // All records share their keys: finding one by the very same string is quick, and a key of its own for each record
 // would take more memory than the rest of it.
 struct RecordKeys {
+    RecordKeys() {
+        for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
+            flags[row] = NSString::stringWithUTF8String_(MembershipSources[row].flagKey);
+            objects[row] = NSString::stringWithUTF8String_(MembershipSources[row].objectKey);
+        }
+    }
+    static RecordKeys const& shared() {
+        static RecordKeys const keys;
+        return keys;
+    }
+
     NSString path = "path";
     NSString displayPath = "displayPath";
     NSString exists = "exists";
-    NSString isRunning = "isRunning";
-    NSString psn = "psn";
-    NSString isAutolaunched = "isAutolaunched";
-    NSString autolaunchItem = "autolaunchItem";
-    NSString isInToolbar = "isInToolbar";
-    NSString toolbarItem = "toolbarItem";
+    std::array<NSString, MembershipSources.size()> flags;
+    std::array<NSString, MembershipSources.size()> objects;
     NSString version = "version";
     NSString versionString = "versionString";
 };
 
-void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path, id const& psn,
-               id const& autolaunchedItem, id const& toolbarItem) {
+void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path,
+               RecordObjects const& objects) {
     auto const [version, versionString] = versionsOfPath(path);
     bool const exists = NSFileManager::defaultManager().fileExistsAtPath_(path);
 
-    static RecordKeys const keys;
+    RecordKeys const& keys = RecordKeys::shared();
     NSMutableDictionary const record = NSMutableDictionary::dictionary();
     record.setValue_forKey_(path, keys.path);
     record.setValue_forKey_(path, keys.displayPath);
     record.setValue_forKey_(NSNumber::numberWithBool_(exists), keys.exists);
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.running.contains(path)), keys.isRunning);
-    record.setValue_forKey_(psn, keys.psn);
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.autolaunched.contains(path)), keys.isAutolaunched);
-    record.setValue_forKey_(autolaunchedItem, keys.autolaunchItem);
-    record.setValue_forKey_(NSNumber::numberWithBool_(sources.inToolbar.contains(path)), keys.isInToolbar);
-    record.setValue_forKey_(toolbarItem, keys.toolbarItem);
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
+        record.setValue_forKey_(NSNumber::numberWithBool_(sources[row].contains(path)), keys.flags[row]);
+        record.setValue_forKey_(objects[row], keys.objects[row]);
+    }
     record.setValue_forKey_(version, keys.version);
     record.setValue_forKey_(versionString, keys.versionString);
     records.addObject_(record);
 }
 
 void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path) {
-    addRecord(records, sources, path, sources.running.objectOf(path, "psn"),
-              sources.autolaunched.objectOf(path, "autolaunchItem"), sources.inToolbar.objectOf(path, "toolbarItem"));
+    RecordObjects objects;
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+        objects[row] = sources[row].objectOf(path, RecordKeys::shared().objects[row]);
+    addRecord(records, sources, path, objects);
 }
 
 // The paths that are not in the records when the source is begun. Two entries of one path make two equal records, which
@@ -132,6 +153,21 @@ void addMissingRecords(NSMutableSet const& records, SourceIndex const& sources, 
 
 } // namespace
 
+NSSet entriesOf(AppController const& controller, std::size_t row) {
+    return controller == nil ? NSSet() : bodyOf(controller)->_entries[row];
+}
+
+void setEntries(AppController const& controller, std::size_t row, NSSet const& entries) {
+    if (controller == nil) return;
+    replaceField(controller, bodyOf(controller)->_entries[row], entries,
+                 NSString::stringWithUTF8String_(MembershipSources[row].entriesKey));
+}
+
+void syncMembershipSources(AppController const& controller) {
+    for (MembershipSource const& source : MembershipSources)
+        (controller.*source.sync)();
+}
+
 NSArray AppController::allAutolaunchItems() const { return read(*this, &Body::_allAutolaunchItems); }
 
 void AppController::setAllAutolaunchItems_(NSArray const& items) const {
@@ -144,22 +180,22 @@ void AppController::setAllToolbarItems_(NSArray const& items) const {
     replace(*this, &Body::_allToolbarItems, items, "allToolbarItems");
 }
 
-NSSet AppController::isRunningPaths() const { return read(*this, &Body::_isRunningPaths); }
+NSSet AppController::isRunningPaths() const { return entriesOf(*this, sourceWithEntries("isRunningPaths")); }
 
 void AppController::setIsRunningPaths_(NSSet const& entries) const {
-    replace(*this, &Body::_isRunningPaths, entries, "isRunningPaths");
+    setEntries(*this, sourceWithEntries("isRunningPaths"), entries);
 }
 
-NSSet AppController::isAutolaunchedPaths() const { return read(*this, &Body::_isAutolaunchedPaths); }
+NSSet AppController::isAutolaunchedPaths() const { return entriesOf(*this, sourceWithEntries("isAutolaunchedPaths")); }
 
 void AppController::setIsAutolaunchedPaths_(NSSet const& entries) const {
-    replace(*this, &Body::_isAutolaunchedPaths, entries, "isAutolaunchedPaths");
+    setEntries(*this, sourceWithEntries("isAutolaunchedPaths"), entries);
 }
 
-NSSet AppController::isInToolbarPaths() const { return read(*this, &Body::_isInToolbarPaths); }
+NSSet AppController::isInToolbarPaths() const { return entriesOf(*this, sourceWithEntries("isInToolbarPaths")); }
 
 void AppController::setIsInToolbarPaths_(NSSet const& entries) const {
-    replace(*this, &Body::_isInToolbarPaths, entries, "isInToolbarPaths");
+    setEntries(*this, sourceWithEntries("isInToolbarPaths"), entries);
 }
 
 NSMutableSet AppController::isOnHarddiskPaths() const { return read(*this, &Body::_isOnHarddiskPaths); }
@@ -186,7 +222,12 @@ void AppController::pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(NSMuta
                                                                           NSString const& path, id const& psn,
                                                                           id const& autolaunchedItem,
                                                                           id const& toolbarItem) const {
-    if (*this != nil) addRecord(records, SourceIndex(*this), path, psn, autolaunchedItem, toolbarItem);
+    if (*this == nil) return;
+    RecordObjects objects;
+    objects[sourceWithEntries("isRunningPaths")] = psn;
+    objects[sourceWithEntries("isAutolaunchedPaths")] = autolaunchedItem;
+    objects[sourceWithEntries("isInToolbarPaths")] = toolbarItem;
+    addRecord(records, SourceIndex(*this), path, objects);
 }
 
 void AppController::pathObjects_addPath_(NSMutableSet const& records, NSString const& path) const {
@@ -199,9 +240,8 @@ void AppController::reSync() const {
     SourceIndex const sources(*this);
     for (id const& path : isOnHarddiskPaths().allObjects())
         addRecord(records, sources, as<NSString>(path));
-    addMissingRecords(records, sources, isRunningPaths());
-    addMissingRecords(records, sources, isAutolaunchedPaths());
-    addMissingRecords(records, sources, isInToolbarPaths());
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+        addMissingRecords(records, sources, entriesOf(*this, row));
     setPaths_(records);
 }
 

@@ -1,4 +1,5 @@
 #include "app/AppController.h"
+#include "app/MembershipSources.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 
@@ -32,9 +33,7 @@ void AppController::syncIsOnHarddisk() const {
 void AppController::scanAction_(id const&) const {
     query().stopQuery();
     setPaths_(nil);
-    syncIsRunningPaths();
-    syncIsAutolaunched();
-    syncIsInToolbar();
+    syncMembershipSources(*this);
     startQuery();
 }
 
