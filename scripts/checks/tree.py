@@ -29,6 +29,13 @@ def finding(path, line, what, mend=""):
     print(f"{path}:{line}: {what}" + (f"\n    {mend}" if mend else ""))
 
 
+def looked_at(count, what):
+    """Says how many things a check looked at. None is a finding: a check that looks at nothing finds nothing."""
+    print(f"{count} {what}")
+    if not count:
+        finding(f"scripts/checks/{Path(sys.argv[0]).name}", 1, f"looked at no {what}")
+
+
 def finish():
     sys.exit(1 if _findings else 0)
 

@@ -82,22 +82,47 @@ T* adopt() {
 
 } // namespace mac
 """,
+    "platform/foundation/Method.h": """#pragma once
+
+namespace mac {
+
+// A row of a method table.
+struct Method {
+    char const* selector;
+};
+
+template <auto function>
+constexpr Method method(char const* selector) {
+    return {selector};
+}
+
+template <auto function>
+constexpr Method classMethod(char const* selector) {
+    return {selector};
+}
+
+} // namespace mac
+""",
     "pathutils/CMakeLists.txt": "add_library(pathutils OBJECT BundleVersions.cpp)\n",
     "pathutils/BundleVersions.h": """#pragma once
 
 #include "platform/foundation/NSString.h"
 
 namespace mac {
-
+// The version.
 int pxVersionOfPath(NSString const& path);
 
 } // namespace mac
 """,
     "pathutils/BundleVersions.cpp": """#include "pathutils/BundleVersions.h"
+#include "platform/foundation/Method.h"
 
 namespace mac {
 
 int pxVersionOfPath(NSString const& path) { return path.length(); }
+
+extern Method const row;
+Method const row = method<&pxVersionOfPath>("pxVersionOfPath");
 
 } // namespace mac
 """,
@@ -119,10 +144,14 @@ private:
 } // namespace framekeeper
 """,
     "app/ItemActions.cpp": """#include "app/AppController.h"
+#include "platform/foundation/Method.h"
 
 namespace framekeeper {
 
 void AppController::trashAction_(int sender) { m_sender = sender + _query; }
+
+extern mac::Method const row;
+mac::Method const row = mac::method<&AppController::trashAction_>("trashAction:");
 
 } // namespace framekeeper
 """,
@@ -172,7 +201,7 @@ SYSTEM = "system"
 
 # The check, what is planted, and how the finding must begin and what it must say.
 PLANTED = [
-    ("format", [replace("app/ItemActions.cpp", "(int sender)", "( int  sender )")], "app/ItemActions.cpp:5: ", "clang-format"),
+    ("format", [replace("app/ItemActions.cpp", "(int sender)", "( int  sender )")], "app/ItemActions.cpp:6: ", "clang-format"),
     ("headers", [new("pathutils/Sizes.h", "#pragma once\n\nstd::string size();\n")], "pathutils/Sizes.h:3: ", "by itself"),
     ("headers", [replace("pathutils/BundleVersions.h", "#pragma once\n", "struct Twice {};\n")], "pathutils/BundleVersions.h:1: ", "Twice"),
     ("tidy", [replace("app/AppController.h", "m_sender", "sender"), replace("app/ItemActions.cpp", "m_sender", "this->sender")],
@@ -183,9 +212,9 @@ PLANTED = [
     ("arrows", [after("platform/foundation/NSString.cpp", 1, '#include "pathutils/BundleVersions.h"\n')],
      "platform/foundation/NSString.cpp:2: ", "platform includes pathutils"),
     ("arrows", [new("platform/files/File.h", "#pragma once\n"), after("platform/foundation/NSString.cpp", 1, '#include "platform/files/File.h"\n')],
-     "platform/foundation/NSString.cpp:2: ", "no other room"),
+     "platform/foundation/NSString.cpp:2: ", "it stands on system alone"),
     ("arrows", [new("platform/files/File.h", '#pragma once\n#include "platform/finder/Finder.h"\n'),
-                new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "circle"),
+                new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "no order of rooms"),
     ("arrows", [new("coreutils/Strings.cpp", '#include "pathutils/BundleVersions.h"\n')], "coreutils/Strings.cpp:1: ", "alone"),
     ("arrows", [after("pathutils/BundleVersions.cpp", 1, "#include <QString>\n")], "pathutils/BundleVersions.cpp:2: ", "toolkit"),
     ("arrows", [after("app/ItemActions.cpp", 1, "#include <unistd.h>\n")], "app/ItemActions.cpp:2: ", "system header"),
@@ -205,6 +234,10 @@ PLANTED = [
     ("operations", [new("app/OtherController.h", "#pragma once\nclass OtherController {\n    void trashAction_(int sender);\n};\n")],
      "app/OtherController.h:3: ", "app/ItemActions"),
     ("operations", [new("app/PathRecords.cpp", "void AppController::trashAction_(int sender) {}\n")], "app/PathRecords.cpp:1: ", "app/ItemActions.cpp"),
+    ("operations", [replace("app/ItemActions.cpp", '"trashAction:"', '"trash:"')], "docs/operations.txt:4: ", "cannot be sent"),
+    ("operations", [replace("pathutils/BundleVersions.cpp", "&pxVersionOfPath", "&other")], "docs/operations.txt:7: ", "cannot be sent"),
+    ("operations", [replace("docs/operations.txt", "  -pxVersionOfPath", "  +pxVersionOfPath")], "docs/operations.txt:7: ", "classMethod<"),
+    ("operations", [new("docs/operations.txt", "# None.\n")], "scripts/checks/operations:1: ", "looked at no operations"),
     # registered
     ("registered", [new("tests/pathutils/LostTest.cpp", "\n")], "tests/pathutils/LostTest.cpp:1: ", "no CMakeLists.txt"),
     ("registered", [replace("tests/CMakeLists.txt", "app/ItemActionsTest.cpp", "# app/ItemActionsTest.cpp\n")],
@@ -233,7 +266,7 @@ PLANTED = [
     ("rules", [after("platform/foundation/NSString.cpp", 3, "int fail() { errno = 2; return -1; }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
     ("rules", [after("platform/foundation/NSString.cpp", 3, "void clear() { std::exchange(errno, 0); }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
     ("rules", [replace("app/AppController.h", "#pragma once\n", "")], "app/AppController.h:1: ", "#pragma once"),
-    ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:407: ", "split"),
+    ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:411: ", "split"),
     # documents
     ("documents", [after("README.md", 3, "![The window](docs/window.png)\n")], "README.md:4: ", "leads nowhere"),
     ("documents", [after("README.md", 3, "| `app/` | decides, see `app/Nowhere.cpp`. |\n")], "README.md:4: ", "app/Nowhere.cpp"),
@@ -243,7 +276,7 @@ PLANTED = [
     ("documents", [new("scripts/count.py", "def (:\n")], "scripts/count.py:1: ", "invalid syntax"),
     ("documents", [lambda root: (root / "run").chmod(0o644)], "run:1: ", "cannot be run"),
 ]
-CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "tidy"]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "reference", "tidy"]
 
 
 class Check(unittest.TestCase):
@@ -254,8 +287,8 @@ class Check(unittest.TestCase):
         for path, text in TREE.items():
             new(path, text)(self.root)
         (self.root / "run").chmod(0o755)
-        for name in (".clang-format", ".clang-tidy"):
-            shutil.copy(REAL / name, self.root)
+        for name in (".clang-format", ".clang-tidy", "docs/Doxyfile"):
+            shutil.copy(REAL / name, self.root / name)
 
     def check(self, *arguments):
         environment = {k: v for k, v in os.environ.items() if k not in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")}
@@ -293,8 +326,61 @@ class Check(unittest.TestCase):
         self.assertRegex(done.stdout, r"(?m)^documents +ok ")
         self.assertTrue(done.stdout.endswith("scripts/check: failed: rules\n"), done.stdout)
 
+    def test_finds_that_there_is_nothing_to_look_at(self):
+        names = sorted(path.name for path in (REAL / "scripts/checks").iterdir() if os.access(path, os.X_OK) and path.is_file())
+        self.assertEqual(names, sorted(CHECKS))
+        with tempfile.TemporaryDirectory() as empty:
+            for name in (".clang-format", ".clang-tidy", "docs/Doxyfile", "build/check/compile_commands.json"):
+                (Path(empty) / name).parent.mkdir(parents=True, exist_ok=True)
+            (Path(empty) / "build/check/compile_commands.json").write_text("[]")
+            for name in (".clang-format", ".clang-tidy", "docs/Doxyfile"):
+                shutil.copy(REAL / name, Path(empty) / name)
+            for name in names:
+                with self.subTest(name):
+                    done = subprocess.run([REAL / "scripts/checks" / name, empty], text=True,
+                                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                    self.assertEqual(done.returncode, 1, done.stdout)
+                    self.assertIn(f"scripts/checks/{name}:1: looked at no ", done.stdout)
+
     def test_knows_no_check_of_another_name(self):
         self.assertEqual(self.check("nonsense").returncode, 2)
+
+
+class CompileHeaders(unittest.TestCase):
+    """scripts/compile-headers, which looks at the installed headers."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = Path(folder.name).resolve()
+
+    def compile(self, *arguments):
+        return subprocess.run([REAL / "scripts/compile-headers", self.root, *arguments], text=True,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def test_counts_what_compiles_with_each_compiler(self):
+        new("room/One.h", "#pragma once\n#include <string>\n")(self.root)
+        new("room/Two.h", '#pragma once\n#include "room/One.h"\nstd::string two();\n')(self.root)
+        done = self.compile("2")
+        self.assertEqual(done.returncode, 0, done.stdout)
+        self.assertIn("2 of 2 installed headers compile by themselves with g++", done.stdout)
+        self.assertIn("2 of 2 installed headers compile by themselves with clang++", done.stdout)
+
+    def test_finds_a_header_that_includes_what_is_not_installed(self):
+        new("room/Two.h", '#pragma once\n#include "room/One.h"\n')(self.root)
+        done = self.compile()
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("room/Two.h does not compile by itself with g++", done.stdout)
+        self.assertIn("0 of 1 ", done.stdout)
+
+    def test_finds_that_there_is_no_header(self):
+        done = self.compile()
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("holds no header", done.stdout)
+
+    def test_finds_that_there_are_fewer_than_were_installed(self):
+        new("One.h", "#pragma once\n")(self.root)
+        self.assertEqual(self.compile("2").returncode, 1)
 
 
 def planted_test(check, changes, begins, says):
