@@ -22,7 +22,7 @@ endif()
 option(FRAMEKEEPER_UNITY "Compile the sources of a target in batches" OFF)
 set(FRAMEKEEPER_UNITY_BATCH 12 CACHE STRING "How many sources make a batch; 0 for all of a target")
 # Targets that are compiled source by source even so.
-set(FRAMEKEEPER_ALONE framekeeper_system framekeeper_files framekeeper_desktop framekeeper_library system_tests)
+set(FRAMEKEEPER_ALONE "")
 
 function(framekeeper_compile_in_batches NAME)
   if(FRAMEKEEPER_UNITY AND NOT NAME IN_LIST FRAMEKEEPER_ALONE)

@@ -14,8 +14,6 @@ constexpr std::int32_t Busy = -47;
 constexpr std::int32_t DuplicateName = -48;
 constexpr std::int32_t NoPermission = -5000;
 constexpr std::int32_t HandlerFailed = -10000;
-constexpr std::int32_t NotOfThisClass = -10010;
-constexpr std::int32_t CannotPutThere = -10024;
 constexpr std::int32_t NameTaken = -15267;
 // The number depends on the place where the error occurs.
 constexpr std::int32_t Open = 0;
@@ -44,7 +42,7 @@ constexpr auto Numbers = std::to_array<NumberRow>({
     {EDQUOT, errors::DiskFull, errors::DiskFull, errors::DiskFull},
     {EIO, errors::InputOutput, errors::InputOutput, errors::InputOutput},
     {ENAMETOOLONG, Open, BadName, BadName},
-    {EINVAL, Open, BadName, CannotPutThere},
+    {EINVAL, Open, BadName, errors::CannotPutThere},
     {EBUSY, Open, Busy, Busy},
     {EEXIST, Open, DuplicateName, NameTaken},
     {ECANCELED, Open, errors::InputOutput, errors::UserCanceled},
@@ -110,7 +108,7 @@ ScriptError trashError(TrashProblem const& problem, Value const& object) {
         return errorOfNumber(DuplicateName, object);
     case TrashProblem::InTrash:
     case TrashProblem::Immovable:
-        return {.number = NotOfThisClass, .message = messageOfNumber(NotOfThisClass), .from = object};
+        return {.number = errors::NotOfThisClass, .message = messageOfNumber(errors::NotOfThisClass), .from = object};
     default:
         return {.number = HandlerFailed, .message = unitsFromFileSystemBytes(problem.text), .from = object};
     }

@@ -73,6 +73,8 @@ inline constexpr std::int32_t NoResult = -2763;
 inline constexpr std::int32_t RunHandlerTwice = -2789;
 inline constexpr std::int32_t CannotSet = -10006;
 inline constexpr std::int32_t CannotSetAccess = -10003;
+inline constexpr std::int32_t NotOfThisClass = -10010;
+inline constexpr std::int32_t CannotPutThere = -10024;
 inline constexpr std::int32_t InvalidDate = -30720;
 } // namespace errors
 

@@ -18,10 +18,10 @@ namespace {
 constexpr std::size_t BytesToLookAt = 16384;
 
 // A byte that is not UTF-8 matches no letter of a rule.
-QString textOf(std::string_view bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
+QString qtText(std::string_view bytes) { return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size())); }
 
 // Empty for a name with a NUL: such a name makes the database read past the end of its own file.
-QString fileName(std::string_view name) { return name.find('\0') == std::string_view::npos ? textOf(name) : QString(); }
+QString fileName(std::string_view name) { return name.find('\0') == std::string_view::npos ? qtText(name) : QString(); }
 
 // Up to so many bytes from the file's start; fewer at its end or if reading fails.
 std::string readBytes(FileDescriptor const& file, std::size_t count) {
@@ -43,7 +43,8 @@ std::string firstBytes(std::string const& path, LinkAtEnd linkAtEnd) {
     if (!opened.hasValue()) return {};
     struct stat status {};
     if (::fstat(opened.value().item.number(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
-    FileDescriptor const file(::open(opened.value().systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    FileDescriptor const file(
+        ::open(opened.value().systemPath().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     return readBytes(file, BytesToLookAt);
 }
 
@@ -66,7 +67,7 @@ std::string mimeTypeOfItem(std::string const& path, LinkAtEnd linkAtEnd) {
 }
 
 std::vector<std::string> parentsOfMIMEType(std::string_view mimeType) {
-    QMimeType const type = QMimeDatabase().mimeTypeForName(textOf(mimeType));
+    QMimeType const type = QMimeDatabase().mimeTypeForName(qtText(mimeType));
     std::vector<std::string> names;
     if (!type.isValid()) return names;
     for (QString const& parent : type.parentMimeTypes())
@@ -85,7 +86,7 @@ std::vector<std::string> mimeTypeAndAncestors(std::string mimeType) {
 }
 
 std::string canonicalMIMEType(std::string_view mimeType) {
-    QMimeType const type = QMimeDatabase().mimeTypeForName(textOf(mimeType));
+    QMimeType const type = QMimeDatabase().mimeTypeForName(qtText(mimeType));
     return type.isValid() ? type.name().toStdString() : std::string(mimeType);
 }
 

@@ -121,10 +121,10 @@ private:
     // null if the request fails, or the display does not answer within 5 seconds.
     template <class T>
     Reply<T> wait(unsigned sequence) const {
-        using Clock = std::chrono::steady_clock;
+        using SteadyClock = std::chrono::steady_clock;
         constexpr std::chrono::seconds patience(5);
         m_library.flush(m_connection);
-        Clock::time_point const end = Clock::now() + patience;
+        SteadyClock::time_point const end = SteadyClock::now() + patience;
         for (;;) {
             void* reply = nullptr;
             xcb_generic_error_t* error = nullptr;
@@ -132,7 +132,7 @@ private:
                 std::free(error);
                 return {static_cast<T*>(reply), &std::free};
             }
-            auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+            auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - SteadyClock::now()).count();
             pollfd waiting{.fd = m_library.descriptor(m_connection), .events = POLLIN, .revents = 0};
             if (left <= 0 || !isGood() || (::poll(&waiting, 1, static_cast<int>(left)) < 0 && errno != EINTR))
                 return {nullptr, &std::free};

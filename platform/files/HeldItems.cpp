@@ -8,12 +8,12 @@ namespace mac {
 
 namespace {
 
-constexpr int FolderFlags = O_PATH | O_DIRECTORY;
+constexpr int HeldFolderFlags = O_PATH | O_DIRECTORY;
 
 // Fails unless the path leads to the item; a symbolic link at its end is not followed.
 Result<void> confirmAtPath(std::string const& path, ItemIdentity const& identity) {
     SplitPath const parts = splitPath(path);
-    Result<FileDescriptor> const folder = openPath(parts.folder.empty() ? "." : parts.folder, FolderFlags);
+    Result<FileDescriptor> const folder = openPath(parts.folder.empty() ? "." : parts.folder, HeldFolderFlags);
     if (!folder.hasValue()) return folder.problem();
     return confirmItemInFolder(folder.value(), parts.name.empty() ? "." : parts.name, identity);
 }
@@ -21,7 +21,7 @@ Result<void> confirmAtPath(std::string const& path, ItemIdentity const& identity
 // Looks for the item under another name in the folder of the path.
 Result<std::string> findInFolder(std::string const& path, ItemIdentity const& identity) {
     std::string const folderPath = splitPath(path).folder;
-    Result<FileDescriptor> const folder = openPath(folderPath, FolderFlags);
+    Result<FileDescriptor> const folder = openPath(folderPath, HeldFolderFlags);
     if (!folder.hasValue()) return folder.problem();
     Result<FileDescriptor> const readable = readableFolder(folder.value());
     if (!readable.hasValue()) return readable.problem();
@@ -74,7 +74,7 @@ Result<FileDescriptor> HeldItems::openFolder(ItemIdentity const& identity) const
         return openBelow(held->second->item, "");
     Result<std::string> const path = pathOf(identity);
     if (!path.hasValue()) return path.problem();
-    return openPath(path.value(), FolderFlags | O_NOFOLLOW);
+    return openPath(path.value(), HeldFolderFlags | O_NOFOLLOW);
 }
 
 void HeldItems::releaseRemoved() {

@@ -79,14 +79,14 @@ Result<std::vector<TrashedItem>> itemsIn(TrashPlace const& trash) {
 }
 
 // An item in a trash, open.
-struct FoundItem {
+struct ItemInTrash {
     TrashPlace trash{};
     std::string name{};
     FileDescriptor item{};
     bool isFolder{false};
 };
 
-Result<FoundItem, TrashProblem> find(TrashedItem const& item) {
+Result<ItemInTrash, TrashProblem> find(TrashedItem const& item) {
     Result<OpenItem> open = openItemAtPath(item.path, LinkAtEnd::IsNotFollowed);
     if (!open.hasValue()) return cannotPutBack(open.problem());
     if (open.value().name.empty()) return cannotPutBack({.code = ENOENT, .operation = "open", .item = item.path});
@@ -99,7 +99,7 @@ Result<FoundItem, TrashProblem> find(TrashedItem const& item) {
     for (TrashPlace& trash : trashesAround(open.value().folder)) {
         Result<ItemPlace> const files = placeOf(trash.files);
         if (!files.hasValue() || !(files.value().identity == folder.value().identity)) continue;
-        return FoundItem{std::move(trash), open.value().name, std::move(open.value().item), place.value().isFolder};
+        return ItemInTrash{std::move(trash), open.value().name, std::move(open.value().item), place.value().isFolder};
     }
     return TrashProblem{.kind = TrashProblem::NotInTrash,
                         .text = std::string(CannotPutBack) + ": It is not in the trash"};
@@ -223,9 +223,9 @@ std::vector<TrashedItem> trashedItems() {
 }
 
 Result<std::string, TrashProblem> putBack(TrashedItem const& item, TrashSteps const& steps) {
-    Result<FoundItem, TrashProblem> const found = find(item);
+    Result<ItemInTrash, TrashProblem> const found = find(item);
     if (!found.hasValue()) return found.problem();
-    FoundItem const& trashed = found.value();
+    ItemInTrash const& trashed = found.value();
     std::optional<TrashInformation> const information = informationOf(trashed.trash, trashed.name);
     std::string const path = information ? trashed.trash.originalPath(information->path) : std::string();
     if (path.empty())

@@ -17,7 +17,7 @@ constexpr std::size_t LargestInformation = std::size_t{1} << 20;
 constexpr char SizesFileName[] = "directorysizes";
 constexpr std::size_t LargestSizesFile = std::size_t{4} << 20;
 constexpr std::size_t MostItemsAddedUp = 50'000;
-constexpr std::uint64_t BlockSize = 512;
+constexpr std::uint64_t CountedBlockSize = 512;
 
 // The disk space of the item and of all below it, in bytes, as du counts it; nullopt for what is no folder and for more
 // than MostItemsAddedUp items.
@@ -35,7 +35,7 @@ std::optional<std::uint64_t> diskUse(TrashPlace const& trash, std::string const&
     };
     Result<void> const added = descend(trash.files, name, place.value().identity, {.mostItems = MostItemsAddedUp}, add);
     if (!added.isDone()) return std::nullopt;
-    return blocks * BlockSize;
+    return blocks * CountedBlockSize;
 }
 
 // Opens the trash and locks it. Not open if another process has the lock: the file is not worth waiting for.

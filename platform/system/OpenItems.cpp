@@ -10,7 +10,7 @@ namespace mac {
 
 namespace {
 
-constexpr std::size_t BlockSize = std::size_t{32} << 10;
+constexpr std::size_t ReadingBlockSize = std::size_t{32} << 10;
 
 Result<std::string> textOfLink(int folder, char const* name) {
     for (std::size_t size = PATH_MAX;; size *= 2) {
@@ -81,7 +81,7 @@ Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> byt
 
 Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder) {
     std::vector<FolderEntry> result;
-    std::vector<char> block(BlockSize);
+    std::vector<char> block(ReadingBlockSize);
     for (;;) {
         ssize_t const count = ::getdents64(folder.number(), block.data(), block.size());
         // A folder that was removed while open has no entries.

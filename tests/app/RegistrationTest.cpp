@@ -9,7 +9,7 @@ namespace framekeeper::test {
 namespace {
 
 // The program's loader never makes a controller for these; no query runs.
-AppController makeController() { return AppController::alloc().init(); }
+AppController makeRegisteredController() { return AppController::alloc().init(); }
 
 } // namespace
 
@@ -23,7 +23,7 @@ TEST(AppRegistration, MakesTheProgramsClassesKnownByName) {
 }
 
 TEST(AppRegistration, AnswersTheControllersOperationsSentBySelector) {
-    AppController const controller = makeController();
+    AppController const controller = makeRegisteredController();
     NSMutableSet const records = NSMutableSet::set();
     controller.performSelector_withObject_("setPaths:", records);
     EXPECT_TRUE(isSame(controller.performSelector_("paths"), controller.paths()));

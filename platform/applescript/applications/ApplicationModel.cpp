@@ -8,8 +8,6 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr std::int32_t NoObject = -10010;
-
 // An object as one of the class; anything as a list of itself.
 Value objectAs(ModelObject& object, Code type) {
     Value const specifier = object.specifier();
@@ -61,7 +59,7 @@ void addObjects(Meant const& meant, ModelApplication& application, TextContext c
         return;
     }
     if (!meant.list) {
-        if (!isInApplication(meant.value)) throw plainError(NoObject);
+        if (!isInApplication(meant.value)) throw plainError(errors::NotOfThisClass);
         addObjects(application.follow(meant.value, context), application, context, objects);
         return;
     }
@@ -118,10 +116,10 @@ std::vector<ModelPointer> ModelApplication::objects(Value const& meant, TextCont
     std::vector<ModelPointer> found;
     bool const isNoObject = !meant.is(ValueKind::Specifier) && !meant.is(ValueKind::File) &&
                             !meant.is(ValueKind::List) && !meant.is(ValueKind::Application);
-    if (isNoObject) throw plainError(NoObject);
+    if (isNoObject) throw plainError(errors::NotOfThisClass);
     // A file that is not there is no object of this application.
     bool const isMissing = meant.is(ValueKind::File) && !objectOfFile(meant.file());
-    if (isMissing) throw plainError(NoObject);
+    if (isMissing) throw plainError(errors::NotOfThisClass);
     addObjects(follow(meant, context), *this, context, found);
     return found;
 }

@@ -14,9 +14,6 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr std::int32_t NoObjectOfClass = -10010;
-constexpr std::int32_t CannotPutThere = -10024;
-
 // The Finder itself. What lies on the desktop and the disks are its elements.
 class FinderRoot final : public ModelObject {
 public:
@@ -138,7 +135,7 @@ Value sort(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     return Value::list(std::move(sorted));
 }
 
-constexpr auto Commands = std::to_array<CommandRow>({
+constexpr auto CommandRows = std::to_array<CommandRow>({
     {eventOf("coredelo"), finder::remove},
     {eventOf("coremove"), finder::move},
     {eventOf("coreclon"), finder::duplicate},
@@ -177,8 +174,8 @@ protected:
     }
 
     std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
-        auto const* const row = std::ranges::find(Commands, command.term.code, &CommandRow::event);
-        if (row == Commands.end()) return {};
+        auto const* const row = std::ranges::find(CommandRows, command.term.code, &CommandRow::event);
+        if (row == CommandRows.end()) return {};
         return row->command(*this, evaluator, command);
     }
 };
@@ -190,23 +187,23 @@ namespace finder {
 FinderItems itemsOf(std::vector<ModelPointer> const& found) {
     FinderItems items;
     for (ModelPointer const& object : found) {
-        if (!isItem(*object)) throw plainError(NoObjectOfClass);
+        if (!isItem(*object)) throw plainError(errors::NotOfThisClass);
         items.push_back(std::static_pointer_cast<FinderItem>(object));
     }
     return items;
 }
 
 std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
-    if (found.size() != 1) throw plainError(CannotPutThere);
+    if (found.size() != 1) throw plainError(errors::CannotPutThere);
     // The Finder's own elements are what lies on the desktop.
     if (found.front()->type() == codeOf("capp")) {
         std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
         if (!desktop) throw cannotGet(Value::text(shownName(desktopPath())));
         return desktop;
     }
-    if (!isItem(*found.front())) throw plainError(CannotPutThere);
+    if (!isItem(*found.front())) throw plainError(errors::CannotPutThere);
     std::shared_ptr<FinderItem> const folder = std::static_pointer_cast<FinderItem>(found.front());
-    if (!folder->isFolder()) throw plainError(CannotPutThere);
+    if (!folder->isFolder()) throw plainError(errors::CannotPutThere);
     return folder;
 }
 

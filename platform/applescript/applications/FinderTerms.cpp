@@ -6,7 +6,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr auto Classes = std::to_array<ClassTerm>({
+constexpr auto FinderClasses = std::to_array<ClassTerm>({
     {u"item", u"items", codeOf("cobj")},
     {u"container", u"containers", codeOf("ctnr")},
     {u"folder", u"folders", codeOf("cfol")},
@@ -21,7 +21,7 @@ constexpr auto Classes = std::to_array<ClassTerm>({
     {u"Finder window", u"Finder windows", codeOf("brow")},
 });
 
-constexpr auto Properties = std::to_array<PropertyTerm>({
+constexpr auto FinderProperties = std::to_array<PropertyTerm>({
     {u"displayed name", codeOf("dnam")},
     {u"name extension", codeOf("nmxt")},
     {u"extension hidden", codeOf("hidx")},
@@ -71,14 +71,14 @@ constexpr auto Properties = std::to_array<PropertyTerm>({
     {u"product version", codeOf("ver2")},
 });
 
-constexpr auto Constants = std::to_array<PropertyTerm>({
+constexpr auto FinderConstants = std::to_array<PropertyTerm>({
     {u"read only", codeOf("read")},
     {u"read write", codeOf("rdwr")},
     {u"write only", codeOf("writ")},
     {u"none", codeOf("none")},
 });
 
-constexpr auto Open = std::to_array<CommandParameter>({
+constexpr auto OpenParameters = std::to_array<CommandParameter>({
     {.label = u"using", .code = codeOf("usin")},
     {.label = u"with properties", .code = codeOf("prdt")},
 });
@@ -90,17 +90,17 @@ constexpr auto Update = std::to_array<CommandParameter>({
 constexpr auto Empty =
     std::to_array<CommandParameter>({{.label = u"security", .code = codeOf("sec?"), .isBoolean = true}});
 
-constexpr auto Optional = DirectParameter::Optional;
-constexpr auto Required = DirectParameter::Required;
+constexpr auto FinderOptional = DirectParameter::Optional;
+constexpr auto FinderRequired = DirectParameter::Required;
 
-constexpr auto Commands = std::to_array<CommandTerm>({
-    {.name = u"open", .code = eventOf("aevtodoc"), .direct = Required, .parameters = Open},
-    {.name = u"empty", .code = eventOf("fndrempt"), .direct = Optional, .parameters = Empty},
-    {.name = u"erase", .code = eventOf("fndrfera"), .direct = Required},
-    {.name = u"eject", .code = eventOf("fndrejct"), .direct = Optional},
-    {.name = u"update", .code = eventOf("fndrfupd"), .direct = Required, .parameters = Update},
-    {.name = u"clean up", .code = eventOf("fndrfclu"), .direct = Optional, .parameters = Sort},
-    {.name = u"sort", .code = eventOf("DATASORT"), .direct = Required, .parameters = Sort},
+constexpr auto FinderCommands = std::to_array<CommandTerm>({
+    {.name = u"open", .code = eventOf("aevtodoc"), .direct = FinderRequired, .parameters = OpenParameters},
+    {.name = u"empty", .code = eventOf("fndrempt"), .direct = FinderOptional, .parameters = Empty},
+    {.name = u"erase", .code = eventOf("fndrfera"), .direct = FinderRequired},
+    {.name = u"eject", .code = eventOf("fndrejct"), .direct = FinderOptional},
+    {.name = u"update", .code = eventOf("fndrfupd"), .direct = FinderRequired, .parameters = Update},
+    {.name = u"clean up", .code = eventOf("fndrfclu"), .direct = FinderOptional, .parameters = Sort},
+    {.name = u"sort", .code = eventOf("DATASORT"), .direct = FinderRequired, .parameters = Sort},
     {.name = u"restart", .code = eventOf("fndrrest")},
     {.name = u"shut down", .code = eventOf("fndrshut")},
     {.name = u"sleep", .code = eventOf("fndrslep")},
@@ -109,8 +109,10 @@ constexpr auto Commands = std::to_array<CommandTerm>({
 } // namespace
 
 Terminology const& finderTerms() {
-    static Terminology const terms =
-        terminologyOf({.classes = Classes, .properties = Properties, .constants = Constants, .commands = Commands});
+    static Terminology const terms = terminologyOf({.classes = FinderClasses,
+                                                    .properties = FinderProperties,
+                                                    .constants = FinderConstants,
+                                                    .commands = FinderCommands});
     return terms;
 }
 

@@ -13,8 +13,6 @@ namespace mac::applescript::finder {
 
 namespace {
 
-constexpr std::int32_t CannotPutThere = -10024;
-
 bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
     Value const* const replacing = command.find(codeOf("alrp"));
     return replacing && requireBoolean(*replacing, context);
@@ -41,7 +39,7 @@ Value itemIn(FinderItem const& folder, std::string const& name, Value const& com
 Value duplicateHere(Evaluator& evaluator, FinderItem const& item) {
     OpenItem const original = item.open();
     std::shared_ptr<FinderItem> const folder = FinderItem::atPath(parentOf(item.path()));
-    if (!folder || original.name.empty()) throw plainError(CannotPutThere);
+    if (!folder || original.name.empty()) throw plainError(errors::CannotPutThere);
     for (unsigned number = 1;; ++number) {
         std::optional<std::string> const name = nameOnDisk(nameOfCopy(shownName(original.name), number));
         if (!name) throw badFileName(item.specifier());
@@ -65,7 +63,7 @@ bool liesIn(FinderItem const& item, FinderItem const& folder) {
 void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& folder, NameClash clash) {
     OpenItem const original = item.open();
     OpenItem const place = folder.open();
-    if (original.name.empty()) throw plainError(CannotPutThere);
+    if (original.name.empty()) throw plainError(errors::CannotPutThere);
     if (liesIn(item, folder)) return;
     Result<void, ReplacingProblem> const moved =
         moveItem({.item = original, .folder = place.item, .name = original.name, .shouldContinue = mayRunGoOn}, clash);
@@ -111,7 +109,7 @@ Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationComma
         }
         OpenItem const original = item->open();
         OpenItem const place = folder->open();
-        if (original.name.empty()) throw plainError(CannotPutThere);
+        if (original.name.empty()) throw plainError(errors::CannotPutThere);
         Result<void, ReplacingProblem> const copied = copyItem(
             {.item = original, .folder = place.item, .name = original.name, .shouldContinue = mayRunGoOn}, clash);
         if (!copied.isDone()) {

@@ -12,7 +12,7 @@ namespace mac {
 
 namespace {
 
-constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+constexpr int CopiedFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 // Folders of which only a name is needed need not be readable.
 constexpr int NameFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
@@ -22,13 +22,13 @@ Result<FileDescriptor> openFolder(FileDescriptor const& folder, std::string cons
     return opened;
 }
 
-SystemError anotherItem(std::string const& name) { return {.code = ESTALE, .operation = "open", .item = name}; }
+SystemError exchangedItem(std::string const& name) { return {.code = ESTALE, .operation = "open", .item = name}; }
 
 // Done if the open item is the expected one.
 Result<void> confirm(FileDescriptor const& item, ItemIdentity const& expected, std::string const& name) {
     Result<ItemPlace> const found = placeOf(item);
     if (!found.hasValue()) return found.problem();
-    if (!(found.value().identity == expected)) return anotherItem(name);
+    if (!(found.value().identity == expected)) return exchangedItem(name);
     return {};
 }
 
@@ -116,7 +116,7 @@ Result<void> TreeCopy::enter(std::string const& from, std::string const& to, Ite
     // The folder leads to its own copy, through a mount.
     if (!m_levels.empty() && place.identity == m_levels.front().target)
         return SystemError{.code = EINVAL, .operation = "copy", .item = from};
-    Result<FileDescriptor> source = openFolder(m_source, from, ListFlags);
+    Result<FileDescriptor> source = openFolder(m_source, from, CopiedFolderFlags);
     if (!source.hasValue()) return source.problem();
     Result<std::vector<std::string>> names = namesInOpenFolder(source.value());
     if (!names.hasValue()) return names.problem();
@@ -127,7 +127,7 @@ Result<void> TreeCopy::enter(std::string const& from, std::string const& to, Ite
     if (Result<void> const confirmed = confirm(source.value(), place.identity, from); !confirmed.isDone())
         return confirmed;
     if (::mkdirat(m_target.number(), to.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", to);
-    Result<FileDescriptor> target = openFolder(m_target, to, ListFlags);
+    Result<FileDescriptor> target = openFolder(m_target, to, CopiedFolderFlags);
     if (!target.hasValue()) return target.problem();
     Result<ItemPlace> const made = placeOf(target.value());
     if (!made.hasValue()) return made.problem();
@@ -145,7 +145,7 @@ Result<void> TreeCopy::leave() {
     if (Result<void> const copied = copyMetadata(m_source, m_target); !copied.isDone()) return copied;
     m_copied[level.place.identity] = 0;
     bool const isStart = m_levels.empty();
-    int const flags = isStart ? NameFlags : ListFlags;
+    int const flags = isStart ? NameFlags : CopiedFolderFlags;
     Result<FileDescriptor> source =
         openAbove(m_source, flags, isStart ? m_sourceStart.identity : m_levels.back().place.identity);
     if (!source.hasValue()) return source.problem();

@@ -23,11 +23,11 @@ TEST(KeyFile, ResolvesEscapes) {
 }
 
 TEST(KeyFile, SplitsACommandLineIntoItsWords) {
-    using Words = std::vector<std::string>;
-    EXPECT_EQ(wordsOfCommandLine("thunar  --window %F"), (Words{"thunar", "--window", "%F"}));
-    EXPECT_EQ(wordsOfCommandLine("\"/a b/c \\\"d\\\\\" x"), (Words{"/a b/c \"d\\", "x"}));
-    EXPECT_EQ(wordsOfCommandLine(" \"\" "), (Words{""}));
-    EXPECT_EQ(wordsOfCommandLine("  "), Words{});
+    using Arguments = std::vector<std::string>;
+    EXPECT_EQ(wordsOfCommandLine("thunar  --window %F"), (Arguments{"thunar", "--window", "%F"}));
+    EXPECT_EQ(wordsOfCommandLine("\"/a b/c \\\"d\\\\\" x"), (Arguments{"/a b/c \"d\\", "x"}));
+    EXPECT_EQ(wordsOfCommandLine(" \"\" "), (Arguments{""}));
+    EXPECT_EQ(wordsOfCommandLine("  "), Arguments{});
     EXPECT_EQ(wordsOfCommandLine("\"a"), std::nullopt);
 }
 

@@ -7,6 +7,7 @@
 #include "platform/system/items/KeptCreationDate.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -19,8 +20,6 @@ namespace mac::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-bool isThere(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
 
 std::string bytesOfLength(std::size_t length) {
     std::string bytes(length, '\0');

@@ -20,13 +20,13 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-Names namesIn(std::string const& path) {
+Names sortedNamesIn(std::string const& path) {
     Names names = namesInFolder(path, LinkAtEnd::IsFollowed).valueOr(Names{"cannot be read"});
     std::ranges::sort(names);
     return names;
 }
 
-std::string textOf(std::string const& path) {
+std::string contentsOf(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -49,9 +49,9 @@ TEST_F(RenamingInSteps, MovesFilesFoldersAndLinks) {
     EXPECT_EQ(rename("file", "file 2"), 0);
     EXPECT_EQ(rename("folder", "folder 2"), 0);
     EXPECT_EQ(rename("link", "link 2"), 0);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
-    EXPECT_EQ(textOf(m_folder.path("file 2")), "x");
-    EXPECT_EQ(textOf(m_folder.path("folder 2/file")), "y");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file 2", "folder 2", "link 2"}));
+    EXPECT_EQ(contentsOf(m_folder.path("file 2")), "x");
+    EXPECT_EQ(contentsOf(m_folder.path("folder 2/file")), "y");
 }
 
 TEST_F(RenamingInSteps, ReplacesNothing) {
@@ -62,7 +62,7 @@ TEST_F(RenamingInSteps, ReplacesNothing) {
     EXPECT_EQ(rename("folder", "empty"), EEXIST);
     EXPECT_EQ(rename("folder", "file"), EEXIST);
     EXPECT_EQ(rename("none", "new"), ENOENT);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
 }
 
 TEST_F(RenamingInSteps, IsFollowedByWhoHasTheItemOpen) {
@@ -77,8 +77,8 @@ TEST_F(RenamingInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     std::string const saved = m_folder.makeFile("saved", "new");
     ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
     EXPECT_EQ(rename("file", "second", [&] { ::rename(saved.c_str(), file.c_str()); }), 0);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"old", "second"}));
-    EXPECT_EQ(textOf(m_folder.path("second")), "new");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"old", "second"}));
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "new");
 }
 
 TEST_F(RenamingInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
@@ -86,29 +86,29 @@ TEST_F(RenamingInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
     m_folder.makeFile("folder/inner", "y");
     std::string const second = m_folder.path("second");
     EXPECT_EQ(rename("file", "second", [&] { std::ofstream(second) << "another's"; }), EEXIST);
-    EXPECT_EQ(textOf(second), "another's");
-    EXPECT_EQ(textOf(m_folder.path("file")), "x");
+    EXPECT_EQ(contentsOf(second), "another's");
+    EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
     EXPECT_EQ(rename("folder", "third", [&] { m_folder.makeFile("third/file", "another's"); }), EEXIST);
-    EXPECT_EQ(textOf(m_folder.path("third/file")), "another's");
-    EXPECT_EQ(textOf(m_folder.path("folder/inner")), "y");
+    EXPECT_EQ(contentsOf(m_folder.path("third/file")), "another's");
+    EXPECT_EQ(contentsOf(m_folder.path("folder/inner")), "y");
 }
 
 TEST_F(RenamingInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
     std::string const file = m_folder.makeFile("file", "x");
     std::string const anothers = m_folder.makeFile("another's", "");
     EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }), EEXIST);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file", "second"}));
-    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(contentsOf(file), "x");
 }
 
 TEST_F(RenamingInSteps, LeavesNothingBehindWhenItFails) {
     m_folder.makeFolder("folder/inner");
     FileDescriptor const inner(::open(m_folder.path("folder/inner").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     EXPECT_EQ(codeOf(StepwiseRename().rename(m_parent, "folder", inner, "itself")), EINVAL);
-    EXPECT_TRUE(namesIn(m_folder.path("folder/inner")).empty());
+    EXPECT_TRUE(sortedNamesIn(m_folder.path("folder/inner")).empty());
     std::string const file = m_folder.makeFile("file", "x");
     EXPECT_EQ(rename("file", "second", [&] { ::rename(file.c_str(), m_folder.path("moved").c_str()); }), ENOENT);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"folder", "moved"}));
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"folder", "moved"}));
 }
 
 TEST_F(RenamingInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
@@ -118,8 +118,8 @@ TEST_F(RenamingInSteps, IsWhatIsDoneWhereTheSystemCannotRenameSo) {
         EXPECT_EQ(codeOf(renameWithoutReplacing(m_parent, "file", m_parent, "taken")), EEXIST);
         EXPECT_EQ(codeOf(renameWithoutReplacing(m_parent, "file", m_parent, "free")), 0);
     });
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"free", "taken"}));
-    EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"free", "taken"}));
+    EXPECT_EQ(contentsOf(m_folder.path("taken")), "y");
 }
 
 TEST_F(RenamingInSteps, TellsWhatFailedAndOnWhat) {
@@ -154,23 +154,23 @@ TEST_F(NamingANewFile, ReplacesNothing) {
     EXPECT_EQ(nameInSteps("new", "taken"), EEXIST);
     EXPECT_EQ(name("new", "free"), 0);
     EXPECT_EQ(nameInSteps("free", "name"), 0);
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "taken"}));
-    EXPECT_EQ(textOf(m_folder.path("name")), "x");
-    EXPECT_EQ(textOf(m_folder.path("taken")), "y");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"name", "taken"}));
+    EXPECT_EQ(contentsOf(m_folder.path("name")), "x");
+    EXPECT_EQ(contentsOf(m_folder.path("taken")), "y");
 }
 
 TEST_F(NamingANewFile, IsDoneAlsoWhereTheFirstNameCannotGo) {
     m_folder.makeFile("new", "x");
     withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
-    EXPECT_EQ(namesIn(m_folder.path()), (Names{"name", "new"}));
-    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"name", "new"}));
+    EXPECT_EQ(contentsOf(m_folder.path("name")), "x");
 }
 
 TEST_F(NamingANewFile, NeedsNoSecondNames) {
     m_folder.makeFile("new", "x");
     withRefusedCall(SYS_linkat, EPERM, [&] { EXPECT_EQ(nameInSteps("new", "name"), 0); });
-    EXPECT_EQ(namesIn(m_folder.path()), Names{"name"});
-    EXPECT_EQ(textOf(m_folder.path("name")), "x");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), Names{"name"});
+    EXPECT_EQ(contentsOf(m_folder.path("name")), "x");
 }
 
 } // namespace

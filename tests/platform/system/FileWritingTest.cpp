@@ -15,9 +15,9 @@
 namespace mac::test {
 namespace {
 
-using Bytes = std::span<std::byte const>;
+using ByteSpan = std::span<std::byte const>;
 
-Bytes bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
+ByteSpan bytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 struct stat statusAt(std::string const& path) {
     struct stat status {};
@@ -50,7 +50,7 @@ TEST_F(ReplacingAFile, KeepsItsPermissionsAndAttributes) {
     ASSERT_EQ(::chmod(m_file.c_str(), 0640), 0);
     ASSERT_EQ(::setxattr(m_file.c_str(), "user.note", "kept", 4, 0), 0);
     ASSERT_EQ(::setxattr(m_file.c_str(), "user.empty", "", 0, 0), 0);
-    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), 0);
+    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), 0);
     EXPECT_EQ(contents(), "new");
     EXPECT_EQ(modeAt(m_file), 0640U);
     EXPECT_EQ(attributeAt(m_file, "user.note"), "kept");
@@ -74,7 +74,7 @@ TEST_F(ReplacingAFile, KeepsItsAccessList) {
     std::string const list = accessList('\6');
     if (::setxattr(m_file.c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
         GTEST_SKIP() << "there are no access lists in " << m_folder.path();
-    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), 0);
+    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), 0);
     EXPECT_EQ(attributeAt(m_file, "system.posix_acl_access"), list);
     EXPECT_EQ(modeAt(m_file), 0660U);
 }
@@ -83,7 +83,7 @@ TEST_F(ReplacingAFile, TakesNoAccessListFromTheFolder) {
     std::string const list = accessList('\6');
     if (::setxattr(m_folder.path().c_str(), "system.posix_acl_default", list.data(), list.size(), 0) != 0)
         GTEST_SKIP() << "there are no access lists in " << m_folder.path();
-    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), 0);
+    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), 0);
     EXPECT_EQ(attributeAt(m_file, "system.posix_acl_access"), "-");
 }
 
@@ -95,16 +95,16 @@ TEST_F(ReplacingAFile, LetsNobodyReadTheNewOneBefore) {
         return doneIf(::fchmod(file.number(), 0600) == 0);
     };
     FileReplacement const how{.newFileMode = 0666, .beforeRenaming = restrict};
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"), how)), 0);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), how)), 0);
     EXPECT_EQ(during, "old");
     EXPECT_EQ(modeAt(m_file), 0600U);
-    withRefusedCall(SYS_fchmod, EPERM, [&] { EXPECT_NE(codeOf(replaceFileAtPath(m_file, bytes("newer"))), 0); });
+    withRefusedCall(SYS_fchmod, EPERM, [&] { EXPECT_NE(codeOf(replaceFileAtPath(m_file, bytesOf("newer"))), 0); });
     EXPECT_EQ(contents(), "new");
 }
 
 TEST_F(ReplacingAFile, GivesOurGroupNoMoreThanEverybody) {
     ASSERT_EQ(::chmod(m_file.c_str(), 06674), 0);
-    withRefusedCall(SYS_fchown, EPERM, [&] { EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), 0); });
+    withRefusedCall(SYS_fchown, EPERM, [&] { EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), 0); });
     EXPECT_EQ(modeAt(m_file), 0644U);
 }
 
@@ -112,7 +112,7 @@ TEST_F(ReplacingAFile, GivesItToItsOwnerAndGroup) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root gives files away";
     ASSERT_EQ(::chown(m_file.c_str(), 12'345, 23'456), 0);
     ASSERT_EQ(::chmod(m_file.c_str(), 0664), 0);
-    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), 0);
+    ASSERT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), 0);
     EXPECT_EQ(statusAt(m_file).st_uid, 12'345U);
     EXPECT_EQ(statusAt(m_file).st_gid, 23'456U);
     EXPECT_EQ(modeAt(m_file), 0664U);
@@ -120,7 +120,7 @@ TEST_F(ReplacingAFile, GivesItToItsOwnerAndGroup) {
 
 TEST_F(ReplacingAFile, SaysWhatTheDiskSays) {
     for (long const call : {SYS_fsync, SYS_close, SYS_write, SYS_renameat, SYS_listxattr}) {
-        withRefusedCall(call, EIO, [&] { EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"))), EIO) << call; });
+        withRefusedCall(call, EIO, [&] { EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), EIO) << call; });
         EXPECT_EQ(contents(), "old");
         EXPECT_EQ(names(), "file\n");
     }
@@ -129,7 +129,7 @@ TEST_F(ReplacingAFile, SaysWhatTheDiskSays) {
 TEST_F(ReplacingAFile, GivesANewOneThePermissionsOfTheUmask) {
     std::string const file = m_folder.path("new");
     mode_t const before = ::umask(0027);
-    int const code = codeOf(replaceFileAtPath(file, bytes("new")));
+    int const code = codeOf(replaceFileAtPath(file, bytesOf("new")));
     ::umask(before);
     ASSERT_EQ(code, 0);
     EXPECT_EQ(modeAt(file), 0640U);
@@ -140,12 +140,12 @@ TEST_F(ReplacingAFile, MakesANewOneLikeAnother) {
     EXPECT_EQ(mayGive, ::geteuid() == 0);
     ASSERT_EQ(::chmod(m_file.c_str(), 0751), 0);
     FileDescriptor const model = openPath(m_file, O_PATH).takeValue();
-    ASSERT_EQ(codeOf(replaceFileAtPath(m_folder.path("new"), bytes("new"), {.newFileIsLike = &model})), 0);
+    ASSERT_EQ(codeOf(replaceFileAtPath(m_folder.path("new"), bytesOf("new"), {.newFileIsLike = &model})), 0);
     EXPECT_EQ(modeAt(m_folder.path("new")), 0640U);
     EXPECT_EQ(statusAt(m_folder.path("new")).st_uid, statusAt(m_file).st_uid);
     EXPECT_EQ(statusAt(m_folder.path("new")).st_gid, statusAt(m_file).st_gid);
     withRefusedCall(SYS_fchown, EPERM, [&] {
-        EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("ours"), bytes("new"), {.newFileIsLike = &model})), 0);
+        EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("ours"), bytesOf("new"), {.newFileIsLike = &model})), 0);
     });
     EXPECT_EQ(modeAt(m_folder.path("ours")), 0600U);
 }
@@ -154,12 +154,12 @@ TEST_F(ReplacingAFile, LeavesOneThatHasChanged) {
     FileStatus const state = fileStatusInFolder(m_open, "file").value();
     m_folder.makeFile("other", "somebody's");
     ASSERT_EQ(::rename(m_folder.path("other").c_str(), m_file.c_str()), 0);
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .state = state})), EAGAIN);
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true, .state = state})), EAGAIN);
     EXPECT_EQ(contents(), "somebody's");
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true})), EEXIST);
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true})), EEXIST);
     ASSERT_EQ(::unlink(m_file.c_str()), 0);
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .state = state})), EAGAIN);
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true})), 0);
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true, .state = state})), EAGAIN);
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true})), 0);
     EXPECT_EQ(contents(), "new");
 }
 
@@ -169,12 +169,12 @@ TEST_F(ReplacingAFile, LeavesOneThatChangesMeanwhile) {
         m_folder.makeFile("other", "somebody's");
         return doneIf(::rename(m_folder.path("other").c_str(), m_file.c_str()) == 0);
     };
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"),
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"),
                                          {.hasToBe = true, .state = state, .beforeRenaming = change})),
               EAGAIN);
     EXPECT_EQ(contents(), "somebody's");
     ASSERT_EQ(::unlink(m_file.c_str()), 0);
-    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true, .beforeRenaming = change})),
+    EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true, .beforeRenaming = change})),
               EEXIST);
     EXPECT_EQ(contents(), "somebody's");
     EXPECT_EQ(names(), "file\n");
@@ -182,8 +182,8 @@ TEST_F(ReplacingAFile, LeavesOneThatChangesMeanwhile) {
 
 TEST_F(ReplacingAFile, ReplacesNothingWhereTheSystemCannotPromiseIt) {
     withRefusedCall(SYS_renameat2, EINVAL, [&] {
-        EXPECT_NE(codeOf(replaceFileInFolder(m_open, "file", bytes("new"), {.hasToBe = true})), 0);
-        EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "new", bytes("new"), {.hasToBe = true})), 0);
+        EXPECT_NE(codeOf(replaceFileInFolder(m_open, "file", bytesOf("new"), {.hasToBe = true})), 0);
+        EXPECT_EQ(codeOf(replaceFileInFolder(m_open, "new", bytesOf("new"), {.hasToBe = true})), 0);
     });
     EXPECT_EQ(contents(), "old");
     EXPECT_EQ(names(), "file\nnew\n");
@@ -197,30 +197,30 @@ TEST_F(ReplacingAFile, FollowsAsManyLinksAsTheSystem) {
         target = name;
     }
     EXPECT_EQ(::access(m_folder.path("link 40").c_str(), F_OK), 0);
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("link 40"), bytes("new"))), 0);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("link 40"), bytesOf("new"))), 0);
     EXPECT_EQ(contents(), "new");
     EXPECT_EQ(::access(m_folder.path("link 41").c_str(), F_OK), -1);
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("link 41"), bytes("newer"))), ELOOP);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("link 41"), bytesOf("newer"))), ELOOP);
     EXPECT_EQ(contents(), "new");
 }
 
 TEST_F(ReplacingAFile, IsGivenUpWhenTheCallerFails) {
     auto const fail = [](FileDescriptor const&) { return Result<void>(SystemError{.code = EOWNERDEAD}); };
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"), {.beforeRenaming = fail})), EOWNERDEAD);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), {.beforeRenaming = fail})), EOWNERDEAD);
     EXPECT_EQ(contents(), "old");
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytes("new"), {.afterRenaming = fail})), EOWNERDEAD);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), {.afterRenaming = fail})), EOWNERDEAD);
     EXPECT_EQ(contents(), "new");
     EXPECT_EQ(names(), "file\n");
 }
 
 TEST_F(ReplacingAFile, TellsWhatFailedAndOnWhat) {
-    Result<void> const replaced = replaceFileAtPath(m_folder.path("none/file"), bytes("new"));
+    Result<void> const replaced = replaceFileAtPath(m_folder.path("none/file"), bytesOf("new"));
     ASSERT_FALSE(replaced.isDone());
     EXPECT_EQ(replaced.problem().code, ENOENT);
     EXPECT_STREQ(replaced.problem().operation, "open");
     EXPECT_EQ(replaced.problem().item, m_folder.path("none/"));
     withRefusedCall(SYS_renameat, EACCES, [&] {
-        Result<void> const refused = replaceFileAtPath(m_file, bytes("new"));
+        Result<void> const refused = replaceFileAtPath(m_file, bytesOf("new"));
         ASSERT_FALSE(refused.isDone());
         EXPECT_STREQ(refused.problem().operation, "rename");
         EXPECT_EQ(refused.problem().item, "file");
@@ -228,12 +228,12 @@ TEST_F(ReplacingAFile, TellsWhatFailedAndOnWhat) {
 }
 
 TEST_F(ReplacingAFile, LeavesWhatIsNoFile) {
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.makeFolder("folder"), bytes("new"))), EISDIR);
-    EXPECT_NE(codeOf(replaceFileAtPath(m_folder.path("folder/"), bytes("new"))), 0);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.makeFolder("folder"), bytesOf("new"))), EISDIR);
+    EXPECT_NE(codeOf(replaceFileAtPath(m_folder.path("folder/"), bytesOf("new"))), 0);
     ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0600), 0);
-    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("pipe"), bytes("new"))), EINVAL);
+    EXPECT_EQ(codeOf(replaceFileAtPath(m_folder.path("pipe"), bytesOf("new"))), EINVAL);
     ASSERT_EQ(::symlink("file", m_folder.path("link").c_str()), 0);
-    EXPECT_NE(codeOf(replaceFileInFolder(m_open, "link", bytes("new"))), 0);
+    EXPECT_NE(codeOf(replaceFileInFolder(m_open, "link", bytesOf("new"))), 0);
     EXPECT_EQ(contents(), "old");
 }
 
