@@ -26,10 +26,6 @@ namespace mac::test {
 
 namespace {
 
-NSAppleEventDescriptor textDescriptor(NSString const& string) {
-    return NSAppleEventDescriptor::descriptorWithString_(string);
-}
-
 // A session bus of the test's own, which it may end.
 class EventTransport : public testing::Test {
 protected:
