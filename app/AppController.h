@@ -98,7 +98,7 @@ public:
     // them to exit.
     bool isRunningWithQuitting_(BOOL quit) const;
     // Quits the copy of the one selected record and reads the running copies anew; a beep and a line in the log when it
-    // refuses or does not run. Blocks while the copy quits, for about four seconds at most.
+    // refuses or does not run. Blocks while the copy quits: until it has replied to the event, then about four seconds.
     void quitAction_(id const& sender) const;
     // Launches the system's monitor of processes; a beep and a line in the log when there is none.
     void openActivityMonitorAction_(id const& sender) const;
