@@ -176,9 +176,9 @@ TEST_F(InstalledPrograms, ThatTheUserHidCannotBeGot) {
     mac::test::EnvironmentVariable const systemData("XDG_DATA_DIRS", m_home.folder().path("system"));
     m_home.folder().makeFile("system/applications/sketch.desktop",
                              "[Desktop Entry]\nType=Application\nName=Sketch\nExec=sketch\n");
-    EXPECT_EQ(outcomeOf(u"application id \"sketch\" is running"), "false");
+    EXPECT_EQ(outcomeOfRun(u"application id \"sketch\" is running"), "false");
     m_home.folder().makeFile(".local/share/applications/sketch.desktop", "[Desktop Entry]\nHidden=true\n");
-    EXPECT_EQ(outcomeOf(u"application id \"sketch\" is running"), "! Can’t get application id \"sketch\". (-1728)");
+    EXPECT_EQ(outcomeOfRun(u"application id \"sketch\" is running"), "! Can’t get application id \"sketch\". (-1728)");
 }
 
 TEST_F(InstalledPrograms, ThatNobodyKnowsCannotBeGot) {
