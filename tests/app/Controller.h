@@ -2,13 +2,16 @@
 
 #include "app/AppController.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
 #include <string>
 
 namespace framekeeper::test {
 
+using mac::test::joined;
 using mac::test::runUntil;
+using mac::test::text;
 using mac::test::TemporaryFolder;
 
 inline AppController makeController() { return AppController::alloc().init(); }
@@ -37,8 +40,6 @@ inline NSDictionary recordOf(AppController const& controller, NSString const& pa
     }
     return nil;
 }
-
-inline std::string text(id const& object) { return object == nil ? "(nil)" : object.description().UTF8String(); }
 
 inline bool flag(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();

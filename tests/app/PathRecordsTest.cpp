@@ -21,7 +21,7 @@ TEST(PathRecords, HoldElevenKeysInTheirOrderWhenEveryObjectIsThere) {
     controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(
         records, makeCopy(folder, "a"), psn(7), NSDictionary::dictionary(), NSDictionary::dictionary());
     NSDictionary const record = as<NSDictionary>(records.anyObject());
-    EXPECT_EQ(text(record.allKeys().componentsJoinedByString_(" ")),
+    EXPECT_EQ(joined(record.allKeys()),
               "path displayPath exists isRunning psn isAutolaunched autolaunchItem isInToolbar toolbarItem version "
               "versionString");
     EXPECT_TRUE(record.isKindOfClass_(classOf<NSMutableDictionary>()));
@@ -32,7 +32,7 @@ TEST(PathRecords, LeaveOutTheKeysOfObjectsThatAreNil) {
     NSMutableSet const records = NSMutableSet::set();
     controller.pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(records, "/a", nil, nil, nil);
     NSDictionary const record = as<NSDictionary>(records.anyObject());
-    EXPECT_EQ(text(record.allKeys().componentsJoinedByString_(" ")),
+    EXPECT_EQ(joined(record.allKeys()),
               "path displayPath exists isRunning isAutolaunched isInToolbar version versionString");
 }
 
@@ -170,7 +170,7 @@ TEST(PathRecords, StandInTheOrderOfTheSources) {
     controller.setIsOnHarddiskPaths_(pathSet({"/d"}));
     controller.reSync();
     NSArray const paths = as<NSArray>(controller.paths().allObjects().valueForKey_("path"));
-    EXPECT_EQ(text(paths.componentsJoinedByString_(" ")), "/d /r /l /t");
+    EXPECT_EQ(joined(paths), "/d /r /l /t");
 }
 
 TEST(PathRecords, OfANilPathLackThePathKeys) {

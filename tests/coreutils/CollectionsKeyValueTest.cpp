@@ -131,7 +131,7 @@ TEST(PxSetValueForKeyPath, ReplacesAppendsAndRemovesInArrays) {
         NSMutableDictionary const root = NSMutableDictionary::dictionary();
         root.setObject_forKey_(NSMutableArray::arrayWithObjects_({"x", "y", "z"}), "list");
         pxSetValue_forKeyPath_(root, row.value, NSString::stringWithUTF8String_(row.path));
-        EXPECT_EQ(text(list(root).componentsJoinedByString_(" ")), row.expected) << row.path;
+        EXPECT_EQ(joined(list(root)), row.expected) << row.path;
     }
     EXPECT_THROW(pxSetValue_forKeyPath_(tree(), nil, "list.3"), NSRangeException);
     EXPECT_THROW(pxSetValue_forKeyPath_(tree(), nil, "list.-1"), NSRangeException);

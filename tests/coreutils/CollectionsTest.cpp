@@ -1,6 +1,7 @@
 #include "coreutils/Collections.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -13,16 +14,6 @@ NSMutableArray letters(char const* text) {
         made.addObject_(NSString::stringWithUTF8String_(std::string(1, *letter)));
     return made;
 }
-
-std::string concatenated(NSArray const& array) {
-    return array == nil ? "-" : array.componentsJoinedByString_("").UTF8String();
-}
-
-std::string listed(NSArray const& array) {
-    return array == nil ? "-" : array.componentsJoinedByString_(",").UTF8String();
-}
-
-id number(long long value) { return NSNumber::numberWithLongLong_(value); }
 
 NSIndexSet at(std::vector<NSUInteger> const& indexes) {
     NSMutableIndexSet const set = NSMutableIndexSet::indexSet();
@@ -61,11 +52,12 @@ TEST(PxIndexSetWithNumbers, ReadsTextAsTheNumberItBeginsWith) {
 }
 
 TEST(PxIndexSetWithNumbers, RaisesForWhatIsNoIndex) {
-    for (id const& value : {number(-1), number(0x80000000), number(NSNotFound), id("-1")})
+    for (id const& value : std::vector<id>{number(-1), NSNumber::numberWithLongLong_(0x80000000),
+                                           NSNumber::numberWithLongLong_(NSNotFound), "-1"})
         EXPECT_THROW(pxIndexSetWithNumbers(NSArray::arrayWithObject_(value)), NSRangeException)
             << value.description().UTF8String();
-    EXPECT_TRUE(
-        pxIndexSetWithNumbers(NSArray::arrayWithObject_(number(NSNotFound - 1))).containsIndex_(NSNotFound - 1));
+    EXPECT_TRUE(pxIndexSetWithNumbers(NSArray::arrayWithObject_(NSNumber::numberWithLongLong_(NSNotFound - 1)))
+                    .containsIndex_(NSNotFound - 1));
     EXPECT_THROW(pxIndexSetWithNumbers(NSArray::arrayWithObject_(NSNull::null())), NSInvalidArgumentException);
 }
 
@@ -77,10 +69,10 @@ TEST(PxIndexSetWithNumbers, OfNilIsNil) {
 
 TEST(PxArrayWithIndexes, AnswersNumbersInAscendingOrder) {
     NSArray const numbers = pxArrayWithIndexes(at({9, 0, 4, 5}));
-    EXPECT_EQ(listed(numbers), "0,4,5,9");
+    EXPECT_EQ(joined(numbers, ","), "0,4,5,9");
     EXPECT_TRUE(as<NSMutableArray>(numbers) == nil);
     EXPECT_TRUE(numbers.objectAtIndex_(1).isEqual_(number(4)));
-    EXPECT_EQ(listed(pxArrayWithIndexes(at({NSNotFound - 1}))), "2147483646");
+    EXPECT_EQ(joined(pxArrayWithIndexes(at({NSNotFound - 1})), ","), "2147483646");
     EXPECT_EQ(pxArrayWithIndexes(NSIndexSet::indexSet()).count(), 0U);
     EXPECT_TRUE(pxArrayWithIndexes(nil) == nil);
 }
@@ -92,7 +84,7 @@ TEST(PxArrayWithIndexes, IsTheWayBack) {
 
 TEST(PxStringValues, AsksEachElementInOrder) {
     NSArray const values = pxStringValues(NSArray::arrayWithObjects_({number(3), NSNumber::numberWithDouble_(1.5)}));
-    EXPECT_EQ(listed(values), "3,1.5");
+    EXPECT_EQ(joined(values, ","), "3,1.5");
     EXPECT_TRUE(as<NSMutableArray>(values) == nil);
     EXPECT_EQ(pxStringValues(NSArray::array()).count(), 0U);
     EXPECT_THROW(pxStringValues(NSArray::arrayWithObject_(NSNull::null())), NSInvalidArgumentException);
@@ -102,10 +94,10 @@ TEST(PxStringValues, AsksEachElementInOrder) {
 TEST(PxFlattenedMutableArrayOfArrays, JoinsTheElementsWithTheirDuplicates) {
     NSArray const arrays = NSArray::arrayWithObjects_({letters("ab"), letters(""), letters("bc")});
     NSMutableArray const flat = pxFlattenedMutableArrayOfArrays(arrays);
-    EXPECT_EQ(concatenated(flat), "abbc");
+    EXPECT_EQ(joined(flat, ""), "abbc");
     flat.addObject_("x");
-    EXPECT_EQ(concatenated(as<NSArray>(arrays.objectAtIndex_(2))), "bc");
-    EXPECT_EQ(concatenated(pxFlattenedMutableArrayOfArrays(NSArray::array())), "");
+    EXPECT_EQ(joined(as<NSArray>(arrays.objectAtIndex_(2)), ""), "bc");
+    EXPECT_EQ(joined(pxFlattenedMutableArrayOfArrays(NSArray::array()), ""), "");
     EXPECT_THROW(pxFlattenedMutableArrayOfArrays(letters("a")), NSInvalidArgumentException);
     EXPECT_TRUE(pxFlattenedMutableArrayOfArrays(nil) == nil);
 }
@@ -141,7 +133,7 @@ TEST(PxMutableArrayWithTrimmedObjectsForKeys, KeepsTheGivenKeysAlone) {
         pxMutableArrayWithTrimmedObjectsForKeys_(records, NSArray::arrayWithObjects_({"version", "colour"}));
     ASSERT_EQ(trimmed.count(), 2U);
     NSMutableDictionary const first = as<NSMutableDictionary>(trimmed.objectAtIndex_(0));
-    EXPECT_EQ(listed(first.allKeys()), "version");
+    EXPECT_EQ(joined(first.allKeys(), ","), "version");
     EXPECT_EQ(as<NSDictionary>(trimmed.objectAtIndex_(1)).count(), 0U);
     first.setObject_forKey_("2", "version");
     EXPECT_TRUE(records.objectAtIndex_(0).valueForKey_("version").isEqual_("1"));
@@ -153,7 +145,7 @@ TEST(PxMutableArrayWithTrimmedObjectsForKeys, KeepsTheGivenKeysAlone) {
 TEST(PxDictionaryWithDictionary, TakesTheGivenKeys) {
     NSMutableDictionary const taken =
         pxDictionaryWithDictionary_forKeys_(record("/a", "1"), NSArray::arrayWithObjects_({"path", "colour"}));
-    EXPECT_EQ(listed(taken.allKeys()), "path");
+    EXPECT_EQ(joined(taken.allKeys(), ","), "path");
     EXPECT_TRUE(taken.objectForKey_("path").isEqual_("/a"));
     EXPECT_EQ(pxDictionaryWithDictionary_forKeys_(nil, letters("a")).count(), 0U);
     EXPECT_EQ(pxDictionaryWithDictionary_forKeys_(record("/a", "1"), nil).count(), 0U);
@@ -195,7 +187,7 @@ TEST(PxMoveObjectAtIndex, PutsTheElementInFrontOfTheOneThere) {
                           Row{5, 6, "abcdef"}, Row{5, 0, "fabcde"}, Row{0, 1, "abcdef"}}) {
         NSMutableArray const array = letters("abcdef");
         pxMoveObjectAtIndex_toIndex_(array, row.from, row.to);
-        EXPECT_EQ(concatenated(array), row.expected) << row.from << " to " << row.to;
+        EXPECT_EQ(joined(array, ""), row.expected) << row.from << " to " << row.to;
     }
 }
 
@@ -203,7 +195,7 @@ TEST(PxMoveObjectAtIndex, MovesTheVeryObjectAmongEqualOnes) {
     NSMutableArray const array = letters("aab");
     id const first = array.objectAtIndex_(0);
     pxMoveObjectAtIndex_toIndex_(array, 0, 3);
-    EXPECT_EQ(concatenated(array), "aba");
+    EXPECT_EQ(joined(array, ""), "aba");
     EXPECT_TRUE(isSame(array.objectAtIndex_(2), first));
 }
 
@@ -214,7 +206,7 @@ TEST(PxMoveObjectAtIndex, RaisesOutsideTheArray) {
     EXPECT_THROW(pxMoveObjectAtIndex_toIndex_(array, static_cast<NSUInteger>(-1), 0), NSRangeException);
     EXPECT_THROW(pxMoveObjectAtIndex_toIndex_(array, 0, 0x80000000), NSRangeException);
     pxMoveObjectAtIndex_toIndex_(array, 9, 9);
-    EXPECT_EQ(concatenated(array), "abc");
+    EXPECT_EQ(joined(array, ""), "abc");
     pxMoveObjectAtIndex_toIndex_(nil, 0, 1);
     pxMoveObjectAtIndex_toIndex_(nil, 1, 0);
 }
@@ -229,7 +221,7 @@ TEST(PxMoveObjectsAtIndexes, PutsTheBlockInFrontOfTheOneThere) {
                            Row{{5, 0}, 3, "bcafde"}, Row{{}, 2, "abcdef"}, Row{{3}, 0x80000000, "abcefd"}}) {
         NSMutableArray const array = letters("abcdef");
         pxMoveObjectsAtIndexes_toIndex_(array, at(row.indexes), row.to);
-        EXPECT_EQ(concatenated(array), row.expected) << row.to;
+        EXPECT_EQ(joined(array, ""), row.expected) << row.to;
     }
 }
 
@@ -237,24 +229,24 @@ TEST(PxMoveObjectsAtIndexes, PutsTheBlockInFrontOfTheOneThere) {
 TEST(PxMoveObjectsAtIndexes, WithDuplicatesGoesInFrontOfTheFirst) {
     NSMutableArray const array = letters("xaxb");
     pxMoveObjectsAtIndexes_toIndex_(array, at({3}), 2);
-    EXPECT_EQ(concatenated(array), "bxax");
+    EXPECT_EQ(joined(array, ""), "bxax");
     NSMutableArray const own = letters("axbx");
     pxMoveObjectsAtIndexes_toIndex_(own, at({1, 2}), 1);
-    EXPECT_EQ(concatenated(own), "axbx");
+    EXPECT_EQ(joined(own, ""), "axbx");
 }
 
 // By design: nothing is put back.
 TEST(PxMoveObjectsAtIndexes, RaisesInFrontOfOneOfItsOwn) {
     NSMutableArray const array = letters("abcd");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({1, 2}), 2), NSRangeException);
-    EXPECT_EQ(concatenated(array), "ad");
+    EXPECT_EQ(joined(array, ""), "ad");
 }
 
 TEST(PxMoveObjectsAtIndexes, ChangesNothingForAnIndexOutside) {
     NSMutableArray const array = letters("abc");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({0, 3}), 1), NSRangeException);
     pxMoveObjectsAtIndexes_toIndex_(array, nil, 1);
-    EXPECT_EQ(concatenated(array), "abc");
+    EXPECT_EQ(joined(array, ""), "abc");
     pxMoveObjectsAtIndexes_toIndex_(nil, at({0}), 1);
 }
 
@@ -263,7 +255,7 @@ TEST(PxCollections, AreMessagesToo) {
     id const object = array;
     object.performSelector_withObject_withObject_("pxMoveObjectAtIndex:toIndex:", number(0), number(3));
     object.performSelector_withObject_withObject_("pxMoveObjectsAtIndexes:toIndex:", at({2}), number(0));
-    EXPECT_EQ(concatenated(array), "abc");
+    EXPECT_EQ(joined(array, ""), "abc");
     EXPECT_EQ(object.performSelector_withObject_("pxUniqueCopyNameForName:", "a").description().UTF8String(), "a 1");
     id const numbers = NSArray::arrayWithObject_(number(4));
     EXPECT_TRUE(

@@ -1,15 +1,13 @@
 #include "pathutils/BundleVersions.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <vector>
 
 namespace mac::test {
 namespace {
-
-NSString string(std::string_view text) { return NSString::stringWithUTF8String_(text); }
-std::string text(NSString const& string) { return string == nil ? "-" : string.UTF8String(); }
 
 struct Parsed {
     std::string_view version;
@@ -40,7 +38,7 @@ TEST(PxParseVersion, ReadsTheFirstThreeParts) {
         std::int32_t major = -1;
         std::int32_t minor = -1;
         std::int32_t subminor = -1;
-        pxParseVersionToMajor_minor_subminor_(string(row.version), &major, &minor, &subminor);
+        pxParseVersionToMajor_minor_subminor_(utf8(row.version), &major, &minor, &subminor);
         EXPECT_EQ(major, row.major) << row.version;
         EXPECT_EQ(minor, row.minor) << row.version;
         EXPECT_EQ(subminor, row.subminor) << row.version;
@@ -65,9 +63,9 @@ TEST(PxTrimmedVersion, WritesTwoOrThreeNumbers) {
              Trimmed{"", "0.0", "0.0"},
              Trimmed{"v1.03", "1.3", "1.3"},
          }) {
-        EXPECT_EQ(text(pxTrimmedVersion_(string(row.version), 2)), row.two) << row.version;
-        EXPECT_EQ(text(pxTrimmedVersion_(string(row.version), 3)), row.three) << row.version;
-        EXPECT_EQ(text(pxTrimmedVersion(string(row.version))), row.three) << row.version;
+        EXPECT_EQ(text(pxTrimmedVersion_(utf8(row.version), 2)), row.two) << row.version;
+        EXPECT_EQ(text(pxTrimmedVersion_(utf8(row.version), 3)), row.three) << row.version;
+        EXPECT_EQ(text(pxTrimmedVersion(utf8(row.version))), row.three) << row.version;
     }
     EXPECT_TRUE(lines.empty());
 }
@@ -102,8 +100,8 @@ TEST(PxVersionCompare, ComparesTheNumbers) {
              Compared{"beta", "0.0.1", -1},
              Compared{"", "0", 0},
          }) {
-        EXPECT_EQ(pxVersionCompare_(string(row.one), string(row.other)), row.order) << row.one << " " << row.other;
-        EXPECT_EQ(pxVersionCompare_(string(row.other), string(row.one)), -row.order) << row.one << " " << row.other;
+        EXPECT_EQ(pxVersionCompare_(utf8(row.one), utf8(row.other)), row.order) << row.one << " " << row.other;
+        EXPECT_EQ(pxVersionCompare_(utf8(row.other), utf8(row.one)), -row.order) << row.one << " " << row.other;
     }
     EXPECT_EQ(pxVersionCompare_("1", nil), 1);
     EXPECT_EQ(pxVersionCompare_("0", nil), 0);
@@ -142,15 +140,15 @@ TEST(PxVersionOfPath, IsThatOfTheBundle) {
         std::string const bundle =
             folder.makeBundle(std::to_string(++count) + ".app",
                               "<plist version=\"1.0\"><dict>" + std::string(row.keys) + "</dict></plist>");
-        EXPECT_EQ(text(pxVersionOfPath(string(bundle))), row.version) << row.keys;
+        EXPECT_EQ(text(pxVersionOfPath(utf8(bundle))), row.version) << row.keys;
     }
 }
 
 TEST(PxVersionOfPath, IsNilWithoutABundle) {
     TemporaryFolder const folder;
-    EXPECT_TRUE(pxVersionOfPath(string(folder.path("missing.app"))) == nil);
-    EXPECT_TRUE(pxVersionOfPath(string(folder.makeFile("file.app", ""))) == nil);
-    EXPECT_TRUE(pxVersionOfPath(string(folder.makeFolder("empty.app"))) == nil);
+    EXPECT_TRUE(pxVersionOfPath(utf8(folder.path("missing.app"))) == nil);
+    EXPECT_TRUE(pxVersionOfPath(utf8(folder.makeFile("file.app", ""))) == nil);
+    EXPECT_TRUE(pxVersionOfPath(utf8(folder.makeFolder("empty.app"))) == nil);
     EXPECT_TRUE(pxVersionOfPath("") == nil);
 }
 

@@ -7,6 +7,7 @@
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "tests/pathutils/AttributeCalls.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>
@@ -21,9 +22,7 @@ namespace {
 NSString key(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
 std::vector<std::string> sortedNamesOf(NSArray const& keys) {
-    std::vector<std::string> names;
-    for (id const& name : keys)
-        names.push_back(as<NSString>(name).fileSystemRepresentation().value_or(""));
+    std::vector<std::string> names = fileSystemBytesOfEach(keys);
     std::ranges::sort(names);
     return names;
 }

@@ -10,6 +10,7 @@
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>
@@ -19,10 +20,6 @@
 
 namespace mac::test {
 namespace {
-
-std::string fileNameBytes(NSString const& string) {
-    return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
-}
 
 // Nothing that a reference to an item could be.
 FSRef filledReference() {
@@ -66,15 +63,15 @@ TEST_F(FinderMetadata, AReferenceFollowsALinkOrMeansItItself) {
     bool isDirectory = false;
     EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folderLink"), &ref, &isDirectory, YES));
     EXPECT_TRUE(isDirectory);
-    EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folder"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folder"));
     EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folderLink"), &ref, &isDirectory, NO));
     EXPECT_FALSE(isDirectory);
-    EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folderLink"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folderLink"));
     EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folder"), &ref, &isDirectory, NO));
     EXPECT_TRUE(isDirectory);
     EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folder"), &ref, {}, NO));
     EXPECT_TRUE(KRPathGetFSRef_traverseLink_(at("link"), &ref, YES));
-    EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folder/file"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&ref)), m_folder.path("folder/file"));
 }
 
 TEST_F(FinderMetadata, TheRootHasAReference) {
@@ -83,7 +80,7 @@ TEST_F(FinderMetadata, TheRootHasAReference) {
         bool isDirectory = false;
         EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_("/", &ref, &isDirectory, follows));
         EXPECT_TRUE(isDirectory);
-        EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&ref)), "/");
+        EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&ref)), "/");
     }
     EXPECT_NE(pxVolumeRefNumOfPath("/"), 0x3F3F);
 }
@@ -91,7 +88,7 @@ TEST_F(FinderMetadata, TheRootHasAReference) {
 TEST_F(FinderMetadata, ALinkThatLeadsNowhereHasAReferenceOfItsOwn) {
     FSRef ref = filledReference();
     EXPECT_TRUE(KRPathGetFSRef_traverseLink_(at("lost"), &ref, NO));
-    EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&ref)), m_folder.path("lost"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&ref)), m_folder.path("lost"));
     EXPECT_FALSE(KRPathGetFSRef_traverseLink_(at("lost"), &ref, YES));
     EXPECT_EQ(ref, FSRef{});
 }
@@ -100,8 +97,8 @@ TEST_F(FinderMetadata, AReferenceToNothingIsAllZero) {
     for (NSString const& none : {at("none"), at("none/file"), at("folder/file/below"), NSString(""), NSString(nil)}) {
         for (BOOL const follows : {YES, NO}) {
             FSRef ref = filledReference();
-            EXPECT_FALSE(KRPathGetFSRef_traverseLink_(none, &ref, follows)) << fileNameBytes(none);
-            EXPECT_EQ(ref, FSRef{}) << fileNameBytes(none);
+            EXPECT_FALSE(KRPathGetFSRef_traverseLink_(none, &ref, follows)) << fileSystemBytes(none);
+            EXPECT_EQ(ref, FSRef{}) << fileSystemBytes(none);
         }
         FSRef ref = filledReference();
         bool isDirectory = true;
@@ -115,10 +112,10 @@ TEST_F(FinderMetadata, AParentComesWithTheNameInIt) {
     FSRef parent{};
     HFSUniStr255 name{};
     EXPECT_TRUE(KRPathGetParentFSRef_name_(at("folder/a:b"), &parent, &name));
-    EXPECT_EQ(fileNameBytes(KRCPathWithFSRef_(&parent)), m_folder.path("folder"));
-    EXPECT_EQ(fileNameBytes(KRCStringWithHFSUniStr255_(&name)), "a/b");
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&parent)), m_folder.path("folder"));
+    EXPECT_EQ(fileSystemBytes(KRCStringWithHFSUniStr255_(&name)), "a/b");
     EXPECT_TRUE(KRPathGetParentFSRef_name_(at("link"), &parent, &name));
-    EXPECT_EQ(fileNameBytes(KRCStringWithHFSUniStr255_(&name)), "file");
+    EXPECT_EQ(fileSystemBytes(KRCStringWithHFSUniStr255_(&name)), "file");
     EXPECT_TRUE(KRPathGetParentFSRef_name_("/", &parent, &name));
     EXPECT_EQ(parent, FSRef{});
     EXPECT_EQ(name.length, 0);
@@ -304,7 +301,7 @@ TEST_F(FinderMetadata, LaunchServicesTellsFlagsAndName) {
     EXPECT_TRUE(pxLSFlagsOfPath_(at("A.app"), &flags));
     EXPECT_EQ(flags, application);
     EXPECT_TRUE(pxLSFlagsOfPath_displayName_(at("A.app"), &flags, &name));
-    EXPECT_EQ(fileNameBytes(name), "A.app");
+    EXPECT_EQ(fileSystemBytes(name), "A.app");
     EXPECT_TRUE(pxLSFlagsOfPath_displayName_(at("A.app"), &flags, {}));
     for (BOOL const isDirectory : {YES, NO}) {
         flags = 0;
@@ -318,7 +315,7 @@ TEST_F(FinderMetadata, LaunchServicesTellsFlagsAndName) {
         EXPECT_FALSE(pxLSFlagsOfPath_displayName_(none, &flags, &name));
         EXPECT_FALSE(pxLSFlagsOfPath_displayName_isDirectory_(none, &flags, &name, YES));
         EXPECT_EQ(flags, 7U);
-        EXPECT_EQ(fileNameBytes(name), "untouched");
+        EXPECT_EQ(fileSystemBytes(name), "untouched");
     }
 }
 

@@ -3,6 +3,7 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/support/Environment.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
@@ -12,16 +13,6 @@
 namespace mac::test {
 namespace {
 
-std::string bytesOf(NSString const& string) {
-    return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
-}
-
-std::vector<std::string> namesInOrder(NSArray const& array) {
-    std::vector<std::string> names;
-    for (id const& name : array)
-        names.push_back(bytesOf(as<NSString>(name)));
-    return names;
-}
 using Names = std::vector<std::string>;
 
 // An image of one point.
@@ -166,29 +157,29 @@ TEST_F(PathRelations, ALinkToAPackageIsNone) {
 
 TEST_F(PathRelations, DisplayNamesAreTheFileManagers) {
     m_folder.makeFile("a.txt", "");
-    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(at("a.txt"))), "a.txt");
-    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(at("none.txt"))), "none.txt");
-    EXPECT_EQ(bytesOf(pxDisplayNameOfPath("/")), "/");
-    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(nil)), "-");
+    EXPECT_EQ(fileSystemBytes(pxDisplayNameOfPath(at("a.txt"))), "a.txt");
+    EXPECT_EQ(fileSystemBytes(pxDisplayNameOfPath(at("none.txt"))), "none.txt");
+    EXPECT_EQ(fileSystemBytes(pxDisplayNameOfPath("/")), "/");
+    EXPECT_EQ(fileSystemBytes(pxDisplayNameOfPath(nil)), "-");
     std::string const bundle = m_folder.makeBundle("Frame.app", R"(<plist version="1.0"><dict>
         <key>CFBundleDisplayName</key><string>Frame</string></dict></plist>)");
     m_folder.makeFile("Frame.app/Contents/Resources/de.lproj/InfoPlist.strings", R"(CFBundleDisplayName = "Rahmen";)");
     EnvironmentVariable const all("LC_ALL", "de_AT.UTF-8");
     EnvironmentVariable const list("LANGUAGE", "");
-    EXPECT_EQ(bytesOf(pxDisplayNameOfPath(path(bundle))), "Rahmen");
-    EXPECT_EQ(bytesOf(NSFileManager::defaultManager().displayNameAtPath_(path(bundle))), "Rahmen");
+    EXPECT_EQ(fileSystemBytes(pxDisplayNameOfPath(path(bundle))), "Rahmen");
+    EXPECT_EQ(fileSystemBytes(NSFileManager::defaultManager().displayNameAtPath_(path(bundle))), "Rahmen");
 }
 
 TEST_F(PathRelations, TheParentIsTheFolderAbove) {
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/b")), "/a");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/b/")), "/a");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a/./b/..")), "/");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("/a")), "/");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("/")), "-");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("a")), "-");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("a/b")), "a");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath("")), "-");
-    EXPECT_EQ(bytesOf(pxParentPathOfPath(nil)), "-");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("/a/b")), "/a");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("/a/b/")), "/a");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("/a/./b/..")), "/");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("/a")), "/");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("/")), "-");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("a")), "-");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("a/b")), "a");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath("")), "-");
+    EXPECT_EQ(fileSystemBytes(pxParentPathOfPath(nil)), "-");
 }
 
 TEST_F(PathRelations, TheInformationOfABundleIsItsDictionary) {
@@ -239,7 +230,7 @@ TEST_F(PathRelations, VisibleContentsLeaveOutWhatIsInvisible) {
     m_folder.makeFile("\xFF", "");
     link("nowhere", "c");
     for (BOOL const flag : {YES, NO})
-        EXPECT_EQ(namesInOrder(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), flag)),
+        EXPECT_EQ(fileSystemBytesOfEach(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), flag)),
                   (Names{"a", "b", "c", "\xFF"}));
     EXPECT_EQ(pxVisibleDirectoryContentsAtPath_(at("a"), YES).count(), 0U);
     EXPECT_FALSE(pxVisibleDirectoryContentsAtPath_(at("a"), YES) == nil);
@@ -249,26 +240,26 @@ TEST_F(PathRelations, VisibleContentsLeaveOutWhatIsInvisible) {
 }
 
 TEST_F(PathRelations, ATypesExtensionIsItsDeclaredFirstOne) {
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.jpeg")), "jpeg");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.tiff")), "tiff");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.png")), "png");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("PUBLIC.PNG")), "png");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("com.compuserve.gif")), "gif");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("public.jpeg")), "jpeg");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("public.tiff")), "tiff");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("public.png")), "png");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("PUBLIC.PNG")), "png");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("com.compuserve.gif")), "gif");
     // Declared, without an extension.
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("public.data")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("com.example.unknown")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI("")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTI(nil)), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("public.data")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("com.example.unknown")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI("")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTI(nil)), "-");
 }
 
 TEST_F(PathRelations, OlderSystemsKnowThreeExtensions) {
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.tiff")), "tiff");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.jpeg")), "jpeg");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.png")), "png");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("public.gif")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("Public.png")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther("")), "-");
-    EXPECT_EQ(bytesOf(pxFilenameExtensionOfUTIPanther(nil)), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("public.tiff")), "tiff");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("public.jpeg")), "jpeg");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("public.png")), "png");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("public.gif")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("Public.png")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther("")), "-");
+    EXPECT_EQ(fileSystemBytes(pxFilenameExtensionOfUTIPanther(nil)), "-");
 }
 
 TEST_F(PathRelations, ImagesAndSoundAreToldByTheirTypes) {
@@ -310,9 +301,9 @@ TEST_F(PathRelations, WhatTheUserMayDoIsTheFileManagersAnswer) {
 TEST_F(PathRelations, AURLOfAFolderEndsWithASlash) {
     m_folder.makeFolder("a b");
     std::string const folder = "file://localhost" + m_folder.path() + "/a%20b";
-    EXPECT_EQ(bytesOf(pxURLOfPath(at("a b")).absoluteString()), folder + "/");
-    EXPECT_EQ(bytesOf(pxURLOfPath_(at("a b"), YES).absoluteString()), folder + "/");
-    EXPECT_EQ(bytesOf(pxURLOfPath_(at("a b"), NO).absoluteString()), folder);
+    EXPECT_EQ(fileSystemBytes(pxURLOfPath(at("a b")).absoluteString()), folder + "/");
+    EXPECT_EQ(fileSystemBytes(pxURLOfPath_(at("a b"), YES).absoluteString()), folder + "/");
+    EXPECT_EQ(fileSystemBytes(pxURLOfPath_(at("a b"), NO).absoluteString()), folder);
     EXPECT_TRUE(pxURLOfPath("") == nil);
     EXPECT_TRUE(pxURLOfPath_("", YES) == nil);
     EXPECT_TRUE(pxURLOfPath(nil) == nil);

@@ -4,6 +4,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/processes/Processes.h"
+#include "tests/platform/events/Descriptors.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -16,28 +17,6 @@
 namespace mac::test {
 
 namespace {
-
-NSAppleEventDescriptor number(std::int32_t value) { return NSAppleEventDescriptor::descriptorWithInt32_(value); }
-NSAppleEventDescriptor textDescriptor(NSString const& value) {
-    return NSAppleEventDescriptor::descriptorWithString_(value);
-}
-
-NSAppleEventDescriptor ofBytes(DescType type, std::string_view bytes) {
-    return NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(type, bytes.data(),
-                                                                              static_cast<NSUInteger>(bytes.size()));
-}
-
-NSAppleEventDescriptor real(double value) {
-    return NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeIEEE64BitFloatingPoint, &value,
-                                                                              sizeof value);
-}
-
-NSAppleEventDescriptor listOf(std::initializer_list<NSAppleEventDescriptor> items) {
-    NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
-    for (NSAppleEventDescriptor const& item : items)
-        list.insertDescriptor_atIndex_(item, 0);
-    return list;
-}
 
 NSAppleEventDescriptor recordOf(NSAppleEventDescriptor const& value, AEKeyword keyword = AEKeyword("usrf")) {
     NSAppleEventDescriptor const record = NSAppleEventDescriptor::recordDescriptor();
@@ -152,15 +131,15 @@ TEST(AppleEventDescriptors, SendWithoutWaitingForAReply) {
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(as<NSNumber>(event.performSelector_("pxSend")).boolValue());
     AERemoveEventHandler(AEEventClass("test"), AEEventID("send"), nullptr, NO);
-    EXPECT_FALSE(pxSend(number(1))) << "a number is no event";
+    EXPECT_FALSE(pxSend(numberDescriptor(1))) << "a number is no event";
     EXPECT_FALSE(pxSend(nil));
 }
 
 TEST(AppleEventDescriptors, ConvertNumbersAndTruthValues) {
-    EXPECT_TRUE(pxObject(number(-7)).isEqual_(NSNumber::numberWithInt_(-7)));
-    EXPECT_TRUE(pxObject(real(1.5)).isEqual_(NSNumber::numberWithDouble_(1.5)));
+    EXPECT_TRUE(pxObject(numberDescriptor(-7)).isEqual_(NSNumber::numberWithInt_(-7)));
+    EXPECT_TRUE(pxObject(realDescriptor(1.5)).isEqual_(NSNumber::numberWithDouble_(1.5)));
     for (double const value : {0.1, 1e300, -2.2250738585072014e-308, 12345678.9})
-        EXPECT_EQ(as<NSNumber>(pxObject(real(value))).doubleValue(), value);
+        EXPECT_EQ(as<NSNumber>(pxObject(realDescriptor(value))).doubleValue(), value);
     for (bool const value : {true, false}) {
         NSNumber const truth = as<NSNumber>(pxObject(NSAppleEventDescriptor::descriptorWithBoolean_(BOOL(value))));
         EXPECT_EQ(truth.kind(), NSNumber::Kind::Boolean);
@@ -169,17 +148,17 @@ TEST(AppleEventDescriptors, ConvertNumbersAndTruthValues) {
 }
 
 TEST(AppleEventDescriptors, ConvertTextAndCodesToStrings) {
-    EXPECT_TRUE(pxObject(textDescriptor("a\"\n")).isEqual_("a\"\n"));
-    EXPECT_TRUE(pxObject(textDescriptor("")).isEqual_(""));
-    EXPECT_TRUE(pxObject(ofBytes(typeText, "plain")).isEqual_("plain"));
+    EXPECT_TRUE(pxObject(stringDescriptor("a\"\n")).isEqual_("a\"\n"));
+    EXPECT_TRUE(pxObject(stringDescriptor("")).isEqual_(""));
+    EXPECT_TRUE(pxObject(descriptorOfBytes(typeText, "plain")).isEqual_("plain"));
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::descriptorWithEnumCode_(OSType("yes "))).isEqual_("yes "));
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::descriptorWithTypeCode_(OSType("msng"))).isEqual_("msng"));
 }
 
 TEST(AppleEventDescriptors, ConvertAListItemByItem) {
     LoggedWhileAlive const lines;
-    NSArray const array =
-        as<NSArray>(pxObject(listOf({number(1), textDescriptor("a"), ofBytes(DescType("fork"), "xy")})));
+    NSArray const array = as<NSArray>(pxObject(
+        listDescriptor({numberDescriptor(1), stringDescriptor("a"), descriptorOfBytes(DescType("fork"), "xy")})));
     ASSERT_EQ(array.count(), 3U);
     EXPECT_TRUE(array.objectAtIndex_(0).isEqual_(NSNumber::numberWithInt_(1)));
     EXPECT_TRUE(array.objectAtIndex_(1).isEqual_("a"));
@@ -191,29 +170,30 @@ TEST(AppleEventDescriptors, ConvertAListItemByItem) {
 }
 
 TEST(AppleEventDescriptors, LeaveOutItemsThatConvertToNothing) {
-    NSAppleEventDescriptor const record = recordOf(number(1));
-    record.setDescriptor_forKeyword_(number(2), AEKeyword("two "));
+    NSAppleEventDescriptor const record = recordOf(numberDescriptor(1));
+    record.setDescriptor_forKeyword_(numberDescriptor(2), AEKeyword("two "));
     LoggedWhileAlive const lines;
-    NSArray const array = as<NSArray>(pxObject(listOf({record, number(1)})));
+    NSArray const array = as<NSArray>(pxObject(listDescriptor({record, numberDescriptor(1)})));
     ASSERT_EQ(array.count(), 1U);
     EXPECT_TRUE(array.objectAtIndex_(0).isEqual_(NSNumber::numberWithInt_(1)));
     EXPECT_TRUE(lines.all().empty()) << "such a record is nil without a message";
 }
 
 TEST(AppleEventDescriptors, ConvertAnObjectSpecifierLikeAList) {
-    NSAppleEventDescriptor const specifier = recordOf(number(3), AEKeyword("seld"));
+    NSAppleEventDescriptor const specifier = recordOf(numberDescriptor(3), AEKeyword("seld"));
     specifier.setDescriptor_forKeyword_(NSAppleEventDescriptor::descriptorWithTypeCode_(OSType("cfol")),
                                         AEKeyword("want"));
     NSArray const array = as<NSArray>(pxObject(specifier.coerceToDescriptorType_(typeObjectSpecifier)));
     ASSERT_EQ(array.count(), 2U);
     EXPECT_TRUE(array.objectAtIndex_(0).isEqual_(NSNumber::numberWithInt_(3)));
     EXPECT_TRUE(array.objectAtIndex_(1).isEqual_("cfol"));
-    EXPECT_EQ(as<NSArray>(pxObject(ofBytes(typeObjectSpecifier, "lying"))).count(), 0U);
+    EXPECT_EQ(as<NSArray>(pxObject(descriptorOfBytes(typeObjectSpecifier, "lying"))).count(), 0U);
 }
 
 TEST(AppleEventDescriptors, ConvertARecordOfOneFlatListToADictionary) {
     NSAppleEventDescriptor const list =
-        listOf({textDescriptor("k1"), number(1), textDescriptor("k2"), number(2), textDescriptor("k1"), number(3)});
+        listDescriptor({stringDescriptor("k1"), numberDescriptor(1), stringDescriptor("k2"), numberDescriptor(2),
+                        stringDescriptor("k1"), numberDescriptor(3)});
     for (AEKeyword const keyword : {AEKeyword("usrf"), AEKeyword("any ")}) {
         NSDictionary const dictionary = as<NSDictionary>(pxObject(recordOf(list, keyword)));
         ASSERT_EQ(dictionary.count(), 2U);
@@ -224,8 +204,9 @@ TEST(AppleEventDescriptors, ConvertARecordOfOneFlatListToADictionary) {
 }
 
 TEST(AppleEventDescriptors, TakeAnyKeyAsAKey) {
-    NSDictionary const dictionary = as<NSDictionary>(pxObject(recordOf(listOf(
-        {textDescriptor("@count"), number(1), textDescriptor("a.b"), number(2), number(3), textDescriptor("c")}))));
+    NSDictionary const dictionary = as<NSDictionary>(
+        pxObject(recordOf(listDescriptor({stringDescriptor("@count"), numberDescriptor(1), stringDescriptor("a.b"),
+                                          numberDescriptor(2), numberDescriptor(3), stringDescriptor("c")}))));
     ASSERT_EQ(dictionary.count(), 3U);
     EXPECT_TRUE(dictionary.objectForKey_("@count").isEqual_(NSNumber::numberWithInt_(1)));
     EXPECT_TRUE(dictionary.objectForKey_("a.b").isEqual_(NSNumber::numberWithInt_(2)));
@@ -235,10 +216,10 @@ TEST(AppleEventDescriptors, TakeAnyKeyAsAKey) {
 TEST(AppleEventDescriptors, ConvertAnyOtherRecordToNothing) {
     LoggedWhileAlive const lines;
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::recordDescriptor()) == nil);
-    EXPECT_TRUE(pxObject(recordOf(textDescriptor("a"))) == nil);
-    EXPECT_TRUE(pxObject(recordOf(listOf({}))) == nil);
-    EXPECT_TRUE(pxObject(recordOf(listOf({textDescriptor("k1")}))) == nil);
-    EXPECT_TRUE(pxObject(recordOf(recordOf(listOf({textDescriptor("k"), number(1)})))) == nil)
+    EXPECT_TRUE(pxObject(recordOf(stringDescriptor("a"))) == nil);
+    EXPECT_TRUE(pxObject(recordOf(listDescriptor({}))) == nil);
+    EXPECT_TRUE(pxObject(recordOf(listDescriptor({stringDescriptor("k1")}))) == nil);
+    EXPECT_TRUE(pxObject(recordOf(recordOf(listDescriptor({stringDescriptor("k"), numberDescriptor(1)})))) == nil)
         << "a dictionary is no list";
     EXPECT_TRUE(lines.all().empty());
 }
@@ -253,17 +234,17 @@ TEST(AppleEventDescriptors, ConvertNullToItsData) {
 
 TEST(AppleEventDescriptors, LogATypeTheyDoNotKnowAndAnswerItsData) {
     LoggedWhileAlive const lines;
-    EXPECT_TRUE(pxObject(ofBytes(typeBoolean, "\x01")).isEqual_(NSData::dataWithBytes_length_("\x01", 1)));
-    EXPECT_TRUE(pxObject(ofBytes(DescType("utf8"), "x")).isEqual_(NSData::dataWithBytes_length_("x", 1)));
+    EXPECT_TRUE(pxObject(descriptorOfBytes(typeBoolean, "\x01")).isEqual_(NSData::dataWithBytes_length_("\x01", 1)));
+    EXPECT_TRUE(pxObject(descriptorOfBytes(DescType("utf8"), "x")).isEqual_(NSData::dataWithBytes_length_("x", 1)));
     EXPECT_EQ(lines.all(), (std::vector<std::string>{
                                "-[NSAppleEventDescriptor(PXCoreUtils) pxObject] Unknown descriptor type: 'bool'",
                                "-[NSAppleEventDescriptor(PXCoreUtils) pxObject] Unknown descriptor type: 'utf8'"}));
-    EXPECT_FALSE(pxObject(ofBytes(DescType(0x80FF000AU), "x")) == nil);
+    EXPECT_FALSE(pxObject(descriptorOfBytes(DescType(0x80FF000AU), "x")) == nil);
     EXPECT_EQ(lines.all().size(), 3U);
 }
 
 TEST(AppleEventDescriptors, AreConvertedByMessageToo) {
-    EXPECT_TRUE(textDescriptor("x").performSelector_("pxObject").isEqual_("x"));
+    EXPECT_TRUE(stringDescriptor("x").performSelector_("pxObject").isEqual_("x"));
     EXPECT_TRUE(pxObject(nil) == nil);
 }
 

@@ -12,7 +12,8 @@ namespace mac::test {
 
 namespace {
 
-std::string text(id const& object) {
+// The string's text; "(nil)" for nil and for an object of another kind.
+std::string stringText(id const& object) {
     NSString const string = as<NSString>(object);
     return string == nil ? "(nil)" : string.UTF8String();
 }
@@ -21,11 +22,11 @@ NSAppleScript scriptOf(NSString const& source) { return NSAppleScript::alloc().i
 
 TEST(AppleScriptExecution, AnswersTheResultAsText) {
     NSString error = "left over";
-    EXPECT_EQ(text(pxExecuteAsAppleScript("\"a\" & 1\n")), "a1");
-    EXPECT_EQ(text(pxExecuteAsAppleScript_("3 + 4", &error)), "7");
+    EXPECT_EQ(stringText(pxExecuteAsAppleScript("\"a\" & 1\n")), "a1");
+    EXPECT_EQ(stringText(pxExecuteAsAppleScript_("3 + 4", &error)), "7");
     EXPECT_TRUE(error == nil);
-    EXPECT_EQ(text(pxExecuteAsAppleScript_("1.5", nullptr)), "1.5");
-    EXPECT_EQ(text(pxExecuteAsAppleScript("true")), "true");
+    EXPECT_EQ(stringText(pxExecuteAsAppleScript_("1.5", nullptr)), "1.5");
+    EXPECT_EQ(stringText(pxExecuteAsAppleScript("true")), "true");
 }
 
 TEST(AppleScriptExecution, AResultWithoutTextIsNil) {
@@ -38,11 +39,11 @@ TEST(AppleScriptExecution, AResultWithoutTextIsNil) {
 TEST(AppleScriptExecution, TellsTheBriefMessageOfAnError) {
     NSString error;
     EXPECT_TRUE(pxExecuteAsAppleScript_("set x to", &error) == nil);
-    EXPECT_EQ(text(error), "Expected expression but found end of script.");
+    EXPECT_EQ(stringText(error), "Expected expression but found end of script.");
     EXPECT_TRUE(pxExecuteAsAppleScript_("1 / 0", &error) == nil);
-    EXPECT_EQ(text(error), "Can’t divide 1.0 by zero.");
+    EXPECT_EQ(stringText(error), "Can’t divide 1.0 by zero.");
     EXPECT_TRUE(pxExecuteAsAppleScript2_("error \"gone\" number 7", &error) == nil);
-    EXPECT_EQ(text(error), "gone");
+    EXPECT_EQ(stringText(error), "gone");
     EXPECT_TRUE(pxExecuteAsAppleScript("set x to") == nil);
     EXPECT_TRUE(pxExecuteAsAppleScript2_("1 / 0", nullptr) == nil);
 }
@@ -54,36 +55,37 @@ TEST(AppleScriptExecution, AnswersTheResultAsAnObject) {
     NSArray const items = as<NSArray>(array);
     ASSERT_EQ(items.count(), 6U);
     EXPECT_EQ(as<NSNumber>(items.objectAtIndex_(0)).intValue(), 1);
-    EXPECT_EQ(text(items.objectAtIndex_(1)), "a");
+    EXPECT_EQ(stringText(items.objectAtIndex_(1)), "a");
     EXPECT_EQ(as<NSNumber>(items.objectAtIndex_(2)).doubleValue(), 1.5);
     EXPECT_TRUE(as<NSNumber>(items.objectAtIndex_(3)).boolValue());
     EXPECT_EQ(as<NSNumber>(as<NSDictionary>(items.objectAtIndex_(4)).objectForKey_("k")).intValue(), 2);
-    EXPECT_EQ(text(items.objectAtIndex_(5)), "msng");
+    EXPECT_EQ(stringText(items.objectAtIndex_(5)), "msng");
     EXPECT_EQ(as<NSData>(pxExecuteAsAppleScript2_("return", nullptr)).length(), 0U);
 }
 
 TEST(AppleScriptExecution, RunsAShellCommandAsItStands) {
-    EXPECT_EQ(text(pxExecuteAsShellScriptWithAdminPrivs_("echo one; echo two", NO)), "one\rtwo");
+    EXPECT_EQ(stringText(pxExecuteAsShellScriptWithAdminPrivs_("echo one; echo two", NO)), "one\rtwo");
     EXPECT_TRUE(pxExecuteAsShellScriptWithAdminPrivs_("exit 3", NO) == nil);
     EXPECT_TRUE(pxExecuteAsShellScriptWithAdminPrivs_("echo \"a\"", NO) == nil) << "the quotes end the literal";
-    EXPECT_EQ(text(pxExecuteAsShellScriptWithAdminPrivs_(pxStringByEscapingDoubleQuotes("printf '%s' \"a\\\\b\""), NO)),
-              "a\\b");
+    EXPECT_EQ(
+        stringText(pxExecuteAsShellScriptWithAdminPrivs_(pxStringByEscapingDoubleQuotes("printf '%s' \"a\\\\b\""), NO)),
+        "a\\b");
 }
 
 TEST(AppleScriptExecution, QuotesTextForTheShell) {
-    EXPECT_EQ(text(pxQuotedForm("a b")), "'a b'");
-    EXPECT_EQ(text(pxQuotedForm("it's")), "'it'\\''s'");
-    EXPECT_EQ(text(pxQuotedForm("")), "''");
+    EXPECT_EQ(stringText(pxQuotedForm("a b")), "'a b'");
+    EXPECT_EQ(stringText(pxQuotedForm("it's")), "'it'\\''s'");
+    EXPECT_EQ(stringText(pxQuotedForm("")), "''");
     EXPECT_TRUE(pxQuotedForm("a\"b") == nil);
 }
 
 TEST(AppleScriptExecution, EscapesBackslashesBeforeQuotes) {
-    EXPECT_EQ(text(pxStringByEscapingDoubleQuotes("a\\\"b")), "a\\\\\\\"b");
-    EXPECT_EQ(text(pxStringByEscapingSingleQuotes("a\\'b")), "a\\\\\\'b");
-    EXPECT_EQ(text(pxStringByEscapingDoubleQuotes("it's")), "it's");
-    EXPECT_EQ(text(pxStringByEscapingSingleQuotes("say \"a\"")), "say \"a\"");
-    EXPECT_EQ(text(pxStringByEscapingDoubleQuotes("")), "");
-    EXPECT_EQ(text(pxStringByEscapingSingleQuotes("")), "");
+    EXPECT_EQ(stringText(pxStringByEscapingDoubleQuotes("a\\\"b")), "a\\\\\\\"b");
+    EXPECT_EQ(stringText(pxStringByEscapingSingleQuotes("a\\'b")), "a\\\\\\'b");
+    EXPECT_EQ(stringText(pxStringByEscapingDoubleQuotes("it's")), "it's");
+    EXPECT_EQ(stringText(pxStringByEscapingSingleQuotes("say \"a\"")), "say \"a\"");
+    EXPECT_EQ(stringText(pxStringByEscapingDoubleQuotes("")), "");
+    EXPECT_EQ(stringText(pxStringByEscapingSingleQuotes("")), "");
 }
 
 TEST(AppleScriptExecution, AnyFileNameSurvivesTheWayThroughAScript) {
@@ -94,7 +96,7 @@ TEST(AppleScriptExecution, AnyFileNameSurvivesTheWayThroughAScript) {
     NSString const source =
         NSString::stringWithFormat_("POSIX path of ((POSIX file \"%@\") as alias)",
                                     pxStringByEscapingDoubleQuotes(NSString::stringWithUTF8String_(path)));
-    EXPECT_EQ(text(pxExecuteAsAppleScript(source)), path);
+    EXPECT_EQ(stringText(pxExecuteAsAppleScript(source)), path);
     NSString const raw = NSString::stringWithCodeUnits(unitsFromFileSystemBytes("/a\xE9\"\\b"));
     NSString const echoed = pxExecuteAsAppleScript(
         NSString::stringWithFormat_("POSIX path of (POSIX file \"%@\")", pxStringByEscapingDoubleQuotes(raw)));
@@ -112,18 +114,18 @@ TEST(AppleScriptExecution, CallsAHandlerWithAListOfParameters) {
     NSString error = "left over";
     EXPECT_EQ(as<NSNumber>(pxExecuteHandler_withParameters_error_(script, "aDD", list, &error)).intValue(), 7);
     EXPECT_TRUE(error == nil);
-    EXPECT_EQ(text(pxExecuteHandler_withParameters_error_(script, "none", nil, nullptr)), "called");
+    EXPECT_EQ(stringText(pxExecuteHandler_withParameters_error_(script, "none", nil, nullptr)), "called");
 }
 
 TEST(AppleScriptExecution, TellsWhyAHandlerFailed) {
     NSAppleScript const script = scriptOf(Handlers);
     NSString error;
     EXPECT_TRUE(pxExecuteHandler_withParameters_error_(script, "fail", nil, &error) == nil);
-    EXPECT_EQ(text(error), "no");
+    EXPECT_EQ(stringText(error), "no");
     EXPECT_TRUE(pxExecuteHandler_withParameters_error_(script, "Missing", nil, &error) == nil);
-    EXPECT_EQ(text(error), "«script» doesn’t understand the “missing” message.") << "the name is in lower case";
+    EXPECT_EQ(stringText(error), "«script» doesn’t understand the “missing” message.") << "the name is in lower case";
     EXPECT_TRUE(pxExecuteHandler_withParameters_error_(script, "Add", nil, &error) == nil);
-    EXPECT_EQ(text(error), "{} doesn’t match the parameters {a, b} for Add.");
+    EXPECT_EQ(stringText(error), "{} doesn’t match the parameters {a, b} for Add.");
     EXPECT_TRUE(pxExecuteHandler_withParameters_error_(script, nil, nil, &error) == nil);
     EXPECT_TRUE(error != nil);
 }
@@ -131,13 +133,14 @@ TEST(AppleScriptExecution, TellsWhyAHandlerFailed) {
 TEST(AppleScriptExecution, CallsAHandlerWithObjects) {
     NSAppleScript const script = scriptOf(Handlers);
     NSString error = "left over";
-    EXPECT_EQ(text(pxExecuteHandler_error_withParameters_(
+    EXPECT_EQ(stringText(pxExecuteHandler_error_withParameters_(
                   scriptOf("on f(a, b, c)\nreturn {a, b, c} as text\nend f"), "f", &error,
                   {NSNumber::numberWithDouble_(2.7), "x", NSAppleEventDescriptor::descriptorWithBoolean_(YES)})),
               "2xtrue");
     EXPECT_TRUE(error == nil);
-    EXPECT_EQ(text(pxExecuteHandler_error_withParameters_(script, "none", nullptr, {nil, "never read"})), "called");
-    EXPECT_EQ(text(pxExecuteHandler_error_withParameters_(script, "none", nullptr, {})), "called");
+    EXPECT_EQ(stringText(pxExecuteHandler_error_withParameters_(script, "none", nullptr, {nil, "never read"})),
+              "called");
+    EXPECT_EQ(stringText(pxExecuteHandler_error_withParameters_(script, "none", nullptr, {})), "called");
 }
 
 TEST(AppleScriptExecution, AParameterOfAnotherClassIsLoggedAndCallsNothing) {
@@ -148,7 +151,7 @@ TEST(AppleScriptExecution, AParameterOfAnotherClassIsLoggedAndCallsNothing) {
                                                        {"a", NSDate::date(), NSDate::date()}) == nil);
     EXPECT_EQ(lines, std::vector<std::string>{"-[NSAppleScript(PXUtils) pxExecuteHandler:error:withParameters:] ERROR: "
                                               "Unrecognized type for parameter 2"});
-    EXPECT_EQ(text(error), "as it was");
+    EXPECT_EQ(stringText(error), "as it was");
 }
 
 TEST(AppleScriptExecution, NilAnswersNilAndStoresNothing) {
@@ -162,7 +165,7 @@ TEST(AppleScriptExecution, NilAnswersNilAndStoresNothing) {
     EXPECT_TRUE(pxStringByEscapingSingleQuotes(nil) == nil);
     EXPECT_TRUE(pxExecuteHandler_withParameters_error_(nil, "f", nil, &error) == nil);
     EXPECT_TRUE(pxExecuteHandler_error_withParameters_(nil, "f", &error, {NSDate::date()}) == nil);
-    EXPECT_EQ(text(error), "as it was");
+    EXPECT_EQ(stringText(error), "as it was");
 }
 
 } // namespace

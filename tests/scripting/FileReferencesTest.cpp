@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>
@@ -14,9 +15,6 @@
 namespace mac::test {
 namespace {
 
-std::string pathBytes(NSString const& string) {
-    return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
-}
 bool isZero(FSRef const& reference) { return reference == FSRef{}; }
 
 // Nothing that a reference to an item could be.
@@ -43,14 +41,14 @@ protected:
 };
 
 TEST_F(KRCPaths, HaveTheTypeOfTheItemItself) {
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(at("folder"))), NSFileTypeDirectory);
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(at("folder/file"))), NSFileTypeRegular);
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(at("link"))), NSFileTypeSymbolicLink);
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(at("lost"))), NSFileTypeSymbolicLink);
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(at("none"))), "-");
-    EXPECT_EQ(pathBytes(KRCPathGetFileType("")), "-");
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(nil)), "-");
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(".")), NSFileTypeDirectory);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("folder"))), NSFileTypeDirectory);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("folder/file"))), NSFileTypeRegular);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("link"))), NSFileTypeSymbolicLink);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("lost"))), NSFileTypeSymbolicLink);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("none"))), "-");
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType("")), "-");
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(nil)), "-");
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(".")), NSFileTypeDirectory);
 }
 
 TEST_F(KRCPaths, AreLinksOrNot) {
@@ -149,7 +147,7 @@ TEST_F(KRCPaths, TellFoldersWithLinksFollowedOrNot) {
 
 TEST_F(KRCPaths, AreStoredAsTheyAreWritten) {
     for (std::string const& bytes : {std::string("/n\xC3\xA9"), std::string("/ne\xCC\x81"), std::string("/\xFF")})
-        EXPECT_EQ(pathBytes(KRCPathGetFileSystemPath(path(bytes))), bytes);
+        EXPECT_EQ(fileSystemBytes(KRCPathGetFileSystemPath(path(bytes))), bytes);
     EXPECT_TRUE(KRCPathGetFileSystemPath(NSString::stringWithCodeUnits(u"/\xD800")) == nil);
     EXPECT_TRUE(KRCPathGetFileSystemPath("") == nil);
     EXPECT_TRUE(KRCPathGetFileSystemPath(nil) == nil);
@@ -158,12 +156,12 @@ TEST_F(KRCPaths, AreStoredAsTheyAreWritten) {
 TEST_F(KRCPaths, BecomeReferencesAndCameBack) {
     FSRef reference = filledReference();
     EXPECT_TRUE(KRCPathGetFSRef_(at("folder/file"), &reference));
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder/file"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder/file"));
     FSRef followed = filledReference();
     EXPECT_TRUE(KRCPathGetFSRef_(at("link"), &followed));
     EXPECT_TRUE(followed == reference);
     ASSERT_EQ(::rename(m_folder.path("folder").c_str(), m_folder.path("moved").c_str()), 0);
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), m_folder.path("moved/file"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), m_folder.path("moved/file"));
     EXPECT_TRUE(KRCPathGetFSRef_(at("moved"), {}));
 }
 
@@ -186,9 +184,9 @@ TEST_F(KRCPaths, ThatLeadNowhereBecomeZero) {
 TEST_F(KRCPaths, BecomeReferencesWithAWordOnFolders) {
     FSRef reference = filledReference();
     EXPECT_TRUE(KRCPathGetFSRef_isDirectory_(at("folder"), &reference, YES));
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder"));
     EXPECT_TRUE(KRCPathGetFSRef_isDirectory_(at("folder/file"), &reference, NO));
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder/file"));
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), m_folder.path("folder/file"));
     bool isDirectory = false;
     EXPECT_TRUE(KRCPathGetFSRef_getIsDirectory_(at("folder"), &reference, &isDirectory));
     EXPECT_TRUE(isDirectory);
@@ -213,37 +211,30 @@ TEST_F(KRCPaths, MayBeLongAndOfAnyBytes) {
     folder.makeFile("file", "");
     FSRef reference{};
     EXPECT_TRUE(KRCPathExists(path(folder.path() + "/file")));
-    EXPECT_EQ(pathBytes(KRCPathGetFileType(path(folder.path() + "/file"))), NSFileTypeRegular);
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(path(folder.path() + "/file"))), NSFileTypeRegular);
     ASSERT_TRUE(KRCPathGetFSRef_(path(folder.path() + "/file"), &reference));
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), folder.path() + "/file");
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), folder.path() + "/file");
     std::string const odd = m_folder.makeFile("n\xE9:\xFF", "");
     ASSERT_TRUE(KRCPathGetFSRef_(path(odd), &reference));
-    EXPECT_EQ(pathBytes(KRCPathWithFSRef_(&reference)), odd);
-}
-
-std::vector<std::string> names(NSArray const& array) {
-    std::vector<std::string> result;
-    for (id const& name : array)
-        result.push_back(pathBytes(as<NSString>(name)));
-    return result;
+    EXPECT_EQ(fileSystemBytes(KRCPathWithFSRef_(&reference)), odd);
 }
 
 TEST(KRCPathDisplayNames, AreThoseOfAllFoldersAboveAndOfTheItem) {
     using Names = std::vector<std::string>;
-    EXPECT_EQ(names(KRCPathDisplayNames("/Users/a/b")), (Names{"/", "Users", "a", "b"}));
-    EXPECT_EQ(names(KRCPathDisplayNames("/")), Names{"/"});
-    EXPECT_EQ(names(KRCPathDisplayNames("a/b")), (Names{"a", "b"}));
-    EXPECT_EQ(names(KRCPathDisplayNames("")), Names{});
+    EXPECT_EQ(fileSystemBytesOfEach(KRCPathDisplayNames("/Users/a/b")), (Names{"/", "Users", "a", "b"}));
+    EXPECT_EQ(fileSystemBytesOfEach(KRCPathDisplayNames("/")), Names{"/"});
+    EXPECT_EQ(fileSystemBytesOfEach(KRCPathDisplayNames("a/b")), (Names{"a", "b"}));
+    EXPECT_EQ(fileSystemBytesOfEach(KRCPathDisplayNames("")), Names{});
     KRCPathDisplayNames("/").addObject_("more");
     EXPECT_TRUE(KRCPathDisplayNames(nil) == nil);
 }
 
 TEST(KRCPathSubPathRelativeToBasePath, LeavesOutAsManyComponentsAsTheBaseHas) {
-    EXPECT_EQ(pathBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "/a")), "b/c");
-    EXPECT_EQ(pathBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "/x")), "b/c");
-    EXPECT_EQ(pathBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "")), "/a/b/c");
-    EXPECT_EQ(pathBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", nil)), "/a/b/c");
-    EXPECT_EQ(pathBytes(KRCPathSubPathRelativeToBasePath_("/a", "/b")), "");
+    EXPECT_EQ(fileSystemBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "/a")), "b/c");
+    EXPECT_EQ(fileSystemBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "/x")), "b/c");
+    EXPECT_EQ(fileSystemBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", "")), "/a/b/c");
+    EXPECT_EQ(fileSystemBytes(KRCPathSubPathRelativeToBasePath_("/a/b/c", nil)), "/a/b/c");
+    EXPECT_EQ(fileSystemBytes(KRCPathSubPathRelativeToBasePath_("/a", "/b")), "");
     EXPECT_THROW(KRCPathSubPathRelativeToBasePath_("/a", "/b/c"), NSRangeException);
     EXPECT_TRUE(KRCPathSubPathRelativeToBasePath_(nil, "/b/c") == nil);
 }
@@ -252,7 +243,7 @@ TEST_F(KRCPaths, OfURLsBecomeReferences) {
     FSRef reference = filledReference();
     EXPECT_TRUE(KRCURLGetFSRef_(NSURL::fileURLWithPath_(at("folder")), &reference));
     NSURL const url = KRCURLWithFSRef_(&reference);
-    EXPECT_EQ(pathBytes(url.path()), m_folder.path("folder"));
+    EXPECT_EQ(fileSystemBytes(url.path()), m_folder.path("folder"));
     EXPECT_TRUE(CFURLHasDirectoryPath(url));
     EXPECT_TRUE(KRCURLGetFSRef_(NSURL::fileURLWithPath_(at("folder")), {}));
     EXPECT_FALSE(KRCURLGetFSRef_(NSURL::fileURLWithPath_(at("none")), {}));
@@ -272,14 +263,14 @@ TEST_F(KRCPaths, OfReferencesBecomeRelativeURLs) {
     ASSERT_TRUE(KRCPathGetFSRef_(at("folder/file"), &reference));
     NSURL const base = NSURL::fileURLWithPath_(path(m_folder.path()));
     NSURL const url = KRCURLRelativeURLWithFSRef_(base, &reference);
-    EXPECT_EQ(pathBytes(url.relativeString()), "folder/file");
+    EXPECT_EQ(fileSystemBytes(url.relativeString()), "folder/file");
     EXPECT_TRUE(url.baseURL().isEqual_(base));
-    EXPECT_EQ(pathBytes(url.path()), m_folder.path("folder/file"));
+    EXPECT_EQ(fileSystemBytes(url.path()), m_folder.path("folder/file"));
     ASSERT_TRUE(KRCPathGetFSRef_(at("folder"), &reference));
-    EXPECT_EQ(pathBytes(KRCURLRelativeURLWithFSRef_(base, &reference).relativeString()), "folder/");
+    EXPECT_EQ(fileSystemBytes(KRCURLRelativeURLWithFSRef_(base, &reference).relativeString()), "folder/");
     // Only the number of the base's components counts.
     NSURL const other = NSURL::fileURLWithPath_isDirectory_("/x", YES);
-    std::string const tail = pathBytes(KRCURLRelativeURLWithFSRef_(other, &reference).relativeString());
+    std::string const tail = fileSystemBytes(KRCURLRelativeURLWithFSRef_(other, &reference).relativeString());
     EXPECT_TRUE((m_folder.path("folder") + "/").ends_with("/" + tail)) << tail;
 }
 

@@ -1,13 +1,10 @@
 #include "scripting/FileReferences.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 namespace {
-
-std::string nameBytes(NSString const& string) {
-    return string == nil ? "-" : string.fileSystemRepresentation().value_or("");
-}
 
 HFSUniStr255 filledName() {
     HFSUniStr255 name{};
@@ -21,9 +18,9 @@ NSString repeated(char16_t unit, std::size_t count) {
 }
 
 TEST(KRCStringBySwappingColonsAndSlashes, ExchangesThem) {
-    EXPECT_EQ(nameBytes(KRCStringBySwappingColonsAndSlashes("a/b:c")), "a:b/c");
+    EXPECT_EQ(fileSystemBytes(KRCStringBySwappingColonsAndSlashes("a/b:c")), "a:b/c");
     EXPECT_TRUE(KRCStringBySwappingColonsAndSlashes("").isEqualToString_(""));
-    EXPECT_EQ(nameBytes(KRCStringBySwappingColonsAndSlashes("n\xC3\xA9")), "n\xC3\xA9");
+    EXPECT_EQ(fileSystemBytes(KRCStringBySwappingColonsAndSlashes("n\xC3\xA9")), "n\xC3\xA9");
     EXPECT_TRUE(KRCStringBySwappingColonsAndSlashes(repeated(u':', 300)).isEqualToString_(repeated(u'/', 300)));
     NSString const lone = NSString::stringWithCodeUnits(u":\xD800/");
     EXPECT_TRUE(KRCStringBySwappingColonsAndSlashes(KRCStringBySwappingColonsAndSlashes(lone)).isEqualToString_(lone));
@@ -33,8 +30,8 @@ TEST(KRCStringBySwappingColonsAndSlashes, ExchangesThem) {
 TEST(KRCStringBySwappingColonsAndSlashes, LeavesTheReceiverAlone) {
     NSMutableString const receiver = NSMutableString::stringWithString_("a:b");
     NSString const swapped = KRCStringBySwappingColonsAndSlashes(receiver);
-    EXPECT_EQ(nameBytes(receiver), "a:b");
-    EXPECT_EQ(nameBytes(swapped), "a/b");
+    EXPECT_EQ(fileSystemBytes(receiver), "a:b");
+    EXPECT_EQ(fileSystemBytes(swapped), "a/b");
 }
 
 TEST(KRCHFSUniStr255SwapColonsAndSlashes, ExchangesThemInPlaceUpToTheLength) {
@@ -42,7 +39,7 @@ TEST(KRCHFSUniStr255SwapColonsAndSlashes, ExchangesThemInPlaceUpToTheLength) {
     KRCStringGetHFSUniStr255_("a/b:c", &name);
     name.unicode[5] = u':';
     KRCHFSUniStr255SwapColonsAndSlashes_(&name);
-    EXPECT_EQ(nameBytes(KRCStringWithHFSUniStr255_(&name)), "a:b/c");
+    EXPECT_EQ(fileSystemBytes(KRCStringWithHFSUniStr255_(&name)), "a:b/c");
     EXPECT_EQ(name.unicode[5], u':');
     name.length = 0xFFFF;
     KRCHFSUniStr255SwapColonsAndSlashes_(&name);
@@ -88,7 +85,7 @@ TEST(KRCStringGetHFSUniStr255, EmptiesTheNameForNil) {
 TEST(KRCPathNameGetHFSUniStr255, GivesTheNameAsHFSHoldsIt) {
     HFSUniStr255 name = filledName();
     KRCPathNameGetHFSUniStr255_("12:30 notes", &name);
-    EXPECT_EQ(nameBytes(KRCStringWithHFSUniStr255_(&name)), "12/30 notes");
+    EXPECT_EQ(fileSystemBytes(KRCStringWithHFSUniStr255_(&name)), "12/30 notes");
     KRCPathNameGetHFSUniStr255_(repeated(u':', 256), &name);
     EXPECT_EQ(name.length, 0);
     KRCPathNameGetHFSUniStr255_("a", {});
@@ -101,7 +98,7 @@ TEST(KRCStringWithHFSUniStr255, MakesAStringOfItsOwn) {
     KRCStringGetHFSUniStr255_("name", &name);
     NSString const string = KRCStringWithHFSUniStr255_(&name);
     name.unicode[0] = u'g';
-    EXPECT_EQ(nameBytes(string), "name");
+    EXPECT_EQ(fileSystemBytes(string), "name");
     name.length = 0;
     EXPECT_TRUE(KRCStringWithHFSUniStr255_(&name).isEqualToString_(""));
     EXPECT_TRUE(KRCStringWithHFSUniStr255_({}) == nil);
@@ -117,11 +114,11 @@ TEST(KRCStringWithHFSUniStr255NoCopy, ReadsTheNameWhereItLies) {
     std::uint64_t const hash = string.hash();
     EXPECT_EQ(hash, copied.hash());
     name.unicode[0] = u'g';
-    EXPECT_EQ(nameBytes(string), "game");
+    EXPECT_EQ(fileSystemBytes(string), "game");
     EXPECT_TRUE(string.isEqual_("game"));
     EXPECT_EQ(string.hash(), NSString("game").hash());
-    EXPECT_EQ(nameBytes(as<NSString>(string.mutableCopy())), "game");
-    EXPECT_EQ(nameBytes(copied), "name");
+    EXPECT_EQ(fileSystemBytes(as<NSString>(string.mutableCopy())), "game");
+    EXPECT_EQ(fileSystemBytes(copied), "name");
     name.length = 0;
     EXPECT_TRUE(KRCStringWithHFSUniStr255NoCopy_(&name).isEqualToString_(""));
     EXPECT_TRUE(KRCStringWithHFSUniStr255NoCopy_({}) == nil);

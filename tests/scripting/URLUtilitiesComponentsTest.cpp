@@ -2,13 +2,12 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
 #include "scripting/URLUtilities.h"
+#include "tests/support/ObjectTexts.h"
+#include "tests/support/URLs.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 namespace {
-
-NSURL url(std::string_view address) { return NSURL::URLWithString_(NSString::stringWithUTF8String_(address)); }
-std::string textOrDash(NSString const& string) { return string == nil ? "-" : string.UTF8String(); }
 
 using LoggedLines = std::vector<std::string>;
 
@@ -40,30 +39,30 @@ TEST(PxComponent, IsThePartOfThatNumber) {
                                   "fragment",
                                   "-"};
     for (std::size_t number = 0; number < expected.size(); ++number)
-        EXPECT_EQ(textOrDash(pxComponent_(url(whole), static_cast<std::int32_t>(number))), expected[number]) << number;
+        EXPECT_EQ(text(pxComponent_(url(whole), static_cast<std::int32_t>(number))), expected[number]) << number;
 }
 
 TEST(PxComponent, IsNilWhereTheURLHasNone) {
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://host/a"), 5)), "-");
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://host/a"), 11)), "-");
-    EXPECT_EQ(textOrDash(pxComponent_(url("mailto:ann@host"), 3)), "-");
-    EXPECT_EQ(textOrDash(pxComponent_(url("mailto:ann@host"), 4)), "ann@host");
+    EXPECT_EQ(text(pxComponent_(url("http://host/a"), 5)), "-");
+    EXPECT_EQ(text(pxComponent_(url("http://host/a"), 11)), "-");
+    EXPECT_EQ(text(pxComponent_(url("mailto:ann@host"), 3)), "-");
+    EXPECT_EQ(text(pxComponent_(url("mailto:ann@host"), 4)), "ann@host");
     for (std::int32_t const number : {-1, 0, 13, INT32_MIN, INT32_MAX})
-        EXPECT_EQ(textOrDash(pxComponent_(url(whole), number)), "-") << number;
+        EXPECT_EQ(text(pxComponent_(url(whole), number)), "-") << number;
 }
 
 TEST(PxComponent, IsEmptyWhereItIsThereAndEmpty) {
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://host"), 3)), "");
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://host?q"), 3)), "");
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://host/?"), 11)), "");
-    EXPECT_EQ(textOrDash(pxComponent_(url("http://:@host/"), 5)), "");
+    EXPECT_EQ(text(pxComponent_(url("http://host"), 3)), "");
+    EXPECT_EQ(text(pxComponent_(url("http://host?q"), 3)), "");
+    EXPECT_EQ(text(pxComponent_(url("http://host/?"), 11)), "");
+    EXPECT_EQ(text(pxComponent_(url("http://:@host/"), 5)), "");
 }
 
 TEST(PxComponent, IsOfTheTextAsItWasWritten) {
     NSURL const relative = NSURL::URLWithString_relativeToURL_("b?q", url("http://host/a/"));
-    EXPECT_EQ(textOrDash(pxComponent_(relative, 1)), "-");
-    EXPECT_EQ(textOrDash(pxComponent_(relative, 3)), "b");
-    EXPECT_EQ(textOrDash(pxComponent_(relative, 11)), "q");
+    EXPECT_EQ(text(pxComponent_(relative, 1)), "-");
+    EXPECT_EQ(text(pxComponent_(relative, 3)), "b");
+    EXPECT_EQ(text(pxComponent_(relative, 11)), "q");
 }
 
 TEST(PxComponent, LogsNothing) {
@@ -75,9 +74,9 @@ TEST(PxComponent, LogsNothing) {
 
 TEST(PxDisplayComponent, LogsThePartWithItsSeparators) {
     Log const log;
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host/a?q"), 11)), "q");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host/a%20b?q"), 3)), "/a%20b");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url(whole), 5)), "user");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host/a?q"), 11)), "q");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host/a%20b?q"), 3)), "/a%20b");
+    EXPECT_EQ(text(pxDisplayComponent_(url(whole), 5)), "user");
     EXPECT_EQ(log.lines(), (LoggedLines{R"(Query: "q" including separators: "?q")",
                                         R"(Path: "/a%20b" including separators: "/a%20b?")",
                                         R"(User: "user" including separators: "://user:")"}));
@@ -85,10 +84,10 @@ TEST(PxDisplayComponent, LogsThePartWithItsSeparators) {
 
 TEST(PxDisplayComponent, LogsThatThereIsNone) {
     Log const log;
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host"), 3)), "-");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host?"), 11)), "-");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host"), 5)), "-");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(url("http://host"), 0)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host"), 3)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host?"), 11)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host"), 5)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(url("http://host"), 0)), "-");
     EXPECT_EQ(log.lines(), (LoggedLines{"Path: Not found", "Query: Not found", "User: Not found", ": Not found"}));
 }
 
@@ -163,9 +162,9 @@ TEST(PxDisplayComponents, LogsWhatIsMissingAsNull) {
 TEST(PxURLComponents, OfNilAreNone) {
     Log const log;
     NSURL const none;
-    EXPECT_EQ(textOrDash(pxComponent_(none, 3)), "-");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(none, 3)), "-");
-    EXPECT_EQ(textOrDash(pxDisplayComponent_(none, 99)), "-");
+    EXPECT_EQ(text(pxComponent_(none, 3)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(none, 3)), "-");
+    EXPECT_EQ(text(pxDisplayComponent_(none, 99)), "-");
     pxDisplayComponents(none);
     EXPECT_TRUE(log.lines().empty());
 }
@@ -173,11 +172,11 @@ TEST(PxURLComponents, OfNilAreNone) {
 TEST(PxURLComponents, AreMessages) {
     Log const log;
     id const object = url("http://host/a");
-    EXPECT_EQ(textOrDash(as<NSString>(object.performSelector_withObject_("pxComponent:", NSNumber::numberWithInt_(8)))),
+    EXPECT_EQ(text(as<NSString>(object.performSelector_withObject_("pxComponent:", NSNumber::numberWithInt_(8)))),
               "host");
-    EXPECT_EQ(textOrDash(
-                  as<NSString>(object.performSelector_withObject_("pxDisplayComponent:", NSNumber::numberWithInt_(1)))),
-              "http");
+    EXPECT_EQ(
+        text(as<NSString>(object.performSelector_withObject_("pxDisplayComponent:", NSNumber::numberWithInt_(1)))),
+        "http");
     object.performSelector_("pxDisplayComponents");
     EXPECT_EQ(log.lines().size(), 19U);
 }

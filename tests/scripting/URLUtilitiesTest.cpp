@@ -3,15 +3,12 @@
 #include "platform/files/VolumeInformation.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/URLs.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace mac::test {
 namespace {
-
-NSURL urlOf(std::string_view bytes) {
-    return NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(bytes));
-}
 
 TEST(URLUtilities, AVolumesURLIsItsRoots) {
     FSRef root{};
@@ -38,7 +35,7 @@ TEST(URLUtilities, AVolumesPathIsFoundByItsURL) {
 
 TEST(URLUtilities, AURLOfNoVolumeHasNoVolumesPath) {
     TemporaryFolder const folder;
-    for (NSURL const& none : {urlOf(folder.path()), urlOf(folder.makeFile("file", "")), urlOf("/no such volume/"),
+    for (NSURL const& none : {fileURL(folder.path()), fileURL(folder.makeFile("file", "")), fileURL("/no such volume/"),
                               NSURL::URLWithString_("http://localhost/"), NSURL::URLWithString_("file:///"),
                               NSURL::URLWithString_("FILE://localhost/"), NSURL(nil)})
         EXPECT_TRUE(KRVolumeURLGetPath(none) == nil);
@@ -49,11 +46,11 @@ TEST(URLUtilities, IconsAndTimesAreThoseOfThePath) {
     for (std::string const& path : {folder.makeFile("file", ""), folder.path(), folder.path("missing"),
                                     std::string("/"), std::string("/proc/self/stat")}) {
         NSString const string = NSString::stringWithFileSystemRepresentation_(path);
-        EXPECT_EQ(KRURLSupportsCustomIcons(urlOf(path)), KRPathSupportsCustomIcons(string)) << path;
-        EXPECT_EQ(KRURLHasInexactTime(urlOf(path)), KRPathHasInexactTime(string)) << path;
+        EXPECT_EQ(KRURLSupportsCustomIcons(fileURL(path)), KRPathSupportsCustomIcons(string)) << path;
+        EXPECT_EQ(KRURLHasInexactTime(fileURL(path)), KRPathHasInexactTime(string)) << path;
     }
-    EXPECT_FALSE(KRURLSupportsCustomIcons(urlOf(folder.path("missing"))));
-    EXPECT_TRUE(KRURLHasInexactTime(urlOf(folder.path("missing"))));
+    EXPECT_FALSE(KRURLSupportsCustomIcons(fileURL(folder.path("missing"))));
+    EXPECT_TRUE(KRURLHasInexactTime(fileURL(folder.path("missing"))));
 }
 
 // Whatever the path says.
@@ -81,14 +78,14 @@ TEST(URLUtilities, FlagsAndNameOfAnItem) {
     ASSERT_EQ(::symlink("A.app", folder.path("link").c_str()), 0);
     std::uint32_t flags = 0;
     NSString name;
-    EXPECT_TRUE(pxLSFlags_displayName_(urlOf(folder.path("A.app")), &flags, &name));
+    EXPECT_TRUE(pxLSFlags_displayName_(fileURL(folder.path("A.app")), &flags, &name));
     EXPECT_EQ(flags, kLSItemInfoIsContainer | kLSItemInfoIsPackage | kLSItemInfoIsApplication);
     EXPECT_TRUE(name.isEqualToString_("A.app"));
-    EXPECT_TRUE(pxLSFlags_displayName_(urlOf(folder.path("link")), &flags, nullptr));
+    EXPECT_TRUE(pxLSFlags_displayName_(fileURL(folder.path("link")), &flags, nullptr));
     EXPECT_EQ(flags, kLSItemInfoIsSymlink | kLSItemInfoIsAliasFile);
     flags = 7;
     name = "untouched";
-    for (NSURL const& none : {urlOf(folder.path("none")), NSURL::URLWithString_("http://host/a"), NSURL(nil)})
+    for (NSURL const& none : {fileURL(folder.path("none")), NSURL::URLWithString_("http://host/a"), NSURL(nil)})
         EXPECT_FALSE(pxLSFlags_displayName_(none, &flags, &name));
     EXPECT_EQ(flags, 7U);
     EXPECT_TRUE(name.isEqualToString_("untouched"));
@@ -96,13 +93,14 @@ TEST(URLUtilities, FlagsAndNameOfAnItem) {
 
 TEST(URLUtilities, ImagesAndSoundAreToldByTheirTypes) {
     TemporaryFolder const folder;
-    EXPECT_TRUE(pxIsImageFile(urlOf(folder.makeFile("a.png", ""))));
-    EXPECT_FALSE(pxIsAudioFile(urlOf(folder.path("a.png"))));
-    EXPECT_TRUE(pxIsAudioFile(urlOf(folder.makeFile("a.ogg", ""))));
-    EXPECT_FALSE(pxIsImageFile(urlOf(folder.path("a.ogg"))));
+    EXPECT_TRUE(pxIsImageFile(fileURL(folder.makeFile("a.png", ""))));
+    EXPECT_FALSE(pxIsAudioFile(fileURL(folder.path("a.png"))));
+    EXPECT_TRUE(pxIsAudioFile(fileURL(folder.makeFile("a.ogg", ""))));
+    EXPECT_FALSE(pxIsImageFile(fileURL(folder.path("a.ogg"))));
     // An image, of a type that nothing here reads.
-    EXPECT_FALSE(pxIsImageFile(urlOf(folder.makeFile("a.djvu", ""))));
-    for (NSURL const& none : {urlOf(folder.path("none.png")), NSURL::URLWithString_("http://host/a.png"), NSURL(nil)}) {
+    EXPECT_FALSE(pxIsImageFile(fileURL(folder.makeFile("a.djvu", ""))));
+    for (NSURL const& none :
+         {fileURL(folder.path("none.png")), NSURL::URLWithString_("http://host/a.png"), NSURL(nil)}) {
         EXPECT_FALSE(pxIsImageFile(none));
         EXPECT_FALSE(pxIsAudioFile(none));
     }

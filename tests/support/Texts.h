@@ -3,7 +3,7 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSString.h"
 
-// What tests write down as literals.
+// Short spellings for the strings and data that tests make, and for the bytes that they compare.
 
 namespace mac::test {
 
@@ -13,5 +13,10 @@ inline NSString path(std::string_view bytes) { return NSString::stringWithFileSy
 inline NSString units(std::u16string_view text) { return NSString::stringWithCodeUnits(text); }
 
 inline NSData bytes(std::string_view text) { return NSData::dataWithBytes(std::as_bytes(std::span(text))); }
+
+// The bytes of the data as a string.
+inline std::string bytesOf(NSData const& data) {
+    return {reinterpret_cast<char const*>(data.bytes()), data.span().size()};
+}
 
 } // namespace mac::test

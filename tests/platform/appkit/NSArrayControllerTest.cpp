@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSortDescriptor.h"
 #include "tests/platform/appkit/FakeController.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -18,9 +19,7 @@ NSArrayController makeController(std::initializer_list<char const*> paths) {
     return controller;
 }
 
-std::string pathsOf(NSArray const& records) {
-    return as<NSArray>(records.valueForKey_("path")).componentsJoinedByString_(" ").UTF8String();
-}
+std::string pathsOf(NSArray const& records) { return joined(as<NSArray>(records.valueForKey_("path"))); }
 
 NSArray recordsNamed(NSArrayController const& controller, std::initializer_list<char const*> paths) {
     NSMutableArray const result = NSMutableArray::array();
@@ -40,7 +39,7 @@ TEST(NSArrayController, SortsItsContent) {
 TEST(NSArrayController, KeepsTheOrderOfAnArrayWithoutSortDescriptors) {
     NSArrayController const controller = NSArrayController::alloc().init();
     controller.setContent_(NSArray::arrayWithObjects_({"b", "a", "b"}));
-    EXPECT_EQ(controller.arrangedObjects().componentsJoinedByString_(" ").UTF8String(), "b a b");
+    EXPECT_EQ(joined(controller.arrangedObjects()), "b a b");
 }
 
 TEST(NSArrayController, KeepsAnObjectThatStandsTwiceInItsContentTwiceWhenSorted) {

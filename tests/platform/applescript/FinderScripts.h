@@ -2,23 +2,15 @@
 
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/foundation/Encodings.h"
-#include <fstream>
+#include "tests/support/DiskContents.h"
 #include <string>
-#include <sys/stat.h>
 
 // Scripts that tell the Finder something about a path, and what comes of them.
 
 namespace mac::applescript::test {
 
-inline bool isThere(std::string const& path) {
-    struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
-}
-
-inline std::string textOf(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+using mac::test::isThere;
+using mac::test::textOf;
 
 // As a script's text holds it.
 inline std::string escaped(std::string const& path) {

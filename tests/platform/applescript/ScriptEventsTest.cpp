@@ -1,5 +1,6 @@
 #include "platform/applescript/NSAppleScript.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/platform/events/Descriptors.h"
 #include "tests/support/TemporaryFolder.h"
 #include <csignal>
 #include <fstream>
@@ -34,19 +35,9 @@ NSAppleEventDescriptor eventOf(AEEventClass eventClass, AEEventID eventID) {
         eventClass, eventID, nil, -1, 0);
 }
 
-NSAppleEventDescriptor number(std::int32_t value) { return NSAppleEventDescriptor::descriptorWithInt32_(value); }
-NSAppleEventDescriptor text(NSString const& value) { return NSAppleEventDescriptor::descriptorWithString_(value); }
-
-NSAppleEventDescriptor listOf(std::initializer_list<NSAppleEventDescriptor> items) {
-    NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
-    for (NSAppleEventDescriptor const& item : items)
-        list.insertDescriptor_atIndex_(item, 0);
-    return list;
-}
-
 NSAppleEventDescriptor callOf(NSString const& name, NSAppleEventDescriptor const& parameters = nil) {
     NSAppleEventDescriptor const event = eventOf(kASAppleScriptSuite, kASSubroutineEvent);
-    event.setParamDescriptor_forKeyword_(text(name), keyASSubroutineName);
+    event.setParamDescriptor_forKeyword_(stringDescriptor(name), keyASSubroutineName);
     event.setParamDescriptor_forKeyword_(parameters, keyDirectObject);
     return event;
 }
@@ -102,7 +93,7 @@ TEST(NSAppleScript, PropertiesKeepTheirValuesFromRunToRun) {
 
 TEST(NSAppleScript, CallsAHandlerByItsNameInAnyCase) {
     NSString const source = "on addUp(a, b)\nreturn a + b\nend addUp\non nothing()\nend nothing";
-    NSAppleEventDescriptor const two = listOf({number(1), number(2)});
+    NSAppleEventDescriptor const two = listDescriptor({numberDescriptor(1), numberDescriptor(2)});
     EXPECT_EQ(printedCall(source, callOf("addup", two)), "3");
     EXPECT_EQ(printedCall(source, callOf("ADDUP", two)), "3");
     EXPECT_EQ(printedCall(source, callOf("nothing", NSAppleEventDescriptor::listDescriptor())), "'null'()");
@@ -116,9 +107,9 @@ TEST(NSAppleScript, AHandlerSeesThePropertiesAndEarlierRuns) {
 }
 
 TEST(NSAppleScript, RefusesParametersThatDoNotFit) {
-    EXPECT_EQ(printedCall("on f(a, b)\nend f", callOf("f", listOf({number(1)}))),
+    EXPECT_EQ(printedCall("on f(a, b)\nend f", callOf("f", listDescriptor({numberDescriptor(1)}))),
               "{1} doesn’t match the parameters {a, b} for f. (-1721)");
-    EXPECT_EQ(printedCall("on f(a)\na\nend f", callOf("f", number(4))), "4");
+    EXPECT_EQ(printedCall("on f(a)\na\nend f", callOf("f", numberDescriptor(4))), "4");
 }
 
 TEST(NSAppleScript, RefusesAHandlerThatThereIsNone) {
@@ -127,21 +118,22 @@ TEST(NSAppleScript, RefusesAHandlerThatThereIsNone) {
 
 TEST(NSAppleScript, CallsAHandlerWithLabels) {
     NSString const source = "on find of x at y above z given scale:s\nreturn {x, y, z, s}\nend find";
-    NSAppleEventDescriptor const event = callOf("find", number(1));
-    event.setParamDescriptor_forKeyword_(number(2), AEKeyword("at  "));
-    event.setParamDescriptor_forKeyword_(number(3), AEKeyword("abve"));
-    event.setParamDescriptor_forKeyword_(listOf({text("Scale"), number(4)}), keyASUserRecordFields);
+    NSAppleEventDescriptor const event = callOf("find", numberDescriptor(1));
+    event.setParamDescriptor_forKeyword_(numberDescriptor(2), AEKeyword("at  "));
+    event.setParamDescriptor_forKeyword_(numberDescriptor(3), AEKeyword("abve"));
+    event.setParamDescriptor_forKeyword_(listDescriptor({stringDescriptor("Scale"), numberDescriptor(4)}),
+                                         keyASUserRecordFields);
     EXPECT_EQ(printedCall(source, event), "[ 1, 2, 3, 4 ]");
     event.removeParamDescriptorWithKeyword_(AEKeyword("abve"));
     EXPECT_EQ(printedCall(source, event), "The above parameter is missing for find. (-1701)");
-    event.setParamDescriptor_forKeyword_(listOf({number(4)}), keyASUserRecordFields);
+    event.setParamDescriptor_forKeyword_(listDescriptor({numberDescriptor(4)}), keyASUserRecordFields);
     EXPECT_EQ(printedCall(source, event), "An error of type -1702 has occurred. (-1702)");
 }
 
 TEST(NSAppleScript, AnOpenApplicationEventRunsTheScript) {
     NSAppleEventDescriptor const event = eventOf(kCoreEventClass, kAEOpenApplication);
     EXPECT_EQ(printedCall("on run argv\nreturn argv\nend run", event), "[  ]");
-    event.setParamDescriptor_forKeyword_(listOf({text("a"), number(2)}), keyDirectObject);
+    event.setParamDescriptor_forKeyword_(listDescriptor({stringDescriptor("a"), numberDescriptor(2)}), keyDirectObject);
     EXPECT_EQ(printedCall("on run argv\nreturn argv\nend run", event), "[ 'utxt'(\"a\"), 2 ]");
     EXPECT_EQ(printedCall("3 ^ 2", event), "'doub'(\"9\")");
 }
@@ -151,15 +143,15 @@ TEST(NSAppleScript, OtherEventsGoToTheHandlerOfTheirCommand) {
     EXPECT_EQ(printedCall("on quit\nreturn \"bye\"\nend quit", quit), "'utxt'(\"bye\")");
     EXPECT_EQ(printedCall("1", quit), "«script» doesn’t understand the “quit” message. (-1708)");
     NSAppleEventDescriptor const open = eventOf(kCoreEventClass, AEEventID("odoc"));
-    open.setParamDescriptor_forKeyword_(listOf({number(1), number(2)}), keyDirectObject);
+    open.setParamDescriptor_forKeyword_(listDescriptor({numberDescriptor(1), numberDescriptor(2)}), keyDirectObject);
     EXPECT_EQ(printedCall("on open these\nreturn count these\nend open", open), "2");
     EXPECT_EQ(printedCall("1", eventOf(AEEventClass("abcd"), AEEventID("efgh"))),
               "«script» doesn’t understand the “«event abcdefgh»” message. (-1708)");
 }
 
 TEST(NSAppleScript, WhatIsNoEventIsNotUnderstood) {
-    for (NSAppleEventDescriptor const& wrong :
-         {NSAppleEventDescriptor(), number(1), listOf({}), eventOf(kASAppleScriptSuite, kASSubroutineEvent)}) {
+    for (NSAppleEventDescriptor const& wrong : {NSAppleEventDescriptor(), numberDescriptor(1), listDescriptor({}),
+                                                eventOf(kASAppleScriptSuite, kASSubroutineEvent)}) {
         NSDictionary error;
         EXPECT_TRUE(scriptOf("1").executeAppleEvent_error_(wrong, &error) == nil);
         EXPECT_EQ(numberIn(error), -1708);

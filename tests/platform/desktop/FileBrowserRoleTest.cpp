@@ -21,7 +21,7 @@ protected:
     static std::vector<ProcessSerialNumber> finders() {
         std::vector<ProcessSerialNumber> found;
         for (ProcessSerialNumber const& psn : everyProcess()) {
-            if (text(informationOf(psn), kCFBundleIdentifierKey) == "com.apple.finder") found.push_back(psn);
+            if (textAt(informationOf(psn), kCFBundleIdentifierKey) == "com.apple.finder") found.push_back(psn);
         }
         return found;
     }
@@ -43,7 +43,7 @@ TEST_F(FindersRole, IsTheFileBrowsersAlone) {
     ChildProcess const browser({program});
     waitUntilCatRuns(browser);
     EXPECT_EQ(finders(), std::vector{numberOf(browser)});
-    EXPECT_EQ(text(informationOf(numberOf(browser)), kCFBundleNameKey), "Files");
+    EXPECT_EQ(textAt(informationOf(numberOf(browser)), kCFBundleNameKey), "Files");
 }
 
 TEST_F(FindersRole, IsThatOfTheFirstStartedFirst) {

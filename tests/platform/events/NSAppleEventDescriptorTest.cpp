@@ -1,5 +1,6 @@
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Log.h"
+#include "tests/platform/events/Descriptors.h"
 #include <array>
 #include <gtest/gtest.h>
 #include <vector>
@@ -10,18 +11,6 @@ namespace {
 
 constexpr AEKeyword Name{"pnam"};
 constexpr AEKeyword Size{"ptsz"};
-
-NSAppleEventDescriptor number(std::int32_t value) { return NSAppleEventDescriptor::descriptorWithInt32_(value); }
-NSAppleEventDescriptor stringDescriptor(NSString const& value) {
-    return NSAppleEventDescriptor::descriptorWithString_(value);
-}
-
-NSAppleEventDescriptor listOf(std::initializer_list<NSAppleEventDescriptor> items) {
-    NSAppleEventDescriptor const list = NSAppleEventDescriptor::listDescriptor();
-    for (NSAppleEventDescriptor const& item : items)
-        list.insertDescriptor_atIndex_(item, 0);
-    return list;
-}
 
 NSAppleEventDescriptor quitEvent(NSAppleEventDescriptor const& target, AEReturnID returnID = kAutoGenerateReturnID) {
     return NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
@@ -75,8 +64,8 @@ TEST(NSAppleEventDescriptor, HoldsCodesNumbersAndTexts) {
     NSAppleEventDescriptor const type = NSAppleEventDescriptor::descriptorWithTypeCode_(OSType("cfol"));
     EXPECT_EQ(type.descriptorType(), typeType);
     EXPECT_EQ(type.typeCodeValue(), OSType("cfol"));
-    EXPECT_EQ(number(-5).descriptorType(), typeSInt32);
-    EXPECT_EQ(number(-5).int32Value(), -5);
+    EXPECT_EQ(numberDescriptor(-5).descriptorType(), typeSInt32);
+    EXPECT_EQ(numberDescriptor(-5).int32Value(), -5);
     EXPECT_EQ(stringDescriptor("x").descriptorType(), typeUnicodeText);
     EXPECT_TRUE(stringDescriptor("x").stringValue().isEqualToString_("x"));
     EXPECT_TRUE(stringDescriptor("").stringValue().isEqualToString_(""));
@@ -89,10 +78,10 @@ TEST(NSAppleEventDescriptor, KeepsLoneSurrogatesOfFileNames) {
 }
 
 TEST(NSAppleEventDescriptor, PutsItemsIntoAListByIndexesFromOne) {
-    NSAppleEventDescriptor const list = listOf({number(1), number(2)});
-    list.insertDescriptor_atIndex_(number(3), 3);
+    NSAppleEventDescriptor const list = listDescriptor({numberDescriptor(1), numberDescriptor(2)});
+    list.insertDescriptor_atIndex_(numberDescriptor(3), 3);
     ASSERT_EQ(list.numberOfItems(), 3);
-    list.insertDescriptor_atIndex_(number(20), 2);
+    list.insertDescriptor_atIndex_(numberDescriptor(20), 2);
     ASSERT_EQ(list.numberOfItems(), 3) << "an item that is there is replaced";
     EXPECT_EQ(list.descriptorAtIndex_(1).int32Value(), 1);
     EXPECT_EQ(list.descriptorAtIndex_(2).int32Value(), 20);
@@ -104,9 +93,9 @@ TEST(NSAppleEventDescriptor, PutsItemsIntoAListByIndexesFromOne) {
 }
 
 TEST(NSAppleEventDescriptor, IgnoresItemsBeyondTheEndOfAList) {
-    NSAppleEventDescriptor const list = listOf({number(1)});
+    NSAppleEventDescriptor const list = listDescriptor({numberDescriptor(1)});
     for (NSInteger const index : {3, -1, 0x7FFFFFFF})
-        list.insertDescriptor_atIndex_(number(9), index);
+        list.insertDescriptor_atIndex_(numberDescriptor(9), index);
     list.insertDescriptor_atIndex_(nil, 0);
     list.removeDescriptorAtIndex_(2);
     list.removeDescriptorAtIndex_(0);
@@ -116,11 +105,11 @@ TEST(NSAppleEventDescriptor, IgnoresItemsBeyondTheEndOfAList) {
 }
 
 TEST(NSAppleEventDescriptor, CopiesWhatIsPutInAndTakenOut) {
-    NSAppleEventDescriptor const inner = listOf({number(1)});
-    NSAppleEventDescriptor const outer = listOf({inner});
-    inner.insertDescriptor_atIndex_(number(2), 0);
+    NSAppleEventDescriptor const inner = listDescriptor({numberDescriptor(1)});
+    NSAppleEventDescriptor const outer = listDescriptor({inner});
+    inner.insertDescriptor_atIndex_(numberDescriptor(2), 0);
     EXPECT_EQ(outer.descriptorAtIndex_(1).numberOfItems(), 1);
-    outer.descriptorAtIndex_(1).insertDescriptor_atIndex_(number(3), 0);
+    outer.descriptorAtIndex_(1).insertDescriptor_atIndex_(numberDescriptor(3), 0);
     EXPECT_EQ(outer.descriptorAtIndex_(1).numberOfItems(), 1);
     outer.insertDescriptor_atIndex_(outer, 0);
     ASSERT_EQ(outer.numberOfItems(), 2) << "a list in itself is a copy of what it was";
@@ -133,7 +122,7 @@ TEST(NSAppleEventDescriptor, CopiesWhatIsPutInAndTakenOut) {
 TEST(NSAppleEventDescriptor, PutsValuesIntoARecordByKeyword) {
     NSAppleEventDescriptor const record = NSAppleEventDescriptor::recordDescriptor();
     record.setDescriptor_forKeyword_(stringDescriptor("a"), Name);
-    record.setDescriptor_forKeyword_(number(1), Size);
+    record.setDescriptor_forKeyword_(numberDescriptor(1), Size);
     record.setDescriptor_forKeyword_(stringDescriptor("b"), Name);
     record.setDescriptor_forKeyword_(nil, Size);
     ASSERT_EQ(record.numberOfItems(), 2);
@@ -143,7 +132,7 @@ TEST(NSAppleEventDescriptor, PutsValuesIntoARecordByKeyword) {
     EXPECT_TRUE(record.descriptorForKeyword_(Name).stringValue().isEqualToString_("b"));
     EXPECT_TRUE(record.paramDescriptorForKeyword_(Name).stringValue().isEqualToString_("b"));
     EXPECT_TRUE(record.descriptorForKeyword_(AEKeyword("none")) == nil);
-    record.insertDescriptor_atIndex_(number(3), 0);
+    record.insertDescriptor_atIndex_(numberDescriptor(3), 0);
     EXPECT_EQ(record.numberOfItems(), 2) << "a record takes values by keyword alone";
     record.removeDescriptorWithKeyword_(Name);
     record.removeDescriptorWithKeyword_(Name);
@@ -151,17 +140,17 @@ TEST(NSAppleEventDescriptor, PutsValuesIntoARecordByKeyword) {
 }
 
 TEST(NSAppleEventDescriptor, TakesNothingIntoAValue) {
-    NSAppleEventDescriptor const value = number(1);
-    value.insertDescriptor_atIndex_(number(2), 0);
-    value.setDescriptor_forKeyword_(number(2), Name);
-    value.setAttributeDescriptor_forKeyword_(number(2), Name);
+    NSAppleEventDescriptor const value = numberDescriptor(1);
+    value.insertDescriptor_atIndex_(numberDescriptor(2), 0);
+    value.setDescriptor_forKeyword_(numberDescriptor(2), Name);
+    value.setAttributeDescriptor_forKeyword_(numberDescriptor(2), Name);
     EXPECT_EQ(value.numberOfItems(), 0);
     EXPECT_TRUE(value.attributeDescriptorForKeyword_(Name) == nil);
     EXPECT_EQ(value.int32Value(), 1);
 }
 
 TEST(NSAppleEventDescriptor, MakesAnEventWithItsAttributes) {
-    NSAppleEventDescriptor const event = quitEvent(number(3), 12);
+    NSAppleEventDescriptor const event = quitEvent(numberDescriptor(3), 12);
     EXPECT_EQ(event.descriptorType(), typeAppleEvent);
     EXPECT_EQ(event.eventClass(), kCoreEventClass);
     EXPECT_EQ(event.eventID(), kAEQuitApplication);
@@ -189,7 +178,7 @@ TEST(NSAppleEventDescriptor, MakesNewReturnIDs) {
 TEST(NSAppleEventDescriptor, SetsAttributesAndParametersOfAnEvent) {
     NSAppleEventDescriptor const event = quitEvent(nil);
     event.setParamDescriptor_forKeyword_(stringDescriptor("x"), keyDirectObject);
-    event.setAttributeDescriptor_forKeyword_(number(9), keySenderPIDAttr);
+    event.setAttributeDescriptor_forKeyword_(numberDescriptor(9), keySenderPIDAttr);
     event.setParamDescriptor_forKeyword_(nil, keyDirectObject);
     event.setAttributeDescriptor_forKeyword_(nil, keySenderPIDAttr);
     EXPECT_EQ(event.numberOfItems(), 1);
@@ -201,7 +190,7 @@ TEST(NSAppleEventDescriptor, SetsAttributesAndParametersOfAnEvent) {
 }
 
 TEST(NSAppleEventDescriptor, GivesItsRecordForTheProceduralCalls) {
-    NSAppleEventDescriptor const descriptor = number(1);
+    NSAppleEventDescriptor const descriptor = numberDescriptor(1);
     AEDesc copy = *descriptor.aeDesc();
     EXPECT_EQ(copy.descriptorType, typeSInt32);
     EXPECT_EQ(AEDisposeDesc(&copy), noErr);
@@ -213,7 +202,7 @@ TEST(NSAppleEventDescriptor, GivesItsRecordForTheProceduralCalls) {
 }
 
 TEST(NSAppleEventDescriptor, MakesTheDataOfAListAListAgain) {
-    NSAppleEventDescriptor const list = listOf({number(1), listOf({stringDescriptor("x")})});
+    NSAppleEventDescriptor const list = listDescriptor({numberDescriptor(1), listDescriptor({stringDescriptor("x")})});
     NSAppleEventDescriptor const again =
         NSAppleEventDescriptor::descriptorWithDescriptorType_data_(typeAEList, list.data());
     ASSERT_EQ(again.numberOfItems(), 2);
@@ -231,7 +220,7 @@ TEST(NSAppleEventDescriptor, RefusesToNestDeeperThanItsBound) {
     NSAppleEventDescriptor list = NSAppleEventDescriptor::listDescriptor();
     std::size_t depth = 1;
     while (depth < 2 * kDescriptorMaximumDepth) {
-        NSAppleEventDescriptor const outer = listOf({list});
+        NSAppleEventDescriptor const outer = listDescriptor({list});
         if (outer.numberOfItems() == 0) break;
         list = outer;
         ++depth;
@@ -251,7 +240,8 @@ TEST(NSAppleEventDescriptor, DescribesItself) {
         return descriptor.description().UTF8String();
     };
     EXPECT_EQ(described(stringDescriptor("x")), "<NSAppleEventDescriptor: 'utxt'(\"x\")>");
-    EXPECT_EQ(described(listOf({number(1), stringDescriptor("a")})), "<NSAppleEventDescriptor: [ 1, 'utxt'(\"a\") ]>");
+    EXPECT_EQ(described(listDescriptor({numberDescriptor(1), stringDescriptor("a")})),
+              "<NSAppleEventDescriptor: [ 1, 'utxt'(\"a\") ]>");
     EXPECT_EQ(described(record), "<NSAppleEventDescriptor: { 'form':'indx', 'from':'null'() }>");
     EXPECT_EQ(described(record.coerceToDescriptorType_(typeObjectSpecifier)),
               "<NSAppleEventDescriptor: 'obj '{ 'form':'indx', 'from':'null'() }>");
@@ -264,9 +254,9 @@ TEST(NSAppleEventDescriptor, DescribesItself) {
 
 TEST(NSAppleEventDescriptor, EndsALongDescriptionInDots) {
     // Each list holds the one before twice.
-    NSAppleEventDescriptor list = listOf({stringDescriptor("abc")});
+    NSAppleEventDescriptor list = listDescriptor({stringDescriptor("abc")});
     for (int doubling = 0; doubling < 60; ++doubling)
-        list = listOf({list, list});
+        list = listDescriptor({list, list});
     NSString const description = list.description();
     EXPECT_TRUE(description.hasSuffix_("...>"));
     EXPECT_LT(description.length(), 70000U);
@@ -294,11 +284,11 @@ TEST(NSAppleEventDescriptor, AnswersNothingForNil) {
     EXPECT_TRUE(none.descriptorAtIndex_(1) == nil);
     EXPECT_TRUE(none.descriptorForKeyword_(Name) == nil);
     EXPECT_EQ(none.keywordForDescriptorAtIndex_(1), AEKeyword());
-    none.insertDescriptor_atIndex_(number(1), 0);
+    none.insertDescriptor_atIndex_(numberDescriptor(1), 0);
     none.removeDescriptorAtIndex_(1);
-    none.setDescriptor_forKeyword_(number(1), Name);
-    none.setParamDescriptor_forKeyword_(number(1), Name);
-    none.setAttributeDescriptor_forKeyword_(number(1), Name);
+    none.setDescriptor_forKeyword_(numberDescriptor(1), Name);
+    none.setParamDescriptor_forKeyword_(numberDescriptor(1), Name);
+    none.setAttributeDescriptor_forKeyword_(numberDescriptor(1), Name);
     none.removeDescriptorWithKeyword_(Name);
     none.removeParamDescriptorWithKeyword_(Name);
     EXPECT_TRUE(none == nil);

@@ -1,6 +1,7 @@
 #include "platform/system/items/AppleDouble.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
@@ -17,8 +18,6 @@ namespace mac::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-bool exists(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
 
 struct stat statusAt(std::string const& path) {
     struct stat status {};
@@ -50,7 +49,7 @@ TEST(AttributesBeside, AreReadFromAnAppleDoubleFileAndTheFileSystemCountsFirst) 
     EXPECT_EQ(list(file), Names{"b"});
     EXPECT_EQ(set(file, "b", "new"), 0);
     EXPECT_EQ(get(file, "b"), "new");
-    EXPECT_FALSE(exists(folder.path("._file")));
+    EXPECT_FALSE(isThere(folder.path("._file")));
 }
 
 // Nothing where the system does not count them.
@@ -159,7 +158,7 @@ TEST(AttributesBeside, AreNotMadeForAFileWithSeveralNames) {
     EXPECT_EQ(errno, EMLINK);
     EXPECT_EQ(get(file, "a"), "old");
     EXPECT_EQ(get(other, "a"), "old");
-    EXPECT_FALSE(exists(folder.path("._file")));
+    EXPECT_FALSE(isThere(folder.path("._file")));
     // What lies there from elsewhere is read and goes, piece by piece.
     makeBeside(folder, "._file", {"b", "c"});
     EXPECT_EQ(get(file, "b"), "beside");
@@ -225,7 +224,7 @@ TEST(AttributesBeside, MayHaveLongerNames) {
         EXPECT_EQ(removeAttribute(file, name), 0);
         EXPECT_EQ(removeAttribute(file, name), -1);
         EXPECT_EQ(errno, ENODATA);
-        EXPECT_FALSE(exists(folder.path("._file")));
+        EXPECT_FALSE(isThere(folder.path("._file")));
     }
 }
 
@@ -237,7 +236,7 @@ TEST(AttributesBeside, ThatAreReplacedMayFitOnTheItem) {
     EXPECT_EQ(errno, EEXIST);
     EXPECT_EQ(set(file, "a", "1", XATTR_REPLACE), 0);
     EXPECT_EQ(get(file, "a"), "1");
-    EXPECT_FALSE(exists(folder.path("._file")));
+    EXPECT_FALSE(isThere(folder.path("._file")));
     EXPECT_EQ(set(file, "a", s_large, XATTR_CREATE), -1);
     EXPECT_EQ(errno, EEXIST);
     EXPECT_EQ(get(file, "a"), "1");
@@ -260,7 +259,7 @@ TEST_P(AttributesThatAreNone, AreNotThereWhereverTheyAreWritten) {
         EXPECT_FALSE(get(file, nothing.name));
         EXPECT_EQ(errno, ENODATA);
         EXPECT_TRUE(list(file).empty());
-        EXPECT_FALSE(exists(folder.path("._file")));
+        EXPECT_FALSE(isThere(folder.path("._file")));
     };
     EXPECT_EQ(set(file, nothing.name, nothing.value), 0);
     expectNone();

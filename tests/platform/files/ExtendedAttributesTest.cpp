@@ -2,6 +2,7 @@
 #include "tests/platform/files/Attributes.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/CommandOutput.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <fcntl.h>
@@ -14,8 +15,6 @@ namespace mac::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-bool attributeExists(std::string const& path) { return ::access(path.c_str(), F_OK) == 0; }
 
 TEST(ExtendedAttributes, AreWrittenReadListedAndRemoved) {
     TemporaryFolder const folder;
@@ -32,7 +31,7 @@ TEST(ExtendedAttributes, AreWrittenReadListedAndRemoved) {
     EXPECT_EQ(get(file, "a"), "other");
     EXPECT_EQ(removeAttribute(file, "a"), 0);
     EXPECT_EQ(list(file), Names{"b"});
-    EXPECT_FALSE(attributeExists(folder.path("._file")));
+    EXPECT_FALSE(isThere(folder.path("._file")));
 }
 
 TEST(ExtendedAttributes, BelongToFoldersToo) {
@@ -43,7 +42,7 @@ TEST(ExtendedAttributes, BelongToFoldersToo) {
         EXPECT_EQ(get(inner, "a"), path);
     }
     ASSERT_EQ(set(inner + "/.", "large", std::string(100'000, 'x')), 0);
-    EXPECT_TRUE(attributeExists(folder.path("._inner")));
+    EXPECT_TRUE(isThere(folder.path("._inner")));
     EXPECT_TRUE(get(inner + "/../inner", "large") == std::string(100'000, 'x'));
 }
 
@@ -128,7 +127,7 @@ TEST(ExtendedAttributes, KnowTheSameOptionsBesideTheItem) {
     EXPECT_EQ(errno, ENODATA);
     EXPECT_EQ(set(file, "a", "1", XATTR_REPLACE), 0);
     EXPECT_EQ(get(file, "a"), "1");
-    EXPECT_FALSE(attributeExists(folder.path("._file")));
+    EXPECT_FALSE(isThere(folder.path("._file")));
 }
 
 TEST(ExtendedAttributes, OfALinkAreThoseOfWhatItLeadsTo) {
@@ -140,8 +139,8 @@ TEST(ExtendedAttributes, OfALinkAreThoseOfWhatItLeadsTo) {
     EXPECT_EQ(get(file, "a"), "1");
     EXPECT_EQ(list(link), Names{"a"});
     ASSERT_EQ(set(link, "large", std::string(100'000, 'x')), 0);
-    EXPECT_TRUE(attributeExists(folder.path("real/._file")));
-    EXPECT_FALSE(attributeExists(folder.path("._link")));
+    EXPECT_TRUE(isThere(folder.path("real/._file")));
+    EXPECT_FALSE(isThere(folder.path("._link")));
     EXPECT_EQ(get(link, "large"), get(file, "large"));
     EXPECT_EQ(removeAttribute(link, "a"), 0);
     EXPECT_FALSE(get(file, "a"));

@@ -1,13 +1,12 @@
 #include "platform/foundation/CFURL.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/URLs.h"
 #include <array>
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSURL urlOf(std::string_view string) { return NSURL::URLWithString_(NSString::stringWithUTF8String_(string)); }
 
 struct Ranges {
     CFRange component;
@@ -58,24 +57,23 @@ TEST(CFURL, KnowsWhereEachComponentLies) {
             CFRange separated;
             auto const component = static_cast<CFURLComponentType>(number);
             Ranges const& expected = row.ranges.at(static_cast<std::size_t>(number - 1));
-            EXPECT_EQ(CFURLGetByteRangeForComponent(urlOf(row.url), component, &separated), expected.component);
+            EXPECT_EQ(CFURLGetByteRangeForComponent(url(row.url), component, &separated), expected.component);
             EXPECT_EQ(separated, expected.withSeparators);
-            EXPECT_EQ(CFURLGetByteRangeForComponent(urlOf(row.url), component, nullptr), expected.component);
+            EXPECT_EQ(CFURLGetByteRangeForComponent(url(row.url), component, nullptr), expected.component);
         }
     }
 }
 
 TEST(CFURL, HasNoOtherComponents) {
     CFRange separated{1, 1};
-    EXPECT_EQ(CFURLGetByteRangeForComponent(urlOf("http://a/"), static_cast<CFURLComponentType>(0), &separated),
-              missing);
+    EXPECT_EQ(CFURLGetByteRangeForComponent(url("http://a/"), static_cast<CFURLComponentType>(0), &separated), missing);
     EXPECT_EQ(separated, missing);
-    EXPECT_EQ(CFURLGetByteRangeForComponent(urlOf("http://a/"), static_cast<CFURLComponentType>(13), nullptr), missing);
+    EXPECT_EQ(CFURLGetByteRangeForComponent(url("http://a/"), static_cast<CFURLComponentType>(13), nullptr), missing);
     EXPECT_EQ(CFURLGetByteRangeForComponent(nil, kCFURLComponentScheme, nullptr), missing);
 }
 
 TEST(CFURL, CopiesTheBytesOfTheTextAsItWasWritten) {
-    NSURL const relative = NSURL::URLWithString_relativeToURL_("b%20c", urlOf("http://a/"));
+    NSURL const relative = NSURL::URLWithString_relativeToURL_("b%20c", url("http://a/"));
     EXPECT_EQ(CFURLGetBytes(relative, nullptr, 0), 5);
     std::array<std::uint8_t, 6> buffer{};
     EXPECT_EQ(CFURLGetBytes(relative, buffer.data(), 4), -1);
@@ -87,19 +85,19 @@ TEST(CFURL, CopiesTheBytesOfTheTextAsItWasWritten) {
 
 TEST(CFURL, TellsAFolderByTheEndOfItsPath) {
     for (std::string_view const folder : {"file:///", "file:///a/", "a/", ".", "..", "a/.", "a/..", "http://h/a/?q"})
-        EXPECT_TRUE(CFURLHasDirectoryPath(urlOf(folder))) << folder;
+        EXPECT_TRUE(CFURLHasDirectoryPath(url(folder))) << folder;
     for (std::string_view const file :
          {"file:///a", "a", "a.", "a..", "a/...", "http://h", "http://h/a?q/", "mailto:a/"})
-        EXPECT_FALSE(CFURLHasDirectoryPath(urlOf(file))) << file;
-    EXPECT_TRUE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", urlOf("http://h/a/"))));
-    EXPECT_FALSE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", urlOf("http://h/a"))));
+        EXPECT_FALSE(CFURLHasDirectoryPath(url(file))) << file;
+    EXPECT_TRUE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", url("http://h/a/"))));
+    EXPECT_FALSE(CFURLHasDirectoryPath(NSURL::URLWithString_relativeToURL_("#f", url("http://h/a"))));
     EXPECT_FALSE(CFURLHasDirectoryPath(nil));
 }
 
 TEST(CFURL, TellsAFolderByTheAbsolutePath) {
     auto const isFolder = [](std::string_view relative, std::string_view base) {
         return CFURLHasDirectoryPath(
-            NSURL::URLWithString_relativeToURL_(NSString::stringWithUTF8String_(relative), urlOf(base)));
+            NSURL::URLWithString_relativeToURL_(NSString::stringWithUTF8String_(relative), url(base)));
     };
     EXPECT_TRUE(isFolder("", "http://h/a/"));
     EXPECT_TRUE(isFolder("?q", "http://h/a/b/.."));
@@ -117,7 +115,7 @@ TEST(CFURL, HasAPlaceForAnEmptyPath) {
                                       std::pair("", 0L), std::pair("file://?q", 7L), std::pair("//h:1?p", 5L)}) {
         SCOPED_TRACE(text);
         CFRange separated;
-        EXPECT_EQ(CFURLGetByteRangeForComponent(urlOf(text), kCFURLComponentPath, &separated), missing);
+        EXPECT_EQ(CFURLGetByteRangeForComponent(url(text), kCFURLComponentPath, &separated), missing);
         EXPECT_EQ(separated, (CFRange{static_cast<CFIndex>(place), 0}));
     }
 }
@@ -141,7 +139,7 @@ TEST(CFURL, IsMadeOfAPathsBytesAndABase) {
             kCFAllocatorDefault, reinterpret_cast<std::uint8_t const*>(bytes.data()),
             static_cast<CFIndex>(bytes.size()), isDirectory, base);
     };
-    NSURL const base = urlOf("file://localhost/a/");
+    NSURL const base = url("file://localhost/a/");
     EXPECT_EQ(text(make("b c", YES, base)), "b%20c/ -- file://localhost/a/");
     EXPECT_EQ(text(make("b\xE4", NO, base).absoluteURL()), "file://localhost/a/b%E4");
     EXPECT_EQ(text(make("/b", NO, base)), "file://localhost/b");

@@ -1,6 +1,7 @@
 #include "platform/foundation/HashedEntries.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/SeededRandom.h"
 #include <gtest/gtest.h>
 #include <map>
@@ -8,18 +9,12 @@
 
 namespace mac::test {
 
-namespace {
-
-NSNumber numberKey(int value) { return NSNumber::numberWithInt_(value); }
-
-} // namespace
-
 TEST(HashedEntries, AddingManyMakesTheTableAnewSeldom) {
     HashedEntries entries;
     std::size_t moves = 0;
     HashedEntries::Entry const* place = nullptr;
     for (int value = 0; value < 100'000; ++value) {
-        entries.set(numberKey(value), nil);
+        entries.set(number(value), nil);
         moves += entries.entries().data() == place ? 0 : 1;
         place = entries.entries().data();
     }
@@ -49,17 +44,17 @@ TEST(HashedEntries, FewStayRightThroughManyChanges) {
     for (int step = 0; step < 4000; ++step) {
         int const key = static_cast<int>(random() % 12);
         if (random() % 2 == 0) {
-            entries.set(numberKey(key), numberKey(step));
+            entries.set(number(key), number(step));
             plain[key] = step;
         } else {
-            entries.remove(numberKey(key));
+            entries.remove(number(key));
             plain.erase(key);
         }
         ASSERT_EQ(entries.count(), plain.size());
         for (int asked = 0; asked < 12; ++asked) {
-            HashedEntries::Entry const* const entry = entries.find(numberKey(asked));
+            HashedEntries::Entry const* const entry = entries.find(number(asked));
             ASSERT_EQ(entry != nullptr, plain.contains(asked));
-            ASSERT_TRUE(!entry || entry->value.isEqual_(numberKey(plain[asked])));
+            ASSERT_TRUE(!entry || entry->value.isEqual_(number(plain[asked])));
         }
         if (step % 500 != 0) continue;
         entries.clear();
@@ -72,8 +67,8 @@ TEST(HashedEntries, TakesAKeyAndAValueThatItHolds) {
     entries.set("a", "one");
     for (int value = 0; value < 100; ++value) {
         HashedEntries::Entry const& first = entries.entries().front();
-        entries.set(numberKey(value), first.value);
-        EXPECT_EQ(text(entries.find(numberKey(value))->value), "one");
+        entries.set(number(value), first.value);
+        EXPECT_EQ(text(entries.find(number(value))->value), "one");
     }
     HashedEntries::Entry const& last = entries.entries().back();
     entries.remove(last.key);

@@ -3,6 +3,7 @@
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNull.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -5,13 +5,12 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSNumber weight(int value) { return NSNumber::numberWithInt_(value); }
 
 // An object with a scalar of each kind.
 class Scales : public Handle<Scales, NSObject> {
@@ -62,7 +61,7 @@ TEST(KeyValueCoding, ReadsAndSetsAProperty) {
 
 TEST(KeyValueCoding, WrapsScalarsInNumbers) {
     Parcel const parcel = Parcel::parcelWithName_("a");
-    parcel.setValue_forKey_(weight(12), "weight");
+    parcel.setValue_forKey_(number(12), "weight");
     EXPECT_EQ(parcel.weight(), 12);
     EXPECT_EQ(intOf(parcel.valueForKey_("weight")), 12);
 }
@@ -138,7 +137,7 @@ TEST(KeyValueCoding, AKeyThatIsNotThereRaises) {
 TEST(KeyValueCoding, AKeyThatCanOnlyBeReadRaisesWhenItIsSet) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     EXPECT_EQ(intOf(parcel.valueForKey_("serial")), 7);
-    EXPECT_THROW(parcel.setValue_forKey_(weight(1), "serial"), NSUndefinedKeyException);
+    EXPECT_THROW(parcel.setValue_forKey_(number(1), "serial"), NSUndefinedKeyException);
     EXPECT_THROW(parcel.setValue_forKey_("a", "label"), NSUndefinedKeyException);
 }
 

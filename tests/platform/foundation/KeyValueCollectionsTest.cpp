@@ -4,14 +4,13 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSNumber integer(int value) { return NSNumber::numberWithInt_(value); }
 
 int integerOf(id const& object) { return as<NSNumber>(object).intValue(); }
 
@@ -109,7 +108,7 @@ TEST(KeyValueCoding, OfASetSetsEveryMember) {
     NSArray const array = parcels({"a", "b"});
     setOf(array).setValue_forKey_("x", "name");
     EXPECT_EQ(sortedText(array.valueForKey_("name")), "x x");
-    setOf(array).setValue_forKeyPath_(integer(5), "weight");
+    setOf(array).setValue_forKeyPath_(number(5), "weight");
     EXPECT_EQ(sortedText(array.valueForKey_("weight")), "5 5");
 }
 
@@ -167,7 +166,7 @@ TEST(KeyValueCoding, OperatorsOverNothingAnswerZeroOrNil) {
 
 TEST(KeyValueCoding, MissingValuesCountAsZeroInAnAverageAndAsNothingElsewhere) {
     NSMutableDictionary const four = NSMutableDictionary::dictionary();
-    four.setObject_forKey_(integer(4), "size");
+    four.setObject_forKey_(number(4), "size");
     NSArray const array = NSArray::arrayWithObjects_({four, NSDictionary::dictionary()});
     EXPECT_EQ(text(array.valueForKeyPath_("@avg.size")), "2");
     EXPECT_EQ(text(array.valueForKeyPath_("@sum.size")), "4");

@@ -5,6 +5,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

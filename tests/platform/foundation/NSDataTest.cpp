@@ -1,7 +1,9 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -14,16 +16,7 @@ namespace mac::test {
 
 namespace {
 
-NSData dataOf(std::string_view bytes) { return NSData::dataWithBytes(std::as_bytes(std::span(bytes))); }
-
-std::string bytesOf(NSData const& data) { return {reinterpret_cast<char const*>(data.bytes()), data.span().size()}; }
-
 NSString pathOf(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
-
-std::string contentsOf(std::string const& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::ptrdiff_t entriesIn(std::string const& folder) {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
@@ -47,30 +40,30 @@ TEST(NSData, HoldsBytes) {
 }
 
 TEST(NSData, IsEqualByContents) {
-    EXPECT_TRUE(dataOf("abc").isEqual_(dataOf("abc")));
-    EXPECT_TRUE(dataOf("abc").isEqualToData_(NSMutableData::dataWithData_(dataOf("abc"))));
-    EXPECT_EQ(dataOf("abcdefghij").hash(), NSMutableData::dataWithData_(dataOf("abcdefghij")).hash());
-    EXPECT_NE(dataOf("abcdefghij").hash(), dataOf("abcdefghik").hash());
-    EXPECT_FALSE(dataOf("abc").isEqual_(dataOf("abd")));
-    EXPECT_FALSE(dataOf("abc").isEqual_(NSString("abc")));
-    EXPECT_FALSE(dataOf("abc").isEqualToData_(nil));
+    EXPECT_TRUE(bytes("abc").isEqual_(bytes("abc")));
+    EXPECT_TRUE(bytes("abc").isEqualToData_(NSMutableData::dataWithData_(bytes("abc"))));
+    EXPECT_EQ(bytes("abcdefghij").hash(), NSMutableData::dataWithData_(bytes("abcdefghij")).hash());
+    EXPECT_NE(bytes("abcdefghij").hash(), bytes("abcdefghik").hash());
+    EXPECT_FALSE(bytes("abc").isEqual_(bytes("abd")));
+    EXPECT_FALSE(bytes("abc").isEqual_(NSString("abc")));
+    EXPECT_FALSE(bytes("abc").isEqualToData_(nil));
 }
 
 TEST(NSData, DescribesItselfInHexadecimal) {
-    EXPECT_EQ("<01020304 05>", dataOf("\x01\x02\x03\x04\x05").description().UTF8String());
-    EXPECT_EQ("<ff>", dataOf("\xFF").description().UTF8String());
+    EXPECT_EQ("<01020304 05>", bytes("\x01\x02\x03\x04\x05").description().UTF8String());
+    EXPECT_EQ("<ff>", bytes("\xFF").description().UTF8String());
     EXPECT_EQ("<>", NSData::data().description().UTF8String());
 }
 
 TEST(NSData, IsCut) {
-    EXPECT_EQ("bc", bytesOf(dataOf("abcd").subdataWithRange_({1, 2})));
-    EXPECT_EQ("", bytesOf(dataOf("abcd").subdataWithRange_({4, 0})));
-    EXPECT_THROW(dataOf("abcd").subdataWithRange_({3, 2}), NSRangeException);
-    EXPECT_THROW(dataOf("abcd").subdataWithRange_({1, 0xFFFFFFFF}), NSRangeException);
+    EXPECT_EQ("bc", bytesOf(bytes("abcd").subdataWithRange_({1, 2})));
+    EXPECT_EQ("", bytesOf(bytes("abcd").subdataWithRange_({4, 0})));
+    EXPECT_THROW(bytes("abcd").subdataWithRange_({3, 2}), NSRangeException);
+    EXPECT_THROW(bytes("abcd").subdataWithRange_({1, 0xFFFFFFFF}), NSRangeException);
 }
 
 TEST(NSData, IsItsOwnCopy) {
-    NSData const data = dataOf("abc");
+    NSData const data = bytes("abc");
     EXPECT_TRUE(isSame(data, data.copy()));
     EXPECT_TRUE(as<NSMutableData>(data.mutableCopy()) != nil);
 }
@@ -88,7 +81,7 @@ TEST(NSData, AnswersNothingForNil) {
 TEST(NSMutableData, ChangesInPlace) {
     NSMutableData const data = NSMutableData::data();
     data.appendBytes_length_("abc", 3);
-    data.appendData_(dataOf("de"));
+    data.appendData_(bytes("de"));
     EXPECT_EQ("abcde", bytesOf(data));
     data.setLength_(2);
     EXPECT_EQ("ab", bytesOf(data));
@@ -99,13 +92,13 @@ TEST(NSMutableData, ChangesInPlace) {
 }
 
 TEST(NSMutableData, AppendsItself) {
-    NSMutableData const data = NSMutableData::dataWithData_(dataOf("abc"));
+    NSMutableData const data = NSMutableData::dataWithData_(bytes("abc"));
     data.appendData_(data);
     EXPECT_EQ("abcabc", bytesOf(data));
 }
 
 TEST(NSMutableData, CopiesAsImmutableData) {
-    NSMutableData const data = NSMutableData::dataWithData_(dataOf("abc"));
+    NSMutableData const data = NSMutableData::dataWithData_(bytes("abc"));
     id const copy = data.copy();
     data.setLength_(0);
     EXPECT_TRUE(as<NSMutableData>(copy) == nil);
@@ -159,8 +152,8 @@ TEST(NSDataFiles, AreNilWhereTheyAreTooLarge) {
 
 class NSDataWriting : public testing::TestWithParam<bool> {
 protected:
-    bool write(std::string_view bytes, std::string const& path) const {
-        return dataOf(bytes).writeToFile_atomically_(pathOf(path), BOOL(GetParam()));
+    bool write(std::string_view contents, std::string const& path) const {
+        return bytes(contents).writeToFile_atomically_(pathOf(path), BOOL(GetParam()));
     }
 
     TemporaryFolder m_folder;
@@ -174,7 +167,7 @@ TEST_P(NSDataWriting, WritesANewFileWithThePermissionsOfTheUmask) {
     mode_t const before = ::umask(027);
     EXPECT_TRUE(write("new", m_folder.path("a")));
     ::umask(before);
-    EXPECT_EQ("new", contentsOf(m_folder.path("a")));
+    EXPECT_EQ("new", textOf(m_folder.path("a")));
     EXPECT_EQ(0640U, modeOf(m_folder.path("a")) & 07777U);
     EXPECT_EQ(1, entriesIn(m_folder.path()));
 }
@@ -183,7 +176,7 @@ TEST_P(NSDataWriting, ReplacesAFileAndKeepsItsPermissions) {
     std::string const path = m_folder.makeFile("a", "something longer than new");
     ASSERT_EQ(0, ::chmod(path.c_str(), 0604));
     EXPECT_TRUE(write("new", path));
-    EXPECT_EQ("new", contentsOf(path));
+    EXPECT_EQ("new", textOf(path));
     EXPECT_EQ(0604U, modeOf(path) & 07777U);
     EXPECT_EQ(1, entriesIn(m_folder.path()));
 }
@@ -193,12 +186,12 @@ TEST_P(NSDataWriting, WritesThroughASymbolicLink) {
     ASSERT_EQ(0, ::symlink("deep/a", m_folder.path("link").c_str()));
     EXPECT_TRUE(write("new", m_folder.path("link")));
     EXPECT_TRUE(S_ISLNK(modeOf(m_folder.path("link"))));
-    EXPECT_EQ("new", contentsOf(path));
+    EXPECT_EQ("new", textOf(path));
 }
 
 TEST_P(NSDataWriting, WritesNamesThatAreNoUTF8) {
     EXPECT_TRUE(write("new", m_folder.path("caf\xE9")));
-    EXPECT_EQ("new", contentsOf(m_folder.path("caf\xE9")));
+    EXPECT_EQ("new", textOf(m_folder.path("caf\xE9")));
 }
 
 TEST_P(NSDataWriting, WritesPathsTooLongForTheSystem) {
@@ -225,8 +218,8 @@ TEST_P(NSDataWriting, FailsWhereNothingCanBeWritten) {
     EXPECT_FALSE(write("new", m_folder.path()));
     EXPECT_FALSE(write("new", m_folder.path() + "/"));
     EXPECT_FALSE(write("new", "/proc/no-such-file"));
-    EXPECT_FALSE(dataOf("new").writeToFile_atomically_("", BOOL(GetParam())));
-    EXPECT_FALSE(dataOf("new").writeToFile_atomically_(nil, BOOL(GetParam())));
+    EXPECT_FALSE(bytes("new").writeToFile_atomically_("", BOOL(GetParam())));
+    EXPECT_FALSE(bytes("new").writeToFile_atomically_(nil, BOOL(GetParam())));
     EXPECT_EQ(0, entriesIn(m_folder.path()));
 }
 
@@ -247,11 +240,11 @@ TEST(NSDataFiles, KeepTheOldContentsForWhoeverHasThemOpen) {
     TemporaryFolder const folder;
     std::string const path = folder.makeFile("a", "old");
     std::ifstream reader(path, std::ios::binary);
-    EXPECT_TRUE(dataOf("new").writeToFile_atomically_(pathOf(path), YES));
+    EXPECT_TRUE(bytes("new").writeToFile_atomically_(pathOf(path), YES));
     EXPECT_EQ("old", std::string(std::istreambuf_iterator<char>(reader), {}));
-    EXPECT_EQ("new", contentsOf(path));
+    EXPECT_EQ("new", textOf(path));
 }
 
-TEST(NSDataFiles, SurviveAFullDisk) { EXPECT_FALSE(dataOf("new").writeToFile_atomically_("/dev/full", NO)); }
+TEST(NSDataFiles, SurviveAFullDisk) { EXPECT_FALSE(bytes("new").writeToFile_atomically_("/dev/full", NO)); }
 
 } // namespace mac::test

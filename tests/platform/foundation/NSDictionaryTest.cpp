@@ -3,13 +3,12 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSNumber integerValue(int value) { return NSNumber::numberWithInt_(value); }
 
 // "a=1 b=2", in the dictionary's order.
 std::string entries(NSDictionary const& dictionary) {
@@ -58,7 +57,7 @@ TEST(NSDictionary, OfNilIsEmpty) {
 
 TEST(NSDictionary, AnswersValuesByEqualKeys) {
     NSDictionary const dictionary =
-        NSDictionary::dictionaryWithObjectsAndKeys_({"text", "1", "number", integerValue(1), "list", words({"x"})});
+        NSDictionary::dictionaryWithObjectsAndKeys_({"text", "1", "number", number(1), "list", words({"x"})});
     EXPECT_EQ(text(dictionary.objectForKey_("1")), "text");
     EXPECT_EQ(text(dictionary.objectForKey_(NSNumber::numberWithDouble_(1))), "number");
     EXPECT_EQ(text(dictionary.objectForKey_(words({"x"}))), "list");
@@ -126,7 +125,7 @@ TEST(NSDictionary, CopiesToItselfAndMutableCopiesToAnother) {
 TEST(NSDictionary, DescribesItselfInTheOrderOfItsKeys) {
     NSDictionary const dictionary = NSDictionary::dictionaryWithObjectsAndKeys_({"2", "b", "a b", "a/b", "1", "a"});
     EXPECT_EQ(text(dictionary), "{\n    a = 1;\n    \"a/b\" = \"a b\";\n    b = 2;\n}");
-    EXPECT_EQ(text(NSDictionary::dictionaryWithObjectsAndKeys_({"x", integerValue(2), "y", integerValue(1)})),
+    EXPECT_EQ(text(NSDictionary::dictionaryWithObjectsAndKeys_({"x", number(2), "y", number(1)})),
               "{\n    2 = x;\n    1 = y;\n}");
     EXPECT_EQ(text(NSDictionary::dictionary()), "{\n}");
 }
@@ -249,7 +248,7 @@ TEST(NSMutableDictionary, ComparesHardlyAnyKeysOfHashesInARow) {
     std::vector<Peg> pegs;
     for (int value = 0; value < count; ++value) {
         pegs.push_back(Peg::pegWithNumber_hash_(value, static_cast<std::uint64_t>(value) * 4096));
-        dictionary.setObject_forKey_(integerValue(value), pegs.back());
+        dictionary.setObject_forKey_(number(value), pegs.back());
     }
     EXPECT_EQ(dictionary.count(), static_cast<NSUInteger>(count));
     unsigned comparisons = 0;

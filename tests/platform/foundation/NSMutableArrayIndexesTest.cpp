@@ -2,6 +2,7 @@
 #include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSPredicate.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -2,6 +2,7 @@
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

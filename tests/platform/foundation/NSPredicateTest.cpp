@@ -5,13 +5,12 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSString text(std::string_view utf8) { return NSString::stringWithUTF8String_(utf8); }
 
 // A record with a value of every kind.
 NSDictionary sample() {
@@ -26,7 +25,7 @@ NSDictionary sample() {
         "running",
         NSNull::null(),
         "nothing",
-        text("Café Straße"),
+        utf8("Café Straße"),
         "place",
         NSArray::arrayWithObjects_({"a", "B", "c"}),
         "tags",
@@ -44,7 +43,7 @@ NSDictionary sample() {
 }
 
 bool holds(std::string_view format) {
-    return NSPredicate::predicateWithFormat_(text(format)).evaluateWithObject_(sample());
+    return NSPredicate::predicateWithFormat_(utf8(format)).evaluateWithObject_(sample());
 }
 
 struct Case {
@@ -178,7 +177,7 @@ TEST(Predicate, TakesKeysAndValuesAsArguments) {
 TEST(Predicate, NeverReadsAnArgumentAsLanguage) {
     for (std::string_view const hostile :
          {"x' OR TRUEPREDICATE OR 'x' == 'x", "\" OR 1 == 1", "%@", "TRUEPREDICATE", "name"}) {
-        NSString const value = text(hostile);
+        NSString const value = utf8(hostile);
         NSPredicate const predicate = NSPredicate::predicateWithFormat_("name == %@", value);
         EXPECT_FALSE(predicate.evaluateWithObject_(sample())) << hostile;
         EXPECT_TRUE(predicate.evaluateWithObject_(NSDictionary::dictionaryWithObject_forKey_(value, "name")))
@@ -217,7 +216,7 @@ TEST(Predicate, FindsANameThatIsNotUTF8) {
     EXPECT_TRUE(predicate.evaluateWithObject_(object));
     EXPECT_TRUE(NSPredicate::predicateWithFormat_(predicate.predicateFormat()).evaluateWithObject_(object));
     EXPECT_FALSE(
-        predicate.evaluateWithObject_(NSDictionary::dictionaryWithObject_forKey_(text("Mirror \uFFFD.app"), "name")));
+        predicate.evaluateWithObject_(NSDictionary::dictionaryWithObject_forKey_(utf8("Mirror \uFFFD.app"), "name")));
 }
 
 TEST(Predicate, RefusesAWrongRegularExpressionWhenItIsMade) {
@@ -229,11 +228,11 @@ TEST(Predicate, RefusesAWrongRegularExpressionWhenItIsMade) {
 
 TEST(Predicate, GivesUpOnARegularExpressionThatWouldNeverEnd) {
     NSPredicate const predicate = NSPredicate::predicateWithFormat_("SELF MATCHES '(a+)+b'");
-    EXPECT_THROW(predicate.evaluateWithObject_(text(std::string(200, 'a'))), NSGenericException);
+    EXPECT_THROW(predicate.evaluateWithObject_(utf8(std::string(200, 'a'))), NSGenericException);
 }
 
 TEST(Predicate, MatchesWildcardsWithoutTrouble) {
-    NSString const value = text(std::string(3000, 'a'));
+    NSString const value = utf8(std::string(3000, 'a'));
     NSPredicate const predicate = NSPredicate::predicateWithFormat_("SELF LIKE '*a*a*a*a*a*a*a*a*a*a*b'");
     EXPECT_FALSE(predicate.evaluateWithObject_(value));
 }

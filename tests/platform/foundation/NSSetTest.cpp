@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/Weak.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@ namespace mac::test {
 
 namespace {
 
-std::string joinedMembers(NSSet const& set) { return set.allObjects().componentsJoinedByString_(" ").UTF8String(); }
+std::string joinedMembers(NSSet const& set) { return joined(set.allObjects()); }
 
 NSSet setOf(std::initializer_list<char const*> names) { return NSSet::setWithArray_(words(names)); }
 
@@ -20,8 +21,6 @@ NSMutableSet mutableSetOf(std::initializer_list<char const*> names) {
 }
 
 Peg peg(int number, std::uint64_t hash) { return Peg::pegWithNumber_hash_(number, hash); }
-
-NSNumber number(int value) { return NSNumber::numberWithInt_(value); }
 
 } // namespace
 

@@ -7,13 +7,12 @@
 #include "platform/foundation/NSPredicate.h"
 #include "platform/foundation/NSSet.h"
 #include "tests/platform/foundation/Parcel.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSString stringOf(std::string_view utf8) { return NSString::stringWithUTF8String_(utf8); }
 
 // A record that counts how often its key is read, and compares itself as it likes.
 class CountedReading : public Handle<CountedReading, NSObject> {
@@ -49,7 +48,7 @@ NSInteger CountedReading::rank() const {
 int CountedReading::reads() const { return bodyOf(*this)->reads; }
 
 NSDictionary record(std::string_view version, std::string_view path) {
-    return NSDictionary::dictionaryWithObjectsAndKeys_({stringOf(version), "version", stringOf(path), "path"});
+    return NSDictionary::dictionaryWithObjectsAndKeys_({utf8(version), "version", utf8(path), "path"});
 }
 
 NSArray byVersionThenPath() {
@@ -60,7 +59,7 @@ NSArray byVersionThenPath() {
 }
 
 std::string joinedValues(NSArray const& array, NSString const& key) {
-    return as<NSArray>(array.valueForKey_(key)).componentsJoinedByString_(" ").UTF8String();
+    return joined(as<NSArray>(array.valueForKey_(key)));
 }
 
 TEST(SortDescriptor, TellsItsKeyDirectionAndSelector) {
@@ -152,7 +151,7 @@ TEST(SortedArray, OrdersAsTheMessagesDo) {
     std::vector<id> words;
     for (std::string_view const word : {"b", "B", "a_",  "a-", "aB", "ab", "A",  "",  "_",  "[", "Z",
                                         "z", "~", "a b", "é",  "e",  "É",  "ss", "ß", "10", "9"})
-        words.push_back(stringOf(word));
+        words.push_back(utf8(word));
     NSArray const array = NSArray::arrayWithVector(words);
     for (SEL const selector : {SEL("compare:"), SEL("caseInsensitiveCompare:")}) {
         NSArray const sorted = array.sortedArrayUsingSelector_(selector);

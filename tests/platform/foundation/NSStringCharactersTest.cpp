@@ -1,6 +1,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSCharacterSet.h"
+#include "tests/support/ObjectTexts.h"
 #include <array>
 #include <gtest/gtest.h>
 
@@ -11,8 +12,6 @@ namespace {
 NSCharacterSet set(NSString const& characters) {
     return NSCharacterSet::characterSetWithCharactersInString_(characters);
 }
-
-std::string joinedByBars(NSArray const& components) { return components.componentsJoinedByString_("|").UTF8String(); }
 
 } // namespace
 
@@ -32,10 +31,10 @@ TEST(NSStringCharacters, FindsWholeCharactersOfASet) {
 }
 
 TEST(NSStringCharacters, SplitsAtEachCharacterOfASet) {
-    EXPECT_EQ(joinedByBars(NSString("a,b;c").componentsSeparatedByCharactersInSet_(set(",;"))), "a|b|c");
-    EXPECT_EQ(joinedByBars(NSString(",a,;").componentsSeparatedByCharactersInSet_(set(",;"))), "|a||");
-    EXPECT_EQ(joinedByBars(NSString("a\U0001F600b").componentsSeparatedByCharactersInSet_(set("\U0001F600"))), "a|b");
-    EXPECT_EQ(joinedByBars(NSString("abc").componentsSeparatedByCharactersInSet_(set("x"))), "abc");
+    EXPECT_EQ(joined(NSString("a,b;c").componentsSeparatedByCharactersInSet_(set(",;")), "|"), "a|b|c");
+    EXPECT_EQ(joined(NSString(",a,;").componentsSeparatedByCharactersInSet_(set(",;")), "|"), "|a||");
+    EXPECT_EQ(joined(NSString("a\U0001F600b").componentsSeparatedByCharactersInSet_(set("\U0001F600")), "|"), "a|b");
+    EXPECT_EQ(joined(NSString("abc").componentsSeparatedByCharactersInSet_(set("x")), "|"), "abc");
     EXPECT_EQ(NSString("").componentsSeparatedByCharactersInSet_(set("x")).count(), 1U);
     EXPECT_THROW(NSString("a").componentsSeparatedByCharactersInSet_(nil), NSInvalidArgumentException);
     EXPECT_TRUE(NSString(nil).componentsSeparatedByCharactersInSet_(set("x")) == nil);

@@ -1,5 +1,6 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <memory>
 #include <set>
@@ -8,12 +9,6 @@
 namespace mac::test {
 
 namespace {
-
-NSData encodedData(std::string_view bytes) { return NSData::dataWithBytes(std::as_bytes(std::span(bytes))); }
-
-std::string encodedBytes(NSData const& data) {
-    return {reinterpret_cast<char const*>(data.bytes()), data.span().size()};
-}
 
 struct Encoded {
     NSStringEncoding encoding;
@@ -36,19 +31,18 @@ TEST(NSStringEncodings, HoldTextBothWays) {
              Encoded{NSUTF32BigEndianStringEncoding, std::string_view("\0\1\xF6\1", 4), u"\U0001F601"},
              Encoded{NSUTF32LittleEndianStringEncoding, std::string_view("\1\xF6\1\0", 4), u"\U0001F601"},
          }) {
-        EXPECT_EQ(encoded.text,
-                  NSString::stringWithData_encoding_(encodedData(encoded.bytes), encoded.encoding).codeUnits());
+        EXPECT_EQ(encoded.text, NSString::stringWithData_encoding_(bytes(encoded.bytes), encoded.encoding).codeUnits());
         EXPECT_EQ(encoded.bytes,
-                  encodedBytes(NSString::stringWithCodeUnits(encoded.text).dataUsingEncoding_(encoded.encoding)));
+                  bytesOf(NSString::stringWithCodeUnits(encoded.text).dataUsingEncoding_(encoded.encoding)));
     }
 }
 
 TEST(NSStringEncodings, AreNilForWhatTheyCannotHold) {
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("\x80"), NSASCIIStringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("\xFF"), NSUTF8StringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("\xFE"), NSNEXTSTEPStringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("abc"), NSUnicodeStringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("a"), static_cast<NSStringEncoding>(12345)) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("\x80"), NSASCIIStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("\xFF"), NSUTF8StringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("\xFE"), NSNEXTSTEPStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("abc"), NSUnicodeStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("a"), static_cast<NSStringEncoding>(12345)) == nil);
     EXPECT_TRUE(NSString::stringWithData_encoding_(nil, NSUTF8StringEncoding) == nil);
     NSString const euro = NSString::stringWithCodeUnits(u"\u20AC");
     EXPECT_TRUE(euro.dataUsingEncoding_(NSASCIIStringEncoding) == nil);
@@ -63,9 +57,9 @@ TEST(NSStringEncodings, AreNilForWhatTheyCannotHold) {
 
 TEST(NSStringEncodings, ReadUTF16InEitherOrder) {
     EXPECT_EQ(u"\u20AC",
-              NSString::stringWithData_encoding_(encodedData("\xFF\xFE\xAC\x20"), NSUnicodeStringEncoding).codeUnits());
+              NSString::stringWithData_encoding_(bytes("\xFF\xFE\xAC\x20"), NSUnicodeStringEncoding).codeUnits());
     EXPECT_EQ(u"\u20AC",
-              NSString::stringWithData_encoding_(encodedData("\xFE\xFF\x20\xAC"), NSUnicodeStringEncoding).codeUnits());
+              NSString::stringWithData_encoding_(bytes("\xFE\xFF\x20\xAC"), NSUnicodeStringEncoding).codeUnits());
 }
 
 TEST(NSStringEncodings, WriteUTF16ThatTheyReadAgain) {
@@ -76,8 +70,8 @@ TEST(NSStringEncodings, WriteUTF16ThatTheyReadAgain) {
 }
 
 TEST(NSStringEncodings, LeaveOutTheByteOrderMarkOfUTF8) {
-    EXPECT_EQ(u"a", NSString::stringWithData_encoding_(encodedData("\xEF\xBB\xBF"
-                                                                   "a"),
+    EXPECT_EQ(u"a", NSString::stringWithData_encoding_(bytes("\xEF\xBB\xBF"
+                                                             "a"),
                                                        NSUTF8StringEncoding)
                         .codeUnits());
 }
@@ -93,9 +87,9 @@ TEST(NSStringEncodings, AgreeWithICUOnEveryByteOfMacOSRoman) {
         char const single = static_cast<char>(byte);
         char16_t expected[4]{};
         ASSERT_EQ(1, ucnv_toUChars(converter.get(), expected, 4, &single, 1, &status));
-        NSString const text = NSString::stringWithData_encoding_(encodedData({&single, 1}), NSMacOSRomanStringEncoding);
+        NSString const text = NSString::stringWithData_encoding_(bytes({&single, 1}), NSMacOSRomanStringEncoding);
         EXPECT_EQ(std::u16string_view(expected, 1), text.codeUnits()) << byte;
-        EXPECT_EQ(std::string(1, single), encodedBytes(text.dataUsingEncoding_(NSMacOSRomanStringEncoding))) << byte;
+        EXPECT_EQ(std::string(1, single), bytesOf(text.dataUsingEncoding_(NSMacOSRomanStringEncoding))) << byte;
     }
 }
 
@@ -103,10 +97,10 @@ TEST(NSStringEncodings, GiveEveryByteOfNEXTSTEPACharacterOfItsOwn) {
     std::set<std::u16string_view::value_type> seen;
     for (int byte = 0; byte < 0xFE; ++byte) {
         char const single = static_cast<char>(byte);
-        NSString const text = NSString::stringWithData_encoding_(encodedData({&single, 1}), NSNEXTSTEPStringEncoding);
+        NSString const text = NSString::stringWithData_encoding_(bytes({&single, 1}), NSNEXTSTEPStringEncoding);
         ASSERT_EQ(1U, text.length()) << byte;
         EXPECT_TRUE(seen.insert(text.characterAtIndex_(0)).second) << byte;
-        EXPECT_EQ(std::string(1, single), encodedBytes(text.dataUsingEncoding_(NSNEXTSTEPStringEncoding))) << byte;
+        EXPECT_EQ(std::string(1, single), bytesOf(text.dataUsingEncoding_(NSNEXTSTEPStringEncoding))) << byte;
     }
 }
 
@@ -122,7 +116,7 @@ TEST(NSStringEncodings, ReadWideTextInTheOrderOfItsMark) {
              WideBytes{NSUnicodeStringEncoding, "\xFE\xFF\x20\xAC"},
              WideBytes{NSUnicodeStringEncoding, "\xFF\xFE\xAC\x20"},
          })
-        EXPECT_EQ(NSString::stringWithData_encoding_(encodedData(row.bytes), row.encoding).codeUnits(), u"\u20AC");
+        EXPECT_EQ(NSString::stringWithData_encoding_(bytes(row.bytes), row.encoding).codeUnits(), u"\u20AC");
 }
 
 TEST(NSStringEncodings, ReadBackWhatTheyWriteWithAMark) {
@@ -136,11 +130,11 @@ TEST(NSStringEncodings, ReadBackWhatTheyWriteWithAMark) {
 }
 
 TEST(NSStringEncodings, AreNilForWideBytesThatAreNoText) {
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("abc"), NSUTF16BigEndianStringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData("abcde"), NSUTF32StringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData(std::string_view("\0\x11\0\0", 4)),
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("abc"), NSUTF16BigEndianStringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes("abcde"), NSUTF32StringEncoding) == nil);
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes(std::string_view("\0\x11\0\0", 4)),
                                                    NSUTF32BigEndianStringEncoding) == nil);
-    EXPECT_TRUE(NSString::stringWithData_encoding_(encodedData(std::string_view("\0\0\xD8\0", 4)),
+    EXPECT_TRUE(NSString::stringWithData_encoding_(bytes(std::string_view("\0\0\xD8\0", 4)),
                                                    NSUTF32BigEndianStringEncoding) == nil);
     EXPECT_TRUE(NSString::stringWithCodeUnits(u"\xDC80").dataUsingEncoding_(NSUTF32StringEncoding) == nil);
 }
@@ -165,7 +159,7 @@ TEST(NSStringEncodings, LoseWhatTheyCannotHoldWhereAllowed) {
                    "\x8E"
                    "a"},
          })
-        EXPECT_EQ(encodedBytes(NSString::stringWithUTF8String_(row.text).dataUsingEncoding_allowLossyConversion_(
+        EXPECT_EQ(bytesOf(NSString::stringWithUTF8String_(row.text).dataUsingEncoding_allowLossyConversion_(
                       row.encoding, YES)),
                   row.bytes)
             << row.text;
@@ -174,10 +168,10 @@ TEST(NSStringEncodings, LoseWhatTheyCannotHoldWhereAllowed) {
 TEST(NSStringEncodings, LoseNothingWhereItIsNotAllowed) {
     NSString const text = "\u00E9";
     EXPECT_TRUE(text.dataUsingEncoding_allowLossyConversion_(NSASCIIStringEncoding, NO) == nil);
-    EXPECT_EQ(encodedBytes(text.dataUsingEncoding_allowLossyConversion_(NSISOLatin1StringEncoding, YES)), "\xE9");
+    EXPECT_EQ(bytesOf(text.dataUsingEncoding_allowLossyConversion_(NSISOLatin1StringEncoding, YES)), "\xE9");
     EXPECT_TRUE(text.dataUsingEncoding_allowLossyConversion_(static_cast<NSStringEncoding>(77), YES) == nil);
-    EXPECT_EQ(encodedBytes(NSString::stringWithCodeUnits(u"a\xDC80")
-                               .dataUsingEncoding_allowLossyConversion_(NSUTF8StringEncoding, YES)),
+    EXPECT_EQ(bytesOf(NSString::stringWithCodeUnits(u"a\xDC80")
+                          .dataUsingEncoding_allowLossyConversion_(NSUTF8StringEncoding, YES)),
               "a?");
     EXPECT_TRUE(NSString(nil).dataUsingEncoding_allowLossyConversion_(NSUTF8StringEncoding, YES) == nil);
 }

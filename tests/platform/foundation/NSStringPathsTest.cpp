@@ -2,6 +2,7 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSString.h"
 #include "tests/support/Environment.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@ namespace mac::test {
 
 namespace {
 
-std::string bytesOf(NSString const& string) { return string.fileSystemRepresentation().value_or(""); }
-
 struct PathResult {
     std::string_view path;
     std::string_view result;
@@ -23,7 +22,7 @@ struct PathResult {
 std::string bracketedBytes(NSArray const& components) {
     std::string text;
     for (id const& component : components)
-        text += "[" + bytesOf(as<NSString>(component)) + "]";
+        text += "[" + fileSystemBytes(as<NSString>(component)) + "]";
     return text;
 }
 
@@ -46,7 +45,7 @@ TEST(NSStringPaths, GiveTheLastComponent) {
          {PathResult{"/tmp/scratch.tiff", "scratch.tiff"}, PathResult{"/tmp/scratch", "scratch"},
           PathResult{"/tmp/", "tmp"}, PathResult{"scratch///", "scratch"}, PathResult{"/", "/"}, PathResult{"//", "/"},
           PathResult{"", ""}, PathResult{"a", "a"}, PathResult{"/a/caf\xE9", "caf\xE9"}, PathResult{"/a/.", "."}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).lastPathComponent())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).lastPathComponent())) << row.path;
 }
 
 TEST(NSStringPaths, GiveTheExtension) {
@@ -56,7 +55,7 @@ TEST(NSStringPaths, GiveTheExtension) {
           PathResult{"/a/.hidden", ""}, PathResult{"a.", ""}, PathResult{"/a.b/c", ""}, PathResult{"/a/b.app/", "app"},
           PathResult{"a.tar.gz", "gz"}, PathResult{"", ""}, PathResult{".", ""}, PathResult{"/", ""},
           PathResult{"a.b c", "b c"}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).pathExtension())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).pathExtension())) << row.path;
 }
 
 TEST(NSStringPaths, LoseTheExtension) {
@@ -65,7 +64,7 @@ TEST(NSStringPaths, LoseTheExtension) {
           PathResult{"scratch.bundle/", "scratch"}, PathResult{"scratch..tiff", "scratch."},
           PathResult{".tiff", ".tiff"}, PathResult{"/a/.hidden", "/a/.hidden"}, PathResult{"/", "/"},
           PathResult{"", ""}, PathResult{"a.", "a"}, PathResult{"/a.b/c", "/a.b/c"}, PathResult{"a.tar.gz", "a.tar"}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByDeletingPathExtension())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByDeletingPathExtension())) << row.path;
 }
 
 TEST(NSStringPaths, LoseTheLastComponent) {
@@ -73,7 +72,7 @@ TEST(NSStringPaths, LoseTheLastComponent) {
          {PathResult{"/tmp/scratch.tiff", "/tmp"}, PathResult{"/tmp/lock/", "/tmp"}, PathResult{"/tmp/", "/"},
           PathResult{"/tmp", "/"}, PathResult{"/", "/"}, PathResult{"scratch.tiff", ""}, PathResult{"", ""},
           PathResult{"a//b", "a"}, PathResult{"//a", "/"}, PathResult{"a/b", "a"}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByDeletingLastPathComponent())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByDeletingLastPathComponent())) << row.path;
 }
 
 TEST(NSStringPaths, GainAComponent) {
@@ -86,15 +85,16 @@ TEST(NSStringPaths, GainAComponent) {
                            Row{"/", "a", "/a"}, Row{"", "a", "a"}, Row{"/tmp", "/a", "/tmp/a"}, Row{"/tmp", "", "/tmp"},
                            Row{"/tmp//x/", "a//b/", "/tmp/x/a/b"}, Row{"/", "", "/"}, Row{"", "", ""},
                            Row{"/a", "..", "/a/.."}, Row{"/a", "\xE9", "/a/\xE9"}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByAppendingPathComponent_(path(row.component))))
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByAppendingPathComponent_(path(row.component))))
             << row.path << " + " << row.component;
-    EXPECT_EQ("/a", bytesOf(path("/a").stringByAppendingPathComponent_(nil)));
+    EXPECT_EQ("/a", fileSystemBytes(path("/a").stringByAppendingPathComponent_(nil)));
 }
 
 TEST(NSStringPaths, GainAnExtension) {
-    EXPECT_EQ("/tmp/scratch.old.tiff", bytesOf(path("/tmp/scratch.old").stringByAppendingPathExtension_("tiff")));
-    EXPECT_EQ("a.", bytesOf(path("a").stringByAppendingPathExtension_("")));
-    EXPECT_EQ("/tmp.tiff", bytesOf(path("/tmp/").stringByAppendingPathExtension_("tiff")));
+    EXPECT_EQ("/tmp/scratch.old.tiff",
+              fileSystemBytes(path("/tmp/scratch.old").stringByAppendingPathExtension_("tiff")));
+    EXPECT_EQ("a.", fileSystemBytes(path("a").stringByAppendingPathExtension_("")));
+    EXPECT_EQ("/tmp.tiff", fileSystemBytes(path("/tmp/").stringByAppendingPathExtension_("tiff")));
     EXPECT_TRUE(path("/").stringByAppendingPathExtension_("tiff") == nil);
     EXPECT_TRUE(path("").stringByAppendingPathExtension_("tiff") == nil);
     EXPECT_TRUE(path("a").stringByAppendingPathExtension_("/b") == nil);
@@ -121,13 +121,13 @@ TEST(NSStringPaths, ExpandTheTilde) {
                                   PathResult{"~/a/b/", "/home/ann/a/b"}, PathResult{"/~/a", "/~/a"},
                                   PathResult{"a~", "a~"}, PathResult{"~no-such-user-here/a", "~no-such-user-here/a"},
                                   PathResult{"~\xFF/a", "~\xFF/a"}, PathResult{"", ""}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByExpandingTildeInPath())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByExpandingTildeInPath())) << row.path;
 }
 
 TEST(NSStringPaths, ExpandTheTildeOfAUser) {
     passwd const* const entry = ::getpwnam("root");
     ASSERT_NE(nullptr, entry);
-    EXPECT_EQ(std::string(entry->pw_dir) + "/a", bytesOf(path("~root/a").stringByExpandingTildeInPath()));
+    EXPECT_EQ(std::string(entry->pw_dir) + "/a", fileSystemBytes(path("~root/a").stringByExpandingTildeInPath()));
 }
 
 TEST(NSStringPaths, AbbreviateTheHomeByWholeComponents) {
@@ -135,13 +135,13 @@ TEST(NSStringPaths, AbbreviateTheHomeByWholeComponents) {
     for (PathResult const& row : {PathResult{"/home/ann", "~"}, PathResult{"/home/ann/", "~"},
                                   PathResult{"/home/ann/a", "~/a"}, PathResult{"/home/annex", "/home/annex"},
                                   PathResult{"/home", "/home"}, PathResult{"home/ann", "home/ann"}, PathResult{"", ""}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByAbbreviatingWithTildeInPath())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByAbbreviatingWithTildeInPath())) << row.path;
 }
 
 TEST(NSStringPaths, DoNotAbbreviateTheRootAsAHome) {
     EnvironmentVariable const home("HOME", "/");
-    EXPECT_EQ("/a", bytesOf(path("/a").stringByAbbreviatingWithTildeInPath()));
-    EXPECT_EQ("/a", bytesOf(path("~/a").stringByExpandingTildeInPath()));
+    EXPECT_EQ("/a", fileSystemBytes(path("/a").stringByAbbreviatingWithTildeInPath()));
+    EXPECT_EQ("/a", fileSystemBytes(path("~/a").stringByExpandingTildeInPath()));
 }
 
 TEST(NSStringPaths, TakeTheHomeFromTheUserDatabaseWhereTheVariableIsNone) {
@@ -149,9 +149,9 @@ TEST(NSStringPaths, TakeTheHomeFromTheUserDatabaseWhereTheVariableIsNone) {
     ASSERT_NE(nullptr, entry);
     for (std::optional<std::string> const& value : {std::optional<std::string>(), {""}, {"relative/home"}}) {
         EnvironmentVariable const home("HOME", value);
-        EXPECT_EQ(entry->pw_dir, bytesOf(NSHomeDirectory()));
+        EXPECT_EQ(entry->pw_dir, fileSystemBytes(NSHomeDirectory()));
     }
-    EXPECT_EQ(entry->pw_name, bytesOf(NSUserName()));
+    EXPECT_EQ(entry->pw_name, fileSystemBytes(NSUserName()));
 }
 
 TEST(NSStringPaths, AreStandardizedByName) {
@@ -162,26 +162,26 @@ TEST(NSStringPaths, AreStandardizedByName) {
           PathResult{"../a", "../a"}, PathResult{"./a", "a"}, PathResult{".", "."}, PathResult{"a/.", "a"},
           PathResult{"~/a/..", "/home/ann"}, PathResult{"/", "/"}, PathResult{"//", "/"}, PathResult{"", ""},
           PathResult{"/a/...", "/a/..."}, PathResult{"/caf\xE9/.", "/caf\xE9"}})
-        EXPECT_EQ(row.result, bytesOf(path(row.path).stringByStandardizingPath())) << row.path;
+        EXPECT_EQ(row.result, fileSystemBytes(path(row.path).stringByStandardizingPath())) << row.path;
 }
 
 TEST(NSStringPaths, LosePrivateOnlyWhereTheRestExists) {
-    EXPECT_EQ("/tmp", bytesOf(path("/private/tmp").stringByStandardizingPath()));
-    EXPECT_EQ("/private/no-such-folder", bytesOf(path("/private/no-such-folder").stringByStandardizingPath()));
-    EXPECT_EQ("/private", bytesOf(path("/private").stringByStandardizingPath()));
-    EXPECT_EQ("/privateer/tmp", bytesOf(path("/privateer/tmp").stringByStandardizingPath()));
+    EXPECT_EQ("/tmp", fileSystemBytes(path("/private/tmp").stringByStandardizingPath()));
+    EXPECT_EQ("/private/no-such-folder", fileSystemBytes(path("/private/no-such-folder").stringByStandardizingPath()));
+    EXPECT_EQ("/private", fileSystemBytes(path("/private").stringByStandardizingPath()));
+    EXPECT_EQ("/privateer/tmp", fileSystemBytes(path("/privateer/tmp").stringByStandardizingPath()));
 }
 
 class SymbolicLinks : public testing::Test {
 protected:
     // The temporary folder may lie behind a link itself.
-    SymbolicLinks() : m_root(bytesOf(path(m_folder.path()).stringByResolvingSymlinksInPath())) {}
+    SymbolicLinks() : m_root(fileSystemBytes(path(m_folder.path()).stringByResolvingSymlinksInPath())) {}
 
     void link(std::string const& target, std::string_view name) const {
         ASSERT_EQ(0, ::symlink(target.c_str(), m_folder.path(name).c_str()));
     }
     std::string resolved(std::string_view relative) const {
-        return bytesOf(path(m_folder.path(relative)).stringByResolvingSymlinksInPath());
+        return fileSystemBytes(path(m_folder.path(relative)).stringByResolvingSymlinksInPath());
     }
 
     TemporaryFolder m_folder;
@@ -223,13 +223,13 @@ TEST_F(SymbolicLinks, OfOtherBytesThanUTF8AreFollowed) {
 }
 
 TEST_F(SymbolicLinks, AreNotFollowedInRelativePaths) {
-    EXPECT_EQ("a/../b", bytesOf(path("./a/../b").stringByResolvingSymlinksInPath()));
+    EXPECT_EQ("a/../b", fileSystemBytes(path("./a/../b").stringByResolvingSymlinksInPath()));
 }
 
 TEST_F(SymbolicLinks, AreNotFollowedByStandardizing) {
     m_folder.makeFolder("real/inner");
     link("real/inner", "short");
-    EXPECT_EQ(m_folder.path(), bytesOf(path(m_folder.path("short/..")).stringByStandardizingPath()));
+    EXPECT_EQ(m_folder.path(), fileSystemBytes(path(m_folder.path("short/..")).stringByStandardizingPath()));
 }
 
 TEST_F(SymbolicLinks, AreLeftInPathsTooLongForTheSystem) {

@@ -1,12 +1,11 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
 
 namespace {
-
-NSString string(std::string_view text) { return NSString::stringWithUTF8String_(text); }
 
 struct Replacement {
     std::string_view text;
@@ -38,15 +37,15 @@ TEST(NSStringReplacing, ReplacesWhatTheSearchFinds) {
              Replacement{"\u00E9\u00E9\u00E9", "\u00E9\u00E9", "x", NSBackwardsSearch, "\u00E9x", 1},
          }) {
         SCOPED_TRACE(row.text);
-        NSMutableString const text = NSMutableString::stringWithString_(string(row.text));
-        EXPECT_EQ(text.replaceOccurrencesOfString_withString_options_range_(string(row.target), string(row.replacement),
+        NSMutableString const text = NSMutableString::stringWithString_(utf8(row.text));
+        EXPECT_EQ(text.replaceOccurrencesOfString_withString_options_range_(utf8(row.target), utf8(row.replacement),
                                                                             row.options, {0, text.length()}),
                   row.count);
         EXPECT_EQ(text.UTF8String(), row.result);
-        NSString const original = string(row.text);
+        NSString const original = utf8(row.text);
         EXPECT_EQ(original
                       .stringByReplacingOccurrencesOfString_withString_options_range_(
-                          string(row.target), string(row.replacement), row.options, {0, original.length()})
+                          utf8(row.target), utf8(row.replacement), row.options, {0, original.length()})
                       .UTF8String(),
                   row.result);
     }

@@ -2,6 +2,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "tests/platform/foundation/Parcel.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/URLs.h"
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -9,12 +10,6 @@
 namespace mac::test {
 
 namespace {
-
-NSURL url(std::string_view string) { return NSURL::URLWithString_(NSString::stringWithUTF8String_(string)); }
-
-NSURL url(std::string_view string, std::string_view base) {
-    return NSURL::URLWithString_relativeToURL_(NSString::stringWithUTF8String_(string), url(base));
-}
 
 // What tests expect of a part that is not there.
 std::string const noPart = "(none)";

@@ -131,8 +131,6 @@ Parcel chain(int length) {
     return first;
 }
 
-std::string text(id const& object) { return object == nil ? "-" : object.description().UTF8String(); }
-
 void onThreads(unsigned count, std::function<void(unsigned)> const& function) {
     std::vector<std::thread> threads;
     threads.reserve(count);
@@ -141,8 +139,6 @@ void onThreads(unsigned count, std::function<void(unsigned)> const& function) {
     for (std::thread& thread : threads)
         thread.join();
 }
-
-std::string joined(NSArray const& array) { return text(array.componentsJoinedByString_(" ")); }
 
 NSArray words(std::initializer_list<char const*> words) {
     NSMutableArray const made = NSMutableArray::array();

@@ -3,6 +3,7 @@
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSString.h"
+#include "tests/support/ObjectTexts.h"
 #include <atomic>
 #include <functional>
 #include <string>
@@ -118,13 +119,9 @@ public:
 
 // Parcels a, b, c …, each the next of the one before.
 Parcel chain(int length);
-// The description as UTF-8; "-" for nil.
-std::string text(id const& object);
 // Calls the function on so many threads at once, with their numbers, and waits for them.
 void onThreads(unsigned count, std::function<void(unsigned)> const& function);
 // An array of the strings.
 NSArray words(std::initializer_list<char const*> words);
-// The elements' descriptions with a space between; "-" for nil.
-std::string joined(NSArray const& array);
 
 }

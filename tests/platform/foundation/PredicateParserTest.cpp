@@ -2,6 +2,7 @@
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSPredicate.h"
+#include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -9,16 +10,14 @@ namespace mac::test {
 
 namespace {
 
-NSString predicateText(std::string_view utf8) { return NSString::stringWithUTF8String_(utf8); }
-
 std::string formatOf(std::string_view format) {
-    return NSPredicate::predicateWithFormat_(predicateText(format)).predicateFormat().UTF8String();
+    return NSPredicate::predicateWithFormat_(utf8(format)).predicateFormat().UTF8String();
 }
 
 template <class... Arguments>
 std::string errorOf(std::string_view format, Arguments const&... arguments) {
     try {
-        NSPredicate::predicateWithFormat_(predicateText(format), arguments...);
+        NSPredicate::predicateWithFormat_(utf8(format), arguments...);
     } catch (NSInvalidArgumentException const& error) {
         return error.reason();
     }
@@ -66,8 +65,8 @@ TEST(PredicateText, WritesItselfAsTextThatMakesItAgain) {
 TEST(PredicateText, WritesReservedKeysAndOddKeysSoThatTheyReadBack) {
     for (std::string_view const key :
          {"in", "SELF", "self.x", "Size", "any.x", "two words", "a-b", "1st", "a..b", "quote\"d", "\u00e9t\u00e9"}) {
-        NSDictionary const object = NSDictionary::dictionaryWithObject_forKey_("v", predicateText(key));
-        NSPredicate const predicate = NSPredicate::predicateWithFormat_("%K == 'v'", predicateText(key));
+        NSDictionary const object = NSDictionary::dictionaryWithObject_forKey_("v", utf8(key));
+        NSPredicate const predicate = NSPredicate::predicateWithFormat_("%K == 'v'", utf8(key));
         NSPredicate const again = NSPredicate::predicateWithFormat_(predicate.predicateFormat());
         EXPECT_TRUE(again.isEqual_(predicate)) << predicate.predicateFormat().UTF8String();
         if (key.find('.') == std::string_view::npos) {
@@ -130,7 +129,7 @@ TEST(PredicateText, TakesAThousandConditionsInARow) {
     for (int index = 0; index < 1000; ++index)
         format += " AND version == 210";
     EXPECT_TRUE(
-        NSPredicate::predicateWithFormat_(predicateText(format))
+        NSPredicate::predicateWithFormat_(utf8(format))
             .evaluateWithObject_(NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithInt_(210), "version")));
 }
 

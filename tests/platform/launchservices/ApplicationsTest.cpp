@@ -4,16 +4,13 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/URLs.h"
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace mac::test {
 namespace {
-
-NSURL applicationURL(std::string_view bytes) {
-    return NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(bytes));
-}
 
 std::string find(NSString const& identifier, NSString const& name = nil, OSType creator = kLSUnknownCreator) {
     NSURL url;
@@ -70,7 +67,7 @@ TEST_F(Applications, AreFoundByIdentifierThenNameThenCreator) {
 
 TEST_F(Applications, ThatAreRegisteredAreFoundAnywhereAsLongAsTheyAreThere) {
     std::string const bundle = makeApplication("elsewhere/Registered.app", "com.example.registered");
-    EXPECT_EQ(LSRegisterURL(applicationURL(bundle), YES), noErr);
+    EXPECT_EQ(LSRegisterURL(fileURL(bundle), YES), noErr);
     EXPECT_EQ(find("com.example.registered"), bundle);
     std::string const newer = makeApplication("newer/Registered.app", "com.example.registered");
     FSRef ref{};
@@ -99,16 +96,16 @@ TEST_F(Applications, ThatAreRegisteredDeclareTheirTypes) {
         UTExportedTypeDeclarations = ({UTTypeIdentifier = com.example.t.page; UTTypeConformsTo = public.text;
         UTTypeTagSpecification = {"public.filename-extension" = tpage;};});})");
     EXPECT_FALSE(UTTypeConformsTo("com.example.t.page", "public.text"));
-    EXPECT_EQ(LSRegisterURL(applicationURL(bundle), YES), noErr);
+    EXPECT_EQ(LSRegisterURL(fileURL(bundle), YES), noErr);
     EXPECT_TRUE(UTTypeConformsTo("com.example.t.page", "public.text"));
     EXPECT_TRUE(UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, "tpage", nil)
                     .isEqualToString_("com.example.t.page"));
 }
 
 TEST_F(Applications, ThatAreNoneAreNotRegistered) {
-    EXPECT_EQ(LSRegisterURL(applicationURL(m_folder.path("none.app")), YES), fnfErr);
-    EXPECT_EQ(LSRegisterURL(applicationURL(m_folder.makeFolder("folder")), YES), kLSDataErr);
-    EXPECT_EQ(LSRegisterURL(applicationURL(m_folder.makeFolder("empty.app")), YES), kLSDataErr);
+    EXPECT_EQ(LSRegisterURL(fileURL(m_folder.path("none.app")), YES), fnfErr);
+    EXPECT_EQ(LSRegisterURL(fileURL(m_folder.makeFolder("folder")), YES), kLSDataErr);
+    EXPECT_EQ(LSRegisterURL(fileURL(m_folder.makeFolder("empty.app")), YES), kLSDataErr);
     EXPECT_EQ(LSRegisterURL(nil, YES), paramErr);
     EXPECT_EQ(LSRegisterFSRef(nullptr, YES), paramErr);
     FSRef const none{};
@@ -116,7 +113,7 @@ TEST_F(Applications, ThatAreNoneAreNotRegistered) {
 }
 
 TEST_F(Applications, AreNotAnsweredWhereThereAreNone) {
-    NSURL url = applicationURL("/");
+    NSURL url = fileURL("/");
     EXPECT_EQ(LSFindApplicationForInfo(kLSUnknownCreator, "com.example.none", nil, nullptr, &url),
               kLSApplicationNotFoundErr);
     EXPECT_EQ(LSFindApplicationForInfo(kLSUnknownCreator, nil, nil, nullptr, &url), paramErr);

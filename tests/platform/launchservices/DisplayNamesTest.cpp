@@ -5,15 +5,12 @@
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/URLs.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace mac::test {
 namespace {
-
-NSURL urlOf(std::string_view bytes) {
-    return NSURL::fileURLWithPath_(NSString::stringWithFileSystemRepresentation_(bytes));
-}
 
 std::string information(std::string_view name) {
     return R"(<plist version="1.0"><dict><key>CFBundleDisplayName</key><string>)" + std::string(name) +
@@ -24,7 +21,7 @@ class DisplayNames : public testing::Test {
 protected:
     std::string nameOf(std::string_view name) const {
         NSString result = "untouched";
-        EXPECT_EQ(LSCopyDisplayNameForURL(urlOf(m_folder.path(name)), &result), noErr);
+        EXPECT_EQ(LSCopyDisplayNameForURL(fileURL(m_folder.path(name)), &result), noErr);
         return result.fileSystemRepresentation().value_or("");
     }
     void hideExtension(std::string const& item) const {
@@ -34,7 +31,7 @@ protected:
     }
     bool isExtensionHidden(std::string_view name) const {
         LSItemInfoRecord record;
-        EXPECT_EQ(LSCopyItemInfoForURL(urlOf(m_folder.path(name)), kLSRequestExtensionFlagsOnly, &record), noErr);
+        EXPECT_EQ(LSCopyItemInfoForURL(fileURL(m_folder.path(name)), kLSRequestExtensionFlagsOnly, &record), noErr);
         return record.flags == kLSItemInfoExtensionIsHidden;
     }
 
@@ -130,16 +127,16 @@ TEST_F(DisplayNames, AreTheSameForAReference) {
     EXPECT_EQ(LSCopyDisplayNameForRef(&ref, &name), noErr);
     EXPECT_TRUE(name.isEqualToString_("a"));
     NSString root;
-    EXPECT_EQ(LSCopyDisplayNameForURL(urlOf("/"), &root), noErr);
+    EXPECT_EQ(LSCopyDisplayNameForURL(fileURL("/"), &root), noErr);
     EXPECT_TRUE(root.isEqualToString_("/"));
 }
 
 TEST_F(DisplayNames, AreLeftWhereThereIsNothing) {
     NSString name = "untouched";
-    EXPECT_EQ(LSCopyDisplayNameForURL(urlOf(m_folder.path("none")), &name), fnfErr);
+    EXPECT_EQ(LSCopyDisplayNameForURL(fileURL(m_folder.path("none")), &name), fnfErr);
     EXPECT_EQ(LSCopyDisplayNameForURL(nil, &name), paramErr);
     EXPECT_EQ(LSCopyDisplayNameForURL(NSURL::URLWithString_("http://a/b"), &name), paramErr);
-    EXPECT_EQ(LSCopyDisplayNameForURL(urlOf("/"), nullptr), paramErr);
+    EXPECT_EQ(LSCopyDisplayNameForURL(fileURL("/"), nullptr), paramErr);
     FSRef const none{};
     EXPECT_EQ(LSCopyDisplayNameForRef(&none, &name), fnfErr);
     EXPECT_EQ(LSCopyDisplayNameForRef(nullptr, &name), paramErr);

@@ -3,6 +3,8 @@
 #include "platform/files/FinderInformation.h"
 #include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
+#include "tests/support/URLs.h"
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -11,14 +13,11 @@
 namespace mac::test {
 namespace {
 
-NSString path(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
-NSURL itemURL(std::string_view bytes) { return NSURL::fileURLWithPath_(path(bytes)); }
-
 class ItemInformation : public testing::Test {
 protected:
     LSItemInfoRecord recordOf(std::string_view name, LSRequestedInfo which) const {
         LSItemInfoRecord record;
-        EXPECT_EQ(LSCopyItemInfoForURL(itemURL(m_folder.path(name)), which, &record), noErr);
+        EXPECT_EQ(LSCopyItemInfoForURL(fileURL(m_folder.path(name)), which, &record), noErr);
         return record;
     }
     LSItemInfoFlags basicFlags(std::string_view name) const { return recordOf(name, kLSRequestBasicFlagsOnly).flags; }
@@ -86,7 +85,7 @@ TEST_F(ItemInformation, HidesNamesThatBeginWithADot) {
 
 TEST_F(ItemInformation, TellsThatTheRootIsAVolume) {
     LSItemInfoRecord record;
-    ASSERT_EQ(LSCopyItemInfoForURL(itemURL("/"), kLSRequestBasicFlagsOnly, &record), noErr);
+    ASSERT_EQ(LSCopyItemInfoForURL(fileURL("/"), kLSRequestBasicFlagsOnly, &record), noErr);
     EXPECT_EQ(record.flags, kLSItemInfoIsContainer | kLSItemInfoIsVolume);
 }
 
@@ -140,10 +139,10 @@ TEST_F(ItemInformation, IsTheSameForAReference) {
 TEST_F(ItemInformation, LeavesTheRecordWhenItFails) {
     LSItemInfoRecord record;
     record.flags = 77;
-    EXPECT_EQ(LSCopyItemInfoForURL(itemURL(m_folder.path("none")), kLSRequestAllInfo, &record), fnfErr);
+    EXPECT_EQ(LSCopyItemInfoForURL(fileURL(m_folder.path("none")), kLSRequestAllInfo, &record), fnfErr);
     EXPECT_EQ(LSCopyItemInfoForURL(NSURL::URLWithString_("http://host/a"), kLSRequestAllInfo, &record), paramErr);
     EXPECT_EQ(LSCopyItemInfoForURL(nil, kLSRequestAllInfo, &record), paramErr);
-    EXPECT_EQ(LSCopyItemInfoForURL(itemURL("/"), kLSRequestAllInfo, nullptr), paramErr);
+    EXPECT_EQ(LSCopyItemInfoForURL(fileURL("/"), kLSRequestAllInfo, nullptr), paramErr);
     FSRef const none{};
     EXPECT_EQ(LSCopyItemInfoForRef(&none, kLSRequestAllInfo, &record), fnfErr);
     EXPECT_EQ(LSCopyItemInfoForRef(nullptr, kLSRequestAllInfo, &record), paramErr);

@@ -29,10 +29,10 @@ TEST(Processes, TellWhichBundleAChildRunsFrom) {
     TemporaryFolder const folder;
     ChildProcess const child({copyInBundle(folder, "Mirror Frame.app", "com.tidelark.mirrorframe")});
     NSDictionary const information = informationOf(numberOf(child));
-    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("Mirror Frame.app"));
-    EXPECT_EQ(text(information, kCFBundleIdentifierKey), "com.tidelark.mirrorframe");
-    EXPECT_EQ(text(information, kCFBundleExecutableKey), folder.path("Mirror Frame.app/Contents/Linux/cat"));
-    EXPECT_EQ(text(information, kCFBundleNameKey), "cat");
+    EXPECT_EQ(textAt(information, kIOBundlePathKey), folder.path("Mirror Frame.app"));
+    EXPECT_EQ(textAt(information, kCFBundleIdentifierKey), "com.tidelark.mirrorframe");
+    EXPECT_EQ(textAt(information, kCFBundleExecutableKey), folder.path("Mirror Frame.app/Contents/Linux/cat"));
+    EXPECT_EQ(textAt(information, kCFBundleNameKey), "cat");
     EXPECT_EQ(as<NSNumber>(information.objectForKey_("pid")).intValue(), child.pid());
 }
 
@@ -59,13 +59,13 @@ TEST(Processes, GiveTheirNumberAsOneInteger) {
 TEST(Processes, TellTheInnermostBundleAndNoneWhereThereIsNone) {
     TemporaryFolder const folder;
     ChildProcess const inner({copyInBundle(folder, "A.app/Contents/Library/B.app", "b")});
-    EXPECT_EQ(text(informationOf(numberOf(inner)), kIOBundlePathKey), folder.path("A.app/Contents/Library/B.app"));
+    EXPECT_EQ(textAt(informationOf(numberOf(inner)), kIOBundlePathKey), folder.path("A.app/Contents/Library/B.app"));
     for (char const* const path : {"plain/cat", ".app/Contents/cat", "C.app/cat"}) {
         ChildProcess const child({copyOfCat(folder, path)});
         NSDictionary const information = informationOf(numberOf(child));
         EXPECT_TRUE(information.objectForKey_(kIOBundlePathKey) == nil) << path;
         EXPECT_TRUE(information.objectForKey_(kCFBundleIdentifierKey) == nil) << path;
-        EXPECT_EQ(text(information, kCFBundleNameKey), "cat") << path;
+        EXPECT_EQ(textAt(information, kCFBundleNameKey), "cat") << path;
     }
 }
 
@@ -73,7 +73,7 @@ TEST(Processes, RunFromABundleWithoutAnInformationFile) {
     TemporaryFolder const folder;
     ChildProcess const child({copyOfCat(folder, "A.app/Contents/Linux/cat")});
     NSDictionary const information = informationOf(numberOf(child));
-    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app"));
+    EXPECT_EQ(textAt(information, kIOBundlePathKey), folder.path("A.app"));
     EXPECT_TRUE(information.objectForKey_(kCFBundleIdentifierKey) == nil);
 }
 
@@ -214,7 +214,7 @@ TEST(Processes, AnswerAnErrorForANullPointer) {
 TEST(Processes, MayBeCalledAnything) {
     TemporaryFolder const folder;
     ChildProcess const child({copyOfCat(folder, "a) Z 1 (b")});
-    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleNameKey), "a) Z 1 (b");
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kCFBundleNameKey), "a) Z 1 (b");
 }
 
 TEST(Processes, KeepTheNameOfAProgramThatWasDeleted) {
@@ -223,10 +223,10 @@ TEST(Processes, KeepTheNameOfAProgramThatWasDeleted) {
     ChildProcess const child({path});
     ASSERT_EQ(::unlink(path.c_str()), 0);
     NSDictionary const information = informationOf(numberOf(child));
-    EXPECT_EQ(text(information, kCFBundleExecutableKey), path);
-    EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app"));
+    EXPECT_EQ(textAt(information, kCFBundleExecutableKey), path);
+    EXPECT_EQ(textAt(information, kIOBundlePathKey), folder.path("A.app"));
     ChildProcess const marked({copyOfCat(folder, "cat (deleted)")});
-    EXPECT_EQ(text(informationOf(numberOf(marked)), kCFBundleNameKey), "cat (deleted)");
+    EXPECT_EQ(textAt(informationOf(numberOf(marked)), kCFBundleNameKey), "cat (deleted)");
 }
 
 TEST(Processes, AreKnownByTheNewPathOfAProgramThatWasRenamed) {
@@ -234,10 +234,10 @@ TEST(Processes, AreKnownByTheNewPathOfAProgramThatWasRenamed) {
     std::string const path = copyInBundle(folder, "A.app", "a");
     ChildProcess const child({path});
     ASSERT_EQ(::rename(path.c_str(), folder.path("A.app/Contents/Linux/other").c_str()), 0);
-    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleNameKey), "other");
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kCFBundleNameKey), "other");
     ASSERT_EQ(::rename(folder.path("A.app").c_str(), folder.path("B.app").c_str()), 0);
-    EXPECT_EQ(text(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("B.app"));
-    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleIdentifierKey), "a");
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("B.app"));
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kCFBundleIdentifierKey), "a");
 }
 
 TEST(Processes, KeepTheNameOfAProgramThatWasReplaced) {
@@ -245,8 +245,8 @@ TEST(Processes, KeepTheNameOfAProgramThatWasReplaced) {
     std::string const path = copyInBundle(folder, "A.app", "a");
     ChildProcess const child({path});
     ASSERT_EQ(::rename(copyOfCat(folder, "new").c_str(), path.c_str()), 0);
-    EXPECT_EQ(text(informationOf(numberOf(child)), kCFBundleExecutableKey), path);
-    EXPECT_EQ(text(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("A.app"));
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kCFBundleExecutableKey), path);
+    EXPECT_EQ(textAt(informationOf(numberOf(child)), kIOBundlePathKey), folder.path("A.app"));
 }
 
 TEST(Processes, AreAskedToEnd) {
@@ -266,9 +266,9 @@ TEST(Processes, RunFromTheBundleOfTheirScript) {
         ChildProcess const child(command);
         ASSERT_EQ(child.readLine(), "ready");
         NSDictionary const information = informationOf(numberOf(child));
-        EXPECT_EQ(text(information, kIOBundlePathKey), folder.path("A.app")) << command.back();
-        EXPECT_EQ(text(information, kCFBundleIdentifierKey), "a") << command.back();
-        EXPECT_EQ(text(information, kCFBundleExecutableKey), command.front() == "/bin/sh" ? inside : script);
+        EXPECT_EQ(textAt(information, kIOBundlePathKey), folder.path("A.app")) << command.back();
+        EXPECT_EQ(textAt(information, kCFBundleIdentifierKey), "a") << command.back();
+        EXPECT_EQ(textAt(information, kCFBundleExecutableKey), command.front() == "/bin/sh" ? inside : script);
     }
 }
 

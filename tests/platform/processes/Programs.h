@@ -47,7 +47,7 @@ inline NSDictionary informationOf(ProcessSerialNumber psn) {
     return ProcessInformationCopyDictionary(&psn, kProcessDictionaryIncludeAllInformationMask);
 }
 
-inline std::string text(NSDictionary const& information, NSString const& key) {
+inline std::string textAt(NSDictionary const& information, NSString const& key) {
     return as<NSString>(information.objectForKey_(key)).UTF8String();
 }
 

@@ -5,6 +5,7 @@
 #include "platform/system/FileDescriptor.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/FileLocks.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -18,14 +19,6 @@ namespace {
 using Names = std::vector<std::string>;
 
 NSFileManager manager() { return NSFileManager::defaultManager(); }
-std::string text(id const& string) { return as<NSString>(string).fileSystemRepresentation().value_or("-"); }
-
-Names names(NSArray const& array) {
-    Names result;
-    for (id const& name : array)
-        result.push_back(text(name));
-    return result;
-}
 
 NSDictionary permissions(unsigned mode) {
     return NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithUnsignedInt_(mode), NSFilePosixPermissions);
@@ -44,9 +37,9 @@ TEST_F(NSFileManagerContents, OfAFolderAreItsNames) {
     m_folder.makeFile(".hidden", "");
     m_folder.makeFile("n\xFF", "");
     ASSERT_EQ(::symlink("a", m_folder.path("link").c_str()), 0);
-    EXPECT_EQ(names(manager().directoryContentsAtPath_(path(m_folder.path()))),
+    EXPECT_EQ(fileSystemBytesOfEach(manager().directoryContentsAtPath_(path(m_folder.path()))),
               (Names{".hidden", "a", "b", "link", "n\xFF"}));
-    EXPECT_EQ(names(manager().directoryContentsAtPath_(at("link"))), Names{"inner"});
+    EXPECT_EQ(fileSystemBytesOfEach(manager().directoryContentsAtPath_(at("link"))), Names{"inner"});
     EXPECT_EQ(manager().directoryContentsAtPath_(path(m_folder.makeFolder("empty"))).count(), 0U);
     EXPECT_TRUE(manager().directoryContentsAtPath_(at("b")) == nil);
     EXPECT_TRUE(manager().directoryContentsAtPath_(at("none")) == nil);
@@ -54,7 +47,7 @@ TEST_F(NSFileManagerContents, OfAFolderAreItsNames) {
     EXPECT_TRUE(NSFileManager(nil).directoryContentsAtPath_("/") == nil);
     LongFolder folder;
     folder.makeFile("file", "");
-    EXPECT_EQ(names(manager().directoryContentsAtPath_(path(folder.path()))), Names{"file"});
+    EXPECT_EQ(fileSystemBytesOfEach(manager().directoryContentsAtPath_(path(folder.path()))), Names{"file"});
 }
 
 TEST_F(NSFileManagerContents, AreEnumeratedAllTheWayDown) {
@@ -63,9 +56,9 @@ TEST_F(NSFileManagerContents, AreEnumeratedAllTheWayDown) {
     m_folder.makeFolder("e");
     ASSERT_EQ(::symlink(".", m_folder.path("loop").c_str()), 0);
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
-    EXPECT_EQ(names(all.allObjects()), (Names{"a", "a/b", "a/b/c", "a/d", "e", "loop"}));
+    EXPECT_EQ(fileSystemBytesOfEach(all.allObjects()), (Names{"a", "a/b", "a/b/c", "a/d", "e", "loop"}));
     EXPECT_TRUE(all.nextObject() == nil);
-    EXPECT_EQ(names(manager().enumeratorAtPath_(at("loop")).allObjects()).size(), 6U);
+    EXPECT_EQ(fileSystemBytesOfEach(manager().enumeratorAtPath_(at("loop")).allObjects()).size(), 6U);
     EXPECT_TRUE(manager().enumeratorAtPath_(at("a/d")) == nil);
     EXPECT_TRUE(manager().enumeratorAtPath_(at("none")) == nil);
     EXPECT_TRUE(manager().enumeratorAtPath_(nil) == nil);
@@ -78,11 +71,11 @@ TEST_F(NSFileManagerContents, AreEnumeratedWithTheirAttributes) {
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
     EXPECT_TRUE(all.fileAttributes() == nil);
     EXPECT_TRUE(all.directoryAttributes().fileType().isEqualToString_(NSFileTypeDirectory));
-    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a");
     EXPECT_TRUE(all.fileAttributes().fileType().isEqualToString_(NSFileTypeDirectory));
-    EXPECT_EQ(text(all.nextObject()), "a/file");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a/file");
     EXPECT_EQ(all.fileAttributes().fileSize(), 3U);
-    EXPECT_EQ(text(all.nextObject()), "link");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "link");
     EXPECT_TRUE(all.fileAttributes().fileType().isEqualToString_(NSFileTypeSymbolicLink));
     EXPECT_TRUE(all.nextObject() == nil);
     EXPECT_TRUE(all.fileAttributes() == nil);
@@ -95,10 +88,10 @@ TEST_F(NSFileManagerContents, AreEnumeratedWithoutWhatIsSkipped) {
     m_folder.makeFile("a/file", "");
     m_folder.makeFile("b/file", "");
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
-    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a");
     all.skipDescendents();
-    EXPECT_EQ(text(all.nextObject()), "b");
-    EXPECT_EQ(text(all.nextObject()), "b/file");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "b");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "b/file");
     all.skipDescendents();
     EXPECT_TRUE(all.nextObject() == nil);
 }
@@ -107,10 +100,10 @@ TEST_F(NSFileManagerContents, MayGoWhileTheyAreEnumerated) {
     m_folder.makeFile("a/file", "");
     m_folder.makeFile("b", "");
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(path(m_folder.path()));
-    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a");
     ASSERT_EQ(::unlink(m_folder.path("a/file").c_str()), 0);
     ASSERT_EQ(::rmdir(m_folder.path("a").c_str()), 0);
-    EXPECT_EQ(text(all.nextObject()), "b");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "b");
 }
 
 TEST_F(NSFileManagerContents, OfAFileAreItsBytes) {
@@ -191,12 +184,12 @@ TEST_F(NSFileManagerContents, AreEnumeratedWhereverTheFolderGoes) {
     m_folder.makeFile("folder/a/file", "1");
     m_folder.makeFile("folder/b", "22");
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(at("folder"));
-    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a");
     ASSERT_EQ(::rename(m_folder.path("folder").c_str(), m_folder.path("moved").c_str()), 0);
     m_folder.makeFile("folder/a/other", "");
-    EXPECT_EQ(text(all.nextObject()), "a/file");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a/file");
     EXPECT_EQ(all.fileAttributes().fileSize(), 1U);
-    EXPECT_EQ(text(all.nextObject()), "b");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "b");
     EXPECT_EQ(all.fileAttributes().fileSize(), 2U);
 }
 
@@ -204,7 +197,7 @@ TEST_F(NSFileManagerContents, AreNotEnumeratedThroughALinkThatTakesAFoldersPlace
     m_folder.makeFile("folder/a/file", "");
     m_folder.makeFile("elsewhere/secret", "");
     NSDirectoryEnumerator const all = manager().enumeratorAtPath_(at("folder"));
-    EXPECT_EQ(text(all.nextObject()), "a");
+    EXPECT_EQ(fileSystemBytes(all.nextObject()), "a");
     ASSERT_EQ(::rename(m_folder.path("folder/a").c_str(), m_folder.path("a").c_str()), 0);
     ASSERT_EQ(::symlink("../elsewhere", m_folder.path("folder/a").c_str()), 0);
     EXPECT_TRUE(all.nextObject() == nil);
@@ -264,7 +257,7 @@ TEST_F(NSFileManagerContents, OfANewFileMayBeLocked) {
 
 TEST_F(NSFileManagerContents, OfALinkAreItsText) {
     EXPECT_TRUE(manager().createSymbolicLinkAtPath_pathContent_(at("link"), "../no\xC3\xA9where"));
-    EXPECT_EQ(text(manager().pathContentOfSymbolicLinkAtPath_(at("link"))), "../no\xC3\xA9where");
+    EXPECT_EQ(fileSystemBytes(manager().pathContentOfSymbolicLinkAtPath_(at("link"))), "../no\xC3\xA9where");
     EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("link"), "other"));
     EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("empty"), ""));
     EXPECT_FALSE(manager().createSymbolicLinkAtPath_pathContent_(at("empty"), nil));
@@ -304,10 +297,10 @@ TEST_F(NSFileManagerContents, MayBeReadOrNot) {
 }
 
 TEST_F(NSFileManagerContents, AreShownByTheirNames) {
-    EXPECT_EQ(text(manager().displayNameAtPath_(at("Mirror Frame.app"))), "Mirror Frame.app");
-    EXPECT_EQ(text(manager().displayNameAtPath_("/")), "/");
-    EXPECT_EQ(text(manager().displayNameAtPath_(at("none of this/name/"))), "name");
-    EXPECT_EQ(text(manager().displayNameAtPath_("/a:b")), "a:b");
+    EXPECT_EQ(fileSystemBytes(manager().displayNameAtPath_(at("Mirror Frame.app"))), "Mirror Frame.app");
+    EXPECT_EQ(fileSystemBytes(manager().displayNameAtPath_("/")), "/");
+    EXPECT_EQ(fileSystemBytes(manager().displayNameAtPath_(at("none of this/name/"))), "name");
+    EXPECT_EQ(fileSystemBytes(manager().displayNameAtPath_("/a:b")), "a:b");
     EXPECT_TRUE(manager().displayNameAtPath_(nil) == nil);
     EXPECT_TRUE(NSFileManager(nil).displayNameAtPath_("/") == nil);
 }

@@ -35,7 +35,7 @@ private:
     std::vector<std::byte> m_bytes;
 };
 
-std::string text(std::optional<std::span<std::byte const>> bytes) {
+std::string textOfBytes(std::optional<std::span<std::byte const>> bytes) {
     if (!bytes) return "-";
     return {reinterpret_cast<char const*>(bytes->data()), bytes->size()};
 }
@@ -62,13 +62,13 @@ TEST(AppleDouble, IsReadAsMacOSXWritesIt) {
     ASSERT_EQ(bytes.get().size(), 164U);
     Result<AppleDouble, Failure> const file = AppleDouble::read(bytes.get());
     ASSERT_TRUE(file.hasValue()) << file.problem().reason;
-    EXPECT_EQ(text(file.value().valueOf("a")), "value");
-    EXPECT_EQ(text(file.value().valueOf("b:c")), "yes");
-    EXPECT_EQ(text(file.value().valueOf(XATTR_RESOURCEFORK_NAME)), "fork");
-    EXPECT_EQ(text(file.value().valueOf(XATTR_FINDERINFO_NAME)), "APPLMRFM" + std::string(24, '\0'));
+    EXPECT_EQ(textOfBytes(file.value().valueOf("a")), "value");
+    EXPECT_EQ(textOfBytes(file.value().valueOf("b:c")), "yes");
+    EXPECT_EQ(textOfBytes(file.value().valueOf(XATTR_RESOURCEFORK_NAME)), "fork");
+    EXPECT_EQ(textOfBytes(file.value().valueOf(XATTR_FINDERINFO_NAME)), "APPLMRFM" + std::string(24, '\0'));
     EXPECT_EQ(file.value().names(),
               (std::vector<std::string>{XATTR_FINDERINFO_NAME, XATTR_RESOURCEFORK_NAME, "a", "b:c"}));
-    EXPECT_EQ(text(file.value().valueOf("c")), "-");
+    EXPECT_EQ(textOfBytes(file.value().valueOf("c")), "-");
 }
 
 TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
@@ -79,8 +79,8 @@ TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
     constexpr std::size_t fork = 160;
     Result<AppleDouble, Failure> const withoutFork = AppleDouble::readBeginning(all.first(fork), size);
     ASSERT_TRUE(withoutFork.hasValue()) << withoutFork.problem().reason;
-    EXPECT_EQ(text(withoutFork.value().valueOf("a")), "value");
-    EXPECT_EQ(text(withoutFork.value().valueOf("b:c")), "yes");
+    EXPECT_EQ(textOfBytes(withoutFork.value().valueOf("a")), "value");
+    EXPECT_EQ(textOfBytes(withoutFork.value().valueOf("b:c")), "yes");
     EXPECT_TRUE(withoutFork.value().resourceFork.empty());
     EXPECT_EQ(AppleDouble::readBeginning(all.first(fork - 1), size).problem().reason,
               "The Finder information lies behind what is read");
@@ -99,9 +99,9 @@ TEST(AppleDouble, LeavesValuesEmptyThatLieBehindItsBeginning) {
     std::span<std::byte const> const all(bytes.get());
     Result<AppleDouble, Failure> const read = AppleDouble::readBeginning(all.first(155), all.size());
     ASSERT_TRUE(read.hasValue()) << read.problem().reason;
-    EXPECT_EQ(text(read.value().valueOf("a")), "");
-    EXPECT_EQ(text(read.value().valueOf("b:c")), "yes");
-    EXPECT_EQ(text(AppleDouble::read(all).value().valueOf("a")), "value");
+    EXPECT_EQ(textOfBytes(read.value().valueOf("a")), "");
+    EXPECT_EQ(textOfBytes(read.value().valueOf("b:c")), "yes");
+    EXPECT_EQ(textOfBytes(AppleDouble::read(all).value().valueOf("a")), "value");
 }
 
 TEST(AppleDouble, IsWrittenAsMacOSXReadsIt) {
@@ -127,7 +127,7 @@ TEST(AppleDouble, KeepsPartsOfOthers) {
     ASSERT_TRUE(again.hasValue()) << again.problem().reason;
     EXPECT_EQ(again.value(), changed);
     EXPECT_EQ(again.value().otherParts.size(), 2U);
-    EXPECT_EQ(text(again.value().valueOf("a")), "");
+    EXPECT_EQ(textOfBytes(again.value().valueOf("a")), "");
 }
 
 TEST(AppleDouble, KeepsWhatItDoesNotKnow) {
@@ -146,8 +146,8 @@ TEST(AppleDouble, KeepsWhatItDoesNotKnow) {
     Result<AppleDouble, Failure> const again = AppleDouble::read(changed.written().value());
     ASSERT_TRUE(again.hasValue()) << again.problem().reason;
     EXPECT_EQ(again.value(), changed);
-    EXPECT_EQ(text(again.value().homeFileSystem), "HFS plus        ");
-    EXPECT_EQ(text(again.value().tableMarks.reserved), "twelve bytes");
+    EXPECT_EQ(textOfBytes(again.value().homeFileSystem), "HFS plus        ");
+    EXPECT_EQ(textOfBytes(again.value().tableMarks.reserved), "twelve bytes");
     EXPECT_EQ(again.value().tableMarks.flags, 0xBEEFU);
     EXPECT_EQ(again.value().attributes[0].flags, 0x1234U);
     EXPECT_EQ(again.value().attributes[1].flags, 0U);
@@ -206,7 +206,7 @@ TEST(AppleDouble, ChangesByName) {
     EXPECT_TRUE(file.setValue(XATTR_FINDERINFO_NAME, information));
     EXPECT_TRUE(file.setValue("a", information));
     EXPECT_TRUE(file.setValue("a", {}));
-    EXPECT_EQ(text(file.valueOf("a")), "");
+    EXPECT_EQ(textOfBytes(file.valueOf("a")), "");
     EXPECT_FALSE(file.removeValue("b"));
     EXPECT_TRUE(file.removeValue("a"));
     EXPECT_FALSE(file.removeValue("a"));
