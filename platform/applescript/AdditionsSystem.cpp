@@ -1,10 +1,12 @@
 #include "platform/applescript/Additions.h"
 #include "platform/applescript/Coercion.h"
 #include "platform/applescript/ElementAccess.h"
+#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/ScriptEngine.h"
 #include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/StackRoom.h"
+#include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/system/Users.h"
@@ -46,7 +48,6 @@ constexpr auto Folders = std::to_array<FolderRow>({
     {codeOf("%doc"), "XDG_MUSIC_DIR", u"Music"},
     {codeOf("pdoc"), "XDG_PICTURES_DIR", u"Pictures"},
     {codeOf("pubb"), "XDG_PUBLICSHARE_DIR", u"Public"},
-    {codeOf("trsh"), "XDG_DATA_HOME", u".local/share", u"/Trash/files"},
     {codeOf("font"), "XDG_DATA_HOME", u".local/share", u"/fonts"},
     {codeOf("asup"), "XDG_DATA_HOME", u".local/share"},
     {codeOf("pref"), "XDG_CONFIG_HOME", u".config"},
@@ -101,6 +102,14 @@ std::u16string folderOf(Code code) {
     }
     std::u16string const home(NSHomeDirectory().codeUnits());
     return row->inHome.empty() ? home : home + u"/" + std::u16string(row->inHome) + std::u16string(row->within);
+}
+
+// The folder of the user's own trash; if it is missing it is made with all that a trash consists of, or raises.
+std::u16string trashFolder(bool mayMake, Value const& object) {
+    Result<std::string, TrashProblem> const path =
+        trashFolderForPath(ownHomeFolder(), mayMake ? MissingTrash::IsMade : MissingTrash::IsMissing);
+    if (path.hasValue()) return unitsFromFileSystemBytes(path.value());
+    throw mayMake ? trashError(path.problem(), object) : fileNotFound(object);
 }
 
 } // namespace
@@ -178,10 +187,11 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
 
 Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     if (!arguments.direct.is(ValueKind::Constant)) throw cannotMake(arguments.direct, codeOf("enum"));
-    std::u16string const path = folderOf(arguments.direct.asCode());
-    if (path.empty()) throw cannotGet(arguments.direct);
     Value const* const makesFolder = arguments.find(codeOf("crfl"));
     bool const mayMake = !makesFolder || requireBoolean(*makesFolder, evaluator.context());
+    Code const code = arguments.direct.asCode();
+    std::u16string const path = code == codeOf("trsh") ? trashFolder(mayMake, arguments.direct) : folderOf(code);
+    if (path.empty()) throw cannotGet(arguments.direct);
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (mayMake && bytes && !existsAt(path)) makeFolder(*bytes);
     Value const folder = makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
