@@ -5,6 +5,7 @@
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/NSTimer.h"
 #include "platform/processes/Processes.h"
+#include "tests/platform/events/Descriptors.h"
 #include "tests/platform/events/TestEvents.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
@@ -77,7 +78,7 @@ OSErr answerBack(AppleEvent const* event, AppleEvent* reply, void*) {
     NSString const asked = received.paramDescriptorForKeyword_(keyDirectObject).stringValue();
     s_backCalls.push_back(asked.UTF8String());
     NSAppleEventDescriptor const filled = NSAppleEventDescriptor::descriptorWithAEDesc(*reply);
-    filled.setParamDescriptor_forKeyword_(textDescriptor(asked.stringByAppendingString_("!")), keyDirectObject);
+    filled.setParamDescriptor_forKeyword_(stringDescriptor(asked.stringByAppendingString_("!")), keyDirectObject);
     *reply = *filled.aeDesc();
     return noErr;
 }
@@ -103,7 +104,7 @@ private:
 TEST_F(EventTransport, BringsAnEventToAnotherProcessAndItsReplyBack) {
     auto const peer = startPeer();
     NSString const name = NSString::stringWithFileSystemRepresentation_("caf\xE9 \"\\\n");
-    ASSERT_EQ(ask(*peer, Echo, textDescriptor(name)), noErr);
+    ASSERT_EQ(ask(*peer, Echo, stringDescriptor(name)), noErr);
     EXPECT_TRUE(reply().paramDescriptorForKeyword_(keyDirectObject).stringValue().isEqualToString_(name));
     EXPECT_EQ(reply().eventID(), kAEAnswer);
     EXPECT_EQ(AEDisposeDesc(&m_reply), noErr);
@@ -166,9 +167,9 @@ TEST_F(EventTransport, SendsNothingAnymoreWhenTheTimeIsOver) {
     auto const peer = startPeer();
     ASSERT_EQ(ask(*peer, Echo), noErr);
     m_bus->sendSignal(SIGSTOP);
-    EXPECT_EQ(send(testEvent(Tell, address(*peer), textDescriptor("late")), 6), errAETimeout);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("late")), 6), errAETimeout);
     m_bus->sendSignal(SIGCONT);
-    EXPECT_EQ(send(testEvent(Tell, address(*peer), textDescriptor("now"))), noErr);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("now"))), noErr);
     EXPECT_EQ(peer->readLine(), "now");
 }
 
@@ -193,14 +194,14 @@ TEST_F(EventTransport, SendsNothingAnymoreWhenTheWaitIsLeft) {
     auto const peer = startPeer();
     ASSERT_EQ(ask(*peer, Echo), noErr);
     m_bus->sendSignal(SIGSTOP);
-    EXPECT_EQ(sendAndWait(testEvent(Tell, address(*peer), textDescriptor("late")), m_reply, std::nullopt,
+    EXPECT_EQ(sendAndWait(testEvent(Tell, address(*peer), stringDescriptor("late")), m_reply, std::nullopt,
                           [] { return false; }),
               errAETimeout);
-    AppleEvent const another = testEvent(Tell, address(*peer), textDescriptor("later"));
+    AppleEvent const another = testEvent(Tell, address(*peer), stringDescriptor("later"));
     auto const raise = []() -> bool { throw NSGenericException("on purpose"); };
     EXPECT_THROW(sendAndWait(another, m_reply, std::nullopt, raise), NSGenericException);
     m_bus->sendSignal(SIGCONT);
-    EXPECT_EQ(send(testEvent(Tell, address(*peer), textDescriptor("now"))), noErr);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("now"))), noErr);
     EXPECT_EQ(peer->readLine(), "now");
 }
 
@@ -225,7 +226,7 @@ TEST_F(EventTransport, AnswersAPeerThatCallsBackDuringTheWait) {
     auto const peer = startPeer();
     InstalledHandler const handler(TestClass, Back, answerBack);
     s_backCalls.clear();
-    ASSERT_EQ(ask(*peer, CallBack, textDescriptor("x")), noErr);
+    ASSERT_EQ(ask(*peer, CallBack, stringDescriptor("x")), noErr);
     EXPECT_EQ(s_backCalls, std::vector<std::string>{"x"});
     EXPECT_EQ(replied(), "x!");
 }
@@ -235,7 +236,7 @@ TEST_F(EventTransport, HandlesNothingButEventsDuringTheWait) {
     InstalledHandler const handler(TestClass, Back, answerBack);
     bool isCalled = false;
     performOnMainRunLoop([&] { isCalled = true; });
-    ASSERT_EQ(ask(*peer, CallBack, textDescriptor("x")), noErr);
+    ASSERT_EQ(ask(*peer, CallBack, stringDescriptor("x")), noErr);
     EXPECT_FALSE(isCalled);
     EXPECT_TRUE(runUntil([&] { return isCalled; }));
 }
@@ -244,7 +245,7 @@ TEST_F(EventTransport, HandlesEventsInTheRunLoopToo) {
     auto const peer = startPeer();
     InstalledHandler const handler(TestClass, Back, answerBack);
     s_backCalls.clear();
-    AppleEvent const event = testEvent(CallBack, address(*peer), textDescriptor("later"));
+    AppleEvent const event = testEvent(CallBack, address(*peer), stringDescriptor("later"));
     EXPECT_EQ(AESendMessage(&event, nullptr, kAENoReply, kNoTimeOut), noErr);
     EXPECT_TRUE(runUntil([] { return !s_backCalls.empty(); }));
     EXPECT_EQ(s_backCalls, std::vector<std::string>{"later"});
@@ -252,7 +253,7 @@ TEST_F(EventTransport, HandlesEventsInTheRunLoopToo) {
 
 TEST_F(EventTransport, SendsWithoutWaitingForAReply) {
     auto const peer = startPeer();
-    AppleEvent const event = testEvent(Tell, address(*peer), textDescriptor("hello"));
+    AppleEvent const event = testEvent(Tell, address(*peer), stringDescriptor("hello"));
     EXPECT_EQ(AESend(&event, &m_reply, kAENoReply, kAENormalPriority, kNoTimeOut, nil, nil), noErr);
     EXPECT_EQ(m_reply.descriptorType, typeNull);
     EXPECT_EQ(peer->readLine(), "hello");
@@ -267,7 +268,7 @@ TEST_F(EventTransport, BringsAReplyAsAnEventOfItsOwn) {
                                        answer = NSAppleEventDescriptor::descriptorWithAEDesc(*event);
                                        return noErr;
                                    });
-    AppleEvent const event = testEvent(Echo, address(*peer), textDescriptor("x"));
+    AppleEvent const event = testEvent(Echo, address(*peer), stringDescriptor("x"));
     EXPECT_EQ(AESendMessage(&event, &m_reply, kAEQueueReply, kAEDefaultTimeout), noErr);
     EXPECT_EQ(m_reply.descriptorType, typeNull);
     ASSERT_TRUE(runUntil([] { return answer != nil; }));
@@ -315,7 +316,7 @@ TEST_F(EventTransport, NoticesThatTheBusDiesAndFindsAnotherOne) {
     EXPECT_EQ(send(testEvent(Echo, address(*peer))), connectionInvalid);
     EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", startBus());
     auto const other = startPeer();
-    EXPECT_EQ(ask(*other, Echo, textDescriptor("x")), noErr);
+    EXPECT_EQ(ask(*other, Echo, stringDescriptor("x")), noErr);
     EXPECT_EQ(replied(), "x");
 }
 
@@ -336,7 +337,7 @@ TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {
     // The peer calls back to the address that it finds in the event: that of this process, not the one set here.
     auto const peer = startPeer();
     InstalledHandler const handler(TestClass, Back, answerBack);
-    AppleEvent const plain = testEvent(CallBack, address(*peer), textDescriptor("x"));
+    AppleEvent const plain = testEvent(CallBack, address(*peer), stringDescriptor("x"));
     NSAppleEventDescriptor const event = NSAppleEventDescriptor::descriptorWithAEDesc(plain);
     event.setAttributeDescriptor_forKeyword_(address(*peer), keyOriginalAddressAttr);
     ASSERT_EQ(send(*event.aeDesc()), noErr);
@@ -363,7 +364,7 @@ TEST_F(EventTransport, RefusesWhatIsNoEvent) {
     EXPECT_EQ(sendRaw({noEvent}), invalid);
     EXPECT_TRUE(sendRaw({noEvent}, "Other").starts_with("org.freedesktop.DBus.Error.Unknown"));
     QDBusConnection::disconnectFromBus("raw");
-    EXPECT_EQ(ask(*peer, Echo, textDescriptor("still there")), noErr);
+    EXPECT_EQ(ask(*peer, Echo, stringDescriptor("still there")), noErr);
 }
 
 TEST_F(EventTransport, AnswersNoOtherUser) {
@@ -392,7 +393,7 @@ TEST_F(EventTransport, TakesAddressesByProcessID) {
     std::int32_t const pid = peer->pid();
     NSAppleEventDescriptor const target =
         NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeKernelProcessID, &pid, sizeof pid);
-    EXPECT_EQ(send(testEvent(Echo, target, textDescriptor("x"))), noErr);
+    EXPECT_EQ(send(testEvent(Echo, target, stringDescriptor("x"))), noErr);
     EXPECT_EQ(replied(), "x");
 }
 

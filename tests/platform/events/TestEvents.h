@@ -4,10 +4,6 @@
 
 namespace mac::test {
 
-inline NSAppleEventDescriptor textDescriptor(NSString const& string) {
-    return NSAppleEventDescriptor::descriptorWithString_(string);
-}
-
 inline constexpr AEEventClass TestClass{"test"};
 inline constexpr AEEventID Echo{"echo"};
 inline constexpr AEEventID CallBack{"call"};
