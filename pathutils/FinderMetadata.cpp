@@ -66,8 +66,10 @@ bool lookUp(FSRef const& ref, HFSUniStr255 const& name, bool wantsIcon, IconAndL
 bool KRPathGetFSRef_getIsDirectory_traverseLink_(NSString receiver, FSRef* ref, bool* isDirectory, BOOL traverseLink) {
     if (traverseLink) return KRCPathGetFSRef_getIsDirectory_(receiver, ref, isDirectory);
     bool isFolder = false;
-    bool const isMade = getReferenceToItself(receiver, *ref, isFolder);
-    if (!isMade) *ref = {};
+    FSRef unwanted{};
+    FSRef& result = ref ? *ref : unwanted;
+    bool const isMade = getReferenceToItself(receiver, result, isFolder);
+    if (!isMade) result = {};
     if (isDirectory) *isDirectory = isMade && isFolder;
     return isMade;
 }
@@ -112,13 +114,13 @@ bool pxPathIsOnIDisk(NSString receiver) {
 
 bool pxValenceOfPath_(NSString receiver, std::uint32_t* valence) {
     std::optional<FSCatalogInfo> const information = catalogInformation(receiver, kFSCatInfoValence);
-    if (information) *valence = information->valence;
+    if (information && valence) *valence = information->valence;
     return information.has_value();
 }
 
 bool pxFinderFlagsOfPath_(NSString receiver, std::uint16_t* flags) {
     std::optional<FSCatalogInfo> const information = catalogInformation(receiver, kFSCatInfoFinderInfo);
-    if (information) *flags = finderInformationOf(*information).finderFlags();
+    if (information && flags) *flags = finderInformationOf(*information).finderFlags();
     return information.has_value();
 }
 

@@ -32,6 +32,7 @@ NSString KRCStringBySwappingColonsAndSlashes(NSString receiver) {
 }
 
 void KRCHFSUniStr255SwapColonsAndSlashes_(HFSUniStr255* name) {
+    if (!name) return;
     std::size_t const length = unitsOf(*name).size();
     for (std::size_t index = 0; index < length; ++index)
         name->unicode[index] = slashAndColonExchanged(name->unicode[index]);

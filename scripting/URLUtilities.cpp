@@ -45,7 +45,7 @@ NSString KRVolumeURLGetPath(NSURL receiver) {
 bool pxLSFlags_displayName_(NSURL receiver, std::uint32_t* flags, NSString* displayName) {
     LSItemInfoRecord record;
     if (LSCopyItemInfoForURL(receiver, kLSRequestBasicFlagsOnly, &record) != noErr) return false;
-    *flags = record.flags;
+    if (flags) *flags = record.flags;
     return !displayName || LSCopyDisplayNameForURL(receiver, displayName) == noErr;
 }
 

@@ -46,11 +46,13 @@ Done checkBeside(TrashPlace const& trash, ItemIdentity const& item, std::vector<
     return {};
 }
 
-bool holdsMountPoint(std::string const& path) {
+// A volume that is mounted there, or below, would go to the trash with the item.
+Done checkMounts(std::string const& path) {
     Result<MountTable> const mounts = MountTable::current();
-    return mounts.hasValue() && std::ranges::any_of(mounts.value().mounts(), [&](Mount const& mount) {
-               return BytePath(mount.mountPoint).isAtOrBelow(path);
-           });
+    if (!mounts.hasValue()) return cannotTrash(mounts.problem());
+    bool const holdsMountPoint = std::ranges::any_of(
+        mounts.value().mounts(), [&](Mount const& mount) { return BytePath(mount.mountPoint).isAtOrBelow(path); });
+    return holdsMountPoint ? refused(TrashProblem::Immovable, "A volume is mounted in it") : Done();
 }
 
 // Whether this user may remove the item's name from its folder.
@@ -216,7 +218,8 @@ Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps c
     Result<std::string> const folder = pathOfFolder(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     std::string const path = BytePath(folder.value()).joined(item.name);
-    if (holdsMountPoint(path)) return refused(TrashProblem::Immovable, "A volume is mounted in it");
+    Done const mounts = checkMounts(path);
+    if (!mounts.isDone()) return mounts.problem();
     Result<TrashPlace, TrashProblem> const trash = trashForFolder(item.folder, MissingTrash::IsMade);
     if (!trash.hasValue()) return trash.problem();
     std::optional<std::string> const original = trash.value().writtenPath(path);

@@ -30,10 +30,10 @@ public:
         if (!m_hasBegun) begin();
     }
 
-    // The first one after it whose ID is still in use.
+    // The first one after it that is still there.
     std::optional<ProcessIdentity> after(ProcessIdentity const& last) const {
         auto next = std::ranges::upper_bound(m_processes, last);
-        while (next != m_processes.end() && !isIDInUse(next->pid))
+        while (next != m_processes.end() && !m_known.isThere(*next))
             ++next;
         return next == m_processes.end() ? std::nullopt : std::optional(*next);
     }

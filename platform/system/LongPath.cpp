@@ -38,7 +38,7 @@ Result<ShortPath> shortened(std::string_view path) {
         std::string const piece(path.substr(0, slash + 1));
         result.folder =
             FileDescriptor(::openat(result.folderNumber(), piece.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        if (!result.folder.isOpen()) return lastSystemError("open", std::string(whole));
+        if (!result.folder.isOpen()) return lastSystemError("open", whole);
         // More slashes would make the rest absolute.
         path.remove_prefix(std::min(path.find_first_not_of('/', slash), path.size()));
         if (path.empty()) path = ".";
@@ -70,7 +70,7 @@ SystemError notReadable(FileStatus::Kind kind, std::string_view path) {
 
 Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes, std::string_view path) {
     struct stat status {};
-    if (::fstat(file.number(), &status) != 0) return lastSystemError("stat", std::string(path));
+    if (::fstat(file.number(), &status) != 0) return lastSystemError("stat", path);
     FileContents contents{{}, statusOf(status)};
     if (contents.status.kind != FileStatus::Kind::File) return notReadable(contents.status.kind, path);
 
@@ -79,7 +79,7 @@ Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes,
     for (;;) {
         ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return lastSystemError("read", std::string(path));
+        if (count < 0) return lastSystemError("read", path);
         if (count == 0) return contents;
         if (contents.bytes.size() + static_cast<std::size_t>(count) > mostBytes)
             return notReadable(contents.status.kind, path);
@@ -112,7 +112,7 @@ Result<FileStatus> fileStatusAtPath(std::string_view path) {
     if (!place.hasValue()) return place.problem();
     struct stat status {};
     if (::fstatat(place.value().folderNumber(), place.value().path.c_str(), &status, 0) != 0)
-        return lastSystemError("stat", std::string(path));
+        return lastSystemError("stat", path);
     return statusOf(status);
 }
 
@@ -158,7 +158,7 @@ Result<FileDescriptor> openPath(std::string_view path, int flags) {
     Result<ShortPath> const place = shortened(path);
     if (!place.hasValue()) return place.problem();
     FileDescriptor file(::openat(place.value().folderNumber(), place.value().path.c_str(), flags | O_CLOEXEC));
-    if (!file.isOpen()) return lastSystemError("open", std::string(path));
+    if (!file.isOpen()) return lastSystemError("open", path);
     return file;
 }
 

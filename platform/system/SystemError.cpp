@@ -4,8 +4,9 @@
 
 namespace mac {
 
-SystemError lastSystemError(char const* operation, std::string item) {
-    return {.code = errno, .operation = operation, .item = std::move(item)};
+SystemError lastSystemError(char const* operation, std::string_view item) {
+    int const code = errno; // before the item's text is allocated, which may change it
+    return {.code = code, .operation = operation, .item = std::string(item)};
 }
 
 std::string textOfSystemError(int code) { return std::generic_category().message(code); }

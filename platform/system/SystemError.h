@@ -1,7 +1,7 @@
 #pragma once
 
 #include <string>
-#include <utility>
+#include <string_view>
 
 namespace mac {
 
@@ -20,7 +20,7 @@ struct SystemError {
 };
 
 // The error of the system call on the line above it, which has just set errno.
-SystemError lastSystemError(char const* operation, std::string item = {});
+SystemError lastSystemError(char const* operation, std::string_view item = {});
 
 // A code's text in UTF-8, in the program's language: "Permission denied".
 std::string textOfSystemError(int code);

@@ -381,6 +381,13 @@ TEST_F(FinderMetadata, ThereIsNothingToUpdateForAMissingItem) {
     EXPECT_FALSE(pxUpdatePathInFinder_(static_cast<FSRef const*>(nullptr)));
 }
 
+TEST_F(FinderMetadata, IsAnsweredWithoutAPlaceForIt) {
+    EXPECT_TRUE(pxValenceOfPath_(at("folder"), nullptr));
+    EXPECT_TRUE(pxFinderFlagsOfPath_(at("folder"), nullptr));
+    EXPECT_TRUE(KRPathGetFSRef_getIsDirectory_traverseLink_(at("folder"), nullptr, nullptr, NO));
+    EXPECT_TRUE(as<NSNumber>(at("folder").performSelector_("pxValenceOfPath:")).boolValue());
+}
+
 TEST_F(FinderMetadata, AreMessagesOfStrings) {
     id const answer = at("folder").performSelector_("pxFilesystemIDForPath");
     EXPECT_EQ(as<NSNumber>(answer).unsignedIntValue(), 0xFFFEU);

@@ -34,6 +34,11 @@ TEST(KRCStringBySwappingColonsAndSlashes, LeavesTheReceiverAlone) {
     EXPECT_EQ(fileSystemBytes(swapped), "a/b");
 }
 
+TEST(KRCHFSUniStr255SwapColonsAndSlashes, DoesNothingWithoutAName) {
+    KRCHFSUniStr255SwapColonsAndSlashes_(nullptr);
+    SUCCEED();
+}
+
 TEST(KRCHFSUniStr255SwapColonsAndSlashes, ExchangesThemInPlaceUpToTheLength) {
     HFSUniStr255 name = filledName();
     KRCStringGetHFSUniStr255_("a/b:c", &name);

@@ -20,6 +20,10 @@ TEST(URLUtilities, AVolumesURLIsItsRoots) {
     EXPECT_TRUE(pxURLForVolume_(0) == nil);
 }
 
+TEST(URLUtilities, FlagsAreAnsweredWithoutAPlaceForThem) {
+    EXPECT_TRUE(pxLSFlags_displayName_(fileURL("/"), nullptr, nullptr));
+}
+
 TEST(URLUtilities, AVolumesPathIsFoundByItsURL) {
     EXPECT_TRUE(KRVolumeURLGetPath(NSURL::URLWithString_("file://localhost/")).isEqualToString_("/"));
     ItemCount index = 1;

@@ -69,9 +69,6 @@ Result<std::vector<std::byte>> valueIn(AppleDouble const& contents, std::string_
     return SystemError{.code = ENODATA, .operation = "getxattr", .item = std::string(name)};
 }
 
-// The file is too large for a sidecar, or another kind of item has taken its place.
-bool isForeign(SystemError const& error) { return error.is(EFBIG) || error.is(EISDIR) || error.is(EINVAL); }
-
 } // namespace
 
 std::string AppleDoubleSidecar::nameFor(std::string_view itemName) { return std::string(namePrefix).append(itemName); }
@@ -81,9 +78,13 @@ AppleDoubleSidecar::AppleDoubleSidecar(OpenItem const& item) : m_item(item), m_n
     m_state = found.state;
     m_problem = found.problem;
     if (!found.file.isOpen()) return;
+    Result<FileStatus> const status = fileStatusOf(found.file);
     Result<FileContents> const bytes = readOpenFile(found.file, LargestFile);
     if (!bytes.hasValue()) {
-        m_state = isForeign(bytes.problem()) ? State::Foreign : State::Unreadable;
+        // The kind decides, since some file systems refuse to read with the codes for another kind. EFBIG: the file is
+        // too large for a sidecar.
+        bool const isOfAnotherKind = status.hasValue() && status.value().kind != FileStatus::Kind::File;
+        m_state = isOfAnotherKind || bytes.problem().is(EFBIG) ? State::Foreign : State::Unreadable;
         m_problem = bytes.problem();
         return;
     }

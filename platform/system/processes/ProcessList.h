@@ -47,6 +47,8 @@ public:
     std::vector<ProcessIdentity> list();
     // What runningProcess answers.
     std::optional<RunningProcess> read(ProcessIdentity const& identity) const;
+    // Whether the process still has its ID, also if it has ended and its parent has not waited for it.
+    bool isThere(ProcessIdentity const& identity) const;
 
 private:
     // The inode and change time of /proc/PID. Another process with the ID has another folder; the same process may get
@@ -71,9 +73,6 @@ private:
     std::unordered_map<std::int32_t, Known> m_known;
     std::uint64_t m_round{0};
 };
-
-// Whether a process has the ID, also one that has ended and is only waited for. Next to no work.
-bool isIDInUse(std::int32_t pid);
 
 // The words that the process was called with, and its environment ("NAME=value") as that was when it began: at most
 // 8 MiB of them. Nothing where they may not be read.

@@ -3,7 +3,6 @@
 #include "platform/system/processes/ProcessStatus.h"
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <cstring>
@@ -185,7 +184,11 @@ std::optional<RunningProcess> KnownProcesses::read(ProcessIdentity const& identi
     return RunningProcess{identity, std::move(*executable)};
 }
 
-bool isIDInUse(std::int32_t pid) { return ::kill(pid, 0) == 0 || errno == EPERM; }
+bool KnownProcesses::isThere(ProcessIdentity const& identity) const {
+    auto const known = m_known.find(identity.pid);
+    bool const isKnown = known != m_known.end() && known->second.start == identity.startTime;
+    return (isKnown && folderOf(identity.pid) == known->second.folder) || runningProcess(identity);
+}
 
 bool askToEnd(ProcessIdentity const& identity) {
     FileDescriptor const process(static_cast<int>(::syscall(SYS_pidfd_open, identity.pid, 0)));

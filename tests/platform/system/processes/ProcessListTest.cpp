@@ -130,6 +130,7 @@ TEST_F(ProcessList, KnowsAProcessAgainButNotTheNextWithItsID) {
         Sleeper const sleeper(recycled);
         if (sleeper.pid() != recycled) GTEST_SKIP() << "a process cannot be given an ID here: " << std::strerror(errno);
         EXPECT_TRUE(isFirst || !known.read(*first));
+        EXPECT_TRUE(isFirst || !known.isThere(*first)) << "another process has its ID";
         std::vector<ProcessIdentity> const list = known.list();
         EXPECT_EQ(known.list(), list);
         auto const found = std::ranges::find(list, recycled, &ProcessIdentity::pid);
@@ -138,9 +139,11 @@ TEST_F(ProcessList, KnowsAProcessAgainButNotTheNextWithItsID) {
         ASSERT_TRUE(process);
         EXPECT_EQ(process->identity, *found);
         EXPECT_EQ(process->executable, runningProcess(::getpid()).value().executable);
+        EXPECT_TRUE(known.isThere(*found));
         if (isFirst) first = *found;
     }
     EXPECT_FALSE(known.read(*first));
+    EXPECT_FALSE(known.isThere(*first));
 }
 
 TEST_F(ProcessList, IsInTheOrderOfTheirStartWhateverTheirIDs) {
