@@ -1,3 +1,4 @@
+#include "coreutils/Strings.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
@@ -11,8 +12,8 @@ TEST(CoreUtilsRegistration, AnswersClassMethodsSentBySelector) {
     id const strings = classOf<NSString>();
     EXPECT_EQ(as<NSString>(strings.performSelector_("pxUUID")).length(), 36U);
     id const size = NSNumber::numberWithInt_(1572864);
-    EXPECT_EQ(as<NSString>(strings.performSelector_withObject_("pxFormattedStringWithSize:", size)).UTF8String(),
-              "1.5 MB");
+    id const formatted = strings.performSelector_withObject_("pxFormattedStringWithSize:", size);
+    EXPECT_TRUE(formatted.isEqual_(pxFormattedStringWithSize_(1572864)));
     id const noError = NSNumber::numberWithInt_(0);
     EXPECT_TRUE(strings.performSelector_withObject_("pxDescriptionOfSystemErrorCode:", noError) == nil);
     EXPECT_FALSE(id("text").respondsToSelector_("pxUUID"));
