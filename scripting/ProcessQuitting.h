@@ -7,6 +7,7 @@
 
 namespace mac {
 
+// Waits for so many seconds, however it does so.
 using Pause = std::function<void(NSTimeInterval seconds)>;
 
 // Blocks the thread for that time.
