@@ -34,7 +34,7 @@ private:
     Problem m_problem{};
 };
 
-// The same for what answers nothing but whether it was done.
+// Success, or the problem that prevented it.
 template <class Problem>
 class [[nodiscard]] Result<void, Problem> {
 public:
