@@ -13,7 +13,7 @@ namespace mac {
 namespace {
 
 // Longer files are left alone. A thousand places take about a tenth of it.
-constexpr std::size_t LargestFile = std::size_t{4} << 20;
+constexpr std::size_t LargestPlacesFile = std::size_t{4} << 20;
 // How often a change is begun anew because the file changed meanwhile.
 constexpr int MostAttempts = 10;
 
@@ -40,7 +40,7 @@ struct PlacesText {
 };
 
 Result<PlacesText> readText(std::string const& file) {
-    Result<FileContents> const contents = readFileAtPath(file, LargestFile);
+    Result<FileContents> const contents = readFileAtPath(file, LargestPlacesFile);
     if (!contents.hasValue() && contents.problem().is(ENOENT)) return PlacesText();
     if (!contents.hasValue()) return contents.problem();
     std::vector<std::byte> const& bytes = contents.value().bytes;
