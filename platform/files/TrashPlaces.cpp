@@ -184,7 +184,8 @@ TrashProblem noTrash(SystemError error) {
     return problem;
 }
 
-// The first trash below the top that can be used; the problem of the last place if none can.
+// The first trash below the top that can be used. If none can, the problem of the last place that is there or could not
+// be made: that a place is missing tells nothing about the volume.
 Result<TrashPlace, TrashProblem> firstTrash(Top kind, Result<TopFolder> const& top, MissingTrash missing) {
     if (!top.hasValue()) return noTrash(top.problem());
     SystemError error;
@@ -192,7 +193,7 @@ Result<TrashPlace, TrashProblem> firstTrash(Top kind, Result<TopFolder> const& t
         if (row.top != kind) continue;
         Result<TrashPlace> trash = openTrash(row, top.value(), missing);
         if (trash.hasValue()) return trash.takeValue();
-        error = trash.problem();
+        if (error.code == 0 || !trash.problem().is(ENOENT)) error = trash.problem();
     }
     return noTrash(std::move(error));
 }
