@@ -22,6 +22,7 @@
 #include <map>
 #include <mutex>
 #include <unistd.h>
+#include <utility>
 
 // Why a thread of its own: while the main thread waits for a reply, incoming events and that reply must reach it and
 // nothing else may, no input, timer or notification. An event loop within the loop would let all of them in, and a
@@ -212,7 +213,8 @@ private:
     std::map<QString, BusPeer> m_peers;
 };
 
-// The thread and its endpoint, from the first need to the program's end.
+// The thread and its endpoint. The thread runs from the first need to the end of the program's event loop, without
+// which the toolkit would deliver nothing, neither what is to be done nor what the bus answers.
 class Transport {
 public:
     static Transport& shared() {
@@ -226,7 +228,7 @@ public:
         QMetaType::fromType<QDBusArgument>().id();
         m_thread.setObjectName("Apple events");
         m_endpoint.moveToThread(&m_thread);
-        m_thread.start();
+        // For an event loop that is never ended.
         std::atexit([] { shared().stop(); });
     }
 
@@ -236,12 +238,18 @@ public:
         {
             std::lock_guard const guard(m_lock);
             m_waiting.push_back(std::move(function));
+            if (!std::exchange(m_isStarted, true)) start();
         }
         QMetaObject::invokeMethod(
             &m_endpoint, [] { shared().runNext(); }, Qt::QueuedConnection);
     }
 
 private:
+    void start() {
+        m_thread.start();
+        qAddPostRoutine([] { shared().stop(); });
+    }
+
     void runNext() {
         std::function<void(Endpoint&)> function;
         {
@@ -253,15 +261,19 @@ private:
     }
 
     void stop() {
+        if (!m_thread.isRunning()) return;
         run([](Endpoint& endpoint) {
             endpoint.close();
             QThread::currentThread()->quit();
         });
         // It may be waiting for a bus that hangs; nothing that it uses goes with it.
-        m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)));
+        if (!m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)))) return;
+        std::lock_guard const guard(m_lock);
+        m_isStarted = false;
     }
 
     std::mutex m_lock;
+    bool m_isStarted = false;
     std::deque<std::function<void(Endpoint&)>> m_waiting;
     QThread m_thread;
     Endpoint m_endpoint;

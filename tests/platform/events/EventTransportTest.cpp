@@ -118,6 +118,13 @@ TEST_F(EventTransport, AsksAProcessToQuitAndGetsItsReply) {
     EXPECT_EQ(peer->wait(), 0);
 }
 
+TEST_F(EventTransport, EndsBeforeTheProgramDoes) {
+    auto const peer = startPeer();
+    EXPECT_EQ(askToQuit(*peer), noErr);
+    EXPECT_EQ(peer->readLine(), "quit");
+    EXPECT_EQ(peer->readLine(), "the transport ended");
+}
+
 TEST_F(EventTransport, AsksAProcessThatAnswersNoEventsToQuitByASignal) {
     ChildProcess child({"/bin/cat"});
     EXPECT_EQ(ask(child, Echo), procNotFound) << "anything else fails";
