@@ -13,6 +13,7 @@
 #include <QDeadlineTimer>
 #include <QMetaType>
 #include <QThread>
+#include <QTimer>
 #include <algorithm>
 #include <atomic>
 #include <climits>
@@ -80,18 +81,30 @@ BusTimeout timeoutUntil(EventDeadline const& deadline) {
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
 class Endpoint : public QDBusVirtualObject {
 public:
+    Endpoint() {
+        constexpr std::chrono::milliseconds betweenLooks{500};
+        m_nextLook.setInterval(betweenLooks);
+        connect(&m_nextLook, &QTimer::timeout, this, [this] { guarded([this] { open(); }); });
+    }
+
     // Anew when the bus has died since.
     void open() {
         if (m_connection && m_connection->isConnected()) return;
         m_peers.clear();
         m_connection = connectToSessionBus();
         if (!m_connection) return;
+        m_nextLook.stop();
+        // When the bus dies, others find us again on the next one only if we look for it.
+        m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                              QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), &m_nextLook,
+                              SLOT(start()));
         m_connection->registerVirtualObject(Path, this);
         requestBusName(*m_connection, endpointName(::getpid()));
     }
 
     // What was sent last has left when the bus answers a question behind it.
     void close() {
+        m_nextLook.stop();
         if (m_connection) busNameOwner(*m_connection, endpointName(::getpid()));
         m_connection.reset();
     }
@@ -100,12 +113,12 @@ public:
               std::shared_ptr<PendingReply> const& pending) {
         if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
         open();
-        if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
+        if (!m_connection) return fulfil(*pending, withoutBus());
         BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
         if (owner.number.isEmpty() && !m_connection->isConnected()) {
             // The bus died unnoticed; there may be another one by now.
             open();
-            if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
+            if (!m_connection) return fulfil(*pending, withoutBus());
             owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
         }
         OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
@@ -144,6 +157,9 @@ public:
     }
 
 private:
+    // Nobody can be reached by events then.
+    static SendingOutcome withoutBus() { return {.status = connectionInvalid, .hasNoEndpoint = true}; }
+
     void receive(QDBusMessage const& message, QDBusConnection const& connection) {
         // The reply comes later, or an error now.
         message.setDelayedReply(true);
@@ -211,6 +227,8 @@ private:
 
     std::optional<QDBusConnection> m_connection;
     std::map<QString, BusPeer> m_peers;
+    // Runs while the bus that died has no successor. A child, so that it moves to the thread with its parent.
+    QTimer m_nextLook{this};
 };
 
 // The thread and its endpoint. The thread runs from the first need to the end of the program's event loop, without

@@ -16,6 +16,7 @@
 #include <QVariant>
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
@@ -327,17 +328,43 @@ TEST_F(EventTransport, NoticesThatTheBusDiesAndFindsAnotherOne) {
     EXPECT_EQ(replied(), "x");
 }
 
-TEST_F(EventTransport, FailsWithoutABus) {
-    ChildProcess const child({"/bin/cat"});
+TEST_F(EventTransport, IsHeardAgainOnABusThatWasStartedAnew) {
+    TemporaryFolder const folder;
+    std::vector<std::string> const command{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1",
+                                           "--address=unix:path=" + folder.path("bus")};
+    auto bus = std::make_unique<ChildProcess>(command);
+    ASSERT_NE(bus->readLine(), "");
+    // Not the printed address, in which the bus names itself.
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder.path("bus"));
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    bus->sendSignal(SIGKILL);
+    bus->wait();
+    // A socket that a killed bus leaves behind is not bound again.
+    std::filesystem::remove(folder.path("bus"));
+    bus = std::make_unique<ChildProcess>(command);
+    ASSERT_NE(bus->readLine(), "");
+    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
+    OSStatus status = noErr;
+    do {
+        status = ask(*peer, Echo, stringDescriptor("x"));
+    } while (status != noErr && end.timeIntervalSinceNow() > 0);
+    EXPECT_EQ(status, noErr);
+    EXPECT_EQ(replied(), "x");
+}
+
+TEST_F(EventTransport, FailsWithoutABusButForAQuitBySignal) {
+    ChildProcess child({"/bin/cat"});
     m_bus->sendSignal(SIGKILL);
     m_bus->wait();
     TemporaryFolder const folder;
     EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "");
     EnvironmentVariable const runtime("XDG_RUNTIME_DIR", folder.path("none"));
     EXPECT_EQ(ask(child, Echo), connectionInvalid);
-    EXPECT_EQ(askToQuit(child), connectionInvalid);
     AppleEvent const event = testEvent(Echo, EventTransport::address(child));
     EXPECT_EQ(AESendMessage(&event, nullptr, kAENoReply, kNoTimeOut), connectionInvalid);
+    ASSERT_EQ(askToQuit(child), noErr);
+    EXPECT_EQ(child.wait(), -SIGTERM);
 }
 
 TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {
