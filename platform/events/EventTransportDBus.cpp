@@ -5,6 +5,7 @@
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Log.h"
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusError>
@@ -78,6 +79,12 @@ BusTimeout timeoutUntil(EventDeadline const& deadline) {
     return std::clamp(left + left / 8 + least, least, LongestBusTimeout);
 }
 
+// How many events without reply may wait at one receiver: half of what it lets wait in all, so that two senders find
+// room.
+constexpr int MostUnhandled = 512;
+
+NSString nsString(QString const& text) { return NSString::stringWithUTF8String_(text.toUtf8().constData()); }
+
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
 class Endpoint : public QDBusVirtualObject {
 public:
@@ -91,6 +98,7 @@ public:
     void open() {
         if (m_connection && m_connection->isConnected()) return;
         m_peers.clear();
+        m_unhandled.clear();
         m_connection = connectToSessionBus();
         if (!m_connection) return;
         m_nextLook.stop();
@@ -109,49 +117,56 @@ public:
         m_connection.reset();
     }
 
-    void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply, EventDeadline const& deadline,
-              std::shared_ptr<PendingReply> const& pending) {
-        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
-        open();
-        if (!m_connection) return fulfil(*pending, withoutBus());
-        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
-        if (owner.number.isEmpty() && !m_connection->isConnected()) {
-            // The bus died unnoticed; there may be another one by now.
-            open();
-            if (!m_connection) return fulfil(*pending, withoutBus());
-            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
-        }
-        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
-        if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
-        if (!belongsTo(owner.number, process, deadline)) return fulfil(*pending, {.status = procNotFound});
+    // An event, and how its sender is told.
+    struct Sending {
+        ProcessIdentity process;
+        QByteArray event;
+        bool wantsReply;
+        EventDeadline deadline;
+        std::shared_ptr<PendingReply> pending;
+    };
+
+    void send(Sending const& sending) {
+        auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
+        if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
+        Result<QString, SendingOutcome> const found = connectionOf(sending.process, sending.deadline);
+        if (!found.hasValue()) return fulfil(*sending.pending, found.problem());
         // The sender has given up: what came now would come as a surprise.
-        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
+        if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
+        QString const& number = found.value();
+        bool const isTooBusy = !sending.wantsReply && m_unhandled[number] >= MostUnhandled;
+        if (isTooBusy) return fulfil(*sending.pending, {.status = memFullErr});
         // To the very connection that was looked at: the name may pass to another one.
-        QDBusMessage message = QDBusMessage::createMethodCall(owner.number, Path, Interface, "Send");
-        message.setArguments({event});
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(number, Path, Interface, sending.wantsReply ? "Send" : "Post");
+        message.setArguments({sending.event});
         message.setAutoStartService(false);
-        if (!wantsReply) {
-            bool const isSent = m_connection->send(message);
-            return fulfil(*pending, {.status = isSent ? OSStatus{noErr} : connectionInvalid});
-        }
         // Whoever waits has a time-out of their own.
         auto* const watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [pending](QDBusPendingCallWatcher* finished) {
-            finished->deleteLater();
-            fulfil(*pending, outcomeOfAnswer(finished->reply()));
-        });
-        noteSent(*pending);
+        if (sending.wantsReply) {
+            connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                    [pending = sending.pending](QDBusPendingCallWatcher* finished) {
+                        finished->deleteLater();
+                        fulfil(*pending, outcomeOfAnswer(finished->reply()));
+                    });
+            return noteSent(*sending.pending);
+        }
+        ++m_unhandled[number];
+        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                [this, number](QDBusPendingCallWatcher* finished) { noteHandled(number, *finished); });
+        fulfil(*sending.pending, {});
     }
 
     QString introspect(QString const&) const override {
         return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
                               "<arg type=\"i\" direction=\"out\"/><arg type=\"ay\" direction=\"out\"/></method>"
-                              "</interface>")
+                              "<method name=\"Post\"><arg type=\"ay\" direction=\"in\"/></method></interface>")
             .arg(Interface);
     }
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
-        if (message.interface() != Interface || message.member() != "Send") return false;
+        bool const isKnown = message.member() == "Send" || message.member() == "Post";
+        if (message.interface() != Interface || !isKnown) return false;
         guarded([&] { receive(message, connection); });
         return true;
     }
@@ -176,12 +191,15 @@ private:
         Result<AEDesc, Failure> desc = unflattened(bytesOf(bytes));
         if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.problem().reason));
         if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
-        IncomingEvent incoming{
-            .event = desc.takeValue(), .wantsReply = message.isReplyRequired(), .size = bytesOf(bytes).size()};
+        bool const wantsReply = message.isReplyRequired() && message.member() == "Send";
+        IncomingEvent incoming{.event = desc.takeValue(), .wantsReply = wantsReply, .size = bytesOf(bytes).size()};
         setOrigin(incoming.event, peer->pid);
-        if (incoming.wantsReply) {
-            incoming.answer = [message, connection](OSStatus status, AppleEvent const& reply) {
-                answer(message, connection, status, reply);
+        if (message.isReplyRequired()) {
+            incoming.answer = [message, connection, wantsReply](OSStatus status, AppleEvent const& reply) {
+                if (wantsReply)
+                    answer(message, connection, status, reply);
+                else
+                    connection.send(message.createReply());
             };
         }
         if (!enqueue(std::move(incoming)))
@@ -207,19 +225,45 @@ private:
                  true);
     }
 
+    // The unique name of the process's connection. The bus is asked each time, so that nothing is sent to a bus that
+    // hangs.
+    Result<QString, SendingOutcome> connectionOf(ProcessIdentity const& process, EventDeadline const& deadline) {
+        open();
+        if (!m_connection) return withoutBus();
+        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+        if (owner.number.isEmpty() && !m_connection->isConnected()) {
+            // The bus died unnoticed; there may be another one by now.
+            open();
+            if (!m_connection) return withoutBus();
+            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+        }
+        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
+        if (status != noErr) return SendingOutcome{.status = status, .hasNoEndpoint = status == procNotFound};
+        if (!belongsTo(owner.number, process, deadline)) return SendingOutcome{.status = procNotFound};
+        return owner.number;
+    }
+
+    // Nobody waits any more who could be told that an event was not taken.
+    void noteHandled(QString const& number, QDBusPendingCallWatcher& finished) {
+        finished.deleteLater();
+        auto const unhandled = m_unhandled.find(number);
+        if (unhandled != m_unhandled.end() && --unhandled->second == 0) m_unhandled.erase(unhandled);
+        if (finished.isError()) NSLog("An Apple event was not taken: %@", nsString(finished.error().message()));
+    }
+
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
-    bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) const {
-        std::optional<BusPeer> const peer = busPeer(*m_connection, number, timeoutUntil(deadline));
+    bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) {
+        std::optional<BusPeer> const peer = knownPeer(number, timeoutUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 
     // The bus gives no number twice, so what it said of one stays true.
-    std::optional<BusPeer> knownPeer(QString const& number) {
+    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = LongestBusTimeout) {
         constexpr std::size_t mostKept = 256;
         auto const found = m_peers.find(number);
         if (found != m_peers.end()) return found->second;
-        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number) : std::nullopt;
+        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
         if (m_peers.size() >= mostKept) m_peers.clear();
         if (peer) m_peers.emplace(number, *peer);
         return peer;
@@ -227,6 +271,8 @@ private:
 
     std::optional<QDBusConnection> m_connection;
     std::map<QString, BusPeer> m_peers;
+    // How many events without reply are under way to a connection or wait there.
+    std::map<QString, int> m_unhandled;
     // Runs while the bus that died has no successor. A child, so that it moves to the thread with its parent.
     QTimer m_nextLook{this};
 };
@@ -322,7 +368,7 @@ void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEv
     if (::gettid() == ::getpid()) requireEventLoop();
     if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
     Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, deadline, pending](Endpoint& endpoint) {
-        endpoint.send(process, event, wantsReply, deadline, pending);
+        endpoint.send({process, event, wantsReply, deadline, pending});
     });
 }
 

@@ -66,7 +66,7 @@ OSErr callBack(AppleEvent const* event, AppleEvent* reply, void*) {
 OSErr hang(AppleEvent const*, AppleEvent*, void*) {
     say("hanging");
     char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) > 0) {}
+    while (::read(STDIN_FILENO, &byte, 1) > 0 && byte != '\n') {}
     return noErr;
 }
 
