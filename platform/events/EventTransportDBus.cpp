@@ -73,10 +73,10 @@ bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::ste
 // A little longer than the sender waits, who is to find the time over rather than the bus gone: the toolkit's clock may
 // be an eighth too fast.
 BusTimeout timeoutUntil(EventDeadline const& deadline) {
-    if (!deadline) return LongestBusTimeout;
+    if (!deadline) return BusTimeout(Patience::Longest);
     constexpr BusTimeout least{100};
     auto const left = std::chrono::ceil<BusTimeout>(*deadline - std::chrono::steady_clock::now());
-    return std::clamp(left + left / 8 + least, least, LongestBusTimeout);
+    return std::clamp(left + left / 8 + least, least, BusTimeout(Patience::Longest));
 }
 
 // How many events without reply may wait at one receiver: half of what it lets wait in all, so that two senders find
@@ -259,7 +259,7 @@ private:
     }
 
     // The bus gives no number twice, so what it said of one stays true.
-    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = LongestBusTimeout) {
+    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
         constexpr std::size_t mostKept = 256;
         auto const found = m_peers.find(number);
         if (found != m_peers.end()) return found->second;
