@@ -14,8 +14,10 @@ namespace mac {
 //
 // Linux: the item is known by its volume, its inode number and its birth time. The last 256 items referred to are held
 // open, so they are found after any rename or move; an earlier one is looked for by its inode number in the folder
-// where it was when it was let go, and otherwise is not found. The item that is found is never another one. A volume
-// with held items cannot be unmounted, and the bytes mean nothing in other programs.
+// where it was when it was let go, and otherwise is not found. The item that is found is never another one; so on a
+// file system that has no birth times, numbers its items anew and offers no file handles, an earlier item that has
+// changed since is not found. A volume with held items cannot be unmounted, and the bytes mean nothing in other
+// programs.
 struct FSRef {
     std::array<std::uint8_t, 80> hidden;
 

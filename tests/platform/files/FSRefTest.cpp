@@ -1,9 +1,13 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/HeldItems.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/system/LongPath.h"
 #include "tests/platform/files/TrashHome.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
@@ -181,6 +185,70 @@ TEST(FSRef, HoldsNoMoreThan256Descriptors) {
     EXPECT_LE(openDescriptors(), before + 256);
 }
 
+// Two calls to know the item, four to hold it and three to let the oldest one go.
+constexpr unsigned MostCallsForNewReference = 7;
+
+TEST(FSRef, AsksNothingAboutTheOthersThatAreHeld) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    fillWithOthers(folder);
+    std::optional<unsigned> const calls = systemCallsOf([&] { referenceTo(file); });
+    if (!calls) GTEST_SKIP() << "tracing is not allowed here";
+    EXPECT_GT(*calls, 0U);
+    EXPECT_LE(*calls, MostCallsForNewReference);
+    FSRef const reference = referenceTo(file);
+    EXPECT_EQ(systemCallsOf([&] { referenceTo(file); }), 1U);
+    EXPECT_LE(*systemCallsOf([&] { pathOf(reference); }), 2U);
+}
+
+TEST(FSRef, MadeAgainIsFoundUnderTheOtherName) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("a/file", "");
+    folder.makeFolder("b");
+    ASSERT_EQ(::link(file.c_str(), folder.path("b/other").c_str()), 0);
+    FSRef const reference = referenceTo(file);
+    EXPECT_EQ(referenceTo(folder.path("b/other")), reference);
+    ASSERT_EQ(::unlink(file.c_str()), 0);
+    EXPECT_EQ(pathOf(reference), folder.path("b/other"));
+}
+
+TEST(FSRef, MadeAgainOfALongPathIsFoundThere) {
+    LongFolder longFolder;
+    longFolder.makeFile("file", "");
+    longFolder.makeFolder("inner");
+    std::string const& path = longFolder.path();
+    FSRef const reference = referenceTo(path + "/file");
+    ASSERT_EQ(pathOf(reference), path + "/file");
+    FileDescriptor const inner = openPath(path, O_PATH).takeValue();
+    ASSERT_EQ(::renameat(inner.number(), "file", inner.number(), "inner/moved"), 0);
+    EXPECT_EQ(referenceTo(path + "/inner/moved"), reference);
+    EXPECT_EQ(pathOf(reference), path + "/inner/moved");
+    ASSERT_EQ(::renameat(inner.number(), "inner/moved", inner.number(), "file"), 0);
+}
+
+std::size_t removedItemsHeldOpen() {
+    std::vector<std::string> const names = namesInFolder("/proc/self/fd", LinkAtEnd::IsFollowed).valueOr({});
+    return static_cast<std::size_t>(std::ranges::count_if(names, [](std::string const& name) {
+        std::array<char, 4096> text{};
+        ssize_t const length = ::readlink(("/proc/self/fd/" + name).c_str(), text.data(), text.size());
+        return length > 0 && std::string_view(text.data(), static_cast<std::size_t>(length)).ends_with(" (deleted)");
+    }));
+}
+
+// Each new reference looks at one of them.
+TEST(FSRef, LetsRemovedItemsGoAsOthersAreMade) {
+    TemporaryFolder const folder;
+    fillWithOthers(folder, 256);
+    releaseRemovedItems();
+    for (int index = 156; index < 256; ++index)
+        ASSERT_EQ(::unlink(folder.path("others/" + std::to_string(index)).c_str()), 0);
+    std::size_t const removed = removedItemsHeldOpen();
+    EXPECT_GE(removed, 100U);
+    for (int index = 0; index < 100; ++index)
+        referenceTo(folder.makeFile("later/" + std::to_string(index), ""));
+    EXPECT_EQ(removedItemsHeldOpen(), removed - 100);
+}
+
 TEST(FSRef, MakesRoomWhenNoDescriptorIsLeft) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
@@ -200,6 +268,7 @@ TEST(FSRef, DoesNotKeepRemovedItems) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     referenceTo(file);
+    releaseRemovedItems();
     std::size_t const before = openDescriptors();
     ASSERT_EQ(::unlink(file.c_str()), 0);
     releaseRemovedItems();
@@ -211,6 +280,7 @@ TEST(FSRef, DoesNotKeepWhatTheTrashIsEmptiedOf) {
     Result<TrashedItem, TrashProblem> const item = moveToTrash(home.folder.makeFile("file", ""));
     ASSERT_TRUE(item.hasValue());
     referenceTo(item.value().path);
+    releaseRemovedItems();
     std::size_t const before = openDescriptors();
     EXPECT_EQ(emptyTrash().removed, 1U);
     EXPECT_EQ(openDescriptors(), before - 1);
