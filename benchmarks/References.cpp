@@ -25,23 +25,31 @@ void askForStatus(std::string const& path) {
     if (::statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &status) != 0) std::abort();
 }
 
-void makeReference(std::string const& path) {
+void makeReference(NSString const& path) {
     FSRef reference{};
-    if (!KRCPathGetFSRef_(NSString::stringWithFileSystemRepresentation_(path), &reference)) std::abort();
+    if (!KRCPathGetFSRef_(path, &reference)) std::abort();
+}
+
+std::vector<NSString> texts(std::vector<std::string> const& paths) {
+    std::vector<NSString> result;
+    for (std::string const& path : paths)
+        result.push_back(NSString::stringWithFileSystemRepresentation_(path));
+    return result;
 }
 
 // Prints how much longer references take, as the median of the ratios of neighbouring rounds.
 void compare(char const* what, std::vector<std::string> const& paths) {
     std::vector<double> ratios;
     std::vector<double> seconds;
+    std::vector<NSString> const names = texts(paths);
     for (int round = 0; round < Rounds; ++round) {
         double const statuses = secondsOf([&] {
             for (std::string const& path : paths)
                 askForStatus(path);
         });
         double const references = secondsOf([&] {
-            for (std::string const& path : paths)
-                makeReference(path);
+            for (NSString const& name : names)
+                makeReference(name);
         });
         ratios.push_back(references / statuses);
         seconds.push_back(references / static_cast<double>(paths.size()));
@@ -60,7 +68,7 @@ int main() {
         std::ofstream(paths.back()) << index;
     }
     for (unsigned index = 0; index < 256; ++index)
-        makeReference(paths[index]);
+        makeReference(NSString::stringWithFileSystemRepresentation_(paths[index]));
     compare("an item that is held", std::vector<std::string>(Repetitions, paths[0]));
     // Each of them lets another one go.
     compare("an item that is not held", paths);

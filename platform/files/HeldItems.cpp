@@ -115,11 +115,8 @@ void HeldItems::drop(ItemIdentity const& identity) {
 }
 
 void HeldItems::releaseRemoved() {
-    for (auto held = m_held.begin(); held != m_held.end();) {
-        Result<IdentifiedItem> const status = identify(held->item);
-        bool const isThere = status.hasValue() && !status.value().isRemoved;
-        held = isThere ? std::next(held) : release(held);
-    }
+    for (auto held = m_held.begin(); held != m_held.end();)
+        held = isKnownToBeRemoved(held->item) ? release(held) : std::next(held);
     m_nextLook = m_held.end();
 }
 
@@ -128,8 +125,7 @@ void HeldItems::releaseOneIfRemoved() {
     // From the most recent to the oldest, which is the next to be let go anyway.
     if (m_nextLook == m_held.end()) m_nextLook = m_held.begin();
     auto const looked = m_nextLook++;
-    Result<IdentifiedItem> const status = identify(looked->item);
-    if (!status.hasValue() || status.value().isRemoved) release(looked);
+    if (isKnownToBeRemoved(looked->item)) release(looked);
 }
 
 void HeldItems::releaseHalf() {

@@ -46,6 +46,8 @@ Result<IdentifiedItem> identify(FileDescriptor const& item);
 // The item of a name in an open folder; a symbolic link itself.
 Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
 
+// Whether no name leads to the open item any more, as far as this machine knows: no server is asked.
+bool isKnownToBeRemoved(FileDescriptor const& item);
 // The item at a path of bytes, of any length.
 Result<IdentifiedItem> identifyAtPath(std::string const& path, LinkAtEnd linkAtEnd);
 

@@ -47,6 +47,11 @@ Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const&
     return identifyAt(folder.number(), name.c_str(), AT_SYMLINK_NOFOLLOW);
 }
 
+bool isKnownToBeRemoved(FileDescriptor const& item) {
+    Result<IdentifiedItem> const known = identifyAt(item.number(), "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC);
+    return !known.hasValue() || known.value().isRemoved;
+}
+
 Result<IdentifiedItem> identifyAtPath(std::string const& path, LinkAtEnd linkAtEnd) {
     bool const isFollowed = linkAtEnd == LinkAtEnd::IsFollowed;
     if (path.size() < PATH_MAX) return identifyAt(AT_FDCWD, path.c_str(), isFollowed ? 0 : AT_SYMLINK_NOFOLLOW);
