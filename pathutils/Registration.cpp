@@ -1,4 +1,5 @@
 #include "pathutils/Registration.h"
+#include "pathutils/AliasesAndContents.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FinderMetadata.h"
@@ -85,6 +86,17 @@ void registerFinderMetadata() {
         {classMethod<&pxUpdatePathInFinder_>("pxUpdatePathInFinder:")});
 }
 
+void registerAliasesAndContents() {
+    addCategory<NSString>({method<&pxAliasDataOfPath>("pxAliasDataOfPath")});
+    addCategory<NSData>(
+        {
+            method<&pxPathOfAliasData>("pxPathOfAliasData"),
+            method<&pxPathOfAliasDataChangedAlias_>("pxPathOfAliasDataChangedAlias:"),
+            method<&pxCreateHandle>("pxCreateHandle"),
+        },
+        {classMethod<&pxDataWithHandle_>("pxDataWithHandle:")});
+}
+
 } // namespace
 
 void registerPathUtils() {
@@ -92,6 +104,7 @@ void registerPathUtils() {
     registerPathRelations();
     registerExtendedAttributes();
     registerFinderMetadata();
+    registerAliasesAndContents();
 }
 
 } // namespace mac

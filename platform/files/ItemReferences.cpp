@@ -200,6 +200,18 @@ Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
     return holdItem(table(), std::move(opened));
 }
 
+Result<OpenItem> openItemInFolder(FSRef const& folder, std::string const& name) {
+    Result<ItemIdentity> const identity = identityOf(folder);
+    if (!identity.hasValue()) return identity.problem();
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    Result<FileDescriptor> parent = openReferencedFolder(items, identity.value());
+    if (!parent.hasValue()) return parent.problem();
+    Result<FileDescriptor> item = withRoom(items, [&] { return openNamed(parent.value(), name); });
+    if (!item.hasValue()) return item.problem();
+    return OpenItem{.folder = parent.takeValue(), .item = item.takeValue(), .name = name};
+}
+
 Result<FSRef> referenceToFolderOf(OpenItem const& item) {
     if (item.name.empty()) return FSRef{};
     std::scoped_lock const lock(table().lock);

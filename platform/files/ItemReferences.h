@@ -2,6 +2,7 @@
 
 #include "platform/files/FSRef.h"
 #include "platform/system/items/OpenItem.h"
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,12 @@ Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd);
 Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name);
 // A reference to the folder that the item was found in, wherever that is now; all zero for the root.
 Result<FSRef> referenceToFolderOf(OpenItem const& item);
+
+// Opens the item of a name in the folder, wherever the folder is now, without making a reference; a symbolic link is
+// not followed.
+Result<OpenItem> openItemInFolder(FSRef const& folder, std::string const& name);
+// The bytes of a name in the form of HFS; nullopt for a name that no item can have.
+std::optional<std::string> nameOnDisk(std::u16string_view name);
 
 struct ReferencedItem {
     // Where the item is now.
