@@ -24,4 +24,22 @@ NSData pxDataWithHandle_(MemoryHandle handle);
 // A new handle with a copy of the bytes, which the caller disposes of; null for no bytes and without memory.
 MemoryHandle pxCreateHandle(NSData receiver);
 
+// Exchanges the contents of two files, or symbolic links themselves, as FSExchangeObjects does; NO, and nothing is
+// changed, if that fails.
+bool pxExchangeFileWith_(NSString receiver, NSString otherPath);
+
+// Whether the data forks, or the resource forks, are equal. A fork that the first file does not have, or that cannot be
+// opened, is equal to any other, so that the answer depends on the order (specified so); a fork that cannot be read
+// through is not. NO for null.
+bool pxIsFork_equalToFork_dataFork_(FSRef const* first, FSRef const* second, BOOL dataFork);
+// Whether both forks are equal. The resource forks are read only if the data forks are.
+bool pxIsContentsOfFile_equalToFile_(FSRef const* first, FSRef const* second);
+// The same of the items at the paths, symbolic links themselves; NO if either does not exist.
+bool pxPathHasEqualContentsWithPath_(NSString receiver, NSString otherPath);
+
+// pxChecksum (coreutils/Strings.h) of the file's data fork, a link followed; 0 for a file that cannot be read.
+int pxChecksumOfPath(NSString receiver);
+// When the item was last changed, a symbolic link itself; nil if there is none at the standardized path.
+NSDate pxModificationDateOfPath(NSString receiver);
+
 } // namespace mac

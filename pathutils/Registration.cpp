@@ -87,7 +87,18 @@ void registerFinderMetadata() {
 }
 
 void registerAliasesAndContents() {
-    addCategory<NSString>({method<&pxAliasDataOfPath>("pxAliasDataOfPath")});
+    addCategory<NSString>(
+        {
+            method<&pxAliasDataOfPath>("pxAliasDataOfPath"),
+            method<&pxExchangeFileWith_>("pxExchangeFileWith:"),
+            method<&pxPathHasEqualContentsWithPath_>("pxPathHasEqualContentsWithPath:"),
+            method<&pxChecksumOfPath>("pxChecksumOfPath"),
+            method<&pxModificationDateOfPath>("pxModificationDateOfPath"),
+        },
+        {
+            classMethod<&pxIsFork_equalToFork_dataFork_>("pxIsFork:equalToFork:dataFork:"),
+            classMethod<&pxIsContentsOfFile_equalToFile_>("pxIsContentsOfFile:equalToFile:"),
+        });
     addCategory<NSData>(
         {
             method<&pxPathOfAliasData>("pxPathOfAliasData"),

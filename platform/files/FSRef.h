@@ -87,4 +87,19 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
 // noErr if both refer to the same item.
 OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2);
 
+// The item is no file.
+inline constexpr OSErr notAFileErr = -1302;
+inline constexpr OSErr diffVolErr = -1303;
+inline constexpr OSErr sameFileErr = -1306;
+// The file system cannot do that.
+inline constexpr OSErr errFSOperationNotSupported = -1426;
+
+// Exchanges the contents, resource forks and dates of modification of two files or symbolic links on one volume. What
+// leads to them, references and aliases, stays with their paths, and so do creation dates and Finder information.
+// Nothing is changed on failure: diffVolErr, sameFileErr, notAFileErr for a folder and for a file of several names,
+// errFSOperationNotSupported if the file system cannot exchange names in one step.
+//
+// Linux: permissions, owners and other attributes go with the contents.
+OSErr FSExchangeObjects(FSRef const* ref, FSRef const* destRef);
+
 } // namespace mac

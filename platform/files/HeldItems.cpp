@@ -64,18 +64,19 @@ bool bearsMark(PlacedItem const& found, std::optional<LastingMark> const& mark) 
 
 HeldItems::Holding HeldItems::hold(ItemToHold item) {
     ItemIdentity const identity = item.identified.identity;
+    bool const isRemembered = m_rememberedByIdentity.contains(identity);
     forget(identity);
     if (auto const known = m_heldByIdentity.find(identity); known != m_heldByIdentity.end()) {
         // The newer path, but not the newer descriptor: both may lead to the item by different names.
         known->second->path = std::move(item.path);
         m_held.splice(m_held.begin(), m_held, known->second);
-        return Holding::HeldBefore;
+        return Holding::ReferredToBefore;
     }
     while (m_held.size() >= MostHeld)
         letGo(std::prev(m_held.end()));
     m_held.push_front(std::move(item));
     m_heldByIdentity.emplace(identity, m_held.begin());
-    return Holding::New;
+    return isRemembered ? Holding::ReferredToBefore : Holding::New;
 }
 
 bool HeldItems::holdAgain(IdentifiedItem const& item) {

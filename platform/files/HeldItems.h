@@ -32,7 +32,7 @@ public:
     static constexpr std::size_t MostHeld = 256;
     static constexpr std::size_t MostRemembered = 65536;
 
-    enum class Holding { New, HeldBefore };
+    enum class Holding { New, ReferredToBefore };
     // Holds the item as the most recent one.
     Holding hold(ItemToHold item);
     // Makes an item that is held already the most recent one. False if it is not held, and if its path has to be found

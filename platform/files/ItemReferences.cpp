@@ -1,4 +1,5 @@
 #include "platform/files/ItemReferences.h"
+#include "platform/files/ExchangedIdentities.h"
 #include "platform/files/HeldItems.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
@@ -30,6 +31,7 @@ struct Table {
     HeldItems items{};
     // Items that are held for PassingReferences alone.
     std::unordered_set<ItemIdentity, ItemIdentityHash> passing{};
+    ExchangedIdentities exchanged{};
 
     void noteHolding(ItemIdentity const& identity, HeldItems::Holding holding);
     void dropPassing(ItemIdentity const& identity);
@@ -66,12 +68,15 @@ void Table::dropPassing(ItemIdentity const& identity) {
     if (passing.erase(identity) > 0) items.drop(identity);
 }
 
-FSRef referenceTo(ItemIdentity const& identity) {
+FSRef referenceWith(ItemIdentity const& identity) {
     Contents const contents{.identity = identity};
     FSRef reference{};
     std::memcpy(reference.hidden.data(), &contents, sizeof(contents));
     return reference;
 }
+
+// The lock is held here and in identityOf().
+FSRef referenceTo(ItemIdentity const& item) { return referenceWith(table().exchanged.referredTo(item)); }
 
 SystemError badReference() { return {.code = ESTALE, .operation = "find reference"}; }
 
@@ -79,8 +84,8 @@ SystemError badReference() { return {.code = ESTALE, .operation = "find referenc
 Result<ItemIdentity> identityOf(FSRef const& reference) {
     Contents contents;
     std::memcpy(&contents, reference.hidden.data(), sizeof(contents));
-    if (reference != referenceTo(contents.identity)) return badReference();
-    return contents.identity;
+    if (reference != referenceWith(contents.identity)) return badReference();
+    return table().exchanged.itemOf(contents.identity);
 }
 
 // Calls the operation, which answers a result, again after releasing held items if the process can open no more files.
@@ -168,7 +173,7 @@ Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd) {
     Result<IdentifiedItem> const seen = withRoom(items, [&] { return identifyAtPath(bytes, linkAtEnd); });
     if (!seen.hasValue()) return seen.problem();
     if (items.holdAgain(seen.value())) {
-        table().noteHolding(seen.value().identity, HeldItems::Holding::HeldBefore);
+        table().noteHolding(seen.value().identity, HeldItems::Holding::ReferredToBefore);
         return referenceTo(seen.value().identity);
     }
     items.releaseOneIfRemoved();
@@ -183,9 +188,9 @@ Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd) {
 }
 
 Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
+    std::scoped_lock const lock(table().lock);
     Result<ItemIdentity> const identity = identityOf(folder);
     if (!identity.hasValue()) return identity.problem();
-    std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     items.releaseOneIfRemoved();
     Result<FileDescriptor> const parent = openReferencedFolder(items, identity.value());
@@ -201,9 +206,9 @@ Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
 }
 
 Result<OpenItem> openItemInFolder(FSRef const& folder, std::string const& name) {
+    std::scoped_lock const lock(table().lock);
     Result<ItemIdentity> const identity = identityOf(folder);
     if (!identity.hasValue()) return identity.problem();
-    std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     Result<FileDescriptor> parent = openReferencedFolder(items, identity.value());
     if (!parent.hasValue()) return parent.problem();
@@ -247,6 +252,16 @@ Result<OpenItem> openItemOfReference(FSRef const& reference) {
     if (!found.hasValue()) return found.problem();
     if (reference == referenceTo(found.value().identity)) return item;
     return badReference();
+}
+
+Result<void> exchangeReferences(FSRef const& first, FSRef const& second) {
+    std::scoped_lock const lock(table().lock);
+    Result<ItemIdentity> const one = identityOf(first);
+    if (!one.hasValue()) return one.problem();
+    Result<ItemIdentity> const other = identityOf(second);
+    if (!other.hasValue()) return other.problem();
+    table().exchanged.exchange(one.value(), other.value());
+    return {};
 }
 
 void releaseRemovedItems() {

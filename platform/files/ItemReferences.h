@@ -36,13 +36,16 @@ Result<ReferencedItem> itemOfReference(FSRef const& reference);
 // Opens the item where it is now. ESTALE as for itemOfReference.
 Result<OpenItem> openItemOfReference(FSRef const& reference);
 
+// From now on each of the references leads to the other one's item, and is what new references to that are equal to.
+Result<void> exchangeReferences(FSRef const& first, FSRef const& second);
+
 // Closes held items that have been removed, so that their volume can use the space again. Each new reference looks at
 // one held item, too; call this after removing large items.
 void releaseRemovedItems();
 
 // For reading something of an item by way of references: those that this thread makes while the object exists are gone
-// when it goes, unless they were held before or other threads have made them meanwhile. So the volume can be unmounted
-// afterwards. The object stays on its thread; such objects may be nested.
+// when it goes, unless there were references to their items before or other threads have made them meanwhile. So the
+// volume can be unmounted afterwards. The object stays on its thread; such objects may be nested.
 class PassingReferences {
 public:
     PassingReferences();
