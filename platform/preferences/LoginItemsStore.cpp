@@ -77,6 +77,7 @@ Plan planFor(NSArray const& items, KnownLoginItems const& known) {
         else
             others.push_back(element);
     }
+    std::erase_if(plan.removals, isGone);
     for (id const& element : others) {
         std::optional<ReadItem> equal =
             taken(plan.removals, [&](ReadItem const& read) { return read.object.isEqual_(element); });
@@ -97,7 +98,6 @@ Plan planFor(NSArray const& items, KnownLoginItems const& known) {
         else
             plan.kept.addObject_(element);
     }
-    std::erase_if(plan.removals, isGone);
     return plan;
 }
 
