@@ -223,13 +223,13 @@ TEST_F(Window, DisablesTheActionsThatAreNotThereYet) {
     open();
     ASSERT_TRUE(gathered());
     table()->selectRow(0);
-    for (char const* name : {"scanAction", "quitAction", "openActivityMonitorAction"}) {
+    for (char const* name :
+         {"scanAction", "quitAction", "openActivityMonitorAction", "unToolbarAction", "quitFinderAction"}) {
         ASSERT_NE(find<QAction>(name), nullptr) << name;
         EXPECT_TRUE(find<QAction>(name)->isEnabled()) << name;
     }
-    for (char const* name :
-         {"revealAction", "addToAutoLaunchAction", "unAutoLaunchAction", "unToolbarAction", "swapIconAction",
-          "trashAction", "deleteAction", "showAccountsAction", "logOutAction", "quitFinderAction"}) {
+    for (char const* name : {"revealAction", "addToAutoLaunchAction", "unAutoLaunchAction", "swapIconAction",
+                             "trashAction", "deleteAction", "showAccountsAction", "logOutAction"}) {
         ASSERT_NE(find<QAction>(name), nullptr) << name;
         EXPECT_FALSE(find<QAction>(name)->isEnabled()) << name;
     }
