@@ -1,5 +1,6 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/FileStatuses.h"
+#include "platform/files/ItemNames.h"
 #include "platform/files/ItemReferences.h"
 #include <cerrno>
 #include <cstring>
@@ -17,17 +18,17 @@ bool isThisComputer(NSString const& host) {
     return host.length() == 0 || host.caseInsensitiveCompare_("localhost") == NSOrderedSame;
 }
 
-// The name in the form of paths; nullopt for a name that no item can have there.
-std::optional<std::string> shownName(std::u16string_view name) {
+} // namespace
+
+std::optional<std::string> fileNameOfHFSName(std::u16string_view name) {
     std::u16string shown(name);
     for (char16_t& unit : shown) {
         if (unit == u':') return std::nullopt;
         if (unit == u'/') unit = u':';
     }
+    if (shown == u"." || shown == u"..") return std::nullopt;
     return NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
 }
-
-} // namespace
 
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
     if (!fsRef) return false;
@@ -78,8 +79,8 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
     if (newRef) *newRef = {};
     if (!parentRef || !newRef || !name || nameLength == 0) return paramErr;
     if (nameLength > HFSUniStr255().unicode.size()) return errFSNameTooLong;
-    std::optional<std::string> const shown = shownName({name, nameLength});
-    if (!shown || *shown == "." || *shown == "..") return bdNamErr;
+    std::optional<std::string> const shown = fileNameOfHFSName({name, nameLength});
+    if (!shown) return bdNamErr;
     Result<FSRef> const made = referenceInFolder(*parentRef, *shown);
     if (!made.hasValue() && made.problem().is(ENOTDIR)) return errFSNotAFolder;
     return takeReference(made, *newRef);

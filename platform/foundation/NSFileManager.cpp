@@ -9,8 +9,10 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemLock.h"
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -92,6 +94,12 @@ bool allowsRemoval(Place const& place) {
 } // namespace
 
 void setDisplayNameSource(DisplayNameSource source) { s_displayNameSource.store(source); }
+
+NSString NSTemporaryDirectory() {
+    char const* const folder = std::getenv("TMPDIR");
+    bool const isUsable = folder && BytePath(folder).isAbsolute();
+    return NSString::stringWithFileSystemRepresentation_(BytePath(isUsable ? folder : "/tmp").bytes());
+}
 
 class NSFileManager::Body : public ObjectBody {};
 
@@ -234,6 +242,8 @@ bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, 
                                                           NSDictionary const& attributes) const {
     std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
     if (!bytes) return false;
+    Result<OpenItem> const old = openItemAtPath(*bytes, LinkAtEnd::IsFollowed);
+    if (old.hasValue() && lockOf(old.value()) == ItemLock::Locked) return false;
     FileReplacement how{.newFileMode = modeOf(attributes, UsualFileMode)};
     bool hasAttributes = true;
     if (attributes.count() > 0) {

@@ -62,8 +62,8 @@ public:
     // The attributes may be nil. False where something is already, or the folder
     // above is not.
     bool createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const;
-    // Replaces a file that is there, old whole or new whole; it keeps what the
-    // attributes do not say. Nil contents are none. False also when an attribute
+    // Replaces a file that is there unless it is locked, old whole or new whole;
+    // it keeps what the attributes do not say. Nil contents are none. False also when an attribute
     // could not be set; the file is there then, and nobody gets more of it than
     // the attributes allow.
     bool createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
@@ -90,5 +90,8 @@ public:
     NSString pathContentOfSymbolicLinkAtPath_(NSString const& path) const;
     bool createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const;
 };
+
+// The folder for temporary files: TMPDIR if it is an absolute path, else "/tmp"; without a slash at its end.
+NSString NSTemporaryDirectory();
 
 } // namespace mac

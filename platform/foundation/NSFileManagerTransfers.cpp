@@ -18,9 +18,9 @@ constexpr char PathKey[] = "Path";
 constexpr char ToPathKey[] = "ToPath";
 constexpr char ErrorKey[] = "Error";
 
-NSString textOf(std::string const& text) { return NSString::stringWithCodeUnits(unitsFromFileSystemBytes(text)); }
+NSString messageText(std::string const& text) { return NSString::stringWithCodeUnits(unitsFromFileSystemBytes(text)); }
 
-NSString pathOf(std::string const& path) { return NSString::stringWithFileSystemRepresentation_(path); }
+NSString pathOfBytes(std::string const& path) { return NSString::stringWithFileSystemRepresentation_(path); }
 
 // One operation's questions to the handler.
 class HandledOperation {
@@ -35,7 +35,7 @@ public:
     void willProcess(std::string const& path) const {
         constexpr char selector[] = "fileManager:willProcessPath:";
         if (m_handler.respondsToSelector_(selector))
-            m_handler.performSelector_withObject_withObject_(selector, m_manager, pathOf(path));
+            m_handler.performSelector_withObject_withObject_(selector, m_manager, pathOfBytes(path));
     }
 
     bool shouldProceedAfterError(std::string const& path, std::string const& error) {
@@ -44,9 +44,9 @@ public:
         m_hasEnded = true;
         if (!m_handler.respondsToSelector_(selector)) return false;
         NSMutableDictionary const information = NSMutableDictionary::dictionary();
-        information.setObject_forKey_(pathOf(path), PathKey);
-        if (!m_toPath.empty()) information.setObject_forKey_(pathOf(m_toPath), ToPathKey);
-        information.setObject_forKey_(textOf(error), ErrorKey);
+        information.setObject_forKey_(pathOfBytes(path), PathKey);
+        if (!m_toPath.empty()) information.setObject_forKey_(pathOfBytes(m_toPath), ToPathKey);
+        information.setObject_forKey_(messageText(error), ErrorKey);
         id const answer = m_handler.performSelector_withObject_withObject_(selector, m_manager, information);
         m_hasEnded = !as<NSNumber>(answer).boolValue();
         return !m_hasEnded;
@@ -80,7 +80,7 @@ Result<OpenItem> openNamedItem(std::string const& path) {
 }
 
 // What a failed transfer means, for people.
-std::string textOf(TransferProblem const& problem) {
+std::string reasonOf(TransferProblem const& problem) {
     std::string const text = problem.error.text();
     switch (problem.kind) {
     case TransferProblem::Kind::OriginalStays:
@@ -107,7 +107,7 @@ bool run(Transfer transfer, HandledOperation& operation) {
     operation.willProcess(operation.path());
     Result<void, TransferProblem> const done =
         transfer({.item = item.value(), .folder = folder.value(), .name = std::string(target.leaf())});
-    return done.isDone() || operation.shouldProceedAfterError(operation.path(), textOf(done.problem()));
+    return done.isDone() || operation.shouldProceedAfterError(operation.path(), reasonOf(done.problem()));
 }
 
 bool transferItem(Transfer transfer, HandledOperation operation) { return run(transfer, operation); }

@@ -2,10 +2,10 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemRename.h"
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
-#include <functional>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -55,31 +55,23 @@ Result<void> setImmutable(FileDescriptor const& item, bool isSet) {
     return {};
 }
 
-// An item that its owner may not write to has no attributes that could be changed, so it is made writable meanwhile.
-Result<void> changeAsOwner(OpenItem const& item, std::function<Result<void>()> const& change) {
-    Result<void> const changed = change();
-    struct stat status {};
-    bool const isRefused = !changed.isDone() && (changed.problem().is(EACCES) || changed.problem().is(EPERM));
-    if (!isRefused || ::fstat(item.item.number(), &status) != 0 || (status.st_mode & S_IWUSR) != 0) return changed;
-    constexpr unsigned permissionBits = 07777;
-    unsigned const mode = status.st_mode & permissionBits;
-    if (::chmod(item.systemPath().c_str(), mode | S_IWUSR) != 0) return changed;
-    Result<void> retried = change();
-    if (::chmod(item.systemPath().c_str(), mode) != 0) return lastSystemError("chmod", item.name);
-    return retried;
-}
-
 Result<void> addAttribute(OpenItem const& item) {
     static constexpr std::array<std::byte, 1> value{std::byte{1}};
-    return changeAsOwner(item, [&] { return writeAttribute(item, AttributeName(LockedAttribute), value); });
+    return changeAttributesAsOwner(item, [&] { return writeAttribute(item, AttributeName(LockedAttribute), value); });
 }
 
+Result<void> removeLockedAttribute(OpenItem const& item) {
+    Result<void> removed = removeAttribute(item, AttributeName(LockedAttribute));
+    return !removed.isDone() && removed.problem().is(ENODATA) ? Result<void>() : removed;
+}
+
+// Most items have neither the attribute nor a sidecar, which one call tells.
 Result<void> takeAttributeOff(OpenItem const& item) {
+    Result<void> const removed = removeOnItem(item, AttributeName(LockedAttribute));
+    bool const hasNone = !removed.isDone() && (removed.problem().is(ENODATA) || removed.problem().is(EOPNOTSUPP));
+    if ((removed.isDone() || hasNone) && !sidecarBeside(item.folder, item.name)) return {};
     if (!hasLockedAttribute(item)) return {};
-    return changeAsOwner(item, [&] {
-        Result<void> removed = removeAttribute(item, AttributeName(LockedAttribute));
-        return !removed.isDone() && removed.problem().is(ENODATA) ? Result<void>() : removed;
-    });
+    return changeAttributesAsOwner(item, [&] { return removeLockedAttribute(item); });
 }
 
 } // namespace

@@ -20,6 +20,13 @@ public:
 
     Result<void> run() { return m_identified.isFolder ? removeFolder() : removeOther(); }
 
+    // Looks for what must stay.
+    Result<void> look() {
+        return visitAll({}, [](FileDescriptor const& folder, std::string const& name, bool) {
+            return isLockedIn(folder, name) ? Result<void>(lockedItem(name)) : Result<void>();
+        });
+    }
+
 private:
     // Needs no permission to list the folder that holds it.
     Result<void> removeOther() const {
@@ -30,9 +37,7 @@ private:
     }
 
     Result<void> removeFolder() {
-        Result<void> const looked = visitAll({}, [](FileDescriptor const& folder, std::string const& name, bool) {
-            return isLockedIn(folder, name) ? Result<void>(lockedItem(name)) : Result<void>();
-        });
+        Result<void> const looked = look();
         if (m_isEnded) return looked;
         return visitAll(m_questions.willRemove,
                         [](FileDescriptor const& folder, std::string const& name, bool isFolder) {
@@ -81,6 +86,13 @@ Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const&
     if (isLockedIn(folder, name)) return lockedItem(name);
     if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
     return lastSystemError("unlink", name);
+}
+
+Result<void> confirmRemovable(OpenItem const& item) {
+    if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
+    Result<IdentifiedItem> const identified = identify(item.item);
+    if (!identified.hasValue()) return identified.problem();
+    return Removal(item, identified.value(), {}).look();
 }
 
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions) {

@@ -24,6 +24,9 @@ struct RemovalQuestions {
 // failure leaves what was not removed until then. EBUSY for the root; ESTALE if another item has the item's name.
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions = {});
 
+// Fails as above if the item or one in it must stay.
+Result<void> confirmRemovable(OpenItem const& item);
+
 // Removes one item, which is empty if it is a folder, unless it is locked.
 Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const& name, bool isFolder);
 
