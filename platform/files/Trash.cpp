@@ -3,6 +3,7 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <cerrno>
@@ -74,6 +75,7 @@ Done check(OpenItem const& item) {
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     if (place.value().mount != folder.value().mount)
         return refused(TrashProblem::Immovable, "A volume is mounted there");
+    if (lockOf(item) == ItemLock::Locked) return cannotTrash(lockedItem(item.name));
     Done const rights = checkRights(item, place.value(), folder.value());
     if (!rights.isDone()) return rights;
     if (place.value().isFolder && holdsHomeTrash(place.value().identity))

@@ -6,6 +6,7 @@
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/ItemRemoval.h"
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
@@ -116,9 +117,8 @@ void putSidecarBack(TrashPlace const& trash, std::string const& name, NameInFold
 }
 
 Result<void> eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-    int const flags = place.isFolder ? AT_REMOVEDIR : 0;
-    if (::unlinkat(folder.number(), name.c_str(), flags) == 0 || errno == ENOENT) return {};
-    return lastSystemError("unlink", name);
+    Result<void> removed = removeUnlessLocked(folder, name, place.isFolder);
+    return !removed.isDone() && removed.problem().is(ENOENT) ? Result<void>() : removed;
 }
 
 // Deletes everything that lies in the trashes, until it is told to stop.

@@ -5,6 +5,7 @@
 #include "platform/system/items/AppleDoubleForm.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/ItemLock.h"
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -31,6 +32,7 @@ Result<void, RenameProblem> renameItem(FileDescriptor const& item, NameInFolder 
                                        RenameSteps const& steps) {
     Result<void> const there = confirmItemInFolder(from.folder, from.name, item);
     if (!there.isDone()) return RenameProblem{.error = there.problem()};
+    if (isLockedIn(from.folder, from.name)) return RenameProblem{.error = lockedItem(from.name)};
     if (steps) steps(RenameStep::Checked);
     Result<void> const renamed = renameWithoutReplacing(from.folder, from.name, to.folder, to.name);
     if (!renamed.isDone()) return RenameProblem{.error = renamed.problem()};

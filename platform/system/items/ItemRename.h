@@ -19,7 +19,7 @@ struct RenameProblem {
     // Another item took the place at the last moment, was moved instead and could not be moved back: it has the new
     // name. Otherwise every item is where it was.
     bool movedWrongItem{false};
-    // ESTALE if another item has the item's name; EEXIST if the new name is taken.
+    // ESTALE if another item has the item's name; EEXIST if the new name is taken; ItemIsLocked.
     SystemError error{};
 };
 

@@ -4,6 +4,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/ItemRemoval.h"
 #include "platform/system/items/TreeCopy.h"
 #include <algorithm>
 #include <cerrno>
@@ -111,7 +112,8 @@ Result<void> removeCopied(FileDescriptor const& folder, std::string const& name,
     if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
     FileDescriptor const file(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!file.isOpen()) return lastSystemError("open", name);
-    if (Result<void> const removed = removeOne(folder, name, place); !removed.isDone()) return removed;
+    if (Result<void> const removed = removeUnlessLocked(folder, name, place.isFolder); !removed.isDone())
+        return removed;
     known->second = changeTime(file, "");
     return {};
 }
@@ -196,6 +198,9 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     if (renamed.isDone()) return renamed;
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
+    // What could not be removed afterwards would be in both places.
+    if (Result<void> const removable = confirmRemovable(transfer.item); !removable.isDone())
+        return notDone(removable.problem());
     CopiedItems copied;
     std::optional<OpenItem> const sidecar = sidecarItem(transfer.item);
     Transferred done = copyAs(transfer, copied);
