@@ -1,7 +1,9 @@
 #include "pathutils/Registration.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
+#include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
+#include "pathutils/PXFileManagerHandler.h"
 #include "pathutils/PathRelations.h"
 #include "platform/foundation/Method.h"
 
@@ -39,6 +41,15 @@ void registerPathRelations() {
         method<&pxIsDeletableFileAtPath>("pxIsDeletableFileAtPath"),
         method<&pxURLOfPath>("pxURLOfPath"),
         method<&pxURLOfPath_>("pxURLOfPath:"),
+    });
+}
+
+void registerFileOperations() {
+    registerClasses<PXFileManagerHandler>();
+    addCategory<NSString>({
+        method<&pxRemoveFile2>("pxRemoveFile2"),
+        method<&pxRemoveFile>("pxRemoveFile"),
+        method<&pxMoveToTrash>("pxMoveToTrash"),
     });
 }
 
@@ -90,6 +101,7 @@ void registerFinderMetadata() {
 void registerPathUtils() {
     registerBundleVersions();
     registerPathRelations();
+    registerFileOperations();
     registerExtendedAttributes();
     registerFinderMetadata();
 }
