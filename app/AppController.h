@@ -103,7 +103,34 @@ public:
     // Launches the system's monitor of processes; a beep and a line in the log when there is none.
     void openActivityMonitorAction_(id const& sender) const;
 
+    // Shows all selected copies in the file browser; a beep when none could be shown.
+    void revealAction_(id const& sender) const;
+    // The next three work on the one selected record; unless there is exactly one they do nothing. Failures are a beep
+    // and a line in the log.
+    //
+    // Moves the copy to the trash, where it stays listed.
+    void trashAction_(id const& sender) const;
+    // Deletes the copy for good, without asking.
+    void deleteAction_(id const& sender) const;
+    // Gives the copy the other one of its two icons and shows it in the file browser.
+    void swapIconAction_(id const& sender) const;
+
+    // Linux: takes back the last move to the trash, change of the login items, removal from the toolbar or icon swap of
+    // this window's life. A beep and a notice where that cannot be done.
+    void undoAction_(id const& sender) const;
+    // Linux: moves the one selected copy out of the trash to where it came from. A beep and a notice where that cannot
+    // be done.
+    void putBackAction_(id const& sender) const;
+    // Linux: whether there is something to undo. Can be observed.
+    bool canUndo() const;
+    // Linux: a text about the last change for the window, which is told each time it is set; nil before the first.
+    NSString notice() const;
+    // Linux: whether the notice is about a change that undoAction takes back.
+    bool noticeOffersUndo() const;
+
 private:
+    // The path of the one selected record; nil unless there is exactly one.
+    NSString onlySelectedPath() const;
     // Starts the query; a refusal is a beep and a line in the log.
     void startQuery() const;
 };
