@@ -80,6 +80,18 @@ public:
     void syncIsAutolaunched() const;
     void syncIsInToolbar() const;
 
+    // The Finder's toolbar items as they are now; an empty array without any. A failure to synchronise is a beep and a
+    // line in the log, and what could be read is answered. Linux: the items are the file browser's places.
+    NSArray readAllToolbarItems() const;
+    // Replaces them by these; YES if that is on the disk.
+    bool writeAllToolbarItems_(NSArray const& items) const;
+    // Removes the toolbar item of the one selected record, then quits the Finder and launches it again. A beep and a
+    // line in the log if the item is not in the list as last read, or cannot be removed.
+    void unToolbarAction_(id const& sender) const;
+    // Quits the Finder and launches it again as it was started; a beep and a line in the log when it refuses, does not
+    // run or is not launched. Blocks while it quits: until it has replied to the event, then about four seconds.
+    void quitFinderAction_(id const& sender) const;
+
     // The query's notifications. The inventory follows the query only while it gathers: the last two do nothing.
     void queryDidStart_(NSNotification const& notification) const;
     void queryGatheringProgress_(NSNotification const& notification) const;

@@ -145,7 +145,8 @@ DesktopOutcome FileBrowserSession::start(FileBrowser const& browser) const {
 DesktopOutcome FileBrowserSession::launch() const {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
-    return processesOf(*browser).empty() ? start(*browser) : DesktopOutcome();
+    bool const isWanted = processesOf(*browser).empty() || isProcessMissing(*browser);
+    return isWanted ? start(*browser) : DesktopOutcome();
 }
 
 DesktopOutcome FileBrowserSession::activate() const {

@@ -38,7 +38,9 @@ public:
     DesktopOutcome openItem(std::string const& path) const;
 
     // Starts the browser if it does not run: as it was started when it was last asked to quit, with the same arguments
-    // in the same folder, else by its desktop entry. Done once it runs and, if it is a service, is on the bus.
+    // in the same folder, so that one that draws the desktop draws it again; else by its desktop entry. Of a browser
+    // with a process for each window, starts the process that was asked to quit and is gone. Done once it runs and, if
+    // it is a service, is on the bus.
     DesktopOutcome launch() const;
     // Brings the browser to the front, starting it if it does not run; shows the home folder if it has no window.
     DesktopOutcome activate() const;
