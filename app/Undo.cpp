@@ -3,6 +3,7 @@
 #include "app/IconSwap.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/KeyValueObserving.h"
+#include "scripting/ProcessesAndFinder.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -33,7 +34,55 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
     return {.notice = "Put back."};
 }
 
-Undone takeBack(AppController const&, ListChange const&) { return {.notice = "Undone."}; }
+// How one of the lists is read and written.
+struct ListAccess {
+    NSArray (AppController::*read)() const;
+    bool (AppController::*write)(NSArray const&) const;
+    void (AppController::*sync)() const;
+};
+
+ListAccess accessTo(ListChange::List list) {
+    if (list == ListChange::List::LoginItems)
+        return {&AppController::readAllAutolaunchItems, &AppController::writeAllAutolaunchItems_,
+                &AppController::syncIsAutolaunched};
+    return {&AppController::readAllToolbarItems, &AppController::writeAllToolbarItems_,
+            &AppController::syncIsInToolbar};
+}
+
+NSUInteger countOfEqual(NSArray const& list, id const& item) {
+    NSUInteger count = 0;
+    for (id const& other : list) {
+        if (other.isEqual_(item)) ++count;
+    }
+    return count;
+}
+
+// The list without what was added and with what was removed, where it stood. What others did to it meanwhile stays.
+NSArray listBefore(NSArray const& present, ListChange const& change) {
+    NSMutableArray const items = NSMutableArray::arrayWithArray_(present);
+    for (id const& added : change.added) {
+        NSUInteger const index = items.indexOfObject_(added);
+        if (index != NSNotFound) items.removeObjectAtIndex_(index);
+    }
+    for (ListChange::Removed const& removed : change.removed) {
+        if (countOfEqual(items, removed.item) < removed.equalItems)
+            items.insertObject_atIndex_(removed.item, std::min(removed.index, items.count()));
+    }
+    return NSArray::arrayWithArray_(items);
+}
+
+Undone takeBack(AppController const& controller, ListChange const& change) {
+    ListAccess const list = accessTo(change.list);
+    NSArray const present = (controller.*list.read)();
+    bool const isWritten = (controller.*list.write)(listBefore(present, change));
+    (controller.*list.sync)();
+    controller.reSync();
+    if (!isWritten) return {"That could not be undone.", Undone::Step::Stays};
+    if (change.list == ListChange::List::LoginItems) return {.notice = "The login items are as before."};
+    // The file browser takes up the list when it starts; one that does not run will.
+    if (KRAProcessSerialNumberGetFinder() != nil) controller.quitFinderAction_(nil);
+    return {.notice = "Back in the places."};
+}
 
 Undone takeBack(AppController const&, SwappedIcon const& icon) {
     IconSwap const swap = swapIcon(icon.path, icon.newName);
@@ -65,6 +114,11 @@ void rememberTrashing(AppController const& controller, NSString const& path, NSS
         remember(controller, std::move(copy));
     }
     tell(controller, "Moved to the trash.", isFound ? Offer::Undo : Offer::Nothing);
+}
+
+ListChange::Removed removedItem(NSArray const& list, NSUInteger index) {
+    id const item = list.objectAtIndex_(index);
+    return {item, index, countOfEqual(list, item)};
 }
 
 void forgetTrashing(AppController const& controller, NSString const& pathInTrash) {

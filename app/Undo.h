@@ -23,7 +23,9 @@ struct ListChange {
     enum class List { LoginItems, ToolbarItems };
     struct Removed {
         id item{};
+        // Its place in the list before, and how many items equal to it the list had.
         NSUInteger index{0};
+        NSUInteger equalItems{1};
     };
 
     List list{List::LoginItems};
@@ -46,6 +48,8 @@ enum class WasOnHarddisk { No, Yes };
 // Remembers that the item at the path was moved to the trash just now, and tells so.
 void rememberTrashing(AppController const& controller, NSString const& path, NSString const& pathInTrash,
                       WasOnHarddisk wasOnHarddisk);
+// The item at the index as one that is going to be removed from the list.
+ListChange::Removed removedItem(NSArray const& list, NSUInteger index);
 // Drops the steps about a copy that has left the trash by other means.
 void forgetTrashing(AppController const& controller, NSString const& pathInTrash);
 

@@ -118,8 +118,7 @@ def tell(process, verb, argument):
         press(argument)
         print("pressed")
     elif verb == "status" and program is not None:
-        line = find(program, lambda e: e.get_name() == "Last message" or e.get_description() and
-                    e.get_role() == Atspi.Role.LABEL)
+        line = find(program, lambda element: element.get_name() == "Last message")
         print(line.get_description() if line is not None else "none")
     elif verb == "button" and program is not None:
         button = button_named(program, argument)
