@@ -99,9 +99,10 @@ Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions)
     if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
     Result<IdentifiedItem> const identified = identify(item.item);
     if (!identified.hasValue()) return identified.problem();
-    std::optional<OpenSidecar> const sidecar = sidecarBeside(item.folder, item.name);
+    Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
     Result<void> removed = Removal(item, identified.value(), questions).run();
-    if (removed.isDone() && sidecar) removeSidecar(item, *sidecar);
+    if (removed.isDone() && sidecar.value()) removeSidecar(item, *sidecar.value());
     return removed;
 }
 
