@@ -1,5 +1,6 @@
 #include "app/AppController.h"
 #include "app/AppControllerBody.h"
+#include "app/Undo.h"
 #include "platform/appkit/NSWorkspace.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
@@ -84,12 +85,16 @@ void AppController::unToolbarAction_(id const& sender) const {
         report("Item is not in toolbar.");
         return;
     }
+    ListChange change{.list = ListChange::List::ToolbarItems, .removed = {removedItem(items, index)}};
     items.removeObjectAtIndex_(index);
     bool const isWritten = writeAllToolbarItems_(NSArray::arrayWithArray_(items));
     if (!isWritten) report("Could remove toolbar item.");
     syncIsInToolbar();
     reSync();
-    if (isWritten) quitFinderAction_(sender);
+    if (!isWritten) return;
+    remember(*this, std::move(change));
+    tell(*this, "Removed from the places.", Offer::Undo);
+    quitFinderAction_(sender);
 }
 
 void AppController::quitFinderAction_(id const&) const {

@@ -9,7 +9,8 @@
 
 namespace mac {
 
-// How long the browser is waited for, to start, to answer and to quit.
+// How long the browser is waited for, to start, to answer and to quit; to start and to answer for no longer than the
+// thread's patience lasts.
 struct FileBrowserTimeouts {
     std::chrono::milliseconds start{15'000};
     std::chrono::milliseconds answer{10'000};
@@ -53,6 +54,7 @@ private:
     DesktopResult<Way> reach() const;
     DesktopOutcome start(FileBrowser const& browser) const;
     DesktopOutcome show(FileBrowserRequest request, std::vector<std::string> const& paths) const;
+    DesktopOutcome ask(FileBrowserRequest request, std::vector<std::string> const& paths) const;
 
     FileBrowserTimeouts m_timeouts;
 };

@@ -1,4 +1,5 @@
 #include "platform/preferences/NativeStores.h"
+#include "platform/preferences/LoginItemsStore.h"
 #include "platform/preferences/ToolbarItemsStore.h"
 #include <array>
 
@@ -6,9 +7,20 @@ namespace mac {
 
 namespace {
 
-constexpr std::array Stores{
-    NativeStore{"com.apple.finder", "FXToolbarItems", ToolbarItemsStore::readItems, ToolbarItemsStore::writeItems},
-};
+constexpr auto Stores = std::to_array<NativeStore>({
+    {.domain = "com.apple.finder",
+     .key = "FXToolbarItems",
+     .read = ToolbarItemsStore::readItems,
+     .write = ToolbarItemsStore::writeItems},
+    {.domain = "loginwindow",
+     .key = "AutoLaunchedApplicationDictionary",
+     .read = readLoginItems,
+     .write = writeLoginItems},
+    {.domain = "com.apple.finder",
+     .key = "FXToolbarItems",
+     .read = ToolbarItemsStore::readItems,
+     .write = ToolbarItemsStore::writeItems},
+});
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/ItemRemoval.h"
 #include "platform/system/items/TreeCopy.h"
 #include <algorithm>
 #include <cerrno>
@@ -33,55 +34,83 @@ Result<void> removeOne(FileDescriptor const& folder, std::string const& name, It
     return lastSystemError("unlink", name);
 }
 
+// A complete copy under a temporary name, and whether a sidecar belongs to it.
+struct CompleteCopy {
+    std::string name{};
+    bool hasSidecar{false};
+};
+
+// EEXIST if there is a stray sidecar of the name, which would be taken for the item's own.
+Result<void> confirmNoSidecar(FileDescriptor const& folder, std::string const& name) {
+    Result<std::optional<OpenSidecar>> const stray = sidecarBeside(folder, name);
+    if (!stray.hasValue()) return stray.problem();
+    return stray.value() ? nameTaken(stray.value()->name) : Result<void>();
+}
+
 // Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does.
-Result<void> nameCopy(FileDescriptor const& folder, std::string const& from, std::string const& to) {
-    std::string const sidecar = AppleDoubleSidecar::nameFor(from);
-    std::string const newSidecar = AppleDoubleSidecar::nameFor(to);
-    bool const hasSidecar = sidecarBeside(folder, from).has_value();
-    // A stray sidecar of that name would be taken for the item's own.
-    if (!hasSidecar && sidecarBeside(folder, to)) return nameTaken(newSidecar);
-    if (hasSidecar) {
-        Result<void> const renamed = renameWithoutReplacing(folder, sidecar, folder, newSidecar);
-        if (!renamed.isDone()) return renamed;
+Result<void> nameCopy(FileDescriptor const& folder, CompleteCopy const& copy, std::string const& to) {
+    if (!copy.hasSidecar) {
+        Result<void> const isFree = confirmNoSidecar(folder, to);
+        return isFree.isDone() ? renameWithoutReplacing(folder, copy.name, folder, to) : isFree;
     }
-    Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
+    std::string const sidecar = AppleDoubleSidecar::nameFor(copy.name);
+    std::string const newSidecar = AppleDoubleSidecar::nameFor(to);
+    Result<void> const followed = renameWithoutReplacing(folder, sidecar, folder, newSidecar);
+    if (!followed.isDone()) return followed;
+    Result<void> renamed = renameWithoutReplacing(folder, copy.name, folder, to);
     // If the sidecar cannot go back either, removeCopy() does not find it, and it stays.
-    if (!renamed.isDone() && hasSidecar) static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
+    if (!renamed.isDone()) static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     return renamed;
 }
 
 // Removes what there is of a copy, as far as possible.
 void removeCopy(FileDescriptor const& folder, std::string const& name) {
-    if (sidecarBeside(folder, name)) ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
+    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
     Result<ItemPlace> const place = placeOf(folder, name);
     if (!place.hasValue()) return;
     static_cast<void>(descend(folder, name, place.value().identity, {.makesAccessible = true}, removeOne));
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
-std::optional<OpenItem> sidecarItem(OpenItem const& item) {
-    std::optional<OpenSidecar> sidecar = sidecarBeside(item.folder, item.name);
-    if (!sidecar) return std::nullopt;
+Result<std::optional<OpenItem>> sidecarItem(OpenItem const& item) {
+    Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (!sidecar.value()) return std::optional<OpenItem>();
     FileDescriptor folder(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return OpenItem{.folder = std::move(folder), .item = std::move(sidecar->file), .name = std::move(sidecar->name)};
+    if (!folder.isOpen()) return lastSystemError("open", item.name);
+    OpenSidecar& found = *sidecar.value();
+    return std::optional(
+        OpenItem{.folder = std::move(folder), .item = std::move(found.file), .name = std::move(found.name)});
 }
 
 // Copies the item and its sidecar to a temporary name in the folder and flushes the volume.
-Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopiedItems& copied) {
+Result<CompleteCopy> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopiedItems& copied) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
     Result<FileDescriptor> const listed = readableFolder(transfer.folder);
     if (!listed.hasValue()) return listed.problem();
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return sidecar.problem();
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
-    if (std::optional<OpenItem> const sidecar = sidecarItem(transfer.item)) {
-        Result<void> const done =
-            TreeCopy(shouldContinue, copied).run(*sidecar, transfer.folder, AppleDoubleSidecar::nameFor(temporary));
-        if (!done.isDone()) return done;
+    if (sidecar.value()) {
+        Result<void> const done = TreeCopy(shouldContinue, copied)
+                                      .run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        if (!done.isDone()) return done.problem();
     }
     Result<void> const done = TreeCopy(shouldContinue, copied).run(transfer.item, transfer.folder, temporary);
-    if (!done.isDone()) return done;
+    if (!done.isDone()) return done.problem();
     if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs", transfer.name);
-    return {};
+    if (sidecar.value()) return CompleteCopy{.name = temporary, .hasSidecar = true};
+    // Attributes that the volume cannot hold have made a sidecar.
+    Result<std::optional<OpenSidecar>> const made = sidecarBeside(transfer.folder, temporary);
+    if (!made.hasValue()) return made.problem();
+    return CompleteCopy{.name = temporary, .hasSidecar = made.value().has_value()};
+}
+
+// EEXIST if an item has the name, or a stray sidecar the sidecar's.
+Result<void> confirmNameIsFree(ItemTransfer const& transfer) {
+    if (placeOf(transfer.folder, transfer.name).hasValue()) return nameTaken(transfer.name);
+    return confirmNoSidecar(transfer.folder, transfer.name);
 }
 
 Transferred copyAs(ItemTransfer const& transfer, CopiedItems& copied) {
@@ -89,15 +118,15 @@ Transferred copyAs(ItemTransfer const& transfer, CopiedItems& copied) {
     if (!item.hasValue()) return notDone(item.problem());
     if (item.value().isFolder && mayLieIn(transfer.folder, item.value().identity))
         return notDone({.code = EINVAL, .operation = "copy", .item = transfer.name});
-    bool const isTaken = !transfer.placing && (placeOf(transfer.folder, transfer.name).hasValue() ||
-                                               sidecarBeside(transfer.folder, transfer.name));
-    if (isTaken) return notDone(nameTaken(transfer.name));
+    Result<void> const isFree = transfer.placing ? Result<void>() : confirmNameIsFree(transfer);
+    if (!isFree.isDone()) return notDone(isFree.problem());
     Result<std::string> const temporary = unguessableName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
-    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), copied));
-    if (done.isDone())
-        done =
-            place(transfer, [&] { return transferred(nameCopy(transfer.folder, temporary.value(), transfer.name)); });
+    Result<CompleteCopy> const copy = copyToTemporary(transfer, temporary.value(), copied);
+    Transferred done =
+        copy.hasValue()
+            ? place(transfer, [&] { return transferred(nameCopy(transfer.folder, copy.value(), transfer.name)); })
+            : notDone(copy.problem());
     if (!done.isDone()) removeCopy(transfer.folder, temporary.value());
     return done;
 }
@@ -111,7 +140,8 @@ Result<void> removeCopied(FileDescriptor const& folder, std::string const& name,
     if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
     FileDescriptor const file(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!file.isOpen()) return lastSystemError("open", name);
-    if (Result<void> const removed = removeOne(folder, name, place); !removed.isDone()) return removed;
+    if (Result<void> const removed = removeUnlessLocked(folder, name, place.isFolder); !removed.isDone())
+        return removed;
     known->second = changeTime(file, "");
     return {};
 }
@@ -148,12 +178,16 @@ Transferred renameWithSidecar(ItemTransfer const& transfer) {
     OpenItem const& item = transfer.item;
     if (Result<void> const same = confirmSameMount(item.folder, transfer.folder, item.name); !same.isDone())
         return notDone(same.problem());
-    std::optional<OpenSidecar> const sidecar = sidecarBeside(item.folder, item.name);
+    Result<std::optional<OpenSidecar>> const found = sidecarBeside(item.folder, item.name);
+    if (!found.hasValue()) return notDone(found.problem());
+    std::optional<OpenSidecar> const& sidecar = found.value();
     std::string const newSidecar = AppleDoubleSidecar::nameFor(transfer.name);
     // "._x" may become "x".
     bool const isTheSidecar = confirmItemInFolder(transfer.folder, newSidecar, item.item).isDone();
-    if (!sidecar && !isTheSidecar && sidecarBeside(transfer.folder, transfer.name))
-        return notDone(nameTaken(newSidecar));
+    if (!sidecar && !isTheSidecar) {
+        Result<void> const isFree = confirmNoSidecar(transfer.folder, transfer.name);
+        if (!isFree.isDone()) return notDone(isFree.problem());
+    }
     NameInFolder const oldPlace{item.folder, item.name};
     NameInFolder const newPlace{transfer.folder, transfer.name};
     Transferred const moved = problemOf(renameItem(item.item, oldPlace, newPlace, transfer.steps));
@@ -196,11 +230,15 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     if (renamed.isDone()) return renamed;
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
+    // What could not be removed afterwards would be in both places.
+    if (Result<void> const removable = confirmRemovable(transfer.item); !removable.isDone())
+        return notDone(removable.problem());
     CopiedItems copied;
-    std::optional<OpenItem> const sidecar = sidecarItem(transfer.item);
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return notDone(sidecar.problem());
     Transferred done = copyAs(transfer, copied);
     if (!done.isDone()) return done;
-    Result<void> const removed = removeOriginals(transfer, sidecar, copied);
+    Result<void> const removed = removeOriginals(transfer, sidecar.value(), copied);
     if (removed.isDone()) return {};
     return TransferProblem{.kind = TransferProblem::Kind::OriginalStays, .error = removed.problem()};
 }
