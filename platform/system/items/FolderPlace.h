@@ -19,6 +19,8 @@ struct ItemPlace {
     std::uint32_t mode{0};
     bool isFolder{false};
     bool isMountPoint{false};
+    // It has the flag that forbids every change (ItemLock.h).
+    bool isImmutable{false};
 };
 
 Result<ItemPlace> placeOf(FileDescriptor const& item);

@@ -25,6 +25,7 @@ Result<ItemPlace> placeAt(int folder, char const* name, int flags) {
     place.mode = status.stx_mode;
     place.isFolder = S_ISDIR(status.stx_mode);
     place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    place.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
     return place;
 }
 
