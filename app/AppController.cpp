@@ -123,6 +123,7 @@ ClassDescription AppController::describeClass() {
                 property<&Self::paths, &Self::setPaths_>("paths"),
                 property<&Self::query, &Self::setQuery_>("query"),
                 readOnlyProperty<&Self::canUndo>("canUndo"),
+                readOnlyProperty<&Self::logOutObstacle>("logOutObstacle"),
                 readOnlyProperty<&Self::notice>("notice"),
                 readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
                 outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),

@@ -151,6 +151,9 @@ public:
     // Linux: moves the one selected copy out of the trash to where it came from. A beep and a notice where that cannot
     // be done.
     void putBackAction_(id const& sender) const;
+    // Linux: why the desktop's session cannot be left by logOutAction; nil if it can. Found out once, at the first
+    // call.
+    NSString logOutObstacle() const;
     // Linux: whether there is something to undo. Can be observed.
     bool canUndo() const;
     // Linux: a text about the last change for the window, which is told each time it is set; nil before the first.

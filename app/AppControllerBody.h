@@ -5,6 +5,7 @@
 #include "app/Undo.h"
 #include "scripting/ProcessQuitting.h"
 #include <array>
+#include <optional>
 
 namespace framekeeper {
 
@@ -26,6 +27,8 @@ public:
     // The last one on top of the stack, which is its end.
     std::vector<UndoStep> _undoSteps;
     NSString _notice;
+    // Unset until it is asked for.
+    std::optional<NSString> _logOutObstacle;
     bool _noticeOffersUndo{false};
     NSArrayController _pathsArrayController;
     NSTableView _pathsTableView;

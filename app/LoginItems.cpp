@@ -1,7 +1,8 @@
-#include "app/AppController.h"
+#include "app/AppControllerBody.h"
 #include "app/MembershipSources.h"
 #include "app/Undo.h"
 #include "pathutils/AliasesAndContents.h"
+#include "platform/desktop/LogOut.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
@@ -140,6 +141,15 @@ void AppController::showAccountsAction_(id const&) const {
     if (*this == nil) return;
     pxExecuteAsAppleScript(
         NSString("tell application \"System Preferences\"\nactivate\nset current pane to pane \"Accounts\"\nend tell"));
+}
+
+NSString AppController::logOutObstacle() const {
+    if (*this == nil) return nil;
+    std::optional<NSString>& known = bodyOf(*this)->_logOutObstacle;
+    if (known) return *known;
+    std::optional<std::string> const obstacle = obstacleToLoggingOut();
+    known = obstacle ? NSString::stringWithUTF8String_(obstacle->c_str()) : NSString();
+    return *known;
 }
 
 void AppController::logOutAction_(id const&) const {

@@ -24,10 +24,28 @@ protected:
     }
 
     std::string inTrash(std::string const& name) const { return m_home + "/.local/share/Trash/files/" + name; }
-    std::string informationOf(std::string const& copy) const {
-        std::ifstream file(copy + "/Contents/Info.plist", std::ios::binary);
+    static std::string contentsOf(std::string const& path) {
+        std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
+    static std::string informationOf(std::string const& copy) { return contentsOf(copy + "/Contents/Info.plist"); }
+    // The contents of the files in the autostart folder.
+    std::vector<std::string> loginItems() const {
+        std::vector<std::string> items;
+        std::error_code none;
+        for (auto const& entry : std::filesystem::directory_iterator(m_home + "/.config/autostart", none))
+            items.push_back(contentsOf(entry.path()));
+        return items;
+    }
+    bool shows(std::string const& path, std::size_t column, std::string const& answer) const {
+        return waitUntil([&] {
+            std::vector<std::string> const cells = row(path);
+            return cells.size() > column && cells[column] == answer;
+        });
+    }
+
+    static constexpr std::size_t LoginItemColumn = 4;
+    static constexpr std::size_t InToolbarColumn = 5;
     // How many items lie in the trash.
     std::size_t countInTrash() const {
         return static_cast<std::size_t>(
@@ -97,6 +115,56 @@ TEST_F(ActionsInASession, ShowACopyByTheReturnKey) {
     press("return");
     EXPECT_TRUE(m_session->showsWindow("Mirror Frame 2.1 - Thunar"));
     EXPECT_TRUE(says(""));
+}
+
+TEST_F(ActionsInASession, AddALoginItemAndTakeThatBack) {
+    std::string const path = pathOfCopy("Applications");
+    select(path);
+    press("ctrl+l");
+    EXPECT_TRUE(says("Added to the login items."));
+    EXPECT_EQ(loginItems().size(), 1U);
+    EXPECT_TRUE(shows(path, LoginItemColumn, "Yes"));
+    press("ctrl+z");
+    EXPECT_TRUE(says("The login items are as before."));
+    EXPECT_TRUE(loginItems().empty());
+    EXPECT_TRUE(shows(path, LoginItemColumn, "No"));
+}
+
+TEST_F(ActionsInASession, RemoveALoginItemAndTakeThatBack) {
+    std::string const path = pathOfCopy("Applications");
+    select(path);
+    press("ctrl+l");
+    EXPECT_TRUE(says("Added to the login items."));
+    std::vector<std::string> const before = loginItems();
+    press("ctrl+shift+l");
+    EXPECT_TRUE(says("Removed from the login items."));
+    EXPECT_TRUE(loginItems().empty());
+    press("ctrl+z");
+    EXPECT_TRUE(says("The login items are as before."));
+    EXPECT_EQ(loginItems(), before);
+    EXPECT_TRUE(shows(path, LoginItemColumn, "Yes"));
+}
+
+TEST_F(ActionsInASession, RemoveAPlaceAndTakeThatBack) {
+    std::string const path = pathOfCopy("Applications");
+    ASSERT_TRUE(mac::FileBrowserSession().launch().isDone());
+    std::string const bookmarks = m_home + "/.config/gtk-3.0/bookmarks";
+    std::string const before =
+        "file:///etc Settings\nfile://" + m_home + "/Applications/Mirror%20Frame.app A copy\nfile:///usr\n";
+    std::filesystem::create_directories(m_home + "/.config/gtk-3.0");
+    std::ofstream(bookmarks) << before;
+    select(path);
+    press("f5");
+    EXPECT_TRUE(shows(path, InToolbarColumn, "Yes"));
+    select(path);
+    press("ctrl+shift+b");
+    EXPECT_TRUE(says("Removed from the places."));
+    EXPECT_EQ(contentsOf(bookmarks), "file:///etc Settings\nfile:///usr\n");
+    select(path);
+    press("ctrl+z");
+    EXPECT_TRUE(says("Back in the places."));
+    EXPECT_EQ(contentsOf(bookmarks), before);
+    EXPECT_TRUE(shows(path, InToolbarColumn, "Yes"));
 }
 
 TEST_F(ActionsInASession, SayWhyACopyCannotBeQuit) {

@@ -12,6 +12,14 @@ protected:
         m_controller.trashAction_(nil);
         ASSERT_FALSE(exists(path));
     }
+    // The contents of the files in the autostart folder.
+    std::string loginItems() const {
+        std::string contents;
+        std::error_code none;
+        for (auto const& entry : std::filesystem::directory_iterator(m_desktop.folder.path("config/autostart"), none))
+            contents += contentsOf(entry.path());
+        return contents;
+    }
 };
 
 TEST_F(Undo, HasNothingToTakeBackAtFirst) {
@@ -127,6 +135,60 @@ TEST_F(Undo, LeavesAnIconThatWasChangedSince) {
     EXPECT_EQ(m_beeps, 1);
     EXPECT_TRUE(m_log.empty());
     EXPECT_FALSE(m_controller.canUndo());
+}
+
+TEST_F(Undo, RemovesALoginItemThatWasAddedAndBringsTheFormerOneBack) {
+    NSString const first = findCopy("a");
+    NSString const second = findCopy("b");
+    m_controller.syncIsAutolaunched();
+    select({first});
+    m_controller.addToAutoLaunchAction_(nil);
+    std::string const before = loginItems();
+    EXPECT_NE(before, "");
+    select({second});
+    m_controller.addToAutoLaunchAction_(nil);
+    EXPECT_EQ(notice(), "Added to the login items.");
+    EXPECT_NE(loginItems(), before);
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(loginItems(), before);
+    EXPECT_TRUE(flag(recordOf(m_controller, first), "isAutolaunched"));
+    EXPECT_FALSE(flag(recordOf(m_controller, second), "isAutolaunched"));
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(loginItems(), "");
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(Undo, LeavesWhatOthersDidToTheLoginItemsMeanwhile) {
+    NSString const path = findCopy("a");
+    m_controller.syncIsAutolaunched();
+    select({path});
+    m_controller.addToAutoLaunchAction_(nil);
+    select({path});
+    m_controller.unAutoLaunchAction_(nil);
+    EXPECT_EQ(notice(), "Removed from the login items.");
+    std::string const other = "[Desktop Entry]\nType=Application\nName=Other\nExec=/bin/true\n";
+    m_desktop.folder.makeFile("config/autostart/other.desktop", other);
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(contentsOf(m_desktop.folder.path("config/autostart/other.desktop")), other);
+    EXPECT_TRUE(flag(recordOf(m_controller, path), "isAutolaunched"));
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(loginItems(), other) << "our item alone goes";
+}
+
+TEST_F(Undo, PutsAPlaceBackWhereItStood) {
+    NSString const path = findCopy("a");
+    std::string const place = "file://" + m_desktop.folder.path("a/Mirror%20Frame.app") + " A copy\n";
+    std::string const before = "file:///etc\n" + place + "file:///usr Programs\n" + place;
+    std::string const bookmarks = m_desktop.folder.makeFile("config/gtk-3.0/bookmarks", before);
+    m_controller.syncIsInToolbar();
+    select({path});
+    m_controller.unToolbarAction_(nil);
+    EXPECT_EQ(notice(), "Removed from the places.");
+    EXPECT_NE(contentsOf(bookmarks), before);
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(contentsOf(bookmarks), before) << "one of two equal entries comes back";
+    EXPECT_EQ(notice(), "Back in the places.");
+    EXPECT_TRUE(flag(recordOf(m_controller, path), "isInToolbar"));
 }
 
 TEST_F(Undo, IsNotOfferedForADeletedCopy) {

@@ -33,7 +33,8 @@ private:
     EnvironmentVariable m_runtime;
     ChildProcess m_server;
     EnvironmentVariable m_display;
-    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", ""};
+    // An empty name counts as a Wayland display with the library that presses keys.
+    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
     PrivateBus m_bus{};
     EnvironmentVariable m_address;
     ChildProcess m_accessibility;
