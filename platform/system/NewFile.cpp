@@ -23,6 +23,8 @@ constexpr std::string_view AccessList = "system.posix_acl_access";
 // The security module labels the new file itself, and what the old bytes were allowed to do the new ones are not.
 constexpr std::string_view SecurityNames = "security.";
 
+constexpr std::string_view UserNames = "user.";
+
 bool isUnsupported(SystemError const& error) { return error.is(EOPNOTSUPP) || error.is(ENOSYS); }
 bool isForbidden(SystemError const& error) { return error.is(EPERM) || error.is(EACCES); }
 
@@ -42,18 +44,22 @@ Result<std::vector<char>> answerOf(char const* operation, std::string const& ite
     }
 }
 
-// Done also if the attribute is gone, or may not be read or written.
+// Done also if the attribute is gone, or is one of the system's that may not be read or written.
 Result<void> copyAttribute(std::string const& oldPath, FileDescriptor const& file, std::string const& name) {
+    bool const isUsers = name.starts_with(UserNames);
+    auto const maySkip = [&](SystemError const& error) {
+        return !isUsers && (isForbidden(error) || isUnsupported(error));
+    };
     Result<std::vector<char>> const value = answerOf("getxattr", name, [&](char* bytes, std::size_t size) {
         return ::getxattr(oldPath.c_str(), name.c_str(), bytes, size);
     });
     if (!value.hasValue()) {
         SystemError const& error = value.problem();
-        return error.is(ENODATA) || isForbidden(error) || isUnsupported(error) ? Result<void>() : error;
+        return error.is(ENODATA) || maySkip(error) ? Result<void>() : error;
     }
     if (::fsetxattr(file.number(), name.c_str(), value.value().data(), value.value().size(), 0) == 0) return {};
     SystemError error = lastSystemError("setxattr", name);
-    return isForbidden(error) || isUnsupported(error) ? Result<void>() : error;
+    return maySkip(error) ? Result<void>() : error;
 }
 
 } // namespace

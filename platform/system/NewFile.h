@@ -29,7 +29,8 @@ public:
 
     // Appends all of the bytes.
     Result<void> write(std::span<std::byte const> bytes) const;
-    // Copies the extended attributes and the access list of an open file, as far as this user may write them.
+    // Copies the extended attributes of an open file. Fails if one of the user's cannot be kept; the system's are
+    // copied as far as this user may.
     Result<void> copyAttributesOf(FileDescriptor const& old) const;
     // Takes owner, group and those permissions of the item that are in the mask. Where this user may not change the
     // owner, the file stays its own, without set-user-ID, and a group that cannot be taken gets no more permissions
