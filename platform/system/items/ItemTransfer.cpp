@@ -33,27 +33,43 @@ void tell(ItemTransfer const& transfer, CopyStep step) {
     if (transfer.copySteps) transfer.copySteps(step);
 }
 
+// Gives the sidecar of a copy its name as well, so that it can still be told whose it is if this process is killed; or
+// instead, where files cannot have two names.
+Result<void> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return {};
+    SystemError error = lastSystemError("link", from);
+    return error.is(EEXIST) ? error : renameWithoutReplacing(folder, from, folder, to);
+}
+
 // Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does: the
 // sidecar first, once no item has the name that it could be taken to belong to, so that the item is complete when it
 // appears.
 Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     FileDescriptor const& folder = transfer.folder;
     std::string const& to = transfer.name;
-    if (placeOf(folder, to).hasValue()) return nameTaken(to);
+    Result<ItemPlace> const taken = placeOf(folder, to);
+    if (taken.hasValue()) return nameTaken(to);
+    if (!taken.problem().is(ENOENT)) return taken.problem();
     std::string const sidecar = AppleDoubleSidecar::nameFor(from);
     std::string const newSidecar = AppleDoubleSidecar::nameFor(to);
-    bool const hasSidecar = sidecarBeside(folder, from).has_value();
+    // Whatever has this name is the copy's.
+    Result<ItemPlace> const own = placeOf(folder, sidecar);
+    if (!own.hasValue() && !own.problem().is(ENOENT)) return own.problem();
     // A stray sidecar of that name would be taken for the item's own.
-    if (!hasSidecar && sidecarBeside(folder, to)) return nameTaken(newSidecar);
-    if (hasSidecar) {
-        Result<void> const renamed = renameWithoutReplacing(folder, sidecar, folder, newSidecar);
-        if (!renamed.isDone()) return renamed;
+    if (!own.hasValue() && sidecarBeside(folder, to)) return nameTaken(newSidecar);
+    if (own.hasValue()) {
+        if (Result<void> const named = nameSidecar(folder, sidecar, newSidecar); !named.isDone()) return named;
         tell(transfer, CopyStep::SidecarNamed);
     }
     Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
-    // If the sidecar cannot go back either, removeCopy() does not find it, and it stays.
-    if (!renamed.isDone() && hasSidecar) static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     if (renamed.isDone()) tell(transfer, CopyStep::Named);
+    if (!own.hasValue()) return renamed;
+    // The sidecar keeps one of its names. If it cannot go back, removeCopy() does not find it, and it stays.
+    bool const hasBoth = confirmItemInFolder(folder, sidecar, own.value().identity).isDone();
+    if (hasBoth)
+        ::unlinkat(folder.number(), renamed.isDone() ? sidecar.c_str() : newSidecar.c_str(), 0);
+    else if (!renamed.isDone())
+        static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     return renamed;
 }
 
@@ -73,13 +89,18 @@ std::optional<OpenItem> sidecarItem(OpenItem const& item) {
     return OpenItem{.folder = std::move(folder), .item = std::move(sidecar->file), .name = std::move(sidecar->name)};
 }
 
-// Copies the item and its sidecar to a temporary name in the folder and flushes the volume.
+Result<void> flushVolume(FileDescriptor const& folder) {
+    Result<FileDescriptor> const listed = readableFolder(folder);
+    if (!listed.hasValue()) return listed.problem();
+    if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs");
+    return {};
+}
+
+// Copies the item and its sidecar to a temporary name in the folder; flushes the volume for a move.
 Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopyPurpose purpose,
                              CopiedItems& copied) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
-    Result<FileDescriptor> const listed = readableFolder(transfer.folder);
-    if (!listed.hasValue()) return listed.problem();
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
     if (std::optional<OpenItem> const sidecar = sidecarItem(transfer.item)) {
         Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
@@ -89,9 +110,10 @@ Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& te
     Result<void> const done =
         TreeCopy(purpose, shouldContinue, transfer.copySteps, copied).run(transfer.item, transfer.folder, temporary);
     if (!done.isDone()) return done;
-    if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs", transfer.name);
-    tell(transfer, CopyStep::Complete);
-    return {};
+    // Of a copy the original stays, so it need not wait until all that anybody writes is on the disk.
+    Result<void> const flushed = purpose == CopyPurpose::Move ? flushVolume(transfer.folder) : Result<void>();
+    if (flushed.isDone()) tell(transfer, CopyStep::Complete);
+    return flushed;
 }
 
 void cleanUp(ItemTransfer const& transfer, FileDescriptor const& folder) {
@@ -210,10 +232,7 @@ bool mayLieIn(FileDescriptor const& folder, ItemIdentity const& item) {
 
 Result<void, TransferProblem> copyItem(ItemTransfer const& transfer) {
     CopiedItems copied;
-    Transferred done = copyAs(transfer, CopyPurpose::Copy, copied);
-    // The copy is complete also if its name cannot be flushed.
-    if (done.isDone()) static_cast<void>(flushFolder(transfer.folder));
-    return done;
+    return copyAs(transfer, CopyPurpose::Copy, copied);
 }
 
 Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
