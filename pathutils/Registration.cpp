@@ -1,7 +1,10 @@
 #include "pathutils/Registration.h"
+#include "pathutils/AliasesAndContents.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
+#include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
+#include "pathutils/PXFileManagerHandler.h"
 #include "pathutils/PathRelations.h"
 #include "platform/foundation/Method.h"
 
@@ -40,6 +43,40 @@ void registerPathRelations() {
         method<&pxURLOfPath>("pxURLOfPath"),
         method<&pxURLOfPath_>("pxURLOfPath:"),
     });
+}
+
+void registerFileOperations() {
+    registerClasses<PXFileManagerHandler>();
+    addCategory<NSString>(
+        {
+            method<&pxRemoveFile2>("pxRemoveFile2"),
+            method<&pxRemoveFile>("pxRemoveFile"),
+            method<&pxRemoveFileIfExists>("pxRemoveFileIfExists"),
+            method<&pxMoveToTrash>("pxMoveToTrash"),
+            method<&pxMoveToFolder_>("pxMoveToFolder:"),
+            method<&pxMoveToFolder2_>("pxMoveToFolder2:"),
+            method<&pxCopyToPath_>("pxCopyToPath:"),
+            method<&pxCopyToFolder_>("pxCopyToFolder:"),
+            method<&pxRenameToNameOf_>("pxRenameToNameOf:"),
+            method<&pxRenameTo_keepExtension_>("pxRenameTo:keepExtension:"),
+            method<&pxCreateAliasFileWithContent_>("pxCreateAliasFileWithContent:"),
+            method<&pxCreateUniqueFolder>("pxCreateUniqueFolder"),
+            method<&pxCreateFolder>("pxCreateFolder"),
+            method<&pxCreateFolderWithAttributesFrom_>("pxCreateFolderWithAttributesFrom:"),
+            method<&pxCreateFolderWithAttributes_from_>("pxCreateFolderWithAttributes:from:"),
+            method<&pxPathSetNotWritable_locked_>("pxPathSetNotWritable:locked:"),
+            method<&pxSetFileModificationDate_creationDate_>("pxSetFileModificationDate:creationDate:"),
+            method<&pxSetFileAttributesFrom_>("pxSetFileAttributesFrom:"),
+            method<&pxSetExtendedFileAttributesFrom_skipKeys_>("pxSetExtendedFileAttributesFrom:skipKeys:"),
+            method<&pxSetFileAttributes_from_>("pxSetFileAttributes:from:"),
+            method<&pxSetFileAttributes_from_recurseUntilBeforeDstPath_>(
+                "pxSetFileAttributes:from:recurseUntilBeforeDstPath:"),
+            method<&pxUniquePathOfPath>("pxUniquePathOfPath"),
+            method<&pxTrashFolderPathOfPath>("pxTrashFolderPathOfPath"),
+            method<&pxTemporaryItemsFolderPathOfPath>("pxTemporaryItemsFolderPathOfPath"),
+        },
+        {classMethod<&pxTemporaryItemsFolderPath>("pxTemporaryItemsFolderPath")});
+    addCategory<NSEnumerator>({method<&pxRemoveFiles>("pxRemoveFiles")});
 }
 
 void registerExtendedAttributes() {
@@ -85,13 +122,37 @@ void registerFinderMetadata() {
         {classMethod<&pxUpdatePathInFinder_>("pxUpdatePathInFinder:")});
 }
 
+void registerAliasesAndContents() {
+    addCategory<NSString>(
+        {
+            method<&pxAliasDataOfPath>("pxAliasDataOfPath"),
+            method<&pxExchangeFileWith_>("pxExchangeFileWith:"),
+            method<&pxPathHasEqualContentsWithPath_>("pxPathHasEqualContentsWithPath:"),
+            method<&pxChecksumOfPath>("pxChecksumOfPath"),
+            method<&pxModificationDateOfPath>("pxModificationDateOfPath"),
+        },
+        {
+            classMethod<&pxIsFork_equalToFork_dataFork_>("pxIsFork:equalToFork:dataFork:"),
+            classMethod<&pxIsContentsOfFile_equalToFile_>("pxIsContentsOfFile:equalToFile:"),
+        });
+    addCategory<NSData>(
+        {
+            method<&pxPathOfAliasData>("pxPathOfAliasData"),
+            method<&pxPathOfAliasDataChangedAlias_>("pxPathOfAliasDataChangedAlias:"),
+            method<&pxCreateHandle>("pxCreateHandle"),
+        },
+        {classMethod<&pxDataWithHandle_>("pxDataWithHandle:")});
+}
+
 } // namespace
 
 void registerPathUtils() {
     registerBundleVersions();
     registerPathRelations();
+    registerFileOperations();
     registerExtendedAttributes();
     registerFinderMetadata();
+    registerAliasesAndContents();
 }
 
 } // namespace mac

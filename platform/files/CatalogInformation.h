@@ -6,6 +6,8 @@
 
 namespace mac {
 
+struct OpenItem;
+
 // An item's metadata, as the catalog of a volume holds it. Any thread.
 
 using FSCatalogInfoBitmap = std::uint32_t;
@@ -100,7 +102,8 @@ struct FSSpec;
 // paramErr for a null pointer where none is allowed and for an FSSpec, errFSBadInfoBitmap for undefined bits.
 //
 // Linux: the creation date is the one that was set, else the file system's, else the date of the last change. The
-// backup date is 0. A locked file is one with the immutable flag.
+// backup date is 0. An item is locked if it has the immutable flag, or the attribute that stands in for it
+// where the user may not set the flag.
 OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef);
 // Sets fields of kFSCatInfoSettableInfo. Fields that were set before a failure stay set.
@@ -108,5 +111,11 @@ OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalo
 // Linux: no file system can set a creation date, so it is kept in the attribute "com.apple.FSCatalogInfo.createDate";
 // the date of the last attribute change and the text encoding are accepted and ignored.
 OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo);
+
+// What FSGetCatalogInfo and FSSetCatalogInfo do, for an item that is open already: no reference is made, so nothing
+// stays open afterwards. The name may be null.
+OSErr getCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& catalogInfo,
+                     HFSUniStr255* outName = nullptr);
+OSErr setCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& catalogInfo);
 
 } // namespace mac

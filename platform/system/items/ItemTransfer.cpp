@@ -4,6 +4,8 @@
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/ItemLock.h"
+#include "platform/system/items/ItemRemoval.h"
 #include "platform/system/items/Leftovers.h"
 #include "platform/system/items/TreeCopy.h"
 #include <algorithm>
@@ -33,6 +35,13 @@ void tell(ItemTransfer const& transfer, CopyStep step) {
     if (transfer.copySteps) transfer.copySteps(step);
 }
 
+// EEXIST if there is a stray sidecar of the name, which would be taken for the item's own.
+Result<void> confirmNoSidecar(FileDescriptor const& folder, std::string const& name) {
+    Result<std::optional<OpenSidecar>> const stray = sidecarBeside(folder, name);
+    if (!stray.hasValue()) return stray.problem();
+    return stray.value() ? nameTaken(stray.value()->name) : Result<void>();
+}
+
 // Gives the sidecar of a copy its name as well, so that it can still be told whose it is if this process is killed; or
 // instead, where files cannot have two names.
 Result<void> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
@@ -56,8 +65,9 @@ Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     Result<ItemPlace> const own = placeOf(folder, sidecar);
     if (!own.hasValue() && !own.problem().is(ENOENT)) return own.problem();
     // A stray sidecar of that name would be taken for the item's own.
-    if (!own.hasValue() && sidecarBeside(folder, to)) return nameTaken(newSidecar);
-    if (own.hasValue()) {
+    if (!own.hasValue()) {
+        if (Result<void> const isFree = confirmNoSidecar(folder, to); !isFree.isDone()) return isFree;
+    } else {
         if (Result<void> const named = nameSidecar(folder, sidecar, newSidecar); !named.isDone()) return named;
         tell(transfer, CopyStep::SidecarNamed);
     }
@@ -82,11 +92,21 @@ void removeCopy(FileDescriptor const& folder, std::string const& name) {
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
-std::optional<OpenItem> sidecarItem(OpenItem const& item) {
-    std::optional<OpenSidecar> sidecar = sidecarBeside(item.folder, item.name);
-    if (!sidecar) return std::nullopt;
+Result<std::optional<OpenItem>> sidecarItem(OpenItem const& item) {
+    Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (!sidecar.value()) return std::optional<OpenItem>();
     FileDescriptor folder(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return OpenItem{.folder = std::move(folder), .item = std::move(sidecar->file), .name = std::move(sidecar->name)};
+    if (!folder.isOpen()) return lastSystemError("open", item.name);
+    OpenSidecar& found = *sidecar.value();
+    return std::optional(
+        OpenItem{.folder = std::move(folder), .item = std::move(found.file), .name = std::move(found.name)});
+}
+
+// EEXIST if an item has the name, or a stray sidecar the sidecar's.
+Result<void> confirmNameIsFree(ItemTransfer const& transfer) {
+    if (placeOf(transfer.folder, transfer.name).hasValue()) return nameTaken(transfer.name);
+    return confirmNoSidecar(transfer.folder, transfer.name);
 }
 
 Result<void> flushVolume(FileDescriptor const& folder) {
@@ -102,9 +122,11 @@ Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& te
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
-    if (std::optional<OpenItem> const sidecar = sidecarItem(transfer.item)) {
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (sidecar.value()) {
         Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
-                                      .run(*sidecar, transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+                                      .run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
         if (!done.isDone()) return done;
     }
     Result<void> const done =
@@ -129,9 +151,8 @@ Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItem
     if (!item.hasValue()) return notDone(item.problem());
     if (item.value().isFolder && mayLieIn(transfer.folder, item.value().identity))
         return notDone({.code = EINVAL, .operation = "copy", .item = transfer.name});
-    bool const isTaken = !transfer.placing && (placeOf(transfer.folder, transfer.name).hasValue() ||
-                                               sidecarBeside(transfer.folder, transfer.name));
-    if (isTaken) return notDone(nameTaken(transfer.name));
+    Result<void> const isFree = transfer.placing ? Result<void>() : confirmNameIsFree(transfer);
+    if (!isFree.isDone()) return notDone(isFree.problem());
     Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
     cleanUp(transfer, transfer.folder);
@@ -156,6 +177,7 @@ Result<void> removeCopied(FileDescriptor const& folder, std::string const& name,
                           (status.place.isFolder ||
                            (known->second.changeTime == status.changeTime && known->second.mark == markOf(status)));
     if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
+    if (isLockedIn(folder, name)) return lockedItem(name);
     if (Result<void> const removed = removeExactly(folder, name, status, steps); !removed.isDone()) return removed;
     if (status.links < 2 || status.place.isFolder) return {};
     Result<ItemStatus> const left = statusOf(file);
@@ -195,12 +217,16 @@ Transferred renameWithSidecar(ItemTransfer const& transfer) {
     OpenItem const& item = transfer.item;
     if (Result<void> const same = confirmSameMount(item.folder, transfer.folder, item.name); !same.isDone())
         return notDone(same.problem());
-    std::optional<OpenSidecar> const sidecar = sidecarBeside(item.folder, item.name);
+    Result<std::optional<OpenSidecar>> const found = sidecarBeside(item.folder, item.name);
+    if (!found.hasValue()) return notDone(found.problem());
+    std::optional<OpenSidecar> const& sidecar = found.value();
     std::string const newSidecar = AppleDoubleSidecar::nameFor(transfer.name);
     // "._x" may become "x".
     bool const isTheSidecar = confirmItemInFolder(transfer.folder, newSidecar, item.item).isDone();
-    if (!sidecar && !isTheSidecar && sidecarBeside(transfer.folder, transfer.name))
-        return notDone(nameTaken(newSidecar));
+    if (!sidecar && !isTheSidecar) {
+        Result<void> const isFree = confirmNoSidecar(transfer.folder, transfer.name);
+        if (!isFree.isDone()) return notDone(isFree.problem());
+    }
     NameInFolder const oldPlace{item.folder, item.name};
     NameInFolder const newPlace{transfer.folder, transfer.name};
     Transferred const moved = problemOf(renameItem(item.item, oldPlace, newPlace, transfer.steps));
@@ -240,12 +266,16 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     if (renamed.isDone()) return renamed;
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
+    // What could not be removed afterwards would be in both places.
+    if (Result<void> const removable = confirmRemovable(transfer.item); !removable.isDone())
+        return notDone(removable.problem());
     CopiedItems copied;
-    std::optional<OpenItem> const sidecar = sidecarItem(transfer.item);
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return notDone(sidecar.problem());
     cleanUp(transfer, transfer.item.folder);
     Transferred done = copyAs(transfer, CopyPurpose::Move, copied);
     if (!done.isDone()) return done;
-    Result<void> const removed = removeOriginals(transfer, sidecar, copied);
+    Result<void> const removed = removeOriginals(transfer, sidecar.value(), copied);
     if (removed.isDone()) return {};
     return TransferProblem{.kind = TransferProblem::Kind::OriginalStays, .error = removed.problem()};
 }

@@ -19,7 +19,8 @@ namespace mac {
 // Why an item was not moved or copied, and in what state that leaves it.
 struct TransferProblem {
     enum class Kind {
-        // The item is where it was. ESTALE: another item has its name; EEXIST: the new name is taken.
+        // The item is where it was. ESTALE: another item has its name; EEXIST: the new name is taken; ItemIsLocked: the
+        // item must not be moved.
         NotDone,
         // Another item was moved in the item's stead and could not be moved back, or the item could not be moved back
         // when its sidecar did not follow: what was moved has the new name.
