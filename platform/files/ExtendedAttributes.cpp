@@ -1,4 +1,5 @@
 #include "platform/files/ExtendedAttributes.h"
+#include "platform/system/items/AttributesAtPath.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <cerrno>
 #include <cstring>
@@ -21,10 +22,13 @@ int answer(Result<void> const& done) {
     return static_cast<int>(answer(length));
 }
 
+LinkAtEnd linkAtEndOf(int options) {
+    return (options & XATTR_NOFOLLOW) == 0 ? LinkAtEnd::IsFollowed : LinkAtEnd::IsNotFollowed;
+}
+
 Result<OpenItem> openItem(char const* path, int options) {
     if (!path) return refusal(EFAULT, "open");
-    bool const isFollowed = (options & XATTR_NOFOLLOW) == 0;
-    return openItemAtPath(path, isFollowed ? LinkAtEnd::IsFollowed : LinkAtEnd::IsNotFollowed);
+    return openItemAtPath(path, linkAtEndOf(options));
 }
 
 // What a call names: an item, and one of its attributes.
@@ -53,11 +57,17 @@ Result<std::size_t> deliver(std::span<std::byte const> bytes, void* buffer, std:
     return bytes.size();
 }
 
-Result<std::size_t> list(char const* path, char* names, std::size_t size, int options) {
-    if ((options & ~XATTR_NOFOLLOW) != 0) return refusal(EINVAL, "listxattr");
+Result<std::vector<std::string>> namesOf(char const* path, int options) {
+    std::optional<std::vector<std::string>> names = path ? namesAtPath(path) : std::nullopt;
+    if (names) return std::move(*names);
     Result<OpenItem> const item = openItem(path, options);
     if (!item.hasValue()) return item.problem();
-    Result<std::vector<std::string>> const all = namesOfAttributes(item.value());
+    return namesOfAttributes(item.value());
+}
+
+Result<std::size_t> list(char const* path, char* names, std::size_t size, int options) {
+    if ((options & ~XATTR_NOFOLLOW) != 0) return refusal(EINVAL, "listxattr");
+    Result<std::vector<std::string>> const all = namesOf(path, options);
     if (!all.hasValue()) return all.problem();
     std::string list;
     for (std::string const& name : all.value())
@@ -66,10 +76,18 @@ Result<std::size_t> list(char const* path, char* names, std::size_t size, int op
 }
 
 Result<std::size_t> get(char const* path, char const* name, void* value, std::size_t size, int options) {
-    Result<NamedAttribute> const attribute = open(path, name, options);
-    if (!attribute.hasValue()) return attribute.problem();
-    if (!value) return sizeOfAttribute(attribute.value().item, attribute.value().name);
-    Result<std::vector<std::byte>> const bytes = readAttribute(attribute.value().item, attribute.value().name);
+    Result<AttributeName> const wanted = attributeName(name);
+    if (!wanted.hasValue()) return wanted.problem();
+    std::span<std::byte> const buffer(static_cast<std::byte*>(value), value ? size : 0);
+    // To the system an empty buffer is none.
+    bool const isUsual = path && (!value || size > 0);
+    std::optional<std::size_t> const length =
+        isUsual ? valueAtPath(path, wanted.value(), buffer, linkAtEndOf(options)) : std::nullopt;
+    if (length) return *length;
+    Result<OpenItem> const item = openItem(path, options);
+    if (!item.hasValue()) return item.problem();
+    if (!value) return sizeOfAttribute(item.value(), wanted.value());
+    Result<std::vector<std::byte>> const bytes = readAttribute(item.value(), wanted.value());
     if (!bytes.hasValue()) return bytes.problem();
     return deliver(bytes.value(), value, size);
 }

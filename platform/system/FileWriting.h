@@ -28,7 +28,8 @@ struct FileReplacement {
 
 // Writes a new file beside the old one, flushes it to the disk and renames it over the old one, so that every reader
 // finds the old or the new bytes whole, also after a crash. The file keeps its permissions, access list and extended
-// attributes, and its owner where that is allowed; no user gets more access than before. A new file has the
+// attributes, and its owner where that is allowed; no user gets more access than before. Nothing is written if an
+// attribute cannot be kept: EACCES for a file with attributes that may be written but not read. A new file has the
 // permissions that `how` asks for.
 Result<void> replaceFileAtPath(std::string const& path, std::span<std::byte const> bytes,
                                FileReplacement const& how = {});

@@ -36,7 +36,7 @@ std::optional<std::span<std::byte const>> AppleDouble::valueOf(std::string_view 
 std::vector<std::string> AppleDouble::names() const {
     std::vector<std::string> names;
     if (!isZero(finderInformation)) names.emplace_back(XATTR_FINDERINFO_NAME);
-    if (!resourceFork.empty()) names.emplace_back(XATTR_RESOURCEFORK_NAME);
+    if (!resourceFork.empty() || laterForkSize > 0) names.emplace_back(XATTR_RESOURCEFORK_NAME);
     for (Attribute const& attribute : attributes)
         names.push_back(attribute.name);
     return names;

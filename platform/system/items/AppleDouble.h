@@ -36,6 +36,8 @@ struct AppleDouble {
     // All zero if there is none; the fork is empty if there is none.
     FinderInformation finderInformation{};
     std::vector<std::byte> resourceFork{};
+    // The size in bytes of a resource fork that lies after what was read; it is not written.
+    std::size_t laterForkSize{0};
     std::vector<Attribute> attributes{};
     std::vector<Part> otherParts{};
 
@@ -55,7 +57,7 @@ struct AppleDouble {
     // overlap, and duplicate attribute names are refused.
     static Result<AppleDouble, Failure> read(std::span<std::byte const> file);
     // Reads the first bytes of a file of `fileSize` bytes; values that lie after them are left empty. Fails if the
-    // Finder information or the table of attributes lies after them.
+    // Finder information, the table of attributes, or what stands in the table's place lies after them.
     static Result<AppleDouble, Failure> readBeginning(std::span<std::byte const> beginning, std::size_t fileSize);
     // nullopt if the format cannot count that much, read() would refuse it, or an attribute's name is empty, too long
     // or has a NUL.

@@ -105,16 +105,21 @@ bool isZero(Bytes bytes) {
     return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{0}; });
 }
 
-// Reads the Finder information and what follows it: the table of attributes, padding, or bytes of another program.
-// Answers what is wrong; empty if it is sound.
+// Reads the Finder information and what follows it: the table of attributes, padding, or bytes of another program. The
+// values in the table may lie after the bytes at hand. Answers what is wrong; empty if it is sound.
 std::string takeFinderInformation(AppleDouble& result, Bytes file, std::size_t fileSize, std::size_t offset,
-                                  Bytes part) {
-    if (part.empty()) return {};
-    if (part.size() < AppleDouble::FinderInformationSize) return "The Finder information is cut short";
+                                  std::size_t length) {
+    if (length == 0) return {};
+    if (length < AppleDouble::FinderInformationSize) return "The Finder information is cut short";
+    Bytes const rest = file.subspan(std::min(offset, file.size()));
+    Bytes const part = rest.first(std::min(length, rest.size()));
+    bool const mayHaveTable = length >= TableDistance + TableHeaderSize;
+    std::size_t const needed = mayHaveTable ? TableDistance + TableHeaderSize : length;
+    if (part.size() < needed) return "The Finder information lies behind what is read";
     std::ranges::copy(part.first(AppleDouble::FinderInformationSize), result.finderInformation.begin());
     Reader reader(file, offset + TableDistance);
-    bool const hasTable = part.size() >= TableDistance + TableHeaderSize && reader.number(4) == TableMagic;
-    if (hasTable) return takeTable(result, Pieces(file, fileSize), reader);
+    if (mayHaveTable && reader.number(4) == TableMagic) return takeTable(result, Pieces(file, fileSize), reader);
+    if (part.size() < length) return "The Finder information lies behind what is read";
     Bytes const tail = part.subspan(AppleDouble::FinderInformationSize);
     if (!isZero(tail)) result.informationTail = copyOf(tail);
     return {};
@@ -146,11 +151,11 @@ Result<AppleDouble, Failure> AppleDouble::readBeginning(std::span<std::byte cons
         if (!part) return Failure{"A part lies outside of the file, or in another one"};
         if (!kinds.insert(kind).second) return Failure{"A part is there twice"};
         if (kind == FinderInformationKind) {
-            if (part->size() < length) return Failure{"The Finder information lies behind what is read"};
-            std::string complaint = takeFinderInformation(result, beginning, fileSize, offset, *part);
+            std::string complaint = takeFinderInformation(result, beginning, fileSize, offset, length);
             if (!complaint.empty()) return Failure{std::move(complaint)};
         } else if (kind == ResourceForkKind) {
             result.resourceFork = copyOf(*part);
+            result.laterForkSize = length - part->size();
         } else {
             result.otherParts.push_back({kind, copyOf(*part)});
         }

@@ -3,6 +3,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemIdentity.h"
+#include <array>
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
@@ -15,8 +16,8 @@ namespace mac {
 namespace {
 
 constexpr std::size_t LargestFile = std::size_t{256} << 20;
-// Holds what lies before the resource fork, which may be large, in most sidecars.
-constexpr std::size_t BeginningSize = std::size_t{64} << 10;
+// The first holds the table of attributes of most sidecars, the second of all that have it in front of other parts.
+constexpr std::array<std::size_t, 2> BeginningSizes{std::size_t{64} << 10, std::size_t{1} << 20};
 // Ten seconds altogether; a change of a sidecar takes milliseconds.
 constexpr timespec BetweenTries{0, 5'000'000};
 constexpr unsigned MostTries = 2'000;
@@ -44,23 +45,28 @@ FoundFile openFile(OpenItem const& item, std::string const& name) {
     if (found.value().kind != FileStatus::Kind::File) return {.state = Foreign};
     FileDescriptor file(
         ::openat(item.folder.number(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file.isOpen()) return {.state = Unreadable, .problem = lastSystemError("open", name)};
+    if (!file.isOpen()) {
+        SystemError error = lastSystemError("open", name);
+        // Another process has removed it meanwhile.
+        if (error.is(ENOENT)) return {.state = Absent};
+        return {.state = Unreadable, .problem = std::move(error)};
+    }
     return {.file = std::move(file), .state = Read};
 }
 
 // The beginning of a large sidecar; nullopt if only the whole file tells.
-std::optional<AppleDouble> beginningBeside(OpenItem const& item) {
-    FoundFile const found = openFile(item, AppleDoubleSidecar::nameFor(item.name));
+std::optional<AppleDouble> beginningBeside(FoundFile const& found) {
     if (!found.file.isOpen()) return std::nullopt;
     Result<FileStatus> const status = fileStatusOf(found.file);
-    if (!status.hasValue()) return std::nullopt;
-    std::uint64_t const size = status.value().size;
-    if (size <= BeginningSize || size > LargestFile) return std::nullopt;
-    std::vector<std::byte> beginning(BeginningSize);
-    if (::pread(found.file.number(), beginning.data(), beginning.size(), 0) != std::ssize(beginning))
-        return std::nullopt;
-    Result<AppleDouble, Failure> read = AppleDouble::readBeginning(beginning, size);
-    return read.hasValue() ? std::optional(read.takeValue()) : std::nullopt;
+    if (!status.hasValue() || status.value().size > LargestFile) return std::nullopt;
+    for (std::size_t const size : BeginningSizes) {
+        if (status.value().size <= size) return std::nullopt;
+        std::vector<std::byte> beginning(size);
+        if (::pread(found.file.number(), beginning.data(), size, 0) != std::ssize(beginning)) return std::nullopt;
+        Result<AppleDouble, Failure> read = AppleDouble::readBeginning(beginning, status.value().size);
+        if (read.hasValue()) return read.takeValue();
+    }
+    return std::nullopt;
 }
 
 Result<std::vector<std::byte>> valueIn(AppleDouble const& contents, std::string_view name) {
@@ -127,7 +133,11 @@ Result<void> AppleDoubleSidecar::save() const {
 }
 
 Result<std::vector<std::byte>> valueInSidecar(OpenItem const& item, std::string_view name) {
-    std::optional<AppleDouble> const beginning = name == XATTR_RESOURCEFORK_NAME ? std::nullopt : beginningBeside(item);
+    FoundFile const sidecar = openFile(item, AppleDoubleSidecar::nameFor(item.name));
+    if (sidecar.state == AppleDoubleSidecar::State::Unreadable) return sidecar.problem;
+    if (!sidecar.file.isOpen()) return valueIn({}, name);
+    std::optional<AppleDouble> const beginning =
+        name == XATTR_RESOURCEFORK_NAME ? std::nullopt : beginningBeside(sidecar);
     std::optional<std::span<std::byte const>> const found = beginning ? beginning->valueOf(name) : std::nullopt;
     // An empty value there may lie behind the beginning.
     bool const isKnown = beginning && (!found || !found->empty());
@@ -135,6 +145,16 @@ Result<std::vector<std::byte>> valueInSidecar(OpenItem const& item, std::string_
     AppleDoubleSidecar const whole(item);
     if (Result<void> const reading = whole.reading(); !reading.isDone()) return reading.problem();
     return valueIn(whole.contents, name);
+}
+
+Result<std::vector<std::string>> namesInSidecar(OpenItem const& item) {
+    FoundFile const sidecar = openFile(item, AppleDoubleSidecar::nameFor(item.name));
+    if (sidecar.state == AppleDoubleSidecar::State::Unreadable) return sidecar.problem;
+    if (!sidecar.file.isOpen()) return std::vector<std::string>();
+    if (std::optional<AppleDouble> const beginning = beginningBeside(sidecar)) return beginning->names();
+    AppleDoubleSidecar const whole(item);
+    if (Result<void> const reading = whole.reading(); !reading.isDone()) return reading.problem();
+    return whole.contents.names();
 }
 
 Result<AppleDoubleLock> AppleDoubleLock::take(OpenItem const& item) {

@@ -57,6 +57,9 @@ private:
 // only if its beginning does not suffice.
 Result<std::vector<std::byte>> valueInSidecar(OpenItem const& item, std::string_view name);
 
+// The names of the attributes that the item's sidecar has; empty if it has none. Of a large file, values are not read.
+Result<std::vector<std::string>> namesInSidecar(OpenItem const& item);
+
 // An exclusive lock on the sidecars in one folder, against other threads and against other processes that take it.
 // Where the file system cannot lock folders, it excludes this process's threads only.
 class AppleDoubleLock {

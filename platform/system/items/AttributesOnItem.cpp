@@ -103,22 +103,34 @@ Result<void> writeOnItem(OpenItem const& item, AttributeName const& name, std::s
     return {};
 }
 
-Result<std::vector<std::string>> namesOnItem(OpenItem const& item) {
-    std::vector<char> list(LargestSystemList);
-    ssize_t const length = ::listxattr(item.systemPath().c_str(), list.data(), list.size());
+std::vector<std::string> userNamesIn(std::string_view list) {
     std::vector<std::string> names;
-    if (length < 0) {
-        SystemError error = lastSystemError("listxattr", item.name);
-        if (error.is(EOPNOTSUPP)) return names;
-        return error;
-    }
-    std::string_view rest(list.data(), static_cast<std::size_t>(length));
-    while (!rest.empty()) {
-        std::string_view const name = rest.substr(0, rest.find('\0'));
+    while (!list.empty()) {
+        std::string_view const name = list.substr(0, list.find('\0'));
         if (name.size() > Namespace.size() && name.starts_with(Namespace))
             names.emplace_back(name.substr(Namespace.size()));
-        rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+        list.remove_prefix(std::min(name.size() + 1, list.size()));
     }
+    return names;
+}
+
+Result<std::vector<std::string>> namesOnItem(OpenItem const& item) {
+    std::string const path = item.systemPath();
+    std::array<char, UsualSize> usual;
+    std::vector<char> large;
+    std::span<char> list(usual);
+    ssize_t length = ::listxattr(path.c_str(), list.data(), list.size());
+    if (length < 0 && errno == ERANGE) {
+        large.resize(LargestSystemList);
+        list = large;
+        length = ::listxattr(path.c_str(), list.data(), list.size());
+    }
+    if (length < 0) {
+        SystemError error = lastSystemError("listxattr", item.name);
+        if (error.is(EOPNOTSUPP)) return std::vector<std::string>();
+        return error;
+    }
+    std::vector<std::string> names = userNamesIn({list.data(), static_cast<std::size_t>(length)});
     std::erase_if(names, [&](std::string const& name) { return holdsNothing(item, AttributeName(name)); });
     return names;
 }

@@ -40,6 +40,9 @@ Result<std::size_t> sizeOnItem(OpenItem const& item, AttributeName const& name);
 // The flags are the system call's.
 Result<void> writeOnItem(OpenItem const& item, AttributeName const& name, std::span<std::byte const> value, int flags);
 Result<void> removeOnItem(OpenItem const& item, AttributeName const& name);
+// The names in a list of the system's, each ended by a NUL, as programs give them; those of other namespaces are left
+// out.
+std::vector<std::string> userNamesIn(std::string_view list);
 // Empty if the file system holds no attributes.
 Result<std::vector<std::string>> namesOnItem(OpenItem const& item);
 

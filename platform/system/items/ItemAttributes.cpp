@@ -14,10 +14,20 @@ SystemError problem(int code, char const* operation, AttributeName const& name) 
     return {.code = code, .operation = operation, .item = name.shown};
 }
 
-bool carriesAttributes(OpenItem const& item) {
+Result<struct stat> statusOf(OpenItem const& item) {
     struct stat status {};
-    return ::fstat(item.item.number(), &status) == 0 && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+    if (::fstat(item.item.number(), &status) != 0) return lastSystemError("stat", item.name);
+    return status;
 }
+
+Result<bool> carriesAttributes(OpenItem const& item) {
+    Result<struct stat> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    return S_ISREG(status.value().st_mode) || S_ISDIR(status.value().st_mode);
+}
+
+// Another user's, or not open to its owner: that stays so, while other failures pass.
+bool isClosed(SystemError const& error) { return error.is(EACCES) || error.is(EPERM); }
 
 // The file system does not hold the attribute, but the sidecar may.
 bool mayBeBeside(SystemError const& error) { return error.is(ENODATA) || error.is(EOPNOTSUPP); }
@@ -28,9 +38,10 @@ bool isRefusal(SystemError const& error) {
 }
 
 // Another name of the file would not have the sidecar of this one.
-bool hasOtherNames(OpenItem const& item) {
-    struct stat status {};
-    return ::fstat(item.item.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 1;
+Result<bool> hasOtherNames(OpenItem const& item) {
+    Result<struct stat> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    return S_ISREG(status.value().st_mode) && status.value().st_nlink > 1;
 }
 
 // One change of an attribute, with the item's sidecar as it was read under the lock.
@@ -43,49 +54,81 @@ public:
 
 private:
     bool isBeside() const { return m_sidecar.contents.valueOf(m_name.shown).has_value(); }
-    bool exists() const { return isBeside() || sizeOnItem(m_item, m_name).hasValue(); }
+    Result<bool> isOnItem() const;
+    Result<bool> exists() const { return isBeside() ? Result<bool>(true) : isOnItem(); }
     Result<void> check(AttributeCondition condition) const;
     Result<void> writeNothing(AttributeCondition condition);
     Result<void> writeBeside(std::span<std::byte const> value);
+    void restoreSidecar(AppleDouble contents) const;
 
     OpenItem const& m_item;
     AttributeName const& m_name;
     AppleDoubleSidecar m_sidecar;
 };
 
-Result<void> AttributeChange::check(AttributeCondition condition) const {
-    if (condition == AttributeCondition::MustBeNew && exists()) return problem(EEXIST, "setxattr", m_name);
-    if (condition == AttributeCondition::MustExist && !exists()) return problem(ENODATA, "setxattr", m_name);
-    return {};
+Result<bool> AttributeChange::isOnItem() const {
+    Result<std::size_t> const size = sizeOnItem(m_item, m_name);
+    if (size.hasValue()) return true;
+    if (mayBeBeside(size.problem())) return false;
+    return size.problem();
 }
 
+Result<void> AttributeChange::check(AttributeCondition condition) const {
+    if (condition == AttributeCondition::Any) return {};
+    Result<bool> const isThere = exists();
+    if (!isThere.hasValue()) return isThere.problem();
+    bool const mustBeNew = condition == AttributeCondition::MustBeNew;
+    if (isThere.value() != mustBeNew) return {};
+    return problem(mustBeNew ? EEXIST : ENODATA, "setxattr", m_name);
+}
+
+// Until the sidecar is written the old value counted; it still does if it cannot be removed from the item.
 Result<void> AttributeChange::writeBeside(std::span<std::byte const> value) {
-    if (hasOtherNames(m_item)) return problem(EMLINK, "setxattr", m_name);
+    Result<bool> const hasOthers = hasOtherNames(m_item);
+    if (!hasOthers.hasValue()) return hasOthers.problem();
+    if (hasOthers.value()) return problem(EMLINK, "setxattr", m_name);
+    AppleDouble before = m_sidecar.contents;
     if (!m_sidecar.contents.setValue(m_name.shown, value)) return problem(ERANGE, "setxattr", m_name);
     if (Result<void> const saved = m_sidecar.save(); !saved.isDone()) return saved;
-    // Until here the old value counted.
-    Result<void> const removed = removeOnItem(m_item, m_name);
-    return removed.isDone() || mayBeBeside(removed.problem()) ? Result<void>() : removed;
+    Result<bool> const isShadowed = isOnItem();
+    if (isShadowed.hasValue() && !isShadowed.value()) return {};
+    Result<void> removed = removeOnItem(m_item, m_name);
+    if (removed.isDone() || mayBeBeside(removed.problem())) return {};
+    restoreSidecar(std::move(before));
+    return removed;
 }
 
-// The sidecar's value goes first, so that no older value appears when the file system's goes.
+void AttributeChange::restoreSidecar(AppleDouble contents) const {
+    AppleDoubleSidecar sidecar(m_item);
+    sidecar.contents = std::move(contents);
+    static_cast<void>(sidecar.save());
+}
+
+// The sidecar's value goes first, so that no older value appears when the file system's goes. An item that cannot be
+// written loses what its sidecar holds.
 Result<void> AttributeChange::remove() {
-    if (Result<void> const reading = m_sidecar.reading(); !reading.isDone()) return reading;
+    Result<bool> const isHere = isOnItem();
+    Result<void> const reading = m_sidecar.reading();
+    // The value that counts is removed also where the sidecar is closed to this user.
+    bool const isReadable = reading.isDone() || (isClosed(reading.problem()) && isHere.hasValue() && isHere.value());
+    if (!isReadable) return reading;
     bool const wasBeside = m_sidecar.contents.removeValue(m_name.shown);
     if (wasBeside) {
         if (Result<void> const saved = m_sidecar.save(); !saved.isDone()) return saved;
     }
-    bool const wasNothing = holdsNothing(m_item, m_name);
     Result<void> const removed = removeOnItem(m_item, m_name);
-    if (!removed.isDone() && !mayBeBeside(removed.problem())) return removed;
-    bool const wasOnItem = removed.isDone() && !wasNothing;
-    if (wasOnItem || wasBeside) return {};
-    return problem(ENODATA, "removexattr", m_name);
+    bool const isMissing = isHere.hasValue() && !isHere.value();
+    if (removed.isDone() && !isMissing) return {};
+    if (!removed.isDone() && !isMissing && !mayBeBeside(removed.problem())) return removed;
+    return wasBeside ? Result<void>() : problem(ENODATA, "removexattr", m_name);
 }
 
 Result<void> AttributeChange::writeNothing(AttributeCondition condition) {
+    if (Result<void> const reading = m_sidecar.reading(); !reading.isDone()) return reading;
     if (Result<void> const checked = check(condition); !checked.isDone()) return checked;
-    return exists() ? remove() : Result<void>();
+    Result<bool> const isThere = exists();
+    if (!isThere.hasValue()) return isThere.problem();
+    return isThere.value() ? remove() : Result<void>();
 }
 
 Result<void> AttributeChange::write(std::span<std::byte const> value, AttributeCondition condition) {
@@ -119,7 +162,9 @@ template <class Change>
 Result<void> changeUnderLock(OpenItem const& item, AttributeName const& name, char const* operation,
                              Change const& change) {
     constexpr unsigned mostTries = 8;
-    if (!carriesAttributes(item)) return problem(EPERM, operation, name);
+    Result<bool> const carries = carriesAttributes(item);
+    if (!carries.hasValue()) return carries.problem();
+    if (!carries.value()) return problem(EPERM, operation, name);
     Result<AppleDoubleLock> const lock = AppleDoubleLock::take(item);
     if (!lock.hasValue()) return lock.problem();
     for (unsigned tries = 1;; ++tries) {
@@ -132,14 +177,18 @@ Result<void> changeUnderLock(OpenItem const& item, AttributeName const& name, ch
 } // namespace
 
 Result<std::vector<std::byte>> readAttribute(OpenItem const& item, AttributeName const& name) {
-    if (!carriesAttributes(item)) return problem(ENODATA, "getxattr", name);
+    Result<bool> const carries = carriesAttributes(item);
+    if (!carries.hasValue()) return carries.problem();
+    if (!carries.value()) return problem(ENODATA, "getxattr", name);
     Result<std::vector<std::byte>> value = valueOnItem(item, name);
     if (value.hasValue() || !mayBeBeside(value.problem())) return value;
     return valueInSidecar(item, name.shown);
 }
 
 Result<std::size_t> sizeOfAttribute(OpenItem const& item, AttributeName const& name) {
-    if (!carriesAttributes(item)) return problem(ENODATA, "getxattr", name);
+    Result<bool> const carries = carriesAttributes(item);
+    if (!carries.hasValue()) return carries.problem();
+    if (!carries.value()) return problem(ENODATA, "getxattr", name);
     Result<std::size_t> const size = sizeOnItem(item, name);
     if (size.hasValue() || !mayBeBeside(size.problem())) return size;
     Result<std::vector<std::byte>> const beside = valueInSidecar(item, name.shown);
@@ -148,14 +197,19 @@ Result<std::size_t> sizeOfAttribute(OpenItem const& item, AttributeName const& n
 }
 
 Result<std::vector<std::string>> namesOfAttributes(OpenItem const& item) {
-    if (!carriesAttributes(item)) return std::vector<std::string>();
+    Result<bool> const carries = carriesAttributes(item);
+    if (!carries.hasValue()) return carries.problem();
+    if (!carries.value()) return std::vector<std::string>();
     Result<std::vector<std::string>> names = namesOnItem(item);
     if (!names.hasValue()) return names;
-    AppleDoubleSidecar const sidecar(item);
-    if (Result<void> const reading = sidecar.reading(); !reading.isDone()) return reading.problem();
-    std::unordered_set<std::string> const known(names.value().begin(), names.value().end());
-    for (std::string& name : sidecar.contents.names()) {
-        if (!known.contains(name)) names.value().push_back(std::move(name));
+    Result<std::vector<std::string>> beside = namesInSidecar(item);
+    bool const isIgnored = !beside.hasValue() && isClosed(beside.problem()) && !names.value().empty();
+    if (!beside.hasValue() && !isIgnored) return beside;
+    if (beside.hasValue() && !beside.value().empty()) {
+        std::unordered_set<std::string> const known(names.value().begin(), names.value().end());
+        for (std::string& name : beside.value()) {
+            if (!known.contains(name)) names.value().push_back(std::move(name));
+        }
     }
     std::erase(names.value(), LockedAttribute);
     return names;

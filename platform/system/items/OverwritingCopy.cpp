@@ -1,8 +1,7 @@
 #include "platform/system/items/OverwritingCopy.h"
 #include "platform/system/ExclusiveRename.h"
-#include "platform/system/NewFile.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
-#include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/ItemRemoval.h"
 #include <cerrno>
 #include <cstdio>
@@ -72,7 +71,7 @@ private:
     }
 
     Result<void> exchangeStepwise(std::string const& one, std::string const& other) const {
-        Result<std::string> const third = unguessableName();
+        Result<std::string> const third = temporaryName();
         if (!third.hasValue()) return third.problem();
         Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
         if (!away.isDone()) return away;
@@ -106,12 +105,7 @@ void removeTemporary(FileDescriptor const& folder, std::string const& temporary)
     Result<ItemPlace> const place = placeOf(folder, temporary);
     if (!place.hasValue()) return;
     ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(temporary).c_str(), 0);
-    static_cast<void>(descend(folder, temporary, place.value().identity, {.makesAccessible = true},
-                              [](FileDescriptor const& inner, std::string const& name, ItemPlace const& found) {
-                                  int const flags = found.isFolder ? AT_REMOVEDIR : 0;
-                                  if (::unlinkat(inner.number(), name.c_str(), flags) == 0) return Result<void>();
-                                  return Result<void>(lastSystemError("unlink", name));
-                              }));
+    static_cast<void>(removeTree(folder, temporary, place.value().identity, {.makesAccessible = true}));
 }
 
 } // namespace
@@ -126,7 +120,7 @@ Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, Overwri
     if (isFree) return copyItem(copy);
     if (!old.hasValue()) return TransferProblem{.error = old.problem()};
     if (Copied const may = confirmReplaceable(transfer, old.value()); !may.isDone()) return may;
-    Result<std::string> const temporary = unguessableName();
+    Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return TransferProblem{.error = temporary.problem()};
     copy.name = temporary.value();
     if (Copied const copied = copyItem(copy); !copied.isDone()) return copied;

@@ -191,20 +191,105 @@ TEST(AttributesBeside, ThatCannotBeReadAreErrors) {
         OrdinaryUser const user;
         EXPECT_FALSE(get(file, "a"));
         EXPECT_EQ(errno, EACCES);
-        EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), -1);
-        EXPECT_EQ(errno, EACCES);
+        EXPECT_EQ(list(file), Names{"on item"});
     }
     EXPECT_EQ(get(file, "a"), "beside");
+    ASSERT_EQ(removeAttribute(file, "on item"), 0);
+    OrdinaryUser const user;
+    EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), -1) << "nothing tells that there are none";
+    EXPECT_EQ(errno, EACCES);
+}
+
+TEST(AttributesBeside, ThatAreClosedKeepNoneOnTheItem) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    ASSERT_EQ(set(file, "on item", "1"), 0);
+    makeBeside(folder, "._file", {"a"});
+    ASSERT_EQ(::chmod(folder.path("._file").c_str(), 0), 0);
+    for (std::string const& path : {folder.path(), file, folder.path("._file")})
+        OrdinaryUser::own(path);
+    OrdinaryUser const user;
+    EXPECT_EQ(removeAttribute(file, "a"), -1);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(removeAttribute(file, "on item"), 0);
+    EXPECT_FALSE(get(file, "on item"));
+    EXPECT_EQ(set(file, XATTR_RESOURCEFORK_NAME, ""), -1) << "the sidecar may hold one";
+    EXPECT_EQ(errno, EACCES);
+}
+
+TEST(AttributesBeside, AreRemovedFromAFileThatCannotBeWrittenTo) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    makeBeside(folder, "._file", {"a", "b"});
+    ASSERT_EQ(::setxattr(file.c_str(), "user.on item", "1", 1, 0), 0);
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    for (std::string const& path : {folder.path(), file, folder.path("._file")})
+        OrdinaryUser::own(path);
+    OrdinaryUser const user;
+    EXPECT_EQ(removeAttribute(file, "a"), 0);
+    EXPECT_EQ(list(file), (Names{"on item", "b"}));
+    EXPECT_EQ(removeAttribute(file, "on item"), -1);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(list(file), (Names{"on item", "b"}));
+}
+
+TEST(AttributesBeside, AreListedWithoutTheirValues) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    constexpr std::size_t large = std::size_t{8} << 20U;
+    AppleDouble beside;
+    beside.resourceFork.resize(large, std::byte{'f'});
+    beside.attributes.push_back({"large", std::vector<std::byte>(large, std::byte{'v'})});
+    beside.attributes.push_back({"last", {std::byte{'2'}}});
+    std::vector<std::byte> const bytes = beside.written().value();
+    folder.makeFile("._file", {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
+    std::optional<std::size_t> const before = bytesReadByThisThread();
+    if (!before) GTEST_SKIP() << "the system does not count what is read";
+    EXPECT_EQ(list(file), (Names{XATTR_RESOURCEFORK_NAME, "large", "last"}));
+    EXPECT_LT(*bytesReadByThisThread() - *before, large);
+    EXPECT_EQ(get(file, "last"), "2");
+    EXPECT_EQ(get(file, "large").value_or("").size(), large);
+}
+
+TEST(AttributesBeside, AreThereAlsoBesideWhatALinkLeadsTo) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    makeBeside(folder, "._file", {"a"});
+    ASSERT_EQ(::symlink("file", folder.path("link").c_str()), 0);
+    EXPECT_EQ(list(folder.path("link")), Names{"a"});
+    EXPECT_EQ(list(folder.path("link"), XATTR_NOFOLLOW), Names());
+    EXPECT_EQ(get(folder.path("link"), "a"), "beside");
+    ASSERT_EQ(::setxattr(file.c_str(), "user.b", "1", 1, 0), 0);
+    EXPECT_EQ(list(folder.path("link")), (Names{"b", "a"}));
+    EXPECT_EQ(get(folder.path("link"), "b"), "1");
+    EXPECT_FALSE(get(folder.path("link"), "b", XATTR_NOFOLLOW));
+    EXPECT_EQ(list(folder.path(".")), Names());
+}
+
+TEST(AttributesBeside, StayAsTheyWereWhenTheItemKeepsItsValue) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    ASSERT_EQ(set(file, "a", "old"), 0);
+    withRefusedCall(SYS_removexattr, EIO, [&] {
+        EXPECT_EQ(set(file, "a", s_large), -1);
+        EXPECT_EQ(errno, EIO);
+    });
+    EXPECT_EQ(get(file, "a"), "old");
+    EXPECT_FALSE(isThere(folder.path("._file")));
 }
 
 TEST(AttributesBeside, AreListedOnlyWithThoseOfTheItem) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     withRefusedCall(SYS_listxattr, EIO, [&] {
+        refuseCallOnThisThread(SYS_llistxattr, EIO);
         EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), -1);
         EXPECT_EQ(errno, EIO);
     });
-    withRefusedCall(SYS_listxattr, EOPNOTSUPP, [&] { EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), 0); });
+    withRefusedCall(SYS_listxattr, EOPNOTSUPP, [&] {
+        refuseCallOnThisThread(SYS_llistxattr, EOPNOTSUPP);
+        EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), 0);
+    });
 }
 
 TEST(AttributesBeside, MayHaveLongerNames) {

@@ -1,6 +1,7 @@
 #include "platform/system/FileWriting.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/ErrorCode.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
@@ -211,6 +212,24 @@ TEST_F(ReplacingAFile, IsGivenUpWhenTheCallerFails) {
     EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), {.afterRenaming = fail})), EOWNERDEAD);
     EXPECT_EQ(contents(), "new");
     EXPECT_EQ(names(), "file\n");
+}
+
+TEST_F(ReplacingAFile, KeepsAttributesOrChangesNothing) {
+    ASSERT_EQ(::setxattr(m_file.c_str(), "user.colour", "red", 3, 0), 0);
+    ASSERT_EQ(::chmod(m_file.c_str(), 0200), 0);
+    OrdinaryUser::own(m_folder.path());
+    OrdinaryUser::own(m_file);
+    {
+        OrdinaryUser const user;
+        EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), EACCES);
+    }
+    EXPECT_EQ(contents(), "old");
+    EXPECT_EQ(names(), "file\n");
+    for (long const call : {SYS_getxattr, SYS_fsetxattr}) {
+        withRefusedCall(call, EACCES, [&] { EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), EACCES); });
+        EXPECT_EQ(contents(), "old");
+        EXPECT_EQ(::getxattr(m_file.c_str(), "user.colour", nullptr, 0), 3);
+    }
 }
 
 TEST_F(ReplacingAFile, TellsWhatFailedAndOnWhat) {

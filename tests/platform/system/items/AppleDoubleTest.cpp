@@ -82,7 +82,15 @@ TEST(AppleDouble, TellsFromItsBeginningWhatIsThere) {
     EXPECT_EQ(textOfBytes(withoutFork.value().valueOf("a")), "value");
     EXPECT_EQ(textOfBytes(withoutFork.value().valueOf("b:c")), "yes");
     EXPECT_TRUE(withoutFork.value().resourceFork.empty());
-    EXPECT_EQ(AppleDouble::readBeginning(all.first(fork - 1), size).problem().reason,
+    EXPECT_EQ(withoutFork.value().names(), AppleDouble::read(all).value().names()) << "the fork is there";
+    constexpr std::size_t entries = 152;
+    Result<AppleDouble, Failure> const withoutValues = AppleDouble::readBeginning(all.first(entries), size);
+    ASSERT_TRUE(withoutValues.hasValue()) << withoutValues.problem().reason;
+    EXPECT_EQ(withoutValues.value().names(), AppleDouble::read(all).value().names());
+    EXPECT_EQ(textOfBytes(withoutValues.value().valueOf("a")), "");
+    EXPECT_EQ(AppleDouble::readBeginning(all.first(entries - 1), size).problem().reason, "An attribute is damaged");
+    constexpr std::size_t table = 120;
+    EXPECT_EQ(AppleDouble::readBeginning(all.first(table - 1), size).problem().reason,
               "The Finder information lies behind what is read");
     EXPECT_EQ(AppleDouble::readBeginning(all.first(fork), fork).problem().reason,
               "A part lies outside of the file, or in another one");
