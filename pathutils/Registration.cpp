@@ -1,4 +1,5 @@
 #include "pathutils/Registration.h"
+#include "pathutils/AliasesAndContents.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FileOperations.h"
@@ -121,6 +122,28 @@ void registerFinderMetadata() {
         {classMethod<&pxUpdatePathInFinder_>("pxUpdatePathInFinder:")});
 }
 
+void registerAliasesAndContents() {
+    addCategory<NSString>(
+        {
+            method<&pxAliasDataOfPath>("pxAliasDataOfPath"),
+            method<&pxExchangeFileWith_>("pxExchangeFileWith:"),
+            method<&pxPathHasEqualContentsWithPath_>("pxPathHasEqualContentsWithPath:"),
+            method<&pxChecksumOfPath>("pxChecksumOfPath"),
+            method<&pxModificationDateOfPath>("pxModificationDateOfPath"),
+        },
+        {
+            classMethod<&pxIsFork_equalToFork_dataFork_>("pxIsFork:equalToFork:dataFork:"),
+            classMethod<&pxIsContentsOfFile_equalToFile_>("pxIsContentsOfFile:equalToFile:"),
+        });
+    addCategory<NSData>(
+        {
+            method<&pxPathOfAliasData>("pxPathOfAliasData"),
+            method<&pxPathOfAliasDataChangedAlias_>("pxPathOfAliasDataChangedAlias:"),
+            method<&pxCreateHandle>("pxCreateHandle"),
+        },
+        {classMethod<&pxDataWithHandle_>("pxDataWithHandle:")});
+}
+
 } // namespace
 
 void registerPathUtils() {
@@ -129,6 +152,7 @@ void registerPathUtils() {
     registerFileOperations();
     registerExtendedAttributes();
     registerFinderMetadata();
+    registerAliasesAndContents();
 }
 
 } // namespace mac

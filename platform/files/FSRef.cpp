@@ -1,5 +1,6 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/FileStatuses.h"
+#include "platform/files/ItemExchange.h"
 #include "platform/files/ItemNames.h"
 #include "platform/files/ItemReferences.h"
 #include <cerrno>
@@ -12,6 +13,24 @@ namespace {
 OSErr takeReference(Result<FSRef> const& made, FSRef& ref) {
     ref = made.hasValue() ? made.value() : FSRef{};
     return made.hasValue() ? noErr : statusOf(made.problem(), FileOperation::Finding);
+}
+
+OSErr statusOfExchange(SystemError const& error) {
+    if (error.is(EXDEV)) return diffVolErr;
+    if (error.is(EISDIR) || error.is(EMLINK)) return notAFileErr;
+    if (error.is(EINVAL) || error.is(ENOSYS) || error.is(EOPNOTSUPP)) return errFSOperationNotSupported;
+    return statusOf(error, FileOperation::UsingCatalog);
+}
+
+// Opens the items and holds them, so that their references follow when they change names.
+Result<OpenItem> openAndHold(FSRef const& ref) {
+    Result<OpenItem> item = openItemOfReference(ref);
+    if (!item.hasValue()) return item;
+    Result<ReferencedItem> const place = itemOfReference(ref);
+    if (!place.hasValue()) return place.problem();
+    Result<FSRef> const held = referenceToPath(place.value().path, LinkAtEnd::IsNotFollowed);
+    if (!held.hasValue()) return held.problem();
+    return item;
 }
 
 bool isThisComputer(NSString const& host) {
@@ -90,6 +109,19 @@ OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2) {
     if (!ref1 || !ref2) return paramErr;
     if (!itemOfReference(*ref1).hasValue() || !itemOfReference(*ref2).hasValue()) return errFSBadFSRef;
     return *ref1 == *ref2 ? noErr : errFSRefsDifferent;
+}
+
+OSErr FSExchangeObjects(FSRef const* ref, FSRef const* destRef) {
+    if (!ref || !destRef) return paramErr;
+    Result<OpenItem> const item = openAndHold(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
+    Result<OpenItem> const destination = openAndHold(*destRef);
+    if (!destination.hasValue()) return errFSBadFSRef;
+    if (*ref == *destRef) return sameFileErr;
+    Result<void> const exchanged = exchangeItems(item.value(), destination.value());
+    if (!exchanged.isDone()) return statusOfExchange(exchanged.problem());
+    Result<void> const led = exchangeReferences(*ref, *destRef);
+    return led.isDone() ? noErr : statusOf(led.problem(), FileOperation::UsingCatalog);
 }
 
 } // namespace mac

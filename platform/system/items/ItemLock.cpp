@@ -69,7 +69,9 @@ Result<void> removeLockedAttribute(OpenItem const& item) {
 Result<void> takeAttributeOff(OpenItem const& item) {
     Result<void> const removed = removeOnItem(item, AttributeName(LockedAttribute));
     bool const hasNone = !removed.isDone() && (removed.problem().is(ENODATA) || removed.problem().is(EOPNOTSUPP));
-    if ((removed.isDone() || hasNone) && !sidecarBeside(item.folder, item.name)) return {};
+    Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if ((removed.isDone() || hasNone) && !sidecar.value()) return {};
     if (!hasLockedAttribute(item)) return {};
     return changeAttributesAsOwner(item, [&] { return removeLockedAttribute(item); });
 }

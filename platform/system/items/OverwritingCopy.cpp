@@ -1,9 +1,9 @@
 #include "platform/system/items/OverwritingCopy.h"
 #include "platform/system/ExclusiveRename.h"
-#include "platform/system/NewFile.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
-#include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/ItemRemoval.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -71,9 +71,11 @@ private:
         return isUnknown ? exchangeStepwise(one, other) : error;
     }
 
+    // The third name is not one of a leftover, which would be removed if this process ended while no item has the name.
     Result<void> exchangeStepwise(std::string const& one, std::string const& other) const {
-        Result<std::string> const third = unguessableName();
+        Result<std::string> third = temporaryName();
         if (!third.hasValue()) return third.problem();
+        third.value().replace(0, temporaryNamePrefix.size(), ".replaced-");
         Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
         if (!away.isDone()) return away;
         Result<void> renamed = renameWithoutReplacing(m_folder, one, m_folder, other);
@@ -103,15 +105,10 @@ Copied confirmReplaceable(ItemTransfer const& transfer, OpenItem const& old) {
 
 // Removes a copy that did not get its name, as far as possible; a lock that was copied does not count.
 void removeTemporary(FileDescriptor const& folder, std::string const& temporary) {
+    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(temporary).c_str(), 0);
     Result<ItemPlace> const place = placeOf(folder, temporary);
     if (!place.hasValue()) return;
-    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(temporary).c_str(), 0);
-    static_cast<void>(descend(folder, temporary, place.value().identity, {.makesAccessible = true},
-                              [](FileDescriptor const& inner, std::string const& name, ItemPlace const& found) {
-                                  int const flags = found.isFolder ? AT_REMOVEDIR : 0;
-                                  if (::unlinkat(inner.number(), name.c_str(), flags) == 0) return Result<void>();
-                                  return Result<void>(lastSystemError("unlink", name));
-                              }));
+    static_cast<void>(removeTree(folder, temporary, place.value().identity, {.makesAccessible = true}));
 }
 
 } // namespace
@@ -126,7 +123,7 @@ Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, Overwri
     if (isFree) return copyItem(copy);
     if (!old.hasValue()) return TransferProblem{.error = old.problem()};
     if (Copied const may = confirmReplaceable(transfer, old.value()); !may.isDone()) return may;
-    Result<std::string> const temporary = unguessableName();
+    Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return TransferProblem{.error = temporary.problem()};
     copy.name = temporary.value();
     if (Copied const copied = copyItem(copy); !copied.isDone()) return copied;
