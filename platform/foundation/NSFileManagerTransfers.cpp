@@ -22,6 +22,12 @@ NSString messageText(std::string const& text) { return NSString::stringWithCodeU
 
 NSString pathOfBytes(std::string const& path) { return NSString::stringWithFileSystemRepresentation_(path); }
 
+// Which item cannot be taken, and why; not the step that failed, which says nothing to people.
+std::string reasonOf(SystemError const& error) {
+    std::string const reason = textOfSystemError(error.code);
+    return error.item.empty() ? reason : "\"" + std::string(BytePath(error.item).leaf()) + "\": " + reason;
+}
+
 // One operation's questions to the handler.
 class HandledOperation {
 public:
@@ -51,7 +57,7 @@ public:
         m_hasEnded = !as<NSNumber>(answer).boolValue();
         return !m_hasEnded;
     }
-    bool shouldProceedAfterError(SystemError const& error) { return shouldProceedAfterError(m_path, error.text()); }
+    bool shouldProceedAfterError(SystemError const& error) { return shouldProceedAfterError(m_path, reasonOf(error)); }
 
     bool wasAsked() const { return m_wasAsked; }
     // Whether the last failure that was asked about has ended the operation.
@@ -81,7 +87,7 @@ Result<OpenItem> openNamedItem(std::string const& path) {
 
 // What a failed transfer means, for people.
 std::string reasonOf(TransferProblem const& problem) {
-    std::string const text = problem.error.text();
+    std::string const text = reasonOf(problem.error);
     switch (problem.kind) {
     case TransferProblem::Kind::OriginalStays:
         return "The copy is complete, but the original could not be removed: " + text;
@@ -126,7 +132,7 @@ bool NSFileManager::removeFileAtPath_handler_(NSString const& path, id const& ha
         .willRemove = [&](std::string const& inner) { operation.willProcess(BytePath(folder).joined(inner)); },
         .shouldContinueAfter =
             [&](std::string const& inner, SystemError const& error) {
-                return operation.shouldProceedAfterError(BytePath(folder).joined(inner), error.text());
+                return operation.shouldProceedAfterError(BytePath(folder).joined(inner), reasonOf(error));
             },
     };
     Result<void> const removed = removeItem(item.value(), questions);

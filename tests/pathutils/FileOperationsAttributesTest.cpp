@@ -60,7 +60,7 @@ TEST_F(FileOperationsAttributes, ALockIsSetAndNeverTaken) {
     EXPECT_TRUE(pxPathSetNotWritable_locked_(at("file"), NO, NO));
     EXPECT_TRUE(attributesOf("file").fileIsImmutable());
     EXPECT_FALSE(pxRemoveFile(at("file")));
-    EXPECT_EQ(text(pxRemoveFile2(at("file"))), "change of \"file\": The item is locked");
+    EXPECT_EQ(text(pxRemoveFile2(at("file"))), "\"file\": The item is locked");
     EXPECT_EQ(textOf(m_folder.path("file")), "contents");
 }
 
@@ -71,7 +71,7 @@ TEST_F(FileOperationsAttributes, AnOrdinaryUsersLockHoldsToo) {
     EXPECT_TRUE(pxPathSetNotWritable_locked_(at("file"), YES, YES));
     EXPECT_TRUE(attributesOf("file").fileIsImmutable());
     EXPECT_EQ(modeOf("file"), 0444U);
-    EXPECT_EQ(text(pxRemoveFile2(at("file"))), "change of \"file\": The item is locked");
+    EXPECT_EQ(text(pxRemoveFile2(at("file"))), "\"file\": The item is locked");
     EXPECT_TRUE(pxMoveToTrash(at("file")) == nil);
     EXPECT_EQ(textOf(m_folder.path("file")), "contents");
     EXPECT_EQ(pxExtendedAttributesKeys(at("file")).count(), 0U) << "the lock is no attribute";

@@ -83,9 +83,9 @@ TEST_F(FileOperationsMoving, CopiesToAPathThatNamesTheCopy) {
     EXPECT_TRUE(pxCopyToPath_(at("source"), at("target/copy")) == nil);
     EXPECT_EQ(textOf(m_folder.path("target/copy/inner/file")), "inner");
     EXPECT_EQ(textOf(m_folder.path("source/inner/file")), "inner");
-    EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), at("target/copy"))), "rename of \"copy\": File exists");
+    EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), at("target/copy"))), "\"copy\": File exists");
     EXPECT_EQ(textOf(m_folder.path("target/copy/inner/file")), "inner");
-    EXPECT_EQ(text(pxCopyToPath_(at("none"), at("target/none"))), "open of \"none\": No such file or directory");
+    EXPECT_EQ(text(pxCopyToPath_(at("none"), at("target/none"))), "\"none\": No such file or directory");
     EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), nil)), "Could not copy file item.");
     EXPECT_EQ(text(pxCopyToPath_("", at("target/none"))), "Could not copy file item.");
     EXPECT_FALSE(pxCopyToPath_(at("file.txt"), at("none/copy")) == nil);

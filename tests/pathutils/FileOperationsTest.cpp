@@ -40,7 +40,7 @@ TEST_F(FileOperations, RemovesALinkAndNotWhatItLeadsTo) {
 
 TEST_F(FileOperations, TellsWhyNothingIsRemoved) {
     m_folder.makeFile("file", "contents");
-    EXPECT_EQ(fileSystemBytes(pxRemoveFile2(at("none"))), "open of \"none\": No such file or directory");
+    EXPECT_EQ(fileSystemBytes(pxRemoveFile2(at("none"))), "\"none\": No such file or directory");
     EXPECT_FALSE(pxRemoveFile(at("none")));
     EXPECT_FALSE(pxRemoveFile(at("file/below")));
     EXPECT_EQ(fileSystemBytes(pxRemoveFile2("")), "Could not delete file item.");
@@ -83,7 +83,7 @@ TEST_F(FileOperations, RemovesNothingOfAFolderThatHoldsALockedItem) {
     m_folder.makeFile("folder/inner/locked", "kept");
     m_folder.makeFile("folder/last", "contents");
     ASSERT_TRUE(pxPathSetNotWritable_locked_(at("folder/inner/locked"), NO, YES));
-    EXPECT_EQ(text(pxRemoveFile2(at("folder"))), "change of \"locked\": The item is locked");
+    EXPECT_EQ(text(pxRemoveFile2(at("folder"))), "\"locked\": The item is locked");
     EXPECT_EQ(namesIn(m_folder.path("folder")), (std::vector<std::string>{"first", "inner", "last"}));
     ASSERT_TRUE(pxSetFileAttributesFrom_(at("folder/inner/locked"), at("folder/first")));
     EXPECT_TRUE(pxRemoveFile2(at("folder")) == nil);
@@ -94,7 +94,7 @@ TEST_F(FileOperations, RemovesNothingForAnOrdinaryUserWithoutPermission) {
     ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(m_folder.path("folder").c_str(), 0555), 0);
     OrdinaryUser const user;
-    EXPECT_EQ(text(pxRemoveFile2(at("folder/file"))), "unlink of \"file\": Permission denied");
+    EXPECT_EQ(text(pxRemoveFile2(at("folder/file"))), "\"file\": Permission denied");
     EXPECT_FALSE(pxRemoveFile(at("folder")));
     EXPECT_EQ(textOf(m_folder.path("folder/file")), "contents");
 }

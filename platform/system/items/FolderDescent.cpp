@@ -133,7 +133,6 @@ bool Descent::leave() {
 }
 
 void Descent::visit(std::string const& name, ItemPlace const& place) {
-    if (m_rules.beforeVisit) m_rules.beforeVisit(pathOf(name));
     Result<void> const visited = m_visit(m_folder, name, place);
     if (!visited.isDone()) fail(name, visited.problem());
 }

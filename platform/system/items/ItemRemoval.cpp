@@ -2,6 +2,7 @@
 #include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemRename.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <optional>
@@ -12,55 +13,49 @@ namespace mac {
 
 namespace {
 
-Result<void> unlinkItem(FileDescriptor const& folder, std::string const& name, bool isFolder) {
-    if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
-    return lastSystemError("unlink", name);
-}
-
-// Removes an item; a folder in two descents, of which the first looks for what must stay.
+// Removes an item after it was looked through for what must stay.
 class Removal {
 public:
-    Removal(OpenItem const& item, IdentifiedItem const& identified, RemovalQuestions const& questions)
-        : m_item(item), m_identified(identified), m_questions(questions) {}
+    Removal(OpenItem const& item, ItemIdentity const& identity, RemovalQuestions const& questions)
+        : m_item(item), m_identity(identity), m_questions(questions) {}
 
-    Result<void> run() { return m_identified.isFolder ? removeFolder() : removeOther(); }
+    Result<void> run() {
+        Result<void> const looked = look();
+        bool const mayGoOn = looked.isDone() || (!m_asked.empty() && !m_isEnded);
+        return mayGoOn ? remove(looked.isDone()) : looked;
+    }
 
     // Looks for what must stay.
     Result<void> look() {
-        return visitAll({}, [](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-            return isLockedIn(folder, name, place) ? Result<void>(lockedItem(name)) : Result<void>();
-        });
+        Result<ItemPlace> const place = placeOf(m_item.item);
+        if (!place.hasValue()) return place.problem();
+        // Needs no permission to list the folder that holds it.
+        if (!place.value().isFolder) return confirmUnlocked(m_item.folder, m_item.name, place.value());
+        return descend(m_item.folder, m_item.name, m_identity, {.shouldContinueAfter = continuation()},
+                       &confirmUnlocked);
     }
 
 private:
-    // Needs no permission to list the folder that holds it.
-    Result<void> removeOther() const {
-        if (isLockedIn(m_item.folder, m_item.name)) return lockedItem(m_item.name);
-        if (m_questions.willRemove) m_questions.willRemove(m_item.name);
-        Result<void> const there = confirmItemInFolder(m_item.folder, m_item.name, m_identified.identity);
-        return there.isDone() ? removeUnlessLocked(m_item.folder, m_item.name, false) : there;
+    static Result<void> confirmUnlocked(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+        return isLockedIn(folder, name, place) ? Result<void>(lockedItem(name)) : Result<void>();
     }
 
-    Result<void> removeFolder() {
-        Result<void> const looked = look();
-        if (m_isEnded) return looked;
-        // Nothing in it is locked by an attribute if all of it may go.
-        bool const asksForLocks = !looked.isDone();
-        return visitAll(m_questions.willRemove,
-                        [asksForLocks](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-                            Result<void> removed = asksForLocks ? removeUnlessLocked(folder, name, place.isFolder)
-                                                                : unlinkItem(folder, name, place.isFolder);
-                            // Another process has removed it meanwhile.
-                            return !removed.isDone() && removed.problem().is(ENOENT) ? Result<void>() : removed;
-                        });
+    // The system itself keeps what is locked by the flag; what is locked by an attribute has to be looked for only if
+    // something has to stay.
+    Result<void> remove(bool mayAllGo) {
+        RemovalRules const rules{
+            .beforeRemoval =
+                [&](FileDescriptor const& folder, std::string const& name, std::string const& path) {
+                    if (!mayAllGo && isLockedIn(folder, name)) return Result<void>(lockedItem(name));
+                    if (m_questions.willRemove) m_questions.willRemove(path);
+                    return Result<void>();
+                },
+            .shouldContinueAfter = continuation()};
+        return removeTree(m_item.folder, m_item.name, m_identity, rules);
     }
 
-    Result<void> visitAll(std::function<void(std::string const& path)> const& before, DescentVisit const& visit) {
-        DescentRules const rules{.beforeVisit = before,
-                                 .shouldContinueAfter = [this](std::string const& path, SystemError const& error) {
-                                     return shouldContinueAfter(path, error);
-                                 }};
-        return descend(m_item.folder, m_item.name, m_identified.identity, rules, visit);
+    std::function<bool(std::string const& path, SystemError const& error)> continuation() {
+        return [this](std::string const& path, SystemError const& error) { return shouldContinueAfter(path, error); };
     }
 
     // What had to stay when it was looked for is not asked about once more.
@@ -71,7 +66,7 @@ private:
     }
 
     OpenItem const& m_item;
-    IdentifiedItem const& m_identified;
+    ItemIdentity const& m_identity;
     RemovalQuestions const& m_questions;
     std::set<std::string> m_asked{};
     bool m_isEnded{false};
@@ -86,14 +81,16 @@ void removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
 } // namespace
 
 Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const& name, bool isFolder) {
-    return isLockedIn(folder, name) ? lockedItem(name) : unlinkItem(folder, name, isFolder);
+    if (isLockedIn(folder, name)) return lockedItem(name);
+    if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
+    return lastSystemError("unlink", name);
 }
 
 Result<void> confirmRemovable(OpenItem const& item) {
     if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
     Result<IdentifiedItem> const identified = identify(item.item);
     if (!identified.hasValue()) return identified.problem();
-    return Removal(item, identified.value(), {}).look();
+    return Removal(item, identified.value().identity, {}).look();
 }
 
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions) {
@@ -102,7 +99,7 @@ Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions)
     if (!identified.hasValue()) return identified.problem();
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    Result<void> removed = Removal(item, identified.value(), questions).run();
+    Result<void> removed = Removal(item, identified.value().identity, questions).run();
     if (removed.isDone() && sidecar.value()) removeSidecar(item, *sidecar.value());
     return removed;
 }

@@ -19,9 +19,10 @@ struct RemovalQuestions {
     std::function<bool(std::string const& path, SystemError const& error)> shouldContinueAfter{};
 };
 
-// Removes the item and its AppleDouble sidecar. What must stay is looked for first, so that nothing is removed if any
-// of these is in the item: a locked item (ItemIsLocked), a mount point (EBUSY), a folder that cannot be listed. A later
-// failure leaves what was not removed until then. EBUSY for the root; ESTALE if another item has the item's name.
+// Removes the item (TreeRemoval.h) and its AppleDouble sidecar. What must stay is looked for first, so that nothing is
+// removed if any of these is in the item: a locked item (ItemIsLocked), a mount point (EBUSY), a folder that cannot be
+// listed. A later failure leaves what was not removed until then. EBUSY for the root; ESTALE if another item has the
+// item's name.
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions = {});
 
 // Fails as above if the item or one in it must stay.

@@ -3,6 +3,7 @@
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/ItemRemoval.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -70,9 +71,11 @@ private:
         return isUnknown ? exchangeStepwise(one, other) : error;
     }
 
+    // The third name is not one of a leftover, which would be removed if this process ended while no item has the name.
     Result<void> exchangeStepwise(std::string const& one, std::string const& other) const {
-        Result<std::string> const third = temporaryName();
+        Result<std::string> third = temporaryName();
         if (!third.hasValue()) return third.problem();
+        third.value().replace(0, temporaryNamePrefix.size(), ".replaced-");
         Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
         if (!away.isDone()) return away;
         Result<void> renamed = renameWithoutReplacing(m_folder, one, m_folder, other);
@@ -102,9 +105,9 @@ Copied confirmReplaceable(ItemTransfer const& transfer, OpenItem const& old) {
 
 // Removes a copy that did not get its name, as far as possible; a lock that was copied does not count.
 void removeTemporary(FileDescriptor const& folder, std::string const& temporary) {
+    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(temporary).c_str(), 0);
     Result<ItemPlace> const place = placeOf(folder, temporary);
     if (!place.hasValue()) return;
-    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(temporary).c_str(), 0);
     static_cast<void>(removeTree(folder, temporary, place.value().identity, {.makesAccessible = true}));
 }
 

@@ -1,4 +1,5 @@
 #include "platform/system/items/TreeRemoval.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/TemporaryName.h"
@@ -51,8 +52,8 @@ Result<OpenFolder> openToEmpty(FileDescriptor const& folder, std::string const& 
 // name in the folder is to go. Only two folders are open, however deep it goes.
 class ContentsRemoval {
 public:
-    ContentsRemoval(FileDescriptor folder, ItemPlace const& place, RemovalRules const& rules)
-        : m_rules(rules), m_start(place), m_folder(std::move(folder)) {}
+    ContentsRemoval(FileDescriptor folder, std::string name, ItemPlace const& place, RemovalRules const& rules)
+        : m_rules(rules), m_name(std::move(name)), m_start(place), m_folder(std::move(folder)) {}
 
     Result<void> run();
 
@@ -68,9 +69,14 @@ private:
     void enter(std::string const& name);
     bool leave();
     void remove(std::string const& name, int flags);
-    void fail(SystemError const& error);
+    // The name is that of an item in the current folder; empty for the folder itself.
+    void fail(std::string const& name, SystemError const& error);
+    // The path of an item in the current folder from the folder that holds the one to be emptied.
+    std::string pathOf(std::string const& name) const;
 
     RemovalRules const& m_rules;
+    // Of the folder that is to be emptied.
+    std::string m_name;
     ItemPlace const m_start;
     FileDescriptor m_folder;
     std::vector<Level> m_levels{};
@@ -79,7 +85,7 @@ private:
 };
 
 Result<void> ContentsRemoval::run() {
-    list(m_start, "");
+    list(m_start, m_name);
     while (!m_levels.empty() && !m_isCancelled) {
         std::vector<std::string>& folders = m_levels.back().folders;
         if (folders.empty()) {
@@ -97,12 +103,14 @@ Result<void> ContentsRemoval::run() {
 // Removes what is no folder, and keeps the names of the folders.
 void ContentsRemoval::list(ItemPlace const& place, std::string name) {
     m_levels.push_back({.place = place, .name = std::move(name), .folders = {}});
-    if (m_rules.shouldContinue && !m_rules.shouldContinue()) return fail({.code = ECANCELED, .operation = "unlink"});
+    if (m_rules.shouldContinue && !m_rules.shouldContinue())
+        return fail("", {.code = ECANCELED, .operation = "unlink"});
     Result<std::vector<FolderEntry>> entries = entriesOf(m_folder);
-    if (!entries.hasValue()) return fail(entries.problem());
+    if (!entries.hasValue()) return fail("", entries.problem());
     // In the order in which they lie on the disk.
     std::ranges::sort(entries.value(), {}, &FolderEntry::inode);
     for (FolderEntry& entry : entries.value()) {
+        if (m_isCancelled) return;
         if (entry.kind == FolderEntry::Kind::Folder)
             m_levels.back().folders.push_back(std::move(entry.name));
         else
@@ -116,10 +124,10 @@ void ContentsRemoval::enter(std::string const& name) {
         // A folder that may not be listed can be empty.
         bool const isGone =
             opened.problem().is(ENOENT) || ::unlinkat(m_folder.number(), name.c_str(), AT_REMOVEDIR) == 0;
-        return isGone ? void() : fail(opened.problem());
+        return isGone ? void() : fail(name, opened.problem());
     }
     ItemPlace const& place = opened.value().place;
-    if (place.mount != m_start.mount) return fail({.code = EBUSY, .operation = "open", .item = name});
+    if (place.mount != m_start.mount) return fail(name, {.code = EBUSY, .operation = "open", .item = name});
     m_folder = std::move(opened.value().folder);
     list(place, name);
 }
@@ -133,7 +141,7 @@ bool ContentsRemoval::leave() {
     Result<ItemPlace> const place =
         above.isOpen() ? placeOf(above) : Result<ItemPlace>(lastSystemError("open", level.name));
     if (!place.hasValue() || !(place.value().identity == m_levels.back().place.identity)) {
-        fail(place.hasValue() ? stale(level.name) : place.problem());
+        fail(level.name, place.hasValue() ? stale(level.name) : place.problem());
         return false;
     }
     m_folder = std::move(above);
@@ -142,16 +150,28 @@ bool ContentsRemoval::leave() {
 }
 
 void ContentsRemoval::remove(std::string const& name, int flags) {
+    Result<void> const may =
+        m_rules.beforeRemoval ? m_rules.beforeRemoval(m_folder, name, pathOf(name)) : Result<void>();
+    if (!may.isDone()) return fail(name, may.problem());
     Result<void> const removed = unlinkName(m_folder, name, flags);
     if (removed.isDone()) return;
     // The system did not tell that it is a folder.
     if (flags == 0 && removed.problem().is(EISDIR)) return m_levels.back().folders.push_back(name);
-    fail(removed.problem());
+    fail(name, removed.problem());
 }
 
-void ContentsRemoval::fail(SystemError const& error) {
+void ContentsRemoval::fail(std::string const& name, SystemError const& error) {
     if (!m_firstError) m_firstError = error;
-    m_isCancelled = m_isCancelled || error.is(ECANCELED);
+    bool const goesOn = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
+    m_isCancelled = m_isCancelled || !goesOn || error.is(ECANCELED);
+}
+
+std::string ContentsRemoval::pathOf(std::string const& name) const {
+    std::string path;
+    for (Level const& level : m_levels)
+        appendComponent(path, level.name);
+    if (!name.empty()) appendComponent(path, name);
+    return path;
 }
 
 void tell(RemovalSteps const& steps, RemovalStep step) {
@@ -169,19 +189,23 @@ Result<void> removeTree(FileDescriptor const& folder, std::string const& name, I
     Result<ItemPlace> const above = placeOf(folder);
     if (!above.hasValue()) return above.problem();
     if (place.mount != above.value().mount) return SystemError{.code = EBUSY, .operation = "unlink", .item = name};
-    if (!place.isFolder) return removeExactly(folder, name, status.value());
+    auto const removeIt = [&](ItemStatus const& state) {
+        Result<void> const may = rules.beforeRemoval ? rules.beforeRemoval(folder, name, name) : Result<void>();
+        return may.isDone() ? removeExactly(folder, name, state) : may;
+    };
+    if (!place.isFolder) return removeIt(status.value());
     Result<OpenFolder> opened = openToEmpty(folder, name, rules);
     if (!opened.hasValue()) {
         // A folder that may not be listed can be empty.
-        bool const isGone = opened.problem().is(EACCES) && removeExactly(folder, name, status.value()).isDone();
+        bool const isGone = opened.problem().is(EACCES) && removeIt(status.value()).isDone();
         return isGone ? Result<void>() : opened.problem();
     }
     if (!(opened.value().place.identity == expected)) return stale(name);
-    Result<void> const isEmpty = ContentsRemoval(std::move(opened.value().folder), place, rules).run();
+    Result<void> const isEmpty = ContentsRemoval(std::move(opened.value().folder), name, place, rules).run();
     if (!isEmpty.isDone()) return isEmpty;
     Result<ItemStatus> const emptied = statusOf(folder, name);
     if (!emptied.hasValue()) return emptied.problem();
-    return emptied.value().place.identity == expected ? removeExactly(folder, name, emptied.value()) : stale(name);
+    return emptied.value().place.identity == expected ? removeIt(emptied.value()) : stale(name);
 }
 
 Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,

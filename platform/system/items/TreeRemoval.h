@@ -13,6 +13,13 @@ struct RemovalRules {
     bool makesAccessible{false};
     // Asked once for each folder; the removal ends with ECANCELED once it answers false. If empty, it continues.
     std::function<bool()> shouldContinue{};
+    // Called before each item is removed, with its path from the open folder, "NAME" or "NAME/a/b"; the item stays if
+    // it fails. May be empty.
+    std::function<Result<void>(FileDescriptor const& folder, std::string const& name, std::string const& path)>
+        beforeRemoval{};
+    // Called after each failure below a folder with the path as above; the removal ends if it answers false. If empty,
+    // it continues.
+    std::function<bool(std::string const& path, SystemError const& error)> shouldContinueAfter{};
 };
 
 // Removes the item of a name in an open folder if it is the expected one (else ESTALE), and before it all items below

@@ -60,26 +60,27 @@ TEST_F(ItemRemoval, GoesOnWhereItIsToldTo) {
                                                              return true;
                                                          }}),
               ItemIsLocked);
-    EXPECT_EQ(told, (std::vector<std::pair<std::string, int>>{
-                        {"tree/inner/deep.txt", ItemIsLocked}, {"tree/inner", ENOTEMPTY}, {"tree", ENOTEMPTY}}));
+    EXPECT_EQ(told, (std::vector<std::pair<std::string, int>>{{"tree/inner/deep.txt", ItemIsLocked},
+                                                              {"tree/inner", ENOTEMPTY}}));
     EXPECT_EQ(namesIn(m_folder.path("tree")), Names{"inner"});
     EXPECT_EQ(textOf(m_folder.path("tree/inner/deep.txt")), "deep");
     ASSERT_TRUE(setLock(deep, ItemLock::Unlocked).isDone());
 }
 
 TEST_F(ItemRemoval, EndsAtTheFirstFailure) {
-    std::string const stopped = "tree/inner/deep.txt";
+    for (char const* const name : {"", "tree", "tree/inner", "tree/inner/deep.txt"})
+        OrdinaryUser::own(m_folder.path(name));
+    OrdinaryUser const user;
     Names told;
     RemovalQuestions const questions{.willRemove = [&](std::string const& path) {
         told.push_back(path);
-        // Becomes a folder at the last moment.
-        if (path != stopped) return;
-        ASSERT_EQ(::unlink(m_folder.path(path).c_str()), 0);
-        m_folder.makeFile(path + "/another", "kept");
+        // May no longer be changed from the last moment on.
+        if (path != "tree/inner/deep.txt") return;
+        EXPECT_EQ(::chmod(m_folder.path("tree/inner").c_str(), 0555), 0);
     }};
-    EXPECT_EQ(errorOfRemoval(m_folder.path("tree"), questions), EISDIR);
-    EXPECT_EQ(told.back(), stopped);
-    EXPECT_EQ(textOf(m_folder.path(stopped + "/another")), "kept");
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree"), questions), EACCES);
+    EXPECT_EQ(told.back(), "tree/inner/deep.txt");
+    EXPECT_EQ(textOf(m_folder.path("tree/inner/deep.txt")), "deep");
 }
 
 TEST_F(ItemRemoval, LeavesAnItemThatTookThePlace) {
