@@ -71,7 +71,8 @@ private:
     }
 
     Result<void> exchangeStepwise(std::string const& one, std::string const& other) const {
-        Result<std::string> const third = temporaryName();
+        // If this process is killed meanwhile, the item must not go with it.
+        Result<std::string> const third = asideName(MarkOfNoItem);
         if (!third.hasValue()) return third.problem();
         Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
         if (!away.isDone()) return away;
