@@ -68,6 +68,7 @@ ItemPlace placeIn(struct statx const& status) {
     place.mode = status.stx_mode;
     place.isFolder = S_ISDIR(status.stx_mode);
     place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    place.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
     return place;
 }
 
