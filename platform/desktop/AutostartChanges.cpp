@@ -5,6 +5,7 @@
 #include "platform/system/TemporaryName.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/items/ItemRename.h"
+#include "platform/system/items/ItemStatus.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <span>
@@ -60,7 +61,9 @@ Result<void> removeItem(FileDescriptor const& folder, std::string const& name, F
     if (!status.hasValue()) return status.problem();
     if (status.value() != expected) return SystemError{.code = ESTALE, .operation = "remove", .item = name};
     // First to a name that no other program knows, so that a file that takes the place meanwhile is not removed.
-    Result<std::string> const aside = temporaryName();
+    Result<ItemStatus> const state = statusOf(item);
+    if (!state.hasValue()) return state.problem();
+    Result<std::string> const aside = asideName(markOf(state.value()));
     if (!aside.hasValue()) return aside.problem();
     Result<void, RenameProblem> const moved = renameItem(item, {folder, name}, {folder, aside.value()});
     if (!moved.isDone()) return moved.problem().error;

@@ -44,6 +44,8 @@ Result<std::string> temporaryName();
 // For an item that is moved aside before it is removed. It goes with this process only if it still has the mark, which
 // tells what it is to be.
 Result<std::string> asideName(std::uint64_t mark);
+// The mark that no item has: for an item that is moved aside to come back, which never goes with its process.
+inline constexpr std::uint64_t MarkOfNoItem = 0;
 
 struct ParsedTemporaryName {
     TemporaryOwner owner{};

@@ -1,4 +1,5 @@
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemStatus.h"
 #include <algorithm>
 #include <array>
@@ -105,7 +106,7 @@ std::uint64_t markOf(ItemStatus const& status) {
         hash = (hash ^ part) * 0x100000001B3U;
         hash ^= hash >> 32U;
     }
-    return hash;
+    return hash == MarkOfNoItem ? MarkOfNoItem + 1 : hash;
 }
 
 } // namespace mac

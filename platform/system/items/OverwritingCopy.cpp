@@ -71,11 +71,10 @@ private:
         return isUnknown ? exchangeStepwise(one, other) : error;
     }
 
-    // The third name is not one of a leftover, which would be removed if this process ended while no item has the name.
     Result<void> exchangeStepwise(std::string const& one, std::string const& other) const {
-        Result<std::string> third = temporaryName();
+        // If this process is killed meanwhile, the item must not go with it.
+        Result<std::string> const third = asideName(MarkOfNoItem);
         if (!third.hasValue()) return third.problem();
-        third.value().replace(0, temporaryNamePrefix.size(), ".replaced-");
         Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
         if (!away.isDone()) return away;
         Result<void> renamed = renameWithoutReplacing(m_folder, one, m_folder, other);

@@ -136,6 +136,13 @@ TEST_F(Leftovers, OfARemovalGoOnlyIfTheyAreWhatWasToGo) {
     EXPECT_EQ(textOf(m_folder.path(wrong)), "another's");
 }
 
+TEST_F(Leftovers, ThatAreToComeBackStay) {
+    std::string const aside = nameOfKilledProcess([] { return asideName(MarkOfNoItem).value(); });
+    m_folder.makeFile(aside, "the only one");
+    EXPECT_EQ(remove(), std::vector<std::string>{aside});
+    EXPECT_EQ(textOf(m_folder.path(aside)), "the only one");
+}
+
 TEST_F(Leftovers, ThatAnotherUserMayHaveNamedStay) {
     std::string const name = leftoverName();
     m_folder.makeFile(name + "/file", "x");
