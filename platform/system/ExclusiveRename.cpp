@@ -1,4 +1,7 @@
 #include "platform/system/ExclusiveRename.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemIdentity.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -12,32 +15,16 @@ namespace {
 
 SystemError nameIsTaken(std::string const& name) { return {.code = EEXIST, .operation = "rename", .item = name}; }
 
-std::optional<struct stat> statusOf(FileDescriptor const& folder, std::string const& name) {
+std::optional<struct stat> foundAt(FileDescriptor const& folder, std::string const& name) {
     struct stat status {};
     int const failed = ::fstatat(folder.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW);
     return failed ? std::nullopt : std::optional(status);
 }
 
-// The placeholder of a name: an empty file that no other process has opened.
-Result<struct stat> makeEmptyFile(FileDescriptor const& folder, std::string const& name) {
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    FileDescriptor const file(::openat(folder.number(), name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
-    if (!file.isOpen()) return lastSystemError("open", name);
-    struct stat status {};
-    if (::fstat(file.number(), &status) != 0) return lastSystemError("stat", name);
-    return status;
-}
-
-bool isStillEmpty(FileDescriptor const& folder, std::string const& name, struct stat const& made) {
-    std::optional<struct stat> const found = statusOf(folder, name);
-    return found && S_ISREG(found->st_mode) && found->st_dev == made.st_dev && found->st_ino == made.st_ino &&
-           found->st_size == 0;
-}
-
 // The file system cannot rename exclusively.
 bool isUnknownToFileSystem(SystemError const& error) { return error.is(EINVAL) || error.is(ENOSYS); }
 
-// The file system has no hard links, or not for this user and file.
+// The file system has no such links, or not for this user and file.
 bool cannotLink(SystemError const& error) {
     return isUnknownToFileSystem(error) || error.is(EPERM) || error.is(EMLINK) || error.is(EOPNOTSUPP);
 }
@@ -76,31 +63,49 @@ Result<void> StepwiseRename::rename(FileDescriptor const& fromFolder, std::strin
     struct stat item {};
     if (::fstatat(fromFolder.number(), from.c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0)
         return lastSystemError("stat", from);
-    return S_ISDIR(item.st_mode) ? renameFolder(first, second) : renameFile(first, second);
+    if (S_ISDIR(item.st_mode)) return renameToFreeName(first, second);
+    Result<void> renamed = renameByLink(first, second);
+    return !renamed.isDone() && cannotLink(renamed.problem()) ? renameToFreeName(first, second) : renamed;
 }
 
 void StepwiseRename::tellFirstStep() const {
     if (m_afterFirstStep) m_afterFirstStep();
 }
 
-Result<void> StepwiseRename::renameFile(Place const& from, Place const& to) const {
-    Result<struct stat> const made = makeEmptyFile(to.folder, to.name);
-    if (!made.hasValue()) return made.problem();
+Result<void> StepwiseRename::renameByLink(Place const& from, Place const& to) const {
+    Result<std::string> const text = textOfLink(from, to);
+    if (!text.hasValue()) return text.problem();
+    if (::symlinkat(text.value().c_str(), to.folder.number(), to.name.c_str()) != 0)
+        return lastSystemError("symlink", to.name);
+    FileDescriptor const link(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     tellFirstStep();
-    if (!isStillEmpty(to.folder, to.name, made.value())) return nameIsTaken(to.name);
+    if (!link.isOpen() || linkText(link).valueOr("") != text.value()) return nameIsTaken(to.name);
+    if (!confirmItemInFolder(to.folder, to.name, link).isDone()) return nameIsTaken(to.name);
     if (::renameat(from.folder.number(), from.name.c_str(), to.folder.number(), to.name.c_str()) == 0) return {};
     SystemError error = lastSystemError("rename", from.name);
-    if (isStillEmpty(to.folder, to.name, made.value())) ::unlinkat(to.folder.number(), to.name.c_str(), 0);
+    if (confirmItemInFolder(to.folder, to.name, link).isDone()) ::unlinkat(to.folder.number(), to.name.c_str(), 0);
     return error;
 }
 
-// The system itself replaces, or removes, only an empty folder.
-Result<void> StepwiseRename::renameFolder(Place const& from, Place const& to) const {
-    if (::mkdirat(to.folder.number(), to.name.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", to.name);
+// Leads from the new name to the item.
+Result<std::string> StepwiseRename::textOfLink(Place const& from, Place const& to) {
+    Result<IdentifiedItem> const folder = identify(from.folder);
+    if (!folder.hasValue()) return folder.problem();
+    Result<IdentifiedItem> const newFolder = identify(to.folder);
+    if (!newFolder.hasValue()) return newFolder.problem();
+    if (folder.value().identity == newFolder.value().identity) return from.name;
+    Result<std::string> const path = systemsPath(from.folder);
+    // Too long for a link; the name alone tells as much.
+    return path.hasValue() ? BytePath(path.value()).joined(from.name) : from.name;
+}
+
+// The system itself replaces no folder that is not empty, and no file by a folder.
+Result<void> StepwiseRename::renameToFreeName(Place const& from, Place const& to) const {
+    if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     tellFirstStep();
+    if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     if (::renameat(from.folder.number(), from.name.c_str(), to.folder.number(), to.name.c_str()) == 0) return {};
     SystemError error = lastSystemError("rename", from.name);
-    ::unlinkat(to.folder.number(), to.name.c_str(), AT_REMOVEDIR);
     return error.is(ENOTEMPTY) ? nameIsTaken(to.name) : error;
 }
 

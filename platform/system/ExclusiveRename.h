@@ -4,6 +4,7 @@
 #include "platform/system/Result.h"
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace mac {
 
@@ -19,13 +20,16 @@ Result<void> renameWithoutReplacing(FileDescriptor const& fromFolder, std::strin
 // first, which stays if it cannot be removed.
 Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, std::string const& to);
 
-// What renameWithoutReplacing does on file systems that cannot rename exclusively: an empty placeholder is created
-// under the new name, and the item replaces it unless another process has filled it meanwhile. The item moved is
-// whatever has the first name by then. If the process is killed in between, the placeholder stays.
+// What renameWithoutReplacing does on file systems that cannot rename exclusively. Nothing empty ever has the new name:
+// for a file it is taken by a symbolic link to the file, which the file then replaces unless another process has done
+// so meanwhile; if the process is killed in between, the link stays. A folder replaces no more than an empty folder
+// that another process makes at that very moment. Where there are no symbolic links, the new name is looked at and
+// taken: a file system that has neither can exclude no process that takes it in between. The item moved is whatever has
+// the first name by then.
 class StepwiseRename {
 public:
     StepwiseRename() = default;
-    // Calls `afterFirstStep` once the placeholder exists.
+    // Calls `afterFirstStep` once the link exists, or the new name is known to be free.
     explicit StepwiseRename(std::function<void()> afterFirstStep) : m_afterFirstStep(std::move(afterFirstStep)) {}
 
     Result<void> rename(FileDescriptor const& fromFolder, std::string const& from, FileDescriptor const& toFolder,
@@ -37,8 +41,9 @@ private:
         std::string const& name;
     };
 
-    Result<void> renameFile(Place const& from, Place const& to) const;
-    Result<void> renameFolder(Place const& from, Place const& to) const;
+    Result<void> renameByLink(Place const& from, Place const& to) const;
+    static Result<std::string> textOfLink(Place const& from, Place const& to);
+    Result<void> renameToFreeName(Place const& from, Place const& to) const;
     void tellFirstStep() const;
 
     std::function<void()> m_afterFirstStep{};

@@ -1,13 +1,14 @@
 #include "platform/system/NewFile.h"
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
+#include "platform/system/items/ItemAccess.h"
+#include "platform/system/items/Leftovers.h"
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <string_view>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -17,8 +18,6 @@ namespace mac {
 
 namespace {
 
-constexpr mode_t SetIdentityBits = S_ISUID | S_ISGID;
-constexpr mode_t GroupBits = S_IRWXG;
 constexpr std::string_view AccessList = "system.posix_acl_access";
 // The security module labels the new file itself, and what the old bytes were allowed to do the new ones are not.
 constexpr std::string_view SecurityNames = "security.";
@@ -58,22 +57,10 @@ Result<void> copyAttribute(std::string const& oldPath, FileDescriptor const& fil
 
 } // namespace
 
-Result<std::string> unguessableName() {
-    std::array<unsigned char, 16> random;
-    if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
-        return lastSystemError("getrandom");
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string name = ".";
-    for (unsigned char const byte : random) {
-        name.push_back(digits[byte >> 4]);
-        name.push_back(digits[byte & 0xF]);
-    }
-    return name;
-}
-
 Result<NewFile> NewFile::make(FileDescriptor const& folder, unsigned mode) {
-    Result<std::string> name = unguessableName();
+    Result<std::string> name = temporaryName();
     if (!name.hasValue()) return name.problem();
+    removeLeftovers(folder);
     FileDescriptor file(
         ::openat(folder.number(), name.value().c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!file.isOpen()) return lastSystemError("open", name.takeValue());
@@ -106,24 +93,10 @@ Result<void> NewFile::copyAttributesOf(FileDescriptor const& old) const {
 }
 
 Result<void> NewFile::takeAfter(FileDescriptor const& item, unsigned permissionMask) const {
-    struct stat old {};
-    if (::fstat(item.number(), &old) != 0) return lastSystemError("stat");
-    mode_t mode = old.st_mode & permissionMask;
-    bool const hasOwner = ::fchown(m_file.number(), old.st_uid, old.st_gid) == 0;
-    constexpr uid_t sameOwner = -1;
-    bool const hasGroup = hasOwner || ::fchown(m_file.number(), sameOwner, old.st_gid) == 0;
-    if (!hasOwner) mode &= ~SetIdentityBits;
-    if (!hasGroup) mode &= ~GroupBits | (mode & S_IRWXO) << 3;
-    // The folder's default may have given the file an access list: it has the item's own or none. The entries of a list
-    // are for the owning group, too.
-    std::string const accessList(AccessList);
-    ::fremovexattr(m_file.number(), accessList.c_str());
-    if (hasGroup) {
-        Result<void> const copied = copyAttribute(descriptorPath(item), m_file, accessList);
-        if (!copied.isDone()) return copied;
-    }
-    if (::fchmod(m_file.number(), mode) != 0) return lastSystemError("chmod", m_name);
-    return {};
+    Result<ItemAccess> access = accessOf(item);
+    if (!access.hasValue()) return access.problem();
+    access.value().permissions &= permissionMask;
+    return giveAccess(m_file, access.value(), InheritedList::MayBeThere);
 }
 
 Result<void> NewFile::finish(std::string const& name, Place place) {
@@ -134,6 +107,7 @@ Result<void> NewFile::finish(std::string const& name, Place place) {
     Result<void> const named = takeName(name, place);
     if (!named.isDone()) return named;
     m_hasFinalName = true;
+    leaveFolder(*m_folder);
     return flushFolder(*m_folder);
 }
 

@@ -8,11 +8,8 @@
 
 namespace mac {
 
-// A random name of 33 bytes that begins with a dot. Fails if the system has no random numbers.
-Result<std::string> unguessableName();
-
-// A file under an unguessable name, made to replace another one in its folder. The destructor removes it unless it got
-// its final name. Movable; one thread at a time.
+// A file under a temporary name, made to replace another one in its folder. The destructor removes it unless it got its
+// final name; what killed processes have left in the folder is removed when it is made. Movable; one thread at a time.
 class NewFile {
 public:
     // REQUIRES: the folder stays open and in place longer than the file. The mode holds the permissions, less the
@@ -31,9 +28,8 @@ public:
     Result<void> write(std::span<std::byte const> bytes) const;
     // Copies the extended attributes and the access list of an open file, as far as this user may write them.
     Result<void> copyAttributesOf(FileDescriptor const& old) const;
-    // Takes owner, group and those permissions of the item that are in the mask. Where this user may not change the
-    // owner, the file stays its own, without set-user-ID, and a group that cannot be taken gets no more permissions
-    // than others.
+    // Takes owner, group, those permissions of the item that are in the mask, and its access list, as far as this user
+    // may; no user gets more access than to the item (see giveAccess).
     Result<void> takeAfter(FileDescriptor const& item, unsigned permissionMask) const;
 
     enum class Place { IsTaken, MustBeFree };

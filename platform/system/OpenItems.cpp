@@ -24,6 +24,12 @@ Result<std::string> textOfLink(int folder, char const* name) {
     }
 }
 
+FolderEntry::Kind kindOf(unsigned char type) {
+    if (type == DT_REG) return FolderEntry::Kind::File;
+    if (type == DT_DIR) return FolderEntry::Kind::Folder;
+    return type == DT_UNKNOWN ? FolderEntry::Kind::Unknown : FolderEntry::Kind::Other;
+}
+
 } // namespace
 
 std::string descriptorPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
@@ -91,7 +97,7 @@ Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder) {
             auto const& entry = *reinterpret_cast<dirent64 const*>(block.data() + position);
             position += entry.d_reclen;
             std::string name = entry.d_name;
-            if (name != "." && name != "..") result.push_back({std::move(name), entry.d_ino});
+            if (name != "." && name != "..") result.push_back({std::move(name), entry.d_ino, kindOf(entry.d_type)});
         }
     }
 }

@@ -39,8 +39,18 @@ Result<void> flushFolder(FileDescriptor const& folder);
 Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> bytes);
 
 struct FolderEntry {
+    enum class Kind {
+        File,
+        Folder,
+        // A symbolic link or a special file.
+        Other,
+        // The file system does not tell.
+        Unknown,
+    };
+
     std::string name;
     std::uint64_t inode;
+    Kind kind{Kind::Unknown};
 };
 // The entries of a folder that is open for reading, without "." and "..", in the folder's order.
 Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder);

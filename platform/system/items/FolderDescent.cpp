@@ -13,15 +13,6 @@ namespace {
 
 constexpr int ListFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
-void letOwnerIn(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-    FileDescriptor const item(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!item.isOpen()) return;
-    Result<ItemPlace> const found = placeOf(item);
-    if (!found.hasValue() || !(found.value().identity == place.identity)) return;
-    if (found.value().owner != ::geteuid()) return;
-    ::chmod(descriptorPath(item).c_str(), (found.value().mode & 07777) | S_IRWXU);
-}
-
 // Opens a folder for listing.
 Result<FileDescriptor> openToList(FileDescriptor const& folder, std::string const& name) {
     FileDescriptor opened(::openat(folder.number(), name.c_str(), ListFlags));
@@ -98,7 +89,7 @@ void Descent::meet(std::string const& name, ItemPlace const& place) {
 
 void Descent::enter(std::string const& name, ItemPlace const& place) {
     if (place.mount != m_start.mount) return fail({.code = EBUSY, .operation = "open", .item = name});
-    if (m_rules.makesAccessible && (place.mode & S_IRWXU) != S_IRWXU) letOwnerIn(m_folder, name, place);
+    if (m_rules.makesAccessible) letOwnerIn(m_folder, name);
     Result<FileDescriptor> folder = openToList(m_folder, name);
     if (!folder.hasValue()) return fail(folder.problem());
     Result<ItemPlace> const found = placeOf(folder.value());
@@ -149,6 +140,15 @@ void Descent::fail(SystemError const& error) {
 }
 
 } // namespace
+
+void letOwnerIn(FileDescriptor const& folder, std::string const& name) {
+    FileDescriptor const item(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!item.isOpen()) return;
+    Result<ItemPlace> const found = placeOf(item);
+    bool const isOpen = !found.hasValue() || (found.value().mode & S_IRWXU) == S_IRWXU;
+    if (isOpen || found.value().owner != ::geteuid()) return;
+    ::chmod(descriptorPath(item).c_str(), (found.value().mode & 07777) | S_IRWXU);
+}
 
 Result<void> descend(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
                      DescentRules const& rules, DescentVisit const& visit) {

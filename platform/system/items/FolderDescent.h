@@ -18,6 +18,9 @@ struct DescentRules {
 using DescentVisit =
     std::function<Result<void>(FileDescriptor const& folder, std::string const& name, ItemPlace const& place)>;
 
+// Makes the folder of a name accessible to its owner by its permissions, if this user is that owner and it is not.
+void letOwnerIn(FileDescriptor const& folder, std::string const& name);
+
 // Visits the item of a name in the open folder if it is the expected one, and before it all items below it, to any
 // depth. Symbolic links are not followed, and mount points are not entered (EBUSY). Goes on after a failure and answers
 // the first one. Any thread.

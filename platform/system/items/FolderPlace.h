@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+struct statx;
+
 // Where open folders and the items in them lie. Any thread.
 
 namespace mac {
@@ -21,6 +23,8 @@ struct ItemPlace {
     bool isMountPoint{false};
 };
 
+// The place in a status that was asked for with the type, mode, owner, inode, birth time and mount.
+ItemPlace placeIn(struct statx const& status);
 Result<ItemPlace> placeOf(FileDescriptor const& item);
 // The item of a name in an open folder; a symbolic link itself.
 Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name);

@@ -17,15 +17,7 @@ Result<ItemPlace> placeAt(int folder, char const* name, int flags) {
     struct statx status {};
     if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | flags, wanted, &status) != 0)
         return lastSystemError("statx", name);
-    ItemPlace place;
-    place.identity = identityOf(status);
-    // Before Linux 5.8 the device has to do.
-    place.mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : place.identity.device;
-    place.owner = status.stx_uid;
-    place.mode = status.stx_mode;
-    place.isFolder = S_ISDIR(status.stx_mode);
-    place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
-    return place;
+    return placeIn(status);
 }
 
 Result<FileDescriptor> openFolder(FileDescriptor const& folder, char const* name, int flags) {
@@ -66,6 +58,18 @@ Result<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& 
 }
 
 } // namespace
+
+ItemPlace placeIn(struct statx const& status) {
+    ItemPlace place;
+    place.identity = identityOf(status);
+    // Before Linux 5.8 the device has to do.
+    place.mount = (status.stx_mask & STATX_MNT_ID) != 0 ? status.stx_mnt_id : place.identity.device;
+    place.owner = status.stx_uid;
+    place.mode = status.stx_mode;
+    place.isFolder = S_ISDIR(status.stx_mode);
+    place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    return place;
+}
 
 Result<ItemPlace> placeOf(FileDescriptor const& item) { return placeAt(item.number(), "", AT_EMPTY_PATH); }
 

@@ -1,9 +1,10 @@
 #include "platform/system/items/ItemTransfer.h"
 #include "platform/system/ExclusiveRename.h"
-#include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/Leftovers.h"
 #include "platform/system/items/TreeCopy.h"
 #include <algorithm>
 #include <cerrno>
@@ -28,13 +29,17 @@ Transferred place(ItemTransfer const& transfer, PlaceItem const& step) {
     return transfer.placing ? transfer.placing(step) : step();
 }
 
-Result<void> removeOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-    if (::unlinkat(folder.number(), name.c_str(), place.isFolder ? AT_REMOVEDIR : 0) == 0) return {};
-    return lastSystemError("unlink", name);
+void tell(ItemTransfer const& transfer, CopyStep step) {
+    if (transfer.copySteps) transfer.copySteps(step);
 }
 
-// Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does.
-Result<void> nameCopy(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+// Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does: the
+// sidecar first, once no item has the name that it could be taken to belong to, so that the item is complete when it
+// appears.
+Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
+    FileDescriptor const& folder = transfer.folder;
+    std::string const& to = transfer.name;
+    if (placeOf(folder, to).hasValue()) return nameTaken(to);
     std::string const sidecar = AppleDoubleSidecar::nameFor(from);
     std::string const newSidecar = AppleDoubleSidecar::nameFor(to);
     bool const hasSidecar = sidecarBeside(folder, from).has_value();
@@ -43,19 +48,21 @@ Result<void> nameCopy(FileDescriptor const& folder, std::string const& from, std
     if (hasSidecar) {
         Result<void> const renamed = renameWithoutReplacing(folder, sidecar, folder, newSidecar);
         if (!renamed.isDone()) return renamed;
+        tell(transfer, CopyStep::SidecarNamed);
     }
     Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
     // If the sidecar cannot go back either, removeCopy() does not find it, and it stays.
     if (!renamed.isDone() && hasSidecar) static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
+    if (renamed.isDone()) tell(transfer, CopyStep::Named);
     return renamed;
 }
 
-// Removes what there is of a copy, as far as possible.
+// Removes what there is of a copy under its temporary name, as far as possible.
 void removeCopy(FileDescriptor const& folder, std::string const& name) {
-    if (sidecarBeside(folder, name)) ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
+    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
     Result<ItemPlace> const place = placeOf(folder, name);
     if (!place.hasValue()) return;
-    static_cast<void>(descend(folder, name, place.value().identity, {.makesAccessible = true}, removeOne));
+    static_cast<void>(removeTree(folder, name, place.value().identity, {.makesAccessible = true}));
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
@@ -67,24 +74,35 @@ std::optional<OpenItem> sidecarItem(OpenItem const& item) {
 }
 
 // Copies the item and its sidecar to a temporary name in the folder and flushes the volume.
-Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopiedItems& copied) {
+Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopyPurpose purpose,
+                             CopiedItems& copied) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
     Result<FileDescriptor> const listed = readableFolder(transfer.folder);
     if (!listed.hasValue()) return listed.problem();
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
     if (std::optional<OpenItem> const sidecar = sidecarItem(transfer.item)) {
-        Result<void> const done =
-            TreeCopy(shouldContinue, copied).run(*sidecar, transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
+                                      .run(*sidecar, transfer.folder, AppleDoubleSidecar::nameFor(temporary));
         if (!done.isDone()) return done;
     }
-    Result<void> const done = TreeCopy(shouldContinue, copied).run(transfer.item, transfer.folder, temporary);
+    Result<void> const done =
+        TreeCopy(purpose, shouldContinue, transfer.copySteps, copied).run(transfer.item, transfer.folder, temporary);
     if (!done.isDone()) return done;
     if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs", transfer.name);
+    tell(transfer, CopyStep::Complete);
     return {};
 }
 
-Transferred copyAs(ItemTransfer const& transfer, CopiedItems& copied) {
+void cleanUp(ItemTransfer const& transfer, FileDescriptor const& folder) {
+    // Who copies a leftover wants to keep it.
+    if (parseTemporaryName(transfer.item.name)) return;
+    for (std::string const& name : removeLeftovers(folder)) {
+        if (transfer.leftoverInDoubt) transfer.leftoverInDoubt(name);
+    }
+}
+
+Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItems& copied) {
     Result<ItemPlace> const item = placeOf(transfer.item.item);
     if (!item.hasValue()) return notDone(item.problem());
     if (item.value().isFolder && mayLieIn(transfer.folder, item.value().identity))
@@ -92,36 +110,43 @@ Transferred copyAs(ItemTransfer const& transfer, CopiedItems& copied) {
     bool const isTaken = !transfer.placing && (placeOf(transfer.folder, transfer.name).hasValue() ||
                                                sidecarBeside(transfer.folder, transfer.name));
     if (isTaken) return notDone(nameTaken(transfer.name));
-    Result<std::string> const temporary = unguessableName();
+    Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
-    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), copied));
-    if (done.isDone())
-        done =
-            place(transfer, [&] { return transferred(nameCopy(transfer.folder, temporary.value(), transfer.name)); });
+    cleanUp(transfer, transfer.folder);
+    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), purpose, copied));
+    if (done.isDone()) done = place(transfer, [&] { return transferred(nameCopy(transfer, temporary.value())); });
     if (!done.isDone()) removeCopy(transfer.folder, temporary.value());
+    leaveFolder(transfer.folder);
     return done;
 }
 
-// Removes an item that was copied, if it is as it was then. The removal of a name changes the file that its other names
-// lead to.
-Result<void> removeCopied(FileDescriptor const& folder, std::string const& name, ItemPlace const& place,
-                          CopiedItems& copied) {
-    auto const known = copied.find(place.identity);
-    bool const isCopied = known != copied.end() && (place.isFolder || known->second == changeTime(folder, name));
-    if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
+// Removes an item that was copied, if it is as it was then. The removal of a name changes the time of the file that its
+// other names lead to, but not of its contents.
+Result<void> removeCopied(FileDescriptor const& folder, std::string const& name, CopiedItems& copied,
+                          RemovalSteps const& steps) {
     FileDescriptor const file(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!file.isOpen()) return lastSystemError("open", name);
-    if (Result<void> const removed = removeOne(folder, name, place); !removed.isDone()) return removed;
-    known->second = changeTime(file, "");
+    Result<ItemStatus> const found = statusOf(file);
+    if (!found.hasValue()) return found.problem();
+    ItemStatus const& status = found.value();
+    auto const known = copied.find(status.place.identity);
+    bool const isCopied = known != copied.end() &&
+                          (status.place.isFolder ||
+                           (known->second.changeTime == status.changeTime && known->second.mark == markOf(status)));
+    if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
+    if (Result<void> const removed = removeExactly(folder, name, status, steps); !removed.isDone()) return removed;
+    if (status.links < 2 || status.place.isFolder) return {};
+    Result<ItemStatus> const left = statusOf(file);
+    known->second.changeTime = left.hasValue() ? left.value().changeTime : -1;
     return {};
 }
 
-Result<void> removeOriginal(OpenItem const& item, CopiedItems& copied) {
+Result<void> removeOriginal(OpenItem const& item, CopiedItems& copied, RemovalSteps const& steps) {
     Result<ItemPlace> const place = placeOf(item.item);
     if (!place.hasValue()) return place.problem();
     return descend(item.folder, item.name, place.value().identity, {.makesAccessible = true},
-                   [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& found) {
-                       return removeCopied(folder, name, found, copied);
+                   [&](FileDescriptor const& folder, std::string const& name, ItemPlace const&) {
+                       return removeCopied(folder, name, copied, steps);
                    });
 }
 
@@ -172,8 +197,8 @@ Result<void> removeOriginals(ItemTransfer const& transfer, std::optional<OpenIte
                              CopiedItems& copied) {
     // The copy's name must be on the disk before the original goes.
     if (Result<void> const flushed = flushFolder(transfer.folder); !flushed.isDone()) return flushed;
-    Result<void> const removed = removeOriginal(transfer.item, copied);
-    return removed.isDone() && sidecar ? removeOriginal(*sidecar, copied) : removed;
+    Result<void> const removed = removeOriginal(transfer.item, copied, transfer.removalSteps);
+    return removed.isDone() && sidecar ? removeOriginal(*sidecar, copied, transfer.removalSteps) : removed;
 }
 
 } // namespace
@@ -185,7 +210,7 @@ bool mayLieIn(FileDescriptor const& folder, ItemIdentity const& item) {
 
 Result<void, TransferProblem> copyItem(ItemTransfer const& transfer) {
     CopiedItems copied;
-    Transferred done = copyAs(transfer, copied);
+    Transferred done = copyAs(transfer, CopyPurpose::Copy, copied);
     // The copy is complete also if its name cannot be flushed.
     if (done.isDone()) static_cast<void>(flushFolder(transfer.folder));
     return done;
@@ -198,7 +223,8 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
     CopiedItems copied;
     std::optional<OpenItem> const sidecar = sidecarItem(transfer.item);
-    Transferred done = copyAs(transfer, copied);
+    cleanUp(transfer, transfer.item.folder);
+    Transferred done = copyAs(transfer, CopyPurpose::Move, copied);
     if (!done.isDone()) return done;
     Result<void> const removed = removeOriginals(transfer, sidecar, copied);
     if (removed.isDone()) return {};

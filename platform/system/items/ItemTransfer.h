@@ -1,17 +1,20 @@
 #pragma once
 
+#include "platform/system/items/FileCopy.h"
 #include "platform/system/items/ItemIdentity.h"
 #include "platform/system/items/ItemRename.h"
 #include "platform/system/items/OpenItem.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <functional>
 
 namespace mac {
 
 // Copying and moving whole items, folders with all that is in them, to any depth. Symbolic links are copied
-// themselves, mount points in a folder are not entered (EBUSY), and the several names of one file become files of their
-// own. A copy has the contents, permissions, dates and attributes of the original, and its owner where that is allowed;
-// no user gets more access than before. An item's AppleDouble sidecar goes with it or neither goes: EEXIST if a stray
-// one has its new name. A failure leaves the items as they were. Any thread.
+// themselves, mount points in a folder are not entered (EBUSY), and several names of one file in a folder become
+// several names of its copy. A copy has the contents, permissions, access lists, dates and attributes of the original,
+// and its owner where that is allowed; no user gets more access than before. An item's AppleDouble sidecar goes with it
+// or neither goes: EEXIST if a stray one has its new name. A failure leaves the items as they were. What killed
+// processes have left in the folder under temporary names is removed first. Any thread.
 
 // Why an item was not moved or copied, and in what state that leaves it.
 struct TransferProblem {
@@ -42,8 +45,12 @@ struct ItemTransfer {
     // Calls the given step, and may free the name and call it again. If empty, a name that is taken fails with EEXIST
     // before anything is copied.
     std::function<Result<void, TransferProblem>(PlaceItem const& place)> placing{};
-    // Called after each step of a move within a volume.
+    // Called after each step of a move within a volume; of a copy; of the removal of each original after it was copied.
     RenameSteps steps{};
+    CopySteps copySteps{};
+    RemovalSteps removalSteps{};
+    // Called with the name of each leftover in the folder that was in doubt and stays.
+    std::function<void(std::string const& name)> leftoverInDoubt{};
 };
 
 // The copy gets its name once it is complete and on the disk. EINVAL: the folder lies in the item.

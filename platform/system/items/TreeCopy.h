@@ -1,50 +1,89 @@
 #pragma once
 
-#include "platform/system/items/FolderPlace.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/items/FileCopy.h"
 #include "platform/system/items/OpenItem.h"
-#include <functional>
 #include <unordered_map>
 
 namespace mac {
 
-// The items that were copied, each with the time of its last change then, in nanoseconds since 1970; 0 for a folder.
-using CopiedItems = std::unordered_map<ItemIdentity, std::int64_t, ItemIdentityHash>;
+// The state in which an item was copied.
+struct CopiedState {
+    // 0 for a folder.
+    std::int64_t changeTime{0};
+    std::uint64_t mark{0};
+};
+using CopiedItems = std::unordered_map<ItemIdentity, CopiedState, ItemIdentityHash>;
 
-// The time of an item's last change; -1 if it is not known. An empty name means the open item itself.
-std::int64_t changeTime(FileDescriptor const& folder, std::string const& name);
+enum class CopyPurpose {
+    Copy,
+    // The original is to be removed: the state of each item is remembered, and waited for where it cannot be told yet
+    // from a later one.
+    Move,
+};
 
-// The copy of one item to a name in an open folder, with all that is in it. Only two folders are open, however deep it
-// goes. A failure leaves the incomplete copy. One thread.
+// The copy of one item to a name in an open folder, with all that is in it. Several names of a file become several
+// names of its copy. Only three folders are open, however deep it goes. A failure leaves the incomplete copy. One
+// thread.
 class TreeCopy {
 public:
-    // Both must outlive the copy; the items that are copied are added to `copied`.
-    TreeCopy(std::function<bool()> const& shouldContinue, CopiedItems& copied)
-        : m_shouldContinue(shouldContinue), m_copied(copied) {}
+    // All must outlive the copy; the items that are moved are added to `copied`.
+    TreeCopy(CopyPurpose purpose, std::function<bool()> const& shouldContinue, CopySteps const& steps,
+             CopiedItems& copied)
+        : m_purpose(purpose), m_shouldContinue(shouldContinue), m_steps(steps), m_copied(copied),
+          m_contents(shouldContinue) {}
 
     Result<void> run(OpenItem const& item, FileDescriptor const& folder, std::string const& name);
 
 private:
     struct Level {
-        ItemPlace place;
+        ItemStatus source;
         ItemIdentity target;
         // Items in the folder that are still to be copied, the next one last.
-        std::vector<std::string> names;
+        std::vector<FolderEntry> entries;
+        // Of the path to the folder above.
+        std::size_t pathLength;
+    };
+    // The first copy of a file that has several names.
+    struct Copy {
+        std::string path;
+        ItemIdentity identity;
+    };
+    struct Names {
+        std::string const& from;
+        std::string const& to;
     };
 
-    Result<ItemPlace> start(OpenItem const& item, FileDescriptor const& folder);
+    Result<ItemStatus> start(OpenItem const& item, FileDescriptor const& folder);
     Result<void> copyNext();
-    Result<void> copy(std::string const& from, std::string const& to, ItemPlace const& place);
-    Result<void> copyFile(std::string const& from, std::string const& to, ItemPlace const& place);
-    Result<void> enter(std::string const& from, std::string const& to, ItemPlace const& place);
+    Result<void> copy(Names const& names, FolderEntry::Kind kind);
+    Result<void> copyFile(Names const& names);
+    Result<void> copyOther(Names const& names);
+    Result<void> copyPrivately(FileDescriptor const& source, ItemStatus const& status, std::string const& to);
+    Result<void> fill(FileDescriptor const& source, ItemStatus const& status, std::string const& to);
+    Result<void> enter(Names const& names);
     Result<void> leave();
+    Result<ItemStatus> stateOf(FileDescriptor const& source) const;
+    std::string pathOf(std::string const& name) const;
+    bool linkToCopy(ItemStatus const& status, std::string const& to) const;
+    void remember(ItemStatus const& status);
+    void rememberCopy(ItemStatus const& status, std::string const& to);
 
+    CopyPurpose const m_purpose;
     std::function<bool()> const& m_shouldContinue;
+    CopySteps const& m_steps;
     CopiedItems& m_copied;
+    ContentsCopy m_contents;
     FileDescriptor m_source{};
     FileDescriptor m_target{};
+    // The folder that the copy is made in, for the paths of copies.
+    FileDescriptor m_top{};
     ItemIdentity m_targetStart{};
     ItemPlace m_sourceStart{};
+    // The path of the current target folder from there.
+    std::string m_path{};
     std::vector<Level> m_levels{};
+    std::unordered_map<ItemIdentity, Copy, ItemIdentityHash> m_copies{};
 };
 
 } // namespace mac

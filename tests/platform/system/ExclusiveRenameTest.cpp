@@ -65,6 +65,29 @@ TEST_F(RenamingInSteps, ReplacesNothing) {
     EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"empty", "file", "folder"}));
 }
 
+TEST_F(RenamingInSteps, NeverShowsSomethingElseUnderTheNewName) {
+    m_folder.makeFile("file", "x");
+    std::string const second = m_folder.path("second");
+    std::string seen;
+    EXPECT_EQ(rename("file", "second", [&] { seen = contentsOf(second); }), 0);
+    EXPECT_EQ(seen, "x") << "whatever is there is the item itself";
+    m_folder.makeFolder("folder");
+    EXPECT_EQ(rename("folder", "third",
+                     [&] {
+                         EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"folder", "second"}));
+                     }),
+              0);
+    // Nor where there are no symbolic links.
+    withRefusedCall(SYS_symlinkat, EPERM, [&] {
+        EXPECT_EQ(rename("second", "fourth",
+                         [&] {
+                             EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"second", "third"}));
+                         }),
+                  0);
+    });
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"fourth", "third"}));
+}
+
 TEST_F(RenamingInSteps, IsFollowedByWhoHasTheItemOpen) {
     FileDescriptor const file(::open(m_folder.makeFile("file", "x").c_str(), O_PATH | O_CLOEXEC));
     ASSERT_TRUE(file.isOpen());
@@ -81,24 +104,28 @@ TEST_F(RenamingInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     EXPECT_EQ(contentsOf(m_folder.path("second")), "new");
 }
 
-TEST_F(RenamingInSteps, LeavesWhatIsPutIntoTheEmptyThing) {
-    m_folder.makeFile("file", "x");
+TEST_F(RenamingInSteps, LeavesWhatTakesTheNewNameOfAFolder) {
     m_folder.makeFile("folder/inner", "y");
-    std::string const second = m_folder.path("second");
-    EXPECT_EQ(rename("file", "second", [&] { std::ofstream(second) << "another's"; }), EEXIST);
-    EXPECT_EQ(contentsOf(second), "another's");
-    EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
     EXPECT_EQ(rename("folder", "third", [&] { m_folder.makeFile("third/file", "another's"); }), EEXIST);
     EXPECT_EQ(contentsOf(m_folder.path("third/file")), "another's");
     EXPECT_EQ(contentsOf(m_folder.path("folder/inner")), "y");
+    EXPECT_EQ(rename("folder", "fourth", [&] { m_folder.makeFile("fourth", "another's"); }), EEXIST);
+    EXPECT_EQ(contentsOf(m_folder.path("fourth")), "another's");
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"folder", "fourth", "third"}));
 }
 
-TEST_F(RenamingInSteps, LeavesWhatTakesThePlaceOfTheEmptyThing) {
+TEST_F(RenamingInSteps, LeavesWhatTakesTheNewNameOfAFile) {
     std::string const file = m_folder.makeFile("file", "x");
-    std::string const anothers = m_folder.makeFile("another's", "");
+    std::string const anothers = m_folder.makeFile("another's", "y");
     EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }), EEXIST);
     EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
     EXPECT_EQ(contentsOf(file), "x");
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "y");
+    withRefusedCall(SYS_symlinkat, EPERM, [&] {
+        EXPECT_EQ(rename("file", "third", [&] { m_folder.makeFile("third", "another's"); }), EEXIST);
+    });
+    EXPECT_EQ(contentsOf(file), "x");
+    EXPECT_EQ(contentsOf(m_folder.path("third")), "another's");
 }
 
 TEST_F(RenamingInSteps, LeavesNothingBehindWhenItFails) {

@@ -3,6 +3,7 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
+#include <fstream>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 
@@ -95,6 +96,40 @@ TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhenTheOtherVolumeIsFull) {
     EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), ENOSPC);
     EXPECT_EQ(textOf(m_folder.path("tree/large")).size(), std::size_t{1} << 20U);
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>());
+}
+
+TEST_F(ItemTransferOnVolumes, LeavesNothingOnAFullVolumeNotEvenOfASidecar) {
+    mountMemory(m_point.path(), "size=64k");
+    std::ofstream(m_point.path("full")) << std::string(std::size_t{1} << 20U, 'x');
+    m_folder.makeFile("file", "contents");
+    m_folder.makeFile("._file", AppleDouble);
+    for (Transfer const transfer : {copy, move})
+        EXPECT_EQ(errorOf(transfer, m_folder.path("file"), m_point.path(), "file"), ENOSPC);
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"full"});
+}
+
+// Its clock ticks every few milliseconds, so that two saves have the same time.
+TEST_F(ItemTransferOnVolumes, KeepsAFileThatIsSavedWhileItIsMoved) {
+    mountWithoutAttributes(m_folder.path());
+    mountMemory(m_point.path());
+    for (int number = 0; number < 50; ++number) {
+        std::string const file = m_folder.makeFile("file", "first");
+        Result<OpenItem> const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed);
+        ASSERT_TRUE(item.hasValue());
+        FileDescriptor const target = folderAt(m_point.path());
+        std::string const name = "file " + std::to_string(number);
+        auto const save = [&](PlaceItem const& place) {
+            // Once for the rename that the other volume refuses, once for the copy.
+            Result<void, TransferProblem> placed = place();
+            std::ofstream(file) << "saved";
+            return placed;
+        };
+        Result<void, TransferProblem> const moved =
+            moveItem({.item = item.value(), .folder = target, .name = name, .placing = save});
+        ASSERT_FALSE(moved.isDone()) << number;
+        EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+        EXPECT_EQ(textOf(file), "saved");
+    }
 }
 
 TEST_F(ItemTransferOnVolumes, RefusesAStrayAppleDoubleFileBeforeItCopies) {

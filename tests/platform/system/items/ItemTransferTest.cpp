@@ -36,6 +36,22 @@ TEST(ItemTransfer, KeepsTheHolesOfAFile) {
     EXPECT_LT(copied.st_blocks, 1000);
 }
 
+TEST(ItemTransfer, KeepsTheSeveralNamesOfAFileInAFolder) {
+    TemporaryFolder const folder;
+    folder.makeFile("tree/a", "x");
+    folder.makeFolder("tree/inner");
+    ASSERT_EQ(::link(folder.path("tree/a").c_str(), folder.path("tree/inner/b").c_str()), 0);
+    ASSERT_EQ(::link(folder.path("tree/a").c_str(), folder.path("outside").c_str()), 0);
+    ASSERT_EQ(::mkfifo(folder.path("tree/pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::link(folder.path("tree/pipe").c_str(), folder.path("tree/inner/pipe").c_str()), 0);
+    EXPECT_EQ(errorOf(copy, folder.path("tree"), folder.path(), "copy"), 0);
+    EXPECT_EQ(statusOf(folder.path("copy/a")).st_ino, statusOf(folder.path("copy/inner/b")).st_ino);
+    EXPECT_EQ(statusOf(folder.path("copy/a")).st_nlink, 2U) << "the name outside is none of the copy";
+    EXPECT_EQ(textOf(folder.path("copy/inner/b")), "x");
+    EXPECT_EQ(statusOf(folder.path("copy/pipe")).st_ino, statusOf(folder.path("copy/inner/pipe")).st_ino);
+    EXPECT_EQ(statusOf(folder.path("outside")).st_nlink, 3U) << "the original is as it was";
+}
+
 TEST(ItemTransfer, RefusesANameThatIsTaken) {
     TemporaryFolder const folder;
     folder.makeFile("a", "a");

@@ -1,0 +1,159 @@
+#include "platform/system/TemporaryName.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/processes/ProcessStatus.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr std::string_view SidecarPrefix = "._";
+constexpr std::string_view HexadecimalDigits = "0123456789abcdef";
+constexpr std::size_t RandomDigits = 32;
+constexpr std::size_t MarkDigits = 16;
+
+// The beginning of a file of the system's; empty if it cannot be read.
+std::string beginningOf(std::string const& path) {
+    FileDescriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 1024> bytes{};
+    ssize_t const size = file.isOpen() ? ::read(file.number(), bytes.data(), bytes.size()) : -1;
+    return size > 0 ? std::string(bytes.data(), static_cast<std::size_t>(size)) : std::string();
+}
+
+// 32 hexadecimal digits; empty if the system does not tell.
+std::string bootID() {
+    std::string text = beginningOf("/proc/sys/kernel/random/boot_id");
+    std::erase_if(text, [](char character) { return HexadecimalDigits.find(character) == std::string_view::npos; });
+    return text;
+}
+
+std::uint64_t ownPidNamespace() {
+    struct stat status {};
+    return ::stat("/proc/self/ns/pid", &status) == 0 ? status.st_ino : 0;
+}
+
+std::optional<std::uint64_t> startOf(std::string const& process) {
+    return startTimeIn(beginningOf("/proc/" + process + "/stat"));
+}
+
+// It has ended, but its parent has not waited for it. False if it may not be looked at, and if its first thread alone
+// has ended.
+bool isOnlyWaitedFor(std::string const& process) {
+    constexpr nlink_t linksWithOneThread = 3;
+    struct stat threads {};
+    bool const isShown = !beginningOf("/proc/" + process + "/stat").empty();
+    return isShown && ::stat(("/proc/" + process + "/task").c_str(), &threads) == 0 &&
+           threads.st_nlink <= linksWithOneThread;
+}
+
+template <class Number>
+bool parse(std::string_view text, Number& number, int base = 10) {
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+// The text up to the next dash, which goes with it.
+std::string_view takePart(std::string_view& text) {
+    std::size_t const length = std::min(text.find('-'), text.size());
+    std::string_view const part = text.substr(0, length);
+    text.remove_prefix(std::min(length + 1, text.size()));
+    return part;
+}
+
+bool isHexadecimal(std::string_view text) {
+    return text.find_first_not_of(HexadecimalDigits) == std::string_view::npos;
+}
+
+std::string hexadecimal(std::uint64_t number) {
+    std::string text(MarkDigits, '0');
+    for (std::size_t index = MarkDigits; number != 0; number >>= 4U)
+        text[--index] = HexadecimalDigits[number & 0xFU];
+    return text;
+}
+
+Result<std::string> randomDigits() {
+    std::array<unsigned char, RandomDigits / 2> random{};
+    if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
+        return lastSystemError("getrandom");
+    std::string digits;
+    for (unsigned char const byte : random) {
+        digits.push_back(HexadecimalDigits[byte >> 4U]);
+        digits.push_back(HexadecimalDigits[byte & 0xFU]);
+    }
+    return digits;
+}
+
+} // namespace
+
+TemporaryOwner TemporaryOwner::current() {
+    static std::mutex lock;
+    static TemporaryOwner known;
+    std::scoped_lock const guard(lock);
+    // A process that was forked is another one.
+    if (known.pid == ::getpid()) return known;
+    known = {.boot = bootID(),
+             .pidNamespace = ownPidNamespace(),
+             .pid = ::getpid(),
+             .startTime = startOf("self").value_or(0)};
+    return known;
+}
+
+OwnerState stateOf(TemporaryOwner const& owner, VolumeSharing sharing) {
+    TemporaryOwner const current = TemporaryOwner::current();
+    bool const isComplete = !owner.boot.empty() && owner.pidNamespace != 0 && owner.pid > 0 && owner.startTime != 0;
+    if (!isComplete || current.boot.empty() || current.pidNamespace == 0) return OwnerState::Unknown;
+    if (owner.boot != current.boot)
+        return sharing == VolumeSharing::ThisComputerOnly ? OwnerState::HasEnded : OwnerState::Unknown;
+    if (owner.pidNamespace != current.pidNamespace) return OwnerState::Unknown;
+    if (owner == current) return OwnerState::Runs;
+    if (::kill(owner.pid, 0) != 0 && errno == ESRCH) return OwnerState::HasEnded;
+    std::string const process = std::to_string(owner.pid);
+    std::optional<std::uint64_t> const start = startOf(process);
+    if (start) return *start == owner.startTime ? OwnerState::Runs : OwnerState::HasEnded;
+    return isOnlyWaitedFor(process) ? OwnerState::HasEnded : OwnerState::Unknown;
+}
+
+Result<std::string> temporaryName() {
+    Result<std::string> const random = randomDigits();
+    if (!random.hasValue()) return random;
+    TemporaryOwner const owner = TemporaryOwner::current();
+    std::string name(temporaryNamePrefix);
+    name.append(owner.boot).append("-").append(std::to_string(owner.pidNamespace)).append("-");
+    name.append(std::to_string(owner.pid)).append("-").append(std::to_string(owner.startTime)).append("-");
+    return name.append(random.value());
+}
+
+Result<std::string> asideName(std::uint64_t mark) {
+    Result<std::string> name = temporaryName();
+    if (!name.hasValue()) return name;
+    return name.takeValue().append("-").append(hexadecimal(mark));
+}
+
+std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name) {
+    if (name.starts_with(SidecarPrefix)) name.remove_prefix(SidecarPrefix.size());
+    if (!name.starts_with(temporaryNamePrefix)) return std::nullopt;
+    name.remove_prefix(temporaryNamePrefix.size());
+    ParsedTemporaryName parsed;
+    parsed.owner.boot = takePart(name);
+    bool const isWhole = isHexadecimal(parsed.owner.boot) && parse(takePart(name), parsed.owner.pidNamespace) &&
+                         parse(takePart(name), parsed.owner.pid) && parse(takePart(name), parsed.owner.startTime);
+    if (!isWhole) return std::nullopt;
+    std::string_view const random = takePart(name);
+    if (random.size() != RandomDigits || !isHexadecimal(random)) return std::nullopt;
+    if (name.empty()) return parsed;
+    std::uint64_t mark = 0;
+    if (name.size() != MarkDigits || !isHexadecimal(name) || !parse(name, mark, 16)) return std::nullopt;
+    parsed.mark = mark;
+    return parsed;
+}
+
+} // namespace mac

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/system/Result.h"
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mac {
+
+// The names of unfinished files and folders, which tell who made them: so that the leftovers of a process that was
+// killed can be told from what another one is working on. Any thread.
+
+// The process that made an item: ID and start (clock ticks since the system's start) in the namespace of process IDs
+// of that number, since the system's start of that ID. Numbers that the system does not tell are 0.
+struct TemporaryOwner {
+    std::string boot{};
+    std::uint64_t pidNamespace{0};
+    std::int32_t pid{0};
+    std::uint64_t startTime{0};
+
+    // This process.
+    static TemporaryOwner current();
+
+    bool operator==(TemporaryOwner const&) const = default;
+};
+
+enum class OwnerState {
+    Runs,
+    // It has ended, or the system has been started anew since.
+    HasEnded,
+    // It may run on another computer, in a namespace of process IDs that is not ours, or cannot be looked at.
+    Unknown,
+};
+// For an item on a volume that only this computer can write to (or not).
+enum class VolumeSharing { ThisComputerOnly, PerhapsOthers };
+OwnerState stateOf(TemporaryOwner const& owner, VolumeSharing sharing);
+
+inline constexpr std::string_view temporaryNamePrefix = ".framekeeper-";
+
+// A new unguessable name of at most 140 bytes, for an item that goes if this process is killed. Fails if the system has
+// no random numbers.
+Result<std::string> temporaryName();
+// For an item that is moved aside before it is removed. It goes with this process only if it still has the mark, which
+// tells what it is to be.
+Result<std::string> asideName(std::uint64_t mark);
+
+struct ParsedTemporaryName {
+    TemporaryOwner owner{};
+    // Of an item that was moved aside.
+    std::optional<std::uint64_t> mark{};
+};
+// nullopt for names of another form. A "._" before the name does not count.
+std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name);
+
+} // namespace mac

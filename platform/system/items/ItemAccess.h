@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Result.h"
+#include <cstdint>
+#include <vector>
+
+namespace mac {
+
+// Who may do what with an item, taken over by another one. Any thread.
+
+struct ItemAccess {
+    std::uint32_t owner{0};
+    std::uint32_t group{0};
+    // The permission bits. With an access list those of the group are the list's mask.
+    std::uint32_t permissions{0};
+    // The access list in the system's form; empty if there is none.
+    std::vector<std::byte> list{};
+};
+
+// Of an open item of any kind; the list is left out for symbolic links, which have none. O_PATH suffices.
+Result<ItemAccess> accessOf(FileDescriptor const& item);
+// The same where the item is known to have no access list.
+Result<ItemAccess> accessWithoutListOf(FileDescriptor const& item);
+
+// Removes the lists that the folder's default has given a new item, so that permissions given later open none of them.
+Result<void> removeInheritedLists(FileDescriptor const& item);
+
+// Whether the item may have a list from its folder's default.
+enum class InheritedList { MayBeThere, IsRemoved };
+
+// Gives an item, which nobody but its owner may open yet, the owner, group, permissions and list, as far as this user
+// may and the file system can; O_PATH suffices. No user gets more access than `access` gives: without the owner there
+// is no set-user-ID; without the group, neither the group nor others get what the other of the two lacked; where the
+// list cannot be kept, the group gets its own entry in it, cut by the mask, and nobody what an entry of the list
+// denies.
+Result<void> giveAccess(FileDescriptor const& item, ItemAccess const& access, InheritedList inherited);
+
+// Changes the permissions of exactly this item, also if it is open with O_PATH.
+Result<void> setPermissions(FileDescriptor const& item, std::uint32_t permissions);
+
+} // namespace mac

@@ -1,0 +1,105 @@
+#include "platform/system/items/Leftovers.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
+#include "platform/system/items/MountTable.h"
+#include "platform/system/items/TreeRemoval.h"
+#include <algorithm>
+#include <cerrno>
+#include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+// The folders that were looked at, with their modification times then; the latest last.
+class KnownFolders {
+public:
+    bool isUnchanged(ItemStatus const& folder) {
+        std::scoped_lock const guard(m_lock);
+        return std::ranges::any_of(m_folders, [&](ItemStatus const& known) { return isSameState(known, folder); });
+    }
+
+    void remember(ItemStatus const& folder) {
+        constexpr std::size_t most = 64;
+        std::scoped_lock const guard(m_lock);
+        std::erase_if(m_folders,
+                      [&](ItemStatus const& known) { return known.place.identity == folder.place.identity; });
+        if (m_folders.size() == most) m_folders.erase(m_folders.begin());
+        m_folders.push_back(folder);
+    }
+
+private:
+    static bool isSameState(ItemStatus const& one, ItemStatus const& other) {
+        return one.place.identity == other.place.identity &&
+               one.modificationTime.tv_sec == other.modificationTime.tv_sec &&
+               one.modificationTime.tv_nsec == other.modificationTime.tv_nsec;
+    }
+
+    std::mutex m_lock{};
+    std::vector<ItemStatus> m_folders{};
+};
+
+KnownFolders& knownFolders() {
+    static KnownFolders shared;
+    return shared;
+}
+
+VolumeSharing sharingOf(ItemStatus const& folder) {
+    Result<MountTable> const table = MountTable::current();
+    Mount const* const mount = table.hasValue() ? table.value().withId(folder.place.mount) : nullptr;
+    return mount != nullptr && isLocal(*mount) ? VolumeSharing::ThisComputerOnly : VolumeSharing::PerhapsOthers;
+}
+
+// Whether nobody else can have given the name to an item that this user may remove.
+bool isOurs(ItemStatus const& folder, ItemStatus const& item) {
+    std::uint32_t const user = ::geteuid();
+    bool const isSafeFolder = folder.place.owner == user || folder.place.owner == 0;
+    bool const groupMayWrite = (folder.place.mode & S_IWGRP) != 0 && folder.group != ::getegid();
+    bool const othersMayWrite = groupMayWrite || (folder.place.mode & S_IWOTH) != 0;
+    if (!isSafeFolder) return false;
+    if (!othersMayWrite) return true;
+    return (folder.place.mode & S_ISVTX) != 0 && item.place.owner == user;
+}
+
+// False if the item stays.
+bool removeLeftover(FileDescriptor const& folder, ItemStatus const& folderStatus, std::string const& name,
+                    std::optional<std::uint64_t> const& mark) {
+    Result<ItemStatus> const item = statusOf(folder, name);
+    if (!item.hasValue()) return item.problem().is(ENOENT);
+    if (!isOurs(folderStatus, item.value())) return false;
+    if (mark && *mark != markOf(item.value())) return false;
+    Result<void> const removed = removeTree(folder, name, item.value().place.identity, {.makesAccessible = true});
+    return removed.isDone() || removed.problem().is(ENOENT);
+}
+
+} // namespace
+
+std::vector<std::string> removeLeftovers(FileDescriptor const& folder) {
+    Result<ItemStatus> const status = statusOf(folder);
+    if (!status.hasValue() || knownFolders().isUnchanged(status.value())) return {};
+    Result<FileDescriptor> const listed = readableFolder(folder);
+    if (!listed.hasValue()) return {};
+    Result<std::vector<FolderEntry>> const entries = entriesOf(listed.value());
+    if (!entries.hasValue()) return {};
+    knownFolders().remember(status.value());
+    std::vector<std::string> inDoubt;
+    for (FolderEntry const& entry : entries.value()) {
+        std::optional<ParsedTemporaryName> const name = parseTemporaryName(entry.name);
+        if (!name) continue;
+        OwnerState const owner = stateOf(name->owner, sharingOf(status.value()));
+        if (owner == OwnerState::Runs) continue;
+        bool const isGone =
+            owner == OwnerState::HasEnded && removeLeftover(listed.value(), status.value(), entry.name, name->mark);
+        if (!isGone) inDoubt.push_back(entry.name);
+    }
+    return inDoubt;
+}
+
+void leaveFolder(FileDescriptor const& folder) {
+    Result<ItemStatus> const status = statusOf(folder);
+    if (status.hasValue()) knownFolders().remember(status.value());
+}
+
+} // namespace mac

@@ -1,0 +1,214 @@
+#include "platform/system/items/TreeRemoval.h"
+#include "platform/system/ExclusiveRename.h"
+#include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
+#include "platform/system/items/FolderDescent.h"
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr int FolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+
+SystemError stale(std::string const& name) { return {.code = ESTALE, .operation = "unlink", .item = name}; }
+
+Result<void> unlinkName(FileDescriptor const& folder, std::string const& name, int flags) {
+    if (::unlinkat(folder.number(), name.c_str(), flags) == 0) return {};
+    SystemError error = lastSystemError("unlink", name);
+    // Another process has removed it meanwhile.
+    return error.is(ENOENT) ? Result<void>() : error;
+}
+
+struct OpenFolder {
+    FileDescriptor folder{};
+    ItemPlace place{};
+};
+
+// Opens a folder for listing, and lets its owner in where the rules say so.
+Result<OpenFolder> openToEmpty(FileDescriptor const& folder, std::string const& name, RemovalRules const& rules) {
+    OpenFolder opened{.folder = FileDescriptor(::openat(folder.number(), name.c_str(), FolderFlags))};
+    if (!opened.folder.isOpen()) {
+        SystemError error = lastSystemError("open", name);
+        if (!rules.makesAccessible || !error.is(EACCES)) return error;
+        letOwnerIn(folder, name);
+        opened.folder = FileDescriptor(::openat(folder.number(), name.c_str(), FolderFlags));
+        if (!opened.folder.isOpen()) return lastSystemError("open", name);
+    }
+    Result<ItemPlace> const place = placeOf(opened.folder);
+    if (!place.hasValue()) return place.problem();
+    opened.place = place.value();
+    bool const isClosed = (opened.place.mode & S_IRWXU) != S_IRWXU && opened.place.owner == ::geteuid();
+    if (rules.makesAccessible && isClosed) ::fchmod(opened.folder.number(), (opened.place.mode & 07777U) | S_IRWXU);
+    return opened;
+}
+
+// Removes all that is in a folder. Items that are no folders go by their names, without being looked at: whatever has a
+// name in the folder is to go. Only two folders are open, however deep it goes.
+class ContentsRemoval {
+public:
+    ContentsRemoval(FileDescriptor folder, ItemPlace const& place, RemovalRules const& rules)
+        : m_rules(rules), m_start(place), m_folder(std::move(folder)) {}
+
+    Result<void> run();
+
+private:
+    struct Level {
+        ItemPlace place;
+        // The folder's name in the one above.
+        std::string name;
+        std::vector<std::string> folders;
+    };
+
+    void list(ItemPlace const& place, std::string name);
+    void enter(std::string const& name);
+    bool leave();
+    void remove(std::string const& name, int flags);
+    void fail(SystemError const& error);
+
+    RemovalRules const& m_rules;
+    ItemPlace const m_start;
+    FileDescriptor m_folder;
+    std::vector<Level> m_levels{};
+    std::optional<SystemError> m_firstError{};
+    bool m_isCancelled{false};
+};
+
+Result<void> ContentsRemoval::run() {
+    list(m_start, "");
+    while (!m_levels.empty() && !m_isCancelled) {
+        std::vector<std::string>& folders = m_levels.back().folders;
+        if (folders.empty()) {
+            if (!leave()) break;
+            continue;
+        }
+        std::string const next = std::move(folders.back());
+        folders.pop_back();
+        enter(next);
+    }
+    if (m_firstError) return *m_firstError;
+    return {};
+}
+
+// Removes what is no folder, and keeps the names of the folders.
+void ContentsRemoval::list(ItemPlace const& place, std::string name) {
+    m_levels.push_back({.place = place, .name = std::move(name), .folders = {}});
+    if (m_rules.shouldContinue && !m_rules.shouldContinue()) return fail({.code = ECANCELED, .operation = "unlink"});
+    Result<std::vector<FolderEntry>> entries = entriesOf(m_folder);
+    if (!entries.hasValue()) return fail(entries.problem());
+    // In the order in which they lie on the disk.
+    std::ranges::sort(entries.value(), {}, &FolderEntry::inode);
+    for (FolderEntry& entry : entries.value()) {
+        if (entry.kind == FolderEntry::Kind::Folder)
+            m_levels.back().folders.push_back(std::move(entry.name));
+        else
+            remove(entry.name, 0);
+    }
+}
+
+void ContentsRemoval::enter(std::string const& name) {
+    Result<OpenFolder> opened = openToEmpty(m_folder, name, m_rules);
+    if (!opened.hasValue()) {
+        // A folder that may not be listed can be empty.
+        bool const isGone =
+            opened.problem().is(ENOENT) || ::unlinkat(m_folder.number(), name.c_str(), AT_REMOVEDIR) == 0;
+        return isGone ? void() : fail(opened.problem());
+    }
+    ItemPlace const& place = opened.value().place;
+    if (place.mount != m_start.mount) return fail({.code = EBUSY, .operation = "open", .item = name});
+    m_folder = std::move(opened.value().folder);
+    list(place, name);
+}
+
+// Goes back into the very folder that the removal came from, and no other.
+bool ContentsRemoval::leave() {
+    Level const level = std::move(m_levels.back());
+    m_levels.pop_back();
+    if (m_levels.empty()) return true;
+    FileDescriptor above(::openat(m_folder.number(), "..", FolderFlags));
+    Result<ItemPlace> const place =
+        above.isOpen() ? placeOf(above) : Result<ItemPlace>(lastSystemError("open", level.name));
+    if (!place.hasValue() || !(place.value().identity == m_levels.back().place.identity)) {
+        fail(place.hasValue() ? stale(level.name) : place.problem());
+        return false;
+    }
+    m_folder = std::move(above);
+    remove(level.name, AT_REMOVEDIR);
+    return true;
+}
+
+void ContentsRemoval::remove(std::string const& name, int flags) {
+    Result<void> const removed = unlinkName(m_folder, name, flags);
+    if (removed.isDone()) return;
+    // The system did not tell that it is a folder.
+    if (flags == 0 && removed.problem().is(EISDIR)) return m_levels.back().folders.push_back(name);
+    fail(removed.problem());
+}
+
+void ContentsRemoval::fail(SystemError const& error) {
+    if (!m_firstError) m_firstError = error;
+    m_isCancelled = m_isCancelled || error.is(ECANCELED);
+}
+
+void tell(RemovalSteps const& steps, RemovalStep step) {
+    if (steps) steps(step);
+}
+
+} // namespace
+
+Result<void> removeTree(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
+                        RemovalRules const& rules) {
+    Result<ItemStatus> const status = statusOf(folder, name);
+    if (!status.hasValue()) return status.problem();
+    ItemPlace const& place = status.value().place;
+    if (!(place.identity == expected)) return stale(name);
+    Result<ItemPlace> const above = placeOf(folder);
+    if (!above.hasValue()) return above.problem();
+    if (place.mount != above.value().mount) return SystemError{.code = EBUSY, .operation = "unlink", .item = name};
+    if (!place.isFolder) return removeExactly(folder, name, status.value());
+    Result<OpenFolder> opened = openToEmpty(folder, name, rules);
+    if (!opened.hasValue()) {
+        // A folder that may not be listed can be empty.
+        bool const isGone = opened.problem().is(EACCES) && removeExactly(folder, name, status.value()).isDone();
+        return isGone ? Result<void>() : opened.problem();
+    }
+    if (!(opened.value().place.identity == expected)) return stale(name);
+    Result<void> const isEmpty = ContentsRemoval(std::move(opened.value().folder), place, rules).run();
+    if (!isEmpty.isDone()) return isEmpty;
+    Result<ItemStatus> const emptied = statusOf(folder, name);
+    if (!emptied.hasValue()) return emptied.problem();
+    return emptied.value().place.identity == expected ? removeExactly(folder, name, emptied.value()) : stale(name);
+}
+
+Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
+                           RemovalSteps const& steps) {
+    std::uint64_t const mark = markOf(expected);
+    Result<std::string> const aside = asideName(mark);
+    if (!aside.hasValue()) return aside.problem();
+    tell(steps, RemovalStep::Checked);
+    if (Result<void> const moved = renameWithoutReplacing(folder, name, folder, aside.value()); !moved.isDone()) {
+        // Folders of a lower layer cannot be renamed; the system itself removes none that holds anything.
+        bool const isLayered = moved.problem().is(EXDEV) && expected.place.isFolder;
+        return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : moved;
+    }
+    tell(steps, RemovalStep::MovedAside);
+    Result<ItemStatus> const found = statusOf(folder, aside.value());
+    if (!found.hasValue()) return found.problem();
+    bool const isExpected = found.value().place.identity == expected.place.identity && markOf(found.value()) == mark;
+    SystemError problem = stale(name);
+    if (isExpected) {
+        Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
+        if (removed.isDone()) return {};
+        problem = {.code = removed.problem().code, .operation = "unlink", .item = name};
+    }
+    // Another item, or a folder that has been filled.
+    Result<void> const isBack = renameWithoutReplacing(folder, aside.value(), folder, name);
+    if (!isBack.isDone()) problem.item = aside.value();
+    return problem;
+}
+
+} // namespace mac

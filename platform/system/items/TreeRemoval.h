@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/ItemStatus.h"
+#include <functional>
+
+namespace mac {
+
+// Removal of whole items. Any thread.
+
+struct RemovalRules {
+    // Folders of this user that cannot be listed or changed are made accessible by their permissions.
+    bool makesAccessible{false};
+    // Asked once for each folder; the removal ends with ECANCELED once it answers false. If empty, it continues.
+    std::function<bool()> shouldContinue{};
+};
+
+// Removes the item of a name in an open folder if it is the expected one (else ESTALE), and before it all items below
+// it, to any depth. Symbolic links are not followed; a mount point is neither entered nor removed (EBUSY). Goes on
+// after a failure and answers the first one; what is not empty stays.
+Result<void> removeTree(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
+                        RemovalRules const& rules = {});
+
+enum class RemovalStep {
+    // The name leads to an item in the expected state; it is moved aside next.
+    Checked,
+    // The item has an unguessable name; whether it is still the same is checked next.
+    MovedAside,
+};
+// Called after each step; empty in the product. For tests of what happens between steps.
+using RemovalSteps = std::function<void(RemovalStep)>;
+
+// Removes one item that is no folder, or an empty folder, and no other one that takes its name meanwhile: the item is
+// moved aside, looked at and only then removed. ESTALE if it was another one, which gets its name back; if that is
+// taken, it keeps the name that the error tells.
+Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
+                           RemovalSteps const& steps = {});
+
+} // namespace mac
