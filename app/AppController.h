@@ -80,6 +80,24 @@ public:
     void syncIsAutolaunched() const;
     void syncIsInToolbar() const;
 
+    // The login items: dictionaries of "Hide", "Path" and "AliasData", and whatever else other programs put there. Read
+    // anew; an empty array if there are none. What cannot be read is a beep and a line in the log.
+    NSArray readAllAutolaunchItems() const;
+    // Whether all was written.
+    bool writeAllAutolaunchItems_(NSArray const& items) const;
+    // The first entry whose path, as it stands there, is that of a copy; nil if there is none.
+    NSDictionary autoLaunchedApplicationsAnyMirrorFrameEntry_(NSArray const& entries) const;
+    bool hasAutoLaunchedApplicationsEntry_(NSArray const& entries) const;
+    // Makes the copy of the one selected record the one that starts at log-in, in place of all others. A beep and a
+    // line in the log if it does not exist, or the list cannot be written.
+    void addToAutoLaunchAction_(id const& sender) const;
+    // Removes the login item of the one selected record; a beep and a line in the log if it is not, or no longer, in
+    // the list as last read.
+    void unAutoLaunchAction_(id const& sender) const;
+    // Shows the settings where the login items are managed by hand, and the desktop's question whether to log out.
+    void showAccountsAction_(id const& sender) const;
+    void logOutAction_(id const& sender) const;
+
     // The query's notifications. The inventory follows the query only while it gathers: the last two do nothing.
     void queryDidStart_(NSNotification const& notification) const;
     void queryGatheringProgress_(NSNotification const& notification) const;

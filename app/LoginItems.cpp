@@ -1,11 +1,132 @@
 #include "app/AppController.h"
+#include "app/MembershipSources.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/preferences/CFPreferences.h"
+#include "scripting/AppleScriptExecution.h"
 
 namespace framekeeper {
 
-// No source of login items is connected yet, so none is known.
+namespace {
+
+constexpr char LoginItemsKey[] = "AutoLaunchedApplicationDictionary";
+constexpr char LoginItemsDomain[] = "loginwindow";
+
+bool synchronizeLoginItems() {
+    return CFPreferencesSynchronize(LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+}
+
+void beepAndLog(NSString const& text) {
+    NSBeep();
+    NSLog("%@", text);
+}
+
+bool isCopy(NSString const& path) {
+    return path.length() > 0 && path.lastPathComponent().caseInsensitiveCompare_(CompanionFileName) == NSOrderedSame;
+}
+
+// As it stands in the entry; nil for an element that is no entry with such a path.
+NSString pathInEntry(id const& entry) { return as<NSString>(as<NSDictionary>(entry).objectForKey_("Path")); }
+
+// nil unless the entry names a copy of the companion.
+NSString pathOfCopy(id const& entry) {
+    NSString const path = pathInEntry(entry).stringByStandardizingPath();
+    return isCopy(path) ? path : NSString();
+}
+
+NSDictionary newLoginItem(NSString const& path) {
+    return NSDictionary::dictionaryWithObjectsAndKeys_(
+        {NSNumber::numberWithBool_(NO), "Hide", path.stringByAbbreviatingWithTildeInPath(), "Path"});
+}
+
+} // namespace
+
+NSArray AppController::readAllAutolaunchItems() const {
+    if (*this == nil) return nil;
+    if (!synchronizeLoginItems()) beepAndLog("Error: CFPreferencesSynchronize");
+    id const value =
+        CFPreferencesCopyValue(LoginItemsKey, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    return value == nil ? NSArray::array() : as<NSArray>(value);
+}
+
+bool AppController::writeAllAutolaunchItems_(NSArray const& items) const {
+    if (*this == nil) return false;
+    CFPreferencesSetValue(LoginItemsKey, items, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    return synchronizeLoginItems();
+}
+
+NSDictionary AppController::autoLaunchedApplicationsAnyMirrorFrameEntry_(NSArray const& entries) const {
+    if (*this == nil) return nil;
+    for (id const& entry : entries) {
+        if (isCopy(pathInEntry(entry))) return as<NSDictionary>(entry);
+    }
+    return nil;
+}
+
+bool AppController::hasAutoLaunchedApplicationsEntry_(NSArray const& entries) const {
+    return autoLaunchedApplicationsAnyMirrorFrameEntry_(entries) != nil;
+}
+
 void AppController::syncIsAutolaunched() const {
-    setAllAutolaunchItems_(NSArray::array());
-    setIsAutolaunchedPaths_(NSSet::set());
+    if (*this == nil) return;
+    NSArray const items = readAllAutolaunchItems();
+    setAllAutolaunchItems_(items);
+    NSMutableSet const entries = NSMutableSet::set();
+    for (id const& item : items) {
+        NSString const path = pathOfCopy(item);
+        if (path == nil) continue;
+        entries.addObject_(NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", item, "autolaunchItem"}));
+    }
+    setIsAutolaunchedPaths_(entries);
+}
+
+void AppController::addToAutoLaunchAction_(id const&) const {
+    NSArray const selected = pathsArrayController().selectedObjects();
+    if (selected.count() != 1) return;
+    id const record = selected.objectAtIndex_(0);
+    NSMutableArray const items = NSMutableArray::arrayWithArray_(allAutolaunchItems());
+    NSMutableArray const copies = NSMutableArray::array();
+    for (id const& item : items) {
+        if (pathOfCopy(item) != nil) copies.addObject_(item);
+    }
+    items.removeObjectsInArray_(copies);
+    NSString const path = as<NSString>(record.valueForKey_("path"));
+    bool const exists = as<NSNumber>(record.valueForKey_("exists")).boolValue() && path != nil;
+    if (exists) items.addObject_(newLoginItem(path));
+    if (!exists || !writeAllAutolaunchItems_(NSArray::arrayWithArray_(items))) {
+        beepAndLog("ERROR: Could not add as Login Item.");
+        return;
+    }
+    syncIsAutolaunched();
+    reSync();
+}
+
+void AppController::unAutoLaunchAction_(id const&) const {
+    NSArray const selected = pathsArrayController().selectedObjects();
+    if (selected.count() != 1) return;
+    id const item = selected.objectAtIndex_(0).valueForKey_("autolaunchItem");
+    NSMutableArray const items = NSMutableArray::arrayWithArray_(allAutolaunchItems());
+    NSUInteger const index = item == nil ? NSUInteger{NSNotFound} : items.indexOfObjectIdenticalTo_(item);
+    if (index == NSNotFound) {
+        beepAndLog("Item is not auto-launched.");
+        return;
+    }
+    items.removeObjectAtIndex_(index);
+    if (!writeAllAutolaunchItems_(NSArray::arrayWithArray_(items))) beepAndLog("Could remove auto-launch entry.");
+    syncIsAutolaunched();
+    reSync();
+}
+
+void AppController::showAccountsAction_(id const&) const {
+    if (*this == nil) return;
+    pxExecuteAsAppleScript(
+        NSString("tell application \"System Preferences\"\nactivate\nset current pane to pane \"Accounts\"\nend tell"));
+}
+
+void AppController::logOutAction_(id const&) const {
+    if (*this == nil) return;
+    pxExecuteAsAppleScript(NSString("tell application \"System Events\" to log out"));
 }
 
 } // namespace framekeeper

@@ -1,9 +1,11 @@
 #include "platform/system/FileWriting.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac {
@@ -22,6 +24,10 @@ struct Place {
 };
 
 SystemError refusal(int code, std::string const& name) { return {.code = code, .operation = "replace", .item = name}; }
+
+Result<void> outcomeOf(Result<FileDescriptor> const& opened) {
+    return opened.hasValue() ? Result<void>() : opened.problem();
+}
 
 Result<Place> placeOf(std::string const& path) {
     SplitPath parts = splitPath(path);
@@ -136,6 +142,23 @@ Result<void> overwriteFileAtPath(std::string const& path, std::span<std::byte co
                                        O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, UsualMode));
     if (!file.isOpen()) return lastSystemError("open", path);
     return writeAll(file, bytes);
+}
+
+Result<void> makeFolderAtPath(std::string_view path) {
+    Result<FileDescriptor> const there = openPath(path, O_PATH | O_DIRECTORY);
+    if (there.hasValue() || !there.problem().is(ENOENT)) return outcomeOf(there);
+    BytePath const folder(path);
+    if (folder.leaf().empty()) return there.problem();
+    std::string_view const above = folder.parent().empty() ? "." : folder.parent();
+    Result<void> const made = makeFolderAtPath(above);
+    if (!made.isDone()) return made;
+    Result<FileDescriptor> const parent = openPath(above, O_PATH | O_DIRECTORY);
+    if (!parent.hasValue()) return parent.problem();
+    std::string const name(folder.leaf());
+    if (::mkdirat(parent.value().number(), name.c_str(), S_IRWXU) == 0) return flushFolder(parent.value());
+    SystemError error = lastSystemError("mkdir", path);
+    // Another process was quicker.
+    return error.is(EEXIST) ? outcomeOf(openPath(path, O_PATH | O_DIRECTORY)) : error;
 }
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/system/LongPath.h"
 #include <functional>
 #include <span>
+#include <string_view>
 
 namespace mac {
 
@@ -39,5 +40,9 @@ Result<void> replaceFileInFolder(FileDescriptor const& folder, std::string const
 // Truncates the file and writes it in place; its old bytes are lost also if that fails. Never blocks: a pipe without
 // reader is a failure.
 Result<void> overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes);
+
+// Makes the folder, and those above it that are missing, for this user alone. Also done if it exists already; fails
+// with ENOTDIR if another kind of item has its path.
+Result<void> makeFolderAtPath(std::string_view path);
 
 } // namespace mac

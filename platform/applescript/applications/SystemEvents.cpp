@@ -3,6 +3,7 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/desktop/LogOut.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
@@ -12,6 +13,8 @@
 namespace mac::applescript {
 
 namespace {
+
+constexpr std::int32_t MayNotDoThat = -10004;
 
 // The user who runs this program.
 class CurrentUser final : public ModelObject {
@@ -153,17 +156,28 @@ protected:
             // It is always there, without a window.
             return Value();
         case eventOf("fndrlogo"):
+            return logOut();
         case eventOf("fndrrest"):
         case eventOf("fndrshut"):
         case eventOf("fndrslep"):
-            // Linux: nothing here speaks for the session.
-            throw plainError(-10004);
+            // Linux: only the log-out has the desktop ask.
+            throw plainError(MayNotDoThat);
         default:
             return {};
         }
     }
 
 private:
+    // The user is asked, and may still cancel.
+    static Value logOut() {
+        DesktopOutcome const asked = askToLogOut();
+        if (asked.isDone()) return {};
+        DesktopProblem const& problem = asked.problem();
+        bool const isLate = problem.kind == DesktopProblem::Kind::NoAnswer;
+        throw ScriptError{.number = isLate ? errors::TimedOut : MayNotDoThat,
+                          .message = unitsFromFileSystemBytes(problem.text + ".")};
+    }
+
     // Linux: login items are not looked up here, and other things are the Finder's to make.
     static Value make(ApplicationCommand const& command) {
         Value const* const named = command.find(codeOf("kocl"));

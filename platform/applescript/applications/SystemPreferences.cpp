@@ -4,6 +4,7 @@
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/TermTable.h"
+#include "platform/desktop/Desktops.h"
 #include <algorithm>
 #include <array>
 
@@ -15,14 +16,14 @@ namespace {
 
 constexpr std::int32_t CannotStartPreferences = -10810;
 
-// How one desktop shows a pane: words of a command line, divided by blanks.
+// How each desktop shows a pane: words of a command line, divided by blanks.
 struct Pane {
     std::u16string_view name;
     std::u16string_view identifier;
     std::array<char const*, 4> commands;
 };
 
-// Of GNOME, Plasma, Xfce and Cinnamon.
+// The commands are in the order of SettingsPanes.
 constexpr auto Panes = std::to_array<Pane>({
     {u"Accounts",
      u"com.apple.preferences.users",
@@ -70,8 +71,12 @@ constexpr auto Panes = std::to_array<Pane>({
      {"gnome-control-center sound", "systemsettings kcm_pulseaudio", "pavucontrol", "cinnamon-settings sound"}},
 });
 
-constexpr auto Programs = std::to_array<char const*>(
-    {"gnome-control-center", "systemsettings", "xfce4-settings-manager", "cinnamon-settings"});
+constexpr auto Programs =
+    std::to_array<char const*>({"gnome-control-center", "systemsettings", "xfce4-settings-manager", "cinnamon-settings",
+                                "lxqt-config", "mate-control-center", "budgie-control-center"});
+
+// Where a script finds the login items; the desktops have a page of their own for them.
+constexpr std::u16string_view AccountsPane = u"Accounts";
 
 constexpr auto PreferencesClasses = std::to_array<ClassTerm>({
     {u"pane", u"panes", codeOf("xppb")},
@@ -104,10 +109,25 @@ std::vector<std::string> wordsOf(std::string_view command) {
 
 ScriptError cannotRun() { return plainError(CannotStartPreferences); }
 
-void startFirst(std::span<char const* const> commands) {
-    for (char const* const command : commands)
-        if (startProgram(wordsOf(command))) return;
-    throw cannotRun();
+bool startOneOf(std::span<char const* const> commands) {
+    return std::ranges::any_of(
+        commands, [](char const* command) { return command && *command && startProgram(wordsOf(command)); });
+}
+
+// The current desktop's program before those of others that may be installed.
+void startSettings() {
+    DesktopKind const* const desktop = currentDesktopKind();
+    bool const isStarted = (desktop && startOneOf({&desktop->settingsProgram, 1})) || startOneOf(Programs);
+    if (!isStarted) throw cannotRun();
+}
+
+void startPane(Pane const& pane) {
+    DesktopKind const* const desktop = currentDesktopKind();
+    if (desktop && pane.name == AccountsPane && startOneOf(desktop->autostartPages)) return;
+    auto const column = static_cast<std::size_t>(desktop ? desktop->panes : SettingsPanes::None);
+    bool const isStarted =
+        (column < pane.commands.size() && startOneOf({&pane.commands[column], 1})) || startOneOf(pane.commands);
+    if (!isStarted) throw cannotRun();
 }
 
 class PaneObject final : public ModelObject {
@@ -153,7 +173,7 @@ Pane const*& shownPane() {
 }
 
 void show(Pane const& pane) {
-    startFirst(pane.commands);
+    startPane(pane);
     shownPane() = &pane;
 }
 
@@ -216,7 +236,7 @@ protected:
         case eventOf("ascrnoop"):
         case eventOf("aevtoapp"):
         case eventOf("aevtrapp"):
-            startFirst(Programs);
+            startSettings();
             return Value();
         case eventOf("miscmvis"):
             show(paneOf(command.direct, evaluator.context()));

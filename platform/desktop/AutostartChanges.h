@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/desktop/Autostart.h"
+#include "platform/desktop/AutostartText.h"
+#include <cstddef>
+
+namespace mac {
+
+// Changes of the user's folder of autostart entries. Files that were not read are never touched, those of other
+// programs never rewritten; each file is there whole or not at all. For implementations; main thread.
+
+// What it takes to put an item back.
+struct RemovedAutostart {
+    std::string fileName{};
+    // The user's file that was removed, by its bytes; nullopt for a symbolic link or an entry of the system.
+    std::optional<std::vector<std::byte>> bytes{};
+    // The text of the user's symbolic link that was removed.
+    std::optional<std::string> linkText{};
+    // The file that hides the system's entry of that name; nullopt if none was needed.
+    std::optional<FileStatus> mask{};
+};
+
+// Adds an entry under a name that no item has in any of the folders. Answers the name.
+Result<std::string> addAutostart(NewAutostartEntry const& entry);
+
+// Removes the user's file and hides the system's entry of its name, if one would start a program then. Fails with
+// ESTALE or EAGAIN if the item is no longer as it was read; then nothing is changed.
+Result<RemovedAutostart> removeAutostart(AutostartItem const& item);
+
+// Puts the very file back and removes what hides the system's entry. Where another item took the file's name, it gets a
+// new one. Answers the name. Fails with ESTALE if what hides the system's entry was changed.
+Result<std::string> restoreAutostart(RemovedAutostart const& removed);
+
+} // namespace mac

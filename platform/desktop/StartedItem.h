@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace mac {
+
+// What the command line of a desktop entry starts (its Exec, with the escapes of the file resolved): the path of the
+// bundle NAME.app that its program lies in, else that of the program, else the program's name as it stands. Empty for a
+// command line without words or with a quote that does not end.
+//
+// Quotes are read as the standard has them and as shells do. A program that starts another one (env, nice, sh -c, an
+// interpreter) is looked through, and so are symbolic links to a program in a bundle. Reads nothing but the file
+// system's names; how many is bounded. Bytes; for implementations, any thread.
+std::string itemStartedBy(std::string_view commandLine);
+
+// The bundle that the path leads into: "/a/NAME.app" for "/a/NAME.app/Contents/Linux/name". Of bundles in each other
+// the innermost. Empty for a path that lies in no bundle, also for the bundle's own.
+std::string_view bundleAround(std::string_view path);
+
+// The launcher of entries whose program has a path that not every desktop reads alike: it takes the path of the bundle
+// or program as pairs of hexadecimal digits. The path of the launcher, in the build's folder for a program of that
+// folder, else where it is installed.
+std::string loginLauncherPath();
+inline constexpr char LoginLauncherName[] = "framekeeper-login";
+
+} // namespace mac

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/desktop/AutostartChanges.h"
+#include "platform/foundation/NSDictionary.h"
+
+namespace mac {
+
+// Login items as the desktop's autostart entries, and back. Main thread.
+
+// A new dictionary of what the item starts.
+NSDictionary loginItemOf(AutostartItem const& item);
+
+// Whether the element is a dictionary whose "Path" an autostart entry can start.
+bool hasEntryForm(id const& element);
+
+// REQUIRES: hasEntryForm(item).
+NewAutostartEntry newEntryFor(NSDictionary const& item, unsigned long order);
+
+// The order that puts a new own entry behind all others.
+unsigned long nextLoginItemOrder();
+
+} // namespace mac

@@ -1,0 +1,215 @@
+#include "platform/preferences/LoginItemsStore.h"
+#include "platform/preferences/LoginItemEntries.h"
+#include "platform/system/BytePath.h"
+#include <algorithm>
+#include <cerrno>
+#include <deque>
+#include <optional>
+#include <utility>
+
+namespace mac {
+
+namespace {
+
+// How many removed items can be put back.
+constexpr std::size_t MostRemoved = 100;
+
+struct ReadItem {
+    NSDictionary object{};
+    AutostartItem item{};
+};
+
+struct RemovedItem {
+    NSDictionary object{};
+    RemovedAutostart entry{};
+};
+
+// What this process knows of the list.
+struct KnownLoginItems {
+    // As last read or written.
+    std::vector<ReadItem> items{};
+    NSArray kept{NSArray::array()};
+    // The last one removed first.
+    std::deque<RemovedItem> removed{};
+};
+
+KnownLoginItems& knownLoginItems() {
+    static KnownLoginItems known;
+    return known;
+}
+
+// Takes the member that the test accepts out of the list.
+template <class List, class Test>
+auto taken(List& list, Test const& test) -> std::optional<typename List::value_type> {
+    auto const found = std::ranges::find_if(list, test);
+    if (found == list.end()) return std::nullopt;
+    typename List::value_type member = std::move(*found);
+    list.erase(found);
+    return member;
+}
+
+// What is to be done for an array of items.
+struct Plan {
+    NSMutableArray kept{NSMutableArray::array()};
+    std::vector<ReadItem> staying{};
+    std::vector<ReadItem> removals{};
+    std::vector<RemovedItem> restorations{};
+    std::vector<NSDictionary> additions{};
+};
+
+// Another program removed it since it was read.
+bool isGone(ReadItem const& read) {
+    Result<FileStatus> const status = fileStatusAtPath(BytePath(read.item.folder).joined(read.item.fileName));
+    return !status.hasValue() && status.problem().is(ENOENT);
+}
+
+// Elements that are the very objects read come first, then equal ones, so that each of several equal entries is told
+// from the others as far as possible.
+Plan planFor(NSArray const& items, KnownLoginItems const& known) {
+    Plan plan{.removals = known.items};
+    std::deque<RemovedItem> removed = known.removed;
+    std::vector<id> others;
+    for (id const& element : items) {
+        std::optional<ReadItem> same =
+            taken(plan.removals, [&](ReadItem const& read) { return isSame(read.object, element); });
+        if (same)
+            plan.staying.push_back(*std::move(same));
+        else
+            others.push_back(element);
+    }
+    std::erase_if(plan.removals, isGone);
+    for (id const& element : others) {
+        std::optional<ReadItem> equal =
+            taken(plan.removals, [&](ReadItem const& read) { return read.object.isEqual_(element); });
+        if (equal) {
+            plan.staying.push_back(*std::move(equal));
+            continue;
+        }
+        if (known.kept.containsObject_(element)) {
+            plan.kept.addObject_(element);
+            continue;
+        }
+        std::optional<RemovedItem> before =
+            taken(removed, [&](RemovedItem const& item) { return item.object.isEqual_(element); });
+        if (before)
+            plan.restorations.push_back(*std::move(before));
+        else if (hasEntryForm(element))
+            plan.additions.push_back(as<NSDictionary>(element));
+        else
+            plan.kept.addObject_(element);
+    }
+    return plan;
+}
+
+// Carries a plan out: what is new first, so that a failure costs no entry.
+class LoginItemChange {
+public:
+    explicit LoginItemChange(Plan const& plan) : m_plan(plan) {}
+
+    // False if a step failed; then the steps before it are taken back.
+    bool carryOut();
+    // The names of the entries that were added or restored, and what was removed.
+    std::vector<std::pair<NSDictionary, std::string>> takeNames() { return std::move(m_names); }
+    std::vector<RemovedItem> takeRemoved() { return std::move(m_removed); }
+
+private:
+    bool restore();
+    bool add();
+    bool remove();
+    void takeBack();
+
+    Plan const& m_plan;
+    std::vector<std::pair<NSDictionary, std::string>> m_names{};
+    std::vector<RemovedItem> m_removed{};
+};
+
+bool LoginItemChange::restore() {
+    return std::ranges::all_of(m_plan.restorations, [&](RemovedItem const& item) {
+        Result<std::string> const name = restoreAutostart(item.entry);
+        if (name.hasValue()) m_names.emplace_back(item.object, name.value());
+        return name.hasValue();
+    });
+}
+
+bool LoginItemChange::add() {
+    unsigned long order = nextLoginItemOrder();
+    return std::ranges::all_of(m_plan.additions, [&](NSDictionary const& item) {
+        Result<std::string> const name = addAutostart(newEntryFor(item, order++));
+        if (name.hasValue()) m_names.emplace_back(item, name.value());
+        return name.hasValue();
+    });
+}
+
+bool LoginItemChange::remove() {
+    return std::ranges::all_of(m_plan.removals, [&](ReadItem const& read) {
+        Result<RemovedAutostart> removed = removeAutostart(read.item);
+        // Another program was quicker.
+        if (!removed.hasValue()) return removed.problem().is(ENOENT);
+        m_removed.push_back({read.object, removed.takeValue()});
+        return true;
+    });
+}
+
+// What cannot be taken back stays: the next read shows it.
+void LoginItemChange::takeBack() {
+    for (RemovedItem const& item : m_removed)
+        (void)restoreAutostart(item.entry);
+    AutostartItems const now = autostartItems();
+    for (auto const& [object, name] : m_names) {
+        auto const added = std::ranges::find(now.items, name, &AutostartItem::fileName);
+        if (added != now.items.end()) (void)removeAutostart(*added);
+    }
+}
+
+bool LoginItemChange::carryOut() {
+    if (restore() && add() && remove()) return true;
+    takeBack();
+    return false;
+}
+
+// What was just written, as it would be read: so writing the same array again changes nothing.
+std::vector<ReadItem> itemsNamed(std::vector<std::pair<NSDictionary, std::string>> const& names) {
+    std::vector<ReadItem> items;
+    AutostartItems const now = autostartItems();
+    for (auto const& [object, name] : names) {
+        auto const found = std::ranges::find(now.items, name, &AutostartItem::fileName);
+        if (found != now.items.end()) items.push_back({object, *found});
+    }
+    return items;
+}
+
+} // namespace
+
+NativeItems readLoginItems(NSArray const& kept) {
+    KnownLoginItems& known = knownLoginItems();
+    AutostartItems found = autostartItems();
+    known.items.clear();
+    known.kept = kept;
+    NSMutableArray const foreign = NSMutableArray::array();
+    NSMutableArray const own = NSMutableArray::array();
+    for (AutostartItem& item : found.items) {
+        NSDictionary const object = loginItemOf(item);
+        (item.entry.own ? own : foreign).addObject_(object);
+        known.items.push_back({object, std::move(item)});
+    }
+    return {foreign.arrayByAddingObjectsFromArray_(kept).arrayByAddingObjectsFromArray_(own), found.isComplete};
+}
+
+NativeWriting writeLoginItems(NSArray const& items) {
+    KnownLoginItems& known = knownLoginItems();
+    Plan plan = planFor(items, known);
+    LoginItemChange change(plan);
+    if (!change.carryOut()) return {.kept = known.kept, .isDone = false};
+    known.items = std::move(plan.staying);
+    std::ranges::move(itemsNamed(change.takeNames()), std::back_inserter(known.items));
+    for (RemovedItem const& restored : plan.restorations) {
+        (void)taken(known.removed, [&](RemovedItem const& item) { return isSame(item.object, restored.object); });
+    }
+    for (RemovedItem& removed : change.takeRemoved())
+        known.removed.push_front(std::move(removed));
+    if (known.removed.size() > MostRemoved) known.removed.resize(MostRemoved);
+    known.kept = plan.kept;
+    return {.kept = plan.kept};
+}
+
+} // namespace mac

@@ -1,0 +1,105 @@
+#include "platform/preferences/Preferences.h"
+#include "platform/preferences/PreferenceFile.h"
+#include <algorithm>
+
+namespace mac {
+
+namespace {
+
+// The elements that the file has for a native store; nil if the value is no array.
+NSArray keptElements(NSDictionary const& values, NSString const& key) {
+    id const value = values.objectForKey_(key);
+    return value == nil ? NSArray::array() : as<NSArray>(value);
+}
+
+NSString keyOf(NativeStore const& store) { return NSString::stringWithUTF8String_(store.key); }
+
+void putValue(NSMutableDictionary const& values, NSString const& key, id const& value) {
+    if (value == nil)
+        values.removeObjectForKey_(key);
+    else
+        values.setObject_forKey_(value, key);
+}
+
+// nil for an empty array, which is no value.
+id valueOf(NSArray const& items) { return items.count() > 0 ? id(items) : id(); }
+
+// The caller may change its array later.
+id copied(id const& value) {
+    NSArray const array = as<NSArray>(value);
+    return array == nil ? value : id(NSArray::arrayWithArray_(array));
+}
+
+} // namespace
+
+NativeStore const* Preferences::storeOf(PreferenceDomain const& domain, NSString const& key) const {
+    for (NativeStore const& store : m_stores) {
+        if (store.domain == domain.nativeName && keyOf(store).isEqualToString_(key)) return &store;
+    }
+    return nullptr;
+}
+
+Preferences::Known& Preferences::readDomain(PreferenceDomain const& domain) {
+    Known& known = m_known[domain.file];
+    if (known.values != nil) return known;
+    Result<NSDictionary> const file = PreferenceFile(domain.file).read();
+    known.isComplete = file.hasValue();
+    NSMutableDictionary const values =
+        NSMutableDictionary::dictionaryWithDictionary_(file.hasValue() ? file.value() : NSDictionary::dictionary());
+    for (NativeStore const& store : m_stores) {
+        NSArray const kept = keptElements(values, keyOf(store));
+        if (store.domain != domain.nativeName || kept == nil) continue;
+        NativeItems const native = store.read(kept);
+        known.isComplete = known.isComplete && native.isComplete;
+        putValue(values, keyOf(store), valueOf(native.items));
+    }
+    known.values = values;
+    return known;
+}
+
+id Preferences::value(PreferenceDomain const& domain, NSString const& key) {
+    Known const& known = readDomain(domain);
+    for (Change const& change : known.changes) {
+        if (change.key.isEqualToString_(key)) return change.value;
+    }
+    return known.values.objectForKey_(key);
+}
+
+void Preferences::setValue(PreferenceDomain const& domain, NSString const& key, id const& value) {
+    std::vector<Change>& changes = m_known[domain.file].changes;
+    std::erase_if(changes, [&](Change const& change) { return change.key.isEqualToString_(key); });
+    changes.push_back({NSString::stringWithString_(key), copied(value)});
+}
+
+NSDictionary Preferences::changedValues(PreferenceDomain const& domain, Known const& known,
+                                        NSDictionary const& values) const {
+    NSMutableDictionary const changed = NSMutableDictionary::dictionaryWithDictionary_(values);
+    for (Change const& change : known.changes) {
+        NativeStore const* const store = storeOf(domain, change.key);
+        if (!store) {
+            putValue(changed, change.key, change.value);
+            continue;
+        }
+        NSArray const items = change.value == nil ? NSArray::array() : as<NSArray>(change.value);
+        if (items == nil || keptElements(values, change.key) == nil) return nil;
+        NativeWriting const written = store->write(items);
+        if (!written.isDone) return nil;
+        putValue(changed, change.key, valueOf(written.kept));
+    }
+    return changed;
+}
+
+bool Preferences::synchronize(PreferenceDomain const& domain) {
+    Known& known = m_known[domain.file];
+    if (known.changes.empty()) {
+        known.values = nil;
+        return readDomain(domain).isComplete;
+    }
+    Result<void> const written = PreferenceFile(domain.file).change([&](NSDictionary const& values) {
+        return changedValues(domain, known, values);
+    });
+    known = {};
+    return written.isDone();
+}
+
+} // namespace mac
