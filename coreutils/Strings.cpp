@@ -81,14 +81,7 @@ NSString pxUUID() { return CFUUIDCreateString(kCFAllocatorDefault, CFUUIDCreate(
 
 int pxChecksum(NSData receiver) {
     if (receiver == nil) return 0;
-    // The shifts keep the sign, so the sum is folded as a signed number.
-    std::uint32_t const sum = sumOf(receiver);
-    auto const carry = [](std::uint32_t value) {
-        return static_cast<std::uint32_t>(static_cast<std::int32_t>(value) >> 16);
-    };
-    std::uint32_t folded = carry(sum) + (sum & 0xFFFF);
-    folded += carry(folded);
-    return static_cast<int>(~folded & 0xFFFF);
+    return checksumOfWordSum(sumOf(receiver));
 }
 
 NSString pxFormattedStringWithSize_(std::uint64_t size) {

@@ -3,6 +3,7 @@
 #include "pathutils/PathRelations.h"
 #include "platform/files/VolumeInformation.h"
 #include "platform/foundation/NSFileAttributes.h"
+#include "platform/system/items/OpenItem.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/FileReferences.h"
 #include "scripting/URLUtilities.h"
@@ -38,27 +39,37 @@ bool getReferenceToItself(NSString const& path, FSRef& ref, bool& isDirectory) {
     return true;
 }
 
+// What KRPathGetFSRef_traverseLink_ would refer to, without following a link. No reference is made for what is only
+// read here: it would keep the item open, and its volume mounted.
+std::optional<OpenItem> openItself(NSString const& path) {
+    NSString const folder = path.stringByDeletingLastPathComponent();
+    NSString const name = path.lastPathComponent();
+    if (folder.length() == 0 || name.isEqualToString_(".") || name.isEqualToString_("..")) return std::nullopt;
+    std::optional<std::string> const bytes = folder.stringByAppendingPathComponent_(name).fileSystemRepresentation();
+    if (!bytes) return std::nullopt;
+    Result<OpenItem> item = openItemAtPath(*bytes, LinkAtEnd::IsNotFollowed);
+    return item.hasValue() ? std::optional(item.takeValue()) : std::nullopt;
+}
+
 std::optional<FSCatalogInfo> catalogInformation(NSString const& path, FSCatalogInfoBitmap which) {
-    FSRef ref{};
+    std::optional<OpenItem> const item = openItself(path);
     FSCatalogInfo information;
-    if (!KRPathGetFSRef_traverseLink_(path, &ref, NO)) return std::nullopt;
-    if (FSGetCatalogInfo(&ref, which, &information, {}, {}, {}) != noErr) return std::nullopt;
+    if (!item || getCatalogInfo(*item, which, information) != noErr) return std::nullopt;
     return information;
 }
 
-// What GetIconRefFromFileInfo is asked for; the icon is null until it answers one.
 struct IconAndLabel {
+    // Null unless it is wanted.
     IconRef icon{};
     std::int16_t label{0};
 };
 
-bool lookUp(FSRef const& ref, HFSUniStr255 const& name, bool wantsIcon, IconAndLabel& found) {
+std::optional<IconAndLabel> lookUp(OpenItem const& item, bool wantsIcon) {
     FSCatalogInfo information;
-    if (FSGetCatalogInfo(&ref, kIconServicesCatalogInfoMask, &information, {}, {}, {}) != noErr) return false;
-    IconRef* icon{};
-    if (wantsIcon) icon = &found.icon;
-    return GetIconRefFromFileInfo(&ref, name.length, name.unicode.data(), kIconServicesCatalogInfoMask, &information,
-                                  kIconServicesNoBadgeFlag, icon, &found.label) == noErr;
+    if (getCatalogInfo(item, kIconServicesCatalogInfoMask, information) != noErr) return std::nullopt;
+    IconAndLabel found{.label = finderInformationOf(information).labelIndex()};
+    if (wantsIcon) found.icon = iconOfItem(item, information);
+    return found;
 }
 
 } // namespace
@@ -125,37 +136,32 @@ bool pxFinderFlagsOfPath_(NSString receiver, std::uint16_t* flags) {
 }
 
 bool pxSetFinderFlagsOfPath_mask_(NSString receiver, std::uint16_t flags, std::uint16_t mask) {
-    FSRef ref{};
+    std::optional<OpenItem> const item = openItself(receiver);
     FSCatalogInfo information;
-    if (!KRPathGetFSRef_traverseLink_(receiver, &ref, NO)) return false;
-    if (FSGetCatalogInfo(&ref, kFSCatInfoFinderInfo, &information, {}, {}, {}) != noErr) return false;
+    if (!item || getCatalogInfo(*item, kFSCatInfoFinderInfo, information) != noErr) return false;
     FinderInformation finder = finderInformationOf(information);
     unsigned const kept = finder.finderFlags() & ~(unsigned{mask} | kIsOnDesk);
     unsigned const set = unsigned{flags} & mask & ~unsigned{kIsOnDesk};
     finder.setFinderFlags(static_cast<std::uint16_t>(kept | set));
     setFinderInformation(information, finder);
-    return FSSetCatalogInfo(&ref, kFSCatInfoFinderInfo, &information) == noErr;
+    return setCatalogInfo(*item, kFSCatInfoFinderInfo, information) == noErr;
 }
 
 bool pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(NSString receiver, std::uint16_t* flags, bool* isFolder,
                                                             IconRef* customIconRef, std::int16_t* labelIndex) {
-    FSRef ref{};
+    std::optional<OpenItem> const item = openItself(receiver);
     FSCatalogInfo information;
-    HFSUniStr255 name{};
     FSCatalogInfoBitmap const which = kFSCatInfoFinderInfo | (isFolder ? kFSCatInfoNodeFlags : kFSCatInfoNone);
-    if (!KRPathGetFSRef_traverseLink_(receiver, &ref, NO)) return false;
-    if (FSGetCatalogInfo(&ref, which, &information, &name, {}, {}) != noErr) return false;
+    if (!item || getCatalogInfo(*item, which, information) != noErr) return false;
     std::uint16_t const found = finderInformationOf(information).finderFlags();
     bool const hasWantedIcon = customIconRef && (found & kHasCustomIcon) != 0;
-    IconAndLabel iconAndLabel;
-    if ((hasWantedIcon || labelIndex) && !lookUp(ref, name, customIconRef, iconAndLabel)) {
-        ReleaseIconRef(iconAndLabel.icon);
-        return false;
-    }
+    std::optional<IconAndLabel> iconAndLabel = IconAndLabel();
+    if (hasWantedIcon || labelIndex) iconAndLabel = lookUp(*item, customIconRef);
+    if (!iconAndLabel) return false;
     if (flags) *flags = found;
     if (isFolder) *isFolder = (information.nodeFlags & kFSNodeIsDirectoryMask) != 0;
-    if (customIconRef) *customIconRef = iconAndLabel.icon;
-    if (labelIndex) *labelIndex = iconAndLabel.label;
+    if (customIconRef) *customIconRef = iconAndLabel->icon;
+    if (labelIndex) *labelIndex = iconAndLabel->label;
     return true;
 }
 

@@ -1,4 +1,5 @@
 #include "pathutils/Registration.h"
+#include "pathutils/AliasesAndContents.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FinderMetadata.h"
@@ -85,6 +86,28 @@ void registerFinderMetadata() {
         {classMethod<&pxUpdatePathInFinder_>("pxUpdatePathInFinder:")});
 }
 
+void registerAliasesAndContents() {
+    addCategory<NSString>(
+        {
+            method<&pxAliasDataOfPath>("pxAliasDataOfPath"),
+            method<&pxExchangeFileWith_>("pxExchangeFileWith:"),
+            method<&pxPathHasEqualContentsWithPath_>("pxPathHasEqualContentsWithPath:"),
+            method<&pxChecksumOfPath>("pxChecksumOfPath"),
+            method<&pxModificationDateOfPath>("pxModificationDateOfPath"),
+        },
+        {
+            classMethod<&pxIsFork_equalToFork_dataFork_>("pxIsFork:equalToFork:dataFork:"),
+            classMethod<&pxIsContentsOfFile_equalToFile_>("pxIsContentsOfFile:equalToFile:"),
+        });
+    addCategory<NSData>(
+        {
+            method<&pxPathOfAliasData>("pxPathOfAliasData"),
+            method<&pxPathOfAliasDataChangedAlias_>("pxPathOfAliasDataChangedAlias:"),
+            method<&pxCreateHandle>("pxCreateHandle"),
+        },
+        {classMethod<&pxDataWithHandle_>("pxDataWithHandle:")});
+}
+
 } // namespace
 
 void registerPathUtils() {
@@ -92,6 +115,7 @@ void registerPathUtils() {
     registerPathRelations();
     registerExtendedAttributes();
     registerFinderMetadata();
+    registerAliasesAndContents();
 }
 
 } // namespace mac

@@ -101,7 +101,17 @@ NSString KRCPathGetFileSystemPath(NSString receiver) {
 
 NSString KRCPathWithFSRef_(FSRef const* ref) { return KRCURLWithFSRef_(ref).path(); }
 
-bool KRCPathGetFSRef_(NSString receiver, FSRef* ref) { return KRCPathGetFSRef_getIsDirectory_(receiver, ref, {}); }
+bool KRCPathGetFSRef_(NSString receiver, FSRef* ref) {
+    // The URL of such a path has the same path, and making it would ask whether that leads to a folder.
+    bool const isPlain = isUsable(receiver) && !receiver.codeUnits().ends_with(u'/');
+    if (!isPlain) return KRCPathGetFSRef_getIsDirectory_(receiver, ref, {});
+    FSRef scratch{};
+    std::optional<std::string> const bytes = receiver.fileSystemRepresentation();
+    bool const isMade =
+        bytes && FSPathMakeRef(reinterpret_cast<std::uint8_t const*>(bytes->c_str()), &scratch, {}) == noErr;
+    if (ref) *ref = isMade ? scratch : FSRef{};
+    return isMade;
+}
 
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory) {
     NSURL const url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, KRCPathGetFileSystemPath(receiver),

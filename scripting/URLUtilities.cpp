@@ -1,5 +1,6 @@
 #include "scripting/URLUtilities.h"
 #include "pathutils/FinderMetadata.h"
+#include "platform/files/ItemReferences.h"
 #include "platform/files/VolumeInformation.h"
 #include "platform/launchservices/DisplayNames.h"
 #include "platform/launchservices/ImageSources.h"
@@ -15,6 +16,7 @@ namespace {
 
 // Nil where there is nothing.
 NSString contentTypeOf(NSURL const& url) {
+    PassingReferences const passing;
     FSRef ref{};
     if (!KRCURLGetFSRef_(url, &ref)) return nil;
     NSDictionary values;
@@ -32,6 +34,7 @@ NSURL pxURLForVolume_(FSVolumeRefNum volume) {
 
 NSString KRVolumeURLGetPath(NSURL receiver) {
     if (receiver == nil) return nil;
+    PassingReferences const passing;
     FSRef root{};
     for (ItemCount index = 1;
          FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, {}, kFSVolInfoNone, {}, {}, &root) == noErr; ++index) {

@@ -27,6 +27,8 @@ HFSUniStr255 nameOf(OpenItem const& item) {
     return result;
 }
 
+bool isGettable(FSCatalogInfoBitmap which) { return (which & ~(kFSCatInfoGettableInfo | kFSCatInfoUserAccess)) == 0; }
+
 template <class T>
 void deliver(T const& value, T* place) {
     if (place) *place = value;
@@ -49,17 +51,18 @@ void setFinderInformation(FSCatalogInfo& catalogInfo, FinderInformation const& i
 OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef) {
     if (!ref || fsSpec || (whichInfo != kFSCatInfoNone && !catalogInfo)) return paramErr;
-    if ((whichInfo & ~(kFSCatInfoGettableInfo | kFSCatInfoUserAccess)) != 0) return errFSBadInfoBitmap;
+    if (!isGettable(whichInfo)) return errFSBadInfoBitmap;
     Result<OpenItem> const item = openItemOfReference(*ref);
     if (!item.hasValue()) return errFSBadFSRef;
     FSCatalogInfo information{};
     if (catalogInfo) information = *catalogInfo;
-    Result<void> const read = readCatalogFields(item.value(), whichInfo, information);
-    if (!read.isDone()) return statusOf(read.problem(), FileOperation::UsingCatalog);
+    HFSUniStr255 name{};
+    OSErr const read = getCatalogInfo(item.value(), whichInfo, information, &name);
+    if (read != noErr) return read;
     Result<FSRef> const parent = parentRef ? referenceToFolderOf(item.value()) : FSRef{};
     if (!parent.hasValue()) return statusOf(parent.problem(), FileOperation::UsingCatalog);
     deliver(information, catalogInfo);
-    deliver(nameOf(item.value()), outName);
+    deliver(name, outName);
     deliver(parent.value(), parentRef);
     return noErr;
 }
@@ -68,8 +71,23 @@ OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalo
     if (!ref || !catalogInfo) return paramErr;
     if ((whichInfo & ~kFSCatInfoSettableInfo) != 0) return errFSBadInfoBitmap;
     Result<OpenItem> const item = openItemOfReference(*ref);
-    if (!item.hasValue()) return errFSBadFSRef;
-    Result<void> const written = writeCatalogFields(item.value(), whichInfo, *catalogInfo);
+    return item.hasValue() ? setCatalogInfo(item.value(), whichInfo, *catalogInfo) : errFSBadFSRef;
+}
+
+OSErr getCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& catalogInfo,
+                     HFSUniStr255* outName) {
+    if (!isGettable(whichInfo)) return errFSBadInfoBitmap;
+    FSCatalogInfo information = catalogInfo;
+    Result<void> const read = readCatalogFields(item, whichInfo, information);
+    if (!read.isDone()) return statusOf(read.problem(), FileOperation::UsingCatalog);
+    catalogInfo = information;
+    if (outName) *outName = nameOf(item);
+    return noErr;
+}
+
+OSErr setCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& catalogInfo) {
+    if ((whichInfo & ~kFSCatInfoSettableInfo) != 0) return errFSBadInfoBitmap;
+    Result<void> const written = writeCatalogFields(item, whichInfo, catalogInfo);
     return written.isDone() ? noErr : statusOf(written.problem(), FileOperation::UsingCatalog);
 }
 

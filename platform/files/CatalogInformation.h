@@ -6,6 +6,8 @@
 
 namespace mac {
 
+struct OpenItem;
+
 // An item's metadata, as the catalog of a volume holds it. Any thread.
 
 using FSCatalogInfoBitmap = std::uint32_t;
@@ -108,5 +110,11 @@ OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalo
 // Linux: no file system can set a creation date, so it is kept in the attribute "com.apple.FSCatalogInfo.createDate";
 // the date of the last attribute change and the text encoding are accepted and ignored.
 OSErr FSSetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo);
+
+// What FSGetCatalogInfo and FSSetCatalogInfo do, for an item that is open already: no reference is made, so nothing
+// stays open afterwards. The name may be null.
+OSErr getCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo& catalogInfo,
+                     HFSUniStr255* outName = nullptr);
+OSErr setCatalogInfo(OpenItem const& item, FSCatalogInfoBitmap whichInfo, FSCatalogInfo const& catalogInfo);
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/FileStatuses.h"
+#include "platform/files/ItemExchange.h"
 #include "platform/files/ItemReferences.h"
 #include <cerrno>
 #include <cstring>
@@ -13,21 +14,40 @@ OSErr takeReference(Result<FSRef> const& made, FSRef& ref) {
     return made.hasValue() ? noErr : statusOf(made.problem(), FileOperation::Finding);
 }
 
+OSErr statusOfExchange(SystemError const& error) {
+    if (error.is(EXDEV)) return diffVolErr;
+    if (error.is(EISDIR) || error.is(EMLINK)) return notAFileErr;
+    if (error.is(EINVAL) || error.is(ENOSYS) || error.is(EOPNOTSUPP)) return errFSOperationNotSupported;
+    return statusOf(error, FileOperation::UsingCatalog);
+}
+
+// Opens the items and holds them, so that their references follow when they change names.
+Result<OpenItem> openAndHold(FSRef const& ref) {
+    Result<OpenItem> item = openItemOfReference(ref);
+    if (!item.hasValue()) return item;
+    Result<ReferencedItem> const place = itemOfReference(ref);
+    if (!place.hasValue()) return place.problem();
+    Result<FSRef> const held = referenceToPath(place.value().path, LinkAtEnd::IsNotFollowed);
+    if (!held.hasValue()) return held.problem();
+    return item;
+}
+
 bool isThisComputer(NSString const& host) {
     return host.length() == 0 || host.caseInsensitiveCompare_("localhost") == NSOrderedSame;
 }
 
-// The name in the form of paths; nullopt for a name that no item can have there.
-std::optional<std::string> shownName(std::u16string_view name) {
+} // namespace
+
+std::optional<std::string> nameOnDisk(std::u16string_view name) {
     std::u16string shown(name);
     for (char16_t& unit : shown) {
         if (unit == u':') return std::nullopt;
         if (unit == u'/') unit = u':';
     }
-    return NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
+    std::optional<std::string> bytes = NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
+    bool const isName = bytes && *bytes != "." && *bytes != "..";
+    return isName ? bytes : std::nullopt;
 }
-
-} // namespace
 
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
     if (!fsRef) return false;
@@ -78,8 +98,8 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
     if (newRef) *newRef = {};
     if (!parentRef || !newRef || !name || nameLength == 0) return paramErr;
     if (nameLength > HFSUniStr255().unicode.size()) return errFSNameTooLong;
-    std::optional<std::string> const shown = shownName({name, nameLength});
-    if (!shown || *shown == "." || *shown == "..") return bdNamErr;
+    std::optional<std::string> const shown = nameOnDisk({name, nameLength});
+    if (!shown) return bdNamErr;
     Result<FSRef> const made = referenceInFolder(*parentRef, *shown);
     if (!made.hasValue() && made.problem().is(ENOTDIR)) return errFSNotAFolder;
     return takeReference(made, *newRef);
@@ -89,6 +109,19 @@ OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2) {
     if (!ref1 || !ref2) return paramErr;
     if (!itemOfReference(*ref1).hasValue() || !itemOfReference(*ref2).hasValue()) return errFSBadFSRef;
     return *ref1 == *ref2 ? noErr : errFSRefsDifferent;
+}
+
+OSErr FSExchangeObjects(FSRef const* ref, FSRef const* destRef) {
+    if (!ref || !destRef) return paramErr;
+    Result<OpenItem> const item = openAndHold(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
+    Result<OpenItem> const destination = openAndHold(*destRef);
+    if (!destination.hasValue()) return errFSBadFSRef;
+    if (*ref == *destRef) return sameFileErr;
+    Result<void> const exchanged = exchangeItems(item.value(), destination.value());
+    if (!exchanged.isDone()) return statusOfExchange(exchanged.problem());
+    Result<void> const led = exchangeReferences(*ref, *destRef);
+    return led.isDone() ? noErr : statusOf(led.problem(), FileOperation::UsingCatalog);
 }
 
 } // namespace mac

@@ -14,8 +14,10 @@ namespace mac {
 //
 // Linux: the item is known by its volume, its inode number and its birth time. The last 256 items referred to are held
 // open, so they are found after any rename or move; an earlier one is looked for by its inode number in the folder
-// where it was when it was let go, and otherwise is not found. The item that is found is never another one. A volume
-// with held items cannot be unmounted, and the bytes mean nothing in other programs.
+// where it was when it was let go, and otherwise is not found. The item that is found is never another one; so on a
+// file system that has no birth times, numbers its items anew and offers no file handles, an earlier item that has
+// changed since is not found. A volume with held items cannot be unmounted, and the bytes mean nothing in other
+// programs.
 struct FSRef {
     std::array<std::uint8_t, 80> hidden;
 
@@ -84,5 +86,20 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
                          TextEncoding textEncodingHint, FSRef* newRef);
 // noErr if both refer to the same item.
 OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2);
+
+// The item is no file.
+inline constexpr OSErr notAFileErr = -1302;
+inline constexpr OSErr diffVolErr = -1303;
+inline constexpr OSErr sameFileErr = -1306;
+// The file system cannot do that.
+inline constexpr OSErr errFSOperationNotSupported = -1426;
+
+// Exchanges the contents, resource forks and dates of modification of two files or symbolic links on one volume. What
+// leads to them, references and aliases, stays with their paths, and so do creation dates and Finder information.
+// Nothing is changed on failure: diffVolErr, sameFileErr, notAFileErr for a folder and for a file of several names,
+// errFSOperationNotSupported if the file system cannot exchange names in one step.
+//
+// Linux: permissions, owners and other attributes go with the contents.
+OSErr FSExchangeObjects(FSRef const* ref, FSRef const* destRef);
 
 } // namespace mac

@@ -8,83 +8,125 @@ namespace mac {
 
 namespace {
 
-constexpr int HeldFolderFlags = O_PATH | O_DIRECTORY;
+SystemError notFound() { return {.code = ESTALE, .operation = "find"}; }
 
 // Fails unless the path leads to the item; a symbolic link at its end is not followed.
-Result<void> confirmAtPath(std::string const& path, ItemIdentity const& identity) {
-    SplitPath const parts = splitPath(path);
-    Result<FileDescriptor> const folder = openPath(parts.folder.empty() ? "." : parts.folder, HeldFolderFlags);
-    if (!folder.hasValue()) return folder.problem();
-    return confirmItemInFolder(folder.value(), parts.name.empty() ? "." : parts.name, identity);
+Result<PlacedItem> confirmAtPath(std::string const& path, ItemIdentity const& identity) {
+    Result<IdentifiedItem> const found = identifyAtPath(path, LinkAtEnd::IsNotFollowed);
+    if (!found.hasValue()) return found.problem();
+    if (!(found.value().identity == identity)) return notFound();
+    return PlacedItem{path, found.value().isFolder};
 }
 
 // Looks for the item under another name in the folder of the path.
-Result<std::string> findInFolder(std::string const& path, ItemIdentity const& identity) {
+Result<PlacedItem> findInFolder(std::string const& path, ItemIdentity const& identity) {
     std::string const folderPath = splitPath(path).folder;
-    Result<FileDescriptor> const folder = openPath(folderPath, HeldFolderFlags);
+    Result<FileDescriptor> const folder = openPath(folderPath, O_PATH | O_DIRECTORY);
     if (!folder.hasValue()) return folder.problem();
     Result<FileDescriptor> const readable = readableFolder(folder.value());
     if (!readable.hasValue()) return readable.problem();
     Result<std::vector<FolderEntry>> const entries = entriesOf(readable.value());
     if (!entries.hasValue()) return entries.problem();
     for (FolderEntry const& entry : entries.value()) {
-        bool const mayBe = entry.inode == identity.inode;
-        if (mayBe && confirmItemInFolder(folder.value(), entry.name, identity).isDone()) return folderPath + entry.name;
+        if (entry.inode != identity.inode) continue;
+        Result<IdentifiedItem> const found = identify(folder.value(), entry.name);
+        if (found.hasValue() && found.value().identity == identity)
+            return PlacedItem{folderPath + entry.name, found.value().isFolder};
     }
     return SystemError{.code = ENOENT, .operation = "find", .item = path};
 }
 
-Result<std::string> findAround(std::string const& path, ItemIdentity const& identity) {
-    if (confirmAtPath(path, identity).isDone()) return path;
-    return findInFolder(path, identity);
+Result<PlacedItem> findAround(std::string const& path, ItemIdentity const& identity) {
+    Result<PlacedItem> there = confirmAtPath(path, identity);
+    return there.hasValue() ? there : findInFolder(path, identity);
 }
 
-Result<std::string> findHeld(FileDescriptor const& item, std::string const& lastPath, ItemIdentity const& identity) {
-    Result<std::string> path = systemsPath(item);
-    if (path.hasValue() && confirmAtPath(path.value(), identity).isDone()) return path;
-    return findAround(lastPath, identity);
+Result<PlacedItem> findHeld(ItemToHold const& held) {
+    ItemIdentity const& identity = held.identified.identity;
+    Result<std::string> const path = systemsPath(held.item);
+    if (path.hasValue()) {
+        Result<PlacedItem> there = confirmAtPath(path.value(), identity);
+        if (there.hasValue()) return there;
+    }
+    return findAround(held.path, identity);
+}
+
+// Whether the item that was found is the one that was let go.
+bool bearsMark(PlacedItem const& found, std::optional<LastingMark> const& mark) {
+    if (!mark) return false;
+    Result<FileDescriptor> const item = openPath(found.path, O_PATH | O_NOFOLLOW);
+    if (!item.hasValue()) return false;
+    Result<LastingMark> const later = lastingMarkOf(item.value());
+    return later.hasValue() && areOfOneItem(*mark, later.value());
 }
 
 } // namespace
 
-void HeldItems::hold(ItemIdentity const& identity, FileDescriptor item, std::string path) {
+HeldItems::Holding HeldItems::hold(ItemToHold item) {
+    ItemIdentity const identity = item.identified.identity;
+    bool const isRemembered = m_rememberedByIdentity.contains(identity);
     forget(identity);
     if (auto const known = m_heldByIdentity.find(identity); known != m_heldByIdentity.end()) {
-        known->second->path = std::move(path);
+        // The newer path, but not the newer descriptor: both may lead to the item by different names.
+        known->second->path = std::move(item.path);
         m_held.splice(m_held.begin(), m_held, known->second);
-        return;
+        return Holding::ReferredToBefore;
     }
     while (m_held.size() >= MostHeld)
         letGo(std::prev(m_held.end()));
-    m_held.push_front({identity, std::move(item), std::move(path)});
+    m_held.push_front(std::move(item));
     m_heldByIdentity.emplace(identity, m_held.begin());
+    return isRemembered ? Holding::ReferredToBefore : Holding::New;
 }
 
-Result<std::string> HeldItems::pathOf(ItemIdentity const& identity) const {
+bool HeldItems::holdAgain(IdentifiedItem const& item) {
+    auto const known = m_heldByIdentity.find(item.identity);
+    if (known == m_heldByIdentity.end()) return false;
+    ItemToHold const& held = *known->second;
+    bool const isFollowed =
+        held.isPathFollowed && !item.hasOtherNames && item.mount == held.identified.mount && item.mount != 0;
+    if (!isFollowed) return false;
+    m_held.splice(m_held.begin(), m_held, known->second);
+    return true;
+}
+
+Result<PlacedItem> HeldItems::find(ItemIdentity const& identity) const {
     if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end())
-        return findHeld(held->second->item, held->second->path, identity);
-    auto const remembered = m_rememberedByIdentity.find(identity);
-    if (remembered == m_rememberedByIdentity.end() || !identity.isLasting())
-        return SystemError{.code = ESTALE, .operation = "find"};
-    return findAround(remembered->second->path, identity);
+        return findHeld(*held->second);
+    auto const place = m_rememberedByIdentity.find(identity);
+    if (place == m_rememberedByIdentity.end()) return notFound();
+    Remembered const& remembered = *place->second;
+    Result<PlacedItem> found = findAround(remembered.path, identity);
+    if (!found.hasValue() && !remembered.otherPath.empty()) found = findAround(remembered.otherPath, identity);
+    bool const isCertain = !found.hasValue() || identity.isLasting() || bearsMark(found.value(), remembered.mark);
+    return isCertain ? found : notFound();
 }
 
 Result<FileDescriptor> HeldItems::openFolder(ItemIdentity const& identity) const {
     if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end())
         return openBelow(held->second->item, "");
-    Result<std::string> const path = pathOf(identity);
-    if (!path.hasValue()) return path.problem();
-    return openPath(path.value(), HeldFolderFlags | O_NOFOLLOW);
+    Result<PlacedItem> const place = find(identity);
+    if (!place.hasValue()) return place.problem();
+    return openPath(place.value().path, O_PATH | O_DIRECTORY | O_NOFOLLOW);
+}
+
+void HeldItems::drop(ItemIdentity const& identity) {
+    if (auto const held = m_heldByIdentity.find(identity); held != m_heldByIdentity.end()) release(held->second);
+    forget(identity);
 }
 
 void HeldItems::releaseRemoved() {
-    for (auto held = m_held.begin(); held != m_held.end();) {
-        auto const current = held++;
-        Result<IdentifiedItem> const status = identify(current->item);
-        if (status.hasValue() && !status.value().isRemoved) continue;
-        m_heldByIdentity.erase(current->identity);
-        m_held.erase(current);
-    }
+    for (auto held = m_held.begin(); held != m_held.end();)
+        held = isKnownToBeRemoved(held->item) ? release(held) : std::next(held);
+    m_nextLook = m_held.end();
+}
+
+void HeldItems::releaseOneIfRemoved() {
+    if (m_held.empty()) return;
+    // From the most recent to the oldest, which is the next to be let go anyway.
+    if (m_nextLook == m_held.end()) m_nextLook = m_held.begin();
+    auto const looked = m_nextLook++;
+    if (isKnownToBeRemoved(looked->item)) release(looked);
 }
 
 void HeldItems::releaseHalf() {
@@ -92,23 +134,30 @@ void HeldItems::releaseHalf() {
         letGo(std::prev(m_held.end()));
 }
 
-void HeldItems::letGo(HeldList::iterator held) {
-    Held gone = std::move(*held);
-    m_heldByIdentity.erase(gone.identity);
-    m_held.erase(held);
-    Result<std::string> path = systemsPath(gone.item);
-    // The search may need the descriptor, if the process can open no more files.
-    gone.item = FileDescriptor();
-    bool const isThere = path.hasValue() && confirmAtPath(path.value(), gone.identity).isDone();
-    if (!isThere) path = findAround(gone.path, gone.identity);
-    remember(gone.identity, std::move(path).valueOr(std::move(gone.path)));
+// Closes the item; returns the next older one.
+HeldItems::HeldList::iterator HeldItems::release(HeldList::iterator held) {
+    if (m_nextLook == held) ++m_nextLook;
+    m_heldByIdentity.erase(held->identified.identity);
+    return m_held.erase(held);
 }
 
-void HeldItems::remember(ItemIdentity const& identity, std::string path) {
-    forget(identity);
+void HeldItems::letGo(HeldList::iterator held) {
+    Remembered remembered{.identity = held->identified.identity, .path = systemsPath(held->item).valueOr("")};
+    if (remembered.path != held->path) remembered.otherPath = std::move(held->path);
+    if (remembered.path.empty()) remembered.path.swap(remembered.otherPath);
+    if (!remembered.identity.isLasting()) {
+        Result<LastingMark> mark = lastingMarkOf(held->item);
+        if (mark.hasValue()) remembered.mark = mark.takeValue();
+    }
+    release(held);
+    remember(std::move(remembered));
+}
+
+void HeldItems::remember(Remembered item) {
+    forget(item.identity);
     if (m_remembered.size() >= MostRemembered) forget(m_remembered.back().identity);
-    m_remembered.push_front({identity, std::move(path)});
-    m_rememberedByIdentity.emplace(identity, m_remembered.begin());
+    m_remembered.push_front(std::move(item));
+    m_rememberedByIdentity.emplace(m_remembered.front().identity, m_remembered.begin());
 }
 
 void HeldItems::forget(ItemIdentity const& identity) {

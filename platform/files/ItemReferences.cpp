@@ -1,4 +1,5 @@
 #include "platform/files/ItemReferences.h"
+#include "platform/files/ExchangedIdentities.h"
 #include "platform/files/HeldItems.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
@@ -11,6 +12,8 @@
 #include <memory>
 #include <mutex>
 #include <unistd.h>
+#include <unordered_set>
+#include <vector>
 
 namespace mac {
 
@@ -24,8 +27,14 @@ struct Contents {
 static_assert(sizeof(Contents) <= sizeof(FSRef) && std::is_trivially_copyable_v<Contents>);
 
 struct Table {
-    std::mutex lock;
-    HeldItems items;
+    std::mutex lock{};
+    HeldItems items{};
+    // Items that are held for PassingReferences alone.
+    std::unordered_set<ItemIdentity, ItemIdentityHash> passing{};
+    ExchangedIdentities exchanged{};
+
+    void noteHolding(ItemIdentity const& identity, HeldItems::Holding holding);
+    void dropPassing(ItemIdentity const& identity);
 };
 
 // Never destroyed, since references may be used until the program's last instruction.
@@ -34,12 +43,40 @@ Table& table() {
     return shared;
 }
 
-FSRef referenceTo(ItemIdentity const& identity) {
+// The references that this thread is to drop at the end of a PassingReferences.
+std::vector<ItemIdentity>& passingReferences() {
+    static thread_local std::vector<ItemIdentity> passing;
+    return passing;
+}
+
+// The number of PassingReferences on this thread.
+unsigned& passingDepth() {
+    static thread_local unsigned depth = 0;
+    return depth;
+}
+
+void Table::noteHolding(ItemIdentity const& identity, HeldItems::Holding holding) {
+    if (passingDepth() == 0) {
+        passing.erase(identity);
+    } else if (holding == HeldItems::Holding::New) {
+        passing.insert(identity);
+        passingReferences().push_back(identity);
+    }
+}
+
+void Table::dropPassing(ItemIdentity const& identity) {
+    if (passing.erase(identity) > 0) items.drop(identity);
+}
+
+FSRef referenceWith(ItemIdentity const& identity) {
     Contents const contents{.identity = identity};
     FSRef reference{};
     std::memcpy(reference.hidden.data(), &contents, sizeof(contents));
     return reference;
 }
+
+// The lock is held here and in identityOf().
+FSRef referenceTo(ItemIdentity const& item) { return referenceWith(table().exchanged.referredTo(item)); }
 
 SystemError badReference() { return {.code = ESTALE, .operation = "find reference"}; }
 
@@ -47,8 +84,8 @@ SystemError badReference() { return {.code = ESTALE, .operation = "find referenc
 Result<ItemIdentity> identityOf(FSRef const& reference) {
     Contents contents;
     std::memcpy(&contents, reference.hidden.data(), sizeof(contents));
-    if (reference != referenceTo(contents.identity)) return badReference();
-    return contents.identity;
+    if (reference != referenceWith(contents.identity)) return badReference();
+    return table().exchanged.itemOf(contents.identity);
 }
 
 // Calls the operation, which answers a result, again after releasing held items if the process can open no more files.
@@ -69,21 +106,29 @@ std::string absolutePath(std::string_view path) {
     return (folder ? std::string(folder.get()) : std::string()).append("/").append(path);
 }
 
-// The item's path, as far as it can be known: the system's, or the one that led to the item without its links.
-std::string pathOf(OpenItem const& item, std::string_view path, LinkAtEnd linkAtEnd) {
-    Result<std::string> known = systemsPath(item.item);
-    if (known.hasValue()) return known.takeValue();
+// The path of the item that the path led to, without links, where the system does not tell it.
+std::string pathWithoutLinks(std::string_view path, LinkAtEnd linkAtEnd) {
     std::string const absolute = absolutePath(path);
     SplitPath const parts = splitPath(absolute);
-    bool const isLinkItself = linkAtEnd == LinkAtEnd::IsNotFollowed && parts.name == item.name;
+    bool const isName = !parts.name.empty() && parts.name != "." && parts.name != "..";
+    bool const isLinkItself = linkAtEnd == LinkAtEnd::IsNotFollowed && isName;
     return isLinkItself ? BytePath(resolvedPath(parts.folder)).joined(parts.name) : resolvedPath(absolute);
 }
 
-Result<FSRef> holdItem(HeldItems& items, FileDescriptor item, std::string path) {
-    Result<IdentifiedItem> const found = identify(item);
+struct OpenedPath {
+    FileDescriptor item{};
+    std::string path{};
+    bool isPathFollowed{false};
+};
+
+Result<FSRef> holdItem(Table& table, OpenedPath opened) {
+    Result<IdentifiedItem> const found = identify(opened.item);
     if (!found.hasValue()) return found.problem();
-    items.hold(found.value().identity, std::move(item), std::move(path));
-    return referenceTo(found.value().identity);
+    ItemIdentity const identity = found.value().identity;
+    HeldItems::Holding const holding =
+        table.items.hold({found.value(), std::move(opened.item), std::move(opened.path), opened.isPathFollowed});
+    table.noteHolding(identity, holding);
+    return referenceTo(identity);
 }
 
 // Opens the folder that was referred to. An obstacle on the way, or a lack of descriptors, is the error; if the folder
@@ -96,7 +141,8 @@ Result<FileDescriptor> openReferencedFolder(HeldItems& items, ItemIdentity const
         return isObstacle ? error : badReference();
     }
     Result<IdentifiedItem> const found = identify(folder.value());
-    if (!found.hasValue() || !(found.value().identity == identity)) return badReference();
+    bool const isThere = found.hasValue() && found.value().identity == identity && !found.value().isRemoved;
+    if (!isThere) return badReference();
     return folder;
 }
 
@@ -112,25 +158,10 @@ Result<FileDescriptor> duplicateOf(FileDescriptor const& item) {
     return duplicate;
 }
 
-struct FoundItem {
-    OpenItem item;
-    std::string path;
-    bool isFolder;
-};
-
-Result<FoundItem> findItem(FSRef const& reference) {
+Result<PlacedItem> placeOf(HeldItems& items, FSRef const& reference) {
     Result<ItemIdentity> const identity = identityOf(reference);
     if (!identity.hasValue()) return identity.problem();
-    std::scoped_lock const lock(table().lock);
-    HeldItems& items = table().items;
-    Result<std::string> path = withRoom(items, [&] { return items.pathOf(identity.value()); });
-    if (!path.hasValue()) return path.problem();
-    Result<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path.value(), LinkAtEnd::IsNotFollowed); });
-    if (!item.hasValue()) return item.problem();
-    Result<IdentifiedItem> const found = identify(item.value().item);
-    if (!found.hasValue()) return found.problem();
-    if (!(found.value().identity == identity.value())) return badReference();
-    return FoundItem{item.takeValue(), path.takeValue(), found.value().isFolder};
+    return withRoom(items, [&] { return items.find(identity.value()); });
 }
 
 } // namespace
@@ -138,55 +169,114 @@ Result<FoundItem> findItem(FSRef const& reference) {
 Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd) {
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
-    items.releaseRemoved();
-    Result<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path, linkAtEnd); });
+    std::string const bytes(path);
+    Result<IdentifiedItem> const seen = withRoom(items, [&] { return identifyAtPath(bytes, linkAtEnd); });
+    if (!seen.hasValue()) return seen.problem();
+    if (items.holdAgain(seen.value())) {
+        table().noteHolding(seen.value().identity, HeldItems::Holding::ReferredToBefore);
+        return referenceTo(seen.value().identity);
+    }
+    items.releaseOneIfRemoved();
+    int const flags = linkAtEnd == LinkAtEnd::IsFollowed ? O_PATH : O_PATH | O_NOFOLLOW;
+    Result<FileDescriptor> item = withRoom(items, [&] { return openPath(bytes, flags); });
     if (!item.hasValue()) return item.problem();
-    std::string known = pathOf(item.value(), path, linkAtEnd);
-    return holdItem(items, std::move(item.value().item), std::move(known));
+    OpenedPath opened{.item = item.takeValue()};
+    Result<std::string> known = systemsPath(opened.item);
+    opened.isPathFollowed = known.hasValue();
+    opened.path = known.hasValue() ? known.takeValue() : pathWithoutLinks(bytes, linkAtEnd);
+    return holdItem(table(), std::move(opened));
 }
 
 Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {
+    std::scoped_lock const lock(table().lock);
     Result<ItemIdentity> const identity = identityOf(folder);
     if (!identity.hasValue()) return identity.problem();
-    std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
-    items.releaseRemoved();
+    items.releaseOneIfRemoved();
     Result<FileDescriptor> const parent = openReferencedFolder(items, identity.value());
     if (!parent.hasValue()) return parent.problem();
     Result<FileDescriptor> item = withRoom(items, [&] { return openNamed(parent.value(), name); });
     if (!item.hasValue()) return item.problem();
-    Result<std::string> path = systemsPath(item.value());
-    if (!path.hasValue()) path = items.pathOf(identity.value()).valueOr("") + "/" + name;
-    return holdItem(items, item.takeValue(), path.takeValue());
+    OpenedPath opened{.item = item.takeValue()};
+    Result<std::string> known = systemsPath(opened.item);
+    opened.isPathFollowed = known.hasValue();
+    opened.path =
+        known.hasValue() ? known.takeValue() : items.find(identity.value()).valueOr({}).path.append("/").append(name);
+    return holdItem(table(), std::move(opened));
+}
+
+Result<OpenItem> openItemInFolder(FSRef const& folder, std::string const& name) {
+    std::scoped_lock const lock(table().lock);
+    Result<ItemIdentity> const identity = identityOf(folder);
+    if (!identity.hasValue()) return identity.problem();
+    HeldItems& items = table().items;
+    Result<FileDescriptor> parent = openReferencedFolder(items, identity.value());
+    if (!parent.hasValue()) return parent.problem();
+    Result<FileDescriptor> item = withRoom(items, [&] { return openNamed(parent.value(), name); });
+    if (!item.hasValue()) return item.problem();
+    return OpenItem{.folder = parent.takeValue(), .item = item.takeValue(), .name = name};
 }
 
 Result<FSRef> referenceToFolderOf(OpenItem const& item) {
     if (item.name.empty()) return FSRef{};
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
-    items.releaseRemoved();
+    items.releaseOneIfRemoved();
     Result<FileDescriptor> folder = withRoom(items, [&] { return duplicateOf(item.folder); });
     if (!folder.hasValue()) return folder.problem();
-    Result<std::string> path = pathOfFolder(folder.value());
-    if (!path.hasValue()) return path.problem();
-    return holdItem(items, folder.takeValue(), path.takeValue());
+    OpenedPath opened{.item = folder.takeValue()};
+    Result<std::string> known = systemsPath(opened.item);
+    opened.isPathFollowed = known.hasValue();
+    if (!known.hasValue()) known = pathOfFolder(opened.item);
+    if (!known.hasValue()) return known.problem();
+    opened.path = known.takeValue();
+    return holdItem(table(), std::move(opened));
 }
 
 Result<ReferencedItem> itemOfReference(FSRef const& reference) {
-    Result<FoundItem> found = findItem(reference);
+    std::scoped_lock const lock(table().lock);
+    Result<PlacedItem> found = placeOf(table().items, reference);
     if (!found.hasValue()) return found.problem();
     return ReferencedItem{std::move(found.value().path), found.value().isFolder};
 }
 
 Result<OpenItem> openItemOfReference(FSRef const& reference) {
-    Result<FoundItem> found = findItem(reference);
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    Result<PlacedItem> const place = placeOf(items, reference);
+    if (!place.hasValue()) return place.problem();
+    std::string const& path = place.value().path;
+    Result<OpenItem> item = withRoom(items, [&] { return openItemAtPath(path, LinkAtEnd::IsNotFollowed); });
+    if (!item.hasValue()) return item;
+    Result<IdentifiedItem> const found = identify(item.value().item);
     if (!found.hasValue()) return found.problem();
-    return std::move(found.value().item);
+    if (reference == referenceTo(found.value().identity)) return item;
+    return badReference();
+}
+
+Result<void> exchangeReferences(FSRef const& first, FSRef const& second) {
+    std::scoped_lock const lock(table().lock);
+    Result<ItemIdentity> const one = identityOf(first);
+    if (!one.hasValue()) return one.problem();
+    Result<ItemIdentity> const other = identityOf(second);
+    if (!other.hasValue()) return other.problem();
+    table().exchanged.exchange(one.value(), other.value());
+    return {};
 }
 
 void releaseRemovedItems() {
     std::scoped_lock const lock(table().lock);
     table().items.releaseRemoved();
+}
+
+PassingReferences::PassingReferences() : m_alreadyPassing(passingReferences().size()) { ++passingDepth(); }
+
+PassingReferences::~PassingReferences() {
+    --passingDepth();
+    std::vector<ItemIdentity>& passing = passingReferences();
+    std::scoped_lock const lock(table().lock);
+    for (; passing.size() > m_alreadyPassing; passing.pop_back())
+        table().dropPassing(passing.back());
 }
 
 } // namespace mac

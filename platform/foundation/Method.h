@@ -56,6 +56,8 @@ id toObject(T const& value) {
         return NSNumber::numberWithDouble_(value);
     else if constexpr (std::is_unsigned_v<T>)
         return NSNumber::numberWithUnsignedLongLong_(value);
+    else if constexpr (std::is_pointer_v<T>)
+        return NSValue::valueWithPointer_(value);
     else
         return NSNumber::numberWithLongLong_(static_cast<long long>(value));
 }

@@ -8,6 +8,15 @@ std::uint32_t sumOfWords(std::span<std::byte const> bytes) {
     return fastest(bytes);
 }
 
+int checksumOfWordSum(std::uint32_t sum) {
+    auto const carry = [](std::uint32_t value) {
+        return static_cast<std::uint32_t>(static_cast<std::int32_t>(value) >> 16);
+    };
+    std::uint32_t folded = carry(sum) + (sum & 0xFFFF);
+    folded += carry(folded);
+    return static_cast<int>(~folded & 0xFFFF);
+}
+
 std::uint32_t sumOfWordsPlainly(std::span<std::byte const> bytes) {
     std::uint32_t sum = 0;
     while (!bytes.empty()) {

@@ -11,6 +11,9 @@ namespace mac {
 using WordSummation = std::uint32_t (*)(std::span<std::byte const> bytes);
 
 std::uint32_t sumOfWords(std::span<std::byte const> bytes);
+// The 16 bits that the checksum of RFC 1071 makes of such a sum. The sum counts as a signed number, which shows in more
+// than 128 KiB of data.
+int checksumOfWordSum(std::uint32_t sum);
 
 // Word by word, on any processor.
 std::uint32_t sumOfWordsPlainly(std::span<std::byte const> bytes);

@@ -31,17 +31,15 @@ std::vector<std::byte> resourceForkOf(OpenItem const& item) {
 }
 
 // A folder's custom icon lies in a file in it.
-Result<OpenItem> itemWithIcon(FSRef const& ref, bool isFolder) {
-    Result<OpenItem> item = openItemOfReference(ref);
-    if (!item.hasValue() || !isFolder) return item;
-    return openItemAtPath(item.value().systemPath() + FolderIconFile, LinkAtEnd::IsNotFollowed);
+std::vector<std::byte> forkWithIcon(OpenItem const& item, bool isFolder) {
+    if (!isFolder) return resourceForkOf(item);
+    Result<OpenItem> const file = openItemAtPath(item.systemPath() + FolderIconFile, LinkAtEnd::IsNotFollowed);
+    return file.hasValue() ? resourceForkOf(file.value()) : std::vector<std::byte>();
 }
 
 // Empty if the item has no custom icon that can be read.
-std::vector<std::byte> customIconOf(FSRef const& ref, bool isFolder) {
-    Result<OpenItem> const item = itemWithIcon(ref, isFolder);
-    if (!item.hasValue()) return {};
-    std::vector<std::byte> const fork = resourceForkOf(item.value());
+std::vector<std::byte> customIconOf(OpenItem const& item, bool isFolder) {
+    std::vector<std::byte> const fork = forkWithIcon(item, isFolder);
     std::optional<std::span<std::byte const>> const icon = resourceInFork(fork, IconFamilyType, CustomIconNumber);
     if (!icon || !readIconFamily(*icon)) return {};
     return {icon->begin(), icon->end()};
@@ -54,16 +52,19 @@ OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t /*fileNameLength*/,
                              IconServicesUsageFlags /*usageFlags*/, IconRef* iconRef, std::int16_t* label) {
     bool const isWhole = (whichInfo & kIconServicesCatalogInfoMask) == kIconServicesCatalogInfoMask;
     if (!ref || !catalogInfo || !isWhole) return paramErr;
-    if (!itemOfReference(*ref).hasValue()) return errFSBadFSRef;
-    FinderInformation const finder = finderInformationOf(*catalogInfo);
-    if (iconRef) {
-        auto icon = std::make_unique<OpaqueIconRef>();
-        bool const isFolder = (catalogInfo->nodeFlags & kFSNodeIsDirectoryMask) != 0;
-        if ((finder.finderFlags() & kHasCustomIcon) != 0) icon->family = customIconOf(*ref, isFolder);
-        *iconRef = icon.release();
-    }
-    if (label) *label = finder.labelIndex();
+    Result<OpenItem> const item = openItemOfReference(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
+    if (iconRef) *iconRef = iconOfItem(item.value(), *catalogInfo);
+    if (label) *label = finderInformationOf(*catalogInfo).labelIndex();
     return noErr;
+}
+
+IconRef iconOfItem(OpenItem const& item, FSCatalogInfo const& catalogInfo) {
+    auto icon = std::make_unique<OpaqueIconRef>();
+    bool const isFolder = (catalogInfo.nodeFlags & kFSNodeIsDirectoryMask) != 0;
+    bool const hasCustomIcon = (finderInformationOf(catalogInfo).finderFlags() & kHasCustomIcon) != 0;
+    if (hasCustomIcon) icon->family = customIconOf(item, isFolder);
+    return icon.release();
 }
 
 OSErr AcquireIconRef(IconRef iconRef) {

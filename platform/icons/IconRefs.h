@@ -24,6 +24,8 @@ inline constexpr OSErr invalidIconRefErr = -2580;
 OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t fileNameLength, unichar const* fileName,
                              FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo,
                              IconServicesUsageFlags usageFlags, IconRef* iconRef, std::int16_t* label);
+// The icon of an item that is open already, by the same rules. The caller owns it.
+IconRef iconOfItem(OpenItem const& item, FSCatalogInfo const& catalogInfo);
 
 // One more owner, one less. invalidIconRefErr for null.
 OSErr AcquireIconRef(IconRef iconRef);

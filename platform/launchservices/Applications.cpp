@@ -159,6 +159,8 @@ OSStatus LSFindApplicationForInfo(OSType inCreator, CFStringRef const& inBundleI
     if (inCreator == kLSUnknownCreator && inBundleID.length() == 0 && inName.length() == 0) return paramErr;
     std::optional<std::string> const path = findApplication(inCreator, inBundleID, inName);
     if (!path) return kLSApplicationNotFoundErr;
+    std::optional<PassingReferences> passing;
+    if (!outAppRef) passing.emplace();
     Result<FSRef> const ref = referenceToPath(*path, LinkAtEnd::IsFollowed);
     if (!ref.hasValue()) return kLSApplicationNotFoundErr;
     if (outAppRef) *outAppRef = ref.value();

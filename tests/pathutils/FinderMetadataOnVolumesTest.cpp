@@ -1,11 +1,13 @@
 #include "pathutils/FinderMetadata.h"
 #include "pathutils/PathRelations.h"
 #include "platform/launchservices/ItemInformation.h"
+#include "scripting/URLUtilities.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -63,6 +65,34 @@ TEST_F(FinderMetadataOnVolumes, TellVolumesApart) {
     std::uint32_t flags = 0;
     EXPECT_TRUE(pxLSFlagsOfPath_(path(point), &flags));
     EXPECT_EQ(flags, kLSItemInfoIsContainer | kLSItemInfoIsVolume);
+}
+
+TEST_F(FinderMetadataOnVolumes, LeaveTheVolumeFreeToBeUnmounted) {
+    std::string const point = m_folder.makeFolder("volume");
+    mountMemory(point);
+    NSString const file = path(m_folder.makeFile("volume/folder/file", ""));
+    std::uint16_t flags = 0;
+    bool isFolder = true;
+    std::int16_t label = 0;
+    IconRef icon{};
+    std::uint32_t valence = 0;
+    EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(file, kHasCustomIcon, kHasCustomIcon));
+    EXPECT_TRUE(pxFinderFlagsOfPath_(file, &flags));
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(file, &flags, &isFolder, &icon, &label));
+    EXPECT_EQ(ReleaseIconRef(icon), noErr);
+    EXPECT_TRUE(pxValenceOfPath_(file, &valence));
+    EXPECT_LT(pxVolumeRefNumOfPath(file), 0);
+    EXPECT_EQ(pxFilesystemIDForPath(file), 0xFFFE);
+    EXPECT_FALSE(KRPathHasInexactTime(file));
+    EXPECT_FALSE(pxPathIsOnIDisk(file));
+    EXPECT_FALSE(pxIsImageFile(file));
+    EXPECT_FALSE(pxIsAudioFile(file));
+    std::uint32_t serviceFlags = 0;
+    EXPECT_TRUE(pxLSFlagsOfPath_(file, &serviceFlags));
+    NSURL const volume = pxURLForVolume_(pxVolumeRefNumOfPath(file));
+    EXPECT_TRUE(KRVolumeURLGetPath(volume).isEqualToString_(path(point)));
+    EXPECT_EQ(::umount(point.c_str()), 0);
+    mountMemory(point);
 }
 
 TEST(FinderMetadataOfLongPaths, IsThatOfOthers) {

@@ -1,4 +1,6 @@
 #include "platform/files/FSRef.h"
+#include "platform/files/Handles.h"
+#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/NSValue.h"
@@ -33,6 +35,14 @@ TEST(PathUtilsRegistration, GivesAReferenceOfAPathBySelector) {
     EXPECT_TRUE(as<NSNumber>(found).boolValue());
     EXPECT_TRUE(id(classOf<NSString>()).respondsToSelector_("pxUpdatePathInFinder:"));
     EXPECT_TRUE(id("/").respondsToSelector_("pxUpdatePathInFinder"));
+}
+
+TEST(PathUtilsRegistration, GivesAHandleBySelector) {
+    id const handle = id(NSData::dataWithBytes_length_("abc", 3)).performSelector_("pxCreateHandle");
+    ASSERT_TRUE(as<NSValue>(handle) != nil);
+    id const copy = id(classOf<NSData>()).performSelector_withObject_("pxDataWithHandle:", handle);
+    EXPECT_EQ(as<NSData>(copy).length(), 3U);
+    DisposeHandle(reinterpret_cast<MemoryHandle>(as<NSValue>(handle).pointerValue<char*>()));
 }
 
 } // namespace mac::test

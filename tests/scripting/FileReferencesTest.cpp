@@ -3,6 +3,7 @@
 #include "platform/foundation/NSFileAttributes.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/ObjectTexts.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>
@@ -302,6 +303,20 @@ TEST(KRCURLIsOnIDisk, ComparesTheHostExactly) {
 TEST(FileReferences, AreMessagesToo) {
     EXPECT_TRUE(id("a:b").performSelector_("KRCStringBySwappingColonsAndSlashes").isEqual_("a/b"));
     EXPECT_TRUE(id(NSURL::URLWithString_("file:///tmp")).respondsToSelector_("KRCURLIsOnIDisk"));
+}
+
+TEST(FileReferences, AReferenceTakesFewSystemCallsHoweverManyThereAre) {
+    TemporaryFolder const folder;
+    FSRef reference{};
+    for (int index = 0; index < 300; ++index)
+        ASSERT_TRUE(KRCPathGetFSRef_(path(folder.makeFile(std::to_string(index), "")), &reference));
+    NSString const another = path(folder.makeFile("another", ""));
+    std::optional<unsigned> const calls = systemCallsOf([&] { KRCPathGetFSRef_(another, &reference); });
+    if (!calls) GTEST_SKIP() << "tracing is not allowed here";
+    EXPECT_GT(*calls, 0U);
+    EXPECT_LE(*calls, 8U);
+    ASSERT_TRUE(KRCPathGetFSRef_(another, &reference));
+    EXPECT_LE(*systemCallsOf([&] { KRCPathGetFSRef_(another, &reference); }), 2U);
 }
 
 } // namespace

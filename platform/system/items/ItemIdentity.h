@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/system/FolderContents.h"
 #include "platform/system/Result.h"
 #include <cstdint>
 #include <string>
@@ -35,11 +36,20 @@ struct IdentifiedItem {
     bool isFolder{false};
     // No name leads to the item any more.
     bool isRemoved{false};
+    // It is a file that more than one name leads to.
+    bool hasOtherNames{false};
+    // The mount it is reached through; 0 if the system does not tell.
+    std::uint64_t mount{0};
 };
 
 Result<IdentifiedItem> identify(FileDescriptor const& item);
 // The item of a name in an open folder; a symbolic link itself.
 Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
+
+// Whether no name leads to the open item any more, as far as this machine knows: no server is asked.
+bool isKnownToBeRemoved(FileDescriptor const& item);
+// The item at a path of bytes, of any length.
+Result<IdentifiedItem> identifyAtPath(std::string const& path, LinkAtEnd linkAtEnd);
 
 // Done if the name in the open folder leads to that very item; ESTALE if it leads to another one.
 Result<void> confirmItemInFolder(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item);

@@ -58,6 +58,21 @@ bool linkCountTellsSubfolders(FileDescriptor const& folder) {
     }
 }
 
+bool listsItemNumbers(FileDescriptor const& folder) {
+    constexpr auto unionType = 0x61756673; // aufs, which is in no header
+    struct statfs volume;
+    if (::fstatfs(folder.number(), &volume) != 0) return false;
+    switch (volume.f_type) {
+    case OVERLAYFS_SUPER_MAGIC:
+    case FUSE_SUPER_MAGIC:
+    case ECRYPTFS_SUPER_MAGIC:
+    case unionType:
+        return false;
+    default:
+        return true;
+    }
+}
+
 std::optional<std::uint32_t> subfoldersByLinkCount(std::uint32_t linkCount) {
     constexpr std::uint32_t ownLinks = 2; // its name and its "."
     if (linkCount < ownLinks) return std::nullopt;

@@ -36,6 +36,10 @@ Result<FolderFacts> factsOf(FileDescriptor const& folder);
 // Whether an item that was listed a moment ago is gone, or is no folder any more.
 bool meansVanished(SystemError const& error);
 
+// Whether the numbers that reading the folder lists are those that the items in it have by themselves. False for file
+// systems that are made of others, or by programs.
+bool listsItemNumbers(FileDescriptor const& folder);
+
 // The leaf rule: where every subfolder's ".." counts as a link to its parent, a folder's link count tells how many
 // folders lie in it. A folder with none need not be opened at all, and reading another can end with its last folder.
 // More than half of all folders hold no folder, so no other single measure saves a walk as much.

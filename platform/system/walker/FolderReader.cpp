@@ -41,12 +41,23 @@ std::optional<std::string_view> FolderReader::nextSubfolder(FileDescriptor const
     while (m_position < m_filled) {
         auto const& entry = *reinterpret_cast<dirent64 const*>(m_buffer.get() + m_position);
         m_position += entry.d_reclen;
+        if (entry.d_type != DT_DIR && m_soughtInode) collect(folder, entry.d_name, entry.d_ino);
         if (entry.d_type != DT_DIR && entry.d_type != DT_UNKNOWN) continue;
         std::string_view const name = nameOf(entry);
         if (name == "." || name == "..") continue;
         if (entry.d_type == DT_DIR || isFolder(folder, entry.d_name)) return name;
     }
     return std::nullopt;
+}
+
+void FolderReader::seek(std::uint64_t inode, bool listsItemNumbers) {
+    m_soughtInode = inode;
+    m_listsItemNumbers = listsItemNumbers;
+}
+
+void FolderReader::collect(FileDescriptor const& folder, char const* name, std::uint64_t listedNumber) {
+    if (!m_listsItemNumbers) listedNumber = factsInside(folder, name).valueOr(FolderFacts()).identity.inode;
+    if (listedNumber == *m_soughtInode) m_sought.emplace_back(name);
 }
 
 bool FolderReader::hadRoomLeft() const { return bufferSize - m_filled > sizeof(dirent64); }

@@ -16,6 +16,7 @@ namespace mac {
 struct VolumeTraits {
     std::uint64_t mount = 0;               // as FolderFacts tells it
     bool linkCountTellsSubfolders = false; // by the leaf rule, see FolderFacts.h
+    bool listsItemNumbers = false;         // see FolderFacts.h
 };
 
 // How far one folder has been read. Its descriptor may have been given up; then the rest serves to go on later.

@@ -88,7 +88,7 @@ Result<WalkRoot> locate(std::string const& path) {
 } // namespace
 
 VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
-                         MountTable const& mounts) {
+                         MountTable const& mounts, MountsBelow mountsBelow) {
     VolumeList list;
     std::vector<Candidate> candidates;
     for (WalkRoot const& root : roots) {
@@ -101,6 +101,7 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
             if (below.empty()) continue;
             std::string path = joined(root.path, below);
             list.mountPoints.add(path);
+            if (mountsBelow == MountsBelow::LeftOut) continue;
             if (!isLocal(mount) || packages.crossesPackage(below)) continue;
             if (mounts.reachedBy(mount.mountPoint) != &mount) continue;
             candidates.push_back(candidateForMount(mount, std::move(path)));
@@ -115,7 +116,7 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
     return list;
 }
 
-VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages) {
+VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages, MountsBelow mountsBelow) {
     std::vector<WalkRoot> roots;
     std::vector<SystemError> failures;
     Result<MountTable> const current = MountTable::current();
@@ -128,7 +129,7 @@ VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const&
             failures.push_back(root.problem());
     }
     MountTable const mounts = current.hasValue() ? current.value() : MountTable();
-    VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts);
+    VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts, mountsBelow);
     list.failures = std::move(failures);
     return list;
 }

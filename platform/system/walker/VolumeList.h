@@ -34,14 +34,18 @@ struct VolumeList {
     std::vector<SystemError> failures; // each names its path
 };
 
+// Whether the local volumes that are mounted below a root are visited, too.
+enum class MountsBelow { Searched, LeftOut };
+
 // What is to be visited for these roots, each on whatever file system it lies, and with all local volumes mounted below
-// it; `onlyLocal` drops the roots that are not local themselves. A folder that can be reached through several of them,
-// by a bind mount or a second mount of its device or from a root within another, is left to the one that reaches most,
-// else to the first.
+// it, unless they are left out; `onlyLocal` drops the roots that are not local themselves. A folder that can be reached
+// through several of them, by a bind mount or a second mount of its device or from a root within another, is left to
+// the one that reaches most, else to the first.
 VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
-                         MountTable const& mounts);
+                         MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched);
 
 // The same for paths; none means all local volumes. A path that leads to no folder becomes a failure.
-VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages);
+VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages,
+                       MountsBelow mountsBelow = MountsBelow::Searched);
 
 } // namespace mac

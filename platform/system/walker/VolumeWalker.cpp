@@ -44,7 +44,7 @@ class VolumeWalker::Walk {
 public:
     Walk(VolumeWalkRequest&& request, std::function<void()>&& onNews)
         : m_roots(std::move(request.roots)), m_packages(std::move(request.packageSuffix), std::move(request.names)),
-          m_findings(std::move(onNews)) {}
+          m_item(std::move(request.item)), m_findings(std::move(onNews)) {}
 
     bool start();
     void stop();
@@ -58,6 +58,7 @@ private:
 
     std::vector<std::string> const m_roots;
     PackageRule const m_packages;
+    std::optional<SoughtItem> const m_item;
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
@@ -96,7 +97,7 @@ void VolumeWalker::Walk::lead() {
 }
 
 void VolumeWalker::Walk::giveVolumes() {
-    VolumeList list = listVolumes(m_roots, m_packages);
+    VolumeList list = listVolumes(m_roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
     m_mountPoints = std::move(list.mountPoints);
     for (SystemError const& failure : list.failures)
         m_findings.addUnreadable(failure.item, failure);
@@ -126,7 +127,7 @@ bool VolumeWalker::Walk::haveWorkers(unsigned count) {
 }
 
 void VolumeWalker::Walk::work() {
-    WalkWorker(m_exchange, m_findings, m_packages, m_mountPoints, m_budget.foldersPerThread).run();
+    WalkWorker({m_exchange, m_findings, m_packages, m_item, m_mountPoints}, m_budget.foldersPerThread).run();
 }
 
 VolumeWalker::VolumeWalker(VolumeWalkRequest request, std::function<void()> onNews)

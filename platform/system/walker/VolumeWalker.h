@@ -4,10 +4,21 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace mac {
+
+class FileDescriptor;
+
+// One item of any kind that is looked for in place of packages, by its inode number.
+struct SoughtItem {
+    std::uint64_t inode = 0;
+    bool isFolder = false;
+    // Whether the item of that number, by its name in the open folder, is the one. Called in the walk's threads.
+    std::function<bool(FileDescriptor const& folder, std::string const& name)> accepts{};
+};
 
 // What a walk looks for, and where. Paths and names are bytes, in no particular encoding.
 struct VolumeWalkRequest {
@@ -18,6 +29,9 @@ struct VolumeWalkRequest {
     std::string packageSuffix = ".app";
     // The exact file names of the packages wanted. Empty: all packages.
     std::vector<std::string> names{};
+    // If set, this item is looked for: on the roots' own volumes alone, whatever is mounted below them, and in
+    // packages, too, as long as the suffix is empty.
+    std::optional<SoughtItem> item{};
 };
 
 struct VolumeWalkProgress {

@@ -13,15 +13,15 @@ constexpr std::size_t nameBytesAtOnce = 65'536;
 
 } // namespace
 
-WalkWorker::WalkWorker(WorkExchange& exchange, WalkFindings& findings, PackageRule const& packages,
-                       MountPointSet const& mountPoints, std::size_t openLimit)
-    : m_exchange(exchange), m_findings(findings), m_packages(packages), m_mountPoints(mountPoints), m_stack(openLimit) {
-}
+WalkWorker::WalkWorker(Shared const& shared, std::size_t openLimit)
+    : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages), m_item(shared.item),
+      m_mountPoints(shared.mountPoints), m_stack(openLimit) {}
 
 void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
         if (share->isVolumeRoot && !openVolume(*share)) continue;
         m_volume = share->traits;
+        if (m_item) m_reader.seek(m_item->inode, m_volume.listsItemNumbers);
         m_stack.begin(std::move(*share));
         while (!m_stack.isEmpty() && !m_exchange.isOver())
             step();
@@ -39,7 +39,10 @@ bool WalkWorker::openVolume(FolderShare& share) {
     std::uint64_t const mount = factsOf(share.state.folder).valueOr(FolderFacts()).mount;
     if (mount != 0 && mount != share.traits.mount) return false; // unmounted since it was listed
     share.traits.mount = mount;
-    share.traits.linkCountTellsSubfolders = linkCountTellsSubfolders(share.state.folder);
+    // A file may lie in any folder, so that the rule finds folders alone.
+    bool const readsAll = m_item && !m_item->isFolder;
+    share.traits.linkCountTellsSubfolders = !readsAll && linkCountTellsSubfolders(share.state.folder);
+    share.traits.listsItemNumbers = m_item && listsItemNumbers(share.state.folder);
     share.state.holdsMountPoints = m_mountPoints.isParentOfOne(share.path);
     m_findings.countFolder();
     return true;
@@ -76,7 +79,16 @@ void WalkWorker::readInto(FolderState& state) {
         else if (m_packages.isWanted(*name))
             m_findings.addPackage(pathOf(*name));
     }
+    if (m_reader.hasSought()) {
+        for (std::string const& name : m_reader.takeSought())
+            take(state.folder, name);
+    }
     state.isRead = fill.value() == FolderReader::Fill::End || sawAllSubfolders(state);
+}
+
+// The item that has the sought number.
+void WalkWorker::take(FileDescriptor const& folder, std::string const& name) {
+    if (m_item->accepts(folder, name)) m_findings.addPackage(pathOf(name));
 }
 
 // A folder made since the count was taken may have been seen in place of one that comes later in the listing. So
@@ -97,6 +109,7 @@ void WalkWorker::visit(char const* name) {
     FolderFacts const& facts = looked.value();
     if (!facts.isFolder || facts.mount != m_volume.mount) return;
     m_findings.countFolder();
+    if (m_item && m_item->isFolder && facts.identity.inode == m_item->inode) take(parent.folder, name);
     FolderState child;
     if (m_volume.linkCountTellsSubfolders) child.subfolders = subfoldersByLinkCount(facts.linkCount);
     if (child.subfolders == 0U) return;

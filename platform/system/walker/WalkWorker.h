@@ -14,8 +14,14 @@ namespace mac {
 class WalkWorker {
 public:
     // What is referred to is shared by all workers and outlives them.
-    WalkWorker(WorkExchange& exchange, WalkFindings& findings, PackageRule const& packages,
-               MountPointSet const& mountPoints, std::size_t openLimit);
+    struct Shared {
+        WorkExchange& exchange;
+        WalkFindings& findings;
+        PackageRule const& packages;
+        std::optional<SoughtItem> const& item;
+        MountPointSet const& mountPoints;
+    };
+    WalkWorker(Shared const& shared, std::size_t openLimit);
 
     void run();
 
@@ -24,6 +30,7 @@ private:
     void step();
     void readNames();
     void visit(char const* name);
+    void take(FileDescriptor const& folder, std::string const& name);
     void readInto(FolderState& state);
     bool sawAllSubfolders(FolderState const& state) const;
     Result<FileDescriptor> open(FileDescriptor const& parent, char const* name);
@@ -35,6 +42,7 @@ private:
     WorkExchange& m_exchange;
     WalkFindings& m_findings;
     PackageRule const& m_packages;
+    std::optional<SoughtItem> const& m_item;
     MountPointSet const& m_mountPoints;
     FolderReader m_reader;
     FolderStack m_stack;

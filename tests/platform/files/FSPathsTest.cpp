@@ -162,9 +162,16 @@ INSTANTIATE_TEST_SUITE_P(FSPaths, RefusedReferences,
 TEST(FSPathMakeRef, SaysWhatTheDiskSays) {
     for (Refusal const& refusal : {Refusal{EIO, ioErr}, Refusal{ENOMEM, memFullErr}, Refusal{ENXIO, nsvErr},
                                    Refusal{EPERM, afpAccessDenied}, Refusal{ELOOP, fnfErr}}) {
+        // An item that is held already need not be opened.
+        TemporaryFolder const folder;
+        std::string const file = folder.makeFile("file", "");
         withRefusedCall(SYS_openat, refusal.errorNumber, [&] {
             FSRef reference{};
-            EXPECT_EQ(FSPathMakeRef(bytes("/usr"), &reference, nullptr), refusal.answer) << refusal.errorNumber;
+            EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), refusal.answer) << refusal.errorNumber;
+        });
+        withRefusedCall(SYS_statx, refusal.errorNumber, [&] {
+            FSRef reference{};
+            EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), refusal.answer) << refusal.errorNumber;
         });
     }
 }

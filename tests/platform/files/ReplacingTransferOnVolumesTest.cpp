@@ -17,6 +17,7 @@ TEST_F(ReplacingTransferOnVolumes, DoesNotKeepTheSpaceOfTheOriginal) {
     mountMemory(m_point.path());
     std::string const file = m_folder.makeFile("file", "x");
     ASSERT_TRUE(referenceToPath(file, LinkAtEnd::IsNotFollowed).hasValue());
+    releaseRemovedItems();
     std::size_t const before = namesIn("/proc/self/fd").size();
     EXPECT_EQ(errorOf(move, file, m_point.path(), "file", NameClash::IsRefused), 0);
     EXPECT_EQ(namesIn("/proc/self/fd").size(), before - 1);

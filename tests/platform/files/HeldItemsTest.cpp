@@ -1,0 +1,207 @@
+#include "platform/files/HeldItems.h"
+#include "platform/files/ItemReferences.h"
+#include "platform/system/FolderContents.h"
+#include "platform/system/LongPath.h"
+#include "tests/platform/files/TrashHome.h"
+#include "tests/platform/system/LongFolder.h"
+#include "tests/support/SystemCalls.h"
+#include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <array>
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/resource.h>
+#include <unistd.h>
+
+// Which items references hold open, and which they find without that.
+
+namespace mac::test {
+namespace {
+
+std::string pathOf(FSRef const& reference) {
+    Result<ReferencedItem> const item = itemOfReference(reference);
+    return item.hasValue() ? item.value().path : "-";
+}
+
+FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsFollowed).valueOr(FSRef{}); }
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+std::size_t openDescriptors() {
+    std::unique_ptr<DIR, CloseFolder> const folder(::opendir("/proc/self/fd"));
+    std::size_t count = 0;
+    while (::readdir(folder.get()))
+        ++count;
+    return count;
+}
+
+// The references that the tests before made are no longer held.
+void fillWithOthers(TemporaryFolder const& folder, unsigned count = 256) {
+    for (unsigned index = 0; index < count; ++index)
+        referenceTo(folder.makeFile("others/" + std::to_string(index), ""));
+}
+
+TEST(HeldItems, FollowsTheLast256) {
+    TemporaryFolder const folder;
+    std::vector<FSRef> references;
+    references.reserve(256);
+    for (int index = 0; index < 256; ++index)
+        references.push_back(referenceTo(folder.makeFile("files/" + std::to_string(index), "")));
+    folder.makeFolder("moved");
+    for (int index = 0; index < 256; ++index) {
+        std::string const name = std::to_string(index);
+        ASSERT_EQ(::rename(folder.path("files/" + name).c_str(), folder.path("moved/x" + name).c_str()), 0);
+    }
+    for (int index = 0; index < 256; ++index)
+        EXPECT_EQ(pathOf(references[static_cast<std::size_t>(index)]), folder.path("moved/x" + std::to_string(index)));
+}
+
+TEST(HeldItems, OfAnEarlierItemIsLookedForInItsFolder) {
+    TemporaryFolder const folder;
+    FSRef const same = referenceTo(folder.makeFile("a/same", ""));
+    FSRef const renamed = referenceTo(folder.makeFile("a/old", ""));
+    FSRef const moved = referenceTo(folder.makeFile("a/moved", ""));
+    FSRef const removed = referenceTo(folder.makeFile("a/removed", ""));
+    fillWithOthers(folder);
+    ASSERT_EQ(::rename(folder.path("a/old").c_str(), folder.path("a/new").c_str()), 0);
+    ASSERT_EQ(::rename(folder.path("a/moved").c_str(), folder.path("elsewhere").c_str()), 0);
+    ASSERT_EQ(::unlink(folder.path("a/removed").c_str()), 0);
+    for (int index = 0; index < 20; ++index)
+        folder.makeFile("a/removed", std::to_string(index));
+    EXPECT_EQ(pathOf(same), folder.path("a/same"));
+    EXPECT_EQ(pathOf(renamed), folder.path("a/new"));
+    EXPECT_EQ(pathOf(moved), "-");
+    EXPECT_EQ(pathOf(removed), "-");
+    // Made anew it is followed again.
+    EXPECT_TRUE(referenceTo(folder.path("elsewhere")) == moved);
+    EXPECT_EQ(pathOf(moved), folder.path("elsewhere"));
+}
+
+// Where it was when it was let go, not when it was made.
+TEST(HeldItems, OfAnEarlierItemRemembersWhereItWasLast) {
+    TemporaryFolder const folder;
+    FSRef const reference = referenceTo(folder.makeFile("a/file", ""));
+    folder.makeFolder("b");
+    ASSERT_EQ(::rename(folder.path("a/file").c_str(), folder.path("b/file").c_str()), 0);
+    fillWithOthers(folder);
+    EXPECT_EQ(pathOf(reference), folder.path("b/file"));
+}
+
+TEST(HeldItems, HoldsNoMoreThan256Descriptors) {
+    TemporaryFolder const folder;
+    fillWithOthers(folder, 10);
+    std::size_t const before = openDescriptors();
+    fillWithOthers(folder, 1'000);
+    EXPECT_LE(openDescriptors(), before + 256);
+    for (int index = 0; index < 100; ++index)
+        referenceTo(folder.path("others/0"));
+    EXPECT_LE(openDescriptors(), before + 256);
+}
+
+// Two calls to know the item, four to hold it and three to let the oldest one go.
+constexpr unsigned MostCallsForNewReference = 7;
+
+TEST(HeldItems, AsksNothingAboutTheOthersThatAreHeld) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    fillWithOthers(folder);
+    std::optional<unsigned> const calls = systemCallsOf([&] { referenceTo(file); });
+    if (!calls) GTEST_SKIP() << "tracing is not allowed here";
+    EXPECT_GT(*calls, 0U);
+    EXPECT_LE(*calls, MostCallsForNewReference);
+    FSRef const reference = referenceTo(file);
+    EXPECT_EQ(systemCallsOf([&] { referenceTo(file); }), 1U);
+    EXPECT_LE(*systemCallsOf([&] { pathOf(reference); }), 2U);
+}
+
+TEST(HeldItems, MadeAgainIsFoundUnderTheOtherName) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("a/file", "");
+    folder.makeFolder("b");
+    ASSERT_EQ(::link(file.c_str(), folder.path("b/other").c_str()), 0);
+    FSRef const reference = referenceTo(file);
+    EXPECT_EQ(referenceTo(folder.path("b/other")), reference);
+    ASSERT_EQ(::unlink(file.c_str()), 0);
+    EXPECT_EQ(pathOf(reference), folder.path("b/other"));
+}
+
+TEST(HeldItems, MadeAgainOfALongPathIsFoundThere) {
+    LongFolder longFolder;
+    longFolder.makeFile("file", "");
+    longFolder.makeFolder("inner");
+    std::string const& path = longFolder.path();
+    FSRef const reference = referenceTo(path + "/file");
+    ASSERT_EQ(pathOf(reference), path + "/file");
+    FileDescriptor const inner = openPath(path, O_PATH).takeValue();
+    ASSERT_EQ(::renameat(inner.number(), "file", inner.number(), "inner/moved"), 0);
+    EXPECT_EQ(referenceTo(path + "/inner/moved"), reference);
+    EXPECT_EQ(pathOf(reference), path + "/inner/moved");
+    ASSERT_EQ(::renameat(inner.number(), "inner/moved", inner.number(), "file"), 0);
+}
+
+std::size_t removedItemsHeldOpen() {
+    std::vector<std::string> const names = namesInFolder("/proc/self/fd", LinkAtEnd::IsFollowed).valueOr({});
+    return static_cast<std::size_t>(std::ranges::count_if(names, [](std::string const& name) {
+        std::array<char, 4096> text{};
+        ssize_t const length = ::readlink(("/proc/self/fd/" + name).c_str(), text.data(), text.size());
+        return length > 0 && std::string_view(text.data(), static_cast<std::size_t>(length)).ends_with(" (deleted)");
+    }));
+}
+
+// Each new reference looks at one of them.
+TEST(HeldItems, LetsRemovedItemsGoAsOthersAreMade) {
+    TemporaryFolder const folder;
+    fillWithOthers(folder, 256);
+    releaseRemovedItems();
+    for (int index = 156; index < 256; ++index)
+        ASSERT_EQ(::unlink(folder.path("others/" + std::to_string(index)).c_str()), 0);
+    std::size_t const removed = removedItemsHeldOpen();
+    EXPECT_GE(removed, 100U);
+    for (int index = 0; index < 100; ++index)
+        referenceTo(folder.makeFile("later/" + std::to_string(index), ""));
+    EXPECT_EQ(removedItemsHeldOpen(), removed - 100);
+}
+
+TEST(HeldItems, MakesRoomWhenNoDescriptorIsLeft) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    fillWithOthers(folder);
+    rlimit old{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &old), 0);
+    rlimit few = old;
+    few.rlim_cur = 200;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    FSRef const reference = referenceTo(file);
+    std::string const path = pathOf(reference);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &old), 0);
+    EXPECT_EQ(path, file);
+}
+
+TEST(HeldItems, DoesNotKeepRemovedItems) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    referenceTo(file);
+    releaseRemovedItems();
+    std::size_t const before = openDescriptors();
+    ASSERT_EQ(::unlink(file.c_str()), 0);
+    releaseRemovedItems();
+    EXPECT_EQ(openDescriptors(), before - 1);
+}
+
+TEST(HeldItems, DoesNotKeepWhatTheTrashIsEmptiedOf) {
+    TrashHome const home;
+    Result<TrashedItem, TrashProblem> const item = moveToTrash(home.folder.makeFile("file", ""));
+    ASSERT_TRUE(item.hasValue());
+    referenceTo(item.value().path);
+    releaseRemovedItems();
+    std::size_t const before = openDescriptors();
+    EXPECT_EQ(emptyTrash().removed, 1U);
+    EXPECT_EQ(openDescriptors(), before - 1);
+}
+
+} // namespace
+} // namespace mac::test

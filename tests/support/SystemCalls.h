@@ -1,0 +1,12 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+namespace mac::test {
+
+// How many system calls the function makes, counted in a traced copy of this process: what it changes in memory is
+// lost, and its files are those of the copy. nullopt where tracing is not allowed, or if the copy ends by a signal.
+std::optional<unsigned> systemCallsOf(std::function<void()> const& function);
+
+} // namespace mac::test
