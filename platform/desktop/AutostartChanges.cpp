@@ -3,6 +3,7 @@
 #include "platform/system/FileWriting.h"
 #include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/items/ItemRename.h"
 #include <cerrno>
@@ -60,7 +61,7 @@ Result<void> removeItem(FileDescriptor const& folder, std::string const& name, F
     if (!status.hasValue()) return status.problem();
     if (status.value() != expected) return SystemError{.code = ESTALE, .operation = "remove", .item = name};
     // First to a name that no other program knows, so that a file that takes the place meanwhile is not removed.
-    Result<std::string> const aside = unguessableName();
+    Result<std::string> const aside = temporaryName();
     if (!aside.hasValue()) return aside.problem();
     Result<void, RenameProblem> const moved = renameItem(item, {folder, name}, {folder, aside.value()});
     if (!moved.isDone()) return moved.problem().error;

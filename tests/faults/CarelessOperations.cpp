@@ -1,3 +1,4 @@
+#include "platform/system/TemporaryName.h"
 #include "tests/faults/Operations.h"
 #include <array>
 #include <fcntl.h>
@@ -46,7 +47,7 @@ bool copyForEverybody(Fixture const& fixture) {
 }
 
 bool leaveTemporary(Fixture const& fixture) {
-    std::string const temporary = fixture.path("o/.0123456789abcdef0123456789abcdef");
+    std::string const temporary = fixture.path("o/") + temporaryName().valueOr("");
     return copyTo(fixture, temporary, 0600) && ::rename(temporary.c_str(), fixture.path("o/x").c_str()) == 0;
 }
 

@@ -36,7 +36,8 @@ Fixture::Fixture(std::string volume, std::optional<std::string> secondVolume)
     setVariable("HOME", path("home"));
     setVariable("XDG_DATA_HOME", path("data"));
     setVariable("XDG_CONFIG_HOME", path("config"));
-    setVariable("XDG_DATA_DIRS", path("none"));
+    for (char const* const others : {"XDG_DATA_DIRS", "XDG_CONFIG_DIRS"})
+        setVariable(others, path("none"));
     setVariable("XDG_DESKTOP_DIR", "");
     setVariable("FRAMEKEEPER_LOCAL_COMPUTER", m_volume);
 }
@@ -77,7 +78,7 @@ Snapshot Fixture::snapshot() const {
     return all;
 }
 
-void Fixture::write(std::string_view relative, std::string_view contents, unsigned mode) const {
+void Fixture::makeText(std::string_view relative, std::string_view contents, unsigned mode) const {
     std::string const file = path(relative);
     int const open = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     need(open >= 0, file);
@@ -89,7 +90,7 @@ void Fixture::write(std::string_view relative, std::string_view contents, unsign
 }
 
 void Fixture::makeFile(std::string_view relative, std::string_view text, unsigned mode) const {
-    write(relative, secretText(relative) + std::string(text), mode);
+    makeText(relative, secretText(relative) + std::string(text), mode);
 }
 
 void Fixture::makeFolder(std::string_view relative, unsigned mode) const {
@@ -122,7 +123,7 @@ void Fixture::makeTrash() const {
 void Fixture::recordTrashed(std::string_view name) const {
     std::string const record =
         "[Trash Info]\nPath=" + path("w/") + std::string(name) + "\nDeletionDate=2026-01-02T03:04:05\n";
-    write("data/Trash/info/" + std::string(name) + ".trashinfo", record, 0600);
+    makeText("data/Trash/info/" + std::string(name) + ".trashinfo", record, 0600);
 }
 
 void Fixture::makeSidecar(std::string_view folder, std::string_view item) const {
@@ -132,7 +133,7 @@ void Fixture::makeSidecar(std::string_view folder, std::string_view item) const 
     need(contents.setValue("beside", std::as_bytes(std::span(secret))), place);
     std::optional<std::vector<std::byte>> const bytes = contents.written();
     need(bytes.has_value(), place);
-    write(place, {reinterpret_cast<char const*>(bytes->data()), bytes->size()}, 0600);
+    makeText(place, {reinterpret_cast<char const*>(bytes->data()), bytes->size()}, 0600);
 }
 
 } // namespace mac::faults

@@ -28,6 +28,8 @@ public:
     // These end the program with a reason if the item cannot be made: a campaign on half a fixture tells nothing.
     // A file of a date of its own whose text holds a secret of its path, readable by its owner alone.
     void makeFile(std::string_view relative, std::string_view text = {}, unsigned mode = 0600) const;
+    // A file of just that text.
+    void makeText(std::string_view relative, std::string_view contents, unsigned mode) const;
     void makeFolder(std::string_view relative, unsigned mode = 0755) const;
     void makeLink(std::string_view relative, std::string const& target) const;
     // False if the volume has no attributes.
@@ -42,7 +44,6 @@ public:
     void makeSidecar(std::string_view folder, std::string_view item) const;
 
 private:
-    void write(std::string_view relative, std::string_view contents, unsigned mode) const;
     void remove(std::string const& folder) const;
 
     std::string m_volume;

@@ -53,6 +53,7 @@ std::vector<Operation> trashOperations();
 std::vector<Operation> transferOperations();
 std::vector<Operation> attributeOperations();
 std::vector<Operation> fileOperations();
+std::vector<Operation> listOperations();
 std::vector<Operation> scriptOperations();
 // Operations that break each promise, for the campaign's own tests.
 std::vector<Operation> carelessOperations();

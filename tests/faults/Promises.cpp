@@ -1,13 +1,15 @@
 #include "tests/faults/Promises.h"
+#include "platform/system/TemporaryName.h"
 #include <algorithm>
 
 namespace mac::faults {
 
 namespace {
 
-constexpr std::size_t TemporaryNameSize = 33;
-constexpr std::string_view SidecarPrefix = "._";
+// So many bytes of a finding tell enough.
+constexpr std::size_t LongestText = 300;
 constexpr unsigned ForGroup = 0070;
+constexpr unsigned ForOthersToWrite = 0022;
 constexpr unsigned ForGroupAndOthers = 0077;
 constexpr std::string_view Canary = "canary";
 // Has the name of the items that operations are about.
@@ -71,19 +73,15 @@ char const* nameOf(Promise promise) {
     return "";
 }
 
-bool isTemporaryName(std::string_view path) {
-    std::string_view name = path.substr(path.rfind('/') + 1);
-    if (name.starts_with(SidecarPrefix)) name.remove_prefix(SidecarPrefix.size());
-    constexpr std::string_view digits = "0123456789abcdef";
-    return name.size() == TemporaryNameSize && name.front() == '.' &&
-           name.find_first_not_of(digits, 1) == std::string_view::npos;
-}
+bool isTemporaryName(std::string_view path) { return parseTemporaryName(path.substr(path.rfind('/') + 1)).has_value(); }
 
-// The folders of a trash may have been made, and stay.
-bool Judgement::isMadeTrash(std::string const& path) const {
+// The folders of a trash and of settings may have been made, and stay, as do files that processes lock.
+bool Judgement::isMadeToStay(std::string const& path) const {
     SeenItem const* const item = itemAt(m_found, path);
+    if (!item || !m_expectation.after.contains(path) || (item->mode & ForOthersToWrite) != 0) return false;
     bool const isTrash = path.find("/Trash") != std::string::npos || path.find(".Trash-") != std::string::npos;
-    return isTrash && item && item->isFolder && item->mode == 0700 && m_expectation.after.contains(path);
+    bool const isOfSettings = path.starts_with("config/");
+    return item->isFolder ? isTrash || isOfSettings : isOfSettings && path.ends_with("/.lock");
 }
 
 // The record of an item that never came to the trash: no program shows it.
@@ -98,7 +96,7 @@ bool Judgement::isRecordWithoutItem(std::string const& path) const {
 
 bool Judgement::isAsIn(Snapshot const& expected) const {
     for (auto const& [path, item] : m_found)
-        if (!expected.contains(path) && !isMadeTrash(path)) return false;
+        if (!expected.contains(path) && !isMadeToStay(path)) return false;
     return std::ranges::all_of(expected, [&](auto const& entry) {
         SeenItem const* const found = itemAt(m_found, entry.first);
         return found && *found == entry.second;
@@ -150,6 +148,7 @@ bool Judgement::hasLeft(std::string const& path) const {
 
 // Each path is as before or as after.
 void Judgement::checkPaths(std::set<Finding>& findings) const {
+    std::string wrong;
     std::set<std::string> paths;
     for (Snapshot const* const snapshot : {&m_expectation.before, &m_expectation.after, &m_found})
         for (auto const& [path, item] : *snapshot)
@@ -161,28 +160,30 @@ void Judgement::checkPaths(std::set<Finding>& findings) const {
         auto const isAs = [found](SeenItem const* expected) {
             return found && expected ? *found == *expected : found == expected;
         };
-        if (isAs(before) || isAs(after) || isMadeTrash(path) || isRecordWithoutItem(path)) continue;
+        if (isAs(before) || isAs(after) || isMadeToStay(path) || isRecordWithoutItem(path)) continue;
         if (!found && hasLeft(path)) continue;
         bool const isBelowTemporary = [&path] {
             for (std::size_t at = path.find('/'); at != std::string::npos; at = path.find('/', at + 1))
                 if (isTemporaryName(path.substr(0, at))) return true;
             return isTemporaryName(path);
         }();
-        if (!isBelowTemporary) findings.insert({Promise::ItemIsWhole, "neither old nor new: " + path});
+        if (!isBelowTemporary && wrong.size() < LongestText) wrong += " " + path;
     }
+    if (!wrong.empty()) findings.insert({Promise::ItemIsWhole, "neither old nor new:" + wrong});
 }
 
-void Judgement::checkSuccess(std::set<Finding>& findings, bool isReached) const {
+void Judgement::checkSuccess(std::set<Finding>& findings, Undoing undoing, bool isReached) const {
     if (isAsIn(m_expectation.after)) return;
     bool const hasTemporary = std::ranges::any_of(m_found, [](auto const& i) { return isTemporaryName(i.first); });
+    if (undoing == Undoing::IsImpossible && hasTemporary) return checkPaths(findings);
     if (hasTemporary) findings.insert({Promise::NoLeftovers, "temporary names stay after a success"});
     if (!isReached)
         findings.insert({Promise::AnswerIsTrue, "success was said:" + difference(m_expectation.after, m_found)});
 }
 
-void Judgement::checkFailure(std::set<Finding>& findings, Lasting lasting) const {
+void Judgement::checkFailure(std::set<Finding>& findings, Undoing undoing) const {
     if (isAsIn(m_expectation.after) || isAsIn(m_expectation.before)) return;
-    if (lasting == Lasting::ForGood) return checkPaths(findings);
+    if (undoing == Undoing::IsImpossible) return checkPaths(findings);
     bool const hasTemporary = std::ranges::any_of(m_found, [](auto const& i) { return isTemporaryName(i.first); });
     if (hasTemporary) findings.insert({Promise::NoLeftovers, "temporary names stay after a failure"});
     if (m_operation.failure == Failure::LeavesSomeDone) return checkPaths(findings);
@@ -190,15 +191,15 @@ void Judgement::checkFailure(std::set<Finding>& findings, Lasting lasting) const
         findings.insert({Promise::AnswerIsTrue, "failure was said:" + difference(m_expectation.before, m_found)});
 }
 
-std::set<Finding> Judgement::afterFault(Ending ending, Lasting lasting, bool isReached) const {
+std::set<Finding> Judgement::afterFault(Ending ending, Undoing undoing, bool isReached) const {
     std::set<Finding> findings;
     checkEnding(findings, ending);
     checkReaders(findings);
     if (!isReached) checkItems(findings);
     if (ending == Ending::SaidDone)
-        checkSuccess(findings, isReached);
+        checkSuccess(findings, undoing, isReached);
     else if (ending == Ending::SaidFailed)
-        checkFailure(findings, lasting);
+        checkFailure(findings, undoing);
     else
         checkPaths(findings);
     return findings;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/faults/FaultPlan.h"
 #include "tests/faults/Operations.h"
 #include <set>
 
@@ -37,6 +36,13 @@ enum class Promise {
 };
 char const* nameOf(Promise promise);
 
+enum class Undoing {
+    IsPossible,
+    // The call fails again, or the call that failed was the removal of what should go: names may stay until the next
+    // operation, and each path is as before or as after.
+    IsImpossible,
+};
+
 // What is on the disk before the operation, and what after it without a fault.
 struct Expectation {
     Snapshot before{};
@@ -61,8 +67,7 @@ public:
         : m_operation(operation), m_expectation(expectation), m_found(found) {}
 
     // After a fault.
-    // What cannot be undone because the same call fails again may stay, but for the items.
-    std::set<Finding> afterFault(Ending ending, Lasting lasting, bool isReached) const;
+    std::set<Finding> afterFault(Ending ending, Undoing undoing, bool isReached) const;
     // After another process exchanged a name with a link.
     std::set<Finding> afterExchange(Ending ending, std::string const& exchanged) const;
     // After a killed operation and another one in the same folder.
@@ -73,13 +78,13 @@ private:
     void checkReaders(std::set<Finding>& findings) const;
     void checkItems(std::set<Finding>& findings) const;
     void checkPaths(std::set<Finding>& findings) const;
-    void checkSuccess(std::set<Finding>& findings, bool isReached) const;
-    void checkFailure(std::set<Finding>& findings, Lasting lasting) const;
+    void checkSuccess(std::set<Finding>& findings, Undoing undoing, bool isReached) const;
+    void checkFailure(std::set<Finding>& findings, Undoing undoing) const;
     void checkCanary(std::set<Finding>& findings, bool isOnTheWay) const;
     bool isWholeAt(std::string const& place, Snapshot const& expected) const;
     bool isWritten(std::string const& secret) const;
     bool hasLeft(std::string const& path) const;
-    bool isMadeTrash(std::string const& path) const;
+    bool isMadeToStay(std::string const& path) const;
     bool isRecordWithoutItem(std::string const& path) const;
 
     Operation const& m_operation;
