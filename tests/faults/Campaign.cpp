@@ -39,6 +39,12 @@ void exchange() {
     (void)::syscall(SYS_renameat2, AT_FDCWD, exchangedPath.c_str(), AT_FDCWD, linkPath.c_str(), renameExchange);
 }
 
+Undoing undoingAfter(FaultPoint const& point, std::string_view call) {
+    if (point.action != Action::Fail) return Undoing::IsPossible;
+    bool const isRemoval = call.starts_with("unlink") && point.error != EINTR;
+    return isRemoval || point.lasting == Lasting::ForGood ? Undoing::IsImpossible : Undoing::IsPossible;
+}
+
 } // namespace
 
 struct Campaign::Shared {
@@ -112,7 +118,7 @@ void Campaign::losePower(Operation const& operation, FaultPoint const& point) {
     m_isPrepared = false;
     m_counts.prefixes += m_shared->powerLoss.prefixes;
     std::string_view const text = m_shared->powerLoss.finding.data();
-    if (!text.empty()) report(operation, point, {Promise::SurvivesPowerLoss, std::string(text)});
+    if (!text.empty()) report(operation, point, "no call", {Promise::SurvivesPowerLoss, std::string(text)});
 }
 
 // Runs the operation again and again beside a process that exchanges the name all the time.
@@ -142,7 +148,7 @@ void Campaign::race(Operation const& operation, FaultPoint const& point) {
         m_isPrepared = found == m_expectation.before;
         ++m_counts.races;
         for (Finding const& finding : Judgement(operation, m_expectation, found).afterExchange(ending, point.exchanged))
-            report(operation, point, finding);
+            report(operation, point, "no call", finding);
     }
     ::kill(racer, SIGKILL);
     ::waitpid(racer, nullptr, 0);
@@ -252,31 +258,45 @@ void Campaign::take(Operation const& operation, FaultPoint const& point) {
 void Campaign::judge(Operation const& operation, FaultPoint const& point, Trial const& trial) {
     Judgement const judgement(operation, m_expectation, trial.found);
     bool const isExchange = point.action == Action::Disturb;
+    std::string const call = callAt(point);
+    Undoing const undoing = undoingAfter(point, call);
     bool const isReached =
         !isExchange && trial.ending == Ending::SaidDone && operation.isReached && operation.isReached(m_fixture);
     if (!isExchange && trial.ending == Ending::SaidFailed && trial.found == m_expectation.after)
         ++m_counts.deniedSuccesses;
     for (Finding const& finding : isExchange ? judgement.afterExchange(trial.ending, point.exchanged)
-                                             : judgement.afterFault(trial.ending, point.lasting, isReached))
-        report(operation, point, finding);
-    if (point.action != Action::Kill) return;
+                                             : judgement.afterFault(trial.ending, undoing, isReached))
+        report(operation, point, call, finding);
+    if (point.action != Action::Kill && undoing == Undoing::IsPossible) return;
     bool const hasLeftover = std::ranges::any_of(trial.found, [](auto const& i) { return isTemporaryName(i.first); });
-    if (hasLeftover) writeAgain(operation, point);
+    if (hasLeftover) writeAgain(operation, point, call);
 }
 
-// The same operation once more, which may refuse what is there by now.
-void Campaign::writeAgain(Operation const& operation, FaultPoint const& point) {
-    runApart([&] { return operation.run(m_fixture); }, {.volume = point.volume, .at = ~0U});
+// The same operation once more, which may refuse what is there by now, and a copy to each folder with a temporary name.
+void Campaign::writeAgain(Operation const& operation, FaultPoint const& point, std::string const& call) {
+    Snapshot const left = m_fixture.snapshot();
+    std::function<bool()> const again = [&] {
+        static_cast<void>(operation.run(m_fixture));
+        for (auto const& [path, item] : left) {
+            std::size_t const end = path.rfind('/');
+            if (isTemporaryName(path) && end != std::string::npos) copyIntoFolder(m_fixture, path.substr(0, end));
+        }
+        return true;
+    };
+    runApart(again, {.volume = point.volume, .at = ~0U});
     Snapshot const found = m_fixture.snapshot();
     m_isPrepared = false;
     for (Finding const& finding : Judgement(operation, m_expectation, found).afterNextWrite())
-        report(operation, point, finding);
+        report(operation, point, call, finding);
 }
 
-void Campaign::report(Operation const& operation, FaultPoint const& point, Finding const& finding) {
-    std::string const call = point.at == ~0U               ? "no call"
-                             : point.at < CallRecord::Most ? m_shared->record.names[point.at]
-                                                           : "";
+std::string Campaign::callAt(FaultPoint const& point) const {
+    bool const isKnown = point.at < std::min<std::uint32_t>(m_shared->record.count, CallRecord::Most);
+    return isKnown ? m_shared->record.names[point.at] : "no call";
+}
+
+void Campaign::report(Operation const& operation, FaultPoint const& point, std::string const& call,
+                      Finding const& finding) {
     auto const known = std::ranges::find_if(m_breaks, [&](Break const& one) {
         return one.operation == operation.name && one.point.action == point.action &&
                one.point.volume == point.volume && one.call == call && one.finding.promise == finding.promise;

@@ -95,8 +95,9 @@ private:
     void losePower(Operation const& operation, FaultPoint const& point);
     void take(Operation const& operation, FaultPoint const& point);
     void judge(Operation const& operation, FaultPoint const& point, Trial const& trial);
-    void writeAgain(Operation const& operation, FaultPoint const& point);
-    void report(Operation const& operation, FaultPoint const& point, Finding const& finding);
+    void writeAgain(Operation const& operation, FaultPoint const& point, std::string const& call);
+    std::string callAt(FaultPoint const& point) const;
+    void report(Operation const& operation, FaultPoint const& point, std::string const& call, Finding const& finding);
     void prepare(Operation const& operation);
     Ending runApart(std::function<bool()> const& action, Plan const& plan);
     bool isEnough(Operation const& operation) const;

@@ -58,6 +58,9 @@ std::vector<Operation> scriptOperations();
 // Operations that break each promise, for the campaign's own tests.
 std::vector<Operation> carelessOperations();
 
+// Copies a file of the canary into the folder, as the next operation there.
+void copyIntoFolder(Fixture const& fixture, std::string const& folder);
+
 // All but the careless ones.
 std::vector<Operation> allOperations();
 

@@ -137,7 +137,6 @@ std::vector<Operation> attributeOperations() {
          .prepare = makeWithAttribute,
          .run = setPropertyList,
          .items = {{"w/x", "w/x"}},
-         .exchanged = Exchanges,
          .exchangedWays = Ways},
     };
 }

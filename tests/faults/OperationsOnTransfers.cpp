@@ -12,18 +12,19 @@ using Transfer = Result<void, ReplacingProblem> (*)(ItemTransfer, NameClash, Tra
 constexpr Transfer Copy = copyItem;
 constexpr Transfer Move = moveItem;
 
-// Transfers "w/x" to the name "x" in the folder.
-bool transfer(Fixture const& fixture, Transfer how, std::string const& folder, NameClash clash = NameClash::IsRefused) {
-    Result<OpenItem> const item = openItemAtPath(fixture.path("w/x"), LinkAtEnd::IsNotFollowed);
+// Transfers the item to the name "x" in the folder.
+bool transfer(Fixture const& fixture, std::string const& path, Transfer how, std::string const& folder,
+              NameClash clash = NameClash::IsRefused, std::string const& name = "x") {
+    Result<OpenItem> const item = openItemAtPath(fixture.path(path), LinkAtEnd::IsNotFollowed);
     if (!item.hasValue()) return false;
     FileDescriptor const target(::open(fixture.path(folder).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!target.isOpen()) return false;
-    return how({.item = item.value(), .folder = target, .name = "x"}, clash, {}).isDone();
+    return how({.item = item.value(), .folder = target, .name = name}, clash, {}).isDone();
 }
 
 std::function<bool(Fixture const&)> transferring(Transfer how, std::string folder,
                                                  NameClash clash = NameClash::IsRefused) {
-    return [=](Fixture const& fixture) { return transfer(fixture, how, folder, clash); };
+    return [=](Fixture const& fixture) { return transfer(fixture, "w/x", how, folder, clash); };
 }
 
 void makeFile(Fixture const& fixture) {
@@ -74,6 +75,10 @@ std::vector<std::string> const Ways{"w", "o"};
 constexpr char InTrash[] = "data/Trash/files/x";
 
 } // namespace
+
+void copyIntoFolder(Fixture const& fixture, std::string const& folder) {
+    static_cast<void>(transfer(fixture, "canary/file", Copy, folder, NameClash::IsRefused, "next"));
+}
 
 std::vector<Operation> transferOperations() {
     Item const kept{"w/x", "w/x"};
