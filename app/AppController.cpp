@@ -2,6 +2,7 @@
 #include "app/AppControllerBody.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
+#include "app/PutBack.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"
@@ -82,6 +83,10 @@ ClassDescription AppController::describeClass() {
                 method<&Self::syncIsRunningPaths>("syncIsRunningPaths"),
                 method<&Self::syncIsAutolaunched>("syncIsAutolaunched"),
                 method<&Self::syncIsInToolbar>("syncIsInToolbar"),
+                method<&Self::readAllToolbarItems>("readAllToolbarItems"),
+                method<&Self::writeAllToolbarItems_>("writeAllToolbarItems:"),
+                method<&Self::unToolbarAction_>("unToolbarAction:"),
+                method<&Self::quitFinderAction_>("quitFinderAction:"),
                 method<&Self::syncQuery>("syncQuery"),
                 method<&Self::syncIsOnHarddisk>("syncIsOnHarddisk"),
                 method<&Self::queryDidStart_>("queryDidStart:"),
@@ -102,6 +107,12 @@ ClassDescription AppController::describeClass() {
                 method<&Self::logOutAction_>("logOutAction:"),
                 method<&Self::quitAction_>("quitAction:"),
                 method<&Self::openActivityMonitorAction_>("openActivityMonitorAction:"),
+                method<&Self::revealAction_>("revealAction:"),
+                method<&Self::trashAction_>("trashAction:"),
+                method<&Self::deleteAction_>("deleteAction:"),
+                method<&Self::swapIconAction_>("swapIconAction:"),
+                method<&Self::undoAction_>("undoAction:"),
+                method<&Self::putBackAction_>("putBackAction:"),
             },
         .classMethods = {classMethod<&AppController::initialize>("initialize")},
         .properties =
@@ -111,6 +122,9 @@ ClassDescription AppController::describeClass() {
                 property<&Self::isOnHarddiskPaths, &Self::setIsOnHarddiskPaths_>("isOnHarddiskPaths"),
                 property<&Self::paths, &Self::setPaths_>("paths"),
                 property<&Self::query, &Self::setQuery_>("query"),
+                readOnlyProperty<&Self::canUndo>("canUndo"),
+                readOnlyProperty<&Self::notice>("notice"),
+                readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
                 outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),
                 outlet<&Self::pathsTableView, &Body::_pathsTableView>("pathsTableView"),
                 outlet<&Self::window, &Body::_window>("window"),
@@ -123,6 +137,7 @@ ClassDescription AppController::describeClass() {
 void AppController::initialize() {
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToStringTransformer>(), "BOOLToStringTransformer");
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToColorTransformer>(), "BOOLToColorTransformer");
+    NSValueTransformer::setValueTransformer_forName_(adopt<InTrashTransformer>(), "InTrashTransformer");
 }
 
 AppController AppController::init() const {

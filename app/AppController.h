@@ -80,6 +80,18 @@ public:
     void syncIsAutolaunched() const;
     void syncIsInToolbar() const;
 
+    // The Finder's toolbar items as they are now; an empty array without any. A failure to synchronise is a beep and a
+    // line in the log, and what could be read is answered. Linux: the items are the file browser's places.
+    NSArray readAllToolbarItems() const;
+    // Replaces them by these; YES if that is on the disk.
+    bool writeAllToolbarItems_(NSArray const& items) const;
+    // Removes the toolbar item of the one selected record, then quits the Finder and launches it again. A beep and a
+    // line in the log if the item is not in the list as last read, or cannot be removed.
+    void unToolbarAction_(id const& sender) const;
+    // Quits the Finder and launches it again as it was started; a beep and a line in the log when it refuses, does not
+    // run or is not launched. Blocks while it quits: until it has replied to the event, then about four seconds.
+    void quitFinderAction_(id const& sender) const;
+
     // The login items: dictionaries of "Hide", "Path" and "AliasData", and whatever else other programs put there. Read
     // anew; an empty array if there are none. What cannot be read is a beep and a line in the log.
     NSArray readAllAutolaunchItems() const;
@@ -121,7 +133,34 @@ public:
     // Launches the system's monitor of processes; a beep and a line in the log when there is none.
     void openActivityMonitorAction_(id const& sender) const;
 
+    // Shows all selected copies in the file browser; a beep when none could be shown.
+    void revealAction_(id const& sender) const;
+    // The next three work on the one selected record; unless there is exactly one they do nothing. Failures are a beep
+    // and a line in the log.
+    //
+    // Moves the copy to the trash, where it stays listed.
+    void trashAction_(id const& sender) const;
+    // Deletes the copy for good, without asking.
+    void deleteAction_(id const& sender) const;
+    // Gives the copy the other one of its two icons and shows it in the file browser.
+    void swapIconAction_(id const& sender) const;
+
+    // Linux: takes back the last move to the trash, change of the login items, removal from the toolbar or icon swap of
+    // this window's life. A beep and a notice where that cannot be done.
+    void undoAction_(id const& sender) const;
+    // Linux: moves the one selected copy out of the trash to where it came from. A beep and a notice where that cannot
+    // be done.
+    void putBackAction_(id const& sender) const;
+    // Linux: whether there is something to undo. Can be observed.
+    bool canUndo() const;
+    // Linux: a text about the last change for the window, which is told each time it is set; nil before the first.
+    NSString notice() const;
+    // Linux: whether the notice is about a change that undoAction takes back.
+    bool noticeOffersUndo() const;
+
 private:
+    // The path of the one selected record; nil unless there is exactly one.
+    NSString onlySelectedPath() const;
     // Starts the query; a refusal is a beep and a line in the log.
     void startQuery() const;
 };

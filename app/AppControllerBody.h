@@ -2,6 +2,7 @@
 
 #include "app/AppController.h"
 #include "app/MembershipSources.h"
+#include "app/Undo.h"
 #include "scripting/ProcessQuitting.h"
 #include <array>
 
@@ -22,6 +23,10 @@ public:
     NSMutableSet _isOnHarddiskPaths;
     NSMutableSet _paths;
     NSMetadataQuery _query;
+    // The last one on top of the stack, which is its end.
+    std::vector<UndoStep> _undoSteps;
+    NSString _notice;
+    bool _noticeOffersUndo{false};
     NSArrayController _pathsArrayController;
     NSTableView _pathsTableView;
     NSWindow _window;

@@ -1,5 +1,6 @@
 #include "app/AppController.h"
 #include "app/MembershipSources.h"
+#include "app/Undo.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
@@ -87,8 +88,11 @@ void AppController::addToAutoLaunchAction_(id const&) const {
     id const record = selected.objectAtIndex_(0);
     NSMutableArray const items = NSMutableArray::arrayWithArray_(allAutolaunchItems());
     NSMutableArray const copies = NSMutableArray::array();
-    for (id const& item : items) {
-        if (pathOfCopy(item) != nil) copies.addObject_(item);
+    ListChange change{.list = ListChange::List::LoginItems};
+    for (NSUInteger index = 0; index < items.count(); ++index) {
+        if (pathOfCopy(items.objectAtIndex_(index)) == nil) continue;
+        copies.addObject_(items.objectAtIndex_(index));
+        change.removed.push_back(removedItem(items, index));
     }
     items.removeObjectsInArray_(copies);
     NSString const path = as<NSString>(record.valueForKey_("path"));
@@ -100,6 +104,12 @@ void AppController::addToAutoLaunchAction_(id const&) const {
     }
     syncIsAutolaunched();
     reSync();
+    for (id const& entry : isAutolaunchedPaths().allObjects()) {
+        bool const isNew = entry.valueForKey_("path").isEqual_(path.stringByStandardizingPath());
+        if (isNew) change.added.push_back(entry.valueForKey_("autolaunchItem"));
+    }
+    remember(*this, std::move(change));
+    tell(*this, "Added to the login items.", Offer::Undo);
 }
 
 void AppController::unAutoLaunchAction_(id const&) const {
@@ -112,10 +122,15 @@ void AppController::unAutoLaunchAction_(id const&) const {
         beepAndLog("Item is not auto-launched.");
         return;
     }
+    ListChange change{.list = ListChange::List::LoginItems, .removed = {removedItem(items, index)}};
     items.removeObjectAtIndex_(index);
-    if (!writeAllAutolaunchItems_(NSArray::arrayWithArray_(items))) beepAndLog("Could remove auto-launch entry.");
+    bool const isWritten = writeAllAutolaunchItems_(NSArray::arrayWithArray_(items));
+    if (!isWritten) beepAndLog("Could remove auto-launch entry.");
     syncIsAutolaunched();
     reSync();
+    if (!isWritten) return;
+    remember(*this, std::move(change));
+    tell(*this, "Removed from the login items.", Offer::Undo);
 }
 
 void AppController::showAccountsAction_(id const&) const {

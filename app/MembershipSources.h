@@ -16,15 +16,22 @@ struct MembershipSource {
     // The key of the source's object, both in an entry and in a record.
     char const* objectKey;
     // Reads the source anew and replaces the set.
-    void (AppController::*sync)() const;
+    void (*sync)(AppController const& controller);
 };
 
-// In the order in which they are read and contribute paths. Another source is another row; a file of its own defines
-// its sync, which ends in setEntries.
+// What the controller does itself, as a row's sync.
+template <void (AppController::*member)() const>
+void ofController(AppController const& controller) {
+    (controller.*member)();
+}
+
+// In the order in which they are read and contribute paths. Another source is another row, its sync declared above the
+// table and defined in a file of its own, where it ends in setEntries.
 inline constexpr std::array MembershipSources{
-    MembershipSource{"isRunningPaths", "isRunning", "psn", &AppController::syncIsRunningPaths},
-    MembershipSource{"isAutolaunchedPaths", "isAutolaunched", "autolaunchItem", &AppController::syncIsAutolaunched},
-    MembershipSource{"isInToolbarPaths", "isInToolbar", "toolbarItem", &AppController::syncIsInToolbar},
+    MembershipSource{"isRunningPaths", "isRunning", "psn", ofController<&AppController::syncIsRunningPaths>},
+    MembershipSource{"isAutolaunchedPaths", "isAutolaunched", "autolaunchItem",
+                     ofController<&AppController::syncIsAutolaunched>},
+    MembershipSource{"isInToolbarPaths", "isInToolbar", "toolbarItem", ofController<&AppController::syncIsInToolbar>},
 };
 
 // The row with the key; what is in no row does not compile.

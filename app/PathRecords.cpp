@@ -165,7 +165,7 @@ void setEntries(AppController const& controller, std::size_t row, NSSet const& e
 
 void syncMembershipSources(AppController const& controller) {
     for (MembershipSource const& source : MembershipSources)
-        (controller.*source.sync)();
+        source.sync(controller);
 }
 
 NSArray AppController::allAutolaunchItems() const { return read(*this, &Body::_allAutolaunchItems); }

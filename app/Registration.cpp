@@ -2,10 +2,13 @@
 #include "app/AppController.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
+#include "app/PutBack.h"
 #include "platform/foundation/Method.h"
 
 namespace framekeeper {
 
-void registerApp() { registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer>(); }
+void registerApp() {
+    registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer, InTrashTransformer>();
+}
 
 } // namespace framekeeper

@@ -1,11 +1,113 @@
 #include "app/AppController.h"
+#include "app/AppControllerBody.h"
+#include "app/Undo.h"
+#include "platform/appkit/NSWorkspace.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/NSURL.h"
+#include "platform/preferences/CFPreferences.h"
+#include "scripting/ProcessesAndFinder.h"
 
 namespace framekeeper {
 
-// No source of toolbar items is connected yet, so none is known.
+namespace {
+
+constexpr char FinderIdentifier[] = "com.apple.finder";
+constexpr char ToolbarItems[] = "FXToolbarItems";
+
+// How the text of an item names its file; items of other types are skipped.
+enum URLStringType { PlainPath = 0, FullURL = 15 };
+
+NSURL urlOfItem(id const& item) {
+    NSDictionary const data = as<NSDictionary>(as<NSDictionary>(item).objectForKey_("file-data"));
+    NSNumber const type = as<NSNumber>(data.objectForKey_("_CFURLStringType"));
+    NSString const text = as<NSString>(data.objectForKey_("_CFURLString"));
+    if (type == nil || text == nil) return nil;
+    if (type.intValue() == PlainPath) return NSURL::fileURLWithPath_(text);
+    if (type.intValue() == FullURL) return NSURL::URLWithString_(text);
+    return nil;
+}
+
+// Nil for an item that points at no copy of the companion.
+NSString pathOfCopy(id const& item) {
+    NSString const path = urlOfItem(item).path().stringByStandardizingPath();
+    bool const isCopy =
+        path.length() > 0 && path.lastPathComponent().caseInsensitiveCompare_(CompanionFileName) == NSOrderedSame;
+    return isCopy ? path : NSString();
+}
+
+void report(NSString const& problem) {
+    NSBeep();
+    NSLog("%@", problem);
+}
+
+bool synchronizeFinder() {
+    return CFPreferencesSynchronize(FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+}
+
+} // namespace
+
+NSArray AppController::readAllToolbarItems() const {
+    if (*this == nil) return nil;
+    if (!synchronizeFinder()) report("Error: CFPreferencesSynchronize");
+    id const items =
+        CFPreferencesCopyValue(ToolbarItems, FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    return items == nil ? NSArray::array() : as<NSArray>(items);
+}
+
+bool AppController::writeAllToolbarItems_(NSArray const& items) const {
+    if (*this == nil) return false;
+    CFPreferencesSetValue(ToolbarItems, items, FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    return synchronizeFinder();
+}
+
 void AppController::syncIsInToolbar() const {
-    setAllToolbarItems_(NSArray::array());
-    setIsInToolbarPaths_(NSSet::set());
+    if (*this == nil) return;
+    NSArray const items = readAllToolbarItems();
+    setAllToolbarItems_(items);
+    NSMutableSet const entries = NSMutableSet::set();
+    for (NSUInteger index = 0; index < items.count(); ++index) {
+        id const item = items.objectAtIndex_(index);
+        NSString const path = pathOfCopy(item);
+        if (path == nil) continue;
+        entries.addObject_(NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", item, "toolbarItem"}));
+    }
+    setIsInToolbarPaths_(entries);
+}
+
+void AppController::unToolbarAction_(id const& sender) const {
+    NSArray const selected = pathsArrayController().selectedObjects();
+    if (selected.count() != 1) return;
+    NSMutableArray const items = NSMutableArray::arrayWithArray_(allToolbarItems());
+    NSUInteger const index = items.indexOfObjectIdenticalTo_(selected.objectAtIndex_(0).valueForKey_("toolbarItem"));
+    if (items == nil || index == NSNotFound) {
+        report("Item is not in toolbar.");
+        return;
+    }
+    ListChange change{.list = ListChange::List::ToolbarItems, .removed = {removedItem(items, index)}};
+    items.removeObjectAtIndex_(index);
+    bool const isWritten = writeAllToolbarItems_(NSArray::arrayWithArray_(items));
+    if (!isWritten) report("Could remove toolbar item.");
+    syncIsInToolbar();
+    reSync();
+    if (!isWritten) return;
+    remember(*this, std::move(change));
+    tell(*this, "Removed from the places.", Offer::Undo);
+    quitFinderAction_(sender);
+}
+
+void AppController::quitFinderAction_(id const&) const {
+    if (*this == nil) return;
+    if (!quitProcess(KRAProcessSerialNumberGetFinder(), bodyOf(*this)->_pause)) {
+        report("Could not quit Finder.");
+        return;
+    }
+    bool const isLaunched =
+        NSWorkspace::sharedWorkspace()
+            .launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
+                FinderIdentifier, NSWorkspaceLaunchDefault, NSAppleEventDescriptor::nullDescriptor(), {});
+    if (!isLaunched) report("Could not re-launch Finder.");
 }
 
 } // namespace framekeeper

@@ -2,7 +2,9 @@
 #include "pathutils/AliasesAndContents.h"
 #include "pathutils/BundleVersions.h"
 #include "pathutils/ExtendedAttributes.h"
+#include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
+#include "pathutils/PXFileManagerHandler.h"
 #include "pathutils/PathRelations.h"
 #include "platform/foundation/Method.h"
 
@@ -41,6 +43,40 @@ void registerPathRelations() {
         method<&pxURLOfPath>("pxURLOfPath"),
         method<&pxURLOfPath_>("pxURLOfPath:"),
     });
+}
+
+void registerFileOperations() {
+    registerClasses<PXFileManagerHandler>();
+    addCategory<NSString>(
+        {
+            method<&pxRemoveFile2>("pxRemoveFile2"),
+            method<&pxRemoveFile>("pxRemoveFile"),
+            method<&pxRemoveFileIfExists>("pxRemoveFileIfExists"),
+            method<&pxMoveToTrash>("pxMoveToTrash"),
+            method<&pxMoveToFolder_>("pxMoveToFolder:"),
+            method<&pxMoveToFolder2_>("pxMoveToFolder2:"),
+            method<&pxCopyToPath_>("pxCopyToPath:"),
+            method<&pxCopyToFolder_>("pxCopyToFolder:"),
+            method<&pxRenameToNameOf_>("pxRenameToNameOf:"),
+            method<&pxRenameTo_keepExtension_>("pxRenameTo:keepExtension:"),
+            method<&pxCreateAliasFileWithContent_>("pxCreateAliasFileWithContent:"),
+            method<&pxCreateUniqueFolder>("pxCreateUniqueFolder"),
+            method<&pxCreateFolder>("pxCreateFolder"),
+            method<&pxCreateFolderWithAttributesFrom_>("pxCreateFolderWithAttributesFrom:"),
+            method<&pxCreateFolderWithAttributes_from_>("pxCreateFolderWithAttributes:from:"),
+            method<&pxPathSetNotWritable_locked_>("pxPathSetNotWritable:locked:"),
+            method<&pxSetFileModificationDate_creationDate_>("pxSetFileModificationDate:creationDate:"),
+            method<&pxSetFileAttributesFrom_>("pxSetFileAttributesFrom:"),
+            method<&pxSetExtendedFileAttributesFrom_skipKeys_>("pxSetExtendedFileAttributesFrom:skipKeys:"),
+            method<&pxSetFileAttributes_from_>("pxSetFileAttributes:from:"),
+            method<&pxSetFileAttributes_from_recurseUntilBeforeDstPath_>(
+                "pxSetFileAttributes:from:recurseUntilBeforeDstPath:"),
+            method<&pxUniquePathOfPath>("pxUniquePathOfPath"),
+            method<&pxTrashFolderPathOfPath>("pxTrashFolderPathOfPath"),
+            method<&pxTemporaryItemsFolderPathOfPath>("pxTemporaryItemsFolderPathOfPath"),
+        },
+        {classMethod<&pxTemporaryItemsFolderPath>("pxTemporaryItemsFolderPath")});
+    addCategory<NSEnumerator>({method<&pxRemoveFiles>("pxRemoveFiles")});
 }
 
 void registerExtendedAttributes() {
@@ -113,6 +149,7 @@ void registerAliasesAndContents() {
 void registerPathUtils() {
     registerBundleVersions();
     registerPathRelations();
+    registerFileOperations();
     registerExtendedAttributes();
     registerFinderMetadata();
     registerAliasesAndContents();

@@ -1,6 +1,7 @@
 #include "scripting/ProcessesAndFinder.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/appkit/NSWorkspace.h"
+#include "platform/desktop/Patience.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSThread.h"
@@ -27,8 +28,9 @@ NSString pathOfItem(id const& item) {
     return (path == nil ? url.path() : path).stringByStandardizingPath();
 }
 
-// Tries every item; whether one of them could be shown.
+// Tries every item; whether one of them could be shown. All of them together wait for the file browser once.
 bool showItems(NSEnumerator const& items, bool (*show)(NSString)) {
+    Patience const patience;
     bool isAnyShown = false;
     for (id item = items.nextObject(); item != nil; item = items.nextObject()) {
         NSString const path = pathOfItem(item);
@@ -67,6 +69,7 @@ bool KRAProcessSerialNumberSetFront(NSNumber receiver) {
 bool KRAProcessSerialNumberQuit(NSNumber receiver) { return quitProcess(receiver, sleepForInterval); }
 
 bool KRAPathRevealInFinder(NSString receiver) {
+    Patience const patience;
     if (KRCPathExists(receiver))
         return NSWorkspace::sharedWorkspace().selectFile_inFileViewerRootedAtPath_(receiver, "");
     // The root is no folder that anybody would look for the item in.

@@ -11,8 +11,8 @@ namespace mac {
 
 namespace {
 
-constexpr char const* SelectionKeys[]{"selectedObjects", "selectionIndex", "selectionCount", "hasSelection",
-                                      "hasSingleSelection"};
+constexpr char const* SelectionKeys[]{"selectedObjects", "selection",    "selectionIndex",
+                                      "selectionCount",  "hasSelection", "hasSingleSelection"};
 constexpr char const* ArrangementKeys[]{"arrangedObjects", "count", "contentCount", "isEmpty", "isFilteredToNothing"};
 
 NSString keyNamed(char const* name) { return NSString::stringWithUTF8String_(name); }

@@ -2,6 +2,7 @@
 #include "platform/appkit/BoundText.h"
 #include "platform/appkit/FilterPredicate.h"
 #include "platform/appkit/FormReader.h"
+#include "platform/appkit/Requirements.h"
 #include "platform/appkit/StatusLine.h"
 #include "platform/appkit/TableCover.h"
 #include "platform/appkit/TableViewBody.h"
@@ -12,6 +13,7 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
 #include <QPushButton>
+#include <QShortcut>
 
 // The dynamic properties, by the widgets they stand on. Lists are lists of strings, one entry a line.
 //
@@ -24,10 +26,12 @@
 // any widget      outlet               the controller's key under which it gets this object
 //                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
 //                 coversRows           name of the table over whose rows it lies
-//                 enabledWhen          the same for buttons and actions
 // table           rows                 name of the array controller
 //                 columns              names; for each a list property NAMEColumn, see TableColumn.cpp
+//                 activates            name of the action that a double click on a row and the Return key trigger
 // action, button  action               selector sent to the controller; not answered: disabled
+//                 enabledWhen          see Requirements.h
+//                 busyText             see ActionSending.h, worksWhileBusy too
 //                 moreShortcuts        further key sequences
 //                 glyph                outline of the icon where the theme has none
 //                 focuses, clears      name of the field that gets the keyboard, or is emptied
@@ -51,7 +55,7 @@ NSString nameOf(QObject const* object) { return stringOf(object->objectName()); 
 } // namespace
 
 InterfaceFile::InterfaceFile(std::unique_ptr<QWidget> window)
-    : m_window(std::move(window)), m_windowObject(adopt<NSWindow>(m_window.get())) {}
+    : m_window(std::move(window)), m_windowObject(adopt<NSWindow>(m_window.get())), m_sending(m_window.get()) {}
 
 InterfaceFile::~InterfaceFile() = default;
 
@@ -68,8 +72,9 @@ std::variant<std::unique_ptr<InterfaceFile>, std::string> InterfaceFile::load(NS
     auto file = std::make_unique<InterfaceFile>(std::move(window));
     if (std::optional<std::string> const reason = file->makeController()) return *reason;
     file->makeArrayControllers();
-    file->connectWidgets();
+    // Requirements take over the tool tips as they are by then.
     styleWindow(file->widget());
+    file->connectWidgets();
     file->bindArrayControllers();
     if (file->m_controller.respondsToSelector_("awakeFromNib"))
         guarded([&] { file->m_controller.performSelector_("awakeFromNib"); });
@@ -139,13 +144,28 @@ void InterfaceFile::makeTable(QTableView* table) {
     NSTableView const object = adopt<NSTableView>(table, std::move(columns), rows);
     m_objects.push_back(object);
     if (has(table, "outlet")) connectOutlet(property<QString>(table, "outlet"), object);
+    connectActivation(table);
+}
+
+void InterfaceFile::connectActivation(QTableView* table) {
+    QString const name = property<QString>(table, "activates");
+    if (name.isEmpty()) return;
+    auto* const action = m_window->findChild<QAction*>(name);
+    if (!action) {
+        NSLog(R"(Interface file: the table "%@" activates "%@", which does not exist)", nameOf(table), stringOf(name));
+        return;
+    }
+    QObject::connect(table, &QTableView::doubleClicked, action, &QAction::trigger);
+    for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* const shortcut = new QShortcut(QKeySequence(key), table);
+        shortcut->setContext(Qt::WidgetShortcut);
+        QObject::connect(shortcut, &QShortcut::activated, action, &QAction::trigger);
+    }
 }
 
 void InterfaceFile::enableWhenUsable(QObject* owner, NSControl const& control) {
     if (!m_controller.respondsToSelector_(control.action())) return control.setEnabled_(NO);
-    if (!has(owner, "enabledWhen")) return;
-    keep<Condition>(m_scope, property<QStringList>(owner, "enabledWhen"), 0,
-                    [control](bool isTrue) { control.setEnabled_(BOOL(isTrue)); });
+    if (has(owner, "enabledWhen")) keep<Requirements>(owner, control, m_scope);
 }
 
 NSControl InterfaceFile::makeControl(NSControl control, QObject* owner) {
@@ -164,7 +184,7 @@ void InterfaceFile::connectAction(QAction* action) {
     if (!has(action, "action")) return;
     NSControl const control = makeControl(adopt<NSControl>(nullptr, action), action);
     QObject::connect(action, &QAction::triggered, &m_connections,
-                     [control] { guarded([&] { control.sendAction_to_(control.action(), control.target()); }); });
+                     [this, control, action] { m_sending.send(control, action); });
 }
 
 void InterfaceFile::connectButton(QAbstractButton* button) {
@@ -179,7 +199,7 @@ void InterfaceFile::connectButton(QAbstractButton* button) {
     if (!has(button, "action")) return;
     NSControl const control = makeControl(adopt<NSControl>(button), button);
     QObject::connect(button, &QAbstractButton::clicked, &m_connections,
-                     [control] { guarded([&] { control.sendAction_to_(control.action(), control.target()); }); });
+                     [this, control, button] { m_sending.send(control, button); });
 }
 
 void InterfaceFile::connectFilter(QLineEdit* field) {
@@ -207,7 +227,10 @@ void InterfaceFile::connectConditions(QWidget* widget) {
 void InterfaceFile::coverRows(QWidget* widget) {
     QString const name = property<QString>(widget, "coversRows");
     if (name.isEmpty()) return;
-    if (auto* const table = m_window->findChild<QTableView*>(name)) return keep<TableCover>(widget, table);
+    if (auto* const table = m_window->findChild<QTableView*>(name)) {
+        keep<TableCover>(widget, table);
+        return;
+    }
     NSLog(R"(Interface file: "%@" covers the rows of "%@", which does not exist)", nameOf(widget), stringOf(name));
 }
 
@@ -222,7 +245,7 @@ void InterfaceFile::connectWidgets() {
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) connectButton(button);
         if (auto* const field = qobject_cast<QLineEdit*>(widget); field && has(field, "filters")) connectFilter(field);
         if (label && has(label, "displayPattern")) keep<BoundText>(label, m_scope);
-        if (label && property<bool>(label, "showsLog")) keep<StatusLine>(label);
+        if (label && property<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
         coverRows(widget);
         connectConditions(widget);
     }

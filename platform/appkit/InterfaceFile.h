@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/ActionSending.h"
 #include "platform/appkit/KeyPathScope.h"
 #include "platform/appkit/NSArrayController.h"
 #include "platform/appkit/NSControl.h"
@@ -44,6 +45,7 @@ private:
     void makeArrayController(QString const& name);
     void bindArrayControllers();
     void makeTable(QTableView* table);
+    void connectActivation(QTableView* table);
     void connectOutlet(QString const& key, id const& object);
     void connectAction(QAction* action);
     void connectButton(QAbstractButton* button);
@@ -51,12 +53,14 @@ private:
     void connectWidgets();
     void connectConditions(QWidget* widget);
     void coverRows(QWidget* widget);
-    // Enabled while the target responds and the conditions of the property enabledWhen hold.
+    // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
     NSControl makeControl(NSControl control, QObject* owner);
     template <class Part, class... Arguments>
-    void keep(Arguments&&... arguments) {
-        m_parts.push_back(std::make_shared<Part>(std::forward<Arguments>(arguments)...));
+    Part* keep(Arguments&&... arguments) {
+        auto part = std::make_shared<Part>(std::forward<Arguments>(arguments)...);
+        m_parts.push_back(part);
+        return part.get();
     }
 
     struct ContentBinding {
@@ -73,6 +77,7 @@ private:
     // Outlets, controls and whatever else lives as long as the window.
     std::vector<id> m_objects;
     std::vector<std::shared_ptr<void>> m_parts;
+    ActionSending m_sending;
     QObject m_connections;
 };
 

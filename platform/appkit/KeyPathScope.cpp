@@ -8,15 +8,11 @@
 
 namespace mac {
 
-namespace {
-
 bool isTruth(id const& value) {
     if (value == nil || value.isKindOfClass_(classOf<NSNull>())) return false;
     NSNumber const number = as<NSNumber>(value);
     return number == nil || number.boolValue();
 }
-
-} // namespace
 
 id KeyPathScope::objectNamed(QString const& name) const {
     auto const found = m_objects.find(name);
@@ -30,10 +26,22 @@ KeyPathScope::Start KeyPathScope::startOf(QString const& keyPath) const {
     return {named, stringOf(keyPath.sliced(dot + 1))};
 }
 
+namespace {
+
+NSValueTransformer transformerNamed(QString const& name) {
+    NSValueTransformer const transformer = NSValueTransformer::valueTransformerForName_(stringOf(name));
+    if (transformer == nil) NSLog("Interface file: there is no value transformer \"%@\"", stringOf(name));
+    return transformer;
+}
+
+} // namespace
+
 BoundValue::BoundValue(KeyPathScope const& scope, QString const& keyPath, std::function<void()> changed) {
-    auto const [object, path] = scope.startOf(keyPath);
+    auto const [object, path] = scope.startOf(keyPath.section('|', 0, 0));
     m_object = object;
     m_keyPath = path;
+    m_isTransformed = keyPath.contains('|');
+    if (m_isTransformed) m_transformer = transformerNamed(keyPath.section('|', 1));
     try {
         m_observer = std::make_unique<KeyPathObserver>(object, path, std::move(changed));
     } catch (NSUndefinedKeyException const&) {
@@ -45,7 +53,8 @@ BoundValue::BoundValue(KeyPathScope const& scope, QString const& keyPath, std::f
 id BoundValue::value() const {
     if (m_isUnknown) return nil;
     try {
-        return m_object.load().valueForKeyPath_(m_keyPath);
+        id const value = m_object.load().valueForKeyPath_(m_keyPath);
+        return m_isTransformed ? m_transformer.transformedValue_(value) : value;
     } catch (NSUndefinedKeyException const& exception) {
         m_isUnknown = true;
         NSLog("Interface file: the key path \"%@\" cannot be read: %s", m_keyPath, exception.reason());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appkit/KeyPathObserver.h"
+#include "platform/foundation/NSValueTransformer.h"
 #include <QString>
 #include <QStringList>
 #include <QTimer>
@@ -29,8 +30,12 @@ private:
     std::map<QString, id> m_objects;
 };
 
-// The value of a key path of the scope, and word of its changes. A key that nobody knows is logged once; the value is
-// nil.
+// What a condition takes a value for: nil, the null object and NO are false.
+bool isTruth(id const& value);
+
+// The value of a key path of the scope, and word of its changes. With "|TRANSFORMER" behind the key path it is what the
+// value transformer of that name makes of the value. A key that nobody knows, and a transformer that does not exist,
+// are logged once; the value is nil.
 class BoundValue {
 public:
     BoundValue(KeyPathScope const& scope, QString const& keyPath, std::function<void()> changed);
@@ -40,6 +45,8 @@ public:
 private:
     WeakReference m_object;
     NSString m_keyPath;
+    bool m_isTransformed;
+    NSValueTransformer m_transformer;
     mutable bool m_isUnknown{false};
     std::unique_ptr<KeyPathObserver> m_observer;
 };

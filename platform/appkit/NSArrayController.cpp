@@ -17,6 +17,9 @@ using Body = NSArrayController::Body;
 constexpr auto Count = [](Body const& body) { return body.arrangedObjects().count(); };
 constexpr auto ContentCount = [](Body const& body) { return body.contentCount(); };
 constexpr auto SelectionCount = [](Body const& body) { return static_cast<NSUInteger>(body.selectedRows().size()); };
+constexpr auto Selection = [](Body const& body) {
+    return body.selectedRows().size() == 1 ? body.selectedObjects().objectAtIndex_(0) : id();
+};
 constexpr auto IsEmpty = [](Body const& body) { return body.contentCount() == 0; };
 constexpr auto IsFilteredToNothing = [](Body const& body) {
     return body.contentCount() > 0 && body.arrangedObjects().count() == 0;
@@ -61,6 +64,7 @@ ClassDescription NSArrayController::describeClass() {
                 property<&Self::selectedObjects, &Self::setSelectedObjects_>("selectedObjects"),
                 readOnlyProperty<&Self::arrangedObjects>("arrangedObjects"),
                 readOnlyProperty<&Self::selectionIndex>("selectionIndex"),
+                derived<Selection>("selection"),
                 derived<Count>("count"),
                 derived<ContentCount>("contentCount"),
                 derived<SelectionCount>("selectionCount"),

@@ -9,8 +9,8 @@ namespace mac {
 // which of them are selected. The content is set, or follows a key path of another object by observing. Main thread.
 //
 // Keys that can be observed: content, arrangedObjects, selectedObjects, selectionIndex, sortDescriptors,
-// filterPredicate; and (Linux) count, contentCount, selectionCount, isEmpty, isFilteredToNothing, hasSelection,
-// hasSingleSelection.
+// filterPredicate; and (Linux) selection, which is the one selected object, nil for none and for several, count,
+// contentCount, selectionCount, isEmpty, isFilteredToNothing, hasSelection, hasSingleSelection.
 class NSArrayController : public Handle<NSArrayController, NSObject> {
 public:
     class Body;

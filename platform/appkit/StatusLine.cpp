@@ -11,7 +11,7 @@ constexpr int LightMilliseconds = 1500;
 
 } // namespace
 
-StatusLine::StatusLine(QLabel* label) : m_label(label) {
+StatusLine::StatusLine(QLabel* label, KeyPathScope const& scope) : m_label(label) {
     label->setTextFormat(Qt::PlainText);
     label->setAutoFillBackground(true);
     label->installEventFilter(this);
@@ -24,32 +24,66 @@ StatusLine::StatusLine(QLabel* label) : m_label(label) {
     connect(&m_light, &QTimer::timeout, this, [this] {
         if (m_label) m_label->setPalette({});
     });
-    // Lines come from any thread; one way for all keeps them and the beeps in order.
-    m_logListener.emplace([this](NSString const& message) {
-        QMetaObject::invokeMethod(
-            this, [this, line = visibleText(message)] { showLine(line); }, Qt::QueuedConnection);
-    });
-    m_beepListener.emplace([this] {
-        QMetaObject::invokeMethod(
-            this, [this] { showBeep(); }, Qt::QueuedConnection);
-    });
+    connectNotices(scope);
+    // Lines come from any thread; one way for all keeps them, the beeps and the ends of actions in order.
+    m_logListener.emplace(
+        [this](NSString const& message) { later([this, line = visibleText(message)] { showLine(line); }); });
+    m_beepListener.emplace([this] { later([this] { showBeep(); }); });
 }
 
 StatusLine::~StatusLine() = default;
+
+void StatusLine::later(std::function<void()> function) {
+    QMetaObject::invokeMethod(this, std::move(function), Qt::QueuedConnection);
+}
+
+void StatusLine::connectNotices(KeyPathScope const& scope) {
+    m_noticeButton = m_label->window()->findChild<QAbstractButton*>(m_label->property("noticeButton").toString());
+    if (m_noticeButton) m_noticeButton->hide();
+    QString const notice = m_label->property("noticeKeyPath").toString();
+    QString const hasButton = m_label->property("noticeButtonKeyPath").toString();
+    if (!hasButton.isEmpty()) m_noticeHasButton = std::make_unique<BoundValue>(scope, hasButton, [] {});
+    if (!notice.isEmpty()) m_notice = std::make_unique<BoundValue>(scope, notice, [this] { takeNotice(); });
+}
+
+void StatusLine::takeNotice() {
+    bool const hasButton = m_noticeHasButton && isTruth(m_noticeHasButton->value());
+    later([this, hasButton, line = visibleTextOf(m_notice->value())] {
+        showLine(line, hasButton ? Kind::Notice : Kind::Line);
+    });
+}
+
+void StatusLine::beginAction() {
+    later([this] { m_toldByAction = 0; });
+}
+
+void StatusLine::endAction() {
+    later([this] {
+        if (m_toldByAction == 0) showLine({});
+    });
+}
 
 bool StatusLine::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Resize || event->type() == QEvent::FontChange) showCut();
     return QObject::eventFilter(watched, event);
 }
 
-void StatusLine::showLine(QString const& line) {
+void StatusLine::showLine(QString const& line, Kind kind) {
+    ++m_toldByAction;
     m_isBeepUnexplained = false;
     m_line = line;
+    if (m_noticeButton) m_noticeButton->setVisible(kind == Kind::Notice);
     showCut();
+}
+
+void StatusLine::showAtOnce(QString const& line) {
+    showLine(line);
+    if (m_label) m_label->repaint();
 }
 
 void StatusLine::showBeep() {
     if (!m_label) return;
+    ++m_toldByAction;
     QPalette lit = m_label->palette();
     lit.setColor(QPalette::Window, lit.color(QPalette::Highlight));
     lit.setColor(QPalette::WindowText, lit.color(QPalette::HighlightedText));

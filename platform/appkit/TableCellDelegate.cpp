@@ -33,8 +33,15 @@ void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& opt
     cell.state.setFlag(QStyle::State_HasFocus, false);
 
     QString const text = std::exchange(cell.text, QString());
+    QIcon const icon = std::exchange(cell.icon, QIcon());
+    cell.features.setFlag(QStyleOptionViewItem::HasDecoration, false);
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
-    QRect const place = cell.rect.adjusted(TableCellMargin, 0, -TableCellMargin, 0);
+    QRect place = cell.rect.adjusted(TableCellMargin, 0, -TableCellMargin, 0);
+    if (!icon.isNull()) {
+        QRect const iconPlace(place.left(), place.center().y() - TableIconSize / 2 + 1, TableIconSize, TableIconSize);
+        icon.paint(painter, iconPlace);
+        place.setLeft(iconPlace.right() + 1 + TableIconSpace);
+    }
     QPalette::ColorGroup const group =
         cell.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
     painter->save();

@@ -7,6 +7,9 @@ namespace mac {
 
 // The space left and right of a cell's text, in pixels.
 inline constexpr int TableCellMargin = 8;
+// The width and height of an icon before the text, and the space between them, in pixels.
+inline constexpr int TableIconSize = 16;
+inline constexpr int TableIconSpace = 6;
 
 // The text, its middle left out where it is longer than any screen shows and than can be measured unfelt.
 QString shortenedText(QString const& text);

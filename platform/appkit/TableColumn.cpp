@@ -40,6 +40,7 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
     QHash<QString, std::function<void(QString const&)>> const readers{
         {"title", [&](QString const& value) { column.title = value; }},
         {"keyPath", [&](QString const& value) { column.keyPath = stringOf(value); }},
+        {"iconKeyPath", [&](QString const& value) { column.iconKeyPath = stringOf(value); }},
         {"textTransformer", [&](QString const& value) { column.textTransformer = transformerNamed(value, name); }},
         {"colorTransformer", [&](QString const& value) { column.colorTransformer = transformerNamed(value, name); }},
         {"sortKey", [&](QString const& value) { sorting.key = stringOf(value); }},
@@ -69,6 +70,10 @@ QString TableColumn::textOf(id const& object) const {
     if (keyPath == nil) return {};
     id const value = valueOfKeyPath(object, keyPath);
     return visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+}
+
+NSString TableColumn::iconPathOf(id const& object) const {
+    return iconKeyPath == nil ? NSString() : as<NSString>(valueOfKeyPath(object, iconKeyPath));
 }
 
 NSColor TableColumn::colorOf(id const& object) const {

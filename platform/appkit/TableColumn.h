@@ -14,6 +14,8 @@ struct TableColumn {
     NSString identifier;
     QString title;
     NSString keyPath;
+    // Of the path of the bundle whose icon stands before the text; nil: there is none.
+    NSString iconKeyPath;
     NSValueTransformer textTransformer;
     NSValueTransformer colorTransformer;
     // The order that the first click on the header asks for; nil: the column does not sort.
@@ -30,6 +32,8 @@ struct TableColumn {
 
     // What the object's cell shows. An object that does not know the key raises NSUndefinedKeyException.
     QString textOf(id const& object) const;
+    // Nil for an object without a path.
+    NSString iconPathOf(id const& object) const;
     NSColor colorOf(id const& object) const;
 };
 

@@ -39,12 +39,18 @@ int TableColumnWidths::widthForText(QString const& text) const {
     return m_view->fontMetrics().horizontalAdvance(shortenedText(text)) + 2 * TableCellMargin + 2;
 }
 
+int TableColumnWidths::widthOfIcon(int section) const {
+    bool const hasIcon = m_model.columns()[static_cast<std::size_t>(section)].iconKeyPath != nil;
+    return hasIcon ? TableIconSize + TableIconSpace : 0;
+}
+
 void TableColumnWidths::setInitialWidths() {
     QHeaderView* const header = m_view->horizontalHeader();
     header->setMinimumSectionSize(NarrowestSection);
     for (int section = 0; section < m_model.columnCount(); ++section) {
         TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
-        header->resizeSection(section, std::max(widthForText(column.title) + SortMark, widthForText(column.sample)));
+        header->resizeSection(section, std::max(widthForText(column.title) + SortMark,
+                                                widthForText(column.sample) + widthOfIcon(section)));
     }
 }
 
@@ -80,10 +86,10 @@ void TableColumnWidths::fitCell(int row, int section) {
     QFontMetrics const metrics = m_view->fontMetrics();
     QHeaderView* const header = m_view->horizontalHeader();
     int const width = header->sectionSize(section);
-    bool const fitsSurely = text.size() * metrics.maxWidth() < width;
+    bool const fitsSurely = text.size() * metrics.maxWidth() + widthOfIcon(section) < width;
     if (fitsSurely || m_measured.contains(text)) return;
     m_measured.insert(text);
-    int const wanted = std::min(widthForText(text), WidestFit * metrics.averageCharWidth());
+    int const wanted = std::min(widthForText(text), WidestFit * metrics.averageCharWidth()) + widthOfIcon(section);
     if (wanted > width) header->resizeSection(section, wanted);
 }
 

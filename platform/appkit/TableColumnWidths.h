@@ -27,6 +27,7 @@ private:
     void fitCell(int row, int section);
     void fillWidth();
     int widthForText(QString const& text) const;
+    int widthOfIcon(int section) const;
 
     QPointer<QTableView> m_view;
     TableModel const& m_model;

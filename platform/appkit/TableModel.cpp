@@ -38,6 +38,8 @@ QVariant TableModel::cell(id const& object, TableColumn const& column, int role)
     switch (role) {
     case Qt::DisplayRole:
         return column.textOf(object);
+    case Qt::DecorationRole:
+        return column.iconKeyPath == nil ? QVariant() : m_icons.iconOfBundle(column.iconPathOf(object));
     case Qt::ToolTipRole:
         return column.fillsWidth || column.fitsContents ? plainToolTip(column.textOf(object)) : QVariant();
     case Qt::ForegroundRole: {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/BundleIcons.h"
 #include "platform/appkit/NSArrayController.h"
 #include "platform/appkit/TableColumn.h"
 #include <QAbstractTableModel>
@@ -43,6 +44,7 @@ private:
     QPointer<QWidget const> m_colorSource;
     // Columns whose value could not be read, so that it is logged once for each change and not for each painting.
     mutable std::vector<bool> m_isBroken;
+    mutable BundleIcons m_icons;
 };
 
 } // namespace mac

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::int32_t WriteProtected = -44;
 constexpr std::int32_t BadName = -37;
+constexpr std::int32_t FileLocked = -45;
 constexpr std::int32_t Busy = -47;
 constexpr std::int32_t DuplicateName = -48;
 constexpr std::int32_t NoPermission = -5000;
@@ -45,6 +46,7 @@ constexpr auto Numbers = std::to_array<NumberRow>({
     {EINVAL, Open, BadName, errors::CannotPutThere},
     {EBUSY, Open, Busy, Busy},
     {EEXIST, Open, DuplicateName, NameTaken},
+    {ItemIsLocked, Open, FileLocked, FileLocked},
     {ECANCELED, Open, errors::InputOutput, errors::UserCanceled},
 });
 
@@ -59,6 +61,7 @@ constexpr auto Messages = std::to_array<MessageRow>({
     {WriteProtected, u"The disk is write protected."},
     {errors::DiskFull, u"The disk is full."},
     {BadName, u"Bad name for file."},
+    {FileLocked, u"The file is locked."},
     {Busy, u"The file is busy."},
     {DuplicateName, u"An item with the same name already exists in this location."},
     {NameTaken, u"An item with the same name already exists in this location."},
@@ -100,6 +103,8 @@ ScriptError trashError(TrashProblem const& problem, Value const& object) {
         return cannotGet(object);
     case TrashProblem::NotAllowed:
         return errorOfNumber(NoPermission, object);
+    case TrashProblem::Locked:
+        return errorOfNumber(FileLocked, object);
     case TrashProblem::ReadOnly:
         return errorOfNumber(WriteProtected, object);
     case TrashProblem::Full:

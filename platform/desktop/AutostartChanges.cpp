@@ -1,7 +1,6 @@
 #include "platform/desktop/AutostartChanges.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
-#include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/TemporaryName.h"
 #include "platform/system/XDGFolders.h"

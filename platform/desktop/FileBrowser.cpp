@@ -25,6 +25,8 @@ struct Memory {
     std::string program{};
     std::optional<std::string> busAddress{};
     std::optional<ProgramStart> start{};
+    // The browser's other processes when that one was asked to quit.
+    std::vector<ProcessIdentity> others{};
     // The process session (setsid) that the quit command was started in, and when; 0 before the first.
     std::int32_t quitSession{0};
     std::uint64_t quitStart{0};
@@ -42,7 +44,10 @@ void rememberStart(FileBrowser const& browser, ProcessIdentity const& process) {
     // What was read is that process's only if it still runs.
     std::optional<RunningProcess> running = runningProcess(process);
     if (!words || words->empty() || !running) return;
+    std::vector<ProcessIdentity> others = processesOf(browser);
+    std::erase(others, process);
     std::lock_guard const guard(memory().lock);
+    memory().others = std::move(others);
     memory().program = browser.program;
     memory().busAddress = sessionBusAddress();
     memory().start = {std::move(running->executable), std::move(*words), std::move(folder)};
@@ -141,6 +146,15 @@ std::optional<ProgramStart> rememberedStart(FileBrowser const& browser) {
     std::lock_guard const guard(memory().lock);
     bool const isSame = memory().program == browser.program && memory().busAddress == sessionBusAddress();
     return isSame ? memory().start : std::nullopt;
+}
+
+bool isProcessMissing(FileBrowser const& browser) {
+    if (!rememberedStart(browser)) return false;
+    std::vector<ProcessIdentity> const running = processesOf(browser);
+    std::lock_guard const guard(memory().lock);
+    return std::ranges::all_of(running, [](ProcessIdentity const& process) {
+        return std::ranges::find(memory().others, process) != memory().others.end();
+    });
 }
 
 bool askToQuit(FileBrowser const& browser, std::vector<ProcessIdentity> const& processes) {

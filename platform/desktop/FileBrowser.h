@@ -36,6 +36,10 @@ std::vector<ProcessIdentity> processesOf(FileBrowser const& browser);
 // if it was not, or was another browser.
 std::optional<ProgramStart> rememberedStart(FileBrowser const& browser);
 
+// Whether the process that was last asked to quit has ended while others that ran then still run, as with a browser
+// that has a process for each window, and none has been started since.
+bool isProcessMissing(FileBrowser const& browser);
+
 // Asks the browser to quit as a user would, by the action "quit" of its desktop entry, else by its program's own way,
 // else by SIGTERM, and does not wait. Remembers how the first of the processes was started. False if there is none to
 // ask.

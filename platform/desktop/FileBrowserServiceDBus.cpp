@@ -117,6 +117,8 @@ DesktopOutcome callFileBrowserService(FileBrowserRequest request, std::vector<st
     call.setArguments({uris, startupID});
     call.setAutoStartService(false);
     if (!hasReply(*bus, request)) return sendWithoutReply(*bus, call);
+    if (longest <= std::chrono::milliseconds::zero())
+        return DesktopProblem{DesktopProblem::Kind::NoAnswer, "There is no time left to ask the file browser"};
     return outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(longest.count())));
 }
 

@@ -2,6 +2,7 @@
 #include "platform/desktop/DefaultApplications.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/desktop/MIMETypes.h"
+#include "platform/desktop/Patience.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/LongPath.h"
@@ -23,6 +24,8 @@ using Paths = std::vector<std::string>;
 using enum DesktopProblem::Kind;
 
 DesktopProblem noFileBrowser() { return {NoApplication, "The desktop has no default application for folders"}; }
+
+DesktopProblem noTimeLeft() { return {NoAnswer, "The file browser has not answered before, and is not asked again"}; }
 
 DesktopProblem nothingAtPath() { return {NotThere, "There is nothing at the path"}; }
 
@@ -85,22 +88,35 @@ DesktopResult<FileBrowserSession::Way> FileBrowserSession::reach() const {
     std::optional<ProgramStart> const command = serviceCommandOf(*browser);
     if (!command) return Way::ByCommand;
     if (!isOffered) return noSessionBus();
+    if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
     DesktopResult<std::int32_t> const started = startProgram(*command);
     if (!started.hasValue()) return started.problem();
-    DesktopOutcome const outcome = waitForFileBrowserService(started.value(), m_timeouts.start);
+    DesktopOutcome const outcome =
+        waitForFileBrowserService(started.value(), std::min(m_timeouts.start, Patience::left()));
     return outcome.isDone() ? DesktopResult<Way>(Way::ByBus) : DesktopResult<Way>(outcome.problem());
 }
 
 DesktopOutcome FileBrowserSession::show(FileBrowserRequest request, Paths const& paths) const {
     if (std::optional<DesktopProblem> const problem = problemOf(paths)) return *problem;
+    Patience const patience;
+    if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
+    DesktopOutcome outcome = ask(request, paths);
+    // A time-out may be a moment early.
+    if (!outcome.isDone() && outcome.problem().kind == NoAnswer) Patience::end();
+    return outcome;
+}
+
+DesktopOutcome FileBrowserSession::ask(FileBrowserRequest request, Paths const& paths) const {
     DesktopResult<Way> const way = reach();
     if (!way.hasValue()) return way.problem();
-    if (way.value() == Way::ByBus) return callFileBrowserService(request, paths, m_timeouts.answer);
+    if (way.value() == Way::ByBus)
+        return callFileBrowserService(request, paths, std::min(m_timeouts.answer, Patience::left()));
     if (request == FileBrowserRequest::ShowItemProperties)
         return DesktopProblem{Refused, "The file browser shows no windows with information when it is asked to"};
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
     for (std::string const& folder : foldersToShow(request, paths)) {
+        if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
         DesktopOutcome outcome = startApplication(browser->application, {folder});
         if (!outcome.isDone()) return outcome;
     }
@@ -145,7 +161,8 @@ DesktopOutcome FileBrowserSession::start(FileBrowser const& browser) const {
 DesktopOutcome FileBrowserSession::launch() const {
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
-    return processesOf(*browser).empty() ? start(*browser) : DesktopOutcome();
+    bool const isWanted = processesOf(*browser).empty() || isProcessMissing(*browser);
+    return isWanted ? start(*browser) : DesktopOutcome();
 }
 
 DesktopOutcome FileBrowserSession::activate() const {

@@ -9,7 +9,8 @@
 
 namespace mac {
 
-// How long the browser is waited for, to start, to answer and to quit.
+// How long the browser is waited for, to start, to answer and to quit; to start and to answer for no longer than the
+// thread's patience lasts.
 struct FileBrowserTimeouts {
     std::chrono::milliseconds start{15'000};
     std::chrono::milliseconds answer{10'000};
@@ -38,7 +39,9 @@ public:
     DesktopOutcome openItem(std::string const& path) const;
 
     // Starts the browser if it does not run: as it was started when it was last asked to quit, with the same arguments
-    // in the same folder, else by its desktop entry. Done once it runs and, if it is a service, is on the bus.
+    // in the same folder, so that one that draws the desktop draws it again; else by its desktop entry. Of a browser
+    // with a process for each window, starts the process that was asked to quit and is gone. Done once it runs and, if
+    // it is a service, is on the bus.
     DesktopOutcome launch() const;
     // Brings the browser to the front, starting it if it does not run; shows the home folder if it has no window.
     DesktopOutcome activate() const;
@@ -51,6 +54,7 @@ private:
     DesktopResult<Way> reach() const;
     DesktopOutcome start(FileBrowser const& browser) const;
     DesktopOutcome show(FileBrowserRequest request, std::vector<std::string> const& paths) const;
+    DesktopOutcome ask(FileBrowserRequest request, std::vector<std::string> const& paths) const;
 
     FileBrowserTimeouts m_timeouts;
 };

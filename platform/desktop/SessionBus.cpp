@@ -1,6 +1,8 @@
 #include "platform/desktop/SessionBus.h"
+#include "platform/desktop/BusGreeting.h"
 #include "platform/desktop/Session.h"
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QVariantMap>
 #include <atomic>
 
@@ -9,7 +11,9 @@ namespace mac {
 namespace {
 
 QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVariantList const& arguments,
-                    BusTimeout timeout = LongestBusTimeout) {
+                    BusTimeout timeout) {
+    if (timeout <= BusTimeout::zero())
+        return QDBusMessage::createError(QDBusError::Timeout, "There is no time left to ask the session bus");
     QDBusMessage message =
         QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
     message.setArguments(arguments);
@@ -21,7 +25,7 @@ QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVari
 std::optional<QDBusConnection> connectToSessionBus() {
     // Without an address the D-Bus library would try to start a bus.
     std::optional<std::string> const address = sessionBusAddress();
-    if (!address) return std::nullopt;
+    if (!address || !doesBusAnswer(*address, Patience::left())) return std::nullopt;
     static std::atomic<int> number = 0;
     // The connection's name in this process.
     QString const name = QStringLiteral("framekeeper-events-%1").arg(++number);
@@ -48,7 +52,7 @@ BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name
 bool requestBusName(QDBusConnection const& connection, QString const& name) {
     constexpr uint doNotQueue = 4;
     constexpr uint primaryOwner = 1;
-    QDBusMessage const answer = askBus(connection, "RequestName", {name, doNotQueue});
+    QDBusMessage const answer = askBus(connection, "RequestName", {name, doNotQueue}, Patience::left());
     return answer.type() == QDBusMessage::ReplyMessage && answer.arguments().value(0).toUInt() == primaryOwner;
 }
 

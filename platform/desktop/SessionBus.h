@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/desktop/Patience.h"
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QString>
@@ -11,12 +12,13 @@
 
 namespace mac {
 
-// A new connection, shared with no other caller; nullopt without a bus. Never starts a bus.
+// A new connection, shared with no other caller; nullopt without a bus, or if the bus does not answer within the
+// thread's patience. Never starts a bus.
 std::optional<QDBusConnection> connectToSessionBus();
 
-// How long the bus itself, which is asked by the calls below, is waited for.
+// How long the bus itself, which is asked by the calls below, is waited for: by default the thread's patience. Once
+// that is over, the bus is not asked.
 using BusTimeout = std::chrono::milliseconds;
-inline constexpr BusTimeout LongestBusTimeout{25'000};
 
 // The process behind a connection to the bus. The name is a well-known one, or the unique one that the bus gave.
 struct BusPeer {
@@ -24,7 +26,7 @@ struct BusPeer {
     std::int32_t pid{0};
 };
 std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name,
-                               BusTimeout timeout = LongestBusTimeout);
+                               BusTimeout timeout = Patience::left());
 
 // The connection that owns a well-known name.
 struct BusNameOwner {
@@ -34,7 +36,7 @@ struct BusNameOwner {
     QString errorName;
 };
 BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name,
-                          BusTimeout timeout = LongestBusTimeout);
+                          BusTimeout timeout = Patience::left());
 
 // Takes the well-known name. False if another connection has it.
 bool requestBusName(QDBusConnection const& connection, QString const& name);

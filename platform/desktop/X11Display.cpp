@@ -1,13 +1,17 @@
 #include "platform/desktop/X11Display.h"
+#include "platform/desktop/Patience.h"
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <mutex>
 #include <poll.h>
 #include <span>
 #include <string_view>
+#include <thread>
 #include <xcb/xcb.h>
 #include <xcb/xcbext.h>
 
@@ -75,7 +79,7 @@ struct Library {
 
 class X11Display::Connection {
 public:
-    Connection() : m_connection(m_library.connect(nullptr, &m_screen)) {}
+    explicit Connection(char const* display) : m_connection(m_library.connect(display, &m_screen)) {}
     ~Connection() { m_library.disconnect(m_connection); }
     Connection(Connection const&) = delete;
     Connection& operator=(Connection const&) = delete;
@@ -118,13 +122,14 @@ public:
     }
 
 private:
-    // null if the request fails, or the display does not answer within 5 seconds.
+    // null if the request fails, or the display does not answer within the thread's patience. One that did not is not
+    // waited for again.
     template <class T>
     Reply<T> wait(unsigned sequence) const {
         using SteadyClock = std::chrono::steady_clock;
-        constexpr std::chrono::seconds patience(5);
         m_library.flush(m_connection);
-        SteadyClock::time_point const end = SteadyClock::now() + patience;
+        SteadyClock::time_point const end =
+            SteadyClock::now() + (m_isSilent ? std::chrono::milliseconds() : Patience::left());
         for (;;) {
             void* reply = nullptr;
             xcb_generic_error_t* error = nullptr;
@@ -134,15 +139,66 @@ private:
             }
             auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(end - SteadyClock::now()).count();
             pollfd waiting{.fd = m_library.descriptor(m_connection), .events = POLLIN, .revents = 0};
-            if (left <= 0 || !isGood() || (::poll(&waiting, 1, static_cast<int>(left)) < 0 && errno != EINTR))
+            m_isSilent = left <= 0;
+            if (m_isSilent || !isGood() || (::poll(&waiting, 1, static_cast<int>(left)) < 0 && errno != EINTR))
                 return {nullptr, &std::free};
         }
     }
 
     Library const& m_library{Library::shared()};
+    mutable bool m_isSilent{false};
     int m_screen{0};
     xcb_connection_t* m_connection;
 };
+
+namespace {
+
+// Connecting knows no time-out, so it is done by a thread that can be left behind. It ends when the display answers.
+class Connecting {
+public:
+    static std::unique_ptr<X11Display::Connection> connect(std::string const& display) {
+        static std::mutex lock;
+        static std::shared_ptr<Connecting> hanging;
+        std::lock_guard const guard(lock);
+        if (hanging && !hanging->isOver()) return nullptr;
+        hanging.reset();
+        auto const connecting = std::make_shared<Connecting>();
+        std::thread([connecting, display] {
+            connecting->finish(std::make_unique<X11Display::Connection>(display.c_str()));
+        }).detach();
+        std::unique_ptr<X11Display::Connection> connection = connecting->wait();
+        if (!connection) hanging = connecting;
+        return connection;
+    }
+
+private:
+    bool isOver() {
+        std::lock_guard const guard(m_lock);
+        return m_isOver;
+    }
+    void finish(std::unique_ptr<X11Display::Connection> connection) {
+        {
+            std::lock_guard const guard(m_lock);
+            m_isOver = true;
+            // One that comes too late is closed by this thread.
+            if (!m_isAbandoned) m_connection = std::move(connection);
+        }
+        m_changed.notify_one();
+    }
+    std::unique_ptr<X11Display::Connection> wait() {
+        std::unique_lock lock(m_lock);
+        m_isAbandoned = !m_changed.wait_for(lock, Patience::left(), [this] { return m_isOver; });
+        return std::move(m_connection);
+    }
+
+    std::mutex m_lock;
+    std::condition_variable m_changed;
+    bool m_isOver{false};
+    bool m_isAbandoned{false};
+    std::unique_ptr<X11Display::Connection> m_connection;
+};
+
+} // namespace
 
 X11Display::X11Display(std::unique_ptr<Connection> connection) : m_connection(std::move(connection)) {}
 
@@ -151,8 +207,8 @@ X11Display::~X11Display() = default;
 std::unique_ptr<X11Display> X11Display::open() {
     char const* const name = std::getenv("DISPLAY");
     if (!name || !*name || !Library::shared().isComplete) return nullptr;
-    auto connection = std::make_unique<Connection>();
-    if (!connection->isGood()) return nullptr;
+    std::unique_ptr<Connection> connection = Connecting::connect(name);
+    if (!connection || !connection->isGood()) return nullptr;
     return std::make_unique<X11Display>(std::move(connection));
 }
 

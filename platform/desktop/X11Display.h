@@ -13,7 +13,8 @@ namespace mac {
 // display runs without it. One thread at a time.
 class X11Display {
 public:
-    // null without a display or the library.
+    // null without a display or the library, or if the display does not answer within the thread's patience; then also
+    // from later calls, at once, until it does.
     static std::unique_ptr<X11Display> open();
 
     class Connection;

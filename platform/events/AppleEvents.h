@@ -56,12 +56,13 @@ using AEFilterUPP = Nil;
 // Sends the event to the process that its address names: a serial number, a process ID, a bundle identifier or a
 // signature. To this program itself it is dispatched in place. Answers noErr once it is sent, and when a reply is
 // waited for, once that is there; what a handler failed with is in the reply. Else errAEEventNotHandled (only where a
-// reply is waited for), errAETimeout, procNotFound, connectionInvalid, memFullErr for more than 16 MiB, paramErr for a
-// null pointer. The default time-out is a minute. The reply is null after a failure and where none is waited for, and
-// is the caller's to dispose of; it may be a null pointer where none is waited for.
-// While a reply is waited for, the main thread handles incoming events and nothing else. Other threads may send to
-// other processes, by serial number or process ID. Linux: a process that answers no events is asked to quit as a
-// user would, the file browser by its own command and others by SIGTERM, which counts as its reply.
+// reply is waited for), errAETimeout, procNotFound, connectionInvalid, memFullErr for more than 16 MiB or for the
+// 513th event without reply that the receiver has not handled, paramErr for a null pointer. The default time-out is a
+// minute. The reply is null after a failure and where none is waited for, and is the caller's to dispose of; it may be
+// a null pointer where none is waited for. While a reply is waited for, the main thread handles incoming events and
+// nothing else. Other threads may send to other processes, by serial number or process ID. Linux: a process that
+// answers no events is asked to quit as a user would, the file browser by its own command and others by SIGTERM, which
+// counts as its reply.
 OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks);
 // The same; the priority is ignored.
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority sendPriority,

@@ -13,7 +13,7 @@ namespace mac {
 // How the sending of an event went.
 struct SendingOutcome {
     OSStatus status{noErr};
-    // The process runs, but nothing in it answers events.
+    // The process runs, and no event can reach it: nothing in it answers events, or there is no bus.
     bool hasNoEndpoint{false};
     // Null where none is wanted, and after a failure.
     AppleEvent reply{};

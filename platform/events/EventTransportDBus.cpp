@@ -5,6 +5,7 @@
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Log.h"
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusError>
@@ -13,6 +14,7 @@
 #include <QDeadlineTimer>
 #include <QMetaType>
 #include <QThread>
+#include <QTimer>
 #include <algorithm>
 #include <atomic>
 #include <climits>
@@ -22,6 +24,7 @@
 #include <map>
 #include <mutex>
 #include <unistd.h>
+#include <utility>
 
 // Why a thread of its own: while the main thread waits for a reply, incoming events and that reply must reach it and
 // nothing else may, no input, timer or notification. An event loop within the loop would let all of them in, and a
@@ -70,79 +73,108 @@ bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::ste
 // A little longer than the sender waits, who is to find the time over rather than the bus gone: the toolkit's clock may
 // be an eighth too fast.
 BusTimeout timeoutUntil(EventDeadline const& deadline) {
-    if (!deadline) return LongestBusTimeout;
+    if (!deadline) return BusTimeout(Patience::Longest);
     constexpr BusTimeout least{100};
     auto const left = std::chrono::ceil<BusTimeout>(*deadline - std::chrono::steady_clock::now());
-    return std::clamp(left + left / 8 + least, least, LongestBusTimeout);
+    return std::clamp(left + left / 8 + least, least, BusTimeout(Patience::Longest));
 }
+
+// How many events without reply may wait at one receiver: half of what it lets wait in all, so that two senders find
+// room.
+constexpr int MostUnhandled = 512;
+
+NSString nsString(QString const& text) { return NSString::stringWithUTF8String_(text.toUtf8().constData()); }
 
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
 class Endpoint : public QDBusVirtualObject {
 public:
+    Endpoint() {
+        constexpr std::chrono::milliseconds betweenLooks{500};
+        m_nextLook.setInterval(betweenLooks);
+        connect(&m_nextLook, &QTimer::timeout, this, [this] { guarded([this] { open(); }); });
+    }
+
     // Anew when the bus has died since.
     void open() {
         if (m_connection && m_connection->isConnected()) return;
         m_peers.clear();
+        m_unhandled.clear();
         m_connection = connectToSessionBus();
         if (!m_connection) return;
+        m_nextLook.stop();
+        // When the bus dies, others find us again on the next one only if we look for it.
+        m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                              QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), &m_nextLook,
+                              SLOT(start()));
         m_connection->registerVirtualObject(Path, this);
         requestBusName(*m_connection, endpointName(::getpid()));
     }
 
     // What was sent last has left when the bus answers a question behind it.
     void close() {
+        m_nextLook.stop();
         if (m_connection) busNameOwner(*m_connection, endpointName(::getpid()));
         m_connection.reset();
     }
 
-    void send(ProcessIdentity const& process, QByteArray const& event, bool wantsReply, EventDeadline const& deadline,
-              std::shared_ptr<PendingReply> const& pending) {
-        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
-        open();
-        if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
-        if (owner.number.isEmpty() && !m_connection->isConnected()) {
-            // The bus died unnoticed; there may be another one by now.
-            open();
-            if (!m_connection) return fulfil(*pending, {.status = connectionInvalid});
-            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
-        }
-        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
-        if (status != noErr) return fulfil(*pending, {.status = status, .hasNoEndpoint = status == procNotFound});
-        if (!belongsTo(owner.number, process, deadline)) return fulfil(*pending, {.status = procNotFound});
+    // An event, and how its sender is told.
+    struct Sending {
+        ProcessIdentity process;
+        QByteArray event;
+        bool wantsReply;
+        EventDeadline deadline;
+        std::shared_ptr<PendingReply> pending;
+    };
+
+    void send(Sending const& sending) {
+        auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
+        if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
+        Result<QString, SendingOutcome> const found = connectionOf(sending.process, sending.deadline);
+        if (!found.hasValue()) return fulfil(*sending.pending, found.problem());
         // The sender has given up: what came now would come as a surprise.
-        if (isOver(deadline) || isAbandoned(*pending)) return fulfil(*pending, {.status = errAETimeout});
+        if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
+        QString const& number = found.value();
+        bool const isTooBusy = !sending.wantsReply && m_unhandled[number] >= MostUnhandled;
+        if (isTooBusy) return fulfil(*sending.pending, {.status = memFullErr});
         // To the very connection that was looked at: the name may pass to another one.
-        QDBusMessage message = QDBusMessage::createMethodCall(owner.number, Path, Interface, "Send");
-        message.setArguments({event});
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(number, Path, Interface, sending.wantsReply ? "Send" : "Post");
+        message.setArguments({sending.event});
         message.setAutoStartService(false);
-        if (!wantsReply) {
-            bool const isSent = m_connection->send(message);
-            return fulfil(*pending, {.status = isSent ? OSStatus{noErr} : connectionInvalid});
-        }
         // Whoever waits has a time-out of their own.
         auto* const watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
-        connect(watcher, &QDBusPendingCallWatcher::finished, this, [pending](QDBusPendingCallWatcher* finished) {
-            finished->deleteLater();
-            fulfil(*pending, outcomeOfAnswer(finished->reply()));
-        });
-        noteSent(*pending);
+        if (sending.wantsReply) {
+            connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                    [pending = sending.pending](QDBusPendingCallWatcher* finished) {
+                        finished->deleteLater();
+                        fulfil(*pending, outcomeOfAnswer(finished->reply()));
+                    });
+            return noteSent(*sending.pending);
+        }
+        ++m_unhandled[number];
+        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                [this, number](QDBusPendingCallWatcher* finished) { noteHandled(number, *finished); });
+        fulfil(*sending.pending, {});
     }
 
     QString introspect(QString const&) const override {
         return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
                               "<arg type=\"i\" direction=\"out\"/><arg type=\"ay\" direction=\"out\"/></method>"
-                              "</interface>")
+                              "<method name=\"Post\"><arg type=\"ay\" direction=\"in\"/></method></interface>")
             .arg(Interface);
     }
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
-        if (message.interface() != Interface || message.member() != "Send") return false;
+        bool const isKnown = message.member() == "Send" || message.member() == "Post";
+        if (message.interface() != Interface || !isKnown) return false;
         guarded([&] { receive(message, connection); });
         return true;
     }
 
 private:
+    // Nobody can be reached by events then.
+    static SendingOutcome withoutBus() { return {.status = connectionInvalid, .hasNoEndpoint = true}; }
+
     void receive(QDBusMessage const& message, QDBusConnection const& connection) {
         // The reply comes later, or an error now.
         message.setDelayedReply(true);
@@ -159,12 +191,15 @@ private:
         Result<AEDesc, Failure> desc = unflattened(bytesOf(bytes));
         if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.problem().reason));
         if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
-        IncomingEvent incoming{
-            .event = desc.takeValue(), .wantsReply = message.isReplyRequired(), .size = bytesOf(bytes).size()};
+        bool const wantsReply = message.isReplyRequired() && message.member() == "Send";
+        IncomingEvent incoming{.event = desc.takeValue(), .wantsReply = wantsReply, .size = bytesOf(bytes).size()};
         setOrigin(incoming.event, peer->pid);
-        if (incoming.wantsReply) {
-            incoming.answer = [message, connection](OSStatus status, AppleEvent const& reply) {
-                answer(message, connection, status, reply);
+        if (message.isReplyRequired()) {
+            incoming.answer = [message, connection, wantsReply](OSStatus status, AppleEvent const& reply) {
+                if (wantsReply)
+                    answer(message, connection, status, reply);
+                else
+                    connection.send(message.createReply());
             };
         }
         if (!enqueue(std::move(incoming)))
@@ -190,19 +225,45 @@ private:
                  true);
     }
 
+    // The unique name of the process's connection. The bus is asked each time, so that nothing is sent to a bus that
+    // hangs.
+    Result<QString, SendingOutcome> connectionOf(ProcessIdentity const& process, EventDeadline const& deadline) {
+        open();
+        if (!m_connection) return withoutBus();
+        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+        if (owner.number.isEmpty() && !m_connection->isConnected()) {
+            // The bus died unnoticed; there may be another one by now.
+            open();
+            if (!m_connection) return withoutBus();
+            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+        }
+        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
+        if (status != noErr) return SendingOutcome{.status = status, .hasNoEndpoint = status == procNotFound};
+        if (!belongsTo(owner.number, process, deadline)) return SendingOutcome{.status = procNotFound};
+        return owner.number;
+    }
+
+    // Nobody waits any more who could be told that an event was not taken.
+    void noteHandled(QString const& number, QDBusPendingCallWatcher& finished) {
+        finished.deleteLater();
+        auto const unhandled = m_unhandled.find(number);
+        if (unhandled != m_unhandled.end() && --unhandled->second == 0) m_unhandled.erase(unhandled);
+        if (finished.isError()) NSLog("An Apple event was not taken: %@", nsString(finished.error().message()));
+    }
+
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
-    bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) const {
-        std::optional<BusPeer> const peer = busPeer(*m_connection, number, timeoutUntil(deadline));
+    bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) {
+        std::optional<BusPeer> const peer = knownPeer(number, timeoutUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 
     // The bus gives no number twice, so what it said of one stays true.
-    std::optional<BusPeer> knownPeer(QString const& number) {
+    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
         constexpr std::size_t mostKept = 256;
         auto const found = m_peers.find(number);
         if (found != m_peers.end()) return found->second;
-        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number) : std::nullopt;
+        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
         if (m_peers.size() >= mostKept) m_peers.clear();
         if (peer) m_peers.emplace(number, *peer);
         return peer;
@@ -210,9 +271,14 @@ private:
 
     std::optional<QDBusConnection> m_connection;
     std::map<QString, BusPeer> m_peers;
+    // How many events without reply are under way to a connection or wait there.
+    std::map<QString, int> m_unhandled;
+    // Runs while the bus that died has no successor. A child, so that it moves to the thread with its parent.
+    QTimer m_nextLook{this};
 };
 
-// The thread and its endpoint, from the first need to the program's end.
+// The thread and its endpoint. The thread runs from the first need to the end of the program's event loop, without
+// which the toolkit would deliver nothing, neither what is to be done nor what the bus answers.
 class Transport {
 public:
     static Transport& shared() {
@@ -226,7 +292,7 @@ public:
         QMetaType::fromType<QDBusArgument>().id();
         m_thread.setObjectName("Apple events");
         m_endpoint.moveToThread(&m_thread);
-        m_thread.start();
+        // For an event loop that is never ended.
         std::atexit([] { shared().stop(); });
     }
 
@@ -236,12 +302,18 @@ public:
         {
             std::lock_guard const guard(m_lock);
             m_waiting.push_back(std::move(function));
+            if (!std::exchange(m_isStarted, true)) start();
         }
         QMetaObject::invokeMethod(
             &m_endpoint, [] { shared().runNext(); }, Qt::QueuedConnection);
     }
 
 private:
+    void start() {
+        m_thread.start();
+        qAddPostRoutine([] { shared().stop(); });
+    }
+
     void runNext() {
         std::function<void(Endpoint&)> function;
         {
@@ -253,15 +325,19 @@ private:
     }
 
     void stop() {
+        if (!m_thread.isRunning()) return;
         run([](Endpoint& endpoint) {
             endpoint.close();
             QThread::currentThread()->quit();
         });
         // It may be waiting for a bus that hangs; nothing that it uses goes with it.
-        m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)));
+        if (!m_thread.wait(QDeadlineTimer(std::chrono::seconds(1)))) return;
+        std::lock_guard const guard(m_lock);
+        m_isStarted = false;
     }
 
     std::mutex m_lock;
+    bool m_isStarted = false;
     std::deque<std::function<void(Endpoint&)>> m_waiting;
     QThread m_thread;
     Endpoint m_endpoint;
@@ -292,7 +368,7 @@ void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEv
     if (::gettid() == ::getpid()) requireEventLoop();
     if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
     Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, deadline, pending](Endpoint& endpoint) {
-        endpoint.send(process, event, wantsReply, deadline, pending);
+        endpoint.send({process, event, wantsReply, deadline, pending});
     });
 }
 

@@ -116,9 +116,14 @@ std::vector<std::byte> AliasRecord::bytes() const {
     if (pathBelowHome) putText(bytes, *pathBelowHome);
     if (!pathBelowHome) putNumber(bytes, NoText);
     putText(bytes, volume);
+    seal(bytes);
+    return bytes;
+}
+
+void AliasRecord::seal(std::vector<std::byte>& bytes) {
+    if (bytes.size() < HeaderSize) return;
     setNumber(bytes, LengthPlace, static_cast<std::uint32_t>(bytes.size()));
     setNumber(bytes, ChecksumPlace, checksumOf(bytes));
-    return bytes;
 }
 
 std::optional<AliasRecord> AliasRecord::read(std::span<std::byte const> bytes) {

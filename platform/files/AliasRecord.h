@@ -33,6 +33,8 @@ struct AliasRecord {
     // The record's bytes: versioned, and with a checksum, so that a record with any byte changed is not read.
     std::vector<std::byte> bytes() const;
     static std::optional<AliasRecord> read(std::span<std::byte const> bytes);
+    // Sets the length and the checksum in a record's bytes to what they have to be. Too few bytes stay as they are.
+    static void seal(std::vector<std::byte>& bytes);
 
     bool operator==(AliasRecord const&) const = default;
 };

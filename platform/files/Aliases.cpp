@@ -1,6 +1,7 @@
 #include "platform/files/Aliases.h"
 #include "platform/files/AliasSearch.h"
 #include "platform/files/FileStatuses.h"
+#include "platform/files/ItemNames.h"
 #include "platform/files/ItemReferences.h"
 #include <algorithm>
 #include <cerrno>
@@ -28,7 +29,7 @@ bool setBytes(AliasHandle alias, std::span<std::byte const> bytes) {
 
 Result<OpenItem> openTarget(FSRef const& folder, std::u16string_view name) {
     if (folder == FSRef{} && name.empty()) return openItemAtPath("/", LinkAtEnd::IsNotFollowed);
-    std::optional<std::string> const bytes = nameOnDisk(name);
+    std::optional<std::string> const bytes = fileNameOfHFSName(name);
     if (!bytes) return SystemError{.code = ENOENT, .operation = "open"};
     return openItemInFolder(folder, *bytes);
 }

@@ -1,11 +1,11 @@
 #include "platform/files/CatalogFields.h"
 #include "platform/files/VolumeInformation.h"
-#include "platform/foundation/FileAttributes.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include <algorithm>
 #include <cerrno>
@@ -167,8 +167,6 @@ Result<struct statx> statusOf(OpenItem const& item) {
     return status;
 }
 
-bool isLocked(struct statx const& status) { return (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0; }
-
 // The fields that the status and the item's folder tell.
 void readStatus(OpenItem const& item, struct statx const& status, FSCatalogInfoBitmap which,
                 FSCatalogInfo& information) {
@@ -176,7 +174,7 @@ void readStatus(OpenItem const& item, struct statx const& status, FSCatalogInfoB
     if ((which & kFSCatInfoTextEncoding) != 0) information.textEncodingHint = 0;
     if ((which & kFSCatInfoNodeFlags) != 0)
         information.nodeFlags = static_cast<std::uint16_t>((isFolder ? kFSNodeIsDirectoryMask : 0) |
-                                                           (isLocked(status) ? kFSNodeLockedMask : 0));
+                                                           (lockOf(item) == ItemLock::Locked ? kFSNodeLockedMask : 0));
     if ((which & kFSCatInfoParentDirID) != 0) information.parentDirID = parentNumber(item);
     if ((which & kFSCatInfoNodeID) != 0) information.nodeID = static_cast<std::uint32_t>(status.stx_ino);
     readDates(item, status, which, information);
@@ -207,17 +205,19 @@ Result<void> readCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, 
 Result<void> writeCatalogFields(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
     Result<struct statx> const status = statusOf(item);
     if (!status.hasValue()) return status.problem();
-    bool const wasLocked = isLocked(status.value());
-    bool const changesLock =
-        (which & kFSCatInfoNodeFlags) != 0 && ((information.nodeFlags & kFSNodeLockedMask) != 0) != wasLocked;
+    bool const setsLock = (which & kFSCatInfoNodeFlags) != 0;
+    ItemLock const lock = (information.nodeFlags & kFSNodeLockedMask) != 0 ? ItemLock::Locked : ItemLock::Unlocked;
+    auto const setLockTo = [&](ItemLock wanted) {
+        return setsLock && lock == wanted && lockOf(item) != wanted ? setLock(item, wanted) : Result<void>();
+    };
     // The lock forbids the other changes, so it is taken off first and put on last.
     std::array<std::function<Result<void>()>, 6> const steps{
-        [&] { return changesLock && wasLocked ? setImmutable(item.item, false) : Result<void>(); },
-        [&] { return writeFinderFields(item, which, information); },
-        [&] { return writeCreateDate(item, which, information); },
+        [&] { return setLockTo(ItemLock::Unlocked); },
+        [&] { return changeAttributesAsOwner(item, [&] { return writeFinderFields(item, which, information); }); },
+        [&] { return changeAttributesAsOwner(item, [&] { return writeCreateDate(item, which, information); }); },
         [&] { return writePermissions(item, status.value(), which, information.permissions); },
         [&] { return writeTimes(item, which, information); },
-        [&] { return changesLock && !wasLocked ? setImmutable(item.item, true) : Result<void>(); },
+        [&] { return setLockTo(ItemLock::Locked); },
     };
     for (std::function<Result<void>()> const& step : steps) {
         Result<void> const done = step();

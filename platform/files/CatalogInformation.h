@@ -102,7 +102,8 @@ struct FSSpec;
 // paramErr for a null pointer where none is allowed and for an FSSpec, errFSBadInfoBitmap for undefined bits.
 //
 // Linux: the creation date is the one that was set, else the file system's, else the date of the last change. The
-// backup date is 0. A locked file is one with the immutable flag.
+// backup date is 0. An item is locked if it has the immutable flag, or the attribute that stands in for it
+// where the user may not set the flag.
 OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef);
 // Sets fields of kFSCatInfoSettableInfo. Fields that were set before a failure stay set.

@@ -1,6 +1,7 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/FileStatuses.h"
 #include "platform/files/ItemExchange.h"
+#include "platform/files/ItemNames.h"
 #include "platform/files/ItemReferences.h"
 #include <cerrno>
 #include <cstring>
@@ -38,15 +39,14 @@ bool isThisComputer(NSString const& host) {
 
 } // namespace
 
-std::optional<std::string> nameOnDisk(std::u16string_view name) {
+std::optional<std::string> fileNameOfHFSName(std::u16string_view name) {
     std::u16string shown(name);
     for (char16_t& unit : shown) {
         if (unit == u':') return std::nullopt;
         if (unit == u'/') unit = u':';
     }
-    std::optional<std::string> bytes = NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
-    bool const isName = bytes && *bytes != "." && *bytes != "..";
-    return isName ? bytes : std::nullopt;
+    if (shown == u"." || shown == u"..") return std::nullopt;
+    return NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
 }
 
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
@@ -98,7 +98,7 @@ OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unich
     if (newRef) *newRef = {};
     if (!parentRef || !newRef || !name || nameLength == 0) return paramErr;
     if (nameLength > HFSUniStr255().unicode.size()) return errFSNameTooLong;
-    std::optional<std::string> const shown = nameOnDisk({name, nameLength});
+    std::optional<std::string> const shown = fileNameOfHFSName({name, nameLength});
     if (!shown) return bdNamErr;
     Result<FSRef> const made = referenceInFolder(*parentRef, *shown);
     if (!made.hasValue() && made.problem().is(ENOTDIR)) return errFSNotAFolder;

@@ -12,6 +12,8 @@ enum class FileOperation {
     Finding,
     // Reading or writing what the catalog holds of an item: an error that has no status of its own is ioErr.
     UsingCatalog,
+    // Making, renaming and copying: an error that has no status of its own is ioErr.
+    Changing,
 };
 
 OSErr statusOf(SystemError const& error, FileOperation operation);

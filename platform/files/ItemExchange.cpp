@@ -94,7 +94,9 @@ Result<Side> sideOf(OpenItem const& item) {
     Result<NamesMetadata> metadata = metadataOf(item);
     if (!metadata.hasValue()) return metadata.problem();
     side.metadata = metadata.takeValue();
-    side.sidecar = sidecarBeside(item.folder, item.name);
+    Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    side.sidecar = sidecar.takeValue();
     return side;
 }
 

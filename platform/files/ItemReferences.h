@@ -22,8 +22,6 @@ Result<FSRef> referenceToFolderOf(OpenItem const& item);
 // Opens the item of a name in the folder, wherever the folder is now, without making a reference; a symbolic link is
 // not followed.
 Result<OpenItem> openItemInFolder(FSRef const& folder, std::string const& name);
-// The bytes of a name in the form of HFS; nullopt for a name that no item can have.
-std::optional<std::string> nameOnDisk(std::u16string_view name);
 
 struct ReferencedItem {
     // Where the item is now.

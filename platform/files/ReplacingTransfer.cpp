@@ -1,5 +1,6 @@
 #include "platform/files/ReplacingTransfer.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/foundation/Log.h"
 #include "platform/system/items/FolderPlace.h"
 #include <cerrno>
 #include <fcntl.h>
@@ -74,6 +75,10 @@ Result<void, ReplacingProblem> run(Operation operation, ItemTransfer& transfer, 
                                    TrashSteps const& steps) {
     Replacement replacement(transfer, steps);
     transfer.placing = {};
+    transfer.leftoverInDoubt = [](std::string const& name) {
+        NSLog("A leftover of an unfinished copy stays, since it is not known whether its process still runs: %@",
+              NSString::stringWithFileSystemRepresentation_(name));
+    };
     if (clash == NameClash::IsReplaced)
         transfer.placing = [&](PlaceItem const& step) { return replacement.place(step); };
     Transferred const done = operation(transfer);

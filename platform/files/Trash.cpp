@@ -3,6 +3,7 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <cerrno>
@@ -65,34 +66,46 @@ Done checkRights(OpenItem const& item, ItemPlace const& place, ItemPlace const& 
     return {};
 }
 
-// Refuses items that cannot be trashed, before anything is made.
-Done check(OpenItem const& item) {
+// Refuses items that cannot be trashed, before anything is made; answers where the item lies.
+Result<ItemPlace, TrashProblem> check(OpenItem const& item) {
     if (item.name.empty()) return refused(TrashProblem::Immovable, "It is the root of all volumes");
-    Result<ItemPlace> const place = placeOf(item.item);
+    Result<ItemPlace> place = placeOf(item.item);
     if (!place.hasValue()) return cannotTrash(place.problem());
     Result<ItemPlace> const folder = placeOf(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     if (place.value().mount != folder.value().mount)
         return refused(TrashProblem::Immovable, "A volume is mounted there");
+    if (lockOf(item) == ItemLock::Locked) return cannotTrash(lockedItem(item.name));
     Done const rights = checkRights(item, place.value(), folder.value());
-    if (!rights.isDone()) return rights;
-    if (place.value().isFolder && holdsHomeTrash(place.value().identity))
-        return refused(TrashProblem::Immovable, "It holds the trash");
+    if (!rights.isDone()) return rights.problem();
+    Result<bool> const holdsTrash = place.value().isFolder ? holdsHomeTrash(place.value().identity) : false;
+    if (!holdsTrash.hasValue()) return cannotTrash(holdsTrash.problem());
+    if (holdsTrash.value()) return refused(TrashProblem::Immovable, "It holds the trash");
     Result<std::vector<ItemIdentity>> const above = folderAndThoseAbove(item.folder);
     if (!above.hasValue()) return cannotTrash(above.problem());
-    for (TrashPlace const& trash : trashesAround(item.folder)) {
+    FoundTrashes const around = trashesAround(item.folder);
+    // The item could be a part of a trash that cannot be opened.
+    if (std::optional<SystemError> const problem = around.unknownPlace()) return cannotTrash(*problem);
+    for (TrashPlace const& trash : around.trashes) {
         Done const beside = checkBeside(trash, place.value().identity, above.value());
-        if (!beside.isDone()) return beside;
+        if (!beside.isDone()) return beside.problem();
     }
-    return {};
+    return place.value();
 }
+
+// What moves, as it was before the move.
+struct Trashable {
+    OpenItem const& item;
+    ItemPlace place{};
+    std::optional<OpenSidecar> sidecar{};
+};
 
 // Moves one item and its sidecar.
 class Trashing {
 public:
-    Trashing(OpenItem const& item, TrashPlace const& trash, std::string original, TrashSteps const& steps)
-        : m_item(item), m_trash(trash), m_original(std::move(original)), m_steps(steps),
-          m_sidecar(sidecarBeside(item.folder, item.name)), m_time(::time(nullptr)) {}
+    Trashing(Trashable const& what, TrashPlace const& trash, std::string original, TrashSteps const& steps)
+        : m_item(what.item), m_place(what.place), m_sidecar(what.sidecar), m_trash(trash),
+          m_original(std::move(original)), m_steps(steps), m_time(::time(nullptr)) {}
 
     Result<TrashedItem, TrashProblem> run() const {
         std::string const date = localTimeText(m_time);
@@ -180,22 +193,21 @@ private:
 
     std::string sidecarOriginal() const { return BytePath(BytePath(m_original).parent()).joined(m_sidecar->name); }
 
-    Result<TrashedItem, TrashProblem> trashed(std::string const& name) const {
-        Result<ItemPlace> const place = placeOf(m_item.item);
-        if (!place.hasValue()) return cannotTrash(place.problem());
-        if (place.value().isFolder) addDirectorySize(m_trash, name);
+    TrashedItem trashed(std::string const& name) const {
+        if (m_place.isFolder) addDirectorySize(m_trash, name);
         return TrashedItem{.path = pathOf(name),
                            .originalPath = m_trash.originalPath(m_original),
                            .deletionTime = m_time,
-                           .identity = place.value().identity,
-                           .isFolder = place.value().isFolder};
+                           .identity = m_place.identity,
+                           .isFolder = m_place.isFolder};
     }
 
     OpenItem const& m_item;
+    ItemPlace const& m_place;
+    std::optional<OpenSidecar> const& m_sidecar;
     TrashPlace const& m_trash;
     std::string m_original;
     TrashSteps const& m_steps;
-    std::optional<OpenSidecar> m_sidecar;
     std::int64_t m_time;
 };
 
@@ -213,8 +225,10 @@ Result<TrashedItem, TrashProblem> moveToTrash(std::string_view path, TrashSteps 
 }
 
 Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps const& steps) {
-    Done const allowed = check(item);
-    if (!allowed.isDone()) return allowed.problem();
+    Result<ItemPlace, TrashProblem> const place = check(item);
+    if (!place.hasValue()) return place.problem();
+    Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return cannotTrash(sidecar.problem());
     Result<std::string> const folder = pathOfFolder(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     std::string const path = BytePath(folder.value()).joined(item.name);
@@ -224,7 +238,8 @@ Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps c
     if (!trash.hasValue()) return trash.problem();
     std::optional<std::string> const original = trash.value().writtenPath(path);
     if (!original) return cannotTrash({.code = EXDEV, .operation = "rename", .item = path});
-    return Trashing(item, trash.value(), *original, steps).run();
+    Trashable const what{.item = item, .place = place.value(), .sidecar = sidecar.takeValue()};
+    return Trashing(what, trash.value(), *original, steps).run();
 }
 
 Result<std::string, TrashProblem> trashFolderForPath(std::string_view path, MissingTrash missing) {

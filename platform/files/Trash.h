@@ -71,15 +71,29 @@ Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps c
 // not listed.
 std::vector<TrashedItem> trashedItems();
 
-// Moves the item back to where it came from and answers that path: NameTaken if another item is there, NotThere if the
-// folder is gone.
+// An item that lies in a trash.
+struct PlaceInTrash {
+    // The trashed item: the item itself, or the trashed folder that holds it.
+    TrashedItem trashed{};
+    // Where the item came from; empty if that is not recorded.
+    std::string originalPath{};
+};
+// Whether the item at the path lies in one of the user's trashes, and where it came from; nullopt if it lies elsewhere.
+// A symbolic link at the end of the path is not followed. NotThere: no item is at the path.
+Result<std::optional<PlaceInTrash>, TrashProblem> placeInTrash(std::string_view path);
+
+// Moves the item, with its AppleDouble sidecar, back to where it came from, removes its information file and answers
+// the original path. NameTaken: another item is there, or a file with the sidecar's name; NotThere: the folder is gone.
+// On failure everything is where it was, except as for moveToTrash; the text says where.
 Result<std::string, TrashProblem> putBack(TrashedItem const& item, TrashSteps const& steps = {});
+// Moves the item at the path back. NotInTrash also for an item in a trashed folder, which goes back with the folder.
+Result<std::string, TrashProblem> putBackItemAtPath(std::string_view path, TrashSteps const& steps = {});
 
 struct EmptiedTrash {
     // Counted in items of trashedItems().
     std::size_t removed{0};
-    // Items that could not be removed, or not entirely, and why the first could not. A trash that cannot be listed
-    // counts as one.
+    // Items that could not be removed, or not entirely, and why the first could not. A trash that cannot be opened or
+    // listed counts as one.
     std::size_t left{0};
     TrashProblem firstProblem{};
 };

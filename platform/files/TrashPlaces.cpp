@@ -4,6 +4,7 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/MountTable.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -119,25 +120,43 @@ Result<FileDescriptor> openTrashFolder(PlaceRow const& row, TopFolder const& top
     return openOrMake(shared.value(), row.name(), FolderFlags | O_NOFOLLOW, missing);
 }
 
-Result<TrashPlace> openTrash(PlaceRow const& row, TopFolder const& top, MissingTrash missing) {
+// A trash's folder, which belongs to this user, and the mount that all of it must lie on.
+struct OwnFolder {
+    FileDescriptor folder{};
+    std::uint64_t mount{0};
+};
+
+Result<OwnFolder> openOwnFolder(PlaceRow const& row, TopFolder const& top, MissingTrash missing) {
     Result<FileDescriptor> folder = openTrashFolder(row, top, missing);
     if (!folder.hasValue()) return folder.problem();
-    TrashPlace trash{.folder = folder.takeValue(),
+    bool const isHome = row.top == Top::UserData;
+    Result<ItemPlace> const place = placeOf(isHome ? folder.value() : top.folder);
+    if (!place.hasValue()) return place.problem();
+    std::uint64_t const mount = place.value().mount;
+    Result<void> const check = checkOwnOn(folder.value(), mount, row.pathIn(top.path));
+    if (!check.isDone()) return check.problem();
+    return OwnFolder{folder.takeValue(), mount};
+}
+
+// Opens what the trash consists of. Its "info" is made if "files" is there without it.
+Result<TrashPlace> openParts(PlaceRow const& row, TopFolder const& top, OwnFolder own, MissingTrash missing) {
+    TrashPlace trash{.folder = std::move(own.folder),
                      .path = row.pathIn(top.path),
                      .base = top.path,
                      .isHome = row.top == Top::UserData};
-    Result<ItemPlace> const place = placeOf(trash.isHome ? trash.folder : top.folder);
-    if (!place.hasValue()) return place.problem();
-    std::uint64_t const mount = place.value().mount;
-    Result<void> const check = checkOwnOn(trash.folder, mount, trash.path);
-    if (!check.isDone()) return check.problem();
-    Result<FileDescriptor> files = openPart(trash, mount, "files", missing);
+    Result<FileDescriptor> files = openPart(trash, own.mount, "files", missing);
     if (!files.hasValue()) return files.problem();
-    Result<FileDescriptor> information = openPart(trash, mount, "info", missing);
+    Result<FileDescriptor> information = openPart(trash, own.mount, "info", MissingTrash::IsMade);
     if (!information.hasValue()) return information.problem();
     trash.files = files.takeValue();
     trash.information = information.takeValue();
     return trash;
+}
+
+Result<TrashPlace> openTrash(PlaceRow const& row, TopFolder const& top, MissingTrash missing) {
+    Result<OwnFolder> folder = openOwnFolder(row, top, missing);
+    if (!folder.hasValue()) return folder.problem();
+    return openParts(row, top, folder.takeValue(), missing);
 }
 
 Result<TopFolder> openUserData(MissingTrash missing) {
@@ -154,20 +173,56 @@ Result<TopFolder> topFolder(Result<FileDescriptor> folder) {
     return TopFolder{folder.takeValue(), path.takeValue()};
 }
 
-// The trashes that exist at the places of that kind below the top folder.
-std::vector<TrashPlace> existingTrashes(Top kind, Result<TopFolder> const& top) {
-    std::vector<TrashPlace> trashes;
-    if (!top.hasValue()) return trashes;
-    for (PlaceRow const& row : Places) {
-        if (row.top != kind) continue;
-        Result<TrashPlace> trash = openTrash(row, top.value(), MissingTrash::IsMissing);
-        if (trash.hasValue()) trashes.push_back(trash.takeValue());
-    }
-    return trashes;
+// The user's own data, unlike a volume, may hold a trash of this user also where they are closed.
+void addProblem(FoundTrashes& found, Top kind, SystemError const& problem) {
+    bool const isClosedHome = kind == Top::UserData && problem.is(EACCES);
+    if (isClosedHome || !isWithoutTrash(problem)) found.problems.push_back(problem);
 }
 
-std::vector<TrashPlace> trashesOfUserData() {
-    return existingTrashes(Top::UserData, openUserData(MissingTrash::IsMissing));
+// Opens the trash at the place if the user has one there.
+void addExisting(FoundTrashes& found, PlaceRow const& row, TopFolder const& top) {
+    Result<OwnFolder> folder = openOwnFolder(row, top, MissingTrash::IsMissing);
+    if (!folder.hasValue()) return addProblem(found, row.top, folder.problem());
+    Result<TrashPlace> trash = openParts(row, top, folder.takeValue(), MissingTrash::IsMissing);
+    if (trash.hasValue())
+        found.trashes.push_back(trash.takeValue());
+    else if (!trash.problem().is(ENOENT))
+        found.problems.push_back(trash.problem());
+}
+
+// The trashes that exist at the places of that kind below the top folder.
+FoundTrashes existingTrashes(Top kind, Result<TopFolder> const& top) {
+    FoundTrashes found;
+    if (!top.hasValue()) {
+        addProblem(found, kind, top.problem());
+        return found;
+    }
+    for (PlaceRow const& row : Places) {
+        if (row.top == kind) addExisting(found, row, top.value());
+    }
+    return found;
+}
+
+FoundTrashes trashesOfUserData() { return existingTrashes(Top::UserData, openUserData(MissingTrash::IsMissing)); }
+
+void append(FoundTrashes& found, FoundTrashes more) {
+    std::ranges::move(more.trashes, std::back_inserter(found.trashes));
+    std::ranges::move(more.problems, std::back_inserter(found.problems));
+}
+
+// A volume can be mounted at several places.
+void removeRepeated(FoundTrashes& found) {
+    std::vector<ItemIdentity> seen;
+    std::erase_if(found.trashes, [&](TrashPlace const& trash) {
+        Result<ItemPlace> const place = placeOf(trash.folder);
+        if (!place.hasValue()) {
+            found.problems.push_back(place.problem());
+            return true;
+        }
+        if (std::ranges::find(seen, place.value().identity) != seen.end()) return true;
+        seen.push_back(place.value().identity);
+        return false;
+    });
 }
 
 // Whether the volume belongs to the local computer, which may be narrowed to some folders.
@@ -184,7 +239,8 @@ TrashProblem noTrash(SystemError error) {
     return problem;
 }
 
-// The first trash below the top that can be used; the problem of the last place if none can.
+// The first trash below the top that can be used. If none can, the problem of the last place that is there or could not
+// be made: that a place is missing tells nothing about the volume.
 Result<TrashPlace, TrashProblem> firstTrash(Top kind, Result<TopFolder> const& top, MissingTrash missing) {
     if (!top.hasValue()) return noTrash(top.problem());
     SystemError error;
@@ -192,7 +248,7 @@ Result<TrashPlace, TrashProblem> firstTrash(Top kind, Result<TopFolder> const& t
         if (row.top != kind) continue;
         Result<TrashPlace> trash = openTrash(row, top.value(), missing);
         if (trash.hasValue()) return trash.takeValue();
-        error = trash.problem();
+        if (error.code == 0 || !trash.problem().is(ENOENT)) error = trash.problem();
     }
     return noTrash(std::move(error));
 }
@@ -228,39 +284,46 @@ Result<TrashPlace, TrashProblem> trashForFolder(FileDescriptor const& folder, Mi
     return firstTrash(Top::Volume, topFolder(topOfMount(folder)), missing);
 }
 
-bool holdsHomeTrash(ItemIdentity const& folder) {
-    return std::ranges::any_of(Places, [&](PlaceRow const& row) {
-        if (row.top != Top::UserData) return false;
+Result<bool> holdsHomeTrash(ItemIdentity const& folder) {
+    for (PlaceRow const& row : Places) {
+        if (row.top != Top::UserData) continue;
         Result<FileDescriptor> const nearest = nearestToUserData(row);
-        if (!nearest.hasValue()) return false;
+        if (!nearest.hasValue()) return nearest.problem();
         Result<std::vector<ItemIdentity>> const above = folderAndThoseAbove(nearest.value());
-        return above.hasValue() && std::ranges::find(above.value(), folder) != above.value().end();
-    });
+        if (!above.hasValue()) return above.problem();
+        if (std::ranges::find(above.value(), folder) != above.value().end()) return true;
+    }
+    return false;
 }
 
-std::vector<TrashPlace> trashesAround(FileDescriptor const& folder) {
-    std::vector<TrashPlace> trashes = trashesOfUserData();
-    std::ranges::move(existingTrashes(Top::Volume, topFolder(topOfMount(folder))), std::back_inserter(trashes));
-    return trashes;
+bool isWithoutTrash(SystemError const& error) {
+    return error.is(ENOENT) || error.is(ENOTDIR) || error.is(ELOOP) || error.is(EPERM) || error.is(EACCES);
 }
 
-std::vector<TrashPlace> trashesOfUser() {
-    std::vector<TrashPlace> trashes = trashesOfUserData();
-    for (MountedVolume const& volume : mountedVolumes()) {
+std::optional<SystemError> FoundTrashes::unknownPlace() const {
+    auto const found = std::ranges::find_if_not(problems, &isWithoutTrash);
+    return found == problems.end() ? std::nullopt : std::optional(*found);
+}
+
+FoundTrashes trashesAround(FileDescriptor const& folder) {
+    FoundTrashes found = trashesOfUserData();
+    append(found, existingTrashes(Top::Volume, topFolder(topOfMount(folder))));
+    return found;
+}
+
+FoundTrashes trashesOfUser() {
+    FoundTrashes found = trashesOfUserData();
+    Result<MountTable> const mounts = MountTable::current();
+    if (!mounts.hasValue()) found.problems.push_back(mounts.problem());
+    std::vector<MountedVolume> const volumes =
+        mounts.hasValue() ? volumesOf(mounts.value()) : std::vector<MountedVolume>();
+    for (MountedVolume const& volume : volumes) {
         // A server that does not answer would block.
         if (!volume.isLocal || !isOfLocalComputer(volume.mountPoint)) continue;
-        Result<TopFolder> const top = topFolder(openPath(volume.mountPoint, FolderFlags));
-        std::ranges::move(existingTrashes(Top::Volume, top), std::back_inserter(trashes));
+        append(found, existingTrashes(Top::Volume, topFolder(openPath(volume.mountPoint, FolderFlags))));
     }
-    // A volume can be mounted at several places.
-    std::vector<ItemIdentity> seen;
-    std::erase_if(trashes, [&seen](TrashPlace const& trash) {
-        Result<ItemPlace> const place = placeOf(trash.folder);
-        if (!place.hasValue() || std::ranges::find(seen, place.value().identity) != seen.end()) return true;
-        seen.push_back(place.value().identity);
-        return false;
-    });
-    return trashes;
+    removeRepeated(found);
+    return found;
 }
 
 } // namespace mac

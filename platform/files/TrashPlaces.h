@@ -30,10 +30,24 @@ struct TrashPlace {
 Result<TrashPlace, TrashProblem> trashForFolder(FileDescriptor const& folder, MissingTrash missing);
 
 // Whether the home trash lies in the folder, or would if it were created.
-bool holdsHomeTrash(ItemIdentity const& folder);
+Result<bool> holdsHomeTrash(ItemIdentity const& folder);
+
+// Whether the place has no trash that items of this user could lie in: it is missing, of another kind, another user's
+// or closed to this one.
+bool isWithoutTrash(SystemError const& error);
+
+// The user's trashes at some places.
+struct FoundTrashes {
+    std::vector<TrashPlace> trashes{};
+    // Why trashes that are there, or may be there, could not be opened.
+    std::vector<SystemError> problems{};
+
+    // The first problem that leaves open whether an item lies in a trash; nullopt if there is none.
+    std::optional<SystemError> unknownPlace() const;
+};
 // The trashes that an item in the folder could lie in, or hold.
-std::vector<TrashPlace> trashesAround(FileDescriptor const& folder);
+FoundTrashes trashesAround(FileDescriptor const& folder);
 // The user's trashes on all volumes.
-std::vector<TrashPlace> trashesOfUser();
+FoundTrashes trashesOfUser();
 
 } // namespace mac

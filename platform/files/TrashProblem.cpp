@@ -21,6 +21,8 @@ TrashProblem trashProblem(SystemError error, std::string const& what) {
         case EACCES:
         case EPERM:
             return TrashProblem::NotAllowed;
+        case ItemIsLocked:
+            return TrashProblem::Locked;
         case EROFS:
             return TrashProblem::ReadOnly;
         case ENOSPC:

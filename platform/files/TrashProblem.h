@@ -14,6 +14,8 @@ struct TrashProblem {
         Changed,
         // The permissions of the item, its folder or its owner do not allow it.
         NotAllowed,
+        // The item is locked.
+        Locked,
         // The volume cannot be written to.
         ReadOnly,
         // The volume has no space left, not even for the few bytes that the trash needs.

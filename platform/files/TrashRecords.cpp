@@ -1,8 +1,11 @@
 #include "platform/files/TrashRecords.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include <cerrno>
 #include <fcntl.h>
 #include <span>
 #include <sys/file.h>
@@ -62,24 +65,55 @@ void writeSizes(FileDescriptor const& folder, std::vector<DirectorySize> const& 
                               {.newFileMode = S_IRUSR | S_IWUSR});
 }
 
+bool isNoSuchName(SystemError const& error) { return error.is(ENOENT) || error.is(ENAMETOOLONG); }
+
 } // namespace
 
-std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name) {
+Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, std::string const& name) {
+    std::optional<TrashInformation> const none;
     std::string const file = TrashInformation::nameFor(name);
     // Opening an item that is no file may block or have side effects.
     Result<ItemPlace> const place = placeOf(trash.information, file);
-    if (!place.hasValue() || !S_ISREG(place.value().mode)) return std::nullopt;
+    if (!place.hasValue() && isNoSuchName(place.problem())) return none;
+    if (!place.hasValue()) return place.problem();
+    if (!S_ISREG(place.value().mode)) return none;
     FileDescriptor const open(
         ::openat(trash.information.number(), file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!open.isOpen()) return std::nullopt;
+    if (!open.isOpen()) return lastSystemError("open", file);
     Result<FileContents> const contents = readOpenFile(open, LargestInformation);
-    if (!contents.hasValue()) return std::nullopt;
+    if (!contents.hasValue() && contents.problem().is(EFBIG)) return none;
+    if (!contents.hasValue()) return contents.problem();
     std::span<std::byte const> const bytes = contents.value().bytes;
     return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
 void removeInformation(TrashPlace const& trash, std::string const& name) {
     ::unlinkat(trash.information.number(), TrashInformation::nameFor(name).c_str(), 0);
+}
+
+Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name) {
+    Result<ItemPlace> const place = placeOf(trash.files, name);
+    if (!place.hasValue()) return place.problem();
+    TrashedItem item{
+        .path = trash.filesPath() + "/" + name, .identity = place.value().identity, .isFolder = place.value().isFolder};
+    Result<std::optional<TrashInformation>> const information = informationOf(trash, name);
+    if (!information.hasValue() || !information.value()) return item;
+    item.originalPath = trash.originalPath(information.value()->path);
+    item.deletionTime = secondsOfLocalTimeText(information.value()->date);
+    return item;
+}
+
+Result<std::optional<OpenSidecar>> sidecarInTrash(TrashPlace const& trash, std::string const& name) {
+    Result<std::optional<TrashInformation>> const information = informationOf(trash, AppleDoubleSidecar::nameFor(name));
+    if (!information.hasValue()) return information.problem();
+    if (!information.value()) return std::optional<OpenSidecar>();
+    Result<std::optional<TrashInformation>> const owner = informationOf(trash, name);
+    if (!owner.hasValue()) return owner.problem();
+    if (!owner.value()) return std::optional<OpenSidecar>();
+    BytePath const original(owner.value()->path);
+    std::string const expected = BytePath(original.parent()).joined(AppleDoubleSidecar::nameFor(original.leaf()));
+    if (information.value()->path != expected) return std::optional<OpenSidecar>();
+    return sidecarBeside(trash.files, name);
 }
 
 TrashReservation::TrashReservation(TrashPlace const& trash, std::string const& name)

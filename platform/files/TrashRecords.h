@@ -7,9 +7,18 @@
 
 namespace mac {
 
-// nullopt if the item in the trash has no information file, or one that cannot be read.
-std::optional<TrashInformation> informationOf(TrashPlace const& trash, std::string const& name);
+// nullopt if the item in the trash has no information file, or one of another form. Fails if there is one that cannot
+// be read.
+Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, std::string const& name);
 void removeInformation(TrashPlace const& trash, std::string const& name);
+
+// The item of a name in the trash, and what is recorded of it as far as that can be read.
+Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name);
+
+// The AppleDouble sidecar that came with the item of that name; nullopt if none did. A sidecar from elsewhere that
+// happens to have its name here is an item of its own, which must not go where this item goes. Fails if that cannot be
+// found out.
+Result<std::optional<OpenSidecar>> sidecarInTrash(TrashPlace const& trash, std::string const& name);
 
 // An item's information file "NAME.trashinfo", created before the item moves; the destructor removes it again unless it
 // is kept.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/foundation/NSFileAttributes.h"
-#include "platform/system/Result.h"
 #include <optional>
 #include <string>
 
@@ -17,12 +16,8 @@ inline constexpr unsigned PermissionBits = 07777;
 
 NSDictionary fileAttributesOf(FileDescriptor const& item);
 
-// What forbids changes of it.
-struct FileLocks {
-    bool isImmutable{false};
-    bool isAppendOnly{false};
-};
-std::optional<FileLocks> locksOf(FileDescriptor const& item);
+// nullopt if the item's status cannot be read.
+std::optional<bool> isAppendOnly(FileDescriptor const& item);
 // The creation date that a program has set for the file or folder, else the time of its birth; nil if that is not
 // known.
 NSDate creationDateOf(FileDescriptor const& item);
@@ -30,8 +25,6 @@ NSDate creationDateOf(FileDescriptor const& item);
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // Immutable and append only alone; what the dictionary does not say stays.
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);
-// Sets or clears the flag that forbids every change of the item.
-Result<void> setImmutable(FileDescriptor const& item, bool isImmutable);
 
 NSDictionary volumeAttributesOf(FileDescriptor const& item);
 

@@ -4,6 +4,7 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/ItemLock.h"
 #include <array>
 #include <cmath>
 #include <fcntl.h>
@@ -68,8 +69,15 @@ Result<void> setFlag(FileDescriptor const& item, int flag, bool isSet) {
     return {};
 }
 
-bool changeFlag(FileDescriptor const& item, NSNumber const& wanted, int flag, bool isSet) {
-    return wanted == nil || wanted.boolValue() == isSet || setFlag(item, flag, !isSet).isDone();
+bool changeAppendOnly(FileDescriptor const& item, NSNumber const& wanted, bool isSet) {
+    return wanted == nil || wanted.boolValue() == isSet || setFlag(item, FS_APPEND_FL, !isSet).isDone();
+}
+
+bool changeImmutable(FileDescriptor const& item, NSNumber const& wanted) {
+    if (wanted == nil) return true;
+    Result<OpenItem> const found = openItemInItsFolder(item);
+    ItemLock const lock = wanted.boolValue() ? ItemLock::Locked : ItemLock::Unlocked;
+    return found.hasValue() && setLock(found.value(), lock).isDone();
 }
 
 bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
@@ -82,33 +90,28 @@ bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
 } // namespace
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes) {
-    std::optional<FileLocks> const old = locksOf(item);
-    if (!old) return false;
+    std::optional<bool> const wasAppendOnly = isAppendOnly(item);
+    if (!wasAppendOnly) return false;
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
     // Asked before the changes, after which it may not be ours to read.
     bool done = hasCreationDate(item, attributes.fileCreationDate());
     // What forbids changes is lifted first and put on last.
-    if (old->isImmutable && !immutable.boolValue()) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, true) && done;
-    if (old->isAppendOnly && !appendOnly.boolValue()) done = changeFlag(item, appendOnly, FS_APPEND_FL, true) && done;
+    if (!immutable.boolValue()) done = changeImmutable(item, immutable) && done;
+    if (*wasAppendOnly) done = changeAppendOnly(item, appendOnly, true) && done;
     done = changeOwners(item, attributes) && done;
     done = changePermissions(item, as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions))) && done;
     done = changeModificationDate(item, attributes.fileModificationDate()) && done;
-    if (!old->isAppendOnly) done = changeFlag(item, appendOnly, FS_APPEND_FL, false) && done;
-    if (!old->isImmutable) done = changeFlag(item, immutable, FS_IMMUTABLE_FL, false) && done;
+    if (!*wasAppendOnly) done = changeAppendOnly(item, appendOnly, false) && done;
+    if (immutable.boolValue()) done = changeImmutable(item, immutable) && done;
     return done;
-}
-
-Result<void> setImmutable(FileDescriptor const& item, bool isImmutable) {
-    return setFlag(item, FS_IMMUTABLE_FL, isImmutable);
 }
 
 bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes) {
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
-    FileLocks const old = locksOf(item).value_or(FileLocks());
-    bool const done = changeFlag(item, appendOnly, FS_APPEND_FL, old.isAppendOnly);
-    return changeFlag(item, immutable, FS_IMMUTABLE_FL, old.isImmutable) && done;
+    bool const done = changeAppendOnly(item, appendOnly, isAppendOnly(item).value_or(false));
+    return changeImmutable(item, immutable) && done;
 }
 
 } // namespace mac

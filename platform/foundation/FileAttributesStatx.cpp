@@ -4,6 +4,7 @@
 #include "platform/foundation/UTCDateTime.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -50,11 +51,16 @@ std::optional<struct statx> statusOf(FileDescriptor const& item) {
     return failed ? std::nullopt : std::optional(status);
 }
 
+// The item in its folder, if it is one that can carry attributes; its name may lead to another item meanwhile.
+std::optional<OpenItem> attributedItem(FileDescriptor const& item, struct statx const& status) {
+    if (!S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode)) return std::nullopt;
+    Result<OpenItem> found = openItemInItsFolder(item);
+    return found.hasValue() ? std::optional(found.takeValue()) : std::nullopt;
+}
+
 // The creation date that a program has set; nil if none has.
-NSDate keptCreationDateOf(FileDescriptor const& item) {
-    Result<OpenItem> const found = openItemInItsFolder(item);
-    if (!found.hasValue()) return nil;
-    Result<KeptCreationDate> const kept = keptCreationDate(found.value());
+NSDate keptCreationDateOf(OpenItem const& item) {
+    Result<KeptCreationDate> const kept = keptCreationDate(item);
     if (!kept.hasValue()) return nil;
     UTCDateTime const date = utcDateTimeOf(kept.value().units);
     CFAbsoluteTime time = 0;
@@ -62,9 +68,8 @@ NSDate keptCreationDateOf(FileDescriptor const& item) {
     return NSDate::dateWithTimeIntervalSinceReferenceDate_(time);
 }
 
-NSDate creationDateOf(FileDescriptor const& item, struct statx const& status) {
-    bool const canBeKept = S_ISREG(status.stx_mode) || S_ISDIR(status.stx_mode);
-    NSDate const kept = canBeKept ? keptCreationDateOf(item) : NSDate(nil);
+NSDate creationDateOf(std::optional<OpenItem> const& item, struct statx const& status) {
+    NSDate const kept = item ? keptCreationDateOf(*item) : NSDate(nil);
     if (!(kept == nil)) return kept;
     return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
 }
@@ -79,22 +84,22 @@ NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
 
 } // namespace
 
-std::optional<FileLocks> locksOf(FileDescriptor const& item) {
+std::optional<bool> isAppendOnly(FileDescriptor const& item) {
     std::optional<struct statx> const status = statusOf(item);
-    if (!status) return std::nullopt;
-    return FileLocks{.isImmutable = (status->stx_attributes & STATX_ATTR_IMMUTABLE) != 0,
-                     .isAppendOnly = (status->stx_attributes & STATX_ATTR_APPEND) != 0};
+    return status ? std::optional((status->stx_attributes & STATX_ATTR_APPEND) != 0) : std::nullopt;
 }
 
 NSDate creationDateOf(FileDescriptor const& item) {
     std::optional<struct statx> const status = statusOf(item);
-    return status ? creationDateOf(item, *status) : NSDate(nil);
+    return status ? creationDateOf(attributedItem(item, *status), *status) : NSDate(nil);
 }
 
 NSDictionary fileAttributesOf(FileDescriptor const& item) {
     std::optional<struct statx> const found = statusOf(item);
     if (!found) return nil;
     struct statx const& status = *found;
+    std::optional<OpenItem> const attributed = attributedItem(item, status);
+    bool const isLocked = attributed ? lockOf(*attributed) == ItemLock::Locked : isImmutable(item);
     NSMutableDictionary const attributes = NSMutableDictionary::dictionary();
     attributes.setObject_forKey_(typeOf(status.stx_mode), NSFileType);
     attributes.setObject_forKey_(number(status.stx_size), NSFileSize);
@@ -104,13 +109,13 @@ NSDictionary fileAttributesOf(FileDescriptor const& item) {
     attributes.setObject_forKey_(number(status.stx_gid), NSFileGroupOwnerAccountID);
     attributes.setObject_forKey_(number(makedev(status.stx_dev_major, status.stx_dev_minor)), NSFileSystemNumber);
     attributes.setObject_forKey_(number(status.stx_ino), NSFileSystemFileNumber);
-    attributes.setObject_forKey_(flagOf(status, STATX_ATTR_IMMUTABLE), NSFileImmutable);
+    attributes.setObject_forKey_(NSNumber::numberWithBool_(BOOL(isLocked)), NSFileImmutable);
     attributes.setObject_forKey_(flagOf(status, STATX_ATTR_APPEND), NSFileAppendOnly);
     attributes.setObject_forKey_(NSNumber::numberWithBool_(NO), NSFileExtensionHidden);
     attributes.setObject_forKey_(dateOf(status.stx_mtime), NSFileModificationDate);
     setIfKnown(attributes, string(nameOfUser(status.stx_uid)), NSFileOwnerAccountName);
     setIfKnown(attributes, string(nameOfGroup(status.stx_gid)), NSFileGroupOwnerAccountName);
-    setIfKnown(attributes, creationDateOf(item, status), NSFileCreationDate);
+    setIfKnown(attributes, creationDateOf(attributed, status), NSFileCreationDate);
     if (S_ISCHR(status.stx_mode) || S_ISBLK(status.stx_mode))
         attributes.setObject_forKey_(number(makedev(status.stx_rdev_major, status.stx_rdev_minor)),
                                      NSFileDeviceIdentifier);

@@ -9,8 +9,10 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemLock.h"
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -93,6 +95,12 @@ bool allowsRemoval(Place const& place) {
 
 void setDisplayNameSource(DisplayNameSource source) { s_displayNameSource.store(source); }
 
+NSString NSTemporaryDirectory() {
+    char const* const folder = std::getenv("TMPDIR");
+    bool const isUsable = folder && BytePath(folder).isAbsolute();
+    return NSString::stringWithFileSystemRepresentation_(BytePath(isUsable ? folder : "/tmp").bytes());
+}
+
 class NSFileManager::Body : public ObjectBody {};
 
 ClassDescription NSFileManager::describeClass() {
@@ -116,6 +124,9 @@ ClassDescription NSFileManager::describeClass() {
                 method<&NSFileManager::contentsEqualAtPath_andPath_>("contentsEqualAtPath:andPath:"),
                 method<&NSFileManager::createDirectoryAtPath_attributes_>("createDirectoryAtPath:attributes:"),
                 method<&NSFileManager::createFileAtPath_contents_attributes_>("createFileAtPath:contents:attributes:"),
+                method<&NSFileManager::removeFileAtPath_handler_>("removeFileAtPath:handler:"),
+                method<&NSFileManager::movePath_toPath_handler_>("movePath:toPath:handler:"),
+                method<&NSFileManager::copyPath_toPath_handler_>("copyPath:toPath:handler:"),
                 method<&NSFileManager::pathContentOfSymbolicLinkAtPath_>("pathContentOfSymbolicLinkAtPath:"),
                 method<&NSFileManager::createSymbolicLinkAtPath_pathContent_>("createSymbolicLinkAtPath:pathContent:"),
             },
@@ -231,6 +242,8 @@ bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, 
                                                           NSDictionary const& attributes) const {
     std::optional<std::string> const bytes = *this == nil ? std::nullopt : path.fileSystemRepresentation();
     if (!bytes) return false;
+    Result<OpenItem> const old = openItemAtPath(*bytes, LinkAtEnd::IsFollowed);
+    if (old.hasValue() && lockOf(old.value()) == ItemLock::Locked) return false;
     FileReplacement how{.newFileMode = modeOf(attributes, UsualFileMode)};
     bool hasAttributes = true;
     if (attributes.count() > 0) {

@@ -62,15 +62,36 @@ public:
     // The attributes may be nil. False where something is already, or the folder
     // above is not.
     bool createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const;
-    // Replaces a file that is there, old whole or new whole; it keeps what the
-    // attributes do not say. Nil contents are none. False also when an attribute
+    // Replaces a file that is there unless it is locked, old whole or new whole;
+    // it keeps what the attributes do not say. Nil contents are none. False also when an attribute
     // could not be set; the file is there then, and nobody gets more of it than
     // the attributes allow.
     bool createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
                                                NSDictionary const& attributes) const;
+    // The three operations below delete, move and copy whole items, folders with all that is in them. Symbolic links
+    // are taken themselves, also with a slash behind them; the last component may not be "." or "..". An item's
+    // AppleDouble sidecar goes with it. Of the handler, which may be nil, two messages are sent if it responds to them:
+    // fileManager:willProcessPath: before an item is deleted, moved or copied, and after a failure
+    // fileManager:shouldProceedAfterError: with a dictionary of the strings "Path", "Error" (why, for people) and, for
+    // two paths, "ToPath". If that answers NO, or is not there, the operation ends with NO; if it answers YES, the
+    // operation leaves that item alone, goes on with the rest and answers YES. Nothing is sent for a path that is nil,
+    // empty or can name no file.
+
+    // Deletes for good. A locked item or a mount point in the folder is a failure before anything is deleted.
+    bool removeFileAtPath_handler_(NSString const& path, id const& handler) const;
+    // False if something has the new path. To another volume the item is copied completely before the original goes. A
+    // failure leaves the item where it was, unless the text says otherwise.
+    // Linux: the handler is told of the item alone, and not of what is in it; so in the copy below.
+    bool movePath_toPath_handler_(NSString const& path, NSString const& newPath, id const& handler) const;
+    // False if something has the new path, which names the copy itself. The copy is complete when it appears.
+    bool copyPath_toPath_handler_(NSString const& path, NSString const& newPath, id const& handler) const;
+
     // The text of a link; nil for what is none.
     NSString pathContentOfSymbolicLinkAtPath_(NSString const& path) const;
     bool createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const;
 };
+
+// The folder for temporary files: TMPDIR if it is an absolute path, else "/tmp"; without a slash at its end.
+NSString NSTemporaryDirectory();
 
 } // namespace mac

@@ -212,4 +212,10 @@ NativeWriting writeLoginItems(NSArray const& items) {
     return {.kept = plan.kept};
 }
 
+bool isOwnLoginItem(id const& element) {
+    return std::ranges::any_of(knownLoginItems().items, [&](ReadItem const& read) {
+        return read.item.entry.own && read.object.isEqual_(element);
+    });
+}
+
 } // namespace mac

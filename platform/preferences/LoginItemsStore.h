@@ -22,4 +22,7 @@ NativeItems readLoginItems(NSArray const& kept);
 // Linux: an entry that appeared since the last read is kept, though the array does not have it.
 NativeWriting writeLoginItems(NSArray const& items);
 
+// Whether the element stands, since the last read, for an entry that this program wrote.
+bool isOwnLoginItem(id const& element);
+
 } // namespace mac

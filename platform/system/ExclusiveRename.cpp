@@ -78,13 +78,19 @@ Result<void> StepwiseRename::renameByLink(Place const& from, Place const& to) co
     if (::symlinkat(text.value().c_str(), to.folder.number(), to.name.c_str()) != 0)
         return lastSystemError("symlink", to.name);
     FileDescriptor const link(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    SystemError problem = link.isOpen() ? SystemError() : lastSystemError("open", to.name);
     tellFirstStep();
-    if (!link.isOpen() || linkText(link).valueOr("") != text.value()) return nameIsTaken(to.name);
-    if (!confirmItemInFolder(to.folder, to.name, link).isDone()) return nameIsTaken(to.name);
-    if (::renameat(from.folder.number(), from.name.c_str(), to.folder.number(), to.name.c_str()) == 0) return {};
-    SystemError error = lastSystemError("rename", from.name);
-    if (confirmItemInFolder(to.folder, to.name, link).isDone()) ::unlinkat(to.folder.number(), to.name.c_str(), 0);
-    return error;
+    if (link.isOpen()) {
+        Result<void> const isThere = confirmItemInFolder(to.folder, to.name, link);
+        bool const isRenamed = isThere.isDone() && ::renameat(from.folder.number(), from.name.c_str(),
+                                                              to.folder.number(), to.name.c_str()) == 0;
+        if (isRenamed) return {};
+        problem = isThere.isDone() ? lastSystemError("rename", from.name) : isThere.problem();
+    }
+    // Another process has replaced the link, or still finds it.
+    if (problem.is(ESTALE)) return nameIsTaken(to.name);
+    if (linkTextIn(to.folder, to.name).valueOr("") == text.value()) ::unlinkat(to.folder.number(), to.name.c_str(), 0);
+    return problem;
 }
 
 // Leads from the new name to the item.

@@ -9,7 +9,9 @@ SystemError lastSystemError(char const* operation, std::string_view item) {
     return {.code = code, .operation = operation, .item = std::string(item)};
 }
 
-std::string textOfSystemError(int code) { return std::generic_category().message(code); }
+std::string textOfSystemError(int code) {
+    return code == ItemIsLocked ? "The item is locked" : std::generic_category().message(code);
+}
 
 std::string SystemError::text() const {
     std::string text = operation;

@@ -5,9 +5,12 @@
 
 namespace mac {
 
+// A code of our own, beyond the system's error numbers, which end at 4095: the item is locked (ItemLock.h).
+inline constexpr int ItemIsLocked = 4096;
+
 // Why the system refused: what was tried, on what, and the system's own code. A value; any thread.
 struct SystemError {
-    // An errno value; 0 only if nothing was tried.
+    // An errno value or ItemIsLocked; 0 only if nothing was tried.
     int code{0};
     // The system call or step, such as "open" or "rename"; a literal.
     char const* operation{""};

@@ -140,7 +140,7 @@ Result<std::string> asideName(std::uint64_t mark) {
 
 std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name) {
     if (name.starts_with(SidecarPrefix)) name.remove_prefix(SidecarPrefix.size());
-    if (!name.starts_with(temporaryNamePrefix)) return std::nullopt;
+    if (!name.starts_with(temporaryNamePrefix) || name.ends_with('-')) return std::nullopt;
     name.remove_prefix(temporaryNamePrefix.size());
     ParsedTemporaryName parsed;
     parsed.owner.boot = takePart(name);

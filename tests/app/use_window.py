@@ -3,6 +3,10 @@
 
 usage: use_window.py PROCESS row PATH     prints the cells of the row with the path, one a line; nothing without it
        use_window.py PROCESS quit PATH    selects that row alone and presses "Quit Copy"; prints "pressed" if it can
+       use_window.py PROCESS select PATH  selects that row alone and gives the table the keyboard; prints "selected" then
+       use_window.py PROCESS press KEYS   presses keys such as "ctrl+shift+l" wherever the keyboard is
+       use_window.py PROCESS status       prints what the status line says
+       use_window.py PROCESS button NAME  prints "enabled" or "disabled: " and why
 """
 
 import sys
@@ -37,8 +41,37 @@ def is_table(element):
     return element.get_role() in (Atspi.Role.TABLE, Atspi.Role.TREE_TABLE)
 
 
-def is_quit_button(element):
-    return element.get_role() == Atspi.Role.PUSH_BUTTON and element.get_name() == "Quit Copy"
+def button_named(program, name):
+    return find(program, lambda e: e.get_role() == Atspi.Role.PUSH_BUTTON and e.get_name() == name)
+
+
+def has_state(element, state):
+    return element.get_state_set().contains(state)
+
+
+# The codes of keys that are held, which are the same on every keyboard, and the symbols of keys with a name.
+HELD = {"ctrl": 37, "shift": 50, "alt": 64}
+SYMBOLS = {"delete": 0xFFFF, "return": 0xFF0D, "f5": 0xFFC2}
+
+
+def press(keys):
+    *held, key = keys.split("+")
+    for name in held:
+        Atspi.generate_keyboard_event(HELD[name], None, Atspi.KeySynthType.PRESS)
+    Atspi.generate_keyboard_event(SYMBOLS.get(key) or ord(key), None, Atspi.KeySynthType.SYM)
+    for name in reversed(held):
+        Atspi.generate_keyboard_event(HELD[name], None, Atspi.KeySynthType.RELEASE)
+
+
+def select(program, table, row):
+    for other in Atspi.Table.get_selected_rows(table):
+        if other != row:
+            Atspi.Table.remove_row_selection(table, other)
+    Atspi.Table.add_row_selection(table, row)
+    # There is no window manager that would give the window the keyboard.
+    Atspi.Component.grab_focus(program.get_child_at_index(0))
+    Atspi.Component.grab_focus(table)
+    return list(Atspi.Table.get_selected_rows(table)) == [row] and has_state(table, Atspi.StateType.FOCUSED)
 
 
 def row_with(table, path):
@@ -50,8 +83,12 @@ def row_with(table, path):
     return None, []
 
 
+def program_of(process):
+    return next((p for p in children(Atspi.get_desktop(0)) if p.get_process_id() == process), None)
+
+
 def use(process, verb, path):
-    program = next((p for p in children(Atspi.get_desktop(0)) if p.get_process_id() == process), None)
+    program = program_of(process)
     table = find(program, is_table) if program is not None else None
     if table is None:
         return
@@ -59,19 +96,43 @@ def use(process, verb, path):
     if verb == "row":
         print("".join(name + "\n" for name in names), end="")
         return
-    button = find(program, is_quit_button)
+    if verb == "select" and row is not None:
+        print("selected" if select(program, table, row) else "not yet")
+        return
+    button = button_named(program, "Quit Copy")
     if row is None or button is None:
         return
     for other in Atspi.Table.get_selected_rows(table):
         Atspi.Table.remove_row_selection(table, other)
     Atspi.Table.add_row_selection(table, row)
-    if button.get_state_set().contains(Atspi.StateType.SENSITIVE):
+    if has_state(button, Atspi.StateType.SENSITIVE):
         # The program answers when it is done, which may be long after we have lost patience.
         print("pressed")
         Atspi.Action.do_action(button, 0)
 
 
+def tell(process, verb, argument):
+    """Answers the verbs that need no row."""
+    program = program_of(process)
+    if verb == "press":
+        press(argument)
+        print("pressed")
+    elif verb == "status" and program is not None:
+        line = find(program, lambda element: element.get_name() == "Last message")
+        print(line.get_description() if line is not None else "none")
+    elif verb == "button" and program is not None:
+        button = button_named(program, argument)
+        if button is not None and has_state(button, Atspi.StateType.SENSITIVE):
+            print("enabled")
+        elif button is not None:
+            print("disabled: " + button.get_description())
+
+
 try:
-    use(int(sys.argv[1]), sys.argv[2], sys.argv[3])
+    process, verb, *rest = sys.argv[1:]
+    if verb in ("row", "quit", "select"):
+        use(int(process), verb, rest[0])
+    else:
+        tell(int(process), verb, *(rest or [""]))
 except GLib.Error:
     pass  # it is being built, or changes while it is read: whoever asks may try again

@@ -238,6 +238,9 @@ PLANTED = [
     ("operations", [replace("pathutils/BundleVersions.cpp", "&pxVersionOfPath", "&other")], "docs/operations.txt:7: ", "cannot be sent"),
     ("operations", [replace("docs/operations.txt", "  -pxVersionOfPath", "  +pxVersionOfPath")], "docs/operations.txt:7: ", "classMethod<"),
     ("operations", [new("docs/operations.txt", "# None.\n")], "scripts/checks/operations:1: ", "looked at no operations"),
+    ("operations", [replace("pathutils/BundleVersions.cpp", "Method const row = method<&pxVersionOfPath>(\"pxVersionOfPath\");",
+                            "void registerAll() {\n    addCategory<NSURL>({method<&pxVersionOfPath>(\"pxVersionOfPath\")});\n}")],
+     "pathutils/BundleVersions.cpp:10: ", "the receiver NSString"),
     # registered
     ("registered", [new("tests/pathutils/LostTest.cpp", "\n")], "tests/pathutils/LostTest.cpp:1: ", "no CMakeLists.txt"),
     ("registered", [replace("tests/CMakeLists.txt", "app/ItemActionsTest.cpp", "# app/ItemActionsTest.cpp\n")],
@@ -247,6 +250,8 @@ PLANTED = [
     ("registered", [new("tests/app/More.cpp", "\nTEST(More, Runs) {}\n"), replace("tests/CMakeLists.txt", "OBJECT", "OBJECT app/More.cpp")],
      "tests/app/More.cpp:2: ", "Test.cpp"),
     ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
+    ("registered", [after("platform/foundation/NSString.h", 7, "    static ClassDescription describeClass();\n")],
+     "platform/foundation/NSString.h:6: ", "never registered"),
     # rules
     ("rules", [after("pathutils/BundleVersions.cpp", 3, "void* nothing = nullptr;\n")], "pathutils/BundleVersions.cpp:4: ", "nil"),
     ("rules", [after("app/ItemActions.cpp", 3, "int* leak() { return new int(3); }\n")], "app/ItemActions.cpp:4: ", "adopt"),

@@ -12,9 +12,7 @@
 
 namespace mac::test {
 
-namespace {
-
-void refuse(long call, int errorNumber) {
+void refuseCallOnThisThread(long call, int errorNumber) {
     std::array<sock_filter, 4> program{{
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), 0, 1),
@@ -26,11 +24,9 @@ void refuse(long call, int errorNumber) {
         throw std::system_error(errno, std::generic_category(), "no call can be refused");
 }
 
-} // namespace
-
 void withRefusedCall(long call, int errorNumber, std::function<void()> const& work) {
     std::thread([&] {
-        refuse(call, errorNumber);
+        refuseCallOnThisThread(call, errorNumber);
         work();
     }).join();
 }

@@ -8,4 +8,8 @@ namespace mac::test {
 // (SYS_fsync) with that error.
 void withRefusedCall(long call, int errorNumber, std::function<void()> const& work);
 
+// From now on the system refuses every call of that number on this thread, until the thread ends. For threads that a
+// test starts itself.
+void refuseCallOnThisThread(long call, int errorNumber);
+
 } // namespace mac::test

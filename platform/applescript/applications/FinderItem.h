@@ -79,8 +79,9 @@ void setComment(OpenItem const& item, std::u16string const& comment, Value const
 int labelIndexOf(OpenItem const& item);
 void setLabelIndex(OpenItem const& item, int index, Value const& object);
 std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator);
-// Whether the item has the immutable flag.
+// The item's lock (ItemLock.h). A lock that cannot be set is a script error about the object.
 bool isLocked(OpenItem const& item);
+void setLocked(OpenItem const& item, bool isLocked, Value const& object);
 // The permissions of owner (0), group (1) and others (2) as one of the Finder's constants, and back.
 Value privilegesOf(std::uint32_t mode, int whose);
 bool setPrivileges(OpenItem const& item, int whose, Value const& value);

@@ -1,6 +1,5 @@
 #include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/FinderItem.h"
-#include "platform/files/CatalogFields.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
 #include "platform/launchservices/ContentTypes.h"
@@ -10,6 +9,7 @@
 #include "platform/system/PercentEscapes.h"
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemLock.h"
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -78,10 +78,11 @@ std::optional<Value> fileTypeOf(OpenItem const& item, bool isCreator) {
     return code == 0 ? std::nullopt : std::optional(Value::type(code));
 }
 
-bool isLocked(OpenItem const& item) {
-    FSCatalogInfo information;
-    return readCatalogFields(item, kFSCatInfoNodeFlags, information).isDone() &&
-           (information.nodeFlags & kFSNodeLockedMask) != 0;
+bool isLocked(OpenItem const& item) { return lockOf(item) == ItemLock::Locked; }
+
+void setLocked(OpenItem const& item, bool isLocked, Value const& object) {
+    Result<void> const set = setLock(item, isLocked ? ItemLock::Locked : ItemLock::Unlocked);
+    if (!set.isDone()) throw fileError(set.problem(), object);
 }
 
 Value privilegesOf(std::uint32_t mode, int whose) {

@@ -267,6 +267,9 @@ bool FinderItem::setProperty(Code code, Value const& value, TextContext const& c
     case codeOf("comt"):
         setComment(open(), requireText(value, context), specifier());
         return true;
+    case codeOf("aslk"):
+        setLocked(open(), requireBoolean(value, context), specifier());
+        return true;
     case codeOf("labi"):
         setLabelIndex(open(), requireInteger(value, context), specifier());
         return true;

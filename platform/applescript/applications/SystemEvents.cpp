@@ -7,6 +7,7 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
+#include <algorithm>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -90,12 +91,13 @@ public:
         }
     }
 
-    // Linux: login items are not looked up here.
     std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
         switch (elementType) {
         case codeOf("prcs"):
         case codeOf("pcap"):
             return system_events::processes(elementType);
+        case codeOf("logi"):
+            return system_events::loginItems();
         case codeOf("cdis"):
             return system_events::disks();
         case codeOf("uacc"):
@@ -147,7 +149,7 @@ protected:
         case eventOf("coremove"):
             return move(evaluator, command);
         case eventOf("corecrel"):
-            return make(command);
+            return make(evaluator, command);
         case eventOf("miscactv"):
         case eventOf("ascrnoop"):
         case eventOf("aevtoapp"):
@@ -178,17 +180,26 @@ private:
                           .message = unitsFromFileSystemBytes(problem.text + ".")};
     }
 
-    // Linux: login items are not looked up here, and other things are the Finder's to make.
-    static Value make(ApplicationCommand const& command) {
+    // Linux: other things are the Finder's to make.
+    static Value make(Evaluator& evaluator, ApplicationCommand const& command) {
         Value const* const named = command.find(codeOf("kocl"));
         Value const type = named ? *named : command.direct;
         if (!type.is(ValueKind::Type)) throw missingParameter(u"new", command.term.name);
+        if (type.asCode() == codeOf("logi")) return system_events::makeLoginItem(command, evaluator.context());
         throw ScriptError{.number = -2710, .message = u"Can’t make class " + nameOfCode(type.asCode()) + u"."};
     }
 
     // Linux: to the trash, from where it can be put back.
     Value remove(Evaluator& evaluator, ApplicationCommand const& command) {
-        for (ModelPointer const& object : objects(directOf(command), evaluator.context())) {
+        std::vector<ModelPointer> const all = objects(directOf(command), evaluator.context());
+        bool const areLoginItems = !all.empty() && std::ranges::all_of(all, [](ModelPointer const& object) {
+            return system_events::isLoginItem(*object);
+        });
+        if (areLoginItems) {
+            system_events::removeLoginItems(all);
+            return {};
+        }
+        for (ModelPointer const& object : all) {
             std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
             if (!item) throw plainError(-10010);
             finder::movedToTrash(*item);

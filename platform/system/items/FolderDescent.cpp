@@ -1,4 +1,5 @@
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/OpenItems.h"
 #include <cerrno>
@@ -41,7 +42,9 @@ private:
     void visitNext();
     bool leave();
     void visit(std::string const& name, ItemPlace const& place);
-    void fail(SystemError const& error);
+    void fail(std::string const& name, SystemError const& error);
+    // The path of an item in the current folder from the folder that the descent started in.
+    std::string pathOf(std::string const& name) const;
 
     DescentRules const& m_rules;
     DescentVisit const& m_visit;
@@ -67,7 +70,7 @@ Result<void> Descent::run(FileDescriptor const& folder, std::string const& name,
     meet(name, place.value());
     while (!m_levels.empty() && !m_isCancelled) {
         if (m_count > m_rules.mostItems) {
-            fail({.code = E2BIG, .operation = "readdir", .item = name});
+            fail("", {.code = E2BIG, .operation = "readdir", .item = name});
             break;
         }
         if (!m_levels.back().names.empty())
@@ -88,14 +91,14 @@ void Descent::meet(std::string const& name, ItemPlace const& place) {
 }
 
 void Descent::enter(std::string const& name, ItemPlace const& place) {
-    if (place.mount != m_start.mount) return fail({.code = EBUSY, .operation = "open", .item = name});
+    if (place.mount != m_start.mount) return fail(name, {.code = EBUSY, .operation = "open", .item = name});
     if (m_rules.makesAccessible) letOwnerIn(m_folder, name);
     Result<FileDescriptor> folder = openToList(m_folder, name);
-    if (!folder.hasValue()) return fail(folder.problem());
+    if (!folder.hasValue()) return fail(name, folder.problem());
     Result<ItemPlace> const found = placeOf(folder.value());
-    if (!found.hasValue() || !(found.value().identity == place.identity)) return fail(anotherItem(name));
+    if (!found.hasValue() || !(found.value().identity == place.identity)) return fail(name, anotherItem(name));
     Result<std::vector<std::string>> names = namesInOpenFolder(folder.value());
-    if (!names.hasValue()) return fail(names.problem());
+    if (!names.hasValue()) return fail(name, names.problem());
     m_levels.push_back({name, place, names.takeValue()});
     m_folder = folder.takeValue();
 }
@@ -106,7 +109,7 @@ void Descent::visitNext() {
     Result<ItemPlace> const place = placeOf(m_folder, name);
     if (place.hasValue()) return meet(name, place.value());
     // An item that another process has removed meanwhile is no failure.
-    if (!place.problem().is(ENOENT)) fail(place.problem());
+    if (!place.problem().is(ENOENT)) fail(name, place.problem());
 }
 
 // Goes back into the very folder that the descent came from, and no other.
@@ -116,12 +119,12 @@ bool Descent::leave() {
     ItemPlace const& above = m_levels.empty() ? m_start : m_levels.back().place;
     Result<FileDescriptor> folder = openToList(m_folder, "..");
     if (!folder.hasValue()) {
-        fail(folder.problem());
+        fail(level.name, folder.problem());
         return false;
     }
     Result<ItemPlace> const place = placeOf(folder.value());
     if (!place.hasValue() || !(place.value().identity == above.identity)) {
-        fail(place.hasValue() ? anotherItem("..") : place.problem());
+        fail(level.name, place.hasValue() ? anotherItem("..") : place.problem());
         return false;
     }
     m_folder = folder.takeValue();
@@ -130,13 +133,23 @@ bool Descent::leave() {
 }
 
 void Descent::visit(std::string const& name, ItemPlace const& place) {
+    if (m_rules.beforeVisit) m_rules.beforeVisit(pathOf(name));
     Result<void> const visited = m_visit(m_folder, name, place);
-    if (!visited.isDone()) fail(visited.problem());
+    if (!visited.isDone()) fail(name, visited.problem());
 }
 
-void Descent::fail(SystemError const& error) {
+void Descent::fail(std::string const& name, SystemError const& error) {
     if (!m_firstError) m_firstError = error;
-    m_isCancelled = m_isCancelled || error.is(ECANCELED);
+    bool const goesOn = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
+    m_isCancelled = m_isCancelled || !goesOn || error.is(ECANCELED);
+}
+
+std::string Descent::pathOf(std::string const& name) const {
+    std::string path;
+    for (Level const& level : m_levels)
+        appendComponent(path, level.name);
+    appendComponent(path, name);
+    return path;
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <limits>
+#include <string>
 
 namespace mac {
 
@@ -12,6 +13,10 @@ struct DescentRules {
     bool makesAccessible{false};
     // The descent ends with E2BIG after this many items.
     std::size_t mostItems{std::numeric_limits<std::size_t>::max()};
+    // Called before each visit with the item's path from the open folder, "NAME" or "NAME/a/b"; may be empty.
+    std::function<void(std::string const& path)> beforeVisit{};
+    // Called after each failure with the path as above; the descent ends if it answers false. If empty, it continues.
+    std::function<bool(std::string const& path, SystemError const& error)> shouldContinueAfter{};
 };
 
 // Handles the item of a name in an open folder. A failure with ECANCELED ends the descent.

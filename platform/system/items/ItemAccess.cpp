@@ -107,13 +107,19 @@ Result<bool> keepsList(FileDescriptor const& item, std::span<std::byte const> li
 }
 
 Result<void> changeOwner(FileDescriptor const& item, std::uint32_t owner, std::uint32_t group) {
-    if (::fchown(item.number(), owner, group) == 0) return {};
-    SystemError error = lastSystemError("chown");
-    if (!error.is(EBADF)) return error;
-    // It is open with O_PATH.
-    if (::fchownat(item.number(), "", owner, group, AT_EMPTY_PATH) != 0) return lastSystemError("chown");
-    return {};
+    for (;;) {
+        if (::fchown(item.number(), owner, group) == 0) return {};
+        SystemError error = lastSystemError("chown");
+        if (error.is(EINTR)) continue;
+        if (!error.is(EBADF)) return error;
+        // It is open with O_PATH.
+        if (::fchownat(item.number(), "", owner, group, AT_EMPTY_PATH) != 0) return lastSystemError("chown");
+        return {};
+    }
 }
+
+// This user may not give the item away, or the file system has no owners, or not these. All else is a failure.
+bool isRefusal(SystemError const& error) { return isForbidden(error) || isUnsupported(error) || error.is(EINVAL); }
 
 // 0 or the system's code. The system has no call that takes a descriptor of every kind before fchmodat2.
 int changeMode(FileDescriptor const& item, mode_t mode) {
@@ -156,6 +162,7 @@ Result<void> giveAccess(FileDescriptor const& item, ItemAccess const& access, In
     }
     mode_t mode = access.permissions;
     if (Result<void> const owned = changeOwner(item, access.owner, access.group); !owned.isDone()) {
+        if (!isRefusal(owned.problem())) return owned;
         // A file system without owners may refuse also what the item has.
         bool const isUnknown = !isForbidden(owned.problem());
         Result<ItemAccess> const given = accessWithoutListOf(item);

@@ -1,5 +1,6 @@
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
+#include "platform/system/items/ItemLock.h"
 #include <cerrno>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -156,6 +157,7 @@ Result<std::vector<std::string>> namesOfAttributes(OpenItem const& item) {
     for (std::string& name : sidecar.contents.names()) {
         if (!known.contains(name)) names.value().push_back(std::move(name));
     }
+    std::erase(names.value(), LockedAttribute);
     return names;
 }
 
@@ -164,6 +166,19 @@ Result<void> writeAttribute(OpenItem const& item, AttributeName const& name, std
     if (!name.accepts(value.size())) return problem(ERANGE, "setxattr", name);
     return changeUnderLock(item, name, "setxattr",
                            [&](AttributeChange& attribute) { return attribute.write(value, condition); });
+}
+
+Result<void> changeAttributesAsOwner(OpenItem const& item, std::function<Result<void>()> const& change) {
+    Result<void> const changed = change();
+    struct stat status {};
+    bool const isRefused = !changed.isDone() && (changed.problem().is(EACCES) || changed.problem().is(EPERM));
+    if (!isRefused || ::fstat(item.item.number(), &status) != 0 || (status.st_mode & S_IWUSR) != 0) return changed;
+    constexpr unsigned permissionBits = 07777;
+    unsigned const mode = status.st_mode & permissionBits;
+    if (::chmod(item.systemPath().c_str(), mode | S_IWUSR) != 0) return changed;
+    Result<void> retried = change();
+    if (::chmod(item.systemPath().c_str(), mode) != 0) return lastSystemError("chmod", item.name);
+    return retried;
 }
 
 Result<void> removeAttribute(OpenItem const& item, AttributeName const& name) {

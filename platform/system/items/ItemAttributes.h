@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/items/AttributesOnItem.h"
+#include <functional>
 
 namespace mac {
 
@@ -12,7 +13,7 @@ namespace mac {
 Result<std::vector<std::byte>> readAttribute(OpenItem const& item, AttributeName const& name);
 // The value's length in bytes.
 Result<std::size_t> sizeOfAttribute(OpenItem const& item, AttributeName const& name);
-// Empty for an item that carries no attributes.
+// Empty for an item that carries no attributes. Without the attribute that locks items, which is no content of theirs.
 Result<std::vector<std::string>> namesOfAttributes(OpenItem const& item);
 
 enum class AttributeCondition {
@@ -30,5 +31,9 @@ Result<void> writeAttribute(OpenItem const& item, AttributeName const& name, std
                             AttributeCondition condition = AttributeCondition::Any);
 // ENODATA if there is no such attribute.
 Result<void> removeAttribute(OpenItem const& item, AttributeName const& name);
+
+// Runs the change of the item's attributes. If it is refused because the item's owner, who runs it, has no permission
+// to write to the item, the item gets that permission for the time of a second try.
+Result<void> changeAttributesAsOwner(OpenItem const& item, std::function<Result<void>()> const& change);
 
 } // namespace mac

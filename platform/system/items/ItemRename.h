@@ -19,7 +19,7 @@ struct RenameProblem {
     // Another item took the place at the last moment, was moved instead and could not be moved back: it has the new
     // name. Otherwise every item is where it was.
     bool movedWrongItem{false};
-    // ESTALE if another item has the item's name; EEXIST if the new name is taken.
+    // ESTALE if another item has the item's name; EEXIST if the new name is taken; ItemIsLocked.
     SystemError error{};
 };
 
@@ -42,7 +42,8 @@ struct OpenSidecar {
     FileDescriptor file{};
     std::string name{};
 };
-// nullopt if there is none, if the name belongs to a file of another form, and for an item that is a sidecar itself.
-std::optional<OpenSidecar> sidecarBeside(FileDescriptor const& folder, std::string const& itemName);
+// nullopt if there is none, if the file was read and is of another form, and for an item that is a sidecar itself.
+// Fails if there is, or may be, a file of the name that cannot be read: it may hold what belongs to the item.
+Result<std::optional<OpenSidecar>> sidecarBeside(FileDescriptor const& folder, std::string const& itemName);
 
 } // namespace mac

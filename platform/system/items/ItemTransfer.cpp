@@ -4,6 +4,8 @@
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include "platform/system/items/ItemLock.h"
+#include "platform/system/items/ItemRemoval.h"
 #include "platform/system/items/Leftovers.h"
 #include "platform/system/items/TreeCopy.h"
 #include <algorithm>
@@ -33,27 +35,51 @@ void tell(ItemTransfer const& transfer, CopyStep step) {
     if (transfer.copySteps) transfer.copySteps(step);
 }
 
+// EEXIST if there is a stray sidecar of the name, which would be taken for the item's own.
+Result<void> confirmNoSidecar(FileDescriptor const& folder, std::string const& name) {
+    Result<std::optional<OpenSidecar>> const stray = sidecarBeside(folder, name);
+    if (!stray.hasValue()) return stray.problem();
+    return stray.value() ? nameTaken(stray.value()->name) : Result<void>();
+}
+
+// Gives the sidecar of a copy its name as well, so that it can still be told whose it is if this process is killed; or
+// instead, where files cannot have two names.
+Result<void> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return {};
+    SystemError error = lastSystemError("link", from);
+    return error.is(EEXIST) ? error : renameWithoutReplacing(folder, from, folder, to);
+}
+
 // Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does: the
 // sidecar first, once no item has the name that it could be taken to belong to, so that the item is complete when it
 // appears.
 Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     FileDescriptor const& folder = transfer.folder;
     std::string const& to = transfer.name;
-    if (placeOf(folder, to).hasValue()) return nameTaken(to);
+    Result<ItemPlace> const taken = placeOf(folder, to);
+    if (taken.hasValue()) return nameTaken(to);
+    if (!taken.problem().is(ENOENT)) return taken.problem();
     std::string const sidecar = AppleDoubleSidecar::nameFor(from);
     std::string const newSidecar = AppleDoubleSidecar::nameFor(to);
-    bool const hasSidecar = sidecarBeside(folder, from).has_value();
+    // Whatever has this name is the copy's.
+    Result<ItemPlace> const own = placeOf(folder, sidecar);
+    if (!own.hasValue() && !own.problem().is(ENOENT)) return own.problem();
     // A stray sidecar of that name would be taken for the item's own.
-    if (!hasSidecar && sidecarBeside(folder, to)) return nameTaken(newSidecar);
-    if (hasSidecar) {
-        Result<void> const renamed = renameWithoutReplacing(folder, sidecar, folder, newSidecar);
-        if (!renamed.isDone()) return renamed;
+    if (!own.hasValue()) {
+        if (Result<void> const isFree = confirmNoSidecar(folder, to); !isFree.isDone()) return isFree;
+    } else {
+        if (Result<void> const named = nameSidecar(folder, sidecar, newSidecar); !named.isDone()) return named;
         tell(transfer, CopyStep::SidecarNamed);
     }
     Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
-    // If the sidecar cannot go back either, removeCopy() does not find it, and it stays.
-    if (!renamed.isDone() && hasSidecar) static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     if (renamed.isDone()) tell(transfer, CopyStep::Named);
+    if (!own.hasValue()) return renamed;
+    // The sidecar keeps one of its names. If it cannot go back, removeCopy() does not find it, and it stays.
+    bool const hasBoth = confirmItemInFolder(folder, sidecar, own.value().identity).isDone();
+    if (hasBoth)
+        ::unlinkat(folder.number(), renamed.isDone() ? sidecar.c_str() : newSidecar.c_str(), 0);
+    else if (!renamed.isDone())
+        static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     return renamed;
 }
 
@@ -66,32 +92,50 @@ void removeCopy(FileDescriptor const& folder, std::string const& name) {
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
-std::optional<OpenItem> sidecarItem(OpenItem const& item) {
-    std::optional<OpenSidecar> sidecar = sidecarBeside(item.folder, item.name);
-    if (!sidecar) return std::nullopt;
+Result<std::optional<OpenItem>> sidecarItem(OpenItem const& item) {
+    Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (!sidecar.value()) return std::optional<OpenItem>();
     FileDescriptor folder(::openat(item.folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return OpenItem{.folder = std::move(folder), .item = std::move(sidecar->file), .name = std::move(sidecar->name)};
+    if (!folder.isOpen()) return lastSystemError("open", item.name);
+    OpenSidecar& found = *sidecar.value();
+    return std::optional(
+        OpenItem{.folder = std::move(folder), .item = std::move(found.file), .name = std::move(found.name)});
 }
 
-// Copies the item and its sidecar to a temporary name in the folder and flushes the volume.
+// EEXIST if an item has the name, or a stray sidecar the sidecar's.
+Result<void> confirmNameIsFree(ItemTransfer const& transfer) {
+    if (placeOf(transfer.folder, transfer.name).hasValue()) return nameTaken(transfer.name);
+    return confirmNoSidecar(transfer.folder, transfer.name);
+}
+
+Result<void> flushVolume(FileDescriptor const& folder) {
+    Result<FileDescriptor> const listed = readableFolder(folder);
+    if (!listed.hasValue()) return listed.problem();
+    if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs");
+    return {};
+}
+
+// Copies the item and its sidecar to a temporary name in the folder; flushes the volume for a move.
 Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopyPurpose purpose,
                              CopiedItems& copied) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
-    Result<FileDescriptor> const listed = readableFolder(transfer.folder);
-    if (!listed.hasValue()) return listed.problem();
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
-    if (std::optional<OpenItem> const sidecar = sidecarItem(transfer.item)) {
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (sidecar.value()) {
         Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
-                                      .run(*sidecar, transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+                                      .run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
         if (!done.isDone()) return done;
     }
     Result<void> const done =
         TreeCopy(purpose, shouldContinue, transfer.copySteps, copied).run(transfer.item, transfer.folder, temporary);
     if (!done.isDone()) return done;
-    if (::syncfs(listed.value().number()) != 0) return lastSystemError("syncfs", transfer.name);
-    tell(transfer, CopyStep::Complete);
-    return {};
+    // Of a copy the original stays, so it need not wait until all that anybody writes is on the disk.
+    Result<void> const flushed = purpose == CopyPurpose::Move ? flushVolume(transfer.folder) : Result<void>();
+    if (flushed.isDone()) tell(transfer, CopyStep::Complete);
+    return flushed;
 }
 
 void cleanUp(ItemTransfer const& transfer, FileDescriptor const& folder) {
@@ -107,9 +151,8 @@ Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItem
     if (!item.hasValue()) return notDone(item.problem());
     if (item.value().isFolder && mayLieIn(transfer.folder, item.value().identity))
         return notDone({.code = EINVAL, .operation = "copy", .item = transfer.name});
-    bool const isTaken = !transfer.placing && (placeOf(transfer.folder, transfer.name).hasValue() ||
-                                               sidecarBeside(transfer.folder, transfer.name));
-    if (isTaken) return notDone(nameTaken(transfer.name));
+    Result<void> const isFree = transfer.placing ? Result<void>() : confirmNameIsFree(transfer);
+    if (!isFree.isDone()) return notDone(isFree.problem());
     Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
     cleanUp(transfer, transfer.folder);
@@ -134,6 +177,7 @@ Result<void> removeCopied(FileDescriptor const& folder, std::string const& name,
                           (status.place.isFolder ||
                            (known->second.changeTime == status.changeTime && known->second.mark == markOf(status)));
     if (!isCopied) return SystemError{.code = ESTALE, .operation = "unlink", .item = name};
+    if (isLockedIn(folder, name)) return lockedItem(name);
     if (Result<void> const removed = removeExactly(folder, name, status, steps); !removed.isDone()) return removed;
     if (status.links < 2 || status.place.isFolder) return {};
     Result<ItemStatus> const left = statusOf(file);
@@ -173,12 +217,16 @@ Transferred renameWithSidecar(ItemTransfer const& transfer) {
     OpenItem const& item = transfer.item;
     if (Result<void> const same = confirmSameMount(item.folder, transfer.folder, item.name); !same.isDone())
         return notDone(same.problem());
-    std::optional<OpenSidecar> const sidecar = sidecarBeside(item.folder, item.name);
+    Result<std::optional<OpenSidecar>> const found = sidecarBeside(item.folder, item.name);
+    if (!found.hasValue()) return notDone(found.problem());
+    std::optional<OpenSidecar> const& sidecar = found.value();
     std::string const newSidecar = AppleDoubleSidecar::nameFor(transfer.name);
     // "._x" may become "x".
     bool const isTheSidecar = confirmItemInFolder(transfer.folder, newSidecar, item.item).isDone();
-    if (!sidecar && !isTheSidecar && sidecarBeside(transfer.folder, transfer.name))
-        return notDone(nameTaken(newSidecar));
+    if (!sidecar && !isTheSidecar) {
+        Result<void> const isFree = confirmNoSidecar(transfer.folder, transfer.name);
+        if (!isFree.isDone()) return notDone(isFree.problem());
+    }
     NameInFolder const oldPlace{item.folder, item.name};
     NameInFolder const newPlace{transfer.folder, transfer.name};
     Transferred const moved = problemOf(renameItem(item.item, oldPlace, newPlace, transfer.steps));
@@ -210,10 +258,7 @@ bool mayLieIn(FileDescriptor const& folder, ItemIdentity const& item) {
 
 Result<void, TransferProblem> copyItem(ItemTransfer const& transfer) {
     CopiedItems copied;
-    Transferred done = copyAs(transfer, CopyPurpose::Copy, copied);
-    // The copy is complete also if its name cannot be flushed.
-    if (done.isDone()) static_cast<void>(flushFolder(transfer.folder));
-    return done;
+    return copyAs(transfer, CopyPurpose::Copy, copied);
 }
 
 Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
@@ -221,12 +266,16 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     if (renamed.isDone()) return renamed;
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
+    // What could not be removed afterwards would be in both places.
+    if (Result<void> const removable = confirmRemovable(transfer.item); !removable.isDone())
+        return notDone(removable.problem());
     CopiedItems copied;
-    std::optional<OpenItem> const sidecar = sidecarItem(transfer.item);
+    Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
+    if (!sidecar.hasValue()) return notDone(sidecar.problem());
     cleanUp(transfer, transfer.item.folder);
     Transferred done = copyAs(transfer, CopyPurpose::Move, copied);
     if (!done.isDone()) return done;
-    Result<void> const removed = removeOriginals(transfer, sidecar, copied);
+    Result<void> const removed = removeOriginals(transfer, sidecar.value(), copied);
     if (removed.isDone()) return {};
     return TransferProblem{.kind = TransferProblem::Kind::OriginalStays, .error = removed.problem()};
 }

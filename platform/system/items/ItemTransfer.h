@@ -19,7 +19,8 @@ namespace mac {
 // Why an item was not moved or copied, and in what state that leaves it.
 struct TransferProblem {
     enum class Kind {
-        // The item is where it was. ESTALE: another item has its name; EEXIST: the new name is taken.
+        // The item is where it was. ESTALE: another item has its name; EEXIST: the new name is taken; ItemIsLocked: the
+        // item must not be moved.
         NotDone,
         // Another item was moved in the item's stead and could not be moved back, or the item could not be moved back
         // when its sidecar did not follow: what was moved has the new name.
@@ -53,11 +54,12 @@ struct ItemTransfer {
     std::function<void(std::string const& name)> leftoverInDoubt{};
 };
 
-// The copy gets its name once it is complete and on the disk. EINVAL: the folder lies in the item.
+// The copy gets its name once it is complete; the system writes it to the disk in its own time, as the original stays.
+// EINVAL: the folder lies in the item.
 Result<void, TransferProblem> copyItem(ItemTransfer const& transfer);
 
-// To another volume the item is copied, and then removed: only what was copied, and only in the state it was copied in
-// (else ESTALE, and the original stays).
+// To another volume the item is copied, and removed once the copy is on the disk: only what was copied, and only in the
+// state it was copied in (else ESTALE, and the original stays).
 Result<void, TransferProblem> moveItem(ItemTransfer const& transfer);
 
 // Whether the folder is that item, or lies in it; true if that cannot be found out.

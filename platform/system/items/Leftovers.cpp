@@ -1,6 +1,7 @@
 #include "platform/system/items/Leftovers.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/TemporaryName.h"
+#include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/MountTable.h"
 #include "platform/system/items/TreeRemoval.h"
 #include <algorithm>
@@ -63,13 +64,27 @@ bool isOurs(ItemStatus const& folder, ItemStatus const& item) {
     return (folder.place.mode & S_ISVTX) != 0 && item.place.owner == user;
 }
 
+// Removes the name that a copy's sidecar has got already, if the copy itself has not got its own.
+void removeEarlyName(FileDescriptor const& folder, std::vector<FolderEntry> const& entries, ItemStatus const& sidecar) {
+    for (FolderEntry const& entry : entries) {
+        bool const mayBe = entry.inode == sidecar.place.identity.inode &&
+                           entry.name.starts_with(AppleDoubleSidecar::namePrefix) && !parseTemporaryName(entry.name);
+        if (!mayBe) continue;
+        Result<ItemPlace> const item = placeOf(folder, entry.name.substr(AppleDoubleSidecar::namePrefix.size()));
+        bool const isStray = !item.hasValue() && item.problem().is(ENOENT);
+        if (isStray && confirmItemInFolder(folder, entry.name, sidecar.place.identity).isDone())
+            ::unlinkat(folder.number(), entry.name.c_str(), 0);
+    }
+}
+
 // False if the item stays.
 bool removeLeftover(FileDescriptor const& folder, ItemStatus const& folderStatus, std::string const& name,
-                    std::optional<std::uint64_t> const& mark) {
+                    std::optional<std::uint64_t> const& mark, std::vector<FolderEntry> const& entries) {
     Result<ItemStatus> const item = statusOf(folder, name);
     if (!item.hasValue()) return item.problem().is(ENOENT);
     if (!isOurs(folderStatus, item.value())) return false;
     if (mark && *mark != markOf(item.value())) return false;
+    if (item.value().isFile() && item.value().links > 1) removeEarlyName(folder, entries, item.value());
     Result<void> const removed = removeTree(folder, name, item.value().place.identity, {.makesAccessible = true});
     return removed.isDone() || removed.problem().is(ENOENT);
 }
@@ -90,8 +105,8 @@ std::vector<std::string> removeLeftovers(FileDescriptor const& folder) {
         if (!name) continue;
         OwnerState const owner = stateOf(name->owner, sharingOf(status.value()));
         if (owner == OwnerState::Runs) continue;
-        bool const isGone =
-            owner == OwnerState::HasEnded && removeLeftover(listed.value(), status.value(), entry.name, name->mark);
+        bool const isGone = owner == OwnerState::HasEnded &&
+                            removeLeftover(listed.value(), status.value(), entry.name, name->mark, entries.value());
         if (!isGone) inDoubt.push_back(entry.name);
     }
     return inDoubt;

@@ -83,6 +83,9 @@ ClassDescription FakeController::describeClass() {
                 method<&Self::scanAction_>("scanAction:"),
                 method<&Self::stopAction_>("stopAction:"),
                 method<&Self::trashAction_>("trashAction:"),
+                method<&Self::quitAction_>("quitAction:"),
+                method<&Self::revealAction_>("revealAction:"),
+                method<&Self::undoAction_>("undoAction:"),
             },
         .properties =
             {
@@ -91,6 +94,9 @@ ClassDescription FakeController::describeClass() {
                 property<&Self::pathsArrayController, &Self::setPathsArrayController_>("pathsArrayController"),
                 property<&Self::pathsTableView, &Self::setPathsTableView_>("pathsTableView"),
                 property<&Self::window, &Self::setWindow_>("window"),
+                readOnlyProperty<&Self::notice>("notice"),
+                readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
+                readOnlyProperty<&Self::canUndo>("canUndo"),
             },
     };
 }
@@ -149,6 +155,32 @@ void FakeController::stopAction_(id const&) const { messages().emplace_back("sto
 void FakeController::trashAction_(id const&) const {
     messages().emplace_back("trashAction:");
     NSArray::array().objectAtIndex_(0);
+}
+
+void FakeController::quitAction_(id const&) const {
+    messages().emplace_back("quitAction:");
+    if (bodyOf(*this)->m_whileQuitting) bodyOf(*this)->m_whileQuitting();
+}
+
+void FakeController::revealAction_(id const&) const { messages().emplace_back("revealAction:"); }
+
+void FakeController::undoAction_(id const&) const { messages().emplace_back("undoAction:"); }
+
+NSString FakeController::notice() const { return bodyOf(*this)->m_notice; }
+
+bool FakeController::noticeOffersUndo() const { return bodyOf(*this)->m_canUndo; }
+
+bool FakeController::canUndo() const { return bodyOf(*this)->m_canUndo; }
+
+void FakeController::tell(NSString const& notice, bool canUndo) const {
+    KeyChange const undoing(*this, "canUndo");
+    KeyChange const change(*this, "notice");
+    bodyOf(*this)->m_canUndo = canUndo;
+    bodyOf(*this)->m_notice = notice;
+}
+
+void FakeController::setWhileQuitting(std::function<void()> function) const {
+    bodyOf(*this)->m_whileQuitting = std::move(function);
 }
 
 std::vector<std::string>& FakeController::messages() const { return bodyOf(*this)->m_messages; }

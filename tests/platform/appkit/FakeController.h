@@ -5,6 +5,7 @@
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSSet.h"
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,17 @@ public:
     void stopAction_(id const& sender) const;
     // Works on one item, and raises an exception.
     void trashAction_(id const& sender) const;
+    // Takes as long as the function that was set for it.
+    void quitAction_(id const& sender) const;
+    void revealAction_(id const& sender) const;
+    void undoAction_(id const& sender) const;
+
+    NSString notice() const;
+    bool noticeOffersUndo() const;
+    bool canUndo() const;
+    // Shows a notice, which offers an undo if there is something to undo.
+    void tell(NSString const& notice, bool canUndo) const;
+    void setWhileQuitting(std::function<void()> function) const;
 
     // What was sent, in order.
     std::vector<std::string>& messages() const;
@@ -70,6 +82,9 @@ public:
     NSTableView m_pathsTableView;
     NSWindow m_window;
     std::vector<std::string> m_messages;
+    NSString m_notice;
+    bool m_canUndo{false};
+    std::function<void()> m_whileQuitting;
 };
 
 // Whether the next controller's init answers nil.

@@ -40,7 +40,7 @@ TEST(WindowControls, OffersEveryActionAsAButtonWithTextIconAndToolTipAndInTheCon
         EXPECT_EQ(action->shortcut().isEmpty(), isWithoutShortcut);
         EXPECT_FALSE(isWithoutShortcut && action->text().contains('&'));
     }
-    EXPECT_EQ(count, 14);
+    EXPECT_EQ(count, 16);
     EXPECT_EQ(window.table()->contextMenuPolicy(), Qt::ActionsContextMenu);
 }
 
@@ -85,7 +85,7 @@ TEST(WindowControls, ReachesEveryButtonByTab) {
         EXPECT_TRUE(reached.contains(button));
         EXPECT_TRUE(button->focusPolicy() & Qt::TabFocus) << button->text().toStdString();
     }
-    EXPECT_EQ(count, 14);
+    EXPECT_EQ(count, 16);
     EXPECT_TRUE(window.table()->hasFocus());
 }
 

@@ -29,6 +29,8 @@ private:
     mac::test::EnvironmentVariable m_home{"HOME", m_folder.path()};
     mac::test::EnvironmentVariable m_data{"XDG_DATA_HOME", m_folder.path(".local/share")};
     mac::test::EnvironmentVariable m_settings{"XDG_CONFIG_HOME", m_folder.path(".config")};
+    // Nothing that the computer starts at log-in.
+    mac::test::EnvironmentVariable m_otherSettings{"XDG_CONFIG_DIRS", m_folder.path("none")};
     // The trashes of other volumes are not this home's.
     mac::test::EnvironmentVariable m_computer{"FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path()};
     // No program of this computer.

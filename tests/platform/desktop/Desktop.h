@@ -50,6 +50,7 @@ public:
     PrivateBus() : m_daemon(endingWithThisProcess({"dbus-daemon", "--session", "--nofork", "--print-address"})) {}
 
     std::string const& address() const { return m_address; }
+    void sendSignal(int signal) const { m_daemon.sendSignal(signal); }
 
 private:
     ChildProcess m_daemon;
@@ -89,6 +90,8 @@ public:
         waitUntil([&] { return lines().size() >= count; });
         return lines();
     }
+
+    PrivateBus const& bus() const { return m_bus; }
 
     // Empty without a line.
     std::string lastLine() const {

@@ -87,6 +87,47 @@ TEST_F(FileBrowserProcess, IsStartedAgainAsItWasStarted) {
     EXPECT_EQ(m_desktop.lines(), (Lines{line, line}));
 }
 
+TEST_F(FileBrowserProcess, OfSeveralIsStartedAgainAlone) {
+    m_desktop.install(m_desktop.fake("nameless") + " by entry");
+    ChildProcess first({fakeFileBrowser(), "nameless", m_desktop.log(), "first"});
+    ASSERT_EQ(m_desktop.lines(1).size(), 1U);
+    ChildProcess const second({fakeFileBrowser(), "nameless", m_desktop.log(), "second"});
+    ASSERT_EQ(m_desktop.lines(2).size(), 2U);
+    EXPECT_TRUE(m_browser.launch().isDone());
+    EXPECT_TRUE(askToQuit(fileBrowserProcesses().at(0)));
+    EXPECT_EQ(first.wait(), -SIGTERM);
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+    EXPECT_TRUE(m_browser.launch().isDone());
+    EXPECT_EQ(m_desktop.lines(3),
+              (Lines{"started nameless first", "started nameless second", "started nameless first"}));
+    EXPECT_TRUE(m_browser.launch().isDone());
+    EXPECT_EQ(fileBrowserProcesses().size(), 2U) << "it has come back";
+}
+
+TEST_F(FileBrowserProcess, ThatCameBackByItselfIsNotStarted) {
+    m_desktop.install(m_desktop.fake("nameless") + " by entry");
+    ChildProcess first({fakeFileBrowser(), "nameless", m_desktop.log(), "first"});
+    ASSERT_EQ(m_desktop.lines(1).size(), 1U);
+    EXPECT_TRUE(askToQuit(fileBrowserProcesses().at(0)));
+    EXPECT_EQ(first.wait(), -SIGTERM);
+    ChildProcess const second({fakeFileBrowser(), "nameless", m_desktop.log(), "by the session"});
+    ASSERT_EQ(m_desktop.lines(2).size(), 2U);
+    EXPECT_TRUE(m_browser.launch().isDone());
+    EXPECT_EQ(fileBrowserProcesses().size(), 1U);
+}
+
+// The desktop's icons are drawn by a process that its session starts with a switch.
+TEST_F(FileBrowserProcess, ThatDrawsTheDesktopDrawsItAgain) {
+    install("serve", "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + m_desktop.fake("quit") + "\n");
+    ChildProcess const browser({fakeFileBrowser(), "serve", m_desktop.log(), "--desktop", "--profile=lxqt"});
+    ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
+    EXPECT_TRUE(m_browser.openFolders({m_desktop.folder.makeFolder("shown")}).isDone());
+    EXPECT_TRUE(askToQuit(fileBrowserProcesses().at(0)));
+    ASSERT_TRUE(isGone());
+    EXPECT_TRUE(m_browser.launch().isDone());
+    EXPECT_EQ(m_desktop.lastLine(), "started serve --desktop --profile=lxqt");
+}
+
 TEST_F(FileBrowserProcess, ThatIsAScriptIsStartedAgainAsItWasStarted) {
     std::string const script = m_desktop.folder.makeFile("browser", "#!/bin/sh -u\necho \"$0 $*\" >>'" +
                                                                         m_desktop.log() + "'\nread -r line\n");

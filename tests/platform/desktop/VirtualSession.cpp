@@ -37,8 +37,12 @@ bool VirtualSession::showsWindow(std::string const& title) {
     });
 }
 
+bool VirtualSession::hasElement(std::string const& beginning) {
+    return ("\n" + outputOf({LIST_ACCESSIBLE})).find("\n" + beginning) != std::string::npos;
+}
+
 bool VirtualSession::showsElement(std::string const& beginning) {
-    return waitUntil([&] { return ("\n" + outputOf({LIST_ACCESSIBLE})).find("\n" + beginning) != std::string::npos; });
+    return waitUntil([&] { return hasElement(beginning); });
 }
 
 } // namespace mac::test

@@ -22,6 +22,8 @@ public:
 
     // Waits for a window of that title; false after a minute.
     static bool showsWindow(std::string const& title);
+    // Whether there is an element whose role and name begin so.
+    static bool hasElement(std::string const& beginning);
     // Waits for an element whose role and name begin so ("status bar \"letter.txt\""); false after a minute.
     static bool showsElement(std::string const& beginning);
 

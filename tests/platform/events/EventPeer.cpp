@@ -10,6 +10,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -64,7 +66,7 @@ OSErr callBack(AppleEvent const* event, AppleEvent* reply, void*) {
 OSErr hang(AppleEvent const*, AppleEvent*, void*) {
     say("hanging");
     char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) > 0) {}
+    while (::read(STDIN_FILENO, &byte, 1) > 0 && byte != '\n') {}
     return noErr;
 }
 
@@ -88,6 +90,18 @@ OSErr tellDirectObject(AppleEvent const* event, AppleEvent*, void*) {
     say(directObject(event).stringValue().UTF8String().c_str());
     return noErr;
 }
+
+// Whether the process has a thread of the name, which the system cuts to 15 bytes.
+bool hasThread(std::string_view name) {
+    for (auto const& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream file(thread.path() / "comm");
+        std::string line;
+        if (std::getline(file, line) && line == name) return true;
+    }
+    return false;
+}
+
+void tellWhetherTransportEnded() { say(hasThread("Apple events") ? "the transport runs on" : "the transport ended"); }
 
 void install(AEEventID eventID, AEEventHandlerProcPtr handler) {
     AEInstallEventHandler(TestClass, eventID, handler, nullptr, NO);
@@ -146,6 +160,8 @@ int main(int argc, char**) {
         // Qt's own thread may still read, and complains when what it needs goes first.
         std::_Exit(0);
     }
+    // What is called at the exit is called in reverse order: this after the transport's own.
+    std::atexit(mac::test::tellWhetherTransportEnded);
     mac::test::run();
     return 0;
 }

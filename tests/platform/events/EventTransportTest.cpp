@@ -6,6 +6,7 @@
 #include "platform/foundation/NSTimer.h"
 #include "platform/processes/Processes.h"
 #include "tests/platform/events/Descriptors.h"
+#include "tests/platform/events/EventTransports.h"
 #include "tests/platform/events/TestEvents.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
@@ -16,6 +17,7 @@
 #include <QVariant>
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
@@ -26,50 +28,6 @@
 namespace mac::test {
 
 namespace {
-
-// A session bus of the test's own, which it may end.
-class EventTransport : public testing::Test {
-protected:
-    std::string startBus() {
-        m_bus = std::make_unique<ChildProcess>(
-            std::vector<std::string>{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"});
-        return m_bus->readLine();
-    }
-
-    std::unique_ptr<ChildProcess> startPeer() {
-        auto peer = std::make_unique<ChildProcess>(std::vector<std::string>{EVENT_PEER});
-        EXPECT_EQ(peer->readLine(), "ready");
-        return peer;
-    }
-
-    static NSAppleEventDescriptor address(ChildProcess const& child) {
-        ProcessSerialNumber psn;
-        EXPECT_EQ(GetProcessForPID(child.pid(), &psn), noErr);
-        return NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(typeProcessSerialNumber, &psn,
-                                                                                  sizeof psn);
-    }
-
-    OSStatus send(AppleEvent const& event, std::int32_t timeOut = kAEDefaultTimeout) {
-        return AESendMessage(&event, &m_reply, kAEWaitReply, timeOut);
-    }
-    OSStatus ask(ChildProcess const& child, AEEventID eventID, NSAppleEventDescriptor const& directObject = nil) {
-        return send(testEvent(eventID, address(child), directObject));
-    }
-    OSStatus askToQuit(ChildProcess const& child) {
-        return send(*NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
-                         kCoreEventClass, kAEQuitApplication, address(child), kAutoGenerateReturnID, kAnyTransactionID)
-                         .aeDesc());
-    }
-    NSAppleEventDescriptor reply() const { return NSAppleEventDescriptor::descriptorWithAEDesc(m_reply); }
-    std::string replied() const {
-        NSString const string = reply().paramDescriptorForKeyword_(keyDirectObject).stringValue();
-        return string == nil ? "" : string.UTF8String();
-    }
-
-    std::unique_ptr<ChildProcess> m_bus;
-    EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", startBus()};
-    AppleEvent m_reply;
-};
 
 std::vector<std::string> s_backCalls;
 
@@ -116,6 +74,13 @@ TEST_F(EventTransport, AsksAProcessToQuitAndGetsItsReply) {
     EXPECT_EQ(reply().descriptorType(), typeAppleEvent);
     EXPECT_EQ(peer->readLine(), "quit");
     EXPECT_EQ(peer->wait(), 0);
+}
+
+TEST_F(EventTransport, EndsBeforeTheProgramDoes) {
+    auto const peer = startPeer();
+    EXPECT_EQ(askToQuit(*peer), noErr);
+    EXPECT_EQ(peer->readLine(), "quit");
+    EXPECT_EQ(peer->readLine(), "the transport ended");
 }
 
 TEST_F(EventTransport, AsksAProcessThatAnswersNoEventsToQuitByASignal) {
@@ -302,35 +267,6 @@ TEST_F(EventTransport, IsBoundedInSize) {
         typeData, bytes.data(), static_cast<NSUInteger>(15) << 20);
     EXPECT_EQ(ask(*peer, Echo, fitting), noErr);
     EXPECT_EQ(reply().paramDescriptorForKeyword_(keyDirectObject).data().length(), NSUInteger{15} << 20);
-}
-
-TEST_F(EventTransport, NoticesThatTheBusDiesAndFindsAnotherOne) {
-    auto const peer = startPeer();
-    std::thread endsBus([&] {
-        peer->readLine();
-        m_bus->sendSignal(SIGKILL);
-    });
-    EXPECT_EQ(send(testEvent(Hang, address(*peer)), kNoTimeOut), connectionInvalid);
-    endsBus.join();
-    m_bus->wait();
-    EXPECT_EQ(send(testEvent(Echo, address(*peer))), connectionInvalid);
-    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", startBus());
-    auto const other = startPeer();
-    EXPECT_EQ(ask(*other, Echo, stringDescriptor("x")), noErr);
-    EXPECT_EQ(replied(), "x");
-}
-
-TEST_F(EventTransport, FailsWithoutABus) {
-    ChildProcess const child({"/bin/cat"});
-    m_bus->sendSignal(SIGKILL);
-    m_bus->wait();
-    TemporaryFolder const folder;
-    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "");
-    EnvironmentVariable const runtime("XDG_RUNTIME_DIR", folder.path("none"));
-    EXPECT_EQ(ask(child, Echo), connectionInvalid);
-    EXPECT_EQ(askToQuit(child), connectionInvalid);
-    AppleEvent const event = testEvent(Echo, EventTransport::address(child));
-    EXPECT_EQ(AESendMessage(&event, nullptr, kAENoReply, kNoTimeOut), connectionInvalid);
 }
 
 TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {

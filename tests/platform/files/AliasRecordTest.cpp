@@ -1,4 +1,6 @@
 #include "platform/files/AliasRecord.h"
+#include "fuzz/AliasRecordRoundTrip.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -86,6 +88,8 @@ TEST(AliasRecord, DescribesAnItem) {
     EXPECT_EQ(kindAt(folder.path("pipe")), AliasRecord::Kind::Other);
     EXPECT_EQ(aliasRecordOf(openItemAtPath("/", LinkAtEnd::IsFollowed).value()).value().path, "/");
 }
+
+TEST(AliasRecordCorpus, Holds) { expectNoComplaints("AliasRecordFuzz", &fuzz::complaintAboutAlias); }
 
 } // namespace
 } // namespace mac::test

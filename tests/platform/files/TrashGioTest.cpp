@@ -78,6 +78,21 @@ TEST_F(TrashBesideGio, FillsTheTrashThatIsListedAndPutBackHere) {
     EXPECT_EQ(gio({"trash", "--list"}), "");
 }
 
+TEST_F(TrashBesideGio, RestoresByPathWhatItTrashed) {
+    std::string const file = m_home.folder.makeFile("a b/letter 100%.txt", "x");
+    gio({"trash", file});
+    Result<std::optional<PlaceInTrash>, TrashProblem> const place = placeInTrash(m_home.files("letter 100%.txt"));
+    ASSERT_TRUE(place.hasValue() && place.value());
+    EXPECT_EQ(place.value()->originalPath, file);
+    Result<std::string, TrashProblem> const back = putBackItemAtPath(m_home.files("letter 100%.txt"));
+    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(gio({"trash", "--list"}), "");
+    ASSERT_TRUE(moveToTrash(file).hasValue());
+    gio({"trash", "--restore", "trash:///letter%20100%25.txt"});
+    EXPECT_EQ(textOf(file), "x");
+}
+
 TEST_F(TrashBesideGio, EmptiesWhatWasTrashedHere) {
     m_home.folder.makeFile("folder/file", "");
     ASSERT_TRUE(moveToTrash(m_home.path("folder")).hasValue());

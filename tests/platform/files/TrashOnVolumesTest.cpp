@@ -46,6 +46,18 @@ TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
     EXPECT_EQ(problemOf(result.value().path), TrashProblem::InTrash);
 }
 
+TEST_F(TrashOnVolumes, ComesBackByItsPath) {
+    Result<TrashedItem, TrashProblem> const result = trash("volume/a b/file", "x");
+    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    Result<std::optional<PlaceInTrash>, TrashProblem> const place = placeInTrash(result.value().path);
+    ASSERT_TRUE(place.hasValue() && place.value());
+    EXPECT_EQ(place.value()->originalPath, m_point + "/a b/file");
+    Result<std::string, TrashProblem> const back = putBackItemAtPath(result.value().path);
+    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    EXPECT_EQ(back.value(), m_point + "/a b/file");
+    EXPECT_EQ(textOf(back.value()), "x");
+}
+
 TEST_F(TrashOnVolumes, GoesToTheSharedTrashWhereThereIsOne) {
     m_home.folder.makeFolder("volume/.Trash");
     ASSERT_EQ(::chmod((m_point + "/.Trash").c_str(), 01777), 0);

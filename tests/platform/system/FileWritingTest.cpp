@@ -237,5 +237,26 @@ TEST_F(ReplacingAFile, LeavesWhatIsNoFile) {
     EXPECT_EQ(contents(), "old");
 }
 
+TEST(MakingAFolder, MakesThoseAboveItToo) {
+    TemporaryFolder const folder;
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("a/b//c/"))), 0);
+    EXPECT_EQ(modeAt(folder.path("a")), 0700U);
+    EXPECT_EQ(modeAt(folder.path("a/b/c")), 0700U);
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("a/b/c"))), 0) << "it is there";
+    EXPECT_EQ(codeOf(makeFolderAtPath("/")), 0);
+}
+
+TEST(MakingAFolder, LeavesWhatIsNoFolder) {
+    TemporaryFolder const folder;
+    folder.makeFile("file", "");
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("file"))), ENOTDIR);
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("file/a"))), ENOTDIR);
+    ASSERT_EQ(::symlink("none", folder.path("link").c_str()), 0);
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("link"))), ENOENT);
+    ASSERT_EQ(::symlink(".", folder.path("here").c_str()), 0);
+    EXPECT_EQ(codeOf(makeFolderAtPath(folder.path("here/a"))), 0);
+    EXPECT_EQ(modeAt(folder.path("a")), 0700U);
+}
+
 } // namespace
 } // namespace mac::test

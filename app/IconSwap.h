@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/foundation/NSString.h"
+
+namespace framekeeper {
+
+using namespace mac;
+
+// What became of swapping a copy's icon.
+struct IconSwap {
+    // The icon file's names, without extension; nil unless the new one was written.
+    NSString formerName{};
+    NSString newName{};
+    // The line for the log; nil on success.
+    NSString failure{};
+
+    bool isWritten() const { return newName != nil; }
+};
+
+// Replaces the one of the two icon names in the information file of the copy at the path by the other one and touches
+// the bundle. The file keeps its format; it is replaced whole, and stays as it was if it is a symbolic link, lies
+// behind one, may not be written, or changed since it was read. A failure after the writing takes nothing back. With a
+// present name that is not nil, the file must hold that one. Main thread; waits for the program that touches.
+IconSwap swapIcon(NSString const& path, NSString const& presentName = nil);
+
+} // namespace framekeeper

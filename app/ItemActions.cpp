@@ -1,0 +1,63 @@
+#include "app/AppController.h"
+#include "app/IconSwap.h"
+#include "app/Undo.h"
+#include "pathutils/FileOperations.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Log.h"
+#include "scripting/ProcessesAndFinder.h"
+
+namespace framekeeper {
+
+namespace {
+
+// The message is the format: a percent sign in it asks for an argument, and there is none.
+void fail(NSString const& message) {
+    NSBeep();
+    NSLog(message);
+}
+
+} // namespace
+
+NSString AppController::onlySelectedPath() const {
+    NSArray const selected = pathsArrayController().selectedObjects();
+    return selected.count() == 1 ? as<NSString>(selected.objectAtIndex_(0).valueForKey_("path")) : NSString();
+}
+
+void AppController::revealAction_(id const&) const {
+    if (*this == nil) return;
+    NSArray const paths = as<NSArray>(pathsArrayController().selectedObjects().valueForKey_("path"));
+    if (!pxRevealItemsInFinder(paths.objectEnumerator())) NSBeep();
+}
+
+void AppController::trashAction_(id const&) const {
+    NSString const path = onlySelectedPath();
+    if (path == nil) return;
+    bool const wasOnHarddisk = isOnHarddiskPaths().containsObject_(path);
+    NSString const pathInTrash = pxMoveToTrash(path);
+    if (pathInTrash == nil) return fail("Could not move to trash.");
+    isOnHarddiskPaths().removeObject_(path);
+    isOnHarddiskPaths().addObject_(pathInTrash);
+    rememberTrashing(*this, path, pathInTrash, wasOnHarddisk ? WasOnHarddisk::Yes : WasOnHarddisk::No);
+    reSync();
+}
+
+void AppController::deleteAction_(id const&) const {
+    NSString const path = onlySelectedPath();
+    if (path == nil) return;
+    NSString const message = pxRemoveFile2(path);
+    if (message != nil) return fail(message);
+    isOnHarddiskPaths().removeObject_(path);
+    reSync();
+}
+
+void AppController::swapIconAction_(id const&) const {
+    NSString const path = onlySelectedPath();
+    if (path == nil) return;
+    IconSwap const swap = swapIcon(path);
+    if (swap.isWritten()) remember(*this, SwappedIcon{path, swap.formerName, swap.newName});
+    if (swap.failure != nil) return fail(swap.failure);
+    if (!KRAPathRevealInFinder(path)) return fail("Could not reveal in Finder.");
+    tell(*this, "Icon swapped.", Offer::Undo);
+}
+
+} // namespace framekeeper

@@ -1,0 +1,155 @@
+#include "app/Undo.h"
+#include "app/AppControllerBody.h"
+#include "app/IconSwap.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/KeyValueObserving.h"
+#include "scripting/ProcessesAndFinder.h"
+#include <algorithm>
+
+namespace framekeeper {
+
+namespace {
+
+constexpr std::size_t MostSteps = 100;
+
+// What came of taking a step back.
+struct Undone {
+    NSString notice{};
+    // A step that failed may stay on top, so that it can be tried again.
+    enum class Step { IsDone, IsGone, Stays } step{Step::IsDone};
+};
+
+Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
+    Result<std::string, TrashProblem> const back = putBack(copy.item);
+    if (!back.hasValue()) {
+        TrashProblem const& problem = back.problem();
+        bool const canBeTriedAgain = problem.kind != TrashProblem::NotInTrash && problem.kind != TrashProblem::Changed;
+        return {NSString::stringWithUTF8String_(problem.text.c_str()),
+                canBeTriedAgain ? Undone::Step::Stays : Undone::Step::IsGone};
+    }
+    NSMutableSet const known = controller.isOnHarddiskPaths();
+    known.removeObject_(copy.pathInTrash);
+    if (copy.wasOnHarddisk) known.addObject_(copy.path);
+    controller.reSync();
+    return {.notice = "Put back."};
+}
+
+// How one of the lists is read and written.
+struct ListAccess {
+    NSArray (AppController::*read)() const;
+    bool (AppController::*write)(NSArray const&) const;
+    void (AppController::*sync)() const;
+};
+
+ListAccess accessTo(ListChange::List list) {
+    if (list == ListChange::List::LoginItems)
+        return {&AppController::readAllAutolaunchItems, &AppController::writeAllAutolaunchItems_,
+                &AppController::syncIsAutolaunched};
+    return {&AppController::readAllToolbarItems, &AppController::writeAllToolbarItems_,
+            &AppController::syncIsInToolbar};
+}
+
+NSUInteger countOfEqual(NSArray const& list, id const& item) {
+    NSUInteger count = 0;
+    for (id const& other : list) {
+        if (other.isEqual_(item)) ++count;
+    }
+    return count;
+}
+
+// The list without what was added and with what was removed, where it stood. What others did to it meanwhile stays.
+NSArray listBefore(NSArray const& present, ListChange const& change) {
+    NSMutableArray const items = NSMutableArray::arrayWithArray_(present);
+    for (id const& added : change.added) {
+        NSUInteger const index = items.indexOfObject_(added);
+        if (index != NSNotFound) items.removeObjectAtIndex_(index);
+    }
+    for (ListChange::Removed const& removed : change.removed) {
+        if (countOfEqual(items, removed.item) < removed.equalItems)
+            items.insertObject_atIndex_(removed.item, std::min(removed.index, items.count()));
+    }
+    return NSArray::arrayWithArray_(items);
+}
+
+Undone takeBack(AppController const& controller, ListChange const& change) {
+    ListAccess const list = accessTo(change.list);
+    NSArray const present = (controller.*list.read)();
+    bool const isWritten = (controller.*list.write)(listBefore(present, change));
+    (controller.*list.sync)();
+    controller.reSync();
+    if (!isWritten) return {"That could not be undone.", Undone::Step::Stays};
+    if (change.list == ListChange::List::LoginItems) return {.notice = "The login items are as before."};
+    // The file browser takes up the list when it starts; one that does not run will.
+    if (KRAProcessSerialNumberGetFinder() != nil) controller.quitFinderAction_(nil);
+    return {.notice = "Back in the places."};
+}
+
+Undone takeBack(AppController const&, SwappedIcon const& icon) {
+    IconSwap const swap = swapIcon(icon.path, icon.newName);
+    if (swap.isWritten()) return {.notice = "The former icon is back."};
+    return {swap.failure, Undone::Step::IsGone};
+}
+
+void changeSteps(AppController const& controller, std::function<void(std::vector<UndoStep>&)> const& change) {
+    KeyChange const announced(controller, "canUndo");
+    change(bodyOf(controller)->_undoSteps);
+}
+
+} // namespace
+
+void remember(AppController const& controller, UndoStep step) {
+    changeSteps(controller, [&](std::vector<UndoStep>& steps) {
+        if (steps.size() >= MostSteps) steps.erase(steps.begin());
+        steps.push_back(std::move(step));
+    });
+}
+
+void rememberTrashing(AppController const& controller, NSString const& path, NSString const& pathInTrash,
+                      WasOnHarddisk wasOnHarddisk) {
+    TrashedCopy copy{path, pathInTrash, {}, wasOnHarddisk == WasOnHarddisk::Yes};
+    auto place = placeInTrash(pathInTrash.fileSystemRepresentation().value_or(""));
+    bool const isFound = place.hasValue() && place.value().has_value();
+    if (isFound) {
+        copy.item = place.value()->trashed;
+        remember(controller, std::move(copy));
+    }
+    tell(controller, "Moved to the trash.", isFound ? Offer::Undo : Offer::Nothing);
+}
+
+ListChange::Removed removedItem(NSArray const& list, NSUInteger index) {
+    id const item = list.objectAtIndex_(index);
+    return {item, index, countOfEqual(list, item)};
+}
+
+void forgetTrashing(AppController const& controller, NSString const& pathInTrash) {
+    changeSteps(controller, [&](std::vector<UndoStep>& steps) {
+        std::erase_if(steps, [&](UndoStep const& step) {
+            TrashedCopy const* const copy = std::get_if<TrashedCopy>(&step);
+            return copy && copy->pathInTrash.isEqual_(pathInTrash);
+        });
+    });
+}
+
+void tell(AppController const& controller, NSString const& notice, Offer offer) {
+    KeyChange const change(controller, "notice");
+    bodyOf(controller)->_notice = notice;
+    bodyOf(controller)->_noticeOffersUndo = offer == Offer::Undo;
+}
+
+NSString AppController::notice() const { return *this == nil ? NSString() : bodyOf(*this)->_notice; }
+
+bool AppController::noticeOffersUndo() const { return *this != nil && bodyOf(*this)->_noticeOffersUndo; }
+
+bool AppController::canUndo() const { return *this != nil && !bodyOf(*this)->_undoSteps.empty(); }
+
+void AppController::undoAction_(id const&) const {
+    if (*this == nil) return;
+    if (!canUndo()) return NSBeep();
+    UndoStep const step = bodyOf(*this)->_undoSteps.back();
+    Undone const undone = std::visit([&](auto const& change) { return takeBack(*this, change); }, step);
+    if (undone.step != Undone::Step::Stays) changeSteps(*this, [](std::vector<UndoStep>& steps) { steps.pop_back(); });
+    if (undone.step != Undone::Step::IsDone) NSBeep();
+    tell(*this, undone.notice, Offer::Nothing);
+}
+
+} // namespace framekeeper

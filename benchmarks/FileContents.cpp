@@ -1,0 +1,67 @@
+#include "benchmarks/Timing.h"
+#include "pathutils/AliasesAndContents.h"
+#include "platform/foundation/NSString.h"
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+
+// Comparing two equal files of 1 GiB, against cmp; their checksum, against merely reading one. Usage: file_contents
+// FOLDER
+
+using namespace mac;
+using namespace benchmarks;
+
+namespace {
+
+constexpr std::size_t Size = std::size_t{1} << 30;
+constexpr std::size_t PieceSize = std::size_t{128} << 10;
+constexpr int Rounds = 9;
+
+void makeFile(std::string const& path) {
+    int const file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (file < 0) std::exit(1);
+    auto const piece = std::make_unique<char[]>(PieceSize);
+    for (std::size_t place = 0; place < Size; place += PieceSize) {
+        for (std::size_t index = 0; index < PieceSize; ++index)
+            piece[index] = static_cast<char>((place + index) * 0x9E3779B97F4A7C15 >> 56);
+        if (::write(file, piece.get(), PieceSize) != static_cast<ssize_t>(PieceSize)) std::exit(1);
+    }
+    ::close(file);
+}
+
+void readAll(std::string const& path) {
+    int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    auto const piece = std::make_unique<char[]>(PieceSize);
+    while (::read(file, piece.get(), PieceSize) > 0) {}
+    ::close(file);
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    if (count != 2) return 2;
+    std::string const one = std::string(arguments[1]) + "/file-contents-one";
+    std::string const other = std::string(arguments[1]) + "/file-contents-other";
+    makeFile(one);
+    makeFile(other);
+    NSString const path = NSString::stringWithFileSystemRepresentation_(one);
+    NSString const otherPath = NSString::stringWithFileSystemRepresentation_(other);
+    std::vector<double> comparisons;
+    std::vector<double> checksums;
+    int volatile sink = 0;
+    for (int round = 0; round < Rounds; ++round) {
+        double const ours = secondsOf([&] {
+            if (!pxPathHasEqualContentsWithPath_(path, otherPath)) std::exit(1);
+        });
+        comparisons.push_back(secondsOf([&] { runProgram({"cmp", one, other}); }) / ours);
+        double const reading = secondsOf([&] { readAll(one); });
+        checksums.push_back(secondsOf([&] { sink = pxChecksumOfPath(path); }) / reading);
+    }
+    ::unlink(one.c_str());
+    ::unlink(other.c_str());
+    std::printf("two equal files of 1 GiB: %.2f times as fast as cmp (goal: 1.5)\n", median(comparisons));
+    std::printf("checksum of 1 GiB: %.2f times reading it (goal: 1.18)\n", median(checksums));
+    return 0;
+}

@@ -1,0 +1,106 @@
+#include "coreutils/Collections.h"
+#include "pathutils/ExtendedAttributes.h"
+#include "pathutils/FileOperations.h"
+#include "pathutils/FinderMetadata.h"
+#include "platform/files/FileOperations.h"
+#include "platform/foundation/NSFileAttributes.h"
+#include "platform/foundation/NSFileManager.h"
+#include "platform/system/items/AttributeNames.h"
+#include "scripting/FileReferences.h"
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+// Making files and folders.
+
+namespace mac {
+
+namespace {
+
+bool makeFolder(NSString const& path, NSDictionary const& attributes) {
+    return NSFileManager::defaultManager().createDirectoryAtPath_attributes_(path, attributes);
+}
+
+// A folder to be made, and the folder that it is to be like; the model may be nil.
+struct FolderToMake {
+    NSString path;
+    NSString model;
+};
+
+// Makes the folder, and before it each missing one above it, with the model above that; YES if something is there. NO
+// if nothing is at any path above, as with a relative path.
+bool makeWithFoldersAbove(NSString const& path, NSString const& model,
+                          std::function<bool(FolderToMake const&)> const& make) {
+    std::vector<FolderToMake> missing;
+    FolderToMake folder{path, model};
+    while (!KRCPathExists(folder.path)) {
+        if (folder.path.length() == 0) return false;
+        missing.push_back(folder);
+        folder = {folder.path.stringByDeletingLastPathComponent(), folder.model.stringByDeletingLastPathComponent()};
+    }
+    return std::all_of(missing.rbegin(), missing.rend(), make);
+}
+
+bool makeLikeModel(FolderToMake const& folder) {
+    FSRef model{};
+    FSRef parent{};
+    NSString const parentPath = folder.path.stringByDeletingLastPathComponent();
+    if (!KRPathGetFSRef_traverseLink_(folder.model, &model, NO)) return false;
+    if (!KRPathGetFSRef_traverseLink_(parentPath, &parent, NO)) return false;
+    FSCatalogInfo information;
+    HFSUniStr255 name{};
+    if (FSGetCatalogInfo(&model, kFSCatInfoSettableInfo, &information, &name, nullptr, nullptr) != noErr) return false;
+    information.nodeFlags &= static_cast<std::uint16_t>(~kFSNodeLockedMask);
+    // The model's name, though the receiver has one: the two hierarchies are expected to have equal names.
+    return FSCreateDirectoryUnicode(&parent, name.length, name.unicode.data(), kFSCatInfoSettableInfo, &information,
+                                    nullptr, nullptr, nullptr) == noErr;
+}
+
+} // namespace
+
+bool pxCreateAliasFileWithContent_(NSString receiver, NSData content) {
+    return NSFileManager::defaultManager().createFileAtPath_contents_attributes_(receiver, nil, nil) &&
+           pxSetExtendedAttributeData_forKey_(receiver, content, XATTR_RESOURCEFORK_NAME) &&
+           pxSetFinderFlagsOfPath_mask_(receiver, kIsAlias, kIsAlias);
+}
+
+bool pxCreateFolder(NSString receiver) {
+    if (receiver == nil) return false;
+    return makeWithFoldersAbove(receiver.stringByStandardizingPath(), nil,
+                                [](FolderToMake const& folder) { return makeFolder(folder.path, nil); });
+}
+
+NSString pxCreateUniqueFolder(NSString receiver) {
+    if (receiver == nil) return nil;
+    NSString const path = receiver.stringByStandardizingPath();
+    NSString const parent = path.stringByDeletingLastPathComponent();
+    if (!NSFileManager::defaultManager().isWritableFileAtPath_(parent)) return nil;
+    NSString candidate = path;
+    for (std::int32_t number = 1;; ++number) {
+        if (makeFolder(candidate, nil)) return candidate;
+        // Only a name that is taken lets another one be tried. The item that has taken it may have gone meanwhile.
+        bool const isTaken = KRCPathExistsTraverseLink_(candidate, NO);
+        if (!isTaken && makeFolder(candidate, nil)) return candidate;
+        if (!isTaken && !KRCPathExistsTraverseLink_(candidate, NO)) return nil;
+        candidate = parent.stringByAppendingPathComponent_(
+            NSString::stringWithFormat_("%@-%d", path.lastPathComponent(), number));
+    }
+}
+
+bool pxCreateFolderWithAttributesFrom_(NSString receiver, NSString model) {
+    return !(receiver == nil) && makeWithFoldersAbove(receiver, model, makeLikeModel);
+}
+
+bool pxCreateFolderWithAttributes_from_(NSString receiver, NSArray keys, NSString model) {
+    if (receiver == nil) return false;
+    return makeWithFoldersAbove(receiver, model, [&keys](FolderToMake const& folder) {
+        NSDictionary const attributes =
+            NSFileManager::defaultManager().fileAttributesAtPath_traverseLink_(folder.model, NO);
+        if (attributes.count() == 0) return false;
+        NSMutableDictionary const wanted = NSMutableDictionary::dictionaryWithCapacity_(keys.count());
+        pxSetValuesFrom_forKeys_(wanted, attributes, keys);
+        return makeFolder(folder.path, wanted);
+    });
+}
+
+} // namespace mac

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/files/CatalogInformation.h"
+
+namespace mac {
+
+// Renaming, making and copying items by reference or path. The operations answer noErr, paramErr for a null pointer
+// where none is allowed, or a status below or in FSRef.h and CatalogInformation.h. Names are in the form of HFS; their
+// encoding hints are ignored. Any thread.
+
+using UniCharCount = std::uint32_t;
+
+// The volume has no space left.
+inline constexpr OSErr dskFulErr = -34;
+// The item is locked.
+inline constexpr OSErr fLckdErr = -45;
+// A volume is mounted in the item, or another process uses it.
+inline constexpr OSErr fBsyErr = -47;
+// Another item has the name.
+inline constexpr OSErr dupFNErr = -48;
+// The destination lies in the item itself.
+inline constexpr OSErr badMovErr = -122;
+
+// Renames the item within its folder; its AppleDouble sidecar goes with it. newRef, which may be null, refers to the
+// renamed item. dupFNErr if the name is taken.
+OSErr FSRenameUnicode(FSRef const* ref, UniCharCount nameLength, unichar const* name, TextEncoding textEncodingHint,
+                      FSRef* newRef);
+
+// Makes a folder with the settable fields of the information that the mask names; which may be null with an empty mask.
+// All after the name may be null but for that; newSpec has to be. On failure there is no new folder.
+OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, unichar const* name,
+                               FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo, FSRef* newRef,
+                               FSSpec* newSpec, std::uint32_t* newDirID);
+
+inline constexpr OptionBits kFSFileOperationDefaultOptions = 0;
+// An item that has the new name is replaced.
+inline constexpr OptionBits kFSFileOperationOverwrite = 0x01;
+
+// Copies the item at the path, a symbolic link itself, into the folder at the other path, as copyName or, if that is
+// nil, under its own name. Paths are bytes with a NUL at the end. The copy appears once it is complete: it takes the
+// place of an item that is replaced in one step, where the volume can do that, and the old item is deleted afterwards.
+// fLckdErr, and nothing is changed, if the old item is locked or holds a locked one; dupFNErr if the item would replace
+// itself, or if the name is taken and not to be replaced.
+//
+// Linux: targetPath, which would receive the copy's path, has to be null.
+OSStatus FSPathCopyObjectSync(char const* sourcePath, char const* destPath, CFStringRef copyName, char** targetPath,
+                              OptionBits options);
+
+} // namespace mac

@@ -1,0 +1,108 @@
+#include "platform/files/SpecialFolders.h"
+#include "platform/files/FileStatuses.h"
+#include "platform/files/ItemReferences.h"
+#include "platform/files/Trash.h"
+#include "platform/files/VolumeInformation.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/Users.h"
+#include "platform/system/XDGFolders.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+enum class MissingFolder { IsMade, IsMissing };
+
+constexpr char UserTemporaryName[] = "TemporaryItems";
+constexpr std::string_view VolumeTemporaryStart = ".TemporaryItems-";
+
+OSErr statusOfTrash(TrashProblem const& problem) {
+    switch (problem.kind) {
+    case TrashProblem::NoTrash:
+    case TrashProblem::NotThere:
+        return fnfErr;
+    default:
+        return statusOf(problem.error, FileOperation::Changing);
+    }
+}
+
+// Opens the folder, and creates it if asked for. EPERM if other users may enter it: it could be a trap.
+Result<FileDescriptor> openPrivateFolder(FileDescriptor const& folder, std::string const& name, MissingFolder missing) {
+    if (missing == MissingFolder::IsMade && ::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        return lastSystemError("mkdir", name);
+    FileDescriptor opened(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!opened.isOpen()) return lastSystemError("open", name);
+    struct stat status {};
+    if (::fstat(opened.number(), &status) != 0) return lastSystemError("stat", name);
+    bool const isPrivate = status.st_uid == ::geteuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    if (!isPrivate) return SystemError{.code = EPERM, .operation = "use", .item = name};
+    return opened;
+}
+
+// The folder at the path, with those above it.
+Result<FileDescriptor> openOrMakeCacheFolder(BytePath path, MissingFolder missing) {
+    Result<FileDescriptor> folder = openPath(path.bytes(), O_PATH | O_DIRECTORY);
+    bool const isMade = missing == MissingFolder::IsMade && path.bytes() != path.parent() && !path.parent().empty();
+    if (folder.hasValue() || !folder.problem().is(ENOENT) || !isMade) return folder;
+    Result<FileDescriptor> const above = openOrMakeCacheFolder(path.parent(), missing);
+    if (!above.hasValue()) return above.problem();
+    std::string const name(path.leaf());
+    if (::mkdirat(above.value().number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        return lastSystemError("mkdir", name);
+    return openPath(path.bytes(), O_PATH | O_DIRECTORY);
+}
+
+// The path of the folder of temporary items in the folder at the path.
+Result<std::string> temporaryFolderIn(std::string const& path, std::string const& name, MissingFolder missing) {
+    Result<FileDescriptor> const folder = openOrMakeCacheFolder(path, missing);
+    if (!folder.hasValue()) return folder.problem();
+    Result<FileDescriptor> const found = openPrivateFolder(folder.value(), name, missing);
+    if (!found.hasValue()) return found.problem();
+    return BytePath(path).joined(name);
+}
+
+OSErr takePath(Result<std::string> const& path, FSRef& foundRef) {
+    if (!path.hasValue()) return statusOf(path.problem(), FileOperation::Changing);
+    Result<FSRef> const made = referenceToPath(path.value(), LinkAtEnd::IsNotFollowed);
+    if (!made.hasValue()) return statusOf(made.problem(), FileOperation::Finding);
+    foundRef = made.value();
+    return noErr;
+}
+
+// The path of the volume's root.
+Result<std::string> rootOfVolume(FSVolumeRefNum vRefNum) {
+    FSRef root{};
+    if (FSGetVolumeInfo(vRefNum, 0, nullptr, kFSVolInfoNone, nullptr, nullptr, &root) != noErr)
+        return SystemError{.code = ENODEV, .operation = "find"};
+    Result<ReferencedItem> item = itemOfReference(root);
+    if (!item.hasValue()) return item.problem();
+    return item.value().path;
+}
+
+} // namespace
+
+OSErr FSFindFolder(FSVolumeRefNum vRefNum, OSType folderType, BOOL createFolder, FSRef* foundRef) {
+    if (!foundRef) return paramErr;
+    *foundRef = {};
+    bool const isUsers = vRefNum == kUserDomain;
+    Result<std::string> const top = isUsers ? Result<std::string>(ownHomeFolder()) : rootOfVolume(vRefNum);
+    if (!top.hasValue()) return statusOf(top.problem(), FileOperation::Finding);
+    if (folderType == kTrashFolderType) {
+        Result<std::string, TrashProblem> const trash =
+            trashFolderForPath(top.value(), createFolder ? MissingTrash::IsMade : MissingTrash::IsMissing);
+        return trash.hasValue() ? takePath(trash.value(), *foundRef) : statusOfTrash(trash.problem());
+    }
+    if (!(folderType == kTemporaryFolderType)) return fnfErr;
+    MissingFolder const missing = createFolder ? MissingFolder::IsMade : MissingFolder::IsMissing;
+    std::string const volumesName = std::string(VolumeTemporaryStart) + std::to_string(::geteuid());
+    return takePath(isUsers ? temporaryFolderIn(cacheHome(), UserTemporaryName, missing)
+                            : temporaryFolderIn(top.value(), volumesName, missing),
+                    *foundRef);
+}
+
+} // namespace mac

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/files/TrashPlaces.h"
+#include <optional>
+#include <string>
+#include <vector>
+
+// What lies in one trash. Any thread.
+
+namespace mac {
+
+// An AppleDouble sidecar that came with an item, as it was when the trash was listed.
+struct TrashedSidecar {
+    std::string name{};
+    ItemIdentity identity{};
+};
+
+struct ListedItem {
+    TrashedItem item{};
+    // Not listed as an item of its own.
+    std::optional<TrashedSidecar> sidecar{};
+};
+
+// The items in the trash, sorted by the bytes of their names.
+Result<std::vector<ListedItem>> itemsInTrash(TrashPlace const& trash);
+
+} // namespace mac

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/system/Result.h"
+#include "platform/system/items/OpenItem.h"
+#include <string>
+
+namespace mac {
+
+// Locks on items. A locked file or folder keeps its name, its folder and its contents until it is unlocked: to remove,
+// rename, move or trash it fails with ItemIsLocked. Any thread.
+//
+// Where the file system has the immutable flag and the user may set it, that is the lock, which binds all programs.
+// Otherwise it is an attribute, which binds only this system's own operations; it travels with the item.
+
+// Not empty on an item that is locked by an attribute.
+inline constexpr char LockedAttribute[] = "com.apple.FSCatalogInfo.locked";
+
+enum class ItemLock { Locked, Unlocked };
+
+// Locked by either. Also Unlocked if the user may not read the attribute, and for items without attributes.
+ItemLock lockOf(OpenItem const& item);
+// Locked by either; the item of a name in an open folder, a symbolic link itself.
+bool isLockedIn(FileDescriptor const& folder, std::string const& name);
+// Whether the open item has the immutable flag.
+bool isImmutable(FileDescriptor const& item);
+
+// Locks the item, or takes both locks off. EPERM for an item that is neither file nor folder, and where the user may do
+// neither.
+Result<void> setLock(OpenItem const& item, ItemLock lock);
+
+// The error of an operation that the item's lock forbids.
+SystemError lockedItem(std::string name);
+
+} // namespace mac

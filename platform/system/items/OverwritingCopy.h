@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/system/items/ItemTransfer.h"
+#include <functional>
+
+namespace mac {
+
+// A copy that deletes the item which has its name. Any thread.
+
+enum class OverwritingStep {
+    // The copy is complete under a temporary name; it takes its place next.
+    Copied,
+    // The copy has the name, and the old item the temporary one; the old item is deleted next.
+    Exchanged,
+};
+// Called after each step; empty in the product. For tests of what happens between steps.
+using OverwritingSteps = std::function<void(OverwritingStep)>;
+
+// See ItemTransfer.h; `placing` is ignored. If no item has the name this is copyItem. Otherwise the copy and the old
+// item are exchanged in one step once the copy is complete, and the old item is removed. Where the file system cannot
+// exchange names, the old item gets a temporary name first. ItemIsLocked or EBUSY if the old item must stay
+// (ItemRemoval.h), EINVAL if it holds the original or the original holds it, EEXIST if it is the original, ESTALE if
+// another item takes its place meanwhile. OriginalStays: the copy has the name, but what is left of the old item lies
+// beside it under the temporary name.
+Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, OverwritingSteps const& steps = {});
+
+} // namespace mac

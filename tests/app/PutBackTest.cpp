@@ -1,0 +1,69 @@
+#include "app/PutBack.h"
+#include "tests/app/SelectedCopies.h"
+
+namespace framekeeper::test {
+namespace {
+
+class PutBack : public SelectedCopies {
+protected:
+    // Trashes the copy and selects it where it lies then.
+    NSString trashAndSelect(NSString const& path) const {
+        select({path});
+        m_controller.trashAction_(nil);
+        NSString const trashed = pathInTrash();
+        select({trashed});
+        return trashed;
+    }
+    static bool isInTrash(id const& path) {
+        id const number = adopt<InTrashTransformer>().transformedValue_(path);
+        return as<NSNumber>(number).boolValue();
+    }
+};
+
+TEST_F(PutBack, MovesTheSelectedCopyOutOfTheTrash) {
+    NSString const path = findCopy("a");
+    NSString const trashed = trashAndSelect(path);
+    m_controller.putBackAction_(nil);
+    EXPECT_TRUE(exists(path));
+    EXPECT_FALSE(exists(trashed));
+    EXPECT_EQ(onHarddisk(), std::vector{text(path)});
+    EXPECT_EQ(notice(), "Put back.");
+    EXPECT_FALSE(m_controller.canUndo()) << "the move to the trash is taken back already";
+    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(PutBack, TellsInTheWindowThatThePlaceIsTaken) {
+    NSString const path = findCopy("a");
+    NSString const trashed = trashAndSelect(path);
+    m_desktop.folder.makeFile("a/Mirror Frame.app", "somebody's");
+    m_controller.putBackAction_(nil);
+    EXPECT_EQ(contentsOf(text(path)), "somebody's");
+    EXPECT_TRUE(exists(trashed));
+    EXPECT_NE(notice(), "");
+    EXPECT_EQ(m_beeps, 1);
+    EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(PutBack, RefusesForACopyThatLiesInNoTrash) {
+    NSString const path = findCopy("a");
+    select({path});
+    m_controller.putBackAction_(nil);
+    EXPECT_TRUE(exists(path));
+    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(onHarddisk(), std::vector{text(path)});
+}
+
+TEST_F(PutBack, IsOfferedForWhatLiesInATrash) {
+    NSString const path = findCopy("a");
+    EXPECT_FALSE(isInTrash(path));
+    EXPECT_TRUE(isInTrash(trashAndSelect(path)));
+    EXPECT_FALSE(isInTrash(path)) << "it is gone";
+    EXPECT_FALSE(isInTrash(nil));
+    EXPECT_FALSE(isInTrash(NSNumber::numberWithInt_(1)));
+    EXPECT_FALSE(NSValueTransformer::valueTransformerForName_("InTrashTransformer") == nil);
+    EXPECT_FALSE(InTrashTransformer::allowsReverseTransformation());
+}
+
+} // namespace
+} // namespace framekeeper::test

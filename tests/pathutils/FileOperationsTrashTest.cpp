@@ -1,0 +1,63 @@
+#include "pathutils/FileOperations.h"
+#include "tests/support/DiskContents.h"
+#include "tests/support/Environment.h"
+#include "tests/support/ObjectTexts.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Texts.h"
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+// The trash lies in a folder of the test's own, on the volume of the items.
+class FileOperationsTrash : public testing::Test {
+protected:
+    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
+    std::string trashed(std::string_view name) const { return m_folder.path("data/Trash/files/") + std::string(name); }
+
+    TemporaryFolder const m_folder{};
+    EnvironmentVariable const m_data{"XDG_DATA_HOME", m_folder.makeFolder("data")};
+};
+
+TEST_F(FileOperationsTrash, AnswersWhereTheItemIsNow) {
+    m_folder.makeFile("file", "contents");
+    m_folder.makeFile("folder/file", "inner");
+    EXPECT_EQ(fileSystemBytes(pxMoveToTrash(at("file"))), trashed("file"));
+    EXPECT_EQ(textOf(trashed("file")), "contents");
+    // The path of a folder ends with a slash in scripts.
+    EXPECT_EQ(fileSystemBytes(pxMoveToTrash(at("folder/../folder"))), trashed("folder/"));
+    EXPECT_EQ(textOf(trashed("folder/file")), "inner");
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>{"data"});
+}
+
+TEST_F(FileOperationsTrash, AMissingItemIsNil) {
+    ASSERT_EQ(::symlink("nowhere", m_folder.path("lost").c_str()), 0);
+    for (NSString const& none : {at("none"), at("lost"), at("none/below"), NSString("none"), NSString(""), NSString()})
+        EXPECT_TRUE(pxMoveToTrash(none) == nil);
+    EXPECT_TRUE(isThere(m_folder.path("lost")));
+    EXPECT_FALSE(isThere(m_folder.path("data/Trash")));
+}
+
+TEST_F(FileOperationsTrash, TakesANameOfEveryPrintableCharacterAndOfOtherBytes) {
+    std::string printable;
+    for (char character = ' '; character <= '~'; ++character)
+        if (character != '/') printable += character;
+    for (std::string const& name :
+         {printable, std::string("a\nb\tc\rd"), std::string("\xff\xfe\x80 bytes"), std::string("100%@%n"),
+          std::string("\"; do shell script \"touch x\"; \""), std::string("\\"), std::string("\\\""),
+          std::string(255, 'n'), std::string("a:b"), std::string("\x01\x7f"), std::string("é\xcc\x81 ")}) {
+        SCOPED_TRACE(name);
+        m_folder.makeFile(name, "contents");
+        NSString const answer = pxMoveToTrash(at(name));
+        EXPECT_FALSE(answer == nil);
+        EXPECT_FALSE(isThere(m_folder.path(name)));
+        EXPECT_EQ(textOf(fileSystemBytes(answer)), "contents") << fileSystemBytes(answer);
+    }
+    EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>{"data"});
+}
+
+} // namespace
+
+} // namespace mac::test

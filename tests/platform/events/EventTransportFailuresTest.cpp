@@ -1,0 +1,102 @@
+#include "platform/foundation/NSDate.h"
+#include "tests/platform/events/Descriptors.h"
+#include "tests/platform/events/EventTransports.h"
+#include "tests/support/TemporaryFolder.h"
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+namespace mac::test {
+
+TEST_F(EventTransport, NoticesThatTheBusDiesAndFindsAnotherOne) {
+    auto const peer = startPeer();
+    std::thread endsBus([&] {
+        peer->readLine();
+        m_bus->sendSignal(SIGKILL);
+    });
+    EXPECT_EQ(send(testEvent(Hang, address(*peer)), kNoTimeOut), connectionInvalid);
+    endsBus.join();
+    m_bus->wait();
+    EXPECT_EQ(send(testEvent(Echo, address(*peer))), connectionInvalid);
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", startBus());
+    auto const other = startPeer();
+    EXPECT_EQ(ask(*other, Echo, stringDescriptor("x")), noErr);
+    EXPECT_EQ(replied(), "x");
+}
+
+TEST_F(EventTransport, IsHeardAgainOnABusThatWasStartedAnew) {
+    TemporaryFolder const folder;
+    std::vector<std::string> const command{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1",
+                                           "--address=unix:path=" + folder.path("bus")};
+    auto bus = std::make_unique<ChildProcess>(command);
+    ASSERT_NE(bus->readLine(), "");
+    // Not the printed address, in which the bus names itself.
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder.path("bus"));
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    bus->sendSignal(SIGKILL);
+    bus->wait();
+    // A socket that a killed bus leaves behind is not bound again.
+    std::filesystem::remove(folder.path("bus"));
+    bus = std::make_unique<ChildProcess>(command);
+    ASSERT_NE(bus->readLine(), "");
+    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
+    OSStatus status = noErr;
+    do {
+        status = ask(*peer, Echo, stringDescriptor("x"));
+    } while (status != noErr && end.timeIntervalSinceNow() > 0);
+    EXPECT_EQ(status, noErr);
+    EXPECT_EQ(replied(), "x");
+}
+
+TEST_F(EventTransport, FailsWithoutABusButForAQuitBySignal) {
+    ChildProcess child({"/bin/cat"});
+    m_bus->sendSignal(SIGKILL);
+    m_bus->wait();
+    TemporaryFolder const folder;
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "");
+    EnvironmentVariable const runtime("XDG_RUNTIME_DIR", folder.path("none"));
+    EXPECT_EQ(ask(child, Echo), connectionInvalid);
+    AppleEvent const event = testEvent(Echo, EventTransport::address(child));
+    EXPECT_EQ(AESendMessage(&event, nullptr, kAENoReply, kNoTimeOut), connectionInvalid);
+    ASSERT_EQ(askToQuit(child), noErr);
+    EXPECT_EQ(child.wait(), -SIGTERM);
+}
+
+// No reply is wanted, so nobody waits: what the receiver has not handled is counted.
+TEST_F(EventTransport, RefusesEventsThatABusyProgramDoesNotHandle) {
+    auto const peer = startPeer();
+    AppleEvent const hang = testEvent(Hang, address(*peer));
+    ASSERT_EQ(AESendMessage(&hang, nullptr, kAENoReply, kAEDefaultTimeout), noErr);
+    ASSERT_EQ(peer->readLine(), "hanging");
+    constexpr int tries = 5000;
+    int sent = 0;
+    for (int number = 0; number < tries; ++number) {
+        AppleEvent const event = testEvent(Tell, address(*peer), stringDescriptor("told"));
+        OSStatus const status = AESendMessage(&event, nullptr, kAENoReply, kAEDefaultTimeout);
+        if (status == noErr)
+            ++sent;
+        else
+            ASSERT_EQ(status, memFullErr);
+    }
+    EXPECT_GT(sent, 0);
+    EXPECT_LT(sent, tries);
+    peer->writeLine("go on");
+    for (int number = 0; number < sent; ++number)
+        ASSERT_EQ(peer->readLine(), "told") << "the event " << number << " of " << sent;
+    EXPECT_EQ(ask(*peer, Echo), noErr) << "there is room again";
+}
+
+TEST_F(EventTransport, FindsAProgramThatWasStartedAgain) {
+    auto const first = startPeer();
+    EXPECT_EQ(ask(*first, Echo), noErr);
+    AppleEvent const event = testEvent(Echo, address(*first));
+    first->sendSignal(SIGKILL);
+    first->wait();
+    EXPECT_EQ(send(event), procNotFound);
+    auto const second = startPeer();
+    EXPECT_EQ(ask(*second, Echo, stringDescriptor("x")), noErr);
+    EXPECT_EQ(replied(), "x");
+}
+
+} // namespace mac::test

@@ -1,0 +1,94 @@
+#include "platform/system/TemporaryName.h"
+#include "tests/support/ErrorCode.h"
+#include "tests/support/Refusals.h"
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+using enum VolumeSharing;
+
+// A process that has ended and was waited for.
+TemporaryOwner endedProcess() {
+    TemporaryOwner owner = TemporaryOwner::current();
+    owner.pid = ::fork();
+    if (owner.pid == 0) ::_exit(0);
+    ::waitpid(owner.pid, nullptr, 0);
+    return owner;
+}
+
+TEST(TemporaryName, TellsWhoMadeIt) {
+    std::string const name = temporaryName().value();
+    std::optional<ParsedTemporaryName> const parsed = parseTemporaryName(name);
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(parsed->owner, TemporaryOwner::current());
+    EXPECT_EQ(parsed->owner.pid, ::getpid());
+    EXPECT_FALSE(parsed->mark);
+    EXPECT_LE(name.size(), 140U);
+    EXPECT_NE(temporaryName().value(), name);
+    ASSERT_TRUE(parseTemporaryName("._" + name));
+    EXPECT_EQ(parseTemporaryName("._" + name)->owner, parsed->owner);
+    EXPECT_EQ(parseTemporaryName(asideName(0xFEDC'BA98'0000'0001U).value())->mark, 0xFEDC'BA98'0000'0001U);
+}
+
+TEST(TemporaryName, IsToldFromOtherNames) {
+    std::string const name = temporaryName().value();
+    std::string const aside = asideName(1).value();
+    for (std::string const& other :
+         {std::string(), std::string("._"), std::string("file"), std::string(".framekeeper-"),
+          name.substr(0, name.size() - 1), name + "0", name + "-", name + "-1", aside + "0", "x" + name,
+          std::string(".framekeeper-zz-1-1-1-") + std::string(32, '0'),
+          std::string(".framekeeper-ab-1--1-") + std::string(32, '0'),
+          std::string(".framekeeper-ab-1-1-99999999999999999999-") + std::string(32, '0')})
+        EXPECT_FALSE(parseTemporaryName(other)) << other;
+}
+
+TEST(TemporaryName, NeedsRandomNumbers) {
+    withRefusedCall(SYS_getrandom, EIO, [] {
+        EXPECT_EQ(codeOf(temporaryName()), EIO);
+        EXPECT_EQ(codeOf(asideName(1)), EIO);
+    });
+}
+
+TEST(TemporaryName, TellsWhetherItsProcessRuns) {
+    TemporaryOwner const own = TemporaryOwner::current();
+    ASSERT_FALSE(own.boot.empty());
+    EXPECT_EQ(stateOf(own, ThisComputerOnly), OwnerState::Runs);
+    TemporaryOwner earlier = own;
+    --earlier.startTime;
+    EXPECT_EQ(stateOf(earlier, ThisComputerOnly), OwnerState::HasEnded) << "its ID has another process now";
+    EXPECT_EQ(stateOf(endedProcess(), ThisComputerOnly), OwnerState::HasEnded);
+    EXPECT_EQ(stateOf(endedProcess(), PerhapsOthers), OwnerState::HasEnded);
+}
+
+TEST(TemporaryName, DoesNotTakeAProcessForEndedThatItCannotSee) {
+    TemporaryOwner const own = TemporaryOwner::current();
+    TemporaryOwner elsewhere = own;
+    elsewhere.boot = std::string(32, 'a');
+    EXPECT_EQ(stateOf(elsewhere, PerhapsOthers), OwnerState::Unknown);
+    EXPECT_EQ(stateOf(elsewhere, ThisComputerOnly), OwnerState::HasEnded) << "the system was started anew";
+    TemporaryOwner inContainer = endedProcess();
+    ++inContainer.pidNamespace;
+    EXPECT_EQ(stateOf(inContainer, ThisComputerOnly), OwnerState::Unknown);
+    TemporaryOwner incomplete = endedProcess();
+    incomplete.startTime = 0;
+    EXPECT_EQ(stateOf(incomplete, ThisComputerOnly), OwnerState::Unknown);
+}
+
+TEST(TemporaryName, IsItsOwnInAProcessThatWasForked) {
+    static_cast<void>(TemporaryOwner::current());
+    int const child = ::fork();
+    if (child == 0) ::_exit(TemporaryOwner::current().pid == ::getpid() ? 0 : 1);
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+} // namespace
+
+} // namespace mac::test
