@@ -60,7 +60,7 @@ IconSwap swapIcon(NSString const& path, NSString const& presentName) {
 
     information.setObject_forKey_(newName, "CFBundleIconFile");
     NSData const data =
-        NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(information, format, nullptr);
+        NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(information, format, {});
     if (data == nil) return {.failure = "Could not create plist data."};
     bool const mayWrite = NSFileManager::defaultManager().isWritableFileAtPath_(file);
     if (!mayWrite || !writeInformation(bundle, data, contents.value().status))

@@ -1,6 +1,7 @@
 #include "app/AppController.h"
 #include "app/MembershipSources.h"
 #include "app/Undo.h"
+#include "pathutils/AliasesAndContents.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
@@ -36,9 +37,11 @@ NSString pathOfCopy(id const& entry) {
     return isCopy(path) ? path : NSString();
 }
 
+// Without alias data the list of values and keys ends before them.
 NSDictionary newLoginItem(NSString const& path) {
-    return NSDictionary::dictionaryWithObjectsAndKeys_(
-        {NSNumber::numberWithBool_(NO), "Hide", path.stringByAbbreviatingWithTildeInPath(), "Path"});
+    return NSDictionary::dictionaryWithObjectsAndKeys_({NSNumber::numberWithBool_(NO), "Hide",
+                                                        path.stringByAbbreviatingWithTildeInPath(), "Path",
+                                                        pxAliasDataOfPath(path), "AliasData"});
 }
 
 } // namespace

@@ -60,6 +60,8 @@ install(
   EXPORT Framekeeper
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framekeeper)
+# What autostart entries written by the library may start.
+install(TARGETS framekeeper-login DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
 install(EXPORT Framekeeper FILE FramekeeperConfig.cmake NAMESPACE Framekeeper:: DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake DESTINATION ${package_folder})

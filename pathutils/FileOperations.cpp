@@ -101,8 +101,9 @@ NSString pxCopyToFolder_(NSString receiver, NSString folder) {
     if (receiver == nil) return nil;
     std::optional<std::string> const source = receiver.fileSystemRepresentation();
     std::optional<std::string> const target = folder.fileSystemRepresentation();
-    OSStatus const status = FSPathCopyObjectSync(source ? source->c_str() : nullptr, target ? target->c_str() : nullptr,
-                                                 nil, nullptr, kFSFileOperationOverwrite);
+    OSStatus status = paramErr;
+    if (source && target)
+        status = FSPathCopyObjectSync(source->c_str(), target->c_str(), nil, {}, kFSFileOperationOverwrite);
     return status == noErr ? NSString(nil) : NSString::stringWithFormat_("Copy: Error-code = %d", status);
 }
 
@@ -113,8 +114,8 @@ bool pxRenameToNameOf_(NSString receiver, NSString path) {
         return false;
     FSCatalogInfo information;
     HFSUniStr255 name{};
-    if (FSGetCatalogInfo(&other, kFSCatInfoTextEncoding, &information, &name, nullptr, nullptr) != noErr) return false;
-    return FSRenameUnicode(&own, name.length, name.unicode.data(), information.textEncodingHint, nullptr) == noErr;
+    if (FSGetCatalogInfo(&other, kFSCatInfoTextEncoding, &information, &name, {}, {}) != noErr) return false;
+    return FSRenameUnicode(&own, name.length, name.unicode.data(), information.textEncodingHint, {}) == noErr;
 }
 
 NSString pxRenameTo_keepExtension_(NSString receiver, NSString name, BOOL keepsExtension) {

@@ -30,7 +30,7 @@ bool pxPathSetNotWritable_locked_(NSString receiver, BOOL notWritable, BOOL lock
     if (notWritable) which |= kFSCatInfoPermissions;
     if (locked) which |= kFSCatInfoNodeFlags;
     FSCatalogInfo information;
-    if (FSGetCatalogInfo(&ref, which, &information, nullptr, nullptr, nullptr) != noErr) return false;
+    if (FSGetCatalogInfo(&ref, which, &information, {}, {}, {}) != noErr) return false;
     if (notWritable) information.permissions.mode &= static_cast<std::uint16_t>(~OwnerWriteBit);
     if (locked) information.nodeFlags |= kFSNodeLockedMask;
     return FSSetCatalogInfo(&ref, which, &information) == noErr;
@@ -44,7 +44,7 @@ bool pxSetFileModificationDate_creationDate_(NSString receiver, NSDate modificat
     if (!(modificationDate == nil)) which |= kFSCatInfoCreateDate;
     if (!(creationDate == nil)) which |= kFSCatInfoContentMod;
     FSCatalogInfo information;
-    if (FSGetCatalogInfo(&ref, which, &information, nullptr, nullptr, nullptr) != noErr) return false;
+    if (FSGetCatalogInfo(&ref, which, &information, {}, {}, {}) != noErr) return false;
     if (!(modificationDate == nil) && !pxUTCDateTime_(modificationDate, &information.contentModDate)) return false;
     if (!(creationDate == nil) && !pxUTCDateTime_(creationDate, &information.createDate)) return false;
     return which == kFSCatInfoNone || FSSetCatalogInfo(&ref, which, &information) == noErr;
@@ -56,7 +56,7 @@ bool pxSetFileAttributesFrom_(NSString receiver, NSString model) {
     if (!KRPathGetFSRef_traverseLink_(model, &from, NO) || !KRPathGetFSRef_traverseLink_(receiver, &to, NO))
         return false;
     FSCatalogInfo information;
-    if (FSGetCatalogInfo(&from, kFSCatInfoSettableInfo, &information, nullptr, nullptr, nullptr) != noErr) return false;
+    if (FSGetCatalogInfo(&from, kFSCatInfoSettableInfo, &information, {}, {}, {}) != noErr) return false;
     information.nodeFlags &= static_cast<std::uint16_t>(~kFSNodeLockedMask);
     return FSSetCatalogInfo(&to, kFSCatInfoSettableInfo, &information) == noErr;
 }

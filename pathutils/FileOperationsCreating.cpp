@@ -49,11 +49,11 @@ bool makeLikeModel(FolderToMake const& folder) {
     if (!KRPathGetFSRef_traverseLink_(parentPath, &parent, NO)) return false;
     FSCatalogInfo information;
     HFSUniStr255 name{};
-    if (FSGetCatalogInfo(&model, kFSCatInfoSettableInfo, &information, &name, nullptr, nullptr) != noErr) return false;
+    if (FSGetCatalogInfo(&model, kFSCatInfoSettableInfo, &information, &name, {}, {}) != noErr) return false;
     information.nodeFlags &= static_cast<std::uint16_t>(~kFSNodeLockedMask);
     // The model's name, though the receiver has one: the two hierarchies are expected to have equal names.
-    return FSCreateDirectoryUnicode(&parent, name.length, name.unicode.data(), kFSCatInfoSettableInfo, &information,
-                                    nullptr, nullptr, nullptr) == noErr;
+    return FSCreateDirectoryUnicode(&parent, name.length, name.unicode.data(), kFSCatInfoSettableInfo, &information, {},
+                                    {}, {}) == noErr;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/desktop/DesktopApplication.h"
 #include "platform/desktop/Desktops.h"
 #include "platform/desktop/LogOut.h"
+#include "platform/desktop/Patience.h"
 #include "platform/desktop/SessionBus.h"
 #include "platform/foundation/EventLoop.h"
 #include <QDBusConnection>
@@ -40,7 +41,7 @@ bool isServiceThere(QDBusConnection const& bus, QString const& service) {
     if (!busNameOwner(bus, service).number.isEmpty()) return true;
     QDBusMessage const list = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                              "org.freedesktop.DBus", "ListActivatableNames");
-    QDBusMessage const answer = bus.call(list, QDBus::Block, static_cast<int>(LongestBusTimeout.count()));
+    QDBusMessage const answer = bus.call(list, QDBus::Block, static_cast<int>(Patience::left().count()));
     return answer.type() == QDBusMessage::ReplyMessage && answer.arguments().value(0).toStringList().contains(service);
 }
 

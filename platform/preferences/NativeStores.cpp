@@ -16,10 +16,6 @@ constexpr auto Stores = std::to_array<NativeStore>({
      .key = "AutoLaunchedApplicationDictionary",
      .read = readLoginItems,
      .write = writeLoginItems},
-    {.domain = "com.apple.finder",
-     .key = "FXToolbarItems",
-     .read = ToolbarItemsStore::readItems,
-     .write = ToolbarItemsStore::writeItems},
 });
 
 } // namespace

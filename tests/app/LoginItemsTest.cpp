@@ -1,3 +1,4 @@
+#include "pathutils/AliasesAndContents.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
@@ -114,6 +115,8 @@ TEST_F(LoginItems, AddingToNothingWritesAListOfOneEntry) {
     NSDictionary const item = as<NSDictionary>(m_controller.allAutolaunchItems().objectAtIndex_(0));
     EXPECT_TRUE(item.objectForKey_("Hide").isEqual_(NSNumber::numberWithBool_(NO)));
     EXPECT_EQ(as<NSNumber>(item.objectForKey_("Hide")).kind(), NSNumber::Kind::Boolean);
+    EXPECT_EQ(item.count(), 3u);
+    EXPECT_TRUE(item.objectForKey_("AliasData").isEqual_(pxAliasDataOfPath(copy)));
     EXPECT_TRUE(isLoginItem(copy));
     EXPECT_TRUE(isSame(recordOf(m_controller, copy).objectForKey_("autolaunchItem"), item));
     EXPECT_EQ(m_log, Lines());

@@ -65,7 +65,9 @@ protected:
     }
     // Waits until the status line says this.
     bool says(std::string const& line) const {
-        return waitUntil([&] { return use({"status"}) == line + "\n"; });
+        bool const isSaid = waitUntil([&] { return use({"status"}) == line + "\n"; });
+        EXPECT_TRUE(isSaid) << "it says: " << use({"status"});
+        return isSaid;
     }
     // Waits until the button is enabled, or is not and says why.
     bool isEnabled(std::string const& button) const {

@@ -28,11 +28,14 @@ protected:
         std::ifstream file(copy + "/Contents/Info.plist", std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    // The paths of copies in the trash.
+    // How many items lie in the trash.
     std::size_t countInTrash() const {
         return static_cast<std::size_t>(
             std::distance(std::filesystem::directory_iterator(m_home + "/.local/share/Trash/files"), {}));
     }
+
+private:
+    EnvironmentVariable const m_dataFolders{"XDG_DATA_DIRS", "/usr/share"};
 };
 
 TEST_F(ActionsInASession, MoveACopyToTheTrashAndBack) {

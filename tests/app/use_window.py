@@ -9,9 +9,14 @@ usage: use_window.py PROCESS row PATH     prints the cells of the row with the p
        use_window.py PROCESS button NAME  prints "enabled" or "disabled: " and why
 """
 
+import os
 import sys
 
-import gi
+# The library that presses keys takes an empty name for a Wayland display, and crashes.
+if not os.environ.get("WAYLAND_DISPLAY"):
+    os.environ.pop("WAYLAND_DISPLAY", None)
+
+import gi  # noqa: E402
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402 (the version must be chosen first)

@@ -2,9 +2,11 @@
 #include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
 #include "tests/support/ObjectTexts.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -38,6 +40,42 @@ TEST_F(FileOperationsTrash, AMissingItemIsNil) {
         EXPECT_TRUE(pxMoveToTrash(none) == nil);
     EXPECT_TRUE(isThere(m_folder.path("lost")));
     EXPECT_FALSE(isThere(m_folder.path("data/Trash")));
+}
+
+TEST_F(FileOperationsTrash, NeedsNeitherABusNorADisplay) {
+    EnvironmentVariable const bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_folder.path("none"));
+    EnvironmentVariable const runtime("XDG_RUNTIME_DIR", std::nullopt);
+    EnvironmentVariable const display("DISPLAY", std::nullopt);
+    m_folder.makeFile("file", "contents");
+    EXPECT_EQ(fileSystemBytes(pxMoveToTrash(at("file"))), trashed("file"));
+}
+
+TEST_F(FileOperationsTrash, LeavesAnItemForWhichNoTrashCanBeMade) {
+    EnvironmentVariable const none("XDG_DATA_HOME", m_folder.makeFile("no folder", "") + "/data");
+    m_folder.makeFile("file", "contents");
+    EXPECT_TRUE(pxMoveToTrash(at("file")) == nil);
+    EXPECT_EQ(textOf(m_folder.path("file")), "contents");
+}
+
+TEST_F(FileOperationsTrash, LeavesALockedItem) {
+    m_folder.makeFile("file", "contents");
+    m_folder.makeFile("model", "");
+    ASSERT_TRUE(pxPathSetNotWritable_locked_(at("file"), NO, YES));
+    EXPECT_TRUE(pxMoveToTrash(at("file")) == nil);
+    EXPECT_EQ(textOf(m_folder.path("file")), "contents");
+    EXPECT_FALSE(isThere(m_folder.path("data/Trash"))) << "nothing was made";
+    ASSERT_TRUE(pxSetFileAttributesFrom_(at("file"), at("model")));
+    EXPECT_FALSE(pxMoveToTrash(at("file")) == nil);
+}
+
+TEST_F(FileOperationsTrash, LeavesAnOrdinaryUserWhatOthersOwn) {
+    m_folder.makeFile("closed/file", "contents");
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0555), 0);
+    OrdinaryUser::own(m_folder.path("data"));
+    OrdinaryUser const user;
+    EXPECT_TRUE(pxMoveToTrash(at("closed/file")) == nil);
+    EXPECT_EQ(textOf(m_folder.path("closed/file")), "contents");
 }
 
 TEST_F(FileOperationsTrash, TakesANameOfEveryPrintableCharacterAndOfOtherBytes) {

@@ -8,6 +8,7 @@ import subprocess
 import tempfile
 import unittest
 from pathlib import Path
+from urllib.parse import unquote
 
 SCRIPTS = Path(__file__).resolve().parents[2] / "scripts"
 IDENTIFIER = "com.tidelark.mirrorframe"
@@ -44,6 +45,17 @@ class SampleHome(unittest.TestCase):
             self.assertTrue(any(copy.startswith(f"{self.home}/{place}/") for copy in self.copies), place)
         versions = {version(copy) for copy in self.copies}
         self.assertLessEqual({"2.1 (210)", "1.9 (99)"}, versions)
+
+    def test_has_a_copy_that_starts_at_login(self):
+        entry = (Path(self.home) / ".config/autostart/mirror-frame.desktop").read_text()
+        programs = [copy + "/Contents/Linux/Mirror Frame" for copy in self.copies]
+        self.assertTrue(any(f'Exec="{program}"\n' in entry for program in programs), entry)
+
+    def test_has_a_copy_among_the_places(self):
+        lines = (Path(self.home) / ".config/gtk-3.0/bookmarks").read_text().splitlines()
+        paths = [unquote(line.split(" ")[0].removeprefix("file://")) for line in lines]
+        self.assertEqual(len([path for path in paths if path in self.copies]), 1, lines)
+        self.assertTrue(all(os.path.isdir(path) for path in paths), lines)
 
     def test_has_property_lists_of_all_three_forms(self):
         starts = {(Path(copy) / "Contents/Info.plist").read_bytes()[:6] for copy in self.copies}

@@ -21,6 +21,8 @@ struct ItemPlace {
     std::uint32_t mode{0};
     bool isFolder{false};
     bool isMountPoint{false};
+    // It has the flag that forbids every change (ItemLock.h).
+    bool isImmutable{false};
 };
 
 // The place in a status that was asked for with the type, mode, owner, inode, birth time and mount.

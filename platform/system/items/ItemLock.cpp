@@ -88,6 +88,10 @@ bool isLockedIn(FileDescriptor const& folder, std::string const& name) {
     return isImmutableAt(folder.number(), name.c_str(), 0) || hasLockedAttribute(folder, name);
 }
 
+bool isLockedIn(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+    return place.isImmutable || hasLockedAttribute(folder, name);
+}
+
 Result<void> setLock(OpenItem const& item, ItemLock lock) {
     bool const wasImmutable = isImmutable(item.item);
     if (lock == ItemLock::Locked) {

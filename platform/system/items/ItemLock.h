@@ -1,16 +1,18 @@
 #pragma once
 
 #include "platform/system/Result.h"
+#include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/OpenItem.h"
 #include <string>
 
 namespace mac {
 
-// Locks on items. A locked file or folder keeps its name, its folder and its contents until it is unlocked: to remove,
-// rename, move or trash it fails with ItemIsLocked. Any thread.
+// Locks on items. A locked file or folder keeps its name and its folder until it is unlocked, and a file its contents:
+// to remove, rename, move, trash or replace it fails with ItemIsLocked. Any thread.
 //
-// Where the file system has the immutable flag and the user may set it, that is the lock, which binds all programs.
-// Otherwise it is an attribute, which binds only this system's own operations; it travels with the item.
+// Where the file system has the immutable flag and the user may set it, that is the lock, which binds all programs and
+// keeps a folder's contents, too. Otherwise it is an attribute, which binds only this system's own operations; it
+// travels with the item.
 
 // Not empty on an item that is locked by an attribute.
 inline constexpr char LockedAttribute[] = "com.apple.FSCatalogInfo.locked";
@@ -21,6 +23,8 @@ enum class ItemLock { Locked, Unlocked };
 ItemLock lockOf(OpenItem const& item);
 // Locked by either; the item of a name in an open folder, a symbolic link itself.
 bool isLockedIn(FileDescriptor const& folder, std::string const& name);
+// As above; the place is that of the item.
+bool isLockedIn(FileDescriptor const& folder, std::string const& name, ItemPlace const& place);
 // Whether the open item has the immutable flag.
 bool isImmutable(FileDescriptor const& item);
 

@@ -12,6 +12,11 @@ namespace mac {
 
 namespace {
 
+Result<void> unlinkItem(FileDescriptor const& folder, std::string const& name, bool isFolder) {
+    if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
+    return lastSystemError("unlink", name);
+}
+
 // Removes an item; a folder in two descents, of which the first looks for what must stay.
 class Removal {
 public:
@@ -22,8 +27,8 @@ public:
 
     // Looks for what must stay.
     Result<void> look() {
-        return visitAll({}, [](FileDescriptor const& folder, std::string const& name, bool) {
-            return isLockedIn(folder, name) ? Result<void>(lockedItem(name)) : Result<void>();
+        return visitAll({}, [](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+            return isLockedIn(folder, name, place) ? Result<void>(lockedItem(name)) : Result<void>();
         });
     }
 
@@ -39,25 +44,23 @@ private:
     Result<void> removeFolder() {
         Result<void> const looked = look();
         if (m_isEnded) return looked;
+        // Nothing in it is locked by an attribute if all of it may go.
+        bool const asksForLocks = !looked.isDone();
         return visitAll(m_questions.willRemove,
-                        [](FileDescriptor const& folder, std::string const& name, bool isFolder) {
-                            Result<void> removed = removeUnlessLocked(folder, name, isFolder);
+                        [asksForLocks](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
+                            Result<void> removed = asksForLocks ? removeUnlessLocked(folder, name, place.isFolder)
+                                                                : unlinkItem(folder, name, place.isFolder);
                             // Another process has removed it meanwhile.
                             return !removed.isDone() && removed.problem().is(ENOENT) ? Result<void>() : removed;
                         });
     }
 
-    Result<void> visitAll(std::function<void(std::string const& path)> const& before,
-                          std::function<Result<void>(FileDescriptor const& folder, std::string const& name,
-                                                     bool isFolder)> const& visit) {
+    Result<void> visitAll(std::function<void(std::string const& path)> const& before, DescentVisit const& visit) {
         DescentRules const rules{.beforeVisit = before,
                                  .shouldContinueAfter = [this](std::string const& path, SystemError const& error) {
                                      return shouldContinueAfter(path, error);
                                  }};
-        return descend(m_item.folder, m_item.name, m_identified.identity, rules,
-                       [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-                           return visit(folder, name, place.isFolder);
-                       });
+        return descend(m_item.folder, m_item.name, m_identified.identity, rules, visit);
     }
 
     // What had to stay when it was looked for is not asked about once more.
@@ -83,9 +86,7 @@ void removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
 } // namespace
 
 Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const& name, bool isFolder) {
-    if (isLockedIn(folder, name)) return lockedItem(name);
-    if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
-    return lastSystemError("unlink", name);
+    return isLockedIn(folder, name) ? lockedItem(name) : unlinkItem(folder, name, isFolder);
 }
 
 Result<void> confirmRemovable(OpenItem const& item) {

@@ -33,7 +33,8 @@ struct FolderState {
 // Work that one thread hands to another: the whole of a volume, or subfolders of a folder with their descendants.
 struct FolderShare {
     std::string path;
-    bool isVolumeRoot = false; // `traits` holds the mount alone, `state` and `names` nothing yet
+    // `traits` holds the mount, and whether link counts are to be used; `state` and `names` hold nothing yet.
+    bool isVolumeRoot = false;
     VolumeTraits traits;
     FolderState state;
     std::string names; // of the subfolders, each with a zero byte behind it

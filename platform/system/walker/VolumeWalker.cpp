@@ -44,7 +44,8 @@ class VolumeWalker::Walk {
 public:
     Walk(VolumeWalkRequest&& request, std::function<void()>&& onNews)
         : m_roots(std::move(request.roots)), m_packages(std::move(request.packageSuffix), std::move(request.names)),
-          m_item(std::move(request.item)), m_findings(std::move(onNews)) {}
+          m_item(std::move(request.item)), m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
+          m_findings(std::move(onNews)) {}
 
     bool start();
     void stop();
@@ -59,6 +60,7 @@ private:
     std::vector<std::string> const m_roots;
     PackageRule const m_packages;
     std::optional<SoughtItem> const m_item;
+    bool const m_usesLinkCounts;
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
@@ -108,6 +110,7 @@ void VolumeWalker::Walk::giveVolumes() {
         share.path = std::move(volume.path);
         share.isVolumeRoot = true;
         share.traits.mount = volume.mount;
+        share.traits.linkCountTellsSubfolders = m_usesLinkCounts;
         m_exchange.give(std::move(share));
     }
 }

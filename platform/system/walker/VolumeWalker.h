@@ -32,6 +32,9 @@ struct VolumeWalkRequest {
     // If set, this item is looked for: on the roots' own volumes alone, whatever is mounted below them, and in
     // packages, too, as long as the suffix is empty.
     std::optional<SoughtItem> item{};
+    // Whether folders are left out that hold no folder, where the file system tells that (FolderFacts.h). A sought item
+    // that is no folder is looked for in all of them anyway.
+    bool usesLinkCounts = true;
 };
 
 struct VolumeWalkProgress {

@@ -39,9 +39,8 @@ bool WalkWorker::openVolume(FolderShare& share) {
     std::uint64_t const mount = factsOf(share.state.folder).valueOr(FolderFacts()).mount;
     if (mount != 0 && mount != share.traits.mount) return false; // unmounted since it was listed
     share.traits.mount = mount;
-    // A file may lie in any folder, so that the rule finds folders alone.
-    bool const readsAll = m_item && !m_item->isFolder;
-    share.traits.linkCountTellsSubfolders = !readsAll && linkCountTellsSubfolders(share.state.folder);
+    share.traits.linkCountTellsSubfolders =
+        share.traits.linkCountTellsSubfolders && linkCountTellsSubfolders(share.state.folder);
     share.traits.listsItemNumbers = m_item && listsItemNumbers(share.state.folder);
     share.state.holdsMountPoints = m_mountPoints.isParentOfOne(share.path);
     m_findings.countFolder();

@@ -194,6 +194,21 @@ TEST(Finder, AFileThatOnlyItsRightsProtectIsNotLocked) {
     EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(ofItem("locked", file)).value)), "false");
 }
 
+TEST(Finder, LocksAnItemWhichThenStaysWhereItIs) {
+    ScriptHome const home;
+    std::string const file = home.path("Documents/f1.txt");
+    std::string const item = "(POSIX file \"" + file + "\")";
+    std::string const finder = "tell application \"Finder\" to ";
+    EXPECT_EQ(textResult(finder + "set locked of " + item + " to true\n\"done\""), "done");
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(ofItem("locked", file)).value)), "true");
+    EXPECT_EQ(errorNumberOf(finder + "delete " + item), -45);
+    EXPECT_EQ(errorNumberOf(finder + "move " + item + " to (path to desktop)"), -45);
+    EXPECT_EQ(errorNumberOf(finder + "set name of " + item + " to \"other.txt\""), -45);
+    EXPECT_TRUE(isThere(file));
+    EXPECT_EQ(textResult(finder + "set locked of " + item + " to false\n\"done\""), "done");
+    EXPECT_EQ(utf8FromUnits(sourceForm(outcomeOf(ofItem("locked", file)).value)), "false");
+}
+
 TEST(Finder, ShowsABundleByTheNameThatItGivesItself) {
     ScriptHome const home;
     std::string const bundle = home.folder().makeBundle(

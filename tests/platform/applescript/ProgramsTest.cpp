@@ -103,6 +103,29 @@ TEST_F(InstalledPrograms, ShowThePanesOfTheSystemPreferences) {
     EXPECT_EQ(outcomeOfRun(u"tell application \"System Preferences\" to name of current pane"), "\"Accounts\"");
 }
 
+TEST_F(InstalledPrograms, ShowTheLoginItemsOfTheCurrentDesktop) {
+    mac::test::EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "XFCE");
+    makeProgram("gnome-control-center");
+    makeProgram("xfce4-session-settings");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"System Preferences\" to set current pane to pane \"Accounts\""),
+              "pane id \"com.apple.preferences.users\" of application \"System Preferences\"");
+    EXPECT_EQ(startedLine(), "xfce4-session-settings ");
+}
+
+TEST_F(InstalledPrograms, AreThoseOfTheCurrentDesktopFirst) {
+    mac::test::EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "MATE");
+    makeProgram("gnome-control-center");
+    makeProgram("mate-control-center");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"System Preferences\" to activate"), "");
+    EXPECT_EQ(startedLine(), "mate-control-center ");
+}
+
+TEST_F(InstalledPrograms, DoNotLogOutWhereNoDesktopAsks) {
+    mac::test::EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "");
+    EXPECT_EQ(outcomeOfRun(u"tell application \"System Events\" to log out"),
+              "! System Events got an error: No desktop runs that is known to ask before it logs out. (-10004)");
+}
+
 // Another program, which never answers what scripts ask it for.
 class HangingProgram : public testing::Test {
 protected:

@@ -1,6 +1,8 @@
 #include "platform/desktop/StartedItem.h"
+#include "fuzz/AutostartTrial.h"
 #include "platform/desktop/CommandWords.h"
 #include "platform/desktop/HexText.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -120,6 +122,10 @@ TEST_F(StartedItem, LooksThroughNoMoreProgramsThanAreReal) {
     for (int index = 0; index < 100'000; ++index)
         text += "true;";
     EXPECT_NE(itemOf("sh -c '" + text + "myapp'"), "My App.app");
+}
+
+TEST(StartedItemCorpusTest, FuzzedEntriesAreReadWithoutComplaint) {
+    expectNoComplaints("AutostartFuzz", &fuzz::complaintAboutAutostart);
 }
 
 TEST(HexTextTest, IsReadBackAndOtherTextIsNot) {

@@ -20,6 +20,13 @@ inline FileDescriptor folderAt(std::string const& path) {
     return FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
+// A symbolic link itself.
+inline OpenItem itemAt(std::string const& path) {
+    Result<OpenItem> item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
+    EXPECT_TRUE(item.hasValue()) << path;
+    return item.hasValue() ? item.takeValue() : OpenItem();
+}
+
 using Transfer = Result<void, TransferProblem> (*)(ItemTransfer const&);
 inline constexpr Transfer copy = copyItem;
 inline constexpr Transfer move = moveItem;

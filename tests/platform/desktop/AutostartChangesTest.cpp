@@ -1,0 +1,177 @@
+#include "platform/desktop/AutostartChanges.h"
+#include "platform/desktop/HexText.h"
+#include "platform/desktop/StartedItem.h"
+#include "tests/platform/desktop/AutostartFolders.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/Refusals.h"
+#include <cerrno>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+class AutostartChanges : public AutostartFolders {
+protected:
+    static AutostartItem item(std::string const& fileName) {
+        for (AutostartItem& found : autostartItems().items)
+            if (found.fileName == fileName) return found;
+        return {};
+    }
+    static RemovedAutostart removed(std::string const& fileName) {
+        Result<RemovedAutostart> result = removeAutostart(item(fileName));
+        EXPECT_TRUE(result.hasValue()) << result.problem().text();
+        return result.hasValue() ? result.takeValue() : RemovedAutostart{};
+    }
+    static std::string restored(RemovedAutostart const& item) {
+        Result<std::string> name = restoreAutostart(item);
+        return name.hasValue() ? name.takeValue() : name.problem().text();
+    }
+};
+
+constexpr char Program[] = "/opt/Mirror Frame.app/Contents/Linux/Mirror Frame";
+constexpr char Bundle[] = "/opt/Mirror Frame.app";
+
+} // namespace
+
+TEST_F(AutostartChanges, ANewEntryIsANewFileThatStartsTheProgram) {
+    Result<std::string> const name = addAutostart({.program = Program, .item = Bundle, .order = 3, .note = "00ff"});
+    ASSERT_TRUE(name.hasValue());
+    EXPECT_EQ(name.value(), "framekeeper-mirror-frame.desktop");
+    AutostartItem const added = item(name.value());
+    EXPECT_EQ(added.entry.command, std::string("\"") + Program + "\"");
+    EXPECT_EQ(added.started, Bundle);
+    ASSERT_TRUE(added.entry.own.has_value());
+    EXPECT_EQ(added.entry.own->order, 3u);
+    EXPECT_EQ(added.entry.own->note, "00ff");
+}
+
+TEST_F(AutostartChanges, ANewEntryTakesNoNameThatAFolderHas) {
+    addOfUser("framekeeper-mirror-frame.desktop", "no entry");
+    addOfSystem("framekeeper-mirror-frame-2.desktop", entry("/bin/a"));
+    EXPECT_EQ(addAutostart({.program = Program, .item = Bundle}).valueOr(""), "framekeeper-mirror-frame-3.desktop");
+    EXPECT_EQ(contentsOf(pathOfUser("framekeeper-mirror-frame.desktop")), "no entry");
+}
+
+TEST_F(AutostartChanges, AProgramThatDesktopsReadDifferentlyIsStartedByTheLauncher) {
+    for (char const* const name : {"\"", "$x", "50%", "it's", "a=b", "a\\b", "`", "\t", "\n", "\x7F", "\xFF"}) {
+        std::string const program = std::string("/opt/") + name + "/Mirror Frame.app/Contents/Linux/m";
+        Result<std::string> const file = addAutostart({.program = program, .item = Bundle});
+        ASSERT_TRUE(file.hasValue());
+        EXPECT_EQ(item(file.value()).entry.command, "\"" + loginLauncherPath() + "\" " + hexTextOf(program));
+        EXPECT_EQ(item(file.value()).started, std::string("/opt/") + name + "/Mirror Frame.app");
+    }
+    EXPECT_TRUE(isReadAlikeByDesktops("/a b!#&()*+,-./:;<>?@[]^_{|}~\xC3\xA4"));
+}
+
+TEST_F(AutostartChanges, ARemovedEntryComesBackAsItWas) {
+    std::string const text = entry("/bin/true") + "# a comment\nX-Other=kept\n";
+    addOfUser("a.desktop", text);
+    addOfUser("b.desktop", entry("/bin/b"));
+    RemovedAutostart const gone = removed("a.desktop");
+    EXPECT_EQ(namesOfUser(), Names{"b.desktop"});
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), text);
+}
+
+TEST_F(AutostartChanges, ARemovedLinkComesBackAndItsFileStays) {
+    std::string const file = m_folder.makeFile("elsewhere/a.desktop", entry("/bin/true"));
+    addOfUser("b.desktop", entry("/bin/b"));
+    ASSERT_EQ(::symlink(file.c_str(), pathOfUser("a.desktop").c_str()), 0);
+    RemovedAutostart const gone = removed("a.desktop");
+    EXPECT_EQ(items(), Names{"b"});
+    EXPECT_EQ(contentsOf(file), entry("/bin/true"));
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(std::filesystem::read_symlink(pathOfUser("a.desktop")), file);
+}
+
+TEST_F(AutostartChanges, AnEntryOfTheSystemIsHiddenAndShownAgain) {
+    addOfSystem("a.desktop", entry("/bin/true"));
+    RemovedAutostart const gone = removed("a.desktop");
+    EXPECT_EQ(items(), Names());
+    EXPECT_NE(contentsOf(pathOfUser("a.desktop")).find("Hidden=true"), std::string::npos);
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(items(), Names{"a"});
+    EXPECT_EQ(namesOfUser(), Names());
+}
+
+TEST_F(AutostartChanges, AnEntryInPlaceOfTheSystemsIsRemovedWithoutShowingThat) {
+    addOfUser("a.desktop", entry("/bin/user"));
+    addOfSystem("a.desktop", entry("/bin/system"));
+    RemovedAutostart const gone = removed("a.desktop");
+    EXPECT_EQ(items(), Names());
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), entry("/bin/user"));
+}
+
+TEST_F(AutostartChanges, ALinkInPlaceOfTheSystemsIsRemovedWithoutShowingThat) {
+    std::string const file = m_folder.makeFile("elsewhere/a.desktop", entry("/bin/user"));
+    addOfSystem("a.desktop", entry("/bin/system"));
+    m_folder.makeFolder("config/autostart");
+    ASSERT_EQ(::symlink(file.c_str(), pathOfUser("a.desktop").c_str()), 0);
+    RemovedAutostart const gone = removed("a.desktop");
+    EXPECT_EQ(items(), Names());
+    EXPECT_EQ(contentsOf(file), entry("/bin/user"));
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(std::filesystem::read_symlink(pathOfUser("a.desktop")), file);
+}
+
+TEST_F(AutostartChanges, AnEntryThatChangedSinceItWasReadStays) {
+    addOfUser("a.desktop", entry("/bin/one"));
+    addOfUser("b.desktop", entry("/bin/one"));
+    addOfSystem("b.desktop", entry("/bin/system"));
+    AutostartItem const first = item("a.desktop");
+    AutostartItem const second = item("b.desktop");
+    addOfUser("a.desktop", entry("/bin/another"));
+    addOfUser("b.desktop", entry("/bin/another"));
+    EXPECT_EQ(removeAutostart(first).problem().code, ESTALE);
+    EXPECT_EQ(removeAutostart(second).problem().code, ESTALE);
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), entry("/bin/another"));
+    EXPECT_EQ(contentsOf(pathOfUser("b.desktop")), entry("/bin/another"));
+}
+
+TEST_F(AutostartChanges, AnItemThatTookTheNameMeanwhileStays) {
+    addOfUser("a.desktop", entry("/bin/one"));
+    addOfSystem("s.desktop", entry("/bin/system"));
+    RemovedAutostart const gone = removed("a.desktop");
+    RemovedAutostart const hidden = removed("s.desktop");
+    addOfUser("a.desktop", entry("/bin/another"));
+    addOfUser("s.desktop", entry("/bin/another"));
+    EXPECT_EQ(restored(gone), "a-2.desktop");
+    EXPECT_EQ(restoreAutostart(hidden).problem().code, ESTALE);
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), entry("/bin/another"));
+    EXPECT_EQ(contentsOf(pathOfUser("a-2.desktop")), entry("/bin/one"));
+    EXPECT_EQ(contentsOf(pathOfUser("s.desktop")), entry("/bin/another"));
+}
+
+TEST_F(AutostartChanges, AFolderThatMayNotBeWrittenLosesNothing) {
+    addOfUser("a.desktop", entry("/bin/one"));
+    addOfSystem("s.desktop", entry("/bin/system"));
+    std::string const folder = m_folder.path("config/autostart");
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    {
+        OrdinaryUser const user;
+        EXPECT_FALSE(addAutostart({.program = Program, .item = Bundle}).hasValue());
+        EXPECT_FALSE(removeAutostart(item("a.desktop")).hasValue());
+        EXPECT_FALSE(removeAutostart(item("s.desktop")).hasValue());
+    }
+    EXPECT_EQ(items(), (Names{"a", "s"}));
+    EXPECT_EQ(namesOfUser(), Names{"a.desktop"});
+}
+
+TEST_F(AutostartChanges, AFileInPlaceOfTheFolderIsTold) {
+    m_folder.makeFile("config/autostart", "no folder");
+    EXPECT_FALSE(addAutostart({.program = Program, .item = Bundle}).hasValue());
+    EXPECT_EQ(contentsOf(m_folder.path("config/autostart")), "no folder");
+}
+
+TEST_F(AutostartChanges, AWritingThatTheDiskRefusesLeavesNoFile) {
+    m_folder.makeFolder("config/autostart");
+    withRefusedCall(SYS_fsync, EIO,
+                    [] { EXPECT_FALSE(addAutostart({.program = Program, .item = Bundle}).hasValue()); });
+    EXPECT_EQ(namesOfUser(), Names());
+}
+
+} // namespace mac::test

@@ -1,0 +1,145 @@
+#include "platform/system/items/ItemRemoval.h"
+#include "platform/system/items/ItemLock.h"
+#include "tests/platform/system/items/ItemTransfers.h"
+#include "tests/support/ErrorCode.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/PrivateMounts.h"
+
+namespace mac::test {
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+int errorOfRemoval(std::string const& path, RemovalQuestions const& questions = {}) {
+    return codeOf(removeItem(itemAt(path), questions));
+}
+
+class ItemRemoval : public PrivateMounts {
+protected:
+    ItemRemoval() { makeTree(m_folder, "tree"); }
+
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(ItemRemoval, RemovesAFolderWithOneOfEachInIt) {
+    m_folder.makeFile("file", "");
+    m_folder.makeFile("._file", AppleDouble);
+    m_folder.makeFile("._stray", "");
+    Names told;
+    EXPECT_EQ(
+        errorOfRemoval(m_folder.path("tree"), {.willRemove = [&](std::string const& path) { told.push_back(path); }}),
+        0);
+    std::ranges::sort(told);
+    EXPECT_EQ(told, (Names{"tree", "tree/file \xFF", "tree/inner", "tree/inner/deep.txt", "tree/link", "tree/pipe"}));
+    EXPECT_EQ(errorOfRemoval(m_folder.path("file")), 0);
+    EXPECT_EQ(namesIn(m_folder.path()), Names{"._stray"});
+    EXPECT_EQ(codeOf(removeItem(itemAt("/"))), EBUSY);
+}
+
+TEST_F(ItemRemoval, RemovesNothingIfOneItemIsLocked) {
+    OpenItem const deep = itemAt(m_folder.path("tree/inner/deep.txt"));
+    ASSERT_TRUE(setLock(deep, ItemLock::Locked).isDone());
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), ItemIsLocked);
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree/inner/deep.txt")), ItemIsLocked);
+    expectTree(m_folder.path("tree"));
+    ASSERT_TRUE(setLock(deep, ItemLock::Unlocked).isDone());
+    ASSERT_TRUE(setLock(itemAt(m_folder.path("tree")), ItemLock::Locked).isDone());
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), ItemIsLocked);
+    expectTree(m_folder.path("tree"));
+    ASSERT_TRUE(setLock(itemAt(m_folder.path("tree")), ItemLock::Unlocked).isDone());
+}
+
+TEST_F(ItemRemoval, GoesOnWhereItIsToldTo) {
+    OpenItem const deep = itemAt(m_folder.path("tree/inner/deep.txt"));
+    ASSERT_TRUE(setLock(deep, ItemLock::Locked).isDone());
+    std::vector<std::pair<std::string, int>> told;
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree"), {.shouldContinueAfter =
+                                                         [&](std::string const& path, SystemError const& error) {
+                                                             told.emplace_back(path, error.code);
+                                                             return true;
+                                                         }}),
+              ItemIsLocked);
+    EXPECT_EQ(told, (std::vector<std::pair<std::string, int>>{
+                        {"tree/inner/deep.txt", ItemIsLocked}, {"tree/inner", ENOTEMPTY}, {"tree", ENOTEMPTY}}));
+    EXPECT_EQ(namesIn(m_folder.path("tree")), Names{"inner"});
+    EXPECT_EQ(textOf(m_folder.path("tree/inner/deep.txt")), "deep");
+    ASSERT_TRUE(setLock(deep, ItemLock::Unlocked).isDone());
+}
+
+TEST_F(ItemRemoval, EndsAtTheFirstFailure) {
+    std::string const stopped = "tree/inner/deep.txt";
+    Names told;
+    RemovalQuestions const questions{.willRemove = [&](std::string const& path) {
+        told.push_back(path);
+        // Becomes a folder at the last moment.
+        if (path != stopped) return;
+        ASSERT_EQ(::unlink(m_folder.path(path).c_str()), 0);
+        m_folder.makeFile(path + "/another", "kept");
+    }};
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree"), questions), EISDIR);
+    EXPECT_EQ(told.back(), stopped);
+    EXPECT_EQ(textOf(m_folder.path(stopped + "/another")), "kept");
+}
+
+TEST_F(ItemRemoval, LeavesAnItemThatTookThePlace) {
+    OpenItem const item = itemAt(m_folder.path("tree"));
+    ASSERT_EQ(::rename(m_folder.path("tree").c_str(), m_folder.path("moved").c_str()), 0);
+    EXPECT_EQ(codeOf(removeItem(item)), ENOENT);
+    m_folder.makeFile("tree/another", "kept");
+    EXPECT_EQ(codeOf(removeItem(item)), ESTALE);
+    OpenItem const file = itemAt(m_folder.path("tree/another"));
+    ASSERT_EQ(::rename(m_folder.path("tree/another").c_str(), m_folder.path("tree/first").c_str()), 0);
+    m_folder.makeFile("tree/another", "second");
+    EXPECT_EQ(codeOf(removeItem(file)), ESTALE);
+    EXPECT_EQ(namesIn(m_folder.path("tree")), (Names{"another", "first"}));
+    expectTree(m_folder.path("moved"));
+}
+
+TEST_F(ItemRemoval, FollowsNoLinkThatTookAFoldersPlace) {
+    m_folder.makeFile("elsewhere/file", "kept");
+    bool isReplaced = false;
+    RemovalQuestions const questions{.willRemove = [&](std::string const&) {
+        if (isReplaced) return;
+        isReplaced = true;
+        ASSERT_EQ(::rename(m_folder.path("tree/inner").c_str(), m_folder.path("inner").c_str()), 0);
+        ASSERT_EQ(::symlink("../elsewhere", m_folder.path("tree/inner").c_str()), 0);
+    }};
+    static_cast<void>(removeItem(itemAt(m_folder.path("tree")), questions));
+    EXPECT_TRUE(isReplaced);
+    EXPECT_EQ(textOf(m_folder.path("elsewhere/file")), "kept");
+}
+
+TEST_F(ItemRemoval, RemovesNothingAroundAMountPoint) {
+    mountMemory(m_folder.path("tree/inner"));
+    m_folder.makeFile("tree/inner/file", "mounted");
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), EBUSY);
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree/inner")), EBUSY);
+    EXPECT_EQ(textOf(m_folder.path("tree/inner/file")), "mounted");
+    EXPECT_EQ(namesIn(m_folder.path("tree")).size(), 4U);
+}
+
+TEST_F(ItemRemoval, NeedsNoPermissionToListTheFolderAboveAFile) {
+    m_folder.makeFile("box/file", "");
+    for (char const* const name : {"", "box", "box/file", "tree", "tree/inner"})
+        OrdinaryUser::own(m_folder.path(name));
+    ASSERT_EQ(::chmod(m_folder.path("box").c_str(), 0300), 0);
+    ASSERT_EQ(::chmod(m_folder.path("tree/inner").c_str(), 0), 0);
+    OrdinaryUser const user;
+    EXPECT_EQ(errorOfRemoval(m_folder.path("box/file")), 0);
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), EACCES);
+    EXPECT_EQ(namesIn(m_folder.path("tree")).size(), 4U) << "nothing went before it";
+}
+
+TEST_F(ItemRemoval, RemovesNothingOnAReadOnlyVolume) {
+    TemporaryFolder const point;
+    mountMemory(point.path());
+    point.makeFile("folder/file", "contents");
+    makeReadOnly(point.path());
+    EXPECT_EQ(errorOfRemoval(point.path("folder")), EROFS);
+    EXPECT_EQ(textOf(point.path("folder/file")), "contents");
+}
+
+} // namespace
+
+} // namespace mac::test
