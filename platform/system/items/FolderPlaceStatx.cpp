@@ -68,6 +68,7 @@ ItemPlace placeIn(struct statx const& status) {
     place.mode = status.stx_mode;
     place.isFolder = S_ISDIR(status.stx_mode);
     place.isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    place.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
     return place;
 }
 
@@ -81,7 +82,6 @@ Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& fold
     Result<PlacedFolder> current = placed(openFolder(folder, ".", O_PATH));
     std::vector<ItemIdentity> identities;
     while (current.hasValue()) {
-    place.isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
         identities.push_back(current.value().place.identity);
         Result<PlacedFolder> above = folderAbove(current.value().folder);
         if (above.hasValue() && isSamePlace(above.value().place, current.value().place)) return identities;
