@@ -16,13 +16,13 @@ namespace {
 // For the command that tells whether the user wants to be asked.
 constexpr int LongestQuestion = 3'000;
 
-QString qtText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+QString busText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 DesktopProblem refusal(std::string text) { return {DesktopProblem::Kind::Refused, std::move(text)}; }
 
 // Whether the command prints that the desktop would log out unasked. A desktop asks as long as nothing else is set.
 bool isQuestionSwitchedOff(QuestionSetting command) {
-    QStringList words = qtText(command).split(' ', Qt::SkipEmptyParts);
+    QStringList words = busText(command).split(' ', Qt::SkipEmptyParts);
     if (words.isEmpty() || !resolvedProgram(words.first().toStdString())) return false;
     QProcess process;
     process.setStandardErrorFile(QProcess::nullDevice());
@@ -61,8 +61,8 @@ DesktopOutcome sendLogOut(LogOutCall const& call, std::chrono::milliseconds long
     requireEventLoop();
     std::optional<QDBusConnection> const bus = connectToSessionBus();
     if (!bus) return DesktopProblem{DesktopProblem::Kind::NoBus, "There is no session bus"};
-    QDBusMessage message = QDBusMessage::createMethodCall(qtText(call.service), qtText(call.path),
-                                                          qtText(call.interface), qtText(call.method));
+    QDBusMessage message = QDBusMessage::createMethodCall(busText(call.service), busText(call.path),
+                                                          busText(call.interface), busText(call.method));
     message.setArguments(argumentsOf(call));
     QDBusMessage const answer = bus->call(message, QDBus::Block, static_cast<int>(longest.count()));
     if (answer.type() == QDBusMessage::ReplyMessage) return {};
@@ -76,7 +76,7 @@ std::optional<std::string> obstacleOfCall(LogOutCall const& call) {
     requireEventLoop();
     std::optional<QDBusConnection> const bus = connectToSessionBus();
     if (!bus) return "There is no session bus to reach the session manager by";
-    if (!isServiceThere(*bus, qtText(call.service))) return "The desktop's session manager does not run";
+    if (!isServiceThere(*bus, busText(call.service))) return "The desktop's session manager does not run";
     return std::nullopt;
 }
 
