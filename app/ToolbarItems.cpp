@@ -30,7 +30,7 @@ NSURL urlOfItem(id const& item) {
 }
 
 // Nil for an item that points at no copy of the companion.
-NSString pathOfCopy(id const& item) {
+NSString pathOfCopyInItem(id const& item) {
     NSString const path = urlOfItem(item).path().stringByStandardizingPath();
     bool const isCopy =
         path.length() > 0 && path.lastPathComponent().caseInsensitiveCompare_(CompanionFileName) == NSOrderedSame;
@@ -69,7 +69,7 @@ void AppController::syncIsInToolbar() const {
     NSMutableSet const entries = NSMutableSet::set();
     for (NSUInteger index = 0; index < items.count(); ++index) {
         id const item = items.objectAtIndex_(index);
-        NSString const path = pathOfCopy(item);
+        NSString const path = pathOfCopyInItem(item);
         if (path == nil) continue;
         entries.addObject_(NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", item, "toolbarItem"}));
     }

@@ -6,17 +6,17 @@ namespace mac {
 
 namespace {
 
-using Names = std::vector<std::pair<std::string, std::string>>;
+using EntryNames = std::vector<std::pair<std::string, std::string>>;
 
-Names namesOf(std::vector<PlaceEntry> const& entries) {
-    Names names;
+EntryNames namesOf(std::vector<PlaceEntry> const& entries) {
+    EntryNames names;
     for (PlaceEntry const& entry : entries)
         names.emplace_back(entry.uri, entry.label);
     return names;
 }
 
 // Whether the text reads as these entries and no others.
-bool readsAs(PlacesFormat const& format, std::string_view text, Names const& names) {
+bool readsAs(PlacesFormat const& format, std::string_view text, EntryNames const& names) {
     Result<PlaceEntries, Failure> const read = format.read(text);
     return read.hasValue() && namesOf(read.value().entries) == names;
 }
@@ -25,7 +25,7 @@ bool readsAs(PlacesFormat const& format, std::string_view text, Names const& nam
 std::optional<std::string> textWith(PlacesFormat const& format, std::string_view text, PlaceEntries const& old,
                                     std::size_t position, RemovedEntry const& entry) {
     if (position > text.size()) return std::nullopt;
-    Names names = namesOf(old.entries);
+    EntryNames names = namesOf(old.entries);
     auto const isBefore = [&](PlaceEntry const& each) { return each.end <= position; };
     auto const count = std::ranges::count_if(old.entries, isBefore);
     names.emplace(names.begin() + count, entry.uri, entry.label);
@@ -33,7 +33,7 @@ std::optional<std::string> textWith(PlacesFormat const& format, std::string_view
     return readsAs(format, result, names) ? std::optional(std::move(result)) : std::nullopt;
 }
 
-PlaceEntry const* nearestOf(Names const& names, PlaceEntries const& entries) {
+PlaceEntry const* nearestOf(EntryNames const& names, PlaceEntries const& entries) {
     for (auto const& [uri, label] : names) {
         for (PlaceEntry const& entry : entries.entries) {
             if (entry.uri == uri && entry.label == label) return &entry;
@@ -63,15 +63,15 @@ Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::strin
     std::vector<PlaceEntry> const& entries = read.value().entries;
     if (index >= entries.size()) return Failure{"there is no such entry"};
     PlaceEntry const& entry = entries[index];
-    Names names = namesOf(entries);
+    EntryNames names = namesOf(entries);
     auto const position = names.begin() + static_cast<std::ptrdiff_t>(index);
     RemovedEntry removed{.uri = entry.uri,
                          .label = entry.label,
                          .text = text.substr(entry.begin, entry.end - entry.begin),
                          .before = text.substr(0, entry.begin),
                          .after = text.substr(entry.end),
-                         .entriesBefore = Names(names.begin(), position),
-                         .entriesAfter = Names(position + 1, names.end())};
+                         .entriesBefore = EntryNames(names.begin(), position),
+                         .entriesAfter = EntryNames(position + 1, names.end())};
     std::ranges::reverse(removed.entriesBefore);
     names.erase(position);
     std::string rest = removed.before + removed.after;

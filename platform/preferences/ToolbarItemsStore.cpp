@@ -13,7 +13,7 @@ namespace mac {
 namespace {
 
 // How many removed places can come back.
-constexpr std::size_t MostRemoved = 100;
+constexpr std::size_t MostRestorable = 100;
 // A full URL.
 constexpr std::int32_t FullURL = 15;
 
@@ -187,8 +187,8 @@ std::vector<RemovedPlace> ToolbarItemsStore::takeRemoved(std::vector<Item>& miss
 
 void ToolbarItemsStore::remember(PlacesOutcome const& outcome, std::vector<Item> meant) {
     std::ranges::copy(outcome.removed, std::back_inserter(m_removed));
-    if (m_removed.size() > MostRemoved)
-        m_removed.erase(m_removed.begin(), m_removed.end() - static_cast<std::ptrdiff_t>(MostRemoved));
+    if (m_removed.size() > MostRestorable)
+        m_removed.erase(m_removed.begin(), m_removed.end() - static_cast<std::ptrdiff_t>(MostRestorable));
     m_known = readPlaces().places;
     std::erase_if(m_known, [&](Place const& place) {
         std::optional<Item> const item = itemOf(place);
