@@ -150,7 +150,8 @@ private:
 
         Done const followed = m_sidecar ? moveSidecar(sidecar, sidecarName) : Done();
         if (!followed.isDone()) return takeBack(reservation, followed.problem(), name);
-        ::fsync(m_trash.files.number());
+        // The moves need not be on the disk: if the system fails now, the item is where it was, or in the trash with
+        // its record, which was written first.
         tell(TrashStep::AllMoved);
         return {};
     }

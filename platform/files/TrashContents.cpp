@@ -5,6 +5,7 @@
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <set>
 
@@ -57,32 +58,33 @@ Result<PlaceInTrash, TrashProblem> placeIn(TrashPlace const& trash, std::string 
 
 } // namespace
 
-Result<std::vector<ListedItem>> itemsInTrash(TrashPlace const& trash) {
+Result<ListedTrash> itemsInTrash(TrashPlace const& trash) {
     Result<std::vector<std::string>> const names = namesInOpenFolder(trash.files);
     if (!names.hasValue()) return names.problem();
     std::set<std::string> const known(names.value().begin(), names.value().end());
     std::set<std::string> sidecars;
-    std::vector<ListedItem> items;
+    ListedTrash listed;
     for (std::string const& name : names.value()) {
         Result<TrashedItem> item = itemInTrash(trash, name);
+        if (!item.hasValue() && !item.problem().is(ENOENT)) listed.problems.push_back(item.problem());
         if (!item.hasValue()) continue;
         std::optional<TrashedSidecar> sidecar;
         if (known.contains(AppleDoubleSidecar::nameFor(name))) sidecar = listedSidecar(trash, name);
         if (sidecar) sidecars.insert(sidecar->name);
-        items.push_back({item.takeValue(), std::move(sidecar)});
+        listed.items.push_back({item.takeValue(), std::move(sidecar)});
     }
-    std::erase_if(items, [&sidecars](ListedItem const& listed) {
-        return sidecars.contains(std::string(BytePath(listed.item.path).leaf()));
+    std::erase_if(listed.items, [&sidecars](ListedItem const& item) {
+        return sidecars.contains(std::string(BytePath(item.item.path).leaf()));
     });
-    return items;
+    return listed;
 }
 
 std::vector<TrashedItem> trashedItems() {
     std::vector<TrashedItem> items;
     for (TrashPlace const& trash : trashesOfUser().trashes) {
-        Result<std::vector<ListedItem>> here = itemsInTrash(trash);
+        Result<ListedTrash> here = itemsInTrash(trash);
         if (!here.hasValue()) continue;
-        for (ListedItem& listed : here.value())
+        for (ListedItem& listed : here.value().items)
             items.push_back(std::move(listed.item));
     }
     std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);

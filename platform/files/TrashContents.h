@@ -21,7 +21,13 @@ struct ListedItem {
     std::optional<TrashedSidecar> sidecar{};
 };
 
-// The items in the trash, sorted by the bytes of their names.
-Result<std::vector<ListedItem>> itemsInTrash(TrashPlace const& trash);
+struct ListedTrash {
+    // Sorted by the bytes of their names.
+    std::vector<ListedItem> items{};
+    // Why items that are there could not be looked at; one problem for each.
+    std::vector<SystemError> problems{};
+};
+
+Result<ListedTrash> itemsInTrash(TrashPlace const& trash);
 
 } // namespace mac

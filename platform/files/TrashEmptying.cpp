@@ -43,9 +43,11 @@ public:
 
 private:
     void empty(TrashPlace const& trash) {
-        Result<std::vector<ListedItem>> const items = itemsInTrash(trash);
-        if (!items.hasValue()) return countLeft(items.problem());
-        for (ListedItem const& item : items.value()) {
+        Result<ListedTrash> const listed = itemsInTrash(trash);
+        if (!listed.hasValue()) return countLeft(listed.problem());
+        for (SystemError const& problem : listed.value().problems)
+            countLeft(problem);
+        for (ListedItem const& item : listed.value().items) {
             Result<void> const erased = eraseWithSidecar(trash, item);
             if (erased.isDone())
                 ++m_emptied.removed;

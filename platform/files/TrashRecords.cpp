@@ -88,7 +88,9 @@ Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, s
 }
 
 void removeInformation(TrashPlace const& trash, std::string const& name) {
-    ::unlinkat(trash.information.number(), TrashInformation::nameFor(name).c_str(), 0);
+    std::string const file = TrashInformation::nameFor(name);
+    while (::unlinkat(trash.information.number(), file.c_str(), 0) != 0 && errno == EINTR)
+        ;
 }
 
 Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name) {

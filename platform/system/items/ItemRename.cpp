@@ -27,6 +27,9 @@ Result<bool> isAppleDouble(OpenSidecar const& sidecar) {
     std::array<std::byte, appledouble::HeaderSize> head{};
     ssize_t const length = ::pread(file.number(), head.data(), head.size(), 0);
     if (length < 0) return lastSystemError("read", sidecar.name);
+    // Less than there is tells nothing.
+    bool const isCut = length < std::ssize(head) && length < status.st_size;
+    if (isCut) return SystemError{.code = EIO, .operation = "read", .item = sidecar.name};
     return length == std::ssize(head) && bigEndian32(head, 0) == appledouble::Magic &&
            bigEndian32(head, 4) == appledouble::Version;
 }

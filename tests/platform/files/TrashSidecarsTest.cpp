@@ -222,6 +222,18 @@ TEST_F(TrashWithSidecar, IsNotCalledEmptyWhereTheTrashIsClosed) {
     expectInTrash();
 }
 
+TEST_F(TrashWithSidecar, IsNotCalledErasedWhereItCannotBeLookedAt) {
+    OrdinaryUser const user;
+    trash();
+    ASSERT_EQ(::chmod(m_home.files().c_str(), 0600), 0);
+    EmptiedTrash const emptied = emptyTrash();
+    EXPECT_EQ(emptied.removed, 0U);
+    EXPECT_EQ(emptied.left, 1U) << "the trash cannot be listed";
+    EXPECT_EQ(emptied.firstProblem.kind, TrashProblem::NotAllowed);
+    ASSERT_EQ(::chmod(m_home.files().c_str(), 0700), 0);
+    expectInTrash();
+}
+
 TEST_F(TrashWithSidecar, IsThereAlsoIfItCannotBeLookedAtThen) {
     ASSERT_EQ(::unlink(m_sidecar.c_str()), 0);
     Result<TrashedItem, TrashProblem> trashed = TrashProblem();
