@@ -121,6 +121,7 @@ std::vector<std::string> autostartFolders() {
 AutostartItems autostartItems() {
     AutostartItems found;
     std::set<std::string> seen;
+    ResolvedFolders programFolders;
     AutostartRules const& rules = currentAutostartRules();
     std::vector<std::string> const folders = autostartFolders();
     knownFiles().beginRead();
@@ -131,7 +132,7 @@ AutostartItems autostartItems() {
             bool const isFirst = seen.insert(item.fileName).second;
             if (!isFirst || item.entry.standing != AutostartEntry::Standing::Starts) continue;
             item.isOfUser = folder == folders.front();
-            item.started = itemStartedBy(item.entry.command);
+            item.started = itemStartedBy(item.entry.command, programFolders);
             if (!item.started.empty()) found.items.push_back(std::move(item));
         }
     }

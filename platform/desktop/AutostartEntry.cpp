@@ -20,6 +20,7 @@ bool isAnyOf(std::vector<std::string_view> const& words, std::string const& word
 }
 
 bool namesThisDesktop(DesktopEntry::Words const& names, AutostartRules const& rules) {
+    if (names.empty()) return false;
     std::vector<std::string> const current = currentDesktops();
     return std::ranges::any_of(names, [&](std::string const& name) {
         return std::ranges::any_of(current, [&](std::string const& desktop) {

@@ -7,7 +7,9 @@
 #include "platform/system/LongPath.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <span>
+#include <unistd.h>
 
 namespace mac {
 
@@ -50,20 +52,22 @@ bool isBundleName(std::string_view name) {
 // Finds what one command line starts.
 class StartedItemSearch {
 public:
+    explicit StartedItemSearch(ResolvedFolders& folders) : m_folders(folders) {}
+
     // Empty if nothing is started.
     std::string itemOf(std::span<std::string const> words);
 
 private:
     struct Program {
-        // Absolute if it was found.
+        // Absolute if it was given so or found.
         std::string path{};
         // The bundle that it lies in; empty without one.
         std::string bundle{};
-        bool isThere{false};
     };
 
     bool mayLook() { return ++m_looks <= MostLooks; }
     Program programOf(std::string const& word) const;
+    std::string resolvedProgramPath(std::string const& path) const;
     std::string itemBehindStarter(std::span<std::string const> arguments);
     std::string itemOfShell(std::span<std::string const> arguments);
     std::string itemOfShellText(std::string const& text);
@@ -71,7 +75,19 @@ private:
     // The folder that a shell's text went to; empty if unknown.
     std::string m_folder{};
     int m_looks{0};
+    ResolvedFolders& m_folders;
 };
+
+// With symbolic links followed; empty if nothing is there. Its folder is resolved once for all programs in it.
+std::string StartedItemSearch::resolvedProgramPath(std::string const& path) const {
+    BytePath const program(path);
+    auto const [folder, isNew] = m_folders.try_emplace(std::string(program.parent()));
+    if (isNew) folder->second = resolvedPath(folder->first);
+    std::string resolved = BytePath(folder->second).joined(program.leaf());
+    char first = 0;
+    if (::readlink(resolved.c_str(), &first, 1) >= 0) return resolvedPath(resolved);
+    return errno == EINVAL ? resolved : std::string();
+}
 
 StartedItemSearch::Program StartedItemSearch::programOf(std::string const& word) const {
     Program program{.path = word};
@@ -80,8 +96,12 @@ StartedItemSearch::Program StartedItemSearch::programOf(std::string const& word)
     if (program.path.find("/..") != std::string::npos) program.path = resolvedPath(program.path);
     if (isPath) program.bundle = bundleAround(program.path);
     if (!program.bundle.empty()) return program;
+    if (program.path.starts_with('/')) {
+        std::string const resolved = resolvedProgramPath(program.path);
+        program.bundle = bundleAround(resolved);
+        return program;
+    }
     std::optional<std::string> const found = resolvedProgram(program.path);
-    program.isThere = found.has_value();
     if (!found) return program;
     program.bundle = bundleAround(*found);
     if (!isPath) program.path = *found;
@@ -98,7 +118,7 @@ std::string StartedItemSearch::itemBehindStarter(std::span<std::string const> ar
             Program const program = programOf(word);
             bool const isFile = word.find('/') != std::string::npos && pathExists(program.path);
             if (!program.bundle.empty()) return program.bundle;
-            if (program.isThere) return itemOf(arguments);
+            if (resolvedProgram(program.path)) return itemOf(arguments);
             // An interpreter's script need not be executable.
             if (isFile) return program.path;
         }
@@ -162,9 +182,14 @@ std::string_view bundleAround(std::string_view path) {
     return {};
 }
 
-std::string itemStartedBy(std::string_view commandLine) {
+std::string itemStartedBy(std::string_view commandLine, ResolvedFolders& folders) {
     std::optional<CommandWords> const words = wordsOfEntryCommand(commandLine);
-    return words ? StartedItemSearch().itemOf(*words) : std::string();
+    return words ? StartedItemSearch(folders).itemOf(*words) : std::string();
+}
+
+std::string itemStartedBy(std::string_view commandLine) {
+    ResolvedFolders folders;
+    return itemStartedBy(commandLine, folders);
 }
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,10 @@ namespace mac {
 // interpreter) is looked through, and so are symbolic links to a program in a bundle. Reads nothing but the file
 // system's names; how many is bounded. Bytes; for implementations, any thread.
 std::string itemStartedBy(std::string_view commandLine);
+
+// The folders of programs that were resolved for other command lines before, so that many are read quickly.
+using ResolvedFolders = std::map<std::string, std::string>;
+std::string itemStartedBy(std::string_view commandLine, ResolvedFolders& folders);
 
 // The bundle that the path leads into: "/a/NAME.app" for "/a/NAME.app/Contents/Linux/name". Of bundles in each other
 // the innermost. Empty for a path that lies in no bundle, also for the bundle's own.
