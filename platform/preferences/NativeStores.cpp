@@ -8,6 +8,10 @@ namespace mac {
 namespace {
 
 constexpr auto Stores = std::to_array<NativeStore>({
+    {.domain = "com.apple.finder",
+     .key = "FXToolbarItems",
+     .read = ToolbarItemsStore::readItems,
+     .write = ToolbarItemsStore::writeItems},
     {.domain = "loginwindow",
      .key = "AutoLaunchedApplicationDictionary",
      .read = readLoginItems,
