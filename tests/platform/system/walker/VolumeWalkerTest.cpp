@@ -62,7 +62,7 @@ protected:
             struct stat status {};
             ASSERT_EQ(::lstat(entry.path().c_str(), &status), 0);
             EXPECT_EQ(pathsOfItem(top, status.st_ino, S_ISDIR(status.st_mode)), Paths{entry.path()});
-            if (++count == 200) return;
+            if (++count == 60) return;
         }
         EXPECT_GT(count, 20U);
     }
