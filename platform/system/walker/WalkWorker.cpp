@@ -21,7 +21,7 @@ void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
         if (share->isVolumeRoot && !openVolume(*share)) continue;
         m_volume = share->traits;
-        if (m_item) m_reader.seek(m_item->inode, m_volume.listsItemNumbers);
+        if (m_item && !m_item->isFolder) m_reader.seek(m_item->inode, m_volume.listsItemNumbers);
         m_stack.begin(std::move(*share));
         while (!m_stack.isEmpty() && !m_exchange.isOver())
             step();

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -51,6 +52,51 @@ TEST_P(RandomTrees, AreListedAsFindListsThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(VolumeWalker, RandomTrees, testing::Range(std::uint64_t{1}, std::uint64_t{21}));
+
+class SoughtItems : public testing::Test {
+protected:
+    // Every item in a tree, sought by its number, is found by its path alone.
+    static void expectEachToBeFound(std::string const& top) {
+        std::size_t count = 0;
+        for (auto const& entry : std::filesystem::recursive_directory_iterator(top)) {
+            struct stat status {};
+            ASSERT_EQ(::lstat(entry.path().c_str(), &status), 0);
+            EXPECT_EQ(pathsOfItem(top, status.st_ino, S_ISDIR(status.st_mode)), Paths{entry.path()});
+            if (++count == 60) return;
+        }
+        EXPECT_GT(count, 20U);
+    }
+    static Paths pathsOfItem(std::string const& top, std::uint64_t inode, bool isFolder) {
+        SoughtItem const item{.inode = inode, .isFolder = isFolder, .accepts = [](auto&&...) { return true; }};
+        return pathsOfWalk({.roots = {top}, .packageSuffix = "", .item = item});
+    }
+};
+
+TEST_F(SoughtItems, AreFoundByTheirNumber) {
+    TemporaryFolder const folder;
+    makeRandomTree(folder.path(), 7);
+    folder.makeFile("A.app/Contents/file", "");
+    ASSERT_EQ(::symlink("nowhere", folder.path("A.app/link").c_str()), 0);
+    expectEachToBeFound(folder.path());
+}
+
+TEST_F(SoughtItems, AreFoundInMemoryToo) {
+    FolderForMany const folder;
+    makeRandomTree(folder->path(), 8);
+    expectEachToBeFound(folder->path());
+}
+
+TEST_F(SoughtItems, AreThoseThatAreAccepted) {
+    TemporaryFolder const folder;
+    struct stat status {};
+    ASSERT_EQ(::stat(folder.makeFile("a/file", "").c_str(), &status), 0);
+    ASSERT_EQ(::link(folder.path("a/file").c_str(), folder.path("other").c_str()), 0);
+    SoughtItem item{.inode = status.st_ino, .isFolder = false};
+    item.accepts = [](FileDescriptor const&, std::string const& name) { return name == "other"; };
+    EXPECT_EQ(pathsOfWalk({.roots = {folder.path()}, .packageSuffix = "", .item = item}), Paths{folder.path("other")});
+    EXPECT_EQ(pathsOfItem(folder.path(), status.st_ino, false), sorted({folder.path("a/file"), folder.path("other")}));
+    EXPECT_EQ(pathsOfItem(folder.path(), status.st_ino, true), Paths());
+}
 
 TEST(VolumeWalker, ListsWhatFindListsOnTheDisk) {
     TemporaryFolder const folder;
