@@ -18,14 +18,10 @@ namespace mac {
 
 namespace {
 
-constexpr std::string_view AccessList = "system.posix_acl_access";
 // The security module labels the new file itself, and what the old bytes were allowed to do the new ones are not.
 constexpr std::string_view SecurityNames = "security.";
 
 constexpr std::string_view UserNames = "user.";
-
-bool isUnsupported(SystemError const& error) { return error.is(EOPNOTSUPP) || error.is(ENOSYS); }
-bool isForbidden(SystemError const& error) { return error.is(EPERM) || error.is(EACCES); }
 
 // Asks for the size, then for the bytes, and again if they have grown meanwhile.
 template <class Question>
@@ -91,7 +87,7 @@ Result<void> NewFile::copyAttributesOf(FileDescriptor const& old) const {
     while (!names.empty()) {
         std::string const name(names.substr(0, names.find('\0')));
         names.remove_prefix(std::min(name.size() + 1, names.size()));
-        if (name.starts_with(SecurityNames) || name == AccessList) continue;
+        if (name.starts_with(SecurityNames) || name == AccessListAttribute) continue;
         Result<void> const copied = copyAttribute(path, m_file, name);
         if (!copied.isDone()) return copied;
     }

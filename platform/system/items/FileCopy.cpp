@@ -19,7 +19,6 @@ namespace {
 constexpr std::string_view UserNamespace = "user.";
 // The system forgets what a program may do when its owner changes, so these come last.
 constexpr std::string_view SecurityNamespace = "security.";
-constexpr std::string_view AccessList = "system.posix_acl_access";
 constexpr std::uint32_t ReadAndWrite = 0666;
 
 bool isUserAttribute(std::string_view name) { return name.starts_with(UserNamespace); }
@@ -71,7 +70,7 @@ Result<void> writeBeside(CopyTarget const& to, std::string const& name, std::spa
 enum class AttributeKinds { BeforeAccess, AfterAccess };
 
 bool isOfKind(std::string_view name, AttributeKinds kinds) {
-    if (name == AccessList) return false;
+    if (name == AccessListAttribute) return false;
     return name.starts_with(SecurityNamespace) == (kinds == AttributeKinds::AfterAccess);
 }
 
@@ -106,7 +105,7 @@ Result<void> alignSidecar(CopyTarget const& to) {
 
 Result<ItemAccess> accessToCopy(std::vector<std::string> const& names, FileDescriptor const& from,
                                 ItemStatus const& status) {
-    if (std::ranges::find(names, AccessList) != names.end()) return accessOf(from);
+    if (std::ranges::find(names, AccessListAttribute) != names.end()) return accessOf(from);
     return ItemAccess{.owner = status.place.owner, .group = status.group, .permissions = status.permissions()};
 }
 

@@ -12,7 +12,6 @@ namespace mac {
 
 namespace {
 
-constexpr char AccessList[] = "system.posix_acl_access";
 constexpr char DefaultList[] = "system.posix_acl_default";
 constexpr mode_t AllPermissions = 07777;
 constexpr mode_t SetIdentityBits = S_ISUID | S_ISGID;
@@ -22,8 +21,6 @@ constexpr unsigned Everything = 7;
 constexpr unsigned NoEntry = 0xF;
 constexpr std::uint32_t NoChange = 0xFFFF'FFFF;
 
-bool isUnsupported(SystemError const& error) { return error.is(EOPNOTSUPP) || error.is(ENOSYS); }
-bool isForbidden(SystemError const& error) { return error.is(EPERM) || error.is(EACCES); }
 bool isAbsent(SystemError const& error) { return error.is(ENODATA) || isUnsupported(error); }
 
 // What an access list gives apart from the owner's permissions, after the mask: the form of the system begins with its
@@ -75,13 +72,13 @@ Result<std::vector<std::byte>> listOf(FileDescriptor const& item) {
     std::string const path = descriptorPath(item);
     std::vector<std::byte> list(usualSize);
     for (;;) {
-        ssize_t size = ::getxattr(path.c_str(), AccessList, list.data(), list.size());
+        ssize_t size = ::getxattr(path.c_str(), AccessListAttribute, list.data(), list.size());
         if (size < 0) {
-            SystemError error = lastSystemError("getxattr", AccessList);
+            SystemError error = lastSystemError("getxattr", AccessListAttribute);
             if (isAbsent(error)) return std::vector<std::byte>();
             if (!error.is(ERANGE)) return error;
-            size = ::getxattr(path.c_str(), AccessList, nullptr, 0);
-            if (size < 0) return lastSystemError("getxattr", AccessList);
+            size = ::getxattr(path.c_str(), AccessListAttribute, nullptr, 0);
+            if (size < 0) return lastSystemError("getxattr", AccessListAttribute);
             list.resize(static_cast<std::size_t>(size));
             continue;
         }
@@ -99,8 +96,8 @@ Result<void> removeList(std::string const& path, char const* name) {
 
 Result<bool> keepsList(FileDescriptor const& item, std::span<std::byte const> list) {
     if (list.empty()) return false;
-    if (::setxattr(descriptorPath(item).c_str(), AccessList, list.data(), list.size(), 0) == 0) return true;
-    SystemError error = lastSystemError("setxattr", AccessList);
+    if (::setxattr(descriptorPath(item).c_str(), AccessListAttribute, list.data(), list.size(), 0) == 0) return true;
+    SystemError error = lastSystemError("setxattr", AccessListAttribute);
     // EINVAL: users whom the namespace of this volume does not know.
     if (isForbidden(error) || isUnsupported(error) || error.is(EINVAL)) return false;
     return error;
@@ -152,7 +149,7 @@ Result<void> removeInheritedLists(FileDescriptor const& item) {
     std::string const path = descriptorPath(item);
     // Only folders have a default.
     Result<void> const removed = removeList(path, DefaultList);
-    return removed.isDone() ? removeList(path, AccessList) : removed;
+    return removed.isDone() ? removeList(path, AccessListAttribute) : removed;
 }
 
 Result<void> giveAccess(FileDescriptor const& item, ItemAccess const& access, InheritedList inherited) {

@@ -2,12 +2,20 @@
 
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/Result.h"
+#include <cerrno>
 #include <cstdint>
 #include <vector>
 
 namespace mac {
 
 // Who may do what with an item, taken over by another one. Any thread.
+
+// The name under which the system keeps an item's access list as an attribute.
+inline constexpr char AccessListAttribute[] = "system.posix_acl_access";
+
+// Whether the error says that the file system cannot do it at all, or that this user may not.
+inline bool isUnsupported(SystemError const& error) { return error.is(EOPNOTSUPP) || error.is(ENOSYS); }
+inline bool isForbidden(SystemError const& error) { return error.is(EPERM) || error.is(EACCES); }
 
 struct ItemAccess {
     std::uint32_t owner{0};
