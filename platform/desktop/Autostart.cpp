@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <map>
-#include <set>
 #include <tuple>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace mac {
 
@@ -38,17 +38,25 @@ public:
     }
 
     // The file's entry, read if it is not known in this state; one without keys if it cannot be read.
-    DesktopEntry const& entryOf(std::string const& path, FileStatus const& status) {
+    DesktopEntry const& entryOf(FileDescriptor const& folder, std::string const& path, FileStatus const& status) {
         KnownFile& known = m_files[path];
         bool const isKnown = known.read != 0 && known.status == status;
-        if (!isKnown) read(path, known);
+        if (!isKnown) read(folder, path, known);
         known.read = m_read;
         return known.entry;
     }
 
 private:
-    static void read(std::string const& path, KnownFile& known) {
-        Result<FileContents> const contents = readFileAtPath(path, LargestAutostartFile);
+    // A symbolic link is opened by the path, which looks first at what it leads to.
+    static Result<FileContents> contentsOf(FileDescriptor const& folder, std::string const& path) {
+        std::string const name(BytePath(path).leaf());
+        constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+        FileDescriptor const file(::openat(folder.number(), name.c_str(), flags));
+        return file.isOpen() ? readOpenFile(file, LargestAutostartFile) : readFileAtPath(path, LargestAutostartFile);
+    }
+
+    static void read(FileDescriptor const& folder, std::string const& path, KnownFile& known) {
+        Result<FileContents> const contents = contentsOf(folder, path);
         known = {};
         if (!contents.hasValue()) return;
         std::vector<std::byte> const& bytes = contents.value().bytes;
@@ -56,7 +64,7 @@ private:
         known.entry = DesktopEntry::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
     }
 
-    std::map<std::string, KnownFile> m_files{};
+    std::unordered_map<std::string, KnownFile> m_files{};
     unsigned long m_read{0};
 };
 
@@ -87,7 +95,7 @@ FolderRead itemsInFolder(std::string const& path, AutostartRules const& rules) {
         Result<FileStatus> const behind = isFile ? status : fileStatusAtPath(file);
         if (!behind.hasValue() || behind.value().kind != FileStatus::Kind::File) continue;
         AutostartItem item{.fileName = name, .folder = path, .status = status.value()};
-        item.entry = AutostartEntry::of(knownFiles().entryOf(file, behind.value()), rules);
+        item.entry = AutostartEntry::of(knownFiles().entryOf(folder.value(), file, behind.value()), rules);
         if (item.entry.standing != AutostartEntry::Standing::NoEntry) read.items.push_back(std::move(item));
     }
     return read;
@@ -120,7 +128,7 @@ std::vector<std::string> autostartFolders() {
 
 AutostartItems autostartItems() {
     AutostartItems found;
-    std::set<std::string> seen;
+    std::unordered_set<std::string> seen;
     ResolvedFolders programFolders;
     AutostartRules const& rules = currentAutostartRules();
     std::vector<std::string> const folders = autostartFolders();

@@ -1,5 +1,6 @@
 #include "platform/desktop/CommandWords.h"
 #include "platform/system/Users.h"
+#include <algorithm>
 
 namespace mac {
 
@@ -7,6 +8,8 @@ namespace {
 
 constexpr std::string_view Blanks = " \t\n\r";
 constexpr std::string_view ShellDividers = ";&|()\n";
+// What ends a run of characters that stand for themselves.
+constexpr std::string_view SpecialCharacters = " \t\n\r;&|()\"'\\$~";
 // What a backslash takes the meaning from inside double quotes.
 constexpr std::string_view EscapedInQuotes = "\"\\$`";
 
@@ -92,7 +95,7 @@ bool CommandSplitter::split() {
             m_rest.remove_prefix(1);
             take(1);
         } else if (!expandHome()) {
-            take(1);
+            take(std::max<std::size_t>(1, std::min(m_rest.find_first_of(SpecialCharacters), m_rest.size())));
         }
     }
     return true;
@@ -100,6 +103,7 @@ bool CommandSplitter::split() {
 
 // The word without codes for files, "%%" as "%".
 std::string withoutFileCodes(std::string_view word) {
+    if (word.find('%') == std::string_view::npos) return std::string(word);
     std::string result;
     for (std::size_t index = 0; index < word.size(); ++index) {
         if (word[index] != '%') {

@@ -18,6 +18,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string unescaped(std::string_view text) {
+    if (text.find('\\') == std::string_view::npos) return std::string(text);
     std::string result;
     for (std::size_t index = 0; index < text.size(); ++index) {
         if (text[index] != '\\' || index + 1 == text.size()) {
