@@ -174,6 +174,15 @@ std::string ContentsRemoval::pathOf(std::string const& name) const {
     return path;
 }
 
+bool areSameContents(ItemStatus const& one, ItemStatus const& other) {
+    return one.size == other.size && one.modificationTime.tv_sec == other.modificationTime.tv_sec &&
+           one.modificationTime.tv_nsec == other.modificationTime.tv_nsec;
+}
+
+bool isSameState(ItemStatus const& one, ItemStatus const& other) {
+    return one.place.identity == other.place.identity && markOf(one) == markOf(other);
+}
+
 void tell(RemovalSteps const& steps, RemovalStep step) {
     if (steps) steps(step);
 }
@@ -213,16 +222,24 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
     std::uint64_t const mark = markOf(expected);
     Result<std::string> const aside = asideName(mark);
     if (!aside.hasValue()) return aside.problem();
+    // Held open, since a layered file system gives an item that it moves to its upper layer another identity.
+    FileDescriptor const item(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!item.isOpen()) return lastSystemError("open", name);
+    Result<ItemStatus> const held = statusOf(item);
+    if (!held.hasValue()) return held.problem();
+    if (!isSameState(held.value(), expected)) return stale(name);
     tell(steps, RemovalStep::Checked);
-    if (Result<void> const moved = renameWithoutReplacing(folder, name, folder, aside.value()); !moved.isDone()) {
+    if (Result<void> const away = renameWithoutReplacing(folder, name, folder, aside.value()); !away.isDone()) {
         // Folders of a lower layer cannot be renamed; the system itself removes none that holds anything.
-        bool const isLayered = moved.problem().is(EXDEV) && expected.place.isFolder;
-        return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : moved;
+        bool const isLayered = away.problem().is(EXDEV) && expected.place.isFolder;
+        return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : away;
     }
     tell(steps, RemovalStep::MovedAside);
     Result<ItemStatus> const found = statusOf(folder, aside.value());
     if (!found.hasValue()) return found.problem();
-    bool const isExpected = found.value().place.identity == expected.place.identity && markOf(found.value()) == mark;
+    Result<ItemStatus> const moved = statusOf(item);
+    bool const isExpected =
+        moved.hasValue() && isSameState(found.value(), moved.value()) && areSameContents(moved.value(), expected);
     SystemError problem = stale(name);
     if (isExpected) {
         Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
