@@ -57,8 +57,9 @@ struct Campaign::Shared {
 
 std::string Break::text() const {
     static constexpr std::array<char const*, 5> actions{"", "fails", "transfers less", "kills", "meets an exchange"};
-    std::string text = operation + ": " + nameOf(finding.promise) + ": call " + std::to_string(point.at) + " (" + call +
-                       ") " + actions[static_cast<std::size_t>(point.action)];
+    std::string text = operation + ": " + nameOf(finding.promise) + ": call " +
+                       (point.at == ~0U ? "any" : std::to_string(point.at)) + " (" + call + ") " +
+                       actions[static_cast<std::size_t>(point.action)];
     if (point.action == Action::Fail) text += std::string(" with ") + ::strerrorname_np(point.error);
     if (point.action == Action::Fail && point.lasting == Lasting::ForGood) text += " for good";
     if (!point.exchanged.empty()) text += " of " + point.exchanged;
@@ -95,7 +96,8 @@ void Campaign::runOn(Operation const& operation, Volume volume) {
     m_counts.calls += m_shared->record.count;
     for (FaultPoint const& point : pointsOf(operation, volume))
         if (isChosen() && !isEnough(operation)) take(operation, point);
-    if (m_options.hasPowerLoss) losePower(operation, {.volume = volume, .at = ~0U});
+    if (m_options.hasPowerLoss && operation.flushing == Flushing::BeforeNaming)
+        losePower(operation, {.volume = volume, .at = ~0U});
     for (std::string const& name : operation.exchanged)
         if (m_options.races > 0) race(operation, {.volume = volume, .at = ~0U, .exchanged = name});
 }

@@ -13,7 +13,7 @@ namespace mac::faults {
 namespace {
 
 // One point of so many, which takes about half a minute under the sanitizers.
-constexpr unsigned Stride = 40;
+constexpr unsigned Stride = 60;
 
 // A folder in memory; in the temporary folder where this process may not mount.
 class Volume {

@@ -27,9 +27,16 @@ enum class Failure {
 
 enum class Needs { OneVolume, TwoVolumes };
 
+enum class Flushing {
+    BeforeNaming,
+    // The new item may be incomplete after a power loss, since the original stays.
+    Later,
+};
+
 struct Operation {
     // Unique; a fault point is found again by it.
     std::string name{};
+    Flushing flushing{Flushing::BeforeNaming};
     // Makes the items that the operation needs.
     std::function<void(Fixture const&)> prepare{};
     // Answers whether the operation said that it was done. Called in a process of its own.

@@ -61,6 +61,17 @@ bool setPropertyList(Fixture const& fixture) {
     return pxSetExtendedAttributeDictionary_forKey_(text(fixture.path("w/x")), list, text("list"));
 }
 
+bool hasFinderFlags(Fixture const& fixture) {
+    Result<OpenItem> const item = openItemAtPath(fixture.path("w/x"), LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return false;
+    Result<FinderInformation> const read = readFinderInformation(item.value());
+    return read.hasValue() && read.value().finderFlags() == kIsInvisible;
+}
+
+bool hasPropertyList(Fixture const& fixture) {
+    return id(pxExtendedAttributeDictionaryForKey_(text(fixture.path("w/x")), text("list"))) != nil;
+}
+
 // Whether the attribute has the value and the others are as they were, wherever each is kept.
 std::function<bool(Fixture const&)> having(char const* name, std::string value) {
     return [=](Fixture const& fixture) {
@@ -130,12 +141,14 @@ std::vector<Operation> attributeOperations() {
         {.name = "set Finder flags",
          .prepare = makeWithAttribute,
          .run = setFinderFlags,
+         .isReached = hasFinderFlags,
          .items = {{"w/x", "w/x"}},
          .exchanged = Exchanges,
          .exchangedWays = Ways},
         {.name = "set a property list as an attribute",
          .prepare = makeWithAttribute,
          .run = setPropertyList,
+         .isReached = hasPropertyList,
          .items = {{"w/x", "w/x"}},
          .exchangedWays = Ways},
     };
