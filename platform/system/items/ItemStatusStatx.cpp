@@ -43,7 +43,7 @@ std::int64_t nowOn(clockid_t clock) {
 }
 
 // Of the clock that the system gives files their times by.
-std::int64_t tickLength() {
+std::int64_t timeTick() {
     timespec tick{};
     ::clock_getres(CLOCK_REALTIME_COARSE, &tick);
     return nanosecondsOf(tick);
@@ -54,7 +54,7 @@ std::int64_t tickLength() {
 std::int64_t granuleOf(std::int64_t changeTime) {
     constexpr std::int64_t hundredth = Nanoseconds / 100;
     if (changeTime % Nanoseconds == 0) return 2 * Nanoseconds;
-    return changeTime % hundredth == 0 ? std::max(hundredth, tickLength()) : tickLength();
+    return changeTime % hundredth == 0 ? std::max(hundredth, timeTick()) : timeTick();
 }
 
 // How long a later change may get the same time; 0 if it cannot.
@@ -63,7 +63,7 @@ std::int64_t timeUntilSettled(std::int64_t changeTime) {
     if (changeTime > nowOn(CLOCK_REALTIME)) return 0;
     std::int64_t const left = changeTime + granuleOf(changeTime) - nowOn(CLOCK_REALTIME_COARSE);
     // That clock stands still until the next tick.
-    return left > 0 ? std::max(left, tickLength()) : 0;
+    return left > 0 ? std::max(left, timeTick()) : 0;
 }
 
 } // namespace

@@ -165,14 +165,15 @@ Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItem
 
 // Removes an item that was copied, if it is as it was then. The removal of a name changes the time of the file that its
 // other names lead to, but not of its contents.
-Result<void> removeCopied(FileDescriptor const& folder, std::string const& name, CopiedItems& copied,
-                          RemovalSteps const& steps) {
+Result<void> removeCopied(FileDescriptor const& folder, std::string const& name, ItemPlace const& place,
+                          CopiedItems& copied, RemovalSteps const& steps) {
     FileDescriptor const file(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!file.isOpen()) return lastSystemError("open", name);
     Result<ItemStatus> const found = statusOf(file);
     if (!found.hasValue()) return found.problem();
     ItemStatus const& status = found.value();
-    auto const known = copied.find(status.place.identity);
+    // Emptying a folder of a lower layer has given it another identity than the descent found.
+    auto const known = copied.find(place.isFolder ? place.identity : status.place.identity);
     bool const isCopied = known != copied.end() &&
                           (status.place.isFolder ||
                            (known->second.changeTime == status.changeTime && known->second.mark == markOf(status)));
@@ -189,8 +190,8 @@ Result<void> removeOriginal(OpenItem const& item, CopiedItems& copied, RemovalSt
     Result<ItemPlace> const place = placeOf(item.item);
     if (!place.hasValue()) return place.problem();
     return descend(item.folder, item.name, place.value().identity, {.makesAccessible = true},
-                   [&](FileDescriptor const& folder, std::string const& name, ItemPlace const&) {
-                       return removeCopied(folder, name, copied, steps);
+                   [&](FileDescriptor const& folder, std::string const& name, ItemPlace const& found) {
+                       return removeCopied(folder, name, found, copied, steps);
                    });
 }
 

@@ -14,7 +14,7 @@ namespace mac {
 
 namespace {
 
-constexpr int FolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+constexpr int EmptyingFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
 SystemError stale(std::string const& name) { return {.code = ESTALE, .operation = "unlink", .item = name}; }
 
@@ -32,12 +32,12 @@ struct OpenFolder {
 
 // Opens a folder for listing, and lets its owner in where the rules say so.
 Result<OpenFolder> openToEmpty(FileDescriptor const& folder, std::string const& name, RemovalRules const& rules) {
-    OpenFolder opened{.folder = FileDescriptor(::openat(folder.number(), name.c_str(), FolderFlags))};
+    OpenFolder opened{.folder = FileDescriptor(::openat(folder.number(), name.c_str(), EmptyingFlags))};
     if (!opened.folder.isOpen()) {
         SystemError error = lastSystemError("open", name);
         if (!rules.makesAccessible || !error.is(EACCES)) return error;
         letOwnerIn(folder, name);
-        opened.folder = FileDescriptor(::openat(folder.number(), name.c_str(), FolderFlags));
+        opened.folder = FileDescriptor(::openat(folder.number(), name.c_str(), EmptyingFlags));
         if (!opened.folder.isOpen()) return lastSystemError("open", name);
     }
     Result<ItemPlace> const place = placeOf(opened.folder);
@@ -137,7 +137,7 @@ bool ContentsRemoval::leave() {
     Level const level = std::move(m_levels.back());
     m_levels.pop_back();
     if (m_levels.empty()) return true;
-    FileDescriptor above(::openat(m_folder.number(), "..", FolderFlags));
+    FileDescriptor above(::openat(m_folder.number(), "..", EmptyingFlags));
     Result<ItemPlace> const place =
         above.isOpen() ? placeOf(above) : Result<ItemPlace>(lastSystemError("open", level.name));
     if (!place.hasValue() || !(place.value().identity == m_levels.back().place.identity)) {
