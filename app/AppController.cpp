@@ -2,7 +2,7 @@
 #include "app/AppControllerBody.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
-#include "app/PutBack.h"
+#include "app/InTrashTransformer.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"

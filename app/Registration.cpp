@@ -2,7 +2,7 @@
 #include "app/AppController.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
-#include "app/PutBack.h"
+#include "app/InTrashTransformer.h"
 #include "platform/foundation/Method.h"
 
 namespace framekeeper {

@@ -1,4 +1,3 @@
-#include "app/PutBack.h"
 #include "tests/app/SelectedCopies.h"
 
 namespace framekeeper::test {
@@ -13,10 +12,6 @@ protected:
         NSString const trashed = pathInTrash();
         select({trashed});
         return trashed;
-    }
-    static bool isInTrash(id const& path) {
-        id const number = adopt<InTrashTransformer>().transformedValue_(path);
-        return as<NSNumber>(number).boolValue();
     }
 };
 
@@ -52,17 +47,6 @@ TEST_F(PutBack, RefusesForACopyThatLiesInNoTrash) {
     EXPECT_TRUE(exists(path));
     EXPECT_EQ(m_beeps, 1);
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
-}
-
-TEST_F(PutBack, IsOfferedForWhatLiesInATrash) {
-    NSString const path = findCopy("a");
-    EXPECT_FALSE(isInTrash(path));
-    EXPECT_TRUE(isInTrash(trashAndSelect(path)));
-    EXPECT_FALSE(isInTrash(path)) << "it is gone";
-    EXPECT_FALSE(isInTrash(nil));
-    EXPECT_FALSE(isInTrash(NSNumber::numberWithInt_(1)));
-    EXPECT_FALSE(NSValueTransformer::valueTransformerForName_("InTrashTransformer") == nil);
-    EXPECT_FALSE(InTrashTransformer::allowsReverseTransformation());
 }
 
 } // namespace
