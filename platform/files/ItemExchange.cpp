@@ -89,15 +89,12 @@ Result<Side> sideOf(OpenItem const& item) {
     if (S_ISDIR(status.st_mode)) return problem(EISDIR, item.name);
     if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) return problem(EINVAL, item.name);
     if (status.st_nlink > 1) return problem(EMLINK, item.name);
-    Side side{.item = item, .isLink = S_ISLNK(status.st_mode)};
-    if (side.isLink) return side;
+    if (S_ISLNK(status.st_mode)) return Side{.item = item, .isLink = true};
     Result<NamesMetadata> metadata = metadataOf(item);
     if (!metadata.hasValue()) return metadata.problem();
-    side.metadata = metadata.takeValue();
     Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    side.sidecar = sidecar.takeValue();
-    return side;
+    return Side{.item = item, .metadata = metadata.takeValue(), .sidecar = sidecar.takeValue()};
 }
 
 class Exchange {

@@ -1,4 +1,5 @@
 #include "platform/files/ItemReferences.h"
+#include "tests/platform/files/References.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
@@ -9,13 +10,6 @@
 
 namespace mac::test {
 namespace {
-
-std::string pathOf(FSRef const& reference) {
-    Result<ReferencedItem> const item = itemOfReference(reference);
-    return item.hasValue() ? item.value().path : "-";
-}
-
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsFollowed).valueOr(FSRef{}); }
 
 class FSRefOnVolumes : public PrivateMounts {
 protected:

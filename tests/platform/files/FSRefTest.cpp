@@ -1,5 +1,6 @@
 #include "platform/files/FSRef.h"
 #include "platform/files/ItemReferences.h"
+#include "tests/platform/files/References.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cstdlib>
@@ -11,13 +12,6 @@
 
 namespace mac::test {
 namespace {
-
-std::string pathOf(FSRef const& reference) {
-    Result<ReferencedItem> const item = itemOfReference(reference);
-    return item.hasValue() ? item.value().path : "-";
-}
-
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsFollowed).valueOr(FSRef{}); }
 
 TEST(FSRef, LeadsBackToItsItem) {
     TemporaryFolder const folder;

@@ -2,6 +2,7 @@
 #include "platform/files/CatalogInformation.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemReferences.h"
+#include "tests/platform/files/References.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
@@ -16,13 +17,6 @@
 
 namespace mac::test {
 namespace {
-
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsNotFollowed).valueOr(FSRef{}); }
-
-std::string pathOf(FSRef const& reference) {
-    Result<ReferencedItem> const item = itemOfReference(reference);
-    return item.hasValue() ? item.value().path : "-";
-}
 
 OpenItem open(std::string const& path) { return openItemAtPath(path, LinkAtEnd::IsNotFollowed).takeValue(); }
 
@@ -44,7 +38,7 @@ struct Seen {
 };
 
 Seen seen(std::string const& path) {
-    FSRef const ref = referenceTo(path);
+    FSRef const ref = referenceTo(path, LinkAtEnd::IsNotFollowed);
     FSCatalogInfo information;
     FSCatalogInfoBitmap const which = kFSCatInfoContentMod | kFSCatInfoCreateDate | kFSCatInfoFinderInfo;
     EXPECT_EQ(FSGetCatalogInfo(&ref, which, &information, nullptr, nullptr, nullptr), noErr);
@@ -64,7 +58,7 @@ protected:
         make(m_second, 0x4000, 200, "");
     }
     void make(std::string const& path, std::uint16_t flags, std::uint32_t date, std::string_view resources) const {
-        FSRef const ref = referenceTo(path);
+        FSRef const ref = referenceTo(path, LinkAtEnd::IsNotFollowed);
         FSCatalogInfo information;
         FinderInformation finder;
         finder.setFinderFlags(flags);
@@ -100,20 +94,20 @@ TEST_F(ItemExchange, ExchangesWhatFilesHold) {
 
 TEST_F(ItemExchange, LeavesReferencesWithTheirPaths) {
     makeFiles("files");
-    FSRef const first = referenceTo(m_first);
-    FSRef const second = referenceTo(m_second);
+    FSRef const first = referenceTo(m_first, LinkAtEnd::IsNotFollowed);
+    FSRef const second = referenceTo(m_second, LinkAtEnd::IsNotFollowed);
     EXPECT_EQ(FSExchangeObjects(&first, &second), noErr);
     EXPECT_EQ(textOf(m_first), "the other");
     EXPECT_EQ(pathOf(first), m_first);
     EXPECT_EQ(pathOf(second), m_second);
-    EXPECT_EQ(referenceTo(m_first), first);
-    EXPECT_EQ(referenceTo(m_second), second);
+    EXPECT_EQ(referenceTo(m_first, LinkAtEnd::IsNotFollowed), first);
+    EXPECT_EQ(referenceTo(m_second, LinkAtEnd::IsNotFollowed), second);
     // They go on following.
     ASSERT_EQ(::rename(m_first.c_str(), m_folder.path("moved").c_str()), 0);
     EXPECT_EQ(pathOf(first), m_folder.path("moved"));
-    EXPECT_EQ(referenceTo(m_folder.path("moved")), first);
+    EXPECT_EQ(referenceTo(m_folder.path("moved"), LinkAtEnd::IsNotFollowed), first);
     // A third file takes part.
-    FSRef const third = referenceTo(m_folder.makeFile("third", "3"));
+    FSRef const third = referenceTo(m_folder.makeFile("third", "3"), LinkAtEnd::IsNotFollowed);
     EXPECT_EQ(FSExchangeObjects(&first, &third), noErr);
     EXPECT_EQ(pathOf(first), m_folder.path("moved"));
     EXPECT_EQ(pathOf(third), m_folder.path("third"));
@@ -139,8 +133,8 @@ TEST_F(ItemExchange, ExchangesLinksThemselves) {
 TEST_F(ItemExchange, RefusesWhatCannotBeExchanged) {
     makeFiles("files");
     std::string const folder = m_folder.makeFolder("folder");
-    FSRef const file = referenceTo(m_first);
-    FSRef const other = referenceTo(folder);
+    FSRef const file = referenceTo(m_first, LinkAtEnd::IsNotFollowed);
+    FSRef const other = referenceTo(folder, LinkAtEnd::IsNotFollowed);
     FSRef const none{};
     EXPECT_EQ(FSExchangeObjects(&file, &file), sameFileErr);
     EXPECT_EQ(FSExchangeObjects(&file, &other), notAFileErr);
@@ -150,7 +144,7 @@ TEST_F(ItemExchange, RefusesWhatCannotBeExchanged) {
     EXPECT_EQ(FSExchangeObjects(nullptr, &file), paramErr);
     EXPECT_EQ(FSExchangeObjects(&file, nullptr), paramErr);
     ASSERT_EQ(::link(m_second.c_str(), m_folder.path("another name").c_str()), 0);
-    FSRef const second = referenceTo(m_second);
+    FSRef const second = referenceTo(m_second, LinkAtEnd::IsNotFollowed);
     EXPECT_EQ(FSExchangeObjects(&file, &second), notAFileErr);
     ASSERT_EQ(::mkfifo(m_folder.path("pipe").c_str(), 0600), 0);
     EXPECT_EQ(exchangeItems(open(m_first), open(m_folder.path("pipe"))).problem().code, EINVAL);
@@ -162,8 +156,8 @@ TEST_F(ItemExchange, IsRefusedWhereTheFileSystemCannot) {
     makeFiles("files");
     Seen const first = seen(m_first);
     Seen const second = seen(m_second);
-    FSRef const file = referenceTo(m_first);
-    FSRef const other = referenceTo(m_second);
+    FSRef const file = referenceTo(m_first, LinkAtEnd::IsNotFollowed);
+    FSRef const other = referenceTo(m_second, LinkAtEnd::IsNotFollowed);
     withRefusedCall(SYS_renameat2, EINVAL,
                     [&] { EXPECT_EQ(FSExchangeObjects(&file, &other), errFSOperationNotSupported); });
     EXPECT_EQ(seen(m_first), first);
@@ -237,8 +231,8 @@ TEST_F(ItemExchange, RefusesTwoVolumes) {
     if (IsSkipped()) return;
     makeFiles("files");
     mountMemory(m_folder.makeFolder("volume"));
-    FSRef const first = referenceTo(m_first);
-    FSRef const other = referenceTo(m_folder.makeFile("volume/file", "elsewhere"));
+    FSRef const first = referenceTo(m_first, LinkAtEnd::IsNotFollowed);
+    FSRef const other = referenceTo(m_folder.makeFile("volume/file", "elsewhere"), LinkAtEnd::IsNotFollowed);
     EXPECT_EQ(FSExchangeObjects(&first, &other), diffVolErr);
     EXPECT_EQ(textOf(m_first), "one");
 }

@@ -42,7 +42,7 @@ std::vector<std::size_t> placesByEye(std::u16string_view text, std::u16string_vi
     return places;
 }
 
-std::u16string textOf(std::mt19937& random, std::size_t length) {
+std::u16string randomText(std::mt19937& random, std::size_t length) {
     std::u16string text;
     while (text.size() < length)
         text.push_back(u"ab"[random() % 2]);
@@ -61,8 +61,8 @@ TEST(LinearSearch, FindsEveryPlaceAlsoThoseThatOverlap) {
 TEST(LinearSearch, FindsWhatLookingAtEachPlaceFinds) {
     std::mt19937 random = seededRandom(7);
     for (int round = 0; round < 500; ++round) {
-        std::u16string const text = textOf(random, random() % 40);
-        std::u16string const sought = textOf(random, 1 + random() % 12);
+        std::u16string const text = randomText(random, random() % 40);
+        std::u16string const sought = randomText(random, 1 + random() % 12);
         std::vector<std::size_t> expected = placesByEye(text, sought);
         EXPECT_EQ(searched(text, sought, SearchDirection::Forwards).places, expected);
         EXPECT_EQ(UnitSearch(sought).findIn(text), std::u16string_view(text).find(sought));

@@ -87,8 +87,8 @@ TEST_F(Leftovers, OfACopyWithItsSidecarGoAtEachStep) {
         bool const isNamed = step == CopyStep::Named;
         EXPECT_EQ(isThere(m_folder.path("there/file")), isNamed);
         removeLeftovers(folderAt(m_folder.path("there")));
-        using Names = std::vector<std::string>;
-        EXPECT_EQ(namesIn(m_folder.path("there")), isNamed ? (Names{"._file", "file"}) : Names());
+        EXPECT_EQ(namesIn(m_folder.path("there")),
+                  isNamed ? (std::vector<std::string>{"._file", "file"}) : std::vector<std::string>());
         EXPECT_EQ(textOf(m_folder.path("there/._file")), isNamed ? AppleDouble + "own" : "");
     }
 }
