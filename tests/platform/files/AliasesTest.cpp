@@ -1,5 +1,6 @@
 #include "platform/files/Aliases.h"
 #include "platform/files/ItemReferences.h"
+#include "tests/platform/files/References.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -7,16 +8,9 @@
 namespace mac::test {
 namespace {
 
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsNotFollowed).valueOr(FSRef{}); }
-
 OSErr newAlias(FSRef const& folder, std::u16string_view name, AliasHandle& alias, bool* isDirectory = nullptr) {
     auto const length = static_cast<std::uint32_t>(name.size());
     return FSNewAliasUnicode(nullptr, &folder, length, name.data(), &alias, isDirectory);
-}
-
-std::string pathOf(FSRef const& reference) {
-    Result<ReferencedItem> const item = itemOfReference(reference);
-    return item.hasValue() ? item.value().path : "-";
 }
 
 TEST(Aliases, LeadToTheirItem) {
@@ -24,13 +18,13 @@ TEST(Aliases, LeadToTheirItem) {
     std::string const file = folder.makeFile("a:b", "");
     AliasHandle alias{};
     bool isDirectory = true;
-    ASSERT_EQ(newAlias(referenceTo(folder.path()), u"a/b", alias, &isDirectory), noErr);
+    ASSERT_EQ(newAlias(referenceTo(folder.path(), LinkAtEnd::IsNotFollowed), u"a/b", alias, &isDirectory), noErr);
     EXPECT_FALSE(isDirectory);
     FSRef target{};
     bool wasChanged = true;
     EXPECT_EQ(FSResolveAlias(nullptr, alias, &target, &wasChanged), noErr);
     EXPECT_FALSE(wasChanged);
-    EXPECT_EQ(target, referenceTo(file));
+    EXPECT_EQ(target, referenceTo(file, LinkAtEnd::IsNotFollowed));
     DisposeHandle(alias);
 }
 
@@ -38,7 +32,7 @@ TEST(Aliases, AreChangedInPlace) {
     TemporaryFolder const folder;
     folder.makeFile("old", "");
     AliasHandle alias{};
-    ASSERT_EQ(newAlias(referenceTo(folder.path()), u"old", alias), noErr);
+    ASSERT_EQ(newAlias(referenceTo(folder.path(), LinkAtEnd::IsNotFollowed), u"old", alias), noErr);
     std::int32_t const size = GetHandleSize(alias);
     ASSERT_EQ(::rename(folder.path("old").c_str(), folder.path("a longer name").c_str()), 0);
     FSRef target{};
@@ -59,7 +53,7 @@ TEST(Aliases, MayLeadToALinkOrTheRoot) {
     bool wasChanged = true;
     bool isDirectory = true;
     AliasHandle alias{};
-    ASSERT_EQ(newAlias(referenceTo(folder.path()), u"link", alias, &isDirectory), noErr);
+    ASSERT_EQ(newAlias(referenceTo(folder.path(), LinkAtEnd::IsNotFollowed), u"link", alias, &isDirectory), noErr);
     EXPECT_FALSE(isDirectory);
     EXPECT_EQ(FSResolveAlias(nullptr, alias, &target, &wasChanged), noErr);
     EXPECT_EQ(pathOf(target), folder.path("link"));
@@ -73,7 +67,7 @@ TEST(Aliases, MayLeadToALinkOrTheRoot) {
 
 TEST(Aliases, OfNothingAreRefused) {
     TemporaryFolder const folder;
-    FSRef const parent = referenceTo(folder.path());
+    FSRef const parent = referenceTo(folder.path(), LinkAtEnd::IsNotFollowed);
     AliasHandle alias{};
     EXPECT_EQ(newAlias(parent, u"none", alias), fnfErr);
     EXPECT_EQ(newAlias(parent, u"..", alias), fnfErr);

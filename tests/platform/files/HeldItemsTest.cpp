@@ -2,6 +2,7 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
+#include "tests/platform/files/References.h"
 #include "tests/platform/files/TrashHome.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/SystemCalls.h"
@@ -19,13 +20,6 @@
 
 namespace mac::test {
 namespace {
-
-std::string pathOf(FSRef const& reference) {
-    Result<ReferencedItem> const item = itemOfReference(reference);
-    return item.hasValue() ? item.value().path : "-";
-}
-
-FSRef referenceTo(std::string const& path) { return referenceToPath(path, LinkAtEnd::IsFollowed).valueOr(FSRef{}); }
 
 struct CloseFolder {
     void operator()(DIR* folder) const { ::closedir(folder); }
