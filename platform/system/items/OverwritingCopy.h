@@ -10,6 +10,12 @@ namespace mac {
 enum class OverwritingStep {
     // The copy is complete under a temporary name; it takes its place next.
     Copied,
+    // Where names cannot be exchanged: the item that had the name lies under a third one; the copy gets the name next.
+    MovedAway,
+    // Likewise: the copy has the name; the item under the third name gets the temporary one next.
+    CopyPlaced,
+    // The names are exchanged; whether the item that has the temporary one now is the old item is checked next.
+    NamesExchanged,
     // The copy has the name, and the old item the temporary one; the old item is deleted next.
     Exchanged,
 };
@@ -21,7 +27,9 @@ using OverwritingSteps = std::function<void(OverwritingStep)>;
 // exchange names, the old item gets a temporary name first. ItemIsLocked or EBUSY if the old item must stay
 // (ItemRemoval.h), EINVAL if it holds the original or the original holds it, EEXIST if it is the original, ESTALE if
 // another item takes its place meanwhile. OriginalStays: the copy has the name, but what is left of the old item lies
-// beside it under the temporary name.
+// beside it. MovedWrongItem: an item that had the name, be it the old one or one that took its place, could not get it
+// back. Both times that item has the temporary name which the error's `item` tells, and keeps it if this process is
+// killed.
 Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, OverwritingSteps const& steps = {});
 
 } // namespace mac

@@ -1,5 +1,7 @@
 #include "platform/system/items/OverwritingCopy.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemLock.h"
+#include "platform/system/items/ItemStatus.h"
 #include "tests/platform/system/items/ItemTransfers.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
@@ -18,12 +20,37 @@ protected:
     // The system's code of the failure; 0 for none.
     int copyOver(std::string_view path, std::string_view folder, std::string const& name,
                  OverwritingSteps const& steps = {}) const {
+        return problemOf(path, folder, name, steps).error.code;
+    }
+
+    // Code 0 if there is none.
+    TransferProblem problemOf(std::string_view path, std::string_view folder, std::string const& name,
+                              OverwritingSteps const& steps) const {
         Result<OpenItem> const item = openItemAtPath(m_folder.path(path), LinkAtEnd::IsNotFollowed);
-        if (!item.hasValue()) return item.problem().code;
+        if (!item.hasValue()) return {.error = item.problem()};
         FileDescriptor const target = folderAt(m_folder.path(folder));
         Result<void, TransferProblem> const done =
             copyItemOver({.item = item.value(), .folder = target, .name = name}, steps);
-        return done.isDone() ? 0 : done.problem().error.code;
+        return done.isDone() ? TransferProblem() : done.problem();
+    }
+
+    // Saves a file as editors do: a new item takes the name.
+    void save(std::string const& name, std::string const& text) const {
+        m_folder.makeFile("saved", text);
+        ASSERT_EQ(::rename(m_folder.path("saved").c_str(), m_folder.path(name).c_str()), 0);
+    }
+
+    // The name in the folder that a copy is exchanged under; empty if there is none.
+    std::string temporaryIn(std::string const& folder) const {
+        for (std::string const& name : namesIn(m_folder.path(folder)))
+            if (parseTemporaryName(name) && !name.starts_with("._")) return name;
+        return {};
+    }
+
+    // An item that stays whatever becomes of the process.
+    void expectKept(std::string const& name) const {
+        std::optional<ParsedTemporaryName> const parsed = parseTemporaryName(name);
+        EXPECT_TRUE(parsed && parsed->mark == MarkOfNoItem) << name;
     }
 
     TemporaryFolder const m_folder{};
@@ -55,10 +82,14 @@ TEST_F(OverwritingCopy, IsThereWholeAtEveryStep) {
                                EXPECT_EQ(textOf(m_folder.path("target/tree")), "old");
                            else
                                expectTree(m_folder.path("target/tree"));
-                           found.emplace_back(step == OverwritingStep::Copied ? "copied" : "exchanged");
+                           bool const isChecked = step == OverwritingStep::Exchanged;
+                           EXPECT_TRUE(isChecked || step == OverwritingStep::NamesExchanged || found.empty());
+                           found.emplace_back(step == OverwritingStep::Copied ? "copied"
+                                              : isChecked                     ? "exchanged"
+                                                                              : "names exchanged");
                        }),
               0);
-    EXPECT_EQ(found, (Names{"copied", "exchanged"}));
+    EXPECT_EQ(found, (Names{"copied", "names exchanged", "exchanged"}));
     EXPECT_EQ(namesIn(m_folder.path("target")), Names{"tree"});
 }
 
@@ -123,6 +154,117 @@ TEST_F(OverwritingCopy, LeavesAnItemThatTookThePlaceMeanwhile) {
     EXPECT_EQ(textOf(m_folder.path("target/tree")), "another");
     EXPECT_EQ(textOf(m_folder.path("old")), "old");
     EXPECT_EQ(namesIn(m_folder.path("target")), Names{"tree"});
+}
+
+TEST_F(OverwritingCopy, KeepsWhatWasSavedUnderTheNameTwice) {
+    m_folder.makeFile("target/file", "old");
+    m_folder.makeFile("file", "new");
+    TransferProblem const problem = problemOf("file", "target", "file", [&](OverwritingStep step) {
+        if (step == OverwritingStep::Copied) save("target/file", "saved");
+        if (step == OverwritingStep::NamesExchanged) save("target/file", "saved again");
+    });
+    EXPECT_EQ(problem.kind, TransferProblem::Kind::MovedWrongItem);
+    EXPECT_EQ(problem.error.code, ESTALE);
+    expectKept(problem.error.item);
+    EXPECT_EQ(textOf(m_folder.path("target/file")), "saved again");
+    EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item)), "saved");
+    EXPECT_EQ(namesIn(m_folder.path("target")).size(), 2U);
+}
+
+TEST_F(OverwritingCopy, KeepsAnItemThatCannotGoBack) {
+    m_folder.makeFile("target/tree/document", "old");
+    TransferProblem const problem = problemOf("tree", "target", "tree", [&](OverwritingStep step) {
+        if (step == OverwritingStep::Copied) {
+            ASSERT_EQ(::rename(m_folder.path("target/tree").c_str(), m_folder.path("old").c_str()), 0);
+            m_folder.makeFile("target/tree/document", "another");
+        }
+        if (step != OverwritingStep::NamesExchanged) return;
+        ASSERT_EQ(::rename(m_folder.path("target/tree").c_str(), m_folder.path("copy").c_str()), 0);
+    });
+    EXPECT_EQ(problem.kind, TransferProblem::Kind::MovedWrongItem);
+    expectKept(problem.error.item);
+    EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item + "/document")), "another");
+    EXPECT_EQ(textOf(m_folder.path("old/document")), "old");
+    EXPECT_EQ(namesIn(m_folder.path("target")), Names{problem.error.item});
+}
+
+TEST_F(OverwritingCopy, MarksTheItemThatIsToGo) {
+    m_folder.makeFile("target/file", "old");
+    m_folder.makeFile("file", "new");
+    FileDescriptor const old(::open(m_folder.path("target/file").c_str(), O_PATH | O_CLOEXEC));
+    bool isMarked = false;
+    EXPECT_EQ(copyOver("file", "target", "file",
+                       [&](OverwritingStep) {
+                           std::optional<ParsedTemporaryName> const name = parseTemporaryName(temporaryIn("target"));
+                           ASSERT_TRUE(name.has_value());
+                           isMarked = name->mark == markOf(mac::statusOf(old).value());
+                           EXPECT_TRUE(isMarked);
+                       }),
+              0);
+    EXPECT_TRUE(isMarked);
+}
+
+TEST_F(OverwritingCopy, KeepsAnOldItemThatWasLockedMeanwhile) {
+    m_folder.makeFile("target/tree/file", "old");
+    m_folder.makeFile("target/._tree", AppleDouble);
+    std::optional<OpenItem> locked;
+    TransferProblem const problem = problemOf("tree", "target", "tree", [&](OverwritingStep step) {
+        if (step != OverwritingStep::Exchanged) return;
+        locked = itemAt(m_folder.path("target/" + temporaryIn("target") + "/file"));
+        ASSERT_TRUE(setLock(*locked, ItemLock::Locked).isDone());
+    });
+    EXPECT_EQ(problem.kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(problem.error.code, ItemIsLocked);
+    expectKept(problem.error.item);
+    expectTree(m_folder.path("target/tree"));
+    EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item + "/file")), "old");
+    EXPECT_EQ(namesIn(m_folder.path("target")), (Names{"._" + problem.error.item, problem.error.item, "tree"}));
+    ASSERT_TRUE(locked && setLock(*locked, ItemLock::Unlocked).isDone());
+}
+
+TEST_F(OverwritingCopy, TellsWhereAnItemIsThatCouldNotBePlacedStepByStep) {
+    using enum TransferProblem::Kind;
+    for (OverwritingStep const taken : {OverwritingStep::MovedAway, OverwritingStep::CopyPlaced}) {
+        bool const isName = taken == OverwritingStep::MovedAway;
+        SCOPED_TRACE(isName ? "the name is taken" : "the temporary name is taken");
+        m_folder.makeFile("target/file", "old");
+        m_folder.makeFile("file", "new");
+        std::string temporary;
+        TransferProblem problem;
+        withRefusedCall(SYS_renameat2, EINVAL, [&] {
+            problem = problemOf("file", "target", "file", [&](OverwritingStep step) {
+                if (step == OverwritingStep::Copied) temporary = temporaryIn("target");
+                if (step == taken) m_folder.makeFile("target/" + (isName ? "file" : temporary), "another");
+            });
+        });
+        EXPECT_EQ(problem.kind, isName ? MovedWrongItem : OriginalStays);
+        EXPECT_EQ(problem.error.code, EEXIST);
+        expectKept(problem.error.item);
+        EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item)), "old");
+        EXPECT_EQ(textOf(m_folder.path("target/file")), isName ? "another" : "new");
+        EXPECT_EQ(textOf(m_folder.path("target/" + temporary)), isName ? "" : "another");
+        EXPECT_EQ(namesIn(m_folder.path("target")).size(), isName ? 2U : 3U);
+        for (std::string const& name : namesIn(m_folder.path("target")))
+            ::unlink(m_folder.path("target/" + name).c_str());
+    }
+}
+
+TEST_F(OverwritingCopy, TakesTheSidecarsAlongThoughTheOldItemStays) {
+    m_folder.makeFile("target/file", "old");
+    m_folder.makeFile("target/._file", AppleDouble + "old");
+    m_folder.makeFile("file", "new");
+    m_folder.makeFile("._file", AppleDouble + "new");
+    TransferProblem problem;
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        std::string temporary;
+        problem = problemOf("file", "target", "file", [&](OverwritingStep step) {
+            if (step == OverwritingStep::Copied) temporary = temporaryIn("target");
+            if (step == OverwritingStep::CopyPlaced) m_folder.makeFile("target/" + temporary, "another");
+        });
+    });
+    EXPECT_EQ(problem.kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(textOf(m_folder.path("target/._file")), AppleDouble + "new");
+    EXPECT_EQ(textOf(m_folder.path("target/._" + problem.error.item)), AppleDouble + "old");
 }
 
 TEST_F(OverwritingCopy, FailsOnAFullVolumeAndLeavesTheOld) {
