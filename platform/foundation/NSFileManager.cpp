@@ -248,7 +248,7 @@ bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, 
     bool hasAttributes = true;
     if (attributes.count() > 0) {
         // Once the file is written, and before it has the name.
-        how.beforeRenaming = [&](FileDescriptor const& file) {
+        how.beforeFlushing = [&](FileDescriptor const& file) {
             hasAttributes = changeFileAttributes(file, withoutLocks(attributes));
             return Result<void>();
         };

@@ -96,13 +96,15 @@ Result<void> called(std::function<Result<void>(FileDescriptor const&)> const& fu
     return function ? function(file) : Result<void>();
 }
 
-// Writes the new file completely, without its final name.
+// Writes the new file completely and to the disk, without its final name.
 Result<void> fill(NewFile const& file, std::span<std::byte const> bytes, OldFile const& old,
                   FileReplacement const& how) {
     Result<void> const written = file.write(bytes);
     if (!written.isDone()) return written;
     Result<void> const taken = takeAttributes(file, old, how);
-    return taken.isDone() ? called(how.beforeRenaming, file.file()) : taken;
+    if (!taken.isDone()) return taken;
+    Result<void> const changed = called(how.beforeFlushing, file.file());
+    return changed.isDone() ? file.flush() : changed;
 }
 
 } // namespace
@@ -127,12 +129,14 @@ Result<void> replaceFileInFolder(FileDescriptor const& folder, std::string const
     NewFile& file = made.value();
     Result<void> const filled = fill(file, bytes, old, how);
     if (!filled.isDone()) return filled;
+    Result<void> const confirmed = called(how.beforeRenaming, file.file());
+    if (!confirmed.isDone()) return confirmed;
     Result<void> const unchanged = isUnchanged(folder, name, old, how);
     if (!unchanged.isDone()) return unchanged;
 
     bool const mustBeFree = how.hasToBe && !old.state;
-    Result<void> const finished = file.finish(name, mustBeFree ? NewFile::Place::MustBeFree : NewFile::Place::IsTaken);
-    return finished.isDone() ? called(how.afterRenaming, file.file()) : finished;
+    Result<void> const named = file.giveName(name, mustBeFree ? NewFile::Place::MustBeFree : NewFile::Place::IsTaken);
+    return named.isDone() ? called(how.afterRenaming, file.file()) : named;
 }
 
 Result<void> overwriteFileAtPath(std::string const& path, std::span<std::byte const> bytes) {

@@ -20,7 +20,11 @@ struct FileReplacement {
     // with EAGAIN or EEXIST.
     bool hasToBe{false};
     std::optional<FileStatus> state{};
-    // Called with the new file once it is written and before it is renamed; a failure cancels the replacement.
+    // Called with the new file once it is written and before it is flushed to the disk, to change it; a failure cancels
+    // the replacement.
+    std::function<Result<void>(FileDescriptor const&)> beforeFlushing{};
+    // Called with the new file once it is on the disk and directly before it is renamed, to look at the old one once
+    // more; a failure cancels the replacement.
     std::function<Result<void>(FileDescriptor const&)> beforeRenaming{};
     // Called with the new file once it has the name; a failure is the answer, but the file stays replaced.
     std::function<Result<void>(FileDescriptor const&)> afterRenaming{};

@@ -101,11 +101,12 @@ Result<void> NewFile::takeAfter(FileDescriptor const& item, unsigned permissionM
     return giveAccess(m_file, access.value(), InheritedList::MayBeThere);
 }
 
-Result<void> NewFile::finish(std::string const& name, Place place) {
-    if (::fsync(m_file.number()) != 0) return lastSystemError("fsync", name);
-    // Some file systems, network ones above all, report only on close what they could not write.
-    int const copy = ::fcntl(m_file.number(), F_DUPFD_CLOEXEC, 0);
-    if (copy < 0 || ::close(copy) != 0) return lastSystemError("close", name);
+Result<void> NewFile::flush() const {
+    if (::fsync(m_file.number()) != 0) return lastSystemError("fsync", m_name);
+    return confirmWritten(m_file, m_name);
+}
+
+Result<void> NewFile::giveName(std::string const& name, Place place) {
     Result<void> const named = takeName(name, place);
     if (!named.isDone()) return named;
     m_hasFinalName = true;

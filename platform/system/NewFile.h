@@ -33,9 +33,12 @@ public:
     // may; no user gets more access than to the item (see giveAccess).
     Result<void> takeAfter(FileDescriptor const& item, unsigned permissionMask) const;
 
+    // Writes it to the disk, which can take seconds; what cannot be written is a failure here at the latest.
+    Result<void> flush() const;
+
     enum class Place { IsTaken, MustBeFree };
-    // Flushes the file to the disk and renames it. The file stays open.
-    Result<void> finish(std::string const& name, Place place);
+    // Renames it, once it is flushed, and flushes the folder. The file stays open.
+    Result<void> giveName(std::string const& name, Place place);
 
 private:
     NewFile(FileDescriptor const& folder, std::string name, FileDescriptor file);

@@ -85,6 +85,12 @@ Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> byt
     return {};
 }
 
+Result<void> confirmWritten(FileDescriptor const& file, std::string const& name) {
+    int const copy = ::fcntl(file.number(), F_DUPFD_CLOEXEC, 0);
+    if (copy < 0 || ::close(copy) != 0) return lastSystemError("close", name);
+    return {};
+}
+
 Result<std::vector<FolderEntry>> entriesOf(FileDescriptor const& folder) {
     std::vector<FolderEntry> result;
     std::vector<char> block(ReadingBlockSize);

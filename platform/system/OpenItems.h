@@ -37,6 +37,8 @@ Result<void> flushFolder(FileDescriptor const& folder);
 
 // Writes all of the bytes at the file's current position.
 Result<void> writeAll(FileDescriptor const& file, std::span<std::byte const> bytes);
+// Fails if the file system tells of a failed write when a file is closed, as network ones do. The file stays open.
+Result<void> confirmWritten(FileDescriptor const& file, std::string const& name);
 
 struct FolderEntry {
     enum class Kind {

@@ -29,16 +29,44 @@ std::string beginningOf(std::string const& path) {
     return size > 0 ? std::string(bytes.data(), static_cast<std::size_t>(size)) : std::string();
 }
 
-// 32 hexadecimal digits; empty if the system does not tell.
-std::string bootID() {
-    std::string text = beginningOf("/proc/sys/kernel/random/boot_id");
+// The hexadecimal digits of an ID in a file of the system's; empty if there are not as many as in such an ID.
+std::string idIn(std::string const& path) {
+    constexpr std::size_t digits = 32;
+    std::string text = beginningOf(path);
     std::erase_if(text, [](char character) { return HexadecimalDigits.find(character) == std::string_view::npos; });
+    return text.size() == digits ? text : std::string();
+}
+
+std::string hexadecimal(std::uint64_t number) {
+    std::string text(MarkDigits, '0');
+    for (std::size_t index = MarkDigits; number != 0; number >>= 4U)
+        text[--index] = HexadecimalDigits[number & 0xFU];
     return text;
 }
 
-std::uint64_t ownPidNamespace() {
+// The 64-bit FNV-1a hash of the ID of the installed system; empty if it has none.
+std::string machineHash() {
+    constexpr std::uint64_t offset = 0xCBF2'9CE4'8422'2325;
+    constexpr std::uint64_t prime = 0x0000'0100'0000'01B3;
+    std::string const id = idIn("/etc/machine-id");
+    if (id.empty()) return id;
+    std::uint64_t hash = offset;
+    for (char const digit : id)
+        hash = (hash ^ static_cast<unsigned char>(digit)) * prime;
+    return hexadecimal(hash);
+}
+
+// 0 if the system does not tell.
+std::uint64_t ownNamespace(std::string const& kind) {
     struct stat status {};
-    return ::stat("/proc/self/ns/pid", &status) == 0 ? status.st_ino : 0;
+    return ::stat(("/proc/self/ns/" + kind).c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
+// Whether /proc shows the processes of this process's own namespace under the IDs that they have here.
+bool showsOwnProcesses() {
+    std::array<char, 32> text{};
+    ssize_t const size = ::readlink("/proc/self", text.data(), text.size());
+    return size > 0 && std::string_view(text.data(), static_cast<std::size_t>(size)) == std::to_string(::getpid());
 }
 
 std::optional<std::uint64_t> startOf(std::string const& process) {
@@ -73,13 +101,6 @@ bool isHexadecimal(std::string_view text) {
     return text.find_first_not_of(HexadecimalDigits) == std::string_view::npos;
 }
 
-std::string hexadecimal(std::uint64_t number) {
-    std::string text(MarkDigits, '0');
-    for (std::size_t index = MarkDigits; number != 0; number >>= 4U)
-        text[--index] = HexadecimalDigits[number & 0xFU];
-    return text;
-}
-
 Result<std::string> randomDigits() {
     std::array<unsigned char, RandomDigits / 2> random{};
     if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
@@ -100,8 +121,11 @@ TemporaryOwner TemporaryOwner::current() {
     std::scoped_lock const guard(lock);
     // A process that was forked is another one.
     if (known.pid == ::getpid()) return known;
-    known = {.boot = bootID(),
-             .pidNamespace = ownPidNamespace(),
+    // Half of the random ID tells starts apart, and leaves names short enough for file systems that encrypt them.
+    known = {.machine = machineHash(),
+             .boot = idIn("/proc/sys/kernel/random/boot_id").substr(0, MarkDigits),
+             .pidNamespace = ownNamespace("pid"),
+             .timeNamespace = ownNamespace("time"),
              .pid = ::getpid(),
              .startTime = startOf("self").value_or(0)};
     return known;
@@ -111,11 +135,15 @@ OwnerState stateOf(TemporaryOwner const& owner, VolumeSharing sharing) {
     TemporaryOwner const current = TemporaryOwner::current();
     bool const isComplete = !owner.boot.empty() && owner.pidNamespace != 0 && owner.pid > 0 && owner.startTime != 0;
     if (!isComplete || current.boot.empty() || current.pidNamespace == 0) return OwnerState::Unknown;
-    if (owner.boot != current.boot)
-        return sharing == VolumeSharing::ThisComputerOnly ? OwnerState::HasEnded : OwnerState::Unknown;
+    if (owner.boot != current.boot) {
+        bool const wasHere = !owner.machine.empty() && owner.machine == current.machine;
+        return wasHere && sharing == VolumeSharing::ThisComputerOnly ? OwnerState::HasEnded : OwnerState::Unknown;
+    }
     if (owner.pidNamespace != current.pidNamespace) return OwnerState::Unknown;
     if (owner == current) return OwnerState::Runs;
     if (::kill(owner.pid, 0) != 0 && errno == ESRCH) return OwnerState::HasEnded;
+    // The system counts a start by the clock of the process that asks.
+    if (!showsOwnProcesses() || owner.timeNamespace != current.timeNamespace) return OwnerState::Unknown;
     std::string const process = std::to_string(owner.pid);
     std::optional<std::uint64_t> const start = startOf(process);
     if (start) return *start == owner.startTime ? OwnerState::Runs : OwnerState::HasEnded;
@@ -127,7 +155,8 @@ Result<std::string> temporaryName() {
     if (!random.hasValue()) return random;
     TemporaryOwner const owner = TemporaryOwner::current();
     std::string name(temporaryNamePrefix);
-    name.append(owner.boot).append("-").append(std::to_string(owner.pidNamespace)).append("-");
+    name.append(owner.machine).append("-").append(owner.boot).append("-");
+    name.append(std::to_string(owner.pidNamespace)).append("-").append(std::to_string(owner.timeNamespace)).append("-");
     name.append(std::to_string(owner.pid)).append("-").append(std::to_string(owner.startTime)).append("-");
     return name.append(random.value());
 }
@@ -143,9 +172,12 @@ std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name) {
     if (!name.starts_with(temporaryNamePrefix) || name.ends_with('-')) return std::nullopt;
     name.remove_prefix(temporaryNamePrefix.size());
     ParsedTemporaryName parsed;
+    parsed.owner.machine = takePart(name);
     parsed.owner.boot = takePart(name);
-    bool const isWhole = isHexadecimal(parsed.owner.boot) && parse(takePart(name), parsed.owner.pidNamespace) &&
-                         parse(takePart(name), parsed.owner.pid) && parse(takePart(name), parsed.owner.startTime);
+    bool const isWhole = isHexadecimal(parsed.owner.machine) && isHexadecimal(parsed.owner.boot) &&
+                         parse(takePart(name), parsed.owner.pidNamespace) &&
+                         parse(takePart(name), parsed.owner.timeNamespace) && parse(takePart(name), parsed.owner.pid) &&
+                         parse(takePart(name), parsed.owner.startTime);
     if (!isWhole) return std::nullopt;
     std::string_view const random = takePart(name);
     if (random.size() != RandomDigits || !isHexadecimal(random)) return std::nullopt;

@@ -11,11 +11,16 @@ namespace mac {
 // The names of unfinished files and folders, which tell who made them: so that the leftovers of a process that was
 // killed can be told from what another one is working on. Any thread.
 
-// The process that made an item: ID and start (clock ticks since the system's start) in the namespace of process IDs
-// of that number, since the system's start of that ID. Numbers that the system does not tell are 0.
+// The process that made an item: ID in the namespace of process IDs of that number, and start (clock ticks since the
+// system's start) in the namespace of clocks of that number, since the start of that ID, of the installed system of
+// that ID. Numbers that the system does not tell are 0, and IDs empty.
 struct TemporaryOwner {
+    // A hash of the system's own ID, which is not to be published.
+    std::string machine{};
+    // 16 hexadecimal digits.
     std::string boot{};
     std::uint64_t pidNamespace{0};
+    std::uint64_t timeNamespace{0};
     std::int32_t pid{0};
     std::uint64_t startTime{0};
 
@@ -27,12 +32,13 @@ struct TemporaryOwner {
 
 enum class OwnerState {
     Runs,
-    // It has ended, or the system has been started anew since.
+    // It has ended, or this very system has been started anew since.
     HasEnded,
     // It may run on another computer, in a namespace of process IDs that is not ours, or cannot be looked at.
     Unknown,
 };
-// For an item on a volume that only this computer can write to (or not).
+// For an item on a volume that only this computer mounts, or perhaps others. The disk below may still be handed out to
+// others by a server on this computer, or be one that this computer's host writes to.
 enum class VolumeSharing { ThisComputerOnly, PerhapsOthers };
 OwnerState stateOf(TemporaryOwner const& owner, VolumeSharing sharing);
 

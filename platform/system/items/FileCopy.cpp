@@ -92,9 +92,9 @@ Result<AttributesBeside> copyAttributes(std::vector<std::string> const& names, A
     return beside;
 }
 
-// Gives the sidecar of a copy its owner, group and permissions.
+// Gives the sidecar of a copy its owner, group, permissions and access list.
 Result<void> alignSidecar(CopyTarget const& to) {
-    Result<ItemAccess> access = accessWithoutListOf(to.item);
+    Result<ItemAccess> access = accessOf(to.item);
     if (!access.hasValue()) return access.problem();
     FileDescriptor const sidecar = openName(to.folder, AppleDoubleSidecar::nameFor(to.name), O_NOFOLLOW);
     // The attribute found a place on the item after all.

@@ -11,6 +11,8 @@ namespace mac {
 // The parts of copying one item. One thread.
 
 enum class CopyStep {
+    // A folder has been made; it is opened next.
+    FolderMade,
     // A symbolic link or a special file has been made; it is opened next.
     SpecialMade,
     // It is open; it gets its owner and permissions next.

@@ -57,8 +57,8 @@ VolumeSharing sharingOf(ItemStatus const& folder) {
 bool isOurs(ItemStatus const& folder, ItemStatus const& item) {
     std::uint32_t const user = ::geteuid();
     bool const isSafeFolder = folder.place.owner == user || folder.place.owner == 0;
-    bool const groupMayWrite = (folder.place.mode & S_IWGRP) != 0 && folder.group != ::getegid();
-    bool const othersMayWrite = groupMayWrite || (folder.place.mode & S_IWOTH) != 0;
+    // This user's group may have other members. With an access list its mask shows as the group's permissions.
+    bool const othersMayWrite = (folder.place.mode & (S_IWGRP | S_IWOTH)) != 0;
     if (!isSafeFolder) return false;
     if (!othersMayWrite) return true;
     return (folder.place.mode & S_ISVTX) != 0 && item.place.owner == user;

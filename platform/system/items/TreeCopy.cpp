@@ -42,11 +42,45 @@ Result<FileDescriptor> openAbove(FileDescriptor const& folder, int flags, ItemId
     return above;
 }
 
+bool isOpenToOthers(ItemPlace const& place) { return (place.mode & (S_IRWXG | S_IRWXO)) != 0; }
+
+// What the volume makes of the owner and mode of an item that this user makes for himself alone: file systems without
+// owners show one and the same for all items, and servers may have an owner of their own for those of an administrator.
+Result<ItemPlace> privateItemIn(FileDescriptor const& folder) {
+    Result<std::string> const name = temporaryName();
+    if (!name.hasValue()) return name.problem();
+    Result<FileDescriptor> const file =
+        openIn(folder, name.value(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC);
+    if (!file.hasValue()) return file.problem();
+    Result<ItemPlace> place = placeOf(file.value());
+    ::unlinkat(folder.number(), name.value().c_str(), 0);
+    return place;
+}
+
+// ESTALE if the folder that was opened after it was made can be one that another user has put in its place.
+Result<void> confirmOwnFolder(FileDescriptor const& made, FileDescriptor const& folder, std::string const& name) {
+    Result<ItemPlace> const place = placeOf(made);
+    if (!place.hasValue()) return place.problem();
+    Result<ItemPlace> const around = placeOf(folder);
+    if (!around.hasValue()) return around.problem();
+    if (place.value().mount != around.value().mount) return exchangedItem(name);
+    if (place.value().owner == ::geteuid() && !isOpenToOthers(place.value())) return {};
+    Result<ItemPlace> const usual = privateItemIn(folder);
+    if (!usual.hasValue()) return usual.problem();
+    bool const isUsual =
+        place.value().owner == usual.value().owner && (!isOpenToOthers(place.value()) || isOpenToOthers(usual.value()));
+    return isUsual ? Result<void>() : exchangedItem(name);
+}
+
 // Makes a folder for this user alone, without the access lists that the folder around it hands on.
-Result<FileDescriptor> makeFolder(FileDescriptor const& folder, std::string const& name, InheritedList lists) {
+Result<FileDescriptor> makeFolder(FileDescriptor const& folder, std::string const& name, InheritedList lists,
+                                  CopySteps const& steps) {
     if (::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", name);
+    if (steps) steps(CopyStep::FolderMade);
     Result<FileDescriptor> made = openIn(folder, name, CopiedFolderFlags);
-    if (!made.hasValue() || lists == InheritedList::IsRemoved) return made;
+    if (!made.hasValue()) return made;
+    if (Result<void> const own = confirmOwnFolder(made.value(), folder, name); !own.isDone()) return own.problem();
+    if (lists == InheritedList::IsRemoved) return made;
     if (Result<void> const removed = removeInheritedLists(made.value()); !removed.isDone()) return removed.problem();
     return made;
 }
@@ -140,6 +174,10 @@ Result<void> TreeCopy::fill(FileDescriptor const& source, ItemStatus const& stat
     if (Result<void> const copied = m_contents.run(source, status, target.value()); !copied.isDone()) return copied;
     Result<AttributesBeside> const beside = copyMetadata(source, status, {target.value(), m_target, to});
     if (!beside.hasValue()) return beside.problem();
+    // The flush of the volume, which writes the rest, may miss a failure that another process has been told of.
+    if (m_purpose == CopyPurpose::Move && ::fdatasync(target.value().number()) != 0)
+        return lastSystemError("fdatasync", to);
+    if (Result<void> const written = confirmWritten(target.value(), to); !written.isDone()) return written;
     // Another name of the copy would not have the sidecar.
     if (beside.value() == AttributesBeside::None) rememberCopy(status, to);
     return {};
@@ -165,7 +203,7 @@ Result<void> TreeCopy::copyOther(Names const& names) {
 Result<void> TreeCopy::copyPrivately(FileDescriptor const& source, ItemStatus const& status, std::string const& to) {
     Result<std::string> const name = temporaryName();
     if (!name.hasValue()) return name.problem();
-    Result<FileDescriptor> const folder = makeFolder(m_target, name.value(), InheritedList::MayBeThere);
+    Result<FileDescriptor> const folder = makeFolder(m_target, name.value(), InheritedList::MayBeThere, m_steps);
     if (!folder.hasValue()) return folder.problem();
     Result<void> copied = copySpecial(source, status, folder.value(), to, m_steps);
     if (copied.isDone()) copied = renameWithoutReplacing(folder.value(), to, m_target, to);
@@ -193,7 +231,7 @@ Result<void> TreeCopy::enter(Names const& names) {
     });
     // Only the first folder is made where lists may be handed on.
     InheritedList const lists = m_levels.empty() ? InheritedList::MayBeThere : InheritedList::IsRemoved;
-    Result<FileDescriptor> target = makeFolder(m_target, names.to, lists);
+    Result<FileDescriptor> target = makeFolder(m_target, names.to, lists, m_steps);
     if (!target.hasValue()) return target.problem();
     Result<ItemPlace> const made = placeOf(target.value());
     if (!made.hasValue()) return made.problem();

@@ -95,7 +95,7 @@ TEST_F(ReplacingAFile, LetsNobodyReadTheNewOneBefore) {
         during = contents();
         return doneIf(::fchmod(file.number(), 0600) == 0);
     };
-    FileReplacement const how{.newFileMode = 0666, .beforeRenaming = restrict};
+    FileReplacement const how{.newFileMode = 0666, .beforeFlushing = restrict};
     EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), how)), 0);
     EXPECT_EQ(during, "old");
     EXPECT_EQ(modeAt(m_file), 0600U);
@@ -179,6 +179,21 @@ TEST_F(ReplacingAFile, LeavesOneThatChangesMeanwhile) {
               EEXIST);
     EXPECT_EQ(contents(), "somebody's");
     EXPECT_EQ(names(), "file\n");
+}
+
+TEST_F(ReplacingAFile, IsFlushedBeforeTheOldOneIsLookedAtForTheLastTime) {
+    bool wasLookedAt = false;
+    auto const look = [&](FileDescriptor const&) {
+        wasLookedAt = true;
+        return Result<void>();
+    };
+    withRefusedCall(SYS_fsync, EIO, [&] {
+        EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), {.beforeRenaming = look})), EIO);
+        EXPECT_FALSE(wasLookedAt);
+        EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"), {.beforeFlushing = look})), EIO);
+        EXPECT_TRUE(wasLookedAt);
+    });
+    EXPECT_EQ(contents(), "old");
 }
 
 TEST_F(ReplacingAFile, ReplacesNothingWhereTheSystemCannotPromiseIt) {

@@ -136,7 +136,8 @@ TEST_F(Failing, ANewFileGoesAwayUnlessItGetsItsName) {
     EXPECT_TRUE(namesInOpenFolder(m_open).value().empty());
     {
         NewFile file = NewFile::make(m_open, 0600).takeValue();
-        EXPECT_EQ(codeOf(file.finish("file", NewFile::Place::MustBeFree)), 0);
+        EXPECT_EQ(codeOf(file.flush()), 0);
+        EXPECT_EQ(codeOf(file.giveName("file", NewFile::Place::MustBeFree)), 0);
         NewFile const other = NewFile::make(m_open, 0600).takeValue();
     }
     EXPECT_EQ(namesInOpenFolder(m_open).value(), std::vector<std::string>{"file"});

@@ -42,9 +42,10 @@ TEST(TemporaryName, IsToldFromOtherNames) {
     for (std::string const& other :
          {std::string(), std::string("._"), std::string("file"), std::string(".framekeeper-"),
           name.substr(0, name.size() - 1), name + "0", name + "-", name + "-1", aside + "0", "x" + name,
-          std::string(".framekeeper-zz-1-1-1-") + std::string(32, '0'),
-          std::string(".framekeeper-ab-1--1-") + std::string(32, '0'),
-          std::string(".framekeeper-ab-1-1-99999999999999999999-") + std::string(32, '0')})
+          std::string(".framekeeper-ab-zz-1-1-1-1-") + std::string(32, '0'),
+          std::string(".framekeeper-zz-ab-1-1-1-1-") + std::string(32, '0'),
+          std::string(".framekeeper-ab-ab-1-1--1-") + std::string(32, '0'),
+          std::string(".framekeeper-ab-ab-1-1-1-99999999999999999999-") + std::string(32, '0')})
         EXPECT_FALSE(parseTemporaryName(other)) << other;
 }
 
@@ -69,15 +70,33 @@ TEST(TemporaryName, TellsWhetherItsProcessRuns) {
 TEST(TemporaryName, DoesNotTakeAProcessForEndedThatItCannotSee) {
     TemporaryOwner const own = TemporaryOwner::current();
     TemporaryOwner elsewhere = own;
-    elsewhere.boot = std::string(32, 'a');
+    elsewhere.boot = std::string(16, 'a');
     EXPECT_EQ(stateOf(elsewhere, PerhapsOthers), OwnerState::Unknown);
-    EXPECT_EQ(stateOf(elsewhere, ThisComputerOnly), OwnerState::HasEnded) << "the system was started anew";
+    EXPECT_EQ(stateOf(elsewhere, ThisComputerOnly), own.machine.empty() ? OwnerState::Unknown : OwnerState::HasEnded)
+        << "the system was started anew";
+    for (std::string const& machine : {std::string(), std::string(16, 'b')}) {
+        elsewhere.machine = machine;
+        EXPECT_EQ(stateOf(elsewhere, ThisComputerOnly), OwnerState::Unknown) << "a server may hand out the disk";
+    }
     TemporaryOwner inContainer = endedProcess();
     ++inContainer.pidNamespace;
     EXPECT_EQ(stateOf(inContainer, ThisComputerOnly), OwnerState::Unknown);
     TemporaryOwner incomplete = endedProcess();
     incomplete.startTime = 0;
     EXPECT_EQ(stateOf(incomplete, ThisComputerOnly), OwnerState::Unknown);
+}
+
+TEST(TemporaryName, DoesNotBelieveAListOfProcessesThatIsNotItsOwn) {
+    TemporaryOwner other = TemporaryOwner::current();
+    other.pid = ::getppid();
+    EXPECT_EQ(stateOf(other, ThisComputerOnly), OwnerState::HasEnded) << "it started at another time";
+    TemporaryOwner onAnotherClock = other;
+    ++onAnotherClock.timeNamespace;
+    EXPECT_EQ(stateOf(onAnotherClock, ThisComputerOnly), OwnerState::Unknown);
+    withRefusedCall(SYS_readlink, ENOENT, [&] {
+        EXPECT_EQ(stateOf(other, ThisComputerOnly), OwnerState::Unknown);
+        EXPECT_EQ(stateOf(endedProcess(), ThisComputerOnly), OwnerState::HasEnded) << "the system itself says so";
+    });
 }
 
 TEST(TemporaryName, IsItsOwnInAProcessThatWasForked) {

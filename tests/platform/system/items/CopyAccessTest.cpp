@@ -108,6 +108,22 @@ TEST_F(CopyAccess, GivesASidecarThePermissionsOfItsItem) {
     }
 }
 
+TEST_F(CopyAccess, GivesASidecarTheAccessListOfItsItem) {
+    std::string const list = listForUser(6, 0);
+    std::string const file = makeListed(list);
+    std::string const large(60'000, 'x');
+    ASSERT_EQ(::setxattr(file.c_str(), "user.colour", large.data(), large.size(), 0), 0);
+    ASSERT_EQ(::chmod(m_point.path().c_str(), 0755), 0);
+    // Attributes count as a kilobyte of an item each.
+    mountMemory(m_point.path(), "nr_inodes=20");
+    ASSERT_EQ(errorOf(copy, file, m_point.path(), "copy"), 0);
+    if (!isThere(m_point.path("._copy"))) GTEST_SKIP() << "memory holds attributes without limit here";
+    EXPECT_EQ(listOf(m_point.path("copy"), AccessListName), list);
+    std::string const ofSidecar = listOf(m_point.path("._copy"), AccessListName);
+    EXPECT_FALSE(ofSidecar.empty()) << "the group itself may not read the item";
+    EXPECT_EQ(modeOf(m_point.path("._copy")), 0660U) << "the mask";
+}
+
 TEST_F(CopyAccess, GivesAnotherGroupNoMoreThanBothOthersAndTheOldGroupHad) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root makes files of another user";
     mountMemory(m_listed.path(), "mode=777");

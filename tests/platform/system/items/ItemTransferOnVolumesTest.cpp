@@ -25,6 +25,21 @@ TEST_F(ItemTransferOnVolumes, MovesAFolderToAnotherVolume) {
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
 }
 
+TEST_F(ItemTransferOnVolumes, KeepsTheOriginalOfACopyThatCouldNotBeWritten) {
+    mountMemory(m_point.path());
+    makeTree(m_folder, "tree");
+    for (long const call : {SYS_close, SYS_fdatasync}) {
+        withRefusedCall(call, EIO, [&] {
+            EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), EIO) << call;
+            int const ofCopy = call == SYS_close ? EIO : 0;
+            EXPECT_EQ(errorOf(copy, m_folder.path("tree/inner"), m_point.path(), "tree"), ofCopy) << call;
+        });
+        expectTree(m_folder.path("tree"));
+        using Names = std::vector<std::string>;
+        EXPECT_EQ(namesIn(m_point.path()), call == SYS_close ? Names() : Names{"tree"}) << "a copy is not flushed";
+    }
+}
+
 TEST_F(ItemTransferOnVolumes, MovesFilesOfSeveralNamesAndTheirAppleDoubleFile) {
     mountMemory(m_point.path());
     m_folder.makeFile("tree/a", "x");

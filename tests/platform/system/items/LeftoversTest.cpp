@@ -113,7 +113,8 @@ TEST_F(Leftovers, OfProcessesThatRunOrCannotBeSeenStay) {
     std::string const own = temporaryName().value();
     m_folder.makeFile(own, "x");
     TemporaryOwner const owner = TemporaryOwner::current();
-    std::string const inContainer = ".framekeeper-" + owner.boot + "-1-1-1-" + std::string(32, '0');
+    std::string const inContainer =
+        ".framekeeper-" + owner.machine + "-" + owner.boot + "-1-1-1-1-" + std::string(32, '0');
     m_folder.makeFile(inContainer + "/file", "x");
     std::string const gone = leftoverName();
     m_folder.makeFile(gone + "/inner/file", "x");
@@ -153,6 +154,23 @@ TEST_F(Leftovers, ThatAnotherUserMayHaveNamedStay) {
     m_folder.makeFile("changed", "");
     EXPECT_EQ(remove(), std::vector<std::string>()) << "here nobody else can have named it";
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>{"changed"});
+}
+
+TEST_F(Leftovers, ThatAMemberOfTheGroupMayHaveNamedStay) {
+    std::string const name = leftoverName();
+    m_folder.makeFile(name + "/file", "x");
+    ASSERT_EQ(::chown(m_folder.path().c_str(), ::geteuid(), ::getegid()), 0);
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0770), 0);
+    EXPECT_EQ(remove(), std::vector<std::string>{name});
+    EXPECT_EQ(textOf(m_folder.path(name + "/file")), "x");
+}
+
+TEST_F(Leftovers, OfAnotherComputerStay) {
+    std::string const live =
+        ".framekeeper-" + std::string(16, 'b') + "-" + std::string(16, 'a') + "-1-1-1-1-" + std::string(32, '0');
+    m_folder.makeFile(live + "/file", "x");
+    EXPECT_EQ(remove(), std::vector<std::string>{live});
+    EXPECT_EQ(textOf(m_folder.path(live + "/file")), "x");
 }
 
 TEST_F(Leftovers, AreNotRemovedWhenOneOfThemIsCopied) {

@@ -52,6 +52,20 @@ TEST_F(TransferSteps, ARemovalLeavesTheItemThatTakesThePlaceOfTheOriginal) {
     EXPECT_EQ(namesIn(m_folder.path("tree")), std::vector<std::string>{"file"});
 }
 
+TEST_F(TransferSteps, ACopyIsNotMadeInAFolderOfAnother) {
+    mountMemory(m_point.path(), "mode=777");
+    m_folder.makeFile("tree/inner/file", "secret");
+    auto const exchange = [&](CopyStep step) {
+        if (step != CopyStep::FolderMade) return;
+        std::string const made = m_point.path(namesIn(m_point.path()).at(0));
+        ASSERT_EQ(::rename(made.c_str(), m_point.path("x elsewhere").c_str()), 0);
+        ASSERT_EQ(::mkdir(made.c_str(), 0700), 0);
+        ASSERT_EQ(::chmod(made.c_str(), 0777), 0);
+    };
+    EXPECT_EQ(copyWith("tree", exchange), ESTALE);
+    EXPECT_EQ(namesIn(m_point.path("x elsewhere")), std::vector<std::string>());
+}
+
 TEST_F(TransferSteps, ARemovalLosesNothingAlsoWhereTheNameIsTakenMeanwhile) {
     mountMemory(m_point.path());
     std::string const file = m_folder.makeFile("file", "old");
