@@ -145,8 +145,8 @@ Result<void> Exchange::exchangeItemNames() const {
     Result<void> const firstMoved = isAt(m_second, m_first);
     Result<void> const secondMoved = isAt(m_first, m_second);
     if (firstMoved.isDone() && secondMoved.isDone()) return {};
-    // Another item had one of the names already, and gets it back.
     if (!firstMoved.isDone() && !secondMoved.isDone()) return notBack(firstMoved.problem(), m_first.item.name);
+    // Another item had taken one of the names, and gets it back; the known one tells whether that was so.
     Result<void> back = exchangeNames(nameOf(m_first), nameOf(m_second));
     Side const& known = firstMoved.isDone() ? m_first : m_second;
     if (back.isDone()) back = isAt(known, known);
