@@ -9,6 +9,7 @@
 #include "scripting/FileReferences.h"
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 namespace mac {
@@ -67,7 +68,8 @@ std::optional<ReadBlock> readBlock(std::int16_t fork, std::span<std::byte> room)
 }
 
 bool areForksEqual(std::int16_t first, std::int16_t second) {
-    // The size of the first is asked for twice, and that of the second never (specified so).
+    // By design the first fork's size is compared with itself, so that it matters only whether it can be told: forks
+    // of different sizes differ where the shorter one ends.
     std::int64_t size = 0;
     std::int64_t otherSize = 0;
     if (FSGetForkSize(first, &size) != noErr || FSGetForkSize(first, &otherSize) != noErr || size != otherSize)
@@ -117,7 +119,8 @@ NSData pxDataWithHandle_(MemoryHandle handle) {
 }
 
 MemoryHandle pxCreateHandle(NSData receiver) {
-    if (receiver.length() == 0) return {};
+    // A handle's size is a signed number of 32 bits.
+    if (receiver.length() == 0 || receiver.length() > std::numeric_limits<std::int32_t>::max()) return {};
     MemoryHandle const handle = NewHandle(static_cast<std::int32_t>(receiver.length()));
     if (handle) std::ranges::copy(receiver.span(), reinterpret_cast<std::byte*>(*handle));
     return handle;

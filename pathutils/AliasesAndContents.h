@@ -21,7 +21,8 @@ NSString pxPathOfAliasDataChangedAlias_(NSData receiver, NSData* changedAlias);
 
 // A copy of the bytes in the handle; nil for null and for a handle of no bytes.
 NSData pxDataWithHandle_(MemoryHandle handle);
-// A new handle with a copy of the bytes, which the caller disposes of; null for no bytes and without memory.
+// A new handle with a copy of the bytes, which the caller disposes of; null for no bytes, for 2 GiB and more, and
+// without memory.
 MemoryHandle pxCreateHandle(NSData receiver);
 
 // Exchanges the contents of two files, or symbolic links themselves, as FSExchangeObjects does; NO, and nothing is
@@ -29,8 +30,8 @@ MemoryHandle pxCreateHandle(NSData receiver);
 bool pxExchangeFileWith_(NSString receiver, NSString otherPath);
 
 // Whether the data forks, or the resource forks, are equal. A fork that the first file does not have, or that cannot be
-// opened, is equal to any other, so that the answer depends on the order (specified so); a fork that cannot be read
-// through is not. NO for null.
+// opened, is equal to any other: what the first file lacks counts as no difference, so that the answer depends on the
+// order. A fork that cannot be read through is not equal. NO for null.
 bool pxIsFork_equalToFork_dataFork_(FSRef const* first, FSRef const* second, BOOL dataFork);
 // Whether both forks are equal. The resource forks are read only if the data forks are.
 bool pxIsContentsOfFile_equalToFile_(FSRef const* first, FSRef const* second);

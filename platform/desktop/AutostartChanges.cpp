@@ -1,4 +1,5 @@
 #include "platform/desktop/AutostartChanges.h"
+#include "platform/desktop/DesktopEntry.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/OpenItems.h"
@@ -18,6 +19,7 @@ namespace {
 // An entry is larger than a hundred bytes and smaller by far; what is larger was not read.
 constexpr std::size_t LargestRemovedFile = std::size_t{1} << 20;
 constexpr unsigned EntryMode = 0666;
+constexpr unsigned OwnersAlone = 0600;
 constexpr unsigned MostNames = 10'000;
 
 std::span<std::byte const> bytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
@@ -68,7 +70,9 @@ Result<void> removeItem(FileDescriptor const& folder, std::string const& name, F
     Result<void, RenameProblem> const moved = renameItem(item, {folder, name}, {folder, aside.value()});
     if (!moved.isDone()) return moved.problem().error;
     if (::unlinkat(folder.number(), aside.value().c_str(), 0) != 0) return lastSystemError("unlink", name);
-    return flushFolder(folder);
+    // It is gone, also if that does not reach the disk: a failure would say that nothing was changed.
+    (void)flushFolder(folder);
+    return {};
 }
 
 // Reads what the user's file is restored from.
@@ -82,11 +86,14 @@ Result<void> remember(FileDescriptor const& folder, AutostartItem const& item, R
     FileDescriptor const file(
         ::openat(folder.number(), item.fileName.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) return lastSystemError("open", item.fileName);
+    Result<ItemAccess> access = accessOf(file);
+    if (!access.hasValue()) return access.problem();
     Result<FileContents> contents = readOpenFile(file, LargestRemovedFile);
     if (!contents.hasValue()) return contents.problem();
     if (contents.value().status != item.status)
         return SystemError{.code = ESTALE, .operation = "read", .item = item.fileName};
     removed.bytes = std::move(contents.value().bytes);
+    removed.access = access.takeValue();
     return {};
 }
 
@@ -112,8 +119,24 @@ Result<void> mask(FileDescriptor const& folder, AutostartItem const& item, Remov
     return {};
 }
 
+// Writes the user's file in place of the mask; in a free place if that is nullopt.
+Result<void> writeAsItWas(FileDescriptor const& folder, std::string const& name, RemovedAutostart const& removed,
+                          std::optional<FileStatus> const& mask) {
+    FileReplacement const how{
+        .newFileMode = OwnersAlone, .hasToBe = true, .state = mask, .beforeRenaming = [&](FileDescriptor const& file) {
+            return giveAccess(file, removed.access, InheritedList::MayBeThere);
+        }};
+    return replaceFileInFolder(folder, name, *removed.bytes, how);
+}
+
 Result<void> createAsItWas(FileDescriptor const& folder, std::string const& name, RemovedAutostart const& removed) {
-    return removed.bytes ? createFile(folder, name, *removed.bytes) : createLink(folder, name, *removed.linkText);
+    if (removed.bytes) return writeAsItWas(folder, name, removed, std::nullopt);
+    return createLink(folder, name, *removed.linkText);
+}
+
+bool isMissing(FileDescriptor const& folder, std::string const& name) {
+    Result<FileStatus> const status = fileStatusInFolder(folder, name);
+    return !status.hasValue() && status.problem().is(ENOENT);
 }
 
 std::string withoutExtension(std::string const& fileName) { return fileName.substr(0, fileName.rfind('.')); }
@@ -121,6 +144,8 @@ std::string withoutExtension(std::string const& fileName) { return fileName.subs
 } // namespace
 
 Result<std::string> addAutostart(NewAutostartEntry const& entry) {
+    if (needsLauncher(entry) && !resolvedProgram(entry.launcher))
+        return SystemError{.code = ENOENT, .operation = "start", .item = entry.launcher};
     Result<FileDescriptor> const folder = openUsersFolder();
     if (!folder.hasValue()) return folder.problem();
     std::string const text = textOfAutostartEntry(entry);
@@ -128,6 +153,8 @@ Result<std::string> addAutostart(NewAutostartEntry const& entry) {
         return createFile(folder.value(), name, bytesOf(text));
     });
 }
+
+bool needsMask(AutostartItem const& item) { return !item.isOfUser || isStartedBySystem(item.fileName); }
 
 Result<RemovedAutostart> removeAutostart(AutostartItem const& item) {
     Result<FileDescriptor> const folder = openUsersFolder();
@@ -137,9 +164,8 @@ Result<RemovedAutostart> removeAutostart(AutostartItem const& item) {
         Result<void> const remembered = remember(folder.value(), item, removed);
         if (!remembered.isDone()) return remembered.problem();
     }
-    bool const needsMask = !item.isOfUser || isStartedBySystem(item.fileName);
     Result<void> const done =
-        needsMask ? mask(folder.value(), item, removed) : removeItem(folder.value(), item.fileName, item.status);
+        needsMask(item) ? mask(folder.value(), item, removed) : removeItem(folder.value(), item.fileName, item.status);
     return done.isDone() ? Result<RemovedAutostart>(std::move(removed)) : done.problem();
 }
 
@@ -147,16 +173,16 @@ Result<std::string> restoreAutostart(RemovedAutostart const& removed) {
     Result<FileDescriptor> const folder = openUsersFolder();
     if (!folder.hasValue()) return folder.problem();
     std::string const& name = removed.fileName;
-    if (removed.mask && removed.bytes) {
-        Result<void> const written = replaceFileInFolder(
-            folder.value(), name, *removed.bytes, {.newFileMode = EntryMode, .hasToBe = true, .state = removed.mask});
+    bool const isMasked = removed.mask && !isMissing(folder.value(), name);
+    if (isMasked && removed.bytes) {
+        Result<void> const written = writeAsItWas(folder.value(), name, removed, removed.mask);
         return written.isDone() ? Result<std::string>(name) : written.problem();
     }
-    if (removed.mask) {
+    if (isMasked) {
         Result<void> const gone = removeItem(folder.value(), name, *removed.mask);
         if (!gone.isDone()) return gone.problem();
-        if (!removed.linkText) return name;
     }
+    if (!removed.bytes && !removed.linkText) return name;
     Result<void> const created = createAsItWas(folder.value(), name, removed);
     if (created.isDone()) return name;
     if (!created.problem().is(EEXIST)) return created.problem();

@@ -1,6 +1,5 @@
 #include "platform/desktop/AutostartText.h"
 #include "platform/desktop/HexText.h"
-#include "platform/desktop/StartedItem.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"
@@ -34,8 +33,8 @@ std::string nameValue(std::string_view name) {
 }
 
 std::string commandLineFor(NewAutostartEntry const& entry) {
-    if (!entry.program.empty() && isReadAlikeByDesktops(entry.program)) return quoted(entry.program);
-    return quoted(loginLauncherPath()) + " " + hexTextOf(entry.program.empty() ? entry.item : entry.program);
+    if (!needsLauncher(entry)) return quoted(entry.program);
+    return quoted(entry.launcher) + " " + hexTextOf(entry.program.empty() ? entry.item : entry.program);
 }
 
 } // namespace
@@ -44,6 +43,10 @@ bool isReadAlikeByDesktops(std::string_view path) {
     bool const isPlain = std::ranges::none_of(
         path, [](char byte) { return isControl(byte) || ReadDifferently.find(byte) != std::string_view::npos; });
     return isPlain && unitsFromUTF8(path).has_value();
+}
+
+bool needsLauncher(NewAutostartEntry const& entry) {
+    return entry.program.empty() || !isReadAlikeByDesktops(entry.program);
 }
 
 std::string textOfAutostartEntry(NewAutostartEntry const& entry) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/desktop/StartedItem.h"
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,7 +25,13 @@ struct NewAutostartEntry {
     unsigned long order{0};
     // A text without line ends, backslashes and blanks at its ends.
     std::string note{};
+    // The path of the launcher.
+    std::string launcher{loginLauncherPath()};
 };
+
+// Whether the entry's command line names the launcher: without a program, and for one whose path not every desktop
+// reads alike.
+bool needsLauncher(NewAutostartEntry const& entry);
 
 // The name for people is the item's file name without ".app".
 std::string textOfAutostartEntry(NewAutostartEntry const& entry);

@@ -1,10 +1,13 @@
 #include "platform/desktop/Places.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
 #include "platform/system/XDGFolders.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <algorithm>
 #include <cerrno>
+#include <fcntl.h>
 #include <span>
 #include <string_view>
 
@@ -189,24 +192,75 @@ Result<void> replace(std::string const& file, PlacesText const& old, std::string
     return replaceFileAtPath(file, std::as_bytes(std::span(text)), how);
 }
 
-Removals changeFile(FileChange const& change, PlacesSteps const& steps) {
+// A file that was replaced, with what takes that back.
+struct ChangedFile {
+    std::string file{};
+    PlacesText before{};
+    // Empty if there was nothing to write.
+    std::optional<std::string> written{};
+    std::vector<RemovedPlace> removed{};
+};
+
+std::string textToChange(PlacesText const& text, PlacesList list) {
+    return text.state ? text.text : std::string(formatOf(list).emptyFile);
+}
+
+Result<ChangedFile, PlacesProblem> changeFile(FileChange const& change, PlacesSteps const& steps) {
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         Result<PlacesText> const old = readText(change.file);
         if (!old.hasValue()) return systemProblem(old.problem());
-        std::string text = old.value().state ? old.value().text : std::string(formatOf(change.list).emptyFile);
+        std::string text = textToChange(old.value(), change.list);
         std::string const before = text;
         Removals removed = edit(change, text);
-        if (!removed.hasValue() || text == before) return removed;
+        if (!removed.hasValue()) return removed.problem();
+        ChangedFile changed{.file = change.file, .before = old.value(), .removed = removed.takeValue()};
+        if (text == before) return changed;
         if (steps.beforeReplacing) steps.beforeReplacing(change.file);
         Result<void> const folder =
             old.value().state ? Result<void>() : makeFolderAtPath(BytePath(change.file).parent());
         if (!folder.isDone()) return systemProblem(folder.problem());
         Result<void> const replaced = replace(change.file, old.value(), text);
-        if (replaced.isDone()) return removed;
+        if (replaced.isDone()) {
+            changed.written = std::move(text);
+            return changed;
+        }
         bool const isOvertaken = replaced.problem().is(EAGAIN) || replaced.problem().is(EEXIST);
         if (!isOvertaken) return systemProblem(replaced.problem());
     }
     return changedProblem(change.file);
+}
+
+// Why the change cannot be made in the file as it is now.
+std::optional<PlacesProblem> obstacle(FileChange const& change) {
+    Result<PlacesText> const now = readText(change.file);
+    if (!now.hasValue()) return systemProblem(now.problem());
+    std::string text = textToChange(now.value(), change.list);
+    Removals const edited = edit(change, text);
+    return edited.hasValue() ? std::nullopt : std::optional(edited.problem());
+}
+
+// Removes the file if it is still the one that was read.
+Result<void> removeFile(std::string const& file, FileStatus const& expected) {
+    Result<FileDescriptor> const folder = openPath(BytePath(file).parent(), O_RDONLY | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
+    std::string const name(BytePath(file).leaf());
+    Result<ItemStatus> const status = statusOf(folder.value(), name);
+    if (!status.hasValue()) return status.problem();
+    Result<FileStatus> const now = fileStatusInFolder(folder.value(), name);
+    if (!now.hasValue()) return now.problem();
+    if (now.value() != expected) return SystemError{.code = ESTALE, .operation = "remove", .item = file};
+    return removeExactly(folder.value(), name, status.value());
+}
+
+// Gives the file its text from before the change, unless another program has written it since.
+Result<void, PlacesProblem> takeBack(ChangedFile const& changed) {
+    if (!changed.written) return {};
+    Result<PlacesText> const now = readText(changed.file);
+    if (!now.hasValue()) return systemProblem(now.problem());
+    if (!now.value().state || now.value().text != *changed.written) return changedProblem(changed.file);
+    Result<void> const back = changed.before.state ? replace(changed.file, now.value(), changed.before.text)
+                                                   : removeFile(changed.file, *now.value().state);
+    return back.isDone() ? Result<void, PlacesProblem>() : systemProblem(back.problem());
 }
 
 } // namespace
@@ -221,12 +275,26 @@ KnownPlaces readPlaces() {
 
 PlacesOutcome changePlaces(PlacesChange const& change, PlacesSteps const& steps) {
     PlacesOutcome outcome;
-    for (FileChange const& each : byFile(change)) {
-        Removals removed = changeFile(each, steps);
-        if (removed.hasValue())
-            std::ranges::move(removed.value(), std::back_inserter(outcome.removed));
-        else
-            outcome.problems.push_back(removed.problem());
+    std::vector<FileChange> const files = byFile(change);
+    for (FileChange const& each : files) {
+        if (std::optional<PlacesProblem> problem = obstacle(each)) outcome.problems.push_back(*std::move(problem));
+    }
+    if (!outcome.problems.empty()) return outcome;
+    std::vector<ChangedFile> changed;
+    for (FileChange const& each : files) {
+        Result<ChangedFile, PlacesProblem> made = changeFile(each, steps);
+        if (!made.hasValue()) {
+            outcome.problems.push_back(made.problem());
+            break;
+        }
+        changed.push_back(made.takeValue());
+    }
+    bool const isDone = outcome.problems.empty();
+    for (ChangedFile& each : changed) {
+        Result<void, PlacesProblem> const back = isDone ? Result<void, PlacesProblem>() : takeBack(each);
+        if (!isDone && back.isDone()) continue;
+        if (!back.isDone()) outcome.problems.push_back(back.problem());
+        std::ranges::move(each.removed, std::back_inserter(outcome.removed));
     }
     return outcome;
 }

@@ -72,7 +72,7 @@ struct PlacesChange {
 };
 
 struct PlacesOutcome {
-    // In the order of their removal, what was removed.
+    // In the order of their removal, what was removed and stays so.
     std::vector<RemovedPlace> removed{};
     // Empty if the whole change was made.
     std::vector<PlacesProblem> problems{};
@@ -86,7 +86,9 @@ struct PlacesSteps {
 // Changes the lists, each by one rename; what is not part of the change stays byte for byte, and so do entries that
 // others added meanwhile. The file is read again right before the rename, and the change is made anew if it differs.
 // Only what a browser writes between that reading and the rename, a matter of microseconds, is lost; there is no lock
-// that browsers know.
+// that browsers know. All lists are changed or none: nothing is written if one of them cannot be changed, and if a
+// later one cannot be written, the earlier ones get their texts back; a list that another program has written since
+// stays changed, which is a problem of its own.
 PlacesOutcome changePlaces(PlacesChange const& change, PlacesSteps const& steps = {});
 
 } // namespace mac

@@ -6,6 +6,7 @@
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemRename.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include <cerrno>
@@ -74,6 +75,11 @@ Result<void> exchangeNames(NameInFolder first, NameInFolder second) {
     return {};
 }
 
+// An item that stays at the other one's name.
+SystemError notBack(SystemError const& cause, std::string const& name) {
+    return {.code = cause.code, .operation = "exchange back", .item = name};
+}
+
 // One of the two, with what is known of it before the exchange.
 struct Side {
     OpenItem const& item;
@@ -89,6 +95,7 @@ Result<Side> sideOf(OpenItem const& item) {
     if (S_ISDIR(status.st_mode)) return problem(EISDIR, item.name);
     if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) return problem(EINVAL, item.name);
     if (status.st_nlink > 1) return problem(EMLINK, item.name);
+    if (lockOf(item) == ItemLock::Locked) return lockedItem(item.name);
     if (S_ISLNK(status.st_mode)) return Side{.item = item, .isLink = true};
     Result<NamesMetadata> metadata = metadataOf(item);
     if (!metadata.hasValue()) return metadata.problem();
@@ -108,7 +115,8 @@ private:
     Result<void> told(ExchangeStep step) const { return m_steps ? m_steps(step) : Result<void>(); }
     Result<void> exchangeItemNames() const;
     Result<void> exchangeSidecars() const;
-    void exchangeSidecarsBack() const;
+    Result<void> exchangeSidecarsBack() const;
+    Result<void> takeBack() const;
     Result<void> exchangeMetadata() const;
     Result<OpenItem> openMoved(Side const& moved, Side const& place) const;
 
@@ -119,18 +127,35 @@ private:
 
 NameInFolder nameOf(Side const& side) { return {side.item.folder, side.item.name}; }
 
+// Done if the item has the name of the place.
+Result<void> isAt(Side const& place, Side const& item) {
+    return confirmItemInFolder(place.item.folder, place.item.name, item.item.item);
+}
+
 Result<void> Exchange::exchangeItemNames() const {
     for (Side const* side : {&m_first, &m_second}) {
-        Result<void> const there = confirmItemInFolder(side->item.folder, side->item.name, side->item.item);
+        Result<void> const there = isAt(*side, *side);
         if (!there.isDone()) return there;
     }
     Result<void> const exchanged = exchangeNames(nameOf(m_first), nameOf(m_second));
     if (!exchanged.isDone()) return exchanged;
-    bool const areThese = confirmItemInFolder(m_second.item.folder, m_second.item.name, m_first.item.item).isDone() &&
-                          confirmItemInFolder(m_first.item.folder, m_first.item.name, m_second.item.item).isDone();
-    if (areThese) return {};
-    static_cast<void>(exchangeNames(nameOf(m_first), nameOf(m_second)));
-    return problem(ESTALE, m_first.item.name);
+    Result<void> const firstMoved = isAt(m_second, m_first);
+    Result<void> const secondMoved = isAt(m_first, m_second);
+    if (firstMoved.isDone() && secondMoved.isDone()) return {};
+    if (!firstMoved.isDone() && !secondMoved.isDone()) return notBack(firstMoved.problem(), m_first.item.name);
+    // Another item had taken one of the names, and gets it back; the known one tells whether that was so.
+    Result<void> back = exchangeNames(nameOf(m_first), nameOf(m_second));
+    Side const& known = firstMoved.isDone() ? m_first : m_second;
+    if (back.isDone()) back = isAt(known, known);
+    return back.isDone() ? problem(ESTALE, m_first.item.name) : notBack(back.problem(), m_first.item.name);
+}
+
+// Gives both items their own names back, unless another item has one of the names by now.
+Result<void> Exchange::takeBack() const {
+    Result<void> back = isAt(m_second, m_first);
+    if (back.isDone()) back = isAt(m_first, m_second);
+    if (back.isDone()) back = exchangeNames(nameOf(m_first), nameOf(m_second));
+    return back.isDone() ? back : notBack(back.problem(), m_first.item.name);
 }
 
 // A sidecar holds the resource fork, which goes with the contents.
@@ -145,16 +170,22 @@ Result<void> Exchange::exchangeSidecars() const {
     return {};
 }
 
-void Exchange::exchangeSidecarsBack() const {
+Result<void> Exchange::exchangeSidecarsBack() const {
     std::string const firstName = AppleDoubleSidecar::nameFor(m_first.item.name);
     std::string const secondName = AppleDoubleSidecar::nameFor(m_second.item.name);
     NameInFolder const first{m_first.item.folder, firstName};
     NameInFolder const second{m_second.item.folder, secondName};
-    if (m_first.sidecar && m_second.sidecar) return static_cast<void>(exchangeNames(first, second));
-    if (m_first.sidecar)
-        static_cast<void>(renameWithoutReplacing(second.folder, second.name, first.folder, first.name));
-    if (m_second.sidecar)
-        static_cast<void>(renameWithoutReplacing(first.folder, first.name, second.folder, second.name));
+    Result<void> back;
+    if (m_first.sidecar) back = confirmItemInFolder(second.folder, second.name, m_first.sidecar->file);
+    if (back.isDone() && m_second.sidecar) back = confirmItemInFolder(first.folder, first.name, m_second.sidecar->file);
+    if (!back.isDone()) return notBack(back.problem(), firstName);
+    if (m_first.sidecar && m_second.sidecar)
+        back = exchangeNames(first, second);
+    else if (m_first.sidecar)
+        back = renameWithoutReplacing(second.folder, second.name, first.folder, first.name);
+    else if (m_second.sidecar)
+        back = renameWithoutReplacing(first.folder, first.name, second.folder, second.name);
+    return back.isDone() ? back : notBack(back.problem(), firstName);
 }
 
 // The item that has moved to the other one's name.
@@ -187,10 +218,13 @@ Result<void> Exchange::run() const {
     if (done.isDone()) {
         done = told(ExchangeStep::SidecarsFollowed);
         if (done.isDone()) done = exchangeMetadata();
-        if (!done.isDone()) exchangeSidecarsBack();
+        Result<void> const back = done.isDone() ? done : exchangeSidecarsBack();
+        // The resource forks stay with the contents.
+        if (!back.isDone()) return back;
     }
-    if (!done.isDone()) static_cast<void>(exchangeNames(nameOf(m_first), nameOf(m_second)));
-    return done;
+    if (done.isDone()) return done;
+    Result<void> const back = takeBack();
+    return back.isDone() ? done : back;
 }
 
 } // namespace

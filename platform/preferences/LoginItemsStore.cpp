@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <deque>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -98,6 +99,8 @@ Plan planFor(NSArray const& items, KnownLoginItems const& known) {
         else
             plan.kept.addObject_(element);
     }
+    // What needs a new file can fail most easily; then nothing has been removed yet.
+    std::ranges::stable_partition(plan.removals, [](ReadItem const& read) { return needsMask(read.item); });
     return plan;
 }
 
@@ -108,7 +111,8 @@ public:
 
     // False if a step failed; then the steps before it are taken back.
     bool carryOut();
-    // The names of the entries that were added or restored, and what was removed.
+    // The names of the entries that were added or restored, and what was removed; after a failure, what was removed and
+    // could not be put back.
     std::vector<std::pair<NSDictionary, std::string>> takeNames() { return std::move(m_names); }
     std::vector<RemovedItem> takeRemoved() { return std::move(m_removed); }
 
@@ -150,10 +154,9 @@ bool LoginItemChange::remove() {
     });
 }
 
-// What cannot be taken back stays: the next read shows it.
+// What was added and cannot be taken back stays: the next read shows it.
 void LoginItemChange::takeBack() {
-    for (RemovedItem const& item : m_removed)
-        (void)restoreAutostart(item.entry);
+    std::erase_if(m_removed, [](RemovedItem const& item) { return restoreAutostart(item.entry).hasValue(); });
     AutostartItems const now = autostartItems();
     for (auto const& [object, name] : m_names) {
         auto const added = std::ranges::find(now.items, name, &AutostartItem::fileName);
@@ -178,6 +181,11 @@ std::vector<ReadItem> itemsNamed(std::vector<std::pair<NSDictionary, std::string
     return items;
 }
 
+void remember(std::vector<RemovedItem> gone, KnownLoginItems& known) {
+    std::ranges::move(gone, std::front_inserter(known.removed));
+    if (known.removed.size() > MostRemoved) known.removed.resize(MostRemoved);
+}
+
 } // namespace
 
 NativeItems readLoginItems(NSArray const& kept) {
@@ -199,15 +207,21 @@ NativeWriting writeLoginItems(NSArray const& items) {
     KnownLoginItems& known = knownLoginItems();
     Plan plan = planFor(items, known);
     LoginItemChange change(plan);
-    if (!change.carryOut()) return {.kept = known.kept, .isDone = false};
+    bool const isDone = change.carryOut();
+    std::vector<RemovedItem> gone = change.takeRemoved();
+    if (!isDone) {
+        // No longer among those that are there, so that they are put back when they are written again.
+        for (RemovedItem const& item : gone)
+            (void)taken(known.items, [&](ReadItem const& read) { return isSame(read.object, item.object); });
+        remember(std::move(gone), known);
+        return {.kept = known.kept, .isDone = false};
+    }
     known.items = std::move(plan.staying);
     std::ranges::move(itemsNamed(change.takeNames()), std::back_inserter(known.items));
     for (RemovedItem const& restored : plan.restorations) {
         (void)taken(known.removed, [&](RemovedItem const& item) { return isSame(item.object, restored.object); });
     }
-    for (RemovedItem& removed : change.takeRemoved())
-        known.removed.push_front(std::move(removed));
-    if (known.removed.size() > MostRemoved) known.removed.resize(MostRemoved);
+    remember(std::move(gone), known);
     known.kept = plan.kept;
     return {.kept = plan.kept};
 }

@@ -162,7 +162,7 @@ TEST_P(ContentsOfSize, AreEqualByteByByte) {
     }
 }
 
-// Around the blocks that are specified, and those that are read.
+// Around blocks of 1 KiB, a size that does not matter, and of 128 KiB, which are read at once.
 INSTANTIATE_TEST_SUITE_P(AliasesAndContents, ContentsOfSize,
                          testing::Values(0, 1, 1'023, 1'024, 1'025, 2'048, 131'072, 132'095, 132'096, 132'097,
                                          263'168));

@@ -36,3 +36,13 @@ extern "C" ssize_t getxattr(char const* path, char const* name, void* value, std
     mac::test::AttributeCalls::tell();
     return ::syscall(SYS_getxattr, path, name, value, size);
 }
+
+extern "C" ssize_t llistxattr(char const* path, char* list, std::size_t size) noexcept {
+    mac::test::AttributeCalls::tell();
+    return ::syscall(SYS_llistxattr, path, list, size);
+}
+
+extern "C" ssize_t lgetxattr(char const* path, char const* name, void* value, std::size_t size) noexcept {
+    mac::test::AttributeCalls::tell();
+    return ::syscall(SYS_lgetxattr, path, name, value, size);
+}

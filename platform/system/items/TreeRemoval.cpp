@@ -69,6 +69,7 @@ private:
     void enter(std::string const& name);
     bool leave();
     void remove(std::string const& name, int flags);
+    Result<void> mayRemove(std::string const& name) const;
     // The name is that of an item in the current folder; empty for the folder itself.
     void fail(std::string const& name, SystemError const& error);
     // The path of an item in the current folder from the folder that holds the one to be emptied.
@@ -121,9 +122,10 @@ void ContentsRemoval::list(ItemPlace const& place, std::string name) {
 void ContentsRemoval::enter(std::string const& name) {
     Result<OpenFolder> opened = openToEmpty(m_folder, name, m_rules);
     if (!opened.hasValue()) {
+        if (opened.problem().is(ENOENT)) return;
         // A folder that may not be listed can be empty.
-        bool const isGone =
-            opened.problem().is(ENOENT) || ::unlinkat(m_folder.number(), name.c_str(), AT_REMOVEDIR) == 0;
+        if (Result<void> const may = mayRemove(name); !may.isDone()) return fail(name, may.problem());
+        bool const isGone = ::unlinkat(m_folder.number(), name.c_str(), AT_REMOVEDIR) == 0;
         return isGone ? void() : fail(name, opened.problem());
     }
     ItemPlace const& place = opened.value().place;
@@ -149,9 +151,12 @@ bool ContentsRemoval::leave() {
     return true;
 }
 
+Result<void> ContentsRemoval::mayRemove(std::string const& name) const {
+    return m_rules.beforeRemoval ? m_rules.beforeRemoval(m_folder, name, pathOf(name)) : Result<void>();
+}
+
 void ContentsRemoval::remove(std::string const& name, int flags) {
-    Result<void> const may =
-        m_rules.beforeRemoval ? m_rules.beforeRemoval(m_folder, name, pathOf(name)) : Result<void>();
+    Result<void> const may = mayRemove(name);
     if (!may.isDone()) return fail(name, may.problem());
     Result<void> const removed = unlinkName(m_folder, name, flags);
     if (removed.isDone()) return;

@@ -66,6 +66,18 @@ TEST_F(AutostartChanges, AProgramThatDesktopsReadDifferentlyIsStartedByTheLaunch
     EXPECT_TRUE(isReadAlikeByDesktops("/a b!#&()*+,-./:;<>?@[]^_{|}~\xC3\xA4"));
 }
 
+TEST_F(AutostartChanges, NoEntryIsWrittenForALauncherThatIsMissing) {
+    NewAutostartEntry missing{.program = "/opt/$x", .item = Bundle, .launcher = m_folder.path("no launcher")};
+    EXPECT_EQ(addAutostart(missing).problem().code, ENOENT);
+    missing.program.clear();
+    EXPECT_EQ(addAutostart(missing).problem().code, ENOENT);
+    EXPECT_EQ(items(), Names());
+    missing.launcher = m_folder.makeFile("not executable", "x");
+    EXPECT_EQ(addAutostart(missing).problem().code, ENOENT);
+    missing.program = Program;
+    EXPECT_TRUE(addAutostart(missing).hasValue()) << "needs none";
+}
+
 TEST_F(AutostartChanges, ARemovedEntryComesBackAsItWas) {
     std::string const text = entry("/bin/true") + "# a comment\nX-Other=kept\n";
     addOfUser("a.desktop", text);
@@ -74,6 +86,39 @@ TEST_F(AutostartChanges, ARemovedEntryComesBackAsItWas) {
     EXPECT_EQ(namesOfUser(), Names{"b.desktop"});
     EXPECT_EQ(restored(gone), "a.desktop");
     EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), text);
+}
+
+TEST_F(AutostartChanges, WhatARemovedEntryHidFromOthersStaysHidden) {
+    for (mode_t const permissions : {0600U, 0640U, 0755U}) {
+        addOfUser("a.desktop", entry("/bin/true --secret"));
+        ASSERT_EQ(::chmod(pathOfUser("a.desktop").c_str(), permissions), 0);
+        ASSERT_EQ(::chown(pathOfUser("a.desktop").c_str(), ::geteuid(), ::getegid()), 0);
+        EXPECT_EQ(restored(removed("a.desktop")), "a.desktop");
+        struct stat status {};
+        ASSERT_EQ(::stat(pathOfUser("a.desktop").c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, permissions);
+    }
+}
+
+TEST_F(AutostartChanges, AnEntryWhoseMaskIsGoneComesBack) {
+    addOfUser("a.desktop", entry("/bin/user"));
+    addOfSystem("a.desktop", entry("/bin/system"));
+    addOfSystem("s.desktop", entry("/bin/system"));
+    RemovedAutostart const gone = removed("a.desktop");
+    RemovedAutostart const hidden = removed("s.desktop");
+    ASSERT_EQ(::unlink(pathOfUser("a.desktop").c_str()), 0);
+    ASSERT_EQ(::unlink(pathOfUser("s.desktop").c_str()), 0);
+    EXPECT_EQ(restored(gone), "a.desktop");
+    EXPECT_EQ(restored(hidden), "s.desktop");
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), entry("/bin/user"));
+    EXPECT_EQ(namesOfUser(), Names{"a.desktop"});
+}
+
+TEST_F(AutostartChanges, ARemovalThatCannotBeFlushedCanStillBeTakenBack) {
+    addOfUser("a.desktop", entry("/bin/true"));
+    AutostartItem const there = item("a.desktop");
+    withRefusedCall(SYS_fsync, EIO, [&] { EXPECT_TRUE(removeAutostart(there).hasValue()); });
+    EXPECT_EQ(namesOfUser(), Names());
 }
 
 TEST_F(AutostartChanges, ARemovedLinkComesBackAndItsFileStays) {

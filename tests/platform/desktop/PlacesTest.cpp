@@ -233,10 +233,47 @@ TEST_F(Places, AreNotWrittenWhereTheFileCannotBeRead) {
         << known.problems[0].text;
     PlacesOutcome const outcome =
         changePlaces({.removed = {placeOf("file:///a"), place}, .added = {{PlacesList::KDE, "file:///b", ""}}});
-    EXPECT_EQ(outcome.removed.size(), 1U);
+    EXPECT_TRUE(outcome.removed.empty());
     EXPECT_EQ(outcome.problems.size(), 1U);
     EXPECT_EQ(textOf(m_userPlaces), cut);
-    EXPECT_EQ(textOf(m_bookmarks), "");
+    EXPECT_EQ(textOf(m_bookmarks), "file:///a\n") << "a change is made in all files or in none";
+}
+
+// The second list is damaged once the first one has been written.
+TEST_F(Places, AreAsBeforeWhereALaterListRefuses) {
+    std::string const cut = "<xbel><bookmark href=\"file:///kde\">";
+    for (bool const isNew : {false, true}) {
+        bookmarks("file:///a\n");
+        userPlaces();
+        PlacesChange const both{.removed = {placeOf("file:///a"), placeOf("file:///kde")},
+                                .added = {{PlacesList::GTK, "file:///b", ""}}};
+        ASSERT_TRUE(!isNew || ::unlink(m_bookmarks.c_str()) == 0);
+        PlacesOutcome const outcome = changePlaces(both, {[&](std::string const& file) {
+                                                       if (file == m_userPlaces) userPlaces(cut);
+                                                   }});
+        EXPECT_TRUE(outcome.removed.empty());
+        ASSERT_EQ(outcome.problems.size(), 1U);
+        EXPECT_EQ(outcome.problems[0].kind, PlacesProblem::Kind::Form);
+        EXPECT_EQ(isThere(m_bookmarks), !isNew);
+        EXPECT_TRUE(isNew || textOf(m_bookmarks) == "file:///a\n") << textOf(m_bookmarks);
+        EXPECT_EQ(textOf(m_userPlaces), cut);
+    }
+}
+
+// A browser has written the first list when the second one refuses.
+TEST_F(Places, ThatABrowserWroteMeanwhileAreNotTakenBack) {
+    bookmarks("file:///a\n");
+    userPlaces();
+    PlacesChange const both{.removed = {placeOf("file:///a"), placeOf("file:///kde")}};
+    PlacesOutcome const outcome = changePlaces(both, {[&](std::string const& file) {
+                                                   if (file != m_userPlaces) return;
+                                                   bookmarks("file:///c\n");
+                                                   userPlaces("<xbel>");
+                                               }});
+    ASSERT_EQ(outcome.removed.size(), 1U) << "it can still be put back";
+    EXPECT_EQ(outcome.removed[0].place.uri, "file:///a");
+    EXPECT_EQ(outcome.problems.size(), 2U);
+    EXPECT_EQ(textOf(m_bookmarks), "file:///c\n");
 }
 
 TEST_F(Places, AreNotReadFromHugeFiles) {

@@ -2,6 +2,7 @@
 #include "platform/files/CatalogInformation.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/system/items/ItemLock.h"
 #include "tests/platform/files/References.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/PrivateMounts.h"
@@ -198,6 +199,35 @@ TEST_F(ItemExchange, LeavesAnItemAloneThatHasTakenTheName) {
     EXPECT_EQ(exchangeItems(first, open(m_second)).problem().code, ESTALE);
     EXPECT_EQ(textOf(m_first), "a third");
     EXPECT_EQ(textOf(m_second), "the other");
+}
+
+TEST_F(ItemExchange, LeavesLockedFilesAlone) {
+    makeFiles("files");
+    for (std::string const& locked : {m_first, m_second}) {
+        ASSERT_TRUE(setLock(open(locked), ItemLock::Locked).isDone());
+        EXPECT_EQ(exchangeItems(open(m_first), open(m_second)).problem().code, ItemIsLocked);
+        ASSERT_TRUE(setLock(open(locked), ItemLock::Unlocked).isDone());
+    }
+    EXPECT_EQ(textOf(m_first), "one");
+    EXPECT_EQ(textOf(m_second), "the other");
+}
+
+// An item that takes a name between the exchange and its end is not moved to the other name.
+TEST_F(ItemExchange, TakesNothingBackWhereAnotherItemHasTakenTheName) {
+    for (bool const isFirst : {true, false}) {
+        makeFiles("files");
+        std::string const& taken = isFirst ? m_first : m_second;
+        Result<void> const done = exchangeItems(open(m_first), open(m_second), [&](ExchangeStep) {
+            m_folder.makeFile("replacement", "a third");
+            EXPECT_EQ(::rename(m_folder.path("replacement").c_str(), taken.c_str()), 0);
+            return Result<void>(SystemError{.code = EIO});
+        });
+        EXPECT_EQ(done.problem().code, ESTALE);
+        EXPECT_STREQ(done.problem().operation, "exchange back");
+        EXPECT_EQ(done.problem().item, "first");
+        EXPECT_EQ(textOf(taken), "a third");
+        EXPECT_EQ(textOf(isFirst ? m_second : m_first), isFirst ? "one" : "the other");
+    }
 }
 
 // A file system without attributes, where sidecars hold them.

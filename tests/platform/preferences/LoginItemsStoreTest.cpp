@@ -4,9 +4,12 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/Refusals.h"
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -144,6 +147,28 @@ TEST_F(LoginItemsStore, AChangeThatFailsHalfwayIsTakenBack) {
     addEntry("b.desktop", entry("/bin/three"));
     EXPECT_FALSE(write(list({item("/x/Mirror Frame.app")})));
     EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}, {"b.desktop", entry("/bin/three")}}));
+}
+
+// The disk takes no new file, so that the entry that was removed first cannot be put back at once.
+TEST_F(LoginItemsStore, AnEntryThatCouldNotBePutBackIsNotForgotten) {
+    addEntry("a.desktop", entry("/bin/one"));
+    addEntry("b.desktop", entry("/bin/two"));
+    NSArray const both = readLoginItems(NSArray::array()).items;
+    addEntry("b.desktop", entry("/bin/three"));
+    withRefusedCall(SYS_fsync, EIO, [] { EXPECT_FALSE(writeLoginItems(NSArray::array()).isDone); });
+    ASSERT_EQ(files(), (Files{{"b.desktop", entry("/bin/three")}}));
+    EXPECT_TRUE(writeLoginItems(both).isDone);
+    EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}, {"b.desktop", entry("/bin/three")}}));
+}
+
+// Hiding an entry of the system takes a new file, which the disk refuses.
+TEST_F(LoginItemsStore, WhatNeedsANewFileIsRemovedFirst) {
+    addEntry("a.desktop", entry("/bin/one"));
+    m_folder.makeFile("system/autostart/s.desktop", entry("/bin/true"));
+    EnvironmentVariable const folders("XDG_CONFIG_DIRS", m_folder.path("system"));
+    ASSERT_EQ(read().count(), 2U);
+    withRefusedCall(SYS_fsync, EIO, [] { EXPECT_FALSE(write(NSArray::array())); });
+    EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}}));
 }
 
 TEST_F(LoginItemsStore, AFolderThatMayNotBeWrittenIsTold) {

@@ -85,6 +85,24 @@ TEST_F(TreeRemoval, OpensClosedFoldersOnlyIfToldSo) {
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>());
 }
 
+TEST_F(TreeRemoval, AsksBeforeItRemovesAFolderThatCannotBeListed) {
+    m_folder.makeFolder("tree/closed");
+    for (char const* const name : {"", "tree", "tree/closed"})
+        OrdinaryUser::own(m_folder.path(name));
+    OrdinaryUser const user;
+    ASSERT_EQ(::chmod(m_folder.path("tree/closed").c_str(), 0), 0);
+    std::vector<std::string> asked;
+    RemovalRules const rules{
+        .beforeRemoval = [&](FileDescriptor const&, std::string const&, std::string const& path) -> Result<void> {
+            asked.push_back(path);
+            return SystemError{.code = EBUSY};
+        }};
+    EXPECT_EQ(remove("tree", rules), EBUSY);
+    EXPECT_EQ(asked, std::vector<std::string>{"tree/closed"});
+    EXPECT_EQ(namesIn(m_folder.path("tree")), std::vector<std::string>{"closed"});
+    EXPECT_EQ(remove("tree"), 0);
+}
+
 TEST_F(TreeRemoval, CanBeGivenUp) {
     m_folder.makeFile("tree/a/file", "x");
     m_folder.makeFile("tree/b/file", "x");
