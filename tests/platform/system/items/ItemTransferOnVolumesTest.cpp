@@ -35,8 +35,9 @@ TEST_F(ItemTransferOnVolumes, KeepsTheOriginalOfACopyThatCouldNotBeWritten) {
             EXPECT_EQ(errorOf(copy, m_folder.path("tree/inner"), m_point.path(), "tree"), ofCopy) << call;
         });
         expectTree(m_folder.path("tree"));
-        using Names = std::vector<std::string>;
-        EXPECT_EQ(namesIn(m_point.path()), call == SYS_close ? Names() : Names{"tree"}) << "a copy is not flushed";
+        std::vector<std::string> const whole{"tree"};
+        EXPECT_EQ(namesIn(m_point.path()), call == SYS_close ? std::vector<std::string>() : whole)
+            << "a copy is not flushed";
     }
 }
 
