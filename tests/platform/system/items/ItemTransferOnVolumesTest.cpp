@@ -3,13 +3,38 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
+#include <filesystem>
 #include <fstream>
+#include <set>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 namespace mac::test {
 
 namespace {
+
+std::set<int> openDescriptors() {
+    std::set<int> open;
+    for (auto const& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        open.insert(std::stoi(entry.path().filename()));
+    return open;
+}
+
+// Closes in the end what has been opened since: a close that the system refused here has closed nothing.
+class ClosedAgain {
+public:
+    ClosedAgain() : m_before(openDescriptors()) {}
+    ~ClosedAgain() {
+        for (int const number : openDescriptors())
+            if (!m_before.contains(number)) ::close(number);
+    }
+    ClosedAgain(ClosedAgain const&) = delete;
+    ClosedAgain& operator=(ClosedAgain const&) = delete;
+
+private:
+    std::set<int> const m_before;
+};
 
 class ItemTransferOnVolumes : public PrivateMounts {
 protected:
@@ -29,6 +54,7 @@ TEST_F(ItemTransferOnVolumes, KeepsTheOriginalOfACopyThatCouldNotBeWritten) {
     mountMemory(m_point.path());
     makeTree(m_folder, "tree");
     for (long const call : {SYS_close, SYS_fdatasync}) {
+        ClosedAgain const closed;
         withRefusedCall(call, EIO, [&] {
             EXPECT_EQ(errorOf(move, m_folder.path("tree"), m_point.path(), "tree"), EIO) << call;
             int const ofCopy = call == SYS_close ? EIO : 0;
