@@ -11,6 +11,7 @@ public:
     class Body;
     using Handle::Handle;
 
+    // Its name, superclass and methods, for its registration.
     static ClassDescription describeClass();
 
     // Keeps the dictionary, whose "Error" is a message for people; always NO.
@@ -20,6 +21,7 @@ public:
 
     // The dictionary of the last failure; nil until there is one.
     NSDictionary errorInfo() const;
+    // Keeps this dictionary instead; nil forgets the last failure.
     void setErrorInfo_(NSDictionary const& errorInfo) const;
 };
 

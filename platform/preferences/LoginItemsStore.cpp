@@ -100,7 +100,8 @@ Plan planFor(NSArray const& items, KnownLoginItems const& known) {
             plan.kept.addObject_(element);
     }
     // What needs a new file can fail most easily; then nothing has been removed yet.
-    std::ranges::stable_partition(plan.removals, [](ReadItem const& read) { return needsMask(read.item); });
+    std::stable_partition(plan.removals.begin(), plan.removals.end(),
+                          [](ReadItem const& read) { return needsMask(read.item); });
     return plan;
 }
 

@@ -4,10 +4,16 @@
 #include "tests/support/CommandOutput.h"
 #include <memory>
 #include <sstream>
+#include <string>
 
 namespace framekeeper::test {
 
 using namespace mac::test;
+
+// The files of the program, of the script that makes the sample home, and of the one that uses a window.
+std::string programFile();
+std::string sampleHomeScript();
+std::string windowScript();
 
 // The program on a display and a bus of its own with the sample home, used as a person does who cannot see it.
 class ProgramInASession : public testing::Test {
@@ -15,14 +21,14 @@ protected:
     void SetUp() override {
         std::optional<std::string> const obstacle = VirtualSession::obstacle();
         if (obstacle) GTEST_SKIP() << *obstacle;
-        outputOf({MAKE_SAMPLE_HOME, m_home});
+        outputOf({sampleHomeScript(), m_home});
         m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
     }
 
     void startProgram() {
         // What it logs is read with what it prints.
-        m_program =
-            std::make_unique<ChildProcess>(std::vector<std::string>{"/bin/sh", "-c", "exec \"$0\" 2>&1", PROGRAM});
+        m_program = std::make_unique<ChildProcess>(
+            std::vector<std::string>{"/bin/sh", "-c", "exec \"$0\" 2>&1", programFile()});
     }
 
     std::string pathOfCopy(std::string const& place) const { return m_home + "/" + place + "/Mirror Frame.app"; }
@@ -33,7 +39,7 @@ protected:
     }
 
     std::vector<std::string> row(std::string const& path) const {
-        std::istringstream lines(outputOf({USE_WINDOW, std::to_string(m_program->pid()), "row", path}));
+        std::istringstream lines(outputOf({windowScript(), std::to_string(m_program->pid()), "row", path}));
         std::vector<std::string> cells;
         for (std::string line; std::getline(lines, line);)
             cells.push_back(line);
@@ -46,7 +52,7 @@ protected:
         });
     }
     void quit(std::string const& path) const {
-        std::vector<std::string> const command{USE_WINDOW, std::to_string(m_program->pid()), "quit", path};
+        std::vector<std::string> const command{windowScript(), std::to_string(m_program->pid()), "quit", path};
         EXPECT_TRUE(waitUntil([&] { return outputOf(command) == "pressed\n"; }));
     }
     // The next line of its log that has the text.
@@ -59,7 +65,7 @@ protected:
 
     // What the script answers for the program's window; the verbs stand there.
     std::string use(std::vector<std::string> const& words) const {
-        std::vector<std::string> command{USE_WINDOW, std::to_string(m_program->pid())};
+        std::vector<std::string> command{windowScript(), std::to_string(m_program->pid())};
         command.insert(command.end(), words.begin(), words.end());
         return outputOf(command);
     }
