@@ -6,6 +6,8 @@
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
+#include <cerrno>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -83,9 +85,10 @@ TEST_F(FileOperationsMoving, CopiesToAPathThatNamesTheCopy) {
     EXPECT_TRUE(pxCopyToPath_(at("source"), at("target/copy")) == nil);
     EXPECT_EQ(textOf(m_folder.path("target/copy/inner/file")), "inner");
     EXPECT_EQ(textOf(m_folder.path("source/inner/file")), "inner");
-    EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), at("target/copy"))), "\"copy\": File exists");
+    EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), at("target/copy"))),
+              std::string("\"copy\": ") + std::strerror(EEXIST));
     EXPECT_EQ(textOf(m_folder.path("target/copy/inner/file")), "inner");
-    EXPECT_EQ(text(pxCopyToPath_(at("none"), at("target/none"))), "\"none\": No such file or directory");
+    EXPECT_EQ(text(pxCopyToPath_(at("none"), at("target/none"))), std::string("\"none\": ") + std::strerror(ENOENT));
     EXPECT_EQ(text(pxCopyToPath_(at("file.txt"), nil)), "Could not copy file item.");
     EXPECT_EQ(text(pxCopyToPath_("", at("target/none"))), "Could not copy file item.");
     EXPECT_FALSE(pxCopyToPath_(at("file.txt"), at("none/copy")) == nil);

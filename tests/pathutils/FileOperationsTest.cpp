@@ -5,6 +5,8 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
+#include <cerrno>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,7 +42,7 @@ TEST_F(FileOperations, RemovesALinkAndNotWhatItLeadsTo) {
 
 TEST_F(FileOperations, TellsWhyNothingIsRemoved) {
     m_folder.makeFile("file", "contents");
-    EXPECT_EQ(fileSystemBytes(pxRemoveFile2(at("none"))), "\"none\": No such file or directory");
+    EXPECT_EQ(fileSystemBytes(pxRemoveFile2(at("none"))), std::string("\"none\": ") + std::strerror(ENOENT));
     EXPECT_FALSE(pxRemoveFile(at("none")));
     EXPECT_FALSE(pxRemoveFile(at("file/below")));
     EXPECT_EQ(fileSystemBytes(pxRemoveFile2("")), "Could not delete file item.");
@@ -94,7 +96,7 @@ TEST_F(FileOperations, RemovesNothingForAnOrdinaryUserWithoutPermission) {
     ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(m_folder.path("folder").c_str(), 0555), 0);
     OrdinaryUser const user;
-    EXPECT_EQ(text(pxRemoveFile2(at("folder/file"))), "\"file\": Permission denied");
+    EXPECT_EQ(text(pxRemoveFile2(at("folder/file"))), std::string("\"file\": ") + std::strerror(EACCES));
     EXPECT_FALSE(pxRemoveFile(at("folder")));
     EXPECT_EQ(textOf(m_folder.path("folder/file")), "contents");
 }

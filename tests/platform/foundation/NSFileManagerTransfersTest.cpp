@@ -5,6 +5,8 @@
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
+#include <cerrno>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -85,7 +87,8 @@ TEST_F(NSFileManagerTransfers, TellTheHandlerOfEachItemThatGoes) {
 TEST_F(NSFileManagerTransfers, TellTheHandlerWhyARemovalFailed) {
     EXPECT_FALSE(m_manager.removeFileAtPath_handler_(at("file/below"), m_handler));
     EXPECT_EQ(errorText("Path"), m_folder.path("file/below"));
-    EXPECT_EQ(errorText("Error"), "\"file\": Not a directory");
+    EXPECT_EQ(errorText("Error"), std::string("\"file\": ") + std::strerror(ENOTDIR))
+        << "in the language of the system";
     EXPECT_TRUE(body().m_errors.back().objectForKey_("ToPath") == nil);
     EXPECT_FALSE(m_manager.removeFileAtPath_handler_(at("none"), nil));
     EXPECT_EQ(textOf(m_folder.path("file")), "contents");
