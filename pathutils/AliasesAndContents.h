@@ -35,7 +35,7 @@ bool pxExchangeFileWith_(NSString receiver, NSString otherPath);
 bool pxIsFork_equalToFork_dataFork_(FSRef const* first, FSRef const* second, BOOL dataFork);
 // Whether both forks are equal. The resource forks are read only if the data forks are.
 bool pxIsContentsOfFile_equalToFile_(FSRef const* first, FSRef const* second);
-// The same of the items at the paths, symbolic links themselves; NO if either does not exist.
+// pxIsContentsOfFile_equalToFile_ for the items at the two paths, a symbolic link itself; NO if either does not exist.
 bool pxPathHasEqualContentsWithPath_(NSString receiver, NSString otherPath);
 
 // pxChecksum (coreutils/Strings.h) of the file's data fork, a link followed; 0 for a file that cannot be read.

@@ -14,7 +14,7 @@ struct TableColumn {
     NSString identifier;
     QString title;
     NSString keyPath;
-    // Of the path of the bundle whose icon stands before the text; nil: there is none.
+    // The key path of the bundle whose icon stands before the text; nil for a column without icons.
     NSString iconKeyPath;
     NSValueTransformer textTransformer;
     NSValueTransformer colorTransformer;

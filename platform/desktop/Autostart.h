@@ -43,7 +43,7 @@ struct AutostartItem {
     // "NAME.desktop"
     std::string fileName{};
     std::string folder{};
-    // Of the file or symbolic link of that name when it was read.
+    // The status of the file or symbolic link when it was read.
     FileStatus status{};
     // Whether the folder is the user's.
     bool isOfUser{false};

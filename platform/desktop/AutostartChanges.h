@@ -15,7 +15,7 @@ struct RemovedAutostart {
     std::string fileName{};
     // The user's file that was removed, by its bytes; nullopt for a symbolic link or an entry of the system.
     std::optional<std::vector<std::byte>> bytes{};
-    // Who may do what with that file.
+    // The removed file's owner, group, permissions and access list.
     ItemAccess access{};
     // The text of the user's symbolic link that was removed.
     std::optional<std::string> linkText{};

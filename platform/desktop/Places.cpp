@@ -123,8 +123,8 @@ std::vector<FileChange> byFile(PlacesChange const& change) {
     return changes;
 }
 
-// Of the place as it was read: its very entry if that is there, else another one of its URI and label, as after a
-// browser has written all of its list anew.
+// What has become of a place since it was read: its very entry is looked for first, then another one with its URI and
+// label, since a browser may have written its whole list anew.
 enum class Presence { Gone, Changed, There };
 struct Found {
     Presence presence;

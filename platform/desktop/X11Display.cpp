@@ -180,7 +180,7 @@ private:
         {
             std::lock_guard const guard(m_lock);
             m_isOver = true;
-            // One that comes too late is closed by this thread.
+            // This thread closes a connection that comes too late.
             if (!m_isAbandoned) m_connection = std::move(connection);
         }
         m_changed.notify_one();

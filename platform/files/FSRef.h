@@ -96,7 +96,7 @@ inline constexpr OSErr errFSOperationNotSupported = -1426;
 
 // Exchanges the contents, resource forks and dates of modification of two files or symbolic links on one volume. What
 // leads to them, references and aliases, stays with their paths, and so do creation dates and Finder information.
-// Nothing is changed on failure: diffVolErr, sameFileErr, notAFileErr for a folder and for a file of several names,
+// A failure changes nothing: diffVolErr, sameFileErr, notAFileErr for a folder and for a file of several names,
 // errFSOperationNotSupported if the file system cannot exchange names in one step.
 //
 // Linux: permissions, owners and other attributes go with the contents.

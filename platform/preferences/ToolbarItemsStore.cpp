@@ -176,7 +176,7 @@ PlacesChange ToolbarItemsStore::changeTo(std::vector<Item> items) {
 
 std::vector<RemovedPlace> ToolbarItemsStore::takeRemoved(std::vector<Item>& missing) {
     std::vector<RemovedPlace> restored;
-    // Of equal ones, the one that was removed last.
+    // Among equal entries the last one removed comes back.
     for (std::size_t index = m_removed.size(); index > 0; --index) {
         RemovedPlace const& removed = m_removed[index - 1];
         if (takeOne(missing, *itemOf(removed.place))) restored.push_back(removed);

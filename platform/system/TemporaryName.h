@@ -55,7 +55,7 @@ inline constexpr std::uint64_t MarkOfNoItem = 0;
 
 struct ParsedTemporaryName {
     TemporaryOwner owner{};
-    // Of an item that was moved aside.
+    // The mark of the item that was moved aside under the name; nullopt for the name of an unfinished copy.
     std::optional<std::uint64_t> mark{};
 };
 // nullopt for names of another form. A "._" before the name does not count.

@@ -8,7 +8,7 @@
 
 namespace mac {
 
-// Who may do what with an item, taken over by another one. Any thread.
+// An item's owner, group, permissions and access list, and how another item takes them over. Any thread.
 
 // The name under which the system keeps an item's access list as an attribute.
 inline constexpr char AccessListAttribute[] = "system.posix_acl_access";
@@ -26,9 +26,9 @@ struct ItemAccess {
     std::vector<std::byte> list{};
 };
 
-// Of an open item of any kind; the list is left out for symbolic links, which have none. O_PATH suffices.
+// Reads the access of an open item of any kind; O_PATH suffices. A symbolic link has no list.
 Result<ItemAccess> accessOf(FileDescriptor const& item);
-// The same where the item is known to have no access list.
+// Reads the access of an item that is known to have no access list.
 Result<ItemAccess> accessWithoutListOf(FileDescriptor const& item);
 
 // Removes the lists that the folder's default has given a new item, so that permissions given later open none of them.
