@@ -66,7 +66,7 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
     error.item = temporary;
     Result<std::string> const kept = asideName(MarkOfNoItem);
     if (!kept.hasValue()) return error;
-    if (!renameWithoutReplacing(folder, temporary, folder, kept.value()).isDone()) return error;
+    if (!moveAside(folder, temporary, kept.value()).isDone()) return error;
     error.item = kept.value();
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
     bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecar->file);
@@ -158,7 +158,7 @@ private:
         // If this process is killed meanwhile, the item must not go with it.
         Result<std::string> const third = asideName(MarkOfNoItem);
         if (!third.hasValue()) return TransferProblem{.error = third.problem()};
-        Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
+        Result<void> const away = moveAside(m_folder, other, third.value());
         if (!away.isDone()) return asCopied(away);
         tell(OverwritingStep::MovedAway);
         Result<void> const renamed = renameWithoutReplacing(m_folder, one, m_folder, other);
