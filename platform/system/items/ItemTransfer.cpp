@@ -77,18 +77,23 @@ Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     // The sidecar keeps one of its names. If it cannot go back, removeCopy() does not find it, and it stays.
     bool const hasBoth = confirmItemInFolder(folder, sidecar, own.value().identity).isDone();
     if (hasBoth)
-        ::unlinkat(folder.number(), renamed.isDone() ? sidecar.c_str() : newSidecar.c_str(), 0);
+        static_cast<void>(removeTree(folder, renamed.isDone() ? sidecar : newSidecar, own.value().identity));
     else if (!renamed.isDone())
         static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
     return renamed;
 }
 
-// Removes what there is of a copy under its temporary name, as far as possible.
-void removeCopy(FileDescriptor const& folder, std::string const& name) {
-    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
-    Result<ItemPlace> const place = placeOf(folder, name);
-    if (!place.hasValue()) return;
-    static_cast<void>(removeTree(folder, name, place.value().identity, {.makesAccessible = true}));
+// What was made under a temporary name, complete or not.
+struct MadeCopy {
+    std::optional<ItemIdentity> item{};
+    std::optional<ItemIdentity> sidecar{};
+};
+
+// Removes what there is of a copy under its temporary name, as far as possible, and no item that has taken its place.
+void removeCopy(FileDescriptor const& folder, std::string const& name, MadeCopy const& made) {
+    RemovalRules const rules{.makesAccessible = true};
+    if (made.sidecar) static_cast<void>(removeTree(folder, AppleDoubleSidecar::nameFor(name), *made.sidecar, rules));
+    if (made.item) static_cast<void>(removeTree(folder, name, *made.item, rules));
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
@@ -118,19 +123,24 @@ Result<void> flushVolume(FileDescriptor const& folder) {
 
 // Copies the item and its sidecar to a temporary name in the folder; flushes the volume for a move.
 Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopyPurpose purpose,
-                             CopiedItems& copied) {
+                             CopiedItems& copied, MadeCopy& made) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
     Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
     if (!sidecar.hasValue()) return sidecar.problem();
     if (sidecar.value()) {
-        Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
-                                      .run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        TreeCopy copy(purpose, shouldContinue, transfer.copySteps, copied);
+        Result<void> const done = copy.run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        made.sidecar = copy.made();
         if (!done.isDone()) return done;
     }
-    Result<void> const done =
-        TreeCopy(purpose, shouldContinue, transfer.copySteps, copied).run(transfer.item, transfer.folder, temporary);
+    TreeCopy copy(purpose, shouldContinue, transfer.copySteps, copied);
+    Result<void> const done = copy.run(transfer.item, transfer.folder, temporary);
+    made.item = copy.made();
+    // Attributes that the volume cannot hold have made a sidecar, or another one.
+    Result<ItemPlace> const besides = placeOf(transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+    if (besides.hasValue()) made.sidecar = besides.value().identity;
     if (!done.isDone()) return done;
     // Of a copy the original stays, so it need not wait until all that anybody writes is on the disk.
     Result<void> const flushed = purpose == CopyPurpose::Move ? flushVolume(transfer.folder) : Result<void>();
@@ -156,9 +166,10 @@ Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItem
     Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
     cleanUp(transfer, transfer.folder);
-    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), purpose, copied));
+    MadeCopy made;
+    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), purpose, copied, made));
     if (done.isDone()) done = place(transfer, [&] { return transferred(nameCopy(transfer, temporary.value())); });
-    if (!done.isDone()) removeCopy(transfer.folder, temporary.value());
+    if (!done.isDone()) removeCopy(transfer.folder, temporary.value(), made);
     leaveFolder(transfer.folder);
     return done;
 }

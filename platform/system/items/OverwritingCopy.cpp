@@ -199,7 +199,9 @@ void removeTemporary(FileDescriptor const& folder, TemporaryCopy const& copy) {
     Result<IdentifiedItem> const identified = identify(copy.item.item);
     if (!identified.hasValue() || !isItem(folder, temporary, copy.item.item)) return;
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
-    if (copy.sidecar && isItem(folder, sidecar, copy.sidecar->file)) ::unlinkat(folder.number(), sidecar.c_str(), 0);
+    Result<IdentifiedItem> const beside =
+        copy.sidecar ? identify(copy.sidecar->file) : SystemError{.code = ENOENT, .operation = "statx"};
+    if (beside.hasValue()) static_cast<void>(removeTree(folder, sidecar, beside.value().identity));
     static_cast<void>(removeTree(folder, temporary, identified.value().identity, {.makesAccessible = true}));
 }
 
