@@ -44,10 +44,21 @@ Result<void> confirmNoSidecar(FileDescriptor const& folder, std::string const& n
 
 // Gives the sidecar of a copy its name as well, so that it can still be told whose it is if this process is killed; or
 // instead, where files cannot have two names.
-Result<void> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
-    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return {};
+enum class SidecarNames { Both, NewOnly };
+Result<SidecarNames> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return SidecarNames::Both;
     SystemError error = lastSystemError("link", from);
-    return error.is(EEXIST) ? error : renameWithoutReplacing(folder, from, folder, to);
+    if (error.is(EEXIST)) return error;
+    Result<void> const renamed = renameWithoutReplacing(folder, from, folder, to);
+    if (!renamed.isDone()) return renamed.problem();
+    return SidecarNames::NewOnly;
+}
+
+// Removes a file by a name that no other process knows. Tries again where the system was interrupted.
+void removeTemporaryName(FileDescriptor const& folder, std::string const& name) {
+    constexpr int mostAttempts = 3;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt)
+        if (::unlinkat(folder.number(), name.c_str(), 0) == 0 || errno == ENOENT) return;
 }
 
 // Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does: the
@@ -65,21 +76,26 @@ Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     Result<ItemPlace> const own = placeOf(folder, sidecar);
     if (!own.hasValue() && !own.problem().is(ENOENT)) return own.problem();
     // A stray sidecar of that name would be taken for the item's own.
+    SidecarNames names = SidecarNames::NewOnly;
     if (!own.hasValue()) {
         if (Result<void> const isFree = confirmNoSidecar(folder, to); !isFree.isDone()) return isFree;
     } else {
-        if (Result<void> const named = nameSidecar(folder, sidecar, newSidecar); !named.isDone()) return named;
+        Result<SidecarNames> const named = nameSidecar(folder, sidecar, newSidecar);
+        if (!named.hasValue()) return named.problem();
+        names = named.value();
         tell(transfer, CopyStep::SidecarNamed);
     }
     Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
     if (renamed.isDone()) tell(transfer, CopyStep::Named);
     if (!own.hasValue()) return renamed;
     // The sidecar keeps one of its names. If it cannot go back, removeCopy() does not find it, and it stays.
-    bool const hasBoth = confirmItemInFolder(folder, sidecar, own.value().identity).isDone();
-    if (hasBoth)
-        static_cast<void>(removeTree(folder, renamed.isDone() ? sidecar : newSidecar, own.value().identity));
-    else if (!renamed.isDone())
+    if (renamed.isDone()) {
+        if (names == SidecarNames::Both) removeTemporaryName(folder, sidecar);
+    } else if (names == SidecarNames::Both) {
+        static_cast<void>(removeTree(folder, newSidecar, own.value().identity));
+    } else {
         static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
+    }
     return renamed;
 }
 
