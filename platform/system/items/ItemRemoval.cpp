@@ -74,8 +74,8 @@ private:
 
 // A sidecar that cannot be removed stays as a stray one: the item itself is gone.
 void removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
-    if (!confirmItemInFolder(item.folder, sidecar.name, sidecar.file).isDone()) return;
-    ::unlinkat(item.folder.number(), sidecar.name.c_str(), 0);
+    Result<IdentifiedItem> const identified = identify(sidecar.file);
+    if (identified.hasValue()) static_cast<void>(removeTree(item.folder, sidecar.name, identified.value().identity));
 }
 
 } // namespace

@@ -234,7 +234,7 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
     if (!held.hasValue()) return held.problem();
     if (!isSameState(held.value(), expected)) return stale(name);
     tell(steps, RemovalStep::Checked);
-    if (Result<void> const away = renameWithoutReplacing(folder, name, folder, aside.value()); !away.isDone()) {
+    if (Result<void> const away = moveAside(folder, name, aside.value()); !away.isDone()) {
         // Folders of a lower layer cannot be renamed; the system itself removes none that holds anything.
         bool const isLayered = away.problem().is(EXDEV) && expected.place.isFolder;
         return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : away;
