@@ -153,11 +153,12 @@ TEST(PropertyListXML, ReadsAListBehindBlanks) {
 }
 
 TEST(PropertyListXML, IgnoresTextBehindTheRoot) {
-    using namespace std::string_view_literals;
-    for (std::string_view const text : {"stray"sv, "\n \nstray < & <true/>"sv, "\0\0\0"sv, "\x01"sv, "&file;"sv,
-                                        "]]>"sv, "<!-- c --> stray"sv, "<?pi x?>stray"sv, "<!-- c -->"sv}) {
-        EXPECT_EQ(dump(readList(plist("<array><true/></array>") + std::string(text)).list), "[true]") << text;
-        EXPECT_EQ(dump(readList("<string>a</string>" + std::string(text)).list), "\"a\"") << text;
+    for (std::string const& text :
+         {std::string("stray"), std::string("\n \nstray < & <true/>"), std::string(3, '\0'), std::string("\x01"),
+          std::string("&file;"), std::string("]]>"), std::string("<!-- c --> stray"), std::string("<?pi x?>stray"),
+          std::string("<!-- c -->")}) {
+        EXPECT_EQ(dump(readList(plist("<array><true/></array>") + text).list), "[true]") << text;
+        EXPECT_EQ(dump(readList("<string>a</string>" + text).list), "\"a\"") << text;
     }
 }
 
