@@ -27,7 +27,7 @@ void registerStrings() {
 
 void registerCollections() {
     addCategory<NSArray>({
-        method<static_cast<NSIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxStringValues>("pxStringValues"),
         method<&pxFlattenedMutableArrayOfArrays>("pxFlattenedMutableArrayOfArrays"),
         method<&pxFlattenedMutableSetOfSets>("pxFlattenedMutableSetOfSets"),
@@ -43,10 +43,10 @@ void registerCollections() {
     addCategory<NSMutableDictionary>(
         {}, {classMethod<&pxDictionaryWithDictionary_forKeys_>("pxDictionaryWithDictionary:forKeys:")});
     addCategory<NSEnumerator>({
-        method<static_cast<NSIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
     });
     addCategory<NSSet>({
-        method<static_cast<NSIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxUnionWithSet_>("pxUnionWithSet:"),
     });
     addCategory<NSIndexSet>({method<&pxArrayWithIndexes>("pxArrayWithIndexes")});

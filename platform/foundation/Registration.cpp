@@ -1,4 +1,5 @@
 #include "platform/foundation/Registration.h"
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/CFUUID.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
@@ -31,12 +32,12 @@
 namespace mac {
 
 void registerFoundation() {
-    registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
-                    NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
-                    NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
-                    NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
-                    NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+    registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData,
+                    NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
+                    NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet,
+                    NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber,
+                    NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
+                    NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
 
