@@ -2,6 +2,7 @@
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
 #include "coreutils/IconsAndImages.h"
+#include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
 #include "platform/foundation/Method.h"
 
@@ -82,9 +83,24 @@ void registerIconsAndDates() {
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
 }
 
+void registerLogging() {
+    addCategory<NSBundle>({
+        method<&pxLogFilePathWithAppendingToName_>("pxLogFilePathWithAppendingToName:"),
+        method<&pxCreateLogFileWithAppendingToName_appendingToFile_includeAuxiliaryInformation_>(
+            "pxCreateLogFileWithAppendingToName:appendingToFile:includeAuxiliaryInformation:"),
+    });
+    addCategory<NSString>({
+        method<&pxOpenLogFileForPathWithAppending_>("pxOpenLogFileForPathWithAppending:"),
+        method<static_cast<void (*)(NSString, NSString)>(&pxLog_)>("pxLog:"),
+        method<static_cast<void (*)(NSString, BOOL, NSString)>(&pxLogAux_)>("pxLogAux::"),
+        method<&pxFormattedStringWithArguments_>("pxFormattedStringWithArguments:"),
+    });
+}
+
 } // namespace
 
 void registerCoreUtils() {
+    registerLogging();
     registerStrings();
     registerCollections();
     registerKeyValueOperations();
