@@ -11,6 +11,7 @@
 #include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSIndexSet.h"
+#include "platform/foundation/NSManagedObject.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
@@ -32,7 +33,7 @@ namespace mac {
 
 void registerFoundation() {
     registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
+                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSManagedObject, NSMutableArray,
                     NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
                     NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
                     NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
