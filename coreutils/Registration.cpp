@@ -1,6 +1,7 @@
 #include "coreutils/Registration.h"
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
+#include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Strings.h"
 #include "platform/foundation/Method.h"
@@ -82,6 +83,22 @@ void registerIconsAndDates() {
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
 }
 
+void registerDisclaimerAndViews() {
+    addCategory<NSObject>({
+        method<&pxRunDisclaimer>("pxRunDisclaimer"),
+        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
+        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
+        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
+    });
+    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
+    addCategory<NSManagedObject>({
+        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
+        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
+        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
+    });
+    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
+}
+
 } // namespace
 
 void registerCoreUtils() {
@@ -89,6 +106,7 @@ void registerCoreUtils() {
     registerCollections();
     registerKeyValueOperations();
     registerIconsAndDates();
+    registerDisclaimerAndViews();
 }
 
 } // namespace mac

@@ -36,9 +36,8 @@ std::unique_ptr<QLabel> plainLabel(QString const& text) {
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setFixedWidth(TextWidth);
-    // Can be read by keyboard alone, and has the keyboard first where no button is the default: so Space presses none
-    // before it was chosen.
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    label->setFocusPolicy(Qt::NoFocus);
     return label;
 }
 
@@ -68,6 +67,8 @@ AlertDialog::AlertDialog(NSAlert const& alert) {
     grid->addWidget(makeButtons(alert), 1, 0, 1, 2);
     grid->setSizeConstraint(QLayout::SetFixedSize);
     setLayout(grid.release());
+    for (std::size_t index = 1; index < m_choices.size(); ++index)
+        setTabOrder(m_choices[index - 1].widget, m_choices[index].widget);
 }
 
 QWidget* AlertDialog::makeText(NSAlert const& alert) {
@@ -78,9 +79,15 @@ QWidget* AlertDialog::makeText(NSAlert const& alert) {
     QFont bold = message->font();
     bold.setBold(true);
     message->setFont(bold);
-    message->setFocusPolicy(Qt::NoFocus);
-    column->addWidget(message.release());
     std::unique_ptr<QLabel> details = plainLabel(shownText(alert.informativeText()));
+    // The text can be read by keyboard alone, and has the keyboard first where no button is the default: so Space
+    // presses none before it was chosen.
+    (details->text().isEmpty() ? message : details)->setFocusPolicy(Qt::StrongFocus);
+    column->addWidget(message.release());
+    if (details->text().isEmpty()) {
+        texts->setLayout(column.release());
+        return texts.release();
+    }
     details->setMinimumHeight(details->heightForWidth(TextWidth));
     int const most = screen()->availableGeometry().height() / 2;
     if (details->minimumHeight() <= most) {

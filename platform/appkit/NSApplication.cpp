@@ -63,9 +63,7 @@ private:
     Stage m_stage{Stage::NotRun};
 };
 
-void registerViews() {
-    registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>();
-}
+void registerViews() { registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>(); }
 
 ClassDescription NSApplication::describeClass() {
     using Self = NSApplication;

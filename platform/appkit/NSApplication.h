@@ -7,8 +7,8 @@ namespace mac {
 // The running program as the desktop sees it: its event loop, its windows and a delegate that is asked before it ends.
 // There is one, made on first need together with the connection to the display. Main thread.
 //
-// Linux: where there is no display, which a line on standard error says, it has its event loop and no windows. A display
-// that is set but cannot be used ends the process, see DisplayConnection.h.
+// Linux: where there is no display, which a line on standard error says, it has its event loop and no windows. A
+// display that is set but cannot be used ends the process, see DisplayConnection.h.
 class NSApplication : public Handle<NSApplication, NSObject> {
 public:
     class Body;

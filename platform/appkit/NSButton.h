@@ -18,7 +18,8 @@ public:
     void setTitle_(NSString const& title) const;
     NSInteger tag() const;
     void setTag_(NSInteger tag) const;
-    // One character: "\r" is the Return key, "\x1B" Escape. Empty: no key presses the button unless it has the keyboard.
+    // One character: "\r" is the Return key, "\x1B" Escape. Empty: no key presses the button unless it has the
+    // keyboard.
     NSString keyEquivalent() const;
     void setKeyEquivalent_(NSString const& key) const;
 };

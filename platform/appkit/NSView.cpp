@@ -33,9 +33,9 @@ Parts resizedParts(Parts parts, std::array<bool, 3> const& isFlexible, float dif
 
 NSRect resizedFrame(NSRect const& frame, NSUInteger mask, NSSize const& before, NSSize const& after) {
     auto const has = [mask](NSUInteger bit) { return (mask & bit) != 0; };
-    Parts const x =
-        resizedParts({frame.origin.x, frame.size.width, before.width - NSMaxX(frame)},
-                     {has(NSViewMinXMargin), has(NSViewWidthSizable), has(NSViewMaxXMargin)}, after.width - before.width);
+    Parts const x = resizedParts({frame.origin.x, frame.size.width, before.width - NSMaxX(frame)},
+                                 {has(NSViewMinXMargin), has(NSViewWidthSizable), has(NSViewMaxXMargin)},
+                                 after.width - before.width);
     Parts const y = resizedParts({frame.origin.y, frame.size.height, before.height - NSMaxY(frame)},
                                  {has(NSViewMinYMargin), has(NSViewHeightSizable), has(NSViewMaxYMargin)},
                                  after.height - before.height);

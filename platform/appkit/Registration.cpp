@@ -7,8 +7,6 @@
 
 namespace mac {
 
-void registerAppKit() {
-    registerClasses<NSArrayController, NSColor, NSTableView, NSWindow>();
-}
+void registerAppKit() { registerClasses<NSArrayController, NSColor, NSTableView, NSWindow>(); }
 
 } // namespace mac

@@ -126,8 +126,11 @@ TEST_F(NSApplicationDeathTest, EndsWithALineWithoutAMainInterfaceFile) {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     NSApplication const application = NSApplication::sharedApplication();
     application.terminate_(nil);
-    QTimer::singleShot(0, [] { std::_Exit(2); });
+    QTimer event;
+    QObject::connect(&event, &QTimer::timeout, [] { std::_Exit(2); });
+    event.start(0);
     application.run();
+    event.stop();
     // The end that came before is over with that.
     QTimer::singleShot(0, [] { std::_Exit(0); });
     application.run();
