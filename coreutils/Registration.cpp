@@ -1,6 +1,7 @@
 #include "coreutils/Registration.h"
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
+#include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
@@ -83,6 +84,22 @@ void registerIconsAndDates() {
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
 }
 
+void registerDisclaimerAndViews() {
+    addCategory<NSObject>({
+        method<&pxRunDisclaimer>("pxRunDisclaimer"),
+        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
+        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
+        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
+    });
+    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
+    addCategory<NSManagedObject>({
+        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
+        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
+        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
+    });
+    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
+}
+
 void registerLogging() {
     addCategory<NSBundle>({
         method<&pxLogFilePathWithAppendingToName_>("pxLogFilePathWithAppendingToName:"),
@@ -105,6 +122,7 @@ void registerCoreUtils() {
     registerCollections();
     registerKeyValueOperations();
     registerIconsAndDates();
+    registerDisclaimerAndViews();
 }
 
 } // namespace mac

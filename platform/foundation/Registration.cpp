@@ -12,6 +12,7 @@
 #include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSIndexSet.h"
+#include "platform/foundation/NSManagedObject.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
@@ -34,9 +35,9 @@ namespace mac {
 void registerFoundation() {
     registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData,
                     NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
-                    NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet,
-                    NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber,
-                    NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
+                    NSManagedObject, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary,
+                    NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter, NSNull,
+                    NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
                     NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
