@@ -68,6 +68,11 @@ bool addPlace(Fixture const&) {
         .problems.empty();
 }
 
+bool hasAddedPlace(Fixture const&) {
+    KnownPlaces const known = readPlaces();
+    return known.problems.empty() && !known.places.empty() && known.places.back().label == "Third";
+}
+
 bool removePlace(Fixture const&) {
     KnownPlaces const known = readPlaces();
     return known.problems.empty() && known.places.size() == 2 &&
@@ -118,7 +123,11 @@ std::vector<Operation> listOperations() {
                         .items = {kept},
                         .exchangedWays = {"config", "config/autostart"}}),
         {.name = "add a place", .prepare = makePlaces, .run = addPlace, .exchangedWays = {"config", "config/gtk-3.0"}},
-        {.name = "add the first place", .prepare = [](Fixture const&) {}, .run = addPlace, .exchangedWays = {"config"}},
+        {.name = "add the first place",
+         .prepare = [](Fixture const&) {},
+         .run = addPlace,
+         .isReached = hasAddedPlace,
+         .exchangedWays = {"config"}},
         {.name = "remove a place",
          .prepare = makePlaces,
          .run = removePlace,
