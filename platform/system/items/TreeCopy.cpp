@@ -207,7 +207,11 @@ Result<void> TreeCopy::copyPrivately(FileDescriptor const& source, ItemStatus co
     Result<std::string> const name = temporaryName();
     if (!name.hasValue()) return name.problem();
     Result<FileDescriptor> const folder = makeFolder(m_target, name.value(), InheritedList::MayBeThere, m_steps);
-    if (!folder.hasValue()) return folder.problem();
+    if (!folder.hasValue()) {
+        // It may have been made all the same, and is empty then.
+        ::unlinkat(m_target.number(), name.value().c_str(), AT_REMOVEDIR);
+        return folder.problem();
+    }
     Result<void> copied = copySpecial(source, status, folder.value(), to, m_steps);
     Result<ItemPlace> const made = placeOf(folder.value(), to);
     if (copied.isDone()) copied = renameWithoutReplacing(folder.value(), to, m_target, to);

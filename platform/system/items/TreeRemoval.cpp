@@ -241,11 +241,11 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
     }
     tell(steps, RemovalStep::MovedAside);
     Result<ItemStatus> const found = statusOf(folder, aside.value());
-    if (!found.hasValue()) return found.problem();
     Result<ItemStatus> const moved = statusOf(item);
-    bool const isExpected =
-        moved.hasValue() && isSameState(found.value(), moved.value()) && areSameContents(moved.value(), expected);
-    SystemError problem = stale(name);
+    bool const isExpected = found.hasValue() && moved.hasValue() && isSameState(found.value(), moved.value()) &&
+                            areSameContents(moved.value(), expected);
+    // An item that cannot be looked at goes back, too.
+    SystemError problem = found.hasValue() ? stale(name) : found.problem();
     if (isExpected) {
         Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
         if (removed.isDone()) return {};
