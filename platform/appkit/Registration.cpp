@@ -1,7 +1,6 @@
 #include "platform/appkit/Registration.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSArrayController.h"
-#include "platform/appkit/NSColor.h"
 #include "platform/appkit/NSControl.h"
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/NSView.h"
@@ -11,7 +10,7 @@
 namespace mac {
 
 void registerAppKit() {
-    registerClasses<NSApplication, NSArrayController, NSColor, NSControl, NSTableView, NSView, NSWindow>();
+    registerClasses<NSApplication, NSArrayController, NSControl, NSTableView, NSView, NSWindow>();
 }
 
 } // namespace mac

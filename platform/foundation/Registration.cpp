@@ -2,6 +2,7 @@
 #include "platform/foundation/CFUUID.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSArchiver.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSData.h"
@@ -31,12 +32,12 @@
 namespace mac {
 
 void registerFoundation() {
-    registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
+    registerClasses<Class, NSObject, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
                     NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
                     NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
                     NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
                     NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
-                    NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+                    NSTask, NSThread, NSTimer, NSUnarchiver, NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
 
