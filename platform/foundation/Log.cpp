@@ -90,7 +90,8 @@ std::string linePrefix() {
     appendDigits(text, local.tm_sec, 2);
     text += '.';
     appendDigits(text, now.tv_usec / 1000, 3);
-    static std::string const name = programName();
+    // Never destroyed: the program may log until its last instruction.
+    static std::string const& name = *std::make_unique<std::string const>(programName()).release();
     return text + " " + name + "[" + std::to_string(::getpid()) + "] ";
 }
 
