@@ -9,8 +9,6 @@
 
 namespace mac {
 
-void registerAppKit() {
-    registerClasses<NSApplication, NSArrayController, NSControl, NSTableView, NSView, NSWindow>();
-}
+void registerAppKit() { registerClasses<NSApplication, NSArrayController, NSControl, NSTableView, NSView, NSWindow>(); }
 
 } // namespace mac

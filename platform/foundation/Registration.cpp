@@ -32,8 +32,8 @@
 namespace mac {
 
 void registerFoundation() {
-    registerClasses<Class, NSObject, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
+    registerClasses<Class, NSObject, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet, NSData, NSDate,
+                    NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
                     NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
                     NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
                     NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
