@@ -79,6 +79,27 @@ void registerKeyValueOperations() {
 }
 
 void registerIconsAndDates() {
+    addCategory<NSString>({
+        method<&pxIconForFile>("pxIconForFile"),
+        method<&pxIconForFileWithDimension_>("pxIconForFileWithDimension:"),
+        method<&pxSmallIconForFile>("pxSmallIconForFile"),
+        method<&pxLargeIconForFile>("pxLargeIconForFile"),
+        method<&pxHugeIconForFile>("pxHugeIconForFile"),
+        method<&pxThumbnailIconForFile>("pxThumbnailIconForFile"),
+        method<&pxSmallIconForFileType>("pxSmallIconForFileType"),
+    });
+    addCategory<NSImage>({method<&pxTrimWithDimension_>("pxTrimWithDimension:")},
+                         {
+                             classMethod<&pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_>(
+                                 "pxGenericIconForFileCreatorCode:fileTypeCode:fileTypeString:dimension:"),
+                             classMethod<&pxImageWithIconRef_dimension_>("pxImageWithIconRef:dimension:"),
+                             classMethod<&pxIconWithData_>("pxIconWithData:"),
+                         });
+    addCategory<NSColor>({}, {classMethod<&pxColorWithQuickDrawRGBColor_>("pxColorWithQuickDrawRGBColor:")});
+    addCategory<NSUserDefaults>({
+        method<&pxSetColor_forKey_>("pxSetColor:forKey:"),
+        method<&pxColorForKey_>("pxColorForKey:"),
+    });
     addCategory<NSDictionary>({}, {classMethod<&pxDictionaryWithIconRef_>("pxDictionaryWithIconRef:")});
     addCategory<NSDate>({method<&pxUTCDateTime_>("pxUTCDateTime:")},
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});

@@ -35,4 +35,8 @@ std::vector<std::string> mimeTypeAndAncestors(std::string mimeType);
 // The canonical name of a type given by an alias; other names are answered unchanged.
 std::string canonicalMIMEType(std::string_view mimeType);
 
+// The names under which icon themes have pictures for the type, the most particular first: its own, then the one of its
+// kind, and so on for the types that it is a special case of. Empty for an unknown type.
+std::vector<std::string> iconNamesOfMIMEType(std::string_view mimeType);
+
 } // namespace mac

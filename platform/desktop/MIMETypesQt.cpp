@@ -109,4 +109,17 @@ std::string canonicalMIMEType(std::string_view mimeType) {
     return type.isValid() ? type.name().toStdString() : std::string(mimeType);
 }
 
+std::vector<std::string> iconNamesOfMIMEType(std::string_view mimeType) {
+    std::vector<std::string> names;
+    for (std::string const& name : mimeTypeAndAncestors(std::string(mimeType))) {
+        QMimeType const type = QMimeDatabase().mimeTypeForName(qtText(name));
+        if (!type.isValid()) continue;
+        for (QString const& icon : {type.iconName(), type.genericIconName()}) {
+            std::string text = icon.toStdString();
+            if (std::ranges::find(names, text) == names.end()) names.push_back(std::move(text));
+        }
+    }
+    return names;
+}
+
 } // namespace mac

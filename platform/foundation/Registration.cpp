@@ -3,6 +3,7 @@
 #include "platform/foundation/CFUUID.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSArchiver.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSData.h"
@@ -33,12 +34,13 @@
 namespace mac {
 
 void registerFoundation() {
-    registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData,
-                    NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
+    registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet,
+                    NSData, NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
                     NSManagedObject, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary,
                     NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter, NSNull,
                     NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
-                    NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+                    NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSUnarchiver, NSURL, NSValue,
+                    NSValueTransformer>();
     prepareMainRunLoop();
 }
 
