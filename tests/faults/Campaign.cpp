@@ -78,6 +78,7 @@ Campaign::~Campaign() { ::munmap(m_shared, sizeof(Shared)); }
 
 void Campaign::run(Operation const& operation) {
     if (operation.needs == Needs::TwoVolumes && !m_fixture.hasSecondVolume()) return;
+    if (operation.needs == Needs::Attributes && !m_fixture.canKeepAttributes()) return;
     bool const exchangesNames = operation.needs == Needs::ExchangedNames;
     if (exchangesNames && !m_fixture.canExchangeNames()) return;
     for (Volume const volume : m_options.volumes)
