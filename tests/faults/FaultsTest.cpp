@@ -12,8 +12,8 @@
 namespace mac::faults {
 namespace {
 
-// One point of so many, which takes about half a minute under the sanitizers.
-constexpr unsigned Stride = 60;
+// One point of so many, which takes less than a minute under the sanitizers.
+constexpr unsigned Stride = 150;
 
 // A folder in memory; in the temporary folder where this process may not mount.
 class Volume {

@@ -72,6 +72,12 @@ bool Fixture::canExchangeNames() const {
     return ::renameat2(AT_FDCWD, path("w/x").c_str(), AT_FDCWD, path("canary.file").c_str(), RENAME_EXCHANGE) == 0;
 }
 
+bool Fixture::canKeepAttributes() const {
+    reset();
+    makeFile("w/x");
+    return setAttribute("w/x", "user.note", "note");
+}
+
 std::string Fixture::path(std::string_view relative) const {
     if (relative == SecondVolume) return m_second.value_or("/nonexistent");
     if (!relative.starts_with(SecondPrefix)) return m_volume + "/" + std::string(relative);

@@ -32,6 +32,8 @@ enum class Failure {
 enum class Needs {
     OneVolume,
     TwoVolumes,
+    // A file system that keeps attributes.
+    Attributes,
     // A file system that exchanges two names in one step.
     ExchangedNames,
 };

@@ -1,4 +1,5 @@
 #include "tests/faults/Snapshot.h"
+#include "platform/system/items/AppleDouble.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include <algorithm>
 #include <array>
@@ -6,6 +7,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <span>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
@@ -103,6 +105,18 @@ bool isImmutable(std::string const& path) {
            (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
 }
 
+// The contents of a sidecar without the date at which the fixture was made; other contents as they are.
+std::string withoutCreationDate(std::string text) {
+    Result<AppleDouble, Failure> read = AppleDouble::read(std::as_bytes(std::span(text)));
+    std::optional<std::span<std::byte const>> const date =
+        read.hasValue() ? read.value().valueOf(CreateDateAttribute) : std::nullopt;
+    if (!date) return text;
+    std::vector<std::byte> const fixed(date->size(), std::byte{'d'});
+    if (!read.value().setValue(CreateDateAttribute, fixed)) return text;
+    std::optional<std::vector<std::byte>> const bytes = read.value().written();
+    return bytes ? std::string(reinterpret_cast<char const*>(bytes->data()), bytes->size()) : text;
+}
+
 SeenItem seen(std::string const& path, struct stat const& status) {
     SeenItem item{.mode = status.st_mode & 07777U, .isFolder = S_ISDIR(status.st_mode)};
     item.whole = std::to_string(status.st_mode & S_IFMT) + " of " + std::to_string(status.st_uid) + ":" +
@@ -113,7 +127,7 @@ SeenItem seen(std::string const& path, struct stat const& status) {
     addSecrets(item, text);
     if (S_ISREG(status.st_mode) && isImmutable(path)) item.whole += " locked";
     if (S_ISREG(status.st_mode) && status.st_mtim.tv_sec == FixtureDate) item.whole += " dated";
-    item.whole += ": " + withoutDate(std::move(text));
+    item.whole += ": " + withoutDate(withoutCreationDate(std::move(text)));
     if (!S_ISLNK(status.st_mode)) addAttributes(item, path);
     return item;
 }

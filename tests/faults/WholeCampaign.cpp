@@ -25,8 +25,8 @@ struct Arguments {
 
 [[noreturn]] void refuse(std::string_view argument) {
     std::cerr << "faults_campaign: not understood: " << argument << "\n"
-              << "usage: faults_campaign FOLDER [--second FOLDER] [--operation PART-OF-NAME] [--stride N] [--seed N]\n"
-              << "                       [--only faults|kills|exchanges|power-loss|races] [--races N]\n"
+              << "usage: faults_campaign FOLDER [--second FOLDER] [--operation PART-OF-NAME] [--stride N [--part N]]\n"
+              << "                       [--seed N] [--only faults|kills|exchanges|power-loss|races] [--races N]\n"
               << "FOLDER is emptied.\n";
     std::exit(2);
 }
@@ -61,6 +61,8 @@ Arguments read(int count, char** texts) {
             arguments.operation = value;
         else if (name == "--stride")
             arguments.options.stride = numberOf<unsigned>(value);
+        else if (name == "--part")
+            arguments.options.part = numberOf<unsigned>(value);
         else if (name == "--seed")
             arguments.options.seed = numberOf<std::uint64_t>(value);
         else if (name == "--races")
@@ -71,7 +73,7 @@ Arguments read(int count, char** texts) {
             refuse(name);
     }
     if (count % 2 != 0) refuse(texts[count - 1]);
-    if (arguments.options.stride == 0) refuse("0");
+    if (arguments.options.part >= arguments.options.stride) refuse("--part");
     return arguments;
 }
 
