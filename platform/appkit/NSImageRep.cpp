@@ -19,11 +19,8 @@ double levelIn(std::uint32_t pixel, int shift) { return (pixel >> shift & 0xFF) 
 std::vector<Picture> picturesInImageData(std::span<std::byte const> bytes) {
     constexpr std::uint32_t iconFamily = FourCharCode("icns").value();
     if (bytes.size() >= sizeof(iconFamily) && bigEndian32(bytes, 0) == iconFamily) return picturesInIconFile(bytes);
-    std::vector<Picture> pictures = picturesInImageFile(bytes);
-    if (!pictures.empty()) return pictures;
-    if (std::optional<Picture> picture = pictureInJPEG2000(bytes, LargestJPEG2000Side))
-        pictures.push_back(std::move(*picture));
-    return pictures;
+    std::optional<Picture> picture = pictureInJPEG2000(bytes, LargestJPEG2000Side);
+    return picture ? std::vector{std::move(*picture)} : picturesInImageFile(bytes);
 }
 
 id NSImageRep::Body::copy() const {

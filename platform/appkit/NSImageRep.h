@@ -5,6 +5,7 @@
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSGeometry.h"
+#include <memory>
 
 namespace mac {
 

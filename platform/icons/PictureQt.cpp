@@ -13,6 +13,8 @@ namespace mac {
 namespace {
 
 constexpr int MostPages = 64;
+constexpr char TargaSignature[] = "TRUEVISION-XFILE.";
+constexpr std::string_view PNGSignature = "\x89PNG\r\n\x1A\n";
 constexpr std::size_t LargestDrawing = std::size_t{4} << 20;
 
 // The pixels stay the span's.
@@ -77,7 +79,10 @@ std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
     QByteArray contents = borrowedBytes(bytes);
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);
-    QByteArray const format = QImageReader::imageFormat(&buffer);
+    // Targa has its signature at the end; at the beginning it looks like a pointer of Windows.
+    QByteArray const format = contents.endsWith(QByteArrayView(TargaSignature, sizeof(TargaSignature)))
+                                  ? "tga"
+                                  : QImageReader::imageFormat(&buffer);
     // Drawings are shown at any size, and the family of an icon has a reader of its own.
     if (format.isEmpty() || format.startsWith("svg") || format == "icns") return {};
     QImageReader reader(&buffer, format);
@@ -97,6 +102,9 @@ std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
 }
 
 std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int largestSide) {
+    // The library logs what has another signature.
+    if (bytes.size() < PNGSignature.size() || std::memcmp(bytes.data(), PNGSignature.data(), PNGSignature.size()) != 0)
+        return std::nullopt;
     QByteArray contents = borrowedBytes(bytes);
     QBuffer buffer(&contents);
     QImageReader reader(&buffer, "png");

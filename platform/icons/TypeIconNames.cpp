@@ -99,7 +99,14 @@ std::optional<IconSource> iconSourceOfExtension(std::string const& extension) {
 
 std::optional<IconSource> iconSourceOfTypeCode(OSType code) {
     std::shared_ptr<TypeTree const> const types = knownTypes();
-    for (DeclaredType const* const type : types->typesWithTag(TagClass::TypeCode, utf8FromUnits(textOfCode(code)))) {
+    std::vector<DeclaredType const*> const candidates =
+        types->typesWithTag(TagClass::TypeCode, utf8FromUnits(textOfCode(code)));
+    // Types of other kinds share the code of plain text, and one of those is what a file with it holds.
+    auto const plain = std::ranges::find_if(
+        candidates, [&](DeclaredType const* type) { return conforms(*types, type->identifier, "public.plain-text"); });
+    IconSource const text = plain == candidates.end() ? IconSource() : sourceOfDeclaredType(*types, **plain);
+    if (!text.names.empty()) return text;
+    for (DeclaredType const* const type : candidates) {
         IconSource source = sourceOfDeclaredType(*types, *type);
         if (!source.names.empty()) return source;
     }
