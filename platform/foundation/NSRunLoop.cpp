@@ -2,6 +2,7 @@
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/RunLoopMode.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
@@ -9,6 +10,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <unistd.h>
 
 namespace mac {
 
@@ -75,6 +77,8 @@ void prepareMainRunLoop() {
     std::call_once(isPrepared, [] { qAddPreRoutine(&wakeCallsOfNewLoop); });
 }
 
+bool isMainThread() { return ::gettid() == ::getpid(); }
+
 void requireEventLoop() {
     if (QCoreApplication::instance()) return;
     // The application keeps references to these as long as it lives.
@@ -97,19 +101,24 @@ ClassDescription NSRunLoop::describeClass() {
 
 NSRunLoop NSRunLoop::currentRunLoop() {
     static NSRunLoop const loop = adopt<NSRunLoop>();
-    requireEventLoop();
+    if (isMainThread()) requireEventLoop();
     return loop;
 }
 
+NSString NSRunLoop::currentMode() const { return *this == nil ? NSString() : currentRunLoopMode(); }
+
 void NSRunLoop::runUntilDate_(NSDate const& date) const {
     if (*this == nil) return;
+    bool isAnyHandled = false;
     do {
-        runMode_beforeDate_(NSDefaultRunLoopMode, date);
-    } while (date.timeIntervalSinceNow() > 0);
+        isAnyHandled = runMode_beforeDate_(NSDefaultRunLoopMode, date);
+    } while (date.timeIntervalSinceNow() > 0 && (isAnyHandled || isMainThread()));
 }
 
-bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
+bool NSRunLoop::runMode_beforeDate_(NSString const& mode, NSDate const& date) const {
     if (*this == nil) return false;
+    RunLoopModeScope const scope(mode);
+    if (!isMainThread()) return postWaitingNotifications();
     requireEventLoop();
     QEventLoop loop;
     if (loop.processEvents()) return true;

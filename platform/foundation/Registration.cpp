@@ -12,6 +12,7 @@
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSNotificationQueue.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSNumberFormatter.h"
@@ -34,9 +35,9 @@ void registerFoundation() {
     registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
                     NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
                     NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
-                    NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
-                    NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
-                    NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+                    NSMutableString, NSNotification, NSNotificationCenter, NSNotificationQueue, NSNull, NSNumber,
+                    NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
+                    NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
 
