@@ -2,6 +2,7 @@
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
 #include "coreutils/DeferredPerforming.h"
+#include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
@@ -29,7 +30,7 @@ void registerStrings() {
 
 void registerCollections() {
     addCategory<NSArray>({
-        method<static_cast<NSIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxStringValues>("pxStringValues"),
         method<&pxFlattenedMutableArrayOfArrays>("pxFlattenedMutableArrayOfArrays"),
         method<&pxFlattenedMutableSetOfSets>("pxFlattenedMutableSetOfSets"),
@@ -45,10 +46,10 @@ void registerCollections() {
     addCategory<NSMutableDictionary>(
         {}, {classMethod<&pxDictionaryWithDictionary_forKeys_>("pxDictionaryWithDictionary:forKeys:")});
     addCategory<NSEnumerator>({
-        method<static_cast<NSIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
     });
     addCategory<NSSet>({
-        method<static_cast<NSIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxUnionWithSet_>("pxUnionWithSet:"),
     });
     addCategory<NSIndexSet>({method<&pxArrayWithIndexes>("pxArrayWithIndexes")});
@@ -79,9 +80,46 @@ void registerKeyValueOperations() {
 }
 
 void registerIconsAndDates() {
+    addCategory<NSString>({
+        method<&pxIconForFile>("pxIconForFile"),
+        method<&pxIconForFileWithDimension_>("pxIconForFileWithDimension:"),
+        method<&pxSmallIconForFile>("pxSmallIconForFile"),
+        method<&pxLargeIconForFile>("pxLargeIconForFile"),
+        method<&pxHugeIconForFile>("pxHugeIconForFile"),
+        method<&pxThumbnailIconForFile>("pxThumbnailIconForFile"),
+        method<&pxSmallIconForFileType>("pxSmallIconForFileType"),
+    });
+    addCategory<NSImage>({method<&pxTrimWithDimension_>("pxTrimWithDimension:")},
+                         {
+                             classMethod<&pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_>(
+                                 "pxGenericIconForFileCreatorCode:fileTypeCode:fileTypeString:dimension:"),
+                             classMethod<&pxImageWithIconRef_dimension_>("pxImageWithIconRef:dimension:"),
+                             classMethod<&pxIconWithData_>("pxIconWithData:"),
+                         });
+    addCategory<NSColor>({}, {classMethod<&pxColorWithQuickDrawRGBColor_>("pxColorWithQuickDrawRGBColor:")});
+    addCategory<NSUserDefaults>({
+        method<&pxSetColor_forKey_>("pxSetColor:forKey:"),
+        method<&pxColorForKey_>("pxColorForKey:"),
+    });
     addCategory<NSDictionary>({}, {classMethod<&pxDictionaryWithIconRef_>("pxDictionaryWithIconRef:")});
     addCategory<NSDate>({method<&pxUTCDateTime_>("pxUTCDateTime:")},
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
+}
+
+void registerDisclaimerAndViews() {
+    addCategory<NSObject>({
+        method<&pxRunDisclaimer>("pxRunDisclaimer"),
+        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
+        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
+        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
+    });
+    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
+    addCategory<NSManagedObject>({
+        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
+        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
+        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
+    });
+    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
 }
 
 void registerLogging() {
@@ -119,6 +157,7 @@ void registerCoreUtils() {
     registerCollections();
     registerKeyValueOperations();
     registerIconsAndDates();
+    registerDisclaimerAndViews();
 }
 
 } // namespace mac

@@ -4,6 +4,9 @@
 
 namespace mac {
 
+// The key of a bundle's build number in its information.
+inline constexpr char kCFBundleVersionKey[] = "CFBundleVersion";
+
 // A folder with an information file: an application, this program itself. The file is read on first need and again when
 // it has changed on the disk. Main thread.
 class NSBundle : public Handle<NSBundle, NSObject> {

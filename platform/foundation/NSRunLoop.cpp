@@ -1,13 +1,16 @@
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/RunLoopMode.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <unistd.h>
@@ -129,6 +132,18 @@ bool NSRunLoop::runMode_beforeDate_(NSString const& mode, NSDate const& date) co
     end.start(waitUntil(date));
     loop.processEvents(QEventLoop::WaitForMoreEvents);
     return !isTimeOver;
+}
+
+void performSelector_withObject_afterDelay_(id const& receiver, SEL selector, id const& object, NSTimeInterval delay) {
+    if (!selector) throw NSInvalidArgumentException("A delayed message needs a selector");
+    if (receiver == nil) return;
+    requireEventLoop();
+    // A timer takes no more, which is 24 days.
+    constexpr double most = std::numeric_limits<int>::max();
+    double const milliseconds = std::isnan(delay) ? 0 : std::clamp(std::ceil(delay * 1000), 0.0, most);
+    QTimer::singleShot(static_cast<int>(milliseconds), Qt::PreciseTimer, [receiver, selector, object] {
+        guarded([&] { receiver.performSelector_withObject_(selector, object); });
+    });
 }
 
 void performOnMainRunLoop(std::function<void()> function) { MainThreadCalls::shared().add(std::move(function)); }

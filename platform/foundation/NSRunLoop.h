@@ -38,4 +38,10 @@ public:
 // is logged and goes no further.
 void performOnMainRunLoop(std::function<void()> function);
 
+// Sends the message with the object on the main thread's run loop once the delay, in seconds, is over; 0 or less: as
+// soon as the loop gets there. Receiver and object, which may be nil, are kept until then. What the message raises is
+// logged and goes no further. Does nothing for a nil receiver; raises NSInvalidArgumentException without a selector.
+// Main thread.
+void performSelector_withObject_afterDelay_(id const& receiver, SEL selector, id const& object, NSTimeInterval delay);
+
 }

@@ -78,8 +78,10 @@ Campaign::~Campaign() { ::munmap(m_shared, sizeof(Shared)); }
 
 void Campaign::run(Operation const& operation) {
     if (operation.needs == Needs::TwoVolumes && !m_fixture.hasSecondVolume()) return;
+    bool const exchangesNames = operation.needs == Needs::ExchangedNames;
+    if (exchangesNames && !m_fixture.canExchangeNames()) return;
     for (Volume const volume : m_options.volumes)
-        runOn(operation, volume);
+        if (!exchangesNames || volume == Volume::Ordinary) runOn(operation, volume);
 }
 
 void Campaign::runOn(Operation const& operation, Volume volume) {

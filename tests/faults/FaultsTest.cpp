@@ -67,9 +67,8 @@ TEST_F(Faults, BreakNoPromise) {
     EXPECT_GT(counts.kills, 0U);
     EXPECT_GT(counts.exchanges, 0U);
     EXPECT_GT(counts.prefixes, 0U);
-    std::vector<KnownBreak> const known = knownBreaks();
     for (Break const& found : campaign.breaks()) {
-        if (isAmong(known, found))
+        if (rowOf(found))
             std::cout << "known: " << found.text() << '\n';
         else
             ADD_FAILURE() << found.text();

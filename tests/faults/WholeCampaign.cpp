@@ -88,13 +88,19 @@ int run(Arguments const& arguments) {
             isComplete = false;
         }
     }
-    std::vector<KnownBreak> known = knownBreaks();
+    std::vector<KnownBreak> const& rows = knownBreaks();
+    std::vector<std::uint64_t> points(rows.size());
     std::size_t unknown = 0;
     for (Break const& found : campaign.breaks()) {
-        bool const isKnown = isAmong(known, found);
-        unknown += isKnown ? 0 : 1;
-        std::cout << (isKnown ? "known: " : "broken: ") << found.text() << '\n';
+        KnownBreak const* const row = rowOf(found);
+        unknown += row ? 0 : 1;
+        if (row) points[static_cast<std::size_t>(row - rows.data())] += found.points;
+        std::cout << (row ? "known: " : "broken: ") << found.text() << '\n';
     }
+    // For scripts/faults, which finds the rows that no file system needs.
+    for (std::size_t at = 0; at < rows.size(); ++at)
+        std::cout << "row " << at + 1 << " matched " << points[at] << ": " << rows[at].operation << ": "
+                  << nameOf(rows[at].promise) << ": " << rows[at].call << '\n';
     Counts const& counts = campaign.counts();
     std::cout << "counts: calls " << counts.calls << " faults " << counts.faults << " kills " << counts.kills
               << " exchanges " << counts.exchanges << " races " << counts.races << " prefixes " << counts.prefixes

@@ -1,8 +1,8 @@
 #include "platform/applescript/applications/ApplicationModel.h"
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/ElementAccess.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/SpecifierResolution.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/runtime/Evaluator.h"
 
 namespace mac::applescript {
 

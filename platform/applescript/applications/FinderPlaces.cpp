@@ -1,6 +1,6 @@
 #include "platform/applescript/applications/FinderPlaces.h"
-#include "platform/applescript/ScriptPaths.h"
-#include "platform/applescript/Terminology.h"
+#include "platform/applescript/language/Terminology.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"

@@ -1,6 +1,6 @@
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/FileBrowserSession.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"

@@ -1,6 +1,6 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"

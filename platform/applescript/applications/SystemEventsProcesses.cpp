@@ -1,5 +1,5 @@
-#include "platform/applescript/Coercion.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Coercion.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"

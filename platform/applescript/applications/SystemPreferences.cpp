@@ -1,9 +1,9 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/TermTable.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/Desktops.h"
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/Terminology.h"
+#include "platform/applescript/language/Terminology.h"
 
 namespace mac::applescript {
 
