@@ -1,6 +1,7 @@
 #include "coreutils/Registration.h"
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
+#include "coreutils/DeferredPerforming.h"
 #include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Logging.h"
@@ -135,9 +136,22 @@ void registerLogging() {
     });
 }
 
+void registerDeferredPerforming() {
+    addCategory<NSObject>({
+        method<&pxRegisterPerformDeferredSelector>("pxRegisterPerformDeferredSelector"),
+        method<&pxUnregisterPerformDeferredSelector>("pxUnregisterPerformDeferredSelector"),
+        method<&pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_>(
+            "pxPerformDeferredSelector:withObject:postWhenIdle:coalescing:"),
+        method<&pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_>(
+            "pxPerformDeferredSelector:withObject:withObject:postWhenIdle:coalescing:"),
+        method<&pxPerformDeferredSelectorHandler_>("pxPerformDeferredSelectorHandler:"),
+    });
+}
+
 } // namespace
 
 void registerCoreUtils() {
+    registerDeferredPerforming();
     registerLogging();
     registerStrings();
     registerCollections();

@@ -3,6 +3,7 @@
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/RunLoopMode.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
@@ -12,6 +13,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <unistd.h>
 
 namespace mac {
 
@@ -78,6 +80,8 @@ void prepareMainRunLoop() {
     std::call_once(isPrepared, [] { qAddPreRoutine(&wakeCallsOfNewLoop); });
 }
 
+bool isMainThread() { return ::gettid() == ::getpid(); }
+
 void requireEventLoop() {
     if (QCoreApplication::instance()) return;
     // The application keeps references to these as long as it lives.
@@ -100,19 +104,24 @@ ClassDescription NSRunLoop::describeClass() {
 
 NSRunLoop NSRunLoop::currentRunLoop() {
     static NSRunLoop const loop = adopt<NSRunLoop>();
-    requireEventLoop();
+    if (isMainThread()) requireEventLoop();
     return loop;
 }
 
+NSString NSRunLoop::currentMode() const { return *this == nil ? NSString() : currentRunLoopMode(); }
+
 void NSRunLoop::runUntilDate_(NSDate const& date) const {
     if (*this == nil) return;
+    bool isAnyHandled = false;
     do {
-        runMode_beforeDate_(NSDefaultRunLoopMode, date);
-    } while (date.timeIntervalSinceNow() > 0);
+        isAnyHandled = runMode_beforeDate_(NSDefaultRunLoopMode, date);
+    } while (date.timeIntervalSinceNow() > 0 && (isAnyHandled || isMainThread()));
 }
 
-bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
+bool NSRunLoop::runMode_beforeDate_(NSString const& mode, NSDate const& date) const {
     if (*this == nil) return false;
+    RunLoopModeScope const scope(mode);
+    if (!isMainThread()) return postWaitingNotifications();
     requireEventLoop();
     QEventLoop loop;
     if (loop.processEvents()) return true;

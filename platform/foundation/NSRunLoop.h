@@ -6,9 +6,16 @@
 
 namespace mac {
 
+// What a run loop lets through.
 inline constexpr char NSDefaultRunLoopMode[] = "kCFRunLoopDefaultMode";
+inline constexpr char NSModalPanelRunLoopMode[] = "NSModalPanelRunLoopMode";
+inline constexpr char NSEventTrackingRunLoopMode[] = "NSEventTrackingRunLoopMode";
+// Stands for the modes above.
+inline constexpr char NSRunLoopCommonModes[] = "kCFRunLoopCommonModes";
 
 // The main thread's event loop, made on first need. Input, timers and what other threads send arrive through it.
+// On another thread only the notifications of that thread's NSNotificationQueue arrive, and nothing is waited for.
+// Linux: only notifications are held back by the mode.
 class NSRunLoop : public Handle<NSRunLoop, NSObject> {
 public:
     class Body;
@@ -18,9 +25,12 @@ public:
 
     static NSRunLoop currentRunLoop();
 
+    // The mode that the loop is run in; the default mode if it is not run by runMode_beforeDate_ or a modal panel.
+    NSString currentMode() const;
     // Handles what arrives until the date.
     void runUntilDate_(NSDate const& date) const;
-    // Waits for one arrival, at most until the date, and handles it; false when nothing arrived.
+    // Waits for one arrival, at most until the date, and handles it; false when nothing arrived. A nil mode is the
+    // default mode.
     bool runMode_beforeDate_(NSString const& mode, NSDate const& date) const;
 };
 

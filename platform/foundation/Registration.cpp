@@ -15,6 +15,7 @@
 #include "platform/foundation/NSIndexSet.h"
 #include "platform/foundation/NSManagedObject.h"
 #include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSNotificationQueue.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSNumberFormatter.h"
@@ -37,10 +38,10 @@ void registerFoundation() {
     registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet,
                     NSData, NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
                     NSManagedObject, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary,
-                    NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter, NSNull,
-                    NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet,
-                    NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSUnarchiver, NSURL, NSValue,
-                    NSValueTransformer>();
+                    NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter,
+                    NSNotificationQueue, NSNull, NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization,
+                    NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSUnarchiver,
+                    NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
 

@@ -33,7 +33,7 @@ bool isClosed(SystemError const& error) { return error.is(EACCES) || error.is(EP
 bool mayBeBeside(SystemError const& error) { return error.is(ENODATA) || error.is(EOPNOTSUPP); }
 
 // The file system cannot hold the value.
-bool isRefusal(SystemError const& error) {
+bool isRefusedAttribute(SystemError const& error) {
     return error.is(ENOSPC) || error.is(E2BIG) || error.is(EOPNOTSUPP) || error.is(ERANGE);
 }
 
@@ -164,7 +164,7 @@ Result<void> AttributeChange::write(std::span<std::byte const> value, AttributeC
         return {};
     }
     // A file of another form stays, and the reason is the file system's.
-    if (!isRefusal(written.problem()) || !m_sidecar.isWritable()) return written;
+    if (!isRefusedAttribute(written.problem()) || !m_sidecar.isWritable()) return written;
     if (Result<void> const checked = check(condition); !checked.isDone()) return checked;
     return writeBeside(value);
 }

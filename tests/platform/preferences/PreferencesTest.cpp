@@ -1,6 +1,8 @@
 #include "platform/preferences/Preferences.h"
+#include "fuzz/UserDefaultsTrial.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
+#include "tests/support/Corpus.h"
 
 namespace mac::test {
 
@@ -111,6 +113,10 @@ TEST_F(PreferencesTest, ADesktopThatCannotBeWrittenIsToldAndTheFileStaysAsItWas)
     desktop().isWritable = false;
     EXPECT_FALSE(write(NSArray::array()));
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObjects_({"a", "b", NSNumber::numberWithInt_(1)})));
+}
+
+TEST(PreferencesCorpus, KeepsAllValuesOfReadableFilesAndAllBytesOfOthers) {
+    expectNoComplaints("UserDefaultsFuzz", fuzz::complaintAboutUserDefaults);
 }
 
 TEST_F(PreferencesTest, AnArrayChangedAfterItWasSetIsWrittenAsItWas) {
