@@ -39,7 +39,7 @@ void addGiven(HandlerMessage& message, Value const& given) {
         return;
     }
     if (!given.is(ValueKind::List) || given.items().size() % 2 != 0) throw plainError(errors::CorruptData);
-    std::vector<Value> const& items = given.items();
+    ValueList const& items = given.items();
     for (std::size_t index = 0; index < items.size(); index += 2) {
         if (!items[index].is(ValueKind::Text)) throw plainError(errors::CorruptData);
         message.labeled.emplace_back(identifierSymbol(items[index].units()), items[index + 1]);
@@ -93,8 +93,12 @@ ScriptOutcome performEvent(CompiledScript& script, AppleEvent const& event, RunO
     CommandArguments const arguments = argumentsOf(event);
     bool const isRun = eventClass == kCoreEventClass.value() && eventID == kAEOpenApplication.value();
     if (!isRun) return script.handle(options, EventCode{eventClass} << bitsOfCode | eventID, arguments);
-    if (arguments.direct.is(ValueKind::List)) return script.run(options, arguments.direct.items());
-    return script.run(options, arguments.direct.isNothing() ? std::vector<Value>() : std::vector{arguments.direct});
+    std::vector<Value> given;
+    if (arguments.direct.is(ValueKind::List))
+        given.assign(arguments.direct.items().begin(), arguments.direct.items().end());
+    else if (!arguments.direct.isNothing())
+        given.push_back(arguments.direct);
+    return script.run(options, given);
 }
 
 } // namespace

@@ -181,7 +181,14 @@ std::optional<std::u16string> plainTextOf(AEDesc const& desc) {
     return text ? text : unitsFromBytes(characters(*bytes), NSMacOSRomanStringEncoding);
 }
 
-AEDesc makeText(std::u16string_view units) { return makeDesc(typeUnicodeText, std::as_bytes(std::span(units))); }
+// Readers take a mark at the beginning for one of byte order, so text that begins with such a character gets one before
+// it.
+AEDesc makeText(std::u16string_view units) {
+    bool const looksMarked = units.starts_with(ByteOrderMark) || units.starts_with(SwappedByteOrderMark);
+    if (!looksMarked) return makeDesc(typeUnicodeText, std::as_bytes(std::span(units)));
+    std::u16string const marked = ByteOrderMark + std::u16string(units);
+    return makeDesc(typeUnicodeText, std::as_bytes(std::span(marked)));
+}
 
 std::optional<AEDesc> coerced(AEDesc const& desc, DescType toType) {
     if (desc.descriptorType == toType || toType == typeWildCard) return desc;

@@ -141,8 +141,8 @@ Value runScript(Evaluator& evaluator, CommandArguments const& arguments) {
     requireStackRoom();
     Value const script = resolved(arguments.direct, evaluator.context());
     Value const* const given = arguments.find(codeOf("plst"));
-    std::vector<Value> const parameters =
-        given ? requireType(*given, codeOf("list"), evaluator.context()).items() : std::vector<Value>();
+    Value const list = given ? requireType(*given, codeOf("list"), evaluator.context()) : Value::list();
+    std::vector<Value> const parameters(list.items().begin(), list.items().end());
     if (script.is(ValueKind::Script)) return evaluator.runScript(script.script(), parameters);
     std::u16string const source = requireText(script, evaluator.context());
     try {

@@ -104,6 +104,7 @@ void ScriptParser::parseBooleanParameters(Node& node, CommandTerm const& command
 
 bool ScriptParser::parseCommandParameter(Node& node, CommandTerm const& command) {
     if (current().kind != TokenKind::Word) return false;
+    if (parseRawParameters(node)) return true;
     std::span<Token const> const rest = std::span(m_tokens).subspan(m_place);
     CommandParameter const* parameter = nullptr;
     std::size_t most = 0;
@@ -150,6 +151,8 @@ Node& ScriptParser::parseCommand(CommandTerm const& command, std::size_t firstTo
         m_stops.push_back(parameter.label);
     if (m_stops.empty()) m_stops.emplace_back(u"given");
     if (command.direct != DirectParameter::None) {
+        // get eof of f
+        takeWord("of");
         node.a = parseEnumerator(command.enumerators);
         bool const isSubtraction = isSymbol("-") && command.direct == DirectParameter::Optional;
         if (!node.a && startsExpression() && !isSubtraction) node.a = &parseExpression();

@@ -42,7 +42,7 @@ Node* ScriptParser::parseRepeat() {
         Symbol const name =
             isTerm ? termSymbol(term->propertyCode, term->name) : takeIdentifier(u"variable name or property");
         if (isTerm) {
-            m_body->assignedTerms.push_back(name);
+            m_body->assignedTerms.add(name);
             advance();
         }
         node.c = &makeVariable(name, place);
@@ -79,7 +79,7 @@ Node* ScriptParser::parseTry() {
     node.a = &parseBlock();
     node.list.assign(5, nullptr);
     if (takeWords({"on", "error"})) {
-        if (isIdentifier(current())) {
+        if (isIdentifier(current()) && !areWords({"partial", "result"})) {
             std::size_t const place = m_place;
             node.list[0] = &makeVariable(takeIdentifier(u"variable name or property"), place);
         }

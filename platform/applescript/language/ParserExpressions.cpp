@@ -32,11 +32,7 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
         Node* right = nullptr;
         if (!isPredicate)
             right = &parseExpression(found->operation == Operation::Power ? precedence::Power : found->precedence + 1);
-        Node& node = make(NodeKind::Binary, first);
-        node.operation = found->operation;
-        node.a = left;
-        node.b = right;
-        left = &node;
+        left = &makeBinary(found->operation, *left, right, first);
         bool const isComparison =
             found->precedence == precedence::Equality || found->precedence == precedence::Relation;
         if (isComparison) mostPrecedence = found->precedence - 1;
@@ -45,6 +41,21 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
             mostPrecedence = precedence::Power;
     }
     return *left;
+}
+
+// `right` is null where the operator has no operand there.
+Node& ScriptParser::makeBinary(Operation operation, Node& left, Node* right, std::size_t firstToken) {
+    bool const isNegatedStart = operation == Operation::DoesNotStartWith;
+    bool const isNegatedEnd = operation == Operation::DoesNotEndWith;
+    Node& node = make(NodeKind::Binary, firstToken);
+    node.operation = isNegatedStart ? Operation::StartsWith : isNegatedEnd ? Operation::EndsWith : operation;
+    node.a = &left;
+    node.b = right;
+    if (!isNegatedStart && !isNegatedEnd) return node;
+    Node& negation = make(NodeKind::Unary, firstToken);
+    negation.operation = Operation::Not;
+    negation.a = &node;
+    return negation;
 }
 
 Node& ScriptParser::parseUnary() {

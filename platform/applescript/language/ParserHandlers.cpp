@@ -74,13 +74,12 @@ void ScriptParser::parseProperty() {
         name = parseRecordKey();
     else
         name = takeIdentifier(u"variable name or property");
-    bool const isKnown = std::ranges::any_of(definition.properties,
-                                             [&](auto const& property) { return isSameName(property.first, name); });
-    if (isKnown)
+    if (definition.propertyPlaces.contains(name))
         throw syntaxError(errors::PropertyTwice, u"The " + name->spelling + u" property" + std::u16string(Twice),
                           m_tokens[first + 1].range);
     expectSymbol(":");
     // Evaluated where the script object is made: in the body around it.
+    definition.propertyPlaces.add(name);
     definition.properties.emplace_back(name, nullptr);
     std::size_t const index = definition.properties.size() - 1;
     ScriptScope* const script = m_body->script;
@@ -98,15 +97,12 @@ void ScriptParser::declare(bool isGlobal) {
     do {
         std::size_t const place = m_place;
         Symbol const name = takeIdentifier(u"variable name or property");
-        auto const has = [&](std::vector<Symbol> const& names) {
-            return std::ranges::any_of(names, [&](Symbol known) { return isSameName(known, name); });
-        };
-        if (has(isGlobal ? m_body->locals : m_body->globals))
+        if ((isGlobal ? m_body->locals : m_body->globals).contains(name))
             throw syntaxError(errors::LocalAndGlobal,
                               u"Can’t declare " + name->spelling + u" as both a local and global variable.",
                               m_tokens[place].range);
-        (isGlobal ? m_body->globals : m_body->locals).push_back(name);
-        if (isGlobal && !m_inHandler) m_body->script->globals.push_back(name);
+        (isGlobal ? m_body->globals : m_body->locals).add(name);
+        if (isGlobal && !m_inHandler) m_body->script->globals.add(name);
     } while (takeSymbol(","));
     expectEndOfStatement(false);
 }
@@ -132,11 +128,10 @@ Node* ScriptParser::parseScriptObject() {
     Node& made = make(NodeKind::Script, first);
     made.definition = definition;
     if (!m_inHandler && definition->name) {
-        auto& properties = m_body->script->definition->properties;
-        bool const isKnown = std::ranges::any_of(
-            properties, [&](auto const& property) { return isSameName(property.first, definition->name); });
-        if (!isKnown) {
-            properties.emplace_back(definition->name, &made);
+        ScriptDefinition& outer = *m_body->script->definition;
+        if (!outer.propertyPlaces.contains(definition->name)) {
+            outer.propertyPlaces.add(definition->name);
+            outer.properties.emplace_back(definition->name, &made);
             Node& nothing = make(NodeKind::Literal, first);
             return m_body->isTopLevel ? &(nothing.kind = NodeKind::Nothing, nothing) : nullptr;
         }
@@ -156,12 +151,13 @@ void ScriptParser::parseHandler() {
     m_body = &body;
     std::size_t const namePlace = m_place;
     parseHandlerHead(handler);
-    for (HandlerDefinition const* const other : scope.definition->handlers)
-        if (isSameName(other->name, handler.name))
-            throw syntaxError(errors::HandlerTwice,
-                              u"The " + handler.name->spelling + u" handler" + std::u16string(Twice),
-                              m_tokens[namePlace].range);
-    scope.definition->handlers.push_back(&handler);
+    ScriptDefinition& definition = *scope.definition;
+    if (definition.handlerPlaces.contains(handler.name))
+        throw syntaxError(errors::HandlerTwice, u"The " + handler.name->spelling + u" handler" + std::u16string(Twice),
+                          m_tokens[namePlace].range);
+    definition.handlerPlaces.add(handler.name);
+    definition.handlers.push_back(&handler);
+    if (handler.command) definition.commandHandlers.push_back(&handler);
     expectEndOfStatement(true);
     bool const wasInHandler = std::exchange(m_inHandler, true);
     std::size_t const repeatDepth = std::exchange(m_repeatDepth, 0);
@@ -172,13 +168,20 @@ void ScriptParser::parseHandler() {
     if (!isWord("end")) expected(u"“end”");
     advance();
     // The name after `end` need not match.
-    while (!current().endsStatement() &&
-           (current().kind == TokenKind::Word || current().kind == TokenKind::Barred || isSymbol(":")))
+    while (!current().endsStatement() && (current().kind == TokenKind::Word || current().kind == TokenKind::Barred ||
+                                          current().kind == TokenKind::Raw || isSymbol(":")))
         advance();
     expectEndOfStatement(false);
 }
 
 void ScriptParser::parseHandlerHead(HandlerDefinition& handler) {
+    if (CommandTerm const* const command = rawCommandHere()) {
+        advance();
+        handler.command = command;
+        handler.name = identifierSymbol(command->name);
+        parseCommandParameters(handler);
+        return;
+    }
     TermMatch const match = matchTerm();
     if (match.term && match.term->command) {
         for (std::size_t count = 0; count < match.tokenCount; ++count)

@@ -83,8 +83,11 @@ constexpr auto WordOperators = std::to_array<WordOperator>({
     {u"starts with", Operation::StartsWith, precedence::Relation},
     {u"begin with", Operation::StartsWith, precedence::Relation},
     {u"begins with", Operation::StartsWith, precedence::Relation},
+    {u"does not start with", Operation::DoesNotStartWith, precedence::Relation},
+    {u"does not begin with", Operation::DoesNotStartWith, precedence::Relation},
     {u"end with", Operation::EndsWith, precedence::Relation},
     {u"ends with", Operation::EndsWith, precedence::Relation},
+    {u"does not end with", Operation::DoesNotEndWith, precedence::Relation},
     {u"is running", Operation::Running, precedence::Equality},
     {u"is not running", Operation::NotRunning, precedence::Equality},
 });

@@ -1,8 +1,6 @@
 #include "platform/applescript/language/ScriptParser.h"
 #include "platform/applescript/language/StackRoom.h"
-#include "platform/applescript/runtime/HeapObjects.h"
 #include <array>
-#include <cmath>
 
 namespace mac::applescript {
 
@@ -10,41 +8,6 @@ namespace {
 
 constexpr auto Ordinals = std::to_array<std::string_view>(
     {"first", "second", "third", "fourth", "fifth", "sixth", "seventh", "eighth", "ninth", "tenth"});
-
-Code hexCode(std::u16string_view characters) {
-    Code code = 0;
-    for (std::size_t index = 0; index < 4; ++index)
-        code = code << 8U | (index < characters.size() ? characters[index] & 0xFFU : u' ');
-    return code;
-}
-
-int hexDigit(char16_t unit) {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    char16_t const lower = unit | 0x20;
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
-}
-
-// Nothing where the digits are not whole bytes.
-std::optional<std::string> bytesOfHex(std::u16string_view digits) {
-    std::string bytes;
-    if (digits.size() % 2 != 0) return {};
-    for (std::size_t index = 0; index < digits.size(); index += 2) {
-        int const high = hexDigit(digits[index]);
-        int const low = hexDigit(digits[index + 1]);
-        if (high < 0 || low < 0) return {};
-        bytes += static_cast<char>(high * 16 + low);
-    }
-    return bytes;
-}
-
-Value valueOfData(Code type, std::string const& bytes) {
-    if (type != codeOf("utxt")) return makeObject<DataObject>(ValueKind::Data, type, bytes);
-    std::u16string units;
-    for (std::size_t index = 0; index + 1 < bytes.size(); index += 2)
-        units += static_cast<char16_t>(static_cast<unsigned char>(bytes[index]) << 8U |
-                                       static_cast<unsigned char>(bytes[index + 1]));
-    return Value::text(std::move(units));
-}
 
 } // namespace
 
@@ -92,10 +55,21 @@ Node& ScriptParser::parsePostfix() {
 // What follows 's, my or its: a property, an element or a call, in the owner.
 Node& ScriptParser::parseAfterPossessive(Node& owner) {
     std::size_t const first = m_place;
-    Node& head = parsePrimary();
+    Node* const end = parseOwnedEnd();
+    Node& head = end ? *end : parsePrimary();
     Node& attached = attach(head, owner);
     attached.range.start = std::min(owner.range.start, m_tokens[first].range.start);
     return attached;
+}
+
+// The end or beginning in x's end. Null where something else stands there.
+Node* ScriptParser::parseOwnedEnd() {
+    std::size_t const first = m_place;
+    bool const isEnd = takeWord("end");
+    if (!isEnd && !takeWord("beginning")) return nullptr;
+    Node& node = parseElement(codeOf("insl"), first);
+    node.form = isEnd ? Form::End : Form::Beginning;
+    return &node;
 }
 
 // Puts the head, which has no container yet, into the container.
@@ -104,6 +78,7 @@ Node& ScriptParser::attach(Node& head, Node& container) {
     case NodeKind::Variable:
         head.kind = NodeKind::Property;
         head.a = &container;
+        head.command = getterNamed(head.name->spelling);
         return head;
     case NodeKind::Property:
     case NodeKind::Element:
@@ -344,55 +319,6 @@ Node& ScriptParser::parseApplication() {
     node.code = byIdentifier ? codeOf("ID  ") : 0;
     node.a = &name;
     return node;
-}
-
-// «class docu», «constant ****yes », «data utxt0041», «event sysoexec», «property pnam».
-Node& ScriptParser::parseRaw() {
-    std::size_t const first = m_place;
-    std::u16string_view const content = current().text;
-    std::size_t const space = content.find(u' ');
-    std::u16string_view const kind = content.substr(0, space);
-    std::u16string_view const code =
-        space == std::u16string_view::npos ? std::u16string_view() : content.substr(space + 1);
-    if (kind == u"class" && !code.empty()) {
-        advance();
-        // The name lives on in the table of symbols.
-        Symbol const symbol = termSymbol(hexCode(code), nameOfCode(hexCode(code)));
-        Term const term{.name = symbol->spelling, .classCode = symbol->code, .propertyCode = symbol->code};
-        Term const* const known = Terminology::base().termNamed(nameOfCode(term.classCode));
-        bool const isTerm = known && (known->classCode == term.classCode || known->propertyCode == term.classCode);
-        Node& node = parseClassTerm(isTerm && known->classCode != 0 ? *known : term, first);
-        if (node.name) node.name = termSymbol(node.name->code, nameOfCode(node.name->code));
-        return node;
-    }
-    if (kind == u"property" && !code.empty()) {
-        advance();
-        Node& node = make(NodeKind::Property, first);
-        node.name = termSymbol(hexCode(code), nameOfCode(hexCode(code)));
-        return node;
-    }
-    if (kind == u"constant" && code.size() > 4) {
-        advance();
-        Node& node = make(NodeKind::Literal, first);
-        node.value = Value::constant(hexCode(code.substr(4)));
-        return node;
-    }
-    if (kind == u"event" && code.size() == 8) {
-        EventCode const event = static_cast<EventCode>(hexCode(code.substr(0, 4))) << 32U | hexCode(code.substr(4));
-        CommandTerm const* const command = Terminology::base().commandOf(event);
-        if (!command) expected(u"expression");
-        advance();
-        return parseCommand(*command, first);
-    }
-    if (kind == u"data" && code.size() >= 4) {
-        std::optional<std::string> const bytes = bytesOfHex(code.substr(4));
-        if (!bytes) expected(u"expression");
-        advance();
-        Node& node = make(NodeKind::Literal, first);
-        node.value = valueOfData(hexCode(code), *bytes);
-        return node;
-    }
-    expected(u"expression");
 }
 
 } // namespace mac::applescript

@@ -102,7 +102,7 @@ Node& ScriptParser::parsePattern(bool isParameter) {
         Symbol const name =
             term && term->propertyCode != 0 ? termSymbol(term->propertyCode, term->name) : symbolOfToken(current());
         advance();
-        m_body->locals.push_back(name);
+        m_body->locals.add(name);
         Node& variable = makeVariable(name, first);
         if (takeWord("as")) variable.codes = parseClassNames();
         if (takeSymbol(":")) variable.b = &parseUnary();
@@ -126,7 +126,7 @@ Node& ScriptParser::parseTarget() {
     Node& target = parsePattern(false);
     bool const isTermVariable = target.kind == NodeKind::Property && !target.a && !target.isOfApplication;
     // Only the additions' names and such: the language's own properties stay what they are.
-    if (isTermVariable && target.name->code != codeOf("txdl")) m_body->assignedTerms.push_back(target.name);
+    if (isTermVariable && target.name->code != codeOf("txdl")) m_body->assignedTerms.add(target.name);
     return target;
 }
 

@@ -10,7 +10,7 @@ struct ScriptScope {
     ScriptDefinition* definition{nullptr};
     ScriptScope* outer{nullptr};
     // Declared by statements outside of handlers.
-    std::vector<Symbol> globals{};
+    NameIndex globals{};
 };
 
 // A handler, or the statements of a script outside of handlers.
@@ -19,13 +19,13 @@ struct BodyScope {
     ScriptScope* script{nullptr};
     BodyScope* outer{nullptr};
     bool isTopLevel{false};
-    std::vector<Symbol> locals{};
-    std::vector<Symbol> globals{};
+    NameIndex locals{};
+    NameIndex globals{};
     // Variables, and properties without a container that may turn out to be variables.
     std::vector<Node*> names{};
     // Names of terms that the body assigns to.
-    std::vector<Symbol> assignedTerms{};
-    // Which of the names stand in what the properties of a script object inside this body start with.
+    NameIndex assignedTerms{};
+    // In order: which of the names stand in what the properties of a script object inside this body start with.
     struct Initial {
         std::size_t first{0};
         std::size_t end{0};

@@ -83,6 +83,7 @@ private:
 
     // ParserExpressions.cpp
     Node& parseExpression(int leastPrecedence = 0);
+    Node& makeBinary(Operation operation, Node& left, Node* right, std::size_t firstToken);
     Node& parseUnary();
     struct Operator {
         Operation operation;
@@ -100,12 +101,12 @@ private:
     Node& parseBraces();
     bool isRecordKey() const;
     Symbol parseRecordKey();
-    Node& parseRaw();
 
     // ParserReferences.cpp
     Node& parseReference();
     Node& parsePostfix();
     Node& parseAfterPossessive(Node& owner);
+    Node* parseOwnedEnd();
     Node& attach(Node& head, Node& container);
     bool isContainerWord() const;
     bool startsIndex() const;
@@ -118,6 +119,11 @@ private:
     Node& parseClassTerm(Term const& term, std::size_t firstToken);
     Node& parseDate(std::size_t firstToken);
     Node& parseApplication();
+
+    // ParserRawCodes.cpp
+    Node& parseRaw();
+    CommandTerm const* rawCommandHere() const;
+    bool parseRawParameters(Node& node);
 
     // ParserCommands.cpp
     Node& parseCommand(CommandTerm const& command, std::size_t firstToken);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/applescript/language/NameIndex.h"
 #include "platform/applescript/language/Terminology.h"
 #include <deque>
 
@@ -112,6 +113,9 @@ enum class Operation : std::uint8_t {
     IsNotIn,
     StartsWith,
     EndsWith,
+    // The parser makes them `not` of the two before.
+    DoesNotStartWith,
+    DoesNotEndWith,
     And,
     Or,
     Not,
@@ -200,12 +204,18 @@ struct HandlerDefinition {
 
 struct ScriptDefinition {
     Symbol name{nullptr};
+    // Each index tells the place of a name in the list before it.
     std::vector<std::pair<Symbol, Node*>> properties{};
+    NameIndex propertyPlaces{};
     std::vector<HandlerDefinition*> handlers{};
+    NameIndex handlerPlaces{};
+    // Of the handlers those of commands.
+    std::vector<HandlerDefinition*> commandHandlers{};
     HandlerDefinition* run{nullptr};
     bool hasRunHandler{false};
     // Of the outermost script only: the variables that its statements and handlers' globals share.
     std::vector<Symbol> variables{};
+    NameIndex variablePlaces{};
 };
 
 // A parsed script. Owns every node; shared by the scripts made of it. Node addresses stay.

@@ -21,13 +21,15 @@ constexpr auto ReservedWords = std::to_array<std::string_view>({
     "until",   "where",   "while",       "whose",     "with",     "without",
 });
 
+char asciiLower(char16_t unit) { return static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit); }
+
 std::vector<std::string> wordsOf(std::u16string_view name) {
     std::vector<std::string> words(1);
     for (char16_t const unit : name) {
         if (unit == u' ')
             words.emplace_back();
         else
-            words.back() += static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit);
+            words.back() += asciiLower(unit);
     }
     return words;
 }
@@ -125,9 +127,37 @@ CommandTerm const* Terminology::commandOf(EventCode code) const {
     return found == m_commands.end() ? nullptr : *found;
 }
 
+CommandTerm const& rawCommand(EventCode event) {
+    struct RawCommand {
+        std::u16string name;
+        CommandTerm term;
+    };
+    static std::unordered_map<EventCode, RawCommand> commands;
+    constexpr unsigned bitsOfCode = 32;
+    RawCommand& raw = commands[event];
+    if (!raw.name.empty()) return raw.term;
+    raw.name = u"«event " + charactersOfCode(static_cast<Code>(event >> bitsOfCode)) +
+               charactersOfCode(static_cast<Code>(event)) + u"»";
+    raw.term = {.name = raw.name, .code = event, .direct = DirectParameter::Optional};
+    return raw.term;
+}
+
+CommandTerm const* getterNamed(std::u16string_view name) {
+    Term const* const term = Terminology::base().termNamed(u"get " + foldedName(name));
+    return term ? term->command : nullptr;
+}
+
 std::size_t tokensSpelling(std::span<Token const> tokens, std::u16string_view name) {
-    std::vector<std::string> const words = wordsOf(name);
-    return spell(tokens, words) ? words.size() : 0;
+    std::size_t count = 0;
+    while (true) {
+        std::u16string_view const word = name.substr(0, name.find(u' '));
+        bool const isSpelled = count < tokens.size() && tokens[count].kind == TokenKind::Word &&
+                               std::ranges::equal(tokens[count].word, word, {}, {}, asciiLower);
+        if (!isSpelled) return 0;
+        ++count;
+        if (word.size() == name.size()) return count;
+        name.remove_prefix(word.size() + 1);
+    }
 }
 
 std::u16string charactersOfCode(Code code) {

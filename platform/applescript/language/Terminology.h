@@ -100,6 +100,12 @@ private:
 // How many of the tokens spell the words of the name; 0 when they do not.
 std::size_t tokensSpelling(std::span<Token const> tokens, std::u16string_view name);
 
+// A command that no table names, by its event alone: a direct parameter, and others by their codes. Lives as long as
+// the process.
+CommandTerm const& rawCommand(EventCode event);
+// The command that asks for what the name says: `get eof` for "eof". Null where there is none.
+CommandTerm const* getterNamed(std::u16string_view name);
+
 // The tables of the applications that are part of this engine.
 std::span<Terminology const* const> applicationTerminologies();
 

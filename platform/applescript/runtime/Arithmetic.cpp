@@ -2,6 +2,7 @@
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/applescript/runtime/ScriptError.h"
+#include "platform/applescript/runtime/ScriptObject.h"
 #include <cmath>
 #include <unordered_map>
 
@@ -102,12 +103,15 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
         }
         return Value::record(std::move(fields));
     }
+    // Nothing before a list is the list itself.
+    bool const addsNothing = left.is(ValueKind::List) && left.items().empty() && right.is(ValueKind::List);
+    if (addsNothing) return right;
     // A record gives its values.
-    std::vector<Value> items = requireType(left, codeOf("list"), context).items();
-    std::vector<Value> const added = requireType(right, codeOf("list"), context).items();
+    ValueList items = requireType(left, codeOf("list"), context).items();
+    ValueList const added = requireType(right, codeOf("list"), context).items();
     requireRoom(items.size() + added.size(), context.mostItems);
-    items.insert(items.end(), added.begin(), added.end());
-    return Value::list(std::move(items));
+    items.append(added);
+    return Value::listOf(std::move(items));
 }
 
 Value deepCopy(Value const& value) {
@@ -118,13 +122,17 @@ Value deepCopy(Value const& value) {
         Value copy(Value const& original, int depth) {
             constexpr int deepest = 500;
             if (depth > deepest) throw plainError(errors::StackOverflow);
-            bool const isShared =
-                original.is(ValueKind::List) || original.is(ValueKind::Record) || original.is(ValueKind::Date);
+            bool const isShared = original.is(ValueKind::List) || original.is(ValueKind::Record) ||
+                                  original.is(ValueKind::Date) || original.is(ValueKind::Script);
             if (!isShared) return original;
             if (auto const known = made.find(original.object()); known != made.end()) return known->second;
             Value const copied = emptyCopy(original);
             made.emplace(original.object(), copied);
             if (original.is(ValueKind::Date)) return copied;
+            if (original.is(ValueKind::Script)) {
+                copyState(copied.script(), depth);
+                return copied;
+            }
             if (original.is(ValueKind::List)) {
                 copied.items().reserve(original.items().size());
                 for (Value const& item : original.items())
@@ -136,7 +144,16 @@ Value deepCopy(Value const& value) {
             return copied;
         }
 
+        // The parent and the script around it stay the same ones.
+        void copyState(ScriptObject& script, int depth) {
+            for (Value& property : script.properties)
+                property = copy(property, depth + 1);
+            for (Value& variable : script.variables)
+                variable = copy(variable, depth + 1);
+        }
+
         static Value emptyCopy(Value const& original) {
+            if (original.is(ValueKind::Script)) return original.script().duplicate();
             if (original.is(ValueKind::Date)) return Value::date(original.seconds());
             return original.is(ValueKind::List) ? Value::list() : Value::record();
         }

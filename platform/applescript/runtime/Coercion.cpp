@@ -3,6 +3,7 @@
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/runtime/ISODate.h"
 #include "platform/applescript/runtime/RealText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptError.h"
@@ -99,9 +100,32 @@ std::optional<Value> textOf(Value const& value, TextContext const& context) {
         return textOfList(value, context);
     case ValueKind::Application:
         return Value::text(value.application().name);
+    case ValueKind::Data:
+        if (value.data().type != codeOf("isot")) return {};
+        return Value::text(std::u16string(value.data().bytes.begin(), value.data().bytes.end()));
     default:
         return {};
     }
+}
+
+// «class isot» is text of ASCII characters, as data.
+std::optional<Value> isoDateOf(Value const& value) {
+    std::u16string text;
+    if (value.is(ValueKind::Date))
+        text = isoDateText(value.seconds());
+    else if (value.is(ValueKind::Text) && dateInISOText(value.units()))
+        text = value.units();
+    else
+        return {};
+    return makeObject<DataObject>(ValueKind::Data, codeOf("isot"), std::string(text.begin(), text.end()));
+}
+
+std::optional<Value> dateOf(Value const& value) {
+    bool const isISODate = value.is(ValueKind::Data) && value.data().type == codeOf("isot");
+    if (!isISODate) return {};
+    std::string const& bytes = value.data().bytes;
+    std::optional<std::int64_t> const seconds = dateInISOText(std::u16string(bytes.begin(), bytes.end()));
+    return seconds ? std::optional(Value::date(*seconds)) : std::nullopt;
 }
 
 std::optional<Value> fileOf(Value const& value, Code type, TextContext const& context) {
@@ -150,6 +174,10 @@ std::optional<Value> coercedItself(Value const& value, Code type, TextContext co
     }
     case codeOf("bool"):
         return booleanOf(value, context);
+    case codeOf("isot"):
+        return isoDateOf(value);
+    case codeOf("ldt "):
+        return dateOf(value);
     case codeOf("alis"):
     case codeOf("furl"):
     case codeOf("psxf"):
@@ -246,6 +274,8 @@ Code classOfValue(Value const& value) {
         return value.file().kind == FileObject::Kind::Alias  ? codeOf("alis")
                : value.file().kind == FileObject::Kind::File ? codeOf("file")
                                                              : codeOf("furl");
+    case ValueKind::Handler:
+        return codeOf("hand");
     case ValueKind::Data:
         return value.data().type;
     case ValueKind::Specifier:

@@ -3,6 +3,7 @@
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/applescript/runtime/ScriptError.h"
+#include "platform/applescript/runtime/ScriptObject.h"
 #include "platform/applescript/runtime/TextComparison.h"
 #include <algorithm>
 
@@ -13,7 +14,7 @@ namespace {
 // All names of text are one class.
 Code canonicalClass(Code type) { return type == codeOf("TEXT") || type == codeOf("utxt") ? codeOf("ctxt") : type; }
 
-bool areEqualItems(std::vector<Value> const& left, std::vector<Value> const& right, TextContext const& context) {
+bool areEqualItems(ValueList const& left, ValueList const& right, TextContext const& context) {
     if (&left == &right) return true;
     if (left.size() != right.size()) return false;
     return std::ranges::equal(left, right,
@@ -56,6 +57,9 @@ bool isEqualObject(Value const& left, Value const& right, TextContext const& con
         return left.data().type == right.data().type && left.data().bytes == right.data().bytes;
     case ValueKind::Specifier:
         return isEqualSpecifier(left.specifier(), right.specifier(), context);
+    case ValueKind::Handler:
+        return left.handler().definition == right.handler().definition &&
+               left.handler().owner.object() == right.handler().owner.object();
     default:
         return left.object() == right.object();
     }
@@ -67,7 +71,7 @@ Value unwrapped(Value const& value, TextContext const& context) {
     return isSingle ? resolved(whole.items().front(), context) : whole;
 }
 
-bool containsItems(std::vector<Value> const& whole, std::vector<Value> const& part, TextContext const& context) {
+bool containsItems(ValueList const& whole, ValueList const& part, TextContext const& context) {
     auto const found =
         std::search(whole.begin(), whole.end(), part.begin(), part.end(),
                     [&](Value const& one, Value const& other) { return isEqualValue(one, other, context); });
@@ -81,8 +85,8 @@ bool containsValue(Operation operation, Value const& whole, Value const& part, T
         return containsFields(whole, part, context);
     }
     if (whole.is(ValueKind::List)) {
-        std::vector<Value> const& items = whole.items();
-        std::vector<Value> const sought = part.is(ValueKind::List) ? part.items() : std::vector<Value>{part};
+        ValueList const& items = whole.items();
+        ValueList const sought = part.is(ValueKind::List) ? part.items() : ValueList({part});
         if (operation == Operation::Contains) return containsItems(items, sought, context);
         if (sought.size() > items.size()) return false;
         auto const size = static_cast<std::ptrdiff_t>(sought.size());

@@ -106,12 +106,14 @@ private:
             return descOfSpecifier(value.specifier(), root);
         case ValueKind::Test:
             return descOfTest(value.test());
+        case ValueKind::Handler:
+            return bytesDesc(DescType("hand"), utf8FromUnits(value.handler().definition->name->spelling));
         default:
             return descOfScript(value.script());
         }
     }
 
-    AEDesc descOfList(std::vector<Value> const& items) {
+    AEDesc descOfList(ValueList const& items) {
         AEDesc list = makeContainer(typeAEList, DescriptorForm::List);
         for (Value const& item : items)
             append(list, desc(item, typeNull));

@@ -27,6 +27,9 @@ std::optional<std::size_t> placeOf(std::int64_t index, std::size_t count) {
 
 std::optional<std::size_t> placeOf(Value const& index, std::size_t count, TextContext const& context) {
     std::optional<Value> const number = coerced(index, codeOf("long"), context);
+    // No list is as long as a number past the integers.
+    bool const isBeyond = !number && coerced(index, codeOf("nmbr"), context).has_value();
+    if (isBeyond) return {};
     if (!number) throw cannotMake(index, codeOf("long"));
     return placeOf(static_cast<std::int64_t>(number->asInteger()), count);
 }
@@ -64,25 +67,43 @@ Value textIn(std::u16string const& units, SourceRange range) {
     return Value::text(units.substr(range.start, range.end - range.start));
 }
 
+// Item and text count as character.
+bool isCharacterClass(Code want) { return want != codeOf("cwor") && want != codeOf("cpar") && want != codeOf("citm"); }
+
 // The span of the text that an end of `text from word 1 to word 2` means.
-std::optional<SourceRange> spanOf(std::u16string const& units, Value const& end, TextContext const& context) {
+std::optional<SourceRange> spanOf(TextObject const& text, Value const& end, TextContext const& context) {
     if (!end.is(ValueKind::Specifier) || !isTextElementClass(end.specifier().want)) return {};
     SpecifierObject const& specifier = end.specifier();
-    std::vector<SourceRange> const ranges = textElements(units, specifier.want, context);
+    std::vector<SourceRange> const& ranges = textElements(text, specifier.want, context);
     ElementSelector const selector{
         .form = specifier.form, .want = specifier.want, .from = specifier.from, .to = specifier.to};
     std::optional<std::size_t> const place = chosenPlace(selector, ranges.size(), context);
     return place ? std::optional(ranges[*place]) : std::nullopt;
 }
 
-std::optional<Value> rangeOfText(std::u16string const& units, ElementSelector const& selector,
-                                 TextContext const& context) {
+// Ranges of characters in text whose code units are all characters.
+std::optional<Value> rangeOfSimpleText(std::u16string const& units, ElementSelector const& selector,
+                                       TextContext const& context) {
+    std::optional<Places> const places = chosenRange(selector, units.size(), context);
+    if (!places) return {};
+    if (isTextClass(selector.want)) return Value::text(units.substr(places->first, places->last - places->first + 1));
+    std::vector<Value> items;
+    for (std::size_t place = places->first; place <= places->last; ++place)
+        items.push_back(Value::text(units.substr(place, 1)));
+    return Value::list(std::move(items));
+}
+
+std::optional<Value> rangeOfText(TextObject const& text, ElementSelector const& selector, TextContext const& context) {
+    std::u16string const& units = text.units;
+    bool const isOfPlaces = !selector.from.is(ValueKind::Specifier);
+    if (isOfPlaces && isCharacterClass(selector.want) && text.isSimple())
+        return rangeOfSimpleText(units, selector, context);
     SourceRange whole;
-    std::vector<SourceRange> const ranges = textElements(units, selector.want, context);
+    std::vector<SourceRange> const& ranges = textElements(text, selector.want, context);
     std::optional<Places> places;
     if (selector.from.is(ValueKind::Specifier)) {
-        std::optional<SourceRange> const from = spanOf(units, selector.from, context);
-        std::optional<SourceRange> const to = spanOf(units, selector.to, context);
+        std::optional<SourceRange> const from = spanOf(text, selector.from, context);
+        std::optional<SourceRange> const to = spanOf(text, selector.to, context);
         if (!from || !to) return {};
         whole = {.start = std::min(from->start, to->start), .end = std::max(from->end, to->end)};
     } else {
@@ -100,16 +121,15 @@ std::optional<Value> rangeOfText(std::u16string const& units, ElementSelector co
 std::optional<Value> elementOfText(Value const& text, ElementSelector const& selector, TextContext const& context) {
     if (!isTextElementClass(selector.want)) return {};
     std::u16string const& units = text.units();
-    if (selector.form == Form::Range) return rangeOfText(units, selector, context);
-    bool const isCharacter =
-        selector.want != codeOf("cwor") && selector.want != codeOf("cpar") && selector.want != codeOf("citm");
+    if (selector.form == Form::Range) return rangeOfText(text.textObject(), selector, context);
+    bool const isCharacter = isCharacterClass(selector.want);
     if (isTextClass(selector.want) && selector.form == Form::Every) return Value::list({text});
     // Characters of plain text are found without counting them.
     if (isCharacter && selector.form != Form::Every && text.textObject().isSimple()) {
         std::optional<std::size_t> const place = chosenPlace(selector, units.size(), context);
         return place ? std::optional(Value::text(units.substr(*place, 1))) : std::nullopt;
     }
-    std::vector<SourceRange> const ranges = textElements(units, selector.want, context);
+    std::vector<SourceRange> const& ranges = textElements(text.textObject(), selector.want, context);
     if (selector.form == Form::Every) {
         std::vector<Value> items;
         items.reserve(ranges.size());
@@ -129,16 +149,15 @@ Value withContainer(Value const& part, Value const& container) {
     return made;
 }
 
-std::vector<Value> itemsOfClass(std::vector<Value> const& items, Code type) {
+ValueList itemsOfClass(ValueList const& items, Code type) {
     if (type == codeOf("cobj")) return items;
-    std::vector<Value> found;
+    ValueList found;
     for (Value const& item : items)
         if (isOfClass(item, type)) found.push_back(item);
     return found;
 }
 
-std::optional<Value> elementOfList(std::vector<Value> const& all, ElementSelector const& selector,
-                                   TextContext const& context) {
+std::optional<Value> elementOfList(ValueList const& all, ElementSelector const& selector, TextContext const& context) {
     if (selector.want != codeOf("cobj")) {
         bool const isElement = selector.want == codeOf("cha ") || selector.want == codeOf("cwor") ||
                                selector.want == codeOf("cpar") || selector.want == codeOf("citm");
@@ -147,7 +166,7 @@ std::optional<Value> elementOfList(std::vector<Value> const& all, ElementSelecto
         narrowed.want = codeOf("cobj");
         return elementOfList(itemsOfClass(all, selector.want), narrowed, context);
     }
-    if (selector.form == Form::Every) return Value::list(all);
+    if (selector.form == Form::Every) return Value::listOf(all);
     if (selector.form == Form::Range) {
         std::optional<Places> const places = chosenRange(selector, all.size(), context);
         if (!places) return {};
@@ -172,13 +191,13 @@ std::optional<Value> elementOf(Value const& container, ElementSelector const& se
 bool setElementOf(Value const& container, ElementSelector const& selector, Value const& value,
                   TextContext const& context) {
     if (!container.is(ValueKind::List)) return false;
-    std::vector<Value>& items = container.items();
+    ValueList& items = container.items();
     if (selector.form == Form::Beginning || selector.form == Form::End) {
         if (items.size() >= context.mostItems) throw plainError(errors::ValueTooLarge);
         if (selector.form == Form::End)
             items.push_back(value);
         else
-            items.insert(items.begin(), value);
+            items.push_front(value);
         return true;
     }
     if (selector.want != codeOf("cobj")) {
@@ -209,7 +228,7 @@ std::optional<std::size_t> countOf(Value const& container, Code elementClass, Te
         if (!isAny && !isTextElementClass(elementClass)) return {};
         if (!isAny && isTextClass(elementClass)) return 1;
         if (isAny && container.textObject().isSimple()) return container.units().size();
-        return textElements(container.units(), isAny ? codeOf("cha ") : elementClass, context).size();
+        return textElements(container.textObject(), isAny ? codeOf("cha ") : elementClass, context).size();
     default:
         return {};
     }

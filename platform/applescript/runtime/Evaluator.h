@@ -7,6 +7,7 @@
 #include "platform/applescript/runtime/TextContext.h"
 #include <atomic>
 #include <functional>
+#include <span>
 
 namespace mac::applescript {
 
@@ -84,6 +85,12 @@ private:
     Flow execute(Node const& statement);
     Flow executeStatement(Node const& statement);
     Flow executeBlock(Node const* block);
+    // Sets that add to the text or list of the same variable, which then grows where it lies if nobody else sees it.
+    // False for other statements.
+    bool executeGrowth(Node const& statement);
+    bool growAtEnd(Node const& target, Node const& sum);
+    bool growAtBeginning(Node const& target, Node const& sum);
+    bool isAlone(Value const& value, Node const& target);
     Flow executeIf(Node const& node);
     Flow executeRepeat(Node const& node);
     Flow executeRepeatFrom(Node const& node);
@@ -104,6 +111,7 @@ private:
     // A value there must be.
     Value valueOf(Node const& node);
     Value& variable(Node const& node);
+    Value handlerAround(Symbol name) const;
     Value evaluateUnary(Node const& node);
     Value evaluateBinary(Node const& node);
     Value isRunning(Node const& node);
@@ -157,7 +165,7 @@ private:
     FoundHandler findHandler(Value const& start, Symbol name) const;
     FoundHandler findCommandHandler(Value const& start, EventCode event) const;
     void bindParameter(Node const& pattern, Value const* given);
-    Value callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments);
+    Value callPositional(FoundHandler found, Value const& me, std::span<Value const> arguments);
     Value callLabeled(FoundHandler found, Value const& me, Node const& node);
     Value callLabeled(FoundHandler found, Value const& me, HandlerMessage const& message);
     Value callCommandHandler(FoundHandler found, Value const& me, CommandArguments const& arguments);

@@ -22,13 +22,13 @@ std::u16string patternText(Node const& pattern) {
     return u"{" + text + u"}";
 }
 
-ScriptError parametersDoNotMatch(std::vector<Value> const& arguments, HandlerDefinition const& handler) {
+ScriptError parametersDoNotMatch(std::span<Value const> arguments, HandlerDefinition const& handler) {
     std::u16string parameters;
     for (Node const* const pattern : handler.positional)
         parameters += (parameters.empty() ? u"" : u", ") + patternText(*pattern);
     return {.number = errors::ParametersDoNotMatch,
-            .message = sourceForm(Value::list(arguments)) + u" doesn’t match the parameters {" + parameters +
-                       u"} for " + handler.name->spelling + u"."};
+            .message = sourceForm(Value::list({arguments.begin(), arguments.end()})) +
+                       u" doesn’t match the parameters {" + parameters + u"} for " + handler.name->spelling + u"."};
 }
 
 bool isOptional(Node const* pattern) { return pattern->kind == NodeKind::Variable && pattern->b; }
@@ -46,6 +46,10 @@ Evaluator::FoundHandler Evaluator::findHandler(Value const& start, Symbol name) 
         ScriptObject& script = current.script();
         if (HandlerDefinition const* const handler = script.handlerNamed(name))
             return {.owner = &script, .handler = handler};
+        // A property that holds a handler is called like one.
+        Value const* const held = script.propertyNamed(name);
+        if (held && held->is(ValueKind::Handler))
+            return {.owner = &held->handler().owner.script(), .handler = held->handler().definition};
         Value const next = script.parent();
         current = next;
     }
@@ -56,8 +60,8 @@ Evaluator::FoundHandler Evaluator::findCommandHandler(Value const& start, EventC
     Value current = start;
     for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
         ScriptObject& script = current.script();
-        for (HandlerDefinition const* const handler : script.definition().handlers)
-            if (handler->command && handler->command->code == event) return {.owner = &script, .handler = handler};
+        for (HandlerDefinition const* const handler : script.definition().commandHandlers)
+            if (handler->command->code == event) return {.owner = &script, .handler = handler};
         Value const next = script.parent();
         current = next;
     }
@@ -87,7 +91,7 @@ Value Evaluator::enter(FoundHandler found, Value const& me, std::function<void()
     return std::move(frame.result);
 }
 
-Value Evaluator::callPositional(FoundHandler found, Value const& me, std::vector<Value> const& arguments) {
+Value Evaluator::callPositional(FoundHandler found, Value const& me, std::span<Value const> arguments) {
     std::vector<Node*> const& patterns = found.handler->positional;
     std::span<Node* const> const leftOut = std::span(patterns).subspan(std::min(arguments.size(), patterns.size()));
     bool const isEnough = std::ranges::all_of(leftOut, &isOptional);
@@ -120,10 +124,7 @@ Value Evaluator::evaluateCall(Node const& node) {
     arguments.reserve(node.list.size());
     for (Node const* const argument : node.list)
         arguments.push_back(valueOf(*argument));
-    if (!found.handler) {
-        // A property may hold a handler's script: nothing here calls values, so the message is not understood.
-        throw notUnderstood(receiver, node.name->spelling);
-    }
+    if (!found.handler) throw notUnderstood(receiver, node.name->spelling);
     return callPositional(found, receiver, arguments);
 }
 
@@ -296,11 +297,7 @@ Value Evaluator::handleEvent(ScriptObject& script, EventCode event, CommandArgum
     FoundHandler const found = findCommandHandler(me, event);
     if (found.handler) return callCommandHandler(found, me, arguments);
     CommandTerm const* const command = Terminology::base().commandOf(event);
-    constexpr unsigned bitsOfCode = 32;
-    std::u16string const name = command ? std::u16string(command->name)
-                                        : u"«event " + charactersOfCode(static_cast<Code>(event >> bitsOfCode)) +
-                                              charactersOfCode(static_cast<Code>(event)) + u"»";
-    throw notUnderstood(me, name);
+    throw notUnderstood(me, command ? command->name : rawCommand(event).name);
 }
 
 Value Evaluator::runScript(ScriptObject& script, std::vector<Value> const& arguments) {

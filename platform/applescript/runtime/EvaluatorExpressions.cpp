@@ -137,7 +137,7 @@ Value Evaluator::evaluateNode(Node const& node) {
         if (m_frame->result.isNothing()) throw variableNotDefined(identifierSymbol(u"result"));
         return m_frame->result;
     case NodeKind::Variable:
-        throw variableNotDefined(node.name);
+        return handlerAround(node.name);
     case NodeKind::Property:
         return evaluateProperty(node);
     case NodeKind::Element:
@@ -189,6 +189,15 @@ Value Evaluator::evaluateNode(Node const& node) {
     default:
         return {};
     }
+}
+
+// A name that no variable has a value for is that of a handler of the script or of one around it.
+Value Evaluator::handlerAround(Symbol name) const {
+    for (ScriptObject* script = m_frame->lexical; script; script = script->enclosing()) {
+        Value found = script->handlerValue(name);
+        if (!found.isNothing()) return found;
+    }
+    throw variableNotDefined(name);
 }
 
 Value Evaluator::evaluateUnary(Node const& node) {

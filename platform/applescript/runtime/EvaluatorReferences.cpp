@@ -147,6 +147,8 @@ Evaluator::Part Evaluator::propertyPart(Node const& node) {
     // What the target does not know is asked of the script, and of AppleScript behind it.
     if (!found && !node.a && !container.is(ValueKind::Script)) found = propertyOf(m_frame->me, node.name, context());
     if (found && !found->isNothing()) return {.value = *found};
+    bool const hasGetter = node.command && (container.is(ValueKind::File) || container.is(ValueKind::Integer));
+    if (hasGetter) return {.value = performCommand(*node.command, {.direct = container}, node)};
     bool const isImplied = !node.a && container.is(ValueKind::Script);
     throw cannotGet(propertySpecifier(node.name, isImplied ? Value() : container));
 }
@@ -283,7 +285,7 @@ void Evaluator::assign(Node const& target, Value const& value) {
     case NodeKind::List: {
         Value const list = requireType(value, codeOf("list"), context());
         // All right sides before any left one.
-        std::vector<Value> const items = list.items();
+        ValueList const items = list.items();
         for (std::size_t index = 0; index < target.list.size(); ++index) {
             if (index >= items.size())
                 throw cannotGet(

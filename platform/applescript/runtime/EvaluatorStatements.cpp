@@ -5,6 +5,7 @@
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/applescript/runtime/RunLimits.h"
+#include <cmath>
 
 namespace mac::applescript {
 
@@ -26,6 +27,22 @@ private:
     T& m_variable;
     T m_previous;
 };
+
+// Stricter than a coercion: a number with a fraction is refused. Whole reals past the integers are accepted as far as
+// each has a neighbour one further.
+std::int64_t wholeNumber(Value const& value, TextContext const& context) {
+    constexpr double most = 9007199254740992;
+    Value const number = requireNumber(value, context);
+    bool const isWhole = std::trunc(number.asNumber()) == number.asNumber() && std::abs(number.asNumber()) < most;
+    if (!isWhole) throw cannotMake(number, codeOf("long"));
+    return static_cast<std::int64_t>(number.asNumber());
+}
+
+// Rounded, where that is an integer.
+std::int64_t repetitions(Value const& value, TextContext const& context) {
+    std::optional<Value> const integer = coerced(value, codeOf("long"), context);
+    return integer ? integer->asInteger() : wholeNumber(value, context);
+}
 
 bool isUsable(Node const* node) { return node && node->kind != NodeKind::Nothing; }
 
@@ -59,6 +76,7 @@ Evaluator::Flow Evaluator::executeBlock(Node const* block) {
 Evaluator::Flow Evaluator::executeStatement(Node const& statement) {
     switch (statement.kind) {
     case NodeKind::Set: {
+        if (executeGrowth(statement)) return Flow::Next;
         Value const value = valueOf(*statement.b);
         assign(*statement.a, value);
         m_frame->result = value;
@@ -148,7 +166,7 @@ Evaluator::Flow Evaluator::executeRepeat(Node const& node) {
     Flow flow = Flow::Next;
     switch (node.kind) {
     case NodeKind::RepeatTimes:
-        for (std::int32_t left = requireInteger(valueOf(*node.a), context()); left > 0; --left)
+        for (std::int64_t left = repetitions(valueOf(*node.a), context()); left > 0; --left)
             if (!executeBody(node, flow)) break;
         return flow;
     case NodeKind::RepeatWhile:
@@ -166,20 +184,14 @@ Evaluator::Flow Evaluator::executeRepeat(Node const& node) {
 }
 
 Evaluator::Flow Evaluator::executeRepeatFrom(Node const& node) {
-    // Stricter than a coercion: a bound with a fraction is refused.
-    auto const bound = [&](Node const& expression) {
-        Value const number = requireNumber(valueOf(expression), context());
-        Value const integer = requireType(number, codeOf("long"), context());
-        if (integer.asNumber() != number.asNumber()) throw cannotMake(number, codeOf("long"));
-        return static_cast<std::int64_t>(integer.asInteger());
-    };
+    auto const bound = [&](Node const& expression) { return wholeNumber(valueOf(expression), context()); };
     std::int64_t const from = bound(*node.list[0]);
     std::int64_t const to = bound(*node.list[1]);
     std::int64_t const step = node.list[2] ? bound(*node.list[2]) : 1;
     if (step == 0) throw plainError(errors::Parameter);
     Flow flow = Flow::Next;
     for (std::int64_t number = from; step > 0 ? number <= to : number >= to; number += step) {
-        variable(*node.c) = Value::integer(static_cast<std::int32_t>(number));
+        variable(*node.c) = Value::number(static_cast<double>(number));
         if (!executeBody(node, flow)) break;
     }
     return flow;

@@ -1,5 +1,4 @@
 #include "platform/applescript/runtime/HeapObjects.h"
-#include "platform/applescript/runtime/TextElements.h"
 #include <algorithm>
 #include <cmath>
 
@@ -33,6 +32,7 @@ ContainerObject* containerIn(Value const& value) {
     case ValueKind::Specifier:
     case ValueKind::Test:
     case ValueKind::Script:
+    case ValueKind::Handler:
         return static_cast<ContainerObject*>(value.object());
     default:
         return nullptr;
@@ -108,18 +108,12 @@ void ContainerObject::collectCircles() {
         container->release();
 }
 
-bool TextObject::isSimple() const {
-    if (m_simplicity == Simplicity::Unknown)
-        m_simplicity = hasOneUnitCharacters(units) ? Simplicity::Simple : Simplicity::Composed;
-    return m_simplicity == Simplicity::Simple;
-}
-
 void ListObject::visit(void (*visitor)(Value const& held)) const {
     for (Value const& item : items)
         visitor(item);
 }
 
-void ListObject::clear() { std::vector<Value> const released = std::exchange(items, {}); }
+void ListObject::clear() { ValueList const released = std::exchange(items, {}); }
 
 void RecordObject::visit(void (*visitor)(Value const& held)) const {
     for (auto const& [key, value] : fields)
@@ -147,6 +141,7 @@ Value Value::constant(Code code) {
 }
 
 Value Value::text(std::u16string units) { return makeObject<TextObject>(ValueKind::Text, std::move(units)); }
+Value Value::listOf(ValueList items) { return makeObject<ListObject>(ValueKind::List, std::move(items)); }
 Value Value::list(std::vector<Value> items) { return makeObject<ListObject>(ValueKind::List, std::move(items)); }
 Value Value::record(std::vector<std::pair<Symbol, Value>> fields) {
     return makeObject<RecordObject>(ValueKind::Record, std::move(fields));

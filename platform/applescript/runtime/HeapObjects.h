@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/applescript/language/SourceRange.h"
 #include "platform/applescript/runtime/ScriptValue.h"
+#include "platform/applescript/runtime/ValueList.h"
 #include <memory>
 
 namespace mac::applescript {
@@ -29,9 +31,15 @@ private:
     bool m_reached{false};
 };
 
-struct TextObject final : HeapObject {
-    explicit TextObject(std::u16string text) : units(std::move(text)) {}
+struct TextContext;
+struct FoundTextElements;
 
+struct TextObject final : HeapObject {
+    explicit TextObject(std::u16string text);
+    ~TextObject() override;
+
+    // Only for text that nobody sees who should see it as it was.
+    void append(std::u16string_view added);
     // Whether every code unit is a character of its own, so that places need no counting; found out on first need.
     bool isSimple() const;
 
@@ -40,11 +48,14 @@ struct TextObject final : HeapObject {
 private:
     enum class Simplicity : std::uint8_t { Unknown, Simple, Composed };
     mutable Simplicity m_simplicity{Simplicity::Unknown};
+    friend std::vector<SourceRange> const& textElements(TextObject const& text, Code elementClass,
+                                                        TextContext const& context);
+    mutable std::unique_ptr<FoundTextElements> m_elements;
 };
 
 struct ListObject final : ContainerObject {
-    explicit ListObject(std::vector<Value> values) : items(std::move(values)) {}
-    std::vector<Value> items;
+    explicit ListObject(ValueList values) : items(std::move(values)) {}
+    ValueList items;
 
 protected:
     void visit(void (*visitor)(Value const& held)) const override;
@@ -94,7 +105,7 @@ Value makeObject(ValueKind kind, Arguments&&... arguments) {
 
 inline TextObject& Value::textObject() const { return static_cast<TextObject&>(*m_content.object); }
 inline std::u16string const& Value::units() const { return textObject().units; }
-inline std::vector<Value>& Value::items() const { return static_cast<ListObject&>(*m_content.object).items; }
+inline ValueList& Value::items() const { return static_cast<ListObject&>(*m_content.object).items; }
 inline std::vector<std::pair<Symbol, Value>>& Value::fields() const {
     return static_cast<RecordObject&>(*m_content.object).fields;
 }

@@ -60,7 +60,7 @@ std::optional<Value> propertyOfText(Value const& text, Symbol name, TextContext 
 }
 
 std::optional<Value> propertyOfList(Value const& list, Symbol name) {
-    std::vector<Value> const& items = list.items();
+    ValueList const& items = list.items();
     switch (name->code) {
     case codeOf("leng"):
         return countValue(items.size());
@@ -147,6 +147,8 @@ std::optional<Value> propertyOfScript(Value const& value, Symbol name, TextConte
         ScriptObject& script = current.script();
         if (Value const* const property = script.propertyNamed(name)) return *property;
         if (name->code == codeOf("pare")) return script.parent().isNothing() ? Value::appleScript() : script.parent();
+        Value const handler = name->code == 0 ? script.handlerValue(name) : Value();
+        if (!handler.isNothing()) return handler;
         if (name->code == codeOf("pnam") && script.definition().name)
             return Value::text(script.definition().name->spelling);
         Value const next = script.parent();

@@ -1,15 +1,10 @@
 #pragma once
 
+#include "platform/applescript/language/SourceRange.h"
 #include "platform/applescript/runtime/ScriptValue.h"
 #include <optional>
 
 namespace mac::applescript {
-
-// A place in the source, in UTF-16 code units; the end is the first one after.
-struct SourceRange {
-    std::uint32_t start{0};
-    std::uint32_t end{0};
-};
 
 // What goes wrong in a script, and what a script's own error statement says. Thrown; caught by try and by the engine.
 struct ScriptError {

@@ -20,19 +20,29 @@ ScriptObject& ScriptObject::outermost() {
 }
 
 Value* ScriptObject::propertyNamed(Symbol name) {
-    auto const& names = m_definition->properties;
-    for (std::size_t index = 0; index < names.size(); ++index)
-        if (isSameName(names[index].first, name)) return &properties[index];
-    auto const& shared = m_definition->variables;
-    for (std::size_t index = 0; index < shared.size(); ++index)
-        if (isSameName(shared[index], name) && !variables[index].isNothing()) return &variables[index];
-    return nullptr;
+    if (std::optional<std::uint32_t> const place = m_definition->propertyPlaces.placeOf(name))
+        return &properties[*place];
+    std::optional<std::uint32_t> const place = m_definition->variablePlaces.placeOf(name);
+    return place && !variables[*place].isNothing() ? &variables[*place] : nullptr;
 }
 
 HandlerDefinition const* ScriptObject::handlerNamed(Symbol name) const {
-    for (HandlerDefinition const* const handler : m_definition->handlers)
-        if (isSameName(handler->name, name)) return handler;
-    return nullptr;
+    std::optional<std::uint32_t> const place = m_definition->handlerPlaces.placeOf(name);
+    return place ? m_definition->handlers[*place] : nullptr;
+}
+
+Value ScriptObject::handlerValue(Symbol name) {
+    HandlerDefinition const* const handler = handlerNamed(name);
+    return handler ? makeObject<HandlerObject>(ValueKind::Handler, self(), *handler) : Value();
+}
+
+Value ScriptObject::duplicate() {
+    Value const made = makeObject<ScriptObject>(ValueKind::Script, m_tree, *m_definition, enclosing());
+    ScriptObject& script = made.script();
+    script.properties = properties;
+    script.variables = variables;
+    script.parentValue = parentValue;
+    return made;
 }
 
 void ScriptObject::visit(void (*visitor)(Value const& held)) const {

@@ -24,6 +24,10 @@ public:
     // Null where the script itself has none; parents are not asked.
     Value* propertyNamed(Symbol name);
     HandlerDefinition const* handlerNamed(Symbol name) const;
+    // The script's own handler of that name as a value; Nothing where it has none.
+    Value handlerValue(Symbol name);
+    // A script of the same definition whose properties and variables start with what these hold now.
+    Value duplicate();
 
     std::vector<Value> properties;
     std::vector<Value> variables;
@@ -39,6 +43,18 @@ private:
     Value m_enclosing;
 };
 
+// A handler as a value: called, it sees what is around it in the script that it stands in.
+struct HandlerObject final : ContainerObject {
+    HandlerObject(Value script, HandlerDefinition const& handler) : owner(std::move(script)), definition(&handler) {}
+    Value owner;
+    HandlerDefinition const* definition;
+
+protected:
+    void visit(void (*visitor)(Value const& held)) const override { visitor(owner); }
+    void clear() override { owner = Value(); }
+};
+
+inline HandlerObject& Value::handler() const { return static_cast<HandlerObject&>(*m_content.object); }
 inline ScriptObject& Value::script() const { return static_cast<ScriptObject&>(*m_content.object); }
 
 } // namespace mac::applescript

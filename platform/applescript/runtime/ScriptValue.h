@@ -17,7 +17,9 @@ struct ApplicationObject;
 struct DataObject;
 struct SpecifierObject;
 struct TestObject;
+struct HandlerObject;
 class ScriptObject;
+class ValueList;
 
 enum class ValueKind : std::uint8_t {
     // No value at all, as a statement may leave; `missing value` is a Type.
@@ -41,6 +43,7 @@ enum class ValueKind : std::uint8_t {
     Specifier,
     Test,
     Script,
+    Handler,
 };
 
 // What lies behind a value on the heap. The values own it together and are counted without atomics: a value stays on
@@ -57,7 +60,7 @@ public:
         if (--m_count == 0) dispose();
     }
 
-protected:
+    // How many values hold it.
     std::uint32_t count() const { return m_count; }
 
 private:
@@ -100,6 +103,7 @@ public:
     static Value currentApplication() { return Value(ValueKind::CurrentApplication); }
     static Value text(std::u16string units);
     static Value list(std::vector<Value> items = {});
+    static Value listOf(ValueList items);
     static Value record(std::vector<std::pair<Symbol, Value>> fields = {});
     // Seconds since 1 January 1904, local time.
     static Value date(std::int64_t seconds);
@@ -123,7 +127,7 @@ public:
     // Each only for a value of that kind.
     TextObject& textObject() const;
     std::u16string const& units() const;
-    std::vector<Value>& items() const;
+    ValueList& items() const;
     std::vector<std::pair<Symbol, Value>>& fields() const;
     std::int64_t& seconds() const;
     FileObject& file() const;
@@ -132,6 +136,7 @@ public:
     SpecifierObject& specifier() const;
     TestObject& test() const;
     ScriptObject& script() const;
+    HandlerObject& handler() const;
 
     void swap(Value& other) noexcept {
         std::swap(m_kind, other.m_kind);

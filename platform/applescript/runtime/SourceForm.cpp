@@ -138,6 +138,9 @@ private:
         case ValueKind::Test:
             writeTest(value.test());
             break;
+        case ValueKind::Handler:
+            m_form += u"«handler " + value.handler().definition->name->spelling + u"»";
+            break;
         default:
             writeScript(value.script());
         }
@@ -150,7 +153,7 @@ private:
         if (m_isSource) m_form += bracket;
     }
 
-    void writeList(std::vector<Value> const& items) {
+    void writeList(ValueList const& items) {
         open(u"{");
         bool isFirst = true;
         for (Value const& item : items) {

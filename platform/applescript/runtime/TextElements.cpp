@@ -127,6 +127,46 @@ bool isTextElementClass(Code elementClass) {
     }
 }
 
+struct FoundTextElements {
+    Code elementClass{0};
+    // Of text items: what they were found by.
+    std::vector<std::u16string> delimiters{};
+    unsigned considered{0};
+    std::vector<SourceRange> ranges{};
+
+    bool areOf(Code wanted, TextContext const& context) const {
+        if (elementClass != wanted) return false;
+        return wanted != codeOf("citm") || (considered == context.considered && delimiters == context.delimiters);
+    }
+};
+
+TextObject::TextObject(std::u16string text) : units(std::move(text)) {}
+TextObject::~TextObject() = default;
+
+void TextObject::append(std::u16string_view added) {
+    units.append(added);
+    m_elements.reset();
+    m_simplicity = Simplicity::Unknown;
+}
+
+bool TextObject::isSimple() const {
+    if (m_simplicity == Simplicity::Unknown)
+        m_simplicity = hasOneUnitCharacters(units) ? Simplicity::Simple : Simplicity::Composed;
+    return m_simplicity == Simplicity::Simple;
+}
+
+std::vector<SourceRange> const& textElements(TextObject const& text, Code elementClass, TextContext const& context) {
+    std::unique_ptr<FoundTextElements>& found = text.m_elements;
+    if (found && found->areOf(elementClass, context)) return found->ranges;
+    auto made = std::make_unique<FoundTextElements>();
+    made->elementClass = elementClass;
+    made->considered = context.considered;
+    if (elementClass == codeOf("citm")) made->delimiters = context.delimiters;
+    made->ranges = textElements(text.units, elementClass, context);
+    found = std::move(made);
+    return found->ranges;
+}
+
 std::vector<SourceRange> textElements(std::u16string_view units, Code elementClass, TextContext const& context) {
     switch (elementClass) {
     case codeOf("cwor"):

@@ -17,6 +17,18 @@ TEST(NSAppleScript, CompilesASourceInOrder) {
     EXPECT_EQ(script.source().UTF8String(), "1 + 1");
 }
 
+TEST(NSAppleScript, TextThatBeginsWithAMarkOfByteOrderStaysAsItIs) {
+    for (std::u16string const mark : {u"\xFEFF", u"\xFFFE"}) {
+        NSString const text = NSString::stringWithCodeUnits(mark + u"ab");
+        NSString const source = NSString::stringWithCodeUnits(u"\"" + mark + u"ab\"");
+        NSAppleScript const script = NSAppleScript::alloc().initWithSource_(source);
+        EXPECT_TRUE(script.source().isEqualToString_(source));
+        NSAppleEventDescriptor const result = script.executeAndReturnError_(nullptr);
+        EXPECT_TRUE(result.stringValue().isEqualToString_(text));
+        EXPECT_TRUE(NSAppleEventDescriptor::descriptorWithString_(text).stringValue().isEqualToString_(text));
+    }
+}
+
 TEST(NSAppleScript, TellsWhatIsWrongWithASource) {
     NSAppleScript const script = NSAppleScript::alloc().initWithSource_("set x to");
     NSDictionary error;

@@ -145,6 +145,17 @@ TEST(ScriptDescriptors, TextKeepsALoneSurrogate) {
     EXPECT_EQ(valueOfDescriptor(descriptorOfValue(Value::text(units))).units(), units);
 }
 
+TEST(ScriptDescriptors, TextKeepsAMarkOfByteOrderThatItBeginsWith) {
+    for (char16_t const mark : {char16_t{0xFEFF}, char16_t{0xFFFE}}) {
+        std::u16string const units{mark, u'a', u'b'};
+        AEDesc const desc = descriptorOfValue(Value::text(units));
+        EXPECT_EQ(valueOfDescriptor(desc).units(), units);
+        std::u16string const alone{mark};
+        EXPECT_EQ(valueOfDescriptor(descriptorOfValue(Value::text(alone))).units(), alone);
+        EXPECT_EQ(valueOfDescriptor(descriptorOfValue(Value::list({Value::text(units)}))).items()[0].units(), units);
+    }
+}
+
 TEST(ScriptDescriptors, AFileKeepsBytesThatAreNoText) {
     std::u16string const path = unitsFromFileSystemBytes("/a%20b/\xE9 c\n\"?#");
     Value const file = makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile, path);
