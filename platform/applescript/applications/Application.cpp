@@ -3,6 +3,7 @@
 #include "platform/applescript/RunLimits.h"
 #include "platform/applescript/SourceForm.h"
 #include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/Codes.h"
 #include <algorithm>
 
 namespace mac::applescript {
@@ -46,7 +47,7 @@ bool isToldTo(Value const& value) { return rootOf(value).is(ValueKind::Applicati
 bool isInApplication(Value const& value) { return value.is(ValueKind::Specifier) && isToldTo(value); }
 
 Value fileInApplication(Value const& file, Value const& told) {
-    return elementSpecifier(Form::Name, codeOf("cobj"), rootOf(told), file);
+    return elementSpecifier(Form::Name, codes::Item, rootOf(told), file);
 }
 
 bool hasTermFor(Value const& told, Code property) {

@@ -35,5 +35,8 @@ struct InstalledProgram {
 };
 std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name);
 std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view identifier);
+// The path of the application's bundle, or of its desktop entry if it has none.
+std::optional<std::string> pathOfApplicationIdentified(std::u16string_view identifier);
+std::optional<std::string> pathOfApplicationNamed(std::u16string_view name);
 
 } // namespace mac::applescript

@@ -52,6 +52,21 @@ std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     return {};
 }
 
+} // namespace
+
+std::optional<std::string> pathOfApplicationIdentified(std::u16string_view identifier) {
+    CFURLRef url;
+    NSString const wanted = NSString::stringWithCodeUnits(std::u16string(identifier));
+    if (LSFindApplicationForInfo(kLSUnknownCreator, wanted, nil, nullptr, &url) == noErr)
+        return url.path().fileSystemRepresentation();
+    for (InstalledEntry const& installed : installedEntries())
+        if (foldedName(unitsFromFileSystemBytes(installed.identifier())) == foldedName(identifier))
+            return installed.path;
+    return {};
+}
+
+namespace {
+
 // A bundle, or an entry of the desktop that has the role of an application of Mac OS X.
 std::optional<InstalledProgram> launchServicesProgram(std::u16string_view identifier) {
     CFURLRef url;
