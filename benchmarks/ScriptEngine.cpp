@@ -1,4 +1,4 @@
-#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
 #include "benchmarks/Timing.h"
 #include <cstdio>
 #include <cstdlib>

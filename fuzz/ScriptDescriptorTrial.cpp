@@ -1,7 +1,7 @@
 #include "fuzz/ScriptDescriptorTrial.h"
-#include "platform/applescript/ScriptDescriptors.h"
-#include "platform/applescript/ScriptError.h"
-#include "platform/applescript/SourceForm.h"
+#include "platform/applescript/runtime/ScriptDescriptors.h"
+#include "platform/applescript/runtime/ScriptError.h"
+#include "platform/applescript/runtime/SourceForm.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/Encodings.h"
 #include <optional>

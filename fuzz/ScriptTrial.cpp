@@ -1,6 +1,6 @@
 #include "fuzz/ScriptTrial.h"
-#include "platform/applescript/ScriptEngine.h"
-#include "platform/applescript/SourceForm.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/Encodings.h"
 
 namespace mac::fuzz {

@@ -1,7 +1,7 @@
 #include "platform/applescript/NSAppleScript.h"
-#include "platform/applescript/FileCoercions.h"
 #include "platform/applescript/NSAppleScriptBody.h"
-#include "platform/applescript/ScriptDescriptors.h"
+#include "platform/applescript/runtime/FileCoercions.h"
+#include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNumber.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/NSAppleScript.h"
-#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
 
 namespace mac {
 

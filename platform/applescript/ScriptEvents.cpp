@@ -1,5 +1,5 @@
 #include "platform/applescript/NSAppleScriptBody.h"
-#include "platform/applescript/ScriptDescriptors.h"
+#include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"

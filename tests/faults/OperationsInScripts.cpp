@@ -1,4 +1,4 @@
-#include "platform/applescript/ScriptEngine.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/faults/Operations.h"
 #include <memory>

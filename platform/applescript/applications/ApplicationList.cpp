@@ -1,5 +1,5 @@
 #include "platform/applescript/applications/ApplicationList.h"
-#include "platform/applescript/Terminology.h"
+#include "platform/applescript/language/Terminology.h"
 #include <array>
 
 namespace mac::applescript {

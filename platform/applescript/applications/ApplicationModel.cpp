@@ -1,9 +1,9 @@
 #include "platform/applescript/applications/ApplicationModel.h"
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/ElementAccess.h"
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/applications/Codes.h"
 #include "platform/applescript/applications/SpecifierResolution.h"
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include <algorithm>
 
 namespace mac::applescript {
@@ -135,8 +135,10 @@ ModelPointer ModelApplication::objectOfFile(FileObject const& /*file*/) { return
 Value ModelApplication::self() const { return makeObject<ApplicationObject>(ValueKind::Application, name(), false); }
 
 Meant ModelApplication::follow(Value const& meant, TextContext const& context) {
-    return SpecifierResolution(
-               {.root = root(), .fileObject = [this](FileObject const& file) { return objectOfFile(file); }, .dictionary = dictionary()}, context)
+    return SpecifierResolution({.root = root(),
+                                .fileObject = [this](FileObject const& file) { return objectOfFile(file); },
+                                .dictionary = dictionary()},
+                               context)
         .follow(meant);
 }
 

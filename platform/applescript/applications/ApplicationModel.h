@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/applescript/applications/Application.h"
 #include "platform/applescript/applications/Dictionary.h"
+#include "platform/applescript/runtime/Application.h"
 
 namespace mac::applescript {
 

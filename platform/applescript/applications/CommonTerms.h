@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/applescript/Terminology.h"
-#include "platform/applescript/applications/Codes.h"
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/language/Terminology.h"
 #include <array>
 
 // Commands that several applications have: their names, codes and parameters.
@@ -22,10 +22,8 @@ inline constexpr auto DestinationParameters = std::to_array<CommandParameter>({
     {.label = u"exact copy", .code = codeOf("exct"), .isBoolean = true},
 });
 
-inline constexpr CommandTerm Make{.name = u"make",
-                                  .code = eventOf("corecrel"),
-                                  .direct = DirectParameter::Optional,
-                                  .parameters = MakeParameters};
+inline constexpr CommandTerm Make{
+    .name = u"make", .code = eventOf("corecrel"), .direct = DirectParameter::Optional, .parameters = MakeParameters};
 inline constexpr CommandTerm Delete{
     .name = u"delete", .code = eventOf("coredelo"), .direct = DirectParameter::Optional};
 inline constexpr CommandTerm Move{.name = u"move",

@@ -1,7 +1,7 @@
-#include "platform/applescript/ShellCommand.h"
-#include "platform/applescript/Coercion.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ShellCommand.h"
 #include "platform/desktop/DesktopApplication.h"
 #include "platform/desktop/DesktopEntry.h"
 #include "platform/desktop/Desktops.h"
@@ -40,8 +40,8 @@ std::string runSettings(std::vector<std::string> words) {
 std::string unquoted(std::string printed) {
     while (printed.ends_with('\n'))
         printed.pop_back();
-    bool const isQuoted = printed.size() >= 2 && (printed.front() == '\'' || printed.front() == '"') &&
-                          printed.back() == printed.front();
+    bool const isQuoted =
+        printed.size() >= 2 && (printed.front() == '\'' || printed.front() == '"') && printed.back() == printed.front();
     if (!isQuoted) return {};
     std::string text;
     for (std::size_t place = 1; place + 1 < printed.size(); ++place) {

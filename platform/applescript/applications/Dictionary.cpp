@@ -1,5 +1,5 @@
 #include "platform/applescript/applications/Dictionary.h"
-#include "platform/applescript/applications/Codes.h"
+#include "platform/applescript/language/Codes.h"
 #include <algorithm>
 
 namespace mac::applescript {
@@ -30,9 +30,8 @@ ElementRow const* ClassRow::element(Code sought) const {
 bool Dictionary::mayHave(Code classCode, Code property) const {
     bool const isOfAll = property == codes::Class || property == codes::Properties || property == codes::It;
     if (isOfAll) return true;
-    return std::ranges::any_of(classes, [&](ClassRow const* row) {
-        return row->isKindOf(classCode) && row->property(property) != nullptr;
-    });
+    return std::ranges::any_of(
+        classes, [&](ClassRow const* row) { return row->isKindOf(classCode) && row->property(property) != nullptr; });
 }
 
 CommandRow const* Dictionary::command(EventCode code) const {

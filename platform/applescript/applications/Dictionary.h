@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/applescript/ScriptValue.h"
-#include "platform/applescript/Terminology.h"
+#include "platform/applescript/language/Terminology.h"
+#include "platform/applescript/runtime/ScriptValue.h"
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,13 +30,15 @@ struct PropertyAnswer {
 };
 
 // A function that its row must give. Not default-constructible for that reason.
-template <class Function> class RequiredFunction {
+template <class Function>
+class RequiredFunction {
 public:
     consteval RequiredFunction(Function* function) : m_function(function) {
         // A null pointer is no constant expression, and so does not compile.
         if (!function) throw function;
     }
-    template <class... Arguments> auto operator()(Arguments&&... arguments) const {
+    template <class... Arguments>
+    auto operator()(Arguments&&... arguments) const {
         return m_function(std::forward<Arguments>(arguments)...);
     }
 
@@ -113,26 +115,33 @@ struct Dictionary {
     Terminology terminology() const;
 };
 
-template <class> struct AccessorOf;
-template <class Answer, class Object, class... Arguments> struct AccessorOf<Answer (*)(Object&, Arguments...)> {
+template <class>
+struct AccessorOf;
+template <class Answer, class Object, class... Arguments>
+struct AccessorOf<Answer (*)(Object&, Arguments...)> {
     using Type = Object;
 };
-template <class Answer, class Object, class... Arguments> struct AccessorOf<Answer (Object::*)(Arguments...)> {
+template <class Answer, class Object, class... Arguments>
+struct AccessorOf<Answer (Object::*)(Arguments...)> {
     using Type = Object;
 };
-template <class Answer, class Object, class... Arguments> struct AccessorOf<Answer (Object::*)(Arguments...) const> {
+template <class Answer, class Object, class... Arguments>
+struct AccessorOf<Answer (Object::*)(Arguments...) const> {
     using Type = Object const;
 };
 
 // A function or method about one class of objects as the function of a row. The row belongs to that class alone.
-template <auto Function> PropertyAnswer reading(ModelObject& object) {
+template <auto Function>
+PropertyAnswer reading(ModelObject& object) {
     return PropertyAnswer(std::invoke(Function, static_cast<typename AccessorOf<decltype(Function)>::Type&>(object)));
 }
-template <auto Function> bool writing(ModelObject& object, Value const& value, TextContext const& context) {
+template <auto Function>
+bool writing(ModelObject& object, Value const& value, TextContext const& context) {
     using Object = typename AccessorOf<decltype(Function)>::Type;
     return std::invoke(Function, static_cast<Object&>(object), value, context);
 }
-template <auto Function> std::optional<std::vector<ModelPointer>> listing(ModelObject& object, Code elementType) {
+template <auto Function>
+std::optional<std::vector<ModelPointer>> listing(ModelObject& object, Code elementType) {
     using Object = typename AccessorOf<decltype(Function)>::Type;
     return std::invoke(Function, static_cast<Object&>(object), elementType);
 }

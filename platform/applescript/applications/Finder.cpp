@@ -1,10 +1,10 @@
 #include "platform/applescript/applications/Finder.h"
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/Operators.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Evaluator.h"
+#include "platform/applescript/runtime/Operators.h"
 #include "platform/desktop/FileBrowserSession.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/files/Volumes.h"
@@ -85,7 +85,9 @@ std::optional<std::vector<ModelPointer>> finderProcesses(FinderRoot const& /*fin
 }
 
 // Whatever is not the Finder itself or the trash is an item on a disk.
-bool isItem(ModelObject const& object) { return object.isOfType(codes::Item) && object.row().property(codes::InformationWindow) != nullptr; }
+bool isItem(ModelObject const& object) {
+    return object.isOfType(codes::Item) && object.row().property(codes::InformationWindow) != nullptr;
+}
 
 // Linux: no program may do that on a script's behalf without asking.
 Value refuse(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
@@ -148,11 +150,8 @@ constexpr auto RootElements = std::to_array<ElementRow>({
     {codes::AliasFile, listing<&FinderRoot::desktopItems>},
     {codes::Package, listing<&FinderRoot::desktopItems>},
 });
-constexpr ClassRow RootRow{.name = u"",
-                           .plural = u"",
-                           .code = codes::Application,
-                           .properties = RootProperties,
-                           .elements = RootElements};
+constexpr ClassRow RootRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
 
 constexpr auto OpenParameters = std::to_array<CommandParameter>({
     {.label = u"using", .code = finder::UsingParameter},
@@ -216,10 +215,8 @@ public:
     std::u16string name() const override { return u"Finder"; }
     std::u16string identifier() const override { return u"com.apple.finder"; }
     Dictionary const& dictionary() const override {
-        static Dictionary const all{.classes = finderClasses(),
-                                    .types = FinderTypes,
-                                    .constants = FinderConstants,
-                                    .commands = FinderCommands};
+        static Dictionary const all{
+            .classes = finderClasses(), .types = FinderTypes, .constants = FinderConstants, .commands = FinderCommands};
         return all;
     }
     bool isRunning() const override { return finder::isRunning(); }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/ApplicationModel.h"
-#include "platform/applescript/applications/Codes.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/system/items/ItemIdentity.h"
 
 namespace mac {

@@ -1,6 +1,6 @@
-#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/FileErrors.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/launchservices/BundleFiles.h"
@@ -23,7 +23,8 @@ std::optional<MountedVolume> volumeOf(FinderItem const& disk) {
     return found == volumes.end() ? std::nullopt : std::optional(*found);
 }
 
-template <fsblkcnt_t struct ::statvfs::*Blocks> Value space(FinderItem const& disk) {
+template <fsblkcnt_t struct ::statvfs::*Blocks>
+Value space(FinderItem const& disk) {
     struct statvfs found {};
     if (::statvfs(disk.path().c_str(), &found) != 0) return Value::missing();
     return Value::number(static_cast<double>(std::uint64_t{found.*Blocks} * found.f_frsize));
@@ -50,8 +51,8 @@ Value fileType(FinderItem const& file) { return fileTypeOf(file.open(), false).v
 Value creatorType(FinderItem const& file) { return fileTypeOf(file.open(), true).value_or(Value::missing()); }
 
 Value ofInformation(FinderItem const& application, char const* key) {
-    NSString const found = as<NSString>(
-        bundleInformation(application.path()).objectForKey_(NSString::stringWithUTF8String_(key)));
+    NSString const found =
+        as<NSString>(bundleInformation(application.path()).objectForKey_(NSString::stringWithUTF8String_(key)));
     return found == nil ? Value::missing() : Value::text(std::u16string(found.codeUnits()));
 }
 
@@ -65,8 +66,8 @@ Value originalItem(FinderItem const& alias) {
     Result<std::string> const target = linkText(item.item);
     if (!target.hasValue()) throw fileError(target.problem(), alias.specifier());
     bool const isAbsolute = target.value().starts_with('/');
-    std::shared_ptr<FinderItem> const original = FinderItem::atPath(
-        isAbsolute ? target.value() : BytePath(parentOf(alias.path())).joined(target.value()));
+    std::shared_ptr<FinderItem> const original =
+        FinderItem::atPath(isAbsolute ? target.value() : BytePath(parentOf(alias.path())).joined(target.value()));
     if (original) return original->specifier();
     throw cannotGet(propertySpecifier(termSymbol(codeOf("orig"), u"original item"), alias.specifier()));
 }
@@ -94,11 +95,8 @@ constexpr auto AliasProperties = std::to_array<PropertyRow>({
 constexpr ClassRow ContainerRow{
     .name = u"container", .plural = u"containers", .code = codes::Container, .parent = &FinderItemRow};
 constexpr ClassRow FolderRow{.name = u"folder", .plural = u"folders", .code = codes::Folder, .parent = &ContainerRow};
-constexpr ClassRow DiskRow{.name = u"disk",
-                           .plural = u"disks",
-                           .code = codes::Disk,
-                           .parent = &ContainerRow,
-                           .properties = DiskProperties};
+constexpr ClassRow DiskRow{
+    .name = u"disk", .plural = u"disks", .code = codes::Disk, .parent = &ContainerRow, .properties = DiskProperties};
 constexpr ClassRow FileRow{.name = u"file", .plural = u"files", .code = codes::File, .parent = &FinderItemRow};
 constexpr ClassRow DocumentRow{.name = u"document file",
                                .plural = u"document files",
@@ -117,9 +115,9 @@ constexpr ClassRow AliasRow{.name = u"alias file",
                             .properties = AliasProperties};
 constexpr ClassRow PackageRow{.name = u"package", .plural = u"packages", .code = codes::Package, .parent = &FileRow};
 
-constexpr auto ItemKinds = std::to_array<ClassRow const*>({&FinderItemRow, &ContainerRow, &FolderRow, &DiskRow,
-                                                           &FileRow, &DocumentRow, &ApplicationRow, &AliasRow,
-                                                           &PackageRow});
+constexpr auto ItemKinds =
+    std::to_array<ClassRow const*>({&FinderItemRow, &ContainerRow, &FolderRow, &DiskRow, &FileRow, &DocumentRow,
+                                    &ApplicationRow, &AliasRow, &PackageRow});
 
 } // namespace
 

@@ -1,8 +1,8 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
+#include "platform/applescript/runtime/FileErrors.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/items/OpenItem.h"
 #include <cerrno>

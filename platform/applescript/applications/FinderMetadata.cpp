@@ -1,5 +1,5 @@
-#include "platform/applescript/FileErrors.h"
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/applescript/runtime/FileErrors.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
 #include "platform/launchservices/ContentTypes.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/ObjectSpecifier.h"
+#include "platform/applescript/runtime/ObjectSpecifier.h"
 #include <optional>
 #include <string>
 #include <string_view>

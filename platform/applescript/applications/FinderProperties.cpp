@@ -1,9 +1,9 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/FileErrors.h"
-#include "platform/applescript/RunLimits.h"
-#include "platform/applescript/ScriptDate.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/FileErrors.h"
+#include "platform/applescript/runtime/RunLimits.h"
+#include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/launchservices/DiskItem.h"
@@ -81,8 +81,7 @@ Value diskOf(FinderItem const& item) {
 }
 
 std::optional<Value> placeInFolder(FinderItem const& item) {
-    std::shared_ptr<FinderItem> const folder =
-        item.path() == "/" ? nullptr : FinderItem::atPath(parentOf(item.path()));
+    std::shared_ptr<FinderItem> const folder = item.path() == "/" ? nullptr : FinderItem::atPath(parentOf(item.path()));
     if (!folder) return {};
     std::int32_t place = 0;
     for (ModelPointer const& one : folder->items(codes::Item).value_or(std::vector<ModelPointer>())) {
@@ -139,8 +138,12 @@ bool setModificationDate(FinderItem const& item, Value const& value, TextContext
 Value owner(FinderItem const& item) { return shownAccount(nameOfUser(item.facts().owner)); }
 Value group(FinderItem const& item) { return shownAccount(nameOfGroup(item.facts().group)); }
 
-template <int Whose> Value privileges(FinderItem const& item) { return privilegesOf(item.facts().mode, Whose); }
-template <int Whose> bool setRights(FinderItem const& item, Value const& value, TextContext const& /*context*/) {
+template <int Whose>
+Value privileges(FinderItem const& item) {
+    return privilegesOf(item.facts().mode, Whose);
+}
+template <int Whose>
+bool setRights(FinderItem const& item, Value const& value, TextContext const& /*context*/) {
     return setPrivileges(item.open(), Whose, value);
 }
 
@@ -237,10 +240,7 @@ constexpr auto ItemElements = std::to_array<ElementRow>({
 
 } // namespace
 
-constinit ClassRow const FinderItemRow{.name = u"item",
-                                       .plural = u"items",
-                                       .code = codes::Item,
-                                       .properties = ItemProperties,
-                                       .elements = ItemElements};
+constinit ClassRow const FinderItemRow{
+    .name = u"item", .plural = u"items", .code = codes::Item, .properties = ItemProperties, .elements = ItemElements};
 
 } // namespace mac::applescript

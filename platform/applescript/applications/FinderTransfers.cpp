@@ -1,9 +1,9 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/FileErrors.h"
-#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
+#include "platform/applescript/runtime/FileErrors.h"
+#include "platform/applescript/runtime/RunLimits.h"
 #include "platform/system/BytePath.h"
 #include <cerrno>
 

@@ -1,8 +1,8 @@
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/FileErrors.h"
-#include "platform/applescript/RunLimits.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/runtime/Evaluator.h"
+#include "platform/applescript/runtime/FileErrors.h"
+#include "platform/applescript/runtime/RunLimits.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Trash.h"
 #include "platform/system/items/OpenItem.h"
@@ -66,9 +66,7 @@ constinit ClassRow const TrashRow{.name = u"trash-object",
 
 ModelPointer trash() { return std::make_shared<FinderTrash>(); }
 
-bool isTrash(std::vector<ModelPointer> const& found) {
-    return found.size() == 1 && &found.front()->row() == &TrashRow;
-}
+bool isTrash(std::vector<ModelPointer> const& found) { return found.size() == 1 && &found.front()->row() == &TrashRow; }
 
 Value movedToTrash(FinderItem const& item) {
     Result<TrashedItem, TrashProblem> const result = mac::moveToTrash(item.open());

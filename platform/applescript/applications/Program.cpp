@@ -1,10 +1,10 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
-#include "platform/applescript/RunLimits.h"
-#include "platform/applescript/ScriptDescriptors.h"
 #include "platform/applescript/applications/ApplicationList.h"
-#include "platform/applescript/applications/Codes.h"
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
+#include "platform/applescript/runtime/RunLimits.h"
+#include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/events/EventSending.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/processes/SerialNumbers.h"
@@ -60,7 +60,8 @@ public:
     std::size_t count(Value const& specifier, Code elementClass, TextContext const& context) override {
         Code const type = elementClass == 0 ? codes::Item : elementClass;
         std::int32_t const count = requireInteger(
-            send(eventOf("corecnte"), {{codeOf("----"), specifier}, {codes::NewClassParameter, Value::type(type)}}), context);
+            send(eventOf("corecnte"), {{codeOf("----"), specifier}, {codes::NewClassParameter, Value::type(type)}}),
+            context);
         return count < 0 ? 0 : static_cast<std::size_t>(count);
     }
 

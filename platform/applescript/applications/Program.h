@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/applications/Application.h"
+#include "platform/applescript/runtime/Application.h"
 #include "platform/system/processes/ProcessList.h"
 #include <span>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/ScriptValue.h"
+#include "platform/applescript/runtime/ScriptValue.h"
 #include "platform/foundation/Object.h"
 
 namespace mac::applescript {

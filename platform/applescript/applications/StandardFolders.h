@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/ScriptSymbol.h"
+#include "platform/applescript/language/ScriptSymbol.h"
 #include <optional>
 #include <string>
 

@@ -1,10 +1,10 @@
 #include "platform/applescript/applications/SystemEvents.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/StandardFolders.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/LogOut.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
@@ -43,8 +43,7 @@ constexpr auto UserProperties = std::to_array<PropertyRow>({
     {u"full name", codeOf("anam"), codes::TextType, reading<&CurrentUser::fullName>},
     {u"home directory", codes::Home, codes::AliasType, reading<&CurrentUser::home>},
 });
-constexpr ClassRow UserRow{
-    .name = u"user", .plural = u"users", .code = codes::User, .properties = UserProperties};
+constexpr ClassRow UserRow{.name = u"user", .plural = u"users", .code = codes::User, .properties = UserProperties};
 
 ClassRow const& CurrentUser::row() const { return UserRow; }
 
@@ -62,7 +61,8 @@ public:
     ModelPointer desktopFolder() const { return system_events::diskItemAt(desktopPath()); }
     ModelPointer startupDisk() const { return system_events::diskItemAt("/"); }
     // nullptr if the desktop has no such folder, or it is not there.
-    template <Code Folder> ModelPointer folder() const {
+    template <Code Folder>
+    ModelPointer folder() const {
         std::optional<std::string> const path = standardFolder(Folder, FolderDomain::User);
         return path ? system_events::diskItemAt(*path) : nullptr;
     }
@@ -136,14 +136,12 @@ std::vector<std::shared_ptr<FinderItem>> itemsOf(std::vector<ModelPointer> const
 
 Value makeItem(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command, Code type) {
     Value const* const at = command.find(codes::InsertionParameter);
-    std::vector<ModelPointer> const places =
-        at ? application.objects(*at, evaluator.context())
-           : std::vector<ModelPointer>{system_events::diskItemAt(homePath())};
-    std::shared_ptr<FinderItem> const made =
-        finder::makeIn(*folderOf(places),
-                       {.type = type == codes::File ? codes::DocumentFile : type,
-                        .properties = command.find(codes::PropertiesParameter)},
-                       evaluator.context());
+    std::vector<ModelPointer> const places = at ? application.objects(*at, evaluator.context())
+                                                : std::vector<ModelPointer>{system_events::diskItemAt(homePath())};
+    std::shared_ptr<FinderItem> const made = finder::makeIn(*folderOf(places),
+                                                            {.type = type == codes::File ? codes::DocumentFile : type,
+                                                             .properties = command.find(codes::PropertiesParameter)},
+                                                            evaluator.context());
     ModelPointer const item = system_events::diskItemAt(made->path());
     if (!item) throw cannotGet(made->specifier());
     return item->specifier();
@@ -171,8 +169,7 @@ Value make(ModelApplication& application, Evaluator& evaluator, ApplicationComma
 
 // Linux: to the trash, from where it can be put back.
 Value remove(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command) {
-    std::vector<ModelPointer> const all =
-        application.objects(ModelApplication::directOf(command), evaluator.context());
+    std::vector<ModelPointer> const all = application.objects(ModelApplication::directOf(command), evaluator.context());
     bool const areLoginItems = !all.empty() && std::ranges::all_of(all, [](ModelPointer const& object) {
         return system_events::isLoginItem(*object);
     });
@@ -212,7 +209,8 @@ using Root = SystemEventsRoot;
 constexpr InProperties Unlisted = InProperties::Unlisted;
 
 // A row of a folder that the desktop keeps for a purpose.
-template <Code Folder> consteval PropertyRow folderRow(std::u16string_view name) {
+template <Code Folder>
+consteval PropertyRow folderRow(std::u16string_view name) {
     return {name, Folder, codes::Folder, reading<&Root::folder<Folder>>, nullptr, Unlisted};
 }
 
@@ -249,11 +247,8 @@ constexpr auto RootElements = std::to_array<ElementRow>({
     {codes::File, listing<&Root::itemsAtHome>},
     {codes::Folder, listing<&Root::itemsAtHome>},
 });
-constexpr ClassRow RootRow{.name = u"",
-                           .plural = u"",
-                           .code = codes::Application,
-                           .properties = RootProperties,
-                           .elements = RootElements};
+constexpr ClassRow RootRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
 
 ClassRow const& SystemEventsRoot::row() const { return RootRow; }
 

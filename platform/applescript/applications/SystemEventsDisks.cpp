@@ -1,7 +1,7 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/ScriptPaths.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
@@ -20,13 +20,18 @@ public:
 
     ClassRow const& row() const override;
     Value specifier() const override {
-        if (m_item->type() == codes::Disk) return elementSpecifier(Form::Name, codes::Disk, itself(), ofItem<codes::Name>());
+        if (m_item->type() == codes::Disk)
+            return elementSpecifier(Form::Name, codes::Disk, itself(), ofItem<codes::Name>());
         return elementSpecifier(Form::Name, type(), itself(), Value::text(hfsPath()));
     }
 
     // What the Finder says of the item.
-    template <Code Property> Value ofItem() const { return m_item->property(Property).value_or(Value::missing()); }
-    template <Code Property> bool setOfItem(Value const& value, TextContext const& context) {
+    template <Code Property>
+    Value ofItem() const {
+        return m_item->property(Property).value_or(Value::missing());
+    }
+    template <Code Property>
+    bool setOfItem(Value const& value, TextContext const& context) {
         return m_item->setProperty(Property, value, context);
     }
 
@@ -72,7 +77,8 @@ private:
 
 constexpr InProperties Unlisted = InProperties::Unlisted;
 
-template <Code Property> constexpr RequiredFunction<PropertyReader> OfItem{reading<&DiskItem::ofItem<Property>>};
+template <Code Property>
+constexpr RequiredFunction<PropertyReader> OfItem{reading<&DiskItem::ofItem<Property>>};
 
 constexpr auto DiskItemProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, OfItem<codes::Name>, writing<&DiskItem::setOfItem<codes::Name>>},
@@ -115,13 +121,9 @@ constexpr ClassRow DiskItemRow{.name = u"disk item",
                                .elements = DiskItemElements};
 constexpr ClassRow FileRow{.name = u"file", .plural = u"files", .code = codes::File, .parent = &DiskItemRow};
 constexpr ClassRow FolderRow{.name = u"folder", .plural = u"folders", .code = codes::Folder, .parent = &DiskItemRow};
-constexpr ClassRow DiskRow{.name = u"disk",
-                           .plural = u"disks",
-                           .code = codes::Disk,
-                           .parent = &DiskItemRow,
-                           .properties = DiskProperties};
-constexpr auto DiskItemKinds =
-    std::to_array<ClassRow const*>({&AnyRow, &DiskItemRow, &FileRow, &FolderRow, &DiskRow});
+constexpr ClassRow DiskRow{
+    .name = u"disk", .plural = u"disks", .code = codes::Disk, .parent = &DiskItemRow, .properties = DiskProperties};
+constexpr auto DiskItemKinds = std::to_array<ClassRow const*>({&AnyRow, &DiskItemRow, &FileRow, &FolderRow, &DiskRow});
 
 ClassRow const& DiskItem::row() const {
     if (m_item->type() == codes::Disk) return DiskRow;

@@ -1,6 +1,6 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
@@ -52,8 +52,7 @@ public:
 
     Value name() const {
         NSString const last = path().lastPathComponent();
-        return Value::text(
-            std::u16string((isApplication() ? last.stringByDeletingPathExtension() : last).codeUnits()));
+        return Value::text(std::u16string((isApplication() ? last.stringByDeletingPathExtension() : last).codeUnits()));
     }
     Value pathText() const { return Value::text(std::u16string(path().codeUnits())); }
     Value kind() const { return Value::text(isApplication() ? u"Application" : u"UNKNOWN"); }
@@ -95,10 +94,8 @@ constexpr auto LoginItemProperties = std::to_array<PropertyRow>({
 
 } // namespace
 
-constinit ClassRow const LoginItemRow{.name = u"login item",
-                                      .plural = u"login items",
-                                      .code = codes::LoginItem,
-                                      .properties = LoginItemProperties};
+constinit ClassRow const LoginItemRow{
+    .name = u"login item", .plural = u"login items", .code = codes::LoginItem, .properties = LoginItemProperties};
 
 std::vector<ModelPointer> loginItems() {
     // What could be read is answered also if not everything could.

@@ -1,5 +1,5 @@
-#include "platform/applescript/Coercion.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Coercion.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSNumber.h"
@@ -51,12 +51,8 @@ public:
     std::optional<Value> isVisible() const { return isWith(ProcessWindows::Shown); }
     std::optional<Value> isHidden() const { return isWith(ProcessWindows::Minimized); }
 
-    bool setVisible(Value const& value, TextContext const& context) {
-        return show(requireBoolean(value, context));
-    }
-    bool setHidden(Value const& value, TextContext const& context) {
-        return show(!requireBoolean(value, context));
-    }
+    bool setVisible(Value const& value, TextContext const& context) { return show(requireBoolean(value, context)); }
+    bool setHidden(Value const& value, TextContext const& context) { return show(!requireBoolean(value, context)); }
 
 private:
     std::optional<Value> isWith(ProcessWindows sought) const {
@@ -108,8 +104,7 @@ constexpr auto ProcessProperties = std::to_array<PropertyRow>({
     {u"background only", codeOf("bkgo"), codes::BooleanType, reading<&Process::isBackgroundOnly>, nullptr, Unlisted},
     {u"visible", codes::Visible, codes::BooleanType, reading<&Process::isVisible>, writing<&Process::setVisible>,
      Unlisted},
-    {u"hidden", codes::Hidden, codes::BooleanType, reading<&Process::isHidden>, writing<&Process::setHidden>,
-     Unlisted},
+    {u"hidden", codes::Hidden, codes::BooleanType, reading<&Process::isHidden>, writing<&Process::setHidden>, Unlisted},
 });
 
 // Every process answers as an application too, so a process is a kind of it.

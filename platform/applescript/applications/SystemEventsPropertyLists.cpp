@@ -1,8 +1,8 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/FileErrors.h"
-#include "platform/applescript/applications/Application.h"
 #include "platform/applescript/applications/PropertyListValues.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/runtime/Application.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/FileErrors.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSDictionary.h"
@@ -183,21 +183,15 @@ public:
     explicit PropertyListFile(std::shared_ptr<FinderItem> item) : m_item(std::move(item)) {}
 
     ClassRow const& row() const override;
-    Value specifier() const override {
-        return elementSpecifier(Form::Name, codes::PropertyListFile, itself(), path());
-    }
+    Value specifier() const override { return elementSpecifier(Form::Name, codes::PropertyListFile, itself(), path()); }
     Value name() const { return m_item->property(codes::Name).value_or(Value::missing()); }
-    Value path() const {
-        return Value::text(hfsPathFromPOSIXPath(unitsFromFileSystemBytes(m_item->path()), false));
-    }
+    Value path() const { return Value::text(hfsPathFromPOSIXPath(unitsFromFileSystemBytes(m_item->path()), false)); }
     Value posixPath() const { return Value::text(unitsFromFileSystemBytes(m_item->path())); }
     ModelPointer contents() const {
         return std::make_shared<PropertyListItem>(
             m_item->path(), Steps(), propertySpecifier(termSymbol(codes::Contents, u"contents"), specifier()));
     }
-    std::optional<std::vector<ModelPointer>> items(Code elementType) const {
-        return contents()->elements(elementType);
-    }
+    std::optional<std::vector<ModelPointer>> items(Code elementType) const { return contents()->elements(elementType); }
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
         return contents()->elementNamed(elementType, name);
     }
@@ -211,8 +205,7 @@ constexpr auto ItemProperties = std::to_array<PropertyRow>({
     {u"kind", codes::Kind, codes::ClassType, reading<&PropertyListItem::kind>},
     {u"value", codes::Value, codes::AnyType, reading<&PropertyListItem::value>, writing<&PropertyListItem::setValue>},
 });
-constexpr auto ItemElements =
-    std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
+constexpr auto ItemElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
 constexpr ClassRow ItemRow{.name = u"property list item",
                            .plural = u"property list items",
                            .code = codes::PropertyListItem,
@@ -227,8 +220,7 @@ constexpr auto FileProperties = std::to_array<PropertyRow>({
     {u"contents", codes::Contents, codes::PropertyListItem, reading<&PropertyListFile::contents>, nullptr,
      InProperties::Unlisted},
 });
-constexpr auto FileElements =
-    std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListFile::items>}});
+constexpr auto FileElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListFile::items>}});
 constexpr ClassRow FileRow{.name = u"property list file",
                            .plural = u"property list files",
                            .code = codes::PropertyListFile,

@@ -1,9 +1,9 @@
-#include "platform/applescript/Coercion.h"
-#include "platform/applescript/Evaluator.h"
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Program.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/Desktops.h"
 #include <algorithm>
 #include <array>
@@ -149,11 +149,8 @@ constexpr auto PaneProperties = std::to_array<PropertyRow>({
     {u"id", codes::Identifier, codes::TextType, reading<&PaneObject::identifier>},
 });
 constexpr auto PaneElements = std::to_array<ElementRow>({{AnchorCode, listing<&PaneObject::anchors>}});
-constexpr ClassRow PaneRow{.name = u"pane",
-                           .plural = u"panes",
-                           .code = PaneCode,
-                           .properties = PaneProperties,
-                           .elements = PaneElements};
+constexpr ClassRow PaneRow{
+    .name = u"pane", .plural = u"panes", .code = PaneCode, .properties = PaneProperties, .elements = PaneElements};
 constexpr ClassRow AnchorRow{.name = u"anchor", .plural = u"anchors", .code = AnchorCode};
 
 ClassRow const& PaneObject::row() const { return PaneRow; }
@@ -192,11 +189,8 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
      writing<&SystemPreferencesRoot::setCurrentPane>},
 });
 constexpr auto RootElements = std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
-constexpr ClassRow PreferencesRow{.name = u"",
-                                  .plural = u"",
-                                  .code = codes::Application,
-                                  .properties = RootProperties,
-                                  .elements = RootElements};
+constexpr ClassRow PreferencesRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
 
 ClassRow const& SystemPreferencesRoot::row() const { return PreferencesRow; }
 

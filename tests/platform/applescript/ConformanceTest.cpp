@@ -1,5 +1,5 @@
-#include "platform/applescript/ScriptEngine.h"
-#include "platform/applescript/SourceForm.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/applescript/runtime/SourceForm.h"
 #include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"

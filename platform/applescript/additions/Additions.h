@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/applescript/runtime/Evaluator.h"
+
+// The standard additions: what scripts can do besides the language itself. Each takes its event's parameters.
+
+namespace mac::applescript::additions {
+
+// AdditionsText.cpp
+Value offset(Evaluator& evaluator, CommandArguments const& arguments);
+Value round(Evaluator& evaluator, CommandArguments const& arguments);
+Value randomNumber(Evaluator& evaluator, CommandArguments const& arguments);
+Value asciiCharacter(Evaluator& evaluator, CommandArguments const& arguments);
+Value asciiNumber(Evaluator& evaluator, CommandArguments const& arguments);
+Value localizedString(Evaluator& evaluator, CommandArguments const& arguments);
+Value log(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsSystem.cpp
+Value currentDate(Evaluator& evaluator, CommandArguments const& arguments);
+Value timeToGMT(Evaluator& evaluator, CommandArguments const& arguments);
+Value delay(Evaluator& evaluator, CommandArguments const& arguments);
+Value runScript(Evaluator& evaluator, CommandArguments const& arguments);
+Value systemAttribute(Evaluator& evaluator, CommandArguments const& arguments);
+Value systemInfo(Evaluator& evaluator, CommandArguments const& arguments);
+Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsShell.cpp
+// Linux: what files and commands say in no named encoding is UTF-8 where it is that, for that is what files here hold;
+// else Mac OS Roman.
+std::u16string textOfBytes(std::string const& bytes);
+Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
+Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments);
+Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments);
+Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments);
+Value beep(Evaluator& evaluator, CommandArguments const& arguments);
+Value theClipboard(Evaluator& evaluator, CommandArguments const& arguments);
+Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments);
+Value clipboardInfo(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsFiles.cpp
+// The file as it was named; for a mere path, its file.
+Value asFile(Value const& named, std::u16string const& path);
+Value infoFor(Evaluator& evaluator, CommandArguments const& arguments);
+Value listFolder(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsReadWrite.cpp
+Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments);
+Value closeAccess(Evaluator& evaluator, CommandArguments const& arguments);
+Value read(Evaluator& evaluator, CommandArguments const& arguments);
+Value write(Evaluator& evaluator, CommandArguments const& arguments);
+Value getEnd(Evaluator& evaluator, CommandArguments const& arguments);
+Value setEnd(Evaluator& evaluator, CommandArguments const& arguments);
+
+} // namespace mac::applescript::additions

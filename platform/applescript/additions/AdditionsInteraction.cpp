@@ -1,0 +1,194 @@
+#include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/UserInterface.h"
+#include <algorithm>
+
+namespace mac::applescript::additions {
+
+namespace {
+
+UserInterface& requireInterface() {
+    if (UserInterface* const interface = userInterface()) return *interface;
+    throw plainError(errors::NoUserInteraction);
+}
+
+Symbol keyOf(Code code) { return termSymbol(code, nameOfCode(code)); }
+
+std::u16string textAt(CommandArguments const& arguments, Code code, TextContext const& context) {
+    Value const* const value = arguments.find(code);
+    return value ? requireText(*value, context) : std::u16string();
+}
+
+bool flagAt(CommandArguments const& arguments, Code code, TextContext const& context) {
+    Value const* const flag = arguments.find(code);
+    return flag && requireBoolean(*flag, context);
+}
+
+std::vector<std::u16string> textsIn(Value const& list, TextContext const& context) {
+    std::vector<std::u16string> texts;
+    for (Value const& item : requireType(list, codeOf("list"), context).items())
+        texts.push_back(requireText(item, context));
+    return texts;
+}
+
+// A button by its name, or by its number counted from 1.
+std::optional<std::size_t> buttonAt(CommandArguments const& arguments, Code code,
+                                    std::vector<std::u16string> const& buttons, TextContext const& context) {
+    Value const* const given = arguments.find(code);
+    if (!given) return {};
+    Value const button = resolved(*given, context);
+    if (button.is(ValueKind::Text)) {
+        auto const found = std::ranges::find(buttons, button.units());
+        if (found == buttons.end()) throw plainError(errors::Parameter);
+        return static_cast<std::size_t>(found - buttons.begin());
+    }
+    std::int32_t const number = requireInteger(button, context);
+    if (number < 1 || number > static_cast<std::int32_t>(buttons.size())) throw plainError(errors::Parameter);
+    return static_cast<std::size_t>(number) - 1;
+}
+
+double secondsAt(CommandArguments const& arguments, TextContext const& context) {
+    Value const* const seconds = arguments.find(codeOf("givu"));
+    return seconds ? std::max(requireReal(*seconds, context), 0.0) : 0;
+}
+
+DialogRequest::Icon iconOf(Value const* icon) {
+    if (!icon || !icon->is(ValueKind::Constant)) return DialogRequest::Icon::None;
+    switch (icon->asCode()) {
+    case codeOf("stop"):
+    case codeOf("criT"):
+        return DialogRequest::Icon::Stop;
+    case codeOf("caut"):
+    case codeOf("warN"):
+        return DialogRequest::Icon::Caution;
+    default:
+        return DialogRequest::Icon::Note;
+    }
+}
+
+void takeButtons(DialogRequest& request, CommandArguments const& arguments, TextContext const& context) {
+    constexpr std::size_t mostButtons = 3;
+    if (Value const* const buttons = arguments.find(codeOf("btns"))) request.buttons = textsIn(*buttons, context);
+    if (request.buttons.empty() || request.buttons.size() > mostButtons) throw plainError(errors::Parameter);
+    if (auto const chosen = buttonAt(arguments, codeOf("dflt"), request.buttons, context))
+        request.defaultButton = chosen;
+    if (auto const cancel = buttonAt(arguments, codeOf("cbtn"), request.buttons, context))
+        request.cancelButton = cancel;
+}
+
+Value answerOf(DialogRequest const& request, DialogOutcome const& outcome) {
+    // No button stands for what nobody chose: a script goes on with none of them.
+    bool const isUnanswered = !outcome.button && !outcome.isTimeOver;
+    bool const isCanceled = outcome.button && outcome.button == request.cancelButton;
+    if (isUnanswered || isCanceled) throw plainError(errors::UserCanceled);
+    std::vector<std::pair<Symbol, Value>> fields;
+    fields.emplace_back(keyOf(codeOf("bhit")),
+                        Value::text(outcome.button ? request.buttons.at(*outcome.button) : std::u16string()));
+    if (request.answer) fields.emplace_back(keyOf(codeOf("ttxt")), Value::text(outcome.answer));
+    if (request.seconds > 0) fields.emplace_back(keyOf(codeOf("gavu")), Value::boolean(outcome.isTimeOver));
+    return Value::record(std::move(fields));
+}
+
+} // namespace
+
+Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    DialogRequest request;
+    request.text = requireText(arguments.direct, context);
+    request.title = textAt(arguments, codeOf("appr"), context);
+    request.icon = iconOf(arguments.find(codeOf("disp")));
+    request.seconds = secondsAt(arguments, context);
+    if (Value const* const answer = arguments.find(codeOf("dtxt"))) request.answer = requireText(*answer, context);
+    request.hidesAnswer = flagAt(arguments, codeOf("htxt"), context);
+    request.buttons = {u"Cancel", u"OK"};
+    takeButtons(request, arguments, context);
+    if (!arguments.find(codeOf("btns")) && !request.defaultButton) request.defaultButton = 1;
+    auto const cancel = std::ranges::find(request.buttons, std::u16string(u"Cancel"));
+    if (!request.cancelButton && cancel != request.buttons.end())
+        request.cancelButton = static_cast<std::size_t>(cancel - request.buttons.begin());
+    return answerOf(request, requireInterface().runDialog(request));
+}
+
+Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    DialogRequest request;
+    request.text = requireText(arguments.direct, context);
+    request.details = textAt(arguments, codeOf("mesS"), context);
+    request.icon = iconOf(arguments.find(codeOf("as A")));
+    request.seconds = secondsAt(arguments, context);
+    request.buttons = {u"OK"};
+    takeButtons(request, arguments, context);
+    if (!request.defaultButton) request.defaultButton = request.buttons.size() - 1;
+    return answerOf(request, requireInterface().runDialog(request));
+}
+
+// The items chosen, as they are; false where the person cancels.
+Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    Value const list = requireType(arguments.direct, codeOf("list"), context);
+    ListRequest request;
+    request.items = textsIn(list, context);
+    if (request.items.empty()) throw plainError(errors::Parameter);
+    request.title = textAt(arguments, codeOf("appr"), context);
+    request.text = arguments.find(codeOf("prmp")) ? textAt(arguments, codeOf("prmp"), context)
+                                                  : std::u16string(u"Please make your selection:");
+    request.acceptButton = textAt(arguments, codeOf("okbt"), context);
+    request.cancelButton = textAt(arguments, codeOf("cnbt"), context);
+    request.allowsSeveral = flagAt(arguments, codeOf("mlsl"), context);
+    request.allowsNone = flagAt(arguments, codeOf("empL"), context);
+    if (Value const* const chosen = arguments.find(codeOf("inSL"))) {
+        for (std::u16string const& text : textsIn(*chosen, context)) {
+            auto const found = std::ranges::find(request.items, text);
+            if (found != request.items.end())
+                request.chosen.push_back(static_cast<std::size_t>(found - request.items.begin()));
+        }
+    }
+    std::optional<std::vector<std::size_t>> const chosen = requireInterface().chooseFromList(request);
+    if (!chosen) return Value::boolean(false);
+    std::vector<Value> items;
+    for (std::size_t const index : *chosen)
+        if (index < list.items().size()) items.push_back(list.items()[index]);
+    return Value::list(std::move(items));
+}
+
+Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments) {
+    TextContext const& context = evaluator.context();
+    std::u16string text = arguments.direct.isNothing() ? std::u16string() : requireText(arguments.direct, context);
+    std::u16string const subtitle = textAt(arguments, codeOf("subt"), context);
+    if (!subtitle.empty()) text = subtitle + u"\n" + text;
+    requireInterface().notify(textAt(arguments, codeOf("appr"), context), text);
+    return {};
+}
+
+Value beep(Evaluator& evaluator, CommandArguments const& arguments) {
+    constexpr std::int32_t most = 100;
+    std::int32_t const count = arguments.direct.isNothing() ? 1 : requireInteger(arguments.direct, evaluator.context());
+    for (std::int32_t left = std::min(count, most); left > 0; --left)
+        NSBeep();
+    return {};
+}
+
+Value theClipboard(Evaluator& evaluator, CommandArguments const& arguments) {
+    Value const text = Value::text(requireInterface().clipboardText());
+    Value const* const type = arguments.find(codeOf("rtyp"));
+    return type && type->is(ValueKind::Type) ? requireType(text, type->asCode(), evaluator.context()) : text;
+}
+
+// Linux: what is set is text, whatever it was.
+Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments) {
+    std::u16string const text = requireText(arguments.direct, evaluator.context());
+    requireInterface().setClipboardText(text);
+    return {};
+}
+
+// The kinds of data on the clipboard and their sizes.
+Value clipboardInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/) {
+    std::size_t const count = requireInterface().clipboardText().size();
+    if (count == 0) return Value::list();
+    return Value::list(
+        {Value::list({Value::type(codeOf("utxt")), Value::number(static_cast<double>(count * sizeof(char16_t)))})});
+}
+
+} // namespace mac::applescript::additions

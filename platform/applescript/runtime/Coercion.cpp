@@ -1,0 +1,266 @@
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/language/StackRoom.h"
+#include "platform/applescript/runtime/Application.h"
+#include "platform/applescript/runtime/DateTerms.h"
+#include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/runtime/RealText.h"
+#include "platform/applescript/runtime/ScriptDate.h"
+#include "platform/applescript/runtime/ScriptError.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
+#include "platform/applescript/runtime/SourceForm.h"
+#include <algorithm>
+#include <array>
+
+namespace mac::applescript {
+
+bool isTextClass(Code type) { return type == codeOf("ctxt") || type == codeOf("TEXT") || type == codeOf("utxt"); }
+
+namespace {
+
+// What text that has no digits at all counts as.
+bool isBlank(std::u16string_view text) { return text.find_first_not_of(u" \t\r\n\u00A0") == std::u16string_view::npos; }
+
+bool fitsInteger(double number) { return number >= LeastInteger && number <= MostInteger; }
+
+std::optional<Value> numberOf(Value const& value) {
+    switch (value.kind()) {
+    case ValueKind::Integer:
+    case ValueKind::Real:
+        return value;
+    case ValueKind::Boolean:
+        return Value::integer(value.asBoolean() ? 1 : 0);
+    case ValueKind::Text: {
+        if (isBlank(value.units())) return Value::integer(0);
+        std::optional<NumberInText> const found = numberInText(value.units());
+        if (!found) return {};
+        return found->looksLikeInteger ? Value::number(found->number) : Value::real(found->number);
+    }
+    default:
+        return {};
+    }
+}
+
+std::optional<Value> integerOf(Value const& value) {
+    if (value.is(ValueKind::Type)) {
+        auto const* const month = std::ranges::find(Months, value.asCode());
+        if (month != Months.end()) return Value::integer(static_cast<std::int32_t>(month - Months.begin()) + 1);
+        auto const* const weekday = std::ranges::find(Weekdays, value.asCode());
+        if (weekday != Weekdays.end()) return Value::integer(static_cast<std::int32_t>(weekday - Weekdays.begin()) + 1);
+        return {};
+    }
+    if (value.is(ValueKind::Text) && !isBlank(value.units())) {
+        std::optional<NumberInText> const found = numberInText(value.units());
+        if (!found || !found->looksLikeInteger) return {};
+    }
+    std::optional<Value> const number = numberOf(value);
+    if (!number || number->is(ValueKind::Integer)) return number;
+    double const rounded = roundedToEven(number->asReal());
+    if (!fitsInteger(rounded)) return {};
+    return Value::integer(static_cast<std::int32_t>(rounded));
+}
+
+std::optional<Value> booleanOf(Value const& value, TextContext const& context) {
+    if (value.is(ValueKind::Boolean)) return value;
+    if (value.is(ValueKind::Integer) && (value.asInteger() == 0 || value.asInteger() == 1))
+        return Value::boolean(value.asInteger() == 1);
+    if (value.is(ValueKind::Text)) return Value::boolean(foldedName(requireText(value, context)) == u"true");
+    return {};
+}
+
+std::optional<Value> textOfList(Value const& value, TextContext const& context) {
+    requireStackRoom();
+    std::u16string text;
+    bool isFirst = true;
+    for (Value const& element : value.items()) {
+        std::optional<Value> const item = coerced(element, codeOf("ctxt"), context);
+        if (!item) return {};
+        if (!std::exchange(isFirst, false)) text += context.delimiters.front();
+        text += item->units();
+        if (text.size() > context.mostUnits) throw plainError(errors::ValueTooLarge);
+    }
+    return Value::text(std::move(text));
+}
+
+std::optional<Value> textOf(Value const& value, TextContext const& context) {
+    switch (value.kind()) {
+    case ValueKind::Text:
+        return value;
+    case ValueKind::Boolean:
+    case ValueKind::Integer:
+    case ValueKind::Real:
+    case ValueKind::Type:
+    case ValueKind::Constant:
+        return Value::text(humanForm(value));
+    case ValueKind::Date:
+        return Value::text(fullDateText(value.seconds()));
+    case ValueKind::File:
+        return Value::text(filePathText(value));
+    case ValueKind::List:
+        return textOfList(value, context);
+    case ValueKind::Application:
+        return Value::text(value.application().name);
+    default:
+        return {};
+    }
+}
+
+std::optional<Value> fileOf(Value const& value, Code type, TextContext const& context) {
+    bool const isAlias = type == codeOf("alis");
+    if (!value.is(ValueKind::File) && !value.is(ValueKind::Text)) return {};
+    std::u16string path = requirePath(value, context);
+    if (isAlias && !existsAt(path)) throw fileNotFound(value);
+    FileObject::Kind const kind = isAlias                  ? FileObject::Kind::Alias
+                                  : type == codeOf("file") ? FileObject::Kind::File
+                                                           : FileObject::Kind::PosixFile;
+    return makeObject<FileObject>(ValueKind::File, kind, std::move(path));
+}
+
+std::optional<Value> listOf(Value const& value) {
+    if (value.is(ValueKind::List)) return value;
+    if (!value.is(ValueKind::Record)) return Value::list({value});
+    std::vector<Value> items;
+    for (auto const& [key, field] : value.fields())
+        items.push_back(field);
+    return Value::list(std::move(items));
+}
+
+std::optional<Value> aliasListOf(Value const& value, TextContext const& context) {
+    std::vector<Value> aliases;
+    for (Value const& item : listOf(value)->items()) {
+        std::optional<Value> const alias = coerced(item, codeOf("alis"), context);
+        if (!alias) return {};
+        aliases.push_back(*alias);
+    }
+    return Value::list(std::move(aliases));
+}
+
+std::optional<Value> coercedItself(Value const& value, Code type, TextContext const& context) {
+    if (type == codeOf("list")) return listOf(value);
+    if (type == codeOf("alst")) return aliasListOf(value, context);
+    if (type == codeOf("****") || isOfClass(value, type)) return value;
+    if (isTextClass(type)) return textOf(value, context);
+    switch (type) {
+    case codeOf("long"):
+        return integerOf(value);
+    case codeOf("nmbr"):
+        return numberOf(value);
+    case codeOf("doub"): {
+        std::optional<Value> const number = numberOf(value);
+        return number ? Value::real(number->asNumber()) : number;
+    }
+    case codeOf("bool"):
+        return booleanOf(value, context);
+    case codeOf("alis"):
+    case codeOf("furl"):
+    case codeOf("psxf"):
+    case codeOf("file"):
+        return fileOf(value, type, context);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context) {
+    requireStackRoom();
+    if (type == codeOf("obj ") && unresolved.is(ValueKind::Specifier)) return unresolved;
+    if (isInApplication(unresolved)) return getInApplication(unresolved, type, context);
+    Value const value = resolved(unresolved, context);
+    // What a reference of the script's own leads to may lie in an application.
+    if (isInApplication(value)) return getInApplication(value, type, context);
+    std::optional<Value> const direct = coercedItself(value, type, context);
+    bool const isSingle = !direct && value.is(ValueKind::List) && value.items().size() == 1;
+    return isSingle ? coerced(value.items().front(), type, context) : direct;
+}
+
+Value requireType(Value const& value, Code type, TextContext const& context) {
+    std::optional<Value> made = coerced(value, type, context);
+    if (!made) throw cannotMake(value, type);
+    return *std::move(made);
+}
+
+Value requireOneOf(Value const& value, std::span<Code const> types, TextContext const& context) {
+    if (types.size() == 1) return requireType(value, types.front(), context);
+    Value const target = resolved(value, context);
+    for (Code const type : types)
+        if (isOfClass(target, type)) return target;
+    for (Code const type : types)
+        if (std::optional<Value> made = coerced(target, type, context)) return *std::move(made);
+    throw cannotMake(target, types.front());
+}
+
+Value requireNumber(Value const& value, TextContext const& context) {
+    if (value.isNumber()) return value;
+    return requireType(value, codeOf("nmbr"), context);
+}
+
+double requireReal(Value const& value, TextContext const& context) { return requireNumber(value, context).asNumber(); }
+
+std::int32_t requireInteger(Value const& value, TextContext const& context) {
+    if (value.is(ValueKind::Integer)) return value.asInteger();
+    return requireType(value, codeOf("long"), context).asInteger();
+}
+
+std::u16string requireText(Value const& value, TextContext const& context) {
+    if (value.is(ValueKind::Text)) return value.units();
+    return requireType(value, codeOf("ctxt"), context).units();
+}
+
+bool requireBoolean(Value const& value, TextContext const& context) {
+    if (value.is(ValueKind::Boolean)) return value.asBoolean();
+    return requireType(value, codeOf("bool"), context).asBoolean();
+}
+
+std::u16string requirePath(Value const& value, TextContext const& context) {
+    Value const file = resolved(value, context);
+    if (file.is(ValueKind::File)) return file.file().path;
+    return posixPathOf(requireText(file, context));
+}
+
+Code classOfValue(Value const& value) {
+    switch (value.kind()) {
+    case ValueKind::Boolean:
+        return codeOf("bool");
+    case ValueKind::Integer:
+        return codeOf("long");
+    case ValueKind::Real:
+        return codeOf("doub");
+    case ValueKind::Constant:
+        return codeOf("enum");
+    case ValueKind::AppleScript:
+    case ValueKind::Script:
+        return codeOf("scpt");
+    case ValueKind::CurrentApplication:
+    case ValueKind::Application:
+        return codeOf("capp");
+    case ValueKind::Text:
+        return codeOf("ctxt");
+    case ValueKind::List:
+        return codeOf("list");
+    case ValueKind::Record:
+        return codeOf("reco");
+    case ValueKind::Date:
+        return codeOf("ldt ");
+    case ValueKind::File:
+        return value.file().kind == FileObject::Kind::Alias  ? codeOf("alis")
+               : value.file().kind == FileObject::Kind::File ? codeOf("file")
+                                                             : codeOf("furl");
+    case ValueKind::Data:
+        return value.data().type;
+    case ValueKind::Specifier:
+        return codeOf("obj ");
+    default:
+        return codeOf("pcls");
+    }
+}
+
+bool isOfClass(Value const& value, Code type) {
+    if (isTextClass(type)) return value.is(ValueKind::Text);
+    if (type == codeOf("nmbr")) return value.isNumber();
+    if (type == codeOf("cobj")) return true;
+    if (type == codeOf("psxf")) return classOfValue(value) == codeOf("furl");
+    return classOfValue(value) == type;
+}
+
+} // namespace mac::applescript

@@ -1,0 +1,105 @@
+#pragma once
+
+#include "platform/applescript/runtime/ScriptValue.h"
+#include <optional>
+
+namespace mac::applescript {
+
+// A place in the source, in UTF-16 code units; the end is the first one after.
+struct SourceRange {
+    std::uint32_t start{0};
+    std::uint32_t end{0};
+};
+
+// What goes wrong in a script, and what a script's own error statement says. Thrown; caught by try and by the engine.
+struct ScriptError {
+    std::int32_t number{0};
+    std::u16string message{};
+    // Nothing where the error is about no object.
+    Value from{};
+    Value to{};
+    Value partialResult{};
+    std::optional<SourceRange> range{};
+    bool isSyntax{false};
+    // The application that raised it; its name stands before the message then. Empty: the engine.
+    std::u16string application{};
+};
+
+// Stops a script from outside; no try of the script catches it.
+struct ScriptStopped {
+    ScriptError error;
+};
+
+// The numbers that the engine itself uses.
+namespace errors {
+inline constexpr std::int32_t DiskFull = -34;
+inline constexpr std::int32_t InputOutput = -36;
+inline constexpr std::int32_t EndOfFile = -39;
+inline constexpr std::int32_t FileNotFound = -43;
+inline constexpr std::int32_t FileNotOpen = -38;
+inline constexpr std::int32_t FileAlreadyOpen = -49;
+inline constexpr std::int32_t Parameter = -50;
+inline constexpr std::int32_t FilePermission = -54;
+inline constexpr std::int32_t NotOpenForWriting = -61;
+inline constexpr std::int32_t OutOfMemory = -108;
+inline constexpr std::int32_t UserCanceled = -128;
+inline constexpr std::int32_t CannotCoerce = -1700;
+inline constexpr std::int32_t MissingParameter = -1701;
+inline constexpr std::int32_t CorruptData = -1702;
+inline constexpr std::int32_t NotUnderstood = -1708;
+inline constexpr std::int32_t TimedOut = -1712;
+inline constexpr std::int32_t NoUserInteraction = -1713;
+inline constexpr std::int32_t InvalidIndex = -1719;
+inline constexpr std::int32_t InvalidRange = -1720;
+inline constexpr std::int32_t ParametersDoNotMatch = -1721;
+inline constexpr std::int32_t AccessNotAllowed = -1723;
+inline constexpr std::int32_t CannotGet = -1728;
+inline constexpr std::int32_t UserError = -2700;
+inline constexpr std::int32_t CannotMakeClass = -2710;
+inline constexpr std::int32_t DivisionByZero = -2701;
+inline constexpr std::int32_t NumberTooLarge = -2702;
+inline constexpr std::int32_t StackOverflow = -2706;
+inline constexpr std::int32_t ValueTooLarge = -2708;
+inline constexpr std::int32_t BothConsiderAndIgnore = -2720;
+inline constexpr std::int32_t CannotGoAfter = -2740;
+inline constexpr std::int32_t Expected = -2741;
+inline constexpr std::int32_t ParameterTwice = -2750;
+inline constexpr std::int32_t PropertyTwice = -2751;
+inline constexpr std::int32_t HandlerTwice = -2752;
+inline constexpr std::int32_t VariableNotDefined = -2753;
+inline constexpr std::int32_t LocalAndGlobal = -2754;
+inline constexpr std::int32_t ExitOutsideRepeat = -2755;
+inline constexpr std::int32_t IllegalParameter = -2761;
+inline constexpr std::int32_t NoResult = -2763;
+inline constexpr std::int32_t RunHandlerTwice = -2789;
+inline constexpr std::int32_t PrivilegeViolation = -10004;
+inline constexpr std::int32_t CannotSet = -10006;
+inline constexpr std::int32_t CannotSetAccess = -10003;
+inline constexpr std::int32_t NotOfThisClass = -10010;
+inline constexpr std::int32_t NotSingle = -10014;
+inline constexpr std::int32_t CannotPutThere = -10024;
+inline constexpr std::int32_t InvalidDate = -30720;
+} // namespace errors
+
+// Every text of an error comes from these; objects appear in source form.
+
+// What an error of this number says when nothing is known of what it is about.
+std::u16string messageOfNumber(std::int32_t number);
+
+ScriptError plainError(std::int32_t number);
+ScriptError cannotMake(Value const& value, Code type);
+ScriptError cannotMake(Value const& value, std::u16string_view type);
+ScriptError cannotGet(Value const& object);
+// An index beyond what there is.
+ScriptError invalidIndex(Value const& object);
+ScriptError cannotSet(Value const& object, Value const& value);
+// Something that can be read only.
+ScriptError mayNotSet(Value const& object, Value const& value);
+ScriptError notUnderstood(Value const& receiver, std::u16string_view message);
+ScriptError variableNotDefined(Symbol name);
+ScriptError missingParameter(std::u16string_view parameter, std::u16string_view message);
+ScriptError divisionByZero(double dividend);
+ScriptError fileNotFound(Value const& file);
+ScriptError syntaxError(std::int32_t number, std::u16string message, SourceRange range);
+
+} // namespace mac::applescript

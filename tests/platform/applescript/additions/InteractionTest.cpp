@@ -1,0 +1,165 @@
+#include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/applescript/runtime/SourceForm.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/UserInterface.h"
+#include <gtest/gtest.h>
+
+namespace mac::applescript::test {
+
+namespace {
+
+std::string sourceOrErrorOf(std::u16string_view source) {
+    ScriptError error;
+    std::optional<CompiledScript> script = CompiledScript::compile(source, error);
+    EXPECT_TRUE(script) << utf8FromUnits(error.message);
+    ScriptOutcome const outcome = script->run({});
+    if (!outcome.error) return utf8FromUnits(sourceForm(outcome.value));
+    return utf8FromUnits(outcome.error->message) + " (" + std::to_string(outcome.error->number) + ")";
+}
+
+// A person who answers at once.
+class Person : public UserInterface {
+public:
+    Person() { setUserInterface(this); }
+    ~Person() override { setUserInterface(nullptr); }
+
+    DialogOutcome runDialog(DialogRequest const& request) override {
+        dialog = request;
+        return answer;
+    }
+    std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) override {
+        list = request;
+        return chosen;
+    }
+    std::u16string clipboardText() override { return clipboard; }
+    void setClipboardText(std::u16string const& text) override { clipboard = text; }
+    void notify(std::u16string const& title, std::u16string const& text) override { note = title + u": " + text; }
+
+    DialogRequest dialog;
+    ListRequest list;
+    DialogOutcome answer{.button = 0, .answer = u"typed"};
+    std::optional<std::vector<std::size_t>> chosen;
+    std::u16string clipboard;
+    std::u16string note;
+};
+
+TEST(Interaction, NobodyAnswersWithoutAScreen) {
+    for (std::u16string_view const source :
+         {u"display dialog \"a\"", u"display alert \"a\"", u"choose from list {1}", u"display notification \"a\"",
+          u"the clipboard", u"set the clipboard to 1", u"clipboard info", u"say \"a\"", u"choose file"})
+        EXPECT_EQ(sourceOrErrorOf(source), "No user interaction allowed. (-1713)") << utf8FromUnits(source);
+}
+
+TEST(Interaction, BeepsAsOftenAsItIsAsked) {
+    int beeps = 0;
+    BeepListener const listener([&] { ++beeps; });
+    EXPECT_EQ(sourceOrErrorOf(u"beep"), "");
+    EXPECT_EQ(beeps, 1);
+    sourceOrErrorOf(u"beep 3");
+    EXPECT_EQ(beeps, 4);
+    sourceOrErrorOf(u"beep (-1)");
+    EXPECT_EQ(beeps, 4);
+}
+
+TEST(Interaction, ADialogHasCancelAndOK) {
+    Person person;
+    person.answer.button = 1;
+    EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\" with title \"t\" with icon caution"), "{button returned:\"OK\"}");
+    EXPECT_EQ(person.dialog.buttons, (std::vector<std::u16string>{u"Cancel", u"OK"}));
+    EXPECT_EQ(person.dialog.defaultButton, 1U);
+    EXPECT_EQ(person.dialog.title, u"t");
+    EXPECT_EQ(person.dialog.icon, DialogRequest::Icon::Caution);
+    EXPECT_FALSE(person.dialog.answer);
+    person.answer.button = 0;
+    EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\""), "User canceled. (-128)");
+}
+
+TEST(Interaction, ADialogAsksForText) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\" default answer \"x\" buttons {\"Go\"} with hidden answer"),
+              "{button returned:\"Go\", text returned:\"typed\"}");
+    EXPECT_EQ(person.dialog.answer, u"x");
+    EXPECT_TRUE(person.dialog.hidesAnswer);
+    EXPECT_FALSE(person.dialog.defaultButton);
+    EXPECT_FALSE(person.dialog.cancelButton);
+}
+
+TEST(Interaction, ADialogGivesUp) {
+    Person person;
+    person.answer = {.isTimeOver = true};
+    EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\" giving up after 2"), "{button returned:\"\", gave up:true}");
+    EXPECT_EQ(person.dialog.seconds, 2);
+    person.answer = {.button = 1};
+    EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\" giving up after 2"), "{button returned:\"OK\", gave up:false}");
+}
+
+TEST(Interaction, ADialogThatNobodyAnsweredIsCanceled) {
+    Person person;
+    person.answer = {};
+    for (std::u16string_view const source :
+         {u"display alert \"a\" buttons {\"Delete\", \"Keep\"}", u"display dialog \"a\" buttons {\"Delete\"}",
+          u"display dialog \"a\" giving up after 2"})
+        EXPECT_EQ(sourceOrErrorOf(source), "User canceled. (-128)") << utf8FromUnits(source);
+}
+
+TEST(Interaction, ButtonsGoByNameOrNumberAndMustBeThere) {
+    Person person;
+    person.answer.button = 2;
+    EXPECT_EQ(
+        sourceOrErrorOf(u"display dialog \"a\" buttons {\"A\", \"B\", \"C\"} default button 2 cancel button \"A\""),
+        "{button returned:\"C\"}");
+    EXPECT_EQ(person.dialog.defaultButton, 1U);
+    EXPECT_EQ(person.dialog.cancelButton, 0U);
+    for (std::u16string_view const source :
+         {u"display dialog \"a\" buttons {}", u"display dialog \"a\" buttons {1, 2, 3, 4}",
+          u"display dialog \"a\" default button 3", u"display dialog \"a\" default button 0",
+          u"display dialog \"a\" cancel button \"Nope\"", u"choose from list {}"})
+        EXPECT_EQ(sourceOrErrorOf(source), "Parameter error. (-50)") << utf8FromUnits(source);
+}
+
+TEST(Interaction, AnAlertHasOK) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"display alert \"a\" message \"b\" as critical"), "{button returned:\"OK\"}");
+    EXPECT_EQ(person.dialog.details, u"b");
+    EXPECT_EQ(person.dialog.icon, DialogRequest::Icon::Stop);
+    EXPECT_EQ(sourceOrErrorOf(u"display alert \"a\" buttons {\"No\", \"Yes\"} cancel button \"No\""),
+              "User canceled. (-128)");
+    EXPECT_EQ(person.dialog.defaultButton, 1U);
+}
+
+TEST(Interaction, AListAnswersItsItemsOrFalse) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"choose from list {1, \"b\"}"), "false");
+    person.chosen = {0, 1};
+    EXPECT_EQ(sourceOrErrorOf(
+                  u"choose from list {1, \"b\"} with prompt \"p\" default items {\"b\"} OK button name \"Go\" with "
+                  u"multiple selections allowed"),
+              "{1, \"b\"}");
+    EXPECT_EQ(person.list.chosen, std::vector<std::size_t>{1});
+    EXPECT_EQ(person.list.text, u"p");
+    EXPECT_EQ(person.list.acceptButton, u"Go");
+    EXPECT_TRUE(person.list.allowsSeveral);
+    EXPECT_FALSE(person.list.allowsNone);
+}
+
+TEST(Interaction, TheClipboardHoldsText) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"set the clipboard to 12\nthe clipboard"), "\"12\"");
+    EXPECT_EQ(sourceOrErrorOf(u"the clipboard as integer"), "12");
+    EXPECT_EQ(sourceOrErrorOf(u"set the clipboard to \"ab\"\nreturn the clipboard"), "\"ab\"");
+    EXPECT_EQ(sourceOrErrorOf(u"clipboard info"), "{{Unicode text, 4}}");
+    EXPECT_EQ(sourceOrErrorOf(u"set the clipboard to {a:1}"), "Can’t make {a:1} into type text. (-1700)");
+    person.clipboard.clear();
+    EXPECT_EQ(sourceOrErrorOf(u"clipboard info"), "{}");
+}
+
+TEST(Interaction, ANotificationIsNotAnswered) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"display notification \"a\" with title \"t\" subtitle \"s\""), "");
+    EXPECT_EQ(person.note, u"t: s\na");
+}
+
+} // namespace
+
+} // namespace mac::applescript::test
