@@ -158,6 +158,15 @@ Value ModelApplication::directOf(ApplicationCommand const& command) {
     return command.direct.isNothing() ? command.subject : command.direct;
 }
 
+Value ModelApplication::placeOf(ApplicationCommand const& command) {
+    Value const* const at = command.find(codes::InsertionParameter);
+    Value place = at ? *at : command.subject;
+    auto const hasForm = [&](Form form) { return place.is(ValueKind::Specifier) && place.specifier().form == form; };
+    if (hasForm(Form::Beginning) || hasForm(Form::End)) place = Value(place.specifier().container);
+    if (hasForm(Form::Every)) place = Value(place.specifier().container);
+    return place.isNothing() ? command.subject : place;
+}
+
 Value ModelApplication::get(Value const& specifier, Code type, TextContext const& context) {
     return meantAs(*this, follow(specifier, context), type, context);
 }

@@ -68,6 +68,8 @@ public:
     std::vector<ModelPointer> objects(Value const& meant, TextContext const& context);
     // The direct parameter, or what is being told.
     static Value directOf(ApplicationCommand const& command);
+    // The container that a new object is put into: X of `at end of folders of X`, else what is being told.
+    static Value placeOf(ApplicationCommand const& command);
 
 protected:
     virtual ModelPointer root() = 0;

@@ -44,10 +44,10 @@ inline constexpr CommandTerm ShutDown{.name = u"shut down", .code = eventOf("fnd
 inline constexpr CommandTerm Sleep{.name = u"sleep", .code = eventOf("fndrslep")};
 
 // Commands that the language has the words for.
-inline constexpr CommandTerm Activate{.code = eventOf("miscactv")};
-inline constexpr CommandTerm Launch{.code = eventOf("ascrnoop")};
-inline constexpr CommandTerm Run{.code = eventOf("aevtoapp")};
-inline constexpr CommandTerm Reopen{.code = eventOf("aevtrapp")};
-inline constexpr CommandTerm Quit{.code = eventOf("aevtquit")};
+inline constexpr CommandTerm Activate{.name = {}, .code = eventOf("miscactv")};
+inline constexpr CommandTerm Launch{.name = {}, .code = eventOf("ascrnoop")};
+inline constexpr CommandTerm Run{.name = {}, .code = eventOf("aevtoapp")};
+inline constexpr CommandTerm Reopen{.name = {}, .code = eventOf("aevtrapp")};
+inline constexpr CommandTerm Quit{.name = {}, .code = eventOf("aevtquit")};
 
 } // namespace mac::applescript::commonTerms

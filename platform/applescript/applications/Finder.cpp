@@ -2,6 +2,7 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
@@ -24,13 +25,15 @@ public:
     ClassRow const& row() const override;
     Value specifier() const override { return finderItself(); }
 
-    static std::optional<std::vector<ModelPointer>> desktopItems(Code elementType) {
+    std::optional<std::vector<ModelPointer>> desktopItems(Code elementType) const {
         std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
         if (desktop) return desktop->elements(elementType);
         return std::vector<ModelPointer>();
     }
 
-    static std::optional<std::vector<ModelPointer>> disks(Code /*elementType*/ = codes::Disk) {
+    std::optional<std::vector<ModelPointer>> disks(Code /*elementType*/) const { return allDisks(); }
+
+    static std::vector<ModelPointer> allDisks() {
         std::vector<ModelPointer> disks;
         for (MountedVolume const& volume : mountedVolumes()) {
             if (!volume.isStartup() && !volume.isBrowsable) continue;
@@ -43,7 +46,7 @@ public:
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
         if (elementType == codes::Process || elementType == codes::ApplicationProcess)
             return ModelObject::elementNamed(elementType, name);
-        for (ModelPointer const& disk : *disks()) {
+        for (ModelPointer const& disk : allDisks()) {
             std::u16string const diskName = disk->property(codes::Name)->units();
             std::size_t const length = std::min(name.find(u':'), name.size());
             if (foldedName(diskName) != foldedName(name.substr(0, length))) continue;
@@ -79,6 +82,9 @@ ModelPointer homeFolder(FinderRoot const& /*finder*/) { return FinderItem::atPat
 ModelPointer desktopFolder(FinderRoot const& /*finder*/) { return FinderItem::atPath(desktopPath()); }
 ModelPointer startupDisk(FinderRoot const& /*finder*/) { return FinderItem::atPath("/"); }
 ModelPointer trashOf(FinderRoot const& /*finder*/) { return finder::trash(); }
+
+// Linux: the file browsers tell no program what is selected in their windows, nor where a new item would go.
+std::optional<Value> untold(FinderRoot const& /*finder*/) { return {}; }
 
 std::optional<std::vector<ModelPointer>> finderProcesses(FinderRoot const& /*finder*/, Code /*elementType*/) {
     return system_events::processes(finderItself());
@@ -134,6 +140,8 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
     {u"desktop", codes::Desktop, codes::Folder, reading<&desktopFolder>},
     {u"startup disk", codes::StartupDisk, codes::Disk, reading<&startupDisk>},
     {u"trash", codes::Trash, codes::Item, reading<&trashOf>},
+    {u"selection", codeOf("sele"), codes::ListType, reading<&untold>},
+    {u"insertion location", codeOf("pins"), codes::ReferenceType, reading<&untold>},
     {u"desktop picture", codeOf("dpic"), codes::FileURLType, reading<&finder::desktopPicture>,
      writing<&finder::setDesktopPicture>, InProperties::Unlisted},
 });

@@ -23,12 +23,14 @@ std::optional<MountedVolume> volumeOf(FinderItem const& disk) {
     return found == volumes.end() ? std::nullopt : std::optional(*found);
 }
 
-template <fsblkcnt_t struct ::statvfs::*Blocks>
+template <auto Blocks>
 Value space(FinderItem const& disk) {
     struct statvfs found {};
     if (::statvfs(disk.path().c_str(), &found) != 0) return Value::missing();
     return Value::number(static_cast<double>(std::uint64_t{found.*Blocks} * found.f_frsize));
 }
+
+using DiskSpace = struct statvfs;
 
 Value isEjectable(FinderItem const& disk) {
     std::optional<MountedVolume> const volume = volumeOf(disk);
@@ -73,8 +75,8 @@ Value originalItem(FinderItem const& alias) {
 }
 
 constexpr auto DiskProperties = std::to_array<PropertyRow>({
-    {u"capacity", codes::Capacity, codes::NumberType, reading<&space<&statvfs::f_blocks>>},
-    {u"free space", codes::FreeSpace, codes::NumberType, reading<&space<&statvfs::f_bavail>>},
+    {u"capacity", codes::Capacity, codes::NumberType, reading<&space<&DiskSpace::f_blocks>>},
+    {u"free space", codes::FreeSpace, codes::NumberType, reading<&space<&DiskSpace::f_bavail>>},
     {u"ejectable", codes::Ejectable, codes::BooleanType, reading<&isEjectable>},
     {u"local volume", codes::LocalVolume, codes::BooleanType, reading<&isLocalVolume>},
     {u"startup", codes::Startup, codes::BooleanType, reading<&isStartupDisk>},

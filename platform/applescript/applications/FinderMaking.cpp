@@ -99,8 +99,7 @@ std::shared_ptr<FinderItem> makeIn(FinderItem const& folder, NewItem const& item
 Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     TextContext const& context = evaluator.context();
     NewItem item{.type = classToMake(command), .properties = command.find(codes::PropertiesParameter)};
-    Value const* const at = command.find(codes::InsertionParameter);
-    std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(at ? *at : command.subject, context));
+    std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(ModelApplication::placeOf(command), context));
     if (item.type == codes::AliasFile) {
         Value const* const to = command.find(codes::ToParameter);
         if (!to) throw missingParameter(u"to", command.term.name);

@@ -33,6 +33,7 @@ struct InstalledProgram {
     std::u16string identifier{};
     std::vector<std::string> words{};
 };
+std::vector<InstalledProgram> installedPrograms();
 std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name);
 std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view identifier);
 // The path of the application's bundle, or of its desktop entry if it has none.

@@ -191,6 +191,14 @@ public:
         return std::make_shared<PropertyListItem>(
             m_item->path(), Steps(), propertySpecifier(termSymbol(codes::Contents, u"contents"), specifier()));
     }
+    // Of the whole list, since a script's `contents of` is lost on the way here.
+    template <Code Property>
+    Value ofContents() const {
+        return contents()->property(Property).value_or(Value::missing());
+    }
+    bool setValue(Value const& value, TextContext const& context) {
+        return contents()->setProperty(codes::Value, value, context);
+    }
     std::optional<std::vector<ModelPointer>> items(Code elementType) const { return contents()->elements(elementType); }
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
         return contents()->elementNamed(elementType, name);
@@ -217,6 +225,10 @@ constexpr auto FileProperties = std::to_array<PropertyRow>({
     {u"path", codes::Path, codes::TextType, reading<&PropertyListFile::path>},
     {u"", codes::POSIXPath, codes::TextType, reading<&PropertyListFile::posixPath>, nullptr, InProperties::Unlisted},
     {u"POSIX path", codeOf("posx"), codes::TextType, reading<&PropertyListFile::posixPath>},
+    {u"kind", codes::Kind, codes::ClassType, reading<&PropertyListFile::ofContents<codes::Kind>>, nullptr,
+     InProperties::Unlisted},
+    {u"value", codes::Value, codes::AnyType, reading<&PropertyListFile::ofContents<codes::Value>>,
+     writing<&PropertyListFile::setValue>, InProperties::Unlisted},
     {u"contents", codes::Contents, codes::PropertyListItem, reading<&PropertyListFile::contents>, nullptr,
      InProperties::Unlisted},
 });
@@ -240,16 +252,6 @@ Value givenProperty(ApplicationCommand const& command, Code code, std::u16string
     for (auto const& [key, value] : properties->fields())
         if (key->code == code || foldedName(key->spelling) == name) return value;
     return {};
-}
-
-// The container that "at end of property list items of X" means: X.
-Value insertionContainer(ApplicationCommand const& command) {
-    Value const* const at = command.find(codes::InsertionParameter);
-    Value place = at ? *at : command.subject;
-    auto const hasForm = [&](Form form) { return place.is(ValueKind::Specifier) && place.specifier().form == form; };
-    if (hasForm(Form::Beginning) || hasForm(Form::End)) place = Value(place.specifier().container);
-    if (hasForm(Form::Every)) place = Value(place.specifier().container);
-    return place.isNothing() ? command.subject : place;
 }
 
 // An empty value of the kind that is given instead of a value.
@@ -284,7 +286,7 @@ ModelPointer propertyListFileNamed(std::u16string const& name) {
 
 Value makePropertyListItem(ModelApplication& application, ApplicationCommand const& command,
                            TextContext const& context) {
-    std::vector<ModelPointer> places = application.objects(insertionContainer(command), context);
+    std::vector<ModelPointer> places = application.objects(ModelApplication::placeOf(command), context);
     bool const isOne = places.size() == 1;
     if (isOne && &places.front()->row() == &FileRow)
         places.front() = static_cast<PropertyListFile const&>(*places.front()).contents();

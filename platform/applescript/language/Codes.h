@@ -35,6 +35,7 @@ inline constexpr Code PropertyListFile = codeOf("plif");
 inline constexpr Code PropertyListItem = codeOf("plii");
 inline constexpr Code User = codeOf("uacc");
 inline constexpr Code POSIXFileType = codeOf("psxf");
+inline constexpr Code RealType = codeOf("doub");
 inline constexpr Code RecordType = codeOf("reco");
 inline constexpr Code ReferenceType = codeOf("obj ");
 inline constexpr Code StringType = codeOf("TEXT");
