@@ -1,4 +1,4 @@
-#include "platform/applescript/additions/ShellCommand.h"
+#include "platform/applescript/runtime/ShellCommand.h"
 #include "platform/applescript/runtime/RunLimits.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include <cerrno>
@@ -39,14 +39,18 @@ std::vector<char*> shellEnvironment() {
 
 } // namespace
 
-ShellCommand::ShellCommand(std::vector<std::string> words) {
+ShellCommand::ShellCommand(std::vector<std::string> words, FileDescriptor const& handed) {
     Pipe output;
     Pipe complaints;
+    // The file's own number may be that number already, which would keep it closed in the program.
+    FileDescriptor const copy(handed.isOpen() ? ::fcntl(handed.number(), F_DUPFD_CLOEXEC, HandedDescriptor + 1) : -1);
+    if (handed.isOpen() && !copy.isOpen()) throw plainError(errors::OutOfMemory);
     posix_spawn_file_actions_t actions{};
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions, output.write.number(), STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&actions, complaints.write.number(), STDERR_FILENO);
+    if (copy.isOpen()) ::posix_spawn_file_actions_adddup2(&actions, copy.number(), HandedDescriptor);
     posix_spawnattr_t attributes{};
     ::posix_spawnattr_init(&attributes);
     // A group of its own, so that all of it can be stopped.

@@ -11,8 +11,12 @@ namespace mac::applescript {
 // Ends with the object, as far as this user may end it.
 class ShellCommand {
 public:
-    // The first word is the program's path. Throws -108 where no process can be had.
-    explicit ShellCommand(std::vector<std::string> words);
+    // The descriptor under which the command finds the file that is handed to it.
+    static constexpr int HandedDescriptor = 3;
+
+    // The first word is the program's path; `handed`, if it is open, is handed to the program. Throws -108 if no
+    // process can be had.
+    explicit ShellCommand(std::vector<std::string> words, FileDescriptor const& handed = {});
     ~ShellCommand();
     ShellCommand(ShellCommand const&) = delete;
     ShellCommand& operator=(ShellCommand const&) = delete;
