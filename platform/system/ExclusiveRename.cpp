@@ -31,6 +31,15 @@ bool cannotLink(SystemError const& error) {
     return isUnknownToFileSystem(error) || error.is(EPERM) || error.is(EMLINK) || error.is(EOPNOTSUPP);
 }
 
+// Removes a name that no other process uses; an interrupted call is made again.
+bool removeOwnName(FileDescriptor const& folder, std::string const& name) {
+    int answer = -1;
+    do {
+        answer = ::unlinkat(folder.number(), name.c_str(), 0);
+    } while (answer != 0 && errno == EINTR);
+    return answer == 0;
+}
+
 // Gives the open item another name. Where the system shows no open files under /proc, the item is not found.
 Result<void> giveName(FileDescriptor const& item, FileDescriptor const& folder, std::string const& name) {
     if (::linkat(AT_FDCWD, descriptorPath(item).c_str(), folder.number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0)
@@ -45,7 +54,7 @@ Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const
     if (!name.hasValue()) return name.problem();
     if (Result<void> const named = giveName(item, folder, name.value()); !named.isDone()) return named;
     Result<void> const isSame = confirmItemInFolder(folder, name.value(), item);
-    ::unlinkat(folder.number(), name.value().c_str(), 0);
+    removeOwnName(folder, name.value());
     if (isSame.isDone() || !isSame.problem().is(ESTALE)) return isSame;
     return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
 }
@@ -84,7 +93,7 @@ Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, 
         SystemError error = lastSystemError("link", from);
         return cannotLink(error) ? StepwiseRename().rename(folder, from, folder, to) : error;
     }
-    ::unlinkat(folder.number(), from.c_str(), 0);
+    removeOwnName(folder, from);
     return {};
 }
 
@@ -129,6 +138,13 @@ Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to,
     return removed;
 }
 
+// EEXIST if the name does not lead to the open item.
+Result<void> StepwiseRename::confirmStillNamed(Place const& place, FileDescriptor const& item) {
+    Result<void> isThere = confirmItemInFolder(place.folder, place.name, item);
+    bool const isAnother = !isThere.isDone() && (isThere.problem().is(ESTALE) || isThere.problem().is(ENOENT));
+    return isAnother ? nameIsTaken(place.name) : isThere;
+}
+
 // Removes a name of the open item: ESTALE if it leads to another one, EEXIST if the remaining name does.
 Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const& item, Place const* remaining) {
     if (Result<void> const isThere = confirmItemInFolder(place.folder, place.name, item); !isThere.isDone())
@@ -140,11 +156,8 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
     Place const there{place.folder, aside.value()};
     if (Result<void> const away = moveAside(place.folder, place.name, aside.value()); !away.isDone()) return away;
     Result<void> mayGo = confirmItemInFolder(there.folder, there.name, item);
-    if (mayGo.isDone() && remaining != nullptr &&
-        !confirmItemInFolder(remaining->folder, remaining->name, item).isDone())
-        mayGo = nameIsTaken(remaining->name);
-    if (mayGo.isDone() && ::unlinkat(there.folder.number(), there.name.c_str(), 0) != 0)
-        mayGo = lastSystemError("unlink", place.name);
+    if (mayGo.isDone() && remaining != nullptr) mayGo = confirmStillNamed(*remaining, item);
+    if (mayGo.isDone() && !removeOwnName(there.folder, there.name)) mayGo = lastSystemError("unlink", place.name);
     if (mayGo.isDone()) return mayGo;
     Result<void> const isBack = giveBackName(there, place);
     return isBack.isDone() ? mayGo : isBack;
@@ -153,7 +166,7 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
 // Gives an item that was moved aside its name again. If that is taken, the item stays aside and the error tells where.
 Result<void> StepwiseRename::giveBackName(Place const& aside, Place const& place) {
     if (::linkat(aside.folder.number(), aside.name.c_str(), place.folder.number(), place.name.c_str(), 0) == 0) {
-        ::unlinkat(aside.folder.number(), aside.name.c_str(), 0);
+        removeOwnName(aside.folder, aside.name);
         return {};
     }
     if (!cannotLink(lastSystemError("link", aside.name))) return nameIsTaken(aside.name);
