@@ -59,6 +59,13 @@ Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const
     return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
 }
 
+bool isSameItem(FileDescriptor const& second, FileDescriptor const& item) {
+    if (!second.isOpen()) return false;
+    Result<IdentifiedItem> const one = identify(second);
+    Result<IdentifiedItem> const other = identify(item);
+    return one.hasValue() && other.hasValue() && one.value().identity == other.value().identity;
+}
+
 bool hasOneNameAtMost(FileDescriptor const& item) {
     Result<ItemStatus> const status = statusOf(item);
     return !status.hasValue() || status.value().links < 2;
@@ -122,11 +129,17 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     if (Result<void> const can = confirmSecondNames(item, to.folder); !can.isDone()) return can;
     if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return named;
+    // Some file systems lose an open item when the name goes by which it was opened.
+    FileDescriptor const second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    FileDescriptor const& kept = isSameItem(second, item) ? second : item;
     tellFirstStep();
-    return removeFirstName(from, to, item);
+    Result<void> removed = removeFirstName(from, to, item);
+    if (removed.isDone() || removed.problem().is(EEXIST)) return removed;
+    static_cast<void>(removeName(to, kept, nullptr));
+    return removed;
 }
 
-// The open item has both names. Done if it has the second one only; otherwise it keeps the first one only.
+// The open item has both names. Done if it has the second one only; EEXIST if another item has the second one.
 Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to, FileDescriptor const& item) {
     Result<void> removed = removeName(from, item, &to);
     // Another item has the first name by now, which is none of ours.
@@ -134,7 +147,6 @@ Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to,
     if (removed.problem().is(EEXIST)) return removed;
     // Another process has removed the first name: the item itself must not go.
     if (removed.problem().is(ENOENT) && hasOneNameAtMost(item)) return {};
-    static_cast<void>(removeName(to, item, nullptr));
     return removed;
 }
 
