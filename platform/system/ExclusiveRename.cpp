@@ -47,6 +47,14 @@ Result<void> giveName(FileDescriptor const& item, FileDescriptor const& folder, 
     return {};
 }
 
+// A failure behind the first link: both folders lie on one volume then, so the item is not to be copied.
+Result<void> onOneVolume(Result<void> result) {
+    if (result.isDone() || !result.problem().is(EXDEV)) return result;
+    SystemError error = result.problem();
+    error.code = EIO;
+    return error;
+}
+
 // Whether the file system can give the open item a second name that shows it to be the same item. Found out under a
 // name that no other process knows.
 Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const& folder) {
@@ -55,7 +63,7 @@ Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const
     if (Result<void> const named = giveName(item, folder, name.value()); !named.isDone()) return named;
     Result<void> const isSame = confirmItemInFolder(folder, name.value(), item);
     removeOwnName(folder, name.value());
-    if (isSame.isDone() || !isSame.problem().is(ESTALE)) return isSame;
+    if (isSame.isDone() || !isSame.problem().is(ESTALE)) return onOneVolume(isSame);
     return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
 }
 
@@ -128,7 +136,7 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     // Spares the trial where the name is taken; the system refuses it below at any rate.
     if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     if (Result<void> const can = confirmSecondNames(item, to.folder); !can.isDone()) return can;
-    if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return named;
+    if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return onOneVolume(named);
     // Some file systems lose an open item when the name goes by which it was opened.
     FileDescriptor const second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     FileDescriptor const& kept = isSameItem(second, item) ? second : item;
@@ -136,7 +144,7 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     Result<void> removed = removeFirstName(from, to, item);
     if (removed.isDone() || removed.problem().is(EEXIST)) return removed;
     static_cast<void>(removeName(to, kept, nullptr));
-    return removed;
+    return onOneVolume(removed);
 }
 
 // The open item has both names. Done if it has the second one only; EEXIST if another item has the second one.
