@@ -36,6 +36,7 @@ void AppController::trashAction_(id const&) const {
     NSString const pathInTrash = pxMoveToTrash(path);
     if (pathInTrash == nil) return fail("Could not move to trash.");
     isOnHarddiskPaths().removeObject_(path);
+    // As the script tells it: a folder's path ends with a slash until the next search tells the path without one.
     isOnHarddiskPaths().addObject_(pathInTrash);
     rememberTrashing(*this, path, pathInTrash, wasOnHarddisk ? WasOnHarddisk::Yes : WasOnHarddisk::No);
     reSync();

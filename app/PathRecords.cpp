@@ -1,12 +1,9 @@
 #include "app/AppControllerBody.h"
+#include "app/InventorySync.h"
 #include "app/MembershipSources.h"
+#include "app/RecordBuilding.h"
 #include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSNumber.h"
-#include <array>
 #include <cstddef>
-#include <vector>
 
 namespace framekeeper {
 
@@ -28,127 +25,6 @@ void replace(AppController const& controller, Value AppController::Body::*field,
 template <class Value>
 Value read(AppController const& controller, Value AppController::Body::*field) {
     return controller == nil ? Value() : bodyOf(controller)->*field;
-}
-
-// One source by path: of several entries with the same path the first in the set's order counts.
-class EntriesByPath {
-public:
-    explicit EntriesByPath(NSSet const& entries) {
-        for (id const& entry : entries.allObjects()) {
-            id const path = entry.valueForKey_("path");
-            if (path == nil && m_entryWithoutPath == nil)
-                m_entryWithoutPath = entry;
-            else if (path != nil && m_entries.objectForKey_(path) == nil)
-                m_entries.setObject_forKey_(entry, path);
-        }
-    }
-
-    bool contains(NSString const& path) const { return path != nil && m_entries.objectForKey_(path) != nil; }
-    id objectOf(NSString const& path, NSString const& key) const {
-        id const entry = path == nil ? m_entryWithoutPath : m_entries.objectForKey_(path);
-        return entry.valueForKey_(key);
-    }
-
-private:
-    NSMutableDictionary m_entries = NSMutableDictionary::dictionary();
-    id m_entryWithoutPath;
-};
-
-// The sources with objects, row by row of their table, indexed once, so that a record costs the same however many paths
-// there are.
-class SourceIndex {
-public:
-    explicit SourceIndex(AppController const& controller) {
-        for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-            m_sources.emplace_back(entriesOf(controller, row));
-    }
-    EntriesByPath const& operator[](std::size_t row) const { return m_sources[row]; }
-
-private:
-    std::vector<EntriesByPath> m_sources;
-};
-
-// A path's object in each of the sources, nil where there is none.
-using RecordObjects = std::array<id, MembershipSources.size()>;
-
-struct Versions {
-    // Nil for a copy that tells none.
-    NSString version = "";
-    NSString versionString = "";
-};
-
-// Linux: information files written by hand hold versions as numbers too; the table compares text.
-NSString textOfInformation(NSBundle const& bundle, NSString const& key) {
-    id const value = bundle.objectForInfoDictionaryKey_(key);
-    NSNumber const number = as<NSNumber>(value);
-    return number == nil ? as<NSString>(value) : number.stringValue();
-}
-
-Versions versionsOfPath(NSString const& path) {
-    NSBundle const bundle = NSBundle::bundleWithPath_(path);
-    if (!bundle.bundleIdentifier().isEqualToString_(CompanionIdentifier)) return {};
-    NSString const version = textOfInformation(bundle, "CFBundleVersion");
-    NSString const shortVersion = textOfInformation(bundle, "CFBundleShortVersionString");
-    return {version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
-}
-
-// All records share their keys: finding one by the very same string is quick, and a key of its own for each record
-// would take more memory than the rest of it.
-struct RecordKeys {
-    RecordKeys() {
-        for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
-            flags[row] = NSString::stringWithUTF8String_(MembershipSources[row].flagKey);
-            objects[row] = NSString::stringWithUTF8String_(MembershipSources[row].objectKey);
-        }
-    }
-    static RecordKeys const& shared() {
-        static RecordKeys const keys;
-        return keys;
-    }
-
-    NSString path = "path";
-    NSString displayPath = "displayPath";
-    NSString exists = "exists";
-    std::array<NSString, MembershipSources.size()> flags;
-    std::array<NSString, MembershipSources.size()> objects;
-    NSString version = "version";
-    NSString versionString = "versionString";
-};
-
-void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path,
-               RecordObjects const& objects) {
-    auto const [version, versionString] = versionsOfPath(path);
-    bool const exists = NSFileManager::defaultManager().fileExistsAtPath_(path);
-
-    RecordKeys const& keys = RecordKeys::shared();
-    NSMutableDictionary const record = NSMutableDictionary::dictionary();
-    record.setValue_forKey_(path, keys.path);
-    record.setValue_forKey_(path, keys.displayPath);
-    record.setValue_forKey_(NSNumber::numberWithBool_(exists), keys.exists);
-    for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
-        record.setValue_forKey_(NSNumber::numberWithBool_(sources[row].contains(path)), keys.flags[row]);
-        record.setValue_forKey_(objects[row], keys.objects[row]);
-    }
-    record.setValue_forKey_(version, keys.version);
-    record.setValue_forKey_(versionString, keys.versionString);
-    records.addObject_(record);
-}
-
-void addRecord(NSMutableSet const& records, SourceIndex const& sources, NSString const& path) {
-    RecordObjects objects;
-    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        objects[row] = sources[row].objectOf(path, RecordKeys::shared().objects[row]);
-    addRecord(records, sources, path, objects);
-}
-
-// The paths that are not in the records when the source is begun. Two entries of one path make two equal records, which
-// the set holds once.
-void addMissingRecords(NSMutableSet const& records, SourceIndex const& sources, NSSet const& entries) {
-    NSSet const known = as<NSSet>(records.valueForKey_("path"));
-    for (id const& entry : entries.allObjects()) {
-        NSString const path = as<NSString>(entry.valueForKey_("path"));
-        if (!known.containsObject_(path)) addRecord(records, sources, path);
-    }
 }
 
 } // namespace
@@ -227,22 +103,25 @@ void AppController::pathObjects_addPath_psn_autolaunchedItem_toolbarItem_(NSMuta
     objects[sourceWithEntries("isRunningPaths")] = psn;
     objects[sourceWithEntries("isAutolaunchedPaths")] = autolaunchedItem;
     objects[sourceWithEntries("isInToolbarPaths")] = toolbarItem;
-    addRecord(records, SourceIndex(*this), path, objects);
+    RecordBuilder(*this).add(records, path, lookAtBundle(path), objects);
 }
 
 void AppController::pathObjects_addPath_(NSMutableSet const& records, NSString const& path) const {
-    if (*this != nil) addRecord(records, SourceIndex(*this), path);
+    if (*this != nil) RecordBuilder(*this).add(records, path, lookAtBundle(path));
 }
 
 void AppController::reSync() const {
     if (*this == nil) return;
     NSMutableSet const records = NSMutableSet::set();
-    SourceIndex const sources(*this);
-    for (id const& path : isOnHarddiskPaths().allObjects())
-        addRecord(records, sources, as<NSString>(path));
+    RecordBuilder builder(*this);
+    for (id const& element : isOnHarddiskPaths().allObjects()) {
+        NSString const path = as<NSString>(element);
+        builder.add(records, path, lookAtBundle(path));
+    }
     for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        addMissingRecords(records, sources, entriesOf(*this, row));
+        builder.addMissing(records, entriesOf(*this, row));
     setPaths_(records);
+    restartSteps(*this);
 }
 
 } // namespace framekeeper

@@ -1,37 +1,42 @@
 #include "app/AppController.h"
-#include "app/MembershipSources.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSFileManager.h"
+#include "app/AppControllerBody.h"
+#include "app/InventorySync.h"
+#include <limits>
 
 namespace framekeeper {
 
 void AppController::queryDidStart_(NSNotification const&) const { syncQuery(); }
 
-void AppController::queryGatheringProgress_(NSNotification const&) const { syncQuery(); }
+// Of many results no more than a step's at once, so that Stop is never out of reach.
+void AppController::queryGatheringProgress_(NSNotification const&) const {
+    if (*this == nil) return;
+    if (query().resultCount() > bodyOf(*this)->_pathsInStep)
+        syncInSteps(*this);
+    else
+        syncQuery();
+}
 
 void AppController::queryDidFinish_(NSNotification const&) const {}
 
 void AppController::queryDidUpdate_(NSNotification const&) const {}
 
 void AppController::syncQuery() const {
-    syncIsOnHarddisk();
-    reSync();
+    if (*this == nil) return;
+    cancelSteps(*this);
+    NSArray const results = query().results();
+    InventorySync sync(results == nil ? NSArray::array() : results);
+    while (sync.advance(*this, std::numeric_limits<std::size_t>::max() / 2)) {}
 }
 
 void AppController::syncIsOnHarddisk() const {
-    NSMutableSet const found = NSMutableSet::set();
-    NSUInteger const count = query().resultCount();
-    for (NSUInteger index = 0; index < count; ++index) {
-        NSString const path = as<NSString>(query().resultAtIndex_(index).valueForAttribute_(kMDItemPath));
-        if (!NSFileManager::defaultManager().fileExistsAtPath_(path)) continue;
-        if (NSBundle::bundleWithPath_(path).bundleIdentifier().isEqualToString_(CompanionIdentifier))
-            found.addObject_(path);
-    }
-    setIsOnHarddiskPaths_(found);
+    if (*this == nil) return;
+    NSArray const results = query().results();
+    InventorySync(results == nil ? NSArray::array() : results).setDiskPaths(*this);
 }
 
 void AppController::scanAction_(id const&) const {
     query().stopQuery();
+    if (*this != nil) cancelSteps(*this);
     setPaths_(nil);
     syncMembershipSources(*this);
     startQuery();

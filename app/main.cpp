@@ -1,3 +1,3 @@
-#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/NSApplicationMain.h"
 
 int main(int argc, char** argv) { return mac::NSApplicationMain(argc, argv); }

@@ -16,7 +16,7 @@ NSUInteger indexOf(id const& number) {
 
 } // namespace
 
-NSIndexSet pxIndexSetWithNumbers(NSEnumerator receiver) {
+NSMutableIndexSet pxIndexSetWithNumbers(NSEnumerator receiver) {
     if (receiver == nil) return nil;
     std::vector<NSUInteger> values;
     for (id number = receiver.nextObject(); number != nil; number = receiver.nextObject())
@@ -26,12 +26,12 @@ NSIndexSet pxIndexSetWithNumbers(NSEnumerator receiver) {
     NSMutableIndexSet const indexes = NSMutableIndexSet::indexSet();
     for (NSUInteger const value : values)
         indexes.addIndex_(value);
-    return NSIndexSet::alloc().initWithIndexSet_(indexes);
+    return indexes;
 }
 
-NSIndexSet pxIndexSetWithNumbers(NSArray receiver) { return pxIndexSetWithNumbers(receiver.objectEnumerator()); }
+NSMutableIndexSet pxIndexSetWithNumbers(NSArray receiver) { return pxIndexSetWithNumbers(receiver.objectEnumerator()); }
 
-NSIndexSet pxIndexSetWithNumbers(NSSet receiver) { return pxIndexSetWithNumbers(receiver.objectEnumerator()); }
+NSMutableIndexSet pxIndexSetWithNumbers(NSSet receiver) { return pxIndexSetWithNumbers(receiver.objectEnumerator()); }
 
 NSArray pxArrayWithIndexes(NSIndexSet receiver) {
     if (receiver == nil) return nil;

@@ -15,13 +15,13 @@ namespace mac {
 // NSRangeException for an index outside, NSUndefinedKeyException for an unknown key, NSInvalidArgumentException for a
 // message that a member does not understand, and for nil under a key that holds a number.
 
-// The members' unsigned-integer values; of a string, the number it begins with, else 0. A value of NSNotFound or more,
-// such as that of -1, raises NSRangeException.
-NSIndexSet pxIndexSetWithNumbers(NSArray receiver);
+// A new mutable set of the members' unsigned-integer values; of a string, the number it begins with, else 0. A value of
+// NSNotFound or more, such as that of -1, raises NSRangeException.
+NSMutableIndexSet pxIndexSetWithNumbers(NSArray receiver);
 // The same of a set's members.
-NSIndexSet pxIndexSetWithNumbers(NSSet receiver);
+NSMutableIndexSet pxIndexSetWithNumbers(NSSet receiver);
 // Of the objects not given yet.
-NSIndexSet pxIndexSetWithNumbers(NSEnumerator receiver);
+NSMutableIndexSet pxIndexSetWithNumbers(NSEnumerator receiver);
 // The indexes as numbers, ascending.
 NSArray pxArrayWithIndexes(NSIndexSet receiver);
 

@@ -1,17 +1,61 @@
 #pragma once
 
+#include "platform/appkit/NSImage.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/UTCDateTime.h"
-#include "platform/icons/IconRefs.h"
+#include "platform/icons/PlotIcon.h"
+#include "platform/preferences/NSUserDefaults.h"
 
 namespace mac {
 
-// Icons as data, and dates as the records in which catalogs keep them. Main thread. A nil receiver answers NO.
+// Icons of files and types in fixed sizes, icons as data, colours in the user defaults, and dates as the records in
+// which catalogs keep them. Main thread. A nil receiver answers nil or NO.
+
+// The item's icon as the workspace has it (NSWorkspace): a new image in forms of several sizes.
+NSImage pxIconForFile(NSString receiver);
+// Trimmed to so many pixels a side; see pxTrimWithDimension_.
+NSImage pxIconForFileWithDimension_(NSString receiver, int dimension);
+// Trimmed to 16, 32, 48 and 128 pixels.
+NSImage pxSmallIconForFile(NSString receiver);
+NSImage pxLargeIconForFile(NSString receiver);
+NSImage pxHugeIconForFile(NSString receiver);
+NSImage pxThumbnailIconForFile(NSString receiver);
+// Of files of the type that the text names, an extension or a type code in single quotes, trimmed to 16 pixels.
+NSImage pxSmallIconForFileType(NSString receiver);
+
+// Leaves the image the first of its forms that has exactly so many pixels a side, or all of them where none has, and
+// sets its size to so many points.
+void pxTrimWithDimension_(NSImage receiver, int dimension);
+
+// The icon of files with this creator and type where both say something and icon services know one, drawn in so many
+// points; else the workspace's of the type string, nil being empty, trimmed. Made once for the same arguments, then the
+// very same image again: it belongs to all who asked for it, for as long as the program runs. The codes 0 and '????'
+// say nothing.
+NSImage pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_(OSType creatorCode, OSType typeCode,
+                                                                               NSString typeString, int dimension);
+
+// A new image of so many points with the icon drawn in it; nil for null, and for a dimension that has no pixels, or
+// more than 4096. The icon stays the caller's.
+NSImage pxImageWithIconRef_dimension_(IconRef iconRef, float dimension);
+
+// The icon of a file whose extended attributes were read as a dictionary (pxExtendedAttributes), custom icons being
+// kept in them. It is looked at by way of a folder for temporary items, which is gone afterwards in any case. Nil where
+// that cannot be made or written.
+NSImage pxIconWithData_(id attributeData);
 
 // The data of the icon's pieces under their types, four characters each; nil for null, and for an icon without data.
 // Empty pieces are left out. The icon stays the caller's.
 NSDictionary pxDictionaryWithIconRef_(IconRef iconRef);
+
+// In the calibrated space of red, green and blue, opaque, each channel being divided by 65535 in single precision; nil
+// for null.
+NSColor pxColorWithQuickDrawRGBColor_(RGBColor const* color);
+
+// Keeps the colour, archived (NSArchiver), under the key.
+void pxSetColor_forKey_(NSUserDefaults receiver, NSColor color, NSString key);
+// Nil where there is no data under the key, and where it is no archived colour.
+NSColor pxColorForKey_(NSUserDefaults receiver, NSString key);
 
 // Nil for null.
 NSDate pxDateWithUTCDateTime_(UTCDateTime const* utcDateTime);

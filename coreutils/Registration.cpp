@@ -1,7 +1,10 @@
 #include "coreutils/Registration.h"
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
+#include "coreutils/DeferredPerforming.h"
+#include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
+#include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
 #include "platform/foundation/Method.h"
 
@@ -27,7 +30,7 @@ void registerStrings() {
 
 void registerCollections() {
     addCategory<NSArray>({
-        method<static_cast<NSIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSArray)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxStringValues>("pxStringValues"),
         method<&pxFlattenedMutableArrayOfArrays>("pxFlattenedMutableArrayOfArrays"),
         method<&pxFlattenedMutableSetOfSets>("pxFlattenedMutableSetOfSets"),
@@ -43,10 +46,10 @@ void registerCollections() {
     addCategory<NSMutableDictionary>(
         {}, {classMethod<&pxDictionaryWithDictionary_forKeys_>("pxDictionaryWithDictionary:forKeys:")});
     addCategory<NSEnumerator>({
-        method<static_cast<NSIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSEnumerator)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
     });
     addCategory<NSSet>({
-        method<static_cast<NSIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
+        method<static_cast<NSMutableIndexSet (*)(NSSet)>(&pxIndexSetWithNumbers)>("pxIndexSetWithNumbers"),
         method<&pxUnionWithSet_>("pxUnionWithSet:"),
     });
     addCategory<NSIndexSet>({method<&pxArrayWithIndexes>("pxArrayWithIndexes")});
@@ -77,18 +80,84 @@ void registerKeyValueOperations() {
 }
 
 void registerIconsAndDates() {
+    addCategory<NSString>({
+        method<&pxIconForFile>("pxIconForFile"),
+        method<&pxIconForFileWithDimension_>("pxIconForFileWithDimension:"),
+        method<&pxSmallIconForFile>("pxSmallIconForFile"),
+        method<&pxLargeIconForFile>("pxLargeIconForFile"),
+        method<&pxHugeIconForFile>("pxHugeIconForFile"),
+        method<&pxThumbnailIconForFile>("pxThumbnailIconForFile"),
+        method<&pxSmallIconForFileType>("pxSmallIconForFileType"),
+    });
+    addCategory<NSImage>({method<&pxTrimWithDimension_>("pxTrimWithDimension:")},
+                         {
+                             classMethod<&pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_>(
+                                 "pxGenericIconForFileCreatorCode:fileTypeCode:fileTypeString:dimension:"),
+                             classMethod<&pxImageWithIconRef_dimension_>("pxImageWithIconRef:dimension:"),
+                             classMethod<&pxIconWithData_>("pxIconWithData:"),
+                         });
+    addCategory<NSColor>({}, {classMethod<&pxColorWithQuickDrawRGBColor_>("pxColorWithQuickDrawRGBColor:")});
+    addCategory<NSUserDefaults>({
+        method<&pxSetColor_forKey_>("pxSetColor:forKey:"),
+        method<&pxColorForKey_>("pxColorForKey:"),
+    });
     addCategory<NSDictionary>({}, {classMethod<&pxDictionaryWithIconRef_>("pxDictionaryWithIconRef:")});
     addCategory<NSDate>({method<&pxUTCDateTime_>("pxUTCDateTime:")},
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
 }
 
+void registerDisclaimerAndViews() {
+    addCategory<NSObject>({
+        method<&pxRunDisclaimer>("pxRunDisclaimer"),
+        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
+        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
+        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
+    });
+    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
+    addCategory<NSManagedObject>({
+        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
+        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
+        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
+    });
+    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
+}
+
+void registerLogging() {
+    addCategory<NSBundle>({
+        method<&pxLogFilePathWithAppendingToName_>("pxLogFilePathWithAppendingToName:"),
+        method<&pxCreateLogFileWithAppendingToName_appendingToFile_includeAuxiliaryInformation_>(
+            "pxCreateLogFileWithAppendingToName:appendingToFile:includeAuxiliaryInformation:"),
+    });
+    addCategory<NSString>({
+        method<&pxOpenLogFileForPathWithAppending_>("pxOpenLogFileForPathWithAppending:"),
+        method<static_cast<void (*)(NSString, NSString)>(&pxLog_)>("pxLog:"),
+        method<static_cast<void (*)(NSString, BOOL, NSString)>(&pxLogAux_)>("pxLogAux::"),
+        method<&pxFormattedStringWithArguments_>("pxFormattedStringWithArguments:"),
+    });
+}
+
+void registerDeferredPerforming() {
+    addCategory<NSObject>({
+        method<&pxRegisterPerformDeferredSelector>("pxRegisterPerformDeferredSelector"),
+        method<&pxUnregisterPerformDeferredSelector>("pxUnregisterPerformDeferredSelector"),
+        method<&pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_>(
+            "pxPerformDeferredSelector:withObject:postWhenIdle:coalescing:"),
+        method<&pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_>(
+            "pxPerformDeferredSelector:withObject:withObject:postWhenIdle:coalescing:"),
+        method<&pxPerformDeferredSelectorHandler_>("pxPerformDeferredSelectorHandler:"),
+    });
+}
+
 } // namespace
 
 void registerCoreUtils() {
+    registerDeferredPerforming();
+    registerLogging();
     registerStrings();
     registerCollections();
     registerKeyValueOperations();
     registerIconsAndDates();
+    registerDisclaimerAndViews();
 }
 
 } // namespace mac

@@ -8,9 +8,7 @@
 #include "platform/system/FilePieces.h"
 #include "scripting/FileReferences.h"
 #include <algorithm>
-#include <cstring>
 #include <limits>
-#include <memory>
 
 namespace mac {
 
@@ -32,9 +30,6 @@ private:
     MemoryHandle m_handle;
 };
 
-// As large as files are read fastest. What the answer depends on, bytes and ends, is the same in blocks of any size.
-constexpr std::uint32_t BlockSize = 128 * 1'024;
-
 // A fork that is open for reading; its number is -1 if it could not be opened.
 class OpenFork {
 public:
@@ -54,19 +49,6 @@ private:
     std::int16_t m_number{-1};
 };
 
-struct ReadBlock {
-    std::span<std::byte const> bytes{};
-    bool isLast{false};
-};
-
-// nullopt if the fork cannot be read.
-std::optional<ReadBlock> readBlock(std::int16_t fork, std::span<std::byte> room) {
-    std::uint32_t count = 0;
-    OSErr const status = FSReadFork(fork, fsFromMark, 0, static_cast<std::uint32_t>(room.size()), room.data(), &count);
-    if (status != noErr && status != eofErr) return std::nullopt;
-    return ReadBlock{room.first(count), status == eofErr};
-}
-
 bool areForksEqual(std::int16_t first, std::int16_t second) {
     // By design the first fork's size is compared with itself, so that it matters only whether it can be told: forks
     // of different sizes differ where the shorter one ends.
@@ -74,15 +56,7 @@ bool areForksEqual(std::int16_t first, std::int16_t second) {
     std::int64_t otherSize = 0;
     if (FSGetForkSize(first, &size) != noErr || FSGetForkSize(first, &otherSize) != noErr || size != otherSize)
         return false;
-    auto const room = std::make_unique_for_overwrite<std::byte[]>(2 * BlockSize);
-    for (;;) {
-        std::optional<ReadBlock> const one = readBlock(first, {room.get(), BlockSize});
-        if (!one) return false;
-        std::optional<ReadBlock> const other = readBlock(second, {room.get() + BlockSize, BlockSize});
-        if (!other || one->isLast != other->isLast || one->bytes.size() != other->bytes.size()) return false;
-        if (std::memcmp(one->bytes.data(), other->bytes.data(), one->bytes.size()) != 0) return false;
-        if (one->isLast) return true;
-    }
+    return haveEqualBytes(first, second);
 }
 
 } // namespace

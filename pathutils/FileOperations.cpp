@@ -4,8 +4,10 @@
 #include "platform/files/FileOperations.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNull.h"
+#include "platform/system/items/OpenItem.h"
 #include "scripting/AppleScriptExecution.h"
 #include "scripting/FileReferences.h"
+#include <cerrno>
 
 // Removing, moving, copying and renaming.
 
@@ -21,6 +23,13 @@ NSString messageOf(PXFileManagerHandler const& handler, bool isDone, NSString co
 
 bool moveFile(NSString const& path, NSString const& newPath) {
     return NSFileManager::defaultManager().movePath_toPath_handler_(path, newPath, nil);
+}
+
+// Whether there is no item at the path; false if that cannot be found out.
+bool isMissing(NSString const& path) {
+    Result<OpenItem> const item =
+        openItemAtPath(path.fileSystemRepresentation().value_or(""), LinkAtEnd::IsNotFollowed);
+    return !item.hasValue() && (item.problem().is(ENOENT) || item.problem().is(ENOTDIR));
 }
 
 bool areEqualButForCase(NSString const& one, NSString const& other) {
@@ -42,7 +51,7 @@ bool pxRemoveFile(NSString receiver) {
 
 bool pxRemoveFileIfExists(NSString receiver) {
     if (receiver == nil) return false;
-    return !KRCPathExistsTraverseLink_(receiver, NO) || pxRemoveFile(receiver);
+    return pxRemoveFile(receiver) || isMissing(receiver);
 }
 
 bool pxRemoveFiles(NSEnumerator receiver) {

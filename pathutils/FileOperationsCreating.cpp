@@ -34,9 +34,11 @@ bool makeWithFoldersAbove(NSString const& path, NSString const& model,
     std::vector<FolderToMake> missing;
     FolderToMake folder{path, model};
     while (!KRCPathExists(folder.path)) {
-        if (folder.path.length() == 0) return false;
+        NSString const parent = folder.path.stringByDeletingLastPathComponent();
+        // Above the root, which cannot be looked at then, is the root.
+        if (folder.path.length() == 0 || parent.isEqualToString_(folder.path)) return false;
         missing.push_back(folder);
-        folder = {folder.path.stringByDeletingLastPathComponent(), folder.model.stringByDeletingLastPathComponent()};
+        folder = {parent, folder.model.stringByDeletingLastPathComponent()};
     }
     return std::all_of(missing.rbegin(), missing.rend(), make);
 }

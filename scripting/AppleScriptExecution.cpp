@@ -67,8 +67,10 @@ NSString pxExecuteAsShellScriptWithAdminPrivs_(NSString receiver, BOOL asksForAd
     return pxExecuteAsAppleScript(NSString::stringWithFormat_("do shell script \"%@\"%s", receiver, privileges));
 }
 
+// A double quote would end the literal, and what follows it in the text would run.
 NSString pxQuotedForm(NSString receiver) {
-    if (receiver == nil) return nil;
+    bool const endsLiteral = receiver.rangeOfString_("\"").location != NSNotFound;
+    if (receiver == nil || endsLiteral) return nil;
     NSString error;
     NSString const quoted =
         pxExecuteAsAppleScript_(NSString::stringWithFormat_("quoted form of \"%@\"\n", receiver), &error);

@@ -12,6 +12,7 @@
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
+#include <QGroupBox>
 #include <QPushButton>
 #include <QShortcut>
 
@@ -51,6 +52,10 @@ Value property(QObject const* object, char const* name) {
 bool has(QObject const* object, char const* name) { return object->property(name).isValid(); }
 
 NSString nameOf(QObject const* object) { return stringOf(object->objectName()); }
+
+NSView viewForOutlet(QWidget* widget) {
+    return qobject_cast<QGroupBox*>(widget) ? viewOfWidget(widget) : NSView(adopt<NSControl>(widget));
+}
 
 } // namespace
 
@@ -241,7 +246,7 @@ void InterfaceFile::connectWidgets() {
         if (auto* const table = qobject_cast<QTableView*>(widget); table && has(table, "rows"))
             makeTable(table);
         else if (has(widget, "outlet"))
-            connectOutlet(property<QString>(widget, "outlet"), adopt<NSControl>(widget));
+            connectOutlet(property<QString>(widget, "outlet"), viewForOutlet(widget));
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) connectButton(button);
         if (auto* const field = qobject_cast<QLineEdit*>(widget); field && has(field, "filters")) connectFilter(field);
         if (label && has(label, "displayPattern")) keep<BoundText>(label, m_scope);

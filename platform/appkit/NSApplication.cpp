@@ -1,9 +1,12 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/appkit/NSAlert.h"
+#include "platform/appkit/NSBox.h"
+#include "platform/appkit/Registration.h"
 #include "platform/appkit/UserInterfaceWidgets.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Boundary.h"
-#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/Weak.h"
@@ -14,19 +17,39 @@ class NSApplication::Body : public ObjectBody {
 public:
     // The toolkit's application lives on where somebody else made it.
     Body() {
+        auto* const display = qobject_cast<QApplication*>(QCoreApplication::instance());
+        if (!display) return;
         QGuiApplication::setQuitOnLastWindowClosed(false);
         setBeepSound([] {
             if (qApp) QApplication::beep();
         });
         installUserInterface();
-        QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &m_connections,
+        QObject::connect(display, &QGuiApplication::lastWindowClosed, &m_connections,
                          [this] { guarded([&] { lastWindowClosed(); }); });
     }
 
+    void run() {
+        if (m_stage == Stage::EndsBeforeRun) {
+            m_stage = Stage::Ended;
+            return;
+        }
+        m_stage = Stage::Running;
+        QCoreApplication::exec();
+        m_stage = Stage::Ended;
+    }
+    // Whether the application ends now for the first time.
+    bool end() {
+        if (isEnding()) return false;
+        m_stage = m_stage == Stage::Running ? Stage::Ending : Stage::EndsBeforeRun;
+        return true;
+    }
+    bool isEnding() const { return m_stage != Stage::NotRun && m_stage != Stage::Running; }
+
     WeakReference delegate;
-    bool isEnding{false};
 
 private:
+    enum class Stage { NotRun, Running, Ending, EndsBeforeRun, Ended };
+
     void lastWindowClosed() {
         NSApplication const application = uncheckedCast<NSApplication>(id::retain(this));
         id const asked = delegate.load();
@@ -37,7 +60,10 @@ private:
     }
 
     QObject m_connections;
+    Stage m_stage{Stage::NotRun};
 };
+
+void registerViews() { registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>(); }
 
 ClassDescription NSApplication::describeClass() {
     using Self = NSApplication;
@@ -62,9 +88,9 @@ NSApplication NSApplication::sharedApplication() {
         static char name[] = "application";
         static char* argv[]{name, nullptr};
         // It lives as long as the process: what would end it ends after the toolkit's own static data.
-        if (!QCoreApplication::instance()) static_cast<void>(connectToDisplay(argc, argv).release());
         if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
-            throw NSGenericException("There is no display for an application");
+            static_cast<void>(connectToDisplay(argc, argv).release());
+        requireEventLoop();
         return adopt<NSApplication>();
     }();
     return application;
@@ -77,15 +103,15 @@ void NSApplication::setDelegate_(id const& delegate) const {
 }
 
 void NSApplication::run() const {
-    if (*this == nil) return;
-    bodyOf(*this)->isEnding = false;
-    QApplication::exec();
+    if (*this != nil) bodyOf(*this)->run();
 }
 
 void NSApplication::terminate_(id const&) const {
-    if (*this == nil || std::exchange(bodyOf(*this)->isEnding, true)) return;
+    if (*this == nil || !bodyOf(*this)->end()) return;
     NSNotificationCenter::defaultCenter().postNotificationName_object_(NSApplicationWillTerminateNotification, *this);
     QCoreApplication::exit(0);
 }
+
+bool isEnding(NSApplication const& application) { return application != nil && bodyOf(application)->isEnding(); }
 
 } // namespace mac

@@ -1,3 +1,4 @@
+#include "platform/appkit/NSApplicationMain.h"
 #include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
 #include "platform/appkit/InterfaceFile.h"
@@ -21,6 +22,7 @@ int runInterface(NSString const& path) {
         return refuse("The main interface file " + path.UTF8String() + " cannot be used: " + *reason);
     InterfaceFile const& file = *std::get<std::unique_ptr<InterfaceFile>>(loaded);
     NSApplication const application = NSApplication::sharedApplication();
+    if (isEnding(application)) return 0;
     if (file.controllerIsDelegate()) application.setDelegate_(file.controller());
     file.window().makeKeyAndOrderFront_(nil);
     installApplicationEvents();

@@ -1,4 +1,7 @@
 #include "platform/appkit/NSWorkspace.h"
+#include "platform/appkit/ColorArchive.h"
+#include "platform/appkit/NSColor.h"
+#include "platform/appkit/NSGraphicsContext.h"
 #include "platform/appkit/Registration.h"
 #include "platform/desktop/DesktopApplication.h"
 #include "platform/desktop/FileBrowserSession.h"
@@ -6,6 +9,7 @@
 #include "platform/desktop/Session.h"
 #include "platform/events/EventSending.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSArchiver.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/processes/Processes.h"
@@ -64,12 +68,15 @@ ClassDescription NSWorkspace::describeClass() {
         .name = "NSWorkspace",
         .superclass = classOf<NSObject>(),
         .methods = {method<&NSWorkspace::openFile_>("openFile:"),
-                    method<&NSWorkspace::selectFile_inFileViewerRootedAtPath_>("selectFile:inFileViewerRootedAtPath:")},
+                    method<&NSWorkspace::selectFile_inFileViewerRootedAtPath_>("selectFile:inFileViewerRootedAtPath:"),
+                    method<&NSWorkspace::iconForFile_>("iconForFile:"),
+                    method<&NSWorkspace::iconForFileType_>("iconForFileType:")},
     };
 }
 
 void registerWorkspace() {
-    registerClasses<NSWorkspace>();
+    registerClasses<NSBitmapImageRep, NSColor, NSGraphicsContext, NSImage, NSImageRep, NSWorkspace>();
+    addArchivedForm(classOf<NSColor>(), {&archivedColor, &unarchivedColor});
     // Lets the event 'quit' reach the file browser, which receives no events, by the browser's own means.
     setUnansweredQuitHandler(askToQuit);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/NSImage.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/NSNumber.h"
 
@@ -35,6 +36,17 @@ public:
     bool launchAppWithBundleIdentifier_options_additionalEventParamDescriptor_launchIdentifier_(
         NSString const& bundleIdentifier, NSWorkspaceLaunchOptions options, NSAppleEventDescriptor const& descriptor,
         NSNumber* identifier) const;
+
+    // A new image of the item's icon, in forms of 16, 32, 48 and 128 pixels, and larger ones where there are any: its
+    // custom icon, that of its bundle or desktop entry, or the one that the icon theme has for its kind or type. In a
+    // size of 32 points. A path that leads nowhere has a document's; nil for nil.
+    NSImage iconForFile_(NSString const& fullPath) const;
+    // A new image like those above, of files of a type: an extension, or a type code in single quotes ("'TEXT'"). A
+    // document's for any other; nil for nil.
+    NSImage iconForFileType_(NSString const& fileType) const;
 };
+
+// The type code as iconForFileType_ takes it: "'TEXT'".
+NSString NSFileTypeForHFSTypeCode(OSType type);
 
 }

@@ -1,17 +1,11 @@
 #include "platform/appkit/Registration.h"
-#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/NSArrayController.h"
-#include "platform/appkit/NSColor.h"
-#include "platform/appkit/NSControl.h"
 #include "platform/appkit/NSTableView.h"
-#include "platform/appkit/NSView.h"
 #include "platform/appkit/NSWindow.h"
 #include "platform/foundation/Method.h"
 
 namespace mac {
 
-void registerAppKit() {
-    registerClasses<NSApplication, NSArrayController, NSColor, NSControl, NSTableView, NSView, NSWindow>();
-}
+void registerAppKit() { registerClasses<NSArrayController, NSTableView, NSWindow>(); }
 
 } // namespace mac

@@ -2,8 +2,9 @@
 
 namespace mac {
 
-// Make the classes of this folder's two libraries known by name. A second call changes nothing. Called before main, see
+// Make the classes of this folder's libraries known by name. A second call changes nothing. Called before main, see
 // platform/foundation/Registration.h.
+void registerViews();
 void registerAppKit();
 void registerWorkspace();
 

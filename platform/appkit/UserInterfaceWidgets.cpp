@@ -2,6 +2,7 @@
 #include "platform/foundation/UserInterface.h"
 #include <QApplication>
 #include <QClipboard>
+#include <QColorDialog>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDialogButtonBox>
@@ -133,6 +134,13 @@ public:
         for (int row = 0; row < list.count(); ++row)
             if (list.item(row)->isSelected()) chosen.push_back(static_cast<std::size_t>(row));
         return chosen;
+    }
+
+    std::optional<ColorComponents> chooseColor(ColorComponents const& initial) override {
+        QColorDialog dialog(QColor::fromRgba64(initial[0], initial[1], initial[2]));
+        if (dialog.exec() != QDialog::Accepted) return {};
+        QRgba64 const chosen = dialog.selectedColor().rgba64();
+        return ColorComponents{chosen.red(), chosen.green(), chosen.blue()};
     }
 
     std::u16string clipboardText() override { return units(QApplication::clipboard()->text()); }

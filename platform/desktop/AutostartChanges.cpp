@@ -3,10 +3,10 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/TemporaryName.h"
 #include "platform/system/XDGFolders.h"
-#include "platform/system/items/ItemRename.h"
+#include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemStatus.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <span>
@@ -62,14 +62,10 @@ Result<void> removeItem(FileDescriptor const& folder, std::string const& name, F
     Result<FileStatus> const status = fileStatusOf(item);
     if (!status.hasValue()) return status.problem();
     if (status.value() != expected) return SystemError{.code = ESTALE, .operation = "remove", .item = name};
-    // First to a name that no other program knows, so that a file that takes the place meanwhile is not removed.
+    if (isLockedIn(folder, name)) return lockedItem(name);
     Result<ItemStatus> const state = statusOf(item);
     if (!state.hasValue()) return state.problem();
-    Result<std::string> const aside = asideName(markOf(state.value()));
-    if (!aside.hasValue()) return aside.problem();
-    Result<void, RenameProblem> const moved = renameItem(item, {folder, name}, {folder, aside.value()});
-    if (!moved.isDone()) return moved.problem().error;
-    if (::unlinkat(folder.number(), aside.value().c_str(), 0) != 0) return lastSystemError("unlink", name);
+    if (Result<void> const removed = removeExactly(folder, name, state.value()); !removed.isDone()) return removed;
     // It is gone, also if that does not reach the disk: a failure would say that nothing was changed.
     (void)flushFolder(folder);
     return {};

@@ -24,6 +24,9 @@ constexpr LogOutCall PlasmaLogOut{.service = "org.kde.LogoutPrompt",
                                   .method = "promptLogout",
                                   .arguments = LogOutCall::Arguments::None};
 
+constexpr PictureSettings GNOMEPicture{.schema = "org.gnome.desktop.background",
+                                       .keys = {"picture-uri", "picture-uri-dark"}};
+
 std::vector<DesktopKind> const& desktopKinds() {
     static std::vector<DesktopKind> const kinds{
         // Before GNOME, since it calls itself that, too.
@@ -33,6 +36,7 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"budgie-desktop-settings"},
          .settingsProgram = "budgie-control-center",
          .panes = SettingsPanes::GNOME,
+         .picture = GNOMEPicture,
          .autostart =
              {.hiddenWords = {"true", "1"}, .knowsEnabledKey = true, .knowsCondition = true, .dataFolder = "gnome"}},
         {.name = "GNOME",
@@ -41,6 +45,7 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"gnome-tweaks", "gnome-control-center applications"},
          .settingsProgram = "gnome-control-center",
          .panes = SettingsPanes::GNOME,
+         .picture = GNOMEPicture,
          .autostart =
              {.hiddenWords = {"true", "1"}, .knowsEnabledKey = true, .knowsCondition = true, .dataFolder = "gnome"}},
         {.name = "KDE",
@@ -61,6 +66,9 @@ std::vector<DesktopKind> const& desktopKinds() {
          .questionSetting = "gsettings get org.mate.session logout-prompt",
          .autostartPages = {"mate-session-properties"},
          .settingsProgram = "mate-control-center",
+         .picture = {.schema = "org.mate.background",
+                     .keys = {"picture-filename"},
+                     .form = PictureSettings::Form::Path},
          .autostart = {.hiddenWords = {"true", "1"}, .knowsCondition = true, .dataFolder = "mate"}},
         {.name = "X-Cinnamon",
          .logOutCall = &GNOMELogOut,
@@ -68,6 +76,7 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"cinnamon-settings startup"},
          .settingsProgram = "cinnamon-settings",
          .panes = SettingsPanes::Cinnamon,
+         .picture = {.schema = "org.cinnamon.desktop.background", .keys = {"picture-uri"}},
          .autostart = {.hiddenWords = {"true", "1"}, .knowsEnabledKey = true, .knowsCondition = true}},
         {.name = "XFCE",
          .logOutCall = &XfceLogOut,

@@ -53,6 +53,16 @@ struct AutostartRules {
     std::string_view dataFolder{};
 };
 
+// Where a desktop that keeps its settings with GSettings keeps the picture behind its icons.
+struct PictureSettings {
+    // Empty: the desktop keeps it elsewhere.
+    std::string_view schema{};
+    // The keys that hold it, the first of which is read.
+    std::array<std::string_view, 2> keys{};
+    enum class Form { URI, Path };
+    Form form{Form::URI};
+};
+
 struct DesktopKind {
     // The name in XDG_CURRENT_DESKTOP.
     std::string_view name;
@@ -67,6 +77,7 @@ struct DesktopKind {
     // The settings program; empty without one.
     char const* settingsProgram{""};
     SettingsPanes panes{SettingsPanes::None};
+    PictureSettings picture{};
     AutostartRules autostart{};
 };
 

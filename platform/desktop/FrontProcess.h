@@ -16,4 +16,14 @@ std::optional<std::int32_t> frontProcessID();
 // window manager to ask.
 bool bringToFront(std::int32_t pid);
 
+// The windows of a process: it has none, at least one shows, or all are minimised.
+enum class ProcessWindows { None, Shown, Minimized };
+
+// nullopt without an X11 display whose window manager lists the windows.
+std::optional<ProcessWindows> windowsOfProcess(std::int32_t pid);
+// Asks the window manager to minimise all windows of the process. False if it has none, or there is nobody to ask.
+bool minimizeWindows(std::int32_t pid);
+// Asks for its minimised windows to show again, the topmost one last. False as above.
+bool restoreWindows(std::int32_t pid);
+
 } // namespace mac

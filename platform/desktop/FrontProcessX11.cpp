@@ -30,6 +30,28 @@ std::vector<std::uint32_t> windowsOf(X11Display const& display) {
     return windows;
 }
 
+// As a pager asks, on the user's behalf: a window manager may only mark the window for a program's own request.
+bool activate(X11Display const& display, std::uint32_t window) {
+    constexpr std::uint32_t fromPager = 2;
+    constexpr std::uint32_t now = 0;
+    return display.tellWindowManager(window, "_NET_ACTIVE_WINDOW", {fromPager, now, 0, 0, 0});
+}
+
+// The state of WM_STATE that stands for a minimised window, also in requests for it.
+constexpr std::uint32_t IconicState = 3;
+
+bool isMinimized(X11Display const& display, std::uint32_t window) {
+    std::vector<std::uint32_t> const state = display.numbers(window, "WM_STATE");
+    return !state.empty() && state[0] == IconicState;
+}
+
+// The windows of the process from the topmost to the lowest.
+std::vector<std::uint32_t> windowsOf(X11Display const& display, std::int32_t pid) {
+    std::vector<std::uint32_t> windows = windowsOf(display);
+    std::erase_if(windows, [&](std::uint32_t window) { return processOf(display, window) != pid; });
+    return windows;
+}
+
 } // namespace
 
 std::optional<std::int32_t> frontProcessID() {
@@ -43,14 +65,39 @@ std::optional<std::int32_t> frontProcessID() {
 bool bringToFront(std::int32_t pid) {
     std::unique_ptr<X11Display> const display = X11Display::open();
     if (!display) return false;
-    for (std::uint32_t const window : windowsOf(*display)) {
-        if (processOf(*display, window) != pid) continue;
-        // As a pager asks, on the user's behalf: a window manager may only mark the window for a program's own request.
-        constexpr std::uint32_t fromPager = 2;
-        constexpr std::uint32_t now = 0;
-        return display->tellWindowManager(window, "_NET_ACTIVE_WINDOW", {fromPager, now, 0, 0, 0});
-    }
-    return false;
+    std::vector<std::uint32_t> const windows = windowsOf(*display, pid);
+    return !windows.empty() && activate(*display, windows.front());
+}
+
+std::optional<ProcessWindows> windowsOfProcess(std::int32_t pid) {
+    std::unique_ptr<X11Display> const display = X11Display::open();
+    bool const isManaged = display && !display->numbers(display->rootWindow(), "_NET_SUPPORTING_WM_CHECK").empty();
+    if (!isManaged) return std::nullopt;
+    std::vector<std::uint32_t> const windows = windowsOf(*display, pid);
+    if (windows.empty()) return ProcessWindows::None;
+    bool const areMinimized =
+        std::ranges::all_of(windows, [&](std::uint32_t window) { return isMinimized(*display, window); });
+    return areMinimized ? ProcessWindows::Minimized : ProcessWindows::Shown;
+}
+
+bool minimizeWindows(std::int32_t pid) {
+    std::unique_ptr<X11Display> const display = X11Display::open();
+    if (!display) return false;
+    bool isAsked = false;
+    for (std::uint32_t const window : windowsOf(*display, pid))
+        isAsked = display->tellWindowManager(window, "WM_CHANGE_STATE", {IconicState}) || isAsked;
+    return isAsked;
+}
+
+bool restoreWindows(std::int32_t pid) {
+    std::unique_ptr<X11Display> const display = X11Display::open();
+    if (!display) return false;
+    std::vector<std::uint32_t> windows = windowsOf(*display, pid);
+    std::ranges::reverse(windows);
+    bool isAsked = false;
+    for (std::uint32_t const window : windows)
+        if (isMinimized(*display, window)) isAsked = activate(*display, window) || isAsked;
+    return isAsked;
 }
 
 } // namespace mac

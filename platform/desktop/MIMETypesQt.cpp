@@ -62,6 +62,25 @@ std::string mimeTypeOfNameAndBytes(std::string_view name, std::string_view bytes
     return QMimeDatabase().mimeTypeForFileNameAndData(fileName(name), data).name().toStdString();
 }
 
+std::string mimeTypeProvedByBytes(std::string_view bytes) {
+    // Words begin like this, too: "MZ", "BZh", "ID3".
+    constexpr std::size_t shortProof = 3;
+    auto const typeOf = [](std::string_view data) {
+        return QMimeDatabase().mimeTypeForData(
+            QByteArray::fromRawData(data.data(), static_cast<qsizetype>(data.size())));
+    };
+    QMimeType const type = typeOf(bytes);
+    if (type.isDefault() || type.name() == QLatin1String("text/plain")) return {};
+    std::string_view const front = bytes.substr(0, shortProof);
+    bool const isText = std::ranges::all_of(front, [](char byte) { return byte >= ' ' && byte <= '~'; });
+    if (isText && typeOf(front) == type) return {};
+    return type.name().toStdString();
+}
+
+std::string mimeTypeProvedByItem(std::string const& path, LinkAtEnd linkAtEnd) {
+    return mimeTypeProvedByBytes(firstBytes(path, linkAtEnd));
+}
+
 std::string mimeTypeOfItem(std::string const& path, LinkAtEnd linkAtEnd) {
     return mimeTypeOfNameAndBytes(BytePath(path).leaf(), firstBytes(path, linkAtEnd));
 }
@@ -88,6 +107,19 @@ std::vector<std::string> mimeTypeAndAncestors(std::string mimeType) {
 std::string canonicalMIMEType(std::string_view mimeType) {
     QMimeType const type = QMimeDatabase().mimeTypeForName(qtText(mimeType));
     return type.isValid() ? type.name().toStdString() : std::string(mimeType);
+}
+
+std::vector<std::string> iconNamesOfMIMEType(std::string_view mimeType) {
+    std::vector<std::string> names;
+    for (std::string const& name : mimeTypeAndAncestors(std::string(mimeType))) {
+        QMimeType const type = QMimeDatabase().mimeTypeForName(qtText(name));
+        if (!type.isValid()) continue;
+        for (QString const& icon : {type.iconName(), type.genericIconName()}) {
+            std::string text = icon.toStdString();
+            if (std::ranges::find(names, text) == names.end()) names.push_back(std::move(text));
+        }
+    }
+    return names;
 }
 
 } // namespace mac

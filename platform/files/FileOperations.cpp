@@ -5,6 +5,7 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/items/ItemRemoval.h"
 #include "platform/system/items/OverwritingCopy.h"
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -93,6 +94,14 @@ OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, 
     Result<IdentifiedItem> const identified = identify(folder.value().item);
     if (newDirID && identified.hasValue()) *newDirID = static_cast<std::uint32_t>(identified.value().identity.inode);
     return noErr;
+}
+
+OSErr FSDeleteObject(FSRef const* ref) {
+    if (!ref) return paramErr;
+    Result<OpenItem> const item = openItemOfReference(*ref);
+    if (!item.hasValue()) return errFSBadFSRef;
+    Result<void> const removed = removeEmptyItem(item.value());
+    return removed.isDone() ? OSErr(noErr) : changeStatus(removed.problem());
 }
 
 OSStatus FSPathCopyObjectSync(char const* sourcePath, char const* destPath, CFStringRef copyName, char** targetPath,

@@ -14,7 +14,7 @@ using UniCharCount = std::uint32_t;
 inline constexpr OSErr dskFulErr = -34;
 // The item is locked.
 inline constexpr OSErr fLckdErr = -45;
-// A volume is mounted in the item, or another process uses it.
+// The item is in use: a volume is mounted on it, another process holds it, or a folder is not empty.
 inline constexpr OSErr fBsyErr = -47;
 // Another item has the name.
 inline constexpr OSErr dupFNErr = -48;
@@ -31,6 +31,11 @@ OSErr FSRenameUnicode(FSRef const* ref, UniCharCount nameLength, unichar const* 
 OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, unichar const* name,
                                FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo, FSRef* newRef,
                                FSSpec* newSpec, std::uint32_t* newDirID);
+
+// Deletes the item for good with its AppleDouble sidecar, a symbolic link itself. fBsyErr for a folder that holds
+// anything, a mount point and the root; fLckdErr if the item is locked; errFSBadFSRef if the reference leads nowhere;
+// fnfErr if another item has taken its place.
+OSErr FSDeleteObject(FSRef const* ref);
 
 inline constexpr OptionBits kFSFileOperationDefaultOptions = 0;
 // An item that has the new name is replaced.

@@ -7,14 +7,18 @@
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <future>
 #include <limits>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace mac {
@@ -34,6 +38,10 @@ public:
     Result<std::int64_t> size() const;
     // Reads up to the end; returns the count.
     Result<std::size_t> read(std::int64_t place, std::span<std::byte> bytes);
+    // Reads up to the end, past the buffer of read(); returns the count. Any thread.
+    Result<std::size_t> readOnce(std::int64_t place, std::span<std::byte> bytes) const {
+        return m_file.isOpen() ? readFile(place, bytes) : copyBuffered(place, bytes);
+    }
 
     std::int64_t mark{0};
 
@@ -169,6 +177,33 @@ Result<std::int64_t> placeToRead(Fork const& fork, std::uint16_t mode, std::int6
     return base.value() + offset;
 }
 
+// The part of a comparison that one thread does.
+struct ComparedForks {
+    Fork const& one;
+    Fork const& other;
+    // The first difference ends the work of all threads.
+    std::atomic<bool> isDifferent{false};
+
+    bool isSameBlock(std::int64_t place, std::size_t size, std::span<std::byte> room, bool& isLast) const {
+        Result<std::size_t> const count = one.readOnce(place, room.first(size));
+        if (!count.hasValue()) return false;
+        Result<std::size_t> const otherCount = other.readOnce(place, room.subspan(size, size));
+        if (!otherCount.hasValue() || otherCount.value() != count.value()) return false;
+        isLast = count.value() < size;
+        return std::memcmp(room.data(), room.data() + size, count.value()) == 0;
+    }
+
+    void compare(std::int64_t begin, std::int64_t end) {
+        auto const room = std::make_unique_for_overwrite<std::byte[]>(2 * BufferSize);
+        bool isLast = false;
+        for (std::int64_t place = begin; place < end && !isLast && !isDifferent;) {
+            std::size_t const size = static_cast<std::size_t>(std::min<std::int64_t>(BufferSize, end - place));
+            if (!isSameBlock(place, size, {room.get(), 2 * BufferSize}, isLast)) isDifferent = true;
+            place += static_cast<std::int64_t>(size);
+        }
+    }
+};
+
 } // namespace
 
 OSErr FSGetDataForkName(HFSUniStr255* dataForkName) {
@@ -230,6 +265,31 @@ OSErr FSReadFork(std::int16_t forkRefNum, std::uint16_t positionMode, std::int64
 OSErr FSCloseFork(std::int16_t forkRefNum) {
     std::scoped_lock const lock(forkTable().lock);
     return forkTable().forks.erase(forkRefNum) > 0 ? noErr : rfNumErr;
+}
+
+bool haveEqualBytes(std::int16_t forkRefNum, std::int16_t otherForkRefNum) {
+    // Starting a thread takes as long as comparing a small part of that.
+    constexpr std::int64_t smallestForTwo = std::int64_t{16} << 20;
+    constexpr std::int64_t end = std::numeric_limits<std::int64_t>::max();
+    std::shared_ptr<Fork> const one = forkOf(forkRefNum);
+    std::shared_ptr<Fork> const other = forkOf(otherForkRefNum);
+    if (!one || !other) return false;
+    ComparedForks forks{*one, *other};
+    std::int64_t const size = one->size().valueOr(0);
+    std::int64_t const middle = size / 2 - size / 2 % static_cast<std::int64_t>(BufferSize);
+    if (size < smallestForTwo || std::thread::hardware_concurrency() < 2) {
+        forks.compare(0, end);
+        return !forks.isDifferent;
+    }
+    std::future<void> secondHalf;
+    try {
+        secondHalf = std::async(std::launch::async, [&] { forks.compare(middle, end); });
+    } catch (std::system_error const&) {
+        // The system allows no more threads.
+    }
+    forks.compare(0, secondHalf.valid() ? middle : end);
+    if (secondHalf.valid()) secondHalf.get();
+    return !forks.isDifferent;
 }
 
 } // namespace mac

@@ -48,4 +48,8 @@ OSErr FSReadFork(std::int16_t forkRefNum, std::uint16_t positionMode, std::int64
                  std::uint32_t requestCount, void* buffer, std::uint32_t* actualCount);
 OSErr FSCloseFork(std::int16_t forkRefNum);
 
+// Whether two open forks hold the same bytes from their starts to their ends; their marks stay. False if one of them
+// cannot be read. The halves of a large fork are read by two threads, of which one is gone before the answer.
+bool haveEqualBytes(std::int16_t forkRefNum, std::int16_t otherForkRefNum);
+
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/system/OpenItems.h"
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/sysmacros.h>
 
 namespace mac {
 
@@ -51,6 +52,15 @@ Result<PlacedItem> findHeld(ItemToHold const& held) {
     return findAround(held.path, identity);
 }
 
+// Whether the path that led to the item still does, and is its only one. Not found out, which takes longer, where a
+// server could be asked: it may not answer.
+bool isWhereItWas(ItemToHold const& held) {
+    bool const isOnDisk = major(held.identified.identity.device) != 0;
+    if (!isOnDisk) return false;
+    Result<IdentifiedItem> const found = identifyAtPath(held.path, LinkAtEnd::IsNotFollowed);
+    return found.hasValue() && found.value().identity == held.identified.identity && !found.value().hasOtherNames;
+}
+
 // Whether the item that was found is the one that was let go.
 bool bearsMark(PlacedItem const& found, std::optional<LastingMark> const& mark) {
     if (!mark) return false;
@@ -69,6 +79,7 @@ HeldItems::Holding HeldItems::hold(ItemToHold item) {
     if (auto const known = m_heldByIdentity.find(identity); known != m_heldByIdentity.end()) {
         // The newer path, but not the newer descriptor: both may lead to the item by different names.
         known->second->path = std::move(item.path);
+        known->second->identified.hasOtherNames = item.identified.hasOtherNames;
         m_held.splice(m_held.begin(), m_held, known->second);
         return Holding::ReferredToBefore;
     }
@@ -83,8 +94,9 @@ bool HeldItems::holdAgain(IdentifiedItem const& item) {
     auto const known = m_heldByIdentity.find(item.identity);
     if (known == m_heldByIdentity.end()) return false;
     ItemToHold const& held = *known->second;
-    bool const isFollowed =
-        held.isPathFollowed && !item.hasOtherNames && item.mount == held.identified.mount && item.mount != 0;
+    // The name that the open item had may be gone, and the item have another one only.
+    bool const hasOneName = !item.hasOtherNames && !held.identified.hasOtherNames;
+    bool const isFollowed = held.isPathFollowed && hasOneName && item.mount == held.identified.mount && item.mount != 0;
     if (!isFollowed) return false;
     m_held.splice(m_held.begin(), m_held, known->second);
     return true;
@@ -142,7 +154,8 @@ HeldItems::HeldList::iterator HeldItems::release(HeldList::iterator held) {
 }
 
 void HeldItems::letGo(HeldList::iterator held) {
-    Remembered remembered{.identity = held->identified.identity, .path = systemsPath(held->item).valueOr("")};
+    Remembered remembered{.identity = held->identified.identity};
+    remembered.path = isWhereItWas(*held) ? held->path : systemsPath(held->item).valueOr("");
     if (remembered.path != held->path) remembered.otherPath = std::move(held->path);
     if (remembered.path.empty()) remembered.path.swap(remembered.otherPath);
     if (!remembered.identity.isLasting()) {

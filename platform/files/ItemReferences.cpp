@@ -5,12 +5,18 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/FolderPlace.h"
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
+#include <linux/openat2.h>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <unordered_set>
 #include <vector>
@@ -106,6 +112,27 @@ std::string absolutePath(std::string_view path) {
     return (folder ? std::string(folder.get()) : std::string()).append("/").append(path);
 }
 
+// Whether the text of a path has only the names of folders and an item, from the root.
+bool hasOnlyNames(std::string_view path) {
+    if (!path.starts_with('/') || path.size() < 2) return false;
+    for (std::size_t place = 0; place < path.size();) {
+        std::size_t const start = place + 1;
+        place = std::min(path.find('/', start), path.size());
+        std::string_view const name = path.substr(start, place - start);
+        if (name.empty() || name == "." || name == "..") return false;
+    }
+    return true;
+}
+
+// Opens the item of a path that leads through no symbolic link, which is then the item's own path.
+std::optional<FileDescriptor> openAtOwnPath(std::string const& path, LinkAtEnd linkAtEnd) {
+    if (path.size() >= PATH_MAX || !hasOnlyNames(path)) return std::nullopt;
+    unsigned const flags = linkAtEnd == LinkAtEnd::IsFollowed ? O_PATH | O_CLOEXEC : O_PATH | O_NOFOLLOW | O_CLOEXEC;
+    open_how how{.flags = flags, .mode = 0, .resolve = RESOLVE_NO_SYMLINKS};
+    FileDescriptor item(static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how)));
+    return item.isOpen() ? std::optional(std::move(item)) : std::nullopt;
+}
+
 // The path of the item that the path led to, without links, where the system does not tell it.
 std::string pathWithoutLinks(std::string_view path, LinkAtEnd linkAtEnd) {
     std::string const absolute = absolutePath(path);
@@ -120,6 +147,32 @@ struct OpenedPath {
     std::string path{};
     bool isPathFollowed{false};
 };
+
+Result<OpenedPath> openWithItsPath(HeldItems& items, std::string const& path, LinkAtEnd linkAtEnd) {
+    if (std::optional<FileDescriptor> item = openAtOwnPath(path, linkAtEnd))
+        return OpenedPath{.item = std::move(*item), .path = path, .isPathFollowed = true};
+    int const flags = linkAtEnd == LinkAtEnd::IsFollowed ? O_PATH : O_PATH | O_NOFOLLOW;
+    Result<FileDescriptor> item = withRoom(items, [&] { return openPath(path, flags); });
+    if (!item.hasValue()) return item.problem();
+    OpenedPath opened{.item = item.takeValue()};
+    Result<std::string> known = systemsPath(opened.item);
+    opened.isPathFollowed = known.hasValue();
+    opened.path = known.hasValue() ? known.takeValue() : pathWithoutLinks(path, linkAtEnd);
+    return opened;
+}
+
+// Different for the path of a link and of what it leads to.
+std::size_t hashOf(std::string const& path, LinkAtEnd linkAtEnd) {
+    std::size_t const hash = std::hash<std::string>()(path);
+    return linkAtEnd == LinkAtEnd::IsFollowed ? hash : ~hash;
+}
+
+// A reference to an item that is held already and whose open descriptor tells its path.
+std::optional<FSRef> referenceToHeld(Table& table, IdentifiedItem const& item) {
+    if (!table.items.holdAgain(item)) return std::nullopt;
+    table.noteHolding(item.identity, HeldItems::Holding::ReferredToBefore);
+    return referenceTo(item.identity);
+}
 
 Result<FSRef> holdItem(Table& table, OpenedPath opened) {
     Result<IdentifiedItem> const found = identify(opened.item);
@@ -170,21 +223,18 @@ Result<FSRef> referenceToPath(std::string_view path, LinkAtEnd linkAtEnd) {
     std::scoped_lock const lock(table().lock);
     HeldItems& items = table().items;
     std::string const bytes(path);
-    Result<IdentifiedItem> const seen = withRoom(items, [&] { return identifyAtPath(bytes, linkAtEnd); });
-    if (!seen.hasValue()) return seen.problem();
-    if (items.holdAgain(seen.value())) {
-        table().noteHolding(seen.value().identity, HeldItems::Holding::ReferredToBefore);
-        return referenceTo(seen.value().identity);
+    std::size_t const hash = hashOf(bytes, linkAtEnd);
+    // A held item is found by its status alone; any other one has to be opened at any rate.
+    if (items.isLikelyHeldAt(hash)) {
+        Result<IdentifiedItem> const seen = withRoom(items, [&] { return identifyAtPath(bytes, linkAtEnd); });
+        if (!seen.hasValue()) return seen.problem();
+        if (std::optional<FSRef> const held = referenceToHeld(table(), seen.value())) return *held;
     }
     items.releaseOneIfRemoved();
-    int const flags = linkAtEnd == LinkAtEnd::IsFollowed ? O_PATH : O_PATH | O_NOFOLLOW;
-    Result<FileDescriptor> item = withRoom(items, [&] { return openPath(bytes, flags); });
-    if (!item.hasValue()) return item.problem();
-    OpenedPath opened{.item = item.takeValue()};
-    Result<std::string> known = systemsPath(opened.item);
-    opened.isPathFollowed = known.hasValue();
-    opened.path = known.hasValue() ? known.takeValue() : pathWithoutLinks(bytes, linkAtEnd);
-    return holdItem(table(), std::move(opened));
+    Result<OpenedPath> opened = openWithItsPath(items, bytes, linkAtEnd);
+    if (!opened.hasValue()) return opened.problem();
+    items.rememberPath(hash);
+    return holdItem(table(), opened.takeValue());
 }
 
 Result<FSRef> referenceInFolder(FSRef const& folder, std::string const& name) {

@@ -4,6 +4,7 @@
 #include "platform/files/Trash.h"
 #include "platform/files/VolumeInformation.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
 #include "platform/system/XDGFolders.h"
@@ -66,6 +67,17 @@ Result<std::string> temporaryFolderIn(std::string const& path, std::string const
     return BytePath(path).joined(name);
 }
 
+// The user may have moved the folder and left a symbolic link in its place.
+Result<std::string> logsFolder(MissingFolder missing) {
+    std::string path = BytePath(stateHome()).joined("framekeeper/Logs");
+    if (missing == MissingFolder::IsMade) {
+        Result<void> const made = makeFolderAtPath(path);
+        if (!made.isDone()) return made.problem();
+    }
+    Result<FileDescriptor> const folder = openPath(path, O_PATH | O_DIRECTORY);
+    return folder.hasValue() ? Result<std::string>(resolvedPath(path)) : folder.problem();
+}
+
 OSErr takePath(Result<std::string> const& path, FSRef& foundRef) {
     if (!path.hasValue()) return statusOf(path.problem(), FileOperation::Changing);
     Result<FSRef> const made = referenceToPath(path.value(), LinkAtEnd::IsNotFollowed);
@@ -97,8 +109,9 @@ OSErr FSFindFolder(FSVolumeRefNum vRefNum, OSType folderType, BOOL createFolder,
             trashFolderForPath(top.value(), createFolder ? MissingTrash::IsMade : MissingTrash::IsMissing);
         return trash.hasValue() ? takePath(trash.value(), *foundRef) : statusOfTrash(trash.problem());
     }
-    if (!(folderType == kTemporaryFolderType)) return fnfErr;
     MissingFolder const missing = createFolder ? MissingFolder::IsMade : MissingFolder::IsMissing;
+    if (folderType == kLogsFolderType && isUsers) return takePath(logsFolder(missing), *foundRef);
+    if (!(folderType == kTemporaryFolderType)) return fnfErr;
     std::string const volumesName = std::string(VolumeTemporaryStart) + std::to_string(::geteuid());
     return takePath(isUsers ? temporaryFolderIn(cacheHome(), UserTemporaryName, missing)
                             : temporaryFolderIn(top.value(), volumesName, missing),

@@ -1,5 +1,7 @@
 #include "platform/foundation/BundleInformation.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSPropertyListSerialization.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
@@ -9,6 +11,7 @@
 #include <chrono>
 #include <list>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 
 namespace mac {
@@ -22,9 +25,15 @@ constexpr std::array<std::string_view, 4> kPlaces{"Contents/Info.plist", "Info.p
 // Information files have a few thousand bytes; the largest have less than a million.
 constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 
-// A scan asks for some hundred bundles again and again. Both bounds hold: files, and bytes of files.
+// What whole dictionaries are remembered for at most: files, and bytes of files.
 constexpr std::size_t kMostRemembered = 4096;
 constexpr std::size_t kMostRememberedBytes = std::size_t{16} << 20;
+
+// A scan asks for the versions of all copies again and again; there may be 100,000. An entry without its dictionary has
+// less than a thousand bytes.
+constexpr std::size_t kMostSummaries = std::size_t{1} << 18;
+// In code units. Longer values are read anew each time.
+constexpr std::size_t kLongestInSummary = 128;
 
 // A file that changed so shortly before it was read may change again without another time of change: clocks of file
 // systems tick every two seconds at worst.
@@ -94,43 +103,100 @@ std::string joinedLines(std::string text) {
     return text;
 }
 
+struct BundleSummaryKeys {
+    NSString identifier = "CFBundleIdentifier";
+    NSString version = "CFBundleVersion";
+    NSString shortVersion = "CFBundleShortVersionString";
+};
+
+// Whether the value is kept beside its dictionary.
+bool fitsSummary(id const& value) {
+    NSString const text = as<NSString>(value);
+    return value == nil || (text != nil && text.length() <= kLongestInSummary) || as<NSNumber>(value) != nil;
+}
+
+// Nothing if a value is too large to be kept, or of a class that tells no version.
+std::optional<BundleSummary> summaryOf(NSDictionary const& information) {
+    static BundleSummaryKeys const keys;
+    BundleSummary const summary{information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
+                                information.objectForKey_(keys.shortVersion)};
+    bool const fits =
+        fitsSummary(summary.identifier) && fitsSummary(summary.version) && fitsSummary(summary.shortVersion);
+    return fits ? std::optional(summary) : std::nullopt;
+}
+
 std::int64_t now() { return std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count(); }
 
+// What was read of the bundles asked for last, and the state of the files it was read from. Whole dictionaries are
+// given up much sooner than summaries.
 class InformationCache {
 public:
     NSDictionary informationOf(std::string_view bundlePath) {
         FileState state = findFile(bundlePath);
         Entry* const known = find(bundlePath);
-        if (!state.isFound()) {
-            if (known) forget(m_entries.begin());
-            return NSDictionary::dictionary();
+        if (!state.isFound()) return forgetMissing(known);
+        if (known && known->isCurrent(state) && known->information != nil) {
+            m_whole.splice(m_whole.begin(), m_whole, known->place);
+            return known->information;
         }
-        if (known && known->isSettled && known->state == state) return known->information;
+        return readAnew(bundlePath, state, Keep::Whole);
+    }
 
-        std::int64_t const start = now();
-        std::string const path = pathOfPlace(bundlePath, state.place);
-        Result<NSDictionary, Failure> const information = readInformation(path, state);
-        bool const isTold = known && known->state == state;
-        if (!information.hasValue() && !isTold)
-            NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
-                  joinedLines(information.problem().reason));
-        if (known) forget(m_entries.begin());
-        NSDictionary const result = information.hasValue() ? information.value() : NSDictionary::dictionary();
-        remember({std::string(bundlePath), state, start - state.status.modified > kNanosecondsToSettle, result});
-        return result;
+    BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
+        Entry* const known = find(bundlePath);
+        if (known && known->isCurrent(state) && known->summary) return *known->summary;
+        NSDictionary const information = readAnew(bundlePath, state, Keep::Summary);
+        static BundleSummaryKeys const keys;
+        return {information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
+                information.objectForKey_(keys.shortVersion)};
     }
 
 private:
+    struct Entry;
+    using Place = std::list<Entry>::iterator;
+
     struct Entry {
         std::string bundlePath;
         FileState state;
-        bool isSettled;
-        NSDictionary information;
+        // False while the file may change again without a new time of change.
+        bool isSettled{false};
+        // Nothing if the values are too large.
+        std::optional<BundleSummary> summary{};
+        // Nil if only the summary is remembered.
+        NSDictionary information{};
+        // In the list of entries with information.
+        std::list<Place>::iterator place{};
 
+        bool isCurrent(FileState const& now) const { return isSettled && state == now; }
         // What cannot be used takes no room.
-        std::size_t size() const { return bundlePath.size() + (information.count() > 0 ? state.status.size : 0); }
+        std::size_t size() const { return information.count() > 0 ? state.status.size : 0; }
     };
-    using Place = std::list<Entry>::iterator;
+
+    enum class Keep { Summary, Whole };
+
+    NSDictionary readAnew(std::string_view bundlePath, FileState state, Keep keep) {
+        Entry* const known = find(bundlePath);
+        bool const isTold = known && known->state == state;
+        std::int64_t const start = now();
+        std::string const path = pathOfPlace(bundlePath, state.place);
+        Result<NSDictionary, Failure> const read = readInformation(path, state);
+        if (!read.hasValue() && !isTold)
+            NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
+                  joinedLines(read.problem().reason));
+        if (known) forget(m_entries.begin());
+        NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
+        remember({.bundlePath = std::string(bundlePath),
+                  .state = state,
+                  .isSettled = start - state.status.modified > kNanosecondsToSettle,
+                  .summary = summaryOf(information)});
+        if (keep == Keep::Whole) rememberWhole(m_entries.begin(), information);
+        return information;
+    }
+
+    NSDictionary forgetMissing(Entry const* known) {
+        if (known) forget(m_entries.begin());
+        return NSDictionary::dictionary();
+    }
 
     // Makes it the one asked for last.
     Entry* find(std::string_view bundlePath) {
@@ -143,30 +209,62 @@ private:
     void remember(Entry entry) {
         m_entries.push_front(std::move(entry));
         m_places.emplace(m_entries.front().bundlePath, m_entries.begin());
-        m_size += m_entries.front().size();
-        while (m_entries.size() > kMostRemembered || m_size > kMostRememberedBytes)
+        while (m_entries.size() > kMostSummaries)
             forget(std::prev(m_entries.end()));
     }
 
+    void rememberWhole(Place entry, NSDictionary const& information) {
+        entry->information = information;
+        m_whole.push_front(entry);
+        entry->place = m_whole.begin();
+        m_size += entry->size();
+        while (m_whole.size() > kMostRemembered || m_size > kMostRememberedBytes)
+            forgetWhole(*m_whole.back());
+    }
+
+    void forgetWhole(Entry& entry) {
+        if (entry.information == nil) return;
+        m_size -= entry.size();
+        m_whole.erase(entry.place);
+        entry.information = nil;
+    }
+
     void forget(Place place) {
-        m_size -= place->size();
+        forgetWhole(*place);
         m_places.erase(place->bundlePath);
         m_entries.erase(place);
     }
 
     // The one asked for last comes first.
     std::list<Entry> m_entries;
+    // Those with information, likewise.
+    std::list<Place> m_whole;
     // The keys are the entries' own texts.
     std::unordered_map<std::string_view, Place> m_places;
     std::size_t m_size{0};
 };
 
-} // namespace
-
-NSDictionary informationOfBundle(std::string_view bundlePath) {
+InformationCache& sharedInformation() {
     // Never destroyed: other objects may ask until the program's last instruction.
     static InformationCache& cache = *std::make_unique<InformationCache>().release();
-    return cache.informationOf(bundlePath);
+    return cache;
+}
+
+} // namespace
+
+NSDictionary informationOfBundle(std::string_view bundlePath) { return sharedInformation().informationOf(bundlePath); }
+
+BundleLook lookAtBundle(NSString const& path) {
+    std::optional<std::string> const bytes = path.fileSystemRepresentation();
+    if (!bytes || bytes->empty()) return {};
+    FileState const state = findFile(*bytes);
+    // A file that was found lies in a folder at the path.
+    if (!state.isFound() || state.error != 0) {
+        Result<FileStatus> const status = fileStatusAtPath(*bytes);
+        bool const isFolder = status.hasValue() && status.value().kind == FileStatus::Kind::Folder;
+        if (!state.isFound() || !isFolder) return {.exists = status.hasValue()};
+    }
+    return {.exists = true, .summary = sharedInformation().summaryOfFileAt(*bytes, state)};
 }
 
 } // namespace mac

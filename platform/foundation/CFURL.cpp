@@ -49,7 +49,8 @@ Component componentOf(URLParts const& parts, CFURLComponentType component) {
     case kCFURLComponentNetLocation:
         return {parts.authority(), places.user};
     case kCFURLComponentPath:
-        return {parts.path.start == parts.path.end ? std::nullopt : std::optional(parts.path), parts.path.start};
+        return {parts.path.start < parts.path.end || parts.host ? std::optional(parts.path) : std::nullopt,
+                parts.path.start};
     case kCFURLComponentResourceSpecifier:
         return {parts.behindPath(), places.parameters};
     case kCFURLComponentUser:
@@ -72,12 +73,12 @@ Component componentOf(URLParts const& parts, CFURLComponentType component) {
     return {std::nullopt, 0};
 }
 
-// From the end of the part before to the start of the part behind.
+// From the end of the part before, or the beginning, to the start of the part behind.
 URLRange withSeparators(URLParts const& parts, URLRange range) {
     std::array const all{parts.scheme,     parts.user,  parts.password,
                          parts.host,       parts.port,  std::optional(parts.path),
                          parts.parameters, parts.query, parts.fragment};
-    URLRange result = range;
+    URLRange result{0, range.end};
     for (std::optional<URLRange> const& part : all) {
         bool const isBefore = part && part->end <= range.start && part->start < range.start;
         if (isBefore) result.start = part->end;

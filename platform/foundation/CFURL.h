@@ -31,9 +31,9 @@ enum CFURLComponentType : CFIndex {
 CFIndex CFURLGetBytes(CFURLRef const& url, std::uint8_t* buffer, CFIndex bufferLength);
 
 // Where in those bytes the component lies; {kCFNotFound, 0} when there is none, or no such component; an empty path is
-// none. The other range,
-// which may be null, is the component with what separates it from the one before and the one behind, or the place where
-// the component would be put.
+// one of length 0 behind an authority and otherwise none. The other range, which may be null, is the component with
+// what separates it from the one before, or from the beginning, and from the one behind; or the place where the
+// component would be put.
 CFRange CFURLGetByteRangeForComponent(CFURLRef const& url, CFURLComponentType component,
                                       CFRange* rangeIncludingSeparators);
 

@@ -3,10 +3,22 @@
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSSet.h"
+#include <algorithm>
+#include <array>
 
 namespace mac {
 
 namespace {
+
+constexpr std::array<std::u16string_view, 9> kOperatorsWithKeyPath{u"@sum",
+                                                                   u"@avg",
+                                                                   u"@min",
+                                                                   u"@max",
+                                                                   u"@unionOfObjects",
+                                                                   u"@distinctUnionOfObjects",
+                                                                   u"@unionOfArrays",
+                                                                   u"@distinctUnionOfArrays",
+                                                                   u"@distinctUnionOfSets"};
 
 // What is missing or null is left out. A getter may change the collection.
 NSArray valuesForKeyPath(std::span<id const> objects, NSString const& keyPath) {
@@ -68,9 +80,11 @@ id valueOfCollectionOperator(std::span<id const> objects, NSString const& keyPat
     NSString const rest =
         dot == std::u16string_view::npos ? NSString() : NSString::stringWithCodeUnits(path.substr(dot + 1));
     if (name == u"@count") {
-        NSNumber const count = NSNumber::numberWithUnsignedInteger_(static_cast<NSUInteger>(objects.size()));
-        return rest == nil ? id(count) : count.valueForKeyPath_(rest);
+        // What stands right of it is ignored.
+        return NSNumber::numberWithUnsignedInteger_(static_cast<NSUInteger>(objects.size()));
     }
+    if (std::ranges::find(kOperatorsWithKeyPath, name) == kOperatorsWithKeyPath.end())
+        throw NSUndefinedKeyException("There is no collection operator in the key path " + keyPath.UTF8String());
     if (rest == nil)
         throw NSInvalidArgumentException("The collection operator " + keyPath.UTF8String() + " needs a key path");
     NSArray const values = valuesForKeyPath(objects, rest);
@@ -82,8 +96,7 @@ id valueOfCollectionOperator(std::span<id const> objects, NSString const& keyPat
     if (name == u"@distinctUnionOfObjects") return distinct(values);
     if (name == u"@unionOfArrays") return flattened(values);
     if (name == u"@distinctUnionOfArrays") return distinct(flattened(values));
-    if (name == u"@distinctUnionOfSets") return NSSet::setWithArray_(flattened(values));
-    throw NSInvalidArgumentException("There is no collection operator in the key path " + keyPath.UTF8String());
+    return NSSet::setWithArray_(flattened(values));
 }
 
 } // namespace mac

@@ -1,13 +1,13 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/Listeners.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/LocalTime.h"
 #include <array>
 #include <cerrno>
-#include <ctime>
+#include <chrono>
 #include <fcntl.h>
 #include <memory>
 #include <string_view>
-#include <sys/time.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -57,12 +57,6 @@ std::string oneLine(std::u16string_view text) {
     return line;
 }
 
-void appendDigits(std::string& text, long value, std::size_t digits) {
-    std::string const number = std::to_string(value);
-    if (number.size() < digits) text.append(digits - number.size(), '0');
-    text += number;
-}
-
 std::string programName() {
     std::array<char, 256> path{};
     ssize_t const size = ::readlink("/proc/self/exe", path.data(), path.size() - 1);
@@ -72,26 +66,9 @@ std::string programName() {
 
 // "2026-11-21 10:00:00.123 framekeeper[4711] ".
 std::string linePrefix() {
-    timeval now{};
-    ::gettimeofday(&now, nullptr);
-    tm local{};
-    ::localtime_r(&now.tv_sec, &local);
-    std::string text;
-    appendDigits(text, local.tm_year + 1900L, 4);
-    text += '-';
-    appendDigits(text, local.tm_mon + 1L, 2);
-    text += '-';
-    appendDigits(text, local.tm_mday, 2);
-    text += ' ';
-    appendDigits(text, local.tm_hour, 2);
-    text += ':';
-    appendDigits(text, local.tm_min, 2);
-    text += ':';
-    appendDigits(text, local.tm_sec, 2);
-    text += '.';
-    appendDigits(text, now.tv_usec / 1000, 3);
-    static std::string const name = programName();
-    return text + " " + name + "[" + std::to_string(::getpid()) + "] ";
+    // Never destroyed: the program may log until its last instruction.
+    static std::string const& name = *std::make_unique<std::string const>(programName()).release();
+    return localTimeStamp(std::chrono::system_clock::now()) + " " + name + "[" + std::to_string(::getpid()) + "] ";
 }
 
 void writeAll(std::string const& text) {

@@ -4,6 +4,9 @@
 
 namespace mac {
 
+// The key of a bundle's build number in its information.
+inline constexpr char kCFBundleVersionKey[] = "CFBundleVersion";
+
 // A folder with an information file: an application, this program itself. The file is read on first need and again when
 // it has changed on the disk. Main thread.
 class NSBundle : public Handle<NSBundle, NSObject> {
@@ -36,6 +39,25 @@ public:
     // The file in the resources folder; nil when it is not there. The type may be nil or empty.
     NSString pathForResource_ofType_(NSString const& name, NSString const& type) const;
 };
+
+// The values of an information file that tell which bundle it is; of any class, nil if they are missing.
+struct BundleSummary {
+    id identifier{};
+    id version{};
+    id shortVersion{};
+};
+
+// What a single look at a path tells.
+struct BundleLook {
+    // Whether there is an item at the path, a bundle or not.
+    bool exists{false};
+    BundleSummary summary{};
+};
+
+// The same answers as NSFileManager's fileExistsAtPath: and those of a bundle with the path for CFBundleIdentifier,
+// CFBundleVersion and CFBundleShortVersionString, from one system call: the status of the information file, if it has
+// been read and has not changed since. Summaries of the last 262,144 bundles are remembered. Main thread.
+BundleLook lookAtBundle(NSString const& path);
 
 // For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it
 // is in no bundle's Contents/Linux.

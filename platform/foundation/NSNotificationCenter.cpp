@@ -3,7 +3,10 @@
 #include "platform/foundation/Method.h"
 #include "platform/foundation/Weak.h"
 #include <algorithm>
+#include <atomic>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace mac {
@@ -44,12 +47,17 @@ NSDictionary NSNotification::userInfo() const { return *this == nil ? NSDictiona
 namespace {
 
 struct Registration {
-    WeakReference observer;
-    SEL selector;
-    NSString name;
-    bool isOfAnyObject;
-    WeakReference object;
-    bool isRemoved{false};
+    Registration(id const& itsObserver, SEL itsSelector, NSString const& itsName, id const& itsObject)
+        : observer(itsObserver), selector(itsSelector), name(itsName), isOfAnyObject(itsObject == nil),
+          object(itsObject) {}
+
+    WeakReference const observer;
+    SEL const selector;
+    NSString const name;
+    bool const isOfAnyObject;
+    WeakReference const object;
+    // Set while other threads may post.
+    std::atomic<bool> isRemoved{false};
 
     bool wants(NSNotification const& notification) const {
         if (isRemoved) return false;
@@ -63,8 +71,32 @@ struct Registration {
 
 class NSNotificationCenter::Body : public ObjectBody {
 public:
+    using Registrations = std::vector<std::shared_ptr<Registration>>;
+
+    void add(std::shared_ptr<Registration> added) {
+        std::lock_guard const guard(m_lock);
+        std::erase_if(m_registrations, [](auto const& registration) { return registration->isDead(); });
+        m_registrations.push_back(std::move(added));
+    }
+
+    void removeIf(std::function<bool(Registration const&)> const& isMeant) {
+        std::lock_guard const guard(m_lock);
+        std::erase_if(m_registrations, [&](std::shared_ptr<Registration> const& registration) {
+            if (!isMeant(*registration)) return false;
+            registration->isRemoved = true;
+            return true;
+        });
+    }
+
+    Registrations registrations() const {
+        std::lock_guard const guard(m_lock);
+        return m_registrations;
+    }
+
+private:
+    mutable std::mutex m_lock;
     // Shared with a posting that is under way, which must see that one of them was removed meanwhile.
-    std::vector<std::shared_ptr<Registration>> m_registrations;
+    Registrations m_registrations;
 };
 
 ClassDescription NSNotificationCenter::describeClass() {
@@ -78,7 +110,9 @@ ClassDescription NSNotificationCenter::describeClass() {
 }
 
 NSNotificationCenter NSNotificationCenter::defaultCenter() {
-    static NSNotificationCenter const center = adopt<NSNotificationCenter>();
+    // Never destroyed: other threads may post until the program's last instruction.
+    static NSNotificationCenter const& center =
+        *std::make_unique<NSNotificationCenter>(adopt<NSNotificationCenter>()).release();
     return center;
 }
 
@@ -86,10 +120,7 @@ void NSNotificationCenter::addObserver_selector_name_object_(id const& observer,
                                                              id const& object) const {
     if (*this == nil || observer == nil) return;
     if (!selector) throw NSInvalidArgumentException("An observer of notifications needs a selector");
-    auto& registrations = bodyOf(*this)->m_registrations;
-    std::erase_if(registrations, [](auto const& registration) { return registration->isDead(); });
-    registrations.push_back(std::make_shared<Registration>(
-        Registration{observer, selector, as<NSString>(name.copy()), object == nil, object}));
+    bodyOf(*this)->add(std::make_shared<Registration>(observer, selector, as<NSString>(name.copy()), object));
 }
 
 void NSNotificationCenter::removeObserver_(id const& observer) const {
@@ -99,19 +130,16 @@ void NSNotificationCenter::removeObserver_(id const& observer) const {
 void NSNotificationCenter::removeObserver_name_object_(id const& observer, NSString const& name,
                                                        id const& object) const {
     if (*this == nil) return;
-    std::erase_if(bodyOf(*this)->m_registrations, [&](std::shared_ptr<Registration> const& registration) {
-        bool const isMeant = registration->observer.refersTo(observer) &&
-                             (name == nil || registration->name.isEqual_(name)) &&
-                             (object == nil || registration->object.refersTo(object));
-        registration->isRemoved = registration->isRemoved || isMeant;
-        return isMeant;
+    bodyOf(*this)->removeIf([&](Registration const& registration) {
+        return registration.observer.refersTo(observer) && (name == nil || registration.name.isEqual_(name)) &&
+               (object == nil || registration.object.refersTo(object));
     });
 }
 
 void NSNotificationCenter::postNotification_(NSNotification const& notification) const {
     if (*this == nil) return;
     if (notification == nil) throw NSInvalidArgumentException("There is no notification to post");
-    std::vector<std::shared_ptr<Registration>> const registrations = bodyOf(*this)->m_registrations;
+    Body::Registrations const registrations = bodyOf(*this)->registrations();
     for (std::shared_ptr<Registration> const& registration : registrations) {
         if (!registration->wants(notification)) continue;
         id const observer = registration->observer.load();

@@ -20,8 +20,8 @@ public:
     NSDictionary userInfo() const;
 };
 
-// Brings notifications to whoever asked for them, at once and on the caller's thread, in the order of asking. Observers
-// and the objects asked for are not kept alive; an observer that has gone is not told. One thread at a time.
+// Brings notifications to whoever asked for them, at once and on the poster's thread, in the order of asking. Observers
+// and the objects asked for are not kept alive; an observer that has gone is not told. Any thread.
 class NSNotificationCenter : public Handle<NSNotificationCenter, NSObject> {
 public:
     class Body;

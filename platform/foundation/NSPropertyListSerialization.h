@@ -18,7 +18,8 @@ enum NSPropertyListMutabilityOptions : NSUInteger {
     NSPropertyListMutableContainersAndLeaves = 2,
 };
 
-// Property lists: trees of dictionaries with string keys, arrays, strings, numbers, truth values, dates and data, read
+// Property lists: trees of dictionaries with string keys, arrays, strings, numbers, truth values, dates, data and
+// keyed archives' identifiers (CFKeyedArchiverUIDRef), read
 // from and written as XML and binary; the old-style text form is read only. What is read and written is bounded in
 // depth, count and size. Of equal keys in one dictionary the last one's value is taken. Any thread.
 class NSPropertyListSerialization : public Handle<NSPropertyListSerialization, NSObject> {

@@ -1,14 +1,19 @@
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/Boundary.h"
 #include "platform/foundation/EventLoop.h"
+#include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/RunLoopMode.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <mutex>
+#include <unistd.h>
 
 namespace mac {
 
@@ -75,6 +80,8 @@ void prepareMainRunLoop() {
     std::call_once(isPrepared, [] { qAddPreRoutine(&wakeCallsOfNewLoop); });
 }
 
+bool isMainThread() { return ::gettid() == ::getpid(); }
+
 void requireEventLoop() {
     if (QCoreApplication::instance()) return;
     // The application keeps references to these as long as it lives.
@@ -97,19 +104,24 @@ ClassDescription NSRunLoop::describeClass() {
 
 NSRunLoop NSRunLoop::currentRunLoop() {
     static NSRunLoop const loop = adopt<NSRunLoop>();
-    requireEventLoop();
+    if (isMainThread()) requireEventLoop();
     return loop;
 }
 
+NSString NSRunLoop::currentMode() const { return *this == nil ? NSString() : currentRunLoopMode(); }
+
 void NSRunLoop::runUntilDate_(NSDate const& date) const {
     if (*this == nil) return;
+    bool isAnyHandled = false;
     do {
-        runMode_beforeDate_(NSDefaultRunLoopMode, date);
-    } while (date.timeIntervalSinceNow() > 0);
+        isAnyHandled = runMode_beforeDate_(NSDefaultRunLoopMode, date);
+    } while (date.timeIntervalSinceNow() > 0 && (isAnyHandled || isMainThread()));
 }
 
-bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
+bool NSRunLoop::runMode_beforeDate_(NSString const& mode, NSDate const& date) const {
     if (*this == nil) return false;
+    RunLoopModeScope const scope(mode);
+    if (!isMainThread()) return postWaitingNotifications();
     requireEventLoop();
     QEventLoop loop;
     if (loop.processEvents()) return true;
@@ -120,6 +132,18 @@ bool NSRunLoop::runMode_beforeDate_(NSString const&, NSDate const& date) const {
     end.start(waitUntil(date));
     loop.processEvents(QEventLoop::WaitForMoreEvents);
     return !isTimeOver;
+}
+
+void performSelector_withObject_afterDelay_(id const& receiver, SEL selector, id const& object, NSTimeInterval delay) {
+    if (!selector) throw NSInvalidArgumentException("A delayed message needs a selector");
+    if (receiver == nil) return;
+    requireEventLoop();
+    // A timer takes no more, which is 24 days.
+    constexpr double most = std::numeric_limits<int>::max();
+    double const milliseconds = std::isnan(delay) ? 0 : std::clamp(std::ceil(delay * 1000), 0.0, most);
+    QTimer::singleShot(static_cast<int>(milliseconds), Qt::PreciseTimer, [receiver, selector, object] {
+        guarded([&] { receiver.performSelector_withObject_(selector, object); });
+    });
 }
 
 void performOnMainRunLoop(std::function<void()> function) { MainThreadCalls::shared().add(std::move(function)); }

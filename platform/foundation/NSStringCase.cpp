@@ -2,6 +2,8 @@
 #include "platform/foundation/StringBody.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
+#include <memory>
+#include <unicode/ucasemap.h>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
@@ -48,20 +50,38 @@ bool isLetter(char32_t character) {
     return u_isalpha(point) != 0 || (U_GET_GC_MASK(point) & U_GC_M_MASK) != 0;
 }
 
-// As the first of a word: one capital, what follows from it in small letters.
-std::u16string capitalized(std::u16string_view character) {
-    auto const point = static_cast<UChar32>(codePointAt(character, 0));
-    if (u_totitle(point) != u_toupper(point)) {
-        std::u16string title;
-        appendCodePoint(title, static_cast<char32_t>(u_totitle(point)));
+// Unicode's full title case of single characters: one may become several.
+class TitleCase {
+public:
+    // The whole text is one word and all of it is looked at, so that no breaks between words are asked for.
+    TitleCase() {
+        UErrorCode status = U_ZERO_ERROR;
+        m_mapping.reset(ucasemap_open(RootLocale, U_TITLECASE_WHOLE_STRING | U_TITLECASE_NO_BREAK_ADJUSTMENT, &status));
+    }
+
+    // Unchanged if the tables are missing.
+    std::u16string of(std::u16string_view character) const {
+        if (character.front() < 0x80) return {uppercaseASCII(character.front())};
+        std::u16string title(character.size() * LongestMapping, u'\0');
+        UErrorCode status = U_ZERO_ERROR;
+        std::int32_t const length =
+            m_mapping ? ucasemap_toTitle(m_mapping.get(), title.data(), static_cast<std::int32_t>(title.size()),
+                                         character.data(), static_cast<std::int32_t>(character.size()), &status)
+                      : 0;
+        if (length == 0 || U_FAILURE(status)) return std::u16string(character);
+        title.resize(static_cast<std::size_t>(length));
         return title;
     }
-    std::u16string const upper = mapped(character, &u_strToUpper);
-    std::size_t const first = unitCount(codePointAt(upper, 0));
-    return upper.substr(0, first) + mapped(upper.substr(first), &u_strToLower);
-}
+
+private:
+    struct Close {
+        void operator()(UCaseMap* mapping) const { ucasemap_close(mapping); }
+    };
+    std::unique_ptr<UCaseMap, Close> m_mapping;
+};
 
 std::u16string withCapitals(std::u16string_view text) {
+    TitleCase const titleCase;
     std::u16string result;
     result.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
@@ -74,7 +94,7 @@ std::u16string withCapitals(std::u16string_view text) {
         std::size_t end = index + first;
         while (end < text.size() && (isLetter(codePointAt(text, end)) || goesOnWithWord(codePointAt(text, end))))
             end += unitCount(codePointAt(text, end));
-        result.append(capitalized(text.substr(index, first)));
+        result.append(titleCase.of(text.substr(index, first)));
         // The whole word, since the last sigma of one is another.
         std::u16string const small = mapped(text.substr(index, end - index), &u_strToLower);
         result.append(small.substr(mapped(text.substr(index, first), &u_strToLower).size()));

@@ -42,8 +42,20 @@ NSComparisonResult compareNumbers(FoldedView first, FoldedView second) {
     return NSOrderedSame;
 }
 
-// By code point; runs of digits by their value where asked.
-NSComparisonResult compareFolded(FoldedView first, FoldedView second, bool isNumeric) {
+// What decides between characters: their code points, or their UTF-16 code units where the comparison is literal.
+enum class OrderedBy { CodePoint, CodeUnit };
+
+// A character beyond the basic plane begins with a surrogate, which is less than U+E000.
+NSComparisonResult compareCharacters(char32_t first, char32_t second, OrderedBy order) {
+    auto const leadingUnit = [](char32_t codePoint) {
+        return codePoint < 0x10000 ? codePoint : 0xD7C0 + (codePoint >> 10);
+    };
+    if (order == OrderedBy::CodePoint || leadingUnit(first) == leadingUnit(second)) return ordered(first, second);
+    return ordered(leadingUnit(first), leadingUnit(second));
+}
+
+// Runs of digits by their value where asked.
+NSComparisonResult compareFolded(FoldedView first, FoldedView second, OrderedBy characters, bool isNumeric) {
     while (!first.empty() && !second.empty()) {
         if (isNumeric && isDigit(first[0]) && isDigit(second[0])) {
             FoldedView const firstNumber = takeNumber(first);
@@ -51,7 +63,8 @@ NSComparisonResult compareFolded(FoldedView first, FoldedView second, bool isNum
             if (order != NSOrderedSame) return order;
             continue;
         }
-        if (first[0].codePoint != second[0].codePoint) return ordered(first[0].codePoint, second[0].codePoint);
+        if (first[0].codePoint != second[0].codePoint)
+            return compareCharacters(first[0].codePoint, second[0].codePoint, characters);
         first = first.subspan(1);
         second = second.subspan(1);
     }
@@ -60,7 +73,8 @@ NSComparisonResult compareFolded(FoldedView first, FoldedView second, bool isNum
 
 NSComparisonResult compareWhole(std::u16string_view first, std::u16string_view second, TextFolding const& folding,
                                 bool isNumeric = false) {
-    return compareFolded(foldedText(first, folding), foldedText(second, folding), isNumeric);
+    return compareFolded(foldedText(first, folding), foldedText(second, folding),
+                         folding.isCanonical ? OrderedBy::CodePoint : OrderedBy::CodeUnit, isNumeric);
 }
 
 // The index at which the texts differ, or the one before where that begins a pair in one of them.
@@ -74,8 +88,7 @@ std::size_t characterStart(std::u16string_view first, std::u16string_view second
 NSComparisonResult compareLiteral(std::u16string_view first, std::u16string_view second) {
     auto const [one, other] = std::ranges::mismatch(first, second);
     if (one == first.end() || other == second.end()) return ordered(first.size(), second.size());
-    std::size_t const index = characterStart(first, second, static_cast<std::size_t>(one - first.begin()));
-    return ordered(codePointAt(first, index), codePointAt(second, index));
+    return ordered(*one, *other);
 }
 
 // The first folded code point of the character at the index, or nothing for a mark, which may move before others.

@@ -49,6 +49,10 @@ NSString absolutePart(NSURL const& url, Part part) {
     return partOf(absolute, absolute.parts().*part);
 }
 
+NSString unescaped(NSString const& part) {
+    return part == nil ? NSString(nil) : makeString(unescapedPath(part.codeUnits()));
+}
+
 NSString unescapedPathOf(NSURL const& url) {
     if (!url.parts().isDecomposable) return nil;
     std::u16string_view path = url.parts().path.of(url.relativeString().codeUnits());
@@ -125,7 +129,7 @@ NSString NSURL::host() const {
     NSString const host = absolutePart(*this, &URLParts::host);
     std::u16string_view const text = host.codeUnits();
     bool const isBracketed = text.size() > 1 && text.starts_with(u'[') && text.ends_with(u']');
-    return isBracketed ? NSString::stringWithCodeUnits(text.substr(1, text.size() - 2)) : host;
+    return unescaped(isBracketed ? NSString::stringWithCodeUnits(text.substr(1, text.size() - 2)) : host);
 }
 
 NSNumber NSURL::port() const {
@@ -136,7 +140,7 @@ NSNumber NSURL::port() const {
     return NSNumber::numberWithInt_(text.intValue());
 }
 
-NSString NSURL::user() const { return absolutePart(*this, &URLParts::user); }
+NSString NSURL::user() const { return unescaped(absolutePart(*this, &URLParts::user)); }
 
 NSString NSURL::password() const { return absolutePart(*this, &URLParts::password); }
 

@@ -7,8 +7,9 @@ namespace mac {
 
 struct URLParts;
 
-// A URL as it was written, relative ones with the URL that they are relative to. Nothing is normalised, decoded or
-// capitalised on the way; a question for a part is answered for the absolute URL, and by nil where it has no such part.
+// A URL as it was written, relative ones with the URL that they are relative to. Nothing is normalised or capitalised
+// on the way, and only the path, the user and the host are unescaped, where a byte that is not UTF-8 is held as it is
+// in the names of files. A question for a part is answered for the absolute URL, and by nil where it has no such part.
 // Immutable; any thread.
 class NSURL : public Handle<NSURL, NSObject> {
 public:
@@ -40,14 +41,15 @@ public:
     NSString scheme() const;
     // Everything behind the scheme.
     NSString resourceSpecifier() const;
-    // Without the brackets of an IPv6 address.
+    // Unescaped, without the brackets of an IPv6 address.
     NSString host() const;
     // Nil also for what is no number.
     NSNumber port() const;
+    // Unescaped.
     NSString user() const;
     NSString password() const;
-    // Unescaped, without a slash at its end; empty where there is none. An escaped byte that is not UTF-8 is held as it
-    // is in the names of files. Nil where what follows the scheme does not begin with a slash.
+    // Unescaped, without a slash at its end; empty where there is none. Nil where what follows the scheme does not
+    // begin with a slash.
     NSString path() const;
     // The path of the text as it was written.
     NSString relativePath() const;

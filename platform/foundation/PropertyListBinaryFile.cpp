@@ -1,10 +1,12 @@
 #include "platform/foundation/PropertyListBinaryFile.h"
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/PropertyListLimits.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace mac {
 
@@ -79,6 +81,9 @@ std::string BinaryFile::readObject(std::size_t reference, BinaryObject& object) 
         object.value = NSDate::dateWithTimeIntervalSinceReferenceDate_(seconds);
         return {};
     }
+    case BinaryMarker::Identifier:
+        if (readIdentifier(start + 1, nibble, object)) return {};
+        return atOffset("A unique identifier is cut off or has more than 32 bits", start);
     case BinaryMarker::Data:
     case BinaryMarker::ASCII:
     case BinaryMarker::UTF16:
@@ -107,6 +112,18 @@ bool BinaryFile::readInteger(std::uint64_t position, std::uint8_t nibble, Binary
     }
     object.value = NSNumber::numberWithLongLong_(static_cast<long long>(low));
     return high == ~std::uint64_t{0} && isNegative;
+}
+
+bool BinaryFile::readIdentifier(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const {
+    std::size_t const width = std::size_t{nibble} + 1;
+    if (!hasBytes(position, 1, width)) return false;
+    std::size_t const low = std::min<std::size_t>(width, 8);
+    std::uint64_t const value = number(position + width - low, low);
+    std::span<std::byte const> const high = m_data.subspan(position, width - low);
+    bool const fits = std::ranges::all_of(high, [](std::byte byte) { return byte == std::byte{0}; });
+    if (!fits || value > std::numeric_limits<std::uint32_t>::max()) return false;
+    object.value = CFKeyedArchiverUIDCreate(kCFAllocatorDefault, static_cast<std::uint32_t>(value));
+    return true;
 }
 
 bool BinaryFile::readReal(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const {

@@ -26,7 +26,7 @@ struct BinaryObject {
     std::optional<BinaryContainer> container{};
     std::optional<std::u16string> string{};
     std::optional<std::span<std::byte const>> data{};
-    // A number or a date.
+    // A number, a date or an identifier.
     id value{};
 
     // Bytes of text or data.
@@ -55,6 +55,7 @@ private:
     std::optional<std::size_t> readSize(std::uint64_t& position, std::uint8_t nibble) const;
     bool hasBytes(std::uint64_t position, std::uint64_t count, std::uint64_t width) const;
     bool readInteger(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const;
+    bool readIdentifier(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const;
     bool readReal(std::uint64_t position, std::uint8_t nibble, BinaryObject& object) const;
     std::string readSized(BinaryMarker marker, std::uint8_t nibble, std::uint64_t start, BinaryObject& object) const;
     std::string readString(bool isASCII, std::uint64_t position, std::size_t size, BinaryObject& object) const;

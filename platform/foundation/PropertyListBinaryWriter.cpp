@@ -1,3 +1,4 @@
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSDate.h"
@@ -74,6 +75,13 @@ std::string numberBytes(NSNumber const& number) {
     return bytes;
 }
 
+std::string identifierBytes(std::uint32_t value) {
+    std::size_t const width = std::size_t{1} << widthExponent(value);
+    std::string bytes{static_cast<char>(static_cast<std::size_t>(BinaryMarker::Identifier) << 4 | (width - 1))};
+    appendBigEndian(bytes, value, width);
+    return bytes;
+}
+
 class BinaryWriter {
 public:
     Result<std::string, Failure> write(id const& propertyList) {
@@ -111,6 +119,8 @@ private:
             return addData(uncheckedCast<NSData>(value));
         case PropertyListKind::Date:
             return addDate(uncheckedCast<NSDate>(value));
+        case PropertyListKind::Identifier:
+            return addLeaf(identifierBytes(CFKeyedArchiverUIDGetValue(uncheckedCast<CFKeyedArchiverUIDRef>(value))));
         default:
             return addLeaf(numberBytes(uncheckedCast<NSNumber>(value)));
         }

@@ -46,12 +46,14 @@ std::string_view PropertyListBuilder::begin(Container begun) {
     return {};
 }
 
-std::string_view PropertyListBuilder::end() {
+std::string_view PropertyListBuilder::end(id (*replace)(NSDictionary const& dictionary)) {
     if (awaitsValue()) return "The last key of a dictionary has no value";
     Open open = std::move(m_open.back());
     m_open.pop_back();
     if (open.container == Container::Array) return addValue(m_objects.array(std::move(open.values)));
-    return addValue(m_objects.dictionary(open.keys, open.values));
+    NSDictionary const dictionary = m_objects.dictionary(open.keys, open.values);
+    id const replacement = replace ? replace(dictionary) : id();
+    return addValue(replacement == nil ? id(dictionary) : replacement);
 }
 
 std::string_view PropertyListBuilder::addKey(std::u16string_view key) {

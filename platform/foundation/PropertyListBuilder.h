@@ -45,11 +45,12 @@ public:
     id const& root() const { return m_root; }
 
     std::string_view begin(Container begun);
-    std::string_view end();
+    // A dictionary that replace answers an object for is that object; null: every dictionary stays one.
+    std::string_view end(id (*replace)(NSDictionary const& dictionary) = nullptr);
     std::string_view addKey(std::u16string_view key);
     std::string_view addString(std::u16string_view string);
     std::string_view addData(std::span<std::byte const> data);
-    // A number or a date.
+    // A number, a date or an identifier.
     std::string_view addValue(id const& value, std::size_t contents = 0);
 
 private:

@@ -11,6 +11,8 @@ namespace {
 
 // An XML declaration is the first thing in a file and short.
 constexpr std::size_t kLongestDeclaration = 256;
+constexpr std::string_view kMarkOfUTF32Little{"\xFF\xFE\0\0", 4};
+constexpr std::string_view kMarkOfUTF32Big{"\0\0\xFE\xFF", 4};
 // The longest name that is looked up among the encodings.
 constexpr std::size_t kLongestEncodingName = 40;
 
@@ -21,6 +23,7 @@ using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
 // Empty where nothing is declared.
 std::string_view declaredEncoding(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
     if (!text.starts_with("<?xml")) return {};
     std::string_view const head = text.substr(0, kLongestDeclaration);
     std::string_view const declaration = head.substr(0, head.find("?>"));
@@ -65,10 +68,14 @@ bool keepsASCII(UConverter* converter) {
     return unit == u'<' && (U_SUCCESS(status) || status == U_STRING_NOT_TERMINATED_WARNING);
 }
 
-Result<std::u16string, Failure> decode(std::string_view bytes, std::string const& encoding) {
+// Where an encoding's name comes from: a byte order mark proves it, a declaration that is read as ASCII does not.
+enum class Named { ByMark, ByText };
+
+Result<std::u16string, Failure> decode(std::string_view bytes, std::string const& encoding,
+                                       Named named = Named::ByText) {
     UErrorCode status = U_ZERO_ERROR;
     Converter const converter(::ucnv_open(encoding.c_str(), &status));
-    if (U_FAILURE(status) || !keepsASCII(converter.get()))
+    if (U_FAILURE(status) || (named == Named::ByText && !keepsASCII(converter.get())))
         return Failure{atLine("The text's encoding \"" + encoding + "\" is not supported", 1)};
     status = U_ZERO_ERROR;
     ::ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
@@ -99,6 +106,9 @@ Result<std::u16string, Failure> decode(std::string_view bytes, std::string const
 Result<std::u16string, Failure> decodePropertyListText(std::span<std::byte const> data) {
     std::string_view const bytes(reinterpret_cast<char const*>(data.data()), data.size());
     if (bytes.starts_with("\xEF\xBB\xBF")) return decode(bytes.substr(3), "UTF-8");
+    // Before UTF-16, whose little-endian mark begins this one.
+    if (bytes.starts_with(kMarkOfUTF32Little)) return decode(bytes.substr(4), "UTF-32LE", Named::ByMark);
+    if (bytes.starts_with(kMarkOfUTF32Big)) return decode(bytes.substr(4), "UTF-32BE", Named::ByMark);
     if (bytes.starts_with("\xFE\xFF")) return decode(bytes.substr(2), "UTF-16BE");
     if (bytes.starts_with("\xFF\xFE")) return decode(bytes.substr(2), "UTF-16LE");
     if (bytes.size() >= 2 && bytes[0] == '\0' && bytes[1] != '\0') return decode(bytes, "UTF-16BE");

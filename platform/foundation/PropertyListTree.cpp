@@ -1,8 +1,10 @@
 #include "platform/foundation/PropertyListTree.h"
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSData.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSNumber.h"
 #include <algorithm>
+#include <limits>
 
 namespace mac {
 
@@ -13,6 +15,7 @@ PropertyListKind propertyListKind(id const& object) {
     if (object.isKindOfClass_(classOf<NSArray>())) return PropertyListKind::Array;
     if (object.isKindOfClass_(classOf<NSData>())) return PropertyListKind::Data;
     if (object.isKindOfClass_(classOf<NSDate>())) return PropertyListKind::Date;
+    if (object.isKindOfClass_(classOf<CFKeyedArchiverUIDRef>())) return PropertyListKind::Identifier;
     return PropertyListKind::None;
 }
 
@@ -29,6 +32,16 @@ std::optional<std::vector<NSString>> sortedKeys(NSDictionary const& dictionary) 
     }
     std::ranges::sort(keys, {}, [](NSString const& key) { return key.codeUnits(); });
     return keys;
+}
+
+id identifierOfDictionary(NSDictionary const& dictionary) {
+    if (dictionary.count() != 1) return nil;
+    NSNumber const value =
+        as<NSNumber>(dictionary.objectForKey_(NSString::stringWithUTF8String_(kPropertyListIdentifierKey)));
+    bool const isInteger =
+        value != nil && (value.kind() == NSNumber::Kind::Signed || value.kind() == NSNumber::Kind::Unsigned);
+    if (!isInteger || value.unsignedLongLongValue() > std::numeric_limits<std::uint32_t>::max()) return nil;
+    return CFKeyedArchiverUIDCreate(kCFAllocatorDefault, static_cast<std::uint32_t>(value.unsignedLongLongValue()));
 }
 
 } // namespace mac

@@ -41,16 +41,20 @@ std::size_t lengthOfTag(std::u16string_view text) {
 
 } // namespace
 
+std::size_t lengthOfLiteralMarkup(std::u16string_view text) {
+    auto const* const stretch =
+        std::ranges::find_if(kStretches, [text](Stretch const& each) { return text.starts_with(each.begin); });
+    if (stretch == std::end(kStretches)) return 0;
+    std::size_t const end = text.find(stretch->end, stretch->begin.size());
+    return end == std::u16string_view::npos ? text.size() : end + stretch->end.size();
+}
+
 std::string complaintAboutMarkup(std::u16string_view text) {
     for (std::size_t position = text.find(u'<'); position < text.size(); position = text.find(u'<', position)) {
         std::u16string_view const rest = text.substr(position);
-        auto const* const stretch =
-            std::ranges::find_if(kStretches, [rest](Stretch const& each) { return rest.starts_with(each.begin); });
-        if (stretch != std::end(kStretches)) {
-            std::size_t const end = rest.find(stretch->end, stretch->begin.size());
-            // A stretch without end reaches the end of the text, and what it holds is no markup.
-            if (end == std::u16string_view::npos) return {};
-            position += end + stretch->end.size();
+        std::size_t const literal = lengthOfLiteralMarkup(rest);
+        if (literal > 0) {
+            position += literal;
             continue;
         }
         std::size_t const length = lengthOfTag(rest);

@@ -1,5 +1,7 @@
 #include "platform/foundation/PropertyListBuilder.h"
+#include "platform/foundation/PropertyListTree.h"
 #include "platform/foundation/PropertyListXML.h"
+#include "platform/foundation/PropertyListXMLControls.h"
 #include "platform/foundation/PropertyListXMLMarkup.h"
 #include "platform/foundation/PropertyListXMLValues.h"
 #include <QString>
@@ -47,10 +49,14 @@ std::string nameOf(Element element) {
     return std::ranges::find(kElements, element, &NamedElement::element)->name.data();
 }
 
-bool isXMLBlank(QStringView text) {
-    return std::ranges::all_of(text, [](QChar character) {
-        return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
-    });
+bool isBlank(QChar character) {
+    return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
+}
+
+bool isXMLBlank(QStringView text) { return std::ranges::all_of(text, isBlank); }
+
+QString stringOfUnits(std::u16string_view units) {
+    return QString(reinterpret_cast<QChar const*>(units.data()), static_cast<qsizetype>(units.size()));
 }
 
 std::u16string_view viewOfUnits(QString const& text) {
@@ -59,12 +65,19 @@ std::u16string_view viewOfUnits(QString const& text) {
 
 class XMLReader {
 public:
-    XMLReader(QString const& text, NSPropertyListMutabilityOptions option) : m_xml(text), m_builder(option) {
+    // Before an XML declaration nothing may stand, so blanks at the beginning are left out and their lines are counted.
+    XMLReader(SubstitutedControls const& controls, NSPropertyListMutabilityOptions option)
+        : m_controls(controls), m_text(stringOfUnits(controls.text())), m_builder(option) {
+        auto const begin = std::ranges::find_if_not(m_text, isBlank);
+        auto const blanks = begin - m_text.cbegin();
+        m_linesBefore = static_cast<std::size_t>(QStringView(m_text).left(blanks).count(u'\n'));
+        m_text.remove(0, blanks);
+        m_xml.addData(m_text);
         m_xml.setNamespaceProcessing(false);
     }
 
     Result<id, Failure> read() {
-        while (m_reason.empty() && !m_xml.atEnd())
+        while (m_reason.empty() && !m_xml.atEnd() && !isBeforeTextBehindRoot())
             readToken(m_xml.readNext());
         if (!m_reason.empty()) return Failure{m_reason};
         if (m_xml.hasError()) return Failure{atLine(complaintOfParser(), line())};
@@ -73,7 +86,14 @@ public:
     }
 
 private:
-    std::size_t line() const { return static_cast<std::size_t>(m_xml.lineNumber()); }
+    std::size_t line() const { return m_linesBefore + static_cast<std::size_t>(m_xml.lineNumber()); }
+    // Text behind the root element is ignored, with all that follows it; a second element is a mistake.
+    bool isBeforeTextBehindRoot() const {
+        if (!m_sawElement || m_depth > 0) return false;
+        QStringView const rest = QStringView(m_text).mid(m_xml.characterOffset());
+        auto const next = std::ranges::find_if_not(rest, isBlank);
+        return next != rest.end() && *next != u'<';
+    }
     // Some are whole sentences, to which the line is added.
     std::string complaintOfParser() const {
         std::string complaint = m_xml.errorString().toStdString();
@@ -87,11 +107,13 @@ private:
     void readToken(QXmlStreamReader::TokenType token) {
         switch (token) {
         case QXmlStreamReader::StartElement:
+            ++m_depth;
             readElement(elementOfName(m_xml.qualifiedName()));
             return;
         case QXmlStreamReader::EndElement:
+            --m_depth;
             // A plist element holds no value of its own; all others are read to their end in readElement.
-            if (elementOfName(m_xml.qualifiedName()) != Element::Plist) fail(m_builder.end());
+            if (elementOfName(m_xml.qualifiedName()) != Element::Plist) fail(m_builder.end(identifierOfDictionary));
             return;
         case QXmlStreamReader::Characters:
             if (!isXMLBlank(m_xml.text())) fail("There is text outside of a value");
@@ -135,15 +157,16 @@ private:
             }
             text += m_xml.text();
         }
+        --m_depth;
         fail(addLeaf(element, text));
     }
 
     std::string_view addLeaf(Element element, QString const& text) {
         switch (element) {
         case Element::Key:
-            return m_builder.addKey(viewOfUnits(text));
+            return m_builder.addKey(m_controls.restored(viewOfUnits(text)));
         case Element::String:
-            return m_builder.addString(viewOfUnits(text));
+            return m_builder.addString(m_controls.restored(viewOfUnits(text)));
         case Element::Integer:
             return addOrSay(integerOfText(text.toStdString()), "There is an <integer> that is no 64-bit integer");
         case Element::Real:
@@ -167,8 +190,13 @@ private:
         return data ? m_builder.addData(*data) : "There is <data> that is not in base 64";
     }
 
+    SubstitutedControls const& m_controls;
+    QString m_text;
     QXmlStreamReader m_xml;
     PropertyListBuilder m_builder;
+    std::size_t m_linesBefore{0};
+    // Elements that are open.
+    std::size_t m_depth{0};
     bool m_sawElement{false};
     std::string m_reason;
 };
@@ -178,8 +206,8 @@ private:
 Result<id, Failure> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
     std::string const complaint = complaintAboutMarkup(text);
     if (!complaint.empty()) return Failure{complaint};
-    return XMLReader(QString(reinterpret_cast<QChar const*>(text.data()), static_cast<qsizetype>(text.size())), option)
-        .read();
+    SubstitutedControls const controls(text);
+    return XMLReader(controls, option).read();
 }
 
 } // namespace mac

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 namespace mac {
@@ -17,6 +18,9 @@ namespace {
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::int64_t kSecondsOfDay = 86400;
+// Years have four digits and a sign.
+constexpr int kLastYear = 9999;
+constexpr unsigned kMonthsOfYear = 12;
 
 struct Sign {
     bool isNegative;
@@ -95,18 +99,22 @@ NSNumber realOfText(std::string_view text) {
 }
 
 NSDate dateOfText(std::string_view text) {
+    bool const isNegative = text.starts_with('-');
+    if (isNegative) text.remove_prefix(1);
     constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
     bool const hasForm = std::ranges::equal(text, kForm, [](char character, char form) {
         return form == '0' ? isASCIIDigit(character) : character == form;
     });
     if (!hasForm) return nil;
-    chrono::year_month_day const day(chrono::year(*digits(text, 0, 4)),
-                                     chrono::month(static_cast<unsigned>(*digits(text, 5, 2))),
+    auto const months = static_cast<unsigned>(*digits(text, 5, 2));
+    unsigned const yearsOfMonths = months == 0 ? 0 : (months - 1) / kMonthsOfYear;
+    int const year = *digits(text, 0, 4) * (isNegative ? -1 : 1) + static_cast<int>(yearsOfMonths);
+    chrono::year_month_day const day(chrono::year(year), chrono::month(months - yearsOfMonths * kMonthsOfYear),
                                      chrono::day(static_cast<unsigned>(*digits(text, 8, 2))));
     std::int64_t const hour = *digits(text, 11, 2);
     std::int64_t const minute = *digits(text, 14, 2);
     std::int64_t const second = *digits(text, 17, 2);
-    if (!day.ok() || hour > 23 || minute > 59 || second > 59) return nil;
+    if (!day.ok() || year > kLastYear || hour > 23 || minute > 59 || second > 59) return nil;
     std::int64_t const days = chrono::sys_days(day).time_since_epoch().count();
     std::int64_t const seconds = days * kSecondsOfDay + hour * 3600 + minute * 60 + second;
     return NSDate::dateWithTimeIntervalSinceReferenceDate_(static_cast<double>(seconds) - NSTimeIntervalSince1970);
@@ -155,18 +163,19 @@ std::string textOfNumber(NSNumber const& number) {
 std::optional<std::string> textOfDate(NSDate const& date) {
     // Rounded before the sum, which may be rounded up.
     double const since1970 = std::floor(date.timeIntervalSinceReferenceDate()) + NSTimeIntervalSince1970;
-    static constexpr double kFirst =
-        static_cast<double>(chrono::sys_days(chrono::year(0) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
-    static constexpr double kBehindLast =
-        static_cast<double>(chrono::sys_days(chrono::year(10000) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
+    static constexpr double kFirst = static_cast<double>(
+        chrono::sys_days(chrono::year(-kLastYear) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
+    static constexpr double kBehindLast = static_cast<double>(
+        chrono::sys_days(chrono::year(kLastYear + 1) / 1 / 1).time_since_epoch().count() * kSecondsOfDay);
     // Written so that NaN is outside.
     if (!(since1970 >= kFirst && since1970 < kBehindLast)) return std::nullopt;
     chrono::sys_seconds const moment{chrono::seconds(static_cast<std::int64_t>(since1970))};
     chrono::sys_days const midnight = chrono::floor<chrono::days>(moment);
     chrono::year_month_day const day(midnight);
     chrono::hh_mm_ss const time(moment - midnight);
-    std::string text;
-    appendPadded(text, static_cast<int>(day.year()), 4);
+    int const year = static_cast<int>(day.year());
+    std::string text = year < 0 ? "-" : "";
+    appendPadded(text, std::abs(year), 4);
     appendPadded(text += '-', static_cast<int>(static_cast<unsigned>(day.month())), 2);
     appendPadded(text += '-', static_cast<int>(static_cast<unsigned>(day.day())), 2);
     appendPadded(text += 'T', static_cast<int>(time.hours().count()), 2);

@@ -1,3 +1,4 @@
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSArray.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/PropertyListLimits.h"
@@ -67,6 +68,8 @@ private:
             return writeData(uncheckedCast<NSData>(value), depth);
         case PropertyListKind::Date:
             return writeDate(uncheckedCast<NSDate>(value), depth);
+        case PropertyListKind::Identifier:
+            return writeIdentifier(uncheckedCast<CFKeyedArchiverUIDRef>(value), depth);
         default:
             writeNumber(uncheckedCast<NSNumber>(value), depth);
             return true;
@@ -143,6 +146,15 @@ private:
         std::optional<std::string> const text = textOfDate(date);
         if (!text) return fail("A date lies outside the years that XML has");
         return writeLine("<date>" + *text + "</date>", depth);
+    }
+
+    bool writeIdentifier(CFKeyedArchiverUIDRef const& identifier, std::size_t depth) {
+        if (depth >= kPropertyListMaximumDepth) return fail(kPropertyListTooDeep);
+        if (!m_budget.add(2, 2 * depth)) return fail(kPropertyListTooLarge);
+        writeLine("<dict>", depth);
+        writeLine("<key>" + std::string(kPropertyListIdentifierKey) + "</key>", depth + 1);
+        writeLine("<integer>" + std::to_string(CFKeyedArchiverUIDGetValue(identifier)) + "</integer>", depth + 1);
+        return writeLine("</dict>", depth);
     }
 
     void writeNumber(NSNumber const& number, std::size_t depth) {

@@ -1,7 +1,9 @@
 #include "platform/foundation/Registration.h"
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/CFUUID.h"
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
+#include "platform/foundation/NSArchiver.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSCharacterSet.h"
 #include "platform/foundation/NSData.h"
@@ -11,7 +13,9 @@
 #include "platform/foundation/NSEnumerator.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSIndexSet.h"
+#include "platform/foundation/NSManagedObject.h"
 #include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSNotificationQueue.h"
 #include "platform/foundation/NSNull.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSNumberFormatter.h"
@@ -31,12 +35,13 @@
 namespace mac {
 
 void registerFoundation() {
-    registerClasses<Class, NSObject, CFUUIDRef, NSArray, NSBundle, NSCharacterSet, NSData, NSDate, NSDictionary,
-                    NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet, NSMutableArray,
-                    NSMutableCharacterSet, NSMutableData, NSMutableDictionary, NSMutableIndexSet, NSMutableSet,
-                    NSMutableString, NSNotification, NSNotificationCenter, NSNull, NSNumber, NSNumberFormatter,
-                    NSPredicate, NSPropertyListSerialization, NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString,
-                    NSTask, NSThread, NSTimer, NSURL, NSValue, NSValueTransformer>();
+    registerClasses<Class, NSObject, CFKeyedArchiverUIDRef, CFUUIDRef, NSArchiver, NSArray, NSBundle, NSCharacterSet,
+                    NSData, NSDate, NSDictionary, NSDirectoryEnumerator, NSEnumerator, NSFileManager, NSIndexSet,
+                    NSManagedObject, NSMutableArray, NSMutableCharacterSet, NSMutableData, NSMutableDictionary,
+                    NSMutableIndexSet, NSMutableSet, NSMutableString, NSNotification, NSNotificationCenter,
+                    NSNotificationQueue, NSNull, NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization,
+                    NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSUnarchiver,
+                    NSURL, NSValue, NSValueTransformer>();
     prepareMainRunLoop();
 }
 

@@ -7,9 +7,9 @@ namespace {
 
 constexpr std::size_t None = std::u16string_view::npos;
 
-bool isLetterOrDigit(char16_t unit) {
-    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9');
-}
+bool isLetter(char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z'); }
+
+bool isLetterOrDigit(char16_t unit) { return isLetter(unit) || (unit >= u'0' && unit <= u'9'); }
 
 bool isSchemeCharacter(char16_t unit) { return isLetterOrDigit(unit) || unit == u'+' || unit == u'-' || unit == u'.'; }
 
@@ -17,9 +17,11 @@ bool isEscape(std::u16string_view text, std::size_t index) {
     return text.size() - index > 2 && hexadecimalValue(text[index + 1]) && hexadecimalValue(text[index + 2]);
 }
 
+// A scheme begins with a letter.
 std::optional<URLRange> schemeOf(std::u16string_view text) {
+    if (text.empty() || !isLetter(text.front())) return std::nullopt;
     std::size_t const end = static_cast<std::size_t>(std::ranges::find_if_not(text, isSchemeCharacter) - text.begin());
-    if (end == 0 || end == text.size() || text[end] != u':') return std::nullopt;
+    if (end == text.size() || text[end] != u':') return std::nullopt;
     return URLRange{0, end};
 }
 

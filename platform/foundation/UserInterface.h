@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -46,6 +48,9 @@ struct ListRequest {
     bool allowsNone{false};
 };
 
+// Red, green and blue, from 0 to 65535.
+using ColorComponents = std::array<std::uint16_t, 3>;
+
 // Implemented by the room that owns the screen. Dialogs hold the caller until they are answered. Main thread.
 class UserInterface {
 public:
@@ -57,14 +62,19 @@ public:
     virtual DialogOutcome runDialog(DialogRequest const& request) = 0;
     // The indexes of what was chosen; nothing when the person cancels.
     virtual std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) = 0;
+    // nullopt if the person cancels. `initial` is chosen at first.
+    virtual std::optional<ColorComponents> chooseColor(ColorComponents const& initial) = 0;
     virtual std::u16string clipboardText() = 0;
     virtual void setClipboardText(std::u16string const& text) = 0;
     // A note that goes by itself and is not answered; lost where the desktop shows none.
     virtual void notify(std::u16string const& title, std::u16string const& text) = 0;
 };
 
-// Null for a program without windows. Main thread.
+// nullptr for a program without a screen. Main thread.
 UserInterface* userInterface();
+// Asked once, when an interface is needed and none is set: connects this program to the display, if there is one, and
+// sets it. For the Registration of the room that owns the screen.
+void setUserInterfaceSource(void (*newSource)());
 // Kept by the caller, who sets null before it goes.
 void setUserInterface(UserInterface* newInterface);
 

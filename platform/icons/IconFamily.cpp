@@ -11,6 +11,16 @@ constexpr OSType TableOfContents{"TOC "};
 // Type and length before the bytes of a family and of each piece.
 constexpr std::size_t HeaderSize = 8;
 
+void appendNumber(std::vector<std::byte>& bytes, std::size_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes.push_back(static_cast<std::byte>(value >> shift & 0xFF));
+}
+
+void appendHeader(std::vector<std::byte>& bytes, OSType type, std::size_t contents) {
+    appendNumber(bytes, type.value());
+    appendNumber(bytes, contents + HeaderSize);
+}
+
 } // namespace
 
 std::optional<std::vector<IconPart>> readIconFamily(std::span<std::byte const> bytes) {
@@ -35,6 +45,18 @@ std::optional<std::vector<IconPart>> readIconFamily(std::span<std::byte const> b
         rest = rest.subspan(size);
     }
     return parts;
+}
+
+std::vector<std::byte> contentsOfIconFamily(std::span<IconPart const> parts) {
+    std::vector<std::byte> pieces;
+    for (IconPart const& part : parts) {
+        appendHeader(pieces, part.type, part.bytes.size());
+        pieces.insert(pieces.end(), part.bytes.begin(), part.bytes.end());
+    }
+    std::vector<std::byte> contents;
+    appendHeader(contents, FamilyType, pieces.size());
+    contents.insert(contents.end(), pieces.begin(), pieces.end());
+    return contents;
 }
 
 } // namespace mac

@@ -1,19 +1,27 @@
 #include "platform/icons/IconRefs.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/icons/IconFamilies.h"
 #include "platform/icons/IconFamily.h"
+#include "platform/icons/IconSource.h"
 #include "platform/icons/ResourceFork.h"
+#include "platform/launchservices/DiskItem.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace mac {
 
 struct OpaqueIconRef {
     std::atomic<std::uint16_t> owners{1};
-    // Contents as of a file of type 'icns'; empty for the icon of a type.
-    std::vector<std::byte> family{};
+    // Its family is empty for the icon of a type.
+    IconSource source{};
+    std::mutex lock{};
+    // Empty until they are asked for.
+    std::vector<SharedPicture> pictures{};
 };
 
 namespace {
@@ -45,7 +53,34 @@ std::vector<std::byte> customIconOf(OpenItem const& item, bool isFolder) {
     return {icon->begin(), icon->end()};
 }
 
+// The source of an item without custom icon.
+IconSource sourceByItem(OpenItem const& item) {
+    // The place of the item that the descriptor leads to.
+    Result<DiskItem> const found = diskItemAtPath(resolvedPath(item.systemPath()));
+    return found.hasValue() ? iconSourceOf(found.value()) : IconSource();
+}
+
 } // namespace
+
+OSErr GetIconRef(std::int16_t /*volume*/, OSType creator, OSType type, IconRef* iconRef) {
+    if (!iconRef) return paramErr;
+    std::optional<IconSource> source = iconSourceOfCodes(creator, type);
+    if (!source) return noSuchIconErr;
+    auto icon = std::make_unique<OpaqueIconRef>();
+    icon->source = std::move(*source);
+    *iconRef = icon.release();
+    return noErr;
+}
+
+OSErr GetIconRefFromIconFamilyPtr(void const* iconFamily, std::size_t size, IconRef* iconRef) {
+    if (!iconFamily || !iconRef) return paramErr;
+    std::span<std::byte const> const bytes(static_cast<std::byte const*>(iconFamily), size);
+    if (!readIconFamily(bytes)) return invalidIconFamilyErr;
+    auto icon = std::make_unique<OpaqueIconRef>();
+    icon->source.family.assign(bytes.begin(), bytes.end());
+    *iconRef = icon.release();
+    return noErr;
+}
 
 OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t /*fileNameLength*/, unichar const* /*fileName*/,
                              FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo,
@@ -63,7 +98,8 @@ IconRef iconOfItem(OpenItem const& item, FSCatalogInfo const& catalogInfo) {
     auto icon = std::make_unique<OpaqueIconRef>();
     bool const isFolder = (catalogInfo.nodeFlags & kFSNodeIsDirectoryMask) != 0;
     bool const hasCustomIcon = (finderInformationOf(catalogInfo).finderFlags() & kHasCustomIcon) != 0;
-    if (hasCustomIcon) icon->family = customIconOf(item, isFolder);
+    if (hasCustomIcon) icon->source.family = customIconOf(item, isFolder);
+    if (icon->source.family.empty()) icon->source = sourceByItem(item);
     return icon.release();
 }
 
@@ -87,7 +123,19 @@ OSErr GetIconRefOwners(IconRef iconRef, std::uint16_t* owners) {
 }
 
 std::optional<std::vector<IconPart>> partsOfIcon(IconRef iconRef) {
-    return iconRef && !iconRef->family.empty() ? readIconFamily(iconRef->family) : std::nullopt;
+    return iconRef && !iconRef->source.family.empty() ? readIconFamily(iconRef->source.family) : std::nullopt;
+}
+
+std::vector<SharedPicture> picturesOfIcon(IconRef iconRef) {
+    if (!iconRef) return {};
+    std::scoped_lock const lock(iconRef->lock);
+    if (iconRef->pictures.empty()) iconRef->pictures = picturesOfSource(iconRef->source);
+    return iconRef->pictures;
+}
+
+std::vector<std::byte> customIconAtPath(std::string const& path, bool isFolder) {
+    Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
+    return item.hasValue() ? customIconOf(item.value(), isFolder) : std::vector<std::byte>();
 }
 
 } // namespace mac

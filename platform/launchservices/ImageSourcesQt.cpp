@@ -7,6 +7,8 @@ namespace mac {
 
 namespace {
 
+constexpr char JPEG2000Type[] = "public.jpeg-2000";
+
 NSArray readableTypes() {
     std::shared_ptr<TypeTree const> const types = knownTypes();
     NSMutableArray const identifiers = NSMutableArray::array();
@@ -15,6 +17,8 @@ NSArray readableTypes() {
             NSString::stringWithUTF8String_(identifierOfMIMEType(*types, mimeType.toStdString()));
         if (!identifiers.containsObject_(identifier)) identifiers.addObject_(identifier);
     }
+    // Read without the toolkit.
+    if (!identifiers.containsObject_(JPEG2000Type)) identifiers.addObject_(JPEG2000Type);
     return NSArray::arrayWithArray_(identifiers);
 }
 

@@ -5,7 +5,8 @@
 
 namespace mac {
 
-// A row of the system's own types; words are parted by blanks.
+// A row of the system's own types, as types.tsv has it; words are parted by blanks. A tag of several types belongs to
+// the first of them.
 struct SystemType {
     std::string_view identifier;
     std::string_view conformsTo;

@@ -80,7 +80,8 @@ DeclaredType typeOfDeclaration(NSDictionary const& declaration) {
             .conformsTo = stringsOf(declaration.objectForKey_(kUTTypeConformsToKey)),
             .extensions = stringsOf(tags.objectForKey_(kUTTagClassFilenameExtension)),
             .mimeTypes = stringsOf(tags.objectForKey_(kUTTagClassMIMEType)),
-            .typeCodes = stringsOf(tags.objectForKey_(kUTTagClassOSType))};
+            .typeCodes = stringsOf(tags.objectForKey_(kUTTagClassOSType)),
+            .isOfBundle = true};
 }
 
 struct SharedTypes {
@@ -170,6 +171,7 @@ std::vector<DeclaredType const*> TypeTree::typesWithTag(TagClass tagClass, std::
     if (found == places.end()) return types;
     for (std::size_t const place : found->second)
         types.push_back(&m_types[place]);
+    std::ranges::stable_partition(types, &DeclaredType::isOfBundle);
     return types;
 }
 
@@ -186,20 +188,22 @@ void registerTypesIn(NSDictionary const& information) {
     sharedTypes().types = std::make_shared<TypeTree>(std::move(changed));
 }
 
+std::vector<std::string> identifierAndAncestors(TypeTree const& types, std::string_view identifier) {
+    std::vector<std::string> ancestors{std::string(identifier)};
+    // Declarations may lead in a circle.
+    std::set<std::string> seen{asciiLowercase(identifier)};
+    for (std::size_t index = 0; index < ancestors.size(); ++index) {
+        for (std::string& parent : parentsOf(types, ancestors[index])) {
+            if (seen.insert(asciiLowercase(parent)).second) ancestors.push_back(std::move(parent));
+        }
+    }
+    return ancestors;
+}
+
 bool conforms(TypeTree const& types, std::string_view identifier, std::string_view to) {
     std::string const wanted = asciiLowercase(to);
-    // Declarations may lead in a circle.
-    std::set<std::string> seen;
-    std::vector<std::string> open{asciiLowercase(identifier)};
-    while (!open.empty()) {
-        std::string const next = std::move(open.back());
-        open.pop_back();
-        if (next == wanted) return true;
-        if (!seen.insert(next).second) continue;
-        for (std::string const& parent : parentsOf(types, next))
-            open.push_back(asciiLowercase(parent));
-    }
-    return false;
+    return std::ranges::any_of(identifierAndAncestors(types, identifier),
+                               [&wanted](std::string const& ancestor) { return asciiLowercase(ancestor) == wanted; });
 }
 
 std::string identifierOfMIMEType(TypeTree const& types, std::string_view mimeType) {

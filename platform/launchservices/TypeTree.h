@@ -19,6 +19,8 @@ struct DeclaredType {
     std::vector<std::string> extensions{};
     std::vector<std::string> mimeTypes{};
     std::vector<std::string> typeCodes{};
+    // Declared by the information file of a bundle, not by the system.
+    bool isOfBundle{false};
 };
 
 enum class TagClass { Extension, MIMEType, TypeCode };
@@ -37,7 +39,7 @@ public:
     bool knowsDeclarationsIn(NSDictionary const& information) const;
 
     DeclaredType const* typeOf(std::string_view identifier) const;
-    // By the order in which the types were added.
+    // Those of bundles come before the system's own, each in the order in which they were added.
     std::vector<DeclaredType const*> typesWithTag(TagClass tagClass, std::string_view tag) const;
 
 private:
@@ -68,6 +70,9 @@ std::optional<DynamicType> readDynamicIdentifier(std::string_view identifier);
 
 // Whether the one is the other or a special case of it.
 bool conforms(TypeTree const& types, std::string_view identifier, std::string_view to);
+// What the identifier conforms to, itself first, then the nearest; each once, in the case of letters of its
+// declaration.
+std::vector<std::string> identifierAndAncestors(TypeTree const& types, std::string_view identifier);
 // Of a MIME type: a declared type's identifier, else a dynamic one.
 std::string identifierOfMIMEType(TypeTree const& types, std::string_view mimeType);
 

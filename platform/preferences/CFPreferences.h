@@ -15,8 +15,10 @@ inline constexpr char kCFPreferencesAnyUser[] = "kCFPreferencesAnyUser";
 // A host: any, or this computer alone, whose file is ByHost/DOMAIN.HOST.plist.
 inline constexpr char kCFPreferencesAnyHost[] = "kCFPreferencesAnyHost";
 inline constexpr char kCFPreferencesCurrentHost[] = "kCFPreferencesCurrentHost";
-// The domain named by this program's bundle identifier; there is none if the program has no such identifier.
+// The domain named by this program's bundle identifier, or by its file if it has no such identifier.
 inline constexpr char kCFPreferencesCurrentApplication[] = "kCFPreferencesCurrentApplication";
+// The global domain, which is meant for all programs: .GlobalPreferences.
+inline constexpr char kCFPreferencesAnyApplication[] = "kCFPreferencesAnyApplication";
 
 // A domain is an application's identifier ("com.apple.finder"). With one that is empty or cannot be a file's name, and
 // with users and hosts other than those above, there are no values and synchronising fails.

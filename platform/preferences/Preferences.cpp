@@ -1,6 +1,7 @@
 #include "platform/preferences/Preferences.h"
 #include "platform/preferences/PreferenceFile.h"
 #include <algorithm>
+#include <cerrno>
 
 namespace mac {
 
@@ -43,14 +44,15 @@ Preferences::Known& Preferences::readDomain(PreferenceDomain const& domain) {
     Known& known = m_known[domain.file];
     if (known.values != nil) return known;
     Result<NSDictionary> const file = PreferenceFile(domain.file).read();
-    known.isComplete = file.hasValue();
+    known.problem = file.hasValue() ? std::nullopt : std::optional(file.problem());
     NSMutableDictionary const values =
         NSMutableDictionary::dictionaryWithDictionary_(file.hasValue() ? file.value() : NSDictionary::dictionary());
     for (NativeStore const& store : m_stores) {
         NSArray const kept = keptElements(values, keyOf(store));
         if (store.domain != domain.nativeName || kept == nil) continue;
         NativeItems const native = store.read(kept);
-        known.isComplete = known.isComplete && native.isComplete;
+        if (!native.isComplete && !known.problem)
+            known.problem = SystemError{.code = EIO, .operation = "read", .item = std::string(store.key)};
         putValue(values, keyOf(store), valueOf(native.items));
     }
     known.values = values;
@@ -89,17 +91,32 @@ NSDictionary Preferences::changedValues(PreferenceDomain const& domain, Known co
     return changed;
 }
 
-bool Preferences::synchronize(PreferenceDomain const& domain) {
+NSDictionary Preferences::values(PreferenceDomain const& domain) {
+    Known const& known = readDomain(domain);
+    NSMutableDictionary const values = NSMutableDictionary::dictionaryWithDictionary_(known.values);
+    for (Change const& change : known.changes)
+        putValue(values, change.key, change.value);
+    return values;
+}
+
+bool Preferences::hasChanges(PreferenceDomain const& domain) const {
+    auto const known = m_known.find(domain.file);
+    return known != m_known.end() && !known->second.changes.empty();
+}
+
+Result<void> Preferences::synchronize(PreferenceDomain const& domain, RefusedChanges refused) {
     Known& known = m_known[domain.file];
     if (known.changes.empty()) {
         known.values = nil;
-        return readDomain(domain).isComplete;
+        std::optional<SystemError> const problem = readDomain(domain).problem;
+        return problem ? Result<void>(*problem) : Result<void>();
     }
     Result<void> const written = PreferenceFile(domain.file).change([&](NSDictionary const& values) {
         return changedValues(domain, known, values);
     });
-    known = {};
-    return written.isDone();
+    if (written.isDone() || refused == RefusedChanges::AreForgotten) known.changes.clear();
+    known.values = nil;
+    return written;
 }
 
 } // namespace mac

@@ -2,7 +2,9 @@
 
 #include "platform/foundation/NSDictionary.h"
 #include "platform/preferences/NativeStores.h"
+#include "platform/system/Result.h"
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +18,10 @@ struct PreferenceDomain {
     std::string nativeName{};
 };
 
+// What becomes of changes that could not be written: the values are those on the disk again, or stay as they were set
+// until they are written.
+enum class RefusedChanges { AreForgotten, AreKept };
+
 // What this process knows of domains: the values read, and those set and not written yet. Main thread.
 class Preferences {
 public:
@@ -25,7 +31,14 @@ public:
     // As CFPreferencesCopyValue, CFPreferencesSetValue and CFPreferencesSynchronize (CFPreferences.h).
     id value(PreferenceDomain const& domain, NSString const& key);
     void setValue(PreferenceDomain const& domain, NSString const& key, id const& value);
-    bool synchronize(PreferenceDomain const& domain);
+    // Fails also, with nothing to write, if not all of the domain could be read.
+    Result<void> synchronize(PreferenceDomain const& domain, RefusedChanges refused = RefusedChanges::AreForgotten);
+
+    // All values of the domain, with those that were set and not written yet. A copy.
+    NSDictionary values(PreferenceDomain const& domain);
+    bool hasChanges(PreferenceDomain const& domain) const;
+    // What prevented the domain from being read whole; nullopt if nothing did.
+    std::optional<SystemError> readingProblem(PreferenceDomain const& domain) { return readDomain(domain).problem; }
 
 private:
     struct Change {
@@ -36,8 +49,8 @@ private:
     struct Known {
         // nil until the domain is read.
         NSDictionary values{};
-        // Whether the file and all native items could be read.
-        bool isComplete{true};
+        // Why not all of the file and the native items could be read.
+        std::optional<SystemError> problem{};
         // Not written yet; one for a key.
         std::vector<Change> changes{};
     };

@@ -18,6 +18,9 @@ namespace {
 // The first finds are shown at once, but what comes within this time goes with them.
 constexpr NSTimeInterval FirstBatchDelay = 0.05;
 
+// What reading so many folders takes is not felt; the others wait for the next delivery.
+constexpr std::size_t MostFoldersAtOnce = 1000;
+
 std::string folderOf(std::string const& path) { return std::string(BytePath(path).parent()); }
 
 NSString itemPath(NSMetadataItem const& item) { return as<NSString>(item.valueForAttribute_(kMDItemPath)); }
@@ -122,6 +125,7 @@ void NSMetadataQuery::Body::deliver() {
         post(NSMetadataQueryDidUpdateNotification);
     // An observer may have stopped or restarted the query.
     if (walk != m_walk) return;
+    if (m_phase == Phase::Live && !m_changedFolders.empty()) scheduleDelivery();
     // The interval begins when the observers are done, however long they or the machine took.
     m_lastDelivery = m_clock.now();
     if (!m_timer.isValid()) return;
@@ -178,24 +182,38 @@ void NSMetadataQuery::Body::tellUnreadable(VolumeWalkProgress const& progress) {
           NSString::stringWithFileSystemRepresentation_(first.item), std::strerror(first.code));
 }
 
+std::set<std::string> NSMetadataQuery::Body::takeChangedFolders() {
+    if (m_changedFolders.size() <= MostFoldersAtOnce) return std::exchange(m_changedFolders, {});
+    std::set<std::string> taken;
+    while (taken.size() < MostFoldersAtOnce)
+        taken.insert(m_changedFolders.extract(m_changedFolders.begin()));
+    return taken;
+}
+
 bool NSMetadataQuery::Body::applyFolderChanges() {
-    std::set<std::string> const changed = std::exchange(m_changedFolders, {});
+    std::set<std::string> const changed = takeChangedFolders();
     std::set<std::string> folders = changed;
     folders.erase(std::string());
     NSMutableArray const results = NSMutableArray::array();
+    NSMutableSet const before = NSMutableSet::set();
+    NSMutableSet const now = NSMutableSet::set();
     for (id const& result : m_results) {
         std::string const folder =
             folderOf(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/"));
-        if (isChanged(folder, changed))
-            folders.insert(folder);
-        else
+        if (!isChanged(folder, changed)) {
             results.addObject_(result);
+            continue;
+        }
+        folders.insert(folder);
+        before.addObject_(result);
     }
     for (std::string const& folder : folders) {
-        for (NSMetadataItem const& item : matchesInFolder(folder))
+        for (NSMetadataItem const& item : matchesInFolder(folder)) {
             results.addObject_(item);
+            now.addObject_(item);
+        }
     }
-    bool const isSameSet = NSSet::setWithArray_(results).isEqualToSet_(NSSet::setWithArray_(m_results));
+    bool const isSameSet = before.isEqualToSet_(now);
     if (!isSameSet) m_results = uncheckedCast<NSArray>(results.copy());
     return !isSameSet;
 }

@@ -56,6 +56,7 @@ private:
     bool takeFinds();
     void finishGathering(VolumeWalkProgress const& progress);
     void tellUnreadable(VolumeWalkProgress const& progress);
+    std::set<std::string> takeChangedFolders();
     bool applyFolderChanges();
     bool isChanged(std::string folder, std::set<std::string> const& changed) const;
     // The packages of a folder that match now, by path.

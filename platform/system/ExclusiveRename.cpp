@@ -1,7 +1,9 @@
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/ItemStatus.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -29,6 +31,30 @@ bool cannotLink(SystemError const& error) {
     return isUnknownToFileSystem(error) || error.is(EPERM) || error.is(EMLINK) || error.is(EOPNOTSUPP);
 }
 
+// Gives the open item another name. Where the system shows no open files under /proc, the item is not found.
+Result<void> giveName(FileDescriptor const& item, FileDescriptor const& folder, std::string const& name) {
+    if (::linkat(AT_FDCWD, descriptorPath(item).c_str(), folder.number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0)
+        return lastSystemError("link", name);
+    return {};
+}
+
+// Whether the file system can give the open item a second name that shows it to be the same item. Found out under a
+// name that no other process knows.
+Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const& folder) {
+    Result<std::string> const name = temporaryName();
+    if (!name.hasValue()) return name.problem();
+    if (Result<void> const named = giveName(item, folder, name.value()); !named.isDone()) return named;
+    Result<void> const isSame = confirmItemInFolder(folder, name.value(), item);
+    ::unlinkat(folder.number(), name.value().c_str(), 0);
+    if (isSame.isDone() || !isSame.problem().is(ESTALE)) return isSame;
+    return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
+}
+
+bool hasOneNameAtMost(FileDescriptor const& item) {
+    Result<ItemStatus> const status = statusOf(item);
+    return !status.hasValue() || status.value().links < 2;
+}
+
 Result<void> renameExclusively(FileDescriptor const& fromFolder, std::string const& from,
                                FileDescriptor const& toFolder, std::string const& to) {
     if (::renameat2(fromFolder.number(), from.c_str(), toFolder.number(), to.c_str(), RENAME_NOREPLACE) != 0)
@@ -43,6 +69,12 @@ Result<void> renameWithoutReplacing(FileDescriptor const& fromFolder, std::strin
     Result<void> renamed = renameExclusively(fromFolder, from, toFolder, to);
     if (renamed.isDone() || !isUnknownToFileSystem(renamed.problem())) return renamed;
     return StepwiseRename().rename(fromFolder, from, toFolder, to);
+}
+
+Result<void> moveAside(FileDescriptor const& folder, std::string const& name, std::string const& aside) {
+    if (::renameat(folder.number(), name.c_str(), folder.number(), aside.c_str()) != 0)
+        return lastSystemError("rename", name);
+    return {};
 }
 
 Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, std::string const& to) {
@@ -64,12 +96,68 @@ Result<void> StepwiseRename::rename(FileDescriptor const& fromFolder, std::strin
     if (::fstatat(fromFolder.number(), from.c_str(), &item, AT_SYMLINK_NOFOLLOW) != 0)
         return lastSystemError("stat", from);
     if (S_ISDIR(item.st_mode)) return renameToFreeName(first, second);
-    Result<void> renamed = renameByLink(first, second);
+    Result<void> renamed = renameBySecondName(first, second);
+    if (renamed.isDone() || !cannotLink(renamed.problem())) return renamed;
+    renamed = renameByLink(first, second);
     return !renamed.isDone() && cannotLink(renamed.problem()) ? renameToFreeName(first, second) : renamed;
 }
 
 void StepwiseRename::tellFirstStep() const {
     if (m_afterFirstStep) m_afterFirstStep();
+}
+
+Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& to) const {
+    FileDescriptor const item(::openat(from.folder.number(), from.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!item.isOpen()) return lastSystemError("open", from.name);
+    // Spares the trial where the name is taken; the system refuses it below at any rate.
+    if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
+    if (Result<void> const can = confirmSecondNames(item, to.folder); !can.isDone()) return can;
+    if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return named;
+    tellFirstStep();
+    return removeFirstName(from, to, item);
+}
+
+// The open item has both names. Done if it has the second one only; otherwise it keeps the first one only.
+Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to, FileDescriptor const& item) {
+    Result<void> removed = removeName(from, item, &to);
+    // Another item has the first name by now, which is none of ours.
+    if (removed.isDone() || removed.problem().is(ESTALE)) return {};
+    if (removed.problem().is(EEXIST)) return removed;
+    // Another process has removed the first name: the item itself must not go.
+    if (removed.problem().is(ENOENT) && hasOneNameAtMost(item)) return {};
+    static_cast<void>(removeName(to, item, nullptr));
+    return removed;
+}
+
+// Removes a name of the open item: ESTALE if it leads to another one, EEXIST if the remaining name does.
+Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const& item, Place const* remaining) {
+    if (Result<void> const isThere = confirmItemInFolder(place.folder, place.name, item); !isThere.isDone())
+        return isThere;
+    Result<ItemStatus> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    Result<std::string> const aside = asideName(markOf(status.value()));
+    if (!aside.hasValue()) return aside.problem();
+    Place const there{place.folder, aside.value()};
+    if (Result<void> const away = moveAside(place.folder, place.name, aside.value()); !away.isDone()) return away;
+    Result<void> mayGo = confirmItemInFolder(there.folder, there.name, item);
+    if (mayGo.isDone() && remaining != nullptr &&
+        !confirmItemInFolder(remaining->folder, remaining->name, item).isDone())
+        mayGo = nameIsTaken(remaining->name);
+    if (mayGo.isDone() && ::unlinkat(there.folder.number(), there.name.c_str(), 0) != 0)
+        mayGo = lastSystemError("unlink", place.name);
+    if (mayGo.isDone()) return mayGo;
+    Result<void> const isBack = giveBackName(there, place);
+    return isBack.isDone() ? mayGo : isBack;
+}
+
+// Gives an item that was moved aside its name again. If that is taken, the item stays aside and the error tells where.
+Result<void> StepwiseRename::giveBackName(Place const& aside, Place const& place) {
+    if (::linkat(aside.folder.number(), aside.name.c_str(), place.folder.number(), place.name.c_str(), 0) == 0) {
+        ::unlinkat(aside.folder.number(), aside.name.c_str(), 0);
+        return {};
+    }
+    if (!cannotLink(lastSystemError("link", aside.name))) return nameIsTaken(aside.name);
+    return StepwiseRename().renameToFreeName(aside, place);
 }
 
 Result<void> StepwiseRename::renameByLink(Place const& from, Place const& to) const {

@@ -20,16 +20,26 @@ Result<void> renameWithoutReplacing(FileDescriptor const& fromFolder, std::strin
 // first, which stays if it cannot be removed.
 Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, std::string const& to);
 
-// What renameWithoutReplacing does on file systems that cannot rename exclusively. Nothing empty ever has the new name:
-// for a file it is taken by a symbolic link to the file, which the file then replaces unless another process has done
-// so meanwhile; if the process is killed in between, the link stays. A folder replaces no more than an empty folder
-// that another process makes at that very moment. Where there are no symbolic links, the new name is looked at and
-// taken: a file system that has neither can exclude no process that takes it in between. The item moved is whatever has
-// the first name by then.
+// Renames an item within its folder to a name of TemporaryName.h. No other process knows it, so there is no item that
+// could be replaced.
+Result<void> moveAside(FileDescriptor const& folder, std::string const& name, std::string const& aside);
+
+// What renameWithoutReplacing does on file systems that cannot rename exclusively.
+//
+// A file gets the new name as a second one, which the system itself refuses if it is taken, and then loses the first:
+// what has the first name is moved aside under a name that no process knows, and removed only if it is the file and the
+// new name leads to it still. So no item of another process is replaced or removed, and if the process is killed in
+// between, the file has both names. A descriptor that was opened by the first name no longer tells the item's path.
+//
+// Where a file cannot have two names, or shows another inode number under each, the new name is taken by a symbolic
+// link to the file, which the file then replaces unless another process has done so meanwhile; if the process is killed
+// in between, the link stays. A folder replaces no more than an empty folder that another process makes at that very
+// moment. Where there are no symbolic links either, the new name is looked at and taken: a file system that has neither
+// can exclude no process that takes it in between; the item moved is whatever has the first name by then.
 class StepwiseRename {
 public:
     StepwiseRename() = default;
-    // Calls `afterFirstStep` once the link exists, or the new name is known to be free.
+    // Calls `afterFirstStep` once the second name or the link exists, or the new name is known to be free.
     explicit StepwiseRename(std::function<void()> afterFirstStep) : m_afterFirstStep(std::move(afterFirstStep)) {}
 
     Result<void> rename(FileDescriptor const& fromFolder, std::string const& from, FileDescriptor const& toFolder,
@@ -41,6 +51,10 @@ private:
         std::string const& name;
     };
 
+    Result<void> renameBySecondName(Place const& from, Place const& to) const;
+    static Result<void> removeFirstName(Place const& from, Place const& to, FileDescriptor const& item);
+    static Result<void> removeName(Place const& place, FileDescriptor const& item, Place const* remaining);
+    static Result<void> giveBackName(Place const& aside, Place const& place);
     Result<void> renameByLink(Place const& from, Place const& to) const;
     static Result<std::string> textOfLink(Place const& from, Place const& to);
     Result<void> renameToFreeName(Place const& from, Place const& to) const;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <csignal>
 #include <fcntl.h>
+#include <memory>
 #include <mutex>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -117,7 +118,8 @@ Result<std::string> randomDigits() {
 
 TemporaryOwner TemporaryOwner::current() {
     static std::mutex lock;
-    static TemporaryOwner known;
+    // Never destroyed: files are also written at the program's exit.
+    static TemporaryOwner& known = *std::make_unique<TemporaryOwner>().release();
     std::scoped_lock const guard(lock);
     // A process that was forked is another one.
     if (known.pid == ::getpid()) return known;

@@ -59,6 +59,8 @@ std::string configHome() { return baseFolder("XDG_CONFIG_HOME", ".config"); }
 
 std::string cacheHome() { return baseFolder("XDG_CACHE_HOME", ".cache"); }
 
+std::string stateHome() { return baseFolder("XDG_STATE_HOME", ".local/state"); }
+
 std::string dataHome() { return baseFolder("XDG_DATA_HOME", ".local/share"); }
 
 std::optional<std::string> folderInList(std::string_view list, std::string_view variable, std::string_view home) {

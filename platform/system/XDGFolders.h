@@ -11,8 +11,9 @@ namespace mac {
 // one in ownHomeFolder() where the environment names none. They need not exist. For implementations.
 std::string configHome();
 std::string dataHome();
-// Likewise XDG_CACHE_HOME, for files that can be made again.
+// Likewise XDG_CACHE_HOME, for files that can be made again, and XDG_STATE_HOME, for logs and the like.
 std::string cacheHome();
+std::string stateHome();
 
 // The folder of the desktop that goes by the variable's name, such as XDG_MUSIC_DIR: as the environment says, else as
 // the user's list of folders, user-dirs.dirs, does. Bytes of an absolute path; nothing where neither names one. For

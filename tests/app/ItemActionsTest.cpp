@@ -39,6 +39,18 @@ TEST_F(ItemActions, MoveTheSelectedCopyToTheTrashWhereItStaysListed) {
     EXPECT_EQ(m_beeps, 0);
 }
 
+// The path is the script's answer as it stands.
+TEST_F(ItemActions, ListATrashedCopyByThePathThatTheScriptTells) {
+    select({findCopy("a")});
+    m_controller.trashAction_(nil);
+    ASSERT_EQ(onHarddisk().size(), 1U);
+    EXPECT_TRUE(onHarddisk().front().ends_with("/")) << onHarddisk().front();
+    EXPECT_TRUE(flag(recordOf(m_controller, pathInTrash()), "exists"));
+    select({pathInTrash()});
+    m_controller.deleteAction_(nil);
+    EXPECT_TRUE(onHarddisk().empty());
+}
+
 TEST_F(ItemActions, SayThatACopyCouldNotBeMovedToTheTrash) {
     NSString const path = findCopy("a");
     select({path});

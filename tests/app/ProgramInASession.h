@@ -23,6 +23,8 @@ protected:
         if (obstacle) GTEST_SKIP() << *obstacle;
         outputOf({sampleHomeScript(), m_home});
         m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
+        // A program makes itself known to assistive technology once, as it starts: the registry must be there by then.
+        ASSERT_TRUE(waitUntil([] { return outputOf({windowScript(), "0", "wake"}) == "awake\n"; }));
     }
 
     void startProgram() {

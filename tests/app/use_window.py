@@ -7,6 +7,7 @@ usage: use_window.py PROCESS row PATH     prints the cells of the row with the p
        use_window.py PROCESS press KEYS   presses keys such as "ctrl+shift+l" wherever the keyboard is
        use_window.py PROCESS status       prints what the status line says
        use_window.py PROCESS button NAME  prints "enabled" or "disabled: " and why
+       use_window.py 0 wake               starts the registry of programs; prints "awake" once it answers
 """
 
 import sys
@@ -113,6 +114,10 @@ def use(process, verb, path):
 
 def tell(process, verb, argument):
     """Answers the verbs that need no row."""
+    if verb == "wake":
+        Atspi.get_desktop(0).get_child_count()
+        print("awake")
+        return
     program = program_of(process)
     if verb == "press":
         press(argument)

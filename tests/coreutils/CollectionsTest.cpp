@@ -32,8 +32,19 @@ NSDictionary record(id const& path, id const& version) {
 TEST(PxIndexSetWithNumbers, OfAnArrayHoldsItsValuesEachOnce) {
     NSIndexSet const set = pxIndexSetWithNumbers(NSArray::arrayWithObjects_({number(7), number(2), number(7)}));
     EXPECT_TRUE(set.isEqual_(at({2, 7})));
-    EXPECT_TRUE(as<NSMutableIndexSet>(set) == nil || set.count() == 2);
+    EXPECT_EQ(set.count(), 2U);
     EXPECT_EQ(pxIndexSetWithNumbers(NSArray::array()).count(), 0U);
+}
+
+TEST(PxIndexSetWithNumbers, IsNewAndMutable) {
+    NSArray const numbers = NSArray::arrayWithObject_(number(7));
+    for (NSMutableIndexSet const& set :
+         {pxIndexSetWithNumbers(numbers), pxIndexSetWithNumbers(NSSet::setWithArray_(numbers)),
+          pxIndexSetWithNumbers(numbers.objectEnumerator())}) {
+        EXPECT_TRUE(as<NSMutableIndexSet>(id(set)) != nil);
+        set.addIndex_(9);
+        EXPECT_TRUE(set.isEqual_(at({7, 9})));
+    }
 }
 
 TEST(PxIndexSetWithNumbers, OfASetIsTheSame) {

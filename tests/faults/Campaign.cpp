@@ -78,8 +78,11 @@ Campaign::~Campaign() { ::munmap(m_shared, sizeof(Shared)); }
 
 void Campaign::run(Operation const& operation) {
     if (operation.needs == Needs::TwoVolumes && !m_fixture.hasSecondVolume()) return;
+    if (operation.needs == Needs::Attributes && !m_fixture.canKeepAttributes()) return;
+    bool const exchangesNames = operation.needs == Needs::ExchangedNames;
+    if (exchangesNames && !m_fixture.canExchangeNames()) return;
     for (Volume const volume : m_options.volumes)
-        runOn(operation, volume);
+        if (!exchangesNames || volume == Volume::Ordinary) runOn(operation, volume);
 }
 
 void Campaign::runOn(Operation const& operation, Volume volume) {
@@ -192,7 +195,7 @@ std::vector<FaultPoint> Campaign::pointsOf(Operation const& operation, Volume vo
 // A linear congruential generator: the same points for the same seed, whatever the library.
 bool Campaign::isChosen() {
     m_random = m_random * 6364136223846793005U + 1442695040888963407U;
-    return (m_random >> 33U) % m_options.stride == 0;
+    return (m_random >> 33U) % m_options.stride == m_options.part;
 }
 
 void Campaign::prepare(Operation const& operation) {

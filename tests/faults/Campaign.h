@@ -52,6 +52,8 @@ struct Counts {
 struct CampaignOptions {
     // Of all points, each is taken with the chance of one in `stride`, as the seed says.
     unsigned stride{1};
+    // Which of the `stride` parts that this makes of all points; with one seed, no two parts have a point in common.
+    unsigned part{0};
     std::uint64_t seed{0};
     bool hasFaults{true};
     bool hasKills{true};

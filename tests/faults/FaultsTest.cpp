@@ -12,8 +12,8 @@
 namespace mac::faults {
 namespace {
 
-// One point of so many, which takes about half a minute under the sanitizers.
-constexpr unsigned Stride = 60;
+// One point of so many, which takes less than a minute under the sanitizers.
+constexpr unsigned Stride = 150;
 
 // A folder in memory; in the temporary folder where this process may not mount.
 class Volume {
@@ -67,9 +67,8 @@ TEST_F(Faults, BreakNoPromise) {
     EXPECT_GT(counts.kills, 0U);
     EXPECT_GT(counts.exchanges, 0U);
     EXPECT_GT(counts.prefixes, 0U);
-    std::vector<KnownBreak> const known = knownBreaks();
     for (Break const& found : campaign.breaks()) {
-        if (isAmong(known, found))
+        if (rowOf(found))
             std::cout << "known: " << found.text() << '\n';
         else
             ADD_FAILURE() << found.text();

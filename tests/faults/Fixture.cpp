@@ -2,12 +2,15 @@
 #include "platform/system/items/AppleDouble.h"
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <ftw.h>
 #include <iostream>
+#include <linux/fs.h>
 #include <span>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -25,7 +28,23 @@ void need(bool isDone, std::string const& what) {
     std::_Exit(2);
 }
 
-int removeOne(char const* path, struct stat const*, int, FTW* place) { return place->level == 0 ? 0 : ::remove(path); }
+// Locked items have the immutable flag.
+void unlock(std::string const& path) {
+    int const file = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    unsigned flags = 0;
+    if (file >= 0 && ::ioctl(file, FS_IOC_GETFLAGS, &flags) == 0 && (flags & FS_IMMUTABLE_FL) != 0) {
+        flags &= ~unsigned{FS_IMMUTABLE_FL};
+        ::ioctl(file, FS_IOC_SETFLAGS, &flags);
+    }
+    if (file >= 0) ::close(file);
+}
+
+int removeOne(char const* path, struct stat const*, int, FTW* place) {
+    if (place->level == 0 || ::remove(path) == 0) return 0;
+    if (errno != EPERM) return -1;
+    unlock(path);
+    return ::remove(path);
+}
 
 void setVariable(char const* name, std::string const& value) { need(::setenv(name, value.c_str(), 1) == 0, name); }
 
@@ -45,6 +64,18 @@ Fixture::Fixture(std::string volume, std::optional<std::string> secondVolume)
 Fixture::~Fixture() {
     remove(m_volume);
     if (m_second) remove(*m_second);
+}
+
+bool Fixture::canExchangeNames() const {
+    reset();
+    makeFile("w/x");
+    return ::renameat2(AT_FDCWD, path("w/x").c_str(), AT_FDCWD, path("canary.file").c_str(), RENAME_EXCHANGE) == 0;
+}
+
+bool Fixture::canKeepAttributes() const {
+    reset();
+    makeFile("w/x");
+    return setAttribute("w/x", "user.note", "note");
 }
 
 std::string Fixture::path(std::string_view relative) const {

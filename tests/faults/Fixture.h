@@ -18,6 +18,9 @@ public:
     Fixture& operator=(Fixture const&) = delete;
 
     bool hasSecondVolume() const { return m_second.has_value(); }
+    // Whether the file system exchanges two names in one step.
+    bool canExchangeNames() const;
+    bool canKeepAttributes() const;
     // The absolute path of "w/x", "2/x" and so on.
     std::string path(std::string_view relative) const;
 

@@ -3,60 +3,52 @@
 
 namespace mac::faults {
 
-std::vector<KnownBreak> knownBreaks() {
+std::vector<KnownBreak> const& knownBreaks() {
     using enum Promise;
     using enum Action;
-    return {
-        // Where the file system cannot rename exclusively, an empty placeholder stays after the end of the process.
-        {"trash", ItemIsWhole, Kill},
-        {"put back", ItemIsWhole, Kill},
-        {"copy", ItemIsWhole, Kill},
-        {"move", ItemIsWhole, Kill},
-        {"script", ItemIsWhole, Kill},
-        // A value that the volume refuses goes to a sidecar, which inherits the access list of the folder.
-        {"sidecar", NoMoreReaders, Fail},
-        {"sidecar", ItemIsWhole, Fail},
-        {"sidecar", AnswerIsTrue, TransferLess},
-        {"second volume", NoMoreReaders, Fail},
-        {"second volume", ItemIsWhole, Fail},
-        {"second volume", AnswerIsTrue, Fail},
-        {"second volume", NoLeftovers, Fail},
-        {"second volume", NoLeftovers, Kill},
-        {"copy", AnswerIsTrue, Fail},
-        {"copy", NoLeftovers, Fail},
-        {"duplicate", AnswerIsTrue, Fail},
-        {"duplicate", NoLeftovers, Fail},
-        {"move", AnswerIsTrue, Fail},
-        {"move", NoLeftovers, Fail},
-        {"rename", AnswerIsTrue, Fail},
-        // The record of an item that was put back or erased may stay, and an item that cannot be looked at does not
-        // count as left.
-        {"put back", AnswerIsTrue, Fail},
-        {"put back", ItemIsWhole, Fail},
-        {"trash", AnswerIsTrue, Fail},
-        {"delete", AnswerIsTrue, Fail},
-        // Attributes and owners that the system refuses are lost in silence.
-        {"write", AnswerIsTrue, Fail},
-        {"write", ItemIsWhole, Fail},
-        {"create a file", AnswerIsTrue, Fail},
-        {"create a file", ItemIsWhole, Fail},
-        {"change preferences", AnswerIsTrue, Fail},
-        {"change preferences", ItemIsWhole, Fail},
-        {"attribute", AnswerIsTrue, Fail},
-        {"attribute", ItemIsWhole, Fail},
-        {"comment", AnswerIsTrue, Fail},
-        // The entry is moved aside and then removed; a failure between leaves it aside.
-        {"login item", AnswerIsTrue, Fail},
-        {"login item", NoLeftovers, Fail},
-        {"login item", NoLeftovers, Kill},
+    constexpr std::optional<Volume> everywhere;
+    constexpr std::optional<Volume> inSteps = Volume::WithoutExclusiveRename;
+    constexpr std::string_view owners =
+        "an owner or list that the system refuses is not kept, and fewer users may read";
+    constexpr std::string_view beside =
+        "a value that the volume refuses goes to the sidecar, where the library finds it";
+    constexpr std::string_view record =
+        "the record of an item that has left the trash may stay; the next emptying takes it";
+    constexpr std::string_view aside =
+        "what could not be removed of the replaced item keeps the temporary name that the error tells";
+    constexpr std::string_view placeholder = "a link to the item has the new name until the item has it";
+    constexpr std::string_view reading = "an attribute of the model that cannot be read counts as none";
+    constexpr std::string_view dated = "the sidecar's old contents come back with a new date";
+    constexpr std::string_view both = "a file whose first name cannot go keeps both where renaming takes steps";
+    static std::vector<KnownBreak> const rows{
+        {"", AnswerIsTrue, Fail, "fchown", everywhere, owners},
+        {"", ItemIsWhole, Fail, "fchown", everywhere, owners},
+        {"", AnswerIsTrue, Fail, "fsetxattr", everywhere, beside},
+        {"to a second volume", ItemIsWhole, Fail, "fsetxattr", everywhere, beside},
+        {"", AnswerIsTrue, Fail, "setxattr", everywhere, beside},
+        {"", ItemIsWhole, Fail, "setxattr", everywhere, owners},
+        {"put back", AnswerIsTrue, Fail, "unlinkat", everywhere, record},
+        {"empty the trash", AnswerIsTrue, Fail, "unlinkat", everywhere, record},
+        {"take over the attributes", AnswerIsTrue, Fail, "getxattr", everywhere, reading},
+        {"add a large attribute to the sidecar", AnswerIsTrue, Fail, "fsync", everywhere, dated},
+        {"add a large attribute to the sidecar", ItemIsWhole, Fail, "fsync", everywhere, dated},
+        {"into a folder and replace", NoLeftovers, Fail, "any", everywhere, aside},
+        {"into a folder and replace", NoLeftovers, Kill, "any", everywhere, aside},
+        {"into a folder and replace", ItemIsWhole, Fail, "any", everywhere, aside},
+        {"and replace", ItemIsWhole, Fail, "unlinkat", everywhere, both},
+        {"and replace", ItemIsWhole, Fail, "renameat", everywhere, both},
+        {"", ItemIsWhole, Kill, "any", inSteps, placeholder},
     };
+    return rows;
 }
 
-bool isAmong(std::vector<KnownBreak> const& known, Break const& found) {
-    return std::ranges::any_of(known, [&](KnownBreak const& row) {
-        return found.operation.find(row.operation) != std::string::npos && row.promise == found.finding.promise &&
-               row.action == found.point.action;
+KnownBreak const* rowOf(Break const& found) {
+    auto const row = std::ranges::find_if(knownBreaks(), [&](KnownBreak const& known) {
+        return found.operation.find(known.operation) != std::string::npos && known.promise == found.finding.promise &&
+               known.action == found.point.action && (known.call == "any" || known.call == found.call) &&
+               (!known.volume || known.volume == found.point.volume);
     });
+    return row == knownBreaks().end() ? nullptr : &*row;
 }
 
 } // namespace mac::faults

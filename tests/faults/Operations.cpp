@@ -6,8 +6,8 @@ namespace mac::faults {
 
 std::vector<Operation> allOperations() {
     std::vector<Operation> all;
-    for (auto const table :
-         {trashOperations, transferOperations, attributeOperations, fileOperations, listOperations, scriptOperations}) {
+    for (auto const table : {trashOperations, transferOperations, attributeOperations, catalogOperations,
+                             pathOperations, fileOperations, listOperations, scriptOperations}) {
         std::vector<Operation> rows = table();
         std::ranges::move(rows, std::back_inserter(all));
     }

@@ -23,9 +23,20 @@ enum class Failure {
     LeavesAllOrNothing,
     // Several items or steps, each of which is done or not.
     LeavesSomeDone,
+    // Several attributes, permissions or dates of an item, each of which is set or not. Contents are whole.
+    LeavesSomeFields,
+    // The same if the process ends or a call goes on failing; all or nothing after a single failure.
+    LeavesSomeFieldsIfCut,
 };
 
-enum class Needs { OneVolume, TwoVolumes };
+enum class Needs {
+    OneVolume,
+    TwoVolumes,
+    // A file system that keeps attributes.
+    Attributes,
+    // A file system that exchanges two names in one step.
+    ExchangedNames,
+};
 
 enum class Flushing {
     BeforeNaming,
@@ -59,6 +70,8 @@ struct Operation {
 std::vector<Operation> trashOperations();
 std::vector<Operation> transferOperations();
 std::vector<Operation> attributeOperations();
+std::vector<Operation> catalogOperations();
+std::vector<Operation> pathOperations();
 std::vector<Operation> fileOperations();
 std::vector<Operation> listOperations();
 std::vector<Operation> scriptOperations();

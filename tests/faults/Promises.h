@@ -81,6 +81,7 @@ private:
     void checkSuccess(std::set<Finding>& findings, Undoing undoing, bool isReached) const;
     void checkFailure(std::set<Finding>& findings, Undoing undoing) const;
     void checkCanary(std::set<Finding>& findings, bool isOnTheWay) const;
+    bool isSame(SeenItem const& found, SeenItem const& expected) const;
     bool isWholeAt(std::string const& place, Snapshot const& expected) const;
     bool isWritten(std::string const& secret) const;
     bool hasLeft(std::string const& path) const;

@@ -1,10 +1,13 @@
 #include "tests/faults/Snapshot.h"
+#include "platform/system/items/AppleDouble.h"
+#include "platform/system/items/KeptCreationDate.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <span>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
@@ -88,10 +91,30 @@ void addAttributes(SeenItem& item, std::string const& path) {
         ssize_t const size = ::lgetxattr(path.c_str(), name.c_str(), nullptr, 0);
         std::string text(static_cast<std::size_t>(std::max<ssize_t>(size, 0)), '\0');
         if (size < 0 || ::lgetxattr(path.c_str(), name.c_str(), text.data(), text.size()) != size) continue;
+        // The date at which the fixture was made.
+        if (name.ends_with(CreateDateAttribute)) text.assign(text.size(), 'd');
         bool const isAccess = name.starts_with(AccessLists);
         addSecrets(item, text);
         (isAccess ? item.accessList : item.whole) += "\n" + name + "=" + text;
     }
+}
+
+bool isImmutable(std::string const& path) {
+    struct statx status {};
+    return ::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, 0, &status) == 0 &&
+           (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+}
+
+// The contents of a sidecar without the date at which the fixture was made; other contents as they are.
+std::string withoutCreationDate(std::string text) {
+    Result<AppleDouble, Failure> read = AppleDouble::read(std::as_bytes(std::span(text)));
+    std::optional<std::span<std::byte const>> const date =
+        read.hasValue() ? read.value().valueOf(CreateDateAttribute) : std::nullopt;
+    if (!date) return text;
+    std::vector<std::byte> const fixed(date->size(), std::byte{'d'});
+    if (!read.value().setValue(CreateDateAttribute, fixed)) return text;
+    std::optional<std::vector<std::byte>> const bytes = read.value().written();
+    return bytes ? std::string(reinterpret_cast<char const*>(bytes->data()), bytes->size()) : text;
 }
 
 SeenItem seen(std::string const& path, struct stat const& status) {
@@ -102,8 +125,9 @@ SeenItem seen(std::string const& path, struct stat const& status) {
     if (S_ISREG(status.st_mode)) text = contentsOf(path, static_cast<std::size_t>(status.st_size));
     if (S_ISLNK(status.st_mode)) text = linkTarget(path);
     addSecrets(item, text);
+    if (S_ISREG(status.st_mode) && isImmutable(path)) item.whole += " locked";
     if (S_ISREG(status.st_mode) && status.st_mtim.tv_sec == FixtureDate) item.whole += " dated";
-    item.whole += ": " + withoutDate(std::move(text));
+    item.whole += ": " + withoutDate(withoutCreationDate(std::move(text)));
     if (!S_ISLNK(status.st_mode)) addAttributes(item, path);
     return item;
 }

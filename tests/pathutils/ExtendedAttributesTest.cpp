@@ -12,6 +12,7 @@
 #include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -97,6 +98,12 @@ TEST_F(PxExtendedAttributes, OfAMissingItemAreNone) {
     EXPECT_FALSE(pxSetExtendedAttributeData_forKey_(none, bytes("1"), "a"));
     EXPECT_FALSE(pxSetExtendedAttributeDictionary_forKey_(none, NSDictionary::dictionary(), "a"));
     EXPECT_FALSE(pxRemoveExtendedAttributeForKey_(none, "a"));
+    EXPECT_FALSE(pxSetExtendedAttributeData_forKey_(none, nil, "a"));
+    EXPECT_TRUE(pxExtendedAttributesForKeys_(none, NSArray::arrayWithObject_("a")) == nil);
+    EXPECT_TRUE(pxExtendedAttributeDictionaryForKey_(none, "a") == nil);
+    pxSetExtendedAttributes_(none, NSDictionary::dictionaryWithObject_forKey_(bytes("1"), "a"));
+    EXPECT_FALSE(std::filesystem::exists(m_folder.path("none")));
+    EXPECT_FALSE(std::filesystem::exists(m_folder.path("._none")));
 }
 
 TEST_F(PxExtendedAttributes, OfATextThatIsNoPathAreNone) {
@@ -314,6 +321,27 @@ TEST_F(PxExtendedAttributes, OfAFileThatGoesMeanwhileAreNil) {
         if (number == 2) ::unlink(m_file.c_str());
     });
     EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, "a") == nil);
+}
+
+// A path that leads to no item reads as one without attributes, also if the item was there a moment ago.
+TEST_F(PxExtendedAttributes, OfAFileThatGoesBeforeTheFirstCallAreNone) {
+    auto const withoutFile = [&](auto const& reading) {
+        m_folder.makeFile("file", "");
+        pxSetExtendedAttributeData_forKey_(m_path, bytes("1"), "a");
+        AttributeCalls const calls([&](unsigned number) {
+            if (number == 1) ::unlink(m_file.c_str());
+        });
+        reading();
+    };
+    withoutFile([&] {
+        NSMutableArray const keys = pxExtendedAttributesKeys(m_path);
+        EXPECT_FALSE(keys == nil);
+        EXPECT_EQ(keys.count(), 0U);
+    });
+    withoutFile([&] { EXPECT_TRUE(pxExtendedAttributes(m_path) == nil); });
+    withoutFile([&] { EXPECT_TRUE(pxExtendedAttributeDataForKey_(m_path, "a") == nil); });
+    withoutFile([&] { EXPECT_TRUE(pxExtendedAttributesForKeys_(m_path, NSArray::arrayWithObject_("a")) == nil); });
+    withoutFile([&] { EXPECT_TRUE(pxExtendedAttributeDictionaryForKey_(m_path, "a") == nil); });
 }
 
 TEST_F(PxExtendedAttributes, AreMessagesOfStringsToo) {

@@ -77,6 +77,8 @@ TEST(AppleScriptExecution, QuotesTextForTheShell) {
     EXPECT_EQ(stringText(pxQuotedForm("it's")), "'it'\\''s'");
     EXPECT_EQ(stringText(pxQuotedForm("")), "''");
     EXPECT_TRUE(pxQuotedForm("a\"b") == nil);
+    EXPECT_TRUE(pxQuotedForm("a\" & \"b") == nil);
+    EXPECT_TRUE(pxQuotedForm("a\\\"b") == nil);
 }
 
 TEST(AppleScriptExecution, EscapesBackslashesBeforeQuotes) {

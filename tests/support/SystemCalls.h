@@ -5,8 +5,9 @@
 
 namespace mac::test {
 
-// How many system calls the function makes, counted in a traced copy of this process: what it changes in memory is
-// lost, and its files are those of the copy. nullopt where tracing is not allowed, or if the copy ends by a signal.
+// How many system calls the function makes, those for memory apart, counted in a traced copy of this process: what it
+// changes in memory is lost, and its files are those of the copy. nullopt where tracing is not allowed, or if the copy
+// ends by a signal.
 std::optional<unsigned> systemCallsOf(std::function<void()> const& function);
 
 } // namespace mac::test

@@ -34,9 +34,13 @@ constexpr auto Rows = std::to_array<AdditionRow>({
     {eventOf("sysodisA"), additions::displayAlert, true},  {eventOf("sysonotf"), additions::displayNotification, true},
     {eventOf("sysostdf"), refuseInteraction, false},       {eventOf("sysostfl"), refuseInteraction, false},
     {eventOf("sysonwfl"), refuseInteraction, false},       {eventOf("gtqpchlt"), additions::chooseFromList, true},
-    {eventOf("sysobeep"), additions::beep, true},          {eventOf("sysottos"), refuseInteraction, false},
+    {eventOf("sysobeep"), additions::beep, true},          {eventOf("sysottos"), additions::say, true},
     {eventOf("JonsgClp"), additions::theClipboard, true},  {eventOf("JonspClp"), additions::setTheClipboard, true},
-    {eventOf("JonsiClp"), additions::clipboardInfo, true}, {eventOf("GURLGURL"), refuseInteraction, false},
+    {eventOf("earslvol"), additions::listDisks, true},     {eventOf("sysochcl"), additions::chooseColor, true},
+    {eventOf("sysochur"), additions::chooseURL, true},     {eventOf("sysoppcb"), additions::chooseApplication, true},
+    {eventOf("aevtstvl"), additions::setVolume, true},     {eventOf("sysogtvl"), additions::volumeSettings, true},
+    {eventOf("sysoload"), additions::loadScript, true},    {eventOf("JonsiClp"), additions::clipboardInfo, true},
+    {eventOf("GURLGURL"), refuseInteraction, false},
 });
 
 } // namespace

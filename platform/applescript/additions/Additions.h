@@ -21,8 +21,16 @@ Value timeToGMT(Evaluator& evaluator, CommandArguments const& arguments);
 Value delay(Evaluator& evaluator, CommandArguments const& arguments);
 Value runScript(Evaluator& evaluator, CommandArguments const& arguments);
 Value systemAttribute(Evaluator& evaluator, CommandArguments const& arguments);
-Value systemInfo(Evaluator& evaluator, CommandArguments const& arguments);
 Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsComputer.cpp
+Value systemInfo(Evaluator& evaluator, CommandArguments const& arguments);
+Value listDisks(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsSound.cpp; they throw -192 if the program that does it is missing.
+Value setVolume(Evaluator& evaluator, CommandArguments const& arguments);
+Value volumeSettings(Evaluator& evaluator, CommandArguments const& arguments);
+Value say(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsShell.cpp
 // Linux: what files and commands say in no named encoding is UTF-8 where it is that, for that is what files here hold;
@@ -30,15 +38,23 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments);
 std::u16string textOfBytes(std::string const& bytes);
 Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
 
+// AdditionsScripts.cpp
+Value loadScript(Evaluator& evaluator, CommandArguments const& arguments);
+
 // AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
 Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments);
 Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments);
-Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments);
 Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments);
 Value beep(Evaluator& evaluator, CommandArguments const& arguments);
 Value theClipboard(Evaluator& evaluator, CommandArguments const& arguments);
 Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments);
 Value clipboardInfo(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsChoosing.cpp; they throw -1713 as those above.
+Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseURL(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseColor(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsFiles.cpp
 // The file as it was named; for a mere path, its file.

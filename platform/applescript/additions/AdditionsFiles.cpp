@@ -1,12 +1,17 @@
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/additions/DialogArguments.h"
+#include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
-#include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/launchservices/BundleFiles.h"
+#include "platform/launchservices/ContentTypes.h"
+#include "platform/launchservices/DiskItem.h"
 #include "platform/system/FolderContents.h"
 #include <algorithm>
-#include <sys/stat.h>
+#include <cstdlib>
+#include <memory>
 
 namespace mac::applescript::additions {
 
@@ -24,6 +29,22 @@ std::u16string lastComponent(std::u16string path) {
     return path.substr(path.rfind(u'/') + 1);
 }
 
+// The item that the path leads to, through a symbolic link at its end too; nullptr if there is none.
+std::shared_ptr<FinderItem> itemBehindLinks(std::string const& path) {
+    std::unique_ptr<char, decltype(&std::free)> const real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? FinderItem::atPath(real.get()) : nullptr;
+}
+
+Value typeIdentifier(FinderItem const& item) {
+    Result<DiskItem> const found = diskItemAtPath(item.path());
+    return found.hasValue() ? Value::text(unitsFromFileSystemBytes(contentTypeOf(found.value()))) : Value::missing();
+}
+
+Value textIn(NSDictionary const& information, char const* key) {
+    NSString const found = as<NSString>(information.objectForKey_(NSString::stringWithUTF8String_(key)));
+    return found == nil ? Value::missing() : Value::text(std::u16string(found.codeUnits()));
+}
+
 } // namespace
 
 Value asFile(Value const& named, std::u16string const& path) {
@@ -31,31 +52,48 @@ Value asFile(Value const& named, std::u16string const& path) {
     return makeObject<FileObject>(ValueKind::File, FileObject::Kind::File, path);
 }
 
+// What the Finder says of the item, under the keys of this command's record. `without size` leaves the size of a
+// folder out, which takes a look at all that is in it.
 Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const path = requirePath(arguments.direct, evaluator.context());
     Value const file = asFile(resolved(arguments.direct, evaluator.context()), path);
-    struct stat status {};
-    if (::stat(bytesOfPath(path, file).c_str(), &status) != 0) throw fileNotFound(file);
+    std::shared_ptr<FinderItem> const item = itemBehindLinks(bytesOfPath(path, file));
+    if (!item) throw fileNotFound(file);
+    Value const* const sizeFlag = arguments.find(codes::Size);
+    bool const hasSize = !sizeFlag || requireBoolean(*sizeFlag, evaluator.context());
     std::u16string const name = lastComponent(path);
-    std::string const bytesName = bytesOfPath(name, file);
     std::size_t const dot = name.rfind(u'.');
     bool const hasExtension = dot != std::u16string::npos && dot > 0 && dot + 1 < name.size();
-    bool const isFolder = S_ISDIR(status.st_mode);
-    auto const key = [](Code code) { return termSymbol(code, nameOfCode(code)); };
-    return Value::record({
-        {key(codeOf("pnam")), Value::text(name)},
-        {key(codeOf("ascd")), Value::date(dateOfUnixTime(status.st_ctime))},
-        {key(codeOf("asmo")), Value::date(dateOfUnixTime(status.st_mtime))},
-        {key(codeOf("ptsz")), Value::number(static_cast<double>(status.st_size))},
-        {key(codeOf("asdr")), Value::boolean(isFolder)},
-        {key(codeOf("alis")), Value::boolean(false)},
-        {key(codeOf("ispk")), Value::boolean(isFolder && classOfFolderNamed(bytesName) != codeOf("cfol"))},
-        {key(codeOf("pvis")), Value::boolean(!name.starts_with(u'.'))},
-        {key(codeOf("hidx")), Value::boolean(false)},
-        {key(codeOf("nmxt")), hasExtension ? Value::text(name.substr(dot + 1)) : Value::missing()},
-        {key(codeOf("dnam")), Value::text(name)},
-        {key(codeOf("aslk")), Value::boolean((status.st_mode & S_IWUSR) == 0)},
-    });
+    bool const isPackage = item->isOfType(codes::Package) || item->isOfType(codes::ApplicationFile);
+    auto const ofItem = [&](Code code) { return item->property(code).value_or(Value::missing()); };
+    std::vector<std::pair<Symbol, Value>> fields{
+        {keyOf(codes::Name), Value::text(name)},
+        {keyOf(codes::CreationDate), ofItem(codes::CreationDate)},
+        {keyOf(codes::ModificationDate), ofItem(codes::ModificationDate)},
+    };
+    if (hasSize) fields.emplace_back(keyOf(codes::Size), ofItem(codes::Size));
+    fields.insert(fields.end(), {
+                                    {keyOf(codeOf("asdr")), Value::boolean(item->isFolder())},
+                                    {keyOf(codes::AliasType), Value::boolean(false)},
+                                    {keyOf(codeOf("ispk")), Value::boolean(item->isFolder() && isPackage)},
+                                    {keyOf(codes::Visible), Value::boolean(!name.starts_with(u'.'))},
+                                    {keyOf(codes::ExtensionHidden), ofItem(codes::ExtensionHidden)},
+                                    {keyOf(codes::NameExtension),
+                                     hasExtension ? Value::text(name.substr(dot + 1)) : Value::missing()},
+                                    {keyOf(codes::DisplayedName), ofItem(codes::DisplayedName)},
+                                    {keyOf(codes::Kind), ofItem(codes::Kind)},
+                                    {keyOf(codes::Locked), ofItem(codes::Locked)},
+                                    {keyOf(codeOf("utid")), typeIdentifier(*item)},
+                                    {keyOf(codes::FileType), ofItem(codes::FileType)},
+                                    {keyOf(codeOf("asct")), ofItem(codes::Creator)},
+                                });
+    if (!isPackage) return Value::record(std::move(fields));
+    NSDictionary const information = bundleInformation(item->path());
+    fields.emplace_back(keyOf(codes::BundleIdentifier), textIn(information, "CFBundleIdentifier"));
+    fields.emplace_back(keyOf(codes::ShortName), textIn(information, "CFBundleName"));
+    fields.emplace_back(keyOf(codeOf("assv")), textIn(information, "CFBundleShortVersionString"));
+    fields.emplace_back(keyOf(codeOf("aslv")), textIn(information, "CFBundleGetInfoString"));
+    return Value::record(std::move(fields));
 }
 
 // In the order of names; hidden items unless told otherwise.

@@ -1,37 +1,13 @@
 #include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/foundation/Beep.h"
-#include "platform/foundation/UserInterface.h"
 #include <algorithm>
 
 namespace mac::applescript::additions {
 
 namespace {
-
-UserInterface& requireInterface() {
-    if (UserInterface* const interface = userInterface()) return *interface;
-    throw plainError(errors::NoUserInteraction);
-}
-
-Symbol keyOf(Code code) { return termSymbol(code, nameOfCode(code)); }
-
-std::u16string textAt(CommandArguments const& arguments, Code code, TextContext const& context) {
-    Value const* const value = arguments.find(code);
-    return value ? requireText(*value, context) : std::u16string();
-}
-
-bool flagAt(CommandArguments const& arguments, Code code, TextContext const& context) {
-    Value const* const flag = arguments.find(code);
-    return flag && requireBoolean(*flag, context);
-}
-
-std::vector<std::u16string> textsIn(Value const& list, TextContext const& context) {
-    std::vector<std::u16string> texts;
-    for (Value const& item : requireType(list, codeOf("list"), context).items())
-        texts.push_back(requireText(item, context));
-    return texts;
-}
 
 // A button by its name, or by its number counted from 1.
 std::optional<std::size_t> buttonAt(CommandArguments const& arguments, Code code,
@@ -122,35 +98,6 @@ Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments) {
     takeButtons(request, arguments, context);
     if (!request.defaultButton) request.defaultButton = request.buttons.size() - 1;
     return answerOf(request, requireInterface().runDialog(request));
-}
-
-// The items chosen, as they are; false where the person cancels.
-Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments) {
-    TextContext const& context = evaluator.context();
-    Value const list = requireType(arguments.direct, codeOf("list"), context);
-    ListRequest request;
-    request.items = textsIn(list, context);
-    if (request.items.empty()) throw plainError(errors::Parameter);
-    request.title = textAt(arguments, codeOf("appr"), context);
-    request.text = arguments.find(codeOf("prmp")) ? textAt(arguments, codeOf("prmp"), context)
-                                                  : std::u16string(u"Please make your selection:");
-    request.acceptButton = textAt(arguments, codeOf("okbt"), context);
-    request.cancelButton = textAt(arguments, codeOf("cnbt"), context);
-    request.allowsSeveral = flagAt(arguments, codeOf("mlsl"), context);
-    request.allowsNone = flagAt(arguments, codeOf("empL"), context);
-    if (Value const* const chosen = arguments.find(codeOf("inSL"))) {
-        for (std::u16string const& text : textsIn(*chosen, context)) {
-            auto const found = std::ranges::find(request.items, text);
-            if (found != request.items.end())
-                request.chosen.push_back(static_cast<std::size_t>(found - request.items.begin()));
-        }
-    }
-    std::optional<std::vector<std::size_t>> const chosen = requireInterface().chooseFromList(request);
-    if (!chosen) return Value::boolean(false);
-    std::vector<Value> items;
-    for (std::size_t const index : *chosen)
-        if (index < list.items().size()) items.push_back(list.items()[index]);
-    return Value::list(std::move(items));
 }
 
 Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments) {

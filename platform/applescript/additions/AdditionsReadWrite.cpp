@@ -1,4 +1,5 @@
 #include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/additions/StoredValues.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/FileErrors.h"
@@ -155,6 +156,8 @@ std::size_t placeOfMark(std::string const& bytes, std::string const& mark, Code 
 std::string bytesOfValue(Value const& value, Value const* type, NSStringEncoding wideEncoding,
                          TextContext const& context) {
     if (value.is(ValueKind::Data)) return value.data().bytes;
+    bool const isStored = type && type->is(ValueKind::Type) && isStoredClass(type->asCode());
+    if (isStored) return storedBytes(requireType(value, type->asCode(), context), type->asCode());
     std::u16string const text = requireText(value, context);
     if (!type || !type->is(ValueKind::Type) || !isWide(type->asCode())) return utf8FromUnits(text);
     return bytesFromUnits(text, wideEncoding).value_or(std::string());
@@ -219,9 +222,15 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
     std::string bytes = bytesBetween(*file, start, end, context.mostUnits);
     Value const* const type = arguments.find(codeOf("as  "));
     Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
-    NSStringEncoding const wideEncoding = wideEncodingAt(start, *file);
+    Value const* const delimiters = arguments.find(codeOf("deli"));
     Value const* const before = arguments.find(codeOf("rdbf"));
     Value const* const until = arguments.find(codeOf("rdut"));
+    if (isStoredClass(code) && !delimiters && !before && !until) {
+        StoredValue const stored = storedValueIn(bytes, code);
+        file->place = start + static_cast<std::int64_t>(stored.size);
+        return stored.value;
+    }
+    NSStringEncoding const wideEncoding = wideEncodingAt(start, *file);
     if (before || until) {
         std::u16string const text = requireText(before ? *before : *until, context);
         // A mark of the order is none of the text.
@@ -233,7 +242,7 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
     file->place = start + static_cast<std::int64_t>(bytes.size());
     if (code == codeOf("rdat")) return makeObject<DataObject>(ValueKind::Data, codeOf("rdat"), bytes);
     std::u16string const text = textOf(bytes, code, wideEncoding);
-    if (Value const* const delimiters = arguments.find(codeOf("deli"))) return splitText(text, *delimiters, context);
+    if (delimiters) return splitText(text, *delimiters, context);
     bool const isText = code == codeOf("ctxt") || code == codeOf("TEXT") || code == codeOf("utxt") ||
                         code == codeOf("utf8") || code == codeOf("ut16");
     return isText ? Value::text(text) : requireType(Value::text(text), code, context);

@@ -1,9 +1,11 @@
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/ShellCommand.h"
 #include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/ShellCommand.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/XDGFolders.h"
 #include <algorithm>
+#include <cerrno>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace mac::applescript::additions {
@@ -13,7 +15,6 @@ namespace {
 constexpr std::u16string_view SilentFailure = u"The command exited with a non-zero status.";
 constexpr std::u16string_view NoPassword =
     u"The system itself asks for a user name and password; a script cannot give them.";
-constexpr std::int32_t PrivilegeViolation = -10004;
 // What the asking program ends with when the user turns it down.
 constexpr int Dismissed = 126;
 // Written by the shell before anything else when it runs with an administrator's rights, so that a failure to get them
@@ -42,22 +43,65 @@ struct CommandResult {
     std::string complaints{};
 };
 
-CommandResult resultOf(std::vector<std::string> words, std::size_t most) {
-    ShellCommand command(std::move(words));
+// A shell command as the words that run it. The kernel takes only so many bytes in one word; a longer command lies in
+// an anonymous file that the shell reads, so that its standard input stays the command's own.
+class ShellWords {
+public:
+    explicit ShellWords(std::string const& command) : m_command(command) {
+        constexpr std::size_t mostBytesOfWord = std::size_t{128} * 1024 - 1;
+        if (command.size() <= mostBytesOfWord) return;
+        m_file = FileDescriptor(::memfd_create("command", MFD_CLOEXEC));
+        if (!m_file.isOpen()) throw plainError(errors::OutOfMemory);
+        // The shell has the file open under a number of its own; the command shall not find the first one.
+        std::string const text = "exec " + std::to_string(ShellCommand::HandedDescriptor) + "<&-; " + command;
+        for (std::string_view left = text; !left.empty();) {
+            ssize_t const count = ::write(m_file.number(), left.data(), left.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) throw plainError(errors::OutOfMemory);
+            left.remove_prefix(static_cast<std::size_t>(count));
+        }
+    }
+
+    // What the shell is given behind -c, if it is started by this process.
+    std::string forChild() const {
+        return m_file.isOpen() ? ". /dev/fd/" + std::to_string(ShellCommand::HandedDescriptor) : m_command;
+    }
+    // The same for a shell that gets no descriptors from this process.
+    std::string forAnyProcess() const {
+        if (!m_file.isOpen()) return m_command;
+        return ". /proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(m_file.number());
+    }
+    FileDescriptor const& file() const { return m_file; }
+
+private:
+    std::string const& m_command;
+    FileDescriptor m_file{};
+};
+
+CommandResult resultOf(ShellCommand& command, std::size_t most) {
     command.collect(most);
     int const status = command.status();
     return {.status = status, .output = command.output(), .complaints = command.complaints()};
 }
 
+CommandResult resultOf(std::string const& command, std::size_t most) {
+    ShellWords const words(command);
+    ShellCommand shell({"/bin/sh", "-c", words.forChild()}, words.file());
+    return resultOf(shell, most);
+}
+
 CommandResult privilegedResultOf(std::string const& command, std::size_t most) {
+    // Nobody is asked for what this process may do already.
+    if (::geteuid() == 0) return resultOf(command, most);
     std::string const program = askingProgram();
-    if (program.empty()) throw plainError(PrivilegeViolation);
-    CommandResult result = resultOf(
-        {program, "/bin/sh", "-c", R"(printf '\1privileges granted\1\n' >&2; exec /bin/sh -c "$1")", "sh", command},
-        most);
+    if (program.empty()) throw plainError(errors::PrivilegeViolation);
+    ShellWords const words(command);
+    ShellCommand asking({program, "/bin/sh", "-c", R"(printf '\1privileges granted\1\n' >&2; exec /bin/sh -c "$1")",
+                         "sh", words.forAnyProcess()});
+    CommandResult result = resultOf(asking, most);
     std::size_t const start = result.complaints.find(Started);
     if (start == std::string::npos)
-        throw plainError(result.status == Dismissed ? errors::UserCanceled : PrivilegeViolation);
+        throw plainError(result.status == Dismissed ? errors::UserCanceled : errors::PrivilegeViolation);
     result.complaints.erase(0, start + Started.size());
     return result;
 }
@@ -80,12 +124,12 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const source = requireText(arguments.direct, context);
     bool const givesPassword = arguments.find(codeOf("RAun")) || arguments.find(codeOf("RApw"));
     // Linux: it would have to pass through a command line or a terminal, where others can see it.
-    if (givesPassword) throw ScriptError{.number = PrivilegeViolation, .message = std::u16string(NoPassword)};
+    if (givesPassword) throw ScriptError{.number = errors::PrivilegeViolation, .message = std::u16string(NoPassword)};
     std::optional<std::string> const command = fileSystemBytesFromUnits(source);
     if (!command && !source.empty()) throw plainError(errors::Parameter);
     CommandResult const result = isTrue(codeOf("badm"), false)
                                      ? privilegedResultOf(command.value_or(std::string()), context.mostUnits)
-                                     : resultOf({"/bin/sh", "-c", command.value_or(std::string())}, context.mostUnits);
+                                     : resultOf(command.value_or(std::string()), context.mostUnits);
     if (result.status != 0) {
         std::u16string message = withAlteredLineEnds(textOfBytes(result.complaints));
         if (message.empty()) message = SilentFailure;

@@ -1,4 +1,7 @@
 #include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/applications/Program.h"
+#include "platform/applescript/applications/StandardFolders.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
@@ -6,13 +9,15 @@
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
+#include "platform/desktop/FrontProcess.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/processes/SerialNumbers.h"
 #include "platform/system/Users.h"
 #include "platform/system/XDGFolders.h"
+#include "platform/system/processes/ProcessList.h"
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -31,29 +36,6 @@ std::u16string environmentValue(char const* name) {
     return value ? unitsFromFileSystemBytes(value) : std::u16string();
 }
 
-struct FolderRow {
-    Code code;
-    // The variable of the desktop's folder, where it has one, and the folder in the home; then what lies within.
-    char const* variable;
-    std::u16string_view inHome;
-    std::u16string_view within{};
-};
-
-constexpr auto Folders = std::to_array<FolderRow>({
-    {codeOf("cusr"), "", u""},
-    {codeOf("desk"), "XDG_DESKTOP_DIR", u"Desktop"},
-    {codeOf("docs"), "XDG_DOCUMENTS_DIR", u"Documents"},
-    {codeOf("down"), "XDG_DOWNLOAD_DIR", u"Downloads"},
-    {codeOf("mdoc"), "XDG_VIDEOS_DIR", u"Videos"},
-    {codeOf("%doc"), "XDG_MUSIC_DIR", u"Music"},
-    {codeOf("pdoc"), "XDG_PICTURES_DIR", u"Pictures"},
-    {codeOf("pubb"), "XDG_PUBLICSHARE_DIR", u"Public"},
-    {codeOf("font"), "XDG_DATA_HOME", u".local/share", u"/fonts"},
-    {codeOf("asup"), "XDG_DATA_HOME", u".local/share"},
-    {codeOf("pref"), "XDG_CONFIG_HOME", u".config"},
-    {codeOf("dlib"), "XDG_DATA_HOME", u".local/share"},
-});
-
 // Its bundle, where it lies in one.
 std::u16string pathOfThisProgram() {
     NSBundle const bundle = NSBundle::mainBundle();
@@ -69,39 +51,54 @@ void makeFolder(std::string const& path) {
     ::mkdir(path.c_str(), S_IRWXU);
 }
 
-std::u16string fixedFolder(Code code) {
-    switch (code) {
-    case codeOf("boot"):
-        return u"/";
-    case codeOf("temp"): {
-        std::u16string const folder = environmentValue("TMPDIR");
-        return folder.empty() ? std::u16string(u"/tmp") : folder;
-    }
-    case codeOf("usrs"):
-        return u"/home";
-    case codeOf("me  "):
-    case codeOf("cura"):
-        return pathOfThisProgram();
-    case codeOf("apps"):
-    case codeOf("uti$"):
-        return u"/usr/share/applications";
+FolderDomain domainIn(CommandArguments const& arguments) {
+    Value const* const given = arguments.find(codeOf("from"));
+    if (!given) return FolderDomain::User;
+    if (!given->is(ValueKind::Constant)) throw cannotMake(*given, codes::ConstantType);
+    switch (given->asCode()) {
+    case codeOf("fldu"):
+        return FolderDomain::User;
+    case codeOf("fldl"):
+        return FolderDomain::Local;
+    case codeOf("flds"):
+        return FolderDomain::System;
     default:
-        return {};
+        // Linux: no folders come from a network domain.
+        throw plainError(errors::FolderNotFound);
     }
 }
 
-// Linux: the desktop's own folders, by their variables or their usual names. Empty for one that there is not.
-std::u16string folderOf(Code code) {
-    std::u16string const fixed = fixedFolder(code);
-    if (!fixed.empty()) return fixed;
-    auto const* const row = std::ranges::find(Folders, code, &FolderRow::code);
-    if (row == Folders.end()) return {};
-    if (*row->variable != '\0') {
-        std::optional<std::string> const set = desktopFolder(row->variable);
-        if (set) return unitsFromFileSystemBytes(*set) + std::u16string(row->within);
+std::u16string pathOfFrontApplication() {
+    std::optional<std::int32_t> const front = frontProcessID();
+    std::optional<RunningProcess> const process = front ? runningProcess(*front) : std::nullopt;
+    if (!process) return {};
+    ProcessSerialNumber const number = serialNumberOf(process->identity);
+    NSDictionary const information =
+        ProcessInformationCopyDictionary(&number, kProcessDictionaryIncludeAllInformationMask);
+    NSString const bundle = as<NSString>(information.objectForKey_(NSString::stringWithUTF8String_(kIOBundlePathKey)));
+    return bundle == nil ? unitsFromFileSystemBytes(process->executable) : std::u16string(bundle.codeUnits());
+}
+
+// Empty for an application that is nowhere.
+std::u16string pathOfApplication(ApplicationObject const& application) {
+    std::optional<std::string> const path = application.byIdentifier ? pathOfApplicationIdentified(application.name)
+                                                                     : pathOfApplicationNamed(application.name);
+    return path ? unitsFromFileSystemBytes(*path) : std::u16string();
+}
+
+// Empty if there is no such folder.
+std::u16string folderOf(Code code, FolderDomain domain) {
+    switch (code) {
+    case codeOf("me  "):
+    case codeOf("cura"):
+        return pathOfThisProgram();
+    case codeOf("egfp"):
+        return pathOfFrontApplication();
+    default:
+        break;
     }
-    std::u16string const home(NSHomeDirectory().codeUnits());
-    return row->inHome.empty() ? home : home + u"/" + std::u16string(row->inHome) + std::u16string(row->within);
+    std::optional<std::string> const path = standardFolder(code, domain);
+    return path ? unitsFromFileSystemBytes(*path) : std::u16string();
 }
 
 // The folder of the user's own trash; if it is missing it is made with all that a trash consists of, or raises.
@@ -170,33 +167,30 @@ Value systemAttribute(Evaluator& evaluator, CommandArguments const& arguments) {
     return Value::list(std::move(names));
 }
 
-Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/) {
-    std::array<char, 256> host{};
-    if (::gethostname(host.data(), host.size() - 1) != 0) host.front() = '\0';
-    std::u16string const name = unitsFromFileSystemBytes(host.data());
-    auto const key = [](Code code) { return termSymbol(code, nameOfCode(code)); };
-    return Value::record({
-        {key(codeOf("siav")), Value::text(u"2.8")},
-        {key(codeOf("sisn")), Value::text(unitsFromFileSystemBytes(nameOfUser(::getuid()).value_or("")))},
-        {key(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
-        {key(codeOf("sicn")), Value::text(name)},
-        {key(codeOf("sihd")), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,
-                                                     std::u16string(NSHomeDirectory().codeUnits()))},
-    });
-}
-
+// `path to application "X"` and `path to current application` mean a program, `path to fonts from system domain` a
+// folder.
 Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
-    if (!arguments.direct.is(ValueKind::Constant)) throw cannotMake(arguments.direct, codeOf("enum"));
+    Value const& named = arguments.direct;
+    bool const isApplication = named.is(ValueKind::Application);
+    bool const isCurrent = named.is(ValueKind::CurrentApplication);
+    if (!isApplication && !isCurrent && !named.is(ValueKind::Constant)) throw cannotMake(named, codes::ConstantType);
+    FolderDomain const domain = domainIn(arguments);
     Value const* const makesFolder = arguments.find(codeOf("crfl"));
-    bool const mayMake = !makesFolder || requireBoolean(*makesFolder, evaluator.context());
-    Code const code = arguments.direct.asCode();
-    std::u16string const path = code == codeOf("trsh") ? trashFolder(mayMake, arguments.direct) : folderOf(code);
-    if (path.empty()) throw cannotGet(arguments.direct);
+    bool const isOfUser = domain == FolderDomain::User && !isApplication && !isCurrent;
+    bool const mayMake = isOfUser && (!makesFolder || requireBoolean(*makesFolder, evaluator.context()));
+    std::u16string path;
+    if (isApplication)
+        path = pathOfApplication(named.application());
+    else if (isCurrent)
+        path = pathOfThisProgram();
+    else
+        path = named.asCode() == folders::Trash ? trashFolder(mayMake, named) : folderOf(named.asCode(), domain);
+    if (path.empty()) throw cannotGet(named);
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (mayMake && bytes && !existsAt(path)) makeFolder(*bytes);
     Value const folder = makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
     Value const* const type = arguments.find(codeOf("rtyp"));
-    bool const isText = type && type->is(ValueKind::Type) && type->asCode() != codeOf("alis");
+    bool const isText = type && type->is(ValueKind::Type) && type->asCode() != codes::AliasType;
     if (!existsAt(path)) throw fileNotFound(folder);
     return isText ? requireType(folder, type->asCode(), evaluator.context()) : folder;
 }

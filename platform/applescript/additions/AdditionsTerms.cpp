@@ -1,3 +1,5 @@
+#include "platform/applescript/applications/StandardFolders.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Terminology.h"
 #include <array>
 
@@ -16,39 +18,37 @@ constexpr auto RoundingWays = std::to_array<Enumerator>({
 });
 
 constexpr auto Domains = std::to_array<Enumerator>({
-    {u"system domain", codeOf("fldd")},
+    {u"system domain", codeOf("flds")},
     {u"local domain", codeOf("fldl")},
     {u"network domain", codeOf("fldn")},
     {u"user domain", codeOf("fldu")},
-    {u"Classic domain", codeOf("fldc")},
 });
 
 constexpr auto Folders = std::to_array<Enumerator>({
-    {u"application support", codeOf("asup")},
-    {u"applications folder", codeOf("apps")},
-    {u"desktop", codeOf("desk")},
-    {u"desktop folder", codeOf("desk")},
-    {u"documents folder", codeOf("docs")},
-    {u"downloads folder", codeOf("down")},
-    {u"favorites folder", codeOf("favs")},
-    {u"fonts", codeOf("font")},
-    {u"fonts folder", codeOf("font")},
-    {u"home folder", codeOf("cusr")},
-    {u"library folder", codeOf("dlib")},
-    {u"movies folder", codeOf("mdoc")},
-    {u"music folder", codeOf("%doc")},
-    {u"pictures folder", codeOf("pdoc")},
-    {u"preferences", codeOf("pref")},
-    {u"preferences folder", codeOf("pref")},
-    {u"public folder", codeOf("pubb")},
-    {u"startup disk", codeOf("boot")},
-    {u"temporary items", codeOf("temp")},
-    {u"temporary items folder", codeOf("temp")},
-    {u"trash", codeOf("trsh")},
-    {u"trash folder", codeOf("trsh")},
-    {u"users folder", codeOf("usrs")},
-    {u"utilities folder", codeOf("uti$")},
-    {u"current user folder", codeOf("cusr")},
+    {u"application support", folders::ApplicationSupport},
+    {u"applications folder", folders::Applications},
+    {u"desktop", folders::Desktop},
+    {u"desktop folder", folders::Desktop},
+    {u"documents folder", folders::Documents},
+    {u"downloads folder", folders::Downloads},
+    {u"fonts", folders::Fonts},
+    {u"fonts folder", folders::Fonts},
+    {u"home folder", folders::Home},
+    {u"library folder", folders::Library},
+    {u"movies folder", folders::Movies},
+    {u"music folder", folders::Music},
+    {u"pictures folder", folders::Pictures},
+    {u"preferences", folders::Preferences},
+    {u"preferences folder", folders::Preferences},
+    {u"public folder", folders::Public},
+    {u"startup disk", folders::StartupDisk},
+    {u"temporary items", folders::TemporaryItems},
+    {u"temporary items folder", folders::TemporaryItems},
+    {u"trash", folders::Trash},
+    {u"trash folder", folders::Trash},
+    {u"users folder", folders::Users},
+    {u"utilities folder", folders::Utilities},
+    {u"current user folder", folders::Home},
     {u"frontmost application", codeOf("egfp")},
     {u"me", codeOf("me  ")},
     {u"current application", codeOf("cura")},
@@ -82,8 +82,7 @@ constexpr auto ShellScript = std::to_array<CommandParameter>({
     {.label = u"with prompt", .code = codeOf("prmp")},
     {.label = u"altering line endings", .code = codeOf("alen"), .isBoolean = true},
 });
-constexpr auto InfoFor =
-    std::to_array<CommandParameter>({{.label = u"size", .code = codeOf("ptsz"), .isBoolean = true}});
+constexpr auto InfoFor = std::to_array<CommandParameter>({{.label = u"size", .code = codes::Size, .isBoolean = true}});
 constexpr auto ListFolder =
     std::to_array<CommandParameter>({{.label = u"invisibles", .code = codeOf("lfiv"), .isBoolean = true}});
 constexpr auto OpenForAccess =
@@ -115,8 +114,31 @@ constexpr auto Clipboard = std::to_array<CommandParameter>({{.label = u"as", .co
 constexpr auto SystemAttribute = std::to_array<CommandParameter>({{.label = u"has", .code = codeOf("has ")}});
 constexpr auto LocalizedString = std::to_array<CommandParameter>(
     {{.label = u"from table", .code = codeOf("froT")}, {.label = u"in bundle", .code = codeOf("in B")}});
-constexpr auto Say = std::to_array<CommandParameter>(
-    {{.label = u"using", .code = codeOf("VOIC")}, {.label = u"saving to", .code = codeOf("stof")}});
+constexpr auto Say = std::to_array<CommandParameter>({
+    {.label = u"using", .code = codeOf("VOIC")},
+    {.label = u"speaking rate", .code = codeOf("RATE")},
+    {.label = u"pitch", .code = codeOf("PTCH")},
+    {.label = u"volume", .code = codeOf("VOLU")},
+    {.label = u"saving to", .code = codeOf("stof")},
+    {.label = u"waiting until completion", .code = codeOf("wfsp"), .isBoolean = true},
+});
+constexpr auto SetVolume = std::to_array<CommandParameter>({
+    {.label = u"output volume", .code = codeOf("ouvl")},
+    {.label = u"input volume", .code = codeOf("invl")},
+    {.label = u"alert volume", .code = codeOf("alvl")},
+    {.label = u"output muted", .code = codeOf("mute"), .isBoolean = true},
+});
+constexpr auto ChooseColor = std::to_array<CommandParameter>({{.label = u"default color", .code = codeOf("dcol")}});
+constexpr auto ChooseURL = std::to_array<CommandParameter>({
+    {.label = u"showing", .code = codeOf("cusv")},
+    {.label = u"editable URL", .code = codeOf("pedu"), .isBoolean = true},
+});
+constexpr auto ChooseApplication = std::to_array<CommandParameter>({
+    {.label = u"with title", .code = codeOf("appr")},
+    {.label = u"with prompt", .code = codeOf("prmp")},
+    {.label = u"multiple selections allowed", .code = codeOf("mlsl"), .isBoolean = true},
+    {.label = u"as", .code = codeOf("rtyp")},
+});
 constexpr auto DisplayDialog = std::to_array<CommandParameter>({
     {.label = u"default answer", .code = codeOf("dtxt")},
     {.label = u"hidden answer", .code = codeOf("htxt"), .isBoolean = true},
@@ -202,6 +224,11 @@ constexpr auto AdditionCommands = std::to_array<CommandTerm>({
     {.name = u"choose file", .code = eventOf("sysostdf"), .direct = OptionalDirect, .parameters = Choose},
     {.name = u"choose folder", .code = eventOf("sysostfl"), .direct = OptionalDirect, .parameters = Choose},
     {.name = u"choose file name", .code = eventOf("sysonwfl"), .direct = OptionalDirect, .parameters = Choose},
+    {.name = u"choose color", .code = eventOf("sysochcl"), .parameters = ChooseColor},
+    {.name = u"choose URL", .code = eventOf("sysochur"), .parameters = ChooseURL},
+    {.name = u"choose application", .code = eventOf("sysoppcb"), .parameters = ChooseApplication},
+    {.name = u"set volume", .code = eventOf("aevtstvl"), .direct = OptionalDirect, .parameters = SetVolume},
+    {.name = u"get volume settings", .code = eventOf("sysogtvl")},
     {.name = u"choose from list", .code = eventOf("gtqpchlt"), .direct = RequiredDirect, .parameters = Choose},
 });
 
@@ -211,23 +238,23 @@ struct KeyRow {
 };
 
 constexpr auto Keys = std::to_array<KeyRow>({
-    {u"displayed name", codeOf("dnam")},
-    {u"short name", codeOf("cfbn")},
-    {u"name extension", codeOf("nmxt")},
-    {u"bundle identifier", codeOf("bnid")},
+    {u"displayed name", codes::DisplayedName},
+    {u"short name", codes::ShortName},
+    {u"name extension", codes::NameExtension},
+    {u"bundle identifier", codes::BundleIdentifier},
     {u"type identifier", codeOf("utid")},
-    {u"kind", codeOf("kind")},
-    {u"creation date", codeOf("ascd")},
-    {u"modification date", codeOf("asmo")},
-    {u"file type", codeOf("asty")},
+    {u"kind", codes::Kind},
+    {u"creation date", codes::CreationDate},
+    {u"modification date", codes::ModificationDate},
+    {u"file type", codes::FileType},
     {u"file creator", codeOf("asct")},
     {u"short version", codeOf("assv")},
     {u"long version", codeOf("aslv")},
-    {u"size", codeOf("ptsz")},
+    {u"size", codes::Size},
     {u"package folder", codeOf("ispk")},
-    {u"extension hidden", codeOf("hidx")},
-    {u"visible", codeOf("pvis")},
-    {u"locked", codeOf("aslk")},
+    {u"extension hidden", codes::ExtensionHidden},
+    {u"visible", codes::Visible},
+    {u"locked", codes::Locked},
     {u"busy status", codeOf("ibzy")},
     {u"folder", codeOf("asdr")},
     {u"button returned", codeOf("bhit")},
@@ -244,6 +271,15 @@ constexpr auto Keys = std::to_array<KeyRow>({
     {u"host name", codeOf("ldsa")},
     {u"physical memory", codeOf("sipm")},
     {u"CPU type", codeOf("sict")},
+    {u"CPU speed", codeOf("sics")},
+    {u"boot volume", codeOf("sibv")},
+    {u"user locale", codeOf("siul")},
+    {u"IPv4 address", codeOf("siip")},
+    {u"primary Ethernet address", codeOf("siea")},
+    {u"output volume", codeOf("ouvl")},
+    {u"input volume", codeOf("invl")},
+    {u"alert volume", codeOf("alvl")},
+    {u"output muted", codeOf("mute")},
 });
 
 } // namespace

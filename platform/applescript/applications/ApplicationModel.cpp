@@ -1,8 +1,10 @@
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/SpecifierResolution.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Evaluator.h"
+#include <algorithm>
 
 namespace mac::applescript {
 
@@ -11,8 +13,8 @@ namespace {
 // An object as one of the class; anything as a list of itself.
 Value objectAs(ModelObject& object, Code type) {
     Value const specifier = object.specifier();
-    if (type == 0 || type == codeOf("obj ") || type == codeOf("****")) return specifier;
-    if (type == codeOf("list")) return Value::list({specifier});
+    if (type == 0 || type == codes::ReferenceType || type == codes::AnyType) return specifier;
+    if (type == codes::ListType) return Value::list({specifier});
     if (std::optional<Value> const made = object.coerced(type)) return *made;
     throw cannotMake(specifier, type);
 }
@@ -24,12 +26,11 @@ Value meantAs(ModelApplication& application, Meant const& meant, Code type, Text
         if (!isInApplication(meant.value)) return requireType(meant.value, type, context);
         return meantAs(application, application.follow(meant.value, context), type, context);
     }
-    // alias list
-    bool const isAliasList = type == codeOf("alst");
-    bool const isWhole = type == 0 || type == codeOf("list") || isAliasList;
+    bool const isAliasList = type == codes::AliasListType;
+    bool const isWhole = type == 0 || type == codes::ListType || isAliasList;
     std::vector<Value> values;
     for (Meant const& one : *meant.list)
-        values.push_back(meantAs(application, one, isAliasList ? codeOf("alis") : 0, context));
+        values.push_back(meantAs(application, one, isAliasList ? codes::AliasType : 0, context));
     Value const list = Value::list(std::move(values));
     return isWhole ? list : requireType(list, type, context);
 }
@@ -69,20 +70,47 @@ void addObjects(Meant const& meant, ModelApplication& application, TextContext c
 
 } // namespace
 
-std::optional<Value> ModelObject::property(Code code) {
-    if (code == codeOf("pcls")) return Value::type(type());
-    return {};
+PropertyAnswer ModelObject::answer(Code code) {
+    if (code == codes::Class) return Value::type(type());
+    PropertyRow const* const found = row().property(code);
+    return found ? found->read(*this) : PropertyAnswer(std::optional<Value>());
 }
 
-ModelPointer ModelObject::objectProperty(Code /*code*/) { return nullptr; }
+std::optional<Value> ModelObject::property(Code code) {
+    PropertyAnswer const found = answer(code);
+    return found.object ? std::optional(found.object->specifier()) : found.value;
+}
 
-bool ModelObject::setProperty(Code /*code*/, Value const& /*value*/, TextContext const& /*context*/) { return false; }
+Value ModelObject::properties() {
+    std::vector<ClassRow const*> rows;
+    for (ClassRow const* kind = &row(); kind; kind = kind->parent)
+        rows.push_back(kind);
+    std::vector<std::pair<Symbol, Value>> fields;
+    fields.emplace_back(termSymbol(codes::Class, nameOfCode(codes::Class)), Value::type(type()));
+    std::ranges::reverse(rows);
+    for (ClassRow const* const kind : rows) {
+        for (PropertyRow const& each : kind->properties) {
+            if (each.isIn == InProperties::Unlisted) continue;
+            if (std::optional<Value> const value = property(each.code))
+                fields.emplace_back(termSymbol(each.code, nameOfCode(each.code)), *value);
+        }
+    }
+    return Value::record(std::move(fields));
+}
 
-std::optional<std::vector<ModelPointer>> ModelObject::elements(Code /*elementType*/) { return {}; }
+bool ModelObject::setProperty(Code code, Value const& value, TextContext const& context) {
+    PropertyRow const* const found = row().property(code);
+    return found && found->write && found->write(*this, value, context);
+}
+
+std::optional<std::vector<ModelPointer>> ModelObject::elements(Code elementType) {
+    ElementRow const* const found = row().element(elementType);
+    return found ? found->read(*this, elementType) : std::nullopt;
+}
 
 ModelPointer ModelObject::elementNamed(Code elementType, std::u16string const& name) {
     for (ModelPointer const& element : elements(elementType).value_or(std::vector<ModelPointer>())) {
-        std::optional<Value> const found = element->property(codeOf("pnam"));
+        std::optional<Value> const found = element->property(codes::Name);
         if (found && found->is(ValueKind::Text) && foldedName(found->units()) == foldedName(name)) return element;
     }
     return nullptr;
@@ -90,7 +118,7 @@ ModelPointer ModelObject::elementNamed(Code elementType, std::u16string const& n
 
 ModelPointer ModelObject::elementIdentified(Code elementType, Value const& identifier) {
     for (ModelPointer const& element : elements(elementType).value_or(std::vector<ModelPointer>())) {
-        std::optional<Value> const found = element->property(codeOf("ID  "));
+        std::optional<Value> const found = element->property(codes::Identifier);
         if (!found || found->kind() != identifier.kind()) continue;
         bool const isSame = found->is(ValueKind::Text)
                                 ? found->units() == identifier.units()
@@ -107,8 +135,10 @@ ModelPointer ModelApplication::objectOfFile(FileObject const& /*file*/) { return
 Value ModelApplication::self() const { return makeObject<ApplicationObject>(ValueKind::Application, name(), false); }
 
 Meant ModelApplication::follow(Value const& meant, TextContext const& context) {
-    return SpecifierResolution(
-               root(), [this](FileObject const& file) { return objectOfFile(file); }, context)
+    return SpecifierResolution({.root = root(),
+                                .fileObject = [this](FileObject const& file) { return objectOfFile(file); },
+                                .dictionary = dictionary()},
+                               context)
         .follow(meant);
 }
 
@@ -126,6 +156,15 @@ std::vector<ModelPointer> ModelApplication::objects(Value const& meant, TextCont
 
 Value ModelApplication::directOf(ApplicationCommand const& command) {
     return command.direct.isNothing() ? command.subject : command.direct;
+}
+
+Value ModelApplication::placeOf(ApplicationCommand const& command) {
+    Value const* const at = command.find(codes::InsertionParameter);
+    Value place = at ? *at : command.subject;
+    auto const hasForm = [&](Form form) { return place.is(ValueKind::Specifier) && place.specifier().form == form; };
+    if (hasForm(Form::Beginning) || hasForm(Form::End)) place = Value(place.specifier().container);
+    if (hasForm(Form::Every)) place = Value(place.specifier().container);
+    return place.isNothing() ? command.subject : place;
 }
 
 Value ModelApplication::get(Value const& specifier, Code type, TextContext const& context) {
@@ -159,16 +198,21 @@ std::size_t ModelApplication::count(Value const& specifier, Code elementClass, T
         if (!count) throw notUnderstood(specifier, u"count");
         return *count;
     }
-    Code const type = elementClass == 0 ? codeOf("cobj") : elementClass;
+    Code const type = elementClass == 0 ? codes::Item : elementClass;
     std::optional<std::vector<ModelPointer>> const elements = meant.object->elements(type);
     if (!elements) throw cannotGet(elementSpecifier(Form::Every, type, specifier));
     return elements->size();
 }
 
 Value ModelApplication::perform(Evaluator& evaluator, ApplicationCommand const& command) {
-    std::optional<Value> const answer = carryOut(evaluator, command);
-    if (answer) return *answer;
-    throw notUnderstood(directOf(command), command.term.name);
+    CommandRow const* const row = dictionary().command(command.term.code);
+    if (!row) throw notUnderstood(directOf(command), command.term.name);
+    return row->perform(*this, evaluator, command);
+}
+
+Terminology const* ModelApplication::terms() const {
+    if (!m_terms) m_terms = dictionary().terminology();
+    return &*m_terms;
 }
 
 } // namespace mac::applescript

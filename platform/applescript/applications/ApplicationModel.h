@@ -1,13 +1,9 @@
 #pragma once
 
+#include "platform/applescript/applications/Dictionary.h"
 #include "platform/applescript/runtime/Application.h"
-#include <functional>
-#include <memory>
 
 namespace mac::applescript {
-
-class ModelObject;
-using ModelPointer = std::shared_ptr<ModelObject>;
 
 // One object of an application, made when a specifier leads to it and gone when the command is done. It answers for the
 // real thing, which may change or go at any time.
@@ -18,28 +14,30 @@ public:
     ModelObject(ModelObject const&) = delete;
     ModelObject& operator=(ModelObject const&) = delete;
 
-    virtual Code type() const = 0;
-    // Also for the classes that its own is a kind of.
-    virtual bool isOfType(Code sought) const { return sought == type() || sought == codeOf("cobj"); }
+    // Its class, with the functions that read and set its properties and list its elements.
+    virtual ClassRow const& row() const = 0;
     // By which scripts are told of it.
     virtual Value specifier() const = 0;
 
-    // Nothing for a property that it has not. A specifier stands for the object it leads to.
-    virtual std::optional<Value> property(Code code);
-    // A property that is an object itself; null for any other.
-    virtual ModelPointer objectProperty(Code code);
-    // Those that `properties` is a record of.
-    virtual std::vector<Code> propertyCodes() const { return {}; }
-    // False for a property that it has not, or that cannot be set.
-    virtual bool setProperty(Code code, Value const& value, TextContext const& context);
+    Code type() const { return row().code; }
+    // Also for the classes that its own is a kind of.
+    virtual bool isOfType(Code sought) const { return row().isKindOf(sought); }
 
-    // Of the class and in their order; nothing where it has no such elements.
-    virtual std::optional<std::vector<ModelPointer>> elements(Code elementType);
+    // Neither object nor value for a property that it lacks.
+    PropertyAnswer answer(Code code);
+    // The same with the specifier of an object as the value.
+    std::optional<Value> property(Code code);
+    // The record of the properties that are listed in it.
+    Value properties();
+    // False for a property that it lacks, or that cannot be set.
+    bool setProperty(Code code, Value const& value, TextContext const& context);
+    // The elements of the class in their order; nullopt if it has no such elements.
+    std::optional<std::vector<ModelPointer>> elements(Code elementType);
     // Null where there is none.
     virtual ModelPointer elementNamed(Code elementType, std::u16string const& name);
     virtual ModelPointer elementIdentified(Code elementType, Value const& identifier);
 
-    // As text, an alias …; nothing where it cannot be.
+    // As text, an alias …; nullopt if it cannot be one of the class.
     virtual std::optional<Value> coerced(Code wanted);
 };
 
@@ -53,6 +51,9 @@ struct Meant {
 // An application that is part of this engine: what scripts ask is answered by its objects.
 class ModelApplication : public Application {
 public:
+    // The same object each time.
+    virtual Dictionary const& dictionary() const = 0;
+    Terminology const* terms() const final;
     Value get(Value const& specifier, Code type, TextContext const& context) final;
     void set(Value const& specifier, Value const& value, TextContext const& context) final;
     bool exists(Value const& specifier, TextContext const& context) final;
@@ -67,13 +68,16 @@ public:
     std::vector<ModelPointer> objects(Value const& meant, TextContext const& context);
     // The direct parameter, or what is being told.
     static Value directOf(ApplicationCommand const& command);
+    // The container that a new object is put into: X of `at end of folders of X`, else what is being told.
+    static Value placeOf(ApplicationCommand const& command);
 
 protected:
     virtual ModelPointer root() = 0;
     // The object that a file stands for; null where there is none.
     virtual ModelPointer objectOfFile(FileObject const& file);
-    // Nothing for a command that it does not understand.
-    virtual std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) = 0;
+
+private:
+    mutable std::optional<Terminology> m_terms{};
 };
 
 } // namespace mac::applescript

@@ -1,6 +1,9 @@
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/applications/Program.h"
+#include "platform/applescript/applications/SystemEvents.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/desktop/FileBrowserSession.h"
@@ -14,58 +17,37 @@ namespace mac::applescript {
 
 namespace {
 
+constexpr Code SortByParameter = codeOf("by  ");
+
 // The Finder itself. What lies on the desktop and the disks are its elements.
 class FinderRoot final : public ModelObject {
 public:
-    Code type() const override { return codeOf("capp"); }
+    ClassRow const& row() const override;
     Value specifier() const override { return finderItself(); }
 
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("capp"));
-        case codeOf("pnam"):
-            return Value::text(u"Finder");
-        case codeOf("ID  "):
-            return Value::text(u"com.apple.finder");
-        case codeOf("vers"):
-        case codeOf("ver2"):
-            return Value::text(u"10.6");
-        case codeOf("prun"):
-            return Value::boolean(finder::isRunning());
-        case codeOf("pisf"):
-            return Value::boolean(isFrontmost());
-        default:
-            return {};
-        }
-    }
-
-    ModelPointer objectProperty(Code code) override {
-        switch (code) {
-        case codeOf("home"):
-            return FinderItem::atPath(homePath());
-        case codeOf("desk"):
-            return FinderItem::atPath(desktopPath());
-        case codeOf("sdsk"):
-            return FinderItem::atPath("/");
-        case codeOf("trsh"):
-            return finder::trash();
-        default:
-            return nullptr;
-        }
-    }
-
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        if (elementType == codeOf("cdis")) return disks();
+    std::optional<std::vector<ModelPointer>> desktopItems(Code elementType) const {
         std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
         if (desktop) return desktop->elements(elementType);
         return std::vector<ModelPointer>();
     }
 
+    std::optional<std::vector<ModelPointer>> disks(Code /*elementType*/) const { return allDisks(); }
+
+    static std::vector<ModelPointer> allDisks() {
+        std::vector<ModelPointer> disks;
+        for (MountedVolume const& volume : mountedVolumes()) {
+            if (!volume.isStartup() && !volume.isBrowsable) continue;
+            if (ModelPointer const disk = FinderItem::atPath(volume.mountPoint)) disks.push_back(disk);
+        }
+        return disks;
+    }
+
     // A disk, a whole path, or something on the desktop.
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
-        for (ModelPointer const& disk : disks()) {
-            std::u16string const diskName = disk->property(codeOf("pnam"))->units();
+        if (elementType == codes::Process || elementType == codes::ApplicationProcess)
+            return ModelObject::elementNamed(elementType, name);
+        for (ModelPointer const& disk : allDisks()) {
+            std::u16string const diskName = disk->property(codes::Name)->units();
             std::size_t const length = std::min(name.find(u':'), name.size());
             if (foldedName(diskName) != foldedName(name.substr(0, length))) continue;
             bool const isDiskItself = length + 1 >= name.size();
@@ -76,34 +58,46 @@ public:
         return desktop ? desktop->elementNamed(elementType, name) : nullptr;
     }
 
-private:
-    static bool isFrontmost() {
-        std::optional<std::int32_t> const front = frontProcessID();
-        return front && std::ranges::any_of(fileBrowserProcesses(),
-                                            [&](ProcessIdentity const& process) { return process.pid == *front; });
-    }
-
-    static std::vector<ModelPointer> disks() {
-        std::vector<ModelPointer> disks;
-        for (MountedVolume const& volume : mountedVolumes()) {
-            if (!volume.isStartup() && !volume.isBrowsable) continue;
-            if (ModelPointer const disk = FinderItem::atPath(volume.mountPoint)) disks.push_back(disk);
-        }
-        return disks;
+    // An application by the identifier of its bundle, a disk or a process by its own.
+    ModelPointer elementIdentified(Code elementType, Value const& identifier) override {
+        bool const isApplication = elementType == codes::ApplicationFile && identifier.is(ValueKind::Text);
+        if (!isApplication) return ModelObject::elementIdentified(elementType, identifier);
+        std::optional<std::string> const path = pathOfApplicationIdentified(identifier.units());
+        std::shared_ptr<FinderItem> const found = path ? FinderItem::atPath(*path) : nullptr;
+        return found && found->isOfType(elementType) ? found : nullptr;
     }
 };
+
+Value finderName(FinderRoot const& /*finder*/) { return Value::text(u"Finder"); }
+Value finderIdentifier(FinderRoot const& /*finder*/) { return Value::text(u"com.apple.finder"); }
+Value finderVersion(FinderRoot const& /*finder*/) { return Value::text(u"10.6"); }
+Value isFinderRunning(FinderRoot const& /*finder*/) { return Value::boolean(finder::isRunning()); }
+Value isFrontmost(FinderRoot const& /*finder*/) {
+    std::optional<std::int32_t> const front = frontProcessID();
+    return Value::boolean(front && std::ranges::any_of(fileBrowserProcesses(), [&](ProcessIdentity const& process) {
+                              return process.pid == *front;
+                          }));
+}
+ModelPointer homeFolder(FinderRoot const& /*finder*/) { return FinderItem::atPath(homePath()); }
+ModelPointer desktopFolder(FinderRoot const& /*finder*/) { return FinderItem::atPath(desktopPath()); }
+ModelPointer startupDisk(FinderRoot const& /*finder*/) { return FinderItem::atPath("/"); }
+ModelPointer trashOf(FinderRoot const& /*finder*/) { return finder::trash(); }
+
+// Linux: the file browsers tell no program what is selected in their windows, nor where a new item would go.
+std::optional<Value> untold(FinderRoot const& /*finder*/) { return {}; }
+
+std::optional<std::vector<ModelPointer>> finderProcesses(FinderRoot const& /*finder*/, Code /*elementType*/) {
+    return system_events::processes(finderItself());
+}
 
 // Whatever is not the Finder itself or the trash is an item on a disk.
-bool isItem(ModelObject const& object) { return object.type() != codeOf("capp") && object.type() != codeOf("ctrs"); }
+bool isItem(ModelObject const& object) {
+    return object.isOfType(codes::Item) && object.row().property(codes::InformationWindow) != nullptr;
+}
 
-struct CommandRow {
-    EventCode event;
-    finder::Command command;
-};
-
-// Names of things that this disk's owner alone may do, and that nothing here does.
+// Linux: no program may do that on a script's behalf without asking.
 Value refuse(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
-    throw ScriptError{.number = -10004, .message = messageOfNumber(-10004)};
+    throw plainError(errors::PrivilegeViolation);
 }
 
 // The desktop's file browser watches what it shows.
@@ -114,8 +108,8 @@ Value update(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand 
 
 // By name, or by the property whose name or code is given.
 Value sort(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    Value const* const by = command.find(codeOf("by  "));
-    Code code = codeOf("pnam");
+    Value const* const by = command.find(SortByParameter);
+    Code code = codes::Name;
     if (by && by->is(ValueKind::Type)) code = by->asCode();
     if (by && by->is(ValueKind::Specifier) && by->specifier().property) code = by->specifier().property->code;
     std::vector<std::pair<Value, ModelPointer>> items;
@@ -135,34 +129,104 @@ Value sort(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     return Value::list(std::move(sorted));
 }
 
-constexpr auto CommandRows = std::to_array<CommandRow>({
-    {eventOf("coredelo"), finder::remove},
-    {eventOf("coremove"), finder::move},
-    {eventOf("coreclon"), finder::duplicate},
-    {eventOf("corecrel"), finder::make},
-    {eventOf("aevtodoc"), finder::open},
-    {eventOf("miscmvis"), finder::reveal},
-    {eventOf("miscslct"), finder::reveal},
-    {eventOf("miscactv"), finder::activate},
-    {eventOf("ascrnoop"), finder::activate},
-    {eventOf("aevtoapp"), finder::activate},
-    {eventOf("aevtrapp"), finder::activate},
-    {eventOf("aevtquit"), finder::quit},
-    {eventOf("fndrempt"), finder::emptyTrash},
-    {eventOf("fndrfupd"), update},
-    {eventOf("DATASORT"), sort},
-    {eventOf("fndrfera"), refuse},
-    {eventOf("fndrejct"), refuse},
-    {eventOf("fndrrest"), refuse},
-    {eventOf("fndrshut"), refuse},
-    {eventOf("fndrslep"), refuse},
+constexpr auto RootProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&finderName>},
+    {u"id", codes::Identifier, codes::TextType, reading<&finderIdentifier>},
+    {u"version", codes::Version, codes::TextType, reading<&finderVersion>},
+    {u"product version", codeOf("ver2"), codes::TextType, reading<&finderVersion>},
+    {u"running", codes::Running, codes::BooleanType, reading<&isFinderRunning>},
+    {u"frontmost", codes::Frontmost, codes::BooleanType, reading<&isFrontmost>},
+    {u"home", codes::Home, codes::Folder, reading<&homeFolder>},
+    {u"desktop", codes::Desktop, codes::Folder, reading<&desktopFolder>},
+    {u"startup disk", codes::StartupDisk, codes::Disk, reading<&startupDisk>},
+    {u"trash", codes::Trash, codes::Item, reading<&trashOf>},
+    {u"selection", codeOf("sele"), codes::ListType, reading<&untold>},
+    {u"insertion location", codeOf("pins"), codes::ReferenceType, reading<&untold>},
+    {u"desktop picture", codeOf("dpic"), codes::FileURLType, reading<&finder::desktopPicture>,
+     writing<&finder::setDesktopPicture>, InProperties::Unlisted},
 });
+constexpr auto RootElements = std::to_array<ElementRow>({
+    {codes::Disk, listing<&FinderRoot::disks>},
+    {codes::Process, listing<&finderProcesses>},
+    {codes::ApplicationProcess, listing<&finderProcesses>},
+    {codes::Item, listing<&FinderRoot::desktopItems>},
+    {codes::Container, listing<&FinderRoot::desktopItems>},
+    {codes::Folder, listing<&FinderRoot::desktopItems>},
+    {codes::File, listing<&FinderRoot::desktopItems>},
+    {codes::DocumentFile, listing<&FinderRoot::desktopItems>},
+    {codes::ApplicationFile, listing<&FinderRoot::desktopItems>},
+    {codes::AliasFile, listing<&FinderRoot::desktopItems>},
+    {codes::Package, listing<&FinderRoot::desktopItems>},
+});
+constexpr ClassRow RootRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+
+constexpr auto OpenParameters = std::to_array<CommandParameter>({
+    {.label = u"using", .code = finder::UsingParameter},
+});
+constexpr auto SortParameters = std::to_array<CommandParameter>({{.label = u"by", .code = SortByParameter}});
+constexpr auto UpdateParameters = std::to_array<CommandParameter>({
+    {.label = u"necessity", .code = codeOf("nec?"), .isBoolean = true},
+    {.label = u"registering applications", .code = codeOf("reg?"), .isBoolean = true},
+});
+constexpr auto EmptyParameters =
+    std::to_array<CommandParameter>({{.label = u"security", .code = codeOf("sec?"), .isBoolean = true}});
+constexpr DirectParameter Required = DirectParameter::Required;
+constexpr DirectParameter Optional = DirectParameter::Optional;
+
+constexpr auto FinderCommands = std::to_array<CommandRow>({
+    {commonTerms::Delete, finder::remove},
+    {commonTerms::Move, finder::move},
+    {commonTerms::Duplicate, finder::duplicate},
+    {commonTerms::Make, finder::make},
+    {{.name = u"open", .code = commonTerms::Open.code, .direct = Required, .parameters = OpenParameters}, finder::open},
+    {commonTerms::Reveal, finder::reveal},
+    {commonTerms::Select, finder::reveal},
+    {commonTerms::Activate, finder::activate},
+    {commonTerms::Launch, finder::activate},
+    {commonTerms::Run, finder::activate},
+    {commonTerms::Reopen, finder::activate},
+    {commonTerms::Quit, finder::quit},
+    {{.name = u"empty", .code = eventOf("fndrempt"), .direct = Optional, .parameters = EmptyParameters},
+     finder::emptyTrash},
+    {{.name = u"update", .code = eventOf("fndrfupd"), .direct = Required, .parameters = UpdateParameters}, update},
+    {{.name = u"sort", .code = eventOf("DATASORT"), .direct = Required, .parameters = SortParameters}, sort},
+    {{.name = u"erase", .code = eventOf("fndrfera"), .direct = Required}, refuse},
+    {{.name = u"eject", .code = eventOf("fndrejct"), .direct = Optional}, refuse},
+    {commonTerms::Restart, refuse},
+    {commonTerms::ShutDown, refuse},
+    {commonTerms::Sleep, refuse},
+});
+
+constexpr auto FinderConstants = std::to_array<NameRow>({
+    {u"read only", codeOf("read")},
+    {u"read write", codeOf("rdwr")},
+    {u"write only", codeOf("writ")},
+    {u"none", codeOf("none")},
+});
+constexpr auto FinderTypes = std::to_array<NameRow>({{u"alias list", codes::AliasListType}});
+
+std::span<ClassRow const* const> finderClasses() {
+    static std::vector<ClassRow const*> const all = [] {
+        std::vector<ClassRow const*> rows{&RootRow, &finder::TrashRow};
+        for (std::span<ClassRow const* const> const more : {finderItemKinds(), system_events::processKinds()})
+            rows.insert(rows.end(), more.begin(), more.end());
+        return rows;
+    }();
+    return all;
+}
+
+ClassRow const& FinderRoot::row() const { return RootRow; }
 
 class Finder final : public ModelApplication {
 public:
     std::u16string name() const override { return u"Finder"; }
     std::u16string identifier() const override { return u"com.apple.finder"; }
-    Terminology const* terms() const override { return &finderTerms(); }
+    Dictionary const& dictionary() const override {
+        static Dictionary const all{
+            .classes = finderClasses(), .types = FinderTypes, .constants = FinderConstants, .commands = FinderCommands};
+        return all;
+    }
     bool isRunning() const override { return finder::isRunning(); }
 
 protected:
@@ -171,12 +235,6 @@ protected:
     ModelPointer objectOfFile(FileObject const& file) override {
         std::optional<std::string> const path = fileSystemBytesFromUnits(file.path);
         return path ? FinderItem::atPath(*path) : nullptr;
-    }
-
-    std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
-        auto const* const row = std::ranges::find(CommandRows, command.term.code, &CommandRow::event);
-        if (row == CommandRows.end()) return {};
-        return row->command(*this, evaluator, command);
     }
 };
 
@@ -196,7 +254,7 @@ FinderItems itemsOf(std::vector<ModelPointer> const& found) {
 std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
     if (found.size() != 1) throw plainError(errors::CannotPutThere);
     // The Finder's own elements are what lies on the desktop.
-    if (found.front()->type() == codeOf("capp")) {
+    if (found.front()->type() == codes::Application) {
         std::shared_ptr<FinderItem> const desktop = FinderItem::atPath(desktopPath());
         if (!desktop) throw cannotGet(Value::text(shownName(desktopPath())));
         return desktop;

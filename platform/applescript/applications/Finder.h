@@ -8,9 +8,10 @@
 
 namespace mac::applescript {
 
-Terminology const& finderTerms();
-
 namespace finder {
+
+// FinderTrash.cpp: the class of the trash.
+extern ClassRow const TrashRow;
 
 using FinderItems = std::vector<std::shared_ptr<FinderItem>>;
 
@@ -21,14 +22,16 @@ std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found);
 // A command about one item answers that, one about several a list.
 Value answerOf(Value const& meant, std::vector<Value> answers);
 
+// DesktopPicture.cpp; both throw if the desktop does not tell.
+std::optional<Value> desktopPicture(ModelObject const& root);
+bool setDesktopPicture(ModelObject const& root, Value const& value, TextContext const& context);
+
 // FinderTrash.cpp
 ModelPointer trash();
 bool isTrash(std::vector<ModelPointer> const& found);
 Value movedToTrash(FinderItem const& item);
 // The answer of a command about them.
 Value moveToTrash(FinderItems const& items, Value const& meant);
-
-using Command = Value (*)(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 
 // FinderTrash.cpp
 Value remove(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
@@ -37,9 +40,21 @@ Value emptyTrash(ModelApplication& finder, Evaluator& evaluator, ApplicationComm
 void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& folder, NameClash clash);
 Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
-// FinderMaking.cpp
+// FinderMaking.cpp: a new folder, file or alias file, and what it is to be.
+struct NewItem {
+    Code type{0};
+    // The path that an alias file leads to.
+    std::string target{};
+    // A record; null without one.
+    Value const* properties{nullptr};
+};
+std::shared_ptr<FinderItem> makeIn(FinderItem const& folder, NewItem const& item, TextContext const& context);
 Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 // FinderWindows.cpp
+// The programs that are to open items instead of their own.
+inline constexpr Code UsingParameter = codeOf("usin");
+// Opens the item as a double click on it does.
+void openPath(std::string const& path, Value const& object);
 Value open(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 Value reveal(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 Value activate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);

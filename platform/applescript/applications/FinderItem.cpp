@@ -2,6 +2,7 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/FileErrors.h"
+#include "platform/applescript/runtime/RunLimits.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/applescript/runtime/TextComparison.h"
 #include "platform/files/HFSPaths.h"
@@ -49,9 +50,9 @@ std::optional<ItemFacts> factsOf(FileDescriptor const& folder, std::string const
 }
 
 Code typeOf(std::string_view name, std::uint32_t mode) {
-    if (S_ISLNK(mode)) return codeOf("alia");
-    if (S_ISREG(mode)) return codeOf("docf");
-    return S_ISDIR(mode) ? classOfFolderNamed(name) : codeOf("cobj");
+    if (S_ISLNK(mode)) return codes::AliasFile;
+    if (S_ISREG(mode)) return codes::DocumentFile;
+    return S_ISDIR(mode) ? classOfFolderNamed(name) : codes::Item;
 }
 
 bool isDisk(std::string const& path) {
@@ -91,7 +92,7 @@ std::shared_ptr<FinderItem> FinderItem::atPath(std::string const& path) {
         return inFolder(std::string(BytePath(*direct).parent()), std::string(BytePath(*direct).leaf()), Value());
     Result<FileDescriptor> const root = openFolder("/");
     std::optional<ItemFacts> const facts = root.hasValue() ? factsOf(root.value(), ".") : std::nullopt;
-    return facts ? std::make_shared<FinderItem>("/", *facts, codeOf("cdis"), Value()) : nullptr;
+    return facts ? std::make_shared<FinderItem>("/", *facts, codes::Disk, Value()) : nullptr;
 }
 
 std::shared_ptr<FinderItem> FinderItem::inFolder(std::string const& folderPath, std::string const& name,
@@ -100,30 +101,19 @@ std::shared_ptr<FinderItem> FinderItem::inFolder(std::string const& folderPath, 
     std::optional<ItemFacts> const facts = parent.hasValue() ? factsOf(parent.value(), name) : std::nullopt;
     if (!facts) return nullptr;
     std::string path = BytePath(folderPath).joined(name);
-    Code const type = S_ISDIR(facts->mode) && isDisk(path) ? codeOf("cdis") : typeOf(name, facts->mode);
+    Code const type = S_ISDIR(facts->mode) && isDisk(path) ? codes::Disk : typeOf(name, facts->mode);
     return std::make_shared<FinderItem>(std::move(path), *facts, type, folder);
 }
 
 bool FinderItem::isFolder() const { return S_ISDIR(m_facts.mode); }
 
-bool FinderItem::isOfType(Code sought) const {
-    switch (sought) {
-    case codeOf("cobj"):
-        return true;
-    case codeOf("ctnr"):
-        return m_type == codeOf("cfol") || m_type == codeOf("cdis");
-    case codeOf("file"):
-        return m_type == codeOf("docf") || m_type == codeOf("appf") || m_type == codeOf("alia") ||
-               m_type == codeOf("pack");
-    default:
-        return sought == m_type;
-    }
-}
+ClassRow const& FinderItem::row() const { return finderClassOf(m_type); }
+
+Value FinderItem::folder() const { return m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder; }
 
 Value FinderItem::specifier() const {
-    if (m_type == codeOf("cdis")) return folderSpecifier(m_path);
-    return itemSpecifier(m_type, BytePath(m_path).leaf(),
-                         m_folder.isNothing() ? folderSpecifier(parentOf(m_path)) : m_folder);
+    if (m_type == codes::Disk) return folderSpecifier(m_path);
+    return itemSpecifier(m_type, BytePath(m_path).leaf(), folder());
 }
 
 OpenItem FinderItem::open() const {
@@ -135,11 +125,8 @@ OpenItem FinderItem::open() const {
     return item.takeValue();
 }
 
-std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) {
-    constexpr auto types =
-        std::to_array<Code>({codeOf("cobj"), codeOf("ctnr"), codeOf("cfol"), codeOf("file"), codeOf("docf"),
-                             codeOf("appf"), codeOf("alia"), codeOf("pack"), codeOf("cdis")});
-    if (!isFolder() || std::ranges::find(types, elementType) == types.end()) return {};
+std::optional<std::vector<ModelPointer>> FinderItem::items(Code elementType) {
+    if (!isFolder()) return {};
     Result<FileDescriptor> const folder = openFolder(m_path);
     if (!folder.hasValue()) throw fileError(folder.problem(), specifier());
     Result<IdentifiedItem> const found = identify(folder.value());
@@ -158,6 +145,24 @@ std::optional<std::vector<ModelPointer>> FinderItem::elements(Code elementType) 
     return elements;
 }
 
+bool FinderItem::rename(Value const& value, TextContext const& context) {
+    std::u16string const wanted = requireText(value, context);
+    std::optional<std::string> const name =
+        wanted.find(u':') == std::u16string::npos ? nameOnDisk(wanted) : std::nullopt;
+    if (!name || m_path == "/" || m_type == codes::Disk) throw badFileName(specifier());
+    OpenItem const item = open();
+    if (*name == item.name) return true;
+    // A file system of several layers copies a folder of a lower layer.
+    Result<void, ReplacingProblem> const moved = moveItem(
+        {.item = item, .folder = item.folder, .name = *name, .shouldContinue = mayRunGoOn}, NameClash::IsRefused);
+    if (!moved.isDone()) {
+        if (moved.problem().transfer.kind != TransferProblem::Kind::OriginalStays) stopRunIfAsked();
+        throw transferError(moved.problem(), specifier(), FileCommand::UseItem);
+    }
+    m_path = BytePath(parentOf(m_path)).joined(*name);
+    return true;
+}
+
 // The name may be a path of several, with colons between.
 ModelPointer FinderItem::elementNamed(Code elementType, std::u16string const& name) {
     if (!isFolder()) return nullptr;
@@ -168,21 +173,21 @@ ModelPointer FinderItem::elementNamed(Code elementType, std::u16string const& na
     bool const isWhole = colon == std::u16string::npos || colon + 1 == name.size();
     if (!isWhole) return found->elementNamed(elementType, name.substr(colon + 1));
     // Among a folder's elements a disk goes by the class that its folder alone would have.
-    bool const isListedDisk = found->type() == codeOf("cdis") && typeOf(*first, found->facts().mode) == elementType;
+    bool const isListedDisk = found->type() == codes::Disk && typeOf(*first, found->facts().mode) == elementType;
     return isListedDisk || found->isOfType(elementType) ? found : nullptr;
 }
 
 std::optional<Value> FinderItem::coerced(Code wanted) {
     std::u16string const path = unitsFromFileSystemBytes(m_path);
     switch (wanted) {
-    case codeOf("ctxt"):
-    case codeOf("TEXT"):
-    case codeOf("utxt"):
+    case codes::TextType:
+    case codes::StringType:
+    case codes::UnicodeTextType:
         return Value::text(hfsPathFromPOSIXPath(path, isFolder()));
-    case codeOf("alis"):
+    case codes::AliasType:
         return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
-    case codeOf("furl"):
-    case codeOf("psxf"):
+    case codes::FileURLType:
+    case codes::POSIXFileType:
         return makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile, path);
     default:
         return isOfType(wanted) ? std::optional(specifier()) : std::nullopt;

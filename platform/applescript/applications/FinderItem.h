@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/ApplicationModel.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/system/items/ItemIdentity.h"
 
 namespace mac {
@@ -38,39 +39,37 @@ public:
     static std::shared_ptr<FinderItem> inFolder(std::string const& folderPath, std::string const& name,
                                                 Value const& folder);
 
-    Code type() const override { return m_type; }
-    bool isOfType(Code sought) const override;
+    ClassRow const& row() const override;
     Value specifier() const override;
-    std::optional<Value> property(Code code) override;
-    std::vector<Code> propertyCodes() const override;
-    bool setProperty(Code code, Value const& value, TextContext const& context) override;
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override;
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override;
     std::optional<Value> coerced(Code wanted) override;
 
     std::string const& path() const { return m_path; }
     ItemFacts const& facts() const { return m_facts; }
-    bool isContainer() const { return isOfType(codeOf("ctnr")); }
+    bool isContainer() const { return isOfType(codes::Container); }
     // Whether it is a folder of the file system, such as a package.
     bool isFolder() const;
     // Opens this very item; throws if it is no longer there.
     OpenItem open() const;
 
-private:
-    std::optional<Value> diskProperty(Code code) const;
-    Value shownProperty(Code code) const;
-    std::optional<Value> placeProperty(Code code);
-    std::optional<Value> linkProperty(Code code) const;
-    Value entireContents();
-    Value wholeSize() const;
-    void rename(Value const& value, TextContext const& context);
+    // The specifier of the folder that the item lies in.
+    Value folder() const;
+    // The items of the class in the folder, in the order of a list by name; nullopt if this is no folder.
+    std::optional<std::vector<ModelPointer>> items(Code elementType);
+    bool rename(Value const& value, TextContext const& context);
 
+private:
     std::string m_path;
     ItemFacts m_facts;
     Code m_type;
     // The folder's specifier; nothing if it is to be made from the path.
     Value m_folder;
 };
+
+// FinderProperties.cpp and FinderKinds.cpp: the classes of items and what each class of them has.
+extern ClassRow const FinderItemRow;
+std::span<ClassRow const* const> finderItemKinds();
+ClassRow const& finderClassOf(Code type);
 
 // FinderMetadata.cpp: the metadata kept beside an item's contents. Reading answers an empty value if the item has none
 // or it cannot be read; setting throws if it cannot be written.

@@ -16,13 +16,11 @@ namespace mac::applescript::finder {
 
 namespace {
 
-constexpr std::int32_t CannotMakeClass = -2710;
-
 // Creates the item, with all permissions that the umask leaves. EEXIST if the name is taken.
 Result<void> makeItem(int folder, std::string const& name, Code type, std::string const& target) {
     auto const answer = [&](bool isMade) { return isMade ? Result<void>() : lastSystemError("make", name); };
-    if (type == codeOf("cfol")) return answer(::mkdirat(folder, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0);
-    if (type == codeOf("alia")) return answer(::symlinkat(target.c_str(), folder, name.c_str()) == 0);
+    if (type == codes::Folder) return answer(::mkdirat(folder, name.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0);
+    if (type == codes::AliasFile) return answer(::symlinkat(target.c_str(), folder, name.c_str()) == 0);
     constexpr mode_t everybodyReads = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     FileDescriptor const file(
         ::openat(folder, name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, everybodyReads));
@@ -30,28 +28,28 @@ Result<void> makeItem(int folder, std::string const& name, Code type, std::strin
 }
 
 std::u16string firstName(Code type, std::string const& target) {
-    if (type == codeOf("cfol")) return u"untitled folder";
-    if (type == codeOf("alia")) return shownName(BytePath(target).leaf()) + u" alias";
+    if (type == codes::Folder) return u"untitled folder";
+    if (type == codes::AliasFile) return shownName(BytePath(target).leaf()) + u" alias";
     return u"untitled";
 }
 
 Code classToMake(ApplicationCommand const& command) {
-    Value const* const named = command.find(codeOf("kocl"));
+    Value const* const named = command.find(codes::NewClassParameter);
     // make folder
     Value const* const type = named || command.direct.isNothing() ? named : &command.direct;
     if (!type) throw missingParameter(u"new", command.term.name);
     if (!type->is(ValueKind::Type)) throw plainError(errors::CannotCoerce);
     switch (type->asCode()) {
-    case codeOf("cfol"):
-    case codeOf("alia"):
+    case codes::Folder:
+    case codes::AliasFile:
         return type->asCode();
-    case codeOf("alis"):
-        return codeOf("alia");
-    case codeOf("file"):
-    case codeOf("docf"):
-        return codeOf("docf");
+    case codes::AliasType:
+        return codes::AliasFile;
+    case codes::File:
+    case codes::DocumentFile:
+        return codes::DocumentFile;
     default:
-        throw ScriptError{.number = CannotMakeClass,
+        throw ScriptError{.number = errors::CannotMakeClass,
                           .message = u"Can’t make class " + nameOfCode(type->asCode()) + u"."};
     }
 }
@@ -75,39 +73,41 @@ std::string makeUnder(OpenItem const& folder, std::optional<std::string> const& 
 
 } // namespace
 
-Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
-    TextContext const& context = evaluator.context();
-    Code const type = classToMake(command);
-    Value const* const at = command.find(codeOf("insh"));
-    std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(at ? *at : command.subject, context));
-    std::string target;
-    if (type == codeOf("alia")) {
-        Value const* const to = command.find(codeOf("to  "));
-        if (!to) throw missingParameter(u"to", command.term.name);
-        FinderItems const originals = itemsOf(finder.objects(*to, context));
-        if (originals.size() != 1) throw plainError(-10014);
-        target = originals.front()->path();
-    }
-    Value const* const properties = command.find(codeOf("prdt"));
-    if (properties && !properties->is(ValueKind::Record)) throw cannotMake(*properties, codeOf("reco"));
+std::shared_ptr<FinderItem> makeIn(FinderItem const& folder, NewItem const& item, TextContext const& context) {
+    if (item.properties && !item.properties->is(ValueKind::Record))
+        throw cannotMake(*item.properties, codes::RecordType);
     std::vector<std::pair<Symbol, Value>> const fields =
-        properties ? properties->fields() : std::vector<std::pair<Symbol, Value>>();
+        item.properties ? item.properties->fields() : std::vector<std::pair<Symbol, Value>>();
     std::optional<std::string> name;
     for (auto const& [key, value] : fields) {
-        if (key->code != codeOf("pnam")) continue;
+        if (key->code != codes::Name) continue;
         std::u16string const written = requireText(value, context);
         name = written.find(u':') == std::u16string::npos ? nameOnDisk(written) : std::nullopt;
         if (!name) throw badFileName(value);
     }
-    std::string const made = makeUnder(folder->open(), name, type, target, folder->specifier());
-    std::shared_ptr<FinderItem> const item = FinderItem::inFolder(folder->path(), made, folder->specifier());
-    if (!item) throw cannotGet(folder->specifier());
+    std::string const made = makeUnder(folder.open(), name, item.type, item.target, folder.specifier());
+    std::shared_ptr<FinderItem> const created = FinderItem::inFolder(folder.path(), made, folder.specifier());
+    if (!created) throw cannotGet(folder.specifier());
     for (auto const& [key, value] : fields) {
-        if (key->code == codeOf("pnam")) continue;
-        Value const part = propertySpecifier(key, item->specifier());
-        if (!item->setProperty(key->code, value, context)) throw cannotSet(part, value);
+        if (key->code == codes::Name) continue;
+        Value const part = propertySpecifier(key, created->specifier());
+        if (!created->setProperty(key->code, value, context)) throw cannotSet(part, value);
     }
-    return item->specifier();
+    return created;
+}
+
+Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
+    TextContext const& context = evaluator.context();
+    NewItem item{.type = classToMake(command), .properties = command.find(codes::PropertiesParameter)};
+    std::shared_ptr<FinderItem> const folder = folderOf(finder.objects(ModelApplication::placeOf(command), context));
+    if (item.type == codes::AliasFile) {
+        Value const* const to = command.find(codes::ToParameter);
+        if (!to) throw missingParameter(u"to", command.term.name);
+        FinderItems const originals = itemsOf(finder.objects(*to, context));
+        if (originals.size() != 1) throw plainError(errors::NotSingle);
+        item.target = originals.front()->path();
+    }
+    return makeIn(*folder, item, context)->specifier();
 }
 
 } // namespace mac::applescript::finder

@@ -122,8 +122,8 @@ bool setPrivileges(OpenItem const& item, int whose, Value const& value) {
 }
 
 std::u16string kindOf(Code type, DiskItem const& item) {
-    if (type == codeOf("cdis")) return u"Volume";
-    if (type == codeOf("alia")) return u"Alias";
+    if (type == codes::Disk) return u"Volume";
+    if (type == codes::AliasFile) return u"Alias";
     NSString const identifier = NSString::stringWithUTF8String_(contentTypeOf(item));
     NSString const description = UTTypeCopyDescription(identifier);
     // Of a type that nobody describes the extension says most.

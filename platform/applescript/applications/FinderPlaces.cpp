@@ -1,4 +1,5 @@
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Terminology.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/files/Volumes.h"
@@ -36,8 +37,8 @@ std::string desktopPath() { return desktopFolder("XDG_DESKTOP_DIR").value_or(Byt
 Code classOfFolderNamed(std::string_view name) {
     std::size_t const dot = name.rfind('.');
     std::string const extension = dot == std::string_view::npos || dot == 0 ? "" : asciiLowercase(name.substr(dot + 1));
-    if (extension == "app") return codeOf("appf");
-    return isPackageExtension(extension) ? codeOf("pack") : codeOf("cfol");
+    if (extension == "app") return codes::ApplicationFile;
+    return isPackageExtension(extension) ? codes::Package : codes::Folder;
 }
 
 Value finderItself() { return makeObject<ApplicationObject>(ValueKind::Application, u"Finder", false); }
@@ -52,8 +53,8 @@ Value folderSpecifier(std::string const& path) {
     MountedVolume const* const volume = volumeOfPath(volumes, path);
     std::string const mountPoint = volume ? volume->mountPoint : "/";
     Value place = mountPoint == "/"
-                      ? propertySpecifier(termSymbol(codeOf("sdsk"), u"startup disk"), finderItself())
-                      : elementSpecifier(Form::Name, codeOf("cdis"), finderItself(), Value::text(volume->name));
+                      ? propertySpecifier(termSymbol(codes::StartupDisk, u"startup disk"), finderItself())
+                      : elementSpecifier(Form::Name, codes::Disk, finderItself(), Value::text(volume->name));
     std::string_view rest = std::string_view(path).substr(mountPoint == "/" ? 0 : mountPoint.size());
     while (!rest.empty()) {
         rest.remove_prefix(1);

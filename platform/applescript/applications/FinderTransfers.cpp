@@ -14,7 +14,7 @@ namespace mac::applescript::finder {
 namespace {
 
 bool isReplacing(ApplicationCommand const& command, TextContext const& context) {
-    Value const* const replacing = command.find(codeOf("alrp"));
+    Value const* const replacing = command.find(codes::ReplacingParameter);
     return replacing && requireBoolean(*replacing, context);
 }
 
@@ -75,7 +75,7 @@ void moveInto(Evaluator& evaluator, FinderItem const& item, FinderItem const& fo
 // Linux: to another disk it is moved too; the copy is whole before the original goes.
 Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     TextContext const& context = evaluator.context();
-    Value const* const to = command.find(codeOf("insh"));
+    Value const* const to = command.find(codes::InsertionParameter);
     if (!to) throw missingParameter(u"to", command.term.name);
     Value const meant = ModelApplication::directOf(command);
     FinderItems const items = itemsOf(finder.objects(meant, context));
@@ -94,7 +94,7 @@ Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
 
 Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     TextContext const& context = evaluator.context();
-    Value const* const to = command.find(codeOf("insh"));
+    Value const* const to = command.find(codes::InsertionParameter);
     Value const meant = ModelApplication::directOf(command);
     FinderItems const items = itemsOf(finder.objects(meant, context));
     std::shared_ptr<FinderItem> const folder = to ? folderOf(finder.objects(*to, context)) : nullptr;

@@ -6,6 +6,7 @@
 #include "platform/files/HFSPaths.h"
 #include "platform/files/Trash.h"
 #include "platform/system/items/OpenItem.h"
+#include <array>
 
 // The trash and the commands that fill and empty it.
 
@@ -16,25 +17,17 @@ namespace {
 // The trash of all volumes; its elements are the trashed items, the last one first.
 class FinderTrash final : public ModelObject {
 public:
-    Code type() const override { return codeOf("ctrs"); }
-    bool isOfType(Code sought) const override {
-        return sought == codeOf("ctrs") || sought == codeOf("cobj") || sought == codeOf("ctnr");
-    }
-    Value specifier() const override { return propertySpecifier(termSymbol(codeOf("trsh"), u"trash"), finderItself()); }
+    ClassRow const& row() const override { return finder::TrashRow; }
+    bool isOfType(Code sought) const override { return sought == codes::Container || row().isKindOf(sought); }
+    Value specifier() const override { return propertySpecifier(termSymbol(codes::Trash, u"trash"), finderItself()); }
 
-    std::optional<Value> property(Code code) override {
-        if (code == codeOf("pcls")) return Value::type(codeOf("ctrs"));
-        if (code == codeOf("pnam") || code == codeOf("dnam")) return Value::text(u"Trash");
-        return {};
-    }
-
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        std::vector<ModelPointer> items;
+    std::optional<std::vector<ModelPointer>> items(Code elementType) {
+        std::vector<ModelPointer> found;
         for (TrashedItem const& trashed : trashedItems()) {
             ModelPointer const item = FinderItem::atPath(trashed.path);
-            if (item && item->isOfType(elementType)) items.push_back(item);
+            if (item && item->isOfType(elementType)) found.push_back(item);
         }
-        return items;
+        return found;
     }
 
     std::optional<Value> coerced(Code wanted) override {
@@ -44,15 +37,36 @@ public:
     }
 };
 
+Value trashName(FinderTrash const& /*trash*/) { return Value::text(u"Trash"); }
+
+constexpr auto TrashProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&trashName>},
+    {u"displayed name", codes::DisplayedName, codes::TextType, reading<&trashName>},
+});
+constexpr auto TrashElements = std::to_array<ElementRow>({
+    {codes::Item, listing<&FinderTrash::items>},
+    {codes::Container, listing<&FinderTrash::items>},
+    {codes::Folder, listing<&FinderTrash::items>},
+    {codes::File, listing<&FinderTrash::items>},
+    {codes::DocumentFile, listing<&FinderTrash::items>},
+    {codes::ApplicationFile, listing<&FinderTrash::items>},
+    {codes::AliasFile, listing<&FinderTrash::items>},
+    {codes::Package, listing<&FinderTrash::items>},
+});
+
 } // namespace
 
 namespace finder {
 
+constinit ClassRow const TrashRow{.name = u"trash-object",
+                                  .plural = u"",
+                                  .code = codeOf("ctrs"),
+                                  .properties = TrashProperties,
+                                  .elements = TrashElements};
+
 ModelPointer trash() { return std::make_shared<FinderTrash>(); }
 
-bool isTrash(std::vector<ModelPointer> const& found) {
-    return found.size() == 1 && found.front()->type() == codeOf("ctrs");
-}
+bool isTrash(std::vector<ModelPointer> const& found) { return found.size() == 1 && &found.front()->row() == &TrashRow; }
 
 Value movedToTrash(FinderItem const& item) {
     Result<TrashedItem, TrashProblem> const result = mac::moveToTrash(item.open());

@@ -1,9 +1,13 @@
+#include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/runtime/Evaluator.h"
+#include "platform/desktop/DesktopApplication.h"
 #include "platform/desktop/FileBrowserSession.h"
 #include "platform/files/Trash.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSBundle.h"
 
 // What the Finder shows: the windows of the desktop's file browser.
 
@@ -49,18 +53,44 @@ std::vector<std::string> pathsOf(ModelApplication& finder, Value const& meant, T
 
 bool isInformationWindow(Value const& meant) {
     return meant.is(ValueKind::Specifier) && meant.specifier().form == Form::Property &&
-           meant.specifier().property->code == codeOf("iwnd");
+           meant.specifier().property->code == codes::InformationWindow;
+}
+
+// Starts a bundle's program, or that of a desktop entry, with the files. False if the item is neither.
+bool startWith(FinderItem const& program, std::vector<std::string> const& paths) {
+    if (program.path().ends_with(".desktop")) {
+        std::optional<DesktopApplication> const application =
+            applicationOfEntry(DesktopEntry::readFile(program.path()));
+        if (application) return !done(startApplication(*application, paths), program.specifier()).isMissing();
+        return false;
+    }
+    NSString const path = NSString::stringWithCodeUnits(unitsFromFileSystemBytes(program.path()));
+    std::optional<std::string> const executable =
+        NSBundle::bundleWithPath_(path).executablePath().fileSystemRepresentation();
+    if (!executable) return false;
+    std::vector<std::string> words{*executable};
+    words.insert(words.end(), paths.begin(), paths.end());
+    return startProgram(words);
 }
 
 } // namespace
+
+void openPath(std::string const& path, Value const& object) { done(FileBrowserSession().openItem(path), object); }
 
 Value open(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command) {
     if (isInformationWindow(command.direct)) {
         Value const& item = command.direct.specifier().container;
         return done(FileBrowserSession().showInformation(pathsOf(finder, item, evaluator.context())), item);
     }
-    for (std::string const& path : pathsOf(finder, command.direct, evaluator.context()))
-        done(FileBrowserSession().openItem(path), command.direct);
+    std::vector<std::string> const paths = pathsOf(finder, command.direct, evaluator.context());
+    if (Value const* const program = command.find(UsingParameter)) {
+        FinderItems const programs = itemsOf(finder.objects(*program, evaluator.context()));
+        if (programs.size() != 1) throw plainError(errors::NotSingle);
+        if (!startWith(*programs.front(), paths)) throw plainError(ApplicationNotFound);
+        return {};
+    }
+    for (std::string const& path : paths)
+        openPath(path, command.direct);
     return {};
 }
 
@@ -69,7 +99,7 @@ Value reveal(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand 
 }
 
 Value activate(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& command) {
-    bool const isLaunch = command.term.code == eventOf("ascrnoop");
+    bool const isLaunch = command.term.code == commonTerms::Launch.code;
     FileBrowserSession const browser;
     return done(isLaunch ? browser.launch() : browser.activate(), finderItself());
 }

@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/RunLimits.h"
@@ -44,7 +45,7 @@ public:
         std::vector<std::pair<Code, Value>> parameters{{codeOf("----"), specifier}};
         if (type != 0) parameters.emplace_back(codeOf("rtyp"), Value::type(type));
         Value const answer = send(eventOf("coregetd"), parameters);
-        bool const isAsWanted = type == 0 || type == codeOf("obj ") || isOfClass(answer, type);
+        bool const isAsWanted = type == 0 || type == codes::ReferenceType || isOfClass(answer, type);
         return isAsWanted || isToldTo(answer) ? answer : requireType(answer, type, context);
     }
 
@@ -57,9 +58,10 @@ public:
     }
 
     std::size_t count(Value const& specifier, Code elementClass, TextContext const& context) override {
-        Code const type = elementClass == 0 ? codeOf("cobj") : elementClass;
+        Code const type = elementClass == 0 ? codes::Item : elementClass;
         std::int32_t const count = requireInteger(
-            send(eventOf("corecnte"), {{codeOf("----"), specifier}, {codeOf("kocl"), Value::type(type)}}), context);
+            send(eventOf("corecnte"), {{codeOf("----"), specifier}, {codes::NewClassParameter, Value::type(type)}}),
+            context);
         return count < 0 ? 0 : static_cast<std::size_t>(count);
     }
 
@@ -103,16 +105,16 @@ private:
         SpecifierObject const& part = specifier.specifier();
         if (part.form != Form::Property || !part.container.is(ValueKind::Application)) return {};
         switch (part.property->code) {
-        case codeOf("prun"):
+        case codes::Running:
             return Value::boolean(isRunning());
-        case codeOf("pnam"):
+        case codes::Name:
             return Value::text(name());
-        case codeOf("ID  "): {
+        case codes::Identifier: {
             std::u16string const found = identifier();
             return found.empty() ? Value::missing() : Value::text(found);
         }
-        case codeOf("pcls"):
-            return Value::type(codeOf("capp"));
+        case codes::Class:
+            return Value::type(codes::Application);
         default:
             return {};
         }

@@ -33,7 +33,11 @@ struct InstalledProgram {
     std::u16string identifier{};
     std::vector<std::string> words{};
 };
+std::vector<InstalledProgram> installedPrograms();
 std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name);
 std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view identifier);
+// The path of the application's bundle, or of its desktop entry if it has none.
+std::optional<std::string> pathOfApplicationIdentified(std::u16string_view identifier);
+std::optional<std::string> pathOfApplicationNamed(std::u16string_view name);
 
 } // namespace mac::applescript

@@ -52,6 +52,40 @@ std::optional<InstalledProgram> installedProgram(Matches const& matches) {
     return {};
 }
 
+} // namespace
+
+std::optional<std::string> pathOfApplicationIdentified(std::u16string_view identifier) {
+    CFURLRef url;
+    NSString const wanted = NSString::stringWithCodeUnits(std::u16string(identifier));
+    if (LSFindApplicationForInfo(kLSUnknownCreator, wanted, nil, nullptr, &url) == noErr)
+        return url.path().fileSystemRepresentation();
+    for (InstalledEntry const& installed : installedEntries())
+        if (foldedName(unitsFromFileSystemBytes(installed.identifier())) == foldedName(identifier))
+            return installed.path;
+    return {};
+}
+
+std::optional<std::string> pathOfApplicationNamed(std::u16string_view name) {
+    std::u16string const plain(foldedName(name).ends_with(u".app") ? name.substr(0, name.size() - 4) : name);
+    // The Finder is the desktop's file browser.
+    if (foldedName(plain) == u"finder") return pathOfApplicationIdentified(u"com.apple.finder");
+    if (foldedName(plain) == u"system preferences") return pathOfApplicationIdentified(u"com.apple.systempreferences");
+    CFURLRef url;
+    NSString const bundle = NSString::stringWithCodeUnits(plain + u".app");
+    if (LSFindApplicationForInfo(kLSUnknownCreator, nil, bundle, nullptr, &url) == noErr)
+        return url.path().fileSystemRepresentation();
+    for (InstalledEntry const& installed : installedEntries()) {
+        DesktopEntry const entry = DesktopEntry::readFile(installed.path);
+        std::optional<std::string> const found = entry.name();
+        if (found && foldedName(unitsFromFileSystemBytes(*found)) == foldedName(plain)) return installed.path;
+    }
+    // A program that runs without being installed.
+    if (std::optional<NamedProcess> const process = processNamed(plain)) return process->executable;
+    return {};
+}
+
+namespace {
+
 // A bundle, or an entry of the desktop that has the role of an application of Mac OS X.
 std::optional<InstalledProgram> launchServicesProgram(std::u16string_view identifier) {
     CFURLRef url;
@@ -109,6 +143,15 @@ std::optional<NamedProcess> processIdentified(std::u16string_view identifier) {
     return firstProcess([&](NamedProcess const& found, RunningProcess const& /*process*/) {
         return !found.identifier.empty() && foldedName(found.identifier) == foldedName(identifier);
     });
+}
+
+std::vector<InstalledProgram> installedPrograms() {
+    std::vector<InstalledProgram> all;
+    (void)installedProgram([&](InstalledProgram const& program) {
+        all.push_back(program);
+        return false;
+    });
+    return all;
 }
 
 std::optional<InstalledProgram> installedProgramNamed(std::u16string_view name) {

@@ -1,4 +1,5 @@
 #include "platform/applescript/applications/SpecifierResolution.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
@@ -17,12 +18,13 @@ Meant listOf(std::vector<ModelPointer> const& objects) {
     return {.list = std::move(list)};
 }
 
-Value recordOf(ModelObject& object) {
-    std::vector<std::pair<Symbol, Value>> fields;
-    for (Code const code : object.propertyCodes())
-        if (std::optional<Value> const value = object.property(code))
-            fields.emplace_back(termSymbol(code, nameOfCode(code)), *value);
-    return Value::record(std::move(fields));
+// The code of the examined object's property that the operand is or lies in; nullopt if it is about no property of it.
+std::optional<Code> examinedProperty(Value const& operand) {
+    if (!operand.is(ValueKind::Specifier) || !rootOf(operand).isNothing()) return {};
+    SpecifierObject const* part = &operand.specifier();
+    while (part->container.is(ValueKind::Specifier))
+        part = &part->container.specifier();
+    return part->form == Form::Property ? std::optional(part->property->code) : std::nullopt;
 }
 
 } // namespace
@@ -63,16 +65,16 @@ Meant SpecifierResolution::partOf(Meant const& container, Value const& part) {
 
 Meant SpecifierResolution::propertyOf(Meant const& container, Value const& part) {
     Symbol const name = part.specifier().property;
-    if (name->code == codeOf("it  ")) return container;
-    if (container.object)
-        if (ModelPointer const object = container.object->objectProperty(name->code)) return {.object = object};
+    if (name->code == codes::It) return container;
     std::optional<Value> value;
     if (!container.object) {
         value = applescript::propertyOf(container.value, name, m_context);
-    } else if (name->code == codeOf("pALL")) {
-        value = recordOf(*container.object);
+    } else if (name->code == codes::Properties) {
+        value = container.object->properties();
     } else {
-        value = container.object->property(name->code);
+        PropertyAnswer answer = container.object->answer(name->code);
+        if (answer.object) return {.object = answer.object};
+        value = std::move(answer.value);
     }
     // Of many objects the property of each.
     bool const isOfEach = !value && !container.object && container.value.is(ValueKind::List);
@@ -143,7 +145,7 @@ std::size_t SpecifierResolution::placeOfEnd(std::vector<ModelPointer> const& all
     if (specifier.form != Form::Name) return placeOfEnd(all, specifier.from, complaint);
     std::u16string const name = requireText(specifier.from, m_context);
     for (std::size_t place = 0; place < all.size(); ++place) {
-        std::optional<Value> const found = all[place]->property(codeOf("pnam"));
+        std::optional<Value> const found = all[place]->property(codes::Name);
         if (found && found->is(ValueKind::Text) && foldedName(found->units()) == foldedName(name)) return place;
     }
     throw cannotGet(complaint);
@@ -170,7 +172,7 @@ Meant SpecifierResolution::chosen(std::vector<ModelPointer> const& all, Value co
         for (std::size_t place = 1; place <= all.size(); ++place)
             places.push_back(Value::number(static_cast<double>(place)));
         std::optional<Value> const place = applescript::elementOf(
-            Value::list(std::move(places)), {.form = specifier.form, .want = codeOf("cobj")}, m_context);
+            Value::list(std::move(places)), {.form = specifier.form, .want = codes::Item}, m_context);
         if (!place) throw invalidIndex(complaint);
         return {.object = all[placeOfEnd(all, *place, complaint)]};
     }
@@ -191,6 +193,8 @@ Meant SpecifierResolution::filtered(Meant const& container, Value const& filter)
     Value const& base = filter.specifier().from;
     std::vector<ModelPointer> all;
     bool const isProperty = base.specifier().form == Form::Property;
+    Code const elementType = isProperty ? codes::Item : base.specifier().want;
+    if (!isAnswerable(filter.specifier().to, elementType)) throw cannotGet(filter);
     if (isProperty) {
         Meant const listed = follow(valueOf(partOf(container, base)));
         if (!listed.list) throw cannotGet(filter);
@@ -236,6 +240,26 @@ Value SpecifierResolution::comparand(Value const& written, ModelPointer const& e
         if (!isElsewhere) throw;
         return operand(written, m_root);
     }
+}
+
+bool SpecifierResolution::isAnswerable(Value const& test, Code elementType) const {
+    requireStackRoom();
+    TestObject const& condition = test.test();
+    if (condition.operation == Operation::Not) return isAnswerable(condition.left, elementType);
+    bool const isOfBoth = condition.operation == Operation::And || condition.operation == Operation::Or;
+    if (isOfBoth) return isAnswerable(condition.left, elementType) && isAnswerable(condition.right, elementType);
+    return isProperty(condition.left, elementType) &&
+           (isProperty(condition.right, elementType) || isPropertyOfApplication(condition.right));
+}
+
+bool SpecifierResolution::isProperty(Value const& operand, Code elementType) const {
+    std::optional<Code> const property = examinedProperty(operand);
+    return !property || m_dictionary.mayHave(elementType, *property);
+}
+
+bool SpecifierResolution::isPropertyOfApplication(Value const& operand) const {
+    std::optional<Code> const property = examinedProperty(operand);
+    return property && m_root->row().property(*property) != nullptr;
 }
 
 bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined) {

@@ -1,13 +1,16 @@
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/applications/StandardFolders.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/LogOut.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
 #include <algorithm>
+#include <array>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -15,111 +18,79 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr std::int32_t MayNotDoThat = -10004;
-
 // The user who runs this program.
 class CurrentUser final : public ModelObject {
 public:
-    Code type() const override { return codeOf("uacc"); }
+    ClassRow const& row() const override;
     Value specifier() const override {
-        return elementSpecifier(Form::Name, codeOf("uacc"), system_events::itself(), Value::text(shortName()));
+        return elementSpecifier(Form::Name, codes::User, system_events::itself(), name());
     }
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("uacc"));
-        case codeOf("pnam"):
-            return Value::text(shortName());
-        case codeOf("anam"):
-            return Value::text(fullName());
-        case codeOf("home"):
-            return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias,
-                                          unitsFromFileSystemBytes(homePath()));
-        default:
-            return {};
-        }
-    }
-
-private:
+    Value name() const { return Value::text(unitsFromFileSystemBytes(nameOfUser(::getuid()).value_or(""))); }
     // The first part of what the user database says about the person.
-    static std::u16string fullName() {
+    Value fullName() const {
         passwd const* const record = ::getpwuid(::getuid());
         std::string_view const about = record && record->pw_gecos ? record->pw_gecos : "";
         std::string_view const name = about.substr(0, about.find(','));
-        return name.empty() ? shortName() : unitsFromFileSystemBytes(name);
+        return name.empty() ? this->name() : Value::text(unitsFromFileSystemBytes(name));
     }
-    static std::u16string shortName() { return unitsFromFileSystemBytes(nameOfUser(::getuid()).value_or("")); }
+    Value home() const {
+        return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, unitsFromFileSystemBytes(homePath()));
+    }
 };
+
+constexpr auto UserProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&CurrentUser::name>},
+    {u"full name", codeOf("anam"), codes::TextType, reading<&CurrentUser::fullName>},
+    {u"home directory", codes::Home, codes::AliasType, reading<&CurrentUser::home>},
+});
+constexpr ClassRow UserRow{.name = u"user", .plural = u"users", .code = codes::User, .properties = UserProperties};
+
+ClassRow const& CurrentUser::row() const { return UserRow; }
 
 class SystemEventsRoot final : public ModelObject {
 public:
-    Code type() const override { return codeOf("capp"); }
+    ClassRow const& row() const override;
     Value specifier() const override { return system_events::itself(); }
 
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("capp"));
-        case codeOf("pnam"):
-            return Value::text(u"System Events");
-        case codeOf("ID  "):
-            return Value::text(u"com.apple.systemevents");
-        case codeOf("vers"):
-            return Value::text(u"1.3");
-        case codeOf("prun"):
-            return Value::boolean(true);
-        case codeOf("pisf"):
-            return Value::boolean(false);
-        default:
-            return {};
-        }
+    Value name() const { return Value::text(u"System Events"); }
+    Value identifier() const { return Value::text(u"com.apple.systemevents"); }
+    Value version() const { return Value::text(u"1.3"); }
+    Value isRunning() const { return Value::boolean(true); }
+    Value isFrontmost() const { return Value::boolean(false); }
+    ModelPointer currentUser() const { return std::make_shared<CurrentUser>(); }
+    ModelPointer desktopFolder() const { return system_events::diskItemAt(desktopPath()); }
+    ModelPointer startupDisk() const { return system_events::diskItemAt("/"); }
+    // nullptr if the desktop has no such folder, or it is not there.
+    template <Code Folder>
+    ModelPointer folder() const {
+        std::optional<std::string> const path = standardFolder(Folder, FolderDomain::User);
+        return path ? system_events::diskItemAt(*path) : nullptr;
     }
 
-    ModelPointer objectProperty(Code code) override {
-        switch (code) {
-        case codeOf("curu"):
-            return std::make_shared<CurrentUser>();
-        case codeOf("cusr"):
-        case codeOf("home"):
-            return system_events::diskItemAt(homePath());
-        case codeOf("desk"):
-            return system_events::diskItemAt(desktopPath());
-        case codeOf("sdsk"):
-            return system_events::diskItemAt("/");
-        default:
-            return nullptr;
-        }
+    std::optional<std::vector<ModelPointer>> processes(Code /*elementType*/) const {
+        return system_events::processes(specifier());
     }
-
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        switch (elementType) {
-        case codeOf("prcs"):
-        case codeOf("pcap"):
-            return system_events::processes(elementType);
-        case codeOf("logi"):
-            return system_events::loginItems();
-        case codeOf("cdis"):
-            return system_events::disks();
-        case codeOf("uacc"):
-            return std::vector<ModelPointer>{std::make_shared<CurrentUser>()};
-        case codeOf("ditm"):
-        case codeOf("file"):
-        case codeOf("cfol"): {
-            ModelPointer const home = system_events::diskItemAt(homePath());
-            return home ? home->elements(elementType) : std::nullopt;
-        }
-        default:
-            return {};
-        }
+    std::optional<std::vector<ModelPointer>> loginItems(Code /*elementType*/) const {
+        return system_events::loginItems();
+    }
+    std::optional<std::vector<ModelPointer>> disks(Code /*elementType*/) const { return system_events::disks(); }
+    std::optional<std::vector<ModelPointer>> users(Code /*elementType*/) const {
+        return std::vector<ModelPointer>{currentUser()};
+    }
+    std::optional<std::vector<ModelPointer>> itemsAtHome(Code elementType) const {
+        ModelPointer const home = system_events::diskItemAt(homePath());
+        return home ? home->elements(elementType) : std::nullopt;
     }
 
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
         switch (elementType) {
-        case codeOf("ditm"):
-        case codeOf("file"):
-        case codeOf("cfol"):
-        case codeOf("cdis"):
-        case codeOf("cobj"):
+        case codes::PropertyListFile:
+            return system_events::propertyListFileNamed(name);
+        case codes::DiskItem:
+        case codes::File:
+        case codes::Folder:
+        case codes::Disk:
+        case codes::Item:
             return system_events::diskItemNamed(elementType, name);
         default:
             return ModelObject::elementNamed(elementType, name);
@@ -127,12 +98,198 @@ public:
     }
 };
 
+// It is always there, without a window.
+Value stay(ModelApplication& /*application*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
+    return {};
+}
+
+// Linux: only the log-out has the desktop ask.
+Value refuseToEnd(ModelApplication& /*application*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
+    throw plainError(errors::PrivilegeViolation);
+}
+
+// The user is asked, and may still cancel.
+Value logOut(ModelApplication& /*application*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
+    DesktopOutcome const asked = askToLogOut();
+    if (asked.isDone()) return {};
+    DesktopProblem const& problem = asked.problem();
+    bool const isLate = problem.kind == DesktopProblem::Kind::NoAnswer;
+    throw ScriptError{.number = isLate ? errors::TimedOut : errors::PrivilegeViolation,
+                      .message = unitsFromFileSystemBytes(problem.text + ".")};
+}
+
+std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found) {
+    std::shared_ptr<FinderItem> const folder = found.size() == 1 ? system_events::itemOf(*found.front()) : nullptr;
+    if (!folder || !folder->isFolder()) throw plainError(errors::CannotPutThere);
+    return folder;
+}
+
+// The items on disks that are meant; -10010 if another object is among them.
+std::vector<std::shared_ptr<FinderItem>> itemsOf(std::vector<ModelPointer> const& found) {
+    std::vector<std::shared_ptr<FinderItem>> items;
+    for (ModelPointer const& object : found) {
+        items.push_back(system_events::itemOf(*object));
+        if (!items.back()) throw plainError(errors::NotOfThisClass);
+    }
+    return items;
+}
+
+Value makeItem(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command, Code type) {
+    Value const* const at = command.find(codes::InsertionParameter);
+    std::vector<ModelPointer> const places = at ? application.objects(*at, evaluator.context())
+                                                : std::vector<ModelPointer>{system_events::diskItemAt(homePath())};
+    std::shared_ptr<FinderItem> const made = finder::makeIn(*folderOf(places),
+                                                            {.type = type == codes::File ? codes::DocumentFile : type,
+                                                             .properties = command.find(codes::PropertiesParameter)},
+                                                            evaluator.context());
+    ModelPointer const item = system_events::diskItemAt(made->path());
+    if (!item) throw cannotGet(made->specifier());
+    return item->specifier();
+}
+
+Value make(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command) {
+    Value const* const named = command.find(codes::NewClassParameter);
+    Value const type = named ? *named : command.direct;
+    if (!type.is(ValueKind::Type)) throw missingParameter(u"new", command.term.name);
+    switch (type.asCode()) {
+    case codes::LoginItem:
+        return system_events::makeLoginItem(command, evaluator.context());
+    case codes::PropertyListItem:
+        return system_events::makePropertyListItem(application, command, evaluator.context());
+    case codes::PropertyListFile:
+        return system_events::makePropertyListFile(command, evaluator.context());
+    case codes::Folder:
+    case codes::File:
+        return makeItem(application, evaluator, command, type.asCode());
+    default:
+        throw ScriptError{.number = errors::CannotMakeClass,
+                          .message = u"Can’t make class " + nameOfCode(type.asCode()) + u"."};
+    }
+}
+
+// Linux: to the trash, from where it can be put back.
+Value remove(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command) {
+    std::vector<ModelPointer> const all = application.objects(ModelApplication::directOf(command), evaluator.context());
+    bool const areLoginItems = !all.empty() && std::ranges::all_of(all, [](ModelPointer const& object) {
+        return system_events::isLoginItem(*object);
+    });
+    if (areLoginItems) {
+        system_events::removeLoginItems(all);
+        return {};
+    }
+    for (std::shared_ptr<FinderItem> const& item : itemsOf(all))
+        finder::movedToTrash(*item);
+    return {};
+}
+
+Value move(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command) {
+    Value const* const to = command.find(codes::InsertionParameter);
+    if (!to) throw missingParameter(u"to", command.term.name);
+    TextContext const& context = evaluator.context();
+    std::shared_ptr<FinderItem> const folder = folderOf(application.objects(*to, context));
+    Value const meant = ModelApplication::directOf(command);
+    std::vector<Value> answers;
+    for (std::shared_ptr<FinderItem> const& item : itemsOf(application.objects(meant, context))) {
+        finder::moveInto(evaluator, *item, *folder, NameClash::IsRefused);
+        ModelPointer const moved =
+            system_events::diskItemAt(BytePath(folder->path()).joined(BytePath(item->path()).leaf()));
+        answers.push_back(moved ? moved->specifier() : Value::missing());
+    }
+    return finder::answerOf(meant, std::move(answers));
+}
+
+// Folders in the file browser, other items with their applications.
+Value open(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command) {
+    for (std::shared_ptr<FinderItem> const& item : itemsOf(application.objects(command.direct, evaluator.context())))
+        finder::openPath(item->path(), command.direct);
+    return {};
+}
+
+using Root = SystemEventsRoot;
+constexpr InProperties Unlisted = InProperties::Unlisted;
+
+// A row of a folder that the desktop keeps for a purpose.
+template <Code Folder>
+consteval PropertyRow folderRow(std::u16string_view name) {
+    return {name, Folder, codes::Folder, reading<&Root::folder<Folder>>, nullptr, Unlisted};
+}
+
+constexpr auto RootProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&Root::name>},
+    {u"id", codes::Identifier, codes::TextType, reading<&Root::identifier>},
+    {u"version", codes::Version, codes::TextType, reading<&Root::version>},
+    {u"running", codes::Running, codes::BooleanType, reading<&Root::isRunning>},
+    {u"frontmost", codes::Frontmost, codes::BooleanType, reading<&Root::isFrontmost>},
+    {u"current user", codeOf("curu"), codes::User, reading<&Root::currentUser>, nullptr, Unlisted},
+    {u"startup disk", codes::StartupDisk, codes::Disk, reading<&Root::startupDisk>, nullptr, Unlisted},
+    {u"desktop folder", codes::Desktop, codes::Folder, reading<&Root::desktopFolder>, nullptr, Unlisted},
+    {u"", codes::Home, codes::Folder, reading<&Root::folder<folders::Home>>, nullptr, Unlisted},
+    folderRow<folders::Home>(u"home folder"),
+    folderRow<folders::Documents>(u"documents folder"),
+    folderRow<folders::Downloads>(u"downloads folder"),
+    folderRow<folders::Movies>(u"movies folder"),
+    folderRow<folders::Music>(u"music folder"),
+    folderRow<folders::Pictures>(u"pictures folder"),
+    folderRow<folders::Public>(u"public folder"),
+    folderRow<folders::Library>(u"library folder"),
+    folderRow<folders::ApplicationSupport>(u"application support folder"),
+    folderRow<folders::Fonts>(u"fonts folder"),
+    folderRow<folders::Preferences>(u"preferences folder"),
+    folderRow<folders::TemporaryItems>(u"temporary items folder"),
+});
+constexpr auto RootElements = std::to_array<ElementRow>({
+    {codes::Process, listing<&Root::processes>},
+    {codes::ApplicationProcess, listing<&Root::processes>},
+    {codes::LoginItem, listing<&Root::loginItems>},
+    {codes::Disk, listing<&Root::disks>},
+    {codes::User, listing<&Root::users>},
+    {codes::DiskItem, listing<&Root::itemsAtHome>},
+    {codes::File, listing<&Root::itemsAtHome>},
+    {codes::Folder, listing<&Root::itemsAtHome>},
+});
+constexpr ClassRow RootRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+
+ClassRow const& SystemEventsRoot::row() const { return RootRow; }
+
+constexpr auto SystemEventsCommands = std::to_array<CommandRow>({
+    {commonTerms::Make, make},
+    {commonTerms::Delete, remove},
+    {commonTerms::Move, move},
+    {commonTerms::Open, open},
+    {commonTerms::Activate, stay},
+    {commonTerms::Launch, stay},
+    {commonTerms::Run, stay},
+    {commonTerms::Reopen, stay},
+    {commonTerms::Quit, stay},
+    {{.name = u"log out", .code = eventOf("fndrlogo")}, logOut},
+    {commonTerms::Restart, refuseToEnd},
+    {commonTerms::ShutDown, refuseToEnd},
+    {commonTerms::Sleep, refuseToEnd},
+});
+constexpr auto SystemEventsTypes = std::to_array<NameRow>({{u"alias list", codes::AliasListType}});
+
+std::span<ClassRow const* const> systemEventsClasses() {
+    static std::vector<ClassRow const*> const all = [] {
+        std::vector<ClassRow const*> rows{&RootRow, &UserRow, &system_events::LoginItemRow};
+        for (std::span<ClassRow const* const> const more :
+             {system_events::diskItemKinds(), system_events::processKinds(), system_events::propertyListKinds()})
+            rows.insert(rows.end(), more.begin(), more.end());
+        return rows;
+    }();
+    return all;
+}
+
 class SystemEvents final : public ModelApplication {
 public:
     std::u16string name() const override { return u"System Events"; }
     std::u16string identifier() const override { return u"com.apple.systemevents"; }
-    Terminology const* terms() const override { return &systemEventsTerms(); }
     bool isRunning() const override { return true; }
+    Dictionary const& dictionary() const override {
+        static Dictionary const all{
+            .classes = systemEventsClasses(), .types = SystemEventsTypes, .commands = SystemEventsCommands};
+        return all;
+    }
 
 protected:
     ModelPointer root() override { return std::make_shared<SystemEventsRoot>(); }
@@ -140,92 +297,6 @@ protected:
     ModelPointer objectOfFile(FileObject const& file) override {
         std::optional<std::string> const path = fileSystemBytesFromUnits(file.path);
         return path ? system_events::diskItemAt(*path) : nullptr;
-    }
-
-    std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
-        switch (command.term.code) {
-        case eventOf("coredelo"):
-            return remove(evaluator, command);
-        case eventOf("coremove"):
-            return move(evaluator, command);
-        case eventOf("corecrel"):
-            return make(evaluator, command);
-        case eventOf("miscactv"):
-        case eventOf("ascrnoop"):
-        case eventOf("aevtoapp"):
-        case eventOf("aevtrapp"):
-        case eventOf("aevtquit"):
-            // It is always there, without a window.
-            return Value();
-        case eventOf("fndrlogo"):
-            return logOut();
-        case eventOf("fndrrest"):
-        case eventOf("fndrshut"):
-        case eventOf("fndrslep"):
-            // Linux: only the log-out has the desktop ask.
-            throw plainError(MayNotDoThat);
-        default:
-            return {};
-        }
-    }
-
-private:
-    // The user is asked, and may still cancel.
-    static Value logOut() {
-        DesktopOutcome const asked = askToLogOut();
-        if (asked.isDone()) return {};
-        DesktopProblem const& problem = asked.problem();
-        bool const isLate = problem.kind == DesktopProblem::Kind::NoAnswer;
-        throw ScriptError{.number = isLate ? errors::TimedOut : MayNotDoThat,
-                          .message = unitsFromFileSystemBytes(problem.text + ".")};
-    }
-
-    // Linux: other things are the Finder's to make.
-    static Value make(Evaluator& evaluator, ApplicationCommand const& command) {
-        Value const* const named = command.find(codeOf("kocl"));
-        Value const type = named ? *named : command.direct;
-        if (!type.is(ValueKind::Type)) throw missingParameter(u"new", command.term.name);
-        if (type.asCode() == codeOf("logi")) return system_events::makeLoginItem(command, evaluator.context());
-        throw ScriptError{.number = -2710, .message = u"Can’t make class " + nameOfCode(type.asCode()) + u"."};
-    }
-
-    // Linux: to the trash, from where it can be put back.
-    Value remove(Evaluator& evaluator, ApplicationCommand const& command) {
-        std::vector<ModelPointer> const all = objects(directOf(command), evaluator.context());
-        bool const areLoginItems = !all.empty() && std::ranges::all_of(all, [](ModelPointer const& object) {
-            return system_events::isLoginItem(*object);
-        });
-        if (areLoginItems) {
-            system_events::removeLoginItems(all);
-            return {};
-        }
-        for (ModelPointer const& object : all) {
-            std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
-            if (!item) throw plainError(-10010);
-            finder::movedToTrash(*item);
-        }
-        return {};
-    }
-
-    Value move(Evaluator& evaluator, ApplicationCommand const& command) {
-        Value const* const to = command.find(codeOf("insh"));
-        if (!to) throw missingParameter(u"to", command.term.name);
-        TextContext const& context = evaluator.context();
-        std::vector<ModelPointer> const places = objects(*to, context);
-        std::shared_ptr<FinderItem> const folder =
-            places.size() == 1 ? system_events::itemOf(*places.front()) : nullptr;
-        if (!folder || !folder->isFolder()) throw plainError(-10024);
-        Value const meant = directOf(command);
-        std::vector<Value> answers;
-        for (ModelPointer const& object : objects(meant, context)) {
-            std::shared_ptr<FinderItem> const item = system_events::itemOf(*object);
-            if (!item) throw plainError(-10010);
-            finder::moveInto(evaluator, *item, *folder, NameClash::IsRefused);
-            ModelPointer const moved =
-                system_events::diskItemAt(BytePath(folder->path()).joined(BytePath(item->path()).leaf()));
-            answers.push_back(moved ? moved->specifier() : Value::missing());
-        }
-        return finder::answerOf(meant, std::move(answers));
     }
 };
 

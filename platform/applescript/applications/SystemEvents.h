@@ -6,17 +6,17 @@
 
 namespace mac::applescript {
 
-Terminology const& systemEventsTerms();
-
 namespace system_events {
 
 // `application "System Events"`.
 Value itself();
 
-// SystemEventsProcesses.cpp: in the order of their start.
-std::vector<ModelPointer> processes(Code elementType);
+// SystemEventsProcesses.cpp: the processes in the order of their start, as elements of the application.
+std::vector<ModelPointer> processes(Value const& application);
+std::span<ClassRow const* const> processKinds();
 
 // SystemEventsLoginItems.cpp: the programs that start at log-in, in the order of their list.
+extern ClassRow const LoginItemRow;
 std::vector<ModelPointer> loginItems();
 bool isLoginItem(ModelObject const& object);
 // Removes them from the list. REQUIRES: isLoginItem for each.
@@ -25,12 +25,24 @@ void removeLoginItems(std::vector<ModelPointer> const& objects);
 Value makeLoginItem(ApplicationCommand const& command, TextContext const& context);
 
 // SystemEventsDisks.cpp
+std::span<ClassRow const* const> diskItemKinds();
 std::vector<ModelPointer> disks();
-// By POSIX path, HFS path or the name of a disk; null where there is nothing.
+// By POSIX path, HFS path or the name of a disk; nullptr if there is no such item.
 ModelPointer diskItemNamed(Code elementType, std::u16string const& name);
 ModelPointer diskItemAt(std::string const& path);
-// Null for what lies on no disk.
+// The same path as diskItemNamed takes it; nullopt for a name that no item can have.
+std::optional<std::string> pathNamed(std::u16string const& name);
+// nullptr for an object that lies on no disk.
 std::shared_ptr<FinderItem> itemOf(ModelObject const& object);
+
+// SystemEventsPropertyLists.cpp
+std::span<ClassRow const* const> propertyListKinds();
+// The property list in the file; nullptr if there is no such file. A file that holds none throws once it is asked.
+ModelPointer propertyListFileNamed(std::u16string const& name);
+// Makes an item of a list, or a file with an empty one; answers its specifier.
+Value makePropertyListItem(ModelApplication& application, ApplicationCommand const& command,
+                           TextContext const& context);
+Value makePropertyListFile(ApplicationCommand const& command, TextContext const& context);
 
 } // namespace system_events
 

@@ -6,6 +6,7 @@
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/system/BytePath.h"
+#include <array>
 
 // Disks, folders and files as System Events tells of them.
 
@@ -17,64 +18,35 @@ class DiskItem final : public ModelObject {
 public:
     explicit DiskItem(std::shared_ptr<FinderItem> item) : m_item(std::move(item)) {}
 
-    Code type() const override {
-        if (m_item->type() == codeOf("cdis") || m_item->type() == codeOf("cfol")) return m_item->type();
-        return codeOf("file");
-    }
-    bool isOfType(Code sought) const override {
-        return sought == type() || sought == codeOf("ditm") || sought == codeOf("cobj");
-    }
+    ClassRow const& row() const override;
     Value specifier() const override {
-        if (type() == codeOf("cdis"))
-            return elementSpecifier(Form::Name, type(), itself(), *m_item->property(codeOf("pnam")));
+        if (m_item->type() == codes::Disk)
+            return elementSpecifier(Form::Name, codes::Disk, itself(), ofItem<codes::Name>());
         return elementSpecifier(Form::Name, type(), itself(), Value::text(hfsPath()));
     }
 
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(type());
-        case codeOf("posx"):
-        case codeOf("psxp"):
-            return Value::text(unitsFromFileSystemBytes(m_item->path()));
-        case codeOf("ppth"):
-            return Value::text(hfsPath());
-        case codeOf("url "):
-            return m_item->property(codeOf("purl"));
-        case codeOf("extn"):
-            return m_item->property(codeOf("nmxt"));
-        case codeOf("pvis"):
-            return Value::boolean(!BytePath(m_item->path()).leaf().starts_with('.'));
-        case codeOf("ctnr"): {
-            ModelPointer const folder = m_item->path() == "/" ? nullptr : diskItemAt(parentOf(m_item->path()));
-            return folder ? std::optional(folder->specifier()) : std::nullopt;
-        }
-        case codeOf("cdis"):
-        case codeOf("ects"):
-        case codeOf("iwnd"):
-        case codeOf("orig"):
-            return {};
-        default:
-            return m_item->property(code);
-        }
+    // What the Finder says of the item.
+    template <Code Property>
+    Value ofItem() const {
+        return m_item->property(Property).value_or(Value::missing());
+    }
+    template <Code Property>
+    bool setOfItem(Value const& value, TextContext const& context) {
+        return m_item->setProperty(Property, value, context);
     }
 
-    std::vector<Code> propertyCodes() const override {
-        return {codeOf("pcls"), codeOf("pnam"), codeOf("posx"), codeOf("ppth"), codeOf("url "), codeOf("ptsz"),
-                codeOf("phys"), codeOf("kind"), codeOf("ascd"), codeOf("asmo"), codeOf("extn"), codeOf("pvis")};
+    Value posixPath() const { return Value::text(unitsFromFileSystemBytes(m_item->path())); }
+    Value path() const { return Value::text(hfsPath()); }
+    Value isVisible() const { return Value::boolean(!BytePath(m_item->path()).leaf().starts_with('.')); }
+    std::optional<Value> container() const {
+        ModelPointer const folder = m_item->path() == "/" ? nullptr : diskItemAt(parentOf(m_item->path()));
+        return folder ? std::optional(folder->specifier()) : std::nullopt;
     }
 
-    bool setProperty(Code code, Value const& value, TextContext const& context) override {
-        bool const isSettable = code == codeOf("pnam") || code == codeOf("asmo");
-        return isSettable && m_item->setProperty(code, value, context);
-    }
-
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        bool const isKnown = elementType == codeOf("ditm") || elementType == codeOf("cobj") ||
-                             elementType == codeOf("file") || elementType == codeOf("cfol");
-        if (!isKnown || !m_item->isFolder()) return {};
+    std::optional<std::vector<ModelPointer>> items(Code elementType) {
+        if (!m_item->isFolder()) return {};
         std::vector<ModelPointer> all;
-        for (ModelPointer const& inner : m_item->elements(codeOf("cobj")).value_or(std::vector<ModelPointer>())) {
+        for (ModelPointer const& inner : m_item->items(codes::Item).value_or(std::vector<ModelPointer>())) {
             ModelPointer const item = std::make_shared<DiskItem>(std::static_pointer_cast<FinderItem>(inner));
             if (item->isOfType(elementType)) all.push_back(item);
         }
@@ -82,7 +54,7 @@ public:
     }
 
     ModelPointer elementNamed(Code elementType, std::u16string const& name) override {
-        ModelPointer const inner = m_item->elementNamed(codeOf("cobj"), name);
+        ModelPointer const inner = m_item->elementNamed(codes::Item, name);
         ModelPointer const item =
             inner ? std::make_shared<DiskItem>(std::static_pointer_cast<FinderItem>(inner)) : nullptr;
         return item && item->isOfType(elementType) ? item : nullptr;
@@ -90,7 +62,7 @@ public:
 
     std::optional<Value> coerced(Code wanted) override {
         if (isOfType(wanted)) return specifier();
-        return wanted == codeOf("file") ? std::nullopt : m_item->coerced(wanted);
+        return wanted == codes::File ? std::nullopt : m_item->coerced(wanted);
     }
 
     std::shared_ptr<FinderItem> const& item() const { return m_item; }
@@ -103,7 +75,74 @@ private:
     std::shared_ptr<FinderItem> m_item;
 };
 
+constexpr InProperties Unlisted = InProperties::Unlisted;
+
+template <Code Property>
+constexpr RequiredFunction<PropertyReader> OfItem{reading<&DiskItem::ofItem<Property>>};
+
+constexpr auto DiskItemProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, OfItem<codes::Name>, writing<&DiskItem::setOfItem<codes::Name>>},
+    {u"POSIX path", codeOf("posx"), codes::TextType, reading<&DiskItem::posixPath>},
+    {u"", codes::POSIXPath, codes::TextType, reading<&DiskItem::posixPath>, nullptr, Unlisted},
+    {u"path", codes::Path, codes::TextType, reading<&DiskItem::path>},
+    {u"URL", codeOf("url "), codes::TextType, OfItem<codes::URL>},
+    {u"displayed name", codes::DisplayedName, codes::TextType, OfItem<codes::DisplayedName>, nullptr, Unlisted},
+    {u"size", codes::Size, codes::NumberType, OfItem<codes::Size>},
+    {u"physical size", codes::PhysicalSize, codes::NumberType, OfItem<codes::PhysicalSize>},
+    {u"kind", codes::Kind, codes::TextType, OfItem<codes::Kind>},
+    {u"creation date", codes::CreationDate, codes::DateType, OfItem<codes::CreationDate>},
+    {u"modification date", codes::ModificationDate, codes::DateType, OfItem<codes::ModificationDate>,
+     writing<&DiskItem::setOfItem<codes::ModificationDate>>},
+    {u"name extension", codeOf("extn"), codes::TextType, OfItem<codes::NameExtension>},
+    {u"visible", codes::Visible, codes::BooleanType, reading<&DiskItem::isVisible>},
+    {u"container", codes::Container, codes::ReferenceType, reading<&DiskItem::container>, nullptr, Unlisted},
+});
+constexpr auto DiskProperties = std::to_array<PropertyRow>({
+    {u"capacity", codes::Capacity, codes::NumberType, OfItem<codes::Capacity>},
+    {u"free space", codes::FreeSpace, codes::NumberType, OfItem<codes::FreeSpace>},
+    {u"ejectable", codes::Ejectable, codes::BooleanType, OfItem<codes::Ejectable>},
+    {u"local volume", codes::LocalVolume, codes::BooleanType, OfItem<codes::LocalVolume>},
+    {u"startup", codes::Startup, codes::BooleanType, OfItem<codes::Startup>},
+    {u"format", codes::Format, codes::TextType, OfItem<codes::Format>},
+});
+constexpr auto DiskItemElements = std::to_array<ElementRow>({
+    {codes::Item, listing<&DiskItem::items>},
+    {codes::DiskItem, listing<&DiskItem::items>},
+    {codes::File, listing<&DiskItem::items>},
+    {codes::Folder, listing<&DiskItem::items>},
+});
+
+constexpr ClassRow AnyRow{.name = u"item", .plural = u"items", .code = codes::Item};
+constexpr ClassRow DiskItemRow{.name = u"disk item",
+                               .plural = u"disk items",
+                               .code = codes::DiskItem,
+                               .parent = &AnyRow,
+                               .properties = DiskItemProperties,
+                               .elements = DiskItemElements};
+constexpr ClassRow FileRow{.name = u"file", .plural = u"files", .code = codes::File, .parent = &DiskItemRow};
+constexpr ClassRow FolderRow{.name = u"folder", .plural = u"folders", .code = codes::Folder, .parent = &DiskItemRow};
+constexpr ClassRow DiskRow{
+    .name = u"disk", .plural = u"disks", .code = codes::Disk, .parent = &DiskItemRow, .properties = DiskProperties};
+constexpr auto DiskItemKinds = std::to_array<ClassRow const*>({&AnyRow, &DiskItemRow, &FileRow, &FolderRow, &DiskRow});
+
+ClassRow const& DiskItem::row() const {
+    if (m_item->type() == codes::Disk) return DiskRow;
+    return m_item->type() == codes::Folder ? FolderRow : FileRow;
+}
+
 } // namespace
+
+std::span<ClassRow const* const> diskItemKinds() { return DiskItemKinds; }
+
+std::optional<std::string> pathNamed(std::u16string const& name) {
+    // A name alone is something in the home folder.
+    bool const isPath = name.find(u':') != std::u16string::npos || name.starts_with(u'/');
+    std::u16string units = isPath ? posixPathOf(name) : name;
+    if (name.starts_with(u"~/")) units = name.substr(2);
+    std::optional<std::string> const bytes = fileSystemBytesFromUnits(units);
+    if (!bytes || bytes->empty()) return {};
+    return bytes->starts_with('/') ? *bytes : BytePath(homePath()).joined(*bytes);
+}
 
 std::vector<ModelPointer> disks() {
     std::vector<ModelPointer> all;
@@ -121,23 +160,16 @@ ModelPointer diskItemAt(std::string const& path) {
 ModelPointer diskItemNamed(Code elementType, std::u16string const& name) {
     ModelPointer found;
     for (ModelPointer const& disk : disks()) {
-        std::optional<Value> const diskName = disk->property(codeOf("pnam"));
+        std::optional<Value> const diskName = disk->property(codes::Name);
         if (diskName && foldedName(diskName->units()) == foldedName(name)) found = disk;
     }
-    if (!found) {
-        // A name alone is something in the home folder.
-        bool const isPath = name.find(u':') != std::u16string::npos || name.starts_with(u'/');
-        std::u16string units = isPath ? posixPathOf(name) : name;
-        if (name.starts_with(u"~/")) units = name.substr(2);
-        std::optional<std::string> const bytes = fileSystemBytesFromUnits(units);
-        if (bytes && !bytes->empty())
-            found = diskItemAt(bytes->starts_with('/') ? *bytes : BytePath(homePath()).joined(*bytes));
-    }
+    std::optional<std::string> const path = found ? std::nullopt : pathNamed(name);
+    if (path) found = diskItemAt(*path);
     return found && found->isOfType(elementType) ? found : nullptr;
 }
 
 std::shared_ptr<FinderItem> itemOf(ModelObject const& object) {
-    bool const isDiskItem = object.isOfType(codeOf("ditm"));
+    bool const isDiskItem = object.isOfType(codes::DiskItem);
     return isDiskItem ? static_cast<DiskItem const&>(object).item() : nullptr;
 }
 

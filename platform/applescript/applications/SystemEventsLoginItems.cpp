@@ -6,7 +6,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/preferences/CFPreferences.h"
 #include "platform/preferences/LoginItemsStore.h"
-#include "platform/system/ASCII.h"
+#include <array>
 
 // The programs that start at log-in.
 
@@ -47,35 +47,19 @@ class LoginItem final : public ModelObject {
 public:
     explicit LoginItem(NSDictionary item) : m_item(std::move(item)) {}
 
-    Code type() const override { return codeOf("logi"); }
-    Value specifier() const override {
-        return elementSpecifier(Form::Name, codeOf("logi"), itself(), Value::text(name()));
-    }
+    ClassRow const& row() const override { return LoginItemRow; }
+    Value specifier() const override { return elementSpecifier(Form::Name, codes::LoginItem, itself(), name()); }
 
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("logi"));
-        case codeOf("pnam"):
-            return Value::text(name());
-        case codeOf("ppth"):
-            return Value::text(std::u16string(path().codeUnits()));
-        case codeOf("kind"):
-            return Value::text(isApplication() ? u"Application" : u"UNKNOWN");
-        case codeOf("hidn"):
-            return Value::boolean(as<NSNumber>(m_item.objectForKey_("Hide")).boolValue());
-        default:
-            return {};
-        }
+    Value name() const {
+        NSString const last = path().lastPathComponent();
+        return Value::text(std::u16string((isApplication() ? last.stringByDeletingPathExtension() : last).codeUnits()));
     }
-
-    std::vector<Code> propertyCodes() const override {
-        return {codeOf("pcls"), codeOf("pnam"), codeOf("ppth"), codeOf("kind"), codeOf("hidn")};
-    }
+    Value pathText() const { return Value::text(std::u16string(path().codeUnits())); }
+    Value kind() const { return Value::text(isApplication() ? u"Application" : u"UNKNOWN"); }
+    Value isHidden() const { return Value::boolean(as<NSNumber>(m_item.objectForKey_("Hide")).boolValue()); }
 
     // Linux: of another program's entry nothing is changed.
-    bool setProperty(Code code, Value const& value, TextContext const& context) override {
-        if (code != codeOf("hidn")) return false;
+    bool setHidden(Value const& value, TextContext const& context) {
         NSNumber const isHidden = NSNumber::numberWithBool_(requireBoolean(value, context) ? YES : NO);
         if (isHidden.isEqual_(m_item.objectForKey_("Hide"))) return true;
         NSArray const items = knownLoginItems();
@@ -97,15 +81,21 @@ private:
         return written == nil ? NSString::string() : written.stringByStandardizingPath();
     }
     bool isApplication() const { return path().pathExtension().lowercaseString().isEqualToString_("app"); }
-    std::u16string name() const {
-        NSString const last = path().lastPathComponent();
-        return std::u16string((isApplication() ? last.stringByDeletingPathExtension() : last).codeUnits());
-    }
 
     NSDictionary m_item;
 };
 
+constexpr auto LoginItemProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&LoginItem::name>},
+    {u"path", codes::Path, codes::TextType, reading<&LoginItem::pathText>},
+    {u"kind", codes::Kind, codes::TextType, reading<&LoginItem::kind>},
+    {u"hidden", codes::Hidden, codes::BooleanType, reading<&LoginItem::isHidden>, writing<&LoginItem::setHidden>},
+});
+
 } // namespace
+
+constinit ClassRow const LoginItemRow{
+    .name = u"login item", .plural = u"login items", .code = codes::LoginItem, .properties = LoginItemProperties};
 
 std::vector<ModelPointer> loginItems() {
     // What could be read is answered also if not everything could.
@@ -118,7 +108,7 @@ std::vector<ModelPointer> loginItems() {
     return all;
 }
 
-bool isLoginItem(ModelObject const& object) { return object.type() == codeOf("logi"); }
+bool isLoginItem(ModelObject const& object) { return object.type() == codes::LoginItem; }
 
 void removeLoginItems(std::vector<ModelPointer> const& objects) {
     NSMutableArray const items = NSMutableArray::arrayWithArray_(knownLoginItems());
@@ -130,13 +120,13 @@ void removeLoginItems(std::vector<ModelPointer> const& objects) {
 }
 
 Value makeLoginItem(ApplicationCommand const& command, TextContext const& context) {
-    Value const* const properties = command.find(codeOf("prdt"));
-    if (properties && !properties->is(ValueKind::Record)) throw cannotMake(*properties, codeOf("reco"));
+    Value const* const properties = command.find(codes::PropertiesParameter);
+    if (properties && !properties->is(ValueKind::Record)) throw cannotMake(*properties, codes::RecordType);
     NSString path = nil;
     bool isHidden = false;
     for (auto const& [key, value] : properties ? properties->fields() : std::vector<std::pair<Symbol, Value>>()) {
-        if (key->code == codeOf("ppth")) path = NSString::stringWithCodeUnits(requireText(value, context));
-        if (key->code == codeOf("hidn")) isHidden = requireBoolean(value, context);
+        if (key->code == codes::Path) path = NSString::stringWithCodeUnits(requireText(value, context));
+        if (key->code == codes::Hidden) isHidden = requireBoolean(value, context);
     }
     if (!path.hasPrefix_("/") && !path.hasPrefix_("~")) throw missingParameter(u"path", command.term.name);
     (void)synchronizeLoginItems();

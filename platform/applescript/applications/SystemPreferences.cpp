@@ -1,7 +1,7 @@
 #include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/ApplicationModel.h"
+#include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Program.h"
-#include "platform/applescript/applications/TermTable.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/desktop/Desktops.h"
@@ -78,23 +78,6 @@ constexpr auto Programs =
 // Where a script finds the login items; the desktops have a page of their own for them.
 constexpr std::u16string_view AccountsPane = u"Accounts";
 
-constexpr auto PreferencesClasses = std::to_array<ClassTerm>({
-    {u"pane", u"panes", codeOf("xppb")},
-    {u"anchor", u"anchors", codeOf("xppa")},
-});
-constexpr auto PreferencesProperties = std::to_array<PropertyTerm>({
-    {u"current pane", codeOf("xpcp")},
-    {u"localized name", codeOf("locn")},
-    {u"preferences window", codeOf("prfw")},
-    {u"show all", codeOf("xpsa")},
-});
-
-Terminology const& systemPreferencesTerms() {
-    static Terminology const terms =
-        terminologyOf({.classes = PreferencesClasses, .properties = PreferencesProperties});
-    return terms;
-}
-
 Value itself() { return makeObject<ApplicationObject>(ValueKind::Application, u"System Preferences", false); }
 
 std::vector<std::string> wordsOf(std::string_view command) {
@@ -130,36 +113,19 @@ void startPane(Pane const& pane) {
     if (!isStarted) throw cannotRun();
 }
 
+constexpr Code PaneCode = codeOf("xppb");
+constexpr Code AnchorCode = codeOf("xppa");
+
 class PaneObject final : public ModelObject {
 public:
     explicit PaneObject(Pane const& pane) : m_pane(pane) {}
 
-    Code type() const override { return codeOf("xppb"); }
-    Value specifier() const override {
-        return elementSpecifier(Form::Identifier, codeOf("xppb"), itself(),
-                                Value::text(std::u16string(m_pane.identifier)));
-    }
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("xppb"));
-        case codeOf("pnam"):
-        case codeOf("locn"):
-            return Value::text(std::u16string(m_pane.name));
-        case codeOf("ID  "):
-            return Value::text(std::u16string(m_pane.identifier));
-        default:
-            return {};
-        }
-    }
-    std::vector<Code> propertyCodes() const override {
-        return {codeOf("pcls"), codeOf("pnam"), codeOf("ID  "), codeOf("locn")};
-    }
+    ClassRow const& row() const override;
+    Value specifier() const override { return elementSpecifier(Form::Identifier, PaneCode, itself(), identifier()); }
+    Value name() const { return Value::text(std::u16string(m_pane.name)); }
+    Value identifier() const { return Value::text(std::u16string(m_pane.identifier)); }
     // Linux: the settings programs have no places to jump to inside a pane.
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        if (elementType == codeOf("xppa")) return std::vector<ModelPointer>();
-        return {};
-    }
+    std::optional<std::vector<ModelPointer>> anchors(Code /*elementType*/) const { return std::vector<ModelPointer>(); }
     Pane const& pane() const { return m_pane; }
 
 private:
@@ -177,34 +143,35 @@ void show(Pane const& pane) {
     shownPane() = &pane;
 }
 
+constexpr auto PaneProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&PaneObject::name>},
+    {u"localized name", codeOf("locn"), codes::TextType, reading<&PaneObject::name>},
+    {u"id", codes::Identifier, codes::TextType, reading<&PaneObject::identifier>},
+});
+constexpr auto PaneElements = std::to_array<ElementRow>({{AnchorCode, listing<&PaneObject::anchors>}});
+constexpr ClassRow PaneRow{
+    .name = u"pane", .plural = u"panes", .code = PaneCode, .properties = PaneProperties, .elements = PaneElements};
+constexpr ClassRow AnchorRow{.name = u"anchor", .plural = u"anchors", .code = AnchorCode};
+
+ClassRow const& PaneObject::row() const { return PaneRow; }
+
+Pane const& paneOf(Value const& meant, TextContext const& context);
+
 class SystemPreferencesRoot final : public ModelObject {
 public:
-    Code type() const override { return codeOf("capp"); }
+    ClassRow const& row() const override;
     Value specifier() const override { return itself(); }
 
-    std::optional<Value> property(Code code) override {
-        switch (code) {
-        case codeOf("pcls"):
-            return Value::type(codeOf("capp"));
-        case codeOf("pnam"):
-            return Value::text(u"System Preferences");
-        case codeOf("ID  "):
-            return Value::text(u"com.apple.systempreferences");
-        case codeOf("vers"):
-            return Value::text(u"8.0");
-        case codeOf("prun"):
-            return Value::boolean(systemPreferencesApplication().isRunning());
-        case codeOf("xpcp"):
-            return shownPane() ? PaneObject(*shownPane()).specifier() : Value::missing();
-        default:
-            return {};
-        }
+    Value name() const { return Value::text(u"System Preferences"); }
+    Value identifier() const { return Value::text(u"com.apple.systempreferences"); }
+    Value version() const { return Value::text(u"8.0"); }
+    Value isRunning() const { return Value::boolean(systemPreferencesApplication().isRunning()); }
+    Value currentPane() const { return shownPane() ? PaneObject(*shownPane()).specifier() : Value::missing(); }
+    bool setCurrentPane(Value const& value, TextContext const& context) {
+        show(paneOf(value, context));
+        return true;
     }
-
-    bool setProperty(Code code, Value const& value, TextContext const& context) override;
-
-    std::optional<std::vector<ModelPointer>> elements(Code elementType) override {
-        if (elementType != codeOf("xppb")) return {};
+    std::optional<std::vector<ModelPointer>> panes(Code /*elementType*/) const {
         std::vector<ModelPointer> all;
         all.reserve(std::size(Panes));
         for (Pane const& pane : Panes)
@@ -213,42 +180,60 @@ public:
     }
 };
 
+constexpr auto RootProperties = std::to_array<PropertyRow>({
+    {u"name", codes::Name, codes::TextType, reading<&SystemPreferencesRoot::name>},
+    {u"id", codes::Identifier, codes::TextType, reading<&SystemPreferencesRoot::identifier>},
+    {u"version", codes::Version, codes::TextType, reading<&SystemPreferencesRoot::version>},
+    {u"running", codes::Running, codes::BooleanType, reading<&SystemPreferencesRoot::isRunning>},
+    {u"current pane", codeOf("xpcp"), codes::ReferenceType, reading<&SystemPreferencesRoot::currentPane>,
+     writing<&SystemPreferencesRoot::setCurrentPane>},
+});
+constexpr auto RootElements = std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
+constexpr ClassRow PreferencesRow{
+    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+
+ClassRow const& SystemPreferencesRoot::row() const { return PreferencesRow; }
+
+Value startPreferences(ModelApplication& /*application*/, Evaluator& /*evaluator*/,
+                       ApplicationCommand const& /*command*/) {
+    startSettings();
+    return {};
+}
+
+Value revealPane(ModelApplication& /*application*/, Evaluator& evaluator, ApplicationCommand const& command) {
+    show(paneOf(command.direct, evaluator.context()));
+    return PaneObject(*shownPane()).specifier();
+}
+
+Value quitPreferences(ModelApplication& /*application*/, Evaluator& /*evaluator*/,
+                      ApplicationCommand const& /*command*/) {
+    quitPrograms(Programs);
+    shownPane() = nullptr;
+    return {};
+}
+
+constexpr auto PreferencesCommands = std::to_array<CommandRow>({
+    {commonTerms::Activate, startPreferences},
+    {commonTerms::Launch, startPreferences},
+    {commonTerms::Run, startPreferences},
+    {commonTerms::Reopen, startPreferences},
+    {commonTerms::Reveal, revealPane},
+    {commonTerms::Quit, quitPreferences},
+});
+constexpr auto PreferencesClasses = std::to_array<ClassRow const*>({&PreferencesRow, &PaneRow, &AnchorRow});
+
 class SystemPreferences final : public ModelApplication {
 public:
     std::u16string name() const override { return u"System Preferences"; }
     std::u16string identifier() const override { return u"com.apple.systempreferences"; }
-    Terminology const* terms() const override { return &systemPreferencesTerms(); }
     bool isRunning() const override { return isProgramRunning(Programs); }
-
-    Pane const& paneOf(Value const& meant, TextContext const& context) {
-        std::vector<ModelPointer> const found = objects(meant, context);
-        bool const isPane = found.size() == 1 && found.front()->type() == codeOf("xppb");
-        if (!isPane) throw plainError(-10010);
-        return static_cast<PaneObject const&>(*found.front()).pane();
+    Dictionary const& dictionary() const override {
+        static Dictionary const all{.classes = PreferencesClasses, .commands = PreferencesCommands};
+        return all;
     }
 
 protected:
     ModelPointer root() override { return std::make_shared<SystemPreferencesRoot>(); }
-
-    std::optional<Value> carryOut(Evaluator& evaluator, ApplicationCommand const& command) override {
-        switch (command.term.code) {
-        case eventOf("miscactv"):
-        case eventOf("ascrnoop"):
-        case eventOf("aevtoapp"):
-        case eventOf("aevtrapp"):
-            startSettings();
-            return Value();
-        case eventOf("miscmvis"):
-            show(paneOf(command.direct, evaluator.context()));
-            return PaneObject(*shownPane()).specifier();
-        case eventOf("aevtquit"):
-            quitPrograms(Programs);
-            shownPane() = nullptr;
-            return Value();
-        default:
-            return {};
-        }
-    }
 };
 
 SystemPreferences& systemPreferences() {
@@ -256,10 +241,11 @@ SystemPreferences& systemPreferences() {
     return application;
 }
 
-bool SystemPreferencesRoot::setProperty(Code code, Value const& value, TextContext const& context) {
-    if (code != codeOf("xpcp")) return false;
-    show(systemPreferences().paneOf(value, context));
-    return true;
+Pane const& paneOf(Value const& meant, TextContext const& context) {
+    std::vector<ModelPointer> const found = systemPreferences().objects(meant, context);
+    bool const isPane = found.size() == 1 && found.front()->type() == PaneCode;
+    if (!isPane) throw plainError(errors::NotOfThisClass);
+    return static_cast<PaneObject const&>(*found.front()).pane();
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "platform/applescript/language/Terminology.h"
+#include "platform/applescript/language/Units.h"
 #include <array>
 
 namespace mac::applescript {
@@ -121,6 +122,10 @@ void addLanguageTerms(Terminology& terms) {
         terms.addValue(row.name, row.code);
     for (CommandTerm const& command : LanguageCommands)
         terms.addCommand(command);
+    for (Unit const& unit : allUnits()) {
+        terms.addClass(unit.name, u"", unit.code);
+        if (!unit.otherName.empty()) terms.addClass(unit.otherName, u"", unit.code);
+    }
 }
 
 } // namespace mac::applescript

@@ -210,7 +210,9 @@ Node* ScriptParser::parsePrimaryWord() {
         node.a = &call;
         return &node;
     }
-    if (isWord("application") || isWord("app")) return &parseApplication();
+    // A longer term comes first: `application file` of the Finder.
+    bool const isApplication = (isWord("application") || isWord("app")) && matchTerm().tokenCount <= 1;
+    if (isApplication) return &parseApplication();
     if (isWord("count") || areWords({"number", "of"})) return &parseCount();
     TermMatch const match = matchTerm();
     if (match.term) return &parseTerm(match);

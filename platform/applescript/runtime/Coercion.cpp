@@ -1,5 +1,6 @@
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/language/StackRoom.h"
+#include "platform/applescript/language/Units.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/ElementAccess.h"
@@ -11,6 +12,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace mac::applescript {
 
@@ -158,7 +160,34 @@ std::optional<Value> aliasListOf(Value const& value, TextContext const& context)
     return Value::list(std::move(aliases));
 }
 
+// The number of a value with a unit; nullopt for another value.
+std::optional<double> measure(Value const& value) {
+    bool const isMeasure = value.is(ValueKind::Data) && unitOf(value.data().type) != nullptr;
+    if (!isMeasure || value.data().bytes.size() != sizeof(double)) return {};
+    double number = 0;
+    std::memcpy(&number, value.data().bytes.data(), sizeof number);
+    return number;
+}
+
+// A number with the unit, or what has one in another unit.
+std::optional<Value> withUnit(Value const& value, Unit const& unit) {
+    std::optional<double> number = measure(value);
+    if (number)
+        number = converted(*number, *unitOf(value.data().type), unit);
+    else if (std::optional<Value> const plain = numberOf(value))
+        number = plain->asNumber();
+    if (!number) return {};
+    std::string bytes(sizeof(double), '\0');
+    std::memcpy(bytes.data(), &*number, sizeof(double));
+    return makeObject<DataObject>(ValueKind::Data, unit.code, std::move(bytes));
+}
+
 std::optional<Value> coercedItself(Value const& value, Code type, TextContext const& context) {
+    if (Unit const* const unit = unitOf(type)) return withUnit(value, *unit);
+    bool const isPlain =
+        isTextClass(type) || type == codeOf("long") || type == codeOf("nmbr") || type == codeOf("doub");
+    std::optional<double> const measured = isPlain ? measure(value) : std::nullopt;
+    if (measured) return coercedItself(Value::real(*measured), type, context);
     if (type == codeOf("list")) return listOf(value);
     if (type == codeOf("alst")) return aliasListOf(value, context);
     if (type == codeOf("****") || isOfClass(value, type)) return value;

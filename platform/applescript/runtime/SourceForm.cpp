@@ -1,11 +1,13 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/applescript/language/StackRoom.h"
+#include "platform/applescript/language/Units.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
 #include "platform/applescript/runtime/RealText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptObject.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include <array>
+#include <cstring>
 
 namespace mac::applescript {
 
@@ -195,6 +197,13 @@ private:
     }
 
     void writeData(DataObject const& data) {
+        // A value with a unit: miles 5.0.
+        if (Unit const* const unit = unitOf(data.type); unit && data.bytes.size() == sizeof(double)) {
+            double number = 0;
+            std::memcpy(&number, data.bytes.data(), sizeof number);
+            m_form += std::u16string(unit->name) + u' ' + realText(number);
+            return;
+        }
         m_form += u"«data " + charactersOfCode(data.type);
         for (char const byte : data.bytes) {
             m_form += HexDigits[static_cast<unsigned char>(byte) >> 4U];

@@ -74,6 +74,14 @@ bool isOfKind(std::string_view name, AttributeKinds kinds) {
     return name.starts_with(SecurityNamespace) == (kinds == AttributeKinds::AfterAccess);
 }
 
+// Where the first attribute goes that the file system cannot hold.
+Result<AttributesBeside> placeBeside(CopyTarget const& to) {
+    Result<ItemPlace> const sidecar = placeOf(to.folder, AppleDoubleSidecar::nameFor(to.name));
+    if (sidecar.hasValue()) return AttributesBeside::InCopiedSidecar;
+    if (sidecar.problem().is(ENOENT) || sidecar.problem().is(ENAMETOOLONG)) return AttributesBeside::InNewSidecar;
+    return sidecar.problem();
+}
+
 Result<AttributesBeside> copyAttributes(std::vector<std::string> const& names, AttributeKinds kinds,
                                         FileDescriptor const& from, CopyTarget const& to) {
     AttributesBeside beside = AttributesBeside::None;
@@ -86,19 +94,26 @@ Result<AttributesBeside> copyAttributes(std::vector<std::string> const& names, A
         if (::fsetxattr(to.item.number(), name.c_str(), bytes.data(), bytes.size(), 0) == 0) continue;
         // An attribute of the system of one volume means nothing on another one.
         if (!isUserAttribute(name)) continue;
+        if (beside == AttributesBeside::None) {
+            Result<AttributesBeside> const where = placeBeside(to);
+            if (!where.hasValue()) return where;
+            beside = where.value();
+        }
         if (Result<void> const written = writeBeside(to, name, bytes); !written.isDone()) return written.problem();
-        beside = AttributesBeside::Some;
     }
     return beside;
 }
 
-// Gives the sidecar of a copy its owner, group, permissions and access list.
+// Gives the new sidecar of a copy its owner, group, permissions and access list.
 Result<void> alignSidecar(CopyTarget const& to) {
     Result<ItemAccess> access = accessOf(to.item);
     if (!access.hasValue()) return access.problem();
     FileDescriptor const sidecar = openName(to.folder, AppleDoubleSidecar::nameFor(to.name), O_NOFOLLOW);
-    // The attribute found a place on the item after all.
-    if (!sidecar.isOpen()) return {};
+    if (!sidecar.isOpen()) {
+        SystemError error = lastSystemError("open", to.name);
+        // The attribute found a place on the item after all.
+        return error.is(ENOENT) ? Result<void>() : error;
+    }
     access.value().permissions &= ReadAndWrite;
     return giveAccess(sidecar, access.value(), InheritedList::IsRemoved);
 }
@@ -144,7 +159,7 @@ Result<AttributesBeside> copyMetadata(FileDescriptor const& from, ItemStatus con
     if (!access.hasValue()) return access.problem();
     if (Result<void> const given = giveAccess(to.item, access.value(), InheritedList::IsRemoved); !given.isDone())
         return given.problem();
-    if (beside.value() == AttributesBeside::Some) {
+    if (beside.value() == AttributesBeside::InNewSidecar) {
         if (Result<void> const aligned = alignSidecar(to); !aligned.isDone()) return aligned.problem();
     }
     Result<AttributesBeside> const last = copyAttributes(names.value(), AttributeKinds::AfterAccess, from, to);

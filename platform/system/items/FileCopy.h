@@ -56,11 +56,17 @@ struct CopyTarget {
     std::string const& name;
 };
 
-enum class AttributesBeside { None, Some };
+enum class AttributesBeside {
+    None,
+    InNewSidecar,
+    // The copy of the original's sidecar was there already.
+    InCopiedSidecar,
+};
 
 // Copies attributes, owner, permissions, access lists and dates, in an order that never lets a user see more than
 // before. The target has no list from its folder's default any more. Attributes that its file system cannot hold go to
-// its sidecar, which gets the item's permissions. Answers whether there were such.
+// its sidecar: a new one gets the item's permissions, a copied one keeps those of the original's, which may let fewer
+// users read. Answers whether there were such.
 Result<AttributesBeside> copyMetadata(FileDescriptor const& from, ItemStatus const& status, CopyTarget const& to);
 
 // Copies an item that is neither file nor folder and is open with O_PATH, to a name in a folder that no other user may

@@ -33,7 +33,7 @@ bool isClosed(SystemError const& error) { return error.is(EACCES) || error.is(EP
 bool mayBeBeside(SystemError const& error) { return error.is(ENODATA) || error.is(EOPNOTSUPP); }
 
 // The file system cannot hold the value.
-bool isRefusal(SystemError const& error) {
+bool isRefusedAttribute(SystemError const& error) {
     return error.is(ENOSPC) || error.is(E2BIG) || error.is(EOPNOTSUPP) || error.is(ERANGE);
 }
 
@@ -59,6 +59,7 @@ private:
     Result<void> check(AttributeCondition condition) const;
     Result<void> writeNothing(AttributeCondition condition);
     Result<void> writeBeside(std::span<std::byte const> value);
+    void takeBack(AppleDouble contents) const;
     void restoreSidecar(AppleDouble contents) const;
 
     OpenItem const& m_item;
@@ -89,13 +90,24 @@ Result<void> AttributeChange::writeBeside(std::span<std::byte const> value) {
     if (hasOthers.value()) return problem(EMLINK, "setxattr", m_name);
     AppleDouble before = m_sidecar.contents;
     if (!m_sidecar.contents.setValue(m_name.shown, value)) return problem(ERANGE, "setxattr", m_name);
-    if (Result<void> const saved = m_sidecar.save(); !saved.isDone()) return saved;
+    if (Result<void> saved = m_sidecar.save(); !saved.isDone()) {
+        takeBack(std::move(before));
+        return saved;
+    }
     Result<bool> const isShadowed = isOnItem();
     if (isShadowed.hasValue() && !isShadowed.value()) return {};
     Result<void> removed = removeOnItem(m_item, m_name);
     if (removed.isDone() || mayBeBeside(removed.problem())) return {};
     restoreSidecar(std::move(before));
     return removed;
+}
+
+// After a failed save: the sidecar may have been written all the same.
+void AttributeChange::takeBack(AppleDouble contents) const {
+    AppleDoubleSidecar const now(m_item);
+    bool const isWritten =
+        now.state() == AppleDoubleSidecar::State::Read && now.contents.written() == m_sidecar.contents.written();
+    if (isWritten) restoreSidecar(std::move(contents));
 }
 
 void AttributeChange::restoreSidecar(AppleDouble contents) const {
@@ -152,7 +164,7 @@ Result<void> AttributeChange::write(std::span<std::byte const> value, AttributeC
         return {};
     }
     // A file of another form stays, and the reason is the file system's.
-    if (!isRefusal(written.problem()) || !m_sidecar.isWritable()) return written;
+    if (!isRefusedAttribute(written.problem()) || !m_sidecar.isWritable()) return written;
     if (Result<void> const checked = check(condition); !checked.isDone()) return checked;
     return writeBeside(value);
 }

@@ -74,8 +74,8 @@ private:
 
 // A sidecar that cannot be removed stays as a stray one: the item itself is gone.
 void removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
-    if (!confirmItemInFolder(item.folder, sidecar.name, sidecar.file).isDone()) return;
-    ::unlinkat(item.folder.number(), sidecar.name.c_str(), 0);
+    Result<IdentifiedItem> const identified = identify(sidecar.file);
+    if (identified.hasValue()) static_cast<void>(removeTree(item.folder, sidecar.name, identified.value().identity));
 }
 
 } // namespace
@@ -84,6 +84,24 @@ Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const&
     if (isLockedIn(folder, name)) return lockedItem(name);
     if (::unlinkat(folder.number(), name.c_str(), isFolder ? AT_REMOVEDIR : 0) == 0) return {};
     return lastSystemError("unlink", name);
+}
+
+Result<void> removeEmptyItem(OpenItem const& item) {
+    if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
+    Result<ItemStatus> const status = statusOf(item.item);
+    if (!status.hasValue()) return status.problem();
+    if (isLockedIn(item.folder, item.name, status.value().place)) return lockedItem(item.name);
+    if (status.value().place.isFolder) {
+        // A folder that may not be listed can be empty: the system itself removes none that holds anything.
+        Result<std::vector<std::string>> const names = namesInOpenFolder(item.item);
+        if (names.hasValue() && !names.value().empty())
+            return SystemError{.code = ENOTEMPTY, .operation = "unlink", .item = item.name};
+    }
+    Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    Result<void> removed = removeExactly(item.folder, item.name, status.value());
+    if (removed.isDone() && sidecar.value()) removeSidecar(item, *sidecar.value());
+    return removed;
 }
 
 Result<void> confirmRemovable(OpenItem const& item) {

@@ -25,7 +25,11 @@ struct RemovalQuestions {
 // item's name.
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions = {});
 
-// Fails as above if the item or one in it must stay.
+// Removes the item and its AppleDouble sidecar if it is no folder that holds anything: ENOTEMPTY then, and nothing is
+// removed, whatever comes into the folder meanwhile. Otherwise fails as removeItem does.
+Result<void> removeEmptyItem(OpenItem const& item);
+
+// Fails as removeItem does if the item or one in it must stay.
 Result<void> confirmRemovable(OpenItem const& item);
 
 // Removes one item, which is empty if it is a folder, unless it is locked.

@@ -44,10 +44,21 @@ Result<void> confirmNoSidecar(FileDescriptor const& folder, std::string const& n
 
 // Gives the sidecar of a copy its name as well, so that it can still be told whose it is if this process is killed; or
 // instead, where files cannot have two names.
-Result<void> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
-    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return {};
+enum class SidecarNames { Both, NewOnly };
+Result<SidecarNames> nameSidecar(FileDescriptor const& folder, std::string const& from, std::string const& to) {
+    if (::linkat(folder.number(), from.c_str(), folder.number(), to.c_str(), 0) == 0) return SidecarNames::Both;
     SystemError error = lastSystemError("link", from);
-    return error.is(EEXIST) ? error : renameWithoutReplacing(folder, from, folder, to);
+    if (error.is(EEXIST)) return error;
+    Result<void> const renamed = renameWithoutReplacing(folder, from, folder, to);
+    if (!renamed.isDone()) return renamed.problem();
+    return SidecarNames::NewOnly;
+}
+
+// Removes a file by a name that no other process knows. Tries again where the system was interrupted.
+void removeTemporaryName(FileDescriptor const& folder, std::string const& name) {
+    constexpr int mostAttempts = 3;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt)
+        if (::unlinkat(folder.number(), name.c_str(), 0) == 0 || errno == ENOENT) return;
 }
 
 // Gives a complete copy its name. Its sidecar belongs to it by that name, so both get theirs or neither does: the
@@ -65,30 +76,40 @@ Result<void> nameCopy(ItemTransfer const& transfer, std::string const& from) {
     Result<ItemPlace> const own = placeOf(folder, sidecar);
     if (!own.hasValue() && !own.problem().is(ENOENT)) return own.problem();
     // A stray sidecar of that name would be taken for the item's own.
+    SidecarNames names = SidecarNames::NewOnly;
     if (!own.hasValue()) {
         if (Result<void> const isFree = confirmNoSidecar(folder, to); !isFree.isDone()) return isFree;
     } else {
-        if (Result<void> const named = nameSidecar(folder, sidecar, newSidecar); !named.isDone()) return named;
+        Result<SidecarNames> const named = nameSidecar(folder, sidecar, newSidecar);
+        if (!named.hasValue()) return named.problem();
+        names = named.value();
         tell(transfer, CopyStep::SidecarNamed);
     }
     Result<void> renamed = renameWithoutReplacing(folder, from, folder, to);
     if (renamed.isDone()) tell(transfer, CopyStep::Named);
     if (!own.hasValue()) return renamed;
     // The sidecar keeps one of its names. If it cannot go back, removeCopy() does not find it, and it stays.
-    bool const hasBoth = confirmItemInFolder(folder, sidecar, own.value().identity).isDone();
-    if (hasBoth)
-        ::unlinkat(folder.number(), renamed.isDone() ? sidecar.c_str() : newSidecar.c_str(), 0);
-    else if (!renamed.isDone())
+    if (renamed.isDone()) {
+        if (names == SidecarNames::Both) removeTemporaryName(folder, sidecar);
+    } else if (names == SidecarNames::Both) {
+        static_cast<void>(removeTree(folder, newSidecar, own.value().identity));
+    } else {
         static_cast<void>(renameWithoutReplacing(folder, newSidecar, folder, sidecar));
+    }
     return renamed;
 }
 
-// Removes what there is of a copy under its temporary name, as far as possible.
-void removeCopy(FileDescriptor const& folder, std::string const& name) {
-    ::unlinkat(folder.number(), AppleDoubleSidecar::nameFor(name).c_str(), 0);
-    Result<ItemPlace> const place = placeOf(folder, name);
-    if (!place.hasValue()) return;
-    static_cast<void>(removeTree(folder, name, place.value().identity, {.makesAccessible = true}));
+// What was made under a temporary name, complete or not.
+struct MadeCopy {
+    std::optional<ItemIdentity> item{};
+    std::optional<ItemIdentity> sidecar{};
+};
+
+// Removes what there is of a copy under its temporary name, as far as possible, and no item that has taken its place.
+void removeCopy(FileDescriptor const& folder, std::string const& name, MadeCopy const& made) {
+    RemovalRules const rules{.makesAccessible = true};
+    if (made.sidecar) static_cast<void>(removeTree(folder, AppleDoubleSidecar::nameFor(name), *made.sidecar, rules));
+    if (made.item) static_cast<void>(removeTree(folder, name, *made.item, rules));
 }
 
 // The item's sidecar, as an item; nullopt if there is none.
@@ -118,19 +139,24 @@ Result<void> flushVolume(FileDescriptor const& folder) {
 
 // Copies the item and its sidecar to a temporary name in the folder; flushes the volume for a move.
 Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& temporary, CopyPurpose purpose,
-                             CopiedItems& copied) {
+                             CopiedItems& copied, MadeCopy& made) {
     std::function<bool()> const always = [] { return true; };
     std::function<bool()> const& shouldContinue = transfer.shouldContinue ? transfer.shouldContinue : always;
     // The sidecar comes first, so that attributes which the volume cannot hold join those that it holds.
     Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);
     if (!sidecar.hasValue()) return sidecar.problem();
     if (sidecar.value()) {
-        Result<void> const done = TreeCopy(purpose, shouldContinue, transfer.copySteps, copied)
-                                      .run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        TreeCopy copy(purpose, shouldContinue, transfer.copySteps, copied);
+        Result<void> const done = copy.run(*sidecar.value(), transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+        made.sidecar = copy.made();
         if (!done.isDone()) return done;
     }
-    Result<void> const done =
-        TreeCopy(purpose, shouldContinue, transfer.copySteps, copied).run(transfer.item, transfer.folder, temporary);
+    TreeCopy copy(purpose, shouldContinue, transfer.copySteps, copied);
+    Result<void> const done = copy.run(transfer.item, transfer.folder, temporary);
+    made.item = copy.made();
+    // Attributes that the volume cannot hold have made a sidecar, or another one.
+    Result<ItemPlace> const besides = placeOf(transfer.folder, AppleDoubleSidecar::nameFor(temporary));
+    if (besides.hasValue()) made.sidecar = besides.value().identity;
     if (!done.isDone()) return done;
     // Of a copy the original stays, so it need not wait until all that anybody writes is on the disk.
     Result<void> const flushed = purpose == CopyPurpose::Move ? flushVolume(transfer.folder) : Result<void>();
@@ -156,9 +182,10 @@ Transferred copyAs(ItemTransfer const& transfer, CopyPurpose purpose, CopiedItem
     Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return notDone(temporary.problem());
     cleanUp(transfer, transfer.folder);
-    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), purpose, copied));
+    MadeCopy made;
+    Transferred done = transferred(copyToTemporary(transfer, temporary.value(), purpose, copied, made));
     if (done.isDone()) done = place(transfer, [&] { return transferred(nameCopy(transfer, temporary.value())); });
-    if (!done.isDone()) removeCopy(transfer.folder, temporary.value());
+    if (!done.isDone()) removeCopy(transfer.folder, temporary.value(), made);
     leaveFolder(transfer.folder);
     return done;
 }

@@ -72,8 +72,7 @@ void removeEarlyName(FileDescriptor const& folder, std::vector<FolderEntry> cons
         if (!mayBe) continue;
         Result<ItemPlace> const item = placeOf(folder, entry.name.substr(AppleDoubleSidecar::namePrefix.size()));
         bool const isStray = !item.hasValue() && item.problem().is(ENOENT);
-        if (isStray && confirmItemInFolder(folder, entry.name, sidecar.place.identity).isDone())
-            ::unlinkat(folder.number(), entry.name.c_str(), 0);
+        if (isStray) static_cast<void>(removeTree(folder, entry.name, sidecar.place.identity));
     }
 }
 

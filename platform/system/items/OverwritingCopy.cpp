@@ -66,7 +66,7 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
     error.item = temporary;
     Result<std::string> const kept = asideName(MarkOfNoItem);
     if (!kept.hasValue()) return error;
-    if (!renameWithoutReplacing(folder, temporary, folder, kept.value()).isDone()) return error;
+    if (!moveAside(folder, temporary, kept.value()).isDone()) return error;
     error.item = kept.value();
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
     bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecar->file);
@@ -158,7 +158,7 @@ private:
         // If this process is killed meanwhile, the item must not go with it.
         Result<std::string> const third = asideName(MarkOfNoItem);
         if (!third.hasValue()) return TransferProblem{.error = third.problem()};
-        Result<void> const away = renameWithoutReplacing(m_folder, other, m_folder, third.value());
+        Result<void> const away = moveAside(m_folder, other, third.value());
         if (!away.isDone()) return asCopied(away);
         tell(OverwritingStep::MovedAway);
         Result<void> const renamed = renameWithoutReplacing(m_folder, one, m_folder, other);
@@ -199,7 +199,9 @@ void removeTemporary(FileDescriptor const& folder, TemporaryCopy const& copy) {
     Result<IdentifiedItem> const identified = identify(copy.item.item);
     if (!identified.hasValue() || !isItem(folder, temporary, copy.item.item)) return;
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
-    if (copy.sidecar && isItem(folder, sidecar, copy.sidecar->file)) ::unlinkat(folder.number(), sidecar.c_str(), 0);
+    Result<IdentifiedItem> const beside =
+        copy.sidecar ? identify(copy.sidecar->file) : SystemError{.code = ENOENT, .operation = "statx"};
+    if (beside.hasValue()) static_cast<void>(removeTree(folder, sidecar, beside.value().identity));
     static_cast<void>(removeTree(folder, temporary, identified.value().identity, {.makesAccessible = true}));
 }
 

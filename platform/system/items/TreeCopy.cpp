@@ -78,6 +78,8 @@ Result<FileDescriptor> makeFolder(FileDescriptor const& folder, std::string cons
     if (::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", name);
     if (steps) steps(CopyStep::FolderMade);
     Result<FileDescriptor> made = openIn(folder, name, CopiedFolderFlags);
+    // Only an empty folder goes.
+    if (!made.hasValue()) ::unlinkat(folder.number(), name.c_str(), AT_REMOVEDIR);
     if (!made.hasValue()) return made;
     if (Result<void> const own = confirmOwnFolder(made.value(), folder, name); !own.isDone()) return own.problem();
     if (lists == InheritedList::IsRemoved) return made;
@@ -169,6 +171,7 @@ Result<void> TreeCopy::fill(FileDescriptor const& source, ItemStatus const& stat
     Result<FileDescriptor> const target = openIn(m_target, to, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC);
     if (!target.hasValue()) return target.problem();
     if (m_levels.empty()) {
+        rememberMade(target.value());
         if (Result<void> const removed = removeInheritedLists(target.value()); !removed.isDone()) return removed;
     }
     if (Result<void> const copied = m_contents.run(source, status, target.value()); !copied.isDone()) return copied;
@@ -204,9 +207,15 @@ Result<void> TreeCopy::copyPrivately(FileDescriptor const& source, ItemStatus co
     Result<std::string> const name = temporaryName();
     if (!name.hasValue()) return name.problem();
     Result<FileDescriptor> const folder = makeFolder(m_target, name.value(), InheritedList::MayBeThere, m_steps);
-    if (!folder.hasValue()) return folder.problem();
+    if (!folder.hasValue()) {
+        // It may have been made all the same, and is empty then.
+        ::unlinkat(m_target.number(), name.value().c_str(), AT_REMOVEDIR);
+        return folder.problem();
+    }
     Result<void> copied = copySpecial(source, status, folder.value(), to, m_steps);
+    Result<ItemPlace> const made = placeOf(folder.value(), to);
     if (copied.isDone()) copied = renameWithoutReplacing(folder.value(), to, m_target, to);
+    if (copied.isDone() && made.hasValue()) m_made = made.value().identity;
     if (!copied.isDone()) ::unlinkat(folder.value().number(), to.c_str(), 0);
     ::unlinkat(m_target.number(), name.value().c_str(), AT_REMOVEDIR);
     return copied;
@@ -234,6 +243,7 @@ Result<void> TreeCopy::enter(Names const& names) {
     Result<FileDescriptor> target = makeFolder(m_target, names.to, lists, m_steps);
     if (!target.hasValue()) return target.problem();
     Result<ItemPlace> const made = placeOf(target.value());
+    if (m_levels.empty()) rememberMade(target.value());
     if (!made.hasValue()) return made.problem();
     m_levels.push_back({.source = status.value(),
                         .target = made.value().identity,
@@ -271,6 +281,13 @@ std::string TreeCopy::pathOf(std::string const& name) const { return BytePath(m_
 
 void TreeCopy::remember(ItemStatus const& status) {
     if (m_purpose == CopyPurpose::Move) m_copied[status.place.identity] = {status.changeTime, markOf(status)};
+}
+
+// Asks twice, since a copy that is not known to be ours would stay if it cannot be completed.
+void TreeCopy::rememberMade(FileDescriptor const& item) {
+    Result<ItemPlace> place = placeOf(item);
+    if (!place.hasValue()) place = placeOf(item);
+    if (place.hasValue()) m_made = place.value().identity;
 }
 
 void TreeCopy::rememberCopy(ItemStatus const& status, std::string const& to) {

@@ -3,6 +3,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/FileCopy.h"
 #include "platform/system/items/OpenItem.h"
+#include <optional>
 #include <unordered_map>
 
 namespace mac {
@@ -34,6 +35,8 @@ public:
           m_contents(shouldContinue) {}
 
     Result<void> run(OpenItem const& item, FileDescriptor const& folder, std::string const& name);
+    // The item that was made under the name, complete or not; nullopt if none was, or the system did not tell.
+    std::optional<ItemIdentity> const& made() const { return m_made; }
 
 private:
     struct Level {
@@ -67,6 +70,7 @@ private:
     std::string pathOf(std::string const& name) const;
     bool linkToCopy(ItemStatus const& status, std::string const& to) const;
     void remember(ItemStatus const& status);
+    void rememberMade(FileDescriptor const& item);
     void rememberCopy(ItemStatus const& status, std::string const& to);
 
     CopyPurpose const m_purpose;
@@ -74,6 +78,7 @@ private:
     CopySteps const& m_steps;
     CopiedItems& m_copied;
     ContentsCopy m_contents;
+    std::optional<ItemIdentity> m_made{};
     FileDescriptor m_source{};
     FileDescriptor m_target{};
     // The folder that the copy is made in, for the paths of copies.

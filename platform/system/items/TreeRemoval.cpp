@@ -234,18 +234,18 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
     if (!held.hasValue()) return held.problem();
     if (!isSameState(held.value(), expected)) return stale(name);
     tell(steps, RemovalStep::Checked);
-    if (Result<void> const away = renameWithoutReplacing(folder, name, folder, aside.value()); !away.isDone()) {
+    if (Result<void> const away = moveAside(folder, name, aside.value()); !away.isDone()) {
         // Folders of a lower layer cannot be renamed; the system itself removes none that holds anything.
         bool const isLayered = away.problem().is(EXDEV) && expected.place.isFolder;
         return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : away;
     }
     tell(steps, RemovalStep::MovedAside);
     Result<ItemStatus> const found = statusOf(folder, aside.value());
-    if (!found.hasValue()) return found.problem();
     Result<ItemStatus> const moved = statusOf(item);
-    bool const isExpected =
-        moved.hasValue() && isSameState(found.value(), moved.value()) && areSameContents(moved.value(), expected);
-    SystemError problem = stale(name);
+    bool const isExpected = found.hasValue() && moved.hasValue() && isSameState(found.value(), moved.value()) &&
+                            areSameContents(moved.value(), expected);
+    // An item that cannot be looked at goes back, too.
+    SystemError problem = found.hasValue() ? stale(name) : found.problem();
     if (isExpected) {
         Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
         if (removed.isDone()) return {};

@@ -1,6 +1,7 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/appkit/NSApplicationMain.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNotificationCenter.h"
@@ -117,6 +118,39 @@ TEST_F(NSApplicationDeathTest, EndsWithALineWithoutAMainInterfaceFile) {
             runProgram();
         },
         testing::ExitedWithCode(1), "NSMainNibFile");
+}
+
+// Answers 0 if the application does not run.
+[[noreturn]] void runAfterItsEnd() {
+    unsetDisplays();
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    NSApplication const application = NSApplication::sharedApplication();
+    application.terminate_(nil);
+    QTimer event;
+    QObject::connect(&event, &QTimer::timeout, [] { std::_Exit(2); });
+    event.start(0);
+    application.run();
+    event.stop();
+    // The end that came before is over with that.
+    QTimer::singleShot(0, [] { std::_Exit(0); });
+    application.run();
+    std::_Exit(3);
+}
+
+TEST_F(NSApplicationDeathTest, DoesNotRunIfItWasEndedBefore) {
+    EXPECT_EXIT(runAfterItsEnd(), testing::ExitedWithCode(0), "");
+}
+
+[[noreturn]] void runWithoutDisplay() {
+    unsetDisplays();
+    NSApplication const application = NSApplication::sharedApplication();
+    QTimer::singleShot(0, [&] { application.terminate_(nil); });
+    application.run();
+    std::_Exit(isSame(application, NSApplication::sharedApplication()) ? 0 : 1);
+}
+
+TEST_F(NSApplicationDeathTest, RunsWithoutADisplay) {
+    EXPECT_EXIT(runWithoutDisplay(), testing::ExitedWithCode(0), "^Cannot open a window: there is no display.*\n$");
 }
 
 // A delegate that answers what it is told to.

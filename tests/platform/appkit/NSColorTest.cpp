@@ -31,6 +31,39 @@ TEST(NSColor, RaisesForAComponentOfAnotherSpace) {
     EXPECT_EQ(NSColor(nil).redComponent(), 0);
 }
 
+TEST(NSColor, IsTheSameInCalibratedAndDeviceSpaces) {
+    NSColor const color = NSColor::colorWithDeviceRed_green_blue_alpha_(0.1, 0.2, 0.3, 0.4);
+    EXPECT_TRUE(color.colorUsingColorSpaceName_(NSCalibratedRGBColorSpace)
+                    .isEqual_(NSColor::colorWithCalibratedRed_green_blue_alpha_(0.1, 0.2, 0.3, 0.4)));
+    EXPECT_FALSE(color.isEqual_(NSColor::colorWithCalibratedRed_green_blue_alpha_(0.1, 0.2, 0.3, 0.4)));
+    EXPECT_EQ(NSColor::colorWithDeviceWhite_alpha_(0.5, 1).description().UTF8String(), "NSDeviceWhiteColorSpace 0.5 1");
+}
+
+TEST(NSColor, IsPrintedWithFourInks) {
+    NSColor const orange = NSColor::colorWithCalibratedRed_green_blue_alpha_(1, 0.5, 0, 1);
+    NSColor const inks = orange.colorUsingColorSpaceName_(NSDeviceCMYKColorSpace);
+    EXPECT_EQ(inks.cyanComponent(), 0);
+    EXPECT_EQ(inks.magentaComponent(), 0.5);
+    EXPECT_EQ(inks.yellowComponent(), 1);
+    EXPECT_EQ(inks.blackComponent(), 0);
+    EXPECT_TRUE(inks.colorUsingColorSpaceName_(NSCalibratedRGBColorSpace).isEqual_(orange));
+    EXPECT_EQ(NSColor::blackColor().colorUsingColorSpaceName_(NSDeviceCMYKColorSpace).blackComponent(), 1);
+    EXPECT_THROW(orange.cyanComponent(), NSInvalidArgumentException);
+}
+
+TEST(NSColor, HasHueSaturationAndBrightness) {
+    NSColor const green = NSColor::colorWithCalibratedHue_saturation_brightness_alpha_(1.0 / 3, 1, 0.5, 1);
+    EXPECT_NEAR(green.greenComponent(), 0.5, 1e-9);
+    EXPECT_NEAR(green.redComponent(), 0, 1e-9);
+    for (double const hue : {0.0, 0.1, 0.25, 0.45, 0.6, 0.75, 0.95}) {
+        NSColor const color = NSColor::colorWithCalibratedHue_saturation_brightness_alpha_(hue, 0.4, 0.8, 1);
+        EXPECT_NEAR(color.hueComponent(), hue, 1e-9);
+        EXPECT_NEAR(color.saturationComponent(), 0.4, 1e-9);
+        EXPECT_NEAR(color.brightnessComponent(), 0.8, 1e-9);
+    }
+    EXPECT_THROW(NSColor::blackColor().hueComponent(), NSInvalidArgumentException);
+}
+
 struct Theme {
     char const* name;
     QColor text;

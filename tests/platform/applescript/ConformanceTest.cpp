@@ -35,7 +35,7 @@ std::vector<std::string> const& chapters() {
                                                 "dates",      "errors",         "finder",        "handlers",
                                                 "lexical",    "lists",          "numbers",       "records",
                                                 "references", "script-objects", "system-events", "system-preferences",
-                                                "text"};
+                                                "text",       "units"};
     return names;
 }
 

@@ -5,6 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -137,6 +138,11 @@ TEST(FSMakeFSRefUnicode, KnowsAFolderThatIsGone) {
     EXPECT_EQ(makeReference(parent, u"file", reference), errFSBadFSRef);
 }
 
+// The system opens nothing, and has no other call to do so.
+void withRefusedOpening(int errorNumber, std::function<void()> const& work) {
+    withRefusedCall(SYS_openat2, ENOSYS, [&] { withRefusedCall(SYS_openat, errorNumber, work); });
+}
+
 struct Refusal {
     int errorNumber;
     OSErr answer;
@@ -148,7 +154,7 @@ TEST_P(RefusedReferences, SayWhy) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     FSRef const parent = referenceMadeFrom(folder.path());
-    withRefusedCall(SYS_openat, GetParam().errorNumber, [&] {
+    withRefusedOpening(GetParam().errorNumber, [&] {
         FSRef reference = parent;
         EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), GetParam().answer);
         EXPECT_TRUE(reference == FSRef{});
@@ -165,7 +171,7 @@ TEST(FSPathMakeRef, SaysWhatTheDiskSays) {
         // An item that is held already need not be opened.
         TemporaryFolder const folder;
         std::string const file = folder.makeFile("file", "");
-        withRefusedCall(SYS_openat, refusal.errorNumber, [&] {
+        withRefusedOpening(refusal.errorNumber, [&] {
             FSRef reference{};
             EXPECT_EQ(FSPathMakeRef(bytes(file), &reference, nullptr), refusal.answer) << refusal.errorNumber;
         });

@@ -147,6 +147,51 @@ TEST_F(FileOperations, ACopyToWhereItCannotBeIsAStatus) {
     EXPECT_EQ(namesIn(m_folder.path()), (Names{"file", "folder", "large"}));
 }
 
+TEST_F(FileOperations, AnItemIsDeletedWithItsSidecar) {
+    m_folder.makeFile("._file", std::string("\0\5\x16\7\0\2\0\0", 8) + std::string(18, '\0'));
+    FSRef const file = referenceTo("file");
+    EXPECT_EQ(FSDeleteObject(&file), noErr);
+    EXPECT_FALSE(isThere(m_folder.path("file")));
+    EXPECT_FALSE(isThere(m_folder.path("._file")));
+    EXPECT_EQ(FSDeleteObject(&file), errFSBadFSRef);
+    m_folder.makeFolder("empty");
+    FSRef const empty = referenceTo("empty");
+    EXPECT_EQ(FSDeleteObject(&empty), noErr);
+    EXPECT_FALSE(isThere(m_folder.path("empty")));
+}
+
+TEST_F(FileOperations, ALinkIsDeletedItself) {
+    ASSERT_EQ(::symlink("folder", m_folder.path("link").c_str()), 0);
+    FSRef const link = referenceTo("link");
+    EXPECT_EQ(FSDeleteObject(&link), noErr);
+    EXPECT_FALSE(isThere(m_folder.path("link")));
+    EXPECT_EQ(textOf(m_folder.path("folder/inner/file")), "inner");
+}
+
+TEST_F(FileOperations, WhatIsInUseIsNotDeleted) {
+    FSRef const folder = referenceTo("folder");
+    EXPECT_EQ(FSDeleteObject(&folder), fBsyErr) << "it is not empty";
+    EXPECT_EQ(textOf(m_folder.path("folder/inner/file")), "inner");
+    FSRef root{};
+    ASSERT_EQ(FSPathMakeRef(reinterpret_cast<std::uint8_t const*>("/"), &root, nullptr), noErr);
+    EXPECT_EQ(FSDeleteObject(&root), fBsyErr);
+    m_folder.makeFolder("mounted");
+    mountMemory(m_folder.path("mounted"), "size=64k");
+    FSRef const mounted = referenceTo("mounted");
+    EXPECT_EQ(FSDeleteObject(&mounted), fBsyErr);
+    EXPECT_TRUE(isThere(m_folder.path("mounted")));
+}
+
+TEST_F(FileOperations, ALockedItemIsNotDeleted) {
+    ASSERT_EQ(lock("file", kFSNodeLockedMask), noErr);
+    FSRef const file = referenceTo("file");
+    EXPECT_EQ(FSDeleteObject(&file), fLckdErr);
+    EXPECT_EQ(textOf(m_folder.path("file")), "contents");
+    ASSERT_EQ(lock("file", 0), noErr);
+    EXPECT_EQ(FSDeleteObject(&file), noErr);
+    EXPECT_EQ(FSDeleteObject(nullptr), paramErr);
+}
+
 } // namespace
 
 } // namespace mac::test

@@ -169,6 +169,50 @@ TEST(Forks, AreRefusedWithWrongArguments) {
     EXPECT_EQ(FSCloseFork(fork), rfNumErr);
 }
 
+// Writes one byte of a file that is otherwise all zeros.
+std::string makeSparse(TemporaryFolder const& folder, std::string const& name, off_t size, off_t place = -1) {
+    std::string path = folder.makeFile(name, "");
+    EXPECT_EQ(::truncate(path.c_str(), size), 0);
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    if (place >= 0) file.seekp(place).put('x');
+    return path;
+}
+
+bool areEqual(std::string const& path, std::string const& other) {
+    std::int16_t const one = openData(path);
+    std::int16_t const two = openData(other);
+    bool const isEqual = haveEqualBytes(one, two);
+    EXPECT_EQ(haveEqualBytes(two, one), isEqual);
+    FSCloseFork(one);
+    FSCloseFork(two);
+    return isEqual;
+}
+
+// Small ones are compared by one thread, large ones by two, which meet in the middle.
+TEST(Forks, AreEqualByteByByteAtAnySize) {
+    for (off_t const size : {off_t{0}, off_t{1}, off_t{131'072}, off_t{131'073}, (off_t{16} << 20) - 1, off_t{16} << 20,
+                             (off_t{33} << 20) + 5}) {
+        TemporaryFolder const folder;
+        std::string const file = makeSparse(folder, "file", size);
+        EXPECT_TRUE(areEqual(file, makeSparse(folder, "same", size))) << size;
+        EXPECT_FALSE(areEqual(file, makeSparse(folder, "longer", size + 1))) << size;
+        for (off_t const place : {off_t{0}, size / 2 - 1, size / 2, size / 4, size - size / 4, size - 1})
+            if (place >= 0 && place < size) {
+                EXPECT_FALSE(areEqual(file, makeSparse(folder, "other", size, place))) << size << ' ' << place;
+            }
+    }
+}
+
+TEST(Forks, ThatAreNotOpenAreNotEqual) {
+    TemporaryFolder const folder;
+    std::int16_t const fork = openData(folder.makeFile("file", "x"));
+    EXPECT_FALSE(haveEqualBytes(fork, -1));
+    EXPECT_FALSE(haveEqualBytes(-1, fork));
+    EXPECT_TRUE(haveEqualBytes(fork, fork));
+    EXPECT_EQ(readNext(fork), (Read{eofErr, "x"})) << "marks stay";
+    FSCloseFork(fork);
+}
+
 TEST(Forks, HaveNumbersThatAreFree) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "x");

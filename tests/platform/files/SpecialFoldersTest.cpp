@@ -30,6 +30,7 @@ protected:
     TemporaryFolder const m_point{};
     EnvironmentVariable const m_homePath{"HOME", m_home.folder.makeFolder("home")};
     EnvironmentVariable const m_cache{"XDG_CACHE_HOME", m_home.path("cache/of/mine")};
+    EnvironmentVariable const m_state{"XDG_STATE_HOME", m_home.path("state/of/mine")};
     OSErr m_status{noErr};
 };
 
@@ -68,6 +69,33 @@ TEST_F(SpecialFolders, TemporaryItemsOfTheUserAreTheirsAlone) {
     ASSERT_EQ(::chmod(m_home.path("cache/of/mine/TemporaryItems").c_str(), 0755), 0);
     EXPECT_EQ(folder(kUserDomain, kTemporaryFolderType, YES), "");
     EXPECT_EQ(m_status, permErr);
+}
+
+TEST_F(SpecialFolders, LogsLieInTheUsersStateFolderForTheUserAlone) {
+    EXPECT_EQ(folder(kUserDomain, kLogsFolderType, NO), "");
+    EXPECT_EQ(m_status, fnfErr);
+    std::string const logs = m_home.path("state/of/mine/framekeeper/Logs");
+    EXPECT_EQ(folder(kUserDomain, kLogsFolderType, YES), logs);
+    EXPECT_EQ(folder(kUserDomain, kLogsFolderType, NO), logs);
+    for (std::string const& made : {logs, m_home.path("state/of/mine/framekeeper"), m_home.path("state")}) {
+        struct stat status {};
+        ASSERT_EQ(::stat(made.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, 0700U) << made;
+    }
+    EXPECT_EQ(folder(volumeOf(m_home.path("state")), kLogsFolderType, YES), "");
+    EXPECT_EQ(m_status, fnfErr);
+}
+
+TEST_F(SpecialFolders, LogsMayLieBehindALinkButNotInAFile) {
+    std::string const elsewhere = m_home.folder.makeFolder("elsewhere");
+    m_home.folder.makeFolder("state/of/mine/framekeeper");
+    std::string const logs = m_home.path("state/of/mine/framekeeper/Logs");
+    ASSERT_EQ(::symlink(elsewhere.c_str(), logs.c_str()), 0);
+    EXPECT_EQ(folder(kUserDomain, kLogsFolderType, YES), elsewhere);
+    ASSERT_EQ(::unlink(logs.c_str()), 0);
+    m_home.folder.makeFile("state/of/mine/framekeeper/Logs", "a file");
+    EXPECT_EQ(folder(kUserDomain, kLogsFolderType, YES), "");
+    EXPECT_NE(m_status, noErr);
 }
 
 TEST_F(SpecialFolders, OtherTypesAndVolumesHaveNone) {

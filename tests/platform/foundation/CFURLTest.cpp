@@ -46,10 +46,20 @@ TEST(CFURL, KnowsWhereEachComponentLies) {
                     Ranges{missing, missing}, Ranges{missing, missing}, Ranges{missing, missing},
                     Ranges{missing, missing}, Ranges{missing, missing}}},
              Table{"http://h?q",
-                   {Ranges{{0, 4}, {0, 7}}, Ranges{{7, 1}, {4, 5}}, Ranges{missing, {8, 0}}, Ranges{{9, 1}, {8, 2}},
+                   {Ranges{{0, 4}, {0, 7}}, Ranges{{7, 1}, {4, 5}}, Ranges{{8, 0}, {8, 1}}, Ranges{{9, 1}, {8, 2}},
                     Ranges{missing, {7, 0}}, Ranges{missing, {7, 0}}, Ranges{missing, {7, 0}}, Ranges{{7, 1}, {4, 5}},
                     Ranges{missing, {8, 0}}, Ranges{missing, {8, 0}}, Ranges{{9, 1}, {8, 2}},
                     Ranges{missing, {10, 0}}}},
+             Table{"//host/x",
+                   {Ranges{missing, {0, 0}}, Ranges{{2, 4}, {0, 6}}, Ranges{{6, 2}, {6, 2}}, Ranges{missing, {8, 0}},
+                    Ranges{missing, {2, 0}}, Ranges{missing, {2, 0}}, Ranges{missing, {2, 0}}, Ranges{{2, 4}, {0, 6}},
+                    Ranges{missing, {6, 0}}, Ranges{missing, {8, 0}}, Ranges{missing, {8, 0}},
+                    Ranges{missing, {8, 0}}}},
+             Table{"//u@h",
+                   {Ranges{missing, {0, 0}}, Ranges{{2, 3}, {0, 5}}, Ranges{{5, 0}, {5, 0}}, Ranges{missing, {5, 0}},
+                    Ranges{{2, 1}, {0, 4}}, Ranges{missing, {3, 0}}, Ranges{{2, 1}, {0, 4}}, Ranges{{4, 1}, {3, 2}},
+                    Ranges{missing, {5, 0}}, Ranges{missing, {5, 0}}, Ranges{missing, {5, 0}},
+                    Ranges{missing, {5, 0}}}},
          }) {
         SCOPED_TRACE(row.url);
         for (int number = kCFURLComponentScheme; number <= kCFURLComponentFragment; ++number) {
@@ -110,9 +120,24 @@ TEST(CFURL, TellsAFolderByTheAbsolutePath) {
     EXPECT_FALSE(isFolder("//i", "http://h/a/"));
 }
 
-TEST(CFURL, HasAPlaceForAnEmptyPath) {
-    for (auto const& [text, place] : {std::pair("http://h", 8L), std::pair("http://h#f", 8L), std::pair("#f", 0L),
-                                      std::pair("", 0L), std::pair("file://?q", 7L), std::pair("//h:1?p", 5L)}) {
+TEST(CFURL, HasAnEmptyPathBehindAnAuthority) {
+    struct Row {
+        std::string_view text;
+        CFRange path;
+        CFRange separated;
+    };
+    for (Row const& row :
+         {Row{"http://h", {8, 0}, {8, 0}}, Row{"http://h#f", {8, 0}, {8, 1}}, Row{"//h:1?p", {5, 0}, {5, 1}},
+          Row{"http://u@h;p", {12, 0}, {12, 0}}, Row{"http://h:", {9, 0}, {9, 0}}}) {
+        SCOPED_TRACE(row.text);
+        CFRange separated;
+        EXPECT_EQ(CFURLGetByteRangeForComponent(url(row.text), kCFURLComponentPath, &separated), row.path);
+        EXPECT_EQ(separated, row.separated);
+    }
+}
+
+TEST(CFURL, HasAPlaceForAMissingPath) {
+    for (auto const& [text, place] : {std::pair("#f", 0L), std::pair("", 0L), std::pair("file://?q", 7L)}) {
         SCOPED_TRACE(text);
         CFRange separated;
         EXPECT_EQ(CFURLGetByteRangeForComponent(url(text), kCFURLComponentPath, &separated), missing);

@@ -125,8 +125,9 @@ struct OperatorCase {
 
 TEST(KeyValueCoding, AppliesCollectionOperators) {
     OperatorCase const cases[]{
-        {"@count", "4"},      {"@sum.weight", "10"}, {"@avg.weight", "2.5"}, {"@max.weight", "4"},
-        {"@min.weight", "1"}, {"@max.name", "c"},    {"@min.name", "a"},     {"@count.self", "4"},
+        {"@count", "4"},         {"@sum.weight", "10"}, {"@avg.weight", "2.5"}, {"@max.weight", "4"},
+        {"@min.weight", "1"},    {"@max.name", "c"},    {"@min.name", "a"},     {"@count.self", "4"},
+        {"@count.no.such", "4"}, {"@count.@sum", "4"},
     };
     NSArray const array = parcels({"b", "a", "c", "a"});
     for (OperatorCase const& one : cases) {
@@ -175,9 +176,10 @@ TEST(KeyValueCoding, MissingValuesCountAsZeroInAnAverageAndAsNothingElsewhere) {
 
 TEST(KeyValueCoding, AnOperatorThatIsNoneRaises) {
     NSArray const array = parcels({"a"});
-    EXPECT_THROW(array.valueForKeyPath_("@median.weight"), NSInvalidArgumentException);
+    EXPECT_THROW(array.valueForKeyPath_("@median.weight"), NSUndefinedKeyException);
+    EXPECT_THROW(array.valueForKey_("@median"), NSUndefinedKeyException);
     EXPECT_THROW(array.valueForKeyPath_("@sum"), NSInvalidArgumentException);
-    EXPECT_THROW(array.valueForKeyPath_("@"), NSInvalidArgumentException);
+    EXPECT_THROW(array.valueForKeyPath_("@"), NSUndefinedKeyException);
     EXPECT_THROW(array.valueForKeyPath_("@sum.colour"), NSUndefinedKeyException);
 }
 

@@ -1,6 +1,8 @@
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/Weak.h"
 #include "tests/support/RunUntil.h"
 #include <QCoreApplication>
 #include <gtest/gtest.h>
@@ -95,6 +97,56 @@ TEST(RunLoop, RunsUntilTheDate) {
 TEST(RunLoop, OfNilDoesNothing) {
     NSRunLoop(nil).runUntilDate_(NSDate::distantFuture());
     EXPECT_FALSE(NSRunLoop(nil).runMode_beforeDate_(NSDefaultRunLoopMode, NSDate::distantFuture()));
+}
+
+// Keeps what it was sent.
+class Addressee : public Handle<Addressee, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        std::vector<std::string> got{};
+    };
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "Addressee",
+                .superclass = classOf<NSObject>(),
+                .methods = {method<&Addressee::take_>("take:"), method<&Addressee::refuse_>("refuse:")}};
+    }
+    void take_(NSString const& letter) const { bodyOf(*this)->got.push_back(letter.UTF8String()); }
+    void refuse_(id const&) const { throw NSRangeException("refused"); }
+};
+
+TEST(RunLoop, SendsAMessageOnceItsDelayIsOver) {
+    Addressee const addressee = adopt<Addressee>();
+    std::vector<std::string> const& got = bodyOf(addressee)->got;
+    NSDate const sent = NSDate::date();
+    performSelector_withObject_afterDelay_(addressee, "take:", "late", 0.05);
+    performSelector_withObject_afterDelay_(addressee, "take:", "soon", 0);
+    performSelector_withObject_afterDelay_(addressee, "take:", "at once", -1);
+    EXPECT_TRUE(got.empty());
+    EXPECT_TRUE(runUntil([&] { return got.size() == 3; }));
+    EXPECT_EQ(got, (std::vector<std::string>{"soon", "at once", "late"}));
+    EXPECT_LE(sent.timeIntervalSinceNow(), -0.05);
+}
+
+TEST(RunLoop, KeepsReceiverAndObjectOfALateMessage) {
+    WeakReference gone;
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    {
+        Addressee const addressee = adopt<Addressee>();
+        gone = addressee;
+        performSelector_withObject_afterDelay_(addressee, "refuse:", nil, 0);
+    }
+    EXPECT_FALSE(gone.load() == nil);
+    EXPECT_TRUE(runUntil([&] { return gone.load() == nil; }));
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find("NSRangeException: refused"), std::string::npos);
+}
+
+TEST(RunLoop, SendsNoLateMessageToNil) {
+    performSelector_withObject_afterDelay_(nil, "take:", nil, 0);
+    EXPECT_THROW(performSelector_withObject_afterDelay_(adopt<Addressee>(), SEL(), nil, 0), NSInvalidArgumentException);
 }
 
 } // namespace

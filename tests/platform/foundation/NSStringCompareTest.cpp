@@ -63,11 +63,21 @@ TEST(NSStringCompare, TellsEquivalentTextApartWhenLiteral) {
              Comparison{u"\u00E9", u"e\u0301", 1},
              Comparison{u"abc", u"abc", 0},
              Comparison{u"abc", u"abcd", -1},
-             Comparison{u"\uFF5E", u"\U0001F600", -1},
+             Comparison{u"\uFF5E", u"\U0001F600", 1},
+             Comparison{u"a\uE000", u"a\U0010FFFF", 1},
+             Comparison{u"\uD7FF", u"\U00010000", -1},
              Comparison{u"\U0001F600", u"\U0001F601", -1},
              Comparison{u"\U0001F600", u"\xD83D", 1},
          })
         expectOrder(comparison, NSLiteralSearch);
+}
+
+TEST(NSStringCompare, GoesByCodeUnitWhenLiteralWhateverElseIsAsked) {
+    for (NSUInteger const option : {NSCaseInsensitiveSearch, NSNumericSearch}) {
+        expectOrder({u"\uFF5E", u"\U0001F600", 1}, NSLiteralSearch | option);
+        expectOrder({u"\U0001F600", u"\U0001F601", -1}, NSLiteralSearch | option);
+        expectOrder({u"\uFF5E", u"\U0001F600", -1}, option);
+    }
 }
 
 TEST(NSStringCompare, FoldsCaseFully) {
@@ -200,8 +210,10 @@ TEST(NSStringCompare, HoldsForLoneSurrogates) {
                      u"A",
                      u"\xD83D\u0130", -1},
                     options);
-        expectOrder({u"\xD83D\uFFEE", u"\xD83D\xDE00", -1}, options);
     }
+    expectOrder({u"\xD83D\uFFEE", u"\xD83D\xDE00", -1}, 0);
+    expectOrder({u"\xD83D\uFFEE", u"\xD83D\xDE00", -1}, NSCaseInsensitiveSearch);
+    expectOrder({u"\xD83D\uFFEE", u"\xD83D\xDE00", 1}, NSLiteralSearch);
 }
 
 constexpr std::u16string_view Texts[]{

@@ -1,4 +1,5 @@
 #include "tests/platform/foundation/PropertyListDump.h"
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNumber.h"
@@ -61,18 +62,18 @@ void appendNumber(std::string& text, NSNumber const& number) {
     }
 }
 
-void append(std::string& text, id const& value, Dates dates);
+void append(std::string& text, id const& value, CarriedBy form);
 
-void appendArray(std::string& text, NSArray const& array, Dates dates) {
+void appendArray(std::string& text, NSArray const& array, CarriedBy form) {
     text += '[';
     for (id const& element : array) {
         if (text.back() != '[') text += ',';
-        append(text, element, dates);
+        append(text, element, form);
     }
     text += ']';
 }
 
-void appendDictionary(std::string& text, NSDictionary const& dictionary, Dates dates) {
+void appendDictionary(std::string& text, NSDictionary const& dictionary, CarriedBy form) {
     std::vector<NSString> keys;
     for (id const& key : dictionary.allKeys())
         keys.push_back(as<NSString>(key));
@@ -82,16 +83,16 @@ void appendDictionary(std::string& text, NSDictionary const& dictionary, Dates d
         if (text.back() != '{') text += ',';
         appendString(text, key);
         text += ':';
-        append(text, dictionary.objectForKey_(key), dates);
+        append(text, dictionary.objectForKey_(key), form);
     }
     text += '}';
 }
 
-void append(std::string& text, id const& value, Dates dates) {
+void append(std::string& text, id const& value, CarriedBy form) {
     if (value.isKindOfClass_(classOf<NSDictionary>())) {
-        appendDictionary(text, as<NSDictionary>(value), dates);
+        appendDictionary(text, as<NSDictionary>(value), form);
     } else if (value.isKindOfClass_(classOf<NSArray>())) {
-        appendArray(text, as<NSArray>(value), dates);
+        appendArray(text, as<NSArray>(value), form);
     } else if (value.isKindOfClass_(classOf<NSString>())) {
         appendString(text, as<NSString>(value));
     } else if (value.isKindOfClass_(classOf<NSData>())) {
@@ -101,7 +102,10 @@ void append(std::string& text, id const& value, Dates dates) {
     } else if (value.isKindOfClass_(classOf<NSDate>())) {
         // Text has no negative zero seconds; the sum has none either.
         double const seconds = as<NSDate>(value).timeIntervalSinceReferenceDate();
-        text.append("d").append(realText(dates == Dates::Exact ? seconds : std::floor(seconds) + 0.0));
+        text.append("d").append(realText(form == CarriedBy::Binary ? seconds : std::floor(seconds) + 0.0));
+    } else if (value.isKindOfClass_(classOf<CFKeyedArchiverUIDRef>())) {
+        std::string const number = std::to_string(CFKeyedArchiverUIDGetValue(as<CFKeyedArchiverUIDRef>(value)));
+        text += form == CarriedBy::Binary ? "u" + number : "{\"CF$UID\":i" + number + "}";
     } else {
         text += "nil";
     }
@@ -109,9 +113,9 @@ void append(std::string& text, id const& value, Dates dates) {
 
 } // namespace
 
-std::string dump(id const& propertyList, Dates dates) {
+std::string dump(id const& propertyList, CarriedBy form) {
     std::string text;
-    append(text, propertyList, dates);
+    append(text, propertyList, form);
     return text;
 }
 

@@ -6,13 +6,14 @@
 
 namespace mac::test {
 
-// How dates are told: exactly, or in the whole seconds that XML has.
-enum class Dates { Exact, WholeSeconds };
+// How values are told that binary and XML carry differently: dates exactly or in whole seconds, a keyed archive's
+// identifier as one (u5) or as the dictionary that stands for it.
+enum class CarriedBy { Binary, XML };
 
 // A property list as text that tells each value's kind, for comparisons:
 // {"key":i1,"other":[r0.5,true,d0,<00ff>,"text"]}. Keys stand in the order of their code units; what is not printable
 // ASCII as \uXXXX.
-std::string dump(id const& propertyList, Dates dates = Dates::Exact);
+std::string dump(id const& propertyList, CarriedBy form = CarriedBy::Binary);
 
 // What came of reading some bytes as a property list.
 struct Reading {

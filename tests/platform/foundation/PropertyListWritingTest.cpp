@@ -1,3 +1,4 @@
+#include "platform/foundation/CFKeyedArchiverUID.h"
 #include "platform/foundation/NSDate.h"
 #include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNull.h"
@@ -120,6 +121,35 @@ TEST(PropertyListWriting, XMLHasRealsAsTheMacWritesThem) {
     }
 }
 
+TEST(PropertyListWriting, IdentifiersOfKeyedArchivesSurvive) {
+    std::vector<id> identifiers;
+    for (std::uint32_t const value : {0U, 1U, 255U, 256U, 65535U, 65536U, 4294967295U})
+        identifiers.push_back(CFKeyedArchiverUIDCreate(kCFAllocatorDefault, value));
+    NSDictionary const list = NSDictionary::dictionaryWithObjectsAndKeys_(
+        {NSArray::arrayWithVector(identifiers), "$objects", CFKeyedArchiverUIDCreate(kCFAllocatorDefault, 1), "$top",
+         NSNumber::numberWithInt_(1), "number", nil});
+    EXPECT_EQ(dump(list), "{\"$objects\":[u0,u1,u255,u256,u65535,u65536,u4294967295],\"$top\":u1,\"number\":i1}");
+    for (auto const format : kFormats) {
+        id const read = readList(writeList(list, format).bytes).list;
+        EXPECT_EQ(dump(read), dump(list));
+        EXPECT_TRUE(read.isEqual_(list));
+    }
+    EXPECT_NE(writeList(identifiers.front(), NSPropertyListXMLFormat_v1_0)
+                  .bytes.find("<dict>\n\t<key>CF$UID</key>\n\t<integer>0</integer>\n</dict>\n"),
+              std::string::npos);
+    EXPECT_FALSE(NSPropertyListSerialization::propertyList_isValidForFormat_(list, NSPropertyListOpenStepFormat));
+}
+
+TEST(PropertyListWriting, AnIdentifierIsItsValueAndNoNumber) {
+    CFKeyedArchiverUIDRef const seven = CFKeyedArchiverUIDCreate(kCFAllocatorDefault, 7);
+    EXPECT_TRUE(seven.isEqual_(CFKeyedArchiverUIDCreate(kCFAllocatorDefault, 7)));
+    EXPECT_EQ(seven.hash(), CFKeyedArchiverUIDCreate(kCFAllocatorDefault, 7).hash());
+    EXPECT_FALSE(seven.isEqual_(CFKeyedArchiverUIDCreate(kCFAllocatorDefault, 8)));
+    EXPECT_FALSE(seven.isEqual_(NSNumber::numberWithInt_(7)));
+    EXPECT_FALSE(NSNumber::numberWithInt_(7).isEqual_(seven));
+    EXPECT_EQ(CFKeyedArchiverUIDGetValue(nil), 0U);
+}
+
 TEST(PropertyListWriting, EveryCarriageReturnSurvives) {
     NSString const string = "a\r\nb\rc\n\td ";
     for (auto const format : kFormats)
@@ -158,7 +188,7 @@ TEST(PropertyListWriting, XMLRefusesWhatItCannotCarry) {
     }
 }
 
-TEST(PropertyListWriting, XMLHasTheDatesOfTheYears0To9999) {
+TEST(PropertyListWriting, XMLHasTheDatesOfTheYearsMinus9999To9999) {
     struct {
         double seconds;
         char const* expected;
@@ -167,16 +197,20 @@ TEST(PropertyListWriting, XMLHasTheDatesOfTheYears0To9999) {
                    {-0.5, "2000-12-31T23:59:59Z"},
                    {-1e-144, "2000-12-31T23:59:59Z"},
                    {0.999, "2001-01-01T00:00:00Z"},
-                   {-63145526401.0, nullptr},
+                   {-63145526401.0, "-0001-12-31T23:59:59Z"},
+                   {-378683424000.0, "-9999-01-01T00:00:00Z"},
+                   {-378683424001.0, nullptr},
                    {252423993600.0, nullptr},
                    {1e300, nullptr},
                    {std::numeric_limits<double>::quiet_NaN(), nullptr}};
     for (auto const& row : rows) {
         Writing const writing =
             writeList(NSDate::dateWithTimeIntervalSinceReferenceDate_(row.seconds), NSPropertyListXMLFormat_v1_0);
-        if (row.expected)
+        if (row.expected) {
             EXPECT_NE(writing.bytes.find(row.expected), std::string::npos) << writing.bytes;
-        else
+            NSDate const read = as<NSDate>(readList(writing.bytes).list);
+            EXPECT_EQ(read.timeIntervalSinceReferenceDate(), std::floor(row.seconds));
+        } else
             EXPECT_EQ(writing.error, "A date lies outside the years that XML has");
     }
 }

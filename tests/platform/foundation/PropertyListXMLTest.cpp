@@ -56,6 +56,20 @@ INSTANTIATE_TEST_SUITE_P(
         XMLRow{"<real>-Infinity</real>", "r-inf"}, XMLRow{"<real>+infinity</real>", "rinf"}, XMLRow{"<true/>", "true"},
         XMLRow{"<false></false>", "false"}, XMLRow{"<date>2001-01-01T00:00:00Z</date>", "d0"},
         XMLRow{"<date>2000-12-31T23:59:59Z</date>", "d-1"}, XMLRow{"<date>2024-02-29T12:34:56Z</date>", "d730902896"},
+        XMLRow{"<date>-0001-01-01T00:00:00Z</date>", "d-63177062400"},
+        XMLRow{"<date>2000-13-01T00:00:00Z</date>", "d0"}, XMLRow{"<date>1998-37-01T00:00:00Z</date>", "d0"},
+        XMLRow{"<date>-0001-13-01T00:00:00Z</date>", "d-63145526400"},
+        XMLRow{"<string>a\x01\x0B\x1F z</string>", "\"a\\u0001\\u000b\\u001f z\""},
+        XMLRow{"<string>&#1;&#x1b;&#x00000C;</string>", "\"\\u0001\\u001b\\u000c\""},
+        XMLRow{"<string><![CDATA[&#1;\x02]]>&#1;</string>", "\"&#1;\\u0002\\u0001\""},
+        XMLRow{"<array><!-- \x01 &#1; --><string>\x01\xEE\x80\x80</string></array>", "[\"\\u0001\\ue000\"]"},
+        XMLRow{"<dict><key>\x01</key><true/></dict>", "{\"\\u0001\":true}"},
+        XMLRow{"<dict><key>CF$UID</key><integer>5</integer></dict>", "u5"},
+        XMLRow{"<dict><key>CF$UID</key><integer>4294967295</integer></dict>", "u4294967295"},
+        XMLRow{"<dict><key>CF$UID</key><integer>4294967296</integer></dict>", "{\"CF$UID\":i4294967296}"},
+        XMLRow{"<dict><key>CF$UID</key><integer>-1</integer></dict>", "{\"CF$UID\":i-1}"},
+        XMLRow{"<dict><key>CF$UID</key><true/></dict>", "{\"CF$UID\":true}"},
+        XMLRow{"<dict><key>CF$UID</key><integer>1</integer><key>a</key><true/></dict>", "{\"CF$UID\":i1,\"a\":true}"},
         XMLRow{"<data></data>", "<>"}, XMLRow{"<data>AAH/</data>", "<0001ff>"},
         XMLRow{"<data>\n\tAA\n\tE=\n\t</data>", "<0001>"}, XMLRow{"<data>AA==</data>", "<00>"},
         XMLRow{"<array/>", "[]"}, XMLRow{"<array><!-- c --><true/> <?pi x?><integer>1</integer></array>", "[true,i1]"},
@@ -95,6 +109,15 @@ INSTANTIATE_TEST_SUITE_P(
         XMLRow{"<plist><date>2001-01-01</date></plist>", "There is a <date> that is no date at line 1"},
         XMLRow{"<plist><date>2001-02-30T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
         XMLRow{"<plist><date>2001-01-01T24:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>2001-00-01T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>9999-13-01T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>2001-14-30T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist><date>--001-01-01T00:00:00Z</date></plist>", "There is a <date> that is no date at line 1"},
+        XMLRow{"<plist>\x01<true/></plist>", "There is text outside of a value at line 1"},
+        XMLRow{"<plist>\n<integer>1\x01</integer></plist>",
+               "There is an <integer> that is no 64-bit integer at line 2"},
+        XMLRow{"\n \n<?xml version=\"1.0\"?>\n<plist>\n<real/></plist>",
+               "There is a <real> that is no number at line 5"},
         XMLRow{"<plist><data>A</data></plist>", "There is <data> that is not in base 64 at line 1"},
         XMLRow{"<plist><data>A===</data></plist>", "There is <data> that is not in base 64 at line 1"},
         XMLRow{"<plist><data>AA=A</data></plist>", "There is <data> that is not in base 64 at line 1"},
@@ -121,6 +144,35 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(PropertyListXML, ReadsAListWithoutThePlistElement) {
     EXPECT_EQ(dump(readList("<dict><key>a</key><true/></dict>").list), "{\"a\":true}");
+}
+
+TEST(PropertyListXML, ReadsAListBehindBlanks) {
+    EXPECT_EQ(dump(readList(" \t\r\n" + plist("<true/>")).list), "true");
+    EXPECT_EQ(dump(readList("\n<?xml version='1.0' encoding='ISO-8859-1'?><string>\xE9</string>").list), "\"\\u00e9\"");
+    EXPECT_EQ(dump(readList("\xEF\xBB\xBF\n<?xml version='1.0'?><true/>").list), "true");
+}
+
+TEST(PropertyListXML, IgnoresTextBehindTheRoot) {
+    for (std::string const& text :
+         {std::string("stray"), std::string("\n \nstray < & <true/>"), std::string(3, '\0'), std::string("\x01"),
+          std::string("&file;"), std::string("]]>"), std::string("<!-- c --> stray"), std::string("<?pi x?>stray"),
+          std::string("<!-- c -->")}) {
+        EXPECT_EQ(dump(readList(plist("<array><true/></array>") + text).list), "[true]") << text;
+        EXPECT_EQ(dump(readList("<string>a</string>" + text).list), "\"a\"") << text;
+    }
+}
+
+TEST(PropertyListXML, KeepsPrivateCharactersBesideControlCharacters) {
+    std::string all;
+    for (unsigned unit = 0xE000; unit < 0xF8FF; ++unit) {
+        all += static_cast<char>(0xE0 | unit >> 12);
+        all += static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+        all += static_cast<char>(0x80 | (unit & 0x3F));
+    }
+    std::string const told = dump(readList(plist("<string>\x01" + all + "A</string>")).list);
+    EXPECT_TRUE(told.starts_with("\"\\u0001\\ue000")) << told.substr(0, 20);
+    EXPECT_TRUE(told.ends_with("\\uf8feA\""));
+    EXPECT_EQ(xmlComplaint("<string>\x01" + all + "\xEF\xA3\xBF</string>").empty(), false);
 }
 
 TEST(PropertyListXML, RefusesASecondRoot) {
@@ -183,6 +235,15 @@ std::string wide(std::string_view ascii, bool isBigEndian) {
 
 constexpr std::string_view kDeclared16 = R"(<?xml version="1.0" encoding="UTF-16"?><string>a</string>)";
 
+std::string wide32(std::string_view ascii, bool isBigEndian) {
+    std::string bytes;
+    for (char const character : ascii)
+        bytes += isBigEndian ? std::string{'\0', '\0', '\0', character} : std::string{character, '\0', '\0', '\0'};
+    return bytes;
+}
+
+constexpr std::string_view kDeclared32 = R"(<?xml version="1.0" encoding="UTF-32"?><string>a</string>)";
+
 class XMLEncoding : public testing::TestWithParam<EncodingRow> {};
 
 TEST_P(XMLEncoding, IsRead) { EXPECT_EQ(dump(readList(GetParam().bytes).list), GetParam().expected); }
@@ -196,6 +257,8 @@ INSTANTIATE_TEST_SUITE_P(
         EncodingRow{"UTF-16, little, marked", "\xFF\xFE" + wide(kDeclared16, false), "\"a\""},
         EncodingRow{"UTF-16, big, bare", wide(kDeclared16, true), "\"a\""},
         EncodingRow{"UTF-16, little, bare", wide(kDeclared16, false), "\"a\""},
+        EncodingRow{"UTF-32, big, marked", std::string("\0\0\xFE\xFF", 4) + wide32(kDeclared32, true), "\"a\""},
+        EncodingRow{"UTF-32, little, marked", std::string("\xFF\xFE\0\0", 4) + wide32(kDeclared32, false), "\"a\""},
         EncodingRow{"Latin-1", "<?xml version='1.0' encoding='ISO-8859-1'?><string>\xE9</string>", "\"\\u00e9\""},
         EncodingRow{"Mac OS Roman", "<?xml version='1.0' encoding='macintosh'?><string>\x8E</string>", "\"\\u00e9\""},
         EncodingRow{"a declared UTF-8", "<?xml version='1.0' encoding='utf-8'?><string>\xC3\xA9</string>",
@@ -209,6 +272,13 @@ TEST(PropertyListXML, RefusesBytesThatAreNotUTF8WithTheirLine) {
 TEST(PropertyListXML, RefusesUTF16ThatIsCutInAUnit) {
     EXPECT_EQ(xmlComplaint("\xFE\xFF" + wide("<true/>", true) + std::string(1, '\0')),
               "The text is not valid in its encoding, UTF-16BE, at line 1");
+}
+
+TEST(PropertyListXML, RefusesUTF32ThatIsCutOrBeyondUnicode) {
+    EXPECT_EQ(xmlComplaint(std::string("\0\0\xFE\xFF", 4) + wide32("<true/>", true) + std::string(2, '\0')),
+              "The text is not valid in its encoding, UTF-32BE, at line 1");
+    EXPECT_EQ(xmlComplaint(std::string("\xFF\xFE\0\0\0\0\x11\0", 8)),
+              "The text is not valid in its encoding, UTF-32LE, at line 1");
 }
 
 TEST(PropertyListXML, RefusesEncodingsInWhichMarkupIsNotASCII) {

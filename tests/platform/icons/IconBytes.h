@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,6 +21,32 @@ inline std::string iconPiece(std::string_view type, std::string_view contents) {
 }
 
 inline std::string iconFamily(std::string_view pieces) { return iconPiece("icns", pieces); }
+
+// So many equal bytes, packed in runs.
+inline std::string packedRun(std::size_t count, std::uint8_t value) {
+    constexpr std::size_t longestRun = 130;
+    constexpr std::size_t shortestRun = 3;
+    std::string packed;
+    while (count >= shortestRun) {
+        // What is left is never too short for a run.
+        std::size_t const length = count > longestRun + shortestRun ? longestRun : std::min(count, longestRun);
+        packed += static_cast<char>(length + 125);
+        packed += static_cast<char>(value);
+        count -= length;
+    }
+    if (count > 0) packed += static_cast<char>(count - 1) + std::string(count, static_cast<char>(value));
+    return packed;
+}
+
+// Pixels of one colour 0xRRGGBB as the pieces 'is32', 'il32' and 'ih32' hold them.
+inline std::string packedPixels(int side, std::uint32_t color) {
+    auto const count = static_cast<std::size_t>(side) * static_cast<std::size_t>(side);
+    return packedRun(count, static_cast<std::uint8_t>(color >> 16)) +
+           packedRun(count, static_cast<std::uint8_t>(color >> 8)) + packedRun(count, static_cast<std::uint8_t>(color));
+}
+
+// An icon of 32 pixels a side in one colour.
+inline std::string coloredFamily(std::uint32_t color) { return iconFamily(iconPiece("il32", packedPixels(32, color))); }
 
 // One resource of that type and number.
 inline std::string resourceFork(std::string_view type, int number, std::string_view resource) {

@@ -57,6 +57,49 @@ TEST_F(ItemAttributes, TellAFilesTypeByItsContentsWhereTheNameSaysNothing) {
     EXPECT_EQ(typeOfFile("bytes", std::string_view("\1\2\3\0\4", 5)), "public.data");
 }
 
+TEST_F(ItemAttributes, TellTheTypeOfAnExtensionThatSharedRulesDoNotDecide) {
+    EXPECT_EQ(typeOfFile("a.m", "function x\n"), "public.objective-c-source");
+    EXPECT_EQ(typeOfFile("a.pm", "package x;\n"), "public.perl-script");
+    EXPECT_EQ(typeOfFile("a.ts", "let x = 1;\n"), "public.mpeg-2-transport-stream");
+    EXPECT_EQ(typeOfFile("a.log", "<?xml version=\"1.0\"?>\n"), "com.apple.log");
+    EXPECT_EQ(typeOfFile("a.txt", "#!/bin/sh\n"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("a.nef", std::string_view("II*\0\10\0\0\0", 8)), "com.nikon.raw-image");
+    EXPECT_EQ(typeOfFile("a.ai", "%PDF-1.5\n"), "com.adobe.illustrator.ai-image");
+    EXPECT_EQ(typeOfFile("a.docx", "PK\3\4"), "org.openxmlformats.wordprocessingml.document");
+    EXPECT_EQ(typeOfFile("a.svg", "<?xml version=\"1.0\"?><svg/>"), "public.svg-image");
+    EXPECT_EQ(typeOfFile("a.tar.gz", "\x1F\x8B\x08"), "org.gnu.gnu-zip-tar-archive");
+}
+
+TEST_F(ItemAttributes, BelieveContentsThatProveThatTheNameLies) {
+    constexpr std::string_view png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16);
+    EXPECT_EQ(typeOfFile("a.txt", png), "public.png");
+    EXPECT_EQ(typeOfFile("a.jpg", png), "public.png");
+    EXPECT_EQ(typeOfFile("a.mp3", png), "public.png");
+    EXPECT_EQ(typeOfFile("b.png", "\xFF\xD8\xFF\xE0"), "public.jpeg");
+    EXPECT_EQ(typeOfFile("b.txt", "%PDF-1.4\n"), "com.adobe.pdf");
+    EXPECT_EQ(typeOfFile("c.png", "<!DOCTYPE html><html></html>"), "public.html");
+}
+
+TEST_F(ItemAttributes, DoNotTakeAWordForAProof) {
+    EXPECT_EQ(typeOfFile("a.txt", "MZ is a state.\n"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("b.txt", "BZh: the team\n"), "public.plain-text");
+    EXPECT_EQ(typeOfFile("c.csv", "ID3;ID4\n"), "public.comma-separated-values-text");
+    EXPECT_EQ(typeOfFile("d.png", "Dear reader,\n"), "public.png");
+}
+
+TEST_F(ItemAttributes, TellATypeThatABundleDeclaresBeforeTheSystems) {
+    registerTypesIn(NSDictionary::dictionaryWithObject_forKey_(
+        NSArray::arrayWithObject_(NSDictionary::dictionaryWithObjectsAndKeys_(
+            {"com.example.tape", kUTTypeIdentifierKey, "public.data", kUTTypeConformsToKey,
+             NSDictionary::dictionaryWithObject_forKey_("zst", kUTTagClassFilenameExtension),
+             kUTTypeTagSpecificationKey})),
+        kUTExportedTypeDeclarationsKey));
+    EXPECT_EQ(typeOfFile("a.zst"), "com.example.tape");
+    EXPECT_EQ(typeOfFile("b.zst", "%PDF-1.4\n"), "com.example.tape");
+    EXPECT_TRUE(UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, "ZST", nil)
+                    .isEqualToString_("com.example.tape"));
+}
+
 TEST_F(ItemAttributes, TellAFilesTypeByItsOldCodeBeforeItsContents) {
     std::string const file = m_folder.makeFile("picture", "Dear reader,\n");
     FinderInformation information;
@@ -107,7 +150,7 @@ TEST_F(ItemAttributes, OfATypeThatNobodyDeclaresHaveADynamicIdentifier) {
     EXPECT_TRUE(type.hasPrefix_("dyn."));
     EXPECT_TRUE(UTTypeConformsTo(type, "public.image"));
     EXPECT_FALSE(UTTypeConformsTo(type, "public.text"));
-    NSString const source = typeOf(m_folder.makeFile("a.f90", ""));
+    NSString const source = typeOf(m_folder.makeFile("a.tex", ""));
     EXPECT_TRUE(UTTypeConformsTo(source, "public.plain-text"));
 }
 

@@ -82,7 +82,10 @@ TEST(TypeIdentifiers, AreFoundByTheirTags) {
     EXPECT_TRUE(identifierFor(kUTTagClassOSType, "MooV").isEqualToString_("com.apple.quicktime-movie"));
     EXPECT_TRUE(identifierFor(kUTTagClassOSType, "moov").hasPrefix_("dyn."));
     EXPECT_TRUE(identifierFor(kUTTagClassOSType, "url ").isEqualToString_("public.url"));
-    EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "app", "public.data").hasPrefix_("dyn."));
+    EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "app").isEqualToString_("com.apple.application-bundle"));
+    EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "app", "public.data")
+                    .isEqualToString_("com.apple.application-file"));
+    EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "framework", "public.data").hasPrefix_("dyn."));
     EXPECT_TRUE(identifierFor("public.nonsense", "png") == nil);
     EXPECT_TRUE(identifierFor(kUTTagClassFilenameExtension, "") == nil);
     EXPECT_TRUE(UTTypeCreatePreferredIdentifierForTag(nil, "png", nil) == nil);

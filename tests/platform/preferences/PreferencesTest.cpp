@@ -1,6 +1,8 @@
 #include "platform/preferences/Preferences.h"
+#include "fuzz/UserDefaultsTrial.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
+#include "tests/support/Corpus.h"
 
 namespace mac::test {
 
@@ -43,7 +45,7 @@ protected:
     id value(NSString const& key = "strings") { return m_preferences.value(m_domain, key); }
     bool write(id const& value, NSString const& key = "strings") {
         m_preferences.setValue(m_domain, key, value);
-        return m_preferences.synchronize(m_domain);
+        return m_preferences.synchronize(m_domain).isDone();
     }
 
     PreferenceDomain const m_domain{.file = file("domain"), .nativeName = "domain"};
@@ -92,7 +94,7 @@ TEST_F(PreferencesTest, WhatIsNoArrayIsNotWritten) {
 TEST_F(PreferencesTest, ADamagedFileHidesNothingOfTheDesktopAndStopsWriting) {
     makeFile("domain", "damaged");
     desktop().items = NSArray::arrayWithObject_("a");
-    EXPECT_FALSE(m_preferences.synchronize(m_domain));
+    EXPECT_FALSE(m_preferences.synchronize(m_domain).isDone());
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObject_("a")));
     EXPECT_FALSE(write(NSArray::array()));
     EXPECT_EQ(desktop().writings, 0);
@@ -102,7 +104,7 @@ TEST_F(PreferencesTest, ADamagedFileHidesNothingOfTheDesktopAndStopsWriting) {
 TEST_F(PreferencesTest, ADesktopThatCannotBeReadWholeIsTold) {
     desktop().items = NSArray::arrayWithObject_("a");
     desktop().isReadable = false;
-    EXPECT_FALSE(m_preferences.synchronize(m_domain));
+    EXPECT_FALSE(m_preferences.synchronize(m_domain).isDone());
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObject_("a")));
 }
 
@@ -113,11 +115,15 @@ TEST_F(PreferencesTest, ADesktopThatCannotBeWrittenIsToldAndTheFileStaysAsItWas)
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObjects_({"a", "b", NSNumber::numberWithInt_(1)})));
 }
 
+TEST(PreferencesCorpus, KeepsAllValuesOfReadableFilesAndAllBytesOfOthers) {
+    expectNoComplaints("UserDefaultsFuzz", fuzz::complaintAboutUserDefaults);
+}
+
 TEST_F(PreferencesTest, AnArrayChangedAfterItWasSetIsWrittenAsItWas) {
     NSMutableArray const items = NSMutableArray::arrayWithObjects_({"a"});
     m_preferences.setValue(m_domain, "strings", items);
     items.addObject_("b");
-    EXPECT_TRUE(m_preferences.synchronize(m_domain));
+    EXPECT_TRUE(m_preferences.synchronize(m_domain).isDone());
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObject_("a")));
 }
 

@@ -6,13 +6,16 @@
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -36,6 +39,12 @@ protected:
     // 0, or the system's code.
     int rename(std::string const& from, std::string const& to, std::function<void()> const& afterFirstStep = {}) const {
         return codeOf(StepwiseRename(afterFirstStep).rename(m_parent, from, m_parent, to));
+    }
+
+    // Where files have one name only.
+    static void withoutSecondNames(std::function<void()> const& work) { withRefusedCall(SYS_linkat, EPERM, work); }
+    static void withoutLinks(std::function<void()> const& work) {
+        withoutSecondNames([&] { withRefusedCall(SYS_symlinkat, EPERM, work); });
     }
 
     TemporaryFolder const m_folder{};
@@ -77,8 +86,8 @@ TEST_F(RenamingInSteps, NeverShowsSomethingElseUnderTheNewName) {
                          EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"folder", "second"}));
                      }),
               0);
-    // Nor where there are no symbolic links.
-    withRefusedCall(SYS_symlinkat, EPERM, [&] {
+    // Nor where there are no links of any kind.
+    withoutLinks([&] {
         EXPECT_EQ(rename("second", "fourth",
                          [&] {
                              EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"second", "third"}));
@@ -88,20 +97,78 @@ TEST_F(RenamingInSteps, NeverShowsSomethingElseUnderTheNewName) {
     EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"fourth", "third"}));
 }
 
-TEST_F(RenamingInSteps, IsFollowedByWhoHasTheItemOpen) {
+TEST_F(RenamingInSteps, IsFollowedByOpenDescriptorsWhereFilesHaveOneName) {
     FileDescriptor const file(::open(m_folder.makeFile("file", "x").c_str(), O_PATH | O_CLOEXEC));
     ASSERT_TRUE(file.isOpen());
-    EXPECT_EQ(rename("file", "second"), 0);
+    withoutSecondNames([&] { EXPECT_EQ(rename("file", "second"), 0); });
     EXPECT_EQ(systemsPath(file).value(), m_folder.path("second"));
 }
 
 TEST_F(RenamingInSteps, LosesNothingThatTakesThePlaceOfTheFile) {
     std::string const file = m_folder.makeFile("file", "old");
     std::string const saved = m_folder.makeFile("saved", "new");
-    ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
     EXPECT_EQ(rename("file", "second", [&] { ::rename(saved.c_str(), file.c_str()); }), 0);
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(contentsOf(file), "new");
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "old");
+}
+
+TEST_F(RenamingInSteps, LosesNothingThatTakesThePlaceOfTheFileWhereFilesHaveOneName) {
+    std::string const file = m_folder.makeFile("file", "old");
+    std::string const saved = m_folder.makeFile("saved", "new");
+    ASSERT_EQ(::link(file.c_str(), m_folder.path("old").c_str()), 0);
+    withoutSecondNames([&] { EXPECT_EQ(rename("file", "second", [&] { ::rename(saved.c_str(), file.c_str()); }), 0); });
     EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"old", "second"}));
     EXPECT_EQ(contentsOf(m_folder.path("second")), "new");
+}
+
+// Renames another process's item to the new name again and again, without looking, while a file is renamed to it.
+TEST_F(RenamingInSteps, NeverReplacesAnItemThatTakesTheNewNameAtAnyMoment) {
+    for (int step = 0; step < 40; ++step) {
+        std::string const name = std::to_string(step);
+        m_folder.makeFile(name + "/file", "x");
+        std::string const anothers = m_folder.makeFile(name + "/another's", "y");
+        std::string const second = m_folder.path(name + "/second");
+        FileDescriptor const folder(::open(m_folder.path(name).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        std::atomic<bool> isReady{false};
+        std::thread other([&] {
+            isReady = true;
+            ::renameat2(AT_FDCWD, anothers.c_str(), AT_FDCWD, second.c_str(), RENAME_NOREPLACE);
+        });
+        while (!isReady)
+            std::this_thread::yield();
+        int const result = codeOf(StepwiseRename().rename(folder, "file", folder, "second"));
+        other.join();
+        EXPECT_TRUE(result == 0 || result == EEXIST) << result;
+        Names const expected = result == 0 ? Names{"another's", "second"} : Names{"file", "second"};
+        EXPECT_EQ(sortedNamesIn(m_folder.path(name)), expected);
+        EXPECT_EQ(contentsOf(second), result == 0 ? "x" : "y");
+    }
+}
+
+TEST_F(RenamingInSteps, KeepsAFileWhoseFirstNameAnotherProcessRemoves) {
+    std::string const file = m_folder.makeFile("file", "x");
+    EXPECT_EQ(rename("file", "second", [&] { ::unlink(file.c_str()); }), 0);
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), Names{"second"});
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "x");
+}
+
+TEST_F(RenamingInSteps, TakesTheNewNameBackIfTheFirstOneCannotGo) {
+    m_folder.makeFile("file", "x");
+    withRefusedCall(SYS_renameat, EACCES, [&] { EXPECT_EQ(rename("file", "second"), EACCES); });
+    EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
+    // What refuses to rename refuses to take the name back, too: the file has both, and nothing is lost.
+    withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_NE(rename("file", "third"), 0); });
+    EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
+}
+
+TEST_F(RenamingInSteps, MovesFilesWithOtherNames) {
+    std::string const file = m_folder.makeFile("file", "x");
+    ASSERT_EQ(::link(file.c_str(), m_folder.path("other").c_str()), 0);
+    EXPECT_EQ(rename("file", "second"), 0);
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"other", "second"}));
+    EXPECT_EQ(rename("other", "second"), EEXIST);
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"other", "second"}));
 }
 
 TEST_F(RenamingInSteps, LeavesWhatTakesTheNewNameOfAFolder) {
@@ -121,11 +188,21 @@ TEST_F(RenamingInSteps, LeavesWhatTakesTheNewNameOfAFile) {
     EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
     EXPECT_EQ(contentsOf(file), "x");
     EXPECT_EQ(contentsOf(m_folder.path("second")), "y");
-    withRefusedCall(SYS_symlinkat, EPERM, [&] {
-        EXPECT_EQ(rename("file", "third", [&] { m_folder.makeFile("third", "another's"); }), EEXIST);
-    });
+    withoutLinks([&] { EXPECT_EQ(rename("file", "third", [&] { m_folder.makeFile("third", "another's"); }), EEXIST); });
     EXPECT_EQ(contentsOf(file), "x");
     EXPECT_EQ(contentsOf(m_folder.path("third")), "another's");
+}
+
+TEST_F(RenamingInSteps, LeavesWhatTakesTheNewNameWhereFilesHaveOneName) {
+    std::string const file = m_folder.makeFile("file", "x");
+    std::string const anothers = m_folder.makeFile("another's", "y");
+    withoutSecondNames([&] {
+        EXPECT_EQ(rename("file", "second", [&] { ::rename(anothers.c_str(), m_folder.path("second").c_str()); }),
+                  EEXIST);
+    });
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(contentsOf(file), "x");
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "y");
 }
 
 TEST_F(RenamingInSteps, LeavesNothingBehindWhenItFails) {

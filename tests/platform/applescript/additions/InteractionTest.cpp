@@ -3,6 +3,7 @@
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/UserInterface.h"
+#include "tests/platform/applescript/ScriptHome.h"
 #include <gtest/gtest.h>
 
 namespace mac::applescript::test {
@@ -32,6 +33,10 @@ public:
         list = request;
         return chosen;
     }
+    std::optional<ColorComponents> chooseColor(ColorComponents const& initial) override {
+        firstColor = initial;
+        return color;
+    }
     std::u16string clipboardText() override { return clipboard; }
     void setClipboardText(std::u16string const& text) override { clipboard = text; }
     void notify(std::u16string const& title, std::u16string const& text) override { note = title + u": " + text; }
@@ -40,6 +45,8 @@ public:
     ListRequest list;
     DialogOutcome answer{.button = 0, .answer = u"typed"};
     std::optional<std::vector<std::size_t>> chosen;
+    ColorComponents firstColor{};
+    std::optional<ColorComponents> color;
     std::u16string clipboard;
     std::u16string note;
 };
@@ -47,7 +54,8 @@ public:
 TEST(Interaction, NobodyAnswersWithoutAScreen) {
     for (std::u16string_view const source :
          {u"display dialog \"a\"", u"display alert \"a\"", u"choose from list {1}", u"display notification \"a\"",
-          u"the clipboard", u"set the clipboard to 1", u"clipboard info", u"say \"a\"", u"choose file"})
+          u"the clipboard", u"set the clipboard to 1", u"clipboard info", u"choose file", u"choose color",
+          u"choose URL", u"choose application"})
         EXPECT_EQ(sourceOrErrorOf(source), "No user interaction allowed. (-1713)") << utf8FromUnits(source);
 }
 
@@ -158,6 +166,40 @@ TEST(Interaction, ANotificationIsNotAnswered) {
     Person person;
     EXPECT_EQ(sourceOrErrorOf(u"display notification \"a\" with title \"t\" subtitle \"s\""), "");
     EXPECT_EQ(person.note, u"t: s\na");
+}
+
+TEST(Interaction, ChoosesAColor) {
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"choose color"), "User canceled. (-128)");
+    person.color = ColorComponents{65535, 1, 0};
+    EXPECT_EQ(sourceOrErrorOf(u"choose color default color {1, 70000, -2}"), "{65535, 1, 0}");
+    EXPECT_EQ(person.firstColor, (ColorComponents{1, 65535, 0}));
+    EXPECT_EQ(sourceOrErrorOf(u"choose color default color {1, 2}"), "Parameter error. (-50)");
+}
+
+TEST(Interaction, ChoosesAURL) {
+    Person person;
+    person.answer = {.button = 1, .answer = u"https://example.org/"};
+    EXPECT_EQ(sourceOrErrorOf(u"choose URL"), "\"https://example.org/\"");
+    person.answer.button = 0;
+    EXPECT_EQ(sourceOrErrorOf(u"choose URL"), "User canceled. (-128)");
+}
+
+TEST(Interaction, ChoosesAnApplication) {
+    ScriptHome const home;
+    home.folder().makeFile(".local/share/applications/b.desktop",
+                           "[Desktop Entry]\nType=Application\nName=Beta\nExec=/bin/true\n");
+    home.folder().makeFile(".local/share/applications/a.desktop",
+                           "[Desktop Entry]\nType=Application\nName=alpha\nExec=/bin/true\n");
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"choose application"), "User canceled. (-128)");
+    EXPECT_EQ(person.list.items, (std::vector<std::u16string>{u"alpha", u"Beta"}));
+    person.chosen = {1};
+    EXPECT_EQ(sourceOrErrorOf(u"choose application with prompt \"Which?\""), "application \"Beta\"");
+    EXPECT_EQ(person.list.text, u"Which?");
+    EXPECT_EQ(sourceOrErrorOf(u"POSIX path of (choose application as alias)"),
+              "\"" + home.path(".local/share/applications/b.desktop") + "\"");
+    EXPECT_EQ(sourceOrErrorOf(u"choose application with multiple selections allowed"), "{application \"Beta\"}");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tests/platform/system/items/ItemTransfers.h"
 #include "tests/support/PrivateMounts.h"
+#include <filesystem>
 #include <fstream>
 
 // What other processes do between the steps of copies, moves and removals.
@@ -64,6 +65,44 @@ TEST_F(TransferSteps, ACopyIsNotMadeInAFolderOfAnother) {
     };
     EXPECT_EQ(copyWith("tree", exchange), ESTALE);
     EXPECT_EQ(namesIn(m_point.path("x elsewhere")), std::vector<std::string>());
+}
+
+TEST_F(TransferSteps, ACopyThatGetsNoNameTakesNoOtherItemAlong) {
+    for (char const* const name : {"file", "tree"}) {
+        m_folder.makeFile(std::string(name) == "tree" ? "tree/inner" : "file", "x");
+        FileDescriptor const target = folderAt(m_point.path());
+        OpenItem const item = itemAt(m_folder.path(name));
+        std::string temporary;
+        auto const exchange = [&](CopyStep step) {
+            if (step != CopyStep::Complete) return;
+            temporary = namesIn(m_point.path()).at(0);
+            ASSERT_EQ(::rename(m_point.path(temporary).c_str(), m_point.path("x copy").c_str()), 0);
+            m_point.makeFile(temporary, "another's");
+            m_point.makeFile("taken", "taken");
+        };
+        Result<void, TransferProblem> const copied =
+            copyItem({.item = item, .folder = target, .name = "taken", .copySteps = exchange});
+        ASSERT_FALSE(copied.isDone());
+        EXPECT_EQ(copied.problem().error.code, EEXIST);
+        EXPECT_EQ(textOf(m_point.path(temporary)), "another's");
+        EXPECT_EQ(textOf(m_point.path("taken")), "taken");
+        for (std::string const& left : namesIn(m_point.path()))
+            std::filesystem::remove_all(m_point.path(left));
+    }
+}
+
+TEST_F(TransferSteps, ACopyThatGetsNoNameIsRemoved) {
+    m_folder.makeFile("tree/inner/file", "x");
+    m_folder.makeFile("._tree", AppleDouble);
+    OpenItem const item = itemAt(m_folder.path("tree"));
+    FileDescriptor const target = folderAt(m_point.path());
+    auto const take = [&](CopyStep step) {
+        if (step == CopyStep::Complete) m_point.makeFile("taken", "taken");
+    };
+    Result<void, TransferProblem> const copied =
+        copyItem({.item = item, .folder = target, .name = "taken", .copySteps = take});
+    ASSERT_FALSE(copied.isDone());
+    EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"taken"});
 }
 
 TEST_F(TransferSteps, ARemovalLosesNothingAlsoWhereTheNameIsTakenMeanwhile) {

@@ -1,0 +1,88 @@
+#include "app/InventorySync.h"
+#include "app/AppControllerBody.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/Weak.h"
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace framekeeper {
+
+namespace {
+
+void continueLater(AppController const& controller, std::shared_ptr<InventorySync> const& sync) {
+    bodyOf(controller)->_sync = sync;
+    Weak<AppController> const later(controller);
+    performOnMainRunLoop([later, step = std::weak_ptr(sync)] {
+        AppController const alive = later.load();
+        std::shared_ptr<InventorySync> const current = step.lock();
+        bool const isCurrent = alive != nil && current && bodyOf(alive)->_sync == current;
+        if (!isCurrent) return;
+        // An exception of an observer ends the steps.
+        bodyOf(alive)->_sync.reset();
+        if (current->advance(alive, bodyOf(alive)->_pathsInStep)) return continueLater(alive, current);
+        if (std::exchange(bodyOf(alive)->_syncsAgain, false)) syncInSteps(alive);
+    });
+}
+
+} // namespace
+
+void InventorySync::look(std::size_t end) {
+    for (; m_looked < end; ++m_looked) {
+        NSMetadataItem const item = as<NSMetadataItem>(m_results.objectAtIndex_(static_cast<NSUInteger>(m_looked)));
+        NSString const path = as<NSString>(item.valueForAttribute_(kMDItemPath));
+        BundleLook look = lookAtBundle(path);
+        if (!isCompanion(look)) continue;
+        m_found.addObject_(path);
+        if (m_found.count() > m_looks.size()) m_looks.push_back(std::move(look));
+    }
+}
+
+void InventorySync::setDiskPaths(AppController const& controller) {
+    look(m_results.count());
+    controller.setIsOnHarddiskPaths_(m_found);
+}
+
+bool InventorySync::advance(AppController const& controller, std::size_t paths) {
+    std::size_t const looked = m_looked;
+    look(std::min<std::size_t>(m_results.count(), m_looked + paths));
+    paths -= m_looked - looked;
+    if (m_looked < m_results.count()) return true;
+
+    if (!m_builder) {
+        // The controller's set may change later.
+        m_paths = m_found.allObjects();
+        controller.setIsOnHarddiskPaths_(m_found);
+        m_builder.emplace(controller);
+    }
+    std::size_t const end = std::min<std::size_t>(m_paths.count(), m_records.count() + paths);
+    for (std::size_t index = m_records.count(); index < end; ++index)
+        m_builder->add(m_records, as<NSString>(m_paths.objectAtIndex_(static_cast<NSUInteger>(index))), m_looks[index]);
+    if (m_records.count() < m_paths.count()) return true;
+
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+        m_builder->addMissing(m_records, entriesOf(controller, row));
+    controller.setPaths_(m_records);
+    return false;
+}
+
+void syncInSteps(AppController const& controller) {
+    if (bodyOf(controller)->_sync) {
+        bodyOf(controller)->_syncsAgain = true;
+        return;
+    }
+    continueLater(controller, std::make_shared<InventorySync>(controller.query().results()));
+}
+
+void restartSteps(AppController const& controller) {
+    if (!bodyOf(controller)->_sync) return;
+    cancelSteps(controller);
+    syncInSteps(controller);
+}
+
+void cancelSteps(AppController const& controller) {
+    bodyOf(controller)->_sync.reset();
+    bodyOf(controller)->_syncsAgain = false;
+}
+
+} // namespace framekeeper

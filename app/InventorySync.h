@@ -1,0 +1,42 @@
+#pragma once
+
+#include "app/RecordBuilding.h"
+#include <optional>
+#include <vector>
+
+namespace framekeeper {
+
+// Brings the disk's paths and the inventory up to date with the results of a query, in parts that may be done at
+// different times: looks at each result once, replaces the disk's paths by those that are copies of the companion, and
+// rebuilds the inventory with what the looks told. Nothing of the controller changes before the last part of either.
+// Main thread.
+class InventorySync {
+public:
+    explicit InventorySync(NSArray const& results) : m_results(results) {}
+
+    // Looks at, or makes records of, so many paths at most. False when the inventory is set.
+    bool advance(AppController const& controller, std::size_t paths);
+    // The disk's paths alone, all at once.
+    void setDiskPaths(AppController const& controller);
+
+private:
+    void look(std::size_t end);
+
+    NSArray m_results;
+    std::size_t m_looked{0};
+    NSMutableSet m_found = NSMutableSet::set();
+    // In the order of m_found.
+    std::vector<BundleLook> m_looks;
+    std::optional<RecordBuilder> m_builder;
+    NSArray m_paths;
+    NSMutableSet m_records = NSMutableSet::set();
+};
+
+// Does the same in steps of the controller's size, between which the main thread handles what the user does. Asked for
+// while steps are under way, it starts anew when they are done.
+void syncInSteps(AppController const& controller);
+// Steps under way start anew, since something was changed that they may have looked at.
+void restartSteps(AppController const& controller);
+void cancelSteps(AppController const& controller);
+
+} // namespace framekeeper

@@ -1,0 +1,113 @@
+#include "app/RecordBuilding.h"
+#include "platform/foundation/NSNumber.h"
+
+namespace framekeeper {
+
+namespace {
+
+// All records share their keys: finding one by the very same string is quick, and a key of its own for each record
+// would take more memory than the rest of it.
+struct RecordKeys {
+    RecordKeys() {
+        for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
+            flags[row] = NSString::stringWithUTF8String_(MembershipSources[row].flagKey);
+            objects[row] = NSString::stringWithUTF8String_(MembershipSources[row].objectKey);
+        }
+    }
+    static RecordKeys const& shared() {
+        static RecordKeys const keys;
+        return keys;
+    }
+
+    NSString path = "path";
+    NSString displayPath = "displayPath";
+    NSString exists = "exists";
+    std::array<NSString, MembershipSources.size()> flags;
+    std::array<NSString, MembershipSources.size()> objects;
+    NSString version = "version";
+    NSString versionString = "versionString";
+};
+
+// Linux: information files written by hand hold versions as numbers too; the table compares text.
+NSString textOfVersion(id const& value) {
+    NSNumber const number = as<NSNumber>(value);
+    return number == nil ? as<NSString>(value) : number.stringValue();
+}
+
+} // namespace
+
+EntriesByPath::EntriesByPath(NSSet const& entries) {
+    for (id const& entry : entries.allObjects()) {
+        id const path = entry.valueForKey_("path");
+        if (path == nil && m_entryWithoutPath == nil)
+            m_entryWithoutPath = entry;
+        else if (path != nil && m_entries.objectForKey_(path) == nil)
+            m_entries.setObject_forKey_(entry, path);
+    }
+}
+
+bool EntriesByPath::contains(NSString const& path) const { return path != nil && m_entries.objectForKey_(path) != nil; }
+
+id EntriesByPath::objectOf(NSString const& path, NSString const& key) const {
+    id const entry = path == nil ? m_entryWithoutPath : m_entries.objectForKey_(path);
+    return entry.valueForKey_(key);
+}
+
+RecordBuilder::RecordBuilder(AppController const& controller) {
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+        m_sources.emplace_back(entriesOf(controller, row));
+}
+
+RecordBuilder::Versions RecordBuilder::versionsOf(BundleSummary const& summary) {
+    NSString const version = textOfVersion(summary.version);
+    NSString const shortVersion = textOfVersion(summary.shortVersion);
+    // A missing version is not an empty one.
+    bool const areTexts = version != nil && shortVersion != nil;
+    auto const known = m_versions.find({shortVersion.codeUnits(), version.codeUnits()});
+    if (areTexts && known != m_versions.end()) return known->second;
+    Versions const versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
+    if (!areTexts) return versions;
+    m_keptTexts.insert(m_keptTexts.end(), {shortVersion, version});
+    m_versions.emplace(std::pair(shortVersion.codeUnits(), version.codeUnits()), versions);
+    return versions;
+}
+
+void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look,
+                        RecordObjects const& objects) {
+    Versions const versions = isCompanion(look) ? versionsOf(look.summary) : Versions{"", ""};
+    RecordKeys const& keys = RecordKeys::shared();
+    NSMutableDictionary const record = NSMutableDictionary::dictionary();
+    record.setValue_forKey_(path, keys.path);
+    record.setValue_forKey_(path, keys.displayPath);
+    record.setValue_forKey_(NSNumber::numberWithBool_(BOOL(look.exists)), keys.exists);
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
+        record.setValue_forKey_(NSNumber::numberWithBool_(BOOL(m_sources[row].contains(path))), keys.flags[row]);
+        if (objects[row] != nil) record.setValue_forKey_(objects[row], keys.objects[row]);
+    }
+    if (versions.version != nil) record.setValue_forKey_(versions.version, keys.version);
+    record.setValue_forKey_(versions.versionString, keys.versionString);
+    records.addObject_(record);
+}
+
+void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look) {
+    RecordObjects objects;
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
+        objects[row] = m_sources[row].objectOf(path, RecordKeys::shared().objects[row]);
+    add(records, path, look, objects);
+}
+
+void RecordBuilder::addMissing(NSMutableSet const& records, NSSet const& entries) {
+    if (entries.count() == 0) return;
+    NSSet const known = as<NSSet>(records.valueForKey_("path"));
+    for (id const& entry : entries.allObjects()) {
+        NSString const path = as<NSString>(entry.valueForKey_("path"));
+        if (!known.containsObject_(path)) add(records, path, lookAtBundle(path));
+    }
+}
+
+bool isCompanion(BundleLook const& look) {
+    NSString const identifier = as<NSString>(look.summary.identifier);
+    return look.exists && identifier.isEqualToString_(CompanionIdentifier);
+}
+
+} // namespace framekeeper

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "app/MembershipSources.h"
+#include "platform/foundation/NSBundle.h"
+#include <array>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace framekeeper {
+
+// The entries of one source by their paths: of several with the same path the first in the set's order counts.
+class EntriesByPath {
+public:
+    explicit EntriesByPath(NSSet const& entries);
+
+    bool contains(NSString const& path) const;
+    // The value under the key of the path's entry; nil if there is none.
+    id objectOf(NSString const& path, NSString const& key) const;
+
+private:
+    NSMutableDictionary m_entries = NSMutableDictionary::dictionary();
+    id m_entryWithoutPath;
+};
+
+// A path's object in each of the sources, row by row of their table, nil where there is none.
+using RecordObjects = std::array<id, MembershipSources.size()>;
+
+// Makes records from the controller's sources as they are when it is made. The sources are indexed once, so that a
+// record costs the same however many paths there are. Main thread.
+class RecordBuilder {
+public:
+    explicit RecordBuilder(AppController const& controller);
+
+    // Adds the path's record, with what the look at the path told.
+    void add(NSMutableSet const& records, NSString const& path, BundleLook const& look);
+    void add(NSMutableSet const& records, NSString const& path, BundleLook const& look, RecordObjects const& objects);
+    // Adds records of the paths that none of the records has when the source is begun. Two entries of one path make two
+    // equal records, which the set holds once.
+    void addMissing(NSMutableSet const& records, NSSet const& entries);
+
+private:
+    struct Versions {
+        // Nil for a copy that tells none.
+        NSString version;
+        NSString versionString;
+    };
+
+    Versions versionsOf(BundleSummary const& summary);
+
+    std::vector<EntriesByPath> m_sources;
+    // By short version and version: most copies share a few.
+    std::map<std::pair<std::u16string_view, std::u16string_view>, Versions> m_versions;
+    // What the keys of m_versions view.
+    std::vector<NSString> m_keptTexts;
+};
+
+// Whether the look found a copy of the companion.
+bool isCompanion(BundleLook const& look);
+
+} // namespace framekeeper

@@ -1,0 +1,151 @@
+#include "app/AppController.h"
+#include "benchmarks/Timing.h"
+#include "pathutils/BundleVersions.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <vector>
+
+// What the inventory of many copies costs: rebuilding it against one status call for each path, the longest time that
+// the main thread is held while a scan finds them, and reading their versions against Python's plistlib. Rounds take
+// turns.
+//
+// usage: inventory [COPIES]
+
+using namespace framekeeper;
+using benchmarks::median;
+using benchmarks::secondsOf;
+
+namespace {
+
+constexpr int Rounds = 7;
+constexpr int DefaultCopies = 10'000;
+constexpr int BundlesOfVersions = 1'000;
+constexpr int CopiesInFolder = 100;
+
+// Information files as applications have them hold some dozens of keys.
+std::string informationFile(int number) {
+    std::string text =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+        "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">\n<dict>\n";
+    auto const add = [&text](std::string const& key, std::string const& value) {
+        text += "\t<key>" + key + "</key>\n\t<string>" + value + "</string>\n";
+    };
+    add("CFBundleIdentifier", CompanionIdentifier);
+    add("CFBundleShortVersionString", "2." + std::to_string(number % 50));
+    add("CFBundleVersion", std::to_string(200 + number % 50));
+    for (int key = 0; key < 20; ++key)
+        add("CFBundleKey" + std::to_string(key), "A value of the usual length");
+    return text + "</dict>\n</plist>\n";
+}
+
+std::vector<std::string> makeCopies(mac::test::TemporaryFolder const& folder, int count) {
+    std::vector<std::string> paths;
+    for (int number = 0; number < count; ++number) {
+        std::string const relative = "Folder " + std::to_string(number / CopiesInFolder) + "/Backup " +
+                                     std::to_string(number) + "/Mirror Frame.app";
+        folder.makeFile(relative + "/Contents/Info.plist", informationFile(number));
+        paths.push_back(folder.path(relative));
+        // Old enough to be believed.
+        timespec const times[2]{{1'000'000'000, 0}, {1'000'000'000, 0}};
+        ::utimensat(AT_FDCWD, (paths.back() + "/Contents/Info.plist").c_str(), times, 0);
+    }
+    return paths;
+}
+
+void statEach(std::vector<std::string> const& paths) {
+    struct statx status {};
+    for (std::string const& path : paths)
+        ::statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS, &status);
+}
+
+void measureBatches(std::vector<std::string> const& paths) {
+    AppController const controller = AppController::alloc().init();
+    NSMutableSet const found = NSMutableSet::set();
+    std::vector<std::string> files;
+    for (std::string const& path : paths) {
+        found.addObject_(NSString::stringWithFileSystemRepresentation_(path));
+        files.push_back(path + "/Contents/Info.plist");
+    }
+    controller.setIsOnHarddiskPaths_(found);
+    double const first = secondsOf([&] { controller.reSync(); });
+    std::vector<double> ratios;
+    std::vector<double> times;
+    for (int round = 0; round < Rounds; ++round) {
+        double const calls = secondsOf([&] { statEach(files); });
+        times.push_back(secondsOf([&] { controller.reSync(); }));
+        ratios.push_back(times.back() / calls);
+    }
+    std::printf("%zu copies: the first batch %.1f ms, each further one %.1f ms, %.2f times a status call for each path "
+                "(median of %d pairs)\n",
+                paths.size(), first * 1e3, median(times) * 1e3, median(ratios), Rounds);
+}
+
+// The whole scan, as the program does it without its window.
+void measureHolds(std::string const& folder, std::size_t count) {
+    ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.c_str(), 1);
+    AppController const controller = AppController::alloc().init();
+    controller.awakeFromNib();
+    double longest = 0;
+    double const whole = secondsOf([&] {
+        while (controller.query().isGathering() || controller.paths().count() < count)
+            longest = std::max(longest,
+                               secondsOf([] { NSRunLoop::currentRunLoop().runMode_beforeDate_("", NSDate::date()); }));
+    });
+    controller.query().stopQuery();
+    std::printf("%zu copies: found and listed after %.2f s, the main thread was held for at most %.1f ms\n", count,
+                whole, longest * 1e3);
+}
+
+void measureVersions(mac::test::TemporaryFolder const& folder) {
+    std::string const script = folder.makeFile(
+        "versions.py", "import plistlib, sys, time\nstart = time.perf_counter()\nfor line in open(sys.argv[1]):\n"
+                       "    with open(line[:-1] + '/Contents/Info.plist', 'rb') as file:\n"
+                       "        plistlib.load(file)['CFBundleVersion']\n"
+                       "open(sys.argv[2], 'w').write(str(time.perf_counter() - start))\n");
+    std::vector<double> ratios;
+    for (int round = 0; round < Rounds; ++round) {
+        // New ones in each round: the first pass is what is compared.
+        mac::test::TemporaryFolder const round_folder;
+        std::vector<std::string> const paths = makeCopies(round_folder, BundlesOfVersions);
+        std::string list;
+        for (std::string const& path : paths)
+            list += path + "\n";
+        std::string const listPath = round_folder.makeFile("list", list);
+        std::string const answer = round_folder.makeFile("answer", "");
+        benchmarks::runProgram({"python3", script, listPath, answer});
+        double theirs = 0;
+        if (std::FILE* const file = std::fopen(answer.c_str(), "r")) {
+            if (std::fscanf(file, "%lf", &theirs) != 1) theirs = 0;
+            std::fclose(file);
+        }
+        double const ours = secondsOf([&] {
+            for (std::string const& path : paths)
+                pxVersionOfPath(NSString::stringWithFileSystemRepresentation_(path));
+        });
+        ratios.push_back(ours / theirs);
+    }
+    std::printf("%d versions: %.2f times plistlib's time (median of %d pairs, first passes)\n", BundlesOfVersions,
+                median(ratios), Rounds);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int const count = argc > 1 ? std::atoi(argv[1]) : DefaultCopies;
+    if (count < 1) {
+        std::fprintf(stderr, "usage: inventory [COPIES]\n");
+        return 2;
+    }
+    mac::test::TemporaryFolder const folder;
+    ::setenv("HOME", folder.path().c_str(), 1);
+    std::vector<std::string> const paths = makeCopies(folder, count);
+    measureVersions(folder);
+    measureHolds(folder.path(), paths.size());
+    measureBatches(paths);
+}

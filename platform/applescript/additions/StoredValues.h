@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/applescript/runtime/ScriptValue.h"
+#include <string>
+#include <string_view>
+
+namespace mac::applescript {
+
+// Values in files as `write … as integer` leaves them and `read … as integer` finds them. Numbers are big-endian:
+// an integer has four bytes, a real eight, a date eight (seconds since 1904, local time), a boolean one. A list or a
+// record is a mark, the number of bytes that follow, four of them, and a flat descriptor. Main thread.
+
+// Whether values of the class have such a form.
+bool isStoredClass(Code type);
+
+// The bytes of a value of that class. Throws -1700 for a value that is not of the class, -2706 or -2708 for a list that
+// is too deep or too large. REQUIRES: isStoredClass(type).
+std::string storedBytes(Value const& value, Code type);
+
+struct StoredValue {
+    Value value{};
+    // How many of the bytes it takes.
+    std::size_t size{0};
+};
+
+// The value at the beginning of the bytes, which are not trusted. Throws -39 for bytes that end too early, -1702 for
+// bytes that hold no such value. REQUIRES: isStoredClass(type).
+StoredValue storedValueIn(std::string_view bytes, Code type);
+
+} // namespace mac::applescript

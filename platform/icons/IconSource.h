@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/foundation/MacErrors.h"
+#include "platform/foundation/NSString.h"
+#include "platform/icons/Picture.h"
+#include <string>
+#include <vector>
+
+namespace mac {
+
+struct DiskItem;
+
+// Where the pictures of an icon come from, in this order: the first that has any counts. A value; for implementations,
+// any thread.
+struct IconSource {
+    // What is drawn where nothing else has a picture.
+    enum class Generic { Document, Folder, Application };
+
+    // The contents of a file of type 'icns'.
+    std::vector<std::byte> family{};
+    // A picture's file by its path.
+    std::string file{};
+    // Names in the icon theme.
+    std::vector<std::string> names{};
+    Generic generic{Generic::Document};
+};
+
+// Of an item: its custom icon, the icon of its bundle, of its desktop entry, of its type code and creator where an
+// application declares one, of its kind of folder, or of its type. A symbolic link has that of the item that it leads
+// to.
+// Linux: without a badge for links and aliases.
+IconSource iconSourceOf(DiskItem const& item);
+// Of a type: an extension, or a type code in single quotes ("'TEXT'"). Anything else is a document.
+IconSource iconSourceOfFileType(NSString const& fileType);
+// Of files with this creator and type, as the application of the creator declares it among its document types, else as
+// the tree of types says; of the system's creator, 'macs', one of the system's icons. Nothing where nobody says one.
+std::optional<IconSource> iconSourceOfCodes(OSType creator, OSType type);
+
+// The contents of the icon file of that name in a bundle's resources, the extension .icns being left out or not; empty
+// where there is none that can be read. A name that leads elsewhere is none.
+std::vector<std::byte> iconFileInBundle(std::string const& bundlePath, NSString const& name);
+// The custom icon, or nothing.
+std::vector<std::byte> customIconAtPath(std::string const& path, bool isFolder);
+
+// In the sides of icons (IconTheme.h); never empty.
+std::vector<SharedPicture> picturesOfSource(IconSource const& source);
+// Drawn by this program.
+std::vector<SharedPicture> genericPictures(IconSource::Generic generic);
+
+} // namespace mac

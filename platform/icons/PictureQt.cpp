@@ -1,0 +1,171 @@
+#include "platform/icons/Picture.h"
+#include <QBuffer>
+#include <QGuiApplication>
+#include <QImage>
+#include <QImageReader>
+#include <QPainter>
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace mac {
+
+namespace {
+
+constexpr int MostPages = 64;
+constexpr char TargaSignature[] = "TRUEVISION-XFILE.";
+constexpr std::string_view PNGSignature = "\x89PNG\r\n\x1A\n";
+constexpr std::size_t LargestDrawing = std::size_t{4} << 20;
+
+// The pixels stay the span's.
+QByteArray borrowedBytes(std::span<std::byte const> bytes) {
+    return QByteArray::fromRawData(reinterpret_cast<char const*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
+}
+
+// The image's pixels stay the picture's.
+QImage borrowedImage(Picture const& picture) {
+    return {reinterpret_cast<uchar const*>(picture.pixels.data()), picture.width, picture.height, picture.width * 4,
+            QImage::Format_ARGB32};
+}
+
+// Points have 72 to the inch. A resolution that is the toolkit's own for every new image is none of the file's.
+float pointsOf(int pixels, int dotsPerMeter, int usualDotsPerMeter) {
+    constexpr double inchesInAMeter = 39.37007874;
+    if (dotsPerMeter <= 0 || dotsPerMeter == usualDotsPerMeter) return static_cast<float>(pixels);
+    // Rounded, since a file keeps the resolution rounded.
+    return static_cast<float>(std::round(pixels * 72 * inchesInAMeter / dotsPerMeter));
+}
+
+std::optional<Picture> pictureOf(QImage const& read) {
+    if (read.isNull()) return std::nullopt;
+    QImage const image = read.convertToFormat(QImage::Format_ARGB32);
+    if (image.isNull()) return std::nullopt;
+    QImage const usual(1, 1, QImage::Format_ARGB32);
+    Picture picture = emptyPicture(image.width(), image.height());
+    for (int row = 0; row < picture.height; ++row)
+        std::memcpy(picture.pixels.data() + std::size_t(row) * std::size_t(picture.width), image.constScanLine(row),
+                    std::size_t(picture.width) * sizeof(std::uint32_t));
+    picture.size = {pointsOf(image.width(), read.dotsPerMeterX(), usual.dotsPerMeterX()),
+                    pointsOf(image.height(), read.dotsPerMeterY(), usual.dotsPerMeterY())};
+    return picture;
+}
+
+// 0 for an image that does not say its size before it is read.
+std::size_t pixelsAhead(QImageReader const& reader) {
+    QSize const size = reader.size();
+    return size.isValid() ? std::size_t(size.width()) * std::size_t(size.height()) : 0;
+}
+
+// Names that only elements with text have, and what could spell them in another way.
+bool needsFonts(std::span<std::byte const> bytes) {
+    std::string_view const text(reinterpret_cast<char const*>(bytes.data()), bytes.size());
+    for (std::string_view const sign : {"<text", ":text", "<!ENTITY"}) {
+        if (text.find(sign) != std::string_view::npos) return true;
+    }
+    // A compressed or otherwise encoded drawing shows nothing of its text.
+    return text.find("<svg") == std::string_view::npos;
+}
+
+} // namespace
+
+Picture emptyPicture(int width, int height) {
+    return {.width = width,
+            .height = height,
+            .pixels = std::vector<std::uint32_t>(std::size_t(width) * std::size_t(height)),
+            .size = {static_cast<float>(width), static_cast<float>(height)}};
+}
+
+std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
+    QByteArray contents = borrowedBytes(bytes);
+    QBuffer buffer(&contents);
+    buffer.open(QIODevice::ReadOnly);
+    // Targa has its signature at the end; at the beginning it looks like a pointer of Windows.
+    QByteArray const format = contents.endsWith(QByteArrayView(TargaSignature, sizeof(TargaSignature)))
+                                  ? "tga"
+                                  : QImageReader::imageFormat(&buffer);
+    // Drawings are shown at any size, and the family of an icon has a reader of its own.
+    if (format.isEmpty() || format.startsWith("svg") || format == "icns") return {};
+    QImageReader reader(&buffer, format);
+    int const pages = format == "tiff" || format == "ico" ? std::min(reader.imageCount(), MostPages) : 1;
+    std::vector<Picture> pictures;
+    std::size_t total = 0;
+    for (int page = 0; page < pages; ++page) {
+        if (page > 0 && !reader.jumpToImage(page)) break;
+        std::size_t const ahead = pixelsAhead(reader);
+        total += ahead;
+        if (ahead == 0 || total > MostImagePixels) return {};
+        std::optional<Picture> picture = pictureOf(reader.read());
+        if (!picture) break;
+        pictures.push_back(std::move(*picture));
+    }
+    return pictures;
+}
+
+std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int largestSide) {
+    // The library logs what has another signature.
+    if (bytes.size() < PNGSignature.size() || std::memcmp(bytes.data(), PNGSignature.data(), PNGSignature.size()) != 0)
+        return std::nullopt;
+    QByteArray contents = borrowedBytes(bytes);
+    QBuffer buffer(&contents);
+    QImageReader reader(&buffer, "png");
+    QSize const size = reader.size();
+    if (!size.isValid() || size.width() > largestSide || size.height() > largestSide) return std::nullopt;
+    return pictureOf(reader.read());
+}
+
+std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side) {
+    if (side <= 0 || side > LargestIconSide || bytes.size() > LargestDrawing) return std::nullopt;
+    if (!QGuiApplication::instance() && needsFonts(bytes)) return std::nullopt;
+    QByteArray contents = borrowedBytes(bytes);
+    QBuffer buffer(&contents);
+    QImageReader reader(&buffer, "svg");
+    QSize const size = reader.size();
+    if (!size.isValid() || size.isEmpty()) return std::nullopt;
+    QSize const scaled = size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1});
+    reader.setScaledSize(scaled);
+    std::optional<Picture> const drawn = pictureOf(reader.read());
+    if (!drawn) return std::nullopt;
+    Picture picture = emptyPicture(side, side);
+    NSRect const place =
+        NSMakeRect(static_cast<float>((side - drawn->width) / 2), static_cast<float>((side - drawn->height) / 2),
+                   static_cast<float>(drawn->width), static_cast<float>(drawn->height));
+    drawPicture(picture, place, *drawn);
+    return picture;
+}
+
+std::vector<std::byte> contentsOfPNG(Picture const& picture) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    borrowedImage(picture).save(&buffer, "png");
+    QByteArray const& data = buffer.data();
+    auto const* const first = reinterpret_cast<std::byte const*>(data.constData());
+    return {first, first + data.size()};
+}
+
+Picture scaledPicture(Picture const& picture, int width, int height) {
+    if (picture.width == width && picture.height == height) return picture;
+    QImage const scaled = borrowedImage(picture).scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    Picture result = pictureOf(scaled).value_or(emptyPicture(width, height));
+    result.size = {static_cast<float>(width), static_cast<float>(height)};
+    return result;
+}
+
+void drawPicture(Picture& onto, NSRect const& place, Picture const& picture) {
+    QImage const lower = borrowedImage(onto);
+    QImage canvas = lower.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&canvas);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    double const top = onto.height - double{place.origin.y} - double{place.size.height};
+    QRectF const target(place.origin.x, top, place.size.width, place.size.height);
+    // A painter takes single pixels of what it makes smaller; scaling ahead takes all.
+    int const width = std::clamp(qRound(target.width()), 1, LargestIconSide * 4);
+    int const height = std::clamp(qRound(target.height()), 1, LargestIconSide * 4);
+    Picture const fitting = scaledPicture(picture, width, height);
+    painter.drawImage(target, borrowedImage(fitting));
+    painter.end();
+    NSSize const size = onto.size;
+    onto = pictureOf(canvas).value_or(onto);
+    onto.size = size;
+}
+
+} // namespace mac

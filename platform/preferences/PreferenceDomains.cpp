@@ -1,0 +1,75 @@
+#include "platform/preferences/PreferenceDomains.h"
+#include "platform/desktop/KeyFile.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/preferences/CFPreferences.h"
+#include "platform/system/XDGFolders.h"
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr char GlobalDomainName[] = ".GlobalPreferences";
+
+// Empty for a text that cannot be part of a file's name.
+std::string domainNameOf(NSString const& text) {
+    std::string name = text.fileSystemRepresentation().value_or("");
+    return name.find('/') == std::string::npos ? name : "";
+}
+
+// The main bundle's identifier; for a program without one the name of its file.
+std::string nameOfOwnDomain() {
+    NSBundle const bundle = NSBundle::mainBundle();
+    std::string name = domainNameOf(bundle.bundleIdentifier());
+    return name.empty() ? domainNameOf(bundle.executablePath().lastPathComponent()) : name;
+}
+
+std::string nameOfDomain(NSString const& applicationID) {
+    if (applicationID.isEqualToString_(kCFPreferencesCurrentApplication)) return nameOfOwnDomain();
+    if (applicationID.isEqualToString_(kCFPreferencesAnyApplication)) return GlobalDomainName;
+    return domainNameOf(applicationID);
+}
+
+std::string nameOfHost() {
+    constexpr std::size_t longestName = 256;
+    std::string name(longestName, '\0');
+    if (::gethostname(name.data(), name.size() - 1) != 0) return "";
+    name.resize(name.find('\0'));
+    return name.find('/') == std::string::npos ? name : "";
+}
+
+// The folder of the user's settings, or of the computer's; nullopt for another user.
+std::optional<std::string> settingsOf(NSString const& userName) {
+    if (userName.isEqualToString_(kCFPreferencesCurrentUser)) return configHome();
+    if (!userName.isEqualToString_(kCFPreferencesAnyUser)) return std::nullopt;
+    std::vector<std::string> const folders = configFolders();
+    return folders.size() > 1 ? std::optional(folders[1]) : std::nullopt;
+}
+
+} // namespace
+
+Preferences& sharedPreferences() {
+    static Preferences& shared = *std::make_unique<Preferences>(nativeStores()).release();
+    return shared;
+}
+
+std::optional<PreferenceDomain> preferenceDomain(NSString const& applicationID, NSString const& userName,
+                                                 NSString const& hostName) {
+    std::string name = nameOfDomain(applicationID);
+    std::optional<std::string> const settings = settingsOf(userName);
+    if (name.empty() || !settings) return std::nullopt;
+    std::string const folder = *settings + "/framekeeper/Preferences/";
+    if (hostName.isEqualToString_(kCFPreferencesCurrentHost)) {
+        std::string const host = nameOfHost();
+        if (host.empty()) return std::nullopt;
+        return PreferenceDomain{.file = folder + "ByHost/" + name + "." + host + ".plist"};
+    }
+    if (!hostName.isEqualToString_(kCFPreferencesAnyHost)) return std::nullopt;
+    std::string file = folder + name + ".plist";
+    bool const isOfUser = userName.isEqualToString_(kCFPreferencesCurrentUser);
+    return PreferenceDomain{.file = std::move(file), .nativeName = isOfUser ? std::move(name) : ""};
+}
+
+} // namespace mac

@@ -1,0 +1,9 @@
+#include "platform/preferences/Registration.h"
+#include "platform/foundation/Method.h"
+#include "platform/preferences/NSUserDefaults.h"
+
+namespace mac {
+
+void registerPreferences() { registerClasses<NSUserDefaults>(); }
+
+} // namespace mac

@@ -1,0 +1,54 @@
+#include "platform/system/LogFile.h"
+#include "platform/system/BytePath.h"
+#include "platform/system/LongPath.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <vector>
+
+namespace mac {
+
+namespace {
+
+constexpr int MostOpenings = 10;
+constexpr std::chrono::milliseconds BetweenOpenings{1000};
+// Less the umask, as fopen creates files.
+constexpr mode_t NewLogMode = 0666;
+
+Result<OwnedStream> openOnce(std::string const& path, OldLogLines oldLines) {
+    BytePath const file(path);
+    std::string_view const folder = file.parent().empty() ? "." : file.parent();
+    Result<FileDescriptor> const parent = openPath(folder, O_PATH | O_DIRECTORY);
+    if (!parent.hasValue()) return parent.problem();
+    int const emptying = oldLines == OldLogLines::AreDropped ? O_TRUNC : 0;
+    FileDescriptor descriptor(::openat(parent.value().number(), std::string(file.leaf()).c_str(),
+                                       O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | emptying,
+                                       NewLogMode));
+    if (!descriptor.isOpen()) return lastSystemError("open", path);
+    OwnedStream stream(::fdopen(descriptor.number(), "a"));
+    if (!stream) return lastSystemError("fdopen", path);
+    descriptor.release();
+    return stream;
+}
+
+} // namespace
+
+Result<OwnedStream> openLogFile(std::string const& path, OldLogLines oldLines,
+                                std::function<void(std::chrono::milliseconds)> const& pause) {
+    for (int opening = 1;; ++opening) {
+        Result<OwnedStream> stream = openOnce(path, oldLines);
+        if (stream.hasValue() || opening == MostOpenings) return stream;
+        pause(BetweenOpenings);
+    }
+}
+
+Result<void> appendAndClose(OwnedStream stream, std::string const& bytes) {
+    // A buffer that is larger than the bytes is written once, when the stream is closed. It outlives the stream.
+    std::vector<char> buffer(bytes.size() + 1);
+    OwnedStream open = std::move(stream);
+    std::setvbuf(open.get(), buffer.data(), _IOFBF, buffer.size());
+    if (std::fwrite(bytes.data(), 1, bytes.size(), open.get()) != bytes.size()) return lastSystemError("fwrite");
+    if (std::fclose(open.release()) != 0) return lastSystemError("write");
+    return {};
+}
+
+} // namespace mac

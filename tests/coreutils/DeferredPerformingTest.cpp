@@ -1,0 +1,215 @@
+#include "coreutils/DeferredPerforming.h"
+#include "platform/foundation/Exceptions.h"
+#include "platform/foundation/Log.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNotificationQueue.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/Weak.h"
+#include "tests/support/RunUntil.h"
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace mac::test {
+
+namespace {
+
+// Writes down how it is called.
+class DeferredReceiver : public Handle<DeferredReceiver, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+    static ClassDescription describeClass() {
+        return {.name = "DeferredReceiver",
+                .superclass = classOf<NSObject>(),
+                .makeBody = &makeEmptyBody<DeferredReceiver>,
+                .methods = {method<&DeferredReceiver::first_>("first:"), method<&DeferredReceiver::second_>("second:"),
+                            method<&DeferredReceiver::both>("both:with:"), method<&DeferredReceiver::note_>("note:")}};
+    }
+    void first_(id const& object) const { add("first", object); }
+    void second_(id const& object) const { add("second", object); }
+    void both(id const& one, id const& other) const {
+        add("both", one);
+        add("with", other);
+    }
+    void note_(NSNotification const& notification) const { add("note", notification.name()); }
+    std::string calls() const;
+
+private:
+    void add(std::string const& name, id const& object) const;
+};
+
+class DeferredReceiver::Body : public ObjectBody {
+public:
+    std::string m_calls;
+};
+
+void DeferredReceiver::add(std::string const& name, id const& object) const {
+    bodyOf(*this)->m_calls += name + "(" + (object == nil ? "nil" : object.description().UTF8String()) + ") ";
+}
+
+std::string DeferredReceiver::calls() const { return bodyOf(*this)->m_calls; }
+
+class DeferredPerforming : public testing::Test {
+protected:
+    DeferredPerforming() { pxRegisterPerformDeferredSelector(m_receiver); }
+    ~DeferredPerforming() override { pxUnregisterPerformDeferredSelector(m_receiver); }
+
+    void request(SEL selector, id const& object, BOOL isIdle = NO, BOOL coalescing = YES) const {
+        pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(m_receiver, selector, object, isIdle, coalescing);
+    }
+    // Until the loop was idle behind all requests.
+    static void runUntilIdle() {
+        DeferredReceiver const last = DeferredReceiver::alloc();
+        pxRegisterPerformDeferredSelector(last);
+        pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(last, "first:", nil, YES, YES);
+        EXPECT_TRUE(runUntil([&] { return !last.calls().empty(); }));
+        pxUnregisterPerformDeferredSelector(last);
+    }
+    std::string callsInAll() const {
+        runUntilIdle();
+        return m_receiver.calls();
+    }
+
+    DeferredReceiver const m_receiver = DeferredReceiver::alloc();
+};
+
+} // namespace
+
+TEST_F(DeferredPerforming, CallsTheMethodOnTheNextPassOfTheRunLoop) {
+    request("first:", "a");
+    EXPECT_EQ(m_receiver.calls(), "");
+    EXPECT_EQ(callsInAll(), "first(a) ");
+}
+
+TEST_F(DeferredPerforming, PassesNil) {
+    request("first:", nil);
+    EXPECT_EQ(callsInAll(), "first(nil) ");
+}
+
+TEST_F(DeferredPerforming, PassesTheObjectAsFirstOfTwoArguments) {
+    request("both:with:", "a");
+    EXPECT_EQ(callsInAll(), "both(a) with(nil) ");
+}
+
+TEST_F(DeferredPerforming, MergesRequestsForOneMethod) {
+    request("first:", "a");
+    request("first:", "b");
+    EXPECT_EQ(callsInAll(), "first(b) ");
+}
+
+TEST_F(DeferredPerforming, MergesRequestsForSeveralMethodsAlsoWithoutCoalescing) {
+    for (BOOL const coalescing : {YES, NO}) {
+        request("first:", "a", NO, coalescing);
+        request("second:", "b", NO, coalescing);
+    }
+    EXPECT_EQ(callsInAll(), "second(b) ");
+}
+
+TEST_F(DeferredPerforming, MergesIdleRequestsWithOthers) {
+    request("first:", "a");
+    request("second:", "b", YES);
+    EXPECT_EQ(callsInAll(), "second(b) ");
+}
+
+TEST_F(DeferredPerforming, ReplacesOtherNotificationsOfTheObjectWithoutCoalescingAlone) {
+    NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(m_receiver, "note:", "other", m_receiver);
+    NSNotification const other = NSNotification::notificationWithName_object_userInfo_("other", m_receiver, nil);
+    NSNotificationQueue::defaultQueue().enqueueNotification_postingStyle_(other, NSPostASAP);
+    request("first:", "a", NO, YES);
+    EXPECT_EQ(callsInAll(), "note(other) first(a) ");
+    NSNotificationQueue::defaultQueue().enqueueNotification_postingStyle_(other, NSPostASAP);
+    request("first:", "b", NO, NO);
+    EXPECT_EQ(callsInAll(), "note(other) first(a) first(b) ");
+}
+
+TEST_F(DeferredPerforming, WaitsForTheLoopToBeIdle) {
+    std::string order;
+    request("first:", "a", YES);
+    performOnMainRunLoop([&] {
+        order += m_receiver.calls() + "1 ";
+        performOnMainRunLoop([&] { order += m_receiver.calls() + "2 "; });
+    });
+    EXPECT_EQ(callsInAll(), "first(a) ");
+    EXPECT_EQ(order, "1 2 ");
+}
+
+TEST_F(DeferredPerforming, CallsWithNilAndTheSecondOfTwoObjects) {
+    pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_(m_receiver, "both:with:", "a", "b", NO,
+                                                                             YES);
+    EXPECT_EQ(callsInAll(), "both(nil) with(b) ");
+}
+
+TEST_F(DeferredPerforming, LeavesOutTheSecondObjectBehindANilFirstOne) {
+    pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_(m_receiver, "both:with:", nil, "b", YES,
+                                                                             NO);
+    EXPECT_EQ(callsInAll(), "both(nil) with(nil) ");
+}
+
+TEST_F(DeferredPerforming, DeliversToNobodyWithoutRegistration) {
+    request("first:", "a");
+    pxUnregisterPerformDeferredSelector(m_receiver);
+    EXPECT_EQ(callsInAll(), "");
+    request("first:", "b");
+    EXPECT_EQ(callsInAll(), "");
+}
+
+TEST_F(DeferredPerforming, EndsItsOwnObservationAlone) {
+    NSNotificationCenter const center = NSNotificationCenter::defaultCenter();
+    center.addObserver_selector_name_object_(m_receiver, "note:", "other", m_receiver);
+    pxUnregisterPerformDeferredSelector(m_receiver);
+    center.postNotificationName_object_("other", m_receiver);
+    EXPECT_EQ(m_receiver.calls(), "note(other) ");
+}
+
+TEST_F(DeferredPerforming, KeepsTheObjectWhileARequestWaits) {
+    DeferredReceiver other = DeferredReceiver::alloc();
+    Weak<DeferredReceiver> const weak(other);
+    pxRegisterPerformDeferredSelector(other);
+    pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(other, "first:", nil, NO, YES);
+    other = nil;
+    EXPECT_TRUE(weak.load() != nil);
+    runUntilIdle();
+    EXPECT_TRUE(weak.load() == nil);
+}
+
+TEST_F(DeferredPerforming, RaisesOnTheRunLoopForAMethodThatIsNotThere) {
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    request("unknownToAll:", nil);
+    runUntilIdle();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_NE(lines[0].find("unknownToAll:"), std::string::npos) << lines[0];
+}
+
+TEST_F(DeferredPerforming, HandlesANotificationAtOnce) {
+    NSDictionary const request =
+        NSDictionary::dictionaryWithObjectsAndKeys_({"both:with:", "selector", "a", "object1", "b", "object2"});
+    pxPerformDeferredSelectorHandler_(m_receiver,
+                                      NSNotification::notificationWithName_object_userInfo_("any", nil, request));
+    EXPECT_EQ(m_receiver.calls(), "both(a) with(b) ");
+    NSNotification const empty = NSNotification::notificationWithName_object_userInfo_("any", nil, nil);
+    EXPECT_THROW(pxPerformDeferredSelectorHandler_(m_receiver, empty), NSInvalidArgumentException);
+}
+
+TEST_F(DeferredPerforming, WorksOnTheThreadThatAsks) {
+    std::thread([] {
+        DeferredReceiver const receiver = DeferredReceiver::alloc();
+        pxRegisterPerformDeferredSelector(receiver);
+        pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(receiver, "first:", "a", YES, YES);
+        NSRunLoop::currentRunLoop().runUntilDate_(NSDate::distantFuture());
+        EXPECT_EQ(receiver.calls(), "first(a) ");
+        pxUnregisterPerformDeferredSelector(receiver);
+    }).join();
+}
+
+TEST(NilDeferredPerforming, DoesNothing) {
+    pxRegisterPerformDeferredSelector(nil);
+    pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(nil, "first:", nil, NO, YES);
+    pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_(nil, "first:", nil, nil, NO, YES);
+    pxPerformDeferredSelectorHandler_(nil, nil);
+    pxUnregisterPerformDeferredSelector(nil);
+}
+
+} // namespace mac::test

@@ -1,0 +1,52 @@
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/NSString.h"
+#include "platform/preferences/NSUserDefaults.h"
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A program whose user defaults the tests look at:
+//   get KEY                 prints the value
+//   set KEY VALUE           sets it and exits
+//   set-and-run KEY VALUE   sets it, runs its loop for a second, says so and waits for its end
+//   set-many PREFIX COUNT   sets PREFIX0, PREFIX1, … and synchronises after each
+
+using namespace mac;
+
+namespace {
+
+NSString defaultsText(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
+
+int setMany(NSUserDefaults const& defaults, std::string const& prefix, int count) {
+    for (int index = 0; index < count; ++index) {
+        defaults.setObject_forKey_("set", defaultsText(prefix + std::to_string(index)));
+        if (!defaults.synchronize()) return 1;
+    }
+    return 0;
+}
+
+void runForASecond() {
+    NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(1));
+    std::puts("a second is over");
+    std::fflush(stdout);
+    while (std::getchar() != EOF) {}
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> const words(argv + 1, argv + argc);
+    if (words.size() < 2) return 2;
+    NSUserDefaults const defaults = NSUserDefaults::standardUserDefaults();
+    if (words[0] == "get") {
+        std::puts(defaults.stringForKey_(defaultsText(words[1])).fileSystemRepresentation().value_or("").c_str());
+        return 0;
+    }
+    if (words.size() < 3) return 2;
+    if (words[0] == "set-many") return setMany(defaults, words[1], std::atoi(words[2].c_str()));
+    defaults.setObject_forKey_(defaultsText(words[2]), defaultsText(words[1]));
+    if (words[0] == "set-and-run") runForASecond();
+    return 0;
+}
