@@ -1,10 +1,13 @@
 #include "platform/desktop/AutostartChanges.h"
+#include "platform/desktop/LogOut.h"
 #include "platform/desktop/StartedItem.h"
 #include "tests/platform/desktop/AutostartFolders.h"
 #include "tests/platform/desktop/Desktop.h"
+#include "tests/platform/desktop/VirtualSession.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/Spawn.h"
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +19,27 @@ namespace mac::test {
 namespace {
 
 constexpr char Generator[] = "/usr/lib/systemd/user-generators/systemd-xdg-autostart-generator";
+
+constexpr char XfceSettings[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-session" version="1.0">
+  <property name="general" type="empty">
+    <property name="FailsafeSessionName" type="string" value="Failsafe"/>
+    <property name="PromptOnLogout" type="bool" value="true"/>
+  </property>
+  <property name="sessions" type="empty">
+    <property name="Failsafe" type="empty">
+      <property name="IsFailsafe" type="bool" value="true"/>
+      <property name="Count" type="int" value="1"/>
+      <property name="Client0_Command" type="array"><value type="string" value="true"/></property>
+      <property name="Client0_PerScreen" type="bool" value="false"/>
+    </property>
+  </property>
+  <property name="startup" type="empty">
+    <property name="ssh-agent" type="empty"><property name="enabled" type="bool" value="false"/></property>
+    <property name="gpg-agent" type="empty"><property name="enabled" type="bool" value="false"/></property>
+  </property>
+</channel>
+)";
 
 // One copy of an application for each printable character of ASCII, in a folder named by it, and the entry of each. A
 // copy writes its path into a file.
@@ -51,6 +75,16 @@ protected:
 
     std::set<std::string> m_programs{};
 };
+
+// How many windows of that title there are, shown or not.
+std::size_t windowsNamed(std::string const& title) {
+    std::string const windows = outputOf({"xwininfo", "-root", "-tree"});
+    std::string const shown = "\"" + title + "\": (";
+    std::size_t count = 0;
+    for (std::size_t place = windows.find(shown); place != std::string::npos; place = windows.find(shown, place + 1))
+        ++count;
+    return count;
+}
 
 // The words of ExecStart in a unit: those in double quotes, and those between blanks.
 std::vector<std::string> wordsOfUnit(std::string const& unit) {
@@ -89,6 +123,33 @@ TEST_F(AutostartOracle, DexStartsTheRightPrograms) {
     if (!isInstalled("/usr/bin/dex")) GTEST_SKIP() << "dex is not installed";
     outputOf({"/usr/bin/dex", "-a", "-e", "XFCE"});
     expectAllStarted();
+}
+
+// The session manager itself, on a display and a bus of its own. What it would start besides the entries is one program
+// that ends at once; its settings are read by the service that it brings along.
+TEST_F(AutostartOracle, XfceStartsTheRightProgramsAndAsksBeforeItLogsOut) {
+    constexpr char manager[] = "/usr/bin/xfce4-session";
+    if (!isInstalled(manager)) GTEST_SKIP() << "xfce4-session is not installed";
+    if (std::optional<std::string> const obstacle = VirtualSession::obstacle()) GTEST_SKIP() << *obstacle;
+    m_folder.makeFile("config/xfce4/xfconf/xfce-perchannel-xml/xfce4-session.xml", XfceSettings);
+    std::string const runtime = m_folder.makeFolder("run");
+    ASSERT_EQ(::chmod(runtime.c_str(), 0700), 0);
+    EnvironmentVariable const home("HOME", m_folder.makeFolder("home"));
+    EnvironmentVariable const cache("XDG_CACHE_HOME", m_folder.makeFolder("cache"));
+    EnvironmentVariable const services("XDG_DATA_DIRS", "/usr/share");
+    EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "XFCE");
+    EnvironmentVariable const otherSession("SESSION_MANAGER", std::nullopt);
+    VirtualSession const session(runtime);
+    EXPECT_EQ(obstacleToLoggingOut(), "The desktop's session manager does not run");
+    ChildProcess const running(endingWithThisProcess({manager, "--disable-tcp"}, "TERM"));
+    expectAllStarted();
+    ASSERT_TRUE(waitUntil([] { return !obstacleToLoggingOut(); }));
+    // It refuses until it has started everything.
+    EXPECT_TRUE(waitUntil([] { return askToLogOut().isDone(); }));
+    // The question, beside the window that each program has without showing it.
+    EXPECT_TRUE(waitUntil([] { return windowsNamed("xfce4-session") >= 2; }))
+        << outputOf({"xwininfo", "-root", "-tree"});
+    EXPECT_EQ(obstacleToLoggingOut(), std::nullopt) << "the session goes on meanwhile";
 }
 
 TEST_F(AutostartOracle, SystemdStartsTheRightPrograms) {
