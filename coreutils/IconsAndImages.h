@@ -21,7 +21,8 @@ NSImage pxSmallIconForFile(NSString receiver);
 NSImage pxLargeIconForFile(NSString receiver);
 NSImage pxHugeIconForFile(NSString receiver);
 NSImage pxThumbnailIconForFile(NSString receiver);
-// Of files of the type that the text names, an extension or a type code in single quotes, trimmed to 16 pixels.
+// The icon of files of the type that the text names, an extension or a type code in single quotes, trimmed to 16
+// pixels.
 NSImage pxSmallIconForFileType(NSString receiver);
 
 // Leaves the image the first of its forms that has exactly so many pixels a side, or all of them where none has, and
@@ -57,7 +58,7 @@ void pxSetColor_forKey_(NSUserDefaults receiver, NSColor color, NSString key);
 // Nil where there is no data under the key, and where it is no archived colour.
 NSColor pxColorForKey_(NSUserDefaults receiver, NSString key);
 
-// Nil for null.
+// The date of the record, with its fraction; nil for null.
 NSDate pxDateWithUTCDateTime_(UTCDateTime const* utcDateTime);
 // To the nearest 1/65536 of a second; NO, and nothing is written, for null and for a date before 1904 or beyond what 48
 // bits of seconds hold.

@@ -34,7 +34,7 @@ struct NamedForm {
     ArchivedForm const* form;
 };
 
-// Of the object's class or the nearest one above it.
+// The form that the object's class, or the nearest one above it, has.
 std::optional<NamedForm> archivedFormOf(id const& object) {
     for (Class cls = object.class_(); cls != nil; cls = cls.superclass()) {
         auto const form = archivedForms().find(cls.name());

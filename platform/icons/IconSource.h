@@ -25,15 +25,15 @@ struct IconSource {
     Generic generic{Generic::Document};
 };
 
-// Of an item: its custom icon, the icon of its bundle, of its desktop entry, of its type code and creator where an
-// application declares one, of its kind of folder, or of its type. A symbolic link has that of the item that it leads
-// to.
-// Linux: without a badge for links and aliases.
+// The icon of an item: its custom icon, the icon of its bundle, of its desktop entry, of its type code and creator
+// where an application declares one, of its kind of folder, or of its type. A symbolic link has that of the item that
+// it leads to. Linux: without a badge for links and aliases.
 IconSource iconSourceOf(DiskItem const& item);
-// Of a type: an extension, or a type code in single quotes ("'TEXT'"). Anything else is a document.
+// The icon of a type, which is an extension or a type code in single quotes ("'TEXT'"). Anything else is a document.
 IconSource iconSourceOfFileType(NSString const& fileType);
-// Of files with this creator and type, as the application of the creator declares it among its document types, else as
-// the tree of types says; of the system's creator, 'macs', one of the system's icons. Nothing where nobody says one.
+// The icon of files with this creator and type, as the application of the creator declares it among its document types,
+// else as the tree of types says; of the system's creator, 'macs', one of the system's icons. Nothing where nobody says
+// one.
 std::optional<IconSource> iconSourceOfCodes(OSType creator, OSType type);
 
 // The contents of the icon file of that name in a bundle's resources, the extension .icns being left out or not; empty

@@ -141,7 +141,7 @@ std::optional<Picture> pictureInThemeFile(std::string const& path, int side) {
 std::optional<Picture> bestPicture(std::vector<FoundFile> files, int side) {
     std::ranges::stable_sort(files, {}, [side](FoundFile const& file) {
         int const distance = file.folder->distanceTo(side);
-        // Of two that are as near the larger one, which loses nothing.
+        // Among folders that are equally near, the one of larger pictures, which lose nothing.
         return std::tuple(distance, std::abs(file.folder->side - side), -file.folder->side);
     });
     for (FoundFile const& file : files) {

@@ -35,14 +35,14 @@ Picture emptyPicture(int width, int height);
 // file and the sizes of an ICO file, of other formats the first picture. Empty for what is no image, is a drawing
 // (SVG), or has more pixels in all than MostImagePixels; the header alone is read to find that out.
 std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes);
-// Nothing for what is no PNG picture, or one with a side beyond the limit.
+// The picture in the contents of a PNG file; nullopt for anything else, and for a side beyond the limit.
 std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int largestSide);
-// A JP2 file or a bare code stream of one to four components of equal size, the fourth, or second of two, being
-// opacity; nothing for anything else, for a side beyond the limit and for data that is cut.
+// The picture in a JP2 file or a bare code stream of JPEG 2000, which has one to four components of equal size; the
+// fourth, or second of two, is opacity. nullopt for anything else and for a side beyond the limit.
 std::optional<Picture> pictureInJPEG2000(std::span<std::byte const> bytes, int largestSide);
-// A drawing (SVG) as a square picture of so many pixels a side; nothing for what is none, and where no reader for it is
-// installed. Linux: while the program has no application object, drawings with text in them are none: the toolkit ends
-// a program that asks for fonts then.
+// A drawing (SVG) as a square picture of so many pixels a side; nullopt for what is none, and where no reader for it
+// is installed. Linux: while the program has no application object, drawings with text in them are none: the toolkit
+// ends a program that asks for fonts then.
 std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side);
 
 std::vector<std::byte> contentsOfPNG(Picture const& picture);

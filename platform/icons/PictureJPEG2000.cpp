@@ -8,7 +8,7 @@ namespace mac {
 
 namespace {
 
-// Of a code stream: its start and the marker of its sizes, which comes next.
+// A code stream begins with its start marker and that of its sizes.
 constexpr std::uint32_t StreamStart = 0xFF4FFF51;
 constexpr std::uint32_t FileSignature = 0x0000000C;
 constexpr std::uint32_t StreamBox = 0x6A703263;

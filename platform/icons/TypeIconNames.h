@@ -7,13 +7,14 @@ namespace mac {
 
 // Which pictures of an icon theme stand for types. For implementations; any thread.
 
-// Of files of a MIME type; never empty.
+// The names for files of a MIME type; never empty.
 std::vector<std::string> iconNamesOfContents(std::string const& mimeType);
-// Of an extension, as the tree of types and the shared MIME information know it; nothing where neither does.
+// The icon of files with an extension, as the tree of types and the shared MIME information know it; nullopt where
+// neither does.
 std::optional<IconSource> iconSourceOfExtension(std::string const& extension);
-// Of a type code; nothing where no type has it.
+// The icon of files with a type code; nullopt where no type has it.
 std::optional<IconSource> iconSourceOfTypeCode(OSType type);
-// One of the system's own icons, such as 'trsh'; nothing for another code.
+// An icon of the system's own, such as 'trsh'; nullopt for another code.
 std::optional<IconSource> iconSourceOfSystemIcon(OSType icon);
 
 } // namespace mac

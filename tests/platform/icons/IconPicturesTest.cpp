@@ -35,7 +35,7 @@ TEST(IconPictures, OfPackedPixelsHaveTheOpacityOfTheirMask) {
     EXPECT_EQ(
         onlyPixelOf(picturesIn(iconFamily(iconPiece("is32", packedPixels(16, 0x112233)) + iconPiece("s8mk", mask)))),
         0x40112233U);
-    // Of another size, or cut.
+    // A mask of another size, and one that is cut, do not count.
     EXPECT_EQ(
         onlyPixelOf(picturesIn(iconFamily(iconPiece("is32", packedPixels(16, 0x112233)) + iconPiece("l8mk", mask)))),
         0xFF112233U);
