@@ -116,7 +116,9 @@ ScriptDefinition* ScriptParser::parseScriptDefinition() {
     ScriptScope& scope = m_scopes.emplace_back();
     scope.definition = &definition;
     scope.outer = m_body->script;
+    definition.body.start = current().range.start;
     parseScriptBody(scope, false);
+    definition.body.end = current().range.start;
     expectEndOf("script");
     return &definition;
 }

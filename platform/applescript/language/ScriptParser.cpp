@@ -37,6 +37,7 @@ void dropFillers(std::vector<Token>& tokens) {
 ScriptParser::ScriptParser(std::u16string_view source, TerminologySource applications)
     : m_tokens(tokensOf(source)), m_applications(applications), m_terms{&Terminology::base()},
       m_tree(std::make_shared<SyntaxTree>()) {
+    m_tree->source = source;
     dropFillers(m_tokens);
 }
 
@@ -44,6 +45,7 @@ std::shared_ptr<SyntaxTree> ScriptParser::parse() {
     m_tree->top = &m_tree->scripts.emplace_back();
     ScriptScope& scope = m_scopes.emplace_back();
     scope.definition = m_tree->top;
+    m_tree->top->body.end = static_cast<std::uint32_t>(m_tree->source.size());
     parseScriptBody(scope, true);
     if (current().kind != TokenKind::EndOfScript) expected(u"end of script");
     resolveNames(*m_tree, m_bodies);

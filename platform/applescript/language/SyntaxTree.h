@@ -216,10 +216,13 @@ struct ScriptDefinition {
     // Of the outermost script only: the variables that its statements and handlers' globals share.
     std::vector<Symbol> variables{};
     NameIndex variablePlaces{};
+    // What stands in the source between `script` with its name and `end script`; all of it for the outermost.
+    SourceRange body{};
 };
 
 // A parsed script. Owns every node; shared by the scripts made of it. Node addresses stay.
 struct SyntaxTree {
+    std::u16string source{};
     std::deque<Node> nodes{};
     std::deque<HandlerDefinition> handlers{};
     std::deque<ScriptDefinition> scripts{};
