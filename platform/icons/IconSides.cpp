@@ -28,8 +28,8 @@ std::vector<SharedPicture> picturesInIconSides(std::vector<Picture> pictures) {
     for (Picture& picture : pictures)
         picture = squarePicture(std::move(picture));
     std::ranges::stable_sort(pictures, {}, &Picture::width);
-    auto const same = std::ranges::unique(pictures, {}, &Picture::width);
-    pictures.erase(same.begin(), same.end());
+    auto const haveEqualSides = [](Picture const& one, Picture const& other) { return one.width == other.width; };
+    pictures.erase(std::unique(pictures.begin(), pictures.end(), haveEqualSides), pictures.end());
     std::vector<SharedPicture> result;
     for (int const side : IconSides) {
         auto const larger = std::ranges::lower_bound(pictures, side, {}, &Picture::width);

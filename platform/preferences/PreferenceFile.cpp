@@ -36,14 +36,24 @@ Result<FileDescriptor> lockFolder(std::string const& folder) {
     return file;
 }
 
-// XML, or where it cannot carry a text (control characters, names that are not UTF-8) the binary form; nil for what is
-// no property list.
+NSData binaryOf(NSDictionary const& values) {
+    return NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(
+        values, NSPropertyListBinaryFormat_v1_0, nullptr);
+}
+
+NSDictionary dictionaryOf(NSData const& data) {
+    return as<NSDictionary>(NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
+        data, NSPropertyListImmutable, nullptr, nullptr));
+}
+
+// XML, or where it cannot carry a value (control characters, names that are not UTF-8, fractions of a second) the
+// binary form, so that no other program's value changes; nil for what is no property list.
 NSData dataOf(NSDictionary const& values) {
     NSData const text = NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(
         values, NSPropertyListXMLFormat_v1_0, nullptr);
-    return text != nil ? text
-                       : NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(
-                             values, NSPropertyListBinaryFormat_v1_0, nullptr);
+    NSData const binary = binaryOf(values);
+    bool const isSame = text != nil && binaryOf(dictionaryOf(text)).isEqualToData_(binary);
+    return isSame ? text : binary;
 }
 
 } // namespace
@@ -52,9 +62,7 @@ Result<PreferenceFile::Contents> PreferenceFile::contents() const {
     Result<FileContents> const file = readFileAtPath(m_path, LargestPreferenceFile);
     if (!file.hasValue() && file.problem().is(ENOENT)) return Contents{.values = NSDictionary::dictionary()};
     if (!file.hasValue()) return file.problem();
-    NSDictionary const values =
-        as<NSDictionary>(NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
-            NSData::dataWithBytes(file.value().bytes), NSPropertyListImmutable, nullptr, nullptr));
+    NSDictionary const values = dictionaryOf(NSData::dataWithBytes(file.value().bytes));
     if (values == nil) return SystemError{.code = EBADMSG, .operation = "read", .item = m_path};
     return Contents{.values = values, .state = file.value().status};
 }

@@ -31,11 +31,28 @@ bool cannotLink(SystemError const& error) {
     return isUnknownToFileSystem(error) || error.is(EPERM) || error.is(EMLINK) || error.is(EOPNOTSUPP);
 }
 
+// Removes a name that no other process uses; an interrupted call is made again.
+bool removeOwnName(FileDescriptor const& folder, std::string const& name) {
+    int answer = -1;
+    do {
+        answer = ::unlinkat(folder.number(), name.c_str(), 0);
+    } while (answer != 0 && errno == EINTR);
+    return answer == 0;
+}
+
 // Gives the open item another name. Where the system shows no open files under /proc, the item is not found.
 Result<void> giveName(FileDescriptor const& item, FileDescriptor const& folder, std::string const& name) {
     if (::linkat(AT_FDCWD, descriptorPath(item).c_str(), folder.number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0)
         return lastSystemError("link", name);
     return {};
+}
+
+// A failure behind the first link: both folders lie on one volume then, so the item is not to be copied.
+Result<void> onOneVolume(Result<void> result) {
+    if (result.isDone() || !result.problem().is(EXDEV)) return result;
+    SystemError error = result.problem();
+    error.code = EIO;
+    return error;
 }
 
 // Whether the file system can give the open item a second name that shows it to be the same item. Found out under a
@@ -45,9 +62,16 @@ Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const
     if (!name.hasValue()) return name.problem();
     if (Result<void> const named = giveName(item, folder, name.value()); !named.isDone()) return named;
     Result<void> const isSame = confirmItemInFolder(folder, name.value(), item);
-    ::unlinkat(folder.number(), name.value().c_str(), 0);
-    if (isSame.isDone() || !isSame.problem().is(ESTALE)) return isSame;
+    removeOwnName(folder, name.value());
+    if (isSame.isDone() || !isSame.problem().is(ESTALE)) return onOneVolume(isSame);
     return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
+}
+
+bool isSameItem(FileDescriptor const& second, FileDescriptor const& item) {
+    if (!second.isOpen()) return false;
+    Result<IdentifiedItem> const one = identify(second);
+    Result<IdentifiedItem> const other = identify(item);
+    return one.hasValue() && other.hasValue() && one.value().identity == other.value().identity;
 }
 
 bool hasOneNameAtMost(FileDescriptor const& item) {
@@ -84,7 +108,7 @@ Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, 
         SystemError error = lastSystemError("link", from);
         return cannotLink(error) ? StepwiseRename().rename(folder, from, folder, to) : error;
     }
-    ::unlinkat(folder.number(), from.c_str(), 0);
+    removeOwnName(folder, from);
     return {};
 }
 
@@ -112,12 +136,18 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     // Spares the trial where the name is taken; the system refuses it below at any rate.
     if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     if (Result<void> const can = confirmSecondNames(item, to.folder); !can.isDone()) return can;
-    if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return named;
+    if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return onOneVolume(named);
+    // Some file systems lose an open item when the name goes by which it was opened.
+    FileDescriptor const second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    FileDescriptor const& kept = isSameItem(second, item) ? second : item;
     tellFirstStep();
-    return removeFirstName(from, to, item);
+    Result<void> removed = removeFirstName(from, to, item);
+    if (removed.isDone() || removed.problem().is(EEXIST)) return removed;
+    static_cast<void>(removeName(to, kept, nullptr));
+    return onOneVolume(removed);
 }
 
-// The open item has both names. Done if it has the second one only; otherwise it keeps the first one only.
+// The open item has both names. Done if it has the second one only; EEXIST if another item has the second one.
 Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to, FileDescriptor const& item) {
     Result<void> removed = removeName(from, item, &to);
     // Another item has the first name by now, which is none of ours.
@@ -125,8 +155,14 @@ Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to,
     if (removed.problem().is(EEXIST)) return removed;
     // Another process has removed the first name: the item itself must not go.
     if (removed.problem().is(ENOENT) && hasOneNameAtMost(item)) return {};
-    static_cast<void>(removeName(to, item, nullptr));
     return removed;
+}
+
+// EEXIST if the name does not lead to the open item.
+Result<void> StepwiseRename::confirmStillNamed(Place const& place, FileDescriptor const& item) {
+    Result<void> isThere = confirmItemInFolder(place.folder, place.name, item);
+    bool const isAnother = !isThere.isDone() && (isThere.problem().is(ESTALE) || isThere.problem().is(ENOENT));
+    return isAnother ? nameIsTaken(place.name) : isThere;
 }
 
 // Removes a name of the open item: ESTALE if it leads to another one, EEXIST if the remaining name does.
@@ -140,11 +176,8 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
     Place const there{place.folder, aside.value()};
     if (Result<void> const away = moveAside(place.folder, place.name, aside.value()); !away.isDone()) return away;
     Result<void> mayGo = confirmItemInFolder(there.folder, there.name, item);
-    if (mayGo.isDone() && remaining != nullptr &&
-        !confirmItemInFolder(remaining->folder, remaining->name, item).isDone())
-        mayGo = nameIsTaken(remaining->name);
-    if (mayGo.isDone() && ::unlinkat(there.folder.number(), there.name.c_str(), 0) != 0)
-        mayGo = lastSystemError("unlink", place.name);
+    if (mayGo.isDone() && remaining != nullptr) mayGo = confirmStillNamed(*remaining, item);
+    if (mayGo.isDone() && !removeOwnName(there.folder, there.name)) mayGo = lastSystemError("unlink", place.name);
     if (mayGo.isDone()) return mayGo;
     Result<void> const isBack = giveBackName(there, place);
     return isBack.isDone() ? mayGo : isBack;
@@ -153,7 +186,7 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
 // Gives an item that was moved aside its name again. If that is taken, the item stays aside and the error tells where.
 Result<void> StepwiseRename::giveBackName(Place const& aside, Place const& place) {
     if (::linkat(aside.folder.number(), aside.name.c_str(), place.folder.number(), place.name.c_str(), 0) == 0) {
-        ::unlinkat(aside.folder.number(), aside.name.c_str(), 0);
+        removeOwnName(aside.folder, aside.name);
         return {};
     }
     if (!cannotLink(lastSystemError("link", aside.name))) return nameIsTaken(aside.name);

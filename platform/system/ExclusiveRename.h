@@ -53,6 +53,7 @@ private:
 
     Result<void> renameBySecondName(Place const& from, Place const& to) const;
     static Result<void> removeFirstName(Place const& from, Place const& to, FileDescriptor const& item);
+    static Result<void> confirmStillNamed(Place const& place, FileDescriptor const& item);
     static Result<void> removeName(Place const& place, FileDescriptor const& item, Place const* remaining);
     static Result<void> giveBackName(Place const& aside, Place const& place);
     Result<void> renameByLink(Place const& from, Place const& to) const;

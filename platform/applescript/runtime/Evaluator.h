@@ -91,6 +91,10 @@ private:
     bool growAtEnd(Node const& target, Node const& sum);
     bool growAtBeginning(Node const& target, Node const& sum);
     bool isAlone(Value const& value, Node const& target);
+    // EvaluatorItems.cpp: items of lists by their number.
+    std::optional<std::int32_t> plainInteger(Node const& node);
+    std::optional<std::int32_t> plainSum(Node const& node);
+    Value* plainItem(Node const& node);
     Flow executeIf(Node const& node);
     Flow executeRepeat(Node const& node);
     Flow executeRepeatFrom(Node const& node);

@@ -20,13 +20,18 @@ bool leftBoolean(Value const& left, TextContext const& context) {
     throw cannotMake(value, codeOf("bool"));
 }
 
+Value integerOrReal(std::int64_t number) {
+    bool const isInteger = number >= LeastInteger && number <= MostInteger;
+    return isInteger ? Value::integer(static_cast<std::int32_t>(number)) : Value::real(static_cast<double>(number));
+}
+
 // Two integers, without any of what else operands may be. Nothing where that is not enough.
 std::optional<Value> integerOperation(Operation operation, std::int32_t left, std::int32_t right) {
     switch (operation) {
     case Operation::Add:
-        return Value::number(static_cast<double>(left) + right);
+        return integerOrReal(std::int64_t{left} + right);
     case Operation::Subtract:
-        return Value::number(static_cast<double>(left) - right);
+        return integerOrReal(std::int64_t{left} - right);
     case Operation::Equal:
         return Value::boolean(left == right);
     case Operation::NotEqual:
@@ -101,6 +106,9 @@ Value Evaluator::evaluate(Node const& node) {
     }
     case NodeKind::Expression:
         return evaluate(*node.a);
+    case NodeKind::Element:
+        if (Value const* const item = plainItem(node); item && !item->is(ValueKind::Specifier)) return *item;
+        break;
     default:
         break;
     }

@@ -277,7 +277,10 @@ void Evaluator::assign(Node const& target, Value const& value) {
         assignProperty(target, value);
         return;
     case NodeKind::Element:
-        assignElement(target, value);
+        if (Value* const item = plainItem(target))
+            *item = value;
+        else
+            assignElement(target, value);
         return;
     case NodeKind::Filter:
         setInApplication(filterPart(target).value, value, context());

@@ -72,18 +72,24 @@ Result<void> confirmOwnFolder(FileDescriptor const& made, FileDescriptor const& 
     return isUsual ? Result<void>() : exchangedItem(name);
 }
 
+// Opens the folder that has just been made, and removes the access lists that the folder around it has handed on.
+Result<FileDescriptor> openMadeFolder(FileDescriptor const& folder, std::string const& name, InheritedList lists) {
+    Result<FileDescriptor> made = openIn(folder, name, CopiedFolderFlags);
+    if (!made.hasValue()) return made;
+    if (Result<void> const own = confirmOwnFolder(made.value(), folder, name); !own.isDone()) return own.problem();
+    if (lists == InheritedList::IsRemoved) return made;
+    if (Result<void> const removed = removeInheritedLists(made.value()); !removed.isDone()) return removed.problem();
+    return made;
+}
+
 // Makes a folder for this user alone, without the access lists that the folder around it hands on.
 Result<FileDescriptor> makeFolder(FileDescriptor const& folder, std::string const& name, InheritedList lists,
                                   CopySteps const& steps) {
     if (::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", name);
     if (steps) steps(CopyStep::FolderMade);
-    Result<FileDescriptor> made = openIn(folder, name, CopiedFolderFlags);
+    Result<FileDescriptor> made = openMadeFolder(folder, name, lists);
     // Only an empty folder goes.
     if (!made.hasValue()) ::unlinkat(folder.number(), name.c_str(), AT_REMOVEDIR);
-    if (!made.hasValue()) return made;
-    if (Result<void> const own = confirmOwnFolder(made.value(), folder, name); !own.isDone()) return own.problem();
-    if (lists == InheritedList::IsRemoved) return made;
-    if (Result<void> const removed = removeInheritedLists(made.value()); !removed.isDone()) return removed.problem();
     return made;
 }
 
@@ -207,11 +213,7 @@ Result<void> TreeCopy::copyPrivately(FileDescriptor const& source, ItemStatus co
     Result<std::string> const name = temporaryName();
     if (!name.hasValue()) return name.problem();
     Result<FileDescriptor> const folder = makeFolder(m_target, name.value(), InheritedList::MayBeThere, m_steps);
-    if (!folder.hasValue()) {
-        // It may have been made all the same, and is empty then.
-        ::unlinkat(m_target.number(), name.value().c_str(), AT_REMOVEDIR);
-        return folder.problem();
-    }
+    if (!folder.hasValue()) return folder.problem();
     Result<void> copied = copySpecial(source, status, folder.value(), to, m_steps);
     Result<ItemPlace> const made = placeOf(folder.value(), to);
     if (copied.isDone()) copied = renameWithoutReplacing(folder.value(), to, m_target, to);

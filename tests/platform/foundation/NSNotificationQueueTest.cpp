@@ -9,6 +9,7 @@
 #include "tests/support/RunUntil.h"
 #include <functional>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -34,6 +35,8 @@ public:
 class QueueListener::Body : public ObjectBody {
 public:
     explicit Body(std::function<void(std::string const&)> reaction) : m_reaction(std::move(reaction)) {}
+    // Told by several threads at once.
+    std::mutex m_lock;
     std::string m_heard;
     std::function<void(std::string const&)> m_reaction;
 };
@@ -44,7 +47,10 @@ QueueListener QueueListener::make(std::function<void(std::string const&)> reacti
 
 void QueueListener::hear_(NSNotification const& notification) const {
     std::string const name = notification.name().UTF8String();
-    bodyOf(*this)->m_heard += name + " ";
+    {
+        std::lock_guard const guard(bodyOf(*this)->m_lock);
+        bodyOf(*this)->m_heard += name + " ";
+    }
     if (bodyOf(*this)->m_reaction) bodyOf(*this)->m_reaction(name);
 }
 
