@@ -1,11 +1,16 @@
 #include "platform/appkit/DisplayConnection.h"
+#include <algorithm>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <thread>
+#include <unistd.h>
 
 namespace mac {
 
@@ -64,6 +69,19 @@ private:
     std::thread m_watch;
 };
 
+// Whether a server listens at the path of a local socket.
+bool takesConnections(std::string const& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) return false;
+    std::ranges::copy(path, std::begin(address.sun_path));
+    int const socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    bool const isTaken =
+        socket >= 0 && ::connect(socket, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
+    if (socket >= 0) ::close(socket);
+    return isTaken;
+}
+
 bool asksForPlatform(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         std::string_view const argument = argv[i];
@@ -92,6 +110,16 @@ std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv, std::chro
     }
     qInstallMessageHandler(before);
     return application;
+}
+
+bool isDisplayThere() {
+    if (std::string const wayland = environment("WAYLAND_DISPLAY"); !wayland.empty()) {
+        bool const isPath = wayland.starts_with('/');
+        return takesConnections(isPath ? wayland : environment("XDG_RUNTIME_DIR") + "/" + wayland);
+    }
+    std::string const display = environment("DISPLAY");
+    if (!display.starts_with(':')) return false;
+    return takesConnections("/tmp/.X11-unix/X" + display.substr(1, display.find('.') - 1));
 }
 
 } // namespace mac

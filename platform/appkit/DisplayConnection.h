@@ -12,4 +12,7 @@ namespace mac {
 std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv,
                                                std::chrono::milliseconds patience = std::chrono::seconds(15));
 
+// Whether a display of this computer, as the environment names it, takes connections now. Any thread.
+bool isDisplayThere();
+
 } // namespace mac

@@ -9,6 +9,7 @@
 #include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/UserInterface.h"
 #include "platform/foundation/Weak.h"
 
 namespace mac {
@@ -63,7 +64,14 @@ private:
     Stage m_stage{Stage::NotRun};
 };
 
-void registerViews() { registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>(); }
+void registerViews() {
+    registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>();
+    // A program that never made an application object has dialogs, too, if there is a display. One that does not answer
+    // is not tried: the toolkit would end the process.
+    setUserInterfaceSource([] {
+        if (isDisplayThere()) NSApplication::sharedApplication();
+    });
+}
 
 ClassDescription NSApplication::describeClass() {
     using Self = NSApplication;

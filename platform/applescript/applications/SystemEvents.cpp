@@ -135,9 +135,10 @@ std::vector<std::shared_ptr<FinderItem>> itemsOf(std::vector<ModelPointer> const
 }
 
 Value makeItem(ModelApplication& application, Evaluator& evaluator, ApplicationCommand const& command, Code type) {
-    Value const* const at = command.find(codes::InsertionParameter);
-    std::vector<ModelPointer> const places = at ? application.objects(*at, evaluator.context())
-                                                : std::vector<ModelPointer>{system_events::diskItemAt(homePath())};
+    Value const place = ModelApplication::placeOf(command);
+    std::vector<ModelPointer> const places = place.is(ValueKind::Application)
+                                                 ? std::vector<ModelPointer>{system_events::diskItemAt(homePath())}
+                                                 : application.objects(place, evaluator.context());
     std::shared_ptr<FinderItem> const made = finder::makeIn(*folderOf(places),
                                                             {.type = type == codes::File ? codes::DocumentFile : type,
                                                              .properties = command.find(codes::PropertiesParameter)},

@@ -44,6 +44,14 @@ TEST(UserInterface, ADialogAnswersTheButtonThatIsClicked) {
     EXPECT_EQ(interface().runDialog(request()).button, 0U);
 }
 
+TEST(UserInterface, AnswersTheColorThatIsChosen) {
+    ColorComponents const color{65535, 0, 257};
+    answer([](QDialog& dialog) { dialog.accept(); });
+    EXPECT_EQ(interface().chooseColor(color), color);
+    answer([](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(interface().chooseColor(color), std::nullopt);
+}
+
 TEST(UserInterface, ReturnIsTheDefaultButtonAndEscapeTheOneThatCancels) {
     answer([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); });
     EXPECT_EQ(interface().runDialog(request()).button, 1U);

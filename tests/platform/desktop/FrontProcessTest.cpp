@@ -1,3 +1,4 @@
+#include "platform/desktop/FrontProcess.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
@@ -157,6 +158,48 @@ TEST_F(FrontProcess, CannotBeOneWithoutWindows) {
     EXPECT_EQ(SetFrontProcess(&psn), appIsDaemon);
     ProcessSerialNumber const none{0, kNoProcess};
     EXPECT_EQ(SetFrontProcess(&none), procNotFound);
+}
+
+TEST_F(FrontProcess, TellsWhetherWindowsShow) {
+    constexpr std::uint32_t normalState = 1;
+    constexpr std::uint32_t iconicState = 3;
+    ChildProcess const child({"/bin/cat"});
+    xcb_window_t const first = makeWindow(child.pid());
+    xcb_window_t const second = makeWindow(child.pid());
+    list("_NET_CLIENT_LIST", {first, second});
+    EXPECT_EQ(windowsOfProcess(child.pid()), std::nullopt) << "nobody manages the windows";
+    set(m_root, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {first});
+    EXPECT_EQ(windowsOfProcess(::getpid()), ProcessWindows::None);
+    EXPECT_EQ(windowsOfProcess(child.pid()), ProcessWindows::Shown);
+    set(first, "WM_STATE", atom("WM_STATE"), {iconicState, 0});
+    set(second, "WM_STATE", atom("WM_STATE"), {normalState, 0});
+    EXPECT_EQ(windowsOfProcess(child.pid()), ProcessWindows::Shown);
+    set(second, "WM_STATE", atom("WM_STATE"), {iconicState, 0});
+    EXPECT_EQ(windowsOfProcess(child.pid()), ProcessWindows::Minimized);
+}
+
+TEST_F(FrontProcess, IsMinimizedAndRestoredByTheWindowManager) {
+    constexpr std::uint32_t iconicState = 3;
+    ChildProcess const child({"/bin/cat"});
+    xcb_window_t const window = makeWindow(child.pid());
+    list("_NET_CLIENT_LIST", {window});
+    atom("WM_CHANGE_STATE");
+    atom("_NET_ACTIVE_WINDOW");
+    manageWindows();
+    EXPECT_FALSE(minimizeWindows(::getpid()));
+    EXPECT_TRUE(minimizeWindows(child.pid()));
+    Reply<xcb_client_message_event_t> const minimized = message();
+    ASSERT_TRUE(minimized);
+    EXPECT_EQ(minimized->type, atom("WM_CHANGE_STATE"));
+    EXPECT_EQ(minimized->window, window);
+    EXPECT_EQ(minimized->data.data32[0], iconicState);
+    EXPECT_FALSE(restoreWindows(child.pid())) << "it is not minimised";
+    set(window, "WM_STATE", atom("WM_STATE"), {iconicState, 0});
+    EXPECT_TRUE(restoreWindows(child.pid()));
+    Reply<xcb_client_message_event_t> const restored = message();
+    ASSERT_TRUE(restored);
+    EXPECT_EQ(restored->type, atom("_NET_ACTIVE_WINDOW"));
+    EXPECT_EQ(restored->window, window);
 }
 
 TEST(FrontProcessOfNull, IsAnError) {
