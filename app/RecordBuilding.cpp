@@ -1,5 +1,6 @@
 #include "app/RecordBuilding.h"
 #include "platform/foundation/NSNumber.h"
+#include <algorithm>
 
 namespace framekeeper {
 
@@ -58,34 +59,62 @@ RecordBuilder::RecordBuilder(AppController const& controller) {
         m_sources.emplace_back(entriesOf(controller, row));
 }
 
-RecordBuilder::Versions RecordBuilder::versionsOf(BundleSummary const& summary) {
-    NSString const version = textOfVersion(summary.version);
-    NSString const shortVersion = textOfVersion(summary.shortVersion);
+RecordBuilder::Versions* RecordBuilder::sharedVersionsOf(NSString const& shortVersion, NSString const& version) {
     // A missing version is not an empty one.
-    bool const areTexts = version != nil && shortVersion != nil;
+    if (version == nil || shortVersion == nil) return {};
     auto const known = m_versions.find({shortVersion.codeUnits(), version.codeUnits()});
-    if (areTexts && known != m_versions.end()) return known->second;
-    Versions const versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
-    if (!areTexts) return versions;
+    if (known != m_versions.end()) return &known->second;
     m_keptTexts.insert(m_keptTexts.end(), {shortVersion, version});
-    m_versions.emplace(std::pair(shortVersion.codeUnits(), version.codeUnits()), versions);
-    return versions;
+    return &m_versions
+                .emplace(std::pair(shortVersion.codeUnits(), version.codeUnits()),
+                         Versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)})
+                .first->second;
 }
 
-void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look,
-                        RecordObjects const& objects) {
-    Versions const versions = isCompanion(look) ? versionsOf(look.summary) : Versions{"", ""};
+bool RecordBuilder::isInSource(NSString const& path, RecordObjects const& objects) const {
+    return std::ranges::any_of(m_sources, [&path](EntriesByPath const& source) { return source.contains(path); }) ||
+           std::ranges::any_of(objects, [](id const& object) { return object != nil; });
+}
+
+NSMutableDictionary RecordBuilder::recordWith(NSString const& path, bool exists, Versions const& versions,
+                                              RecordObjects const& objects) const {
     RecordKeys const& keys = RecordKeys::shared();
     NSMutableDictionary const record = NSMutableDictionary::dictionary();
     record.setValue_forKey_(path, keys.path);
     record.setValue_forKey_(path, keys.displayPath);
-    record.setValue_forKey_(NSNumber::numberWithBool_(BOOL(look.exists)), keys.exists);
+    record.setValue_forKey_(NSNumber::numberWithBool_(BOOL(exists)), keys.exists);
     for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
         record.setValue_forKey_(NSNumber::numberWithBool_(BOOL(m_sources[row].contains(path))), keys.flags[row]);
-        if (objects[row] != nil) record.setValue_forKey_(objects[row], keys.objects[row]);
+        record.setValue_forKey_(objects[row], keys.objects[row]);
     }
-    if (versions.version != nil) record.setValue_forKey_(versions.version, keys.version);
+    record.setValue_forKey_(versions.version, keys.version);
     record.setValue_forKey_(versions.versionString, keys.versionString);
+    return record;
+}
+
+void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look,
+                        RecordObjects const& objects) {
+    if (!isCompanion(look)) {
+        records.addObject_(recordWith(path, look.exists, {"", ""}, objects));
+        return;
+    }
+    NSString const version = textOfVersion(look.summary.version);
+    NSString const shortVersion = textOfVersion(look.summary.shortVersion);
+    Versions* const shared = sharedVersionsOf(shortVersion, version);
+    if (!shared) {
+        Versions const versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
+        records.addObject_(recordWith(path, look.exists, versions, objects));
+        return;
+    }
+    if (path == nil || isInSource(path, objects)) {
+        records.addObject_(recordWith(path, look.exists, *shared, objects));
+        return;
+    }
+    if (shared->sample == nil) shared->sample = recordWith(path, true, *shared, objects);
+    RecordKeys const& keys = RecordKeys::shared();
+    NSMutableDictionary const record = uncheckedCast<NSMutableDictionary>(shared->sample.mutableCopy());
+    record.setObject_forKey_(path, keys.path);
+    record.setObject_forKey_(path, keys.displayPath);
     records.addObject_(record);
 }
 

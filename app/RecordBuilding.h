@@ -45,9 +45,16 @@ private:
         // Nil for a copy that tells none.
         NSString version;
         NSString versionString;
+        // A record of a copy that exists and is in no source; nil until there was one. Copying it is quicker than
+        // setting each key.
+        NSMutableDictionary sample{};
     };
 
-    Versions versionsOf(BundleSummary const& summary);
+    // Null if the bundle lacks a version.
+    Versions* sharedVersionsOf(NSString const& shortVersion, NSString const& version);
+    NSMutableDictionary recordWith(NSString const& path, bool exists, Versions const& versions,
+                                   RecordObjects const& objects) const;
+    bool isInSource(NSString const& path, RecordObjects const& objects) const;
 
     std::vector<EntriesByPath> m_sources;
     // By short version and version: most copies share a few.

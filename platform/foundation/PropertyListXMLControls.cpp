@@ -61,12 +61,9 @@ char16_t unusedCharacter(std::u16string_view text) {
 
 } // namespace
 
-SubstitutedControls::SubstitutedControls(std::u16string_view text) {
+SubstitutedControls::SubstitutedControls(std::u16string_view text) : m_original(text) {
     if (mayHoldControls(text)) m_escape = unusedCharacter(text);
-    if (m_escape == 0) {
-        m_text = text;
-        return;
-    }
+    if (m_escape == 0) return;
     m_text.reserve(text.size());
     for (std::size_t position = 0; position < text.size();) {
         std::size_t const literal = lengthOfLiteralMarkup(text.substr(position));

@@ -14,8 +14,9 @@ public:
     // nothing if every private character of the basic plane occurs in the text.
     explicit SubstitutedControls(std::u16string_view text);
 
-    // What the parser is to read. As many lines as before.
-    std::u16string const& text() const { return m_text; }
+    // What the parser is to read: the text itself if it needs no substitutes, which must outlive this object. As many
+    // lines as before.
+    std::u16string_view text() const { return m_escape == 0 ? m_original : std::u16string_view(m_text); }
     // A string of the parsed text with its control characters.
     std::u16string restored(std::u16string_view string) const;
 
@@ -25,6 +26,7 @@ private:
     std::size_t appendOne(std::u16string_view text);
     void appendControl(unsigned control);
 
+    std::u16string_view m_original;
     std::u16string m_text;
     // Announces a substitute; 0 if the text has no control characters.
     char16_t m_escape{0};

@@ -55,8 +55,8 @@ bool isBlank(QChar character) {
 
 bool isXMLBlank(QStringView text) { return std::ranges::all_of(text, isBlank); }
 
-QString stringOfUnits(std::u16string_view units) {
-    return QString(reinterpret_cast<QChar const*>(units.data()), static_cast<qsizetype>(units.size()));
+QStringView viewOfText(std::u16string_view units) {
+    return {reinterpret_cast<QChar const*>(units.data()), static_cast<qsizetype>(units.size())};
 }
 
 std::u16string_view viewOfUnits(QString const& text) {
@@ -67,12 +67,12 @@ class XMLReader {
 public:
     // Before an XML declaration nothing may stand, so blanks at the beginning are left out and their lines are counted.
     XMLReader(SubstitutedControls const& controls, NSPropertyListMutabilityOptions option)
-        : m_controls(controls), m_text(stringOfUnits(controls.text())), m_builder(option) {
+        : m_controls(controls), m_text(viewOfText(controls.text())), m_builder(option) {
         auto const begin = std::ranges::find_if_not(m_text, isBlank);
-        auto const blanks = begin - m_text.cbegin();
-        m_linesBefore = static_cast<std::size_t>(QStringView(m_text).left(blanks).count(u'\n'));
-        m_text.remove(0, blanks);
-        m_xml.addData(m_text);
+        auto const blanks = begin - m_text.begin();
+        m_linesBefore = static_cast<std::size_t>(m_text.left(blanks).count(u'\n'));
+        m_text = m_text.mid(blanks);
+        m_xml.addData(QString::fromRawData(m_text.data(), m_text.size()));
         m_xml.setNamespaceProcessing(false);
     }
 
@@ -90,7 +90,7 @@ private:
     // Text behind the root element is ignored, with all that follows it; a second element is a mistake.
     bool isBeforeTextBehindRoot() const {
         if (!m_sawElement || m_depth > 0) return false;
-        QStringView const rest = QStringView(m_text).mid(m_xml.characterOffset());
+        QStringView const rest = m_text.mid(m_xml.characterOffset());
         auto const next = std::ranges::find_if_not(rest, isBlank);
         return next != rest.end() && *next != u'<';
     }
@@ -191,7 +191,7 @@ private:
     }
 
     SubstitutedControls const& m_controls;
-    QString m_text;
+    QStringView m_text;
     QXmlStreamReader m_xml;
     PropertyListBuilder m_builder;
     std::size_t m_linesBefore{0};
