@@ -1,7 +1,5 @@
-#include "app/AppControllerBody.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Log.h"
-#include "platform/foundation/NSTimer.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include <algorithm>
@@ -122,77 +120,6 @@ TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0], "ERROR: Could not start Spotlight query.");
     EXPECT_TRUE(m_controller.paths() == nil);
-}
-
-// More results than are taken in at once.
-constexpr std::size_t ManyCopies = 7;
-
-class ManyResults : public SpotlightScan {
-protected:
-    void SetUp() override {
-        SpotlightScan::SetUp();
-        m_controller = adopt<AppController>(sleepForInterval, std::size_t{3}).init();
-        for (std::size_t index = 1; index <= ManyCopies; ++index)
-            m_last = makeCopy(m_folder, std::to_string(index));
-        m_controller.scanAction_(nil);
-        ASSERT_TRUE(gathered());
-        ASSERT_TRUE(runUntil([this] { return m_controller.paths().count() == ManyCopies; }));
-        m_controller.setPaths_(NSMutableSet::set());
-    }
-
-    void tellProgress() const {
-        m_controller.queryGatheringProgress_(
-            NSNotification::notificationWithName_object_userInfo_("n", m_controller.query(), nil));
-    }
-    bool runUntilListed(NSUInteger count) const {
-        return runUntil([this, count] { return m_controller.paths().count() == count; });
-    }
-
-    NSString m_last;
-};
-
-TEST_F(ManyResults, AreTakenInWhileTheUserIsAnswered) {
-    tellProgress();
-    EXPECT_EQ(m_controller.paths().count(), 0U);
-    m_controller.stopAction_(nil);
-    EXPECT_TRUE(m_controller.query().isStopped());
-    ASSERT_TRUE(runUntilListed(ManyCopies));
-    EXPECT_EQ(text(recordOf(m_controller, m_last).objectForKey_("versionString")), "2.1 (210)");
-}
-
-TEST_F(ManyResults, AreTakenInAnewWhenAnActionChangedTheDisk) {
-    tellProgress();
-    ASSERT_TRUE(runUntil([this] { return m_controller.isOnHarddiskPaths().count() == ManyCopies; }));
-    m_controller.query().disableUpdates();
-    ::rename(m_folder.path(std::to_string(ManyCopies)).c_str(), m_folder.path("gone").c_str());
-    m_controller.reSync();
-    ASSERT_TRUE(runUntilListed(ManyCopies - 1));
-    EXPECT_TRUE(recordOf(m_controller, m_last) == nil);
-}
-
-TEST_F(ManyResults, AreForgottenWhenAnotherScanBegins) {
-    tellProgress();
-    m_controller.scanAction_(nil);
-    m_controller.stopAction_(nil);
-    NSTimer const later = NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
-        0, m_controller, "stopAction:", nil, NO);
-    ASSERT_TRUE(runUntil([&] { return !later.isValid(); }));
-    EXPECT_TRUE(m_controller.paths() == nil);
-}
-
-TEST_F(ManyResults, ToldTwiceAreTakenInTwice) {
-    tellProgress();
-    tellProgress();
-    ASSERT_TRUE(runUntilListed(ManyCopies));
-    NSMutableSet const first = m_controller.paths();
-    ASSERT_TRUE(runUntil([&] { return !isSame(m_controller.paths(), first); }));
-    EXPECT_EQ(m_controller.paths().count(), ManyCopies);
-}
-
-TEST_F(ManyResults, AreAtOnceTheInventoryWhenThatIsAskedFor) {
-    tellProgress();
-    m_controller.syncQuery();
-    EXPECT_EQ(m_controller.paths().count(), ManyCopies);
 }
 
 // A bundle whose information file is bad in one way; the others must be listed all the same.
