@@ -18,13 +18,13 @@ TEST(ScriptParser, ATreeKeepsItsSourceAndTheBodiesOfItsScripts) {
     ASSERT_EQ(tree->scripts.size(), 3U);
     EXPECT_EQ(bodyText(*tree, *tree->top), utf8FromUnits(source));
     EXPECT_EQ(bodyText(*tree, tree->scripts[1]),
-              "property n : 1\n  script inner\n    on f()\n    end f\n  end script\n");
-    EXPECT_EQ(bodyText(*tree, tree->scripts[2]), "on f()\n    end f\n  ");
+              "\n  property n : 1\n  script inner\n    on f()\n    end f\n  end script\n");
+    EXPECT_EQ(bodyText(*tree, tree->scripts[2]), "\n    on f()\n    end f\n  ");
 }
 
-TEST(ScriptParser, AnEmptyBodyIsEmpty) {
+TEST(ScriptParser, ABodyBeginsWithTheEndOfTheLineOfItsName) {
     std::shared_ptr<SyntaxTree> const tree = ScriptParser(u"script\nend script", nullptr).parse();
-    EXPECT_EQ(bodyText(*tree, tree->scripts[1]), "");
+    EXPECT_EQ(bodyText(*tree, tree->scripts[1]), "\n");
     std::shared_ptr<SyntaxTree> const nothing = ScriptParser(u"", nullptr).parse();
     EXPECT_EQ(bodyText(*nothing, *nothing->top), "");
 }
