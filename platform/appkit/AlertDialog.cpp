@@ -1,4 +1,6 @@
 #include "platform/appkit/AlertDialog.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/RunLoopMode.h"
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGridLayout>
@@ -131,6 +133,8 @@ QWidget* AlertDialog::makeButtons(NSAlert const& alert) {
 }
 
 NSButton AlertDialog::run() {
+    // What waits for the default mode is posted once the alert is answered.
+    RunLoopModeScope const mode(NSModalPanelRunLoopMode);
     exec();
     return m_pressed;
 }

@@ -29,14 +29,11 @@ struct PropertyAnswer {
     std::optional<Value> value{};
 };
 
-// A function that its row must give. Not default-constructible for that reason.
+// A function that its row must give: it has no default, and a null pointer does not convert to it.
 template <class Function>
 class RequiredFunction {
 public:
-    consteval RequiredFunction(Function* function) : m_function(function) {
-        // A null pointer is no constant expression, and so does not compile.
-        if (!function) throw function;
-    }
+    constexpr RequiredFunction(Function& function) : m_function(&function) {}
     template <class... Arguments>
     auto operator()(Arguments&&... arguments) const {
         return m_function(std::forward<Arguments>(arguments)...);
@@ -56,6 +53,7 @@ using CommandFunction = Value(ModelApplication& application, Evaluator& evaluato
 
 // Whether the record `properties` holds the property: not if it is costly, or only a name for another.
 enum class InProperties : std::uint8_t { Listed, Unlisted };
+using enum InProperties;
 
 struct PropertyRow {
     // Empty if no dictionary has a term for the code, which scripts may still send.

@@ -79,7 +79,7 @@ Value isFrontmost(FinderRoot const& /*finder*/) {
                           }));
 }
 ModelPointer homeFolder(FinderRoot const& /*finder*/) { return FinderItem::atPath(homePath()); }
-ModelPointer desktopFolder(FinderRoot const& /*finder*/) { return FinderItem::atPath(desktopPath()); }
+ModelPointer desktopOfFinder(FinderRoot const& /*finder*/) { return FinderItem::atPath(desktopPath()); }
 ModelPointer startupDisk(FinderRoot const& /*finder*/) { return FinderItem::atPath("/"); }
 ModelPointer trashOf(FinderRoot const& /*finder*/) { return finder::trash(); }
 
@@ -137,7 +137,7 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
     {u"running", codes::Running, codes::BooleanType, reading<&isFinderRunning>},
     {u"frontmost", codes::Frontmost, codes::BooleanType, reading<&isFrontmost>},
     {u"home", codes::Home, codes::Folder, reading<&homeFolder>},
-    {u"desktop", codes::Desktop, codes::Folder, reading<&desktopFolder>},
+    {u"desktop", codes::Desktop, codes::Folder, reading<&desktopOfFinder>},
     {u"startup disk", codes::StartupDisk, codes::Disk, reading<&startupDisk>},
     {u"trash", codes::Trash, codes::Item, reading<&trashOf>},
     {u"selection", codeOf("sele"), codes::ListType, reading<&untold>},

@@ -194,7 +194,6 @@ std::optional<Value> entireContents(FinderItem& item) {
 }
 
 constexpr Code Privileges = codes::ConstantType;
-constexpr InProperties Unlisted = InProperties::Unlisted;
 
 constexpr auto ItemProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&itemName>, writing<&FinderItem::rename>},

@@ -207,7 +207,6 @@ Value open(ModelApplication& application, Evaluator& evaluator, ApplicationComma
 }
 
 using Root = SystemEventsRoot;
-constexpr InProperties Unlisted = InProperties::Unlisted;
 
 // A row of a folder that the desktop keeps for a purpose.
 template <Code Folder>

@@ -75,8 +75,6 @@ private:
     std::shared_ptr<FinderItem> m_item;
 };
 
-constexpr InProperties Unlisted = InProperties::Unlisted;
-
 template <Code Property>
 constexpr RequiredFunction<PropertyReader> OfItem{reading<&DiskItem::ofItem<Property>>};
 

@@ -88,8 +88,6 @@ private:
     mutable NSDictionary m_information{};
 };
 
-constexpr InProperties Unlisted = InProperties::Unlisted;
-
 constexpr auto ProcessProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&Process::name>},
     {u"displayed name", codes::DisplayedName, codes::TextType, reading<&Process::name>, nullptr, Unlisted},

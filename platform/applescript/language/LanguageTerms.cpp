@@ -6,18 +6,18 @@ namespace mac::applescript {
 
 namespace {
 
-struct ClassRow {
+struct LanguageClassRow {
     std::u16string_view name;
     std::u16string_view plural;
     Code code;
 };
 
-struct NameRow {
+struct LanguageNameRow {
     std::u16string_view name;
     Code code;
 };
 
-constexpr auto LanguageClasses = std::to_array<ClassRow>({
+constexpr auto LanguageClasses = std::to_array<LanguageClassRow>({
     {u"item", u"items", codeOf("cobj")},
     {u"text", u"", codeOf("ctxt")},
     {u"string", u"strings", codeOf("TEXT")},
@@ -53,7 +53,7 @@ constexpr auto LanguageClasses = std::to_array<ClassRow>({
 });
 
 // Properties of values, of scripts and of AppleScript itself.
-constexpr auto LanguageProperties = std::to_array<NameRow>({
+constexpr auto LanguageProperties = std::to_array<LanguageNameRow>({
     {u"class", codeOf("pcls")},       {u"contents", codeOf("pcnt")},    {u"length", codeOf("leng")},
     {u"rest", codeOf("rest")},        {u"reverse", codeOf("rvse")},     {u"id", codeOf("ID  ")},
     {u"name", codeOf("pnam")},        {u"version", codeOf("vers")},     {u"running", codeOf("prun")},
@@ -67,7 +67,7 @@ constexpr auto LanguageProperties = std::to_array<NameRow>({
     {u"linefeed", codeOf("lnfd")},    {u"quote", codeOf("quot")},       {u"pi", codeOf("pi  ")},
 });
 
-constexpr auto LanguageConstants = std::to_array<NameRow>({
+constexpr auto LanguageConstants = std::to_array<LanguageNameRow>({
     {u"yes", codeOf("yes ")},
     {u"no", codeOf("no  ")},
     {u"ask", codeOf("ask ")},
@@ -81,7 +81,7 @@ constexpr auto LanguageConstants = std::to_array<NameRow>({
     {u"application responses", codeOf("rmte")},
 });
 
-constexpr auto Values = std::to_array<NameRow>({
+constexpr auto Values = std::to_array<LanguageNameRow>({
     {u"missing value", codeOf("msng")}, {u"null", codeOf("null")},      {u"January", codeOf("jan ")},
     {u"February", codeOf("feb ")},      {u"March", codeOf("mar ")},     {u"April", codeOf("apr ")},
     {u"May", codeOf("may ")},           {u"June", codeOf("jun ")},      {u"July", codeOf("jul ")},
@@ -112,13 +112,13 @@ constexpr auto LanguageCommands = std::to_array<CommandTerm>({
 } // namespace
 
 void addLanguageTerms(Terminology& terms) {
-    for (ClassRow const& row : LanguageClasses)
+    for (LanguageClassRow const& row : LanguageClasses)
         terms.addClass(row.name, row.plural, row.code);
-    for (NameRow const& row : LanguageProperties)
+    for (LanguageNameRow const& row : LanguageProperties)
         terms.addProperty(row.name, row.code);
-    for (NameRow const& row : LanguageConstants)
+    for (LanguageNameRow const& row : LanguageConstants)
         terms.addConstant(row.name, row.code);
-    for (NameRow const& row : Values)
+    for (LanguageNameRow const& row : Values)
         terms.addValue(row.name, row.code);
     for (CommandTerm const& command : LanguageCommands)
         terms.addCommand(command);
