@@ -104,8 +104,8 @@ int run(Arguments const& arguments) {
     }
     // For scripts/faults, which finds the rows that no file system needs.
     for (std::size_t at = 0; at < rows.size(); ++at)
-        std::cout << "row " << at + 1 << " matched " << points[at] << ": " << rows[at].operation << ": "
-                  << nameOf(rows[at].promise) << ": " << rows[at].call << '\n';
+        std::cout << "row " << at + 1 << " matched " << points[at] << ": " << joined(rows[at].operations) << ": "
+                  << nameOf(rows[at].promise) << ": " << joined(rows[at].calls) << '\n';
     Counts const& counts = campaign.counts();
     std::cout << "counts: calls " << counts.calls << " faults " << counts.faults << " kills " << counts.kills
               << " exchanges " << counts.exchanges << " races " << counts.races << " prefixes " << counts.prefixes

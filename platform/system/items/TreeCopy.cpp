@@ -14,6 +14,14 @@ namespace mac {
 
 namespace {
 
+// Removes what this process made; an interrupted call is made again. The flags are the system call's.
+void removeUnfinished(FileDescriptor const& folder, std::string const& name, int flags) {
+    int answer = -1;
+    do {
+        answer = ::unlinkat(folder.number(), name.c_str(), flags);
+    } while (answer != 0 && errno == EINTR);
+}
+
 constexpr int CopiedFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 // Folders of which only a name is needed need not be readable.
 constexpr int NameFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
@@ -53,7 +61,7 @@ Result<ItemPlace> privateItemIn(FileDescriptor const& folder) {
         openIn(folder, name.value(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC);
     if (!file.hasValue()) return file.problem();
     Result<ItemPlace> place = placeOf(file.value());
-    ::unlinkat(folder.number(), name.value().c_str(), 0);
+    removeUnfinished(folder, name.value(), 0);
     return place;
 }
 
@@ -89,7 +97,7 @@ Result<FileDescriptor> makeFolder(FileDescriptor const& folder, std::string cons
     if (steps) steps(CopyStep::FolderMade);
     Result<FileDescriptor> made = openMadeFolder(folder, name, lists);
     // Only an empty folder goes.
-    if (!made.hasValue()) ::unlinkat(folder.number(), name.c_str(), AT_REMOVEDIR);
+    if (!made.hasValue()) removeUnfinished(folder, name, AT_REMOVEDIR);
     return made;
 }
 
@@ -218,8 +226,8 @@ Result<void> TreeCopy::copyPrivately(FileDescriptor const& source, ItemStatus co
     Result<ItemPlace> const made = placeOf(folder.value(), to);
     if (copied.isDone()) copied = renameWithoutReplacing(folder.value(), to, m_target, to);
     if (copied.isDone() && made.hasValue()) m_made = made.value().identity;
-    if (!copied.isDone()) ::unlinkat(folder.value().number(), to.c_str(), 0);
-    ::unlinkat(m_target.number(), name.value().c_str(), AT_REMOVEDIR);
+    if (!copied.isDone()) removeUnfinished(folder.value(), to, 0);
+    removeUnfinished(m_target, name.value(), AT_REMOVEDIR);
     return copied;
 }
 
