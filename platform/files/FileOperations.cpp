@@ -74,6 +74,7 @@ OSErr FSRenameUnicode(FSRef const* ref, UniCharCount nameLength, unichar const* 
     if (item.value().name.empty()) return fBsyErr;
     if (*wanted != item.value().name)
         status = changeStatus(moveItem({.item = item.value(), .folder = item.value().folder, .name = *wanted}));
+    if (status == noErr) followMovedItem(item.value().folder, *wanted);
     if (status == noErr && newRef) *newRef = *ref;
     return status;
 }

@@ -3,7 +3,6 @@
 #include "platform/system/OpenItems.h"
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/sysmacros.h>
 
 namespace mac {
 
@@ -19,6 +18,16 @@ Result<PlacedItem> confirmAtPath(std::string const& path, ItemIdentity const& id
     return PlacedItem{path, found.value().isFolder};
 }
 
+// Whether the path is one at which the NFS client keeps a file that was removed while it was open: ".nfs", 16 digits of
+// the inode number and 8 of a counter. The file may have other names still.
+bool isOfRemovedName(std::string_view path) {
+    constexpr std::string_view prefix = ".nfs";
+    constexpr std::size_t digits = 24;
+    std::string_view const name = path.substr(path.rfind('/') + 1);
+    return name.starts_with(prefix) && name.size() == prefix.size() + digits &&
+           name.find_first_not_of("0123456789abcdef", prefix.size()) == std::string_view::npos;
+}
+
 // Looks for the item under another name in the folder of the path.
 Result<PlacedItem> findInFolder(std::string const& path, ItemIdentity const& identity) {
     std::string const folderPath = splitPath(path).folder;
@@ -29,7 +38,7 @@ Result<PlacedItem> findInFolder(std::string const& path, ItemIdentity const& ide
     Result<std::vector<FolderEntry>> const entries = entriesOf(readable.value());
     if (!entries.hasValue()) return entries.problem();
     for (FolderEntry const& entry : entries.value()) {
-        if (entry.inode != identity.inode) continue;
+        if (entry.inode != identity.inode || isOfRemovedName(entry.name)) continue;
         Result<IdentifiedItem> const found = identify(folder.value(), entry.name);
         if (found.hasValue() && found.value().identity == identity)
             return PlacedItem{folderPath + entry.name, found.value().isFolder};
@@ -42,9 +51,15 @@ Result<PlacedItem> findAround(std::string const& path, ItemIdentity const& ident
     return there.hasValue() ? there : findInFolder(path, identity);
 }
 
+// The path that the system knows for the open item. No server is asked.
+Result<std::string> pathOfHeld(ItemToHold const& held) {
+    Result<std::string> path = systemsPath(held.item);
+    return path.hasValue() && isOfRemovedName(path.value()) ? notFound() : path;
+}
+
 Result<PlacedItem> findHeld(ItemToHold const& held) {
     ItemIdentity const& identity = held.identified.identity;
-    Result<std::string> const path = systemsPath(held.item);
+    Result<std::string> const path = pathOfHeld(held);
     if (path.hasValue()) {
         Result<PlacedItem> there = confirmAtPath(path.value(), identity);
         if (there.hasValue()) return there;
@@ -52,13 +67,11 @@ Result<PlacedItem> findHeld(ItemToHold const& held) {
     return findAround(held.path, identity);
 }
 
-// Whether the path that led to the item still does, and is its only one. Not found out, which takes longer, where a
-// server could be asked: it may not answer.
-bool isWhereItWas(ItemToHold const& held) {
-    bool const isOnDisk = major(held.identified.identity.device) != 0;
-    if (!isOnDisk) return false;
-    Result<IdentifiedItem> const found = identifyAtPath(held.path, LinkAtEnd::IsNotFollowed);
-    return found.hasValue() && found.value().identity == held.identified.identity && !found.value().hasOtherNames;
+// Whether the open item no longer tells where it is, because the name is gone by which it was opened.
+bool hasLostItsName(ItemToHold const& held, std::string const& newerPath) {
+    Result<std::string> const path = pathOfHeld(held);
+    if (!path.hasValue()) return true;
+    return path.value() != newerPath && !confirmAtPath(path.value(), held.identified.identity).hasValue();
 }
 
 // Whether the item that was found is the one that was let go.
@@ -77,9 +90,16 @@ HeldItems::Holding HeldItems::hold(ItemToHold item) {
     bool const isRemembered = m_rememberedByIdentity.contains(identity);
     forget(identity);
     if (auto const known = m_heldByIdentity.find(identity); known != m_heldByIdentity.end()) {
-        // The newer path, but not the newer descriptor: both may lead to the item by different names.
-        known->second->path = std::move(item.path);
-        known->second->identified.hasOtherNames = item.identified.hasOtherNames;
+        // The newer path, but not the newer descriptor unless the older one is of no use: both may lead to the item by
+        // different names.
+        ItemToHold& held = *known->second;
+        if (hasLostItsName(held, item.path)) {
+            held.item = std::move(item.item);
+            held.isPathFollowed = item.isPathFollowed;
+            held.identified.mount = item.identified.mount;
+        }
+        held.path = std::move(item.path);
+        held.identified.hasOtherNames = item.identified.hasOtherNames;
         m_held.splice(m_held.begin(), m_held, known->second);
         return Holding::ReferredToBefore;
     }
@@ -155,7 +175,8 @@ HeldItems::HeldList::iterator HeldItems::release(HeldList::iterator held) {
 
 void HeldItems::letGo(HeldList::iterator held) {
     Remembered remembered{.identity = held->identified.identity};
-    remembered.path = isWhereItWas(*held) ? held->path : systemsPath(held->item).valueOr("");
+    // Neither path is looked at: either may lead to a server by now that does not answer.
+    remembered.path = pathOfHeld(*held).valueOr("");
     if (remembered.path != held->path) remembered.otherPath = std::move(held->path);
     if (remembered.path.empty()) remembered.path.swap(remembered.otherPath);
     if (!remembered.identity.isLasting()) {

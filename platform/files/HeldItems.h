@@ -40,6 +40,7 @@ public:
     // Makes an item that is held already the most recent one. False if it is not held, and if its path has to be found
     // out anew because the open item may not tell it.
     bool holdAgain(IdentifiedItem const& item);
+    bool isHeld(ItemIdentity const& identity) const { return m_heldByIdentity.contains(identity); }
     // Whether a path was remembered as one of a held item: a hint, for the cheaper order of system calls.
     bool isLikelyHeldAt(std::size_t pathHash) const {
         return m_recentPaths[pathHash % m_recentPaths.size()] == pathHash;

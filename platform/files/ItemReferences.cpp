@@ -314,6 +314,21 @@ Result<void> exchangeReferences(FSRef const& first, FSRef const& second) {
     return {};
 }
 
+void followMovedItem(FileDescriptor const& folder, std::string const& name) {
+    Result<IdentifiedItem> const found = identify(folder, name);
+    if (!found.hasValue()) return;
+    std::scoped_lock const lock(table().lock);
+    HeldItems& items = table().items;
+    if (!items.isHeld(found.value().identity)) return;
+    Result<FileDescriptor> item = openNamed(folder, name);
+    if (!item.hasValue()) return;
+    Result<IdentifiedItem> const opened = identify(item.value());
+    Result<std::string> path = systemsPath(item.value());
+    // Of a path that is too long the older one tells as much; another item may have taken the name meanwhile.
+    bool const isFound = opened.hasValue() && opened.value().identity == found.value().identity && path.hasValue();
+    if (isFound) static_cast<void>(items.hold({opened.value(), item.takeValue(), path.takeValue(), true}));
+}
+
 void releaseRemovedItems() {
     std::scoped_lock const lock(table().lock);
     table().items.releaseRemoved();

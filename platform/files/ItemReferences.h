@@ -37,6 +37,10 @@ Result<OpenItem> openItemOfReference(FSRef const& reference);
 // From now on each of the references leads to the other one's item, and is what new references to that are equal to.
 Result<void> exchangeReferences(FSRef const& first, FSRef const& second);
 
+// After an item got another name in the open folder: references to it that were made before lead there, also if the
+// name is gone by which the item was opened. Makes no reference.
+void followMovedItem(FileDescriptor const& folder, std::string const& name);
+
 // Closes held items that have been removed, so that their volume can use the space again. Each new reference looks at
 // one held item, too; call this after removing large items.
 void releaseRemovedItems();

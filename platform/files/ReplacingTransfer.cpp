@@ -96,6 +96,7 @@ Result<void, ReplacingProblem> moveItem(ItemTransfer transfer, NameClash clash, 
     bool const isThere = confirmItemInFolder(transfer.folder, transfer.name, transfer.item.item).isDone();
     if (clash == NameClash::IsReplaced && isThere) return {};
     Result<void, ReplacingProblem> moved = run(&moveItem, transfer, clash, steps);
+    if (moved.isDone()) followMovedItem(transfer.folder, transfer.name);
     // The references would keep the space of an original that was removed.
     releaseRemovedItems();
     return moved;

@@ -1,4 +1,5 @@
 #include "platform/files/Trash.h"
+#include "platform/files/ItemReferences.h"
 #include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
@@ -150,6 +151,7 @@ private:
 
         Done const followed = m_sidecar ? moveSidecar(sidecar, sidecarName) : Done();
         if (!followed.isDone()) return takeBack(reservation, followed.problem(), name);
+        followMovedItem(m_trash.files, name);
         // The moves need not be on the disk: if the system fails now, the item is where it was, or in the trash with
         // its record, which was written first.
         tell(TrashStep::AllMoved);

@@ -1,3 +1,4 @@
+#include "platform/files/ItemReferences.h"
 #include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
@@ -76,6 +77,7 @@ public:
             if (PutBack const followed = moveSidecar(); !followed.isDone()) return takeBack(followed.problem());
             removeInformation(m_item.trash, m_sidecar->name);
         }
+        followMovedItem(m_folder, m_name);
         removeInformation(m_item.trash, m_item.name);
         if (m_item.isFolder) removeOldDirectorySizes(m_item.trash);
         return m_path;

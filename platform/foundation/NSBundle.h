@@ -55,8 +55,9 @@ struct BundleLook {
 };
 
 // The same answers as NSFileManager's fileExistsAtPath: and those of a bundle with the path for CFBundleIdentifier,
-// CFBundleVersion and CFBundleShortVersionString, from one system call: the status of the information file, if it has
-// been read and has not changed since. Summaries of the last 262,144 bundles are remembered. Main thread.
+// CFBundleVersion and CFBundleShortVersionString. A file that has been read and has not changed since takes its status
+// alone: one system call for each of the four places up to the one it lies in, and one more for an item without such a
+// file. Summaries of the last 262,144 bundles are remembered. Main thread.
 BundleLook lookAtBundle(NSString const& path);
 
 // For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it

@@ -31,13 +31,14 @@ bool cannotLink(SystemError const& error) {
     return isUnknownToFileSystem(error) || error.is(EPERM) || error.is(EMLINK) || error.is(EOPNOTSUPP);
 }
 
-// Removes a name that no other process uses; an interrupted call is made again.
+// Removes a name that no other process uses; an interrupted call is made again. A server that is asked twice answers
+// the second time that the name is gone.
 bool removeOwnName(FileDescriptor const& folder, std::string const& name) {
     int answer = -1;
     do {
         answer = ::unlinkat(folder.number(), name.c_str(), 0);
     } while (answer != 0 && errno == EINTR);
-    return answer == 0;
+    return answer == 0 || errno == ENOENT;
 }
 
 // Gives the open item another name. Where the system shows no open files under /proc, the item is not found.
@@ -74,9 +75,14 @@ bool isSameItem(FileDescriptor const& second, FileDescriptor const& item) {
     return one.hasValue() && other.hasValue() && one.value().identity == other.value().identity;
 }
 
-bool hasOneNameAtMost(FileDescriptor const& item) {
-    Result<ItemStatus> const status = statusOf(item);
-    return !status.hasValue() || status.value().links < 2;
+// Whether the name was seen to lead to the open item, to none or to another one.
+enum class Leads { ToItem, ToNone, ToAnother, Unseen };
+Leads whereLeads(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
+    Result<IdentifiedItem> const expected = identify(item);
+    if (!expected.hasValue()) return Leads::Unseen;
+    Result<IdentifiedItem> const found = identify(folder, name);
+    if (found.hasValue()) return found.value().identity == expected.value().identity ? Leads::ToItem : Leads::ToAnother;
+    return found.problem().is(ENOENT) ? Leads::ToNone : Leads::Unseen;
 }
 
 Result<void> renameExclusively(FileDescriptor const& fromFolder, std::string const& from,
@@ -131,31 +137,45 @@ void StepwiseRename::tellFirstStep() const {
 }
 
 Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& to) const {
-    FileDescriptor const item(::openat(from.folder.number(), from.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    FileDescriptor item(::openat(from.folder.number(), from.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!item.isOpen()) return lastSystemError("open", from.name);
     // Spares the trial where the name is taken; the system refuses it below at any rate.
     if (foundAt(to.folder, to.name)) return nameIsTaken(to.name);
     if (Result<void> const can = confirmSecondNames(item, to.folder); !can.isDone()) return can;
     if (Result<void> const named = giveName(item, to.folder, to.name); !named.isDone()) return onOneVolume(named);
-    // Some file systems lose an open item when the name goes by which it was opened.
-    FileDescriptor const second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    FileDescriptor const& kept = isSameItem(second, item) ? second : item;
+    // Some file systems lose an open item when the name goes by which it was opened; others keep such a name, as long
+    // as it is open, under one of their own.
+    FileDescriptor second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (isSameItem(second, item)) item = std::move(second);
     tellFirstStep();
     Result<void> removed = removeFirstName(from, to, item);
-    if (removed.isDone() || removed.problem().is(EEXIST)) return removed;
-    static_cast<void>(removeName(to, kept, nullptr));
+    if (!removed.isDone() && !removed.problem().is(EEXIST)) takeBackSecondName(from, to, item, removed.problem());
     return onOneVolume(removed);
 }
 
-// The open item has both names. Done if it has the second one only; EEXIST if another item has the second one.
+// The open item has both names. Done if it has the second one only; EEXIST if another item has the second one, or if
+// the second one is to stay because the item may have lost the first; ENOENT if it has got yet another name instead of
+// the first.
 Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to, FileDescriptor const& item) {
     Result<void> removed = removeName(from, item, &to);
-    // Another item has the first name by now, which is none of ours.
-    if (removed.isDone() || removed.problem().is(ESTALE)) return {};
-    if (removed.problem().is(EEXIST)) return removed;
-    // Another process has removed the first name: the item itself must not go.
-    if (removed.problem().is(ENOENT) && hasOneNameAtMost(item)) return {};
-    return removed;
+    if (removed.isDone() || !(removed.problem().is(ESTALE) || removed.problem().is(ENOENT))) return removed;
+    // Another item has the first name by now, which is none of ours, or none has. A server's own ESTALE tells neither.
+    Leads const first = whereLeads(from.folder, from.name, item);
+    bool const isFirstGone = first == Leads::ToNone || first == Leads::ToAnother;
+    Result<ItemStatus> const status = statusOf(item);
+    if (!isFirstGone || !status.hasValue()) return SystemError{.code = EIO, .operation = "rename", .item = from.name};
+    if (first == Leads::ToNone && status.value().links > 1) return removed;
+    if (whereLeads(to.folder, to.name, item) == Leads::ToItem) return {};
+    return SystemError{.code = EIO, .operation = "rename", .item = from.name};
+}
+
+// Removes the second name where the first could not be removed, unless it may be the item's only one.
+void StepwiseRename::takeBackSecondName(Place const& from, Place const& to, FileDescriptor const& item,
+                                        SystemError const& problem) {
+    bool const hasOtherName = problem.is(ENOENT);
+    if (hasOtherName) static_cast<void>(removeName(to, item, nullptr));
+    if (hasOtherName || whereLeads(from.folder, from.name, item) != Leads::ToItem) return;
+    static_cast<void>(removeName(to, item, &from));
 }
 
 // EEXIST if the name does not lead to the open item.
@@ -171,10 +191,16 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
         return isThere;
     Result<ItemStatus> const status = statusOf(item);
     if (!status.hasValue()) return status.problem();
+    // Never the last one.
+    if (remaining == nullptr && status.value().links < 2) return nameIsTaken(place.name);
     Result<std::string> const aside = asideName(markOf(status.value()));
     if (!aside.hasValue()) return aside.problem();
     Place const there{place.folder, aside.value()};
-    if (Result<void> const away = moveAside(place.folder, place.name, aside.value()); !away.isDone()) return away;
+    if (Result<void> const away = moveAside(place.folder, place.name, aside.value()); !away.isDone()) {
+        // A server that is asked twice answers the second time that the name is gone.
+        Result<void> const isAside = confirmItemInFolder(there.folder, there.name, item);
+        if (!isAside.isDone()) return away.problem().is(ENOENT) ? isAside : away;
+    }
     Result<void> mayGo = confirmItemInFolder(there.folder, there.name, item);
     if (mayGo.isDone() && remaining != nullptr) mayGo = confirmStillNamed(*remaining, item);
     if (mayGo.isDone() && !removeOwnName(there.folder, there.name)) mayGo = lastSystemError("unlink", place.name);
@@ -183,14 +209,16 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
     return isBack.isDone() ? mayGo : isBack;
 }
 
-// Gives an item that was moved aside its name again. If that is taken, the item stays aside and the error tells where.
+// Gives an item that was moved aside its name again. If that cannot be done, the item stays aside and the error, EEXIST
+// then, tells where: no other name of it may be removed.
 Result<void> StepwiseRename::giveBackName(Place const& aside, Place const& place) {
     if (::linkat(aside.folder.number(), aside.name.c_str(), place.folder.number(), place.name.c_str(), 0) == 0) {
         removeOwnName(aside.folder, aside.name);
         return {};
     }
-    if (!cannotLink(lastSystemError("link", aside.name))) return nameIsTaken(aside.name);
-    return StepwiseRename().renameToFreeName(aside, place);
+    if (lastSystemError("link", aside.name).is(EEXIST)) return nameIsTaken(aside.name);
+    Result<void> const isBack = StepwiseRename().renameToFreeName(aside, place);
+    return isBack.isDone() ? isBack : nameIsTaken(aside.name);
 }
 
 Result<void> StepwiseRename::renameByLink(Place const& from, Place const& to) const {

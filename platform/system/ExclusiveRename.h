@@ -28,8 +28,10 @@ Result<void> moveAside(FileDescriptor const& folder, std::string const& name, st
 //
 // A file gets the new name as a second one, which the system itself refuses if it is taken, and then loses the first:
 // what has the first name is moved aside under a name that no process knows, and removed only if it is the file and the
-// new name leads to it still. So no item of another process is replaced or removed, and if the process is killed in
-// between, the file has both names. A descriptor that was opened by the first name no longer tells the item's path.
+// new name leads to it still. So no item of another process is replaced or removed. If the process is killed in
+// between, the file has both names, or the new one and that of the item moved aside, which goes with the leftovers of
+// ended processes; if it cannot get its first name back, it keeps the new one, too. A descriptor that was opened by the
+// first name no longer tells the item's path.
 //
 // Where a file cannot have two names, or shows another inode number under each, the new name is taken by a symbolic
 // link to the file, which the file then replaces unless another process has done so meanwhile; if the process is killed
@@ -53,6 +55,8 @@ private:
 
     Result<void> renameBySecondName(Place const& from, Place const& to) const;
     static Result<void> removeFirstName(Place const& from, Place const& to, FileDescriptor const& item);
+    static void takeBackSecondName(Place const& from, Place const& to, FileDescriptor const& item,
+                                   SystemError const& problem);
     static Result<void> confirmStillNamed(Place const& place, FileDescriptor const& item);
     static Result<void> removeName(Place const& place, FileDescriptor const& item, Place const* remaining);
     static Result<void> giveBackName(Place const& aside, Place const& place);

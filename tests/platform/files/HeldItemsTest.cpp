@@ -1,10 +1,13 @@
 #include "platform/files/HeldItems.h"
+#include "platform/files/FileOperations.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/files/ReplacingTransfer.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/LongPath.h"
 #include "tests/platform/files/References.h"
 #include "tests/platform/files/TrashHome.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -14,6 +17,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 // Which items references hold open, and which they find without that.
@@ -157,6 +161,63 @@ TEST(HeldItems, MadeAgainIsFoundUnderTheOtherName) {
     EXPECT_EQ(referenceTo(folder.path("b/other")), reference);
     ASSERT_EQ(::unlink(file.c_str()), 0);
     EXPECT_EQ(pathOf(reference), folder.path("b/other"));
+}
+
+// As the client of a network volume keeps a file that is open when its name is removed.
+TEST(HeldItems, IsNotFoundUnderANameThatIsKeptForAnOpenFile) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("a/file", "");
+    std::string const kept = folder.path("a/.nfs00000000000a01ff00000001");
+    std::string const other = folder.makeFolder("b") + "/other";
+    FSRef const reference = referenceTo(file);
+    ASSERT_EQ(::link(file.c_str(), other.c_str()), 0);
+    ASSERT_EQ(::rename(file.c_str(), kept.c_str()), 0);
+    EXPECT_EQ(pathOf(reference), "-");
+    EXPECT_EQ(referenceTo(other), reference);
+    EXPECT_EQ(pathOf(reference), other);
+    // The newer descriptor is held, which follows the file.
+    ASSERT_EQ(::rename(other.c_str(), folder.path("moved").c_str()), 0);
+    EXPECT_EQ(pathOf(reference), folder.path("moved"));
+}
+
+TEST(HeldItems, FollowsMovesWhereTheSystemCannotRenameExclusively) {
+    TrashHome const home;
+    std::string const file = home.folder.makeFile("a/file", "");
+    home.folder.makeFolder("b");
+    FSRef const reference = referenceTo(file);
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        OpenItem const item = openItemAtPath(file, LinkAtEnd::IsNotFollowed).takeValue();
+        FileDescriptor const other = openPath(home.folder.path("b"), O_PATH | O_DIRECTORY).takeValue();
+        ItemTransfer const transfer{.item = item, .folder = other, .name = "moved"};
+        EXPECT_TRUE(moveItem(transfer, NameClash::IsRefused).isDone());
+    });
+    std::string const moved = home.folder.path("b/moved");
+    EXPECT_EQ(pathOf(reference), moved);
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        Result<TrashedItem, TrashProblem> const trashed = moveToTrash(moved);
+        ASSERT_TRUE(trashed.hasValue());
+        EXPECT_EQ(pathOf(reference), trashed.value().path);
+        EXPECT_TRUE(putBack(trashed.value()).hasValue());
+    });
+    EXPECT_EQ(pathOf(reference), moved);
+    withRefusedCall(SYS_renameat2, EINVAL,
+                    [&] { EXPECT_EQ(FSRenameUnicode(&reference, 7, u"renamed", 0, nullptr), noErr); });
+    EXPECT_EQ(pathOf(reference), home.folder.path("b/renamed"));
+    // The open item follows it from then on.
+    ASSERT_EQ(::rename(home.folder.path("b/renamed").c_str(), file.c_str()), 0);
+    EXPECT_EQ(pathOf(reference), file);
+}
+
+TEST(HeldItems, OfAnEarlierItemIsFoundUnderTheNameThatItGotLater) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("a/file", "");
+    std::string const other = folder.makeFolder("b") + "/other";
+    FSRef const reference = referenceTo(file);
+    ASSERT_EQ(::link(file.c_str(), other.c_str()), 0);
+    EXPECT_EQ(referenceTo(other), reference);
+    ASSERT_EQ(::unlink(file.c_str()), 0);
+    fillWithOthers(folder);
+    EXPECT_EQ(pathOf(reference), other);
 }
 
 TEST(HeldItems, MadeAgainOfALongPathIsFoundThere) {

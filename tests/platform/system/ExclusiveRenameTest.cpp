@@ -162,6 +162,47 @@ TEST_F(RenamingInSteps, TakesTheNewNameBackIfTheFirstOneCannotGo) {
     EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
 }
 
+TEST_F(RenamingInSteps, GivesTheFirstNameBackAlsoWhereNoRoomIsLeftForNames) {
+    m_folder.makeFile("file", "x");
+    std::thread([&] {
+        int const result = rename("file", "second", [] {
+            refuseCallOnThisThread(SYS_unlinkat, EACCES);
+            refuseCallOnThisThread(SYS_linkat, ENOSPC);
+        });
+        EXPECT_EQ(result, EACCES);
+    }).join();
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
+    EXPECT_EQ(contentsOf(m_folder.path("file")), "x");
+}
+
+// A server that removed the name may be asked twice, and then answers that there is none.
+TEST_F(RenamingInSteps, IsDoneWhereTheNameToRemoveIsGoneAlready) {
+    m_folder.makeFile("file", "x");
+    std::thread([&] {
+        EXPECT_EQ(rename("file", "second", [] { refuseCallOnThisThread(SYS_unlinkat, ENOENT); }), 0);
+    }).join();
+    EXPECT_NE(::access(m_folder.path("file").c_str(), F_OK), 0);
+    EXPECT_EQ(contentsOf(m_folder.path("second")), "x");
+}
+
+// Nor does it remove the new name, which may be the only one.
+TEST_F(RenamingInSteps, IsNotDoneWhereNothingCanBeSeen) {
+    m_folder.makeFile("file", "x");
+    std::thread([&] {
+        EXPECT_EQ(rename("file", "second", [] { refuseCallOnThisThread(SYS_statx, ESTALE); }), EIO);
+    }).join();
+    EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"file", "second"}));
+    std::string const other = m_folder.makeFile("other", "y");
+    std::thread([&] {
+        int const result = rename("other", "third", [&] {
+            ::unlink(other.c_str());
+            refuseCallOnThisThread(SYS_statx, ENOENT);
+        });
+        EXPECT_EQ(result, EIO);
+    }).join();
+    EXPECT_EQ(contentsOf(m_folder.path("third")), "y");
+}
+
 TEST_F(RenamingInSteps, MovesFilesWithOtherNames) {
     std::string const file = m_folder.makeFile("file", "x");
     ASSERT_EQ(::link(file.c_str(), m_folder.path("other").c_str()), 0);
