@@ -68,6 +68,8 @@ void addObjects(Meant const& meant, ModelApplication& application, TextContext c
         addObjects(one, application, context, objects);
 }
 
+bool hasForm(Value const& place, Form form) { return place.is(ValueKind::Specifier) && place.specifier().form == form; }
+
 } // namespace
 
 PropertyAnswer ModelObject::answer(Code code) {
@@ -160,11 +162,15 @@ Value ModelApplication::directOf(ApplicationCommand const& command) {
 
 Value ModelApplication::placeOf(ApplicationCommand const& command) {
     Value const* const at = command.find(codes::InsertionParameter);
-    Value place = at ? *at : command.subject;
-    auto const hasForm = [&](Form form) { return place.is(ValueKind::Specifier) && place.specifier().form == form; };
-    if (hasForm(Form::Beginning) || hasForm(Form::End)) place = Value(place.specifier().container);
-    if (hasForm(Form::Every)) place = Value(place.specifier().container);
+    Value place = containerMeantBy(at ? *at : command.subject);
+    if (hasForm(place, Form::Every)) place = Value(place.specifier().container);
     return place.isNothing() ? command.subject : place;
+}
+
+Value ModelApplication::containerMeantBy(Value const& destination) {
+    if (!hasForm(destination, Form::Beginning) && !hasForm(destination, Form::End)) return destination;
+    Value const list = destination.specifier().container;
+    return hasForm(list, Form::Every) ? list.specifier().container : list;
 }
 
 Value ModelApplication::get(Value const& specifier, Code type, TextContext const& context) {

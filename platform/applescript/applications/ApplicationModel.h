@@ -70,6 +70,8 @@ public:
     static Value directOf(ApplicationCommand const& command);
     // The container that a new object is put into: X of `at end of folders of X`, else what is being told.
     static Value placeOf(ApplicationCommand const& command);
+    // The container that something is moved or copied into: X of `to end of folders of X`, else the destination itself.
+    static Value containerMeantBy(Value const& destination);
 
 protected:
     virtual ModelPointer root() = 0;

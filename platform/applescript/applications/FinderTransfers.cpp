@@ -79,7 +79,7 @@ Value move(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     if (!to) throw missingParameter(u"to", command.term.name);
     Value const meant = ModelApplication::directOf(command);
     FinderItems const items = itemsOf(finder.objects(meant, context));
-    std::vector<ModelPointer> const place = finder.objects(*to, context);
+    std::vector<ModelPointer> const place = finder.objects(ModelApplication::containerMeantBy(*to), context);
     if (isTrash(place)) return moveToTrash(items, meant);
     std::shared_ptr<FinderItem> const folder = folderOf(place);
     NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
@@ -97,7 +97,8 @@ Value duplicate(ModelApplication& finder, Evaluator& evaluator, ApplicationComma
     Value const* const to = command.find(codes::InsertionParameter);
     Value const meant = ModelApplication::directOf(command);
     FinderItems const items = itemsOf(finder.objects(meant, context));
-    std::shared_ptr<FinderItem> const folder = to ? folderOf(finder.objects(*to, context)) : nullptr;
+    std::shared_ptr<FinderItem> const folder =
+        to ? folderOf(finder.objects(ModelApplication::containerMeantBy(*to), context)) : nullptr;
     NameClash const clash = isReplacing(command, context) ? NameClash::IsReplaced : NameClash::IsRefused;
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : items) {

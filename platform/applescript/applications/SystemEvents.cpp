@@ -187,7 +187,8 @@ Value move(ModelApplication& application, Evaluator& evaluator, ApplicationComma
     Value const* const to = command.find(codes::InsertionParameter);
     if (!to) throw missingParameter(u"to", command.term.name);
     TextContext const& context = evaluator.context();
-    std::shared_ptr<FinderItem> const folder = folderOf(application.objects(*to, context));
+    std::shared_ptr<FinderItem> const folder =
+        folderOf(application.objects(ModelApplication::containerMeantBy(*to), context));
     Value const meant = ModelApplication::directOf(command);
     std::vector<Value> answers;
     for (std::shared_ptr<FinderItem> const& item : itemsOf(application.objects(meant, context))) {

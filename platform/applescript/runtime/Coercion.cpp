@@ -152,7 +152,9 @@ std::optional<Value> listOf(Value const& value) {
 
 std::optional<Value> aliasListOf(Value const& value, TextContext const& context) {
     std::vector<Value> aliases;
-    for (Value const& item : listOf(value)->items()) {
+    // Held as long as its items are gone through: for what is no list it is a new one.
+    std::optional<Value> const whole = listOf(value);
+    for (Value const& item : whole->items()) {
         std::optional<Value> const alias = coerced(item, codeOf("alis"), context);
         if (!alias) return {};
         aliases.push_back(*alias);
