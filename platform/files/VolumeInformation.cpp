@@ -60,6 +60,7 @@ NumberTable& numberTable() {
 
 std::optional<MountedVolume> findVolume(FSVolumeRefNum number, ItemCount index) {
     std::vector<MountedVolume> volumes = mountedVolumes();
+    if (index > 0) std::erase_if(volumes, &isSystemMemory);
     if (index > 0) return index <= volumes.size() ? std::optional(std::move(volumes[index - 1])) : std::nullopt;
     auto const found = std::ranges::find(volumes, number, &numberOfVolume);
     return found == volumes.end() ? std::nullopt : std::optional(std::move(*found));

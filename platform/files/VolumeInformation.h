@@ -41,9 +41,10 @@ struct FSVolumeInfo {
 };
 
 // The volume of a number, with the index 0; or of an index from 1 on, with the number kFSInvalidVolumeRefNum: the
-// startup volume is the first. The output parameters may be null; so may the information, with an empty mask. The name
-// is in the form of HFS, empty if no HFSUniStr255 can hold it. Nothing is written on failure: errFSBadInfoBitmap for
-// bits other than those above, nsvErr, paramErr.
+// startup volume is the first. Linux: memory that the system mounts below /dev and /sys has a number, but no index. The
+// output parameters may be null; so may the information, with an empty mask. The name is in the form of HFS, empty if
+// no HFSUniStr255 can hold it. Nothing is written on failure: errFSBadInfoBitmap for bits other than those above,
+// nsvErr, paramErr.
 OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefNum* actualVolume,
                       FSVolumeInfoBitmap whichInfo, FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);
 // The URL of the volume's root.

@@ -120,6 +120,12 @@ bool isPseudoFileSystem(std::string_view fileSystem) {
     return std::ranges::find(kinds, fileSystem) != kinds.end();
 }
 
+bool isSystemMemory(MountedVolume const& volume) {
+    bool const isMemory = volume.fileSystem == "tmpfs" || volume.fileSystem == "ramfs";
+    BytePath const point(volume.mountPoint);
+    return isMemory && (point.isAtOrBelow("/dev") || point.isAtOrBelow("/sys"));
+}
+
 std::vector<MountedVolume> mountedVolumes() { return volumesOf(MountTable::current().valueOr({})); }
 
 std::vector<MountedVolume> volumesOf(MountTable const& mounts) {

@@ -33,6 +33,10 @@ struct MountedVolume {
 // Whether a file system of that kind holds no files of users, but what the kernel shows.
 bool isPseudoFileSystem(std::string_view fileSystem);
 
+// Whether the system keeps data of its own in the volume: memory below /dev or /sys. Its items have a volume like
+// others, but it is none to be listed.
+bool isSystemMemory(MountedVolume const& volume);
+
 // The startup volume first, the others by the bytes of their mount points. Mounts hidden by others and pseudo file
 // systems are left out; the startup volume is always listed. Not browsable are mounts where the system has its parts
 // (/boot, /home, /run, /tmp, ...) and mounts that only show a part of another volume once more.

@@ -9,6 +9,8 @@
 #include "tests/support/OwnProcesses.h"
 #include <algorithm>
 #include <csignal>
+#include <cstdio>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <vector>
@@ -170,6 +172,30 @@ TEST_F(RunningCopies, QuitWhenTheOneSelectedIsAskedTo) {
     EXPECT_FALSE(flag(recordOf(m_controller, willing.bundle()), "isRunning"));
     EXPECT_TRUE(flag(recordOf(m_controller, slow.bundle()), "isRunning"));
     EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(RunningCopies, AreListedAndQuitThoughTheirBundleGoesWhileTheyRun) {
+    RunningCompanion const model("willing");
+    std::string const bundle = m_folder.path("A.app");
+    std::string const renamed = m_folder.path("B.app");
+    std::filesystem::copy(text(model.bundle()), bundle, std::filesystem::copy_options::recursive);
+    mac::test::ChildProcess copy({bundle + "/Contents/Linux/Mirror Frame"});
+    ASSERT_EQ(copy.readLine(), "ready");
+    m_controller.syncIsRunningPaths();
+    EXPECT_EQ(std::ranges::count(runningPaths(), bundle), 1);
+    ASSERT_EQ(::rename(bundle.c_str(), renamed.c_str()), 0);
+    m_controller.syncIsRunningPaths();
+    EXPECT_EQ(std::ranges::count(runningPaths(), bundle), 0);
+    EXPECT_EQ(std::ranges::count(runningPaths(), renamed), 1);
+    std::filesystem::remove_all(renamed);
+    NSString const path = NSString::stringWithFileSystemRepresentation_(renamed);
+    select({path});
+    EXPECT_TRUE(flag(recordOf(m_controller, path), "isRunning"));
+    EXPECT_FALSE(flag(recordOf(m_controller, path), "exists"));
+    m_controller.quitAction_(nil);
+    EXPECT_EQ(copy.wait(), 0);
+    EXPECT_EQ(runningPaths(), std::vector<std::string>{text(model.bundle())});
     EXPECT_EQ(m_beeps, 0);
 }
 

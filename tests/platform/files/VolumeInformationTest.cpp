@@ -112,6 +112,24 @@ TEST_F(MountedVolumeNumbers, StayAsLongAsTheVolumeIsMounted) {
     EXPECT_EQ(information.flags, kFSVolFlagSoftwareLockedMask);
 }
 
+TEST_F(MountedVolumeNumbers, OfTheSystemsMemoryAreNotListedButKnown) {
+    mountMemory("/dev/shm");
+    std::string const disk = m_folder.makeFolder("disk");
+    mountMemory(disk);
+    std::set<FSVolumeRefNum> listed;
+    FSVolumeRefNum number = 0;
+    for (ItemCount index = 1;
+         FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, &number, kFSVolInfoNone, nullptr, nullptr, nullptr) == noErr;
+         ++index)
+        listed.insert(number);
+    EXPECT_TRUE(listed.contains(numberOf("/")));
+    EXPECT_TRUE(listed.contains(numberOf(disk)));
+    EXPECT_FALSE(listed.contains(numberOf("/dev/shm")));
+    FSVolumeInfo information;
+    EXPECT_EQ(FSGetVolumeInfo(numberOf("/dev/shm"), 0, nullptr, kFSVolInfoSizes, &information, nullptr, nullptr), noErr)
+        << "it has room for items";
+}
+
 TEST_F(MountedVolumeNumbers, NameNothingOnceTheVolumeHasGone) {
     std::string const place = m_folder.makeFolder("place");
     mountMemory(place);

@@ -70,6 +70,18 @@ TEST(Volumes, AreNeitherHiddenNorTheKernels) {
               (Texts{"/", "/mnt/a"}));
 }
 
+TEST(Volumes, AreMemoryOfTheSystemsBelowTheKernelsFoldersOnly) {
+    Texts memory;
+    for (MountedVolume const& volume : volumesIn("2 1 0:23 / /dev/shm rw - tmpfs tmpfs rw\n"
+                                                 "3 1 0:24 / /sys/fs/cgroup ro - tmpfs tmpfs ro\n"
+                                                 "4 1 0:25 / /dev/lock rw - ramfs none rw\n"
+                                                 "5 1 8:2 / /dev/disk rw - ext4 /dev/sda2 rw\n"
+                                                 "6 1 0:26 / /mnt/memory rw - tmpfs tmpfs rw\n"
+                                                 "7 1 0:27 / /devices rw - tmpfs tmpfs rw\n"))
+        if (isSystemMemory(volume)) memory.push_back(volume.mountPoint);
+    EXPECT_EQ(memory, (Texts{"/dev/lock", "/dev/shm", "/sys/fs/cgroup"}));
+}
+
 TEST(Volumes, OfTheSystemAreNotForBrowsing) {
     Volumes const volumes = volumesIn("2 1 8:2 / /boot/efi rw - vfat d rw\n"
                                       "3 1 8:3 / /home rw - ext4 d rw\n"
