@@ -68,7 +68,7 @@ bool pxSetFileModificationDate_creationDate_(NSString receiver, NSDate modificat
 // Gives the item itself the settable catalog information of the model, and unlocks it.
 bool pxSetFileAttributesFrom_(NSString receiver, NSString model);
 // Gives the item the model's extended attributes but those with a key in the collection, which may be nil; NO if one
-// could not be set, after the rest.
+// could not be read or set, after the rest.
 bool pxSetExtendedFileAttributesFrom_skipKeys_(NSString receiver, NSString model, id skipKeys);
 // Gives the item those of the model's file attributes that have one of the keys.
 bool pxSetFileAttributes_from_(NSString receiver, NSArray keys, NSString model);

@@ -3,9 +3,11 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
+#include "platform/files/ExtendedAttributes.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSSet.h"
+#include <cerrno>
 
 // Protecting and dating items, and giving them another one's attributes.
 
@@ -19,6 +21,16 @@ constexpr unsigned OwnerWriteBit = 0200;
 bool skips(id const& keys, id const& key) {
     NSArray const array = as<NSArray>(keys);
     return array == nil ? as<NSSet>(keys).containsObject_(key) : array.containsObject_(key);
+}
+
+// Asked where there is no data for a key: false for an attribute that is empty or not there, as the file system itself
+// says so.
+bool hasUnreadableData(NSString const& path, NSString const& key) {
+    std::optional<std::string> const bytes = path.fileSystemRepresentation();
+    std::optional<std::string> const name = key.fileSystemRepresentation();
+    if (!bytes || !name) return false;
+    std::ptrdiff_t const length = getxattr(bytes->c_str(), name->c_str(), {}, 0, 0, 0);
+    return length > 0 || (length < 0 && errno != ENODATA);
 }
 
 } // namespace
@@ -68,7 +80,10 @@ bool pxSetExtendedFileAttributesFrom_skipKeys_(NSString receiver, NSString model
         NSString const key = as<NSString>(object);
         if (skips(skipKeys, key)) continue;
         NSData const data = pxExtendedAttributeDataForKey_(model, key);
-        if (!(data == nil)) isDone = pxSetExtendedAttributeData_forKey_(receiver, data, key) && isDone;
+        if (!(data == nil))
+            isDone = pxSetExtendedAttributeData_forKey_(receiver, data, key) && isDone;
+        else if (hasUnreadableData(model, key))
+            isDone = false;
     }
     return isDone;
 }

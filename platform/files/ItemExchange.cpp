@@ -9,6 +9,7 @@
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemRename.h"
 #include "platform/system/items/KeptCreationDate.h"
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -86,6 +87,8 @@ struct Side {
     NamesMetadata metadata{};
     bool isLink{false};
     std::optional<OpenSidecar> sidecar{};
+    // When the sidecar was changed.
+    timespec sidecarDate{};
 };
 
 Result<Side> sideOf(OpenItem const& item) {
@@ -101,8 +104,19 @@ Result<Side> sideOf(OpenItem const& item) {
     if (!metadata.hasValue()) return metadata.problem();
     Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    return Side{.item = item, .metadata = metadata.takeValue(), .sidecar = sidecar.takeValue()};
+    Side side{.item = item, .metadata = metadata.takeValue(), .sidecar = sidecar.takeValue()};
+    if (!side.sidecar) return side;
+    struct stat beside {};
+    if (::fstat(side.sidecar->file.number(), &beside) != 0) return lastSystemError("stat", side.sidecar->name);
+    side.sidecarDate = beside.st_mtim;
+    return side;
 }
+
+enum class SidecarFiles {
+    AreThoseBefore,
+    // Attributes were written and given back, which makes new files where the file system has no attributes.
+    MayBeNew,
+};
 
 class Exchange {
 public:
@@ -115,7 +129,9 @@ private:
     Result<void> told(ExchangeStep step) const { return m_steps ? m_steps(step) : Result<void>(); }
     Result<void> exchangeItemNames() const;
     Result<void> exchangeSidecars() const;
-    Result<void> exchangeSidecarsBack() const;
+    Result<void> exchangeSidecarsBack(SidecarFiles files) const;
+    Result<void> confirmSidecar(Side const& moved, Side const& place, SidecarFiles files) const;
+    Result<void> takeNewSidecar(Side const& moved, Side const& place) const;
     Result<void> takeBack() const;
     Result<void> exchangeMetadata() const;
     Result<OpenItem> openMoved(Side const& moved, Side const& place) const;
@@ -170,14 +186,33 @@ Result<void> Exchange::exchangeSidecars() const {
     return {};
 }
 
-Result<void> Exchange::exchangeSidecarsBack() const {
+// Done if the sidecar at the place is that of the item that has moved there, or if both have none. It gets its date
+// back.
+Result<void> Exchange::takeNewSidecar(Side const& moved, Side const& place) const {
+    if (Result<void> const there = isAt(place, moved); !there.isDone()) return there;
+    Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(place.item.folder, place.item.name);
+    if (!sidecar.hasValue()) return sidecar.problem();
+    if (sidecar.value().has_value() != moved.sidecar.has_value()) return problem(ESTALE, place.item.name);
+    if (!sidecar.value()) return {};
+    std::array<timespec, 2> const times{timespec{0, UTIME_OMIT}, moved.sidecarDate};
+    if (::utimensat(sidecar.value()->file.number(), "", times.data(), AT_EMPTY_PATH) != 0)
+        return lastSystemError("utimensat", sidecar.value()->name);
+    return {};
+}
+
+Result<void> Exchange::confirmSidecar(Side const& moved, Side const& place, SidecarFiles files) const {
+    if (files == SidecarFiles::MayBeNew && !moved.isLink) return takeNewSidecar(moved, place);
+    if (!moved.sidecar) return {};
+    return confirmItemInFolder(place.item.folder, AppleDoubleSidecar::nameFor(place.item.name), moved.sidecar->file);
+}
+
+Result<void> Exchange::exchangeSidecarsBack(SidecarFiles files) const {
     std::string const firstName = AppleDoubleSidecar::nameFor(m_first.item.name);
     std::string const secondName = AppleDoubleSidecar::nameFor(m_second.item.name);
     NameInFolder const first{m_first.item.folder, firstName};
     NameInFolder const second{m_second.item.folder, secondName};
-    Result<void> back;
-    if (m_first.sidecar) back = confirmItemInFolder(second.folder, second.name, m_first.sidecar->file);
-    if (back.isDone() && m_second.sidecar) back = confirmItemInFolder(first.folder, first.name, m_second.sidecar->file);
+    Result<void> back = confirmSidecar(m_first, m_second, files);
+    if (back.isDone()) back = confirmSidecar(m_second, m_first, files);
     if (!back.isDone()) return notBack(back.problem(), firstName);
     if (m_first.sidecar && m_second.sidecar)
         back = exchangeNames(first, second);
@@ -217,8 +252,9 @@ Result<void> Exchange::run() const {
     if (done.isDone()) done = exchangeSidecars();
     if (done.isDone()) {
         done = told(ExchangeStep::SidecarsFollowed);
+        SidecarFiles const files = done.isDone() ? SidecarFiles::MayBeNew : SidecarFiles::AreThoseBefore;
         if (done.isDone()) done = exchangeMetadata();
-        Result<void> const back = done.isDone() ? done : exchangeSidecarsBack();
+        Result<void> const back = done.isDone() ? done : exchangeSidecarsBack(files);
         // The resource forks stay with the contents.
         if (!back.isDone()) return back;
     }

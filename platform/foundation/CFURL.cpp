@@ -74,7 +74,7 @@ Component componentOf(URLParts const& parts, CFURLComponentType component) {
 }
 
 // From the end of the part before, or the beginning, to the start of the part behind.
-URLRange withSeparators(URLParts const& parts, URLRange range) {
+URLRange withSeparators(URLParts const& parts, CFURLComponentType component, URLRange range) {
     std::array const all{parts.scheme,     parts.user,  parts.password,
                          parts.host,       parts.port,  std::optional(parts.path),
                          parts.parameters, parts.query, parts.fragment};
@@ -83,6 +83,8 @@ URLRange withSeparators(URLParts const& parts, URLRange range) {
         bool const isBefore = part && part->end <= range.start && part->start < range.start;
         if (isBefore) result.start = part->end;
     }
+    // The separator of an empty port is not the path's.
+    if (component == kCFURLComponentPath && parts.port) result.start = std::max(result.start, parts.port->end);
     for (std::optional<URLRange> const& part : all) {
         bool const isBehind = part && part->start >= range.end && part->end > range.end;
         if (isBehind) return {result.start, part->start};
@@ -130,7 +132,7 @@ CFRange CFURLGetByteRangeForComponent(CFURLRef const& url, CFURLComponentType co
     Component const found = componentOf(parts, component);
     if (rangeIncludingSeparators)
         *rangeIncludingSeparators =
-            asBytes(found.range ? withSeparators(parts, *found.range) : URLRange{found.place, found.place});
+            asBytes(found.range ? withSeparators(parts, component, *found.range) : URLRange{found.place, found.place});
     return found.range ? asBytes(*found.range) : CFRange{kCFNotFound, 0};
 }
 

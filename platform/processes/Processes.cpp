@@ -1,7 +1,7 @@
 #include "platform/processes/Processes.h"
 #include "platform/desktop/FrontProcess.h"
-#include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/processes/ProcessBundles.h"
 #include "platform/processes/RecentFileBrowser.h"
 #include "platform/processes/SerialNumbers.h"
 #include "platform/system/processes/ProcessList.h"
@@ -24,6 +24,7 @@ public:
     void begin() {
         m_fileBrowser.forget();
         m_processes = m_known.list();
+        m_bundles.keepOnly(m_processes);
         m_hasBegun = true;
     }
     void beginOnce() {
@@ -39,10 +40,12 @@ public:
     }
 
     std::optional<RunningProcess> process(ProcessIdentity const& identity) const { return m_known.read(identity); }
+    ProcessBundle bundleOf(RunningProcess const& process) { return m_bundles.bundleOf(process); }
     std::optional<FileBrowser> const& fileBrowser() { return m_fileBrowser.get(); }
 
 private:
     KnownProcesses m_known;
+    ProcessBundles m_bundles;
     RecentFileBrowser m_fileBrowser;
     std::vector<ProcessIdentity> m_processes;
     bool m_hasBegun{false};
@@ -64,21 +67,6 @@ struct InformationKeys {
         return keys;
     }
 };
-
-void addText(NSMutableDictionary const& information, NSString const& key, id const& value) {
-    NSString const text = as<NSString>(value);
-    if (text != nil) information.setObject_forKey_(text, key);
-}
-
-void addBundle(NSMutableDictionary const& information, std::string_view bundlePath) {
-    InformationKeys const& keys = InformationKeys::shared();
-    information.setObject_forKey_(pathString(bundlePath), keys.bundlePath);
-    NSBundle const bundle = NSBundle::bundleWithPath_(pathString(bundlePath));
-    addText(information, keys.identifier, bundle.bundleIdentifier());
-    addText(information, keys.name, bundle.objectForInfoDictionaryKey_(keys.name));
-    addText(information, "FileType", bundle.objectForInfoDictionaryKey_("CFBundlePackageType"));
-    addText(information, "FileCreator", bundle.objectForInfoDictionaryKey_("CFBundleSignature"));
-}
 
 NSNumber boxed(ProcessSerialNumber const& psn) {
     return NSNumber::numberWithUnsignedLongLong_(std::bit_cast<std::uint64_t>(psn));
@@ -145,18 +133,18 @@ NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, st
     Walk& walk = Walk::current();
     std::optional<RunningProcess> const process = identity ? walk.process(*identity) : std::nullopt;
     if (!process) return nil;
-    std::string const program = programOf(*process);
-    std::string_view const bundlePath = bundleHolding(program);
-    NSString const executable = pathString(bundlePath.empty() ? process->executable : program);
+    ProcessBundle const bundle = walk.bundleOf(*process);
+    NSString const executable = pathString(bundle.path.empty() ? process->executable : bundle.program);
     InformationKeys const& keys = InformationKeys::shared();
     NSMutableDictionary const information = NSMutableDictionary::dictionary();
     information.setObject_forKey_(boxed(serialNumberOf(*identity)), keys.psn);
     information.setObject_forKey_(NSNumber::numberWithInt_(identity->pid), keys.pid);
     information.setObject_forKey_(executable, keys.executable);
     information.setObject_forKey_(executable.lastPathComponent(), keys.name);
-    if (!bundlePath.empty()) addBundle(information, bundlePath);
+    if (!bundle.path.empty()) information.setObject_forKey_(pathString(bundle.path), keys.bundlePath);
+    if (bundle.information != nil) information.addEntriesFromDictionary_(bundle.information);
     std::optional<FileBrowser> const& browser = walk.fileBrowser();
-    if (browser && isFileBrowser(*browser, program, *identity)) {
+    if (browser && isFileBrowser(*browser, bundle.program, *identity)) {
         information.setObject_forKey_("com.apple.finder", keys.identifier);
         information.setObject_forKey_(pathString(browser->application.name), keys.name);
     }

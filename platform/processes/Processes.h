@@ -65,7 +65,9 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // path of the program; of a script in a bundle that a common interpreter runs, the script's) and "CFBundleName"; when
 // it runs from a bundle, also "BundlePath", and "CFBundleIdentifier", "FileType" and "FileCreator" as its information
 // file has them. A program that was renamed while it runs, or a folder above it, is known by its new path, one that was
-// replaced or deleted by its last. All of it is read anew each time. Nil when no such process runs. Linux: the
+// deleted by its last; a script that its interpreter does not keep open is found again under a new name in its folder.
+// All of it is read anew each time; of a bundle that is gone, or has made room for another one, it is what was read
+// while the process ran from it, and no identifier where nobody did. Nil when no such process runs. Linux: the
 // desktop's file browser, that is the default application for folders, is "com.apple.finder" in this user's session;
 // which one that is, is looked up once a walk and once a second.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);

@@ -172,6 +172,7 @@ std::vector<FaultPoint> Campaign::pointsOf(Operation const& operation, Volume vo
     std::uint32_t const count = std::min<std::uint32_t>(m_shared->record.count, CallRecord::Most);
     for (std::uint32_t at = 0; at < count; ++at) {
         FaultPoint const here{.volume = volume, .at = at};
+        if (!m_options.call.empty() && m_options.call != m_shared->record.names[at]) continue;
         auto const add = [&](Action action, FaultPoint point) {
             point.action = action;
             points.push_back(std::move(point));

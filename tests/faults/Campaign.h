@@ -59,6 +59,8 @@ struct CampaignOptions {
     bool hasKills{true};
     bool hasExchanges{true};
     bool hasPowerLoss{true};
+    // Faults and kills at calls of this name only; at all if empty.
+    std::string call{};
     // An operation's other points are left out once it has broken this promise.
     std::optional<Promise> until{};
     // Of each operation that has names to exchange.

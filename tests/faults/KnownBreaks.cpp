@@ -17,31 +17,19 @@ std::vector<KnownBreak> const& knownBreaks() {
     constexpr std::string_view aside =
         "what could not be removed of the replaced item keeps the temporary name that the error tells";
     constexpr std::string_view placeholder = "a link to the item has the new name until the item has it";
-    constexpr std::string_view reading = "an attribute of the model that cannot be read counts as none";
-    constexpr std::string_view dated = "the sidecar's old contents come back with a new date";
     constexpr std::string_view both = "a file whose first name cannot go keeps both where renaming takes steps";
-    constexpr std::string_view unexplained =
-        "not all is taken back where attributes lie in sidecars; not yet explained";
     static std::vector<KnownBreak> const rows{
         {"", AnswerIsTrue, Fail, "fchown", everywhere, owners},
         {"", ItemIsWhole, Fail, "fchown", everywhere, owners},
-        {"", AnswerIsTrue, Fail, "fsetxattr", everywhere, beside},
-        {"to a second volume", ItemIsWhole, Fail, "fsetxattr", everywhere, beside},
         {"", AnswerIsTrue, Fail, "setxattr", everywhere, beside},
         {"", ItemIsWhole, Fail, "setxattr", everywhere, owners},
         {"put back", AnswerIsTrue, Fail, "unlinkat", everywhere, record},
         {"empty the trash", AnswerIsTrue, Fail, "unlinkat", everywhere, record},
-        {"take over the attributes", AnswerIsTrue, Fail, "getxattr", everywhere, reading},
-        {"the sidecar", AnswerIsTrue, Fail, "fsync", everywhere, dated},
-        {"add a large attribute to the sidecar", ItemIsWhole, Fail, "fsync", everywhere, dated},
         {"into a folder and replace", NoLeftovers, Fail, "any", everywhere, aside},
         {"into a folder and replace", NoLeftovers, Kill, "any", everywhere, aside},
-        {"exchange two files with sidecars", AnswerIsTrue, Fail, "fstat", everywhere, unexplained},
-        {"exchange two files with sidecars", AnswerIsTrue, Fail, "fcntl", everywhere, unexplained},
         {"into a folder and replace", ItemIsWhole, Kill, "any", everywhere, aside},
         {"into a folder and replace", ItemIsWhole, Fail, "any", everywhere, aside},
         {"and replace", ItemIsWhole, Fail, "unlinkat", everywhere, both},
-        {"and replace", ItemIsWhole, Fail, "renameat", everywhere, both},
         {"", ItemIsWhole, Kill, "any", inSteps, placeholder},
     };
     return rows;

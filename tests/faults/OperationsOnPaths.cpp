@@ -1,9 +1,15 @@
 #include "pathutils/AliasesAndContents.h"
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FileOperations.h"
+#include "pathutils/FinderMetadata.h"
+#include "platform/files/FileOperations.h"
 #include "platform/foundation/NSArray.h"
+#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSFileAttributes.h"
 #include "tests/faults/Operations.h"
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
 
 // What the library does with the item at a path. Where a step fails, what was done before it stays done.
 
@@ -84,6 +90,42 @@ bool changeCase(Fixture const& fixture) { return pxRenameTo_keepExtension_(pathA
 
 bool makeAliasFile(Fixture const& fixture) {
     return pxCreateAliasFileWithContent_(pathAt(fixture, "w/alias"), NSData::dataWithBytes_length_("record", 6));
+}
+
+void makeWithSidecar(Fixture const& fixture) {
+    makeItem(fixture);
+    fixture.makeSidecar("w", "x");
+}
+
+bool deleteObject(Fixture const& fixture) {
+    FSRef ref{};
+    return KRPathGetFSRef_traverseLink_(pathAt(fixture, "w/x"), &ref, NO) && FSDeleteObject(&ref) == noErr;
+}
+
+// What was found for an alias whose record describes an item that is there no more: its path, and whether a renewed
+// record leads to the same, so that the disk shows what was answered.
+bool findAndRenew(Fixture const& fixture, NSData const& alias) {
+    NSData renewed;
+    NSString const path = pxPathOfAliasDataChangedAlias_(alias, &renewed);
+    if (path == nil) return false;
+    NSString const again = renewed == nil ? NSString("no renewed record") : pxPathOfAliasData(renewed);
+    if (again == nil) return false;
+    NSString const found = path.stringByAppendingString_("\n").stringByAppendingString_(again);
+    return found.dataUsingEncoding_(NSUTF8StringEncoding).writeToFile_atomically_(pathAt(fixture, "w/found"), YES);
+}
+
+// Another file takes the place of the alias's.
+Operation renewingAlias(Operation operation) {
+    std::shared_ptr<NSData> const alias = std::make_shared<NSData>();
+    operation.prepare = [alias](Fixture const& fixture) {
+        makeItem(fixture);
+        *alias = pxAliasDataOfPath(pathAt(fixture, "w/x"));
+        fixture.makeFile("w/new", "new");
+        if (std::rename(fixture.path("w/new").c_str(), fixture.path("w/x").c_str()) != 0)
+            throw std::runtime_error("w/x cannot be replaced");
+    };
+    operation.run = [alias](Fixture const& fixture) { return findAndRenew(fixture, *alias); };
+    return operation;
 }
 
 bool makeFolders(Fixture const& fixture) { return pxCreateFolder(pathAt(fixture, "w/new/inner")); }
@@ -197,6 +239,17 @@ std::vector<Operation> pathOperations() {
          .items = {kept},
          .exchangedWays = {"w"},
          .failure = Failure::LeavesSomeFields},
+        renewingAlias({.name = "path: find an alias and renew its record", .items = {kept}, .exchangedWays = {"w"}}),
+        {.name = "delete an object with its sidecar",
+         .prepare = makeWithSidecar,
+         .run = deleteObject,
+         .items = {{"w/x", ""}, {"w/._x", ""}},
+         .exchanged = {"w/x", "w/._x"}},
+        {.name = "delete an empty folder",
+         .prepare = [](Fixture const& fixture) { fixture.makeFolder("w/x"); },
+         .run = deleteObject,
+         .items = {{"w/x", ""}},
+         .exchanged = Exchanges},
         {.name = "path: make folders",
          .prepare = makeItem,
          .run = makeFolders,

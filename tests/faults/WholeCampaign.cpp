@@ -27,6 +27,7 @@ struct Arguments {
     std::cerr << "faults_campaign: not understood: " << argument << "\n"
               << "usage: faults_campaign FOLDER [--second FOLDER] [--operation PART-OF-NAME] [--stride N [--part N]]\n"
               << "                       [--seed N] [--only faults|kills|exchanges|power-loss|races] [--races N]\n"
+              << "                       [--call NAME-OF-SYSTEM-CALL]\n"
               << "FOLDER is emptied.\n";
     std::exit(2);
 }
@@ -65,6 +66,8 @@ Arguments read(int count, char** texts) {
             arguments.options.part = numberOf<unsigned>(value);
         else if (name == "--seed")
             arguments.options.seed = numberOf<std::uint64_t>(value);
+        else if (name == "--call")
+            arguments.options.call = value;
         else if (name == "--races")
             arguments.options.races = numberOf<unsigned>(value);
         else if (name == "--only")

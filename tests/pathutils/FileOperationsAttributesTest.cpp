@@ -8,10 +8,13 @@
 #include "tests/support/FileLocks.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -171,6 +174,18 @@ TEST_F(FileOperationsAttributes, OneExtendedAttributeThatCannotBeSetIsNo) {
     EXPECT_TRUE(pxSetExtendedFileAttributesFrom_skipKeys_(at("file"), at("none"), nil));
     EXPECT_TRUE(pxSetExtendedFileAttributesFrom_skipKeys_(at("file"), nil, nil));
     EXPECT_FALSE(pxSetExtendedFileAttributesFrom_skipKeys_(nil, at("model"), nil));
+}
+
+TEST_F(FileOperationsAttributes, AnExtendedAttributeThatCannotBeReadIsNo) {
+    ASSERT_TRUE(pxSetExtendedAttributeData_forKey_(at("model"), bytes("1"), "one"));
+    withRefusedCall(SYS_getxattr, EIO, [this] {
+        EXPECT_FALSE(pxSetExtendedFileAttributesFrom_skipKeys_(at("file"), at("model"), nil));
+        EXPECT_TRUE(
+            pxSetExtendedFileAttributesFrom_skipKeys_(at("file"), at("model"), NSArray::arrayWithObject_("one")));
+    });
+    withRefusedCall(SYS_getxattr, ENODATA, [this] {
+        EXPECT_TRUE(pxSetExtendedFileAttributesFrom_skipKeys_(at("file"), at("model"), nil)) << "it has gone since";
+    });
 }
 
 TEST_F(FileOperationsAttributes, ALockIsNotTakenWithTheExtendedAttributes) {

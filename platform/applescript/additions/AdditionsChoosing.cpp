@@ -91,8 +91,7 @@ Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments)
     for (InstalledProgram const& program : installedPrograms())
         request.items.push_back(program.name);
     std::ranges::sort(request.items, {}, &foldedName);
-    auto const repeated = std::ranges::unique(request.items);
-    request.items.erase(repeated.begin(), repeated.end());
+    request.items.erase(std::unique(request.items.begin(), request.items.end()), request.items.end());
     std::optional<std::vector<std::size_t>> const chosen = interface.chooseFromList(request);
     if (!chosen || chosen->empty()) throw plainError(errors::UserCanceled);
     Value const* const type = arguments.find(codeOf("rtyp"));

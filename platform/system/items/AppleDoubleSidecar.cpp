@@ -69,6 +69,12 @@ std::optional<AppleDouble> beginningBeside(FoundFile const& found) {
     return std::nullopt;
 }
 
+Result<void> setModified(FileDescriptor const& file, timespec date) {
+    std::array<timespec, 2> const times{timespec{0, UTIME_OMIT}, date};
+    if (::futimens(file.number(), times.data()) != 0) return lastSystemError("utimensat");
+    return {};
+}
+
 Result<std::vector<std::byte>> valueIn(AppleDouble const& contents, std::string_view name) {
     std::optional<std::span<std::byte const>> const value = contents.valueOf(name);
     if (value) return std::vector<std::byte>(value->begin(), value->end());
@@ -118,7 +124,14 @@ Result<void> AppleDoubleSidecar::remove() const {
     return {};
 }
 
-Result<void> AppleDoubleSidecar::save() const {
+std::optional<timespec> AppleDoubleSidecar::modified() const {
+    if (!m_status) return std::nullopt;
+    constexpr std::int64_t inSecond = 1'000'000'000;
+    std::int64_t const nanoseconds = (m_status->modified % inSecond + inSecond) % inSecond;
+    return timespec{(m_status->modified - nanoseconds) / inSecond, nanoseconds};
+}
+
+Result<void> AppleDoubleSidecar::save(std::optional<timespec> modified) const {
     if (m_state == State::Unreadable) return m_problem;
     if (!isWritable()) return SystemError{.code = EEXIST, .operation = "rename", .item = m_name};
     if (Result<void> const there = confirmItemInFolder(m_item.folder, m_item.name, m_item.item); !there.isDone())
@@ -126,8 +139,9 @@ Result<void> AppleDoubleSidecar::save() const {
     if (contents.isEmpty()) return remove();
     std::optional<std::vector<std::byte>> const bytes = contents.written();
     if (!bytes || bytes->size() > LargestFile) return SystemError{.code = E2BIG, .operation = "write", .item = m_name};
-    Result<void> const replaced = replaceFileInFolder(
-        m_item.folder, m_name, *bytes, {.newFileIsLike = &m_item.item, .hasToBe = true, .state = m_status});
+    FileReplacement how{.newFileIsLike = &m_item.item, .hasToBe = true, .state = m_status};
+    if (modified) how.beforeFlushing = [&](FileDescriptor const& file) { return setModified(file, *modified); };
+    Result<void> const replaced = replaceFileInFolder(m_item.folder, m_name, *bytes, how);
     if (replaced.isDone() || !replaced.problem().is(EEXIST)) return replaced;
     return SystemError{.code = EAGAIN, .operation = "rename", .item = m_name};
 }

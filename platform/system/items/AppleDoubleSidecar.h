@@ -3,6 +3,7 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/items/AppleDouble.h"
 #include "platform/system/items/OpenItem.h"
+#include <ctime>
 #include <mutex>
 #include <optional>
 
@@ -36,8 +37,11 @@ public:
 
     // Replaces the file atomically by the contents, or removes it if they are empty. A new file has the item's owner,
     // group and permissions. ESTALE: the item has lost its name; EAGAIN: another process has changed or made the file
-    // since it was read.
-    Result<void> save() const;
+    // since it was read. A new file has the date of modification `modified` if there is one.
+    Result<void> save(std::optional<timespec> modified = {}) const;
+
+    // When the file was changed that was read; nullopt if none was.
+    std::optional<timespec> modified() const;
 
     static constexpr std::string_view namePrefix = "._";
     // The name of the sidecar of an item of that name, in the same folder.

@@ -110,10 +110,11 @@ void AttributeChange::takeBack(AppleDouble contents) const {
     if (isWritten) restoreSidecar(std::move(contents));
 }
 
+// The sidecar as it was read, with its date.
 void AttributeChange::restoreSidecar(AppleDouble contents) const {
     AppleDoubleSidecar sidecar(m_item);
     sidecar.contents = std::move(contents);
-    static_cast<void>(sidecar.save());
+    static_cast<void>(sidecar.save(m_sidecar.modified()));
 }
 
 // The sidecar's value goes first, so that no older value appears when the file system's goes. An item that cannot be

@@ -1,6 +1,7 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/processes/ProcessList.h"
 #include "platform/system/processes/ProcessStatus.h"
+#include "platform/system/processes/ProgramFile.h"
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -19,8 +20,6 @@
 namespace mac {
 
 namespace {
-
-constexpr std::string_view DeletedMark = " (deleted)";
 
 constexpr std::uint64_t NanosecondsPerSecond = 1'000'000'000;
 
@@ -67,16 +66,7 @@ private:
     std::array<char, 32> m_path{"/proc/"};
 };
 
-std::optional<std::string> executableOf(std::int32_t pid) {
-    std::array<char, 4096> buffer;
-    ssize_t const size = ::readlink(ProcessPath(pid, "/exe").text(), buffer.data(), buffer.size());
-    if (size <= 0 || static_cast<std::size_t>(size) == buffer.size()) return std::nullopt;
-    std::string path(buffer.data(), static_cast<std::size_t>(size));
-    // A file may be called so itself.
-    if (path.ends_with(DeletedMark) && ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0)
-        path.resize(path.size() - DeletedMark.size());
-    return path;
-}
+std::optional<std::string> executableOf(std::int32_t pid) { return pathBehind(ProcessPath(pid, "/exe").text()); }
 
 std::optional<std::uint64_t> startOf(std::int32_t pid) {
     FileDescriptor const file(::open(ProcessPath(pid, "/stat").text(), O_RDONLY | O_CLOEXEC));

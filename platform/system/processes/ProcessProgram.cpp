@@ -1,13 +1,11 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/processes/ProcessList.h"
+#include "platform/system/processes/ProgramFile.h"
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <fcntl.h>
-#include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace mac {
 
@@ -54,20 +52,9 @@ std::optional<std::vector<std::string>> textsIn(std::string const& path) {
 
 std::string processPath(std::int32_t pid, char const* name) { return "/proc/" + std::to_string(pid) + "/" + name; }
 
-std::optional<std::string> resolved(std::string const& path) {
-    std::unique_ptr<char, decltype(&::free)> const real(::realpath(path.c_str(), nullptr), &::free);
-    struct ::stat status {};
-    if (!real || ::stat(real.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-    return std::string(real.get());
-}
-
 std::optional<std::string> scriptOf(RunningProcess const& process) {
-    if (!isInterpreter(process.executable)) return std::nullopt;
-    std::int32_t const pid = process.identity.pid;
-    std::vector<std::string> const words = argumentsOf(pid).value_or(std::vector<std::string>());
-    std::optional<std::string> const word = scriptInCommand(process.executable, words);
-    if (!word || word->empty()) return std::nullopt;
-    std::optional<std::string> script = resolved(word->front() == '/' ? *word : processPath(pid, "cwd/") + *word);
+    std::optional<std::string> const called = calledScript(process);
+    std::optional<std::string> script = called ? resolvedFile(*called) : std::nullopt;
     // What was read is that process's only while it runs.
     return script && runningProcess(process.identity) ? std::move(script) : std::nullopt;
 }

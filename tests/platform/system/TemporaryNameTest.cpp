@@ -2,7 +2,9 @@
 #include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include <cerrno>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,6 +23,28 @@ TemporaryOwner endedProcess() {
     ::waitpid(owner.pid, nullptr, 0);
     return owner;
 }
+
+// A child that runs until the object goes.
+class RunningChild {
+public:
+    RunningChild() : m_pid(::fork()) {
+        if (m_pid != 0) return;
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        for (;;)
+            ::pause();
+    }
+    ~RunningChild() {
+        ::kill(m_pid, SIGKILL);
+        ::waitpid(m_pid, nullptr, 0);
+    }
+    RunningChild(RunningChild const&) = delete;
+    RunningChild& operator=(RunningChild const&) = delete;
+
+    pid_t pid() const { return m_pid; }
+
+private:
+    pid_t m_pid;
+};
 
 TEST(TemporaryName, TellsWhoMadeIt) {
     std::string const name = temporaryName().value();
@@ -87,8 +111,12 @@ TEST(TemporaryName, DoesNotTakeAProcessForEndedThatItCannotSee) {
 }
 
 TEST(TemporaryName, DoesNotBelieveAListOfProcessesThatIsNotItsOwn) {
+    RunningChild const child;
+    ASSERT_GT(child.pid(), 0);
+    // The child cannot have started before this process; both may have started within one tick of the clock.
     TemporaryOwner other = TemporaryOwner::current();
-    other.pid = ::getppid();
+    other.pid = child.pid();
+    --other.startTime;
     EXPECT_EQ(stateOf(other, ThisComputerOnly), OwnerState::HasEnded) << "it started at another time";
     TemporaryOwner onAnotherClock = other;
     ++onAnotherClock.timeNamespace;
