@@ -40,7 +40,7 @@ constexpr auto Rows = std::to_array<AdditionRow>({
     {eventOf("sysochur"), additions::chooseURL, true},     {eventOf("sysoppcb"), additions::chooseApplication, true},
     {eventOf("aevtstvl"), additions::setVolume, true},     {eventOf("sysogtvl"), additions::volumeSettings, true},
     {eventOf("sysoload"), additions::loadScript, true},    {eventOf("JonsiClp"), additions::clipboardInfo, true},
-    {eventOf("GURLGURL"), refuseInteraction, false},
+    {eventOf("sysostor"), additions::storeScript, true},   {eventOf("GURLGURL"), refuseInteraction, false},
 });
 
 } // namespace

@@ -40,6 +40,7 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsScripts.cpp
 Value loadScript(Evaluator& evaluator, CommandArguments const& arguments);
+Value storeScript(Evaluator& evaluator, CommandArguments const& arguments);
 
 // AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
 Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments);

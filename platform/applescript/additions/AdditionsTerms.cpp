@@ -108,6 +108,11 @@ constexpr auto RunScript = std::to_array<CommandParameter>({
     {.label = u"with parameters", .code = codeOf("plst")},
     {.label = u"in", .code = codeOf("dsct")},
 });
+constexpr auto ReplacingAnswers =
+    std::to_array<Enumerator>({{u"yes", codeOf("yes ")}, {u"no", codeOf("no  ")}, {u"ask", codeOf("ask ")}});
+constexpr auto StoreScript =
+    std::to_array<CommandParameter>({{.label = u"in", .code = codeOf("fpth")},
+                                     {.label = u"replacing", .code = codeOf("savo"), .enumerators = ReplacingAnswers}});
 constexpr auto Clipboard = std::to_array<CommandParameter>({{.label = u"as", .code = codeOf("rtyp")}});
 constexpr auto SystemAttribute = std::to_array<CommandParameter>({{.label = u"has", .code = codeOf("has ")}});
 constexpr auto LocalizedString = std::to_array<CommandParameter>(
@@ -201,6 +206,7 @@ constexpr auto AdditionCommands = std::to_array<CommandTerm>({
     {.name = u"set eof", .code = eventOf("rdwrseof"), .direct = RequiredDirect, .parameters = SetEnd},
     {.name = u"run script", .code = eventOf("sysodsct"), .direct = RequiredDirect, .parameters = RunScript},
     {.name = u"load script", .code = eventOf("sysoload"), .direct = RequiredDirect},
+    {.name = u"store script", .code = eventOf("sysostor"), .direct = OptionalDirect, .parameters = StoreScript},
     {.name = u"system attribute", .code = eventOf("fndrgstl"), .direct = OptionalDirect, .parameters = SystemAttribute},
     {.name = u"system info", .code = eventOf("sysosigt")},
     {.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = RequiredDirect},

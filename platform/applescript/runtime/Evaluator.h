@@ -59,6 +59,8 @@ public:
     TextContext& context() { return m_state.text; }
     EngineState& state() { return m_state; }
     RunOptions const& options() const { return m_options; }
+    // The script that `me` means in the statement that runs.
+    Value currentScript() const { return m_frame->me; }
     // Throws ScriptStopped when the run is to end; the first looks only now and then.
     void checkpoint();
     static void stopIfAsked();

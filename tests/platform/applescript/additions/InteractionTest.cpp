@@ -102,6 +102,24 @@ TEST(Interaction, ADialogGivesUp) {
     EXPECT_EQ(sourceOrErrorOf(u"display dialog \"a\" giving up after 2"), "{button returned:\"OK\", gave up:false}");
 }
 
+TEST(Interaction, AsksBeforeAScriptReplacesAFile) {
+    Person person;
+    ScriptHome const home;
+    home.folder().makeFile("a.scpt", "return 5");
+    std::u16string const path = unitsFromFileSystemBytes(home.path("a.scpt"));
+    std::u16string const store = u"script a\nend script\nstore script a in POSIX file \"" + path + u"\"";
+    std::u16string const run = u"run (load script POSIX file \"" + path + u"\")";
+    EXPECT_EQ(sourceOrErrorOf(store + u" replacing ask"), "User canceled. (-128)");
+    EXPECT_EQ(person.dialog.text, u"“a.scpt” already exists. Do you want to replace it?");
+    EXPECT_EQ(sourceOrErrorOf(run), "5");
+    person.answer.button = 1;
+    EXPECT_EQ(sourceOrErrorOf(store), "");
+    EXPECT_EQ(sourceOrErrorOf(run), "");
+    person.dialog = {};
+    EXPECT_EQ(sourceOrErrorOf(store + u" replacing yes"), "");
+    EXPECT_EQ(person.dialog.text, u"");
+}
+
 TEST(Interaction, ADialogThatNobodyAnsweredIsCanceled) {
     Person person;
     person.answer = {};
