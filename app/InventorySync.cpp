@@ -10,6 +10,11 @@ namespace framekeeper {
 
 namespace {
 
+// A folder that was moved to the trash is known by a path with a slash at its end, a query's results have none.
+NSString withoutLastSlash(NSString const& path) {
+    return path.hasSuffix_("/") ? path.substringToIndex_(path.length() - 1) : path;
+}
+
 void continueLater(AppController const& controller, std::shared_ptr<InventorySync> const& sync) {
     bodyOf(controller)->_sync = sync;
     Weak<AppController> const later(controller);
@@ -27,27 +32,36 @@ void continueLater(AppController const& controller, std::shared_ptr<InventorySyn
 
 } // namespace
 
+std::size_t InventorySync::pathCount() const { return m_results.count() + m_keptPaths.count(); }
+
+NSString InventorySync::pathAt(std::size_t index) const {
+    std::size_t const results = m_results.count();
+    if (index >= results) return as<NSString>(m_keptPaths.objectAtIndex_(static_cast<NSUInteger>(index - results)));
+    NSMetadataItem const item = as<NSMetadataItem>(m_results.objectAtIndex_(static_cast<NSUInteger>(index)));
+    return as<NSString>(item.valueForAttribute_(kMDItemPath));
+}
+
 void InventorySync::look(std::size_t end) {
     for (; m_looked < end; ++m_looked) {
-        NSMetadataItem const item = as<NSMetadataItem>(m_results.objectAtIndex_(static_cast<NSUInteger>(m_looked)));
-        NSString const path = as<NSString>(item.valueForAttribute_(kMDItemPath));
+        NSString const path = pathAt(m_looked);
+        if (m_found.containsObject_(path) || m_found.containsObject_(withoutLastSlash(path))) continue;
         BundleLook look = lookAtBundle(path);
         if (!isCompanion(look)) continue;
         m_found.addObject_(path);
-        if (m_found.count() > m_looks.size()) m_looks.push_back(std::move(look));
+        m_looks.push_back(std::move(look));
     }
 }
 
 void InventorySync::setDiskPaths(AppController const& controller) {
-    look(m_results.count());
+    look(pathCount());
     controller.setIsOnHarddiskPaths_(m_found);
 }
 
 bool InventorySync::advance(AppController const& controller, std::size_t paths) {
     std::size_t const looked = m_looked;
-    look(std::min<std::size_t>(m_results.count(), m_looked + paths));
+    look(std::min(pathCount(), m_looked + paths));
     paths -= m_looked - looked;
-    if (m_looked < m_results.count()) return true;
+    if (m_looked < pathCount()) return true;
 
     if (!m_builder) {
         // The controller's set may change later.
@@ -77,7 +91,8 @@ void syncInSteps(AppController const& controller) {
 void restartSteps(AppController const& controller) {
     if (!bodyOf(controller)->_sync) return;
     cancelSteps(controller);
-    syncInSteps(controller);
+    NSArray const kept = controller.isOnHarddiskPaths().allObjects();
+    continueLater(controller, std::make_shared<InventorySync>(controller.query().results(), kept));
 }
 
 void cancelSteps(AppController const& controller) {

@@ -12,7 +12,10 @@ namespace framekeeper {
 // Main thread.
 class InventorySync {
 public:
-    explicit InventorySync(NSArray const& results) : m_results(results) {}
+    // The kept paths are looked at behind the results, which do not have them as long as the search has not seen what
+    // the user did since; nil for none.
+    explicit InventorySync(NSArray const& results, NSArray const& keptPaths = nil)
+        : m_results(results), m_keptPaths(keptPaths) {}
 
     // Looks at, or makes records of, so many paths at most. False when the inventory is set.
     bool advance(AppController const& controller, std::size_t paths);
@@ -20,9 +23,12 @@ public:
     void setDiskPaths(AppController const& controller);
 
 private:
+    std::size_t pathCount() const;
+    NSString pathAt(std::size_t index) const;
     void look(std::size_t end);
 
     NSArray m_results;
+    NSArray m_keptPaths;
     std::size_t m_looked{0};
     NSMutableSet m_found = NSMutableSet::set();
     // In the order of m_found.
@@ -35,7 +41,8 @@ private:
 // Does the same in steps of the controller's size, between which the main thread handles what the user does. Asked for
 // while steps are under way, it starts anew when they are done.
 void syncInSteps(AppController const& controller);
-// Steps under way start anew, since something was changed that they may have looked at.
+// Steps under way start anew, since something was changed that they may have looked at. The controller's disk paths are
+// kept, as far as there are still copies at them.
 void restartSteps(AppController const& controller);
 void cancelSteps(AppController const& controller);
 

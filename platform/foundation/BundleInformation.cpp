@@ -71,25 +71,36 @@ FileState findFile(std::string_view bundlePath) {
 }
 
 // Why the file cannot be read, as the log tells it.
-Failure failureOf(int code) {
-    if (code == EFBIG) return {"It is too large"};
-    if (code == EISDIR) return {"It is a folder"};
-    if (code == EINVAL) return {"It is no regular file"};
-    return {textOfSystemError(code)};
+std::string reasonOf(int code) {
+    if (code == EFBIG) return "It is too large";
+    if (code == EISDIR) return "It is a folder";
+    if (code == EINVAL) return "It is no regular file";
+    return textOfSystemError(code);
 }
 
-Result<NSDictionary, Failure> readInformation(std::string const& path, FileState& state) {
-    if (state.error != 0) return failureOf(state.error);
+// Whether the error lies in the file itself, so that it stays until the file's status changes.
+bool isErrorOfFile(int code) { return code == EFBIG || code == EISDIR || code == EINVAL; }
+
+// Why there is no dictionary, and whether that stays so while the file has the same status.
+struct ReadingProblem {
+    std::string reason;
+    bool isLasting{true};
+};
+
+ReadingProblem problemOf(int code) { return {.reason = reasonOf(code), .isLasting = isErrorOfFile(code)}; }
+
+Result<NSDictionary, ReadingProblem> readInformation(std::string const& path, FileState& state) {
+    if (state.error != 0) return problemOf(state.error);
     Result<FileContents> const contents = readFileAtPath(path, kLargestFile);
-    if (!contents.hasValue()) return failureOf(contents.problem().code);
+    if (!contents.hasValue()) return problemOf(contents.problem().code);
     // The file may have changed since its status was read.
     state.status = contents.value().status;
     NSString reason;
     id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
         NSData::dataWithBytes(contents.value().bytes), NSPropertyListImmutable, nullptr, &reason);
-    if (list == nil) return Failure{reason.UTF8String()};
+    if (list == nil) return ReadingProblem{reason.UTF8String()};
     NSDictionary const dictionary = as<NSDictionary>(list);
-    if (dictionary == nil) return Failure{"It holds no dictionary"};
+    if (dictionary == nil) return ReadingProblem{"It holds no dictionary"};
     return dictionary;
 }
 
@@ -109,17 +120,27 @@ struct BundleSummaryKeys {
     NSString shortVersion = "CFBundleShortVersionString";
 };
 
+BundleSummaryKeys const& summaryKeys() {
+    // Never destroyed, like the cache that uses them.
+    static BundleSummaryKeys const& keys = *std::make_unique<BundleSummaryKeys>().release();
+    return keys;
+}
+
 // Whether the value is kept beside its dictionary.
 bool fitsSummary(id const& value) {
     NSString const text = as<NSString>(value);
     return value == nil || (text != nil && text.length() <= kLongestInSummary) || as<NSNumber>(value) != nil;
 }
 
+BundleSummary summaryOf(NSDictionary const& information) {
+    BundleSummaryKeys const& keys = summaryKeys();
+    return {information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
+            information.objectForKey_(keys.shortVersion)};
+}
+
 // Nothing if a value is too large to be kept, or of a class that tells no version.
-std::optional<BundleSummary> summaryOf(NSDictionary const& information) {
-    static BundleSummaryKeys const keys;
-    BundleSummary const summary{information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
-                                information.objectForKey_(keys.shortVersion)};
+std::optional<BundleSummary> keptSummaryOf(NSDictionary const& information) {
+    BundleSummary const summary = summaryOf(information);
     bool const fits =
         fitsSummary(summary.identifier) && fitsSummary(summary.version) && fitsSummary(summary.shortVersion);
     return fits ? std::optional(summary) : std::nullopt;
@@ -145,10 +166,7 @@ public:
     BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
         Entry* const known = find(bundlePath);
         if (known && known->isCurrent(state) && known->summary) return *known->summary;
-        NSDictionary const information = readAnew(bundlePath, state, Keep::Summary);
-        static BundleSummaryKeys const keys;
-        return {information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
-                information.objectForKey_(keys.shortVersion)};
+        return summaryOf(readAnew(bundlePath, state, Keep::Summary));
     }
 
 private:
@@ -158,7 +176,7 @@ private:
     struct Entry {
         std::string bundlePath;
         FileState state;
-        // False while the file may change again without a new time of change.
+        // False while the file may change again without a new time of change, and for an error that may pass.
         bool isSettled{false};
         // Nothing if the values are too large.
         std::optional<BundleSummary> summary{};
@@ -179,16 +197,17 @@ private:
         bool const isTold = known && known->state == state;
         std::int64_t const start = now();
         std::string const path = pathOfPlace(bundlePath, state.place);
-        Result<NSDictionary, Failure> const read = readInformation(path, state);
+        Result<NSDictionary, ReadingProblem> const read = readInformation(path, state);
         if (!read.hasValue() && !isTold)
             NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
                   joinedLines(read.problem().reason));
         if (known) forget(m_entries.begin());
         NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
+        bool const isLasting = read.hasValue() || read.problem().isLasting;
         remember({.bundlePath = std::string(bundlePath),
                   .state = state,
-                  .isSettled = start - state.status.modified > kNanosecondsToSettle,
-                  .summary = summaryOf(information)});
+                  .isSettled = isLasting && start - state.status.modified > kNanosecondsToSettle,
+                  .summary = keptSummaryOf(information)});
         if (keep == Keep::Whole) rememberWhole(m_entries.begin(), information);
         return information;
     }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bitset>
 #include <charconv>
-#include <optional>
 
 namespace mac {
 
@@ -11,15 +10,20 @@ namespace {
 
 constexpr char16_t kFirstPrivate = 0xE000;
 constexpr char16_t kLastPrivate = 0xF8FF;
-// Substitutes are letters, which no parser takes for anything else: 'A' stands for U+0000.
-constexpr char16_t kSubstituteOfNull = u'A';
+// Substitutes are letters that no markup is made of: U+0100 stands for U+0000.
+constexpr char16_t kSubstituteOfNull = u'\u0100';
 constexpr unsigned kControls = 0x20;
 // "&#x0000001F;" is the longest reference that is looked at.
 constexpr std::size_t kLongestReference = 12;
+constexpr unsigned kLastCharacter = 0x10FFFF;
 
 bool isForeignControl(unsigned character) {
     return character < kControls && character != '\t' && character != '\n' && character != '\r';
 }
+
+bool isASCII(char16_t unit) { return unit < 0x80; }
+
+bool isPrivate(unsigned character) { return character >= kFirstPrivate && character <= kLastPrivate; }
 
 struct Reference {
     unsigned control;
@@ -31,7 +35,9 @@ std::optional<Reference> referenceToControl(std::u16string_view text) {
     if (!text.starts_with(u"&#")) return std::nullopt;
     std::size_t const end = text.substr(0, kLongestReference).find(u';');
     if (end == std::u16string_view::npos) return std::nullopt;
-    std::string number(text.begin() + 2, text.begin() + static_cast<std::ptrdiff_t>(end));
+    std::u16string_view const units = text.substr(2, end - 2);
+    if (!std::ranges::all_of(units, isASCII)) return std::nullopt;
+    std::string number(units.begin(), units.end());
     bool const isHexadecimal = number.starts_with('x');
     if (isHexadecimal) number.erase(0, 1);
     unsigned value = 0;
@@ -46,11 +52,34 @@ bool mayHoldControls(std::u16string_view text) {
     return std::ranges::any_of(text, isForeignControl) || text.find(u"&#") != std::u16string_view::npos;
 }
 
-// A character of private use that the text does not hold, or 0.
+// The value of a digit; 16 for anything else.
+unsigned valueOfDigit(char16_t unit) {
+    if (unit >= u'0' && unit <= u'9') return static_cast<unsigned>(unit - u'0');
+    char16_t const lower = unit | 0x20;
+    return isASCII(unit) && lower >= u'a' && lower <= u'f' ? static_cast<unsigned>(lower - u'a' + 10) : 16;
+}
+
+// The number behind "&#", however many digits it has, complete or not; at most kLastCharacter + 1.
+unsigned numberOfReference(std::u16string_view text) {
+    bool const isHexadecimal = text.starts_with(u'x');
+    if (isHexadecimal) text.remove_prefix(1);
+    unsigned const base = isHexadecimal ? 16 : 10;
+    unsigned value = 0;
+    for (char16_t const unit : text) {
+        unsigned const digit = valueOfDigit(unit);
+        if (digit >= base) break;
+        value = std::min(value * base + digit, kLastCharacter + 1);
+    }
+    return value;
+}
+
+// A character of private use that the text holds neither as such nor as a reference, or 0.
 char16_t unusedCharacter(std::u16string_view text) {
     std::bitset<kLastPrivate - kFirstPrivate + 1> isUsed;
-    for (char16_t const unit : text) {
-        if (unit >= kFirstPrivate && unit <= kLastPrivate) isUsed.set(unit - kFirstPrivate);
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        bool const isReference = text.substr(index).starts_with(u"&#");
+        unsigned const character = isReference ? numberOfReference(text.substr(index + 2)) : text[index];
+        if (isPrivate(character)) isUsed.set(character - kFirstPrivate);
     }
     if (isUsed.all()) return 0;
     std::size_t index = 0;
@@ -104,11 +133,17 @@ std::u16string SubstitutedControls::restored(std::u16string_view string) const {
     std::u16string result;
     result.reserve(string.size());
     for (std::size_t index = 0; index < string.size(); ++index) {
-        bool const isSubstitute = m_escape != 0 && string[index] == m_escape && index + 1 < string.size();
-        if (isSubstitute) ++index;
-        result.push_back(isSubstitute ? static_cast<char16_t>(string[index] - kSubstituteOfNull) : string[index]);
+        std::optional<char16_t> const control = controlAt(string.substr(index));
+        result.push_back(control.value_or(string[index]));
+        if (control) ++index;
     }
     return result;
+}
+
+std::optional<char16_t> SubstitutedControls::controlAt(std::u16string_view string) const {
+    if (m_escape == 0 || string.size() < 2 || string[0] != m_escape) return std::nullopt;
+    unsigned const control = static_cast<unsigned>(string[1]) - kSubstituteOfNull;
+    return control < kControls ? std::optional(static_cast<char16_t>(control)) : std::nullopt;
 }
 
 } // namespace mac

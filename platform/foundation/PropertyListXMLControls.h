@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,7 +12,7 @@ namespace mac {
 class SubstitutedControls {
 public:
     // Substitutes in text and in references ("&#1;", "&#x1B;") outside of comments, CDATA and instructions. Does
-    // nothing if every private character of the basic plane occurs in the text.
+    // nothing if every private character of the basic plane occurs in the text, as such or as a reference.
     explicit SubstitutedControls(std::u16string_view text);
 
     // What the parser is to read: the text itself if it needs no substitutes, which must outlive this object. As many
@@ -25,6 +26,8 @@ private:
     // Appends one character or reference of text, and answers its length.
     std::size_t appendOne(std::u16string_view text);
     void appendControl(unsigned control);
+    // The control character whose substitute the string of the parsed text begins with.
+    std::optional<char16_t> controlAt(std::u16string_view string) const;
 
     std::u16string_view m_original;
     std::u16string m_text;

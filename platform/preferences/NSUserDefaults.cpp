@@ -12,9 +12,12 @@
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unistd.h>
 
 namespace mac {
@@ -88,7 +91,7 @@ public:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return NSDictionary::dictionary();
         NSDictionary const values = sharedPreferences().values(*domain);
-        tellProblem(sharedPreferences().readingProblem(*domain));
+        tellProblem(*domain, sharedPreferences().readingProblem(*domain));
         return values;
     }
 
@@ -98,7 +101,7 @@ public:
         NSDictionary const before = sharedPreferences().values(*domain);
         bool const isDone = save(*domain);
         if (std::optional<PreferenceDomain> const global = domainOfUser(kCFPreferencesAnyApplication))
-            (void)sharedPreferences().synchronize(*global, RefusedChanges::AreKept).isDone();
+            (void)store(*global);
         if (!before.isEqualToDictionary_(sharedPreferences().values(*domain))) tellObservers();
         return isDone;
     }
@@ -113,7 +116,7 @@ public:
         synchronize();
         m_arguments = nil;
         m_registered.removeAllObjects();
-        m_toldProblem.clear();
+        m_toldProblems.clear();
     }
 
 private:
@@ -121,7 +124,7 @@ private:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return nil;
         id const value = sharedPreferences().value(*domain, key);
-        tellProblem(sharedPreferences().readingProblem(*domain));
+        tellProblem(*domain, sharedPreferences().readingProblem(*domain));
         return value;
     }
 
@@ -129,21 +132,23 @@ private:
         m_savingDue.reset();
         m_timer.invalidate();
         m_timer = nil;
+        return store(domain);
+    }
+
+    bool store(PreferenceDomain const& domain) {
         Result<void> const written = sharedPreferences().synchronize(domain, RefusedChanges::AreKept);
         if (written.isDone())
-            m_toldProblem.clear();
+            m_toldProblems.erase(domain.file);
         else
-            tellProblem(written.problem());
+            tellProblem(domain, written.problem());
         return written.isDone();
     }
 
-    // Once for each reason, until the file could be read and written again.
-    void tellProblem(std::optional<SystemError> const& problem) {
+    // Once for each reason, until the domain's file could be read and written again.
+    void tellProblem(PreferenceDomain const& domain, std::optional<SystemError> const& problem) {
         if (!problem) return;
         std::string const text = problem->text();
-        if (text == m_toldProblem) return;
-        m_toldProblem = text;
-        NSLog("The user defaults cannot be stored: %s", text);
+        if (m_toldProblems[domain.file].insert(text).second) NSLog("The user defaults cannot be stored: %s", text);
     }
 
     // A timer of a loop that has ended never comes: what is overdue is asked for anew.
@@ -163,8 +168,17 @@ private:
             rest.count(), standardUserDefaults(), "synchronize", nil, NO);
     }
 
+    // An exception would end the program before the other handlers of its exit.
+    static void saveInExit() noexcept {
+        try {
+            bodyOf(standardUserDefaults())->saveChanges();
+        } catch (...) {
+            std::fputs("The user defaults could not be stored when the program ended.\n", stderr);
+        }
+    }
+
     static void saveAtExit() {
-        static bool const isRegistered = std::atexit([] { bodyOf(standardUserDefaults())->saveChanges(); }) == 0;
+        static bool const isRegistered = std::atexit(&saveInExit) == 0;
         (void)isRegistered;
     }
 
@@ -178,7 +192,8 @@ private:
     NSMutableDictionary const m_registered = NSMutableDictionary::dictionary();
     std::optional<SavingClock::time_point> m_savingDue{};
     NSTimer m_timer{};
-    std::string m_toldProblem{};
+    // By the file of the domain.
+    std::map<std::string, std::set<std::string>> m_toldProblems{};
 };
 
 ClassDescription NSUserDefaults::describeClass() {

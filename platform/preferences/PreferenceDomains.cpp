@@ -20,10 +20,17 @@ std::string domainNameOf(NSString const& text) {
 }
 
 // The main bundle's identifier; for a program without one the name of its file.
-std::string nameOfOwnDomain() {
+std::string findOwnDomain() {
     NSBundle const bundle = NSBundle::mainBundle();
     std::string name = domainNameOf(bundle.bundleIdentifier());
     return name.empty() ? domainNameOf(bundle.executablePath().lastPathComponent()) : name;
+}
+
+// Stays what it was first, also when the program is replaced while it runs: what was set must be stored where it was
+// read. Never destroyed, since settings are written at exit.
+std::string const& nameOfOwnDomain() {
+    static std::string const& name = *std::make_unique<std::string>(findOwnDomain()).release();
+    return name;
 }
 
 std::string nameOfDomain(NSString const& applicationID) {

@@ -46,13 +46,15 @@ NSDictionary dictionaryOf(NSData const& data) {
         data, NSPropertyListImmutable, nullptr, nullptr));
 }
 
-// XML, or where it cannot carry a value (control characters, names that are not UTF-8, fractions of a second) the
-// binary form, so that no other program's value changes; nil for what is no property list.
+// XML, or where it cannot carry a value (control characters, names that are not UTF-8, fractions of a second) or is
+// larger than what is read again, the binary form, so that no other program's value changes; nil for what is no
+// property list.
 NSData dataOf(NSDictionary const& values) {
     NSData const text = NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(
         values, NSPropertyListXMLFormat_v1_0, nullptr);
     NSData const binary = binaryOf(values);
-    bool const isSame = text != nil && binaryOf(dictionaryOf(text)).isEqualToData_(binary);
+    bool const isUsable = text != nil && text.length() <= LargestPreferenceFile;
+    bool const isSame = isUsable && binaryOf(dictionaryOf(text)).isEqualToData_(binary);
     return isSame ? text : binary;
 }
 
@@ -75,6 +77,7 @@ Result<NSDictionary> PreferenceFile::read() const {
 Result<void> PreferenceFile::write(NSDictionary const& values, std::optional<FileStatus> const& state) const {
     NSData const data = dataOf(values);
     if (data == nil) return SystemError{.code = EINVAL, .operation = "write", .item = m_path};
+    if (data.length() > LargestPreferenceFile) return SystemError{.code = EFBIG, .operation = "write", .item = m_path};
     return replaceFileAtPath(m_path, data.span(), {.newFileMode = OwnerAlone, .hasToBe = true, .state = state});
 }
 
@@ -89,7 +92,8 @@ Result<void> PreferenceFile::change(std::function<NSDictionary(NSDictionary cons
         if (!found.hasValue()) return found.problem();
         NSDictionary const values = changed(found.value().values);
         if (values == nil) return SystemError{.code = ECANCELED, .operation = "change", .item = m_path};
-        if (values.isEqualToDictionary_(found.value().values)) return {};
+        // Numbers are equal whatever their type, which other programs may ask for.
+        if (binaryOf(found.value().values).isEqualToData_(binaryOf(values))) return {};
         Result<void> const written = write(values, found.value().state);
         bool const isOutdated = !written.isDone() && (written.problem().is(EAGAIN) || written.problem().is(EEXIST));
         if (!isOutdated || trial == MostTrials) return written;

@@ -19,9 +19,10 @@ public:
     Result<NSDictionary> read() const;
 
     // Holds back other processes that change the preferences of this folder, reads the file, and writes the dictionary
-    // that the function makes of it, unless that is equal: whole, beside the old one and renamed over it. A file that
-    // cannot be read stays as it is. EBUSY if another process holds the lock for too long; EINVAL for what is no
-    // property list; ECANCELED if the function answers nil. Called again if another program changed the file meanwhile.
+    // that the function makes of it, unless that has the same values of the same types: whole, beside the old one and
+    // renamed over it. A file that cannot be read stays as it is. EBUSY if another process holds the lock for too long;
+    // EINVAL for what is no property list; EFBIG for a dictionary that could not be read again; ECANCELED if the
+    // function answers nil. Called again if another program changed the file meanwhile.
     Result<void> change(std::function<NSDictionary(NSDictionary const& values)> const& changed) const;
 
 private:

@@ -67,6 +67,35 @@ TEST_F(InventorySyncInSteps, AreTakenInAnewWhenAnActionChangedTheDisk) {
     EXPECT_TRUE(recordOf(m_controller, m_last) == nil);
 }
 
+TEST_F(InventorySyncInSteps, TakenInAnewKeepWhatAnActionPutOnTheDisk) {
+    m_controller.query().disableUpdates();
+    tellProgress();
+    std::string const moved = m_folder.path("moved");
+    ASSERT_EQ(::rename(m_folder.path(std::to_string(ManyCopies)).c_str(), moved.c_str()), 0);
+    NSString const movedPath = pathString(moved + "/Mirror Frame.app/");
+    m_controller.isOnHarddiskPaths().removeObject_(m_last);
+    m_controller.isOnHarddiskPaths().addObject_(movedPath);
+    m_controller.reSync();
+    NSMutableSet const before = m_controller.isOnHarddiskPaths();
+    ASSERT_TRUE(runUntil([&] { return !isSame(m_controller.isOnHarddiskPaths(), before); }));
+    EXPECT_TRUE(m_controller.isOnHarddiskPaths().containsObject_(movedPath));
+    EXPECT_FALSE(m_controller.isOnHarddiskPaths().containsObject_(m_last));
+    NSMutableSet const listed = m_controller.paths();
+    ASSERT_TRUE(runUntil([&] { return !isSame(m_controller.paths(), listed); }));
+    EXPECT_EQ(m_controller.paths().count(), ManyCopies);
+    EXPECT_FALSE(recordOf(m_controller, movedPath) == nil);
+}
+
+TEST_F(InventorySyncInSteps, HoldKeptPathsOnceAndOnlyThoseOfCopies) {
+    NSArray const results = m_controller.query().results();
+    NSArray const kept = NSArray::arrayWithObjects_(
+        {m_last, m_last.stringByAppendingString_("/"), pathString(m_folder.path("none")), pathString(m_folder.path())});
+    InventorySync(results, kept).setDiskPaths(m_controller);
+    EXPECT_EQ(m_controller.isOnHarddiskPaths().count(), ManyCopies);
+    InventorySync(nil, kept).setDiskPaths(m_controller);
+    EXPECT_EQ(m_controller.isOnHarddiskPaths().count(), 1U);
+}
+
 TEST_F(InventorySyncInSteps, AreForgottenWhenAnotherScanBegins) {
     tellProgress();
     m_controller.scanAction_(nil);

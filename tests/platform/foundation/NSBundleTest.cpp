@@ -4,6 +4,7 @@
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/foundation/PropertyListDump.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Refusals.h"
 #include "tests/support/Texts.h"
 #include <array>
 #include <cerrno>
@@ -12,6 +13,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -209,6 +211,21 @@ TEST(NSBundle, ReadsAnUnchangedFileOnce) {
     std::string const made = folder.makeBundle("A.app", informationFile("com.example.a", "", ""));
     makeOld(made + "/Contents/Info.plist");
     EXPECT_TRUE(isSame(bundle(made).infoDictionary(), bundle(made).infoDictionary()));
+}
+
+TEST(NSBundle, ReadsAFileAgainWhenTheSystemCouldNotReadIt) {
+    for (int const error : {EIO, EMFILE, ENOMEM, ETIMEDOUT}) {
+        TemporaryFolder const folder;
+        std::string const made = folder.makeBundle("A.app", informationFile("com.example.a", "", ""));
+        makeOld(made + "/Contents/Info.plist");
+        Log const log;
+        withRefusedCall(SYS_read, error, [&] {
+            EXPECT_EQ(identifierOf(made), "nil");
+            EXPECT_EQ(identifierOf(made), "nil");
+        });
+        EXPECT_EQ(log.lines().size(), 1U);
+        EXPECT_EQ(identifierOf(made), "com.example.a") << error;
+    }
 }
 
 TEST(NSBundle, SeesAFileThatIsWrittenAgainInTheSameInstant) {

@@ -175,6 +175,26 @@ TEST(PropertyListXML, KeepsPrivateCharactersBesideControlCharacters) {
     EXPECT_EQ(xmlComplaint("<string>\x01" + all + "\xEF\xA3\xBF</string>").empty(), false);
 }
 
+TEST(PropertyListXML, KeepsReferencesToPrivateCharactersBesideControlCharacters) {
+    EXPECT_EQ(dump(readList(plist("<string>&#xE000;B&#1;</string>")).list), "\"\\ue000B\\u0001\"");
+    EXPECT_EQ(dump(readList(plist("<string>&#57344;\xC4\x82&#x1;</string>")).list), "\"\\ue000\\u0102\\u0001\"");
+    EXPECT_EQ(dump(readList(plist("<string>&#x0000000000e000;\xC4\x82\x02</string>")).list),
+              "\"\\ue000\\u0102\\u0002\"");
+    EXPECT_EQ(dump(readList(plist("<string>&#1;&#xE001;\xC4\x82\xEE\x80\x80\xC4\x82</string>")).list),
+              "\"\\u0001\\ue001\\u0102\\ue000\\u0102\"");
+}
+
+TEST(PropertyListXML, MakesNoMarkupOfControlCharacters) {
+    EXPECT_EQ(dump(readList(plist("<string>a\x1C]&gt;b</string>")).list), "\"a\\u001c]>b\"");
+    EXPECT_EQ(dump(readList(plist("<string>a\x1C]>b</string>")).list), "\"a\\u001c]>b\"");
+    EXPECT_EQ(dump(readList(plist("<string><![CDATA[a\x1C]><b>]]></string>")).list), "\"a\\u001c]><b>\"");
+}
+
+TEST(PropertyListXML, RefusesReferencesOfOtherDigits) {
+    EXPECT_FALSE(xmlComplaint(plist("<string>&#\xC4\xB1;</string>")).empty());
+    EXPECT_TRUE(readList(plist("<string>&#\xC4\xB1;</string>")).list == nil);
+}
+
 TEST(PropertyListXML, RefusesASecondRoot) {
     EXPECT_EQ(xmlComplaint("<plist><true/></plist>\n<plist><true/></plist>"),
               "Extra content at end of document at line 2");

@@ -11,6 +11,7 @@
 //   get KEY                 prints the value
 //   set KEY VALUE           sets it and exits
 //   set-and-run KEY VALUE   sets it, runs its loop for a second, says so and waits for its end
+//   set-and-wait KEY VALUE  sets it, says so, waits for a line and exits
 //   set-many PREFIX COUNT   sets PREFIX0, PREFIX1, … and synchronises after each
 
 using namespace mac;
@@ -27,11 +28,17 @@ int setMany(NSUserDefaults const& defaults, std::string const& prefix, int count
     return 0;
 }
 
+// Until there is a line, or no more input.
+void tellAndWait(char const* text) {
+    std::puts(text);
+    std::fflush(stdout);
+    for (int byte = std::getchar(); byte != EOF && byte != '\n';)
+        byte = std::getchar();
+}
+
 void runForASecond() {
     NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(1));
-    std::puts("a second is over");
-    std::fflush(stdout);
-    while (std::getchar() != EOF) {}
+    tellAndWait("a second is over");
 }
 
 } // namespace
@@ -48,5 +55,6 @@ int main(int argc, char** argv) {
     if (words[0] == "set-many") return setMany(defaults, words[1], std::atoi(words[2].c_str()));
     defaults.setObject_forKey_(defaultsText(words[2]), defaultsText(words[1]));
     if (words[0] == "set-and-run") runForASecond();
+    if (words[0] == "set-and-wait") tellAndWait("it is set");
     return 0;
 }

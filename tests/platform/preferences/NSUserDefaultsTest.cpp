@@ -271,6 +271,34 @@ TEST_F(UserDefaults, OfADamagedFileAreToldWhenTheyAreFirstRead) {
     EXPECT_EQ(lines.size(), 1U);
 }
 
+TEST_F(UserDefaults, OfTwoDamagedFilesAreToldOnceForEach) {
+    makeFile(ownDomain(), "damaged");
+    makeFile(".GlobalPreferences", "damaged");
+    std::vector<std::string> lines;
+    LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_TRUE(m_defaults.objectForKey_("key") == nil);
+        EXPECT_FALSE(m_defaults.synchronize());
+    }
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_NE(lines[0].find(ownDomain()), std::string::npos) << lines[0];
+    EXPECT_NE(lines[1].find(".GlobalPreferences"), std::string::npos) << lines[1];
+}
+
+TEST_F(UserDefaults, AreSavedWhereTheyBelongedWhenTheProgramsBundleIsReplaced) {
+    std::string const bundle = m_folder.makeBundle("A.app", informationFile("com.example.first", "", ""));
+    m_folder.makeFolder("A.app/Contents/Linux");
+    std::string const program = bundle + "/Contents/Linux/program";
+    std::filesystem::copy_file(DEFAULTS_PROGRAM, program);
+    ChildProcess child({program, "set-and-wait", "key", "value"});
+    ASSERT_EQ(child.readLine(), "it is set");
+    m_folder.makeBundle("A.app", informationFile("com.example.second", "", ""));
+    child.writeLine("end");
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_NE(contentsOf(file("com.example.first")).find("<string>value</string>"), std::string::npos);
+    EXPECT_NE(::access(file("com.example.second").c_str(), F_OK), 0);
+}
+
 TEST_F(UserDefaults, AreSavedAtTheProgramsExit) {
     auto const program = defaultsProgram({"set", "key", "at exit"});
     EXPECT_EQ(program->wait(), 0);

@@ -1,8 +1,10 @@
 #include "platform/preferences/Preferences.h"
 #include "fuzz/UserDefaultsTrial.h"
+#include "platform/foundation/NSData.h"
 #include "platform/foundation/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/Corpus.h"
+#include <cerrno>
 
 namespace mac::test {
 
@@ -75,6 +77,35 @@ TEST_F(PreferencesTest, AnArrayThatTheDesktopHoldsWholeNeedsNoFile) {
 TEST_F(PreferencesTest, TheOtherKeysOfTheDomainLieInItsFile) {
     EXPECT_TRUE(write("text", "other"));
     EXPECT_EQ(desktop().writings, 0);
+    EXPECT_TRUE(value("other").isEqual_("text"));
+}
+
+TEST_F(PreferencesTest, AChangedTypeOfAnEqualNumberIsStored) {
+    EXPECT_TRUE(write(NSNumber::numberWithInt_(1), "other"));
+    EXPECT_NE(contentsOf(m_domain.file).find("<integer>1</integer>"), std::string::npos);
+    EXPECT_TRUE(write(NSNumber::numberWithBool_(YES), "other"));
+    EXPECT_NE(contentsOf(m_domain.file).find("<true/>"), std::string::npos);
+    EXPECT_TRUE(write(NSNumber::numberWithDouble_(1), "other"));
+    EXPECT_NE(contentsOf(m_domain.file).find("<real>1</real>"), std::string::npos);
+}
+
+TEST_F(PreferencesTest, WhatIsTooLargeAsTextIsStoredInTheBinaryForm) {
+    std::vector<std::byte> const bytes(std::size_t{13} << 20);
+    NSData const data = NSData::dataWithBytes(bytes);
+    EXPECT_TRUE(write(data, "other"));
+    EXPECT_TRUE(contentsOf(m_domain.file).starts_with("bplist00"));
+    EXPECT_TRUE(value("other").isEqual_(data));
+}
+
+TEST_F(PreferencesTest, WhatCouldNotBeReadAgainIsRefusedAndTheFileStays) {
+    EXPECT_TRUE(write("text", "other"));
+    std::string const before = contentsOf(m_domain.file);
+    std::vector<std::byte> const bytes((std::size_t{16} << 20) + 1);
+    m_preferences.setValue(m_domain, "large", NSData::dataWithBytes(bytes));
+    Result<void> const written = m_preferences.synchronize(m_domain, RefusedChanges::AreForgotten);
+    ASSERT_FALSE(written.isDone());
+    EXPECT_EQ(written.problem().code, EFBIG);
+    EXPECT_EQ(contentsOf(m_domain.file), before);
     EXPECT_TRUE(value("other").isEqual_("text"));
 }
 
