@@ -163,10 +163,12 @@ Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to,
     Leads const first = whereLeads(from.folder, from.name, item);
     bool const isFirstGone = first == Leads::ToNone || first == Leads::ToAnother;
     Result<ItemStatus> const status = statusOf(item);
-    if (!isFirstGone || !status.hasValue()) return SystemError{.code = EIO, .operation = "rename", .item = from.name};
-    if (first == Leads::ToNone && status.value().links > 1) return removed;
-    if (whereLeads(to.folder, to.name, item) == Leads::ToItem) return {};
-    return SystemError{.code = EIO, .operation = "rename", .item = from.name};
+    SystemError const unseen{.code = EIO, .operation = "rename", .item = from.name};
+    if (!isFirstGone || !status.hasValue()) return unseen;
+    bool const hasOtherName = first == Leads::ToNone && status.value().links > 1;
+    // Behind an ESTALE the other name may be the one aside.
+    if (hasOtherName) return removed.problem().is(ENOENT) ? removed : unseen;
+    return whereLeads(to.folder, to.name, item) == Leads::ToItem ? Result<void>() : unseen;
 }
 
 // Removes the second name where the first could not be removed, unless it may be the item's only one.
