@@ -137,9 +137,14 @@ OSErr DisposeIconSuite(IconSuiteRef iconSuite, BOOL disposeData) {
 
 OSErr ForEachIconDo(IconSuiteRef iconSuite, IconSelectorValue whichIcons, IconActionUPP action, void* context) {
     if (!iconSuite || !action) return paramErr;
-    for (OpaqueIconSuite::Piece& piece : iconSuite->pieces) {
-        if (!isSelected(piece.type, whichIcons)) continue;
-        OSErr const status = action(piece.type, &piece.data, context);
+    // By index and with a copy: the action may add pieces, which moves the others.
+    for (std::size_t index = 0; index < iconSuite->pieces.size(); ++index) {
+        OpaqueIconSuite::Piece const before = iconSuite->pieces[index];
+        if (!isSelected(before.type, whichIcons)) continue;
+        MemoryHandle data = before.data;
+        OSErr const status = action(before.type, &data, context);
+        bool const isStillThere = index < iconSuite->pieces.size() && iconSuite->pieces[index].type == before.type;
+        if (data != before.data && isStillThere) iconSuite->pieces[index].data = data;
         if (status != noErr) return status;
     }
     return noErr;

@@ -57,7 +57,8 @@ OSErr GetIconFromSuite(MemoryHandle* iconData, IconSuiteRef iconSuite, OSType ty
 OSErr DisposeIconSuite(IconSuiteRef iconSuite, BOOL disposeData);
 
 // Called with each selected piece and the context, in the suite's order. Another answer than noErr ends the visit and
-// is answered. The suite may not be changed meanwhile.
+// is answered. The block that the action leaves in the variable becomes the piece's. Pieces that it adds to the suite
+// are visited, too; it may not dispose of the suite.
 using IconActionUPP = OSErr (*)(OSType type, MemoryHandle* icon, void* context);
 OSErr ForEachIconDo(IconSuiteRef iconSuite, IconSelectorValue whichIcons, IconActionUPP action, void* context);
 

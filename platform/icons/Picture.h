@@ -33,7 +33,7 @@ Picture emptyPicture(int width, int height);
 
 // The pictures in the contents of an image file in any of the formats of the toolkit's readers: the pages of a TIFF
 // file and the sizes of an ICO file, of other formats the first picture. Empty for what is no image, is a drawing
-// (SVG), or has more pixels in all than MostImagePixels; the header alone is read to find that out.
+// (SVG), or has more pixels in all than MostImagePixels; the headers are read to find that out ahead.
 std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes);
 // The picture in the contents of a PNG file; nullopt for anything else, and for a side beyond the limit.
 std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int largestSide);
@@ -41,8 +41,9 @@ std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int larges
 // fourth, or second of two, is opacity. nullopt for anything else and for a side beyond the limit.
 std::optional<Picture> pictureInJPEG2000(std::span<std::byte const> bytes, int largestSide);
 // A drawing (SVG) as a square picture of so many pixels a side; nullopt for what is none, and where no reader for it
-// is installed. Linux: while the program has no application object, drawings with text in them are none: the toolkit
-// ends a program that asks for fonts then.
+// is installed. Linux: drawings that are compressed or name files are none: the toolkit opens what they name. While the
+// program has no application object, drawings with text in them are none: the toolkit ends a program that asks for
+// fonts then.
 std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side);
 
 std::vector<std::byte> contentsOfPNG(Picture const& picture);

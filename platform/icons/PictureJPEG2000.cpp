@@ -1,6 +1,7 @@
 #include "platform/icons/Picture.h"
 #include "platform/system/BigEndian.h"
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <openjpeg.h>
 
@@ -18,6 +19,25 @@ constexpr std::size_t SizesPlace = 8;
 constexpr std::size_t SizesEnd = SizesPlace + 8 * sizeof(std::uint32_t) + sizeof(std::uint16_t);
 constexpr std::uint32_t MostTiles = 64;
 constexpr std::uint32_t MostComponents = 4;
+// Precincts and code blocks of at least 32 and 8 samples a side: the library makes room for all of them ahead.
+constexpr unsigned LeastPrecinctExponent = 5;
+// As the stream has it, which keeps the exponent less 2.
+constexpr unsigned LeastBlockExponent = 1;
+// Each layer has a packet for each precinct, with a mark of its own from the beginning.
+constexpr std::uint16_t MostLayers = 256;
+
+constexpr std::uint16_t SizesMark = 0xFF51;
+constexpr std::uint16_t CodingMark = 0xFF52;
+constexpr std::uint16_t ComponentCodingMark = 0xFF53;
+constexpr std::uint16_t TilePartMark = 0xFF90;
+// Marker, length, index of the tile, length of the part, index and number of the parts.
+constexpr std::size_t TilePartHeader = 12;
+constexpr std::uint16_t DataMark = 0xFF93;
+constexpr std::uint16_t EndMark = 0xFFD9;
+// What else may stand in a header: capabilities, lengths of packets, quantization, regions of interest, order of
+// progression, packed packet headers, registration, comments and transforms of components.
+constexpr std::array<std::uint16_t, 16> OtherMarks{0xFF50, 0xFF55, 0xFF57, 0xFF58, 0xFF59, 0xFF5C, 0xFF5D, 0xFF5E,
+                                                   0xFF5F, 0xFF60, 0xFF61, 0xFF63, 0xFF64, 0xFF74, 0xFF75, 0xFF77};
 
 // The code stream in a JP2 file, or the bytes themselves if they are one; empty for what is neither.
 std::span<std::byte const> codeStreamIn(std::span<std::byte const> bytes) {
@@ -51,6 +71,67 @@ bool hasUsableSizes(std::span<std::byte const> stream, int largestSide) {
     std::uint32_t const tiles = ((width - 1) / tileWidth + 1) * ((height - 1) / tileHeight + 1);
     std::uint16_t const components = bigEndian16(stream, SizesEnd - sizeof(std::uint16_t));
     return tiles <= MostTiles && components >= 1 && components <= MostComponents;
+}
+
+unsigned byteAt(std::span<std::byte const> bytes, std::size_t place) {
+    return place < bytes.size() ? std::to_integer<unsigned>(bytes[place]) : 0;
+}
+
+// The parameters behind the number of decomposition levels, at this place of the segment: sides of code blocks, two
+// bytes of style, then the precincts of each resolution if they are announced.
+bool hasUsableBlocks(std::span<std::byte const> segment, std::size_t place, bool hasPrecincts) {
+    bool const areBlocksLarge =
+        byteAt(segment, place) >= LeastBlockExponent && byteAt(segment, place + 1) >= LeastBlockExponent;
+    if (!areBlocksLarge) return false;
+    if (!hasPrecincts) return true;
+    for (std::size_t precinct = place + 4; precinct < segment.size(); ++precinct) {
+        unsigned const sides = byteAt(segment, precinct);
+        if ((sides & 15) < LeastPrecinctExponent || sides >> 4 < LeastPrecinctExponent) return false;
+    }
+    return true;
+}
+
+// The segment begins with its marker.
+bool isUsableSegment(std::span<std::byte const> segment) {
+    std::uint16_t const mark = bigEndian16(segment, 0);
+    if (mark == CodingMark) {
+        bool const isLayered = segment.size() >= 8 && bigEndian16(segment, 6) <= MostLayers;
+        return isLayered && hasUsableBlocks(segment, 10, (byteAt(segment, 4) & 1) != 0);
+    }
+    if (mark == ComponentCodingMark) return hasUsableBlocks(segment, 7, (byteAt(segment, 5) & 1) != 0);
+    // In a segment that it does not know the library looks for the next one.
+    return mark == SizesMark || std::ranges::find(OtherMarks, mark) != OtherMarks.end();
+}
+
+// The main header and that of each part of a tile, whose data are passed over by the length that the part announces.
+bool hasUsableSegments(std::span<std::byte const> stream) {
+    std::size_t place = sizeof(std::uint16_t);
+    // Behind the part of a tile whose header is being read; nothing in the main header.
+    std::optional<std::size_t> partEnd;
+    while (stream.size() - place >= 2 * sizeof(std::uint16_t)) {
+        std::uint16_t const mark = bigEndian16(stream, place);
+        if (mark == EndMark) return true;
+        if (mark == DataMark) {
+            if (!partEnd || *partEnd < place + sizeof mark) return false;
+            place = *partEnd;
+            partEnd.reset();
+            continue;
+        }
+        std::size_t const length = sizeof mark + bigEndian16(stream, place + sizeof mark);
+        if (length < 2 * sizeof mark || length > stream.size() - place) return false;
+        std::span<std::byte const> const segment = stream.subspan(place, length);
+        if (mark == TilePartMark) {
+            if (partEnd || length != TilePartHeader) return false;
+            std::size_t const partLength = bigEndian32(segment, 6);
+            // A length of 0 reaches to the end of the stream.
+            bool const isToEnd = partLength == 0 || partLength > stream.size() - place;
+            partEnd = isToEnd ? stream.size() : place + partLength;
+        } else if (!isUsableSegment(segment)) {
+            return false;
+        }
+        place += length;
+    }
+    return true;
 }
 
 // The bytes that the library reads.
@@ -135,7 +216,7 @@ std::uint32_t levelAt(opj_image_comp_t const& component, std::size_t place) {
 
 std::optional<Picture> pictureInJPEG2000(std::span<std::byte const> bytes, int largestSide) {
     std::span<std::byte const> const stream = codeStreamIn(bytes);
-    if (!hasUsableSizes(stream, largestSide)) return std::nullopt;
+    if (!hasUsableSizes(stream, largestSide) || !hasUsableSegments(stream)) return std::nullopt;
     DecodedImage const image = decode(stream);
     if (!image || !isWhole(*image)) return std::nullopt;
     opj_image_comp_t const* const components = image->comps;

@@ -1,10 +1,13 @@
+#include "platform/icons/DrawingReferences.h"
 #include "platform/icons/Picture.h"
+#include "platform/system/BigEndian.h"
 #include <QBuffer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QImageReader>
 #include <QPainter>
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
@@ -56,14 +59,38 @@ std::size_t pixelsAhead(QImageReader const& reader) {
     return size.isValid() ? std::size_t(size.width()) * std::size_t(size.height()) : 0;
 }
 
-// Names that only elements with text have, and what could spell them in another way.
-bool needsFonts(std::span<std::byte const> bytes) {
-    std::string_view const text(reinterpret_cast<char const*>(bytes.data()), bytes.size());
-    for (std::string_view const sign : {"<text", ":text", "<!ENTITY"}) {
-        if (text.find(sign) != std::string_view::npos) return true;
+std::uint32_t littleEndian32(std::span<std::byte const> bytes, std::size_t place) {
+    if (bytes.size() < sizeof(std::uint32_t) || place > bytes.size() - sizeof(std::uint32_t)) return 0;
+    std::uint32_t value = 0;
+    for (std::size_t index = sizeof value; index > 0; --index)
+        value = value << 8 | std::to_integer<std::uint32_t>(bytes[place + index - 1]);
+    return value;
+}
+
+// The toolkit knows the sizes of an icon of Windows from the file's directory, which may contradict the image that the
+// entry points to: a PNG file, or a bitmap, whose header counts where the directory says 0. 0 for what is neither.
+std::size_t pixelsOfWindowsIcon(std::span<std::byte const> bytes, int page) {
+    constexpr std::size_t header = 6;
+    constexpr std::size_t entry = 16;
+    std::size_t const place = littleEndian32(bytes, header + entry * static_cast<std::size_t>(page) + 12);
+    if (place > bytes.size()) return 0;
+    std::span<std::byte const> const image = bytes.subspan(place);
+    bool const isPNG =
+        image.size() >= PNGSignature.size() && std::memcmp(image.data(), PNGSignature.data(), PNGSignature.size()) == 0;
+    if (isPNG) {
+        // Behind the signature and the length and name of the first chunk.
+        if (image.size() < 24) return 0;
+        return std::size_t{bigEndian32(image, 16)} * std::size_t{bigEndian32(image, 20)};
     }
-    // A compressed or otherwise encoded drawing shows nothing of its text.
-    return text.find("<svg") == std::string_view::npos;
+    // Twice the height, for the colours and the mask; upside down it is negative.
+    auto const width = static_cast<std::int32_t>(littleEndian32(image, 4));
+    auto const height = static_cast<std::int32_t>(littleEndian32(image, 8));
+    return static_cast<std::size_t>(std::abs(std::int64_t{width}) * (std::abs(std::int64_t{height}) / 2));
+}
+
+// Names that only elements with text have.
+bool needsFonts(std::string_view drawing) {
+    return drawing.find("<text") != std::string_view::npos || drawing.find(":text") != std::string_view::npos;
 }
 
 } // namespace
@@ -92,10 +119,13 @@ std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
     for (int page = 0; page < pages; ++page) {
         if (page > 0 && !reader.jumpToImage(page)) break;
         std::size_t const ahead = pixelsAhead(reader);
-        total += ahead;
-        if (ahead == 0 || total > MostImagePixels) return {};
+        std::size_t const inside = format == "ico" ? pixelsOfWindowsIcon(bytes, page) : 0;
+        if (ahead == 0 || std::max(ahead, inside) > MostImagePixels - total) return {};
         std::optional<Picture> picture = pictureOf(reader.read());
         if (!picture) break;
+        total += std::max(ahead, picture->pixels.size());
+        // Whatever the headers said.
+        if (total > MostImagePixels) return {};
         pictures.push_back(std::move(*picture));
     }
     return pictures;
@@ -115,7 +145,9 @@ std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int larges
 
 std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side) {
     if (side <= 0 || side > LargestIconSide || bytes.size() > LargestDrawing) return std::nullopt;
-    if (!QGuiApplication::instance() && needsFonts(bytes)) return std::nullopt;
+    std::string_view const drawing(reinterpret_cast<char const*>(bytes.data()), bytes.size());
+    if (!isSelfContainedDrawing(drawing)) return std::nullopt;
+    if (!QGuiApplication::instance() && needsFonts(drawing)) return std::nullopt;
     QByteArray contents = borrowedBytes(bytes);
     QBuffer buffer(&contents);
     QImageReader reader(&buffer, "svg");

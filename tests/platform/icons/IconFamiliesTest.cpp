@@ -76,6 +76,45 @@ TEST(IconFamilies, AreVisitedUntilTheActionFails) {
     DisposeHandle(block);
 }
 
+struct GrowingSuite {
+    IconSuiteRef suite{};
+    MemoryHandle block{};
+    MemoryHandle other{};
+    std::string visited{};
+};
+
+// Adds more pieces than any suite keeps room for, and replaces the block of the first one.
+OSErr addPieces(OSType type, MemoryHandle* icon, void* context) {
+    auto& growing = *static_cast<GrowingSuite*>(context);
+    bool const isFirst = growing.visited.empty();
+    growing.visited += bigEndianText(type.value(), 4) + (*icon == growing.block ? "+" : "-");
+    if (!isFirst) return noErr;
+    *icon = growing.other;
+    for (std::uint32_t added = OSType("aaaa").value(); added < OSType("aaaa").value() + 20; ++added) {
+        OSErr const status = AddIconToSuite(growing.block, growing.suite, OSType(added));
+        if (status != noErr) return status;
+    }
+    return AddIconToSuite(growing.other, growing.suite, OSType("il32"));
+}
+
+TEST(IconFamilies, MayGrowWhileTheyAreVisited) {
+    GrowingSuite growing{.block = blockOf("block"), .other = blockOf("other")};
+    ASSERT_EQ(NewIconSuite(&growing.suite), noErr);
+    ASSERT_EQ(AddIconToSuite(growing.block, growing.suite, OSType("is32")), noErr);
+    ASSERT_EQ(AddIconToSuite(growing.block, growing.suite, OSType("il32")), noErr);
+    ASSERT_EQ(ForEachIconDo(growing.suite, kSelectorAllAvailableData, &addPieces, &growing), noErr);
+    EXPECT_EQ(growing.visited.substr(0, 15), "is32+il32-aaaa+");
+    EXPECT_EQ(growing.visited.size(), 22U * 5);
+    MemoryHandle found{};
+    ASSERT_EQ(GetIconFromSuite(&found, growing.suite, OSType("is32")), noErr);
+    EXPECT_EQ(found, growing.other);
+    ASSERT_EQ(GetIconFromSuite(&found, growing.suite, OSType("il32")), noErr);
+    EXPECT_EQ(found, growing.other);
+    EXPECT_EQ(DisposeIconSuite(growing.suite, NO), noErr);
+    EXPECT_EQ(takeBlock(growing.block), "block");
+    EXPECT_EQ(takeBlock(growing.other), "other");
+}
+
 TEST(IconFamilies, AreMadeFromBlocks) {
     IconSuiteRef suite{};
     ASSERT_EQ(NewIconSuite(&suite), noErr);

@@ -63,6 +63,54 @@ TEST(Picture, IsNotReadFromJPEG2000ThatContradictsItself) {
     EXPECT_FALSE(jpeg2000(box("jP  ", "\r\n\x87\n") + box("ftyp", "jp2 ")));
 }
 
+// The places of the segments in the stream of two colours.
+constexpr std::size_t CodingPlace = 51;
+constexpr std::size_t PartPlace = 110;
+constexpr std::size_t DataPlace = 122;
+
+// With this segment at the end of the header of the only part of a tile.
+std::string withPartSegment(std::string const& stream, std::string const& segment) {
+    auto const length = static_cast<std::uint32_t>(0x107 + segment.size());
+    return withNumber(stream, PartPlace + 6, length).insert(DataPlace, segment);
+}
+
+TEST(Picture, IsNotReadFromJPEG2000OfTinyPrecincts) {
+    std::string const stream = bytesOfHex(TwoColors);
+    for (int const exponent : {15, 5, 4, 0}) {
+        std::string const precinct(1, static_cast<char>(exponent << 4 | exponent));
+        std::string const narrow(1, static_cast<char>(0xF0 | exponent));
+        std::string const low(1, static_cast<char>(exponent << 4 | 0xF));
+        for (std::string const& sides : {precinct, narrow, low}) {
+            std::string const plain = bytesOfHex("ff52000d01000001000004040001") + sides;
+            std::string const component = bytesOfHex("ff53000a00010004040001") + sides;
+            bool const isRead = exponent >= 5;
+            std::string whole = stream;
+            EXPECT_EQ(jpeg2000(whole.replace(CodingPlace, 14, plain)).has_value(), isRead) << exponent;
+            whole = stream;
+            EXPECT_EQ(jpeg2000(whole.insert(CodingPlace + 14, component)).has_value(), isRead) << exponent;
+            EXPECT_EQ(jpeg2000(withPartSegment(stream, plain)).has_value(), isRead) << exponent;
+            EXPECT_EQ(jpeg2000(withPartSegment(stream, component)).has_value(), isRead) << exponent;
+        }
+    }
+}
+
+TEST(Picture, IsNotReadFromJPEG2000OfTinyBlocksOrManyLayers) {
+    std::string const stream = bytesOfHex(TwoColors);
+    for (char const* const coding :
+         {"ff52000c00000001000000040001", "ff52000c00000001000004000001", "ff52000c0000ffff000004040001"}) {
+        std::string changed = stream;
+        EXPECT_FALSE(jpeg2000(changed.replace(CodingPlace, 14, bytesOfHex(coding)))) << coding;
+    }
+}
+
+TEST(Picture, IsNotReadFromJPEG2000WithWhatIsNoSegment) {
+    std::string const stream = bytesOfHex(TwoColors);
+    std::string changed = stream;
+    EXPECT_FALSE(jpeg2000(changed.insert(CodingPlace, bytesOfHex("ff400004ff52"))));
+    EXPECT_TRUE(jpeg2000(stream + "behind the end"));
+    EXPECT_TRUE(jpeg2000(withNumber(stream, PartPlace + 6, 0)));
+}
+
 TEST(Picture, ComesBackFromPNG) {
     Picture picture = emptyPicture(3, 2);
     picture.pixels = {0xFF010203, 0x80FF0000, 0x00000000, 0xFFFFFFFF, 0x01020304, 0xFF000000};
@@ -131,6 +179,47 @@ TEST(Picture, OfAHugeSizeIsNone) {
     EXPECT_TRUE(picturesInImageFile(spanOf(tiff({16, 100000}, 72))).empty());
 }
 
+std::string littleEndianText(std::uint32_t value, int bytes) {
+    std::string const text = bigEndianText(value, bytes);
+    return {text.rbegin(), text.rend()};
+}
+
+// Each entry of the directory announces this side, and has the same data.
+std::string windowsIcon(int entries, int announcedSide, std::string const& data) {
+    std::string file = std::string("\0\0\1\0", 4) + littleEndianText(static_cast<std::uint32_t>(entries), 2);
+    for (int entry = 0; entry < entries; ++entry)
+        file += std::string(2, static_cast<char>(announcedSide)) + std::string("\0\0\1\0\x20\0", 6) +
+                littleEndianText(static_cast<std::uint32_t>(data.size()), 4) +
+                littleEndianText(static_cast<std::uint32_t>(6 + 16 * entries), 4);
+    return file + data;
+}
+
+std::string pngOfSide(int side) {
+    std::vector<std::byte> const bytes = contentsOfPNG(emptyPicture(side, side));
+    return {reinterpret_cast<char const*>(bytes.data()), bytes.size()};
+}
+
+// Black and white, with the double height that stands for colours and mask. REQUIRES: the side divides by 32.
+std::string bitmapOfSide(std::uint32_t side) {
+    return littleEndianText(40, 4) + littleEndianText(side, 4) + littleEndianText(side * 2, 4) +
+           std::string("\1\0\1\0", 4) + std::string(24, '\0') + std::string("\0\0\0\0\xFF\xFF\xFF\0", 8) +
+           std::string(std::size_t{side} * side / 4, '\0');
+}
+
+TEST(Picture, IsReadFromEachSizeOfAnIconOfWindows) {
+    std::vector<Picture> const pictures = picturesInImageFile(spanOf(windowsIcon(3, 16, pngOfSide(16))));
+    ASSERT_EQ(pictures.size(), 3U);
+    EXPECT_EQ(pictures[2].width, 16);
+    std::vector<Picture> const bitmaps = picturesInImageFile(spanOf(windowsIcon(2, 32, bitmapOfSide(32))));
+    ASSERT_EQ(bitmaps.size(), 2U);
+    EXPECT_EQ(bitmaps[1].height, 32);
+}
+
+TEST(Picture, LargerThanItsIconOfWindowsSaysCountsAsItIs) {
+    EXPECT_TRUE(picturesInImageFile(spanOf(windowsIcon(1, 16, pngOfSide(6000)))).empty());
+    EXPECT_TRUE(picturesInImageFile(spanOf(windowsIcon(1, 0, bitmapOfSide(6016)))).empty());
+}
+
 TEST(Picture, IsDrawnOnItsOwnSide) {
     std::string const drawing = R"(<svg xmlns="http://www.w3.org/2000/svg" width="2" height="1">)"
                                 R"(<rect width="2" height="1" fill="#0000ff"/></svg>)";
@@ -144,6 +233,50 @@ TEST(Picture, IsDrawnOnItsOwnSide) {
     EXPECT_FALSE(pictureOfDrawing(spanOf(drawing), 0));
     EXPECT_FALSE(pictureOfDrawing(spanOf(drawing), 100000));
     EXPECT_FALSE(pictureOfDrawing(spanOf("<svg"), 32));
+}
+
+std::string drawingWith(std::string const& contents) {
+    return R"(<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" width="8" height="8">)" +
+           contents + "</svg>";
+}
+
+bool isDrawn(std::string const& drawing) { return pictureOfDrawing(spanOf(drawing), 32).has_value(); }
+
+TEST(Picture, ThatReadsFilesIsNotDrawn) {
+    EXPECT_FALSE(isDrawn(drawingWith("<image xlink:href='/tmp/a.png' width='8' height='8'/>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<image xlink:href = \"&#47;tmp/a.png\" width='8' height='8'/>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<image href='file:///tmp/a.png' width='8' height='8'/>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<style>@import 'a.css';</style>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<rect width='8' height='8' fill='url(/tmp/a.svg#b)'/>")));
+    EXPECT_FALSE(isDrawn("<?xml-stylesheet type=\"text/css\" href=\"a.css\"?>" + drawingWith("")));
+    EXPECT_FALSE(isDrawn("<!DOCTYPE svg [<!ENTITY a 'b'>]>" + drawingWith("")));
+    EXPECT_FALSE(isDrawn("<!DOCTYPE svg [<!ATTLIST image xlink:href CDATA '/tmp/a.png'>]>" + drawingWith("")));
+    // A drawing within the drawing has references of its own.
+    EXPECT_FALSE(isDrawn(drawingWith("<image xlink:href='data:image/png;base64,PHN2Zz4=' width='8' height='8'/>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<image xlink:href='data:a;base64,iVBORw0KGgobase64,PHN2Zz4='/>")));
+    EXPECT_FALSE(isDrawn(drawingWith("<image xlink:href='data:a;base64,iVBORw0KGgobase64&#44;PHN2Zz4='/>")));
+}
+
+TEST(Picture, OfADrawingThatKeepsToItselfIsDrawn) {
+    EXPECT_TRUE(isDrawn("\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" +
+                        drawingWith("<defs><linearGradient id='a'/><linearGradient id='b' xlink:href='#a'/></defs>"
+                                    "<rect width='8' height='8' fill='url(#a)' stroke='url( \"#b\" )'/>")));
+    EXPECT_TRUE(isDrawn(drawingWith("<style>rect { fill: url(&quot;#a&quot;) } .href { fill: red }</style>")));
+    EXPECT_TRUE(
+        isDrawn(drawingWith("<image width='1' height='1' xlink:href='data:image/png;base64,\n"
+                            "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJ"
+                            "RU5ErkJggg=='/>")));
+}
+
+TEST(Picture, OfADrawingInAnotherEncodingIsNone) {
+    std::string const drawing = drawingWith("");
+    std::string wide = "\xFF\xFE";
+    for (char const unit : drawing)
+        wide += std::string(1, unit) + std::string(1, '\0');
+    EXPECT_FALSE(isDrawn(wide));
+    EXPECT_FALSE(isDrawn("<?xml version='1.0' encoding='UTF-16'?>" + drawing));
+    EXPECT_TRUE(isDrawn("<?xml version='1.0' encoding='utf-8'?>" + drawing));
+    EXPECT_TRUE(isDrawn("<?xml version='1.0'?>" + drawing));
 }
 
 TEST(Picture, WithTextIsNoneWithoutAnApplicationObject) {
