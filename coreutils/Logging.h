@@ -30,6 +30,8 @@ NSString pxCreateLogFileWithAppendingToName_appendingToFile_includeAuxiliaryInfo
 // second apart. The caller closes the stream. Null for a nil receiver, if all trials failed, and for a path without
 // file-system representation, which the system log is told of.
 // Linux: pipes and devices are opened without waiting; a pipe that nothing reads cannot be opened.
+// As with every stream, writing to a pipe whose reader has ended since raises SIGPIPE, which ends a program that
+// neither ignores nor blocks it.
 std::FILE* pxOpenLogFileForPathWithAppending_(NSString receiver, BOOL appending);
 
 // Appends the formatted message to the log at the path as it is, without time stamp and newline. A nil format raises

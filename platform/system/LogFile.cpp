@@ -2,6 +2,8 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include <cerrno>
+#include <csignal>
+#include <ctime>
 #include <fcntl.h>
 #include <vector>
 
@@ -13,6 +15,32 @@ constexpr int MostOpenings = 10;
 constexpr std::chrono::milliseconds BetweenOpenings{1000};
 // Less the umask, as fopen creates files.
 constexpr mode_t NewLogMode = 0666;
+
+// While it lives, a pipe whose reader has ended gives this thread an error (EPIPE) and not the signal that ends the
+// program. A signal that was pending before stays so.
+class BlockedPipeSignal {
+public:
+    BlockedPipeSignal() {
+        ::sigemptyset(&m_signal);
+        ::sigaddset(&m_signal, SIGPIPE);
+        sigset_t pending{};
+        ::sigpending(&pending);
+        m_wasPending = ::sigismember(&pending, SIGPIPE) == 1;
+        ::pthread_sigmask(SIG_BLOCK, &m_signal, &m_former);
+    }
+    ~BlockedPipeSignal() {
+        timespec const noTime{};
+        while (!m_wasPending && ::sigtimedwait(&m_signal, nullptr, &noTime) < 0 && errno == EINTR) {}
+        ::pthread_sigmask(SIG_SETMASK, &m_former, nullptr);
+    }
+    BlockedPipeSignal(BlockedPipeSignal const&) = delete;
+    BlockedPipeSignal& operator=(BlockedPipeSignal const&) = delete;
+
+private:
+    sigset_t m_signal{};
+    sigset_t m_former{};
+    bool m_wasPending{false};
+};
 
 Result<OwnedStream> openOnce(std::string const& path, OldLogLines oldLines) {
     BytePath const file(path);
@@ -42,6 +70,7 @@ Result<OwnedStream> openLogFile(std::string const& path, OldLogLines oldLines,
 }
 
 Result<void> appendAndClose(OwnedStream stream, std::string const& bytes) {
+    BlockedPipeSignal const blocked;
     // A buffer that is larger than the bytes is written once, when the stream is closed. It outlives the stream.
     std::vector<char> buffer(bytes.size() + 1);
     OwnedStream open = std::move(stream);

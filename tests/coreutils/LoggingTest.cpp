@@ -2,9 +2,13 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
+#include "platform/system/LogFile.h"
 #include "tests/support/Environment.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -177,6 +181,27 @@ TEST_F(Logging, TellsOfAPathThatNoFileCanHave) {
     EXPECT_EQ(pxOpenLogFileForPathWithAppending_(path, YES), nullptr);
     pxLog_(path, "one");
     EXPECT_EQ(lines, std::vector<std::string>(2, "Unable to open logfile: (null)"));
+}
+
+TEST_F(Logging, FailsWithoutASignalWhenThePipesReaderHasEnded) {
+    std::string const path = m_folder.path("a.log");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    for (std::string const& bytes : {std::string("one"), std::string(1 << 20, 'x')}) {
+        int const reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        ASSERT_GE(reader, 0);
+        Result<OwnedStream> stream = openLogFile(path, OldLogLines::AreKept, [](std::chrono::milliseconds) {});
+        ::close(reader);
+        ASSERT_TRUE(stream.hasValue());
+        Result<void> const written = appendAndClose(stream.takeValue(), bytes);
+        ASSERT_FALSE(written.isDone());
+        EXPECT_EQ(written.problem().code, EPIPE);
+    }
+    sigset_t blocked{};
+    sigset_t pending{};
+    ::pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    ::sigpending(&pending);
+    EXPECT_EQ(::sigismember(&blocked, SIGPIPE), 0);
+    EXPECT_EQ(::sigismember(&pending, SIGPIPE), 0);
 }
 
 // The pauses themselves are tried by a clock of the test (LogFileTest.cpp); here the thread really waits once.
