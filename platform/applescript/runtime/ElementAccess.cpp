@@ -99,15 +99,16 @@ std::optional<Value> rangeOfText(TextObject const& text, ElementSelector const& 
     if (isOfPlaces && isCharacterClass(selector.want) && text.isSimple())
         return rangeOfSimpleText(units, selector, context);
     SourceRange whole;
-    std::vector<SourceRange> const& ranges = textElements(text, selector.want, context);
-    std::optional<Places> places;
-    if (selector.from.is(ValueKind::Specifier)) {
+    if (!isOfPlaces) {
         std::optional<SourceRange> const from = spanOf(text, selector.from, context);
         std::optional<SourceRange> const to = spanOf(text, selector.to, context);
         if (!from || !to) return {};
         whole = {.start = std::min(from->start, to->start), .end = std::max(from->end, to->end)};
-    } else {
-        places = chosenRange(selector, ranges.size(), context);
+    }
+    // The text keeps the elements of one class alone: those of the ends are looked for before these.
+    std::vector<SourceRange> const& ranges = textElements(text, selector.want, context);
+    if (isOfPlaces) {
+        std::optional<Places> const places = chosenRange(selector, ranges.size(), context);
         if (!places) return {};
         whole = {.start = ranges[places->first].start, .end = ranges[places->last].end};
     }
