@@ -1,5 +1,6 @@
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/StoredValues.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/FileErrors.h"
@@ -153,11 +154,29 @@ std::size_t placeOfMark(std::string const& bytes, std::string const& mark, Code 
     return found;
 }
 
+// Four bytes also hold whole numbers that are reals in the language.
+std::string storedBytesOf(Value const& value, Code type, TextContext const& context) {
+    if (std::optional<Value> const converted = coerced(value, type, context)) return storedBytes(*converted, type);
+    std::optional<Value> const number =
+        type == codes::IntegerType ? coerced(value, codes::NumberType, context) : std::nullopt;
+    if (!number) throw cannotMake(value, type);
+    return storedBytes(*number, type);
+}
+
+// The value from `start` on: no more of the file is read than it takes.
+StoredValue storedValueAt(File const& file, std::int64_t start, std::int64_t end, Code type, std::size_t most) {
+    constexpr std::int64_t before{BytesBeforeStored};
+    std::string const beginning = bytesBetween(file, start, std::min(end, start + before), most);
+    std::int64_t const announced = start + static_cast<std::int64_t>(storedSize(beginning, type));
+    if (announced <= start + before) return storedValueIn(beginning, type);
+    return storedValueIn(bytesBetween(file, start, std::min(end, announced), most), type);
+}
+
 std::string bytesOfValue(Value const& value, Value const* type, NSStringEncoding wideEncoding,
                          TextContext const& context) {
     if (value.is(ValueKind::Data)) return value.data().bytes;
     bool const isStored = type && type->is(ValueKind::Type) && isStoredClass(type->asCode());
-    if (isStored) return storedBytes(requireType(value, type->asCode(), context), type->asCode());
+    if (isStored) return storedBytesOf(value, type->asCode(), context);
     std::u16string const text = requireText(value, context);
     if (!type || !type->is(ValueKind::Type) || !isWide(type->asCode())) return utf8FromUnits(text);
     return bytesFromUnits(text, wideEncoding).value_or(std::string());
@@ -219,17 +238,17 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
     std::int64_t end = to ? place(*to) : count ? start + requireInteger(*count, context) : size;
     end = std::min(end, size);
     if (start >= size && (size > 0 || from)) throw plainError(errors::EndOfFile);
-    std::string bytes = bytesBetween(*file, start, end, context.mostUnits);
     Value const* const type = arguments.find(codeOf("as  "));
     Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
     Value const* const delimiters = arguments.find(codeOf("deli"));
     Value const* const before = arguments.find(codeOf("rdbf"));
     Value const* const until = arguments.find(codeOf("rdut"));
     if (isStoredClass(code) && !delimiters && !before && !until) {
-        StoredValue const stored = storedValueIn(bytes, code);
+        StoredValue const stored = storedValueAt(*file, start, end, code, context.mostUnits);
         file->place = start + static_cast<std::int64_t>(stored.size);
         return stored.value;
     }
+    std::string bytes = bytesBetween(*file, start, end, context.mostUnits);
     NSStringEncoding const wideEncoding = wideEncodingAt(start, *file);
     if (before || until) {
         std::u16string const text = requireText(before ? *before : *until, context);

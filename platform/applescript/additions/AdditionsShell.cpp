@@ -43,13 +43,15 @@ struct CommandResult {
     std::string complaints{};
 };
 
-// A shell command as the words that run it. The kernel takes only so many bytes in one word; a longer command lies in
-// an anonymous file that the shell reads, so that its standard input stays the command's own.
+// The kernel takes only so many bytes in one word of a command line, a zero byte at its end counted.
+constexpr std::size_t MostBytesOfWord = std::size_t{128} * 1024 - 1;
+
+// A shell command as the words that run it. A command longer than a word lies in an anonymous file that the shell
+// reads, so that its standard input stays the command's own.
 class ShellWords {
 public:
     explicit ShellWords(std::string const& command) : m_command(command) {
-        constexpr std::size_t mostBytesOfWord = std::size_t{128} * 1024 - 1;
-        if (command.size() <= mostBytesOfWord) return;
+        if (command.size() <= MostBytesOfWord) return;
         m_file = FileDescriptor(::memfd_create("command", MFD_CLOEXEC));
         if (!m_file.isOpen()) throw plainError(errors::OutOfMemory);
         // The shell has the file open under a number of its own; the command shall not find the first one.
@@ -62,14 +64,9 @@ public:
         }
     }
 
-    // What the shell is given behind -c, if it is started by this process.
+    // What the shell is given behind -c.
     std::string forChild() const {
         return m_file.isOpen() ? ". /dev/fd/" + std::to_string(ShellCommand::HandedDescriptor) : m_command;
-    }
-    // The same for a shell that gets no descriptors from this process.
-    std::string forAnyProcess() const {
-        if (!m_file.isOpen()) return m_command;
-        return ". /proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(m_file.number());
     }
     FileDescriptor const& file() const { return m_file; }
 
@@ -90,14 +87,32 @@ CommandResult resultOf(std::string const& command, std::size_t most) {
     return resultOf(shell, most);
 }
 
+// Joins the words behind it to a command, which finds none of the names used for that.
+constexpr char JoiningCommand[] = R"(printf '\1privileges granted\1\n' >&2
+[ $# -gt 1 ] || exec /bin/sh -c "$1"
+command=
+for piece do command=$command$piece; done
+set --
+eval "unset command piece
+$command")";
+
+// The words by which a program that grants an administrator's rights runs the command. All of its text is in them: a
+// file could be changed by other programs of the user while the password is asked for.
+std::vector<std::string> privilegedWords(std::string const& program, std::string_view command) {
+    std::vector<std::string> words{program, "/bin/sh", "-c", JoiningCommand, "/bin/sh"};
+    do {
+        words.emplace_back(command.substr(0, MostBytesOfWord));
+        command.remove_prefix(words.back().size());
+    } while (!command.empty());
+    return words;
+}
+
 CommandResult privilegedResultOf(std::string const& command, std::size_t most) {
     // Nobody is asked for what this process may do already.
     if (::geteuid() == 0) return resultOf(command, most);
     std::string const program = askingProgram();
     if (program.empty()) throw plainError(errors::PrivilegeViolation);
-    ShellWords const words(command);
-    ShellCommand asking({program, "/bin/sh", "-c", R"(printf '\1privileges granted\1\n' >&2; exec /bin/sh -c "$1")",
-                         "sh", words.forAnyProcess()});
+    ShellCommand asking(privilegedWords(program, command));
     CommandResult result = resultOf(asking, most);
     std::size_t const start = result.complaints.find(Started);
     if (start == std::string::npos)

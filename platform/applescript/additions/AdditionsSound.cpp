@@ -41,6 +41,11 @@ std::string soundProgram() {
     return *program;
 }
 
+// What the sound server's program prints, in no language of the user's.
+std::string soundAnswer(std::string const& program, char const* command, char const* device) {
+    return runProgram({"/usr/bin/env", "LC_ALL=C.UTF-8", program, command, device});
+}
+
 // The first percentage in what the sound server says.
 std::optional<int> percentageIn(std::string const& text) {
     std::size_t const end = text.find('%');
@@ -105,10 +110,10 @@ Value setVolume(Evaluator& evaluator, CommandArguments const& arguments) {
 
 Value volumeSettings(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/) {
     std::string const program = soundProgram();
-    bool const isMuted = runProgram({program, "get-sink-mute", Output}).find("yes") != std::string::npos;
+    bool const isMuted = soundAnswer(program, "get-sink-mute", Output).find("yes") != std::string::npos;
     return Value::record({
-        {keyOf(codeOf("ouvl")), percentage(runProgram({program, "get-sink-volume", Output}))},
-        {keyOf(codeOf("invl")), percentage(runProgram({program, "get-source-volume", Input}))},
+        {keyOf(codeOf("ouvl")), percentage(soundAnswer(program, "get-sink-volume", Output))},
+        {keyOf(codeOf("invl")), percentage(soundAnswer(program, "get-source-volume", Input))},
         {keyOf(codeOf("alvl")), Value::missing()},
         {keyOf(codeOf("mute")), Value::boolean(isMuted)},
     });

@@ -86,8 +86,8 @@ std::u16string pathOfApplication(ApplicationObject const& application) {
     return path ? unitsFromFileSystemBytes(*path) : std::u16string();
 }
 
-// Empty if there is no such folder.
-std::u16string folderOf(Code code, FolderDomain domain) {
+// Empty for what is no program.
+std::u16string pathOfProgram(Code code) {
     switch (code) {
     case codeOf("me  "):
     case codeOf("cura"):
@@ -95,8 +95,12 @@ std::u16string folderOf(Code code, FolderDomain domain) {
     case codeOf("egfp"):
         return pathOfFrontApplication();
     default:
-        break;
+        return {};
     }
+}
+
+// Empty if there is no such folder.
+std::u16string folderOf(Code code, FolderDomain domain) {
     std::optional<std::string> const path = standardFolder(code, domain);
     return path ? unitsFromFileSystemBytes(*path) : std::u16string();
 }
@@ -176,14 +180,14 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     if (!isApplication && !isCurrent && !named.is(ValueKind::Constant)) throw cannotMake(named, codes::ConstantType);
     FolderDomain const domain = domainIn(arguments);
     Value const* const makesFolder = arguments.find(codeOf("crfl"));
-    bool const isOfUser = domain == FolderDomain::User && !isApplication && !isCurrent;
+    std::u16string path = isApplication ? pathOfApplication(named.application())
+                          : isCurrent   ? pathOfThisProgram()
+                                        : pathOfProgram(named.asCode());
+    // Where a program was that is deleted by now no folder is made.
+    bool const isFolder = path.empty() && !isApplication && !isCurrent;
+    bool const isOfUser = isFolder && domain == FolderDomain::User;
     bool const mayMake = isOfUser && (!makesFolder || requireBoolean(*makesFolder, evaluator.context()));
-    std::u16string path;
-    if (isApplication)
-        path = pathOfApplication(named.application());
-    else if (isCurrent)
-        path = pathOfThisProgram();
-    else
+    if (isFolder)
         path = named.asCode() == folders::Trash ? trashFolder(mayMake, named) : folderOf(named.asCode(), domain);
     if (path.empty()) throw cannotGet(named);
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);

@@ -6,6 +6,8 @@
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/events/FlatDescriptor.h"
 #include <bit>
+#include <cmath>
+#include <limits>
 
 namespace mac::applescript {
 
@@ -36,6 +38,23 @@ std::uint64_t bigEndianIn(std::string_view bytes, std::size_t count) {
 constexpr std::size_t IntegerBytes = 4;
 constexpr std::size_t RealBytes = 8;
 
+// The number as four bytes hold it, which are two bits more than the language's integers have; nullopt for what is no
+// whole number of that size.
+std::optional<std::int32_t> storedInteger(Value const& value) {
+    if (value.is(ValueKind::Integer)) return value.asInteger();
+    if (!value.is(ValueKind::Real)) return {};
+    double const number = value.asReal();
+    bool const fits = number >= std::numeric_limits<std::int32_t>::min() &&
+                      number <= std::numeric_limits<std::int32_t>::max() && number == std::trunc(number);
+    return fits ? std::optional(static_cast<std::int32_t>(number)) : std::nullopt;
+}
+
+Value realIn(std::string_view bytes) {
+    double const number = std::bit_cast<double>(bigEndianIn(bytes, RealBytes));
+    if (!std::isfinite(number)) throw plainError(errors::CorruptData);
+    return Value::real(number);
+}
+
 bool isComposed(Code type) { return type == codes::ListType || type == codes::RecordType; }
 
 std::string composedBytes(Value const& value) {
@@ -47,17 +66,22 @@ std::string composedBytes(Value const& value) {
     return bytes;
 }
 
-StoredValue composedIn(std::string_view bytes, Code type) {
+// The size of a list or record that begins with these bytes, with what stands before its descriptor.
+std::size_t composedSize(std::string_view bytes) {
     if (bytes.size() < Mark.size() + SizeBytes) throw plainError(errors::EndOfFile);
     if (!bytes.starts_with(Mark)) throw plainError(errors::CorruptData);
-    std::uint64_t const size = bigEndianIn(bytes.substr(Mark.size()), SizeBytes);
-    std::string_view const rest = bytes.substr(Mark.size() + SizeBytes);
-    if (rest.size() < size) throw plainError(errors::EndOfFile);
-    Result<AEDesc, Failure> const desc = unflattened(std::as_bytes(std::span(rest.substr(0, size))));
+    return Mark.size() + SizeBytes + static_cast<std::size_t>(bigEndianIn(bytes.substr(Mark.size()), SizeBytes));
+}
+
+StoredValue composedIn(std::string_view bytes, Code type) {
+    std::size_t const size = composedSize(bytes);
+    if (bytes.size() < size) throw plainError(errors::EndOfFile);
+    std::string_view const flat = bytes.substr(0, size).substr(Mark.size() + SizeBytes);
+    Result<AEDesc, Failure> const desc = unflattened(std::as_bytes(std::span(flat)));
     if (!desc.hasValue()) throw plainError(errors::CorruptData);
     Value value = valueOfDescriptor(desc.value());
     if (!isOfClass(value, type)) throw plainError(errors::CorruptData);
-    return {.value = std::move(value), .size = Mark.size() + SizeBytes + static_cast<std::size_t>(size)};
+    return {.value = std::move(value), .size = size};
 }
 
 } // namespace
@@ -68,10 +92,12 @@ bool isStoredClass(Code type) {
 }
 
 std::string storedBytes(Value const& value, Code type) {
-    if (!isOfClass(value, type)) throw cannotMake(value, type);
+    bool const isInteger = type == codes::IntegerType;
+    std::optional<std::int32_t> const integer = isInteger ? storedInteger(value) : std::nullopt;
+    if (isInteger ? !integer : !isOfClass(value, type)) throw cannotMake(value, type);
     switch (type) {
     case codes::IntegerType:
-        return bigEndian(static_cast<std::uint32_t>(value.asInteger()), IntegerBytes);
+        return bigEndian(static_cast<std::uint32_t>(*integer), IntegerBytes);
     case codes::RealType:
         return bigEndian(std::bit_cast<std::uint64_t>(value.asReal()), RealBytes);
     case codes::BooleanType:
@@ -83,13 +109,27 @@ std::string storedBytes(Value const& value, Code type) {
     }
 }
 
+std::size_t storedSize(std::string_view beginning, Code type) {
+    switch (type) {
+    case codes::IntegerType:
+        return IntegerBytes;
+    case codes::BooleanType:
+        return 1;
+    case codes::RealType:
+    case codes::DateType:
+        return RealBytes;
+    default:
+        return composedSize(beginning);
+    }
+}
+
 StoredValue storedValueIn(std::string_view bytes, Code type) {
     switch (type) {
     case codes::IntegerType:
         return {.value = Value::number(static_cast<std::int32_t>(bigEndianIn(bytes, IntegerBytes))),
                 .size = IntegerBytes};
     case codes::RealType:
-        return {.value = Value::real(std::bit_cast<double>(bigEndianIn(bytes, RealBytes))), .size = RealBytes};
+        return {.value = realIn(bytes), .size = RealBytes};
     case codes::BooleanType:
         return {.value = Value::boolean(bigEndianIn(bytes, 1) != 0), .size = 1};
     case codes::DateType: {

@@ -13,8 +13,8 @@ namespace mac::applescript {
 // Whether values of the class have such a form.
 bool isStoredClass(Code type);
 
-// The bytes of a value of that class. Throws -1700 for a value that is not of the class, -2706 or -2708 for a list that
-// is too deep or too large. REQUIRES: isStoredClass(type).
+// The bytes of a value of that class; of an integer also those of a real that is a whole number of 32 bits. Throws
+// -1700 for another value, -2706 or -2708 for a list that is too deep or too large. REQUIRES: isStoredClass(type).
 std::string storedBytes(Value const& value, Code type);
 
 struct StoredValue {
@@ -22,6 +22,14 @@ struct StoredValue {
     // How many of the bytes it takes.
     std::size_t size{0};
 };
+
+// As many bytes of a file as tell the size of any value in it.
+inline constexpr std::size_t BytesBeforeStored = 8;
+
+// How many bytes the value takes that begins with these, of which no more than BytesBeforeStored are looked at: a list
+// may say that it takes more than there are. Throws -39 if they end too early to tell, -1702 if no such value begins
+// with them. REQUIRES: isStoredClass(type).
+std::size_t storedSize(std::string_view beginning, Code type);
 
 // The value at the beginning of the bytes, which are not trusted. Throws -39 for bytes that end too early, -1702 for
 // bytes that hold no such value. REQUIRES: isStoredClass(type).

@@ -16,6 +16,27 @@ namespace {
 
 constexpr Code RawData = codeOf("rdat");
 
+// Every whole number up to it is a real of its own.
+constexpr long long MostWholeReal = 1LL << 53;
+
+bool isWhole(double number) {
+    return number == std::trunc(number) && std::abs(number) <= static_cast<double>(MostWholeReal);
+}
+
+// Whole numbers beyond the language's integers are reals in a script.
+NSNumber numberOfReal(double number) {
+    bool const isInteger = isWhole(number) && (number > MostInteger || number < LeastInteger);
+    return isInteger ? NSNumber::numberWithLongLong_(static_cast<long long>(number))
+                     : NSNumber::numberWithDouble_(number);
+}
+
+Value valueOfInteger(NSNumber const& number) {
+    bool const isExact = number.kind() == NSNumber::Kind::Signed && number.longLongValue() <= MostWholeReal &&
+                         number.longLongValue() >= -MostWholeReal;
+    if (!isExact) throw plainError(errors::NumberTooLarge);
+    return Value::number(static_cast<double>(number.longLongValue()));
+}
+
 Value valueOfNumber(NSNumber const& number) {
     switch (number.kind()) {
     case NSNumber::Kind::Boolean:
@@ -23,7 +44,7 @@ Value valueOfNumber(NSNumber const& number) {
     case NSNumber::Kind::Real:
         return Value::real(number.doubleValue());
     default:
-        return Value::number(number.doubleValue());
+        return valueOfInteger(number);
     }
 }
 
@@ -65,7 +86,7 @@ id propertyListOfValue(Value const& value) {
     case ValueKind::Integer:
         return NSNumber::numberWithInteger_(value.asInteger());
     case ValueKind::Real:
-        return NSNumber::numberWithDouble_(value.asReal());
+        return numberOfReal(value.asReal());
     case ValueKind::Text:
         return stringOf(value.units());
     case ValueKind::Date:

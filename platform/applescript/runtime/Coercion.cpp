@@ -12,6 +12,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 
 namespace mac::applescript {
@@ -162,13 +163,13 @@ std::optional<Value> aliasListOf(Value const& value, TextContext const& context)
     return Value::list(std::move(aliases));
 }
 
-// The number of a value with a unit; nullopt for another value.
+// The number of a value with a unit; nullopt for another value, and for bytes that are no number.
 std::optional<double> measure(Value const& value) {
     bool const isMeasure = value.is(ValueKind::Data) && unitOf(value.data().type) != nullptr;
     if (!isMeasure || value.data().bytes.size() != sizeof(double)) return {};
     double number = 0;
     std::memcpy(&number, value.data().bytes.data(), sizeof number);
-    return number;
+    return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 // A number with the unit, or what has one in another unit.

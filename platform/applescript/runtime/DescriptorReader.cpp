@@ -11,6 +11,7 @@
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/processes/Processes.h"
+#include <cmath>
 #include <unordered_set>
 
 namespace mac::applescript {
@@ -57,6 +58,7 @@ Value numberIn(AEDesc const& desc) {
     std::optional<DescriptorNumber> const number = numberOf(desc);
     if (!number) throw corrupt();
     double const value = number->asReal();
+    if (!std::isfinite(value)) throw corrupt();
     bool const isReal =
         desc.descriptorType == typeIEEE64BitFloatingPoint || desc.descriptorType == typeIEEE32BitFloatingPoint;
     return isReal ? Value::real(value) : Value::number(value);

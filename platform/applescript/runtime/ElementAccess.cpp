@@ -105,7 +105,7 @@ std::optional<Value> rangeOfText(TextObject const& text, ElementSelector const& 
         if (!from || !to) return {};
         whole = {.start = std::min(from->start, to->start), .end = std::max(from->end, to->end)};
     }
-    // Only now: the ends may be elements of another class, and the text keeps those of one class.
+    // The text keeps the elements of one class alone: those of the ends are looked for before these.
     std::vector<SourceRange> const& ranges = textElements(text, selector.want, context);
     if (isOfPlaces) {
         std::optional<Places> const places = chosenRange(selector, ranges.size(), context);

@@ -81,6 +81,8 @@ private:
     struct FoundHandler {
         ScriptObject* owner{nullptr};
         HandlerDefinition const* handler{nullptr};
+        // Keeps the owner while the arguments are evaluated, which may replace whatever led to it.
+        Value kept{};
     };
 
     // EvaluatorStatements.cpp

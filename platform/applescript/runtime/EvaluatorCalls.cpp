@@ -45,11 +45,13 @@ Evaluator::FoundHandler Evaluator::findHandler(Value const& start, Symbol name) 
     for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
         ScriptObject& script = current.script();
         if (HandlerDefinition const* const handler = script.handlerNamed(name))
-            return {.owner = &script, .handler = handler};
+            return {.owner = &script, .handler = handler, .kept = current};
         // A property that holds a handler is called like one.
         Value const* const held = script.propertyNamed(name);
         if (held && held->is(ValueKind::Handler))
-            return {.owner = &held->handler().owner.script(), .handler = held->handler().definition};
+            return {.owner = &held->handler().owner.script(),
+                    .handler = held->handler().definition,
+                    .kept = held->handler().owner};
         Value const next = script.parent();
         current = next;
     }
@@ -61,7 +63,7 @@ Evaluator::FoundHandler Evaluator::findCommandHandler(Value const& start, EventC
     for (int step = 0; step < LongestChain && current.is(ValueKind::Script); ++step) {
         ScriptObject& script = current.script();
         for (HandlerDefinition const* const handler : script.definition().commandHandlers)
-            if (handler->command->code == event) return {.owner = &script, .handler = handler};
+            if (handler->command->code == event) return {.owner = &script, .handler = handler, .kept = current};
         Value const next = script.parent();
         current = next;
     }

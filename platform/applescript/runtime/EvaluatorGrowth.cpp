@@ -2,6 +2,8 @@
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
+#include <algorithm>
+#include <span>
 
 namespace mac::applescript {
 
@@ -27,6 +29,23 @@ Node const& leftmostOperand(Node const& sum) {
     while (isSum(*node))
         node = node->a;
     return *node;
+}
+
+// Whether the value is had without running any handler, which could change the variables.
+bool runsNothing(Node const& node) {
+    switch (node.kind) {
+    case NodeKind::Literal:
+    case NodeKind::Variable:
+        return true;
+    case NodeKind::Unary:
+        return runsNothing(*node.a);
+    case NodeKind::Binary:
+        return runsNothing(*node.a) && runsNothing(*node.b);
+    case NodeKind::List:
+        return std::ranges::all_of(node.list, [](Node const* item) { return runsNothing(*item); });
+    default:
+        return false;
+    }
 }
 
 void requireRoomFor(std::size_t count, std::size_t most) {
@@ -100,9 +119,16 @@ bool Evaluator::growAtEnd(Node const& target, Node const& sum) {
     // Nothing before a list is that list.
     bool const mayGrow = start.is(ValueKind::Text) || (start.is(ValueKind::List) && !start.items().empty());
     if (!mayGrow) return false;
+    std::vector<Node const*> const operands = addedOperands(sum);
+    // The first operand makes a new list. A handler that a later one runs could still change the variable's list, whose
+    // items must be taken before.
+    bool const isSettled =
+        start.is(ValueKind::Text) ||
+        std::ranges::all_of(std::span(operands).subspan(1), [](Node const* operand) { return runsNothing(*operand); });
+    if (!isSettled) return false;
     HeapObject const* const object = start.object();
     Growth growth(std::move(start), context());
-    for (Node const* const operand : addedOperands(sum))
+    for (Node const* const operand : operands)
         growth.add(valueOf(*operand));
     Value const& held = variable(target);
     Value const grown = growth.take(held.object() == object && isAlone(held, target));

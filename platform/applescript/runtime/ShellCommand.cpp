@@ -65,7 +65,7 @@ ShellCommand::ShellCommand(std::vector<std::string> words, FileDescriptor const&
         ::posix_spawn(&m_process, arguments.front(), &actions, &attributes, arguments.data(), environment.data());
     ::posix_spawnattr_destroy(&attributes);
     ::posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) throw plainError(errors::OutOfMemory);
+    if (failure != 0) throw plainError(failure == E2BIG ? errors::ValueTooLarge : errors::OutOfMemory);
     m_channels[0].read = std::move(output.read);
     m_channels[1].read = std::move(complaints.read);
 }

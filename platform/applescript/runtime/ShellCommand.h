@@ -15,7 +15,7 @@ public:
     static constexpr int HandedDescriptor = 3;
 
     // The first word is the program's path; `handed`, if it is open, is handed to the program. Throws -108 if no
-    // process can be had.
+    // process can be had, -2708 if the words and the environment are more than the system hands to a program.
     explicit ShellCommand(std::vector<std::string> words, FileDescriptor const& handed = {});
     ~ShellCommand();
     ShellCommand(ShellCommand const&) = delete;

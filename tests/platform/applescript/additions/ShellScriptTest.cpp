@@ -84,9 +84,12 @@ TEST(ShellScript, AsksNobodyAsRoot) {
     EXPECT_EQ(textOrErrorOf(u"do shell script \"echo a; id -u\" with administrator privileges"), "a\r0");
 }
 
-std::u16string longScript(std::u16string_view command) {
-    constexpr std::size_t beyondOneArgument = 3'000'000;
-    return u"do shell script \"" + std::u16string(command) + u" # " + std::u16string(beyondOneArgument, u'x') + u"\"";
+constexpr std::size_t BeyondOneArgument = 1'000'000;
+// No limit of the stack's size makes the system take so much.
+constexpr std::size_t BeyondAllArguments = 8'000'000;
+
+std::u16string longScript(std::u16string_view command, std::size_t length = BeyondAllArguments) {
+    return u"do shell script \"" + std::u16string(command) + u" # " + std::u16string(length, u'x') + u"\"";
 }
 
 TEST(ShellScript, RunsACommandOfAnyLength) {
@@ -98,7 +101,32 @@ TEST(ShellScript, RunsACommandOfAnyLength) {
 
 TEST(ShellScript, RunsALongCommandWithPrivileges) {
     Asking const asking(Granted);
-    EXPECT_EQ(textOrErrorOf(longScript(u"printf 'a b'; cat") + u" with administrator privileges"), "a b");
+    std::u16string const privileged = u" with administrator privileges";
+    EXPECT_EQ(textOrErrorOf(longScript(u"printf 'a b'; cat", BeyondOneArgument) + privileged), "a b");
+    EXPECT_EQ(textOrErrorOf(longScript(u"exit 3", BeyondOneArgument) + privileged),
+              "The command exited with a non-zero status. (3)");
+    // As in a short one, no words and no variables are left of how it came.
+    EXPECT_EQ(textOrErrorOf(longScript(u"echo $0 $# $command$piece", BeyondOneArgument) + privileged), "/bin/sh 0");
+}
+
+TEST(ShellScript, JoinsThePiecesOfALongCommandAsTheyWere) {
+    Asking const asking(Granted);
+    std::u16string command = u"do shell script \"printf '";
+    for (int line = 0; line < 60'000; ++line)
+        command += u"é \\\\ ";
+    command += u"' | cksum\"";
+    EXPECT_EQ(textOrErrorOf(command + u" with administrator privileges"), textOrErrorOf(command));
+}
+
+// Programs of the same user could write such a file while the user is asked for a password.
+TEST(ShellScript, GivesPrivilegesToNoFile) {
+    Asking const asking("case \"$*\" in */proc/*|*/fd/*) exit 127;; esac; exec \"$@\"");
+    EXPECT_EQ(textOrErrorOf(longScript(u"echo a", BeyondOneArgument) + u" with administrator privileges"), "a");
+}
+
+TEST(ShellScript, RefusesAPrivilegedCommandBeyondWhatTheSystemTakes) {
+    Asking const asking(Granted);
+    EXPECT_TRUE(textOrErrorOf(longScript(u"echo a") + u" with administrator privileges").ends_with(" (-2708)"));
 }
 
 TEST(ShellScript, TakesNoPassword) {
