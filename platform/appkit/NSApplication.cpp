@@ -66,8 +66,8 @@ private:
 
 void registerViews() {
     registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>();
-    // A program that never made an application object has dialogs, too, if there is a display. One that does not answer
-    // is not tried: the toolkit would end the process.
+    // A program that never made an application object has dialogs, too, if there is a display and if its event loop was
+    // not made before. A display that does not answer is not tried: the toolkit would end the process.
     setUserInterfaceSource([] {
         if (isDisplayThere()) NSApplication::sharedApplication();
     });
