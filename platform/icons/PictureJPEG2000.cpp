@@ -73,19 +73,19 @@ bool hasUsableSizes(std::span<std::byte const> stream, int largestSide) {
     return tiles <= MostTiles && components >= 1 && components <= MostComponents;
 }
 
-unsigned byteAt(std::span<std::byte const> bytes, std::size_t place) {
+unsigned byteOfStreamAt(std::span<std::byte const> bytes, std::size_t place) {
     return place < bytes.size() ? std::to_integer<unsigned>(bytes[place]) : 0;
 }
 
 // The parameters behind the number of decomposition levels, at this place of the segment: sides of code blocks, two
 // bytes of style, then the precincts of each resolution if they are announced.
 bool hasUsableBlocks(std::span<std::byte const> segment, std::size_t place, bool hasPrecincts) {
-    bool const areBlocksLarge =
-        byteAt(segment, place) >= LeastBlockExponent && byteAt(segment, place + 1) >= LeastBlockExponent;
+    bool const areBlocksLarge = byteOfStreamAt(segment, place) >= LeastBlockExponent &&
+                                byteOfStreamAt(segment, place + 1) >= LeastBlockExponent;
     if (!areBlocksLarge) return false;
     if (!hasPrecincts) return true;
     for (std::size_t precinct = place + 4; precinct < segment.size(); ++precinct) {
-        unsigned const sides = byteAt(segment, precinct);
+        unsigned const sides = byteOfStreamAt(segment, precinct);
         if ((sides & 15) < LeastPrecinctExponent || sides >> 4 < LeastPrecinctExponent) return false;
     }
     return true;
@@ -96,9 +96,9 @@ bool isUsableSegment(std::span<std::byte const> segment) {
     std::uint16_t const mark = bigEndian16(segment, 0);
     if (mark == CodingMark) {
         bool const isLayered = segment.size() >= 8 && bigEndian16(segment, 6) <= MostLayers;
-        return isLayered && hasUsableBlocks(segment, 10, (byteAt(segment, 4) & 1) != 0);
+        return isLayered && hasUsableBlocks(segment, 10, (byteOfStreamAt(segment, 4) & 1) != 0);
     }
-    if (mark == ComponentCodingMark) return hasUsableBlocks(segment, 7, (byteAt(segment, 5) & 1) != 0);
+    if (mark == ComponentCodingMark) return hasUsableBlocks(segment, 7, (byteOfStreamAt(segment, 5) & 1) != 0);
     // In a segment that it does not know the library looks for the next one.
     return mark == SizesMark || std::ranges::find(OtherMarks, mark) != OtherMarks.end();
 }
