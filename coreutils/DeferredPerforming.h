@@ -15,6 +15,7 @@ inline constexpr char pxPerformDeferredSelectorNotification[] = "pxPerformDeferr
 // The object handles its requests from now on; without that they have no effect. Not kept alive by it. To be ended by
 // pxUnregisterPerformDeferredSelector, after which waiting requests are lost; registering twice performs twice.
 void pxRegisterPerformDeferredSelector(id receiver);
+// The object handles its requests no longer: those that wait are lost. Nothing happens for one that was not registered.
 void pxUnregisterPerformDeferredSelector(id receiver);
 
 // Requests a call of the selector with the object, which may be nil, and nil as second argument. The last of several

@@ -16,10 +16,13 @@ namespace mac {
 NSImage pxIconForFile(NSString receiver);
 // Trimmed to so many pixels a side; see pxTrimWithDimension_.
 NSImage pxIconForFileWithDimension_(NSString receiver, int dimension);
-// Trimmed to 16, 32, 48 and 128 pixels.
+// Trimmed to 16 pixels a side.
 NSImage pxSmallIconForFile(NSString receiver);
+// Trimmed to 32 pixels a side.
 NSImage pxLargeIconForFile(NSString receiver);
+// Trimmed to 48 pixels a side.
 NSImage pxHugeIconForFile(NSString receiver);
+// Trimmed to 128 pixels a side.
 NSImage pxThumbnailIconForFile(NSString receiver);
 // The icon of files of the type that the text names, an extension or a type code in single quotes, trimmed to 16
 // pixels.

@@ -37,12 +37,14 @@ std::FILE* pxOpenLogFileForPathWithAppending_(NSString receiver, BOOL appending)
 // Appends the formatted message to the log at the path as it is, without time stamp and newline. A nil format raises
 // NSInvalidArgumentException; a nil receiver logs nothing.
 void pxLog_(NSString receiver, NSString format);
+// Formats the arguments first, as NSString::stringWithFormat_ does.
 template <class First, class... Arguments>
 void pxLog_(NSString receiver, NSString format, First const& first, Arguments const&... arguments);
 
 // With the auxiliary flag, appends a whole line: time stamp, a space, the formatted message and a newline. Without it
 // appends the message as pxLog_ does, without newline (deliberately so).
 void pxLogAux_(NSString receiver, BOOL auxiliary, NSString format);
+// Formats the arguments first, as NSString::stringWithFormat_ does.
 template <class First, class... Arguments>
 void pxLogAux_(NSString receiver, BOOL auxiliary, NSString format, First const& first, Arguments const&... arguments);
 
@@ -50,6 +52,7 @@ void pxLogAux_(NSString receiver, BOOL auxiliary, NSString format, First const& 
 // element gets nil, which prints as (null). Nil for a nil receiver.
 NSString pxFormattedStringWithArguments_(NSString receiver, NSArray arguments);
 
+// What is appended: the message as it is, or a whole line that begins with a time stamp.
 enum class LogLine { IsMessageAlone, HasTimeStamp };
 
 // Appends a formatted message; for the templates of this header.

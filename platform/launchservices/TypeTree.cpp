@@ -171,7 +171,7 @@ std::vector<DeclaredType const*> TypeTree::typesWithTag(TagClass tagClass, std::
     if (found == places.end()) return types;
     for (std::size_t const place : found->second)
         types.push_back(&m_types[place]);
-    std::ranges::stable_partition(types, &DeclaredType::isOfBundle);
+    std::stable_partition(types.begin(), types.end(), [](DeclaredType const* type) { return type->isOfBundle; });
     return types;
 }
 
