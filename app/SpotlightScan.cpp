@@ -7,7 +7,7 @@ namespace framekeeper {
 
 void AppController::queryDidStart_(NSNotification const&) const { syncQuery(); }
 
-// Of many results no more than a step's at once, so that Stop is never out of reach.
+// Takes in at most as many results as one step has, so that Stop is never out of reach.
 void AppController::queryGatheringProgress_(NSNotification const&) const {
     if (*this == nil) return;
     if (query().resultCount() > bodyOf(*this)->_pathsInStep)

@@ -29,7 +29,7 @@ constexpr float TitleHeight = 13;
 
 constexpr NSTimeInterval BusyRetryDelay = 1;
 
-// Of a version that is a number, or a text that begins with one; 0 for anything else.
+// The number that a version is or begins with; 0 without one.
 int integerValueOf(id const& version) {
     return version.respondsToSelector_("intValue") ? as<NSNumber>(version.performSelector_("intValue")).intValue() : 0;
 }

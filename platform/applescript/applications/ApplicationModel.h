@@ -25,7 +25,7 @@ public:
 
     // Neither object nor value for a property that it lacks.
     PropertyAnswer answer(Code code);
-    // The same with the specifier of an object as the value.
+    // The value of the property, for an object its specifier; nullopt if the object has no such property.
     std::optional<Value> property(Code code);
     // The record of the properties that are listed in it.
     Value properties();
@@ -51,7 +51,7 @@ struct Meant {
 // An application that is part of this engine: what scripts ask is answered by its objects.
 class ModelApplication : public Application {
 public:
-    // The same object each time.
+    // Answers one dictionary as long as the program runs.
     virtual Dictionary const& dictionary() const = 0;
     Terminology const* terms() const final;
     Value get(Value const& specifier, Code type, TextContext const& context) final;

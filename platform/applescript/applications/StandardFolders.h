@@ -28,7 +28,7 @@ inline constexpr Code Users = codeOf("usrs");
 inline constexpr Code Utilities = codeOf("uti$");
 } // namespace folders
 
-// Whose folder is meant: the user's, that of all users of this computer, or the system's own.
+// The owner of a folder: the user's, that of all users of this computer, or the system's own.
 enum class FolderDomain { User, Local, System };
 
 // The path of the folder, in bytes; it need not exist. nullopt if the domain has none. Main thread.

@@ -30,7 +30,7 @@ std::vector<ModelPointer> disks();
 // By POSIX path, HFS path or the name of a disk; nullptr if there is no such item.
 ModelPointer diskItemNamed(Code elementType, std::u16string const& name);
 ModelPointer diskItemAt(std::string const& path);
-// The same path as diskItemNamed takes it; nullopt for a name that no item can have.
+// The path, in bytes, of what diskItemNamed finds by this name; nullopt for a name that no item can have.
 std::optional<std::string> pathNamed(std::u16string const& name);
 // nullptr for an object that lies on no disk.
 std::shared_ptr<FinderItem> itemOf(ModelObject const& object);

@@ -191,7 +191,7 @@ public:
         return std::make_shared<PropertyListItem>(
             m_item->path(), Steps(), propertySpecifier(termSymbol(codes::Contents, u"contents"), specifier()));
     }
-    // Of the whole list, since a script's `contents of` is lost on the way here.
+    // Reads the property from the whole list, since a script's `contents of` is lost on the way here.
     template <Code Property>
     Value ofContents() const {
         return contents()->property(Property).value_or(Value::missing());

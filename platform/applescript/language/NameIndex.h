@@ -10,7 +10,7 @@ namespace mac::applescript {
 // the same one.
 class NameIndex {
 public:
-    // Nothing where the name is not there.
+    // The place of the name; nullopt if it is not there.
     std::optional<std::uint32_t> placeOf(Symbol name) const {
         auto const found = m_places.find(name->canonical);
         return found == m_places.end() ? std::nullopt : std::optional(found->second);

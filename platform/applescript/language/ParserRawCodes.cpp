@@ -18,7 +18,7 @@ int hexDigit(char16_t unit) {
     return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }
 
-// Nothing where the digits are not whole bytes.
+// The bytes that the digits write down; nullopt if a byte is cut or a digit is none.
 std::optional<std::string> bytesOfHex(std::u16string_view digits) {
     std::string bytes;
     if (digits.size() % 2 != 0) return {};

@@ -209,7 +209,7 @@ struct ScriptDefinition {
     NameIndex propertyPlaces{};
     std::vector<HandlerDefinition*> handlers{};
     NameIndex handlerPlaces{};
-    // Of the handlers those of commands.
+    // The handlers that commands call.
     std::vector<HandlerDefinition*> commandHandlers{};
     HandlerDefinition* run{nullptr};
     bool hasRunHandler{false};

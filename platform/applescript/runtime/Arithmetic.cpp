@@ -103,7 +103,7 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
         }
         return Value::record(std::move(fields));
     }
-    // Nothing before a list is the list itself.
+    // An empty list before a list gives that list itself, not a copy.
     bool const addsNothing = left.is(ValueKind::List) && left.items().empty() && right.is(ValueKind::List);
     if (addsNothing) return right;
     // A record gives its values.

@@ -116,7 +116,7 @@ bool Evaluator::isAlone(Value const& value, Node const& target) {
 
 bool Evaluator::growAtEnd(Node const& target, Node const& sum) {
     Value start = variable(target);
-    // Nothing before a list is that list.
+    // An empty list does not grow: what follows it may be the answer itself.
     bool const mayGrow = start.is(ValueKind::Text) || (start.is(ValueKind::List) && !start.items().empty());
     if (!mayGrow) return false;
     std::vector<Node const*> const operands = addedOperands(sum);
