@@ -1,7 +1,7 @@
 #include "tests/faults/KnownBreaks.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
-#include <chrono>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <optional>
@@ -46,13 +46,16 @@ protected:
     Fixture const m_fixture{m_first.path(), m_second.isMounted() ? std::optional(m_second.path()) : std::nullopt};
 };
 
-// The clock's nanoseconds: another part of the points in each run.
-std::uint64_t newSeed() {
-    return static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+// The same part of the points in each run, so that a change is what makes it fail; FRAMEKEEPER_FAULT_SEED chooses
+// another.
+std::uint64_t chosenSeed() {
+    constexpr std::uint64_t usual = 20261122;
+    char const* const text = std::getenv("FRAMEKEEPER_FAULT_SEED");
+    return text ? std::strtoull(text, nullptr, 10) : usual;
 }
 
 TEST_F(Faults, BreakNoPromise) {
-    std::uint64_t const seed = newSeed();
+    std::uint64_t const seed = chosenSeed();
     std::cout << "seed " << seed << ", one point of " << Stride
               << (m_second.isMounted() ? "" : "; left out: operations on two volumes, for want of mounts") << '\n';
     Campaign campaign(m_fixture, {.stride = Stride,

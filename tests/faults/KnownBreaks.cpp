@@ -55,6 +55,7 @@ std::vector<KnownBreak> const& knownBreaks() {
         {{"into a folder and replace"}, NoLeftovers, Kill, removing, everywhere, aside},
         {{"into a folder and replace"}, ItemIsWhole, Kill, beginning, everywhere, aside},
         {{"into a folder and replace"}, ItemIsWhole, Fail, beginning, everywhere, aside},
+        {{"into a folder and replace"}, ItemIsWhole, Fail, {"renameat"}, Volume::WithoutExclusiveRename, aside},
         {{"and replace"}, ItemIsWhole, Fail, {"unlinkat"}, everywhere, both},
     };
     return rows;
