@@ -138,7 +138,7 @@ BundleSummary summaryOf(NSDictionary const& information) {
             information.objectForKey_(keys.shortVersion)};
 }
 
-// Nothing if a value is too large to be kept, or of a class that tells no version.
+// The summary to keep; nullopt if a value is too large, or of a class that tells no version.
 std::optional<BundleSummary> keptSummaryOf(NSDictionary const& information) {
     BundleSummary const summary = summaryOf(information);
     bool const fits =

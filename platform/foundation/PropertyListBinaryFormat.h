@@ -29,7 +29,7 @@ enum class BinaryMarker : std::uint8_t {
     Data = 0x4,
     ASCII = 0x5,
     UTF16 = 0x6,
-    // Of a keyed archive. The lower half is the number of bytes less one.
+    // A UID in a keyed archive. The lower half is the number of bytes less one.
     Identifier = 0x8,
     Array = 0xA,
     Dictionary = 0xD,

@@ -23,6 +23,7 @@ std::vector<KnownBreak> const& knownBreaks() {
     constexpr std::string_view aside =
         "what could not be removed of the replaced item keeps the temporary name that the error tells";
     constexpr std::string_view both = "a file whose first name cannot go keeps both where renaming takes steps";
+    constexpr std::string_view unexplained = "not yet explained: an item is neither old nor new under its name";
     Names const copies{"copy a file", "copy a folder", "path: copy", "duplicate a file and replace"};
     Names const sidecars{"take over the information", "exchange two files", "set a comment"};
     Names const writing{"write a file that exists", "write a property list", "create a file that exists"};
@@ -55,7 +56,7 @@ std::vector<KnownBreak> const& knownBreaks() {
         {{"into a folder and replace"}, NoLeftovers, Kill, removing, everywhere, aside},
         {{"into a folder and replace"}, ItemIsWhole, Kill, beginning, everywhere, aside},
         {{"into a folder and replace"}, ItemIsWhole, Fail, beginning, everywhere, aside},
-        {{"into a folder and replace"}, ItemIsWhole, Fail, {"renameat"}, Volume::WithoutExclusiveRename, aside},
+        {{"into a folder and replace"}, ItemIsWhole, Fail, {"renameat"}, Volume::WithoutExclusiveRename, unexplained},
         {{"and replace"}, ItemIsWhole, Fail, {"unlinkat"}, everywhere, both},
     };
     return rows;

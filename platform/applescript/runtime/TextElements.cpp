@@ -129,7 +129,7 @@ bool isTextElementClass(Code elementClass) {
 
 struct FoundTextElements {
     Code elementClass{0};
-    // Of text items: what they were found by.
+    // The delimiters that text items were found by.
     std::vector<std::u16string> delimiters{};
     unsigned considered{0};
     std::vector<SourceRange> ranges{};

@@ -21,7 +21,8 @@ struct ProgramFile {
 
 // The path behind one of the links that the system keeps for a process (/proc/PID/exe, .../cwd, .../fd/N), without the
 // mark " (deleted)" that it appends when the name is gone. A name that ends so itself is kept: it leads to the item.
-// Nothing for a link that cannot be read, and for a path that is longer than the system reports.
+// The path that the link leads to; nullopt for a link that cannot be read, and for a path that is longer than the
+// system reports.
 std::optional<std::string> pathBehind(char const* link);
 
 // The executable, as the process holds it.
