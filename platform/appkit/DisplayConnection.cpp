@@ -1,4 +1,5 @@
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/desktop/X11Display.h"
 #include <algorithm>
 #include <condition_variable>
 #include <cstdio>
@@ -117,9 +118,7 @@ bool isDisplayThere() {
         bool const isPath = wayland.starts_with('/');
         return takesConnections(isPath ? wayland : environment("XDG_RUNTIME_DIR") + "/" + wayland);
     }
-    std::string const display = environment("DISPLAY");
-    if (!display.starts_with(':')) return false;
-    return takesConnections("/tmp/.X11-unix/X" + display.substr(1, display.find('.') - 1));
+    return X11Display::open() != nullptr;
 }
 
 } // namespace mac
