@@ -7,7 +7,7 @@
 
 namespace framekeeper {
 
-void registerApp() {
+void registerController() {
     registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer, InTrashTransformer>();
 }
 

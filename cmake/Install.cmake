@@ -35,7 +35,7 @@ endfunction()
 framekeeper_with_included(public_headers ${headers} ${library_headers})
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/)
 
-add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_library>)
+add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_operations> $<TARGET_OBJECTS:framekeeper_library>)
 foreach(room IN LISTS rooms)
   target_sources(framekeeper_shared PRIVATE $<TARGET_OBJECTS:${room}>)
   get_target_property(hidden ${room} FRAMEKEEPER_HIDES)
@@ -52,7 +52,7 @@ set_target_properties(
              SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
-framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_library)
+framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_operations framekeeper_library)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
 install(
