@@ -112,6 +112,32 @@ TEST_F(Command, DeletesOnlyWhenThatIsConfirmed) {
     EXPECT_FALSE(isThere(copy));
 }
 
+// On a terminal of its own, which script(1) makes; answers what the terminal showed.
+std::string shownOnATerminal(std::string const& words, std::string const& copy, std::string const& answer) {
+    mac::test::EnvironmentVariable const program("COMMAND", FRAMEKEEPER_CLI);
+    mac::test::EnvironmentVariable const path("COPY", copy);
+    mac::test::ChildProcess terminal({"/usr/bin/script", "-qec", "\"$COMMAND\" " + words, "/dev/null"});
+    terminal.writeLine(answer);
+    std::string shown;
+    for (std::string line = terminal.readLine(); !line.empty(); line = terminal.readLine())
+        shown += line + '\n';
+    terminal.wait();
+    return shown;
+}
+
+TEST_F(Command, AsksOnATerminalBeforeItDeletes) {
+    std::string const copy = copyAt("a");
+    EXPECT_NE(shownOnATerminal("delete \"$COPY\"", copy, "n").find("Delete for good? [y/N]"), std::string::npos);
+    EXPECT_TRUE(isThere(copy));
+    shownOnATerminal("delete \"$COPY\"", copy, "y");
+    EXPECT_FALSE(isThere(copy));
+}
+
+TEST_F(Command, TellsHowFarTheSearchIsOnATerminal) {
+    std::string const shown = shownOnATerminal("list", copyAt("a"), "");
+    EXPECT_NE(shown.find("Searching: "), std::string::npos) << shown;
+}
+
 TEST_F(Command, TouchesNothingThatIsNoCopy) {
     std::string const folder = m_desktop.folder.makeFolder("home/Letters");
     for (char const* const verb : {"reveal", "trash", "swap-icon", "quit", "restore"})
