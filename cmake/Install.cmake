@@ -50,6 +50,10 @@ set_target_properties(
              VERSION ${PROJECT_VERSION}
              # What programs were built against stays as it is while this number does; so says the version file, too.
              SOVERSION ${PROJECT_VERSION_MAJOR})
+# What the installed headers declare is exported, and nothing else (scripts/exported-symbols).
+set(exported ${PROJECT_SOURCE_DIR}/packaging/libframekeeper.map)
+target_link_options(framekeeper_shared PRIVATE -Wl,--version-script=${exported})
+set_target_properties(framekeeper_shared PROPERTIES LINK_DEPENDS ${exported})
 target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
 framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_operations framekeeper_library)
