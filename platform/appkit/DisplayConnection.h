@@ -12,8 +12,8 @@ namespace mac {
 std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv,
                                                std::chrono::milliseconds patience = std::chrono::seconds(15));
 
-// Whether the display that the environment names takes this program's connections now; waits for it within the thread's
-// patience (platform/desktop/Patience.h). Any thread.
+// Whether the display that the environment names takes connections now and, unless it is a Wayland display, answers
+// within the thread's patience. Any thread.
 bool isDisplayThere();
 
 } // namespace mac

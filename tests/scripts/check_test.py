@@ -20,6 +20,7 @@ include_directories(${PROJECT_SOURCE_DIR})
 add_subdirectory(platform/foundation)
 add_subdirectory(pathutils)
 add_subdirectory(app)
+add_subdirectory(fuzz)
 add_subdirectory(tests)
 """,
     "CMakePresets.json": """{ "version": 6, "configurePresets": [ { "name": "check", "generator": "Ninja",
@@ -171,6 +172,13 @@ mac::Method const row = mac::method<&AppController::trashAction_>("trashAction:"
 
 } // namespace framekeeper
 """,
+    "fuzz/CMakeLists.txt": "add_library(fuzz OBJECT VersionFuzz.cpp)\n",
+    "fuzz/VersionFuzz.cpp": """#include "pathutils/BundleVersions.h"
+
+int read();
+int read() { return mac::pxVersionOfPath({}); }
+""",
+    "fuzz/corpus/VersionFuzz/short": "1.0",
     "tests/CMakeLists.txt": "add_library(tests OBJECT app/ItemActionsTest.cpp pathutils/BundleVersionsTest.cpp)\n",
     "tests/app/ItemActionsTest.cpp": """#include "app/AppController.h"
 
@@ -268,6 +276,9 @@ PLANTED = [
     ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
     ("registered", [after("platform/foundation/NSString.h", 7, "    static ClassDescription describeClass();\n")],
      "platform/foundation/NSString.h:6: ", "never registered"),
+    ("registered", [new("fuzz/NameFuzz.cpp", "\n"), replace("fuzz/CMakeLists.txt", "OBJECT", "OBJECT NameFuzz.cpp")], "fuzz/NameFuzz.cpp:1: ", "has no corpus"),
+    ("registered", [new("fuzz/corpus/NameFuzz/one", "\n")], "fuzz/corpus/NameFuzz:1: ", "belongs to no target"),
+    ("registered", [new("fuzz/NameFuzz.dict", "\n")], "fuzz/NameFuzz.dict:1: ", "belongs to no target"),
     # rules
     ("rules", [after("pathutils/BundleVersions.cpp", 3, "void* nothing = nullptr;\n")], "pathutils/BundleVersions.cpp:4: ", "nil"),
     ("rules", [after("app/ItemActions.cpp", 3, "int* leak() { return new int(3); }\n")], "app/ItemActions.cpp:4: ", "adopt"),

@@ -2,12 +2,27 @@
 #include "platform/foundation/EventLoop.h"
 #include "tests/support/CommandOutput.h"
 #include <csignal>
+#include <stdexcept>
 
 namespace mac::test {
 
 namespace {
 
 constexpr char AccessibilityBus[] = "/usr/libexec/at-spi-bus-launcher";
+
+// The program fails if a window goes while it reads them.
+std::string windowTree() {
+    std::string tree;
+    waitUntil([&] {
+        try {
+            tree = outputOf({"xwininfo", "-root", "-tree"});
+        } catch (std::runtime_error const&) {
+            return false;
+        }
+        return true;
+    });
+    return tree;
+}
 
 } // namespace
 
@@ -43,9 +58,16 @@ VirtualSession::~VirtualSession() {
 }
 
 bool VirtualSession::showsWindow(std::string const& title) {
-    return waitUntil([&] {
-        return outputOf({"xwininfo", "-root", "-tree"}).find("\"" + title + "\"") != std::string::npos;
-    });
+    return waitUntil([&] { return countWindows(title) > 0; });
+}
+
+std::size_t VirtualSession::countWindows(std::string const& title) {
+    std::string const tree = windowTree();
+    std::string const quoted = "\"" + title + "\"";
+    std::size_t count = 0;
+    for (std::size_t place = tree.find(quoted); place != std::string::npos; place = tree.find(quoted, place + 1))
+        ++count;
+    return count;
 }
 
 bool VirtualSession::hasElement(std::string const& beginning) {

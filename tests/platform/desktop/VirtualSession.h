@@ -41,8 +41,14 @@ public:
     VirtualSession(VirtualSession const&) = delete;
     VirtualSession& operator=(VirtualSession const&) = delete;
 
+    // To a neighbour of the programs in the session, such as SIGSTOP.
+    void sendSignalToDisplay(int signal) const { m_server.sendSignal(signal); }
+    void sendSignalToBus(int signal) const { m_bus.sendSignal(signal); }
+
     // Waits for a window of that title; false after a minute.
     static bool showsWindow(std::string const& title);
+    // How many windows have that title.
+    static std::size_t countWindows(std::string const& title);
     // Whether there is an element whose role and name begin so.
     static bool hasElement(std::string const& beginning);
     // Waits for an element whose role and name begin so ("status bar \"letter.txt\""); false after a minute.
