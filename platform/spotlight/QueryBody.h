@@ -5,6 +5,7 @@
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include "platform/system/walker/WalkMemory.h"
 #include <functional>
 #include <memory>
 #include <set>
@@ -54,6 +55,9 @@ private:
     void scheduleDelivery();
     void deliverFinds();
     bool takeFinds();
+    // Takes away the results that were remembered and that the walk, now finished, did not come to.
+    bool takeAwayVanished();
+    std::shared_ptr<WalkMemory> memory();
     void finishGathering(VolumeWalkProgress const& progress);
     void tellUnreadable(VolumeWalkProgress const& progress);
     std::set<std::string> takeChangedFolders();
@@ -65,8 +69,9 @@ private:
 
     QueryClock const m_clock;
     VolumeWalkRequest m_request;
-    NSPredicate m_runningPredicate; // a new one is for the next start
-    std::unique_ptr<VolumeWalker> m_walker;
+    NSPredicate m_runningPredicate;         // a new one is for the next start
+    std::unique_ptr<VolumeWalker> m_walker; // stays after the end of gathering, to leave what the next one needs
+    std::shared_ptr<WalkMemory> m_memory;
     std::unique_ptr<FolderWatch> m_watch;
     std::set<std::string> m_changedFolders;
     NSTimer m_timer;
