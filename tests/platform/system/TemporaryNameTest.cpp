@@ -1,4 +1,6 @@
 #include "platform/system/TemporaryName.h"
+#include "fuzz/TemporaryNameTrial.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include <cerrno>
@@ -155,6 +157,8 @@ TEST(TemporaryName, IsItsOwnInAProcessThatWasForked) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
 }
+
+TEST(TemporaryName, OfTheCorpusHolds) { expectNoComplaints("TemporaryNameFuzz", &fuzz::complaintAboutTemporaryName); }
 
 } // namespace
 
