@@ -6,6 +6,8 @@
 #include "platform/foundation/Weak.h"
 #include "platform/spotlight/SearchPlan.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/XDGFolders.h"
+#include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/FolderPackages.h"
 #include <algorithm>
 #include <cstring>
@@ -51,6 +53,8 @@ bool NSMetadataQuery::Body::start() {
     if (m_phase == Phase::Gathering || m_phase == Phase::Live || m_predicate == nil) return false;
     std::optional<VolumeWalkRequest> request = planSearch(m_predicate, m_searchScopes);
     if (!request) return false;
+    // What is remembered is of the whole computer.
+    if (m_searchScopes.containsObject_(NSMetadataQueryLocalComputerScope)) request->memory = memory();
 
     Weak<NSMetadataQuery> const query(self());
     std::uint64_t const walk = ++m_walk;
@@ -110,6 +114,8 @@ void NSMetadataQuery::Body::scheduleDelivery() {
     if (m_disabledUpdates > 0 || m_timer.isValid()) return;
     NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
     NSTimeInterval delay = std::min(FirstBatchDelay, interval);
+    // What is remembered comes in one piece, so there is nothing to wait for.
+    if (m_phase == Phase::Gathering && m_walker->progress().isRemembered) delay = 0;
     if (m_lastDelivery != nil)
         delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceDate_(m_clock.now()), 0.0, interval);
     if (m_phase == Phase::Gathering) {
@@ -148,11 +154,12 @@ void NSMetadataQuery::Body::deliverFinds() {
     Taking const taken = std::move(*m_taking);
     m_taking.reset();
     bool const isMore = taken.results.count() > m_results.count();
-    if (!isMore && taken.progress.isFinished) return finishGathering(taken.progress);
     if (isMore) m_results = uncheckedCast<NSArray>(taken.results.copy());
+    bool const isLess = takeAwayVanished();
+    if (!isMore && !isLess && taken.progress.isFinished) return finishGathering(taken.progress);
     // The end comes with a delivery of its own, also when an observer of this one raises.
     if (taken.progress.isFinished) scheduleDelivery();
-    if (isMore) post(NSMetadataQueryGatheringProgressNotification);
+    if (isMore || isLess) post(NSMetadataQueryGatheringProgressNotification);
 }
 
 bool NSMetadataQuery::Body::takeFinds() {
@@ -170,9 +177,28 @@ bool NSMetadataQuery::Body::takeFinds() {
     return end == m_taking->paths.size();
 }
 
+bool NSMetadataQuery::Body::takeAwayVanished() {
+    std::vector<std::string> const vanished = m_walker->vanished();
+    if (vanished.empty()) return false;
+    std::set<std::string> const gone(vanished.begin(), vanished.end());
+    NSMutableArray const results = NSMutableArray::array();
+    for (id const& result : m_results) {
+        if (!gone.contains(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/")))
+            results.addObject_(result);
+    }
+    bool const isLess = results.count() < m_results.count();
+    if (isLess) m_results = uncheckedCast<NSArray>(results.copy());
+    return isLess;
+}
+
+std::shared_ptr<WalkMemory> NSMetadataQuery::Body::memory() {
+    std::string const folder = BytePath(cacheHome()).joined("framekeeper");
+    if (!m_memory || m_memory->folder() != folder) m_memory = std::make_shared<WalkMemory>(folder, &folderClock);
+    return m_memory;
+}
+
 void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
     std::uint64_t const walk = m_walk;
-    m_walker.reset();
     {
         KeyChange const change(self(), "unreadableFolderCount");
         m_unreadableFolderCount =

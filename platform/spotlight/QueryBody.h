@@ -6,6 +6,7 @@
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include "platform/system/walker/WalkMemory.h"
 #include <functional>
 #include <memory>
 #include <optional>
@@ -83,6 +84,9 @@ private:
     void deliverFinds();
     // False while finds are left for another step.
     bool takeFinds();
+    // Takes away the results that were remembered and that the walk, now finished, did not come to.
+    bool takeAwayVanished();
+    std::shared_ptr<WalkMemory> memory();
     void finishGathering(VolumeWalkProgress const& progress);
     void tellUnreadable(VolumeWalkProgress const& progress);
     void deliverFolderChanges();
@@ -97,8 +101,9 @@ private:
     QueryClock const m_clock;
     std::size_t const m_itemsInStep;
     VolumeWalkRequest m_request;
-    NSPredicate m_runningPredicate; // a new one is for the next start
-    std::unique_ptr<VolumeWalker> m_walker;
+    NSPredicate m_runningPredicate;         // a new one is for the next start
+    std::unique_ptr<VolumeWalker> m_walker; // stays after the end of gathering, to leave what the next one needs
+    std::shared_ptr<WalkMemory> m_memory;
     std::unique_ptr<FolderWatch> m_watch;
     std::set<std::string> m_changedFolders;
     std::optional<Taking> m_taking;
