@@ -171,7 +171,10 @@ private:
     TrashProblem takeBack(TrashReservation& reservation, TrashProblem problem, std::string const& name) const {
         Result<void, RenameProblem> const back =
             renameItem(m_item.item, {m_trash.files, name}, {m_item.folder, m_item.name}, renameStepsOf(m_steps));
-        if (back.isDone()) reservation.giveUp();
+        if (back.isDone()) {
+            reservation.giveUp();
+            followMovedItem(m_item.folder, m_item.name);
+        }
         if (back.isDone() || back.problem().movedWrongItem) return problem;
         // The item is in the trash, so no other name is to be tried.
         if (problem.kind == TrashProblem::NameTaken) problem.kind = TrashProblem::Other;

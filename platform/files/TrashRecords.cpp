@@ -1,8 +1,10 @@
 #include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/ExclusiveRename.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
 #include <cerrno>
@@ -87,10 +89,17 @@ Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, s
     return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
-void removeInformation(TrashPlace const& trash, std::string const& name) {
+Result<void> removeInformation(TrashPlace const& trash, std::string const& name) {
     std::string const file = TrashInformation::nameFor(name);
-    while (::unlinkat(trash.information.number(), file.c_str(), 0) != 0 && errno == EINTR)
-        ;
+    for (;;) {
+        if (::unlinkat(trash.information.number(), file.c_str(), 0) == 0) return {};
+        SystemError error = lastSystemError("unlink", file);
+        if (error.is(EINTR)) continue;
+        if (error.is(ENOENT)) return {};
+        Result<std::string> const unused = temporaryName();
+        bool const isRecord = !unused.hasValue() || !moveAside(trash.information, file, unused.value()).isDone();
+        return isRecord ? error : Result<void>();
+    }
 }
 
 Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name) {

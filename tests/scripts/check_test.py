@@ -29,6 +29,22 @@ add_subdirectory(tests)
     "README.md": "# Small\n\nRead [the rules](CONTRIBUTING.md).\n",
     "CONTRIBUTING.md": "Keep `app/ItemActions.cpp` small; build/small/app is made, docs/TOPIC is any, /docs/x is elsewhere.\n",
     "run": "#!/usr/bin/env bash\nset -eu\necho \"$#\"\n",
+    "packaging/small.desktop": "[Desktop Entry]\nType=Application\nName=Small\nExec=small\n",
+    "packaging/com.example.small.metainfo.xml.in": """<?xml version="1.0" encoding="UTF-8"?>
+<component type="console-application">
+  <id>com.example.small</id>
+  <metadata_license>MIT</metadata_license>
+  <project_license>MIT</project_license>
+  <name>Small</name>
+  <summary>Does little</summary>
+  <description><p>It does next to nothing, and says so in a few words.</p></description>
+  <url type="homepage">https://small.example/</url>
+  <provides><binary>small</binary></provides>
+  <releases><release version="@VERSION@" date="2026-01-01"/></releases>
+</component>
+""",
+    "packaging/icons/16.svg": '<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 16 16"/>\n',
+    "docs/man/small.1": ".TH SMALL 1\n.SH NAME\nsmall \\- does little\n",
     "docs/operations.txt": """# Operations.
 
 app/ItemActions
@@ -291,8 +307,16 @@ PLANTED = [
     ("documents", [after("run", 2, "cd $1\n")], "run:3: ", "SC2086"),
     ("documents", [new("scripts/count.py", "def (:\n")], "scripts/count.py:1: ", "invalid syntax"),
     ("documents", [lambda root: (root / "run").chmod(0o644)], "run:1: ", "cannot be run"),
+    ("documents", [new("packaging/small.bash", "# shellcheck shell=bash\ncd $1\n")], "packaging/small.bash:2: ", "SC2086"),
+    # package
+    ("package", [replace("packaging/small.desktop", "Type=", "Version=1.5\nType=")], "packaging/small.desktop:1: ", "1.5"),
+    ("package", [replace("packaging/com.example.small.metainfo.xml.in", "<name>Small</name>", "")],
+     "packaging/com.example.small.metainfo.xml.in:", "name"),
+    ("package", [after("docs/man/small.1", 3, ".FROB\n")], "docs/man/small.1:4: ", "FROB"),
+    ("package", [replace("packaging/icons/16.svg", "0 0 16 16", "0 0 48 48")], "packaging/icons/16.svg:1: ", "grid"),
+    ("package", [replace("packaging/icons/16.svg", "/>", ">")], "packaging/icons/16.svg:2: ", "no element"),
 ]
-CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "reference", "tidy"]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "tidy"]
 
 
 class Check(unittest.TestCase):

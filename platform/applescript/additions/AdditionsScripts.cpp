@@ -66,17 +66,6 @@ std::u16string sourceIn(std::string bytes) {
     return textOfBytes(bytes);
 }
 
-std::shared_ptr<SyntaxTree> compiledAlone(std::u16string const& source) {
-    try {
-        return ScriptParser(source, terminologySource()).parse();
-    } catch (ScriptError& error) {
-        // The place is one in the other source.
-        error.range.reset();
-        error.isSyntax = false;
-        throw;
-    }
-}
-
 std::u16string sourceOfScript(ScriptObject const& script) {
     SourceRange const body = script.definition().body;
     return script.tree()->source.substr(body.start, body.end - body.start);
@@ -115,7 +104,7 @@ Value loadScript(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const source = sourceIn(bytesOfScript(file));
     Evaluator inner(evaluator.state(), evaluator.options());
     try {
-        return inner.load(compiledAlone(source));
+        return inner.load(parsedWithinScript(source));
     } catch (ScriptError& error) {
         error.range.reset();
         throw;
@@ -134,7 +123,7 @@ Value storeScript(Evaluator& evaluator, CommandArguments const& arguments) {
     ScriptFile const file = scriptFileNamed(*in, context);
     std::u16string const source = sourceOfScript(given.script());
     std::string const bytes = storedScript(source);
-    compiledAlone(source);
+    parsedWithinScript(source);
     FileReplacement const replacement = replacementOf(file, arguments.find(codeOf("savo")));
     Result<void> const written = replaceFileAtPath(file.bytes, std::as_bytes(std::span(bytes)), replacement);
     if (!written.isDone()) throw errorAbout(written.problem(), file);

@@ -2,12 +2,12 @@
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/StandardFolders.h"
 #include "platform/applescript/language/Codes.h"
-#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/desktop/FrontProcess.h"
 #include "platform/files/Trash.h"
@@ -148,7 +148,7 @@ Value runScript(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string const source = requireText(script, evaluator.context());
     try {
         Evaluator inner(evaluator.state(), evaluator.options());
-        Value const loaded = inner.load(ScriptParser(source, terminologySource()).parse());
+        Value const loaded = inner.load(parsedWithinScript(source));
         return inner.runScript(loaded.script(), parameters);
     } catch (ScriptError& error) {
         error.range.reset();

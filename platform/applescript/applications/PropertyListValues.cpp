@@ -1,6 +1,6 @@
 #include "platform/applescript/applications/PropertyListValues.h"
 #include "platform/applescript/language/Codes.h"
-#include "platform/applescript/language/StackRoom.h"
+#include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptError.h"

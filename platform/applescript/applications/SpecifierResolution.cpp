@@ -1,9 +1,9 @@
 #include "platform/applescript/applications/SpecifierResolution.h"
 #include "platform/applescript/language/Codes.h"
-#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"
+#include "platform/applescript/runtime/ScriptError.h"
 #include <algorithm>
 
 namespace mac::applescript {

@@ -27,6 +27,7 @@ inline constexpr Code IntegerType = codeOf("long");
 inline constexpr Code Item = codeOf("cobj");
 inline constexpr Code ListType = codeOf("list");
 inline constexpr Code LoginItem = codeOf("logi");
+inline constexpr Code MissingValue = codeOf("msng");
 inline constexpr Code NumberType = codeOf("nmbr");
 inline constexpr Code Package = codeOf("pack");
 inline constexpr Code Process = codeOf("prcs");
@@ -38,7 +39,9 @@ inline constexpr Code POSIXFileType = codeOf("psxf");
 inline constexpr Code RealType = codeOf("doub");
 inline constexpr Code RecordType = codeOf("reco");
 inline constexpr Code ReferenceType = codeOf("obj ");
+inline constexpr Code ScriptType = codeOf("scpt");
 inline constexpr Code StringType = codeOf("TEXT");
+inline constexpr Code CharacterType = codeOf("cha ");
 inline constexpr Code TextType = codeOf("ctxt");
 inline constexpr Code UnicodeTextType = codeOf("utxt");
 inline constexpr Code AnyType = codeOf("****");
@@ -71,6 +74,7 @@ inline constexpr Code Locked = codeOf("aslk");
 inline constexpr Code ModificationDate = codeOf("asmo");
 inline constexpr Code Name = codeOf("pnam");
 inline constexpr Code NameExtension = codeOf("nmxt");
+inline constexpr Code Parent = codeOf("pare");
 inline constexpr Code Path = codeOf("ppth");
 inline constexpr Code PhysicalSize = codeOf("phys");
 inline constexpr Code POSIXPath = codeOf("psxp");
@@ -86,10 +90,16 @@ inline constexpr Code Value = codeOf("valL");
 inline constexpr Code Version = codeOf("vers");
 inline constexpr Code Visible = codeOf("pvis");
 
+inline constexpr Code TextItemDelimiters = codeOf("txdl");
+
+inline constexpr Code InsertionLocation = codeOf("insl");
+inline constexpr Code DataParameter = codeOf("data");
+inline constexpr Code DirectParameter = codeOf("----");
 inline constexpr Code InsertionParameter = codeOf("insh");
 inline constexpr Code NewClassParameter = codeOf("kocl");
 inline constexpr Code PropertiesParameter = codeOf("prdt");
 inline constexpr Code ReplacingParameter = codeOf("alrp");
+inline constexpr Code RequestedTypeParameter = codeOf("rtyp");
 inline constexpr Code ToParameter = codeOf("to  ");
 
 } // namespace mac::applescript::codes

@@ -1,3 +1,4 @@
+#include "platform/applescript/language/ErrorNumbers.h"
 #include "platform/applescript/language/ScriptParser.h"
 #include <array>
 
@@ -24,198 +25,227 @@ constexpr auto Attributes = std::to_array<Attribute>({
 
 } // namespace
 
-Node* ScriptParser::parseRepeat() {
-    std::size_t const first = m_place;
-    Node& node = make(NodeKind::Repeat, first);
-    advance();
-    bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
-    if (takeWord("while")) {
-        node.kind = NodeKind::RepeatWhile;
-        node.a = &parseExpression();
-    } else if (takeWord("until")) {
-        node.kind = NodeKind::RepeatUntil;
-        node.a = &parseExpression();
-    } else if (takeWord("with")) {
-        std::size_t const place = m_place;
-        Term const* const term = current().kind == TokenKind::Word ? matchTerm().term : nullptr;
-        bool const isTerm = term && term->propertyCode != 0 && matchTerm().tokenCount == 1;
-        Symbol const name =
-            isTerm ? termSymbol(term->propertyCode, term->name) : takeIdentifier(u"variable name or property");
-        if (isTerm) {
-            m_body->assignedTerms.add(name);
-            advance();
-        }
-        node.c = &makeVariable(name, place);
-        if (takeWord("from")) {
-            node.kind = NodeKind::RepeatFrom;
-            node.list.push_back(&parseExpression());
-            expectWord("to");
-            node.list.push_back(&parseExpression());
-            node.list.push_back(takeWord("by") ? &parseExpression() : nullptr);
-        } else {
-            if (!takeWord("in")) expected(u"“from”, etc.");
-            node.kind = NodeKind::RepeatIn;
-            node.a = &parseExpression();
-        }
-    } else if (!current().endsStatement()) {
-        node.kind = NodeKind::RepeatTimes;
-        node.a = &parseExpression();
-        takeWord("times");
-    }
-    m_labelsAllowed = labelsAllowed;
+// The block after the head of a loop, up to `end repeat`.
+Statement* ScriptParser::parseLoopBlock() {
     expectEndOfStatement(true);
     ++m_repeatDepth;
-    node.b = &parseBlock();
+    Statement* const block = parseBlock();
     --m_repeatDepth;
     expectEndOf("repeat");
-    return &close(node);
+    return block;
 }
 
-Node* ScriptParser::parseTry() {
-    std::size_t const first = m_place;
-    Node& node = make(NodeKind::Try, first);
+// Labels belong to no call in the head of a loop.
+Expression& ScriptParser::parseInHead() {
+    bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
+    Expression& expression = parseExpression();
+    m_labelsAllowed = labelsAllowed;
+    return expression;
+}
+
+Statement* ScriptParser::parseRepeat() {
+    std::size_t const first = place();
+    advance();
+    if (takeWord("with")) return parseRepeatWith(first);
+    if (isWord("while") || isWord("until")) {
+        RepeatCondition loop{.goesOnWhile = isWord("while")};
+        advance();
+        loop.condition = &parseInHead();
+        loop.block = parseLoopBlock();
+        return makeStatement(first, loop);
+    }
+    if (current().endsStatement()) {
+        Statement* const block = parseLoopBlock();
+        return makeStatement(first, RepeatForever{.block = block});
+    }
+    RepeatTimes loop{.count = &parseInHead()};
+    takeWord("times");
+    loop.block = parseLoopBlock();
+    return makeStatement(first, loop);
+}
+
+Statement* ScriptParser::parseRepeatWith(std::size_t firstToken) {
+    Expression& variable = parseLoopVariable();
+    if (takeWord("in")) {
+        RepeatIn loop{.variable = &variable, .list = &parseInHead()};
+        loop.block = parseLoopBlock();
+        return makeStatement(firstToken, loop);
+    }
+    if (!takeWord("from")) expected(u"“from”, etc.");
+    RepeatFrom loop{.variable = &variable, .from = &parseInHead()};
+    expectWord("to");
+    loop.to = &parseInHead();
+    if (takeWord("by")) loop.step = &parseInHead();
+    loop.block = parseLoopBlock();
+    return makeStatement(firstToken, loop);
+}
+
+// A name, or a term that is a variable in this script.
+Expression& ScriptParser::parseLoopVariable() {
+    std::size_t const first = place();
+    TermMatch const match = current().kind == TokenKind::Word ? matchTerm() : TermMatch();
+    bool const isTerm = match.term && match.term->propertyCode != 0 && match.tokenCount == 1;
+    if (!isTerm) return makeVariable(takeIdentifier(u"variable name or property"), first);
+    Symbol const name = termSymbol(match.term->propertyCode, match.term->name);
+    m_body->assignedTerms.add(name);
+    advance();
+    return makeVariable(name, first);
+}
+
+Statement* ScriptParser::parseTry() {
+    std::size_t const first = place();
     advance();
     expectEndOfStatement(false);
-    node.a = &parseBlock();
-    node.list.assign(5, nullptr);
+    TryStatement statement;
+    statement.block = parseBlock();
     if (takeWords({"on", "error"})) {
-        if (isIdentifier(current()) && !areWords({"partial", "result"})) {
-            std::size_t const place = m_place;
-            node.list[0] = &makeVariable(takeIdentifier(u"variable name or property"), place);
-        }
-        while (!current().endsStatement()) {
-            std::size_t index = 0;
-            if (takeWord("number"))
-                index = 1;
-            else if (takeWord("from"))
-                index = 2;
-            else if (takeWord("to"))
-                index = 3;
-            else if (takeWords({"partial", "result"}))
-                index = 4;
-            else
-                expected(u"end of line, etc.");
-            std::size_t const place = m_place;
-            if (index == 1 && (current().kind == TokenKind::Integer || isSymbol("-")))
-                node.list[index] = &parseUnary();
-            else
-                node.list[index] = &makeVariable(takeIdentifier(u"variable name or property"), place);
-        }
-        node.b = &parseBlock();
+        parseErrorVariables(statement);
+        statement.errorBlock = parseBlock();
     }
     if (areWords({"end", "error"}))
         expectEndOf("error");
     else
-        expectEndOf("try", node.b ? u"“end”" : u"“on”, etc.");
-    return &close(node);
+        expectEndOf("try", statement.errorBlock ? u"“end”" : u"“on”, etc.");
+    return makeStatement(first, std::move(statement));
+}
+
+// on error message number n from x to c partial result r; on error number -128
+void ScriptParser::parseErrorVariables(TryStatement& statement) {
+    auto const variableHere = [&]() -> Expression& {
+        std::size_t const first = place();
+        return makeVariable(takeIdentifier(u"variable name or property"), first);
+    };
+    bool const hasMessage = isIdentifier(current()) && !areWords({"partial", "result"});
+    if (hasMessage) statement.message = &variableHere();
+    while (!current().endsStatement()) {
+        bool const isNumber = takeWord("number");
+        if (isNumber && (current().kind == TokenKind::Integer || isSymbol("-")))
+            statement.handledNumber = parseErrorNumber();
+        else if (isNumber)
+            statement.number = &variableHere();
+        else if (takeWord("from"))
+            statement.from = &variableHere();
+        else if (takeWord("to"))
+            statement.to = &variableHere();
+        else if (takeWords({"partial", "result"}))
+            statement.partialResult = &variableHere();
+        else
+            expected(u"end of line, etc.");
+    }
+}
+
+std::int32_t ScriptParser::parseErrorNumber() {
+    bool const isNegative = takeSymbol("-");
+    if (current().kind != TokenKind::Integer) expected(u"number");
+    auto const number = static_cast<std::int32_t>(current().number);
+    advance();
+    return isNegative ? -number : number;
 }
 
 unsigned ScriptParser::parseAttributes() {
     unsigned attributes = 0;
     do {
-        std::span<Token const> const rest = std::span(m_tokens).subspan(m_place);
         Attribute const* found = nullptr;
         for (Attribute const& attribute : Attributes)
-            if (tokensSpelling(rest, attribute.name) > 0) found = &attribute;
+            if (tokensSpelling(rest(), attribute.name) > 0) found = &attribute;
         if (!found) expected(u"application constant or consideration");
-        for (std::size_t count = tokensSpelling(rest, found->name); count > 0; --count)
-            advance();
+        skip(tokensSpelling(rest(), found->name));
         attributes |= found->bit;
     } while (takeSymbol(",") ? (takeWord("and"), true) : takeWord("and"));
     return attributes;
 }
 
-Node* ScriptParser::parseConsidering() {
-    std::size_t const first = m_place;
-    Node& node = make(NodeKind::Considering, first);
+Statement* ScriptParser::parseConsidering() {
+    std::size_t const first = place();
+    ConsideringStatement statement;
     bool const considers = isWord("considering");
     advance();
-    (considers ? node.considered : node.ignored) = parseAttributes();
+    (considers ? statement.considered : statement.ignored) = parseAttributes();
     if (takeWord("but")) {
         expectWord(considers ? "ignoring" : "considering");
-        (considers ? node.ignored : node.considered) = parseAttributes();
+        (considers ? statement.ignored : statement.considered) = parseAttributes();
     }
-    unsigned const both = node.considered & node.ignored;
+    unsigned const both = statement.considered & statement.ignored;
     for (Attribute const& attribute : Attributes)
         if ((both & attribute.bit) != 0)
-            throw syntaxError(errors::BothConsiderAndIgnore,
-                              u"Can’t both consider and ignore " + std::u16string(attribute.name) + u".", node.range);
+            throw SyntaxError{.number = errors::BothConsiderAndIgnore,
+                              .message = u"Can’t both consider and ignore " + std::u16string(attribute.name) + u".",
+                              .range = tokenAt(first).range};
     expectEndOfStatement(true);
-    node.b = &parseBlock();
+    statement.block = parseBlock();
     expectEndOf(considers ? "considering" : "ignoring");
-    return &close(node);
+    return makeStatement(first, statement);
 }
 
-// with timeout of 5 seconds; with transaction
-Node* ScriptParser::parseWith() {
-    std::size_t const first = m_place;
-    Node& node = make(NodeKind::Timeout, first);
-    advance();
-    bool const isTimeout = isWord("timeout");
-    advance();
-    if (isTimeout) {
-        node.code = codeOf("timo");
-        takeWord("of");
-        // `second` and `seconds` end the number.
-        m_stops.insert(m_stops.end(), {u"second", u"seconds"});
-        node.a = &parseExpression();
-        m_stops.resize(m_stops.size() - 2);
-        if (!takeWord("seconds")) takeWord("second");
-    } else if (!current().endsStatement()) {
-        node.a = &parseExpression();
-    }
+// with timeout of 5 seconds
+Statement* ScriptParser::parseTimeout() {
+    std::size_t const first = place();
+    skip(2);
+    takeWord("of");
+    // `second` and `seconds` end the number.
+    stops().insert(stops().end(), {u"second", u"seconds"});
+    TimeoutStatement statement{.seconds = &parseExpression()};
+    stops().resize(stops().size() - 2);
+    if (!takeWord("seconds")) takeWord("second");
     expectEndOfStatement(false);
-    node.b = &parseBlock();
-    expectEndOf(isTimeout ? "timeout" : "transaction");
-    return &close(node);
+    statement.block = parseBlock();
+    expectEndOf("timeout");
+    return makeStatement(first, statement);
 }
 
-Node* ScriptParser::parseUsingTerms() {
+// with transaction session
+Statement* ScriptParser::parseTransaction() {
+    std::size_t const first = place();
+    skip(2);
+    TransactionStatement statement;
+    if (!current().endsStatement()) statement.session = &parseExpression();
+    expectEndOfStatement(false);
+    statement.block = parseBlock();
+    expectEndOf("transaction");
+    return makeStatement(first, statement);
+}
+
+Statement* ScriptParser::parseUsingTerms() {
     takeWords({"using", "terms", "from"});
     Terminology const* terms = nullptr;
     if (!takeWords({"scripting", "additions"})) {
-        Node const& owner = parsePrimary();
-        if (owner.kind == NodeKind::Application) terms = termsOfTarget(owner);
+        Expression const& owner = parsePrimary();
+        if (owner.is<ApplicationReference>()) terms = termsOfTarget(owner);
     }
     expectEndOfStatement(false);
-    if (terms) m_terms.push_back(terms);
-    Node& block = parseBlock();
-    if (terms) m_terms.pop_back();
+    pushTerms(terms);
+    Statement* const block = parseBlock();
+    popTerms(terms);
     if (!isWord("end")) expected(u"“end”");
     advance();
     takeWords({"using", "terms", "from"});
     expectEndOfStatement(false);
-    return &block;
+    return block;
 }
 
-Node* ScriptParser::parseUse() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseUse() {
+    std::size_t const first = place();
     advance();
-    if (isIdentifier(current()) && ahead(1).isSymbol(":")) {
-        advance();
-        advance();
-    }
-    Node& node = make(NodeKind::Nothing, first);
-    if (takeWords({"scripting", "additions"}) || takeWord("applescript")) {
-        // Both are always there.
-    } else {
-        // Linux: there are no frameworks and no script libraries; the script says so when it runs.
-        node.kind = NodeKind::Unavailable;
-        if (takeWord("framework") || takeWord("script")) {
-            if (current().kind != TokenKind::Text) expected(u"string");
-        }
-        node.a = &parsePrimary();
-        if (node.a->kind == NodeKind::Application) node.kind = NodeKind::Nothing;
+    if (isIdentifier(current()) && ahead(1).isSymbol(":")) skip(2);
+    Expression* needed = nullptr;
+    // These two are always there.
+    bool const isPresent = takeWords({"scripting", "additions"}) || takeWord("applescript");
+    if (!isPresent) {
+        bool const isNamed = takeWord("framework") || takeWord("script");
+        if (isNamed && current().kind != TokenKind::Text) expected(u"string");
+        needed = &parsePrimary();
     }
     if (takeWord("version")) {
         if (current().kind != TokenKind::Text) expected(u"string");
         advance();
     }
-    if (isWord("with") || isWord("without")) {
-        advance();
+    if (takeWord("with") || takeWord("without")) {
         if (!takeWord("importing")) expected(u"“importing”");
     }
-    return &close(node);
+    // Linux: there are no frameworks and no script libraries; the script says so when it runs.
+    bool const isMissing = needed && !needed->is<ApplicationReference>();
+    if (isMissing) return makeStatement(first, UnavailableStatement{.needed = needed});
+    return makeStatement(first, EmptyStatement{});
 }
 
 } // namespace mac::applescript

@@ -1,20 +1,37 @@
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/language/ErrorNumbers.h"
 #include "platform/applescript/language/OperatorPrecedence.h"
 #include "platform/applescript/language/ScriptParser.h"
-#include "platform/applescript/language/StackRoom.h"
 #include <cmath>
 
 namespace mac::applescript {
 
-Node& ScriptParser::parseExpression(int leastPrecedence) {
-    requireStackRoom();
-    std::size_t const first = m_place;
-    Node* left = nullptr;
-    if (leastPrecedence <= precedence::Not && isWord("not")) {
-        advance();
-        Node& operand = parseExpression(precedence::Not);
-        left = &make(NodeKind::Unary, first);
-        left->operation = Operation::Not;
-        left->a = &operand;
+namespace {
+
+// False for a literal that is no number.
+bool negate(LiteralContent& content) {
+    if (std::int32_t* const integer = std::get_if<std::int32_t>(&content)) {
+        *integer = -*integer;
+        return true;
+    }
+    double* const real = std::get_if<double>(&content);
+    if (real) *real = -*real;
+    return real;
+}
+
+bool isNumber(LiteralContent const& content) {
+    return std::holds_alternative<std::int32_t>(content) || std::holds_alternative<double>(content);
+}
+
+} // namespace
+
+Expression& ScriptParser::parseExpression(int leastPrecedence) {
+    requireRoom();
+    std::size_t const first = place();
+    Expression* left = nullptr;
+    if (leastPrecedence <= precedence::Not && takeWord("not")) {
+        Expression& operand = parseExpression(precedence::Not);
+        left = &make(first, UnaryOperation{.operation = Operation::Not, .operand = &operand});
     } else {
         left = &parseUnary();
     }
@@ -22,21 +39,19 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
     int mostPrecedence = precedence::Power;
     while (std::optional<Operator> const found = peekOperator()) {
         if (found->precedence < leastPrecedence || found->precedence > mostPrecedence) break;
-        for (std::size_t count = 0; count < found->tokenCount; ++count)
-            advance();
+        skip(found->tokenCount);
         if (found->operation == Operation::As) {
-            left = &parseCoercion(*left, first);
+            std::vector<Code> classes = parseClassNames();
+            left = &make(first, CoercionExpression{.operand = left, .classes = std::move(classes)});
             continue;
         }
         bool const isPredicate = found->operation == Operation::Running || found->operation == Operation::NotRunning;
-        Node* right = nullptr;
+        Expression* right = nullptr;
         if (!isPredicate)
             right = &parseExpression(found->operation == Operation::Power ? precedence::Power : found->precedence + 1);
-        left = &makeBinary(found->operation, *left, right, first);
-        bool const isComparison =
-            found->precedence == precedence::Equality || found->precedence == precedence::Relation;
-        if (isComparison) mostPrecedence = found->precedence - 1;
-        if (isComparison && found->precedence == precedence::Relation) mostPrecedence = precedence::Equality;
+        left = &makeOperation(found->operation, *left, right, first);
+        if (found->precedence == precedence::Equality) mostPrecedence = precedence::Equality - 1;
+        if (found->precedence == precedence::Relation) mostPrecedence = precedence::Equality;
         if (found->precedence == precedence::And || found->precedence == precedence::Or)
             mostPrecedence = precedence::Power;
     }
@@ -44,47 +59,42 @@ Node& ScriptParser::parseExpression(int leastPrecedence) {
 }
 
 // `right` is null where the operator has no operand there.
-Node& ScriptParser::makeBinary(Operation operation, Node& left, Node* right, std::size_t firstToken) {
-    bool const isNegatedStart = operation == Operation::DoesNotStartWith;
-    bool const isNegatedEnd = operation == Operation::DoesNotEndWith;
-    Node& node = make(NodeKind::Binary, firstToken);
-    node.operation = isNegatedStart ? Operation::StartsWith : isNegatedEnd ? Operation::EndsWith : operation;
-    node.a = &left;
-    node.b = right;
-    if (!isNegatedStart && !isNegatedEnd) return node;
-    Node& negation = make(NodeKind::Unary, firstToken);
-    negation.operation = Operation::Not;
-    negation.a = &node;
-    return negation;
+Expression& ScriptParser::makeOperation(Operation operation, Expression& left, Expression* right,
+                                        std::size_t firstToken) {
+    switch (operation) {
+    case Operation::And:
+    case Operation::Or:
+        return make(firstToken, LogicalOperation{.operation = operation, .left = &left, .right = right});
+    case Operation::Running:
+    case Operation::NotRunning:
+        return make(firstToken, RunningTest{.operation = operation, .application = &left});
+    case Operation::DoesNotStartWith:
+    case Operation::DoesNotEndWith: {
+        bool const isStart = operation == Operation::DoesNotStartWith;
+        Expression& affirmed =
+            makeOperation(isStart ? Operation::StartsWith : Operation::EndsWith, left, right, firstToken);
+        return make(firstToken, UnaryOperation{.operation = Operation::Not, .operand = &affirmed});
+    }
+    default:
+        return make(firstToken, BinaryOperation{.operation = operation, .left = &left, .right = right});
+    }
 }
 
-Node& ScriptParser::parseUnary() {
-    std::size_t const first = m_place;
+Expression& ScriptParser::parseUnary() {
+    std::size_t const first = place();
     bool const isNegation = isSymbol("-");
     if (!isNegation && !isSymbol("+")) return parseReference();
-    requireStackRoom();
+    requireRoom();
     advance();
-    Node& operand = parseUnary();
-    bool const isLiteral = operand.kind == NodeKind::Literal && operand.value.isNumber();
-    if (isLiteral) {
-        if (isNegation)
-            operand.value = operand.value.is(ValueKind::Integer) ? Value::integer(-operand.value.asInteger())
-                                                                 : Value::real(-operand.value.asReal());
-        operand.range.start = m_tokens[first].range.start;
+    Expression& operand = parseUnary();
+    Literal* const literal = operand.as<Literal>();
+    if (literal && isNumber(literal->content)) {
+        if (isNegation) negate(literal->content);
+        operand.range.start = tokenAt(first).range.start;
         return operand;
     }
-    Node& node = make(NodeKind::Unary, first);
-    node.operation = isNegation ? Operation::Negate : Operation::Plus;
-    node.a = &operand;
-    return node;
-}
-
-Node& ScriptParser::parseCoercion(Node& operand, std::size_t firstToken) {
-    std::vector<Code> codes = parseClassNames();
-    Node& node = make(NodeKind::Coercion, firstToken);
-    node.a = &operand;
-    node.codes = std::move(codes);
-    return node;
+    Operation const operation = isNegation ? Operation::Negate : Operation::Plus;
+    return make(first, UnaryOperation{.operation = operation, .operand = &operand});
 }
 
 // One class, or several in braces.
@@ -100,57 +110,50 @@ std::vector<Code> ScriptParser::parseClassNames() {
 
 Code ScriptParser::parseClassName() {
     if (current().kind == TokenKind::Raw) {
-        Node const& raw = parseRaw();
-        bool const isClass = raw.kind == NodeKind::Literal && raw.value.is(ValueKind::Type);
-        if (isClass) return raw.value.asCode();
+        Literal const* const raw = parseRaw().as<Literal>();
+        TypeLiteral const* const type = raw ? std::get_if<TypeLiteral>(&raw->content) : nullptr;
+        if (type) return type->code;
     }
-    if (isWord("reference") || isWord("ref")) {
-        advance();
-        return codeOf("obj ");
-    }
-    if (isWord("script")) {
-        advance();
-        return codeOf("scpt");
-    }
+    if (takeWord("reference") || takeWord("ref")) return codes::ReferenceType;
+    if (takeWord("script")) return codes::ScriptType;
     TermMatch const match = matchTerm();
     if (!match.term || match.term->classCode == 0) expected(u"class name");
-    for (std::size_t count = 0; count < match.tokenCount; ++count)
-        advance();
+    skip(match.tokenCount);
     return match.term->classCode;
 }
 
-Node& ScriptParser::parsePrimary() {
-    requireStackRoom();
-    std::size_t const first = m_place;
+Expression& ScriptParser::parsePrimary() {
+    requireRoom();
+    std::size_t const first = place();
     Token const& token = current();
-    auto const literal = [&](Value value) -> Node& {
+    auto const literal = [&](LiteralContent content) -> Expression& {
         advance();
-        Node& node = make(NodeKind::Literal, first);
-        node.value = std::move(value);
-        return node;
+        return makeLiteral(first, std::move(content));
     };
     switch (token.kind) {
     case TokenKind::Integer:
-        return literal(Value::integer(static_cast<std::int32_t>(token.number)));
+        return literal(static_cast<std::int32_t>(token.number));
     case TokenKind::Real:
         if (std::isinf(token.number))
-            throw syntaxError(errors::NumberTooLarge, messageOfNumber(errors::NumberTooLarge), token.range);
-        return literal(Value::real(token.number));
+            throw SyntaxError{.number = errors::NumberTooLarge,
+                              .message = messageOfNumber(errors::NumberTooLarge),
+                              .range = token.range};
+        return literal(token.number);
     case TokenKind::Text:
-        return literal(Value::text(token.text));
+        return literal(token.text);
     case TokenKind::Barred:
         return parseIdentifier();
     case TokenKind::Raw:
         return parseRaw();
     case TokenKind::Ordinal:
-        if (Node* const node = parseOrdinal()) return *node;
+        if (Expression* const ordinal = parseOrdinal()) return *ordinal;
         break;
     case TokenKind::Mark:
         if (token.word == "(") return parseParentheses();
         if (token.word == "{") return parseBraces();
         break;
     case TokenKind::Word:
-        if (Node* const node = parsePrimaryWord()) return *node;
+        if (Expression* const word = parsePrimaryWord()) return *word;
         break;
     default:
         break;
@@ -158,57 +161,42 @@ Node& ScriptParser::parsePrimary() {
     expected(u"expression");
 }
 
-Node* ScriptParser::parseConstantWord() {
-    std::size_t const first = m_place;
-    auto const made = [&](NodeKind kind, Value value = {}) {
-        Node& node = make(kind, first);
-        node.value = std::move(value);
-        return &node;
-    };
-    if (takeWord("true")) return made(NodeKind::Literal, Value::boolean(true));
-    if (takeWord("false")) return made(NodeKind::Literal, Value::boolean(false));
-    if (takeWord("it")) return made(NodeKind::It);
-    if (takeWord("me")) return made(NodeKind::Me);
-    if (takeWord("result")) return made(NodeKind::Result);
-    if (takeWord("return")) return made(NodeKind::Literal, Value::text(u"\r"));
-    if (takeWord("applescript")) return made(NodeKind::Literal, Value::appleScript());
-    if (takeWords({"current", "application"})) return made(NodeKind::Literal, Value::currentApplication());
+Expression* ScriptParser::parseConstantWord() {
+    std::size_t const first = place();
+    if (takeWord("true")) return &makeLiteral(first, true);
+    if (takeWord("false")) return &makeLiteral(first, false);
+    if (takeWord("it")) return &make(first, ItReference{});
+    if (takeWord("me")) return &make(first, MeReference{});
+    if (takeWord("result")) return &make(first, ResultReference{});
+    if (takeWord("return")) return &makeLiteral(first, std::u16string(u"\r"));
+    if (takeWord("applescript")) return &makeLiteral(first, AppleScriptLiteral{});
+    if (takeWords({"current", "application"})) return &makeLiteral(first, CurrentApplicationLiteral{});
     return nullptr;
 }
 
-Node* ScriptParser::parsePrimaryWord() {
-    std::size_t const first = m_place;
-    if (Node* const constant = parseConstantWord()) return constant;
-    if (Node* const insertion = parseInsertion()) return insertion;
-    if (Node* const ordinal = parseOrdinal()) return ordinal;
-    if (isWord("my") || isWord("its")) {
-        NodeKind const owner = isWord("my") ? NodeKind::Me : NodeKind::It;
-        advance();
-        return &parseAfterPossessive(make(owner, first));
-    }
+Expression* ScriptParser::parsePrimaryWord() {
+    std::size_t const first = place();
+    if (Expression* const constant = parseConstantWord()) return constant;
+    if (Expression* const insertion = parseInsertion()) return insertion;
+    if (Expression* const ordinal = parseOrdinal()) return ordinal;
+    if (takeWord("my")) return &parseAfterPossessive(make(first, MeReference{}));
+    if (takeWord("its")) return &parseAfterPossessive(make(first, ItReference{}));
     if (takeWords({"a", "reference", "to"}) || takeWords({"reference", "to"}) || takeWords({"a", "ref", "to"}) ||
         takeWords({"ref", "to"})) {
-        Node& target = parseReference();
-        Node& node = make(NodeKind::ReferenceTo, first);
-        node.a = &target;
-        return &node;
+        Expression& target = parseReference();
+        return &make(first, ReferenceToExpression{.target = &target});
     }
     if (takeWord("not")) {
-        Node& operand = parseExpression(precedence::Equality);
-        Node& node = make(NodeKind::Unary, first);
-        node.operation = Operation::Not;
-        node.a = &operand;
-        return &node;
+        Expression& operand = parseExpression(precedence::Equality);
+        return &make(first, UnaryOperation{.operation = Operation::Not, .operand = &operand});
     }
     if (isWord("get") && !matchTerm().term) {
         advance();
         return &parseExpression();
     }
     if (takeWord("continue")) {
-        Node& call = parsePrimary();
-        Node& node = make(NodeKind::Continue, first);
-        node.a = &call;
-        return &node;
+        Expression& call = parsePrimary();
+        return &make(first, ContinueExpression{.call = &call});
     }
     // A longer term comes first: `application file` of the Finder.
     bool const isApplication = (isWord("application") || isWord("app")) && matchTerm().tokenCount <= 1;
@@ -220,22 +208,19 @@ Node* ScriptParser::parsePrimaryWord() {
     return &parseIdentifier();
 }
 
-Node& ScriptParser::parseParentheses() {
-    std::size_t const first = m_place;
-    std::vector<std::u16string_view> const stops = std::exchange(m_stops, {});
+Expression& ScriptParser::parseParentheses() {
+    std::size_t const first = place();
+    std::vector<std::u16string_view> outerStops = std::exchange(stops(), {});
     bool const labelsAllowed = std::exchange(m_labelsAllowed, true);
     bool const inContainer = std::exchange(m_inContainer, false);
     advance();
-    Node& inner = parseExpression();
+    Expression& inner = parseExpression();
     if (!isSymbol(")")) expected(u"“)”");
     advance();
     m_inContainer = inContainer;
-    m_stops = stops;
+    stops() = std::move(outerStops);
     m_labelsAllowed = labelsAllowed;
-    // A node of its own, so that what follows does not reach inside.
-    Node& node = make(NodeKind::Expression, first);
-    node.a = &inner;
-    return node;
+    return make(first, Parentheses{.inner = &inner});
 }
 
 bool ScriptParser::isRecordKey() const {
@@ -247,9 +232,10 @@ bool ScriptParser::isRecordKey() const {
 
 Symbol ScriptParser::parseRecordKey() {
     if (current().kind == TokenKind::Raw) {
-        Node const& raw = parseRaw();
-        if (!raw.value.is(ValueKind::Type)) expected(u"expression, property or key form, etc.");
-        return termSymbol(raw.value.asCode(), nameOfCode(raw.value.asCode()));
+        Literal const* const raw = parseRaw().as<Literal>();
+        TypeLiteral const* const type = raw ? std::get_if<TypeLiteral>(&raw->content) : nullptr;
+        if (!type) expected(u"expression, property or key form, etc.");
+        return termSymbol(type->code, nameOfCode(type->code));
     }
     TermMatch const match = current().kind == TokenKind::Word ? matchTerm() : TermMatch();
     bool const isTerm = match.term && ahead(match.tokenCount).isSymbol(":") &&
@@ -259,34 +245,45 @@ Symbol ScriptParser::parseRecordKey() {
         advance();
         return name;
     }
-    for (std::size_t count = 0; count < match.tokenCount; ++count)
-        advance();
+    skip(match.tokenCount);
     Code const code = match.term->propertyCode != 0 ? match.term->propertyCode : match.term->classCode;
     return termSymbol(code, match.term->name);
 }
 
-Node& ScriptParser::parseBraces() {
-    std::size_t const first = m_place;
-    std::vector<std::u16string_view> const stops = std::exchange(m_stops, {});
+// A list or a record.
+Expression& ScriptParser::parseBraces() {
+    std::size_t const first = place();
+    std::vector<std::u16string_view> outerStops = std::exchange(stops(), {});
     bool const labelsAllowed = std::exchange(m_labelsAllowed, true);
     advance();
-    Node& node = make(NodeKind::List, first);
-    while (!isSymbol("}")) {
-        if (node.list.empty() && isRecordKey()) node.kind = NodeKind::Record;
-        if (node.kind == NodeKind::Record) {
-            if (!isRecordKey()) expected(u"expression, property or key form, etc.");
-            node.names.push_back(parseRecordKey());
-            expectSymbol(":");
-        }
-        node.list.push_back(&parseExpression());
-        if (!takeSymbol(",")) break;
-        if (isSymbol("}")) expected(u"expression");
-    }
+    Expression& made = isRecordKey() ? make(first, parseRecordFields()) : make(first, parseListItems());
     if (!isSymbol("}")) expected(u"“,” or “}”");
     advance();
-    m_stops = stops;
+    stops() = std::move(outerStops);
     m_labelsAllowed = labelsAllowed;
-    return close(node);
+    return close(made);
+}
+
+RecordExpression ScriptParser::parseRecordFields() {
+    RecordExpression record;
+    do {
+        if (isSymbol("}")) expected(u"expression");
+        if (!isRecordKey()) expected(u"expression, property or key form, etc.");
+        Symbol const key = parseRecordKey();
+        expectSymbol(":");
+        record.fields.push_back({.key = key, .value = &parseExpression()});
+    } while (takeSymbol(","));
+    return record;
+}
+
+ListExpression ScriptParser::parseListItems() {
+    ListExpression list;
+    if (isSymbol("}")) return list;
+    do {
+        if (isSymbol("}")) expected(u"expression");
+        list.items.push_back(&parseExpression());
+    } while (takeSymbol(","));
+    return list;
 }
 
 } // namespace mac::applescript

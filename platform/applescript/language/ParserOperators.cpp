@@ -123,9 +123,8 @@ std::optional<ScriptParser::Operator> ScriptParser::peekOperator() const {
                           token.word.starts_with("begin") || token.word == "ends";
     if (!mayBegin) return {};
     std::optional<Operator> best;
-    std::span<Token const> const rest = std::span(m_tokens).subspan(m_place);
     for (WordOperator const& candidate : WordOperators) {
-        std::size_t const count = tokensOfOperator(rest, candidate.words);
+        std::size_t const count = tokensOfOperator(rest(), candidate.words);
         if (count > (best ? best->tokenCount : 0))
             best = Operator{.operation = candidate.operation, .precedence = candidate.precedence, .tokenCount = count};
     }

@@ -1,5 +1,5 @@
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/ScriptParser.h"
-#include "platform/applescript/runtime/HeapObjects.h"
 
 namespace mac::applescript {
 
@@ -31,13 +31,13 @@ std::optional<std::string> bytesOfHex(std::u16string_view digits) {
     return bytes;
 }
 
-Value valueOfData(Code type, std::string const& bytes) {
-    if (type != codeOf("utxt")) return makeObject<DataObject>(ValueKind::Data, type, bytes);
+LiteralContent literalOfData(Code type, std::string const& bytes) {
+    if (type != codes::UnicodeTextType) return DataLiteral{.type = type, .bytes = bytes};
     std::u16string units;
     for (std::size_t index = 0; index + 1 < bytes.size(); index += 2)
         units += static_cast<char16_t>(static_cast<unsigned char>(bytes[index]) << 8U |
                                        static_cast<unsigned char>(bytes[index + 1]));
-    return Value::text(std::move(units));
+    return units;
 }
 
 } // namespace
@@ -54,9 +54,23 @@ CommandTerm const* ScriptParser::rawCommandHere() const {
     return known ? known : &rawCommand(code);
 }
 
+// A class, or the property of that code where a property is meant.
+Expression& ScriptParser::parseRawClass(Code code, std::size_t firstToken) {
+    // The name lives on in the table of symbols.
+    Symbol const symbol = termSymbol(code, nameOfCode(code));
+    Term const term{.name = symbol->spelling, .classCode = code, .propertyCode = code};
+    Term const* const known = Terminology::base().termNamed(symbol->spelling);
+    bool const isKnownClass =
+        known && known->classCode != 0 && (known->classCode == code || known->propertyCode == code);
+    Expression& parsed = parseClassTerm(isKnownClass ? *known : term, firstToken);
+    PropertyReference* const property = parsed.as<PropertyReference>();
+    if (property) property->name = termSymbol(property->name->code, nameOfCode(property->name->code));
+    return parsed;
+}
+
 // «class docu», «constant ****yes », «data utxt0041», «event sysoexec», «property pnam».
-Node& ScriptParser::parseRaw() {
-    std::size_t const first = m_place;
+Expression& ScriptParser::parseRaw() {
+    std::size_t const first = place();
     std::u16string_view const content = current().text;
     std::size_t const space = content.find(u' ');
     std::u16string_view const kind = content.substr(0, space);
@@ -64,26 +78,15 @@ Node& ScriptParser::parseRaw() {
         space == std::u16string_view::npos ? std::u16string_view() : content.substr(space + 1);
     if (kind == u"class" && !code.empty()) {
         advance();
-        // The name lives on in the table of symbols.
-        Symbol const symbol = termSymbol(hexCode(code), nameOfCode(hexCode(code)));
-        Term const term{.name = symbol->spelling, .classCode = symbol->code, .propertyCode = symbol->code};
-        Term const* const known = Terminology::base().termNamed(nameOfCode(term.classCode));
-        bool const isTerm = known && (known->classCode == term.classCode || known->propertyCode == term.classCode);
-        Node& node = parseClassTerm(isTerm && known->classCode != 0 ? *known : term, first);
-        if (node.name) node.name = termSymbol(node.name->code, nameOfCode(node.name->code));
-        return node;
+        return parseRawClass(hexCode(code), first);
     }
     if (kind == u"property" && !code.empty()) {
         advance();
-        Node& node = make(NodeKind::Property, first);
-        node.name = termSymbol(hexCode(code), nameOfCode(hexCode(code)));
-        return node;
+        return make(first, PropertyReference{.name = termSymbol(hexCode(code), nameOfCode(hexCode(code)))});
     }
     if (kind == u"constant" && code.size() > 4) {
         advance();
-        Node& node = make(NodeKind::Literal, first);
-        node.value = Value::constant(hexCode(code.substr(4)));
-        return node;
+        return makeLiteral(first, ConstantLiteral{hexCode(code.substr(4))});
     }
     if (CommandTerm const* const command = rawCommandHere()) {
         advance();
@@ -93,15 +96,13 @@ Node& ScriptParser::parseRaw() {
         std::optional<std::string> const bytes = bytesOfHex(code.substr(4));
         if (!bytes) expected(u"expression");
         advance();
-        Node& node = make(NodeKind::Literal, first);
-        node.value = valueOfData(hexCode(code), *bytes);
-        return node;
+        return makeLiteral(first, literalOfData(hexCode(code), *bytes));
     }
     expected(u"expression");
 }
 
 // given «class btns»:{"OK"}, «class dflt»:1
-bool ScriptParser::parseRawParameters(Node& node) {
+bool ScriptParser::parseRawParameters(CommandCall& call) {
     bool const startsHere = isWord("given") && ahead(1).kind == TokenKind::Raw && ahead(2).isSymbol(":");
     if (!startsHere) return false;
     advance();
@@ -109,7 +110,7 @@ bool ScriptParser::parseRawParameters(Node& node) {
         if (current().kind != TokenKind::Raw) expected(u"identifier");
         Symbol const key = parseRecordKey();
         expectSymbol(":");
-        addParameter(node, {.label = key->spelling, .code = key->code}, parseExpression());
+        addParameter(call, {.label = key->spelling, .code = key->code}, parseExpression());
     } while (takeSymbol(","));
     return true;
 }

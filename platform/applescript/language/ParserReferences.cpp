@@ -1,5 +1,6 @@
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/ScriptParser.h"
-#include "platform/applescript/language/StackRoom.h"
+#include <algorithm>
 #include <array>
 
 namespace mac::applescript {
@@ -9,118 +10,117 @@ namespace {
 constexpr auto Ordinals = std::to_array<std::string_view>(
     {"first", "second", "third", "fourth", "fifth", "sixth", "seventh", "eighth", "ninth", "tenth"});
 
+// Where the container of a reference or the receiver of a call stands. Null for other expressions.
+Expression** containerOf(Expression& expression) {
+    if (auto* const property = expression.as<PropertyReference>()) return &property->container;
+    if (auto* const element = expression.as<ElementReference>()) return &element->container;
+    if (auto* const call = expression.as<PositionalCall>()) return &call->receiver;
+    auto* const call = expression.as<LabeledCall>();
+    return call ? &call->receiver : nullptr;
+}
+
+// The filter that stands in parentheses. Null for anything else.
+Expression* filterInside(Expression& expression) {
+    Parentheses const* parentheses = expression.as<Parentheses>();
+    Expression* inner = nullptr;
+    for (; parentheses; parentheses = inner->as<Parentheses>())
+        inner = parentheses->inner;
+    return inner && inner->is<FilterReference>() ? inner : nullptr;
+}
+
 } // namespace
 
 bool ScriptParser::isContainerWord() const { return (isWord("of") || isWord("in")) && !isStop(); }
 
-Node& ScriptParser::parseReference() {
-    requireStackRoom();
-    std::size_t const first = m_place;
+Expression& ScriptParser::parseReference() {
+    requireRoom();
+    std::size_t const first = place();
     bool const startsWithName = isIdentifier(current());
-    Node* node = &parsePostfix();
+    Expression* expression = &parsePostfix();
     if (isContainerWord() && !areWords({"in", "front", "of"}) && !areWords({"in", "back", "of"})) {
         advance();
-        bool const mayBeCall = startsWithName && node->kind == NodeKind::Variable && m_labelsAllowed;
+        VariableReference const* const variable = startsWithName ? expression->as<VariableReference>() : nullptr;
+        bool const mayBeCall = variable && m_labelsAllowed;
         bool const labelsAllowed = std::exchange(m_labelsAllowed, m_labelsAllowed && !mayBeCall);
         // A condition belongs to the whole reference.
         bool const inContainer = std::exchange(m_inContainer, true);
-        Node& container = parseReference();
+        Expression& container = parseReference();
         m_inContainer = inContainer;
         m_labelsAllowed = labelsAllowed;
         std::u16string_view label;
         if (mayBeCall && (labelLength(label) > 0 || startsGivenParameters()))
-            return parseLabeledCall(node->name, &container, first);
-        node = &attach(*node, container);
-        node->range.start = m_tokens[first].range.start;
-        close(*node);
+            return parseLabeledCall(variable->name, &container, first);
+        expression = &attach(*expression, container);
+        expression->range.start = tokenAt(first).range.start;
+        close(*expression);
     }
-    if (!m_inContainer && (isWord("whose") || isWord("where")) && !isStop()) {
-        advance();
-        Node& condition = parseExpression();
-        Node& filter = make(NodeKind::Filter, first);
-        filter.a = node;
-        filter.b = &condition;
-        node = &filter;
-    }
-    return *node;
+    bool const isFilter = !m_inContainer && (isWord("whose") || isWord("where")) && !isStop();
+    if (!isFilter) return *expression;
+    advance();
+    Expression& condition = parseExpression();
+    return make(first, FilterReference{.filtered = expression, .condition = &condition});
 }
 
-Node& ScriptParser::parsePostfix() {
-    Node* node = &parsePrimary();
+Expression& ScriptParser::parsePostfix() {
+    Expression* expression = &parsePrimary();
     while (takeSymbol("'s"))
-        node = &parseAfterPossessive(*node);
-    return *node;
+        expression = &parseAfterPossessive(*expression);
+    return *expression;
 }
 
 // What follows 's, my or its: a property, an element or a call, in the owner.
-Node& ScriptParser::parseAfterPossessive(Node& owner) {
-    std::size_t const first = m_place;
-    Node* const end = parseOwnedEnd();
-    Node& head = end ? *end : parsePrimary();
-    Node& attached = attach(head, owner);
-    attached.range.start = std::min(owner.range.start, m_tokens[first].range.start);
-    return attached;
+Expression& ScriptParser::parseAfterPossessive(Expression& owner) {
+    std::size_t const first = place();
+    Expression* const end = parseOwnedEnd();
+    Expression& owned = attach(end ? *end : parsePrimary(), owner);
+    owned.range.start = std::min(owner.range.start, tokenAt(first).range.start);
+    return owned;
 }
 
 // The end or beginning in x's end. Null where something else stands there.
-Node* ScriptParser::parseOwnedEnd() {
-    std::size_t const first = m_place;
+Expression* ScriptParser::parseOwnedEnd() {
+    std::size_t const first = place();
     bool const isEnd = takeWord("end");
     if (!isEnd && !takeWord("beginning")) return nullptr;
-    Node& node = parseElement(codeOf("insl"), first);
-    node.form = isEnd ? Form::End : Form::Beginning;
-    return &node;
+    Form const form = isEnd ? Form::End : Form::Beginning;
+    return &make(first, ElementReference{.elementClass = codes::InsertionLocation, .form = form});
 }
 
 // Puts the head, which has no container yet, into the container.
-Node& ScriptParser::attach(Node& head, Node& container) {
-    switch (head.kind) {
-    case NodeKind::Variable:
-        head.kind = NodeKind::Property;
-        head.a = &container;
-        head.command = getterNamed(head.name->spelling);
-        return head;
-    case NodeKind::Property:
-    case NodeKind::Element:
-    case NodeKind::Call:
-    case NodeKind::LabeledCall:
-        if (head.a)
-            attach(*head.a, container);
-        else
-            head.a = &container;
-        return head;
-    case NodeKind::Filter:
-        attach(*head.a, container);
-        return head;
-    case NodeKind::Date:
-        if (!head.b) {
-            head.b = &container;
-            return head;
-        }
-        break;
-    case NodeKind::Literal:
-        // A class name where a property of that name is meant.
-        if (head.value.is(ValueKind::Type)) {
-            Code const code = head.value.asCode();
-            head.kind = NodeKind::Property;
-            head.name = termSymbol(code, nameOfCode(code));
-            head.a = &container;
-            return head;
-        }
-        break;
-    case NodeKind::Expression: {
-        // A filter in parentheses gets its container from outside.
-        Node* inner = head.a;
-        while (inner->kind == NodeKind::Expression)
-            inner = inner->a;
-        if (inner->kind == NodeKind::Filter) return attach(*inner, container);
-        break;
-    }
-    default:
-        break;
-    }
-    --m_place;
+Expression& ScriptParser::attach(Expression& head, Expression& container) {
+    if (Expression* const whole = attached(head, container)) return *whole;
+    goBackTo(place() - 1);
     expected(u"end of line, etc.");
+}
+
+// Null where the head can lie in nothing.
+Expression* ScriptParser::attached(Expression& head, Expression& container) {
+    if (Expression** const place = containerOf(head)) {
+        if (*place) return attached(**place, container) ? &head : nullptr;
+        *place = &container;
+        return &head;
+    }
+    if (VariableReference const* const variable = head.as<VariableReference>()) {
+        Symbol const name = variable->name;
+        head.content = PropertyReference{.name = name, .container = &container, .getter = getterNamed(name->spelling)};
+        return &head;
+    }
+    if (FilterReference const* const filter = head.as<FilterReference>())
+        return attached(*filter->filtered, container) ? &head : nullptr;
+    // A filter in parentheses gets its container from outside.
+    if (Expression* const filter = filterInside(head)) return attached(*filter, container);
+    DateExpression* const date = head.as<DateExpression>();
+    if (date && !date->day) {
+        date->day = &container;
+        return &head;
+    }
+    // A class name where a property of that name is meant.
+    Literal const* const literal = head.as<Literal>();
+    TypeLiteral const* const type = literal ? std::get_if<TypeLiteral>(&literal->content) : nullptr;
+    if (!type) return nullptr;
+    Symbol const name = termSymbol(type->code, nameOfCode(type->code));
+    head.content = PropertyReference{.name = name, .container = &container};
+    return &head;
 }
 
 // Whether the place of an element may follow: item i, item 3, item (n + 1), item -1, folder "x".
@@ -143,32 +143,19 @@ bool ScriptParser::startsIndex() const {
     }
 }
 
-Node& ScriptParser::parseIndexOperand() {
+Expression& ScriptParser::parseIndexOperand() {
+    std::size_t const first = place();
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
-    Node* operand = nullptr;
-    if (isSymbol("-")) {
-        std::size_t const first = m_place;
-        advance();
-        Node& inner = parsePrimary();
-        operand = &make(NodeKind::Unary, first);
-        operand->operation = Operation::Negate;
-        operand->a = &inner;
-    } else {
-        operand = &parsePrimary();
-    }
+    bool const isNegation = takeSymbol("-");
+    Expression& operand = parsePrimary();
     m_labelsAllowed = labelsAllowed;
-    return *operand;
-}
-
-Node& ScriptParser::parseElement(Code classCode, std::size_t firstToken) {
-    Node& node = make(NodeKind::Element, firstToken);
-    node.code = classCode;
-    return node;
+    if (!isNegation) return operand;
+    return make(first, UnaryOperation{.operation = Operation::Negate, .operand = &operand});
 }
 
 // every item, some item, first item, 3rd item, last item, middle item.
-Node* ScriptParser::parseOrdinal() {
-    std::size_t const first = m_place;
+Expression* ScriptParser::parseOrdinal() {
+    std::size_t const first = place();
     double index = 0;
     Form form = Form::Index;
     if (current().kind == TokenKind::Ordinal)
@@ -184,141 +171,112 @@ Node* ScriptParser::parseOrdinal() {
     else if (isWord("front"))
         index = 1;
     else
-        for (std::size_t place = 0; place < Ordinals.size(); ++place)
-            if (isWord(Ordinals[place])) index = static_cast<double>(place) + 1;
+        for (std::size_t ordinal = 0; ordinal < Ordinals.size(); ++ordinal)
+            if (isWord(Ordinals[ordinal])) index = static_cast<double>(ordinal) + 1;
     if (form == Form::Index && index == 0 && current().kind != TokenKind::Ordinal) return nullptr;
     advance();
-    std::size_t const classPlace = m_place;
+    std::size_t const classPlace = place();
     Code const code = parseClassName();
     if (form == Form::Every && startsIndex()) {
-        m_place = classPlace;
+        goBackTo(classPlace);
         return &parsePrimary();
     }
-    Node& node = parseElement(code, first);
-    node.form = form;
-    if (form == Form::Index) {
-        Node& literal = make(NodeKind::Literal, first);
-        literal.value = Value::number(index);
-        node.b = &literal;
-    }
-    return &node;
+    Expression* const selector = form == Form::Index ? &makeLiteral(first, numberLiteral(index)) : nullptr;
+    return &make(first, ElementReference{.elementClass = code, .form = form, .selector = selector});
 }
 
 // beginning, end; before x, after x.
-Node* ScriptParser::parseInsertion() {
-    std::size_t const first = m_place;
+Expression* ScriptParser::parseInsertion() {
+    std::size_t const first = place();
+    ElementReference insertion{.elementClass = codes::InsertionLocation};
     bool const isEnd = isWord("end") || isWord("back");
     if ((isWord("beginning") || isWord("front") || isEnd) && (ahead(1).isWord("of") || ahead(1).isWord("in"))) {
         advance();
-        Node& node = parseElement(codeOf("insl"), first);
-        node.form = isEnd ? Form::End : Form::Beginning;
-        return &node;
+        insertion.form = isEnd ? Form::End : Form::Beginning;
+        return &make(first, insertion);
     }
     bool const isBefore = takeWord("before") || takeWords({"in", "front", "of"});
     if (!isBefore && !takeWord("after") && !takeWord("behind") && !takeWords({"in", "back", "of"})) return nullptr;
-    Node& neighbour = parseReference();
-    Node& node = parseElement(codeOf("insl"), first);
-    node.form = isBefore ? Form::Before : Form::After;
-    node.a = &neighbour;
-    return &node;
+    insertion.form = isBefore ? Form::Before : Form::After;
+    insertion.container = &parseReference();
+    return &make(first, insertion);
 }
 
-Node& ScriptParser::parseTerm(TermMatch const& match) {
-    std::size_t const first = m_place;
+Expression& ScriptParser::parseTerm(TermMatch const& match) {
+    std::size_t const first = place();
     Term const& term = *match.term;
-    for (std::size_t count = 0; count < match.tokenCount; ++count)
-        advance();
+    skip(match.tokenCount);
     if (term.command) return parseCommand(*term.command, first);
-    if (term.isValue) {
-        Node& node = make(NodeKind::Literal, first);
-        node.value = Value::type(term.classCode);
-        return node;
-    }
+    if (term.isValue) return makeLiteral(first, TypeLiteral{term.classCode});
     if (term.classCode != 0) return parseClassTerm(term, first);
-    if (term.propertyCode != 0) {
-        Node& node = make(NodeKind::Property, first);
-        node.name = termSymbol(term.propertyCode, term.name);
-        node.isOfApplication = match.isOfApplication;
-        if (!match.isOfApplication) m_body->names.push_back(&node);
-        return node;
-    }
-    Node& node = make(NodeKind::Literal, first);
-    node.value = Value::constant(term.constantCode);
-    return node;
+    if (term.propertyCode == 0) return makeLiteral(first, ConstantLiteral{term.constantCode});
+    Symbol const name = termSymbol(term.propertyCode, term.name);
+    Expression& property = make(first, PropertyReference{.name = name, .isOfApplication = match.isOfApplication});
+    if (!match.isOfApplication) m_body->names.push_back(&property);
+    return property;
 }
 
-Node& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToken) {
+Expression& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToken) {
     // An application's own files are elements of it.
     bool const isOwnFile = Terminology::base().termNamed(term.name) != &term;
-    bool const opensFile = term.classCode == codeOf("alis") || term.classCode == codeOf("psxf") ||
-                           (term.classCode == codeOf("file") && !term.isPlural && !isOwnFile);
-    if (term.classCode == codeOf("ldt ") && startsIndex()) return parseDate(firstToken);
+    bool const opensFile = term.classCode == codes::AliasType || term.classCode == codes::POSIXFileType ||
+                           (term.classCode == codes::File && !term.isPlural && !isOwnFile);
+    if (term.classCode == codes::DateType && startsIndex()) return parseDate(firstToken);
     if (opensFile && startsIndex() && current().kind != TokenKind::Integer) {
-        Node& path = parseIndexOperand();
-        Node& node = make(NodeKind::File, firstToken);
-        node.code = term.classCode;
-        node.a = &path;
-        return node;
+        Expression& path = parseIndexOperand();
+        return make(firstToken, FileReference{.fileClass = term.classCode, .path = &path});
     }
-    Node& node = parseElement(term.classCode, firstToken);
-    node.form = Form::Index;
+    return parseElementOfClass(term, firstToken);
+}
+
+// An element, a range or all of the class; where none of them follows, the class itself or the property of its name.
+Expression& ScriptParser::parseElementOfClass(Term const& term, std::size_t firstToken) {
+    ElementReference element{.elementClass = term.classCode, .form = Form::Index};
     if (takeWord("id"))
-        node.form = Form::Identifier;
+        element.form = Form::Identifier;
     else if (takeWord("named"))
-        node.form = Form::Name;
+        element.form = Form::Name;
     else
         takeWord("index");
-    if (startsIndex() || (node.form == Form::Identifier && isSymbol("{"))) {
-        node.b = &parseIndexOperand();
+    if (startsIndex() || (element.form == Form::Identifier && isSymbol("{"))) {
+        element.selector = &parseIndexOperand();
         if (takeWord("thru") || takeWord("through")) {
-            node.form = Form::Range;
-            node.c = &parseIndexOperand();
+            element.form = Form::Range;
+            element.rangeEnd = &parseIndexOperand();
         }
-        return close(node);
+        return make(firstToken, element);
     }
-    if (isWord("from") && !isStop() && (term.isPlural || term.classCode == codeOf("ctxt"))) {
+    if (isWord("from") && !isStop() && (term.isPlural || term.classCode == codes::TextType)) {
         bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
         advance();
-        node.form = Form::Range;
-        node.b = &parsePostfix();
+        element.form = Form::Range;
+        element.selector = &parsePostfix();
         if (!takeWord("thru") && !takeWord("through")) expectWord("to");
-        node.c = &parsePostfix();
+        element.rangeEnd = &parsePostfix();
         m_labelsAllowed = labelsAllowed;
-        return close(node);
+        return make(firstToken, element);
     }
-    if (term.isPlural) {
-        node.form = Form::Every;
-        return node;
-    }
-    node.kind = NodeKind::Literal;
-    node.value = Value::type(term.classCode);
-    if (term.propertyCode == 0 || !isContainerWord()) return node;
-    node.kind = NodeKind::Property;
-    node.name = termSymbol(term.propertyCode, term.name);
-    return node;
+    element.form = Form::Every;
+    Expression& whole =
+        term.isPlural ? make(firstToken, element) : makeLiteral(firstToken, TypeLiteral{term.classCode});
+    if (term.isPlural || term.propertyCode == 0 || !isContainerWord()) return whole;
+    whole.content = PropertyReference{.name = termSymbol(term.propertyCode, term.name)};
+    return whole;
 }
 
-Node& ScriptParser::parseDate(std::size_t firstToken) {
-    Node& text = parseIndexOperand();
-    Node& node = make(NodeKind::Date, firstToken);
-    node.a = &text;
-    return node;
+Expression& ScriptParser::parseDate(std::size_t firstToken) {
+    Expression& text = parseIndexOperand();
+    return make(firstToken, DateExpression{.text = &text});
 }
 
-Node& ScriptParser::parseApplication() {
-    std::size_t const first = m_place;
+Expression& ScriptParser::parseApplication() {
+    using Naming = ApplicationReference::Naming;
+    std::size_t const first = place();
     advance();
-    bool const byIdentifier = takeWord("id");
-    if (!startsIndex()) {
-        Node& node = make(NodeKind::Literal, first);
-        node.value = Value::type(codeOf("capp"));
-        return node;
-    }
-    Node& name = parseIndexOperand();
-    Node& node = make(NodeKind::Application, first);
-    node.code = byIdentifier ? codeOf("ID  ") : 0;
-    node.a = &name;
-    return node;
+    Naming const naming = takeWord("id") ? Naming::Identifier : Naming::Name;
+    if (!startsIndex()) return makeLiteral(first, TypeLiteral{codes::Application});
+    Expression& name = parseIndexOperand();
+    return make(first, ApplicationReference{.name = &name, .naming = naming});
 }
 
 } // namespace mac::applescript

@@ -1,24 +1,43 @@
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/language/ErrorNumbers.h"
 #include "platform/applescript/language/ScriptParser.h"
-#include "platform/applescript/language/StackRoom.h"
-#include "platform/applescript/runtime/HeapObjects.h"
 
 namespace mac::applescript {
 
+namespace {
+
+// What an expression is a part of, or is made from; null for one that stands for itself.
+Expression const* ownerOf(Expression const& expression) {
+    if (auto const* const property = expression.as<PropertyReference>()) return property->container;
+    if (auto const* const element = expression.as<ElementReference>()) return element->container;
+    if (auto const* const filter = expression.as<FilterReference>()) return filter->filtered;
+    if (auto const* const parentheses = expression.as<Parentheses>()) return parentheses->inner;
+    if (auto const* const coercion = expression.as<CoercionExpression>()) return coercion->operand;
+    if (auto const* const reference = expression.as<ReferenceToExpression>()) return reference->target;
+    if (auto const* const call = expression.as<PositionalCall>()) return call->receiver;
+    if (auto const* const call = expression.as<LabeledCall>()) return call->receiver;
+    if (auto const* const command = expression.as<CommandCall>()) return command->direct;
+    return nullptr;
+}
+
+} // namespace
+
 // Up to `end`, `else` or `on error`, or the end of the script.
-Node& ScriptParser::parseBlock() {
-    requireStackRoom();
-    Node& block = make(NodeKind::Block, m_place);
+Statement* ScriptParser::parseBlock() {
+    requireRoom();
+    std::size_t const first = place();
+    Block block;
     while (true) {
         skipLineEnds();
         if (current().kind == TokenKind::EndOfScript || isWord("else")) break;
         bool const isEnd = isWord("end") && !ahead(1).isWord("of") && !ahead(1).isWord("in");
         if (isEnd || areWords({"on", "error"})) break;
         if (parseDeclaration()) continue;
-        if (Node* const statement = parseStatement()) block.list.push_back(statement);
+        if (Statement* const statement = parseStatement()) block.statements.push_back(statement);
         if (isWord("else")) break;
         expectEndOfStatement(true);
     }
-    return close(block);
+    return makeStatement(first, std::move(block));
 }
 
 void ScriptParser::expectEndOf(std::string_view keyword, std::u16string_view expectation) {
@@ -30,14 +49,16 @@ void ScriptParser::expectEndOf(std::string_view keyword, std::u16string_view exp
     expectEndOfStatement(false);
 }
 
-Node* ScriptParser::parseStatement() {
-    requireStackRoom();
+// Null where nothing is left to do when the script runs.
+Statement* ScriptParser::parseStatement() {
+    requireRoom();
     if (isWord("if")) return parseIf();
     if (isWord("tell")) return parseTell();
     if (isWord("repeat")) return parseRepeat();
     if (isWord("try")) return parseTry();
     if (isWord("considering") || isWord("ignoring")) return parseConsidering();
-    if (areWords({"with", "timeout"}) || areWords({"with", "transaction"})) return parseWith();
+    if (areWords({"with", "timeout"})) return parseTimeout();
+    if (areWords({"with", "transaction"})) return parseTransaction();
     if (areWords({"using", "terms", "from"})) return parseUsingTerms();
     if (isWord("use") && (ahead(1).kind == TokenKind::Word || ahead(1).kind == TokenKind::Text)) return parseUse();
     bool const opensScript = isWord("script") && (ahead(1).endsStatement() || isIdentifier(ahead(1)));
@@ -45,12 +66,10 @@ Node* ScriptParser::parseStatement() {
     return parseSimple();
 }
 
-Node* ScriptParser::parseSimple() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseSimple() {
+    std::size_t const first = place();
     bool const isCommand = matchTerm().term && matchTerm().term->command && matchTerm().tokenCount > 1;
     if (!isCommand) {
-        if (isWord("if")) return parseIf();
-        if (isWord("tell")) return parseTell();
         if (isWord("set")) return parseSet();
         if (isWord("copy") || isWord("put")) return parseCopy();
         if (isWord("return") && !returnIsProperty()) return parseReturn();
@@ -58,24 +77,19 @@ Node* ScriptParser::parseSimple() {
         if (takeWord("exit")) {
             takeWord("repeat");
             if (m_repeatDepth == 0)
-                throw syntaxError(errors::ExitOutsideRepeat, messageOfNumber(errors::ExitOutsideRepeat),
-                                  m_tokens[first].range);
-            return &make(NodeKind::Exit, first);
+                throw SyntaxError{.number = errors::ExitOutsideRepeat,
+                                  .message = messageOfNumber(errors::ExitOutsideRepeat),
+                                  .range = tokenAt(first).range};
+            return makeStatement(first, ExitStatement{});
         }
-        if (takeWord("get")) {
-            // A statement of its own, so that its value is one.
-        }
+        // A statement of its own, so that its value is one.
+        takeWord("get");
     }
-    Node& expression = parseExpression();
-    if (takeWord("exists")) {
-        Node& node = make(NodeKind::Command, first);
-        node.command = Terminology::base().commandOf(eventOf("coredoex"));
-        node.a = &expression;
-        return &node;
-    }
-    Node& node = make(NodeKind::Expression, first);
-    node.a = &expression;
-    return &node;
+    Expression& expression = parseExpression();
+    if (!takeWord("exists")) return makeStatement(first, ExpressionStatement{.expression = &expression});
+    CommandTerm const* const exists = Terminology::base().commandOf(eventOf("coredoex"));
+    Expression& asked = make(first, CommandCall{.command = exists, .direct = &expression});
+    return makeStatement(first, ExpressionStatement{.expression = &asked});
 }
 
 // `return & "a"` at the start of a line is text.
@@ -84,183 +98,166 @@ bool ScriptParser::returnIsProperty() const {
     return next.kind == TokenKind::Mark && next.word != "(" && next.word != "{" && next.word != "-";
 }
 
-Node& ScriptParser::parsePattern(bool isParameter) {
-    requireStackRoom();
-    std::size_t const first = m_place;
+// What is assigned to: a reference, or a list or record of such patterns.
+Expression& ScriptParser::parseTargetPattern() {
+    requireRoom();
+    std::size_t const first = place();
     if (!takeSymbol("{")) {
-        if (!isParameter) {
-            bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
-            Node& target = parseReference();
-            m_labelsAllowed = labelsAllowed;
-            return target;
-        }
-        // A name of a term may be a parameter: nothing else is meant there.
-        bool const isTerm = current().kind == TokenKind::Word && !isReservedWord(current().word);
-        if (!isTerm && !isIdentifier(current()))
-            expected(u"variable name, class name, other parameter name or property");
-        Term const* const term = current().kind == TokenKind::Word ? matchTerm().term : nullptr;
-        Symbol const name =
-            term && term->propertyCode != 0 ? termSymbol(term->propertyCode, term->name) : symbolOfToken(current());
-        advance();
-        m_body->locals.add(name);
-        Node& variable = makeVariable(name, first);
-        if (takeWord("as")) variable.codes = parseClassNames();
-        if (takeSymbol(":")) variable.b = &parseUnary();
-        return variable;
+        bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
+        Expression& target = parseReference();
+        m_labelsAllowed = labelsAllowed;
+        return target;
     }
-    Node& node = make(NodeKind::List, first);
+    ListExpression list;
+    RecordExpression record;
     while (!isSymbol("}")) {
-        if (isRecordKey()) {
-            node.kind = NodeKind::Record;
-            node.names.push_back(parseRecordKey());
-            expectSymbol(":");
-        }
-        node.list.push_back(&parsePattern(isParameter));
+        bool const isField = isRecordKey() && list.items.empty();
+        if (!isField && !record.fields.empty()) expected(u"expression, property or key form, etc.");
+        Symbol const key = isField ? parseRecordKey() : nullptr;
+        if (isField) expectSymbol(":");
+        Expression& part = parseTargetPattern();
+        if (isField)
+            record.fields.push_back({.key = key, .value = &part});
+        else
+            list.items.push_back(&part);
         if (!takeSymbol(",")) break;
     }
     expectSymbol("}");
-    return close(node);
+    return record.fields.empty() ? make(first, std::move(list)) : make(first, std::move(record));
 }
 
-Node& ScriptParser::parseTarget() {
-    Node& target = parsePattern(false);
-    bool const isTermVariable = target.kind == NodeKind::Property && !target.a && !target.isOfApplication;
+Expression& ScriptParser::parseTarget() {
+    Expression& target = parseTargetPattern();
+    PropertyReference const* const property = target.as<PropertyReference>();
+    bool const isTermVariable = property && !property->container && !property->isOfApplication;
     // Only the additions' names and such: the language's own properties stay what they are.
-    if (isTermVariable && target.name->code != codeOf("txdl")) m_body->assignedTerms.add(target.name);
+    if (isTermVariable && property->name->code != codes::TextItemDelimiters) m_body->assignedTerms.add(property->name);
     return target;
 }
 
-Node* ScriptParser::parseSet() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseSet() {
+    std::size_t const first = place();
     advance();
-    Node& target = parseTarget();
+    Expression& target = parseTarget();
     expectWord("to");
-    Node& value = parseExpression();
-    Node& node = make(NodeKind::Set, first);
-    node.a = &target;
-    node.b = &value;
-    return &node;
+    Expression& value = parseExpression();
+    return makeStatement(first, SetStatement{.target = &target, .value = &value});
 }
 
-Node* ScriptParser::parseCopy() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseCopy() {
+    std::size_t const first = place();
     advance();
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
-    Node& value = parseExpression();
+    Expression& value = parseExpression();
     m_labelsAllowed = labelsAllowed;
     if (!takeWord("to") && !takeWord("into")) expected(u"“to”");
     // The end of a list, without saying whose: of what `it` is.
-    bool const isBareEnd = (isWord("end") || isWord("beginning")) && ahead(1).endsStatement();
-    Node* target = nullptr;
+    bool const isEnd = isWord("end");
+    bool const isBareEnd = (isEnd || isWord("beginning")) && ahead(1).endsStatement();
+    Expression* target = nullptr;
     if (isBareEnd) {
-        target = &parseElement(codeOf("insl"), m_place);
-        target->form = isWord("end") ? Form::End : Form::Beginning;
+        target = &make(place(), ElementReference{.elementClass = codes::InsertionLocation,
+                                                 .form = isEnd ? Form::End : Form::Beginning});
         advance();
     } else {
         target = &parseTarget();
     }
-    Node& node = make(NodeKind::Copy, first);
-    node.a = target;
-    node.b = &value;
-    return &node;
+    return makeStatement(first, CopyStatement{.target = target, .value = &value});
 }
 
 // The terms of the application that the object lies in, where the source names it.
-Terminology const* ScriptParser::termsOfTarget(Node const& target) const {
-    Node const* application = &target;
-    while (application && application->kind != NodeKind::Application)
-        application = application->a;
-    bool const isNamed = application && application->a->value.is(ValueKind::Text);
-    return isNamed && m_applications ? m_applications(application->a->value.units()) : nullptr;
+Terminology const* ScriptParser::termsOfTarget(Expression const& target) const {
+    Expression const* object = &target;
+    while (object && !object->is<ApplicationReference>())
+        object = ownerOf(*object);
+    Literal const* const name = object ? object->as<ApplicationReference>()->name->as<Literal>() : nullptr;
+    std::u16string const* const text = name ? std::get_if<std::u16string>(&name->content) : nullptr;
+    return text && m_applications ? m_applications(*text) : nullptr;
 }
 
-Node* ScriptParser::parseTell() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseTell() {
+    std::size_t const first = place();
     advance();
-    Node& target = parseExpression();
+    Expression& target = parseExpression();
     Terminology const* const terms = termsOfTarget(target);
-    if (terms) m_terms.push_back(terms);
-    Node* block = nullptr;
+    pushTerms(terms);
+    Statement* block = nullptr;
     if (takeWord("to")) {
         block = parseStatement();
     } else {
         expectEndOfStatement(true);
-        block = &parseBlock();
+        block = parseBlock();
         expectEndOf("tell");
     }
-    if (terms) m_terms.pop_back();
-    Node& node = make(NodeKind::Tell, first);
-    node.a = &target;
-    node.b = block;
-    return &node;
+    popTerms(terms);
+    return makeStatement(first, TellStatement{.target = &target, .block = block});
 }
 
-Node* ScriptParser::parseIf() {
-    std::size_t const first = m_place;
-    Node& node = make(NodeKind::If, first);
+// The statements after `then` or `else`, or the one on the same line.
+Statement* ScriptParser::parseBranch() { return current().endsStatement() ? parseBlock() : parseStatement(); }
+
+Statement* ScriptParser::parseIf() {
+    std::size_t const first = place();
     advance();
-    node.list.push_back(&parseExpression());
+    IfStatement statement;
+    Expression& condition = parseExpression();
     bool const saysThen = takeWord("then");
-    if (saysThen && !current().endsStatement()) {
-        node.list.push_back(parseStatement());
-        if (!takeWord("else")) return &close(node);
-        node.list.push_back(parseStatement());
-        return &close(node);
-    }
+    bool const isOneLine = saysThen && !current().endsStatement();
     if (!saysThen && !current().endsStatement()) expected(u"“then”, etc.");
-    node.list.push_back(&parseBlock());
+    statement.branches.push_back({.condition = &condition, .block = parseBranch()});
+    if (isOneLine) {
+        if (takeWord("else")) statement.elseBlock = parseStatement();
+        return makeStatement(first, std::move(statement));
+    }
     while (takeWord("else")) {
-        if (!takeWord("if")) {
-            node.list.push_back(current().endsStatement() ? &parseBlock() : parseStatement());
-            skipLineEnds();
-            break;
-        }
-        node.list.push_back(&parseExpression());
-        takeWord("then");
-        node.list.push_back(current().endsStatement() ? &parseBlock() : parseStatement());
+        bool const isLast = !takeWord("if");
+        Expression* const next = isLast ? nullptr : &parseExpression();
+        if (!isLast) takeWord("then");
+        Statement* const block = parseBranch();
         skipLineEnds();
+        if (!isLast) {
+            statement.branches.push_back({.condition = next, .block = block});
+            continue;
+        }
+        statement.elseBlock = block;
+        break;
     }
     expectEndOf("if", u"“else”, etc.");
-    return &close(node);
+    return makeStatement(first, std::move(statement));
 }
 
-Node* ScriptParser::parseReturn() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseReturn() {
+    std::size_t const first = place();
     advance();
-    Node* value = nullptr;
+    Expression* value = nullptr;
     if (!current().endsStatement() && !isWord("else")) value = &parseExpression();
-    Node& node = make(NodeKind::Return, first);
-    node.a = value;
-    return &node;
+    return makeStatement(first, ReturnStatement{.value = value});
 }
 
-Node* ScriptParser::parseError() {
-    std::size_t const first = m_place;
+Statement* ScriptParser::parseError() {
+    std::size_t const first = place();
     advance();
-    Node& node = make(NodeKind::Error, first);
-    node.list.assign(5, nullptr);
+    ErrorStatement statement;
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
-    std::size_t const outerStops = m_stops.size();
-    for (std::u16string_view const stop : {u"number", u"from", u"to", u"partial result"})
-        m_stops.push_back(stop);
-    if (startsExpression()) node.list[0] = &parseExpression();
+    std::size_t const outerStops = stops().size();
+    stops().insert(stops().end(), {u"number", u"from", u"to", u"partial result"});
+    if (startsExpression()) statement.message = &parseExpression();
     while (true) {
-        std::size_t index = 0;
+        Expression** part = nullptr;
         if (takeWord("number"))
-            index = 1;
+            part = &statement.number;
         else if (takeWord("from"))
-            index = 2;
+            part = &statement.from;
         else if (takeWord("to"))
-            index = 3;
+            part = &statement.to;
         else if (takeWords({"partial", "result"}))
-            index = 4;
-        else
-            break;
-        node.list[index] = &parseExpression();
+            part = &statement.partialResult;
+        if (!part) break;
+        *part = &parseExpression();
     }
-    m_stops.resize(outerStops);
+    stops().resize(outerStops);
     m_labelsAllowed = labelsAllowed;
-    return &close(node);
+    return makeStatement(first, statement);
 }
 
 } // namespace mac::applescript

@@ -28,14 +28,20 @@ public:
     }
 
 private:
-    void resolve(Node& node) {
-        bool const isTerm = node.kind == NodeKind::Property && node.a == nullptr;
-        if (node.kind != NodeKind::Variable && !isTerm) return;
-        Place place = declaredPlace(node.name);
-        if (place.kind == Place::Kind::None && isTerm && !m_body.assignedTerms.contains(node.name)) return;
-        if (place.kind == Place::Kind::None) place = undeclaredPlace(node.name);
-        node.kind = NodeKind::Variable;
-        node.place = place;
+    void resolve(Expression& expression) {
+        if (VariableReference* const variable = expression.as<VariableReference>()) {
+            Place const place = declaredPlace(variable->name);
+            variable->place = place.kind == Place::Kind::None ? undeclaredPlace(variable->name) : place;
+            return;
+        }
+        // A term, unless the script uses its name for a variable.
+        PropertyReference const* const term = expression.as<PropertyReference>();
+        if (!term || term->container) return;
+        Symbol const name = term->name;
+        Place place = declaredPlace(name);
+        if (place.kind == Place::Kind::None && !m_body.assignedTerms.contains(name)) return;
+        if (place.kind == Place::Kind::None) place = undeclaredPlace(name);
+        expression.content = VariableReference{.name = name, .place = place};
     }
 
     Place declaredPlace(Symbol name) {

@@ -22,7 +22,7 @@ struct BodyScope {
     NameIndex locals{};
     NameIndex globals{};
     // Variables, and properties without a container that may turn out to be variables.
-    std::vector<Node*> names{};
+    std::vector<Expression*> names{};
     // Names of terms that the body assigns to.
     NameIndex assignedTerms{};
     // In order: which of the names stand in what the properties of a script object inside this body start with.

@@ -1,3 +1,4 @@
+#include "platform/applescript/language/Operation.h"
 #include "platform/applescript/language/ScriptToken.h"
 #include "platform/system/ASCII.h"
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/runtime/ScriptError.h"
+#include "platform/applescript/language/SourceRange.h"
 #include <string>
 #include <string_view>
 #include <vector>

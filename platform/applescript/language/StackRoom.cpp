@@ -1,5 +1,4 @@
 #include "platform/applescript/language/StackRoom.h"
-#include "platform/applescript/runtime/ScriptError.h"
 #include <algorithm>
 #include <pthread.h>
 
@@ -32,8 +31,6 @@ std::uintptr_t lowestStackAddress() {
     return lowest;
 }
 
-void requireStackRoom() {
-    if (currentStackAddress() < lowestStackAddress()) throw plainError(errors::StackOverflow);
-}
+bool hasStackRoom() { return currentStackAddress() >= lowestStackAddress(); }
 
 } // namespace mac::applescript

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/applescript/language/ScriptSymbol.h"
 #include "platform/applescript/language/ScriptToken.h"
 #include <span>
 #include <string_view>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/applescript/language/Terminology.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/TextContext.h"

@@ -114,6 +114,32 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
     return Value::listOf(std::move(items));
 }
 
+Value operationResult(Operation operation, Value const& left, Value const& right, TextContext const& context) {
+    if (left.isNothing() || right.isNothing()) throw plainError(errors::NoResult);
+    switch (operation) {
+    case Operation::Concatenate:
+        return concatenated(left, right, context);
+    case Operation::Equal:
+        return Value::boolean(isEqualValue(left, right, context));
+    case Operation::NotEqual:
+        return Value::boolean(!isEqualValue(left, right, context));
+    case Operation::Less:
+    case Operation::Greater:
+    case Operation::AtMost:
+    case Operation::AtLeast:
+        return Value::boolean(isOrdered(operation, left, right, context));
+    case Operation::Contains:
+    case Operation::DoesNotContain:
+    case Operation::IsIn:
+    case Operation::IsNotIn:
+    case Operation::StartsWith:
+    case Operation::EndsWith:
+        return Value::boolean(isContained(operation, left, right, context));
+    default:
+        return arithmetic(operation, left, right, context);
+    }
+}
+
 Value deepCopy(Value const& value) {
     struct Copying {
         // Each object of the original has one copy, so that circles and sharing stay.

@@ -1,5 +1,4 @@
 #include "platform/applescript/runtime/Coercion.h"
-#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/language/Units.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/DateTerms.h"

@@ -1,4 +1,3 @@
-#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"

@@ -1,4 +1,3 @@
-#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/DescriptorKeywords.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"

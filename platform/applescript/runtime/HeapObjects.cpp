@@ -1,4 +1,5 @@
 #include "platform/applescript/runtime/HeapObjects.h"
+#include "platform/applescript/language/Operation.h"
 #include <algorithm>
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/language/SyntaxTree.h"
+#include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 
 namespace mac::applescript {

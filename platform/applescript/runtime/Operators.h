@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/language/SyntaxTree.h"
+#include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/TextContext.h"
 
 namespace mac::applescript {
@@ -18,6 +18,9 @@ bool isEqualValue(Value const& left, Value const& right, TextContext const& cont
 bool isOrdered(Operation operation, Value const& left, Value const& right, TextContext const& context);
 // contains, is in, starts with, ends with, and their opposites.
 bool isContained(Operation operation, Value const& left, Value const& right, TextContext const& context);
+
+// The result of any operation of two operands that are both evaluated. Throws -2763 where one is Nothing.
+Value operationResult(Operation operation, Value const& left, Value const& right, TextContext const& context);
 
 // Lists, records and dates anew, all the way down.
 Value deepCopy(Value const& value);

@@ -19,6 +19,14 @@ EngineState& engineState() {
     return state;
 }
 
+std::shared_ptr<SyntaxTree> parsedWithinScript(std::u16string_view source) {
+    try {
+        return ScriptParser(source, terminologySource()).parse();
+    } catch (SyntaxError const& mistake) {
+        throw ScriptError{.number = mistake.number, .message = mistake.message};
+    }
+}
+
 CompiledScript::~CompiledScript() {
     if (m_script.isNothing()) return;
     m_script = Value();
@@ -28,8 +36,8 @@ CompiledScript::~CompiledScript() {
 std::optional<CompiledScript> CompiledScript::compile(std::u16string_view source, ScriptError& error) {
     try {
         return CompiledScript(ScriptParser(source, terminologySource()).parse());
-    } catch (ScriptError const& thrown) {
-        error = thrown;
+    } catch (SyntaxError const& mistake) {
+        error = errorOf(mistake);
     } catch (std::bad_alloc const&) {
         error = outOfMemory();
     }

@@ -40,6 +40,10 @@ private:
     Value m_script;
 };
 
+// A script that another script makes of its source. What is wrong with it is thrown as a ScriptError without a range,
+// which would be one in the other source.
+std::shared_ptr<SyntaxTree> parsedWithinScript(std::u16string_view source);
+
 // Where the tables of applications come from.
 TerminologySource terminologySource();
 EngineState& engineState();

@@ -4,7 +4,8 @@
 
 namespace mac::applescript {
 
-ScriptObject::ScriptObject(std::shared_ptr<SyntaxTree> tree, ScriptDefinition& definition, ScriptObject* enclosing)
+ScriptObject::ScriptObject(std::shared_ptr<LoadedTree const> tree, ScriptDefinition const& definition,
+                           ScriptObject* enclosing)
     : properties(definition.properties.size()), variables(definition.variables.size()), m_tree(std::move(tree)),
       m_definition(&definition) {
     if (!enclosing) return;

@@ -6,14 +6,23 @@
 
 namespace mac::applescript {
 
+// A parsed script with the values of its literals, made once; shared by the script objects that stand in it.
+struct LoadedTree {
+    std::shared_ptr<SyntaxTree> tree{};
+    // By the index of the literal.
+    std::vector<Value> literals{};
+};
+
 // A script that runs or waits to: the outermost one, or a script object inside. Holds the values of its properties and,
 // for the outermost, of the variables that its statements share.
 class ScriptObject final : public ContainerObject {
 public:
-    ScriptObject(std::shared_ptr<SyntaxTree> tree, ScriptDefinition& definition, ScriptObject* enclosing);
+    ScriptObject(std::shared_ptr<LoadedTree const> tree, ScriptDefinition const& definition, ScriptObject* enclosing);
 
-    ScriptDefinition& definition() const { return *m_definition; }
-    std::shared_ptr<SyntaxTree> const& tree() const { return m_tree; }
+    ScriptDefinition const& definition() const { return *m_definition; }
+    std::shared_ptr<SyntaxTree> const& tree() const { return m_tree->tree; }
+    std::shared_ptr<LoadedTree const> const& loadedTree() const { return m_tree; }
+    Value const* literals() const { return m_tree->literals.data(); }
     // The script around this one in the source; null for the outermost.
     ScriptObject* enclosing() const { return m_enclosing.isNothing() ? nullptr : &m_enclosing.script(); }
     ScriptObject& outermost();
@@ -38,8 +47,8 @@ protected:
     void clear() override;
 
 private:
-    std::shared_ptr<SyntaxTree> m_tree;
-    ScriptDefinition* m_definition;
+    std::shared_ptr<LoadedTree const> m_tree;
+    ScriptDefinition const* m_definition;
     Value m_enclosing;
 };
 

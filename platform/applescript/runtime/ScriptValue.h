@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/language/ScriptSymbol.h"
+#include "platform/applescript/language/Codes.h"
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -98,7 +98,7 @@ public:
     static Value number(double number);
     static Value type(Code code);
     static Value constant(Code code);
-    static Value missing() { return type(codeOf("msng")); }
+    static Value missing() { return type(codes::MissingValue); }
     static Value appleScript() { return Value(ValueKind::AppleScript); }
     static Value currentApplication() { return Value(ValueKind::CurrentApplication); }
     static Value text(std::u16string units);
@@ -114,7 +114,7 @@ public:
     bool is(ValueKind kind) const { return m_kind == kind; }
     bool isNothing() const { return m_kind == ValueKind::Nothing; }
     bool isNumber() const { return m_kind == ValueKind::Integer || m_kind == ValueKind::Real; }
-    bool isMissing() const { return m_kind == ValueKind::Type && m_content.code == codeOf("msng"); }
+    bool isMissing() const { return m_kind == ValueKind::Type && m_content.code == codes::MissingValue; }
     bool isObject() const { return m_kind >= ValueKind::Text; }
 
     bool asBoolean() const { return m_content.boolean; }
@@ -177,9 +177,5 @@ inline Value Value::real(double number) {
     value.m_content.real = number;
     return value;
 }
-
-// Integers have 30 bits; a literal or a sum beyond them is a real.
-inline constexpr std::int32_t MostInteger = (1 << 29) - 1;
-inline constexpr std::int32_t LeastInteger = -(1 << 29);
 
 } // namespace mac::applescript

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/applescript/language/SyntaxTree.h"
+#include "platform/applescript/language/Operation.h"
+#include "platform/applescript/runtime/ScriptValue.h"
 
 namespace mac::applescript {
 

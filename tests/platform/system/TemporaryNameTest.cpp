@@ -62,6 +62,26 @@ TEST(TemporaryName, TellsWhoMadeIt) {
     EXPECT_EQ(parseTemporaryName(asideName(0xFEDC'BA98'0000'0001U).value())->mark, 0xFEDC'BA98'0000'0001U);
 }
 
+TEST(TemporaryName, TellsWhichItemsGo) {
+    constexpr std::uint64_t one = 0xFEDC'BA98'0000'0001U;
+    constexpr std::uint64_t other = 0x1234'5678'9ABC'DEF0U;
+    std::string const aside = asideName(one).value();
+    EXPECT_TRUE(parseTemporaryName(aside)->accepts(one));
+    EXPECT_FALSE(parseTemporaryName(aside)->accepts(other));
+    EXPECT_FALSE(parseTemporaryName(asideName(MarkOfNoItem).value())->accepts(one));
+    EXPECT_TRUE(parseTemporaryName(temporaryName().value())->accepts(one));
+    std::string const either = asideNameForEither(one, other).value();
+    EXPECT_LE(either.size(), 140U);
+    ASSERT_TRUE(parseTemporaryName(either));
+    EXPECT_TRUE(parseTemporaryName(either)->accepts(one));
+    EXPECT_TRUE(parseTemporaryName(either)->accepts(other));
+    EXPECT_FALSE(parseTemporaryName(either)->accepts(one + other));
+    EXPECT_FALSE(parseTemporaryName(either + "0"));
+    EXPECT_FALSE(parseTemporaryName(either.substr(0, either.size() - 1)));
+    EXPECT_FALSE(parseTemporaryName(aside + "+"));
+    EXPECT_FALSE(parseTemporaryName(temporaryName().value() + "-+"));
+}
+
 TEST(TemporaryName, IsToldFromOtherNames) {
     std::string const name = temporaryName().value();
     std::string const aside = asideName(1).value();

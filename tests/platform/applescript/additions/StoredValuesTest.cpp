@@ -1,6 +1,7 @@
 #include "platform/applescript/additions/StoredValues.h"
 #include "fuzz/StoredValueTrial.h"
 #include "platform/applescript/language/Codes.h"
+#include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"

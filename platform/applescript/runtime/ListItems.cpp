@@ -1,0 +1,54 @@
+#include "platform/applescript/runtime/ListItems.h"
+#include "platform/applescript/language/Codes.h"
+
+namespace mac::applescript {
+
+namespace {
+
+std::optional<std::int32_t> integerIn(Value const& value) {
+    return value.is(ValueKind::Integer) ? std::optional(value.asInteger()) : std::nullopt;
+}
+
+// A number or a variable with an integer.
+std::optional<std::int32_t> plainOperand(Frame const& frame, Expression const& expression) {
+    if (VariableReference const* const variable = expression.as<VariableReference>())
+        return integerIn(variableSlot(frame, *variable));
+    Literal const* const literal = expression.as<Literal>();
+    return literal ? integerIn(frame.literals[literal->index]) : std::nullopt;
+}
+
+// Two integers of the language add up to no more than an integer of the machine holds; past the language's the sum is
+// no place in a list.
+std::optional<std::int32_t> plainSum(Frame const& frame, BinaryOperation const& binary) {
+    bool const isAddition = binary.operation == Operation::Add;
+    if (!isAddition && binary.operation != Operation::Subtract) return {};
+    std::optional<std::int32_t> const left = plainOperand(frame, *binary.left);
+    std::optional<std::int32_t> const right = left ? plainOperand(frame, *binary.right) : std::nullopt;
+    if (!right) return {};
+    std::int32_t const sum = isAddition ? *left + *right : *left - *right;
+    return sum >= LeastInteger && sum <= MostInteger ? std::optional(sum) : std::nullopt;
+}
+
+std::optional<std::int32_t> plainInteger(Frame const& frame, Expression const& expression) {
+    Expression const& inner = unparenthesized(expression);
+    BinaryOperation const* const sum = inner.as<BinaryOperation>();
+    return sum ? plainSum(frame, *sum) : plainOperand(frame, inner);
+}
+
+} // namespace
+
+Value* plainItem(Evaluator& evaluator, ElementReference const& element) {
+    bool const isItem = element.elementClass == codes::Item && element.form == Form::Index;
+    if (!isItem || !element.container || !element.selector) return nullptr;
+    VariableReference const* const variable = element.container->as<VariableReference>();
+    if (!variable) return nullptr;
+    Frame const& frame = evaluator.frame();
+    Value const& list = variableSlot(frame, *variable);
+    if (!list.is(ValueKind::List)) return nullptr;
+    std::optional<std::int32_t> const index = plainInteger(frame, *element.selector);
+    ValueList& items = list.items();
+    bool const isInside = index && *index > 0 && static_cast<std::size_t>(*index) <= items.size();
+    return isInside ? &items[static_cast<std::size_t>(*index) - 1] : nullptr;
+}
+
+} // namespace mac::applescript
