@@ -13,6 +13,8 @@ public:
     // Which program it lacks on this computer; nullopt if it can be made.
     static std::optional<std::string> obstacle();
 
+    void sendSignal(int signal) const { m_server.sendSignal(signal); }
+
 private:
     ChildProcess m_server{
         endingWithThisProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"})};
@@ -42,7 +44,7 @@ public:
     VirtualSession& operator=(VirtualSession const&) = delete;
 
     // To a neighbour of the programs in the session, such as SIGSTOP.
-    void sendSignalToDisplay(int signal) const { m_server.sendSignal(signal); }
+    void sendSignalToDisplay(int signal) const { m_display.sendSignal(signal); }
     void sendSignalToBus(int signal) const { m_bus.sendSignal(signal); }
 
     // Waits for a window of that title; false after a minute.
