@@ -51,13 +51,12 @@ void tellUnreadable(Copies const& copies) {
 
 Status list(CommandLine const& line) {
     Copies const copies;
-    SearchEnd end = SearchEnd::Finished;
+    bool isFinished = false;
     {
         ProgressLine progress;
-        end = copies.search([&](std::size_t found) { progress.tell(found); });
+        isFinished = copies.search([&](std::size_t found) { progress.tell(found); });
     }
-    if (end == SearchEnd::Interrupted) return Status::Interrupted;
-    if (end == SearchEnd::NotStarted) {
+    if (!isFinished) {
         tellPeople("framekeeper-cli: the search could not be started\n");
         return Status::Failed;
     }

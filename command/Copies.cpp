@@ -6,7 +6,6 @@
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/system/PhysicalPath.h"
-#include "platform/system/StandardStreams.h"
 
 namespace framekeeper {
 
@@ -24,23 +23,21 @@ Copies::Copies() {
     m_arrangement.bind_toObject_withKeyPath_options_("contentSet", m_controller, "paths", nil);
 }
 
-SearchEnd Copies::search(std::function<void(std::size_t found)> const& progress) const {
+bool Copies::search(std::function<void(std::size_t found)> const& progress) const {
     // The results are taken in once, at the end, and not with each of the query's notifications.
     NSNotificationCenter::defaultCenter().removeObserver_(m_controller);
     NSMetadataQuery const query = m_controller.query();
     query.setNotificationBatchingInterval_(Glance);
     readSources();
-    if (!query.startQuery()) return SearchEnd::NotStarted;
-    while (query.isGathering() && heldInterruption() == 0) {
+    if (!query.startQuery()) return false;
+    while (query.isGathering()) {
         NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode,
                                                         NSDate::dateWithTimeIntervalSinceNow_(Glance));
         progress(query.resultCount());
     }
-    bool const isInterrupted = query.isGathering();
     query.stopQuery();
-    if (isInterrupted) return SearchEnd::Interrupted;
     m_controller.syncQuery();
-    return SearchEnd::Finished;
+    return true;
 }
 
 void Copies::readSources() const { syncMembershipSources(m_controller); }

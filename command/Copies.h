@@ -7,8 +7,6 @@
 
 namespace framekeeper {
 
-enum class SearchEnd { Finished, NotStarted, Interrupted };
-
 // The program's controller without a window: its records, sorted as the window sorts them, and its actions on those
 // that are selected. Main thread.
 class Copies {
@@ -17,9 +15,9 @@ public:
 
     AppController const& controller() const { return m_controller; }
 
-    // Reads all sources and searches the computer; the records are there when it ends. Progress is told now and then,
-    // with the number of items found so far.
-    SearchEnd search(std::function<void(std::size_t found)> const& progress) const;
+    // Reads all sources and searches the computer; the records are there when it ends. False if it could not be
+    // started. Progress is told now and then, with the number of items found so far.
+    bool search(std::function<void(std::size_t found)> const& progress) const;
     // Reads the running copies, the login items and the places.
     void readSources() const;
     // Makes records of these paths and of those that the sources know, without a search.

@@ -12,7 +12,8 @@
 
 namespace framekeeper {
 
-// The version of the JSON documents' form. Keys may be added without a new one; docs/man/framekeeper-cli.1 describes them.
+// The version of the JSON documents' form. Keys may be added without a new one; docs/man/framekeeper-cli.1 describes
+// them.
 inline constexpr int JSONVersion = 1;
 
 // Records as a table, as JSON or as paths.

@@ -241,6 +241,8 @@ PLANTED = [
                 new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "no order of rooms"),
     ("arrows", [new("coreutils/Strings.cpp", '#include "pathutils/BundleVersions.h"\n')], "coreutils/Strings.cpp:1: ", "alone"),
     ("arrows", [after("pathutils/BundleVersions.cpp", 1, "#include <QString>\n")], "pathutils/BundleVersions.cpp:2: ", "toolkit"),
+    ("arrows", [new("command/Verbs.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "command/Verbs.h"\n')],
+     "app/ItemActions.cpp:2: ", "stands above"),
     ("arrows", [after("app/ItemActions.cpp", 1, "#include <unistd.h>\n")], "app/ItemActions.cpp:2: ", "system header"),
     ("arrows", [after("platform/foundation/NSString.h", 1, "#include <fcntl.h>\n")], "platform/foundation/NSString.h:2: ", "in a header"),
     ("arrows", [new("platform/foundation/Inner.h", "#pragma once\n#include <QString>\n"),
