@@ -48,8 +48,10 @@ Done checkBeside(TrashPlace const& trash, ItemIdentity const& item, std::vector<
     return {};
 }
 
-// A volume that is mounted there, or below, would go to the trash with the item.
-Done checkMounts(std::string const& path) {
+// A volume that is mounted there, or below, would go to the trash with the item. What is no folder holds none, and that
+// none is mounted on it was seen by its mount, if the system tells that.
+Done checkMounts(std::string const& path, ItemPlace const& place) {
+    if (!place.isFolder && place.mount != 0) return {};
     Result<MountTable> const mounts = MountTable::current();
     if (!mounts.hasValue()) return cannotTrash(mounts.problem());
     bool const holdsMountPoint = std::ranges::any_of(
@@ -238,7 +240,7 @@ Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps c
     Result<std::string> const folder = pathOfFolder(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     std::string const path = BytePath(folder.value()).joined(item.name);
-    Done const mounts = checkMounts(path);
+    Done const mounts = checkMounts(path, place.value());
     if (!mounts.isDone()) return mounts.problem();
     Result<TrashPlace, TrashProblem> const trash = trashForFolder(item.folder, MissingTrash::IsMade);
     if (!trash.hasValue()) return trash.problem();

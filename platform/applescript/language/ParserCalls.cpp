@@ -1,4 +1,4 @@
-#include "platform/applescript/language/ScriptParser.h"
+#include "platform/applescript/language/ExpressionParser.h"
 #include <array>
 
 namespace mac::applescript {
@@ -15,7 +15,7 @@ constexpr auto Labels = std::to_array<std::u16string_view>({
 } // namespace
 
 // The number of tokens of a label here; none where labels end an outer expression.
-std::size_t ScriptParser::labelLength(std::u16string_view& label) const {
+std::size_t ExpressionParser::labelLength(std::u16string_view& label) const {
     if (current().kind != TokenKind::Word || !m_labelsAllowed || isStop()) return 0;
     for (std::u16string_view const candidate : Labels) {
         std::size_t const count = tokensSpelling(rest(), candidate);
@@ -27,13 +27,13 @@ std::size_t ScriptParser::labelLength(std::u16string_view& label) const {
 }
 
 // given rounding:true, with rounding, without rounding
-bool ScriptParser::startsGivenParameters() const {
+bool ExpressionParser::startsGivenParameters() const {
     if (isStop()) return false;
     return isWord("given") || ((isWord("with") || isWord("without")) && isIdentifier(ahead(1)));
 }
 
 // A variable or a call.
-Expression& ScriptParser::parseIdentifier() {
+Expression& ExpressionParser::parseIdentifier() {
     std::size_t const first = place();
     Symbol const name = takeIdentifier(u"variable name or property");
     if (isSymbol("(")) return parseCall(name, first);
@@ -48,7 +48,7 @@ Expression& ScriptParser::parseIdentifier() {
     return makeVariable(name, first);
 }
 
-Expression& ScriptParser::parseCall(Symbol name, std::size_t firstToken) {
+Expression& ExpressionParser::parseCall(Symbol name, std::size_t firstToken) {
     std::vector<std::u16string_view> outerStops = std::exchange(stops(), {});
     bool const labelsAllowed = std::exchange(m_labelsAllowed, true);
     advance();
@@ -66,7 +66,7 @@ Expression& ScriptParser::parseCall(Symbol name, std::size_t firstToken) {
 }
 
 // a:1 b:2 is the positional handler a_b_.
-Expression& ScriptParser::parseInterleavedCall(Symbol first, std::size_t firstToken) {
+Expression& ExpressionParser::parseInterleavedCall(Symbol first, std::size_t firstToken) {
     PositionalCall call;
     std::u16string name = first->spelling;
     while (true) {
@@ -82,7 +82,7 @@ Expression& ScriptParser::parseInterleavedCall(Symbol first, std::size_t firstTo
 }
 
 // False where no argument follows.
-bool ScriptParser::parseLabeledArguments(LabeledCall& call) {
+bool ExpressionParser::parseLabeledArguments(LabeledCall& call) {
     std::u16string_view label;
     if (std::size_t const count = labelLength(label); count > 0) {
         skip(count);
@@ -109,7 +109,7 @@ bool ScriptParser::parseLabeledArguments(LabeledCall& call) {
     return true;
 }
 
-Expression& ScriptParser::parseLabeledCall(Symbol name, Expression* direct, std::size_t firstToken) {
+Expression& ExpressionParser::parseLabeledCall(Symbol name, Expression* direct, std::size_t firstToken) {
     LabeledCall call{.name = name, .direct = direct};
     while (parseLabeledArguments(call)) {}
     return make(firstToken, std::move(call));

@@ -1,13 +1,13 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/ErrorNumbers.h"
-#include "platform/applescript/language/ScriptParser.h"
+#include "platform/applescript/language/ExpressionParser.h"
 #include <algorithm>
 #include <array>
 
 namespace mac::applescript {
 
 // Whether an expression may begin here. Operators and what ends an expression do not begin one.
-bool ScriptParser::startsExpression() const {
+bool ExpressionParser::startsExpression() const {
     Token const& token = current();
     if (token.endsStatement() || token.kind == TokenKind::Unknown || token.kind == TokenKind::Unfinished) return false;
     if (token.kind == TokenKind::Mark) return token.word == "(" || token.word == "{" || token.word == "-";
@@ -20,7 +20,7 @@ bool ScriptParser::startsExpression() const {
 }
 
 // Null where none of the words stands here.
-Expression* ScriptParser::parseEnumerator(std::span<Enumerator const> enumerators) {
+Expression* ExpressionParser::parseEnumerator(std::span<Enumerator const> enumerators) {
     Enumerator const* best = nullptr;
     std::size_t most = 0;
     for (Enumerator const& enumerator : enumerators) {
@@ -35,7 +35,7 @@ Expression* ScriptParser::parseEnumerator(std::span<Enumerator const> enumerator
     return &makeLiteral(first, ConstantLiteral{best->code});
 }
 
-void ScriptParser::addParameter(CommandCall& call, CommandParameter const& parameter, Expression& value) const {
+void ExpressionParser::addParameter(CommandCall& call, CommandParameter const& parameter, Expression& value) const {
     if (std::ranges::find(call.arguments, parameter.code, &CommandArgument::code) != call.arguments.end())
         throw SyntaxError{.number = errors::ParameterTwice,
                           .message =
@@ -45,7 +45,7 @@ void ScriptParser::addParameter(CommandCall& call, CommandParameter const& param
 }
 
 // with administrator privileges and hidden answer
-void ScriptParser::parseBooleanParameters(CommandCall& call) {
+void ExpressionParser::parseBooleanParameters(CommandCall& call) {
     std::size_t const first = place();
     bool const isTrue = isWord("with");
     advance();
@@ -60,7 +60,7 @@ void ScriptParser::parseBooleanParameters(CommandCall& call) {
     } while (takeSymbol(",") || takeWord("and"));
 }
 
-Expression& ScriptParser::parseParameterValue(CommandParameter const& parameter) {
+Expression& ExpressionParser::parseParameterValue(CommandParameter const& parameter) {
     std::size_t const first = place();
     if (Expression* const word = parseEnumerator(parameter.enumerators)) return *word;
     if (parameter.label == u"as" || parameter.label == u"new") {
@@ -77,7 +77,7 @@ Expression& ScriptParser::parseParameterValue(CommandParameter const& parameter)
 }
 
 // False where no parameter of the command follows.
-bool ScriptParser::parseCommandParameter(CommandCall& call) {
+bool ExpressionParser::parseCommandParameter(CommandCall& call) {
     if (current().kind != TokenKind::Word) return false;
     if (parseRawParameters(call)) return true;
     CommandParameter const* parameter = nullptr;
@@ -99,7 +99,7 @@ bool ScriptParser::parseCommandParameter(CommandCall& call) {
     return true;
 }
 
-Expression& ScriptParser::parseCommand(CommandTerm const& command, std::size_t firstToken) {
+Expression& ExpressionParser::parseCommand(CommandTerm const& command, std::size_t firstToken) {
     CommandCall call{.command = &command};
     std::size_t const outerStops = stops().size();
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
@@ -120,7 +120,7 @@ Expression& ScriptParser::parseCommand(CommandTerm const& command, std::size_t f
 }
 
 // count x, count of x, number of x, count x each integer, count integers in x.
-Expression& ScriptParser::parseCount() {
+Expression& ExpressionParser::parseCount() {
     std::size_t const first = place();
     advance();
     if (isWord("of") || isWord("in")) advance();

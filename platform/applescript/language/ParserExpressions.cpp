@@ -1,7 +1,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/ErrorNumbers.h"
+#include "platform/applescript/language/ExpressionParser.h"
 #include "platform/applescript/language/OperatorPrecedence.h"
-#include "platform/applescript/language/ScriptParser.h"
 #include <cmath>
 
 namespace mac::applescript {
@@ -25,7 +25,7 @@ bool isNumber(LiteralContent const& content) {
 
 } // namespace
 
-Expression& ScriptParser::parseExpression(int leastPrecedence) {
+Expression& ExpressionParser::parseExpression(int leastPrecedence) {
     requireRoom();
     std::size_t const first = place();
     Expression* left = nullptr;
@@ -59,8 +59,8 @@ Expression& ScriptParser::parseExpression(int leastPrecedence) {
 }
 
 // `right` is null where the operator has no operand there.
-Expression& ScriptParser::makeOperation(Operation operation, Expression& left, Expression* right,
-                                        std::size_t firstToken) {
+Expression& ExpressionParser::makeOperation(Operation operation, Expression& left, Expression* right,
+                                            std::size_t firstToken) {
     switch (operation) {
     case Operation::And:
     case Operation::Or:
@@ -80,7 +80,7 @@ Expression& ScriptParser::makeOperation(Operation operation, Expression& left, E
     }
 }
 
-Expression& ScriptParser::parseUnary() {
+Expression& ExpressionParser::parseUnary() {
     std::size_t const first = place();
     bool const isNegation = isSymbol("-");
     if (!isNegation && !isSymbol("+")) return parseReference();
@@ -98,7 +98,7 @@ Expression& ScriptParser::parseUnary() {
 }
 
 // One class, or several in braces.
-std::vector<Code> ScriptParser::parseClassNames() {
+std::vector<Code> ExpressionParser::parseClassNames() {
     if (!takeSymbol("{")) return {parseClassName()};
     std::vector<Code> codes;
     do
@@ -108,7 +108,7 @@ std::vector<Code> ScriptParser::parseClassNames() {
     return codes;
 }
 
-Code ScriptParser::parseClassName() {
+Code ExpressionParser::parseClassName() {
     if (current().kind == TokenKind::Raw) {
         Literal const* const raw = parseRaw().as<Literal>();
         TypeLiteral const* const type = raw ? std::get_if<TypeLiteral>(&raw->content) : nullptr;
@@ -122,7 +122,7 @@ Code ScriptParser::parseClassName() {
     return match.term->classCode;
 }
 
-Expression& ScriptParser::parsePrimary() {
+Expression& ExpressionParser::parsePrimary() {
     requireRoom();
     std::size_t const first = place();
     Token const& token = current();
@@ -161,7 +161,7 @@ Expression& ScriptParser::parsePrimary() {
     expected(u"expression");
 }
 
-Expression* ScriptParser::parseConstantWord() {
+Expression* ExpressionParser::parseConstantWord() {
     std::size_t const first = place();
     if (takeWord("true")) return &makeLiteral(first, true);
     if (takeWord("false")) return &makeLiteral(first, false);
@@ -174,7 +174,7 @@ Expression* ScriptParser::parseConstantWord() {
     return nullptr;
 }
 
-Expression* ScriptParser::parsePrimaryWord() {
+Expression* ExpressionParser::parsePrimaryWord() {
     std::size_t const first = place();
     if (Expression* const constant = parseConstantWord()) return constant;
     if (Expression* const insertion = parseInsertion()) return insertion;
@@ -208,7 +208,7 @@ Expression* ScriptParser::parsePrimaryWord() {
     return &parseIdentifier();
 }
 
-Expression& ScriptParser::parseParentheses() {
+Expression& ExpressionParser::parseParentheses() {
     std::size_t const first = place();
     std::vector<std::u16string_view> outerStops = std::exchange(stops(), {});
     bool const labelsAllowed = std::exchange(m_labelsAllowed, true);
@@ -221,69 +221,6 @@ Expression& ScriptParser::parseParentheses() {
     stops() = std::move(outerStops);
     m_labelsAllowed = labelsAllowed;
     return make(first, Parentheses{.inner = &inner});
-}
-
-bool ScriptParser::isRecordKey() const {
-    if (current().kind == TokenKind::Barred || current().kind == TokenKind::Raw) return ahead(1).isSymbol(":");
-    if (current().kind != TokenKind::Word) return false;
-    std::size_t const count = std::max<std::size_t>(matchTerm().tokenCount, 1);
-    return ahead(count).isSymbol(":") || ahead(1).isSymbol(":");
-}
-
-Symbol ScriptParser::parseRecordKey() {
-    if (current().kind == TokenKind::Raw) {
-        Literal const* const raw = parseRaw().as<Literal>();
-        TypeLiteral const* const type = raw ? std::get_if<TypeLiteral>(&raw->content) : nullptr;
-        if (!type) expected(u"expression, property or key form, etc.");
-        return termSymbol(type->code, nameOfCode(type->code));
-    }
-    TermMatch const match = current().kind == TokenKind::Word ? matchTerm() : TermMatch();
-    bool const isTerm = match.term && ahead(match.tokenCount).isSymbol(":") &&
-                        (match.term->propertyCode != 0 || match.term->classCode != 0);
-    if (!isTerm) {
-        Symbol const name = symbolOfToken(current());
-        advance();
-        return name;
-    }
-    skip(match.tokenCount);
-    Code const code = match.term->propertyCode != 0 ? match.term->propertyCode : match.term->classCode;
-    return termSymbol(code, match.term->name);
-}
-
-// A list or a record.
-Expression& ScriptParser::parseBraces() {
-    std::size_t const first = place();
-    std::vector<std::u16string_view> outerStops = std::exchange(stops(), {});
-    bool const labelsAllowed = std::exchange(m_labelsAllowed, true);
-    advance();
-    Expression& made = isRecordKey() ? make(first, parseRecordFields()) : make(first, parseListItems());
-    if (!isSymbol("}")) expected(u"“,” or “}”");
-    advance();
-    stops() = std::move(outerStops);
-    m_labelsAllowed = labelsAllowed;
-    return close(made);
-}
-
-RecordExpression ScriptParser::parseRecordFields() {
-    RecordExpression record;
-    do {
-        if (isSymbol("}")) expected(u"expression");
-        if (!isRecordKey()) expected(u"expression, property or key form, etc.");
-        Symbol const key = parseRecordKey();
-        expectSymbol(":");
-        record.fields.push_back({.key = key, .value = &parseExpression()});
-    } while (takeSymbol(","));
-    return record;
-}
-
-ListExpression ScriptParser::parseListItems() {
-    ListExpression list;
-    if (isSymbol("}")) return list;
-    do {
-        if (isSymbol("}")) expected(u"expression");
-        list.items.push_back(&parseExpression());
-    } while (takeSymbol(","));
-    return list;
 }
 
 } // namespace mac::applescript

@@ -1,5 +1,5 @@
+#include "platform/applescript/language/ExpressionParser.h"
 #include "platform/applescript/language/OperatorPrecedence.h"
-#include "platform/applescript/language/ScriptParser.h"
 #include <array>
 
 namespace mac::applescript {
@@ -109,7 +109,7 @@ std::size_t tokensOfOperator(std::span<Token const> tokens, std::u16string_view 
 
 } // namespace
 
-std::optional<ScriptParser::Operator> ScriptParser::peekOperator() const {
+std::optional<ExpressionParser::Operator> ExpressionParser::peekOperator() const {
     Token const& token = current();
     if (token.kind == TokenKind::Mark) {
         for (SymbolOperator const& candidate : SymbolOperators)

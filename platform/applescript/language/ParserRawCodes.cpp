@@ -1,5 +1,5 @@
 #include "platform/applescript/language/Codes.h"
-#include "platform/applescript/language/ScriptParser.h"
+#include "platform/applescript/language/ExpressionParser.h"
 
 namespace mac::applescript {
 
@@ -43,7 +43,7 @@ LiteralContent literalOfData(Code type, std::string const& bytes) {
 } // namespace
 
 // The command of «event sysoexec». Null where another token stands.
-CommandTerm const* ScriptParser::rawCommandHere() const {
+CommandTerm const* ExpressionParser::rawCommandHere() const {
     constexpr std::u16string_view event = u"event ";
     std::u16string_view const content = current().text;
     bool const isEvent = current().kind == TokenKind::Raw && content.starts_with(event) && content.size() == 14;
@@ -55,7 +55,7 @@ CommandTerm const* ScriptParser::rawCommandHere() const {
 }
 
 // A class, or the property of that code where a property is meant.
-Expression& ScriptParser::parseRawClass(Code code, std::size_t firstToken) {
+Expression& ExpressionParser::parseRawClass(Code code, std::size_t firstToken) {
     // The name lives on in the table of symbols.
     Symbol const symbol = termSymbol(code, nameOfCode(code));
     Term const term{.name = symbol->spelling, .classCode = code, .propertyCode = code};
@@ -69,7 +69,7 @@ Expression& ScriptParser::parseRawClass(Code code, std::size_t firstToken) {
 }
 
 // «class docu», «constant ****yes », «data utxt0041», «event sysoexec», «property pnam».
-Expression& ScriptParser::parseRaw() {
+Expression& ExpressionParser::parseRaw() {
     std::size_t const first = place();
     std::u16string_view const content = current().text;
     std::size_t const space = content.find(u' ');
@@ -102,7 +102,7 @@ Expression& ScriptParser::parseRaw() {
 }
 
 // given «class btns»:{"OK"}, «class dflt»:1
-bool ScriptParser::parseRawParameters(CommandCall& call) {
+bool ExpressionParser::parseRawParameters(CommandCall& call) {
     bool const startsHere = isWord("given") && ahead(1).kind == TokenKind::Raw && ahead(2).isSymbol(":");
     if (!startsHere) return false;
     advance();

@@ -1,5 +1,5 @@
 #include "platform/applescript/language/Codes.h"
-#include "platform/applescript/language/ScriptParser.h"
+#include "platform/applescript/language/ExpressionParser.h"
 #include <algorithm>
 #include <array>
 
@@ -30,9 +30,9 @@ Expression* filterInside(Expression& expression) {
 
 } // namespace
 
-bool ScriptParser::isContainerWord() const { return (isWord("of") || isWord("in")) && !isStop(); }
+bool ExpressionParser::isContainerWord() const { return (isWord("of") || isWord("in")) && !isStop(); }
 
-Expression& ScriptParser::parseReference() {
+Expression& ExpressionParser::parseReference() {
     requireRoom();
     std::size_t const first = place();
     bool const startsWithName = isIdentifier(current());
@@ -61,7 +61,7 @@ Expression& ScriptParser::parseReference() {
     return make(first, FilterReference{.filtered = expression, .condition = &condition});
 }
 
-Expression& ScriptParser::parsePostfix() {
+Expression& ExpressionParser::parsePostfix() {
     Expression* expression = &parsePrimary();
     while (takeSymbol("'s"))
         expression = &parseAfterPossessive(*expression);
@@ -69,7 +69,7 @@ Expression& ScriptParser::parsePostfix() {
 }
 
 // What follows 's, my or its: a property, an element or a call, in the owner.
-Expression& ScriptParser::parseAfterPossessive(Expression& owner) {
+Expression& ExpressionParser::parseAfterPossessive(Expression& owner) {
     std::size_t const first = place();
     Expression* const end = parseOwnedEnd();
     Expression& owned = attach(end ? *end : parsePrimary(), owner);
@@ -78,7 +78,7 @@ Expression& ScriptParser::parseAfterPossessive(Expression& owner) {
 }
 
 // The end or beginning in x's end. Null where something else stands there.
-Expression* ScriptParser::parseOwnedEnd() {
+Expression* ExpressionParser::parseOwnedEnd() {
     std::size_t const first = place();
     bool const isEnd = takeWord("end");
     if (!isEnd && !takeWord("beginning")) return nullptr;
@@ -87,14 +87,14 @@ Expression* ScriptParser::parseOwnedEnd() {
 }
 
 // Puts the head, which has no container yet, into the container.
-Expression& ScriptParser::attach(Expression& head, Expression& container) {
+Expression& ExpressionParser::attach(Expression& head, Expression& container) {
     if (Expression* const whole = attached(head, container)) return *whole;
     goBackTo(place() - 1);
     expected(u"end of line, etc.");
 }
 
 // Null where the head can lie in nothing.
-Expression* ScriptParser::attached(Expression& head, Expression& container) {
+Expression* ExpressionParser::attached(Expression& head, Expression& container) {
     if (Expression** const place = containerOf(head)) {
         if (*place) return attached(**place, container) ? &head : nullptr;
         *place = &container;
@@ -124,7 +124,7 @@ Expression* ScriptParser::attached(Expression& head, Expression& container) {
 }
 
 // Whether the place of an element may follow: item i, item 3, item (n + 1), item -1, folder "x".
-bool ScriptParser::startsIndex() const {
+bool ExpressionParser::startsIndex() const {
     Token const& token = current();
     switch (token.kind) {
     case TokenKind::Integer:
@@ -143,7 +143,7 @@ bool ScriptParser::startsIndex() const {
     }
 }
 
-Expression& ScriptParser::parseIndexOperand() {
+Expression& ExpressionParser::parseIndexOperand() {
     std::size_t const first = place();
     bool const labelsAllowed = std::exchange(m_labelsAllowed, false);
     bool const isNegation = takeSymbol("-");
@@ -154,7 +154,7 @@ Expression& ScriptParser::parseIndexOperand() {
 }
 
 // every item, some item, first item, 3rd item, last item, middle item.
-Expression* ScriptParser::parseOrdinal() {
+Expression* ExpressionParser::parseOrdinal() {
     std::size_t const first = place();
     double index = 0;
     Form form = Form::Index;
@@ -186,7 +186,7 @@ Expression* ScriptParser::parseOrdinal() {
 }
 
 // beginning, end; before x, after x.
-Expression* ScriptParser::parseInsertion() {
+Expression* ExpressionParser::parseInsertion() {
     std::size_t const first = place();
     ElementReference insertion{.elementClass = codes::InsertionLocation};
     bool const isEnd = isWord("end") || isWord("back");
@@ -202,7 +202,7 @@ Expression* ScriptParser::parseInsertion() {
     return &make(first, insertion);
 }
 
-Expression& ScriptParser::parseTerm(TermMatch const& match) {
+Expression& ExpressionParser::parseTerm(TermMatch const& match) {
     std::size_t const first = place();
     Term const& term = *match.term;
     skip(match.tokenCount);
@@ -216,7 +216,7 @@ Expression& ScriptParser::parseTerm(TermMatch const& match) {
     return property;
 }
 
-Expression& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToken) {
+Expression& ExpressionParser::parseClassTerm(Term const& term, std::size_t firstToken) {
     // An application's own files are elements of it.
     bool const isOwnFile = Terminology::base().termNamed(term.name) != &term;
     bool const opensFile = term.classCode == codes::AliasType || term.classCode == codes::POSIXFileType ||
@@ -230,7 +230,7 @@ Expression& ScriptParser::parseClassTerm(Term const& term, std::size_t firstToke
 }
 
 // An element, a range or all of the class; where none of them follows, the class itself or the property of its name.
-Expression& ScriptParser::parseElementOfClass(Term const& term, std::size_t firstToken) {
+Expression& ExpressionParser::parseElementOfClass(Term const& term, std::size_t firstToken) {
     ElementReference element{.elementClass = term.classCode, .form = Form::Index};
     if (takeWord("id"))
         element.form = Form::Identifier;
@@ -264,12 +264,12 @@ Expression& ScriptParser::parseElementOfClass(Term const& term, std::size_t firs
     return whole;
 }
 
-Expression& ScriptParser::parseDate(std::size_t firstToken) {
+Expression& ExpressionParser::parseDate(std::size_t firstToken) {
     Expression& text = parseIndexOperand();
     return make(firstToken, DateExpression{.text = &text});
 }
 
-Expression& ScriptParser::parseApplication() {
+Expression& ExpressionParser::parseApplication() {
     using Naming = ApplicationReference::Naming;
     std::size_t const first = place();
     advance();

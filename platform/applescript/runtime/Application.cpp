@@ -1,4 +1,5 @@
 #include "platform/applescript/runtime/Application.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/RunLimits.h"
 #include "platform/applescript/runtime/SourceForm.h"
@@ -45,7 +46,7 @@ bool isToldTo(Value const& value) { return rootOf(value).is(ValueKind::Applicati
 bool isInApplication(Value const& value) { return value.is(ValueKind::Specifier) && isToldTo(value); }
 
 Value fileInApplication(Value const& file, Value const& told) {
-    return elementSpecifier(Form::Name, codeOf("cobj"), rootOf(told), file);
+    return elementSpecifier(Form::Name, codes::Item, rootOf(told), file);
 }
 
 bool hasTermFor(Value const& told, Code property) {

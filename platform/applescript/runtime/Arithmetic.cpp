@@ -1,3 +1,4 @@
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"
@@ -40,9 +41,9 @@ Value divided(Operation operation, Value const& left, Value const& right) {
 Value dateArithmetic(Operation operation, Value const& left, Value const& right, TextContext const& context) {
     bool const isDifference = operation == Operation::Subtract && left.is(ValueKind::Date) && right.is(ValueKind::Date);
     if (isDifference) return Value::number(static_cast<double>(left.seconds() - right.seconds()));
-    if (!left.is(ValueKind::Date)) throw cannotMake(right, codeOf("nmbr"));
+    if (!left.is(ValueKind::Date)) throw cannotMake(right, codes::NumberType);
     if (right.is(ValueKind::Date) || (operation != Operation::Add && operation != Operation::Subtract))
-        throw cannotMake(right.is(ValueKind::Date) ? right : left, codeOf("nmbr"));
+        throw cannotMake(right.is(ValueKind::Date) ? right : left, codes::NumberType);
     double const seconds = std::trunc(requireReal(right, context));
     double const sum = static_cast<double>(left.seconds()) + (operation == Operation::Add ? seconds : -seconds);
     if (!(std::abs(sum) < MostDate)) throw plainError(errors::NumberTooLarge);
@@ -86,7 +87,7 @@ Value negated(Value const& operand, TextContext const& context) {
 Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, TextContext const& context) {
     Value const left = resolved(unresolvedLeft, context);
     if (left.is(ValueKind::Text)) {
-        std::optional<Value> const right = coerced(unresolvedRight, codeOf("ctxt"), context);
+        std::optional<Value> const right = coerced(unresolvedRight, codes::TextType, context);
         if (right) {
             requireRoom(left.units().size() + right->units().size(), context.mostUnits);
             return Value::text(left.units() + right->units());
@@ -107,8 +108,8 @@ Value concatenated(Value const& unresolvedLeft, Value const& unresolvedRight, Te
     bool const addsNothing = left.is(ValueKind::List) && left.items().empty() && right.is(ValueKind::List);
     if (addsNothing) return right;
     // A record gives its values.
-    ValueList items = requireType(left, codeOf("list"), context).items();
-    ValueList const added = requireType(right, codeOf("list"), context).items();
+    ValueList items = requireType(left, codes::ListType, context).items();
+    ValueList const added = requireType(right, codes::ListType, context).items();
     requireRoom(items.size() + added.size(), context.mostItems);
     items.append(added);
     return Value::listOf(std::move(items));

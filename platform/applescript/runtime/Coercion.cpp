@@ -1,4 +1,5 @@
 #include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/language/Units.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/DateTerms.h"
@@ -16,7 +17,9 @@
 
 namespace mac::applescript {
 
-bool isTextClass(Code type) { return type == codeOf("ctxt") || type == codeOf("TEXT") || type == codeOf("utxt"); }
+bool isTextClass(Code type) {
+    return type == codes::TextType || type == codes::StringType || type == codes::UnicodeTextType;
+}
 
 namespace {
 
@@ -75,7 +78,7 @@ std::optional<Value> textOfList(Value const& value, TextContext const& context) 
     std::u16string text;
     bool isFirst = true;
     for (Value const& element : value.items()) {
-        std::optional<Value> const item = coerced(element, codeOf("ctxt"), context);
+        std::optional<Value> const item = coerced(element, codes::TextType, context);
         if (!item) return {};
         if (!std::exchange(isFirst, false)) text += context.delimiters.front();
         text += item->units();
@@ -103,7 +106,7 @@ std::optional<Value> textOf(Value const& value, TextContext const& context) {
     case ValueKind::Application:
         return Value::text(value.application().name);
     case ValueKind::Data:
-        if (value.data().type != codeOf("isot")) return {};
+        if (value.data().type != codes::ISODateType) return {};
         return Value::text(std::u16string(value.data().bytes.begin(), value.data().bytes.end()));
     default:
         return {};
@@ -119,11 +122,11 @@ std::optional<Value> isoDateOf(Value const& value) {
         text = value.units();
     else
         return {};
-    return makeObject<DataObject>(ValueKind::Data, codeOf("isot"), std::string(text.begin(), text.end()));
+    return makeObject<DataObject>(ValueKind::Data, codes::ISODateType, std::string(text.begin(), text.end()));
 }
 
 std::optional<Value> dateOf(Value const& value) {
-    bool const isISODate = value.is(ValueKind::Data) && value.data().type == codeOf("isot");
+    bool const isISODate = value.is(ValueKind::Data) && value.data().type == codes::ISODateType;
     if (!isISODate) return {};
     std::string const& bytes = value.data().bytes;
     std::optional<std::int64_t> const seconds = dateInISOText(std::u16string(bytes.begin(), bytes.end()));
@@ -131,13 +134,13 @@ std::optional<Value> dateOf(Value const& value) {
 }
 
 std::optional<Value> fileOf(Value const& value, Code type, TextContext const& context) {
-    bool const isAlias = type == codeOf("alis");
+    bool const isAlias = type == codes::AliasType;
     if (!value.is(ValueKind::File) && !value.is(ValueKind::Text)) return {};
     std::u16string path = requirePath(value, context);
     if (isAlias && !existsAt(path)) throw fileNotFound(value);
-    FileObject::Kind const kind = isAlias                  ? FileObject::Kind::Alias
-                                  : type == codeOf("file") ? FileObject::Kind::File
-                                                           : FileObject::Kind::PosixFile;
+    FileObject::Kind const kind = isAlias               ? FileObject::Kind::Alias
+                                  : type == codes::File ? FileObject::Kind::File
+                                                        : FileObject::Kind::PosixFile;
     return makeObject<FileObject>(ValueKind::File, kind, std::move(path));
 }
 
@@ -155,7 +158,7 @@ std::optional<Value> aliasListOf(Value const& value, TextContext const& context)
     // Held as long as its items are gone through: for what is no list it is a new one.
     std::optional<Value> const whole = listOf(value);
     for (Value const& item : whole->items()) {
-        std::optional<Value> const alias = coerced(item, codeOf("alis"), context);
+        std::optional<Value> const alias = coerced(item, codes::AliasType, context);
         if (!alias) return {};
         aliases.push_back(*alias);
     }
@@ -187,32 +190,32 @@ std::optional<Value> withUnit(Value const& value, Unit const& unit) {
 std::optional<Value> coercedItself(Value const& value, Code type, TextContext const& context) {
     if (Unit const* const unit = unitOf(type)) return withUnit(value, *unit);
     bool const isPlain =
-        isTextClass(type) || type == codeOf("long") || type == codeOf("nmbr") || type == codeOf("doub");
+        isTextClass(type) || type == codes::IntegerType || type == codes::NumberType || type == codes::RealType;
     std::optional<double> const measured = isPlain ? measure(value) : std::nullopt;
     if (measured) return coercedItself(Value::real(*measured), type, context);
-    if (type == codeOf("list")) return listOf(value);
-    if (type == codeOf("alst")) return aliasListOf(value, context);
-    if (type == codeOf("****") || isOfClass(value, type)) return value;
+    if (type == codes::ListType) return listOf(value);
+    if (type == codes::AliasListType) return aliasListOf(value, context);
+    if (type == codes::AnyType || isOfClass(value, type)) return value;
     if (isTextClass(type)) return textOf(value, context);
     switch (type) {
-    case codeOf("long"):
+    case codes::IntegerType:
         return integerOf(value);
-    case codeOf("nmbr"):
+    case codes::NumberType:
         return numberOf(value);
-    case codeOf("doub"): {
+    case codes::RealType: {
         std::optional<Value> const number = numberOf(value);
         return number ? Value::real(number->asNumber()) : number;
     }
-    case codeOf("bool"):
+    case codes::BooleanType:
         return booleanOf(value, context);
-    case codeOf("isot"):
+    case codes::ISODateType:
         return isoDateOf(value);
-    case codeOf("ldt "):
+    case codes::DateType:
         return dateOf(value);
-    case codeOf("alis"):
-    case codeOf("furl"):
-    case codeOf("psxf"):
-    case codeOf("file"):
+    case codes::AliasType:
+    case codes::FileURLType:
+    case codes::POSIXFileType:
+    case codes::File:
         return fileOf(value, type, context);
     default:
         return {};
@@ -223,7 +226,7 @@ std::optional<Value> coercedItself(Value const& value, Code type, TextContext co
 
 std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context) {
     requireStackRoom();
-    if (type == codeOf("obj ") && unresolved.is(ValueKind::Specifier)) return unresolved;
+    if (type == codes::ReferenceType && unresolved.is(ValueKind::Specifier)) return unresolved;
     if (isInApplication(unresolved)) return getInApplication(unresolved, type, context);
     Value const value = resolved(unresolved, context);
     // What a reference of the script's own leads to may lie in an application.
@@ -251,24 +254,24 @@ Value requireOneOf(Value const& value, std::span<Code const> types, TextContext 
 
 Value requireNumber(Value const& value, TextContext const& context) {
     if (value.isNumber()) return value;
-    return requireType(value, codeOf("nmbr"), context);
+    return requireType(value, codes::NumberType, context);
 }
 
 double requireReal(Value const& value, TextContext const& context) { return requireNumber(value, context).asNumber(); }
 
 std::int32_t requireInteger(Value const& value, TextContext const& context) {
     if (value.is(ValueKind::Integer)) return value.asInteger();
-    return requireType(value, codeOf("long"), context).asInteger();
+    return requireType(value, codes::IntegerType, context).asInteger();
 }
 
 std::u16string requireText(Value const& value, TextContext const& context) {
     if (value.is(ValueKind::Text)) return value.units();
-    return requireType(value, codeOf("ctxt"), context).units();
+    return requireType(value, codes::TextType, context).units();
 }
 
 bool requireBoolean(Value const& value, TextContext const& context) {
     if (value.is(ValueKind::Boolean)) return value.asBoolean();
-    return requireType(value, codeOf("bool"), context).asBoolean();
+    return requireType(value, codes::BooleanType, context).asBoolean();
 }
 
 std::u16string requirePath(Value const& value, TextContext const& context) {
@@ -280,47 +283,47 @@ std::u16string requirePath(Value const& value, TextContext const& context) {
 Code classOfValue(Value const& value) {
     switch (value.kind()) {
     case ValueKind::Boolean:
-        return codeOf("bool");
+        return codes::BooleanType;
     case ValueKind::Integer:
-        return codeOf("long");
+        return codes::IntegerType;
     case ValueKind::Real:
-        return codeOf("doub");
+        return codes::RealType;
     case ValueKind::Constant:
-        return codeOf("enum");
+        return codes::ConstantType;
     case ValueKind::AppleScript:
     case ValueKind::Script:
-        return codeOf("scpt");
+        return codes::ScriptType;
     case ValueKind::CurrentApplication:
     case ValueKind::Application:
-        return codeOf("capp");
+        return codes::Application;
     case ValueKind::Text:
-        return codeOf("ctxt");
+        return codes::TextType;
     case ValueKind::List:
-        return codeOf("list");
+        return codes::ListType;
     case ValueKind::Record:
-        return codeOf("reco");
+        return codes::RecordType;
     case ValueKind::Date:
-        return codeOf("ldt ");
+        return codes::DateType;
     case ValueKind::File:
-        return value.file().kind == FileObject::Kind::Alias  ? codeOf("alis")
-               : value.file().kind == FileObject::Kind::File ? codeOf("file")
-                                                             : codeOf("furl");
+        return value.file().kind == FileObject::Kind::Alias  ? codes::AliasType
+               : value.file().kind == FileObject::Kind::File ? codes::File
+                                                             : codes::FileURLType;
     case ValueKind::Handler:
-        return codeOf("hand");
+        return codes::HandlerType;
     case ValueKind::Data:
         return value.data().type;
     case ValueKind::Specifier:
-        return codeOf("obj ");
+        return codes::ReferenceType;
     default:
-        return codeOf("pcls");
+        return codes::ClassType;
     }
 }
 
 bool isOfClass(Value const& value, Code type) {
     if (isTextClass(type)) return value.is(ValueKind::Text);
-    if (type == codeOf("nmbr")) return value.isNumber();
-    if (type == codeOf("cobj")) return true;
-    if (type == codeOf("psxf")) return classOfValue(value) == codeOf("furl");
+    if (type == codes::NumberType) return value.isNumber();
+    if (type == codes::Item) return true;
+    if (type == codes::POSIXFileType) return classOfValue(value) == codes::FileURLType;
     return classOfValue(value) == type;
 }
 

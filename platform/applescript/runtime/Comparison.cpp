@@ -1,3 +1,4 @@
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/Operators.h"
@@ -11,7 +12,9 @@ namespace mac::applescript {
 namespace {
 
 // All names of text are one class.
-Code canonicalClass(Code type) { return type == codeOf("TEXT") || type == codeOf("utxt") ? codeOf("ctxt") : type; }
+Code canonicalClass(Code type) {
+    return type == codes::StringType || type == codes::UnicodeTextType ? codes::TextType : type;
+}
 
 bool areEqualItems(ValueList const& left, ValueList const& right, TextContext const& context) {
     if (&left == &right) return true;
@@ -79,8 +82,8 @@ bool containsItems(ValueList const& whole, ValueList const& part, TextContext co
 
 bool containsValue(Operation operation, Value const& whole, Value const& part, TextContext const& context) {
     if (whole.is(ValueKind::Record)) {
-        if (operation != Operation::Contains) throw cannotMake(whole, codeOf("list"));
-        if (!part.is(ValueKind::Record)) throw cannotMake(part, codeOf("reco"));
+        if (operation != Operation::Contains) throw cannotMake(whole, codes::ListType);
+        if (!part.is(ValueKind::Record)) throw cannotMake(part, codes::RecordType);
         return containsFields(whole, part, context);
     }
     if (whole.is(ValueKind::List)) {
@@ -103,7 +106,7 @@ bool containsValue(Operation operation, Value const& whole, Value const& part, T
 int orderOf(Value const& left, Value const& right, TextContext const& context) {
     if (left.is(ValueKind::Text)) return compareText(left.units(), requireText(right, context), context.considered);
     if (left.is(ValueKind::Date)) {
-        if (!right.is(ValueKind::Date)) throw cannotMake(right, codeOf("ldt "));
+        if (!right.is(ValueKind::Date)) throw cannotMake(right, codes::DateType);
         return left.seconds() < right.seconds() ? -1 : left.seconds() > right.seconds() ? 1 : 0;
     }
     double const first = requireReal(left, context);
@@ -138,7 +141,7 @@ bool isOrdered(Operation operation, Value const& unresolvedLeft, Value const& un
     Value const left = unwrapped(unresolvedLeft, context);
     Value const right = unwrapped(unresolvedRight, context);
     bool const mayCompare = left.isNumber() || left.is(ValueKind::Text) || left.is(ValueKind::Date);
-    if (!mayCompare) throw cannotMake(unresolvedLeft, codeOf("nmbr"));
+    if (!mayCompare) throw cannotMake(unresolvedLeft, codes::NumberType);
     int const order = orderOf(left, right, context);
     switch (operation) {
     case Operation::Less:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/ScriptValue.h"
 #include <array>
 
@@ -7,11 +8,11 @@
 
 namespace mac::applescript {
 
-inline constexpr auto Months = std::to_array<Code>({codeOf("jan "), codeOf("feb "), codeOf("mar "), codeOf("apr "),
-                                                    codeOf("may "), codeOf("jun "), codeOf("jul "), codeOf("aug "),
-                                                    codeOf("sep "), codeOf("oct "), codeOf("nov "), codeOf("dec ")});
+inline constexpr auto Months = std::to_array<Code>(
+    {codes::January, codes::February, codes::March, codes::April, codes::May, codes::June, codes::July, codes::August,
+     codes::September, codes::October, codes::November, codes::December});
 // 0 is Sunday.
 inline constexpr auto Weekdays = std::to_array<Code>(
-    {codeOf("sun "), codeOf("mon "), codeOf("tue "), codeOf("wed "), codeOf("thu "), codeOf("fri "), codeOf("sat ")});
+    {codes::Sunday, codes::Monday, codes::Tuesday, codes::Wednesday, codes::Thursday, codes::Friday, codes::Saturday});
 
 } // namespace mac::applescript

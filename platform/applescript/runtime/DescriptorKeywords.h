@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/language/SyntaxTree.h"
 #include "platform/events/AEDataModel.h"
 #include <array>
@@ -37,12 +38,12 @@ inline constexpr DescType CurrentContainer{"ccnt"};
 inline constexpr DescType ApplicationURL{"aprl"};
 
 // Values of 'form' and 'kpos', ordinals, relations between neighbours.
-inline constexpr Code FormProperty = codeOf("prop");
+inline constexpr Code FormProperty = codes::PropertyForm;
 inline constexpr Code FormUserProperty = codeOf("usrp");
 inline constexpr Code FormIndex = codeOf("indx");
 inline constexpr Code FormName = codeOf("name");
-inline constexpr Code FormIdentifier = codeOf("ID  ");
-inline constexpr Code FormRange = codeOf("rang");
+inline constexpr Code FormIdentifier = codes::Identifier;
+inline constexpr Code FormRange = codes::RangeForm;
 inline constexpr Code FormTest = codeOf("test");
 inline constexpr Code FormRelative = codeOf("rele");
 inline constexpr Code Beginning = codeOf("bgng");
@@ -74,7 +75,7 @@ inline constexpr auto Comparisons = std::to_array<ComparisonRow>({
     {Operation::AtLeast, Operation::AtLeast, codeOf(">=  ")},
     {Operation::StartsWith, Operation::StartsWith, codeOf("bgwt")},
     {Operation::EndsWith, Operation::EndsWith, codeOf("ends")},
-    {Operation::Contains, Operation::DoesNotContain, codeOf("cont")},
+    {Operation::Contains, Operation::DoesNotContain, codes::ContainsRelation},
 });
 
 // Whether a record of this class keeps it as its descriptor's type: a type that means something else would not be read

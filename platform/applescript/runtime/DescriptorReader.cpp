@@ -1,3 +1,4 @@
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/language/Terminology.h"
 #include "platform/applescript/runtime/DescriptorKeywords.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
@@ -76,8 +77,8 @@ Value dateIn(AEDesc const& desc) {
 }
 
 Value ofCode(Code code, bool isEnumerated) {
-    if (code == codeOf("true") || code == codeOf("fals")) return Value::boolean(code == codeOf("true"));
-    if (code == codeOf("ascr")) return Value::appleScript();
+    if (code == codes::True || code == codes::False) return Value::boolean(code == codes::True);
+    if (code == codes::AppleScriptSuite) return Value::appleScript();
     Term const* const term = Terminology::base().termNamed(nameOfCode(code));
     bool const isValue = term && term->isValue && term->classCode == code;
     return isEnumerated && !isValue ? Value::constant(code) : Value::type(code);
@@ -142,7 +143,7 @@ private:
     // A null within something stands for itself.
     Value item(AEDesc const& desc) {
         Value read = value(desc);
-        return read.isNothing() ? Value::type(codeOf("null")) : read;
+        return read.isNothing() ? Value::type(codes::Null) : read;
     }
 
     static Value bytesIn(AEDesc const& desc) {
@@ -183,8 +184,8 @@ private:
         std::vector<std::pair<Symbol, Value>> fields;
         std::unordered_set<Code> known;
         Code const type = desc.descriptorType.value();
-        if (namesRecord(type) && known.insert(codeOf("pcls")).second)
-            fields.emplace_back(symbolOf(codeOf("pcls")), Value::type(type));
+        if (namesRecord(type) && known.insert(codes::Class).second)
+            fields.emplace_back(symbolOf(codes::Class), Value::type(type));
         for (DescriptorEntry const& entry : contentsOf(desc).entries) {
             if (!known.insert(entry.keyword.value()).second) continue;
             if (entry.keyword == UserFields)
@@ -286,13 +287,13 @@ private:
         Value const object = container(entry(desc, InsertionObject));
         switch (codeIn(entry(desc, InsertionPlace))) {
         case Beginning:
-            return elementSpecifier(Form::Beginning, codeOf("insl"), object);
+            return elementSpecifier(Form::Beginning, codes::InsertionLocation, object);
         case End:
-            return elementSpecifier(Form::End, codeOf("insl"), object);
+            return elementSpecifier(Form::End, codes::InsertionLocation, object);
         case keywords::Before:
-            return elementSpecifier(Form::Before, codeOf("insl"), object);
+            return elementSpecifier(Form::Before, codes::InsertionLocation, object);
         case keywords::After:
-            return elementSpecifier(Form::After, codeOf("insl"), object);
+            return elementSpecifier(Form::After, codes::InsertionLocation, object);
         default:
             throw corrupt();
         }
@@ -307,7 +308,7 @@ private:
     }
 
     Value operand(AEDesc const& desc) {
-        if (desc.descriptorType == ObjectBeingExamined) return propertySpecifier(termSymbol(codeOf("it  "), u"it"), {});
+        if (desc.descriptorType == ObjectBeingExamined) return propertySpecifier(termSymbol(codes::It, u"it"), {});
         return item(desc);
     }
 
@@ -316,7 +317,7 @@ private:
         Code const code = codeIn(entry(desc, Comparison));
         Value const subject = operand(entry(desc, FirstOperand));
         Value const other = operand(entry(desc, SecondOperand));
-        bool const isReversed = code == codeOf("cont") && !subject.is(ValueKind::Specifier);
+        bool const isReversed = code == codes::ContainsRelation && !subject.is(ValueKind::Specifier);
         if (isReversed) return test(Operation::IsIn, other, subject);
         for (ComparisonRow const& row : Comparisons)
             if (row.code == code) return test(row.operation, subject, other);

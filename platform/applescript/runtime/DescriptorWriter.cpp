@@ -1,3 +1,4 @@
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/DescriptorKeywords.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
@@ -20,12 +21,14 @@ using namespace keywords;
 constexpr std::size_t MostValuesWritten = std::size_t{1} << 20;
 
 constexpr auto NotOfRecords = std::to_array<Code>(
-    {codeOf("null"), codeOf("true"), codeOf("fals"), codeOf("bool"), codeOf("shor"), codeOf("long"), codeOf("magn"),
-     codeOf("comp"), codeOf("ucom"), codeOf("sing"), codeOf("doub"), codeOf("TEXT"), codeOf("utxt"), codeOf("utf8"),
-     codeOf("ut16"), codeOf("enum"), codeOf("type"), codeOf("keyw"), codeOf("prop"), codeOf("ldt "), codeOf("list"),
-     codeOf("reco"), codeOf("aevt"), codeOf("obj "), codeOf("insl"), codeOf("rang"), codeOf("cmpd"), codeOf("logi"),
-     codeOf("furl"), codeOf("alis"), codeOf("psn "), codeOf("sign"), codeOf("bund"), codeOf("kpid"), codeOf("aprl"),
-     codeOf("scpt"), codeOf("exmn"), codeOf("ccnt"), codeOf("abso")});
+    {codes::Null,         codes::True,       codes::False,           codes::BooleanType,   codeOf("shor"),
+     codes::IntegerType,  codeOf("magn"),    codeOf("comp"),         codeOf("ucom"),       codeOf("sing"),
+     codes::RealType,     codes::StringType, codes::UnicodeTextType, codeOf("utf8"),       codeOf("ut16"),
+     codes::ConstantType, codeOf("type"),    codeOf("keyw"),         codes::PropertyForm,  codes::DateType,
+     codes::ListType,     codes::RecordType, codeOf("aevt"),         codes::ReferenceType, codes::InsertionLocation,
+     codes::RangeForm,    codeOf("cmpd"),    codes::LogicalTest,     codes::FileURLType,   codes::AliasType,
+     codeOf("psn "),      codeOf("sign"),    codeOf("bund"),         codeOf("kpid"),       codeOf("aprl"),
+     codes::ScriptType,   codeOf("exmn"),    codeOf("ccnt"),         codeOf("abso")});
 
 AEDesc codeDesc(DescType type, Code code) { return makeDescOf(type, code); }
 
@@ -37,7 +40,7 @@ bool isPartOfDate(Code code) {
 }
 
 AEDesc descOfType(Code code) {
-    if (code == codeOf("null")) return {};
+    if (code == codes::Null) return {};
     return codeDesc(isPartOfDate(code) ? typeEnumerated : typeType, code);
 }
 
@@ -77,7 +80,7 @@ private:
         case ValueKind::Constant:
             return codeDesc(typeEnumerated, value.asCode());
         case ValueKind::AppleScript:
-            return codeDesc(typeType, codeOf("ascr"));
+            return codeDesc(typeType, codes::AppleScriptSuite);
         case ValueKind::CurrentApplication:
             return makeDescOf(typeProcessSerialNumber, ProcessSerialNumber{0, kCurrentProcess});
         default:
@@ -124,8 +127,7 @@ private:
         AEDesc named = makeContainer(typeAEList, DescriptorForm::List);
         DescType type = typeAERecord;
         for (auto const& [key, field] : fields) {
-            bool const isClass =
-                key->code == codeOf("pcls") && field.is(ValueKind::Type) && namesRecord(field.asCode());
+            bool const isClass = key->code == codes::Class && field.is(ValueKind::Type) && namesRecord(field.asCode());
             if (isClass) {
                 type = DescType(field.asCode());
             } else if (key->code != 0) {
@@ -142,7 +144,7 @@ private:
 
     static AEDesc descOfFile(Value const& file) {
         std::optional<std::string> const path = fileSystemBytesFromUnits(file.file().path);
-        if (!path) throw cannotMake(file, codeOf("furl"));
+        if (!path) throw cannotMake(file, codes::FileURLType);
         if (file.file().kind == FileObject::Kind::Alias) return bytesDesc(AliasType, *path);
         return bytesDesc(typeFileURL, fileURL(*path));
     }
@@ -197,7 +199,7 @@ private:
     AEDesc descOfProperty(SpecifierObject const& specifier, DescType root) {
         Code const code = specifier.property->code;
         // The examined object itself.
-        if (code == codeOf("it  ") && specifier.container.isNothing()) return {.descriptorType = root};
+        if (code == codes::It && specifier.container.isNothing()) return {.descriptorType = root};
         AEDesc record = makeContainer(typeObjectSpecifier, DescriptorForm::Record);
         put(record, Want, codeDesc(typeType, FormProperty));
         put(record, KeyForm, codeDesc(typeEnumerated, code != 0 ? FormProperty : FormUserProperty));
@@ -240,7 +242,7 @@ private:
     AEDesc descOfFilter(SpecifierObject const& specifier, DescType root) {
         Value const& filtered = specifier.from;
         AEDesc record = makeContainer(typeObjectSpecifier, DescriptorForm::Record);
-        Code const want = filtered.is(ValueKind::Specifier) ? filtered.specifier().want : codeOf("cobj");
+        Code const want = filtered.is(ValueKind::Specifier) ? filtered.specifier().want : codes::Item;
         put(record, Want, codeDesc(typeType, want));
         put(record, KeyForm, codeDesc(typeEnumerated, FormTest));
         put(record, KeyData, desc(specifier.to, ObjectBeingExamined));
@@ -257,9 +259,9 @@ private:
         case Operation::Not:
             return logical(LogicalNot, {operand(test.left)});
         case Operation::IsIn:
-            return comparison(codeOf("cont"), test.right, test.left);
+            return comparison(codes::ContainsRelation, test.right, test.left);
         case Operation::IsNotIn:
-            return logical(LogicalNot, {comparison(codeOf("cont"), test.right, test.left)});
+            return logical(LogicalNot, {comparison(codes::ContainsRelation, test.right, test.left)});
         default:
             break;
         }

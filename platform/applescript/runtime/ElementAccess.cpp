@@ -1,4 +1,5 @@
 #include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptError.h"
@@ -25,12 +26,26 @@ std::optional<std::size_t> placeOf(std::int64_t index, std::size_t count) {
 }
 
 std::optional<std::size_t> placeOf(Value const& index, std::size_t count, TextContext const& context) {
-    std::optional<Value> const number = coerced(index, codeOf("long"), context);
+    std::optional<Value> const number = coerced(index, codes::IntegerType, context);
     // No list is as long as a number past the integers.
-    bool const isBeyond = !number && coerced(index, codeOf("nmbr"), context).has_value();
+    bool const isBeyond = !number && coerced(index, codes::NumberType, context).has_value();
     if (isBeyond) return {};
-    if (!number) throw cannotMake(index, codeOf("long"));
+    if (!number) throw cannotMake(index, codes::IntegerType);
     return placeOf(static_cast<std::int64_t>(number->asInteger()), count);
+}
+
+// An index that is still to be looked up is looked up before the elements are: it may refer into the same text, which
+// keeps the elements alone that were looked for last.
+Value settledIndex(Value const& index, Form form, TextContext const& context) {
+    bool const isReference = index.is(ValueKind::Specifier) && form == Form::Index;
+    if (!isReference && !index.is(ValueKind::List)) return index;
+    return coerced(index, codes::IntegerType, context).value_or(index);
+}
+
+ElementSelector settled(ElementSelector selector, TextContext const& context) {
+    selector.from = settledIndex(selector.from, selector.form, context);
+    selector.to = settledIndex(selector.to, selector.form, context);
+    return selector;
 }
 
 // The place that index, some, middle and last choose among so many.
@@ -67,15 +82,17 @@ Value textIn(std::u16string const& units, SourceRange range) {
 }
 
 // Item and text count as character.
-bool isCharacterClass(Code want) { return want != codeOf("cwor") && want != codeOf("cpar") && want != codeOf("citm"); }
+bool isCharacterClass(Code want) {
+    return want != codes::WordType && want != codes::ParagraphType && want != codes::TextItemType;
+}
 
 // The span of the text that an end of `text from word 1 to word 2` means.
 std::optional<SourceRange> spanOf(TextObject const& text, Value const& end, TextContext const& context) {
     if (!end.is(ValueKind::Specifier) || !isTextElementClass(end.specifier().want)) return {};
     SpecifierObject const& specifier = end.specifier();
+    ElementSelector const selector =
+        settled({.form = specifier.form, .want = specifier.want, .from = specifier.from, .to = specifier.to}, context);
     std::vector<SourceRange> const& ranges = textElements(text, specifier.want, context);
-    ElementSelector const selector{
-        .form = specifier.form, .want = specifier.want, .from = specifier.from, .to = specifier.to};
     std::optional<std::size_t> const place = chosenPlace(selector, ranges.size(), context);
     return place ? std::optional(ranges[*place]) : std::nullopt;
 }
@@ -150,7 +167,7 @@ Value withContainer(Value const& part, Value const& container) {
 }
 
 ValueList itemsOfClass(ValueList const& items, Code type) {
-    if (type == codeOf("cobj")) return items;
+    if (type == codes::Item) return items;
     ValueList found;
     for (Value const& item : items)
         if (isOfClass(item, type)) found.push_back(item);
@@ -158,12 +175,12 @@ ValueList itemsOfClass(ValueList const& items, Code type) {
 }
 
 std::optional<Value> elementOfList(ValueList const& all, ElementSelector const& selector, TextContext const& context) {
-    if (selector.want != codeOf("cobj")) {
-        bool const isElement = selector.want == codeOf("cha ") || selector.want == codeOf("cwor") ||
-                               selector.want == codeOf("cpar") || selector.want == codeOf("citm");
+    if (selector.want != codes::Item) {
+        bool const isElement = selector.want == codes::CharacterType || selector.want == codes::WordType ||
+                               selector.want == codes::ParagraphType || selector.want == codes::TextItemType;
         if (isElement) return {};
         ElementSelector narrowed = selector;
-        narrowed.want = codeOf("cobj");
+        narrowed.want = codes::Item;
         return elementOfList(itemsOfClass(all, selector.want), narrowed, context);
     }
     if (selector.form == Form::Every) return Value::listOf(all);
@@ -184,7 +201,7 @@ std::optional<Value> elementOf(Value const& container, ElementSelector const& se
                        selector.form == Form::Middle || selector.form == Form::Last || selector.form == Form::Range;
     if (!isOwn) return {};
     if (container.is(ValueKind::List)) return elementOfList(container.items(), selector, context);
-    if (container.is(ValueKind::Text)) return elementOfText(container, selector, context);
+    if (container.is(ValueKind::Text)) return elementOfText(container, settled(selector, context), context);
     return {};
 }
 
@@ -200,7 +217,7 @@ bool setElementOf(Value const& container, ElementSelector const& selector, Value
             items.push_front(value);
         return true;
     }
-    if (selector.want != codeOf("cobj")) {
+    if (selector.want != codes::Item) {
         std::size_t place = 0;
         std::vector<std::size_t> places;
         for (Value const& item : items) {
@@ -217,7 +234,7 @@ bool setElementOf(Value const& container, ElementSelector const& selector, Value
 }
 
 std::optional<std::size_t> countOf(Value const& container, Code elementClass, TextContext const& context) {
-    bool const isAny = elementClass == 0 || elementClass == codeOf("cobj");
+    bool const isAny = elementClass == 0 || elementClass == codes::Item;
     switch (container.kind()) {
     case ValueKind::List:
         return isAny ? container.items().size() : itemsOfClass(container.items(), elementClass).size();
@@ -228,7 +245,7 @@ std::optional<std::size_t> countOf(Value const& container, Code elementClass, Te
         if (!isAny && !isTextElementClass(elementClass)) return {};
         if (!isAny && isTextClass(elementClass)) return 1;
         if (isAny && container.textObject().isSimple()) return container.units().size();
-        return textElements(container.textObject(), isAny ? codeOf("cha ") : elementClass, context).size();
+        return textElements(container.textObject(), isAny ? codes::CharacterType : elementClass, context).size();
     default:
         return {};
     }

@@ -1,3 +1,4 @@
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/ElementAccess.h"
@@ -45,14 +46,14 @@ Value identifiersOf(std::u16string_view text) {
 
 std::optional<Value> propertyOfText(Value const& text, Symbol name, TextContext const& context) {
     switch (name->code) {
-    case codeOf("leng"):
+    case codes::Length:
         return countValue(*countOf(text, 0, context));
-    case codeOf("strq"):
+    case codes::QuotedForm:
         return Value::text(quotedForm(text.units()));
-    case codeOf("ID  "):
+    case codes::Identifier:
         return identifiersOf(text.units());
-    case codeOf("psxp"):
-    case codeOf("posx"):
+    case codes::POSIXPath:
+    case codes::POSIXPathOfFile:
         return Value::text(posixPathOf(text.units()));
     default:
         return {};
@@ -62,11 +63,11 @@ std::optional<Value> propertyOfText(Value const& text, Symbol name, TextContext 
 std::optional<Value> propertyOfList(Value const& list, Symbol name) {
     ValueList const& items = list.items();
     switch (name->code) {
-    case codeOf("leng"):
+    case codes::Length:
         return countValue(items.size());
-    case codeOf("rvse"):
+    case codes::Reverse:
         return Value::list(std::vector<Value>(items.rbegin(), items.rend()));
-    case codeOf("rest"):
+    case codes::Rest:
         if (items.empty()) return {};
         return Value::list(std::vector<Value>(items.begin() + 1, items.end()));
     default:
@@ -78,27 +79,27 @@ std::optional<Value> propertyOfDate(Value const& date, Symbol name) {
     std::int64_t const seconds = date.seconds();
     DateParts const parts = partsOfDate(seconds);
     switch (name->code) {
-    case codeOf("year"):
+    case codes::Year:
         return Value::number(static_cast<double>(parts.year));
-    case codeOf("mnth"):
+    case codes::MonthType:
         return Value::type(Months.at(static_cast<std::size_t>(parts.month) - 1));
-    case codeOf("day "):
+    case codes::Day:
         return Value::integer(parts.day);
-    case codeOf("wkdy"):
+    case codes::WeekdayType:
         return Value::type(Weekdays.at(static_cast<std::size_t>(weekdayOfDate(seconds))));
-    case codeOf("time"):
+    case codes::Time:
         return Value::integer(parts.hour * 3600 + parts.minute * 60 + parts.second);
-    case codeOf("hour"):
+    case codes::Hours:
         return Value::integer(parts.hour);
-    case codeOf("min "):
+    case codes::Minutes:
         return Value::integer(parts.minute);
-    case codeOf("scnd"):
+    case codes::Seconds:
         return Value::integer(parts.second);
-    case codeOf("dstr"):
+    case codes::DateString:
         return Value::text(longDateText(seconds));
-    case codeOf("shdt"):
+    case codes::ShortDateString:
         return Value::text(shortDateText(seconds));
-    case codeOf("tstr"):
+    case codes::TimeString:
         return Value::text(timeText(seconds));
     default:
         return {};
@@ -110,25 +111,25 @@ bool setPropertyOfDate(Value const& date, Symbol name, Value const& value, TextC
     // Far beyond what anybody means, so that nothing overflows.
     std::int32_t const number = requireInteger(value, context);
     switch (name->code) {
-    case codeOf("year"):
+    case codes::Year:
         parts.year = number;
         break;
-    case codeOf("mnth"):
+    case codes::MonthType:
         parts.month = number;
         break;
-    case codeOf("day "):
+    case codes::Day:
         parts.day = number;
         break;
-    case codeOf("hour"):
+    case codes::Hours:
         parts.hour = number;
         break;
-    case codeOf("min "):
+    case codes::Minutes:
         parts.minute = number;
         break;
-    case codeOf("scnd"):
+    case codes::Seconds:
         parts.second = number;
         break;
-    case codeOf("time"):
+    case codes::Time:
         parts.hour = parts.minute = 0;
         parts.second = number;
         break;
@@ -146,10 +147,10 @@ std::optional<Value> propertyOfScript(Value const& value, Symbol name, TextConte
     for (int step = 0; step < longestChain && current.is(ValueKind::Script); ++step) {
         ScriptObject& script = current.script();
         if (Value const* const property = script.propertyNamed(name)) return *property;
-        if (name->code == codeOf("pare")) return script.parent().isNothing() ? Value::appleScript() : script.parent();
+        if (name->code == codes::Parent) return script.parent().isNothing() ? Value::appleScript() : script.parent();
         Value const handler = name->code == 0 ? script.handlerValue(name) : Value();
         if (!handler.isNothing()) return handler;
-        if (name->code == codeOf("pnam") && script.definition().name)
+        if (name->code == codes::Name && script.definition().name)
             return Value::text(script.definition().name->spelling);
         Value const next = script.parent();
         current = next;
@@ -161,11 +162,11 @@ std::optional<Value> propertyOfScript(Value const& value, Symbol name, TextConte
 std::optional<Value> propertyOfFile(Value const& file, Symbol name) {
     std::u16string path = file.file().path;
     switch (name->code) {
-    case codeOf("psxp"):
-    case codeOf("posx"):
+    case codes::POSIXPath:
+    case codes::POSIXPathOfFile:
         if (file.file().kind == FileObject::Kind::Alias && isFolderAt(path) && !path.ends_with(u'/')) path += u'/';
         return Value::text(std::move(path));
-    case codeOf("pnam"): {
+    case codes::Name: {
         while (path.size() > 1 && path.ends_with(u'/'))
             path.pop_back();
         std::u16string component = path.substr(path.rfind(u'/') + 1);
@@ -186,15 +187,15 @@ std::optional<Value> propertyOfCurrentApplication(Symbol name) {
         return Value::text(std::u16string(text.codeUnits()));
     };
     switch (name->code) {
-    case codeOf("pnam"): {
+    case codes::Name: {
         std::optional<Value> const named = ofBundle("CFBundleName");
         return named ? *named : Value::text(unitsFromFileSystemBytes(program_invocation_short_name));
     }
-    case codeOf("vers"):
+    case codes::Version:
         return ofBundle("CFBundleShortVersionString");
-    case codeOf("ID  "):
+    case codes::Identifier:
         return ofBundle("CFBundleIdentifier");
-    case codeOf("prun"):
+    case codes::Running:
         return Value::boolean(true);
     default:
         return {};
@@ -205,29 +206,29 @@ std::optional<Value> propertyOfCurrentApplication(Symbol name) {
 
 std::optional<Value> propertyOfAppleScript(Symbol name, TextContext const& context) {
     switch (name->code) {
-    case codeOf("pi  "):
+    case codes::Pi:
         return Value::real(std::numbers::pi);
-    case codeOf("spac"):
+    case codes::Space:
         return Value::text(u" ");
-    case codeOf("tab "):
+    case codes::Tab:
         return Value::text(u"\t");
-    case codeOf("lnfd"):
+    case codes::Linefeed:
         return Value::text(u"\n");
-    case codeOf("quot"):
+    case codes::Quote:
         return Value::text(u"\"");
-    case codeOf("min "):
+    case codes::Minutes:
         return Value::integer(60);
-    case codeOf("hour"):
+    case codes::Hours:
         return Value::integer(3600);
-    case codeOf("days"):
+    case codes::Days:
         return Value::integer(86400);
-    case codeOf("week"):
+    case codes::Weeks:
         return Value::integer(604800);
-    case codeOf("txdl"):
+    case codes::TextItemDelimiters:
         return context.delimitersValue;
-    case codeOf("vers"):
+    case codes::Version:
         return Value::text(std::u16string(LanguageVersion));
-    case codeOf("pnam"):
+    case codes::Name:
         return Value::text(u"AppleScript");
     default:
         return {};
@@ -241,19 +242,19 @@ std::optional<Value> propertyOf(Value const& container, Symbol name, TextContext
     }
     bool const isScript = container.is(ValueKind::Script);
     if (isScript && container.script().propertyNamed(name)) return *container.script().propertyNamed(name);
-    if (name->code == codeOf("pcls")) return Value::type(classOfValue(container));
-    if (name->code == codeOf("pcnt") && !isScript) return container;
+    if (name->code == codes::Class) return Value::type(classOfValue(container));
+    if (name->code == codes::Contents && !isScript) return container;
     switch (container.kind()) {
     case ValueKind::Text:
         if (std::optional<Value> const found = propertyOfText(container, name, context)) return found;
         // `text of x` is the text itself.
-        if (name->code == codeOf("ctxt") || name->code == codeOf("TEXT") || name->code == codeOf("utxt"))
+        if (name->code == codes::TextType || name->code == codes::StringType || name->code == codes::UnicodeTextType)
             return container;
         return {};
     case ValueKind::List:
         return propertyOfList(container, name);
     case ValueKind::Record:
-        if (name->code == codeOf("leng")) return countValue(container.fields().size());
+        if (name->code == codes::Length) return countValue(container.fields().size());
         return {};
     case ValueKind::Date:
         return propertyOfDate(container, name);
@@ -266,7 +267,7 @@ std::optional<Value> propertyOf(Value const& container, Symbol name, TextContext
     case ValueKind::File:
         return propertyOfFile(container, name);
     case ValueKind::Application:
-        if (name->code == codeOf("pnam")) return Value::text(container.application().name);
+        if (name->code == codes::Name) return Value::text(container.application().name);
         return {};
     default:
         return {};
@@ -318,7 +319,7 @@ bool setPropertyOf(Value const& container, Symbol name, Value const& value, Text
     case ValueKind::Date:
         return setPropertyOfDate(container, name, value, context);
     case ValueKind::AppleScript:
-        if (name->code != codeOf("txdl")) return false;
+        if (name->code != codes::TextItemDelimiters) return false;
         setTextItemDelimiters(value, context);
         return true;
     case ValueKind::Script:

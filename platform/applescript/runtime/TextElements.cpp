@@ -1,4 +1,5 @@
 #include "platform/applescript/runtime/TextElements.h"
+#include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/TextComparison.h"
 #include <algorithm>
 #include <memory>
@@ -113,14 +114,14 @@ bool hasOneUnitCharacters(std::u16string_view units) {
 
 bool isTextElementClass(Code elementClass) {
     switch (elementClass) {
-    case codeOf("cha "):
-    case codeOf("cwor"):
-    case codeOf("cpar"):
-    case codeOf("citm"):
-    case codeOf("ctxt"):
-    case codeOf("TEXT"):
-    case codeOf("utxt"):
-    case codeOf("cobj"):
+    case codes::CharacterType:
+    case codes::WordType:
+    case codes::ParagraphType:
+    case codes::TextItemType:
+    case codes::TextType:
+    case codes::StringType:
+    case codes::UnicodeTextType:
+    case codes::Item:
         return true;
     default:
         return false;
@@ -136,7 +137,7 @@ struct FoundTextElements {
 
     bool areOf(Code wanted, TextContext const& context) const {
         if (elementClass != wanted) return false;
-        return wanted != codeOf("citm") || (considered == context.considered && delimiters == context.delimiters);
+        return wanted != codes::TextItemType || (considered == context.considered && delimiters == context.delimiters);
     }
 };
 
@@ -161,7 +162,7 @@ std::vector<SourceRange> const& textElements(TextObject const& text, Code elemen
     auto made = std::make_unique<FoundTextElements>();
     made->elementClass = elementClass;
     made->considered = context.considered;
-    if (elementClass == codeOf("citm")) made->delimiters = context.delimiters;
+    if (elementClass == codes::TextItemType) made->delimiters = context.delimiters;
     made->ranges = textElements(text.units, elementClass, context);
     found = std::move(made);
     return found->ranges;
@@ -169,11 +170,11 @@ std::vector<SourceRange> const& textElements(TextObject const& text, Code elemen
 
 std::vector<SourceRange> textElements(std::u16string_view units, Code elementClass, TextContext const& context) {
     switch (elementClass) {
-    case codeOf("cwor"):
+    case codes::WordType:
         return words(units);
-    case codeOf("cpar"):
+    case codes::ParagraphType:
         return paragraphs(units);
-    case codeOf("citm"):
+    case codes::TextItemType:
         return textItems(units, context);
     default:
         return characters(units);
