@@ -21,7 +21,8 @@ TEST(CommandActionTable, KnowsWhichVerbsChangeSomething) {
 
 TEST_F(CommandActions, AnswerOneOutcomeForEachPathInOrder) {
     std::string const copy = copyAt("a");
-    std::vector<Outcome> const outcomes = act({.verb = Verb::Trash, .paths = {home("none"), copy}}, Copies());
+    CommandLine const line{.verb = Verb::Trash, .paths = {home("none"), copy}};
+    std::vector<Outcome> const outcomes = act(line, targetsOf(line), Copies());
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0].status, Status::NoSuchCopy);
     EXPECT_EQ(outcomes[1].status, Status::Done);
@@ -37,7 +38,8 @@ TEST_F(CommandActions, LeaveThePathsBehindAnInterruptionAlone) {
     if (child == 0) {
         holdInterruptions();
         ::raise(SIGINT);
-        std::vector<Outcome> const outcomes = act({.verb = Verb::Trash, .paths = {first, second}}, Copies());
+        CommandLine const line{.verb = Verb::Trash, .paths = {first, second}};
+        std::vector<Outcome> const outcomes = act(line, targetsOf(line), Copies());
         bool const areLeft = outcomes.size() == 2 && outcomes[0].status == Status::Interrupted &&
                              outcomes[1].status == Status::Interrupted;
         ::_exit(areLeft ? 0 : 1);
