@@ -111,6 +111,11 @@ TEST_F(Command, RestoresTheCopyThatWasTrashedBeforeAnotherItemOfItsName) {
     EXPECT_TRUE(isThere(files + "files/later"));
 }
 
+TEST_F(Command, FailsToRestoreFromAPathThatCannotBeLookedAt) {
+    ASSERT_EQ(::symlink("loop", home("loop").c_str()), 0);
+    EXPECT_EQ(run({"restore", home("loop/Mirror Frame.app")}).status, 1);
+}
+
 TEST_F(Command, DoesNotRestoreOverAnotherCopy) {
     std::string const copy = copyAt("a");
     CommandRun const trashed = run({"trash", "-0", copy});
