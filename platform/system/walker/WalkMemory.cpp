@@ -1,4 +1,5 @@
 #include "platform/system/walker/WalkMemory.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/NewFile.h"
@@ -27,6 +28,13 @@ std::optional<FileDescriptor> trustedFolder(std::string const& path) {
     Result<FileDescriptor> folder = openPath(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
     if (!folder.hasValue() || !isThisUsersAlone(folder.value())) return std::nullopt;
     return folder.takeValue();
+}
+
+// The folder that holds the one of all programs' caches, which is the user's home as a rule. A home that is missing may
+// be one that is not mounted yet: nothing is made in its place.
+std::string homeOfCaches(std::string const& folder) {
+    std::string const caches(BytePath(folder).parent());
+    return std::string(BytePath(caches).parent());
 }
 
 std::shared_ptr<RememberedWalk const> readFrom(std::string const& folderPath) {
@@ -59,6 +67,8 @@ Result<void> WalkMemory::keep(RememberedWalk walk) {
         std::lock_guard const lock(m_mutex);
         m_walk = kept;
     }
+    Result<FileDescriptor> const home = openPath(homeOfCaches(m_folder), O_PATH | O_DIRECTORY);
+    if (!home.hasValue()) return home.problem();
     Result<void> const made = makeFolderAtPath(m_folder);
     if (!made.isDone()) return made;
     std::optional<FileDescriptor> const folder = trustedFolder(m_folder);

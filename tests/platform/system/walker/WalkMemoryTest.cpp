@@ -7,6 +7,7 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -137,6 +138,16 @@ TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
     EXPECT_FALSE(memory.keep(someWalk()).isDone());
     EXPECT_TRUE(memory.recall(someWalk().question));
     EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, MakesNoHomeThatIsMissing) {
+    TemporaryFolder const place;
+    WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return WalkStart; });
+    EXPECT_FALSE(memory.keep(someWalk()).isDone());
+    EXPECT_FALSE(std::filesystem::exists(place.path("no home")));
+    EXPECT_TRUE(memory.recall(someWalk().question));
+    std::filesystem::create_directory(place.path("no home"));
+    EXPECT_TRUE(memory.keep(someWalk()).isDone());
 }
 
 TEST_F(KeptWalk, ComesBackAfterItsFolderWasRemoved) {
