@@ -209,17 +209,18 @@ private:
     std::shared_ptr<FinderItem> m_item;
 };
 
-constexpr auto ItemProperties = std::to_array<PropertyRow>({
+constexpr auto PropertyListItemProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&PropertyListItem::name>},
     {u"kind", codes::Kind, codes::ClassType, reading<&PropertyListItem::kind>},
     {u"value", codes::Value, codes::AnyType, reading<&PropertyListItem::value>, writing<&PropertyListItem::setValue>},
 });
-constexpr auto ItemElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
+constexpr auto PropertyListItemElements =
+    std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
 constexpr ClassRow ItemRow{.name = u"property list item",
                            .plural = u"property list items",
                            .code = codes::PropertyListItem,
-                           .properties = ItemProperties,
-                           .elements = ItemElements};
+                           .properties = PropertyListItemProperties,
+                           .elements = PropertyListItemElements};
 
 constexpr auto FileProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&PropertyListFile::name>},
@@ -234,16 +235,16 @@ constexpr auto FileProperties = std::to_array<PropertyRow>({
      InProperties::Unlisted},
 });
 constexpr auto FileElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListFile::items>}});
-constexpr ClassRow FileRow{.name = u"property list file",
-                           .plural = u"property list files",
-                           .code = codes::PropertyListFile,
-                           .properties = FileProperties,
-                           .elements = FileElements};
+constexpr ClassRow PropertyListFileRow{.name = u"property list file",
+                                       .plural = u"property list files",
+                                       .code = codes::PropertyListFile,
+                                       .properties = FileProperties,
+                                       .elements = FileElements};
 
-constexpr auto PropertyListKinds = std::to_array<ClassRow const*>({&FileRow, &ItemRow});
+constexpr auto PropertyListKinds = std::to_array<ClassRow const*>({&PropertyListFileRow, &ItemRow});
 
 ClassRow const& PropertyListItem::row() const { return ItemRow; }
-ClassRow const& PropertyListFile::row() const { return FileRow; }
+ClassRow const& PropertyListFile::row() const { return PropertyListFileRow; }
 
 // What is given under the code in `with properties`; nothing without it.
 Value givenProperty(ApplicationCommand const& command, Code code, std::u16string_view name) {
@@ -289,7 +290,7 @@ Value makePropertyListItem(ModelApplication& application, ApplicationCommand con
                            TextContext const& context) {
     std::vector<ModelPointer> places = application.objects(ModelApplication::placeOf(command), context);
     bool const isOne = places.size() == 1;
-    if (isOne && &places.front()->row() == &FileRow)
+    if (isOne && &places.front()->row() == &PropertyListFileRow)
         places.front() = static_cast<PropertyListFile const&>(*places.front()).contents();
     if (!isOne || &places.front()->row() != &ItemRow) throw plainError(errors::CannotPutThere);
     Value const name = givenProperty(command, codes::Name, u"name");
