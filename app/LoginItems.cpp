@@ -47,12 +47,18 @@ NSDictionary newLoginItem(NSString const& path) {
 
 } // namespace
 
-NSArray AppController::readAllAutolaunchItems() const {
-    if (*this == nil) return nil;
-    if (!synchronizeLoginItems()) beepAndLog("Error: CFPreferencesSynchronize");
+ListRead loginItemsReadAnew() {
+    bool const isWhole = synchronizeLoginItems();
     id const value =
         CFPreferencesCopyValue(LoginItemsKey, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return value == nil ? NSArray::array() : as<NSArray>(value);
+    return {value == nil ? NSArray::array() : as<NSArray>(value), isWhole};
+}
+
+NSArray AppController::readAllAutolaunchItems() const {
+    if (*this == nil) return nil;
+    ListRead const read = loginItemsReadAnew();
+    if (!read.isWhole) beepAndLog("Error: CFPreferencesSynchronize");
+    return read.items;
 }
 
 bool AppController::writeAllAutolaunchItems_(NSArray const& items) const {

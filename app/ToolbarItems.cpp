@@ -48,12 +48,18 @@ bool synchronizeFinder() {
 
 } // namespace
 
-NSArray AppController::readAllToolbarItems() const {
-    if (*this == nil) return nil;
-    if (!synchronizeFinder()) report("Error: CFPreferencesSynchronize");
+ListRead toolbarItemsReadAnew() {
+    bool const isWhole = synchronizeFinder();
     id const items =
         CFPreferencesCopyValue(ToolbarItems, FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return items == nil ? NSArray::array() : as<NSArray>(items);
+    return {items == nil ? NSArray::array() : as<NSArray>(items), isWhole};
+}
+
+NSArray AppController::readAllToolbarItems() const {
+    if (*this == nil) return nil;
+    ListRead const read = toolbarItemsReadAnew();
+    if (!read.isWhole) report("Error: CFPreferencesSynchronize");
+    return read.items;
 }
 
 bool AppController::writeAllToolbarItems_(NSArray const& items) const {

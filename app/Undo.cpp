@@ -11,6 +11,7 @@ namespace framekeeper {
 namespace {
 
 constexpr std::size_t MostSteps = 100;
+constexpr char CouldNotBeUndone[] = "That could not be undone.";
 
 // What came of taking a step back.
 struct Undone {
@@ -36,17 +37,15 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
 
 // How one of the lists is read and written.
 struct ListAccess {
-    NSArray (AppController::*read)() const;
+    ListRead (*read)();
     bool (AppController::*write)(NSArray const&) const;
     void (AppController::*sync)() const;
 };
 
 ListAccess accessTo(ListChange::List list) {
     if (list == ListChange::List::LoginItems)
-        return {&AppController::readAllAutolaunchItems, &AppController::writeAllAutolaunchItems_,
-                &AppController::syncIsAutolaunched};
-    return {&AppController::readAllToolbarItems, &AppController::writeAllToolbarItems_,
-            &AppController::syncIsInToolbar};
+        return {loginItemsReadAnew, &AppController::writeAllAutolaunchItems_, &AppController::syncIsAutolaunched};
+    return {toolbarItemsReadAnew, &AppController::writeAllToolbarItems_, &AppController::syncIsInToolbar};
 }
 
 NSUInteger countOfEqual(NSArray const& list, id const& item) {
@@ -73,11 +72,13 @@ NSArray listBefore(NSArray const& present, ListChange const& change) {
 
 Undone takeBack(AppController const& controller, ListChange const& change) {
     ListAccess const list = accessTo(change.list);
-    NSArray const present = (controller.*list.read)();
-    bool const isWritten = (controller.*list.write)(listBefore(present, change));
+    ListRead const present = list.read();
+    // What was added may be in the part that could not be read, and would stay.
+    if (!present.isWhole) return {CouldNotBeUndone, Undone::Step::Stays};
+    bool const isWritten = (controller.*list.write)(listBefore(present.items, change));
     (controller.*list.sync)();
     controller.reSync();
-    if (!isWritten) return {"That could not be undone.", Undone::Step::Stays};
+    if (!isWritten) return {CouldNotBeUndone, Undone::Step::Stays};
     if (change.list == ListChange::List::LoginItems) return {.notice = "The login items are as before."};
     // The file browser takes up the list when it starts; one that does not run will.
     if (KRAProcessSerialNumberGetFinder() != nil) controller.quitFinderAction_(nil);

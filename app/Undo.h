@@ -34,6 +34,15 @@ struct ListChange {
     std::vector<id> added{};
 };
 
+// The values of a list, read anew.
+struct ListRead {
+    NSArray items{};
+    // False if something that may hold items could not be read.
+    bool isWhole{true};
+};
+ListRead loginItemsReadAnew();
+ListRead toolbarItemsReadAnew();
+
 struct SwappedIcon {
     NSString path{};
     NSString formerName{};

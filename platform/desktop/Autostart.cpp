@@ -6,8 +6,10 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/XDGFolders.h"
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
@@ -25,6 +27,8 @@ constexpr std::string_view EntryExtension = ".desktop";
 struct KnownFile {
     FileStatus status{};
     DesktopEntry entry{};
+    // Why it could not be read.
+    std::optional<SystemError> problem{};
     // At the read in which it was last seen.
     unsigned long read{0};
 };
@@ -37,13 +41,13 @@ public:
         std::erase_if(m_files, [&](auto const& file) { return file.second.read != m_read; });
     }
 
-    // The file's entry, read if it is not known in this state; one without keys if it cannot be read.
-    DesktopEntry const& entryOf(FileDescriptor const& folder, std::string const& path, FileStatus const& status) {
+    // The file, read if it is not known in this state; with an entry without keys if it cannot be read.
+    KnownFile const& fileOf(FileDescriptor const& folder, std::string const& path, FileStatus const& status) {
         KnownFile& known = m_files[path];
         bool const isKnown = known.read != 0 && known.status == status;
         if (!isKnown) read(folder, path, known);
         known.read = m_read;
-        return known.entry;
+        return known;
     }
 
 private:
@@ -58,7 +62,10 @@ private:
     static void read(FileDescriptor const& folder, std::string const& path, KnownFile& known) {
         Result<FileContents> const contents = contentsOf(folder, path);
         known = {};
-        if (!contents.hasValue()) return;
+        if (!contents.hasValue()) {
+            known.problem = contents.problem();
+            return;
+        }
         std::vector<std::byte> const& bytes = contents.value().bytes;
         known.status = contents.value().status;
         known.entry = DesktopEntry::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
@@ -78,8 +85,40 @@ struct FolderRead {
     bool isComplete{true};
 };
 
+enum class FolderOwner { User, System };
+
+// Whether the problem tells that there is no entry, rather than that nobody knows. What the user may not read of the
+// system's starts nothing for that user.
+bool isOfNoEntry(SystemError const& problem, FolderOwner owner) {
+    if (problem.is(EACCES)) return owner == FolderOwner::System;
+    constexpr std::array codes{ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG, EISDIR, EINVAL, EFBIG};
+    return std::ranges::any_of(codes, [&](int code) { return problem.is(code); });
+}
+
+// The regular file of an entry's name, or behind the symbolic link of that name.
+struct EntryFile {
+    // Of the name itself.
+    FileStatus status{};
+    KnownFile const& file;
+};
+
+// nullopt for an item that is no file.
+Result<std::optional<EntryFile>> entryFile(FileDescriptor const& folder, std::string const& path) {
+    Result<FileStatus> const status = fileStatusInFolder(folder, std::string(BytePath(path).leaf()));
+    if (!status.hasValue()) return status.problem();
+    if (status.value().kind == FileStatus::Kind::Folder) return std::optional<EntryFile>();
+    // What is behind a symbolic link decides.
+    bool const isFile = status.value().kind == FileStatus::Kind::File;
+    Result<FileStatus> const behind = isFile ? status : fileStatusAtPath(path);
+    if (!behind.hasValue()) return behind.problem();
+    if (behind.value().kind != FileStatus::Kind::File) return std::optional<EntryFile>();
+    KnownFile const& file = knownFiles().fileOf(folder, path, behind.value());
+    if (file.problem) return *file.problem;
+    return std::optional(EntryFile{status.value(), file});
+}
+
 // The entries in the folder, also those that start nothing.
-FolderRead itemsInFolder(std::string const& path, AutostartRules const& rules) {
+FolderRead itemsInFolder(std::string const& path, FolderOwner owner, AutostartRules const& rules) {
     Result<FileDescriptor> const folder = openPath(path, O_RDONLY | O_DIRECTORY);
     if (!folder.hasValue()) return {.isComplete = folder.problem().is(ENOENT)};
     Result<std::vector<std::string>> const names = namesInOpenFolder(folder.value());
@@ -87,15 +126,11 @@ FolderRead itemsInFolder(std::string const& path, AutostartRules const& rules) {
     FolderRead read;
     for (std::string const& name : names.value()) {
         if (!name.ends_with(EntryExtension)) continue;
-        Result<FileStatus> const status = fileStatusInFolder(folder.value(), name);
-        if (!status.hasValue() || status.value().kind == FileStatus::Kind::Folder) continue;
-        std::string const file = BytePath(path).joined(name);
-        // What is behind a symbolic link decides.
-        bool const isFile = status.value().kind == FileStatus::Kind::File;
-        Result<FileStatus> const behind = isFile ? status : fileStatusAtPath(file);
-        if (!behind.hasValue() || behind.value().kind != FileStatus::Kind::File) continue;
-        AutostartItem item{.fileName = name, .folder = path, .status = status.value()};
-        item.entry = AutostartEntry::of(knownFiles().entryOf(folder.value(), file, behind.value()), rules);
+        Result<std::optional<EntryFile>> const found = entryFile(folder.value(), BytePath(path).joined(name));
+        if (!found.hasValue()) read.isComplete = read.isComplete && isOfNoEntry(found.problem(), owner);
+        if (!found.hasValue() || !found.value()) continue;
+        AutostartItem item{.fileName = name, .folder = path, .status = found.value()->status};
+        item.entry = AutostartEntry::of(found.value()->file.entry, rules);
         if (item.entry.standing != AutostartEntry::Standing::NoEntry) read.items.push_back(std::move(item));
     }
     return read;
@@ -134,12 +169,13 @@ AutostartItems autostartItems() {
     std::vector<std::string> const folders = autostartFolders();
     knownFiles().beginRead();
     for (std::string const& folder : folders) {
-        FolderRead read = itemsInFolder(folder, rules);
+        bool const isOfUser = folder == folders.front();
+        FolderRead read = itemsInFolder(folder, isOfUser ? FolderOwner::User : FolderOwner::System, rules);
         found.isComplete = found.isComplete && read.isComplete;
         for (AutostartItem& item : read.items) {
             bool const isFirst = seen.insert(item.fileName).second;
             if (!isFirst || item.entry.standing != AutostartEntry::Standing::Starts) continue;
-            item.isOfUser = folder == folders.front();
+            item.isOfUser = isOfUser;
             item.started = itemStartedBy(item.entry.command, programFolders);
             if (!item.started.empty()) found.items.push_back(std::move(item));
         }

@@ -55,7 +55,8 @@ struct AutostartItem {
 struct AutostartItems {
     // By the bytes of the file names; own entries last, in their order.
     std::vector<AutostartItem> items{};
-    // False if one of the folders exists but could not be read.
+    // False if one of the folders, or a file in them, exists but could not be read. A file of the system that the user
+    // may not read is none.
     bool isComplete{true};
 };
 

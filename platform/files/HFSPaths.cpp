@@ -38,7 +38,8 @@ PlaceOnVolume placeOf(std::u16string_view path, std::vector<MountedVolume> const
     PlaceOnVolume place{.rest = path};
     for (MountedVolume const& volume : volumes) {
         std::u16string const point = pointOf(volume);
-        bool const isDeeper = path.size() - std::min(point.size(), path.size()) < place.rest.size();
+        // The startup volume, whose point is empty, is the first of them.
+        bool const isDeeper = volume.isStartup() || point.size() > path.size() - place.rest.size();
         if (volume.isBrowsable && isDeeper && isBelow(path, point)) place = {volume.name, path.substr(point.size())};
     }
     return place;

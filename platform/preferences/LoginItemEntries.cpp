@@ -1,5 +1,4 @@
 #include "platform/preferences/LoginItemEntries.h"
-#include "platform/desktop/DesktopEntry.h"
 #include "platform/desktop/HexText.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNumber.h"
@@ -7,6 +6,9 @@
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <unistd.h>
 
 namespace mac {
 
@@ -25,9 +27,20 @@ bool isBundlePath(std::string const& path) {
     return path.size() > BundleFileExtension.size() && asciiLowercase(path).ends_with(BundleFileExtension);
 }
 
-bool isProgramFile(std::string const& path) {
+// False if the problem tells that nothing at the path can be started, rather than that nobody knows.
+Result<bool> isProgramAfter(SystemError const& problem) {
+    constexpr std::array codes{EACCES, ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG};
+    bool const isNone = std::ranges::any_of(codes, [&](int code) { return problem.is(code); });
+    return isNone ? Result<bool>(false) : problem;
+}
+
+// Whether a file is at the path that may be executed.
+Result<bool> isProgramFile(std::string const& path) {
     Result<FileStatus> const status = fileStatusAtPath(path);
-    return status.hasValue() && status.value().kind == FileStatus::Kind::File && resolvedProgram(path);
+    if (!status.hasValue()) return isProgramAfter(status.problem());
+    if (status.value().kind != FileStatus::Kind::File) return false;
+    if (::access(path.c_str(), X_OK) == 0) return true;
+    return isProgramAfter(lastSystemError("access", path));
 }
 
 // The dictionary in the text of an own entry; nil if there is none.
@@ -61,11 +74,11 @@ NSDictionary loginItemOf(AutostartItem const& item) {
         {NSNumber::numberWithBool_(NO), "Hide", NSString::stringWithFileSystemRepresentation_(item.started), "Path"});
 }
 
-bool hasEntryForm(id const& element) {
+Result<bool> hasEntryForm(id const& element) {
     NSDictionary const item = as<NSDictionary>(element);
     std::string const path = standardisedPath(item);
     if (path.empty() || !noteOf(item)) return false;
-    return isBundlePath(path) || isProgramFile(path);
+    return isBundlePath(path) ? Result<bool>(true) : isProgramFile(path);
 }
 
 NewAutostartEntry newEntryFor(NSDictionary const& item, unsigned long order) {

@@ -10,10 +10,11 @@ namespace mac {
 // A new dictionary of what the item starts.
 NSDictionary loginItemOf(AutostartItem const& item);
 
-// Whether the element is a dictionary whose "Path" an autostart entry can start.
-bool hasEntryForm(id const& element);
+// Whether the element is a dictionary whose "Path" an autostart entry can start. Fails if the item at that path cannot
+// be looked at.
+Result<bool> hasEntryForm(id const& element);
 
-// REQUIRES: hasEntryForm(item).
+// REQUIRES: hasEntryForm(item) is true.
 NewAutostartEntry newEntryFor(NSDictionary const& item, unsigned long order);
 
 // The order that puts a new own entry behind all others.

@@ -12,7 +12,7 @@ namespace mac {
 
 namespace {
 
-// How many removed items can be put back.
+// How many removed items can be put back, and how many that others removed are known.
 constexpr std::size_t MostRemoved = 100;
 
 struct ReadItem {
@@ -32,6 +32,8 @@ struct KnownLoginItems {
     NSArray kept{NSArray::array()};
     // The last one removed first.
     std::deque<RemovedItem> removed{};
+    // Those whose entries others removed, the last one first.
+    std::deque<NSDictionary> vanished{};
 };
 
 KnownLoginItems& knownLoginItems() {
@@ -65,8 +67,9 @@ bool isGone(ReadItem const& read) {
 }
 
 // Elements that are the very objects read come first, then equal ones, so that each of several equal entries is told
-// from the others as far as possible.
-Plan planFor(NSArray const& items, KnownLoginItems const& known) {
+// from the others as far as possible. Fails for an element that the desktop may be able to start, or did start, and for
+// which no entry can be made now: nothing would start it from the list of preferences alone.
+Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
     Plan plan{.removals = known.items};
     std::deque<RemovedItem> removed = known.removed;
     std::vector<id> others;
@@ -92,10 +95,16 @@ Plan planFor(NSArray const& items, KnownLoginItems const& known) {
         }
         std::optional<RemovedItem> before =
             taken(removed, [&](RemovedItem const& item) { return item.object.isEqual_(element); });
-        if (before)
+        if (before) {
             plan.restorations.push_back(*std::move(before));
-        else if (hasEntryForm(element))
+            continue;
+        }
+        Result<bool> const hasForm = hasEntryForm(element);
+        if (!hasForm.hasValue()) return hasForm.problem();
+        if (hasForm.value())
             plan.additions.push_back(as<NSDictionary>(element));
+        else if (std::ranges::any_of(known.vanished, [&](id const& item) { return item.isEqual_(element); }))
+            return SystemError{.code = ENOEXEC, .operation = "start", .item = "login item"};
         else
             plan.kept.addObject_(element);
     }
@@ -187,11 +196,22 @@ void remember(std::vector<RemovedItem> gone, KnownLoginItems& known) {
     if (known.removed.size() > MostRemoved) known.removed.resize(MostRemoved);
 }
 
+// Remembers the known items whose entries are not among those that were found.
+void rememberVanished(AutostartItems const& found, KnownLoginItems& known) {
+    for (ReadItem const& read : known.items) {
+        bool const isThere =
+            std::ranges::find(found.items, read.item.fileName, &AutostartItem::fileName) != found.items.end();
+        if (!isThere) known.vanished.push_front(read.object);
+    }
+    if (known.vanished.size() > MostRemoved) known.vanished.resize(MostRemoved);
+}
+
 } // namespace
 
 NativeItems readLoginItems(NSArray const& kept) {
     KnownLoginItems& known = knownLoginItems();
     AutostartItems found = autostartItems();
+    rememberVanished(found, known);
     known.items.clear();
     known.kept = kept;
     NSMutableArray const foreign = NSMutableArray::array();
@@ -206,7 +226,9 @@ NativeItems readLoginItems(NSArray const& kept) {
 
 NativeWriting writeLoginItems(NSArray const& items) {
     KnownLoginItems& known = knownLoginItems();
-    Plan plan = planFor(items, known);
+    Result<Plan> planned = planFor(items, known);
+    if (!planned.hasValue()) return {.kept = known.kept, .isDone = false};
+    Plan plan = planned.takeValue();
     LoginItemChange change(plan);
     bool const isDone = change.carryOut();
     std::vector<RemovedItem> gone = change.takeRemoved();

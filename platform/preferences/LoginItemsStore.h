@@ -17,7 +17,8 @@ namespace mac {
 NativeItems readLoginItems(NSArray const& kept);
 
 // An element stands for the entry that it was read from, also a copy of it. One that was removed before, by this
-// process, puts the very entry back. All is written or, as far as the system allows, nothing.
+// process, puts the very entry back. All is written or, as far as the system allows, nothing; nothing also if the
+// program of an element cannot be looked at, or if an element whose entry others removed has no form any more.
 //
 // Linux: an entry that appeared since the last read is kept, though the array does not have it.
 NativeWriting writeLoginItems(NSArray const& items);

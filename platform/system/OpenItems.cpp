@@ -1,12 +1,12 @@
 #include "platform/system/OpenItems.h"
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
-#include <mutex>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace mac {
@@ -31,22 +31,25 @@ Result<std::string> textOfLink(int folder, char const* name) {
     }
 }
 
-// The folder in which the system shows this process's open descriptors as links to what they are open on; -1 if it
-// cannot be opened. Kept open, since going there takes longer than reading a link. After a fork it is still that of the
-// parent.
+// The folder in which the system shows this process's open descriptors as links to what they are open on; negative
+// until it is opened. Kept open, since going there takes longer than reading a link.
+constinit std::atomic<int> openFolderOfDescriptors{-1};
+
+// Runs in a process that was forked off, where the folder is still that of the parent.
+void closeParentsFolder() {
+    int const folder = openFolderOfDescriptors.exchange(-1);
+    if (folder >= 0) ::close(folder);
+}
+
+// A negative number if the folder cannot be opened.
 int folderOfDescriptors() {
-    struct Folder {
-        std::mutex lock{};
-        FileDescriptor folder{};
-        pid_t process{-1};
-    };
-    // Never destroyed, since paths may be asked for until the program's last instruction.
-    static Folder& shared = *std::make_unique<Folder>().release();
-    std::scoped_lock const lock(shared.lock);
-    if (shared.process == ::getpid() && shared.folder.isOpen()) return shared.folder.number();
-    shared.folder = FileDescriptor(::open("/proc/self/fd", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    shared.process = ::getpid();
-    return shared.folder.number();
+    static bool const isClosedAfterFork = ::pthread_atfork(nullptr, nullptr, closeParentsFolder) == 0;
+    int known = openFolderOfDescriptors.load();
+    if (known >= 0 || !isClosedAfterFork) return known;
+    FileDescriptor folder(::open("/proc/self/fd", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    // Another thread may have been quicker; then its folder is answered.
+    if (!openFolderOfDescriptors.compare_exchange_strong(known, folder.number())) return known;
+    return folder.release();
 }
 
 FolderEntry::Kind kindOf(unsigned char type) {

@@ -175,6 +175,29 @@ TEST_F(Undo, LeavesWhatOthersDidToTheLoginItemsMeanwhile) {
     EXPECT_EQ(loginItems(), other) << "our item alone goes";
 }
 
+// What cannot be read is not empty: the entry would stay.
+TEST_F(Undo, OfALoginItemWaitsUntilTheItemsCanBeRead) {
+    NSString const path = findCopy("a");
+    m_controller.syncIsAutolaunched();
+    select({path});
+    m_controller.addToAutoLaunchAction_(nil);
+    std::string const folder = m_desktop.folder.path("config/autostart");
+    std::filesystem::rename(folder, folder + " away");
+    m_desktop.folder.makeFile("config/autostart", "no folder");
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(notice(), "That could not be undone.");
+    EXPECT_EQ(m_beeps, 1);
+    EXPECT_TRUE(m_log.empty());
+    EXPECT_TRUE(m_controller.canUndo());
+    std::filesystem::remove(folder);
+    std::filesystem::rename(folder + " away", folder);
+    EXPECT_NE(loginItems(), "");
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(notice(), "The login items are as before.");
+    EXPECT_EQ(loginItems(), "");
+    EXPECT_FALSE(m_controller.canUndo());
+}
+
 TEST_F(Undo, PutsAPlaceBackWhereItStood) {
     NSString const path = findCopy("a");
     std::string const place = "file://" + m_desktop.folder.path("a/Mirror%20Frame.app") + " A copy\n";

@@ -1,3 +1,4 @@
+#include "app/AppControllerBody.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/CommandOutput.h"
@@ -29,7 +30,8 @@ Paths listedByFind() {
 Paths listedByTheProgram() {
     AppController const controller = makeController();
     controller.scanAction_(nil);
-    EXPECT_TRUE(runUntil([&] { return !controller.query().isGathering(); }, 600));
+    // Many finds are taken into the inventory in steps, which go on after the search.
+    EXPECT_TRUE(runUntil([&] { return !controller.query().isGathering() && !bodyOf(controller)->_sync; }, 600));
     Paths paths;
     for (id const& record : controller.paths().allObjects())
         paths.insert(as<NSString>(record.valueForKey_("path")).fileSystemRepresentation().value_or(std::string()));

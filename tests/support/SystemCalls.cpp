@@ -70,9 +70,12 @@ std::optional<unsigned> countedCalls(std::function<void()> const& function) {
 
 } // namespace
 
-std::optional<unsigned> systemCallsOf(std::function<void()> const& function) {
-    std::optional<unsigned> const overhead = countedCalls([] {});
-    std::optional<unsigned> const all = countedCalls(function);
+std::optional<unsigned> systemCallsOf(std::function<void()> const& function, std::function<void()> const& before) {
+    std::optional<unsigned> const overhead = countedCalls(before);
+    std::optional<unsigned> const all = countedCalls([&] {
+        before();
+        function();
+    });
     if (!overhead || !all) return std::nullopt;
     return *all - *overhead;
 }

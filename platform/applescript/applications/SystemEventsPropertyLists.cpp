@@ -209,17 +209,18 @@ private:
     std::shared_ptr<FinderItem> m_item;
 };
 
-constexpr auto ItemProperties = std::to_array<PropertyRow>({
+constexpr auto PropertyListItemProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&PropertyListItem::name>},
     {u"kind", codes::Kind, codes::ClassType, reading<&PropertyListItem::kind>},
     {u"value", codes::Value, codes::AnyType, reading<&PropertyListItem::value>, writing<&PropertyListItem::setValue>},
 });
-constexpr auto ItemElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
+constexpr auto PropertyListItemElements =
+    std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListItem::items>}});
 constexpr ClassRow ItemRow{.name = u"property list item",
                            .plural = u"property list items",
                            .code = codes::PropertyListItem,
-                           .properties = ItemProperties,
-                           .elements = ItemElements};
+                           .properties = PropertyListItemProperties,
+                           .elements = PropertyListItemElements};
 
 constexpr auto FileProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&PropertyListFile::name>},

@@ -170,4 +170,30 @@ TEST_F(AutostartTest, AFolderThatCannotBeReadIsTold) {
     EXPECT_EQ(found.items.size(), 1u);
 }
 
+// What the user may not read in the system's folders starts nothing for that user.
+TEST_F(AutostartTest, AFileOfTheUserThatCannotBeReadIsTold) {
+    addOfUser("a.desktop", entry("/bin/a"));
+    addOfSystem("b.desktop", entry("/bin/b"));
+    std::string const hidden = m_folder.makeFile("system/autostart/hidden.desktop", entry("/bin/hidden"));
+    ASSERT_EQ(::chmod(hidden.c_str(), 0), 0);
+    for (char const* const item : {"", "config", "config/autostart", "config/autostart/a.desktop", "system"})
+        OrdinaryUser::own(m_folder.path(item));
+    OrdinaryUser const user;
+    AutostartItems const readable = autostartItems();
+    EXPECT_TRUE(readable.isComplete);
+    EXPECT_EQ(readable.items.size(), 2U);
+    ASSERT_EQ(::chmod(pathOfUser("a.desktop").c_str(), 0), 0);
+    AutostartItems const unreadable = autostartItems();
+    EXPECT_FALSE(unreadable.isComplete);
+    EXPECT_EQ(unreadable.items.size(), 1U);
+}
+
+TEST_F(AutostartTest, ALinkThatLeadsNowhereIsNoItem) {
+    addOfUser("a.desktop", entry("/bin/a"));
+    ASSERT_EQ(::symlink("nowhere", pathOfUser("b.desktop").c_str()), 0);
+    ASSERT_EQ(::symlink("c.desktop", pathOfUser("c.desktop").c_str()), 0);
+    EXPECT_TRUE(autostartItems().isComplete);
+    EXPECT_EQ(items(), Names{"a"});
+}
+
 } // namespace mac::test

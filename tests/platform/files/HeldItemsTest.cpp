@@ -14,10 +14,12 @@
 #include <array>
 #include <dirent.h>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 // Which items references hold open, and which they find without that.
@@ -107,13 +109,35 @@ TEST(HeldItems, AsksNothingAboutTheOthersThatAreHeld) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     fillWithOthers(folder);
-    std::optional<unsigned> const calls = systemCallsOf([&] { referenceTo(file); });
+    FSRef const other = referenceTo(folder.path("others/255"));
+    // The first path that a process asks for opens what it then keeps open.
+    std::function<void()> const askFirst = [&] { pathOf(other); };
+    std::optional<unsigned> const calls = systemCallsOf([&] { referenceTo(file); }, askFirst);
     if (!calls) GTEST_SKIP() << "tracing is not allowed here";
     EXPECT_GT(*calls, 0U);
     EXPECT_LE(*calls, MostCallsForNewReference);
     FSRef const reference = referenceTo(file);
-    EXPECT_EQ(systemCallsOf([&] { referenceTo(file); }), 1U);
-    EXPECT_LE(*systemCallsOf([&] { pathOf(reference); }), 2U);
+    EXPECT_EQ(systemCallsOf([&] { referenceTo(file); }, askFirst), 1U);
+    EXPECT_LE(*systemCallsOf([&] { pathOf(reference); }, askFirst), 2U);
+}
+
+// Descriptors have other numbers in a process that was forked off.
+TEST(HeldItems, AreFoundInAForkedProcessByItsOwnDescriptors) {
+    TemporaryFolder const folder;
+    FSRef const kept = referenceTo(folder.makeFile("kept", ""));
+    ASSERT_EQ(pathOf(kept), folder.path("kept"));
+    std::string const later = folder.makeFile("later", "");
+    std::string const moved = folder.path("moved");
+    pid_t const child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        FSRef const reference = referenceTo(later);
+        bool const isFollowed = ::rename(later.c_str(), moved.c_str()) == 0 && pathOf(reference) == moved;
+        ::_exit(isFollowed && pathOf(kept) == folder.path("kept") ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 // The name that the open item had is gone, and it lies in another folder under the name that it got later.

@@ -161,6 +161,34 @@ TEST_F(LoginItemsStore, AnEntryThatCouldNotBePutBackIsNotForgotten) {
     EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}, {"b.desktop", entry("/bin/three")}}));
 }
 
+// Nothing tells whether the desktop can start it.
+TEST_F(LoginItemsStore, AProgramThatCannotBeLookedAtIsNotWritten) {
+    std::string const program = m_folder.makeFile("program", "");
+    ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
+    NSArray const items = list({item(NSString::stringWithUTF8String_(program))});
+    withRefusedCall(SYS_newfstatat, EIO, [&] { EXPECT_FALSE(writeLoginItems(items).isDone); });
+    EXPECT_EQ(files(), Files());
+    EXPECT_TRUE(writeLoginItems(items).isDone);
+    EXPECT_EQ(files().size(), 1U);
+}
+
+// In the list of preferences alone no desktop would start it.
+TEST_F(LoginItemsStore, WhatWasStartedBeforeIsNotWrittenWithoutAnEntry) {
+    std::string const program = m_folder.makeFile("program", "");
+    ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
+    addEntry("a.desktop", entry(program));
+    NSArray const items = read();
+    ASSERT_EQ(items.count(), 1U);
+    std::filesystem::remove(m_folder.path("config/autostart/a.desktop"));
+    ASSERT_EQ(::chmod(program.c_str(), 0644), 0);
+    ASSERT_EQ(read().count(), 0U);
+    EXPECT_FALSE(write(items));
+    EXPECT_EQ(read().count(), 0U);
+    ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
+    EXPECT_TRUE(write(items));
+    EXPECT_EQ(files().size(), 1U);
+}
+
 // Hiding an entry of the system takes a new file, which the disk refuses.
 TEST_F(LoginItemsStore, WhatNeedsANewFileIsRemovedFirst) {
     addEntry("a.desktop", entry("/bin/one"));
