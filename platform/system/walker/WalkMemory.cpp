@@ -35,9 +35,9 @@ std::shared_ptr<RememberedWalk const> readFrom(std::string const& folderPath) {
     FileDescriptor const file(
         ::openat(folder->number(), WalkMemory::fileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen() || !isThisUsersAlone(file)) return nullptr;
-    Result<FileContents> const contents = readOpenFile(file, MostWalkBytes);
+    Result<FileContents> contents = readOpenFile(file, MostWalkBytes);
     if (!contents.hasValue()) return nullptr;
-    std::optional<RememberedWalk> walk = walkOfBytes(contents.value().bytes);
+    std::optional<RememberedWalk> walk = walkOfBytes(std::move(contents.value().bytes));
     return walk ? std::make_shared<RememberedWalk const>(std::move(*walk)) : nullptr;
 }
 

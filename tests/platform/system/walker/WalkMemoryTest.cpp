@@ -1,9 +1,12 @@
 #include "platform/system/walker/WalkMemory.h"
+#include "fuzz/RememberedWalkTrial.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderLog.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,7 +58,11 @@ TEST_F(KeptWalk, IsReadAsItWasWritten) {
     EXPECT_EQ(read->question, walk.question);
     EXPECT_EQ(read->start, walk.start);
     EXPECT_EQ(read->packages, walk.packages);
-    EXPECT_EQ(read->folders->bytes(), walk.folders->bytes());
+    EXPECT_TRUE(std::ranges::equal(read->folders->bytes(), walk.folders->bytes()));
+}
+
+TEST(RememberedWalk, OfTheCorpusHolds) {
+    expectNoComplaints("RememberedWalkFuzz", &fuzz::complaintAboutRememberedWalk);
 }
 
 TEST_F(KeptWalk, IsForThisUserAlone) {
@@ -81,7 +88,7 @@ TEST_F(KeptWalk, IsNoneWhereverItIsDamaged) {
         std::vector<std::byte> damaged = whole;
         damaged[i] ^= std::byte{0x40};
         EXPECT_FALSE(walkOfBytes(damaged)) << i;
-        EXPECT_FALSE(walkOfBytes(std::span(whole).first(i))) << i;
+        EXPECT_FALSE(walkOfBytes({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i)})) << i;
     }
     std::vector<std::byte> longer = whole;
     longer.push_back({});
