@@ -174,7 +174,6 @@ public:
     }
 
     std::optional<std::vector<std::string>> chooseFiles(FileRequest const& request) override {
-        std::optional<AcceptedFiles> accepted;
         QFileDialog dialog;
         dialog.setWindowTitle(qString(request.title));
         dialog.setFileMode(modeOf(request));
@@ -184,7 +183,8 @@ public:
         if (request.accepts) {
             // The desktop's own dialog asks about names alone.
             dialog.setOption(QFileDialog::DontUseNativeDialog);
-            dialog.setProxyModel(&accepted.emplace(request.accepts));
+            // It belongs to the dialog from now on.
+            dialog.setProxyModel(std::make_unique<AcceptedFiles>(request.accepts).release());
         }
         if (!request.folder.empty()) dialog.setDirectory(QFile::decodeName(request.folder.c_str()));
         if (!request.name.empty()) dialog.selectFile(qString(request.name));

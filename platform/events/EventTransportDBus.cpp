@@ -96,7 +96,8 @@ public:
 
     // Anew when the bus has died since.
     void open() {
-        if (m_connection && m_connection->isConnected()) return;
+        // The word that the bus died may come after a sender has found the next one.
+        if (m_connection && m_connection->isConnected()) return m_nextLook.stop();
         m_peers.clear();
         m_unhandled.clear();
         m_connection = connectToSessionBus();

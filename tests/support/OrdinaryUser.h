@@ -1,32 +1,31 @@
 #pragma once
 
-#include <cstdlib>
+#include <cstdint>
+#include <optional>
 #include <string>
-#include <unistd.h>
 
 namespace mac::test {
 
-// Takes root's rights away from this process for a while; nothing for others.
+// Takes root's rights away from the thread for a while: it becomes another user, or, where the system lets root play
+// nobody else, loses its capabilities. Changes nothing for others.
 class OrdinaryUser {
 public:
     static constexpr unsigned ID = 65534;
 
-    OrdinaryUser() {
-        if (::geteuid() == 0) m_changed = ::seteuid(ID) == 0;
-    }
-    ~OrdinaryUser() {
-        if (m_changed && ::seteuid(0) != 0) std::abort();
-    }
+    OrdinaryUser();
+    ~OrdinaryUser();
     OrdinaryUser(OrdinaryUser const&) = delete;
     OrdinaryUser& operator=(OrdinaryUser const&) = delete;
 
-    // What root made is theirs from now on.
-    static void own(std::string const& path) {
-        if (::geteuid() == 0 && ::lchown(path.c_str(), ID, ID) != 0) std::abort();
-    }
+    // Whether it is another user than the one who runs the tests, to whom their files do not belong. Root is alone in a
+    // user namespace made by an ordinary user (tests/support/with-own-processes).
+    static bool isAnother();
+    // Gives what root made to the other user, if there is one.
+    static void own(std::string const& path);
 
 private:
-    bool m_changed{false};
+    bool m_isAnother{isAnother()};
+    std::optional<std::uint64_t> m_capabilities{};
 };
 
 } // namespace mac::test

@@ -196,12 +196,14 @@ TEST_F(AutostartChanges, AFolderThatMayNotBeWrittenLosesNothing) {
     addOfSystem("s.desktop", entry("/bin/system"));
     std::string const folder = m_folder.path("config/autostart");
     ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
     {
         OrdinaryUser const user;
         EXPECT_FALSE(addAutostart({.program = Program, .item = Bundle}).hasValue());
         EXPECT_FALSE(removeAutostart(item("a.desktop")).hasValue());
         EXPECT_FALSE(removeAutostart(item("s.desktop")).hasValue());
     }
+    ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
     EXPECT_EQ(items(), (Names{"a", "s"}));
     EXPECT_EQ(namesOfUser(), Names{"a.desktop"});
 }

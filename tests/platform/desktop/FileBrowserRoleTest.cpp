@@ -2,8 +2,8 @@
 #include "platform/system/processes/ProcessList.h"
 #include "tests/platform/processes/Programs.h"
 #include "tests/support/Environment.h"
+#include "tests/support/OrdinaryUser.h"
 #include <memory>
-#include <unistd.h>
 
 namespace mac::test {
 
@@ -133,9 +133,10 @@ TEST_F(FindersRole, IsNotPlayedByAProcessWithoutAnEnvironment) {
 TEST_F(FindersRole, IsNotPlayedByAnotherUsersProcess) {
     std::string const program = copyOfCat(m_folder, "bin/browser");
     install(program);
-    if (::geteuid() != 0) GTEST_SKIP() << "nobody else can be played here";
+    if (!OrdinaryUser::isAnother()) GTEST_SKIP() << "nobody else can be played here";
     ASSERT_EQ(::chmod(m_folder.path("").c_str(), 0755), 0);
-    ChildProcess const others({"/usr/bin/setpriv", "--reuid", "65534", "--clear-groups", program});
+    ChildProcess const others(
+        {"/usr/bin/setpriv", "--reuid", std::to_string(OrdinaryUser::ID), "--clear-groups", program});
     waitUntilCatRuns(others);
     ChildProcess const own({program});
     waitUntilCatRuns(own);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace mac::test {
 namespace {

@@ -151,6 +151,7 @@ TEST_F(EventTransport, EndsAWaitThatIsNotWantedAnyMore) {
     std::thread other([&] { isHanging = peer->readLine() == "hanging"; });
     EXPECT_EQ(sendAndWait(testEvent(Hang, address(*peer)), m_reply, std::nullopt, [&] { return !isHanging; }),
               errAETimeout);
+    peer->sendSignal(SIGKILL);
     other.join();
     EXPECT_EQ(m_reply.descriptorType, typeNull);
 }

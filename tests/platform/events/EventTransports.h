@@ -16,6 +16,13 @@ namespace mac::test {
 // A session bus of the test's own, which it may end.
 class EventTransport : public testing::Test {
 protected:
+    // This process looks for a bus again when one has ended. Between two tests it must find none, since it would keep
+    // a bus that lives on.
+    static void SetUpTestSuite() {
+        s_noBus = std::make_unique<EnvironmentVariable>("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
+    }
+    static void TearDownTestSuite() { s_noBus.reset(); }
+
     std::string startBus() {
         m_bus = std::make_unique<ChildProcess>(
             std::vector<std::string>{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"});
@@ -52,6 +59,7 @@ protected:
         return string == nil ? "" : string.UTF8String();
     }
 
+    static inline std::unique_ptr<EnvironmentVariable> s_noBus;
     std::unique_ptr<ChildProcess> m_bus;
     EnvironmentVariable m_address{"DBUS_SESSION_BUS_ADDRESS", startBus()};
     AppleEvent m_reply;

@@ -193,8 +193,10 @@ TEST(AttributesBeside, ThatCannotBeReadAreErrors) {
         EXPECT_EQ(errno, EACCES);
         EXPECT_EQ(list(file), Names{"on item"});
     }
+    ASSERT_EQ(::chmod(folder.path("._file").c_str(), 0600), 0);
     EXPECT_EQ(get(file, "a"), "beside");
     ASSERT_EQ(removeAttribute(file, "on item"), 0);
+    ASSERT_EQ(::chmod(folder.path("._file").c_str(), 0), 0);
     OrdinaryUser const user;
     EXPECT_EQ(listxattr(file.c_str(), nullptr, 0, 0), -1) << "nothing tells that there are none";
     EXPECT_EQ(errno, EACCES);

@@ -2,6 +2,7 @@
 #include "tests/support/AccessLists.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include <unistd.h>
 
 // Who may read a copy.
 

@@ -6,6 +6,7 @@
 #include "tests/support/FileLocks.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include <unistd.h>
 
 namespace mac::test {
 

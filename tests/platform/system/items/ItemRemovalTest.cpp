@@ -6,6 +6,7 @@
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
 #include <sys/syscall.h>
+#include <unistd.h>
 
 namespace mac::test {
 

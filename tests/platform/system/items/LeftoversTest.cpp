@@ -5,6 +5,7 @@
 #include "tests/support/OrdinaryUser.h"
 #include <csignal>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace mac::test {
 

@@ -2,6 +2,7 @@
 #include "tests/support/OpenFilesLimit.h"
 #include "tests/support/OrdinaryUser.h"
 #include <memory>
+#include <unistd.h>
 
 namespace mac::test {
 

@@ -3,6 +3,7 @@
 #include "tests/support/ErrorCode.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include <unistd.h>
 
 namespace mac::test {
 
