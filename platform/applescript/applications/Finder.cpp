@@ -130,7 +130,7 @@ Value sort(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand co
     return Value::list(std::move(sorted));
 }
 
-constexpr auto RootProperties = std::to_array<PropertyRow>({
+constexpr auto FinderRootProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&finderName>},
     {u"id", codes::Identifier, codes::TextType, reading<&finderIdentifier>},
     {u"version", codes::Version, codes::TextType, reading<&finderVersion>},
@@ -146,7 +146,7 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
     {u"desktop picture", codeOf("dpic"), codes::FileURLType, reading<&finder::desktopPicture>,
      writing<&finder::setDesktopPicture>, InProperties::Unlisted},
 });
-constexpr auto RootElements = std::to_array<ElementRow>({
+constexpr auto FinderRootElements = std::to_array<ElementRow>({
     {codes::Disk, listing<&FinderRoot::disks>},
     {codes::Process, listing<&finderProcesses>},
     {codes::ApplicationProcess, listing<&finderProcesses>},
@@ -159,8 +159,11 @@ constexpr auto RootElements = std::to_array<ElementRow>({
     {codes::AliasFile, listing<&FinderRoot::desktopItems>},
     {codes::Package, listing<&FinderRoot::desktopItems>},
 });
-constexpr ClassRow RootRow{
-    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+constexpr ClassRow FinderRootRow{.name = u"",
+                                 .plural = u"",
+                                 .code = codes::Application,
+                                 .properties = FinderRootProperties,
+                                 .elements = FinderRootElements};
 
 constexpr auto OpenParameters = std::to_array<CommandParameter>({
     {.label = u"using", .code = finder::UsingParameter},
@@ -209,7 +212,7 @@ constexpr auto FinderTypes = std::to_array<NameRow>({{u"alias list", codes::Alia
 
 std::span<ClassRow const* const> finderClasses() {
     static std::vector<ClassRow const*> const all = [] {
-        std::vector<ClassRow const*> rows{&RootRow, &finder::TrashRow};
+        std::vector<ClassRow const*> rows{&FinderRootRow, &finder::TrashRow};
         for (std::span<ClassRow const* const> const more : {finderItemKinds(), system_events::processKinds()})
             rows.insert(rows.end(), more.begin(), more.end());
         return rows;
@@ -217,7 +220,7 @@ std::span<ClassRow const* const> finderClasses() {
     return all;
 }
 
-ClassRow const& FinderRoot::row() const { return RootRow; }
+ClassRow const& FinderRoot::row() const { return FinderRootRow; }
 
 class Finder final : public ModelApplication {
 public:

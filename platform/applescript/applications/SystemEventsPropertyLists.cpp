@@ -234,16 +234,16 @@ constexpr auto FileProperties = std::to_array<PropertyRow>({
      InProperties::Unlisted},
 });
 constexpr auto FileElements = std::to_array<ElementRow>({{codes::PropertyListItem, listing<&PropertyListFile::items>}});
-constexpr ClassRow FileRow{.name = u"property list file",
-                           .plural = u"property list files",
-                           .code = codes::PropertyListFile,
-                           .properties = FileProperties,
-                           .elements = FileElements};
+constexpr ClassRow PropertyListFileRow{.name = u"property list file",
+                                       .plural = u"property list files",
+                                       .code = codes::PropertyListFile,
+                                       .properties = FileProperties,
+                                       .elements = FileElements};
 
-constexpr auto PropertyListKinds = std::to_array<ClassRow const*>({&FileRow, &ItemRow});
+constexpr auto PropertyListKinds = std::to_array<ClassRow const*>({&PropertyListFileRow, &ItemRow});
 
 ClassRow const& PropertyListItem::row() const { return ItemRow; }
-ClassRow const& PropertyListFile::row() const { return FileRow; }
+ClassRow const& PropertyListFile::row() const { return PropertyListFileRow; }
 
 // What is given under the code in `with properties`; nothing without it.
 Value givenProperty(ApplicationCommand const& command, Code code, std::u16string_view name) {
@@ -289,7 +289,7 @@ Value makePropertyListItem(ModelApplication& application, ApplicationCommand con
                            TextContext const& context) {
     std::vector<ModelPointer> places = application.objects(ModelApplication::placeOf(command), context);
     bool const isOne = places.size() == 1;
-    if (isOne && &places.front()->row() == &FileRow)
+    if (isOne && &places.front()->row() == &PropertyListFileRow)
         places.front() = static_cast<PropertyListFile const&>(*places.front()).contents();
     if (!isOne || &places.front()->row() != &ItemRow) throw plainError(errors::CannotPutThere);
     Value const name = givenProperty(command, codes::Name, u"name");

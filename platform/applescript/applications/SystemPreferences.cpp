@@ -180,7 +180,7 @@ public:
     }
 };
 
-constexpr auto RootProperties = std::to_array<PropertyRow>({
+constexpr auto PreferencesRootProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&SystemPreferencesRoot::name>},
     {u"id", codes::Identifier, codes::TextType, reading<&SystemPreferencesRoot::identifier>},
     {u"version", codes::Version, codes::TextType, reading<&SystemPreferencesRoot::version>},
@@ -188,9 +188,13 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
     {u"current pane", codeOf("xpcp"), codes::ReferenceType, reading<&SystemPreferencesRoot::currentPane>,
      writing<&SystemPreferencesRoot::setCurrentPane>},
 });
-constexpr auto RootElements = std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
-constexpr ClassRow PreferencesRow{
-    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+constexpr auto PreferencesRootElements =
+    std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
+constexpr ClassRow PreferencesRow{.name = u"",
+                                  .plural = u"",
+                                  .code = codes::Application,
+                                  .properties = PreferencesRootProperties,
+                                  .elements = PreferencesRootElements};
 
 ClassRow const& SystemPreferencesRoot::row() const { return PreferencesRow; }
 
