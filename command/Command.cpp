@@ -49,44 +49,55 @@ void tellUnreadable(Copies const& copies) {
                " could not be read\n");
 }
 
+// Failed if something could not be read; what is known is still printed.
+Status statusOfReading(int beeps) {
+    if (beeps == 0) return Status::Done;
+    tellPeople("framekeeper-cli: the login items or the places could not be read, or not entirely\n");
+    return Status::Failed;
+}
+
 Status list(CommandLine const& line) {
     Copies const copies;
     bool isFinished = false;
-    {
+    int const beeps = beepsDuring([&] {
         ProgressLine progress;
         isFinished = copies.search([&](std::size_t found) { progress.tell(found); });
-    }
+    });
     if (!isFinished) {
         tellPeople("framekeeper-cli: the search could not be started\n");
         return Status::Failed;
     }
     tellUnreadable(copies);
-    return print(listing(copies.records(), line.form));
+    return worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
 }
 
 // The paths that the source in question knows, without a search.
 Status listSource(CommandLine const& line) {
     Copies const copies;
     bool const isLogin = line.verb == Verb::Login;
-    if (isLogin)
-        copies.controller().syncIsAutolaunched();
-    else
-        copies.controller().syncIsInToolbar();
+    int const beeps = beepsDuring([&] {
+        if (isLogin)
+            copies.controller().syncIsAutolaunched();
+        else
+            copies.controller().syncIsInToolbar();
+    });
     copies.look(NSArray::array());
-    return print(listing(copies.records(), line.form));
+    return worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
 }
 
 Status inform(CommandLine const& line) {
     Copies const copies;
-    copies.readSources();
-    NSMutableArray const paths = NSMutableArray::array();
-    for (std::string const& path : line.paths)
-        if (isCopyAt(absolutePath(path))) paths.addObject_(absolutePath(path));
-    copies.look(paths);
+    Status status = statusOfReading(beepsDuring([&] { copies.readSources(); }));
+    std::vector<NSString> paths;
+    NSMutableArray const present = NSMutableArray::array();
+    for (std::string const& given : line.paths) {
+        paths.push_back(absolutePath(given));
+        if (isCopyAt(paths.back())) present.addObject_(paths.back());
+    }
+    copies.look(present);
     NSMutableArray const records = NSMutableArray::array();
     std::vector<Outcome> missing;
-    for (std::string const& given : line.paths) {
-        NSString const path = absolutePath(given);
+    for (NSString const& path : paths) {
         NSDictionary const record = copies.recordOf(path);
         if (record != nil)
             records.addObject_(record);
@@ -94,30 +105,31 @@ Status inform(CommandLine const& line) {
             missing.push_back({path, Status::NoSuchCopy, nil, "no copy of Mirror Frame is there"});
     }
     tellPeople(complaints(missing));
-    Status const status = missing.empty() ? Status::Done : Status::NoSuchCopy;
+    if (!missing.empty()) status = worse(status, Status::NoSuchCopy);
     return worse(status, records.count() == 0 ? Status::Done : print(details(records, line.form)));
 }
 
 // Deleting cannot be taken back: it wants --yes, or an answer from a terminal.
-bool isConfirmed(CommandLine const& line) {
+bool isConfirmed(CommandLine const& line, std::vector<Target> const& targets) {
     if (line.verb != Verb::Delete || line.confirmation == Confirmation::IsGiven) return true;
     if (!isTerminal(StandardStream::Input) || !isTerminal(StandardStream::Errors)) {
         tellPeople("framekeeper-cli: delete without a terminal needs --yes\n");
         return false;
     }
-    for (std::string const& path : line.paths)
-        tellPeople("  " + visibleLine(absolutePath(path).codeUnits()) + "\n");
+    for (Target const& target : targets)
+        tellPeople("  " + visibleLine(target.path.codeUnits()) + "\n");
     tellPeople("Delete for good? [y/N] ");
     int const answer = std::getchar();
     return answer == 'y' || answer == 'Y';
 }
 
 Status change(CommandLine const& line) {
-    if (!isConfirmed(line)) return Status::NotConfirmed;
+    std::vector<Target> const targets = targetsOf(line);
+    if (!isConfirmed(line, targets)) return Status::NotConfirmed;
     // What these two do ends well at any moment, and asking a copy to quit may take a minute.
     bool const changesDisk = line.verb != Verb::Quit && line.verb != Verb::Reveal;
     if (changesDisk) holdInterruptions();
-    std::vector<Outcome> const outcomes = act(line, Copies());
+    std::vector<Outcome> const outcomes = act(line, targets, Copies());
     tellPeople(complaints(outcomes));
     Status status = Status::Done;
     for (Outcome const& outcome : outcomes)

@@ -63,6 +63,7 @@ Result<CommandLine, Failure> withOperands(CommandLine line, std::vector<std::str
     std::string const verb(row->word);
     if (takesPaths && operands.empty()) return Failure{verb + " needs a path"};
     if (!takesPaths && !operands.empty()) return Failure{verb + " takes no path"};
+    if (line.edit == ListEdit::Add && operands.size() > 1) return Failure{verb + " add takes one path"};
     bool const isPathEmpty = std::ranges::any_of(operands, &std::string::empty);
     if (isPathEmpty) return Failure{"A path is empty"};
     if (line.confirmation == Confirmation::IsGiven && line.verb != Verb::Delete)

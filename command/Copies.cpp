@@ -2,10 +2,13 @@
 #include "app/MembershipSources.h"
 #include "app/Outlets.h"
 #include "app/RecordBuilding.h"
+#include "platform/foundation/Beep.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/system/PhysicalPath.h"
+#include "platform/system/items/ItemIdentity.h"
+#include <cerrno>
 
 namespace framekeeper {
 
@@ -50,13 +53,15 @@ void Copies::look(NSArray const& paths) const {
 NSArray Copies::records() const { return m_arrangement.arrangedObjects(); }
 
 NSDictionary Copies::recordOf(NSString const& path) const {
-    NSArray const all = records();
-    for (NSUInteger index = 0; index < all.count(); ++index) {
-        NSDictionary const record = as<NSDictionary>(all.objectAtIndex_(index));
+    NSDictionary standardized;
+    for (id const& element : records()) {
+        NSDictionary const record = as<NSDictionary>(element);
         NSString const known = as<NSString>(record.objectForKey_("path"));
-        if (known.isEqualToString_(path) || known.stringByStandardizingPath().isEqualToString_(path)) return record;
+        if (known.isEqualToString_(path)) return record;
+        bool const isAlike = standardized == nil && known.stringByStandardizingPath().isEqualToString_(path);
+        if (isAlike) standardized = record;
     }
-    return nil;
+    return standardized;
 }
 
 bool Copies::select(NSArray const& paths) const {
@@ -69,7 +74,25 @@ bool Copies::select(NSArray const& paths) const {
     return m_arrangement.setSelectedObjects_(found);
 }
 
-bool isCopyAt(NSString const& path) { return isCompanion(lookAtBundle(path)); }
+Result<OpenItem> openCopyAt(NSString const& path) {
+    Result<OpenItem> item = openItemAtPath(bytesOfPath(path), LinkAtEnd::IsNotFollowed);
+    if (!item.hasValue()) return item;
+    Result<IdentifiedItem> const identified = identify(item.value().item);
+    if (!identified.hasValue()) return identified.problem();
+    // By the descriptor, which no exchanged name leads elsewhere.
+    NSString const held = NSString::stringWithFileSystemRepresentation_(item.value().systemPath());
+    if (identified.value().isFolder && isCompanion(lookAtBundle(held))) return item;
+    return SystemError{.code = ENOENT, .operation = "open", .item = bytesOfPath(path)};
+}
+
+bool isCopyAt(NSString const& path) { return openCopyAt(path).hasValue(); }
+
+int beepsDuring(std::function<void()> const& work) {
+    int beeps = 0;
+    BeepListener const listener([&beeps] { ++beeps; });
+    work();
+    return beeps;
+}
 
 NSString absolutePath(std::string const& bytes) {
     return NSString::stringWithFileSystemRepresentation_(physicalPath(bytes));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "platform/system/items/OpenItem.h"
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -18,14 +19,14 @@ public:
     // Reads all sources and searches the computer; the records are there when it ends. False if it could not be
     // started. Progress is told now and then, with the number of items found so far.
     bool search(std::function<void(std::size_t found)> const& progress) const;
-    // Reads the running copies, the login items and the places.
+    // Reads the running copies, the login items and the places. What cannot be read of them is a beep.
     void readSources() const;
     // Makes records of these paths and of those that the sources know, without a search.
     void look(NSArray const& paths) const;
 
     // All records, in the order of the window's first showing.
     NSArray records() const;
-    // nil if no record has the path.
+    // The record of the very path, else of one that standardizes to it; nil if there is none.
     NSDictionary recordOf(NSString const& path) const;
     // Selects the records with these paths for the controller's actions; false if one of them has none.
     bool select(NSArray const& paths) const;
@@ -35,8 +36,12 @@ private:
     NSArrayController m_arrangement = NSArrayController::alloc().init();
 };
 
-// Whether a copy of the companion is at the path.
+// Opens the copy of the companion at the path; ENOENT if none is there. A symbolic link is no copy.
+Result<OpenItem> openCopyAt(NSString const& path);
 bool isCopyAt(NSString const& path);
+
+// How often something beeps, by which the controller reports what failed.
+int beepsDuring(std::function<void()> const& work);
 
 // The path by which the search would find what was given on the command line. A final symbolic link is not followed.
 NSString absolutePath(std::string const& bytes);

@@ -9,7 +9,7 @@ using namespace mac;
 // What became of one path, or of the whole command.
 enum class Status {
     Done,
-    // Done, but the file browser could not show it or take it up.
+    // Done, but the file browser could not show it or take it up, or the changed list could not be read again.
     NotShown,
     // There is no copy at the path, or the copy is not in the list or does not run.
     NoSuchCopy,

@@ -18,6 +18,12 @@ NSString textIn(id const& record, char const* key) {
     return as<NSString>(record.valueForKey_(NSString::stringWithUTF8String_(key)));
 }
 
+// nil for a path that tells no version: its record holds an empty text.
+NSString versionIn(id const& record, char const* key) {
+    NSString const version = textIn(record, key);
+    return version.length() == 0 ? NSString() : version;
+}
+
 bool flagIn(id const& record, char const* key) {
     return as<NSNumber>(record.valueForKey_(NSString::stringWithUTF8String_(key))).boolValue();
 }
@@ -60,8 +66,8 @@ std::optional<std::int32_t> processOf(id const& record) {
 
 std::string jsonRecord(id const& record) {
     std::optional<std::int32_t> const process = processOf(record);
-    return "{" + jsonPath(textIn(record, "path")) + ", \"version\": " + jsonText(textIn(record, "version")) +
-           ", \"versionString\": " + jsonText(textIn(record, "versionString")) +
+    return "{" + jsonPath(textIn(record, "path")) + ", \"version\": " + jsonText(versionIn(record, "version")) +
+           ", \"versionString\": " + jsonText(versionIn(record, "versionString")) +
            ", \"exists\": " + jsonFlag(flagIn(record, "exists")) +
            ", \"isRunning\": " + jsonFlag(flagIn(record, "isRunning")) +
            ", \"processID\": " + (process ? std::to_string(*process) : "null") +
@@ -104,7 +110,7 @@ using Row = std::array<std::string, Columns>;
 
 Row rowOf(id const& record) {
     auto const mark = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "–"); };
-    return {visible(textIn(record, "versionString")),
+    return {visible(versionIn(record, "versionString")),
             mark("exists"),
             mark("isRunning"),
             mark("isAutolaunched"),
@@ -140,7 +146,7 @@ std::string detailsOf(id const& record) {
     auto const answer = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "no"); };
     std::optional<std::int32_t> const process = processOf(record);
     return "Path:      " + visible(textIn(record, "path")) +
-           "\nVersion:   " + visible(textIn(record, "versionString")) + "\nExists:    " + answer("exists") +
+           "\nVersion:   " + visible(versionIn(record, "versionString")) + "\nExists:    " + answer("exists") +
            "\nRuns:      " + answer("isRunning") + (process ? ", as process " + std::to_string(*process) : "") +
            "\nLogin:     " + answer("isAutolaunched") + "\nPlaces:    " + answer("isInToolbar") + "\n";
 }

@@ -157,8 +157,10 @@ void NSMetadataQuery::Body::deliverFinds() {
     if (isMore) m_results = uncheckedCast<NSArray>(taken.results.copy());
     bool const isLess = takeAwayVanished();
     if (!isMore && !isLess && taken.progress.isFinished) return finishGathering(taken.progress);
-    // The end comes with a delivery of its own, also when an observer of this one raises.
-    if (taken.progress.isFinished) scheduleDelivery();
+    // What came between the steps asked for no delivery, as one was due. The end comes with a delivery of its own, also
+    // when an observer of this one raises.
+    VolumeWalkProgress const progress = m_walker->progress();
+    if (progress.isFinished || progress.packagesToTake > 0) scheduleDelivery();
     if (isMore || isLess) post(NSMetadataQueryGatheringProgressNotification);
 }
 

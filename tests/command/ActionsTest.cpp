@@ -1,13 +1,47 @@
 #include "command/Actions.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/KeyValueObserving.h"
 #include "platform/system/StandardStreams.h"
 #include "tests/command/CommandRun.h"
 #include <csignal>
+#include <functional>
 #include <sys/wait.h>
+#include <utility>
 
 namespace framekeeper::test {
 namespace {
 
-class CommandActions : public CommandTest {};
+// Calls a function at each change it is told of.
+struct ChangeCaller : Handle<ChangeCaller, NSObject> {
+    class Body;
+    using Handle::Handle;
+    static ClassDescription describeClass() { return {.name = "ChangeCaller", .superclass = classOf<NSObject>()}; }
+};
+
+class ChangeCaller::Body : public ObjectBody {
+public:
+    void observeValueForKeyPath(NSString const&, id const&, NSDictionary const&, void*) override { function(); }
+    std::function<void()> function{};
+};
+
+class CommandActions : public CommandTest {
+protected:
+    // The one outcome, while the function is called at each change of the controller's key.
+    static Outcome outcomeOf(CommandLine const& line, NSString const& key, std::function<void()> const& function) {
+        Copies const copies;
+        return outcomeOf(line, copies, key, function);
+    }
+    static Outcome outcomeOf(CommandLine const& line, Copies const& copies, NSString const& key,
+                             std::function<void()> const& function) {
+        ChangeCaller const caller = adopt<ChangeCaller>();
+        bodyOf(caller)->function = function;
+        copies.controller().addObserver_forKeyPath_options_context_(caller, key, 0, nullptr);
+        std::vector<Outcome> const outcomes = act(line, targetsOf(line), copies);
+        copies.controller().removeObserver_forKeyPath_(caller, key);
+        EXPECT_EQ(outcomes.size(), 1U);
+        return outcomes.empty() ? Outcome{} : outcomes.front();
+    }
+};
 
 TEST(CommandActionTable, KnowsWhichVerbsChangeSomething) {
     EXPECT_TRUE(isAction({.verb = Verb::Trash}));
@@ -21,12 +55,42 @@ TEST(CommandActionTable, KnowsWhichVerbsChangeSomething) {
 
 TEST_F(CommandActions, AnswerOneOutcomeForEachPathInOrder) {
     std::string const copy = copyAt("a");
-    std::vector<Outcome> const outcomes = act({.verb = Verb::Trash, .paths = {home("none"), copy}}, Copies());
+    CommandLine const line{.verb = Verb::Trash, .paths = {home("none"), copy}};
+    std::vector<Outcome> const outcomes = act(line, targetsOf(line), Copies());
     ASSERT_EQ(outcomes.size(), 2U);
     EXPECT_EQ(outcomes[0].status, Status::NoSuchCopy);
     EXPECT_EQ(outcomes[1].status, Status::Done);
     EXPECT_EQ(text(outcomes[1].path), copy);
     EXPECT_TRUE(isThere(text(outcomes[1].newPath)));
+}
+
+TEST_F(CommandActions, AreDoneAlsoIfTheListCannotBeReadAfterwards) {
+    std::string const copy = copyAt("a");
+    for (ListEdit const edit : {ListEdit::Add, ListEdit::Remove}) {
+        int readings = 0;
+        // The first reading is the one before the change.
+        auto const beepLater = [&readings] {
+            if (++readings > 1) NSBeep();
+        };
+        CommandLine const line{.verb = Verb::Login, .edit = edit, .paths = {copy}};
+        EXPECT_EQ(outcomeOf(line, "isAutolaunchedPaths", beepLater).status, Status::NotShown);
+        EXPECT_EQ(readings, 2);
+    }
+    EXPECT_EQ(run({"login", "-0"}).output, "");
+}
+
+TEST_F(CommandActions, FailIfTheRecordOfThePathIsGone) {
+    std::string const copy = copyAt("a");
+    for (Verb const verb : {Verb::Trash, Verb::SwapIcon, Verb::Reveal}) {
+        Copies const copies;
+        bool isEmptying = false;
+        auto const emptyTheList = [&] {
+            if (std::exchange(isEmptying, true)) return;
+            copies.controller().setPaths_(NSMutableSet::set());
+        };
+        EXPECT_EQ(outcomeOf({.verb = verb, .paths = {copy}}, copies, "paths", emptyTheList).status, Status::Failed);
+    }
+    EXPECT_TRUE(isThere(copy));
 }
 
 // In a process of its own, whose signals may be changed.
@@ -37,7 +101,8 @@ TEST_F(CommandActions, LeaveThePathsBehindAnInterruptionAlone) {
     if (child == 0) {
         holdInterruptions();
         ::raise(SIGINT);
-        std::vector<Outcome> const outcomes = act({.verb = Verb::Trash, .paths = {first, second}}, Copies());
+        CommandLine const line{.verb = Verb::Trash, .paths = {first, second}};
+        std::vector<Outcome> const outcomes = act(line, targetsOf(line), Copies());
         bool const areLeft = outcomes.size() == 2 && outcomes[0].status == Status::Interrupted &&
                              outcomes[1].status == Status::Interrupted;
         ::_exit(areLeft ? 0 : 1);

@@ -37,7 +37,8 @@ TEST(CommandLine, ReadsTheListsAndWhatIsDoneToThem) {
 TEST(CommandLine, RefusesWhatItDoesNotKnow) {
     for (Words const& words :
          {Words{}, Words{"frobnicate"}, Words{"list", "--all"}, Words{"list", "/a"}, Words{"trash"}, Words{"trash", ""},
-          Words{"login", "/a"}, Words{"login", "add"}, Words{"places", "add", "/a"}, Words{"trash", "--yes", "/a"}}) {
+          Words{"login", "/a"}, Words{"login", "add"}, Words{"places", "add", "/a"}, Words{"login", "add", "/a", "/b"},
+          Words{"trash", "--yes", "/a"}}) {
         auto const line = readCommandLine(words);
         ASSERT_FALSE(line.hasValue());
         EXPECT_FALSE(line.problem().reason.empty());

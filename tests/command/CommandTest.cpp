@@ -1,5 +1,7 @@
 #include "tests/command/CommandRun.h"
 #include "tests/support/Companion.h"
+#include <filesystem>
+#include <functional>
 #include <unistd.h>
 
 // The command as a process of its own, on real files.
@@ -93,6 +95,27 @@ TEST_F(Command, RestoresByWhereTheCopyCameFrom) {
     EXPECT_EQ(run({"restore", copy}).status, 3);
 }
 
+TEST_F(Command, RestoresTheCopyThatWasTrashedBeforeAnotherItemOfItsName) {
+    std::string const copy = copyAt("a");
+    ASSERT_EQ(run({"trash", copy}).status, 0);
+    m_desktop.folder.makeFile("home/a/Mirror Frame.app", "no copy");
+    std::string const files = m_desktop.folder.path("data/Trash/");
+    std::filesystem::rename(copy, files + "files/later");
+    std::string origin = copy;
+    origin.replace(origin.find(' '), 1, "%20");
+    m_desktop.folder.makeFile("data/Trash/info/later.trashinfo",
+                              "[Trash Info]\nPath=" + origin + "\nDeletionDate=2040-01-01T00:00:00\n");
+    CommandRun const done = run({"restore", copy});
+    EXPECT_EQ(done.status, 0) << done.errors;
+    EXPECT_TRUE(isThere(copy + "/Contents/Info.plist"));
+    EXPECT_TRUE(isThere(files + "files/later"));
+}
+
+TEST_F(Command, FailsToRestoreFromAPathThatCannotBeLookedAt) {
+    ASSERT_EQ(::symlink("loop", home("loop").c_str()), 0);
+    EXPECT_EQ(run({"restore", home("loop/Mirror Frame.app")}).status, 1);
+}
+
 TEST_F(Command, DoesNotRestoreOverAnotherCopy) {
     std::string const copy = copyAt("a");
     CommandRun const trashed = run({"trash", "-0", copy});
@@ -133,6 +156,48 @@ TEST_F(Command, AsksOnATerminalBeforeItDeletes) {
     EXPECT_FALSE(isThere(copy));
 }
 
+// Deletes the copy on a terminal, where the answer is yes, and calls the function once the path was shown there.
+int statusOfDeleting(std::string const& copy, std::function<void()> const& whenAsked) {
+    mac::test::EnvironmentVariable const program("COMMAND", FRAMEKEEPER_CLI);
+    mac::test::EnvironmentVariable const path("COPY", copy);
+    mac::test::ChildProcess terminal({"/usr/bin/script", "-qec", "\"$COMMAND\" delete \"$COPY\"", "/dev/null"});
+    // The shell may have something to say first.
+    std::string shown = terminal.readLine();
+    while (!shown.empty() && shown.find("Mirror Frame.app") == std::string::npos)
+        shown = terminal.readLine();
+    EXPECT_NE(shown, "");
+    whenAsked();
+    terminal.writeLine("y");
+    while (!terminal.readLine().empty()) {}
+    return terminal.wait();
+}
+
+TEST_F(Command, DeletesTheCopyAtThePathThatWasConfirmed) {
+    std::string const copy = copyAt("a");
+    std::string const other = copyAt("b");
+    std::string const way = home("way");
+    ASSERT_EQ(::symlink("a", way.c_str()), 0);
+    int const status = statusOfDeleting(way + "/Mirror Frame.app", [&] {
+        EXPECT_EQ(::unlink(way.c_str()), 0);
+        EXPECT_EQ(::symlink("b", way.c_str()), 0);
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(isThere(copy));
+    EXPECT_TRUE(isThere(other));
+}
+
+TEST_F(Command, DeletesNoCopyThatTookThePlaceOfTheConfirmedOne) {
+    std::string const copy = copyAt("a");
+    std::string const other = copyAt("b");
+    int const status = statusOfDeleting(copy, [&] {
+        EXPECT_EQ(::rename(copy.c_str(), home("a/kept").c_str()), 0);
+        EXPECT_EQ(::rename(other.c_str(), copy.c_str()), 0);
+    });
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(isThere(copy));
+    EXPECT_TRUE(isThere(home("a/kept")));
+}
+
 TEST_F(Command, TellsHowFarTheSearchIsOnATerminal) {
     std::string const shown = shownOnATerminal("list", copyAt("a"), "");
     EXPECT_NE(shown.find("Searching: "), std::string::npos) << shown;
@@ -147,6 +212,20 @@ TEST_F(Command, TouchesNothingThatIsNoCopy) {
     EXPECT_EQ(run({"login", "remove", folder}).status, 3);
     EXPECT_EQ(run({"places", "remove", folder}).status, 3);
     EXPECT_TRUE(isThere(folder));
+}
+
+TEST_F(Command, TouchesNoCopyThroughASymbolicLink) {
+    std::string const copy = copyAt("a");
+    m_desktop.folder.makeFolder("home/b");
+    std::string const link = home("b/Mirror Frame.app");
+    ASSERT_EQ(::symlink(copy.c_str(), link.c_str()), 0);
+    std::string const information = bytesOfFile(copy + "/Contents/Info.plist");
+    for (char const* const verb : {"swap-icon", "reveal", "trash", "info"})
+        EXPECT_EQ(run({verb, link}).status, 3) << verb;
+    EXPECT_EQ(run({"delete", "--yes", link}).status, 3);
+    EXPECT_EQ(run({"login", "add", link}).status, 3);
+    EXPECT_EQ(bytesOfFile(copy + "/Contents/Info.plist"), information);
+    EXPECT_TRUE(isThere(link));
 }
 
 TEST_F(Command, GoesOnBehindAPathThatFails) {
@@ -208,6 +287,61 @@ TEST_F(Command, RemovesACopyFromThePlaces) {
     // No file browser runs that could take it up.
     EXPECT_EQ(done.status, 4) << done.errors;
     EXPECT_EQ(bytesOfFile(m_desktop.folder.path("config/gtk-3.0/bookmarks")), "file://" + other + "\n");
+}
+
+TEST_F(Command, RemovesACopyFromAllListsOfPlaces) {
+    std::string const copy = copyAt("a");
+    std::string uri = "file://" + copy;
+    uri.replace(uri.find(' '), 1, "%20");
+    m_desktop.folder.makeFile("config/gtk-3.0/bookmarks", uri + "\n");
+    m_desktop.folder.makeFile("data/user-places.xbel", "<!DOCTYPE xbel>\n<xbel>\n <bookmark href=\"" + uri +
+                                                           "\"><title>Mirror</title></bookmark>\n</xbel>\n");
+    EXPECT_EQ(run({"places", "-0"}).output, copy + '\0');
+    CommandRun const done = run({"places", "remove", copy});
+    EXPECT_EQ(done.status, 4) << done.errors;
+    EXPECT_EQ(bytesOfFile(m_desktop.folder.path("config/gtk-3.0/bookmarks")), "");
+    EXPECT_EQ(bytesOfFile(m_desktop.folder.path("data/user-places.xbel")).find("Mirror"), std::string::npos);
+    EXPECT_EQ(run({"places", "-0"}).output, "");
+}
+
+TEST_F(Command, RemovesAllLoginItemsOfACopy) {
+    std::string const copy = copyAt("a");
+    ASSERT_EQ(run({"login", "add", copy}).status, 0);
+    std::filesystem::path const folder = m_desktop.folder.path("config/autostart");
+    std::filesystem::path const item = std::filesystem::directory_iterator(folder)->path();
+    std::filesystem::copy_file(item, folder / "another.desktop");
+    EXPECT_EQ(run({"login", "remove", copy}).status, 0);
+    EXPECT_EQ(run({"login", "-0"}).output, "");
+    EXPECT_EQ(run({"login", "remove", copy}).status, 3);
+}
+
+TEST_F(Command, FailsToTellPlacesThatCannotBeRead) {
+    std::string const copy = copyAt("a");
+    m_desktop.folder.makeFolder("config/gtk-3.0/bookmarks");
+    for (Words const& words : {Words{"places"}, Words{"list"}, Words{"info", copy}}) {
+        CommandRun const done = run(words);
+        EXPECT_EQ(done.status, 1) << words.front();
+        EXPECT_NE(done.output, "");
+        EXPECT_NE(done.errors.find("could not be read"), std::string::npos) << done.errors;
+    }
+    EXPECT_NE(run({"list"}).output.find(copy), std::string::npos);
+    EXPECT_EQ(run({"places", "remove", copy}).status, 1);
+}
+
+TEST_F(Command, FailsToTellLoginItemsThatCannotBeRead) {
+    std::string const copy = copyAt("a");
+    m_desktop.folder.makeFile("config/autostart", "no folder");
+    EXPECT_EQ(run({"login"}).status, 1);
+    EXPECT_EQ(run({"login", "remove", copy}).status, 1);
+    EXPECT_EQ(run({"info", copy}).status, 1);
+}
+
+TEST_F(Command, QuitsAllProcessesOfACopy) {
+    mac::test::RunningCompanion first("willing");
+    mac::test::RunningCompanion second("willing");
+    EXPECT_EQ(run({"quit", text(first.bundle())}).status, 0);
+    EXPECT_FALSE(first.isRunning());
+    EXPECT_FALSE(second.isRunning());
 }
 
 TEST_F(Command, QuitsACopyThatRuns) {

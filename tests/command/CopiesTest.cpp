@@ -30,6 +30,18 @@ TEST_F(CommandCopies, AreLookedAtWithoutASearch) {
     EXPECT_FALSE(isCopyAt(nil));
 }
 
+TEST_F(CommandCopies, AreFoundByTheVeryPathFirst) {
+    NSString const path = pathString(copyAt("a"));
+    NSString const same = pathString(home("./a/Mirror Frame.app"));
+    Copies const copies;
+    copies.look(NSArray::arrayWithObjects_({same, path}));
+    ASSERT_EQ(copies.records().count(), 2U);
+    EXPECT_EQ(text(as<NSString>(copies.recordOf(path).objectForKey_("path"))), text(path));
+    EXPECT_EQ(text(as<NSString>(copies.recordOf(same).objectForKey_("path"))), text(same));
+    copies.look(NSArray::arrayWithObject_(same));
+    EXPECT_EQ(text(as<NSString>(copies.recordOf(path).objectForKey_("path"))), text(same));
+}
+
 TEST_F(CommandCopies, HaveTheBytesOfTheirPaths) {
     EXPECT_EQ(bytesOfPath(absolutePath("/nonexistent/\xff")), "/nonexistent/\xff");
     EXPECT_EQ(bytesOfPath(absolutePath(home("/"))), bytesOfPath(absolutePath(home())));

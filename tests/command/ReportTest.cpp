@@ -32,6 +32,13 @@ TEST(CommandReport, WritesJSONFromWhichEveryByteComesBack) {
     EXPECT_EQ(listing(NSArray::array(), OutputForm::JSON), "{\"framekeeper\": 1, \"copies\": []}\n");
 }
 
+TEST(CommandReport, TellsAnEmptyVersionAsAMissingOne) {
+    NSArray const records = NSArray::arrayWithObject_(recordWith("/a", ""));
+    EXPECT_TRUE(listing(records, OutputForm::Table).ends_with("\n–        yes     –     yes    –       /a\n"));
+    EXPECT_NE(listing(records, OutputForm::JSON).find("\"version\": null, \"versionString\": null"), std::string::npos);
+    EXPECT_NE(details(records, OutputForm::Table).find("Version:   –\n"), std::string::npos);
+}
+
 TEST(CommandReport, WritesPathsWithANulBehindEach) {
     EXPECT_EQ(listing(someRecords(), OutputForm::NullSeparated), std::string("/ä/Mirror Frame.app\0/\xff\"\0", 25));
 }

@@ -215,7 +215,7 @@ consteval PropertyRow folderRow(std::u16string_view name) {
     return {name, Folder, codes::Folder, reading<&Root::folder<Folder>>, nullptr, Unlisted};
 }
 
-constexpr auto RootProperties = std::to_array<PropertyRow>({
+constexpr auto SystemEventsProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&Root::name>},
     {u"id", codes::Identifier, codes::TextType, reading<&Root::identifier>},
     {u"version", codes::Version, codes::TextType, reading<&Root::version>},
@@ -238,7 +238,7 @@ constexpr auto RootProperties = std::to_array<PropertyRow>({
     folderRow<folders::Preferences>(u"preferences folder"),
     folderRow<folders::TemporaryItems>(u"temporary items folder"),
 });
-constexpr auto RootElements = std::to_array<ElementRow>({
+constexpr auto SystemEventsElements = std::to_array<ElementRow>({
     {codes::Process, listing<&Root::processes>},
     {codes::ApplicationProcess, listing<&Root::processes>},
     {codes::LoginItem, listing<&Root::loginItems>},
@@ -248,8 +248,11 @@ constexpr auto RootElements = std::to_array<ElementRow>({
     {codes::File, listing<&Root::itemsAtHome>},
     {codes::Folder, listing<&Root::itemsAtHome>},
 });
-constexpr ClassRow RootRow{
-    .name = u"", .plural = u"", .code = codes::Application, .properties = RootProperties, .elements = RootElements};
+constexpr ClassRow RootRow{.name = u"",
+                           .plural = u"",
+                           .code = codes::Application,
+                           .properties = SystemEventsProperties,
+                           .elements = SystemEventsElements};
 
 ClassRow const& SystemEventsRoot::row() const { return RootRow; }
 

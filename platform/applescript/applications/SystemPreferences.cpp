@@ -180,7 +180,7 @@ public:
     }
 };
 
-constexpr auto PreferencesRootProperties = std::to_array<PropertyRow>({
+constexpr auto PreferencesProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&SystemPreferencesRoot::name>},
     {u"id", codes::Identifier, codes::TextType, reading<&SystemPreferencesRoot::identifier>},
     {u"version", codes::Version, codes::TextType, reading<&SystemPreferencesRoot::version>},
@@ -188,13 +188,12 @@ constexpr auto PreferencesRootProperties = std::to_array<PropertyRow>({
     {u"current pane", codeOf("xpcp"), codes::ReferenceType, reading<&SystemPreferencesRoot::currentPane>,
      writing<&SystemPreferencesRoot::setCurrentPane>},
 });
-constexpr auto PreferencesRootElements =
-    std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
+constexpr auto PreferencesElements = std::to_array<ElementRow>({{PaneCode, listing<&SystemPreferencesRoot::panes>}});
 constexpr ClassRow PreferencesRow{.name = u"",
                                   .plural = u"",
                                   .code = codes::Application,
-                                  .properties = PreferencesRootProperties,
-                                  .elements = PreferencesRootElements};
+                                  .properties = PreferencesProperties,
+                                  .elements = PreferencesElements};
 
 ClassRow const& SystemPreferencesRoot::row() const { return PreferencesRow; }
 

@@ -140,7 +140,8 @@ void VolumeWalker::Walk::remember() {
     (void)m_memory->keep({.question = m_question,
                           .start = m_started,
                           .packages = m_findings.packagesOfWalk(),
-                          .folders = std::make_shared<RememberedFolders const>(std::move(*folders))});
+                          .folders = std::make_shared<RememberedFolders const>(std::move(*folders))},
+                         shouldStop);
 }
 
 void VolumeWalker::Walk::giveVolumes() {

@@ -4,8 +4,10 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/NewFile.h"
 #include "platform/system/walker/FolderIndexFormat.h"
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <span>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +16,7 @@ namespace mac {
 namespace {
 
 constexpr std::size_t MostWalkBytes = MostIndexBytes * 2; // the index and the list of packages
+constexpr std::size_t BytesAtOnce = std::size_t{1} << 20;
 constexpr mode_t OwnersAlone = 0600;
 constexpr mode_t OthersMayWrite = S_IWGRP | S_IWOTH;
 
@@ -49,6 +52,17 @@ std::shared_ptr<RememberedWalk const> readFrom(std::string const& folderPath) {
     return walk ? std::make_shared<RememberedWalk const>(std::move(*walk)) : nullptr;
 }
 
+Result<void> writeInBlocks(NewFile const& file, std::span<std::byte const> bytes,
+                           std::function<bool()> const& shouldStop) {
+    while (!bytes.empty()) {
+        if (shouldStop()) return SystemError{.code = ECANCELED, .operation = "write", .item = WalkMemory::fileName};
+        std::span<std::byte const> const block = bytes.first(std::min(bytes.size(), BytesAtOnce));
+        if (Result<void> const written = file.write(block); !written.isDone()) return written;
+        bytes = bytes.subspan(block.size());
+    }
+    return {};
+}
+
 } // namespace
 
 WalkMemory::WalkMemory(std::string folder, std::function<std::int64_t()> clock)
@@ -61,7 +75,7 @@ std::shared_ptr<RememberedWalk const> WalkMemory::recall(WalkQuestion const& que
     return serves ? m_walk : nullptr;
 }
 
-Result<void> WalkMemory::keep(RememberedWalk walk) {
+Result<void> WalkMemory::keep(RememberedWalk walk, std::function<bool()> const& shouldStop) {
     auto const kept = std::make_shared<RememberedWalk const>(std::move(walk));
     {
         std::lock_guard const lock(m_mutex);
@@ -75,7 +89,7 @@ Result<void> WalkMemory::keep(RememberedWalk walk) {
     if (!folder) return SystemError{.code = EACCES, .operation = "open", .item = m_folder};
     Result<NewFile> file = NewFile::make(*folder, OwnersAlone);
     if (!file.hasValue()) return file.problem();
-    Result<void> const written = file.value().write(bytesOfWalk(*kept));
+    Result<void> const written = writeInBlocks(file.value(), bytesOfWalk(*kept), shouldStop);
     return written.isDone() ? file.value().giveNameUnflushed(fileName) : written;
 }
 

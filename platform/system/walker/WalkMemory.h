@@ -48,8 +48,10 @@ public:
 
     // The last walk that asked the same, if there is one; nullptr also if the clock has been set back behind its start.
     std::shared_ptr<RememberedWalk const> recall(WalkQuestion const& question);
-    // Replaces what was kept. It is in memory even if it could not be written.
-    Result<void> keep(RememberedWalk walk);
+    // Replaces what was kept. It is in memory even if it could not be written, or if shouldStop, which is asked while
+    // it is written, ended that (ECANCELED).
+    Result<void> keep(
+        RememberedWalk walk, std::function<bool()> const& shouldStop = [] { return false; });
 
 private:
     std::string const m_folder;

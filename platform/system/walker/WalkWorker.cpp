@@ -39,7 +39,8 @@ bool WalkWorker::openVolume(FolderShare& share) {
         return false;
     }
     share.state.folder = folder.takeValue();
-    FolderFacts const facts = factsOf(share.state.folder).valueOr(FolderFacts());
+    Result<FolderFacts> const looked = factsOf(share.state.folder);
+    FolderFacts const facts = looked.hasValue() ? looked.value() : FolderFacts();
     std::uint64_t const mount = facts.mount;
     if (mount != 0 && mount != share.traits.mount) return false; // unmounted since it was listed
     share.traits.mount = mount;
@@ -48,7 +49,8 @@ bool WalkWorker::openVolume(FolderShare& share) {
     share.traits.listsItemNumbers = m_item && listsItemNumbers(share.state.folder);
     share.state.holdsMountPoints = m_mountPoints.isParentOfOne(share.path);
     m_findings.countFolder();
-    if (m_log) recallVolume(share, facts);
+    // A stamp that could not be read equals that of a list which is not to be relied on.
+    if (m_log && looked.hasValue()) recallVolume(share, facts);
     return true;
 }
 

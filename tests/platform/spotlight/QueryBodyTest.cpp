@@ -124,13 +124,17 @@ protected:
         query.disableUpdates();
         if (!query.startQuery()) return false;
         bodyOf(recorder)->onNotification = [this](std::string const& name) { m_posted = name; };
-        VolumeWalker walk({.roots = {folder.path()}, .names = {"Mirror Frame.app"}},
-                          [] { performOnMainRunLoop([] {}); });
-        if (!walk.start() || !runUntil([&] { return walk.progress().isFinished; })) return false;
-        // The query's own walk is as long.
-        runForAMoment();
+        if (!outlastWalk()) return false;
         query.enableUpdates();
         return runUntilDeliveryIsDue();
+    }
+    // Waits for a walk that is as long as the query's own.
+    bool outlastWalk() {
+        VolumeWalker walk({.roots = {folder.path()}, .names = {"Mirror Frame.app"}},
+                          [] { performOnMainRunLoop([] {}); });
+        bool const isOver = walk.start() && runUntil([&] { return walk.progress().isFinished; });
+        runForAMoment();
+        return isOver;
     }
     bool hasPosted(char const* name) const { return m_posted == name; }
 
@@ -151,6 +155,20 @@ TEST_F(MetadataQueryInSteps, TellsOfManyFindsOnceAndWorksThemOffInSteps) {
     }
     EXPECT_GT(steps, 1);
     EXPECT_GT(query.resultCount(), 3U);
+}
+
+TEST_F(MetadataQueryInSteps, EndsAlsoIfTheWalkEndsBetweenTwoSteps) {
+    for (int index = 0; index < 2000; ++index)
+        folder.makeFolder("none/" + std::to_string(index));
+    ASSERT_TRUE(query.startQuery());
+    ASSERT_TRUE(runUntilDeliveryIsDue());
+    deliver();
+    ASSERT_TRUE(outlastWalk());
+    while (query.isGathering()) {
+        ASSERT_TRUE(runUntilDeliveryIsDue()) << "nothing asks for the end";
+        deliver();
+    }
+    EXPECT_EQ(query.resultCount(), Copies);
 }
 
 TEST_F(MetadataQueryInSteps, StopsBetweenTwoSteps) {

@@ -140,6 +140,14 @@ TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
     EXPECT_FALSE(recallAnew());
 }
 
+TEST_F(KeptWalk, IsNotWrittenAfterAStop) {
+    TemporaryFolder const place;
+    WalkMemory memory(place.path("framekeeper"), [] { return WalkStart; });
+    EXPECT_FALSE(memory.keep(someWalk(), [] { return true; }).isDone());
+    EXPECT_TRUE(std::filesystem::is_empty(place.path("framekeeper")));
+    EXPECT_TRUE(memory.recall(someWalk().question));
+}
+
 TEST_F(KeptWalk, MakesNoHomeThatIsMissing) {
     TemporaryFolder const place;
     WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return WalkStart; });
