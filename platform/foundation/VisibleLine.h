@@ -6,7 +6,7 @@
 namespace mac {
 
 // The text as one line of UTF-8 for a log or a terminal: line breaks, what else drives a terminal or turns the text
-// around, and bytes of a file's name that are no text are written as codes (\n, \x1b, \u202e). Any thread.
+// around, and bytes of a file's name that are no text are written as a backslash and a code, as in C. Any thread.
 std::string visibleLine(std::u16string_view text);
 
 } // namespace mac

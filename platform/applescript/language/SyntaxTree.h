@@ -17,13 +17,13 @@ struct NamedParameter {
 };
 // {a, b}: the items of the argument.
 struct ListPattern {
-    std::vector<Parameter> parts{};
+    std::vector<Parameter> parts;
 };
 // {name:a, size:b}: the properties of the argument.
 struct RecordPattern {
     std::vector<Symbol> keys{};
     // One for each key.
-    std::vector<Parameter> parts{};
+    std::vector<Parameter> parts;
 };
 struct Parameter {
     std::variant<NamedParameter, ListPattern, RecordPattern> pattern{};
