@@ -3,6 +3,7 @@
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
 #include "app/InTrashTransformer.h"
+#include "app/Outlets.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"
@@ -14,18 +15,6 @@
 namespace framekeeper {
 
 namespace {
-
-// An outlet: set by the interface file through key-value coding, read by the getter.
-template <auto getter, auto field>
-constexpr Property outlet(std::string_view key) {
-    Property property = readOnlyProperty<getter>(key);
-    property.set = [](id const& object, id const& value) {
-        AppController const controller = uncheckedCast<AppController>(object);
-        using Outlet = std::remove_reference_t<decltype(bodyOf(controller)->*field)>;
-        bodyOf(controller)->*field = as<Outlet>(value);
-    };
-    return property;
-}
 
 // The set of a source, by its key in the table.
 template <std::size_t row>
@@ -42,7 +31,16 @@ void addEntriesProperties(std::vector<Property>& properties, std::index_sequence
     properties.insert(properties.end(), {entriesProperty<rows>()...});
 }
 
+WindowOutlets& mutableWindowOutlets() {
+    static WindowOutlets outlets;
+    return outlets;
+}
+
 } // namespace
+
+WindowOutlets const& windowOutlets() { return mutableWindowOutlets(); }
+
+void setWindowOutlets(WindowOutlets outlets) { mutableWindowOutlets() = std::move(outlets); }
 
 ClassDescription AppController::describeClass() {
     using Self = AppController;
@@ -127,10 +125,10 @@ ClassDescription AppController::describeClass() {
                 readOnlyProperty<&Self::notice>("notice"),
                 readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
                 outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),
-                outlet<&Self::pathsTableView, &Body::_pathsTableView>("pathsTableView"),
-                outlet<&Self::window, &Body::_window>("window"),
             },
     };
+    for (Property const& property : windowOutlets().properties)
+        description.properties.push_back(property);
     addEntriesProperties(description.properties, std::make_index_sequence<MembershipSources.size()>());
     return description;
 }
@@ -139,6 +137,13 @@ void AppController::initialize() {
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToStringTransformer>(), "BOOLToStringTransformer");
     NSValueTransformer::setValueTransformer_forName_(adopt<BOOLToColorTransformer>(), "BOOLToColorTransformer");
     NSValueTransformer::setValueTransformer_forName_(adopt<InTrashTransformer>(), "InTrashTransformer");
+}
+
+NSArray inventoryOrder() {
+    return NSArray::arrayWithObjects_({
+        NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("version", NO, "compare:"),
+        NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("displayPath", YES, "caseInsensitiveCompare:"),
+    });
 }
 
 AppController AppController::init() const {
@@ -163,10 +168,7 @@ AppController AppController::init() const {
 
 void AppController::awakeFromNib() const {
     if (*this == nil) return;
-    pathsTableView().setSortDescriptors_(NSArray::arrayWithObjects_({
-        NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("version", NO, "compare:"),
-        NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("displayPath", YES, "caseInsensitiveCompare:"),
-    }));
+    windowOutlets().sortTable(*this, inventoryOrder());
     syncMembershipSources(*this);
     startQuery();
 }

@@ -115,8 +115,8 @@ public:
     void queryGatheringProgress_(NSNotification const& notification) const;
     void queryDidFinish_(NSNotification const& notification) const;
     void queryDidUpdate_(NSNotification const& notification) const;
-    // Reads the query's results, then rebuilds the inventory. Progress of more than 2,000 results is taken in step by
-    // step, and the inventory is rebuilt when all are.
+    // Reads the query's results, then rebuilds the inventory. The notifications do so step by step where there are many
+    // results, and the inventory is rebuilt when all are taken in.
     void syncQuery() const;
     // Replaces the disk's paths by those results that exist and are copies of the companion.
     void syncIsOnHarddisk() const;

@@ -5,6 +5,7 @@
 #include "app/Undo.h"
 #include "scripting/ProcessQuitting.h"
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -12,19 +13,24 @@ namespace framekeeper {
 
 class InventorySync;
 
+// How much of a query's results is taken in without a break: what that takes is not felt. A disk that is slow to answer
+// ends a step sooner, after the fewest paths.
+struct SyncStep {
+    std::size_t paths{500};
+    std::size_t fewestPaths{20};
+    std::chrono::milliseconds time{20};
+};
+
 // The controller's data. The order of the fields is that of their destruction reversed; the query goes with the
 // controller and is neither stopped nor are its observers removed.
 class AppController::Body : public ObjectBody {
 public:
-    // How many results of the query are taken in without a break: what that takes is not felt.
-    static constexpr std::size_t PathsInStep = 2000;
-
-    // The pause comes before each look at a copy that was asked to quit.
-    explicit Body(Pause pause = sleepForInterval, std::size_t pathsInStep = PathsInStep)
-        : _pause(std::move(pause)), _pathsInStep(pathsInStep) {}
+    // The pause comes before each look at a copy that was asked to quit. A step is what is taken in of the query's
+    // results without a break.
+    explicit Body(Pause pause = sleepForInterval, SyncStep step = {}) : _pause(std::move(pause)), _step(step) {}
 
     Pause const _pause;
-    std::size_t const _pathsInStep;
+    SyncStep const _step;
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
     // Row by row of MembershipSources.

@@ -15,6 +15,14 @@ NSString withoutLastSlash(NSString const& path) {
     return path.hasSuffix_("/") ? path.substringToIndex_(path.length() - 1) : path;
 }
 
+NSArray resultsOfQuery(AppController const& controller) {
+    NSArray const results = controller.query().results();
+    return results == nil ? NSArray::array() : results;
+}
+
+// Nobody waits for more steps than this one.
+constexpr SyncStep EverythingAtOnce{.paths = SIZE_MAX / 2, .fewestPaths = SIZE_MAX / 2};
+
 void continueLater(AppController const& controller, std::shared_ptr<InventorySync> const& sync) {
     bodyOf(controller)->_sync = sync;
     Weak<AppController> const later(controller);
@@ -25,7 +33,7 @@ void continueLater(AppController const& controller, std::shared_ptr<InventorySyn
         if (!isCurrent) return;
         // An exception of an observer ends the steps.
         bodyOf(alive)->_sync.reset();
-        if (current->advance(alive, bodyOf(alive)->_pathsInStep)) return continueLater(alive, current);
+        if (current->advance(alive, bodyOf(alive)->_step)) return continueLater(alive, current);
         if (std::exchange(bodyOf(alive)->_syncsAgain, false)) syncInSteps(alive);
     });
 }
@@ -41,9 +49,12 @@ NSString InventorySync::pathAt(std::size_t index) const {
     return as<NSString>(item.valueForAttribute_(kMDItemPath));
 }
 
-void InventorySync::look(std::size_t end) {
-    for (; m_looked < end; ++m_looked) {
-        NSString const path = pathAt(m_looked);
+void InventorySync::look(SyncStep const& step) {
+    auto const start = std::chrono::steady_clock::now();
+    std::size_t const end = std::min(pathCount(), m_looked + step.paths);
+    std::size_t const fewest = m_looked + step.fewestPaths;
+    while (m_looked < end && (m_looked < fewest || std::chrono::steady_clock::now() - start < step.time)) {
+        NSString const path = pathAt(m_looked++);
         if (m_found.containsObject_(path) || m_found.containsObject_(withoutLastSlash(path))) continue;
         BundleLook look = lookAtBundle(path);
         if (!isCompanion(look)) continue;
@@ -53,15 +64,15 @@ void InventorySync::look(std::size_t end) {
 }
 
 void InventorySync::setDiskPaths(AppController const& controller) {
-    look(pathCount());
+    look(EverythingAtOnce);
     controller.setIsOnHarddiskPaths_(m_found);
 }
 
-bool InventorySync::advance(AppController const& controller, std::size_t paths) {
+bool InventorySync::advance(AppController const& controller, SyncStep const& step) {
     std::size_t const looked = m_looked;
-    look(std::min(pathCount(), m_looked + paths));
-    paths -= m_looked - looked;
+    look(step);
     if (m_looked < pathCount()) return true;
+    std::size_t const paths = step.paths - (m_looked - looked);
 
     if (!m_builder) {
         // The controller's set may change later.
@@ -75,7 +86,7 @@ bool InventorySync::advance(AppController const& controller, std::size_t paths) 
     if (m_records.count() < m_paths.count()) return true;
 
     for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        m_builder->addMissing(m_records, entriesOf(controller, row));
+        m_builder->addMissing(m_records, m_found, entriesOf(controller, row));
     controller.setPaths_(m_records);
     return false;
 }
@@ -85,7 +96,13 @@ void syncInSteps(AppController const& controller) {
         bodyOf(controller)->_syncsAgain = true;
         return;
     }
-    continueLater(controller, std::make_shared<InventorySync>(controller.query().results()));
+    auto const sync = std::make_shared<InventorySync>(resultsOfQuery(controller));
+    if (sync->advance(controller, bodyOf(controller)->_step)) continueLater(controller, sync);
+}
+
+void syncAtOnce(AppController const& controller) {
+    cancelSteps(controller);
+    InventorySync(resultsOfQuery(controller)).advance(controller, EverythingAtOnce);
 }
 
 void restartSteps(AppController const& controller) {

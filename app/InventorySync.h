@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/AppControllerBody.h"
 #include "app/RecordBuilding.h"
 #include <optional>
 #include <vector>
@@ -17,15 +18,15 @@ public:
     explicit InventorySync(NSArray const& results, NSArray const& keptPaths = nil)
         : m_results(results), m_keptPaths(keptPaths) {}
 
-    // Looks at, or makes records of, so many paths at most. False when the inventory is set.
-    bool advance(AppController const& controller, std::size_t paths);
+    // Looks at, or makes records of, as many paths as the step has at most. False when the inventory is set.
+    bool advance(AppController const& controller, SyncStep const& step);
     // The disk's paths alone, all at once.
     void setDiskPaths(AppController const& controller);
 
 private:
     std::size_t pathCount() const;
     NSString pathAt(std::size_t index) const;
-    void look(std::size_t end);
+    void look(SyncStep const& step);
 
     NSArray m_results;
     NSArray m_keptPaths;
@@ -38,9 +39,11 @@ private:
     NSMutableSet m_records = NSMutableSet::set();
 };
 
-// Does the same in steps of the controller's size, between which the main thread handles what the user does. Asked for
-// while steps are under way, it starts anew when they are done.
+// Does the same in steps of the controller's size, the first of them at once, and between them the main thread handles
+// what the user does. Asked for while steps are under way, it starts anew when they are done.
 void syncInSteps(AppController const& controller);
+// Does it in one step, whatever steps are under way.
+void syncAtOnce(AppController const& controller);
 // Steps under way start anew, since something was changed that they may have looked at. The controller's disk paths are
 // kept, as far as there are still copies at them.
 void restartSteps(AppController const& controller);

@@ -114,12 +114,13 @@ void AppController::reSync() const {
     if (*this == nil) return;
     NSMutableSet const records = NSMutableSet::set();
     RecordBuilder builder(*this);
-    for (id const& element : isOnHarddiskPaths().allObjects()) {
+    NSSet const onDisk = isOnHarddiskPaths();
+    for (id const& element : onDisk.allObjects()) {
         NSString const path = as<NSString>(element);
         builder.add(records, path, lookAtBundle(path));
     }
     for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        builder.addMissing(records, entriesOf(*this, row));
+        builder.addMissing(records, onDisk, entriesOf(*this, row));
     setPaths_(records);
     restartSteps(*this);
 }

@@ -125,13 +125,16 @@ void RecordBuilder::add(NSMutableSet const& records, NSString const& path, Bundl
     add(records, path, look, objects);
 }
 
-void RecordBuilder::addMissing(NSMutableSet const& records, NSSet const& entries) {
-    if (entries.count() == 0) return;
-    NSSet const known = as<NSSet>(records.valueForKey_("path"));
+void RecordBuilder::addMissing(NSMutableSet const& records, NSSet const& diskPaths, NSSet const& entries) {
+    std::vector<NSString> added;
     for (id const& entry : entries.allObjects()) {
         NSString const path = as<NSString>(entry.valueForKey_("path"));
-        if (!known.containsObject_(path)) add(records, path, lookAtBundle(path));
+        if (diskPaths.containsObject_(path) || m_added.containsObject_(path)) continue;
+        add(records, path, lookAtBundle(path));
+        if (path != nil) added.push_back(path);
     }
+    for (NSString const& path : added)
+        m_added.addObject_(path);
 }
 
 bool isCompanion(BundleLook const& look) {

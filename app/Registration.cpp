@@ -3,11 +3,25 @@
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
 #include "app/InTrashTransformer.h"
+#include "app/Outlets.h"
 #include "platform/foundation/Method.h"
 
 namespace framekeeper {
 
+namespace {
+
+void useWindow() {
+    setWindowOutlets({{outlet<&AppController::pathsTableView, &AppController::Body::_pathsTableView>("pathsTableView"),
+                       outlet<&AppController::window, &AppController::Body::_window>("window")},
+                      [](AppController const& controller, NSArray const& descriptors) {
+                          controller.pathsTableView().setSortDescriptors_(descriptors);
+                      }});
+}
+
+} // namespace
+
 void registerApp() {
+    useWindow();
     registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer, InTrashTransformer>();
 }
 

@@ -1,19 +1,15 @@
 #include "app/AppController.h"
-#include "app/AppControllerBody.h"
 #include "app/InventorySync.h"
-#include <limits>
 
 namespace framekeeper {
 
-void AppController::queryDidStart_(NSNotification const&) const { syncQuery(); }
+// In steps, so that Stop is never out of reach.
+void AppController::queryDidStart_(NSNotification const&) const {
+    if (*this != nil) syncInSteps(*this);
+}
 
-// Takes in at most as many results as one step has, so that Stop is never out of reach.
 void AppController::queryGatheringProgress_(NSNotification const&) const {
-    if (*this == nil) return;
-    if (query().resultCount() > bodyOf(*this)->_pathsInStep)
-        syncInSteps(*this);
-    else
-        syncQuery();
+    if (*this != nil) syncInSteps(*this);
 }
 
 void AppController::queryDidFinish_(NSNotification const&) const {}
@@ -21,11 +17,7 @@ void AppController::queryDidFinish_(NSNotification const&) const {}
 void AppController::queryDidUpdate_(NSNotification const&) const {}
 
 void AppController::syncQuery() const {
-    if (*this == nil) return;
-    cancelSteps(*this);
-    NSArray const results = query().results();
-    InventorySync sync(results == nil ? NSArray::array() : results);
-    while (sync.advance(*this, std::numeric_limits<std::size_t>::max() / 2)) {}
+    if (*this != nil) syncAtOnce(*this);
 }
 
 void AppController::syncIsOnHarddisk() const {

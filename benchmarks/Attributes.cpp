@@ -44,7 +44,8 @@ std::size_t readValue(char const* path, char const* name) {
 
 std::size_t readAll(char const* path) {
     std::ptrdiff_t const length = mac::listxattr(path, nullptr, 0, 0);
-    std::string names(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    if (length < 1) return 0;
+    std::string names(static_cast<std::size_t>(length), '\0');
     if (mac::listxattr(path, names.data(), names.size(), 0) != length) return 0;
     std::size_t bytes = 0;
     for (std::size_t place = 0; place < names.size(); place = names.find('\0', place) + 1)

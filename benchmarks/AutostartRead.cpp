@@ -4,11 +4,9 @@
 #include "platform/preferences/CFPreferences.h"
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -24,17 +22,6 @@ using namespace benchmarks;
 constexpr int Rounds = 31;
 constexpr int Entries = 500;
 constexpr double Allowed = 3;
-
-double processorSecondsOf(std::function<void()> const& function) {
-    auto const now = [] {
-        timespec time{};
-        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-    };
-    double const before = now();
-    function();
-    return now() - before;
-}
 
 // Entries like those that programs install, each of a program of its own.
 void makeEntries(std::filesystem::path const& folder) {

@@ -2,12 +2,24 @@
 #include "tests/support/Spawn.h"
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
 namespace benchmarks {
+
+double processorSecondsOf(std::function<void()> const& function) {
+    auto const now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+    };
+    double const before = now();
+    function();
+    return now() - before;
+}
 
 int startProgram(std::vector<std::string> const& words) {
     int const nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);

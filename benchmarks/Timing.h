@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ double secondsOf(Function const& function) {
     function();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
+
+// By the time that this process has spent on the processors, in which other programs play no part.
+double processorSecondsOf(std::function<void()> const& function);
 
 // There must be at least one value.
 inline double median(std::vector<double> values) {

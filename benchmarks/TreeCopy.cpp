@@ -106,9 +106,10 @@ struct Pair {
     double theirs = 0;
 };
 
-// What was written before is not to be written while the next one runs.
-double settledSecondsOf(auto const& function) {
-    ::sync();
+// What was written to the volume before is not to be written while the next one runs.
+double settledSecondsOf(std::string const& folder, auto const& function) {
+    FileDescriptor const opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!opened.isOpen() || ::syncfs(opened.number()) != 0) end(folder, errno);
     return secondsOf(function);
 }
 
@@ -160,8 +161,10 @@ int main(int count, char** arguments) {
         for (bool const isOurs : {isFirst, !isFirst}) {
             double& copied = isOurs ? copy.ours : copy.theirs;
             double& removed = isOurs ? removal.ours : removal.theirs;
-            copied = settledSecondsOf([&] { isOurs ? copyTree(tree, ours) : runProgram({"cp", "-a", tree, theirs}); });
-            removed = settledSecondsOf([&] { isOurs ? deleteTree(ours) : runProgram({"rm", "-rf", theirs}); });
+            copied = settledSecondsOf(top, [&] {
+                isOurs ? copyTree(tree, ours) : runProgram({"cp", "-a", tree, theirs});
+            });
+            removed = settledSecondsOf(top, [&] { isOurs ? deleteTree(ours) : runProgram({"rm", "-rf", theirs}); });
         }
         copying.add(round, copy);
         removing.add(round, removal);

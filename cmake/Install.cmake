@@ -35,7 +35,7 @@ endfunction()
 framekeeper_with_included(public_headers ${headers} ${library_headers})
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/)
 
-add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_library>)
+add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_operations> $<TARGET_OBJECTS:framekeeper_library>)
 foreach(room IN LISTS rooms)
   target_sources(framekeeper_shared PRIVATE $<TARGET_OBJECTS:${room}>)
   get_target_property(hidden ${room} FRAMEKEEPER_HIDES)
@@ -48,26 +48,32 @@ set_target_properties(
   PROPERTIES OUTPUT_NAME framekeeper
              EXPORT_NAME framekeeper
              VERSION ${PROJECT_VERSION}
-             # Until 1.0 every minor version may change what programs were built against; so says the version file, too.
-             SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+             # What programs were built against stays as it is while this number does; so says the version file, too.
+             SOVERSION ${PROJECT_VERSION_MAJOR})
+# What the installed headers declare is exported, and nothing else (scripts/exported-symbols).
+set(exported ${PROJECT_SOURCE_DIR}/packaging/libframekeeper.map)
+target_link_options(framekeeper_shared PRIVATE -Wl,--version-script=${exported})
+set_target_properties(framekeeper_shared PROPERTIES LINK_DEPENDS ${exported})
 target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
-framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_library)
+framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_operations framekeeper_library)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
 install(
   TARGETS framekeeper_shared
   EXPORT Framekeeper
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framekeeper)
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framekeeper COMPONENT development)
 # What autostart entries written by the library may start.
-install(TARGETS framekeeper-login DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
-install(EXPORT Framekeeper FILE FramekeeperConfig.cmake NAMESPACE Framekeeper:: DESTINATION ${package_folder})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake DESTINATION ${package_folder})
+install(TARGETS framekeeper-login DESTINATION ${CMAKE_INSTALL_LIBEXECDIR} COMPONENT library)
+install(EXPORT Framekeeper FILE FramekeeperConfig.cmake NAMESPACE Framekeeper:: DESTINATION ${package_folder}
+        COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake DESTINATION ${package_folder}
+        COMPONENT development)
 
 # Relative to the file itself, so that the installed tree may be moved.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig
            OUTPUT_VARIABLE FRAMEKEEPER_PREFIX_FROM_PKGCONFIG)
 configure_file(packaging/framekeeper.pc.in ${PROJECT_BINARY_DIR}/framekeeper.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/framekeeper.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/framekeeper.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,10 +1,12 @@
 #include "coreutils/DisclaimerAndViews.h"
+#include "coreutils/Registration.h"
 #include "pathutils/FinderMetadata.h"
 #include "pathutils/PathRelations.h"
 #include "platform/appkit/NSAlert.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/files/FileOperations.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/foundation/Method.h"
 #include "platform/foundation/NSBundle.h"
 #include "platform/foundation/NSFileManager.h"
 #include "platform/foundation/NSNumber.h"
@@ -154,6 +156,22 @@ void pxRemovePathAfterNotBusy_(id receiver, NSString path) {
     if (receiver == nil || !KRPathGetFSRef_traverseLink_(path, &ref, NO)) return;
     if (FSDeleteObject(&ref) != fBsyErr) return;
     performSelector_withObject_afterDelay_(receiver, "pxRemovePathAfterNotBusy:", path, BusyRetryDelay);
+}
+
+void registerDisclaimerAndViews() {
+    addCategory<NSObject>({
+        method<&pxRunDisclaimer>("pxRunDisclaimer"),
+        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
+        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
+        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
+    });
+    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
+    addCategory<NSManagedObject>({
+        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
+        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
+        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
+    });
+    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
 }
 
 } // namespace mac

@@ -2,7 +2,6 @@
 #include "coreutils/ArrayLookups.h"
 #include "coreutils/Collections.h"
 #include "coreutils/DeferredPerforming.h"
-#include "coreutils/DisclaimerAndViews.h"
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
@@ -106,22 +105,6 @@ void registerIconsAndDates() {
                         {classMethod<&pxDateWithUTCDateTime_>("pxDateWithUTCDateTime:")});
 }
 
-void registerDisclaimerAndViews() {
-    addCategory<NSObject>({
-        method<&pxRunDisclaimer>("pxRunDisclaimer"),
-        method<&pxSetValueFromPrimitive_forKey_>("pxSetValueFromPrimitive:forKey:"),
-        method<&pxSetValuesFromPrimitive_forKeys_>("pxSetValuesFromPrimitive:forKeys:"),
-        method<&pxRemovePathAfterNotBusy_>("pxRemovePathAfterNotBusy:"),
-    });
-    addCategory<NSBox>({method<&pxSetTitleHidden_>("pxSetTitleHidden:")});
-    addCategory<NSManagedObject>({
-        method<&pxSetPrimitiveValueFrom_forKey_>("pxSetPrimitiveValueFrom:forKey:"),
-        method<&pxSetPrimitiveValuesFrom_forKeys_>("pxSetPrimitiveValuesFrom:forKeys:"),
-        method<&pxSetPrimitiveValuesFrom_>("pxSetPrimitiveValuesFrom:"),
-    });
-    addCategory<NSArray>({}, {classMethod<&pxArrayWithInstalledSoundNames>("pxArrayWithInstalledSoundNames")});
-}
-
 void registerLogging() {
     addCategory<NSBundle>({
         method<&pxLogFilePathWithAppendingToName_>("pxLogFilePathWithAppendingToName:"),
@@ -157,7 +140,6 @@ void registerCoreUtils() {
     registerCollections();
     registerKeyValueOperations();
     registerIconsAndDates();
-    registerDisclaimerAndViews();
 }
 
 } // namespace mac

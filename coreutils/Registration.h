@@ -2,8 +2,10 @@
 
 namespace mac {
 
-// Adds this room's operations to the framework's classes, so that they can be sent by selector. A second call changes
+// Add this room's operations to the framework's classes, so that they can be sent by selector. A second call changes
 // nothing. Called before main, see platform/foundation/Registration.h.
 void registerCoreUtils();
+// Those of DisclaimerAndViews.h, which need windows.
+void registerDisclaimerAndViews();
 
 } // namespace mac

@@ -4,6 +4,7 @@
 #include "platform/foundation/PropertyListOldStyle.h"
 #include "platform/foundation/PropertyListText.h"
 #include "platform/foundation/PropertyListXML.h"
+#include "platform/foundation/PropertyListXMLPlain.h"
 #include "tests/platform/foundation/PropertyListDump.h"
 #include <functional>
 
@@ -79,9 +80,22 @@ std::string complaintAbout(Reader const& read, bool comesFromXML) {
     return complaint.empty() ? complaintAboutXMLOf(list.value(), comesFromXML) : complaint;
 }
 
+// A plain list must be the one that the parser reads, which a comment behind it brings about.
+std::string complaintAboutPlainXML(std::span<std::byte const> bytes) {
+    Result<std::u16string, Failure> const text = decodePropertyListText(bytes);
+    if (!text.hasValue()) return "";
+    std::optional<id> const plain = readPlainPropertyListXML(text.value(), NSPropertyListImmutable);
+    if (!plain || isLarge(*plain)) return "";
+    Result<id, Failure> const read = readPropertyListXML(text.value() + u"<!-- -->", NSPropertyListImmutable);
+    if (!read.hasValue()) return "the parser cannot read the plain list: " + read.problem().reason;
+    return dump(read.value()) == dump(*plain) ? "" : "the plain list is another one";
+}
+
 } // namespace
 
 std::string complaintAboutXML(std::span<std::byte const> bytes) {
+    std::string const complaint = complaintAboutPlainXML(bytes);
+    if (!complaint.empty()) return complaint;
     return complaintAbout(
         [bytes](NSPropertyListMutabilityOptions option) { return readText(bytes, option, readPropertyListXML); }, true);
 }

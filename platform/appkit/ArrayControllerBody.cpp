@@ -111,17 +111,17 @@ NSArrayController::Body::Reading NSArrayController::Body::read(id const& content
     return result;
 }
 
-NSArrayController::Body::Reading NSArrayController::Body::readAnew(NSArray const& criteria) const {
+NSArrayController::Body::Reading NSArrayController::Body::readAnew() const {
     Reading result{m_entries, std::vector<std::size_t>(m_entries.size(), KeptOrder::None), {}};
-    SortValueReader const sortValues(criteria);
+    SortValueReader const sortValues(m_descriptors);
     result.sortValues.reserve(result.entries.size() * sortValues.width());
     for (Entry const& entry : result.entries)
         sortValues.append(result.sortValues, entry.object);
     return result;
 }
 
-NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading, NSArray const& criteria) const {
-    auto [order, values] = m_order.sort(std::move(reading.sortValues), reading.formerPlaces, criteria);
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading) const {
+    auto [order, values] = m_order.sort(std::move(reading.sortValues), reading.formerPlaces, m_descriptors);
     Sorted result{{}, std::move(values)};
     result.entries.reserve(reading.entries.size());
     for (std::size_t const index : order)
@@ -129,7 +129,14 @@ NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading,
     return result;
 }
 
-NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sorted, NSPredicate const& filter) const {
+NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sorted) const {
+    return arrange(std::move(sorted), [this](std::size_t, Entry const& entry) {
+        return m_filter == nil || m_filter.evaluateWithObject_(entry.object);
+    });
+}
+
+NSArrayController::Body::Arrangement
+NSArrayController::Body::arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const {
     std::vector<Entry>& entries = sorted.entries;
     IdentityPlaces awaited(m_identityKeyPath != nil, m_awaited.size());
     for (id const& identity : m_awaited)
@@ -137,8 +144,9 @@ NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sor
     Arrangement result;
     result.arranged.reserve(entries.size());
     result.previousRows.reserve(entries.size());
-    for (Entry& entry : entries) {
-        if (filter != nil && !filter.evaluateWithObject_(entry.object)) {
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        Entry& entry = entries[index];
+        if (!passes(index, entry)) {
             entry.row = NSNotFound;
             entry.isSelected = false;
             continue;
@@ -182,11 +190,16 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     discarded.push_back(std::move(formerContent));
     discarded.push_back(std::exchange(m_previouslyArranged, nil));
     m_discarded.add(std::move(discarded));
+    if (m_upcoming) {
+        // It was read of what was shown before.
+        m_upcoming = Upcoming{.criteria = std::move(m_upcoming->criteria)};
+        advanceLater();
+    }
     raise(raised);
 }
 
 void NSArrayController::Body::setContent(id const& content) {
-    Arrangement arrangement = arrange(sorted(read(content), m_descriptors), m_filter);
+    Arrangement arrangement = arrange(sorted(read(content)));
     if (content == nil) {
         for (Entry const& entry : m_entries) {
             if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
@@ -198,23 +211,7 @@ void NSArrayController::Body::setContent(id const& content) {
 }
 
 void NSArrayController::Body::rearrange() {
-    show(arrange(sorted(readAnew(m_descriptors), m_descriptors), m_filter), [] {}, {});
-}
-
-void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
-    NSMutableArray const kept = NSMutableArray::array();
-    for (id const& descriptor : descriptors) {
-        if (descriptor.isKindOfClass_(classOf<NSSortDescriptor>())) kept.addObject_(descriptor);
-    }
-    static constexpr char const* keys[]{"sortDescriptors"};
-    show(
-        arrange(sorted(readAnew(kept), kept), m_filter), [&] { m_descriptors = NSArray::arrayWithArray_(kept); }, keys);
-}
-
-void NSArrayController::Body::setFilterPredicate(NSPredicate const& predicate) {
-    static constexpr char const* keys[]{"filterPredicate"};
-    show(
-        arrange({m_entries, m_order.values()}, predicate), [&] { m_filter = predicate; }, keys);
+    show(arrange(sorted(readAnew())), [] {}, {});
 }
 
 void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {

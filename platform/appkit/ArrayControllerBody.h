@@ -4,7 +4,11 @@
 #include "platform/appkit/KeyPathObserver.h"
 #include "platform/appkit/LateRelease.h"
 #include "platform/appkit/NSArrayController.h"
+#include "platform/foundation/ValueOrder.h"
+#include <QTimer>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -27,6 +31,20 @@ public:
     void setFilterPredicate(NSPredicate const& predicate);
     NSString const& identityKeyPath() const { return m_identityKeyPath; }
     void setIdentityKeyPath(NSString const& keyPath);
+
+    // Another order, another filter or both; nullopt: stays as it is.
+    struct Criteria {
+        std::optional<NSArray> sortDescriptors{};
+        std::optional<NSPredicate> filter{};
+    };
+    // So many objects are filtered or sorted without a break: what that takes is not felt.
+    static constexpr std::size_t RowsInStep = 10'000;
+    // Does what the two setters do, for what the user asks for. With more objects than a step has, the event loop works
+    // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it, and a
+    // content that is set meanwhile is shown as before at first.
+    void changeInSteps(Criteria criteria);
+    // Those asked for by changeInSteps, else those in force.
+    NSArray const& wantedSortDescriptors() const;
 
     NSUInteger contentCount() const { return static_cast<NSUInteger>(m_entries.size()); }
     NSArray selectedObjects() const;
@@ -71,16 +89,36 @@ private:
         std::vector<id> values;
     };
 
+    // What changeInSteps has under way. Rows are those of m_entries.
+    struct Upcoming {
+        Criteria criteria{};
+        // One value for each criterion of the order, object after object; only with another order.
+        std::vector<id> sortValues{};
+        std::unique_ptr<RowOrdering> ordering{};
+        // How many objects have been read, and which of them pass the filter.
+        std::size_t read{0};
+        std::vector<bool> passes{};
+    };
+
     id self() { return id::retain(this); }
     Entry makeEntry(id const& object) const;
     Reading read(id const& content) const;
-    // The entries that there are, by other criteria or changed in place.
-    Reading readAnew(NSArray const& criteria) const;
-    Sorted sorted(Reading reading, NSArray const& criteria) const;
-    Arrangement arrange(Sorted sorted, NSPredicate const& filter) const;
+    // The entries that there are, which may have changed in place.
+    Reading readAnew() const;
+    Sorted sorted(Reading reading) const;
+    // The filter answers of each entry whether it passes.
+    Arrangement arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const;
+    Arrangement arrange(Sorted sorted) const;
     void show(Arrangement arrangement, std::function<void()> const& changeFurther,
               std::span<char const* const> furtherKeys);
     void readBinding();
+    void change(Criteria criteria);
+    void advanceLater();
+    // False while there is more to do.
+    bool advance();
+    bool readSortValues();
+    bool filterSome();
+    void showUpcoming();
 
     id m_content;
     std::vector<Entry> m_entries;
@@ -89,6 +127,9 @@ private:
     NSArray m_descriptors{NSArray::array()};
     NSPredicate m_filter;
     NSString m_identityKeyPath;
+    std::optional<Upcoming> m_upcoming;
+    // Sends the steps; null before the first.
+    std::unique_ptr<QTimer> m_steps;
     std::vector<NSUInteger> m_selectedRows;
     // Identities of what was selected when the content became unknown.
     std::vector<id> m_awaited;

@@ -1,4 +1,5 @@
 #include "platform/appkit/DisplayConnection.h"
+#include "platform/desktop/X11Display.h"
 #include <algorithm>
 #include <condition_variable>
 #include <cstdio>
@@ -43,15 +44,15 @@ void catchFatalMessage(QtMsgType type, QMessageLogContext const&, QString const&
 }
 
 // A display that takes the connection and then keeps silent would hold the program for ever.
-class Patience {
+class DisplayWatch {
 public:
-    explicit Patience(std::chrono::milliseconds limit)
+    explicit DisplayWatch(std::chrono::milliseconds limit)
         : m_watch([this, limit] {
               std::unique_lock lock(m_mutex);
               if (!m_ended.wait_for(lock, limit, [this] { return m_isOver; }))
                   endWithoutDisplay(displayInWords() + " does not answer.");
           }) {}
-    ~Patience() {
+    ~DisplayWatch() {
         {
             std::lock_guard const lock(m_mutex);
             m_isOver = true;
@@ -59,8 +60,8 @@ public:
         m_ended.notify_one();
         m_watch.join();
     }
-    Patience(Patience const&) = delete;
-    Patience& operator=(Patience const&) = delete;
+    DisplayWatch(DisplayWatch const&) = delete;
+    DisplayWatch& operator=(DisplayWatch const&) = delete;
 
 private:
     std::mutex m_mutex;
@@ -105,7 +106,7 @@ std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv, std::chro
     QtMessageHandler const before = qInstallMessageHandler(&catchFatalMessage);
     std::unique_ptr<QApplication> application;
     {
-        Patience const watch(patience);
+        DisplayWatch const watch(patience);
         application = std::make_unique<QApplication>(argc, argv);
     }
     qInstallMessageHandler(before);
@@ -117,9 +118,8 @@ bool isDisplayThere() {
         bool const isPath = wayland.starts_with('/');
         return takesConnections(isPath ? wayland : environment("XDG_RUNTIME_DIR") + "/" + wayland);
     }
-    std::string const display = environment("DISPLAY");
-    if (!display.starts_with(':')) return false;
-    return takesConnections("/tmp/.X11-unix/X" + display.substr(1, display.find('.') - 1));
+    // A display that takes the connection and keeps silent would hold the toolkit, which then ends the process.
+    return X11Display::open() != nullptr;
 }
 
 } // namespace mac

@@ -12,7 +12,8 @@ namespace mac {
 std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv,
                                                std::chrono::milliseconds patience = std::chrono::seconds(15));
 
-// Whether a display of this computer, as the environment names it, takes connections now. Any thread.
+// Whether the display that the environment names takes connections now and, unless it is a Wayland display, answers
+// within the thread's patience. Any thread.
 bool isDisplayThere();
 
 } // namespace mac

@@ -1,4 +1,5 @@
 #include "platform/appkit/InterfaceFile.h"
+#include "platform/appkit/ArrayControllerBody.h"
 #include "platform/appkit/BoundText.h"
 #include "platform/appkit/FilterPredicate.h"
 #include "platform/appkit/FormReader.h"
@@ -216,7 +217,7 @@ void InterfaceFile::connectFilter(QLineEdit* field) {
         return;
     }
     QObject::connect(field, &QLineEdit::textChanged, &m_connections, [rows, keyPaths](QString const& text) {
-        guarded([&] { rows.setFilterPredicate_(predicateFor(text, keyPaths)); });
+        guarded([&] { bodyOf(rows)->changeInSteps({.filter = predicateFor(text, keyPaths)}); });
     });
 }
 

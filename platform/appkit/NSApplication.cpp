@@ -64,10 +64,29 @@ private:
     Stage m_stage{Stage::NotRun};
 };
 
+namespace {
+
+// The toolkit's application lives as long as the process: what would end it ends after the toolkit's own static data.
+void connectForever() {
+    static int argc = 1;
+    static char name[] = "application";
+    static char* argv[]{name, nullptr};
+    static_cast<void>(connectToDisplay(argc, argv).release());
+}
+
+// A display that does not answer is not tried: the toolkit would end the process.
+void connectToDisplayThere() {
+    if (!isDisplayThere()) return;
+    connectForever();
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
+} // namespace
+
 void registerViews() {
     registerClasses<NSAlert, NSApplication, NSBox, NSButton, NSControl, NSView>();
-    // A program that never made an application object has dialogs, too, if there is a display and if its event loop was
-    // not made before. A display that does not answer is not tried: the toolkit would end the process.
+    // A program that never made an application object has dialogs, too, if there is a display.
+    setEventLoopSource(connectToDisplayThere);
     setUserInterfaceSource([] {
         if (isDisplayThere()) NSApplication::sharedApplication();
     });
@@ -92,12 +111,7 @@ ClassDescription NSApplication::describeClass() {
 
 NSApplication NSApplication::sharedApplication() {
     static NSApplication const application = [] {
-        static int argc = 1;
-        static char name[] = "application";
-        static char* argv[]{name, nullptr};
-        // It lives as long as the process: what would end it ends after the toolkit's own static data.
-        if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
-            static_cast<void>(connectToDisplay(argc, argv).release());
+        if (!qobject_cast<QApplication*>(QCoreApplication::instance())) connectForever();
         requireEventLoop();
         return adopt<NSApplication>();
     }();

@@ -1,4 +1,5 @@
 #include "platform/appkit/ArrayControllerBody.h"
+#include "platform/appkit/Registration.h"
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Method.h"
 
@@ -34,6 +35,8 @@ void requireContentBinding(NSString const& binding) {
 }
 
 } // namespace
+
+void registerArrangement() { registerClasses<NSArrayController>(); }
 
 ClassDescription NSArrayController::describeClass() {
     using Self = NSArrayController;

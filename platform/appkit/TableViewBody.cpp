@@ -50,7 +50,7 @@ NSTableView::Body::Body(QTableView* view, std::vector<TableColumn> columns, NSAr
     };
     observe("arrangedObjects", &Body::followRows);
     observe("selectedObjects", &Body::followSelection);
-    observe("sortDescriptors", &Body::showOrder);
+    observe("sortDescriptors", &Body::followOrder);
     followRows();
     showOrder();
 }
@@ -93,7 +93,6 @@ void NSTableView::Body::connectView() {
 }
 
 void NSTableView::Body::setSortDescriptors(NSArray const& descriptors) {
-    KeyChange const change(id::retain(this), "sortDescriptors");
     m_controller.setSortDescriptors_(descriptors);
 }
 
@@ -101,7 +100,7 @@ void NSTableView::Body::sortByColumn(int column) {
     NSSortDescriptor const wanted = m_model.columns()[static_cast<std::size_t>(column)].sortDescriptor;
     if (wanted == nil) return;
     std::vector<id> descriptors{wanted};
-    NSArray const present = m_controller.sortDescriptors();
+    NSArray const present = bodyOf(m_controller)->wantedSortDescriptors();
     for (NSUInteger i = 0; i < present.count(); ++i) {
         NSSortDescriptor const older = as<NSSortDescriptor>(present.objectAtIndex_(i));
         bool const isSameCriterion = wanted.key().isEqual_(older.key()) && wanted.selector() == older.selector();
@@ -110,7 +109,12 @@ void NSTableView::Body::sortByColumn(int column) {
         else if (i == 0)
             descriptors[0] = older.reversedSortDescriptor();
     }
-    setSortDescriptors(NSArray::arrayWithVector(std::move(descriptors)));
+    bodyOf(m_controller)->changeInSteps({.sortDescriptors = NSArray::arrayWithVector(std::move(descriptors))});
+}
+
+void NSTableView::Body::followOrder() {
+    KeyChange const change(id::retain(this), "sortDescriptors");
+    showOrder();
 }
 
 void NSTableView::Body::showOrder() {

@@ -39,6 +39,8 @@ private:
     void moveKeyboardToStayingRow(std::vector<bool> const& stays);
     void followSelection();
     void selectAsInView();
+    // The table's order is that of its array controller.
+    void followOrder();
     void showOrder();
     Anchor anchor(std::vector<bool> const& stays) const;
     void restore(Anchor const& anchor);

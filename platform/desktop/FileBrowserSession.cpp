@@ -27,6 +27,15 @@ DesktopProblem noFileBrowser() { return {NoApplication, "The desktop has no defa
 
 DesktopProblem noTimeLeft() { return {NoAnswer, "The file browser has not answered before, and is not asked again"}; }
 
+DesktopProblem silentBus() { return {NoAnswer, "The session bus does not answer"}; }
+
+bool isTimeOver() { return Patience::left() <= std::chrono::milliseconds::zero(); }
+
+bool isBusSilent() {
+    Patience const patience;
+    return !isFileBrowserServiceOffered() && isTimeOver();
+}
+
 DesktopProblem nothingAtPath() { return {NotThere, "There is nothing at the path"}; }
 
 std::optional<DesktopProblem> problemOf(Paths const& paths) {
@@ -87,8 +96,8 @@ DesktopResult<FileBrowserSession::Way> FileBrowserSession::reach() const {
     if (!browser) return noFileBrowser();
     std::optional<ProgramStart> const command = serviceCommandOf(*browser);
     if (!command) return Way::ByCommand;
-    if (!isOffered) return noSessionBus();
-    if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
+    if (!isOffered) return isTimeOver() ? silentBus() : noSessionBus();
+    if (isTimeOver()) return noTimeLeft();
     DesktopResult<std::int32_t> const started = startProgram(*command);
     if (!started.hasValue()) return started.problem();
     DesktopOutcome const outcome =
@@ -99,7 +108,7 @@ DesktopResult<FileBrowserSession::Way> FileBrowserSession::reach() const {
 DesktopOutcome FileBrowserSession::show(FileBrowserRequest request, Paths const& paths) const {
     if (std::optional<DesktopProblem> const problem = problemOf(paths)) return *problem;
     Patience const patience;
-    if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
+    if (isTimeOver()) return noTimeLeft();
     DesktopOutcome outcome = ask(request, paths);
     // A time-out may be a moment early.
     if (!outcome.isDone() && outcome.problem().kind == NoAnswer) Patience::end();
@@ -116,7 +125,7 @@ DesktopOutcome FileBrowserSession::ask(FileBrowserRequest request, Paths const& 
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
     for (std::string const& folder : foldersToShow(request, paths)) {
-        if (Patience::left() <= std::chrono::milliseconds::zero()) return noTimeLeft();
+        if (isTimeOver()) return noTimeLeft();
         DesktopOutcome outcome = startApplication(browser->application, {folder});
         if (!outcome.isDone()) return outcome;
     }
@@ -155,10 +164,11 @@ DesktopOutcome FileBrowserSession::start(FileBrowser const& browser) const {
     std::optional<ProgramStart> const service = serviceCommandOf(browser);
     bool const isService = service && service->executable == browser.application.executable;
     if (!isService || !isFileBrowserServiceOffered()) return {};
-    return waitForFileBrowserService(started.value(), m_timeouts.start);
+    return waitForFileBrowserService(started.value(), std::min(m_timeouts.start, Patience::left()));
 }
 
 DesktopOutcome FileBrowserSession::launch() const {
+    Patience const patience;
     std::optional<FileBrowser> const browser = defaultFileBrowser();
     if (!browser) return noFileBrowser();
     bool const isWanted = processesOf(*browser).empty() || isProcessMissing(*browser);
@@ -166,6 +176,7 @@ DesktopOutcome FileBrowserSession::launch() const {
 }
 
 DesktopOutcome FileBrowserSession::activate() const {
+    Patience const patience;
     DesktopOutcome outcome = launch();
     if (!outcome.isDone() || bringFileBrowserToFront()) return outcome;
     return openFolders({ownHomeFolder()});
@@ -176,6 +187,8 @@ DesktopOutcome FileBrowserSession::quit() const {
     if (!browser) return noFileBrowser();
     std::vector<ProcessIdentity> const processes = processesOf(*browser);
     std::vector<FileDescriptor> const open = openProcesses(processes);
+    // A command that asks the browser by a bus that hangs would be obeyed as soon as the bus wakes up.
+    if (!processes.empty() && isBusSilent()) return silentBus();
     Clock::time_point const end = Clock::now() + m_timeouts.quit;
     // A browser with a way of its own gets no signal besides: it may have to finish something, or ask the user.
     askToQuit(*browser, processes);

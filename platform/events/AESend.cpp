@@ -15,6 +15,7 @@ namespace {
 constexpr AESendMode ReplyModes = 3;
 
 std::atomic<QuitRequest> s_unansweredQuitHandler{askToEnd};
+std::atomic<EventStandIn> s_eventStandIn{nullptr};
 
 EventDeadline deadlineIn(std::int32_t ticks) {
     constexpr std::int32_t ticksOfDefault = 60 * 60;
@@ -68,6 +69,22 @@ private:
     std::shared_ptr<PendingReply> m_pending;
 };
 
+// The reply in place of a process that receives no events; nullopt if there is none.
+std::optional<AppleEvent> replyInPlaceOf(ProcessIdentity const& process, AppleEvent const& event) {
+    if (isQuit(event)) return s_unansweredQuitHandler.load()(process) ? std::optional(makeReply(event)) : std::nullopt;
+    EventStandIn const standIn = s_eventStandIn.load();
+    return standIn ? standIn(event, process) : std::nullopt;
+}
+
+// Hands the reply over as the mode says, and answers the status of the sending.
+OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
+    if (mode == kAEWaitReply) reply = answer;
+    if (mode == kAEQueueReply) enqueueAnswer(answer);
+    if (mode != kAENoReply) return noErr;
+    AEDesc const* const error = findEntry(contentsOf(answer).entries, keyErrorNumber);
+    return error ? valueOf<std::int32_t>(*error, typeSInt32).value_or(errAEEventFailed) : noErr;
+}
+
 OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, Wait const& wait,
                        AppleEvent& reply) {
     Result<std::vector<std::byte>, Failure> flat = flattened(event);
@@ -84,10 +101,9 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;
-    if (outcome->hasNoEndpoint && isQuit(event) && s_unansweredQuitHandler.load()(process)) {
-        if (mode == kAEWaitReply) reply = makeReply(event);
-        if (mode == kAEQueueReply) enqueueAnswer(makeReply(event));
-        return noErr;
+    if (outcome->hasNoEndpoint) {
+        std::optional<AppleEvent> const answer = replyInPlaceOf(process, event);
+        if (answer) return deliver(*answer, mode, reply);
     }
     reply = std::move(outcome->reply);
     return outcome->status;
@@ -109,6 +125,8 @@ OSStatus send(AppleEvent const& sent, AppleEvent* reply, AESendMode mode, Wait c
 } // namespace
 
 void setUnansweredQuitHandler(QuitRequest handler) { s_unansweredQuitHandler = handler; }
+
+void setEventStandIn(EventStandIn standIn) { s_eventStandIn = standIn; }
 
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
                      std::function<bool()> const& goesOn) {

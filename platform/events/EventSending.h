@@ -4,6 +4,7 @@
 #include "platform/events/EventQueue.h"
 #include "platform/system/processes/ProcessList.h"
 #include <functional>
+#include <optional>
 
 // Sending beyond what AESend offers; for implementations.
 
@@ -20,5 +21,14 @@ using QuitRequest = bool (*)(ProcessIdentity const& process);
 // Sets what becomes of the event 'quit' for a process that receives no events. It is sent SIGTERM (askToEnd) until this
 // is called. Any thread.
 void setUnansweredQuitHandler(QuitRequest handler);
+
+// Replies to an event in place of a process; nullopt if it does not stand in for that process.
+using EventStandIn = std::optional<AppleEvent> (*)(AppleEvent const& event, ProcessIdentity const& process);
+
+// Sets what answers events other than 'quit' for processes that receive none; without it, as at first, sending them
+// fails with procNotFound or connectionInvalid. The stand-in is called while the event is being sent. If no reply is
+// wanted, the error number in its reply is the status of the sending, so that noErr means that the event was carried
+// out. Any thread.
+void setEventStandIn(EventStandIn standIn);
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/files/FileStatuses.h"
 #include "platform/files/ItemNames.h"
 #include "platform/files/ItemReferences.h"
+#include "platform/foundation/Log.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/items/ItemRemoval.h"
@@ -58,7 +59,13 @@ Result<OpenItem> makeFolder(FSRef const& parentRef, std::string const& name) {
 OSStatus copyInto(OpenItem const& item, FileDescriptor const& folder, std::string name, OptionBits options) {
     ItemTransfer const transfer{.item = item, .folder = folder, .name = std::move(name)};
     bool const isOverwriting = (options & kFSFileOperationOverwrite) != 0;
-    return changeStatus(isOverwriting ? copyItemOver(transfer) : copyItem(transfer));
+    Result<void, TransferProblem> const copied = isOverwriting ? copyItemOver(transfer) : copyItem(transfer);
+    // The status cannot tell where it is.
+    if (!copied.isDone() && copied.problem().kind != TransferProblem::Kind::NotDone)
+        NSLog("The item that was to be replaced by %@ is now at the name %@ beside it",
+              NSString::stringWithFileSystemRepresentation_(transfer.name),
+              NSString::stringWithFileSystemRepresentation_(copied.problem().error.item));
+    return changeStatus(copied);
 }
 
 } // namespace
@@ -74,7 +81,8 @@ OSErr FSRenameUnicode(FSRef const* ref, UniCharCount nameLength, unichar const* 
     if (item.value().name.empty()) return fBsyErr;
     if (*wanted != item.value().name)
         status = changeStatus(moveItem({.item = item.value(), .folder = item.value().folder, .name = *wanted}));
-    if (status == noErr) followMovedItem(item.value().folder, *wanted);
+    // Under the new name, or the old one again.
+    followMovedItem(item.value().folder, status == noErr ? *wanted : item.value().name);
     if (status == noErr && newRef) *newRef = *ref;
     return status;
 }

@@ -29,6 +29,10 @@ constexpr std::u16string_view ResourceForkName = u"RESOURCE_FORK";
 // What small requests are read in.
 constexpr std::size_t BufferSize = std::size_t{128} << 10;
 
+// What forks are compared in. Two of them, one of each fork, stay in the cache of a processor's core; smaller ones take
+// more calls.
+constexpr std::size_t ComparedSize = std::size_t{256} << 10;
+
 // An open fork: a file, or bytes that were read when it was opened.
 class Fork {
 public:
@@ -194,11 +198,11 @@ struct ComparedForks {
     }
 
     void compare(std::int64_t begin, std::int64_t end) {
-        auto const room = std::make_unique_for_overwrite<std::byte[]>(2 * BufferSize);
+        auto const room = std::make_unique_for_overwrite<std::byte[]>(2 * ComparedSize);
         bool isLast = false;
         for (std::int64_t place = begin; place < end && !isLast && !isDifferent;) {
-            std::size_t const size = static_cast<std::size_t>(std::min<std::int64_t>(BufferSize, end - place));
-            if (!isSameBlock(place, size, {room.get(), 2 * BufferSize}, isLast)) isDifferent = true;
+            std::size_t const size = static_cast<std::size_t>(std::min<std::int64_t>(ComparedSize, end - place));
+            if (!isSameBlock(place, size, {room.get(), 2 * ComparedSize}, isLast)) isDifferent = true;
             place += static_cast<std::int64_t>(size);
         }
     }
@@ -276,7 +280,7 @@ bool haveEqualBytes(std::int16_t forkRefNum, std::int16_t otherForkRefNum) {
     if (!one || !other) return false;
     ComparedForks forks{*one, *other};
     std::int64_t const size = one->size().valueOr(0);
-    std::int64_t const middle = size / 2 - size / 2 % static_cast<std::int64_t>(BufferSize);
+    std::int64_t const middle = size / 2 - size / 2 % static_cast<std::int64_t>(ComparedSize);
     if (size < smallestForTwo || std::thread::hardware_concurrency() < 2) {
         forks.compare(0, end);
         return !forks.isDifferent;

@@ -30,7 +30,7 @@ bool isBelow(std::u16string_view path, std::u16string_view point) {
 }
 
 struct PlaceOnVolume {
-    std::u16string_view name{StartupVolumeName};
+    std::u16string_view name{UnlabeledStartupVolumeName};
     std::u16string_view rest{}; // empty, or with the slash
 };
 
@@ -83,7 +83,7 @@ std::u16string posixPathFromHFSPath(std::u16string_view path, std::vector<Mounte
         std::u16string const result = pointOf(*volume) + rest;
         return result.empty() ? std::u16string(u"/") : result;
     }
-    if (isSameName(name, StartupVolumeName)) return rest.empty() ? std::u16string(u"/") : rest;
+    if (isSameName(name, UnlabeledStartupVolumeName)) return rest.empty() ? std::u16string(u"/") : rest;
     return rest.empty() ? u"/" + name : u"/Volumes/" + name + rest;
 }
 

@@ -96,7 +96,11 @@ Result<void, ReplacingProblem> moveItem(ItemTransfer transfer, NameClash clash, 
     bool const isThere = confirmItemInFolder(transfer.folder, transfer.name, transfer.item.item).isDone();
     if (clash == NameClash::IsReplaced && isThere) return {};
     Result<void, ReplacingProblem> moved = run(&moveItem, transfer, clash, steps);
-    if (moved.isDone()) followMovedItem(transfer.folder, transfer.name);
+    // The item may have come back from its new name.
+    if (moved.isDone())
+        followMovedItem(transfer.folder, transfer.name);
+    else
+        followMovedItem(transfer.item.folder, transfer.item.name);
     // The references would keep the space of an original that was removed.
     releaseRemovedItems();
     return moved;

@@ -48,8 +48,10 @@ Done checkBeside(TrashPlace const& trash, ItemIdentity const& item, std::vector<
     return {};
 }
 
-// A volume that is mounted there, or below, would go to the trash with the item.
-Done checkMounts(std::string const& path) {
+// A volume that is mounted there, or below, would go to the trash with the item. What is no folder holds none, and that
+// none is mounted on it was seen by its mount, if the system tells that.
+Done checkMounts(std::string const& path, ItemPlace const& place) {
+    if (!place.isFolder && place.mount != 0) return {};
     Result<MountTable> const mounts = MountTable::current();
     if (!mounts.hasValue()) return cannotTrash(mounts.problem());
     bool const holdsMountPoint = std::ranges::any_of(
@@ -171,7 +173,10 @@ private:
     TrashProblem takeBack(TrashReservation& reservation, TrashProblem problem, std::string const& name) const {
         Result<void, RenameProblem> const back =
             renameItem(m_item.item, {m_trash.files, name}, {m_item.folder, m_item.name}, renameStepsOf(m_steps));
-        if (back.isDone()) reservation.giveUp();
+        if (back.isDone()) {
+            reservation.giveUp();
+            followMovedItem(m_item.folder, m_item.name);
+        }
         if (back.isDone() || back.problem().movedWrongItem) return problem;
         // The item is in the trash, so no other name is to be tried.
         if (problem.kind == TrashProblem::NameTaken) problem.kind = TrashProblem::Other;
@@ -235,7 +240,7 @@ Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps c
     Result<std::string> const folder = pathOfFolder(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     std::string const path = BytePath(folder.value()).joined(item.name);
-    Done const mounts = checkMounts(path);
+    Done const mounts = checkMounts(path, place.value());
     if (!mounts.isDone()) return mounts.problem();
     Result<TrashPlace, TrashProblem> const trash = trashForFolder(item.folder, MissingTrash::IsMade);
     if (!trash.hasValue()) return trash.problem();

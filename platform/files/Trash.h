@@ -92,8 +92,8 @@ Result<std::string, TrashProblem> putBackItemAtPath(std::string_view path, Trash
 struct EmptiedTrash {
     // Counted in items of trashedItems().
     std::size_t removed{0};
-    // Items that could not be removed, or not entirely, and why the first could not. A trash that cannot be opened or
-    // listed counts as one.
+    // Items that could not be removed, or not entirely, or whose record could not, and why the first could not. A trash
+    // that cannot be opened or listed counts as one.
     std::size_t left{0};
     TrashProblem firstProblem{};
 };

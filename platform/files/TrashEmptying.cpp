@@ -5,6 +5,7 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/ItemRemoval.h"
+#include "platform/system/items/Leftovers.h"
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
@@ -79,8 +80,7 @@ private:
         Result<void> erased = descend(trash.files, name, identity, {.makesAccessible = true}, erase);
         if (!erased.isDone()) return erased;
         if (m_steps) m_steps(TrashStep::ItemErased);
-        removeInformation(trash, name);
-        return {};
+        return removeInformation(trash, name);
     }
 
     Result<void> eraseUnlessStopped(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
@@ -92,6 +92,7 @@ private:
     // Removes information files whose item never came or has gone by other ways. A recent one may belong to an item
     // that is being moved.
     static void removeOrphans(TrashPlace const& trash) {
+        static_cast<void>(removeLeftovers(trash.information));
         constexpr std::int64_t oldEnough = 3'600;
         std::int64_t const now = ::time(nullptr);
         Result<std::vector<std::string>> const files = namesInOpenFolder(trash.information);

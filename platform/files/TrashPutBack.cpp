@@ -75,10 +75,14 @@ public:
         if (m_steps) m_steps(TrashStep::ItemPutBack);
         if (m_sidecar) {
             if (PutBack const followed = moveSidecar(); !followed.isDone()) return takeBack(followed.problem());
-            removeInformation(m_item.trash, m_sidecar->name);
         }
+        if (Result<void> const forgotten = removeInformation(m_item.trash, m_item.name); !forgotten.isDone()) {
+            takeSidecarBack();
+            return takeBack(cannotPutBack(forgotten.problem()));
+        }
+        // A record of a sidecar alone is shown by no program, and goes when the trash is next emptied.
+        if (m_sidecar) static_cast<void>(removeInformation(m_item.trash, m_sidecar->name));
         followMovedItem(m_folder, m_name);
-        removeInformation(m_item.trash, m_item.name);
         if (m_item.isFolder) removeOldDirectorySizes(m_item.trash);
         return m_path;
     }
@@ -130,12 +134,21 @@ private:
         return cannotPutBack(problem.error);
     }
 
-    // Moves the item into the trash again, because its sidecar could not follow.
+    // Moves the item into the trash again, because its sidecar could not follow or its record could not go.
     TrashProblem takeBack(TrashProblem problem) const {
         Result<void, RenameProblem> const back =
             renameItem(m_item.item, {m_folder, m_name}, {m_item.trash.files, m_item.name}, renameStepsOf(m_steps));
-        if (!back.isDone()) problem.text += "; the item is now at " + shownPath(m_path);
+        if (back.isDone())
+            followMovedItem(m_item.trash.files, m_item.name);
+        else
+            problem.text += "; the item is now at " + shownPath(m_path);
         return problem;
+    }
+
+    void takeSidecarBack() const {
+        if (!m_sidecar) return;
+        static_cast<void>(renameItem(m_sidecar->file, {m_folder, m_sidecarName}, {m_item.trash.files, m_sidecar->name},
+                                     renameStepsOf(m_steps)));
     }
 
     std::string pathOf(std::string const& name) const { return BytePath(BytePath(m_path).parent()).joined(name); }

@@ -1,15 +1,21 @@
 #include "platform/files/TrashRecords.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/ExclusiveRename.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderDescent.h"
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <span>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace mac {
@@ -65,6 +71,17 @@ void writeSizes(FileDescriptor const& folder, std::vector<DirectorySize> const& 
                               {.newFileMode = S_IRUSR | S_IWUSR});
 }
 
+// Whether flushing a new file flushes its name, too. These file systems do it by their journal, ext4 also without one
+// (it serves ext2 and ext3, too); the last two keep nothing on a disk.
+bool isNameFlushedWithFile(FileDescriptor const& file) {
+    struct statfs volume {};
+    if (::fstatfs(file.number(), &volume) != 0) return false;
+    static constexpr std::array<decltype(volume.f_type), 6> kinds{
+        EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, TMPFS_MAGIC, RAMFS_MAGIC,
+    };
+    return std::ranges::find(kinds, volume.f_type) != kinds.end();
+}
+
 bool isNoSuchName(SystemError const& error) { return error.is(ENOENT) || error.is(ENAMETOOLONG); }
 
 } // namespace
@@ -87,10 +104,17 @@ Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, s
     return TrashInformation::read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
-void removeInformation(TrashPlace const& trash, std::string const& name) {
+Result<void> removeInformation(TrashPlace const& trash, std::string const& name) {
     std::string const file = TrashInformation::nameFor(name);
-    while (::unlinkat(trash.information.number(), file.c_str(), 0) != 0 && errno == EINTR)
-        ;
+    for (;;) {
+        if (::unlinkat(trash.information.number(), file.c_str(), 0) == 0) return {};
+        SystemError error = lastSystemError("unlink", file);
+        if (error.is(EINTR)) continue;
+        if (error.is(ENOENT)) return {};
+        Result<std::string> const unused = temporaryName();
+        bool const isRecord = !unused.hasValue() || !moveAside(trash.information, file, unused.value()).isDone();
+        return isRecord ? error : Result<void>();
+    }
 }
 
 Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name) {
@@ -136,7 +160,7 @@ Result<void> TrashReservation::make(std::string const& writtenPath, std::string 
     if (!written.isDone()) return written;
     if (::fsync(m_file.number()) != 0) return lastSystemError("fsync", m_name);
     // Some file systems cannot flush folders.
-    ::fsync(m_trash.information.number());
+    if (!isNameFlushedWithFile(m_file)) ::fsync(m_trash.information.number());
     return {};
 }
 

@@ -10,7 +10,9 @@ namespace mac {
 // nullopt if the item in the trash has no information file, or one of another form. Fails if there is one that cannot
 // be read.
 Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, std::string const& name);
-void removeInformation(TrashPlace const& trash, std::string const& name);
+// A file that cannot be removed is renamed, so that it records nothing any more; it goes when the trash is next
+// emptied. Done also if there is none.
+Result<void> removeInformation(TrashPlace const& trash, std::string const& name);
 
 // The item of a name in the trash, and what is recorded of it as far as that can be read.
 Result<TrashedItem> itemInTrash(TrashPlace const& trash, std::string const& name);

@@ -75,9 +75,9 @@ FoldedName folded(std::u16string_view name) {
     return result;
 }
 
-std::u16string nameAt(std::string_view mountPoint) {
-    if (mountPoint == "/") return std::u16string(StartupVolumeName);
-    return unitsFromFileSystemBytes(BytePath(mountPoint).leaf());
+std::u16string nameOfVolume(MountedVolume const& volume, std::u16string_view startupName) {
+    if (volume.isStartup()) return std::u16string(startupName);
+    return unitsFromFileSystemBytes(BytePath(volume.mountPoint).leaf());
 }
 
 // The name with the first number that makes it unique.
@@ -89,7 +89,7 @@ std::u16string numberedName(std::u16string const& name, std::set<FoldedName> con
     }
 }
 
-void nameAll(std::vector<MountedVolume>& volumes) {
+void nameAll(std::vector<MountedVolume>& volumes, std::u16string_view startupName) {
     std::vector<MountedVolume*> order;
     order.reserve(volumes.size());
     for (MountedVolume& volume : volumes)
@@ -98,7 +98,7 @@ void nameAll(std::vector<MountedVolume>& volumes) {
     std::set<FoldedName> taken;
     std::vector<MountedVolume*> nameless;
     for (MountedVolume* const volume : order) {
-        volume->name = nameAt(volume->mountPoint);
+        volume->name = nameOfVolume(*volume, startupName);
         if (!taken.insert(folded(volume->name)).second) nameless.push_back(volume);
     }
     for (MountedVolume* const volume : nameless) {
@@ -126,9 +126,11 @@ bool isSystemMemory(MountedVolume const& volume) {
     return isMemory && (point.isAtOrBelow("/dev") || point.isAtOrBelow("/sys"));
 }
 
-std::vector<MountedVolume> mountedVolumes() { return volumesOf(MountTable::current().valueOr({})); }
+std::vector<MountedVolume> mountedVolumes() {
+    return volumesOf(MountTable::current().valueOr({}), startupVolumeName());
+}
 
-std::vector<MountedVolume> volumesOf(MountTable const& mounts) {
+std::vector<MountedVolume> volumesOf(MountTable const& mounts, std::u16string_view startupName) {
     std::vector<MountedVolume> volumes;
     for (Mount const& mount : mounts.mounts()) {
         if (isWanted(mount, mounts)) volumes.push_back(volumeOf(mount));
@@ -141,7 +143,7 @@ std::vector<MountedVolume> volumesOf(MountTable const& mounts) {
     // The root sorts before every other mount point.
     std::ranges::sort(volumes, {}, &MountedVolume::mountPoint);
     hideParts(volumes);
-    nameAll(volumes);
+    nameAll(volumes, startupName);
     return volumes;
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/system/Result.h"
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,8 +12,17 @@ namespace mac {
 class FileDescriptor;
 class MountTable;
 
-// The name of the volume that the system was started from.
-inline constexpr std::u16string_view StartupVolumeName = u"Macintosh HD";
+// The name of the startup volume, the one mounted at "/", if it has no label. HFS paths that begin with it lead to the
+// startup volume whatever its label is, unless another volume has the name.
+inline constexpr std::u16string_view UnlabeledStartupVolumeName = u"Macintosh HD";
+
+// The name of the startup volume, in the form of paths: its label, else UnlabeledStartupVolumeName. Asks the file
+// system, then the links that the system keeps for labels.
+std::u16string startupVolumeName();
+
+// The label of the device by the links in the folder, each of which is named by the label that the device it leads to
+// has; unusual characters are written "\x20". nullopt if no link leads to the device.
+std::optional<std::string> labelOfDevice(std::uint64_t device, std::string const& linksFolder = "/dev/disk/by-label");
 
 // A mounted file system that holds files of users, as it was when the mount table was read. A value.
 struct MountedVolume {
@@ -41,10 +51,11 @@ bool isSystemMemory(MountedVolume const& volume);
 // systems are left out; the startup volume is always listed. Not browsable are mounts where the system has its parts
 // (/boot, /home, /run, /tmp, ...) and mounts that only show a part of another volume once more.
 //
-// Linux: a volume's name is the last component of its mount point. If several would have the same name, the first
-// browsable one keeps it, and the others get " 1", " 2" and so on appended.
+// Linux: the name of any but the startup volume is the last component of its mount point. If several would have the
+// same name, the first browsable one keeps it, and the others get " 1", " 2" and so on appended.
 std::vector<MountedVolume> mountedVolumes();
-std::vector<MountedVolume> volumesOf(MountTable const& mounts);
+std::vector<MountedVolume> volumesOf(MountTable const& mounts,
+                                     std::u16string_view startupName = UnlabeledStartupVolumeName);
 
 // The volume that an absolute path without links and dots leads into, told by the text alone; nullptr if there is none.
 MountedVolume const* volumeOfPath(std::vector<MountedVolume> const& volumes, std::string_view path);

@@ -70,6 +70,8 @@ private:
     std::deque<std::function<void()>> m_functions;
 };
 
+void (*s_eventLoopSource)() = nullptr;
+
 void wakeCallsOfNewLoop() { MainThreadCalls::shared().wakeNewLoop(); }
 
 } // namespace
@@ -82,7 +84,11 @@ void prepareMainRunLoop() {
 
 bool isMainThread() { return ::gettid() == ::getpid(); }
 
+void setEventLoopSource(void (*newSource)()) { s_eventLoopSource = newSource; }
+
 void requireEventLoop() {
+    if (QCoreApplication::instance()) return;
+    if (s_eventLoopSource) s_eventLoopSource();
     if (QCoreApplication::instance()) return;
     // The application keeps references to these as long as it lives.
     static int argumentCount = 1;

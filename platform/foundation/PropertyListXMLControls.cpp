@@ -130,6 +130,7 @@ void SubstitutedControls::appendControl(unsigned control) {
 }
 
 std::u16string SubstitutedControls::restored(std::u16string_view string) const {
+    if (m_escape == 0) return std::u16string(string);
     std::u16string result;
     result.reserve(string.size());
     for (std::size_t index = 0; index < string.size(); ++index) {

@@ -1,53 +1,22 @@
-#include "platform/foundation/PropertyListBuilder.h"
 #include "platform/foundation/PropertyListTree.h"
 #include "platform/foundation/PropertyListXML.h"
 #include "platform/foundation/PropertyListXMLControls.h"
+#include "platform/foundation/PropertyListXMLElements.h"
 #include "platform/foundation/PropertyListXMLMarkup.h"
-#include "platform/foundation/PropertyListXMLValues.h"
+#include "platform/foundation/PropertyListXMLPlain.h"
 #include <QString>
 #include <QXmlStreamReader>
 #include <algorithm>
-#include <array>
 
 namespace mac {
 
 namespace {
 
 using Container = PropertyListBuilder::Container;
+using Element = PropertyListElement;
 
 // Longer names in messages help nobody.
 constexpr qsizetype kLongestNameInMessage = 40;
-
-enum class Element { Plist, Array, Dictionary, Key, String, Integer, Real, Date, Data, True, False, Unknown };
-
-struct NamedElement {
-    QLatin1String name;
-    Element element;
-};
-constexpr std::array<NamedElement, 11> kElements{{
-    {QLatin1String("plist"), Element::Plist},
-    {QLatin1String("array"), Element::Array},
-    {QLatin1String("dict"), Element::Dictionary},
-    {QLatin1String("key"), Element::Key},
-    {QLatin1String("string"), Element::String},
-    {QLatin1String("integer"), Element::Integer},
-    {QLatin1String("real"), Element::Real},
-    {QLatin1String("date"), Element::Date},
-    {QLatin1String("data"), Element::Data},
-    {QLatin1String("true"), Element::True},
-    {QLatin1String("false"), Element::False},
-}};
-
-Element elementOfName(QStringView name) {
-    auto const* const found =
-        std::ranges::find_if(kElements, [name](NamedElement const& each) { return name == each.name; });
-    return found == kElements.end() ? Element::Unknown : found->element;
-}
-
-// Of a known element.
-std::string nameOf(Element element) {
-    return std::ranges::find(kElements, element, &NamedElement::element)->name.data();
-}
 
 bool isBlank(QChar character) {
     return character == u' ' || character == u'\t' || character == u'\n' || character == u'\r';
@@ -59,7 +28,7 @@ QStringView viewOfText(std::u16string_view units) {
     return {reinterpret_cast<QChar const*>(units.data()), static_cast<qsizetype>(units.size())};
 }
 
-std::u16string_view viewOfUnits(QString const& text) {
+std::u16string_view viewOfUnits(QStringView text) {
     return {reinterpret_cast<char16_t const*>(text.utf16()), static_cast<std::size_t>(text.size())};
 }
 
@@ -108,12 +77,13 @@ private:
         switch (token) {
         case QXmlStreamReader::StartElement:
             ++m_depth;
-            readElement(elementOfName(m_xml.qualifiedName()));
+            readElement(propertyListElementOfName(viewOfUnits(m_xml.qualifiedName())));
             return;
         case QXmlStreamReader::EndElement:
             --m_depth;
             // A plist element holds no value of its own; all others are read to their end in readElement.
-            if (elementOfName(m_xml.qualifiedName()) != Element::Plist) fail(m_builder.end(identifierOfDictionary));
+            if (propertyListElementOfName(viewOfUnits(m_xml.qualifiedName())) != Element::Plist)
+                fail(m_builder.end(identifierOfDictionary));
             return;
         case QXmlStreamReader::Characters:
             if (!isXMLBlank(m_xml.text())) fail("There is text outside of a value");
@@ -152,42 +122,13 @@ private:
         for (auto token = m_xml.readNext(); token != QXmlStreamReader::EndElement; token = m_xml.readNext()) {
             if (token == QXmlStreamReader::Invalid) return;
             if (token != QXmlStreamReader::Characters) {
-                fail("There is something other than text in <" + nameOf(element) + ">");
+                fail("There is something other than text in <" + nameOfPropertyListElement(element) + ">");
                 return;
             }
             text += m_xml.text();
         }
         --m_depth;
-        fail(addLeaf(element, text));
-    }
-
-    std::string_view addLeaf(Element element, QString const& text) {
-        switch (element) {
-        case Element::Key:
-            return m_builder.addKey(m_controls.restored(viewOfUnits(text)));
-        case Element::String:
-            return m_builder.addString(m_controls.restored(viewOfUnits(text)));
-        case Element::Integer:
-            return addOrSay(integerOfText(text.toStdString()), "There is an <integer> that is no 64-bit integer");
-        case Element::Real:
-            return addOrSay(realOfText(text.toStdString()), "There is a <real> that is no number");
-        case Element::Date:
-            return addOrSay(dateOfText(text.toStdString()), "There is a <date> that is no date");
-        case Element::Data:
-            return addData(text);
-        default:
-            if (!text.isEmpty()) return "There is text in a <true> or <false>";
-            return m_builder.addValue(NSNumber::numberWithBool_(element == Element::True));
-        }
-    }
-
-    std::string_view addOrSay(id const& value, std::string_view complaint) {
-        return value == nil ? complaint : m_builder.addValue(value);
-    }
-
-    std::string_view addData(QString const& text) {
-        std::optional<std::vector<std::byte>> const data = dataOfText(text.toStdString());
-        return data ? m_builder.addData(*data) : "There is <data> that is not in base 64";
+        fail(addLeafElement(m_builder, element, m_controls.restored(viewOfUnits(text))));
     }
 
     SubstitutedControls const& m_controls;
@@ -204,6 +145,7 @@ private:
 } // namespace
 
 Result<id, Failure> readPropertyListXML(std::u16string_view text, NSPropertyListMutabilityOptions option) {
+    if (std::optional<id> const list = readPlainPropertyListXML(text, option)) return *list;
     std::string const complaint = complaintAboutMarkup(text);
     if (!complaint.empty()) return Failure{complaint};
     SubstitutedControls const controls(text);

@@ -1,5 +1,4 @@
 #include "platform/foundation/UserInterface.h"
-#include <utility>
 
 namespace mac {
 
@@ -11,7 +10,7 @@ void (*interfaceSource)() = nullptr;
 } // namespace
 
 UserInterface* userInterface() {
-    if (!currentInterface && interfaceSource) std::exchange(interfaceSource, nullptr)();
+    if (!currentInterface && interfaceSource) interfaceSource();
     return currentInterface;
 }
 

@@ -72,8 +72,9 @@ public:
 
 // nullptr for a program without a screen. Main thread.
 UserInterface* userInterface();
-// Asked once, when an interface is needed and none is set: connects this program to the display, if there is one, and
-// sets it. For the Registration of the room that owns the screen.
+// Called whenever an interface is needed and none is set, so that a display that comes later is found: connects this
+// program to the display, if there is one, and sets the interface. For the Registration of the room that owns the
+// screen.
 void setUserInterfaceSource(void (*newSource)());
 // Kept by the caller, who sets null before it goes.
 void setUserInterface(UserInterface* newInterface);

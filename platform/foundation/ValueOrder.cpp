@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <numeric>
 #include <optional>
 
@@ -84,16 +85,18 @@ public:
 
     bool isBefore(int order) const { return m_isAscending ? order < 0 : order > 0; }
 
-    // They are ready until the next ones are.
-    void prepare(std::vector<SortItem>& items) {
+    // Other items are prepared next, one by one and then together. They are ready until the next ones begin.
+    void begin() {
         m_bytes.clear();
-        std::vector<std::size_t> ends;
-        for (SortItem& item : items) {
-            prepare(item, valueOf(item));
-            if (item.kind == SortItem::Kind::Text) ends.push_back(m_bytes.size());
-        }
+        m_ends.clear();
+    }
+    void prepare(SortItem& item) {
+        prepare(item, valueOf(item));
+        if (item.kind == SortItem::Kind::Text) m_ends.push_back(m_bytes.size());
+    }
+    void finish(std::vector<SortItem>& items) {
         std::size_t start = 0;
-        auto end = ends.begin();
+        auto end = m_ends.begin();
         for (SortItem& item : items) {
             if (item.kind != SortItem::Kind::Text) continue;
             item.text = std::string_view(m_bytes).substr(start, *end - start);
@@ -167,74 +170,158 @@ private:
     std::optional<TextFolding> m_folding;
     bool m_knowsNumbers;
     std::string m_bytes;
+    // Where in the bytes the text of each item ends that has one.
+    std::vector<std::size_t> m_ends;
 };
 
-// A merge sort of our own: std::stable_sort reads past the end when a comparison contradicts itself, and some are
-// answered by messages.
-template <class IsLess>
-void mergeSort(std::vector<SortItem>& items, IsLess const& isLess) {
-    std::vector<SortItem> merged(items.size());
-    auto const at = [](auto begin, std::size_t index) { return begin + static_cast<std::ptrdiff_t>(index); };
-    for (std::size_t width = 1; width < items.size(); width *= 2) {
-        for (std::size_t start = 0; start < items.size(); start += 2 * width) {
-            auto const first = at(items.begin(), start);
-            auto const middle = at(items.begin(), std::min(start + width, items.size()));
-            auto const end = at(items.begin(), std::min(start + 2 * width, items.size()));
-            auto const target = at(merged.begin(), start);
-            bool const isInOrder = middle == end || !isLess(*middle, *(middle - 1));
-            if (isInOrder)
-                std::copy(first, end, target);
-            else
-                std::merge(first, middle, middle, end, target, isLess);
-        }
-        items.swap(merged);
-    }
-}
+// What preparing an item takes, by what moving one in a merge takes.
+constexpr std::size_t PreparingCost = 8;
+// What sorting a row of some ten thousand by two criteria takes in all, likewise: the preparing, and a move in each pass.
+constexpr std::size_t RowCost = 48;
 
-// Sorts by the first criterion, then what is equal by the next one.
-class RowSorting {
+} // namespace
+
+// Sorts by the first criterion, then what is equal by the next one. A merge sort of our own: std::stable_sort reads
+// past the end when a comparison contradicts itself, and some are answered by messages.
+class RowOrdering::Sorting {
 public:
-    RowSorting(std::span<id const> values, NSArray const& descriptors) {
+    Sorting(std::span<id const> values, NSArray const& descriptors) {
         for (id const& descriptor : descriptors)
             m_criteria.emplace_back(uncheckedCast<NSSortDescriptor>(descriptor), values.data() + m_criteria.size(),
                                     descriptors.count());
+        if (m_criteria.empty()) return;
+        m_rows.resize(values.size() / m_criteria.size());
+        std::iota(m_rows.begin(), m_rows.end(), std::size_t{0});
+        sortLater({.first = 0, .count = m_rows.size(), .column = 0});
     }
 
-    void sort(std::span<std::size_t> rows, std::size_t column) {
-        if (rows.size() < 2 || column == m_criteria.size()) return;
-        Criterion& criterion = m_criteria[column];
-        std::vector<SortItem> items;
-        items.reserve(rows.size());
-        for (std::size_t const row : rows)
-            items.push_back({.row = row});
-        criterion.prepare(items);
-        mergeSort(items, [&](SortItem const& first, SortItem const& second) {
-            return criterion.isBefore(criterion.compare(first, second));
-        });
+    std::vector<std::size_t> const& rows() const { return m_rows; }
 
-        std::ranges::transform(items, rows.begin(), &SortItem::row);
-        for (std::size_t first = 0; first < items.size();) {
+    // Whether all is sorted after so much work.
+    bool advance(std::size_t work) {
+        for (std::size_t done = 0; done < work;) {
+            if (m_stage == Stage::Idle && m_waiting.empty()) return true;
+            done += advanceStage(work - done);
+        }
+        return m_stage == Stage::Idle && m_waiting.empty();
+    }
+
+private:
+    // Rows that are equal by all criteria before the column's.
+    struct Range {
+        std::size_t first;
+        std::size_t count;
+        std::size_t column;
+    };
+    enum class Stage { Idle, Preparing, Merging };
+
+    Criterion& criterion() { return m_criteria[m_range.column]; }
+    void sortLater(Range range) {
+        if (range.count > 1 && range.column < m_criteria.size()) m_waiting.push_back(range);
+    }
+
+    // Answers the work done.
+    std::size_t advanceStage(std::size_t work) {
+        switch (m_stage) {
+        case Stage::Idle:
+            begin();
+            return 1;
+        case Stage::Preparing:
+            return prepare(work / PreparingCost + 1) * PreparingCost;
+        case Stage::Merging:
+            break;
+        }
+        return mergeNext();
+    }
+
+    void begin() {
+        m_range = m_waiting.back();
+        m_waiting.pop_back();
+        m_items.clear();
+        m_items.reserve(m_range.count);
+        criterion().begin();
+        m_stage = Stage::Preparing;
+    }
+
+    std::size_t prepare(std::size_t most) {
+        std::size_t const count = std::min(most, m_range.count - m_items.size());
+        for (std::size_t index = 0; index < count; ++index) {
+            m_items.push_back({.row = m_rows[m_range.first + m_items.size()]});
+            criterion().prepare(m_items.back());
+        }
+        if (m_items.size() < m_range.count) return count;
+        criterion().finish(m_items);
+        m_merged.assign(m_items.size(), {});
+        m_width = 1;
+        m_start = 0;
+        m_stage = Stage::Merging;
+        return count;
+    }
+
+    std::size_t mergeNext() {
+        auto const at = [](auto begin, std::size_t index) { return begin + static_cast<std::ptrdiff_t>(index); };
+        auto const isLess = [this](SortItem const& one, SortItem const& other) {
+            return criterion().isBefore(criterion().compare(one, other));
+        };
+        std::size_t const stop = std::min(m_start + 2 * m_width, m_items.size());
+        auto const first = at(m_items.begin(), m_start);
+        auto const middle = at(m_items.begin(), std::min(m_start + m_width, m_items.size()));
+        auto const end = at(m_items.begin(), stop);
+        auto const target = at(m_merged.begin(), m_start);
+        bool const isInOrder = middle == end || !isLess(*middle, *(middle - 1));
+        if (isInOrder)
+            std::copy(first, end, target);
+        else
+            std::merge(first, middle, middle, end, target, isLess);
+        std::size_t const done = stop - m_start;
+        m_start = stop;
+        if (m_start == m_items.size()) endPass();
+        return done;
+    }
+
+    void endPass() {
+        m_items.swap(m_merged);
+        m_start = 0;
+        m_width *= 2;
+        if (m_width < m_items.size()) return;
+        m_stage = Stage::Idle;
+        for (std::size_t index = 0; index < m_items.size(); ++index)
+            m_rows[m_range.first + index] = m_items[index].row;
+        for (std::size_t first = 0; first < m_items.size();) {
             std::size_t next = first + 1;
-            while (next < items.size() && criterion.compare(items[first], items[next]) == 0)
+            while (next < m_items.size() && criterion().compare(m_items[first], m_items[next]) == 0)
                 ++next;
-            sort(rows.subspan(first, next - first), column + 1);
+            sortLater({.first = m_range.first + first, .count = next - first, .column = m_range.column + 1});
             first = next;
         }
     }
 
-private:
     std::vector<Criterion> m_criteria;
+    std::vector<std::size_t> m_rows;
+    std::vector<Range> m_waiting;
+    // What is being sorted.
+    Stage m_stage{Stage::Idle};
+    Range m_range{};
+    std::vector<SortItem> m_items;
+    // The next pass of the merge, as far as it is done; so long are the parts that are in order.
+    std::vector<SortItem> m_merged;
+    std::size_t m_width{1};
+    std::size_t m_start{0};
 };
 
-} // namespace
+RowOrdering::RowOrdering(std::span<id const> values, NSArray const& descriptors)
+    : m_sorting(std::make_unique<Sorting>(values, descriptors)) {}
+
+RowOrdering::~RowOrdering() = default;
+
+bool RowOrdering::advance(std::size_t rows) { return m_sorting->advance(std::min(rows, SIZE_MAX / RowCost) * RowCost); }
+
+std::vector<std::size_t> const& RowOrdering::order() const { return m_sorting->rows(); }
 
 std::vector<std::size_t> orderOfRows(std::span<id const> values, NSArray const& descriptors) {
-    std::size_t const width = descriptors.count();
-    if (width == 0 || values.empty()) return {};
-    std::vector<std::size_t> rows(values.size() / width);
-    std::iota(rows.begin(), rows.end(), std::size_t{0});
-    RowSorting(values, descriptors).sort(rows, 0);
-    return rows;
+    RowOrdering ordering(values, descriptors);
+    while (!ordering.advance(SIZE_MAX)) {}
+    return ordering.order();
 }
 
 } // namespace mac

@@ -37,7 +37,8 @@ std::string themeInSettings() {
 
 // The toolkit knows no theme without an application object, and names the last resort where the desktop tells it none.
 std::string themeOfToolkit() {
-    std::string name = QGuiApplication::instance() ? QIcon::themeName().toStdString() : std::string();
+    bool const isOnDisplay = qobject_cast<QGuiApplication const*>(QCoreApplication::instance()) != nullptr;
+    std::string name = isOnDisplay ? QIcon::themeName().toStdString() : std::string();
     return name == "hicolor" ? std::string() : name;
 }
 

@@ -1,3 +1,4 @@
+#include "platform/foundation/EventLoop.h"
 #include "platform/icons/DrawingReferences.h"
 #include "platform/icons/Picture.h"
 #include "platform/system/BigEndian.h"
@@ -88,6 +89,12 @@ std::size_t pixelsOfWindowsIcon(std::span<std::byte const> bytes, int page) {
     return static_cast<std::size_t>(std::abs(std::int64_t{width}) * (std::abs(std::int64_t{height}) / 2));
 }
 
+// The toolkit ends a program that asks it for fonts without a connection to a display, offscreen ones included.
+bool hasFonts() {
+    if (isMainThread()) requireEventLoop();
+    return qobject_cast<QGuiApplication const*>(QCoreApplication::instance()) != nullptr;
+}
+
 // Names that only elements with text have.
 bool needsFonts(std::string_view drawing) {
     return drawing.find("<text") != std::string_view::npos || drawing.find(":text") != std::string_view::npos;
@@ -147,7 +154,7 @@ std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int si
     if (side <= 0 || side > LargestIconSide || bytes.size() > LargestDrawing) return std::nullopt;
     std::string_view const drawing(reinterpret_cast<char const*>(bytes.data()), bytes.size());
     if (!isSelfContainedDrawing(drawing)) return std::nullopt;
-    if (!QGuiApplication::instance() && needsFonts(drawing)) return std::nullopt;
+    if (needsFonts(drawing) && !hasFonts()) return std::nullopt;
     QByteArray contents = borrowedBytes(bytes);
     QBuffer buffer(&contents);
     QImageReader reader(&buffer, "svg");

@@ -3,10 +3,11 @@
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/NSSet.h"
 #include "platform/foundation/Weak.h"
 #include "platform/spotlight/SearchPlan.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/XDGFolders.h"
+#include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/FolderPackages.h"
 #include <algorithm>
 #include <cstring>
@@ -18,15 +19,19 @@ namespace {
 // The first finds are shown at once, but what comes within this time goes with them.
 constexpr NSTimeInterval FirstBatchDelay = 0.05;
 
-// What reading so many folders takes is not felt; the others wait for the next delivery.
-constexpr std::size_t MostFoldersAtOnce = 1000;
-
 std::string folderOf(std::string const& path) { return std::string(BytePath(path).parent()); }
 
 NSString itemPath(NSMetadataItem const& item) { return as<NSString>(item.valueForAttribute_(kMDItemPath)); }
 
 NSMetadataItem itemOfPath(std::string const& path) {
     return NSMetadataItem::itemWithPath(NSString::stringWithFileSystemRepresentation_(path));
+}
+
+// Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
+bool isChanged(std::string folder, std::set<std::string> const& changed) {
+    while (!folder.empty() && !changed.contains(folder))
+        folder.resize(folder == "/" ? 0 : BytePath(folder).parent().size());
+    return changed.contains(folder);
 }
 
 } // namespace
@@ -48,6 +53,8 @@ bool NSMetadataQuery::Body::start() {
     if (m_phase == Phase::Gathering || m_phase == Phase::Live || m_predicate == nil) return false;
     std::optional<VolumeWalkRequest> request = planSearch(m_predicate, m_searchScopes);
     if (!request) return false;
+    // What is remembered is of the whole computer.
+    if (m_searchScopes.containsObject_(NSMetadataQueryLocalComputerScope)) request->memory = memory();
 
     Weak<NSMetadataQuery> const query(self());
     std::uint64_t const walk = ++m_walk;
@@ -88,6 +95,8 @@ void NSMetadataQuery::Body::stop() {
     m_timer = nil;
     m_walker.reset();
     m_watch.reset();
+    m_taking.reset();
+    m_updating.reset();
     setPhase(Phase::Stopped);
 }
 
@@ -105,13 +114,15 @@ void NSMetadataQuery::Body::scheduleDelivery() {
     if (m_disabledUpdates > 0 || m_timer.isValid()) return;
     NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
     NSTimeInterval delay = std::min(FirstBatchDelay, interval);
+    // What is remembered comes in one piece, so there is nothing to wait for.
+    if (m_phase == Phase::Gathering && m_walker->progress().isRemembered) delay = 0;
     if (m_lastDelivery != nil)
         delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceDate_(m_clock.now()), 0.0, interval);
     if (m_phase == Phase::Gathering) {
         VolumeWalkProgress const progress = m_walker->progress();
         if (progress.isFinished && (m_lastDelivery == nil || progress.packagesToTake == 0)) delay = 0;
     }
-    m_timer = m_clock.startTimer(delay, self());
+    m_timer = m_clock.startTimer(isStepLeft() ? 0 : delay, self());
 }
 
 void NSMetadataQuery::Body::deliver() {
@@ -121,8 +132,8 @@ void NSMetadataQuery::Body::deliver() {
     m_lastDelivery = m_clock.now();
     if (m_phase == Phase::Gathering)
         deliverFinds();
-    else if (m_phase == Phase::Live && applyFolderChanges())
-        post(NSMetadataQueryDidUpdateNotification);
+    else if (m_phase == Phase::Live)
+        deliverFolderChanges();
     // An observer may have stopped or restarted the query.
     if (walk != m_walk) return;
     if (m_phase == Phase::Live && !m_changedFolders.empty()) scheduleDelivery();
@@ -134,34 +145,60 @@ void NSMetadataQuery::Body::deliver() {
 }
 
 void NSMetadataQuery::Body::deliverFinds() {
-    // Asked before the finds are taken: what is found later than this comes with the next batch.
-    VolumeWalkProgress const progress = m_walker->progress();
-    bool const isMore = takeFinds();
-    if (!isMore && progress.isFinished) return finishGathering(progress);
+    if (!m_taking) {
+        // Asked before the finds are taken: what is found later than this comes with the next batch.
+        VolumeWalkProgress const progress = m_walker->progress();
+        m_taking = Taking{progress, m_walker->takeFound(), NSMutableArray::arrayWithArray_(m_results)};
+    }
+    if (!takeFinds()) return scheduleDelivery();
+    Taking const taken = std::move(*m_taking);
+    m_taking.reset();
+    bool const isMore = taken.results.count() > m_results.count();
+    if (isMore) m_results = uncheckedCast<NSArray>(taken.results.copy());
+    bool const isLess = takeAwayVanished();
+    if (!isMore && !isLess && taken.progress.isFinished) return finishGathering(taken.progress);
     // The end comes with a delivery of its own, also when an observer of this one raises.
-    if (progress.isFinished) scheduleDelivery();
-    if (isMore) post(NSMetadataQueryGatheringProgressNotification);
+    if (taken.progress.isFinished) scheduleDelivery();
+    if (isMore || isLess) post(NSMetadataQueryGatheringProgressNotification);
 }
 
 bool NSMetadataQuery::Body::takeFinds() {
-    NSMutableArray const results = NSMutableArray::arrayWithArray_(m_results);
-    for (std::string const& path : m_walker->takeFound()) {
+    std::size_t const end = std::min(m_taking->paths.size(), m_taking->taken + m_itemsInStep);
+    while (m_taking->taken < end) {
+        std::string const& path = m_taking->paths[m_taking->taken++];
         NSMetadataItem const item = itemOfPath(path);
         if (!matches(item)) continue;
         std::string const folder = folderOf(path);
         m_watch->add(folder);
         // What happened there since the find and before the watch is looked for when gathering has ended.
         m_changedFolders.insert(folder);
-        results.addObject_(item);
+        m_taking->results.addObject_(item);
     }
-    bool const isMore = results.count() > m_results.count();
-    if (isMore) m_results = uncheckedCast<NSArray>(results.copy());
-    return isMore;
+    return end == m_taking->paths.size();
+}
+
+bool NSMetadataQuery::Body::takeAwayVanished() {
+    std::vector<std::string> const vanished = m_walker->vanished();
+    if (vanished.empty()) return false;
+    std::set<std::string> const gone(vanished.begin(), vanished.end());
+    NSMutableArray const results = NSMutableArray::array();
+    for (id const& result : m_results) {
+        if (!gone.contains(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/")))
+            results.addObject_(result);
+    }
+    bool const isLess = results.count() < m_results.count();
+    if (isLess) m_results = uncheckedCast<NSArray>(results.copy());
+    return isLess;
+}
+
+std::shared_ptr<WalkMemory> NSMetadataQuery::Body::memory() {
+    std::string const folder = BytePath(cacheHome()).joined("framekeeper");
+    if (!m_memory || m_memory->folder() != folder) m_memory = std::make_shared<WalkMemory>(folder, &folderClock);
+    return m_memory;
 }
 
 void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
     std::uint64_t const walk = m_walk;
-    m_walker.reset();
     {
         KeyChange const change(self(), "unreadableFolderCount");
         m_unreadableFolderCount =
@@ -182,47 +219,42 @@ void NSMetadataQuery::Body::tellUnreadable(VolumeWalkProgress const& progress) {
           NSString::stringWithFileSystemRepresentation_(first.item), std::strerror(first.code));
 }
 
-std::set<std::string> NSMetadataQuery::Body::takeChangedFolders() {
-    if (m_changedFolders.size() <= MostFoldersAtOnce) return std::exchange(m_changedFolders, {});
-    std::set<std::string> taken;
-    while (taken.size() < MostFoldersAtOnce)
-        taken.insert(m_changedFolders.extract(m_changedFolders.begin()));
-    return taken;
+void NSMetadataQuery::Body::deliverFolderChanges() {
+    if (!m_updating) {
+        if (m_changedFolders.empty()) return;
+        m_updating.emplace();
+        m_updating->changed = std::exchange(m_changedFolders, {});
+        m_updating->folders = m_updating->changed;
+        m_updating->folders.erase(std::string());
+    }
+    if (!readChangedFolders()) return scheduleDelivery();
+    Updating const updated = std::move(*m_updating);
+    m_updating.reset();
+    if (updated.before.isEqualToSet_(updated.now)) return;
+    m_results = uncheckedCast<NSArray>(updated.results.copy());
+    post(NSMetadataQueryDidUpdateNotification);
 }
 
-bool NSMetadataQuery::Body::applyFolderChanges() {
-    std::set<std::string> const changed = takeChangedFolders();
-    std::set<std::string> folders = changed;
-    folders.erase(std::string());
-    NSMutableArray const results = NSMutableArray::array();
-    NSMutableSet const before = NSMutableSet::set();
-    NSMutableSet const now = NSMutableSet::set();
-    for (id const& result : m_results) {
-        std::string const folder =
-            folderOf(itemPath(as<NSMetadataItem>(result)).fileSystemRepresentation().value_or("/"));
-        if (!isChanged(folder, changed)) {
-            results.addObject_(result);
-            continue;
-        }
-        folders.insert(folder);
-        before.addObject_(result);
-    }
-    for (std::string const& folder : folders) {
+bool NSMetadataQuery::Body::readChangedFolders() {
+    std::size_t left = m_itemsInStep;
+    for (; left > 0 && m_updating->sorted < m_results.count(); --left)
+        sortOut(as<NSMetadataItem>(m_results.objectAtIndex_(m_updating->sorted++)));
+    for (; left > 0 && !m_updating->folders.empty(); --left) {
+        std::string const folder = m_updating->folders.extract(m_updating->folders.begin()).value();
         for (NSMetadataItem const& item : matchesInFolder(folder)) {
-            results.addObject_(item);
-            now.addObject_(item);
+            m_updating->results.addObject_(item);
+            m_updating->now.addObject_(item);
         }
     }
-    bool const isSameSet = before.isEqualToSet_(now);
-    if (!isSameSet) m_results = uncheckedCast<NSArray>(results.copy());
-    return !isSameSet;
+    return m_updating->sorted == m_results.count() && m_updating->folders.empty();
 }
 
-// Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
-bool NSMetadataQuery::Body::isChanged(std::string folder, std::set<std::string> const& changed) const {
-    while (!folder.empty() && !changed.contains(folder))
-        folder.resize(folder == "/" ? 0 : BytePath(folder).parent().size());
-    return changed.contains(folder);
+// Results in folders where nothing happened stay as they are.
+void NSMetadataQuery::Body::sortOut(NSMetadataItem const& result) {
+    std::string const folder = folderOf(itemPath(result).fileSystemRepresentation().value_or("/"));
+    if (!isChanged(folder, m_updating->changed)) return m_updating->results.addObject_(result);
+    m_updating->folders.insert(folder);
+    m_updating->before.addObject_(result);
 }
 
 std::vector<NSMetadataItem> NSMetadataQuery::Body::matchesInFolder(std::string const& folder) const {

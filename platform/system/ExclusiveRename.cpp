@@ -157,7 +157,7 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
 // the second one is to stay because the item may have lost the first; ENOENT if it has got yet another name instead of
 // the first.
 Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to, FileDescriptor const& item) {
-    Result<void> removed = removeName(from, item, &to);
+    Result<void> removed = removeName(from, item, &to, IfItStays::GetsItsNameBack);
     if (removed.isDone() || !(removed.problem().is(ESTALE) || removed.problem().is(ENOENT))) return removed;
     // Another item has the first name by now, which is none of ours, or none has. A server's own ESTALE tells neither.
     Leads const first = whereLeads(from.folder, from.name, item);
@@ -175,9 +175,9 @@ Result<void> StepwiseRename::removeFirstName(Place const& from, Place const& to,
 void StepwiseRename::takeBackSecondName(Place const& from, Place const& to, FileDescriptor const& item,
                                         SystemError const& problem) {
     bool const hasOtherName = problem.is(ENOENT);
-    if (hasOtherName) static_cast<void>(removeName(to, item, nullptr));
+    if (hasOtherName) static_cast<void>(removeName(to, item, nullptr, IfItStays::GetsItsNameBack));
     if (hasOtherName || whereLeads(from.folder, from.name, item) != Leads::ToItem) return;
-    static_cast<void>(removeName(to, item, &from));
+    static_cast<void>(removeName(to, item, &from, IfItStays::StaysAside));
 }
 
 // EEXIST if the name does not lead to the open item.
@@ -187,8 +187,10 @@ Result<void> StepwiseRename::confirmStillNamed(Place const& place, FileDescripto
     return isAnother ? nameIsTaken(place.name) : isThere;
 }
 
-// Removes a name of the open item: ESTALE if it leads to another one, EEXIST if the remaining name does.
-Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const& item, Place const* remaining) {
+// Removes a name of the open item: ESTALE if it leads to another one, EEXIST if the remaining name does. A name that
+// cannot be removed is given back, or stays aside, where it goes with the leftovers of this process.
+Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const& item, Place const* remaining,
+                                        IfItStays ifItStays) {
     if (Result<void> const isThere = confirmItemInFolder(place.folder, place.name, item); !isThere.isDone())
         return isThere;
     Result<ItemStatus> const status = statusOf(item);
@@ -205,8 +207,11 @@ Result<void> StepwiseRename::removeName(Place const& place, FileDescriptor const
     }
     Result<void> mayGo = confirmItemInFolder(there.folder, there.name, item);
     if (mayGo.isDone() && remaining != nullptr) mayGo = confirmStillNamed(*remaining, item);
-    if (mayGo.isDone() && !removeOwnName(there.folder, there.name)) mayGo = lastSystemError("unlink", place.name);
-    if (mayGo.isDone()) return mayGo;
+    if (mayGo.isDone()) {
+        if (removeOwnName(there.folder, there.name)) return {};
+        mayGo = lastSystemError("unlink", place.name);
+        if (ifItStays == IfItStays::StaysAside) return mayGo;
+    }
     Result<void> const isBack = giveBackName(there, place);
     return isBack.isDone() ? mayGo : isBack;
 }

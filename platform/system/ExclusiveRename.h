@@ -30,7 +30,8 @@ Result<void> moveAside(FileDescriptor const& folder, std::string const& name, st
 // what has the first name is moved aside under a name that no process knows, and removed only if it is the file and the
 // new name leads to it still. So no item of another process is replaced or removed. If the process is killed in
 // between, the file has both names, or the new one and that of the item moved aside, which goes with the leftovers of
-// ended processes; if it cannot get its first name back, it keeps the new one, too. A descriptor that was opened by the
+// ended processes; if it cannot get its first name back, it keeps the new one, too. If no name can be removed, the file
+// keeps the first one, and others of TemporaryName.h until the leftovers go. A descriptor that was opened by the
 // first name no longer tells the item's path.
 //
 // Where a file cannot have two names, or shows another inode number under each, the new name is taken by a symbolic
@@ -58,7 +59,9 @@ private:
     static void takeBackSecondName(Place const& from, Place const& to, FileDescriptor const& item,
                                    SystemError const& problem);
     static Result<void> confirmStillNamed(Place const& place, FileDescriptor const& item);
-    static Result<void> removeName(Place const& place, FileDescriptor const& item, Place const* remaining);
+    enum class IfItStays { GetsItsNameBack, StaysAside };
+    static Result<void> removeName(Place const& place, FileDescriptor const& item, Place const* remaining,
+                                   IfItStays ifItStays);
     static Result<void> giveBackName(Place const& aside, Place const& place);
     Result<void> renameByLink(Place const& from, Place const& to) const;
     static Result<std::string> textOfLink(Place const& from, Place const& to);

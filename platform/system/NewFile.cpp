@@ -114,6 +114,14 @@ Result<void> NewFile::giveName(std::string const& name, Place place) {
     return flushFolder(*m_folder);
 }
 
+Result<void> NewFile::giveNameUnflushed(std::string const& name) {
+    Result<void> const named = takeName(name, Place::IsTaken);
+    if (!named.isDone()) return named;
+    m_hasFinalName = true;
+    leaveFolder(*m_folder);
+    return {};
+}
+
 Result<void> NewFile::takeName(std::string const& name, Place place) const {
     if (place == Place::MustBeFree) return nameNewFile(*m_folder, m_name, name);
     int const folder = m_folder->number();

@@ -39,6 +39,9 @@ public:
     enum class Place { IsTaken, MustBeFree };
     // Renames it, once it is flushed, and flushes the folder. The file stays open.
     Result<void> giveName(std::string const& name, Place place);
+    // Renames it over a file of that name, if there is one, without waiting for the disk: after a crash the name may
+    // lead to the old file, the new one, or one that is not whole. For files whose readers check them and do without.
+    Result<void> giveNameUnflushed(std::string const& name);
 
 private:
     NewFile(FileDescriptor const& folder, std::string name, FileDescriptor file);

@@ -1,9 +1,12 @@
 #include "platform/system/OpenItems.h"
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <mutex>
 #include <unistd.h>
 
 namespace mac {
@@ -13,7 +16,11 @@ namespace {
 constexpr std::size_t ReadingBlockSize = std::size_t{32} << 10;
 
 Result<std::string> textOfLink(int folder, char const* name) {
-    for (std::size_t size = PATH_MAX;; size *= 2) {
+    std::array<char, PATH_MAX> room;
+    ssize_t const count = ::readlinkat(folder, name, room.data(), room.size());
+    if (count < 0) return lastSystemError("readlink", name);
+    if (static_cast<std::size_t>(count) < room.size()) return std::string(room.data(), static_cast<std::size_t>(count));
+    for (std::size_t size = std::size_t{2} * PATH_MAX;; size *= 2) {
         std::string text(size, '\0');
         ssize_t const length = ::readlinkat(folder, name, text.data(), text.size());
         if (length < 0) return lastSystemError("readlink", name);
@@ -22,6 +29,24 @@ Result<std::string> textOfLink(int folder, char const* name) {
         text.resize(static_cast<std::size_t>(length));
         return text;
     }
+}
+
+// The folder in which the system shows this process's open descriptors as links to what they are open on; -1 if it
+// cannot be opened. Kept open, since going there takes longer than reading a link. After a fork it is still that of the
+// parent.
+int folderOfDescriptors() {
+    struct Folder {
+        std::mutex lock{};
+        FileDescriptor folder{};
+        pid_t process{-1};
+    };
+    // Never destroyed, since paths may be asked for until the program's last instruction.
+    static Folder& shared = *std::make_unique<Folder>().release();
+    std::scoped_lock const lock(shared.lock);
+    if (shared.process == ::getpid() && shared.folder.isOpen()) return shared.folder.number();
+    shared.folder = FileDescriptor(::open("/proc/self/fd", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    shared.process = ::getpid();
+    return shared.folder.number();
 }
 
 FolderEntry::Kind kindOf(unsigned char type) {
@@ -35,7 +60,9 @@ FolderEntry::Kind kindOf(unsigned char type) {
 std::string descriptorPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
 
 Result<std::string> systemsPath(FileDescriptor const& item) {
-    Result<std::string> path = textOfLink(AT_FDCWD, descriptorPath(item).c_str());
+    int const folder = item.isOpen() ? folderOfDescriptors() : -1;
+    Result<std::string> path = folder < 0 ? textOfLink(AT_FDCWD, descriptorPath(item).c_str())
+                                          : textOfLink(folder, std::to_string(item.number()).c_str());
     if (!path.hasValue() || path.value().starts_with('/')) return path;
     return SystemError{.code = ENOENT, .operation = "readlink", .item = path.takeValue()};
 }

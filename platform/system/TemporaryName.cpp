@@ -21,6 +21,8 @@ constexpr std::string_view SidecarPrefix = "._";
 constexpr std::string_view HexadecimalDigits = "0123456789abcdef";
 constexpr std::size_t RandomDigits = 32;
 constexpr std::size_t MarkDigits = 16;
+constexpr std::size_t HalfMarkDigits = MarkDigits / 2;
+constexpr char BetweenMarks = '+';
 
 // The beginning of a file of the system's; empty if it cannot be read.
 std::string beginningOf(std::string const& path) {
@@ -102,6 +104,13 @@ bool isHexadecimal(std::string_view text) {
     return text.find_first_not_of(HexadecimalDigits) == std::string_view::npos;
 }
 
+// The mark of so many hexadecimal digits.
+std::optional<std::uint64_t> markIn(std::string_view text, std::size_t digits) {
+    std::uint64_t mark = 0;
+    bool const isMark = text.size() == digits && isHexadecimal(text) && parse(text, mark, 16);
+    return isMark ? std::optional(mark) : std::nullopt;
+}
+
 Result<std::string> randomDigits() {
     std::array<unsigned char, RandomDigits / 2> random{};
     if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
@@ -169,6 +178,22 @@ Result<std::string> asideName(std::uint64_t mark) {
     return name.takeValue().append("-").append(hexadecimal(mark));
 }
 
+Result<std::string> asideNameForEither(std::uint64_t oneMark, std::uint64_t otherMark) {
+    Result<std::string> name = temporaryName();
+    if (!name.hasValue()) return name;
+    // Half of each: file systems that encrypt names leave no room for more.
+    std::string const one = hexadecimal(oneMark).substr(HalfMarkDigits);
+    std::string const other = hexadecimal(otherMark).substr(HalfMarkDigits);
+    return name.takeValue().append("-").append(one).append(1, BetweenMarks).append(other);
+}
+
+bool ParsedTemporaryName::accepts(std::uint64_t itemMark) const {
+    if (!mark) return true;
+    if (!otherMark) return itemMark == *mark;
+    std::uint64_t const half = itemMark & 0xFFFF'FFFFU;
+    return half == *mark || half == *otherMark;
+}
+
 std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name) {
     if (name.starts_with(SidecarPrefix)) name.remove_prefix(SidecarPrefix.size());
     if (!name.starts_with(temporaryNamePrefix) || name.ends_with('-')) return std::nullopt;
@@ -184,10 +209,13 @@ std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name) {
     std::string_view const random = takePart(name);
     if (random.size() != RandomDigits || !isHexadecimal(random)) return std::nullopt;
     if (name.empty()) return parsed;
-    std::uint64_t mark = 0;
-    if (name.size() != MarkDigits || !isHexadecimal(name) || !parse(name, mark, 16)) return std::nullopt;
-    parsed.mark = mark;
-    return parsed;
+    std::size_t const between = std::min(name.find(BetweenMarks), name.size());
+    std::string_view const other = name.substr(std::min(between + 1, name.size()));
+    std::size_t const digits = between == name.size() ? MarkDigits : HalfMarkDigits;
+    parsed.mark = markIn(name.substr(0, between), digits);
+    if (between < name.size()) parsed.otherMark = markIn(other, digits);
+    bool const isMarked = parsed.mark && (between == name.size() || parsed.otherMark);
+    return isMarked ? std::optional(parsed) : std::nullopt;
 }
 
 } // namespace mac

@@ -50,6 +50,8 @@ Result<std::string> temporaryName();
 // For an item that is moved aside before it is removed. It goes with this process only if it still has the mark, which
 // tells what it is to be.
 Result<std::string> asideName(std::uint64_t mark);
+// For an item that is exchanged with another one: whichever of the two has the name goes with this process.
+Result<std::string> asideNameForEither(std::uint64_t oneMark, std::uint64_t otherMark);
 // The mark that no item has: for an item that is moved aside to come back, which never goes with its process.
 inline constexpr std::uint64_t MarkOfNoItem = 0;
 
@@ -57,6 +59,11 @@ struct ParsedTemporaryName {
     TemporaryOwner owner{};
     // The mark of the item that was moved aside under the name; nullopt for the name of an unfinished copy.
     std::optional<std::uint64_t> mark{};
+    // Set in the name of two items that are exchanged. Both marks have 32 bits only then.
+    std::optional<std::uint64_t> otherMark{};
+
+    // Whether an item with this mark is one that goes with the process.
+    bool accepts(std::uint64_t itemMark) const;
 };
 // nullopt for names of another form. A "._" before the name does not count.
 std::optional<ParsedTemporaryName> parseTemporaryName(std::string_view name);

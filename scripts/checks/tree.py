@@ -9,8 +9,10 @@ from pathlib import Path
 ROOT = Path(sys.argv[1] if len(sys.argv) > 1 else Path(__file__).parents[2]).resolve()
 
 LIBRARY = ("coreutils", "pathutils", "scripting")
-FOUR_ROOMS = ("app",) + LIBRARY
-CODE = FOUR_ROOMS + ("platform", "tests", "benchmarks", "fuzz")
+PROGRAMS = ("app", "command")
+# The rooms that see platform through its interfaces alone.
+UPPER_ROOMS = PROGRAMS + LIBRARY
+CODE = UPPER_ROOMS + ("platform", "tests", "benchmarks", "fuzz")
 
 _COMMENT = r"//(?:\\\n|[^\n])*|/\*.*?\*/"
 _TEXT = (r'(?:u8|[uUL])?R"(?P<mark>[^\s()\\]{0,16})\(.*?\)(?P=mark)"'

@@ -44,7 +44,7 @@ protected:
 
     TemporaryFolder m_folder;
     // Takes in three results in a step.
-    AppController m_controller = adopt<AppController>(sleepForInterval, std::size_t{3}).init();
+    AppController m_controller = adopt<AppController>(sleepForInterval, SyncStep{.paths = 3}).init();
     NSString m_last;
 };
 
@@ -124,12 +124,12 @@ TEST_F(InventorySyncInSteps, AreAtOnceTheInventoryWhenThatIsAskedFor) {
 TEST_F(InventorySyncInSteps, ChangesNothingBeforeAllResultsWereLookedAt) {
     NSMutableSet const before = m_controller.isOnHarddiskPaths();
     InventorySync sync(m_controller.query().results());
-    EXPECT_TRUE(sync.advance(m_controller, ManyCopies - 1));
+    EXPECT_TRUE(sync.advance(m_controller, {.paths = ManyCopies - 1}));
     EXPECT_TRUE(isSame(m_controller.isOnHarddiskPaths(), before));
-    EXPECT_TRUE(sync.advance(m_controller, 2));
+    EXPECT_TRUE(sync.advance(m_controller, {.paths = 2}));
     EXPECT_FALSE(isSame(m_controller.isOnHarddiskPaths(), before));
     EXPECT_EQ(m_controller.paths().count(), 0U);
-    EXPECT_FALSE(sync.advance(m_controller, ManyCopies));
+    EXPECT_FALSE(sync.advance(m_controller, {.paths = ManyCopies}));
     EXPECT_EQ(m_controller.paths().count(), ManyCopies);
 }
 

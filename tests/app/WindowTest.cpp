@@ -1,6 +1,9 @@
+#include "app/AppControllerBody.h"
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/foundation/Method.h"
 #include "platform/foundation/NSSortDescriptor.h"
+#include "platform/system/walker/VolumeWalker.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
@@ -9,7 +12,10 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QLabel>
+#include <QMouseEvent>
+#include <QPointer>
 #include <QTest>
+#include <QToolBar>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -216,6 +222,67 @@ TEST_F(Window, KeepsItsRowsWhenTheSearchIsStopped) {
     controller().stopAction_(nil);
     EXPECT_TRUE(controller().query().isStopped());
     EXPECT_EQ(table()->model()->rowCount(), 1);
+}
+
+// Presses the button as soon as the query tells of its first finds: the events of the mouse are queued behind what that
+// has begun.
+class ClickAtProgress : public Handle<ClickAtProgress, NSObject> {
+public:
+    class Body : public ObjectBody {
+    public:
+        explicit Body(QWidget* button) : m_button(button) {}
+
+        void click() {
+            if (!m_button) return;
+            QPointF const place = m_button->rect().center();
+            for (QEvent::Type const type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+                Qt::MouseButtons const held = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+                auto event = std::make_unique<QMouseEvent>(type, place, m_button->mapToGlobal(place), Qt::LeftButton,
+                                                           held, Qt::NoModifier);
+                QCoreApplication::postEvent(m_button, event.release());
+            }
+            m_button = nullptr;
+        }
+
+    private:
+        QPointer<QWidget> m_button;
+    };
+    using Handle::Handle;
+
+    static ClassDescription describeClass() {
+        return {.name = "ClickAtProgress",
+                .superclass = classOf<NSObject>(),
+                .methods = {{"click:", [](id const& object, std::span<id const>) {
+                                 bodyOf(uncheckedCast<ClickAtProgress>(object))->click();
+                                 return id();
+                             }}}};
+    }
+};
+
+TEST_F(Window, AnswersAClickOnStopBeforeManyCopiesAreTakenIn) {
+    // Several steps of the query, and of the inventory for what the first of its batches holds.
+    constexpr NSUInteger copies = 3 * SyncStep{}.paths;
+    std::string const information = mac::test::informationFile("com.tidelark.mirrorframe", "2.1", "210");
+    for (NSUInteger index = 0; index < copies; ++index)
+        m_folder.makeFile(std::to_string(index) + "/Mirror Frame.app/Info.plist", information);
+    open();
+    controller().query().disableUpdates();
+    auto const* const bar = find<QToolBar>("copyToolBar");
+    ClickAtProgress const click = adopt<ClickAtProgress>(bar->widgetForAction(find<QAction>("stopAction")));
+    NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(
+        click, "click:", NSMetadataQueryGatheringProgressNotification, controller().query());
+    // The walk finds everything before the query tells of anything.
+    VolumeWalker walk({.roots = {m_folder.path()}, .names = {CompanionFileName}}, [] { performOnMainRunLoop([] {}); });
+    ASSERT_TRUE(walk.start());
+    ASSERT_TRUE(runUntil([&] { return walk.progress().isFinished; }));
+    controller().query().enableUpdates();
+    ASSERT_TRUE(runUntil([this] { return controller().query().isStopped(); }));
+    NSUInteger const found = controller().query().resultCount();
+    ASSERT_GT(found, SyncStep{}.paths);
+    EXPECT_LT(controller().paths().count(), found) << "the click came between two steps";
+    EXPECT_TRUE(runUntil([&] { return table()->model()->rowCount() == static_cast<int>(found); }))
+        << "what was found stays";
+    NSNotificationCenter::defaultCenter().removeObserver_(click);
 }
 
 TEST_F(Window, QuitsTheSelectedCopy) {

@@ -7,6 +7,7 @@ usage: use_window.py PROCESS row PATH     prints the cells of the row with the p
        use_window.py PROCESS press KEYS   presses keys such as "ctrl+shift+l" wherever the keyboard is
        use_window.py PROCESS status       prints what the status line says
        use_window.py PROCESS button NAME  prints "enabled" or "disabled: " and why
+       use_window.py 0 bus                prints the address of the bus of assistive technology
        use_window.py 0 wake               starts the registry of programs; prints "awake" once it answers
 """
 
@@ -15,7 +16,7 @@ import sys
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, GLib  # noqa: E402 (the version must be chosen first)
+from gi.repository import Atspi, Gio, GLib  # noqa: E402 (the version must be chosen first)
 
 
 def children(element):
@@ -52,7 +53,7 @@ def has_state(element, state):
 
 # The codes of keys that are held, which are the same on every keyboard, and the symbols of keys with a name.
 HELD = {"ctrl": 37, "shift": 50, "alt": 64}
-SYMBOLS = {"delete": 0xFFFF, "return": 0xFF0D, "f5": 0xFFC2}
+SYMBOLS = {"delete": 0xFFFF, "return": 0xFF0D, "escape": 0xFF1B, "f5": 0xFFC2}
 
 
 def press(keys):
@@ -117,6 +118,12 @@ def tell(process, verb, argument):
     if verb == "wake":
         Atspi.get_desktop(0).get_child_count()
         print("awake")
+        return
+    if verb == "bus":
+        session = Gio.bus_get_sync(Gio.BusType.SESSION)
+        answer = session.call_sync("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", None, None,
+                                   Gio.DBusCallFlags.NONE, -1, None)
+        print(answer.unpack()[0])
         return
     program = program_of(process)
     if verb == "press":

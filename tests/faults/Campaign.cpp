@@ -39,6 +39,15 @@ void exchange() {
     (void)::syscall(SYS_renameat2, AT_FDCWD, exchangedPath.c_str(), AT_FDCWD, linkPath.c_str(), renameExchange);
 }
 
+// What the system refused so that the product's rule for that counts, not its rule for failures.
+void addRefusals(Circumstances& circumstances, FaultPoint const& point, std::string_view call) {
+    if (point.action != Action::Fail) return;
+    constexpr std::array<std::string_view, 3> ownership{"fchown", "fchownat", "setxattr"};
+    bool const isOfAccess = std::ranges::find(ownership, call) != ownership.end();
+    circumstances.refusesAccess = isOfAccess && point.error == EACCES;
+    circumstances.refusesValue = call == "setxattr" && point.error == ENOSPC;
+}
+
 Undoing undoingAfter(FaultPoint const& point, std::string_view call) {
     if (point.action != Action::Fail) return Undoing::IsPossible;
     bool const isRemoval = call.starts_with("unlink") && point.error != EINTR;
@@ -68,7 +77,8 @@ std::string Break::text() const {
 }
 
 Campaign::Campaign(Fixture const& fixture, CampaignOptions options)
-    : m_fixture(fixture), m_options(std::move(options)), m_random(m_options.seed) {
+    : m_fixture(fixture), m_options(std::move(options)), m_canExchangeNames(fixture.canExchangeNames()),
+      m_random(m_options.seed) {
     void* const memory = ::mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) throw std::bad_alloc();
     m_shared = new (memory) Shared;
@@ -80,7 +90,7 @@ void Campaign::run(Operation const& operation) {
     if (operation.needs == Needs::TwoVolumes && !m_fixture.hasSecondVolume()) return;
     if (operation.needs == Needs::Attributes && !m_fixture.canKeepAttributes()) return;
     bool const exchangesNames = operation.needs == Needs::ExchangedNames;
-    if (exchangesNames && !m_fixture.canExchangeNames()) return;
+    if (exchangesNames && !m_canExchangeNames) return;
     for (Volume const volume : m_options.volumes)
         if (!exchangesNames || volume == Volume::Ordinary) runOn(operation, volume);
 }
@@ -262,20 +272,28 @@ void Campaign::take(Operation const& operation, FaultPoint const& point) {
 }
 
 void Campaign::judge(Operation const& operation, FaultPoint const& point, Trial const& trial) {
-    Judgement const judgement(operation, m_expectation, trial.found);
     bool const isExchange = point.action == Action::Disturb;
     std::string const call = callAt(point);
-    Undoing const undoing = undoingAfter(point, call);
+    Circumstances const circumstances = circumstancesOf(point, call);
+    Judgement const judgement(operation, m_expectation, trial.found, circumstances);
     bool const isReached =
         !isExchange && trial.ending == Ending::SaidDone && operation.isReached && operation.isReached(m_fixture);
     if (!isExchange && trial.ending == Ending::SaidFailed && trial.found == m_expectation.after)
         ++m_counts.deniedSuccesses;
     for (Finding const& finding : isExchange ? judgement.afterExchange(trial.ending, point.exchanged)
-                                             : judgement.afterFault(trial.ending, undoing, isReached))
+                                             : judgement.afterFault(trial.ending, isReached))
         report(operation, point, call, finding);
-    if (point.action != Action::Kill && undoing == Undoing::IsPossible) return;
+    if (point.action != Action::Kill && circumstances.undoing == Undoing::IsPossible) return;
     bool const hasLeftover = std::ranges::any_of(trial.found, [](auto const& i) { return isTemporaryName(i.first); });
     if (hasLeftover) writeAgain(operation, point, call);
+}
+
+Circumstances Campaign::circumstancesOf(FaultPoint const& point, std::string const& call) const {
+    Circumstances circumstances{.undoing = undoingAfter(point, call),
+                                .replacesInSteps =
+                                    point.volume == Volume::WithoutExclusiveRename || !m_canExchangeNames};
+    addRefusals(circumstances, point, call);
+    return circumstances;
 }
 
 // The same operation once more, which may refuse what is there by now, and a copy to each folder with a temporary name.
@@ -292,7 +310,8 @@ void Campaign::writeAgain(Operation const& operation, FaultPoint const& point, s
     runApart(again, {.volume = point.volume, .at = ~0U});
     Snapshot const found = m_fixture.snapshot();
     m_isPrepared = false;
-    for (Finding const& finding : Judgement(operation, m_expectation, found).afterNextWrite())
+    for (Finding const& finding :
+         Judgement(operation, m_expectation, found, circumstancesOf(point, call)).afterNextWrite())
         report(operation, point, call, finding);
 }
 

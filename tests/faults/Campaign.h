@@ -101,6 +101,7 @@ private:
     void judge(Operation const& operation, FaultPoint const& point, Trial const& trial);
     void writeAgain(Operation const& operation, FaultPoint const& point, std::string const& call);
     std::string callAt(FaultPoint const& point) const;
+    Circumstances circumstancesOf(FaultPoint const& point, std::string const& call) const;
     void report(Operation const& operation, FaultPoint const& point, std::string const& call, Finding const& finding);
     void prepare(Operation const& operation);
     Ending runApart(std::function<bool()> const& action, Plan const& plan);
@@ -110,6 +111,7 @@ private:
 
     Fixture const& m_fixture;
     CampaignOptions m_options;
+    bool m_canExchangeNames;
     Shared* m_shared;
     Expectation m_expectation{};
     // The folders hold what prepare() made.

@@ -1,3 +1,4 @@
+#include "platform/system/TemporaryName.h"
 #include "tests/faults/KnownBreaks.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::faults {
 namespace {
@@ -115,6 +117,71 @@ TEST_F(Faults, ACarefulOperationBreaksNoPromise) {
         .prepare = [](Fixture const&) {},
         .run = [](Fixture const& fixture) { return ::mkdir(fixture.path("w/x").c_str(), 0700) == 0; }};
     EXPECT_EQ(brokenBy(m_fixture, careful), std::vector<Promise>());
+}
+
+// What the promises allow where the system itself refuses is no more than that.
+TEST(Judging, ARefusedOwnerMayNarrowAccessAndNothingElse) {
+    Operation const operation{.name = "copy"};
+    SeenItem const expected{.kind = "file", .owner = 12345, .contents = "text", .mode = 0640, .accessList = "list"};
+    Expectation const expectation{.before = {}, .after = {{"o/x", expected}}};
+    auto const isTrue = [&](SeenItem const& found) {
+        Circumstances const circumstances{.refusesAccess = true};
+        return Judgement(operation, expectation, {{"o/x", found}}, circumstances)
+            .afterFault(Ending::SaidDone, false)
+            .empty();
+    };
+    SeenItem narrower = expected;
+    narrower.owner = ::geteuid();
+    narrower.mode = 0600;
+    narrower.accessList.clear();
+    EXPECT_TRUE(isTrue(narrower));
+    for (auto const change : {+[](SeenItem& item) { item.mode = 0660; }, +[](SeenItem& item) { item.contents = "t"; },
+                              +[](SeenItem& item) { item.accessList = "another"; },
+                              +[](SeenItem& item) { item.attributes["user.note"] = "note"; },
+                              +[](SeenItem& item) { item.owner = 54321; }}) {
+        SeenItem other = narrower;
+        change(other);
+        EXPECT_FALSE(isTrue(other));
+    }
+    EXPECT_FALSE(Judgement(operation, expectation, {{"o/x", narrower}}).afterFault(Ending::SaidDone, false).empty());
+}
+
+TEST_F(Faults, ARefusedValueCountsWhereTheLibraryReadsIt) {
+    m_fixture.reset();
+    m_fixture.makeFile("w/x");
+    Snapshot expected = m_fixture.snapshot();
+    expected.at("w/x").attributes["user.beside"] = secretText("w/._x");
+    expected.at("w/x").secrets.push_back(secretText("w/._x"));
+    m_fixture.makeSidecar("w", "x");
+    Snapshot const found = m_fixture.snapshot();
+    Operation const operation{.name = "set"};
+    auto const isTrue = [&](Circumstances const& circumstances) {
+        return Judgement(operation, {.before = {}, .after = expected}, found, circumstances)
+            .afterFault(Ending::SaidDone, false)
+            .empty();
+    };
+    EXPECT_TRUE(isTrue({.refusesValue = true}));
+    EXPECT_FALSE(isTrue({}));
+    expected.at("w/x").attributes["user.beside"] = "another";
+    EXPECT_FALSE(isTrue({.refusesValue = true}));
+}
+
+TEST(Judging, AReplacedItemMayBeAsideWholeWhereNamesCannotBeExchanged) {
+    Operation const operation{.name = "replace", .replaced = "o/x"};
+    SeenItem const folder{.kind = "folder", .isFolder = true};
+    SeenItem const file{.kind = "file", .contents = "old"};
+    Expectation const expectation{.before = {{"o/x", folder}, {"o/x/old", file}}, .after = {{"o/x", file}}};
+    std::string const aside = "o/" + asideName(MarkOfNoItem).value();
+    auto const findings = [&](Snapshot const& found, bool inSteps) {
+        return Judgement(operation, expectation, found, {.replacesInSteps = inSteps}).afterFault(Ending::Killed, false);
+    };
+    Snapshot const whole{{aside, folder}, {aside + "/old", file}};
+    EXPECT_TRUE(findings(whole, true).empty());
+    EXPECT_TRUE(Judgement(operation, expectation, whole, {.replacesInSteps = true}).afterNextWrite().empty());
+    EXPECT_FALSE(Judgement(operation, expectation, whole).afterNextWrite().empty());
+    EXPECT_FALSE(findings(whole, false).empty());
+    EXPECT_FALSE(findings({{aside, folder}}, true).empty()) << "what was in it is lost";
+    EXPECT_FALSE(findings({}, true).empty());
 }
 
 TEST_F(Faults, AnOperationWithoutCallsIsNoneToTest) {

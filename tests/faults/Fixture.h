@@ -37,6 +37,8 @@ public:
     void makeLink(std::string_view relative, std::string const& target) const;
     // False if the volume has no attributes.
     bool setAttribute(std::string_view relative, char const* name, std::string const& value) const;
+    // Makes the item another user's and another group's, as root; other users cannot.
+    void giveAway(std::string_view relative) const;
     // What is made in the folder from now on may be read by another user, too, where the volume knows access lists.
     void shareByDefault(std::string_view folder) const;
     // A trash that is there already.

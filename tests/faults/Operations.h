@@ -56,6 +56,8 @@ struct Operation {
     // The disk is compared in any case.
     std::function<bool(Fixture const&)> isReached{};
     std::vector<Item> items{};
+    // An item that is replaced in its place and then deleted; see Circumstances::replacesInSteps.
+    std::string replaced{};
     // Names which another process exchanges with a link to the canary, which stays untouched.
     std::vector<std::string> exchanged{};
     // Folders on the way to the items, exchanged in the same way. A path may lead through a link, so the item of the
@@ -75,6 +77,7 @@ std::vector<Operation> pathOperations();
 std::vector<Operation> fileOperations();
 std::vector<Operation> listOperations();
 std::vector<Operation> scriptOperations();
+std::vector<Operation> undoOperations();
 // Operations that break each promise, for the campaign's own tests.
 std::vector<Operation> carelessOperations();
 

@@ -73,6 +73,15 @@ std::vector<Operation> fileOperations() {
          .run = writeData,
          .items = {kept},
          .exchangedWays = Ways},
+        {.name = "write a file of another user",
+         .prepare =
+             [](Fixture const& fixture) {
+                 makeFile(fixture);
+                 fixture.giveAway("w/x");
+             },
+         .run = writeData,
+         .items = {kept},
+         .exchangedWays = Ways},
         {.name = "write a file that a link leads to",
          .prepare =
              [](Fixture const& fixture) {

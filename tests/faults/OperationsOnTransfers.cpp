@@ -33,6 +33,11 @@ void makeFile(Fixture const& fixture) {
     fixture.setAttribute("w/x", "user.note", secretText("note"));
 }
 
+void makeFileOfAnother(Fixture const& fixture) {
+    makeFile(fixture);
+    fixture.giveAway("w/x");
+}
+
 void makeWithSidecar(Fixture const& fixture) {
     makeFile(fixture);
     fixture.makeSidecar("w", "x");
@@ -89,6 +94,13 @@ std::vector<Operation> transferOperations() {
         {.name = "copy a file",
          .flushing = Flushing::Later,
          .prepare = makeFile,
+         .run = transferring(Copy, "o"),
+         .items = {kept},
+         .exchanged = {"w/x"},
+         .exchangedWays = Ways},
+        {.name = "copy a file of another user",
+         .flushing = Flushing::Later,
+         .prepare = makeFileOfAnother,
          .run = transferring(Copy, "o"),
          .items = {kept},
          .exchanged = {"w/x"},

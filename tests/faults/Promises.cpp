@@ -1,6 +1,7 @@
 #include "tests/faults/Promises.h"
 #include "platform/system/TemporaryName.h"
 #include <algorithm>
+#include <unistd.h>
 
 namespace mac::faults {
 
@@ -94,12 +95,53 @@ bool Judgement::isRecordWithoutItem(std::string const& path) const {
     return !m_found.contains(item);
 }
 
+Judgement::Judgement(Operation const& operation, Expectation const& expectation, Snapshot const& found,
+                     Circumstances const& circumstances)
+    : m_operation(operation), m_expectation(expectation), m_found(found), m_circumstances(circumstances) {
+    if (!circumstances.refusesValue) return;
+    m_expectation = {.before = asLibraryReads(expectation.before), .after = asLibraryReads(expectation.after)};
+    m_found = asLibraryReads(found);
+}
+
+bool Judgement::isEqual(SeenItem const& found, SeenItem const& expected) const {
+    if (found == expected) return true;
+    if (!m_circumstances.refusesAccess) return false;
+    // All but access is as it should be, and access is no wider.
+    SeenItem same = found;
+    same.mode = expected.mode;
+    same.accessList = expected.accessList;
+    if (found.owner == ::geteuid()) same.owner = expected.owner;
+    if (found.group == ::getegid()) same.group = expected.group;
+    bool const keepsList = found.accessList.empty() || found.accessList == expected.accessList;
+    return same == expected && keepsList && (found.mode & ~expected.mode) == 0;
+}
+
+// Whether what has the temporary name is the replaced item, whole.
+bool Judgement::isReplacedAt(std::string const& temporary) const {
+    std::string const& place = m_operation.replaced;
+    if (!m_expectation.before.contains(place)) return false;
+    std::size_t const folder = place.rfind('/') + 1;
+    bool const isBeside =
+        temporary.starts_with(place.substr(0, folder)) && temporary.find('/', folder) == temporary.npos;
+    if (!isBeside || !isTemporaryName(temporary)) return false;
+    return std::ranges::all_of(m_expectation.before, [&](auto const& entry) {
+        if (!isAtOrBelow(entry.first, place)) return true;
+        SeenItem const* const found = itemAt(m_found, temporary + entry.first.substr(place.size()));
+        return found && *found == entry.second;
+    });
+}
+
+bool Judgement::isReplacedAside() const {
+    if (m_operation.replaced.empty() || !m_circumstances.replacesInSteps) return false;
+    return std::ranges::any_of(m_found, [this](auto const& item) { return isReplacedAt(item.first); });
+}
+
 bool Judgement::isAsIn(Snapshot const& expected) const {
     for (auto const& [path, item] : m_found)
         if (!expected.contains(path) && !isMadeToStay(path)) return false;
     return std::ranges::all_of(expected, [&](auto const& entry) {
         SeenItem const* const found = itemAt(m_found, entry.first);
-        return found && *found == entry.second;
+        return found && isEqual(*found, entry.second);
     });
 }
 
@@ -124,7 +166,7 @@ void Judgement::checkReaders(std::set<Finding>& findings) const {
 bool Judgement::isSame(SeenItem const& found, SeenItem const& expected) const {
     bool const isWhole =
         m_operation.failure != Failure::LeavesSomeFields && m_operation.failure != Failure::LeavesSomeFieldsIfCut;
-    if (isWhole) return found == expected;
+    if (isWhole) return isEqual(found, expected);
     return found.secrets == expected.secrets && found.isFolder == expected.isFolder;
 }
 
@@ -142,6 +184,9 @@ bool Judgement::isWholeAt(std::string const& place, Snapshot const& expected) co
 
 void Judgement::checkItems(std::set<Finding>& findings) const {
     for (Item const& item : m_operation.items) {
+        // What a sidecar holds counts as its item's then, which is looked at itself.
+        bool const isBesideItem = item.before.find("/._") != std::string::npos;
+        if (m_circumstances.refusesValue && isBesideItem) continue;
         if (isWholeAt(item.before, m_expectation.before) || isWholeAt(item.after, m_expectation.after)) continue;
         findings.insert({Promise::ItemIsWhole, item.before + difference(m_expectation.before, m_found)});
     }
@@ -157,6 +202,7 @@ bool Judgement::hasLeft(std::string const& path) const {
 // Each path is as before or as after.
 void Judgement::checkPaths(std::set<Finding>& findings) const {
     std::string wrong;
+    bool const isAside = isReplacedAside();
     std::set<std::string> paths;
     for (Snapshot const* const snapshot : {&m_expectation.before, &m_expectation.after, &m_found})
         for (auto const& [path, item] : *snapshot)
@@ -170,6 +216,7 @@ void Judgement::checkPaths(std::set<Finding>& findings) const {
         };
         if (isAs(before) || isAs(after) || isMadeToStay(path) || isRecordWithoutItem(path)) continue;
         if (!found && hasLeft(path)) continue;
+        if (!found && isAtOrBelow(path, m_operation.replaced) && isAside) continue;
         bool const isBelowTemporary = [&path] {
             for (std::size_t at = path.find('/'); at != std::string::npos; at = path.find('/', at + 1))
                 if (isTemporaryName(path.substr(0, at))) return true;
@@ -180,18 +227,18 @@ void Judgement::checkPaths(std::set<Finding>& findings) const {
     if (!wrong.empty()) findings.insert({Promise::ItemIsWhole, "neither old nor new:" + wrong});
 }
 
-void Judgement::checkSuccess(std::set<Finding>& findings, Undoing undoing, bool isReached) const {
+void Judgement::checkSuccess(std::set<Finding>& findings, bool isReached) const {
     if (isAsIn(m_expectation.after)) return;
     bool const hasTemporary = std::ranges::any_of(m_found, [](auto const& i) { return isTemporaryName(i.first); });
-    if (undoing == Undoing::IsImpossible && hasTemporary) return checkPaths(findings);
+    if (m_circumstances.undoing == Undoing::IsImpossible && hasTemporary) return checkPaths(findings);
     if (hasTemporary) findings.insert({Promise::NoLeftovers, "temporary names stay after a success"});
     if (!isReached)
         findings.insert({Promise::AnswerIsTrue, "success was said:" + difference(m_expectation.after, m_found)});
 }
 
-void Judgement::checkFailure(std::set<Finding>& findings, Undoing undoing) const {
+void Judgement::checkFailure(std::set<Finding>& findings) const {
     if (isAsIn(m_expectation.after) || isAsIn(m_expectation.before)) return;
-    if (undoing == Undoing::IsImpossible) return checkPaths(findings);
+    if (m_circumstances.undoing == Undoing::IsImpossible) return checkPaths(findings);
     bool const hasTemporary = std::ranges::any_of(m_found, [](auto const& i) { return isTemporaryName(i.first); });
     if (hasTemporary) findings.insert({Promise::NoLeftovers, "temporary names stay after a failure"});
     bool const isPartial =
@@ -201,15 +248,15 @@ void Judgement::checkFailure(std::set<Finding>& findings, Undoing undoing) const
         findings.insert({Promise::AnswerIsTrue, "failure was said:" + difference(m_expectation.before, m_found)});
 }
 
-std::set<Finding> Judgement::afterFault(Ending ending, Undoing undoing, bool isReached) const {
+std::set<Finding> Judgement::afterFault(Ending ending, bool isReached) const {
     std::set<Finding> findings;
     checkEnding(findings, ending);
     checkReaders(findings);
     if (!isReached) checkItems(findings);
     if (ending == Ending::SaidDone)
-        checkSuccess(findings, undoing, isReached);
+        checkSuccess(findings, isReached);
     else if (ending == Ending::SaidFailed)
-        checkFailure(findings, undoing);
+        checkFailure(findings);
     else
         checkPaths(findings);
     return findings;
@@ -249,7 +296,7 @@ std::set<Finding> Judgement::afterExchange(Ending ending, std::string const& exc
 
 std::set<Finding> Judgement::afterNextWrite() const {
     for (auto const& [path, item] : m_found)
-        if (isTemporaryName(path))
+        if (isTemporaryName(path) && !(m_circumstances.replacesInSteps && isReplacedAt(path)))
             return {{Promise::NoLeftovers, "temporary names stay after a kill and a second write"}};
     return {};
 }

@@ -43,6 +43,19 @@ enum class Undoing {
     IsImpossible,
 };
 
+// What the system itself refused, or cannot do, and what the promises allow for that.
+struct Circumstances {
+    Undoing undoing{Undoing::IsPossible};
+    // An owner or an access list was refused: an item may belong to the user who runs this and lack its list, if nobody
+    // gets any permission by that.
+    bool refusesAccess{false};
+    // The volume refused an attribute's value: it counts where the library reads it.
+    bool refusesValue{false};
+    // Names cannot be exchanged in one step: once undoing is impossible, and after the end of the process, an item that
+    // is replaced in place (Operation::replaced) may be whole under a temporary name beside its own, and stay there.
+    bool replacesInSteps{false};
+};
+
 // What is on the disk before the operation, and what after it without a fault.
 struct Expectation {
     Snapshot before{};
@@ -62,12 +75,12 @@ bool isTemporaryName(std::string_view path);
 // Compares what is found with what was promised.
 class Judgement {
 public:
-    // All must outlive the object.
-    Judgement(Operation const& operation, Expectation const& expectation, Snapshot const& found)
-        : m_operation(operation), m_expectation(expectation), m_found(found) {}
+    // The operation must outlive the object.
+    Judgement(Operation const& operation, Expectation const& expectation, Snapshot const& found,
+              Circumstances const& circumstances = {});
 
     // After a fault.
-    std::set<Finding> afterFault(Ending ending, Undoing undoing, bool isReached) const;
+    std::set<Finding> afterFault(Ending ending, bool isReached) const;
     // After another process exchanged a name with a link.
     std::set<Finding> afterExchange(Ending ending, std::string const& exchanged) const;
     // After a killed operation and another one in the same folder.
@@ -78,10 +91,13 @@ private:
     void checkReaders(std::set<Finding>& findings) const;
     void checkItems(std::set<Finding>& findings) const;
     void checkPaths(std::set<Finding>& findings) const;
-    void checkSuccess(std::set<Finding>& findings, Undoing undoing, bool isReached) const;
-    void checkFailure(std::set<Finding>& findings, Undoing undoing) const;
+    void checkSuccess(std::set<Finding>& findings, bool isReached) const;
+    void checkFailure(std::set<Finding>& findings) const;
     void checkCanary(std::set<Finding>& findings, bool isOnTheWay) const;
+    bool isEqual(SeenItem const& found, SeenItem const& expected) const;
     bool isSame(SeenItem const& found, SeenItem const& expected) const;
+    bool isReplacedAt(std::string const& temporary) const;
+    bool isReplacedAside() const;
     bool isWholeAt(std::string const& place, Snapshot const& expected) const;
     bool isWritten(std::string const& secret) const;
     bool hasLeft(std::string const& path) const;
@@ -89,8 +105,9 @@ private:
     bool isRecordWithoutItem(std::string const& path) const;
 
     Operation const& m_operation;
-    Expectation const& m_expectation;
-    Snapshot const& m_found;
+    Expectation m_expectation;
+    Snapshot m_found;
+    Circumstances m_circumstances;
 };
 
 } // namespace mac::faults

@@ -95,7 +95,10 @@ void addAttributes(SeenItem& item, std::string const& path) {
         if (name.ends_with(CreateDateAttribute)) text.assign(text.size(), 'd');
         bool const isAccess = name.starts_with(AccessLists);
         addSecrets(item, text);
-        (isAccess ? item.accessList : item.whole) += "\n" + name + "=" + text;
+        if (isAccess)
+            item.accessList += "\n" + name + "=" + text;
+        else
+            item.attributes.emplace(name, std::move(text));
     }
 }
 
@@ -118,21 +121,50 @@ std::string withoutCreationDate(std::string text) {
 }
 
 SeenItem seen(std::string const& path, struct stat const& status) {
-    SeenItem item{.mode = status.st_mode & 07777U, .isFolder = S_ISDIR(status.st_mode)};
-    item.whole = std::to_string(status.st_mode & S_IFMT) + " of " + std::to_string(status.st_uid) + ":" +
-                 std::to_string(status.st_gid);
+    SeenItem item{.kind = std::to_string(status.st_mode & S_IFMT),
+                  .owner = status.st_uid,
+                  .group = status.st_gid,
+                  .mode = status.st_mode & 07777U,
+                  .isFolder = S_ISDIR(status.st_mode)};
     std::string text;
     if (S_ISREG(status.st_mode)) text = contentsOf(path, static_cast<std::size_t>(status.st_size));
     if (S_ISLNK(status.st_mode)) text = linkTarget(path);
     addSecrets(item, text);
-    if (S_ISREG(status.st_mode) && isImmutable(path)) item.whole += " locked";
-    if (S_ISREG(status.st_mode) && status.st_mtim.tv_sec == FixtureDate) item.whole += " dated";
-    item.whole += ": " + withoutDate(withoutCreationDate(std::move(text)));
+    if (S_ISREG(status.st_mode) && isImmutable(path)) item.kind += " locked";
+    if (S_ISREG(status.st_mode) && status.st_mtim.tv_sec == FixtureDate) item.kind += " dated";
+    item.contents = withoutDate(withoutCreationDate(std::move(text)));
     if (!S_ISLNK(status.st_mode)) addAttributes(item, path);
     return item;
 }
 
+// Adds what the sidecar holds to its item; false if it holds more than attributes, or is none.
+bool addSidecar(SeenItem& item, SeenItem const& sidecar) {
+    Result<AppleDouble, Failure> const read = AppleDouble::read(std::as_bytes(std::span(sidecar.contents)));
+    if (!read.hasValue() || !read.value().otherParts.empty()) return false;
+    for (std::string const& name : read.value().names()) {
+        std::span<std::byte const> const value = *read.value().valueOf(name);
+        std::string text(reinterpret_cast<char const*>(value.data()), value.size());
+        if (!item.attributes.emplace("user." + name, text).second) continue;
+        addSecrets(item, text);
+    }
+    return true;
+}
+
 } // namespace
+
+Snapshot asLibraryReads(Snapshot const& snapshot) {
+    constexpr std::string_view prefix = "._";
+    Snapshot all = snapshot;
+    for (auto const& [path, sidecar] : snapshot) {
+        std::size_t const leaf = path.rfind('/') + 1;
+        if (!std::string_view(path).substr(leaf).starts_with(prefix)) continue;
+        auto const item = all.find(path.substr(0, leaf) + path.substr(leaf + prefix.size()));
+        if (item != all.end() && addSidecar(item->second, sidecar)) all.erase(path);
+    }
+    for (auto& [path, item] : all)
+        std::ranges::sort(item.secrets);
+    return all;
+}
 
 std::string secretText(std::string_view name) {
     return std::string(SecretBegin) + std::string(name) + std::string(1, SecretEnd);

@@ -9,8 +9,13 @@ namespace mac::faults {
 
 // What is known of one item without following it.
 struct SeenItem {
-    // Kind, owner, contents or target, attributes, and the date if it is that of all fixtures; permissions apart.
-    std::string whole{};
+    // Kind, whether it is locked, and the date if it is that of all fixtures.
+    std::string kind{};
+    unsigned owner{0};
+    unsigned group{0};
+    std::string contents{};
+    // Values by the system's names.
+    std::map<std::string, std::string> attributes{};
     // Permissions and access lists.
     unsigned mode{0};
     std::string accessList{};
@@ -28,6 +33,10 @@ using Snapshot = std::map<std::string, SeenItem>;
 std::string secretText(std::string_view name);
 // The date that fixtures give their files, in seconds since 1970.
 inline constexpr long FixtureDate = 900'000'000;
+
+// The items as the library reads them: the attributes in an AppleDouble sidecar count as its item's, unless the item
+// has another value, and such a sidecar is no item itself.
+Snapshot asLibraryReads(Snapshot const& snapshot);
 
 // Adds what is below the folder. Throws std::system_error for what cannot be read, which is a defect of the campaign.
 void addItems(Snapshot& snapshot, std::string const& folder, std::string const& prefix);

@@ -80,18 +80,39 @@ Arguments read(int count, char** texts) {
     return arguments;
 }
 
+// What the operation broke, at once: a campaign takes long.
+void tellBreaks(Campaign const& campaign, std::size_t first) {
+    for (std::size_t at = first; at < campaign.breaks().size(); ++at) {
+        Break const& found = campaign.breaks()[at];
+        std::cout << (rowOf(found) ? "known: " : "broken: ") << found.text() << '\n';
+    }
+}
+
+// Answers whether the operation could be tried.
+bool tryOperation(Campaign& campaign, Operation const& operation) {
+    std::size_t const first = campaign.breaks().size();
+    bool isTried = true;
+    try {
+        campaign.run(operation);
+    } catch (std::runtime_error const& error) {
+        std::cout << "left out: " << error.what() << '\n';
+        isTried = false;
+    }
+    tellBreaks(campaign, first);
+    Counts const& counts = campaign.counts();
+    std::cout << "so far, up to " << operation.name << ": "
+              << counts.faults + counts.kills + counts.exchanges + counts.races << " points\n"
+              << std::flush;
+    return isTried;
+}
+
 int run(Arguments const& arguments) {
     Fixture const fixture(arguments.volume, arguments.second);
     Campaign campaign(fixture, arguments.options);
     bool isComplete = true;
     for (Operation const& operation : allOperations()) {
         if (operation.name.find(arguments.operation) == std::string::npos) continue;
-        try {
-            campaign.run(operation);
-        } catch (std::runtime_error const& error) {
-            std::cout << "left out: " << error.what() << '\n';
-            isComplete = false;
-        }
+        isComplete = tryOperation(campaign, operation) && isComplete;
     }
     std::vector<KnownBreak> const& rows = knownBreaks();
     std::vector<std::uint64_t> points(rows.size());
@@ -100,7 +121,6 @@ int run(Arguments const& arguments) {
         KnownBreak const* const row = rowOf(found);
         unknown += row ? 0 : 1;
         if (row) points[static_cast<std::size_t>(row - rows.data())] += found.points;
-        std::cout << (row ? "known: " : "broken: ") << found.text() << '\n';
     }
     // For scripts/faults, which finds the rows that no file system needs.
     for (std::size_t at = 0; at < rows.size(); ++at)

@@ -1,6 +1,8 @@
 #include "pathutils/BundleVersions.h"
+#include "fuzz/VersionTrial.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSNumber.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -174,6 +176,8 @@ TEST(PxBundleVersions, AreMessages) {
     EXPECT_EQ(as<NSNumber>(version.performSelector_withObject_("pxVersionCompare:", "1.3")).intValue(), -1);
     EXPECT_TRUE(version.performSelector_("pxVersionOfPath") == nil);
 }
+
+TEST(BundleVersions, OfTheCorpusHold) { expectNoComplaints("VersionFuzz", &fuzz::complaintAboutVersion); }
 
 } // namespace
 } // namespace mac::test

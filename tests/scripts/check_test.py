@@ -20,6 +20,7 @@ include_directories(${PROJECT_SOURCE_DIR})
 add_subdirectory(platform/foundation)
 add_subdirectory(pathutils)
 add_subdirectory(app)
+add_subdirectory(fuzz)
 add_subdirectory(tests)
 """,
     "CMakePresets.json": """{ "version": 6, "configurePresets": [ { "name": "check", "generator": "Ninja",
@@ -28,6 +29,22 @@ add_subdirectory(tests)
     "README.md": "# Small\n\nRead [the rules](CONTRIBUTING.md).\n",
     "CONTRIBUTING.md": "Keep `app/ItemActions.cpp` small; build/small/app is made, docs/TOPIC is any, /docs/x is elsewhere.\n",
     "run": "#!/usr/bin/env bash\nset -eu\necho \"$#\"\n",
+    "packaging/small.desktop": "[Desktop Entry]\nType=Application\nName=Small\nExec=small\n",
+    "packaging/com.example.small.metainfo.xml.in": """<?xml version="1.0" encoding="UTF-8"?>
+<component type="console-application">
+  <id>com.example.small</id>
+  <metadata_license>MIT</metadata_license>
+  <project_license>MIT</project_license>
+  <name>Small</name>
+  <summary>Does little</summary>
+  <description><p>It does next to nothing, and says so in a few words.</p></description>
+  <url type="homepage">https://small.example/</url>
+  <provides><binary>small</binary></provides>
+  <releases><release version="@VERSION@" date="2026-01-01"/></releases>
+</component>
+""",
+    "packaging/icons/16.svg": '<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 16 16"/>\n',
+    "docs/man/small.1": ".TH SMALL 1\n.SH NAME\nsmall \\- does little\n",
     "docs/operations.txt": """# Operations.
 
 app/ItemActions
@@ -155,6 +172,13 @@ mac::Method const row = mac::method<&AppController::trashAction_>("trashAction:"
 
 } // namespace framekeeper
 """,
+    "fuzz/CMakeLists.txt": "add_library(fuzz OBJECT VersionFuzz.cpp)\n",
+    "fuzz/VersionFuzz.cpp": """#include "pathutils/BundleVersions.h"
+
+int read();
+int read() { return mac::pxVersionOfPath({}); }
+""",
+    "fuzz/corpus/VersionFuzz/short": "1.0",
     "tests/CMakeLists.txt": "add_library(tests OBJECT app/ItemActionsTest.cpp pathutils/BundleVersionsTest.cpp)\n",
     "tests/app/ItemActionsTest.cpp": """#include "app/AppController.h"
 
@@ -217,6 +241,8 @@ PLANTED = [
                 new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "no order of rooms"),
     ("arrows", [new("coreutils/Strings.cpp", '#include "pathutils/BundleVersions.h"\n')], "coreutils/Strings.cpp:1: ", "alone"),
     ("arrows", [after("pathutils/BundleVersions.cpp", 1, "#include <QString>\n")], "pathutils/BundleVersions.cpp:2: ", "toolkit"),
+    ("arrows", [new("command/Verbs.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "command/Verbs.h"\n')],
+     "app/ItemActions.cpp:2: ", "stands above"),
     ("arrows", [after("app/ItemActions.cpp", 1, "#include <unistd.h>\n")], "app/ItemActions.cpp:2: ", "system header"),
     ("arrows", [after("platform/foundation/NSString.h", 1, "#include <fcntl.h>\n")], "platform/foundation/NSString.h:2: ", "in a header"),
     ("arrows", [new("platform/foundation/Inner.h", "#pragma once\n#include <QString>\n"),
@@ -252,6 +278,9 @@ PLANTED = [
     ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
     ("registered", [after("platform/foundation/NSString.h", 7, "    static ClassDescription describeClass();\n")],
      "platform/foundation/NSString.h:6: ", "never registered"),
+    ("registered", [new("fuzz/NameFuzz.cpp", "\n"), replace("fuzz/CMakeLists.txt", "OBJECT", "OBJECT NameFuzz.cpp")], "fuzz/NameFuzz.cpp:1: ", "has no corpus"),
+    ("registered", [new("fuzz/corpus/NameFuzz/one", "\n")], "fuzz/corpus/NameFuzz:1: ", "belongs to no target"),
+    ("registered", [new("fuzz/NameFuzz.dict", "\n")], "fuzz/NameFuzz.dict:1: ", "belongs to no target"),
     # rules
     ("rules", [after("pathutils/BundleVersions.cpp", 3, "void* nothing = nullptr;\n")], "pathutils/BundleVersions.cpp:4: ", "nil"),
     ("rules", [after("app/ItemActions.cpp", 3, "int* leak() { return new int(3); }\n")], "app/ItemActions.cpp:4: ", "adopt"),
@@ -280,8 +309,16 @@ PLANTED = [
     ("documents", [after("run", 2, "cd $1\n")], "run:3: ", "SC2086"),
     ("documents", [new("scripts/count.py", "def (:\n")], "scripts/count.py:1: ", "invalid syntax"),
     ("documents", [lambda root: (root / "run").chmod(0o644)], "run:1: ", "cannot be run"),
+    ("documents", [new("packaging/small.bash", "# shellcheck shell=bash\ncd $1\n")], "packaging/small.bash:2: ", "SC2086"),
+    # package
+    ("package", [replace("packaging/small.desktop", "Type=", "Version=1.5\nType=")], "packaging/small.desktop:1: ", "1.5"),
+    ("package", [replace("packaging/com.example.small.metainfo.xml.in", "<name>Small</name>", "")],
+     "packaging/com.example.small.metainfo.xml.in:", "name"),
+    ("package", [after("docs/man/small.1", 3, ".FROB\n")], "docs/man/small.1:4: ", "FROB"),
+    ("package", [replace("packaging/icons/16.svg", "0 0 16 16", "0 0 48 48")], "packaging/icons/16.svg:1: ", "grid"),
+    ("package", [replace("packaging/icons/16.svg", "/>", ">")], "packaging/icons/16.svg:2: ", "no element"),
 ]
-CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "reference", "tidy"]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "tidy"]
 
 
 class Check(unittest.TestCase):

@@ -1,11 +1,14 @@
 #include "tests/support/PrivateMounts.h"
+#include "platform/system/FileDescriptor.h"
 #include "tests/support/CommandOutput.h"
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <sched.h>
 #include <stdexcept>
 #include <sys/mount.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace mac::test {
 
@@ -65,6 +68,24 @@ void PrivateMounts::mountImage(std::string const& image, std::string const& poin
     std::vector<std::string> make{"mkfs.ext4", "-q", "-F"};
     make.insert(make.end(), options.begin(), options.end());
     make.insert(make.end(), {image, "128M"});
+    mountNewImage(make, image, point);
+}
+
+void PrivateMounts::mountImageOfType(std::string const& type, std::string const& image, std::string const& point) {
+    constexpr off_t leastForAll = off_t{320} << 20;
+    FileDescriptor const file(::open(image.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file.isOpen() || ::ftruncate(file.number(), leastForAll) != 0)
+        throw std::system_error(errno, std::generic_category(), image);
+    mountNewImage({"mkfs." + type, "-q", "-f", image}, image, point);
+}
+
+void PrivateMounts::unmount(std::string const& point) {
+    if (::umount2(point.c_str(), MNT_DETACH) != 0) throw std::system_error(errno, std::generic_category(), point);
+    std::erase(m_points, point);
+}
+
+void PrivateMounts::mountNewImage(std::vector<std::string> const& make, std::string const& image,
+                                  std::string const& point) {
     try {
         outputOf(make);
         outputOf({"mount", "-o", "loop", image, point});

@@ -24,8 +24,12 @@ protected:
     // A new ext4 file system in a file, by a loop device. Skips the test, with the reason, where there are none; then
     // the caller returns.
     void mountImage(std::string const& image, std::string const& point, std::vector<std::string> const& options = {});
+    // Likewise a new file system of another type, "xfs" or "btrfs".
+    void mountImageOfType(std::string const& type, std::string const& image, std::string const& point);
+    void unmount(std::string const& point);
 
 private:
+    void mountNewImage(std::vector<std::string> const& make, std::string const& image, std::string const& point);
     void add(std::string const& source, std::string const& point, char const* type, unsigned long flags,
              char const* options = nullptr);
 

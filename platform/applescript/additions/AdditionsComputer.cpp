@@ -114,7 +114,7 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
         {keyOf(codeOf("siul")), textOfName(userLocale())},
         {keyOf(codeOf("sihd")), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,
                                                        std::u16string(NSHomeDirectory().codeUnits()))},
-        {keyOf(codeOf("sibv")), Value::text(std::u16string(StartupVolumeName))},
+        {keyOf(codeOf("sibv")), Value::text(startupVolumeName())},
         {keyOf(codeOf("sicn")), textOfName(host.data())},
         {keyOf(codeOf("ldsa")), textOfName(host.data())},
         {keyOf(codeOf("siip")), textOfName(address)},

@@ -8,11 +8,17 @@
 
 namespace mac::applescript::commonTerms {
 
+// The core suite's commands about any object, which reach other programs and come from them as these events.
+inline constexpr EventCode GetEvent = eventOf("coregetd");
+inline constexpr EventCode SetEvent = eventOf("coresetd");
+inline constexpr EventCode CountEvent = eventOf("corecnte");
+inline constexpr EventCode ExistsEvent = eventOf("coredoex");
+
 inline constexpr auto MakeParameters = std::to_array<CommandParameter>({
     {.label = u"new", .code = codes::NewClassParameter},
     {.label = u"at", .code = codes::InsertionParameter},
     {.label = u"to", .code = codes::ToParameter},
-    {.label = u"with data", .code = codeOf("data")},
+    {.label = u"with data", .code = codes::DataParameter},
     {.label = u"with properties", .code = codes::PropertiesParameter},
 });
 inline constexpr auto DestinationParameters = std::to_array<CommandParameter>({

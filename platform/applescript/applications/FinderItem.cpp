@@ -38,6 +38,7 @@ std::optional<ItemFacts> factsOf(int folder, char const* name, int flags) {
         .created = hasBirth ? status.stx_btime.tv_sec : std::min(status.stx_ctime.tv_sec, status.stx_mtime.tv_sec),
         .modified = status.stx_mtime.tv_sec,
         .isMountPoint = (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0,
+        .mayBeMountPoint = ((status.stx_attributes | ~status.stx_attributes_mask) & STATX_ATTR_MOUNT_ROOT) != 0,
     };
 }
 
@@ -101,7 +102,9 @@ std::shared_ptr<FinderItem> FinderItem::inFolder(std::string const& folderPath, 
     std::optional<ItemFacts> const facts = parent.hasValue() ? factsOf(parent.value(), name) : std::nullopt;
     if (!facts) return nullptr;
     std::string path = BytePath(folderPath).joined(name);
-    Code const type = S_ISDIR(facts->mode) && isDisk(path) ? codes::Disk : typeOf(name, facts->mode);
+    // Listing the volumes costs far more than all the rest, so only a mount point is looked up.
+    bool const mayBeDisk = S_ISDIR(facts->mode) && facts->mayBeMountPoint;
+    Code const type = mayBeDisk && isDisk(path) ? codes::Disk : typeOf(name, facts->mode);
     return std::make_shared<FinderItem>(std::move(path), *facts, type, folder);
 }
 

@@ -24,6 +24,8 @@ struct ItemFacts {
     std::int64_t modified{0};
     // A volume is mounted there.
     bool isMountPoint{false};
+    // Also true where the system (before Linux 5.8) does not tell.
+    bool mayBeMountPoint{false};
 };
 
 // One item on a disk as the Finder shows it: a file, a folder, a disk. It holds the item's path and identity, and what

@@ -47,7 +47,7 @@ std::u16string nameOf(FinderItem const& item) {
     if (item.type() != codes::Disk) return shownName(BytePath(item.path()).leaf());
     std::vector<MountedVolume> const volumes = mountedVolumes();
     auto const found = std::ranges::find(volumes, item.path(), &MountedVolume::mountPoint);
-    return found == volumes.end() ? std::u16string(StartupVolumeName) : found->name;
+    return found == volumes.end() ? startupVolumeName() : found->name;
 }
 
 Value itemName(FinderItem const& item) { return Value::text(nameOf(item)); }

@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/Evaluator.h"
@@ -42,26 +43,27 @@ public:
     Value get(Value const& specifier, Code type, TextContext const& context) override {
         if (std::optional<Value> const own = ownProperty(specifier))
             return type == 0 ? *own : requireType(*own, type, context);
-        std::vector<std::pair<Code, Value>> parameters{{codeOf("----"), specifier}};
-        if (type != 0) parameters.emplace_back(codeOf("rtyp"), Value::type(type));
-        Value const answer = send(eventOf("coregetd"), parameters);
+        std::vector<std::pair<Code, Value>> parameters{{codes::DirectParameter, specifier}};
+        if (type != 0) parameters.emplace_back(codes::RequestedTypeParameter, Value::type(type));
+        Value const answer = send(commonTerms::GetEvent, parameters);
         bool const isAsWanted = type == 0 || type == codes::ReferenceType || isOfClass(answer, type);
         return isAsWanted || isToldTo(answer) ? answer : requireType(answer, type, context);
     }
 
     void set(Value const& specifier, Value const& value, TextContext const& /*context*/) override {
-        send(eventOf("coresetd"), {{codeOf("----"), specifier}, {codeOf("data"), value}});
+        send(commonTerms::SetEvent, {{codes::DirectParameter, specifier}, {codes::DataParameter, value}});
     }
 
     bool exists(Value const& specifier, TextContext const& context) override {
-        return requireBoolean(send(eventOf("coredoex"), {{codeOf("----"), specifier}}), context);
+        return requireBoolean(send(commonTerms::ExistsEvent, {{codes::DirectParameter, specifier}}), context);
     }
 
     std::size_t count(Value const& specifier, Code elementClass, TextContext const& context) override {
         Code const type = elementClass == 0 ? codes::Item : elementClass;
-        std::int32_t const count = requireInteger(
-            send(eventOf("corecnte"), {{codeOf("----"), specifier}, {codes::NewClassParameter, Value::type(type)}}),
-            context);
+        std::int32_t const count =
+            requireInteger(send(commonTerms::CountEvent,
+                                {{codes::DirectParameter, specifier}, {codes::NewClassParameter, Value::type(type)}}),
+                           context);
         return count < 0 ? 0 : static_cast<std::size_t>(count);
     }
 
@@ -81,7 +83,7 @@ public:
         std::vector<std::pair<Code, Value>> parameters;
         // The application itself is nobody's parameter.
         if (!command.direct.isNothing() && !command.direct.is(ValueKind::Application))
-            parameters.emplace_back(codeOf("----"), command.direct);
+            parameters.emplace_back(codes::DirectParameter, command.direct);
         parameters.insert(parameters.end(), command.named.begin(), command.named.end());
         return send(command.term.code, parameters);
     }

@@ -93,10 +93,13 @@ inline constexpr Code Visible = codeOf("pvis");
 inline constexpr Code TextItemDelimiters = codeOf("txdl");
 
 inline constexpr Code InsertionLocation = codeOf("insl");
+inline constexpr Code DataParameter = codeOf("data");
+inline constexpr Code DirectParameter = codeOf("----");
 inline constexpr Code InsertionParameter = codeOf("insh");
 inline constexpr Code NewClassParameter = codeOf("kocl");
 inline constexpr Code PropertiesParameter = codeOf("prdt");
 inline constexpr Code ReplacingParameter = codeOf("alrp");
+inline constexpr Code RequestedTypeParameter = codeOf("rtyp");
 inline constexpr Code ToParameter = codeOf("to  ");
 
 } // namespace mac::applescript::codes

@@ -1,4 +1,6 @@
 #include "platform/system/items/ItemRemoval.h"
+#include "platform/system/ExclusiveRename.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/FolderDescent.h"
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemRename.h"
@@ -72,10 +74,42 @@ private:
     bool m_isEnded{false};
 };
 
-// A sidecar that cannot be removed stays as a stray one: the item itself is gone.
-void removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
+// Removes the sidecar of a folder that is gone; tries again after an error of the moment.
+Result<void> removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
     Result<IdentifiedItem> const identified = identify(sidecar.file);
-    if (identified.hasValue()) static_cast<void>(removeTree(item.folder, sidecar.name, identified.value().identity));
+    if (!identified.hasValue()) return identified.problem();
+    ItemIdentity const& identity = identified.value().identity;
+    Result<void> removed = removeTree(item.folder, sidecar.name, identity);
+    if (!removed.isDone()) removed = removeTree(item.folder, sidecar.name, identity);
+    return removed.isDone() || removed.problem().is(ENOENT) ? Result<void>() : removed;
+}
+
+// Removes one item that holds no others, and its sidecar, or neither: both lie aside before the first one goes. A
+// sidecar whose last name cannot be removed then goes with the leftovers of this process.
+Result<void> removeWithSidecar(OpenItem const& item, ItemStatus const& status, OpenSidecar const& sidecar) {
+    FileDescriptor const& folder = item.folder;
+    Result<ItemStatus> const beside = statusOf(sidecar.file);
+    if (!beside.hasValue()) return beside.problem();
+    Result<std::string> const aside = asideName(markOf(beside.value()));
+    if (!aside.hasValue()) return aside.problem();
+    bool isAside = false;
+    Result<void> const removed = removeExactly(folder, item.name, status, {}, [&]() -> Result<void> {
+        if (Result<void> const away = moveAside(folder, sidecar.name, aside.value()); !away.isDone())
+            return away.problem().is(ENOENT) ? Result<void>() : away;
+        Result<void> const isSidecar = confirmItemInFolder(folder, aside.value(), sidecar.file);
+        isAside = isSidecar.isDone();
+        if (isAside || renameWithoutReplacing(folder, aside.value(), folder, sidecar.name).isDone()) return isSidecar;
+        SystemError problem = isSidecar.problem();
+        problem.item = aside.value();
+        return problem;
+    });
+    if (!isAside) return removed;
+    if (!removed.isDone()) {
+        static_cast<void>(renameWithoutReplacing(folder, aside.value(), folder, sidecar.name));
+        return removed;
+    }
+    while (::unlinkat(folder.number(), aside.value().c_str(), 0) != 0 && errno == EINTR) {}
+    return {};
 }
 
 } // namespace
@@ -99,9 +133,8 @@ Result<void> removeEmptyItem(OpenItem const& item) {
     }
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    Result<void> removed = removeExactly(item.folder, item.name, status.value());
-    if (removed.isDone() && sidecar.value()) removeSidecar(item, *sidecar.value());
-    return removed;
+    if (sidecar.value()) return removeWithSidecar(item, status.value(), *sidecar.value());
+    return removeExactly(item.folder, item.name, status.value());
 }
 
 Result<void> confirmRemovable(OpenItem const& item) {
@@ -117,9 +150,17 @@ Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions)
     if (!identified.hasValue()) return identified.problem();
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    Result<void> removed = Removal(item, identified.value().identity, questions).run();
-    if (removed.isDone() && sidecar.value()) removeSidecar(item, *sidecar.value());
-    return removed;
+    Removal removal(item, identified.value().identity, questions);
+    if (!sidecar.value()) return removal.run();
+    if (identified.value().isFolder) {
+        Result<void> const removed = removal.run();
+        return removed.isDone() ? removeSidecar(item, *sidecar.value()) : removed;
+    }
+    Result<ItemStatus> const status = statusOf(item.item);
+    if (!status.hasValue()) return status.problem();
+    if (Result<void> const looked = removal.look(); !looked.isDone()) return looked;
+    if (questions.willRemove) questions.willRemove(item.name);
+    return removeWithSidecar(item, status.value(), *sidecar.value());
 }
 
 } // namespace mac

@@ -21,8 +21,8 @@ struct RemovalQuestions {
 
 // Removes the item (TreeRemoval.h) and its AppleDouble sidecar. What must stay is looked for first, so that nothing is
 // removed if any of these is in the item: a locked item (ItemIsLocked), a mount point (EBUSY), a folder that cannot be
-// listed. A later failure leaves what was not removed until then. EBUSY for the root; ESTALE if another item has the
-// item's name.
+// listed. A later failure leaves what was not removed until then; a file and its sidecar go together or not at all.
+// EBUSY for the root; ESTALE if another item has the item's name.
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions = {});
 
 // Removes the item and its AppleDouble sidecar if it is no folder that holds anything: ENOTEMPTY then, and nothing is

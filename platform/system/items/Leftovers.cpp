@@ -76,13 +76,22 @@ void removeEarlyName(FileDescriptor const& folder, std::vector<FolderEntry> cons
     }
 }
 
+bool isSidecarName(std::string_view name) { return name.starts_with(AppleDoubleSidecar::namePrefix); }
+
+// Whether the sidecar of an item that was moved aside to go, which the marks do not tell, has outlived it.
+bool hasLostItem(FileDescriptor const& folder, std::string const& name, ParsedTemporaryName const& parsed) {
+    if (!isSidecarName(name) || parsed.mark == MarkOfNoItem) return false;
+    Result<ItemPlace> const item = placeOf(folder, name.substr(AppleDoubleSidecar::namePrefix.size()));
+    return !item.hasValue() && item.problem().is(ENOENT);
+}
+
 // False if the item stays.
 bool removeLeftover(FileDescriptor const& folder, ItemStatus const& folderStatus, std::string const& name,
-                    std::optional<std::uint64_t> const& mark, std::vector<FolderEntry> const& entries) {
+                    ParsedTemporaryName const& parsed, std::vector<FolderEntry> const& entries) {
     Result<ItemStatus> const item = statusOf(folder, name);
     if (!item.hasValue()) return item.problem().is(ENOENT);
     if (!isOurs(folderStatus, item.value())) return false;
-    if (mark && *mark != markOf(item.value())) return false;
+    if (!parsed.accepts(markOf(item.value())) && !hasLostItem(folder, name, parsed)) return false;
     if (item.value().isFile() && item.value().links > 1) removeEarlyName(folder, entries, item.value());
     Result<void> const removed = removeTree(folder, name, item.value().place.identity, {.makesAccessible = true});
     return removed.isDone() || removed.problem().is(ENOENT);
@@ -95,8 +104,10 @@ std::vector<std::string> removeLeftovers(FileDescriptor const& folder) {
     if (!status.hasValue() || knownFolders().isUnchanged(status.value())) return {};
     Result<FileDescriptor> const listed = readableFolder(folder);
     if (!listed.hasValue()) return {};
-    Result<std::vector<FolderEntry>> const entries = entriesOf(listed.value());
+    Result<std::vector<FolderEntry>> entries = entriesOf(listed.value());
     if (!entries.hasValue()) return {};
+    // Items first, then the sidecars that they leave.
+    std::ranges::stable_partition(entries.value(), [](FolderEntry const& entry) { return !isSidecarName(entry.name); });
     knownFolders().remember(status.value());
     std::vector<std::string> inDoubt;
     for (FolderEntry const& entry : entries.value()) {
@@ -105,7 +116,7 @@ std::vector<std::string> removeLeftovers(FileDescriptor const& folder) {
         OwnerState const owner = stateOf(name->owner, sharingOf(status.value()));
         if (owner == OwnerState::Runs) continue;
         bool const isGone = owner == OwnerState::HasEnded &&
-                            removeLeftover(listed.value(), status.value(), entry.name, name->mark, entries.value());
+                            removeLeftover(listed.value(), status.value(), entry.name, *name, entries.value());
         if (!isGone) inDoubt.push_back(entry.name);
     }
     return inDoubt;

@@ -39,6 +39,8 @@ Result<OpenItem> itemNamed(FileDescriptor const& folder, std::string const& name
 struct TemporaryCopy {
     OpenItem item{};
     std::optional<OpenSidecar> sidecar{};
+    // The name that it was made under: whatever has it goes with this process.
+    std::string firstName{};
 };
 
 Result<TemporaryCopy> openCopy(FileDescriptor const& folder, std::string const& temporary) {
@@ -46,7 +48,7 @@ Result<TemporaryCopy> openCopy(FileDescriptor const& folder, std::string const& 
     if (!item.hasValue()) return item.problem();
     Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(folder, temporary);
     if (!sidecar.hasValue()) return sidecar.problem();
-    return TemporaryCopy{.item = item.takeValue(), .sidecar = sidecar.takeValue()};
+    return TemporaryCopy{.item = item.takeValue(), .sidecar = sidecar.takeValue(), .firstName = temporary};
 }
 
 bool isThere(FileDescriptor const& folder, std::string const& name) {
@@ -57,11 +59,28 @@ bool isItem(FileDescriptor const& folder, std::string const& name, FileDescripto
     return confirmItemInFolder(folder, name, item).isDone();
 }
 
-// Gives what has the copy's temporary name now, and its sidecar, a name that it keeps if this process is killed; the
-// error tells the name.
+// Gives the copy the name that it is exchanged under, which tells it and the old item from all others: the one of them
+// that has it goes with this process.
+Result<void> nameForExchange(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy& copy) {
+    Result<ItemStatus> const oldStatus = statusOf(old.item);
+    if (!oldStatus.hasValue()) return oldStatus.problem();
+    Result<ItemStatus> const copyStatus = statusOf(copy.item.item);
+    if (!copyStatus.hasValue()) return copyStatus.problem();
+    Result<std::string> name = asideNameForEither(markOf(oldStatus.value()), markOf(copyStatus.value()));
+    if (!name.hasValue()) return name.problem();
+    std::string const sidecar = AppleDoubleSidecar::nameFor(name.value());
+    if (Result<void> const named = moveAside(folder, copy.item.name, name.value()); !named.isDone()) return named;
+    copy.item.name = name.takeValue();
+    if (!copy.sidecar) return {};
+    Result<void> const followed = moveAside(folder, copy.sidecar->name, sidecar);
+    if (followed.isDone()) copy.sidecar->name = sidecar;
+    return followed;
+}
+
+// Gives an item that is not to go, and its sidecar, a name that it keeps if this process is killed; the error tells the
+// name.
 SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, SystemError error) {
     std::string const& temporary = copy.item.name;
-    // What was being removed may have another name by now, which the error tells.
     if (!isThere(folder, temporary)) return error;
     error.item = temporary;
     Result<std::string> const kept = asideName(MarkOfNoItem);
@@ -88,7 +107,8 @@ public:
           m_temporarySidecar(AppleDoubleSidecar::nameFor(m_temporary)) {}
 
     Copied run() const {
-        Copied const exchanged = exchange(m_temporary, m_old.name);
+        // If this process is killed meanwhile, the old item must not go with it.
+        Copied const exchanged = exchange(m_temporary, m_old.name, MarkOfNoItem);
         if (!exchanged.isDone()) {
             if (exchanged.problem().kind == OriginalStays) placeSidecars(exchanged.problem().error.item);
             return exchanged;
@@ -106,6 +126,16 @@ public:
         return stranded(followed.problem().error);
     }
 
+    // Gives the old item, which has the temporary name and is whole, its own name back, because it could not be
+    // removed. If that cannot be done the copy keeps the name: OriginalStays.
+    Copied takeBack(SystemError const& reason) const {
+        Copied const sidecars = exchangeSidecars();
+        Copied const back = sidecars.isDone() ? swapBack() : sidecars;
+        if (isItem(m_folder, m_temporary, m_copy.item.item)) return TransferProblem{.error = reason};
+        if (sidecars.isDone()) static_cast<void>(exchangeSidecars());
+        return stranded(reason);
+    }
+
 private:
     using enum TransferProblem::Kind;
 
@@ -116,7 +146,7 @@ private:
     Copied exchangeSidecars() const {
         bool const hasNew = isThere(m_folder, m_temporarySidecar);
         bool const hasOld = isThere(m_folder, m_sidecar);
-        if (hasNew && hasOld) return exchange(m_temporarySidecar, m_sidecar);
+        if (hasNew && hasOld) return exchange(m_temporarySidecar, m_sidecar, MarkOfNoItem);
         if (hasNew) return asCopied(renameWithoutReplacing(m_folder, m_temporarySidecar, m_folder, m_sidecar));
         if (!hasOld) return {};
         return asCopied(renameWithoutReplacing(m_folder, m_sidecar, m_folder, m_temporarySidecar));
@@ -132,31 +162,38 @@ private:
     // Only while the copy has the name: another item there has been saved since and is to keep it.
     Copied swapBack() const {
         Result<void> const isCopy = confirmItemInFolder(m_folder, m_old.name, m_copy.item.item);
-        return isCopy.isDone() ? exchange(m_temporary, m_old.name) : asCopied(isCopy);
+        if (!isCopy.isDone()) return asCopied(isCopy);
+        Result<ItemStatus> const copy = statusOf(m_copy.item.item);
+        return exchange(m_temporary, m_old.name, copy.hasValue() ? markOf(copy.value()) : MarkOfNoItem);
     }
 
-    // The item that has the temporary name cannot go back, and stays.
+    // The item that has the temporary name cannot go back, and stays. The old item goes with the leftovers of this
+    // process, as does what cannot be looked at if it is the old item.
     Copied stranded(SystemError error) const {
-        bool const isReplaced =
-            isItem(m_folder, m_old.name, m_copy.item.item) && isItem(m_folder, m_temporary, m_old.item);
-        return TransferProblem{.kind = isReplaced ? OriginalStays : MovedWrongItem,
-                               .error = keepAside(m_folder, m_copy, std::move(error))};
+        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.item);
+        bool const isAnother = !isOld.isDone() && isOld.problem().is(ESTALE);
+        bool const isReplaced = isOld.isDone() && isItem(m_folder, m_old.name, m_copy.item.item);
+        if (isAnother || (isOld.isDone() && !isReplaced)) {
+            error = keepAside(m_folder, m_copy, std::move(error));
+        } else if (isThere(m_folder, m_temporary)) {
+            error.item = m_temporary;
+        }
+        return TransferProblem{.kind = isReplaced ? OriginalStays : MovedWrongItem, .error = std::move(error)};
     }
 
     // MovedWrongItem or OriginalStays: what had the second name has the name that the error tells, and what had the
-    // first name still has that or has the second one.
-    Copied exchange(std::string const& one, std::string const& other) const {
+    // first name still has that or has the second one. The mark is for what has the second name.
+    Copied exchange(std::string const& one, std::string const& other, std::uint64_t mark) const {
         int const folder = m_folder.number();
         if (::renameat2(folder, one.c_str(), folder, other.c_str(), RENAME_EXCHANGE) == 0) return {};
         SystemError error = lastSystemError("rename", other);
         bool const isUnknown = error.is(EINVAL) || error.is(ENOSYS) || error.is(EOPNOTSUPP);
-        if (isUnknown) return exchangeStepwise(one, other);
+        if (isUnknown) return exchangeStepwise(one, other, mark);
         return TransferProblem{.error = std::move(error)};
     }
 
-    Copied exchangeStepwise(std::string const& one, std::string const& other) const {
-        // If this process is killed meanwhile, the item must not go with it.
-        Result<std::string> const third = asideName(MarkOfNoItem);
+    Copied exchangeStepwise(std::string const& one, std::string const& other, std::uint64_t mark) const {
+        Result<std::string> const third = asideName(mark);
         if (!third.hasValue()) return TransferProblem{.error = third.problem()};
         Result<void> const away = moveAside(m_folder, other, third.value());
         if (!away.isDone()) return asCopied(away);
@@ -164,7 +201,10 @@ private:
         Result<void> const renamed = renameWithoutReplacing(m_folder, one, m_folder, other);
         if (renamed.isDone()) tell(OverwritingStep::CopyPlaced);
         std::string const& place = renamed.isDone() ? one : other;
-        Result<void> const placed = renameWithoutReplacing(m_folder, third.value(), m_folder, place);
+        Result<void> placed = renameWithoutReplacing(m_folder, third.value(), m_folder, place);
+        // An error of the moment.
+        if (!placed.isDone() && !placed.problem().is(EEXIST))
+            placed = renameWithoutReplacing(m_folder, third.value(), m_folder, place);
         if (placed.isDone()) return asCopied(renamed);
         SystemError error = placed.problem();
         error.item = third.value();
@@ -198,18 +238,77 @@ void removeTemporary(FileDescriptor const& folder, TemporaryCopy const& copy) {
     std::string const& temporary = copy.item.name;
     Result<IdentifiedItem> const identified = identify(copy.item.item);
     if (!identified.hasValue() || !isItem(folder, temporary, copy.item.item)) return;
-    std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
     Result<IdentifiedItem> const beside =
         copy.sidecar ? identify(copy.sidecar->file) : SystemError{.code = ENOENT, .operation = "statx"};
-    if (beside.hasValue()) static_cast<void>(removeTree(folder, sidecar, beside.value().identity));
-    static_cast<void>(removeTree(folder, temporary, identified.value().identity, {.makesAccessible = true}));
+    if (beside.hasValue()) static_cast<void>(removeTree(folder, copy.sidecar->name, beside.value().identity));
+    // A folder that is not whole any more is told by no mark.
+    bool const needsName = identified.value().isFolder && temporary != copy.firstName;
+    if (needsName && !renameWithoutReplacing(folder, temporary, folder, copy.firstName).isDone()) return;
+    std::string const& name = needsName ? copy.firstName : temporary;
+    static_cast<void>(removeTree(folder, name, identified.value().identity, {.makesAccessible = true}));
 }
 
-// Removes the old item, which has the copy's temporary name now.
-Result<void> removeOld(FileDescriptor const& folder, OpenItem const& old, std::string const& temporary) {
-    if (Result<void> const isOld = confirmItemInFolder(folder, temporary, old.item); !isOld.isDone()) return isOld;
+// Removes a copy that has just been made under a name that no other process knows, as far as possible.
+void removeUnopened(FileDescriptor const& folder, std::string const& temporary) {
+    for (std::string const& name : {AppleDoubleSidecar::nameFor(temporary), temporary}) {
+        Result<ItemPlace> const place = placeOf(folder, name);
+        if (place.hasValue())
+            static_cast<void>(removeTree(folder, name, place.value().identity, {.makesAccessible = true}));
+    }
+}
+
+// Why the old item was not removed.
+struct RemovalProblem {
+    SystemError error{};
+    // Nothing of it was removed, and it has the temporary name still.
+    bool isWhole{true};
+};
+
+// Removes a folder under a name that goes with this process whatever is in it by then: once its contents begin to go,
+// nothing else would tell it. Tries again after an error of the moment.
+Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::string const& name) {
+    Result<IdentifiedItem> const identified = identify(old.item);
+    if (!identified.hasValue()) return RemovalProblem{.error = identified.problem()};
+    if (Result<void> const named = moveAside(old.folder, old.name, name); !named.isDone())
+        return RemovalProblem{.error = named.problem()};
+    ItemIdentity const& identity = identified.value().identity;
+    Result<void> const isOld = confirmItemInFolder(old.folder, name, identity);
+    if (!isOld.isDone()) {
+        bool const isBack = renameWithoutReplacing(old.folder, name, old.folder, old.name).isDone();
+        return RemovalProblem{.error = isOld.problem(), .isWhole = isBack};
+    }
+    Result<void> removed = removeTree(old.folder, name, identity);
+    if (!removed.isDone()) removed = removeTree(old.folder, name, identity);
+    if (removed.isDone() || removed.problem().is(ENOENT)) return {};
+    SystemError error = removed.problem();
+    error.item = name;
+    return RemovalProblem{.error = std::move(error), .isWhole = false};
+}
+
+// Removes the old item, which has the copy's temporary name now, with its sidecar.
+Result<void, RemovalProblem> removeOld(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy const& copy) {
+    std::string const& temporary = copy.item.name;
+    if (Result<void> const isOld = confirmItemInFolder(folder, temporary, old.item); !isOld.isDone())
+        return RemovalProblem{.error = isOld.problem()};
     Result<OpenItem> const leaving = itemNamed(folder, temporary);
-    return leaving.hasValue() ? removeItem(leaving.value()) : leaving.problem();
+    if (!leaving.hasValue()) return RemovalProblem{.error = leaving.problem()};
+    Result<IdentifiedItem> const identified = identify(leaving.value().item);
+    if (!identified.hasValue()) return RemovalProblem{.error = identified.problem()};
+    if (!identified.value().isFolder) {
+        Result<void> const removed = removeItem(leaving.value());
+        if (removed.isDone()) return {};
+        return RemovalProblem{.error = removed.problem(), .isWhole = isThere(folder, temporary)};
+    }
+    if (Result<void> const may = confirmRemovable(leaving.value()); !may.isDone())
+        return RemovalProblem{.error = may.problem()};
+    Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(folder, temporary);
+    if (!sidecar.hasValue()) return RemovalProblem{.error = sidecar.problem()};
+    Result<void, RemovalProblem> const removed = removeFolder(leaving.value(), copy.firstName);
+    if (!removed.isDone() || !sidecar.value()) return removed;
+    Result<IdentifiedItem> const beside = identify(sidecar.value()->file);
+    // If it stays, it goes with the leftovers of this process: its folder is gone.
+    if (beside.hasValue()) static_cast<void>(removeTree(folder, sidecar.value()->name, beside.value().identity));
+    return {};
 }
 
 } // namespace
@@ -224,26 +323,34 @@ Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, Overwri
     if (isFree) return copyItem(copy);
     if (!old.hasValue()) return TransferProblem{.error = old.problem()};
     if (Copied const may = confirmReplaceable(transfer, old.value()); !may.isDone()) return may;
-    // If this process is killed once the names are exchanged, only the old item goes, and only as it is now.
-    Result<ItemStatus> const status = statusOf(old.value().item);
-    if (!status.hasValue()) return TransferProblem{.error = status.problem()};
-    Result<std::string> const temporary = asideName(markOf(status.value()));
+    Result<std::string> const temporary = temporaryName();
     if (!temporary.hasValue()) return TransferProblem{.error = temporary.problem()};
     copy.name = temporary.value();
     if (Copied const copied = copyItem(copy); !copied.isDone()) return copied;
-    Result<TemporaryCopy> const complete = openCopy(transfer.folder, temporary.value());
-    if (!complete.hasValue()) return TransferProblem{.error = complete.problem()};
+    Result<TemporaryCopy> opened = openCopy(transfer.folder, temporary.value());
+    if (!opened.hasValue()) {
+        removeUnopened(transfer.folder, temporary.value());
+        return TransferProblem{.error = opened.problem()};
+    }
+    TemporaryCopy& complete = opened.value();
+    if (Result<void> const named = nameForExchange(transfer.folder, old.value(), complete); !named.isDone()) {
+        removeTemporary(transfer.folder, complete);
+        return TransferProblem{.error = named.problem()};
+    }
     if (steps) steps(OverwritingStep::Copied);
-    Copied const exchanged = Exchange(transfer.folder, old.value(), complete.value(), steps).run();
-    if (!exchanged.isDone()) {
-        removeTemporary(transfer.folder, complete.value());
+    Exchange const exchange(transfer.folder, old.value(), complete, steps);
+    if (Copied const exchanged = exchange.run(); !exchanged.isDone()) {
+        removeTemporary(transfer.folder, complete);
         return exchanged;
     }
     if (steps) steps(OverwritingStep::Exchanged);
-    Result<void> const removed = removeOld(transfer.folder, old.value(), temporary.value());
+    Result<void, RemovalProblem> const removed = removeOld(transfer.folder, old.value(), complete);
     if (removed.isDone()) return {};
-    return TransferProblem{.kind = TransferProblem::Kind::OriginalStays,
-                           .error = keepAside(transfer.folder, complete.value(), removed.problem())};
+    RemovalProblem const& problem = removed.problem();
+    if (!problem.isWhole) return TransferProblem{.kind = TransferProblem::Kind::OriginalStays, .error = problem.error};
+    Copied const back = exchange.takeBack(problem.error);
+    removeTemporary(transfer.folder, complete);
+    return back;
 }
 
 } // namespace mac

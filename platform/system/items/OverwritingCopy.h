@@ -8,7 +8,7 @@ namespace mac {
 // A copy that deletes the item which has its name. Any thread.
 
 enum class OverwritingStep {
-    // The copy is complete under a temporary name; it takes its place next.
+    // The copy is complete and has the name that it is exchanged under; it takes its place next.
     Copied,
     // Where names cannot be exchanged: the item that had the name lies under a third one; the copy gets the name next.
     MovedAway,
@@ -26,10 +26,11 @@ using OverwritingSteps = std::function<void(OverwritingStep)>;
 // item are exchanged in one step once the copy is complete, and the old item is removed. Where the file system cannot
 // exchange names, the old item gets a temporary name first. ItemIsLocked or EBUSY if the old item must stay
 // (ItemRemoval.h), EINVAL if it holds the original or the original holds it, EEXIST if it is the original, ESTALE if
-// another item takes its place meanwhile. OriginalStays: the copy has the name, but what is left of the old item lies
-// beside it. MovedWrongItem: an item that had the name, be it the old one or one that took its place, could not get it
-// back. Both times that item has the temporary name which the error's `item` tells, and keeps it if this process is
-// killed.
+// another item takes its place meanwhile; an old item of which nothing could be removed gets its name back.
+// OriginalStays: the copy has the name, but what is left of the old item lies beside it. MovedWrongItem: an item that
+// had the name, be it the old one or one that took its place, could not get it back. Both times that item has the
+// temporary name which the error's `item` tells. What was to be removed goes with the leftovers of this process; all
+// else keeps that name, also if this process is killed.
 Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, OverwritingSteps const& steps = {});
 
 } // namespace mac

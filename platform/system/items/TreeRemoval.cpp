@@ -223,7 +223,7 @@ Result<void> removeTree(FileDescriptor const& folder, std::string const& name, I
 }
 
 Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
-                           RemovalSteps const& steps) {
+                           RemovalSteps const& steps, std::function<Result<void>()> const& beforeRemoval) {
     std::uint64_t const mark = markOf(expected);
     Result<std::string> const aside = asideName(mark);
     if (!aside.hasValue()) return aside.problem();
@@ -246,12 +246,15 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
                             areSameContents(moved.value(), expected);
     // An item that cannot be looked at goes back, too.
     SystemError problem = found.hasValue() ? stale(name) : found.problem();
-    if (isExpected) {
+    Result<void> const mayGo = isExpected && beforeRemoval ? beforeRemoval() : Result<void>();
+    if (!mayGo.isDone()) {
+        problem = mayGo.problem();
+    } else if (isExpected) {
         Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
         if (removed.isDone()) return {};
         problem = {.code = removed.problem().code, .operation = "unlink", .item = name};
     }
-    // Another item, or a folder that has been filled.
+    // Another item, a folder that has been filled, or what must not go alone.
     Result<void> const isBack = renameWithoutReplacing(folder, aside.value(), folder, name);
     if (!isBack.isDone()) problem.item = aside.value();
     return problem;

@@ -39,8 +39,9 @@ using RemovalSteps = std::function<void(RemovalStep)>;
 
 // Removes one item that is no folder, or an empty folder, and no other one that takes its name meanwhile: the item is
 // moved aside, looked at and only then removed. ESTALE if it was another one, which gets its name back; if that is
-// taken, it keeps the name that the error tells.
+// taken, it keeps the name that the error tells. `beforeRemoval`, unless it is empty, is called once the right item
+// lies aside; if it fails, the item gets its name back.
 Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
-                           RemovalSteps const& steps = {});
+                           RemovalSteps const& steps = {}, std::function<Result<void>()> const& beforeRemoval = {});
 
 } // namespace mac

@@ -22,11 +22,26 @@ struct FolderIdentity {
     bool operator==(FolderIdentity const&) const = default;
 };
 
+// What changes when an entry comes to a folder, leaves it or takes another name. Equal stamps mean an unchanged list of
+// entries, where timesTellChanges() and the times are not too new (FolderLog.h). Times are nanoseconds since 1970; the
+// second is set by the system alone, so setting the first back does not hide a change.
+struct FolderStamp {
+    std::uint64_t inode = 0;
+    std::int64_t modified = 0;
+    std::int64_t changed = 0;
+    std::uint32_t linkCount = 0;
+    bool operator==(FolderStamp const&) const = default;
+};
+
 struct FolderFacts {
     bool isFolder = false;
+    // The names in it change without a change to the folder, once the user gives the key.
+    bool isEncrypted = false;
     std::uint64_t mount = 0; // ID of the mount it is reached through; 0 if unknown
-    std::uint32_t linkCount = 0;
-    FolderIdentity identity{};
+    std::uint64_t device = 0;
+    FolderStamp stamp{};
+
+    FolderIdentity identity() const { return {.device = device, .inode = stamp.inode}; }
 };
 
 // Looks without opening, without following a link, without mounting on demand and without asking a server.
@@ -39,6 +54,21 @@ bool meansVanished(SystemError const& error);
 // Whether the numbers that reading the folder lists are those that the items in it have by themselves. False for file
 // systems that are made of others, or by programs.
 bool listsItemNumbers(FileDescriptor const& folder);
+
+// The file system that a folder lies on. Two are the same only if all numbers are.
+struct VolumeIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t type = 0;
+    std::uint64_t fileSystem = 0; // as fstatfs tells it: from the file system's UUID where it has one
+    bool operator==(VolumeIdentity const&) const = default;
+};
+
+Result<VolumeIdentity> volumeIdentityOf(FileDescriptor const& folder);
+
+// Whether each change to a folder's entries changes the folder's own times there, in nanoseconds. True only for those
+// file systems where this was tested: ext4, XFS, btrfs and tmpfs. False for file systems that are made of others, that
+// others change too, or that keep coarse times.
+bool timesTellChanges(VolumeIdentity const& volume);
 
 // The leaf rule: where every subfolder's ".." counts as a link to its parent, a folder's link count tells how many
 // folders lie in it. A folder with none need not be opened at all, and reading another can end with its last folder.

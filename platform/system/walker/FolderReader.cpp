@@ -56,7 +56,7 @@ void FolderReader::seek(std::uint64_t inode, bool listsItemNumbers) {
 }
 
 void FolderReader::collect(FileDescriptor const& folder, char const* name, std::uint64_t listedNumber) {
-    if (!m_listsItemNumbers) listedNumber = factsInside(folder, name).valueOr(FolderFacts()).identity.inode;
+    if (!m_listsItemNumbers) listedNumber = factsInside(folder, name).valueOr(FolderFacts()).stamp.inode;
     if (listedNumber == *m_soughtInode) m_sought.emplace_back(name);
 }
 

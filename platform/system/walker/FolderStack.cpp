@@ -11,7 +11,27 @@ namespace mac {
 
 namespace {
 
-FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).valueOr(FolderFacts()).identity; }
+FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).valueOr(FolderFacts()).identity(); }
+
+// A place has 32 bits: seven in each byte, whose highest bit is set, so that none is zero.
+constexpr unsigned BitsInByte = 7;
+
+void appendPlace(std::string& names, RememberedFolders::Place place) {
+    for (std::size_t i = 0; i < FolderStack::placeBytes; ++i) {
+        names.push_back(static_cast<char>(0x80U | (place & 0x7FU)));
+        place >>= BitsInByte;
+    }
+}
+
+RememberedFolders::Place placeAt(char const* bytes) {
+    RememberedFolders::Place place = 0;
+    for (std::size_t i = FolderStack::placeBytes; i-- > 0;)
+        place = place << BitsInByte | (static_cast<unsigned char>(bytes[i]) & 0x7FU);
+    return place;
+}
+
+// Shorter than the system's limit by more than a name.
+constexpr std::size_t MostWayBytes = 2048;
 
 } // namespace
 
@@ -50,13 +70,40 @@ void FolderStack::clear() {
 Result<void> FolderStack::openTop() {
     FolderState& state = top();
     if (state.folder.isOpen()) return {};
-    Result<FileDescriptor> folder = openPath(m_path, O_RDONLY | O_DIRECTORY);
+    FileDescriptor const* const above = nearestOpen();
+    Result<FileDescriptor> folder =
+        above ? openFolderIn(*above, m_way.c_str()) : openPath(m_path, O_RDONLY | O_DIRECTORY);
     if (!folder.hasValue()) return folder.problem();
     bool const isSame = identityOf(folder.value()) == state.identity;
     if (!isSame || ::lseek(folder.value().number(), state.position, SEEK_SET) < 0)
         return SystemError{.code = ESTALE, .operation = "open", .item = m_path};
     state.folder = folder.takeValue();
     return {};
+}
+
+FileDescriptor const* FolderStack::nearestOpen() {
+    std::size_t level = m_levels.size() - 1;
+    while (level > 0) {
+        Level const& above = m_levels[--level];
+        std::size_t const bytes = m_path.size() - above.pathLength;
+        if (bytes > MostWayBytes) return nullptr;
+        if (!above.state.folder.isOpen()) continue;
+        m_way.assign(m_path, above.pathLength, bytes);
+        m_way.erase(0, m_way.starts_with('/') ? 1 : 0);
+        return &above.state.folder;
+    }
+    return nullptr;
+}
+
+Result<FolderStack::WayToName> FolderStack::wayTo(char const* name) {
+    if (!top().folder.isOpen()) {
+        if (FileDescriptor const* const above = nearestOpen()) {
+            appendComponent(m_way, name);
+            return WayToName{*above, m_way.c_str()};
+        }
+        if (Result<void> const opened = openTop(); !opened.isDone()) return opened.problem();
+    }
+    return WayToName{top().folder, name};
 }
 
 void FolderStack::closeAllButTop() {
@@ -71,21 +118,23 @@ void FolderStack::giveUpDescriptor(FolderState& state) {
     state.folder = FileDescriptor();
 }
 
-void FolderStack::addName(std::string_view name) {
+void FolderStack::addName(std::string_view name, RememberedFolders::Place remembered) {
+    appendPlace(m_names, remembered);
     m_names.append(name).push_back('\0');
     m_levels.back().namesEnd = m_names.size();
 }
 
-char const* FolderStack::nextName() {
+WaitingName FolderStack::nextName() {
     Level& level = m_levels.back();
     if (level.nextName == level.namesEnd) {
         m_names.resize(level.firstName); // more may be read into the same place
         level.nextName = level.namesEnd = level.firstName;
-        return nullptr;
+        return {};
     }
-    char const* name = m_names.data() + level.nextName;
-    level.nextName += std::string_view(name).size() + 1;
-    return name;
+    char const* const entry = m_names.data() + level.nextName;
+    WaitingName const waiting{.name = entry + placeBytes, .remembered = placeAt(entry)};
+    level.nextName += placeBytes + std::string_view(waiting.name).size() + 1;
+    return waiting;
 }
 
 std::optional<FolderShare> FolderStack::split(VolumeTraits const& traits) {
@@ -106,6 +155,7 @@ std::optional<FolderShare> FolderStack::split(VolumeTraits const& traits) {
     share.state.identity = identityOf(only.state.folder);
     share.state.isRead = true;
     share.state.holdsMountPoints = only.state.holdsMountPoints;
+    share.state.note = only.state.note;
     only.namesEnd = secondHalf;
     m_names.resize(secondHalf);
     return share;

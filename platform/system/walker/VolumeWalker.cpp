@@ -1,14 +1,18 @@
 #include "platform/system/walker/VolumeWalker.h"
 
 #include "platform/system/walker/DescriptorBudget.h"
+#include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/PackageRule.h"
+#include "platform/system/walker/RememberedPackages.h"
 #include "platform/system/walker/ThreadPace.h"
 #include "platform/system/walker/VolumeList.h"
 #include "platform/system/walker/WalkFindings.h"
+#include "platform/system/walker/WalkMemory.h"
 #include "platform/system/walker/WalkWorker.h"
 #include "platform/system/walker/WorkExchange.h"
 
 #include <csignal>
+#include <deque>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -38,29 +42,41 @@ private:
 
 } // namespace
 
-// One thread, the leader, lists the volumes, starts the workers, adds to them while the disk is read, and tells when
-// all have ended.
+// One thread, the leader, recalls the last walk, lists the volumes, starts the workers, adds to them while the disk is
+// read, tells when all have ended, and leaves what the next walk needs.
 class VolumeWalker::Walk {
 public:
     Walk(VolumeWalkRequest&& request, std::function<void()>&& onNews)
-        : m_roots(std::move(request.roots)), m_packages(std::move(request.packageSuffix), std::move(request.names)),
-          m_item(std::move(request.item)), m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
-          m_findings(std::move(onNews)) {}
+        : m_question{.roots = std::move(request.roots),
+                     .packageSuffix = std::move(request.packageSuffix),
+                     .names = std::move(request.names)},
+          m_packages(m_question.packageSuffix, m_question.names), m_item(std::move(request.item)),
+          m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
+          m_memory(m_item ? nullptr : std::move(request.memory)),
+          m_findings(std::move(onNews), m_memory ? WalkFindings::Keeping::Always : WalkFindings::Keeping::UntilTaken) {}
 
     bool start();
     void stop();
+    void waitUntilRemembered();
     WalkFindings& findings() { return m_findings; }
 
 private:
     void lead();
+    void recall(VolumeList const& list);
     void giveVolumes();
     bool haveWorkers(unsigned count);
-    void work();
+    FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
+    void work(FolderLog& log);
+    void remember();
 
-    std::vector<std::string> const m_roots;
+    WalkQuestion const m_question;
     PackageRule const m_packages;
     std::optional<SoughtItem> const m_item;
     bool const m_usesLinkCounts;
+    std::shared_ptr<WalkMemory> const m_memory;
+    std::int64_t m_started = 0;
+    std::shared_ptr<RememberedWalk const> m_last;
+    std::deque<FolderLog> m_logs; // one for each worker
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
@@ -87,19 +103,49 @@ void VolumeWalker::Walk::stop() {
     if (m_leader.joinable()) m_leader.join();
 }
 
+void VolumeWalker::Walk::waitUntilRemembered() {
+    if (m_leader.joinable()) m_leader.join();
+}
+
 void VolumeWalker::Walk::lead() {
+    if (m_memory) m_started = m_memory->now();
     giveVolumes();
     ThreadPace pace(std::thread::hardware_concurrency(), m_budget.threads, blocksReadByProcess());
     while (haveWorkers(pace.threads()) && pace.canGrow() && !m_exchange.waitUntilOver(ThreadPace::interval))
         pace.look(blocksReadByProcess());
-    if (m_workers.empty()) work();
+    if (m_workers.empty()) work(newLog());
     for (std::thread& worker : m_workers)
         worker.join();
-    if (!m_wasStopped) m_findings.finish();
+    if (m_wasStopped) return;
+    m_findings.finish();
+    if (m_memory) remember();
+}
+
+void VolumeWalker::Walk::recall(VolumeList const& list) {
+    m_last = m_memory->recall(m_question);
+    if (!m_last) return;
+    m_findings.addRemembered(
+        packagesStillThere(m_last->packages, list, m_packages, [this] { return m_wasStopped.load(); }));
+}
+
+void VolumeWalker::Walk::remember() {
+    bool const isSame = m_last && m_findings.progress().listsRead == 0;
+    if (isSame) return;
+    auto const shouldStop = [this] { return m_wasStopped.load(); };
+    std::optional<RememberedFolders> folders = indexOf(m_logs, m_started, shouldStop);
+    if (!folders || shouldStop()) return;
+    m_logs.clear();
+    m_last.reset();
+    // What cannot be kept is found anew the next time.
+    (void)m_memory->keep({.question = m_question,
+                          .start = m_started,
+                          .packages = m_findings.packagesOfWalk(),
+                          .folders = std::make_shared<RememberedFolders const>(std::move(*folders))});
 }
 
 void VolumeWalker::Walk::giveVolumes() {
-    VolumeList list = listVolumes(m_roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
+    VolumeList list = listVolumes(m_question.roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
+    if (m_memory) recall(list);
     m_mountPoints = std::move(list.mountPoints);
     for (SystemError const& failure : list.failures)
         m_findings.addUnreadable(failure.item, failure);
@@ -120,7 +166,7 @@ bool VolumeWalker::Walk::haveWorkers(unsigned count) {
     while (m_workers.size() < count) {
         if (!m_exchange.enroll()) return false;
         try {
-            m_workers.emplace_back([this] { work(); });
+            m_workers.emplace_back([this, &log = newLog()] { work(log); });
         } catch (std::system_error const&) {
             if (!m_workers.empty()) m_exchange.withdraw(); // else the leader works in its place
             return false;
@@ -129,8 +175,17 @@ bool VolumeWalker::Walk::haveWorkers(unsigned count) {
     return true;
 }
 
-void VolumeWalker::Walk::work() {
-    WalkWorker({m_exchange, m_findings, m_packages, m_item, m_mountPoints}, m_budget.foldersPerThread).run();
+void VolumeWalker::Walk::work(FolderLog& log) {
+    RememberedFolders const* const last = m_last ? m_last->folders.get() : nullptr;
+    WalkWorker({.exchange = m_exchange,
+                .findings = m_findings,
+                .packages = m_packages,
+                .item = m_item,
+                .mountPoints = m_mountPoints,
+                .last = last,
+                .log = m_memory ? &log : nullptr},
+               m_budget.foldersPerThread)
+        .run();
 }
 
 VolumeWalker::VolumeWalker(VolumeWalkRequest request, std::function<void()> onNews)
@@ -141,6 +196,10 @@ VolumeWalker::~VolumeWalker() { stop(); }
 bool VolumeWalker::start() { return m_walk->start(); }
 
 void VolumeWalker::stop() { m_walk->stop(); }
+
+void VolumeWalker::waitUntilRemembered() { m_walk->waitUntilRemembered(); }
+
+std::vector<std::string> VolumeWalker::vanished() const { return m_walk->findings().vanished(); }
 
 std::vector<std::string> VolumeWalker::takeFound() { return m_walk->findings().take(); }
 

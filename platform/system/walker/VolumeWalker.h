@@ -11,6 +11,7 @@
 namespace mac {
 
 class FileDescriptor;
+class WalkMemory;
 
 // One item of any kind that is looked for in place of packages, by its inode number.
 struct SoughtItem {
@@ -35,13 +36,18 @@ struct VolumeWalkRequest {
     // Whether folders are left out that hold no folder, where the file system tells that (FolderFacts.h). A sought item
     // that is no folder is looked for in all of them anyway.
     bool usesLinkCounts = true;
+    // If set, the walk begins with what the last one left there, and leaves what it found: see VolumeWalker. Not used
+    // for a sought item.
+    std::shared_ptr<WalkMemory> memory{};
 };
 
 struct VolumeWalkProgress {
     bool isFinished = false; // never after a stop
     std::uint64_t foldersVisited = 0;
+    std::uint64_t listsRead = 0; // of them, whose list of entries was read: at least begun
     std::uint64_t packagesFound = 0;
     std::uint64_t packagesToTake = 0; // of them, found since the last take
+    bool isRemembered = false;        // those to take are there, but the walk has not come to them yet
     std::uint64_t unreadableFolders = 0;
     std::vector<SystemError> firstUnreadable; // each names its folder; at most maximumUnreadableKept
 };
@@ -53,6 +59,11 @@ struct VolumeWalkProgress {
 // mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
 // on; one that vanishes meanwhile is not counted, and neither is one that is known to hold no folder, as it need not be
 // opened. A root that is itself a package is reported, not entered.
+//
+// With a memory, the packages that the last walk found come first, as far as they are still there, and a folder whose
+// status is what it was then is not read again, as long as the file system's times can be relied on (FolderFacts.h).
+// Its subfolders are looked at one by one all the same, since a folder's times tell nothing of what lies deeper. A walk
+// that comes to its end is remembered after it has said finished.
 class VolumeWalker {
 public:
     static constexpr std::size_t maximumUnreadableKept = 16;
@@ -69,9 +80,14 @@ public:
     // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
     void stop();
 
+    // Returns when the walk has come to its end and is remembered, or was stopped.
+    void waitUntilRemembered();
+
     // The paths found since the last take, in no order. Empty once `progress` has said finished and they were taken.
     std::vector<std::string> takeFound();
     VolumeWalkProgress progress() const;
+    // Once the walk has finished: those of the paths taken that were remembered and that the walk did not come to.
+    std::vector<std::string> vanished() const;
 
 private:
     class Walk;

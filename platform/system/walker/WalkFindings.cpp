@@ -4,11 +4,27 @@
 
 namespace mac {
 
-WalkFindings::WalkFindings(std::function<void()> onNews) : m_onNews(std::move(onNews)) {}
+WalkFindings::WalkFindings(std::function<void()> onNews, Keeping keeping)
+    : m_onNews(std::move(onNews)), m_keeping(keeping) {}
+
+void WalkFindings::addRemembered(std::vector<std::string>&& paths) {
+    if (paths.empty()) return;
+    {
+        std::lock_guard const lock(m_mutex);
+        m_progress.packagesFound += paths.size();
+        m_progress.isRemembered = true;
+        m_unconfirmed.insert(paths.begin(), paths.end());
+        m_packages = std::move(paths);
+        m_newsWereTold = true;
+    }
+    if (m_onNews) m_onNews();
+}
 
 void WalkFindings::addPackage(std::string&& path) {
     {
         std::lock_guard const lock(m_mutex);
+        if (m_keeping == Keeping::Always) m_packagesOfWalk.push_back(path);
+        if (m_unconfirmed.erase(path) > 0) return; // was told already
         m_packages.push_back(std::move(path));
         ++m_progress.packagesFound;
         if (std::exchange(m_newsWereTold, true)) return;
@@ -28,6 +44,7 @@ void WalkFindings::finish() {
     {
         std::lock_guard const lock(m_mutex);
         m_progress.isFinished = true;
+        m_progress.packagesFound -= m_unconfirmed.size();
     }
     if (m_onNews) m_onNews();
 }
@@ -35,6 +52,7 @@ void WalkFindings::finish() {
 std::vector<std::string> WalkFindings::take() {
     std::lock_guard const lock(m_mutex);
     m_newsWereTold = false;
+    m_progress.isRemembered = false;
     return std::exchange(m_packages, {});
 }
 
@@ -43,7 +61,19 @@ VolumeWalkProgress WalkFindings::progress() const {
     VolumeWalkProgress progress = m_progress;
     progress.packagesToTake = m_packages.size();
     progress.foldersVisited = m_foldersVisited.load(std::memory_order_relaxed);
+    progress.listsRead = m_listsRead.load(std::memory_order_relaxed);
     return progress;
+}
+
+std::vector<std::string> WalkFindings::vanished() const {
+    std::lock_guard const lock(m_mutex);
+    if (!m_progress.isFinished) return {};
+    return {m_unconfirmed.begin(), m_unconfirmed.end()};
+}
+
+std::vector<std::string> WalkFindings::packagesOfWalk() const {
+    std::lock_guard const lock(m_mutex);
+    return m_packagesOfWalk;
 }
 
 } // namespace mac

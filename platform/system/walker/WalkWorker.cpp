@@ -11,11 +11,14 @@ namespace {
 // Enough names at a time: a folder with more subfolders is read on when these were visited.
 constexpr std::size_t nameBytesAtOnce = 65'536;
 
+// With fewer folders below it, an unchanged folder is not opened: what lies below is reached from a folder above.
+constexpr std::uint32_t foldersWorthOpening = 32;
+
 } // namespace
 
 WalkWorker::WalkWorker(Shared const& shared, std::size_t openLimit)
     : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages), m_item(shared.item),
-      m_mountPoints(shared.mountPoints), m_stack(openLimit) {}
+      m_mountPoints(shared.mountPoints), m_last(shared.last), m_log(shared.log), m_stack(openLimit) {}
 
 void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
@@ -36,7 +39,8 @@ bool WalkWorker::openVolume(FolderShare& share) {
         return false;
     }
     share.state.folder = folder.takeValue();
-    std::uint64_t const mount = factsOf(share.state.folder).valueOr(FolderFacts()).mount;
+    FolderFacts const facts = factsOf(share.state.folder).valueOr(FolderFacts());
+    std::uint64_t const mount = facts.mount;
     if (mount != 0 && mount != share.traits.mount) return false; // unmounted since it was listed
     share.traits.mount = mount;
     share.traits.linkCountTellsSubfolders =
@@ -44,23 +48,59 @@ bool WalkWorker::openVolume(FolderShare& share) {
     share.traits.listsItemNumbers = m_item && listsItemNumbers(share.state.folder);
     share.state.holdsMountPoints = m_mountPoints.isParentOfOne(share.path);
     m_findings.countFolder();
+    if (m_log) recallVolume(share, facts);
     return true;
+}
+
+void WalkWorker::recallVolume(FolderShare& share, FolderFacts const& facts) {
+    Result<VolumeIdentity> const identity = volumeIdentityOf(share.state.folder);
+    if (!identity.hasValue() || !timesTellChanges(identity.value())) return;
+    share.state.note = m_log->addVolume(share.path, identity.value(), facts);
+    if (m_last == nullptr) return;
+    RememberedFolders::Place const place = m_last->volume(share.path, identity.value());
+    if (place == RememberedFolders::None) return;
+    share.state.remembered = m_last->children(place);
+    share.state.isUnchanged = m_last->stamp(place) == facts.stamp;
 }
 
 void WalkWorker::step() {
     if (m_exchange.isHungry()) {
         if (std::optional<FolderShare> share = m_stack.split(m_volume)) m_exchange.give(std::move(*share));
     }
-    if (char const* name = m_stack.nextName()) return visit(name);
+    if (WaitingName const waiting = m_stack.nextName(); waiting.name != nullptr) return visit(waiting);
     if (m_stack.top().isRead) return m_stack.pop();
     readNames();
 }
 
 void WalkWorker::readNames() {
+    if (m_stack.top().isUnchanged) return recallNames();
     if (Result<void> const opened = m_stack.openTop(); !opened.isDone()) return abandonTop(opened.problem());
     FolderState& state = m_stack.top();
+    bool const isBegin = state.subfoldersSeen == 0 && !state.known;
+    if (isBegin) m_findings.countListRead();
+    if (isBegin && state.remembered.next != state.remembered.end)
+        state.known = std::make_unique<RememberedNames>(*m_last, state.remembered);
     while (!state.isRead && m_stack.nameBytesWaiting() < nameBytesAtOnce && !m_exchange.isOver())
         readInto(state);
+}
+
+// Takes the names that the folder held when it was read, and still holds.
+void WalkWorker::recallNames() {
+    FolderState& state = m_stack.top();
+    while (m_stack.nameBytesWaiting() < nameBytesAtOnce) {
+        std::optional<RememberedFolders::Child> const child = m_last->next(state.remembered);
+        state.isRead = !child;
+        if (!child) return;
+        if (child->kind == RememberedFolders::Kind::Package)
+            addPackage(child->name);
+        else
+            m_stack.addName(child->name, child->place);
+    }
+}
+
+void WalkWorker::addPackage(std::string_view name) {
+    m_findings.addPackage(pathOf(name));
+    if (m_log) m_log->addPackage(m_stack.top().note, name);
 }
 
 // Reads once into the buffer and takes the subfolders from there.
@@ -74,9 +114,9 @@ void WalkWorker::readInto(FolderState& state) {
     while (std::optional<std::string_view> const name = m_reader.nextSubfolder(state.folder)) {
         ++state.subfoldersSeen;
         if (!m_packages.isPackage(*name))
-            m_stack.addName(*name);
+            m_stack.addName(*name, state.known ? state.known->place(*name) : RememberedFolders::None);
         else if (m_packages.isWanted(*name))
-            m_findings.addPackage(pathOf(*name));
+            addPackage(*name);
     }
     if (m_reader.hasSought()) {
         for (std::string const& name : m_reader.takeSought())
@@ -95,35 +135,61 @@ void WalkWorker::take(FileDescriptor const& folder, std::string const& name) {
 bool WalkWorker::sawAllSubfolders(FolderState const& state) const {
     if (!state.subfolders || state.subfoldersSeen < *state.subfolders) return false;
     if (m_reader.hadRoomLeft()) return true;
-    std::uint32_t const linkCount = factsOf(state.folder).valueOr(FolderFacts()).linkCount;
+    std::uint32_t const linkCount = factsOf(state.folder).valueOr(FolderFacts()).stamp.linkCount;
     return subfoldersByLinkCount(linkCount) == state.subfoldersSeen;
 }
 
-void WalkWorker::visit(char const* name) {
-    if (Result<void> const opened = m_stack.openTop(); !opened.isDone()) return abandonTop(opened.problem());
-    FolderState const& parent = m_stack.top();
-    if (parent.holdsMountPoints && m_mountPoints.contains(pathOf(name))) return;
-    Result<FolderFacts> const looked = factsInside(parent.folder, name);
-    if (!looked.hasValue()) return subfolderFailed(name, looked.problem());
-    FolderFacts const& facts = looked.value();
-    if (!facts.isFolder || facts.mount != m_volume.mount) return;
-    m_findings.countFolder();
-    if (m_item && m_item->isFolder && facts.identity.inode == m_item->inode) take(parent.folder, name);
-    FolderState child;
-    if (m_volume.linkCountTellsSubfolders) child.subfolders = subfoldersByLinkCount(facts.linkCount);
-    if (child.subfolders == 0U) return;
-    Result<FileDescriptor> folder = open(parent.folder, name);
-    if (!folder.hasValue()) return subfolderFailed(name, folder.problem());
-    child.folder = folder.takeValue();
-    m_stack.push(name, std::move(child));
-    m_stack.top().holdsMountPoints = m_mountPoints.isParentOfOne(m_stack.path());
+void WalkWorker::visit(WaitingName const& waiting) {
+    Result<FolderStack::WayToName> const way = m_stack.wayTo(waiting.name);
+    if (!way.hasValue()) return abandonTop(way.problem());
+    FolderLog::Note const parent = m_stack.top().note;
+    if (!enter(way.value(), waiting) && m_log) m_log->addName(parent, waiting.name);
 }
 
-Result<FileDescriptor> WalkWorker::open(FileDescriptor const& parent, char const* name) {
-    Result<FileDescriptor> folder = openFolderIn(parent, name);
+// False if the subfolder is none to go through.
+bool WalkWorker::enter(FolderStack::WayToName const& way, WaitingName const& waiting) {
+    char const* const name = waiting.name;
+    FolderLog::Note const parent = m_stack.top().note;
+    if (m_stack.top().holdsMountPoints && m_mountPoints.contains(pathOf(name))) return false;
+    Result<FolderFacts> const looked = factsInside(way.folder, way.path);
+    if (!looked.hasValue()) {
+        subfolderFailed(name, looked.problem());
+        return false;
+    }
+    FolderFacts const& facts = looked.value();
+    if (!facts.isFolder || facts.mount != m_volume.mount) return false;
+    m_findings.countFolder();
+    if (m_item && m_item->isFolder && facts.stamp.inode == m_item->inode) take(way.folder, name);
+    FolderState child;
+    if (m_volume.linkCountTellsSubfolders) child.subfolders = subfoldersByLinkCount(facts.stamp.linkCount);
+    if (child.subfolders == 0U) return false;
+    child.identity = facts.identity();
+    if (waiting.remembered != RememberedFolders::None) {
+        child.remembered = m_last->children(waiting.remembered);
+        child.isUnchanged = m_last->stamp(waiting.remembered) == facts.stamp;
+    }
+    if (!child.isUnchanged || m_last->foldersBelow(waiting.remembered) >= foldersWorthOpening) {
+        Result<FileDescriptor> folder = open(way, name);
+        if (!folder.hasValue()) {
+            subfolderFailed(name, folder.problem());
+            return false;
+        }
+        child.folder = folder.takeValue();
+    }
+    if (m_log) child.note = m_log->addFolder(parent, name, facts);
+    m_stack.push(name, std::move(child));
+    m_stack.top().holdsMountPoints = m_mountPoints.isParentOfOne(m_stack.path());
+    return true;
+}
+
+// Opens a subfolder of the top folder.
+Result<FileDescriptor> WalkWorker::open(FolderStack::WayToName const& way, char const* name) {
+    Result<FileDescriptor> folder = openFolderIn(way.folder, way.path);
     if (folder.hasValue() || (!folder.problem().is(EMFILE) && !folder.problem().is(ENFILE))) return folder;
     m_stack.closeAllButTop();
-    return openFolderIn(parent, name);
+    Result<FolderStack::WayToName> const again = m_stack.wayTo(name);
+    if (!again.hasValue()) return again.problem();
+    return openFolderIn(again.value().folder, again.value().path);
 }
 
 std::string WalkWorker::pathOf(std::string_view name) const {
@@ -139,6 +205,7 @@ void WalkWorker::subfolderFailed(char const* name, SystemError const& error) {
 }
 
 void WalkWorker::topFailed(SystemError const& error) {
+    if (m_log) m_log->addFailure(m_stack.top().note);
     if (!meansVanished(error)) m_findings.addUnreadable(m_stack.path(), error);
 }
 

@@ -13,13 +13,15 @@ namespace mac {
 // waits, and receives the next, until the walk is over.
 class WalkWorker {
 public:
-    // What is referred to is shared by all workers and outlives them.
+    // What is referred to outlives the worker, and is shared by all but for the log.
     struct Shared {
         WorkExchange& exchange;
         WalkFindings& findings;
         PackageRule const& packages;
         std::optional<SoughtItem> const& item;
         MountPointSet const& mountPoints;
+        RememberedFolders const* last; // what the last walk left; nullptr: nothing
+        FolderLog* log;                // for the next one; nullptr: it needs none
     };
     WalkWorker(Shared const& shared, std::size_t openLimit);
 
@@ -27,13 +29,17 @@ public:
 
 private:
     bool openVolume(FolderShare& share);
+    void recallVolume(FolderShare& share, FolderFacts const& facts);
     void step();
     void readNames();
-    void visit(char const* name);
+    void recallNames();
+    void visit(WaitingName const& waiting);
+    bool enter(FolderStack::WayToName const& way, WaitingName const& waiting);
+    void addPackage(std::string_view name);
     void take(FileDescriptor const& folder, std::string const& name);
     void readInto(FolderState& state);
     bool sawAllSubfolders(FolderState const& state) const;
-    Result<FileDescriptor> open(FileDescriptor const& parent, char const* name);
+    Result<FileDescriptor> open(FolderStack::WayToName const& way, char const* name);
     std::string pathOf(std::string_view name) const;
     void subfolderFailed(char const* name, SystemError const& error);
     void topFailed(SystemError const& error);
@@ -44,6 +50,8 @@ private:
     PackageRule const& m_packages;
     std::optional<SoughtItem> const& m_item;
     MountPointSet const& m_mountPoints;
+    RememberedFolders const* const m_last;
+    FolderLog* const m_log;
     FolderReader m_reader;
     FolderStack m_stack;
     VolumeTraits m_volume;

@@ -2,11 +2,16 @@
 #include "platform/appkit/ApplicationEvents.h"
 #include "platform/appkit/DisplayConnection.h"
 #include "platform/appkit/NSApplicationMain.h"
+#include "platform/desktop/Patience.h"
 #include "platform/events/AppleEvents.h"
+#include "platform/foundation/EventLoop.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/UserInterface.h"
 #include "platform/processes/Processes.h"
 #include "tests/platform/appkit/LoadedWindow.h"
+#include "tests/platform/desktop/VirtualSession.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <QTest>
 #include <QTimer>
@@ -151,6 +156,38 @@ TEST_F(NSApplicationDeathTest, DoesNotRunIfItWasEndedBefore) {
 
 TEST_F(NSApplicationDeathTest, RunsWithoutADisplay) {
     EXPECT_EXIT(runWithoutDisplay(), testing::ExitedWithCode(0), "^Cannot open a window: there is no display.*\n$");
+}
+
+// Answers 0 if dialogs can be shown on a display that was not there when they were first asked for, in a program that
+// made no application object.
+template <class Function>
+int statusWithLaterDisplay(Function useProgram) {
+    unsetDisplays();
+    if (userInterface()) return 2;
+    // The toolkit ends the process if its display goes.
+    static VirtualDisplay const display;
+    useProgram();
+    return userInterface() && userInterface() == userInterface() ? 0 : 3;
+}
+
+TEST_F(NSApplicationDeathTest, IsMadeForDialogsOnADisplayThatComesLater) {
+    std::optional<std::string> const obstacle = VirtualDisplay::obstacle();
+    if (obstacle) GTEST_SKIP() << *obstacle;
+    EXPECT_EXIT(std::_Exit(statusWithLaterDisplay([] {})), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(NSApplicationDeathTest, IsMadeForDialogsAfterTheEventLoop) {
+    std::optional<std::string> const obstacle = VirtualDisplay::obstacle();
+    if (obstacle) GTEST_SKIP() << *obstacle;
+    EXPECT_EXIT(std::_Exit(statusWithLaterDisplay(requireEventLoop)), testing::ExitedWithCode(0), "");
+}
+
+TEST(DisplayConnection, IsNotThereWhileTheDisplayDoesNotAnswer) {
+    SilentDisplay const silent;
+    EnvironmentVariable const display("DISPLAY", silent.name());
+    EnvironmentVariable const wayland("WAYLAND_DISPLAY", std::nullopt);
+    Patience const patience(std::chrono::milliseconds(100));
+    EXPECT_FALSE(isDisplayThere());
 }
 
 // A delegate that answers what it is told to.

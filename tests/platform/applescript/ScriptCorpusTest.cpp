@@ -1,3 +1,4 @@
+#include "fuzz/DateTextTrial.h"
 #include "fuzz/ScriptTrial.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
@@ -5,5 +6,7 @@
 namespace mac::test {
 
 TEST(ScriptCorpus, Holds) { expectNoComplaints("ScriptFuzz", &fuzz::complaintAboutScript); }
+
+TEST(ScriptCorpus, OfDatesHolds) { expectNoComplaints("DateTextFuzz", &fuzz::complaintAboutDateText); }
 
 } // namespace mac::test

@@ -6,6 +6,29 @@
 
 namespace mac::test {
 
+// A virtual display, in the environment as long as the object lives. A program that connects its toolkit to it must end
+// first.
+class VirtualDisplay {
+public:
+    // Which program it lacks on this computer; nullopt if it can be made.
+    static std::optional<std::string> obstacle();
+
+    void sendSignal(int signal) const { m_server.sendSignal(signal); }
+
+private:
+    ChildProcess m_server{
+        endingWithThisProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"})};
+    EnvironmentVariable m_display{"DISPLAY", ":" + m_server.readLine()};
+    // An empty name counts as a Wayland display with the library that presses keys.
+    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
+};
+
+// The program's event loop, made while there is no display that it could be connected to.
+class LoopWithoutDisplay {
+public:
+    LoopWithoutDisplay();
+};
+
 // A virtual display and a bus, in the environment as long as the object lives; what is on the display can be read as
 // assistive technology does. Texts are English.
 class VirtualSession {
@@ -20,8 +43,14 @@ public:
     VirtualSession(VirtualSession const&) = delete;
     VirtualSession& operator=(VirtualSession const&) = delete;
 
+    // To a neighbour of the programs in the session, such as SIGSTOP.
+    void sendSignalToDisplay(int signal) const { m_display.sendSignal(signal); }
+    void sendSignalToBus(int signal) const { m_bus.sendSignal(signal); }
+
     // Waits for a window of that title; false after a minute.
     static bool showsWindow(std::string const& title);
+    // How many windows have that title.
+    static std::size_t countWindows(std::string const& title);
     // Whether there is an element whose role and name begin so.
     static bool hasElement(std::string const& beginning);
     // Waits for an element whose role and name begin so ("status bar \"letter.txt\""); false after a minute.
@@ -31,10 +60,9 @@ private:
     EnvironmentVariable m_locale{"LC_ALL", "C.UTF-8"};
     EnvironmentVariable m_language{"LANGUAGE", ""};
     EnvironmentVariable m_runtime;
-    ChildProcess m_server;
-    EnvironmentVariable m_display;
-    // An empty name counts as a Wayland display with the library that presses keys.
-    EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};
+    // The tests outlive the display.
+    LoopWithoutDisplay m_loop{};
+    VirtualDisplay m_display{};
     PrivateBus m_bus{};
     EnvironmentVariable m_address;
     ChildProcess m_accessibility;

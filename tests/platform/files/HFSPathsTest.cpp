@@ -3,6 +3,7 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/system/items/MountTable.h"
 #include "tests/support/Corpus.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -53,6 +54,13 @@ INSTANTIATE_TEST_SUITE_P(
                     Pair{"/media/ann/STICK/../x", "STICK:..:x"}, Pair{"//a", "Macintosh HD::a"},
                     Pair{"a/b:c", ":a:b/c"}, Pair{"a/", ":a:"}));
 
+TEST(HFSPaths, BeginWithTheLabelOfTheStartupVolume) {
+    Volumes const labeled = volumesOf(MountTable::parse("1 0 8:1 / / rw - ext4 /dev/sda1 rw\n"), u"Ann:s disk");
+    EXPECT_EQ(hfsPathFromPOSIXPath(u"/a", false, labeled), u"Ann/s disk:a");
+    EXPECT_EQ(posixPathFromHFSPath(u"ann/S disk:a", labeled), u"/a");
+    EXPECT_EQ(posixPathFromHFSPath(u"Macintosh HD:a", labeled), u"/a");
+}
+
 TEST(HFSPaths, OfFoldersEndWithOneColon) {
     EXPECT_EQ(hfs("/a", true), "Macintosh HD:a:");
     EXPECT_EQ(hfs("/a/", true), "Macintosh HD:a:");
@@ -100,7 +108,10 @@ TEST(HFSPaths, KnowTheStartupVolumeWithoutAnyList) {
 }
 
 TEST(HFSPaths, AreThoseOfTheVolumesThatAreMounted) {
-    EXPECT_EQ(hfsPathFromPOSIXPath(u"/etc/passwd", false), u"Macintosh HD:etc:passwd");
+    std::u16string shown = startupVolumeName();
+    std::ranges::replace(shown, u':', u'/');
+    EXPECT_EQ(hfsPathFromPOSIXPath(u"/etc/passwd", false), shown + u":etc:passwd");
+    EXPECT_EQ(posixPathFromHFSPath(shown + u":etc:passwd"), u"/etc/passwd");
     EXPECT_EQ(posixPathFromHFSPath(u"Macintosh HD:etc:passwd"), u"/etc/passwd");
     EXPECT_EQ(hfsPathFromPOSIXPath(u"a", false), u":a");
     EXPECT_EQ(posixPathFromHFSPath(u":a"), u"a");

@@ -181,6 +181,7 @@ TEST_F(ItemExchange, TakesEveryStepBack) {
     makeFiles("files");
     Seen const first = seen(m_first);
     Seen const second = seen(m_second);
+    FSRef const reference = referenceTo(m_first, LinkAtEnd::IsNotFollowed);
     for (ExchangeStep const failing : {ExchangeStep::Exchanged, ExchangeStep::SidecarsFollowed}) {
         Result<void> const done = exchangeItems(open(m_first), open(m_second), [&](ExchangeStep step) {
             return step == failing ? Result<void>(SystemError{.code = EIO}) : Result<void>();
@@ -188,6 +189,7 @@ TEST_F(ItemExchange, TakesEveryStepBack) {
         EXPECT_EQ(done.problem().code, EIO);
         EXPECT_EQ(seen(m_first), first);
         EXPECT_EQ(seen(m_second), second);
+        EXPECT_EQ(pathOf(reference), m_first);
     }
 }
 

@@ -1,4 +1,7 @@
+#include "tests/platform/files/References.h"
 #include "tests/platform/files/ReplacingTransfers.h"
+#include "tests/support/Refusals.h"
+#include <sys/syscall.h>
 #include <utility>
 
 namespace mac::test {
@@ -52,6 +55,28 @@ TEST(ReplacingTransfer, DoesNotPartAnItemFromItsAppleDoubleFile) {
     EXPECT_EQ(errorOf(move, folder.path("file"), folder.path("there"), "moved"), 0);
     EXPECT_EQ(textOf(folder.path("there/._moved")), AppleDouble + "own");
     EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"there"});
+}
+
+TEST(ReplacingTransfer, ReferencesFindAnItemThatCameBack) {
+    TrashHome const home;
+    TemporaryFolder const& folder = home.folder;
+    std::string const file = folder.makeFile("file", "x");
+    folder.makeFile("._file", AppleDouble + "own");
+    folder.makeFile("there/._file", AppleDouble + "stray");
+    FSRef const reference = referenceTo(file);
+    // The item moves in steps, and its sidecar cannot follow.
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        EXPECT_EQ(errorOf(move, file, folder.path("there"), "file", NameClash::IsRefused), EEXIST);
+    });
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(pathOf(reference), file);
+    std::string const inTrash = moveToTrash(file).takeValue().path;
+    FSRef const trashed = referenceTo(inTrash);
+    TrashSteps const steps = [&](TrashStep step) {
+        if (step == TrashStep::ItemPutBack) folder.makeFile("._file", AppleDouble + "another's");
+    };
+    withRefusedCall(SYS_renameat2, EINVAL, [&] { EXPECT_FALSE(putBackItemAtPath(inTrash, steps).hasValue()); });
+    EXPECT_EQ(pathOf(trashed), inTrash);
 }
 
 TEST(ReplacingTransfer, GivesNoItemTheAttributesOfAStrayAppleDoubleFile) {

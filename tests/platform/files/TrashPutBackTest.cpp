@@ -1,5 +1,9 @@
 #include "tests/platform/files/TrashHome.h"
+#include "tests/support/Refusals.h"
+#include <cerrno>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -38,6 +42,29 @@ TEST_F(TrashPutBack, RestoresTheItemAtAPath) {
     EXPECT_EQ(namesIn(m_home.files()), Names());
     EXPECT_EQ(namesIn(m_home.information()), Names());
     EXPECT_EQ(kindOfProblem(putBackItemAtPath(path)), TrashProblem::NotThere);
+}
+
+TEST_F(TrashPutBack, LeavesNoRecordWhereItsFileCannotBeRemoved) {
+    std::string const path = trash("a/file", "x");
+    withRefusedCall(SYS_unlinkat, EIO, [&] { EXPECT_TRUE(putBackItemAtPath(path).hasValue()); });
+    EXPECT_EQ(textOf(m_home.path("a/file")), "x");
+    EXPECT_FALSE(isThere(m_home.information("file.trashinfo")));
+}
+
+TEST_F(TrashPutBack, ChangesNothingWhereTheRecordStays) {
+    std::string const path = trash("a/file", "x");
+    std::thread([&] {
+        TrashSteps const steps = [](TrashStep step) {
+            if (step != TrashStep::ItemPutBack) return;
+            refuseCallOnThisThread(SYS_unlinkat, EIO);
+            refuseCallOnThisThread(SYS_renameat, EIO);
+        };
+        EXPECT_EQ(kindOfProblem(putBackItemAtPath(path, steps)), TrashProblem::Other);
+    }).join();
+    EXPECT_EQ(textOf(path), "x");
+    EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));
+    EXPECT_FALSE(isThere(m_home.path("a/file")));
+    EXPECT_TRUE(putBackItemAtPath(path).hasValue());
 }
 
 TEST_F(TrashPutBack, RestoresALinkItself) {

@@ -1,9 +1,12 @@
 #include "tests/platform/files/TrashHome.h"
+#include "tests/support/Refusals.h"
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <thread>
 
 namespace mac::test {
 namespace {
@@ -99,6 +102,21 @@ TEST_F(TrashBetweenSteps, KilledWhileErasingNothingIsListedTwice) {
     runUntilKilled(TrashStep::ItemErased, [&](TrashSteps const& steps) { emptyTrash({}, steps); });
     EXPECT_TRUE(trashedItems().empty());
     EXPECT_EQ(putBack(item).problem().kind, TrashProblem::NotThere);
+}
+
+TEST_F(TrashBetweenSteps, AnErasedItemWhoseRecordStaysIsTold) {
+    (void)moveToTrash(m_home.folder.makeFile("a/file", "x"));
+    std::thread([&] {
+        EmptiedTrash const emptied = emptyTrash({}, [](TrashStep step) {
+            if (step != TrashStep::ItemErased) return;
+            refuseCallOnThisThread(SYS_unlinkat, EIO);
+            refuseCallOnThisThread(SYS_renameat, EIO);
+        });
+        EXPECT_EQ(emptied.removed, 0U);
+        EXPECT_EQ(emptied.left, 1U);
+        EXPECT_EQ(emptied.firstProblem.error.code, EIO);
+    }).join();
+    EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));
 }
 
 TEST_F(TrashBetweenSteps, ErasingEndsWhenItIsNoMoreWanted) {

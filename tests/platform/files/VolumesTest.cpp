@@ -5,6 +5,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -117,6 +118,28 @@ TEST(Volumes, HaveNamesOfTheirOwn) {
     // A part of the system takes no name from a disk.
     EXPECT_EQ(namesOf(volumesIn("2 1 8:2 / /boot/X rw - ext4 d rw\n3 1 8:3 / /mnt/X rw - ext4 d rw\n")),
               (std::vector<std::u16string>{u"Macintosh HD", u"X 1", u"X"}));
+}
+
+TEST(Volumes, AreCalledByTheLabelOfTheStartupVolume) {
+    Volumes const volumes = volumesOf(MountTable::parse(std::string(Disk) + "2 1 8:2 / /mnt/backup rw - ext4 d rw\n" +
+                                                        "3 1 8:3 / /mnt/macintosh\\040hd rw - ext4 d rw\n"),
+                                      u"Backup");
+    EXPECT_EQ(namesOf(volumes), (std::vector<std::u16string>{u"Backup", u"backup 1", u"macintosh hd"}));
+}
+
+TEST(Volumes, HaveTheLabelOfTheirDevice) {
+    TemporaryFolder const folder;
+    struct stat status {};
+    ASSERT_EQ(::stat("/dev/null", &status), 0);
+    EXPECT_EQ(labelOfDevice(status.st_rdev, folder.path()), std::nullopt);
+    ASSERT_EQ(::symlink("/dev/zero", folder.path("Other").c_str()), 0);
+    ASSERT_EQ(::symlink("/dev/none", folder.path("Leads nowhere").c_str()), 0);
+    folder.makeFile("A file", "");
+    EXPECT_EQ(labelOfDevice(status.st_rdev, folder.path()), std::nullopt);
+    ASSERT_EQ(::symlink("/dev/null", folder.path(R"(My\x20Disk\xc3\x89\x2x\x)").c_str()), 0);
+    EXPECT_EQ(labelOfDevice(status.st_rdev, folder.path()), "My Disk\u00C9\\x2x\\x");
+    EXPECT_EQ(labelOfDevice(status.st_rdev, folder.path("none")), std::nullopt);
+    EXPECT_EQ(labelOfDevice(0, folder.path()), std::nullopt);
 }
 
 TEST(Volumes, OnTheNetworkAreNotLocal) {

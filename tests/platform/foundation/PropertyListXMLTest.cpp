@@ -36,6 +36,13 @@ TEST_P(XMLValue, IsRead) {
     EXPECT_EQ(reading.format, NSPropertyListXMLFormat_v1_0);
 }
 
+// Text that is written in the usual way has a reader of its own; the comment gives it to the parser.
+TEST_P(XMLValue, IsReadByTheParserAlike) {
+    Reading const reading = readList(plist(GetParam().text) + "<!-- -->");
+    EXPECT_EQ(reading.error, "");
+    EXPECT_EQ(dump(reading.list), GetParam().expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     PropertyListXML, XMLValue,
     testing::Values(

@@ -1,3 +1,4 @@
+#include "fuzz/EncodingRoundTrip.h"
 #include "fuzz/FormatArguments.h"
 #include "fuzz/NumberReading.h"
 #include "fuzz/URLComponents.h"
@@ -6,6 +7,7 @@
 
 namespace mac::test {
 
+TEST(TextCorpus, OfEncodingsHolds) { expectNoComplaints("EncodingFuzz", &fuzz::complaintAboutEncoding); }
 TEST(TextCorpus, OfFormatsHolds) { expectNoComplaints("FormatFuzz", &fuzz::complaintAboutFormat); }
 TEST(TextCorpus, OfNumbersHolds) { expectNoComplaints("NumberReadingFuzz", &fuzz::complaintAboutNumbers); }
 TEST(TextCorpus, OfURLsHolds) { expectNoComplaints("URLComponentsFuzz", &fuzz::complaintAboutURL); }

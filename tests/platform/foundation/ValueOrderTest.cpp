@@ -100,5 +100,26 @@ TEST(ValueOrder, OfNothingIsEmpty) {
     EXPECT_TRUE(orderOfRows({}, NSArray::array()).empty());
 }
 
+TEST(RowOrdering, FindsTheSameOrderInManySteps) {
+    std::vector<id> values;
+    std::mt19937 random = seededRandom(5);
+    for (id const& text : randomTexts(u"/start/", 3000)) {
+        // Most rows are equal by the first criterion.
+        values.push_back(NSNumber::numberWithInt_(static_cast<int>(random() % 9)));
+        values.push_back(text);
+    }
+    NSArray const criteria = NSArray::arrayWithObjects_(
+        {NSSortDescriptor::sortDescriptorWithKey_ascending_("number", NO),
+         NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("text", YES, "caseInsensitiveCompare:")});
+    RowOrdering ordering(values, criteria);
+    int steps = 1;
+    while (!ordering.advance(100))
+        ++steps;
+    EXPECT_GT(steps, 10);
+    EXPECT_EQ(ordering.order(), orderOfRows(values, criteria));
+    RowOrdering atOnce(values, criteria);
+    EXPECT_TRUE(atOnce.advance(3000));
+}
+
 } // namespace
 } // namespace mac::test

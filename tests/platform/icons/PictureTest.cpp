@@ -1,4 +1,5 @@
 #include "platform/icons/Picture.h"
+#include "platform/foundation/EventLoop.h"
 #include "tests/platform/icons/IconBytes.h"
 #include <gtest/gtest.h>
 
@@ -284,6 +285,12 @@ TEST(Picture, WithTextIsNoneWithoutAnApplicationObject) {
          {std::string("<text>a</text>"), std::string("<s:text xmlns:s='http://www.w3.org/2000/svg'>a</s:text>")})
         EXPECT_FALSE(pictureOfDrawing(
             spanOf("<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'>" + text + "</svg>"), 32));
+}
+
+TEST(Picture, WithTextIsNoneInAProgramWithAnEventLoopAlone) {
+    requireEventLoop();
+    EXPECT_FALSE(pictureOfDrawing(
+        spanOf("<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'><text>a</text></svg>"), 32));
 }
 
 TEST(Picture, IsScaledAndDrawnOverAnother) {

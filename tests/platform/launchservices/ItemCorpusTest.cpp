@@ -1,5 +1,6 @@
 #include "fuzz/BundleTrial.h"
 #include "fuzz/ContentTypeTrial.h"
+#include "fuzz/DynamicTypeRoundTrip.h"
 #include "fuzz/FinderInformationTrial.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
@@ -9,6 +10,8 @@ namespace mac::test {
 TEST(ItemCorpus, OfBundlesHolds) { expectNoComplaints("BundleFuzz", &fuzz::complaintAboutBundle); }
 
 TEST(ItemCorpus, OfContentTypesHolds) { expectNoComplaints("ContentTypeFuzz", &fuzz::complaintAboutContentType); }
+
+TEST(ItemCorpus, OfDynamicTypesHolds) { expectNoComplaints("DynamicTypeFuzz", &fuzz::complaintAboutDynamicType); }
 
 TEST(ItemCorpus, OfFinderInformationHolds) {
     expectNoComplaints("FinderInformationFuzz", &fuzz::complaintAboutFinderInformation);

@@ -10,17 +10,20 @@ namespace {
 class MetadataQueryInTime : public MetadataQuery {
 protected:
     void SetUp() override {
-        query = adopt<NSMetadataQuery>(QueryClock{
-            .now = [this] { return NSDate::dateWithTimeIntervalSinceReferenceDate_(m_now); },
-            .startTimer =
-                [this](NSTimeInterval delay, NSMetadataQuery const& target) {
-                    m_due = m_now + delay;
-                    return m_timer = NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
-                               Never, target, "deliver:", nil, NO);
-                }});
+        query = adopt<NSMetadataQuery>(
+            QueryClock{.now = [this] { return NSDate::dateWithTimeIntervalSinceReferenceDate_(m_now); },
+                       .startTimer =
+                           [this](NSTimeInterval delay, NSMetadataQuery const& target) {
+                               m_due = m_now + delay;
+                               return m_timer =
+                                          NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
+                                              Never, target, "deliver:", nil, NO);
+                           }},
+            itemsInStep());
         MetadataQuery::SetUp();
         query.setNotificationBatchingInterval_(0.2);
     }
+    virtual std::size_t itemsInStep() const { return NSMetadataQuery::Body::ItemsInStep; }
 
     bool runUntilDeliveryIsDue() const {
         return runUntil([this] { return m_timer.isValid(); });
@@ -104,6 +107,85 @@ TEST_F(MetadataQueryInTime, BeginsTheIntervalAnewForWhatHappensWhileTheObservers
     EXPECT_NEAR(m_due - m_now, 0.2, 1e-9);
     deliver();
     EXPECT_EQ(query.resultCount(), 1U);
+}
+
+// A query that looks at three items without a break, and a computer with ten copies.
+class MetadataQueryInSteps : public MetadataQueryInTime {
+protected:
+    void SetUp() override {
+        MetadataQueryInTime::SetUp();
+        for (NSUInteger index = 0; index < Copies; ++index)
+            folder.makeFolder(std::to_string(index) + "/Mirror Frame.app");
+    }
+    std::size_t itemsInStep() const override { return 3; }
+
+    // All finds wait, as after a quick walk, and the delivery is due.
+    bool findAll() {
+        query.disableUpdates();
+        if (!query.startQuery()) return false;
+        bodyOf(recorder)->onNotification = [this](std::string const& name) { m_posted = name; };
+        VolumeWalker walk({.roots = {folder.path()}, .names = {"Mirror Frame.app"}},
+                          [] { performOnMainRunLoop([] {}); });
+        if (!walk.start() || !runUntil([&] { return walk.progress().isFinished; })) return false;
+        // The query's own walk is as long.
+        runForAMoment();
+        query.enableUpdates();
+        return runUntilDeliveryIsDue();
+    }
+    bool hasPosted(char const* name) const { return m_posted == name; }
+
+    static constexpr NSUInteger Copies = 10;
+    std::string m_posted;
+};
+
+TEST_F(MetadataQueryInSteps, TellsOfManyFindsOnceAndWorksThemOffInSteps) {
+    ASSERT_TRUE(findAll());
+    int steps = 0;
+    while (!hasPosted(NSMetadataQueryGatheringProgressNotification)) {
+        EXPECT_EQ(query.resultCount(), 0U) << "what observers read changes with the last step";
+        ASSERT_TRUE(runUntilDeliveryIsDue());
+        NSTimeInterval const before = m_now;
+        deliver();
+        EXPECT_TRUE(steps == 0 || m_now == before) << "a further step waits for nothing";
+        ++steps;
+    }
+    EXPECT_GT(steps, 1);
+    EXPECT_GT(query.resultCount(), 3U);
+}
+
+TEST_F(MetadataQueryInSteps, StopsBetweenTwoSteps) {
+    ASSERT_TRUE(findAll());
+    deliver();
+    ASSERT_TRUE(m_timer.isValid()) << "another step follows";
+    query.stopQuery();
+    EXPECT_TRUE(query.isStopped());
+    EXPECT_FALSE(m_timer.isValid());
+    EXPECT_EQ(query.resultCount(), 0U);
+    ASSERT_TRUE(gatherInTime()) << "it starts anew";
+    EXPECT_EQ(query.resultCount(), Copies);
+}
+
+TEST_F(MetadataQueryInSteps, TellsOfManyChangedFoldersOnce) {
+    ASSERT_TRUE(gatherInTime());
+    EXPECT_EQ(query.resultCount(), Copies);
+    for (NSUInteger index = 0; index < Copies; index += 2) {
+        std::string const copy = folder.path(std::to_string(index) + "/Mirror Frame.app");
+        ASSERT_EQ(::rename(copy.c_str(), folder.path(std::to_string(index) + "/Other").c_str()), 0);
+    }
+    int steps = 0;
+    while (std::ranges::count(names(), std::string(NSMetadataQueryDidUpdateNotification)) == 0) {
+        EXPECT_EQ(query.resultCount(), Copies);
+        ASSERT_TRUE(runUntilDeliveryIsDue());
+        deliver();
+        ++steps;
+    }
+    EXPECT_GT(steps, 3);
+    EXPECT_LT(query.resultCount(), Copies);
+    while (m_timer.isValid() || query.resultCount() > Copies / 2) {
+        ASSERT_TRUE(runUntilDeliveryIsDue());
+        deliver();
+    }
+    EXPECT_EQ(query.resultCount(), Copies / 2);
 }
 
 } // namespace

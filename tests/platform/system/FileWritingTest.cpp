@@ -238,6 +238,7 @@ TEST_F(ReplacingAFile, KeepsAttributesOrChangesNothing) {
         OrdinaryUser const user;
         EXPECT_EQ(codeOf(replaceFileAtPath(m_file, bytesOf("new"))), EACCES);
     }
+    ASSERT_EQ(::chmod(m_file.c_str(), 0600), 0);
     EXPECT_EQ(contents(), "old");
     EXPECT_EQ(names(), "file\n");
     for (long const call : {SYS_getxattr, SYS_fsetxattr}) {

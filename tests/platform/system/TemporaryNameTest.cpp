@@ -1,4 +1,6 @@
 #include "platform/system/TemporaryName.h"
+#include "fuzz/TemporaryNameTrial.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include <cerrno>
@@ -58,6 +60,26 @@ TEST(TemporaryName, TellsWhoMadeIt) {
     ASSERT_TRUE(parseTemporaryName("._" + name));
     EXPECT_EQ(parseTemporaryName("._" + name)->owner, parsed->owner);
     EXPECT_EQ(parseTemporaryName(asideName(0xFEDC'BA98'0000'0001U).value())->mark, 0xFEDC'BA98'0000'0001U);
+}
+
+TEST(TemporaryName, TellsWhichItemsGo) {
+    constexpr std::uint64_t one = 0xFEDC'BA98'0000'0001U;
+    constexpr std::uint64_t other = 0x1234'5678'9ABC'DEF0U;
+    std::string const aside = asideName(one).value();
+    EXPECT_TRUE(parseTemporaryName(aside)->accepts(one));
+    EXPECT_FALSE(parseTemporaryName(aside)->accepts(other));
+    EXPECT_FALSE(parseTemporaryName(asideName(MarkOfNoItem).value())->accepts(one));
+    EXPECT_TRUE(parseTemporaryName(temporaryName().value())->accepts(one));
+    std::string const either = asideNameForEither(one, other).value();
+    EXPECT_LE(either.size(), 140U);
+    ASSERT_TRUE(parseTemporaryName(either));
+    EXPECT_TRUE(parseTemporaryName(either)->accepts(one));
+    EXPECT_TRUE(parseTemporaryName(either)->accepts(other));
+    EXPECT_FALSE(parseTemporaryName(either)->accepts(one + other));
+    EXPECT_FALSE(parseTemporaryName(either + "0"));
+    EXPECT_FALSE(parseTemporaryName(either.substr(0, either.size() - 1)));
+    EXPECT_FALSE(parseTemporaryName(aside + "+"));
+    EXPECT_FALSE(parseTemporaryName(temporaryName().value() + "-+"));
 }
 
 TEST(TemporaryName, IsToldFromOtherNames) {
@@ -135,6 +157,8 @@ TEST(TemporaryName, IsItsOwnInAProcessThatWasForked) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
 }
+
+TEST(TemporaryName, OfTheCorpusHolds) { expectNoComplaints("TemporaryNameFuzz", &fuzz::complaintAboutTemporaryName); }
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
+#include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include <gtest/gtest.h>
 
@@ -92,7 +93,6 @@ TEST(ScriptDescriptors, EveryKindOfValueHasItsType) {
          R"x({ 'pnam':'utxt'("x"), 'usrf':[ 'utxt'("my key"), 1, 'utxt'("b"), 2 ] })x"},
         {u"{class:application, name:\"x\"}", "'capp'{ 'pnam':'utxt'(\"x\") }"},
         {u"{class:integer, name:\"x\"}", "{ 'pcls':'long', 'pnam':'utxt'(\"x\") }"},
-        {u"POSIX file \"/a b/ñ\"", "'furl'(\"Macintosh HD:a b:ñ\")"},
         {u"«data abcd00FF»", "'abcd'($00FF$)"},
         {u"current application", "'psn '($0000000002000000$)"},
         {u"script x\nend script\nx", "'scpt'($78$)"},
@@ -102,6 +102,8 @@ TEST(ScriptDescriptors, EveryKindOfValueHasItsType) {
     classOf<NSAppleScript>();
     for (Row const& row : rows)
         EXPECT_EQ(printedValue(row.source), row.type) << utf8FromUnits(row.source);
+    std::string const hfsPath = utf8FromUnits(hfsPathFromPOSIXPath(u"/a b/ñ", false));
+    EXPECT_EQ(printedValue(u"POSIX file \"/a b/ñ\""), "'furl'(\"" + hfsPath + "\")");
     EXPECT_EQ(printed(descriptorOfValue({})), "'null'()");
 }
 

@@ -1,6 +1,7 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/SourceForm.h"
+#include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
@@ -83,12 +84,13 @@ TEST(ScriptEngine, PeopleReadResultsWithoutQuotesAndBrackets) {
     constexpr auto rows = std::to_array<Row>({
         {u"{\"a\", {1, \"b\"}, {c:\"d\"}}", u"a, 1, b, c:d"},
         {u"date \"1/2/2003\"", u"date Thursday, January 2, 2003 12:00:00 AM"},
-        {u"POSIX file \"/a b\"", u"file Macintosh HD:a b"},
         {u"application \"No Such One\"", u"application No Such One"},
         {u"a reference to item \"a\" of {\"b\"}", u"item a of b"},
     });
     for (Row const& row : rows)
         EXPECT_EQ(humanForm(compiled(row.source).run({}).value), row.form);
+    EXPECT_EQ(humanForm(compiled(u"POSIX file \"/a b\"").run({}).value),
+              u"file " + hfsPathFromPOSIXPath(u"/a b", false));
 }
 
 TEST(ScriptEngine, AListThatHoldsItselfHasNoSourceFormAndIsFreed) {

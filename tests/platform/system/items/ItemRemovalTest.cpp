@@ -4,6 +4,8 @@
 #include "tests/support/ErrorCode.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include "tests/support/Refusals.h"
+#include <sys/syscall.h>
 
 namespace mac::test {
 
@@ -130,6 +132,20 @@ TEST_F(ItemRemoval, NeedsNoPermissionToListTheFolderAboveAFile) {
     EXPECT_EQ(errorOfRemoval(m_folder.path("box/file")), 0);
     EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), EACCES);
     EXPECT_EQ(namesIn(m_folder.path("tree")).size(), 4U) << "nothing went before it";
+}
+
+TEST_F(ItemRemoval, RemovesAFileAndItsSidecarOrNeither) {
+    std::string const file = m_folder.makeFile("file", "x");
+    m_folder.makeFile("._file", AppleDouble);
+    for (auto const remove : {+[](OpenItem const& item) { return removeEmptyItem(item); },
+                              +[](OpenItem const& item) { return removeItem(item); }}) {
+        withRefusedCall(SYS_unlinkat, EIO, [&] { EXPECT_EQ(codeOf(remove(itemAt(file))), EIO); });
+        EXPECT_EQ(textOf(file), "x");
+        EXPECT_EQ(textOf(m_folder.path("._file")), AppleDouble);
+    }
+    EXPECT_EQ(codeOf(removeEmptyItem(itemAt(file))), 0);
+    EXPECT_FALSE(isThere(file));
+    EXPECT_FALSE(isThere(m_folder.path("._file")));
 }
 
 TEST_F(ItemRemoval, RemovesNothingOnAReadOnlyVolume) {

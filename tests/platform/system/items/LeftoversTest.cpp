@@ -137,6 +137,30 @@ TEST_F(Leftovers, OfARemovalGoOnlyIfTheyAreWhatWasToGo) {
     EXPECT_EQ(textOf(m_folder.path(wrong)), "another's");
 }
 
+// Two items that were exchanged: either goes, with the sidecar that lies beside it, and no third one.
+TEST_F(Leftovers, OfAnExchangeGoWhicheverHasTheName) {
+    static std::uint64_t one = 0;
+    static std::uint64_t other = 0;
+    for (char const* const going : {"copy", "old"}) {
+        m_folder.makeFile("copy", "new contents");
+        m_folder.makeFile("old", "old");
+        FileDescriptor const folder = folderAt(m_folder.path());
+        one = markOf(statusOf(folder, "copy").value());
+        other = markOf(statusOf(folder, "old").value());
+        std::string const aside = nameOfKilledProcess([] { return asideNameForEither(one, other).value(); });
+        std::string const wrong = nameOfKilledProcess([] { return asideNameForEither(one, other).value(); });
+        ASSERT_EQ(::rename(m_folder.path(going).c_str(), m_folder.path(aside).c_str()), 0);
+        m_folder.makeFile("._" + aside, AppleDouble);
+        m_folder.makeFile(wrong, "another's");
+        m_folder.makeFile("._" + wrong, AppleDouble);
+        EXPECT_EQ(remove(), (std::vector<std::string>{wrong, "._" + wrong}));
+        EXPECT_FALSE(isThere(m_folder.path(aside)) || isThere(m_folder.path("._" + aside)));
+        EXPECT_EQ(textOf(m_folder.path(wrong)), "another's");
+        for (std::string const& name : namesIn(m_folder.path()))
+            ASSERT_EQ(::unlink(m_folder.path(name).c_str()), 0);
+    }
+}
+
 TEST_F(Leftovers, ThatAreToComeBackStay) {
     std::string const aside = nameOfKilledProcess([] { return asideName(MarkOfNoItem).value(); });
     m_folder.makeFile(aside, "the only one");

@@ -1,11 +1,14 @@
 #include "platform/system/items/OpenItem.h"
+#include "platform/system/OpenItems.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -116,6 +119,27 @@ TEST(OpenItem, IsFoundAgainInItsFolder) {
     ASSERT_FALSE(another.hasValue());
     EXPECT_EQ(another.problem().code, ESTALE);
 }
+
+// A process asks for its own descriptors, whatever those of its parent with the same numbers lead to.
+TEST(SystemsPath, IsThatOfTheProcessAfterAFork) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    std::string const other = folder.makeFile("other", "");
+    FileDescriptor const opened(::open(file.c_str(), O_PATH | O_CLOEXEC));
+    ASSERT_EQ(systemsPath(opened).valueOr("-"), file);
+    pid_t const child = ::fork();
+    if (child == 0) {
+        FileDescriptor const another(::open(other.c_str(), O_PATH | O_CLOEXEC));
+        bool const isReplaced = ::dup2(another.number(), opened.number()) == opened.number();
+        ::_exit(isReplaced && systemsPath(opened).valueOr("-") == other ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(systemsPath(opened).valueOr("-"), file);
+}
+
+TEST(SystemsPath, IsMissingForWhatIsNotOpen) { EXPECT_FALSE(systemsPath(FileDescriptor()).hasValue()); }
 
 } // namespace
 } // namespace mac::test

@@ -6,6 +6,7 @@
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
 #include <sys/syscall.h>
+#include <thread>
 
 namespace mac::test {
 
@@ -197,14 +198,17 @@ TEST_F(OverwritingCopy, MarksTheItemThatIsToGo) {
                        [&](OverwritingStep) {
                            std::optional<ParsedTemporaryName> const name = parseTemporaryName(temporaryIn("target"));
                            ASSERT_TRUE(name.has_value());
-                           isMarked = name->mark == markOf(mac::statusOf(old).value());
+                           isMarked = name->accepts(markOf(mac::statusOf(old).value()));
                            EXPECT_TRUE(isMarked);
+                           mac::FileDescriptor const folder = folderAt(m_folder.path("target"));
+                           Result<ItemStatus> const here = mac::statusOf(folder, temporaryIn("target"));
+                           EXPECT_TRUE(here.hasValue() && name->accepts(markOf(here.value())));
                        }),
               0);
     EXPECT_TRUE(isMarked);
 }
 
-TEST_F(OverwritingCopy, KeepsAnOldItemThatWasLockedMeanwhile) {
+TEST_F(OverwritingCopy, GivesAnOldItemThatWasLockedMeanwhileItsNameBack) {
     m_folder.makeFile("target/tree/file", "old");
     m_folder.makeFile("target/._tree", AppleDouble);
     std::optional<OpenItem> locked;
@@ -213,13 +217,29 @@ TEST_F(OverwritingCopy, KeepsAnOldItemThatWasLockedMeanwhile) {
         locked = itemAt(m_folder.path("target/" + temporaryIn("target") + "/file"));
         ASSERT_TRUE(setLock(*locked, ItemLock::Locked).isDone());
     });
-    EXPECT_EQ(problem.kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(problem.kind, TransferProblem::Kind::NotDone);
     EXPECT_EQ(problem.error.code, ItemIsLocked);
-    expectKept(problem.error.item);
-    expectTree(m_folder.path("target/tree"));
-    EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item + "/file")), "old");
-    EXPECT_EQ(namesIn(m_folder.path("target")), (Names{"._" + problem.error.item, problem.error.item, "tree"}));
+    EXPECT_EQ(textOf(m_folder.path("target/tree/file")), "old");
+    EXPECT_EQ(textOf(m_folder.path("target/._tree")), AppleDouble);
+    EXPECT_EQ(namesIn(m_folder.path("target")), (Names{"._tree", "tree"}));
     ASSERT_TRUE(locked && setLock(*locked, ItemLock::Unlocked).isDone());
+}
+
+// Refuses the removal of names from the step on.
+TEST_F(OverwritingCopy, ChangesNothingWhereTheOldItemCannotBeRemoved) {
+    m_folder.makeFile("target/file", "old");
+    m_folder.makeFile("target/._file", AppleDouble + "old");
+    m_folder.makeFile("file", "new");
+    m_folder.makeFile("._file", AppleDouble + "new");
+    std::thread([&] {
+        TransferProblem const problem = problemOf("file", "target", "file", [&](OverwritingStep step) {
+            if (step == OverwritingStep::Exchanged) refuseCallOnThisThread(SYS_unlinkat, EACCES);
+        });
+        EXPECT_EQ(problem.kind, TransferProblem::Kind::NotDone);
+        EXPECT_EQ(problem.error.code, EACCES);
+    }).join();
+    EXPECT_EQ(textOf(m_folder.path("target/file")), "old");
+    EXPECT_EQ(textOf(m_folder.path("target/._file")), AppleDouble + "old");
 }
 
 TEST_F(OverwritingCopy, TellsWhereAnItemIsThatCouldNotBePlacedStepByStep) {

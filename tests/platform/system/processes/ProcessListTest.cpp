@@ -1,7 +1,9 @@
 #include "platform/system/processes/ProcessList.h"
+#include "fuzz/CommandLineTrial.h"
 #include "platform/foundation/Log.h"
 #include "platform/processes/SerialNumbers.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/OwnProcesses.h"
 #include <algorithm>
 #include <cerrno>
@@ -203,6 +205,8 @@ TEST_F(ProcessList, PassesSilentlyOverProcessesThatMayNotBeLookedAt) {
     if (WEXITSTATUS(status) == 2) GTEST_SKIP() << "nobody else can be played here";
     EXPECT_EQ(status, 0);
 }
+
+TEST(ScriptInCommand, OfTheCorpusHolds) { expectNoComplaints("CommandLineFuzz", &fuzz::complaintAboutCommandLine); }
 
 } // namespace
 } // namespace mac::test

@@ -1,5 +1,5 @@
 #include "tests/platform/system/walker/FolderForMany.h"
-#include "tests/platform/system/walker/Walk.h"
+#include "tests/platform/system/walker/Rescan.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>
@@ -120,6 +120,19 @@ TEST(VolumeWalkerInDifficultTrees, KeepsWithinAFewDescriptors) {
     WalkResult const result = walk({.roots = {folder->path()}});
     EXPECT_EQ(result.paths, tree.packages());
     EXPECT_EQ(result.progress.unreadableFolders, 0U);
+}
+
+TEST(VolumeWalkerInDifficultTrees, GoesTheSameWaysAgainByWhatItRemembers) {
+    FolderForMany const folder;
+    DeepTree const tree(folder->path(), true);
+    Rescan rescan;
+    EXPECT_EQ(rescan.walk({.roots = {folder->path()}}).paths, tree.packages());
+    DescriptorLimit const limit(40);
+    for (int i = 0; i < 2; ++i) {
+        WalkResult const again = rescan.walk({.roots = {folder->path()}});
+        EXPECT_EQ(again.paths, tree.packages());
+        EXPECT_EQ(again.progress.unreadableFolders, 0U);
+    }
 }
 
 TEST(VolumeWalkerInDifficultTrees, FindsPackagesInAFolderOf200000Entries) {

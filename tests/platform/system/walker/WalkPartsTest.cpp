@@ -30,7 +30,7 @@ std::vector<std::string> subfoldersOf(std::string const& path) {
 }
 
 std::optional<std::uint32_t> subfoldersByLinksOf(std::string const& path) {
-    return subfoldersByLinkCount(factsOf(folderAt(path)).value().linkCount);
+    return subfoldersByLinkCount(factsOf(folderAt(path)).value().stamp.linkCount);
 }
 
 } // namespace

@@ -24,19 +24,19 @@ FolderShare shareAt(std::string const& path) {
     return share;
 }
 
-FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).value().identity; }
+FolderIdentity identityOf(FileDescriptor const& folder) { return factsOf(folder).value().identity(); }
 
 Names namesIn(FolderShare const& share) {
     Names names;
-    for (std::size_t start = 0; start < share.names.size(); start += names.back().size() + 1)
-        names.emplace_back(share.names.c_str() + start);
+    for (std::size_t start = 0; start < share.names.size(); start += FolderStack::placeBytes + names.back().size() + 1)
+        names.emplace_back(share.names.c_str() + start + FolderStack::placeBytes);
     return names;
 }
 
 Names restOf(FolderStack& stack) {
     Names names;
-    while (char const* name = stack.nextName())
-        names.emplace_back(name);
+    for (WaitingName waiting = stack.nextName(); waiting.name != nullptr; waiting = stack.nextName())
+        names.emplace_back(waiting.name);
     return names;
 }
 
@@ -61,10 +61,10 @@ TEST(FolderStack, GoesThroughTheNamesOfItsTopFolder) {
     folder.makeFolder("a");
     FolderStack stack(8);
     fill(stack, folder.path(), {"a", "b"});
-    EXPECT_STREQ(stack.nextName(), "a");
+    EXPECT_STREQ(stack.nextName().name, "a");
     push(stack, "a");
     EXPECT_EQ(stack.path(), folder.path("a"));
-    EXPECT_EQ(stack.nextName(), nullptr);
+    EXPECT_EQ(stack.nextName().name, nullptr);
     stack.addName("deeper");
     EXPECT_EQ(restOf(stack), (Names{"deeper"}));
     stack.pop();
@@ -85,7 +85,7 @@ TEST(FolderStack, SplitsOffTheUppermostFolderThatHasWork) {
     stack.addName("c");
     stack.addName("d");
     stack.top().isRead = true;
-    EXPECT_STREQ(stack.nextName(), "b");
+    EXPECT_STREQ(stack.nextName().name, "b");
     push(stack, "b");
     std::optional<FolderShare> const share = stack.split({.mount = 7, .linkCountTellsSubfolders = true});
     ASSERT_TRUE(share);

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/system/Result.h"
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace framekeeper {
+
+enum class Verb { Help, Version, List, Info, Reveal, Quit, Trash, Restore, Delete, SwapIcon, Login, Places };
+// What login and places do with their list.
+enum class ListEdit { Show, Add, Remove };
+enum class OutputForm { Table, JSON, NullSeparated };
+enum class Confirmation { IsAsked, IsGiven };
+
+// What the command was asked for.
+struct CommandLine {
+    Verb verb{Verb::Help};
+    ListEdit edit{ListEdit::Show};
+    OutputForm form{OutputForm::Table};
+    Confirmation confirmation{Confirmation::IsAsked};
+    // In bytes, as they were given.
+    std::vector<std::string> paths{};
+};
+
+// Reads the words behind the program's name. Options may stand anywhere before "--". The problem says what is wrong
+// with them.
+mac::Result<CommandLine, mac::Failure> readCommandLine(std::vector<std::string> const& words);
+
+// How the command is used, as text for a terminal.
+std::string_view usageText();
+
+} // namespace framekeeper

@@ -1,0 +1,80 @@
+#include "command/Copies.h"
+#include "app/MembershipSources.h"
+#include "app/Outlets.h"
+#include "app/RecordBuilding.h"
+#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/NSRunLoop.h"
+#include "platform/system/PhysicalPath.h"
+
+namespace framekeeper {
+
+namespace {
+
+// How often the search is looked at, in seconds.
+constexpr NSTimeInterval Glance = 0.1;
+
+} // namespace
+
+Copies::Copies() {
+    m_arrangement.setSortDescriptors_(inventoryOrder());
+    m_controller.setValue_forKey_(m_arrangement, "pathsArrayController");
+    m_controller.setIsOnHarddiskPaths_(NSMutableSet::set());
+    m_arrangement.bind_toObject_withKeyPath_options_("contentSet", m_controller, "paths", nil);
+}
+
+bool Copies::search(std::function<void(std::size_t found)> const& progress) const {
+    // The results are taken in once, at the end, and not with each of the query's notifications.
+    NSNotificationCenter::defaultCenter().removeObserver_(m_controller);
+    NSMetadataQuery const query = m_controller.query();
+    query.setNotificationBatchingInterval_(Glance);
+    readSources();
+    if (!query.startQuery()) return false;
+    while (query.isGathering()) {
+        NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode,
+                                                        NSDate::dateWithTimeIntervalSinceNow_(Glance));
+        progress(query.resultCount());
+    }
+    query.stopQuery();
+    m_controller.syncQuery();
+    return true;
+}
+
+void Copies::readSources() const { syncMembershipSources(m_controller); }
+
+void Copies::look(NSArray const& paths) const {
+    m_controller.setIsOnHarddiskPaths_(NSMutableSet::setWithArray_(paths));
+    m_controller.reSync();
+}
+
+NSArray Copies::records() const { return m_arrangement.arrangedObjects(); }
+
+NSDictionary Copies::recordOf(NSString const& path) const {
+    NSArray const all = records();
+    for (NSUInteger index = 0; index < all.count(); ++index) {
+        NSDictionary const record = as<NSDictionary>(all.objectAtIndex_(index));
+        NSString const known = as<NSString>(record.objectForKey_("path"));
+        if (known.isEqualToString_(path) || known.stringByStandardizingPath().isEqualToString_(path)) return record;
+    }
+    return nil;
+}
+
+bool Copies::select(NSArray const& paths) const {
+    NSMutableArray const found = NSMutableArray::array();
+    for (id const& path : paths) {
+        NSDictionary const record = recordOf(as<NSString>(path));
+        if (record == nil) return false;
+        found.addObject_(record);
+    }
+    return m_arrangement.setSelectedObjects_(found);
+}
+
+bool isCopyAt(NSString const& path) { return isCompanion(lookAtBundle(path)); }
+
+NSString absolutePath(std::string const& bytes) {
+    return NSString::stringWithFileSystemRepresentation_(physicalPath(bytes));
+}
+
+std::string bytesOfPath(NSString const& path) { return path.fileSystemRepresentation().value_or(""); }
+
+} // namespace framekeeper

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/AppController.h"
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace framekeeper {
+
+// The program's controller without a window: its records, sorted as the window sorts them, and its actions on those
+// that are selected. Main thread.
+class Copies {
+public:
+    Copies();
+
+    AppController const& controller() const { return m_controller; }
+
+    // Reads all sources and searches the computer; the records are there when it ends. False if it could not be
+    // started. Progress is told now and then, with the number of items found so far.
+    bool search(std::function<void(std::size_t found)> const& progress) const;
+    // Reads the running copies, the login items and the places.
+    void readSources() const;
+    // Makes records of these paths and of those that the sources know, without a search.
+    void look(NSArray const& paths) const;
+
+    // All records, in the order of the window's first showing.
+    NSArray records() const;
+    // nil if no record has the path.
+    NSDictionary recordOf(NSString const& path) const;
+    // Selects the records with these paths for the controller's actions; false if one of them has none.
+    bool select(NSArray const& paths) const;
+
+private:
+    AppController m_controller = AppController::alloc().init();
+    NSArrayController m_arrangement = NSArrayController::alloc().init();
+};
+
+// Whether a copy of the companion is at the path.
+bool isCopyAt(NSString const& path);
+
+// The path by which the search would find what was given on the command line. A final symbolic link is not followed.
+NSString absolutePath(std::string const& bytes);
+
+// The path's bytes; empty for a text that is no path.
+std::string bytesOfPath(NSString const& path);
+
+} // namespace framekeeper

@@ -1,0 +1,189 @@
+#include "command/Report.h"
+#include "command/Copies.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/VisibleLine.h"
+#include "platform/processes/Processes.h"
+#include "platform/system/PercentEscapes.h"
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <functional>
+
+namespace framekeeper {
+
+namespace {
+
+NSString textIn(id const& record, char const* key) {
+    return as<NSString>(record.valueForKey_(NSString::stringWithUTF8String_(key)));
+}
+
+bool flagIn(id const& record, char const* key) {
+    return as<NSNumber>(record.valueForKey_(NSString::stringWithUTF8String_(key))).boolValue();
+}
+
+std::string visible(NSString const& text) { return text == nil ? "–" : visibleLine(text.codeUnits()); }
+
+std::string jsonText(NSString const& text) {
+    if (text == nil) return "null";
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string json = "\"";
+    for (char const byte : utf8FromUnits(text.codeUnits())) {
+        auto const code = static_cast<unsigned char>(byte);
+        if (byte == '"' || byte == '\\')
+            (json += '\\') += byte;
+        else if (code < 0x20 || code == 0x7F)
+            ((json += "\\u00") += digits[code >> 4U]) += digits[code & 0xFU];
+        else
+            json += byte;
+    }
+    return json + "\"";
+}
+
+std::string jsonFlag(bool value) { return value ? "true" : "false"; }
+
+std::string jsonPath(NSString const& path, std::string const& prefix = "") {
+    std::string const pathKey = prefix.empty() ? "path" : prefix + "Path";
+    std::string const uriKey = prefix.empty() ? "uri" : prefix + "Uri";
+    return "\"" + pathKey + "\": " + jsonText(path) + ", \"" + uriKey + "\": \"file://" +
+           percentEscaped(bytesOfPath(path)) + "\"";
+}
+
+// The process's ID; nullopt if the record has no process, or it has ended meanwhile.
+std::optional<std::int32_t> processOf(id const& record) {
+    NSNumber const number = as<NSNumber>(record.valueForKey_("psn"));
+    if (number == nil) return {};
+    auto const psn = std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
+    std::int32_t process = 0;
+    return GetProcessPID(&psn, &process) == noErr ? std::optional(process) : std::nullopt;
+}
+
+std::string jsonRecord(id const& record) {
+    std::optional<std::int32_t> const process = processOf(record);
+    return "{" + jsonPath(textIn(record, "path")) + ", \"version\": " + jsonText(textIn(record, "version")) +
+           ", \"versionString\": " + jsonText(textIn(record, "versionString")) +
+           ", \"exists\": " + jsonFlag(flagIn(record, "exists")) +
+           ", \"isRunning\": " + jsonFlag(flagIn(record, "isRunning")) +
+           ", \"processID\": " + (process ? std::to_string(*process) : "null") +
+           ", \"isAutolaunched\": " + jsonFlag(flagIn(record, "isAutolaunched")) +
+           ", \"isInToolbar\": " + jsonFlag(flagIn(record, "isInToolbar")) + "}";
+}
+
+std::string jsonOutcome(Outcome const& outcome) {
+    std::string json = "{" + jsonPath(outcome.path) + ", \"status\": \"" + nameOf(outcome.status) + "\"";
+    if (outcome.newPath != nil) json += ", " + jsonPath(outcome.newPath, "new");
+    if (outcome.reason != nil) json += ", \"reason\": " + jsonText(outcome.reason);
+    return json + "}";
+}
+
+std::string jsonDocument(char const* key, std::size_t count, std::function<std::string(std::size_t)> const& element) {
+    std::string json = "{\"framekeeper\": " + std::to_string(JSONVersion) + ", \"" + key + "\": [";
+    for (std::size_t index = 0; index < count; ++index)
+        (json += index == 0 ? "\n  " : ",\n  ") += element(index);
+    return json + (count == 0 ? "]}\n" : "\n]}\n");
+}
+
+id recordAt(NSArray const& records, std::size_t index) {
+    return records.objectAtIndex_(static_cast<NSUInteger>(index));
+}
+
+std::string jsonRecords(NSArray const& records) {
+    return jsonDocument("copies", records.count(),
+                        [&](std::size_t index) { return jsonRecord(recordAt(records, index)); });
+}
+
+std::string separatedPaths(NSArray const& records) {
+    std::string bytes;
+    for (NSUInteger index = 0; index < records.count(); ++index)
+        (bytes += bytesOfPath(textIn(records.objectAtIndex_(index), "path"))) += '\0';
+    return bytes;
+}
+
+constexpr std::size_t Columns = 6;
+using Row = std::array<std::string, Columns>;
+
+Row rowOf(id const& record) {
+    auto const mark = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "–"); };
+    return {visible(textIn(record, "versionString")),
+            mark("exists"),
+            mark("isRunning"),
+            mark("isAutolaunched"),
+            mark("isInToolbar"),
+            visible(textIn(record, "path"))};
+}
+
+// Counted in characters, which bytes that continue one do not begin.
+std::size_t widthOf(std::string const& text) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+}
+
+std::string table(NSArray const& records) {
+    if (records.count() == 0) return "No copies.\n";
+    std::vector<Row> rows{{"VERSION", "EXISTS", "RUNS", "LOGIN", "PLACES", "PATH"}};
+    for (NSUInteger index = 0; index < records.count(); ++index)
+        rows.push_back(rowOf(records.objectAtIndex_(index)));
+    std::array<std::size_t, Columns> widths{};
+    for (Row const& row : rows)
+        for (std::size_t column = 0; column < Columns; ++column)
+            widths.at(column) = std::max(widths.at(column), widthOf(row.at(column)));
+    std::string text;
+    for (Row const& row : rows) {
+        for (std::size_t column = 0; column + 1 < Columns; ++column)
+            (text += row.at(column)).append(widths.at(column) - widthOf(row.at(column)) + 2, ' ');
+        (text += row.back()) += '\n';
+    }
+    return text;
+}
+
+std::string detailsOf(id const& record) {
+    auto const answer = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "no"); };
+    std::optional<std::int32_t> const process = processOf(record);
+    return "Path:      " + visible(textIn(record, "path")) +
+           "\nVersion:   " + visible(textIn(record, "versionString")) + "\nExists:    " + answer("exists") +
+           "\nRuns:      " + answer("isRunning") + (process ? ", as process " + std::to_string(*process) : "") +
+           "\nLogin:     " + answer("isAutolaunched") + "\nPlaces:    " + answer("isInToolbar") + "\n";
+}
+
+} // namespace
+
+std::string listing(NSArray const& records, OutputForm form) {
+    if (form == OutputForm::JSON) return jsonRecords(records);
+    return form == OutputForm::NullSeparated ? separatedPaths(records) : table(records);
+}
+
+std::string details(NSArray const& records, OutputForm form) {
+    if (form != OutputForm::Table) return listing(records, form);
+    std::string text;
+    for (NSUInteger index = 0; index < records.count(); ++index)
+        (text += index == 0 ? "" : "\n") += detailsOf(records.objectAtIndex_(index));
+    return text;
+}
+
+std::string results(std::vector<Outcome> const& outcomes, OutputForm form) {
+    if (form == OutputForm::JSON)
+        return jsonDocument("results", outcomes.size(),
+                            [&](std::size_t index) { return jsonOutcome(outcomes[index]); });
+    std::string text;
+    for (Outcome const& outcome : outcomes) {
+        if (outcome.newPath == nil) continue;
+        if (form == OutputForm::NullSeparated)
+            (text += bytesOfPath(outcome.newPath)) += '\0';
+        else
+            (text += visible(outcome.newPath)) += '\n';
+    }
+    return text;
+}
+
+std::string complaints(std::vector<Outcome> const& outcomes) {
+    std::string text;
+    for (Outcome const& outcome : outcomes) {
+        if (outcome.status == Status::Done) continue;
+        text += "framekeeper-cli: " + visible(outcome.path) + ": ";
+        text += outcome.reason == nil ? nameOf(outcome.status) : visible(outcome.reason);
+        text += '\n';
+    }
+    return text;
+}
+
+} // namespace framekeeper

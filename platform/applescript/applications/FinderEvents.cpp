@@ -1,0 +1,145 @@
+#include "platform/applescript/applications/FinderEvents.h"
+#include "platform/applescript/applications/CommonTerms.h"
+#include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/language/Codes.h"
+#include "platform/applescript/runtime/Application.h"
+#include "platform/applescript/runtime/Coercion.h"
+#include "platform/applescript/runtime/RunLimits.h"
+#include "platform/applescript/runtime/ScriptDescriptors.h"
+#include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/desktop/FileBrowserSession.h"
+#include "platform/events/DescriptorContents.h"
+#include "platform/events/EventDispatch.h"
+#include "platform/files/ItemReferences.h"
+#include "platform/foundation/Encodings.h"
+#include "platform/foundation/EventLoop.h"
+#include <algorithm>
+#include <cstring>
+
+namespace mac {
+
+namespace {
+
+using namespace applescript;
+
+// The item that a reference leads to now.
+Value fileOfReference(AEDesc const& reference) {
+    std::vector<std::byte> const& bytes = contentsOf(reference).bytes;
+    FSRef ref{};
+    if (bytes.size() != sizeof ref) throw plainError(errors::CorruptData);
+    std::memcpy(&ref, bytes.data(), sizeof ref);
+    Result<ReferencedItem> const item = itemOfReference(ref);
+    if (!item.hasValue()) throw plainError(errors::FileNotFound);
+    return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias,
+                                  unitsFromFileSystemBytes(item.value().path));
+}
+
+bool isReference(AEDesc const& desc) { return desc.descriptorType == typeFSRef; }
+
+// A parameter as scripts know it. They have no references to files; a list with one is converted item by item.
+Value valueOfParameter(AEDesc const& desc) {
+    if (isReference(desc)) return fileOfReference(desc);
+    DescriptorContents const& contents = contentsOf(desc);
+    bool const hasReferences =
+        contents.form == DescriptorForm::List &&
+        std::ranges::any_of(contents.entries, [](DescriptorEntry const& entry) { return isReference(entry.desc); });
+    if (!hasReferences) return valueOfDescriptor(desc, finderItself());
+    std::vector<Value> items;
+    for (DescriptorEntry const& entry : contents.entries)
+        items.push_back(isReference(entry.desc) ? fileOfReference(entry.desc)
+                                                : valueOfDescriptor(entry.desc, finderItself()));
+    return Value::list(std::move(items));
+}
+
+CommandTerm const& termOf(EventCode code) {
+    Terminology const* const terms = terminologyOfApplication(finderItself().application().name);
+    CommandTerm const* const term = terms ? terms->commandOf(code) : nullptr;
+    return term ? *term : rawCommand(code);
+}
+
+// What the code of a class or type in a parameter is; 0 without one.
+Code classIn(ApplicationCommand const& command, Code parameter) {
+    Value const* const value = command.find(parameter);
+    return value && value->is(ValueKind::Type) ? value->asCode() : 0;
+}
+
+// The value that a command of the core suite needs; -1701 if the event lacks it.
+Value const& required(Value const* value) {
+    if (!value || value->isNothing()) throw plainError(errors::MissingParameter);
+    return *value;
+}
+
+// What is asked about: an object of the Finder, also if the event names it as a file.
+Value objectIn(Value const* value) {
+    Value const& object = required(value);
+    if (object.is(ValueKind::File)) return fileInApplication(object, finderItself());
+    if (!isToldTo(object)) throw plainError(errors::NotOfThisClass);
+    return object;
+}
+
+Value performCommand(Evaluator& evaluator, ApplicationCommand const& command) {
+    TextContext const& context = evaluator.context();
+    switch (command.term.code) {
+    case commonTerms::GetEvent:
+        return getInApplication(objectIn(&command.direct), classIn(command, codes::RequestedTypeParameter), context);
+    case commonTerms::SetEvent:
+        setInApplication(objectIn(&command.direct), required(command.find(codes::DataParameter)), context);
+        return {};
+    case commonTerms::ExistsEvent:
+        return Value::boolean(existsInApplication(objectIn(&command.direct), context));
+    case commonTerms::CountEvent: {
+        Value const counted = command.direct.isNothing() ? command.subject : objectIn(&command.direct);
+        std::size_t const count = countInApplication(counted, classIn(command, codes::NewClassParameter), context);
+        return Value::number(static_cast<double>(count));
+    }
+    default:
+        return performInApplication(evaluator, command.subject, command);
+    }
+}
+
+Value perform(AppleEvent const& event) {
+    constexpr unsigned bitsOfCode = 32;
+    EventCode const code =
+        EventCode{codeAttribute(event, keyEventClassAttr)} << bitsOfCode | codeAttribute(event, keyEventIDAttr);
+    ApplicationCommand command{.term = termOf(code), .subject = finderItself()};
+    for (DescriptorEntry const& entry : contentsOf(event).entries) {
+        Value const value = valueOfParameter(entry.desc);
+        if (entry.keyword == keyDirectObject)
+            command.direct = value;
+        else
+            command.named.emplace_back(entry.keyword.value(), value);
+    }
+    // Not the state of a script that may run meanwhile, whose considerations and bounds are its own.
+    EngineState state;
+    RunOptions const options;
+    RunLimits const limits(nullptr, 0);
+    Evaluator evaluator(state, options);
+    return performCommand(evaluator, command);
+}
+
+AppleEvent replyWithError(AppleEvent const& event, ScriptError const& error) {
+    AppleEvent reply = failedReply(event, error.number);
+    std::u16string const message = error.message.empty() ? messageOfNumber(error.number) : error.message;
+    putEntry(reply, keyErrorString, descriptorOfValue(Value::text(message)));
+    return reply;
+}
+
+} // namespace
+
+std::optional<AppleEvent> finderReplyTo(AppleEvent const& event, ProcessIdentity const& process) {
+    if (!isMainThread()) return std::nullopt;
+    std::vector<ProcessIdentity> const browsers = fileBrowserProcesses();
+    if (std::ranges::find(browsers, process) == browsers.end()) return std::nullopt;
+    try {
+        AppleEvent reply = makeReply(event);
+        Value const result = perform(event);
+        if (!result.isNothing()) putEntry(reply, keyDirectObject, descriptorOfValue(result, finderItself()));
+        return reply;
+    } catch (ScriptError const& error) {
+        return replyWithError(event, error);
+    } catch (ScriptStopped const& stopped) {
+        return replyWithError(event, stopped.error);
+    }
+}
+
+} // namespace mac

@@ -1,0 +1,74 @@
+#include "platform/system/StandardStreams.h"
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+volatile std::sig_atomic_t lastInterruption = 0;
+
+int descriptorOf(StandardStream stream) {
+    if (stream == StandardStream::Input) return STDIN_FILENO;
+    return stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO;
+}
+
+char const* nameOf(StandardStream stream) {
+    if (stream == StandardStream::Input) return "standard input";
+    return stream == StandardStream::Output ? "standard output" : "standard error";
+}
+
+void holdSignal(int number) {
+    struct sigaction action {};
+    // A signal that whoever started the process has it ignore (nohup) stays ignored.
+    if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) return;
+    action = {};
+    action.sa_handler = [](int held) { lastInterruption = held; };
+    ::sigemptyset(&action.sa_mask);
+    // A system call that an operation waits in goes on: the operation is finished first.
+    action.sa_flags = SA_RESTART;
+    ::sigaction(number, &action, nullptr);
+}
+
+} // namespace
+
+bool isTerminal(StandardStream stream) { return ::isatty(descriptorOf(stream)) == 1; }
+
+Result<void> writeTo(StandardStream stream, std::string_view bytes) {
+    while (!bytes.empty()) {
+        ssize_t const count = ::write(descriptorOf(stream), bytes.data(), bytes.size());
+        if (count < 0) {
+            SystemError error = lastSystemError("write", nameOf(stream));
+            if (error.is(EINTR)) continue;
+            return error;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return {};
+}
+
+void prepareStandardStreams() {
+    // The lowest free number is taken, so each open fills the gap that the loop has come to.
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) >= 0) continue;
+        [[maybe_unused]] int const opened = ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+    // Unlike an ignored signal, one with a handler is not passed on to programs that are started.
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    action.sa_flags = SA_RESTART;
+    ::sigemptyset(&action.sa_mask);
+    ::sigaction(SIGPIPE, &action, nullptr);
+}
+
+void holdInterruptions() {
+    for (int const number : {SIGINT, SIGTERM, SIGHUP})
+        holdSignal(number);
+}
+
+int heldInterruption() { return lastInterruption; }
+
+} // namespace mac

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "platform/system/walker/FolderFacts.h"
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace mac {
+
+// The folders that a walk has read, with the names of what it found in each: an index that lets the next walk leave out
+// those that did not change. One block of memory, as it is written to a file: about 20 to 30 bytes a folder. Whatever
+// the bytes are, reading them stays within them and ends. Immutable; any thread.
+class RememberedFolders {
+public:
+    // Where a folder's entry lies; None for a folder that is not remembered.
+    using Place = std::uint32_t;
+    static constexpr Place None = 0;
+
+    enum class Kind : std::uint8_t {
+        Name,    // a folder without an entry: it held no folder, was not entered or could not be read
+        Folder,  // a folder with an entry
+        Package, // a wanted package
+    };
+
+    struct Child {
+        std::string_view name; // never empty, ".", ".." or with a slash or zero byte; bytes of the block
+        Kind kind = Kind::Name;
+        Place place = None;
+    };
+
+    // Where in a folder's list of children a reader is.
+    struct Cursor {
+        std::uint32_t next = 0;
+        std::uint32_t end = 0;
+        Place nextFolder = None;
+    };
+
+    // nullopt unless the bytes are whole volumes that indexOf (FolderLog.h) could have written.
+    static std::optional<RememberedFolders> parse(std::vector<std::byte> bytes);
+
+    // The folder from which a volume was walked, by the path it was walked from; None if it was not, or if another
+    // file system has that path now.
+    Place volume(std::string_view path, VolumeIdentity const& identity) const;
+    // REQUIRES for these: the place is one of this index's. A stamp that no folder can have (inode 0) if the list of
+    // children is not to be relied on.
+    FolderStamp stamp(Place place) const;
+    // How many folders lie below, at all depths, those without entries included.
+    std::uint32_t foldersBelow(Place place) const;
+    Cursor children(Place place) const;
+    // nullopt after the last child.
+    std::optional<Child> next(Cursor& cursor) const;
+
+    std::vector<std::byte> const& bytes() const { return m_bytes; }
+    // Of entries, without folders that are known by name alone.
+    std::size_t folderCount() const { return m_folderCount; }
+
+private:
+    explicit RememberedFolders(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
+    bool check();
+    bool checkVolume(std::size_t& position);
+    bool checkFolder(std::size_t position, std::size_t end);
+    template <class T>
+    T read(std::size_t position) const;
+
+    std::vector<std::byte> m_bytes;
+    std::size_t m_folderCount = 0;
+};
+
+} // namespace mac

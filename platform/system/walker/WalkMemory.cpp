@@ -1,0 +1,72 @@
+#include "platform/system/walker/WalkMemory.h"
+#include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/NewFile.h"
+#include "platform/system/walker/FolderIndexFormat.h"
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac {
+
+namespace {
+
+constexpr std::size_t MostWalkBytes = MostIndexBytes * 2; // the index and the list of packages
+constexpr mode_t OwnersAlone = 0600;
+constexpr mode_t OthersMayWrite = S_IWGRP | S_IWOTH;
+
+bool isThisUsersAlone(FileDescriptor const& item) {
+    struct stat status;
+    if (::fstat(item.number(), &status) != 0) return false;
+    return status.st_uid == ::geteuid() && (status.st_mode & OthersMayWrite) == 0;
+}
+
+// The folder, open, if it is one that only this user can have written to.
+std::optional<FileDescriptor> trustedFolder(std::string const& path) {
+    Result<FileDescriptor> folder = openPath(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+    if (!folder.hasValue() || !isThisUsersAlone(folder.value())) return std::nullopt;
+    return folder.takeValue();
+}
+
+std::shared_ptr<RememberedWalk const> readFrom(std::string const& folderPath) {
+    std::optional<FileDescriptor> const folder = trustedFolder(folderPath);
+    if (!folder) return nullptr;
+    FileDescriptor const file(
+        ::openat(folder->number(), WalkMemory::fileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen() || !isThisUsersAlone(file)) return nullptr;
+    Result<FileContents> const contents = readOpenFile(file, MostWalkBytes);
+    if (!contents.hasValue()) return nullptr;
+    std::optional<RememberedWalk> walk = walkOfBytes(contents.value().bytes);
+    return walk ? std::make_shared<RememberedWalk const>(std::move(*walk)) : nullptr;
+}
+
+} // namespace
+
+WalkMemory::WalkMemory(std::string folder, std::function<std::int64_t()> clock)
+    : m_folder(std::move(folder)), m_clock(std::move(clock)) {}
+
+std::shared_ptr<RememberedWalk const> WalkMemory::recall(WalkQuestion const& question) {
+    std::lock_guard const lock(m_mutex);
+    if (!m_walk) m_walk = readFrom(m_folder);
+    bool const serves = m_walk && m_walk->question == question && m_walk->start <= now();
+    return serves ? m_walk : nullptr;
+}
+
+Result<void> WalkMemory::keep(RememberedWalk walk) {
+    auto const kept = std::make_shared<RememberedWalk const>(std::move(walk));
+    {
+        std::lock_guard const lock(m_mutex);
+        m_walk = kept;
+    }
+    Result<void> const made = makeFolderAtPath(m_folder);
+    if (!made.isDone()) return made;
+    std::optional<FileDescriptor> const folder = trustedFolder(m_folder);
+    if (!folder) return SystemError{.code = EACCES, .operation = "open", .item = m_folder};
+    Result<NewFile> file = NewFile::make(*folder, OwnersAlone);
+    if (!file.hasValue()) return file.problem();
+    Result<void> const written = file.value().write(bytesOfWalk(*kept));
+    return written.isDone() ? file.value().giveNameUnflushed(fileName) : written;
+}
+
+} // namespace mac

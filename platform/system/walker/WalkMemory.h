@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/system/walker/RememberedFolders.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+
+namespace mac {
+
+// What was asked for in a walk: what one remembers serves only another that asks for the same.
+struct WalkQuestion {
+    std::vector<std::string> roots{};
+    std::string packageSuffix{};
+    std::vector<std::string> names{};
+    bool operator==(WalkQuestion const&) const = default;
+};
+
+// What a complete walk leaves for the next: which packages it found, and the index of the folders it read. All of it is
+// checked against the disk before it is believed.
+struct RememberedWalk {
+    WalkQuestion question{};
+    std::int64_t start = 0; // of the walk, by folderClock()
+    std::vector<std::string> packages{};
+    std::shared_ptr<RememberedFolders const> folders{};
+};
+
+// The bytes of the file that keeps it. nullopt for bytes of another version or byte order, and for damaged ones.
+std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk);
+std::optional<RememberedWalk> walkOfBytes(std::span<std::byte const> bytes);
+
+// Keeps one walk in memory and in a file, in a folder that is made for this user alone. The folder may be removed at
+// any time. A file is not read unless it and its folder belong to this user and can be written by no other. Any thread.
+class WalkMemory {
+public:
+    static constexpr char const* fileName = "scanned-folders";
+
+    // The folder's absolute path; `clock` as folderClock().
+    explicit WalkMemory(std::string folder, std::function<std::int64_t()> clock);
+
+    std::string const& folder() const { return m_folder; }
+    std::int64_t now() const { return m_clock(); }
+
+    // The last walk that asked the same, if there is one; nullptr also if the clock has been set back behind its start.
+    std::shared_ptr<RememberedWalk const> recall(WalkQuestion const& question);
+    // Replaces what was kept. It is in memory even if it could not be written.
+    Result<void> keep(RememberedWalk walk);
+
+private:
+    std::string const m_folder;
+    std::function<std::int64_t()> const m_clock;
+    std::mutex m_mutex; // guards what follows
+    std::shared_ptr<RememberedWalk const> m_walk;
+};
+
+} // namespace mac

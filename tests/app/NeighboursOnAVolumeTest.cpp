@@ -1,0 +1,115 @@
+#include "tests/app/ProgramInASession.h"
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+// The window beside a volume whose server is stopped (FUSE): what is under way there is done and told once the server
+// runs again, and everything else goes on meanwhile.
+
+namespace framekeeper::test {
+namespace {
+
+// A folder that is shown at another place by a server of its own.
+class ServedVolume {
+public:
+    ServedVolume(std::string const& folder, std::string point)
+        : m_point(std::move(point)),
+          m_server(endingWithThisProcess({"/usr/bin/bindfs", "-f", "--no-allow-other", folder, m_point}, "TERM")) {}
+    // Its end takes the mount away.
+    ~ServedVolume() {
+        goOn();
+        m_server.sendSignal(SIGTERM);
+        m_server.wait();
+    }
+    ServedVolume(ServedVolume const&) = delete;
+    ServedVolume& operator=(ServedVolume const&) = delete;
+
+    bool isMounted() const {
+        std::ifstream mounts("/proc/self/mountinfo");
+        for (std::string line; std::getline(mounts, line);)
+            if (line.find(" " + m_point + " ") != std::string::npos) return true;
+        return false;
+    }
+    void stop() const { m_server.sendSignal(SIGSTOP); }
+    void goOn() const { m_server.sendSignal(SIGCONT); }
+
+private:
+    std::string m_point;
+    ChildProcess m_server;
+};
+
+class NeighboursOnAVolume : public ProgramInASession {
+protected:
+    void SetUp() override {
+        if (::access("/usr/bin/bindfs", X_OK) != 0) GTEST_SKIP() << "bindfs is not installed";
+        if (::access("/dev/fuse", R_OK | W_OK) != 0) GTEST_SKIP() << "/dev/fuse cannot be opened";
+        ProgramInASession::SetUp();
+        if (IsSkipped()) return;
+        std::filesystem::create_directories(m_home + "/volume");
+        std::filesystem::create_directories(m_folder.path("served"));
+        std::filesystem::rename(pathOfCopy("media/Mirror Frame 2.1"), m_folder.path("served/Mirror Frame.app"));
+        m_volume = std::make_unique<ServedVolume>(m_folder.path("served"), m_home + "/volume");
+        ASSERT_TRUE(waitUntil([this] { return m_volume->isMounted(); }));
+    }
+    // Such a volume is not searched: its copy is known by the places.
+    void addToPlaces() const {
+        std::filesystem::create_directories(m_home + "/.config/gtk-3.0");
+        std::ofstream(m_home + "/.config/gtk-3.0/bookmarks")
+            << "file://" + m_home + "/volume/Mirror%20Frame.app A copy\n";
+    }
+    // Waits until the program's main thread waits for the volume's server.
+    bool waitsForTheVolume() const {
+        return waitUntil([this] {
+            std::ifstream file("/proc/" + std::to_string(m_program->pid()) + "/wchan");
+            std::string place;
+            file >> place;
+            return place.find("request_wait_answer") != std::string::npos || place.find("fuse") != std::string::npos;
+        });
+    }
+
+    static constexpr std::size_t ExistsColumn = 2;
+
+    std::unique_ptr<ServedVolume> m_volume{};
+};
+
+TEST_F(NeighboursOnAVolume, WhatIsUnderWayThereIsDoneAndTold) {
+    std::string const path = pathOfCopy("volume");
+    addToPlaces();
+    startProgram();
+    select(path);
+    m_volume->stop();
+    press("delete");
+    ASSERT_TRUE(waitsForTheVolume());
+    m_volume->goOn();
+    EXPECT_TRUE(says("Moved to the trash."));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    press("ctrl+z");
+    EXPECT_TRUE(says("Put back."));
+    EXPECT_TRUE(std::filesystem::exists(path));
+    select(path);
+    m_volume->stop();
+    press("shift+delete");
+    ASSERT_TRUE(waitsForTheVolume());
+    m_volume->goOn();
+    EXPECT_TRUE(waitUntil([&] {
+        std::vector<std::string> const cells = row(path);
+        return cells.size() > ExistsColumn && cells[ExistsColumn] == "No";
+    })) << "the places still name it";
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(NeighboursOnAVolume, AScanGoesOnElsewhereAndTheProgramEnds) {
+    m_volume->stop();
+    startProgram();
+    EXPECT_TRUE(lists(pathOfCopy("Applications")));
+    EXPECT_TRUE(lists(pathOfCopy("Documents/Übergabe für Anna")));
+    select(pathOfCopy("Applications"));
+    press("escape");
+    EXPECT_TRUE(isDisabled("Stop", "No search is running"));
+    ChildProcess quitting({OSA, "-e", "tell application id \"com.tidelark.framekeeper\" to quit"});
+    EXPECT_EQ(quitting.wait(), 0);
+    EXPECT_EQ(m_program->wait(), 0);
+}
+
+} // namespace
+} // namespace framekeeper::test

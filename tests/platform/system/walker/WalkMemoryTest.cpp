@@ -1,0 +1,143 @@
+#include "platform/system/walker/WalkMemory.h"
+#include "platform/system/FileWriting.h"
+#include "platform/system/LongPath.h"
+#include "platform/system/walker/FolderLog.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/TemporaryFolder.h"
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mac::test {
+
+namespace {
+
+constexpr std::int64_t WalkStart = 2'000'000'000'000'000'001;
+constexpr std::int64_t Old = 1'000'000'000'000'000'001;
+
+bool never() { return false; }
+
+RememberedWalk someWalk() {
+    std::deque<FolderLog> logs;
+    FolderLog& log = logs.emplace_back(0);
+    FolderFacts const facts{.isFolder = true, .stamp = {.inode = 7, .modified = Old, .changed = Old, .linkCount = 4}};
+    FolderLog::Note const top = log.addVolume("/top", {.device = 1, .type = 2, .fileSystem = 3}, facts);
+    log.addName(log.addFolder(top, "a", facts), "leaf");
+    log.addPackage(top, "A.app");
+    return {.question = {.roots = {"/top"}, .packageSuffix = ".app", .names = {"A.app", "B.app"}},
+            .start = WalkStart,
+            .packages = {"/top/A.app"},
+            .folders = std::make_shared<RememberedFolders const>(*indexOf(logs, WalkStart, never))};
+}
+
+class KeptWalk : public testing::Test {
+protected:
+    std::shared_ptr<RememberedWalk const> recallAnew() const {
+        return WalkMemory(folder(), [] { return WalkStart; }).recall(someWalk().question);
+    }
+    void SetUp() override {
+        ASSERT_TRUE(WalkMemory(folder(), [] { return WalkStart; }).keep(someWalk()).isDone());
+        ASSERT_TRUE(recallAnew());
+    }
+    std::string folder() const { return m_folder.path("cache/framekeeper"); }
+    std::string file() const { return folder() + "/" + WalkMemory::fileName; }
+    std::vector<std::byte> bytes() const { return readFileAtPath(file(), 1 << 20).takeValue().bytes; }
+    void write(std::span<std::byte const> bytes) const { ASSERT_TRUE(overwriteFileAtPath(file(), bytes).isDone()); }
+
+    TemporaryFolder const m_folder{};
+};
+
+} // namespace
+
+TEST_F(KeptWalk, IsReadAsItWasWritten) {
+    RememberedWalk const walk = someWalk();
+    std::shared_ptr<RememberedWalk const> const read = recallAnew();
+    EXPECT_EQ(read->question, walk.question);
+    EXPECT_EQ(read->start, walk.start);
+    EXPECT_EQ(read->packages, walk.packages);
+    EXPECT_EQ(read->folders->bytes(), walk.folders->bytes());
+}
+
+TEST_F(KeptWalk, IsForThisUserAlone) {
+    struct stat status;
+    ASSERT_EQ(::stat(folder().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700U);
+    ASSERT_EQ(::stat(file().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
+}
+
+TEST_F(KeptWalk, ServesNoOtherQuestionAndNoEarlierTime) {
+    WalkMemory memory(folder(), [] { return WalkStart; });
+    WalkQuestion other = someWalk().question;
+    other.roots = {"/elsewhere"};
+    EXPECT_FALSE(memory.recall(other));
+    EXPECT_TRUE(memory.recall(someWalk().question));
+    EXPECT_FALSE(WalkMemory(folder(), [] { return WalkStart - 1; }).recall(someWalk().question));
+}
+
+TEST_F(KeptWalk, IsNoneWhereverItIsDamaged) {
+    std::vector<std::byte> const whole = bytes();
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        std::vector<std::byte> damaged = whole;
+        damaged[i] ^= std::byte{0x40};
+        EXPECT_FALSE(walkOfBytes(damaged)) << i;
+        EXPECT_FALSE(walkOfBytes(std::span(whole).first(i))) << i;
+    }
+    std::vector<std::byte> longer = whole;
+    longer.push_back({});
+    EXPECT_FALSE(walkOfBytes(longer));
+    write(std::span(whole).first(whole.size() / 2));
+    EXPECT_FALSE(recallAnew());
+    write({});
+    EXPECT_FALSE(recallAnew());
+    write(whole);
+    EXPECT_TRUE(recallAnew());
+}
+
+TEST_F(KeptWalk, IsNoneIfOthersMayHaveWrittenIt) {
+    ASSERT_EQ(::chmod(file().c_str(), 0620), 0);
+    EXPECT_FALSE(recallAnew());
+    ASSERT_EQ(::chmod(file().c_str(), 0600), 0);
+    ASSERT_EQ(::chmod(folder().c_str(), 0777), 0);
+    EXPECT_FALSE(recallAnew());
+    ASSERT_EQ(::chmod(folder().c_str(), 0700), 0);
+    EXPECT_TRUE(recallAnew());
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can make files of other users";
+    ASSERT_EQ(::lchown(file().c_str(), OrdinaryUser::ID, OrdinaryUser::ID), 0);
+    EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, IsNoneBehindALink) {
+    ASSERT_EQ(::rename(file().c_str(), m_folder.path("moved").c_str()), 0);
+    ASSERT_EQ(::symlink(m_folder.path("moved").c_str(), file().c_str()), 0);
+    EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, IsNoneInPlaceOfAPipeOrAFolder) {
+    ASSERT_EQ(::unlink(file().c_str()), 0);
+    ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
+    EXPECT_FALSE(recallAnew()) << "and nobody waits for a writer";
+    ASSERT_EQ(::unlink(file().c_str()), 0);
+    ASSERT_EQ(::mkdir(file().c_str(), 0700), 0);
+    EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
+    ASSERT_EQ(::unlink(file().c_str()), 0);
+    ASSERT_EQ(::rmdir(folder().c_str()), 0);
+    m_folder.makeFile("cache/framekeeper", "in the way");
+    WalkMemory memory(folder(), [] { return WalkStart; });
+    EXPECT_FALSE(memory.keep(someWalk()).isDone());
+    EXPECT_TRUE(memory.recall(someWalk().question));
+    EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, ComesBackAfterItsFolderWasRemoved) {
+    ASSERT_EQ(::unlink(file().c_str()), 0);
+    ASSERT_EQ(::rmdir(folder().c_str()), 0);
+    EXPECT_FALSE(recallAnew());
+    ASSERT_TRUE(WalkMemory(folder(), [] { return WalkStart; }).keep(someWalk()).isDone());
+    EXPECT_TRUE(recallAnew());
+}
+
+} // namespace mac::test
