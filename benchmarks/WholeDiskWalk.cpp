@@ -4,7 +4,9 @@
 #include "benchmarks/Timing.h"
 #include "benchmarks/WholeDiskWalkRun.h"
 #include "benchmarks/WholeDiskWalkTree.h"
+#include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include "platform/system/walker/WalkMemory.h"
 
 #include <linux/magic.h>
 #include <sys/vfs.h>
@@ -15,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <optional>
 #include <semaphore>
 #include <string>
@@ -28,7 +31,8 @@ constexpr char const* usage =
     "usage: whole_disk_walk [--keep] [--pairs N] [--cold-pairs N] [--entries N] [--despite-load] FOLDER\n"
     "Builds a tree of 1.5 million entries in FOLDER (5 GB free is plenty), walks it in turn with the walker and with "
     "fd,\n"
-    "find and bfs, and prints how many times longer each of them took, pair by pair. Deletes the tree in the end;\n"
+    "find and bfs, and prints how many times longer each of them took, pair by pair; then the same for a walk by what\n"
+    "an earlier one remembers, with the walk that remembers nothing and with find. Deletes the tree in the end;\n"
     "with --keep it stays, and the next run uses it. Where the system's caches can be dropped (root), also cold.\n"
     "With other --entries (100000 at least) there are no targets, and with --despite-load it does not wait for other\n"
     "programs: both are for trying it out.\n"
@@ -42,7 +46,10 @@ constexpr char const* markName = "whole-disk-walk-tree.complete"; // lies beside
 constexpr double foreignLoadAllowed = 0.08;
 constexpr int disturbedPairsForOne = 10; // then it is given up
 constexpr std::chrono::minutes patience{10};
-constexpr long memoryTarget = 6L * 1024; // KiB
+constexpr long memoryTarget = 6L * 1024;        // KiB
+constexpr double rescanTarget = 1 / 0.35;       // how many times longer a walk that remembers nothing is to take
+constexpr long rescanMemoryTarget = 16L * 1024; // KiB, the index of the folders among them
+constexpr char const* memoryName = "whole-disk-walk-memory";
 
 struct Options {
     std::string folder;
@@ -87,16 +94,22 @@ std::optional<Options> readOptions(int count, char** arguments) {
 }
 
 // What a run of this program with --walk does: the walk alone, in a process of its own, so that its memory can be told.
-int walk(char const* top) {
+// With a folder for the memory it begins with what the last walk left there. It stays with what it found then unless it
+// is to remember.
+enum class Remembering { No, Yes };
+int walk(char const* top, std::vector<std::string> names, char const* memoryFolder, Remembering remembering) {
     long const before = memoryNow();
     std::binary_semaphore finished{0};
     mac::VolumeWalker* started = nullptr;
-    mac::VolumeWalker walker({.roots = {top}, .packageSuffix = ".app", .names = {}}, [&started, &finished] {
+    mac::VolumeWalkRequest request{.roots = {top}, .packageSuffix = ".app", .names = std::move(names)};
+    if (memoryFolder) request.memory = std::make_shared<mac::WalkMemory>(memoryFolder, &mac::folderClock);
+    mac::VolumeWalker walker(request, [&started, &finished] {
         if (started->progress().isFinished) finished.release();
     });
     started = &walker;
     if (!walker.start()) return 1;
     finished.acquire();
+    if (remembering == Remembering::Yes) walker.waitUntilRemembered();
     long const grown = memoryPeak() - before;
     for (std::string const& path : walker.takeFound())
         std::printf("%s\n", path.c_str());
@@ -110,16 +123,29 @@ bool isMeasuredFileSystem(std::string const& folder) {
     return status.f_type == EXT4_SUPER_MAGIC || status.f_type == XFS_SUPER_MAGIC || status.f_type == TMPFS_MAGIC;
 }
 
+void removeFolder(std::string const& folder) { run({"rm", "-rf", "--", folder}); }
+
 // The contest on one tree.
 class Contest {
 public:
     Contest(std::string const& top, WholeDiskWalkTree const& tree, bool isDespiteLoad)
-        : m_isDespiteLoad(isDespiteLoad), m_ours{"/proc/self/exe", "--walk", top}, m_expected(tree.packagesBelow(top)),
+        : m_isDespiteLoad(isDespiteLoad), m_top(top), m_expected(tree.packagesBelow(top)),
           m_wanted(tree.wantedPackagesBelow(top)) {}
 
+    std::vector<std::string> walk() const { return {"/proc/self/exe", "--walk", m_top}; }
+    // The question of the program: only the wanted packages. From here on they are expected.
+    void askForWanted() { m_expected = m_wanted; }
+    std::vector<std::string> walkForWanted() const { return {"/proc/self/exe", "--walk-wanted", m_top}; }
+    // REQUIRES: remember() before.
+    std::vector<std::string> rescan(std::string const& memory) const {
+        return {"/proc/self/exe", "--rescan", m_top, memory};
+    }
+    // Walks once and leaves what the next needs, in a folder that is made.
+    void remember(std::string const& memory);
     // Runs ours and the rival in turn and prints the ratios. A target of 0 is none.
-    void compare(Rival const& rival, int pairs, bool isCold, double target);
-    void printMemory();
+    void compare(std::vector<std::string> const& ours, Rival const& rival, int pairs, bool isCold, double target);
+    // What the runs since the last time took, with what wanted under a limit.
+    void printMemory(long limit);
     bool isWon() const { return m_isWon; }
 
 private:
@@ -127,8 +153,8 @@ private:
     void check(bool holds, std::string const& complaint);
 
     bool const m_isDespiteLoad;
-    std::vector<std::string> const m_ours;
-    std::vector<std::string> const m_expected;
+    std::string const m_top;
+    std::vector<std::string> m_expected;
     std::vector<std::string> const m_wanted;
     long m_memory = 0;
     bool m_isWon = true;
@@ -149,13 +175,21 @@ std::optional<Run> Contest::prepareAndRun(std::vector<std::string> const& comman
     return run(command);
 }
 
-void Contest::compare(Rival const& rival, int pairs, bool isCold, double target) {
+void Contest::remember(std::string const& memory) {
+    removeFolder(memory);
+    std::optional<Run> const first = run({"/proc/self/exe", "--remember", m_top, memory});
+    check(first && first->outputLines == m_expected, "the walk that remembers is not complete");
+    if (first) std::printf("  own memory of the walk that remembers: %ld KiB\n", std::atol(first->errorText.c_str()));
+}
+
+void Contest::compare(std::vector<std::string> const& command, Rival const& rival, int pairs, bool isCold,
+                      double target) {
     std::vector<double> ratios;
     int disturbed = 0;
     std::printf("  %-5s", rival.name.c_str());
     while (static_cast<int>(ratios.size()) < pairs && disturbed < pairs * disturbedPairsForOne) {
         if (!m_isDespiteLoad && !waitUntilQuiet(foreignLoadAllowed, patience)) break;
-        std::optional<Run> const ours = prepareAndRun(m_ours, isCold);
+        std::optional<Run> const ours = prepareAndRun(command, isCold);
         std::optional<Run> const theirs = prepareAndRun(rival.command, isCold);
         if (!theirs || theirs->outputLines.size() != m_expected.size()) {
             std::printf(" not compared: %s\n", theirs ? "it does not list the same" : "it is not installed");
@@ -179,10 +213,11 @@ void Contest::compare(Rival const& rival, int pairs, bool isCold, double target)
     check(median(ratios) >= target, "slower than wanted");
 }
 
-void Contest::printMemory() {
+void Contest::printMemory(long limit) {
     std::printf("complete in every run: %zu packages, among them the %zu wanted\n", m_expected.size(), m_wanted.size());
-    std::printf("own memory at most: %ld KiB, wanted under %ld\n", m_memory, memoryTarget);
-    check(m_memory < memoryTarget, "too much memory");
+    std::printf("own memory at most: %ld KiB, wanted under %ld\n", m_memory, limit);
+    check(m_memory < limit, "too much memory");
+    m_memory = 0;
 }
 
 void removeTree(std::string const& folder) {
@@ -204,7 +239,13 @@ void provideTree(std::string const& folder, WholeDiskWalkTree const& tree, std::
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count == 3 && std::strcmp(arguments[1], "--walk") == 0) return walk(arguments[2]);
+    if (count == 3 && std::strcmp(arguments[1], "--walk") == 0) return walk(arguments[2], {}, nullptr, Remembering::No);
+    if (count == 3 && std::strcmp(arguments[1], "--walk-wanted") == 0)
+        return walk(arguments[2], {WholeDiskWalkTree::wantedName}, nullptr, Remembering::No);
+    if (count == 4 && std::strcmp(arguments[1], "--rescan") == 0)
+        return walk(arguments[2], {WholeDiskWalkTree::wantedName}, arguments[3], Remembering::No);
+    if (count == 4 && std::strcmp(arguments[1], "--remember") == 0)
+        return walk(arguments[2], {WholeDiskWalkTree::wantedName}, arguments[3], Remembering::Yes);
     if (count == 2 && std::strcmp(arguments[1], "--version") == 0) return 0; // what a cold run asks of every program
     std::optional<Options> const options = readOptions(count, arguments);
     if (!options) {
@@ -232,15 +273,28 @@ int main(int count, char** arguments) {
     std::printf("warm: how many times longer than the walk (%ld directory entries in memory)\n",
                 directoryEntriesInMemory());
     for (Rival const& rival : rivals)
-        contest.compare(rival, options->pairs, false, hasTargets ? rival.warmTarget : 0);
+        contest.compare(contest.walk(), rival, options->pairs, false, hasTargets ? rival.warmTarget : 0);
     if (canDrop) {
         std::printf("cold: caches dropped before each run\n");
         for (Rival const& rival : rivals)
-            contest.compare(rival, options->coldPairs, true, hasTargets ? rival.coldTarget : 0);
+            contest.compare(contest.walk(), rival, options->coldPairs, true, hasTargets ? rival.coldTarget : 0);
     } else {
         std::printf("cold: not measured, this user may not drop the system's caches\n");
     }
-    contest.printMemory();
+    contest.printMemory(memoryTarget);
+
+    std::string const memory = options->folder + "/" + memoryName;
+    std::printf("warm: how many times longer than a walk by what an earlier one remembers\n");
+    contest.askForWanted();
+    contest.remember(memory);
+    Rival find = rivals[1];
+    find.command = {"find",  top, "-type", "d", "-name", "*.app", "-prune", "-name", WholeDiskWalkTree::wantedName,
+                    "-print"};
+    contest.compare(contest.rescan(memory), {.name = "walk", .command = contest.walkForWanted()}, options->pairs, false,
+                    hasTargets ? rescanTarget : 0);
+    contest.compare(contest.rescan(memory), find, options->pairs, false, 0);
+    contest.printMemory(rescanMemoryTarget);
+    removeFolder(memory);
     if (!options->keep) removeTree(options->folder);
     return contest.isWon() ? 0 : 1;
 }

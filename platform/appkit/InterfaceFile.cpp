@@ -35,7 +35,10 @@
 //                 enabledWhen          see Requirements.h
 //                 busyText             see ActionSending.h, worksWhileBusy too
 //                 moreShortcuts        further key sequences
-//                 glyph                outline of the icon where the theme has none
+//                 themeIcon            name of its icon in the theme. Not the property icon: for a name that the theme
+//                 lacks
+//                                      the toolkit takes a folder for the icon's file, and reads the types of files
+//                 glyph                outline of the icon; for all actions if the theme lacks the icon of one
 //                 focuses, clears      name of the field that gets the keyboard, or is emptied
 // field           filters              name of the array controller, and filterKeyPaths
 // label           displayPattern       see BoundText.h

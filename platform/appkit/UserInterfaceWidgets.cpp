@@ -6,12 +6,15 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFileSystemModel>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSortFilterProxyModel>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -70,6 +73,33 @@ private:
 
     QLineEdit* m_field{nullptr};
 };
+
+// Shows folders and those files that are accepted.
+class AcceptedFiles : public QSortFilterProxyModel {
+public:
+    explicit AcceptedFiles(std::function<bool(std::string const& path)> accepts) : m_accepts(std::move(accepts)) {}
+
+protected:
+    bool filterAcceptsRow(int row, QModelIndex const& parent) const override {
+        auto const* const files = qobject_cast<QFileSystemModel const*>(sourceModel());
+        QModelIndex const index = files->index(row, 0, parent);
+        return files->isDir(index) || m_accepts(QFile::encodeName(files->filePath(index)).toStdString());
+    }
+
+private:
+    std::function<bool(std::string const& path)> m_accepts;
+};
+
+QFileDialog::FileMode modeOf(FileRequest const& request) {
+    switch (request.kind) {
+    case FileRequest::Kind::Folder:
+        return QFileDialog::Directory;
+    case FileRequest::Kind::NewFile:
+        return QFileDialog::AnyFile;
+    default:
+        return request.allowsSeveral ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile;
+    }
+}
 
 class Widgets : public UserInterface {
 public:
@@ -141,6 +171,28 @@ public:
         if (dialog.exec() != QDialog::Accepted) return {};
         QRgba64 const chosen = dialog.selectedColor().rgba64();
         return ColorComponents{chosen.red(), chosen.green(), chosen.blue()};
+    }
+
+    std::optional<std::vector<std::string>> chooseFiles(FileRequest const& request) override {
+        std::optional<AcceptedFiles> accepted;
+        QFileDialog dialog;
+        dialog.setWindowTitle(qString(request.title));
+        dialog.setFileMode(modeOf(request));
+        if (request.kind == FileRequest::Kind::NewFile) dialog.setAcceptMode(QFileDialog::AcceptSave);
+        if (request.kind == FileRequest::Kind::Folder) dialog.setOption(QFileDialog::ShowDirsOnly);
+        if (request.showsHidden) dialog.setFilter(dialog.filter() | QDir::Hidden);
+        if (request.accepts) {
+            // The desktop's own dialog asks about names alone.
+            dialog.setOption(QFileDialog::DontUseNativeDialog);
+            dialog.setProxyModel(&accepted.emplace(request.accepts));
+        }
+        if (!request.folder.empty()) dialog.setDirectory(QFile::decodeName(request.folder.c_str()));
+        if (!request.name.empty()) dialog.selectFile(qString(request.name));
+        if (dialog.exec() != QDialog::Accepted) return {};
+        std::vector<std::string> paths;
+        for (QString const& path : dialog.selectedFiles())
+            paths.push_back(QFile::encodeName(path).toStdString());
+        return paths;
     }
 
     std::u16string clipboardText() override { return units(QApplication::clipboard()->text()); }

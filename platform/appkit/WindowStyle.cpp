@@ -15,6 +15,8 @@ namespace {
 
 QString glyphOf(QObject const* object) { return object->property("glyph").toString(); }
 
+QString themeIconOf(QObject const* object) { return object->property("themeIcon").toString(); }
+
 QIcon glyphIcon(QObject const* object) {
     QIcon const icon = drawnIcon(glyphOf(object));
     if (icon.isNull()) NSLog("Interface file: the glyph of \"%@\" is no path", stringOf(object->objectName()));
@@ -25,11 +27,12 @@ QIcon glyphIcon(QObject const* object) {
 void giveIcons(QWidget* window) {
     QList<QAction*> actions = window->findChildren<QAction*>();
     actions.removeIf([](QAction const* action) { return glyphOf(action).isEmpty(); });
-    bool const isThemeComplete =
-        std::ranges::none_of(actions, [](QAction const* action) { return action->icon().name().isEmpty(); });
-    for (QAction* const action : actions) {
-        if (!isThemeComplete) action->setIcon(glyphIcon(action));
-    }
+    bool const isThemeComplete = std::ranges::all_of(actions, [](QAction const* action) {
+        QString const name = themeIconOf(action);
+        return !name.isEmpty() && QIcon::hasThemeIcon(name);
+    });
+    for (QAction* const action : actions)
+        action->setIcon(isThemeComplete ? QIcon::fromTheme(themeIconOf(action)) : glyphIcon(action));
     for (QWidget* const widget : window->findChildren<QWidget*>()) {
         if (glyphOf(widget).isEmpty()) continue;
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setIcon(glyphIcon(widget));

@@ -11,8 +11,14 @@ namespace mac {
 
 namespace {
 
+// What an application is started with, in the two forms that its command may ask for.
+struct Operand {
+    std::string path{};
+    std::string uri{};
+};
+
 // The word with its codes (%f) replaced.
-std::string expanded(std::string const& word, DesktopApplication const& application, std::string const& path) {
+std::string expanded(std::string const& word, DesktopApplication const& application, Operand const& operand) {
     std::string result;
     for (std::size_t index = 0; index < word.size(); ++index) {
         if (word[index] != '%' || index + 1 == word.size()) {
@@ -25,11 +31,11 @@ std::string expanded(std::string const& word, DesktopApplication const& applicat
             break;
         case 'f':
         case 'F':
-            result += path;
+            result += operand.path;
             break;
         case 'u':
         case 'U':
-            if (!path.empty()) result += fileURIOfPath(path);
+            result += operand.uri;
             break;
         case 'c':
             result += application.name;
@@ -50,6 +56,25 @@ bool isListOfFiles(std::string const& word) { return word == "%F" || word == "%U
 bool standsForFiles(std::string const& word) {
     constexpr std::array codes{"%f", "%F", "%u", "%U"};
     return std::ranges::any_of(codes, [&](char const* code) { return word.find(code) != std::string::npos; });
+}
+
+std::vector<std::string> commandWith(DesktopApplication const& application, std::vector<Operand> const& operands) {
+    std::vector<std::string> command{application.executable};
+    Operand const first = operands.empty() ? Operand() : operands.front();
+    bool hasFiles = operands.empty();
+    for (std::size_t index = 1; index < application.words.size(); ++index) {
+        std::string const& word = application.words[index];
+        if (isListOfFiles(word)) {
+            for (Operand const& operand : operands)
+                command.push_back(word == "%U" ? operand.uri : operand.path);
+        } else if (std::string text = expanded(word, application, first); !text.empty()) {
+            command.push_back(std::move(text));
+        }
+        hasFiles = hasFiles || standsForFiles(word);
+    }
+    // A command without a code for files mostly takes them all the same.
+    if (!hasFiles) command.push_back(first.path);
+    return command;
 }
 
 DesktopProblem noDisplay() { return {DesktopProblem::Kind::NoDisplay, "There is no display to open a window on"}; }
@@ -74,22 +99,10 @@ std::string programOf(DesktopApplication const& application) {
 }
 
 std::vector<std::string> commandOf(DesktopApplication const& application, std::vector<std::string> const& paths) {
-    std::vector<std::string> command{application.executable};
-    std::string const first = paths.empty() ? "" : paths.front();
-    bool hasFiles = paths.empty();
-    for (std::size_t index = 1; index < application.words.size(); ++index) {
-        std::string const& word = application.words[index];
-        if (isListOfFiles(word)) {
-            for (std::string const& path : paths)
-                command.push_back(word == "%U" ? fileURIOfPath(path) : path);
-        } else if (std::string text = expanded(word, application, first); !text.empty()) {
-            command.push_back(std::move(text));
-        }
-        hasFiles = hasFiles || standsForFiles(word);
-    }
-    // A command without a code for files mostly takes them all the same.
-    if (!hasFiles) command.push_back(first);
-    return command;
+    std::vector<Operand> operands;
+    for (std::string const& path : paths)
+        operands.push_back({path, fileURIOfPath(path)});
+    return commandWith(application, operands);
 }
 
 std::string fileURIOfPath(std::string const& path) { return "file://" + percentEscaped(path); }
@@ -103,9 +116,11 @@ DesktopResult<std::int32_t> startProgram(ProgramStart const& start) {
     return DesktopProblem{DesktopProblem::Kind::NoAnswer, std::move(text), std::move(cause)};
 }
 
-DesktopOutcome startApplication(DesktopApplication const& application, std::vector<std::string> const& paths) {
+namespace {
+
+DesktopOutcome startCommand(DesktopApplication const& application, std::vector<std::string> words) {
     if (!hasDisplay()) return noDisplay();
-    ProgramStart start{.executable = application.executable, .words = commandOf(application, paths)};
+    ProgramStart start{.executable = application.executable, .words = std::move(words)};
     if (application.needsTerminal) {
         std::optional<std::string> const terminal = resolvedProgram("x-terminal-emulator");
         if (!terminal)
@@ -115,6 +130,16 @@ DesktopOutcome startApplication(DesktopApplication const& application, std::vect
     }
     DesktopResult<std::int32_t> const started = startProgram(start);
     return started.hasValue() ? DesktopOutcome() : DesktopOutcome(started.problem());
+}
+
+} // namespace
+
+DesktopOutcome startApplication(DesktopApplication const& application, std::vector<std::string> const& paths) {
+    return startCommand(application, commandOf(application, paths));
+}
+
+DesktopOutcome startApplicationAt(DesktopApplication const& application, std::string const& url) {
+    return startCommand(application, commandWith(application, {{url, url}}));
 }
 
 } // namespace mac

@@ -52,5 +52,7 @@ DesktopResult<std::int32_t> startProgram(ProgramStart const& start);
 // Starts the application with the files, in a terminal if it needs one, and does not wait for it. As startProgram, and
 // Refused if there is no terminal. Main thread.
 DesktopOutcome startApplication(DesktopApplication const& application, std::vector<std::string> const& paths);
+// Starts the application with a URL in the place of its files, otherwise as startApplication. Main thread.
+DesktopOutcome startApplicationAt(DesktopApplication const& application, std::string const& url);
 
 } // namespace mac

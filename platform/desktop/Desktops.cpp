@@ -24,7 +24,8 @@ constexpr LogOutCall PlasmaLogOut{.service = "org.kde.LogoutPrompt",
                                   .method = "promptLogout",
                                   .arguments = LogOutCall::Arguments::None};
 
-constexpr PictureSettings GNOMEPicture{.schema = "org.gnome.desktop.background",
+constexpr PictureSettings GNOMEPicture{.store = PictureSettings::Store::GSettings,
+                                       .schema = "org.gnome.desktop.background",
                                        .keys = {"picture-uri", "picture-uri-dark"}};
 
 std::vector<DesktopKind> const& desktopKinds() {
@@ -53,6 +54,7 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"systemsettings kcm_autostart", "systemsettings5 kcm_autostart"},
          .settingsProgram = "systemsettings",
          .panes = SettingsPanes::Plasma,
+         .picture = {.store = PictureSettings::Store::Plasma},
          .autostart = {.hiddenWords = {"true", "1", "True"}, .startsBySystemd = true, .knowsKDECondition = true}},
         {.name = "LXQt",
          // Its call on the bus, and its command with "--logout", ask only if the user wished so; the plain command
@@ -60,13 +62,15 @@ std::vector<DesktopKind> const& desktopKinds() {
          .logOutCommand = "lxqt-leave",
          .autostartPages = {"lxqt-config-session"},
          .settingsProgram = "lxqt-config",
+         .picture = {.store = PictureSettings::Store::PCManFM},
          .autostart = {.hiddenWords = {"true", "1", "True"}, .ignoresCaseOfNames = true}},
         {.name = "MATE",
          .logOutCall = &GNOMELogOut,
          .questionSetting = "gsettings get org.mate.session logout-prompt",
          .autostartPages = {"mate-session-properties"},
          .settingsProgram = "mate-control-center",
-         .picture = {.schema = "org.mate.background",
+         .picture = {.store = PictureSettings::Store::GSettings,
+                     .schema = "org.mate.background",
                      .keys = {"picture-filename"},
                      .form = PictureSettings::Form::Path},
          .autostart = {.hiddenWords = {"true", "1"}, .knowsCondition = true, .dataFolder = "mate"}},
@@ -76,7 +80,9 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"cinnamon-settings startup"},
          .settingsProgram = "cinnamon-settings",
          .panes = SettingsPanes::Cinnamon,
-         .picture = {.schema = "org.cinnamon.desktop.background", .keys = {"picture-uri"}},
+         .picture = {.store = PictureSettings::Store::GSettings,
+                     .schema = "org.cinnamon.desktop.background",
+                     .keys = {"picture-uri"}},
          .autostart = {.hiddenWords = {"true", "1"}, .knowsEnabledKey = true, .knowsCondition = true}},
         {.name = "XFCE",
          .logOutCall = &XfceLogOut,
@@ -84,6 +90,7 @@ std::vector<DesktopKind> const& desktopKinds() {
          .autostartPages = {"xfce4-session-settings"},
          .settingsProgram = "xfce4-settings-manager",
          .panes = SettingsPanes::Xfce,
+         .picture = {.store = PictureSettings::Store::Xfconf},
          .autostart = {.hiddenWords = {"true", "True"}, .ignoresCaseOfNames = true, .knowsRunHooks = true}},
     };
     return kinds;

@@ -53,11 +53,22 @@ struct AutostartRules {
     std::string_view dataFolder{};
 };
 
-// Where a desktop that keeps its settings with GSettings keeps the picture behind its icons.
+// Where a desktop keeps the picture behind its icons.
 struct PictureSettings {
-    // Empty: the desktop keeps it elsewhere.
+    enum class Store {
+        // Nowhere that programs are told of.
+        None,
+        GSettings,
+        // The properties "last-image" of Xfce's desktop, one for each screen and workspace.
+        Xfconf,
+        // A file of Plasma's shell; set by a command of its own.
+        Plasma,
+        // The settings of LXQt's file browser, which draws the desktop; set by its command.
+        PCManFM,
+    };
+    Store store{Store::None};
+    // For GSettings: where the picture is, and its keys, the first of which is read.
     std::string_view schema{};
-    // The keys that hold it, the first of which is read.
     std::array<std::string_view, 2> keys{};
     enum class Form { URI, Path };
     Form form{Form::URI};

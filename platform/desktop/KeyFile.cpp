@@ -104,6 +104,13 @@ KeyFile KeyFile::readFile(std::string const& path) {
     return read({reinterpret_cast<char const*>(bytes.data()), bytes.size()});
 }
 
+std::vector<std::string> KeyFile::groups() const {
+    std::vector<std::string> names;
+    for (auto const& [name, keys] : m_groups)
+        names.push_back(name);
+    return names;
+}
+
 std::optional<std::string_view> KeyFile::value(std::string const& group, std::string const& key) const {
     auto const foundGroup = m_groups.find(group);
     if (foundGroup == m_groups.end()) return std::nullopt;

@@ -17,6 +17,8 @@ public:
     // Reads at most 1 MiB; a longer file and one that cannot be read have no groups.
     static KeyFile readFile(std::string const& path);
 
+    // The groups' names as they were written, sorted: "A][B" for "[A][B]".
+    std::vector<std::string> groups() const;
     // The value as it was written.
     std::optional<std::string_view> value(std::string const& group, std::string const& key) const;
     // The value with the escapes for blanks and line ends resolved.

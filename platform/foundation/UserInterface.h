@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,6 +49,27 @@ struct ListRequest {
     bool allowsNone{false};
 };
 
+// What is to be chosen among files and folders; paths are bytes.
+struct FileRequest {
+    enum class Kind {
+        File,
+        Folder,
+        // A name for a new file; the person is asked before one that is there is chosen.
+        NewFile,
+    };
+    Kind kind{Kind::File};
+    std::u16string title{};
+    // The folder that is shown at first; empty: the one that was shown last.
+    std::string folder{};
+    // The name that stands there for a new file.
+    std::u16string name{};
+    // Several files; folders are chosen one at a time.
+    bool allowsSeveral{false};
+    bool showsHidden{false};
+    // Whether a file may be chosen; empty: any.
+    std::function<bool(std::string const& path)> accepts{};
+};
+
 // Red, green and blue, from 0 to 65535.
 using ColorComponents = std::array<std::uint16_t, 3>;
 
@@ -64,6 +86,8 @@ public:
     virtual std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) = 0;
     // nullopt if the person cancels. `initial` is chosen at first.
     virtual std::optional<ColorComponents> chooseColor(ColorComponents const& initial) = 0;
+    // Absolute paths; nullopt if the person cancels.
+    virtual std::optional<std::vector<std::string>> chooseFiles(FileRequest const& request) = 0;
     virtual std::u16string clipboardText() = 0;
     virtual void setClipboardText(std::u16string const& text) = 0;
     // A note that goes by itself and is not answered; lost where the desktop shows none.

@@ -176,7 +176,8 @@ private:
 
 // What preparing an item takes, by what moving one in a merge takes.
 constexpr std::size_t PreparingCost = 8;
-// What sorting a row of some ten thousand by two criteria takes in all, likewise: the preparing, and a move in each pass.
+// What sorting a row of some ten thousand by two criteria takes in all, likewise: the preparing, and a move in each
+// pass.
 constexpr std::size_t RowCost = 48;
 
 } // namespace

@@ -37,7 +37,8 @@ add_subdirectory(tests)
   <project_license>MIT</project_license>
   <name>Small</name>
   <summary>Does little</summary>
-  <description><p>It does next to nothing, and says so in a few words.</p></description>
+  <description><p>It does next to nothing, and says so in a few words, which are many enough to be shown in a list of programs.</p></description>
+  <content_rating type="oars-1.1"/>
   <url type="homepage">https://small.example/</url>
   <provides><binary>small</binary></provides>
   <releases><release version="@VERSION@" date="2026-01-01"/></releases>

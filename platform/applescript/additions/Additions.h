@@ -57,6 +57,14 @@ Value chooseURL(Evaluator& evaluator, CommandArguments const& arguments);
 Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments);
 Value chooseColor(Evaluator& evaluator, CommandArguments const& arguments);
 
+// AdditionsChoosingFiles.cpp; they throw -1713 as those above.
+Value chooseFile(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseFolder(Evaluator& evaluator, CommandArguments const& arguments);
+Value chooseFileName(Evaluator& evaluator, CommandArguments const& arguments);
+
+// AdditionsLocations.cpp
+Value openLocation(Evaluator& evaluator, CommandArguments const& arguments);
+
 // AdditionsFiles.cpp
 // The file as it was named; for a mere path, its file.
 Value asFile(Value const& named, std::u16string const& path);

@@ -1,3 +1,4 @@
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/applications/Program.h"
@@ -39,18 +40,18 @@ std::vector<std::u16string> textsIn(Value const& list, TextContext const& contex
 // The items chosen, as they are; false where the person cancels.
 Value chooseFromList(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
-    Value const list = requireType(arguments.direct, codeOf("list"), context);
+    Value const list = requireType(arguments.direct, codes::ListType, context);
     ListRequest request;
     request.items = textsIn(list, context);
     if (request.items.empty()) throw plainError(errors::Parameter);
-    request.title = textAt(arguments, codeOf("appr"), context);
-    request.text = arguments.find(codeOf("prmp")) ? textAt(arguments, codeOf("prmp"), context)
-                                                  : std::u16string(u"Please make your selection:");
-    request.acceptButton = textAt(arguments, codeOf("okbt"), context);
-    request.cancelButton = textAt(arguments, codeOf("cnbt"), context);
-    request.allowsSeveral = flagAt(arguments, codeOf("mlsl"), context);
-    request.allowsNone = flagAt(arguments, codeOf("empL"), context);
-    if (Value const* const chosen = arguments.find(codeOf("inSL"))) {
+    request.title = textAt(arguments, codes::TitleParameter, context);
+    request.text = arguments.find(codes::PromptParameter) ? textAt(arguments, codes::PromptParameter, context)
+                                                          : std::u16string(u"Please make your selection:");
+    request.acceptButton = textAt(arguments, parameters::OKButtonName, context);
+    request.cancelButton = textAt(arguments, parameters::CancelButtonName, context);
+    request.allowsSeveral = flagAt(arguments, codes::SeveralParameter, context);
+    request.allowsNone = flagAt(arguments, parameters::EmptySelectionAllowed, context);
+    if (Value const* const chosen = arguments.find(parameters::DefaultItems)) {
         for (std::u16string const& text : textsIn(*chosen, context)) {
             auto const found = std::ranges::find(request.items, text);
             if (found != request.items.end())
@@ -82,11 +83,11 @@ Value chooseURL(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/)
 Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
     ListRequest request;
-    request.title = arguments.find(codeOf("appr")) ? textAt(arguments, codeOf("appr"), context)
-                                                   : std::u16string(u"Choose Application");
-    request.text = arguments.find(codeOf("prmp")) ? textAt(arguments, codeOf("prmp"), context)
-                                                  : std::u16string(u"Select an application:");
-    request.allowsSeveral = flagAt(arguments, codeOf("mlsl"), context);
+    request.title = arguments.find(codes::TitleParameter) ? textAt(arguments, codes::TitleParameter, context)
+                                                          : std::u16string(u"Choose Application");
+    request.text = arguments.find(codes::PromptParameter) ? textAt(arguments, codes::PromptParameter, context)
+                                                          : std::u16string(u"Select an application:");
+    request.allowsSeveral = flagAt(arguments, codes::SeveralParameter, context);
     UserInterface& interface = requireInterface();
     for (InstalledProgram const& program : installedPrograms())
         request.items.push_back(program.name);
@@ -94,7 +95,7 @@ Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments)
     request.items.erase(std::unique(request.items.begin(), request.items.end()), request.items.end());
     std::optional<std::vector<std::size_t>> const chosen = interface.chooseFromList(request);
     if (!chosen || chosen->empty()) throw plainError(errors::UserCanceled);
-    Value const* const type = arguments.find(codeOf("rtyp"));
+    Value const* const type = arguments.find(codes::RequestedTypeParameter);
     bool const isAlias = type && type->is(ValueKind::Type) && type->asCode() == codes::AliasType;
     std::vector<Value> answers;
     for (std::size_t const index : *chosen) {
@@ -112,7 +113,7 @@ Value chooseApplication(Evaluator& evaluator, CommandArguments const& arguments)
 Value chooseColor(Evaluator& evaluator, CommandArguments const& arguments) {
     constexpr std::int32_t most = 65535;
     ColorComponents color{};
-    if (Value const* const given = arguments.find(codeOf("dcol"))) {
+    if (Value const* const given = arguments.find(parameters::DefaultColor)) {
         Value const list = requireType(*given, codes::ListType, evaluator.context());
         if (list.items().size() != color.size()) throw plainError(errors::Parameter);
         for (std::size_t index = 0; index < color.size(); ++index)

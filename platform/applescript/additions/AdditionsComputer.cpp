@@ -1,3 +1,4 @@
+#include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/ElementAccess.h"
@@ -106,23 +107,23 @@ Value systemInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/
         static_cast<double>(::sysconf(_SC_PHYS_PAGES)) * static_cast<double>(::sysconf(_SC_PAGESIZE)) / mebibyte;
     std::string const speed = processorField("cpu MHz");
     return Value::record({
-        {keyOf(codeOf("siav")), Value::text(u"2.8")},
-        {keyOf(codeOf("sisv")), textOfName(valueInFile("/etc/os-release", "VERSION_ID"))},
-        {keyOf(codeOf("sisn")), textOfName(nameOfUser(::getuid()).value_or(""))},
-        {keyOf(codeOf("siln")), textOfName(fullUserName())},
-        {keyOf(codeOf("siid")), Value::number(static_cast<double>(::getuid()))},
-        {keyOf(codeOf("siul")), textOfName(userLocale())},
-        {keyOf(codeOf("sihd")), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,
-                                                       std::u16string(NSHomeDirectory().codeUnits()))},
-        {keyOf(codeOf("sibv")), Value::text(startupVolumeName())},
-        {keyOf(codeOf("sicn")), textOfName(host.data())},
-        {keyOf(codeOf("ldsa")), textOfName(host.data())},
-        {keyOf(codeOf("siip")), textOfName(address)},
-        {keyOf(codeOf("siea")), textOfName(hardware)},
-        {keyOf(codeOf("sict")), textOfName(system.machine)},
-        {keyOf(codeOf("sics")),
+        {keyOf(keys::AppleScriptVersion), Value::text(u"2.8")},
+        {keyOf(keys::SystemVersion), textOfName(valueInFile("/etc/os-release", "VERSION_ID"))},
+        {keyOf(keys::ShortUserName), textOfName(nameOfUser(::getuid()).value_or(""))},
+        {keyOf(keys::LongUserName), textOfName(fullUserName())},
+        {keyOf(keys::UserID), Value::number(static_cast<double>(::getuid()))},
+        {keyOf(keys::UserLocale), textOfName(userLocale())},
+        {keyOf(keys::HomeDirectory), makeObject<FileObject>(ValueKind::File, FileObject::Kind::PosixFile,
+                                                            std::u16string(NSHomeDirectory().codeUnits()))},
+        {keyOf(keys::BootVolume), Value::text(startupVolumeName())},
+        {keyOf(keys::ComputerName), textOfName(host.data())},
+        {keyOf(keys::HostName), textOfName(host.data())},
+        {keyOf(keys::IPv4Address), textOfName(address)},
+        {keyOf(keys::PrimaryEthernetAddress), textOfName(hardware)},
+        {keyOf(keys::CPUType), textOfName(system.machine)},
+        {keyOf(keys::CPUSpeed),
          speed.empty() ? Value::missing() : Value::number(static_cast<double>(std::atol(speed.c_str())))},
-        {keyOf(codeOf("sipm")), Value::number(static_cast<double>(static_cast<std::int64_t>(memory)))},
+        {keyOf(keys::PhysicalMemory), Value::number(static_cast<double>(static_cast<std::int64_t>(memory)))},
     });
 }
 

@@ -1,6 +1,8 @@
+#include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/foundation/Encodings.h"
@@ -73,9 +75,9 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
     };
     if (hasSize) fields.emplace_back(keyOf(codes::Size), ofItem(codes::Size));
     fields.insert(fields.end(), {
-                                    {keyOf(codeOf("asdr")), Value::boolean(item->isFolder())},
+                                    {keyOf(codes::IsFolder), Value::boolean(item->isFolder())},
                                     {keyOf(codes::AliasType), Value::boolean(false)},
-                                    {keyOf(codeOf("ispk")), Value::boolean(item->isFolder() && isPackage)},
+                                    {keyOf(keys::PackageFolder), Value::boolean(item->isFolder() && isPackage)},
                                     {keyOf(codes::Visible), Value::boolean(!name.starts_with(u'.'))},
                                     {keyOf(codes::ExtensionHidden), ofItem(codes::ExtensionHidden)},
                                     {keyOf(codes::NameExtension),
@@ -83,16 +85,16 @@ Value infoFor(Evaluator& evaluator, CommandArguments const& arguments) {
                                     {keyOf(codes::DisplayedName), ofItem(codes::DisplayedName)},
                                     {keyOf(codes::Kind), ofItem(codes::Kind)},
                                     {keyOf(codes::Locked), ofItem(codes::Locked)},
-                                    {keyOf(codeOf("utid")), typeIdentifier(*item)},
+                                    {keyOf(keys::TypeIdentifier), typeIdentifier(*item)},
                                     {keyOf(codes::FileType), ofItem(codes::FileType)},
-                                    {keyOf(codeOf("asct")), ofItem(codes::Creator)},
+                                    {keyOf(keys::FileCreator), ofItem(codes::Creator)},
                                 });
     if (!isPackage) return Value::record(std::move(fields));
     NSDictionary const information = bundleInformation(item->path());
     fields.emplace_back(keyOf(codes::BundleIdentifier), textIn(information, "CFBundleIdentifier"));
     fields.emplace_back(keyOf(codes::ShortName), textIn(information, "CFBundleName"));
-    fields.emplace_back(keyOf(codeOf("assv")), textIn(information, "CFBundleShortVersionString"));
-    fields.emplace_back(keyOf(codeOf("aslv")), textIn(information, "CFBundleGetInfoString"));
+    fields.emplace_back(keyOf(keys::ShortVersion), textIn(information, "CFBundleShortVersionString"));
+    fields.emplace_back(keyOf(keys::LongVersion), textIn(information, "CFBundleGetInfoString"));
     return Value::record(std::move(fields));
 }
 
@@ -102,7 +104,7 @@ Value listFolder(Evaluator& evaluator, CommandArguments const& arguments) {
     Value const file = asFile(resolved(arguments.direct, evaluator.context()), path);
     Result<std::vector<std::string>> const listed = namesInFolder(bytesOfPath(path, file), LinkAtEnd::IsFollowed);
     if (!listed.hasValue()) throw fileNotFound(file);
-    Value const* const flag = arguments.find(codeOf("lfiv"));
+    Value const* const flag = arguments.find(codes::InvisiblesParameter);
     bool const showsHidden = !flag || requireBoolean(*flag, evaluator.context());
     std::vector<std::u16string> names;
     for (std::string const& name : listed.value())

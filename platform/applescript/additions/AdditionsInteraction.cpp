@@ -1,5 +1,8 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/foundation/Beep.h"
@@ -26,18 +29,18 @@ std::optional<std::size_t> buttonAt(CommandArguments const& arguments, Code code
 }
 
 double secondsAt(CommandArguments const& arguments, TextContext const& context) {
-    Value const* const seconds = arguments.find(codeOf("givu"));
+    Value const* const seconds = arguments.find(parameters::GivingUpAfter);
     return seconds ? std::max(requireReal(*seconds, context), 0.0) : 0;
 }
 
 DialogRequest::Icon iconOf(Value const* icon) {
     if (!icon || !icon->is(ValueKind::Constant)) return DialogRequest::Icon::None;
     switch (icon->asCode()) {
-    case codeOf("stop"):
-    case codeOf("criT"):
+    case constants::Stop:
+    case constants::Critical:
         return DialogRequest::Icon::Stop;
-    case codeOf("caut"):
-    case codeOf("warN"):
+    case constants::Caution:
+    case constants::Warning:
         return DialogRequest::Icon::Caution;
     default:
         return DialogRequest::Icon::Note;
@@ -46,11 +49,11 @@ DialogRequest::Icon iconOf(Value const* icon) {
 
 void takeButtons(DialogRequest& request, CommandArguments const& arguments, TextContext const& context) {
     constexpr std::size_t mostButtons = 3;
-    if (Value const* const buttons = arguments.find(codeOf("btns"))) request.buttons = textsIn(*buttons, context);
+    if (Value const* const buttons = arguments.find(parameters::Buttons)) request.buttons = textsIn(*buttons, context);
     if (request.buttons.empty() || request.buttons.size() > mostButtons) throw plainError(errors::Parameter);
-    if (auto const chosen = buttonAt(arguments, codeOf("dflt"), request.buttons, context))
+    if (auto const chosen = buttonAt(arguments, parameters::DefaultButton, request.buttons, context))
         request.defaultButton = chosen;
-    if (auto const cancel = buttonAt(arguments, codeOf("cbtn"), request.buttons, context))
+    if (auto const cancel = buttonAt(arguments, parameters::CancelButton, request.buttons, context))
         request.cancelButton = cancel;
 }
 
@@ -60,10 +63,10 @@ Value answerOf(DialogRequest const& request, DialogOutcome const& outcome) {
     bool const isCanceled = outcome.button && outcome.button == request.cancelButton;
     if (isUnanswered || isCanceled) throw plainError(errors::UserCanceled);
     std::vector<std::pair<Symbol, Value>> fields;
-    fields.emplace_back(keyOf(codeOf("bhit")),
+    fields.emplace_back(keyOf(keys::ButtonReturned),
                         Value::text(outcome.button ? request.buttons.at(*outcome.button) : std::u16string()));
-    if (request.answer) fields.emplace_back(keyOf(codeOf("ttxt")), Value::text(outcome.answer));
-    if (request.seconds > 0) fields.emplace_back(keyOf(codeOf("gavu")), Value::boolean(outcome.isTimeOver));
+    if (request.answer) fields.emplace_back(keyOf(keys::TextReturned), Value::text(outcome.answer));
+    if (request.seconds > 0) fields.emplace_back(keyOf(keys::GaveUp), Value::boolean(outcome.isTimeOver));
     return Value::record(std::move(fields));
 }
 
@@ -73,14 +76,15 @@ Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
     DialogRequest request;
     request.text = requireText(arguments.direct, context);
-    request.title = textAt(arguments, codeOf("appr"), context);
-    request.icon = iconOf(arguments.find(codeOf("disp")));
+    request.title = textAt(arguments, codes::TitleParameter, context);
+    request.icon = iconOf(arguments.find(parameters::WithIcon));
     request.seconds = secondsAt(arguments, context);
-    if (Value const* const answer = arguments.find(codeOf("dtxt"))) request.answer = requireText(*answer, context);
-    request.hidesAnswer = flagAt(arguments, codeOf("htxt"), context);
+    if (Value const* const answer = arguments.find(parameters::DefaultAnswer))
+        request.answer = requireText(*answer, context);
+    request.hidesAnswer = flagAt(arguments, parameters::HiddenAnswer, context);
     request.buttons = {u"Cancel", u"OK"};
     takeButtons(request, arguments, context);
-    if (!arguments.find(codeOf("btns")) && !request.defaultButton) request.defaultButton = 1;
+    if (!arguments.find(parameters::Buttons) && !request.defaultButton) request.defaultButton = 1;
     auto const cancel = std::ranges::find(request.buttons, std::u16string(u"Cancel"));
     if (!request.cancelButton && cancel != request.buttons.end())
         request.cancelButton = static_cast<std::size_t>(cancel - request.buttons.begin());
@@ -91,8 +95,8 @@ Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
     DialogRequest request;
     request.text = requireText(arguments.direct, context);
-    request.details = textAt(arguments, codeOf("mesS"), context);
-    request.icon = iconOf(arguments.find(codeOf("as A")));
+    request.details = textAt(arguments, parameters::Message, context);
+    request.icon = iconOf(arguments.find(parameters::AsAlert));
     request.seconds = secondsAt(arguments, context);
     request.buttons = {u"OK"};
     takeButtons(request, arguments, context);
@@ -103,9 +107,9 @@ Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments) {
 Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
     std::u16string text = arguments.direct.isNothing() ? std::u16string() : requireText(arguments.direct, context);
-    std::u16string const subtitle = textAt(arguments, codeOf("subt"), context);
+    std::u16string const subtitle = textAt(arguments, parameters::Subtitle, context);
     if (!subtitle.empty()) text = subtitle + u"\n" + text;
-    requireInterface().notify(textAt(arguments, codeOf("appr"), context), text);
+    requireInterface().notify(textAt(arguments, codes::TitleParameter, context), text);
     return {};
 }
 
@@ -119,7 +123,7 @@ Value beep(Evaluator& evaluator, CommandArguments const& arguments) {
 
 Value theClipboard(Evaluator& evaluator, CommandArguments const& arguments) {
     Value const text = Value::text(requireInterface().clipboardText());
-    Value const* const type = arguments.find(codeOf("rtyp"));
+    Value const* const type = arguments.find(codes::RequestedTypeParameter);
     return type && type->is(ValueKind::Type) ? requireType(text, type->asCode(), evaluator.context()) : text;
 }
 
@@ -134,8 +138,8 @@ Value setTheClipboard(Evaluator& evaluator, CommandArguments const& arguments) {
 Value clipboardInfo(Evaluator& /*evaluator*/, CommandArguments const& /*arguments*/) {
     std::size_t const count = requireInterface().clipboardText().size();
     if (count == 0) return Value::list();
-    return Value::list(
-        {Value::list({Value::type(codeOf("utxt")), Value::number(static_cast<double>(count * sizeof(char16_t)))})});
+    return Value::list({Value::list(
+        {Value::type(codes::UnicodeTextType), Value::number(static_cast<double>(count * sizeof(char16_t)))})});
 }
 
 } // namespace mac::applescript::additions

@@ -1,3 +1,5 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/StoredValues.h"
 #include "platform/applescript/language/Codes.h"
@@ -105,7 +107,7 @@ std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end,
     return bytes;
 }
 
-bool isWide(Code type) { return type == codeOf("utxt") || type == codeOf("ut16"); }
+bool isWide(Code type) { return type == codes::UnicodeTextType || type == constants::UTF16Text; }
 
 // As the byte order mark at the file's beginning says, else as this computer writes it. The text begins with a mark at
 // the beginning alone.
@@ -200,7 +202,7 @@ Value openForAccess(Evaluator& evaluator, CommandArguments const& arguments) {
     if (evaluator.state().files.withPath(path))
         throw aboutFile(errors::FileAlreadyOpen, resolved(arguments.direct, evaluator.context()), path,
                         u" is already open.");
-    Value const* const permission = arguments.find(codeOf("perm"));
+    Value const* const permission = arguments.find(parameters::WritePermission);
     bool const maySave = permission && requireBoolean(*permission, evaluator.context());
     // A file that is not there is made either way.
     File file =
@@ -231,18 +233,18 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
         std::int64_t const number = requireInteger(index, context);
         return number < 0 ? size + number + 1 : number;
     };
-    Value const* const from = arguments.find(codeOf("rdfm"));
-    Value const* const to = arguments.find(codeOf("rdto"));
-    Value const* const count = arguments.find(codeOf("rdfr"));
+    Value const* const from = arguments.find(parameters::FromByte);
+    Value const* const to = arguments.find(parameters::ToByte);
+    Value const* const count = arguments.find(parameters::ForCount);
     std::int64_t const start = from ? std::max<std::int64_t>(place(*from) - 1, 0) : file->place;
     std::int64_t end = to ? place(*to) : count ? start + requireInteger(*count, context) : size;
     end = std::min(end, size);
     if (start >= size && (size > 0 || from)) throw plainError(errors::EndOfFile);
-    Value const* const type = arguments.find(codeOf("as  "));
-    Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codeOf("ctxt");
-    Value const* const delimiters = arguments.find(codeOf("deli"));
-    Value const* const before = arguments.find(codeOf("rdbf"));
-    Value const* const until = arguments.find(codeOf("rdut"));
+    Value const* const type = arguments.find(parameters::AsInFile);
+    Code const code = type && type->is(ValueKind::Type) ? type->asCode() : codes::TextType;
+    Value const* const delimiters = arguments.find(parameters::UsingDelimiters);
+    Value const* const before = arguments.find(parameters::Before);
+    Value const* const until = arguments.find(parameters::Until);
     if (isStoredClass(code) && !delimiters && !before && !until) {
         StoredValue const stored = storedValueAt(*file, start, end, code, context.mostUnits);
         file->place = start + static_cast<std::int64_t>(stored.size);
@@ -259,22 +261,22 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
         if (found != std::string::npos) bytes.resize(before ? found : found + mark.size());
     }
     file->place = start + static_cast<std::int64_t>(bytes.size());
-    if (code == codeOf("rdat")) return makeObject<DataObject>(ValueKind::Data, codeOf("rdat"), bytes);
+    if (code == codes::RawDataType) return makeObject<DataObject>(ValueKind::Data, codes::RawDataType, bytes);
     std::u16string const text = textOf(bytes, code, wideEncoding);
     if (delimiters) return splitText(text, *delimiters, context);
-    bool const isText = code == codeOf("ctxt") || code == codeOf("TEXT") || code == codeOf("utxt") ||
-                        code == codeOf("utf8") || code == codeOf("ut16");
+    bool const isText = code == codes::TextType || code == codes::StringType || code == codes::UnicodeTextType ||
+                        code == codeOf("utf8") || code == constants::UTF16Text;
     return isText ? Value::text(text) : requireType(Value::text(text), code, context);
 }
 
 Value write(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
-    Value const* const target = arguments.find(codeOf("refn"));
+    Value const* const target = arguments.find(parameters::ToFile);
     if (!target) throw missingParameter(u"to", u"write");
     FileInUse const file(evaluator, *target, O_RDWR | O_CREAT);
     if (!file->maySave) throw plainError(errors::NotOpenForWriting);
     std::int64_t place = file->place;
-    if (Value const* const start = arguments.find(codeOf("wrat"))) {
+    if (Value const* const start = arguments.find(parameters::StartingAt)) {
         std::int64_t const end = endOf(*file);
         if (start->is(ValueKind::Constant)) {
             place = end;
@@ -283,9 +285,9 @@ Value write(Evaluator& evaluator, CommandArguments const& arguments) {
             place = number < 0 ? end + number + 1 : std::max<std::int64_t>(number - 1, 0);
         }
     }
-    std::string bytes = bytesOfValue(resolved(arguments.direct, context), arguments.find(codeOf("as  ")),
+    std::string bytes = bytesOfValue(resolved(arguments.direct, context), arguments.find(parameters::AsInFile),
                                      wideEncodingAt(place, *file), context);
-    if (Value const* const count = arguments.find(codeOf("nmwr")))
+    if (Value const* const count = arguments.find(parameters::ForBytes))
         bytes.resize(std::min(bytes.size(), static_cast<std::size_t>(std::max(requireInteger(*count, context), 0))));
     writeAll(*file, bytes, place);
     file->place = place + static_cast<std::int64_t>(bytes.size());
@@ -298,7 +300,7 @@ Value getEnd(Evaluator& evaluator, CommandArguments const& arguments) {
 }
 
 Value setEnd(Evaluator& evaluator, CommandArguments const& arguments) {
-    Value const* const size = arguments.find(codeOf("set2"));
+    Value const* const size = arguments.find(parameters::ToEnd);
     if (!size) throw missingParameter(u"to", u"set eof");
     FileInUse const file(evaluator, arguments.direct, O_RDWR | O_CREAT);
     if (!file->maySave) throw plainError(errors::NotOpenForWriting);

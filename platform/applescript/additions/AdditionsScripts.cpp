@@ -1,3 +1,5 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/additions/StoredScript.h"
@@ -16,9 +18,9 @@ namespace mac::applescript::additions {
 
 namespace {
 
-constexpr Code IsReplaced = codeOf("yes ");
-constexpr Code IsKept = codeOf("no  ");
-constexpr Code PersonIsAsked = codeOf("ask ");
+constexpr Code IsReplaced = constants::Yes;
+constexpr Code IsKept = constants::No;
+constexpr Code PersonIsAsked = constants::Ask;
 
 // A file of scripts as the script names it.
 struct ScriptFile {
@@ -118,13 +120,13 @@ Value storeScript(Evaluator& evaluator, CommandArguments const& arguments) {
     Value const given = arguments.direct.isNothing() ? evaluator.currentScript() : resolved(arguments.direct, context);
     if (!given.is(ValueKind::Script)) throw cannotMake(given, codeOf("scpt"));
     // Only a person could choose a file.
-    Value const* const in = arguments.find(codeOf("fpth"));
+    Value const* const in = arguments.find(parameters::In);
     if (!in) throw plainError(errors::NoUserInteraction);
     ScriptFile const file = scriptFileNamed(*in, context);
     std::u16string const source = sourceOfScript(given.script());
     std::string const bytes = storedScript(source);
     parsedWithinScript(source);
-    FileReplacement const replacement = replacementOf(file, arguments.find(codeOf("savo")));
+    FileReplacement const replacement = replacementOf(file, arguments.find(parameters::Replacing));
     Result<void> const written = replaceFileAtPath(file.bytes, std::as_bytes(std::span(bytes)), replacement);
     if (!written.isDone()) throw errorAbout(written.problem(), file);
     return {};

@@ -1,4 +1,6 @@
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ShellCommand.h"
 #include "platform/foundation/Encodings.h"
@@ -137,12 +139,12 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
     };
     if (arguments.direct.isNothing()) throw missingParameter(u"direct", u"do shell script");
     std::u16string const source = requireText(arguments.direct, context);
-    bool const givesPassword = arguments.find(codeOf("RAun")) || arguments.find(codeOf("RApw"));
+    bool const givesPassword = arguments.find(parameters::UserName) || arguments.find(parameters::Password);
     // Linux: it would have to pass through a command line or a terminal, where others can see it.
     if (givesPassword) throw ScriptError{.number = errors::PrivilegeViolation, .message = std::u16string(NoPassword)};
     std::optional<std::string> const command = fileSystemBytesFromUnits(source);
     if (!command && !source.empty()) throw plainError(errors::Parameter);
-    CommandResult const result = isTrue(codeOf("badm"), false)
+    CommandResult const result = isTrue(parameters::AdministratorPrivileges, false)
                                      ? privilegedResultOf(command.value_or(std::string()), context.mostUnits)
                                      : resultOf(command.value_or(std::string()), context.mostUnits);
     if (result.status != 0) {
@@ -151,8 +153,8 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments) {
         throw ScriptError{.number = result.status, .message = std::move(message)};
     }
     std::u16string text = textOfBytes(result.output);
-    if (isTrue(codeOf("alen"), true)) text = withAlteredLineEnds(std::move(text));
-    Value const* const type = arguments.find(codeOf("rtyp"));
+    if (isTrue(parameters::AlteringLineEndings, true)) text = withAlteredLineEnds(std::move(text));
+    Value const* const type = arguments.find(codes::RequestedTypeParameter);
     Value const output = Value::text(std::move(text));
     return type && type->is(ValueKind::Type) ? requireType(output, type->asCode(), context) : output;
 }

@@ -1,3 +1,5 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/Coercion.h"
@@ -90,11 +92,11 @@ void addOption(std::vector<std::string>& words, char const* option, Value const*
 // From 0 to 7, or each volume from 0 to 100.
 Value setVolume(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
-    Value const* const output = arguments.find(codeOf("ouvl"));
-    Value const* const input = arguments.find(codeOf("invl"));
-    Value const* const muted = arguments.find(codeOf("mute"));
+    Value const* const output = arguments.find(keys::OutputVolume);
+    Value const* const input = arguments.find(keys::InputVolume);
+    Value const* const muted = arguments.find(keys::OutputMuted);
     // Linux: alerts have no volume of their own.
-    if (arguments.find(codeOf("alvl"))) throw missingProgram(u"The alert volume cannot be set on this system.");
+    if (arguments.find(keys::AlertVolume)) throw missingProgram(u"The alert volume cannot be set on this system.");
     bool const isGiven = output || input || muted || !arguments.direct.isNothing();
     if (!isGiven) throw missingParameter(u"output volume", u"set volume");
     std::string const program = soundProgram();
@@ -112,10 +114,10 @@ Value volumeSettings(Evaluator& /*evaluator*/, CommandArguments const& /*argumen
     std::string const program = soundProgram();
     bool const isMuted = soundAnswer(program, "get-sink-mute", Output).find("yes") != std::string::npos;
     return Value::record({
-        {keyOf(codeOf("ouvl")), percentage(soundAnswer(program, "get-sink-volume", Output))},
-        {keyOf(codeOf("invl")), percentage(soundAnswer(program, "get-source-volume", Input))},
-        {keyOf(codeOf("alvl")), Value::missing()},
-        {keyOf(codeOf("mute")), Value::boolean(isMuted)},
+        {keyOf(keys::OutputVolume), percentage(soundAnswer(program, "get-sink-volume", Output))},
+        {keyOf(keys::InputVolume), percentage(soundAnswer(program, "get-source-volume", Input))},
+        {keyOf(keys::AlertVolume), Value::missing()},
+        {keyOf(keys::OutputMuted), Value::boolean(isMuted)},
     });
 }
 
@@ -125,19 +127,19 @@ Value say(Evaluator& evaluator, CommandArguments const& arguments) {
     if (arguments.direct.isNothing()) throw missingParameter(u"direct", u"say");
     std::string const text = utf8FromUnits(requireText(arguments.direct, context));
     std::vector<std::string> words{speechProgram()};
-    if (Value const* const voice = arguments.find(codeOf("VOIC")))
+    if (Value const* const voice = arguments.find(parameters::Using))
         words.insert(words.end(), {"-v", utf8FromUnits(requireText(*voice, context))});
     constexpr double fullAmplitude = 100;
-    addOption(words, "-s", arguments.find(codeOf("RATE")), 1, context);
-    addOption(words, "-p", arguments.find(codeOf("PTCH")), 1, context);
-    addOption(words, "-a", arguments.find(codeOf("VOLU")), fullAmplitude, context);
-    if (Value const* const file = arguments.find(codeOf("stof"))) {
+    addOption(words, "-s", arguments.find(parameters::SpeakingRate), 1, context);
+    addOption(words, "-p", arguments.find(parameters::Pitch), 1, context);
+    addOption(words, "-a", arguments.find(parameters::Volume), fullAmplitude, context);
+    if (Value const* const file = arguments.find(parameters::SavingTo)) {
         std::optional<std::string> const path = fileSystemBytesFromUnits(requirePath(*file, context));
         if (!path) throw fileNotFound(*file);
         words.insert(words.end(), {"-w", *path});
     }
     words.insert(words.end(), {"--", text});
-    Value const* const waits = arguments.find(codeOf("wfsp"));
+    Value const* const waits = arguments.find(parameters::WaitingUntilCompletion);
     if (waits && !requireBoolean(*waits, context)) {
         if (!startDetached(words.front(), words).hasValue()) throw plainError(errors::OutOfMemory);
         return {};

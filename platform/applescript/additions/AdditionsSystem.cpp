@@ -1,3 +1,5 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/StandardFolders.h"
@@ -52,15 +54,15 @@ void makeFolder(std::string const& path) {
 }
 
 FolderDomain domainIn(CommandArguments const& arguments) {
-    Value const* const given = arguments.find(codeOf("from"));
+    Value const* const given = arguments.find(parameters::From);
     if (!given) return FolderDomain::User;
     if (!given->is(ValueKind::Constant)) throw cannotMake(*given, codes::ConstantType);
     switch (given->asCode()) {
-    case codeOf("fldu"):
+    case constants::UserDomain:
         return FolderDomain::User;
-    case codeOf("fldl"):
+    case constants::LocalDomain:
         return FolderDomain::Local;
-    case codeOf("flds"):
+    case constants::SystemDomain:
         return FolderDomain::System;
     default:
         // Linux: no folders come from a network domain.
@@ -89,10 +91,10 @@ std::u16string pathOfApplication(ApplicationObject const& application) {
 // Empty for what is no program.
 std::u16string pathOfProgram(Code code) {
     switch (code) {
-    case codeOf("me  "):
-    case codeOf("cura"):
+    case constants::Me:
+    case constants::CurrentApplication:
         return pathOfThisProgram();
-    case codeOf("egfp"):
+    case constants::FrontmostApplication:
         return pathOfFrontApplication();
     default:
         return {};
@@ -141,8 +143,8 @@ Value delay(Evaluator& evaluator, CommandArguments const& arguments) {
 Value runScript(Evaluator& evaluator, CommandArguments const& arguments) {
     requireStackRoom();
     Value const script = resolved(arguments.direct, evaluator.context());
-    Value const* const given = arguments.find(codeOf("plst"));
-    Value const list = given ? requireType(*given, codeOf("list"), evaluator.context()) : Value::list();
+    Value const* const given = arguments.find(parameters::WithParameters);
+    Value const list = given ? requireType(*given, codes::ListType, evaluator.context()) : Value::list();
     std::vector<Value> const parameters(list.items().begin(), list.items().end());
     if (script.is(ValueKind::Script)) return evaluator.runScript(script.script(), parameters);
     std::u16string const source = requireText(script, evaluator.context());
@@ -179,7 +181,7 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     bool const isCurrent = named.is(ValueKind::CurrentApplication);
     if (!isApplication && !isCurrent && !named.is(ValueKind::Constant)) throw cannotMake(named, codes::ConstantType);
     FolderDomain const domain = domainIn(arguments);
-    Value const* const makesFolder = arguments.find(codeOf("crfl"));
+    Value const* const makesFolder = arguments.find(parameters::FolderCreation);
     std::u16string path = isApplication ? pathOfApplication(named.application())
                           : isCurrent   ? pathOfThisProgram()
                                         : pathOfProgram(named.asCode());
@@ -193,7 +195,7 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     std::optional<std::string> const bytes = fileSystemBytesFromUnits(path);
     if (mayMake && bytes && !existsAt(path)) makeFolder(*bytes);
     Value const folder = makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, path);
-    Value const* const type = arguments.find(codeOf("rtyp"));
+    Value const* const type = arguments.find(codes::RequestedTypeParameter);
     bool const isText = type && type->is(ValueKind::Type) && type->asCode() != codes::AliasType;
     if (!existsAt(path)) throw fileNotFound(folder);
     return isText ? requireType(folder, type->asCode(), evaluator.context()) : folder;

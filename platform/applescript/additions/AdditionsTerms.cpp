@@ -1,27 +1,31 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
+#include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/applications/StandardFolders.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Terminology.h"
+#include <algorithm>
 #include <array>
 
-// The standard additions' terms: name, event and parameters of each command, and the keys of the records they answer.
+// The standard additions: name, event, parameters and function of each command.
 
 namespace mac::applescript {
 
 namespace {
 
 constexpr auto RoundingWays = std::to_array<Enumerator>({
-    {u"up", codeOf("roup")},
-    {u"down", codeOf("rodn")},
-    {u"toward zero", codeOf("rozr")},
-    {u"to nearest", codeOf("rone")},
-    {u"as taught in school", codeOf("rosc")},
+    {u"up", additions::constants::Up},
+    {u"down", additions::constants::Down},
+    {u"toward zero", additions::constants::TowardZero},
+    {u"to nearest", additions::constants::ToNearest},
+    {u"as taught in school", additions::constants::AsTaughtInSchool},
 });
 
 constexpr auto Domains = std::to_array<Enumerator>({
-    {u"system domain", codeOf("flds")},
-    {u"local domain", codeOf("fldl")},
+    {u"system domain", additions::constants::SystemDomain},
+    {u"local domain", additions::constants::LocalDomain},
     {u"network domain", codeOf("fldn")},
-    {u"user domain", codeOf("fldu")},
+    {u"user domain", additions::constants::UserDomain},
 });
 
 constexpr auto Folders = std::to_array<Enumerator>({
@@ -49,249 +53,296 @@ constexpr auto Folders = std::to_array<Enumerator>({
     {u"users folder", folders::Users},
     {u"utilities folder", folders::Utilities},
     {u"current user folder", folders::Home},
-    {u"frontmost application", codeOf("egfp")},
-    {u"me", codeOf("me  ")},
-    {u"current application", codeOf("cura")},
+    {u"frontmost application", additions::constants::FrontmostApplication},
+    {u"me", additions::constants::Me},
+    {u"current application", additions::constants::CurrentApplication},
 });
 
 constexpr auto EndOfFile = std::to_array<Enumerator>({{u"eof", codeOf("eof ")}});
-constexpr auto DialogIcons =
-    std::to_array<Enumerator>({{u"stop", codeOf("stop")}, {u"note", codeOf("note")}, {u"caution", codeOf("caut")}});
-constexpr auto AlertKinds = std::to_array<Enumerator>(
-    {{u"critical", codeOf("criT")}, {u"informational", codeOf("infA")}, {u"warning", codeOf("warN")}});
+constexpr auto DialogIcons = std::to_array<Enumerator>(
+    {{u"stop", additions::constants::Stop}, {u"note", codeOf("note")}, {u"caution", additions::constants::Caution}});
+constexpr auto AlertKinds = std::to_array<Enumerator>({{u"critical", additions::constants::Critical},
+                                                       {u"informational", codeOf("infA")},
+                                                       {u"warning", additions::constants::Warning}});
 
 constexpr auto Offset = std::to_array<CommandParameter>(
-    {{.label = u"of", .code = codeOf("psof")}, {.label = u"in", .code = codeOf("psin")}});
-constexpr auto Round =
-    std::to_array<CommandParameter>({{.label = u"rounding", .code = codeOf("dire"), .enumerators = RoundingWays}});
+    {{.label = u"of", .code = additions::parameters::OfText}, {.label = u"in", .code = additions::parameters::InText}});
+constexpr auto Round = std::to_array<CommandParameter>(
+    {{.label = u"rounding", .code = additions::parameters::Rounding, .enumerators = RoundingWays}});
 constexpr auto RandomNumber = std::to_array<CommandParameter>({
-    {.label = u"from", .code = codeOf("from")},
-    {.label = u"to", .code = codeOf("to  ")},
-    {.label = u"with seed", .code = codeOf("seed")},
+    {.label = u"from", .code = additions::parameters::From},
+    {.label = u"to", .code = codes::ToParameter},
+    {.label = u"with seed", .code = additions::parameters::WithSeed},
 });
 constexpr auto PathTo = std::to_array<CommandParameter>({
-    {.label = u"from", .code = codeOf("from"), .enumerators = Domains},
-    {.label = u"as", .code = codeOf("rtyp")},
-    {.label = u"folder creation", .code = codeOf("crfl"), .isBoolean = true},
+    {.label = u"from", .code = additions::parameters::From, .enumerators = Domains},
+    {.label = u"as", .code = codes::RequestedTypeParameter},
+    {.label = u"folder creation", .code = additions::parameters::FolderCreation, .isBoolean = true},
 });
 constexpr auto ShellScript = std::to_array<CommandParameter>({
-    {.label = u"as", .code = codeOf("rtyp")},
-    {.label = u"administrator privileges", .code = codeOf("badm"), .isBoolean = true},
-    {.label = u"user name", .code = codeOf("RAun")},
-    {.label = u"password", .code = codeOf("RApw")},
-    {.label = u"with prompt", .code = codeOf("prmp")},
-    {.label = u"altering line endings", .code = codeOf("alen"), .isBoolean = true},
+    {.label = u"as", .code = codes::RequestedTypeParameter},
+    {.label = u"administrator privileges", .code = additions::parameters::AdministratorPrivileges, .isBoolean = true},
+    {.label = u"user name", .code = additions::parameters::UserName},
+    {.label = u"password", .code = additions::parameters::Password},
+    {.label = u"with prompt", .code = codes::PromptParameter},
+    {.label = u"altering line endings", .code = additions::parameters::AlteringLineEndings, .isBoolean = true},
 });
 constexpr auto InfoFor = std::to_array<CommandParameter>({{.label = u"size", .code = codes::Size, .isBoolean = true}});
 constexpr auto ListFolder =
-    std::to_array<CommandParameter>({{.label = u"invisibles", .code = codeOf("lfiv"), .isBoolean = true}});
-constexpr auto OpenForAccess =
-    std::to_array<CommandParameter>({{.label = u"write permission", .code = codeOf("perm"), .isBoolean = true}});
+    std::to_array<CommandParameter>({{.label = u"invisibles", .code = codes::InvisiblesParameter, .isBoolean = true}});
+constexpr auto OpenForAccess = std::to_array<CommandParameter>(
+    {{.label = u"write permission", .code = additions::parameters::WritePermission, .isBoolean = true}});
 constexpr auto Read = std::to_array<CommandParameter>({
-    {.label = u"from", .code = codeOf("rdfm")},
-    {.label = u"for", .code = codeOf("rdfr")},
-    {.label = u"to", .code = codeOf("rdto"), .enumerators = EndOfFile},
-    {.label = u"before", .code = codeOf("rdbf")},
-    {.label = u"until", .code = codeOf("rdut")},
-    {.label = u"using delimiters", .code = codeOf("deli")},
-    {.label = u"using delimiter", .code = codeOf("deli")},
-    {.label = u"as", .code = codeOf("as  ")},
+    {.label = u"from", .code = additions::parameters::FromByte},
+    {.label = u"for", .code = additions::parameters::ForCount},
+    {.label = u"to", .code = additions::parameters::ToByte, .enumerators = EndOfFile},
+    {.label = u"before", .code = additions::parameters::Before},
+    {.label = u"until", .code = additions::parameters::Until},
+    {.label = u"using delimiters", .code = additions::parameters::UsingDelimiters},
+    {.label = u"using delimiter", .code = additions::parameters::UsingDelimiters},
+    {.label = u"as", .code = additions::parameters::AsInFile},
 });
 constexpr auto Write = std::to_array<CommandParameter>({
-    {.label = u"to", .code = codeOf("refn")},
-    {.label = u"starting at", .code = codeOf("wrat"), .enumerators = EndOfFile},
-    {.label = u"for", .code = codeOf("nmwr")},
-    {.label = u"as", .code = codeOf("as  ")},
+    {.label = u"to", .code = additions::parameters::ToFile},
+    {.label = u"starting at", .code = additions::parameters::StartingAt, .enumerators = EndOfFile},
+    {.label = u"for", .code = additions::parameters::ForBytes},
+    {.label = u"as", .code = additions::parameters::AsInFile},
 });
-constexpr auto SetEnd = std::to_array<CommandParameter>({{.label = u"to", .code = codeOf("set2")}});
+constexpr auto SetEnd = std::to_array<CommandParameter>({{.label = u"to", .code = additions::parameters::ToEnd}});
 constexpr auto RunScript = std::to_array<CommandParameter>({
-    {.label = u"with parameters", .code = codeOf("plst")},
+    {.label = u"with parameters", .code = additions::parameters::WithParameters},
     {.label = u"in", .code = codeOf("dsct")},
 });
-constexpr auto ReplacingAnswers =
-    std::to_array<Enumerator>({{u"yes", codeOf("yes ")}, {u"no", codeOf("no  ")}, {u"ask", codeOf("ask ")}});
-constexpr auto StoreScript =
-    std::to_array<CommandParameter>({{.label = u"in", .code = codeOf("fpth")},
-                                     {.label = u"replacing", .code = codeOf("savo"), .enumerators = ReplacingAnswers}});
-constexpr auto Clipboard = std::to_array<CommandParameter>({{.label = u"as", .code = codeOf("rtyp")}});
+constexpr auto ReplacingAnswers = std::to_array<Enumerator>(
+    {{u"yes", additions::constants::Yes}, {u"no", additions::constants::No}, {u"ask", additions::constants::Ask}});
+constexpr auto StoreScript = std::to_array<CommandParameter>(
+    {{.label = u"in", .code = additions::parameters::In},
+     {.label = u"replacing", .code = additions::parameters::Replacing, .enumerators = ReplacingAnswers}});
+constexpr auto Clipboard = std::to_array<CommandParameter>({{.label = u"as", .code = codes::RequestedTypeParameter}});
 constexpr auto SystemAttribute = std::to_array<CommandParameter>({{.label = u"has", .code = codeOf("has ")}});
 constexpr auto LocalizedString = std::to_array<CommandParameter>(
     {{.label = u"from table", .code = codeOf("froT")}, {.label = u"in bundle", .code = codeOf("in B")}});
 constexpr auto Say = std::to_array<CommandParameter>({
-    {.label = u"using", .code = codeOf("VOIC")},
-    {.label = u"speaking rate", .code = codeOf("RATE")},
-    {.label = u"pitch", .code = codeOf("PTCH")},
-    {.label = u"volume", .code = codeOf("VOLU")},
-    {.label = u"saving to", .code = codeOf("stof")},
-    {.label = u"waiting until completion", .code = codeOf("wfsp"), .isBoolean = true},
+    {.label = u"using", .code = additions::parameters::Using},
+    {.label = u"speaking rate", .code = additions::parameters::SpeakingRate},
+    {.label = u"pitch", .code = additions::parameters::Pitch},
+    {.label = u"volume", .code = additions::parameters::Volume},
+    {.label = u"saving to", .code = additions::parameters::SavingTo},
+    {.label = u"waiting until completion", .code = additions::parameters::WaitingUntilCompletion, .isBoolean = true},
 });
 constexpr auto SetVolume = std::to_array<CommandParameter>({
-    {.label = u"output volume", .code = codeOf("ouvl")},
-    {.label = u"input volume", .code = codeOf("invl")},
-    {.label = u"alert volume", .code = codeOf("alvl")},
-    {.label = u"output muted", .code = codeOf("mute"), .isBoolean = true},
+    {.label = u"output volume", .code = additions::keys::OutputVolume},
+    {.label = u"input volume", .code = additions::keys::InputVolume},
+    {.label = u"alert volume", .code = additions::keys::AlertVolume},
+    {.label = u"output muted", .code = additions::keys::OutputMuted, .isBoolean = true},
 });
-constexpr auto ChooseColor = std::to_array<CommandParameter>({{.label = u"default color", .code = codeOf("dcol")}});
+constexpr auto ChooseColor =
+    std::to_array<CommandParameter>({{.label = u"default color", .code = additions::parameters::DefaultColor}});
 constexpr auto ChooseURL = std::to_array<CommandParameter>({
     {.label = u"showing", .code = codeOf("cusv")},
     {.label = u"editable URL", .code = codeOf("pedu"), .isBoolean = true},
 });
 constexpr auto ChooseApplication = std::to_array<CommandParameter>({
-    {.label = u"with title", .code = codeOf("appr")},
-    {.label = u"with prompt", .code = codeOf("prmp")},
-    {.label = u"multiple selections allowed", .code = codeOf("mlsl"), .isBoolean = true},
-    {.label = u"as", .code = codeOf("rtyp")},
+    {.label = u"with title", .code = codes::TitleParameter},
+    {.label = u"with prompt", .code = codes::PromptParameter},
+    {.label = u"multiple selections allowed", .code = codes::SeveralParameter, .isBoolean = true},
+    {.label = u"as", .code = codes::RequestedTypeParameter},
 });
 constexpr auto DisplayDialog = std::to_array<CommandParameter>({
-    {.label = u"default answer", .code = codeOf("dtxt")},
-    {.label = u"hidden answer", .code = codeOf("htxt"), .isBoolean = true},
-    {.label = u"buttons", .code = codeOf("btns")},
-    {.label = u"default button", .code = codeOf("dflt")},
-    {.label = u"cancel button", .code = codeOf("cbtn")},
-    {.label = u"with title", .code = codeOf("appr")},
-    {.label = u"with icon", .code = codeOf("disp"), .enumerators = DialogIcons},
-    {.label = u"giving up after", .code = codeOf("givu")},
+    {.label = u"default answer", .code = additions::parameters::DefaultAnswer},
+    {.label = u"hidden answer", .code = additions::parameters::HiddenAnswer, .isBoolean = true},
+    {.label = u"buttons", .code = additions::parameters::Buttons},
+    {.label = u"default button", .code = additions::parameters::DefaultButton},
+    {.label = u"cancel button", .code = additions::parameters::CancelButton},
+    {.label = u"with title", .code = codes::TitleParameter},
+    {.label = u"with icon", .code = additions::parameters::WithIcon, .enumerators = DialogIcons},
+    {.label = u"giving up after", .code = additions::parameters::GivingUpAfter},
 });
 constexpr auto DisplayAlert = std::to_array<CommandParameter>({
-    {.label = u"message", .code = codeOf("mesS")},
-    {.label = u"as", .code = codeOf("as A"), .enumerators = AlertKinds},
-    {.label = u"buttons", .code = codeOf("btns")},
-    {.label = u"default button", .code = codeOf("dflt")},
-    {.label = u"cancel button", .code = codeOf("cbtn")},
-    {.label = u"giving up after", .code = codeOf("givu")},
+    {.label = u"message", .code = additions::parameters::Message},
+    {.label = u"as", .code = additions::parameters::AsAlert, .enumerators = AlertKinds},
+    {.label = u"buttons", .code = additions::parameters::Buttons},
+    {.label = u"default button", .code = additions::parameters::DefaultButton},
+    {.label = u"cancel button", .code = additions::parameters::CancelButton},
+    {.label = u"giving up after", .code = additions::parameters::GivingUpAfter},
 });
 constexpr auto DisplayNotification = std::to_array<CommandParameter>({
-    {.label = u"with title", .code = codeOf("appr")},
-    {.label = u"subtitle", .code = codeOf("subt")},
+    {.label = u"with title", .code = codes::TitleParameter},
+    {.label = u"subtitle", .code = additions::parameters::Subtitle},
     {.label = u"sound name", .code = codeOf("nsou")},
 });
 constexpr auto Choose = std::to_array<CommandParameter>({
-    {.label = u"with prompt", .code = codeOf("prmp")},
-    {.label = u"with title", .code = codeOf("appr")},
-    {.label = u"of type", .code = codeOf("ftyp")},
-    {.label = u"default location", .code = codeOf("dflc")},
-    {.label = u"default name", .code = codeOf("dfnm")},
-    {.label = u"default items", .code = codeOf("inSL")},
-    {.label = u"OK button name", .code = codeOf("okbt")},
-    {.label = u"cancel button name", .code = codeOf("cnbt")},
-    {.label = u"invisibles", .code = codeOf("lfiv"), .isBoolean = true},
-    {.label = u"multiple selections allowed", .code = codeOf("mlsl"), .isBoolean = true},
-    {.label = u"empty selection allowed", .code = codeOf("empL"), .isBoolean = true},
+    {.label = u"with prompt", .code = codes::PromptParameter},
+    {.label = u"with title", .code = codes::TitleParameter},
+    {.label = u"of type", .code = additions::parameters::OfType},
+    {.label = u"default location", .code = additions::parameters::DefaultLocation},
+    {.label = u"default name", .code = additions::parameters::DefaultName},
+    {.label = u"default items", .code = additions::parameters::DefaultItems},
+    {.label = u"OK button name", .code = additions::parameters::OKButtonName},
+    {.label = u"cancel button name", .code = additions::parameters::CancelButtonName},
+    {.label = u"invisibles", .code = codes::InvisiblesParameter, .isBoolean = true},
+    {.label = u"multiple selections allowed", .code = codes::SeveralParameter, .isBoolean = true},
+    {.label = u"empty selection allowed", .code = additions::parameters::EmptySelectionAllowed, .isBoolean = true},
 });
 
 constexpr auto OptionalDirect = DirectParameter::Optional;
 constexpr auto RequiredDirect = DirectParameter::Required;
 
-constexpr auto AdditionCommands = std::to_array<CommandTerm>({
-    {.name = u"offset", .code = eventOf("sysooffs"), .parameters = Offset},
-    {.name = u"round", .code = eventOf("sysorond"), .direct = RequiredDirect, .parameters = Round},
-    {.name = u"random number", .code = eventOf("sysorand"), .direct = OptionalDirect, .parameters = RandomNumber},
-    {.name = u"current date", .code = eventOf("misccurd")},
-    {.name = u"time to GMT", .code = eventOf("sysogtmt")},
-    {.name = u"delay", .code = eventOf("sysodela"), .direct = OptionalDirect},
-    {.name = u"path to",
-     .code = eventOf("earsffdr"),
-     .direct = RequiredDirect,
-     .parameters = PathTo,
-     .enumerators = Folders},
-    {.name = u"do shell script", .code = eventOf("sysoexec"), .direct = OptionalDirect, .parameters = ShellScript},
-    {.name = u"info for", .code = eventOf("sysonfo4"), .direct = RequiredDirect, .parameters = InfoFor},
-    {.name = u"list folder", .code = eventOf("earslfdr"), .direct = RequiredDirect, .parameters = ListFolder},
-    {.name = u"list disks", .code = eventOf("earslvol")},
-    {.name = u"open for access", .code = eventOf("rdwropen"), .direct = RequiredDirect, .parameters = OpenForAccess},
-    {.name = u"close access", .code = eventOf("rdwrclos"), .direct = RequiredDirect},
-    {.name = u"read", .code = eventOf("rdwrread"), .direct = RequiredDirect, .parameters = Read},
-    {.name = u"write", .code = eventOf("rdwrwrit"), .direct = RequiredDirect, .parameters = Write},
-    {.name = u"get eof", .code = eventOf("rdwrgeof"), .direct = RequiredDirect},
-    {.name = u"set eof", .code = eventOf("rdwrseof"), .direct = RequiredDirect, .parameters = SetEnd},
-    {.name = u"run script", .code = eventOf("sysodsct"), .direct = RequiredDirect, .parameters = RunScript},
-    {.name = u"load script", .code = eventOf("sysoload"), .direct = RequiredDirect},
-    {.name = u"store script", .code = eventOf("sysostor"), .direct = OptionalDirect, .parameters = StoreScript},
-    {.name = u"system attribute", .code = eventOf("fndrgstl"), .direct = OptionalDirect, .parameters = SystemAttribute},
-    {.name = u"system info", .code = eventOf("sysosigt")},
-    {.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = RequiredDirect},
-    {.name = u"ASCII number", .code = eventOf("sysocton"), .direct = RequiredDirect},
-    {.name = u"localized string", .code = eventOf("sysolstr"), .direct = RequiredDirect, .parameters = LocalizedString},
-    {.name = u"open location", .code = eventOf("GURLGURL"), .direct = OptionalDirect},
-    {.name = u"beep", .code = eventOf("sysobeep"), .direct = OptionalDirect},
-    {.name = u"say", .code = eventOf("sysottos"), .direct = RequiredDirect, .parameters = Say},
-    {.name = u"the clipboard", .code = eventOf("JonsgClp"), .parameters = Clipboard},
-    {.name = u"set the clipboard to", .code = eventOf("JonspClp"), .direct = RequiredDirect},
-    {.name = u"clipboard info", .code = eventOf("JonsiClp")},
-    {.name = u"display dialog", .code = eventOf("sysodlog"), .direct = RequiredDirect, .parameters = DisplayDialog},
-    {.name = u"display alert", .code = eventOf("sysodisA"), .direct = RequiredDirect, .parameters = DisplayAlert},
-    {.name = u"display notification",
-     .code = eventOf("sysonotf"),
-     .direct = OptionalDirect,
-     .parameters = DisplayNotification},
-    {.name = u"choose file", .code = eventOf("sysostdf"), .direct = OptionalDirect, .parameters = Choose},
-    {.name = u"choose folder", .code = eventOf("sysostfl"), .direct = OptionalDirect, .parameters = Choose},
-    {.name = u"choose file name", .code = eventOf("sysonwfl"), .direct = OptionalDirect, .parameters = Choose},
-    {.name = u"choose color", .code = eventOf("sysochcl"), .parameters = ChooseColor},
-    {.name = u"choose URL", .code = eventOf("sysochur"), .parameters = ChooseURL},
-    {.name = u"choose application", .code = eventOf("sysoppcb"), .parameters = ChooseApplication},
-    {.name = u"set volume", .code = eventOf("aevtstvl"), .direct = OptionalDirect, .parameters = SetVolume},
-    {.name = u"get volume settings", .code = eventOf("sysogtvl")},
-    {.name = u"choose from list", .code = eventOf("gtqpchlt"), .direct = RequiredDirect, .parameters = Choose},
-});
+// Whether a command reads or changes more than the script's own values; it is refused to a script that may only
+// compute.
+enum class Effects { None, OnComputer };
+using enum Effects;
 
-struct KeyRow {
-    std::u16string_view name;
-    Code code;
+struct AdditionRow {
+    CommandTerm term;
+    // Every command has one: a term without a function would be understood and then fail.
+    Addition perform;
+    Effects effects;
 };
 
-constexpr auto Keys = std::to_array<KeyRow>({
-    {u"displayed name", codes::DisplayedName},
-    {u"short name", codes::ShortName},
-    {u"name extension", codes::NameExtension},
-    {u"bundle identifier", codes::BundleIdentifier},
-    {u"type identifier", codeOf("utid")},
-    {u"kind", codes::Kind},
-    {u"creation date", codes::CreationDate},
-    {u"modification date", codes::ModificationDate},
-    {u"file type", codes::FileType},
-    {u"file creator", codeOf("asct")},
-    {u"short version", codeOf("assv")},
-    {u"long version", codeOf("aslv")},
-    {u"size", codes::Size},
-    {u"package folder", codeOf("ispk")},
-    {u"extension hidden", codes::ExtensionHidden},
-    {u"visible", codes::Visible},
-    {u"locked", codes::Locked},
-    {u"busy status", codeOf("ibzy")},
-    {u"folder", codeOf("asdr")},
-    {u"button returned", codeOf("bhit")},
-    {u"text returned", codeOf("ttxt")},
-    {u"gave up", codeOf("gavu")},
-    {u"AppleScript version", codeOf("siav")},
-    {u"system version", codeOf("sisv")},
-    {u"short user name", codeOf("sisn")},
-    {u"long user name", codeOf("siln")},
-    {u"user ID", codeOf("siid")},
-    // Not 'home', which is the Finder's name of a place.
-    {u"home directory", codeOf("sihd")},
-    {u"computer name", codeOf("sicn")},
-    {u"host name", codeOf("ldsa")},
-    {u"physical memory", codeOf("sipm")},
-    {u"CPU type", codeOf("sict")},
-    {u"CPU speed", codeOf("sics")},
-    {u"boot volume", codeOf("sibv")},
-    {u"user locale", codeOf("siul")},
-    {u"IPv4 address", codeOf("siip")},
-    {u"primary Ethernet address", codeOf("siea")},
-    {u"output volume", codeOf("ouvl")},
-    {u"input volume", codeOf("invl")},
-    {u"alert volume", codeOf("alvl")},
-    {u"output muted", codeOf("mute")},
+constexpr auto AdditionCommands = std::to_array<AdditionRow>({
+    {{.name = u"offset", .code = eventOf("sysooffs"), .parameters = Offset}, additions::offset, None},
+    {{.name = u"round", .code = eventOf("sysorond"), .direct = RequiredDirect, .parameters = Round},
+     additions::round,
+     None},
+    {{.name = u"random number", .code = eventOf("sysorand"), .direct = OptionalDirect, .parameters = RandomNumber},
+     additions::randomNumber,
+     None},
+    {{.name = u"current date", .code = eventOf("misccurd")}, additions::currentDate, None},
+    {{.name = u"time to GMT", .code = eventOf("sysogtmt")}, additions::timeToGMT, None},
+    {{.name = u"delay", .code = eventOf("sysodela"), .direct = OptionalDirect}, additions::delay, OnComputer},
+    {{.name = u"path to",
+      .code = eventOf("earsffdr"),
+      .direct = RequiredDirect,
+      .parameters = PathTo,
+      .enumerators = Folders},
+     additions::pathTo,
+     OnComputer},
+    {{.name = u"do shell script", .code = eventOf("sysoexec"), .direct = OptionalDirect, .parameters = ShellScript},
+     additions::doShellScript,
+     OnComputer},
+    {{.name = u"info for", .code = eventOf("sysonfo4"), .direct = RequiredDirect, .parameters = InfoFor},
+     additions::infoFor,
+     OnComputer},
+    {{.name = u"list folder", .code = eventOf("earslfdr"), .direct = RequiredDirect, .parameters = ListFolder},
+     additions::listFolder,
+     OnComputer},
+    {{.name = u"list disks", .code = eventOf("earslvol")}, additions::listDisks, OnComputer},
+    {{.name = u"open for access", .code = eventOf("rdwropen"), .direct = RequiredDirect, .parameters = OpenForAccess},
+     additions::openForAccess,
+     OnComputer},
+    {{.name = u"close access", .code = eventOf("rdwrclos"), .direct = RequiredDirect},
+     additions::closeAccess,
+     OnComputer},
+    {{.name = u"read", .code = eventOf("rdwrread"), .direct = RequiredDirect, .parameters = Read},
+     additions::read,
+     OnComputer},
+    {{.name = u"write", .code = eventOf("rdwrwrit"), .direct = RequiredDirect, .parameters = Write},
+     additions::write,
+     OnComputer},
+    {{.name = u"get eof", .code = eventOf("rdwrgeof"), .direct = RequiredDirect}, additions::getEnd, OnComputer},
+    {{.name = u"set eof", .code = eventOf("rdwrseof"), .direct = RequiredDirect, .parameters = SetEnd},
+     additions::setEnd,
+     OnComputer},
+    {{.name = u"run script", .code = eventOf("sysodsct"), .direct = RequiredDirect, .parameters = RunScript},
+     additions::runScript,
+     None},
+    {{.name = u"load script", .code = eventOf("sysoload"), .direct = RequiredDirect},
+     additions::loadScript,
+     OnComputer},
+    {{.name = u"store script", .code = eventOf("sysostor"), .direct = OptionalDirect, .parameters = StoreScript},
+     additions::storeScript,
+     OnComputer},
+    {{.name = u"system attribute",
+      .code = eventOf("fndrgstl"),
+      .direct = OptionalDirect,
+      .parameters = SystemAttribute},
+     additions::systemAttribute,
+     OnComputer},
+    {{.name = u"system info", .code = eventOf("sysosigt")}, additions::systemInfo, OnComputer},
+    {{.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = RequiredDirect},
+     additions::asciiCharacter,
+     None},
+    {{.name = u"ASCII number", .code = eventOf("sysocton"), .direct = RequiredDirect}, additions::asciiNumber, None},
+    {{.name = u"localized string",
+      .code = eventOf("sysolstr"),
+      .direct = RequiredDirect,
+      .parameters = LocalizedString},
+     additions::localizedString,
+     None},
+    {{.name = u"open location", .code = eventOf("GURLGURL"), .direct = OptionalDirect},
+     additions::openLocation,
+     OnComputer},
+    {{.name = u"beep", .code = eventOf("sysobeep"), .direct = OptionalDirect}, additions::beep, OnComputer},
+    {{.name = u"say", .code = eventOf("sysottos"), .direct = RequiredDirect, .parameters = Say},
+     additions::say,
+     OnComputer},
+    {{.name = u"the clipboard", .code = eventOf("JonsgClp"), .parameters = Clipboard},
+     additions::theClipboard,
+     OnComputer},
+    {{.name = u"set the clipboard to", .code = eventOf("JonspClp"), .direct = RequiredDirect},
+     additions::setTheClipboard,
+     OnComputer},
+    {{.name = u"clipboard info", .code = eventOf("JonsiClp")}, additions::clipboardInfo, OnComputer},
+    {{.name = u"display dialog", .code = eventOf("sysodlog"), .direct = RequiredDirect, .parameters = DisplayDialog},
+     additions::displayDialog,
+     OnComputer},
+    {{.name = u"display alert", .code = eventOf("sysodisA"), .direct = RequiredDirect, .parameters = DisplayAlert},
+     additions::displayAlert,
+     OnComputer},
+    {{.name = u"display notification",
+      .code = eventOf("sysonotf"),
+      .direct = OptionalDirect,
+      .parameters = DisplayNotification},
+     additions::displayNotification,
+     OnComputer},
+    {{.name = u"choose file", .code = eventOf("sysostdf"), .direct = OptionalDirect, .parameters = Choose},
+     additions::chooseFile,
+     OnComputer},
+    {{.name = u"choose folder", .code = eventOf("sysostfl"), .direct = OptionalDirect, .parameters = Choose},
+     additions::chooseFolder,
+     OnComputer},
+    {{.name = u"choose file name", .code = eventOf("sysonwfl"), .direct = OptionalDirect, .parameters = Choose},
+     additions::chooseFileName,
+     OnComputer},
+    {{.name = u"choose color", .code = eventOf("sysochcl"), .parameters = ChooseColor},
+     additions::chooseColor,
+     OnComputer},
+    {{.name = u"choose URL", .code = eventOf("sysochur"), .parameters = ChooseURL}, additions::chooseURL, OnComputer},
+    {{.name = u"choose application", .code = eventOf("sysoppcb"), .parameters = ChooseApplication},
+     additions::chooseApplication,
+     OnComputer},
+    {{.name = u"set volume", .code = eventOf("aevtstvl"), .direct = OptionalDirect, .parameters = SetVolume},
+     additions::setVolume,
+     OnComputer},
+    {{.name = u"get volume settings", .code = eventOf("sysogtvl")}, additions::volumeSettings, OnComputer},
+    {{.name = u"choose from list", .code = eventOf("gtqpchlt"), .direct = RequiredDirect, .parameters = Choose},
+     additions::chooseFromList,
+     OnComputer},
+    // The language has the word for it.
+    {{.name = {}, .code = eventOf("ascrcmnt")}, additions::log, None},
 });
+
+AdditionRow const* rowOf(EventCode event) {
+    return std::ranges::find_if(AdditionCommands, [&](AdditionRow const& row) { return row.term.code == event; });
+}
 
 } // namespace
 
 void addStandardAdditions(Terminology& terms) {
-    for (CommandTerm const& command : AdditionCommands)
-        terms.addCommand(command);
-    for (KeyRow const& key : Keys)
-        terms.addProperty(key.name, key.code);
+    for (AdditionRow const& row : AdditionCommands)
+        if (!row.term.name.empty()) terms.addCommand(row.term);
+    additions::addKeys(terms);
+}
+
+Addition additionFor(EventCode event) {
+    auto const* const found = rowOf(event);
+    return found == AdditionCommands.end() ? nullptr : found->perform;
+}
+
+bool hasEffects(EventCode event) {
+    auto const* const found = rowOf(event);
+    return found != AdditionCommands.end() && found->effects == Effects::OnComputer;
 }
 
 } // namespace mac::applescript

@@ -1,4 +1,7 @@
+#include "platform/applescript/additions/AdditionKeys.h"
+#include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/RealText.h"
@@ -28,13 +31,13 @@ Value const& required(CommandArguments const& arguments, Code code, std::u16stri
 
 double roundedAsIn(Code way, double number) {
     switch (way) {
-    case codeOf("roup"):
+    case constants::Up:
         return std::ceil(number);
-    case codeOf("rodn"):
+    case constants::Down:
         return std::floor(number);
-    case codeOf("rozr"):
+    case constants::TowardZero:
         return std::trunc(number);
-    case codeOf("rosc"):
+    case constants::AsTaughtInSchool:
         return std::round(number);
     default:
         return roundedToEven(number);
@@ -46,8 +49,8 @@ double roundedAsIn(Code way, double number) {
 // The place of the first character; 0 for none.
 Value offset(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
-    std::u16string const sought = requireText(required(arguments, codeOf("psof"), u"of", u"offset"), context);
-    std::u16string const text = requireText(required(arguments, codeOf("psin"), u"in", u"offset"), context);
+    std::u16string const sought = requireText(required(arguments, parameters::OfText, u"of", u"offset"), context);
+    std::u16string const text = requireText(required(arguments, parameters::InText, u"in", u"offset"), context);
     std::optional<TextMatch> const match = findText(text, sought, 0, context.considered);
     if (!match) return Value::integer(0);
     std::u16string_view const before = std::u16string_view(text).substr(0, match->start);
@@ -56,17 +59,18 @@ Value offset(Evaluator& evaluator, CommandArguments const& arguments) {
 
 Value round(Evaluator& evaluator, CommandArguments const& arguments) {
     double const number = requireReal(arguments.direct, evaluator.context());
-    Value const* const way = arguments.find(codeOf("dire"));
-    return Value::number(roundedAsIn(way && way->is(ValueKind::Constant) ? way->asCode() : codeOf("rone"), number));
+    Value const* const way = arguments.find(parameters::Rounding);
+    return Value::number(
+        roundedAsIn(way && way->is(ValueKind::Constant) ? way->asCode() : constants::ToNearest, number));
 }
 
 // Whole numbers between whole bounds, else reals; between 0 and 1 without bounds.
 Value randomNumber(Evaluator& evaluator, CommandArguments const& arguments) {
     TextContext const& context = evaluator.context();
-    if (Value const* const seed = arguments.find(codeOf("seed")))
+    if (Value const* const seed = arguments.find(parameters::WithSeed))
         generator().seed(static_cast<std::uint64_t>(requireInteger(*seed, context)));
-    Value const* const from = arguments.find(codeOf("from"));
-    Value const* const to = arguments.find(codeOf("to  "));
+    Value const* const from = arguments.find(parameters::From);
+    Value const* const to = arguments.find(codes::ToParameter);
     Value const low = from ? requireNumber(*from, context) : Value::integer(0);
     Value high = Value::integer(1);
     if (to)

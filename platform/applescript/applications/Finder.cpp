@@ -4,6 +4,7 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/desktop/FileBrowserSession.h"
@@ -199,10 +200,10 @@ constexpr auto FinderCommands = std::to_array<CommandRow>({
 });
 
 constexpr auto FinderConstants = std::to_array<NameRow>({
-    {u"read only", codeOf("read")},
-    {u"read write", codeOf("rdwr")},
-    {u"write only", codeOf("writ")},
-    {u"none", codeOf("none")},
+    {u"read only", codes::ReadOnly},
+    {u"read write", codes::ReadWrite},
+    {u"write only", codes::WriteOnly},
+    {u"none", codes::NoAccess},
 });
 constexpr auto FinderTypes = std::to_array<NameRow>({{u"alias list", codes::AliasListType}});
 

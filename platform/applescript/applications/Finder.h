@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/desktop/DesktopProblem.h"
 #include "platform/files/ReplacingTransfer.h"
 
 // The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
@@ -51,6 +52,10 @@ struct NewItem {
 std::shared_ptr<FinderItem> makeIn(FinderItem const& folder, NewItem const& item, TextContext const& context);
 Value make(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 // FinderWindows.cpp
+// The script's error if no application is known for an item.
+inline constexpr std::int32_t ApplicationNotFound = -10814;
+// Throws the script's error about the object unless the desktop did what it was asked.
+void requireDone(DesktopOutcome const& outcome, Value const& object);
 // The programs that are to open items instead of their own.
 inline constexpr Code UsingParameter = codeOf("usin");
 // Opens the item as a double click on it does.

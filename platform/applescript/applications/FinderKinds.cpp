@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/files/Volumes.h"
 #include "platform/foundation/Encodings.h"
@@ -71,7 +72,7 @@ Value originalItem(FinderItem const& alias) {
     std::shared_ptr<FinderItem> const original =
         FinderItem::atPath(isAbsolute ? target.value() : BytePath(parentOf(alias.path())).joined(target.value()));
     if (original) return original->specifier();
-    throw cannotGet(propertySpecifier(termSymbol(codeOf("orig"), u"original item"), alias.specifier()));
+    throw cannotGet(propertySpecifier(termSymbol(codes::OriginalItem, u"original item"), alias.specifier()));
 }
 
 constexpr auto DiskProperties = std::to_array<PropertyRow>({
@@ -91,7 +92,7 @@ constexpr auto ApplicationProperties = std::to_array<PropertyRow>({
     {u"version", codes::Version, codes::TextType, reading<&applicationVersion>},
 });
 constexpr auto AliasProperties = std::to_array<PropertyRow>({
-    {u"original item", codeOf("orig"), codes::ReferenceType, reading<&originalItem>},
+    {u"original item", codes::OriginalItem, codes::ReferenceType, reading<&originalItem>},
 });
 
 constexpr ClassRow ContainerRow{

@@ -1,4 +1,5 @@
 #include "platform/applescript/applications/FinderItem.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/NSString.h"
@@ -90,8 +91,8 @@ Value privilegesOf(std::uint32_t mode, int whose) {
     std::uint32_t const rights = mode >> (bitsEach * static_cast<unsigned>(2 - whose));
     bool const reads = (rights & 4U) != 0;
     bool const writes = (rights & 2U) != 0;
-    if (reads) return Value::constant(writes ? codeOf("rdwr") : codeOf("read"));
-    return Value::constant(writes ? codeOf("writ") : codeOf("none"));
+    if (reads) return Value::constant(writes ? codes::ReadWrite : codes::ReadOnly);
+    return Value::constant(writes ? codes::WriteOnly : codes::NoAccess);
 }
 
 // A folder that may be read may also be entered.
@@ -99,16 +100,16 @@ bool setPrivileges(OpenItem const& item, int whose, Value const& value) {
     if (!value.is(ValueKind::Constant)) return false;
     std::uint32_t rights = 0;
     switch (value.asCode()) {
-    case codeOf("rdwr"):
+    case codes::ReadWrite:
         rights = 6;
         break;
-    case codeOf("read"):
+    case codes::ReadOnly:
         rights = 4;
         break;
-    case codeOf("writ"):
+    case codes::WriteOnly:
         rights = 2;
         break;
-    case codeOf("none"):
+    case codes::NoAccess:
         break;
     default:
         return false;

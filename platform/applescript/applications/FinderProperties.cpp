@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/applescript/runtime/RunLimits.h"
@@ -202,7 +203,7 @@ constexpr auto ItemProperties = std::to_array<PropertyRow>({
     {u"extension hidden", codes::ExtensionHidden, codes::BooleanType, reading<&isExtensionHidden>},
     {u"index", codes::Index, codes::IntegerType, reading<&placeInFolder>, nullptr, Unlisted},
     {u"container", codes::Container, codes::ReferenceType, reading<&container>},
-    {u"", codeOf("asdr"), codes::ReferenceType, reading<&container>, nullptr, Unlisted},
+    {u"", codes::IsFolder, codes::ReferenceType, reading<&container>, nullptr, Unlisted},
     {u"", codes::Folder, codes::ReferenceType, reading<&container>, nullptr, Unlisted},
     {u"disk", codes::Disk, codes::ReferenceType, reading<&diskOf>},
     {u"size", codes::Size, codes::NumberType, reading<&wholeSize>},

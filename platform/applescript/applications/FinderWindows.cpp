@@ -15,7 +15,6 @@ namespace mac::applescript::finder {
 
 namespace {
 
-constexpr std::int32_t ApplicationNotFound = -10814;
 constexpr std::int32_t EventFailed = -10000;
 
 // The script's error for why the object was not shown.
@@ -38,7 +37,7 @@ ScriptError scriptErrorOf(DesktopProblem const& problem, Value const& object) {
 
 // An empty value if it was done, else raises the problem as the script's error.
 Value done(DesktopOutcome const& outcome, Value const& object) {
-    if (!outcome.isDone()) throw scriptErrorOf(outcome.problem(), object);
+    requireDone(outcome, object);
     return {};
 }
 
@@ -74,6 +73,10 @@ bool startWith(FinderItem const& program, std::vector<std::string> const& paths)
 }
 
 } // namespace
+
+void requireDone(DesktopOutcome const& outcome, Value const& object) {
+    if (!outcome.isDone()) throw scriptErrorOf(outcome.problem(), object);
+}
 
 void openPath(std::string const& path, Value const& object) { done(FileBrowserSession().openItem(path), object); }
 

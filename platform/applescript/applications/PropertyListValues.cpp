@@ -14,7 +14,7 @@ namespace mac::applescript {
 
 namespace {
 
-constexpr Code RawData = codeOf("rdat");
+constexpr Code RawData = codes::RawDataType;
 
 // Every whole number up to it is a real of its own.
 constexpr long long MostWholeReal = 1LL << 53;

@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/files/HFSPaths.h"
@@ -80,7 +81,7 @@ constexpr RequiredFunction<PropertyReader> OfItem{reading<&DiskItem::ofItem<Prop
 
 constexpr auto DiskItemProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, OfItem<codes::Name>, writing<&DiskItem::setOfItem<codes::Name>>},
-    {u"POSIX path", codeOf("posx"), codes::TextType, reading<&DiskItem::posixPath>},
+    {u"POSIX path", codes::SystemPOSIXPath, codes::TextType, reading<&DiskItem::posixPath>},
     {u"", codes::POSIXPath, codes::TextType, reading<&DiskItem::posixPath>, nullptr, Unlisted},
     {u"path", codes::Path, codes::TextType, reading<&DiskItem::path>},
     {u"URL", codeOf("url "), codes::TextType, OfItem<codes::URL>},

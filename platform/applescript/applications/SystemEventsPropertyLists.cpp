@@ -1,5 +1,6 @@
 #include "platform/applescript/applications/PropertyListValues.h"
 #include "platform/applescript/applications/SystemEvents.h"
+#include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/FileErrors.h"
@@ -224,7 +225,7 @@ constexpr auto FileProperties = std::to_array<PropertyRow>({
     {u"name", codes::Name, codes::TextType, reading<&PropertyListFile::name>},
     {u"path", codes::Path, codes::TextType, reading<&PropertyListFile::path>},
     {u"", codes::POSIXPath, codes::TextType, reading<&PropertyListFile::posixPath>, nullptr, InProperties::Unlisted},
-    {u"POSIX path", codeOf("posx"), codes::TextType, reading<&PropertyListFile::posixPath>},
+    {u"POSIX path", codes::SystemPOSIXPath, codes::TextType, reading<&PropertyListFile::posixPath>},
     {u"kind", codes::Kind, codes::ClassType, reading<&PropertyListFile::ofContents<codes::Kind>>, nullptr,
      InProperties::Unlisted},
     {u"value", codes::Value, codes::AnyType, reading<&PropertyListFile::ofContents<codes::Value>>,

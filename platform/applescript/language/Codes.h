@@ -29,6 +29,10 @@ inline constexpr Code ListType = codeOf("list");
 inline constexpr Code LoginItem = codeOf("logi");
 inline constexpr Code MissingValue = codeOf("msng");
 inline constexpr Code NumberType = codeOf("nmbr");
+inline constexpr Code OriginalItem = codeOf("orig");
+inline constexpr Code SystemPOSIXPath = codeOf("posx");
+inline constexpr Code RawDataType = codeOf("rdat");
+inline constexpr Code IsFolder = codeOf("asdr");
 inline constexpr Code Package = codeOf("pack");
 inline constexpr Code Process = codeOf("prcs");
 inline constexpr Code ApplicationProcess = codeOf("pcap");
@@ -96,10 +100,20 @@ inline constexpr Code InsertionLocation = codeOf("insl");
 inline constexpr Code DataParameter = codeOf("data");
 inline constexpr Code DirectParameter = codeOf("----");
 inline constexpr Code InsertionParameter = codeOf("insh");
+// The Finder's constants for what a user may do with an item.
+inline constexpr Code NoAccess = codeOf("none");
+inline constexpr Code ReadOnly = codeOf("read");
+inline constexpr Code ReadWrite = codeOf("rdwr");
+inline constexpr Code WriteOnly = codeOf("writ");
+
+inline constexpr Code InvisiblesParameter = codeOf("lfiv");
 inline constexpr Code NewClassParameter = codeOf("kocl");
+inline constexpr Code PromptParameter = codeOf("prmp");
 inline constexpr Code PropertiesParameter = codeOf("prdt");
 inline constexpr Code ReplacingParameter = codeOf("alrp");
 inline constexpr Code RequestedTypeParameter = codeOf("rtyp");
+inline constexpr Code SeveralParameter = codeOf("mlsl");
+inline constexpr Code TitleParameter = codeOf("appr");
 inline constexpr Code ToParameter = codeOf("to  ");
 
 } // namespace mac::applescript::codes

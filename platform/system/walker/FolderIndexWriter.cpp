@@ -17,7 +17,7 @@ constexpr std::int64_t ClockTick = 10'000'000;
 constexpr std::int64_t Second = 1'000'000'000;
 
 // Puts the notes of all threads in order: each folder's children together, and each folder behind the one it lies in.
-// A note is named by its offset in all logs as if they lay one behind the other.
+// A note is named by the number of its piece among those of all logs, and in the lower bits its offset there.
 class FolderIndexWriter {
 public:
     FolderIndexWriter(std::deque<FolderLog> const& logs, std::int64_t walkStart,
@@ -28,7 +28,7 @@ public:
     std::optional<std::vector<std::byte>> write();
 
 private:
-    // In the list of children: an offset, or the number of a folder with this bit set.
+    // In the list of children: a note, or the number of a folder with this bit set.
     static constexpr std::uint32_t IsFolder = std::uint32_t{1} << 31;
 
     struct Folder {
@@ -67,7 +67,7 @@ private:
     std::deque<FolderLog> const& m_logs;
     std::int64_t const m_walkStart;
     std::function<bool()> const& m_shouldStop;
-    std::vector<std::uint32_t> m_starts;       // of each log, among all
+    std::vector<std::string const*> m_pieces;  // of all logs
     std::vector<std::uint32_t> m_firstFolders; // by the log's number
     std::vector<Folder> m_folders;
     std::vector<std::uint32_t> m_volumes; // folders
@@ -78,20 +78,18 @@ private:
 
 template <class Take>
 void FolderIndexWriter::eachNote(Take const& take) const {
-    for (std::size_t log = 0; log < m_logs.size(); ++log) {
-        std::string const& bytes = m_logs[log].bytes();
+    for (std::size_t piece = 0; piece < m_pieces.size(); ++piece) {
         std::size_t position = 0;
-        while (position < bytes.size()) {
-            auto const offset = static_cast<std::uint32_t>(m_starts[log] + position);
-            take(FolderNote::read(bytes, position), offset);
+        while (position < m_pieces[piece]->size()) {
+            auto const offset = static_cast<std::uint32_t>(piece << FolderLog::PieceBits | position);
+            take(FolderNote::read(*m_pieces[piece], position), offset);
         }
     }
 }
 
 FolderNote FolderIndexWriter::noteAt(std::uint32_t offset) const {
-    auto const log = static_cast<std::size_t>(std::ranges::upper_bound(m_starts, offset) - m_starts.begin() - 1);
-    std::size_t position = offset - m_starts[log];
-    return FolderNote::read(m_logs[log].bytes(), position);
+    std::size_t position = offset & (FolderLog::PieceBytes - 1);
+    return FolderNote::read(*m_pieces[offset >> FolderLog::PieceBits], position);
 }
 
 FolderNote FolderIndexWriter::noteOfChild(std::uint32_t child) const {
@@ -99,16 +97,16 @@ FolderNote FolderIndexWriter::noteOfChild(std::uint32_t child) const {
 }
 
 bool FolderIndexWriter::findFolders() {
-    std::size_t bytes = 0;
     std::uint32_t folders = 0;
     m_firstFolders.resize(FolderLog::MostLogs);
     for (FolderLog const& log : m_logs) {
-        m_starts.push_back(static_cast<std::uint32_t>(bytes));
+        if (log.isFull()) return false;
         m_firstFolders[log.number()] = folders;
-        bytes += log.bytes().size();
         folders += log.folderCount();
-        if (log.isFull() || bytes > MostIndexBytes) return false;
+        for (std::string const& piece : log.pieces())
+            m_pieces.push_back(&piece);
     }
+    if (m_pieces.size() > MostIndexBytes / FolderLog::PieceBytes) return false;
     m_folders.reserve(folders);
     eachNote([this](FolderNote const& note, std::uint32_t offset) {
         if (!note.hasEntry()) return;

@@ -23,29 +23,36 @@ FolderLog::Note FolderLog::nextNote() {
     return m_number << CountBits | m_folderCount++;
 }
 
-bool FolderLog::append(Note parent, std::uint8_t kind, std::string_view name) {
+// Appends a note but for the stamp and the identity; answers the piece to append those to, nullptr if the log is full.
+std::string* FolderLog::append(Note parent, std::uint8_t kind, std::string_view name) {
     bool const isVolume = kind == static_cast<std::uint8_t>(FolderNote::Kind::Volume);
     std::size_t const most = isVolume ? FolderNote::MostPathBytes : FolderNote::MostNameBytes;
-    if (name.size() > most || m_bytes.size() > MostIndexBytes) m_isFull = true;
-    if (m_isFull) return false;
+    if (name.size() > most || m_pieces.size() > MostIndexBytes / PieceBytes) m_isFull = true;
+    if (m_isFull) return nullptr;
     FolderNote::Head const head{.parent = parent,
                                 .nameBytes = static_cast<std::uint16_t>(name.size()),
                                 .kind = static_cast<FolderNote::Kind>(kind)};
-    m_bytes += bytesOf(head);
-    m_bytes += name;
-    return true;
+    std::size_t const bytes = sizeof head + name.size() + sizeof(FolderStamp) + sizeof(VolumeIdentity);
+    if (m_pieces.empty() || m_pieces.back().size() + bytes > PieceBytes) m_pieces.emplace_back().reserve(PieceBytes);
+    std::string& piece = m_pieces.back();
+    piece += bytesOf(head);
+    piece += name;
+    return &piece;
 }
 
 FolderLog::Note FolderLog::addVolume(std::string_view path, VolumeIdentity const& identity, FolderFacts const& facts) {
-    if (!append(NoNote, static_cast<std::uint8_t>(FolderNote::Kind::Volume), path)) return NoNote;
-    m_bytes += bytesOf(stampToKeep(facts));
-    m_bytes += bytesOf(identity);
+    std::string* const piece = append(NoNote, static_cast<std::uint8_t>(FolderNote::Kind::Volume), path);
+    if (piece == nullptr) return NoNote;
+    *piece += bytesOf(stampToKeep(facts));
+    *piece += bytesOf(identity);
     return nextNote();
 }
 
 FolderLog::Note FolderLog::addFolder(Note parent, std::string_view name, FolderFacts const& facts) {
-    if (parent == NoNote || !append(parent, static_cast<std::uint8_t>(FolderNote::Kind::Folder), name)) return NoNote;
-    m_bytes += bytesOf(stampToKeep(facts));
+    if (parent == NoNote) return NoNote;
+    std::string* const piece = append(parent, static_cast<std::uint8_t>(FolderNote::Kind::Folder), name);
+    if (piece == nullptr) return NoNote;
+    *piece += bytesOf(stampToKeep(facts));
     return nextNote();
 }
 

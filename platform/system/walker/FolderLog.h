@@ -38,20 +38,22 @@ public:
     // Not everything in the folder could be read. It may be another thread's.
     void addFailure(Note folder);
 
-    // For indexOf.
+    // For indexOf. Pieces, so that nothing is moved or held twice while a log grows.
+    static constexpr unsigned PieceBits = 17;
+    static constexpr std::size_t PieceBytes = std::size_t{1} << PieceBits;
     unsigned number() const { return m_number; }
     std::uint32_t folderCount() const { return m_folderCount; }
     bool isFull() const { return m_isFull; }
-    std::string const& bytes() const { return m_bytes; }
+    std::deque<std::string> const& pieces() const { return m_pieces; }
 
 private:
     Note nextNote();
-    bool append(Note parent, std::uint8_t kind, std::string_view name);
+    std::string* append(Note parent, std::uint8_t kind, std::string_view name);
 
     unsigned const m_number;
     std::uint32_t m_folderCount = 0;
-    bool m_isFull = false; // notes are missing
-    std::string m_bytes;
+    bool m_isFull = false;            // notes are missing
+    std::deque<std::string> m_pieces; // of PieceBytes at most, each with whole notes
 };
 
 // The clock that gives folders their times, in nanoseconds since 1970.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -37,12 +38,15 @@ public:
         Place nextFolder = None;
     };
 
-    // nullopt unless the bytes are whole volumes that indexOf (FolderLog.h) could have written.
-    static std::optional<RememberedFolders> parse(std::vector<std::byte> bytes);
+    // nullopt unless the bytes from `start` on are whole volumes that indexOf (FolderLog.h) could have written.
+    // The index may begin anywhere in the block, so that what was read from a file need not be copied.
+    static std::optional<RememberedFolders> parse(std::vector<std::byte> block, std::size_t start = 0);
 
     // The folder from which a volume was walked, by the path it was walked from; None if it was not, or if another
     // file system has that path now.
     Place volume(std::string_view path, VolumeIdentity const& identity) const;
+    // The folders from which all volumes were walked.
+    std::vector<Place> volumes() const;
     // REQUIRES for these: the place is one of this index's. A stamp that no folder can have (inode 0) if the list of
     // children is not to be relied on.
     FolderStamp stamp(Place place) const;
@@ -52,19 +56,20 @@ public:
     // nullopt after the last child.
     std::optional<Child> next(Cursor& cursor) const;
 
-    std::vector<std::byte> const& bytes() const { return m_bytes; }
+    std::span<std::byte const> bytes() const { return std::span(m_block).subspan(m_start); }
     // Of entries, without folders that are known by name alone.
     std::size_t folderCount() const { return m_folderCount; }
 
 private:
-    explicit RememberedFolders(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
+    RememberedFolders(std::vector<std::byte> block, std::size_t start) : m_block(std::move(block)), m_start(start) {}
     bool check();
     bool checkVolume(std::size_t& position);
     bool checkFolder(std::size_t position, std::size_t end);
     template <class T>
     T read(std::size_t position) const;
 
-    std::vector<std::byte> m_bytes;
+    std::vector<std::byte> m_block;
+    std::size_t m_start = 0;
     std::size_t m_folderCount = 0;
 };
 

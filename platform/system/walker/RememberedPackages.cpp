@@ -3,7 +3,11 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/walker/FolderFacts.h"
+#include <cerrno>
 #include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <utility>
 
 namespace mac {
@@ -22,6 +26,21 @@ bool hasOnlyNames(std::string_view relativePath) {
         if (name.size() == relativePath.size()) return true;
         relativePath.remove_prefix(name.size() + 1);
     }
+}
+
+// Opens a folder below another for reading, if no symbolic link leads there. The system does it in one call where it is
+// new enough and lets programs ask.
+FileDescriptor openWithoutLinks(FileDescriptor const& top, std::string_view relativePath) {
+    std::string const path(relativePath.empty() ? "." : relativePath);
+    open_how how{.flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC,
+                 .mode = 0,
+                 .resolve = RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV};
+    FileDescriptor folder(static_cast<int>(::syscall(SYS_openat2, top.number(), path.c_str(), &how, sizeof how)));
+    if (folder.isOpen()) return folder;
+    SystemError const error = lastSystemError("openat2");
+    if (!error.is(ENOSYS) && !error.is(EPERM)) return {};
+    Result<FileDescriptor> const item = openBelow(top, relativePath);
+    return item.hasValue() ? readableFolder(item.value()).valueOr(FileDescriptor()) : FileDescriptor();
 }
 
 class PackageCheck {
@@ -67,13 +86,11 @@ FileDescriptor PackageCheck::openFolder(Volume const& volume, BytePath folder) c
     if (m_packages.crossesPackage(below)) return {};
     Result<FileDescriptor> const top = openPath(volume.path, O_RDONLY | O_DIRECTORY);
     if (!top.hasValue()) return {};
-    Result<FileDescriptor> const item = openBelow(top.value(), below);
-    if (!item.hasValue()) return {};
-    Result<FileDescriptor> readable = readableFolder(item.value());
-    if (!readable.hasValue()) return {};
-    std::uint64_t const mount = factsOf(readable.value()).valueOr(FolderFacts()).mount;
+    FileDescriptor found = openWithoutLinks(top.value(), below);
+    if (!found.isOpen()) return {};
+    std::uint64_t const mount = factsOf(found).valueOr(FolderFacts()).mount;
     if (volume.mount != 0 && mount != volume.mount) return {};
-    return readable.takeValue();
+    return found;
 }
 
 bool PackageCheck::holds(std::string const& path) {

@@ -2,6 +2,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <span>
 
 namespace mac {
 
@@ -121,7 +122,7 @@ std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk) {
     list.add(walk.question.packageSuffix);
     list.add(walk.question.names);
     list.add(walk.packages);
-    std::vector<std::byte> const& folders = walk.folders->bytes();
+    std::span<std::byte const> const folders = walk.folders->bytes();
 
     FileHead head{.start = walk.start, .listBytes = list.bytes().size(), .folderBytes = folders.size()};
     std::vector<std::byte> bytes(sizeof head);
@@ -133,15 +134,22 @@ std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk) {
     return bytes;
 }
 
-std::optional<RememberedWalk> walkOfBytes(std::span<std::byte const> bytes) {
+std::optional<RememberedWalk> walkOfBytes(std::vector<std::byte> bytes) {
+    FileHead head;
+    if (bytes.size() < sizeof head) return std::nullopt;
+    std::memcpy(&head, bytes.data(), sizeof head);
+    if (head.checksum != checksumOf(head, std::span(bytes).subspan(sizeof head))) return std::nullopt;
+    return walkOfCheckedBytes(std::move(bytes));
+}
+
+std::optional<RememberedWalk> walkOfCheckedBytes(std::vector<std::byte> bytes) {
     FileHead head;
     if (bytes.size() < sizeof head) return std::nullopt;
     std::memcpy(&head, bytes.data(), sizeof head);
     FileHead const expected;
     if (head.mark != expected.mark || head.byteOrder != ByteOrder || head.version != Version) return std::nullopt;
-    std::span<std::byte const> const rest = bytes.subspan(sizeof head);
+    std::span<std::byte const> const rest = std::span(bytes).subspan(sizeof head);
     if (head.listBytes > rest.size() || head.folderBytes != rest.size() - head.listBytes) return std::nullopt;
-    if (head.checksum != checksumOf(head, rest)) return std::nullopt;
 
     ListReader list(rest.first(head.listBytes));
     RememberedWalk walk{.start = head.start};
@@ -150,8 +158,8 @@ std::optional<RememberedWalk> walkOfBytes(std::span<std::byte const> bytes) {
     walk.question.names = list.texts();
     walk.packages = list.texts();
     if (!list.isWhole()) return std::nullopt;
-    std::span<std::byte const> const folderBytes = rest.subspan(head.listBytes);
-    std::optional<RememberedFolders> folders = RememberedFolders::parse({folderBytes.begin(), folderBytes.end()});
+    std::optional<RememberedFolders> folders =
+        RememberedFolders::parse(std::move(bytes), sizeof head + static_cast<std::size_t>(head.listBytes));
     if (!folders) return std::nullopt;
     walk.folders = std::make_shared<RememberedFolders const>(std::move(*folders));
     return walk;

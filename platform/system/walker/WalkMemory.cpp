@@ -1,4 +1,5 @@
 #include "platform/system/walker/WalkMemory.h"
+#include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/NewFile.h"
@@ -29,15 +30,22 @@ std::optional<FileDescriptor> trustedFolder(std::string const& path) {
     return folder.takeValue();
 }
 
+// The folder that holds the one of all programs' caches, which is the user's home as a rule. A home that is missing may
+// be one that is not mounted yet: nothing is made in its place.
+std::string homeOfCaches(std::string const& folder) {
+    std::string const caches(BytePath(folder).parent());
+    return std::string(BytePath(caches).parent());
+}
+
 std::shared_ptr<RememberedWalk const> readFrom(std::string const& folderPath) {
     std::optional<FileDescriptor> const folder = trustedFolder(folderPath);
     if (!folder) return nullptr;
     FileDescriptor const file(
         ::openat(folder->number(), WalkMemory::fileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file.isOpen() || !isThisUsersAlone(file)) return nullptr;
-    Result<FileContents> const contents = readOpenFile(file, MostWalkBytes);
+    Result<FileContents> contents = readOpenFile(file, MostWalkBytes);
     if (!contents.hasValue()) return nullptr;
-    std::optional<RememberedWalk> walk = walkOfBytes(contents.value().bytes);
+    std::optional<RememberedWalk> walk = walkOfBytes(std::move(contents.value().bytes));
     return walk ? std::make_shared<RememberedWalk const>(std::move(*walk)) : nullptr;
 }
 
@@ -59,6 +67,8 @@ Result<void> WalkMemory::keep(RememberedWalk walk) {
         std::lock_guard const lock(m_mutex);
         m_walk = kept;
     }
+    Result<FileDescriptor> const home = openPath(homeOfCaches(m_folder), O_PATH | O_DIRECTORY);
+    if (!home.hasValue()) return home.problem();
     Result<void> const made = makeFolderAtPath(m_folder);
     if (!made.isDone()) return made;
     std::optional<FileDescriptor> const folder = trustedFolder(m_folder);

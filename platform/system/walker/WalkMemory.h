@@ -6,8 +6,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <span>
 #include <string>
+#include <vector>
 
 namespace mac {
 
@@ -30,7 +30,9 @@ struct RememberedWalk {
 
 // The bytes of the file that keeps it. nullopt for bytes of another version or byte order, and for damaged ones.
 std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk);
-std::optional<RememberedWalk> walkOfBytes(std::span<std::byte const> bytes);
+std::optional<RememberedWalk> walkOfBytes(std::vector<std::byte> bytes);
+// Likewise for bytes whose checksum is known to be right: it is not compared.
+std::optional<RememberedWalk> walkOfCheckedBytes(std::vector<std::byte> bytes);
 
 // Keeps one walk in memory and in a file, in a folder that is made for this user alone. The folder may be removed at
 // any time. A file is not read unless it and its folder belong to this user and can be written by no other. Any thread.

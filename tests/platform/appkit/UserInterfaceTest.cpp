@@ -1,10 +1,13 @@
 #include "platform/foundation/UserInterface.h"
 #include "platform/appkit/NSApplication.h"
 #include "tests/platform/appkit/LoadedWindow.h"
+#include "tests/support/TemporaryFolder.h"
 #include <QApplication>
 #include <QDialog>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -50,6 +53,51 @@ TEST(UserInterface, AnswersTheColorThatIsChosen) {
     EXPECT_EQ(interface().chooseColor(color), color);
     answer([](QDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(interface().chooseColor(color), std::nullopt);
+}
+
+TEST(UserInterface, AnswersTheFilesThatAreChosen) {
+    TemporaryFolder const folder;
+    std::string const text = folder.makeFile("a.txt", "");
+    folder.makeFile("b.png", "");
+    FileRequest request{.title = u"Which?", .folder = folder.path()};
+    auto const choose = [](QString const& name) {
+        answer([name](QDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "Which?");
+            dialog.findChild<QLineEdit*>()->setText(name);
+            static_cast<QFileDialog&>(dialog).selectFile(name);
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+    };
+    choose("a.txt");
+    EXPECT_EQ(interface().chooseFiles(request), std::vector<std::string>{text});
+    request.kind = FileRequest::Kind::NewFile;
+    request.name = u"new";
+    choose("other");
+    EXPECT_EQ(interface().chooseFiles(request), std::vector<std::string>{folder.path("other")});
+    request.kind = FileRequest::Kind::Folder;
+    answer([](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(interface().chooseFiles(request), std::nullopt);
+}
+
+TEST(UserInterface, ShowsTheFilesThatAreAccepted) {
+    TemporaryFolder const folder;
+    folder.makeFile("a.txt", "");
+    folder.makeFile("b.png", "");
+    folder.makeFolder("inner");
+    FileRequest const request{.folder = folder.path(),
+                              .accepts = [](std::string const& path) { return path.ends_with(".txt"); }};
+    QStringList shown;
+    answer([&](QDialog& dialog) {
+        QAbstractItemModel const& files = *dialog.findChild<QListView*>("listView")->model();
+        QModelIndex const root = dialog.findChild<QListView*>("listView")->rootIndex();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return files.rowCount(root) >= 2; }, 60'000));
+        for (int row = 0; row < files.rowCount(root); ++row)
+            shown.append(files.index(row, 0, root).data().toString());
+        dialog.reject();
+    });
+    EXPECT_EQ(interface().chooseFiles(request), std::nullopt);
+    shown.sort();
+    EXPECT_EQ(shown, (QStringList{"a.txt", "inner"}));
 }
 
 TEST(UserInterface, ReturnIsTheDefaultButtonAndEscapeTheOneThatCancels) {

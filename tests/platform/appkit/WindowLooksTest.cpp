@@ -1,13 +1,19 @@
 #include "platform/appkit/ThemeColors.h"
 #include "tests/platform/appkit/LoadedWindow.h"
 #include "tests/support/RunUntil.h"
+#include "tests/support/TemporaryFolder.h"
+#include <QAction>
 #include <QApplication>
 #include <QHeaderView>
+#include <QIcon>
 #include <QImage>
 #include <QLabel>
 #include <QPainter>
+#include <QPixmap>
 #include <QStyledItemDelegate>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace mac::test {
 namespace {
@@ -137,6 +143,66 @@ TEST(WindowLooks, HasAnIconThatIsSeenOnAnyBackground) {
     for (int x = 0; x < image.width(); ++x)
         isDrawnOn = isDrawnOn || image.pixelColor(x, 32) == QColor(Qt::white);
     EXPECT_TRUE(isDrawnOn);
+}
+
+// A theme with icons of these names, as long as it lives.
+class IconTheme {
+public:
+    explicit IconTheme(QStringList const& names) {
+        m_folder.makeFile("trial/index.theme",
+                          "[Icon Theme]\nName=Trial\nDirectories=16\n\n[16]\nSize=16\nType=Fixed\n");
+        m_folder.makeFolder("trial/16");
+        QPixmap picture(16, 16);
+        picture.fill(Qt::red);
+        for (QString const& name : names)
+            picture.save(QString::fromStdString(m_folder.path("trial/16/")) + name + ".png");
+        QIcon::setThemeSearchPaths({QString::fromStdString(m_folder.path())});
+        QIcon::setThemeName("trial");
+    }
+    ~IconTheme() {
+        QIcon::setThemeName(m_name);
+        QIcon::setThemeSearchPaths(m_paths);
+    }
+    IconTheme(IconTheme const&) = delete;
+    IconTheme& operator=(IconTheme const&) = delete;
+
+private:
+    TemporaryFolder const m_folder;
+    QString const m_name{QIcon::themeName()};
+    QStringList const m_paths{QIcon::themeSearchPaths()};
+};
+
+QStringList iconNamesOfTwoActions() {
+    auto const action = [](std::string const& name) {
+        return "<action name=\"" + name + "\">" + stringProperty("themeIcon", name) +
+               stringProperty("glyph", "M2 2 H14") + "</action>";
+    };
+    auto const file =
+        loadForm(formWith(stringProperty("controllerClass", "AppController"), action("first") + action("second")));
+    QStringList names;
+    for (char const* const name : {"first", "second"}) {
+        QIcon const icon = file->widget()->findChild<QAction*>(name)->icon();
+        names.append(icon.isNull() ? "none" : icon.name());
+    }
+    return names;
+}
+
+TEST(WindowLooks, TakesTheIconsOfAThemeThatHasAllOfThemAndDrawsThemElse) {
+    needApplication();
+    {
+        IconTheme const whole({"first", "second"});
+        EXPECT_EQ(iconNamesOfTwoActions(), QStringList({"first", "second"}));
+    }
+    IconTheme const part({"first"});
+    EXPECT_EQ(iconNamesOfTwoActions(), QStringList({"", ""}));
+}
+
+// For a name that the theme lacks the toolkit would look for types of files at the start.
+TEST(WindowLooks, LeavesIconsOfTheThemeToTheirOwnProperty) {
+    std::ifstream file(MAIN_INTERFACE_FILE);
+    std::string const text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NE(text.find("themeIcon"), std::string::npos);
+    EXPECT_EQ(text.find("iconset"), std::string::npos);
 }
 
 } // namespace

@@ -125,6 +125,25 @@ TEST_F(AutostartOracle, DexStartsTheRightPrograms) {
     expectAllStarted();
 }
 
+// The library that LXQt's session reads its entries with. Its tool starts an entry as the application of a URL's
+// scheme.
+TEST_F(AutostartOracle, TheLibraryOfLXQtStartsTheRightPrograms) {
+    if (!isInstalled("/usr/bin/qtxdg-mat")) GTEST_SKIP() << "qtxdg-mat is not installed";
+    EnvironmentVariable const platform("QT_QPA_PLATFORM", "offscreen");
+    std::string defaults = "[Default Applications]\n";
+    std::vector<std::string> schemes;
+    for (std::string const& name : namesOfUser()) {
+        schemes.push_back("entry" + std::to_string(schemes.size()));
+        m_folder.makeFile("data/applications/" + schemes.back() + ".desktop", contentsOf(pathOfUser(name)));
+        defaults += "x-scheme-handler/" + schemes.back() + "=" + schemes.back() + ".desktop\n";
+    }
+    ASSERT_EQ(schemes.size(), m_programs.size());
+    m_folder.makeFile("config/mimeapps.list", defaults);
+    for (std::string const& scheme : schemes)
+        outputOf({"/usr/bin/qtxdg-mat", "open", scheme + ":start"});
+    expectAllStarted();
+}
+
 // The session manager itself, on a display and a bus of its own. What it would start besides the entries is one program
 // that ends at once; its settings are read by the service that it brings along.
 TEST_F(AutostartOracle, XfceStartsTheRightProgramsAndAsksBeforeItLogsOut) {

@@ -14,6 +14,8 @@ TEST(KeyFile, ReadsKeysInTheirGroups) {
     EXPECT_EQ(file.value("C", "key"), std::nullopt);
     EXPECT_EQ(file.list("B", "key"), (std::vector<std::string>{"x", "y"}));
     EXPECT_TRUE(file.list("A", "none").empty());
+    EXPECT_EQ(file.groups(), (std::vector<std::string>{"", "A", "B"}));
+    EXPECT_EQ(KeyFile::read("[A][1]\nkey=x\n").groups(), (std::vector<std::string>{"", "A][1"}));
 }
 
 TEST(KeyFile, ResolvesEscapes) {

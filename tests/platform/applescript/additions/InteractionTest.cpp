@@ -4,11 +4,18 @@
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/UserInterface.h"
 #include "tests/platform/applescript/ScriptHome.h"
+#include "tests/platform/desktop/Desktop.h"
+#include "tests/support/DiskContents.h"
+#include "tests/support/Environment.h"
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac::applescript::test {
 
 namespace {
+
+using mac::test::EnvironmentVariable;
 
 std::string sourceOrErrorOf(std::u16string_view source) {
     ScriptError error;
@@ -37,6 +44,10 @@ public:
         firstColor = initial;
         return color;
     }
+    std::optional<std::vector<std::string>> chooseFiles(FileRequest const& request) override {
+        files = request;
+        return paths;
+    }
     std::u16string clipboardText() override { return clipboard; }
     void setClipboardText(std::u16string const& text) override { clipboard = text; }
     void notify(std::u16string const& title, std::u16string const& text) override { note = title + u": " + text; }
@@ -47,6 +58,8 @@ public:
     std::optional<std::vector<std::size_t>> chosen;
     ColorComponents firstColor{};
     std::optional<ColorComponents> color;
+    FileRequest files;
+    std::optional<std::vector<std::string>> paths;
     std::u16string clipboard;
     std::u16string note;
 };
@@ -54,8 +67,8 @@ public:
 TEST(Interaction, NobodyAnswersWithoutAScreen) {
     for (std::u16string_view const source :
          {u"display dialog \"a\"", u"display alert \"a\"", u"choose from list {1}", u"display notification \"a\"",
-          u"the clipboard", u"set the clipboard to 1", u"clipboard info", u"choose file", u"choose color",
-          u"choose URL", u"choose application"})
+          u"the clipboard", u"set the clipboard to 1", u"clipboard info", u"choose file", u"choose folder",
+          u"choose file name", u"choose color", u"choose URL", u"choose application"})
         EXPECT_EQ(sourceOrErrorOf(source), "No user interaction allowed. (-1713)") << utf8FromUnits(source);
 }
 
@@ -193,6 +206,89 @@ TEST(Interaction, ChoosesAColor) {
     EXPECT_EQ(sourceOrErrorOf(u"choose color default color {1, 70000, -2}"), "{65535, 1, 0}");
     EXPECT_EQ(person.firstColor, (ColorComponents{1, 65535, 0}));
     EXPECT_EQ(sourceOrErrorOf(u"choose color default color {1, 2}"), "Parameter error. (-50)");
+}
+
+TEST(Interaction, ChoosesFiles) {
+    ScriptHome const home;
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"choose file"), "User canceled. (-128)");
+    EXPECT_EQ(person.files.kind, FileRequest::Kind::File);
+    EXPECT_EQ(person.files.title, u"Choose a File");
+    EXPECT_FALSE(person.files.accepts);
+    person.paths = {home.path("Documents/f1.txt")};
+    EXPECT_EQ(sourceOrErrorOf(u"POSIX path of (choose file with prompt \"Which?\" with invisibles)"),
+              "\"" + home.path("Documents/f1.txt") + "\"");
+    EXPECT_EQ(person.files.title, u"Which?");
+    EXPECT_TRUE(person.files.showsHidden);
+    person.paths->push_back(home.path("Documents/f2.txt"));
+    EXPECT_EQ(sourceOrErrorOf(u"count (choose file with multiple selections allowed)"), "2");
+    EXPECT_TRUE(person.files.allowsSeveral);
+    person.paths = {home.path("none")};
+    EXPECT_TRUE(sourceOrErrorOf(u"choose file").ends_with("(-43)"));
+    std::u16string const folder = unitsFromFileSystemBytes(home.path("Documents"));
+    sourceOrErrorOf(u"choose file default location POSIX file \"" + folder + u"\"");
+    EXPECT_EQ(person.files.folder, home.path("Documents"));
+    EXPECT_TRUE(
+        sourceOrErrorOf(u"choose file default location POSIX file \"" + folder + u"/none\"").ends_with("(-43)"));
+}
+
+TEST(Interaction, ChoosesFilesOfTypes) {
+    ScriptHome const home;
+    std::string const text = home.path("Documents/f1.txt");
+    std::string const picture = home.folder().makeFile("a.png", "");
+    Person person;
+    struct Row {
+        std::u16string_view types;
+        bool acceptsText;
+        bool acceptsPicture;
+    };
+    for (Row const& row : {Row{u"\"txt\"", true, false}, Row{u"{\"public.image\"}", false, true},
+                           Row{u"{\"public.text\", \"PNG\"}", true, true}, Row{u"{\"TEXT\"}", true, false},
+                           Row{u"{\"public.folder\"}", false, false}, Row{u"{}", false, false}}) {
+        sourceOrErrorOf(u"choose file of type " + std::u16string(row.types));
+        ASSERT_TRUE(person.files.accepts) << utf8FromUnits(row.types);
+        EXPECT_EQ(person.files.accepts(text), row.acceptsText) << utf8FromUnits(row.types);
+        EXPECT_EQ(person.files.accepts(picture), row.acceptsPicture) << utf8FromUnits(row.types);
+        EXPECT_FALSE(person.files.accepts(home.path("none")));
+    }
+}
+
+TEST(Interaction, ChoosesAFolderAndANameForAFile) {
+    ScriptHome const home;
+    Person person;
+    EXPECT_EQ(sourceOrErrorOf(u"choose folder"), "User canceled. (-128)");
+    EXPECT_EQ(person.files.kind, FileRequest::Kind::Folder);
+    person.paths = {home.path("Documents")};
+    EXPECT_EQ(sourceOrErrorOf(u"POSIX path of (choose folder)"), "\"" + home.path("Documents/") + "\"");
+    person.paths = {home.path("new file")};
+    EXPECT_EQ(sourceOrErrorOf(u"POSIX path of (choose file name default name \"draft\")"),
+              "\"" + home.path("new file") + "\"");
+    EXPECT_EQ(person.files.kind, FileRequest::Kind::NewFile);
+    EXPECT_EQ(person.files.name, u"draft");
+    EXPECT_EQ(sourceOrErrorOf(u"class of (choose file name)"), "file");
+    EXPECT_EQ(person.files.name, u"untitled");
+}
+
+TEST(Interaction, OpensALocation) {
+    ScriptHome const home;
+    EnvironmentVariable const display("DISPLAY", ":of-nobody");
+    std::string const log = home.path("opened");
+    // Renamed when it is whole.
+    std::string const program = home.folder().makeFile("browser", "#!/bin/sh\necho \"$*\" >'" + log + ".new'\nmv '" +
+                                                                      log + ".new' '" + log + "'\n");
+    ASSERT_EQ(::chmod(program.c_str(), S_IRWXU), 0);
+    home.folder().makeFile(".local/share/applications/web.desktop",
+                           "[Desktop Entry]\nType=Application\nName=Web\nExec=" + program + " --open %u\n");
+    home.folder().makeFile(".config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=web.desktop\n");
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"HTTPS://example.org/?a=b%20c&d\""), "");
+    EXPECT_TRUE(mac::test::waitUntil([&] { return ::access(log.c_str(), F_OK) == 0; }));
+    EXPECT_EQ(mac::test::textOf(log), "--open HTTPS://example.org/?a=b%20c&d\n");
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"unknown:a\"").ends_with("(-10814)"));
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"file:///no/such/item\"").ends_with("(-1728)"));
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"no location\""), "Parameter error. (-50)");
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"-o:a\""), "Parameter error. (-50)");
+    EnvironmentVariable const noDisplay("DISPLAY", std::nullopt);
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"https://example.org/\"").ends_with("(-1713)"));
 }
 
 TEST(Interaction, ChoosesAURL) {

@@ -164,7 +164,8 @@ TEST_F(FolderIndex, IsReadOnlyIfEveryByteOfItsFormIsRight) {
     FolderLog::Note const a = logs[0].addFolder(top, "a", factsWith(3));
     logs[0].addName(a, "leaf");
     logs[0].addFolder(top, "b", factsWith(4));
-    std::vector<std::byte> const whole = index()->bytes();
+    std::optional<RememberedFolders> const made = index();
+    std::vector<std::byte> const whole(made->bytes().begin(), made->bytes().end());
     ASSERT_TRUE(RememberedFolders::parse(whole));
     for (std::size_t size = 1; size < whole.size(); ++size)
         EXPECT_FALSE(RememberedFolders::parse({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}));

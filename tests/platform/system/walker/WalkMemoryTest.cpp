@@ -1,9 +1,13 @@
 #include "platform/system/walker/WalkMemory.h"
+#include "fuzz/RememberedWalkTrial.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderLog.h"
+#include "tests/support/Corpus.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,7 +59,11 @@ TEST_F(KeptWalk, IsReadAsItWasWritten) {
     EXPECT_EQ(read->question, walk.question);
     EXPECT_EQ(read->start, walk.start);
     EXPECT_EQ(read->packages, walk.packages);
-    EXPECT_EQ(read->folders->bytes(), walk.folders->bytes());
+    EXPECT_TRUE(std::ranges::equal(read->folders->bytes(), walk.folders->bytes()));
+}
+
+TEST(RememberedWalk, OfTheCorpusHolds) {
+    expectNoComplaints("RememberedWalkFuzz", &fuzz::complaintAboutRememberedWalk);
 }
 
 TEST_F(KeptWalk, IsForThisUserAlone) {
@@ -81,7 +89,7 @@ TEST_F(KeptWalk, IsNoneWhereverItIsDamaged) {
         std::vector<std::byte> damaged = whole;
         damaged[i] ^= std::byte{0x40};
         EXPECT_FALSE(walkOfBytes(damaged)) << i;
-        EXPECT_FALSE(walkOfBytes(std::span(whole).first(i))) << i;
+        EXPECT_FALSE(walkOfBytes({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i)})) << i;
     }
     std::vector<std::byte> longer = whole;
     longer.push_back({});
@@ -130,6 +138,16 @@ TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
     EXPECT_FALSE(memory.keep(someWalk()).isDone());
     EXPECT_TRUE(memory.recall(someWalk().question));
     EXPECT_FALSE(recallAnew());
+}
+
+TEST_F(KeptWalk, MakesNoHomeThatIsMissing) {
+    TemporaryFolder const place;
+    WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return WalkStart; });
+    EXPECT_FALSE(memory.keep(someWalk()).isDone());
+    EXPECT_FALSE(std::filesystem::exists(place.path("no home")));
+    EXPECT_TRUE(memory.recall(someWalk().question));
+    std::filesystem::create_directory(place.path("no home"));
+    EXPECT_TRUE(memory.keep(someWalk()).isDone());
 }
 
 TEST_F(KeptWalk, ComesBackAfterItsFolderWasRemoved) {
