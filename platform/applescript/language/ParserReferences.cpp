@@ -95,6 +95,7 @@ Expression& ExpressionParser::attach(Expression& head, Expression& container) {
 
 // Null where the head can lie in nothing.
 Expression* ExpressionParser::attached(Expression& head, Expression& container) {
+    requireRoom();
     if (Expression** const place = containerOf(head)) {
         if (*place) return attached(**place, container) ? &head : nullptr;
         *place = &container;

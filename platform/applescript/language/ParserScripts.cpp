@@ -16,6 +16,7 @@ void ScriptParser::parseScriptBody(ScriptScope& scope, bool isOutermost) {
     ScriptDefinition& definition = *scope.definition;
     HandlerDefinition& run = m_tree->handlers.emplace_back();
     definition.run = &run;
+    definition.outsideHandlers = &run;
     run.name = identifierSymbol(u"run");
     BodyScope* const outerBody = m_body;
     bool const wasInHandler = std::exchange(m_inHandler, false);

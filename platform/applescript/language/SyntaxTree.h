@@ -67,6 +67,9 @@ struct ScriptDefinition {
     // The handlers that commands call.
     std::vector<HandlerDefinition*> commandHandlers{};
     HandlerDefinition* run{nullptr};
+    // The statements outside of handlers, which are `run` unless the script has a run handler of its own. What the
+    // properties of the scripts that stand there start with is evaluated with its locals, those of the outermost too.
+    HandlerDefinition const* outsideHandlers{nullptr};
     bool hasRunHandler{false};
     // Of the outermost script only: the variables that its statements and handlers' globals share.
     std::vector<Symbol> variables{};

@@ -17,7 +17,7 @@ Code classNamed(Expression const& expression) {
 }
 
 // What the part lies in. Null for what is no part, and for a part of what is examined itself.
-Expression const* containerOf(Expression const& expression) {
+Expression const* wholeAround(Expression const& expression) {
     if (PropertyReference const* const property = expression.as<PropertyReference>()) return property->container;
     ElementReference const* const element = expression.as<ElementReference>();
     return element ? element->container : nullptr;
@@ -25,9 +25,10 @@ Expression const* containerOf(Expression const& expression) {
 
 // Whether the operand of a condition is a part of what is examined: name, name of it, name of container.
 bool isOfExamined(Expression const& operand) {
+    requireStackRoom();
     if (operand.is<ItReference>()) return true;
     if (!operand.is<PropertyReference>() && !operand.is<ElementReference>()) return false;
-    Expression const* const container = containerOf(operand);
+    Expression const* const container = wholeAround(operand);
     if (!container) return true;
     Expression const& inner = unparenthesized(*container);
     return classNamed(inner) != 0 || isOfExamined(inner);
@@ -35,6 +36,7 @@ bool isOfExamined(Expression const& operand) {
 
 // `name of every file whose …` filters the files. A part by its name or identifier is not filtered, what it lies in is.
 Value filtered(Value const& base, Value const& test) {
+    requireStackRoom();
     SpecifierObject const& part = base.specifier();
     bool const isSingle = part.form == Form::Property || part.form == Form::Name || part.form == Form::Identifier;
     if (!isSingle || !part.container.is(ValueKind::Specifier))
@@ -50,6 +52,7 @@ public:
     explicit Condition(Evaluator& evaluator) : m_evaluator(evaluator) {}
 
     Value testOf(Expression const& expression) const {
+        requireStackRoom();
         Expression const& condition = unparenthesized(expression);
         UnaryOperation const* const unary = condition.as<UnaryOperation>();
         if (unary && unary->operation == Operation::Not) return made(Operation::Not, testOf(*unary->operand), Value());
@@ -75,10 +78,11 @@ private:
     }
 
     Value operand(Expression const& expression) const {
+        requireStackRoom();
         Expression const& part = unparenthesized(expression);
         if (part.is<ItReference>()) return propertySpecifier(termSymbol(codes::It, u"it"), Value());
         if (!isOfExamined(part)) return valueOf(m_evaluator, part);
-        Expression const* const outer = containerOf(part);
+        Expression const* const outer = wholeAround(part);
         bool const isInPart = outer && !unparenthesized(*outer).is<ItReference>();
         Value const container = isInPart ? examined(*outer) : Value();
         if (PropertyReference const* const property = part.as<PropertyReference>())

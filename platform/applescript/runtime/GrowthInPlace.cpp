@@ -1,5 +1,6 @@
 #include "platform/applescript/runtime/GrowthInPlace.h"
 #include "platform/applescript/language/Codes.h"
+#include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/ExpressionEvaluation.h"
@@ -39,8 +40,10 @@ Joined operandsOf(BinaryOperation const& sum) {
     return joined;
 }
 
-// Whether the value is had without running any handler, which could change the variables.
+// Whether the value is had without running any handler, which could change the variables. False as well for an
+// expression that is too deep to be looked through.
 bool runsNothing(Expression const& expression) {
+    if (!hasStackRoom()) return false;
     if (expression.is<Literal>() || expression.is<VariableReference>()) return true;
     if (UnaryOperation const* const unary = expression.as<UnaryOperation>()) return runsNothing(*unary->operand);
     if (BinaryOperation const* const binary = expression.as<BinaryOperation>())

@@ -17,16 +17,17 @@ std::optional<std::int32_t> plainOperand(Frame const& frame, Expression const& e
     return literal ? integerIn(frame.literals[literal->index]) : std::nullopt;
 }
 
-// Two integers of the language add up to no more than an integer of the machine holds; past the language's the sum is
-// no place in a list.
+// None past the integers of the language: such a sum is no place in a list.
 std::optional<std::int32_t> plainSum(Frame const& frame, BinaryOperation const& binary) {
     bool const isAddition = binary.operation == Operation::Add;
     if (!isAddition && binary.operation != Operation::Subtract) return {};
     std::optional<std::int32_t> const left = plainOperand(frame, *binary.left);
     std::optional<std::int32_t> const right = left ? plainOperand(frame, *binary.right) : std::nullopt;
     if (!right) return {};
-    std::int32_t const sum = isAddition ? *left + *right : *left - *right;
-    return sum >= LeastInteger && sum <= MostInteger ? std::optional(sum) : std::nullopt;
+    std::int64_t const first = *left;
+    std::int64_t const sum = isAddition ? first + *right : first - *right;
+    bool const isInteger = sum >= LeastInteger && sum <= MostInteger;
+    return isInteger ? std::optional(static_cast<std::int32_t>(sum)) : std::nullopt;
 }
 
 std::optional<std::int32_t> plainInteger(Frame const& frame, Expression const& expression) {

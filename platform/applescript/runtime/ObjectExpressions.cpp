@@ -10,6 +10,15 @@
 
 namespace mac::applescript {
 
+namespace {
+
+// What an application answers for the property need not be a boolean.
+bool isRunning(Value const& running, Code type, TextContext const& context) {
+    return requireBoolean(getInApplication(running, type, context), context);
+}
+
+} // namespace
+
 Value evaluateDate(Evaluator& evaluator, DateExpression const& date) {
     TextContext const& context = evaluator.context();
     Value written = resolved(valueOf(evaluator, *date.text), context);
@@ -50,12 +59,12 @@ Value evaluateRunning(Evaluator& evaluator, RunningTest const& test) {
     Value const left = unaskedValue(evaluator, *test.application);
     Value const running = propertySpecifier(termSymbol(codes::Running, u"running"), left);
     bool const asks = test.operation == Operation::Running;
-    if (isInApplication(left)) return Value::boolean(getInApplication(running, 0, context).asBoolean() == asks);
+    if (isInApplication(left)) return Value::boolean(isRunning(running, 0, context) == asks);
     Value const application = resolved(left, context);
     if (!application.is(ValueKind::Application)) throw cannotGet(running);
     bool const isKnown = application.application().byIdentifier || applicationOf(application.application());
     if (!isKnown) return Value::boolean(!asks);
-    return Value::boolean(getInApplication(running, codes::BooleanType, context).asBoolean() == asks);
+    return Value::boolean(isRunning(running, codes::BooleanType, context) == asks);
 }
 
 Value evaluateCount(Evaluator& evaluator, CountExpression const& count) {

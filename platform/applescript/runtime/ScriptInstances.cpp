@@ -35,16 +35,20 @@ Value instantiate(Evaluator& evaluator, ScriptDefinition const& definition,
                   std::shared_ptr<LoadedTree const> const& tree, ScriptObject* enclosing) {
     Value made = makeObject<ScriptObject>(ValueKind::Script, tree, definition, enclosing);
     ScriptObject& script = made.script();
-    std::vector<Value> locals(evaluator.hasFrame() ? 0 : definition.run->localCount);
+    // The locals of the body around the script, in which its properties were resolved, and those of the script's own
+    // statements, in which the properties of the script objects that stand among them were.
+    std::vector<Value> inside(definition.outsideHandlers->localCount);
+    Value* const around = enclosing ? evaluator.frame().locals : inside.data();
     Frame frame{.script = &script,
                 .outermost = &script.outermost(),
                 .literals = script.literals(),
-                .locals = evaluator.hasFrame() ? evaluator.frame().locals : locals.data(),
+                .locals = around,
                 .me = made,
                 .it = made};
     EnteredFrame const entered(evaluator, frame);
     for (std::size_t index = 0; index < definition.properties.size(); ++index) {
         PropertyDefinition const& property = definition.properties[index];
+        frame.locals = property.initial->is<ScriptExpression>() ? inside.data() : around;
         script.properties[index] = valueOf(evaluator, *property.initial);
         if (property.name->code == codes::Parent) script.parentValue = script.properties[index];
     }

@@ -176,7 +176,7 @@ private:
 
     void bindError(TryStatement const& statement, ScriptError const& error) const {
         setVariable(statement.message, Value::text(error.message));
-        setVariable(statement.number, Value::integer(error.number));
+        setVariable(statement.number, Value::number(error.number));
         setVariable(statement.from, error.from);
         setVariable(statement.to, error.to);
         setVariable(statement.partialResult, error.partialResult.isNothing() ? Value::list() : error.partialResult);

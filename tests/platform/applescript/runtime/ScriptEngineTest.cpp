@@ -76,6 +76,44 @@ TEST(ScriptEngine, AListNestedWhileRunningIsTakenDown) {
     EXPECT_EQ(script.run({}).value.asInteger(), 1);
 }
 
+std::int32_t runErrorNumber(std::u16string_view source) {
+    ScriptOutcome const outcome = compiled(source).run({});
+    return outcome.error ? outcome.error->number : 0;
+}
+
+// What a property starts with is no local of the handlers.
+TEST(ScriptEngine, APropertyThatStartsWithALocalIsNotDefined) {
+    EXPECT_EQ(runErrorNumber(u"local y\nproperty p : y\non run\nend run"), errors::VariableNotDefined);
+    EXPECT_EQ(runErrorNumber(u"local a, b, c\nproperty p : {a, b, c}\non run x\nend run"), errors::VariableNotDefined);
+}
+
+TEST(ScriptEngine, APropertyOfANestedScriptObjectSeesNoLocalsAroundTheOuterOne) {
+    EXPECT_EQ(runErrorNumber(u"script A\nscript B\nproperty p : x\nend script\nend script"),
+              errors::VariableNotDefined);
+    EXPECT_EQ(runErrorNumber(u"on make1()\nset v to 5\nscript A\nscript B\nproperty p : x\nend script\nend "
+                             u"script\nreturn p of B of A\nend make1\nmake1()"),
+              errors::VariableNotDefined);
+    EXPECT_EQ(compiled(u"on make1(v)\nscript A\nproperty p : v\nend script\nreturn p of A\nend make1\nmake1(7)")
+                  .run({})
+                  .value.asInteger(),
+              7);
+}
+
+TEST(ScriptEngine, AContainerOfManyOwnersOverflowsTheStack) {
+    EXPECT_EQ(compileErrorNumber(u"a" + repeated(u"'s a", Enough) + u" of b"), errors::StackOverflow);
+}
+
+TEST(ScriptEngine, AnAddedOperandOfManyTermsOverflowsTheStack) {
+    EXPECT_EQ(runErrorNumber(u"set x to {1}\nset x to x & 1 & {1" + repeated(u"+1", Many) + u"}"),
+              errors::StackOverflow);
+}
+
+TEST(ScriptEngine, WhatAnObjectOfAnApplicationSaysToRunningMustBeABoolean) {
+    EXPECT_EQ(runErrorNumber(u"tell application \"System Events\" to (every process whose name is \"no such\") is "
+                             u"running"),
+              errors::CannotCoerce);
+}
+
 TEST(ScriptEngine, PeopleReadResultsWithoutQuotesAndBrackets) {
     struct Row {
         std::u16string_view source;
