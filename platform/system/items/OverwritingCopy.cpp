@@ -129,7 +129,10 @@ public:
     // removed. If that cannot be done the copy keeps the name: OriginalStays.
     Copied takeBack(SystemError const& reason) const {
         Copied const sidecars = exchangeSidecars();
-        Copied const back = sidecars.isDone() ? swapBack() : sidecars;
+        // The old item's sidecar is in its place; the copy's goes with the copy.
+        bool const isApart = !sidecars.isDone() && sidecars.problem().kind == OriginalStays;
+        if (isApart && m_copy.sidecar) m_copy.sidecar->name = sidecars.problem().error.item;
+        Copied const back = sidecars.isDone() || isApart ? swapBack() : sidecars;
         if (isOldBack(back)) return TransferProblem{.error = reason};
         // The old item's sidecar stays with it.
         bool const isOldThere = isItem(m_folder, m_temporary, m_old.item);
