@@ -61,10 +61,10 @@ OSStatus copyInto(OpenItem const& item, FileDescriptor const& folder, std::strin
     bool const isOverwriting = (options & kFSFileOperationOverwrite) != 0;
     Result<void, TransferProblem> const copied = isOverwriting ? copyItemOver(transfer) : copyItem(transfer);
     // The status cannot tell where it is.
-    if (!copied.isDone() && copied.problem().kind != TransferProblem::Kind::NotDone)
+    if (!copied.isDone() && copied.problem().strandedName)
         NSLog("The item that was to be replaced by %@ is now at the name %@ beside it",
               NSString::stringWithFileSystemRepresentation_(transfer.name),
-              NSString::stringWithFileSystemRepresentation_(copied.problem().error.item));
+              NSString::stringWithFileSystemRepresentation_(*copied.problem().strandedName));
     return changeStatus(copied);
 }
 

@@ -76,10 +76,8 @@ public:
         if (m_sidecar) {
             if (PutBack const followed = moveSidecar(); !followed.isDone()) return takeBack(followed.problem());
         }
-        if (Result<void> const forgotten = removeInformation(m_item.trash, m_item.name); !forgotten.isDone()) {
-            takeSidecarBack();
+        if (Result<void> const forgotten = removeInformation(m_item.trash, m_item.name); !forgotten.isDone())
             return takeBack(cannotPutBack(forgotten.problem()));
-        }
         // A record of a sidecar alone is shown by no program, and goes when the trash is next emptied.
         if (m_sidecar) static_cast<void>(removeInformation(m_item.trash, m_sidecar->name));
         followMovedItem(m_folder, m_name);
@@ -117,9 +115,10 @@ private:
             m_name);
     }
 
-    PutBack moveSidecar() const {
+    PutBack moveSidecar() {
         Result<void, RenameProblem> const followed = renameItem(m_sidecar->file, {m_item.trash.files, m_sidecar->name},
                                                                 {m_folder, m_sidecarName}, renameStepsOf(m_steps));
+        m_hasSidecarFollowed = followed.isDone();
         // A sidecar that another process has removed meanwhile is no longer the item's.
         bool const isGone =
             !followed.isDone() && !followed.problem().movedWrongItem && followed.problem().error.is(ENOENT);
@@ -134,21 +133,29 @@ private:
         return cannotPutBack(problem.error);
     }
 
-    // Moves the item into the trash again, because its sidecar could not follow or its record could not go.
+    // Moves the item into the trash again, because its sidecar could not follow or its record could not go. The sidecar
+    // follows, or the item comes back to it.
     TrashProblem takeBack(TrashProblem problem) const {
-        Result<void, RenameProblem> const back =
-            renameItem(m_item.item, {m_folder, m_name}, {m_item.trash.files, m_item.name}, renameStepsOf(m_steps));
-        if (back.isDone())
-            followMovedItem(m_item.trash.files, m_item.name);
-        else
+        bool const isBack = moveIntoTrash(m_item.item, m_name, m_item.name);
+        if (isBack) followMovedItem(m_item.trash.files, m_item.name);
+        bool const isSidecarApart = isBack && m_hasSidecarFollowed && !takeSidecarBack();
+        bool const isTogether = isSidecarApart && moveItem().isDone();
+        if (isTogether) followMovedItem(m_folder, m_name);
+        if (!isBack || isTogether)
             problem.text += "; the item is now at " + shownPath(m_path);
+        else if (isSidecarApart)
+            problem.text += "; the file beside it is now at " + shownPath(pathOf(m_sidecarName));
         return problem;
     }
 
-    void takeSidecarBack() const {
-        if (!m_sidecar) return;
-        static_cast<void>(renameItem(m_sidecar->file, {m_folder, m_sidecarName}, {m_item.trash.files, m_sidecar->name},
-                                     renameStepsOf(m_steps)));
+    // False if the sidecar is still beside the original path.
+    bool takeSidecarBack() const {
+        if (moveIntoTrash(m_sidecar->file, m_sidecarName, m_sidecar->name)) return true;
+        return !confirmItemInFolder(m_folder, m_sidecarName, m_sidecar->file).isDone();
+    }
+
+    bool moveIntoTrash(FileDescriptor const& item, std::string const& from, std::string const& to) const {
+        return renameItem(item, {m_folder, from}, {m_item.trash.files, to}, renameStepsOf(m_steps)).isDone();
     }
 
     std::string pathOf(std::string const& name) const { return BytePath(BytePath(m_path).parent()).joined(name); }
@@ -160,6 +167,7 @@ private:
     std::string m_name{};
     std::optional<OpenSidecar> m_sidecar{};
     std::string m_sidecarName{};
+    bool m_hasSidecarFollowed{false};
 };
 
 Result<std::string, TrashProblem> putBackFound(Result<ItemInTrash, TrashProblem> const& found,

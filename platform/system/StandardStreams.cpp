@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstddef>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace mac {
@@ -33,6 +34,14 @@ void holdSignal(int number) {
     ::sigaction(number, &action, nullptr);
 }
 
+// Waits until a stream that does not block takes more, or fails.
+Result<void> waitToWrite(StandardStream stream) {
+    pollfd waited{.fd = descriptorOf(stream), .events = POLLOUT, .revents = 0};
+    if (::poll(&waited, 1, -1) >= 0) return {};
+    SystemError error = lastSystemError("poll", nameOf(stream));
+    return error.is(EINTR) ? Result<void>() : error;
+}
+
 } // namespace
 
 bool isTerminal(StandardStream stream) { return ::isatty(descriptorOf(stream)) == 1; }
@@ -43,7 +52,9 @@ Result<void> writeTo(StandardStream stream, std::string_view bytes) {
         if (count < 0) {
             SystemError error = lastSystemError("write", nameOf(stream));
             if (error.is(EINTR)) continue;
-            return error;
+            if (!error.is(EAGAIN)) return error;
+            if (Result<void> const waited = waitToWrite(stream); !waited.isDone()) return waited;
+            continue;
         }
         bytes.remove_prefix(static_cast<std::size_t>(count));
     }

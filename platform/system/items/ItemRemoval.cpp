@@ -81,35 +81,103 @@ Result<void> removeSidecar(OpenItem const& item, OpenSidecar const& sidecar) {
     ItemIdentity const& identity = identified.value().identity;
     Result<void> removed = removeTree(item.folder, sidecar.name, identity);
     if (!removed.isDone()) removed = removeTree(item.folder, sidecar.name, identity);
-    return removed.isDone() || removed.problem().is(ENOENT) ? Result<void>() : removed;
+    // What has its name by then is not the folder's.
+    bool const isGone = removed.isDone() || removed.problem().is(ENOENT) || removed.problem().is(ESTALE);
+    return isGone ? Result<void>() : removed;
 }
 
-// Removes one item that holds no others, and its sidecar, or neither: both lie aside before the first one goes. A
-// sidecar whose last name cannot be removed then goes with the leftovers of this process.
-Result<void> removeWithSidecar(OpenItem const& item, ItemStatus const& status, OpenSidecar const& sidecar) {
-    FileDescriptor const& folder = item.folder;
+// The sidecar of an item that is removed: it lies aside while the item goes, and comes back if the item stays.
+class LeavingSidecar {
+public:
+    // The name goes with this process while the sidecar has it. Both others must outlive the object.
+    LeavingSidecar(OpenItem const& item, OpenSidecar const& sidecar, std::string aside)
+        : m_item(item), m_sidecar(sidecar), m_aside(std::move(aside)) {}
+
+    Result<void> leave() {
+        FileDescriptor const& folder = m_item.folder;
+        if (Result<void> const away = moveAside(folder, m_sidecar.name, m_aside); !away.isDone())
+            return away.problem().is(ENOENT) ? Result<void>() : away;
+        Result<void> const isSidecar = confirmItemInFolder(folder, m_aside, m_sidecar.file);
+        m_isAside = isSidecar.isDone();
+        if (m_isAside || giveNameBack().isDone()) return isSidecar;
+        SystemError problem = isSidecar.problem();
+        problem.item = m_aside;
+        return problem;
+    }
+
+    // A sidecar that cannot come back gets a name that it keeps if this process is killed; the error tells it.
+    Result<void> comeBack() {
+        if (!m_isAside) return {};
+        m_isAside = false;
+        // Where renaming takes steps, the name can be back although the one aside cannot go: it goes with the
+        // leftovers.
+        m_isBack = giveNameBack().isDone() || giveNameBack().isDone() ||
+                   confirmItemInFolder(m_item.folder, m_sidecar.name, m_sidecar.file).isDone();
+        if (m_isBack) return {};
+        SystemError problem{.code = EEXIST, .operation = "rename", .item = m_aside};
+        Result<std::string> const kept = asideName(MarkOfNoItem);
+        if (kept.hasValue() && moveAside(m_item.folder, m_aside, kept.value()).isDone()) problem.item = kept.value();
+        return problem;
+    }
+
+    // Takes the sidecar away again if another item has the name of its own by now.
+    void followItem() const {
+        if (!m_isBack) return;
+        Result<void> const isThere = confirmItemInFolder(m_item.folder, m_item.name, m_item.item);
+        bool const isElsewhere = !isThere.isDone() && (isThere.problem().is(ENOENT) || isThere.problem().is(ESTALE));
+        if (!isElsewhere || !confirmItemInFolder(m_item.folder, m_sidecar.name, m_sidecar.file).isDone()) return;
+        static_cast<void>(moveAside(m_item.folder, m_sidecar.name, m_aside));
+    }
+
+    // If it cannot be removed, it goes with the leftovers of this process.
+    void remove() const {
+        if (!m_isAside) return;
+        while (::unlinkat(m_item.folder.number(), m_aside.c_str(), 0) != 0 && errno == EINTR) {}
+    }
+
+private:
+    Result<void> giveNameBack() const {
+        return renameWithoutReplacing(m_item.folder, m_aside, m_item.folder, m_sidecar.name);
+    }
+
+    OpenItem const& m_item;
+    OpenSidecar const& m_sidecar;
+    std::string m_aside;
+    bool m_isAside{false};
+    bool m_isBack{false};
+};
+
+// Removes one item in the state that it has now.
+Result<void> removeNowWithSidecar(OpenItem const& item, OpenSidecar const& sidecar, RemovalSteps const& steps) {
+    Result<ItemStatus> const status = statusOf(item.item);
+    if (!status.hasValue()) return status.problem();
     Result<ItemStatus> const beside = statusOf(sidecar.file);
     if (!beside.hasValue()) return beside.problem();
-    Result<std::string> const aside = asideName(markOf(beside.value()));
+    Result<std::string> aside = asideName(markOf(beside.value()));
     if (!aside.hasValue()) return aside.problem();
-    bool isAside = false;
-    Result<void> const removed = removeExactly(folder, item.name, status, {}, [&]() -> Result<void> {
-        if (Result<void> const away = moveAside(folder, sidecar.name, aside.value()); !away.isDone())
-            return away.problem().is(ENOENT) ? Result<void>() : away;
-        Result<void> const isSidecar = confirmItemInFolder(folder, aside.value(), sidecar.file);
-        isAside = isSidecar.isDone();
-        if (isAside || renameWithoutReplacing(folder, aside.value(), folder, sidecar.name).isDone()) return isSidecar;
-        SystemError problem = isSidecar.problem();
-        problem.item = aside.value();
-        return problem;
-    });
-    if (!isAside) return removed;
-    if (!removed.isDone()) {
-        static_cast<void>(renameWithoutReplacing(folder, aside.value(), folder, sidecar.name));
-        return removed;
+    LeavingSidecar leaving(item, sidecar, aside.takeValue());
+    Result<void> const removed =
+        removeExactly(item.folder, item.name, status.value(), steps,
+                      {.leave = [&] { return leaving.leave(); }, .comeBack = [&] { return leaving.comeBack(); }});
+    if (removed.isDone())
+        leaving.remove();
+    else
+        leaving.followItem();
+    return removed;
+}
+
+// Removes one item that holds no others, and its sidecar, or neither: both lie aside before the first one goes. An item
+// that another process is writing changes between two looks, and is tried several times.
+Result<void> removeWithSidecar(OpenItem const& item, OpenSidecar const& sidecar, RemovalSteps const& steps = {}) {
+    constexpr unsigned mostTries = 8;
+    for (unsigned tries = 1;; ++tries) {
+        Result<void> const removed = removeNowWithSidecar(item, sidecar, steps);
+        // The error of an item that lies elsewhere now tells another name.
+        bool const hasChanged =
+            !removed.isDone() && removed.problem().is(ESTALE) && removed.problem().item == item.name;
+        bool const isWritten = hasChanged && confirmItemInFolder(item.folder, item.name, item.item).isDone();
+        if (!isWritten || tries == mostTries) return removed;
     }
-    while (::unlinkat(folder.number(), aside.value().c_str(), 0) != 0 && errno == EINTR) {}
-    return {};
 }
 
 } // namespace
@@ -133,7 +201,7 @@ Result<void> removeEmptyItem(OpenItem const& item) {
     }
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(item.folder, item.name);
     if (!sidecar.hasValue()) return sidecar.problem();
-    if (sidecar.value()) return removeWithSidecar(item, status.value(), *sidecar.value());
+    if (sidecar.value()) return removeWithSidecar(item, *sidecar.value());
     return removeExactly(item.folder, item.name, status.value());
 }
 
@@ -156,11 +224,9 @@ Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions)
         Result<void> const removed = removal.run();
         return removed.isDone() ? removeSidecar(item, *sidecar.value()) : removed;
     }
-    Result<ItemStatus> const status = statusOf(item.item);
-    if (!status.hasValue()) return status.problem();
     if (Result<void> const looked = removal.look(); !looked.isDone()) return looked;
     if (questions.willRemove) questions.willRemove(item.name);
-    return removeWithSidecar(item, status.value(), *sidecar.value());
+    return removeWithSidecar(item, *sidecar.value(), questions.steps);
 }
 
 } // namespace mac

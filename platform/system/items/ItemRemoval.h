@@ -2,6 +2,7 @@
 
 #include "platform/system/Result.h"
 #include "platform/system/items/OpenItem.h"
+#include "platform/system/items/TreeRemoval.h"
 #include <functional>
 #include <string>
 
@@ -17,6 +18,8 @@ struct RemovalQuestions {
     // Called after each failure below or at a folder, at most once for each path; the removal ends if it answers false.
     // If empty, the removal ends.
     std::function<bool(std::string const& path, SystemError const& error)> shouldContinueAfter{};
+    // Called after each step of the removal of a file that has a sidecar.
+    RemovalSteps steps{};
 };
 
 // Removes the item (TreeRemoval.h) and its AppleDouble sidecar. What must stay is looked for first, so that nothing is

@@ -6,6 +6,8 @@
 #include "platform/system/items/OpenItem.h"
 #include "platform/system/items/TreeRemoval.h"
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace mac {
 
@@ -31,6 +33,9 @@ struct TransferProblem {
 
     Kind kind{Kind::NotDone};
     SystemError error{};
+    // The temporary name, in the folder, of an item that was to be replaced and could not get its own name back. See
+    // OverwritingCopy.h.
+    std::optional<std::string> strandedName{};
 };
 
 // Gives the item its name. Fails with EEXIST, once the item is complete, if the name is taken.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <mutex>
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -78,24 +79,46 @@ void removeEarlyName(FileDescriptor const& folder, std::vector<FolderEntry> cons
 
 bool isSidecarName(std::string_view name) { return name.starts_with(AppleDoubleSidecar::namePrefix); }
 
-// Whether the sidecar of an item that was moved aside to go, which the marks do not tell, has outlived it.
-bool hasLostItem(FileDescriptor const& folder, std::string const& name, ParsedTemporaryName const& parsed) {
-    if (!isSidecarName(name) || parsed.mark == MarkOfNoItem) return false;
-    Result<ItemPlace> const item = placeOf(folder, name.substr(AppleDoubleSidecar::namePrefix.size()));
-    return !item.hasValue() && item.problem().is(ENOENT);
-}
+// Removes the leftovers of ended processes in one folder: items first, then the sidecars that they leave.
+class LeftoversRemoval {
+public:
+    // All must outlive the object.
+    LeftoversRemoval(FileDescriptor const& folder, ItemStatus const& status, std::vector<FolderEntry> const& entries)
+        : m_folder(folder), m_status(status), m_entries(entries) {}
 
-// False if the item stays.
-bool removeLeftover(FileDescriptor const& folder, ItemStatus const& folderStatus, std::string const& name,
-                    ParsedTemporaryName const& parsed, std::vector<FolderEntry> const& entries) {
-    Result<ItemStatus> const item = statusOf(folder, name);
-    if (!item.hasValue()) return item.problem().is(ENOENT);
-    if (!isOurs(folderStatus, item.value())) return false;
-    if (!parsed.accepts(markOf(item.value())) && !hasLostItem(folder, name, parsed)) return false;
-    if (item.value().isFile() && item.value().links > 1) removeEarlyName(folder, entries, item.value());
-    Result<void> const removed = removeTree(folder, name, item.value().place.identity, {.makesAccessible = true});
-    return removed.isDone() || removed.problem().is(ENOENT);
-}
+    // False if the item stays.
+    bool remove(std::string const& name, ParsedTemporaryName const& parsed) {
+        Result<ItemStatus> const item = statusOf(m_folder, name);
+        if (!item.hasValue()) return item.problem().is(ENOENT);
+        if (!isOurs(m_status, item.value())) return false;
+        if (!parsed.accepts(markOf(item.value())) && !hasLostItem(name, parsed)) return false;
+        if (item.value().isFile() && item.value().links > 1) removeEarlyName(m_folder, m_entries, item.value());
+        Result<void> const removed = removeTree(m_folder, name, item.value().place.identity, {.makesAccessible = true});
+        if (removed.isDone()) m_removed.insert(name);
+        return removed.isDone() || removed.problem().is(ENOENT);
+    }
+
+private:
+    // Whether the sidecar of an item that was moved aside to go, which the marks do not tell, has outlived it. An item
+    // that has not that name any more may have got its own one back without its sidecar.
+    bool hasLostItem(std::string const& name, ParsedTemporaryName const& parsed) const {
+        if (!isSidecarName(name) || parsed.mark == MarkOfNoItem) return false;
+        std::string const item = name.substr(AppleDoubleSidecar::namePrefix.size());
+        if (m_removed.contains(item)) return true;
+        Result<ItemPlace> const place = placeOf(m_folder, item);
+        bool const isGone = !place.hasValue() && place.problem().is(ENOENT);
+        return isGone && std::ranges::none_of(m_entries, [&](FolderEntry const& entry) {
+                   Result<ItemStatus> const status = statusOf(m_folder, entry.name);
+                   if (!status.hasValue()) return !status.problem().is(ENOENT);
+                   return parsed.accepts(markOf(status.value()));
+               });
+    }
+
+    FileDescriptor const& m_folder;
+    ItemStatus const& m_status;
+    std::vector<FolderEntry> const& m_entries;
+    std::set<std::string> m_removed{};
+};
 
 } // namespace
 
@@ -107,16 +130,17 @@ std::vector<std::string> removeLeftovers(FileDescriptor const& folder) {
     Result<std::vector<FolderEntry>> entries = entriesOf(listed.value());
     if (!entries.hasValue()) return {};
     // Items first, then the sidecars that they leave.
-    std::ranges::stable_partition(entries.value(), [](FolderEntry const& entry) { return !isSidecarName(entry.name); });
+    std::stable_partition(entries.value().begin(), entries.value().end(),
+                          [](FolderEntry const& entry) { return !isSidecarName(entry.name); });
     knownFolders().remember(status.value());
     std::vector<std::string> inDoubt;
+    LeftoversRemoval removal(listed.value(), status.value(), entries.value());
     for (FolderEntry const& entry : entries.value()) {
         std::optional<ParsedTemporaryName> const name = parseTemporaryName(entry.name);
         if (!name) continue;
         OwnerState const owner = stateOf(name->owner, sharingOf(status.value()));
         if (owner == OwnerState::Runs) continue;
-        bool const isGone = owner == OwnerState::HasEnded &&
-                            removeLeftover(listed.value(), status.value(), entry.name, *name, entries.value());
+        bool const isGone = owner == OwnerState::HasEnded && removal.remove(entry.name, *name);
         if (!isGone) inDoubt.push_back(entry.name);
     }
     return inDoubt;

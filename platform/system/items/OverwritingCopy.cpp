@@ -100,8 +100,7 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
 class Exchange {
 public:
     // All must outlive the object.
-    Exchange(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy const& copy,
-             OverwritingSteps const& steps)
+    Exchange(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy& copy, OverwritingSteps const& steps)
         : m_folder(folder), m_old(old), m_copy(copy), m_temporary(copy.item.name), m_steps(steps),
           m_sidecar(AppleDoubleSidecar::nameFor(old.name)),
           m_temporarySidecar(AppleDoubleSidecar::nameFor(m_temporary)) {}
@@ -120,7 +119,7 @@ public:
         // The copy is complete with its sidecar.
         if (followed.problem().kind == OriginalStays) return stranded(followed.problem().error);
         Copied const back = swapBack();
-        if (isItem(m_folder, m_temporary, m_copy.item.item)) return followed;
+        if (isOldBack(back)) return followed;
         if (!back.isDone() && !isThere(m_folder, m_temporary))
             return TransferProblem{.kind = MovedWrongItem, .error = back.problem().error};
         return stranded(followed.problem().error);
@@ -130,9 +129,14 @@ public:
     // removed. If that cannot be done the copy keeps the name: OriginalStays.
     Copied takeBack(SystemError const& reason) const {
         Copied const sidecars = exchangeSidecars();
-        Copied const back = sidecars.isDone() ? swapBack() : sidecars;
-        if (isItem(m_folder, m_temporary, m_copy.item.item)) return TransferProblem{.error = reason};
-        if (sidecars.isDone()) static_cast<void>(exchangeSidecars());
+        // The old item's sidecar is in its place; the copy's goes with the copy.
+        bool const isApart = !sidecars.isDone() && sidecars.problem().kind == OriginalStays;
+        if (isApart && m_copy.sidecar) m_copy.sidecar->name = sidecars.problem().error.item;
+        Copied const back = sidecars.isDone() || isApart ? swapBack() : sidecars;
+        if (isOldBack(back)) return TransferProblem{.error = reason};
+        // The old item's sidecar stays with it.
+        bool const isOldThere = isItem(m_folder, m_temporary, m_old.item);
+        if (sidecars.isDone() && isOldThere) static_cast<void>(exchangeSidecars());
         return stranded(reason);
     }
 
@@ -165,6 +169,15 @@ private:
         if (!isCopy.isDone()) return asCopied(isCopy);
         Result<ItemStatus> const copy = statusOf(m_copy.item.item);
         return exchange(m_temporary, m_old.name, copy.hasValue() ? markOf(copy.value()) : MarkOfNoItem);
+    }
+
+    // Whether the old item has its own name again after swapBack(). A copy that is under a third name then is known by
+    // that.
+    bool isOldBack(Copied const& back) const {
+        if (isItem(m_folder, m_temporary, m_copy.item.item)) return true;
+        if (!isItem(m_folder, m_old.name, m_old.item)) return false;
+        if (!back.isDone()) m_copy.item.name = back.problem().error.item;
+        return true;
     }
 
     // The item that has the temporary name cannot go back, and stays. The old item goes with the leftovers of this
@@ -213,8 +226,8 @@ private:
 
     FileDescriptor const& m_folder;
     OpenItem const& m_old;
-    TemporaryCopy const& m_copy;
-    std::string const& m_temporary;
+    TemporaryCopy& m_copy;
+    std::string m_temporary;
     OverwritingSteps const& m_steps;
     std::string m_sidecar;
     std::string m_temporarySidecar;
@@ -266,7 +279,8 @@ struct RemovalProblem {
 
 // Removes a folder under a name that goes with this process whatever is in it by then: once its contents begin to go,
 // nothing else would tell it. Tries again after an error of the moment.
-Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::string const& name) {
+Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::optional<OpenSidecar> const& sidecar,
+                                          std::string const& name) {
     Result<IdentifiedItem> const identified = identify(old.item);
     if (!identified.hasValue()) return RemovalProblem{.error = identified.problem()};
     if (Result<void> const named = moveAside(old.folder, old.name, name); !named.isDone())
@@ -277,12 +291,21 @@ Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::string const
         bool const isBack = renameWithoutReplacing(old.folder, name, old.folder, old.name).isDone();
         return RemovalProblem{.error = isOld.problem(), .isWhole = isBack};
     }
+    std::string const sidecarName = AppleDoubleSidecar::nameFor(name);
+    bool const follows = sidecar && moveAside(old.folder, sidecar->name, sidecarName).isDone();
     Result<void> removed = removeTree(old.folder, name, identity);
     if (!removed.isDone()) removed = removeTree(old.folder, name, identity);
-    if (removed.isDone() || removed.problem().is(ENOENT)) return {};
-    SystemError error = removed.problem();
-    error.item = name;
-    return RemovalProblem{.error = std::move(error), .isWhole = false};
+    if (!removed.isDone() && !removed.problem().is(ENOENT)) {
+        SystemError error = removed.problem();
+        error.item = name;
+        return RemovalProblem{.error = std::move(error), .isWhole = false};
+    }
+    if (!sidecar) return {};
+    Result<IdentifiedItem> const beside = identify(sidecar->file);
+    // If it stays, it goes with the leftovers of this process: its folder is gone.
+    if (beside.hasValue())
+        static_cast<void>(removeTree(old.folder, follows ? sidecarName : sidecar->name, beside.value().identity));
+    return {};
 }
 
 // Removes the old item, which has the copy's temporary name now, with its sidecar.
@@ -303,12 +326,15 @@ Result<void, RemovalProblem> removeOld(FileDescriptor const& folder, OpenItem co
         return RemovalProblem{.error = may.problem()};
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(folder, temporary);
     if (!sidecar.hasValue()) return RemovalProblem{.error = sidecar.problem()};
-    Result<void, RemovalProblem> const removed = removeFolder(leaving.value(), copy.firstName);
-    if (!removed.isDone() || !sidecar.value()) return removed;
-    Result<IdentifiedItem> const beside = identify(sidecar.value()->file);
-    // If it stays, it goes with the leftovers of this process: its folder is gone.
-    if (beside.hasValue()) static_cast<void>(removeTree(folder, sidecar.value()->name, beside.value().identity));
-    return {};
+    return removeFolder(leaving.value(), sidecar.value(), copy.firstName);
+}
+
+// Tells under which temporary name an item lies that could not get its own one back.
+TransferProblem withStrandedName(FileDescriptor const& folder, TransferProblem problem) {
+    std::string const& name = problem.error.item;
+    bool const isStranded = problem.kind != TransferProblem::Kind::NotDone && parseTemporaryName(name);
+    if (isStranded && isThere(folder, name)) problem.strandedName = name;
+    return problem;
 }
 
 } // namespace
@@ -341,16 +367,18 @@ Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, Overwri
     Exchange const exchange(transfer.folder, old.value(), complete, steps);
     if (Copied const exchanged = exchange.run(); !exchanged.isDone()) {
         removeTemporary(transfer.folder, complete);
-        return exchanged;
+        return withStrandedName(transfer.folder, exchanged.problem());
     }
     if (steps) steps(OverwritingStep::Exchanged);
     Result<void, RemovalProblem> const removed = removeOld(transfer.folder, old.value(), complete);
     if (removed.isDone()) return {};
     RemovalProblem const& problem = removed.problem();
-    if (!problem.isWhole) return TransferProblem{.kind = TransferProblem::Kind::OriginalStays, .error = problem.error};
+    if (!problem.isWhole)
+        return withStrandedName(transfer.folder,
+                                {.kind = TransferProblem::Kind::OriginalStays, .error = problem.error});
     Copied const back = exchange.takeBack(problem.error);
     removeTemporary(transfer.folder, complete);
-    return back;
+    return withStrandedName(transfer.folder, back.problem());
 }
 
 } // namespace mac

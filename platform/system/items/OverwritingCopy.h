@@ -29,8 +29,8 @@ using OverwritingSteps = std::function<void(OverwritingStep)>;
 // another item takes its place meanwhile; an old item of which nothing could be removed gets its name back.
 // OriginalStays: the copy has the name, but what is left of the old item lies beside it. MovedWrongItem: an item that
 // had the name, be it the old one or one that took its place, could not get it back. Both times that item has the
-// temporary name which the error's `item` tells. What was to be removed goes with the leftovers of this process; all
-// else keeps that name, also if this process is killed.
+// temporary name which the error's `item` tells, and `strandedName` if it is still there. What was to be removed goes
+// with the leftovers of this process; all else keeps that name, also if this process is killed.
 Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, OverwritingSteps const& steps = {});
 
 } // namespace mac

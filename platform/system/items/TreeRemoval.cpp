@@ -192,6 +192,20 @@ void tell(RemovalSteps const& steps, RemovalStep step) {
     if (steps) steps(step);
 }
 
+// Removes the name of an item and what goes with it, or neither.
+Result<void> unlinkTogether(FileDescriptor const& folder, std::string const& name, int flags, RemovalSteps const& steps,
+                            RemovalCompanion const& companion) {
+    Result<void> const mayGo = companion.leave ? companion.leave() : Result<void>();
+    if (!mayGo.isDone()) return mayGo;
+    tell(steps, RemovalStep::AllAside);
+    Result<void> const removed = unlinkName(folder, name, flags);
+    if (removed.isDone() || !companion.comeBack) return removed;
+    SystemError problem = removed.problem();
+    Result<void> const isBack = companion.comeBack();
+    if (!isBack.isDone()) problem.item = isBack.problem().item;
+    return problem;
+}
+
 } // namespace
 
 Result<void> removeTree(FileDescriptor const& folder, std::string const& name, ItemIdentity const& expected,
@@ -223,7 +237,7 @@ Result<void> removeTree(FileDescriptor const& folder, std::string const& name, I
 }
 
 Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
-                           RemovalSteps const& steps, std::function<Result<void>()> const& beforeRemoval) {
+                           RemovalSteps const& steps, RemovalCompanion const& companion) {
     std::uint64_t const mark = markOf(expected);
     Result<std::string> const aside = asideName(mark);
     if (!aside.hasValue()) return aside.problem();
@@ -237,7 +251,7 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
     if (Result<void> const away = moveAside(folder, name, aside.value()); !away.isDone()) {
         // Folders of a lower layer cannot be renamed; the system itself removes none that holds anything.
         bool const isLayered = away.problem().is(EXDEV) && expected.place.isFolder;
-        return isLayered ? unlinkName(folder, name, AT_REMOVEDIR) : away;
+        return isLayered ? unlinkTogether(folder, name, AT_REMOVEDIR, steps, companion) : away;
     }
     tell(steps, RemovalStep::MovedAside);
     Result<ItemStatus> const found = statusOf(folder, aside.value());
@@ -246,13 +260,12 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
                             areSameContents(moved.value(), expected);
     // An item that cannot be looked at goes back, too.
     SystemError problem = found.hasValue() ? stale(name) : found.problem();
-    Result<void> const mayGo = isExpected && beforeRemoval ? beforeRemoval() : Result<void>();
-    if (!mayGo.isDone()) {
-        problem = mayGo.problem();
-    } else if (isExpected) {
-        Result<void> const removed = unlinkName(folder, aside.value(), found.value().place.isFolder ? AT_REMOVEDIR : 0);
+    if (isExpected) {
+        int const flags = found.value().place.isFolder ? AT_REMOVEDIR : 0;
+        Result<void> const removed = unlinkTogether(folder, aside.value(), flags, steps, companion);
         if (removed.isDone()) return {};
-        problem = {.code = removed.problem().code, .operation = "unlink", .item = name};
+        problem = removed.problem();
+        if (problem.item == aside.value()) problem.item = name;
     }
     // Another item, a folder that has been filled, or what must not go alone.
     Result<void> const isBack = renameWithoutReplacing(folder, aside.value(), folder, name);

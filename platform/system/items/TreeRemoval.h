@@ -33,15 +33,25 @@ enum class RemovalStep {
     Checked,
     // The item has an unguessable name; whether it is still the same is checked next.
     MovedAside,
+    // It is the same, and what goes with it lies aside, too; the item is removed next.
+    AllAside,
 };
 // Called after each step; empty in the product. For tests of what happens between steps.
 using RemovalSteps = std::function<void(RemovalStep)>;
 
+// What goes together with an item that is removed, or stays with it. Each may be empty.
+struct RemovalCompanion {
+    // Called before the item is removed, once it is known to be the right one; the item stays if it fails.
+    std::function<Result<void>()> leave{};
+    // Called if the item could not be removed then, before it gets its name back. The name in the error tells where
+    // that is which could not come back.
+    std::function<Result<void>()> comeBack{};
+};
+
 // Removes one item that is no folder, or an empty folder, and no other one that takes its name meanwhile: the item is
 // moved aside, looked at and only then removed. ESTALE if it was another one, which gets its name back; if that is
-// taken, it keeps the name that the error tells. `beforeRemoval`, unless it is empty, is called once the right item
-// lies aside; if it fails, the item gets its name back.
+// taken, it keeps the name that the error tells.
 Result<void> removeExactly(FileDescriptor const& folder, std::string const& name, ItemStatus const& expected,
-                           RemovalSteps const& steps = {}, std::function<Result<void>()> const& beforeRemoval = {});
+                           RemovalSteps const& steps = {}, RemovalCompanion const& companion = {});
 
 } // namespace mac

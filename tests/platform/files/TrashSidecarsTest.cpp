@@ -138,6 +138,55 @@ TEST_F(TrashWithSidecar, IsSaidToBeBackWhereItCannotGoIntoTheTrashAgain) {
     EXPECT_EQ(textOf(m_file), "x");
 }
 
+TEST_F(TrashWithSidecar, KeepsItWhereTheRecordStaysAndItCannotGoIntoTheTrashAgain) {
+    TrashedItem const item = trash();
+    std::thread([&] {
+        TrashSteps const steps = [&](TrashStep step) {
+            if (step != TrashStep::ItemPutBack) return;
+            m_home.folder.makeFile("data/Trash/files/file", "another");
+            refuseCallOnThisThread(SYS_unlinkat, EIO);
+            refuseCallOnThisThread(SYS_renameat, EIO);
+        };
+        Result<std::string, TrashProblem> const back = putBack(item, steps);
+        ASSERT_FALSE(back.hasValue());
+        EXPECT_TRUE(back.problem().text.ends_with("; the item is now at " + m_file)) << back.problem().text;
+    }).join();
+    EXPECT_TRUE(isIn(m_home.path("a")));
+    EXPECT_EQ(namesIn(m_home.files()), Names{"file"});
+}
+
+TEST_F(TrashWithSidecar, ComesBackToItWhereTheRecordStaysAndItCannotFollow) {
+    TrashedItem const item = trash();
+    std::thread([&] {
+        bool isItemBack = false;
+        TrashSteps const steps = [&](TrashStep step) {
+            if (step == TrashStep::Renamed && isItemBack) m_home.folder.makeFile("data/Trash/files/._file", "another");
+            if (step != TrashStep::ItemPutBack) return;
+            isItemBack = true;
+            refuseCallOnThisThread(SYS_unlinkat, EIO);
+            refuseCallOnThisThread(SYS_renameat, EIO);
+        };
+        Result<std::string, TrashProblem> const back = putBack(item, steps);
+        ASSERT_FALSE(back.hasValue());
+        EXPECT_TRUE(back.problem().text.ends_with("; the item is now at " + m_file)) << back.problem().text;
+    }).join();
+    EXPECT_TRUE(isIn(m_home.path("a")));
+    EXPECT_EQ(namesIn(m_home.files()), Names{"._file"});
+}
+
+TEST_F(TrashWithSidecar, GoesIntoTheTrashAgainWithItWhereTheRecordStays) {
+    TrashedItem const item = trash();
+    std::thread([&] {
+        TrashSteps const steps = [](TrashStep step) {
+            if (step != TrashStep::ItemPutBack) return;
+            refuseCallOnThisThread(SYS_unlinkat, EIO);
+            refuseCallOnThisThread(SYS_renameat, EIO);
+        };
+        EXPECT_EQ(kindOf(putBack(item, steps)), TrashProblem::Other);
+    }).join();
+    expectInTrash();
+}
+
 TEST_F(TrashWithSidecar, IsErasedAlsoWhereTheSidecarIsClosed) {
     OrdinaryUser const user;
     trash();

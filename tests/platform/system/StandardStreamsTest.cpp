@@ -5,6 +5,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -55,6 +56,31 @@ TEST(StandardStreams, WriteAllOfIt) {
         ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
         return writeTo(StandardStream::Output, std::string(100000, 'x')).isDone() &&
                writeTo(StandardStream::Output, "").isDone();
+    }));
+}
+
+// A program that shares the stream, like a remote shell, may have made it so.
+TEST(StandardStreams, WaitWhereTheyDoNotBlock) {
+    EXPECT_TRUE(holdsInAChild([] {
+        int ends[2];
+        if (::pipe2(ends, O_NONBLOCK) != 0) return false;
+        ::dup2(ends[1], STDOUT_FILENO);
+        ::close(ends[1]);
+        std::string const some(4096, 'x');
+        std::size_t written = 0;
+        while (::write(STDOUT_FILENO, some.data(), some.size()) > 0)
+            written += some.size();
+        std::size_t seen = 0;
+        std::thread reader([&] {
+            std::string bytes(4096, 'x');
+            ::fcntl(ends[0], F_SETFL, 0);
+            for (ssize_t count = 0; (count = ::read(ends[0], bytes.data(), bytes.size())) > 0;)
+                seen += static_cast<std::size_t>(count);
+        });
+        bool const isDone = writeTo(StandardStream::Output, std::string(100000, 'x')).isDone();
+        ::close(STDOUT_FILENO);
+        reader.join();
+        return isDone && seen == written + 100000;
     }));
 }
 

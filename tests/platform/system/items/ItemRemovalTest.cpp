@@ -1,12 +1,18 @@
 #include "platform/system/items/ItemRemoval.h"
+#include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemLock.h"
 #include "tests/platform/system/items/ItemTransfers.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Refusals.h"
+#include <array>
+#include <cstring>
+#include <fstream>
+#include <sys/inotify.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace mac::test {
 
@@ -16,6 +22,20 @@ using Names = std::vector<std::string>;
 
 int errorOfRemoval(std::string const& path, RemovalQuestions const& questions = {}) {
     return codeOf(removeItem(itemAt(path), questions));
+}
+
+// The names that a folder's watch tells, in their order, with a slash before each and one at the end.
+std::string namesInEvents(FileDescriptor const& watch) {
+    std::array<char, 4096> bytes{};
+    ssize_t const size = ::read(watch.number(), bytes.data(), bytes.size());
+    std::string names = "/";
+    for (ssize_t offset = 0; offset < size;) {
+        inotify_event event{};
+        std::memcpy(&event, bytes.data() + offset, sizeof event);
+        names.append(bytes.data() + offset + sizeof event).append("/");
+        offset += static_cast<ssize_t>(sizeof event + event.len);
+    }
+    return names;
 }
 
 class ItemRemoval : public PrivateMounts {
@@ -147,6 +167,89 @@ TEST_F(ItemRemoval, RemovesAFileAndItsSidecarOrNeither) {
     EXPECT_EQ(codeOf(removeEmptyItem(itemAt(file))), 0);
     EXPECT_FALSE(isThere(file));
     EXPECT_FALSE(isThere(m_folder.path("._file")));
+}
+
+TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheName) {
+    std::string const file = m_folder.makeFile("file", "x");
+    m_folder.makeFile("._file", AppleDouble);
+    RemovalQuestions const questions{.steps = [&](RemovalStep step) {
+        if (step == RemovalStep::AllAside) m_folder.makeFile("file", "another's");
+    }};
+    withRefusedCall(SYS_unlinkat, EIO, [&] { EXPECT_EQ(errorOfRemoval(file, questions), EIO); });
+    EXPECT_EQ(textOf(file), "another's");
+    EXPECT_FALSE(isThere(m_folder.path("._file")));
+}
+
+// A process that is killed in between must not leave the file without its sidecar.
+TEST_F(ItemRemoval, PutsTheSidecarBackBeforeItsFile) {
+    std::string const file = m_folder.makeFile("box/file", "x");
+    m_folder.makeFile("box/._file", AppleDouble);
+    FileDescriptor const watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    ASSERT_GE(::inotify_add_watch(watch.number(), m_folder.path("box").c_str(), IN_MOVED_TO), 0);
+    withRefusedCall(SYS_unlinkat, EIO, [&] { EXPECT_EQ(errorOfRemoval(file), EIO); });
+    std::string const events = namesInEvents(watch);
+    EXPECT_LT(events.find("/._file/"), events.find("/file/")) << events;
+    EXPECT_NE(events.find("/file/"), std::string::npos) << events;
+}
+
+TEST_F(ItemRemoval, TellsWhereASidecarIsThatCannotGoBack) {
+    std::string const file = m_folder.makeFile("file", "x");
+    m_folder.makeFile("._file", AppleDouble + "own");
+    RemovalQuestions const questions{.steps = [&](RemovalStep step) {
+        if (step == RemovalStep::AllAside) m_folder.makeFile("._file", "another's");
+    }};
+    withRefusedCall(SYS_unlinkat, EIO, [&] {
+        Result<void> const removed = removeItem(itemAt(file), questions);
+        ASSERT_EQ(codeOf(removed), EIO);
+        std::string const& name = removed.problem().item;
+        std::optional<ParsedTemporaryName> const parsed = parseTemporaryName(name);
+        EXPECT_TRUE(parsed && parsed->mark == MarkOfNoItem) << name;
+        EXPECT_EQ(textOf(m_folder.path(name)), AppleDouble + "own");
+    });
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(textOf(m_folder.path("._file")), "another's");
+}
+
+TEST_F(ItemRemoval, RemovesAFileWithASidecarThatIsBeingWritten) {
+    std::string const file = m_folder.makeFile("file", "x");
+    m_folder.makeFile("._file", AppleDouble);
+    bool isWritten = false;
+    auto const write = [&] { std::ofstream(file, std::ios::app) << "more"; };
+    RemovalQuestions const questions{.willRemove = [&](std::string const&) { write(); },
+                                     .steps =
+                                         [&](RemovalStep step) {
+                                             if (step == RemovalStep::Checked && !std::exchange(isWritten, true))
+                                                 write();
+                                         }};
+    EXPECT_EQ(errorOfRemoval(file, questions), 0);
+    EXPECT_TRUE(isWritten);
+    EXPECT_FALSE(isThere(file) || isThere(m_folder.path("._file")));
+}
+
+TEST_F(ItemRemoval, LeavesANewSidecarBesideAFolderThatIsGone) {
+    m_folder.makeFile("._tree", AppleDouble);
+    RemovalQuestions const questions{.willRemove = [&](std::string const& path) {
+        if (path != "tree") return;
+        ASSERT_EQ(::unlink(m_folder.path("._tree").c_str()), 0);
+        m_folder.makeFile("._tree", "another's");
+    }};
+    EXPECT_EQ(errorOfRemoval(m_folder.path("tree"), questions), 0);
+    EXPECT_FALSE(isThere(m_folder.path("tree")));
+    EXPECT_EQ(textOf(m_folder.path("._tree")), "another's");
+}
+
+TEST_F(ItemRemoval, RemovesTheSidecarOfAFolderThatTheVolumeCannotRename) {
+    TemporaryFolder const changes;
+    TemporaryFolder const point;
+    m_folder.makeFolder("below/empty");
+    m_folder.makeFile("below/._empty", AppleDouble);
+    mountMemory(changes.path());
+    changes.makeFolder("above");
+    changes.makeFolder("work");
+    mountLayers(m_folder.path("below"), changes.path(), point.path());
+    if (IsSkipped()) return;
+    EXPECT_EQ(codeOf(removeEmptyItem(itemAt(point.path("empty")))), 0);
+    EXPECT_EQ(namesIn(point.path()), Names());
 }
 
 TEST_F(ItemRemoval, RemovesNothingOnAReadOnlyVolume) {

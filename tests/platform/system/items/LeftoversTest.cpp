@@ -162,6 +162,24 @@ TEST_F(Leftovers, OfAnExchangeGoWhicheverHasTheName) {
     }
 }
 
+// An item that was exchanged and has got its own name back, but not its sidecar.
+TEST_F(Leftovers, OfAnExchangeStayWhileTheirItemIsThere) {
+    m_folder.makeFile("old", "old");
+    static std::uint64_t mark = 0;
+    mark = markOf(statusOf(folderAt(m_folder.path()), "old").value());
+    std::string const aside = nameOfKilledProcess([] { return asideNameForEither(mark + 1, mark).value(); });
+    std::string const sidecar = "._" + aside;
+    m_folder.makeFile(sidecar, AppleDouble);
+    EXPECT_EQ(remove(), std::vector<std::string>{sidecar});
+    EXPECT_EQ(textOf(m_folder.path(sidecar)), AppleDouble);
+    ASSERT_EQ(::unlink(m_folder.path("old").c_str()), 0);
+    // The clock of file times may not have moved on since.
+    std::array<timespec, 2> const times{timespec{1, 0}, timespec{1, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, m_folder.path().c_str(), times.data(), 0), 0);
+    EXPECT_EQ(remove(), std::vector<std::string>());
+    EXPECT_FALSE(isThere(m_folder.path(sidecar)));
+}
+
 TEST_F(Leftovers, ThatAreToComeBackStay) {
     std::string const aside = nameOfKilledProcess([] { return asideName(MarkOfNoItem).value(); });
     m_folder.makeFile(aside, "the only one");

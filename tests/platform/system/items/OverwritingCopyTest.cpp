@@ -242,6 +242,40 @@ TEST_F(OverwritingCopy, ChangesNothingWhereTheOldItemCannotBeRemoved) {
     EXPECT_EQ(textOf(m_folder.path("target/._file")), AppleDouble + "old");
 }
 
+// The old item, which cannot be removed, gets its name back, but the copy that had it, and perhaps the copy's sidecar,
+// cannot move on.
+TEST_F(OverwritingCopy, LeavesTheOldItemItsSidecarWhereTheCopyStaysAside) {
+    m_folder.makeFile("file", "new");
+    m_folder.makeFile("._file", AppleDouble + "new");
+    // The sidecars are exchanged first.
+    for (unsigned const refused : {1U, 2U}) {
+        SCOPED_TRACE(refused);
+        m_folder.makeFile("target/tree/file", "old");
+        m_folder.makeFile("target/._tree", AppleDouble + "old");
+        std::optional<OpenItem> locked;
+        unsigned placed = 0;
+        std::thread([&] {
+            refuseCallOnThisThread(SYS_renameat2, EINVAL);
+            TransferProblem const problem = problemOf("file", "target", "tree", [&](OverwritingStep step) {
+                if (step == OverwritingStep::Exchanged) {
+                    locked = itemAt(m_folder.path("target/" + temporaryIn("target") + "/file"));
+                    ASSERT_TRUE(setLock(*locked, ItemLock::Locked).isDone());
+                }
+                bool const isBack = step == OverwritingStep::CopyPlaced && locked && ++placed == refused;
+                if (isBack) refuseCallOnThisThread(SYS_linkat, EIO);
+            });
+            EXPECT_EQ(problem.kind, TransferProblem::Kind::NotDone);
+            EXPECT_EQ(problem.error.code, ItemIsLocked);
+            EXPECT_EQ(problem.strandedName, std::nullopt);
+        }).join();
+        EXPECT_EQ(placed, 2U);
+        EXPECT_EQ(textOf(m_folder.path("target/tree/file")), "old");
+        EXPECT_EQ(textOf(m_folder.path("target/._tree")), AppleDouble + "old");
+        EXPECT_EQ(namesIn(m_folder.path("target")), (Names{"._tree", "tree"}));
+        ASSERT_TRUE(locked && setLock(*locked, ItemLock::Unlocked).isDone());
+    }
+}
+
 TEST_F(OverwritingCopy, TellsWhereAnItemIsThatCouldNotBePlacedStepByStep) {
     using enum TransferProblem::Kind;
     for (OverwritingStep const taken : {OverwritingStep::MovedAway, OverwritingStep::CopyPlaced}) {
@@ -260,6 +294,7 @@ TEST_F(OverwritingCopy, TellsWhereAnItemIsThatCouldNotBePlacedStepByStep) {
         EXPECT_EQ(problem.kind, isName ? MovedWrongItem : OriginalStays);
         EXPECT_EQ(problem.error.code, EEXIST);
         expectKept(problem.error.item);
+        EXPECT_EQ(problem.strandedName, problem.error.item);
         EXPECT_EQ(textOf(m_folder.path("target/" + problem.error.item)), "old");
         EXPECT_EQ(textOf(m_folder.path("target/file")), isName ? "another" : "new");
         EXPECT_EQ(textOf(m_folder.path("target/" + temporary)), isName ? "" : "another");
