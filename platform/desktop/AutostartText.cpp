@@ -12,6 +12,11 @@ namespace {
 constexpr std::string_view ReadDifferently = "\"$%'=\\`";
 constexpr std::string_view BundleEnding = ".app";
 
+// LXQt puts the home folder in place of a tilde at the end of any part of a path, even between quotation marks.
+bool hasPartEndingInTilde(std::string_view path) {
+    return path.ends_with('~') || path.find("~/") != std::string_view::npos;
+}
+
 bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
 
 std::string quoted(std::string_view path) { return "\"" + std::string(path) + "\""; }
@@ -42,7 +47,7 @@ std::string commandLineFor(NewAutostartEntry const& entry) {
 bool isReadAlikeByDesktops(std::string_view path) {
     bool const isPlain = std::ranges::none_of(
         path, [](char byte) { return isControl(byte) || ReadDifferently.find(byte) != std::string_view::npos; });
-    return isPlain && unitsFromUTF8(path).has_value();
+    return isPlain && !hasPartEndingInTilde(path) && unitsFromUTF8(path).has_value();
 }
 
 bool needsLauncher(NewAutostartEntry const& entry) {

@@ -64,6 +64,9 @@ TEST_F(AutostartChanges, AProgramThatDesktopsReadDifferentlyIsStartedByTheLaunch
         EXPECT_EQ(item(file.value()).started, std::string("/opt/") + name + "/Mirror Frame.app");
     }
     EXPECT_TRUE(isReadAlikeByDesktops("/a b!#&()*+,-./:;<>?@[]^_{|}~\xC3\xA4"));
+    EXPECT_TRUE(isReadAlikeByDesktops("/~a/b"));
+    EXPECT_FALSE(isReadAlikeByDesktops("/a~/b"));
+    EXPECT_FALSE(isReadAlikeByDesktops("/a~"));
 }
 
 TEST_F(AutostartChanges, NoEntryIsWrittenForALauncherThatIsMissing) {
