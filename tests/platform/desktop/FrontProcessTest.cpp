@@ -23,7 +23,7 @@ protected:
     void SetUp() override {
         if (::access("/usr/bin/Xvfb", X_OK) != 0) GTEST_SKIP() << "there is no Xvfb";
         m_server = std::make_unique<ChildProcess>(std::vector<std::string>{
-            "/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "320x200x24", "-nolisten", "tcp"});
+            "/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "320x200x24", "-noreset", "-nolisten", "tcp"});
         m_display = std::make_unique<EnvironmentVariable>("DISPLAY", ":" + m_server->readLine());
         m_connection = xcb_connect(nullptr, nullptr);
         ASSERT_EQ(xcb_connection_has_error(m_connection), 0);

@@ -16,8 +16,10 @@ public:
     void sendSignal(int signal) const { m_server.sendSignal(signal); }
 
 private:
-    ChildProcess m_server{
-        endingWithThisProcess({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"})};
+    // Without -noreset the server starts anew when its last client leaves, and refuses whoever connects meanwhile: a
+    // program that only asked whether there is a display would shut out its own windows.
+    ChildProcess m_server{endingWithThisProcess(
+        {"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-noreset", "-nolisten", "tcp"})};
     EnvironmentVariable m_display{"DISPLAY", ":" + m_server.readLine()};
     // An empty name counts as a Wayland display with the library that presses keys.
     EnvironmentVariable m_wayland{"WAYLAND_DISPLAY", std::nullopt};

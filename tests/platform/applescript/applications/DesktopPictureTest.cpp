@@ -2,6 +2,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
+#include "tests/platform/desktop/Desktop.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/DiskContents.h"
 #include <gtest/gtest.h>
@@ -82,6 +83,9 @@ TEST_F(DesktopPictureOn, XfceIsAPropertyOfEachScreen) {
 TEST_F(DesktopPictureOn, XfceIsThatOfItsSettings) {
     if (::access("/usr/bin/xfconf-query", X_OK) != 0) GTEST_SKIP() << "xfconf-query is not installed";
     EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "XFCE");
+    // The bus starts the service that writes the settings, with the bus's own surroundings.
+    mac::test::PrivateBus const bus;
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", bus.address());
     std::string const property = "/backdrop/screen0/monitor0/workspace0/last-image";
     std::vector<std::string> const make{"xfconf-query", "-c", "xfce4-desktop", "-p", property,
                                         "-n",           "-t", "string",        "-s", "/x y.png"};
