@@ -107,8 +107,8 @@ Expression& ExpressionParser::parseCommand(CommandTerm const& command, std::size
         stops().push_back(parameter.label);
     if (stops().empty()) stops().emplace_back(u"given");
     if (command.direct != DirectParameter::None) {
-        // get eof of f
-        takeWord("of");
+        // get eof of f; but choose file of type "txt"
+        if (!isStop()) takeWord("of");
         call.direct = parseEnumerator(command.enumerators);
         bool const isSubtraction = isSymbol("-") && command.direct == DirectParameter::Optional;
         if (!call.direct && startsExpression() && !isSubtraction) call.direct = &parseExpression();
