@@ -16,31 +16,32 @@ namespace mac::test {
 
 namespace {
 
-constexpr std::int64_t WalkStart = 2'000'000'000'000'000'001;
-constexpr std::int64_t Old = 1'000'000'000'000'000'001;
+constexpr std::int64_t KeptWalkStart = 2'000'000'000'000'000'001;
+constexpr std::int64_t KeptWalkChange = 1'000'000'000'000'000'001;
 
 bool never() { return false; }
 
 RememberedWalk someWalk() {
     std::deque<FolderLog> logs;
     FolderLog& log = logs.emplace_back(0);
-    FolderFacts const facts{.isFolder = true, .stamp = {.inode = 7, .modified = Old, .changed = Old, .linkCount = 4}};
+    FolderFacts const facts{
+        .isFolder = true, .stamp = {.inode = 7, .modified = KeptWalkChange, .changed = KeptWalkChange, .linkCount = 4}};
     FolderLog::Note const top = log.addVolume("/top", {.device = 1, .type = 2, .fileSystem = 3}, facts);
     log.addName(log.addFolder(top, "a", facts), "leaf");
     log.addPackage(top, "A.app");
     return {.question = {.roots = {"/top"}, .packageSuffix = ".app", .names = {"A.app", "B.app"}},
-            .start = WalkStart,
+            .start = KeptWalkStart,
             .packages = {"/top/A.app"},
-            .folders = std::make_shared<RememberedFolders const>(*indexOf(logs, WalkStart, never))};
+            .folders = std::make_shared<RememberedFolders const>(*indexOf(logs, KeptWalkStart, never))};
 }
 
 class KeptWalk : public testing::Test {
 protected:
     std::shared_ptr<RememberedWalk const> recallAnew() const {
-        return WalkMemory(folder(), [] { return WalkStart; }).recall(someWalk().question);
+        return WalkMemory(folder(), [] { return KeptWalkStart; }).recall(someWalk().question);
     }
     void SetUp() override {
-        ASSERT_TRUE(WalkMemory(folder(), [] { return WalkStart; }).keep(someWalk()).isDone());
+        ASSERT_TRUE(WalkMemory(folder(), [] { return KeptWalkStart; }).keep(someWalk()).isDone());
         ASSERT_TRUE(recallAnew());
     }
     std::string folder() const { return m_folder.path("cache/framekeeper"); }
@@ -75,12 +76,12 @@ TEST_F(KeptWalk, IsForThisUserAlone) {
 }
 
 TEST_F(KeptWalk, ServesNoOtherQuestionAndNoEarlierTime) {
-    WalkMemory memory(folder(), [] { return WalkStart; });
+    WalkMemory memory(folder(), [] { return KeptWalkStart; });
     WalkQuestion other = someWalk().question;
     other.roots = {"/elsewhere"};
     EXPECT_FALSE(memory.recall(other));
     EXPECT_TRUE(memory.recall(someWalk().question));
-    EXPECT_FALSE(WalkMemory(folder(), [] { return WalkStart - 1; }).recall(someWalk().question));
+    EXPECT_FALSE(WalkMemory(folder(), [] { return KeptWalkStart - 1; }).recall(someWalk().question));
 }
 
 TEST_F(KeptWalk, IsNoneWhereverItIsDamaged) {
@@ -134,7 +135,7 @@ TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
     ASSERT_EQ(::unlink(file().c_str()), 0);
     ASSERT_EQ(::rmdir(folder().c_str()), 0);
     m_folder.makeFile("cache/framekeeper", "in the way");
-    WalkMemory memory(folder(), [] { return WalkStart; });
+    WalkMemory memory(folder(), [] { return KeptWalkStart; });
     EXPECT_FALSE(memory.keep(someWalk()).isDone());
     EXPECT_TRUE(memory.recall(someWalk().question));
     EXPECT_FALSE(recallAnew());
@@ -142,7 +143,7 @@ TEST_F(KeptWalk, StaysInMemoryIfItCannotBeWritten) {
 
 TEST_F(KeptWalk, IsNotWrittenAfterAStop) {
     TemporaryFolder const place;
-    WalkMemory memory(place.path("framekeeper"), [] { return WalkStart; });
+    WalkMemory memory(place.path("framekeeper"), [] { return KeptWalkStart; });
     EXPECT_FALSE(memory.keep(someWalk(), [] { return true; }).isDone());
     EXPECT_TRUE(std::filesystem::is_empty(place.path("framekeeper")));
     EXPECT_TRUE(memory.recall(someWalk().question));
@@ -150,7 +151,7 @@ TEST_F(KeptWalk, IsNotWrittenAfterAStop) {
 
 TEST_F(KeptWalk, MakesNoHomeThatIsMissing) {
     TemporaryFolder const place;
-    WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return WalkStart; });
+    WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return KeptWalkStart; });
     EXPECT_FALSE(memory.keep(someWalk()).isDone());
     EXPECT_FALSE(std::filesystem::exists(place.path("no home")));
     EXPECT_TRUE(memory.recall(someWalk().question));
@@ -162,7 +163,7 @@ TEST_F(KeptWalk, ComesBackAfterItsFolderWasRemoved) {
     ASSERT_EQ(::unlink(file().c_str()), 0);
     ASSERT_EQ(::rmdir(folder().c_str()), 0);
     EXPECT_FALSE(recallAnew());
-    ASSERT_TRUE(WalkMemory(folder(), [] { return WalkStart; }).keep(someWalk()).isDone());
+    ASSERT_TRUE(WalkMemory(folder(), [] { return KeptWalkStart; }).keep(someWalk()).isDone());
     EXPECT_TRUE(recallAnew());
 }
 
