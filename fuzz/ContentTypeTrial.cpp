@@ -18,7 +18,7 @@ std::string complaintAboutMIMEType(std::string const& mimeType) {
     return "";
 }
 
-std::string complaintAboutDynamicType(std::string_view text) {
+std::string complaintAboutTypeOfTag(std::string_view text) {
     for (TagClass const tagClass : {TagClass::Extension, TagClass::MIMEType, TagClass::TypeCode}) {
         std::string const identifier = dynamicIdentifier({.tagClass = tagClass, .tag = std::string(text)});
         std::optional<DynamicType> const read = readDynamicIdentifier(identifier);
@@ -49,7 +49,7 @@ std::string complaintAboutContentType(std::span<std::byte const> bytes) {
     if (!complaint.empty()) return complaint;
     std::optional<std::string> const shown = DesktopEntry::read(text).localizedName({"de", std::string(name)});
     if (shown && shown->empty()) return "an entry has an empty name";
-    return complaintAboutDynamicType(name);
+    return complaintAboutTypeOfTag(name);
 }
 
 } // namespace mac::fuzz

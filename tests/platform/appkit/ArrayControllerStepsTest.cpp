@@ -134,8 +134,8 @@ TEST_F(ArrayControllerSteps, AnswerTwoClicksOnAHeaderInTurn) {
     LoadedWindow const window;
     window.controller().setPaths_(numberedRecords(ManyRows));
     QHeaderView* const header = window.table()->horizontalHeader();
-    emit header->sectionClicked(PathColumn);
-    emit header->sectionClicked(PathColumn);
+    Q_EMIT header->sectionClicked(PathColumn);
+    Q_EMIT header->sectionClicked(PathColumn);
     std::string const last = "/copies/" + std::to_string(100'000 + ManyRows - 1);
     EXPECT_TRUE(runUntil(
         [&] { return window.table()->model()->index(0, PathColumn).data().toString().toStdString() == last; }));
