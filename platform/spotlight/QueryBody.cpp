@@ -36,6 +36,8 @@ bool isChanged(std::string folder, std::set<std::string> const& changed) {
 
 } // namespace
 
+NSMetadataQuery::Body::Updating::Updating() = default;
+
 NSMetadataQuery::Body::~Body() = default;
 
 NSMetadataQuery NSMetadataQuery::Body::self() { return uncheckedCast<NSMetadataQuery>(id::retain(this)); }

@@ -64,6 +64,8 @@ private:
     };
     // Folders in which something happened, which are read anew.
     struct Updating {
+        // Declared for Clang, which otherwise takes it for missing within std::optional.
+        Updating();
         std::set<std::string> changed;
         // The changed folders and those below them that hold results; the ones not read yet.
         std::set<std::string> folders;
