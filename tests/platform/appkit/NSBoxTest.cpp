@@ -59,11 +59,16 @@ TEST(NSView, OfNilHasNothing) {
     EXPECT_TRUE(view.superview() == nil);
 }
 
+// Widgets are made after the application.
+class WithApplication : public testing::Test {
+protected:
+    WithApplication() { needApplication(); }
+};
+
 // A group of widgets as an interface file makes it, with a button in it.
-class ShownBox : public testing::Test {
+class ShownBox : public WithApplication {
 protected:
     ShownBox() {
-        needApplication();
         m_window.resize(400, 300);
         m_group = new QGroupBox("Options", &m_window);
         m_group->setGeometry(20, 50, 200, 100);
