@@ -269,28 +269,6 @@ TEST(Interaction, ChoosesAFolderAndANameForAFile) {
     EXPECT_EQ(person.files.name, u"untitled");
 }
 
-TEST(Interaction, OpensALocation) {
-    ScriptHome const home;
-    EnvironmentVariable const display("DISPLAY", ":of-nobody");
-    std::string const log = home.path("opened");
-    // Renamed when it is whole.
-    std::string const program = home.folder().makeFile("browser", "#!/bin/sh\necho \"$*\" >'" + log + ".new'\nmv '" +
-                                                                      log + ".new' '" + log + "'\n");
-    ASSERT_EQ(::chmod(program.c_str(), S_IRWXU), 0);
-    home.folder().makeFile(".local/share/applications/web.desktop",
-                           "[Desktop Entry]\nType=Application\nName=Web\nExec=" + program + " --open %u\n");
-    home.folder().makeFile(".config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=web.desktop\n");
-    EXPECT_EQ(sourceOrErrorOf(u"open location \"HTTPS://example.org/?a=b%20c&d\""), "");
-    EXPECT_TRUE(mac::test::waitUntil([&] { return ::access(log.c_str(), F_OK) == 0; }));
-    EXPECT_EQ(mac::test::textOf(log), "--open HTTPS://example.org/?a=b%20c&d\n");
-    EXPECT_TRUE(sourceOrErrorOf(u"open location \"unknown:a\"").ends_with("(-10814)"));
-    EXPECT_TRUE(sourceOrErrorOf(u"open location \"file:///no/such/item\"").ends_with("(-1728)"));
-    EXPECT_EQ(sourceOrErrorOf(u"open location \"no location\""), "Parameter error. (-50)");
-    EXPECT_EQ(sourceOrErrorOf(u"open location \"-o:a\""), "Parameter error. (-50)");
-    EnvironmentVariable const noDisplay("DISPLAY", std::nullopt);
-    EXPECT_TRUE(sourceOrErrorOf(u"open location \"https://example.org/\"").ends_with("(-1713)"));
-}
-
 TEST(Interaction, ChoosesAURL) {
     Person person;
     person.answer = {.button = 1, .answer = u"https://example.org/"};

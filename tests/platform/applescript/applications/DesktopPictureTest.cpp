@@ -100,7 +100,7 @@ TEST_F(DesktopPictureOn, XfceIsThatOfItsSettings) {
 TEST_F(DesktopPictureOn, PlasmaIsInTheFileOfTheShell) {
     EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "KDE");
     makeProgram("plasma-apply-wallpaperimage", "");
-    EXPECT_EQ(picture(), "Can’t make missing value into type alias. (-1700)");
+    EXPECT_EQ(picture(), "Can’t get POSIX path of missing value. (-1728)");
     m_home.folder().makeFile(".config/plasma-org.kde.plasma.desktop-appletsrc",
                              "[Containments][1]\nwallpaperplugin=org.kde.image\n\n"
                              "[Containments][1][Wallpaper][org.kde.image][General]\nImage=file:///x%20y.png\n");
