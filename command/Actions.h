@@ -26,7 +26,7 @@ std::vector<Target> targetsOf(CommandLine const& line);
 // Does what the verb says to each of the targets, by the controller's actions, and answers what became of each, in
 // their order. Once a signal asks the program to end, the path under way is finished and the others are Interrupted.
 //
-// Nothing but a copy of the companion is touched, and deleted only if it is the target's very item. What fails is
+// An action touches only copies of the companion, and deletes one only if it is the target's very item. What fails is
 // logged by the controller.
 std::vector<Outcome> act(CommandLine const& line, std::vector<Target> const& targets, Copies const& copies);
 

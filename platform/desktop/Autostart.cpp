@@ -97,7 +97,7 @@ bool isOfNoEntry(SystemError const& problem, FolderOwner owner) {
 
 // The regular file of an entry's name, or behind the symbolic link of that name.
 struct EntryFile {
-    // Of the name itself.
+    // The status of the name itself, which may be a link.
     FileStatus status{};
     KnownFile const& file;
 };

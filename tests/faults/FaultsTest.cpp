@@ -48,8 +48,8 @@ protected:
     Fixture const m_fixture{m_first.path(), m_second.isMounted() ? std::optional(m_second.path()) : std::nullopt};
 };
 
-// The same part of the points in each run, so that a change is what makes it fail; FRAMEKEEPER_FAULT_SEED chooses
-// another.
+// The seed that chooses fault points: the same ones in each run, so that a change is what makes it fail;
+// FRAMEKEEPER_FAULT_SEED chooses another.
 std::uint64_t chosenSeed() {
     constexpr std::uint64_t usual = 20261122;
     char const* const text = std::getenv("FRAMEKEEPER_FAULT_SEED");

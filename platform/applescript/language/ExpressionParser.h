@@ -41,7 +41,7 @@ protected:
     std::size_t labelLength(std::u16string_view& label) const;
 
     std::shared_ptr<SyntaxTree> m_tree;
-    // Whose names are collected: the handler, or the statements outside of handlers.
+    // The body whose names are collected: a handler, or the statements outside of handlers.
     BodyScope* m_body{nullptr};
     bool m_labelsAllowed{true};
 

@@ -17,7 +17,7 @@ std::optional<std::int32_t> plainOperand(Frame const& frame, Expression const& e
     return literal ? integerIn(frame.literals[literal->index]) : std::nullopt;
 }
 
-// None past the integers of the language: such a sum is no place in a list.
+// The sum or difference of two integers; nullopt past the integers of the language, which are no places in a list.
 std::optional<std::int32_t> plainSum(Frame const& frame, BinaryOperation const& binary) {
     bool const isAddition = binary.operation == Operation::Add;
     if (!isAddition && binary.operation != Operation::Subtract) return {};

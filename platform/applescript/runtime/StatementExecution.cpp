@@ -115,7 +115,7 @@ public:
         return executeBlock(m_evaluator, statement.block);
     }
 
-    // Of a transaction nothing is known here but its statements.
+    // A transaction is not opened with the application: its statements are executed as they stand.
     Flow operator()(TransactionStatement const& statement) const {
         if (statement.session) valueOf(m_evaluator, *statement.session);
         return executeBlock(m_evaluator, statement.block);

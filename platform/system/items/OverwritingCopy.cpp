@@ -273,7 +273,7 @@ void removeUnopened(FileDescriptor const& folder, std::string const& temporary) 
 // Why the old item was not removed.
 struct RemovalProblem {
     SystemError error{};
-    // Nothing of it was removed, and it has the temporary name still.
+    // Whether the old item is complete under its temporary name.
     bool isWhole{true};
 };
 

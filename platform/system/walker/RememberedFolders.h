@@ -57,7 +57,7 @@ public:
     std::optional<Child> next(Cursor& cursor) const;
 
     std::span<std::byte const> bytes() const { return std::span(m_block).subspan(m_start); }
-    // Of entries, without folders that are known by name alone.
+    // The number of folders with an entry; folders that are known by name alone do not count.
     std::size_t folderCount() const { return m_folderCount; }
 
 private:

@@ -14,7 +14,7 @@ public:
         }
     }
 
-    // None if the name is not that of a folder with an entry.
+    // The place of the folder of that name; RememberedFolders::None if it has no entry.
     RememberedFolders::Place place(std::string_view name) const {
         auto const found = m_places.find(name);
         return found == m_places.end() ? RememberedFolders::None : found->second;

@@ -161,7 +161,7 @@ TEST_F(LoginItemsStore, AnEntryThatCouldNotBePutBackIsNotForgotten) {
     EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}, {"b.desktop", entry("/bin/three")}}));
 }
 
-// Nothing tells whether the desktop can start it.
+// The desktop may be unable to start a program that cannot be looked at.
 TEST_F(LoginItemsStore, AProgramThatCannotBeLookedAtIsNotWritten) {
     std::string const program = m_folder.makeFile("program", "");
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);

@@ -13,7 +13,7 @@ namespace {
 class FinderOnVolumes : public mac::test::PrivateMounts {
 protected:
     ScriptHome const m_home{};
-    // Who may not write there may hardly mount, and the test is skipped.
+    // A user who may not write in /mnt can hardly mount either; the test is skipped for such a user.
     mac::test::TemporaryFolder const m_point{::access("/mnt", W_OK) == 0 ? "/mnt" : "/tmp"};
 };
 
