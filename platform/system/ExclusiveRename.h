@@ -15,9 +15,9 @@ namespace mac {
 Result<void> renameWithoutReplacing(FileDescriptor const& fromFolder, std::string const& from,
                                     FileDescriptor const& toFolder, std::string const& to);
 
-// Renames a complete file, whose first name no other process knows, within its folder; fails with EEXIST if the new
-// name is taken. Where the file system cannot rename exclusively, the file gets the second name before it loses the
-// first, which stays if it cannot be removed.
+// Renames an item whose first name no other process knows, a complete file or one that was moved aside, within its
+// folder; fails with EEXIST if the new name is taken. Where the file system cannot rename exclusively, a file gets the
+// second name before it loses the first, which stays if it cannot be removed.
 Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, std::string const& to);
 
 // Renames an item within its folder to a name of TemporaryName.h. No other process knows it, so there is no item that

@@ -109,8 +109,6 @@ public:
     Result<void> comeBack() {
         if (!m_isAside) return {};
         m_isAside = false;
-        // Where renaming takes steps, the name can be back although the one aside cannot go: it goes with the
-        // leftovers.
         m_isBack = giveNameBack().isDone() || giveNameBack().isDone() ||
                    confirmItemInFolder(m_item.folder, m_sidecar.name, m_sidecar.file).isDone();
         if (m_isBack) return {};
@@ -122,8 +120,10 @@ public:
 
     // Takes the sidecar away again if another item has the name of its own by now.
     void followItem() const {
-        if (!m_isBack) return;
-        Result<void> const isThere = confirmItemInFolder(m_item.folder, m_item.name, m_item.item);
+        // An item that cannot be looked at tells no other from itself.
+        Result<IdentifiedItem> const item = identify(m_item.item);
+        if (!m_isBack || !item.hasValue()) return;
+        Result<void> const isThere = confirmItemInFolder(m_item.folder, m_item.name, item.value().identity);
         bool const isElsewhere = !isThere.isDone() && (isThere.problem().is(ENOENT) || isThere.problem().is(ESTALE));
         if (!isElsewhere || !confirmItemInFolder(m_item.folder, m_sidecar.name, m_sidecar.file).isDone()) return;
         static_cast<void>(moveAside(m_item.folder, m_sidecar.name, m_aside));
@@ -136,9 +136,8 @@ public:
     }
 
 private:
-    Result<void> giveNameBack() const {
-        return renameWithoutReplacing(m_item.folder, m_aside, m_item.folder, m_sidecar.name);
-    }
+    // The name aside stays where no name can be removed, and goes with the leftovers of this process.
+    Result<void> giveNameBack() const { return nameNewFile(m_item.folder, m_aside, m_sidecar.name); }
 
     OpenItem const& m_item;
     OpenSidecar const& m_sidecar;

@@ -267,8 +267,9 @@ Result<void> removeExactly(FileDescriptor const& folder, std::string const& name
         problem = removed.problem();
         if (problem.item == aside.value()) problem.item = name;
     }
-    // Another item, a folder that has been filled, or what must not go alone.
-    Result<void> const isBack = renameWithoutReplacing(folder, aside.value(), folder, name);
+    // Another item, a folder that has been filled, or what must not go alone. The name aside stays where no name can be
+    // removed, and goes with the leftovers of this process.
+    Result<void> const isBack = nameNewFile(folder, aside.value(), name);
     if (!isBack.isDone()) problem.item = aside.value();
     return problem;
 }

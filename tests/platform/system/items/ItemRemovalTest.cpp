@@ -1,6 +1,7 @@
 #include "platform/system/items/ItemRemoval.h"
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemLock.h"
+#include "platform/system/items/ItemStatus.h"
 #include "tests/platform/system/items/ItemTransfers.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/OrdinaryUser.h"
@@ -8,6 +9,7 @@
 #include "tests/support/Refusals.h"
 #include <array>
 #include <cstring>
+#include <fcntl.h>
 #include <fstream>
 #include <sys/inotify.h>
 #include <sys/syscall.h>
@@ -167,6 +169,25 @@ TEST_F(ItemRemoval, RemovesAFileAndItsSidecarOrNeither) {
     EXPECT_EQ(codeOf(removeEmptyItem(itemAt(file))), 0);
     EXPECT_FALSE(isThere(file));
     EXPECT_FALSE(isThere(m_folder.path("._file")));
+}
+
+// The names aside are those that a later cleaning removes: none is kept for ever.
+TEST_F(ItemRemoval, BringsAFileAndItsSidecarBackWhereNoNameCanBeRemoved) {
+    std::string const file = m_folder.makeFile("box/file", "x");
+    std::string const sidecar = m_folder.makeFile("box/._file", AppleDouble);
+    withRefusedCall(SYS_renameat2, EINVAL,
+                    [&] { withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_EQ(errorOfRemoval(file), EACCES); }); });
+    EXPECT_EQ(textOf(file), "x");
+    EXPECT_EQ(textOf(sidecar), AppleDouble);
+    FileDescriptor const box(::open(m_folder.path("box").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::size_t aside = 0;
+    for (std::string const& name : namesIn(m_folder.path("box"))) {
+        if (name == "file" || name == "._file") continue;
+        std::optional<ParsedTemporaryName> const parsed = parseTemporaryName(name);
+        EXPECT_TRUE(parsed && parsed->accepts(markOf(statusOf(box, name).value()))) << name;
+        ++aside;
+    }
+    EXPECT_EQ(aside, 2U);
 }
 
 TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheName) {
