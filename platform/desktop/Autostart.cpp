@@ -136,6 +136,18 @@ FolderRead itemsInFolder(std::string const& path, FolderOwner owner, AutostartRu
     return read;
 }
 
+// What a folder of the system has under the name; without an entry if there is none, or none that this user may read.
+Result<AutostartEntry> systemsEntry(std::string const& path, std::string const& fileName, AutostartRules const& rules) {
+    Result<FileDescriptor> const folder = openPath(path, O_PATH | O_DIRECTORY);
+    Result<std::optional<EntryFile>> const found = folder.hasValue()
+                                                       ? entryFile(folder.value(), BytePath(path).joined(fileName))
+                                                       : Result<std::optional<EntryFile>>(folder.problem());
+    if (found.hasValue())
+        return found.value() ? AutostartEntry::of(found.value()->file.entry, rules) : AutostartEntry();
+    return isOfNoEntry(found.problem(), FolderOwner::System) ? Result<AutostartEntry>(AutostartEntry())
+                                                             : found.problem();
+}
+
 // Own entries last, in their order.
 bool comesBefore(AutostartItem const& one, AutostartItem const& other) {
     auto const place = [](AutostartItem const& item) {
@@ -185,22 +197,27 @@ AutostartItems autostartItems() {
     return found;
 }
 
-bool isStartedBySystem(std::string const& fileName) {
+Result<bool> isStartedBySystem(std::string const& fileName) {
     AutostartRules const& rules = currentAutostartRules();
     std::vector<std::string> const folders = autostartFolders();
     for (std::size_t index = 1; index < folders.size(); ++index) {
-        DesktopEntry const file = DesktopEntry::readFile(BytePath(folders[index]).joined(fileName));
-        AutostartEntry const entry = AutostartEntry::of(file, rules);
-        if (entry.standing == AutostartEntry::Standing::NoEntry) continue;
-        return entry.standing == AutostartEntry::Standing::Starts;
+        Result<AutostartEntry> const entry = systemsEntry(folders[index], fileName, rules);
+        if (!entry.hasValue()) return entry.problem();
+        if (entry.value().standing == AutostartEntry::Standing::NoEntry) continue;
+        return entry.value().standing == AutostartEntry::Standing::Starts;
     }
     return false;
 }
 
-bool isAutostartNameTaken(std::string const& fileName) {
-    return std::ranges::any_of(autostartFolders(), [&](std::string const& folder) {
-        return fileStatusAtPath(BytePath(folder).joined(fileName)).hasValue();
-    });
+Result<bool> isAutostartNameTaken(std::string const& fileName) {
+    std::vector<std::string> const folders = autostartFolders();
+    for (std::string const& folder : folders) {
+        FolderOwner const owner = folder == folders.front() ? FolderOwner::User : FolderOwner::System;
+        Result<FileStatus> const status = fileStatusAtPath(BytePath(folder).joined(fileName));
+        if (status.hasValue()) return true;
+        if (!isOfNoEntry(status.problem(), owner)) return status.problem();
+    }
+    return false;
 }
 
 } // namespace mac

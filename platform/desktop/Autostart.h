@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/LongPath.h"
+#include "platform/system/Result.h"
 #include <optional>
 #include <string>
 #include <vector>
@@ -67,9 +68,11 @@ std::vector<std::string> autostartFolders();
 AutostartItems autostartItems();
 
 // Whether one of the folders but the user's has a program of that name to start; the user's entry alone prevents that.
-bool isStartedBySystem(std::string const& fileName);
+// Fails if a file of the name is, or may be, there and cannot be read, unless the user may not read it.
+Result<bool> isStartedBySystem(std::string const& fileName);
 
-// Whether one of the folders has an item of that name.
-bool isAutostartNameTaken(std::string const& fileName);
+// Whether one of the folders has an item of that name. Fails if that cannot be seen; an item in a folder of the system
+// that the user may not enter is none.
+Result<bool> isAutostartNameTaken(std::string const& fileName);
 
 } // namespace mac

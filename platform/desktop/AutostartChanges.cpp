@@ -47,7 +47,9 @@ template <class Create>
 Result<std::string> createUnderFreeName(std::string const& beginning, Create const& create) {
     for (unsigned number = 1; number <= MostNames; ++number) {
         std::string name = beginning + (number == 1 ? "" : "-" + std::to_string(number)) + ".desktop";
-        if (isAutostartNameTaken(name)) continue;
+        Result<bool> const isTaken = isAutostartNameTaken(name);
+        if (!isTaken.hasValue()) return isTaken.problem();
+        if (isTaken.value()) continue;
         Result<void> const created = create(name);
         if (created.isDone()) return name;
         if (!created.problem().is(EEXIST)) return created.problem();
@@ -150,7 +152,7 @@ Result<std::string> addAutostart(NewAutostartEntry const& entry) {
     });
 }
 
-bool needsMask(AutostartItem const& item) { return !item.isOfUser || isStartedBySystem(item.fileName); }
+Result<bool> needsMask(AutostartItem const& item) { return item.isOfUser ? isStartedBySystem(item.fileName) : true; }
 
 Result<RemovedAutostart> removeAutostart(AutostartItem const& item) {
     Result<FileDescriptor> const folder = openUsersFolder();
@@ -160,8 +162,10 @@ Result<RemovedAutostart> removeAutostart(AutostartItem const& item) {
         Result<void> const remembered = remember(folder.value(), item, removed);
         if (!remembered.isDone()) return remembered.problem();
     }
+    Result<bool> const needs = needsMask(item);
+    if (!needs.hasValue()) return needs.problem();
     Result<void> const done =
-        needsMask(item) ? mask(folder.value(), item, removed) : removeItem(folder.value(), item.fileName, item.status);
+        needs.value() ? mask(folder.value(), item, removed) : removeItem(folder.value(), item.fileName, item.status);
     return done.isDone() ? Result<RemovedAutostart>(std::move(removed)) : done.problem();
 }
 

@@ -27,11 +27,12 @@ struct RemovedAutostart {
 // needs the launcher and there is none.
 Result<std::string> addAutostart(NewAutostartEntry const& entry);
 
-// Whether the item's removal leaves a file that hides the system's entry of its name.
-bool needsMask(AutostartItem const& item);
+// Whether the item's removal leaves a file that hides the system's entry of its name. Fails as isStartedBySystem does.
+Result<bool> needsMask(AutostartItem const& item);
 
 // Removes the user's file and hides the system's entry of its name, if one would start a program then. Fails with
-// ESTALE or EAGAIN if the item is no longer as it was read; then nothing is changed.
+// ESTALE or EAGAIN if the item is no longer as it was read, and if the system's entry cannot be read; then nothing is
+// changed.
 Result<RemovedAutostart> removeAutostart(AutostartItem const& item);
 
 // Puts the very file back and removes what hides the system's entry. Where another item took the file's name, it gets a

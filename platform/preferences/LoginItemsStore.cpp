@@ -66,6 +66,20 @@ bool isGone(ReadItem const& read) {
     return !status.hasValue() && status.problem().is(ENOENT);
 }
 
+// What needs a new file can fail most easily; then nothing has been removed yet.
+Result<void> putMaskedFirst(std::vector<ReadItem>& removals) {
+    std::vector<ReadItem> others;
+    std::vector<ReadItem> ordered;
+    for (ReadItem const& read : removals) {
+        Result<bool> const needs = needsMask(read.item);
+        if (!needs.hasValue()) return needs.problem();
+        (needs.value() ? ordered : others).push_back(read);
+    }
+    ordered.insert(ordered.end(), others.begin(), others.end());
+    removals = std::move(ordered);
+    return {};
+}
+
 // Elements that are the very objects read come first, then equal ones, so that each of several equal entries is told
 // from the others as far as possible. Fails for an element that the desktop may be able to start, or did start, and for
 // which no entry can be made now: nothing would start it from the list of preferences alone.
@@ -108,10 +122,8 @@ Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
         else
             plan.kept.addObject_(element);
     }
-    // What needs a new file can fail most easily; then nothing has been removed yet.
-    std::stable_partition(plan.removals.begin(), plan.removals.end(),
-                          [](ReadItem const& read) { return needsMask(read.item); });
-    return plan;
+    Result<void> const ordered = putMaskedFirst(plan.removals);
+    return ordered.isDone() ? Result<Plan>(std::move(plan)) : ordered.problem();
 }
 
 // Carries a plan out: what is new first, so that a failure costs no entry.

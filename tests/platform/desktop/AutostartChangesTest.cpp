@@ -166,6 +166,39 @@ TEST_F(AutostartChanges, ALinkInPlaceOfTheSystemsIsRemovedWithoutShowingThat) {
     EXPECT_EQ(std::filesystem::read_symlink(pathOfUser("a.desktop")), file);
 }
 
+// It may start a program that only the user's entry prevents.
+TEST_F(AutostartChanges, AnEntryInPlaceOfOneThatCannotBeReadStays) {
+    addOfUser("a.desktop", entry("/bin/user"));
+    m_folder.makeFolder("system/autostart");
+    // A regular file whose first bytes cannot be read.
+    ASSERT_EQ(::symlink("/proc/self/mem", m_folder.path("system/autostart/a.desktop").c_str()), 0);
+    Result<RemovedAutostart> const gone = removeAutostart(item("a.desktop"));
+    ASSERT_FALSE(gone.hasValue());
+    EXPECT_EQ(gone.problem().code, EIO);
+    EXPECT_EQ(contentsOf(pathOfUser("a.desktop")), entry("/bin/user"));
+}
+
+TEST_F(AutostartChanges, AnEntryInPlaceOfOneThatTheUserMayNotReadIsRemoved) {
+    addOfUser("a.desktop", entry("/bin/user"));
+    addOfSystem("a.desktop", entry("/bin/system"));
+    ASSERT_EQ(::chmod(m_folder.path("system/autostart/a.desktop").c_str(), 0), 0);
+    for (char const* const owned : {"", "config", "config/autostart", "config/autostart/a.desktop"})
+        OrdinaryUser::own(m_folder.path(owned));
+    OrdinaryUser const user;
+    EXPECT_TRUE(removeAutostart(item("a.desktop")).hasValue());
+    EXPECT_EQ(namesOfUser(), Names());
+}
+
+TEST_F(AutostartChanges, NoNameIsTakenThatCannotBeLookedAt) {
+    m_folder.makeFolder("config/autostart");
+    withRefusedCall(SYS_newfstatat, EIO, [] {
+        Result<std::string> const name = addAutostart({.program = Program, .item = Bundle});
+        ASSERT_FALSE(name.hasValue());
+        EXPECT_EQ(name.problem().code, EIO);
+    });
+    EXPECT_EQ(namesOfUser(), Names());
+}
+
 TEST_F(AutostartChanges, AnEntryThatChangedSinceItWasReadStays) {
     addOfUser("a.desktop", entry("/bin/one"));
     addOfUser("b.desktop", entry("/bin/one"));
