@@ -4,8 +4,10 @@
 #include "app/MembershipSources.h"
 #include "app/Undo.h"
 #include "scripting/ProcessQuitting.h"
+#include "scripting/ProcessesAndFinder.h"
 #include <array>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -25,12 +27,18 @@ struct SyncStep {
 // controller and is neither stopped nor are its observers removed.
 class AppController::Body : public ObjectBody {
 public:
+    // Answers the serial number of the file browser's process; nil if it does not run.
+    using FinderLookup = std::function<NSNumber()>;
+
     // The pause comes before each look at a copy that was asked to quit. A step is what is taken in of the query's
-    // results without a break.
-    explicit Body(Pause pause = sleepForInterval, SyncStep step = {}) : _pause(std::move(pause)), _step(step) {}
+    // results without a break. The lookup goes through the computer's processes unless another one is handed in.
+    explicit Body(Pause pause = sleepForInterval, SyncStep step = {},
+                  FinderLookup lookUpFinder = &KRAProcessSerialNumberGetFinder)
+        : _pause(std::move(pause)), _step(step), _lookUpFinder(std::move(lookUpFinder)) {}
 
     Pause const _pause;
     SyncStep const _step;
+    FinderLookup const _lookUpFinder;
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
     // Row by row of MembershipSources.

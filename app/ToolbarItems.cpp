@@ -7,7 +7,6 @@
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/NSURL.h"
 #include "platform/preferences/CFPreferences.h"
-#include "scripting/ProcessesAndFinder.h"
 
 namespace framekeeper {
 
@@ -105,7 +104,7 @@ void AppController::unToolbarAction_(id const& sender) const {
 
 void AppController::quitFinderAction_(id const&) const {
     if (*this == nil) return;
-    if (!quitProcess(KRAProcessSerialNumberGetFinder(), bodyOf(*this)->_pause)) {
+    if (!quitProcess(bodyOf(*this)->_lookUpFinder(), bodyOf(*this)->_pause)) {
         report("Could not quit Finder.");
         return;
     }

@@ -3,7 +3,6 @@
 #include "app/IconSwap.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/KeyValueObserving.h"
-#include "scripting/ProcessesAndFinder.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -81,7 +80,7 @@ Undone takeBack(AppController const& controller, ListChange const& change) {
     if (!isWritten) return {CouldNotBeUndone, Undone::Step::Stays};
     if (change.list == ListChange::List::LoginItems) return {.notice = "The login items are as before."};
     // The file browser takes up the list when it starts; one that does not run will.
-    if (KRAProcessSerialNumberGetFinder() != nil) controller.quitFinderAction_(nil);
+    if (bodyOf(controller)->_lookUpFinder() != nil) controller.quitFinderAction_(nil);
     return {.notice = "Back in the places."};
 }
 

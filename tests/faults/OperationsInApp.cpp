@@ -1,4 +1,4 @@
-#include "app/AppController.h"
+#include "app/AppControllerBody.h"
 #include "app/Undo.h"
 #include "platform/desktop/AutostartChanges.h"
 #include "platform/desktop/AutostartText.h"
@@ -9,8 +9,7 @@
 #include <memory>
 #include <stdexcept>
 
-// What the program's undo takes back. Undoing a change of the places is not here: it ends with a look at all processes
-// of the computer, which differ from one run to the next; what it writes is in OperationsOnLists.cpp.
+// What the program's undo takes back.
 
 namespace mac::faults {
 
@@ -32,12 +31,17 @@ NSString appPath(Fixture const& fixture, std::string_view relative) {
 // The step that is taken back; nullopt if what it takes cannot be read.
 using MakeStep = std::function<std::optional<UndoStep>(Fixture const& fixture, AppController const& controller)>;
 
+// No file browser runs: the processes of the computer differ from one run to the next.
+AppController controllerWithoutFinder() {
+    return adopt<AppController>(Pause(), framekeeper::SyncStep(), [] { return NSNumber(); }).init();
+}
+
 // Takes back a step with a controller that was made before.
 Operation undoing(MakeStep step, char const* notice, Operation operation) {
     std::shared_ptr<AppController> const controller = std::make_shared<AppController>();
     std::function<void(Fixture const&)> const before = operation.warmUp;
     operation.warmUp = [controller, before](Fixture const& fixture) {
-        *controller = AppController::alloc().init();
+        *controller = controllerWithoutFinder();
         if (before) before(fixture);
     };
     operation.run = [controller, step, notice](Fixture const& fixture) {
@@ -102,6 +106,36 @@ Operation undoingRemoval(Operation operation) {
     return undoing(step, "The login items are as before.", std::move(operation));
 }
 
+constexpr char Bookmarks[] = "config/gtk-3.0/bookmarks";
+constexpr char OtherPlaces[] = "file:///first First\nfile:///third\n";
+
+void makeOtherPlaces(Fixture const& fixture) {
+    fixture.makeFolder("config/gtk-3.0", 0700);
+    fixture.makeText(Bookmarks, OtherPlaces, 0600);
+}
+
+// Brings back a place that was removed before, between the two others.
+Operation undoingRemovalOfPlace(Operation operation) {
+    std::shared_ptr<ListChange::Removed> const removed = std::make_shared<ListChange::Removed>();
+    operation.warmUp = [removed](Fixture const& fixture) {
+        fixture.reset();
+        fixture.makeFolder("config/gtk-3.0", 0700);
+        fixture.makeText(Bookmarks, "file:///first First\nfile:///second Second\nfile:///third\n", 0600);
+        AppController const controller = controllerWithoutFinder();
+        NSMutableArray const items = NSMutableArray::arrayWithArray_(controller.readAllToolbarItems());
+        if (items.count() != 3) throw std::runtime_error("the places cannot be read");
+        *removed = framekeeper::removedItem(items, 1);
+        items.removeObjectAtIndex_(1);
+        if (!controller.writeAllToolbarItems_(items)) throw std::runtime_error("the place cannot be removed");
+        fixture.reset();
+        makeOtherPlaces(fixture);
+    };
+    MakeStep const step = [removed](Fixture const&, AppController const&) {
+        return std::optional<UndoStep>(ListChange{ListChange::List::ToolbarItems, {*removed}, {}});
+    };
+    return undoing(step, "Back in the places.", std::move(operation));
+}
+
 void makeCopyWithIcon(Fixture const& fixture) {
     for (char const* const folder : {"w/x.app", "w/x.app/Contents"})
         fixture.makeFolder(folder);
@@ -135,6 +169,9 @@ std::vector<Operation> undoOperations() {
                         .prepare = makeProgramOfUser,
                         .items = {kept},
                         .exchangedWays = settings}),
+        undoingRemovalOfPlace({.name = "undo: bring back a place",
+                               .prepare = makeOtherPlaces,
+                               .exchangedWays = {"config", "config/gtk-3.0"}}),
         undoing(swapping, "The former icon is back.",
                 {.name = "undo: swap an icon back",
                  .prepare = makeCopyWithIcon,
