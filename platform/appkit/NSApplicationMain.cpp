@@ -4,6 +4,7 @@
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Boundary.h"
+#include "platform/foundation/Localization.h"
 #include "platform/foundation/NSBundle.h"
 #include <cstdio>
 
@@ -33,6 +34,7 @@ int runInterface(NSString const& path) {
 int runMain(int& argc, char** argv) {
     std::unique_ptr<QApplication> const connection = connectToDisplay(argc, argv);
     if (!connection) return 1;
+    loadLocalization();
     NSBundle const bundle = NSBundle::mainBundle();
     NSString const name = as<NSString>(bundle.objectForInfoDictionaryKey_("NSMainNibFile"));
     if (name == nil) return refuse("The program's information file names no main interface file (NSMainNibFile).");
