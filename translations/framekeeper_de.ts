@@ -363,5 +363,257 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <source>Ends your session; the desktop asks first</source>
     <translation>Beendet Ihre Sitzung; die Arbeitsumgebung fragt vorher</translation>
 </message>
+<message>
+    <source>no copy of Mirror Frame is there</source>
+    <translation>dort liegt keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it has left the list meanwhile</source>
+    <translation>sie steht inzwischen nicht mehr in der Liste</translation>
+</message>
+<message>
+    <source>another copy has taken its place</source>
+    <translation>eine andere Kopie hat ihren Platz eingenommen</translation>
+</message>
+<message>
+    <source>no copy of Mirror Frame runs there</source>
+    <translation>dort läuft keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it has been started again</source>
+    <translation>sie wurde wieder gestartet</translation>
+</message>
+<message>
+    <source>no copy of Mirror Frame is in the trash</source>
+    <translation>im Papierkorb liegt keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it does not start at login</source>
+    <translation>sie startet nicht bei der Anmeldung</translation>
+</message>
+<message>
+    <source>it is not in the places</source>
+    <translation>sie steht nicht in den Orten</translation>
+</message>
+<message>
+    <source>the list could not be read</source>
+    <translation>die Liste war nicht lesbar</translation>
+</message>
+<message>
+    <source>it is in the list again</source>
+    <translation>sie steht wieder in der Liste</translation>
+</message>
+<message numerus="yes">
+    <source>Searching: %n found</source>
+    <translation><numerusform>Suche läuft: %n gefunden</numerusform><numerusform>Suche läuft: %n gefunden</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n folders could not be read</source>
+    <translation><numerusform>%n Ordner war nicht lesbar</numerusform><numerusform>%n Ordner waren nicht lesbar</numerusform></translation>
+</message>
+<message>
+    <source>the login items or the places could not be read, or not entirely</source>
+    <translation>die Anmeldeobjekte oder die Orte waren nicht oder nicht ganz lesbar</translation>
+</message>
+<message>
+    <source>the search could not be started</source>
+    <translation>die Suche ließ sich nicht starten</translation>
+</message>
+<message>
+    <source>delete without a terminal needs --yes</source>
+    <translation>delete ohne Terminal verlangt --yes</translation>
+</message>
+<message>
+    <source>Delete for good? [y/N]</source>
+    <translation>Endgültig löschen? [y = ja / N = nein]</translation>
+</message>
+<message>
+    <source>There is no list operation “%@”</source>
+    <translation>Es gibt keine Listenoperation „%@“</translation>
+</message>
+<message>
+    <source>No verb is given</source>
+    <translation>Es fehlt ein Verb</translation>
+</message>
+<message>
+    <source>There is no verb “%@”</source>
+    <translation>Es gibt kein Verb „%@“</translation>
+</message>
+<message>
+    <source>%@ needs a path</source>
+    <translation>%@ braucht einen Pfad</translation>
+</message>
+<message>
+    <source>%@ takes no path</source>
+    <translation>%@ nimmt keinen Pfad</translation>
+</message>
+<message>
+    <source>%@ add takes one path</source>
+    <translation>%@ add nimmt genau einen Pfad</translation>
+</message>
+<message>
+    <source>A path is empty</source>
+    <translation>Ein Pfad ist leer</translation>
+</message>
+<message>
+    <source>--yes belongs to delete alone</source>
+    <translation>--yes gehört nur zu delete</translation>
+</message>
+<message>
+    <source>There is no option “%@”</source>
+    <translation>Es gibt keine Option „%@“</translation>
+</message>
+<message>
+    <source>usage: framekeeper-cli [OPTION]... VERB [PATH]...
+
+Finds the copies of Mirror Frame and cleans up.
+
+  list                 all copies on this computer, and the paths of those that
+                       run, start at login or stand in the places
+  info PATH...         what is known of these copies
+  reveal PATH...       show them in the file browser
+  quit PATH...         ask the running copies to quit
+  trash PATH...        move them to the trash
+  restore PATH...      put them back: the path in the trash, or where they came from
+  delete PATH...       delete them for good
+  swap-icon PATH...    give them the other one of their two icons
+  login                the copies that start at login
+  login add PATH       make this copy the one that starts at login
+  login remove PATH... remove these from the login items
+  places               the copies in the file browser's places
+  places remove PATH...
+                       remove these from the places
+
+  --json       output for programs
+  -0, --null   paths alone, each with a NUL behind it
+  -y, --yes    delete without asking
+  -h, --help   this text
+  --version    the version
+
+Exit status: 0 done, 1 failed, 2 wrong usage, 3 no such copy, 4 done but not shown in the
+file browser, 5 not confirmed, 6 output could not be written, 130 interrupted.
+</source>
+    <translation>Aufruf: framekeeper-cli [OPTION]... VERB [PFAD]...
+
+Findet die Kopien von Mirror Frame und räumt auf.
+
+  list                 alle Kopien auf diesem Rechner und die Pfade derer, die
+                       laufen, bei der Anmeldung starten oder in den Orten stehen
+  info PFAD...         was über diese Kopien bekannt ist
+  reveal PFAD...       in der Dateiverwaltung zeigen
+  quit PFAD...         die laufenden Kopien zum Beenden auffordern
+  trash PFAD...        in den Papierkorb legen
+  restore PFAD...      zurücklegen: der Pfad im Papierkorb oder der frühere
+  delete PFAD...       endgültig löschen
+  swap-icon PFAD...    das andere ihrer beiden Symbole geben
+  login                die Kopien, die bei der Anmeldung starten
+  login add PFAD       diese Kopie bei der Anmeldung starten, keine andere
+  login remove PFAD... diese aus den Anmeldeobjekten nehmen
+  places               die Kopien in den Orten der Dateiverwaltung
+  places remove PFAD...
+                       diese aus den Orten nehmen
+
+  --json       Ausgabe für Programme
+  -0, --null   nur Pfade, jeder mit einem NUL dahinter
+  -y, --yes    ohne Frage löschen
+  -h, --help   dieser Text
+  --version    die Version
+
+Ende mit: 0 getan, 1 fehlgeschlagen, 2 falscher Aufruf, 3 keine solche Kopie, 4 getan, aber nicht
+in der Dateiverwaltung gezeigt, 5 nicht bestätigt, 6 Ausgabe nicht geschrieben, 130 unterbrochen.
+</translation>
+</message>
+<message>
+    <source>done</source>
+    <translation>erledigt</translation>
+</message>
+<message>
+    <source>not-shown</source>
+    <translation>erledigt, aber nicht gezeigt</translation>
+</message>
+<message>
+    <source>no-such-copy</source>
+    <translation>keine solche Kopie</translation>
+</message>
+<message>
+    <source>failed</source>
+    <translation>fehlgeschlagen</translation>
+</message>
+<message>
+    <source>not-confirmed</source>
+    <translation>nicht bestätigt</translation>
+</message>
+<message>
+    <source>not-written</source>
+    <translation>nicht geschrieben</translation>
+</message>
+<message>
+    <source>interrupted</source>
+    <translation>unterbrochen</translation>
+</message>
+<message>
+    <source>yes</source>
+    <translation>ja</translation>
+</message>
+<message>
+    <source>no</source>
+    <translation>nein</translation>
+</message>
+<message>
+    <source>yes, as process %@</source>
+    <translation>ja, als Prozess %@</translation>
+</message>
+<message>
+    <source>No copies.</source>
+    <translation>Keine Kopien.</translation>
+</message>
+<message>
+    <source>VERSION</source>
+    <translation>VERSION</translation>
+</message>
+<message>
+    <source>EXISTS</source>
+    <translation>VORHANDEN</translation>
+</message>
+<message>
+    <source>RUNS</source>
+    <translation>LÄUFT</translation>
+</message>
+<message>
+    <source>LOGIN</source>
+    <translation>ANMELDUNG</translation>
+</message>
+<message>
+    <source>PLACES</source>
+    <translation>ORTE</translation>
+</message>
+<message>
+    <source>PATH</source>
+    <translation>PFAD</translation>
+</message>
+<message>
+    <source>Path:</source>
+    <translation>Pfad:</translation>
+</message>
+<message>
+    <source>Version:</source>
+    <translation>Version:</translation>
+</message>
+<message>
+    <source>Exists:</source>
+    <translation>Vorhanden:</translation>
+</message>
+<message>
+    <source>Runs:</source>
+    <translation>Läuft:</translation>
+</message>
+<message>
+    <source>Login:</source>
+    <translation>Anmeldung:</translation>
+</message>
+<message>
+    <source>Places:</source>
+    <translation>Orte:</translation>
+</message>
 </context>
 </TS>
