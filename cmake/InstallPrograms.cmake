@@ -42,6 +42,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/packaging/icons/48.svg RENAME ${desktop_id}.
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/icons/symbolic.svg RENAME ${desktop_id}-symbolic.svg
         DESTINATION ${icons}/symbolic/apps COMPONENT programs)
 
+install(DIRECTORY ${FRAMEKEEPER_CATALOGUES} DESTINATION ${CMAKE_INSTALL_DATADIR}/framekeeper COMPONENT programs)
+
 foreach(page framekeeper framekeeper-cli framekeeper-osa)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${page}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)
 endforeach()

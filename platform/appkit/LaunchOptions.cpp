@@ -1,8 +1,8 @@
 #include "platform/appkit/LaunchOptions.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSString.h"
 #include "platform/foundation/VisibleLine.h"
 #include "platform/system/StandardStreams.h"
-#include <QCoreApplication>
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -54,18 +54,17 @@ std::string const* unknownWord(std::span<std::string const> words) {
     return nullptr;
 }
 
-std::string translated(char const* text) { return QCoreApplication::translate("Framekeeper", text).toStdString(); }
-
 std::string usageText(ProgramNames const& names) {
-    return QCoreApplication::translate("Framekeeper", "usage: %1 [OPTION]...\n"
-                                                      "\n"
-                                                      "Opens the window, or brings the open one to the front.\n"
-                                                      "\n"
-                                                      "  -h, --help   this text\n"
-                                                      "  --version    the version\n"
-                                                      "  -KEY VALUE   a setting for this start alone\n")
-        .arg(QString::fromStdString(names.command))
-        .toStdString();
+    NSString const usage = NSLocalizedString("usage: %@ [OPTION]...\n"
+                                             "\n"
+                                             "Opens the window, or brings the open one to the front.\n"
+                                             "\n"
+                                             "  -h, --help   this text\n"
+                                             "  --version    the version\n"
+                                             "  -KEY VALUE   a setting for this start alone\n",
+                                             "The options stay as they are");
+    return NSString::stringWithFormat_(usage, NSString::stringWithFileSystemRepresentation_(names.command))
+        .UTF8String();
 }
 
 int say(ProgramNames const& names, std::string const& text) {

@@ -6,6 +6,7 @@
 #include "platform/appkit/LaunchOptions.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Boundary.h"
+#include "platform/foundation/Localization.h"
 #include "platform/foundation/NSBundle.h"
 #include <QAction>
 #include <QGuiApplication>
@@ -69,6 +70,7 @@ int runMain(int& argc, char** argv) {
     if (!connection) return 1;
     ApplicationInstance instance;
     if (beginInstance(instance, tokens) == ApplicationInstance::Standing::OtherWasRaised) return 0;
+    loadLocalization();
     NSBundle const bundle = NSBundle::mainBundle();
     NSString const name = bundleText("NSMainNibFile");
     if (name == nil) return refuse("The program's information file names no main interface file (NSMainNibFile).");
