@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTableView>
 #include <QWidget>
 #include <memory>
@@ -48,6 +49,8 @@ private:
     void connectActivation(QTableView* table);
     void connectOutlet(QString const& key, id const& object);
     void connectAction(QAction* action);
+    void connectCommand(QAction* action);
+    void fillMenu(QMenu* menu);
     void connectButton(QAbstractButton* button);
     void connectFilter(QLineEdit* field);
     void connectWidgets();
@@ -55,7 +58,7 @@ private:
     void coverRows(QWidget* widget);
     // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
-    NSControl makeControl(NSControl control, QObject* owner);
+    NSControl makeControl(NSControl control, QObject* owner, id const& target, QString const& selector);
     template <class Part, class... Arguments>
     Part* keep(Arguments&&... arguments) {
         auto part = std::make_shared<Part>(std::forward<Arguments>(arguments)...);

@@ -13,6 +13,8 @@ ClassDescription NSTableView::describeClass() {
             {
                 method<&Self::sortDescriptors>("sortDescriptors"),
                 method<&Self::setSortDescriptors_>("setSortDescriptors:"),
+                method<&Self::copy_>("copy:"),
+                method<&Self::selectAll_>("selectAll:"),
                 method<&Self::numberOfRows>("numberOfRows"),
                 method<&Self::numberOfSelectedRows>("numberOfSelectedRows"),
                 method<&Self::selectedRow>("selectedRow"),
@@ -27,6 +29,14 @@ NSArray NSTableView::sortDescriptors() const {
 
 void NSTableView::setSortDescriptors_(NSArray const& descriptors) const {
     if (*this != nil) bodyOf(*this)->setSortDescriptors(descriptors);
+}
+
+void NSTableView::copy_(id const&) const {
+    if (*this != nil) bodyOf(*this)->copySelection();
+}
+
+void NSTableView::selectAll_(id const&) const {
+    if (*this != nil) bodyOf(*this)->selectAll();
 }
 
 NSInteger NSTableView::numberOfRows() const {

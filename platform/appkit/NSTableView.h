@@ -20,6 +20,12 @@ public:
     NSArray sortDescriptors() const;
     void setSortDescriptors_(NSArray const& descriptors) const;
 
+    // Puts the files of the selected rows on the clipboard, as text and as files to paste; nothing happens where the
+    // interface file does not say which files rows are, or no row is selected. The sender is ignored.
+    void copy_(id const& sender) const;
+    // Selects all rows that are shown.
+    void selectAll_(id const& sender) const;
+
     NSInteger numberOfRows() const;
     NSInteger numberOfSelectedRows() const;
     // The first selected row, or -1.

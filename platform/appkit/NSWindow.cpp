@@ -23,6 +23,7 @@ ClassDescription NSWindow::describeClass() {
                 method<&Self::isVisible>("isVisible"),
                 method<&Self::makeKeyAndOrderFront_>("makeKeyAndOrderFront:"),
                 method<&Self::close>("close"),
+                method<&Self::performClose_>("performClose:"),
             },
         .properties = {property<&Self::title, &Self::setTitle_>("title"),
                        readOnlyProperty<&Self::isVisible>("visible")},
@@ -50,6 +51,8 @@ void NSWindow::makeKeyAndOrderFront_(id const&) const {
     widget->show();
     widget->activateWindow();
 }
+
+void NSWindow::performClose_(id const&) const { close(); }
 
 void NSWindow::close() const {
     if (QWidget* const widget = widgetOf(*this)) widget->close();

@@ -20,6 +20,8 @@ public:
     void makeKeyAndOrderFront_(id const& sender) const;
     // Takes the window from the screen. After the last one the application asks its delegate whether to end.
     void close() const;
+    // Closes the window as a click on its button does. The sender is ignored.
+    void performClose_(id const& sender) const;
 };
 
 } // namespace mac

@@ -1,4 +1,6 @@
 #include "platform/appkit/TableModel.h"
+#include "platform/appkit/FileMimeData.h"
+#include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/ThemeColors.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Boundary.h"
@@ -53,6 +55,36 @@ QVariant TableModel::cell(id const& object, TableColumn const& column, int role)
     default:
         return {};
     }
+}
+
+Qt::ItemFlags TableModel::flags(QModelIndex const& index) const {
+    Qt::ItemFlags const flags = QAbstractTableModel::flags(index);
+    return m_fileKeyPath == nil || !index.isValid() ? flags : flags | Qt::ItemIsDragEnabled;
+}
+
+std::vector<std::string> TableModel::pathsOf(QModelIndexList const& indexes) const {
+    std::vector<int> rows;
+    for (QModelIndex const& index : indexes)
+        rows.push_back(index.row());
+    std::ranges::sort(rows);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    std::vector<std::string> paths;
+    if (m_fileKeyPath == nil) return paths;
+    guarded([&] {
+        for (int const row : rows) {
+            NSString const path = as<NSString>(valueOfKeyPath(objectAt(row), m_fileKeyPath));
+            if (std::optional<std::string> bytes = path.fileSystemRepresentation()) paths.push_back(std::move(*bytes));
+        }
+    });
+    return paths;
+}
+
+QStringList TableModel::mimeTypes() const { return mimeDataOfFiles({})->formats(); }
+
+QMimeData* TableModel::mimeData(QModelIndexList const& indexes) const {
+    std::vector<std::string> const paths = pathsOf(indexes);
+    // The drag owns it.
+    return paths.empty() ? nullptr : mimeDataOfFiles(paths).release();
 }
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -4,8 +4,10 @@
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/TableCellDelegate.h"
 #include "platform/appkit/TableColumnWidths.h"
+#include "platform/appkit/TableFiles.h"
 #include "platform/appkit/TableModel.h"
 #include "platform/appkit/ViewBody.h"
+#include <QAction>
 #include <QPersistentModelIndex>
 #include <QTableView>
 #include <optional>
@@ -23,6 +25,14 @@ public:
     void setSortDescriptors(NSArray const& descriptors);
     // What a click on the column's header does.
     void sortByColumn(int column);
+    // One for each column that sorts, with its title and key; the one in whose order the rows are is checked. They
+    // belong to the view.
+    QList<QAction*> sortActions() const { return m_sortActions; }
+    // Rows stand for the files at this key path from now on.
+    void setFileKeyPath(NSString const& keyPath);
+    // Puts the selected rows' files on the clipboard.
+    void copySelection() const;
+    void selectAll() const;
 
 private:
     struct Anchor {
@@ -32,6 +42,7 @@ private:
 
     void prepareView();
     void connectView();
+    void makeSortActions();
     void followRows();
     void showRows(NSArray const& rows);
     // Which of the rows that are shown will be shown next, too.
@@ -52,6 +63,8 @@ private:
     TableHeaderStyle m_headerStyle;
     NSArray m_shown;
     std::optional<TableColumnWidths> m_widths;
+    std::optional<TableFiles> m_files;
+    QList<QAction*> m_sortActions;
     bool m_isFollowing{false};
     std::vector<std::unique_ptr<KeyPathObserver>> m_observers;
     // Ends the connections with the view before anything above goes.
