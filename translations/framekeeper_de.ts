@@ -20,10 +20,6 @@
     <translation>&amp;Bearbeiten</translation>
 </message>
 <message>
-    <source>S&amp;ystem</source>
-    <translation>S&amp;ystem</translation>
-</message>
-<message>
     <source>Search and selected copies</source>
     <translation>Suche und ausgewählte Kopien</translation>
 </message>
@@ -97,7 +93,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Show A&amp;ll Copies</source>
-    <translation>A&amp;lle Kopien zeigen</translation>
+    <translation>Alle K&amp;opien zeigen</translation>
 </message>
 <message>
     <source>Empties the filter</source>
@@ -205,7 +201,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>&amp;Quit Copy</source>
-    <translation>&amp;Beenden</translation>
+    <translation>Be&amp;enden</translation>
 </message>
 <message>
     <source>Asks the selected running copy to quit</source>
@@ -225,7 +221,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>S&amp;wap Icon</source>
-    <translation>S&amp;ymbol tauschen</translation>
+    <translation>S&amp;ymboltausch</translation>
 </message>
 <message>
     <source>Gives the selected copy the other one of its two icons and shows it</source>
@@ -241,7 +237,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>&amp;Move to Trash</source>
-    <translation>In den &amp;Papierkorb</translation>
+    <translation>&amp;Papierkorb</translation>
 </message>
 <message>
     <source>Moves the selected copy to the trash</source>
@@ -305,7 +301,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Remo&amp;ve from Login Items</source>
-    <translation>Nicht bei Anmel&amp;dung</translation>
+    <translation>Nicht bei Anme&amp;ldung</translation>
 </message>
 <message>
     <source>No longer starts the selected copy at login</source>
@@ -317,7 +313,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Remove from Tool&amp;bar</source>
-    <translation>Aus &amp;Leiste entfernen</translation>
+    <translation>Aus Le&amp;iste</translation>
 </message>
 <message>
     <source>Takes the selected copy out of the places in the file browser's toolbar and restarts the file browser</source>
@@ -333,7 +329,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Acc&amp;ounts</source>
-    <translation>Ben&amp;utzer</translation>
+    <translation>Be&amp;nutzer</translation>
 </message>
 <message>
     <source>Opens the account settings, where login items are kept</source>
@@ -614,6 +610,88 @@ in der Dateiverwaltung gezeigt, 5 nicht bestätigt, 6 Ausgabe nicht geschrieben,
 <message>
     <source>Places:</source>
     <translation>Orte:</translation>
+</message>
+<message>
+    <source>&amp;File</source>
+    <translation>&amp;Datei</translation>
+</message>
+<message>
+    <source>V&amp;iew</source>
+    <translation>&amp;Ansicht</translation>
+</message>
+<message>
+    <source>Sort by</source>
+    <translation>Sortieren nach</translation>
+</message>
+<message>
+    <source>&amp;Help</source>
+    <translation>&amp;Hilfe</translation>
+</message>
+<message>
+    <source>Close Window</source>
+    <translation>Fenster schließen</translation>
+</message>
+<message>
+    <source>Quit Framekeeper</source>
+    <translation>Framekeeper beenden</translation>
+</message>
+<message>
+    <source>Copy Path</source>
+    <translation>Pfad kopieren</translation>
+</message>
+<message>
+    <source>Puts the paths of the selected copies on the clipboard, as text and as files to paste</source>
+    <translation>Legt die Pfade der ausgewählten Kopien in die Zwischenablage, als Text und als Dateien zum Einfügen</translation>
+</message>
+<message>
+    <source>Select All</source>
+    <translation>Alle auswählen</translation>
+</message>
+<message>
+    <source>No copies are shown</source>
+    <translation>Es werden keine Kopien angezeigt</translation>
+</message>
+<message>
+    <source>Clear Filter</source>
+    <translation>Filter leeren</translation>
+</message>
+<message>
+    <source>Reset Column Widths</source>
+    <translation>Spaltenbreiten zurücksetzen</translation>
+</message>
+<message>
+    <source>&amp;Keyboard Shortcuts</source>
+    <translation>&amp;Tastenkürzel</translation>
+</message>
+<message>
+    <source>About Framekeeper</source>
+    <translation>Über Framekeeper</translation>
+</message>
+<message>
+    <source>usage: %@ [OPTION]...
+
+Opens the window, or brings the open one to the front.
+
+  -h, --help   this text
+  --version    the version
+  -KEY VALUE   a setting for this start alone
+</source>
+    <translation>Aufruf: %@ [OPTION]...
+
+Öffnet das Fenster oder holt das offene nach vorn.
+
+  -h, --help   dieser Text
+  --version    die Version
+  -KEY VALUE   eine Einstellung nur für diesen Start
+</translation>
+</message>
+<message>
+    <source>There is no option</source>
+    <translation>Es gibt keine Option</translation>
+</message>
+<message>
+    <source>There is no word</source>
+    <translation>Es gibt kein Wort</translation>
 </message>
 </context>
 </TS>
