@@ -1,6 +1,7 @@
 #include "platform/appkit/BoundText.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Format.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSNumber.h"
 #include <QVariant>
 
@@ -13,12 +14,16 @@ BoundText::BoundText(QLabel* label, KeyPathScope const& scope) : m_label(label) 
     follow();
 }
 
-QString BoundText::pattern(id const& first) const {
+NSString BoundText::pattern(id const& first) const {
+    auto const text = [&](char const* name) { return stringOf(m_label->property(name).toString()); };
+    auto const has = [&](char const* name) { return m_label->property(name).isValid(); };
     NSNumber const number = as<NSNumber>(first);
-    QVariant special;
-    if (number != nil && number.longLongValue() == 0) special = m_label->property("displayPatternForZero");
-    if (number != nil && number.longLongValue() == 1) special = m_label->property("displayPatternForOne");
-    return special.isValid() ? special.toString() : m_label->property("displayPattern").toString();
+    if (number != nil && number.longLongValue() == 0 && has("displayPatternForZero"))
+        return text("displayPatternForZero");
+    bool const counts = number != nil && number.longLongValue() >= 0 && has("displayPatternForOne");
+    if (!counts) return text("displayPattern");
+    auto const count = static_cast<NSUInteger>(number.longLongValue());
+    return localizedCount(count, text("displayPatternForOne"), text("displayPattern"), nil);
 }
 
 void BoundText::follow() {
@@ -27,7 +32,7 @@ void BoundText::follow() {
     for (auto const& value : m_values)
         arguments.emplace_back(value->value());
     id const first = m_values.empty() ? id() : m_values.front()->value();
-    m_label->setText(visibleText(formatString(stringOf(pattern(first)), arguments)));
+    m_label->setText(visibleText(formatString(pattern(first), arguments)));
 }
 
 } // namespace mac

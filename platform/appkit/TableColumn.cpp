@@ -2,6 +2,7 @@
 #include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include <QHash>
 #include <functional>
 
@@ -38,7 +39,7 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
     column.title = name;
     Sorting sorting;
     QHash<QString, std::function<void(QString const&)>> const readers{
-        {"title", [&](QString const& value) { column.title = value; }},
+        {"title", [&](QString const& value) { column.title = visibleText(NSLocalizedString(stringOf(value), nil)); }},
         {"keyPath", [&](QString const& value) { column.keyPath = stringOf(value); }},
         {"iconKeyPath", [&](QString const& value) { column.iconKeyPath = stringOf(value); }},
         {"textTransformer", [&](QString const& value) { column.textTransformer = transformerNamed(value, name); }},
