@@ -56,6 +56,10 @@ private:
     void connectWidgets();
     void connectConditions(QWidget* widget);
     void coverRows(QWidget* widget);
+    // The object that gets the owner's selector: the controller unless the property target names another.
+    id targetOf(QObject const* owner);
+    template <class Owner, class Signal>
+    void followCheck(Owner* owner, Signal signal);
     // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
     NSControl makeControl(NSControl control, QObject* owner, id const& target, QString const& selector);

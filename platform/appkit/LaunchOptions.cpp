@@ -80,9 +80,11 @@ std::string visible(std::string const& word) {
 }
 
 int refuseWord(ProgramNames const& names, std::string const& word) {
-    std::string const what = word.starts_with('-') ? translated("There is no option") : translated("There is no word");
-    static_cast<void>(
-        writeTo(StandardStream::Errors, names.command + ": " + what + " “" + visible(word) + "”\n" + usageText(names)));
+    NSString const what = word.starts_with('-') ? NSLocalizedString("There is no option “%@”", "An unknown option")
+                                                : NSLocalizedString("“%@” is no option", "A word on the command line");
+    NSString const shown = NSString::stringWithUTF8String_(visible(word));
+    std::string const reason = NSString::stringWithFormat_(what, shown).UTF8String();
+    static_cast<void>(writeTo(StandardStream::Errors, names.command + ": " + reason + "\n" + usageText(names)));
     return 2;
 }
 
