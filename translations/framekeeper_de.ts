@@ -84,10 +84,6 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <translation>Liest alle Quellen neu und durchsucht alle lokalen Volumes</translation>
 </message>
 <message>
-    <source>Searching all local volumes for copies of Mirror Frame…</source>
-    <translation>Alle lokalen Volumes werden nach Kopien von Mirror Frame durchsucht …</translation>
-</message>
-<message>
     <source>No copy matches the filter</source>
     <translation>Keine Kopie passt zum Filter</translation>
 </message>
@@ -103,10 +99,6 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <source>Login items, toolbar and system</source>
     <translation>Anmeldeobjekte, Leiste und System</translation>
 </message>
-<message>
-    <source>Number of copies</source>
-    <translation>Anzahl der Kopien</translation>
-</message>
 <message numerus="yes">
     <source>%@ copies</source>
     <translation><numerusform>%@ Kopie</numerusform><numerusform>%@ Kopien</numerusform></translation>
@@ -116,20 +108,12 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <translation>Keine Kopien</translation>
 </message>
 <message>
-    <source>Copies that match the filter</source>
-    <translation>Kopien, die zum Filter passen</translation>
-</message>
-<message>
     <source>%@ shown</source>
     <translation>%@ angezeigt</translation>
 </message>
 <message>
     <source>None shown</source>
     <translation>Keine angezeigt</translation>
-</message>
-<message>
-    <source>Folders that could not be read</source>
-    <translation>Nicht lesbare Ordner</translation>
 </message>
 <message>
     <source>Copies in these folders are not listed. They belong to other users or to the system.</source>
@@ -686,12 +670,80 @@ Opens the window, or brings the open one to the front.
 </translation>
 </message>
 <message>
-    <source>There is no option</source>
-    <translation>Es gibt keine Option</translation>
+    <source>Adding up…</source>
+    <translation>Wird addiert …</translation>
+</message>
+<message numerus="yes">
+    <source>%n items</source>
+    <translation><numerusform>%n Objekt</numerusform><numerusform>%n Objekte</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n items could not be read</source>
+    <translation><numerusform>%n Objekt nicht lesbar</numerusform><numerusform>%n Objekte nicht lesbar</numerusform></translation>
 </message>
 <message>
-    <source>There is no word</source>
-    <translation>Es gibt kein Wort</translation>
+    <source>Process %d</source>
+    <translation>Prozess %d</translation>
+</message>
+<message>
+    <source>Does not start at login</source>
+    <translation>Startet nicht bei der Anmeldung</translation>
+</message>
+<message>
+    <source>Starts at login</source>
+    <translation>Startet bei der Anmeldung</translation>
+</message>
+<message>
+    <source>In the places</source>
+    <translation>In den Orten</translation>
+</message>
+<message>
+    <source>Not compared yet</source>
+    <translation>Noch nicht verglichen</translation>
+</message>
+<message>
+    <source>Compared %lu of %lu</source>
+    <translation>%lu von %lu verglichen</translation>
+</message>
+<message>
+    <source>Stopped after %lu of %lu</source>
+    <translation>Nach %lu von %lu beendet</translation>
+</message>
+<message>
+    <source>No other copy is the same</source>
+    <translation>Keine andere Kopie ist gleich</translation>
+</message>
+<message>
+    <source>Searching for copies of Mirror Frame…</source>
+    <translation>Kopien von Mirror Frame werden gesucht …</translation>
+</message>
+<message>
+    <source>All local volumes are searched, and the running programs, the login items and the file browser's toolbar are looked at. The first search reads every folder and can take minutes; later ones begin with what it found.</source>
+    <translation>Alle lokalen Volumes werden durchsucht, die laufenden Programme, die Anmeldeobjekte und die Leiste der Dateiverwaltung angesehen. Die erste Suche liest jeden Ordner und kann Minuten dauern; spätere beginnen mit dem, was sie fand.</translation>
+</message>
+<message>
+    <source>Copies are listed here as they are found. Select one to show it, to quit it, or to move it to the trash; Esc stops the search, F1 shows all keys.</source>
+    <translation>Kopien erscheinen hier, sobald sie gefunden sind. Wählen Sie eine aus, um sie zu zeigen, zu beenden oder in den Papierkorb zu legen; Esc beendet die Suche, F1 zeigt alle Tasten.</translation>
+</message>
+<message numerus="yes">
+    <source>%n new</source>
+    <translation><numerusform>%n neue</numerusform><numerusform>%n neue</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n gone</source>
+    <translation><numerusform>%n verschwunden</numerusform><numerusform>%n verschwunden</numerusform></translation>
+</message>
+<message>
+    <source>%@, %@ since the scan.</source>
+    <translation>%@, %@ seit der Suche.</translation>
+</message>
+<message>
+    <source>%@ since the scan.</source>
+    <translation>%@ seit der Suche.</translation>
+</message>
+<message>
+    <source>“%@” is no option</source>
+    <translation>„%@“ ist keine Option</translation>
 </message>
 </context>
 </TS>

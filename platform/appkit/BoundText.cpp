@@ -3,20 +3,32 @@
 #include "platform/foundation/Format.h"
 #include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSNumber.h"
+#include <QAbstractButton>
+#include <QLabel>
 #include <QVariant>
 
 namespace mac {
 
-BoundText::BoundText(QLabel* label, KeyPathScope const& scope) : m_label(label) {
-    label->setTextFormat(Qt::PlainText);
-    for (QString const& keyPath : label->property("displayKeyPaths").toStringList())
+namespace {
+
+void showText(QWidget& widget, QString text) {
+    if (auto* const label = qobject_cast<QLabel*>(&widget)) return label->setText(text);
+    // A button takes a single one for the mark of its mnemonic.
+    if (auto* const button = qobject_cast<QAbstractButton*>(&widget)) button->setText(text.replace("&", "&&"));
+}
+
+} // namespace
+
+BoundText::BoundText(QWidget* widget, KeyPathScope const& scope) : m_widget(widget) {
+    if (auto* const label = qobject_cast<QLabel*>(widget)) label->setTextFormat(Qt::PlainText);
+    for (QString const& keyPath : widget->property("displayKeyPaths").toStringList())
         m_values.push_back(std::make_unique<BoundValue>(scope, keyPath, [this] { follow(); }));
     follow();
 }
 
 NSString BoundText::pattern(id const& first) const {
-    auto const text = [&](char const* name) { return stringOf(m_label->property(name).toString()); };
-    auto const has = [&](char const* name) { return m_label->property(name).isValid(); };
+    auto const text = [&](char const* name) { return stringOf(m_widget->property(name).toString()); };
+    auto const has = [&](char const* name) { return m_widget->property(name).isValid(); };
     NSNumber const number = as<NSNumber>(first);
     if (number != nil && number.longLongValue() == 0 && has("displayPatternForZero"))
         return text("displayPatternForZero");
@@ -27,12 +39,12 @@ NSString BoundText::pattern(id const& first) const {
 }
 
 void BoundText::follow() {
-    if (!m_label) return;
+    if (!m_widget) return;
     std::vector<FormatArgument> arguments;
     for (auto const& value : m_values)
         arguments.emplace_back(value->value());
     id const first = m_values.empty() ? id() : m_values.front()->value();
-    m_label->setText(visibleText(formatString(pattern(first), arguments)));
+    showText(*m_widget, visibleText(formatString(pattern(first), arguments)));
 }
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/ArrayControllerBody.h"
+#include "platform/appkit/BoundIcon.h"
 #include "platform/appkit/BoundText.h"
 #include "platform/appkit/FilterPredicate.h"
 #include "platform/appkit/FormReader.h"
@@ -20,7 +21,8 @@
 // window          controllerClass      class of the controller, which the file makes
 //                 applicationDelegate  the controller is the application's delegate
 //                 arrayControllers     names; for each a list property of that name with lines contentSet=KEYPATH or
-//                                      contentArray=KEYPATH, and identityKeyPath=KEYPATH
+//                                      contentArray=KEYPATH, identityKeyPath=KEYPATH, and outlet=none for
+//                                      one that the controller has no key for
 //                 initialFocus         name of the widget that gets the keyboard first
 //                 glyph                outline of its icon
 //                 autosaveName         keeps its size in the defaults, a table its columns' widths
@@ -32,6 +34,8 @@
 //                 files                key path of the files that rows stand for, see TableFiles.h
 //                 activates            name of the action that a double click on a row and the Return key trigger
 // action, button  action               selector sent to the controller; not answered: disabled
+//                 target               key path of the object that gets the selector in the controller's place
+//                 checkedWhen          key paths that must all be true for it to be checked; its selector changes them
 //                 enabledWhen          see Requirements.h
 //                 busyText             see ActionSending.h, worksWhileBusy too
 //                 moreShortcuts        further key sequences
@@ -45,7 +49,8 @@
 //                 shows                "about" or "shortcuts": see HelpPanels.h
 // menu            sorts                name of the table whose columns it offers to sort by
 // field           filters              name of the array controller, and filterKeyPaths
-// label           displayPattern       see BoundText.h
+// label, button   displayPattern       see BoundText.h
+// label           iconKeyPath          see BoundIcon.h
 //                 showsLog             see StatusLine.h
 
 namespace mac {
@@ -118,19 +123,22 @@ void InterfaceFile::makeArrayControllers() {
 
 void InterfaceFile::makeArrayController(QString const& name) {
     NSArrayController const arrayController = NSArrayController::alloc().init();
+    NSString outlet = "";
     m_scope.add(name, arrayController);
     for (QString const& line : formProperty<QStringList>(m_window.get(), name.toUtf8().constData())) {
         QString const key = line.section('=', 0, 0).trimmed();
         NSString const value = stringOf(line.section('=', 1).trimmed());
         if (key == "contentSet" || key == "contentArray")
             m_contentBindings.push_back({arrayController, stringOf(key), value});
+        else if (key == "outlet")
+            outlet = value;
         else if (key == "identityKeyPath")
             arrayController.setIdentityKeyPath(value);
         else
             NSLog("Interface file: the array controller \"%@\" has a line that is not known: %@", stringOf(name),
                   stringOf(line));
     }
-    connectOutlet(name, arrayController);
+    if (!outlet.isEqualToString_("none")) connectOutlet(name, arrayController);
 }
 
 void InterfaceFile::bindArrayControllers() {
@@ -205,7 +213,8 @@ void InterfaceFile::connectWidgets() {
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) connectButton(button);
         if (auto* const field = qobject_cast<QLineEdit*>(widget); field && hasFormProperty(field, "filters"))
             connectFilter(field);
-        if (label && hasFormProperty(label, "displayPattern")) keep<BoundText>(label, m_scope);
+        if (hasFormProperty(widget, "displayPattern")) keep<BoundText>(widget, m_scope);
+        if (label && hasFormProperty(label, "iconKeyPath")) keep<BoundIcon>(label, m_scope);
         if (label && formProperty<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
         connectConditions(widget, coverRows(widget));
     }

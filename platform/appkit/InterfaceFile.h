@@ -58,6 +58,10 @@ private:
     void connectConditions(QWidget* widget, TableCover* cover);
     // The part that covers the rows of the table that the widget names; null if it names none.
     TableCover* coverRows(QWidget* widget);
+    // The object that gets the owner's selector: the controller unless the property target names another.
+    id targetOf(QObject const* owner);
+    template <class Owner, class Signal>
+    void followCheck(Owner* owner, Signal signal);
     // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
     NSControl makeControl(NSControl control, QObject* owner, id const& target, QString const& selector);

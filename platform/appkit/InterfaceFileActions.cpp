@@ -46,6 +46,27 @@ NSControl InterfaceFile::makeControl(NSControl control, QObject* owner, id const
     return control;
 }
 
+id InterfaceFile::targetOf(QObject const* owner) {
+    QString const keyPath = formProperty<QString>(owner, "target");
+    if (keyPath.isEmpty()) return m_controller;
+    // The control does not keep its target.
+    m_objects.push_back(BoundValue(m_scope, keyPath, [] {}).value());
+    return m_objects.back();
+}
+
+template <class Owner, class Signal>
+void InterfaceFile::followCheck(Owner* owner, Signal signal) {
+    QStringList const keyPaths = formProperty<QStringList>(owner, "checkedWhen");
+    if (keyPaths.isEmpty()) return;
+    owner->setCheckable(true);
+    QPointer<Owner> const watched = owner;
+    auto* const condition = keep<Condition>(m_scope, keyPaths, 0, [watched](bool isTrue) {
+        if (watched) watched->setChecked(isTrue);
+    });
+    // The toolkit has turned the mark before the selector was sent, which may have changed nothing.
+    QObject::connect(owner, signal, &m_connections, [owner, condition] { owner->setChecked(condition->isTrue()); });
+}
+
 void InterfaceFile::connectAction(QAction* action) {
     if (QString const name = formProperty<QString>(action, "focuses"); !name.isEmpty()) {
         auto* const field = m_window->findChild<QWidget*>(name);
@@ -63,10 +84,11 @@ void InterfaceFile::connectAction(QAction* action) {
         QObject::connect(action, &QAction::triggered, &m_connections, [this] { showKeysOf(widget()); });
     if (hasFormProperty(action, "command")) connectCommand(action);
     if (!hasFormProperty(action, "action")) return;
-    NSControl const control =
-        makeControl(adopt<NSControl>(nullptr, action), action, m_controller, formProperty<QString>(action, "action"));
+    NSControl const control = makeControl(adopt<NSControl>(nullptr, action), action, targetOf(action),
+                                          formProperty<QString>(action, "action"));
     QObject::connect(action, &QAction::triggered, &m_connections,
                      [this, control, action] { m_sending.send(control, action); });
+    followCheck(action, &QAction::triggered);
 }
 
 void InterfaceFile::connectCommand(QAction* action) {
@@ -96,9 +118,10 @@ void InterfaceFile::connectButton(QAbstractButton* button) {
     }
     if (!hasFormProperty(button, "action")) return;
     NSControl const control =
-        makeControl(adopt<NSControl>(button), button, m_controller, formProperty<QString>(button, "action"));
+        makeControl(adopt<NSControl>(button), button, targetOf(button), formProperty<QString>(button, "action"));
     QObject::connect(button, &QAbstractButton::clicked, &m_connections,
                      [this, control, button] { m_sending.send(control, button); });
+    followCheck(button, &QAbstractButton::clicked);
 }
 
 } // namespace mac
