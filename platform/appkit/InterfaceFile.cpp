@@ -6,7 +6,6 @@
 #include "platform/appkit/FormReader.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/appkit/StatusLine.h"
-#include "platform/appkit/TableCover.h"
 #include "platform/appkit/TableViewBody.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/appkit/WindowBody.h"
@@ -26,6 +25,7 @@
 //                                      one that the controller has no key for
 //                 initialFocus         name of the widget that gets the keyboard first
 //                 glyph                outline of its icon
+//                 autosaveName         keeps its size in the defaults, a table its columns' widths
 // any widget      outlet               the controller's key under which it gets this object
 //                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
 //                 coversRows           name of the table over whose rows it lies
@@ -89,6 +89,8 @@ std::variant<std::unique_ptr<InterfaceFile>, std::string> InterfaceFile::load(NS
     styleWindow(file->widget());
     file->connectWidgets();
     file->bindArrayControllers();
+    if (hasFormProperty(file->widget(), "autosaveName"))
+        file->m_windowObject.setFrameAutosaveName_(stringOf(formProperty<QString>(file->widget(), "autosaveName")));
     if (file->m_controller.respondsToSelector_("awakeFromNib"))
         guarded([&] { file->m_controller.performSelector_("awakeFromNib"); });
     return file;
@@ -162,6 +164,8 @@ void InterfaceFile::makeTable(QTableView* table) {
     m_scope.add(table->objectName(), object);
     if (hasFormProperty(table, "files"))
         bodyOf(object)->setFileKeyPath(stringOf(formProperty<QString>(table, "files")));
+    if (hasFormProperty(table, "autosaveName"))
+        object.setAutosaveName_(stringOf(formProperty<QString>(table, "autosaveName")));
     if (hasFormProperty(table, "outlet")) connectOutlet(formProperty<QString>(table, "outlet"), object);
     connectActivation(table);
 }
@@ -179,23 +183,22 @@ void InterfaceFile::connectFilter(QLineEdit* field) {
     });
 }
 
-void InterfaceFile::connectConditions(QWidget* widget) {
+void InterfaceFile::connectConditions(QWidget* widget, TableCover* cover) {
     if (!hasFormProperty(widget, "visibleWhen")) return;
     QPointer<QWidget> const watched = widget;
     keep<Condition>(m_scope, formProperty<QStringList>(widget, "visibleWhen"),
-                    formProperty<int>(widget, "visibleDelay"), [watched](bool isTrue) {
+                    formProperty<int>(widget, "visibleDelay"), [watched, cover](bool isTrue) {
+                        if (watched && cover) return cover->setVisible(isTrue);
                         if (watched) watched->setVisible(isTrue);
                     });
 }
 
-void InterfaceFile::coverRows(QWidget* widget) {
+TableCover* InterfaceFile::coverRows(QWidget* widget) {
     QString const name = formProperty<QString>(widget, "coversRows");
-    if (name.isEmpty()) return;
-    if (auto* const table = m_window->findChild<QTableView*>(name)) {
-        keep<TableCover>(widget, table);
-        return;
-    }
+    if (name.isEmpty()) return nullptr;
+    if (auto* const table = m_window->findChild<QTableView*>(name)) return keep<TableCover>(widget, table);
     NSLog(R"(Interface file: "%@" covers the rows of "%@", which does not exist)", nameOf(widget), stringOf(name));
+    return nullptr;
 }
 
 void InterfaceFile::connectWidgets() {
@@ -213,8 +216,7 @@ void InterfaceFile::connectWidgets() {
         if (hasFormProperty(widget, "displayPattern")) keep<BoundText>(widget, m_scope);
         if (label && hasFormProperty(label, "iconKeyPath")) keep<BoundIcon>(label, m_scope);
         if (label && formProperty<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
-        coverRows(widget);
-        connectConditions(widget);
+        connectConditions(widget, coverRows(widget));
     }
     for (QAction* const action : m_window->findChildren<QAction*>())
         connectAction(action);

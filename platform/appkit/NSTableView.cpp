@@ -15,6 +15,9 @@ ClassDescription NSTableView::describeClass() {
                 method<&Self::setSortDescriptors_>("setSortDescriptors:"),
                 method<&Self::copy_>("copy:"),
                 method<&Self::selectAll_>("selectAll:"),
+                method<&Self::resetColumnWidths_>("resetColumnWidths:"),
+                method<&Self::autosaveName>("autosaveName"),
+                method<&Self::setAutosaveName_>("setAutosaveName:"),
                 method<&Self::numberOfRows>("numberOfRows"),
                 method<&Self::numberOfSelectedRows>("numberOfSelectedRows"),
                 method<&Self::selectedRow>("selectedRow"),
@@ -37,6 +40,16 @@ void NSTableView::copy_(id const&) const {
 
 void NSTableView::selectAll_(id const&) const {
     if (*this != nil) bodyOf(*this)->selectAll();
+}
+
+void NSTableView::resetColumnWidths_(id const&) const {
+    if (*this != nil) bodyOf(*this)->resetColumnWidths();
+}
+
+NSString NSTableView::autosaveName() const { return *this == nil ? NSString() : bodyOf(*this)->autosaveName(); }
+
+void NSTableView::setAutosaveName_(NSString const& name) const {
+    if (*this != nil) bodyOf(*this)->setAutosaveName(name);
 }
 
 NSInteger NSTableView::numberOfRows() const {

@@ -22,6 +22,8 @@ ClassDescription NSWindow::describeClass() {
                 method<&Self::setTitle_>("setTitle:"),
                 method<&Self::isVisible>("isVisible"),
                 method<&Self::makeKeyAndOrderFront_>("makeKeyAndOrderFront:"),
+                method<&Self::frameAutosaveName>("frameAutosaveName"),
+                method<&Self::setFrameAutosaveName_>("setFrameAutosaveName:"),
                 method<&Self::close>("close"),
                 method<&Self::performClose_>("performClose:"),
             },
@@ -43,6 +45,12 @@ void NSWindow::setTitle_(NSString const& title) const {
 bool NSWindow::isVisible() const {
     QWidget const* const widget = widgetOf(*this);
     return widget && widget->isVisible();
+}
+
+NSString NSWindow::frameAutosaveName() const { return *this == nil ? NSString() : bodyOf(*this)->autosaveName(); }
+
+bool NSWindow::setFrameAutosaveName_(NSString const& name) const {
+    return *this != nil && bodyOf(*this)->setAutosaveName(name);
 }
 
 void NSWindow::makeKeyAndOrderFront_(id const&) const {

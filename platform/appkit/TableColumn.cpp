@@ -47,6 +47,9 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
         {"sortKey", [&](QString const& value) { sorting.key = stringOf(value); }},
         {"sortSelector", [&](QString const& value) { sorting.selector = value; }},
         {"sortOrder", [&](QString const& value) { sorting.ascending = value != "descending"; }},
+        {"orderKey", [&](QString const& value) { column.orderKey = stringOf(value); }},
+        {"nullText", [&](QString const& value) { column.nullText = value; }},
+        {"elides", [&](QString const& value) { column.elidesCommonPath = value == "commonPath"; }},
         {"sample", [&](QString const& value) { column.sample = value; }},
         {"width",
          [&](QString const& value) { column.fillsWidth = value == "fill", column.fitsContents = value == "fit"; }},
@@ -70,7 +73,14 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
 QString TableColumn::textOf(id const& object) const {
     if (keyPath == nil) return {};
     id const value = valueOfKeyPath(object, keyPath);
-    return visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+    QString text = visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+    return nullText.isEmpty() ? text : text.replace("(null)", nullText);
+}
+
+bool TableColumn::sortsLike(NSSortDescriptor const& descriptor) const {
+    if (sortDescriptor == nil || descriptor == nil) return false;
+    NSString const key = descriptor.key();
+    return sortDescriptor.key().isEqual_(key) || (orderKey != nil && orderKey.isEqual_(key));
 }
 
 NSString TableColumn::iconPathOf(id const& object) const {

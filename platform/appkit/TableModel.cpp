@@ -4,6 +4,7 @@
 #include "platform/appkit/ThemeColors.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Boundary.h"
+#include <QCoreApplication>
 #include <algorithm>
 
 namespace mac {
@@ -98,7 +99,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
             Qt::Alignment(Qt::AlignVCenter | (column.isCentered ? Qt::AlignHCenter : Qt::AlignLeft)));
     case Qt::ToolTipRole: {
         if (column.sortDescriptor == nil) return {};
-        QString const tip = QString("Sort by %1").arg(column.title);
+        QString const tip = QCoreApplication::translate("Framekeeper", "Sort by %1").arg(column.title);
         return section < LastShortcutColumn ? plainToolTip(QString("%1 (Ctrl+%2)").arg(tip).arg(section + 1)) : tip;
     }
     default:
@@ -106,7 +107,29 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
     }
 }
 
+CommonPath TableModel::commonPath(int section) const {
+    std::size_t const number = static_cast<std::size_t>(section);
+    return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
+}
+
+// A text for the screen has as many code units as the path.
+void TableModel::findCommonPaths(NSArray const& rows) {
+    m_commonPaths.assign(m_columns.size(), {});
+    for (std::size_t section = 0; section < m_columns.size(); ++section) {
+        if (!m_columns[section].elidesCommonPath) continue;
+        guarded([&] {
+            CommonPathFinder finder;
+            for (id const& object : rows) {
+                finder.add(as<NSString>(valueOfKeyPath(object, m_columns[section].keyPath)).codeUnits());
+                if (finder.isEmpty()) break;
+            }
+            m_commonPaths[section] = finder.result();
+        });
+    }
+}
+
 void TableModel::resetRows(NSArray const& rows) {
+    findCommonPaths(rows);
     beginResetModel();
     m_isBroken.clear();
     m_rows.assign(rows.begin(), rows.end());
@@ -116,6 +139,7 @@ void TableModel::resetRows(NSArray const& rows) {
 // The steps: those that go are moved to the end and removed, the new ones are added at the end, and all move to their
 // places.
 void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows) {
+    findCommonPaths(rows);
     std::size_t const count = previousRows.size();
     m_isBroken.clear();
     std::vector<int> newRowOf(m_rows.size(), Gone);

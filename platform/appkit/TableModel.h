@@ -2,6 +2,7 @@
 
 #include "platform/appkit/BundleIcons.h"
 #include "platform/appkit/NSArrayController.h"
+#include "platform/appkit/PathElision.h"
 #include "platform/appkit/TableColumn.h"
 #include <QAbstractTableModel>
 #include <QPointer>
@@ -31,6 +32,9 @@ public:
     // out.
     std::vector<std::string> pathsOf(QModelIndexList const& indexes) const;
 
+    // What the paths of all rows have in common in a column that leaves it out; nothing in other columns.
+    CommonPath commonPath(int section) const;
+
     // Shows these rows from now on; previousRows says where each stood, NSNotFound for a new one.
     void replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows);
     // Shows these rows, whatever stood there before.
@@ -48,10 +52,12 @@ public:
 
 private:
     QVariant cell(id const& object, TableColumn const& column, int role) const;
+    void findCommonPaths(NSArray const& rows);
     void reorder(std::vector<int> const& newRowOf);
 
     std::vector<TableColumn> m_columns;
     std::vector<id> m_rows;
+    std::vector<CommonPath> m_commonPaths;
     NSString m_fileKeyPath;
     QPointer<QWidget const> m_colorSource;
     // Columns whose value could not be read, so that it is logged once for each change and not for each painting.

@@ -120,17 +120,18 @@ void NSTableView::Body::setSortDescriptors(NSArray const& descriptors) {
 }
 
 void NSTableView::Body::sortByColumn(int column) {
-    NSSortDescriptor const wanted = m_model.columns()[static_cast<std::size_t>(column)].sortDescriptor;
+    TableColumn const& described = m_model.columns()[static_cast<std::size_t>(column)];
+    NSSortDescriptor const wanted = described.sortDescriptor;
     if (wanted == nil) return;
     std::vector<id> descriptors{wanted};
     NSArray const present = bodyOf(m_controller)->wantedSortDescriptors();
     for (NSUInteger i = 0; i < present.count(); ++i) {
         NSSortDescriptor const older = as<NSSortDescriptor>(present.objectAtIndex_(i));
         bool const isSameCriterion = wanted.key().isEqual_(older.key()) && wanted.selector() == older.selector();
-        if (!isSameCriterion)
-            descriptors.push_back(older);
-        else if (i == 0)
+        if (isSameCriterion && i == 0)
             descriptors[0] = older.reversedSortDescriptor();
+        else if (!described.sortsLike(older))
+            descriptors.push_back(older);
     }
     bodyOf(m_controller)->changeInSteps({.sortDescriptors = NSArray::arrayWithVector(std::move(descriptors))});
 }
@@ -145,9 +146,8 @@ void NSTableView::Body::showOrder() {
     NSArray const descriptors = m_controller.sortDescriptors();
     NSSortDescriptor const first =
         descriptors.count() == 0 ? NSSortDescriptor() : as<NSSortDescriptor>(descriptors.objectAtIndex_(0));
-    auto const shown = std::ranges::find_if(m_model.columns(), [&](TableColumn const& column) {
-        return column.sortDescriptor != nil && first != nil && column.sortDescriptor.key().isEqual_(first.key());
-    });
+    auto const shown =
+        std::ranges::find_if(m_model.columns(), [&](TableColumn const& column) { return column.sortsLike(first); });
     int const section = shown == m_model.columns().end() ? -1 : static_cast<int>(shown - m_model.columns().begin());
     for (QAction* const sorting : m_sortActions)
         sorting->setChecked(sorting->data().toInt() == section);

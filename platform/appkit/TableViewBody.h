@@ -32,6 +32,11 @@ public:
     void setFileKeyPath(NSString const& keyPath);
     // Puts the selected rows' files on the clipboard.
     void copySelection() const;
+    void resetColumnWidths();
+    // Keeps the widths that the user chooses in the defaults under a key for the name, and takes over those that are
+    // there.
+    void setAutosaveName(NSString const& name);
+    NSString const& autosaveName() const { return m_autosaveName; }
     void selectAll() const;
 
 private:
@@ -43,6 +48,9 @@ private:
     void prepareView();
     void connectView();
     void makeSortActions();
+    NSString widthsKey() const;
+    void readWidths();
+    void writeWidths();
     void followRows();
     void showRows(NSArray const& rows);
     // Which of the rows that are shown will be shown next, too.
@@ -59,9 +67,10 @@ private:
     QPointer<QTableView> m_view;
     NSArrayController m_controller;
     TableModel m_model;
-    TableCellDelegate m_delegate;
+    TableCellDelegate m_delegate{m_model};
     TableHeaderStyle m_headerStyle;
     NSArray m_shown;
+    NSString m_autosaveName;
     std::optional<TableColumnWidths> m_widths;
     std::optional<TableFiles> m_files;
     QList<QAction*> m_sortActions;
