@@ -246,7 +246,7 @@ TEST(MainWindow, LogsAnExceptionInAnActionAndGoesOn) {
 TEST(MainWindow, ShowsThatItSearchesAndWhatCouldNotBeRead) {
     LoadedWindow const window;
     auto* const busy = window.find<QWidget>("busyIndicator");
-    auto* const unreadable = window.find<QLabel>("unreadableLabel");
+    auto* const unreadable = window.find<QPushButton>("unreadableButton");
     EXPECT_FALSE(busy->isVisible());
     EXPECT_FALSE(unreadable->isVisible());
     window.controller().query().setIsGathering_(YES);
