@@ -115,10 +115,6 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <source>None shown</source>
     <translation>Keine angezeigt</translation>
 </message>
-<message>
-    <source>Copies in these folders are not listed. They belong to other users or to the system.</source>
-    <translation>Kopien in diesen Ordnern sind nicht aufgeführt. Die Ordner gehören anderen Benutzern oder dem System.</translation>
-</message>
 <message numerus="yes">
     <source>%@ folders could not be read</source>
     <translation><numerusform>%@ Ordner nicht lesbar</numerusform><numerusform>%@ Ordner nicht lesbar</numerusform></translation>
@@ -744,6 +740,114 @@ Opens the window, or brings the open one to the front.
 <message>
     <source>“%@” is no option</source>
     <translation>„%@“ ist keine Option</translation>
+</message>
+<message>
+    <source>Scan again</source>
+    <translation>Erneut suchen</translation>
+</message>
+<message>
+    <source>Details</source>
+    <translation>Details</translation>
+</message>
+<message>
+    <source>Select one copy to see its details</source>
+    <translation>Wählen Sie eine Kopie aus, um ihre Details zu sehen</translation>
+</message>
+<message>
+    <source>Same as</source>
+    <translation>Gleich wie</translation>
+</message>
+<message>
+    <source>Size on disk</source>
+    <translation>Belegt</translation>
+</message>
+<message>
+    <source>Created</source>
+    <translation>Erstellt</translation>
+</message>
+<message>
+    <source>Modified</source>
+    <translation>Geändert</translation>
+</message>
+<message>
+    <source>Volume</source>
+    <translation>Volume</translation>
+</message>
+<message>
+    <source>Show</source>
+    <translation>Zeigen</translation>
+</message>
+<message>
+    <source>Shows where the volume is mounted</source>
+    <translation>Zeigt, wo das Volume eingehängt ist</translation>
+</message>
+<message>
+    <source>Process</source>
+    <translation>Prozess</translation>
+</message>
+<message>
+    <source>Shows the program that the process runs</source>
+    <translation>Zeigt das Programm, das der Prozess ausführt</translation>
+</message>
+<message>
+    <source>Login item</source>
+    <translation>Anmeldung</translation>
+</message>
+<message>
+    <source>Shows the file of the login item</source>
+    <translation>Zeigt die Datei des Anmeldeobjekts</translation>
+</message>
+<message>
+    <source>Place</source>
+    <translation>Ort</translation>
+</message>
+<message>
+    <source>Shows the file that holds the place</source>
+    <translation>Zeigt die Datei, in der der Ort steht</translation>
+</message>
+<message>
+    <source>Compare</source>
+    <translation>Vergleichen</translation>
+</message>
+<message>
+    <source>Finds the other copies that are the same byte for byte</source>
+    <translation>Findet die anderen Kopien, die Byte für Byte gleich sind</translation>
+</message>
+<message>
+    <source>Stop comparing</source>
+    <translation>Vergleich beenden</translation>
+</message>
+<message>
+    <source>Ends the comparison; what was found stays</source>
+    <translation>Beendet den Vergleich; was gefunden wurde, bleibt</translation>
+</message>
+<message>
+    <source>Folders that could not be read; copies in them are not listed:</source>
+    <translation>Nicht lesbare Ordner; Kopien darin sind nicht aufgeführt:</translation>
+</message>
+<message>
+    <source>Close</source>
+    <translation>Schließen</translation>
+</message>
+<message>
+    <source>Hides the folders that could not be read</source>
+    <translation>Blendet die nicht lesbaren Ordner aus</translation>
+</message>
+<message>
+    <source>Folders that could not be read</source>
+    <translation>Nicht lesbare Ordner</translation>
+</message>
+<message>
+    <source>Shows which folders, and why. Copies in them are not listed</source>
+    <translation>Zeigt, welche Ordner und warum. Kopien darin sind nicht aufgeführt</translation>
+</message>
+<message>
+    <source>&amp;Details</source>
+    <translation>&amp;Details</translation>
+</message>
+<message>
+    <source>Shows what is known of the selected copy beside the table</source>
+    <translation>Zeigt neben der Tabelle, was über die ausgewählte Kopie bekannt ist</translation>
 </message>
 </context>
 </TS>
