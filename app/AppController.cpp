@@ -121,6 +121,9 @@ ClassDescription AppController::describeClass() {
                 property<&Self::paths, &Self::setPaths_>("paths"),
                 property<&Self::query, &Self::setQuery_>("query"),
                 readOnlyProperty<&Self::canUndo>("canUndo"),
+                readOnlyProperty<&Self::panes>("panes"),
+                readOnlyProperty<&Self::details>("details"),
+                readOnlyProperty<&Self::scanChanges>("scanChanges"),
                 readOnlyProperty<&Self::logOutObstacle>("logOutObstacle"),
                 readOnlyProperty<&Self::notice>("notice"),
                 readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
@@ -177,6 +180,27 @@ void AppController::startQuery() const {
     if (query().startQuery()) return;
     NSBeep();
     NSLog("ERROR: Could not start Spotlight query.");
+}
+
+Panes AppController::panes() const {
+    if (*this == nil) return nil;
+    Panes& panes = bodyOf(*this)->_panes;
+    if (panes == nil) panes = Panes::make();
+    return panes;
+}
+
+CopyDetails AppController::details() const {
+    if (*this == nil) return nil;
+    CopyDetails& details = bodyOf(*this)->_details;
+    if (details == nil) details = CopyDetails::of(*this);
+    return details;
+}
+
+ScanChanges AppController::scanChanges() const {
+    if (*this == nil) return nil;
+    ScanChanges& changes = bodyOf(*this)->_scanChanges;
+    if (changes == nil) changes = ScanChanges::of(*this);
+    return changes;
 }
 
 bool AppController::applicationShouldTerminateAfterLastWindowClosed_(id const&) const { return *this != nil; }

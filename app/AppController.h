@@ -12,6 +12,10 @@ namespace framekeeper {
 
 using namespace mac;
 
+class CopyDetails;
+class Panes;
+class ScanChanges;
+
 // What makes a bundle a copy of the companion.
 inline constexpr char CompanionIdentifier[] = "com.tidelark.mirrorframe";
 inline constexpr char CompanionFileName[] = "Mirror Frame.app";
@@ -159,6 +163,10 @@ public:
     bool canUndo() const;
     // Linux: a text about the last change for the window, which is told each time it is set; nil before the first.
     NSString notice() const;
+    // Linux: what the window shows beside the table; each is made when it is first asked for.
+    Panes panes() const;
+    CopyDetails details() const;
+    ScanChanges scanChanges() const;
     // Linux: whether the notice is about a change that undoAction takes back.
     bool noticeOffersUndo() const;
 

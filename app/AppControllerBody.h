@@ -1,7 +1,10 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "app/CopyDetails.h"
 #include "app/MembershipSources.h"
+#include "app/Panes.h"
+#include "app/ScanChanges.h"
 #include "app/Undo.h"
 #include "scripting/ProcessQuitting.h"
 #include "scripting/ProcessesAndFinder.h"
@@ -59,6 +62,10 @@ public:
     NSArrayController _pathsArrayController;
     NSTableView _pathsTableView;
     NSWindow _window;
+    // nil until they are asked for.
+    Panes _panes;
+    CopyDetails _details;
+    ScanChanges _scanChanges;
 };
 
 }

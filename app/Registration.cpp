@@ -2,8 +2,11 @@
 #include "app/AppController.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
+#include "app/CopyDetails.h"
 #include "app/InTrashTransformer.h"
 #include "app/Outlets.h"
+#include "app/Panes.h"
+#include "app/ScanChanges.h"
 #include "platform/foundation/Method.h"
 
 namespace framekeeper {
@@ -22,7 +25,8 @@ void useWindow() {
 
 void registerApp() {
     useWindow();
-    registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer, InTrashTransformer>();
+    registerClasses<AppController, BOOLToColorTransformer, BOOLToStringTransformer, CopyDetails, InTrashTransformer,
+                    Panes, ScanChanges>();
 }
 
 } // namespace framekeeper

@@ -21,6 +21,12 @@ set_target_properties(osa PROPERTIES EXCLUDE_FROM_ALL OFF)
 install(PROGRAMS $<TARGET_FILE:osa> RENAME framekeeper-osa DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
 
 install(FILES ${desktop_files}/${desktop_id}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT programs)
+# The session's bus starts the program by its path, which is known when it is installed.
+install(CODE "set(framekeeper_program \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/framekeeper\")
+configure_file(\"${desktop_files}/${desktop_id}.service.in\" \"${PROJECT_BINARY_DIR}/${desktop_id}.service\" @ONLY)"
+        COMPONENT programs)
+install(FILES ${PROJECT_BINARY_DIR}/${desktop_id}.service DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/services
+        COMPONENT programs)
 configure_file(${desktop_files}/${desktop_id}.metainfo.xml.in ${PROJECT_BINARY_DIR}/${desktop_id}.metainfo.xml @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/${desktop_id}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo
         COMPONENT programs)
@@ -35,6 +41,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/packaging/icons/48.svg RENAME ${desktop_id}.
         DESTINATION ${icons}/scalable/apps COMPONENT programs)
 install(FILES ${PROJECT_SOURCE_DIR}/packaging/icons/symbolic.svg RENAME ${desktop_id}-symbolic.svg
         DESTINATION ${icons}/symbolic/apps COMPONENT programs)
+
+install(DIRECTORY ${FRAMEKEEPER_CATALOGUES} DESTINATION ${CMAKE_INSTALL_DATADIR}/framekeeper COMPONENT programs)
 
 foreach(page framekeeper framekeeper-cli framekeeper-osa)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${page}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT programs)

@@ -1,9 +1,9 @@
 #include "platform/appkit/ApplicationEvents.h"
+#include "platform/appkit/ApplicationInstance.h"
 #include "platform/appkit/NSApplication.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/NSRunLoop.h"
 #include <QApplication>
-#include <QWidget>
 
 namespace mac {
 
@@ -12,11 +12,7 @@ namespace {
 OSErr doNothing(AppleEvent const*, AppleEvent*, void*) { return noErr; }
 
 OSErr bringToFront(AppleEvent const*, AppleEvent*, void*) {
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible()) continue;
-        window->raise();
-        window->activateWindow();
-    }
+    raiseWindows();
     return noErr;
 }
 

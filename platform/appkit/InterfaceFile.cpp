@@ -1,11 +1,11 @@
 #include "platform/appkit/InterfaceFile.h"
 #include "platform/appkit/ArrayControllerBody.h"
+#include "platform/appkit/BoundIcon.h"
 #include "platform/appkit/BoundText.h"
 #include "platform/appkit/FilterPredicate.h"
 #include "platform/appkit/FormReader.h"
-#include "platform/appkit/Requirements.h"
+#include "platform/appkit/NSApplication.h"
 #include "platform/appkit/StatusLine.h"
-#include "platform/appkit/TableCover.h"
 #include "platform/appkit/TableViewBody.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/appkit/WindowBody.h"
@@ -14,24 +14,28 @@
 #include "platform/foundation/Exceptions.h"
 #include "platform/foundation/Log.h"
 #include <QGroupBox>
-#include <QPushButton>
-#include <QShortcut>
+#include <QMenu>
 
 // The dynamic properties, by the widgets they stand on. Lists are lists of strings, one entry a line.
 //
 // window          controllerClass      class of the controller, which the file makes
 //                 applicationDelegate  the controller is the application's delegate
 //                 arrayControllers     names; for each a list property of that name with lines contentSet=KEYPATH or
-//                                      contentArray=KEYPATH, and identityKeyPath=KEYPATH
+//                                      contentArray=KEYPATH, identityKeyPath=KEYPATH, and outlet=none for
+//                                      one that the controller has no key for
 //                 initialFocus         name of the widget that gets the keyboard first
 //                 glyph                outline of its icon
+//                 autosaveName         keeps its size in the defaults, a table its columns' widths
 // any widget      outlet               the controller's key under which it gets this object
 //                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
 //                 coversRows           name of the table over whose rows it lies
 // table           rows                 name of the array controller
 //                 columns              names; for each a list property NAMEColumn, see TableColumn.cpp
+//                 files                key path of the files that rows stand for, see TableFiles.h
 //                 activates            name of the action that a double click on a row and the Return key trigger
 // action, button  action               selector sent to the controller; not answered: disabled
+//                 target               key path of the object that gets the selector in the controller's place
+//                 checkedWhen          key paths that must all be true for it to be checked; its selector changes them
 //                 enabledWhen          see Requirements.h
 //                 busyText             see ActionSending.h, worksWhileBusy too
 //                 moreShortcuts        further key sequences
@@ -39,21 +43,19 @@
 //                 lacks
 //                                      the toolkit takes a folder for the icon's file, and reads the types of files
 //                 glyph                outline of the icon; for all actions if the theme lacks the icon of one
-//                 focuses, clears      name of the field that gets the keyboard, or is emptied
+//                 focuses, clears      name of the field that gets the keyboard, or is emptied; clearingKey: see
+//                                      FieldClearing.h
+// action          command              "RECEIVER SELECTOR": sent to "application", "window" or the table of that name
+//                 shows                "about" or "shortcuts": see HelpPanels.h
+// menu            sorts                name of the table whose columns it offers to sort by
 // field           filters              name of the array controller, and filterKeyPaths
-// label           displayPattern       see BoundText.h
+// label, button   displayPattern       see BoundText.h
+// label           iconKeyPath          see BoundIcon.h
 //                 showsLog             see StatusLine.h
 
 namespace mac {
 
 namespace {
-
-template <class Value>
-Value property(QObject const* object, char const* name) {
-    return object->property(name).value<Value>();
-}
-
-bool has(QObject const* object, char const* name) { return object->property(name).isValid(); }
 
 NSString nameOf(QObject const* object) { return stringOf(object->objectName()); }
 
@@ -68,7 +70,7 @@ InterfaceFile::InterfaceFile(std::unique_ptr<QWidget> window)
 
 InterfaceFile::~InterfaceFile() = default;
 
-bool InterfaceFile::controllerIsDelegate() const { return property<bool>(m_window.get(), "applicationDelegate"); }
+bool InterfaceFile::controllerIsDelegate() const { return formProperty<bool>(m_window.get(), "applicationDelegate"); }
 
 NSArrayController InterfaceFile::arrayControllerNamed(QString const& name) const {
     return as<NSArrayController>(m_scope.objectNamed(name));
@@ -80,18 +82,22 @@ std::variant<std::unique_ptr<InterfaceFile>, std::string> InterfaceFile::load(NS
     if (!window) return error.toStdString();
     auto file = std::make_unique<InterfaceFile>(std::move(window));
     if (std::optional<std::string> const reason = file->makeController()) return *reason;
+    file->m_scope.add("application", NSApplication::sharedApplication());
+    file->m_scope.add("window", file->m_windowObject);
     file->makeArrayControllers();
     // Requirements take over the tool tips as they are by then.
     styleWindow(file->widget());
     file->connectWidgets();
     file->bindArrayControllers();
+    if (hasFormProperty(file->widget(), "autosaveName"))
+        file->m_windowObject.setFrameAutosaveName_(stringOf(formProperty<QString>(file->widget(), "autosaveName")));
     if (file->m_controller.respondsToSelector_("awakeFromNib"))
         guarded([&] { file->m_controller.performSelector_("awakeFromNib"); });
     return file;
 }
 
 std::optional<std::string> InterfaceFile::makeController() {
-    QString const name = property<QString>(m_window.get(), "controllerClass");
+    QString const name = formProperty<QString>(m_window.get(), "controllerClass");
     if (name.isEmpty()) return "it names no controllerClass";
     Class const controllerClass = NSClassFromString(stringOf(name));
     if (controllerClass == nil) return "its controllerClass " + name.toStdString() + " does not exist";
@@ -111,25 +117,28 @@ void InterfaceFile::connectOutlet(QString const& key, id const& object) {
 }
 
 void InterfaceFile::makeArrayControllers() {
-    for (QString const& name : property<QStringList>(m_window.get(), "arrayControllers"))
+    for (QString const& name : formProperty<QStringList>(m_window.get(), "arrayControllers"))
         makeArrayController(name);
 }
 
 void InterfaceFile::makeArrayController(QString const& name) {
     NSArrayController const arrayController = NSArrayController::alloc().init();
+    NSString outlet = "";
     m_scope.add(name, arrayController);
-    for (QString const& line : property<QStringList>(m_window.get(), name.toUtf8().constData())) {
+    for (QString const& line : formProperty<QStringList>(m_window.get(), name.toUtf8().constData())) {
         QString const key = line.section('=', 0, 0).trimmed();
         NSString const value = stringOf(line.section('=', 1).trimmed());
         if (key == "contentSet" || key == "contentArray")
             m_contentBindings.push_back({arrayController, stringOf(key), value});
+        else if (key == "outlet")
+            outlet = value;
         else if (key == "identityKeyPath")
             arrayController.setIdentityKeyPath(value);
         else
             NSLog("Interface file: the array controller \"%@\" has a line that is not known: %@", stringOf(name),
                   stringOf(line));
     }
-    connectOutlet(name, arrayController);
+    if (!outlet.isEqualToString_("none")) connectOutlet(name, arrayController);
 }
 
 void InterfaceFile::bindArrayControllers() {
@@ -141,79 +150,29 @@ void InterfaceFile::bindArrayControllers() {
 }
 
 void InterfaceFile::makeTable(QTableView* table) {
-    NSArrayController const rows = arrayControllerNamed(property<QString>(table, "rows"));
+    NSArrayController const rows = arrayControllerNamed(formProperty<QString>(table, "rows"));
     if (rows == nil) {
         NSLog("Interface file: the table \"%@\" names no array controller as its rows", nameOf(table));
         return;
     }
     std::vector<TableColumn> columns;
-    for (QString const& name : property<QStringList>(table, "columns"))
+    for (QString const& name : formProperty<QStringList>(table, "columns"))
         columns.push_back(
-            TableColumn::fromLines(name, property<QStringList>(table, (name + "Column").toUtf8().constData())));
+            TableColumn::fromLines(name, formProperty<QStringList>(table, (name + "Column").toUtf8().constData())));
     NSTableView const object = adopt<NSTableView>(table, std::move(columns), rows);
     m_objects.push_back(object);
-    if (has(table, "outlet")) connectOutlet(property<QString>(table, "outlet"), object);
+    m_scope.add(table->objectName(), object);
+    if (hasFormProperty(table, "files"))
+        bodyOf(object)->setFileKeyPath(stringOf(formProperty<QString>(table, "files")));
+    if (hasFormProperty(table, "autosaveName"))
+        object.setAutosaveName_(stringOf(formProperty<QString>(table, "autosaveName")));
+    if (hasFormProperty(table, "outlet")) connectOutlet(formProperty<QString>(table, "outlet"), object);
     connectActivation(table);
 }
 
-void InterfaceFile::connectActivation(QTableView* table) {
-    QString const name = property<QString>(table, "activates");
-    if (name.isEmpty()) return;
-    auto* const action = m_window->findChild<QAction*>(name);
-    if (!action) {
-        NSLog(R"(Interface file: the table "%@" activates "%@", which does not exist)", nameOf(table), stringOf(name));
-        return;
-    }
-    QObject::connect(table, &QTableView::doubleClicked, action, &QAction::trigger);
-    for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter}) {
-        auto* const shortcut = new QShortcut(QKeySequence(key), table);
-        shortcut->setContext(Qt::WidgetShortcut);
-        QObject::connect(shortcut, &QShortcut::activated, action, &QAction::trigger);
-    }
-}
-
-void InterfaceFile::enableWhenUsable(QObject* owner, NSControl const& control) {
-    if (!m_controller.respondsToSelector_(control.action())) return control.setEnabled_(NO);
-    if (has(owner, "enabledWhen")) keep<Requirements>(owner, control, m_scope);
-}
-
-NSControl InterfaceFile::makeControl(NSControl control, QObject* owner) {
-    m_objects.push_back(control);
-    control.setTarget_(m_controller);
-    control.setAction_(SEL(property<QString>(owner, "action").toStdString()));
-    enableWhenUsable(owner, control);
-    return control;
-}
-
-void InterfaceFile::connectAction(QAction* action) {
-    if (QString const name = property<QString>(action, "focuses"); !name.isEmpty()) {
-        auto* const field = m_window->findChild<QWidget*>(name);
-        if (field) QObject::connect(action, &QAction::triggered, field, [field] { focusOn(field); });
-    }
-    if (!has(action, "action")) return;
-    NSControl const control = makeControl(adopt<NSControl>(nullptr, action), action);
-    QObject::connect(action, &QAction::triggered, &m_connections,
-                     [this, control, action] { m_sending.send(control, action); });
-}
-
-void InterfaceFile::connectButton(QAbstractButton* button) {
-    if (QString const name = property<QString>(button, "clears"); !name.isEmpty()) {
-        auto* const field = m_window->findChild<QLineEdit*>(name);
-        if (field)
-            QObject::connect(button, &QAbstractButton::clicked, field, [field] {
-                field->clear();
-                focusOn(field);
-            });
-    }
-    if (!has(button, "action")) return;
-    NSControl const control = makeControl(adopt<NSControl>(button), button);
-    QObject::connect(button, &QAbstractButton::clicked, &m_connections,
-                     [this, control, button] { m_sending.send(control, button); });
-}
-
 void InterfaceFile::connectFilter(QLineEdit* field) {
-    NSArrayController const rows = arrayControllerNamed(property<QString>(field, "filters"));
-    QStringList const keyPaths = property<QStringList>(field, "filterKeyPaths");
+    NSArrayController const rows = arrayControllerNamed(formProperty<QString>(field, "filters"));
+    QStringList const keyPaths = formProperty<QStringList>(field, "filterKeyPaths");
     if (rows == nil || keyPaths.isEmpty()) {
         NSLog("Interface file: the field \"%@\" filters no array controller that the file makes, or by no key path",
               nameOf(field));
@@ -224,42 +183,45 @@ void InterfaceFile::connectFilter(QLineEdit* field) {
     });
 }
 
-void InterfaceFile::connectConditions(QWidget* widget) {
-    if (!has(widget, "visibleWhen")) return;
+void InterfaceFile::connectConditions(QWidget* widget, TableCover* cover) {
+    if (!hasFormProperty(widget, "visibleWhen")) return;
     QPointer<QWidget> const watched = widget;
-    keep<Condition>(m_scope, property<QStringList>(widget, "visibleWhen"), property<int>(widget, "visibleDelay"),
-                    [watched](bool isTrue) {
+    keep<Condition>(m_scope, formProperty<QStringList>(widget, "visibleWhen"),
+                    formProperty<int>(widget, "visibleDelay"), [watched, cover](bool isTrue) {
+                        if (watched && cover) return cover->setVisible(isTrue);
                         if (watched) watched->setVisible(isTrue);
                     });
 }
 
-void InterfaceFile::coverRows(QWidget* widget) {
-    QString const name = property<QString>(widget, "coversRows");
-    if (name.isEmpty()) return;
-    if (auto* const table = m_window->findChild<QTableView*>(name)) {
-        keep<TableCover>(widget, table);
-        return;
-    }
+TableCover* InterfaceFile::coverRows(QWidget* widget) {
+    QString const name = formProperty<QString>(widget, "coversRows");
+    if (name.isEmpty()) return nullptr;
+    if (auto* const table = m_window->findChild<QTableView*>(name)) return keep<TableCover>(widget, table);
     NSLog(R"(Interface file: "%@" covers the rows of "%@", which does not exist)", nameOf(widget), stringOf(name));
+    return nullptr;
 }
 
 void InterfaceFile::connectWidgets() {
-    if (has(m_window.get(), "outlet")) connectOutlet(property<QString>(m_window.get(), "outlet"), m_windowObject);
+    if (hasFormProperty(m_window.get(), "outlet"))
+        connectOutlet(formProperty<QString>(m_window.get(), "outlet"), m_windowObject);
     for (QWidget* const widget : m_window->findChildren<QWidget*>()) {
         auto* const label = qobject_cast<QLabel*>(widget);
-        if (auto* const table = qobject_cast<QTableView*>(widget); table && has(table, "rows"))
+        if (auto* const table = qobject_cast<QTableView*>(widget); table && hasFormProperty(table, "rows"))
             makeTable(table);
-        else if (has(widget, "outlet"))
-            connectOutlet(property<QString>(widget, "outlet"), viewForOutlet(widget));
+        else if (hasFormProperty(widget, "outlet"))
+            connectOutlet(formProperty<QString>(widget, "outlet"), viewForOutlet(widget));
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) connectButton(button);
-        if (auto* const field = qobject_cast<QLineEdit*>(widget); field && has(field, "filters")) connectFilter(field);
-        if (label && has(label, "displayPattern")) keep<BoundText>(label, m_scope);
-        if (label && property<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
-        coverRows(widget);
-        connectConditions(widget);
+        if (auto* const field = qobject_cast<QLineEdit*>(widget); field && hasFormProperty(field, "filters"))
+            connectFilter(field);
+        if (hasFormProperty(widget, "displayPattern")) keep<BoundText>(widget, m_scope);
+        if (label && hasFormProperty(label, "iconKeyPath")) keep<BoundIcon>(label, m_scope);
+        if (label && formProperty<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
+        connectConditions(widget, coverRows(widget));
     }
     for (QAction* const action : m_window->findChildren<QAction*>())
         connectAction(action);
+    for (QMenu* const menu : m_window->findChildren<QMenu*>())
+        fillMenu(menu);
 }
 
 } // namespace mac

@@ -5,9 +5,11 @@
 #include "platform/appkit/NSArrayController.h"
 #include "platform/appkit/NSControl.h"
 #include "platform/appkit/NSWindow.h"
+#include "platform/appkit/TableCover.h"
 #include <QAbstractButton>
 #include <QAction>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTableView>
 #include <QWidget>
 #include <memory>
@@ -48,14 +50,21 @@ private:
     void connectActivation(QTableView* table);
     void connectOutlet(QString const& key, id const& object);
     void connectAction(QAction* action);
+    void connectCommand(QAction* action);
+    void fillMenu(QMenu* menu);
     void connectButton(QAbstractButton* button);
     void connectFilter(QLineEdit* field);
     void connectWidgets();
-    void connectConditions(QWidget* widget);
-    void coverRows(QWidget* widget);
+    void connectConditions(QWidget* widget, TableCover* cover);
+    // The part that covers the rows of the table that the widget names; null if it names none.
+    TableCover* coverRows(QWidget* widget);
+    // The object that gets the owner's selector: the controller unless the property target names another.
+    id targetOf(QObject const* owner);
+    template <class Owner, class Signal>
+    void followCheck(Owner* owner, Signal signal);
     // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
-    NSControl makeControl(NSControl control, QObject* owner);
+    NSControl makeControl(NSControl control, QObject* owner, id const& target, QString const& selector);
     template <class Part, class... Arguments>
     Part* keep(Arguments&&... arguments) {
         auto part = std::make_shared<Part>(std::forward<Arguments>(arguments)...);

@@ -13,6 +13,11 @@ ClassDescription NSTableView::describeClass() {
             {
                 method<&Self::sortDescriptors>("sortDescriptors"),
                 method<&Self::setSortDescriptors_>("setSortDescriptors:"),
+                method<&Self::copy_>("copy:"),
+                method<&Self::selectAll_>("selectAll:"),
+                method<&Self::resetColumnWidths_>("resetColumnWidths:"),
+                method<&Self::autosaveName>("autosaveName"),
+                method<&Self::setAutosaveName_>("setAutosaveName:"),
                 method<&Self::numberOfRows>("numberOfRows"),
                 method<&Self::numberOfSelectedRows>("numberOfSelectedRows"),
                 method<&Self::selectedRow>("selectedRow"),
@@ -27,6 +32,24 @@ NSArray NSTableView::sortDescriptors() const {
 
 void NSTableView::setSortDescriptors_(NSArray const& descriptors) const {
     if (*this != nil) bodyOf(*this)->setSortDescriptors(descriptors);
+}
+
+void NSTableView::copy_(id const&) const {
+    if (*this != nil) bodyOf(*this)->copySelection();
+}
+
+void NSTableView::selectAll_(id const&) const {
+    if (*this != nil) bodyOf(*this)->selectAll();
+}
+
+void NSTableView::resetColumnWidths_(id const&) const {
+    if (*this != nil) bodyOf(*this)->resetColumnWidths();
+}
+
+NSString NSTableView::autosaveName() const { return *this == nil ? NSString() : bodyOf(*this)->autosaveName(); }
+
+void NSTableView::setAutosaveName_(NSString const& name) const {
+    if (*this != nil) bodyOf(*this)->setAutosaveName(name);
 }
 
 NSInteger NSTableView::numberOfRows() const {

@@ -20,6 +20,19 @@ public:
     NSArray sortDescriptors() const;
     void setSortDescriptors_(NSArray const& descriptors) const;
 
+    // Puts the files of the selected rows on the clipboard, as text and as files to paste; nothing happens where the
+    // interface file does not say which files rows are, or no row is selected. The sender is ignored.
+    void copy_(id const& sender) const;
+    // Selects all rows that are shown.
+    void selectAll_(id const& sender) const;
+
+    // Gives the columns the widths that they would have without the user's own. The sender is ignored.
+    void resetColumnWidths_(id const& sender) const;
+    // The name under which the widths that the user chooses are kept in the user's defaults; nil, as at first, keeps
+    // nothing. A name takes over the widths that are kept there; values that are no widths are left out.
+    NSString autosaveName() const;
+    void setAutosaveName_(NSString const& name) const;
+
     NSInteger numberOfRows() const;
     NSInteger numberOfSelectedRows() const;
     // The first selected row, or -1.

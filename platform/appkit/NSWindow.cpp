@@ -22,7 +22,10 @@ ClassDescription NSWindow::describeClass() {
                 method<&Self::setTitle_>("setTitle:"),
                 method<&Self::isVisible>("isVisible"),
                 method<&Self::makeKeyAndOrderFront_>("makeKeyAndOrderFront:"),
+                method<&Self::frameAutosaveName>("frameAutosaveName"),
+                method<&Self::setFrameAutosaveName_>("setFrameAutosaveName:"),
                 method<&Self::close>("close"),
+                method<&Self::performClose_>("performClose:"),
             },
         .properties = {property<&Self::title, &Self::setTitle_>("title"),
                        readOnlyProperty<&Self::isVisible>("visible")},
@@ -44,12 +47,20 @@ bool NSWindow::isVisible() const {
     return widget && widget->isVisible();
 }
 
+NSString NSWindow::frameAutosaveName() const { return *this == nil ? NSString() : bodyOf(*this)->autosaveName(); }
+
+bool NSWindow::setFrameAutosaveName_(NSString const& name) const {
+    return *this != nil && bodyOf(*this)->setAutosaveName(name);
+}
+
 void NSWindow::makeKeyAndOrderFront_(id const&) const {
     QWidget* const widget = widgetOf(*this);
     if (!widget) return;
     widget->show();
     widget->activateWindow();
 }
+
+void NSWindow::performClose_(id const&) const { close(); }
 
 void NSWindow::close() const {
     if (QWidget* const widget = widgetOf(*this)) widget->close();

@@ -1,6 +1,7 @@
 #include "platform/appkit/Requirements.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Format.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include <algorithm>
 
 namespace mac {
@@ -12,7 +13,7 @@ Requirements::Requirements(QObject* owner, NSControl const& control, KeyPathScop
         bool const isNegated = line.startsWith('!');
         QString const keyPath = line.section('=', 0, 0).trimmed().sliced(isNegated ? 1 : 0);
         m_requirements.push_back({std::make_unique<BoundValue>(scope, keyPath, [this] { follow(); }), isNegated,
-                                  line.section('=', 1).trimmed()});
+                                  NSLocalizedString(stringOf(line.section('=', 1).trimmed()), nil)});
     }
     follow();
 }
@@ -25,7 +26,7 @@ void Requirements::follow() {
     m_control.setEnabled_(BOOL(isMet));
     if (isMet) return tell({});
     std::vector<FormatArgument> const arguments{missing->value->value()};
-    tell(visibleText(formatString(stringOf(missing->reason), arguments)));
+    tell(visibleText(formatString(missing->reason, arguments)));
 }
 
 void Requirements::tell(QString const& reason) const {

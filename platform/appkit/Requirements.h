@@ -11,7 +11,8 @@ namespace mac {
 // Enables a button, or an action with all its buttons, while every requirement holds. The first one that does not is
 // told in the tool tip and, for assistive technology, as the description. Dynamic property enabledWhen: a list of
 // "KEYPATH=REASON"; "!" before the key path negates it, "KEYPATH|TRANSFORMER" takes what the value transformer makes of
-// the value, and %@ in the reason stands for that. Nothing in this class keeps an action from being sent.
+// the value, and %@ in the reason, which is translated, stands for that. Nothing in this class keeps an action from
+// being sent.
 class Requirements {
 public:
     // The tool tip that the owner has by then stands above the reason.
@@ -21,7 +22,7 @@ private:
     struct Requirement {
         std::unique_ptr<BoundValue> value;
         bool isNegated;
-        QString reason;
+        NSString reason;
     };
 
     void follow();

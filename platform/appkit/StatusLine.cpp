@@ -1,5 +1,7 @@
 #include "platform/appkit/StatusLine.h"
 #include "platform/appkit/VisibleText.h"
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QEvent>
 #include <QVariant>
 
@@ -9,9 +11,28 @@ namespace {
 
 constexpr int LightMilliseconds = 1500;
 
+// What assistive technology learns of the label: a status bar with the name of what it says, whole also where it is cut
+// on the screen.
+class AccessibleStatusLine : public QAccessibleWidget {
+public:
+    explicit AccessibleStatusLine(QWidget* label) : QAccessibleWidget(label, QAccessible::StatusBar) {}
+
+    QString text(QAccessible::Text kind) const override {
+        QString const line = widget()->accessibleDescription();
+        return kind == QAccessible::Name && !line.isEmpty() ? line : QAccessibleWidget::text(kind);
+    }
+};
+
+QAccessibleInterface* makeAccessibleStatusLine(QString const& className, QObject* object) {
+    bool const isStatusLine = className == "QLabel" && object && object->property("showsLog").toBool();
+    // The toolkit owns it.
+    return isStatusLine ? std::make_unique<AccessibleStatusLine>(static_cast<QLabel*>(object)).release() : nullptr;
+}
+
 } // namespace
 
 StatusLine::StatusLine(QLabel* label, KeyPathScope const& scope) : m_label(label) {
+    QAccessible::installFactory(makeAccessibleStatusLine);
     label->setTextFormat(Qt::PlainText);
     label->setAutoFillBackground(true);
     label->installEventFilter(this);
@@ -98,7 +119,10 @@ void StatusLine::showCut() {
     QString const shown = m_label->fontMetrics().elidedText(m_line, Qt::ElideRight, m_label->contentsRect().width());
     if (m_label->text() != shown) m_label->setText(shown);
     m_label->setToolTip(shown == m_line ? QString() : plainToolTip(m_line));
+    if (m_label->accessibleDescription() == m_line) return;
     m_label->setAccessibleDescription(m_line);
+    QAccessibleEvent named(m_label, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&named);
 }
 
 } // namespace mac

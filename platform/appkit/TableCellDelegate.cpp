@@ -1,7 +1,9 @@
 #include "platform/appkit/TableCellDelegate.h"
+#include "platform/appkit/TableModel.h"
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QPainter>
+#include <utility>
 
 namespace mac {
 
@@ -22,6 +24,13 @@ QString shortenedText(QString const& text) {
 
 QString TableCellDelegate::displayText(QVariant const& value, QLocale const&) const {
     return shortenedText(value.toString());
+}
+
+QString TableCellDelegate::textWithin(int width, QStyleOptionViewItem const& cell, QString const& text,
+                                      int section) const {
+    bool const isPath = m_model.columns()[static_cast<std::size_t>(section)].elidesCommonPath;
+    if (!isPath) return cell.fontMetrics.elidedText(text, cell.textElideMode, width);
+    return elidedPath(text, m_model.commonPath(section), cell.fontMetrics, width);
 }
 
 void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& option, QModelIndex const& index) const {
@@ -50,7 +59,7 @@ void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& opt
     // Paths and versions go from left to right whatever letters stand in them: else "/a" would be shown as "a/".
     Qt::Alignment const alignment = QStyle::visualAlignment(cell.direction, cell.displayAlignment);
     painter->drawText(place, static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextForceLeftToRight,
-                      cell.fontMetrics.elidedText(text, cell.textElideMode, place.width()));
+                      textWithin(place.width(), cell, text, index.column()));
     if (!isSelected && hasKeyboard(view, index)) {
         painter->setPen(cell.palette.color(QPalette::Active, QPalette::Highlight));
         painter->drawLine(cell.rect.topLeft(), cell.rect.topRight());

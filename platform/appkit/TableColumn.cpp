@@ -2,6 +2,7 @@
 #include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include <QHash>
 #include <functional>
 
@@ -38,7 +39,7 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
     column.title = name;
     Sorting sorting;
     QHash<QString, std::function<void(QString const&)>> const readers{
-        {"title", [&](QString const& value) { column.title = value; }},
+        {"title", [&](QString const& value) { column.title = visibleText(NSLocalizedString(stringOf(value), nil)); }},
         {"keyPath", [&](QString const& value) { column.keyPath = stringOf(value); }},
         {"iconKeyPath", [&](QString const& value) { column.iconKeyPath = stringOf(value); }},
         {"textTransformer", [&](QString const& value) { column.textTransformer = transformerNamed(value, name); }},
@@ -46,6 +47,9 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
         {"sortKey", [&](QString const& value) { sorting.key = stringOf(value); }},
         {"sortSelector", [&](QString const& value) { sorting.selector = value; }},
         {"sortOrder", [&](QString const& value) { sorting.ascending = value != "descending"; }},
+        {"orderKey", [&](QString const& value) { column.orderKey = stringOf(value); }},
+        {"nullText", [&](QString const& value) { column.nullText = value; }},
+        {"elides", [&](QString const& value) { column.elidesCommonPath = value == "commonPath"; }},
         {"sample", [&](QString const& value) { column.sample = value; }},
         {"width",
          [&](QString const& value) { column.fillsWidth = value == "fill", column.fitsContents = value == "fit"; }},
@@ -69,7 +73,14 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
 QString TableColumn::textOf(id const& object) const {
     if (keyPath == nil) return {};
     id const value = valueOfKeyPath(object, keyPath);
-    return visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+    QString text = visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+    return nullText.isEmpty() ? text : text.replace("(null)", nullText);
+}
+
+bool TableColumn::sortsLike(NSSortDescriptor const& descriptor) const {
+    if (sortDescriptor == nil || descriptor == nil) return false;
+    NSString const key = descriptor.key();
+    return sortDescriptor.key().isEqual_(key) || (orderKey != nil && orderKey.isEqual_(key));
 }
 
 NSString TableColumn::iconPathOf(id const& object) const {

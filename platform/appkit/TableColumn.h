@@ -22,6 +22,13 @@ struct TableColumn {
     NSSortDescriptor sortDescriptor;
     // The widest text that is expected; the column starts wide enough for it.
     QString sample;
+    // What stands in a cell for a value that was missing when the object's text was made, "(null)"; empty: just that.
+    QString nullText;
+    // The key of another order whose rows stand as this column sorts them, or nearly so: the header shows it as its
+    // own.
+    NSString orderKey;
+    // Cells that are too narrow leave out what all paths have in common, and not what differs.
+    bool elidesCommonPath{false};
     bool fillsWidth{false};
     bool fitsContents{false};
     bool isCentered{false};
@@ -35,6 +42,8 @@ struct TableColumn {
     // Nil for an object without a path.
     NSString iconPathOf(id const& object) const;
     NSColor colorOf(id const& object) const;
+    // Whether a sort descriptor is this column's, in whatever direction.
+    bool sortsLike(NSSortDescriptor const& descriptor) const;
 };
 
 } // namespace mac

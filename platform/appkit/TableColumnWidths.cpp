@@ -4,6 +4,7 @@
 #include "platform/foundation/Boundary.h"
 #include <QEvent>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
 
@@ -26,11 +27,18 @@ constexpr int FirstRows = 1000;
 TableColumnWidths::TableColumnWidths(QTableView* view, TableModel const& model) : m_view(view), m_model(model) {
     setInitialWidths();
     view->viewport()->installEventFilter(this);
-    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { guarded([&] { fitContents(); }); });
-    connect(view->horizontalHeader(), &QHeaderView::sectionResized, this, [this] { fillWidth(); });
+    view->horizontalHeader()->installEventFilter(this);
+    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { guarded([&] { fitVisible(); }); });
+    connect(view->horizontalHeader(), &QHeaderView::sectionResized, this,
+            [this](int section, int, int width) { takeChoice(section, width); });
 }
 
 bool TableColumnWidths::eventFilter(QObject* watched, QEvent* event) {
+    bool const isOfHeader = m_view && watched == m_view->horizontalHeader();
+    if (isOfHeader && (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)) {
+        for (int section = 0; section < m_model.columnCount(); ++section)
+            resize(section, std::max(m_view->horizontalHeader()->sectionSize(section), widthOfTitle(section)));
+    }
     if (event->type() == QEvent::Resize) fillWidth();
     return QObject::eventFilter(watched, event);
 }
@@ -39,19 +47,63 @@ int TableColumnWidths::widthForText(QString const& text) const {
     return m_view->fontMetrics().horizontalAdvance(shortenedText(text)) + 2 * TableCellMargin + 2;
 }
 
+int TableColumnWidths::widthOfTitle(int section) const {
+    QString const& title = m_model.columns()[static_cast<std::size_t>(section)].title;
+    return std::max(widthForText(title) + SortMark, m_view->horizontalHeader()->sectionSizeHint(section));
+}
+
 int TableColumnWidths::widthOfIcon(int section) const {
     bool const hasIcon = m_model.columns()[static_cast<std::size_t>(section)].iconKeyPath != nil;
     return hasIcon ? TableIconSize + TableIconSpace : 0;
 }
 
+void TableColumnWidths::resize(int section, int width) {
+    QScopedValueRollback<bool> const adjusting(m_isAdjusting, true);
+    m_view->horizontalHeader()->resizeSection(section, width);
+}
+
 void TableColumnWidths::setInitialWidths() {
-    QHeaderView* const header = m_view->horizontalHeader();
-    header->setMinimumSectionSize(NarrowestSection);
+    m_view->horizontalHeader()->setMinimumSectionSize(NarrowestSection);
     for (int section = 0; section < m_model.columnCount(); ++section) {
         TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
-        header->resizeSection(section, std::max(widthForText(column.title) + SortMark,
-                                                widthForText(column.sample) + widthOfIcon(section)));
+        resize(section, std::max(widthOfTitle(section), widthForText(column.sample) + widthOfIcon(section)));
     }
+    fillWidth();
+}
+
+// The header tells of every new width; those that do not come from here are the user's.
+void TableColumnWidths::takeChoice(int section, int width) {
+    if (m_isAdjusting || !m_view) return;
+    int const narrowest = widthOfTitle(section);
+    if (width < narrowest) resize(section, narrowest);
+    m_chosen.insert(section);
+    fillWidth();
+    if (m_whenChosen) m_whenChosen();
+}
+
+QMap<int, int> TableColumnWidths::chosenWidths() const {
+    QMap<int, int> widths;
+    if (!m_view) return widths;
+    for (int const section : m_chosen)
+        widths.insert(section, m_view->horizontalHeader()->sectionSize(section));
+    return widths;
+}
+
+void TableColumnWidths::choose(QMap<int, int> const& widths) {
+    if (!m_view) return;
+    for (auto const& [section, width] : widths.asKeyValueRange()) {
+        m_chosen.insert(section);
+        resize(section, std::max(width, widthOfTitle(section)));
+    }
+    fillWidth();
+}
+
+void TableColumnWidths::reset() {
+    if (!m_view) return;
+    m_chosen.clear();
+    m_measured.clear();
+    setInitialWidths();
+    fitContents();
 }
 
 void TableColumnWidths::fillWidth() {
@@ -60,37 +112,55 @@ void TableColumnWidths::fillWidth() {
     if (filling == m_model.columns().end()) return;
     QHeaderView* const header = m_view->horizontalHeader();
     int const section = static_cast<int>(filling - m_model.columns().begin());
+    if (m_chosen.contains(section)) return;
     int const others = header->length() - header->sectionSize(section);
-    int const narrowest = NarrowestFill * m_view->fontMetrics().averageCharWidth();
-    header->resizeSection(section, std::max(m_view->viewport()->width() - others, narrowest));
+    int const narrowest = std::max(NarrowestFill * m_view->fontMetrics().averageCharWidth(), m_widestPath);
+    resize(section, std::max(m_view->viewport()->width() - others, narrowest));
 }
 
 void TableColumnWidths::fitContents() {
     if (!m_view) return;
+    m_widestPath = 0;
     fitRows(0, FirstRows);
+    fitVisible();
+}
+
+void TableColumnWidths::fitVisible() {
+    if (!m_view) return;
     fitRows(m_view->rowAt(0), m_view->viewport()->height() / m_view->verticalHeader()->defaultSectionSize() + 1);
+    fillWidth();
 }
 
 void TableColumnWidths::fitRows(int first, int count) {
     int const begin = std::max(first, 0);
     int const end = std::min(begin + count, m_model.rowCount());
     for (int section = 0; section < m_model.columnCount(); ++section) {
-        if (!m_model.columns()[static_cast<std::size_t>(section)].fitsContents) continue;
-        for (int row = begin; row < end; ++row)
+        TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
+        for (int row = begin; row < end && column.fitsContents; ++row)
             fitCell(row, section);
+        for (int row = begin; row < end && column.elidesCommonPath; ++row)
+            fitPath(row, section);
     }
 }
 
 void TableColumnWidths::fitCell(int row, int section) {
     QString const text = m_model.index(row, section).data().toString();
     QFontMetrics const metrics = m_view->fontMetrics();
-    QHeaderView* const header = m_view->horizontalHeader();
-    int const width = header->sectionSize(section);
+    int const width = m_view->horizontalHeader()->sectionSize(section);
     bool const fitsSurely = text.size() * metrics.maxWidth() + widthOfIcon(section) < width;
-    if (fitsSurely || m_measured.contains(text)) return;
+    if (fitsSurely || m_measured.contains(text) || m_chosen.contains(section)) return;
     m_measured.insert(text);
     int const wanted = std::min(widthForText(text), WidestFit * metrics.averageCharWidth()) + widthOfIcon(section);
-    if (wanted > width) header->resizeSection(section, wanted);
+    if (wanted > width) resize(section, wanted);
+}
+
+void TableColumnWidths::fitPath(int row, int section) {
+    QString const path = m_model.index(row, section).data().toString();
+    QString const differing = differingPart(path, m_model.commonPath(section));
+    bool const fitsSurely = differing.size() * m_view->fontMetrics().maxWidth() < m_widestPath;
+    // Of a path that stands alone nothing tells it from others.
+    if (fitsSurely || differing == path) return;
+    m_widestPath = std::max(m_widestPath, widthForText(differing) + widthOfIcon(section));
 }
 
 } // namespace mac

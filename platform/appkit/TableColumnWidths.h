@@ -1,16 +1,19 @@
 #pragma once
 
+#include <QMap>
 #include <QObject>
 #include <QPointer>
 #include <QSet>
 #include <QTableView>
+#include <functional>
 
 namespace mac {
 
 class TableModel;
 
 // The widths of a table's columns: each starts wide enough for its title and its sample, those that fit their contents
-// grow with what arrives, and one that fills the width takes what the others leave, but never too little to read.
+// grow with what arrives, and one that fills the width takes what the others leave, but never too little to read: of
+// paths that is the part in which they differ. A width that the user chose stays; no title is ever cut.
 class TableColumnWidths : public QObject {
 public:
     // Both outlive it, or the view is gone.
@@ -19,19 +22,38 @@ public:
     // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
     void fitContents();
 
+    // The columns that the user made wider or narrower, in pixels by number.
+    QMap<int, int> chosenWidths() const;
+    // Takes over such widths; one that would cut the title becomes as wide as that.
+    void choose(QMap<int, int> const& widths);
+    // Forgets what the user chose.
+    void reset();
+    // Called whenever the user chose a width.
+    void whenChosen(std::function<void()> function) { m_whenChosen = std::move(function); }
+
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void setInitialWidths();
+    void fitVisible();
     void fitRows(int first, int count);
     void fitCell(int row, int section);
+    void fitPath(int row, int section);
     void fillWidth();
+    void takeChoice(int section, int width);
+    void resize(int section, int width);
+    int widthOfTitle(int section) const;
     int widthForText(QString const& text) const;
     int widthOfIcon(int section) const;
 
     QPointer<QTableView> m_view;
     TableModel const& m_model;
     QSet<QString> m_measured;
+    QSet<int> m_chosen;
+    // The widest differing part of a path that was looked at.
+    int m_widestPath{0};
+    bool m_isAdjusting{false};
+    std::function<void()> m_whenChosen;
 };
 
 } // namespace mac

@@ -1,7 +1,10 @@
 #include "platform/appkit/TableModel.h"
+#include "platform/appkit/FileMimeData.h"
+#include "platform/appkit/KeptOrder.h"
 #include "platform/appkit/ThemeColors.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Boundary.h"
+#include <QCoreApplication>
 #include <algorithm>
 
 namespace mac {
@@ -55,6 +58,36 @@ QVariant TableModel::cell(id const& object, TableColumn const& column, int role)
     }
 }
 
+Qt::ItemFlags TableModel::flags(QModelIndex const& index) const {
+    Qt::ItemFlags const flags = QAbstractTableModel::flags(index);
+    return m_fileKeyPath == nil || !index.isValid() ? flags : flags | Qt::ItemIsDragEnabled;
+}
+
+std::vector<std::string> TableModel::pathsOf(QModelIndexList const& indexes) const {
+    std::vector<int> rows;
+    for (QModelIndex const& index : indexes)
+        rows.push_back(index.row());
+    std::ranges::sort(rows);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    std::vector<std::string> paths;
+    if (m_fileKeyPath == nil) return paths;
+    guarded([&] {
+        for (int const row : rows) {
+            NSString const path = as<NSString>(valueOfKeyPath(objectAt(row), m_fileKeyPath));
+            if (std::optional<std::string> bytes = path.fileSystemRepresentation()) paths.push_back(std::move(*bytes));
+        }
+    });
+    return paths;
+}
+
+QStringList TableModel::mimeTypes() const { return mimeDataOfFiles({})->formats(); }
+
+QMimeData* TableModel::mimeData(QModelIndexList const& indexes) const {
+    std::vector<std::string> const paths = pathsOf(indexes);
+    // The drag owns it.
+    return paths.empty() ? nullptr : mimeDataOfFiles(paths).release();
+}
+
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
     TableColumn const& column = m_columns[static_cast<std::size_t>(section)];
@@ -66,7 +99,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
             Qt::Alignment(Qt::AlignVCenter | (column.isCentered ? Qt::AlignHCenter : Qt::AlignLeft)));
     case Qt::ToolTipRole: {
         if (column.sortDescriptor == nil) return {};
-        QString const tip = QString("Sort by %1").arg(column.title);
+        QString const tip = QCoreApplication::translate("Framekeeper", "Sort by %1").arg(column.title);
         return section < LastShortcutColumn ? plainToolTip(QString("%1 (Ctrl+%2)").arg(tip).arg(section + 1)) : tip;
     }
     default:
@@ -74,7 +107,29 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
     }
 }
 
+CommonPath TableModel::commonPath(int section) const {
+    std::size_t const number = static_cast<std::size_t>(section);
+    return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
+}
+
+// A text for the screen has as many code units as the path.
+void TableModel::findCommonPaths(NSArray const& rows) {
+    m_commonPaths.assign(m_columns.size(), {});
+    for (std::size_t section = 0; section < m_columns.size(); ++section) {
+        if (!m_columns[section].elidesCommonPath) continue;
+        guarded([&] {
+            CommonPathFinder finder;
+            for (id const& object : rows) {
+                finder.add(as<NSString>(valueOfKeyPath(object, m_columns[section].keyPath)).codeUnits());
+                if (finder.isEmpty()) break;
+            }
+            m_commonPaths[section] = finder.result();
+        });
+    }
+}
+
 void TableModel::resetRows(NSArray const& rows) {
+    findCommonPaths(rows);
     beginResetModel();
     m_isBroken.clear();
     m_rows.assign(rows.begin(), rows.end());
@@ -84,6 +139,7 @@ void TableModel::resetRows(NSArray const& rows) {
 // The steps: those that go are moved to the end and removed, the new ones are added at the end, and all move to their
 // places.
 void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows) {
+    findCommonPaths(rows);
     std::size_t const count = previousRows.size();
     m_isBroken.clear();
     std::vector<int> newRowOf(m_rows.size(), Gone);

@@ -5,7 +5,6 @@
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QShortcut>
 #include <algorithm>
 
 namespace mac {
@@ -84,12 +83,36 @@ void NSTableView::Body::connectView() {
     // The row of the keyboard is marked as a whole.
     QObject::connect(m_view->selectionModel(), &QItemSelectionModel::currentRowChanged, m_view->viewport(),
                      qOverload<>(&QWidget::update));
-    int const count = std::min(m_model.columnCount(), LastShortcutColumn);
-    for (int column = 0; column < count; ++column) {
-        auto* const shortcut = new QShortcut(QKeySequence(QString("Ctrl+%1").arg(column + 1)), m_view);
-        QObject::connect(shortcut, &QShortcut::activated, &m_connections,
+    makeSortActions();
+}
+
+void NSTableView::Body::makeSortActions() {
+    for (int column = 0; column < m_model.columnCount(); ++column) {
+        TableColumn const& described = m_model.columns()[static_cast<std::size_t>(column)];
+        if (described.sortDescriptor == nil) continue;
+        auto sorting = std::make_unique<QAction>(QString(described.title).replace('&', "&&"), m_view);
+        sorting->setCheckable(true);
+        sorting->setData(column);
+        if (column < LastShortcutColumn) sorting->setShortcut(QKeySequence(QString("Ctrl+%1").arg(column + 1)));
+        QObject::connect(sorting.get(), &QAction::triggered, &m_connections,
                          [this, column] { guarded([&] { sortByColumn(column); }); });
+        // Keys work also in a window that has no menu of them.
+        m_view->window()->addAction(sorting.get());
+        m_sortActions.append(sorting.release());
     }
+}
+
+void NSTableView::Body::setFileKeyPath(NSString const& keyPath) {
+    m_model.setFileKeyPath(keyPath);
+    if (!m_files) m_files.emplace(m_view, m_model);
+}
+
+void NSTableView::Body::copySelection() const {
+    if (m_files) m_files->copySelection();
+}
+
+void NSTableView::Body::selectAll() const {
+    if (m_view) m_view->selectAll();
 }
 
 void NSTableView::Body::setSortDescriptors(NSArray const& descriptors) {
@@ -97,17 +120,18 @@ void NSTableView::Body::setSortDescriptors(NSArray const& descriptors) {
 }
 
 void NSTableView::Body::sortByColumn(int column) {
-    NSSortDescriptor const wanted = m_model.columns()[static_cast<std::size_t>(column)].sortDescriptor;
+    TableColumn const& described = m_model.columns()[static_cast<std::size_t>(column)];
+    NSSortDescriptor const wanted = described.sortDescriptor;
     if (wanted == nil) return;
     std::vector<id> descriptors{wanted};
     NSArray const present = bodyOf(m_controller)->wantedSortDescriptors();
     for (NSUInteger i = 0; i < present.count(); ++i) {
         NSSortDescriptor const older = as<NSSortDescriptor>(present.objectAtIndex_(i));
         bool const isSameCriterion = wanted.key().isEqual_(older.key()) && wanted.selector() == older.selector();
-        if (!isSameCriterion)
-            descriptors.push_back(older);
-        else if (i == 0)
+        if (isSameCriterion && i == 0)
             descriptors[0] = older.reversedSortDescriptor();
+        else if (!described.sortsLike(older))
+            descriptors.push_back(older);
     }
     bodyOf(m_controller)->changeInSteps({.sortDescriptors = NSArray::arrayWithVector(std::move(descriptors))});
 }
@@ -122,10 +146,11 @@ void NSTableView::Body::showOrder() {
     NSArray const descriptors = m_controller.sortDescriptors();
     NSSortDescriptor const first =
         descriptors.count() == 0 ? NSSortDescriptor() : as<NSSortDescriptor>(descriptors.objectAtIndex_(0));
-    auto const shown = std::ranges::find_if(m_model.columns(), [&](TableColumn const& column) {
-        return column.sortDescriptor != nil && first != nil && column.sortDescriptor.key().isEqual_(first.key());
-    });
+    auto const shown =
+        std::ranges::find_if(m_model.columns(), [&](TableColumn const& column) { return column.sortsLike(first); });
     int const section = shown == m_model.columns().end() ? -1 : static_cast<int>(shown - m_model.columns().begin());
+    for (QAction* const sorting : m_sortActions)
+        sorting->setChecked(sorting->data().toInt() == section);
     m_view->horizontalHeader()->setSortIndicator(section, first.ascending() ? Qt::AscendingOrder : Qt::DescendingOrder);
 }
 

@@ -4,8 +4,10 @@
 #include "platform/appkit/NSTableView.h"
 #include "platform/appkit/TableCellDelegate.h"
 #include "platform/appkit/TableColumnWidths.h"
+#include "platform/appkit/TableFiles.h"
 #include "platform/appkit/TableModel.h"
 #include "platform/appkit/ViewBody.h"
+#include <QAction>
 #include <QPersistentModelIndex>
 #include <QTableView>
 #include <optional>
@@ -23,6 +25,19 @@ public:
     void setSortDescriptors(NSArray const& descriptors);
     // What a click on the column's header does.
     void sortByColumn(int column);
+    // One for each column that sorts, with its title and key; the one in whose order the rows are is checked. They
+    // belong to the view.
+    QList<QAction*> sortActions() const { return m_sortActions; }
+    // Rows stand for the files at this key path from now on.
+    void setFileKeyPath(NSString const& keyPath);
+    // Puts the selected rows' files on the clipboard.
+    void copySelection() const;
+    void resetColumnWidths();
+    // Keeps the widths that the user chooses in the defaults under a key for the name, and takes over those that are
+    // there.
+    void setAutosaveName(NSString const& name);
+    NSString const& autosaveName() const { return m_autosaveName; }
+    void selectAll() const;
 
 private:
     struct Anchor {
@@ -32,6 +47,10 @@ private:
 
     void prepareView();
     void connectView();
+    void makeSortActions();
+    NSString widthsKey() const;
+    void readWidths();
+    void writeWidths();
     void followRows();
     void showRows(NSArray const& rows);
     // Which of the rows that are shown will be shown next, too.
@@ -48,10 +67,13 @@ private:
     QPointer<QTableView> m_view;
     NSArrayController m_controller;
     TableModel m_model;
-    TableCellDelegate m_delegate;
+    TableCellDelegate m_delegate{m_model};
     TableHeaderStyle m_headerStyle;
     NSArray m_shown;
+    NSString m_autosaveName;
     std::optional<TableColumnWidths> m_widths;
+    std::optional<TableFiles> m_files;
+    QList<QAction*> m_sortActions;
     bool m_isFollowing{false};
     std::vector<std::unique_ptr<KeyPathObserver>> m_observers;
     // Ends the connections with the view before anything above goes.

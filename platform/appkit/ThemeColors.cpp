@@ -6,8 +6,6 @@ namespace mac {
 
 namespace {
 
-constexpr double LegibleContrast = 4.6;
-
 double linear(double component) {
     return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
 }

@@ -6,7 +6,10 @@
 
 namespace mac {
 
-// How strongly two opaque colours differ, from 1 to 21; text wants 4.5 and more.
+// The contrast that text is given: what it wants, 4.5, with room for the rounding of colours.
+inline constexpr double LegibleContrast = 4.6;
+
+// How strongly two opaque colours differ, from 1 to 21.
 double contrast(QColor const& first, QColor const& second);
 
 // The palette's text, taken back as far as it can still be read on the palette's rows.

@@ -1,9 +1,11 @@
 #include "platform/appkit/WindowStyle.h"
 #include "platform/appkit/DrawnIcon.h"
+#include "platform/appkit/LegiblePalette.h"
 #include "platform/appkit/VisibleText.h"
 #include "platform/foundation/Log.h"
 #include <QAbstractButton>
 #include <QAction>
+#include <QCoreApplication>
 #include <QLineEdit>
 #include <QToolBar>
 #include <QToolButton>
@@ -67,13 +69,15 @@ void makeReachableOverflow(QToolBar* bar) {
     if (!overflow) return;
     overflow->setIcon(drawnIcon("M3.5 4 L7.5 8 L3.5 12 M8.5 4 L12.5 8 L8.5 12"));
     overflow->setFocusPolicy(Qt::TabFocus);
-    overflow->setAccessibleName("More actions");
-    overflow->setToolTip("More actions");
+    QString const name = QCoreApplication::translate("Framekeeper", "More actions");
+    overflow->setAccessibleName(name);
+    overflow->setToolTip(name);
 }
 
 } // namespace
 
 void styleWindow(QWidget* window) {
+    keepPaletteLegible();
     giveIcons(window);
     if (!glyphOf(window).isEmpty()) window->setWindowIcon(tileIcon(glyphOf(window)));
     for (QAction* const action : window->findChildren<QAction*>())

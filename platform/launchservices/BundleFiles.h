@@ -16,8 +16,4 @@ NSDictionary localizedBundleInformation(std::string const& bundlePath, std::vect
 // A property list in a file of at most 4 MiB; nil for what is no dictionary.
 NSDictionary dictionaryInFile(std::string const& path);
 
-// The user's languages as the environment names them, the first one first, each with and without its country: "de_AT",
-// "de". English comes last.
-std::vector<std::string> userLanguages();
-
 } // namespace mac

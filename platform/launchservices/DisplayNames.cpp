@@ -5,6 +5,7 @@
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/UserLanguages.h"
 #include <algorithm>
 
 namespace mac {

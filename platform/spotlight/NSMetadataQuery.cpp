@@ -32,6 +32,7 @@ ClassDescription NSMetadataQuery::describeClass() {
                 readOnlyProperty<&NSMetadataQuery::resultCount>("resultCount"),
                 readOnlyProperty<&NSMetadataQuery::results>("results"),
                 readOnlyProperty<&NSMetadataQuery::unreadableFolderCount>("unreadableFolderCount"),
+                readOnlyProperty<&NSMetadataQuery::unreadableFolders>("unreadableFolders"),
             },
     };
 }
@@ -92,6 +93,10 @@ NSArray NSMetadataQuery::results() const { return *this == nil ? NSArray() : bod
 
 NSUInteger NSMetadataQuery::unreadableFolderCount() const {
     return *this == nil ? 0 : bodyOf(*this)->m_unreadableFolderCount;
+}
+
+NSArray NSMetadataQuery::unreadableFolders() const {
+    return *this == nil ? NSArray() : bodyOf(*this)->m_unreadableFolders;
 }
 
 } // namespace mac

@@ -57,9 +57,12 @@ public:
     NSUInteger indexOfResult_(NSMetadataItem const& result) const;
     NSArray results() const;
 
-    // Linux: how many folders the last gathering could not read. Keys "isGathering" and "unreadableFolderCount" can be
-    // observed.
+    // Linux: how many folders the last gathering could not read. Keys "isGathering", "unreadableFolderCount" and
+    // "unreadableFolders" can be observed.
     NSUInteger unreadableFolderCount() const;
+    // Linux: those folders, dictionaries of the strings "path" and "reason", which is for people; the first 1,000 of
+    // them.
+    NSArray unreadableFolders() const;
 };
 
 }

@@ -1,6 +1,7 @@
 #include "platform/spotlight/QueryBody.h"
 #include "platform/foundation/KeyValueObserving.h"
 #include "platform/foundation/Log.h"
+#include "platform/foundation/NSDictionary.h"
 #include "platform/foundation/NSNotificationCenter.h"
 #include "platform/foundation/NSRunLoop.h"
 #include "platform/foundation/Weak.h"
@@ -25,6 +26,16 @@ NSString itemPath(NSMetadataItem const& item) { return as<NSString>(item.valueFo
 
 NSMetadataItem itemOfPath(std::string const& path) {
     return NSMetadataItem::itemWithPath(NSString::stringWithFileSystemRepresentation_(path));
+}
+
+NSArray foldersWithReasons(std::vector<SystemError> const& errors) {
+    NSMutableArray const folders = NSMutableArray::array();
+    for (SystemError const& error : errors) {
+        NSString const path = NSString::stringWithFileSystemRepresentation_(error.item);
+        NSString const reason = NSString::stringWithUTF8String_(textOfSystemError(error.code));
+        folders.addObject_(NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", reason, "reason"}));
+    }
+    return uncheckedCast<NSArray>(folders.copy());
 }
 
 // Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
@@ -84,8 +95,10 @@ bool NSMetadataQuery::Body::start() {
     m_changedFolders.clear();
     m_results = NSArray::array();
     m_lastDelivery = nil;
-    KeyChange const change(self(), "unreadableFolderCount");
+    KeyChange const count(self(), "unreadableFolderCount");
+    KeyChange const list(self(), "unreadableFolders");
     m_unreadableFolderCount = 0;
+    m_unreadableFolders = NSArray::array();
     setPhase(Phase::Gathering);
     return true;
 }
@@ -204,7 +217,9 @@ std::shared_ptr<WalkMemory> NSMetadataQuery::Body::memory() {
 void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) {
     std::uint64_t const walk = m_walk;
     {
-        KeyChange const change(self(), "unreadableFolderCount");
+        KeyChange const count(self(), "unreadableFolderCount");
+        KeyChange const list(self(), "unreadableFolders");
+        m_unreadableFolders = foldersWithReasons(m_walker->unreadable());
         m_unreadableFolderCount =
             static_cast<NSUInteger>(std::min<std::uint64_t>(progress.unreadableFolders, NSNotFound));
         setPhase(Phase::Live);

@@ -52,6 +52,7 @@ public:
     Phase m_phase{Phase::Idle};
     NSArray m_results = NSArray::array();
     NSUInteger m_unreadableFolderCount{0};
+    NSArray m_unreadableFolders = NSArray::array();
     unsigned m_disabledUpdates{0};
 
 private:

@@ -1,4 +1,5 @@
 #include "platform/system/FolderContents.h"
+#include "platform/system/ContentsComparison.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include <algorithm>
@@ -44,19 +45,20 @@ std::optional<std::size_t> readBlock(FileDescriptor const& file, std::vector<cha
     return size;
 }
 
-bool haveEqualBytes(Item const& one, Item const& other) {
+bool haveEqualBytes(Item const& one, Item const& other, std::stop_token const& stop) {
     if (one.status.st_size != other.status.st_size) return false;
     FileDescriptor const file = readable(one);
     FileDescriptor const otherFile = readable(other);
     if (!file.isOpen() || !otherFile.isOpen()) return false;
     std::vector<char> block(BlockSize);
     std::vector<char> otherBlock(BlockSize);
-    for (;;) {
+    while (!stop.stop_requested()) {
         std::optional<std::size_t> const size = readBlock(file, block);
         if (!size || readBlock(otherFile, otherBlock) != size) return false;
         if (std::memcmp(block.data(), otherBlock.data(), *size) != 0) return false;
         if (*size < block.size()) return true;
     }
+    return false;
 }
 
 bool haveEqualText(Item const& link, Item const& other) {
@@ -66,10 +68,10 @@ bool haveEqualText(Item const& link, Item const& other) {
 }
 
 // Compares two items that are not both folders.
-bool haveEqualItems(Item const& one, Item const& other) {
+bool haveEqualItems(Item const& one, Item const& other, std::stop_token const& stop) {
     mode_t const type = one.status.st_mode & S_IFMT;
     if (S_ISDIR(type) || type != (other.status.st_mode & S_IFMT)) return false;
-    if (S_ISREG(type)) return haveEqualBytes(one, other);
+    if (S_ISREG(type)) return haveEqualBytes(one, other, stop);
     if (S_ISLNK(type)) return haveEqualText(one, other);
     return one.status.st_rdev == other.status.st_rdev;
 }
@@ -89,11 +91,13 @@ Result<std::vector<std::string>> namesIn(Result<FileDescriptor> const& readableF
 // Traverses two trees side by side.
 class TreeComparison {
 public:
-    TreeComparison(FileDescriptor one, FileDescriptor other) : m_one(std::move(one)), m_other(std::move(other)) {}
+    TreeComparison(FileDescriptor one, FileDescriptor other, std::stop_token stop)
+        : m_one(std::move(one)), m_other(std::move(other)), m_stop(std::move(stop)) {}
 
     bool haveEqualContents() {
         do {
-            if (!areEqual(withStatus(m_one.item()), withStatus(m_other.item()))) return false;
+            if (m_stop.stop_requested() || !areEqual(withStatus(m_one.item()), withStatus(m_other.item())))
+                return false;
         } while (m_one.next() && m_other.next());
         return true;
     }
@@ -103,7 +107,7 @@ private:
         if (!one || !other) return false;
         if (S_ISDIR(one->status.st_mode) && S_ISDIR(other->status.st_mode))
             return enter(std::move(one->item), std::move(other->item));
-        return haveEqualItems(*one, *other);
+        return haveEqualItems(*one, *other, m_stop);
     }
 
     bool enter(FileDescriptor folder, FileDescriptor otherFolder) {
@@ -117,6 +121,7 @@ private:
 
     TreeDescent m_one;
     TreeDescent m_other;
+    std::stop_token m_stop;
 };
 
 } // namespace
@@ -167,13 +172,17 @@ void TreeDescent::leave() {
     m_folder = FileDescriptor();
 }
 
-bool haveEqualContents(std::string const& path, std::string const& otherPath) {
+bool haveEqualContents(std::string const& path, std::string const& otherPath, std::stop_token const& stop) {
     std::optional<Item> one = withStatus(openPath(path, O_PATH | O_NOFOLLOW));
     std::optional<Item> other = withStatus(openPath(otherPath, O_PATH | O_NOFOLLOW));
     if (!one || !other) return false;
     if (S_ISDIR(one->status.st_mode) && S_ISDIR(other->status.st_mode))
-        return TreeComparison(std::move(one->item), std::move(other->item)).haveEqualContents();
-    return haveEqualItems(*one, *other);
+        return TreeComparison(std::move(one->item), std::move(other->item), stop).haveEqualContents();
+    return haveEqualItems(*one, *other, stop);
+}
+
+bool haveEqualContents(std::string const& path, std::string const& otherPath) {
+    return haveEqualContents(path, otherPath, {});
 }
 
 } // namespace mac

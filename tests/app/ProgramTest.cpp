@@ -66,6 +66,36 @@ TEST(Program, SaysThatTheDisplayDoesNotAnswerAndEnds) {
     EXPECT_NE(outcome.errors.find("display"), std::string::npos) << outcome.errors;
 }
 
+// Runs the program by the shell, which replaces "$0" by its path; its exit status.
+int statusOf(std::string const& command) { return mac::test::ChildProcess({"/bin/sh", "-c", command, PROGRAM}).wait(); }
+
+TEST(Program, AnswersHelpAndVersionWithoutADisplay) {
+    mac::test::EnvironmentVariable const display("DISPLAY", std::nullopt);
+    EXPECT_EQ(statusOf("exec \"$0\" --help >/dev/null"), 0);
+    EXPECT_EQ(statusOf("exec \"$0\" --version >/dev/null"), 0);
+}
+
+TEST(Program, FailsIfItsAnswerCannotBeWritten) {
+    for (std::string const option : {"--help", "--version"}) {
+        EXPECT_EQ(statusOf("exec \"$0\" " + option + " >/dev/full 2>/dev/null"), 1) << "a full disk";
+        EXPECT_EQ(statusOf("exec \"$0\" " + option + " >&- 2>/dev/null"), 1) << "no standard output";
+        mac::test::TemporaryFolder const folder;
+        std::string const pipe = "'" + folder.path("pipe") + "'";
+        // The one end that could be read is closed.
+        EXPECT_EQ(statusOf("mkfifo " + pipe + "; exec 3<>" + pipe + " 4>" + pipe + "; exec 3<&-; exec \"$0\" " +
+                           option + " >&4 2>/dev/null"),
+                  1)
+            << "a closed pipe";
+    }
+}
+
+TEST(Program, RefusesWordsThatAreNoOptions) {
+    EXPECT_EQ(statusOf("exec \"$0\" --colour 2>/dev/null"), 2);
+    EXPECT_EQ(statusOf("exec \"$0\" letter.txt 2>/dev/null"), 2);
+    EXPECT_EQ(statusOf("exec \"$0\" \"$(printf 'a\\377')\" 2>/dev/null"), 2);
+    EXPECT_EQ(statusOf("exec \"$0\" --colour 2>&-"), 2) << "without standard error";
+}
+
 using namespace mac;
 
 TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {

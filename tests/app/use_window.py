@@ -7,6 +7,8 @@ usage: use_window.py PROCESS row PATH     prints the cells of the row with the p
        use_window.py PROCESS press KEYS   presses keys such as "ctrl+shift+l" wherever the keyboard is
        use_window.py PROCESS status       prints what the status line says
        use_window.py PROCESS button NAME  prints "enabled" or "disabled: " and why
+       use_window.py PROCESS tree         prints each element that can be seen, but no cells: role, name, "focusable" or "", by tabs
+       use_window.py PROCESS cells        prints each cell: row, column, title, text, "selected" or "", by tabs
        use_window.py 0 bus                prints the address of the bus of assistive technology
        use_window.py 0 wake               starts the registry of programs; prints "awake" once it answers
 """
@@ -63,6 +65,29 @@ def press(keys):
     Atspi.generate_keyboard_event(SYMBOLS.get(key) or ord(key), None, Atspi.KeySynthType.SYM)
     for name in reversed(held):
         Atspi.generate_keyboard_event(HELD[name], None, Atspi.KeySynthType.RELEASE)
+
+
+def tree(element, depth=0):
+    if not has_state(element, Atspi.StateType.SHOWING) and depth > 0:
+        return
+    if depth > 0:
+        focusable = "focusable" if has_state(element, Atspi.StateType.FOCUSABLE) else ""
+        print(element.get_role_name(), (element.get_name() or "").replace("\n", " "), focusable, sep="\t")
+    if is_table(element) or depth > 12:
+        return
+    for child in children(element):
+        tree(child, depth + 1)
+
+
+def cells(table):
+    """The rows and columns are those that a cell's place among the table's children stands for."""
+    for row in range(Atspi.Table.get_n_rows(table)):
+        for column in range(Atspi.Table.get_n_columns(table)):
+            cell = Atspi.Table.get_accessible_at(table, row, column)
+            index = Atspi.Table.get_index_at(table, row, column)
+            selected = "selected" if has_state(cell, Atspi.StateType.SELECTED) else ""
+            print(Atspi.Table.get_row_at_index(table, index), Atspi.Table.get_column_at_index(table, index),
+                  Atspi.Table.get_column_description(table, column), cell.get_name(), selected, sep="\t")
 
 
 def select(program, table, row):
@@ -126,11 +151,15 @@ def tell(process, verb, argument):
         print(answer.unpack()[0])
         return
     program = program_of(process)
-    if verb == "press":
+    if verb == "tree" and program is not None:
+        tree(program)
+    elif verb == "cells" and program is not None:
+        cells(find(program, is_table))
+    elif verb == "press":
         press(argument)
         print("pressed")
     elif verb == "status" and program is not None:
-        line = find(program, lambda element: element.get_name() == "Last message")
+        line = find(program, lambda element: element.get_role() == Atspi.Role.STATUS_BAR)
         print(line.get_description() if line is not None else "none")
     elif verb == "button" and program is not None:
         button = button_named(program, argument)

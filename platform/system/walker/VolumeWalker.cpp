@@ -200,6 +200,8 @@ void VolumeWalker::stop() { m_walk->stop(); }
 
 void VolumeWalker::waitUntilRemembered() { m_walk->waitUntilRemembered(); }
 
+std::vector<SystemError> VolumeWalker::unreadable() const { return m_walk->findings().unreadable(); }
+
 std::vector<std::string> VolumeWalker::vanished() const { return m_walk->findings().vanished(); }
 
 std::vector<std::string> VolumeWalker::takeFound() { return m_walk->findings().take(); }

@@ -66,7 +66,9 @@ struct VolumeWalkProgress {
 // that comes to its end is remembered after it has said finished.
 class VolumeWalker {
 public:
+    // Of what `progress` tells, and of what `unreadable` does.
     static constexpr std::size_t maximumUnreadableKept = 16;
+    static constexpr std::size_t maximumUnreadableListed = 1000;
 
     // `onNews` is called in one of the walk's threads at the first find after the start or after a take, and once when
     // the walk has finished; it must not throw, nor stop the walk. It is not called after `stop` has returned.
@@ -86,6 +88,9 @@ public:
     // The paths found since the last take, in no order. Empty once `progress` has said finished and they were taken.
     std::vector<std::string> takeFound();
     VolumeWalkProgress progress() const;
+    // The folders that could not be read, each with the reason, in the order in which the walk came to them; at most
+    // maximumUnreadableListed.
+    std::vector<SystemError> unreadable() const;
     // Once the walk has finished: those of the paths taken that were remembered and that the walk did not come to.
     std::vector<std::string> vanished() const;
 

@@ -1,5 +1,6 @@
 #include "platform/system/walker/WalkFindings.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace mac {
@@ -35,9 +36,8 @@ void WalkFindings::addPackage(std::string&& path) {
 void WalkFindings::addUnreadable(std::string_view path, SystemError const& error) {
     std::lock_guard const lock(m_mutex);
     ++m_progress.unreadableFolders;
-    if (m_progress.firstUnreadable.size() < VolumeWalker::maximumUnreadableKept)
-        m_progress.firstUnreadable.push_back(
-            {.code = error.code, .operation = error.operation, .item = std::string(path)});
+    if (m_unreadable.size() < VolumeWalker::maximumUnreadableListed)
+        m_unreadable.push_back({.code = error.code, .operation = error.operation, .item = std::string(path)});
 }
 
 void WalkFindings::finish() {
@@ -60,9 +60,16 @@ VolumeWalkProgress WalkFindings::progress() const {
     std::lock_guard const lock(m_mutex);
     VolumeWalkProgress progress = m_progress;
     progress.packagesToTake = m_packages.size();
+    std::size_t const kept = std::min(m_unreadable.size(), VolumeWalker::maximumUnreadableKept);
+    progress.firstUnreadable.assign(m_unreadable.begin(), m_unreadable.begin() + static_cast<std::ptrdiff_t>(kept));
     progress.foldersVisited = m_foldersVisited.load(std::memory_order_relaxed);
     progress.listsRead = m_listsRead.load(std::memory_order_relaxed);
     return progress;
+}
+
+std::vector<SystemError> WalkFindings::unreadable() const {
+    std::lock_guard const lock(m_mutex);
+    return m_unreadable;
 }
 
 std::vector<std::string> WalkFindings::vanished() const {

@@ -26,6 +26,8 @@ public:
 
     std::vector<std::string> take();
     VolumeWalkProgress progress() const;
+    // At most VolumeWalker::maximumUnreadableListed.
+    std::vector<SystemError> unreadable() const;
     // The remembered packages that the walk did not come to; none before it has finished.
     std::vector<std::string> vanished() const;
     // All packages that the walk came to. REQUIRES: Keeping::Always.
@@ -40,6 +42,7 @@ private:
     std::vector<std::string> m_packages;
     std::vector<std::string> m_packagesOfWalk;
     std::unordered_set<std::string> m_unconfirmed; // remembered, and not yet found by the walk
+    std::vector<SystemError> m_unreadable;
     bool m_newsWereTold = false;                   // since the last take
     VolumeWalkProgress m_progress;
 };

@@ -49,6 +49,7 @@ ClassDescription FakeQuery::describeClass() {
                 property<&FakeQuery::isGathering, &FakeQuery::setIsGathering_>("isGathering"),
                 property<&FakeQuery::unreadableFolderCount, &FakeQuery::setUnreadableFolderCount_>(
                     "unreadableFolderCount"),
+                readOnlyProperty<&FakeQuery::unreadableFolders>("unreadableFolders"),
             },
     };
 }
@@ -97,6 +98,9 @@ ClassDescription FakeController::describeClass() {
                 readOnlyProperty<&Self::notice>("notice"),
                 readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
                 readOnlyProperty<&Self::canUndo>("canUndo"),
+                readOnlyProperty<&Self::pane>("panes"),
+                readOnlyProperty<&Self::pane>("details"),
+                readOnlyProperty<&Self::pane>("scanChanges"),
             },
     };
 }

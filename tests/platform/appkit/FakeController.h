@@ -22,6 +22,7 @@ public:
     bool isGathering() const;
     void setIsGathering_(BOOL gathering) const;
     NSUInteger unreadableFolderCount() const;
+    NSArray unreadableFolders() const { return nil; }
     void setUnreadableFolderCount_(NSUInteger count) const;
 };
 
@@ -63,6 +64,8 @@ public:
     void revealAction_(id const& sender) const;
     void undoAction_(id const& sender) const;
 
+    // Nothing is shown beside the table.
+    id pane() const { return nil; }
     NSString notice() const;
     bool noticeOffersUndo() const;
     bool canUndo() const;

@@ -1,5 +1,6 @@
 #include "tests/platform/appkit/LoadedWindow.h"
 #include "platform/appkit/NSApplication.h"
+#include "platform/preferences/NSUserDefaults.h"
 #include <QApplication>
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -16,8 +17,12 @@ void needApplication() {
     classOf<FakeController>();
 }
 
-LoadedWindow::LoadedWindow() {
+LoadedWindow::LoadedWindow(Settings settings) {
     needApplication();
+    if (settings == Settings::Forgotten) {
+        for (char const* const key : {FrameKey, ColumnsKey})
+            NSUserDefaults::standardUserDefaults().removeObjectForKey_(NSString::stringWithUTF8String_(key));
+    }
     auto loaded = InterfaceFile::load(MAIN_INTERFACE_FILE);
     m_file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
     m_file->window().makeKeyAndOrderFront_(nil);

@@ -16,7 +16,9 @@ void needApplication();
 // The program's window with a controller that stands in for the program's, on the screen.
 class LoadedWindow {
 public:
-    LoadedWindow();
+    // What an earlier window of the tests left in the settings is forgotten, unless it is what a test is about.
+    enum class Settings { Forgotten, Kept };
+    explicit LoadedWindow(Settings settings = Settings::Forgotten);
 
     FakeController controller() const;
     QTableView* table() const { return find<QTableView>("pathsTable"); }
@@ -36,6 +38,10 @@ public:
 private:
     std::unique_ptr<InterfaceFile> m_file;
 };
+
+// Where the window keeps its size and the widths of its columns.
+inline constexpr char FrameKey[] = "NSWindow Frame MainWindow";
+inline constexpr char ColumnsKey[] = "NSTableView Columns Copies";
 
 inline constexpr int VersionColumn = 0;
 inline constexpr int PathColumn = 1;

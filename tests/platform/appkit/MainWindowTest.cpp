@@ -65,7 +65,7 @@ TEST(MainWindow, SortsByClickingAndKeepsOlderCriteriaBehind) {
     window.clickHeader(PathColumn);
     EXPECT_EQ(window.column(PathColumn), QStringList({"/c", "/b", "/a"}));
     window.clickHeader(VersionColumn);
-    EXPECT_EQ(orderOf(window.controller().pathsTableView().sortDescriptors()), "-version -displayPath ");
+    EXPECT_EQ(orderOf(window.controller().pathsTableView().sortDescriptors()), "-versionString -displayPath ");
     EXPECT_EQ(window.column(PathColumn), QStringList({"/c", "/a", "/b"}));
     EXPECT_EQ(window.table()->horizontalHeader()->sortIndicatorSection(), VersionColumn);
     EXPECT_EQ(window.table()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
@@ -246,7 +246,7 @@ TEST(MainWindow, LogsAnExceptionInAnActionAndGoesOn) {
 TEST(MainWindow, ShowsThatItSearchesAndWhatCouldNotBeRead) {
     LoadedWindow const window;
     auto* const busy = window.find<QWidget>("busyIndicator");
-    auto* const unreadable = window.find<QLabel>("unreadableLabel");
+    auto* const unreadable = window.find<QPushButton>("unreadableButton");
     EXPECT_FALSE(busy->isVisible());
     EXPECT_FALSE(unreadable->isVisible());
     window.controller().query().setIsGathering_(YES);

@@ -71,7 +71,7 @@ TEST(WindowLooks, LeavesTheHeaderFreeWhenThereIsNothingToShow) {
 
 TEST(WindowLooks, OffersTheTablesMenuAlsoWhenThereIsNothingToShow) {
     LoadedWindow const window;
-    for (char const* const name : {"emptyPanel", "searchingText", "filteredPanel"}) {
+    for (char const* const name : {"emptyPanel", "searchingPanel", "filteredPanel"}) {
         auto const* const cover = window.find<QWidget>(name);
         EXPECT_EQ(cover->contextMenuPolicy(), Qt::ActionsContextMenu) << name;
         EXPECT_EQ(cover->actions(), window.table()->actions()) << name;

@@ -245,6 +245,21 @@ TEST(VolumeWalker, KeepsOnlyTheFirstUnreadablePaths) {
     EXPECT_EQ(progress.firstUnreadable.size(), VolumeWalker::maximumUnreadableKept);
 }
 
+TEST(VolumeWalker, ListsTheFoldersThatItCouldNotRead) {
+    TemporaryFolder const folder;
+    Paths missing;
+    for (std::size_t i = 0; i < VolumeWalker::maximumUnreadableListed + 40; ++i)
+        missing.push_back(folder.path("missing" + std::to_string(i)));
+    VolumeWalker walker({.roots = missing}, {});
+    ASSERT_TRUE(walker.start());
+    walker.waitUntilRemembered();
+    std::vector<SystemError> const unreadable = walker.unreadable();
+    ASSERT_EQ(unreadable.size(), VolumeWalker::maximumUnreadableListed);
+    EXPECT_EQ(unreadable.front().code, ENOENT);
+    EXPECT_EQ(walker.progress().unreadableFolders, missing.size());
+    EXPECT_EQ(walker.progress().firstUnreadable.front().item, unreadable.front().item);
+}
+
 TEST(VolumeWalker, CountsTheFoldersItVisits) {
     TemporaryFolder const folder;
     folder.makeFolder("a/b/c");

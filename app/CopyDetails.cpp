@@ -1,0 +1,197 @@
+#include "app/CopyDetails.h"
+#include "app/Panes.h"
+#include "platform/appkit/KeyPathObserver.h"
+#include "platform/foundation/BackgroundWork.h"
+#include "platform/foundation/Beep.h"
+#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/Method.h"
+#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/Weak.h"
+#include "platform/system/ContentsComparison.h"
+#include "scripting/ProcessesAndFinder.h"
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace framekeeper {
+
+class CopyDetails::Body : public ObjectBody {
+public:
+    explicit Body(AppController const& followed)
+        : controller(followed), selection(followed, "pathsArrayController.selection", [this] { follow(); }),
+          shown(followed.panes(), "showsDetails", [this] { follow(); }) {}
+
+    void follow();
+    void tell();
+    void readDisk(std::string const& path);
+    void compare();
+    void stopComparing();
+    void reveal(NSString const& path) const;
+    // The other copies of the inventory that are there, by path.
+    std::vector<std::string> otherPaths() const;
+
+    Weak<AppController> controller;
+    DetailFacts facts;
+    NSDictionary values = detailValues({});
+    // Null if it is not under way, or is done.
+    std::unique_ptr<BackgroundWork> reading;
+    std::unique_ptr<BackgroundWork> comparing;
+    KeyPathObserver selection;
+    KeyPathObserver shown;
+};
+
+namespace {
+
+std::string bytesOfRecord(NSDictionary const& record) {
+    NSString const path = as<NSString>(record.objectForKey_("path"));
+    return path == nil ? std::string() : path.fileSystemRepresentation().value_or("");
+}
+
+bool isOnDisk(NSDictionary const& record) { return as<NSNumber>(record.objectForKey_("exists")).boolValue(); }
+
+} // namespace
+
+void CopyDetails::Body::tell() {
+    KeyChange const change(uncheckedCast<CopyDetails>(id::retain(this)), "values");
+    values = detailValues(facts);
+}
+
+void CopyDetails::Body::follow() {
+    AppController const followed = controller.load();
+    NSDictionary const record = followed.panes().showsDetails()
+                                    ? as<NSDictionary>(followed.valueForKeyPath_("pathsArrayController.selection"))
+                                    : NSDictionary();
+    bool const isUnchanged = record == nil ? facts.record == nil : isSame(record, facts.record);
+    if (isUnchanged) return;
+    std::string const path = bytesOfRecord(record);
+    bool const isSameCopy = record != nil && facts.record != nil && path == bytesOfRecord(facts.record);
+    // A record that was made anew is of the same copy, of which the comparison holds.
+    Comparison const kept = isSameCopy ? facts.comparison : Comparison{};
+    if (!isSameCopy) comparing.reset();
+    reading.reset();
+    facts = {.record = record, .session = sessionFactsOf(record), .comparison = kept};
+    if (record == nil || path.empty() || !isOnDisk(record)) {
+        facts.disk = DiskFacts{};
+        facts.size = SystemError{};
+        return tell();
+    }
+    tell();
+    readDisk(path);
+}
+
+void CopyDetails::Body::readDisk(std::string const& path) {
+    // The work is stopped before this goes.
+    reading =
+        std::make_unique<BackgroundWork>([this, path](std::stop_token const& stop, BackgroundWork::Tell const& told) {
+            told([this, disk = diskFactsOf(path)] {
+                facts.disk = disk;
+                tell();
+            });
+            told([this, size = sizeOfTree(path, stop)] {
+                facts.size = size;
+                tell();
+            });
+        });
+}
+
+std::vector<std::string> CopyDetails::Body::otherPaths() const {
+    std::vector<std::string> paths;
+    for (id const& element : controller.load().paths().allObjects()) {
+        NSDictionary const record = as<NSDictionary>(element);
+        if (isOnDisk(record)) paths.push_back(bytesOfRecord(record));
+    }
+    std::string const own = bytesOfRecord(facts.record);
+    std::erase_if(paths, [&](std::string const& path) { return path.empty() || path == own; });
+    std::ranges::sort(paths);
+    return paths;
+}
+
+void CopyDetails::Body::compare() {
+    if (facts.record == nil || !isOnDisk(facts.record)) return;
+    std::vector<std::string> others = otherPaths();
+    facts.comparison = {.stage = Comparison::Stage::UnderWay, .others = static_cast<NSUInteger>(others.size())};
+    tell();
+    std::string const own = bytesOfRecord(facts.record);
+    comparing = std::make_unique<BackgroundWork>(
+        [this, own, others = std::move(others)](std::stop_token const& stop, BackgroundWork::Tell const& told) {
+            for (std::string const& other : others) {
+                bool const isEqual = haveEqualContents(own, other, stop);
+                told([this, other, isEqual] {
+                    ++facts.comparison.compared;
+                    if (isEqual) facts.comparison.equal.push_back(NSString::stringWithFileSystemRepresentation_(other));
+                    tell();
+                });
+                if (stop.stop_requested()) return;
+            }
+            told([this] {
+                facts.comparison.stage = Comparison::Stage::Done;
+                tell();
+            });
+        });
+}
+
+void CopyDetails::Body::stopComparing() {
+    if (facts.comparison.stage != Comparison::Stage::UnderWay) return;
+    comparing.reset();
+    facts.comparison.stage = Comparison::Stage::Stopped;
+    tell();
+}
+
+void CopyDetails::Body::reveal(NSString const& path) const {
+    if (path == nil || !KRAPathRevealInFinder(path)) NSBeep();
+}
+
+ClassDescription CopyDetails::describeClass() {
+    return {
+        .name = "CopyDetails",
+        .superclass = classOf<NSObject>(),
+        .methods =
+            {
+                method<&CopyDetails::compare_>("compare:"),
+                method<&CopyDetails::stopComparing_>("stopComparing:"),
+                method<&CopyDetails::revealVolume_>("revealVolume:"),
+                method<&CopyDetails::revealProcess_>("revealProcess:"),
+                method<&CopyDetails::revealLoginItem_>("revealLoginItem:"),
+                method<&CopyDetails::revealPlace_>("revealPlace:"),
+            },
+        .properties = {readOnlyProperty<&CopyDetails::values>("values")},
+    };
+}
+
+CopyDetails CopyDetails::of(AppController const& controller) {
+    if (controller == nil) return nil;
+    CopyDetails const details = adopt<CopyDetails>(controller);
+    bodyOf(details)->follow();
+    return details;
+}
+
+NSDictionary CopyDetails::values() const { return *this == nil ? NSDictionary() : bodyOf(*this)->values; }
+
+void CopyDetails::compare_(id const&) const {
+    if (*this != nil) bodyOf(*this)->compare();
+}
+
+void CopyDetails::stopComparing_(id const&) const {
+    if (*this != nil) bodyOf(*this)->stopComparing();
+}
+
+void CopyDetails::revealVolume_(id const&) const {
+    if (*this == nil) return;
+    std::optional<DiskFacts> const& disk = bodyOf(*this)->facts.disk;
+    bodyOf(*this)->reveal(disk ? disk->volumePath : NSString());
+}
+
+void CopyDetails::revealProcess_(id const&) const {
+    if (*this != nil) bodyOf(*this)->reveal(bodyOf(*this)->facts.session.program);
+}
+
+void CopyDetails::revealLoginItem_(id const&) const {
+    if (*this != nil) bodyOf(*this)->reveal(bodyOf(*this)->facts.session.loginItemFile);
+}
+
+void CopyDetails::revealPlace_(id const&) const {
+    if (*this != nil) bodyOf(*this)->reveal(bodyOf(*this)->facts.session.placeFile);
+}
+
+} // namespace framekeeper

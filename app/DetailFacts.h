@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/foundation/NSDate.h"
+#include "platform/foundation/NSDictionary.h"
+#include "platform/system/items/TreeSize.h"
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace framekeeper {
+
+using namespace mac;
+
+// What the disk tells of a copy. Each value is nil or nullopt if it is not known.
+struct DiskFacts {
+    NSDate created{};
+    NSDate modified{};
+    NSString volumeName{};
+    // Where the volume is mounted.
+    NSString volumePath{};
+};
+
+// Any thread; may wait for the disk.
+DiskFacts diskFactsOf(std::string const& path);
+
+// What the user's session tells of the copy of a record. Each value is nil or nullopt if there is none.
+struct SessionFacts {
+    std::optional<std::int32_t> process{};
+    // The program that the process runs.
+    NSString program{};
+    // The file of the login item: an autostart entry.
+    NSString loginItemFile{};
+    // The file that holds the place.
+    NSString placeFile{};
+};
+
+// Main thread.
+SessionFacts sessionFactsOf(NSDictionary const& record);
+
+// How far the copies that are equal byte for byte were looked for.
+struct Comparison {
+    enum class Stage { NotAsked, UnderWay, Stopped, Done };
+
+    Stage stage{Stage::NotAsked};
+    // Of the other copies.
+    NSUInteger compared{0};
+    NSUInteger others{0};
+    std::vector<NSString> equal{};
+};
+
+// All that is shown of a copy.
+struct DetailFacts {
+    // nil: there is not exactly one copy selected.
+    NSDictionary record{};
+    SessionFacts session{};
+    // nullopt while they are read.
+    std::optional<DiskFacts> disk{};
+    std::optional<Result<TreeSize>> size{};
+    Comparison comparison{};
+};
+
+// The facts as texts and truth values for the window, by the keys that app/MainMenu.ui shows: texts "path", "version",
+// "size", "created", "modified", "volume", "process", "loginItem", "place", "equalCopies"; "–" for what is not known.
+// Truth values "hasCopy", "hasVolume", "hasProcess", "hasLoginItem", "hasPlace", "canCompare", "isComparing".
+NSDictionary detailValues(DetailFacts const& facts);
+
+} // namespace framekeeper

@@ -1,0 +1,113 @@
+#include "app/DetailFacts.h"
+#include "platform/foundation/LocalizedValues.h"
+#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/NSNumber.h"
+
+namespace framekeeper {
+
+namespace {
+
+NSString orDash(NSString const& text) { return text == nil || text.length() == 0 ? NSString("–") : text; }
+
+NSString versionText(NSDictionary const& record) { return orDash(as<NSString>(record.objectForKey_("versionString"))); }
+
+NSString sizeText(DetailFacts const& facts) {
+    if (!facts.size) return NSLocalizedString("Adding up…", "While the size of a copy is found out");
+    if (!facts.size->hasValue()) return "–";
+    TreeSize const& size = facts.size->value();
+    NSString const items = localizedCount(static_cast<NSUInteger>(size.items), "%n item", "%n items",
+                                          "Files and folders of a copy, behind its size");
+    NSString const text = NSString::stringWithFormat_("%@ (%@)", localizedSize(size.allocated), items);
+    if (size.unreadable == 0) return text;
+    NSString const unreadable = localizedCount(static_cast<NSUInteger>(size.unreadable), "%n item could not be read",
+                                               "%n items could not be read", "Behind the size of a copy");
+    return NSString::stringWithFormat_("%@, %@", text, unreadable);
+}
+
+NSString dateText(DetailFacts const& facts, NSDate DiskFacts::*date) {
+    return orDash(facts.disk ? localizedDate(*facts.disk.*date) : NSString());
+}
+
+NSString volumeText(DetailFacts const& facts) {
+    if (!facts.disk) return "–";
+    NSString const name = facts.disk->volumeName;
+    return orDash(name == nil || name.length() == 0 ? facts.disk->volumePath : name);
+}
+
+NSString processText(SessionFacts const& session) {
+    if (!session.process) return NSLocalizedString("Not running", "Details of a copy");
+    return NSString::stringWithFormat_(NSLocalizedString("Process %d", "Details of a copy: a process by its number"),
+                                       *session.process);
+}
+
+bool isSet(NSDictionary const& record, NSString const& key) {
+    return as<NSNumber>(record.objectForKey_(key)).boolValue();
+}
+
+NSString loginItemText(DetailFacts const& facts) {
+    if (!isSet(facts.record, "isAutolaunched")) return NSLocalizedString("Does not start at login", nil);
+    NSString const file = facts.session.loginItemFile;
+    return file == nil ? NSLocalizedString("Starts at login", nil) : file.lastPathComponent();
+}
+
+NSString placeText(DetailFacts const& facts) {
+    return isSet(facts.record, "isInToolbar") ? NSLocalizedString("In the places", nil)
+                                              : NSLocalizedString("Not in the places", nil);
+}
+
+NSString equalPaths(std::vector<NSString> const& paths) {
+    NSString text = "";
+    for (NSString const& path : paths)
+        text = text.length() == 0 ? path : text.stringByAppendingString_("\n").stringByAppendingString_(path);
+    return text;
+}
+
+NSString equalCopiesText(Comparison const& comparison) {
+    switch (comparison.stage) {
+    case Comparison::Stage::NotAsked:
+        return NSLocalizedString("Not compared yet", "Copies that are the same byte for byte");
+    case Comparison::Stage::UnderWay:
+        return NSString::stringWithFormat_(
+            NSLocalizedString("Compared %lu of %lu", "Other copies, while they are compared"), comparison.compared,
+            comparison.others);
+    case Comparison::Stage::Stopped:
+        return NSString::stringWithFormat_(
+            NSLocalizedString("Stopped after %lu of %lu", "Other copies that were compared"), comparison.compared,
+            comparison.others);
+    case Comparison::Stage::Done:
+        break;
+    }
+    if (comparison.equal.empty()) return NSLocalizedString("No other copy is the same", "Compared byte for byte");
+    return equalPaths(comparison.equal);
+}
+
+NSNumber truth(bool value) { return NSNumber::numberWithBool_(BOOL(value)); }
+
+} // namespace
+
+NSDictionary detailValues(DetailFacts const& facts) {
+    NSMutableDictionary const values = NSMutableDictionary::dictionary();
+    values.setObject_forKey_(truth(facts.record != nil), "hasCopy");
+    if (facts.record == nil) return values;
+    bool const exists = isSet(facts.record, "exists");
+    bool const isComparing = facts.comparison.stage == Comparison::Stage::UnderWay;
+    values.setObject_forKey_(orDash(as<NSString>(facts.record.objectForKey_("path"))), "path");
+    values.setObject_forKey_(versionText(facts.record), "version");
+    values.setObject_forKey_(sizeText(facts), "size");
+    values.setObject_forKey_(dateText(facts, &DiskFacts::created), "created");
+    values.setObject_forKey_(dateText(facts, &DiskFacts::modified), "modified");
+    values.setObject_forKey_(volumeText(facts), "volume");
+    values.setObject_forKey_(processText(facts.session), "process");
+    values.setObject_forKey_(loginItemText(facts), "loginItem");
+    values.setObject_forKey_(placeText(facts), "place");
+    values.setObject_forKey_(equalCopiesText(facts.comparison), "equalCopies");
+    values.setObject_forKey_(truth(facts.disk && facts.disk->volumePath != nil), "hasVolume");
+    values.setObject_forKey_(truth(facts.session.program != nil), "hasProcess");
+    values.setObject_forKey_(truth(facts.session.loginItemFile != nil), "hasLoginItem");
+    values.setObject_forKey_(truth(facts.session.placeFile != nil), "hasPlace");
+    values.setObject_forKey_(truth(exists && !isComparing), "canCompare");
+    values.setObject_forKey_(truth(isComparing), "isComparing");
+    return values;
+}
+
+} // namespace framekeeper

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPalette>
+#include <vector>
+
+namespace mac {
+
+// A colour of text and the one that it stands on.
+struct TextOnColor {
+    QPalette::ColorRole text;
+    QPalette::ColorRole ground;
+};
+
+// All pairs in which a window shows text that can be used; what is disabled may be paler.
+std::vector<TextOnColor> const& textsOnColors();
+
+// The contrast of the pair, of what is seen where the text is translucent.
+double contrastIn(QPalette const& palette, QPalette::ColorGroup group, TextOnColor const& pair);
+
+// The palette with every text at least LegibleContrast from its ground: text is taken towards black or white, but for
+// selections the ground is. Colours that are far enough apart stay as they are.
+QPalette legiblePalette(QPalette palette);
+
+// Keeps the application's palette legible from now on, whatever theme comes. Needs the application; once is enough.
+void keepPaletteLegible();
+
+} // namespace mac

@@ -1,0 +1,176 @@
+#include "platform/appkit/ApplicationInstance.h"
+#include "platform/events/AppleEvents.h"
+#include "platform/processes/Processes.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
+#include "tests/support/RunUntil.h"
+#include "tests/support/TemporaryFolder.h"
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVirtualObject>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <optional>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// The program runs once in a session.
+
+namespace framekeeper::test {
+namespace {
+
+using namespace mac;
+using mac::test::ChildProcess;
+using mac::test::EnvironmentVariable;
+using mac::test::runUntil;
+using mac::test::TemporaryFolder;
+
+constexpr char InstanceName[] = "example.framekeeper.Framekeeper";
+constexpr char InstancePath[] = "/example/framekeeper/Framekeeper";
+constexpr char InstanceInterface[] = "org.freedesktop.Application";
+
+// Another instance, which writes down how it is asked.
+class RecordingInstance : public QDBusVirtualObject {
+public:
+    RecordingInstance() {
+        m_connection.registerVirtualObject(InstancePath, this);
+        EXPECT_TRUE(m_connection.registerService(InstanceName));
+    }
+    ~RecordingInstance() override {
+        m_connection.unregisterService(InstanceName);
+        QDBusConnection::disconnectFromBus("recording");
+    }
+
+    QString introspect(QString const&) const override { return {}; }
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        m_method = message.member().toStdString();
+        QVariantMap const data = qdbus_cast<QVariantMap>(message.arguments().value(0));
+        m_activation = data.value("activation-token").toString().toStdString();
+        m_startup = data.value("desktop-startup-id").toString().toStdString();
+        connection.send(message.createReply());
+        return true;
+    }
+
+    std::string m_method;
+    std::string m_activation;
+    std::string m_startup;
+
+private:
+    QDBusConnection m_connection = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "recording");
+};
+
+class OneInstance : public testing::Test {
+protected:
+    OneInstance() {
+        // The toolkit's connections need it.
+        performOnMainRunLoop([] {});
+    }
+
+    static bool hasEnded(ChildProcess const& program) {
+        siginfo_t information{};
+        return ::waitid(P_PID, static_cast<id_t>(program.pid()), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+               information.si_pid != 0;
+    }
+    // Waits until the program's window is there: it answers from then on.
+    static ProcessSerialNumber opened(ChildProcess const& program) {
+        ProcessSerialNumber psn{};
+        EXPECT_EQ(GetProcessForPID(program.pid(), &psn), noErr);
+        OSStatus status = noErr;
+        do
+            status = sendEvent(psn, kCoreEventClass, kAEOpenApplication);
+        while (status != noErr && !hasEnded(program));
+        EXPECT_EQ(status, noErr) << "it has ended";
+        return psn;
+    }
+    static void quit(ChildProcess& program, ProcessSerialNumber const& psn) {
+        EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEQuitApplication), noErr);
+        EXPECT_EQ(program.wait(), 0);
+    }
+
+    TemporaryFolder const m_home{};
+    EnvironmentVariable const m_homeVariable{"HOME", m_home.path()};
+    EnvironmentVariable const m_platform{"QT_QPA_PLATFORM", "offscreen"};
+    EnvironmentVariable const m_narrowed{"FRAMEKEEPER_LOCAL_COMPUTER", m_home.path()};
+    EnvironmentVariable const m_own{"FRAMEKEEPER_OWN_INSTANCE", std::nullopt};
+};
+
+TEST_F(OneInstance, ASecondStartEndsOnceTheFirstIsInFront) {
+    ChildProcess first({PROGRAM});
+    ProcessSerialNumber const psn = opened(first);
+    ChildProcess second({PROGRAM});
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_FALSE(hasEnded(first));
+    quit(first, psn);
+    // The name is free again.
+    ChildProcess third({PROGRAM});
+    quit(third, opened(third));
+}
+
+TEST_F(OneInstance, HandsOnWhatTheLauncherGaveTheSecondStart) {
+    EnvironmentVariable const activation("XDG_ACTIVATION_TOKEN", "token-7");
+    EnvironmentVariable const startup("DESKTOP_STARTUP_ID", "launcher-1_TIME500");
+    RecordingInstance first;
+    ChildProcess second({PROGRAM});
+    ASSERT_TRUE(runUntil([&] { return !first.m_method.empty(); }));
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_EQ(first.m_method, "Activate");
+    EXPECT_EQ(first.m_activation, "token-7");
+    EXPECT_EQ(first.m_startup, "launcher-1_TIME500");
+}
+
+TEST_F(OneInstance, ASecondStartOpensAWindowOfItsOwnWhileTheFirstHangs) {
+    ChildProcess first({PROGRAM});
+    ProcessSerialNumber const psn = opened(first);
+    first.sendSignal(SIGSTOP);
+    ChildProcess second({PROGRAM});
+    quit(second, opened(second));
+    first.sendSignal(SIGCONT);
+    quit(first, psn);
+}
+
+TEST_F(OneInstance, OpensAWindowOfItsOwnIfTheEnvironmentAsksForOne) {
+    ChildProcess first({PROGRAM});
+    ProcessSerialNumber const psn = opened(first);
+    EnvironmentVariable const own("FRAMEKEEPER_OWN_INSTANCE", "1");
+    ChildProcess second({PROGRAM});
+    quit(second, opened(second));
+    quit(first, psn);
+}
+
+TEST_F(OneInstance, HasNoNameWithoutABus) {
+    EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + m_home.path("bus"));
+    ApplicationInstance instance;
+    EXPECT_EQ(instance.begin("example.framekeeper.Test", {}), ApplicationInstance::Standing::IsUnnamed);
+}
+
+TEST_F(OneInstance, PerformsTheActionsOfItsDesktopEntry) {
+    std::vector<std::string> performed;
+    ApplicationInstance instance([&](QString const& action) { performed.push_back(action.toStdString()); });
+    ASSERT_EQ(instance.begin(InstanceName, {}), ApplicationInstance::Standing::IsFirst);
+    QDBusConnection const caller = QDBusConnection::connectToBus(QDBusConnection::SessionBus, "caller");
+    auto const ask = [&](char const* method, QVariantList const& arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(InstanceName, InstancePath, InstanceInterface, method);
+        message.setArguments(arguments);
+        QDBusPendingCallWatcher const call(caller.asyncCall(message));
+        bool isFinished = false;
+        QObject::connect(&call, &QDBusPendingCallWatcher::finished,
+                         [&] { performOnMainRunLoop([&] { isFinished = true; }); });
+        EXPECT_TRUE(runUntil([&] { return isFinished; }));
+        return call.isValid();
+    };
+    EXPECT_TRUE(ask("ActivateAction", {"Scan", QVariantList(), QVariantMap()}));
+    EXPECT_EQ(performed, std::vector<std::string>{"Scan"});
+    EXPECT_TRUE(ask("Activate", {QVariantMap()}));
+    EXPECT_TRUE(ask("Open", {QStringList(), QVariantMap()}));
+    // Arguments of other types, and what the interface does not have.
+    EXPECT_FALSE(ask("Activate", {"text"}));
+    EXPECT_FALSE(ask("ActivateAction", {"Scan"}));
+    EXPECT_FALSE(ask("Quit", {}));
+    EXPECT_EQ(performed.size(), 1U);
+    QDBusConnection::disconnectFromBus("caller");
+}
+
+} // namespace
+} // namespace framekeeper::test
