@@ -55,8 +55,6 @@ private:
     void connectButton(QAbstractButton* button);
     void connectFilter(QLineEdit* field);
     void connectWidgets();
-    void connectConditions(QWidget* widget);
-    void coverRows(QWidget* widget);
     // The object that gets the owner's selector: the controller unless the property target names another.
     id targetOf(QObject const* owner);
     template <class Owner, class Signal>
