@@ -17,8 +17,7 @@ TableCover::TableCover(QWidget* cover, QTableView* table) : m_cover(cover), m_ta
     cover->addActions(table->actions());
     cover->installEventFilter(this);
     table->viewport()->installEventFilter(this);
-    // As the form makes it, before anything says whether it is to be seen.
-    if (!cover->isHidden()) table->setProperty(CoverCount, table->property(CoverCount).toInt() + 1);
+    cover->hide();
 }
 
 // The layout that both stand in gives them the same place again and again.

@@ -11,6 +11,7 @@ namespace mac {
 // table below: what is in the widget has it, or the widget itself, until there are rows again.
 class TableCover : public QObject {
 public:
+    // Hides the cover until it is made visible.
     TableCover(QWidget* cover, QTableView* table);
 
     void setVisible(bool isVisible);
