@@ -28,10 +28,10 @@ std::string factsWith(int host, int copies) {
         std::string const place = "anna/Software/Backup " + std::to_string(copy);
         bool const runs = copy % 50 == 0;
         json += copy == 0 ? "\n" : ",\n";
-        json += "  {\"path\": \"/srv/" + place +
-                "/Mirror Frame.app\", \"uri\": \"file:///srv/anna/Software/Backup%20" + std::to_string(copy) +
-                "/Mirror%20Frame.app\", \"version\": \"" + version + "\", \"versionString\": \"" + version + " (" +
-                version + ")\", \"exists\": true, \"isRunning\": " + (runs ? "true" : "false") +
+        json += "  {\"path\": \"/srv/" + place + "/Mirror Frame.app\", \"uri\": \"file:///srv/anna/Software/Backup%20" +
+                std::to_string(copy) + "/Mirror%20Frame.app\", \"version\": \"" + version +
+                "\", \"versionString\": \"" + version + " (" + version +
+                ")\", \"exists\": true, \"isRunning\": " + (runs ? "true" : "false") +
                 ", \"processID\": " + (runs ? "4711" : "null") +
                 ", \"isAutolaunched\": " + (copy == 0 ? "true" : "false") + ", \"isInToolbar\": false}";
     }
