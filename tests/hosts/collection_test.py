@@ -2,6 +2,7 @@
 """The Ansible collection on three hosts: facts, actions, what check mode says, that a second run changes nothing, and the
 report of hosts that answer, answer rubbish, late or never."""
 
+import ast
 import csv
 import json
 import os
@@ -109,6 +110,9 @@ class Collection(unittest.TestCase):
         self.assertGreater(len(MODULES), 5)
         for name in MODULES:
             self.assertIn(f"framekeeper.copies.{name}".upper(), self.command("ansible-doc", f"framekeeper.copies.{name}").upper())
+            source = (REAL / f"packaging/ansible/plugins/modules/{name}.py").read_text()
+            # What the hosts' oldest Python understands.
+            ast.parse(source, feature_version=(3, 9))
         self.assertIn("ANSWER", self.command("ansible-doc", "-t", "filter", "framekeeper.copies.answer").upper())
 
     def test_tells_facts_of_each_host(self):
