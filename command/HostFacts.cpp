@@ -118,7 +118,9 @@ HostFacts readHost(std::string const& path) {
         std::vector<std::byte> const& bytes = contents.value().bytes;
         return hostFactsFrom(nameOfHost(path), {reinterpret_cast<char const*>(bytes.data()), bytes.size()});
     }
-    HostAnswer const answer = contents.problem().is(ENOENT) ? HostAnswer::Never : HostAnswer::Rubbish;
+    constexpr std::array noFacts{EISDIR, EINVAL, EFBIG};
+    bool const isThere = std::ranges::find(noFacts, contents.problem().code) != noFacts.end();
+    HostAnswer const answer = isThere ? HostAnswer::Rubbish : HostAnswer::Never;
     return withoutCopies(nameOfHost(path), answer, visibleBytes(contents.problem().text()));
 }
 

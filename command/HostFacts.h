@@ -14,8 +14,8 @@
 namespace framekeeper {
 
 // Whether a host has told its copies. Late: not within the time it was given; Never: it could not be reached, or its
-// file is missing or empty; Rubbish: what it told cannot be read; Failed: the command failed there, or could read only
-// a part.
+// file is missing, empty or cannot be read; Rubbish: what it told cannot be understood; Failed: the command failed
+// there, or could read only a part.
 enum class HostAnswer { Complete, Failed, Late, Never, Rubbish };
 
 // "complete", "failed" and so on, as in facts and reports.

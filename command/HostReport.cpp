@@ -66,7 +66,7 @@ table { border-collapse: collapse; margin-bottom: 1.5rem; }
 caption { font-weight: bold; padding: .3rem 0; text-align: start; }
 th, td { border: 1px solid; padding: .2rem .6rem; text-align: start; vertical-align: top; }
 td.count { text-align: end; }
-data { font-family: monospace; overflow-wrap: anywhere; }
+data { font-family: monospace; overflow-wrap: anywhere; white-space: pre-wrap; }
 section { content-visibility: auto; }
 </style>
 </head>

@@ -1,7 +1,9 @@
 #include "command/HostFacts.h"
 #include "tests/support/TemporaryFolder.h"
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace framekeeper::test {
 namespace {
@@ -105,6 +107,24 @@ TEST(HostFacts, AreReadFromFilesAloneAndNotFromWhatMayBlock) {
     ASSERT_EQ(hosts.value().size(), 2U);
     for (HostFacts const& host : hosts.value())
         EXPECT_EQ(host.answer, HostAnswer::Rubbish);
+}
+
+TEST(HostFacts, NeverComeFromAFileThatCannotBeRead) {
+    mac::test::TemporaryFolder const folder;
+    folder.makeFolder("room");
+    ASSERT_EQ(::symlink("anna.json", folder.path("room/anna.json").c_str()), 0);
+    auto const hosts = readHosts({folder.path("room")});
+    ASSERT_TRUE(hosts.hasValue() && hosts.value().size() == 1U);
+    EXPECT_EQ(hosts.value().front().answer, HostAnswer::Never);
+    EXPECT_NE(hosts.value().front().reason, "");
+}
+
+TEST(HostFacts, FailForAFolderThatCannotBeListed) {
+    mac::test::TemporaryFolder const folder;
+    ASSERT_EQ(::symlink("loop", folder.path("loop").c_str()), 0);
+    auto const hosts = readHosts({folder.path("loop")});
+    ASSERT_FALSE(hosts.hasValue());
+    EXPECT_TRUE(hosts.problem().is(ELOOP));
 }
 
 TEST(HostFacts, AreReadUpToTheirBound) {
