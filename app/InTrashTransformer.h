@@ -17,7 +17,7 @@ public:
 
     static Class transformedValueClass();
     static bool allowsReverseTransformation();
-    // A number.
+    // A number that holds YES or NO: whether the item at the path lies in a trash.
     id transformedValue_(id const& value) const { return Superclass::transformedValue_(value); }
 };
 

@@ -20,7 +20,7 @@ public:
 
     // Looks at, or makes records of, as many paths as the step has at most. False when the inventory is set.
     bool advance(AppController const& controller, SyncStep const& step);
-    // The disk's paths alone, all at once.
+    // Replaces the disk's paths alone, all at once.
     void setDiskPaths(AppController const& controller);
 
 private:
@@ -39,13 +39,13 @@ private:
     NSMutableSet m_records = NSMutableSet::set();
 };
 
-// Does the same in steps of the controller's size, the first of them at once, and between them the main thread handles
-// what the user does. Asked for while steps are under way, it starts anew when they are done.
+// Brings the disk's paths and the inventory up to date in steps of the controller's size, the first of them at once;
+// between them the main thread handles events. If steps are under way, they start anew when they are done.
 void syncInSteps(AppController const& controller);
-// Does it in one step, whatever steps are under way.
+// Brings the disk's paths and the inventory up to date in one step; steps under way are dropped.
 void syncAtOnce(AppController const& controller);
-// Steps under way start anew, since something was changed that they may have looked at. The controller's disk paths are
-// kept, as far as there are still copies at them.
+// Makes steps that are under way start anew, since something was changed that they may have looked at. The controller's
+// disk paths are kept, as far as there are still copies at them.
 void restartSteps(AppController const& controller);
 void cancelSteps(AppController const& controller);
 

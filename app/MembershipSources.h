@@ -19,7 +19,7 @@ struct MembershipSource {
     void (*sync)(AppController const& controller);
 };
 
-// What the controller does itself, as a row's sync.
+// A member function of the controller in the form of a row's sync.
 template <void (AppController::*member)() const>
 void ofController(AppController const& controller) {
     (controller.*member)();
@@ -44,8 +44,9 @@ consteval std::size_t sourceWithEntries(std::string_view entriesKey) {
 
 // The set of the source in the row; nil for a nil controller.
 NSSet entriesOf(AppController const& controller, std::size_t row);
-// Replaces it whole. Observers are told once of every setting, also of the same object.
+// Replaces the set of the source in the row. Observers are told once of every setting, also of the same object.
 void setEntries(AppController const& controller, std::size_t row, NSSet const& entries);
+// Reads all sources of the table anew, in its order.
 void syncMembershipSources(AppController const& controller);
 
 } // namespace framekeeper

@@ -1,5 +1,6 @@
 #include "command/Command.h"
 #include "command/Actions.h"
+#include "command/HostReport.h"
 #include "command/Report.h"
 #include "platform/foundation/Beep.h"
 #include "platform/foundation/Localization.h"
@@ -143,6 +144,21 @@ Status change(CommandLine const& line) {
     return worse(status, print(results(outcomes, line.form)));
 }
 
+// Failed if a host gave no complete answer, or there is no host; all are in the report nevertheless.
+Status report(CommandLine const& line) {
+    Result<std::vector<HostFacts>> const hosts = readHosts(line.paths);
+    if (!hosts.hasValue() || hosts.value().empty()) {
+        std::string const reason = hosts.hasValue() ? "no files of facts are there" : hosts.problem().text();
+        tellPeople("framekeeper-cli: " + reason + "\n");
+        return Status::Failed;
+    }
+    std::string const complaints = hostComplaints(hosts.value());
+    tellPeople(complaints);
+    Status const status = complaints.empty() ? Status::Done : Status::Failed;
+    bool const isForSpreadsheets = line.form == OutputForm::CSV;
+    return worse(status, print(isForSpreadsheets ? hostRows(hosts.value()) : hostPage(hosts.value())));
+}
+
 std::string versionText() { return std::string("framekeeper-cli ") + FRAMEKEEPER_VERSION + "\n"; }
 
 Status carryOut(CommandLine const& line) {
@@ -150,6 +166,7 @@ Status carryOut(CommandLine const& line) {
     if (line.verb == Verb::Version) return print(versionText());
     if (line.verb == Verb::List) return list(line);
     if (line.verb == Verb::Info) return inform(line);
+    if (line.verb == Verb::Report) return report(line);
     return isAction(line) ? change(line) : listSource(line);
 }
 

@@ -26,6 +26,7 @@ constexpr std::array Verbs{
     VerbRow{"trash", Verb::Trash, Operands::Paths},   VerbRow{"restore", Verb::Restore, Operands::Paths},
     VerbRow{"delete", Verb::Delete, Operands::Paths}, VerbRow{"swap-icon", Verb::SwapIcon, Operands::Paths},
     VerbRow{"login", Verb::Login, Operands::None},    VerbRow{"places", Verb::Places, Operands::None},
+    VerbRow{"report", Verb::Report, Operands::Paths},
 };
 
 // The text with the word in its place.
@@ -37,6 +38,8 @@ bool takeOption(CommandLine& line, std::string_view word) {
         line.form = OutputForm::JSON;
     else if (word == "-0" || word == "--null")
         line.form = OutputForm::NullSeparated;
+    else if (word == "--csv")
+        line.form = OutputForm::CSV;
     else if (word == "-y" || word == "--yes")
         line.confirmation = Confirmation::IsGiven;
     else
@@ -56,6 +59,11 @@ Result<void, Failure> takeEdit(CommandLine& line, std::vector<std::string>& oper
     return {};
 }
 
+bool isFormOf(Verb verb, OutputForm form) {
+    if (form == OutputForm::Table) return true;
+    return (form == OutputForm::CSV) == (verb == Verb::Report);
+}
+
 Result<CommandLine, Failure> withOperands(CommandLine line, std::vector<std::string> operands) {
     if (operands.empty()) return wrongUse(localizable("No verb is given"));
     auto const row = std::ranges::find(Verbs, operands.front(), &VerbRow::word);
@@ -72,6 +80,7 @@ Result<CommandLine, Failure> withOperands(CommandLine line, std::vector<std::str
     if (isPathEmpty) return wrongUse(localizable("A path is empty"));
     if (line.confirmation == Confirmation::IsGiven && line.verb != Verb::Delete)
         return wrongUse(localizable("--yes belongs to delete alone"));
+    if (!isFormOf(line.verb, line.form)) return wrongUse(localizable("%@ has no output of this form"), verb);
     line.paths = std::move(operands);
     return line;
 }
@@ -118,9 +127,13 @@ Finds the copies of Mirror Frame and cleans up.
   places               the copies in the file browser's places
   places remove PATH...
                        remove these from the places
+  report FILE...|FOLDER...
+                       what many hosts told with list --json, as one page in
+                       HTML: a file HOST.json each, or folders of such files
 
   --json       output for programs
   -0, --null   paths alone, each with a NUL behind it
+  --csv        the report as rows for a spreadsheet
   -y, --yes    delete without asking
   -h, --help   this text
   --version    the version

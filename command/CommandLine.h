@@ -6,10 +6,12 @@
 
 namespace framekeeper {
 
-enum class Verb { Help, Version, List, Info, Reveal, Quit, Trash, Restore, Delete, SwapIcon, Login, Places };
+enum class Verb { Help, Version, List, Info, Reveal, Quit, Trash, Restore, Delete, SwapIcon, Login, Places, Report };
 // What login and places do with their list.
 enum class ListEdit { Show, Add, Remove };
-enum class OutputForm { Table, JSON, NullSeparated };
+// Table is the verb's form for people: text, or a page in HTML of report. CSV is a form of report alone, JSON and
+// NullSeparated are forms of all other verbs.
+enum class OutputForm { Table, JSON, NullSeparated, CSV };
 enum class Confirmation { IsAsked, IsGiven };
 
 // What the command was asked for.

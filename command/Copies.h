@@ -40,7 +40,7 @@ private:
 Result<OpenItem> openCopyAt(NSString const& path);
 bool isCopyAt(NSString const& path);
 
-// How often something beeps, by which the controller reports what failed.
+// Calls the function and answers how often it beeped, which is how the controller reports a failure.
 int beepsDuring(std::function<void()> const& work);
 
 // The path by which the search would find what was given on the command line. A final symbolic link is not followed.

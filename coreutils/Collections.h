@@ -18,9 +18,9 @@ namespace mac {
 // A new mutable set of the members' unsigned-integer values; of a string, the number it begins with, else 0. A value of
 // NSNotFound or more, such as that of -1, raises NSRangeException.
 NSMutableIndexSet pxIndexSetWithNumbers(NSArray receiver);
-// The same of a set's members.
+// The integer values of a set's members, as indexes.
 NSMutableIndexSet pxIndexSetWithNumbers(NSSet receiver);
-// Of the objects not given yet.
+// The integer values of the objects that the enumerator has not given yet, as indexes.
 NSMutableIndexSet pxIndexSetWithNumbers(NSEnumerator receiver);
 // The indexes as numbers, ascending.
 NSArray pxArrayWithIndexes(NSIndexSet receiver);
@@ -38,9 +38,9 @@ void pxUnionWithSet_(NSSet receiver, NSMutableSet set);
 NSMutableArray pxMutableArrayWithTrimmedObjectsForKeys_(NSArray receiver, NSArray keys);
 // A new dictionary with the source's values for the keys; a key without a value is absent. Empty for a nil source.
 NSMutableDictionary pxDictionaryWithDictionary_forKeys_(NSDictionary source, NSArray keys);
-// Nil for a nil name. The name where no element equals it; else the first of "NAME 1", "NAME 2", ... that none equals.
+// The name if no element equals it, nil for a nil name; else the first of "NAME 1", "NAME 2", ... that none equals.
 NSString pxUniqueCopyNameForName_(NSArray receiver, NSString name);
-// None: enumerating the null object gives nothing.
+// An enumerator that gives no objects.
 NSEnumerator objectEnumerator(NSNull receiver);
 
 // The element goes to in front of the one that is at the index now, as a dragged row does; the count stands for the
@@ -53,9 +53,9 @@ void pxMoveObjectsAtIndexes_toIndex_(NSMutableArray receiver, NSIndexSet indexes
 
 // Sets the source's value under the same key on the receiver. A nil value removes the key of a mutable dictionary.
 void pxSetValueFrom_forKey_(id receiver, id source, NSString key);
-// The same for each of the keys, in their order.
+// Sets the receiver's value for each of the keys, in their order, to the source's.
 void pxSetValuesFrom_forKeys_(id receiver, id source, NSArray keys);
-// The same for each key of the source.
+// Sets the receiver's value for each key of the source to the source's.
 void pxSetValuesFrom_(id receiver, NSDictionary source);
 
 // Follows the path's components; an array answers with its element at the component's integer value (0 where it is no
@@ -95,7 +95,7 @@ void pxStopObservingAllObjectsOf_forKeyPaths_(id receiver, id collection, NSArra
 // that are there then, not those that were at the start.
 void pxStartObservingAllKeysOfAllObjectsOf_options_context_(id receiver, id collection, NSUInteger options,
                                                             void* context);
-// Ends it for the members and keys of the moment.
+// Ends observing the members and keys that the collection has at the time of the call.
 void pxStopObservingAllKeysOfAllObjectsOf_(id receiver, id collection);
 
 } // namespace mac

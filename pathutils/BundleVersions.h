@@ -7,8 +7,8 @@ namespace mac {
 // Versions of bundles: three whole numbers, read from any text and written with two or three of them. Nothing is
 // raised. A nil receiver answers nil and 0, logs nothing and leaves the numbers as they are.
 
-// Of the bundle at the path: its "CFBundleVersion" or, where that is missing, "IFMajorVersion" and "IFMinorVersion"
-// together, trimmed; nil without a bundle, and without these. The short version string plays no part.
+// The version of the bundle at the path: its "CFBundleVersion" or, where that is missing, "IFMajorVersion" and
+// "IFMinorVersion" together, trimmed; nil without a bundle, and without these. The short version string plays no part.
 NSString pxVersionOfPath(NSString receiver);
 
 // The numbers of the receiver's first three parts, set apart by dots: of each the one that its first digits make, 0
@@ -19,7 +19,7 @@ void pxParseVersionToMajor_minor_subminor_(NSString receiver, std::int32_t* majo
 // The parsed numbers with dots between: at most two or three as asked for, without a third that is 0. Any other number
 // of them is nil and a line in the log.
 NSString pxTrimmedVersion_(NSString receiver, std::int32_t maxNumbers);
-// The same with at most three.
+// The parsed numbers with dots between, at most three of them, without a third that is 0.
 NSString pxTrimmedVersion(NSString receiver);
 
 // -1, 0 or 1 as the receiver is older than, as old as or newer than the other version, by the three numbers alone:

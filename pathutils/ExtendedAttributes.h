@@ -10,33 +10,38 @@ namespace mac {
 // changes in between is nil. Names that have no UTF-8 belong to no attribute. Any thread. A nil path answers nil and
 // NO.
 
-// The names; an empty array where there are none, or no item. Behind a name follows what lies one more than its number
-// of characters further, so that a name with characters of several bytes is followed by pieces of itself.
+// The names of the item's attributes; an empty array if it has none, or if there is no item. The list of names is read
+// by advancing characters + 1, not bytes + 1, so a name with characters of several bytes is followed by pieces of
+// itself.
 // Linux: bytes that are not UTF-8 stand in a name as they do in a path.
 NSMutableArray pxExtendedAttributesKeys(NSString receiver);
 
-// Nil also for an attribute that is there and empty.
+// The attribute's bytes; nil if the item has no such attribute, or an empty one.
 NSData pxExtendedAttributeDataForKey_(NSString receiver, NSString key);
-// Creates or replaces; nil data removes.
+// Creates the attribute or replaces its bytes; nil data removes it. NO if that fails.
 bool pxSetExtendedAttributeData_forKey_(NSString receiver, NSData data, NSString key);
-// NO where there is none.
+// Removes the attribute; NO if the item has no such attribute.
 bool pxRemoveExtendedAttributeForKey_(NSString receiver, NSString key);
 
-// Data by name, without those that read as nil; nil where there are no names at all.
+// The data of all attributes by name, without attributes whose data is nil; nil if the item has no attributes.
 NSMutableDictionary pxExtendedAttributes(NSString receiver);
-// Of these names; nil where none has data. What is no string in the array is left out.
+// The data of the attributes with these names, by name; nil if none of them has data. Elements that are no strings are
+// ignored.
 NSMutableDictionary pxExtendedAttributesForKeys_(NSString receiver, NSArray keys);
-// Each name's data. What is no data or no name is left out.
+// Sets each named attribute to its data. Entries whose key is no string or whose value is no data are ignored.
 void pxSetExtendedAttributes_(NSString receiver, NSDictionary attributes);
 
-// A property list in an attribute, in the binary format; mutable throughout when it is read. Nil for bytes that are no
-// property list.
+// The property list that the attribute holds, with mutable containers throughout; nil if there is none, or if its bytes
+// are no property list.
 id pxExtendedAttributeDictionaryForKey_(NSString receiver, NSString key);
-// Nil, and what is no property list, removes the attribute.
+// Writes the property list into the attribute, in the binary format. nil, and a value that is no property list, removes
+// the attribute.
 bool pxSetExtendedAttributeDictionary_forKey_(NSString receiver, id propertyList, NSString key);
-// The same under the identifier of the running program's bundle.
+// The property list in the attribute that has the identifier of the running program's bundle for its name; nil if there
+// is none.
 id pxExtendedAttributeDictionary(NSString receiver);
-// Nil removes it.
+// Writes the property list into the attribute that has the identifier of the running program's bundle for its name; nil
+// removes the attribute.
 void pxSetExtendedAttributeDictionary_(NSString receiver, id propertyList);
 
 } // namespace mac

@@ -16,21 +16,22 @@ namespace mac {
 // Deletes the item for good, a folder with all that is in it; a symbolic link itself. Nil on success, else the file
 // manager's message or "Could not delete file item.".
 NSString pxRemoveFile2(NSString receiver);
-// Deletes as above, without a message.
+// Deletes the item for good, a folder with all that is in it; a symbolic link itself. NO if that fails.
 bool pxRemoveFile(NSString receiver);
-// Deletes as above; YES if there is no item. A symbolic link that leads nowhere is one.
+// Deletes the item for good, a folder with all that is in it; YES if there is none. A symbolic link that leads nowhere
+// is an item.
 bool pxRemoveFileIfExists(NSString receiver);
-// Deletes the items at all paths as above, NSNull objects left out; NO if one could not be deleted, after the rest.
+// Deletes the items at all paths for good, NSNull objects left out; NO if one could not be deleted, after the rest.
 bool pxRemoveFiles(NSEnumerator receiver);
 
 // Asks the Finder to move the item to the trash; its path there. Nil if there is no item, which a symbolic link that
 // leads nowhere is not, and if it stays where it is.
 // Linux: a folder's path ends with a slash.
 NSString pxMoveToTrash(NSString receiver);
-// Asks the Finder to move the item into the folder; its new path as above. Nil if either does not exist or the folder
-// holds an item of the name.
+// Asks the Finder to move the item into the folder; its new path, which ends with a slash for a folder. Nil if either
+// does not exist or the folder holds an item of the name.
 NSString pxMoveToFolder_(NSString receiver, NSString folder);
-// Moves as above without the Finder.
+// Moves the item into the folder without the Finder; NO if that fails.
 bool pxMoveToFolder2_(NSString receiver, NSString folder);
 
 // Copies the item to the path, which names the copy itself and must be free. Nil on success, else the file manager's
@@ -56,7 +57,8 @@ NSString pxCreateUniqueFolder(NSString receiver);
 // Makes the folder, and those above it, each with the settable catalog information of the model or the one above that,
 // and unlocked. The folder gets the model's name, whatever the receiver's is. YES if something is there.
 bool pxCreateFolderWithAttributesFrom_(NSString receiver, NSString model);
-// Makes the folder as above under its own name, with those of the model's file attributes that have one of the keys.
+// Makes the folder under its own name, and those above it, each with those file attributes of the model, or of the one
+// above that, that have one of the keys. YES if something is there.
 bool pxCreateFolderWithAttributes_from_(NSString receiver, NSArray keys, NSString model);
 
 // Takes the owner's permission to write, and locks the item, each if YES; NO leaves it as it is. Links are not
@@ -72,8 +74,9 @@ bool pxSetFileAttributesFrom_(NSString receiver, NSString model);
 bool pxSetExtendedFileAttributesFrom_skipKeys_(NSString receiver, NSString model, id skipKeys);
 // Gives the item those of the model's file attributes that have one of the keys.
 bool pxSetFileAttributes_from_(NSString receiver, NSArray keys, NSString model);
-// Gives them to the item and, each from the folder above the model, to the folders above it, up to but without the stop
-// path, which is compared as text. NO at the first failure, and if the root is reached.
+// Gives the item those of the model's file attributes that have one of the keys and, each from the folder above the
+// model, to the folders above it, up to but without the stop path, which is compared as text. NO at the first failure,
+// and if the root is reached.
 bool pxSetFileAttributes_from_recurseUntilBeforeDstPath_(NSString receiver, NSArray keys, NSString model,
                                                          NSString stopPath);
 

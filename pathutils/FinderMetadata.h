@@ -14,7 +14,8 @@ namespace mac {
 // with NO the link itself is meant, and the answer is its type's. The last out-argument may be null. On failure the
 // reference is all zero and, with NO, the answer NO.
 bool KRPathGetFSRef_getIsDirectory_traverseLink_(NSString receiver, FSRef* ref, bool* isDirectory, BOOL traverseLink);
-// The same without that answer.
+// A reference to the item; a final symbolic link is followed with YES and not with NO. On failure the answer is NO
+// and the reference all zero.
 bool KRPathGetFSRef_traverseLink_(NSString receiver, FSRef* ref, BOOL traverseLink);
 // The folder that the item, links followed, lies in, and the item's name there; the item has to be there.
 bool KRPathGetParentFSRef_name_(NSString receiver, FSRef* parentRef, HFSUniStr255* name);
@@ -40,26 +41,28 @@ bool pxValenceOfPath_(NSString receiver, std::uint32_t* valence);
 bool pxFinderFlagsOfPath_(NSString receiver, std::uint16_t* flags);
 // Sets the bits of the mask to those of the flags. The bit 0x0100, on the desk, is cleared whatever is asked for.
 bool pxSetFinderFlagsOfPath_mask_(NSString receiver, std::uint16_t flags, std::uint16_t mask);
-// Flags, whether it is a folder, its icon and the number of its label; each may be null. The icon is the caller's to
-// release; null where it has none of its own and no label was asked for.
+// The Finder's flags of the item, whether it is a folder, its own icon and the number of its label; each pointer may be
+// null. The icon is the caller's to release; null where the item has none of its own and no label was asked for.
 bool pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(NSString receiver, std::uint16_t* flags, bool* isFolder,
                                                             IconRef* customIconRef, std::int16_t* labelIndex);
-// The same with the icon's pieces by their types; nil for an icon without data, and on failure.
+// The Finder's flags of the item, whether it is a folder, the pieces of its own icon by their types, and the number of
+// its label; each pointer may be null. nil for an icon without data, and on failure.
 bool pxFinderFlagsOfPath_isFolder_customIconData_labelIndex_(NSString receiver, std::uint16_t* flags, bool* isFolder,
                                                              NSDictionary* customIconData, std::int16_t* labelIndex);
 
 // The basic flags of Launch Services (ItemInformation.h).
 bool pxLSFlagsOfPath_(NSString receiver, std::uint32_t* flags);
-// The same and the name as people see it, whose pointer may be null. The flags are written even where the name cannot
-// be had.
+// The basic flags of Launch Services, and the item's name as people see it, whose pointer may be null. The flags are
+// written even where the name cannot be had.
 bool pxLSFlagsOfPath_displayName_(NSString receiver, std::uint32_t* flags, NSString* displayName);
-// The same by a URL that is that of a folder or is not, as said.
+// The basic flags of Launch Services and the name as people see it, by a URL that is a folder's if YES and a file's if
+// NO, whatever is there.
 bool pxLSFlagsOfPath_displayName_isDirectory_(NSString receiver, std::uint32_t* flags, NSString* displayName,
                                               BOOL isDirectory);
 
 // Asks the Finder to show the item as it is now; whether that could be sent.
 bool pxUpdatePathInFinder(NSString receiver);
-// The same for what the reference refers to; NO for null.
+// Asks the Finder to show the referenced item as it is now; whether that could be sent. NO for null.
 bool pxUpdatePathInFinder_(FSRef const* ref);
 
 } // namespace mac

@@ -21,7 +21,7 @@ public:
 
     // The dictionary of the last failure; nil until there is one.
     NSDictionary errorInfo() const;
-    // Keeps this dictionary instead; nil forgets the last failure.
+    // Replaces the dictionary of the last failure; nil forgets it.
     void setErrorInfo_(NSDictionary const& errorInfo) const;
 };
 

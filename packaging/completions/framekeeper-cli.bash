@@ -11,9 +11,9 @@ _framekeeper_cli() {
     done
     COMPREPLY=()
     if [[ $word == -* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "--json --null --yes --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "--json --null --csv --yes --help --version" -- "$word")
     elif [ -z "$verb" ]; then
-        mapfile -t COMPREPLY < <(compgen -W "list info reveal quit trash restore delete swap-icon login places" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "list info reveal quit trash restore delete swap-icon login places report" -- "$word")
     elif [ "$verb" = login ] && [ -z "$second" ]; then
         mapfile -t COMPREPLY < <(compgen -W "add remove" -- "$word")
     elif [ "$verb" = places ] && [ -z "$second" ]; then

@@ -38,11 +38,17 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
     for (Words const& words :
          {Words{}, Words{"frobnicate"}, Words{"list", "--all"}, Words{"list", "/a"}, Words{"trash"}, Words{"trash", ""},
           Words{"login", "/a"}, Words{"login", "add"}, Words{"places", "add", "/a"}, Words{"login", "add", "/a", "/b"},
-          Words{"trash", "--yes", "/a"}}) {
+          Words{"trash", "--yes", "/a"}, Words{"report"}, Words{"report", "--json", "/a"}, Words{"report", "-0", "/a"},
+          Words{"list", "--csv"}}) {
         auto const line = readCommandLine(words);
         ASSERT_FALSE(line.hasValue());
         EXPECT_FALSE(line.problem().reason.empty());
     }
+}
+
+TEST(CommandLine, ReadsTheFormsOfAReport) {
+    EXPECT_EQ(readCommandLine({"report", "/a", "/b"}).value().form, OutputForm::Table);
+    EXPECT_EQ(readCommandLine({"report", "--csv", "/a"}).value().form, OutputForm::CSV);
 }
 
 TEST(CommandLine, AnswersHelpAndVersionWhateverElseIsGiven) {

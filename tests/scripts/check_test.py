@@ -317,6 +317,9 @@ PLANTED = [
      "packaging/com.example.small.metainfo.xml.in:", "name"),
     ("package", [after("docs/man/small.1", 3, ".FROB\n")], "docs/man/small.1:4: ", "FROB"),
     ("package", [replace("packaging/icons/16.svg", "0 0 16 16", "0 0 48 48")], "packaging/icons/16.svg:1: ", "grid"),
+    ("package", [new("packaging/collection/galaxy.yml", "---\nnamespace: small\nname: collection\nversion: 1.0.0\n"),
+                 new("packaging/collection/playbooks/small.yml", "---\n- hosts: all\n  tasks: []\n")],
+     "packaging/collection/playbooks/small.yml:2: ", "name"),
     ("package", [replace("packaging/icons/16.svg", "/>", ">")], "packaging/icons/16.svg:2: ", "no element"),
 ]
 CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "tidy"]
