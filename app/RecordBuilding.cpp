@@ -6,8 +6,8 @@ namespace framekeeper {
 
 namespace {
 
-// All records share their keys: finding one by the very same string is quick, and a key of its own for each record
-// would take more memory than the rest of it.
+// Texts that are needed for each record. All records share their keys: finding one by the very same string is quick,
+// and a key of its own for each record would take more memory than the rest of it.
 struct RecordKeys {
     RecordKeys() {
         for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
@@ -20,6 +20,7 @@ struct RecordKeys {
         return keys;
     }
 
+    NSString companionIdentifier = CompanionIdentifier;
     NSString path = "path";
     NSString displayPath = "displayPath";
     NSString exists = "exists";
@@ -138,8 +139,7 @@ void RecordBuilder::addMissing(NSMutableSet const& records, NSSet const& diskPat
 }
 
 bool isCompanion(BundleLook const& look) {
-    NSString const identifier = as<NSString>(look.summary.identifier);
-    return look.exists && identifier.isEqualToString_(CompanionIdentifier);
+    return look.exists && look.summary.identifier.isEqual_(RecordKeys::shared().companionIdentifier);
 }
 
 } // namespace framekeeper

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/stat.h>
 #include <vector>
 
@@ -16,10 +17,11 @@
 // the main thread is held while a scan finds them, and reading their versions against Python's plistlib. Rounds take
 // turns.
 //
-// usage: inventory [COPIES]
+// usage: inventory [COPIES [versions|scan|batches]]
 
 using namespace framekeeper;
 using benchmarks::median;
+using benchmarks::processorSecondsOf;
 using benchmarks::secondsOf;
 
 namespace {
@@ -74,12 +76,12 @@ void measureBatches(std::vector<std::string> const& paths) {
         files.push_back(path + "/Contents/Info.plist");
     }
     controller.setIsOnHarddiskPaths_(found);
-    double const first = secondsOf([&] { controller.reSync(); });
+    double const first = processorSecondsOf([&] { controller.reSync(); });
     std::vector<double> ratios;
     std::vector<double> times;
     for (int round = 0; round < Rounds; ++round) {
-        double const calls = secondsOf([&] { statEach(files); });
-        times.push_back(secondsOf([&] { controller.reSync(); }));
+        double const calls = processorSecondsOf([&] { statEach(files); });
+        times.push_back(processorSecondsOf([&] { controller.reSync(); }));
         ratios.push_back(times.back() / calls);
     }
     std::printf("%zu copies: the first batch %.1f ms, each further one %.1f ms, %.2f times a status call for each path "
@@ -148,14 +150,16 @@ void measureVersions(mac::test::TemporaryFolder const& folder) {
 
 int main(int argc, char** argv) {
     int const count = argc > 1 ? std::atoi(argv[1]) : DefaultCopies;
+    std::string_view const part = argc > 2 ? argv[2] : "";
     if (count < 1) {
-        std::fprintf(stderr, "usage: inventory [COPIES]\n");
+        std::fprintf(stderr, "usage: inventory [COPIES [versions|scan|batches]]\n");
         return 2;
     }
+    auto const isAsked = [&part](std::string_view name) { return part.empty() || part == name; };
     mac::test::TemporaryFolder const folder;
     ::setenv("HOME", folder.path().c_str(), 1);
     std::vector<std::string> const paths = makeCopies(folder, count);
-    measureVersions(folder);
-    measureHolds(folder.path(), paths.size());
-    measureBatches(paths);
+    if (isAsked("versions")) measureVersions(folder);
+    if (isAsked("scan")) measureHolds(folder.path(), paths.size());
+    if (isAsked("batches")) measureBatches(paths);
 }

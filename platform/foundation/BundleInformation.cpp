@@ -9,10 +9,12 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <functional>
 #include <list>
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 namespace mac {
 
@@ -29,9 +31,9 @@ constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 constexpr std::size_t kMostRemembered = 4096;
 constexpr std::size_t kMostRememberedBytes = std::size_t{16} << 20;
 
-// A scan asks for the versions of all copies again and again; there may be 100,000. An entry without its dictionary has
-// less than a thousand bytes.
-constexpr std::size_t kMostSummaries = std::size_t{1} << 18;
+// A scan asks for the versions of all copies again and again; there may be 100,000. At least so many of the files read
+// last are known, and at most twice as many, at some 130 bytes each.
+constexpr std::size_t kMostKnown = std::size_t{1} << 18;
 // In code units. Longer values are read anew each time.
 constexpr std::size_t kLongestInSummary = 128;
 
@@ -41,12 +43,11 @@ constexpr std::int64_t kNanosecondsToSettle = 2'000'000'000;
 
 // Which file it is and in what state, or the error that its status gave.
 struct FileState {
-    std::size_t place{kPlaces.size()};
+    std::size_t place{0};
     // An errno value; 0 if the status is known.
     int error{0};
     FileStatus status{};
 
-    bool isFound() const { return place < kPlaces.size(); }
     bool operator==(FileState const&) const = default;
 };
 
@@ -54,20 +55,19 @@ std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
     return BytePath(bundlePath).joined(kPlaces[place]);
 }
 
-FileState findFile(std::string_view bundlePath) {
-    FileState state;
-    for (state.place = 0; state.isFound(); ++state.place) {
-        Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, state.place));
-        if (status.hasValue()) {
-            state.status = status.value();
-            return state;
-        }
-        if (!status.problem().is(ENOENT) && !status.problem().is(ENOTDIR)) {
-            state.error = status.problem().code;
-            return state;
-        }
-    }
-    return state;
+// Nothing if there is no file at the place.
+std::optional<FileState> fileAtPlace(std::string_view bundlePath, std::size_t place) {
+    Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, place));
+    if (status.hasValue()) return FileState{.place = place, .status = status.value()};
+    if (status.problem().is(ENOENT) || status.problem().is(ENOTDIR)) return std::nullopt;
+    return FileState{.place = place, .error = status.problem().code};
+}
+
+std::optional<FileState> findFile(std::string_view bundlePath, std::size_t firstPlace = 0) {
+    std::optional<FileState> found;
+    for (std::size_t place = firstPlace; place < kPlaces.size() && !found; ++place)
+        found = fileAtPlace(bundlePath, place);
+    return found;
 }
 
 // Why the file cannot be read, as the log tells it.
@@ -138,62 +138,156 @@ BundleSummary summaryOf(NSDictionary const& information) {
             information.objectForKey_(keys.shortVersion)};
 }
 
+// Most of many copies are of a few versions. One object for each text takes less memory, and is at hand when the
+// summaries are compared.
+class RecentTexts {
+public:
+    // An equal text that was given before, else the value.
+    id shared(id const& value) {
+        NSString const text = as<NSString>(value);
+        if (text == nil) return value;
+        NSString& recent = m_texts[text.hash() % m_texts.size()];
+        if (!recent.isEqual_(text)) recent = text;
+        return recent;
+    }
+
+private:
+    std::array<NSString, 61> m_texts;
+};
+
 // The summary to keep; nullopt if a value is too large, or of a class that tells no version.
-std::optional<BundleSummary> keptSummaryOf(NSDictionary const& information) {
+std::optional<BundleSummary> keptSummaryOf(NSDictionary const& information, RecentTexts& texts) {
     BundleSummary const summary = summaryOf(information);
     bool const fits =
         fitsSummary(summary.identifier) && fitsSummary(summary.version) && fitsSummary(summary.shortVersion);
-    return fits ? std::optional(summary) : std::nullopt;
+    if (!fits) return std::nullopt;
+    return BundleSummary{texts.shared(summary.identifier), texts.shared(summary.version),
+                         texts.shared(summary.shortVersion)};
 }
 
 std::int64_t now() { return std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count(); }
 
-// What was read of the bundles asked for last, and the state of the files it was read from. Whole dictionaries are
-// given up much sooner than summaries.
-class InformationCache {
+// What was read of a file: the state it was in, and the summary.
+struct KnownFile {
+    FileState state{};
+    // False while the file may change again without a new time of change, and for an error that may pass.
+    bool isSettled{false};
+    // Nothing if the values are too large.
+    std::optional<BundleSummary> summary{};
+
+    bool isCurrent(FileState const& now) const { return isSettled && state == now; }
+};
+
+// The files of the bundles asked for last, by a hash of the bundle's path. The path itself is not kept: two files are
+// told apart by their states. A look-up thus touches little memory, which is what it costs with 100,000 bundles.
+class KnownFiles {
 public:
-    NSDictionary informationOf(std::string_view bundlePath) {
-        FileState state = findFile(bundlePath);
-        Entry* const known = find(bundlePath);
-        if (!state.isFound()) return forgetMissing(known);
-        if (known && known->isCurrent(state) && known->information != nil) {
-            m_whole.splice(m_whole.begin(), m_whole, known->place);
-            return known->information;
-        }
-        return readAnew(bundlePath, state, Keep::Whole);
+    // Null if nothing is known. Valid until the next call.
+    KnownFile const* find(std::uint64_t pathHash) {
+        auto const recent = m_recent.find(pathHash);
+        if (recent != m_recent.end()) return &recent->second;
+        auto earlier = m_earlier.extract(pathHash);
+        if (earlier.empty()) return nullptr;
+        makeRoom();
+        return &m_recent.insert(std::move(earlier)).position->second;
     }
 
-    BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
-        Entry* const known = find(bundlePath);
-        if (known && known->isCurrent(state) && known->summary) return *known->summary;
-        return summaryOf(readAnew(bundlePath, state, Keep::Summary));
+    void remember(std::uint64_t pathHash, KnownFile file) {
+        forget(pathHash);
+        makeRoom();
+        m_recent.emplace(pathHash, std::move(file));
+    }
+
+    void forget(std::uint64_t pathHash) {
+        m_recent.erase(pathHash);
+        m_earlier.erase(pathHash);
     }
 
 private:
-    struct Entry;
-    using Place = std::list<Entry>::iterator;
+    using Files = std::unordered_map<std::uint64_t, KnownFile>;
 
-    struct Entry {
-        std::string bundlePath;
-        FileState state;
-        // False while the file may change again without a new time of change, and for an error that may pass.
-        bool isSettled{false};
-        // Nothing if the values are too large.
-        std::optional<BundleSummary> summary{};
-        // Nil if only the summary is remembered.
-        NSDictionary information{};
-        // In the list of entries with information.
-        std::list<Place>::iterator place{};
+    // Forgets those that were not asked for since as many others were.
+    void makeRoom() {
+        if (m_recent.size() == kMostKnown) m_earlier = std::exchange(m_recent, {});
+    }
 
-        bool isCurrent(FileState const& now) const { return isSettled && state == now; }
+    Files m_recent;
+    Files m_earlier;
+};
+
+// Whole dictionaries, which are given up much sooner than what is known of their files.
+class WholeInformation {
+public:
+    // The dictionary, which becomes the one asked for last; nil if there is none.
+    NSDictionary find(std::uint64_t pathHash) {
+        auto const found = m_places.find(pathHash);
+        if (found == m_places.end()) return nil;
+        m_entries.splice(m_entries.begin(), m_entries, found->second);
+        return found->second->information;
+    }
+
+    void remember(std::uint64_t pathHash, NSDictionary const& information, std::uint64_t fileSize) {
         // What cannot be used takes no room.
-        std::size_t size() const { return information.count() > 0 ? state.status.size : 0; }
+        m_entries.push_front({pathHash, information, information.count() > 0 ? fileSize : 0});
+        m_places[pathHash] = m_entries.begin();
+        m_size += m_entries.front().size;
+        while (m_entries.size() > kMostRemembered || m_size > kMostRememberedBytes)
+            forget(m_entries.back().pathHash);
+    }
+
+    void forget(std::uint64_t pathHash) {
+        auto const found = m_places.find(pathHash);
+        if (found == m_places.end()) return;
+        m_size -= found->second->size;
+        m_entries.erase(found->second);
+        m_places.erase(found);
+    }
+
+private:
+    struct Entry {
+        std::uint64_t pathHash;
+        NSDictionary information;
+        // In bytes of the file.
+        std::uint64_t size;
     };
 
-    enum class Keep { Summary, Whole };
+    // The one asked for last comes first.
+    std::list<Entry> m_entries;
+    std::unordered_map<std::uint64_t, std::list<Entry>::iterator> m_places;
+    std::uint64_t m_size{0};
+};
 
-    NSDictionary readAnew(std::string_view bundlePath, FileState state, Keep keep) {
-        Entry* const known = find(bundlePath);
+std::uint64_t hashOfPath(std::string_view path) { return std::hash<std::string_view>()(path); }
+
+class InformationCache {
+public:
+    NSDictionary informationOf(std::string_view bundlePath) {
+        std::optional<FileState> state = findFile(bundlePath);
+        std::uint64_t const hash = hashOfPath(bundlePath);
+        if (!state) {
+            m_known.forget(hash);
+            m_whole.forget(hash);
+            return NSDictionary::dictionary();
+        }
+        KnownFile const* const known = m_known.find(hash);
+        NSDictionary const whole = known && known->isCurrent(*state) ? m_whole.find(hash) : NSDictionary();
+        if (whole != nil) return whole;
+        NSDictionary const information = readAnew(bundlePath, *state);
+        m_whole.remember(hash, information, state->status.size);
+        return information;
+    }
+
+    BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
+        KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
+        if (known && known->isCurrent(state) && known->summary) return *known->summary;
+        return summaryOf(readAnew(bundlePath, state));
+    }
+
+private:
+    // The state becomes the one that the file was read in.
+    NSDictionary readAnew(std::string_view bundlePath, FileState& state) {
+        std::uint64_t const hash = hashOfPath(bundlePath);
+        KnownFile const* const known = m_known.find(hash);
         bool const isTold = known && known->state == state;
         std::int64_t const start = now();
         std::string const path = pathOfPlace(bundlePath, state.place);
@@ -201,66 +295,18 @@ private:
         if (!read.hasValue() && !isTold)
             NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
                   joinedLines(read.problem().reason));
-        if (known) forget(m_entries.begin());
+        m_whole.forget(hash);
         NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
         bool const isLasting = read.hasValue() || read.problem().isLasting;
-        remember({.bundlePath = std::string(bundlePath),
-                  .state = state,
-                  .isSettled = isLasting && start - state.status.modified > kNanosecondsToSettle,
-                  .summary = keptSummaryOf(information)});
-        if (keep == Keep::Whole) rememberWhole(m_entries.begin(), information);
+        m_known.remember(hash, {.state = state,
+                                .isSettled = isLasting && start - state.status.modified > kNanosecondsToSettle,
+                                .summary = keptSummaryOf(information, m_texts)});
         return information;
     }
 
-    NSDictionary forgetMissing(Entry const* known) {
-        if (known) forget(m_entries.begin());
-        return NSDictionary::dictionary();
-    }
-
-    // Makes it the one asked for last.
-    Entry* find(std::string_view bundlePath) {
-        auto const found = m_places.find(bundlePath);
-        if (found == m_places.end()) return nullptr;
-        m_entries.splice(m_entries.begin(), m_entries, found->second);
-        return &m_entries.front();
-    }
-
-    void remember(Entry entry) {
-        m_entries.push_front(std::move(entry));
-        m_places.emplace(m_entries.front().bundlePath, m_entries.begin());
-        while (m_entries.size() > kMostSummaries)
-            forget(std::prev(m_entries.end()));
-    }
-
-    void rememberWhole(Place entry, NSDictionary const& information) {
-        entry->information = information;
-        m_whole.push_front(entry);
-        entry->place = m_whole.begin();
-        m_size += entry->size();
-        while (m_whole.size() > kMostRemembered || m_size > kMostRememberedBytes)
-            forgetWhole(*m_whole.back());
-    }
-
-    void forgetWhole(Entry& entry) {
-        if (entry.information == nil) return;
-        m_size -= entry.size();
-        m_whole.erase(entry.place);
-        entry.information = nil;
-    }
-
-    void forget(Place place) {
-        forgetWhole(*place);
-        m_places.erase(place->bundlePath);
-        m_entries.erase(place);
-    }
-
-    // The one asked for last comes first.
-    std::list<Entry> m_entries;
-    // Those with information, likewise.
-    std::list<Place> m_whole;
-    // The keys are the entries' own texts.
-    std::unordered_map<std::string_view, Place> m_places;
-    std::size_t m_size{0};
+    KnownFiles m_known;
+    RecentTexts m_texts;
+    WholeInformation m_whole;
 };
 
 InformationCache& sharedInformation() {
@@ -276,14 +322,16 @@ NSDictionary informationOfBundle(std::string_view bundlePath) { return sharedInf
 BundleLook lookAtBundle(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes || bytes->empty()) return {};
-    FileState const state = findFile(*bytes);
-    // A file that was found lies in a folder at the path.
-    if (!state.isFound() || state.error != 0) {
+    std::optional<FileState> file = fileAtPlace(*bytes, 0);
+    if (!file || file->error != 0) {
         Result<FileStatus> const status = fileStatusAtPath(*bytes);
         bool const isFolder = status.hasValue() && status.value().kind == FileStatus::Kind::Folder;
-        if (!state.isFound() || !isFolder) return {.exists = status.hasValue()};
+        if (!isFolder) return {.exists = status.hasValue()};
+        if (!file) file = findFile(*bytes, 1);
+        if (!file) return {.exists = true};
     }
-    return {.exists = true, .summary = sharedInformation().summaryOfFileAt(*bytes, state)};
+    // A file that was found lies in a folder at the path.
+    return {.exists = true, .summary = sharedInformation().summaryOfFileAt(*bytes, *file)};
 }
 
 } // namespace mac

@@ -119,12 +119,10 @@ std::string utf8FromUnits(std::u16string_view units) {
 }
 
 std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units) {
-    std::string bytes;
-    bytes.reserve(units.size());
     // Most paths are ASCII as a whole.
     auto const* const other = std::ranges::find_if(units, [](char16_t unit) { return unit == 0 || unit >= 0x80; });
-    std::ranges::transform(units.begin(), other, std::back_inserter(bytes),
-                           [](char16_t unit) { return static_cast<char>(unit); });
+    std::string bytes(units.begin(), other);
+    bytes.reserve(units.size());
     bool hasLoneSurrogate = false;
     for (std::size_t index = bytes.size(); index < units.size();) {
         char32_t const codePoint = codePointAt(units, index);

@@ -80,6 +80,14 @@ public:
     // A table of the entries alone, without the places of removed ones.
     HashedEntries compact() const {
         HashedEntries copy;
+        if (m_count == m_entries.size()) {
+            copy.m_entries = m_entries;
+            copy.m_slots = m_slots;
+            copy.m_mask = m_mask;
+            copy.m_count = m_count;
+            copy.m_changes = static_cast<std::uint32_t>(m_count);
+            return copy;
+        }
         copy.m_entries.reserve(m_count);
         copy.reserve(m_count);
         for (Entry const& entry : m_entries) {

@@ -56,8 +56,9 @@ struct BundleLook {
 
 // The same answers as NSFileManager's fileExistsAtPath: and those of a bundle with the path for CFBundleIdentifier,
 // CFBundleVersion and CFBundleShortVersionString. A file that has been read and has not changed since takes its status
-// alone: one system call for each of the four places up to the one it lies in, and one more for an item without such a
-// file. Summaries of the last 262,144 bundles are remembered. Main thread.
+// alone: one system call if it lies in Contents, one for the path and one for each further place if it does not, and
+// two if there is no folder at the path. What was read of the last 262,144 bundles is remembered, twice as many at
+// most. Main thread.
 BundleLook lookAtBundle(NSString const& path);
 
 // For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it

@@ -36,10 +36,11 @@ private:
 thread_local bool RecentKeys::s_areGone = false;
 
 void store(HashedEntries& entries, id const& key, id const& value) {
-    if (value == nil)
-        entries.remove(key);
-    else
-        entries.set(RecentKeys::sharedKey(key.copy()), value);
+    if (value == nil) return entries.remove(key);
+    // A key that is there stays; copying another one for it would be in vain.
+    HashedEntries::Entry const* const existing = entries.find(key);
+    id const kept = existing ? existing->key : RecentKeys::sharedKey(key.copy());
+    entries.set(kept, value);
 }
 
 // Observers of a dictionary see each key that is set, however it is set. Without observers this costs nothing.

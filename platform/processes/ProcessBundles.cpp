@@ -70,8 +70,10 @@ std::optional<ProgramFile> ProcessBundles::scriptFile(RunningProcess const& proc
         return ProgramFile{*path, *identity, true};
     // The arguments tell what was called once, the interpreter's open file tells what runs.
     std::string_view const place = placeInBundle(path ? *path : script);
+    // Without a place to compare with, no file that it has open could be the one.
+    if (!seen && place.empty()) return identity ? std::optional(ProgramFile{*path, *identity, true}) : std::nullopt;
     std::optional<ProgramFile> const open = openFileInBundle(process, [&](ProgramFile const& file) {
-        return seen ? file.identity == seen->program.identity : !place.empty() && placeInBundle(file.path) == place;
+        return seen ? file.identity == seen->program.identity : placeInBundle(file.path) == place;
     });
     if (open) return open;
     if (!seen) return identity ? std::optional(ProgramFile{*path, *identity, true}) : std::nullopt;
