@@ -98,6 +98,35 @@ TEST(Program, RefusesWordsThatAreNoOptions) {
 
 using namespace mac;
 
+// Opens the window on an empty disk and asks the program to quit once it is there; the exit status.
+int statusOfOpening() {
+    mac::test::TemporaryFolder const home;
+    mac::test::EnvironmentVariable const homeVariable("HOME", home.path());
+    mac::test::EnvironmentVariable const platform("QT_QPA_PLATFORM", "offscreen");
+    mac::test::EnvironmentVariable const narrowed("FRAMEKEEPER_LOCAL_COMPUTER", home.path());
+    mac::test::ChildProcess program({PROGRAM});
+    ProcessSerialNumber psn;
+    EXPECT_EQ(GetProcessForPID(program.pid(), &psn), noErr);
+    std::int32_t pid = 0;
+    OSStatus status = noErr;
+    do
+        status = sendEvent(psn, kCoreEventClass, kAEOpenApplication);
+    while (status != noErr && GetProcessPID(&psn, &pid) == noErr);
+    EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEQuitApplication), noErr);
+    return program.wait();
+}
+
+TEST(Program, OpensWithASettingsFolderThatCannotBeMade) {
+    mac::test::EnvironmentVariable const settings("XDG_CONFIG_HOME", "/dev/null/settings");
+    EXPECT_EQ(statusOfOpening(), 0);
+}
+
+TEST(Program, OpensWithALocaleThatDoesNotExist) {
+    mac::test::EnvironmentVariable const locale("LC_ALL", "xx_YY.NONE");
+    mac::test::EnvironmentVariable const language("LANGUAGE", "zz");
+    EXPECT_EQ(statusOfOpening(), 0);
+}
+
 TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {
     mac::test::TemporaryFolder const home;
     mac::test::EnvironmentVariable const homeVariable("HOME", home.path());

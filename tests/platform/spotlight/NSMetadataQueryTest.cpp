@@ -163,6 +163,10 @@ TEST_F(MetadataQuery, CountsTheFoldersThatItCannotReadAndNamesOne) {
     ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path("gone").c_str(), 1);
     ASSERT_TRUE(gather());
     EXPECT_EQ(query.unreadableFolderCount(), 1U);
+    ASSERT_EQ(query.unreadableFolders().count(), 1U);
+    id const unreadable = query.unreadableFolders().objectAtIndex_(0);
+    EXPECT_FALSE(as<NSString>(unreadable.valueForKey_("path")).length() == 0);
+    EXPECT_FALSE(as<NSString>(unreadable.valueForKey_("reason")).length() == 0);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_NE(lines[0].find(folder.path("gone")), std::string::npos);
     EXPECT_FALSE(bodyOf(recorder)->changedKeys.empty());
