@@ -3,14 +3,12 @@
 #include "platform/appkit/NSApplication.h"
 #include "platform/foundation/Method.h"
 #include "platform/foundation/NSSortDescriptor.h"
-#include "platform/preferences/NSUserDefaults.h"
-#include "platform/system/SystemError.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
+#include "tests/app/OpenedWindow.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"
-#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QHeaderView>
@@ -20,7 +18,6 @@
 #include <QTest>
 #include <QToolBar>
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -31,72 +28,6 @@ namespace framekeeper::test {
 namespace {
 
 using mac::test::EnvironmentVariable;
-
-enum Column { Version, Path, Exists, Running, LoginItem, InToolbar };
-
-class Window : public OnlyOwnCopies {
-protected:
-    void SetUp() override {
-        OnlyOwnCopies::SetUp();
-        NSApplication::sharedApplication();
-        ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path().c_str(), 1);
-    }
-    void TearDown() override {
-        if (m_file) controller().query().stopQuery();
-        ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
-    }
-
-    void open() {
-        auto loaded = InterfaceFile::load(NSString::stringWithUTF8String_(MAIN_MENU));
-        ASSERT_TRUE(std::holds_alternative<std::unique_ptr<InterfaceFile>>(loaded)) << std::get<std::string>(loaded);
-        m_file = std::move(std::get<std::unique_ptr<InterfaceFile>>(loaded));
-        m_file->window().makeKeyAndOrderFront_(nil);
-    }
-    // Opens the window, shows the one copy and closes it.
-    void useToTheEnd() {
-        open();
-        ASSERT_TRUE(gathered());
-        EXPECT_EQ(table()->model()->rowCount(), 1);
-        controller().query().stopQuery();
-        m_file.reset();
-    }
-    bool gathered() const {
-        return runUntil([this] { return !controller().query().isGathering(); });
-    }
-
-    AppController controller() const { return as<AppController>(m_file->controller()); }
-    template <class Widget>
-    Widget* find(char const* name) const {
-        return m_file->widget()->findChild<Widget*>(name);
-    }
-    QTableView* table() const { return find<QTableView>("pathsTable"); }
-    QVariant cell(int row, int column, int role = Qt::DisplayRole) const {
-        return table()->model()->index(row, column).data(role);
-    }
-    std::string cellText(int row, int column) const { return cell(row, column).toString().toStdString(); }
-    std::vector<std::string> columnTexts(int column) const {
-        std::vector<std::string> texts;
-        for (int row = 0; row < table()->model()->rowCount(); ++row)
-            texts.push_back(cellText(row, column));
-        return texts;
-    }
-    std::vector<std::string> selectedPaths() const {
-        std::vector<std::string> paths;
-        for (id const& record : controller().pathsArrayController().selectedObjects())
-            paths.push_back(text(record.valueForKey_("path")));
-        return paths;
-    }
-    void clickHeader(int column) const {
-        QHeaderView* const header = table()->horizontalHeader();
-        QPoint const place(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                           header->height() / 2);
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, place);
-    }
-    void trigger(char const* name) const { find<QAction>(name)->trigger(); }
-
-    TemporaryFolder m_folder;
-    std::unique_ptr<InterfaceFile> m_file;
-};
 
 double luminance(QColor const& color) {
     auto const linear = [](double part) {
@@ -338,75 +269,6 @@ TEST_F(Window, ShowsBytesThatAreNoTextWithoutLosingThem) {
     ASSERT_EQ(table()->model()->rowCount(), 1);
     EXPECT_NE(cell(0, Path).toString().indexOf(QChar(0xFFFD)), -1);
     EXPECT_TRUE(recordOf(controller(), path).valueForKey_("path").isEqual_(path));
-}
-
-TEST_F(Window, ShowsTheDetailsOfTheSelectedCopyBesideTheTable) {
-    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
-    NSString const path = makeCopy(m_folder, "a");
-    makeCopy(m_folder, "b");
-    open();
-    ASSERT_TRUE(gathered());
-    auto* const pane = find<QWidget>("detailsPanel");
-    EXPECT_FALSE(pane->isVisible());
-    trigger("detailsAction");
-    EXPECT_TRUE(pane->isVisible());
-    EXPECT_TRUE(find<QAction>("detailsAction")->isChecked());
-    EXPECT_TRUE(find<QLabel>("noDetails")->isVisible());
-    table()->selectRow(0);
-    EXPECT_FALSE(find<QLabel>("noDetails")->isVisible());
-    EXPECT_EQ(find<QLabel>("pathDetail")->text().toStdString(), text(path));
-    EXPECT_EQ(find<QLabel>("versionDetail")->text(), "2.1 (210)");
-    EXPECT_FALSE(find<QLabel>("detailsIcon")->pixmap().isNull());
-    ASSERT_TRUE(runUntil([&] { return find<QLabel>("sizeDetail")->text().contains("item"); }));
-    QTest::mouseClick(find<QAbstractButton>("compareButton"), Qt::LeftButton);
-    auto* const equal = find<QLabel>("equalCopiesDetail");
-    EXPECT_TRUE(runUntil([&] { return equal->text().toStdString() == m_folder.path("b/Mirror Frame.app"); }));
-    // Another start shows them again.
-    controller().query().stopQuery();
-    open();
-    EXPECT_TRUE(find<QWidget>("detailsPanel")->isVisible());
-    trigger("detailsAction");
-    EXPECT_FALSE(find<QWidget>("detailsPanel")->isVisible());
-    EXPECT_FALSE(find<QAction>("detailsAction")->isChecked());
-    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
-}
-
-TEST_F(Window, ListsTheFoldersThatCouldNotBeReadWithTheReason) {
-    std::string const missing = m_folder.path("missing");
-    EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);
-    open();
-    ASSERT_TRUE(gathered());
-    auto* const button = find<QAbstractButton>("unreadableButton");
-    auto* const panel = find<QWidget>("unreadablePanel");
-    ASSERT_TRUE(button->isVisible());
-    EXPECT_FALSE(panel->isVisible());
-    QTest::mouseClick(button, Qt::LeftButton);
-    EXPECT_TRUE(panel->isVisible());
-    EXPECT_TRUE(button->isChecked());
-    QAbstractItemModel const* const folders = find<QTableView>("unreadableTable")->model();
-    ASSERT_EQ(folders->rowCount(), 1);
-    EXPECT_EQ(folders->index(0, 0).data().toString().toStdString(), missing);
-    EXPECT_EQ(folders->index(0, 1).data().toString().toStdString(), textOfSystemError(ENOENT));
-    QTest::mouseClick(find<QAbstractButton>("closeUnreadableButton"), Qt::LeftButton);
-    EXPECT_FALSE(panel->isVisible());
-    EXPECT_FALSE(button->isChecked());
-}
-
-TEST_F(Window, SaysHowTheDiskDiffersFromTheScanAndScansAgain) {
-    makeCopy(m_folder, "a");
-    makeCopy(m_folder, "b");
-    open();
-    ASSERT_TRUE(gathered());
-    auto* const line = find<QLabel>("changesLabel");
-    EXPECT_FALSE(line->isVisible());
-    std::filesystem::rename(m_folder.path("a/Mirror Frame.app"), m_folder.path("a/Other.app"));
-    ASSERT_TRUE(runUntil([&] { return line->isVisible(); }));
-    EXPECT_EQ(line->text(), "1 gone since the scan.");
-    EXPECT_EQ(table()->model()->rowCount(), 2) << "the inventory stays";
-    QTest::mouseClick(find<QAbstractButton>("scanAgainLink"), Qt::LeftButton);
-    ASSERT_TRUE(gathered());
-    EXPECT_FALSE(line->isVisible());
-    EXPECT_EQ(table()->model()->rowCount(), 1);
 }
 
 TEST_F(Window, EndsTheProgramWhenItIsClosed) {

@@ -1,0 +1,39 @@
+#include "app/DetailFacts.h"
+#include "platform/foundation/NSNumber.h"
+#include "tests/app/Controller.h"
+#include "tests/support/Companion.h"
+#include <gtest/gtest.h>
+
+namespace framekeeper::test {
+namespace {
+
+TEST(DetailFacts, AreReadFromTheDisk) {
+    TemporaryFolder const folder;
+    DiskFacts const facts = diskFactsOf(folder.path());
+    ASSERT_FALSE(facts.modified == nil);
+    EXPECT_LT(facts.modified.timeIntervalSinceNow(), 60);
+    EXPECT_GT(facts.modified.timeIntervalSinceNow(), -3600);
+    EXPECT_EQ(text(facts.volumePath).substr(0, 1), "/");
+}
+
+TEST(DetailFacts, AreNotKnownOfWhatIsNotThere) {
+    TemporaryFolder const folder;
+    DiskFacts const facts = diskFactsOf(folder.path("missing"));
+    EXPECT_TRUE(facts.created == nil);
+    EXPECT_TRUE(facts.modified == nil);
+    EXPECT_TRUE(facts.volumePath == nil);
+}
+
+TEST(DetailFacts, OfTheSessionAreNoneForARecordWithoutAProcessAnEntryOrAPlace) {
+    SessionFacts const none = sessionFactsOf(nil);
+    EXPECT_FALSE(none.process.has_value());
+    SessionFacts const facts =
+        sessionFactsOf(NSDictionary::dictionaryWithObjectsAndKeys_({"/a/Mirror Frame.app", "path"}));
+    EXPECT_FALSE(facts.process.has_value());
+    EXPECT_TRUE(facts.program == nil);
+    EXPECT_TRUE(facts.loginItemFile == nil);
+    EXPECT_TRUE(facts.placeFile == nil);
+}
+
+} // namespace
+} // namespace framekeeper::test

@@ -1,0 +1,84 @@
+#include "platform/preferences/NSUserDefaults.h"
+#include "platform/system/SystemError.h"
+#include "tests/app/OpenedWindow.h"
+#include <QAbstractButton>
+#include <QLabel>
+#include <cerrno>
+#include <filesystem>
+
+// What the program's own window shows beside its table.
+
+namespace framekeeper::test {
+namespace {
+
+TEST_F(Window, ShowsTheDetailsOfTheSelectedCopyBesideTheTable) {
+    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
+    NSString const path = makeCopy(m_folder, "a");
+    makeCopy(m_folder, "b");
+    open();
+    ASSERT_TRUE(gathered());
+    auto* const pane = find<QWidget>("detailsPanel");
+    EXPECT_FALSE(pane->isVisible());
+    trigger("detailsAction");
+    EXPECT_TRUE(pane->isVisible());
+    EXPECT_TRUE(find<QAction>("detailsAction")->isChecked());
+    EXPECT_TRUE(find<QLabel>("noDetails")->isVisible());
+    table()->selectRow(0);
+    EXPECT_FALSE(find<QLabel>("noDetails")->isVisible());
+    EXPECT_EQ(find<QLabel>("pathDetail")->text().toStdString(), text(path));
+    EXPECT_EQ(find<QLabel>("versionDetail")->text(), "2.1 (210)");
+    EXPECT_FALSE(find<QLabel>("detailsIcon")->pixmap().isNull());
+    ASSERT_TRUE(runUntil([&] { return find<QLabel>("sizeDetail")->text().contains("item"); }));
+    QTest::mouseClick(find<QAbstractButton>("compareButton"), Qt::LeftButton);
+    auto* const equal = find<QLabel>("equalCopiesDetail");
+    EXPECT_TRUE(runUntil([&] { return equal->text().toStdString() == m_folder.path("b/Mirror Frame.app"); }));
+    // Another start shows them again.
+    controller().query().stopQuery();
+    open();
+    EXPECT_TRUE(find<QWidget>("detailsPanel")->isVisible());
+    trigger("detailsAction");
+    EXPECT_FALSE(find<QWidget>("detailsPanel")->isVisible());
+    EXPECT_FALSE(find<QAction>("detailsAction")->isChecked());
+    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
+}
+
+TEST_F(Window, ListsTheFoldersThatCouldNotBeReadWithTheReason) {
+    std::string const missing = m_folder.path("missing");
+    mac::test::EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);
+    open();
+    ASSERT_TRUE(gathered());
+    auto* const button = find<QAbstractButton>("unreadableButton");
+    auto* const panel = find<QWidget>("unreadablePanel");
+    ASSERT_TRUE(button->isVisible());
+    EXPECT_FALSE(panel->isVisible());
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_TRUE(button->isChecked());
+    QAbstractItemModel const* const folders = find<QTableView>("unreadableTable")->model();
+    ASSERT_EQ(folders->rowCount(), 1);
+    EXPECT_EQ(folders->index(0, 0).data().toString().toStdString(), missing);
+    EXPECT_EQ(folders->index(0, 1).data().toString().toStdString(), textOfSystemError(ENOENT));
+    QTest::mouseClick(find<QAbstractButton>("closeUnreadableButton"), Qt::LeftButton);
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_FALSE(button->isChecked());
+}
+
+TEST_F(Window, SaysHowTheDiskDiffersFromTheScanAndScansAgain) {
+    makeCopy(m_folder, "a");
+    makeCopy(m_folder, "b");
+    open();
+    ASSERT_TRUE(gathered());
+    auto* const line = find<QLabel>("changesLabel");
+    EXPECT_FALSE(line->isVisible());
+    std::filesystem::rename(m_folder.path("a/Mirror Frame.app"), m_folder.path("a/Other.app"));
+    ASSERT_TRUE(runUntil([&] { return line->isVisible(); }));
+    EXPECT_EQ(line->text(), "1 gone since the scan.");
+    EXPECT_EQ(table()->model()->rowCount(), 2) << "the inventory stays";
+    QTest::mouseClick(find<QAbstractButton>("scanAgainLink"), Qt::LeftButton);
+    ASSERT_TRUE(gathered());
+    EXPECT_FALSE(line->isVisible());
+    EXPECT_EQ(table()->model()->rowCount(), 1);
+}
+
+} // namespace
+} // namespace framekeeper::test
