@@ -34,6 +34,8 @@ ClassDescription Panes::describeClass() {
     };
 }
 
+Panes Panes::make() { return adopt<Panes>(); }
+
 bool Panes::showsDetails() const { return *this != nil && bodyOf(*this)->showsDetails; }
 
 bool Panes::showsUnreadableFolders() const { return *this != nil && bodyOf(*this)->showsUnreadableFolders; }

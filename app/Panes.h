@@ -15,6 +15,8 @@ public:
 
     static ClassDescription describeClass();
 
+    static Panes make();
+
     // Remembered in the user's defaults under "ShowsDetails".
     bool showsDetails() const;
     // The folders that could not be read; hidden at each start.

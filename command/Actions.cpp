@@ -1,9 +1,12 @@
 #include "command/Actions.h"
+#include "app/IconSwap.h"
 #include "platform/files/Trash.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/StandardStreams.h"
 #include "platform/system/items/ItemRemoval.h"
+#include "scripting/ProcessesAndFinder.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -19,16 +22,7 @@ int beepsOf(Copies const& copies, Action action) {
     return beepsDuring([&] { (copies.controller().*action)(nil); });
 }
 
-// The path at which the controller knows the one copy on the disk after an action, without the slash that the path of a
-// trashed folder ends with.
-NSString pathOnDisk(Copies const& copies) {
-    NSArray const paths = copies.controller().isOnHarddiskPaths().allObjects();
-    if (paths.count() != 1) return nil;
-    std::string const bytes = bytesOfPath(as<NSString>(paths.objectAtIndex_(0)));
-    return NSString::stringWithFileSystemRepresentation_(BytePath(bytes).bytes());
-}
-
-Outcome noSuchCopy(NSString const& path, char const* reason = "no copy of Mirror Frame is there") {
+Outcome noSuchCopy(NSString const& path, char const* reason = localizable("no copy of Mirror Frame is there")) {
     return {.path = path, .status = Status::NoSuchCopy, .reason = NSString::stringWithUTF8String_(reason)};
 }
 
@@ -37,7 +31,18 @@ Outcome failed(NSString const& path, std::string const& reason) {
 }
 
 // An action on a selection that is not the record of the path would be one on another copy, or none.
-Outcome notSelected(NSString const& path) { return failed(path, "it has left the list meanwhile"); }
+Outcome notSelected(NSString const& path) { return failed(path, localizable("it has left the list meanwhile")); }
+
+// Opens the copy at the path if it is that very item; the outcome says why it is not. What is done to the open item is
+// done to no other one, whatever takes its place.
+Result<OpenItem, Outcome> openCopy(NSString const& path, std::optional<ItemIdentity> const& wanted) {
+    Result<OpenItem> item = openCopyAt(path);
+    if (!wanted || !item.hasValue()) return noSuchCopy(path);
+    Result<IdentifiedItem> const identified = identify(item.value().item);
+    if (!identified.hasValue()) return failed(path, identified.problem().text());
+    if (identified.value().identity != *wanted) return failed(path, localizable("another copy has taken its place"));
+    return item.takeValue();
+}
 
 bool lookAndSelect(Copies const& copies, NSString const& path) {
     copies.look(onlyPath(path));
@@ -63,64 +68,72 @@ Outcome quit(Copies const& copies, Target const& target) {
     auto const runs = [&] { return copies.recordOf(path).objectForKey_("psn") != nil; };
     copies.controller().syncIsRunningPaths();
     copies.look(NSArray::array());
-    if (!runs()) return noSuchCopy(path, "no copy of Mirror Frame runs there");
+    if (!runs()) return noSuchCopy(path, localizable("no copy of Mirror Frame runs there"));
     NSUInteger const most = copies.controller().isRunningPaths().count();
     for (NSUInteger ended = 0; ended < most && runs(); ++ended) {
         if (!copies.select(onlyPath(path))) return notSelected(path);
         if (beepsOf(copies, &AppController::quitAction_) > 0) return {.path = path, .status = Status::Failed};
     }
-    return runs() ? failed(path, "it has been started again") : Outcome{.path = path};
+    return runs() ? failed(path, localizable("it has been started again")) : Outcome{.path = path};
 }
 
+// By the open item and not by the controller, whose action takes what is at the path by then.
 Outcome trash(Copies const& copies, Target const& target) {
-    if (!isCopyAt(target.path)) return noSuchCopy(target.path);
+    Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
+    if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
-    if (beepsOf(copies, &AppController::trashAction_) > 0) return {.path = target.path, .status = Status::Failed};
-    return {.path = target.path, .newPath = pathOnDisk(copies)};
+    Result<TrashedItem, TrashProblem> const trashed = moveToTrash(item.value());
+    if (!trashed.hasValue()) return failed(target.path, trashed.problem().text);
+    return {.path = target.path, .newPath = NSString::stringWithFileSystemRepresentation_(trashed.value().path)};
 }
 
-// The copy in the trash that came from the path, the last deleted first; nil if there is none.
-NSString copyInTrashFrom(NSString const& path) {
-    std::string const bytes = bytesOfPath(path);
-    for (TrashedItem const& item : trashedItems()) {
-        if (item.originalPath != bytes) continue;
-        NSString const trashed = NSString::stringWithFileSystemRepresentation_(item.path);
-        if (isCopyAt(trashed)) return trashed;
+// The item in the trash that is meant by the path: the one at the path, or the copy that came from there, the last
+// deleted first; nullopt if there is none.
+std::optional<TrashedItem> trashedItemOf(Target const& target, bool isInTrash) {
+    std::string const bytes = bytesOfPath(target.path);
+    if (isInTrash && target.item) return TrashedItem{.path = bytes, .identity = *target.item};
+    for (TrashedItem& item : trashedItems()) {
+        if (isInTrash || item.originalPath != bytes) continue;
+        if (isCopyAt(NSString::stringWithFileSystemRepresentation_(item.path))) return std::move(item);
     }
-    return nil;
+    return {};
 }
 
-Outcome restore(Copies const& copies, Target const& target) {
+Outcome restore(Copies const&, Target const& target) {
     NSString const path = target.path;
     auto const place = placeInTrash(bytesOfPath(path));
     bool const isKnown = place.hasValue() || place.problem().kind == TrashProblem::NotThere;
     if (!isKnown) return failed(path, place.problem().text);
     bool const isInTrash = place.hasValue() && place.value().has_value();
-    NSString const trashed = isInTrash ? path : copyInTrashFrom(path);
-    if (!isCopyAt(trashed)) return noSuchCopy(path, "no copy of Mirror Frame is in the trash");
-    if (!lookAndSelect(copies, trashed)) return notSelected(path);
-    if (beepsOf(copies, &AppController::putBackAction_) > 0)
-        return {.path = path, .status = Status::Failed, .reason = copies.controller().notice()};
-    return {.path = path, .newPath = pathOnDisk(copies)};
+    std::optional<TrashedItem> const trashed = trashedItemOf(target, isInTrash);
+    constexpr char const* missing = localizable("no copy of Mirror Frame is in the trash");
+    if (!trashed) return noSuchCopy(path, missing);
+    auto const item = openCopy(NSString::stringWithFileSystemRepresentation_(trashed->path), trashed->identity);
+    if (!item.hasValue() && item.problem().status == Status::NoSuchCopy) return noSuchCopy(path, missing);
+    if (!item.hasValue()) return {.path = path, .status = Status::Failed, .reason = item.problem().reason};
+    // Looks at the identity again, right before the item moves.
+    Result<std::string, TrashProblem> const back = putBack(*trashed);
+    if (!back.hasValue()) return failed(path, back.problem().text);
+    return {.path = path, .newPath = NSString::stringWithFileSystemRepresentation_(back.value())};
 }
 
-// Without the controller, whose action takes what is at the path when it comes to delete: here the very item that was
-// confirmed is looked at and deleted.
+// Without the controller, too: the very item that was confirmed is deleted.
 Outcome erase(Copies const&, Target const& target) {
-    Result<OpenItem> const item = openCopyAt(target.path);
-    if (!target.item || !item.hasValue()) return noSuchCopy(target.path);
-    Result<IdentifiedItem> const identified = identify(item.value().item);
-    if (!identified.hasValue()) return failed(target.path, identified.problem().text());
-    if (identified.value().identity != *target.item) return failed(target.path, "another copy has taken its place");
+    Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
+    if (!item.hasValue()) return item.problem();
     Result<void> const removed = removeItem(item.value());
     return removed.isDone() ? Outcome{.path = target.path} : failed(target.path, removed.problem().text());
 }
 
-Outcome swapIcon(Copies const& copies, Target const& target) {
-    if (!isCopyAt(target.path)) return noSuchCopy(target.path);
+Outcome changeIcon(Copies const& copies, Target const& target) {
+    Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
+    if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
-    int const beeps = beepsOf(copies, &AppController::swapIconAction_);
-    return {.path = target.path, .status = statusOf(copies, beeps)};
+    std::string const held = item.value().pathForOtherPrograms();
+    IconSwap const swap = swapIcon(NSString::stringWithFileSystemRepresentation_(held));
+    if (!swap.isWritten()) return {.path = target.path, .status = Status::Failed, .reason = swap.failure};
+    bool const isShown = swap.failure == nil && KRAPathRevealInFinder(target.path);
+    return {.path = target.path, .status = isShown ? Status::Done : Status::NotShown, .reason = swap.failure};
 }
 
 // A list of the session from which entries are removed.
@@ -135,9 +148,9 @@ struct MembershipList {
 
 constexpr MembershipList LoginItems{&AppController::syncIsAutolaunched, &AppController::allAutolaunchItems,
                                     "autolaunchItem", &AppController::unAutoLaunchAction_,
-                                    "it does not start at login"};
+                                    localizable("it does not start at login")};
 constexpr MembershipList Places{&AppController::syncIsInToolbar, &AppController::allToolbarItems, "toolbarItem",
-                                &AppController::unToolbarAction_, "it is not in the places"};
+                                &AppController::unToolbarAction_, localizable("it is not in the places")};
 
 // Makes records of the paths in the list; false if it could not be read, or not entirely.
 bool readList(MembershipList const& list, Copies const& copies) {
@@ -152,7 +165,7 @@ bool isListed(MembershipList const& list, Copies const& copies, NSString const& 
 
 // A path may have several entries, and its record holds one of them: each is removed.
 Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString const& path) {
-    if (!readList(list, copies)) return failed(path, "the list could not be read");
+    if (!readList(list, copies)) return failed(path, localizable("the list could not be read"));
     if (!isListed(list, copies, path)) return noSuchCopy(path, list.isNotListed);
     NSUInteger const most = (copies.controller().*list.items)().count();
     Status status = Status::Done;
@@ -168,7 +181,7 @@ Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString co
         // What was seen of the list has been removed.
         return {.path = path, .status = isRead ? status : Status::NotShown};
     }
-    return failed(path, "it is in the list again");
+    return failed(path, localizable("it is in the list again"));
 }
 
 Outcome addToLogin(Copies const& copies, Target const& target) {
@@ -176,7 +189,7 @@ Outcome addToLogin(Copies const& copies, Target const& target) {
     if (!isCopyAt(path)) return noSuchCopy(path);
     // The list is written whole: what could not be read of it would be missing then.
     int const unread = beepsDuring([&] { copies.controller().syncIsAutolaunched(); });
-    if (unread > 0) return failed(path, "the list could not be read");
+    if (unread > 0) return failed(path, localizable("the list could not be read"));
     if (!lookAndSelect(copies, path)) return notSelected(path);
     int const beeps = beepsOf(copies, &AppController::addToAutoLaunchAction_);
     return {.path = path, .status = statusOf(copies, beeps)};
@@ -202,7 +215,7 @@ constexpr std::array PathActions{
     ActionRow{Verb::Trash, ListEdit::Show, trash},
     ActionRow{Verb::Restore, ListEdit::Show, restore},
     ActionRow{Verb::Delete, ListEdit::Show, erase},
-    ActionRow{Verb::SwapIcon, ListEdit::Show, swapIcon},
+    ActionRow{Verb::SwapIcon, ListEdit::Show, changeIcon},
     ActionRow{Verb::Login, ListEdit::Add, addToLogin},
     ActionRow{Verb::Login, ListEdit::Remove, removeFromLogin},
     ActionRow{Verb::Places, ListEdit::Remove, removeFromPlaces},

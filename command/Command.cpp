@@ -2,8 +2,10 @@
 #include "command/Actions.h"
 #include "command/Report.h"
 #include "platform/foundation/Beep.h"
+#include "platform/foundation/Localization.h"
 #include "platform/foundation/Log.h"
 #include "platform/foundation/NSBundle.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/VisibleLine.h"
 #include "platform/system/StandardStreams.h"
 #include <cstdio>
@@ -18,10 +20,12 @@ void tellPeople(std::string_view text) {
     [[maybe_unused]] Result<void> const written = writeTo(StandardStream::Errors, text);
 }
 
+void complain(std::string const& text) { tellPeople("framekeeper-cli: " + text + "\n"); }
+
 Status print(std::string const& text) {
     Result<void> const written = writeTo(StandardStream::Output, text);
     if (written.isDone()) return Status::Done;
-    tellPeople("framekeeper-cli: " + written.problem().text() + "\n");
+    complain(written.problem().text());
     return Status::NotWritten;
 }
 
@@ -33,7 +37,9 @@ public:
     }
     void tell(std::size_t found) {
         if (!m_isTerminal) return;
-        tellPeople("\r\x1b[KSearching: " + std::to_string(found) + " found");
+        NSString const text =
+            localizedCount(static_cast<NSUInteger>(found), "Searching: %n found", "Searching: %n found", nil);
+        tellPeople("\r\x1b[K" + text.UTF8String());
         m_isShown = true;
     }
 
@@ -45,14 +51,13 @@ private:
 void tellUnreadable(Copies const& copies) {
     NSUInteger const folders = copies.controller().query().unreadableFolderCount();
     if (folders == 0) return;
-    tellPeople("framekeeper-cli: " + std::to_string(folders) + (folders == 1 ? " folder" : " folders") +
-               " could not be read\n");
+    complain(localizedCount(folders, "%n folder could not be read", "%n folders could not be read", nil).UTF8String());
 }
 
 // Failed if something could not be read; what is known is still printed.
 Status statusOfReading(int beeps) {
     if (beeps == 0) return Status::Done;
-    tellPeople("framekeeper-cli: the login items or the places could not be read, or not entirely\n");
+    complain(localized("the login items or the places could not be read, or not entirely"));
     return Status::Failed;
 }
 
@@ -64,7 +69,7 @@ Status list(CommandLine const& line) {
         isFinished = copies.search([&](std::size_t found) { progress.tell(found); });
     });
     if (!isFinished) {
-        tellPeople("framekeeper-cli: the search could not be started\n");
+        complain(localized("the search could not be started"));
         return Status::Failed;
     }
     tellUnreadable(copies);
@@ -102,7 +107,7 @@ Status inform(CommandLine const& line) {
         if (record != nil)
             records.addObject_(record);
         else
-            missing.push_back({path, Status::NoSuchCopy, nil, "no copy of Mirror Frame is there"});
+            missing.push_back({path, Status::NoSuchCopy, nil, NSString("no copy of Mirror Frame is there")});
     }
     tellPeople(complaints(missing));
     if (!missing.empty()) status = worse(status, Status::NoSuchCopy);
@@ -113,12 +118,13 @@ Status inform(CommandLine const& line) {
 bool isConfirmed(CommandLine const& line, std::vector<Target> const& targets) {
     if (line.verb != Verb::Delete || line.confirmation == Confirmation::IsGiven) return true;
     if (!isTerminal(StandardStream::Input) || !isTerminal(StandardStream::Errors)) {
-        tellPeople("framekeeper-cli: delete without a terminal needs --yes\n");
+        complain(localized("delete without a terminal needs --yes"));
         return false;
     }
     for (Target const& target : targets)
         tellPeople("  " + visibleLine(target.path.codeUnits()) + "\n");
-    tellPeople("Delete for good? [y/N] ");
+    // The letter is y in every language, and the translations say so.
+    tellPeople(localized("Delete for good? [y/N]") + " ");
     int const answer = std::getchar();
     return answer == 'y' || answer == 'Y';
 }
@@ -140,7 +146,7 @@ Status change(CommandLine const& line) {
 std::string versionText() { return std::string("framekeeper-cli ") + FRAMEKEEPER_VERSION + "\n"; }
 
 Status carryOut(CommandLine const& line) {
-    if (line.verb == Verb::Help) return print(std::string(usageText()));
+    if (line.verb == Verb::Help) return print(usageText());
     if (line.verb == Verb::Version) return print(versionText());
     if (line.verb == Verb::List) return list(line);
     if (line.verb == Verb::Info) return inform(line);
@@ -152,10 +158,12 @@ Status carryOut(CommandLine const& line) {
 int runCommand(std::vector<std::string> const& words) {
     prepareStandardStreams();
     setBeepSound([] {});
+    loadLocalization();
     Result<CommandLine, Failure> const line = readCommandLine(words);
     if (line.hasValue()) return exitStatusOf(carryOut(line.value()));
     NSString const reason = NSString::stringWithFileSystemRepresentation_(line.problem().reason);
-    tellPeople("framekeeper-cli: " + visibleLine(reason.codeUnits()) + "\n" + std::string(usageText()));
+    complain(visibleLine(reason.codeUnits()));
+    tellPeople(usageText());
     return 2;
 }
 

@@ -1,4 +1,6 @@
 #include "command/CommandLine.h"
+#include "command/Report.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include <algorithm>
 #include <array>
 
@@ -7,6 +9,7 @@ namespace framekeeper {
 namespace {
 
 using mac::Failure;
+using mac::localizable;
 using mac::Result;
 
 enum class Operands { None, Paths };
@@ -25,7 +28,8 @@ constexpr std::array Verbs{
     VerbRow{"login", Verb::Login, Operands::None},    VerbRow{"places", Verb::Places, Operands::None},
 };
 
-Failure unknown(std::string_view what, std::string const& word) { return {std::string(what) + " “" + word + "”"}; }
+// The text with the word in its place.
+Failure wrongUse(char const* text, std::string const& word = {}) { return {filledIn(localized(text), word)}; }
 
 // Whether the word is an option, which is then taken.
 bool takeOption(CommandLine& line, std::string_view word) {
@@ -46,28 +50,28 @@ Result<void, Failure> takeEdit(CommandLine& line, std::vector<std::string>& oper
     if (!isList || operands.empty()) return {};
     std::string const word = operands.front();
     bool const adds = word == "add" && line.verb == Verb::Login;
-    if (!adds && word != "remove") return unknown("There is no list operation", word);
+    if (!adds && word != "remove") return wrongUse(localizable("There is no list operation “%@”"), word);
     line.edit = adds ? ListEdit::Add : ListEdit::Remove;
     operands.erase(operands.begin());
     return {};
 }
 
 Result<CommandLine, Failure> withOperands(CommandLine line, std::vector<std::string> operands) {
-    if (operands.empty()) return Failure{"No verb is given"};
+    if (operands.empty()) return wrongUse(localizable("No verb is given"));
     auto const row = std::ranges::find(Verbs, operands.front(), &VerbRow::word);
-    if (row == Verbs.end()) return unknown("There is no verb", operands.front());
+    if (row == Verbs.end()) return wrongUse(localizable("There is no verb “%@”"), operands.front());
     line.verb = row->verb;
     operands.erase(operands.begin());
     if (Result<void, Failure> const edit = takeEdit(line, operands); !edit.isDone()) return edit.problem();
     bool const takesPaths = row->operands == Operands::Paths || line.edit != ListEdit::Show;
     std::string const verb(row->word);
-    if (takesPaths && operands.empty()) return Failure{verb + " needs a path"};
-    if (!takesPaths && !operands.empty()) return Failure{verb + " takes no path"};
-    if (line.edit == ListEdit::Add && operands.size() > 1) return Failure{verb + " add takes one path"};
+    if (takesPaths && operands.empty()) return wrongUse(localizable("%@ needs a path"), verb);
+    if (!takesPaths && !operands.empty()) return wrongUse(localizable("%@ takes no path"), verb);
+    if (line.edit == ListEdit::Add && operands.size() > 1) return wrongUse(localizable("%@ add takes one path"), verb);
     bool const isPathEmpty = std::ranges::any_of(operands, &std::string::empty);
-    if (isPathEmpty) return Failure{"A path is empty"};
+    if (isPathEmpty) return wrongUse(localizable("A path is empty"));
     if (line.confirmation == Confirmation::IsGiven && line.verb != Verb::Delete)
-        return Failure{"--yes belongs to delete alone"};
+        return wrongUse(localizable("--yes belongs to delete alone"));
     line.paths = std::move(operands);
     return line;
 }
@@ -89,13 +93,13 @@ Result<CommandLine, Failure> readCommandLine(std::vector<std::string> const& wor
         if (word == "--")
             areOptionsOver = true;
         else if (!takeOption(line, word))
-            return unknown("There is no option", word);
+            return wrongUse(localizable("There is no option “%@”"), word);
     }
     return withOperands(std::move(line), std::move(operands));
 }
 
-std::string_view usageText() {
-    return R"(usage: framekeeper-cli [OPTION]... VERB [PATH]...
+std::string usageText() {
+    return localized(R"(usage: framekeeper-cli [OPTION]... VERB [PATH]...
 
 Finds the copies of Mirror Frame and cleans up.
 
@@ -123,7 +127,7 @@ Finds the copies of Mirror Frame and cleans up.
 
 Exit status: 0 done, 1 failed, 2 wrong usage, 3 no such copy, 4 done but not shown in the
 file browser, 5 not confirmed, 6 output could not be written, 130 interrupted.
-)";
+)");
 }
 
 } // namespace framekeeper

@@ -2,7 +2,6 @@
 
 #include "platform/system/Result.h"
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace framekeeper {
@@ -27,7 +26,7 @@ struct CommandLine {
 // with them.
 mac::Result<CommandLine, mac::Failure> readCommandLine(std::vector<std::string> const& words);
 
-// How the command is used, as text for a terminal.
-std::string_view usageText();
+// How the command is used, as text for a terminal in the user's language.
+std::string usageText();
 
 } // namespace framekeeper

@@ -1,4 +1,5 @@
 #include "command/Outcome.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include <array>
 #include <cstddef>
 
@@ -14,13 +15,13 @@ struct StatusRow {
 
 // In the order of the enumerators.
 constexpr std::array Statuses{
-    StatusRow{Status::Done, 0, "done"},
-    StatusRow{Status::NotShown, 4, "not-shown"},
-    StatusRow{Status::NoSuchCopy, 3, "no-such-copy"},
-    StatusRow{Status::Failed, 1, "failed"},
-    StatusRow{Status::NotConfirmed, 5, "not-confirmed"},
-    StatusRow{Status::NotWritten, 6, "not-written"},
-    StatusRow{Status::Interrupted, 130, "interrupted"},
+    StatusRow{Status::Done, 0, localizable("done")},
+    StatusRow{Status::NotShown, 4, localizable("not-shown")},
+    StatusRow{Status::NoSuchCopy, 3, localizable("no-such-copy")},
+    StatusRow{Status::Failed, 1, localizable("failed")},
+    StatusRow{Status::NotConfirmed, 5, localizable("not-confirmed")},
+    StatusRow{Status::NotWritten, 6, localizable("not-written")},
+    StatusRow{Status::Interrupted, 130, localizable("interrupted")},
 };
 
 consteval bool isInOrder() {

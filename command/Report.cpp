@@ -1,6 +1,7 @@
 #include "command/Report.h"
 #include "command/Copies.h"
 #include "platform/foundation/Encodings.h"
+#include "platform/foundation/NSLocalizedString.h"
 #include "platform/foundation/NSNumber.h"
 #include "platform/foundation/VisibleLine.h"
 #include "platform/processes/Processes.h"
@@ -109,7 +110,7 @@ constexpr std::size_t Columns = 6;
 using Row = std::array<std::string, Columns>;
 
 Row rowOf(id const& record) {
-    auto const mark = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "–"); };
+    auto const mark = [&](char const* key) { return std::string(flagIn(record, key) ? localized("yes") : "–"); };
     return {visible(versionIn(record, "versionString")),
             mark("exists"),
             mark("isRunning"),
@@ -124,9 +125,13 @@ std::size_t widthOf(std::string const& text) {
         std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
 }
 
+// Columns of a label and the space behind it.
+constexpr std::size_t LabelWidth = 11;
+
 std::string table(NSArray const& records) {
-    if (records.count() == 0) return "No copies.\n";
-    std::vector<Row> rows{{"VERSION", "EXISTS", "RUNS", "LOGIN", "PLACES", "PATH"}};
+    if (records.count() == 0) return localized("No copies.") + "\n";
+    std::vector<Row> rows{{localized("VERSION"), localized("EXISTS"), localized("RUNS"), localized("LOGIN"),
+                           localized("PLACES"), localized("PATH")}};
     for (NSUInteger index = 0; index < records.count(); ++index)
         rows.push_back(rowOf(records.objectAtIndex_(index)));
     std::array<std::size_t, Columns> widths{};
@@ -143,15 +148,37 @@ std::string table(NSArray const& records) {
 }
 
 std::string detailsOf(id const& record) {
-    auto const answer = [&](char const* key) { return std::string(flagIn(record, key) ? "yes" : "no"); };
+    auto const answer = [&](char const* key) { return flagIn(record, key) ? localized("yes") : localized("no"); };
     std::optional<std::int32_t> const process = processOf(record);
-    return "Path:      " + visible(textIn(record, "path")) +
-           "\nVersion:   " + visible(versionIn(record, "versionString")) + "\nExists:    " + answer("exists") +
-           "\nRuns:      " + answer("isRunning") + (process ? ", as process " + std::to_string(*process) : "") +
-           "\nLogin:     " + answer("isAutolaunched") + "\nPlaces:    " + answer("isInToolbar") + "\n";
+    std::string const runs =
+        process ? filledIn(localized("yes, as process %@"), std::to_string(*process)) : answer("isRunning");
+    std::array<std::pair<std::string, std::string>, 6> const lines{{
+        {localized("Path:"), visible(textIn(record, "path"))},
+        {localized("Version:"), visible(versionIn(record, "versionString"))},
+        {localized("Exists:"), answer("exists")},
+        {localized("Runs:"), runs},
+        {localized("Login:"), answer("isAutolaunched")},
+        {localized("Places:"), answer("isInToolbar")},
+    }};
+    std::string text;
+    for (auto const& [label, value] : lines) {
+        std::size_t const width = widthOf(label);
+        ((text += label).append(width < LabelWidth ? LabelWidth - width : 1, ' ') += value) += '\n';
+    }
+    return text;
 }
 
 } // namespace
+
+std::string localized(char const* key) {
+    return NSLocalizedString(NSString::stringWithUTF8String_(key), nil).UTF8String();
+}
+
+std::string filledIn(std::string text, std::string const& value) {
+    constexpr std::string_view place = "%@";
+    std::size_t const found = text.find(place);
+    return found == std::string::npos ? text : text.replace(found, place.size(), value);
+}
 
 std::string listing(NSArray const& records, OutputForm form) {
     if (form == OutputForm::JSON) return jsonRecords(records);
@@ -186,7 +213,8 @@ std::string complaints(std::vector<Outcome> const& outcomes) {
     for (Outcome const& outcome : outcomes) {
         if (outcome.status == Status::Done) continue;
         text += "framekeeper-cli: " + visible(outcome.path) + ": ";
-        text += outcome.reason == nil ? nameOf(outcome.status) : visible(outcome.reason);
+        text +=
+            outcome.reason == nil ? localized(nameOf(outcome.status)) : visible(NSLocalizedString(outcome.reason, nil));
         text += '\n';
     }
     return text;

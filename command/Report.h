@@ -22,6 +22,10 @@ std::string listing(NSArray const& records, OutputForm form);
 std::string details(NSArray const& records, OutputForm form);
 // What became of the paths. As text only new paths are told, since that all went well needs no words.
 std::string results(std::vector<Outcome> const& outcomes, OutputForm form);
+// The text in the user's language.
+std::string localized(char const* key);
+// The text with the value, as bytes, in its one place "%@".
+std::string filledIn(std::string text, std::string const& value);
 // One line for each path that is not done, for standard error.
 std::string complaints(std::vector<Outcome> const& outcomes);
 

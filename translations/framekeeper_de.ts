@@ -20,10 +20,6 @@
     <translation>&amp;Bearbeiten</translation>
 </message>
 <message>
-    <source>S&amp;ystem</source>
-    <translation>S&amp;ystem</translation>
-</message>
-<message>
     <source>Search and selected copies</source>
     <translation>Suche und ausgewählte Kopien</translation>
 </message>
@@ -88,16 +84,12 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <translation>Liest alle Quellen neu und durchsucht alle lokalen Volumes</translation>
 </message>
 <message>
-    <source>Searching all local volumes for copies of Mirror Frame…</source>
-    <translation>Alle lokalen Volumes werden nach Kopien von Mirror Frame durchsucht …</translation>
-</message>
-<message>
     <source>No copy matches the filter</source>
     <translation>Keine Kopie passt zum Filter</translation>
 </message>
 <message>
     <source>Show A&amp;ll Copies</source>
-    <translation>A&amp;lle Kopien zeigen</translation>
+    <translation>Alle K&amp;opien zeigen</translation>
 </message>
 <message>
     <source>Empties the filter</source>
@@ -106,10 +98,6 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 <message>
     <source>Login items, toolbar and system</source>
     <translation>Anmeldeobjekte, Leiste und System</translation>
-</message>
-<message>
-    <source>Number of copies</source>
-    <translation>Anzahl der Kopien</translation>
 </message>
 <message numerus="yes">
     <source>%@ copies</source>
@@ -120,24 +108,12 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <translation>Keine Kopien</translation>
 </message>
 <message>
-    <source>Copies that match the filter</source>
-    <translation>Kopien, die zum Filter passen</translation>
-</message>
-<message>
     <source>%@ shown</source>
     <translation>%@ angezeigt</translation>
 </message>
 <message>
     <source>None shown</source>
     <translation>Keine angezeigt</translation>
-</message>
-<message>
-    <source>Folders that could not be read</source>
-    <translation>Nicht lesbare Ordner</translation>
-</message>
-<message>
-    <source>Copies in these folders are not listed. They belong to other users or to the system.</source>
-    <translation>Kopien in diesen Ordnern sind nicht aufgeführt. Die Ordner gehören anderen Benutzern oder dem System.</translation>
 </message>
 <message numerus="yes">
     <source>%@ folders could not be read</source>
@@ -205,7 +181,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>&amp;Quit Copy</source>
-    <translation>&amp;Beenden</translation>
+    <translation>Be&amp;enden</translation>
 </message>
 <message>
     <source>Asks the selected running copy to quit</source>
@@ -225,7 +201,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>S&amp;wap Icon</source>
-    <translation>S&amp;ymbol tauschen</translation>
+    <translation>S&amp;ymboltausch</translation>
 </message>
 <message>
     <source>Gives the selected copy the other one of its two icons and shows it</source>
@@ -241,7 +217,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>&amp;Move to Trash</source>
-    <translation>In den &amp;Papierkorb</translation>
+    <translation>&amp;Papierkorb</translation>
 </message>
 <message>
     <source>Moves the selected copy to the trash</source>
@@ -305,7 +281,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Remo&amp;ve from Login Items</source>
-    <translation>Nicht bei Anmel&amp;dung</translation>
+    <translation>Nicht bei Anme&amp;ldung</translation>
 </message>
 <message>
     <source>No longer starts the selected copy at login</source>
@@ -317,7 +293,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Remove from Tool&amp;bar</source>
-    <translation>Aus &amp;Leiste entfernen</translation>
+    <translation>Aus Le&amp;iste</translation>
 </message>
 <message>
     <source>Takes the selected copy out of the places in the file browser's toolbar and restarts the file browser</source>
@@ -333,7 +309,7 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 </message>
 <message>
     <source>Acc&amp;ounts</source>
-    <translation>Ben&amp;utzer</translation>
+    <translation>Be&amp;nutzer</translation>
 </message>
 <message>
     <source>Opens the account settings, where login items are kept</source>
@@ -362,6 +338,516 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
 <message>
     <source>Ends your session; the desktop asks first</source>
     <translation>Beendet Ihre Sitzung; die Arbeitsumgebung fragt vorher</translation>
+</message>
+<message>
+    <source>no copy of Mirror Frame is there</source>
+    <translation>dort liegt keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it has left the list meanwhile</source>
+    <translation>sie steht inzwischen nicht mehr in der Liste</translation>
+</message>
+<message>
+    <source>another copy has taken its place</source>
+    <translation>eine andere Kopie hat ihren Platz eingenommen</translation>
+</message>
+<message>
+    <source>no copy of Mirror Frame runs there</source>
+    <translation>dort läuft keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it has been started again</source>
+    <translation>sie wurde wieder gestartet</translation>
+</message>
+<message>
+    <source>no copy of Mirror Frame is in the trash</source>
+    <translation>im Papierkorb liegt keine Kopie von Mirror Frame</translation>
+</message>
+<message>
+    <source>it does not start at login</source>
+    <translation>sie startet nicht bei der Anmeldung</translation>
+</message>
+<message>
+    <source>it is not in the places</source>
+    <translation>sie steht nicht in den Orten</translation>
+</message>
+<message>
+    <source>the list could not be read</source>
+    <translation>die Liste war nicht lesbar</translation>
+</message>
+<message>
+    <source>it is in the list again</source>
+    <translation>sie steht wieder in der Liste</translation>
+</message>
+<message numerus="yes">
+    <source>Searching: %n found</source>
+    <translation><numerusform>Suche läuft: %n gefunden</numerusform><numerusform>Suche läuft: %n gefunden</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n folders could not be read</source>
+    <translation><numerusform>%n Ordner war nicht lesbar</numerusform><numerusform>%n Ordner waren nicht lesbar</numerusform></translation>
+</message>
+<message>
+    <source>the login items or the places could not be read, or not entirely</source>
+    <translation>die Anmeldeobjekte oder die Orte waren nicht oder nicht ganz lesbar</translation>
+</message>
+<message>
+    <source>the search could not be started</source>
+    <translation>die Suche ließ sich nicht starten</translation>
+</message>
+<message>
+    <source>delete without a terminal needs --yes</source>
+    <translation>delete ohne Terminal verlangt --yes</translation>
+</message>
+<message>
+    <source>Delete for good? [y/N]</source>
+    <translation>Endgültig löschen? [y = ja / N = nein]</translation>
+</message>
+<message>
+    <source>There is no list operation “%@”</source>
+    <translation>Es gibt keine Listenoperation „%@“</translation>
+</message>
+<message>
+    <source>No verb is given</source>
+    <translation>Es fehlt ein Verb</translation>
+</message>
+<message>
+    <source>There is no verb “%@”</source>
+    <translation>Es gibt kein Verb „%@“</translation>
+</message>
+<message>
+    <source>%@ needs a path</source>
+    <translation>%@ braucht einen Pfad</translation>
+</message>
+<message>
+    <source>%@ takes no path</source>
+    <translation>%@ nimmt keinen Pfad</translation>
+</message>
+<message>
+    <source>%@ add takes one path</source>
+    <translation>%@ add nimmt genau einen Pfad</translation>
+</message>
+<message>
+    <source>A path is empty</source>
+    <translation>Ein Pfad ist leer</translation>
+</message>
+<message>
+    <source>--yes belongs to delete alone</source>
+    <translation>--yes gehört nur zu delete</translation>
+</message>
+<message>
+    <source>There is no option “%@”</source>
+    <translation>Es gibt keine Option „%@“</translation>
+</message>
+<message>
+    <source>usage: framekeeper-cli [OPTION]... VERB [PATH]...
+
+Finds the copies of Mirror Frame and cleans up.
+
+  list                 all copies on this computer, and the paths of those that
+                       run, start at login or stand in the places
+  info PATH...         what is known of these copies
+  reveal PATH...       show them in the file browser
+  quit PATH...         ask the running copies to quit
+  trash PATH...        move them to the trash
+  restore PATH...      put them back: the path in the trash, or where they came from
+  delete PATH...       delete them for good
+  swap-icon PATH...    give them the other one of their two icons
+  login                the copies that start at login
+  login add PATH       make this copy the one that starts at login
+  login remove PATH... remove these from the login items
+  places               the copies in the file browser's places
+  places remove PATH...
+                       remove these from the places
+
+  --json       output for programs
+  -0, --null   paths alone, each with a NUL behind it
+  -y, --yes    delete without asking
+  -h, --help   this text
+  --version    the version
+
+Exit status: 0 done, 1 failed, 2 wrong usage, 3 no such copy, 4 done but not shown in the
+file browser, 5 not confirmed, 6 output could not be written, 130 interrupted.
+</source>
+    <translation>Aufruf: framekeeper-cli [OPTION]... VERB [PFAD]...
+
+Findet die Kopien von Mirror Frame und räumt auf.
+
+  list                 alle Kopien auf diesem Rechner und die Pfade derer, die
+                       laufen, bei der Anmeldung starten oder in den Orten stehen
+  info PFAD...         was über diese Kopien bekannt ist
+  reveal PFAD...       in der Dateiverwaltung zeigen
+  quit PFAD...         die laufenden Kopien zum Beenden auffordern
+  trash PFAD...        in den Papierkorb legen
+  restore PFAD...      zurücklegen: der Pfad im Papierkorb oder der frühere
+  delete PFAD...       endgültig löschen
+  swap-icon PFAD...    das andere ihrer beiden Symbole geben
+  login                die Kopien, die bei der Anmeldung starten
+  login add PFAD       diese Kopie bei der Anmeldung starten, keine andere
+  login remove PFAD... diese aus den Anmeldeobjekten nehmen
+  places               die Kopien in den Orten der Dateiverwaltung
+  places remove PFAD...
+                       diese aus den Orten nehmen
+
+  --json       Ausgabe für Programme
+  -0, --null   nur Pfade, jeder mit einem NUL dahinter
+  -y, --yes    ohne Frage löschen
+  -h, --help   dieser Text
+  --version    die Version
+
+Ende mit: 0 getan, 1 fehlgeschlagen, 2 falscher Aufruf, 3 keine solche Kopie, 4 getan, aber nicht
+in der Dateiverwaltung gezeigt, 5 nicht bestätigt, 6 Ausgabe nicht geschrieben, 130 unterbrochen.
+</translation>
+</message>
+<message>
+    <source>done</source>
+    <translation>erledigt</translation>
+</message>
+<message>
+    <source>not-shown</source>
+    <translation>erledigt, aber nicht gezeigt</translation>
+</message>
+<message>
+    <source>no-such-copy</source>
+    <translation>keine solche Kopie</translation>
+</message>
+<message>
+    <source>failed</source>
+    <translation>fehlgeschlagen</translation>
+</message>
+<message>
+    <source>not-confirmed</source>
+    <translation>nicht bestätigt</translation>
+</message>
+<message>
+    <source>not-written</source>
+    <translation>nicht geschrieben</translation>
+</message>
+<message>
+    <source>interrupted</source>
+    <translation>unterbrochen</translation>
+</message>
+<message>
+    <source>yes</source>
+    <translation>ja</translation>
+</message>
+<message>
+    <source>no</source>
+    <translation>nein</translation>
+</message>
+<message>
+    <source>yes, as process %@</source>
+    <translation>ja, als Prozess %@</translation>
+</message>
+<message>
+    <source>No copies.</source>
+    <translation>Keine Kopien.</translation>
+</message>
+<message>
+    <source>VERSION</source>
+    <translation>VERSION</translation>
+</message>
+<message>
+    <source>EXISTS</source>
+    <translation>VORHANDEN</translation>
+</message>
+<message>
+    <source>RUNS</source>
+    <translation>LÄUFT</translation>
+</message>
+<message>
+    <source>LOGIN</source>
+    <translation>ANMELDUNG</translation>
+</message>
+<message>
+    <source>PLACES</source>
+    <translation>ORTE</translation>
+</message>
+<message>
+    <source>PATH</source>
+    <translation>PFAD</translation>
+</message>
+<message>
+    <source>Path:</source>
+    <translation>Pfad:</translation>
+</message>
+<message>
+    <source>Version:</source>
+    <translation>Version:</translation>
+</message>
+<message>
+    <source>Exists:</source>
+    <translation>Vorhanden:</translation>
+</message>
+<message>
+    <source>Runs:</source>
+    <translation>Läuft:</translation>
+</message>
+<message>
+    <source>Login:</source>
+    <translation>Anmeldung:</translation>
+</message>
+<message>
+    <source>Places:</source>
+    <translation>Orte:</translation>
+</message>
+<message>
+    <source>&amp;File</source>
+    <translation>&amp;Datei</translation>
+</message>
+<message>
+    <source>V&amp;iew</source>
+    <translation>&amp;Ansicht</translation>
+</message>
+<message>
+    <source>Sort by</source>
+    <translation>Sortieren nach</translation>
+</message>
+<message>
+    <source>&amp;Help</source>
+    <translation>&amp;Hilfe</translation>
+</message>
+<message>
+    <source>Close Window</source>
+    <translation>Fenster schließen</translation>
+</message>
+<message>
+    <source>Quit Framekeeper</source>
+    <translation>Framekeeper beenden</translation>
+</message>
+<message>
+    <source>Copy Path</source>
+    <translation>Pfad kopieren</translation>
+</message>
+<message>
+    <source>Puts the paths of the selected copies on the clipboard, as text and as files to paste</source>
+    <translation>Legt die Pfade der ausgewählten Kopien in die Zwischenablage, als Text und als Dateien zum Einfügen</translation>
+</message>
+<message>
+    <source>Select All</source>
+    <translation>Alle auswählen</translation>
+</message>
+<message>
+    <source>No copies are shown</source>
+    <translation>Es werden keine Kopien angezeigt</translation>
+</message>
+<message>
+    <source>Clear Filter</source>
+    <translation>Filter leeren</translation>
+</message>
+<message>
+    <source>Reset Column Widths</source>
+    <translation>Spaltenbreiten zurücksetzen</translation>
+</message>
+<message>
+    <source>&amp;Keyboard Shortcuts</source>
+    <translation>&amp;Tastenkürzel</translation>
+</message>
+<message>
+    <source>About Framekeeper</source>
+    <translation>Über Framekeeper</translation>
+</message>
+<message>
+    <source>usage: %@ [OPTION]...
+
+Opens the window, or brings the open one to the front.
+
+  -h, --help   this text
+  --version    the version
+  -KEY VALUE   a setting for this start alone
+</source>
+    <translation>Aufruf: %@ [OPTION]...
+
+Öffnet das Fenster oder holt das offene nach vorn.
+
+  -h, --help   dieser Text
+  --version    die Version
+  -KEY VALUE   eine Einstellung nur für diesen Start
+</translation>
+</message>
+<message>
+    <source>Adding up…</source>
+    <translation>Wird addiert …</translation>
+</message>
+<message numerus="yes">
+    <source>%n items</source>
+    <translation><numerusform>%n Objekt</numerusform><numerusform>%n Objekte</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n items could not be read</source>
+    <translation><numerusform>%n Objekt nicht lesbar</numerusform><numerusform>%n Objekte nicht lesbar</numerusform></translation>
+</message>
+<message>
+    <source>Process %d</source>
+    <translation>Prozess %d</translation>
+</message>
+<message>
+    <source>Does not start at login</source>
+    <translation>Startet nicht bei der Anmeldung</translation>
+</message>
+<message>
+    <source>Starts at login</source>
+    <translation>Startet bei der Anmeldung</translation>
+</message>
+<message>
+    <source>In the places</source>
+    <translation>In den Orten</translation>
+</message>
+<message>
+    <source>Not compared yet</source>
+    <translation>Noch nicht verglichen</translation>
+</message>
+<message>
+    <source>Compared %lu of %lu</source>
+    <translation>%lu von %lu verglichen</translation>
+</message>
+<message>
+    <source>Stopped after %lu of %lu</source>
+    <translation>Nach %lu von %lu beendet</translation>
+</message>
+<message>
+    <source>No other copy is the same</source>
+    <translation>Keine andere Kopie ist gleich</translation>
+</message>
+<message>
+    <source>Searching for copies of Mirror Frame…</source>
+    <translation>Kopien von Mirror Frame werden gesucht …</translation>
+</message>
+<message>
+    <source>All local volumes are searched, and the running programs, the login items and the file browser's toolbar are looked at. The first search reads every folder and can take minutes; later ones begin with what it found.</source>
+    <translation>Alle lokalen Volumes werden durchsucht, die laufenden Programme, die Anmeldeobjekte und die Leiste der Dateiverwaltung angesehen. Die erste Suche liest jeden Ordner und kann Minuten dauern; spätere beginnen mit dem, was sie fand.</translation>
+</message>
+<message>
+    <source>Copies are listed here as they are found. Select one to show it, to quit it, or to move it to the trash; Esc stops the search, F1 shows all keys.</source>
+    <translation>Kopien erscheinen hier, sobald sie gefunden sind. Wählen Sie eine aus, um sie zu zeigen, zu beenden oder in den Papierkorb zu legen; Esc beendet die Suche, F1 zeigt alle Tasten.</translation>
+</message>
+<message numerus="yes">
+    <source>%n new</source>
+    <translation><numerusform>%n neue</numerusform><numerusform>%n neue</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>%n gone</source>
+    <translation><numerusform>%n verschwunden</numerusform><numerusform>%n verschwunden</numerusform></translation>
+</message>
+<message>
+    <source>%@, %@ since the scan.</source>
+    <translation>%@, %@ seit der Suche.</translation>
+</message>
+<message>
+    <source>%@ since the scan.</source>
+    <translation>%@ seit der Suche.</translation>
+</message>
+<message>
+    <source>“%@” is no option</source>
+    <translation>„%@“ ist keine Option</translation>
+</message>
+<message>
+    <source>Scan again</source>
+    <translation>Erneut suchen</translation>
+</message>
+<message>
+    <source>Details</source>
+    <translation>Details</translation>
+</message>
+<message>
+    <source>Select one copy to see its details</source>
+    <translation>Wählen Sie eine Kopie aus, um ihre Details zu sehen</translation>
+</message>
+<message>
+    <source>Same as</source>
+    <translation>Gleich wie</translation>
+</message>
+<message>
+    <source>Size on disk</source>
+    <translation>Belegt</translation>
+</message>
+<message>
+    <source>Created</source>
+    <translation>Erstellt</translation>
+</message>
+<message>
+    <source>Modified</source>
+    <translation>Geändert</translation>
+</message>
+<message>
+    <source>Volume</source>
+    <translation>Volume</translation>
+</message>
+<message>
+    <source>Show</source>
+    <translation>Zeigen</translation>
+</message>
+<message>
+    <source>Shows where the volume is mounted</source>
+    <translation>Zeigt, wo das Volume eingehängt ist</translation>
+</message>
+<message>
+    <source>Process</source>
+    <translation>Prozess</translation>
+</message>
+<message>
+    <source>Shows the program that the process runs</source>
+    <translation>Zeigt das Programm, das der Prozess ausführt</translation>
+</message>
+<message>
+    <source>Login item</source>
+    <translation>Anmeldung</translation>
+</message>
+<message>
+    <source>Shows the file of the login item</source>
+    <translation>Zeigt die Datei des Anmeldeobjekts</translation>
+</message>
+<message>
+    <source>Place</source>
+    <translation>Ort</translation>
+</message>
+<message>
+    <source>Shows the file that holds the place</source>
+    <translation>Zeigt die Datei, in der der Ort steht</translation>
+</message>
+<message>
+    <source>Compare</source>
+    <translation>Vergleichen</translation>
+</message>
+<message>
+    <source>Finds the other copies that are the same byte for byte</source>
+    <translation>Findet die anderen Kopien, die Byte für Byte gleich sind</translation>
+</message>
+<message>
+    <source>Stop comparing</source>
+    <translation>Vergleich beenden</translation>
+</message>
+<message>
+    <source>Ends the comparison; what was found stays</source>
+    <translation>Beendet den Vergleich; was gefunden wurde, bleibt</translation>
+</message>
+<message>
+    <source>Folders that could not be read; copies in them are not listed:</source>
+    <translation>Nicht lesbare Ordner; Kopien darin sind nicht aufgeführt:</translation>
+</message>
+<message>
+    <source>Close</source>
+    <translation>Schließen</translation>
+</message>
+<message>
+    <source>Hides the folders that could not be read</source>
+    <translation>Blendet die nicht lesbaren Ordner aus</translation>
+</message>
+<message>
+    <source>Folders that could not be read</source>
+    <translation>Nicht lesbare Ordner</translation>
+</message>
+<message>
+    <source>Shows which folders, and why. Copies in them are not listed</source>
+    <translation>Zeigt, welche Ordner und warum. Kopien darin sind nicht aufgeführt</translation>
+</message>
+<message>
+    <source>&amp;Details</source>
+    <translation>&amp;Details</translation>
+</message>
+<message>
+    <source>Shows what is known of the selected copy beside the table</source>
+    <translation>Zeigt neben der Tabelle, was über die ausgewählte Kopie bekannt ist</translation>
 </message>
 </context>
 </TS>

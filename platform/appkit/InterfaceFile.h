@@ -59,9 +59,6 @@ private:
     id targetOf(QObject const* owner);
     template <class Owner, class Signal>
     void followCheck(Owner* owner, Signal signal);
-    void connectConditions(QWidget* widget, TableCover* cover);
-    // The part that covers the rows of the table that the widget names; null if it names none.
-    TableCover* coverRows(QWidget* widget);
     // Enabled while the target responds and the requirements of the property enabledWhen are met.
     void enableWhenUsable(QObject* owner, NSControl const& control);
     NSControl makeControl(NSControl control, QObject* owner, id const& target, QString const& selector);

@@ -4,6 +4,7 @@
 #include "platform/system/StandardStreams.h"
 #include "tests/command/CommandRun.h"
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <sys/wait.h>
 #include <utility>
@@ -91,6 +92,44 @@ TEST_F(CommandActions, FailIfTheRecordOfThePathIsGone) {
         EXPECT_EQ(outcomeOf({.verb = verb, .paths = {copy}}, copies, "paths", emptyTheList).status, Status::Failed);
     }
     EXPECT_TRUE(isThere(copy));
+}
+
+// Another copy takes the path between the look at it and the action.
+TEST_F(CommandActions, LeaveACopyAloneThatTookTheOnesPlace) {
+    for (Verb const verb : {Verb::Trash, Verb::SwapIcon, Verb::Delete}) {
+        std::string const copy = copyAt("a");
+        CommandLine const line{.verb = verb, .paths = {copy}};
+        std::vector<Target> const targets = targetsOf(line);
+        std::filesystem::rename(home("a"), home("elsewhere"));
+        ASSERT_EQ(copyAt("a"), copy);
+        std::string const before = bytesOfFile(copy + "/Contents/Info.plist");
+        std::vector<Outcome> const outcomes = act(line, targets, Copies());
+        ASSERT_EQ(outcomes.size(), 1U);
+        EXPECT_EQ(outcomes[0].status, Status::Failed);
+        EXPECT_EQ(text(outcomes[0].reason), "another copy has taken its place");
+        EXPECT_EQ(bytesOfFile(copy + "/Contents/Info.plist"), before);
+        EXPECT_TRUE(isThere(home("elsewhere/Mirror Frame.app")));
+        std::filesystem::remove_all(home("elsewhere"));
+        std::filesystem::remove_all(home("a"));
+    }
+}
+
+TEST_F(CommandActions, LeaveAnotherCopyInTheTrashThatTookTheOnesPlace) {
+    std::string const copy = copyAt("a");
+    CommandLine const trash{.verb = Verb::Trash, .paths = {copy}};
+    std::vector<Outcome> const trashed = act(trash, targetsOf(trash), Copies());
+    ASSERT_EQ(trashed.size(), 1U);
+    std::string const inTrash = text(trashed[0].newPath);
+    CommandLine const line{.verb = Verb::Restore, .paths = {inTrash}};
+    std::vector<Target> const targets = targetsOf(line);
+    std::filesystem::rename(inTrash, home("elsewhere"));
+    std::filesystem::rename(copyAt("b"), inTrash);
+    std::vector<Outcome> const outcomes = act(line, targets, Copies());
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0].status, Status::Failed);
+    EXPECT_EQ(text(outcomes[0].path), inTrash);
+    EXPECT_TRUE(isThere(inTrash));
+    EXPECT_FALSE(isThere(copy));
 }
 
 // In a process of its own, whose signals may be changed.

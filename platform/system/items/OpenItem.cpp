@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace mac {
 
@@ -67,6 +68,10 @@ Result<OpenedName> openName(std::string const& folderPath, std::string const& na
 }
 
 } // namespace
+
+std::string OpenItem::pathForOtherPrograms() const {
+    return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(item.number());
+}
 
 std::string OpenItem::systemPath() const { return descriptorPath(item); }
 
