@@ -55,6 +55,9 @@ private:
     void connectButton(QAbstractButton* button);
     void connectFilter(QLineEdit* field);
     void connectWidgets();
+    void connectConditions(QWidget* widget, TableCover* cover);
+    // The part that covers the rows of the table that the widget names; null if it names none.
+    TableCover* coverRows(QWidget* widget);
     // The object that gets the owner's selector: the controller unless the property target names another.
     id targetOf(QObject const* owner);
     template <class Owner, class Signal>
