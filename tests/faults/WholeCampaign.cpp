@@ -100,8 +100,9 @@ bool tryOperation(Campaign& campaign, Operation const& operation) {
     }
     tellBreaks(campaign, first);
     Counts const& counts = campaign.counts();
-    std::cout << "so far, up to " << operation.name << ": "
-              << counts.faults + counts.kills + counts.exchanges + counts.races << " points\n"
+    std::cout << "so far, up to " << operation.name << ": " << counts.faults << " faults, " << counts.kills
+              << " kills, " << counts.exchanges << " exchanges, " << counts.races << " races, " << counts.prefixes
+              << " prefixes\n"
               << std::flush;
     return isTried;
 }
