@@ -58,10 +58,11 @@ function(framekeeper_library_room NAME)
   set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_LIBRARY_ROOMS framekeeper_${NAME})
 endfunction()
 
-# framekeeper_test(NAME [OWN_PROCESSES] SOURCES ... [USES ...]): a GoogleTest program, registered under its name. With
-# OWN_PROCESSES it starts itself in a process namespace of its own, however it is run.
+# framekeeper_test(NAME [OWN_PROCESSES] [X_DISPLAY] SOURCES ... [USES ...]): a GoogleTest program, registered under its
+# name. With OWN_PROCESSES it starts itself in a process namespace of its own, however it is run. With X_DISPLAY it, or
+# a program of ours that it starts, opens windows on a real X display.
 function(framekeeper_test NAME)
-  cmake_parse_arguments(TEST "OWN_PROCESSES" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(TEST "OWN_PROCESSES;X_DISPLAY" "" "SOURCES;USES" ${ARGN})
   add_executable(${NAME} ${TEST_SOURCES})
   framekeeper_compile_in_batches(${NAME})
   target_link_libraries(${NAME} PRIVATE framekeeper_options ${TEST_USES} framekeeper_test_support GTest::gtest)
@@ -73,7 +74,12 @@ function(framekeeper_test NAME)
     target_link_libraries(${NAME} PRIVATE framekeeper_own_processes)
   endif()
   add_test(NAME ${NAME} COMMAND ${NAME})
-  # The library of keyboard maps copies parts of texts that no zero ends, which strict checks take for a fault.
+  set(address_options detect_stack_use_after_return=1:strict_string_checks=1)
+  # What reads the keyboard map of an X display copies parts of texts that no zero ends, which strict checks take for a
+  # fault.
+  if(TEST_X_DISPLAY)
+    string(APPEND address_options :intercept_strndup=0)
+  endif()
   set_tests_properties(${NAME} PROPERTIES
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:intercept_strndup=0;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=${address_options};LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
 endfunction()

@@ -38,17 +38,17 @@ public:
     Running& operator=(Running const&) = delete;
 };
 
-NSAppleEventDescriptor refused(applescript::ScriptError const& error, NSDictionary* errorInfo) {
+NSAppleEventDescriptor errorInto(applescript::ScriptError const& error, NSDictionary* errorInfo) {
     if (errorInfo) *errorInfo = errorDictionary(error);
     return nil;
 }
 
 NSAppleEventDescriptor answered(applescript::ScriptOutcome const& outcome, NSDictionary* errorInfo) {
-    if (outcome.error) return refused(*outcome.error, errorInfo);
+    if (outcome.error) return errorInto(*outcome.error, errorInfo);
     try {
         return NSAppleEventDescriptor::descriptorWithAEDesc(applescript::descriptorOfValue(outcome.value));
     } catch (applescript::ScriptError const& error) {
-        return refused(error, errorInfo);
+        return errorInto(error, errorInfo);
     }
 }
 

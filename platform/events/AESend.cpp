@@ -40,13 +40,7 @@ OSStatus sendInPlace(AppleEvent const& event, AESendMode mode, AppleEvent& reply
     return noErr;
 }
 
-struct Wait {
-    EventDeadline deadline{};
-    // Empty: as long as the deadline lets it.
-    std::function<bool()> goesOn{};
-};
-
-std::optional<SendingOutcome> waitWhileWanted(PendingReply const& pending, Wait const& wait, Until until) {
+std::optional<SendingOutcome> waitWhileWanted(PendingReply const& pending, EventWait const& wait, Until until) {
     constexpr std::chrono::milliseconds betweenLooks{50};
     while (wait.goesOn) {
         auto const nextLook = std::chrono::steady_clock::now() + betweenLooks;
@@ -70,22 +64,33 @@ private:
 };
 
 // The reply in place of a process that receives no events; nullopt if there is none.
-std::optional<AppleEvent> replyInPlaceOf(ProcessIdentity const& process, AppleEvent const& event) {
+std::optional<AppleEvent> replyInPlaceOf(ProcessIdentity const& process, AppleEvent const& event,
+                                         EventWait const& wait) {
     if (isQuit(event)) return s_unansweredQuitHandler.load()(process) ? std::optional(makeReply(event)) : std::nullopt;
     EventStandIn const standIn = s_eventStandIn.load();
-    return standIn ? standIn(event, process) : std::nullopt;
+    return standIn ? standIn(event, process, wait) : std::nullopt;
 }
 
-// Hands the reply over as the mode says, and answers the status of the sending.
-OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
-    if (mode == kAEWaitReply) reply = answer;
-    if (mode == kAEQueueReply) enqueueAnswer(answer);
-    if (mode != kAENoReply) return noErr;
+OSStatus errorIn(AppleEvent const& answer) {
     AEDesc const* const error = findEntry(contentsOf(answer).entries, keyErrorNumber);
     return error ? valueOf<std::int32_t>(*error, typeSInt32).value_or(errAEEventFailed) : noErr;
 }
 
-OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, Wait const& wait,
+// Hands the reply over as the mode says, and answers the status of the sending.
+OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
+    OSStatus const error = errorIn(answer);
+    if (mode == kAENoReply) return error;
+    if (mode == kAEQueueReply) {
+        enqueueAnswer(answer);
+        return noErr;
+    }
+    // Whoever waits in vain gets no reply, whoever was to answer.
+    if (error == errAETimeout) return errAETimeout;
+    reply = answer;
+    return noErr;
+}
+
+OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, EventWait const& wait,
                        AppleEvent& reply) {
     Result<std::vector<std::byte>, Failure> flat = flattened(event);
     if (!flat.hasValue()) return memFullErr;
@@ -102,14 +107,15 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;
     if (outcome->hasNoEndpoint) {
-        std::optional<AppleEvent> const answer = replyInPlaceOf(process, event);
+        std::optional<AppleEvent> const answer =
+            replyInPlaceOf(process, event, mode == kAEWaitReply ? wait : EventWait());
         if (answer) return deliver(*answer, mode, reply);
     }
     reply = std::move(outcome->reply);
     return outcome->status;
 }
 
-OSStatus send(AppleEvent const& sent, AppleEvent* reply, AESendMode mode, Wait const& wait) {
+OSStatus send(AppleEvent const& sent, AppleEvent* reply, AESendMode mode, EventWait const& wait) {
     if (!isEvent(sent)) return errAENotAppleEvent;
     if (mode == 0) return errAEUnknownSendMode;
     AEDesc const* const address = findEntry(contentsOf(sent).attributes, keyAddressAttr);

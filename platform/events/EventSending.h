@@ -10,8 +10,17 @@
 
 namespace mac {
 
+// How long the sender of an event waits for its reply.
+struct EventWait {
+    // nullopt: no moment of its own ends the wait.
+    EventDeadline deadline{};
+    // Asked now and then on the sender's thread; false ends the wait, and so does an exception, which goes on to the
+    // sender. Empty: only the deadline ends it.
+    std::function<bool()> goesOn{};
+};
+
 // As AESendMessage does where a reply is waited for, up to the deadline. `goesOn` is asked now and then on this thread
-// while the reply is waited for, and may raise; when it answers NO, the wait is over with errAETimeout.
+// while the reply is waited for, and may raise; when it answers false, the wait is over with errAETimeout.
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
                      std::function<bool()> const& goesOn);
 
@@ -22,13 +31,15 @@ using QuitRequest = bool (*)(ProcessIdentity const& process);
 // is called. Any thread.
 void setUnansweredQuitHandler(QuitRequest handler);
 
-// Replies to an event in place of a process; nullopt if it does not stand in for that process.
-using EventStandIn = std::optional<AppleEvent> (*)(AppleEvent const& event, ProcessIdentity const& process);
+// Replies to an event in place of a process; nullopt if it does not stand in for that process. It ends what it does
+// when the wait is over, and replies with the error errAETimeout then.
+using EventStandIn = std::optional<AppleEvent> (*)(AppleEvent const& event, ProcessIdentity const& process,
+                                                   EventWait const& wait);
 
 // Sets what answers events other than 'quit' for processes that receive none; without it, as at first, sending them
 // fails with procNotFound or connectionInvalid. The stand-in is called while the event is being sent. If no reply is
 // wanted, the error number in its reply is the status of the sending, so that noErr means that the event was carried
-// out. Any thread.
+// out; nothing ends the wait then. Any thread.
 void setEventStandIn(EventStandIn standIn);
 
 } // namespace mac

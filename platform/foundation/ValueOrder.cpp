@@ -232,7 +232,7 @@ private:
         case Stage::Merging:
             break;
         }
-        return mergeNext();
+        return merge(work);
     }
 
     void begin() {
@@ -254,37 +254,46 @@ private:
         criterion().finish(m_items);
         m_merged.assign(m_items.size(), {});
         m_width = 1;
-        m_start = 0;
         m_stage = Stage::Merging;
+        beginMerge(0);
         return count;
     }
 
-    std::size_t mergeNext() {
-        auto const at = [](auto begin, std::size_t index) { return begin + static_cast<std::ptrdiff_t>(index); };
-        auto const isLess = [this](SortItem const& one, SortItem const& other) {
-            return criterion().isBefore(criterion().compare(one, other));
-        };
-        std::size_t const stop = std::min(m_start + 2 * m_width, m_items.size());
-        auto const first = at(m_items.begin(), m_start);
-        auto const middle = at(m_items.begin(), std::min(m_start + m_width, m_items.size()));
-        auto const end = at(m_items.begin(), stop);
-        auto const target = at(m_merged.begin(), m_start);
-        bool const isInOrder = middle == end || !isLess(*middle, *(middle - 1));
-        if (isInOrder)
-            std::copy(first, end, target);
+    bool isLess(SortItem const& one, SortItem const& other) {
+        return criterion().isBefore(criterion().compare(one, other));
+    }
+
+    // The two parts that begin there are merged next.
+    void beginMerge(std::size_t start) {
+        m_start = start;
+        m_middle = std::min(start + m_width, m_items.size());
+        m_stop = std::min(m_middle + m_width, m_items.size());
+        m_left = m_start;
+        m_right = m_middle;
+        m_isInOrder = m_middle == m_stop || !isLess(m_items[m_middle], m_items[m_middle - 1]);
+    }
+
+    // Moves at most so many items on.
+    std::size_t merge(std::size_t most) {
+        std::size_t const count = std::min(most, m_middle - m_left + m_stop - m_right);
+        std::size_t target = m_start + (m_left - m_start) + (m_right - m_middle);
+        for (std::size_t const end = target + count; target < end; ++target) {
+            bool const isFromBoth = !m_isInOrder && m_left < m_middle && m_right < m_stop;
+            bool const isFromRight = isFromBoth ? isLess(m_items[m_right], m_items[m_left]) : m_left == m_middle;
+            m_merged[target] = m_items[isFromRight ? m_right++ : m_left++];
+        }
+        if (target < m_stop) return count;
+        if (m_stop == m_items.size())
+            endPass();
         else
-            std::merge(first, middle, middle, end, target, isLess);
-        std::size_t const done = stop - m_start;
-        m_start = stop;
-        if (m_start == m_items.size()) endPass();
-        return done;
+            beginMerge(m_stop);
+        return count;
     }
 
     void endPass() {
         m_items.swap(m_merged);
-        m_start = 0;
         m_width *= 2;
-        if (m_width < m_items.size()) return;
+        if (m_width < m_items.size()) return beginMerge(0);
         m_stage = Stage::Idle;
         for (std::size_t index = 0; index < m_items.size(); ++index)
             m_rows[m_range.first + index] = m_items[index].row;
@@ -307,7 +316,14 @@ private:
     // The next pass of the merge, as far as it is done; so long are the parts that are in order.
     std::vector<SortItem> m_merged;
     std::size_t m_width{1};
+    // Two neighbouring parts that are being merged: where they begin and end, and what comes next of each.
     std::size_t m_start{0};
+    std::size_t m_middle{0};
+    std::size_t m_stop{0};
+    std::size_t m_left{0};
+    std::size_t m_right{0};
+    // Nothing of the second part belongs before the end of the first.
+    bool m_isInOrder{false};
 };
 
 RowOrdering::RowOrdering(std::span<id const> values, NSArray const& descriptors)

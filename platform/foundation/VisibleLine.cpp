@@ -19,7 +19,8 @@ std::string escaped(char16_t unit) {
 bool isDangerous(char16_t unit) {
     bool const isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
     bool const isBreakOrDirection = (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-    return isControl || isBreakOrDirection;
+    bool const isDirectionMark = unit == 0x061C || unit == 0x200E || unit == 0x200F;
+    return isControl || isBreakOrDirection || isDirectionMark;
 }
 
 } // namespace

@@ -26,6 +26,13 @@ std::string schemeOf(std::string const& url) {
     return isScheme ? scheme : std::string();
 }
 
+// The bytes of the path; nullopt for a file of another computer, which is not the one of that path here.
+std::optional<std::string> pathOfURL(NSURL const& url) {
+    NSString const host = url.host();
+    bool const isHere = host == nil || host.length() == 0 || asciiLowercase(host.UTF8String()) == "localhost";
+    return isHere ? url.path().fileSystemRepresentation() : std::nullopt;
+}
+
 } // namespace
 
 // Answers nothing. A file's URL opens the file as a double click does.
@@ -35,8 +42,7 @@ Value openLocation(Evaluator& evaluator, CommandArguments const& arguments) {
     std::string const scheme = schemeOf(url);
     if (scheme.empty()) throw plainError(errors::Parameter);
     if (scheme == "file") {
-        NSString const path = NSURL::URLWithString_(NSString::stringWithUTF8String_(url)).path();
-        std::optional<std::string> const bytes = path.fileSystemRepresentation();
+        std::optional<std::string> const bytes = pathOfURL(NSURL::URLWithString_(NSString::stringWithUTF8String_(url)));
         if (!bytes) throw fileNotFound(arguments.direct);
         finder::openPath(*bytes, arguments.direct);
         return {};

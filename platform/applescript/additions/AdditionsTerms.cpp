@@ -191,7 +191,8 @@ constexpr auto RequiredDirect = DirectParameter::Required;
 // Whether a command reads or changes more than the script's own values; it is refused to a script that may only
 // compute.
 enum class Effects { None, OnComputer };
-using enum Effects;
+constexpr auto NoEffects = Effects::None;
+constexpr auto OnComputer = Effects::OnComputer;
 
 struct AdditionRow {
     CommandTerm term;
@@ -201,15 +202,15 @@ struct AdditionRow {
 };
 
 constexpr auto AdditionCommands = std::to_array<AdditionRow>({
-    {{.name = u"offset", .code = eventOf("sysooffs"), .parameters = Offset}, additions::offset, None},
+    {{.name = u"offset", .code = eventOf("sysooffs"), .parameters = Offset}, additions::offset, NoEffects},
     {{.name = u"round", .code = eventOf("sysorond"), .direct = RequiredDirect, .parameters = Round},
      additions::round,
-     None},
+     NoEffects},
     {{.name = u"random number", .code = eventOf("sysorand"), .direct = OptionalDirect, .parameters = RandomNumber},
      additions::randomNumber,
-     None},
-    {{.name = u"current date", .code = eventOf("misccurd")}, additions::currentDate, None},
-    {{.name = u"time to GMT", .code = eventOf("sysogtmt")}, additions::timeToGMT, None},
+     NoEffects},
+    {{.name = u"current date", .code = eventOf("misccurd")}, additions::currentDate, NoEffects},
+    {{.name = u"time to GMT", .code = eventOf("sysogtmt")}, additions::timeToGMT, NoEffects},
     {{.name = u"delay", .code = eventOf("sysodela"), .direct = OptionalDirect}, additions::delay, OnComputer},
     {{.name = u"path to",
       .code = eventOf("earsffdr"),
@@ -246,7 +247,7 @@ constexpr auto AdditionCommands = std::to_array<AdditionRow>({
      OnComputer},
     {{.name = u"run script", .code = eventOf("sysodsct"), .direct = RequiredDirect, .parameters = RunScript},
      additions::runScript,
-     None},
+     NoEffects},
     {{.name = u"load script", .code = eventOf("sysoload"), .direct = RequiredDirect},
      additions::loadScript,
      OnComputer},
@@ -262,14 +263,16 @@ constexpr auto AdditionCommands = std::to_array<AdditionRow>({
     {{.name = u"system info", .code = eventOf("sysosigt")}, additions::systemInfo, OnComputer},
     {{.name = u"ASCII character", .code = eventOf("sysontoc"), .direct = RequiredDirect},
      additions::asciiCharacter,
-     None},
-    {{.name = u"ASCII number", .code = eventOf("sysocton"), .direct = RequiredDirect}, additions::asciiNumber, None},
+     NoEffects},
+    {{.name = u"ASCII number", .code = eventOf("sysocton"), .direct = RequiredDirect},
+     additions::asciiNumber,
+     NoEffects},
     {{.name = u"localized string",
       .code = eventOf("sysolstr"),
       .direct = RequiredDirect,
       .parameters = LocalizedString},
      additions::localizedString,
-     None},
+     NoEffects},
     {{.name = u"open location", .code = eventOf("GURLGURL"), .direct = OptionalDirect},
      additions::openLocation,
      OnComputer},
@@ -320,7 +323,7 @@ constexpr auto AdditionCommands = std::to_array<AdditionRow>({
      additions::chooseFromList,
      OnComputer},
     // The language has the word for it.
-    {{.name = {}, .code = eventOf("ascrcmnt")}, additions::log, None},
+    {{.name = {}, .code = eventOf("ascrcmnt")}, additions::log, NoEffects},
 });
 
 AdditionRow const* rowOf(EventCode event) {

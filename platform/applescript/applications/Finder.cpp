@@ -238,7 +238,9 @@ protected:
 
     ModelPointer objectOfFile(FileObject const& file) override {
         std::optional<std::string> const path = fileSystemBytesFromUnits(file.path);
-        return path ? FinderItem::atPath(*path) : nullptr;
+        std::shared_ptr<FinderItem> const item = path ? FinderItem::atPath(*path) : nullptr;
+        bool const isMeant = item && (!file.identity || item->facts().identity == *file.identity);
+        return isMeant ? item : nullptr;
     }
 };
 

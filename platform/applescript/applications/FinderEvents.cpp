@@ -13,8 +13,11 @@
 #include "platform/files/ItemReferences.h"
 #include "platform/foundation/Encodings.h"
 #include "platform/foundation/EventLoop.h"
+#include "platform/system/items/ItemIdentity.h"
+#include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace mac {
 
@@ -22,7 +25,7 @@ namespace {
 
 using namespace applescript;
 
-// The item that a reference leads to now.
+// The item that a reference leads to now. Whatever is done to the file later finds that very item, or none.
 Value fileOfReference(AEDesc const& reference) {
     std::vector<std::byte> const& bytes = contentsOf(reference).bytes;
     FSRef ref{};
@@ -30,26 +33,18 @@ Value fileOfReference(AEDesc const& reference) {
     std::memcpy(&ref, bytes.data(), sizeof ref);
     Result<ReferencedItem> const item = itemOfReference(ref);
     if (!item.hasValue()) throw plainError(errors::FileNotFound);
-    return makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias,
-                                  unitsFromFileSystemBytes(item.value().path));
+    Result<OpenItem> const open = openItemOfReference(ref);
+    Result<IdentifiedItem> const identified =
+        open.hasValue() ? identify(open.value().item) : Result<IdentifiedItem>(open.problem());
+    if (!identified.hasValue()) throw plainError(errors::FileNotFound);
+    Value file =
+        makeObject<FileObject>(ValueKind::File, FileObject::Kind::Alias, unitsFromFileSystemBytes(item.value().path));
+    file.file().identity = identified.value().identity;
+    return file;
 }
 
-bool isReference(AEDesc const& desc) { return desc.descriptorType == typeFSRef; }
-
-// A parameter as scripts know it. They have no references to files; a list with one is converted item by item.
-Value valueOfParameter(AEDesc const& desc) {
-    if (isReference(desc)) return fileOfReference(desc);
-    DescriptorContents const& contents = contentsOf(desc);
-    bool const hasReferences =
-        contents.form == DescriptorForm::List &&
-        std::ranges::any_of(contents.entries, [](DescriptorEntry const& entry) { return isReference(entry.desc); });
-    if (!hasReferences) return valueOfDescriptor(desc, finderItself());
-    std::vector<Value> items;
-    for (DescriptorEntry const& entry : contents.entries)
-        items.push_back(isReference(entry.desc) ? fileOfReference(entry.desc)
-                                                : valueOfDescriptor(entry.desc, finderItself()));
-    return Value::list(std::move(items));
-}
+// Scripts have no references to files; events for the Finder may hold them anywhere.
+Value fileIfReference(AEDesc const& desc) { return desc.descriptorType == typeFSRef ? fileOfReference(desc) : Value(); }
 
 CommandTerm const& termOf(EventCode code) {
     Terminology const* const terms = terminologyOfApplication(finderItself().application().name);
@@ -64,14 +59,14 @@ Code classIn(ApplicationCommand const& command, Code parameter) {
 }
 
 // The value that a command of the core suite needs; -1701 if the event lacks it.
-Value const& required(Value const* value) {
+Value const& givenValue(Value const* value) {
     if (!value || value->isNothing()) throw plainError(errors::MissingParameter);
     return *value;
 }
 
 // What is asked about: an object of the Finder, also if the event names it as a file.
 Value objectIn(Value const* value) {
-    Value const& object = required(value);
+    Value const& object = givenValue(value);
     if (object.is(ValueKind::File)) return fileInApplication(object, finderItself());
     if (!isToldTo(object)) throw plainError(errors::NotOfThisClass);
     return object;
@@ -83,7 +78,7 @@ Value performCommand(Evaluator& evaluator, ApplicationCommand const& command) {
     case commonTerms::GetEvent:
         return getInApplication(objectIn(&command.direct), classIn(command, codes::RequestedTypeParameter), context);
     case commonTerms::SetEvent:
-        setInApplication(objectIn(&command.direct), required(command.find(codes::DataParameter)), context);
+        setInApplication(objectIn(&command.direct), givenValue(command.find(codes::DataParameter)), context);
         return {};
     case commonTerms::ExistsEvent:
         return Value::boolean(existsInApplication(objectIn(&command.direct), context));
@@ -97,13 +92,13 @@ Value performCommand(Evaluator& evaluator, ApplicationCommand const& command) {
     }
 }
 
-Value perform(AppleEvent const& event) {
+Value perform(AppleEvent const& event, EventWait const& wait) {
     constexpr unsigned bitsOfCode = 32;
     EventCode const code =
         EventCode{codeAttribute(event, keyEventClassAttr)} << bitsOfCode | codeAttribute(event, keyEventIDAttr);
     ApplicationCommand command{.term = termOf(code), .subject = finderItself()};
     for (DescriptorEntry const& entry : contentsOf(event).entries) {
-        Value const value = valueOfParameter(entry.desc);
+        Value const value = valueOfDescriptor(entry.desc, finderItself(), fileIfReference);
         if (entry.keyword == keyDirectObject)
             command.direct = value;
         else
@@ -112,7 +107,8 @@ Value perform(AppleEvent const& event) {
     // Not the state of a script that may run meanwhile, whose considerations and bounds are its own.
     EngineState state;
     RunOptions const options;
-    RunLimits const limits(nullptr, 0);
+    RunLimits const limits(wait.goesOn, wait.deadline);
+    limits.stopIfAsked();
     Evaluator evaluator(state, options);
     return performCommand(evaluator, command);
 }
@@ -126,19 +122,22 @@ AppleEvent replyWithError(AppleEvent const& event, ScriptError const& error) {
 
 } // namespace
 
-std::optional<AppleEvent> finderReplyTo(AppleEvent const& event, ProcessIdentity const& process) {
+std::optional<AppleEvent> finderReplyTo(AppleEvent const& event, ProcessIdentity const& process,
+                                        EventWait const& wait) {
     if (!isMainThread()) return std::nullopt;
     std::vector<ProcessIdentity> const browsers = fileBrowserProcesses();
     if (std::ranges::find(browsers, process) == browsers.end()) return std::nullopt;
     try {
         AppleEvent reply = makeReply(event);
-        Value const result = perform(event);
+        Value const result = perform(event, wait);
         if (!result.isNothing()) putEntry(reply, keyDirectObject, descriptorOfValue(result, finderItself()));
         return reply;
     } catch (ScriptError const& error) {
         return replyWithError(event, error);
     } catch (ScriptStopped const& stopped) {
         return replyWithError(event, stopped.error);
+    } catch (std::bad_alloc const&) {
+        return replyWithError(event, plainError(errors::OutOfMemory));
     }
 }
 

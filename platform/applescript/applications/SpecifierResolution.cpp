@@ -27,6 +27,9 @@ std::optional<Code> examinedProperty(Value const& operand) {
     return part->form == Form::Property ? std::optional(part->property->code) : std::nullopt;
 }
 
+// The list is a script's, whose handlers may change it while an application is asked about the items.
+std::vector<Value> itemsNow(Value const& list) { return {list.items().begin(), list.items().end()}; }
+
 } // namespace
 
 Meant SpecifierResolution::follow(Value const& meant) {
@@ -46,7 +49,7 @@ Meant SpecifierResolution::origin(Value const& meant) {
     }
     if (!meant.is(ValueKind::List)) return {.value = meant};
     std::vector<Meant> list;
-    for (Value const& item : meant.items())
+    for (Value const& item : itemsNow(meant))
         list.push_back(follow(item));
     return {.list = std::move(list)};
 }
@@ -213,7 +216,7 @@ Meant SpecifierResolution::filtered(Meant const& container, Value const& filter)
 
 std::vector<ModelPointer> SpecifierResolution::elementsIn(Value const& list, Code elementType) {
     std::vector<ModelPointer> elements;
-    for (Value const& item : list.items()) {
+    for (Value const& item : itemsNow(list)) {
         Meant const meant = isInApplication(item) ? follow(item) : Meant();
         if (meant.object && meant.object->isOfType(elementType)) elements.push_back(meant.object);
     }

@@ -1,5 +1,6 @@
 #include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/language/Terminology.h"
+#include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/DescriptorKeywords.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
 #include "platform/applescript/runtime/ScriptDescriptors.h"
@@ -117,7 +118,8 @@ Value processIn(AEDesc const& desc) {
 
 class DescriptorReader {
 public:
-    explicit DescriptorReader(Value const& application) : m_application(application) {}
+    DescriptorReader(Value const& application, ForeignDescriptors valueOfForeign)
+        : m_application(application), m_valueOfForeign(valueOfForeign) {}
 
     Value value(AEDesc const& desc) {
         requireStackRoom();
@@ -127,6 +129,7 @@ public:
         if (form == DescriptorForm::List) return listIn(desc);
         if (form == DescriptorForm::Record) return containerIn(desc);
         if (form == DescriptorForm::Event) return dataIn(desc);
+        if (Value foreign = m_valueOfForeign ? m_valueOfForeign(desc) : Value(); !foreign.isNothing()) return foreign;
         if (isTextType(type)) return Value::text(textIn(desc));
         if (type == typeTrue || type == typeFalse) return Value::boolean(type == typeTrue);
         if (type == typeBoolean) return truthIn(desc);
@@ -215,7 +218,10 @@ private:
         DescType const type = desc.descriptorType;
         if (type == typeNull) return m_application;
         if (type == ObjectBeingExamined || type == CurrentContainer) return {};
-        return value(desc);
+        Value read = value(desc);
+        // A part of a file in an application's own events is a part of that application's item.
+        bool const isOfItem = m_valueOfForeign && read.is(ValueKind::File);
+        return isOfItem ? fileInApplication(read, m_application) : read;
     }
 
     Value specifierIn(AEDesc const& desc) {
@@ -356,13 +362,14 @@ private:
     }
 
     Value const& m_application;
+    ForeignDescriptors m_valueOfForeign;
     std::size_t m_count{0};
 };
 
 } // namespace
 
-Value valueOfDescriptor(AEDesc const& desc, Value const& application) {
-    return DescriptorReader(application).value(desc);
+Value valueOfDescriptor(AEDesc const& desc, Value const& application, ForeignDescriptors valueOfForeign) {
+    return DescriptorReader(application, valueOfForeign).value(desc);
 }
 
 } // namespace mac::applescript

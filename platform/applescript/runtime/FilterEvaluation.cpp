@@ -81,10 +81,15 @@ private:
         requireStackRoom();
         Expression const& part = unparenthesized(expression);
         if (part.is<ItReference>()) return propertySpecifier(termSymbol(codes::It, u"it"), Value());
-        if (!isOfExamined(part)) return valueOf(m_evaluator, part);
+        return isOfExamined(part) ? examinedPart(part) : valueOf(m_evaluator, part);
+    }
+
+    // A part of what is examined lies in other parts of it alone, so nothing is asked about them again.
+    Value examinedPart(Expression const& part) const {
+        requireStackRoom();
         Expression const* const outer = wholeAround(part);
         bool const isInPart = outer && !unparenthesized(*outer).is<ItReference>();
-        Value const container = isInPart ? examined(*outer) : Value();
+        Value const container = isInPart ? examinedContainer(unparenthesized(*outer)) : Value();
         if (PropertyReference const* const property = part.as<PropertyReference>())
             return propertySpecifier(property->name, container);
         ElementSelector const selector = selectorOf(m_evaluator, *part.as<ElementReference>());
@@ -95,6 +100,13 @@ private:
     Value examined(Expression const& expression) const {
         Code const code = classNamed(unparenthesized(expression));
         if (code == 0 || code == codes::MissingValue) return operand(expression);
+        return propertySpecifier(termSymbol(code, nameOfCode(code)), Value());
+    }
+
+    Value examinedContainer(Expression const& container) const {
+        Code const code = classNamed(container);
+        if (code == 0) return examinedPart(container);
+        if (code == codes::MissingValue) return valueOf(m_evaluator, container);
         return propertySpecifier(termSymbol(code, nameOfCode(code)), Value());
     }
 

@@ -3,7 +3,9 @@
 #include "platform/applescript/language/SourceRange.h"
 #include "platform/applescript/runtime/ScriptValue.h"
 #include "platform/applescript/runtime/ValueList.h"
+#include "platform/system/items/ItemIdentity.h"
 #include <memory>
+#include <optional>
 
 namespace mac::applescript {
 
@@ -82,6 +84,9 @@ struct FileObject final : HeapObject {
     FileObject(Kind kindOfFile, std::u16string posixPath) : kind(kindOfFile), path(std::move(posixPath)) {}
     Kind kind;
     std::u16string path;
+    // The item that is meant, of a file that an event refers to by more than its path: another one that has taken its
+    // place is not that file.
+    std::optional<ItemIdentity> identity{};
 };
 
 struct ApplicationObject final : HeapObject {

@@ -1,6 +1,7 @@
 #include "platform/applescript/runtime/RunLimits.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include <algorithm>
+#include <utility>
 
 namespace mac::applescript {
 
@@ -14,10 +15,24 @@ RunLimits::Clock::time_point timeIn(double seconds) {
     return RunLimits::Clock::now() + std::chrono::duration_cast<RunLimits::Clock::duration>(duration);
 }
 
+// Whoever waits may look at the limits of its own run, which are not those of what it waits for.
+bool askedAmong(RunLimits* limits, std::function<bool()> const& goesOn) {
+    struct Restore {
+        RunLimits* inner;
+        ~Restore() { s_current = inner; }
+    } const restore{std::exchange(s_current, limits)};
+    return goesOn();
+}
+
 } // namespace
 
 RunLimits::RunLimits(std::atomic<bool> const* cancelled, double seconds) : m_outer(s_current), m_cancelled(cancelled) {
     if (seconds > 0) m_deadline = timeIn(seconds);
+    s_current = this;
+}
+
+RunLimits::RunLimits(std::function<bool()> goesOn, std::optional<Clock::time_point> deadline)
+    : m_outer(s_current), m_goesOn(std::move(goesOn)), m_deadline(deadline) {
     s_current = this;
 }
 
@@ -29,6 +44,7 @@ void RunLimits::stopIfAsked() const {
     if (m_cancelled && m_cancelled->load(std::memory_order_relaxed))
         throw ScriptStopped{plainError(errors::UserCanceled)};
     if (m_deadline && Clock::now() >= *m_deadline) throw ScriptStopped{plainError(errors::TimedOut)};
+    if (m_goesOn && !askedAmong(m_outer, m_goesOn)) throw ScriptStopped{plainError(errors::TimedOut)};
     if (m_outer) m_outer->stopIfAsked();
 }
 
@@ -40,7 +56,8 @@ bool mayRunGoOn() {
     try {
         stopRunIfAsked();
         return true;
-    } catch (ScriptStopped const&) {
+    } catch (...) {
+        // What is thrown here comes again when the run looks at its limits the next time.
         return false;
     }
 }

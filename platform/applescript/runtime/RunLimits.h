@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace mac::applescript {
@@ -15,6 +16,9 @@ public:
 
     // `cancelled` may be null: never; so may 0 seconds.
     RunLimits(std::atomic<bool> const* cancelled, double seconds);
+    // For what is done while another one waits for it: the run ends when `goesOn`, which may be empty, answers false or
+    // when the time has come.
+    RunLimits(std::function<bool()> goesOn, std::optional<Clock::time_point> deadline);
     ~RunLimits();
     RunLimits(RunLimits const&) = delete;
     RunLimits& operator=(RunLimits const&) = delete;
@@ -22,7 +26,7 @@ public:
     // Null where no script runs.
     static RunLimits* current();
 
-    // Throws ScriptStopped when the run is to end.
+    // Throws ScriptStopped when the run is to end, and what `goesOn` throws.
     void stopIfAsked() const;
     // How many seconds the reply of another program is waited for; a script may say it.
     double replySeconds() const { return m_replySeconds; }
@@ -32,7 +36,8 @@ private:
     friend Clock::time_point endOfReply();
 
     RunLimits* m_outer;
-    std::atomic<bool> const* m_cancelled;
+    std::atomic<bool> const* m_cancelled{nullptr};
+    std::function<bool()> m_goesOn{};
     std::optional<Clock::time_point> m_deadline{};
     double m_replySeconds{StandardReplySeconds};
 };

@@ -19,6 +19,10 @@ AEDesc descriptorOfValue(Value const& value, Value const& application = {});
 
 // Nothing for a null descriptor; a type that no value stands for becomes raw data. Throws -1702 for a descriptor that
 // is not what its type says, -2708 for more than a million values.
-Value valueOfDescriptor(AEDesc const& desc, Value const& application = {});
+//
+// `valueOfForeign`, if it is given, is asked first about each descriptor of bytes, at any depth: for types that stand
+// for something only in some application's events. Nothing leaves the descriptor to the rules above.
+using ForeignDescriptors = Value (*)(AEDesc const& desc);
+Value valueOfDescriptor(AEDesc const& desc, Value const& application = {}, ForeignDescriptors valueOfForeign = nullptr);
 
 } // namespace mac::applescript

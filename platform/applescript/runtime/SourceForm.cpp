@@ -43,7 +43,7 @@ std::u16string decimalText(std::int32_t number) {
     return std::u16string(digits.begin(), digits.end());
 }
 
-std::u16string quoted(std::u16string_view text) {
+std::u16string inQuotes(std::u16string_view text) {
     std::u16string form = u"\"";
     for (char16_t const unit : text) {
         if (unit == u'"' || unit == u'\\') form += u'\\';
@@ -149,7 +149,7 @@ private:
     }
 
     // People read no quotes.
-    void writeQuoted(std::u16string_view text) { m_form += m_isSource ? quoted(text) : std::u16string(text); }
+    void writeQuoted(std::u16string_view text) { m_form += m_isSource ? inQuotes(text) : std::u16string(text); }
 
     void open(std::u16string_view bracket) {
         if (m_isSource) m_form += bracket;

@@ -157,7 +157,7 @@ std::u16string withoutIgnored(std::u16string_view text, unsigned considered) {
 }
 
 // Plain text compared plainly needs no folding: most of what scripts compare.
-bool isPlain(std::u16string_view text, unsigned considered) {
+bool comparesByUnits(std::u16string_view text, unsigned considered) {
     if ((considered & Considerations::Standard) != Considerations::Standard) return false;
     return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
 }
@@ -183,7 +183,7 @@ bool matchesAt(FoldedText const& text, FoldedText const& sought, std::size_t pla
 bool isEqualText(std::u16string_view one, std::u16string_view other, unsigned considered) {
     if (one == other) return true;
     if ((considered & Considerations::NumericStrings) != 0) return compareText(one, other, considered) == 0;
-    if (isPlain(one, considered) && isPlain(other, considered))
+    if (comparesByUnits(one, considered) && comparesByUnits(other, considered))
         return std::ranges::equal(one, other,
                                   [&](char16_t left, char16_t right) { return isSameUnit(left, right, considered); });
     return folded(one, considered).points == folded(other, considered).points;
@@ -208,7 +208,7 @@ int compareText(std::u16string_view one, std::u16string_view other, unsigned con
 std::optional<TextMatch> findText(std::u16string_view text, std::u16string_view sought, std::size_t from,
                                   unsigned considered) {
     if (from > text.size() || sought.empty()) return {};
-    if (isPlain(sought, considered)) {
+    if (comparesByUnits(sought, considered)) {
         auto const same = [&](char16_t one, char16_t other) { return isSameUnit(one, other, considered); };
         std::size_t place = from;
         while (true) {

@@ -1,6 +1,5 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include <algorithm>
@@ -87,7 +86,8 @@ std::string outcomeText(std::string const& source) {
 }
 
 std::string withHome(std::string const& text, std::string const& home) {
-    std::string const hfs = utf8FromUnits(hfsPathFromPOSIXPath(unitsFromFileSystemBytes(home), true));
+    // The home's path is of plain letters.
+    std::string const hfs = utf8FromUnits(nameOfStartupVolume()) + replaced(home, "/", ":") + ":";
     std::string folder = "startup disk of application \"Finder\"";
     for (std::size_t begin = 1; begin < home.size();) {
         std::size_t const end = std::min(home.find('/', begin), home.size());
@@ -105,9 +105,7 @@ bool needsHome(Pair const& pair) {
 
 // The pairs are of a computer whose startup volume has no label.
 std::string withStartupVolume(std::string const& text) {
-    std::u16string name = startupVolumeName();
-    std::ranges::replace(name, u':', u'/');
-    return replaced(text, "Macintosh HD", utf8FromUnits(name));
+    return replaced(text, "Macintosh HD", utf8FromUnits(nameOfStartupVolume()));
 }
 
 class Conformance : public testing::TestWithParam<Pair> {};

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/foundation/Encodings.h"
+#include "tests/support/CommandOutput.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
 
 namespace mac::applescript::test {
 
@@ -39,5 +42,18 @@ private:
     // What folders of the desktop there are, only this home's own list says.
     mac::test::EnvironmentVariable m_desktop{"XDG_DESKTOP_DIR", ""};
 };
+
+// What HFS paths on this computer begin with, as another program tells it: the label of the volume at the root, or
+// "Macintosh HD" for one without. A colon, which would end the name, is a slash there.
+inline std::u16string const& nameOfStartupVolume() {
+    static std::u16string const name = [] {
+        std::string label = mac::test::outputOf({"/usr/bin/findmnt", "--noheadings", "--output", "LABEL", "/"});
+        label.erase(std::min(label.find('\n'), label.size()));
+        std::u16string units = label.empty() ? u"Macintosh HD" : unitsFromFileSystemBytes(label);
+        std::ranges::replace(units, u':', u'/');
+        return units;
+    }();
+    return name;
+}
 
 } // namespace mac::applescript::test

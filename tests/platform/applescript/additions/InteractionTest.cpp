@@ -269,6 +269,30 @@ TEST(Interaction, ChoosesAFolderAndANameForAFile) {
     EXPECT_EQ(person.files.name, u"untitled");
 }
 
+TEST(Interaction, OpensALocation) {
+    ScriptHome const home;
+    EnvironmentVariable const display("DISPLAY", ":of-nobody");
+    // Read until the program has written and closed it.
+    std::string const told = home.path("told");
+    ASSERT_EQ(::mkfifo(told.c_str(), S_IRUSR | S_IWUSR), 0);
+    std::string const program = home.folder().makeFile("browser", "#!/bin/sh\necho \"$*\" >'" + told + "'\n");
+    ASSERT_EQ(::chmod(program.c_str(), S_IRWXU), 0);
+    home.folder().makeFile(".local/share/applications/web.desktop",
+                           "[Desktop Entry]\nType=Application\nName=Web\nExec=" + program + " --open %u\n");
+    home.folder().makeFile(".config/mimeapps.list", "[Default Applications]\nx-scheme-handler/https=web.desktop\n");
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"HTTPS://example.org/?a=b%20c&d\""), "");
+    EXPECT_EQ(mac::test::textOf(told), "--open HTTPS://example.org/?a=b%20c&d\n");
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"unknown:a\"").ends_with("(-10814)"));
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"file:///no/such/item\"").ends_with("(-1728)"));
+    // The file of another computer is not the one that has its path here.
+    std::u16string const here = unitsFromFileSystemBytes(home.path("Documents"));
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"file://elsewhere" + here + u"\"").ends_with("(-43)"));
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"no location\""), "Parameter error. (-50)");
+    EXPECT_EQ(sourceOrErrorOf(u"open location \"-o:a\""), "Parameter error. (-50)");
+    EnvironmentVariable const noDisplay("DISPLAY", std::nullopt);
+    EXPECT_TRUE(sourceOrErrorOf(u"open location \"https://example.org/\"").ends_with("(-1713)"));
+}
+
 TEST(Interaction, ChoosesAURL) {
     Person person;
     person.answer = {.button = 1, .answer = u"https://example.org/"};

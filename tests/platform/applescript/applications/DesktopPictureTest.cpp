@@ -118,6 +118,38 @@ TEST_F(DesktopPictureOn, LXQtIsInTheSettingsOfItsFileBrowser) {
     EXPECT_EQ(calls(), "pcmanfm-qt --set-wallpaper=" + m_picture + "\n");
 }
 
+TEST_F(DesktopPictureOn, LXQtsSettingsHaveQuotesAndEscapes) {
+    EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "LXQt");
+    makeProgram("pcmanfm-qt", "");
+    auto const pictureOf = [&](std::string const& written) {
+        m_home.folder().makeFile(".config/pcmanfm-qt/lxqt/settings.conf", "[Desktop]\nWallpaper=" + written + "\n");
+        return picture();
+    };
+    EXPECT_EQ(pictureOf(R"("/a, b;c=d.png")"), R"("/a, b;c=d.png")");
+    EXPECT_EQ(pictureOf(R"(/\x20ac\xd83d\xde00.png)"), "\"/€😀.png\"");
+    EXPECT_EQ(pictureOf(R"("/a\"b\\c.png")"), R"("/a\"b\\c.png")");
+    EXPECT_EQ(pictureOf("/gr\u00fcn.png"), "\"/gr\u00fcn.png\"");
+    EXPECT_EQ(pictureOf("\\"), "Can’t get POSIX path of missing value. (-1728)");
+}
+
+TEST_F(DesktopPictureOn, PlasmaIsThatOfTheFirstScreenThatIsThere) {
+    EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "KDE");
+    makeProgram("plasma-apply-wallpaperimage", "");
+    auto const containment = [](std::string const& number, std::string const& keys) {
+        std::string const group = "[Containments][" + number + "]";
+        return group + "\n" + keys + "\n" + group + "[Wallpaper][org.kde.image][General]\nImage=/" + number +
+               ".png\n\n";
+    };
+    m_home.folder().makeFile(".config/kactivitymanagerdrc", "[main]\ncurrentActivity=now\n");
+    m_home.folder().makeFile(".config/plasma-org.kde.plasma.desktop-appletsrc",
+                             containment("1", "lastScreen=-1\nactivityId=now\nwallpaperplugin=org.kde.image\n") +
+                                 containment("2", "lastScreen=0\nactivityId=now\nwallpaperplugin=org.kde.color\n") +
+                                 containment("3", "lastScreen=0\nactivityId=before\nwallpaperplugin=org.kde.image\n") +
+                                 containment("4", "lastScreen=1\nactivityId=now\nwallpaperplugin=org.kde.image\n") +
+                                 containment("5", "lastScreen=0\nactivityId=now\nwallpaperplugin=org.kde.image\n"));
+    EXPECT_EQ(picture(), "\"/5.png\"");
+}
+
 TEST_F(DesktopPictureOn, AnUnknownOneIsRefusedAndSoIsAMissingProgram) {
     {
         EnvironmentVariable const desktop("XDG_CURRENT_DESKTOP", "Unknown");

@@ -1,13 +1,16 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
+#include "platform/desktop/Session.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
+#include "tests/platform/desktop/Desktop.h"
 #include "tests/support/ChildProcess.h"
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -126,14 +129,25 @@ TEST_F(InstalledPrograms, DoNotLogOutWhereNoDesktopAsks) {
               "! System Events got an error: No desktop runs that is known to ask before it logs out. (-10004)");
 }
 
+// Where the tests have a session bus, this process may answer events on it already, and would not look for another one.
+struct OwnBusWhereThereIsNone {
+    OwnBusWhereThereIsNone() {
+        if (sessionBusAddress()) return;
+        bus.emplace();
+        address.emplace("DBUS_SESSION_BUS_ADDRESS", bus->address());
+    }
+
+    std::optional<mac::test::PrivateBus> bus;
+    std::optional<mac::test::EnvironmentVariable> address;
+};
+
 // Another program, which never answers what scripts ask it for.
 class HangingProgram : public testing::Test {
 protected:
     // Under a name of its own, for it is looked for among all that run.
     std::string const m_name{"hanging-" + std::to_string(::getpid())};
     mac::test::TemporaryFolder const m_folder{};
-    mac::test::ChildProcess m_bus{{"/usr/bin/dbus-daemon", "--session", "--nofork", "--print-address=1"}};
-    mac::test::EnvironmentVariable const m_address{"DBUS_SESSION_BUS_ADDRESS", m_bus.readLine()};
+    OwnBusWhereThereIsNone const m_bus{};
     mac::test::ChildProcess m_program{{copiedProgram()}};
 
     void SetUp() override { ASSERT_EQ(m_program.readLine(), "ready"); }

@@ -4,8 +4,8 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
+#include "tests/platform/applescript/ScriptHome.h"
 #include <gtest/gtest.h>
 
 namespace mac::applescript::test {
@@ -102,8 +102,8 @@ TEST(ScriptDescriptors, EveryKindOfValueHasItsType) {
     classOf<NSAppleScript>();
     for (Row const& row : rows)
         EXPECT_EQ(printedValue(row.source), row.type) << utf8FromUnits(row.source);
-    std::string const hfsPath = utf8FromUnits(hfsPathFromPOSIXPath(u"/a b/ñ", false));
-    EXPECT_EQ(printedValue(u"POSIX file \"/a b/ñ\""), "'furl'(\"" + hfsPath + "\")");
+    std::string const volume = utf8FromUnits(nameOfStartupVolume());
+    EXPECT_EQ(printedValue(u"POSIX file \"/a b/ñ\""), "'furl'(\"" + volume + ":a b:ñ\")");
     EXPECT_EQ(printed(descriptorOfValue({})), "'null'()");
 }
 
@@ -120,26 +120,30 @@ TEST(ScriptDescriptors, ADateCountsTheSecondsOfLocalTimeSince1904) {
 }
 
 TEST(ScriptDescriptors, ValuesComeBackAsTheyWent) {
-    constexpr auto sources = std::to_array<std::u16string_view>({
-        u"true",
-        u"-12",
-        u"0.1",
-        u"\"a\\\"b\"",
-        u"{}",
-        u"{1, {2, \"c\"}, missing value, null}",
-        u"{class:application, name:\"x\", |my key|:{1, 2}}",
-        u"date \"Friday, November 9, 2007 11:35:50 AM\"",
-        u"March",
-        u"Friday",
-        u"yes",
-        u"integer",
-        u"«data abcd00FF»",
-        u"current application",
-        u"application \"No Such One\"",
-        u"application id \"com.example.none\"",
+    struct Row {
+        std::u16string_view source;
+        std::string_view form;
+    };
+    constexpr auto rows = std::to_array<Row>({
+        {u"true", "true"},
+        {u"-12", "-12"},
+        {u"0.1", "0.1"},
+        {u"\"a\\\"b\"", "\"a\\\"b\""},
+        {u"{}", "{}"},
+        {u"{1, {2, \"c\"}, missing value, null}", "{1, {2, \"c\"}, missing value, null}"},
+        {u"{class:application, name:\"x\", |my key|:{1, 2}}", "{class:application, name:\"x\", |my key|:{1, 2}}"},
+        {u"date \"Friday, November 9, 2007 11:35:50 AM\"", "date \"Friday, November 9, 2007 11:35:50 AM\""},
+        {u"March", "March"},
+        {u"Friday", "Friday"},
+        {u"yes", "yes"},
+        {u"integer", "integer"},
+        {u"«data abcd00FF»", "«data abcd00FF»"},
+        {u"current application", "current application"},
+        {u"application \"No Such One\"", "application \"No Such One\""},
+        {u"application id \"com.example.none\"", "application id \"com.example.none\""},
     });
-    for (std::u16string_view const source : sources)
-        EXPECT_EQ(roundTrip(source), utf8FromUnits(sourceForm(valueOfSource(source)))) << utf8FromUnits(source);
+    for (Row const& row : rows)
+        EXPECT_EQ(roundTrip(row.source), row.form);
 }
 
 TEST(ScriptDescriptors, TextKeepsALoneSurrogate) {
@@ -190,8 +194,9 @@ TEST(ScriptDescriptors, AReferenceIsRootedInTheApplicationItIsSentTo) {
     std::string const rooted = printed(descriptorOfValue(specifier));
     EXPECT_TRUE(rooted.ends_with("'from':'aprl'($657070633A2F2F2F46696E646572$) } }")) << rooted;
     Value const back = valueOfDescriptor(descriptorOfValue(specifier, finder()), finder());
-    EXPECT_EQ(sourceForm(back), sourceForm(specifier));
-    EXPECT_EQ(sourceForm(valueOfDescriptor(descriptorOfValue(specifier))), sourceForm(specifier));
+    constexpr std::u16string_view form = u"file \"a\" of home of application \"Finder\"";
+    EXPECT_EQ(sourceForm(back), form);
+    EXPECT_EQ(sourceForm(valueOfDescriptor(descriptorOfValue(specifier))), form);
 }
 
 TEST(ScriptDescriptors, EveryFormOfReferenceComesBack) {
@@ -201,14 +206,27 @@ TEST(ScriptDescriptors, EveryFormOfReferenceComesBack) {
     };
     Value const wordTwo = elementSpecifier(Form::Index, codeOf("cwor"), {}, Value::integer(2));
     Value const userProperty = propertySpecifier(identifierSymbol(u"my name"), items);
-    for (Value const& specifier :
-         {element(Form::Index, Value::integer(-1)), element(Form::Identifier, Value::integer(4)),
-          element(Form::Name, Value::text(u"n")), element(Form::Every), element(Form::Some), element(Form::Middle),
-          element(Form::Last), element(Form::Range, Value::integer(1), Value::integer(2)),
-          element(Form::Range, wordTwo, wordTwo), element(Form::Beginning), element(Form::End), element(Form::Before),
-          element(Form::After), userProperty})
-        EXPECT_EQ(utf8FromUnits(sourceForm(valueOfDescriptor(descriptorOfValue(specifier)))),
-                  utf8FromUnits(sourceForm(specifier)));
+    struct Row {
+        Value specifier;
+        std::string_view form;
+    };
+    for (Row const& row : {
+             Row{element(Form::Index, Value::integer(-1)), "item -1 of {1, 2}"},
+             Row{element(Form::Identifier, Value::integer(4)), "item id 4 of {1, 2}"},
+             Row{element(Form::Name, Value::text(u"n")), "item \"n\" of {1, 2}"},
+             Row{element(Form::Every), "every item of {1, 2}"},
+             Row{element(Form::Some), "some item of {1, 2}"},
+             Row{element(Form::Middle), "middle item of {1, 2}"},
+             Row{element(Form::Last), "last item of {1, 2}"},
+             Row{element(Form::Range, Value::integer(1), Value::integer(2)), "items 1 thru 2 of {1, 2}"},
+             Row{element(Form::Range, wordTwo, wordTwo), "items from word 2 to word 2 of {1, 2}"},
+             Row{element(Form::Beginning), "beginning of {1, 2}"},
+             Row{element(Form::End), "end of {1, 2}"},
+             Row{element(Form::Before), "before {1, 2}"},
+             Row{element(Form::After), "after {1, 2}"},
+             Row{userProperty, "|my name| of {1, 2}"},
+         })
+        EXPECT_EQ(utf8FromUnits(sourceForm(valueOfDescriptor(descriptorOfValue(row.specifier)))), row.form);
 }
 
 Value test(Operation operation, Value const& left, Value const& right = {}) {
@@ -223,18 +241,26 @@ TEST(ScriptDescriptors, EveryTestOfAFilterComesBack) {
     Value const files = elementSpecifier(Form::Every, codeOf("file"), finder());
     Value const name = propertySpecifier(termSymbol(codeOf("pnam"), u"name"), {});
     Value const text = Value::text(u"a");
-    for (Operation const operation :
-         {Operation::Equal, Operation::NotEqual, Operation::Less, Operation::Greater, Operation::AtMost,
-          Operation::AtLeast, Operation::Contains, Operation::DoesNotContain, Operation::IsIn, Operation::IsNotIn,
-          Operation::StartsWith, Operation::EndsWith}) {
-        Value const comparison = test(operation, name, text);
-        for (Value const& whole :
-             {comparison, test(Operation::Not, test(Operation::Less, name, text)),
-              test(Operation::And, comparison, comparison), test(Operation::Or, comparison, comparison)}) {
-            Value const specifier = elementSpecifier(Form::Filter, 0, Value(), files, whole);
-            EXPECT_EQ(utf8FromUnits(sourceForm(valueOfDescriptor(descriptorOfValue(specifier)))),
-                      utf8FromUnits(sourceForm(specifier)));
-        }
+    struct Row {
+        Operation operation;
+        std::string_view words;
+    };
+    auto const cameBack = [&](Value const& whole) {
+        Value const specifier = elementSpecifier(Form::Filter, 0, Value(), files, whole);
+        return utf8FromUnits(sourceForm(valueOfDescriptor(descriptorOfValue(specifier))));
+    };
+    std::string const beginning = "every file of application \"Finder\" whose ";
+    EXPECT_EQ(cameBack(test(Operation::Not, test(Operation::Less, name, text))), beginning + "not name < \"a\"");
+    for (Row const& row : {Row{Operation::Equal, "="}, Row{Operation::NotEqual, "≠"}, Row{Operation::Less, "<"},
+                           Row{Operation::Greater, ">"}, Row{Operation::AtMost, "≤"}, Row{Operation::AtLeast, "≥"},
+                           Row{Operation::Contains, "contains"}, Row{Operation::DoesNotContain, "does not contain"},
+                           Row{Operation::IsIn, "is in"}, Row{Operation::IsNotIn, "is not in"},
+                           Row{Operation::StartsWith, "starts with"}, Row{Operation::EndsWith, "ends with"}}) {
+        Value const comparison = test(row.operation, name, text);
+        std::string const form = "name " + std::string(row.words) + " \"a\"";
+        EXPECT_EQ(cameBack(comparison), beginning + form);
+        EXPECT_EQ(cameBack(test(Operation::And, comparison, comparison)), beginning + form + " and " + form);
+        EXPECT_EQ(cameBack(test(Operation::Or, comparison, comparison)), beginning + form + " or " + form);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/files/HFSPaths.h"
 #include "platform/foundation/Encodings.h"
+#include "tests/platform/applescript/ScriptHome.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
@@ -127,8 +127,7 @@ TEST(ScriptEngine, PeopleReadResultsWithoutQuotesAndBrackets) {
     });
     for (Row const& row : rows)
         EXPECT_EQ(humanForm(compiled(row.source).run({}).value), row.form);
-    EXPECT_EQ(humanForm(compiled(u"POSIX file \"/a b\"").run({}).value),
-              u"file " + hfsPathFromPOSIXPath(u"/a b", false));
+    EXPECT_EQ(humanForm(compiled(u"POSIX file \"/a b\"").run({}).value), u"file " + nameOfStartupVolume() + u":a b");
 }
 
 TEST(ScriptEngine, AListThatHoldsItselfHasNoSourceFormAndIsFreed) {
