@@ -41,6 +41,14 @@ bool removeOwnName(FileDescriptor const& folder, std::string const& name) {
     return answer == 0 || errno == ENOENT;
 }
 
+// Asks for the item's state anew: a file system that keeps states by name for a while, as FUSE does, would go on
+// telling the one before the other name went, and the item seem changed later.
+void refreshState(FileDescriptor const& folder, std::string const& name) {
+    constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_FORCE_SYNC;
+    struct statx status {};
+    static_cast<void>(::statx(folder.number(), name.c_str(), flags, STATX_BASIC_STATS, &status));
+}
+
 // Gives the open item another name. Where the system shows no open files under /proc, the item is not found.
 Result<void> giveName(FileDescriptor const& item, FileDescriptor const& folder, std::string const& name) {
     if (::linkat(AT_FDCWD, descriptorPath(item).c_str(), folder.number(), name.c_str(), AT_SYMLINK_FOLLOW) != 0)
@@ -115,6 +123,7 @@ Result<void> nameNewFile(FileDescriptor const& folder, std::string const& from, 
         return cannotLink(error) ? StepwiseRename().rename(folder, from, folder, to) : error;
     }
     removeOwnName(folder, from);
+    refreshState(folder, to);
     return {};
 }
 
@@ -150,6 +159,7 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     tellFirstStep();
     Result<void> removed = removeFirstName(from, to, item);
     if (!removed.isDone() && !removed.problem().is(EEXIST)) takeBackSecondName(from, to, item, removed.problem());
+    if (removed.isDone()) refreshState(to.folder, to.name);
     return onOneVolume(removed);
 }
 
