@@ -6,6 +6,7 @@
 #include "tests/support/RunUntil.h"
 #include <QHeaderView>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextDocument>
