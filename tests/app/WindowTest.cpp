@@ -245,7 +245,7 @@ TEST_F(Window, NamesEveryActionAndGivesTheDangerousOnesNoShortcut) {
         EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
         EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
     }
-    EXPECT_EQ(count, 16);
+    EXPECT_EQ(count, 17);
     EXPECT_TRUE(find<QAction>("logOutAction")->shortcut().isEmpty());
     EXPECT_TRUE(find<QAction>("quitFinderAction")->shortcut().isEmpty());
     EXPECT_EQ(find<QAction>("trashAction")->shortcut(), QKeySequence(Qt::Key_Delete));
