@@ -4,11 +4,11 @@
 #include "app/BOOLToStringTransformer.h"
 #include "app/InTrashTransformer.h"
 #include "app/Outlets.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSSortDescriptor.h"
+#include "platform/foundation/collections/NSSortDescriptor.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include <utility>
 #include <vector>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "platform/appkit/NSArrayController.h"
-#include "platform/appkit/NSTableView.h"
-#include "platform/appkit/NSWindow.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNotificationCenter.h"
-#include "platform/foundation/NSSet.h"
+#include "platform/appkit/arrangement/NSArrayController.h"
+#include "platform/appkit/interface/NSTableView.h"
+#include "platform/appkit/interface/NSWindow.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/collections/NSSet.h"
+#include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 
 namespace framekeeper {

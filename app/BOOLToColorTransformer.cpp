@@ -1,6 +1,6 @@
 #include "app/BOOLToColorTransformer.h"
-#include "platform/appkit/NSColor.h"
-#include "platform/foundation/Method.h"
+#include "platform/appkit/workspace/NSColor.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {
 

@@ -1,5 +1,5 @@
 #include "app/BOOLToStringTransformer.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSValueTransformer.h"
+#include "platform/foundation/objects/NSValueTransformer.h"
 
 namespace framekeeper {
 

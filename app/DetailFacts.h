@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/dates/NSDate.h"
 #include "platform/system/items/TreeSize.h"
 #include <optional>
 #include <stop_token>

@@ -1,7 +1,7 @@
 #include "app/DetailFacts.h"
-#include "platform/foundation/LocalizedValues.h"
-#include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/LocalizedValues.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 
 namespace framekeeper {
 

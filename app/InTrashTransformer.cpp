@@ -1,7 +1,7 @@
 #include "app/InTrashTransformer.h"
-#include "platform/files/Trash.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/files/trash/Trash.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {
 

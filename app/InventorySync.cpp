@@ -1,7 +1,7 @@
 #include "app/InventorySync.h"
 #include "app/AppControllerBody.h"
-#include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <algorithm>
 #include <memory>
 #include <utility>

@@ -2,8 +2,8 @@
 #include "app/IconSwap.h"
 #include "app/Undo.h"
 #include "pathutils/FileOperations.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "scripting/ProcessesAndFinder.h"
 
 namespace framekeeper {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/AppControllerBody.h"
-#include "platform/foundation/Class.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Class.h"
+#include "platform/foundation/objects/Method.h"
 #include <string_view>
 #include <type_traits>
 #include <vector>

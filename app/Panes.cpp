@@ -1,6 +1,6 @@
 #include "app/Panes.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/objects/Method.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace framekeeper {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Class.h"
+#include "platform/foundation/objects/Class.h"
 
 namespace framekeeper {
 

@@ -2,7 +2,7 @@
 #include "app/InventorySync.h"
 #include "app/MembershipSources.h"
 #include "app/RecordBuilding.h"
-#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
 #include <cstddef>
 
 namespace framekeeper {

@@ -1,6 +1,6 @@
 #include "app/AppController.h"
 #include "app/Undo.h"
-#include "platform/foundation/Beep.h"
+#include "platform/foundation/running/Beep.h"
 
 namespace framekeeper {
 

@@ -1,5 +1,5 @@
 #include "app/RecordBuilding.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <algorithm>
 
 namespace framekeeper {

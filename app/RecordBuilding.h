@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/MembershipSources.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/bundles/NSBundle.h"
 #include <array>
 #include <map>
 #include <string>

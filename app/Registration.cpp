@@ -7,7 +7,7 @@
 #include "app/Outlets.h"
 #include "app/Panes.h"
 #include "app/ScanChanges.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {
 

@@ -1,10 +1,10 @@
 #include "app/AppController.h"
 #include "app/AppControllerBody.h"
-#include "platform/appkit/NSWorkspace.h"
+#include "platform/appkit/workspace/NSWorkspace.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "scripting/ProcessesAndFinder.h"
 #include <bit>
 #include <functional>

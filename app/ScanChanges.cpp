@@ -1,10 +1,10 @@
 #include "app/ScanChanges.h"
 #include "app/RecordBuilding.h"
-#include "platform/appkit/KeyPathObserver.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/Weak.h"
+#include "platform/appkit/arrangement/KeyPathObserver.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 
 namespace framekeeper {
 

@@ -1,11 +1,11 @@
 #include "app/AppController.h"
 #include "app/AppControllerBody.h"
 #include "app/Undo.h"
-#include "platform/appkit/NSWorkspace.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/appkit/workspace/NSWorkspace.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/urls/NSURL.h"
 #include "platform/preferences/CFPreferences.h"
 
 namespace framekeeper {

@@ -1,8 +1,8 @@
 #include "app/Undo.h"
 #include "app/AppControllerBody.h"
 #include "app/IconSwap.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/running/Beep.h"
 #include <algorithm>
 
 namespace framekeeper {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/AppController.h"
-#include "platform/files/Trash.h"
+#include "platform/files/trash/Trash.h"
 #include <variant>
 #include <vector>
 

@@ -1,3 +1,3 @@
-#include "platform/appkit/NSApplicationMain.h"
+#include "platform/appkit/interface/NSApplicationMain.h"
 
 int main(int argc, char** argv) { return mac::NSApplicationMain(argc, argv); }

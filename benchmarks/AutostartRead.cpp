@@ -1,6 +1,6 @@
 #include "benchmarks/Timing.h"
-#include "platform/desktop/Autostart.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/desktop/autostart/Autostart.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/preferences/CFPreferences.h"
 #include <cstdio>
 #include <cstdlib>

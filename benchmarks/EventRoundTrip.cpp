@@ -1,6 +1,6 @@
 #include "benchmarks/Timing.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "platform/processes/Processes.h"
 #include "tests/platform/events/TestEvents.h"
 #include "tests/support/ChildProcess.h"

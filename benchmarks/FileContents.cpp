@@ -1,6 +1,6 @@
 #include "benchmarks/Timing.h"
 #include "pathutils/AliasesAndContents.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>

@@ -1,8 +1,8 @@
 #include "app/AppController.h"
 #include "benchmarks/Timing.h"
 #include "pathutils/BundleVersions.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "app/AppController.h"
 #include "benchmarks/Timing.h"
-#include "platform/appkit/InterfaceFile.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/appkit/interface/InterfaceFile.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <QApplication>
 #include <QHeaderView>
 #include <QLineEdit>

@@ -1,5 +1,5 @@
 #include "benchmarks/Timing.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"
 #include <algorithm>

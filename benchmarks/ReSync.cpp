@@ -1,7 +1,7 @@
 #include "app/AppController.h"
 #include "benchmarks/Timing.h"
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <cstdio>
 #include <vector>
 

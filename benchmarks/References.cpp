@@ -1,5 +1,5 @@
 #include "benchmarks/Timing.h"
-#include "platform/files/ItemReferences.h"
+#include "platform/files/references/ItemReferences.h"
 #include "scripting/FileReferences.h"
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "benchmarks/ResidentMemory.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include <QCoreApplication>
 #include <QTimer>

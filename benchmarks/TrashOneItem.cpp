@@ -1,6 +1,6 @@
 #include "benchmarks/Timing.h"
 #include "pathutils/FileOperations.h"
-#include "platform/files/Trash.h"
+#include "platform/files/trash/Trash.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"

@@ -1,6 +1,6 @@
 #include "command/CommandLine.h"
 #include "command/Report.h"
-#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <algorithm>
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "command/HostReport.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/VisibleLine.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/VisibleLine.h"
 #include "platform/system/PercentEscapes.h"
 #include <algorithm>
 #include <array>

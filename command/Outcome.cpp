@@ -1,5 +1,5 @@
 #include "command/Outcome.h"
-#include "platform/foundation/NSLocalizedString.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <array>
 #include <cstddef>
 

@@ -1,9 +1,9 @@
 #include "command/Report.h"
 #include "command/Copies.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSLocalizedString.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/VisibleLine.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/VisibleLine.h"
 #include "platform/processes/Processes.h"
 #include "platform/system/PercentEscapes.h"
 #include <algorithm>

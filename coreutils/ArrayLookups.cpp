@@ -1,5 +1,5 @@
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/NSPredicate.h"
+#include "platform/foundation/predicates/NSPredicate.h"
 
 namespace mac {
 

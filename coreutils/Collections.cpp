@@ -1,7 +1,7 @@
 #include "coreutils/Collections.h"
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Exceptions.h"
 #include <algorithm>
 
 namespace mac {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSEnumerator.h"
-#include "platform/foundation/NSIndexSet.h"
-#include "platform/foundation/NSNull.h"
-#include "platform/foundation/NSSet.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/collections/NSEnumerator.h"
+#include "platform/foundation/collections/NSIndexSet.h"
+#include "platform/foundation/collections/NSSet.h"
+#include "platform/foundation/objects/NSNull.h"
 
 namespace mac {
 

@@ -1,5 +1,5 @@
 #include "coreutils/DeferredPerforming.h"
-#include "platform/foundation/NSNotificationQueue.h"
+#include "platform/foundation/running/NSNotificationQueue.h"
 
 namespace mac {
 

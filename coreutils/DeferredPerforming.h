@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSNotificationCenter.h"
+#include "platform/foundation/running/NSNotificationCenter.h"
 
 namespace mac {
 

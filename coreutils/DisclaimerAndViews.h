@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/appkit/NSBox.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSManagedObject.h"
+#include "platform/appkit/views/NSBox.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/objects/NSManagedObject.h"
 
 namespace mac {
 

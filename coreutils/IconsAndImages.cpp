@@ -3,11 +3,11 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
-#include "platform/appkit/NSGraphicsContext.h"
-#include "platform/appkit/NSWorkspace.h"
-#include "platform/foundation/FourCharCodeText.h"
-#include "platform/foundation/NSArchiver.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/appkit/workspace/NSGraphicsContext.h"
+#include "platform/appkit/workspace/NSWorkspace.h"
+#include "platform/foundation/files/NSFileManager.h"
+#include "platform/foundation/objects/NSArchiver.h"
+#include "platform/foundation/text/FourCharCodeText.h"
 #include "platform/icons/IconFamilies.h"
 
 namespace mac {

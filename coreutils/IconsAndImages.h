@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/appkit/NSImage.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/UTCDateTime.h"
+#include "platform/appkit/workspace/NSImage.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/dates/UTCDateTime.h"
 #include "platform/icons/PlotIcon.h"
 #include "platform/preferences/NSUserDefaults.h"
 

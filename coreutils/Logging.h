@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/text/NSString.h"
 #include <cstdio>
 
 namespace mac {

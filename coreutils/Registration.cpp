@@ -5,7 +5,7 @@
 #include "coreutils/IconsAndImages.h"
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

@@ -1,10 +1,10 @@
 #include "coreutils/Strings.h"
-#include "platform/foundation/CFUUID.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSNumberFormatter.h"
-#include "platform/foundation/UnitSearch.h"
-#include "platform/foundation/WordSum.h"
+#include "platform/foundation/collections/WordSum.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/numbers/NSNumberFormatter.h"
+#include "platform/foundation/objects/CFUUID.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/text/UnitSearch.h"
 #include <array>
 #include <memory>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSCharacterSet.h"
-#include "platform/foundation/NSData.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/text/NSCharacterSet.h"
 #include <cstdint>
 
 namespace mac {

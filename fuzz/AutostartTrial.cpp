@@ -1,10 +1,10 @@
 #include "fuzz/AutostartTrial.h"
-#include "platform/desktop/Autostart.h"
-#include "platform/desktop/CommandWords.h"
-#include "platform/desktop/DesktopEntry.h"
-#include "platform/desktop/Desktops.h"
 #include "platform/desktop/HexText.h"
-#include "platform/desktop/StartedItem.h"
+#include "platform/desktop/autostart/Autostart.h"
+#include "platform/desktop/entries/CommandWords.h"
+#include "platform/desktop/entries/DesktopEntry.h"
+#include "platform/desktop/entries/StartedItem.h"
+#include "platform/desktop/session/Desktops.h"
 #include <optional>
 
 namespace mac::fuzz {

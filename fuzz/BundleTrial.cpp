@@ -1,6 +1,6 @@
 #include "fuzz/BundleTrial.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/DisplayNames.h"

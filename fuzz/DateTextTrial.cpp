@@ -1,7 +1,7 @@
 #include "fuzz/DateTextTrial.h"
 #include "platform/applescript/runtime/ISODate.h"
 #include "platform/applescript/runtime/ScriptDate.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 
 namespace mac::fuzz {
 

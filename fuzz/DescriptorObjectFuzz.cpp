@@ -1,6 +1,6 @@
 #include "fuzz/Complaint.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "scripting/AppleEventDescriptors.h"
 
 namespace mac::fuzz {

@@ -1,5 +1,5 @@
 #include "fuzz/EncodingRoundTrip.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <array>
 #include <cstring>
 

@@ -1,6 +1,6 @@
 #include "fuzz/FormatArguments.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/StringBody.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/StringBody.h"
 #include <cmath>
 #include <limits>
 

@@ -1,6 +1,6 @@
 #include "fuzz/HFSPathsRoundTrip.h"
-#include "platform/files/HFSPaths.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/files/references/HFSPaths.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>
 

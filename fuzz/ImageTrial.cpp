@@ -1,6 +1,6 @@
 #include "fuzz/ImageTrial.h"
-#include "platform/appkit/NSImage.h"
-#include "platform/foundation/NSArchiver.h"
+#include "platform/appkit/workspace/NSImage.h"
+#include "platform/foundation/objects/NSArchiver.h"
 #include "platform/icons/IconFamilies.h"
 #include "platform/icons/IconFamily.h"
 #include "platform/icons/IconTheme.h"

@@ -1,5 +1,5 @@
 #include "fuzz/Complaint.h"
-#include "platform/desktop/DesktopEntry.h"
+#include "platform/desktop/entries/DesktopEntry.h"
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     mac::KeyFile::read(mac::fuzz::textOf(data, size)).list("Default Applications", "inode/directory");

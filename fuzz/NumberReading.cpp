@@ -1,5 +1,5 @@
 #include "fuzz/NumberReading.h"
-#include "platform/foundation/NSNumberFormatter.h"
+#include "platform/foundation/numbers/NSNumberFormatter.h"
 #include <algorithm>
 #include <cmath>
 #include <limits>

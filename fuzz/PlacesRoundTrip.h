@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/PlacesFormat.h"
+#include "platform/desktop/places/PlacesFormat.h"
 #include <string>
 #include <string_view>
 

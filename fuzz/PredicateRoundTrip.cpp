@@ -1,9 +1,9 @@
 #include "fuzz/PredicateRoundTrip.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSPredicate.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/predicates/NSPredicate.h"
+#include "platform/foundation/text/NSString.h"
 #include <optional>
 
 namespace mac::fuzz {

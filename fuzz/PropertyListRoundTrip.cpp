@@ -1,11 +1,11 @@
 #include "fuzz/PropertyListRoundTrip.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/PropertyListBinary.h"
-#include "platform/foundation/PropertyListOldStyle.h"
-#include "platform/foundation/PropertyListText.h"
-#include "platform/foundation/PropertyListXML.h"
-#include "platform/foundation/PropertyListXMLPlain.h"
-#include "tests/platform/foundation/PropertyListDump.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/propertylists/PropertyListBinary.h"
+#include "platform/foundation/propertylists/PropertyListOldStyle.h"
+#include "platform/foundation/propertylists/PropertyListText.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
+#include "platform/foundation/propertylists/PropertyListXMLPlain.h"
+#include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include <functional>
 
 namespace mac::fuzz {

@@ -3,7 +3,7 @@
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <optional>
 
 namespace mac::fuzz {

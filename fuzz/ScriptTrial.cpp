@@ -1,7 +1,7 @@
 #include "fuzz/ScriptTrial.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 
 namespace mac::fuzz {
 

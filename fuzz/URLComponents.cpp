@@ -1,6 +1,6 @@
 #include "fuzz/URLComponents.h"
-#include "platform/foundation/CFURL.h"
-#include "platform/foundation/URLParts.h"
+#include "platform/foundation/urls/CFURL.h"
+#include "platform/foundation/urls/URLParts.h"
 #include <algorithm>
 
 namespace mac::fuzz {

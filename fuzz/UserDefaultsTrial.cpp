@@ -1,5 +1,5 @@
 #include "fuzz/UserDefaultsTrial.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/preferences/ArgumentDomain.h"
 #include "platform/preferences/Preferences.h"
 #include "platform/system/LongPath.h"

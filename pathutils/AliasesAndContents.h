@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
 #include "platform/files/Handles.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDate.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/dates/NSDate.h"
 
 namespace mac {
 
@@ -13,7 +13,7 @@ namespace mac {
 // The bytes of an alias of the item, a link followed: to be stored, and resolved later. nil if there is no such item.
 NSData pxAliasDataOfPath(NSString receiver);
 // The path where the item of the alias is now; nil for what is no alias record, and if the item is not found within ten
-// seconds. platform/files/Aliases.h tells how it is found.
+// seconds. platform/files/aliases/Aliases.h tells how it is found.
 NSString pxPathOfAliasData(NSData receiver);
 // If the item was found elsewhere, or replaced, `changedAlias` becomes the alias of what was found, and otherwise nil.
 // It may be null.

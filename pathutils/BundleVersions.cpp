@@ -1,9 +1,9 @@
 #include "pathutils/BundleVersions.h"
 #include "pathutils/PathRelations.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSCharacterSet.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/NSCharacterSet.h"
 #include <algorithm>
 #include <array>
 

@@ -1,7 +1,7 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include <algorithm>
 
 namespace mac {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 namespace mac {
 

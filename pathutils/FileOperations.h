@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSEnumerator.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/collections/NSEnumerator.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 

@@ -4,9 +4,9 @@
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/foundation/NSFileAttributes.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSSet.h"
+#include "platform/foundation/collections/NSSet.h"
+#include "platform/foundation/files/NSFileAttributes.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include <cerrno>
 
 // Protecting and dating items, and giving them another one's attributes.

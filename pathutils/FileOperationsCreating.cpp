@@ -3,8 +3,8 @@
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/FileOperations.h"
-#include "platform/foundation/NSFileAttributes.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/files/NSFileAttributes.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include "platform/system/items/AttributeNames.h"
 #include "scripting/FileReferences.h"
 #include <algorithm>

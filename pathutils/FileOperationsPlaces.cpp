@@ -1,7 +1,7 @@
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/SpecialFolders.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include "scripting/FileReferences.h"
 
 // Paths that are free, and the folders for trash and temporary items.

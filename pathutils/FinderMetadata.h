@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/CatalogInformation.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/files/references/CatalogInformation.h"
+#include "platform/foundation/collections/NSDictionary.h"
 #include "platform/icons/IconRefs.h"
 
 namespace mac {

@@ -1,6 +1,6 @@
 #include "pathutils/PXFileManagerHandler.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/ObjectBody.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/ObjectBody.h"
 
 namespace mac {
 

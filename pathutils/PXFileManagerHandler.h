@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/files/NSFileManager.h"
 
 namespace mac {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/urls/NSURL.h"
 
 namespace mac {
 

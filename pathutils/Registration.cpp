@@ -6,7 +6,7 @@
 #include "pathutils/FinderMetadata.h"
 #include "pathutils/PXFileManagerHandler.h"
 #include "pathutils/PathRelations.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

@@ -1,8 +1,8 @@
 #include "scripting/AppleEventDescriptors.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/processes/Processes.h"
 
 namespace mac {

@@ -1,7 +1,7 @@
 #include "scripting/AppleScriptExecution.h"
 #include "coreutils/Strings.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Log.h"
 #include "scripting/AppleEventDescriptors.h"
 
 namespace mac {

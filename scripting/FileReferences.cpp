@@ -1,6 +1,6 @@
 #include "scripting/FileReferences.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include <algorithm>
 #include <span>
 

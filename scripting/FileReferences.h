@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/urls/NSURL.h"
 
 namespace mac {
 

@@ -1,6 +1,6 @@
 #include "scripting/ProcessQuitting.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/foundation/NSThread.h"
+#include "platform/foundation/running/NSThread.h"
 #include "platform/processes/Processes.h"
 #include <bit>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <functional>
 
 // How a process is asked to quit, with the waiting left to the caller. Main thread.

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSEnumerator.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSTask.h"
+#include "platform/foundation/collections/NSEnumerator.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/NSTask.h"
 #include "platform/processes/Processes.h"
 
 // Running processes as plain numbers, how they are asked to quit, and showing items in the Finder: the desktop's file

@@ -1,5 +1,5 @@
 #include "scripting/Registration.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/AppleScriptExecution.h"
 #include "scripting/FileReferences.h"

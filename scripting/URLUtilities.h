@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/CatalogInformation.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/files/references/CatalogInformation.h"
+#include "platform/foundation/urls/NSURL.h"
 
 namespace mac {
 

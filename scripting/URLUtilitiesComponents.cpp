@@ -1,6 +1,6 @@
-#include "platform/foundation/CFURL.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/urls/CFURL.h"
 #include "scripting/URLUtilities.h"
 #include <string>
 

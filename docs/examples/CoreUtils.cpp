@@ -6,7 +6,7 @@
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
 #include "docs/examples/Example.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 using namespace mac;
 

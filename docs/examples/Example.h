@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include <source_location>
 
 // What the examples of the library's reference share: each is a function for one topic, which a test runs.

@@ -6,8 +6,8 @@
 #include "pathutils/FinderMetadata.h"
 #include "pathutils/PXFileManagerHandler.h"
 #include "pathutils/PathRelations.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include <span>
 
 using namespace mac;

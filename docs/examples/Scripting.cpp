@@ -1,5 +1,5 @@
 #include "docs/examples/Example.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/foundation/urls/NSURL.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/AppleScriptExecution.h"
 #include "scripting/FileReferences.h"

@@ -1,8 +1,8 @@
 #include "platform/appkit/Registration.h"
-#include "platform/appkit/NSTableView.h"
-#include "platform/appkit/NSWindow.h"
-#include "platform/appkit/VersionOrder.h"
-#include "platform/foundation/Method.h"
+#include "platform/appkit/interface/NSTableView.h"
+#include "platform/appkit/interface/NSWindow.h"
+#include "platform/appkit/interface/VersionOrder.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

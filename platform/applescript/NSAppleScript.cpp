@@ -2,8 +2,8 @@
 #include "platform/applescript/NSAppleScriptBody.h"
 #include "platform/applescript/runtime/FileCoercions.h"
 #include "platform/applescript/runtime/ScriptDescriptors.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

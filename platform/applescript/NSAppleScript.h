@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 namespace mac {
 

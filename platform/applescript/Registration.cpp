@@ -1,7 +1,7 @@
 #include "platform/applescript/Registration.h"
 #include "platform/applescript/NSAppleScript.h"
 #include "platform/applescript/applications/FinderEvents.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

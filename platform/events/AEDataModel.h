@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/MacErrors.h"
+#include "platform/foundation/objects/MacErrors.h"
 #include <memory>
 
 // The records that Apple events are made of, and their four-character codes.

@@ -1,8 +1,8 @@
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/FourCharCodeText.h"
 #include <cstring>
 #include <map>
 #include <mutex>

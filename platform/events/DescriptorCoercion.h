@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include <optional>
 #include <string>
 

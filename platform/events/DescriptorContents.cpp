@@ -1,5 +1,5 @@
 #include "platform/events/DescriptorContents.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Log.h"
 #include <algorithm>
 
 namespace mac {

@@ -1,7 +1,7 @@
 #include "platform/events/DescriptorNumber.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NumberText.h"
+#include "platform/foundation/numbers/NumberText.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 #include <array>
 #include <charconv>

@@ -1,6 +1,6 @@
 #include "platform/events/EventQueue.h"
 #include "platform/events/EventDispatch.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <condition_variable>
 #include <deque>
 #include <mutex>

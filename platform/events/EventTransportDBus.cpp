@@ -1,11 +1,11 @@
-#include "platform/desktop/SessionBus.h"
+#include "platform/desktop/session/SessionBus.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventDispatch.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/Boundary.h"
-#include "platform/foundation/EventLoop.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
+#include "platform/foundation/running/Log.h"
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusError>

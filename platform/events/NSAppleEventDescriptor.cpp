@@ -2,7 +2,7 @@
 #include "platform/events/AppleEventDescriptorBody.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include <atomic>
 
 namespace mac {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 

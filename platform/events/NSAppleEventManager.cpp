@@ -1,8 +1,8 @@
 #include "platform/events/NSAppleEventManager.h"
 #include "platform/events/EventDispatch.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/Weak.h"
 
 namespace mac {
 

@@ -2,7 +2,7 @@
 #include "platform/events/EventTransport.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/events/NSAppleEventManager.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 

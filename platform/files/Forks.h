@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
+#include "platform/files/references/FSRef.h"
 
 namespace mac {
 

@@ -1,6 +1,6 @@
 #include "platform/files/ItemExchange.h"
-#include "platform/files/CatalogFields.h"
-#include "platform/foundation/UTCDateTime.h"
+#include "platform/files/references/CatalogFields.h"
+#include "platform/foundation/dates/UTCDateTime.h"
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/AttributeNames.h"

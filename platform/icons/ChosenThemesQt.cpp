@@ -1,5 +1,5 @@
-#include "platform/desktop/KeyFile.h"
-#include "platform/desktop/Session.h"
+#include "platform/desktop/entries/KeyFile.h"
+#include "platform/desktop/session/Session.h"
 #include "platform/icons/IconTheme.h"
 #include "platform/system/BytePath.h"
 #include <QGuiApplication>

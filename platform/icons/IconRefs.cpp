@@ -1,5 +1,5 @@
 #include "platform/icons/IconRefs.h"
-#include "platform/files/ItemReferences.h"
+#include "platform/files/references/ItemReferences.h"
 #include "platform/icons/IconFamilies.h"
 #include "platform/icons/IconFamily.h"
 #include "platform/icons/IconSource.h"

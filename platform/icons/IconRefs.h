@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/files/CatalogInformation.h"
+#include "platform/files/references/CatalogInformation.h"
 #include "platform/icons/Picture.h"
 
 namespace mac {

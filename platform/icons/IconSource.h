@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/MacErrors.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/icons/Picture.h"
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 #include "platform/icons/IconTheme.h"
-#include "platform/desktop/KeyFile.h"
+#include "platform/desktop/entries/KeyFile.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSGeometry.h"
+#include "platform/foundation/objects/NSGeometry.h"
 #include <cstddef>
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/icons/DrawingReferences.h"
 #include "platform/icons/Picture.h"
 #include "platform/system/BigEndian.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/MacErrors.h"
+#include "platform/foundation/objects/MacErrors.h"
 #include "platform/icons/IconSource.h"
 
 namespace mac {

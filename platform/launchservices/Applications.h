@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
-#include "platform/foundation/MacErrors.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/objects/MacErrors.h"
 
 namespace mac {
 

@@ -1,5 +1,5 @@
 #include "platform/launchservices/BundleFiles.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/system/LongPath.h"
 #include <algorithm>
 #include <array>

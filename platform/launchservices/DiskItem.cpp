@@ -1,5 +1,5 @@
 #include "platform/launchservices/DiskItem.h"
-#include "platform/files/ItemReferences.h"
+#include "platform/files/references/ItemReferences.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/items/OpenItem.h"
 #include <algorithm>

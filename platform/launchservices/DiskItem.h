@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
+#include "platform/files/references/FSRef.h"
 #include "platform/system/Result.h"
 #include <string>
 #include <string_view>

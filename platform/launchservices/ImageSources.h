@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
 
 namespace mac {
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/launchservices/ImageSources.h"
 #include "platform/launchservices/TypeTree.h"
 #include <QImageReader>

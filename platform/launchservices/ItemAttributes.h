@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
-#include "platform/foundation/MacErrors.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/objects/MacErrors.h"
 
 namespace mac {
 

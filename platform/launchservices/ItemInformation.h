@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/files/FSRef.h"
-#include "platform/foundation/MacErrors.h"
-#include "platform/foundation/NSString.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 

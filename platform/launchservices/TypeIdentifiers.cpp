@@ -1,5 +1,5 @@
 #include "platform/launchservices/TypeIdentifiers.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"
 #include "platform/system/ASCII.h"

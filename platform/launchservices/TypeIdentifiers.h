@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/CoreFoundation.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/objects/CoreFoundation.h"
 
 namespace mac {
 

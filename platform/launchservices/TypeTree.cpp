@@ -1,6 +1,6 @@
 #include "platform/launchservices/TypeTree.h"
-#include "platform/desktop/MIMETypes.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/desktop/entries/MIMETypes.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"

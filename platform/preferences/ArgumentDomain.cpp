@@ -1,6 +1,6 @@
 #include "platform/preferences/ArgumentDomain.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include <string_view>
 
 namespace mac {

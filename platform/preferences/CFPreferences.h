@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/CoreFoundation.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/objects/CoreFoundation.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 

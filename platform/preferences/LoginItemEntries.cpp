@@ -1,8 +1,8 @@
 #include "platform/preferences/LoginItemEntries.h"
 #include "platform/desktop/HexText.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/desktop/AutostartChanges.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/desktop/autostart/AutostartChanges.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 namespace mac {
 

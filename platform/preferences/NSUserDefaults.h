@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/collections/NSDictionary.h"
 
 namespace mac {
 

@@ -1,6 +1,6 @@
 #include "platform/preferences/PreferenceDomains.h"
-#include "platform/desktop/KeyFile.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/desktop/entries/KeyFile.h"
+#include "platform/foundation/bundles/NSBundle.h"
 #include "platform/preferences/CFPreferences.h"
 #include "platform/system/XDGFolders.h"
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/preferences/Preferences.h"
 #include <optional>
 

@@ -1,5 +1,5 @@
 #include "platform/preferences/PreferenceFile.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 #include "platform/system/LongPath.h"
 #include <functional>
 #include <optional>

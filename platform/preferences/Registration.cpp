@@ -1,5 +1,5 @@
 #include "platform/preferences/Registration.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace mac {

@@ -1,8 +1,8 @@
 #include "platform/preferences/ToolbarItemsStore.h"
-#include "platform/desktop/Session.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
+#include "platform/desktop/session/Session.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/Places.h"
+#include "platform/desktop/places/Places.h"
 #include "platform/preferences/NativeStores.h"
 #include <string>
 #include <string_view>
@@ -8,8 +8,8 @@
 
 namespace mac {
 
-// The array of the Finder's toolbar items, kept as the file browser's places (platform/desktop/Places.h). Places that
-// are files of this computer are items: dictionaries of
+// The array of the Finder's toolbar items, kept as the file browser's places (platform/desktop/places/Places.h). Places
+// that are files of this computer are items: dictionaries of
 //   "file-data"  a dictionary of "_CFURLString", the file's URL, and "_CFURLStringType", 15
 //   "label"      the place's name for people, if it has one
 //   "store"      the list that it stands in: "gtk" or "kde"

@@ -1,5 +1,5 @@
 #include "platform/processes/ProcessBundles.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/bundles/NSBundle.h"
 #include "platform/processes/Processes.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileDescriptor.h"

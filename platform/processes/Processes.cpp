@@ -1,6 +1,6 @@
 #include "platform/processes/Processes.h"
-#include "platform/desktop/FrontProcess.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/desktop/session/FrontProcess.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "platform/processes/ProcessBundles.h"
 #include "platform/processes/RecentFileBrowser.h"
 #include "platform/processes/SerialNumbers.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/FileBrowser.h"
+#include "platform/desktop/browser/FileBrowser.h"
 #include <chrono>
 #include <functional>
 #include <optional>

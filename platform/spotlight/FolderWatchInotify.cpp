@@ -1,5 +1,5 @@
-#include "platform/foundation/Boundary.h"
-#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/system/BytePath.h"
 #include <QSocketNotifier>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 

@@ -1,5 +1,5 @@
 #include "platform/spotlight/NSMetadataQuery.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include "platform/spotlight/QueryBody.h"
 
 namespace mac {

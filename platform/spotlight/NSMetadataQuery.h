@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSPredicate.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/predicates/NSPredicate.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/spotlight/NSMetadataItem.h"
 
 namespace mac {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSSet.h"
-#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/collections/NSSet.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/running/NSTimer.h"
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "platform/system/walker/VolumeWalker.h"

@@ -1,5 +1,5 @@
 #include "platform/spotlight/Registration.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include "platform/spotlight/NSMetadataItem.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 

@@ -1,5 +1,5 @@
 #include "platform/spotlight/SearchPlan.h"
-#include "platform/foundation/PredicateTree.h"
+#include "platform/foundation/predicates/PredicateTree.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "platform/system/XDGFolders.h"
 #include <string_view>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSPredicate.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/predicates/NSPredicate.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include <optional>
 

@@ -1,6 +1,6 @@
-#include "platform/foundation/NSSortDescriptor.h"
-#include "platform/foundation/NSValueTransformer.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/collections/NSSortDescriptor.h"
+#include "platform/foundation/objects/NSValueTransformer.h"
+#include "platform/foundation/objects/Weak.h"
 #include "tests/app/Controller.h"
 #include <gtest/gtest.h>
 

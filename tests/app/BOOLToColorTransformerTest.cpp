@@ -1,5 +1,5 @@
 #include "app/BOOLToColorTransformer.h"
-#include "platform/appkit/NSColor.h"
+#include "platform/appkit/workspace/NSColor.h"
 #include "tests/app/Controller.h"
 #include <gtest/gtest.h>
 

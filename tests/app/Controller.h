@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/AppController.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"

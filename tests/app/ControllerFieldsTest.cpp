@@ -1,4 +1,4 @@
-#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
 #include "tests/app/Controller.h"
 #include <gtest/gtest.h>
 

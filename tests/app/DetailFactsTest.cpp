@@ -1,5 +1,5 @@
 #include "app/DetailFacts.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/app/Controller.h"
 #include "tests/support/Companion.h"
 #include <gtest/gtest.h>

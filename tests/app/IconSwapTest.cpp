@@ -1,6 +1,6 @@
 #include "app/IconSwap.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "tests/app/Controller.h"
 #include "tests/support/OrdinaryUser.h"
 #include <chrono>

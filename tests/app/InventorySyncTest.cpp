@@ -1,6 +1,6 @@
 #include "app/InventorySync.h"
 #include "app/AppControllerBody.h"
-#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/running/NSTimer.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include <cstdio>

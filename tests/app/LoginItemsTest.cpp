@@ -1,7 +1,7 @@
 #include "pathutils/AliasesAndContents.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/app/PathSources.h"
 #include "tests/support/Environment.h"
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "platform/appkit/ApplicationInstance.h"
+#include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/appkit/InterfaceFile.h"
-#include "platform/appkit/NSApplication.h"
+#include "platform/appkit/interface/InterfaceFile.h"
+#include "platform/appkit/views/NSApplication.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"

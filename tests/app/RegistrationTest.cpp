@@ -1,7 +1,7 @@
 #include "app/AppController.h"
 #include "app/BOOLToColorTransformer.h"
 #include "app/BOOLToStringTransformer.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <gtest/gtest.h>
 
 namespace framekeeper::test {

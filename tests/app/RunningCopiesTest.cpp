@@ -1,6 +1,6 @@
 #include "app/AppControllerBody.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/processes/Processes.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/app/PathSources.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "app/AppControllerBody.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/app/Controller.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <filesystem>

@@ -1,5 +1,5 @@
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include <algorithm>

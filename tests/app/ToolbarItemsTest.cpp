@@ -1,6 +1,6 @@
 #include "app/AppControllerBody.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Beep.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/preferences/CFPreferences.h"
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"

@@ -1,6 +1,6 @@
 #include "command/Actions.h"
-#include "platform/foundation/Beep.h"
-#include "platform/foundation/KeyValueObserving.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/running/Beep.h"
 #include "platform/system/StandardStreams.h"
 #include "tests/command/CommandRun.h"
 #include <csignal>

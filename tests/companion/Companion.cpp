@@ -1,8 +1,8 @@
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/NSBundle.h"
-#include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/NSTimer.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/running/NSRunLoop.h"
+#include "platform/foundation/running/NSTimer.h"
 #include <csignal>
 #include <cstdio>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNull.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/NSNull.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

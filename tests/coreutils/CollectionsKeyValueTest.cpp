@@ -1,8 +1,8 @@
 #include "coreutils/Collections.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/NSNumber.h"
-#include "tests/platform/foundation/Parcel.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "tests/platform/foundation/objects/Parcel.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -1,6 +1,6 @@
 #include "coreutils/Collections.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Exceptions.h"
 #include "tests/support/ObjectTexts.h"
 #include <gtest/gtest.h>
 #include <vector>

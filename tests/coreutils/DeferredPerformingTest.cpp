@@ -1,10 +1,10 @@
 #include "coreutils/DeferredPerforming.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSNotificationQueue.h"
-#include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/running/NSNotificationQueue.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "tests/support/RunUntil.h"
 #include <gtest/gtest.h>
 #include <string>

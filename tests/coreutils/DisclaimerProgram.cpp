@@ -1,6 +1,6 @@
 #include "coreutils/DisclaimerAndViews.h"
-#include "platform/appkit/NSApplication.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/appkit/views/NSApplication.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <cstdio>
 
 using namespace mac;

@@ -1,9 +1,9 @@
 #include "coreutils/Strings.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSValue.h"
-#include "platform/foundation/UTCDateTime.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/dates/UTCDateTime.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/NSValue.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

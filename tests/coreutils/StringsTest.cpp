@@ -1,7 +1,7 @@
 #include "coreutils/Strings.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSNumberFormatter.h"
-#include "platform/foundation/WordSum.h"
+#include "platform/foundation/collections/WordSum.h"
+#include "platform/foundation/numbers/NSNumberFormatter.h"
+#include "platform/foundation/objects/Exceptions.h"
 #include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstring>

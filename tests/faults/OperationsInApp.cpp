@@ -1,9 +1,9 @@
 #include "app/AppControllerBody.h"
 #include "app/Undo.h"
-#include "platform/desktop/AutostartChanges.h"
-#include "platform/desktop/AutostartText.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSString.h"
+#include "platform/desktop/autostart/AutostartChanges.h"
+#include "platform/desktop/autostart/AutostartText.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/text/NSString.h"
 #include "tests/faults/Operations.h"
 #include <cstdio>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/FinderInformation.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/system/items/OpenItem.h"
 #include "tests/faults/Operations.h"
 #include <algorithm>

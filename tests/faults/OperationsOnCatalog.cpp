@@ -3,10 +3,10 @@
 #include "pathutils/ExtendedAttributes.h"
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
-#include "platform/files/CatalogInformation.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSFileAttributes.h"
+#include "platform/files/references/CatalogInformation.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/files/NSFileAttributes.h"
 #include "tests/faults/Operations.h"
 
 // Locks, permissions, dates and Finder information of items, what they take over from another item, and two files that

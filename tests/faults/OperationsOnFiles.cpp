@@ -1,8 +1,8 @@
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSFileManager.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/files/NSFileManager.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
+#include "platform/foundation/text/NSString.h"
 #include "tests/faults/Operations.h"
 
 namespace mac::faults {

@@ -3,9 +3,9 @@
 #include "pathutils/FileOperations.h"
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/FileOperations.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSFileAttributes.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/files/NSFileAttributes.h"
 #include "tests/faults/Operations.h"
 #include <cstdio>
 #include <memory>

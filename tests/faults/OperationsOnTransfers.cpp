@@ -1,4 +1,4 @@
-#include "platform/files/ReplacingTransfer.h"
+#include "platform/files/trash/ReplacingTransfer.h"
 #include "tests/faults/Operations.h"
 #include <fcntl.h>
 #include <sys/stat.h>

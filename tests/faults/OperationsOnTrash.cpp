@@ -1,4 +1,4 @@
-#include "platform/files/Trash.h"
+#include "platform/files/trash/Trash.h"
 #include "tests/faults/Operations.h"
 #include <unistd.h>
 

@@ -1,5 +1,5 @@
 #include "pathutils/FileOperations.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FileLocks.h"

@@ -1,5 +1,5 @@
 #include "pathutils/FileOperations.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
 #include "tests/support/ObjectTexts.h"

@@ -1,5 +1,5 @@
 #include "pathutils/FileOperations.h"
-#include "platform/foundation/NSNull.h"
+#include "platform/foundation/objects/NSNull.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/OrdinaryUser.h"

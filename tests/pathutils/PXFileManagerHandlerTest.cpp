@@ -1,5 +1,5 @@
 #include "pathutils/PXFileManagerHandler.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"

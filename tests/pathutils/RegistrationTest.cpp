@@ -1,9 +1,9 @@
-#include "platform/files/FSRef.h"
 #include "platform/files/Handles.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
-#include "platform/foundation/NSValue.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/NSValue.h"
+#include "platform/foundation/text/NSString.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

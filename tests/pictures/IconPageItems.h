@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appkit/NSImage.h"
+#include "platform/appkit/workspace/NSImage.h"
 #include "tests/support/TemporaryFolder.h"
 #include <functional>
 #include <string>

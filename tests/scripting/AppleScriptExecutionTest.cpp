@@ -1,8 +1,8 @@
 #include "scripting/AppleScriptExecution.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "scripting/FileReferences.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSFileAttributes.h"
+#include "platform/foundation/files/NSFileAttributes.h"
+#include "platform/foundation/objects/Exceptions.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/SystemCalls.h"

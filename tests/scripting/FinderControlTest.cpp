@@ -1,7 +1,7 @@
-#include "platform/appkit/NSWorkspace.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSNull.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/appkit/workspace/NSWorkspace.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/objects/NSNull.h"
+#include "platform/foundation/urls/NSURL.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "scripting/ProcessQuitting.h"
-#include "platform/foundation/NSDate.h"
+#include "platform/foundation/dates/NSDate.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/support/Companion.h"
 #include <csignal>

@@ -1,10 +1,10 @@
 #include "platform/applescript/NSAppleScript.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/files/FSRef.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSValue.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/NSValue.h"
 #include "platform/processes/Processes.h"
 #include <bit>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/appkit/NSWorkspace.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/appkit/workspace/NSWorkspace.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "scripting/ProcessesAndFinder.h"
 #include "tests/platform/desktop/ThunarDesktop.h"
 

@@ -1,6 +1,6 @@
 #include "scripting/URLUtilities.h"
 #include "pathutils/FinderMetadata.h"
-#include "platform/files/VolumeInformation.h"
+#include "platform/files/volumes/VolumeInformation.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/URLs.h"

@@ -58,7 +58,7 @@ pathutils/FileOperations
   -pxRemoveFile     pxRemoveFile
 """,
     "platform/foundation/CMakeLists.txt": "add_library(foundation OBJECT NSString.cpp)\n",
-    "platform/foundation/NSString.h": """#pragma once
+    "platform/foundation/text/NSString.h": """#pragma once
 
 namespace mac {
 
@@ -74,7 +74,7 @@ private:
 
 } // namespace mac
 """,
-    "platform/foundation/NSString.cpp": """#include "platform/foundation/NSString.h"
+    "platform/foundation/text/NSString.cpp": """#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 
@@ -82,7 +82,7 @@ void NSString::setLength_(int length) { m_length = length; }
 
 } // namespace mac
 """,
-    "platform/foundation/Class.h": """#pragma once
+    "platform/foundation/objects/Class.h": """#pragma once
 
 namespace mac {
 
@@ -100,7 +100,7 @@ T* adopt() {
 
 } // namespace mac
 """,
-    "platform/foundation/Method.h": """#pragma once
+    "platform/foundation/objects/Method.h": """#pragma once
 
 namespace mac {
 
@@ -124,7 +124,7 @@ constexpr Method classMethod(char const* selector) {
     "pathutils/CMakeLists.txt": "add_library(pathutils OBJECT BundleVersions.cpp)\n",
     "pathutils/BundleVersions.h": """#pragma once
 
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 
 namespace mac {
 // The version.
@@ -133,7 +133,7 @@ int pxVersionOfPath(NSString const& path);
 } // namespace mac
 """,
     "pathutils/BundleVersions.cpp": """#include "pathutils/BundleVersions.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace mac {
 
@@ -162,7 +162,7 @@ private:
 } // namespace framekeeper
 """,
     "app/ItemActions.cpp": """#include "app/AppController.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {
 
@@ -234,10 +234,10 @@ PLANTED = [
     ("tidy", [after("app/ItemActions.cpp", 3, "int* nothing() { return 0; }\n")], "app/ItemActions.cpp:4: ", "modernize-use-nullptr"),
     # arrows
     ("arrows", [after("pathutils/BundleVersions.cpp", 1, '#include "app/AppController.h"\n')], "pathutils/BundleVersions.cpp:2: ", "app"),
-    ("arrows", [after("platform/foundation/NSString.cpp", 1, '#include "pathutils/BundleVersions.h"\n')],
-     "platform/foundation/NSString.cpp:2: ", "platform includes pathutils"),
-    ("arrows", [new("platform/files/File.h", "#pragma once\n"), after("platform/foundation/NSString.cpp", 1, '#include "platform/files/File.h"\n')],
-     "platform/foundation/NSString.cpp:2: ", "it stands on system alone"),
+    ("arrows", [after("platform/foundation/text/NSString.cpp", 1, '#include "pathutils/BundleVersions.h"\n')],
+     "platform/foundation/text/NSString.cpp:2: ", "platform includes pathutils"),
+    ("arrows", [new("platform/files/File.h", "#pragma once\n"), after("platform/foundation/text/NSString.cpp", 1, '#include "platform/files/File.h"\n')],
+     "platform/foundation/text/NSString.cpp:2: ", "it stands on system alone"),
     ("arrows", [new("platform/files/File.h", '#pragma once\n#include "platform/finder/Finder.h"\n'),
                 new("platform/finder/Finder.h", '#pragma once\n#include "platform/files/File.h"\n')], "platform/finder/Finder.h:2: ", "no order of rooms"),
     ("arrows", [new("coreutils/Strings.cpp", '#include "pathutils/BundleVersions.h"\n')], "coreutils/Strings.cpp:1: ", "alone"),
@@ -245,9 +245,9 @@ PLANTED = [
     ("arrows", [new("command/Verbs.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "command/Verbs.h"\n')],
      "app/ItemActions.cpp:2: ", "stands above"),
     ("arrows", [after("app/ItemActions.cpp", 1, "#include <unistd.h>\n")], "app/ItemActions.cpp:2: ", "system header"),
-    ("arrows", [after("platform/foundation/NSString.h", 1, "#include <fcntl.h>\n")], "platform/foundation/NSString.h:2: ", "in a header"),
+    ("arrows", [after("platform/foundation/text/NSString.h", 1, "#include <fcntl.h>\n")], "platform/foundation/text/NSString.h:2: ", "in a header"),
     ("arrows", [new("platform/foundation/Inner.h", "#pragma once\n#include <QString>\n"),
-                after("platform/foundation/NSString.h", 1, '#include "platform/foundation/Inner.h"\n')],
+                after("platform/foundation/text/NSString.h", 1, '#include "platform/foundation/Inner.h"\n')],
      "platform/foundation/Inner.h:2: ", "reaches pathutils/BundleVersions.cpp"),
     ("arrows", [after("app/ItemActions.cpp", 1, '#include "ItemActions.h"\n')], "app/ItemActions.cpp:2: ", "no file of the tree"),
     ("arrows", [new("tests/support/Home.h", "#pragma once\n"), after("app/ItemActions.cpp", 1, '#include "tests/support/Home.h"\n')],
@@ -277,29 +277,29 @@ PLANTED = [
     ("registered", [new("tests/app/More.cpp", "\nTEST(More, Runs) {}\n"), replace("tests/CMakeLists.txt", "OBJECT", "OBJECT app/More.cpp")],
      "tests/app/More.cpp:2: ", "Test.cpp"),
     ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
-    ("registered", [after("platform/foundation/NSString.h", 7, "    static ClassDescription describeClass();\n")],
-     "platform/foundation/NSString.h:6: ", "never registered"),
+    ("registered", [after("platform/foundation/text/NSString.h", 7, "    static ClassDescription describeClass();\n")],
+     "platform/foundation/text/NSString.h:6: ", "never registered"),
     ("registered", [new("fuzz/NameFuzz.cpp", "\n"), replace("fuzz/CMakeLists.txt", "OBJECT", "OBJECT NameFuzz.cpp")], "fuzz/NameFuzz.cpp:1: ", "has no corpus"),
     ("registered", [new("fuzz/corpus/NameFuzz/one", "\n")], "fuzz/corpus/NameFuzz:1: ", "belongs to no target"),
     ("registered", [new("fuzz/NameFuzz.dict", "\n")], "fuzz/NameFuzz.dict:1: ", "belongs to no target"),
     # rules
     ("rules", [after("pathutils/BundleVersions.cpp", 3, "void* nothing = nullptr;\n")], "pathutils/BundleVersions.cpp:4: ", "nil"),
     ("rules", [after("app/ItemActions.cpp", 3, "int* leak() { return new int(3); }\n")], "app/ItemActions.cpp:4: ", "adopt"),
-    ("rules", [after("platform/foundation/NSString.cpp", 3, "void* w = new QWidget();\n")], "platform/foundation/NSString.cpp:4: ", "adopt"),
+    ("rules", [after("platform/foundation/text/NSString.cpp", 3, "void* w = new QWidget();\n")], "platform/foundation/text/NSString.cpp:4: ", "adopt"),
     ("rules", [after("app/ItemActions.cpp", 3, "auto* t = dynamic_cast<int*>(x);\n")], "app/ItemActions.cpp:4: ", "as<T>"),
     ("rules", [after("tests/app/ItemActionsTest.cpp", 3, f'int x = {SYSTEM}("ls");\n')], "tests/app/ItemActionsTest.cpp:4: ", "NSTask"),
     ("rules", [after("pathutils/BundleVersions.cpp", 1, "#include <filesystem>\n")], "pathutils/BundleVersions.cpp:2: ", "NSFileManager"),
-    ("rules", [after("platform/foundation/NSString.cpp", 3, "#ifdef __linux__\n#endif\n")], "platform/foundation/NSString.cpp:4: ", "one platform"),
-    ("rules", [after("platform/foundation/NSString.h", 3, "void log(const char* format, ...);\n")], "platform/foundation/NSString.h:4: ", "varargs"),
+    ("rules", [after("platform/foundation/text/NSString.cpp", 3, "#ifdef __linux__\n#endif\n")], "platform/foundation/text/NSString.cpp:4: ", "one platform"),
+    ("rules", [after("platform/foundation/text/NSString.h", 3, "void log(const char* format, ...);\n")], "platform/foundation/text/NSString.h:4: ", "varargs"),
     ("rules", [after("app/ItemActions.cpp", 3, "char* n = mktemp(t);\n")], "app/ItemActions.cpp:4: ", "mkstemp"),
     ("rules", [after("app/ItemActions.cpp", 3, "using namespace std;\n")], "app/ItemActions.cpp:4: ", "namespace std"),
     ("rules", [after("app/ItemActions.cpp", 3, f"// {TO_DO}: later\n")], "app/ItemActions.cpp:4: ", "README.md"),
     ("rules", [after("CONTRIBUTING.md", 1, f"See {WORK}.\n")], "CONTRIBUTING.md:2: ", "developer"),
     ("rules", [after("run", 1, "cd /" + "home/ann/code\n")], "run:2: ", "developer"),
     ("rules", [after("app/ItemActions.cpp", 3, "// " + "-" * 20 + "\n")], "app/ItemActions.cpp:4: ", "ruler"),
-    ("rules", [after("platform/foundation/NSString.h", 4, "// False if it fails; errno says why.\n")], "platform/foundation/NSString.h:5: ", "Result"),
-    ("rules", [after("platform/foundation/NSString.cpp", 3, "int fail() { errno = 2; return -1; }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
-    ("rules", [after("platform/foundation/NSString.cpp", 3, "void clear() { std::exchange(errno, 0); }\n")], "platform/foundation/NSString.cpp:4: ", "SystemError"),
+    ("rules", [after("platform/foundation/text/NSString.h", 4, "// False if it fails; errno says why.\n")], "platform/foundation/text/NSString.h:5: ", "Result"),
+    ("rules", [after("platform/foundation/text/NSString.cpp", 3, "int fail() { errno = 2; return -1; }\n")], "platform/foundation/text/NSString.cpp:4: ", "SystemError"),
+    ("rules", [after("platform/foundation/text/NSString.cpp", 3, "void clear() { std::exchange(errno, 0); }\n")], "platform/foundation/text/NSString.cpp:4: ", "SystemError"),
     ("rules", [replace("app/AppController.h", "#pragma once\n", "")], "app/AppController.h:1: ", "#pragma once"),
     ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:411: ", "split"),
     # documents

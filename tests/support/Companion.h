@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/processes/Processes.h"
 #include "tests/support/ChildProcess.h"
 #include <string>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSNumber.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/NSString.h"
 #include <string>
 #include <string_view>
 #include <vector>

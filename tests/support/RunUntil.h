@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <functional>
 
 namespace mac::test {

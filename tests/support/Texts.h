@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/text/NSString.h"
 
 // Short spellings for the strings and data that tests make, and for the bytes that they compare.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSURL.h"
+#include "platform/foundation/urls/NSURL.h"
 #include <string_view>
 
 // Short spellings for the URLs that tests make.

@@ -5,7 +5,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 
 // What the person at the screen chooses, and what the commands that ask have in common.

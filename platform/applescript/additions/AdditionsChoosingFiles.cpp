@@ -4,7 +4,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"

@@ -2,9 +2,9 @@
 #include "platform/applescript/additions/Additions.h"
 #include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/ElementAccess.h"
-#include "platform/files/Volumes.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSString.h"
+#include "platform/files/volumes/Volumes.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/system/Users.h"
 #include <arpa/inet.h>
 #include <array>

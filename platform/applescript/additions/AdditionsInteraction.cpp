@@ -5,7 +5,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
-#include "platform/foundation/Beep.h"
+#include "platform/foundation/running/Beep.h"
 #include <algorithm>
 
 namespace mac::applescript::additions {

@@ -2,9 +2,9 @@
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
-#include "platform/desktop/DefaultApplications.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSURL.h"
+#include "platform/desktop/entries/DefaultApplications.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/urls/NSURL.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
 

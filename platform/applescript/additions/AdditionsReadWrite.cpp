@@ -8,7 +8,7 @@
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/applescript/runtime/TextElements.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 #include <bit>
 #include <cerrno>

@@ -7,7 +7,7 @@
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/FilePieces.h"
 #include "platform/system/FileWriting.h"
 #include <cerrno>

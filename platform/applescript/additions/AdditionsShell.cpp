@@ -3,7 +3,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ShellCommand.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/XDGFolders.h"
 #include <algorithm>
 #include <cerrno>

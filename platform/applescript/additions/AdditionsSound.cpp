@@ -5,8 +5,8 @@
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/ShellCommand.h"
-#include "platform/desktop/DesktopEntry.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/desktop/entries/DesktopEntry.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/processes/DetachedProcess.h"
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/foundation/UserInterface.h"
+#include "platform/foundation/running/UserInterface.h"
 
 namespace mac::applescript::additions {
 

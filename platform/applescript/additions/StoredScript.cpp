@@ -1,6 +1,6 @@
 #include "platform/applescript/additions/StoredScript.h"
 #include "platform/applescript/runtime/ScriptError.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <charconv>
 #include <system_error>
 

@@ -7,10 +7,10 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/Operators.h"
-#include "platform/desktop/FileBrowserSession.h"
-#include "platform/desktop/FrontProcess.h"
-#include "platform/files/Volumes.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/desktop/browser/FileBrowserSession.h"
+#include "platform/desktop/session/FrontProcess.h"
+#include "platform/files/volumes/Volumes.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 #include <array>
 

@@ -2,7 +2,7 @@
 
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/desktop/DesktopProblem.h"
-#include "platform/files/ReplacingTransfer.h"
+#include "platform/files/trash/ReplacingTransfer.h"
 
 // The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
 // desktop's file browser's.

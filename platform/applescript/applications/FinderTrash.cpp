@@ -3,8 +3,8 @@
 #include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/applescript/runtime/RunLimits.h"
-#include "platform/files/HFSPaths.h"
-#include "platform/files/Trash.h"
+#include "platform/files/references/HFSPaths.h"
+#include "platform/files/trash/Trash.h"
 #include "platform/system/items/OpenItem.h"
 #include <array>
 

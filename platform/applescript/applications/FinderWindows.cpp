@@ -3,11 +3,11 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/desktop/DesktopApplication.h"
-#include "platform/desktop/FileBrowserSession.h"
-#include "platform/files/Trash.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/desktop/browser/FileBrowserSession.h"
+#include "platform/desktop/entries/DesktopApplication.h"
+#include "platform/files/trash/Trash.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/text/Encodings.h"
 
 // What the Finder shows: the windows of the desktop's file browser.
 

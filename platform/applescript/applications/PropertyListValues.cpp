@@ -4,10 +4,10 @@
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptError.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSDate.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <cmath>
 
 namespace mac::applescript {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/runtime/ScriptValue.h"
-#include "platform/foundation/Object.h"
+#include "platform/foundation/objects/Object.h"
 
 namespace mac::applescript {
 

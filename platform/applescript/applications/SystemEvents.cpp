@@ -5,8 +5,8 @@
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/StandardFolders.h"
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/desktop/LogOut.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/desktop/session/LogOut.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
 #include <algorithm>

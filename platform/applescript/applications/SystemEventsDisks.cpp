@@ -3,9 +3,9 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
-#include "platform/files/HFSPaths.h"
-#include "platform/files/Volumes.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/files/references/HFSPaths.h"
+#include "platform/files/volumes/Volumes.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/BytePath.h"
 #include <array>
 

@@ -1,9 +1,9 @@
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/preferences/CFPreferences.h"
 #include "platform/preferences/LoginItemsStore.h"
 #include <array>

@@ -4,10 +4,10 @@
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/FileErrors.h"
-#include "platform/files/HFSPaths.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/files/references/HFSPaths.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/FileWriting.h"
 #include <array>
 #include <variant>

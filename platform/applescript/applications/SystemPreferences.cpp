@@ -4,7 +4,7 @@
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/desktop/Desktops.h"
+#include "platform/desktop/session/Desktops.h"
 #include <algorithm>
 #include <array>
 

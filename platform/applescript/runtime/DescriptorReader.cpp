@@ -10,7 +10,7 @@
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/processes/Processes.h"
 #include <cmath>
 #include <unordered_set>

@@ -8,7 +8,7 @@
 #include "platform/applescript/runtime/ScriptObject.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/processes/Processes.h"
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 #include "platform/applescript/runtime/FileErrors.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

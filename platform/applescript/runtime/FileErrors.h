@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/runtime/ScriptError.h"
-#include "platform/files/ReplacingTransfer.h"
+#include "platform/files/trash/ReplacingTransfer.h"
 
 namespace mac::applescript {
 

@@ -6,8 +6,8 @@
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/ScriptObject.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
-#include "platform/foundation/Encodings.h"
-#include "platform/foundation/NSBundle.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/text/Encodings.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>

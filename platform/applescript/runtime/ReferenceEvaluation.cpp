@@ -4,7 +4,7 @@
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/CommandCalls.h"
 #include "platform/applescript/runtime/ExpressionEvaluation.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 
 namespace mac::applescript {
 

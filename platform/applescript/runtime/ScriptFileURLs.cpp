@@ -1,5 +1,5 @@
 #include "platform/applescript/runtime/ScriptFileURLs.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/PercentEscapes.h"
 #include <cstdlib>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "platform/applescript/runtime/ScriptPaths.h"
-#include "platform/files/HFSPaths.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/files/references/HFSPaths.h"
+#include "platform/foundation/text/Encodings.h"
 #include <sys/stat.h>
 #include <vector>
 

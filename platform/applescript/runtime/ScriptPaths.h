@@ -5,7 +5,7 @@
 
 namespace mac::applescript {
 
-// Paths as scripts write them, by the volumes that are mounted now (platform/files/HFSPaths.h).
+// Paths as scripts write them, by the volumes that are mounted now (platform/files/references/HFSPaths.h).
 
 // "/a/b:c" is "Macintosh HD:a:b/c"; a final slash becomes a final colon.
 std::u16string hfsPathOf(std::u16string_view posixPath);

@@ -1,6 +1,6 @@
 #include "platform/applescript/runtime/TextComparison.h"
 #include "platform/applescript/language/SyntaxTree.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "coreutils/Collections.h"
 #include "coreutils/ArrayLookups.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/consumer/operations/Trial.h"
 
 namespace consumer {

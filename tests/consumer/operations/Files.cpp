@@ -1,6 +1,6 @@
 #include "pathutils/FileOperations.h"
 #include "pathutils/PXFileManagerHandler.h"
-#include "platform/foundation/NSDictionary.h"
+#include "platform/foundation/collections/NSDictionary.h"
 #include "tests/consumer/operations/Trial.h"
 
 // Files removed, moved, copied and renamed, and what is told of a failure.

@@ -1,5 +1,5 @@
 #include "coreutils/IconsAndImages.h"
-#include "platform/appkit/NSColor.h"
+#include "platform/appkit/workspace/NSColor.h"
 
 #include "tests/consumer/operations/Trial.h"
 #include <cstdlib>

@@ -1,5 +1,5 @@
 #include "coreutils/DisclaimerAndViews.h"
-#include "platform/foundation/NSFileManager.h"
+#include "platform/foundation/files/NSFileManager.h"
 #include "tests/consumer/operations/Trial.h"
 
 // Interface and application operations. The program has no display.

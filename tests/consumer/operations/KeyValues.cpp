@@ -1,7 +1,7 @@
 #include "coreutils/Collections.h"
 #include "coreutils/DisclaimerAndViews.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/ObjectBody.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/objects/ObjectBody.h"
 #include "tests/consumer/operations/Trial.h"
 
 // Key-value coding and observing: of any object, and of managed objects.

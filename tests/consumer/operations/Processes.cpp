@@ -1,6 +1,6 @@
 #include "pathutils/FinderMetadata.h"
-#include "platform/foundation/NSNull.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/objects/NSNull.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/ProcessesAndFinder.h"
 

@@ -1,5 +1,5 @@
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "scripting/AppleEventDescriptors.h"
 #include "scripting/AppleScriptExecution.h"
 #include "tests/consumer/operations/Trial.h"

@@ -1,9 +1,9 @@
 #include "coreutils/DeferredPerforming.h"
 #include "coreutils/Logging.h"
 #include "coreutils/Strings.h"
-#include "platform/foundation/Method.h"
-#include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/ObjectBody.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/ObjectBody.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "tests/consumer/operations/Trial.h"
 
 #include <clocale>

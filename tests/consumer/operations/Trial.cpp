@@ -1,5 +1,5 @@
 #include "tests/consumer/operations/Trial.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
 #include <functional>
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
 #include "platform/applescript/NSAppleScript.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -1,5 +1,5 @@
 #include "platform/applescript/NSAppleScript.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/events/Descriptors.h"
 #include "tests/support/TemporaryFolder.h"
 #include <csignal>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/support/CommandOutput.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

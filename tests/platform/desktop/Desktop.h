@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/desktop/FileBrowserSession.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/desktop/browser/FileBrowserSession.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

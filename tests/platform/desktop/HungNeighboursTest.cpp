@@ -1,6 +1,6 @@
-#include "platform/desktop/FrontProcess.h"
-#include "platform/desktop/Patience.h"
-#include "platform/desktop/X11Display.h"
+#include "platform/desktop/session/FrontProcess.h"
+#include "platform/desktop/session/Patience.h"
+#include "platform/desktop/session/X11Display.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <chrono>
 #include <csignal>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/FileBrowserSession.h"
+#include "platform/desktop/browser/FileBrowserSession.h"
 #include "tests/platform/desktop/VirtualSession.h"
 #include <memory>
 

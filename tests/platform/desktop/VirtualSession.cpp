@@ -1,5 +1,5 @@
 #include "tests/platform/desktop/VirtualSession.h"
-#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "tests/support/CommandOutput.h"
 #include <csignal>
 #include <stdexcept>

@@ -1,8 +1,8 @@
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventManager.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/Method.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/processes/Processes.h"
 #include "tests/platform/events/TestEvents.h"
 #include <gtest/gtest.h>

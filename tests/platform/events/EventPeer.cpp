@@ -1,7 +1,7 @@
 #include "platform/events/AppleEvents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/NSRunLoop.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include "tests/platform/events/TestEvents.h"
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "platform/foundation/NSDate.h"
+#include "platform/foundation/dates/NSDate.h"
 #include "tests/platform/events/Descriptors.h"
 #include "tests/platform/events/EventTransports.h"
 #include "tests/support/TemporaryFolder.h"

@@ -1,5 +1,5 @@
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/platform/events/Descriptors.h"
 #include <array>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "platform/files/FileOperations.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"

@@ -1,6 +1,6 @@
 #include "platform/files/Forks.h"
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/files/ItemReferences.h"
+#include "platform/files/references/ItemReferences.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>

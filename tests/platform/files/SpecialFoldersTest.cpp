@@ -1,6 +1,6 @@
 #include "platform/files/SpecialFolders.h"
-#include "platform/files/ItemReferences.h"
-#include "tests/platform/files/TrashHome.h"
+#include "platform/files/references/ItemReferences.h"
+#include "tests/platform/files/trash/TrashHome.h"
 #include "tests/support/PrivateMounts.h"
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
 #include "platform/icons/Picture.h"
-#include "platform/foundation/EventLoop.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "tests/platform/icons/IconBytes.h"
 #include <gtest/gtest.h>
 

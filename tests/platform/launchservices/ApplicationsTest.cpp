@@ -1,6 +1,6 @@
 #include "platform/launchservices/Applications.h"
-#include "platform/desktop/DefaultApplications.h"
-#include "platform/files/FSRef.h"
+#include "platform/desktop/entries/DefaultApplications.h"
+#include "platform/files/references/FSRef.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

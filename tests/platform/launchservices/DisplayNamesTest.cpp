@@ -1,6 +1,6 @@
 #include "platform/launchservices/DisplayNames.h"
-#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
+#include "platform/files/references/FSRef.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"

@@ -1,6 +1,6 @@
 #include "platform/launchservices/ItemInformation.h"
-#include "platform/files/FSRef.h"
 #include "platform/files/FinderInformation.h"
+#include "platform/files/references/FSRef.h"
 #include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"

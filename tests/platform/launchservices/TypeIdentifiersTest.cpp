@@ -1,6 +1,6 @@
 #include "platform/launchservices/TypeIdentifiers.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSPropertyListSerialization.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/launchservices/ImageSources.h"
 #include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeTree.h"

@@ -1,5 +1,5 @@
-#include "platform/files/FSRef.h"
-#include "platform/foundation/NSArray.h"
+#include "platform/files/references/FSRef.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/ItemAttributes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"

@@ -1,6 +1,6 @@
 #include "platform/preferences/ArgumentDomain.h"
-#include "platform/foundation/NSArray.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSArray.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include <gtest/gtest.h>
 #include <vector>
 

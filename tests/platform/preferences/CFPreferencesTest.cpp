@@ -1,5 +1,5 @@
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/Refusals.h"

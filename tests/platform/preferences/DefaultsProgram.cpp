@@ -1,5 +1,5 @@
-#include "platform/foundation/NSRunLoop.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/running/NSRunLoop.h"
+#include "platform/foundation/text/NSString.h"
 #include "platform/preferences/NSUserDefaults.h"
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSArray.h"
+#include "platform/foundation/collections/NSArray.h"
 #include "platform/preferences/CFPreferences.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

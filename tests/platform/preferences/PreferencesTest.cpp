@@ -1,7 +1,7 @@
 #include "platform/preferences/Preferences.h"
 #include "fuzz/UserDefaultsTrial.h"
-#include "platform/foundation/NSData.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSData.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/Corpus.h"
 #include <cerrno>

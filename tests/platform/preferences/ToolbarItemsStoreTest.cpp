@@ -1,6 +1,6 @@
 #include "platform/preferences/ToolbarItemsStore.h"
-#include "platform/foundation/NSDictionary.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/ObjectTexts.h"

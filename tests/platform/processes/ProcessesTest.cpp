@@ -1,5 +1,5 @@
 #include "platform/processes/Processes.h"
-#include "platform/foundation/NSNumber.h"
+#include "platform/foundation/numbers/NSNumber.h"
 #include "platform/processes/SerialNumbers.h"
 #include "platform/system/processes/ProcessList.h"
 #include "tests/platform/processes/Programs.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/NSSet.h"
+#include "platform/foundation/collections/NSSet.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 #include "tests/platform/spotlight/QueryRecorder.h"
 #include "tests/support/RunUntil.h"

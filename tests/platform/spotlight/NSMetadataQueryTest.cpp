@@ -1,8 +1,8 @@
 #include "platform/spotlight/NSMetadataQuery.h"
-#include "platform/foundation/Exceptions.h"
-#include "platform/foundation/KeyValueObserving.h"
-#include "platform/foundation/Log.h"
-#include "platform/foundation/Weak.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/Log.h"
 #include "tests/platform/spotlight/MetadataQuery.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>

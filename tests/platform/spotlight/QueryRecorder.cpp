@@ -1,5 +1,5 @@
 #include "tests/platform/spotlight/QueryRecorder.h"
-#include "platform/foundation/Method.h"
+#include "platform/foundation/objects/Method.h"
 #include "platform/spotlight/NSMetadataQuery.h"
 
 namespace mac::test {

@@ -1,5 +1,5 @@
 #include "platform/system/XDGFolders.h"
-#include "platform/foundation/NSString.h"
+#include "platform/foundation/text/NSString.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>

@@ -1,5 +1,5 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"

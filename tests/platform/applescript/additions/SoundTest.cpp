@@ -1,6 +1,6 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/CommandOutput.h"

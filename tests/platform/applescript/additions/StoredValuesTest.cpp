@@ -5,7 +5,7 @@
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 #include <limits>

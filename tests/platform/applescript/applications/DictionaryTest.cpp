@@ -4,7 +4,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/runtime/ScriptEngine.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/support/DiskContents.h"
 #include <string>
 

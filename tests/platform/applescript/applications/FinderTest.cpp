@@ -1,8 +1,8 @@
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/files/HFSPaths.h"
+#include "platform/files/references/HFSPaths.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/applescript/applications/FinderScripts.h"
-#include "tests/platform/files/TrashHome.h"
+#include "tests/platform/files/trash/TrashHome.h"
 #include "tests/support/Gio.h"
 #include <array>
 #include <atomic>

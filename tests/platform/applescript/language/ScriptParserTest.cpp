@@ -1,5 +1,5 @@
 #include "platform/applescript/language/ScriptParser.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include <gtest/gtest.h>
 
 namespace mac::applescript::test {

@@ -4,7 +4,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/SourceForm.h"
-#include "platform/foundation/Encodings.h"
+#include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"

@@ -1,6 +1,6 @@
 #include "platform/system/processes/ProcessList.h"
 #include "fuzz/CommandLineTrial.h"
-#include "platform/foundation/Log.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/processes/SerialNumbers.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Corpus.h"

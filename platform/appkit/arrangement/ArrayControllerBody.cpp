@@ -1,0 +1,270 @@
+#include "platform/appkit/arrangement/ArrayControllerBody.h"
+#include "platform/appkit/arrangement/IdentityPlaces.h"
+#include "platform/foundation/collections/NSSet.h"
+#include "platform/foundation/collections/NSSortDescriptor.h"
+#include "platform/foundation/objects/Exceptions.h"
+#include <algorithm>
+#include <exception>
+#include <optional>
+
+namespace mac {
+
+namespace {
+
+constexpr char const* SelectionKeys[]{"selectedObjects", "selection",    "selectionIndex",
+                                      "selectionCount",  "hasSelection", "hasSingleSelection"};
+constexpr char const* ArrangementKeys[]{"arrangedObjects", "count", "contentCount", "isEmpty", "isFilteredToNothing"};
+
+NSString keyNamed(char const* name) { return NSString::stringWithUTF8String_(name); }
+
+// The change of several keys at once.
+class KeysChange {
+public:
+    explicit KeysChange(id object) : m_object(std::move(object)) {}
+
+    KeysChange& with(std::span<char const* const> names) {
+        for (char const* const name : names) {
+            m_keys.push_back(keyNamed(name));
+            m_object.willChangeValueForKey_(m_keys.back());
+        }
+        return *this;
+    }
+    // Everybody is told; answers the first exception of an observer.
+    [[nodiscard]] std::exception_ptr tell() const {
+        std::exception_ptr first;
+        for (NSString const& key : m_keys) {
+            try {
+                m_object.didChangeValueForKey_(key);
+            } catch (...) {
+                if (!first) first = std::current_exception();
+            }
+        }
+        return first;
+    }
+
+private:
+    id m_object;
+    std::vector<NSString> m_keys;
+};
+
+void raise(std::exception_ptr const& exception) {
+    if (exception) std::rethrow_exception(exception);
+}
+
+NSArray objectsOf(id const& content) {
+    if (content == nil) return NSArray::array();
+    if (content.isKindOfClass_(classOf<NSSet>())) return as<NSSet>(content).allObjects();
+    if (content.isKindOfClass_(classOf<NSArray>())) return as<NSArray>(content);
+    throw NSInvalidArgumentException("The content of an array controller must be an array or a set, not " +
+                                     std::string(content.class_().name()));
+}
+
+} // namespace
+
+NSArrayController::Body::Entry NSArrayController::Body::makeEntry(id const& object) const {
+    return {object, m_identityKeyPath == nil ? object : valueOfKeyPath(object, m_identityKeyPath)};
+}
+
+// What was there before takes over row and selection. Everything is read of an object while it is at hand: looking at
+// each once more is what costs.
+NSArrayController::Body::Reading NSArrayController::Body::read(id const& content) const {
+    NSArray const objects = objectsOf(content);
+    SortValueReader const sortValues(m_descriptors);
+    IdentityPlaces places(m_identityKeyPath != nil, m_entries.size());
+    for (std::size_t place = 0; place < m_entries.size(); ++place)
+        places.add(m_entries[place].identity, place);
+
+    std::vector<Entry> entries;
+    std::vector<id> values;
+    entries.reserve(objects.count());
+    values.reserve(objects.count() * sortValues.width());
+    std::vector<std::size_t> indexAtPlace(m_entries.size(), KeptOrder::None);
+    std::vector<std::size_t> added;
+    for (id const& object : objects) {
+        Entry entry = makeEntry(object);
+        sortValues.append(values, object);
+        if (std::optional<std::size_t> const place = places.take(entry.identity)) {
+            entry.row = m_entries[*place].row;
+            entry.isSelected = m_entries[*place].isSelected;
+            indexAtPlace[*place] = entries.size();
+        } else {
+            added.push_back(entries.size());
+        }
+        entries.push_back(std::move(entry));
+    }
+
+    Reading result;
+    result.entries.reserve(entries.size());
+    result.formerPlaces.reserve(entries.size());
+    result.sortValues.reserve(values.size());
+    auto const take = [&](std::size_t index, std::size_t formerPlace) {
+        result.entries.push_back(std::move(entries[index]));
+        result.formerPlaces.push_back(formerPlace);
+        for (std::size_t i = 0; i < sortValues.width(); ++i)
+            result.sortValues.push_back(std::move(values[index * sortValues.width() + i]));
+    };
+    for (std::size_t place = 0; place < indexAtPlace.size(); ++place) {
+        if (indexAtPlace[place] != KeptOrder::None) take(indexAtPlace[place], place);
+    }
+    for (std::size_t const index : added)
+        take(index, KeptOrder::None);
+    return result;
+}
+
+NSArrayController::Body::Reading NSArrayController::Body::readAnew() const {
+    Reading result{m_entries, std::vector<std::size_t>(m_entries.size(), KeptOrder::None), {}};
+    SortValueReader const sortValues(m_descriptors);
+    result.sortValues.reserve(result.entries.size() * sortValues.width());
+    for (Entry const& entry : result.entries)
+        sortValues.append(result.sortValues, entry.object);
+    return result;
+}
+
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading) const {
+    auto [order, values] = m_order.sort(std::move(reading.sortValues), reading.formerPlaces, m_descriptors);
+    Sorted result{{}, std::move(values)};
+    result.entries.reserve(reading.entries.size());
+    for (std::size_t const index : order)
+        result.entries.push_back(std::move(reading.entries[index]));
+    return result;
+}
+
+NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sorted) const {
+    return arrange(std::move(sorted), [this](std::size_t, Entry const& entry) {
+        return m_filter == nil || m_filter.evaluateWithObject_(entry.object);
+    });
+}
+
+NSArrayController::Body::Arrangement
+NSArrayController::Body::arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const {
+    std::vector<Entry>& entries = sorted.entries;
+    IdentityPlaces awaited(m_identityKeyPath != nil, m_awaited.size());
+    for (id const& identity : m_awaited)
+        awaited.add(identity, 0);
+    Arrangement result;
+    result.arranged.reserve(entries.size());
+    result.previousRows.reserve(entries.size());
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        Entry& entry = entries[index];
+        if (!passes(index, entry)) {
+            entry.row = NSNotFound;
+            entry.isSelected = false;
+            continue;
+        }
+        if (!m_awaited.empty() && awaited.take(entry.identity)) entry.isSelected = true;
+        NSUInteger const row = static_cast<NSUInteger>(result.arranged.size());
+        if (entry.isSelected) result.selectedRows.push_back(row);
+        result.arranged.push_back(entry.object);
+        result.previousRows.push_back(std::exchange(entry.row, row));
+    }
+    for (id const& identity : m_awaited) {
+        if (awaited.take(identity)) result.stillAwaited.push_back(identity);
+    }
+    result.entries = std::move(sorted.entries);
+    result.sortValues = std::move(sorted.values);
+    return result;
+}
+
+void NSArrayController::Body::show(Arrangement arrangement, std::function<void()> const& changeFurther,
+                                   std::span<char const* const> furtherKeys) {
+    KeysChange change(self());
+    change.with(furtherKeys).with(ArrangementKeys).with(SelectionKeys);
+    id formerContent = m_content;
+    changeFurther();
+    std::vector<Entry> formerEntries = std::exchange(m_entries, std::move(arrangement.entries));
+    std::vector<id> formerValues = m_order.keep(std::move(arrangement.sortValues));
+    m_previouslyArranged = std::exchange(m_arranged, NSArray::arrayWithVector(std::move(arrangement.arranged)));
+    m_previousRows = std::move(arrangement.previousRows);
+    m_selectedRows = std::move(arrangement.selectedRows);
+    m_awaited = std::move(arrangement.stillAwaited);
+    std::exception_ptr const raised = change.tell();
+    m_previousRows.clear();
+
+    // The last one goes first: the lists before what they hold.
+    std::vector<id> discarded = std::move(formerValues);
+    discarded.reserve(discarded.size() + 2 * formerEntries.size() + 2);
+    for (Entry& entry : formerEntries)
+        discarded.push_back(std::move(entry.identity));
+    for (Entry& entry : formerEntries)
+        discarded.push_back(std::move(entry.object));
+    discarded.push_back(std::move(formerContent));
+    discarded.push_back(std::exchange(m_previouslyArranged, nil));
+    m_discarded.add(std::move(discarded));
+    if (m_upcoming) {
+        // It was read of what was shown before.
+        m_upcoming = Upcoming{.criteria = std::move(m_upcoming->criteria)};
+        advanceLater();
+    }
+    raise(raised);
+}
+
+void NSArrayController::Body::setContent(id const& content) {
+    Arrangement arrangement = arrange(sorted(read(content)));
+    if (content == nil) {
+        for (Entry const& entry : m_entries) {
+            if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
+        }
+    }
+    static constexpr char const* keys[]{"content"};
+    show(
+        std::move(arrangement), [&] { m_content = content; }, keys);
+}
+
+void NSArrayController::Body::rearrange() {
+    show(arrange(sorted(readAnew())), [] {}, {});
+}
+
+void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {
+    m_identityKeyPath = uncheckedCast<NSString>(keyPath.copy());
+    m_awaited.clear();
+    for (Entry& entry : m_entries)
+        entry.identity = makeEntry(entry.object).identity;
+}
+
+NSArray NSArrayController::Body::selectedObjects() const {
+    std::vector<id> selected;
+    selected.reserve(m_selectedRows.size());
+    for (NSUInteger const row : m_selectedRows)
+        selected.push_back(m_arranged.objectAtIndex_(row));
+    return NSArray::arrayWithVector(std::move(selected));
+}
+
+bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
+    IdentityPlaces wanted(m_identityKeyPath != nil, objects.count());
+    for (id const& object : objects)
+        wanted.add(makeEntry(object).identity, 0);
+    std::vector<NSUInteger> rows;
+    for (Entry const& entry : m_entries) {
+        if (entry.row != NSNotFound && wanted.take(entry.identity)) rows.push_back(entry.row);
+    }
+    if (rows.empty() && objects.count() > 0) return false;
+    setSelectedRows(std::move(rows));
+    return true;
+}
+
+void NSArrayController::Body::setSelectedRows(std::vector<NSUInteger> rows) {
+    std::erase_if(rows, [&](NSUInteger row) { return row >= m_arranged.count(); });
+    m_awaited.clear();
+    if (rows == m_selectedRows) return;
+    KeysChange change(self());
+    change.with(SelectionKeys);
+    m_selectedRows = std::move(rows);
+    std::vector<bool> isSelected(m_arranged.count(), false);
+    for (NSUInteger const row : m_selectedRows)
+        isSelected[row] = true;
+    for (Entry& entry : m_entries)
+        entry.isSelected = entry.row != NSNotFound && isSelected[entry.row];
+    raise(change.tell());
+}
+
+void NSArrayController::Body::bind(id const& object, NSString const& keyPath) {
+    m_binding.reset();
+    m_boundObject = object;
+    m_boundKeyPath = uncheckedCast<NSString>(keyPath.copy());
+    m_binding = std::make_unique<KeyPathObserver>(object, m_boundKeyPath, [this] { readBinding(); });
+    readBinding();
+}
+
+void NSArrayController::Body::readBinding() { setContent(m_boundObject.load().valueForKeyPath_(m_boundKeyPath)); }
+
+} // namespace mac

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "platform/appkit/arrangement/KeptOrder.h"
+#include "platform/appkit/arrangement/KeyPathObserver.h"
+#include "platform/appkit/arrangement/LateRelease.h"
+#include "platform/appkit/arrangement/NSArrayController.h"
+#include "platform/foundation/collections/ValueOrder.h"
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace mac {
+
+// The content in order, whether it passes the filter or not. A change of content, order or filter makes the arranged
+// objects anew and carries the selection over.
+class NSArrayController::Body : public ObjectBody {
+public:
+    id const& content() const { return m_content; }
+    void setContent(id const& content);
+    void bind(id const& object, NSString const& keyPath);
+    void unbind() { m_binding.reset(); }
+
+    NSArray const& arrangedObjects() const { return m_arranged; }
+    void rearrange();
+    NSArray const& sortDescriptors() const { return m_descriptors; }
+    void setSortDescriptors(NSArray const& descriptors);
+    NSPredicate const& filterPredicate() const { return m_filter; }
+    void setFilterPredicate(NSPredicate const& predicate);
+    NSString const& identityKeyPath() const { return m_identityKeyPath; }
+    void setIdentityKeyPath(NSString const& keyPath);
+
+    // Another order, another filter or both; nullopt: stays as it is.
+    struct Criteria {
+        std::optional<NSArray> sortDescriptors{};
+        std::optional<NSPredicate> filter{};
+    };
+    // So many objects are filtered or sorted without a break: what that takes is not felt.
+    static constexpr std::size_t RowsInStep = 10'000;
+    // Does what the two setters do, for what the user asks for. With more objects than a step has, the event loop works
+    // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it, and a
+    // content that is set meanwhile is shown as before at first.
+    void changeInSteps(Criteria criteria);
+    // Those asked for by changeInSteps, else those in force.
+    NSArray const& wantedSortDescriptors() const;
+
+    NSUInteger contentCount() const { return static_cast<NSUInteger>(m_entries.size()); }
+    NSArray selectedObjects() const;
+    bool setSelectedObjects(NSArray const& objects);
+    // Ascending rows of arrangedObjects.
+    std::span<NSUInteger const> selectedRows() const { return m_selectedRows; }
+    void setSelectedRows(std::vector<NSUInteger> rows);
+
+    // While a change of arrangedObjects is told: what was arranged before, and where in it each object stood,
+    // NSNotFound for a new one.
+    NSArray const& previouslyArranged() const { return m_previouslyArranged; }
+    std::span<NSUInteger const> previousRows() const { return m_previousRows; }
+
+private:
+    // An object of the content; its row in arrangedObjects, NSNotFound when the filter keeps it out.
+    struct Entry {
+        id object;
+        id identity;
+        NSUInteger row{NSNotFound};
+        bool isSelected{false};
+    };
+
+    // The objects of a new content as far as they are read. Those that were there before come first, in their old
+    // order.
+    struct Reading {
+        std::vector<Entry> entries;
+        std::vector<std::size_t> formerPlaces;
+        std::vector<id> sortValues;
+    };
+
+    // What is shown next; made whole before anything changes, since reading objects may raise.
+    struct Arrangement {
+        std::vector<Entry> entries;
+        std::vector<id> arranged;
+        std::vector<NSUInteger> previousRows;
+        std::vector<NSUInteger> selectedRows;
+        std::vector<id> stillAwaited;
+        std::vector<id> sortValues;
+    };
+    struct Sorted {
+        std::vector<Entry> entries;
+        std::vector<id> values;
+    };
+
+    // What changeInSteps has under way. Rows are those of m_entries.
+    struct Upcoming {
+        Criteria criteria{};
+        // One value for each criterion of the order, object after object; only with another order.
+        std::vector<id> sortValues{};
+        std::unique_ptr<RowOrdering> ordering{};
+        // How many objects have been read, and which of them pass the filter.
+        std::size_t read{0};
+        std::vector<bool> passes{};
+    };
+
+    id self() { return id::retain(this); }
+    Entry makeEntry(id const& object) const;
+    Reading read(id const& content) const;
+    // The entries that there are, which may have changed in place.
+    Reading readAnew() const;
+    Sorted sorted(Reading reading) const;
+    // The filter answers of each entry whether it passes.
+    Arrangement arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const;
+    Arrangement arrange(Sorted sorted) const;
+    void show(Arrangement arrangement, std::function<void()> const& changeFurther,
+              std::span<char const* const> furtherKeys);
+    void readBinding();
+    void change(Criteria criteria);
+    void advanceLater();
+    // False while there is more to do.
+    bool advance();
+    bool readSortValues();
+    bool filterSome();
+    void showUpcoming();
+
+    id m_content;
+    std::vector<Entry> m_entries;
+    KeptOrder m_order;
+    NSArray m_arranged{NSArray::array()};
+    NSArray m_descriptors{NSArray::array()};
+    NSPredicate m_filter;
+    NSString m_identityKeyPath;
+    std::optional<Upcoming> m_upcoming;
+    // Sends the steps; null before the first.
+    std::unique_ptr<QTimer> m_steps;
+    std::vector<NSUInteger> m_selectedRows;
+    // Identities of what was selected when the content became unknown.
+    std::vector<id> m_awaited;
+    // Only while a change is told.
+    NSArray m_previouslyArranged;
+    std::vector<NSUInteger> m_previousRows;
+    WeakReference m_boundObject;
+    NSString m_boundKeyPath;
+    std::unique_ptr<KeyPathObserver> m_binding;
+    LateRelease m_discarded;
+};
+
+} // namespace mac

@@ -1,0 +1,156 @@
+#include "platform/appkit/interface/ApplicationInstance.h"
+#include "platform/desktop/session/SessionBus.h"
+#include "platform/desktop/session/X11Display.h"
+#include "platform/foundation/objects/Boundary.h"
+#include <QApplication>
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QWidget>
+#include <cstdlib>
+
+namespace mac {
+
+namespace {
+
+constexpr char ApplicationInterface[] = "org.freedesktop.Application";
+constexpr char ActivationTokenKey[] = "activation-token";
+constexpr char StartupKey[] = "desktop-startup-id";
+
+// "/example/company/Program"
+QString objectPathOf(QString const& name) { return '/' + QString(name).replace('.', '/').replace('-', '_'); }
+
+QVariantMap platformData(LaunchTokens const& tokens) {
+    QVariantMap data;
+    if (!tokens.activation.isEmpty()) data.insert(ActivationTokenKey, tokens.activation);
+    if (!tokens.startup.isEmpty()) data.insert(StartupKey, tokens.startup);
+    return data;
+}
+
+LaunchTokens tokensIn(QVariant const& platformData) {
+    QVariantMap const data = qdbus_cast<QVariantMap>(platformData);
+    return {.activation = data.value(ActivationTokenKey).toString(), .startup = data.value(StartupKey).toString()};
+}
+
+// The server's time in milliseconds at which the user asked for the start: "…_TIME12345". 0 if it does not say.
+std::uint32_t timeOfStartup(QString const& startup) {
+    constexpr char mark[] = "_TIME";
+    qsizetype const place = startup.lastIndexOf(mark);
+    return place < 0 ? 0 : startup.sliced(place + 5).toUInt();
+}
+
+// A window manager that prevents programs from taking the keyboard lets the user's own wish through, if told its time.
+void askX11ForFront(QWidget const& window, QString const& startup) {
+    std::uint32_t const time = timeOfStartup(startup);
+    if (time == 0 || QGuiApplication::platformName() != "xcb") return;
+    constexpr std::uint32_t fromApplication = 1;
+    if (auto const display = X11Display::open())
+        display->tellWindowManager(static_cast<std::uint32_t>(window.winId()), "_NET_ACTIVE_WINDOW",
+                                   {fromApplication, time, 0});
+}
+
+char const* introspection() {
+    return R"(<interface name="org.freedesktop.Application">
+  <method name="Activate"><arg type="a{sv}" name="platform_data" direction="in"/></method>
+  <method name="Open">
+    <arg type="as" name="uris" direction="in"/><arg type="a{sv}" name="platform_data" direction="in"/>
+  </method>
+  <method name="ActivateAction">
+    <arg type="s" name="action_name" direction="in"/><arg type="av" name="parameter" direction="in"/>
+    <arg type="a{sv}" name="platform_data" direction="in"/>
+  </method>
+</interface>
+)";
+}
+
+} // namespace
+
+LaunchTokens LaunchTokens::fromEnvironment() {
+    return {.activation = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"),
+            .startup = qEnvironmentVariable("DESKTOP_STARTUP_ID")};
+}
+
+void raiseWindows(LaunchTokens const& tokens) {
+    // Where the toolkit looks for it when a window asks for the keyboard.
+    if (!tokens.activation.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", tokens.activation.toUtf8());
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible()) continue;
+        window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+        window->raise();
+        window->activateWindow();
+        askX11ForFront(*window, tokens.startup);
+    }
+}
+
+class ApplicationInstance::Service : public QDBusVirtualObject {
+public:
+    explicit Service(Performing perform) : m_perform(std::move(perform)) {}
+
+    QString introspect(QString const&) const override { return introspection(); }
+
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        QString const interface = message.interface();
+        if (!interface.isEmpty() && interface != ApplicationInterface) return false;
+        bool isKnown = true;
+        guarded([&] { isKnown = handle(message); });
+        // Told once the windows are in front: whoever asked may end then.
+        if (isKnown && message.isReplyRequired()) connection.send(message.createReply());
+        return isKnown;
+    }
+
+    Performing m_perform;
+
+private:
+    bool handle(QDBusMessage const& message) {
+        QVariantList const arguments = message.arguments();
+        QString const method = message.member();
+        if (method == "Activate" && message.signature() == "a{sv}") {
+            raiseWindows(tokensIn(arguments[0]));
+            return true;
+        }
+        // There are no documents to open.
+        if (method == "Open" && message.signature() == "asa{sv}") {
+            raiseWindows(tokensIn(arguments[1]));
+            return true;
+        }
+        if (method != "ActivateAction" || message.signature() != "sava{sv}") return false;
+        raiseWindows(tokensIn(arguments[2]));
+        if (m_perform) m_perform(arguments[0].toString());
+        return true;
+    }
+};
+
+ApplicationInstance::ApplicationInstance(Performing perform)
+    : m_service(std::make_unique<Service>(std::move(perform))) {}
+
+ApplicationInstance::~ApplicationInstance() = default;
+
+void ApplicationInstance::setPerforming(Performing perform) { m_service->m_perform = std::move(perform); }
+
+ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, LaunchTokens const& tokens,
+                                                         std::chrono::milliseconds patience) {
+    Patience const waiting(patience);
+    m_connection = connectToSessionBus();
+    if (!m_connection) return Standing::IsUnnamed;
+    // Before it has the name, so that nobody finds the name without the object.
+    m_connection->registerVirtualObject(objectPathOf(name), m_service.get());
+    if (requestBusName(*m_connection, name)) return Standing::IsFirst;
+    QDBusMessage activation =
+        QDBusMessage::createMethodCall(name, objectPathOf(name), ApplicationInterface, "Activate");
+    activation.setArguments({platformData(tokens)});
+    // The instance may end meanwhile, and the bus would start another one.
+    activation.setAutoStartService(false);
+    auto const left = Patience::left();
+    bool const isRaised =
+        left.count() > 0 && m_connection->call(activation, QDBus::Block, static_cast<int>(left.count())).type() ==
+                                QDBusMessage::ReplyMessage;
+    m_connection.reset();
+    return isRaised ? Standing::OtherWasRaised : Standing::IsUnnamed;
+}
+
+bool wantsOwnInstance() {
+    char const* const wish = std::getenv("FRAMEKEEPER_OWN_INSTANCE");
+    return wish && *wish != '\0';
+}
+
+} // namespace mac

@@ -1,0 +1,45 @@
+#include "platform/appkit/interface/FileMimeData.h"
+#include "platform/desktop/entries/DesktopApplication.h"
+
+namespace mac {
+
+namespace {
+
+// Qt would make text and URLs of the bytes, and text again of those.
+class FileBytes : public QMimeData {
+public:
+    explicit FileBytes(std::vector<std::string> const& paths) {
+        QByteArray text;
+        QByteArray uris;
+        QByteArray copied = "copy";
+        for (std::string const& path : paths) {
+            QByteArray const uri = QByteArray::fromStdString(fileURIOfPath(path));
+            if (!text.isEmpty()) text += '\n';
+            text += QByteArray::fromStdString(path);
+            uris += uri + "\r\n";
+            copied += '\n' + uri;
+        }
+        setData("text/plain", text);
+        setData("text/uri-list", uris);
+        setData("x-special/gnome-copied-files", copied);
+        m_uris = uris;
+    }
+
+protected:
+    QVariant retrieveData(QString const& format, QMetaType type) const override {
+        bool const isBytes = type.id() == QMetaType::QByteArray;
+        if (isBytes && format == "text/uri-list") return m_uris;
+        return QMimeData::retrieveData(format, type);
+    }
+
+private:
+    QByteArray m_uris;
+};
+
+} // namespace
+
+std::unique_ptr<QMimeData> mimeDataOfFiles(std::vector<std::string> const& paths) {
+    return std::make_unique<FileBytes>(paths);
+}
+
+} // namespace mac

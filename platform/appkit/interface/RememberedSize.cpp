@@ -1,0 +1,85 @@
+#include "platform/appkit/interface/RememberedSize.h"
+#include "platform/appkit/interface/VisibleText.h"
+#include "platform/foundation/objects/Boundary.h"
+#include "platform/preferences/NSUserDefaults.h"
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStringList>
+#include <QStyle>
+#include <optional>
+
+namespace mac {
+
+namespace {
+
+// A number of pixels beyond this is no window's.
+constexpr int LargestSize = 100'000;
+
+// "X Y WIDTH HEIGHT" and, behind them, the same of the screen: the form that Mac OS X keeps.
+std::optional<QSize> sizeInFrame(QString const& text) {
+    QStringList const parts = text.split(' ', Qt::SkipEmptyParts);
+    if (parts.size() < 4) return {};
+    bool hasWidth = false;
+    bool hasHeight = false;
+    QSize const size(parts[2].toInt(&hasWidth), parts[3].toInt(&hasHeight));
+    bool const isSize = hasWidth && hasHeight && size.width() > 0 && size.height() > 0;
+    if (!isSize || size.width() > LargestSize || size.height() > LargestSize) return {};
+    return size;
+}
+
+QString frameText(QRect const& frame, QRect const& screen) {
+    QStringList parts;
+    for (QRect const& rect : {frame, screen}) {
+        for (int const number : {rect.x(), rect.y(), rect.width(), rect.height()})
+            parts.append(QString::number(number));
+    }
+    return parts.join(' ');
+}
+
+QRect availableTo(QWidget const* window) { return window->screen() ? window->screen()->availableGeometry() : QRect(); }
+
+} // namespace
+
+QSize sizeWithin(QSize const& wanted, QSize const& available, int titleBar) {
+    if (available.isEmpty()) return wanted;
+    return wanted.boundedTo({available.width(), std::max(available.height() - titleBar, 1)});
+}
+
+RememberedSize::RememberedSize(QWidget* window, NSString const& key) : m_window(window), m_key(key) {
+    guarded([&] {
+        NSString const text = NSUserDefaults::standardUserDefaults().stringForKey_(m_key);
+        std::optional<QSize> const size = text == nil ? std::nullopt : sizeInFrame(visibleText(text));
+        if (size) window->resize(*size);
+    });
+    fitScreen();
+    m_given = window->size();
+    window->installEventFilter(this);
+    if (qGuiApp) connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { fitScreen(); });
+}
+
+void RememberedSize::fitScreen() {
+    if (!m_window) return;
+    QRect const available = availableTo(m_window);
+    int const titleBar = m_window->style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, m_window);
+    QSize const fitting = sizeWithin(m_window->size(), available.size(), titleBar);
+    if (fitting != m_window->size()) m_window->resize(fitting);
+}
+
+bool RememberedSize::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Resize) remember();
+    return QObject::eventFilter(watched, event);
+}
+
+void RememberedSize::remember() {
+    bool const isOrdinary = m_window && !(m_window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen));
+    if (!isOrdinary || !m_window->isVisible() || m_window->size() == m_given) return;
+    m_given = m_window->size();
+    QRect const screen = m_window->screen() ? m_window->screen()->geometry() : QRect();
+    guarded([&] {
+        NSUserDefaults::standardUserDefaults().setObject_forKey_(stringOf(frameText(m_window->geometry(), screen)),
+                                                                 m_key);
+    });
+}
+
+} // namespace mac

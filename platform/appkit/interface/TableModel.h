@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/appkit/arrangement/NSArrayController.h"
+#include "platform/appkit/interface/BundleIcons.h"
+#include "platform/appkit/interface/PathElision.h"
+#include "platform/appkit/interface/TableColumn.h"
+#include <QAbstractTableModel>
+#include <QPointer>
+#include <QWidget>
+#include <span>
+#include <vector>
+
+namespace mac {
+
+// Columns up to this one have a shortcut that sorts by them.
+inline constexpr int LastShortcutColumn = 9;
+
+// The arranged objects of an array controller as rows. Values are read when they are shown. Replacing the rows moves,
+// removes and adds as little as tells views what happened, so that they keep their selection.
+class TableModel : public QAbstractTableModel {
+public:
+    explicit TableModel(std::vector<TableColumn> columns) : m_columns(std::move(columns)) {}
+
+    std::vector<TableColumn> const& columns() const { return m_columns; }
+    id const& objectAt(int row) const { return m_rows[static_cast<std::size_t>(row)]; }
+    // Cells take their colours from the widget's palette, whatever it is by then.
+    void setColorSource(QWidget const* widget) { m_colorSource = widget; }
+
+    // The key path of the file that a row stands for; nil, as at first: rows are no files and cannot be dragged.
+    void setFileKeyPath(NSString const& keyPath) { m_fileKeyPath = keyPath; }
+    // The files of the rows, one for each row, from the top. A row without a path that the file system can have is left
+    // out.
+    std::vector<std::string> pathsOf(QModelIndexList const& indexes) const;
+
+    // What the paths of all rows have in common in a column that leaves it out; nothing in other columns.
+    CommonPath commonPath(int section) const;
+
+    // Shows these rows from now on; previousRows says where each stood, NSNotFound for a new one.
+    void replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows);
+    // Shows these rows, whatever stood there before.
+    void resetRows(NSArray const& rows);
+
+    int rowCount(QModelIndex const& parent = {}) const override;
+    int columnCount(QModelIndex const& parent = {}) const override;
+    QVariant data(QModelIndex const& index, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(QModelIndex const& index) const override;
+    // Files are dragged out to be copied or linked, never to be moved.
+    Qt::DropActions supportedDragActions() const override { return Qt::CopyAction | Qt::LinkAction; }
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(QModelIndexList const& indexes) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+private:
+    QVariant cell(id const& object, TableColumn const& column, int role) const;
+    void findCommonPaths(NSArray const& rows);
+    void reorder(std::vector<int> const& newRowOf);
+
+    std::vector<TableColumn> m_columns;
+    std::vector<id> m_rows;
+    std::vector<CommonPath> m_commonPaths;
+    NSString m_fileKeyPath;
+    QPointer<QWidget const> m_colorSource;
+    // Columns whose value could not be read, so that it is logged once for each change and not for each painting.
+    mutable std::vector<bool> m_isBroken;
+    mutable BundleIcons m_icons;
+};
+
+} // namespace mac

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/desktop/session/Patience.h"
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QString>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+// The session's message bus. For implementations; any thread may connect, and uses its connection alone.
+
+namespace mac {
+
+// A new connection, shared with no other caller; nullopt without a bus, or if the bus does not answer within the
+// thread's patience. Never starts a bus.
+std::optional<QDBusConnection> connectToSessionBus();
+
+// How long the bus itself, which is asked by the calls below, is waited for: by default the thread's patience. Once
+// that is over, the bus is not asked.
+using BusTimeout = std::chrono::milliseconds;
+
+// The process behind a connection to the bus. The name is a well-known one, or the unique one that the bus gave.
+struct BusPeer {
+    std::uint32_t user{0};
+    std::int32_t pid{0};
+};
+std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name,
+                               BusTimeout timeout = Patience::left());
+
+// The connection that owns a well-known name.
+struct BusNameOwner {
+    // Its unique name (":1.42"); empty without an owner.
+    QString number;
+    // The D-Bus error if there is none: "org.freedesktop.DBus.Error.NameHasNoOwner".
+    QString errorName;
+};
+BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name,
+                          BusTimeout timeout = Patience::left());
+
+// Takes the well-known name. False if another connection has it.
+bool requestBusName(QDBusConnection const& connection, QString const& name);
+
+} // namespace mac

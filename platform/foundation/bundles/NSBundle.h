@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/foundation/collections/NSDictionary.h"
+
+namespace mac {
+
+// The key of a bundle's build number in its information.
+inline constexpr char kCFBundleVersionKey[] = "CFBundleVersion";
+
+// A folder with an information file: an application, this program itself. The file is read on first need and again when
+// it has changed on the disk. Main thread.
+class NSBundle : public Handle<NSBundle, NSObject> {
+public:
+    class Body;
+    using Handle::Handle;
+
+    static ClassDescription describeClass();
+
+    // The running program's bundle: the one its executable lies in (Contents/Linux), else the executable's folder.
+    static NSBundle mainBundle();
+    // Nil when there is no folder at the path; a folder without an information file is a bundle that tells nothing.
+    static NSBundle bundleWithPath_(NSString const& path);
+
+    // As it was given.
+    NSString bundlePath() const;
+    // The dictionary of Contents/Info.plist, else Info.plist, Resources/Info.plist or Support Files/Info.plist; an
+    // empty one when there is no file or it cannot be used (which is logged once for each state of the file). Its
+    // values may be of any class.
+    NSDictionary infoDictionary() const;
+    id objectForInfoDictionaryKey_(NSString const& key) const;
+    // CFBundleIdentifier where it is a string that is not empty, else nil.
+    NSString bundleIdentifier() const;
+    // The file that CFBundleExecutable names; of the main bundle, without one, the running program. Nil when there is
+    // none. Linux: the program lies in Contents/Linux; where other systems look, Contents/MacOS and the bundle's
+    // folder, comes next.
+    NSString executablePath() const;
+    // Contents/Resources, else the bundle's folder.
+    NSString resourcePath() const;
+    // The file in the resources folder; nil when it is not there. The type may be nil or empty.
+    NSString pathForResource_ofType_(NSString const& name, NSString const& type) const;
+};
+
+// The values of an information file that tell which bundle it is; of any class, nil if they are missing.
+struct BundleSummary {
+    id identifier{};
+    id version{};
+    id shortVersion{};
+};
+
+// What a single look at a path tells.
+struct BundleLook {
+    // Whether there is an item at the path, a bundle or not.
+    bool exists{false};
+    BundleSummary summary{};
+};
+
+// The same answers as NSFileManager's fileExistsAtPath: and those of a bundle with the path for CFBundleIdentifier,
+// CFBundleVersion and CFBundleShortVersionString. A file that has been read and has not changed since takes its status
+// alone: one system call if it lies in Contents, one for the path and one for each further place if it does not, and
+// two if there is no folder at the path. What was read of the last 262,144 bundles is remembered, twice as many at
+// most. Main thread.
+BundleLook lookAtBundle(NSString const& path);
+
+// For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it
+// is in no bundle's Contents/Linux.
+NSString bundlePathOfExecutable(NSString const& path);
+
+} // namespace mac

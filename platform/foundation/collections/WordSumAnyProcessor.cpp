@@ -1,0 +1,10 @@
+#include "platform/foundation/collections/WordSum.h"
+
+namespace mac {
+
+std::span<WordSummation const> wordSummations() {
+    static constexpr WordSummation summations[]{sumOfWordsPlainly};
+    return summations;
+}
+
+} // namespace mac

@@ -1,0 +1,143 @@
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/dates/UTCDateTime.h"
+#include "platform/foundation/files/FileAttributes.h"
+#include "platform/foundation/numbers/NSNumber.h"
+#include "platform/system/FileDescriptor.h"
+#include "platform/system/Users.h"
+#include "platform/system/items/ItemLock.h"
+#include "platform/system/items/KeptCreationDate.h"
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
+
+namespace mac {
+
+namespace {
+
+NSNumber number(std::uint64_t value) { return NSNumber::numberWithUnsignedLongLong_(value); }
+
+NSString string(std::optional<std::string> const& bytes) {
+    return bytes ? NSString::stringWithFileSystemRepresentation_(*bytes) : NSString(nil);
+}
+
+NSString typeOf(unsigned mode) {
+    switch (mode & S_IFMT) {
+    case S_IFDIR:
+        return NSFileTypeDirectory;
+    case S_IFREG:
+        return NSFileTypeRegular;
+    case S_IFLNK:
+        return NSFileTypeSymbolicLink;
+    case S_IFSOCK:
+        return NSFileTypeSocket;
+    case S_IFCHR:
+        return NSFileTypeCharacterSpecial;
+    case S_IFBLK:
+        return NSFileTypeBlockSpecial;
+    default:
+        return NSFileTypeUnknown;
+    }
+}
+
+NSDate dateOf(statx_timestamp const& time) {
+    return NSDate::dateWithTimeIntervalSince1970_(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
+}
+
+std::optional<struct statx> statusOf(FileDescriptor const& item) {
+    struct statx status {};
+    int const failed =
+        ::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status);
+    return failed ? std::nullopt : std::optional(status);
+}
+
+// The item in its folder, if it is one that can carry attributes; its name may lead to another item meanwhile.
+std::optional<OpenItem> attributedItem(FileDescriptor const& item, struct statx const& status) {
+    if (!S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode)) return std::nullopt;
+    Result<OpenItem> found = openItemInItsFolder(item);
+    return found.hasValue() ? std::optional(found.takeValue()) : std::nullopt;
+}
+
+// The creation date that a program has set; nil if none has.
+NSDate keptCreationDateOf(OpenItem const& item) {
+    Result<KeptCreationDate> const kept = keptCreationDate(item);
+    if (!kept.hasValue()) return nil;
+    UTCDateTime const date = utcDateTimeOf(kept.value().units);
+    CFAbsoluteTime time = 0;
+    if (UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time) != noErr) return nil;
+    return NSDate::dateWithTimeIntervalSinceReferenceDate_(time);
+}
+
+NSDate creationDateOf(std::optional<OpenItem> const& item, struct statx const& status) {
+    NSDate const kept = item ? keptCreationDateOf(*item) : NSDate(nil);
+    if (!(kept == nil)) return kept;
+    return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
+}
+
+void setIfKnown(NSMutableDictionary const& attributes, id const& value, NSString const& key) {
+    if (!(value == nil)) attributes.setObject_forKey_(value, key);
+}
+
+NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
+    return NSNumber::numberWithBool_(BOOL((status.stx_attributes & flag) != 0));
+}
+
+} // namespace
+
+std::optional<bool> isAppendOnly(FileDescriptor const& item) {
+    std::optional<struct statx> const status = statusOf(item);
+    return status ? std::optional((status->stx_attributes & STATX_ATTR_APPEND) != 0) : std::nullopt;
+}
+
+NSDate creationDateOf(FileDescriptor const& item) {
+    std::optional<struct statx> const status = statusOf(item);
+    return status ? creationDateOf(attributedItem(item, *status), *status) : NSDate(nil);
+}
+
+NSDictionary fileAttributesOf(FileDescriptor const& item) {
+    std::optional<struct statx> const found = statusOf(item);
+    if (!found) return nil;
+    struct statx const& status = *found;
+    std::optional<OpenItem> const attributed = attributedItem(item, status);
+    bool const isLocked = attributed ? lockOf(*attributed) == ItemLock::Locked : isImmutable(item);
+    NSMutableDictionary const attributes = NSMutableDictionary::dictionary();
+    attributes.setObject_forKey_(typeOf(status.stx_mode), NSFileType);
+    attributes.setObject_forKey_(number(status.stx_size), NSFileSize);
+    attributes.setObject_forKey_(number(status.stx_nlink), NSFileReferenceCount);
+    attributes.setObject_forKey_(number(status.stx_mode & PermissionBits), NSFilePosixPermissions);
+    attributes.setObject_forKey_(number(status.stx_uid), NSFileOwnerAccountID);
+    attributes.setObject_forKey_(number(status.stx_gid), NSFileGroupOwnerAccountID);
+    attributes.setObject_forKey_(number(makedev(status.stx_dev_major, status.stx_dev_minor)), NSFileSystemNumber);
+    attributes.setObject_forKey_(number(status.stx_ino), NSFileSystemFileNumber);
+    attributes.setObject_forKey_(NSNumber::numberWithBool_(BOOL(isLocked)), NSFileImmutable);
+    attributes.setObject_forKey_(flagOf(status, STATX_ATTR_APPEND), NSFileAppendOnly);
+    attributes.setObject_forKey_(NSNumber::numberWithBool_(NO), NSFileExtensionHidden);
+    attributes.setObject_forKey_(dateOf(status.stx_mtime), NSFileModificationDate);
+    setIfKnown(attributes, string(nameOfUser(status.stx_uid)), NSFileOwnerAccountName);
+    setIfKnown(attributes, string(nameOfGroup(status.stx_gid)), NSFileGroupOwnerAccountName);
+    setIfKnown(attributes, creationDateOf(attributed, status), NSFileCreationDate);
+    if (S_ISCHR(status.stx_mode) || S_ISBLK(status.stx_mode))
+        attributes.setObject_forKey_(number(makedev(status.stx_rdev_major, status.stx_rdev_minor)),
+                                     NSFileDeviceIdentifier);
+    return attributes;
+}
+
+NSDictionary volumeAttributesOf(FileDescriptor const& item) {
+    struct statvfs volume {};
+    struct stat status {};
+    if (::fstatvfs(item.number(), &volume) != 0 || ::fstat(item.number(), &status) != 0) return nil;
+    return NSDictionary::dictionaryWithObjectsAndKeys_({
+        number(std::uint64_t{volume.f_blocks} * volume.f_frsize),
+        NSFileSystemSize,
+        number(std::uint64_t{volume.f_bavail} * volume.f_frsize),
+        NSFileSystemFreeSize,
+        number(volume.f_files),
+        NSFileSystemNodes,
+        number(volume.f_favail),
+        NSFileSystemFreeNodes,
+        number(status.st_dev),
+        NSFileSystemNumber,
+    });
+}
+
+} // namespace mac

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/foundation/text/LinearSearch.h"
+#include <optional>
+#include <string_view>
+
+namespace mac {
+
+// The places of a text in others, code unit by code unit, in time that grows with the length of what is searched alone.
+// For implementations. The text sought must outlive it.
+class UnitSearch {
+public:
+    explicit UnitSearch(std::u16string_view sought, SearchDirection direction = SearchDirection::Forwards);
+
+    // The first place in the order of the search, npos when there is none or the text sought is empty.
+    std::size_t findIn(std::u16string_view text) const;
+
+    // Calls with each place in the order of the search; places do not overlap.
+    template <class Action>
+    void forEachIn(std::u16string_view text, Action const& action) const {
+        bool const isBackwards = m_direction == SearchDirection::Backwards;
+        std::size_t start = 0;
+        for (std::size_t place = findIn(text); place != std::u16string_view::npos; place = findIn(text.substr(start))) {
+            action(start + place);
+            if (isBackwards)
+                text = text.substr(0, place);
+            else
+                start += place + m_sought.size();
+        }
+    }
+
+private:
+    std::u16string_view m_sought;
+    SearchDirection m_direction;
+    // Nothing for a short text, which is compared at every place.
+    std::optional<LinearSearch<char16_t>> m_search;
+};
+
+} // namespace mac

@@ -1,0 +1,134 @@
+#include "platform/appkit/interface/PathElision.h"
+#include "platform/appkit/interface/TableCellDelegate.h"
+#include "platform/appkit/interface/TableModel.h"
+#include "tests/platform/appkit/interface/LoadedWindow.h"
+#include <QCoreApplication>
+#include <QHeaderView>
+#include <QStyle>
+#include <QStyleOptionHeader>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace mac::test {
+namespace {
+
+CommonPath commonOf(std::initializer_list<char16_t const*> paths) {
+    CommonPathFinder finder;
+    for (char16_t const* const path : paths)
+        finder.add(path);
+    return finder.result();
+}
+
+void expectCommon(std::initializer_list<char16_t const*> paths, QString const& start, QString const& end) {
+    CommonPath const common = commonOf(paths);
+    QString const first = QString::fromUtf16(*paths.begin());
+    EXPECT_EQ(first.first(common.start).toStdString(), start.toStdString());
+    EXPECT_EQ(first.last(common.end).toStdString(), end.toStdString());
+}
+
+TEST(PathElision, FindsTheFoldersAndTheNamesInCommon) {
+    expectCommon({u"/home/a/x/M.app", u"/home/a/y/M.app", u"/home/a/z/w/M.app"}, "/home/a/", "/M.app");
+    expectCommon({u"/home/ab/M.app", u"/home/ac/M.app"}, "/home/", "/M.app");
+    expectCommon({u"/a/M.app", u"/a/b/M.app"}, "/a/", "/M.app");
+    expectCommon({u"/a/oM.app", u"/a/bM.app"}, "/a/", "");
+    expectCommon({u"/x", u"/y"}, "/", "");
+    expectCommon({u"one", u"two"}, "", "");
+    expectCommon({u"/a/b"}, "", "");
+}
+
+TEST(PathElision, KnowsWhenNothingIsInCommonAnyMore) {
+    CommonPathFinder finder;
+    finder.add(u"abc");
+    EXPECT_FALSE(finder.isEmpty());
+    finder.add(u"xyz");
+    EXPECT_TRUE(finder.isEmpty());
+}
+
+TEST(PathElision, ShowsWhatDiffersAndNeverLess) {
+    CommonPath const common = commonOf({u"/home/a/x/M.app", u"/home/a/z/w/M.app", u"/home/a/M.app"});
+    EXPECT_EQ(differingPart("/home/a/x/M.app", common), "…/x/…");
+    EXPECT_EQ(differingPart("/home/a/z/w/M.app", common), "…/z/w/…");
+    EXPECT_EQ(differingPart("/home/a/M.app", common), "…/M.app");
+    EXPECT_EQ(differingPart("/x/M.app", {}), "/x/M.app");
+    EXPECT_EQ(differingPart("/x", commonOf({u"/x", u"/y"})), "/x");
+}
+
+TEST(PathElision, LeavesOutNoMoreThanThereIsNoRoomFor) {
+    needApplication();
+    QFontMetrics const metrics{QFont()};
+    QString const path = "/home/someone/Downloads/Old Versions/Mirror Frame.app";
+    CommonPath const common = commonOf(
+        {u"/home/someone/Downloads/Old Versions/Mirror Frame.app", u"/home/someone/Applications/Mirror Frame.app"});
+    auto const at = [&](QString const& wide) {
+        return elidedPath(path, common, metrics, metrics.horizontalAdvance(wide));
+    };
+    EXPECT_EQ(at(path), path);
+    EXPECT_EQ(at(path.chopped(1)), "…/Downloads/Old Versions/Mirror Frame.app");
+    EXPECT_EQ(at("…/Downloads/Old Versions/Mirror Frame"), "…/Downloads/Old Versions/…");
+    EXPECT_TRUE(at("…/Downloads").contains(QChar(0x2026)));
+}
+
+class PathsInTheWindow : public testing::Test {
+protected:
+    QHeaderView* header() const { return m_window.table()->horizontalHeader(); }
+    TableModel const& model() const { return *static_cast<TableModel const*>(m_window.table()->model()); }
+
+    LoadedWindow const m_window{};
+};
+
+TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeInASmallWindow) {
+    std::string const deep = "/volumes/a/" + std::string(70, 'n') + "/Mirror Frame.app";
+    m_window.controller().setPaths_(makeRecords({deep.c_str(), "/volumes/a/b/Mirror Frame.app"}));
+    m_window.widget()->resize(m_window.widget()->minimumSize());
+    QCoreApplication::processEvents();
+    CommonPath const common = model().commonPath(PathColumn);
+    QString const path = QString::fromStdString(deep);
+    QString const shown = elidedPath(path, common, m_window.table()->fontMetrics(),
+                                     header()->sectionSize(PathColumn) - 2 * TableCellMargin);
+    EXPECT_TRUE(shown.contains(QString(70, 'n'))) << shown.toStdString();
+    EXPECT_TRUE(m_window.column(PathColumn).contains(path)) << "the cell's text is the path";
+}
+
+TEST_F(PathsInTheWindow, TakeTheWidthThatTheUserGives) {
+    m_window.controller().setPaths_(makeRecords({"/a/b", "/a/c"}));
+    int const before = header()->sectionSize(PathColumn);
+    QPoint const edge(header()->sectionViewportPosition(PathColumn) + before - 2, header()->height() / 2);
+    QWidget* const place = header()->viewport();
+    QTest::mousePress(place, Qt::LeftButton, {}, edge);
+    QTest::mouseMove(place, edge - QPoint(60, 0));
+    QTest::mouseRelease(place, Qt::LeftButton, {}, edge - QPoint(60, 0));
+    EXPECT_EQ(header()->sectionSize(PathColumn), before - 60);
+    m_window.widget()->resize(m_window.widget()->size() + QSize(40, 0));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(header()->sectionSize(PathColumn), before - 60) << "it stays as the user made it";
+    m_window.action("resetColumnsAction")->trigger();
+    EXPECT_EQ(header()->length(), m_window.table()->viewport()->width());
+}
+
+TEST_F(PathsInTheWindow, StandUnderTitlesThatAreNeverCut) {
+    for (int section = 0; section < header()->count(); ++section) {
+        header()->resizeSection(section, 5);
+        header()->setSortIndicator(section, Qt::AscendingOrder);
+        QString const title = model().headerData(section, Qt::Horizontal).toString();
+        QStyleOptionHeader option;
+        option.initFrom(header());
+        option.rect = QRect(0, 0, header()->sectionSize(section), header()->height());
+        option.sortIndicator = QStyleOptionHeader::SortUp;
+        option.text = title;
+        QRect const room = header()->style()->subElementRect(QStyle::SE_HeaderLabel, &option, header());
+        EXPECT_GE(room.width(), header()->fontMetrics().horizontalAdvance(title)) << title.toStdString();
+    }
+}
+
+TEST_F(PathsInTheWindow, StandBesideVersionsWithADashForWhatIsMissing) {
+    NSMutableSet const records = NSMutableSet::set();
+    records.addObject_(makeRecord("/(null)/b", "210", "(null) (210)"));
+    m_window.controller().setPaths_(records);
+    EXPECT_EQ(m_window.column(VersionColumn), QStringList("– (210)"));
+    EXPECT_EQ(m_window.column(PathColumn), QStringList("/(null)/b"));
+    m_window.find<QLineEdit>("filterField")->setText("(null) (");
+    EXPECT_EQ(m_window.column(VersionColumn).size(), 1) << "the filter knows the record's text";
+}
+
+} // namespace
+} // namespace mac::test
