@@ -1,4 +1,4 @@
-#include "fuzz/AppleDoubleRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "platform/system/items/AppleDouble.h"
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "fuzz/BundleTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/BundleFiles.h"

@@ -1,4 +1,4 @@
-#include "fuzz/CommandLineTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>
 

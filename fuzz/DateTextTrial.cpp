@@ -1,4 +1,4 @@
-#include "fuzz/DateTextTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/applescript/runtime/ISODate.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/foundation/text/Encodings.h"

@@ -1,4 +1,4 @@
-#include "fuzz/DynamicTypeRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "platform/launchservices/TypeTree.h"
 #include "platform/system/ASCII.h"
 

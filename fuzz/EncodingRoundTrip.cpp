@@ -1,4 +1,4 @@
-#include "fuzz/EncodingRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/text/Encodings.h"
 #include <array>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "fuzz/FormatArguments.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/text/StringBody.h"
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "fuzz/NumberReading.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/numbers/NSNumberFormatter.h"
 #include <algorithm>
 #include <cmath>

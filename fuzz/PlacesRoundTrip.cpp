@@ -1,4 +1,5 @@
-#include "fuzz/PlacesRoundTrip.h"
+#include "fuzz/Trials.h"
+#include "platform/desktop/PlacesFormat.h"
 #include <algorithm>
 
 namespace mac::fuzz {
@@ -33,8 +34,6 @@ std::string complaintAboutNewEntry(PlacesFormat const& format, std::string_view 
     return "";
 }
 
-} // namespace
-
 std::string complaintAboutPlaces(PlacesFormat const& format, std::string_view text) {
     Result<PlaceEntries, Failure> const read = format.read(text);
     if (!read.hasValue()) return read.problem().reason.empty() ? "a refusal without reason" : "";
@@ -51,5 +50,11 @@ std::string complaintAboutPlaces(PlacesFormat const& format, std::string_view te
     }
     return complaintAboutNewEntry(format, text, read.value());
 }
+
+} // namespace
+
+std::string complaintAboutBookmarks(std::string_view bytes) { return complaintAboutPlaces(BookmarksFormat, bytes); }
+
+std::string complaintAboutXBEL(std::string_view bytes) { return complaintAboutPlaces(XBELFormat, bytes); }
 
 } // namespace mac::fuzz

@@ -1,4 +1,4 @@
-#include "fuzz/PredicateRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/Exceptions.h"

@@ -1,4 +1,4 @@
-#include "fuzz/ProcessStatusTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/system/processes/ProcessStatus.h"
 
 namespace mac::fuzz {

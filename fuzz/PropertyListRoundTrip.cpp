@@ -1,4 +1,4 @@
-#include "fuzz/PropertyListRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/propertylists/PropertyListBinary.h"
 #include "platform/foundation/propertylists/PropertyListOldStyle.h"

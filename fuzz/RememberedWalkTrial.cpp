@@ -1,4 +1,4 @@
-#include "fuzz/RememberedWalkTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/system/walker/RememberedNames.h"
 #include "platform/system/walker/WalkMemory.h"
 #include <algorithm>

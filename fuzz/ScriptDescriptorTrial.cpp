@@ -1,4 +1,4 @@
-#include "fuzz/ScriptDescriptorTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"

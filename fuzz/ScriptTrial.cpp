@@ -1,4 +1,4 @@
-#include "fuzz/ScriptTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"

@@ -1,4 +1,4 @@
-#include "fuzz/StoredScriptTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/applescript/additions/StoredScript.h"
 #include "platform/applescript/runtime/ScriptError.h"
 

@@ -1,4 +1,4 @@
-#include "fuzz/StoredValueTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/applescript/additions/StoredValues.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/ScriptError.h"

@@ -1,4 +1,4 @@
-#include "fuzz/TemporaryNameTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/system/TemporaryName.h"
 
 namespace mac::fuzz {

@@ -1,5 +1,5 @@
-#include "fuzz/TrashInformationRoundTrip.h"
-#include "platform/files/trash/TrashInformation.h"
+#include "fuzz/Trials.h"
+#include "platform/files/TrashInformation.h"
 
 namespace mac::fuzz {
 

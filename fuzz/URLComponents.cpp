@@ -1,4 +1,4 @@
-#include "fuzz/URLComponents.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/urls/CFURL.h"
 #include "platform/foundation/urls/URLParts.h"
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "fuzz/UserDefaultsTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/preferences/ArgumentDomain.h"
 #include "platform/preferences/Preferences.h"

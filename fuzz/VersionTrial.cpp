@@ -1,4 +1,4 @@
-#include "fuzz/VersionTrial.h"
+#include "fuzz/Trials.h"
 #include "pathutils/BundleVersions.h"
 #include <algorithm>
 

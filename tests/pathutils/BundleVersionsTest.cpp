@@ -1,5 +1,5 @@
 #include "pathutils/BundleVersions.h"
-#include "fuzz/VersionTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Log.h"
 #include "tests/support/Corpus.h"

@@ -1,5 +1,4 @@
-#include "fuzz/DateTextTrial.h"
-#include "fuzz/ScriptTrial.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

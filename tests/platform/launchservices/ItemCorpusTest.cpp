@@ -1,7 +1,4 @@
-#include "fuzz/BundleTrial.h"
-#include "fuzz/ContentTypeTrial.h"
-#include "fuzz/DynamicTypeRoundTrip.h"
-#include "fuzz/FinderInformationTrial.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/preferences/Preferences.h"
-#include "fuzz/UserDefaultsTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/collections/NSData.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"

@@ -1,5 +1,5 @@
 #include "platform/system/TemporaryName.h"
-#include "fuzz/TemporaryNameTrial.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/ErrorCode.h"
 #include "tests/support/Refusals.h"

@@ -1,5 +1,6 @@
-#include "platform/desktop/entries/StartedItem.h"
-#include "fuzz/AutostartTrial.h"
+#include "platform/desktop/StartedItem.h"
+#include "fuzz/Trials.h"
+#include "platform/desktop/CommandWords.h"
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/entries/CommandWords.h"
 #include "tests/support/Corpus.h"

@@ -1,5 +1,5 @@
-#include "platform/desktop/places/PlacesFormat.h"
-#include "fuzz/PlacesRoundTrip.h"
+#include "platform/desktop/PlacesFormat.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 
@@ -195,13 +195,8 @@ TEST(XBELPlaces, AreOnlySoManyAndSoDeep) {
 }
 
 TEST(PlacesCorpus, Holds) {
-    auto const complaintIn = [](PlacesFormat const& format) {
-        return [&format](std::string_view text) { return fuzz::complaintAboutPlaces(format, text); };
-    };
-    std::function<std::string(std::string_view)> const bookmarks = complaintIn(BookmarksFormat);
-    std::function<std::string(std::string_view)> const xbel = complaintIn(XBELFormat);
-    expectNoComplaints("PlacesBookmarksFuzz", bookmarks);
-    expectNoComplaints("PlacesXBELFuzz", xbel);
+    expectNoComplaints("PlacesBookmarksFuzz", fuzz::complaintAboutBookmarks);
+    expectNoComplaints("PlacesXBELFuzz", fuzz::complaintAboutXBEL);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "platform/files/aliases/AliasRecord.h"
-#include "fuzz/AliasRecordRoundTrip.h"
+#include "platform/files/AliasRecord.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"

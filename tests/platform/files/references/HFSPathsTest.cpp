@@ -1,5 +1,5 @@
-#include "platform/files/references/HFSPaths.h"
-#include "fuzz/HFSPathsRoundTrip.h"
+#include "platform/files/HFSPaths.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/items/MountTable.h"
 #include "tests/support/Corpus.h"

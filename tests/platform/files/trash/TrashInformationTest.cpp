@@ -1,5 +1,5 @@
-#include "platform/files/trash/TrashInformation.h"
-#include "fuzz/TrashInformationRoundTrip.h"
+#include "platform/files/TrashInformation.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include <gtest/gtest.h>

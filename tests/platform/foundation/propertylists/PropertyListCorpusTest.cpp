@@ -1,4 +1,4 @@
-#include "fuzz/PropertyListRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

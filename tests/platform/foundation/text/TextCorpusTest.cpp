@@ -1,7 +1,4 @@
-#include "fuzz/EncodingRoundTrip.h"
-#include "fuzz/FormatArguments.h"
-#include "fuzz/NumberReading.h"
-#include "fuzz/URLComponents.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

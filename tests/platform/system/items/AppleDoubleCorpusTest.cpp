@@ -1,4 +1,4 @@
-#include "fuzz/AppleDoubleRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

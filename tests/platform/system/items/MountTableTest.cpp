@@ -1,5 +1,5 @@
 #include "platform/system/items/MountTable.h"
-#include "fuzz/MountTableRoundTrip.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/system/processes/ProcessList.h"
-#include "fuzz/CommandLineTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/processes/SerialNumbers.h"
 #include "tests/support/ChildProcess.h"

@@ -1,5 +1,5 @@
 #include "platform/system/processes/ProcessStatus.h"
-#include "fuzz/ProcessStatusTrial.h"
+#include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "platform/system/walker/WalkMemory.h"
-#include "fuzz/RememberedWalkTrial.h"
+#include "fuzz/Trials.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderLog.h"

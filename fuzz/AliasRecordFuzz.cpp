@@ -1,7 +1,0 @@
-#include "fuzz/AliasRecordRoundTrip.h"
-#include "fuzz/Complaint.h"
-
-extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutAlias(mac::fuzz::bytesOf(data, size)));
-    return 0;
-}

@@ -1,7 +1,0 @@
-#include "fuzz/Complaint.h"
-#include "fuzz/PropertyListRoundTrip.h"
-
-extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    mac::fuzz::requireNone(mac::fuzz::complaintAboutXML(mac::fuzz::bytesOf(data, size)));
-    return 0;
-}
