@@ -7,8 +7,8 @@
 
 namespace mac {
 
-// A label that shows the icon of the bundle at a path. Dynamic properties: iconKeyPath, whose value is the path; without
-// a bundle there the label is empty; iconSize, the edge in pixels of the layout, 64 unless set.
+// A label that shows the icon of the bundle at a path. Dynamic properties: iconKeyPath, whose value is the path;
+// without a bundle there the label is empty; iconSize, the edge in pixels of the layout, 64 unless set.
 class BoundIcon {
 public:
     BoundIcon(QLabel* label, KeyPathScope const& scope);

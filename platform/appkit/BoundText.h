@@ -6,8 +6,8 @@
 
 namespace mac {
 
-// A label or button that shows values of the program: its pattern with %@ for each, another one for zero and for one of the
-// first. Always plain text. Dynamic properties: displayPattern, displayPatternForZero, displayPatternForOne,
+// A label or button that shows values of the program: its pattern with %@ for each, another one for zero and for one of
+// the first. Always plain text. Dynamic properties: displayPattern, displayPatternForZero, displayPatternForOne,
 // displayKeyPaths. With displayPatternForOne the pattern counts: both stand untranslated in the file (notr), and the
 // catalogue has the form for each number under the pattern.
 class BoundText {
