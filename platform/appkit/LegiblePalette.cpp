@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QObject>
+#include <QScopedValueRollback>
+#include <memory>
 
 namespace mac {
 
@@ -33,13 +35,18 @@ QColor movedAway(QColor const& color, QColor const& towards, QColor const& from)
     return towards;
 }
 
+// Grounds that share their text with another one, and selections, whose text is black or white in most themes: text
+// that moved for one ground would leave the other.
+bool movesGround(QPalette::ColorRole ground) {
+    return ground == QPalette::AlternateBase || ground == QPalette::Button || ground == QPalette::Highlight;
+}
+
 void makeLegible(QPalette& palette, QPalette::ColorGroup group, TextOnColor const& pair) {
     if (contrastIn(palette, group, pair) >= LegibleContrast) return;
     QColor const ground = palette.color(group, pair.ground);
     QColor const text = seenOn(palette.color(group, pair.text), ground);
-    if (pair.text != QPalette::HighlightedText)
+    if (!movesGround(pair.ground))
         return palette.setColor(group, pair.text, movedAway(text, fartherFrom(ground), ground));
-    // The colour of selections is also that of marks, which text does not stand on.
     QColor const away = fartherFrom(text);
     palette.setColor(group, pair.ground, movedAway(ground, away, text));
 }
@@ -57,11 +64,16 @@ public:
     }
 
 private:
-    static void mend() {
+    // Setting the palette tells of a new one.
+    void mend() {
+        if (m_isMending) return;
+        QScopedValueRollback<bool> const mending(m_isMending, true);
         QPalette const palette = QApplication::palette();
         QPalette const legible = legiblePalette(palette);
         if (legible != palette) QApplication::setPalette(legible);
     }
+
+    bool m_isMending{false};
 };
 
 } // namespace
@@ -72,8 +84,8 @@ std::vector<TextOnColor> const& textsOnColors() {
         {Role::Text, Role::Base},
         {Role::Text, Role::AlternateBase},
         {Role::WindowText, Role::Window},
-        {Role::ButtonText, Role::Button},
         {Role::ButtonText, Role::Window},
+        {Role::ButtonText, Role::Button},
         {Role::PlaceholderText, Role::Base},
         {Role::ToolTipText, Role::ToolTipBase},
         {Role::HighlightedText, Role::Highlight},

@@ -17,8 +17,9 @@ std::vector<TextOnColor> const& textsOnColors();
 // The contrast of the pair, of what is seen where the text is translucent.
 double contrastIn(QPalette const& palette, QPalette::ColorGroup group, TextOnColor const& pair);
 
-// The palette with every text at least LegibleContrast from its ground: text is taken towards black or white, but for
-// selections the ground is. Colours that are far enough apart stay as they are.
+// The palette with every text at least LegibleContrast from its ground: text is taken towards black or white, or its
+// ground where that has the text of another ground or is that of selections. The result stays as it is when asked
+// again. Colours that are far enough apart stay as they are.
 QPalette legiblePalette(QPalette palette);
 
 // Keeps the application's palette legible from now on, whatever theme comes. Needs the application; once is enough.

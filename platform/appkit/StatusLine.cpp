@@ -29,10 +29,17 @@ QAccessibleInterface* makeAccessibleStatusLine(QString const& className, QObject
     return isStatusLine ? std::make_unique<AccessibleStatusLine>(static_cast<QLabel*>(object)).release() : nullptr;
 }
 
+// The toolkit has made an ordinary label's interface by now, when the form named it.
+void becomeStatusBar(QLabel* label) {
+    QAccessible::installFactory(makeAccessibleStatusLine);
+    QAccessibleInterface* const former = QAccessible::queryAccessibleInterface(label);
+    if (former) QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(former));
+}
+
 } // namespace
 
 StatusLine::StatusLine(QLabel* label, KeyPathScope const& scope) : m_label(label) {
-    QAccessible::installFactory(makeAccessibleStatusLine);
+    becomeStatusBar(label);
     label->setTextFormat(Qt::PlainText);
     label->setAutoFillBackground(true);
     label->installEventFilter(this);

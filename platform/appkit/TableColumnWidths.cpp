@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QStyle>
 #include <algorithm>
 
 namespace mac {
@@ -48,8 +49,10 @@ int TableColumnWidths::widthForText(QString const& text) const {
 }
 
 int TableColumnWidths::widthOfTitle(int section) const {
+    QHeaderView const* const header = m_view->horizontalHeader();
     QString const& title = m_model.columns()[static_cast<std::size_t>(section)].title;
-    return std::max(widthForText(title) + SortMark, m_view->horizontalHeader()->sectionSizeHint(section));
+    int const mark = std::max(SortMark, header->style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header));
+    return header->fontMetrics().horizontalAdvance(title) + 2 * TableCellMargin + 2 + mark;
 }
 
 int TableColumnWidths::widthOfIcon(int section) const {

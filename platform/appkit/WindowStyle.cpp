@@ -39,7 +39,7 @@ void giveIcons(QWidget* window) {
         if (glyphOf(widget).isEmpty()) continue;
         if (auto* const button = qobject_cast<QAbstractButton*>(widget)) button->setIcon(glyphIcon(widget));
         if (auto* const field = qobject_cast<QLineEdit*>(widget))
-            field->addAction(glyphIcon(widget), QLineEdit::LeadingPosition);
+            field->addAction(glyphIcon(widget), QLineEdit::LeadingPosition)->setText(field->accessibleName());
     }
 }
 

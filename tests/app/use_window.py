@@ -55,7 +55,7 @@ def has_state(element, state):
 
 # The codes of keys that are held, which are the same on every keyboard, and the symbols of keys with a name.
 HELD = {"ctrl": 37, "shift": 50, "alt": 64}
-SYMBOLS = {"delete": 0xFFFF, "return": 0xFF0D, "escape": 0xFF1B, "f5": 0xFFC2}
+SYMBOLS = {"delete": 0xFFFF, "return": 0xFF0D, "escape": 0xFF1B, "f1": 0xFFBE, "f5": 0xFFC2}
 
 
 def press(keys):

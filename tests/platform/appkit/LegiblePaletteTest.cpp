@@ -32,6 +32,16 @@ QPalette paletteOf(QColor const& text, QColor const& ground, QColor const& selec
     return palette;
 }
 
+// As a theme leaves it that sets a few colours only.
+QPalette halfDark() {
+    QPalette palette = paletteOf("#000000", "#f0f0f0", "#308cc6", "#ffffff");
+    palette.setColor(QPalette::Base, "#202020");
+    palette.setColor(QPalette::Text, "#f0f0f0");
+    palette.setColor(QPalette::Window, "#303030");
+    palette.setColor(QPalette::WindowText, "#f0f0f0");
+    return palette;
+}
+
 std::vector<NamedPalette> palettesOfThemes() {
     std::unique_ptr<QStyle> const fusion(QStyleFactory::create("Fusion"));
     return {
@@ -41,6 +51,7 @@ std::vector<NamedPalette> palettesOfThemes() {
         {"darker", paletteOf("#fcfcfc", "#1b1e20", "#3daee9", "#fcfcfc")},
         {"high contrast", paletteOf("#ffffff", "#000000", "#ffff00", "#000000")},
         {"high contrast inverse", paletteOf("#000000", "#ffffff", "#000000", "#ffffff")},
+        {"half dark", halfDark()},
         {"hardly to be read", paletteOf("#999999", "#bbbbbb", "#cccccc", "#dddddd")},
     };
 }
@@ -74,6 +85,11 @@ TEST_F(LegiblePalettes, KeepColoursThatCanBeRead) {
     QPalette palette = paletteOf("#ffffff", "#000000", "#ffff00", "#000000");
     palette.setColor(QPalette::PlaceholderText, "#cccccc");
     EXPECT_EQ(legiblePalette(palette), palette);
+}
+
+TEST_F(LegiblePalettes, StayAsTheyAreWhenMadeAnew) {
+    for (auto const& [name, palette] : palettesOfThemes())
+        EXPECT_EQ(legiblePalette(legiblePalette(palette)), legiblePalette(palette)) << name;
 }
 
 TEST_F(LegiblePalettes, AreThoseOfTheWindowInEveryTheme) {

@@ -1,8 +1,11 @@
 #include "platform/appkit/PathElision.h"
+#include "platform/appkit/TableCellDelegate.h"
 #include "platform/appkit/TableModel.h"
 #include "tests/platform/appkit/LoadedWindow.h"
 #include <QCoreApplication>
 #include <QHeaderView>
+#include <QStyle>
+#include <QStyleOptionHeader>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -83,7 +86,7 @@ TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeInASmallWindow) {
     QString const shown = elidedPath(path, common, m_window.table()->fontMetrics(),
                                      header()->sectionSize(PathColumn) - 2 * TableCellMargin);
     EXPECT_TRUE(shown.contains(QString(70, 'n'))) << shown.toStdString();
-    EXPECT_EQ(m_window.column(PathColumn).first(), path) << "the cell's text is the path";
+    EXPECT_TRUE(m_window.column(PathColumn).contains(path)) << "the cell's text is the path";
 }
 
 TEST_F(PathsInTheWindow, TakeTheWidthThatTheUserGives) {
@@ -105,9 +108,15 @@ TEST_F(PathsInTheWindow, TakeTheWidthThatTheUserGives) {
 TEST_F(PathsInTheWindow, StandUnderTitlesThatAreNeverCut) {
     for (int section = 0; section < header()->count(); ++section) {
         header()->resizeSection(section, 5);
+        header()->setSortIndicator(section, Qt::AscendingOrder);
         QString const title = model().headerData(section, Qt::Horizontal).toString();
-        EXPECT_GT(header()->sectionSize(section), header()->fontMetrics().horizontalAdvance(title));
-        EXPECT_GE(header()->sectionSize(section), header()->sectionSizeHint(section));
+        QStyleOptionHeader option;
+        option.initFrom(header());
+        option.rect = QRect(0, 0, header()->sectionSize(section), header()->height());
+        option.sortIndicator = QStyleOptionHeader::SortUp;
+        option.text = title;
+        QRect const room = header()->style()->subElementRect(QStyle::SE_HeaderLabel, &option, header());
+        EXPECT_GE(room.width(), header()->fontMetrics().horizontalAdvance(title)) << title.toStdString();
     }
 }
 
