@@ -1,6 +1,5 @@
 #include "tests/command/CommandRun.h"
 #include "tests/support/Companion.h"
-#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <unistd.h>
@@ -20,32 +19,6 @@ TEST_F(Command, ListsTheCopiesInTheOrderOfTheWindow) {
     CommandRun const done = run({"list", "-0"});
     EXPECT_EQ(done.status, 0) << done.errors;
     EXPECT_EQ(done.output, newer + '\0' + older + '\0');
-}
-
-// A list that takes the square of the copies' number would not end here.
-TEST_F(Command, ListsThousandsOfCopies) {
-    constexpr int copies = 3000;
-    for (int copy = 0; copy < copies; ++copy)
-        copyAt(std::to_string(copy));
-    CommandRun const done = run({"list", "-0"});
-    EXPECT_EQ(done.status, 0) << done.errors;
-    EXPECT_EQ(std::ranges::count(done.output, '\0'), copies);
-}
-
-// For people in their language, for programs as ever.
-TEST_F(Command, SpeaksTheLanguageOfPeopleAndNotToPrograms) {
-    mac::test::EnvironmentVariable const language("LANGUAGE", "de");
-    mac::test::EnvironmentVariable const locale("LC_ALL", "de_DE.UTF-8");
-    EXPECT_EQ(run({"list"}).output, "Keine Kopien.\n");
-    CommandRun const missing = run({"trash", "--json", home("none")});
-    EXPECT_EQ(missing.status, 3);
-    EXPECT_NE(missing.errors.find("dort liegt keine Kopie"), std::string::npos) << missing.errors;
-    EXPECT_NE(missing.output.find("\"status\": \"no-such-copy\", \"reason\": \"no copy of Mirror Frame is there\""),
-              std::string::npos)
-        << missing.output;
-    EXPECT_NE(run({"--help"}).output.find("Aufruf: framekeeper-cli"), std::string::npos);
-    copyAt("a");
-    EXPECT_TRUE(run({"list"}).output.starts_with("VERSION    VORHANDEN")) << run({"list"}).output;
 }
 
 TEST_F(Command, ListsNothingInAnEmptyHome) {
