@@ -68,6 +68,12 @@ private:
 Result<TreeSize> sizeOfTree(std::string const& path, std::stop_token const& stop) {
     Result<OpenItem> item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
     if (!item.hasValue()) return item.problem();
+    Result<ItemStatus> const status = statusOf(item.value().item);
+    if (!status.hasValue()) return status.problem();
+    if (!status.value().place.isFolder)
+        return TreeSize{.allocated = status.value().allocated,
+                        .contents = status.value().isFile() ? status.value().size : 0,
+                        .items = 1};
     return Adding(std::move(item.value().item)).all(stop);
 }
 

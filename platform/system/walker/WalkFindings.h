@@ -43,7 +43,7 @@ private:
     std::vector<std::string> m_packagesOfWalk;
     std::unordered_set<std::string> m_unconfirmed; // remembered, and not yet found by the walk
     std::vector<SystemError> m_unreadable;
-    bool m_newsWereTold = false;                   // since the last take
+    bool m_newsWereTold = false; // since the last take
     VolumeWalkProgress m_progress;
 };
 
