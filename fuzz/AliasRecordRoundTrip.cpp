@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/files/AliasRecord.h"
+#include "platform/files/aliases/AliasRecord.h"
 #include <algorithm>
 
 namespace mac::fuzz {

@@ -1,8 +1,4 @@
 #include "fuzz/Trials.h"
-#include "platform/desktop/Autostart.h"
-#include "platform/desktop/CommandWords.h"
-#include "platform/desktop/DesktopEntry.h"
-#include "platform/desktop/Desktops.h"
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/autostart/Autostart.h"
 #include "platform/desktop/entries/CommandWords.h"

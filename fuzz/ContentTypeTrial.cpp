@@ -1,6 +1,6 @@
 #include "fuzz/Trials.h"
-#include "platform/desktop/DesktopEntry.h"
-#include "platform/desktop/MIMETypes.h"
+#include "platform/desktop/entries/DesktopEntry.h"
+#include "platform/desktop/entries/MIMETypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"
 #include <algorithm>

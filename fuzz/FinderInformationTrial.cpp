@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/files/CatalogInformation.h"
+#include "platform/files/references/CatalogInformation.h"
 #include "platform/icons/IconFamily.h"
 #include "platform/icons/ResourceFork.h"
 

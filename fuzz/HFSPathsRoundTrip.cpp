@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/files/HFSPaths.h"
+#include "platform/files/references/HFSPaths.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>

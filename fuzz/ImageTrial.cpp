@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/appkit/NSImage.h"
+#include "platform/appkit/workspace/NSImage.h"
 #include "platform/foundation/objects/NSArchiver.h"
 #include "platform/icons/IconFamilies.h"
 #include "platform/icons/IconFamily.h"

@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/files/Volumes.h"
+#include "platform/files/volumes/Volumes.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/items/MountTable.h"
 #include <algorithm>

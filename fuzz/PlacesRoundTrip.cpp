@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/desktop/PlacesFormat.h"
+#include "platform/desktop/places/PlacesFormat.h"
 #include <algorithm>
 
 namespace mac::fuzz {

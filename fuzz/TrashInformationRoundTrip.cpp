@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/files/TrashInformation.h"
+#include "platform/files/trash/TrashInformation.h"
 
 namespace mac::fuzz {
 

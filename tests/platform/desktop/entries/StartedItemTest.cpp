@@ -1,6 +1,5 @@
-#include "platform/desktop/StartedItem.h"
+#include "platform/desktop/entries/StartedItem.h"
 #include "fuzz/Trials.h"
-#include "platform/desktop/CommandWords.h"
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/entries/CommandWords.h"
 #include "tests/support/Corpus.h"

@@ -1,4 +1,4 @@
-#include "platform/desktop/PlacesFormat.h"
+#include "platform/desktop/places/PlacesFormat.h"
 #include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/files/AliasRecord.h"
+#include "platform/files/aliases/AliasRecord.h"
 #include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"

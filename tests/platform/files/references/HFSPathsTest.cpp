@@ -1,4 +1,4 @@
-#include "platform/files/HFSPaths.h"
+#include "platform/files/references/HFSPaths.h"
 #include "fuzz/Trials.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/items/MountTable.h"

@@ -1,4 +1,4 @@
-#include "platform/files/TrashInformation.h"
+#include "platform/files/trash/TrashInformation.h"
 #include "fuzz/Trials.h"
 #include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
