@@ -1,5 +1,5 @@
-#include "platform/foundation/NSBundle.h"
-#include "tests/platform/foundation/PropertyListDump.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <cstdio>
