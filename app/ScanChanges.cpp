@@ -87,8 +87,8 @@ ClassDescription ScanChanges::describeClass() {
         .superclass = classOf<NSObject>(),
         .methods =
             {
-                method<&ScanChanges::queryDidStart_>("queryDidStart:"),
-                method<&ScanChanges::queryDidUpdate_>("queryDidUpdate:"),
+                method<&ScanChanges::scanBegan_>("scanBegan:"),
+                method<&ScanChanges::resultsChanged_>("resultsChanged:"),
             },
         .properties =
             {
@@ -104,9 +104,9 @@ ScanChanges ScanChanges::of(AppController const& controller) {
     if (controller == nil) return nil;
     ScanChanges const changes = adopt<ScanChanges>(controller);
     NSNotificationCenter const center = NSNotificationCenter::defaultCenter();
-    center.addObserver_selector_name_object_(changes, "queryDidStart:", NSMetadataQueryDidStartGatheringNotification,
+    center.addObserver_selector_name_object_(changes, "scanBegan:", NSMetadataQueryDidStartGatheringNotification,
                                              controller.query());
-    center.addObserver_selector_name_object_(changes, "queryDidUpdate:", NSMetadataQueryDidUpdateNotification,
+    center.addObserver_selector_name_object_(changes, "resultsChanged:", NSMetadataQueryDidUpdateNotification,
                                              controller.query());
     return changes;
 }
@@ -128,13 +128,13 @@ NSString ScanChanges::text() const {
                                        newCopies() > 0 ? newOnes : goneOnes);
 }
 
-void ScanChanges::queryDidStart_(NSNotification const&) const {
+void ScanChanges::scanBegan_(NSNotification const&) const {
     if (*this == nil) return;
     bodyOf(*this)->follows = false;
     bodyOf(*this)->set(0, 0);
 }
 
-void ScanChanges::queryDidUpdate_(NSNotification const&) const {
+void ScanChanges::resultsChanged_(NSNotification const&) const {
     if (*this == nil) return;
     bodyOf(*this)->follows = true;
     bodyOf(*this)->lookAgain();

@@ -25,8 +25,8 @@ public:
     NSString text() const;
 
     // The query's notifications.
-    void queryDidStart_(NSNotification const& notification) const;
-    void queryDidUpdate_(NSNotification const& notification) const;
+    void scanBegan_(NSNotification const& notification) const;
+    void resultsChanged_(NSNotification const& notification) const;
 };
 
 } // namespace framekeeper
