@@ -842,10 +842,6 @@ Opens the window, or brings the open one to the front.
     <translation>Zeigt, welche Ordner und warum. Kopien darin sind nicht aufgeführt</translation>
 </message>
 <message>
-    <source>&amp;Details</source>
-    <translation>&amp;Details</translation>
-</message>
-<message>
     <source>Shows what is known of the selected copy beside the table</source>
     <translation>Zeigt neben der Tabelle, was über die ausgewählte Kopie bekannt ist</translation>
 </message>
