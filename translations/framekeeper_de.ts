@@ -459,9 +459,13 @@ Finds the copies of Mirror Frame and cleans up.
   places               the copies in the file browser's places
   places remove PATH...
                        remove these from the places
+  report FILE...|FOLDER...
+                       what many hosts told with list --json, as one page in
+                       HTML: a file HOST.json each, or folders of such files
 
   --json       output for programs
   -0, --null   paths alone, each with a NUL behind it
+  --csv        the report as rows for a spreadsheet
   -y, --yes    delete without asking
   -h, --help   this text
   --version    the version
@@ -488,9 +492,13 @@ Findet die Kopien von Mirror Frame und räumt auf.
   places               die Kopien in den Orten der Dateiverwaltung
   places remove PFAD...
                        diese aus den Orten nehmen
+  report DATEI...|ORDNER...
+                       was viele Rechner mit list --json meldeten, als eine
+                       HTML-Seite: je eine Datei RECHNER.json oder Ordner davon
 
   --json       Ausgabe für Programme
   -0, --null   nur Pfade, jeder mit einem NUL dahinter
+  --csv        der Bericht als Zeilen für eine Tabelle
   -y, --yes    ohne Frage löschen
   -h, --help   dieser Text
   --version    die Version
@@ -498,6 +506,10 @@ Findet die Kopien von Mirror Frame und räumt auf.
 Ende mit: 0 getan, 1 fehlgeschlagen, 2 falscher Aufruf, 3 keine solche Kopie, 4 getan, aber nicht
 in der Dateiverwaltung gezeigt, 5 nicht bestätigt, 6 Ausgabe nicht geschrieben, 130 unterbrochen.
 </translation>
+</message>
+<message>
+    <source>%@ has no output of this form</source>
+    <translation>%@ hat keine Ausgabe in dieser Form</translation>
 </message>
 <message>
     <source>done</source>
