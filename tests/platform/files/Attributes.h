@@ -37,4 +37,12 @@ inline std::vector<std::string> list(std::string const& path, int options = 0) {
     return result;
 }
 
+// Bytes that differ from their neighbours and from those a page further on.
+inline std::string bytesOfLength(std::size_t length) {
+    std::string bytes(length, '\0');
+    for (std::size_t index = 0; index < length; ++index)
+        bytes[index] = static_cast<char>(index * 31 + index / 256);
+    return bytes;
+}
+
 } // namespace mac::test

@@ -21,13 +21,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-std::string bytesOfLength(std::size_t length) {
-    std::string bytes(length, '\0');
-    for (std::size_t index = 0; index < length; ++index)
-        bytes[index] = static_cast<char>(index * 31 + index / 256);
-    return bytes;
-}
-
 // The folder for temporary files, and one in memory.
 class AttributesIn : public testing::TestWithParam<char const*> {
 protected:

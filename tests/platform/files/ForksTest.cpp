@@ -1,6 +1,7 @@
 #include "platform/files/Forks.h"
 #include "platform/files/ExtendedAttributes.h"
 #include "platform/files/references/ItemReferences.h"
+#include "tests/platform/files/Attributes.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
@@ -46,13 +47,6 @@ Read readNext(std::int16_t fork, std::uint32_t count = BlockSize, std::uint16_t 
     OSErr const status = FSReadFork(fork, mode, offset, count, bytes.data(), &actual);
     bytes.resize(actual);
     return {status, bytes};
-}
-
-std::string bytesOfLength(std::size_t length) {
-    std::string bytes(length, '\0');
-    for (std::size_t index = 0; index < length; ++index)
-        bytes[index] = static_cast<char>(index * 31 + index / 256);
-    return bytes;
 }
 
 TEST(Forks, AreReadInBlocksToTheirEnd) {
