@@ -30,6 +30,7 @@
 #include "platform/foundation/running/NSTimer.h"
 #include "platform/foundation/text/NSCharacterSet.h"
 #include "platform/foundation/text/NSScanner.h"
+#include "platform/foundation/text/VersionOrder.h"
 #include "platform/foundation/urls/NSURL.h"
 
 namespace mac {
@@ -42,6 +43,7 @@ void registerFoundation() {
                     NSNotificationQueue, NSNull, NSNumber, NSNumberFormatter, NSPredicate, NSPropertyListSerialization,
                     NSRunLoop, NSScanner, NSSet, NSSortDescriptor, NSString, NSTask, NSThread, NSTimer, NSUnarchiver,
                     NSURL, NSValue, NSValueTransformer>();
+    registerVersionOrder();
     prepareMainRunLoop();
 }
 

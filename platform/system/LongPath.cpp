@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,7 +48,14 @@ Result<ShortPath> shortened(std::string_view path) {
     return result;
 }
 
-std::int64_t nanoseconds(timespec const& time) { return std::int64_t{time.tv_sec} * 1000000000 + time.tv_nsec; }
+// Some file systems keep times beyond those that 64 bits of nanoseconds hold: the last one stands for them.
+std::int64_t nanoseconds(timespec const& time) {
+    std::int64_t result = 0;
+    bool const isBeyond = __builtin_mul_overflow(std::int64_t{time.tv_sec}, std::int64_t{1000000000}, &result) ||
+                          __builtin_add_overflow(result, std::int64_t{time.tv_nsec}, &result);
+    if (!isBeyond) return result;
+    return time.tv_sec < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+}
 
 FileStatus statusOf(struct stat const& status) {
     FileStatus result;

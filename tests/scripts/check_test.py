@@ -57,7 +57,7 @@ pathutils/BundleVersions
 pathutils/FileOperations
   -pxRemoveFile     pxRemoveFile
 """,
-    "platform/foundation/CMakeLists.txt": "add_library(foundation OBJECT NSString.cpp)\n",
+    "platform/foundation/CMakeLists.txt": "add_library(foundation OBJECT text/NSString.cpp)\n",
     "platform/foundation/text/NSString.h": """#pragma once
 
 namespace mac {

@@ -25,6 +25,9 @@ FieldClearing::FieldClearing(QAction* action, QLineEdit* field)
         return other != action && !m_key.isEmpty() && other->shortcuts().contains(m_key);
     });
     if (lender != others.end()) m_lender = *lender;
+    // A key that is held down does not go on to what the other action does with it.
+    action->setAutoRepeat(false);
+    if (m_lender) m_lender->setAutoRepeat(false);
     connect(action, &QAction::triggered, field, &QLineEdit::clear);
     connect(field, &QLineEdit::textChanged, this, &FieldClearing::follow);
     follow(field->text());

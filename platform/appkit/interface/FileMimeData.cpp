@@ -5,6 +5,19 @@ namespace mac {
 
 namespace {
 
+QByteArray lineOfPath(std::string const& path) {
+    QByteArray line;
+    for (char const byte : path) {
+        auto const code = static_cast<unsigned char>(byte);
+        bool const isControl = code < 0x20 || code == 0x7F;
+        if (isControl)
+            line += '\\' + QByteArray::number(code, 8).rightJustified(3, '0');
+        else
+            line += byte;
+    }
+    return line;
+}
+
 // Qt would make text and URLs of the bytes, and text again of those.
 class FileBytes : public QMimeData {
 public:
@@ -15,7 +28,7 @@ public:
         for (std::string const& path : paths) {
             QByteArray const uri = QByteArray::fromStdString(fileURIOfPath(path));
             if (!text.isEmpty()) text += '\n';
-            text += QByteArray::fromStdString(path);
+            text += lineOfPath(path);
             uris += uri + "\r\n";
             copied += '\n' + uri;
         }

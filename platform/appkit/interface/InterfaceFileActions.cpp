@@ -29,6 +29,7 @@ void InterfaceFile::connectActivation(QTableView* table) {
     for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* const shortcut = new QShortcut(QKeySequence(key), table);
         shortcut->setContext(Qt::WidgetShortcut);
+        shortcut->setAutoRepeat(false);
         QObject::connect(shortcut, &QShortcut::activated, action, &QAction::trigger);
     }
 }

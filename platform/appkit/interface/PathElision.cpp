@@ -9,7 +9,7 @@ constexpr QChar Ellipsis(0x2026);
 
 // The slash in front of what differs stays, so that it is seen to be the name of an item.
 QString withoutCommonStart(QString const& path, CommonPath const& common) {
-    return common.start > 1 ? Ellipsis + path.sliced(common.start - 1) : path;
+    return common.start > 1 && common.start <= path.size() ? Ellipsis + path.sliced(common.start - 1) : path;
 }
 
 } // namespace
@@ -28,6 +28,11 @@ void CommonPathFinder::add(std::u16string_view path) {
     m_end = static_cast<std::size_t>(
         std::mismatch(path.rbegin(), path.rbegin() + static_cast<std::ptrdiff_t>(end), m_first.rbegin()).first -
         path.rbegin());
+}
+
+bool CommonPathFinder::isEmpty() const {
+    CommonPath const common = result();
+    return m_count > 1 && common.start <= 1 && common.end == 0;
 }
 
 CommonPath CommonPathFinder::result() const {

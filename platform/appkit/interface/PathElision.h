@@ -18,8 +18,8 @@ struct CommonPath {
 class CommonPathFinder {
 public:
     void add(std::u16string_view path);
-    // Whether further paths cannot change the result.
-    bool isEmpty() const { return m_count > 1 && m_start == 0 && m_end == 0; }
+    // Whether further paths cannot change what is left out: at most the first slash is in common.
+    bool isEmpty() const;
     CommonPath result() const;
 
 private:

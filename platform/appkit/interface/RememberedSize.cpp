@@ -55,7 +55,10 @@ RememberedSize::RememberedSize(QWidget* window, NSString const& key) : m_window(
     fitScreen();
     m_given = window->size();
     window->installEventFilter(this);
-    if (qGuiApp) connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this] { fitScreen(); });
+    // The window is on another screen once that has been told to all.
+    if (qGuiApp)
+        connect(
+            qGuiApp, &QGuiApplication::screenRemoved, this, [this] { fitScreen(); }, Qt::QueuedConnection);
 }
 
 void RememberedSize::fitScreen() {
@@ -63,7 +66,10 @@ void RememberedSize::fitScreen() {
     QRect const available = availableTo(m_window);
     int const titleBar = m_window->style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, m_window);
     QSize const fitting = sizeWithin(m_window->size(), available.size(), titleBar);
-    if (fitting != m_window->size()) m_window->resize(fitting);
+    if (fitting == m_window->size()) return;
+    // The user's own size stays the remembered one.
+    m_given = fitting;
+    m_window->resize(fitting);
 }
 
 bool RememberedSize::eventFilter(QObject* watched, QEvent* event) {

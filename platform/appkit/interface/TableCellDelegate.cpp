@@ -27,10 +27,14 @@ QString TableCellDelegate::displayText(QVariant const& value, QLocale const&) co
 }
 
 QString TableCellDelegate::textWithin(int width, QStyleOptionViewItem const& cell, QString const& text,
-                                      int section) const {
-    bool const isPath = m_model.columns()[static_cast<std::size_t>(section)].elidesCommonPath;
+                                      QModelIndex const& index) const {
+    bool const isPath = m_model.columns()[static_cast<std::size_t>(index.column())].elidesCommonPath;
     if (!isPath) return cell.fontMetrics.elidedText(text, cell.textElideMode, width);
-    return elidedPath(text, m_model.commonPath(section), cell.fontMetrics, width);
+    // What the paths have in common is counted in whole ones, not in shortened texts.
+    QString const path = index.data().toString();
+    CommonPath const common = m_model.commonPath(index.column());
+    if (path.size() <= LongestText) return elidedPath(path, common, cell.fontMetrics, width);
+    return cell.fontMetrics.elidedText(shortenedText(differingPart(path, common)), Qt::ElideMiddle, width);
 }
 
 void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& option, QModelIndex const& index) const {
@@ -59,7 +63,7 @@ void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& opt
     // Paths and versions go from left to right whatever letters stand in them: else "/a" would be shown as "a/".
     Qt::Alignment const alignment = QStyle::visualAlignment(cell.direction, cell.displayAlignment);
     painter->drawText(place, static_cast<int>(alignment) | Qt::TextSingleLine | Qt::TextForceLeftToRight,
-                      textWithin(place.width(), cell, text, index.column()));
+                      textWithin(place.width(), cell, text, index));
     if (!isSelected && hasKeyboard(view, index)) {
         painter->setPen(cell.palette.color(QPalette::Active, QPalette::Highlight));
         painter->drawLine(cell.rect.topLeft(), cell.rect.topRight());

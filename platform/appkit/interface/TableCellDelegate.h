@@ -27,7 +27,8 @@ public:
     void paint(QPainter* painter, QStyleOptionViewItem const& option, QModelIndex const& index) const override;
 
 private:
-    QString textWithin(int width, QStyleOptionViewItem const& cell, QString const& text, int section) const;
+    QString textWithin(int width, QStyleOptionViewItem const& cell, QString const& text,
+                       QModelIndex const& index) const;
 
     TableModel const& m_model;
 };

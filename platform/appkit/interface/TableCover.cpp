@@ -51,7 +51,7 @@ void TableCover::setVisible(bool isVisible) {
     bool const wasInTable = keyboard == m_table;
     // A widget that is hidden hands the keyboard on to whatever comes next.
     m_table->setFocusPolicy(count > 0 ? Qt::NoFocus : Qt::StrongFocus);
-    if (!isVisible && wasInCover) m_table->setFocus(Qt::OtherFocusReason);
+    if (!isVisible && wasInCover && count == 0) m_table->setFocus(Qt::OtherFocusReason);
     m_cover->setVisible(isVisible);
     if (isVisible && wasInTable) keyboardPlace()->setFocus(Qt::OtherFocusReason);
 }

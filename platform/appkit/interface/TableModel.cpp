@@ -63,10 +63,7 @@ Qt::ItemFlags TableModel::flags(QModelIndex const& index) const {
     return m_fileKeyPath == nil || !index.isValid() ? flags : flags | Qt::ItemIsDragEnabled;
 }
 
-std::vector<std::string> TableModel::pathsOf(QModelIndexList const& indexes) const {
-    std::vector<int> rows;
-    for (QModelIndex const& index : indexes)
-        rows.push_back(index.row());
+std::vector<std::string> TableModel::pathsOf(std::vector<int> rows) const {
     std::ranges::sort(rows);
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     std::vector<std::string> paths;
@@ -83,7 +80,10 @@ std::vector<std::string> TableModel::pathsOf(QModelIndexList const& indexes) con
 QStringList TableModel::mimeTypes() const { return mimeDataOfFiles({})->formats(); }
 
 QMimeData* TableModel::mimeData(QModelIndexList const& indexes) const {
-    std::vector<std::string> const paths = pathsOf(indexes);
+    std::vector<int> rows;
+    for (QModelIndex const& index : indexes)
+        rows.push_back(index.row());
+    std::vector<std::string> const paths = pathsOf(std::move(rows));
     // The drag owns it.
     return paths.empty() ? nullptr : mimeDataOfFiles(paths).release();
 }

@@ -30,7 +30,7 @@ public:
     void setFileKeyPath(NSString const& keyPath) { m_fileKeyPath = keyPath; }
     // The files of the rows, one for each row, from the top. A row without a path that the file system can have is left
     // out.
-    std::vector<std::string> pathsOf(QModelIndexList const& indexes) const;
+    std::vector<std::string> pathsOf(std::vector<int> rows) const;
 
     // What the paths of all rows have in common in a column that leaves it out; nothing in other columns.
     CommonPath commonPath(int section) const;

@@ -70,6 +70,7 @@ void appendOrdered(std::string& bytes, char32_t codePoint) {
 std::optional<TextFolding> foldingOfMessage(SEL selector) {
     if (selector == SEL("compare:")) return foldingOf(0);
     if (selector == SEL("caseInsensitiveCompare:")) return foldingOf(NSCaseInsensitiveSearch);
+    if (selector == SEL("compareAsVersion:")) return foldingOf(NSCaseInsensitiveSearch);
     return {};
 }
 
@@ -81,7 +82,7 @@ public:
     Criterion(NSSortDescriptor const& descriptor, id const* firstValue, std::size_t width)
         : m_firstValue(firstValue), m_width(width), m_selector(descriptor.selector()),
           m_isAscending(descriptor.ascending()), m_folding(foldingOfMessage(m_selector)),
-          m_knowsNumbers(m_selector == SEL("compare:")) {}
+          m_knowsNumbers(m_selector == SEL("compare:")), m_countsDigits(m_selector == SEL("compareAsVersion:")) {}
 
     bool isBefore(int order) const { return m_isAscending ? order < 0 : order > 0; }
 
@@ -135,14 +136,33 @@ private:
 
     void appendFolded(std::u16string_view units) {
         std::size_t const start = m_bytes.size();
-        for (char16_t const unit : units) {
-            if (unit >= 0x80) {
-                m_bytes.resize(start);
-                for (FoldedCharacter const& character : foldedText(units, *m_folding))
-                    appendOrdered(m_bytes, character.codePoint);
-                return;
-            }
+        bool const isASCII = std::ranges::all_of(units, [](char16_t unit) { return unit < 0x80; });
+        if (!isASCII) {
+            for (FoldedCharacter const& character : foldedText(units, *m_folding))
+                appendOrdered(m_bytes, character.codePoint);
+        }
+        for (char16_t const unit : isASCII ? units : std::u16string_view())
             m_bytes += static_cast<char>(m_folding->isCaseInsensitive ? lowercaseASCII(unit) : unit);
+        if (m_countsDigits) orderDigits(start);
+    }
+
+    // Numbers in a text get the order of their values: each becomes a zero, the count of its digits without zeros in
+    // front, and these digits.
+    void orderDigits(std::size_t start) {
+        constexpr std::string_view digits = "0123456789";
+        std::string const text = m_bytes.substr(start);
+        m_bytes.resize(start);
+        for (std::size_t place = 0; place < text.size();) {
+            std::size_t const number = std::min(text.find_first_of(digits, place), text.size());
+            std::size_t const end = std::min(text.find_first_not_of(digits, number), text.size());
+            std::size_t const value = std::min(text.find_first_not_of('0', number), end);
+            m_bytes.append(text, place, number - place);
+            if (number < end) {
+                m_bytes += '0';
+                appendOrdered(m_bytes, static_cast<char32_t>(std::min<std::size_t>(end - value, 0xFFFF)));
+                m_bytes.append(text, value, end - value);
+            }
+            place = end;
         }
     }
 
@@ -169,6 +189,7 @@ private:
     bool m_isAscending;
     std::optional<TextFolding> m_folding;
     bool m_knowsNumbers;
+    bool m_countsDigits;
     std::string m_bytes;
     // Where in the bytes the text of each item ends that has one.
     std::vector<std::size_t> m_ends;

@@ -6,6 +6,7 @@
 #include "platform/system/items/TreeRemoval.h"
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <sys/stat.h>
@@ -43,8 +44,9 @@ private:
     std::vector<ItemStatus> m_folders{};
 };
 
+// Never destroyed: settings are also written at the program's exit.
 KnownFolders& knownFolders() {
-    static KnownFolders shared;
+    static KnownFolders& shared = *std::make_unique<KnownFolders>().release();
     return shared;
 }
 

@@ -38,10 +38,16 @@ TEST(PathElision, FindsTheFoldersAndTheNamesInCommon) {
 
 TEST(PathElision, KnowsWhenNothingIsInCommonAnyMore) {
     CommonPathFinder finder;
-    finder.add(u"abc");
+    finder.add(u"/a/x");
     EXPECT_FALSE(finder.isEmpty());
-    finder.add(u"xyz");
-    EXPECT_TRUE(finder.isEmpty());
+    finder.add(u"/a/y");
+    EXPECT_FALSE(finder.isEmpty());
+    finder.add(u"/b/z");
+    EXPECT_TRUE(finder.isEmpty()) << "the first slash is never left out";
+}
+
+TEST(PathElision, LeavesAPathAloneThatIsShorterThanWhatIsInCommon) {
+    EXPECT_EQ(differingPart("/short", {.start = 1'200, .end = 0}), "/short");
 }
 
 TEST(PathElision, ShowsWhatDiffersAndNeverLess) {
@@ -87,6 +93,15 @@ TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeInASmallWindow) {
                                      header()->sectionSize(PathColumn) - 2 * TableCellMargin);
     EXPECT_TRUE(shown.contains(QString(70, 'n'))) << shown.toStdString();
     EXPECT_TRUE(m_window.column(PathColumn).contains(path)) << "the cell's text is the path";
+}
+
+// A cell shortens texts beyond a thousand characters before it draws them.
+TEST_F(PathsInTheWindow, MayShareMoreThanACellShows) {
+    std::string const folder = "/volumes/" + std::string(1'200, 'n') + "/";
+    m_window.controller().setPaths_(
+        makeRecords({(folder + "a/Mirror Frame.app").c_str(), (folder + "b/Mirror Frame.app").c_str()}));
+    EXPECT_GT(model().commonPath(PathColumn).start, 1'000);
+    EXPECT_FALSE(m_window.widget()->grab().isNull());
 }
 
 TEST_F(PathsInTheWindow, TakeTheWidthThatTheUserGives) {

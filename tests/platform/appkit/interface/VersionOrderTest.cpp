@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/VersionOrder.h"
+#include "platform/foundation/text/VersionOrder.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include <gtest/gtest.h>
@@ -17,6 +17,20 @@ TEST(VersionOrder, CountsNumbersAndThenBuilds) {
             EXPECT_EQ(order, expected) << ascending[first] << " and " << ascending[second];
         }
     }
+}
+
+TEST(VersionOrder, IsTheOrderOfASortByIt) {
+    NSArray const ascending = NSArray::arrayWithObjects_(
+        {"(null) (9)", "1.4 (72)", "2.1 (099)", "2.1 (210)", "2.1.5 (20)", "2.9 (290)", "2.10 (100)",
+         NSString::stringWithUTF8String_("2.10 beta (\xC3\x84)"), "2.99999999999999999999998",
+         "2.99999999999999999999999", "2.100000000000000000000000"});
+    NSMutableArray const shuffled = NSMutableArray::array();
+    for (NSUInteger index = 0; index < ascending.count(); ++index)
+        shuffled.addObject_(ascending.objectAtIndex_((index * 7 + 3) % ascending.count()));
+    NSSortDescriptor const criterion =
+        NSSortDescriptor::sortDescriptorWithKey_ascending_selector_("description", YES, SEL("compareAsVersion:"));
+    NSArray const sorted = shuffled.sortedArrayUsingDescriptors_(NSArray::arrayWithObjects_({criterion}));
+    EXPECT_TRUE(sorted.isEqual_(ascending)) << sorted.description().UTF8String();
 }
 
 TEST(VersionOrder, KnowsNil) {

@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/VersionOrder.h"
+#include "platform/foundation/text/VersionOrder.h"
 #include "platform/foundation/objects/Method.h"
 
 namespace mac {
