@@ -173,7 +173,19 @@ mac::Method const row = mac::method<&AppController::trashAction_>("trashAction:"
 
 } // namespace framekeeper
 """,
-    "fuzz/CMakeLists.txt": "add_library(fuzz OBJECT VersionFuzz.cpp)\n",
+    "fuzz/CMakeLists.txt": """function(framekeeper_fuzz NAME)
+  add_library(${NAME} OBJECT ${ARGN})
+endfunction()
+framekeeper_fuzz(VersionFuzz VersionFuzz.cpp)
+""",
+    "app/MainMenu.ui": """<ui version="4.0">
+<property name="text"><string>Trash</string></property>
+</ui>
+""",
+    "translations/framekeeper_de.ts": """<TS version="2.1" language="de"><context><name>Framekeeper</name>
+<message><source>Trash</source><translation>Papierkorb</translation></message>
+</context></TS>
+""",
     "fuzz/VersionFuzz.cpp": """#include "pathutils/BundleVersions.h"
 
 int read();
@@ -279,7 +291,11 @@ PLANTED = [
     ("registered", [new("scripting/CMakeLists.txt", "\n")], "scripting/CMakeLists.txt:1: ", "does not add"),
     ("registered", [after("platform/foundation/text/NSString.h", 7, "    static ClassDescription describeClass();\n")],
      "platform/foundation/text/NSString.h:6: ", "never registered"),
-    ("registered", [new("fuzz/NameFuzz.cpp", "\n"), replace("fuzz/CMakeLists.txt", "OBJECT", "OBJECT NameFuzz.cpp")], "fuzz/NameFuzz.cpp:1: ", "has no corpus"),
+    ("registered", [new("fuzz/NameFuzz.cpp", "\n"), replace("fuzz/CMakeLists.txt", "framekeeper_fuzz(V", "framekeeper_fuzz(NameFuzz NameFuzz.cpp)\nframekeeper_fuzz(V")],
+     "fuzz/CMakeLists.txt:1: ", "NameFuzz has no corpus"),
+    ("translations", [replace("app/MainMenu.ui", "Trash", "Delete")], "app/MainMenu.ui:2: ", "“Delete” is not in translations/framekeeper_de.ts"),
+    ("translations", [replace("app/MainMenu.ui", "Trash", "Delete")], "translations/framekeeper_de.ts:1: ", "“Trash” is no text of the program"),
+    ("translations", [replace("translations/framekeeper_de.ts", "Papierkorb", "")], "translations/framekeeper_de.ts:1: ", "has not the forms"),
     ("registered", [new("fuzz/corpus/NameFuzz/one", "\n")], "fuzz/corpus/NameFuzz:1: ", "belongs to no target"),
     ("registered", [new("fuzz/NameFuzz.dict", "\n")], "fuzz/NameFuzz.dict:1: ", "belongs to no target"),
     # rules
@@ -322,7 +338,7 @@ PLANTED = [
      "packaging/collection/playbooks/small.yml:2: ", "name"),
     ("package", [replace("packaging/icons/16.svg", "/>", ">")], "packaging/icons/16.svg:2: ", "no element"),
 ]
-CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "tidy"]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "translations", "tidy"]
 
 
 class Check(unittest.TestCase):

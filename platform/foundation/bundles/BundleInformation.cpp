@@ -41,11 +41,6 @@ constexpr std::size_t kLongestInSummary = 128;
 // systems tick every two seconds at worst.
 constexpr std::int64_t kNanosecondsToSettle = 2'000'000'000;
 
-bool isSettledAt(std::int64_t now, FileStatus const& status) {
-    // A file may have come with an old time of modification; when it was changed here says so.
-    return std::max(status.modified, status.changed) < now - kNanosecondsToSettle;
-}
-
 // Which file it is and in what state, or the error that its status gave.
 struct FileState {
     std::size_t place{0};
@@ -304,7 +299,7 @@ private:
         NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
         bool const isLasting = read.hasValue() || read.problem().isLasting;
         m_known.remember(hash, {.state = state,
-                                .isSettled = isLasting && isSettledAt(start, state.status),
+                                .isSettled = isLasting && state.status.modified < start - kNanosecondsToSettle,
                                 .summary = keptSummaryOf(information, m_texts)});
         return information;
     }
