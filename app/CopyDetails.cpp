@@ -20,12 +20,18 @@ class CopyDetails::Body : public ObjectBody {
 public:
     explicit Body(AppController const& followed)
         : controller(followed), selection(followed, "pathsArrayController.selection", [this] { follow(); }),
-          shown(followed.panes(), "showsDetails", [this] { follow(); }) {}
+          shown(followed.panes(), "showsDetails", [this] { follow(); }),
+          inventory(followed, "paths", [this] { forgetComparison(); }),
+          changes(followed, "canUndo", [this] { readAnew(); }) {}
 
     void follow();
     void tell();
-    void readDisk(std::string const& path);
+    // Of the selected copy, which is on the disk. What is shown stays until then.
+    void readDisk();
+    void readAnew();
     void compare();
+    void compared(std::string const& other, ContentsLikeness likeness);
+    void forgetComparison();
     void stopComparing();
     void reveal(NSString const& path) const;
     // The other copies of the inventory that are there, by path.
@@ -34,11 +40,14 @@ public:
     Weak<AppController> controller;
     DetailFacts facts;
     NSDictionary values = detailValues({});
-    // Null if it is not under way, or is done.
+    // Null before the first.
     std::unique_ptr<BackgroundWork> reading;
     std::unique_ptr<BackgroundWork> comparing;
     KeyPathObserver selection;
     KeyPathObserver shown;
+    KeyPathObserver inventory;
+    // A swapped icon leaves the inventory as it is, and each of the two swaps changes the steps that can be undone.
+    KeyPathObserver changes;
 };
 
 namespace {
@@ -64,35 +73,57 @@ void CopyDetails::Body::follow() {
                                     : NSDictionary();
     bool const isUnchanged = record == nil ? facts.record == nil : isSame(record, facts.record);
     if (isUnchanged) return;
-    std::string const path = bytesOfRecord(record);
-    bool const isSameCopy = record != nil && facts.record != nil && path == bytesOfRecord(facts.record);
-    // A record that was made anew is of the same copy, of which the comparison holds.
-    Comparison const kept = isSameCopy ? facts.comparison : Comparison{};
-    if (!isSameCopy) comparing.reset();
+    bool const wasThere = facts.record != nil && isOnDisk(facts.record);
+    bool const isThere = record != nil && isOnDisk(record) && !bytesOfRecord(record).empty();
+    // The inventory makes its records anew with each change; the disk is not read again for that.
+    bool const isSameCopy = wasThere && isThere && bytesOfRecord(record) == bytesOfRecord(facts.record);
+    comparing.reset();
+    facts.record = record;
+    facts.session = sessionFactsOf(record);
+    facts.comparison = {};
+    if (isSameCopy) return tell();
     reading.reset();
-    facts = {.record = record, .session = sessionFactsOf(record), .comparison = kept};
-    if (record == nil || path.empty() || !isOnDisk(record)) {
+    facts.disk.reset();
+    facts.size.reset();
+    if (isThere) readDisk();
+    if (!isThere) {
         facts.disk = DiskFacts{};
         facts.size = SystemError{};
-        return tell();
     }
     tell();
-    readDisk(path);
 }
 
-void CopyDetails::Body::readDisk(std::string const& path) {
-    // The work is stopped before this goes.
-    reading =
-        std::make_unique<BackgroundWork>([this, path](std::stop_token const& stop, BackgroundWork::Tell const& told) {
-            told([this, disk = diskFactsOf(path)] {
-                facts.disk = disk;
-                tell();
-            });
-            told([this, size = sizeOfTree(path, stop)] {
-                facts.size = size;
-                tell();
-            });
+void CopyDetails::Body::readDisk() {
+    BackgroundWork::Work work = [this, path = bytesOfRecord(facts.record)](std::stop_token const& stop,
+                                                                           BackgroundWork::Tell const& told) {
+        told([this, disk = diskFactsOf(path)] {
+            facts.disk = disk;
+            tell();
         });
+        told([this, size = sizeOfTree(path, stop)] {
+            facts.size = size;
+            tell();
+        });
+    };
+    // The work is stopped before this goes.
+    reading = std::make_unique<BackgroundWork>(std::move(work), [this] {
+        if (facts.disk && facts.size) return;
+        if (!facts.disk) facts.disk = DiskFacts{};
+        if (!facts.size) facts.size = SystemError{};
+        tell();
+    });
+}
+
+void CopyDetails::Body::readAnew() {
+    forgetComparison();
+    if (facts.record != nil && isOnDisk(facts.record)) readDisk();
+}
+
+void CopyDetails::Body::forgetComparison() {
+    if (facts.comparison.stage == Comparison::Stage::NotAsked) return;
+    comparing.reset();
+    facts.comparison = {};
+    tell();
 }
 
 std::vector<std::string> CopyDetails::Body::otherPaths() const {
@@ -113,22 +144,32 @@ void CopyDetails::Body::compare() {
     facts.comparison = {.stage = Comparison::Stage::UnderWay, .others = static_cast<NSUInteger>(others.size())};
     tell();
     std::string const own = bytesOfRecord(facts.record);
-    comparing = std::make_unique<BackgroundWork>(
-        [this, own, others = std::move(others)](std::stop_token const& stop, BackgroundWork::Tell const& told) {
-            for (std::string const& other : others) {
-                bool const isEqual = haveEqualContents(own, other, stop);
-                told([this, other, isEqual] {
-                    ++facts.comparison.compared;
-                    if (isEqual) facts.comparison.equal.push_back(NSString::stringWithFileSystemRepresentation_(other));
-                    tell();
-                });
-                if (stop.stop_requested()) return;
-            }
-            told([this] {
-                facts.comparison.stage = Comparison::Stage::Done;
-                tell();
-            });
+    BackgroundWork::Work work = [this, own, others = std::move(others)](std::stop_token const& stop,
+                                                                        BackgroundWork::Tell const& told) {
+        for (std::string const& other : others) {
+            ContentsLikeness const likeness = compareContents(own, other, stop);
+            if (stop.stop_requested()) return;
+            told([this, other, likeness] { compared(other, likeness); });
+        }
+        told([this] {
+            facts.comparison.stage = Comparison::Stage::Done;
+            tell();
         });
+    };
+    comparing = std::make_unique<BackgroundWork>(std::move(work), [this] {
+        if (facts.comparison.stage != Comparison::Stage::UnderWay) return;
+        facts.comparison.stage = Comparison::Stage::Stopped;
+        tell();
+    });
+}
+
+void CopyDetails::Body::compared(std::string const& other, ContentsLikeness likeness) {
+    ++facts.comparison.compared;
+    if (likeness == ContentsLikeness::Unreadable) ++facts.comparison.unreadable;
+    // The inventory may list one item under two paths, and that is no other copy.
+    if (likeness == ContentsLikeness::Equal)
+        facts.comparison.equal.push_back(NSString::stringWithFileSystemRepresentation_(other));
+    tell();
 }
 
 void CopyDetails::Body::stopComparing() {

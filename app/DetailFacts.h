@@ -46,6 +46,8 @@ struct Comparison {
     // Of the other copies.
     NSUInteger compared{0};
     NSUInteger others{0};
+    // Of the compared ones.
+    NSUInteger unreadable{0};
     std::vector<NSString> equal{};
 };
 

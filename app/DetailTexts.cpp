@@ -2,6 +2,7 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/text/LocalizedValues.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include <algorithm>
 
 namespace framekeeper {
 
@@ -55,11 +56,33 @@ NSString placeText(DetailFacts const& facts) {
                                               : NSLocalizedString("Not in the places", nil);
 }
 
+// What a reader takes in; the text is made anew with each copy that was compared.
+constexpr std::size_t MostEqualPaths = 20;
+
+NSString withLine(NSString const& text, NSString const& line) {
+    return text.length() == 0 ? line : text.stringByAppendingString_("\n").stringByAppendingString_(line);
+}
+
 NSString equalPaths(std::vector<NSString> const& paths) {
     NSString text = "";
-    for (NSString const& path : paths)
-        text = text.length() == 0 ? path : text.stringByAppendingString_("\n").stringByAppendingString_(path);
-    return text;
+    std::size_t const shown = std::min(paths.size(), MostEqualPaths);
+    for (std::size_t index = 0; index < shown; ++index)
+        text = withLine(text, paths[index]);
+    if (shown == paths.size()) return text;
+    return withLine(text, localizedCount(static_cast<NSUInteger>(paths.size() - shown), "and %n more", "and %n more",
+                                         "Copies that are the same, below the first ones"));
+}
+
+NSString comparedText(Comparison const& comparison) {
+    if (comparison.unreadable == 0 && comparison.equal.empty())
+        return NSLocalizedString("No other copy is the same", "Compared byte for byte");
+    if (comparison.unreadable == 0) return equalPaths(comparison.equal);
+    bool const isAnyRead = comparison.unreadable < comparison.compared;
+    NSString text = equalPaths(comparison.equal);
+    if (comparison.equal.empty() && isAnyRead)
+        text = NSLocalizedString("No other copy that could be read is the same", "Compared byte for byte");
+    return withLine(text, localizedCount(comparison.unreadable, "%n copy could not be read",
+                                         "%n copies could not be read", "Behind the copies that are the same"));
 }
 
 NSString equalCopiesText(Comparison const& comparison) {
@@ -77,8 +100,7 @@ NSString equalCopiesText(Comparison const& comparison) {
     case Comparison::Stage::Done:
         break;
     }
-    if (comparison.equal.empty()) return NSLocalizedString("No other copy is the same", "Compared byte for byte");
-    return equalPaths(comparison.equal);
+    return comparedText(comparison);
 }
 
 NSNumber truth(bool value) { return NSNumber::numberWithBool_(BOOL(value)); }

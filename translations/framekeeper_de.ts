@@ -722,6 +722,18 @@ Opens the window, or brings the open one to the front.
     <translation>Keine andere Kopie ist gleich</translation>
 </message>
 <message>
+    <source>No other copy that could be read is the same</source>
+    <translation>Keine andere lesbare Kopie ist gleich</translation>
+</message>
+<message numerus="yes">
+    <source>%n copies could not be read</source>
+    <translation><numerusform>%n Kopie war nicht lesbar</numerusform><numerusform>%n Kopien waren nicht lesbar</numerusform></translation>
+</message>
+<message numerus="yes">
+    <source>and %n more</source>
+    <translation><numerusform>und %n weitere</numerusform><numerusform>und %n weitere</numerusform></translation>
+</message>
+<message>
     <source>Searching for copies of Mirror Frame…</source>
     <translation>Kopien von Mirror Frame werden gesucht …</translation>
 </message>

@@ -45,35 +45,40 @@ std::optional<std::size_t> readBlock(FileDescriptor const& file, std::vector<cha
     return size;
 }
 
-bool haveEqualBytes(Item const& one, Item const& other, std::stop_token const& stop) {
-    if (one.status.st_size != other.status.st_size) return false;
+ContentsLikeness likenessOf(bool areEqual) { return areEqual ? ContentsLikeness::Equal : ContentsLikeness::Different; }
+
+ContentsLikeness compareBytes(Item const& one, Item const& other, std::stop_token const& stop) {
+    if (one.status.st_size != other.status.st_size) return ContentsLikeness::Different;
     FileDescriptor const file = readable(one);
     FileDescriptor const otherFile = readable(other);
-    if (!file.isOpen() || !otherFile.isOpen()) return false;
+    if (!file.isOpen() || !otherFile.isOpen()) return ContentsLikeness::Unreadable;
     std::vector<char> block(BlockSize);
     std::vector<char> otherBlock(BlockSize);
     while (!stop.stop_requested()) {
         std::optional<std::size_t> const size = readBlock(file, block);
-        if (!size || readBlock(otherFile, otherBlock) != size) return false;
-        if (std::memcmp(block.data(), otherBlock.data(), *size) != 0) return false;
-        if (*size < block.size()) return true;
+        std::optional<std::size_t> const otherSize = readBlock(otherFile, otherBlock);
+        if (!size || !otherSize) return ContentsLikeness::Unreadable;
+        if (*size != *otherSize || std::memcmp(block.data(), otherBlock.data(), *size) != 0)
+            return ContentsLikeness::Different;
+        if (*size < block.size()) return ContentsLikeness::Equal;
     }
-    return false;
+    return ContentsLikeness::Unreadable;
 }
 
-bool haveEqualText(Item const& link, Item const& other) {
+ContentsLikeness compareText(Item const& link, Item const& other) {
     Result<std::string> const text = linkText(link.item);
     Result<std::string> const otherText = linkText(other.item);
-    return text.hasValue() && otherText.hasValue() && text.value() == otherText.value();
+    if (!text.hasValue() || !otherText.hasValue()) return ContentsLikeness::Unreadable;
+    return likenessOf(text.value() == otherText.value());
 }
 
 // Compares two items that are not both folders.
-bool haveEqualItems(Item const& one, Item const& other, std::stop_token const& stop) {
+ContentsLikeness compareItems(Item const& one, Item const& other, std::stop_token const& stop) {
     mode_t const type = one.status.st_mode & S_IFMT;
-    if (S_ISDIR(type) || type != (other.status.st_mode & S_IFMT)) return false;
-    if (S_ISREG(type)) return haveEqualBytes(one, other, stop);
-    if (S_ISLNK(type)) return haveEqualText(one, other);
-    return one.status.st_rdev == other.status.st_rdev;
+    if (S_ISDIR(type) || type != (other.status.st_mode & S_IFMT)) return ContentsLikeness::Different;
+    if (S_ISREG(type)) return compareBytes(one, other, stop);
+    if (S_ISLNK(type)) return compareText(one, other);
+    return likenessOf(one.status.st_rdev == other.status.st_rdev);
 }
 
 Result<std::vector<std::string>> namesIn(Result<FileDescriptor> const& readableFolder) {
@@ -94,29 +99,31 @@ public:
     TreeComparison(FileDescriptor one, FileDescriptor other, std::stop_token stop)
         : m_one(std::move(one)), m_other(std::move(other)), m_stop(std::move(stop)) {}
 
-    bool haveEqualContents() {
+    ContentsLikeness compare() {
         do {
-            if (m_stop.stop_requested() || !areEqual(withStatus(m_one.item()), withStatus(m_other.item())))
-                return false;
+            if (m_stop.stop_requested()) return ContentsLikeness::Unreadable;
+            ContentsLikeness const likeness = compareOne(withStatus(m_one.item()), withStatus(m_other.item()));
+            if (likeness != ContentsLikeness::Equal) return likeness;
         } while (m_one.next() && m_other.next());
-        return true;
+        return ContentsLikeness::Equal;
     }
 
 private:
-    bool areEqual(std::optional<Item> one, std::optional<Item> other) {
-        if (!one || !other) return false;
+    ContentsLikeness compareOne(std::optional<Item> one, std::optional<Item> other) {
+        if (!one || !other) return ContentsLikeness::Unreadable;
         if (S_ISDIR(one->status.st_mode) && S_ISDIR(other->status.st_mode))
             return enter(std::move(one->item), std::move(other->item));
-        return haveEqualItems(*one, *other, m_stop);
+        return compareItems(*one, *other, m_stop);
     }
 
-    bool enter(FileDescriptor folder, FileDescriptor otherFolder) {
+    ContentsLikeness enter(FileDescriptor folder, FileDescriptor otherFolder) {
         Result<std::vector<std::string>> names = namesInOpenFolder(folder);
         Result<std::vector<std::string>> otherNames = namesInOpenFolder(otherFolder);
-        if (!names.hasValue() || !otherNames.hasValue() || names.value() != otherNames.value()) return false;
+        if (!names.hasValue() || !otherNames.hasValue()) return ContentsLikeness::Unreadable;
+        if (names.value() != otherNames.value()) return ContentsLikeness::Different;
         m_one.enter(std::move(folder), names.takeValue());
         m_other.enter(std::move(otherFolder), otherNames.takeValue());
-        return true;
+        return ContentsLikeness::Equal;
     }
 
     TreeDescent m_one;
@@ -172,17 +179,20 @@ void TreeDescent::leave() {
     m_folder = FileDescriptor();
 }
 
-bool haveEqualContents(std::string const& path, std::string const& otherPath, std::stop_token const& stop) {
+ContentsLikeness compareContents(std::string const& path, std::string const& otherPath, std::stop_token const& stop) {
     std::optional<Item> one = withStatus(openPath(path, O_PATH | O_NOFOLLOW));
     std::optional<Item> other = withStatus(openPath(otherPath, O_PATH | O_NOFOLLOW));
-    if (!one || !other) return false;
+    if (!one || !other) return ContentsLikeness::Unreadable;
+    bool const isOneItem = one->status.st_dev == other->status.st_dev && one->status.st_ino == other->status.st_ino;
+    if (isOneItem) return ContentsLikeness::OneItem;
     if (S_ISDIR(one->status.st_mode) && S_ISDIR(other->status.st_mode))
-        return TreeComparison(std::move(one->item), std::move(other->item), stop).haveEqualContents();
-    return haveEqualItems(*one, *other, stop);
+        return TreeComparison(std::move(one->item), std::move(other->item), stop).compare();
+    return compareItems(*one, *other, stop);
 }
 
 bool haveEqualContents(std::string const& path, std::string const& otherPath) {
-    return haveEqualContents(path, otherPath, {});
+    ContentsLikeness const likeness = compareContents(path, otherPath, {});
+    return likeness == ContentsLikeness::Equal || likeness == ContentsLikeness::OneItem;
 }
 
 } // namespace mac

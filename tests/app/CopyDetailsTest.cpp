@@ -74,6 +74,58 @@ TEST_F(SelectedDetails, FindTheCopiesThatAreTheSameByteForByte) {
     EXPECT_EQ(detailOf(m_controller, "equalCopies"), "No other copy is the same");
 }
 
+TEST_F(SelectedDetails, AreNotTheSameAsThemselvesUnderAnotherPath) {
+    NSString const path = findCopy("a");
+    std::filesystem::create_directory_symlink(m_desktop.folder.path("a"), m_desktop.folder.path("linked"));
+    m_controller.isOnHarddiskPaths().addObject_(pathString(m_desktop.folder.path("linked/Mirror Frame.app")));
+    select({path});
+    m_controller.details().compare_(nil);
+    ASSERT_TRUE(isCompared());
+    EXPECT_EQ(detailOf(m_controller, "equalCopies"), "No other copy is the same");
+}
+
+TEST_F(SelectedDetails, SayWhichCopiesCouldNotBeRead) {
+    NSString const path = findCopy("a");
+    NSString const gone = findCopy("b");
+    select({path});
+    std::filesystem::remove_all(text(gone));
+    m_controller.details().compare_(nil);
+    ASSERT_TRUE(isCompared());
+    EXPECT_EQ(detailOf(m_controller, "equalCopies"), "1 copy could not be read");
+}
+
+TEST_F(SelectedDetails, ForgetTheComparisonOnceAnIconIsSwappedOrSwappedBack) {
+    NSString const path = findCopy("a");
+    NSString const same = findCopy("b");
+    select({path});
+    m_controller.details().compare_(nil);
+    ASSERT_TRUE(isCompared());
+    ASSERT_EQ(detailOf(m_controller, "equalCopies"), text(same));
+    m_controller.swapIconAction_(nil);
+    EXPECT_EQ(detailOf(m_controller, "equalCopies"), "Not compared yet");
+    m_controller.details().compare_(nil);
+    ASSERT_TRUE(isCompared());
+    ASSERT_EQ(detailOf(m_controller, "equalCopies"), "No other copy is the same");
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(detailOf(m_controller, "equalCopies"), "Not compared yet");
+}
+
+TEST_F(SelectedDetails, KeepWhatTheDiskToldAndForgetTheComparisonWithANewInventory) {
+    NSString const path = findCopy("a");
+    NSString const same = findCopy("b");
+    m_selection.setIdentityKeyPath("path");
+    m_selection.bind_toObject_withKeyPath_options_("contentSet", m_controller, "paths", nil);
+    select({path});
+    ASSERT_TRUE(runUntil([&] { return detailOf(m_controller, "size").find("item") != std::string::npos; }));
+    std::string const size = detailOf(m_controller, "size");
+    m_controller.details().compare_(nil);
+    ASSERT_TRUE(isCompared());
+    ASSERT_EQ(detailOf(m_controller, "equalCopies"), text(same));
+    m_controller.reSync();
+    EXPECT_EQ(detailOf(m_controller, "equalCopies"), "Not compared yet");
+    EXPECT_EQ(detailOf(m_controller, "size"), size);
+}
+
 TEST_F(SelectedDetails, StopComparing) {
     NSString const path = findCopy("a");
     findCopy("b");
@@ -94,6 +146,11 @@ TEST_F(SelectedDetails, ShowTheVolumeInTheFileBrowserAndBeepWithoutAThingToShow)
     m_controller.details().revealLoginItem_(nil);
     m_controller.details().revealPlace_(nil);
     EXPECT_EQ(m_beeps, 3);
+    EXPECT_EQ(asked(), std::vector<std::string>());
+    m_controller.details().revealVolume_(nil);
+    EXPECT_EQ(m_beeps, 3);
+    ASSERT_EQ(asked().size(), 1U);
+    EXPECT_EQ(asked().front().find("ShowItems file:///"), 0U) << asked().front();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "app/DetailFacts.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/app/Controller.h"
+#include <algorithm>
 #include <cerrno>
 #include <gtest/gtest.h>
 
@@ -63,6 +64,28 @@ TEST(DetailTexts, TellHowFarCopiesWereCompared) {
     EXPECT_EQ(shownOf(facts, "equalCopies"), "No other copy is the same");
     facts.comparison.equal = {"/b", "/c"};
     EXPECT_EQ(shownOf(facts, "equalCopies"), "/b\n/c");
+}
+
+TEST(DetailTexts, TellTheCopiesThatCouldNotBeCompared) {
+    DetailFacts facts = factsOfACopy();
+    facts.comparison = {.stage = Comparison::Stage::Done, .compared = 3, .others = 3, .unreadable = 1};
+    EXPECT_EQ(shownOf(facts, "equalCopies"), "No other copy that could be read is the same\n1 copy could not be read");
+    facts.comparison.unreadable = 3;
+    EXPECT_EQ(shownOf(facts, "equalCopies"), "3 copies could not be read");
+    facts.comparison.unreadable = 2;
+    facts.comparison.equal = {"/b"};
+    EXPECT_EQ(shownOf(facts, "equalCopies"), "/b\n2 copies could not be read");
+}
+
+TEST(DetailTexts, ListTheFirstOfVeryManyEqualCopies) {
+    DetailFacts facts = factsOfACopy();
+    facts.comparison = {.stage = Comparison::Stage::Done, .compared = 50, .others = 50};
+    facts.comparison.equal.assign(20, "/b");
+    EXPECT_EQ(shownOf(facts, "equalCopies").find("more"), std::string::npos);
+    facts.comparison.equal.assign(50, "/b");
+    std::string const shown = shownOf(facts, "equalCopies");
+    EXPECT_EQ(std::ranges::count(shown, '\n'), 20);
+    EXPECT_EQ(shown.substr(shown.rfind('\n')), "\nand 30 more");
 }
 
 } // namespace

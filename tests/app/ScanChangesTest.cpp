@@ -1,4 +1,5 @@
 #include "app/ScanChanges.h"
+#include "app/InventorySync.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
@@ -46,6 +47,44 @@ TEST_F(ChangesSinceTheScan, AreCountedAndTakenBackByTheNextScan) {
     EXPECT_EQ(m_controller.isOnHarddiskPaths().count(), 2U);
     m_controller.scanAction_(nil);
     EXPECT_TRUE(says(""));
+}
+
+TEST_F(ChangesSinceTheScan, CountNewCopies) {
+    m_folder.makeBundle("c/Mirror Frame.app", mac::test::informationFile("com.tidelark.other", "2.1", "210"));
+    m_controller.scanAction_(nil);
+    ASSERT_TRUE(runUntil([&] { return !m_controller.query().isGathering(); }));
+    std::filesystem::rename(m_folder.path("c/Mirror Frame.app"), m_folder.path("other"));
+    std::filesystem::rename(m_folder.path("a/Mirror Frame.app"), m_folder.path("kept"));
+    ASSERT_TRUE(says("1 gone since the scan."));
+    std::filesystem::rename(m_folder.path("kept"), m_folder.path("c/Mirror Frame.app"));
+    ASSERT_TRUE(says("1 new, 1 gone since the scan."));
+    std::filesystem::rename(m_folder.path("c/Mirror Frame.app"), m_folder.path("a/Mirror Frame.app"));
+    ASSERT_TRUE(says(""));
+}
+
+TEST_F(ChangesSinceTheScan, AreCountedInTurnsIfTheyAreVeryMany) {
+    NSMutableSet const known = NSMutableSet::setWithSet_(m_controller.isOnHarddiskPaths());
+    for (int index = 0; index < 600; ++index)
+        known.addObject_(pathString(m_folder.path("gone/" + std::to_string(index))));
+    m_controller.setIsOnHarddiskPaths_(known);
+    m_controller.scanChanges().resultsChanged_(nil);
+    EXPECT_EQ(text(m_controller.scanChanges().text()), "");
+    EXPECT_TRUE(says("600 gone since the scan."));
+}
+
+TEST_F(ChangesSinceTheScan, AreNotToldWhileTheInventoryIsTakenIn) {
+    std::filesystem::rename(m_folder.path("a/Mirror Frame.app"), m_folder.path("kept"));
+    ASSERT_TRUE(says("1 gone since the scan."));
+    std::filesystem::rename(m_folder.path("kept"), m_folder.path("a/Mirror Frame.app"));
+    ASSERT_TRUE(says(""));
+    std::shared_ptr<InventorySync>& sync = bodyOf(m_controller)->_sync;
+    sync = std::make_shared<InventorySync>(m_controller.query().results());
+    m_controller.isOnHarddiskPaths().removeObject_(pathString(m_folder.path("a/Mirror Frame.app")));
+    m_controller.scanChanges().resultsChanged_(nil);
+    EXPECT_EQ(text(m_controller.scanChanges().text()), "");
+    sync.reset();
+    m_controller.setPaths_(m_controller.paths());
+    EXPECT_EQ(text(m_controller.scanChanges().text()), "1 new since the scan.");
 }
 
 TEST_F(ChangesSinceTheScan, AreNotWhatTheWindowItselfDeletes) {

@@ -14,8 +14,9 @@ public:
     // Runs in the thread, and ends soon after it is asked to stop. It touches nothing of the main thread's.
     using Work = std::function<void(std::stop_token const& stop, Tell const& tell)>;
 
-    // Begins at once. Where the system gives no thread, the work is not done and nothing is told.
-    explicit BackgroundWork(Work work);
+    // Begins at once. `ended` is told behind all else: when the work is over, also by an exception, which is logged,
+    // and where the system gives no thread for it.
+    explicit BackgroundWork(Work work, std::function<void()> ended = {});
     // Asks the work to stop and does not wait for it, since a disk may keep it. Nothing is told from then on.
     ~BackgroundWork();
     BackgroundWork(BackgroundWork const&) = delete;

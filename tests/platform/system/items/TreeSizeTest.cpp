@@ -47,15 +47,16 @@ TEST(TreeSize, FailsForWhatIsNotThereAndWhenItIsStopped) {
     EXPECT_TRUE(sizeOfTree(folder.path(), stop.get_token()).problem().is(ECANCELED));
 }
 
-TEST(ContentsComparison, AnswersFalseOnceItIsStopped) {
+TEST(ContentsComparison, TellsOneItemAndIsUnreadableOnceItIsStopped) {
     TemporaryFolder const folder;
     write(folder.path("one"), 7);
     write(folder.path("other"), 7);
     std::stop_source stop;
-    EXPECT_TRUE(haveEqualContents(folder.path("one"), folder.path("other"), stop.get_token()));
+    EXPECT_EQ(compareContents(folder.path("one"), folder.path("other"), stop.get_token()), ContentsLikeness::Equal);
     stop.request_stop();
-    EXPECT_FALSE(haveEqualContents(folder.path("one"), folder.path("other"), stop.get_token()));
-    EXPECT_FALSE(haveEqualContents(folder.path(), folder.path(), stop.get_token()));
+    EXPECT_EQ(compareContents(folder.path("one"), folder.path("other"), stop.get_token()),
+              ContentsLikeness::Unreadable);
+    EXPECT_EQ(compareContents(folder.path(), folder.path(), stop.get_token()), ContentsLikeness::OneItem);
 }
 
 } // namespace
