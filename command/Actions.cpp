@@ -26,8 +26,9 @@ Outcome noSuchCopy(NSString const& path, char const* reason = localizable("no co
     return {.path = path, .status = Status::NoSuchCopy, .reason = NSString::stringWithUTF8String_(reason)};
 }
 
+// The reason may tell a file's name, which need not be UTF-8.
 Outcome failed(NSString const& path, std::string const& reason) {
-    return {.path = path, .status = Status::Failed, .reason = NSString::stringWithUTF8String_(reason.c_str())};
+    return {.path = path, .status = Status::Failed, .reason = NSString::stringWithFileSystemRepresentation_(reason)};
 }
 
 // An action on a selection that is not the record of the path would be one on another copy, or none.
