@@ -130,8 +130,7 @@ Outcome changeIcon(Copies const& copies, Target const& target) {
     Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
     if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
-    std::string const held = item.value().pathForOtherPrograms();
-    IconSwap const swap = swapIcon(NSString::stringWithFileSystemRepresentation_(held));
+    IconSwap const swap = swapIcon(item.value());
     if (!swap.isWritten()) return {.path = target.path, .status = Status::Failed, .reason = swap.failure};
     bool const isShown = swap.failure == nil && KRAPathRevealInFinder(target.path);
     return {.path = target.path, .status = isShown ? Status::Done : Status::NotShown, .reason = swap.failure};
