@@ -13,6 +13,7 @@ namespace {
 
 constexpr char FirstIcon[] = "mirrorframe1";
 constexpr char SecondIcon[] = "mirrorframe2";
+constexpr char CouldNotRead[] = "Could not read plist.";
 
 // Information files have a few thousand bytes.
 constexpr std::size_t LargestFile = std::size_t{4} << 20;
@@ -23,17 +24,15 @@ NSString otherIcon(id const& name) {
 }
 
 // Writes in the folder "Contents" of the bundle, and only over the very file that was read.
-bool writeInformation(std::string const& bundle, NSData const& data, FileStatus const& state) {
-    Result<OpenItem> const item = openItemAtPath(bundle, LinkAtEnd::IsFollowed);
-    if (!item.hasValue()) return false;
-    Result<FileDescriptor> const contents = openBelow(item.value().item, "Contents");
+bool writeInformation(OpenItem const& bundle, NSData const& data, FileStatus const& state) {
+    Result<FileDescriptor> const contents = openBelow(bundle.item, "Contents");
     if (!contents.hasValue()) return false;
     return replaceFileInFolder(contents.value(), "Info.plist", data.span(), {.hasToBe = true, .state = state}).isDone();
 }
 
-NSInteger touch(NSString const& path) {
-    NSTask const task =
-        NSTask::launchedTaskWithLaunchPath_arguments_("/usr/bin/touch", NSArray::arrayWithObject_(path));
+NSInteger touch(std::string const& path) {
+    NSArray const arguments = NSArray::arrayWithObject_(NSString::stringWithFileSystemRepresentation_(path));
+    NSTask const task = NSTask::launchedTaskWithLaunchPath_arguments_("/usr/bin/touch", arguments);
     task.waitUntilExit();
     return task.terminationStatus();
 }
@@ -41,11 +40,14 @@ NSInteger touch(NSString const& path) {
 } // namespace
 
 IconSwap swapIcon(NSString const& path, NSString const& presentName) {
-    NSString const file =
-        path.stringByAppendingPathComponent_("Contents").stringByAppendingPathComponent_("Info.plist");
-    std::string const bundle = path.fileSystemRepresentation().value_or("");
-    Result<FileContents> const contents = readFileAtPath(file.fileSystemRepresentation().value_or(""), LargestFile);
-    if (!contents.hasValue()) return {.failure = "Could not read plist."};
+    Result<OpenItem> const bundle = openItemAtPath(path.fileSystemRepresentation().value_or(""), LinkAtEnd::IsFollowed);
+    return bundle.hasValue() ? swapIcon(bundle.value(), presentName) : IconSwap{.failure = CouldNotRead};
+}
+
+IconSwap swapIcon(OpenItem const& bundle, NSString const& presentName) {
+    std::string const file = bundle.systemPath() + "/Contents/Info.plist";
+    Result<FileContents> const contents = readFileAtPath(file, LargestFile);
+    if (!contents.hasValue()) return {.failure = CouldNotRead};
 
     NSPropertyListFormat format{};
     NSString error;
@@ -62,11 +64,12 @@ IconSwap swapIcon(NSString const& path, NSString const& presentName) {
     NSData const data =
         NSPropertyListSerialization::dataFromPropertyList_format_errorDescription_(information, format, {});
     if (data == nil) return {.failure = "Could not create plist data."};
-    bool const mayWrite = NSFileManager::defaultManager().isWritableFileAtPath_(file);
+    bool const mayWrite =
+        NSFileManager::defaultManager().isWritableFileAtPath_(NSString::stringWithFileSystemRepresentation_(file));
     if (!mayWrite || !writeInformation(bundle, data, contents.value().status))
         return {.failure = "Could not write plist."};
 
-    NSInteger const status = touch(path);
+    NSInteger const status = touch(bundle.pathForOtherPrograms());
     NSString const failure = status == 0 ? NSString() : NSString::stringWithFormat_("touch result: %d.", status);
     return {.formerName = formerName, .newName = newName, .failure = failure};
 }

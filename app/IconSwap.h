@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/text/NSString.h"
+#include "platform/system/items/OpenItem.h"
 
 namespace framekeeper {
 
@@ -22,5 +23,7 @@ struct IconSwap {
 // behind one, may not be written, or changed since it was read. A failure after the writing takes nothing back. With a
 // present name that is not nil, the file must hold that one. Main thread; waits for the program that touches.
 IconSwap swapIcon(NSString const& path, NSString const& presentName = nil);
+// Does so in this very copy, wherever it lies by now.
+IconSwap swapIcon(OpenItem const& bundle, NSString const& presentName = nil);
 
 } // namespace framekeeper

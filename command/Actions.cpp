@@ -26,8 +26,9 @@ Outcome noSuchCopy(NSString const& path, char const* reason = localizable("no co
     return {.path = path, .status = Status::NoSuchCopy, .reason = NSString::stringWithUTF8String_(reason)};
 }
 
+// The reason may tell a file's name, which need not be UTF-8.
 Outcome failed(NSString const& path, std::string const& reason) {
-    return {.path = path, .status = Status::Failed, .reason = NSString::stringWithUTF8String_(reason.c_str())};
+    return {.path = path, .status = Status::Failed, .reason = NSString::stringWithFileSystemRepresentation_(reason)};
 }
 
 // An action on a selection that is not the record of the path would be one on another copy, or none.
@@ -129,8 +130,7 @@ Outcome changeIcon(Copies const& copies, Target const& target) {
     Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
     if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
-    std::string const held = item.value().pathForOtherPrograms();
-    IconSwap const swap = swapIcon(NSString::stringWithFileSystemRepresentation_(held));
+    IconSwap const swap = swapIcon(item.value());
     if (!swap.isWritten()) return {.path = target.path, .status = Status::Failed, .reason = swap.failure};
     bool const isShown = swap.failure == nil && KRAPathRevealInFinder(target.path);
     return {.path = target.path, .status = isShown ? Status::Done : Status::NotShown, .reason = swap.failure};

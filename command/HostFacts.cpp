@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <new>
 
 namespace framekeeper {
 
@@ -96,9 +97,11 @@ HostFacts factsIn(std::string const& nameOfFile, JSONObject const& object) {
         return withoutCopies(name, HostAnswer::Rubbish, "It is not what list --json of this version prints");
     std::optional<HostAnswer> const answer = answerIn(object);
     if (!answer) return withoutCopies(name, HostAnswer::Rubbish, "What it says of the answer is not known");
-    HostFacts facts = withoutCopies(name, *answer, visibleBytes(object.text("reason").value_or("")));
+    bool const isComplete = *answer == HostAnswer::Complete;
+    HostFacts facts = withoutCopies(name, *answer, isComplete ? "" : visibleBytes(object.text("reason").value_or("")));
     facts.gathered = visibleBytes(object.text("gathered").value_or(""));
-    bool const mayLackCopies = *answer != HostAnswer::Complete && !object.has("copies");
+    if (*answer == HostAnswer::Rubbish) return facts;
+    bool const mayLackCopies = !isComplete && !object.has("copies");
     std::string const wrong = mayLackCopies ? "" : readCopies(object, facts);
     if (wrong.empty()) return facts;
     HostFacts rubbish = withoutCopies(name, HostAnswer::Rubbish, wrong);
@@ -112,7 +115,7 @@ std::string nameOfHost(std::string_view path) {
     return visibleBytes(leaf);
 }
 
-HostFacts readHost(std::string const& path) {
+HostFacts readHostAtPath(std::string const& path) {
     Result<FileContents> const contents = readFileAtPath(path, LargestFacts);
     if (contents.hasValue()) {
         std::vector<std::byte> const& bytes = contents.value().bytes;
@@ -124,12 +127,28 @@ HostFacts readHost(std::string const& path) {
     return withoutCopies(nameOfHost(path), answer, visibleBytes(contents.problem().text()));
 }
 
+// What is read of one host may be many times as large as its file: a host that is too large for the memory is no reason
+// to tell nothing of the others.
+HostFacts readHost(std::string const& path) {
+    try {
+        return readHostAtPath(path);
+    } catch (std::bad_alloc const&) {
+        return withoutCopies(nameOfHost(path), HostAnswer::Rubbish, "It is too large");
+    }
+}
+
+// Whether it cannot even be seen what is at the path, since a folder above may not be entered.
+bool isOutOfReach(std::string const& path) {
+    Result<FileStatus> const status = fileStatusAtPath(path);
+    return !status.hasValue() && status.problem().is(EACCES);
+}
+
 // The files of facts that a path stands for: those in a folder, else the path itself.
 Result<std::vector<std::string>> filesOf(std::string const& path) {
     Result<std::vector<std::string>> const names = namesInFolder(path, LinkAtEnd::IsFollowed);
     if (!names.hasValue()) {
         bool const isNoFolder = names.problem().is(ENOTDIR) || names.problem().is(ENOENT);
-        if (isNoFolder) return std::vector<std::string>{path};
+        if (isNoFolder || isOutOfReach(path)) return std::vector<std::string>{path};
         return names.problem();
     }
     std::vector<std::string> files;

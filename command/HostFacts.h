@@ -44,19 +44,19 @@ struct HostFacts {
     std::string reason{};
     // When the host was asked, as it was written down; empty if it was not.
     std::string gathered{};
-    // Empty for rubbish: of a list that can be read only in part nothing is believed.
+    // In the order of the host's list. Empty for rubbish: of a list that can be read only in part nothing is believed.
     std::vector<CopyFacts> copies{};
 };
 
-// A larger file of facts is rubbish; in bytes.
-inline constexpr std::size_t LargestFacts = std::size_t{64} << 20;
+// A larger file of facts is rubbish; in bytes. Small JSON objects take some thirty times their text in memory.
+inline constexpr std::size_t LargestFacts = std::size_t{8} << 20;
 
 // Reads a host's facts. The name is the host's unless the facts tell another one.
 HostFacts hostFactsFrom(std::string_view name, std::string_view document);
 
 // Reads files of facts, and all files NAME.json in folders, not those below. The paths are bytes. The hosts are sorted
-// by name; of several files that tell of one host the first counts, and the others are rubbish. The problem is a folder
-// that cannot be listed.
+// by name; of several files that tell of one host the first counts, and the others are rubbish. A path below a folder
+// that may not be entered is a host that never answered. The problem is a folder that cannot be listed.
 mac::Result<std::vector<HostFacts>> readHosts(std::vector<std::string> const& paths);
 
 } // namespace framekeeper

@@ -57,6 +57,21 @@ TEST_F(SwappedIcons, KeepTheFormatOfTheFileAndTheRestOfIt) {
     }
 }
 
+TEST_F(SwappedIcons, AreThoseOfTheOpenCopyWhateverTookItsPath) {
+    makeBundle(listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe1"));
+    auto const item = openItemAtPath(m_folder.path("Mirror Frame.app"), LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue());
+    std::filesystem::rename(m_folder.path("Mirror Frame.app"), m_folder.path("Moved.app"));
+    makeBundle(listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe1"));
+    std::string const other = contents();
+    IconSwap const swap = swapIcon(item.value());
+    EXPECT_TRUE(swap.isWritten() && swap.failure == nil);
+    EXPECT_EQ(contents(), other);
+    std::filesystem::rename(m_folder.path("Mirror Frame.app"), m_folder.path("Other.app"));
+    std::filesystem::rename(m_folder.path("Moved.app"), m_folder.path("Mirror Frame.app"));
+    EXPECT_EQ(contents(), listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe2"));
+}
+
 TEST_F(SwappedIcons, TouchTheBundle) {
     NSString const bundle = makeBundle(listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe2"));
     auto const longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);

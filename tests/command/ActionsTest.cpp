@@ -2,6 +2,7 @@
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/system/StandardStreams.h"
+#include "platform/system/items/ItemLock.h"
 #include "tests/command/CommandRun.h"
 #include <csignal>
 #include <filesystem>
@@ -130,6 +131,22 @@ TEST_F(CommandActions, LeaveAnotherCopyInTheTrashThatTookTheOnesPlace) {
     EXPECT_EQ(text(outcomes[0].path), inTrash);
     EXPECT_TRUE(isThere(inTrash));
     EXPECT_FALSE(isThere(copy));
+}
+
+TEST_F(CommandActions, TellWhyTheyFailedAlsoIfANameIsNoText) {
+    std::string const copy = copyAt("a");
+    std::string const locked = m_desktop.folder.makeFile("home/a/Mirror Frame.app/\xff", "x");
+    auto const item = mac::openItemAtPath(locked, mac::LinkAtEnd::IsNotFollowed);
+    ASSERT_TRUE(item.hasValue() && mac::setLock(item.value(), mac::ItemLock::Locked).isDone());
+    CommandLine const line{.verb = Verb::Delete, .paths = {copy}};
+    std::vector<Outcome> const outcomes = act(line, targetsOf(line), Copies());
+    ASSERT_TRUE(mac::setLock(item.value(), mac::ItemLock::Unlocked).isDone());
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes[0].status, Status::Failed);
+    EXPECT_TRUE(isThere(locked));
+    ASSERT_TRUE(outcomes[0].reason != nil);
+    EXPECT_NE(outcomes[0].reason.fileSystemRepresentation().value_or("").find('\xff'), std::string::npos)
+        << text(outcomes[0].reason);
 }
 
 // In a process of its own, whose signals may be changed.

@@ -1,4 +1,5 @@
 #include "command/HostFacts.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <gtest/gtest.h>
@@ -41,6 +42,24 @@ TEST(HostFacts, KeepTheCopiesOfACommandThatFailedInPart) {
     document.insert(1, "\"answer\": \"failed\", ");
     HostFacts const host = hostFactsFrom("anna", document);
     EXPECT_EQ(host.answer, HostAnswer::Failed);
+    EXPECT_EQ(host.copies.size(), 1U);
+}
+
+TEST(HostFacts, OfAnAnswerThatWasRubbishHoldNoCopies) {
+    std::string document = OneCopy;
+    document.insert(1, R"("answer": "rubbish", "reason": "no JSON", )");
+    HostFacts const host = hostFactsFrom("anna", document);
+    EXPECT_EQ(host.answer, HostAnswer::Rubbish);
+    EXPECT_EQ(host.reason, "no JSON");
+    EXPECT_TRUE(host.copies.empty());
+}
+
+TEST(HostFacts, HaveNoReasonIfTheyAreComplete) {
+    std::string document = OneCopy;
+    document.insert(1, R"("answer": "complete", "reason": "late, but complete", )");
+    HostFacts const host = hostFactsFrom("anna", document);
+    EXPECT_EQ(host.answer, HostAnswer::Complete);
+    EXPECT_EQ(host.reason, "");
     EXPECT_EQ(host.copies.size(), 1U);
 }
 
@@ -117,6 +136,28 @@ TEST(HostFacts, NeverComeFromAFileThatCannotBeRead) {
     ASSERT_TRUE(hosts.hasValue() && hosts.value().size() == 1U);
     EXPECT_EQ(hosts.value().front().answer, HostAnswer::Never);
     EXPECT_NE(hosts.value().front().reason, "");
+}
+
+// One host's file must not end the report of all others.
+TEST(HostFacts, NeverComeFromAFileBelowAFolderThatMayNotBeEntered) {
+    mac::test::TemporaryFolder const folder;
+    std::string const file = folder.makeFile("closed/anna.json", OneCopy);
+    std::string const closed = folder.path("closed");
+    mac::test::OrdinaryUser::own(folder.path());
+    mac::test::OrdinaryUser::own(closed);
+    ASSERT_EQ(::chmod(closed.c_str(), 0), 0);
+    {
+        mac::test::OrdinaryUser const user;
+        auto const hosts = readHosts({file});
+        ASSERT_TRUE(hosts.hasValue() && hosts.value().size() == 1U);
+        EXPECT_EQ(hosts.value().front().name, "anna");
+        EXPECT_EQ(hosts.value().front().answer, HostAnswer::Never);
+        // A folder that can be seen, but not listed, may hold any number of hosts.
+        auto const unlisted = readHosts({closed});
+        ASSERT_FALSE(unlisted.hasValue());
+        EXPECT_TRUE(unlisted.problem().is(EACCES));
+    }
+    ASSERT_EQ(::chmod(closed.c_str(), 0700), 0);
 }
 
 TEST(HostFacts, FailForAFolderThatCannotBeListed) {

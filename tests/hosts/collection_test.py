@@ -6,6 +6,7 @@ import ast
 import csv
 import json
 import os
+import plistlib
 import shutil
 import subprocess
 import sys
@@ -21,6 +22,8 @@ REAL = Path(__file__).resolve().parents[2]
 COMMAND = os.environ.get("FRAMEKEEPER_CLI")
 MODULES = sorted(path.stem for path in (REAL / "packaging/ansible/plugins/modules").glob("*.py"))
 FIRST, SECOND, THIRD = three_hosts.ADDRESSES
+# A host's search finds whatever runs on this machine, so what is done to a version must be done to one that nobody has.
+OLD_VERSION = "0.0.7-collection-test"
 
 
 class Collection(unittest.TestCase):
@@ -34,7 +37,7 @@ class Collection(unittest.TestCase):
         cls.addClassCleanup(cls.folder.cleanup)
         cls.path = Path(cls.folder.name)
         cls.environment = {
-            "PATH": f"{Path(COMMAND).parent}:{os.environ['PATH']}", "HOME": cls.folder.name, "LC_ALL": "C.UTF-8",
+            "PATH": f"{Path(COMMAND).parent}:{os.environ['PATH']}", "HOME": cls.folder.name, "PWD": cls.folder.name, "LC_ALL": "C.UTF-8",
             "ANSIBLE_HOME": str(cls.path / "ansible"), "ANSIBLE_COLLECTIONS_PATH": str(cls.path / "collections"),
             "ANSIBLE_SSH_CONTROL_PATH_DIR": str(cls.path / "control"), "ANSIBLE_NOCOLOR": "1", "ANSIBLE_PIPELINING": "1",
             "ANSIBLE_SSH_ARGS": "-o ControlMaster=no",
@@ -121,7 +124,7 @@ class Collection(unittest.TestCase):
                 self.copy_at(address, f"a{number}", f"1.{number}")
         self.assertEqual([len(self.facts(address)["copies"]) for address in three_hosts.ADDRESSES], [0, 1, 2])
         versions = self.result_of("facts", THIRD)["ansible_facts"]["framekeeper"]["versions"]
-        self.assertEqual([versions.get("1.0 (1.0)"), versions.get("1.1 (1.1)")], [1, 1])
+        self.assertEqual([versions.get("1.0 (99)"), versions.get("1.1 (99)")], [1, 1])
 
     def test_moves_copies_to_the_trash_and_back(self):
         copy = self.copy_at(FIRST, "ä b")
@@ -144,6 +147,36 @@ class Collection(unittest.TestCase):
         uri = self.facts(FIRST)["copies"][0]["uri"]
         self.assertIs(self.result_of("trash", FIRST, {"paths": [uri]}).get("changed"), False)
         self.assertIn("lies in the trash", self.result_of("restore", FIRST, {"paths": [uri]}).get("msg", ""))
+
+    def test_leaves_copies_in_trashed_folders_where_they_are(self):
+        trash = self.homes[FIRST] / ".local/share/Trash"
+        copy = trash / "files/ä/b/Mirror Frame.app"
+        three_hosts.make_copy(copy, "1")
+        (trash / "info").mkdir()
+        (trash / "info/ä.trashinfo").write_text("[Trash Info]\nPath=/nowhere/%C3%A4\nDeletionDate=2026-01-02T03:04:05\n")
+        trashed = self.result_of("trash", FIRST, {"paths": [str(copy)]})
+        self.assertEqual([trashed.get("changed"), trashed.get("failed")], [False, False], trashed)
+        self.assertTrue(copy.exists())
+        self.assertIn("lies in the trash", self.result_of("restore", FIRST, {"paths": [str(copy)]}).get("msg", ""))
+
+    def test_is_content_when_the_wanted_state_came_by_itself(self):
+        copy = self.copy_at(FIRST)
+        program = subprocess.Popen([copy / "Contents/Linux/Mirror Frame", "infinity"])
+        self.addCleanup(program.kill)
+        threading.Thread(target=program.wait, daemon=True).start()
+        self.result_of("login", FIRST, {"paths": [str(copy)]})
+        # Somebody else does it right before the module does.
+        command = str(self.stand_in("overtaken", """case "$2 $3" in
+            "quit --" | "trash --" | "login remove") framekeeper-cli "$@" > /dev/null || exit ;;
+            esac
+            exec framekeeper-cli "$@\""""))
+        arguments = {"paths": [str(copy)], "command": command}
+        for result in self.results_of(FIRST, ("quit", arguments, False), ("login", {**arguments, "state": "absent"}, False),
+                                      ("trash", arguments, False)):
+            self.assertEqual([each["status"] for each in result.get("results", [])], ["no-such-copy"], result)
+            self.assertEqual([result.get("changed"), result.get("failed")], [False, False], result)
+        self.assertIsNotNone(program.wait())
+        self.assertFalse(copy.exists())
 
     def test_fails_for_what_is_no_copy_and_what_never_was(self):
         item = self.homes[FIRST] / "Mirror Frame.app"
@@ -183,14 +216,30 @@ class Collection(unittest.TestCase):
         self.assertEqual(rubbish.get("answer"), "rubbish", rubbish)
         self.assertIn("printed no JSON", rubbish["msg"])
 
+    def assert_only_homes_have(self, version):
+        for address, home in self.homes.items():
+            result = self.result_of("facts", address)
+            self.assertEqual(result.get("answer"), "complete", result)
+            foreign = [copy["path"] for copy in result["ansible_facts"]["framekeeper"]["copies"]
+                       if not copy["uri"].startswith(home.as_uri() + "/") and version in (copy["versionString"] or "")]
+            self.assertEqual(foreign, [], "copies that are none of this test's would be cleaned up")
+
     def test_cleans_up_and_a_second_time_changes_nothing(self):
-        old, new = self.copy_at(FIRST, "a", "1.9"), self.copy_at(FIRST, "b", "2.1")
-        words = ("ansible-playbook", "framekeeper.copies.clean_up", "-i", self.hosts.inventory, "-e", "framekeeper_version=1.9")
+        old, new = self.copy_at(FIRST, "a", OLD_VERSION), self.copy_at(FIRST, "b", "2.1")
+        # Another version that begins alike, and a copy that tells none.
+        longer, without = self.copy_at(FIRST, "c", f"{OLD_VERSION}.1"), self.copy_at(FIRST, "d")
+        (without / "Contents/Info.plist").write_bytes(plistlib.dumps(
+            {"CFBundleIdentifier": "com.tidelark.mirrorframe", "CFBundleExecutable": "Mirror Frame"}))
+        self.assert_only_homes_have(OLD_VERSION)
+        words = ("ansible-playbook", "framekeeper.copies.clean_up", "-i", self.hosts.inventory, "-e",
+                 f"framekeeper_version={OLD_VERSION}")
+        other_build = (*words[:-1], json.dumps({"framekeeper_version": f"{OLD_VERSION} (98)"}))
+        self.assertRegex(self.command(*other_build), rf"{FIRST} +: ok=4 +changed=0 ")
         self.assertRegex(self.command(*words, "--check"), rf"{FIRST} +: ok=4 +changed=1 ")
         self.assertTrue(old.exists())
         self.assertRegex(self.command(*words), rf"{FIRST} +: ok=4 +changed=1 ")
         self.assertFalse(old.exists())
-        self.assertTrue(new.exists())
+        self.assertTrue(new.exists() and longer.exists() and without.exists())
         self.assertNotRegex(self.command(*words), r"changed=[1-9]")
 
     def stand_in(self, name, text):
@@ -208,9 +257,11 @@ class Collection(unittest.TestCase):
                              .replace(f"{SECOND} ", f"{SECOND} framekeeper_command={rubbish} ")
                              .replace(f"{THIRD} ", f"{THIRD} framekeeper_command={late} framekeeper_timeout=1 ")
                              .replace("[rooms]\n", "[rooms]\n127.0.0.5 ansible_port=1\n"))
+        # One path is told from the folder in which the playbook is called.
         page, rows = self.path / "page.html", self.path / "rows.csv"
         said = self.command("ansible-playbook", "framekeeper.copies.report", "-i", inventory, "-e",
-                            f"framekeeper_page={page} framekeeper_rows={rows} framekeeper_facts={self.path / 'facts'}")
+                            f"framekeeper_page={page} framekeeper_rows=rows.csv")
+        self.assertTrue((self.path / "framekeeper-facts" / f"{FIRST}.json").is_file(), said)
         with rows.open(newline="", encoding="utf-8") as file:
             answers = {row["host"]: row for row in csv.DictReader(file) if row["host"] != FIRST or row["path"] == str(copy)}
         self.assertEqual({host: row["answer"] for host, row in answers.items()},

@@ -8,6 +8,10 @@ import socket
 import subprocess
 from pathlib import Path
 
+# The build of every copy, which differs from its version.
+BUILD = "99"
+# How often a host looks for a port when others take those that were free.
+MOST_PORTS = 5
 ADDRESSES = ("127.0.0.2", "127.0.0.3", "127.0.0.4")
 SSHD = shutil.which("sshd", path=os.environ.get("PATH", "") + ":/usr/sbin:/usr/local/sbin")
 # As root sshd wants a folder of the system's, which a host without the service lacks: it gets one that it alone sees.
@@ -22,7 +26,7 @@ def make_copy(path, version):
     """A copy of Mirror Frame whose program waits until it is ended, when called with "infinity"."""
     (path / "Contents/Linux").mkdir(parents=True)
     information = {"CFBundleIdentifier": "com.tidelark.mirrorframe", "CFBundleExecutable": "Mirror Frame",
-                   "CFBundleVersion": version, "CFBundleShortVersionString": version}
+                   "CFBundleVersion": BUILD, "CFBundleShortVersionString": version}
     (path / "Contents/Info.plist").write_bytes(plistlib.dumps(information))
     shutil.copy("/bin/sleep", path / "Contents/Linux/Mirror Frame")
 
@@ -42,29 +46,31 @@ class Host:
         self.home = self.folder / "home"
         (self.folder / "runtime").mkdir(parents=True, mode=0o700)
         self.home.mkdir()
-        self.port = free_port(address)
         self.key = self.folder / "host_key"
         make_key(self.key)
         self.log = self.folder / "log"
-        self._write_configuration(Path(folder) / "key.pub", command)
-        self._start()
+        self.authorized, self.command = Path(folder) / "key.pub", command
+        self.start()
 
-    def _write_configuration(self, authorized, command):
+    def _write_configuration(self):
         environment = {
             "HOME": self.home, "FRAMEKEEPER_LOCAL_COMPUTER": self.home, "XDG_RUNTIME_DIR": self.folder / "runtime",
-            "PATH": f"{command.parent}:/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen",
+            "PATH": f"{self.command.parent}:/usr/local/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen",
         }
         (self.folder / "sshd_config").write_text("\n".join([
             f"ListenAddress {self.address}", f"Port {self.port}", f"HostKey {self.key}", "PidFile none", "UsePAM no",
             "StrictModes no", "PasswordAuthentication no", "PermitRootLogin prohibit-password", "MaxStartups 50",
-            f"AuthorizedKeysFile {authorized}", "Subsystem sftp internal-sftp", "PrintMotd no", "PrintLastLog no",
+            f"AuthorizedKeysFile {self.authorized}", "Subsystem sftp internal-sftp", "PrintMotd no", "PrintLastLog no",
             "SetEnv " + " ".join(f'"{name}={value}"' for name, value in environment.items()), ""]))
 
-    def _start(self):
+    def start(self):
+        """Starts sshd at a port that is free now."""
+        self.port = free_port(self.address)
+        self._write_configuration()
         server = [SSHD, "-D", "-f", str(self.folder / "sshd_config"), "-E", str(self.log)]
         if os.geteuid() == 0:
             server = ["unshare", "--mount", "sh", "-ec", PRIVATE_RUN, "sh", *server]
-        with self.log.open("ab") as log:
+        with self.log.open("wb") as log:
             self.server = subprocess.Popen(server, stdin=subprocess.DEVNULL, stderr=log)
 
     def stop(self):
@@ -94,19 +100,22 @@ class Hosts:
         make_key(self.folder / "key")
         self.hosts = []
         try:
-            self.hosts += [Host(folder, address, command) for address in ADDRESSES]
-            self._write_inventory()
+            for address in ADDRESSES:
+                self.hosts.append(Host(folder, address, command))
             for host in self.hosts:
                 self._reach(host)
+            self._write_inventory()
         except BaseException:
             self.stop()
             raise
 
-    def _write_inventory(self):
+    def _write_known_hosts(self):
         known = self.folder / "known_hosts"
         known.write_text("".join(f"[{host.address}]:{host.port} {host.key.with_suffix('.pub').read_text()}" for host in self.hosts))
         self.ssh = ["-i", str(self.folder / "key"), "-o", f"UserKnownHostsFile={known}", "-o", "IdentitiesOnly=yes",
                     "-o", "BatchMode=yes", "-F", "none"]
+
+    def _write_inventory(self):
         self.inventory = self.folder / "inventory"
         self.inventory.write_text("[rooms]\n" + "".join(
             f"{host.address} ansible_port={host.port} ansible_remote_tmp={host.folder}/tmp\n" for host in self.hosts) + f"""
@@ -117,17 +126,26 @@ ansible_python_interpreter=/usr/bin/python3
 """)
 
     def _reach(self, host):
-        """Until sshd listens, or has ended."""
-        said = ""
+        for _ in range(MOST_PORTS):
+            self._write_known_hosts()
+            if self._answers(host):
+                return
+            if "Address already in use" not in host.reason():
+                break
+            host.start()
+        raise Missing(host.reason())
+
+    def _answers(self, host):
+        """Waits until sshd listens; false if it has ended."""
         while not host.reason():
             done = subprocess.run(["ssh", *self.ssh, "-p", str(host.port), host.address, "echo", '"$HOME"'], text=True,
                                   capture_output=True, stdin=subprocess.DEVNULL)
             said = done.stdout.strip() or done.stderr.strip()
             if said == str(host.home):
-                return
-            if "refused" not in said:
+                return True
+            if "refused" not in said and not host.reason():
                 raise Missing(f"no session can be had from sshd here: {said}; {host.log.read_text(errors='replace').strip()}")
-        raise Missing(host.reason())
+        return False
 
     def stop(self):
         for host in self.hosts:

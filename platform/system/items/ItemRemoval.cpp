@@ -126,7 +126,9 @@ public:
         Result<void> const isThere = confirmItemInFolder(m_item.folder, m_item.name, item.value().identity);
         bool const isElsewhere = !isThere.isDone() && (isThere.problem().is(ENOENT) || isThere.problem().is(ESTALE));
         if (!isElsewhere || !confirmItemInFolder(m_item.folder, m_sidecar.name, m_sidecar.file).isDone()) return;
-        static_cast<void>(moveAside(m_item.folder, m_sidecar.name, m_aside));
+        // The sidecar may still have the name aside, too, and renaming one link of a file to another does nothing.
+        Result<std::string> const kept = asideName(MarkOfNoItem);
+        if (kept.hasValue()) static_cast<void>(moveAside(m_item.folder, m_sidecar.name, kept.value()));
     }
 
     // If it cannot be removed, it goes with the leftovers of this process.

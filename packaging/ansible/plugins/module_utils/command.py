@@ -10,12 +10,14 @@ import time
 from urllib.parse import unquote_to_bytes
 
 # What a command may print, in bytes; more is no answer.
-LARGEST_ANSWER = 64 << 20
+LARGEST_ANSWER = 8 << 20
 UNDERSTOOD_FORM = 1
 DONE = 0
 NO_SUCH_COPY = 3
 # How results call a path with which all went well, and one whose change the file browser did not take up.
 WELL = ("done", "not-shown")
+# The status of a path at which nothing is left to do: something else has done it since the module looked.
+SETTLED = "no-such-copy"
 
 COMMAND_OPTION = {"type": "str", "default": "framekeeper-cli"}
 PATHS_OPTION = {"type": "list", "elements": "str", "required": True}
@@ -159,9 +161,14 @@ def known_existing(module, paths):
 
 
 def is_in_trash(path):
-    """Whether a record of the desktop's trash lies beside the folder that holds the item."""
+    """Whether the item, or a folder that holds it at any depth, was put into a trash: the desktop keeps a record beside the
+    folder of what was trashed."""
     files, name = os.path.split(path)
-    return os.path.lexists(os.path.join(os.path.dirname(files), b"info", name + b".trashinfo"))
+    while name:
+        if os.path.lexists(os.path.join(os.path.dirname(files), b"info", name + b".trashinfo")):
+            return True
+        files, name = os.path.split(files)
+    return False
 
 
 def text_of(path):
@@ -176,14 +183,14 @@ def diff_of(what, before, after):
     return {"before_header": what, "after_header": what, "before": lines_of(before), "after": lines_of(after)}
 
 
-def change(module, words, paths, result):
+def change(module, words, paths, result, well_without_change=()):
     """Runs a verb that changes something on these paths and ends the module. The diff is of the plan: what could not be
-    done is told by the results."""
+    done is told by the results. Statuses that are well without a change mean that the wanted state came by itself."""
     answer = run(module, [*words, "--", *paths])
     results = answer.records("results")
     result["results"] = results
     result["changed"] = any(each.get("status") in WELL for each in results)
-    failed = [each for each in results if each.get("status") not in WELL]
+    failed = [each for each in results if each.get("status") not in (*WELL, *well_without_change)]
     if failed or len(results) != len(paths):
         module.fail_json(msg=answer.complaint or f"framekeeper-cli {words[0]} ended with {answer.status}", **result)
     if answer.status != DONE and answer.complaint:

@@ -84,7 +84,8 @@ def work(module):
         module.exit_json(**result)
     if adds:
         cli.change(module, ["login", "add"], paths, result)
-    cli.change(module, ["login", "remove"], [path for path in before if path in paths], result)
+    leaving = [path for path in before if path in paths]
+    cli.change(module, ["login", "remove"], leaving, result, well_without_change=[cli.SETTLED])
 
 
 def main():

@@ -61,7 +61,7 @@ def work(module):
     result = {"changed": bool(running), "diff": cli.diff_of("running copies", running, [])}
     if module.check_mode or not running:
         module.exit_json(**result)
-    cli.change(module, ["quit"], running, result)
+    cli.change(module, ["quit"], running, result, well_without_change=[cli.SETTLED])
 
 
 def main():

@@ -38,9 +38,9 @@ EXAMPLES = r"""
 - name: Ask for the copies
   framekeeper.copies.facts:
 
-- name: Move all copies of version 1 to the trash
+- name: Move all copies of version 1.0 (1) to the trash
   framekeeper.copies.trash:
-    paths: "{{ ansible_facts.framekeeper.copies | selectattr('exists') | selectattr('version', 'equalto', '1')
+    paths: "{{ ansible_facts.framekeeper.copies | selectattr('exists') | selectattr('versionString', 'equalto', '1.0 (1)')
       | map(attribute='uri') | list }}"
 """
 
@@ -69,7 +69,7 @@ def work(module):
     result = {"changed": bool(present), "diff": cli.diff_of("copies at the paths", present, [])}
     if module.check_mode or not present:
         module.exit_json(**result)
-    cli.change(module, ["trash"], present, result)
+    cli.change(module, ["trash"], present, result, well_without_change=[cli.SETTLED])
 
 
 def main():

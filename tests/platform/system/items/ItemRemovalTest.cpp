@@ -201,6 +201,20 @@ TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheName) {
     EXPECT_FALSE(isThere(m_folder.path("._file")));
 }
 
+// The sidecar keeps its name aside there, so that it cannot get that one again.
+TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheNameWhereNoNameCanBeRemoved) {
+    std::string const file = m_folder.makeFile("file", "x");
+    m_folder.makeFile("._file", AppleDouble);
+    RemovalQuestions const questions{.steps = [&](RemovalStep step) {
+        if (step == RemovalStep::AllAside) m_folder.makeFile("file", "another's");
+    }};
+    withRefusedCall(SYS_renameat2, EINVAL, [&] {
+        withRefusedCall(SYS_unlinkat, EACCES, [&] { EXPECT_EQ(errorOfRemoval(file, questions), EACCES); });
+    });
+    EXPECT_EQ(textOf(file), "another's");
+    EXPECT_FALSE(isThere(m_folder.path("._file")));
+}
+
 // A process that is killed in between must not leave the file without its sidecar.
 TEST_F(ItemRemoval, PutsTheSidecarBackBeforeItsFile) {
     std::string const file = m_folder.makeFile("box/file", "x");
