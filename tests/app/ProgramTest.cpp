@@ -75,6 +75,13 @@ TEST(Program, AnswersHelpAndVersionWithoutADisplay) {
     EXPECT_EQ(statusOf("exec \"$0\" --version >/dev/null"), 0);
 }
 
+TEST(Program, AnswersHelpInTheUsersLanguage) {
+    mac::test::EnvironmentVariable const locale("LC_ALL", "de_DE.UTF-8");
+    mac::test::EnvironmentVariable const language("LANGUAGE", "de");
+    EXPECT_EQ(statusOf("\"$0\" --help | grep -q '^Aufruf: '"), 0);
+    EXPECT_EQ(statusOf("\"$0\" --colour 2>&1 | grep -q '^Aufruf: '"), 0);
+}
+
 TEST(Program, FailsIfItsAnswerCannotBeWritten) {
     for (std::string const option : {"--help", "--version"}) {
         EXPECT_EQ(statusOf("exec \"$0\" " + option + " >/dev/full 2>/dev/null"), 1) << "a full disk";

@@ -4,6 +4,7 @@
 #include "platform/foundation/objects/Boundary.h"
 #include <QApplication>
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QWidget>
@@ -15,6 +16,7 @@ namespace {
 
 constexpr char ApplicationInterface[] = "org.freedesktop.Application";
 constexpr char ActivationTokenKey[] = "activation-token";
+constexpr char ActivationVariable[] = "XDG_ACTIVATION_TOKEN";
 constexpr char StartupKey[] = "desktop-startup-id";
 
 // "/example/company/Program"
@@ -49,6 +51,19 @@ void askX11ForFront(QWidget const& window, QString const& startup) {
                                    {fromApplication, time, 0});
 }
 
+// The visible ones, without menus and tool tips; the one that keeps the others from the keyboard last.
+QWidgetList windowsToRaise() {
+    QWidgetList windows;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        bool const isWindow = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+        if (isWindow && window->isVisible()) windows.push_back(window);
+    }
+    if (windows.isEmpty()) return windows;
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (modal && windows.removeOne(modal)) windows.push_back(modal);
+    return windows;
+}
+
 char const* introspection() {
     return R"(<interface name="org.freedesktop.Application">
   <method name="Activate"><arg type="a{sv}" name="platform_data" direction="in"/></method>
@@ -66,20 +81,25 @@ char const* introspection() {
 } // namespace
 
 LaunchTokens LaunchTokens::fromEnvironment() {
-    return {.activation = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"),
+    return {.activation = qEnvironmentVariable(ActivationVariable),
             .startup = qEnvironmentVariable("DESKTOP_STARTUP_ID")};
 }
 
-void raiseWindows(LaunchTokens const& tokens) {
-    // Where the toolkit looks for it when a window asks for the keyboard.
-    if (!tokens.activation.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", tokens.activation.toUtf8());
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (!window->isVisible()) continue;
+bool raiseWindows(LaunchTokens const& tokens) {
+    QWidgetList const windows = windowsToRaise();
+    if (windows.isEmpty()) return false;
+    // Where the toolkit looks for it when a window asks for the keyboard. Left there, programs that are started later
+    // would take it for theirs.
+    bool const usesToken = !tokens.activation.isEmpty() && QGuiApplication::platformName().startsWith("wayland");
+    if (usesToken) qputenv(ActivationVariable, tokens.activation.toUtf8());
+    for (QWidget* const window : windows) {
         window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
         window->raise();
         window->activateWindow();
         askX11ForFront(*window, tokens.startup);
     }
+    if (usesToken) qunsetenv(ActivationVariable);
+    return true;
 }
 
 class ApplicationInstance::Service : public QDBusVirtualObject {
@@ -91,32 +111,37 @@ public:
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         QString const interface = message.interface();
         if (!interface.isEmpty() && interface != ApplicationInterface) return false;
-        bool isKnown = true;
-        guarded([&] { isKnown = handle(message); });
-        // Told once the windows are in front: whoever asked may end then.
-        if (isKnown && message.isReplyRequired()) connection.send(message.createReply());
-        return isKnown;
+        Answer answer = Answer::HasNoWindow;
+        guarded([&] { answer = handle(message); });
+        if (answer == Answer::IsUnknown) return false;
+        if (!message.isReplyRequired()) return true;
+        // Told once the windows are in front: whoever asked may end then, or else opens a window of its own.
+        connection.send(
+            answer == Answer::IsDone
+                ? message.createReply()
+                : message.createErrorReply(QDBusError::Failed, "There is no window to bring to the front."));
+        return true;
     }
 
     Performing m_perform;
 
 private:
-    bool handle(QDBusMessage const& message) {
+    enum class Answer { IsUnknown, IsDone, HasNoWindow };
+
+    static Answer raise(QVariant const& platformData) {
+        return raiseWindows(tokensIn(platformData)) ? Answer::IsDone : Answer::HasNoWindow;
+    }
+
+    Answer handle(QDBusMessage const& message) {
         QVariantList const arguments = message.arguments();
         QString const method = message.member();
-        if (method == "Activate" && message.signature() == "a{sv}") {
-            raiseWindows(tokensIn(arguments[0]));
-            return true;
-        }
+        if (method == "Activate" && message.signature() == "a{sv}") return raise(arguments[0]);
         // There are no documents to open.
-        if (method == "Open" && message.signature() == "asa{sv}") {
-            raiseWindows(tokensIn(arguments[1]));
-            return true;
-        }
-        if (method != "ActivateAction" || message.signature() != "sava{sv}") return false;
+        if (method == "Open" && message.signature() == "asa{sv}") return raise(arguments[1]);
+        if (method != "ActivateAction" || message.signature() != "sava{sv}") return Answer::IsUnknown;
         raiseWindows(tokensIn(arguments[2]));
         if (m_perform) m_perform(arguments[0].toString());
-        return true;
+        return Answer::IsDone;
     }
 };
 

@@ -23,8 +23,9 @@ struct LaunchTokens {
 };
 
 // Brings the visible windows to the front, minimized ones too. With tokens a window manager that keeps the keyboard
-// where it is lets them have it. Main thread.
-void raiseWindows(LaunchTokens const& tokens = {});
+// where it is lets them have it; a window that keeps the others from the keyboard comes last. False if there is none.
+// Main thread.
+bool raiseWindows(LaunchTokens const& tokens = {});
 
 // The one instance of the program in a session: the owner of a well-known name on the session's bus, which offers the
 // interface org.freedesktop.Application at the path that belongs to the name. Main thread.

@@ -61,6 +61,8 @@ int runInterface(NSString const& path, ApplicationInstance& instance) {
 }
 
 int runMain(int& argc, char** argv) {
+    // For the answers to options, which need no display.
+    loadLocalization();
     std::vector<std::string> const words(argv, argv + argc);
     ProgramNames const names{.command = bytesOfText(bundleText("CFBundleExecutable")),
                              .version = bytesOfText(bundleText("CFBundleShortVersionString"))};
@@ -70,6 +72,7 @@ int runMain(int& argc, char** argv) {
     if (!connection) return 1;
     ApplicationInstance instance;
     if (beginInstance(instance, tokens) == ApplicationInstance::Standing::OtherWasRaised) return 0;
+    // Once more, since an application takes the texts of the toolkit, too.
     loadLocalization();
     NSBundle const bundle = NSBundle::mainBundle();
     NSString const name = bundleText("NSMainNibFile");
