@@ -26,7 +26,7 @@ public:
 
     void follow();
     void tell();
-    // Of the selected copy, which is on the disk. What is shown stays until then.
+    // Reads what the disk tells of the selected copy; until that has come, what is shown stays.
     void readDisk();
     void readAnew();
     void compare();

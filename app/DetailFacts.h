@@ -43,10 +43,10 @@ struct Comparison {
     enum class Stage { NotAsked, UnderWay, Stopped, Done };
 
     Stage stage{Stage::NotAsked};
-    // Of the other copies.
+    // How many of the other copies were compared, and how many there are.
     NSUInteger compared{0};
     NSUInteger others{0};
-    // Of the compared ones.
+    // How many of those that were compared could not be read; the paths of those that are equal.
     NSUInteger unreadable{0};
     std::vector<NSString> equal{};
 };

@@ -8,7 +8,7 @@ namespace mac {
 
 // The program as it is named to people.
 struct ProgramNames {
-    // Of its file: "framekeeper".
+    // The name of its file: "framekeeper".
     std::string command{};
     // "0.1.0"
     std::string version{};

@@ -161,7 +161,7 @@ void TableColumnWidths::fitPath(int row, int section) {
     QString const path = m_model.index(row, section).data().toString();
     QString const differing = differingPart(path, m_model.commonPath(section));
     bool const fitsSurely = differing.size() * m_view->fontMetrics().maxWidth() < m_widestPath;
-    // Of a path that stands alone nothing tells it from others.
+    // A single path differs from no other, and needs no width.
     if (fitsSurely || differing == path) return;
     m_widestPath = std::max(m_widestPath, widthForText(differing) + widthOfIcon(section));
 }

@@ -55,7 +55,7 @@ std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
     return BytePath(bundlePath).joined(kPlaces[place]);
 }
 
-// Nothing if there is no file at the place.
+// The file at that place of the bundle; nullopt if there is none.
 std::optional<FileState> fileAtPlace(std::string_view bundlePath, std::size_t place) {
     Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, place));
     if (status.hasValue()) return FileState{.place = place, .status = status.value()};
@@ -172,7 +172,7 @@ struct KnownFile {
     FileState state{};
     // False while the file may change again without a new time of change, and for an error that may pass.
     bool isSettled{false};
-    // Nothing if the values are too large.
+    // The values that records are made of; nullopt if they are too large to be kept.
     std::optional<BundleSummary> summary{};
 
     bool isCurrent(FileState const& now) const { return isSettled && state == now; }

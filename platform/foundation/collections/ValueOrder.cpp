@@ -343,7 +343,7 @@ private:
     std::size_t m_stop{0};
     std::size_t m_left{0};
     std::size_t m_right{0};
-    // Nothing of the second part belongs before the end of the first.
+    // The second part follows the first as it stands.
     bool m_isInOrder{false};
 };
 

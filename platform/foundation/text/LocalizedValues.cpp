@@ -8,7 +8,7 @@ namespace mac {
 
 NSString localizedDate(NSDate const& date) {
     if (date == nil) return nil;
-    // Of any year that a file can have.
+    // Beyond any year that a file can have, and within what a date of the toolkit can hold.
     constexpr double most = 1e15;
     double const milliseconds = std::clamp(date.timeIntervalSince1970() * 1000, -most, most);
     QDateTime const time = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));

@@ -66,7 +66,7 @@ struct VolumeWalkProgress {
 // that comes to its end is remembered after it has said finished.
 class VolumeWalker {
 public:
-    // Of what `progress` tells, and of what `unreadable` does.
+    // How many folders that could not be read `progress` names, and how many `unreadable` lists.
     static constexpr std::size_t maximumUnreadableKept = 16;
     static constexpr std::size_t maximumUnreadableListed = 1000;
 

@@ -64,7 +64,7 @@ public:
     void revealAction_(id const& sender) const;
     void undoAction_(id const& sender) const;
 
-    // Nothing is shown beside the table.
+    // The pane beside the table is never shown.
     id pane() const { return nil; }
     NSString notice() const;
     bool noticeOffersUndo() const;
