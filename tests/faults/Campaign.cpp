@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <iostream>
+#include <linux/magic.h>
 #include <new>
 #include <sched.h>
 #include <stdexcept>
@@ -16,6 +17,7 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -315,6 +317,11 @@ void Campaign::writeAgain(Operation const& operation, FaultPoint const& point, s
         report(operation, point, call, finding);
 }
 
+bool Campaign::isOnFUSE() const {
+    struct statfs status {};
+    return ::statfs(m_fixture.path("").c_str(), &status) == 0 && status.f_type == FUSE_SUPER_MAGIC;
+}
+
 std::string Campaign::callAt(FaultPoint const& point) const {
     bool const isKnown = point.at < std::min<std::uint32_t>(m_shared->record.count, CallRecord::Most);
     return isKnown ? m_shared->record.names[point.at] : "no call";
@@ -330,7 +337,8 @@ void Campaign::report(Operation const& operation, FaultPoint const& point, std::
         ++known->points;
         return;
     }
-    m_breaks.push_back({.operation = operation.name, .point = point, .call = call, .finding = finding});
+    m_breaks.push_back(
+        {.operation = operation.name, .point = point, .call = call, .finding = finding, .isOnFUSE = isOnFUSE()});
 }
 
 } // namespace mac::faults

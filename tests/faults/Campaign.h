@@ -30,6 +30,7 @@ struct Break {
     // The name of the call.
     std::string call{};
     Finding finding{};
+    bool isOnFUSE{false};
     // So many points broke the same promise at the same call in the same way.
     std::uint64_t points{1};
 
@@ -106,6 +107,7 @@ private:
     void prepare(Operation const& operation);
     Ending runApart(std::function<bool()> const& action, Plan const& plan);
     bool isEnough(Operation const& operation) const;
+    bool isOnFUSE() const;
     void setExchange(FaultPoint const& point);
     Trial tryOut(Operation const& operation, FaultPoint const& point);
 

@@ -5,32 +5,37 @@ namespace mac::faults {
 
 std::vector<KnownBreak> const& knownBreaks() {
     constexpr std::string_view unrecognised =
-        "on FUSE a sidecar that this program has just written does not look as it was left, so that it is not put back "
-        "when what follows fails: the new value is there although failure was said";
+        "on FUSE the sidecar is not put back when what follows its writing fails: the new value is there although "
+        "failure "
+        "was said; perhaps a sidecar that was just written does not look as it was left";
     static std::vector<KnownBreak> const rows{
         {.operations = {"set a large attribute"},
          .promise = Promise::AnswerIsTrue,
          .action = Action::Fail,
          .calls = {"removexattr"},
          .volume = std::nullopt,
+         .isOnFUSE = true,
          .reason = unrecognised},
         {.operations = {"add a large attribute to the sidecar"},
          .promise = Promise::AnswerIsTrue,
          .action = Action::Fail,
          .calls = {"fsync"},
          .volume = std::nullopt,
+         .isOnFUSE = true,
          .reason = unrecognised},
         {.operations = {"add a large attribute to the sidecar"},
          .promise = Promise::ItemIsWhole,
          .action = Action::Fail,
          .calls = {"fsync"},
          .volume = std::nullopt,
+         .isOnFUSE = true,
          .reason = unrecognised},
         {.operations = {"path: copy a file into a folder and replace"},
          .promise = Promise::NoLeftovers,
          .action = Action::Fail,
          .calls = {"openat", "unlinkat"},
          .volume = std::nullopt,
+         .isOnFUSE = true,
          .reason =
              "on FUSE, once a call goes on failing, a temporary name stays that the next writing does not remove; "
              "not explained yet"},
@@ -51,7 +56,7 @@ KnownBreak const* rowOf(Break const& found) {
             known.operations, [&](std::string_view part) { return found.operation.find(part) != std::string::npos; });
         return isOperation && known.promise == found.finding.promise && known.action == found.point.action &&
                std::ranges::find(known.calls, found.call) != known.calls.end() &&
-               (!known.volume || known.volume == found.point.volume);
+               (!known.volume || known.volume == found.point.volume) && (!known.isOnFUSE || found.isOnFUSE);
     });
     return row == knownBreaks().end() ? nullptr : &*row;
 }

@@ -19,6 +19,8 @@ struct KnownBreak {
     std::vector<std::string_view> calls;
     // Where it is broken: everywhere if nullopt.
     std::optional<Volume> volume;
+    // Broken on FUSE alone; on another file system the same break is a new one.
+    bool isOnFUSE;
     std::string_view reason;
 };
 
