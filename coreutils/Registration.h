@@ -2,10 +2,10 @@
 
 namespace mac {
 
-// Add this room's operations to the framework's classes, so that they can be sent by selector. A second call changes
+// Adds this room's operations to the framework's classes, so that they can be sent by selector. A second call changes
 // nothing. Called before main, see platform/foundation/Registration.h.
 void registerCoreUtils();
-// Those of DisclaimerAndViews.h, which need windows.
+// Adds the operations of DisclaimerAndViews.h, which need windows.
 void registerDisclaimerAndViews();
 
 } // namespace mac
