@@ -21,7 +21,7 @@
 namespace mac::test {
 namespace {
 
-// Nothing that a reference to an item could be.
+// A reference that refers to no item.
 FSRef filledReference() {
     FSRef reference{};
     reference.hidden.fill(0xA5);
@@ -142,7 +142,7 @@ TEST_F(FinderMetadata, TheKindOfVolumeDecides) {
                               nullptr),
               noErr);
     EXPECT_EQ(identifier, information.filesystemID);
-    // Where the tests run it is one of Linux's own.
+    // The volume of the tests has one of Linux's own file systems.
     EXPECT_EQ(identifier, 0xFFFE);
     EXPECT_TRUE(KRPathSupportsCustomIcons(at("folder")));
     EXPECT_FALSE(KRPathHasInexactTime(at("folder")));
@@ -197,7 +197,7 @@ TEST_F(FinderMetadata, FlagsAreReadFromTheStoredInformation) {
 TEST_F(FinderMetadata, FlagsAreSetWhereTheMaskSaysSo) {
     setFlags("folder/file", 0x0500);
     EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0x8000, 0x8000));
-    // The alias bit is set, others stay, and nothing lies on the desk.
+    // The alias bit is set, the other bits are kept, and the bit of items on the desk is clear.
     EXPECT_EQ(flagsOf("folder/file"), 0x8400);
     EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0xFFFF, 0x0102));
     EXPECT_EQ(flagsOf("folder/file"), 0x8402);

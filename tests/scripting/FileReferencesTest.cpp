@@ -18,7 +18,7 @@ namespace {
 
 bool isZero(FSRef const& reference) { return reference == FSRef{}; }
 
-// Nothing that a reference to an item could be.
+// A reference that refers to no item.
 FSRef filledReference() {
     FSRef reference{};
     reference.hidden.fill(0xA5);
