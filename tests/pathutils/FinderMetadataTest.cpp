@@ -7,12 +7,12 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/FileReferences.h"
+#include "tests/platform/files/references/References.h"
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"
+#include "tests/support/FolderWithLinks.h"
 #include "tests/support/ObjectTexts.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/support/Texts.h"
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
@@ -21,25 +21,8 @@
 namespace mac::test {
 namespace {
 
-// A reference that refers to no item.
-FSRef filledReference() {
-    FSRef reference{};
-    reference.hidden.fill(0xA5);
-    return reference;
-}
-
-class FinderMetadata : public testing::Test {
+class FinderMetadata : public FolderWithLinks {
 protected:
-    FinderMetadata() {
-        m_folder.makeFile("folder/file", "contents");
-        link("folder/file", "link");
-        link("folder", "folderLink");
-        link("nowhere", "lost");
-    }
-    void link(char const* target, char const* name) const {
-        if (::symlink(target, m_folder.path(name).c_str()) != 0) throw std::runtime_error("no link");
-    }
-    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
     std::uint16_t flagsOf(std::string_view name) const {
         std::uint16_t flags = 0xDEAD;
         EXPECT_TRUE(pxFinderFlagsOfPath_(at(name), &flags));
@@ -54,8 +37,6 @@ protected:
         std::string const fork = resourceFork("icns", -16455, iconFamily(iconPiece("is32", "abc")));
         ASSERT_EQ(setxattr(m_folder.path(name).c_str(), XATTR_RESOURCEFORK_NAME, fork.data(), fork.size(), 0, 0), 0);
     }
-
-    TemporaryFolder const m_folder{};
 };
 
 TEST_F(FinderMetadata, AReferenceFollowsALinkOrMeansItItself) {
