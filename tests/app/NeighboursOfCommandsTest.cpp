@@ -70,7 +70,7 @@ private:
     EnvironmentVariable const m_platform{"QT_QPA_PLATFORM", std::nullopt};
 };
 
-TEST_F(NeighboursOfCommands, AScriptGoesOnWithoutAStoppedDisplay) {
+TEST_F(NeighboursOfCommands, DoNotHoldAScriptWhenTheDisplayIsStopped) {
     m_session->sendSignalToDisplay(SIGSTOP);
     EXPECT_EQ(answerTo("try\ndisplay dialog \"late\"\non error number n\nn\nend try"), "-1713");
     EXPECT_EQ(answerTo("set the clipboard to \"late\""), NoInteraction);
@@ -81,7 +81,7 @@ TEST_F(NeighboursOfCommands, AScriptGoesOnWithoutAStoppedDisplay) {
     EXPECT_EQ(answerTo("the clipboard"), "") << "nothing was put there later";
 }
 
-TEST_F(NeighboursOfCommands, ABrowserIsActivatedLaterByNobody) {
+TEST_F(NeighboursOfCommands, DoNotActivateTheBrowserLater) {
     m_session->sendSignalToDisplay(SIGSTOP);
     EXPECT_EQ(answerTo(tellFinder("activate")), TimedOut);
     m_session->sendSignalToDisplay(SIGCONT);

@@ -131,7 +131,7 @@ TEST_F(FinderMetadata, TheKindOfVolumeDecides) {
     EXPECT_FALSE(pxPathIsOnIDisk(at("folder")));
 }
 
-TEST_F(FinderMetadata, OnAnUnknownVolumeTimesAreInexactAndIconsAreNone) {
+TEST_F(FinderMetadata, OnAnUnknownVolumeTimesAreInexactAndIconsUnsupported) {
     EXPECT_EQ(pxFilesystemIDForPath(at("none")), 0xFFFF);
     EXPECT_FALSE(KRPathSupportsCustomIcons(at("none")));
     EXPECT_TRUE(KRPathHasInexactTime(at("none")));
@@ -203,7 +203,7 @@ TEST_F(FinderMetadata, SettingFlagsKeepsTheRestOfTheInformation) {
     EXPECT_EQ(readFinderInformation(m_folder.path("folder/file")), information);
 }
 
-TEST_F(FinderMetadata, FlagsOfNothingCannotBeSet) {
+TEST_F(FinderMetadata, FlagsOfAMissingItemCannotBeSet) {
     EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(at("none"), 0, 0));
     EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(nil, 0x8000, 0x8000));
     // A link carries no attributes.
@@ -348,7 +348,7 @@ TEST_F(FinderMetadata, TheFinderIsToldWhichItemToShowAnew) {
     }
 }
 
-TEST_F(FinderMetadata, NobodyIsToldWhereNoFinderRuns) {
+TEST_F(FinderMetadata, SendsNoEventIfNoFinderRuns) {
     EnvironmentVariable const data("XDG_DATA_HOME", m_folder.path("none"));
     EnvironmentVariable const dirs("XDG_DATA_DIRS", m_folder.path("none"));
     EnvironmentVariable const config("XDG_CONFIG_HOME", m_folder.path("none"));

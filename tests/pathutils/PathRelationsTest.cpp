@@ -138,7 +138,7 @@ TEST_F(PathRelations, PartOfAPackageIsWhatLiesInIt) {
     EXPECT_FALSE(pxIsPathPartOfPackageCheckingMaxLevels_(nil, 9));
 }
 
-TEST_F(PathRelations, ALinkToAPackageIsNone) {
+TEST_F(PathRelations, ALinkToAPackageIsNoPackage) {
     m_folder.makeFolder("Foo.app/Contents");
     link("Foo.app", "link");
     EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("link"), 1));

@@ -281,7 +281,7 @@ TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {
     EXPECT_EQ(replied(), "x!");
 }
 
-TEST_F(EventTransport, RefusesWhatIsNoEvent) {
+TEST_F(EventTransport, RefusesDescriptorsThatAreNoEvents) {
     auto const peer = startPeer();
     QDBusConnection const connection =
         QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "raw");

@@ -69,7 +69,7 @@ TEST_F(WindowMemory, LeavesRoomForATitleBarOnTheScreen) {
     EXPECT_EQ(sizeWithin({700, 500}, {}, 20), QSize(700, 500)) << "without a screen";
 }
 
-TEST_F(WindowMemory, LeavesOutASizeThatIsNone) {
+TEST_F(WindowMemory, LeavesOutAnInvalidSize) {
     QSize const usual = open()->widget()->size();
     for (char const* const damaged :
          {"", "nonsense", "1 2", "0 0 -5 300", "0 0 0 0", "0 0 1e9 300", "0 0 99999999999 300", "0 0 500 999999"}) {
@@ -96,7 +96,7 @@ TEST_F(WindowMemory, GivesTheNextWindowTheWidthsThatTheUserChose) {
     EXPECT_TRUE(defaults().objectForKey_(ColumnsKey) == nil);
 }
 
-TEST_F(WindowMemory, LeavesOutWidthsThatAreNone) {
+TEST_F(WindowMemory, LeavesOutInvalidWidths) {
     int const usual = width(*open(), VersionColumn);
     auto const expectUsual = [&](id const& damaged) {
         defaults().setObject_forKey_(damaged, ColumnsKey);

@@ -78,7 +78,7 @@ TEST(NSImage, IsWrittenAsPNGAndComesBack) {
     EXPECT_TRUE(NSBitmapImageRep::imageRepWithData_(png).isKindOfClass_(classOf<NSImageRep>()));
 }
 
-TEST(NSImage, IsNoneOfWhatIsNoImage) {
+TEST(NSImage, IsNilForOtherFilesThanImages) {
     TemporaryFolder const folder;
     for (NSData const& data : {NSData(), NSData::data(), bytes("text"), bytes(iconFamily(""))}) {
         EXPECT_TRUE(NSImage::alloc().initWithData_(data) == nil);

@@ -77,7 +77,7 @@ TEST(ShellScript, TellsThatNothingAsksForPrivileges) {
               "A privilege violation occurred. (-10004)");
 }
 
-TEST(ShellScript, AsksNobodyAsRoot) {
+TEST(ShellScript, AsksForNoRightsAsRoot) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root needs nobody's permission";
     TemporaryFolder const folder;
     EnvironmentVariable const path("PATH", folder.path());

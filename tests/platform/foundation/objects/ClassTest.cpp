@@ -104,7 +104,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
     }
 }
 
-TEST(Class, IsNilForANameThatNobodyHas) {
+TEST(Class, IsNilForAnUnknownName) {
     EXPECT_TRUE(NSClassFromString("NSNoSuchThing") == nil);
     EXPECT_TRUE(NSClassFromString("nsarray") == nil);
     EXPECT_TRUE(NSClassFromString("") == nil);
