@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/applescript/runtime/ISODate.h"
+#include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/foundation/text/Encodings.h"
 

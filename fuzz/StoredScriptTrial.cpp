@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/applescript/additions/StoredScript.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/runtime/ScriptError.h"
 
 namespace mac::fuzz {

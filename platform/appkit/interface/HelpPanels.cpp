@@ -1,5 +1,5 @@
 #include "platform/appkit/interface/HelpPanels.h"
-#include "platform/appkit/interface/FormReader.h"
+#include "platform/appkit/interface/Forms.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include <QAction>

@@ -1,14 +1,12 @@
 #include "platform/appkit/interface/InterfaceFile.h"
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
-#include "platform/appkit/interface/BoundIcon.h"
-#include "platform/appkit/interface/BoundText.h"
-#include "platform/appkit/interface/FilterPredicate.h"
-#include "platform/appkit/interface/FormReader.h"
+#include "platform/appkit/interface/BoundLabels.h"
+#include "platform/appkit/interface/FilterField.h"
+#include "platform/appkit/interface/Forms.h"
 #include "platform/appkit/interface/StatusLine.h"
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/appkit/interface/WindowBody.h"
-#include "platform/appkit/interface/WindowStyle.h"
 #include "platform/appkit/views/NSApplication.h"
 #include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/Exceptions.h"
@@ -44,13 +42,13 @@
 //                                      the toolkit takes a folder for the icon's file, and reads the types of files
 //                 glyph                outline of the icon; for all actions if the theme lacks the icon of one
 //                 focuses, clears      name of the field that gets the keyboard, or is emptied; clearingKey: see
-//                                      FieldClearing.h
+//                                      FilterField.h
 // action          command              "RECEIVER SELECTOR": sent to "application", "window" or the table of that name
 //                 shows                "about" or "shortcuts": see HelpPanels.h
 // menu            sorts                name of the table whose columns it offers to sort by
 // field           filters              name of the array controller, and filterKeyPaths
-// label, button   displayPattern       see BoundText.h
-// label           iconKeyPath          see BoundIcon.h
+// label, button   displayPattern       see BoundLabels.h
+// label           iconKeyPath          see BoundLabels.h
 //                 showsLog             see StatusLine.h
 
 namespace mac {

@@ -1,11 +1,10 @@
-#include "platform/appkit/interface/FieldClearing.h"
-#include "platform/appkit/interface/FormReader.h"
+#include "platform/appkit/interface/FilterField.h"
+#include "platform/appkit/interface/Forms.h"
 #include "platform/appkit/interface/HelpPanels.h"
 #include "platform/appkit/interface/InterfaceFile.h"
 #include "platform/appkit/interface/Requirements.h"
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/appkit/interface/VisibleText.h"
-#include "platform/appkit/interface/WindowStyle.h"
 #include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/running/Log.h"
 #include <QMenu>

@@ -1,6 +1,6 @@
 #include "platform/appkit/interface/TableModel.h"
 #include "platform/appkit/arrangement/KeptOrder.h"
-#include "platform/appkit/interface/FileMimeData.h"
+#include "platform/appkit/interface/TableFiles.h"
 #include "platform/appkit/interface/ThemeColors.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/objects/Boundary.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/appkit/arrangement/NSArrayController.h"
-#include "platform/appkit/interface/BundleIcons.h"
+#include "platform/appkit/interface/InterfaceIcons.h"
 #include "platform/appkit/interface/PathElision.h"
 #include "platform/appkit/interface/TableColumn.h"
 #include <QAbstractTableModel>

@@ -1,5 +1,5 @@
 #include "platform/appkit/views/NSApplication.h"
-#include "platform/appkit/Registration.h"
+#include "platform/Registration.h"
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSAlert.h"
 #include "platform/appkit/views/NSBox.h"

@@ -1,6 +1,6 @@
 #include "platform/appkit/workspace/NSWorkspace.h"
-#include "platform/appkit/Registration.h"
-#include "platform/appkit/workspace/ColorArchive.h"
+#include "platform/Registration.h"
+#include "platform/appkit/workspace/ColorModels.h"
 #include "platform/appkit/workspace/NSColor.h"
 #include "platform/appkit/workspace/NSGraphicsContext.h"
 #include "platform/desktop/browser/FileBrowserSession.h"

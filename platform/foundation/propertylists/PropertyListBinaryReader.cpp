@@ -1,4 +1,4 @@
-#include "platform/foundation/propertylists/PropertyListBinary.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListBinaryFile.h"
 #include "platform/foundation/propertylists/PropertyListBuilder.h"
 #include <algorithm>

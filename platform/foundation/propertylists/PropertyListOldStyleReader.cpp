@@ -1,5 +1,5 @@
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListBuilder.h"
-#include "platform/foundation/propertylists/PropertyListOldStyle.h"
 #include "platform/foundation/propertylists/PropertyListOldStyleScanner.h"
 
 namespace mac {

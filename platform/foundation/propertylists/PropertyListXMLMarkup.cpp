@@ -1,5 +1,5 @@
-#include "platform/foundation/propertylists/PropertyListXMLMarkup.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
 #include <algorithm>
 
 namespace mac {

@@ -3,9 +3,7 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/EventLoop.h"
-#include "platform/foundation/running/IdleRunLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/foundation/running/RunLoopMode.h"
 #include <algorithm>
 #include <list>
 #include <memory>

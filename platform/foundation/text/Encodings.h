@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/foundation/objects/Types.h"
 #include "platform/foundation/text/NSString.h"
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,5 +41,10 @@ constexpr std::size_t unitCount(char32_t codePoint) { return codePoint < 0x10000
 
 inline bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 inline bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+// Four-character codes as texts: each of their bytes is a character of Mac OS Roman.
+std::u16string textOfCode(FourCharCode code);
+// Nothing for what is not four characters of that encoding.
+std::optional<FourCharCode> codeOfText(std::u16string_view text);
 
 } // namespace mac

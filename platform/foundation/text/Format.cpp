@@ -1,5 +1,5 @@
 #include "platform/foundation/text/Format.h"
-#include "platform/foundation/numbers/FormatNumber.h"
+#include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/foundation/text/FormatOperand.h"

@@ -1,7 +1,6 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/text/Encodings.h"
-#include "platform/foundation/text/FoldedSearch.h"
 #include "platform/foundation/text/StringBody.h"
 #include "platform/foundation/text/TextSearch.h"
 #include "platform/foundation/text/UnitSearch.h"

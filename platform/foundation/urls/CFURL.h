@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/CoreFoundation.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include "platform/foundation/urls/NSURL.h"
 
 // The procedural side of NSURL. Any thread; a nil URL has no bytes and no parts.

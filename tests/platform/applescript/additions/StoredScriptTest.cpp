@@ -1,5 +1,5 @@
-#include "platform/applescript/additions/StoredScript.h"
 #include "fuzz/Trials.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
