@@ -16,14 +16,15 @@ namespace mac {
 
 enum class PropertyListKind { None, Array, Dictionary, String, Number, Date, Data, Identifier };
 
-// None for nil and for what property lists do not hold.
+// The kind of the object; None for nil and for classes that property lists do not hold.
 PropertyListKind propertyListKind(id const& object);
 // Says why an object of no kind cannot be written.
 std::string complaintAboutKind(id const& object);
 
 inline constexpr std::string_view kPropertyListKeyIsNoString = "A dictionary has a key that is no string";
 
-// In the order of their code units, so that equal dictionaries are written alike; nothing when a key is no string.
+// The keys in the order of their code units, so that equal dictionaries are written alike; nullopt if a key is not a
+// string.
 std::optional<std::vector<NSString>> sortedKeys(NSDictionary const& dictionary);
 
 // The only key of the dictionary that stands for a keyed archive's identifier in XML; its value is an integer.
@@ -40,7 +41,7 @@ bool isPropertyListBinary(std::span<std::byte const> data);
 Result<id, Failure> readPropertyListBinary(std::span<std::byte const> data, NSPropertyListMutabilityOptions option);
 
 // Equal strings, numbers, dates and data are written once; keys in the order of their code units, so that equal lists
-// become equal bytes. Fails for dates that are no number.
+// become equal bytes. Fails for a date that is NaN.
 Result<std::string, Failure> writePropertyListBinary(id const& propertyList);
 
 // The old-style text form: { key = value; }, ( value, value ), <0F0F>, strings with or without quotes, comments as in

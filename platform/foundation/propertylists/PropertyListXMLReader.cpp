@@ -13,7 +13,7 @@ namespace {
 using Container = PropertyListBuilder::Container;
 using Element = PropertyListElement;
 
-// Longer names in messages help nobody.
+// Messages cut longer names.
 constexpr qsizetype kLongestNameInMessage = 40;
 
 bool isBlank(QChar character) {

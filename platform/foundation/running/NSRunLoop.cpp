@@ -47,7 +47,7 @@ public:
         if (!m_functions.empty()) wake();
     }
 
-    // One function an event: a function that runs the loop itself must not hold up those behind it.
+    // Each event calls one function: a function that runs the loop itself must not delay the next ones.
     bool event(QEvent* event) override {
         if (event->type() != QEvent::User) return QObject::event(event);
         std::function<void()> function;

@@ -153,7 +153,7 @@ std::vector<Match> findAllUnits(std::u16string_view text, std::u16string_view so
     return matches;
 }
 
-// One after the other, each at the edge of what the one before has left.
+// Anchored places follow each other, each at the edge of the rest that the previous one left.
 std::vector<Match> findEachAnchored(std::u16string_view text, std::u16string_view sought, Matching const& matching) {
     std::vector<Match> matches;
     Match rest{0, text.size()};

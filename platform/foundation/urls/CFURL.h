@@ -44,11 +44,11 @@ bool CFURLHasDirectoryPath(CFURLRef const& url);
 // nil or empty path, for one that can name no file and for another style.
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef const& filePath, CFURLPathStyle pathStyle,
                                        BOOL isDirectory);
-// The same with the URL that a relative path is relative to; nil: the current folder.
+// Makes the URL of a path relative to a base URL; a nil base stands for the current folder.
 CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef allocator, CFStringRef const& filePath,
                                                      CFURLPathStyle pathStyle, BOOL isDirectory,
                                                      CFURLRef const& baseURL);
-// The same for the path's bytes.
+// Makes the URL of a path given as bytes, relative to a base URL; a nil base stands for the current folder.
 CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef allocator, std::uint8_t const* buffer,
                                                                CFIndex bufferLength, BOOL isDirectory,
                                                                CFURLRef const& baseURL);
