@@ -160,7 +160,7 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
     Patience const waiting(patience);
     m_connection = connectToSessionBus();
     if (!m_connection) return Standing::IsUnnamed;
-    // Before it has the name, so that nobody finds the name without the object.
+    // Registered before the name is owned, so that no client finds the name without the object.
     m_connection->registerVirtualObject(objectPathOf(name), m_service.get());
     if (requestBusName(*m_connection, name)) return Standing::IsFirst;
     QDBusMessage activation =

@@ -27,7 +27,8 @@ public:
     }
 };
 
-// While one of these lives, Qt looks for no plugins: a loader would load all those that Designer has on this machine.
+// While an object of this class exists, Qt looks for no plugins: a loader would load all those that Designer has on
+// this machine.
 class WithoutPlugins {
 public:
     WithoutPlugins() : m_paths(QCoreApplication::libraryPaths()) { QCoreApplication::setLibraryPaths({}); }

@@ -74,7 +74,7 @@ void InterfaceFile::connectAction(QAction* action) {
     }
     if (QString const name = formProperty<QString>(action, "clears"); !name.isEmpty()) {
         auto* const field = m_window->findChild<QLineEdit*>(name);
-        // It belongs to the action.
+        // Owned by the action.
         if (field) std::make_unique<FieldClearing>(action, field).release();
     }
     QString const panel = formProperty<QString>(action, "shows");

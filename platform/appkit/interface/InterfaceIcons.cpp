@@ -19,7 +19,7 @@ namespace {
 
 constexpr double Box = 16;
 constexpr double LineWidth = 1.4;
-// Of the tile behind a window's icon, in units of the box.
+// The tile behind a window's icon, in units of the box.
 constexpr double TileCorner = 3;
 constexpr double TileMargin = 2.5;
 constexpr QRgb TileColor = 0xFF2A5D8F;

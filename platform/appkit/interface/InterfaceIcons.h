@@ -11,14 +11,14 @@
 
 namespace mac {
 
-// A path in the notation of SVG: M L H V C Q Z, absolute or relative. Nothing when the text is no such path.
+// A path in the notation of SVG: M L H V C Q Z, absolute or relative. nullopt if the text is not such a path.
 std::optional<QPainterPath> pathFromText(QString const& text);
 
 // An icon of one line, drawn in a box of 16 units in the colour of the theme's text at any size: for desktops whose
 // icon theme lacks what the window shows. An empty icon when the text is no path.
 QIcon drawnIcon(QString const& pathText);
 
-// The same line in white on a coloured tile, which can be seen on any background: for windows. An empty icon when the
+// The line of drawnIcon in white on a coloured tile, visible on any background: for windows. An empty icon when the
 // text is no path.
 QIcon tileIcon(QString const& pathText);
 
@@ -27,7 +27,7 @@ QIcon tileIcon(QString const& pathText);
 // its time of modification changes. Main thread.
 class BundleIcons {
 public:
-    // An empty icon for nil and where no bundle is.
+    // An empty icon for nil and for a path without a bundle.
     QIcon iconOfBundle(NSString const& path);
 
 private:

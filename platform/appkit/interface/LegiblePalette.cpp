@@ -109,7 +109,7 @@ QPalette legiblePalette(QPalette palette) {
 void keepPaletteLegible() {
     constexpr char name[] = "paletteWatch";
     if (!qApp || qApp->findChild<QObject*>(name)) return;
-    // It belongs to the application.
+    // Owned by the application.
     auto watch = std::make_unique<PaletteWatch>(qApp);
     watch->setObjectName(name);
     watch.release();

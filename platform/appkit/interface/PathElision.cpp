@@ -49,7 +49,7 @@ CommonPath CommonPathFinder::result() const {
 QString differingPart(QString const& path, CommonPath const& common) {
     qsizetype const differing = path.size() - std::max<qsizetype>(common.start - 1, 0) - common.end;
     QString const withoutStart = withoutCommonStart(path, common);
-    // Where nothing but common names is left, they are what the path is known by.
+    // If only common names are left, they identify the path.
     if (common.end == 0 || differing <= 0) return withoutStart;
     return withoutStart.chopped(common.end) + '/' + Ellipsis;
 }

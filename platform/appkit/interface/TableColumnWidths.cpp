@@ -20,7 +20,7 @@ constexpr int NarrowestFill = 30;
 constexpr int NarrowestSection = 30;
 // The space beside a title for the mark of the order, in pixels.
 constexpr int SortMark = 16;
-// So many rows count for the widths before anybody looks at them.
+// The number of rows that count for the widths before any row is shown.
 constexpr int FirstRows = 1000;
 
 } // namespace

@@ -15,7 +15,7 @@ namespace mac {
 // the clipboard. The model says which file a row is.
 class TableFiles : public QObject {
 public:
-    // Both outlive it, or the view is gone.
+    // REQUIRES: view and model outlive this object, or the view is destroyed first.
     TableFiles(QTableView* view, TableModel const& model);
 
     // Puts the selected rows on the clipboard, in their order; without any the clipboard stays as it is.

@@ -54,7 +54,7 @@ bool launchBundle(NSString const& path) {
 
 bool launchFinder() {
     if (!FileBrowserSession().launch().isDone()) return false;
-    // One that was started just now may have no window yet.
+    // A process that was started just now may have no window yet.
     bringFileBrowserToFront();
     return true;
 }
