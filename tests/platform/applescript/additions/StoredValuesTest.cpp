@@ -1,4 +1,3 @@
-#include "fuzz/Trials.h"
 #include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Operation.h"
@@ -6,7 +5,6 @@
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"
-#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -66,9 +64,3 @@ TEST(StoredValues, RefuseBytesOfAnotherForm) {
 } // namespace
 
 } // namespace mac::applescript::test
-
-namespace mac::test {
-
-TEST(StoredValueCorpus, Holds) { expectNoComplaints("StoredValueFuzz", &fuzz::complaintAboutStoredValue); }
-
-} // namespace mac::test
