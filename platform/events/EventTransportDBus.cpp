@@ -115,6 +115,12 @@ public:
     }
 
 private:
+    // The process behind a connection.
+    struct Peer : BusPeer {
+        // {0, kNoProcess} if it did not run any more.
+        ProcessSerialNumber serialNumber{};
+    };
+
     // Nobody can be reached by events then.
     static SendingOutcome withoutBus() { return {.status = connectionInvalid, .hasNoEndpoint = true}; }
 
@@ -151,7 +157,7 @@ private:
         auto const refuse = [&](QDBusError::ErrorType type, QString const& reason) {
             if (message.isReplyRequired()) connection.send(message.createErrorReply(type, reason));
         };
-        std::optional<BusPeer> const peer = knownPeer(message.service());
+        std::optional<Peer> const peer = knownPeer(message.service());
         if (!peer || peer->user != ::geteuid())
             return refuse(QDBusError::AccessDenied, "Only processes of the same user are answered");
         QVariantList const arguments = message.arguments();
@@ -167,7 +173,7 @@ private:
         if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
         bool const wantsReply = message.isReplyRequired() && message.member() == "Send";
         IncomingEvent incoming{.event = desc.takeValue(), .wantsReply = wantsReply, .size = bytesOf(bytes).size()};
-        setOrigin(incoming.event, peer->pid);
+        setOrigin(incoming.event, *peer);
         if (message.isReplyRequired()) {
             incoming.answer = [message, connection, wantsReply](OSStatus status, AppleEvent const& reply) {
                 if (wantsReply)
@@ -190,11 +196,9 @@ private:
     }
 
     // Where it came from and where it went, whatever the sender says.
-    static void setOrigin(AppleEvent& event, std::int32_t pid) {
-        ProcessSerialNumber sender;
-        if (GetProcessForPID(pid, &sender) != noErr) sender = {};
-        putEntry(event, keyOriginalAddressAttr, makeDescOf(typeProcessSerialNumber, sender), true);
-        putEntry(event, keySenderPIDAttr, makeDescOf(typeSInt32, pid), true);
+    static void setOrigin(AppleEvent& event, Peer const& peer) {
+        putEntry(event, keyOriginalAddressAttr, makeDescOf(typeProcessSerialNumber, peer.serialNumber), true);
+        putEntry(event, keySenderPIDAttr, makeDescOf(typeSInt32, peer.pid), true);
         putEntry(event, keyAddressAttr, makeDescOf(typeProcessSerialNumber, ProcessSerialNumber{0, kCurrentProcess}),
                  true);
     }
@@ -238,23 +242,27 @@ private:
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
     bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) {
-        std::optional<BusPeer> const peer = knownPeer(number, timeoutUntil(deadline));
+        std::optional<Peer> const peer = knownPeer(number, timeoutUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 
-    // The bus gives no number twice, so what it said of one stays true.
-    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
+    // The bus gives no number twice, so what it said of one stays true, and the connection's process stays the same.
+    std::optional<Peer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
         constexpr std::size_t mostKept = 256;
         auto const found = m_peers.find(number);
         if (found != m_peers.end()) return found->second;
-        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
+        std::optional<BusPeer> const told = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
+        if (!told) return std::nullopt;
+        Peer peer{*told};
+        bool const runs = GetProcessForPID(peer.pid, &peer.serialNumber) == noErr;
+        if (!runs) peer.serialNumber = {};
         if (m_peers.size() >= mostKept) m_peers.clear();
-        if (peer) m_peers.emplace(number, *peer);
+        if (runs) m_peers.emplace(number, peer);
         return peer;
     }
 
     std::optional<QDBusConnection> m_connection;
-    std::map<QString, BusPeer> m_peers;
+    std::map<QString, Peer> m_peers;
     struct ProcessEndpoint {
         ProcessIdentity process;
         QString number;
