@@ -22,7 +22,8 @@ protected:
         m_folder.makeFile("home/second/item", "");
         m_folder.makeFile("home/third/item", "");
         m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
-        // The first start on a busy computer may take longer than a user is kept waiting; it goes on meanwhile.
+        // On a busy computer the first start may exceed the time that a user is kept waiting; it continues in the
+        // background.
         bool isLaunched = false;
         for (int attempt = 0; attempt < 5 && !isLaunched; ++attempt)
             isLaunched = mac::FileBrowserSession().launch().isDone();

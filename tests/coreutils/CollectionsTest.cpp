@@ -246,7 +246,7 @@ TEST(PxMoveObjectsAtIndexes, WithDuplicatesGoesInFrontOfTheFirst) {
     EXPECT_EQ(joined(own, ""), "axbx");
 }
 
-// By design: nothing is put back.
+// By design the removed elements are not put back.
 TEST(PxMoveObjectsAtIndexes, RaisesInFrontOfOneOfItsOwn) {
     NSMutableArray const array = letters("abcd");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({1, 2}), 2), NSRangeException);

@@ -26,7 +26,7 @@ protected:
     NSString makeFile(std::string const& relative) const {
         return NSString::stringWithFileSystemRepresentation_(m_desktop.folder.makeFile(relative, ""));
     }
-    // What the browser was asked for, without its start.
+    // The requests that the file browser received, without its start.
     AskedLines asked() const {
         AskedLines lines = m_desktop.lines();
         if (!lines.empty()) lines.erase(lines.begin());

@@ -11,7 +11,7 @@ namespace {
 
 using LoggedLines = std::vector<std::string>;
 
-// What is logged while it lives.
+// Collects what is logged during the object's life.
 class Log {
 public:
     LoggedLines const& lines() const { return m_lines; }

@@ -32,7 +32,7 @@ QPalette paletteOf(QColor const& text, QColor const& ground, QColor const& selec
     return palette;
 }
 
-// As a theme leaves it that sets a few colours only.
+// The palette of a theme that sets a few colours only.
 QPalette halfDark() {
     QPalette palette = paletteOf("#000000", "#f0f0f0", "#308cc6", "#ffffff");
     palette.setColor(QPalette::Base, "#202020");

@@ -32,7 +32,7 @@ void makeOld(std::string const& file) {
     ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
 }
 
-// What is logged while the object lives.
+// Collects what is logged during the object's life.
 class Log {
 public:
     std::vector<std::string> const& lines() const { return m_lines; }
