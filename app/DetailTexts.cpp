@@ -1,6 +1,6 @@
 #include "app/DetailFacts.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/text/LocalizedValues.h"
+#include "platform/foundation/text/Localization.h"
 #include "platform/foundation/text/NSLocalizedString.h"
 #include <algorithm>
 

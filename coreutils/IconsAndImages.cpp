@@ -7,7 +7,7 @@
 #include "platform/appkit/workspace/NSWorkspace.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "platform/foundation/objects/NSArchiver.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/icons/IconFamilies.h"
 
 namespace mac {

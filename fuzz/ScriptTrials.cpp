@@ -1,6 +1,6 @@
 #include "fuzz/Trials.h"
-#include "platform/applescript/additions/StoredScript.h"
-#include "platform/applescript/runtime/ISODate.h"
+#include "platform/applescript/additions/StoredForms.h"
+#include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/ScriptError.h"

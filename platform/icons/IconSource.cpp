@@ -1,7 +1,7 @@
 #include "platform/icons/IconSource.h"
 #include "platform/desktop/entries/DesktopEntry.h"
 #include "platform/desktop/entries/MIMETypes.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/icons/IconPictures.h"
 #include "platform/icons/IconTheme.h"
 #include "platform/icons/TypeIconNames.h"

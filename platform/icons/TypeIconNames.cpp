@@ -1,7 +1,6 @@
 #include "platform/icons/TypeIconNames.h"
 #include "platform/desktop/entries/MIMETypes.h"
 #include "platform/foundation/text/Encodings.h"
-#include "platform/foundation/text/FourCharCodeText.h"
 #include "platform/launchservices/TypeTree.h"
 #include <algorithm>
 #include <array>

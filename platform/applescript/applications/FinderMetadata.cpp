@@ -3,7 +3,6 @@
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/foundation/text/NSString.h"
-#include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/system/ASCII.h"

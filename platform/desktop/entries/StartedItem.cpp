@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <span>
 #include <unistd.h>
 
@@ -190,6 +192,12 @@ std::string itemStartedBy(std::string_view commandLine, ResolvedFolders& folders
 std::string itemStartedBy(std::string_view commandLine) {
     ResolvedFolders folders;
     return itemStartedBy(commandLine, folders);
+}
+
+std::string loginLauncherPath() {
+    std::unique_ptr<char, decltype(&::free)> const program(::realpath("/proc/self/exe", nullptr), &::free);
+    bool const isOfBuild = program && BytePath(program.get()).isBelow(BUILD_FOLDER);
+    return isOfBuild ? BUILT_LOGIN_LAUNCHER : INSTALLED_LOGIN_LAUNCHER;
 }
 
 } // namespace mac

@@ -32,7 +32,7 @@ public:
 private:
     std::u16string_view m_sought;
     SearchDirection m_direction;
-    // Nothing for a short text, which is compared at every place.
+    // nullopt for a short text, which is compared at every place.
     std::optional<LinearSearch<char16_t>> m_search;
 };
 

@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/DrawnIcon.h"
+#include "platform/appkit/interface/InterfaceIcons.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include <QApplication>
 #include <QImage>

@@ -41,6 +41,7 @@ private:
 
 // Where the window keeps its size and the widths of its columns.
 inline constexpr char FrameKey[] = "NSWindow Frame MainWindow";
+inline constexpr char ZoomedKey[] = "NSWindow Frame MainWindow Zoomed";
 inline constexpr char ColumnsKey[] = "NSTableView Columns Copies";
 
 inline constexpr int VersionColumn = 0;

@@ -1,5 +1,5 @@
 #include "platform/appkit/views/NSApplication.h"
-#include "platform/appkit/interface/ApplicationEvents.h"
+#include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/appkit/interface/NSApplicationMain.h"
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/desktop/session/Patience.h"

@@ -2,9 +2,9 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/foundation/running/RunLoopMode.h"
 #include "tests/platform/foundation/objects/Parcel.h"
 #include "tests/support/RunUntil.h"
 #include <functional>
