@@ -5,7 +5,7 @@
 #include "platform/files/FileOperations.h"
 #include "platform/foundation/files/NSFileAttributes.h"
 #include "platform/foundation/files/NSFileManager.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "scripting/FileReferences.h"
 #include <algorithm>
 #include <functional>

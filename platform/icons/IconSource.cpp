@@ -4,7 +4,6 @@
 #include "platform/foundation/text/Encodings.h"
 #include "platform/icons/IconPictures.h"
 #include "platform/icons/IconTheme.h"
-#include "platform/icons/TypeIconNames.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"

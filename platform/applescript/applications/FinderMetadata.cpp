@@ -7,7 +7,7 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/PercentEscapes.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemLock.h"
 #include <cerrno>

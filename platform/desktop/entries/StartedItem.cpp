@@ -1,6 +1,5 @@
 #include "platform/desktop/entries/StartedItem.h"
 #include "platform/desktop/HexText.h"
-#include "platform/desktop/entries/CommandWords.h"
 #include "platform/desktop/entries/DesktopEntry.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"

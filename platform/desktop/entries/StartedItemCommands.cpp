@@ -1,4 +1,4 @@
-#include "platform/desktop/entries/CommandWords.h"
+#include "platform/desktop/entries/StartedItem.h"
 #include "platform/system/Users.h"
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "platform/icons/TypeIconNames.h"
 #include "platform/desktop/entries/MIMETypes.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/icons/IconSource.h"
 #include "platform/launchservices/TypeTree.h"
 #include <algorithm>
 #include <array>

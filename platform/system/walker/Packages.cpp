@@ -1,8 +1,12 @@
-#include "platform/system/walker/RememberedPackages.h"
+#include "platform/system/walker/Packages.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/walker/FolderFacts.h"
+#include "platform/system/walker/FolderReader.h"
+#include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/VolumeWalker.h"
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/openat2.h>
@@ -11,6 +15,22 @@
 #include <utility>
 
 namespace mac {
+
+PackageRule::PackageRule(std::string suffix, std::vector<std::string> names)
+    : m_suffix(std::move(suffix)), m_names(std::move(names)) {}
+
+bool PackageRule::isWanted(std::string_view package) const {
+    return m_names.empty() || std::find(m_names.begin(), m_names.end(), package) != m_names.end();
+}
+
+bool PackageRule::crossesPackage(std::string_view relativePath) const {
+    while (!relativePath.empty()) {
+        std::size_t const slash = relativePath.find('/');
+        if (isPackage(relativePath.substr(0, slash))) return true;
+        relativePath.remove_prefix(slash == std::string_view::npos ? relativePath.size() : slash + 1);
+    }
+    return false;
+}
 
 namespace {
 
@@ -119,6 +139,38 @@ std::vector<std::string> packagesStillThere(std::vector<std::string> const& path
         if (check.holds(path)) there.push_back(path);
     }
     return there;
+}
+
+namespace {
+
+// A walk from a root names everything by that root.
+bool isReached(std::string const& path, VolumeWalkRequest const& request) {
+    if (request.roots.empty()) return true;
+    return std::ranges::any_of(request.roots,
+                               [&path](std::string_view root) { return BytePath(path).isAtOrBelow(root); });
+}
+
+bool hasMore(FolderReader& reader, FileDescriptor const& folder) {
+    Result<FolderReader::Fill> const fill = reader.fill(folder);
+    return fill.hasValue() && fill.value() == FolderReader::Fill::Some;
+}
+
+} // namespace
+
+std::vector<std::string> packagesInFolder(std::string const& folder, VolumeWalkRequest const& request) {
+    std::vector<std::string> paths;
+    Result<FileDescriptor> const open = openPath(folder, O_RDONLY | O_DIRECTORY);
+    if (!open.hasValue()) return paths;
+    PackageRule const rule(request.packageSuffix, request.names);
+    FolderReader reader;
+    while (hasMore(reader, open.value())) {
+        while (std::optional<std::string_view> const name = reader.nextSubfolder(open.value())) {
+            if (!rule.isPackage(*name) || !rule.isWanted(*name)) continue;
+            std::string path = BytePath(folder).joined(*name);
+            if (isReached(path, request)) paths.push_back(std::move(path));
+        }
+    }
+    return paths;
 }
 
 } // namespace mac
