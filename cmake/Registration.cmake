@@ -1,6 +1,6 @@
 # Every program gets one source that registers the rooms it links, before main: a static initialiser in the program's own
 # object file, which no linker leaves out, and the only one there is. framekeeper_room(... REGISTERS function) names a
-# room's function, which the room's Registration.h declares.
+# room's function, which the nearest Registration.h declares: the room's own, or the one of all rooms of platform.
 
 # framekeeper_registers(TARGET FUNCTION...): for the current folder's target, in the order in which rooms are added.
 function(framekeeper_registers TARGET)
@@ -9,6 +9,13 @@ function(framekeeper_registers TARGET)
     set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_REGISTERING_TARGETS ${TARGET})
   endif()
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE folder)
+  while(NOT EXISTS ${PROJECT_SOURCE_DIR}/${folder}/Registration.h)
+    cmake_path(GET folder PARENT_PATH parent)
+    if(parent STREQUAL "")
+      message(FATAL_ERROR "no Registration.h declares what registers ${TARGET}")
+    endif()
+    set(folder ${parent})
+  endwhile()
   foreach(function IN LISTS ARGN)
     set_property(TARGET ${TARGET} APPEND PROPERTY FRAMEKEEPER_REGISTRATION_HEADERS ${folder}/Registration.h)
     set_property(TARGET ${TARGET} APPEND PROPERTY FRAMEKEEPER_REGISTRATION_FUNCTIONS ${function})
@@ -75,13 +82,17 @@ namespace {
   target_sources(${TARGET} PRIVATE ${source})
 endfunction()
 
-# framekeeper_register_programs(FOLDER): for each program of a folder and of those below.
+# framekeeper_register_programs(FOLDER): for each program of a folder and of those below. Shared libraries register the
+# rooms they are made of themselves; a program's FRAMEKEEPER_ROOMS are then those that it has beside them.
 function(framekeeper_register_programs FOLDER)
   get_property(targets DIRECTORY ${FOLDER} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL EXECUTABLE)
-      framekeeper_linked_targets(linked ${target})
+      get_target_property(linked ${target} FRAMEKEEPER_ROOMS)
+      if(linked STREQUAL "linked-NOTFOUND")
+        framekeeper_linked_targets(linked ${target})
+      endif()
       framekeeper_register_rooms(${target} ${linked})
     endif()
   endforeach()

@@ -3,7 +3,7 @@
 #include "platform/foundation/dates/UTCDateTime.h"
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemDates.h"

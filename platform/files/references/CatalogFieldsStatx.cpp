@@ -3,7 +3,7 @@
 #include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"

@@ -34,8 +34,7 @@ bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
     return setDates(item, {.modified = modified}).isDone();
 }
 
-// By number, else by name; "unchanged" where the dictionary says neither,
-// nothing for a name that nobody has.
+// By number, else by name; "unchanged" where the dictionary says neither, nullopt for an unknown name.
 std::optional<unsigned> account(NSNumber const& number, NSString const& name,
                                 std::optional<unsigned> (*numberOf)(std::string const&)) {
     constexpr unsigned unchanged = ~0U;

@@ -1,7 +1,7 @@
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <array>
