@@ -1,5 +1,4 @@
 #include "platform/system/TemporaryName.h"
-#include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"
