@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <iostream>
 #include <linux/magic.h>
@@ -30,6 +31,9 @@ constexpr std::array<std::string_view, 8> Transfers{"read",   "pread",          
                                                     "pwrite", "copy_file_range", "sendfile", "pwrite64"};
 // Also a process that waits ends some time.
 constexpr unsigned LongestWaitInSeconds = 120;
+// How often a process that is to race looks whether the race has begun: much shorter than an operation, and the
+// processor is left to what is made ready meanwhile.
+constexpr timespec BetweenLooks{.tv_sec = 0, .tv_nsec = 30'000};
 constexpr int SaidFailed = 1;
 
 // What the running process exchanges.
@@ -151,7 +155,7 @@ void Campaign::race(Operation const& operation, FaultPoint const& point) {
             if (m_shared->isExchanging)
                 exchange();
             else
-                ::sched_yield();
+                ::nanosleep(&BetweenLooks, nullptr);
         }
     }
     for (unsigned round = 0; round < m_options.races; ++round) {

@@ -79,6 +79,15 @@ void PrivateMounts::mountImageOfType(std::string const& type, std::string const&
     mountNewImage({"mkfs." + type, "-q", "-f", image}, image, point);
 }
 
+void PrivateMounts::mountServed(std::string const& folder, std::string const& point) {
+    try {
+        outputOf({"bindfs", "--no-allow-other", folder, point});
+    } catch (std::runtime_error const& error) {
+        GTEST_SKIP() << "no folder can be served here: " << error.what();
+    }
+    m_points.push_back(point);
+}
+
 void PrivateMounts::unmount(std::string const& point) {
     if (::umount2(point.c_str(), MNT_DETACH) != 0) throw std::system_error(errno, std::generic_category(), point);
     std::erase(m_points, point);
