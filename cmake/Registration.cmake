@@ -1,6 +1,6 @@
 # Every program gets one source that registers the rooms it links, before main: a static initialiser in the program's own
 # object file, which no linker leaves out, and the only one there is. framekeeper_room(... REGISTERS function) names a
-# room's function, which the room's Registration.h declares.
+# room's function, which the nearest Registration.h declares: the room's own, or the one of all rooms of platform.
 
 # framekeeper_registers(TARGET FUNCTION...): for the current folder's target, in the order in which rooms are added.
 function(framekeeper_registers TARGET)
@@ -9,6 +9,13 @@ function(framekeeper_registers TARGET)
     set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_REGISTERING_TARGETS ${TARGET})
   endif()
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE folder)
+  while(NOT EXISTS ${PROJECT_SOURCE_DIR}/${folder}/Registration.h)
+    cmake_path(GET folder PARENT_PATH parent)
+    if(parent STREQUAL "")
+      message(FATAL_ERROR "no Registration.h declares what registers ${TARGET}")
+    endif()
+    set(folder ${parent})
+  endwhile()
   foreach(function IN LISTS ARGN)
     set_property(TARGET ${TARGET} APPEND PROPERTY FRAMEKEEPER_REGISTRATION_HEADERS ${folder}/Registration.h)
     set_property(TARGET ${TARGET} APPEND PROPERTY FRAMEKEEPER_REGISTRATION_FUNCTIONS ${function})

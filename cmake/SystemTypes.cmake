@@ -41,7 +41,7 @@ foreach(parent IN LISTS parents)
 endforeach()
 
 file(WRITE ${SOURCE} "// Written from platform/launchservices/types.tsv by cmake/SystemTypes.cmake.
-#include \"platform/launchservices/SystemTypes.h\"
+#include \"platform/launchservices/TypeTree.h\"
 #include <array>
 
 namespace mac {

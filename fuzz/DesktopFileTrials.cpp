@@ -1,7 +1,6 @@
 #include "fuzz/Trials.h"
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/autostart/Autostart.h"
-#include "platform/desktop/entries/CommandWords.h"
 #include "platform/desktop/entries/DesktopEntry.h"
 #include "platform/desktop/entries/StartedItem.h"
 #include "platform/desktop/session/Desktops.h"

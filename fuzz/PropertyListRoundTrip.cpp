@@ -1,10 +1,7 @@
 #include "fuzz/Trials.h"
 #include "platform/foundation/collections/NSDictionary.h"
-#include "platform/foundation/propertylists/PropertyListBinary.h"
-#include "platform/foundation/propertylists/PropertyListOldStyle.h"
-#include "platform/foundation/propertylists/PropertyListText.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListXML.h"
-#include "platform/foundation/propertylists/PropertyListXMLPlain.h"
 #include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include <functional>
 

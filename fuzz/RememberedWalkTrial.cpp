@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/system/walker/RememberedNames.h"
+#include "platform/system/walker/RememberedFolders.h"
 #include "platform/system/walker/WalkMemory.h"
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 #include "fuzz/Trials.h"
-#include "platform/applescript/additions/StoredValues.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include <array>

@@ -1,6 +1,6 @@
 #include "fuzz/Trials.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
-#include "platform/preferences/ArgumentDomain.h"
+#include "platform/preferences/PreferenceDomains.h"
 #include "platform/preferences/Preferences.h"
 #include "platform/system/LongPath.h"
 #include "tests/support/TemporaryFolder.h"

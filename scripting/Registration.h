@@ -3,7 +3,7 @@
 namespace mac {
 
 // Adds this room's operations to the framework's classes, so that they can be sent by selector. A second call changes
-// nothing. Called before main, see platform/foundation/Registration.h.
+// nothing. Called before main, see platform/Registration.h.
 void registerScripting();
 
 } // namespace mac

@@ -1,7 +1,9 @@
 #include "platform/applescript/NSAppleScript.h"
+#include "platform/Registration.h"
 #include "platform/applescript/NSAppleScriptBody.h"
-#include "platform/applescript/runtime/FileCoercions.h"
+#include "platform/applescript/applications/FinderEvents.h"
 #include "platform/applescript/runtime/ScriptDescriptors.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/Method.h"
 
@@ -133,5 +135,10 @@ void NSAppleScript::limitRunsTo(double seconds) const {
 }
 
 void NSAppleScript::cancelRunningScripts() { s_isCancelled = true; }
+
+void registerAppleScript() {
+    registerClasses<NSAppleScript>();
+    setEventStandIn(finderReplyTo);
+}
 
 } // namespace mac

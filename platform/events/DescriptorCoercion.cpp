@@ -2,7 +2,6 @@
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"
 #include "platform/foundation/text/Encodings.h"
-#include "platform/foundation/text/FourCharCodeText.h"
 #include <cstring>
 #include <map>
 #include <mutex>

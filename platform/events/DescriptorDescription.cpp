@@ -1,7 +1,7 @@
 #include "platform/events/AppleEventDescriptorBody.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorNumber.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 
 namespace mac {
 

@@ -1,7 +1,7 @@
 #include "platform/events/EventTarget.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/processes/SerialNumbers.h"
 #include <unistd.h>
 

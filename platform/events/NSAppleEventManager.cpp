@@ -1,5 +1,8 @@
 #include "platform/events/NSAppleEventManager.h"
+#include "platform/Registration.h"
 #include "platform/events/EventDispatch.h"
+#include "platform/events/EventTransport.h"
+#include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/objects/Weak.h"
@@ -61,6 +64,11 @@ NSAppleEventDescriptor NSAppleEventManager::currentAppleEvent() const {
 
 NSAppleEventDescriptor NSAppleEventManager::currentReplyAppleEvent() const {
     return *this == nil ? NSAppleEventDescriptor(nil) : descriptorOf(currentEvent().reply);
+}
+
+void registerEvents() {
+    registerClasses<NSAppleEventDescriptor, NSAppleEventManager>();
+    prepareEventEndpoint();
 }
 
 } // namespace mac

@@ -1,5 +1,5 @@
 #include "platform/files/ExtendedAttributes.h"
-#include "platform/system/items/AttributesAtPath.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <cerrno>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "platform/files/FileOperations.h"
 #include "platform/files/references/CatalogFields.h"
 #include "platform/files/references/FileStatuses.h"
-#include "platform/files/references/ItemNames.h"
+#include "platform/files/references/HFSPaths.h"
 #include "platform/files/references/ItemReferences.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/system/BytePath.h"

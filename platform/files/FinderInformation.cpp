@@ -1,6 +1,6 @@
 #include "platform/files/FinderInformation.h"
 #include "platform/system/BigEndian.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <algorithm>
 #include <cerrno>

@@ -4,7 +4,7 @@
 #include "platform/files/references/ItemReferences.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <algorithm>
 #include <atomic>

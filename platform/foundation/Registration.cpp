@@ -1,4 +1,4 @@
-#include "platform/foundation/Registration.h"
+#include "platform/Registration.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include "platform/foundation/collections/NSData.h"
 #include "platform/foundation/collections/NSDictionary.h"

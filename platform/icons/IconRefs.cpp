@@ -6,7 +6,7 @@
 #include "platform/icons/ResourceFork.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/system/LongPath.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include <atomic>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include "platform/foundation/text/NSString.h"
 #include "platform/icons/Picture.h"
 #include <string>
@@ -46,5 +46,17 @@ std::vector<std::byte> customIconAtPath(std::string const& path, bool isFolder);
 std::vector<SharedPicture> picturesOfSource(IconSource const& source);
 // Drawn by this program.
 std::vector<SharedPicture> genericPictures(IconSource::Generic generic);
+
+// Which pictures of an icon theme stand for types. For implementations; any thread.
+
+// The names for files of a MIME type; never empty.
+std::vector<std::string> iconNamesOfContents(std::string const& mimeType);
+// The icon of files with an extension, as the tree of types and the shared MIME information know it; nullopt where
+// neither does.
+std::optional<IconSource> iconSourceOfExtension(std::string const& extension);
+// The icon of files with a type code; nullopt where no type has it.
+std::optional<IconSource> iconSourceOfTypeCode(OSType type);
+// An icon of the system's own, such as 'trsh'; nullopt for another code.
+std::optional<IconSource> iconSourceOfSystemIcon(OSType icon);
 
 } // namespace mac

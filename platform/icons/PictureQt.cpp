@@ -1,5 +1,4 @@
 #include "platform/foundation/running/EventLoop.h"
-#include "platform/icons/DrawingReferences.h"
 #include "platform/icons/Picture.h"
 #include "platform/system/BigEndian.h"
 #include <QBuffer>

@@ -2,7 +2,7 @@
 #include "platform/desktop/entries/DefaultApplications.h"
 #include "platform/files/references/FSRef.h"
 #include "platform/files/references/ItemReferences.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeTree.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/references/FSRef.h"
-#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 
 namespace mac {
 

@@ -1,4 +1,5 @@
 #include "platform/launchservices/DisplayNames.h"
+#include "platform/Registration.h"
 #include "platform/desktop/entries/DesktopEntry.h"
 #include "platform/files/references/FSRef.h"
 #include "platform/foundation/files/DisplayNameSource.h"
@@ -85,5 +86,7 @@ OSStatus LSCopyDisplayNameForRef(FSRef const* itemRef, CFStringRef* displayName)
 }
 
 void useDisplayNamesInFileManager() { setDisplayNameSource(&displayNameAtPath); }
+
+void registerLaunchServices() { useDisplayNamesInFileManager(); }
 
 } // namespace mac

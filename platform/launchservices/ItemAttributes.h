@@ -3,7 +3,7 @@
 #include "platform/files/references/FSRef.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/collections/NSDictionary.h"
-#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 
 namespace mac {
 

@@ -1,7 +1,7 @@
 #include "platform/launchservices/ItemInformation.h"
 #include "platform/files/references/FSRef.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/DisplayNames.h"

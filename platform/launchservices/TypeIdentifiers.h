@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/collections/NSDictionary.h"
-#include "platform/foundation/objects/CoreFoundation.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 
 namespace mac {
 

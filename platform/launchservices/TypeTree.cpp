@@ -2,7 +2,6 @@
 #include "platform/desktop/entries/MIMETypes.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/launchservices/DiskItem.h"
-#include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>

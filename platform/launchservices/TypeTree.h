@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,5 +76,18 @@ bool conforms(TypeTree const& types, std::string_view identifier, std::string_vi
 std::vector<std::string> identifierAndAncestors(TypeTree const& types, std::string_view identifier);
 // Of a MIME type: a declared type's identifier, else a dynamic one.
 std::string identifierOfMIMEType(TypeTree const& types, std::string_view mimeType);
+
+// A row of the system's own types, as types.tsv has it; words are parted by blanks. A tag of several types belongs to
+// the first of them.
+struct SystemType {
+    std::string_view identifier;
+    std::string_view conformsTo;
+    std::string_view extensions;
+    std::string_view mimeTypes;
+    std::string_view typeCodes;
+    std::string_view description;
+};
+
+std::span<SystemType const> systemTypes();
 
 } // namespace mac

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/CoreFoundation.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include "platform/foundation/text/NSString.h"
 
 namespace mac {

@@ -1,5 +1,4 @@
 #include "platform/preferences/LoginItemsStore.h"
-#include "platform/preferences/LoginItemEntries.h"
 #include "platform/system/BytePath.h"
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,5 @@
 #include "platform/preferences/NSUserDefaults.h"
+#include "platform/Registration.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
@@ -6,7 +7,6 @@
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include "platform/foundation/running/NSTimer.h"
-#include "platform/preferences/ArgumentDomain.h"
 #include "platform/preferences/CFPreferences.h"
 #include "platform/preferences/PreferenceDomains.h"
 #include "platform/system/processes/ProcessList.h"
@@ -320,5 +320,7 @@ NSDictionary NSUserDefaults::persistentDomainForName_(NSString const& name) cons
 }
 
 bool NSUserDefaults::synchronize() const { return *this != nil && bodyOf(*this)->synchronize(); }
+
+void registerPreferences() { registerClasses<NSUserDefaults>(); }
 
 } // namespace mac

@@ -1,8 +1,8 @@
 #include "platform/processes/Processes.h"
+#include "platform/desktop/browser/FileBrowser.h"
 #include "platform/desktop/session/FrontProcess.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/processes/ProcessBundles.h"
-#include "platform/processes/RecentFileBrowser.h"
 #include "platform/processes/SerialNumbers.h"
 #include "platform/system/processes/ProcessList.h"
 #include <algorithm>

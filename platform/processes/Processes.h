@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/collections/NSDictionary.h"
-#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include <optional>
 
 // The running processes, in the order of their start. Linux: those whose executable this user may see, as /proc tells.

@@ -1,5 +1,7 @@
 #include "platform/spotlight/NSMetadataItem.h"
+#include "platform/Registration.h"
 #include "platform/foundation/objects/Method.h"
+#include "platform/spotlight/NSMetadataQuery.h"
 
 namespace mac {
 
@@ -49,5 +51,7 @@ id NSMetadataItem::valueForAttribute_(NSString const& key) const {
 NSArray NSMetadataItem::attributes() const {
     return *this == nil ? NSArray() : NSArray::arrayWithObjects_({kMDItemPath, kMDItemFSName, kMDItemKind});
 }
+
+void registerSpotlight() { registerClasses<NSMetadataItem, NSMetadataQuery>(); }
 
 } // namespace mac

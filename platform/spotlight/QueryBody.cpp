@@ -9,7 +9,7 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/walker/FolderLog.h"
-#include "platform/system/walker/FolderPackages.h"
+#include "platform/system/walker/Packages.h"
 #include <algorithm>
 #include <cstring>
 

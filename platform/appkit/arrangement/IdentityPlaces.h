@@ -14,7 +14,7 @@ public:
 
     // The places of equal ones are given away in the order of adding.
     void add(id const& identity, std::size_t place);
-    // Answers a place and gives it away; nothing when there is none left.
+    // Takes a free place and answers it; nullopt if none is left.
     std::optional<std::size_t> take(id const& identity);
 
 private:

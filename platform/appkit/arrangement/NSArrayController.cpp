@@ -1,4 +1,4 @@
-#include "platform/appkit/Registration.h"
+#include "platform/Registration.h"
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"

@@ -42,7 +42,7 @@ public:
     NSPredicate filterPredicate() const;
     void setFilterPredicate_(NSPredicate const& predicate) const;
 
-    // In the order of arrangedObjects. Linux: nothing is selected unless somebody selects it.
+    // In the order of arrangedObjects. Linux: no row is selected until one is selected explicitly.
     NSArray selectedObjects() const;
     // Selects those that are arranged; false, and nothing changes, when none of a non-empty array is.
     bool setSelectedObjects_(NSArray const& objects) const;

@@ -16,7 +16,7 @@ public:
     // The window outlives it.
     explicit ActionSending(QWidget* window) : m_window(window) {}
 
-    // Null: there is none. Outlives this object otherwise.
+    // Null, or outlives this object.
     void setStatusLine(StatusLine* statusLine) { m_statusLine = statusLine; }
     // Sends the control's action to its target. The owner is the widget or action with the properties.
     void send(NSControl const& control, QObject const* owner);

@@ -1,7 +1,10 @@
 #include "platform/appkit/interface/ApplicationInstance.h"
+#include "platform/appkit/views/NSApplication.h"
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/desktop/session/X11Display.h"
+#include "platform/events/AppleEvents.h"
 #include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <QApplication>
 #include <QDBusArgument>
 #include <QDBusError>
@@ -42,13 +45,19 @@ std::uint32_t timeOfStartup(QString const& startup) {
 }
 
 // A window manager that prevents programs from taking the keyboard lets the user's own wish through, if told its time.
-void askX11ForFront(QWidget const& window, QString const& startup) {
-    std::uint32_t const time = timeOfStartup(startup);
-    if (time == 0 || QGuiApplication::platformName() != "xcb") return;
+// The launcher's busy sign goes: what was started is in sight.
+void tellX11(QWidgetList const& windows, QString const& startup) {
+    if (startup.isEmpty() || QGuiApplication::platformName() != "xcb") return;
+    auto const display = X11Display::open();
+    if (!display) return;
     constexpr std::uint32_t fromApplication = 1;
-    if (auto const display = X11Display::open())
-        display->tellWindowManager(static_cast<std::uint32_t>(window.winId()), "_NET_ACTIVE_WINDOW",
+    std::uint32_t const time = timeOfStartup(startup);
+    for (QWidget const* const window : windows) {
+        if (time == 0) break;
+        display->tellWindowManager(static_cast<std::uint32_t>(window->winId()), "_NET_ACTIVE_WINDOW",
                                    {fromApplication, time, 0});
+    }
+    display->endStartup(static_cast<std::uint32_t>(windows.last()->winId()), startup.toStdString());
 }
 
 // The visible ones, without menus and tool tips; the one that keeps the others from the keyboard last.
@@ -96,8 +105,8 @@ bool raiseWindows(LaunchTokens const& tokens) {
         window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
         window->raise();
         window->activateWindow();
-        askX11ForFront(*window, tokens.startup);
     }
+    tellX11(windows, tokens.startup);
     if (usesToken) qunsetenv(ActivationVariable);
     return true;
 }
@@ -157,7 +166,7 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
     Patience const waiting(patience);
     m_connection = connectToSessionBus();
     if (!m_connection) return Standing::IsUnnamed;
-    // Before it has the name, so that nobody finds the name without the object.
+    // Registered before the name is owned, so that no client finds the name without the object.
     m_connection->registerVirtualObject(objectPathOf(name), m_service.get());
     if (requestBusName(*m_connection, name)) return Standing::IsFirst;
     QDBusMessage activation =
@@ -176,6 +185,34 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
 bool wantsOwnInstance() {
     char const* const wish = std::getenv("FRAMEKEEPER_OWN_INSTANCE");
     return wish && *wish != '\0';
+}
+
+namespace {
+
+OSErr doNothing(AppleEvent const*, AppleEvent*, void*) { return noErr; }
+
+OSErr bringToFront(AppleEvent const*, AppleEvent*, void*) {
+    raiseWindows();
+    return noErr;
+}
+
+// The delegate may have ended the program already when the last window was closed.
+void quitNow() {
+    QApplication::closeAllWindows();
+    NSApplication::sharedApplication().terminate_(nil);
+}
+
+OSErr quit(AppleEvent const*, AppleEvent*, void*) {
+    performOnMainRunLoop(quitNow);
+    return noErr;
+}
+
+} // namespace
+
+void installApplicationEvents() {
+    AEInstallEventHandler(kCoreEventClass, kAEOpenApplication, doNothing, nullptr, NO);
+    AEInstallEventHandler(kCoreEventClass, kAEReopenApplication, bringToFront, nullptr, NO);
+    AEInstallEventHandler(kCoreEventClass, kAEQuitApplication, quit, nullptr, NO);
 }
 
 } // namespace mac

@@ -32,11 +32,11 @@ bool raiseWindows(LaunchTokens const& tokens = {});
 class ApplicationInstance {
 public:
     enum class Standing {
-        // It has the name now, and is asked by later starts until it goes.
+        // This instance owns the name, and answers later starts until it ends.
         IsFirst,
         // Another instance has it and has come to the front.
         OtherWasRaised,
-        // It has no name: there is no bus, or the other instance did not answer.
+        // This instance owns no name: there is no bus, or the other instance did not answer.
         IsUnnamed,
     };
     // How long the bus and the other instance are waited for in all.
@@ -64,5 +64,10 @@ private:
 
 // Whether the environment variable FRAMEKEEPER_OWN_INSTANCE asks for an instance of its own: set and not empty.
 bool wantsOwnInstance();
+
+// Has this program answer the events that every program with windows gets from others: opened, opened once more, which
+// brings its windows to the front, and asked to quit. It quits as if its last window were closed, after its reply has
+// left. Main thread; once the application is there.
+void installApplicationEvents();
 
 } // namespace mac

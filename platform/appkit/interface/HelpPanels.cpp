@@ -1,5 +1,5 @@
 #include "platform/appkit/interface/HelpPanels.h"
-#include "platform/appkit/interface/FormReader.h"
+#include "platform/appkit/interface/Forms.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include <QAction>
@@ -120,7 +120,7 @@ void showKeysOf(QWidget* window) {
     int const width = table->horizontalHeader()->length() + 2 * table->fontMetrics().height();
     panel->resize(std::max(width, 460), 520);
     layout.release();
-    // It belongs to the window, and goes when it is closed.
+    // Owned by the window and deleted when it is closed.
     panel.release()->show();
     table->setFocus();
 }

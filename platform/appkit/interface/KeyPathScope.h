@@ -34,8 +34,8 @@ private:
 bool isTruth(id const& value);
 
 // The value of a key path of the scope, and word of its changes. With "|TRANSFORMER" behind the key path it is what the
-// value transformer of that name makes of the value. A key that nobody knows, and a transformer that does not exist,
-// are logged once; the value is nil.
+// value transformer of that name makes of the value. An unknown key, and a transformer that does not exist, are logged
+// once; the value is nil.
 class BoundValue {
 public:
     BoundValue(KeyPathScope const& scope, QString const& keyPath, std::function<void()> changed);
@@ -52,7 +52,7 @@ private:
 };
 
 // Whether all of several key paths are true, told at once and after each change. A "!" before a key path turns it
-// round; nil, NO and a key that nobody knows are false.
+// round; nil, NO and an unknown key are false.
 class Condition {
 public:
     // A condition that is or comes true is told after the delay, if it is still true then; milliseconds.

@@ -1,5 +1,4 @@
 #include "platform/appkit/interface/NSApplicationMain.h"
-#include "platform/appkit/interface/ApplicationEvents.h"
 #include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/appkit/interface/InterfaceFile.h"
 #include "platform/appkit/interface/LaunchOptions.h"

@@ -1,4 +1,6 @@
+#include "platform/Registration.h"
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
+#include "platform/appkit/interface/NSWindow.h"
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/foundation/objects/Method.h"
 
@@ -65,5 +67,7 @@ NSInteger NSTableView::selectedRow() const {
     NSUInteger const index = bodyOf(*this)->controller().selectionIndex();
     return index == NSNotFound ? -1 : static_cast<NSInteger>(index);
 }
+
+void registerAppKit() { registerClasses<NSTableView, NSWindow>(); }
 
 } // namespace mac

@@ -49,16 +49,26 @@ CommonPath CommonPathFinder::result() const {
 QString differingPart(QString const& path, CommonPath const& common) {
     qsizetype const differing = path.size() - std::max<qsizetype>(common.start - 1, 0) - common.end;
     QString const withoutStart = withoutCommonStart(path, common);
-    // Where nothing but common names is left, they are what the path is known by.
+    // If only common names are left, they identify the path.
     if (common.end == 0 || differing <= 0) return withoutStart;
     return withoutStart.chopped(common.end) + '/' + Ellipsis;
 }
 
-QString elidedPath(QString const& path, CommonPath const& common, QFontMetrics const& metrics, int width) {
-    auto const fits = [&](QString const& text) { return metrics.horizontalAdvance(text) <= width; };
-    if (fits(path)) return path;
-    if (QString const withoutStart = withoutCommonStart(path, common); fits(withoutStart)) return withoutStart;
-    return metrics.elidedText(differingPart(path, common), Qt::ElideMiddle, width);
+QString shownPath(QString const& path, CommonPath const& common, PathExtent extent) {
+    switch (extent) {
+    case PathExtent::Whole:
+        return path;
+    case PathExtent::WithoutCommonFolders:
+        return withoutCommonStart(path, common);
+    case PathExtent::DifferingPart:
+        break;
+    }
+    return differingPart(path, common);
+}
+
+QString elidedPath(QString const& path, CommonPath const& common, PathExtent extent, QFontMetrics const& metrics,
+                   int width) {
+    return metrics.elidedText(shownPath(path, common, extent), Qt::ElideMiddle, width);
 }
 
 } // namespace mac

@@ -1,5 +1,5 @@
 #include "platform/appkit/interface/TableFiles.h"
-#include "platform/appkit/interface/FileMimeData.h"
+#include "platform/desktop/entries/DesktopApplication.h"
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QItemSelectionModel>
@@ -33,6 +33,58 @@ bool TableFiles::eventFilter(QObject* watched, QEvent* event) {
     if (!static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) return QObject::eventFilter(watched, event);
     copySelection();
     return true;
+}
+
+namespace {
+
+QByteArray lineOfPath(std::string const& path) {
+    QByteArray line;
+    for (char const byte : path) {
+        auto const code = static_cast<unsigned char>(byte);
+        bool const isControl = code < 0x20 || code == 0x7F;
+        if (isControl)
+            line += '\\' + QByteArray::number(code, 8).rightJustified(3, '0');
+        else
+            line += byte;
+    }
+    return line;
+}
+
+// Qt would make text and URLs of the bytes, and text again of those.
+class FileBytes : public QMimeData {
+public:
+    explicit FileBytes(std::vector<std::string> const& paths) {
+        QByteArray text;
+        QByteArray uris;
+        QByteArray copied = "copy";
+        for (std::string const& path : paths) {
+            QByteArray const uri = QByteArray::fromStdString(fileURIOfPath(path));
+            if (!text.isEmpty()) text += '\n';
+            text += lineOfPath(path);
+            uris += uri + "\r\n";
+            copied += '\n' + uri;
+        }
+        setData("text/plain", text);
+        setData("text/uri-list", uris);
+        setData("x-special/gnome-copied-files", copied);
+        m_uris = uris;
+    }
+
+protected:
+    QVariant retrieveData(QString const& format, QMetaType type) const override {
+        bool const isBytes = type.id() == QMetaType::QByteArray;
+        if (isBytes && format == "text/uri-list") return m_uris;
+        return QMimeData::retrieveData(format, type);
+    }
+
+private:
+    QByteArray m_uris;
+};
+
+} // namespace
+
+std::unique_ptr<QMimeData> mimeDataOfFiles(std::vector<std::string> const& paths) {
+    return std::make_unique<FileBytes>(paths);
 }
 
 } // namespace mac

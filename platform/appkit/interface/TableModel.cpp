@@ -1,6 +1,6 @@
 #include "platform/appkit/interface/TableModel.h"
 #include "platform/appkit/arrangement/KeptOrder.h"
-#include "platform/appkit/interface/FileMimeData.h"
+#include "platform/appkit/interface/TableFiles.h"
 #include "platform/appkit/interface/ThemeColors.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/objects/Boundary.h"
@@ -110,6 +110,15 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 CommonPath TableModel::commonPath(int section) const {
     std::size_t const number = static_cast<std::size_t>(section);
     return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
+}
+
+PathExtent TableModel::pathExtent(int section) const {
+    std::size_t const number = static_cast<std::size_t>(section);
+    return number < m_pathExtents.size() ? m_pathExtents[number] : PathExtent::Whole;
+}
+
+void TableModel::setPathExtent(int section, PathExtent extent) {
+    m_pathExtents[static_cast<std::size_t>(section)] = extent;
 }
 
 // A text for the screen has as many code units as the path.

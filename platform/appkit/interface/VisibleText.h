@@ -9,7 +9,7 @@ namespace mac {
 // characters become their pictures; bytes that are not text, and marks that turn the reading direction, become U+FFFD.
 QString visibleText(NSString const& text);
 
-// The same for any object: its description, nothing for nil and the null object.
+// The description of any object as visibleText shows it; empty for nil and the null object.
 QString visibleTextOf(id const& object);
 
 // A tool tip that shows the text as it stands: never as markup.

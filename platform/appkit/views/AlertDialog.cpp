@@ -1,6 +1,6 @@
 #include "platform/appkit/views/AlertDialog.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/foundation/running/RunLoopMode.h"
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGridLayout>

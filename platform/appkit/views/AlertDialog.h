@@ -31,7 +31,7 @@ private:
 
     QWidget* makeText(NSAlert const& alert);
     QWidget* makeButtons(NSAlert const& alert);
-    // Presses the button of that key; false if there is none.
+    // Presses the button of that key; false if no button has it.
     bool press(QKeyEvent const& key) const;
 
     std::vector<Choice> m_choices{};

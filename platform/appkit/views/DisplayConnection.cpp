@@ -43,7 +43,7 @@ void catchFatalMessage(QtMsgType type, QMessageLogContext const&, QString const&
     if (type == QtCriticalMsg) std::fputs((message.toStdString() + "\n").c_str(), stderr);
 }
 
-// A display that takes the connection and then keeps silent would hold the program for ever.
+// A display that takes the connection and then keeps silent would block the program without end.
 class DisplayWatch {
 public:
     explicit DisplayWatch(std::chrono::milliseconds limit)

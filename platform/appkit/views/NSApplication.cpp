@@ -1,5 +1,5 @@
 #include "platform/appkit/views/NSApplication.h"
-#include "platform/appkit/Registration.h"
+#include "platform/Registration.h"
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSAlert.h"
 #include "platform/appkit/views/NSBox.h"
@@ -16,7 +16,7 @@ namespace mac {
 
 class NSApplication::Body : public ObjectBody {
 public:
-    // The toolkit's application lives on where somebody else made it.
+    // The toolkit's application is not deleted if the host program made it.
     Body() {
         auto* const display = qobject_cast<QApplication*>(QCoreApplication::instance());
         if (!display) return;

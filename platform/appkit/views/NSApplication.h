@@ -18,7 +18,7 @@ public:
 
     static NSApplication sharedApplication();
 
-    // Not kept alive. Asked applicationShouldTerminateAfterLastWindowClosed: where it responds to it.
+    // The delegate, not retained. It is sent applicationShouldTerminateAfterLastWindowClosed: if it responds to that.
     id delegate() const;
     void setDelegate_(id const& delegate) const;
     // Handles events until terminate_. Linux: returns then, and at once if terminate_ came before.

@@ -5,7 +5,7 @@
 
 namespace mac {
 
-// Where a box has its title. The values are the framework's own.
+// The positions of a box's title. The values are the framework's own.
 enum NSTitlePosition : NSUInteger {
     NSNoTitle = 0,
     NSAboveTop = 1,

@@ -14,12 +14,12 @@ public:
     static ClassDescription describeClass();
 
     NSString title() const;
-    // Nil counts as empty; so in setKeyEquivalent_.
+    // Nil counts as empty, also for setKeyEquivalent_.
     void setTitle_(NSString const& title) const;
     NSInteger tag() const;
     void setTag_(NSInteger tag) const;
-    // One character: "\r" is the Return key, "\x1B" Escape. Empty: no key presses the button unless it has the
-    // keyboard.
+    // The key that presses the button, as one character: "\r" is the Return key, "\x1B" Escape. Empty: no key presses
+    // the button unless it has the keyboard.
     NSString keyEquivalent() const;
     void setKeyEquivalent_(NSString const& key) const;
 };

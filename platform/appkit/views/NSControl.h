@@ -12,7 +12,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Not kept alive.
+    // The receiver of the action, not retained; nil if there is none.
     id target() const;
     void setTarget_(id const& target) const;
     SEL action() const;

@@ -183,7 +183,7 @@ public:
         if (request.accepts) {
             // The desktop's own dialog asks about names alone.
             dialog.setOption(QFileDialog::DontUseNativeDialog);
-            // It belongs to the dialog from now on.
+            // Owned by the dialog from here on.
             dialog.setProxyModel(std::make_unique<AcceptedFiles>(request.accepts).release());
         }
         if (!request.folder.empty()) dialog.setDirectory(QFile::decodeName(request.folder.c_str()));
@@ -224,7 +224,7 @@ private:
     static std::vector<QPushButton*> addButtons(QMessageBox& box, DialogRequest const& request) {
         std::vector<QPushButton*> buttons;
         for (std::u16string const& name : request.buttons) {
-            // Of this role no desktop changes the order, and none of them becomes the default by itself.
+            // Buttons of this role keep their order on every desktop, and none becomes the default by itself.
             QPushButton* const button = box.addButton(qString(name), QMessageBox::ActionRole);
             button->setAutoDefault(false);
             buttons.push_back(button);

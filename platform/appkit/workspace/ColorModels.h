@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/objects/Object.h"
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -22,5 +23,16 @@ ColorComponents convertedComponents(ColorComponents const& components, ColorMode
 // Hue, saturation and brightness, and back. A grey has hue 0.
 ColorComponents hsbOfRGB(ColorComponents const& rgb);
 ColorComponents rgbOfHSB(ColorComponents const& hsb);
+
+// The form in which colours are archived (NSArchiver.h): a dictionary with the name of the space and its components,
+// the opacity last. For implementations; any thread.
+
+inline constexpr char ArchivedSpaceKey[] = "space";
+inline constexpr char ArchivedComponentsKey[] = "components";
+
+// REQUIRES: the object is a colour.
+id archivedColor(id const& object);
+// Nil for what archivedColor does not answer.
+id unarchivedColor(id const& list);
 
 } // namespace mac

@@ -1,5 +1,4 @@
 #include "platform/appkit/workspace/NSColor.h"
-#include "platform/appkit/workspace/ColorArchive.h"
 #include "platform/appkit/workspace/ColorModels.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/numbers/NSNumber.h"

@@ -39,7 +39,7 @@ public:
     static NSColor whiteColor();
 
     NSString colorSpaceName() const;
-    // The same colour in the other space, itself when it is in it already; nil for a name that is not above.
+    // The colour converted to the named space, itself if it is in that space already; nil for a name not listed above.
     NSColor colorUsingColorSpaceName_(NSString const& name) const;
     // A component of another kind of space raises NSInvalidArgumentException.
     double whiteComponent() const;

@@ -18,7 +18,7 @@ public:
     // With the forms that the contents of an image file have, in their order there (see NSBitmapImageRep), in the size
     // of the first; nil without any.
     NSImage initWithData_(NSData const& data) const;
-    // Likewise of a file of at most 256 MiB; nil for one that cannot be read.
+    // An image of a file of at most 256 MiB; nil if the file cannot be read.
     NSImage initWithContentsOfFile_(NSString const& path) const;
 
     // Whether it has a form, or a size to draw in.
@@ -27,9 +27,9 @@ public:
     // The forms stay as they are.
     void setSize_(NSSize size) const;
 
-    // Those that there are now, in the order in which they were added.
+    // The present representations, in the order in which they were added.
     NSArray representations() const;
-    // Nil is none.
+    // Adding nil does nothing.
     void addRepresentation_(NSImageRep const& representation) const;
     void addRepresentations_(NSArray const& representations) const;
     // This very form; nothing happens where the image does not have it.

@@ -11,7 +11,7 @@ namespace mac {
 
 struct Picture;
 
-// One form of an image: so many pixels, meant to be shown in so many points. Main thread.
+// A representation of an image: a number of pixels, to be shown at a size in points. Main thread.
 class NSImageRep : public Handle<NSImageRep, NSObject> {
 public:
     class Body;
@@ -45,7 +45,7 @@ public:
     static ClassDescription describeClass();
 
     // The pictures in the contents of an image file, in their order there: in one of the formats of
-    // CGImageSourceCopyTypeIdentifiers, JPEG 2000 or a family of icons. Empty for what is none of them, and for more
+    // CGImageSourceCopyTypeIdentifiers, JPEG 2000 or a family of icons. Empty for data of any other kind, and for more
     // than 32 Mi pixels in all.
     static NSArray imageRepsWithData_(NSData const& data);
     // The first of them; nil without one.

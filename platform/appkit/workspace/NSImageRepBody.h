@@ -14,7 +14,7 @@ public:
     NSSize size() const { return m_size; }
     void setSize(NSSize size) { m_size = size; }
 
-    // Copies share the pixels, which nobody changes.
+    // Copies share the pixels, which are immutable.
     id copy() const override;
 
 private:

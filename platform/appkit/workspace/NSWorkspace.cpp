@@ -1,6 +1,6 @@
 #include "platform/appkit/workspace/NSWorkspace.h"
-#include "platform/appkit/Registration.h"
-#include "platform/appkit/workspace/ColorArchive.h"
+#include "platform/Registration.h"
+#include "platform/appkit/workspace/ColorModels.h"
 #include "platform/appkit/workspace/NSColor.h"
 #include "platform/appkit/workspace/NSGraphicsContext.h"
 #include "platform/desktop/browser/FileBrowserSession.h"
@@ -54,7 +54,7 @@ bool launchBundle(NSString const& path) {
 
 bool launchFinder() {
     if (!FileBrowserSession().launch().isDone()) return false;
-    // One that was started just now may have no window yet.
+    // A process that was started just now may have no window yet.
     bringFileBrowserToFront();
     return true;
 }

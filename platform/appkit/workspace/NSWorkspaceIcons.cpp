@@ -1,5 +1,5 @@
 #include "platform/appkit/workspace/NSWorkspace.h"
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include "platform/icons/IconSource.h"
 #include "platform/launchservices/DiskItem.h"
 

@@ -1,6 +1,5 @@
 #include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/applications/Program.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"

@@ -1,11 +1,9 @@
 #include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/foundation/text/Encodings.h"
-#include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include <algorithm>

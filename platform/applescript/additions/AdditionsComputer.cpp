@@ -1,6 +1,5 @@
 #include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/files/volumes/Volumes.h"
 #include "platform/foundation/text/Encodings.h"

@@ -1,6 +1,5 @@
 #include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/applications/FinderItem.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
@@ -8,7 +7,6 @@
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/launchservices/BundleFiles.h"
-#include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/system/FolderContents.h"
 #include <algorithm>

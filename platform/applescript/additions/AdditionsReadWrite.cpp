@@ -1,7 +1,7 @@
 #include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/StoredValues.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"

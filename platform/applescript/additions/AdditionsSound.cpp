@@ -1,7 +1,6 @@
 #include "platform/applescript/additions/AdditionKeys.h"
 #include "platform/applescript/additions/AdditionParameters.h"
 #include "platform/applescript/additions/Additions.h"
-#include "platform/applescript/additions/DialogArguments.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/ShellCommand.h"

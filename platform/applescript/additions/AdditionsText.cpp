@@ -4,7 +4,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
-#include "platform/applescript/runtime/RealText.h"
+#include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/applescript/runtime/TextComparison.h"
 #include "platform/applescript/runtime/TextElements.h"

@@ -3,12 +3,11 @@
 #include "platform/applescript/runtime/FileErrors.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/foundation/text/NSString.h"
-#include "platform/launchservices/ContentTypes.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/PercentEscapes.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemLock.h"
 #include <cerrno>

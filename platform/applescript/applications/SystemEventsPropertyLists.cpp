@@ -1,4 +1,3 @@
-#include "platform/applescript/applications/PropertyListValues.h"
 #include "platform/applescript/applications/SystemEvents.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Application.h"

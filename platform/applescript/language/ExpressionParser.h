@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/language/ScopeResolution.h"
-#include "platform/applescript/language/SyntaxError.h"
+#include "platform/applescript/language/ScriptToken.h"
 #include "platform/applescript/language/TokenReader.h"
 #include <memory>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/language/Literal.h"
-#include "platform/applescript/language/SourceRange.h"
+#include "platform/applescript/language/ScriptToken.h"
 #include "platform/applescript/language/Terminology.h"
 #include <vector>
 

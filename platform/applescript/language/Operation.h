@@ -43,6 +43,20 @@ enum class Operation : std::uint8_t {
     NotRunning,
 };
 
+// How tightly operators bind: of two, the one with the higher number takes the operand between them.
+namespace precedence {
+inline constexpr int Or = 1;
+inline constexpr int And = 2;
+inline constexpr int Not = 3;
+inline constexpr int Equality = 4;
+inline constexpr int Relation = 5;
+inline constexpr int Coercion = 6;
+inline constexpr int Concatenation = 7;
+inline constexpr int Sum = 8;
+inline constexpr int Product = 9;
+inline constexpr int Power = 10;
+} // namespace precedence
+
 // How an element is chosen.
 enum class Form : std::uint8_t {
     Property,

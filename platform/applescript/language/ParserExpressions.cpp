@@ -1,7 +1,7 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/ErrorNumbers.h"
 #include "platform/applescript/language/ExpressionParser.h"
-#include "platform/applescript/language/OperatorPrecedence.h"
+#include "platform/applescript/language/Operation.h"
 #include <cmath>
 
 namespace mac::applescript {

@@ -1,5 +1,5 @@
 #include "platform/applescript/language/ExpressionParser.h"
-#include "platform/applescript/language/OperatorPrecedence.h"
+#include "platform/applescript/language/Operation.h"
 #include <array>
 
 namespace mac::applescript {

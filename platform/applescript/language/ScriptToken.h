@@ -1,11 +1,24 @@
 #pragma once
 
-#include "platform/applescript/language/SourceRange.h"
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace mac::applescript {
+
+// A place in a source or another text, in UTF-16 code units; the end is the first one after.
+struct SourceRange {
+    std::uint32_t start{0};
+    std::uint32_t end{0};
+};
+
+// The first mistake in a source, thrown by the parser.
+struct SyntaxError {
+    std::int32_t number{0};
+    std::u16string message{};
+    SourceRange range{};
+};
 
 enum class TokenKind : std::uint8_t {
     // An identifier or a reserved word; `word` is its lower case.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/language/NameIndex.h"
+#include "platform/applescript/language/ScriptSymbol.h"
 #include "platform/applescript/language/Statements.h"
 #include <deque>
 

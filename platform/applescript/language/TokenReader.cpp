@@ -1,7 +1,7 @@
 #include "platform/applescript/language/TokenReader.h"
 #include "platform/applescript/language/ErrorNumbers.h"
+#include "platform/applescript/language/ScriptToken.h"
 #include "platform/applescript/language/StackRoom.h"
-#include "platform/applescript/language/SyntaxError.h"
 #include <algorithm>
 
 namespace mac::applescript {

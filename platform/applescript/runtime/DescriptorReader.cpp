@@ -5,7 +5,7 @@
 #include "platform/applescript/runtime/ObjectSpecifier.h"
 #include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/applescript/runtime/ScriptError.h"
-#include "platform/applescript/runtime/ScriptFileURLs.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/DescriptorNumber.h"

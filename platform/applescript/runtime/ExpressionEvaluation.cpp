@@ -1,15 +1,12 @@
 #include "platform/applescript/runtime/ExpressionEvaluation.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
-#include "platform/applescript/runtime/CommandCalls.h"
 #include "platform/applescript/runtime/ElementAccess.h"
+#include "platform/applescript/runtime/Evaluator.h"
 #include "platform/applescript/runtime/HandlerCalls.h"
-#include "platform/applescript/runtime/ListItems.h"
-#include "platform/applescript/runtime/ObjectExpressions.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/applescript/runtime/QuickOperations.h"
 #include "platform/applescript/runtime/ReferenceEvaluation.h"
-#include "platform/applescript/runtime/ScriptInstances.h"
 
 namespace mac::applescript {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/applescript/language/SourceRange.h"
+#include "platform/applescript/language/ScriptToken.h"
 #include "platform/applescript/runtime/ScriptValue.h"
 #include "platform/applescript/runtime/ValueList.h"
 #include "platform/system/items/ItemIdentity.h"

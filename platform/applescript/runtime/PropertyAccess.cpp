@@ -1,6 +1,5 @@
 #include "platform/applescript/language/LanguageCodes.h"
 #include "platform/applescript/runtime/Coercion.h"
-#include "platform/applescript/runtime/DateTerms.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptError.h"

@@ -2,7 +2,6 @@
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Application.h"
 #include "platform/applescript/runtime/Coercion.h"
-#include "platform/applescript/runtime/CommandCalls.h"
 #include "platform/applescript/runtime/ExpressionEvaluation.h"
 #include "platform/foundation/text/Encodings.h"
 

@@ -1,7 +1,7 @@
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/language/StackRoom.h"
 #include "platform/applescript/language/Terminology.h"
-#include "platform/applescript/runtime/RealText.h"
+#include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include <initializer_list>
 

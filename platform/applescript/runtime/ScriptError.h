@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/applescript/language/ErrorNumbers.h"
-#include "platform/applescript/language/SyntaxError.h"
+#include "platform/applescript/language/ScriptToken.h"
 #include "platform/applescript/runtime/ScriptValue.h"
 #include <optional>
 

@@ -1,7 +1,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/applescript/language/Units.h"
 #include "platform/applescript/runtime/ObjectSpecifier.h"
-#include "platform/applescript/runtime/RealText.h"
+#include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/ScriptObject.h"

@@ -1,13 +1,10 @@
 #include "platform/applescript/runtime/StatementExecution.h"
 #include "platform/applescript/runtime/Application.h"
-#include "platform/applescript/runtime/Assignment.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/applescript/runtime/ExpressionEvaluation.h"
-#include "platform/applescript/runtime/GrowthInPlace.h"
 #include "platform/applescript/runtime/Operators.h"
 #include "platform/applescript/runtime/ReferenceEvaluation.h"
-#include "platform/applescript/runtime/RepeatExecution.h"
 #include "platform/applescript/runtime/RunLimits.h"
 
 namespace mac::applescript {

@@ -2,8 +2,11 @@
 
 #include "platform/desktop/entries/DesktopApplication.h"
 #include "platform/system/processes/ProcessList.h"
+#include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Which program shows folders on this desktop, which processes run it, how those were started, and how they are asked
@@ -48,5 +51,24 @@ bool askToQuit(FileBrowser const& browser, std::vector<ProcessIdentity> const& p
 // Asks any process to quit and does not wait: the file browser as above, others by SIGTERM. False if it has ended
 // already, or may not be asked. Main thread.
 bool askToQuit(ProcessIdentity const& process);
+
+// The desktop's file browser as it was a second ago at most: to look it up takes as long as to read a hundred
+// processes, each of which is compared with it. One thread at a time.
+class RecentFileBrowser {
+public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+    explicit RecentFileBrowser(Clock clock = &std::chrono::steady_clock::now) : m_now(std::move(clock)) {}
+
+    // nullopt if there is no file browser.
+    std::optional<FileBrowser> const& get();
+    // Has the next get look it up, however short the last one is ago.
+    void forget() { m_readAt.reset(); }
+
+private:
+    Clock m_now;
+    std::optional<FileBrowser> m_fileBrowser;
+    std::optional<std::chrono::steady_clock::time_point> m_readAt;
+};
 
 } // namespace mac

@@ -1,6 +1,5 @@
 #include "platform/desktop/entries/StartedItem.h"
 #include "platform/desktop/HexText.h"
-#include "platform/desktop/entries/CommandWords.h"
 #include "platform/desktop/entries/DesktopEntry.h"
 #include "platform/system/ASCII.h"
 #include "platform/system/BytePath.h"
@@ -8,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
+#include <memory>
 #include <span>
 #include <unistd.h>
 
@@ -190,6 +191,12 @@ std::string itemStartedBy(std::string_view commandLine, ResolvedFolders& folders
 std::string itemStartedBy(std::string_view commandLine) {
     ResolvedFolders folders;
     return itemStartedBy(commandLine, folders);
+}
+
+std::string loginLauncherPath() {
+    std::unique_ptr<char, decltype(&::free)> const program(::realpath("/proc/self/exe", nullptr), &::free);
+    bool const isOfBuild = program && BytePath(program.get()).isBelow(BUILD_FOLDER);
+    return isOfBuild ? BUILT_LOGIN_LAUNCHER : INSTALLED_LOGIN_LAUNCHER;
 }
 
 } // namespace mac

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 // The session's message bus. For implementations; any thread may connect, and uses its connection alone.
 
@@ -40,5 +41,10 @@ BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name
 
 // Takes the well-known name. False if another connection has it.
 bool requestBusName(QDBusConnection const& connection, QString const& name);
+
+// Whether the message bus at the address greets a client in time. The toolkit's own connecting knows no time-out of the
+// caller's, and holds up all its other connections while a stopped bus keeps silent. True where that cannot be told:
+// for an address that is no local socket, and without one that can be connected to, which fails at once. Any thread.
+bool doesBusAnswer(std::string_view address, std::chrono::milliseconds longest);
 
 } // namespace mac

@@ -1,7 +1,7 @@
 #include "platform/files/aliases/Aliases.h"
 #include "platform/files/aliases/AliasSearch.h"
 #include "platform/files/references/FileStatuses.h"
-#include "platform/files/references/ItemNames.h"
+#include "platform/files/references/HFSPaths.h"
 #include "platform/files/references/ItemReferences.h"
 #include <algorithm>
 #include <cerrno>

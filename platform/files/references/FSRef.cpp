@@ -1,7 +1,7 @@
 #include "platform/files/references/FSRef.h"
 #include "platform/files/ItemExchange.h"
 #include "platform/files/references/FileStatuses.h"
-#include "platform/files/references/ItemNames.h"
+#include "platform/files/references/HFSPaths.h"
 #include "platform/files/references/ItemReferences.h"
 #include <cerrno>
 #include <cstring>
@@ -38,16 +38,6 @@ bool isThisComputer(NSString const& host) {
 }
 
 } // namespace
-
-std::optional<std::string> fileNameOfHFSName(std::u16string_view name) {
-    std::u16string shown(name);
-    for (char16_t& unit : shown) {
-        if (unit == u':') return std::nullopt;
-        if (unit == u'/') unit = u':';
-    }
-    if (shown == u"." || shown == u"..") return std::nullopt;
-    return NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
-}
 
 bool CFURLGetFSRef(CFURLRef const& url, FSRef* fsRef) {
     if (!fsRef) return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/MacErrors.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include "platform/foundation/urls/CFURL.h"
 #include <array>
 

@@ -88,4 +88,14 @@ std::u16string posixPathFromHFSPath(std::u16string_view path, std::vector<Mounte
     return rest.empty() ? u"/" + name : u"/Volumes/" + name + rest;
 }
 
+std::optional<std::string> fileNameOfHFSName(std::u16string_view name) {
+    std::u16string shown(name);
+    for (char16_t& unit : shown) {
+        if (unit == u':') return std::nullopt;
+        if (unit == u'/') unit = u':';
+    }
+    if (shown == u"." || shown == u"..") return std::nullopt;
+    return NSString::stringWithCodeUnits(shown).fileSystemRepresentation();
+}
+
 } // namespace mac

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/files/volumes/Volumes.h"
+#include "platform/foundation/objects/Types.h"
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,5 +27,9 @@ std::u16string posixPathFromHFSPath(std::u16string_view path);
 // Conversion by a given list of volumes.
 std::u16string hfsPathFromPOSIXPath(std::u16string_view path, bool isFolder, std::vector<MountedVolume> const& volumes);
 std::u16string posixPathFromHFSPath(std::u16string_view path, std::vector<MountedVolume> const& volumes);
+
+// The bytes on the disk of a file name in the form of HFS, whose slashes paths show as colons; nullopt for a name that
+// no item can have: with a colon, "." and "..", or without bytes in the file system. Any thread.
+std::optional<std::string> fileNameOfHFSName(std::u16string_view name);
 
 } // namespace mac

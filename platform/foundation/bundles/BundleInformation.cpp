@@ -55,7 +55,7 @@ std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
     return BytePath(bundlePath).joined(kPlaces[place]);
 }
 
-// The file at that place of the bundle; nullopt if there is none.
+// The information file at that place of the bundle; nullopt if it does not exist.
 std::optional<FileState> fileAtPlace(std::string_view bundlePath, std::size_t place) {
     Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, place));
     if (status.hasValue()) return FileState{.place = place, .status = status.value()};

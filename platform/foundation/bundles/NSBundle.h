@@ -18,10 +18,11 @@ public:
 
     // The running program's bundle: the one its executable lies in (Contents/Linux), else the executable's folder.
     static NSBundle mainBundle();
-    // Nil when there is no folder at the path; a folder without an information file is a bundle that tells nothing.
+    // Nil when there is no folder at the path; a folder without an information file has an empty information
+    // dictionary.
     static NSBundle bundleWithPath_(NSString const& path);
 
-    // As it was given.
+    // The path that the bundle was made with, unchanged.
     NSString bundlePath() const;
     // The dictionary of Contents/Info.plist, else Info.plist, Resources/Info.plist or Support Files/Info.plist; an
     // empty one when there is no file or it cannot be used (which is logged once for each state of the file). Its
@@ -47,14 +48,14 @@ struct BundleSummary {
     id shortVersion{};
 };
 
-// What a single look at a path tells.
+// The result of one look at a path.
 struct BundleLook {
     // Whether there is an item at the path, a bundle or not.
     bool exists{false};
     BundleSummary summary{};
 };
 
-// The same answers as NSFileManager's fileExistsAtPath: and those of a bundle with the path for CFBundleIdentifier,
+// Answers what fileExistsAtPath: of NSFileManager does for the path, and what its bundle does for CFBundleIdentifier,
 // CFBundleVersion and CFBundleShortVersionString. A file that has been read and has not changed since takes its status
 // alone: one system call if it lies in Contents, one for the path and one for each further place if it does not, and
 // two if there is no folder at the path. What was read of the last 262,144 bundles is remembered, twice as many at

@@ -16,7 +16,7 @@ class NSArray::Body : public ObjectBody {
 public:
     Body();
     explicit Body(std::vector<id> objects);
-    // An array that stands for another.
+    // Makes an array that reads and changes the one behind a key of an object (mutableArrayValueForKey_).
     explicit Body(std::unique_ptr<ArrayBehindKey> source);
     ~Body() override;
 
@@ -30,12 +30,12 @@ public:
     id valueForKeyPath(NSString const& keyPath) override;
     void setValueForKeyPath(id const& value, NSString const& keyPath) override;
 
-    // Those of the array that this one stands for, if it does.
+    // The members; those of the array behind the key if this one stands for it.
     std::span<id const> objects() const { return m_source ? objectsOfSource() : std::span<id const>(m_objects); }
 
     std::vector<id> m_objects;
     std::unique_ptr<ArrayBehindKey> m_source;
-    // Grows with each change but replacements.
+    // Counts insertions and removals, but no replacements: an enumeration notices them by it.
     std::uint32_t m_changes{0};
 
 private:
@@ -113,7 +113,7 @@ private:
 
 inline std::vector<id> copied(std::span<id const> objects) { return {objects.begin(), objects.end()}; }
 
-// The same object, or an equal one.
+// Whether both are one object, or equal; nil is the same as nil.
 inline bool isSameOrEqual(id const& a, id const& b) { return isSame(a, b) || a.isEqual_(b); }
 
 // The collection as nested old-style text, for people to read: dictionaries with string keys in the order of their

@@ -17,7 +17,7 @@ public:
     id copy() const override;
     id mutableCopy() const override;
 
-    // Of valid ranges.
+    // REQUIRES: every index of the range is below NSNotFound.
     void add(NSRange range);
     void remove(NSRange range);
 

@@ -32,7 +32,7 @@ public:
     NSEnumerator objectEnumerator() const;
     bool isEqualToDictionary_(NSDictionary const& other) const;
 
-    // Of the attributes of a file, see NSFileAttributes.h; nil, 0 and NO for a missing one and one of another class.
+    // Read attributes of a file (NSFileAttributes.h); nil, 0 or NO if one is missing or of another class.
     NSString fileType() const;
     unsigned long long fileSize() const;
     NSUInteger filePosixPermissions() const;

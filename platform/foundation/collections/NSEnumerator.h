@@ -12,10 +12,10 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil when all have been given, whatever became of the collection since. Before that, once a member came to the
-    // collection or left it, this raises NSGenericException; one that took another's place is given.
+    // The next member; nil after the last one, even if the collection has changed since. Raises NSGenericException if a
+    // member was inserted or removed before that; a member that replaced another is given.
     id nextObject() const;
-    // Those not given yet.
+    // The members that nextObject has not given yet; none are left afterwards.
     NSArray allObjects() const;
 };
 

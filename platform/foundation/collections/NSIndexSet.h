@@ -17,14 +17,14 @@ public:
     static NSIndexSet indexSet();
     static NSIndexSet indexSetWithIndex_(NSUInteger index);
     static NSIndexSet indexSetWithIndexesInRange_(NSRange range);
-    // For objects fresh from alloc. A nil other set stands for none.
+    // Initialise objects just allocated. A nil set counts as empty.
     NSIndexSet init() const;
     NSIndexSet initWithIndex_(NSUInteger index) const;
     NSIndexSet initWithIndexesInRange_(NSRange range) const;
     NSIndexSet initWithIndexSet_(NSIndexSet const& other) const;
 
     NSUInteger count() const;
-    // NSNotFound where there is none such.
+    // NSNotFound if no index qualifies.
     NSUInteger firstIndex() const;
     NSUInteger lastIndex() const;
     NSUInteger indexGreaterThanIndex_(NSUInteger index) const;
@@ -33,13 +33,13 @@ public:
     NSUInteger indexLessThanOrEqualToIndex_(NSUInteger index) const;
 
     bool containsIndex_(NSUInteger index) const;
-    // All of them; an empty range or set is not contained, or is, as with the framework: the range is not, the set is.
+    // Whether all of the indexes are in the set. As in the framework, an empty range never is, an empty set always.
     bool containsIndexesInRange_(NSRange range) const;
     bool containsIndexes_(NSIndexSet const& other) const;
     bool intersectsIndexesInRange_(NSRange range) const;
     NSUInteger countOfIndexesInRange_(NSRange range) const;
-    // Writes the first indexes of the range, at most so many, and answers how many. The range shrinks to what has not
-    // been looked at; without a range all indexes are meant.
+    // Copies the first indexes within the range, at most maxCount, into the caller's buffer and answers how many. The
+    // range shrinks to the part not yet read; a null range means all indexes.
     NSUInteger getIndexes_maxCount_inIndexRange_(NSUInteger* indexes, NSUInteger maxCount, NSRange* range) const;
     bool isEqualToIndexSet_(NSIndexSet const& other) const;
 
@@ -69,8 +69,8 @@ public:
     void removeIndexesInRange_(NSRange range) const;
     void removeIndexes_(NSIndexSet const& other) const;
     void removeAllIndexes() const;
-    // Moves the index and those behind it: up, leaving a gap, or down, over those in the way. An index that would come
-    // to lie below 0 or at NSNotFound raises NSRangeException.
+    // Adds the delta to the index and to all greater ones: a positive delta leaves a gap, a negative one overwrites. An
+    // index that would come to lie below 0 or at NSNotFound raises NSRangeException.
     void shiftIndexesStartingAtIndex_by_(NSUInteger index, NSInteger delta) const;
 };
 

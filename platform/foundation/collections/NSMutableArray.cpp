@@ -37,7 +37,7 @@ void change(NSMutableArray const& array, NSUInteger kind, NSIndexSet const& inde
     body.m_changes += counted;
 }
 
-// Without the cost of an index set where nobody asks for it.
+// Avoids making an index set that no observer asks for.
 template <class Edit>
 void changeAt(NSMutableArray const& array, NSUInteger kind, NSRange range, Edit const& edit) {
     change(array, kind, bodyOf(array)->m_source ? NSIndexSet::indexSetWithIndexesInRange_(range) : NSIndexSet(), edit);

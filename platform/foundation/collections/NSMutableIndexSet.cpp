@@ -9,7 +9,7 @@ namespace mac {
 
 void NSIndexSet::Body::add(NSRange range) {
     if (range.length == 0) return;
-    // Those that the new one meets or touches become one with it.
+    // Ranges that the new one overlaps or touches are merged with it.
     auto const first = std::ranges::lower_bound(m_ranges, range.location, {}, endOf);
     auto const last = std::ranges::upper_bound(first, m_ranges.end(), endOf(range), {}, &NSRange::location);
     if (first == last) {
@@ -114,7 +114,7 @@ void NSMutableIndexSet::removeIndexes_(NSIndexSet const& other) const {
         for (; obstacle != removed.end() && obstacle->location < endOf(range); ++obstacle) {
             if (obstacle->location > start) rest.push_back({start, obstacle->location - start});
             start = std::max(start, endOf(*obstacle));
-            // It may reach into the next range.
+            // The shifted range may overlap the next one.
             if (start > endOf(range)) break;
         }
         if (start < endOf(range)) rest.push_back({start, endOf(range) - start});

@@ -15,24 +15,24 @@ public:
     // A nil or empty key compares the objects themselves; no selector is compare:.
     static NSSortDescriptor sortDescriptorWithKey_ascending_selector_(NSString const& key, BOOL ascending,
                                                                       SEL selector);
-    // With compare:.
+    // Compares values by compare:.
     static NSSortDescriptor sortDescriptorWithKey_ascending_(NSString const& key, BOOL ascending);
 
     NSString key() const;
     bool ascending() const;
     SEL selector() const;
-    // The same criterion in the other direction.
+    // A descriptor of the same key and selector in the opposite direction.
     NSSortDescriptor reversedSortDescriptor() const;
     // Missing values come first in ascending order. A value that does not understand the selector raises
     // NSInvalidArgumentException.
     NSComparisonResult compareObject_toObject_(id const& first, id const& second) const;
-    // The same for two values of the key, read already.
+    // Compares two values of the key that the caller has read.
     NSComparisonResult compareValues(id const& first, id const& second) const;
     // The value of the key.
     id valueOfObject(id const& object) const;
 };
 
-// What the selector answers for two values; nil comes first, and without a message.
+// The answer of the first value to the selector with the second one; nil is ordered first, without a message.
 NSComparisonResult compareBySelector(id const& first, id const& second, SEL selector);
 
 }

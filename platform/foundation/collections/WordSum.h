@@ -17,7 +17,8 @@ int checksumOfWordSum(std::uint32_t sum);
 
 // Word by word, on any processor.
 std::uint32_t sumOfWordsPlainly(std::span<std::byte const> bytes);
-// Those that this processor has instructions for, the fastest first; all have the same results. At least one.
+// The implementations that this processor has instructions for, at least one, the fastest first. All give the same
+// sums.
 std::span<WordSummation const> wordSummations();
 
 } // namespace mac

@@ -18,8 +18,8 @@ public:
 
     static ClassDescription describeClass();
 
-    // Those of the item given last, links not followed, as NSFileManager tells
-    // them; of the folder itself.
+    // The attributes, under the keys of NSFileAttributes.h, of the item given last, a final symbolic link not followed;
+    // and of the folder that is enumerated.
     NSDictionary fileAttributes() const;
     NSDictionary directoryAttributes() const;
     // What is in the folder given last is left out.

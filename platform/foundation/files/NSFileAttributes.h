@@ -6,7 +6,7 @@ namespace mac {
 
 // Keys of a file's attributes; NSDictionary has a message for each.
 
-// One of the strings below.
+// The kind of item: one of the strings below.
 inline constexpr char NSFileType[] = "NSFileType";
 inline constexpr char NSFileTypeDirectory[] = "NSFileTypeDirectory";
 inline constexpr char NSFileTypeRegular[] = "NSFileTypeRegular";
@@ -21,10 +21,10 @@ inline constexpr char NSFileReferenceCount[] = "NSFileReferenceCount";
 inline constexpr char NSFilePosixPermissions[] = "NSFilePosixPermissions";
 inline constexpr char NSFileOwnerAccountID[] = "NSFileOwnerAccountID";
 inline constexpr char NSFileGroupOwnerAccountID[] = "NSFileGroupOwnerAccountID";
-// Of the volume, and of the file on it.
+// The numbers of the volume, and of the file on it.
 inline constexpr char NSFileSystemNumber[] = "NSFileSystemNumber";
 inline constexpr char NSFileSystemFileNumber[] = "NSFileSystemFileNumber";
-// Of the device that a special file stands for.
+// The number of the device that a special file stands for.
 inline constexpr char NSFileDeviceIdentifier[] = "NSFileDeviceIdentifier";
 // Truth values.
 inline constexpr char NSFileImmutable[] = "NSFileImmutable";

@@ -23,24 +23,21 @@ public:
     bool fileExistsAtPath_(NSString const& path) const;
     // isDirectory may be null.
     bool fileExistsAtPath_isDirectory_(NSString const& path, bool* isDirectory) const;
-    // What the user that the program runs for may do. An item can be deleted by
-    // who may write to its folder.
+    // Whether the user that the program runs for may do so. An item may be deleted by those who may write to its
+    // folder.
     bool isReadableFileAtPath_(NSString const& path) const;
     bool isWritableFileAtPath_(NSString const& path) const;
     bool isExecutableFileAtPath_(NSString const& path) const;
     bool isDeletableFileAtPath_(NSString const& path) const;
 
-    // Under the keys of NSFileAttributes.h; nil where there is nothing. With NO a
-    // link at the end is meant itself. A creation date that FSSetCatalogInfo set
-    // counts, and not the file system's own.
+    // The attributes under the keys of NSFileAttributes.h; nil if there is no item. With NO a final symbolic link is
+    // not followed. A creation date that FSSetCatalogInfo set counts, and not the file system's own.
     NSDictionary fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const;
-    // Those of the attributes that can be changed: permissions, modification
-    // date, owner, group, immutable and append only; what else the dictionary
-    // holds is left aside. False when one of them could not be; others may be
-    // changed then. Linux: no file system lets the creation date be set, so
-    // asking for another one is a failure.
+    // Sets the attributes that can be changed: permissions, modification date, owner, group, immutable and append only;
+    // other keys are ignored. False if one of them could not be set; others may have been set then.
+    // Linux: no file system lets the creation date be set, so asking for another one is a failure.
     bool changeFileAttributes_atPath_(NSDictionary const& attributes, NSString const& path) const;
-    // Of the volume; sizes in bytes.
+    // The attributes of the volume that holds the path; sizes in bytes.
     NSDictionary fileSystemAttributesAtPath_(NSString const& path) const;
 
     // The name as people see it; that of the path when there is nothing.
@@ -50,9 +47,9 @@ public:
     // The names in a folder, sorted by their bytes in the file system, without
     // "." and ".."; nil for what is no folder that can be read.
     NSArray directoryContentsAtPath_(NSString const& path) const;
-    // Everything below a folder; nil for what is none.
+    // Gives the relative paths of everything below a folder; nil if the path names no folder.
     NSDirectoryEnumerator enumeratorAtPath_(NSString const& path) const;
-    // Nil for what cannot be read, is no regular file or is larger than 1 GiB.
+    // The bytes of a file; nil if it cannot be read, is not a regular file or is larger than 1 GiB.
     NSData contentsAtPath_(NSString const& path) const;
     // Whether both are files of the same bytes, links of the same text, or
     // folders with the same names of items that are equal. Links are not
@@ -62,10 +59,9 @@ public:
     // The attributes may be nil. False where something is already, or the folder
     // above is not.
     bool createDirectoryAtPath_attributes_(NSString const& path, NSDictionary const& attributes) const;
-    // Replaces a file that is there unless it is locked, old whole or new whole;
-    // it keeps what the attributes do not say. Nil contents are none. False also when an attribute
-    // could not be set; the file is there then, and nobody gets more of it than
-    // the attributes allow.
+    // Creates a file or replaces an unlocked one atomically; a replaced file keeps what the attributes do not set. Nil
+    // contents make an empty file. False also when an attribute could not be set; the file exists then, with no wider
+    // permissions than the attributes allow.
     bool createFileAtPath_contents_attributes_(NSString const& path, NSData const& contents,
                                                NSDictionary const& attributes) const;
     // The three operations below delete, move and copy whole items, folders with all that is in them. Symbolic links
@@ -77,7 +73,8 @@ public:
     // operation leaves that item alone, goes on with the rest and answers YES. Nothing is sent for a path that is nil,
     // empty or can name no file.
 
-    // Deletes for good. A locked item or a mount point in the folder is a failure before anything is deleted.
+    // Deletes permanently, not into a trash. A locked item or a mount point in the folder is a failure before anything
+    // is deleted.
     bool removeFileAtPath_handler_(NSString const& path, id const& handler) const;
     // False if something has the new path. To another volume the item is copied completely before the original goes. A
     // failure leaves the item where it was, unless the text says otherwise.
@@ -86,7 +83,7 @@ public:
     // False if something has the new path, which names the copy itself. The copy is complete when it appears.
     bool copyPath_toPath_handler_(NSString const& path, NSString const& newPath, id const& handler) const;
 
-    // The text of a link; nil for what is none.
+    // The target that a symbolic link holds, unresolved; nil if the item is not a symbolic link.
     NSString pathContentOfSymbolicLinkAtPath_(NSString const& path) const;
     bool createSymbolicLinkAtPath_pathContent_(NSString const& path, NSString const& content) const;
 };

@@ -28,7 +28,7 @@ std::string reasonOf(SystemError const& error) {
     return error.item.empty() ? reason : "\"" + std::string(BytePath(error.item).leaf()) + "\": " + reason;
 }
 
-// One operation's questions to the handler.
+// Asks the handler of one operation.
 class HandledOperation {
 public:
     // `toPath` is empty for an operation on one path.

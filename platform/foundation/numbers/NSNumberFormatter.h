@@ -37,7 +37,7 @@ public:
     bool hasThousandSeparators() const;
     void setHasThousandSeparators_(BOOL hasSeparators) const;
 
-    // What stands for no number, and for one that is none; "" and "NaN" at first.
+    // The texts for nil and for a value that is not a number (NaN); "" and "NaN" initially.
     NSString nilSymbol() const;
     void setNilSymbol_(NSString const& symbol) const;
     NSString notANumberSymbol() const;
@@ -45,7 +45,7 @@ public:
 
     // Infinities are "+∞" and "-∞".
     NSString stringFromNumber_(NSNumber const& number) const;
-    // Nil for an object that is no number.
+    // The number's text; nil for an object that is not a number.
     NSString stringForObjectValue_(id const& object) const;
     // Whole numbers are integers where they can be; a real too large is infinite, one too small 0. Nil for a text that
     // the format would not print.

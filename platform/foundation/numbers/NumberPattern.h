@@ -18,9 +18,9 @@ struct DecimalNumber {
     std::string digits;
     int exponent{0};
 
-    // Of C's %g style, without a sign: "1", "0.25", "1e+20".
+    // Reads a text in the style of C's %g, without a sign: "1", "0.25", "1e+20".
     static DecimalNumber fromText(std::string_view text);
-    // To so many digits behind the point, ties to the even digit.
+    // Rounds to that many digits behind the point, ties to the even digit.
     void round(int fractionDigits);
     // The digit at a place: 0 is the one before the point, -1 the first behind it.
     char digitAt(int place) const;

@@ -10,8 +10,8 @@ class ArrayBehindKey {
 public:
     ArrayBehindKey(id object, NSString const& key) : m_object(std::move(object)), m_key(key.copy()) {}
 
-    // Valid until the value changes. The same place in memory as long as the value has the same members, so that a loop
-    // may ask for its begin and end one by one; a getter that answers others each time raises
+    // The members, valid until the value changes. They stay at one address while the value has the same members, so
+    // that a loop may ask for begin and end separately; a getter that answers others each time raises
     // NSInvalidArgumentException.
     std::span<id const> objects();
     // Sets a copy that the function has changed. Observers learn of the indexes, where there are some.

@@ -61,9 +61,9 @@ public:
 struct ClassDescription {
     std::string_view name;
     Class superclass{};
-    // Makes an empty body for alloc; null where there is no such thing.
+    // Makes an empty body for alloc; null if the class has none that starts empty.
     ObjectBody* (*makeBody)(){nullptr};
-    // +initialize; null where there is none.
+    // The class's +initialize; null if it has none.
     void (*initialize)(){nullptr};
     std::vector<Method> methods{};
     std::vector<Method> classMethods{};

@@ -33,7 +33,7 @@ private:
     std::exception_ptr m_first;
 };
 
-// As "<Class 0x…>".
+// The object as "<Class 0x…>".
 std::string named(id const& object) {
     if (object == nil) return "(null)";
     return NSString::stringWithFormat_("<%s %p>", std::string(object.class_().name()),
@@ -54,7 +54,7 @@ void endThoseWithoutObserver(ObjectAssociations const& associations) {
     }
 }
 
-// Those who observe the key, each once: a path that comes through the object twice counts where it does first.
+// The observations of the key, each once: one whose path passes through the object twice counts at its first step.
 std::vector<Told> observersOfKey(ObjectAssociations const& associations, NSString const& key) {
     std::vector<Told> told;
     for (Listener const& listener : associations.listeners) {
@@ -79,7 +79,7 @@ PendingChange takePendingChange(ObjectAssociations& associations, NSString const
     return change;
 }
 
-// Begins a change. One of the whole key within one of its members is part of that: nobody is told of it.
+// Begins a change. A change of the whole key during one of its members is part of that one and not announced.
 void begin(id const& object, NSString const& key, KindOfChange const& kind) {
     ObjectAssociations* const associations = object == nil ? nullptr : object.body()->associationsIfAny();
     if (!associations || key == nil) return;

@@ -28,12 +28,13 @@ inline constexpr char NSKeyValueChangeNotificationIsPriorKey[] = "notificationIs
 inline constexpr char NSKeyValueChangeIndexesKey[] = "indexes";
 
 // Stands in a setter for the whole change of one key: observers are told once when it ends. An exception of an
-// observer, also of one told beforehand, goes on to the setter's caller, after all observers have been told; where the
-// setter itself is left by an exception nobody is told. Observing is for one thread, the main thread by convention.
+// observer, also of one told beforehand, goes on to the setter's caller, after all observers have been told; if the
+// setter itself raises, observers are not told. Observing is for one thread, the main thread by convention.
 class KeyChange {
 public:
     KeyChange(id const& object, NSString const& key);
-    // Of some members of the array under the key. What happens to the key as a whole meanwhile is part of this.
+    // Announces a change of the members at these indexes of the array under the key. A change of the whole value
+    // meanwhile is part of it.
     KeyChange(id const& object, NSString const& key, NSUInteger kind, NSIndexSet const& indexes);
     ~KeyChange() noexcept(false);
     KeyChange(KeyChange const&) = delete;

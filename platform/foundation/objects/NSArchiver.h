@@ -15,7 +15,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Nil is archived, too. Nil for an object of another class.
+    // An archive of the object, which may be nil; nil for an object whose class has no form of archive.
     static NSData archivedDataWithRootObject_(id const& rootObject);
 };
 

@@ -15,7 +15,7 @@ public:
 
     // A later transformer of the same name replaces the earlier one; nil removes it.
     static void setValueTransformer_forName_(NSValueTransformer const& transformer, NSString const& name);
-    // Nil when there is none of that name.
+    // The transformer registered under the name, or nil.
     static NSValueTransformer valueTransformerForName_(NSString const& name);
     static NSArray valueTransformerNames();
 
@@ -34,7 +34,7 @@ class NSValueTransformer::Body : public ObjectBody {
 public:
     // The value itself unless overridden.
     virtual id transformedValue(id const& value) const { return value; }
-    // Called only where the class allows it. The same as transformedValue unless overridden.
+    // Called only if the class allows it. Answers transformedValue unless overridden.
     virtual id reverseTransformedValue(id const& value) const { return transformedValue(value); }
 };
 

@@ -141,7 +141,7 @@ public:
     static struct ClassDescription describeClass();
 };
 
-// The same object under another handle type, unasked; for implementations that have asked.
+// Casts without checking the class; for implementations that have checked it.
 template <class T>
 T uncheckedCast(id object) {
     T result;

@@ -24,7 +24,7 @@ public:
     ObjectBody(ObjectBody const&) = delete;
     ObjectBody& operator=(ObjectBody const&) = delete;
 
-    // What the messages of the same names do; overridden by classes that know better. The arguments may be nil.
+    // Implement the messages of the same names; subclasses override them. The arguments may be nil.
     virtual bool isEqual(id const& other) const;
     virtual std::uint64_t hash() const;
     virtual NSString description() const;

@@ -18,7 +18,7 @@ public:
     template <std::size_t N>
     SEL(char (&)[N]) = delete;
     explicit SEL(std::string_view name);
-    // The selector where something has used that name already, else none: for names from outside, which would otherwise
+    // The selector if its name is interned already, else no selector: for names from outside, which would otherwise
     // stay in memory for good.
     static SEL ofKnownName(std::string_view name);
 

@@ -6,7 +6,7 @@
 
 namespace mac {
 
-// The object that is none. Every handle compares with it and converts from it; 0 and nullptr do not.
+// The null object. Every handle compares with it and converts from it; 0 and nullptr do not.
 struct Nil {
     explicit constexpr Nil(int) {}
 };

@@ -76,7 +76,7 @@ bool areEqual(id const& first, id const& second, NSUInteger options) {
     return first.isEqual_(second);
 }
 
-// Nothing where there is no order: with nil, with not-a-number, and between objects of different kinds.
+// nullopt for values without an order: nil, NaN, and objects of different kinds.
 std::optional<NSComparisonResult> order(id const& first, id const& second, NSUInteger options) {
     if (first == nil || second == nil) return {};
     if (NSNumber const number = as<NSNumber>(first), other = as<NSNumber>(second); number != nil && other != nil) {

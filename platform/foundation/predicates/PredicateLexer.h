@@ -13,7 +13,7 @@ struct PredicateToken {
         End,
         // A single name, which may be a reserved word.
         Word,
-        // A name that is none: with dots, or marked with # or @.
+        // A key path that is more than a name: with dots, or marked with # or @.
         KeyPath,
         String,
         Number,

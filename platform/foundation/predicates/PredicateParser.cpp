@@ -2,7 +2,6 @@
 #include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/NSNull.h"
-#include "platform/foundation/predicates/PredicateArguments.h"
 #include "platform/foundation/predicates/PredicateLexer.h"
 #include "platform/foundation/predicates/PredicatePattern.h"
 #include <algorithm>

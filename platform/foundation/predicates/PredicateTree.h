@@ -47,7 +47,7 @@ struct PredicateNode {
     enum class Kind { Always, Never, Not, And, Or, Comparison };
 
     Kind kind{Kind::Always};
-    // Of Not one, of And and Or two or more.
+    // The operands: one for Not, two or more for And and Or.
     std::vector<PredicateNode> operands{};
 
     PredicateExpression left{};
@@ -56,7 +56,7 @@ struct PredicateNode {
     PredicateModifier modifier{PredicateModifier::Direct};
     // NSCaseInsensitiveSearch and NSDiacriticInsensitiveSearch.
     NSUInteger options{0};
-    // Of Matches with a constant on its right.
+    // The compiled pattern of a Matches with a constant right side, else null.
     std::shared_ptr<PredicatePattern const> pattern{};
 };
 

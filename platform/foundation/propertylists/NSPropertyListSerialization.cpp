@@ -1,10 +1,7 @@
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/foundation/objects/Method.h"
-#include "platform/foundation/propertylists/PropertyListBinary.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
-#include "platform/foundation/propertylists/PropertyListOldStyle.h"
-#include "platform/foundation/propertylists/PropertyListText.h"
-#include "platform/foundation/propertylists/PropertyListTree.h"
 #include "platform/foundation/propertylists/PropertyListXML.h"
 #include <algorithm>
 

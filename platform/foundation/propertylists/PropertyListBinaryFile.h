@@ -12,7 +12,7 @@ namespace mac {
 // An array or dictionary as the file holds it: references to its members.
 struct BinaryContainer {
     bool isDictionary{false};
-    // Of elements, or of pairs.
+    // The number of elements, or of pairs of key and value.
     std::size_t count{0};
     std::uint64_t offset{0};
     // Where the references are.
@@ -21,7 +21,7 @@ struct BinaryContainer {
     std::size_t referenceCount() const { return isDictionary ? count * 2 : count; }
 };
 
-// One object of the file: exactly one of its members is there.
+// One object of the file: exactly one of its members is set.
 struct BinaryObject {
     std::optional<BinaryContainer> container{};
     std::optional<std::u16string> string{};

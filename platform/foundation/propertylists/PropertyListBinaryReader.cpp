@@ -1,4 +1,4 @@
-#include "platform/foundation/propertylists/PropertyListBinary.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListBinaryFile.h"
 #include "platform/foundation/propertylists/PropertyListBuilder.h"
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace {
 // An object of the file that has been read, or is being read when it is a container.
 struct Seen {
     id object{};
-    // Of the whole tree below, the object included, shared objects as often as they are met.
+    // The number of objects in the tree below, the object included; a shared object counts at each place.
     std::uint64_t objects{0};
     std::uint64_t contents{0};
     std::size_t height{0};

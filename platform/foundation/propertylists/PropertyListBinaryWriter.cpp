@@ -3,10 +3,9 @@
 #include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/propertylists/CFKeyedArchiverUID.h"
-#include "platform/foundation/propertylists/PropertyListBinary.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListBinaryFormat.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
-#include "platform/foundation/propertylists/PropertyListTree.h"
 #include <algorithm>
 #include <bit>
 #include <cmath>

@@ -35,11 +35,11 @@ public:
     explicit PropertyListBuilder(NSPropertyListMutabilityOptions option) : m_objects(option) {}
 
     enum class Container { None, Array, Dictionary };
-    // The innermost open one.
+    // The innermost open container.
     Container container() const;
     // The innermost open container is a dictionary whose last key has no value yet.
     bool awaitsValue() const;
-    // Of open containers.
+    // The number of open containers.
     std::size_t depth() const { return m_open.size(); }
     bool isComplete() const { return m_root != nil && m_open.empty(); }
     id const& root() const { return m_root; }

@@ -7,7 +7,7 @@
 
 namespace mac {
 
-// What a property list may hold at most. Real lists stay far below; beyond, somebody wants the memory or the stack.
+// What a property list may hold at most. Real lists stay far below; a larger one is treated as hostile.
 
 // Containers within containers. Whatever walks a list may recurse: 512 steps of the hungriest walk fit in the smallest
 // stack that a thread gets, also with sanitizers. Real lists are less than 20 deep.

@@ -1,5 +1,5 @@
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListBuilder.h"
-#include "platform/foundation/propertylists/PropertyListOldStyle.h"
 #include "platform/foundation/propertylists/PropertyListOldStyleScanner.h"
 
 namespace mac {
@@ -70,7 +70,7 @@ private:
         return withLine(m_builder.end());
     }
 
-    // One element with what separates it from the one before, or the end of the array. A comma may be the last thing.
+    // Reads an element with the separator before it, or the end of the array. A trailing comma is allowed.
     std::string readElement() {
         if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
         if (m_scanner.accept(u')')) return end();
@@ -83,7 +83,7 @@ private:
         return readValue();
     }
 
-    // One pair, or the end of the dictionary. A pair whose value is a container is ended when that has been read.
+    // Reads a pair, or the end of the dictionary. A pair whose value is a container is ended when that has been read.
     std::string readPair() {
         if (std::string reason = m_scanner.skipBlanks(); !reason.empty()) return reason;
         if (!m_isFirst && !m_scanner.accept(u';')) return m_scanner.unexpected("A \";\"");
@@ -110,7 +110,7 @@ private:
     PropertyListBuilder m_builder;
     // The outermost dictionary has no braces.
     bool m_endsWithText{false};
-    // Nothing has been read yet of the innermost container.
+    // Whether the innermost container is still empty.
     bool m_isFirst{true};
 };
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/propertylists/PropertyListText.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
 #include <algorithm>
 #include <memory>

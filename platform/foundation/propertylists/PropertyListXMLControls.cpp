@@ -1,5 +1,5 @@
 #include "platform/foundation/propertylists/PropertyListXMLControls.h"
-#include "platform/foundation/propertylists/PropertyListXMLMarkup.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
 #include <algorithm>
 #include <bitset>
 #include <charconv>

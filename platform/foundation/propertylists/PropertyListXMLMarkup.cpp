@@ -1,12 +1,12 @@
-#include "platform/foundation/propertylists/PropertyListXMLMarkup.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
 #include <algorithm>
 
 namespace mac {
 
 namespace {
 
-// Of a tag with its attributes, or a document type. Those of property lists have less than 200 characters.
+// The most characters of a tag with its attributes, or of a document type. Property lists need less than 200.
 constexpr std::size_t kLongestTag = 4096;
 
 // Stretches of markup that end with a text and not with the first ">" outside of quotes.

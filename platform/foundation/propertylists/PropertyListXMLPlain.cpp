@@ -1,5 +1,5 @@
-#include "platform/foundation/propertylists/PropertyListXMLPlain.h"
-#include "platform/foundation/propertylists/PropertyListTree.h"
+#include "platform/foundation/propertylists/PropertyList.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
 #include "platform/foundation/propertylists/PropertyListXMLElements.h"
 #include <algorithm>
 #include <array>

@@ -1,9 +1,7 @@
-#include "platform/foundation/propertylists/PropertyListTree.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListXML.h"
 #include "platform/foundation/propertylists/PropertyListXMLControls.h"
 #include "platform/foundation/propertylists/PropertyListXMLElements.h"
-#include "platform/foundation/propertylists/PropertyListXMLMarkup.h"
-#include "platform/foundation/propertylists/PropertyListXMLPlain.h"
 #include <QString>
 #include <QXmlStreamReader>
 #include <algorithm>
@@ -15,7 +13,7 @@ namespace {
 using Container = PropertyListBuilder::Container;
 using Element = PropertyListElement;
 
-// Longer names in messages help nobody.
+// Messages cut longer names.
 constexpr qsizetype kLongestNameInMessage = 40;
 
 bool isBlank(QChar character) {

@@ -152,7 +152,7 @@ std::string textOfNumber(NSNumber const& number) {
     if (std::isnan(value)) return "nan";
     if (std::isinf(value)) return value < 0 ? "-infinity" : "+infinity";
     if (value == 0 && !std::signbit(value)) return "0.0";
-    // As the Mac's files have it: digits enough for any double to be read back, so that 0.1 is 0.10000000000000001.
+    // The digits that Mac OS X writes: enough for any double to be read back, so that 0.1 is 0.10000000000000001.
     constexpr int digits = 17;
     std::array<char, 32> buffer{};
     auto const [end, error] =

@@ -12,8 +12,8 @@
 
 namespace mac {
 
-// The texts of single values in the XML form. The readers answer nil, or nothing, for text that is no such value:
-// padding with blanks is none.
+// The texts of single values in the XML form. The readers answer nil or nullopt for any other text, also for one padded
+// with blanks.
 
 // Decimal or hexadecimal with an optional sign, from -2^63 to 2^64 - 1.
 NSNumber integerOfText(std::string_view text);

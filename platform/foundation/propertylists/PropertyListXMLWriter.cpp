@@ -1,8 +1,8 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/propertylists/CFKeyedArchiverUID.h"
+#include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
-#include "platform/foundation/propertylists/PropertyListTree.h"
 #include "platform/foundation/propertylists/PropertyListXML.h"
 #include "platform/foundation/propertylists/PropertyListXMLValues.h"
 #include <algorithm>

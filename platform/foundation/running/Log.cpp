@@ -48,7 +48,7 @@ void writeAll(std::string const& text) {
 
 void logMessage(NSString const& message) {
     std::string const line = message == nil ? std::string("(null)") : visibleLine(message.codeUnits());
-    // One write a line, so that lines of several threads do not mix.
+    // Each line is one write, so that lines of several threads do not mix.
     writeAll(linePrefix() + line + "\n");
     ::syslog(LOG_USER | LOG_NOTICE, "%s", line.c_str());
     try {

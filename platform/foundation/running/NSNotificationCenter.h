@@ -31,7 +31,7 @@ public:
 
     static NSNotificationCenter defaultCenter();
 
-    // A nil name or object asks for every one. The selector takes the notification. Asking twice is being told twice.
+    // A nil name or object matches all. The selector takes the notification. Registering twice delivers twice.
     void addObserver_selector_name_object_(id const& observer, SEL selector, NSString const& name,
                                            id const& object) const;
     void removeObserver_(id const& observer) const;

@@ -3,9 +3,7 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/EventLoop.h"
-#include "platform/foundation/running/IdleRunLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/foundation/running/RunLoopMode.h"
 #include <algorithm>
 #include <list>
 #include <memory>
@@ -82,7 +80,7 @@ public:
 
     bool postAll() {
         auto const isSoon = [](WaitingNotification const& waiting) { return waiting.style == NSPostASAP; };
-        // Not those that are added meanwhile, so that it comes to an end.
+        // Notifications added meanwhile wait, so that the loop ends.
         auto rest = std::ranges::count_if(m_waiting, isSoon);
         bool isAnyPosted = false;
         for (; rest > 0; --rest) {
@@ -122,7 +120,7 @@ private:
         return notification;
     }
 
-    // One at a time, so that an observer that runs the loop itself does not hold up the others.
+    // Posted one at a time, so that an observer that runs the loop itself does not hold up the others.
     void postNext(NSPostingStyle style, bool& isAsked) {
         isAsked = false;
         std::optional<NSNotification> const next = takeNext(style);

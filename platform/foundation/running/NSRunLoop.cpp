@@ -3,7 +3,6 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/EventLoop.h"
-#include "platform/foundation/running/RunLoopMode.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
@@ -48,7 +47,7 @@ public:
         if (!m_functions.empty()) wake();
     }
 
-    // One function an event: a function that runs the loop itself must not hold up those behind it.
+    // Each event calls one function: a function that runs the loop itself must not delay the next ones.
     bool event(QEvent* event) override {
         if (event->type() != QEvent::User) return QObject::event(event);
         std::function<void()> function;
@@ -153,5 +152,25 @@ void performSelector_withObject_afterDelay_(id const& receiver, SEL selector, id
 }
 
 void performOnMainRunLoop(std::function<void()> function) { MainThreadCalls::shared().add(std::move(function)); }
+
+namespace {
+
+thread_local RunLoopModeScope const* s_innermost = nullptr;
+
+} // namespace
+
+RunLoopModeScope::RunLoopModeScope(NSString const& mode)
+    : m_mode(mode == nil ? NSString(NSDefaultRunLoopMode) : mode), m_outer(s_innermost) {
+    bool const isSame = currentRunLoopMode().isEqualToString_(m_mode);
+    s_innermost = this;
+    if (!isSame) wakeWaitingNotifications();
+}
+
+RunLoopModeScope::~RunLoopModeScope() {
+    s_innermost = m_outer;
+    if (!currentRunLoopMode().isEqualToString_(m_mode)) wakeWaitingNotifications();
+}
+
+NSString currentRunLoopMode() { return s_innermost ? s_innermost->mode() : NSString(NSDefaultRunLoopMode); }
 
 } // namespace mac

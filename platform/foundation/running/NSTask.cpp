@@ -23,7 +23,7 @@ std::optional<int> statusOf(pid_t child, bool isWaitedFor) {
         ended = ::waitpid(child, &status, isWaitedFor ? 0 : WNOHANG);
     while (ended < 0 && errno == EINTR);
     if (ended == 0) return std::nullopt;
-    // Somebody else waited for it, so that nothing is known.
+    // Other code waited for the child, so its exit status is unknown.
     if (ended < 0) return 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status);
 }
@@ -79,7 +79,7 @@ public:
 
     void terminate() {
         if (m_child <= 0) throw NSInvalidArgumentException("The task was not launched");
-        // As long as it was not waited for, its ID is its own.
+        // Until the child is waited for, its process ID is not reused.
         if (isRunning()) ::kill(m_child, SIGTERM);
     }
 

@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// A program that runs as a child process, once. Its input, output and environment are this program's. Nobody else may
-// wait for it. Going away does not end the child. Main thread; nil does nothing and answers nil, NO or 0.
+// A program that runs as a child process, once. Its input, output and environment are this program's. No other code may
+// wait for the child. Releasing the task does not end it. Main thread; nil does nothing and answers nil, NO or 0.
 class NSTask : public Handle<NSTask, NSObject> {
 public:
     class Body;

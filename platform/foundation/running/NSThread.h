@@ -4,7 +4,7 @@
 
 namespace mac {
 
-// The calling thread. There are no instances.
+// Operations on the calling thread; the class has no instances.
 class NSThread : public Handle<NSThread, NSObject> {
 public:
     using Handle::Handle;

@@ -19,20 +19,21 @@ struct DialogRequest {
     std::u16string text{};
     std::u16string details{};
     Icon icon{Icon::None};
-    // The last one stands rightmost.
+    // Titles from left to right.
     std::vector<std::u16string> buttons{};
-    // Answered by Return and by Escape; nothing: no button is.
+    // The indexes of the buttons that Return and Escape press; nullopt: none.
     std::optional<std::size_t> defaultButton{};
     std::optional<std::size_t> cancelButton{};
-    // What stands in the field for an answer; nothing: there is no field.
+    // The initial text of the field for an answer; nullopt: no field.
     std::optional<std::u16string> answer{};
     bool hidesAnswer{false};
-    // After which the dialog goes by itself; 0: never.
+    // The time after which the dialog closes by itself; 0: never.
     double seconds{0};
 };
 
 struct DialogOutcome {
-    // Nothing when the time was over, and when the dialog ended with the program or was closed without a choice.
+    // The index of the button pressed; nullopt if the time was over, the program ended or the dialog was closed without
+    // a choice.
     std::optional<std::size_t> button{};
     bool isTimeOver{false};
     std::u16string answer{};
@@ -61,9 +62,9 @@ struct FileRequest {
     std::u16string title{};
     // The folder that is shown at first; empty: the one that was shown last.
     std::string folder{};
-    // The name that stands there for a new file.
+    // The name proposed for a new file.
     std::u16string name{};
-    // Several files; folders are chosen one at a time.
+    // Whether several files may be chosen; folders are chosen one at a time.
     bool allowsSeveral{false};
     bool showsHidden{false};
     // Whether a file may be chosen; empty: any.
@@ -82,7 +83,7 @@ public:
     UserInterface& operator=(UserInterface const&) = delete;
 
     virtual DialogOutcome runDialog(DialogRequest const& request) = 0;
-    // The indexes of what was chosen; nothing when the person cancels.
+    // The indexes of the items chosen; nullopt if the person cancels.
     virtual std::optional<std::vector<std::size_t>> chooseFromList(ListRequest const& request) = 0;
     // nullopt if the person cancels. `initial` is chosen at first.
     virtual std::optional<ColorComponents> chooseColor(ColorComponents const& initial) = 0;
@@ -90,17 +91,17 @@ public:
     virtual std::optional<std::vector<std::string>> chooseFiles(FileRequest const& request) = 0;
     virtual std::u16string clipboardText() = 0;
     virtual void setClipboardText(std::u16string const& text) = 0;
-    // A note that goes by itself and is not answered; lost where the desktop shows none.
+    // Shows a notification, which disappears by itself and takes no answer; lost if the desktop shows none.
     virtual void notify(std::u16string const& title, std::u16string const& text) = 0;
 };
 
-// nullptr for a program without a screen. Main thread.
+// The interface in use, not owned; nullptr for a program without a screen. Main thread.
 UserInterface* userInterface();
 // Called whenever an interface is needed and none is set, so that a display that comes later is found: connects this
 // program to the display, if there is one, and sets the interface. For the Registration of the room that owns the
 // screen.
 void setUserInterfaceSource(void (*newSource)());
-// Kept by the caller, who sets null before it goes.
+// The caller owns the interface, and sets null before destroying it.
 void setUserInterface(UserInterface* newInterface);
 
 } // namespace mac

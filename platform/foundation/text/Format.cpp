@@ -1,5 +1,5 @@
 #include "platform/foundation/text/Format.h"
-#include "platform/foundation/numbers/FormatNumber.h"
+#include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/foundation/text/FormatOperand.h"
@@ -79,7 +79,7 @@ private:
         return take(u'\'');
     }
 
-    // The argument of a '*'; 0 when there is none.
+    // The argument of a '*'; 0 if it is missing.
     std::int64_t takeStar() {
         FormatArgument const* const value = argument(takePosition());
         if (!value) return 0;

@@ -19,7 +19,7 @@ public:
         std::size_t width;
     };
 
-    // A null pointer of text is a pointer.
+    // A null pointer to characters is held as a pointer.
     using Value = std::variant<id, Integer, double, void const*>;
 
     template <class T>

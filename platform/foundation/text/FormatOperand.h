@@ -20,13 +20,13 @@ public:
     bool isNullPointer() const;
     std::u16string text() const;
     double real() const;
-    // As C reads the bytes of an integer; a real saturates.
+    // The integer of that width, as C reads its bytes; a real saturates.
     SignedMagnitude integer(std::size_t bytes, bool isSigned) const;
-    // 0 for what has no address.
+    // The address; 0 for an argument without one.
     std::uint64_t address() const;
 
 private:
-    // Nil for what is no object.
+    // The object; nil for an argument that is not one.
     id object() const;
     FormatArgument::Integer wideInteger() const;
 

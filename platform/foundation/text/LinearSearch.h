@@ -9,7 +9,7 @@ namespace mac {
 enum class SearchDirection { Forwards, Backwards };
 
 // The places of a sequence in others, in time that grows with the length of what is searched alone: no element is
-// looked at again. For implementations. The sequence sought must outlive it and holds something.
+// looked at again. For implementations. REQUIRES: the sequence sought outlives the search and is not empty.
 template <class Element, class Same = std::equal_to<>>
 class LinearSearch {
 public:

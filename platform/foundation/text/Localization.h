@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/text/NSString.h"
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,5 +20,12 @@ std::string loadLocalization();
 // Where the program's catalogues lie: share/framekeeper/translations in one of the folders above the program, which
 // finds the folder of an installed program as that of a build tree. Empty if there is none.
 std::string localizationFolder(std::string const& program);
+
+// Values as people of the user's locale write them. For implementations; any thread.
+
+// Day and time, local: "22/11/2026 14:05" in the locale's short form. Nil for nil.
+NSString localizedDate(NSDate const& date);
+// With a unit of powers of 1000: "12.3 MB".
+NSString localizedSize(std::uint64_t bytes);
 
 } // namespace mac

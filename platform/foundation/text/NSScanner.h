@@ -15,7 +15,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Of a copy of the string.
+    // A scanner of a copy of the string, at its start.
     static NSScanner scannerWithString_(NSString const& string);
 
     NSString string() const;

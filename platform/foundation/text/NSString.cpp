@@ -60,7 +60,7 @@ std::uint64_t NSString::Body::hash() const {
     std::uint64_t const known = m_hash.load(std::memory_order_relaxed);
     if (known != 0) return known;
     std::uint64_t const hash = std::max<std::uint64_t>(hashOfUnits(units()), 1);
-    // What is somebody else's may change unseen.
+    // A borrowed buffer may change unnoticed.
     if (!isBorrowed()) m_hash.store(hash, std::memory_order_relaxed);
     return hash;
 }

@@ -102,14 +102,14 @@ public:
     void getCharacters_(unichar* buffer) const;
     void getCharacters_range_(unichar* buffer, NSRange range) const;
 
-    // The same code units; no normalisation, no folding. NO for nil.
+    // Whether the code units are equal, without normalisation or folding. NO for nil.
     bool isEqualToString_(NSString const& other) const;
     // Canonically equivalent text is equal; nil other counts as the empty string.
     NSComparisonResult compare_(NSString const& other) const;
     NSComparisonResult compare_options_(NSString const& other, NSUInteger options) const;
-    // The range is the receiver's.
+    // Compares that range of the receiver; nil other counts as the empty string.
     NSComparisonResult compare_options_range_(NSString const& other, NSUInteger options, NSRange range) const;
-    // Full folding: ß equals ss. The locale plays no part. Nil counts as empty here and below.
+    // Full folding: ß equals ss. The locale plays no part. Nil counts as empty.
     NSComparisonResult caseInsensitiveCompare_(NSString const& other) const;
     // In the order of the user's language.
     NSComparisonResult localizedCompare_(NSString const& other) const;
@@ -117,7 +117,7 @@ public:
     // The beginning of this text that is equal to a beginning of the other; NSCaseInsensitiveSearch and NSLiteralSearch
     // count.
     NSString commonPrefixWithString_options_(NSString const& other, NSUInteger options) const;
-    // As the first and last text found by rangeOfString_; so nothing begins or ends with the empty string.
+    // Whether rangeOfString_ finds the text at the start or end; so no text begins or ends with the empty string.
     bool hasPrefix_(NSString const& prefix) const;
     bool hasSuffix_(NSString const& suffix) const;
     // {NSNotFound, 0} when there is none; nothing ever contains the empty string. Canonically equivalent text is found,
@@ -158,7 +158,7 @@ public:
     // where it is needed.
     NSString stringByPaddingToLength_withString_startingAtIndex_(NSUInteger length, NSString const& padding,
                                                                  NSUInteger index) const;
-    // As the places found by rangeOfString_, without overlaps.
+    // Replaces what rangeOfString_ finds, without overlaps.
     NSString stringByReplacingOccurrencesOfString_withString_(NSString const& target,
                                                               NSString const& replacement) const;
     NSString stringByReplacingOccurrencesOfString_withString_options_range_(NSString const& target,
@@ -192,8 +192,8 @@ public:
     bool boolValue() const;
 
     // Paths. Unicode is not normalised; only where said is the disk looked at. Appending and deleting leave single
-    // slashes and none at the end.
-    // The components joined by slashes; what is no string among them is left out. Nil for nil.
+    // slashes and none at the end. The components joined by slashes; elements that are not strings are left out. Nil
+    // for nil.
     static NSString pathWithComponents_(NSArray const& components);
     // A path that begins with a tilde counts as absolute.
     bool isAbsolutePath() const;
@@ -213,7 +213,7 @@ public:
     // Expands the tilde, removes empty and "." components, resolves ".." of absolute paths by name, and drops a leading
     // "/private" when what remains exists.
     NSString stringByStandardizingPath() const;
-    // The same, with symbolic links of absolute paths followed as far as they exist.
+    // stringByStandardizingPath, with symbolic links of absolute paths followed as far as they exist.
     NSString stringByResolvingSymlinksInPath() const;
 };
 
@@ -237,7 +237,7 @@ public:
     void insertString_atIndex_(NSString const& other, NSUInteger index) const;
     void deleteCharactersInRange_(NSRange range) const;
     void replaceCharactersInRange_withString_(NSRange range, NSString const& other) const;
-    // How many have been replaced.
+    // The number of replacements.
     NSUInteger replaceOccurrencesOfString_withString_options_range_(NSString const& target, NSString const& replacement,
                                                                     NSUInteger options, NSRange range) const;
 };

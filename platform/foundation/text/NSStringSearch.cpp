@@ -1,7 +1,6 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/text/Encodings.h"
-#include "platform/foundation/text/FoldedSearch.h"
 #include "platform/foundation/text/StringBody.h"
 #include "platform/foundation/text/TextSearch.h"
 #include "platform/foundation/text/UnitSearch.h"
@@ -154,7 +153,7 @@ std::vector<Match> findAllUnits(std::u16string_view text, std::u16string_view so
     return matches;
 }
 
-// One after the other, each at the edge of what the one before has left.
+// Anchored places follow each other, each at the edge of the rest that the previous one left.
 std::vector<Match> findEachAnchored(std::u16string_view text, std::u16string_view sought, Matching const& matching) {
     std::vector<Match> matches;
     Match rest{0, text.size()};

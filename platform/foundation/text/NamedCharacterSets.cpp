@@ -1,4 +1,3 @@
-#include "platform/foundation/text/CharacterClasses.h"
 #include "platform/foundation/text/CharacterSetBody.h"
 #include <memory>
 #include <unicode/uchar.h>
@@ -7,6 +6,16 @@
 namespace mac {
 
 namespace {
+
+// The framework's own lists, whatever the locale: they have the zero-width space and no U+180E.
+constexpr bool isWhitespace(char16_t unit) {
+    return unit == 0x09 || unit == 0x20 || unit == 0xA0 || unit == 0x1680 || (unit >= 0x2000 && unit <= 0x200B) ||
+           unit == 0x202F || unit == 0x205F || unit == 0x3000;
+}
+
+constexpr bool isNewline(char16_t unit) {
+    return (unit >= 0x0A && unit <= 0x0D) || unit == 0x85 || unit == 0x2028 || unit == 0x2029;
+}
 
 // Sets are never destroyed: objects may ask for them until the program's last instruction.
 NSCharacterSet const* neverDestroyed(CharacterMembers members) {

@@ -12,7 +12,7 @@ class NSString::Body : public ObjectBody {
 public:
     Body() = default;
     explicit Body(std::u16string units) : m_units(std::move(units)) {}
-    // Reads somebody else's characters.
+    // Refers to code units that the caller keeps unchanged while the body lives.
     explicit Body(std::u16string_view borrowed) : m_borrowed(borrowed) {}
 
     std::u16string_view units() const { return isBorrowed() ? m_borrowed : std::u16string_view(m_units); }
@@ -35,7 +35,7 @@ private:
     std::u16string m_units{};
     // Without data: the units are its own.
     std::u16string_view m_borrowed{};
-    // 0 until somebody asked.
+    // The hash, computed on first need; 0 before that.
     mutable std::atomic<std::uint64_t> m_hash{0};
 };
 

@@ -18,7 +18,7 @@ struct TextFolding {
     bool isDiacriticInsensitive{false};
     bool isWidthInsensitive{false};
 
-    // Nothing but the code points themselves.
+    // Whether only identical code points match.
     bool isLiteral() const {
         return !isCaseInsensitive && !isCanonical && !isDiacriticInsensitive && !isWidthInsensitive;
     }
@@ -36,7 +36,7 @@ struct FoldedCharacter {
 
 std::vector<FoldedCharacter> foldedText(std::u16string_view units, TextFolding const& folding);
 
-// The first of what a code point that is no mark becomes, where width and marks count.
+// The first folded code point of a character that is not a mark, with width and marks significant.
 char32_t firstFoldedCodePoint(char32_t codePoint, TextFolding const& folding);
 // Marks, which belong to the character before them.
 bool isCombining(char32_t codePoint);

@@ -2,6 +2,7 @@
 
 #include "platform/foundation/text/LinearSearch.h"
 #include <optional>
+#include <span>
 #include <string_view>
 
 namespace mac {
@@ -10,10 +11,23 @@ namespace mac {
 // For implementations. The text sought must outlive it.
 class UnitSearch {
 public:
-    explicit UnitSearch(std::u16string_view sought, SearchDirection direction = SearchDirection::Forwards);
+    explicit UnitSearch(std::u16string_view sought, SearchDirection direction = SearchDirection::Forwards)
+        : m_sought(sought), m_direction(direction) {
+        constexpr std::size_t shortText = 8;
+        if (sought.size() > shortText) m_search.emplace(std::span(sought.data(), sought.size()), direction);
+    }
 
     // The first place in the order of the search, npos when there is none or the text sought is empty.
-    std::size_t findIn(std::u16string_view text) const;
+    std::size_t findIn(std::u16string_view text) const {
+        if (m_sought.empty()) return std::u16string_view::npos;
+        if (!m_search) return m_direction == SearchDirection::Backwards ? text.rfind(m_sought) : text.find(m_sought);
+        std::size_t found = std::u16string_view::npos;
+        m_search->forEachIn({text.data(), text.size()}, [&](std::size_t place) {
+            found = place;
+            return false;
+        });
+        return found;
+    }
 
     // Calls with each place in the order of the search; places do not overlap.
     template <class Action>
@@ -32,7 +46,7 @@ public:
 private:
     std::u16string_view m_sought;
     SearchDirection m_direction;
-    // Nothing for a short text, which is compared at every place.
+    // nullopt for a short text, which is compared at every place.
     std::optional<LinearSearch<char16_t>> m_search;
 };
 

@@ -34,7 +34,7 @@ std::string visibleLine(std::u16string_view text) {
     };
     for (std::size_t index = 0; index < text.size(); ++index) {
         char16_t const unit = text[index];
-        // A byte of a file's name; as the second half of a character it is none.
+        // A byte of a file name, unless it is the second half of a surrogate pair.
         bool const isPaired = index > 0 && text[index - 1] >= 0xD800 && text[index - 1] < 0xDC00;
         bool const isByte = unit >= 0xDC80 && unit < 0xDD00 && !isPaired;
         if (!isByte && !isDangerous(unit)) continue;

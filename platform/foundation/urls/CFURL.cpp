@@ -163,7 +163,7 @@ CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef, CFStringRef
         text->insert(0, u"file://localhost");
         return NSURL::URLWithString_(makeString(std::move(*text)));
     }
-    // A colon in the first name is none that ends a scheme.
+    // A colon in the first name does not end a scheme.
     if (text->find(u':') < text->find(u'/')) text->insert(0, u"./");
     return NSURL::URLWithString_relativeToURL_(makeString(std::move(*text)),
                                                baseURL == nil ? currentFolderURL() : baseURL);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/CoreFoundation.h"
+#include "platform/foundation/objects/ServiceTypes.h"
 #include "platform/foundation/urls/NSURL.h"
 
 // The procedural side of NSURL. Any thread; a nil URL has no bytes and no parts.
@@ -44,11 +44,11 @@ bool CFURLHasDirectoryPath(CFURLRef const& url);
 // nil or empty path, for one that can name no file and for another style.
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef const& filePath, CFURLPathStyle pathStyle,
                                        BOOL isDirectory);
-// The same with the URL that a relative path is relative to; nil: the current folder.
+// Makes the URL of a path relative to a base URL; a nil base stands for the current folder.
 CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef allocator, CFStringRef const& filePath,
                                                      CFURLPathStyle pathStyle, BOOL isDirectory,
                                                      CFURLRef const& baseURL);
-// The same for the path's bytes.
+// Makes the URL of a path given as bytes, relative to a base URL; a nil base stands for the current folder.
 CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef allocator, std::uint8_t const* buffer,
                                                                CFIndex bufferLength, BOOL isDirectory,
                                                                CFURLRef const& baseURL);

@@ -16,7 +16,7 @@ public:
     Body(NSString text, NSURL base)
         : m_text(std::move(text)), m_base(std::move(base)), m_parts(partsOfURL(m_text.codeUnits())) {}
 
-    // The same text relative to an equal base.
+    // Equal are URLs of the same text relative to equal bases.
     bool isEqual(id const& other) const override {
         NSURL const url = as<NSURL>(other);
         if (url == nil || !m_text.isEqualToString_(url.relativeString())) return false;

@@ -31,7 +31,7 @@ public:
     static NSURL fileURLWithPath_isDirectory_(NSString const& path, BOOL isDirectory);
 
     NSString absoluteString() const;
-    // As it was written.
+    // The text as it was written, without the base.
     NSString relativeString() const;
     // The absolute URL that this one is relative to; nil for an absolute one.
     NSURL baseURL() const;
@@ -43,7 +43,7 @@ public:
     NSString resourceSpecifier() const;
     // Unescaped, without the brackets of an IPv6 address.
     NSString host() const;
-    // Nil also for what is no number.
+    // The port of the authority; nil if it is missing or not a number.
     NSNumber port() const;
     // Unescaped.
     NSString user() const;
@@ -59,7 +59,7 @@ public:
     NSString fragment() const;
 
     bool isFileURL() const;
-    // The same without "." and ".." in the path, as far as names can tell.
+    // The URL without "." and ".." segments in its path, resolved by name alone.
     NSURL standardizedURL() const;
 
     // For implementations: where the parts lie in the text as it was written. Not for nil.

@@ -8,7 +8,7 @@
 
 namespace mac {
 
-// Of code units, which in a URL are bytes as well: nothing but ASCII is allowed there.
+// A range of code units, which in a URL are bytes as well, since only ASCII is allowed there.
 struct URLRange {
     std::size_t start{0};
     std::size_t end{0};
@@ -18,7 +18,7 @@ struct URLRange {
 };
 
 // Where in the text of a URL its parts lie, by RFC 2396 with the parameters of RFC 1808; the separators belong to none.
-// One that is not hierarchical (a scheme without a slash behind it) has a scheme alone.
+// A URL that is not hierarchical (a scheme without a slash behind it) has a scheme alone.
 struct URLParts {
     bool isDecomposable{true};
     std::optional<URLRange> scheme{};
@@ -55,12 +55,12 @@ std::u16string standardizedURL(std::u16string_view url);
 
 // The path (or host, ...) without its percent escapes: bytes that are not UTF-8 are held as in the names of files.
 std::u16string unescapedPath(std::u16string_view text);
-// The path with everything escaped that would not be a path's in a URL: nothing when it names no file.
+// The path with everything escaped that would not be a path's in a URL: nullopt if it names no file.
 std::optional<std::u16string> escapedPath(std::u16string_view path);
 
-// One of the characters that a URL may have as they are, percent signs, brackets and # apart.
+// Whether a URL may have the character unescaped; false for percent signs, brackets and #.
 bool isURLCharacter(char16_t unit);
-// The value of a hexadecimal digit, or nothing.
+// The value of a hexadecimal digit; nullopt for another character.
 std::optional<unsigned> hexadecimalValue(char16_t unit);
 void appendEscapedByte(std::u16string& text, unsigned char byte);
 

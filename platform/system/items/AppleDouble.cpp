@@ -1,6 +1,6 @@
 #include "platform/system/items/AppleDouble.h"
 #include "platform/system/items/AppleDoubleForm.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include <algorithm>
 
 namespace mac {

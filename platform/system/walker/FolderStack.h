@@ -2,7 +2,7 @@
 
 #include "platform/system/BytePath.h"
 #include "platform/system/walker/FolderLog.h"
-#include "platform/system/walker/RememberedNames.h"
+#include "platform/system/walker/RememberedFolders.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -134,4 +134,11 @@ VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const&
     return list;
 }
 
+void MountPointSet::add(std::string_view path) {
+    std::string_view const parent = BytePath(path).parent();
+    if (parent.empty()) return;
+    m_points.emplace(path);
+    m_parents.emplace(parent);
+}
+
 } // namespace mac

@@ -1,11 +1,9 @@
 #include "platform/system/walker/VolumeWalker.h"
 
-#include "platform/system/walker/DescriptorBudget.h"
 #include "platform/system/walker/FolderLog.h"
-#include "platform/system/walker/PackageRule.h"
-#include "platform/system/walker/RememberedPackages.h"
-#include "platform/system/walker/ThreadPace.h"
+#include "platform/system/walker/Packages.h"
 #include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/WalkBudget.h"
 #include "platform/system/walker/WalkFindings.h"
 #include "platform/system/walker/WalkMemory.h"
 #include "platform/system/walker/WalkWorker.h"

@@ -2,8 +2,8 @@
 
 #include "platform/system/walker/FolderReader.h"
 #include "platform/system/walker/FolderStack.h"
-#include "platform/system/walker/MountPointSet.h"
-#include "platform/system/walker/PackageRule.h"
+#include "platform/system/walker/Packages.h"
+#include "platform/system/walker/VolumeList.h"
 #include "platform/system/walker/WalkFindings.h"
 #include "platform/system/walker/WorkExchange.h"
 

@@ -138,7 +138,7 @@ void run() {
     install(Tell, tellDirectObject);
     // A program with windows makes another kind of loop later.
     if (QCoreApplication::instance()) say("a loop before one is needed");
-    // What is sent goes behind the opening of our own end: afterwards we can be called.
+    // The first event sent opens this end of the transport: afterwards this process can be called.
     std::int32_t const parent = ::getppid();
     AppleEvent const hello =
         testEvent(AEEventID("helo"), NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(

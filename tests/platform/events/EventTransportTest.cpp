@@ -282,7 +282,7 @@ TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {
     EXPECT_EQ(replied(), "x!");
 }
 
-TEST_F(EventTransport, RefusesWhatIsNoEvent) {
+TEST_F(EventTransport, RefusesDescriptorsThatAreNoEvents) {
     auto const peer = startPeer();
     QDBusConnection const connection =
         QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "raw");
@@ -343,7 +343,7 @@ TEST_F(EventTransport, AnswersNoOtherUser) {
     m_bus->sendSignal(SIGKILL);
     m_bus->wait();
     EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", bus.readLine());
-    // What cannot be sent still opens this end.
+    // An event that cannot be sent still opens this end of the transport.
     InstalledHandler const handler(TestClass, Back, answerBack);
     ChildProcess const nobody({"/bin/cat"});
     EXPECT_EQ(ask(nobody, Echo), procNotFound);

@@ -2,7 +2,6 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/launchservices/ImageSources.h"
-#include "platform/launchservices/SystemTypes.h"
 #include "platform/launchservices/TypeTree.h"
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "platform/preferences/ArgumentDomain.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/numbers/NSNumber.h"
+#include "platform/preferences/PreferenceDomains.h"
 #include <gtest/gtest.h>
 #include <vector>
 

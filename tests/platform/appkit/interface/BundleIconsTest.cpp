@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/BundleIcons.h"
+#include "platform/appkit/interface/InterfaceIcons.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include "tests/support/Texts.h"
 #include <QBuffer>

@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/FileMimeData.h"
+#include "platform/appkit/interface/TableFiles.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "platform/applescript/additions/StoredScript.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/applescript/additions/StoredValues.h"
+#include "platform/applescript/additions/StoredForms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/HeapObjects.h"

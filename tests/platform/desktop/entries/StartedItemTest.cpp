@@ -1,6 +1,5 @@
 #include "platform/desktop/entries/StartedItem.h"
 #include "platform/desktop/HexText.h"
-#include "platform/desktop/entries/CommandWords.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>

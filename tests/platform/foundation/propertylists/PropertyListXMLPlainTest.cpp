@@ -1,4 +1,4 @@
-#include "platform/foundation/propertylists/PropertyListXMLPlain.h"
+#include "platform/foundation/propertylists/PropertyListXML.h"
 #include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/running/IdleRunLoop.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include "tests/support/RunUntil.h"
 #include <QCoreApplication>

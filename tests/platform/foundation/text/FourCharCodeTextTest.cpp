@@ -1,4 +1,4 @@
-#include "platform/foundation/text/FourCharCodeText.h"
+#include "platform/foundation/text/Encodings.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

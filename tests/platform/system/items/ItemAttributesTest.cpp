@@ -1,5 +1,5 @@
 #include "platform/system/items/ItemAttributes.h"
-#include "platform/system/items/AttributeNames.h"
+#include "platform/system/items/AttributesOnItem.h"
 #include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>

@@ -1,6 +1,6 @@
+#include "platform/system/walker/RememberedFolders.h"
 #include "platform/system/walker/FolderIndexFormat.h"
 #include "platform/system/walker/FolderLog.h"
-#include "platform/system/walker/RememberedNames.h"
 #include <cstring>
 #include <gtest/gtest.h>
 

@@ -1,9 +1,8 @@
 #include "platform/system/LongPath.h"
-#include "platform/system/walker/DescriptorBudget.h"
 #include "platform/system/walker/FolderFacts.h"
 #include "platform/system/walker/FolderReader.h"
-#include "platform/system/walker/PackageRule.h"
-#include "platform/system/walker/ThreadPace.h"
+#include "platform/system/walker/Packages.h"
+#include "platform/system/walker/WalkBudget.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>

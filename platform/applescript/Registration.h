@@ -1,9 +1,0 @@
-#pragma once
-
-namespace mac {
-
-// Makes this room's classes known by name. A second call changes nothing. Called before main, see
-// platform/foundation/Registration.h.
-void registerAppleScript();
-
-} // namespace mac
