@@ -99,7 +99,6 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
                        AppleEvent& reply) {
     Result<std::vector<std::byte>, Failure> flat = flattened(event);
     if (!flat.hasValue()) return memFullErr;
-    openEventEndpoint();
     auto const pending = std::make_shared<PendingReply>();
     if (mode == kAEQueueReply) {
         pending->whenDone = [event](SendingOutcome const& outcome) {

@@ -30,9 +30,9 @@ struct OutgoingEvent {
     std::shared_ptr<PendingReply> pending{};
 };
 
-// Sends an event; the pending reply is told when it is under way and, where one is wanted, when the reply has come.
-// Nothing is sent when the deadline has passed, and what arrives later than that is refused there. The main thread
-// makes the event loop for it; another one fails without.
+// Sends an event, and answers other processes from then on; the pending reply is told when it is under way and, where
+// one is wanted, when the reply has come. Nothing is sent when the deadline has passed, and what arrives later than
+// that is refused there. The main thread makes the event loop for it; another one fails without.
 void sendToProcess(OutgoingEvent event);
 
 } // namespace mac

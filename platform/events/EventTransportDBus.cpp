@@ -79,6 +79,7 @@ public:
 
     void send(std::shared_ptr<OutgoingEvent const> const& outgoing) {
         OutgoingEvent const& sending = *outgoing;
+        open();
         auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
         if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
         // The receiver refuses an event whose sender waits no longer, so the bus is not asked first whether it hangs.
@@ -205,7 +206,6 @@ private:
 
     // The unique name of the process's connection, which the bus is asked for: nothing is sent to a bus that hangs.
     Result<QString, SendingOutcome> connectionOf(ProcessIdentity const& process, EventDeadline const& deadline) {
-        open();
         if (!m_connection) return withoutBus();
         BusNameOwner owner = busNameOwner(*m_connection, eventEndpointName(process.pid), timeoutUntil(deadline));
         if (owner.number.isEmpty() && !m_connection->isConnected()) {
@@ -362,6 +362,7 @@ void openEventEndpoint() {
 }
 
 void sendToProcess(OutgoingEvent event) {
+    s_isWanted = true;
     if (::gettid() == ::getpid()) requireEventLoop();
     if (!QCoreApplication::instance()) return fulfil(*event.pending, {.status = connectionInvalid});
     Transport::shared().run([outgoing = std::make_shared<OutgoingEvent const>(std::move(event))](Endpoint& endpoint) {
