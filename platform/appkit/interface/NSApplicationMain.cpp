@@ -5,7 +5,7 @@
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSApplication.h"
 #include "platform/foundation/bundles/NSBundle.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/text/Localization.h"
 #include <QAction>
 #include <QGuiApplication>

@@ -9,8 +9,8 @@ Application& finderApplication();
 Application& systemEventsApplication();
 Application& systemPreferencesApplication();
 
-// A program of this computer by name or identifier; null where there is none. Answered anew each time, and the same
-// object for the same program.
+// A program of this computer by name or identifier; null if no such program is installed. Answered anew each time, and
+// the same object for the same program.
 Application* programNamed(std::u16string_view name);
 Application* programIdentified(std::u16string_view identifier);
 

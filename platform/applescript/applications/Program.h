@@ -19,7 +19,7 @@ void quitPrograms(std::span<char const* const> names);
 // The first process that is called so: by the name of its bundle or of its program's file, or by its identifier.
 struct NamedProcess {
     ProcessIdentity identity{};
-    // Of its program; a process may go over to another one.
+    // The path of the program; a process may execute another one later.
     std::string executable{};
     std::u16string name{};
     std::u16string identifier{};

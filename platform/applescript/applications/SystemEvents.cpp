@@ -98,7 +98,7 @@ public:
     }
 };
 
-// It is always there, without a window.
+// System Events always runs, without a window.
 Value stay(ModelApplication& /*application*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
     return {};
 }

@@ -182,7 +182,7 @@ private:
         return recordIn(desc);
     }
 
-    // Of two fields of one name the first counts.
+    // The first of two fields of one name counts.
     Value recordIn(AEDesc const& desc) {
         std::vector<std::pair<Symbol, Value>> fields;
         std::unordered_set<Code> known;
