@@ -183,7 +183,7 @@ void AppController::startQuery() const {
 Panes AppController::panes() const {
     if (*this == nil) return nil;
     Panes& panes = bodyOf(*this)->_panes;
-    if (panes == nil) panes = Panes::make();
+    if (panes == nil) panes = Panes::of(*this);
     return panes;
 }
 

@@ -96,12 +96,12 @@ public:
     // run or is not launched. Blocks while it quits: until it has replied to the event, then about four seconds.
     void quitFinderAction_(id const& sender) const;
 
-    // The login items: dictionaries of "Hide", "Path" and "AliasData", and whatever else other programs put there. Read
-    // anew; an empty array if there are none. What cannot be read is a beep and a line in the log.
+    // Reads the login items anew: dictionaries of "Hide", "Path", "AliasData" and the keys that other programs added;
+    // an empty array if there are none. A failed read is a beep and a line in the log.
     NSArray readAllAutolaunchItems() const;
     // Whether all was written.
     bool writeAllAutolaunchItems_(NSArray const& items) const;
-    // The first entry whose path, as it stands there, is that of a copy; nil if there is none.
+    // The first entry whose path, spelled as in the entry, is that of a copy; nil if there is none.
     NSDictionary autoLaunchedApplicationsAnyMirrorFrameEntry_(NSArray const& entries) const;
     bool hasAutoLaunchedApplicationsEntry_(NSArray const& entries) const;
     // Makes the copy of the one selected record the one that starts at log-in, in place of all others. A beep and a

@@ -17,7 +17,7 @@ struct DiskFacts {
     NSDate created{};
     NSDate modified{};
     NSString volumeName{};
-    // Where the volume is mounted.
+    // The volume's mount point.
     NSString volumePath{};
 };
 

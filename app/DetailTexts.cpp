@@ -56,7 +56,7 @@ NSString placeText(DetailFacts const& facts) {
                                               : NSLocalizedString("Not in the places", nil);
 }
 
-// What a reader takes in; the text is made anew with each copy that was compared.
+// The most paths that are listed; the text is made anew with each copy that was compared.
 constexpr std::size_t MostEqualPaths = 20;
 
 NSString withLine(NSString const& text, NSString const& line) {

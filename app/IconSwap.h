@@ -7,7 +7,7 @@ namespace framekeeper {
 
 using namespace mac;
 
-// What became of swapping a copy's icon.
+// The outcome of swapping a copy's icon.
 struct IconSwap {
     // The icon file's names, without extension; nil unless the new one was written.
     NSString formerName{};
@@ -18,10 +18,10 @@ struct IconSwap {
     bool isWritten() const { return newName != nil; }
 };
 
-// Replaces the one of the two icon names in the information file of the copy at the path by the other one and touches
-// the bundle. The file keeps its format; it is replaced whole, and stays as it was if it is a symbolic link, lies
-// behind one, may not be written, or changed since it was read. A failure after the writing takes nothing back. With a
-// present name that is not nil, the file must hold that one. Main thread; waits for the program that touches.
+// Exchanges the copy's icon name, which is one of two, for the other one in its information file and touches the
+// bundle. The file keeps its format; it is replaced whole, and stays as it was if it is a symbolic link, lies behind
+// one, may not be written, or changed since it was read. A failure after the writing takes nothing back. If presentName
+// is not nil, the file must hold that name. Main thread; waits for the program that touches the bundle.
 IconSwap swapIcon(NSString const& path, NSString const& presentName = nil);
 // Does so in this very copy, wherever it lies by now.
 IconSwap swapIcon(OpenItem const& bundle, NSString const& presentName = nil);

@@ -20,7 +20,7 @@ NSArray resultsOfQuery(AppController const& controller) {
     return results == nil ? NSArray::array() : results;
 }
 
-// Nobody waits for more steps than this one.
+// Does all the work in one step, for callers that do not divide it.
 constexpr SyncStep EverythingAtOnce{.paths = SIZE_MAX / 2, .fewestPaths = SIZE_MAX / 2};
 
 void continueLater(AppController const& controller, std::shared_ptr<InventorySync> const& sync) {

@@ -29,7 +29,7 @@ bool isCopy(NSString const& path) {
     return path.length() > 0 && path.lastPathComponent().caseInsensitiveCompare_(CompanionFileName) == NSOrderedSame;
 }
 
-// As it stands in the entry; nil for an element that is no entry with such a path.
+// The entry's path as it is spelled there; nil if the element is no entry with a path.
 NSString pathInEntry(id const& entry) { return as<NSString>(as<NSDictionary>(entry).objectForKey_("Path")); }
 
 // nil unless the entry names a copy of the companion.

@@ -1,6 +1,8 @@
 #include "app/Panes.h"
+#include "platform/appkit/arrangement/KeyPathObserver.h"
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/objects/Method.h"
+#include "platform/foundation/objects/Weak.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace framekeeper {
@@ -13,9 +15,31 @@ constexpr char ShowsDetailsDefault[] = "ShowsDetails";
 
 class Panes::Body : public ObjectBody {
 public:
+    explicit Body(AppController const& followed)
+        : controller(followed), gathering(followed, "query.isGathering", [this] { followSearch(); }) {}
+
+    void followSearch();
+    void showUnreadableFolders(bool shows);
+
     bool showsDetails = NSUserDefaults::standardUserDefaults().boolForKey_(ShowsDetailsDefault);
     bool showsUnreadableFolders = false;
+
+private:
+    Weak<AppController> controller;
+    KeyPathObserver gathering;
 };
+
+// While a search is under way the list stays as the user left it: it may end with the same folders.
+void Panes::Body::followSearch() {
+    NSMetadataQuery const query = controller.load().query();
+    if (!query.isGathering() && query.unreadableFolderCount() == 0) showUnreadableFolders(false);
+}
+
+void Panes::Body::showUnreadableFolders(bool shows) {
+    if (shows == showsUnreadableFolders) return;
+    KeyChange const change(id::retain(this), "showsUnreadableFolders");
+    showsUnreadableFolders = shows;
+}
 
 ClassDescription Panes::describeClass() {
     return {
@@ -34,7 +58,7 @@ ClassDescription Panes::describeClass() {
     };
 }
 
-Panes Panes::make() { return adopt<Panes>(); }
+Panes Panes::of(AppController const& controller) { return controller == nil ? nil : adopt<Panes>(controller); }
 
 bool Panes::showsDetails() const { return *this != nil && bodyOf(*this)->showsDetails; }
 
@@ -51,9 +75,7 @@ void Panes::toggleDetails_(id const&) const {
 }
 
 void Panes::toggleUnreadableFolders_(id const&) const {
-    if (*this == nil) return;
-    KeyChange const change(*this, "showsUnreadableFolders");
-    bodyOf(*this)->showsUnreadableFolders = !showsUnreadableFolders();
+    if (*this != nil) bodyOf(*this)->showUnreadableFolders(!showsUnreadableFolders());
 }
 
 } // namespace framekeeper

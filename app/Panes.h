@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/foundation/objects/Class.h"
+#include "app/AppController.h"
 
 namespace framekeeper {
 
@@ -15,11 +15,12 @@ public:
 
     static ClassDescription describeClass();
 
-    static Panes make();
+    // Follows the controller's query without keeping the controller alive; nil for nil.
+    static Panes of(AppController const& controller);
 
     // Remembered in the user's defaults under "ShowsDetails".
     bool showsDetails() const;
-    // The folders that could not be read; hidden at each start.
+    // The folders that could not be read; hidden at each start, and once a search has ended that could read all.
     bool showsUnreadableFolders() const;
 
     void toggleDetails_(id const& sender) const;

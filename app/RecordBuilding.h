@@ -61,7 +61,7 @@ private:
     NSMutableSet m_added = NSMutableSet::set();
     // By short version and version: most copies share a few.
     std::map<std::pair<std::u16string_view, std::u16string_view>, Versions> m_versions;
-    // What the keys of m_versions view.
+    // Owns the texts that the keys of m_versions view.
     std::vector<NSString> m_keptTexts;
 };
 

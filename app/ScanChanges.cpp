@@ -15,7 +15,7 @@ namespace framekeeper {
 
 namespace {
 
-// What the main thread looks at without a break.
+// The most paths that the main thread looks at before it returns to the run loop.
 constexpr std::size_t MostLooksInATurn = 256;
 
 // The trash names a folder with a slash at its end, which a query's results lack.
@@ -95,8 +95,8 @@ public:
     void set(NSUInteger newOnes, NSUInteger goneOnes);
 
     Weak<AppController> controller;
-    // Results that the inventory does not know, and paths of the inventory that are no results: a copy that an action
-    // moved may lie where the query watches nothing.
+    // Results that the inventory does not know, and paths of the inventory that are not among the results. The latter
+    // are looked at, since an action may have moved a copy to a folder that the query does not watch.
     LookedAtPaths unknown;
     LookedAtPaths missing;
     NSUInteger newCopies{0};

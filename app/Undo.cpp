@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t MostSteps = 100;
 constexpr char CouldNotBeUndone[] = "That could not be undone.";
 
-// What came of taking a step back.
+// The outcome of taking a step back.
 struct Undone {
     NSString notice{};
     // A step that failed may stay on top, so that it can be tried again.
@@ -72,7 +72,7 @@ NSArray listBefore(NSArray const& present, ListChange const& change) {
 Undone takeBack(AppController const& controller, ListChange const& change) {
     ListAccess const list = accessTo(change.list);
     ListRead const present = list.read();
-    // What was added may be in the part that could not be read, and would stay.
+    // The added entry may be in the part that could not be read, and would stay in the list.
     if (!present.isWhole) return {CouldNotBeUndone, Undone::Step::Stays};
     bool const isWritten = (controller.*list.write)(listBefore(present.items, change));
     (controller.*list.sync)();

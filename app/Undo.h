@@ -23,7 +23,7 @@ struct ListChange {
     enum class List { LoginItems, ToolbarItems };
     struct Removed {
         id item{};
-        // Its place in the list before, and how many items equal to it the list had.
+        // The item's index in the list before the change, and how many items equal to it the list had.
         NSUInteger index{0};
         NSUInteger equalItems{1};
     };

@@ -45,7 +45,7 @@ std::vector<id> dictionaries(int count) {
     return made;
 }
 
-// So other programs do not count.
+// Processor time of this process, so that other programs do not count.
 template <class Function>
 double processorSecondsOf(Function const& function) {
     std::clock_t const start = std::clock();

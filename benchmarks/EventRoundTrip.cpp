@@ -49,7 +49,7 @@ int answerEvents() {
     AppleEvent const hello =
         test::testEvent(AEEventID("helo"), NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
                                                typeKernelProcessID, &parent, sizeof parent));
-    // What is sent goes behind the opening of the own end.
+    // The first event sent opens this end of the transport, too.
     AESendMessage(&hello, nullptr, kAENoReply, kNoTimeOut);
     say("ready");
     for (;;)

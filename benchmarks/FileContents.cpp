@@ -39,7 +39,7 @@ void readAll(std::string const& path) {
     ::close(file);
 }
 
-// Of this program, or of those that it has waited for.
+// Processor time of this program (RUSAGE_SELF) or of the children that it has waited for (RUSAGE_CHILDREN).
 double processorSeconds(int who) {
     rusage usage{};
     ::getrusage(who, &usage);
@@ -49,7 +49,7 @@ double processorSeconds(int who) {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-// What a function takes on the clock and of the processor.
+// The time that a function takes, by the clock and of the processor.
 struct Cost {
     double seconds{0};
     double processorSeconds{0};

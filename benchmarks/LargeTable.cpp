@@ -51,7 +51,8 @@ public:
         return result;
     }
 
-    // The step and all that follows from it, until nothing is left to do; milliseconds.
+    // The longest time in milliseconds that the main thread is held by the step and by all that follows from it, until
+    // no work is left.
     double longestHold(std::function<void()> const& step) {
         m_longest = 0;
         QTimer::singleShot(0, this, step);

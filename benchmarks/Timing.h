@@ -25,11 +25,11 @@ inline double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// Starts the program, which is looked for in PATH, and lets nothing of its output be seen. Answers its process; ends
-// this program with a message when it cannot be started: without it there is nothing to compare with.
+// Starts the program, which is looked for in PATH, with its output discarded, and returns its process ID. Ends this
+// program with a message if it cannot be started: without it there is nothing to compare with.
 int startProgram(std::vector<std::string> const& words);
 
-// The same, and waits for its end; also ends this program when the other one fails.
+// Runs the program to its end as startProgram() starts it; ends this program with a message also if it fails.
 void runProgram(std::vector<std::string> const& words);
 
 } // namespace benchmarks

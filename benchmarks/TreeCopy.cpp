@@ -106,7 +106,7 @@ struct Pair {
     double theirs = 0;
 };
 
-// What was written to the volume before is not to be written while the next one runs.
+// Flushes the volume before each run, so that earlier writes do not reach the disk during it.
 double settledSecondsOf(std::string const& folder, auto const& function) {
     FileDescriptor const opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!opened.isOpen() || ::syncfs(opened.number()) != 0) end(folder, errno);

@@ -42,7 +42,8 @@ constexpr std::uint64_t seed = 20;
 constexpr std::uint64_t entriesOfADisk = 1'500'000;
 constexpr char const* treeName = "whole-disk-walk-tree";
 constexpr char const* markName = "whole-disk-walk-tree.complete"; // lies beside the tree when it was built to the end
-// A walk in two threads loses more to other programs than a search in one, so a pair with such beside it tells nothing.
+// A walk in two threads loses more to other programs than a search in one, so pairs of runs under foreign load are
+// discarded.
 constexpr double foreignLoadAllowed = 0.08;
 constexpr int disturbedPairsForOne = 10; // then it is given up
 constexpr std::chrono::minutes patience{10};
@@ -93,9 +94,8 @@ std::optional<Options> readOptions(int count, char** arguments) {
     return options;
 }
 
-// What a run of this program with --walk does: the walk alone, in a process of its own, so that its memory can be told.
-// With a folder for the memory it begins with what the last walk left there. It stays with what it found then unless it
-// is to remember.
+// The option --walk: the walk alone, in a process of its own, so that its memory can be measured. With a memory folder
+// it begins with what the last walk left there, and writes it anew only with Remembering::Yes.
 enum class Remembering { No, Yes };
 int walk(char const* top, std::vector<std::string> names, char const* memoryFolder, Remembering remembering) {
     long const before = memoryNow();
@@ -142,9 +142,9 @@ public:
     }
     // Walks once and leaves what the next needs, in a folder that is made.
     void remember(std::string const& memory);
-    // Runs ours and the rival in turn and prints the ratios. A target of 0 is none.
+    // Runs our walk and the rival in turn and prints the ratios. A target of 0 means no target.
     void compare(std::vector<std::string> const& ours, Rival const& rival, int pairs, bool isCold, double target);
-    // What the runs since the last time took, with what wanted under a limit.
+    // Prints the memory of the runs since the last call, and what would have been needed to stay below the limit.
     void printMemory(long limit);
     bool isWon() const { return m_isWon; }
 
@@ -224,7 +224,7 @@ void removeTree(std::string const& folder) {
     run({"rm", "-rf", "--", folder + "/" + markName, folder + "/" + treeName});
 }
 
-// One that was built to the end has a mark that names its plan.
+// Builds the tree unless a complete one is there; a complete tree has a mark that names its plan.
 void provideTree(std::string const& folder, WholeDiskWalkTree const& tree, std::string const& plan) {
     std::string mark;
     std::getline(std::ifstream(folder + "/" + markName), mark);

@@ -16,7 +16,7 @@ struct Run {
     std::string errorText;
 };
 
-// Nothing when the command cannot be started.
+// nullopt if the command cannot be started.
 std::optional<Run> run(std::vector<std::string> const& command);
 
 // Waits until other programs use no more of the machine's cores than that. False when they still do after the time.
@@ -25,7 +25,8 @@ bool waitUntilQuiet(double foreignLoad, std::chrono::seconds time);
 // Makes the next walk read the disk. False when this user may not.
 bool dropCaches();
 
-// As the system counts them: foreign ones slow every walk down, so a figure is worth what these were meanwhile.
+// The kernel's count of cached directory entries. Entries of other folders slow every walk down, so each figure is
+// printed with this count.
 long directoryEntriesInMemory();
 
 // The memory of this process that is not shared with others' files, in KiB: now, and at its highest so far.

@@ -101,8 +101,8 @@ void WholeDiskWalkTree::addPackage(std::uint32_t parent, std::string const& name
     if (holdsAnother) addPackage(resources, wantedName, false);
 }
 
-// A new folder is a sibling of any that is there, so that some come to hold hundreds, or lies in any, or goes on where
-// the last few were made, as long ways down do. These shares give the depths and the leaves of a system disk.
+// A new folder is a sibling of any earlier one, so that some folders come to hold hundreds, or lies in any, or
+// continues the last few, as deep paths do. These shares give the depths and the leaves of a system disk.
 void WholeDiskWalkTree::addOrdinaryFolders(std::uint32_t count) {
     for (std::uint32_t i = 0; i < count; ++i) {
         std::uint64_t const kind = random(100);

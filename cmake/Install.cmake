@@ -1,5 +1,6 @@
-# What `cmake --install` puts in place: one shared library of the three library rooms and the platform below them, its
-# headers, and the files by which CMake and pkg-config find it. Nothing of it needs Qt's headers.
+# What `cmake --install` puts in place: the library of the three library rooms and the platform below them, its headers,
+# and the files by which CMake and pkg-config find it. Nothing of it needs Qt's headers. It is two shared libraries, so
+# that a program without windows does not load the toolkit's: libframekeeper-core, and libframekeeper with the rest.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -35,36 +36,72 @@ endfunction()
 framekeeper_with_included(public_headers ${headers} ${library_headers})
 list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/)
 
-add_library(framekeeper_shared SHARED $<TARGET_OBJECTS:framekeeper_operations> $<TARGET_OBJECTS:framekeeper_library>)
-foreach(room IN LISTS rooms)
-  target_sources(framekeeper_shared PRIVATE $<TARGET_OBJECTS:${room}>)
-  get_target_property(hidden ${room} FRAMEKEEPER_HIDES)
-  if(hidden)
-    target_link_libraries(framekeeper_shared PRIVATE ${hidden})
-  endif()
-endforeach()
-set_target_properties(
-  framekeeper_shared
-  PROPERTIES OUTPUT_NAME framekeeper
-             EXPORT_NAME framekeeper
-             VERSION ${PROJECT_VERSION}
-             # What programs were built against stays as it is while this number does; so says the version file, too.
-             SOVERSION ${PROJECT_VERSION_MAJOR})
-# What the installed headers declare is exported, and nothing else (scripts/exported-symbols).
-set(exported ${PROJECT_SOURCE_DIR}/packaging/libframekeeper.map)
-target_link_options(framekeeper_shared PRIVATE -Wl,--version-script=${exported})
-set_target_properties(framekeeper_shared PROPERTIES LINK_DEPENDS ${exported})
-target_compile_features(framekeeper_shared INTERFACE cxx_std_20)
+set(core_rooms ${rooms} framekeeper_operations)
+set(window_rooms framekeeper_views framekeeper_library)
+list(REMOVE_ITEM core_rooms ${window_rooms})
+# What the programs consist of beside the libraries.
+set(program_rooms framekeeper_controller framekeeper_app framekeeper_command framekeeper_spotlight
+                  framekeeper_arrangement framekeeper_appkit)
+
+# framekeeper_shared_library(TARGET NAME ROOMS ... USERS ...): a shared library of these rooms. It exports what the
+# installed headers declare (scripts/exported-symbols), and what its users, which are installed with it, need beyond.
+function(framekeeper_shared_library TARGET NAME)
+  cmake_parse_arguments(LIBRARY "" "" "ROOMS;USERS" ${ARGN})
+  add_library(${TARGET} SHARED)
+  set(archives)
+  set(externals)
+  foreach(room IN LISTS LIBRARY_ROOMS)
+    target_sources(${TARGET} PRIVATE $<TARGET_OBJECTS:${room}>)
+    list(APPEND archives $<TARGET_FILE:${room}>)
+    get_target_property(hidden ${room} FRAMEKEEPER_HIDES)
+    if(hidden)
+      list(APPEND externals ${hidden})
+    endif()
+  endforeach()
+  # Rooms come in by their objects alone: from an archive they would come in twice.
+  list(FILTER externals EXCLUDE REGEX "^framekeeper_")
+  target_link_libraries(${TARGET} PRIVATE ${externals})
+  set(users ${LIBRARY_USERS})
+  list(TRANSFORM users REPLACE "(.+)" "$<TARGET_FILE:\\1>")
+  set(map ${PROJECT_SOURCE_DIR}/packaging/libframekeeper.map)
+  set(exported ${PROJECT_BINARY_DIR}/${NAME}.map)
+  set(write_map ${PROJECT_SOURCE_DIR}/scripts/internal-symbols)
+  add_custom_command(
+    OUTPUT ${exported}
+    COMMAND ${write_map} ${exported} ${map} ${archives} -- ${users} $<TARGET_OBJECTS:framekeeper_osa>
+    DEPENDS ${write_map} ${map} ${LIBRARY_ROOMS} ${LIBRARY_USERS} $<TARGET_OBJECTS:framekeeper_osa>
+    COMMAND_EXPAND_LISTS VERBATIM)
+  target_sources(${TARGET} PRIVATE ${exported})
+  set_target_properties(
+    ${TARGET}
+    PROPERTIES OUTPUT_NAME ${NAME}
+               EXPORT_NAME ${NAME}
+               VERSION ${PROJECT_VERSION}
+               # What programs were built against stays as it is while this number does; so says the version file, too.
+               SOVERSION ${PROJECT_VERSION_MAJOR}
+               LINK_DEPENDS ${exported})
+  # A call within the library goes straight to its own function, without a look into the program first.
+  target_link_options(${TARGET} PRIVATE -Wl,--version-script=${exported} -Wl,--no-undefined -Wl,-Bsymbolic-functions)
+  target_compile_features(${TARGET} INTERFACE cxx_std_20)
+  target_include_directories(${TARGET} PRIVATE ${PROJECT_SOURCE_DIR})
+  framekeeper_register_rooms(${TARGET} ${LIBRARY_ROOMS})
+endfunction()
+
+framekeeper_shared_library(framekeeper_shared_core framekeeper-core ROOMS ${core_rooms}
+                           USERS ${program_rooms} ${window_rooms})
+framekeeper_shared_library(framekeeper_shared framekeeper ROOMS ${window_rooms} USERS ${program_rooms})
+target_link_libraries(framekeeper_shared PUBLIC framekeeper_shared_core)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
-framekeeper_register_rooms(framekeeper_shared ${rooms} framekeeper_operations framekeeper_library)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
 install(
-  TARGETS framekeeper_shared
+  TARGETS framekeeper_shared_core framekeeper_shared
   EXPORT Framekeeper
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/framekeeper COMPONENT development)
 # What autostart entries written by the library may start.
+framekeeper_link_shared(framekeeper-login ${CMAKE_INSTALL_LIBEXECDIR} framekeeper_shared_core)
+add_dependencies(framekeeper_shared framekeeper-login)
 install(TARGETS framekeeper-login DESTINATION ${CMAKE_INSTALL_LIBEXECDIR} COMPONENT library)
 install(EXPORT Framekeeper FILE FramekeeperConfig.cmake NAMESPACE Framekeeper:: DESTINATION ${package_folder}
         COMPONENT development)

@@ -8,6 +8,10 @@ set(desktop_files ${PROJECT_SOURCE_DIR}/packaging/desktop)
 
 # The window's program stays in its bundle, where it finds its resources; the command in the path is a link to it.
 set(bundle_folder ${CMAKE_INSTALL_LIBDIR}/framekeeper/Framekeeper.app/Contents)
+# The programs take from the shared libraries what those have, which is then on the disk and in memory once.
+framekeeper_link_shared(framekeeper ${bundle_folder}/Linux framekeeper_shared framekeeper_shared_core)
+framekeeper_link_shared(framekeeper-cli ${CMAKE_INSTALL_BINDIR} framekeeper_shared_core)
+framekeeper_link_shared(osa ${CMAKE_INSTALL_BINDIR} framekeeper_shared framekeeper_shared_core)
 install(TARGETS framekeeper DESTINATION ${bundle_folder}/Linux COMPONENT programs)
 install(FILES ${FRAMEKEEPER_BUNDLE}/Info.plist DESTINATION ${bundle_folder} COMPONENT programs)
 install(FILES ${FRAMEKEEPER_BUNDLE}/Resources/MainMenu.ui DESTINATION ${bundle_folder}/Resources COMPONENT programs)
@@ -18,7 +22,8 @@ install(FILES ${PROJECT_BINARY_DIR}/links/framekeeper DESTINATION ${CMAKE_INSTAL
 
 install(TARGETS framekeeper-cli DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
 set_target_properties(osa PROPERTIES EXCLUDE_FROM_ALL OFF)
-install(PROGRAMS $<TARGET_FILE:osa> RENAME framekeeper-osa DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
+set_target_properties(osa PROPERTIES OUTPUT_NAME framekeeper-osa)
+install(TARGETS osa DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT programs)
 
 install(FILES ${desktop_files}/${desktop_id}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT programs)
 # The session's bus starts the program by its path, which is known when it is installed.

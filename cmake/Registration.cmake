@@ -82,13 +82,17 @@ namespace {
   target_sources(${TARGET} PRIVATE ${source})
 endfunction()
 
-# framekeeper_register_programs(FOLDER): for each program of a folder and of those below.
+# framekeeper_register_programs(FOLDER): for each program of a folder and of those below. Shared libraries register the
+# rooms they are made of themselves; a program's FRAMEKEEPER_ROOMS are then those that it has beside them.
 function(framekeeper_register_programs FOLDER)
   get_property(targets DIRECTORY ${FOLDER} PROPERTY BUILDSYSTEM_TARGETS)
   foreach(target IN LISTS targets)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL EXECUTABLE)
-      framekeeper_linked_targets(linked ${target})
+      get_target_property(linked ${target} FRAMEKEEPER_ROOMS)
+      if(linked STREQUAL "linked-NOTFOUND")
+        framekeeper_linked_targets(linked ${target})
+      endif()
       framekeeper_register_rooms(${target} ${linked})
     endif()
   endforeach()

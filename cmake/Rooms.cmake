@@ -58,6 +58,34 @@ function(framekeeper_library_room NAME)
   set_property(GLOBAL APPEND PROPERTY FRAMEKEEPER_LIBRARY_ROOMS framekeeper_${NAME})
 endfunction()
 
+# framekeeper_link_shared(PROGRAM FOLDER LIBRARY...): links a program, which is installed in the folder, with shared
+# libraries instead of the rooms that they are made of. Its other rooms come in as objects: what the libraries lack fails
+# to link, and does not come in twice.
+function(framekeeper_link_shared PROGRAM FOLDER)
+  get_property(shared_rooms GLOBAL PROPERTY FRAMEKEEPER_LIBRARY_ROOMS)
+  list(APPEND shared_rooms framekeeper_operations framekeeper_library framekeeper_options)
+  framekeeper_linked_targets(rooms ${PROGRAM})
+  list(REMOVE_ITEM rooms ${PROGRAM} ${shared_rooms})
+  set(externals)
+  foreach(target IN LISTS PROGRAM rooms)
+    get_target_property(linked ${target} LINK_LIBRARIES)
+    list(APPEND externals ${linked})
+  endforeach()
+  list(FILTER externals EXCLUDE REGEX "^(.*framekeeper_.*|.*-NOTFOUND)$")
+  list(REMOVE_DUPLICATES externals)
+  foreach(room IN LISTS rooms)
+    target_sources(${PROGRAM} PRIVATE $<TARGET_OBJECTS:${room}>)
+  endforeach()
+  # A library whose classes and hooks alone are needed counts as needed, too.
+  set_target_properties(
+    ${PROGRAM}
+    PROPERTIES LINK_LIBRARIES "framekeeper_options;-Wl,--no-as-needed;${ARGN};-Wl,--as-needed;${externals}"
+               FRAMEKEEPER_ROOMS "${rooms}")
+  # Found also below a prefix where no loader looks.
+  cmake_path(RELATIVE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY ${FOLDER} OUTPUT_VARIABLE from_program)
+  set_target_properties(${PROGRAM} PROPERTIES INSTALL_RPATH "$ORIGIN/${from_program}")
+endfunction()
+
 # framekeeper_test(NAME [OWN_PROCESSES] [X_DISPLAY] SOURCES ... [USES ...]): a GoogleTest program, registered under its
 # name. With OWN_PROCESSES it starts itself in a process namespace of its own, however it is run. With X_DISPLAY it, or
 # a program of ours that it starts, opens windows on a real X display.

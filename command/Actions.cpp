@@ -88,8 +88,8 @@ Outcome trash(Copies const& copies, Target const& target) {
     return {.path = target.path, .newPath = NSString::stringWithFileSystemRepresentation_(trashed.value().path)};
 }
 
-// The item in the trash that is meant by the path: the one at the path, or the copy that came from there, the last
-// deleted first; nullopt if there is none.
+// The item in the trash that the path stands for: the one at the path, or the copy that was trashed from there last;
+// nullopt if there is none.
 std::optional<TrashedItem> trashedItemOf(Target const& target, bool isInTrash) {
     std::string const bytes = bytesOfPath(target.path);
     if (isInTrash && target.item) return TrashedItem{.path = bytes, .identity = *target.item};
@@ -178,7 +178,7 @@ Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString co
         present = Copies();
         bool const isRead = readList(list, present);
         if (isListed(list, present, path)) continue;
-        // What was seen of the list has been removed.
+        // The copy was removed from what could be read of the list.
         return {.path = path, .status = isRead ? status : Status::NotShown};
     }
     return failed(path, localizable("it is in the list again"));

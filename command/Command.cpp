@@ -133,7 +133,7 @@ bool isConfirmed(CommandLine const& line, std::vector<Target> const& targets) {
 Status change(CommandLine const& line) {
     std::vector<Target> const targets = targetsOf(line);
     if (!isConfirmed(line, targets)) return Status::NotConfirmed;
-    // What these two do ends well at any moment, and asking a copy to quit may take a minute.
+    // Quitting and revealing may be interrupted at any moment, and asking a copy to quit may take a minute.
     bool const changesDisk = line.verb != Verb::Quit && line.verb != Verb::Reveal;
     if (changesDisk) holdInterruptions();
     std::vector<Outcome> const outcomes = act(line, targets, Copies());

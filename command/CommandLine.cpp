@@ -47,7 +47,7 @@ bool takeOption(CommandLine& line, std::string_view word) {
     return true;
 }
 
-// Adding and removing are words behind the name of a list; nothing is added to the places.
+// Takes "add" or "remove" behind the name of a list; the places know only "remove".
 Result<void, Failure> takeEdit(CommandLine& line, std::vector<std::string>& operands) {
     bool const isList = line.verb == Verb::Login || line.verb == Verb::Places;
     if (!isList || operands.empty()) return {};

@@ -7,14 +7,14 @@
 namespace framekeeper {
 
 enum class Verb { Help, Version, List, Info, Reveal, Quit, Trash, Restore, Delete, SwapIcon, Login, Places, Report };
-// What login and places do with their list.
+// What the verbs login and places do with their list.
 enum class ListEdit { Show, Add, Remove };
 // Table is the verb's form for people: text, or a page in HTML of report. CSV is a form of report alone, JSON and
 // NullSeparated are forms of all other verbs.
 enum class OutputForm { Table, JSON, NullSeparated, CSV };
 enum class Confirmation { IsAsked, IsGiven };
 
-// What the command was asked for.
+// A parsed command line.
 struct CommandLine {
     Verb verb{Verb::Help};
     ListEdit edit{ListEdit::Show};

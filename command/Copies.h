@@ -16,8 +16,8 @@ public:
 
     AppController const& controller() const { return m_controller; }
 
-    // Reads all sources and searches the computer; the records are there when it ends. False if it could not be
-    // started. Progress is told now and then, with the number of items found so far.
+    // Reads all sources and searches the computer; blocks until the records are complete. False if the search could not
+    // be started. Progress is called now and then with the number of items found so far.
     bool search(std::function<void(std::size_t found)> const& progress) const;
     // Reads the running copies, the login items and the places. What cannot be read of them is a beep.
     void readSources() const;
@@ -26,7 +26,7 @@ public:
 
     // All records, in the order of the window's first showing.
     NSArray records() const;
-    // The record of the very path, else of one that standardizes to it; nil if there is none.
+    // The record of exactly this path, else of a path that standardizes to it; nil if there is none.
     NSDictionary recordOf(NSString const& path) const;
     // Selects the records with these paths for the controller's actions; false if one of them has none.
     bool select(NSArray const& paths) const;

@@ -69,7 +69,7 @@ std::optional<CopyFacts> copyIn(JSONObject const& object) {
     return CopyFacts{*path, *version, *versionString, process, *exists, *isRunning, *isAutolaunched, *isInToolbar};
 }
 
-// What whoever asked the host says of its answer; nullopt for a word that is none of an answer.
+// The answer's kind as the program that asked the host noted it; nullopt for an unknown word.
 std::optional<HostAnswer> answerIn(JSONObject const& object) {
     if (!object.has("answer")) return HostAnswer::Complete;
     std::optional<std::string> const word = object.text("answer");
@@ -127,8 +127,8 @@ HostFacts readHostAtPath(std::string const& path) {
     return withoutCopies(nameOfHost(path), answer, visibleBytes(contents.problem().text()));
 }
 
-// What is read of one host may be many times as large as its file: a host that is too large for the memory is no reason
-// to tell nothing of the others.
+// Parsed facts may need many times the memory of their file. A host that exhausts the memory is listed as rubbish, and
+// the others are reported.
 HostFacts readHost(std::string const& path) {
     try {
         return readHostAtPath(path);

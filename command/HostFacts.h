@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-// What many hosts have told of their copies: one file for each host, with the output of `framekeeper-cli list --json`
-// there. docs/man/framekeeper-cli.1 describes the keys that whoever gathers the files may add.
+// The facts that many hosts told of their copies: one file a host, with the output of `framekeeper-cli list --json`.
+// docs/man/framekeeper-cli.1 describes the keys that the program that gathers the files may add.
 
 namespace framekeeper {
 
@@ -44,7 +44,7 @@ struct HostFacts {
     std::string reason{};
     // When the host was asked, as it was written down; empty if it was not.
     std::string gathered{};
-    // In the order of the host's list. Empty for rubbish: of a list that can be read only in part nothing is believed.
+    // In the order of the host's list. Empty for rubbish: a list that can be read only in part is not believed.
     std::vector<CopyFacts> copies{};
 };
 

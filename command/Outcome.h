@@ -6,7 +6,7 @@ namespace framekeeper {
 
 using namespace mac;
 
-// What became of one path, or of the whole command.
+// The outcome of one path, or of the whole command.
 enum class Status {
     Done,
     // Done, but the file browser could not show it or take it up, or the changed list could not be read again.

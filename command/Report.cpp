@@ -15,26 +15,44 @@ namespace framekeeper {
 
 namespace {
 
-NSString textIn(id const& record, char const* key) {
-    return as<NSString>(record.valueForKey_(NSString::stringWithUTF8String_(key)));
-}
+// The keys of a record, made once: a list reads each of them as often as it has copies.
+struct RecordKeys {
+    NSString path = "path";
+    NSString psn = "psn";
+    NSString version = "version";
+    NSString versionString = "versionString";
+    NSString exists = "exists";
+    NSString isRunning = "isRunning";
+    NSString isAutolaunched = "isAutolaunched";
+    NSString isInToolbar = "isInToolbar";
+
+    static RecordKeys const& shared() {
+        static RecordKeys const keys;
+        return keys;
+    }
+};
+
+NSString textIn(id const& record, NSString const& key) { return as<NSString>(record.valueForKey_(key)); }
 
 // nil for a path that tells no version: its record holds an empty text.
-NSString versionIn(id const& record, char const* key) {
+NSString versionIn(id const& record, NSString const& key) {
     NSString const version = textIn(record, key);
     return version.length() == 0 ? NSString() : version;
 }
 
-bool flagIn(id const& record, char const* key) {
-    return as<NSNumber>(record.valueForKey_(NSString::stringWithUTF8String_(key))).boolValue();
-}
+bool flagIn(id const& record, NSString const& key) { return as<NSNumber>(record.valueForKey_(key)).boolValue(); }
 
 std::string visible(NSString const& text) { return text == nil ? "–" : visibleLine(text.codeUnits()); }
 
-std::string jsonText(NSString const& text) {
-    if (text == nil) return "null";
+// The functions below write behind what the document has already: copies of texts are most of what a long list costs.
+
+void appendText(std::string& json, NSString const& text) {
+    if (text == nil) {
+        json += "null";
+        return;
+    }
     constexpr std::string_view digits = "0123456789abcdef";
-    std::string json = "\"";
+    json += '"';
     for (char const byte : utf8FromUnits(text.codeUnits())) {
         auto const code = static_cast<unsigned char>(byte);
         if (byte == '"' || byte == '\\')
@@ -44,49 +62,63 @@ std::string jsonText(NSString const& text) {
         else
             json += byte;
     }
-    return json + "\"";
+    json += '"';
 }
 
-std::string jsonFlag(bool value) { return value ? "true" : "false"; }
+void appendFlag(std::string& json, std::string_view key, bool value) {
+    ((json += ", \"") += key) += value ? "\": true" : "\": false";
+}
 
-std::string jsonPath(NSString const& path, std::string const& prefix = "") {
-    std::string const pathKey = prefix.empty() ? "path" : prefix + "Path";
-    std::string const uriKey = prefix.empty() ? "uri" : prefix + "Uri";
-    return "\"" + pathKey + "\": " + jsonText(path) + ", \"" + uriKey + "\": \"file://" +
-           percentEscaped(bytesOfPath(path)) + "\"";
+// As "path" and "uri", or as "newPath" and "newUri".
+enum class PathKeys { Plain, New };
+
+void appendPath(std::string& json, NSString const& path, PathKeys keys = PathKeys::Plain) {
+    json += keys == PathKeys::Plain ? "\"path\": " : "\"newPath\": ";
+    appendText(json, path);
+    json += keys == PathKeys::Plain ? ", \"uri\": \"file://" : ", \"newUri\": \"file://";
+    (json += percentEscaped(bytesOfPath(path))) += '"';
 }
 
 // The process's ID; nullopt if the record has no process, or it has ended meanwhile.
 std::optional<std::int32_t> processOf(id const& record) {
-    NSNumber const number = as<NSNumber>(record.valueForKey_("psn"));
+    NSNumber const number = as<NSNumber>(record.valueForKey_(RecordKeys::shared().psn));
     if (number == nil) return {};
     auto const psn = std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
     std::int32_t process = 0;
     return GetProcessPID(&psn, &process) == noErr ? std::optional(process) : std::nullopt;
 }
 
-std::string jsonRecord(id const& record) {
+void appendRecord(std::string& json, id const& record) {
+    RecordKeys const& keys = RecordKeys::shared();
     std::optional<std::int32_t> const process = processOf(record);
-    return "{" + jsonPath(textIn(record, "path")) + ", \"version\": " + jsonText(versionIn(record, "version")) +
-           ", \"versionString\": " + jsonText(versionIn(record, "versionString")) +
-           ", \"exists\": " + jsonFlag(flagIn(record, "exists")) +
-           ", \"isRunning\": " + jsonFlag(flagIn(record, "isRunning")) +
-           ", \"processID\": " + (process ? std::to_string(*process) : "null") +
-           ", \"isAutolaunched\": " + jsonFlag(flagIn(record, "isAutolaunched")) +
-           ", \"isInToolbar\": " + jsonFlag(flagIn(record, "isInToolbar")) + "}";
+    json += '{';
+    appendPath(json, textIn(record, keys.path));
+    json += ", \"version\": ";
+    appendText(json, versionIn(record, keys.version));
+    json += ", \"versionString\": ";
+    appendText(json, versionIn(record, keys.versionString));
+    appendFlag(json, "exists", flagIn(record, keys.exists));
+    appendFlag(json, "isRunning", flagIn(record, keys.isRunning));
+    (json += ", \"processID\": ") += process ? std::to_string(*process) : "null";
+    appendFlag(json, "isAutolaunched", flagIn(record, keys.isAutolaunched));
+    appendFlag(json, "isInToolbar", flagIn(record, keys.isInToolbar));
+    json += '}';
 }
 
-std::string jsonOutcome(Outcome const& outcome) {
-    std::string json = "{" + jsonPath(outcome.path) + ", \"status\": \"" + nameOf(outcome.status) + "\"";
-    if (outcome.newPath != nil) json += ", " + jsonPath(outcome.newPath, "new");
-    if (outcome.reason != nil) json += ", \"reason\": " + jsonText(outcome.reason);
-    return json + "}";
+void appendOutcome(std::string& json, Outcome const& outcome) {
+    json += '{';
+    appendPath(json, outcome.path);
+    ((json += ", \"status\": \"") += nameOf(outcome.status)) += '"';
+    if (outcome.newPath != nil) appendPath(json += ", ", outcome.newPath, PathKeys::New);
+    if (outcome.reason != nil) appendText(json += ", \"reason\": ", outcome.reason);
+    json += '}';
 }
 
-std::string jsonDocument(char const* key, std::size_t count, std::function<std::string(std::size_t)> const& element) {
+std::string jsonDocument(char const* key, std::size_t count,
+                         std::function<void(std::string& json, std::size_t index)> const& append) {
     std::string json = "{\"framekeeper\": " + std::to_string(JSONVersion) + ", \"" + key + "\": [";
     for (std::size_t index = 0; index < count; ++index)
-        (json += index == 0 ? "\n  " : ",\n  ") += element(index);
+        append(json += index == 0 ? "\n  " : ",\n  ", index);
     return json + (count == 0 ? "]}\n" : "\n]}\n");
 }
 
@@ -96,13 +128,13 @@ id recordAt(NSArray const& records, std::size_t index) {
 
 std::string jsonRecords(NSArray const& records) {
     return jsonDocument("copies", records.count(),
-                        [&](std::size_t index) { return jsonRecord(recordAt(records, index)); });
+                        [&](std::string& json, std::size_t index) { appendRecord(json, recordAt(records, index)); });
 }
 
 std::string separatedPaths(NSArray const& records) {
     std::string bytes;
     for (NSUInteger index = 0; index < records.count(); ++index)
-        (bytes += bytesOfPath(textIn(records.objectAtIndex_(index), "path"))) += '\0';
+        (bytes += bytesOfPath(textIn(records.objectAtIndex_(index), RecordKeys::shared().path))) += '\0';
     return bytes;
 }
 
@@ -110,13 +142,14 @@ constexpr std::size_t Columns = 6;
 using Row = std::array<std::string, Columns>;
 
 Row rowOf(id const& record) {
-    auto const mark = [&](char const* key) { return std::string(flagIn(record, key) ? localized("yes") : "–"); };
-    return {visible(versionIn(record, "versionString")),
-            mark("exists"),
-            mark("isRunning"),
-            mark("isAutolaunched"),
-            mark("isInToolbar"),
-            visible(textIn(record, "path"))};
+    RecordKeys const& keys = RecordKeys::shared();
+    auto const mark = [&](NSString const& key) { return std::string(flagIn(record, key) ? localized("yes") : "–"); };
+    return {visible(versionIn(record, keys.versionString)),
+            mark(keys.exists),
+            mark(keys.isRunning),
+            mark(keys.isAutolaunched),
+            mark(keys.isInToolbar),
+            visible(textIn(record, keys.path))};
 }
 
 // Counted in characters, which bytes that continue one do not begin.
@@ -148,17 +181,18 @@ std::string table(NSArray const& records) {
 }
 
 std::string detailsOf(id const& record) {
-    auto const answer = [&](char const* key) { return flagIn(record, key) ? localized("yes") : localized("no"); };
+    RecordKeys const& keys = RecordKeys::shared();
+    auto const answer = [&](NSString const& key) { return flagIn(record, key) ? localized("yes") : localized("no"); };
     std::optional<std::int32_t> const process = processOf(record);
     std::string const runs =
-        process ? filledIn(localized("yes, as process %@"), std::to_string(*process)) : answer("isRunning");
+        process ? filledIn(localized("yes, as process %@"), std::to_string(*process)) : answer(keys.isRunning);
     std::array<std::pair<std::string, std::string>, 6> const lines{{
-        {localized("Path:"), visible(textIn(record, "path"))},
-        {localized("Version:"), visible(versionIn(record, "versionString"))},
-        {localized("Exists:"), answer("exists")},
+        {localized("Path:"), visible(textIn(record, keys.path))},
+        {localized("Version:"), visible(versionIn(record, keys.versionString))},
+        {localized("Exists:"), answer(keys.exists)},
         {localized("Runs:"), runs},
-        {localized("Login:"), answer("isAutolaunched")},
-        {localized("Places:"), answer("isInToolbar")},
+        {localized("Login:"), answer(keys.isAutolaunched)},
+        {localized("Places:"), answer(keys.isInToolbar)},
     }};
     std::string text;
     for (auto const& [label, value] : lines) {
@@ -196,7 +230,7 @@ std::string details(NSArray const& records, OutputForm form) {
 std::string results(std::vector<Outcome> const& outcomes, OutputForm form) {
     if (form == OutputForm::JSON)
         return jsonDocument("results", outcomes.size(),
-                            [&](std::size_t index) { return jsonOutcome(outcomes[index]); });
+                            [&](std::string& json, std::size_t index) { appendOutcome(json, outcomes[index]); });
     std::string text;
     for (Outcome const& outcome : outcomes) {
         if (outcome.newPath == nil) continue;

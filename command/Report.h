@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-// What the command prints, as bytes. In text for people a path is one line without control characters; behind -0 it is
-// the file system's bytes. In JSON "path" is text, in which bytes that are no text are U+FFFD, and "uri" has every
-// byte.
+// The command's output, as bytes. In text for people a path is one line without control characters; with -0 it is the
+// file system's bytes. In JSON "path" is text, in which bytes that are not UTF-8 are U+FFFD, and "uri" has every byte.
 
 namespace framekeeper {
 
@@ -20,7 +19,7 @@ inline constexpr int JSONVersion = 1;
 std::string listing(NSArray const& records, OutputForm form);
 // Records one below the other, with all that is known of each.
 std::string details(NSArray const& records, OutputForm form);
-// What became of the paths. As text only new paths are told, since that all went well needs no words.
+// The outcome of each path. In text for people only new paths are printed; success needs no words.
 std::string results(std::vector<Outcome> const& outcomes, OutputForm form);
 // The text in the user's language.
 std::string localized(char const* key);

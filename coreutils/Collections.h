@@ -46,9 +46,9 @@ NSEnumerator objectEnumerator(NSNull receiver);
 // The element goes to in front of the one that is at the index now, as a dragged row does; the count stands for the
 // end.
 void pxMoveObjectAtIndex_toIndex_(NSMutableArray receiver, NSUInteger from, NSUInteger to);
-// The elements at the indexes, in their order, go to in front of the first element that equals the one at the index
-// now; to the end where there is none at it. Where that one is itself moved and has no equal that stays,
-// NSRangeException is raised, and the elements are gone from the array.
+// Moves the elements at the indexes, in their order, in front of the first element that equals the one now at the index
+// `to`; to the end if there is none at it. If that element is itself moved and has no equal that stays,
+// NSRangeException is raised and the elements are gone from the array.
 void pxMoveObjectsAtIndexes_toIndex_(NSMutableArray receiver, NSIndexSet indexes, NSUInteger to);
 
 // Sets the source's value under the same key on the receiver. A nil value removes the key of a mutable dictionary.
@@ -62,9 +62,10 @@ void pxSetValuesFrom_(id receiver, NSDictionary source);
 // number), without a check of the index, anything else with its value for the key. A nil on the way answers nil, and so
 // does a nil path.
 id pxValueForKeyPath_(id receiver, NSString keyPath);
-// Sets the value for the path's last component on what the others lead to; a nil there does nothing. A mutable array
-// takes the component's integer value as an index: nil removes the element there, an index that is negative or not
-// below the count appends, else the element is replaced. Of a path of one component the empty key leads to its object.
+// Sets the value for the path's last component on the object that the other components lead to; does nothing if that is
+// nil. A mutable array takes the component's integer value as an index: nil removes the element there, an index that is
+// negative or not below the count appends, any other replaces the element. In a path of one component the empty key
+// leads to the receiver itself.
 void pxSetValue_forKeyPath_(id receiver, id value, NSString keyPath);
 
 // Observing. The receiver is always the observer, the object the observed; it gets the context with each notification,
@@ -84,14 +85,14 @@ void pxStopObserving_forKeyPaths_(id receiver, id object, NSArray keyPaths);
 // Observes one key path of each member.
 void pxStartObservingAllObjectsOf_forKeyPath_options_context_(id receiver, id collection, NSString keyPath,
                                                               NSUInteger options, void* context);
-// Ends it for the members of the moment.
+// Ends observing the members that the collection has at the time of the call.
 void pxStopObservingAllObjectsOf_forKeyPath_(id receiver, id collection, NSString keyPath);
 // Observes each of the key paths of each member.
 void pxStartObservingAllObjectsOf_forKeyPaths_options_context_(id receiver, id collection, NSArray keyPaths,
                                                                NSUInteger options, void* context);
-// Ends it for the members of the moment.
+// Ends observing the members that the collection has at the time of the call.
 void pxStopObservingAllObjectsOf_forKeyPaths_(id receiver, id collection, NSArray keyPaths);
-// Of a collection of dictionaries, each with the keys that it has at the time of the call: stopping covers the keys
+// Observes all keys of all dictionaries in a collection, as they are at the time of the call: stopping covers the keys
 // that are there then, not those that were at the start.
 void pxStartObservingAllKeysOfAllObjectsOf_options_context_(id receiver, id collection, NSUInteger options,
                                                             void* context);

@@ -4,7 +4,7 @@ namespace mac {
 
 namespace {
 
-// None of nil.
+// Enumerates the collection's members; a nil collection has none.
 NSEnumerator membersOf(id const& collection) {
     return as<NSEnumerator>(collection.performSelector_("objectEnumerator"));
 }

@@ -24,8 +24,8 @@ void pxUnregisterPerformDeferredSelector(id receiver);
 void pxPerformDeferredSelector_withObject_postWhenIdle_coalescing_(id receiver, SEL selector, id object,
                                                                    BOOL postWhenIdle, BOOL coalescing);
 
-// As above with two objects, of which only the second one arrives, as second argument: the first argument is nil
-// (deliberately so). A nil first object leaves out the second one, too.
+// pxPerformDeferredSelector with two objects, of which only the second one arrives, as second argument: the first
+// argument is nil (deliberately so). A nil first object leaves out the second one, too.
 void pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_(id receiver, SEL selector, id first,
                                                                               id second, BOOL postWhenIdle,
                                                                               BOOL coalescing);

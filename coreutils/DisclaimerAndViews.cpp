@@ -65,7 +65,7 @@ bool isVisibleSound(NSString const& path) {
 
 void addSoundNames(NSString const& folder, NSMutableSet const& names) {
     if (!KRCPathExists(folder)) return;
-    // One by one, since nobody bounds how many there are.
+    // Enumerated one by one, since the folder may hold any number of items.
     NSDirectoryEnumerator const items = NSFileManager::defaultManager().enumeratorAtPath_(folder);
     for (id item = items.nextObject(); item != nil; item = items.nextObject()) {
         NSString const subpath = as<NSString>(item);

@@ -26,7 +26,7 @@ constexpr char CustomIconFileName[] = "Icon\r";
 
 NSString textOf(OSType code) { return NSString::stringWithCodeUnits(textOfCode(code)); }
 
-// As part of a key; four characters.
+// The code as part of a key, four characters long.
 NSString textForKey(OSType code) { return code == OSType() ? textOf(UndefinedCode) : textOf(code); }
 
 bool isDefined(OSType code) { return code != OSType() && code != UndefinedCode; }

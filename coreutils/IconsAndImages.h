@@ -32,10 +32,9 @@ NSImage pxSmallIconForFileType(NSString receiver);
 // sets its size to so many points.
 void pxTrimWithDimension_(NSImage receiver, int dimension);
 
-// The icon of files with this creator and type where both say something and icon services know one, drawn in so many
-// points; else the workspace's of the type string, nil being empty, trimmed. Made once for the same arguments, then the
-// very same image again: it belongs to all who asked for it, for as long as the program runs. The codes 0 and '????'
-// say nothing.
+// The icon of files with this creator and type, drawn at the dimension in points, if neither code is 0 or '????' and
+// icon services know one; else the workspace's icon for the trimmed type string, nil counting as empty. Made once for
+// the same arguments: later calls return the same image, which is shared and lives as long as the program.
 NSImage pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_(OSType creatorCode, OSType typeCode,
                                                                                NSString typeString, int dimension);
 
@@ -63,8 +62,8 @@ NSColor pxColorForKey_(NSUserDefaults receiver, NSString key);
 
 // The date of the record, with its fraction; nil for null.
 NSDate pxDateWithUTCDateTime_(UTCDateTime const* utcDateTime);
-// To the nearest 1/65536 of a second; NO, and nothing is written, for null and for a date before 1904 or beyond what 48
-// bits of seconds hold.
+// Converts the date to the nearest 1/65536 of a second; NO, and nothing is written, for a null pointer and for a date
+// before 1904 or beyond 48 bits of seconds.
 bool pxUTCDateTime_(NSDate receiver, UTCDateTime* utcDateTime);
 
 } // namespace mac

@@ -70,7 +70,7 @@ NSString pxCreateLogFileWithAppendingToName_appendingToFile_includeAuxiliaryInfo
     OwnedStream stream = openLog(path, appending ? OldLogLines::AreKept : OldLogLines::AreDropped);
     if (!stream) return nil;
     std::optional<std::string> const header = headerLine(receiver);
-    // What cannot be written is lost in silence, as everywhere in this log.
+    // A failed write is silent, as everywhere in this log.
     if (includesAuxiliaryInformation && header) (void)appendAndClose(std::move(stream), *header).isDone();
     return path;
 }

@@ -52,7 +52,7 @@ void pxLogAux_(NSString receiver, BOOL auxiliary, NSString format, First const& 
 // element gets nil, which prints as (null). Nil for a nil receiver.
 NSString pxFormattedStringWithArguments_(NSString receiver, NSArray arguments);
 
-// What is appended: the message as it is, or a whole line that begins with a time stamp.
+// How a message is appended: as it is, or as a whole line that begins with a time stamp.
 enum class LogLine { IsMessageAlone, HasTimeStamp };
 
 // Appends a formatted message; for the templates of this header.

@@ -14,7 +14,7 @@ namespace mac {
 namespace {
 
 std::uint32_t sumOf(NSData const& data) {
-    // The length is a signed number: of 2 GiB and more there is nothing to add.
+    // The length is a signed number (specified so): data of 2 GiB and more counts as empty.
     if (static_cast<std::int32_t>(data.length()) < 0) return 0;
     return sumOfWords(data.span());
 }

@@ -29,7 +29,7 @@ bool isAsInWhole(AppleDouble::Attribute const& attribute, AppleDouble::Attribute
     return attribute.name == inWhole.name && (attribute.value == inWhole.value || attribute.value.empty());
 }
 
-// It says the same, or that it does not know.
+// Reads the first bytes alone: the answer must be that of the whole file, or that more bytes are needed.
 std::string complaintAboutBeginning(std::span<std::byte const> bytes, std::size_t size,
                                     Result<AppleDouble, Failure> const& whole) {
     Result<AppleDouble, Failure> const read = AppleDouble::readBeginning(bytes.first(size), bytes.size());

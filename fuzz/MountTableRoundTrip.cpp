@@ -9,7 +9,7 @@ namespace mac::fuzz {
 
 namespace {
 
-// As the system writes it.
+// The text with the escapes of /proc/self/mountinfo.
 std::string escaped(std::string_view text) {
     std::string result;
     for (char const byte : text) {
@@ -52,7 +52,7 @@ std::string complaintAboutVolumes(std::vector<MountedVolume> const& volumes) {
 } // namespace
 
 std::string complaintAboutMounts(std::string_view text) {
-    // What is asked of each pair of mounts takes long for more than any system has.
+    // Each pair of mounts is compared, which takes long for more mounts than a system has.
     constexpr std::size_t mostMounts = 64;
     MountTable const table = MountTable::parse(text);
     if (table.mounts().size() > mostMounts) return "";

@@ -23,7 +23,7 @@ std::string complaintAboutText(NSString const& text) {
     if (std::abs(real) < 1e307 && std::abs(written.doubleValue() - real) > std::abs(real) * 1e-15)
         return "a number's text is another number";
     if (std::isfinite(text.floatValue()) && text.floatValue() != static_cast<float>(real)) return "a float is another";
-    // What does not begin as an integer has no real either, but for a point.
+    // Text that does not begin as an integer does not begin as a real either, except with a point.
     if (integer != 0 && std::abs(real) < 1 && text.UTF8String().find_first_of("eE") == std::string::npos)
         return "an integer without a real";
     text.boolValue();

@@ -23,7 +23,7 @@ NSDictionary object() {
     });
 }
 
-// Nothing where the evaluation raised.
+// nullopt if the evaluation raised.
 std::optional<bool> answer(NSPredicate const& predicate) {
     try {
         return predicate.evaluateWithObject_(object());

@@ -68,7 +68,7 @@ using namespace mac::applescript;
 std::string complaintAboutDateText(std::string_view bytes) {
     std::u16string const text = unitsFromFileSystemBytes(bytes);
     if (std::optional<std::int64_t> const date = dateInISOText(text)) {
-        // What is later than the year 9999 or before the year 0 has another form.
+        // Years after 9999 and before 0 are written in another form.
         std::int64_t const year = partsOfDate(*date).year;
         if (year >= 0 && year <= 9999 && dateInISOText(isoDateText(*date)) != date)
             return "an ISO date comes back otherwise";

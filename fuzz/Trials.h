@@ -5,9 +5,10 @@
 #include <string>
 #include <string_view>
 
-// What the readers of outside data must hold whatever they are given. Each function takes the bytes of one input and
-// answers what did not hold, or an empty text; bytes that are of another form are right as long as the reader says so.
-// The fuzz targets call them with what the fuzzer makes up, tests/fuzz/CorporaTest.cpp with the files of `fuzz/corpus`.
+// The properties that the readers of outside data keep for every input. Each function takes the bytes of one input and
+// returns what did not hold, or an empty text; malformed bytes are right as long as the reader refuses them. The fuzz
+// targets call the functions with inputs that the fuzzer makes up, tests/fuzz/CorporaTest.cpp with the files of
+// `fuzz/corpus`.
 
 namespace mac::fuzz {
 

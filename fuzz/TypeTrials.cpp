@@ -23,7 +23,7 @@ std::string complaintAboutTypeOfTag(std::string_view text) {
     for (TagClass const tagClass : {TagClass::Extension, TagClass::MIMEType, TagClass::TypeCode}) {
         std::string const identifier = dynamicIdentifier({.tagClass = tagClass, .tag = std::string(text)});
         std::optional<DynamicType> const read = readDynamicIdentifier(identifier);
-        // What is too long is not read.
+        // Identifiers that are too long are not read.
         if (read && (read->tagClass != tagClass || !read->conformsTo.empty())) return "a tag became something else";
     }
     std::optional<DynamicType> const read = readDynamicIdentifier(text);

@@ -7,8 +7,8 @@
 
 namespace mac {
 
-// References to files that last, and files compared by their contents. Nothing is raised or logged, and nothing stays
-// open afterwards. A nil receiver answers nil, null, NO and 0.
+// Aliases, which still lead to a file that was moved, and comparison of files by their contents. Nothing is raised or
+// logged, and no file stays open afterwards. A nil receiver answers nil, null, NO and 0.
 
 // The bytes of an alias of the item, a link followed: to be stored, and resolved later. nil if there is no such item.
 NSData pxAliasDataOfPath(NSString receiver);
@@ -40,7 +40,8 @@ bool pxPathHasEqualContentsWithPath_(NSString receiver, NSString otherPath);
 
 // pxChecksum (coreutils/Strings.h) of the file's data fork, a link followed; 0 for a file that cannot be read.
 int pxChecksumOfPath(NSString receiver);
-// When the item was last changed, a symbolic link itself; nil if there is none at the standardized path.
+// When the item at the standardized path was last changed; a final symbolic link is not followed. nil if there is no
+// item.
 NSDate pxModificationDateOfPath(NSString receiver);
 
 } // namespace mac

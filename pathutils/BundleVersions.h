@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// Versions of bundles: three whole numbers, read from any text and written with two or three of them. Nothing is
-// raised. A nil receiver answers nil and 0, logs nothing and leaves the numbers as they are.
+// Versions of bundles: three whole numbers, read from any text and written as two or three of them. Nothing is raised.
+// A nil receiver answers nil and 0, logs nothing and leaves the out-arguments as they are.
 
 // The version of the bundle at the path: its "CFBundleVersion" or, where that is missing, "IFMajorVersion" and
 // "IFMinorVersion" together, trimmed; nil without a bundle, and without these. The short version string plays no part.

@@ -97,7 +97,7 @@ NSMutableDictionary pxExtendedAttributesForKeys_(NSString receiver, NSArray keys
 void pxSetExtendedAttributes_(NSString receiver, NSDictionary attributes) {
     for (id const& key : attributes.allKeys()) {
         NSData const data = as<NSData>(attributes.objectForKey_(key));
-        // No data would remove the attribute, and nobody asked for that.
+        // Setting nil data would remove the attribute, which was not asked for.
         if (data != nil) pxSetExtendedAttributeData_forKey_(receiver, data, as<NSString>(key));
     }
 }

@@ -5,10 +5,10 @@
 
 namespace mac {
 
-// The extended attributes of the item at a path: bytes under names. Links are followed. Nothing is raised or kept, and
-// no error is told: what cannot be read is nil, what cannot be written NO. Lengths are asked for before contents; what
-// changes in between is nil. Names that have no UTF-8 belong to no attribute. Any thread. A nil path answers nil and
-// NO.
+// The extended attributes of the item at a path: bytes under names. Links are followed. Nothing is raised or cached,
+// and errors are not reported: a failed read answers nil, a failed write NO. The length is asked for before the
+// contents; an attribute that changes in between answers nil. Names that have no UTF-8 belong to no attribute. Any
+// thread. A nil path answers nil and NO.
 
 // The names of the item's attributes; an empty array if it has none, or if there is no item. The list of names is read
 // by advancing characters + 1, not bytes + 1, so a name with characters of several bytes is followed by pieces of
@@ -37,8 +37,8 @@ id pxExtendedAttributeDictionaryForKey_(NSString receiver, NSString key);
 // Writes the property list into the attribute, in the binary format. nil, and a value that is no property list, removes
 // the attribute.
 bool pxSetExtendedAttributeDictionary_forKey_(NSString receiver, id propertyList, NSString key);
-// The property list in the attribute that has the identifier of the running program's bundle for its name; nil if there
-// is none.
+// The property list in the attribute that is named like the identifier of the running program's bundle; nil if there is
+// none.
 id pxExtendedAttributeDictionary(NSString receiver);
 // Writes the property list into the attribute that has the identifier of the running program's bundle for its name; nil
 // removes the attribute.

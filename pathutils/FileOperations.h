@@ -18,8 +18,8 @@ namespace mac {
 NSString pxRemoveFile2(NSString receiver);
 // Deletes the item for good, a folder with all that is in it; a symbolic link itself. NO if that fails.
 bool pxRemoveFile(NSString receiver);
-// Deletes the item for good, a folder with all that is in it; YES if there is none. A symbolic link that leads nowhere
-// is an item.
+// Deletes the item for good, a folder with all that is in it; YES also if there is no item. A dangling symbolic link is
+// an item.
 bool pxRemoveFileIfExists(NSString receiver);
 // Deletes the items at all paths for good, NSNull objects left out; NO if one could not be deleted, after the rest.
 bool pxRemoveFiles(NSEnumerator receiver);
@@ -80,8 +80,8 @@ bool pxSetFileAttributes_from_(NSString receiver, NSArray keys, NSString model);
 bool pxSetFileAttributes_from_recurseUntilBeforeDstPath_(NSString receiver, NSArray keys, NSString model,
                                                          NSString stopPath);
 
-// The standardized path if nothing is there, else the first one that is free with "-1", "-2" and so on behind the name,
-// before the extension of what is no folder.
+// The standardized path if no item is there, else the first free path with "-1", "-2" and so on added to the name,
+// before the extension unless the item is a folder.
 NSString pxUniquePathOfPath(NSString receiver);
 // The user's trash on the volume that holds the item; nil if there is none.
 NSString pxTrashFolderPathOfPath(NSString receiver);

@@ -27,8 +27,8 @@ struct FolderToMake {
     NSString model;
 };
 
-// Makes the folder, and before it each missing one above it, with the model above that; YES if something is there. NO
-// if nothing is at any path above, as with a relative path.
+// Makes the folder, after each missing folder above it with the corresponding folder above the model; YES if an item is
+// there already. NO if no folder above exists at all, as with a relative path.
 bool makeWithFoldersAbove(NSString const& path, NSString const& model,
                           std::function<bool(FolderToMake const&)> const& make) {
     std::vector<FolderToMake> missing;

@@ -39,8 +39,8 @@ bool getReferenceToItself(NSString const& path, FSRef& ref, bool& isDirectory) {
     return true;
 }
 
-// What KRPathGetFSRef_traverseLink_ would refer to, without following a link. No reference is made for what is only
-// read here: it would keep the item open, and its volume mounted.
+// Opens the item that KRPathGetFSRef_traverseLink_ would refer to without following a link. No reference is made for a
+// mere read: it would keep the item open, and its volume mounted.
 std::optional<OpenItem> openItself(NSString const& path) {
     NSString const folder = path.stringByDeletingLastPathComponent();
     NSString const name = path.lastPathComponent();

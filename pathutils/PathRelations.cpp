@@ -23,8 +23,8 @@ constexpr std::array<std::pair<char const*, char const*>, 3> PantherExtensions{{
     {"public.png", "png"},
 }};
 
-// Of paths of which the one begins with the other.
-bool goesOnBehind(std::u16string_view path, std::u16string_view folder) {
+// Whether the path, which begins with the folder's path, goes on with another component.
+bool continuesInside(std::u16string_view path, std::u16string_view folder) {
     if (folder.ends_with(u'/')) return true;
     return path.size() >= folder.size() + 2 && path[folder.size()] == u'/';
 }
@@ -68,13 +68,13 @@ bool pxIsChildOf_(NSString receiver, id path) {
     NSString const folder = other.stringByStandardizingPath();
     return isLonger(child.codeUnits(), folder.codeUnits()) &&
            child.lowercaseString().codeUnits().starts_with(folder.lowercaseString().codeUnits()) &&
-           goesOnBehind(child.codeUnits(), folder.codeUnits());
+           continuesInside(child.codeUnits(), folder.codeUnits());
 }
 
 bool pxFastIsChildOf_(NSString receiver, NSString path) {
     std::u16string_view const child = receiver.codeUnits();
     std::u16string_view const folder = path.codeUnits();
-    return isLonger(child, folder) && child.starts_with(folder) && goesOnBehind(child, folder);
+    return isLonger(child, folder) && child.starts_with(folder) && continuesInside(child, folder);
 }
 
 bool pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(NSString receiver, NSUInteger levels) {

@@ -5,14 +5,14 @@
 
 namespace mac {
 
-// Scripts run in place, text put into them, and their handlers called. They block the calling thread, which is the main
-// one, for as long as the script takes. An error pointer may be null; it receives the brief message of what went wrong,
-// and nil for a run without an error. A nil receiver answers nil and stores nothing.
+// Runs scripts and their handlers, and escapes text to put into them. Each run blocks the calling thread, which is the
+// main one, until the script ends. An error pointer may be null; it receives a brief message of the error, and nil
+// after a run without one. A nil receiver answers nil and stores nothing.
 
-// Compiles and runs the source. The result as text; nil after an error, which nobody is told of, and for a result that
-// has no text, such as a list of several items.
+// Compiles and runs the source and returns the result as text; nil after an error, which is not reported, and for a
+// result that has no text, such as a list of several items.
 NSString pxExecuteAsAppleScript(NSString receiver);
-// The same, telling what went wrong.
+// Compiles and runs the source as pxExecuteAsAppleScript does and stores the error's message.
 NSString pxExecuteAsAppleScript_(NSString receiver, NSString* error);
 
 // The source's result as pxObject makes one: a string, number, array, dictionary, the data of what else there is;
@@ -30,7 +30,7 @@ NSString pxQuotedForm(NSString receiver);
 
 // The text fit for the inside of a script's literal: backslashes are doubled, then double quotes get one.
 NSString pxStringByEscapingDoubleQuotes(NSString receiver);
-// The same for single quotes; double ones stay as they are.
+// The text with its single quotes escaped; double quotes stay as they are.
 NSString pxStringByEscapingSingleQuotes(NSString receiver);
 
 // Calls a handler of the script with a list of parameters, none for a nil list, and answers its result as pxObject
@@ -38,9 +38,9 @@ NSString pxStringByEscapingSingleQuotes(NSString receiver);
 id pxExecuteHandler_withParameters_error_(NSAppleScript receiver, NSString handler, NSAppleEventDescriptor parameters,
                                           NSString* error);
 
-// The same with the parameters one by one, up to the first nil: a number as its integer, without its fraction; text; a
-// descriptor as it is. For anything else it writes a line into the log that tells the parameter's place, counted from
-// 1, calls nothing, leaves the error alone and answers nil.
+// Calls the handler with the parameters one by one, up to the first nil: a number as its integer, without its fraction;
+// text; a descriptor as it is. For any other object it logs the parameter's position, counted from 1, calls nothing,
+// leaves the error alone and answers nil.
 id pxExecuteHandler_error_withParameters_(NSAppleScript receiver, NSString handler, NSString* error,
                                           std::initializer_list<id> parameters);
 // A message sent by selector carries the parameters in an array.

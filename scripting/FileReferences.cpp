@@ -146,7 +146,7 @@ NSString KRCPathSubPathRelativeToBasePath_(NSString receiver, NSString basePath)
     if (receiver == nil) return nil;
     NSArray const components = receiver.pathComponents();
     NSUInteger const skipped = basePath.pathComponents().count();
-    // Where the base has more, the difference is no length of a range.
+    // If the base has more components, the difference is an invalid length, for which the range raises.
     return NSString::pathWithComponents_(components.subarrayWithRange_({skipped, components.count() - skipped}));
 }
 

@@ -6,17 +6,17 @@
 
 namespace mac {
 
-// The three ways to name a file, from one to the other: paths, file URLs and references; and the two forms of its name.
-// A path shows as a colon what an HFS name holds as a slash, and the other way round. A path that is asked about has to
-// be absolute: a relative one and the empty one do not exist. Nothing is raised but where said, nothing is logged. Any
-// thread. A nil receiver answers nil, NO and nothing, and leaves a reference all zero.
+// Conversions between the three ways to name a file (paths, file URLs and references) and between the two forms of its
+// name. A path shows as a colon what an HFS name holds as a slash, and the other way round. A path that is asked about
+// has to be absolute: a relative or empty path does not exist. Nothing is logged, and nothing raised except where said.
+// Any thread. A nil receiver answers nil and NO, does nothing, and leaves a reference all zero.
 
 // The host of URLs on the online disk.
 inline constexpr char KRCIDiskHost[] = "idisk.mac.com";
 
 // Every colon a slash and every slash a colon.
 NSString KRCStringBySwappingColonsAndSlashes(NSString receiver);
-// The same in place; the name is not null.
+// Swaps colons and slashes in place; the name is not null.
 void KRCHFSUniStr255SwapColonsAndSlashes_(HFSUniStr255* name);
 // The characters as they are. A name of more than 255 code units is empty, never cut. The pointer may be null.
 void KRCStringGetHFSUniStr255_(NSString receiver, HFSUniStr255* name);
@@ -27,7 +27,7 @@ NSString KRCStringWithHFSUniStr255_(HFSUniStr255 const* name);
 // Reads the name where it lies, which therefore has to stay as long as the string.
 NSString KRCStringWithHFSUniStr255NoCopy_(HFSUniStr255* name);
 
-// The NSFileType of the item itself, links not followed; nil where there is none. The path may be relative.
+// The NSFileType of the item; a final symbolic link is not followed. nil if there is no item. The path may be relative.
 NSString KRCPathGetFileType(NSString receiver);
 // Whether that type is that of a link; NO for nil.
 bool KRCPathIsSymbolicLink(NSString receiver);
@@ -45,21 +45,22 @@ NSString KRCPathGetFileSystemPath(NSString receiver);
 
 // Nil for null and where the item is not found.
 NSString KRCPathWithFSRef_(FSRef const* ref);
-// Links are followed. NO, and all 80 bytes zero, where there is nothing. The three go by the path's file URL, which for
-// a relative path starts at the current folder: such a path leads to a reference, though it does not exist for the
-// operations above.
+// Makes a reference; links are followed. NO, and all 80 bytes zero, if there is no item. This and the next two go by
+// the path's file URL, which for a relative path starts at the current folder: such a path leads to a reference, though
+// it does not exist for the operations above.
 bool KRCPathGetFSRef_(NSString receiver, FSRef* ref);
 // isDirectory: whether the path names a folder.
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory);
 // Answers in isDirectory, which may be null, whether the path's URL is that of a folder.
 bool KRCPathGetFSRef_getIsDirectory_(NSString receiver, FSRef* ref, bool* isDirectory);
 
-// As the Finder shows them: the names of all folders above and of the item, the root first.
+// The display names, as the Finder shows them, of all folders above and of the item, the root first.
 NSMutableArray KRCPathDisplayNames(NSString receiver);
 // Without as many components as the base has, whichever these are; raises NSRangeException where it has fewer.
 NSString KRCPathSubPathRelativeToBasePath_(NSString receiver, NSString basePath);
 
-// With a null pointer only asks whether there is something. NO, and all 80 bytes zero, where there is nothing.
+// Makes a reference, or with a null pointer only tells whether there is an item. NO, and all 80 bytes zero, if there is
+// none.
 bool KRCURLGetFSRef_(NSURL receiver, FSRef* ref);
 // Nil for null and where the item is not found.
 NSURL KRCURLWithFSRef_(FSRef const* ref);

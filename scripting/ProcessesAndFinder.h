@@ -30,16 +30,16 @@ bool KRAProcessSerialNumberSetFront(NSNumber receiver);
 // runs. It is never forced.
 bool KRAProcessSerialNumberQuit(NSNumber receiver);
 
-// Shows the item at the path in the file browser; of a missing one the nearest folder above it that is there opens
-// instead. NO when that folder is invisible, when only "/" is left, and when nothing could be shown.
+// Shows the item at the path in the file browser; if it is missing, opens the nearest folder above it that exists. NO
+// if that folder is invisible, if only "/" is left, and on failure.
 bool KRAPathRevealInFinder(NSString receiver);
-// Opens what is at the path: a folder in the file browser, a file with its application. NO when nothing is there.
+// Opens the item at the path: a folder in the file browser, a file with its application. NO if there is no item.
 bool pxOpenItemWithFinder(NSString receiver);
 
-// The same for each item: paths and the URLs of files; null objects and everything else are passed over. YES when at
-// least one was shown; a failure ends nothing.
+// Shows each item as KRAPathRevealInFinder does: paths and file URLs; null objects and others are passed over. YES if
+// at least one was shown; a failure does not end the enumeration.
 bool pxRevealItemsInFinder(NSEnumerator receiver);
-// Those that exist are opened.
+// Opens each item that exists as pxOpenItemWithFinder does.
 bool pxOpenItemsWithFinder(NSEnumerator receiver);
 
 // Shows the Finder's information windows of the items that exist, by a script. YES when there is one, whatever becomes

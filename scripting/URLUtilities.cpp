@@ -14,7 +14,7 @@ namespace mac {
 
 namespace {
 
-// Nil where there is nothing.
+// The item's content type; nil if there is no item.
 NSString contentTypeOf(NSURL const& url) {
     PassingReferences const passing;
     FSRef ref{};

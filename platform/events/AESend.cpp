@@ -90,6 +90,11 @@ OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
     return noErr;
 }
 
+Expectation expectationOf(AESendMode mode, EventWait const& wait) {
+    if (mode == kAENoReply) return Expectation::Nothing;
+    return mode == kAEWaitReply && !wait.goesOn ? Expectation::ReplyUntilDeadline : Expectation::Reply;
+}
+
 OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, EventWait const& wait,
                        AppleEvent& reply) {
     Result<std::vector<std::byte>, Failure> flat = flattened(event);
@@ -102,7 +107,7 @@ OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, 
         };
     }
     Abandoning const abandoning(pending);
-    sendToProcess(process, flat.takeValue(), mode != kAENoReply, wait.deadline, pending);
+    sendToProcess({process, flat.takeValue(), expectationOf(mode, wait), wait.deadline, pending});
     Until const until = mode == kAEWaitReply ? Until::Replied : Until::Sent;
     std::optional<SendingOutcome> outcome = waitWhileWanted(*pending, wait, until);
     if (!outcome) return errAETimeout;

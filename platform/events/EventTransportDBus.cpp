@@ -1,5 +1,6 @@
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/events/DescriptorContents.h"
+#include "platform/events/EventCallsDBus.h"
 #include "platform/events/EventDispatch.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
@@ -35,49 +36,6 @@ namespace mac {
 
 namespace {
 
-constexpr char Interface[] = "com.tidelark.framekeeper.AppleEvents";
-constexpr char Path[] = "/com/tidelark/framekeeper/AppleEvents";
-
-QString endpointName(std::int32_t pid) { return QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(pid); }
-
-std::span<std::byte const> bytesOf(QByteArray const& data) {
-    return std::as_bytes(std::span(data.constData(), static_cast<std::size_t>(data.size())));
-}
-
-QByteArray arrayOf(std::span<std::byte const> bytes) {
-    return {reinterpret_cast<char const*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
-}
-
-OSStatus statusOfError(QString const& name) {
-    if (name == "org.freedesktop.DBus.Error.LimitsExceeded") return memFullErr;
-    if (name == "org.freedesktop.DBus.Error.NameHasNoOwner" || name == "org.freedesktop.DBus.Error.ServiceUnknown")
-        return procNotFound;
-    return connectionInvalid;
-}
-
-SendingOutcome outcomeOfAnswer(QDBusMessage const& answer) {
-    if (answer.type() != QDBusMessage::ReplyMessage) return {.status = statusOfError(answer.errorName())};
-    QVariantList const arguments = answer.arguments();
-    bool const isFormed = arguments.size() == 2 && arguments[0].typeId() == QMetaType::Int &&
-                          arguments[1].typeId() == QMetaType::QByteArray;
-    if (!isFormed) return {.status = connectionInvalid};
-    Result<AEDesc, Failure> reply = unflattened(bytesOf(arguments[1].toByteArray()));
-    if (!reply.hasValue()) return {.status = errAECorruptData};
-    int const status = arguments[0].toInt();
-    return {.status = status, .reply = status == noErr ? reply.takeValue() : AppleEvent{}};
-}
-
-bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::steady_clock::now() >= *deadline; }
-
-// A little longer than the sender waits, who is to find the time over rather than the bus gone: the toolkit's clock may
-// be an eighth too fast.
-BusTimeout timeoutUntil(EventDeadline const& deadline) {
-    if (!deadline) return BusTimeout(Patience::Longest);
-    constexpr BusTimeout least{100};
-    auto const left = std::chrono::ceil<BusTimeout>(*deadline - std::chrono::steady_clock::now());
-    return std::clamp(left + left / 8 + least, least, BusTimeout(Patience::Longest));
-}
-
 // How many events without reply may wait at one receiver: half of what it lets wait in all, so that two senders find
 // room.
 constexpr int MostUnhandled = 512;
@@ -98,6 +56,7 @@ public:
         // The word that the bus died may come after a sender has found the next one.
         if (m_connection && m_connection->isConnected()) return m_nextLook.stop();
         m_peers.clear();
+        m_endpoints.clear();
         m_unhandled.clear();
         m_connection = connectToSessionBus();
         if (!m_connection) return;
@@ -106,74 +65,90 @@ public:
         m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
                               QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), &m_nextLook,
                               SLOT(start()));
-        m_connection->registerVirtualObject(Path, this);
-        requestBusName(*m_connection, endpointName(::getpid()));
+        m_connection->registerVirtualObject(EventPath, this);
+        requestBusName(*m_connection, eventEndpointName(::getpid()));
     }
 
     // What was sent last has left when the bus answers a question behind it.
     void close() {
         m_nextLook.stop();
-        if (m_connection) busNameOwner(*m_connection, endpointName(::getpid()));
+        if (m_connection) busNameOwner(*m_connection, eventEndpointName(::getpid()));
         m_connection.reset();
     }
 
-    // An event, and how its sender is told.
-    struct Sending {
-        ProcessIdentity process;
-        QByteArray event;
-        bool wantsReply;
-        EventDeadline deadline;
-        std::shared_ptr<PendingReply> pending;
-    };
-
-    void send(Sending const& sending) {
+    void send(std::shared_ptr<OutgoingEvent const> const& outgoing) {
+        OutgoingEvent const& sending = *outgoing;
         auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
         if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
+        // The receiver refuses an event whose sender waits no longer, so the bus is not asked first whether it hangs.
+        if (sending.expectation == Expectation::ReplyUntilDeadline) {
+            QString const* const known = knownEndpoint(sending.process);
+            if (known) return call(*known, outgoing, IfGone::IsLookedUp);
+        }
         Result<QString, SendingOutcome> const found = connectionOf(sending.process, sending.deadline);
         if (!found.hasValue()) return fulfil(*sending.pending, found.problem());
         // The sender has given up: what came now would come as a surprise.
         if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
         QString const& number = found.value();
-        bool const isTooBusy = !sending.wantsReply && m_unhandled[number] >= MostUnhandled;
-        if (isTooBusy) return fulfil(*sending.pending, {.status = memFullErr});
-        // To the very connection that was looked at: the name may pass to another one.
-        QDBusMessage message =
-            QDBusMessage::createMethodCall(number, Path, Interface, sending.wantsReply ? "Send" : "Post");
-        message.setArguments({sending.event});
-        message.setAutoStartService(false);
-        // Whoever waits has a time-out of their own.
-        auto* const watcher = new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
-        if (sending.wantsReply) {
-            connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                    [pending = sending.pending](QDBusPendingCallWatcher* finished) {
-                        finished->deleteLater();
-                        fulfil(*pending, outcomeOfAnswer(finished->reply()));
-                    });
-            return noteSent(*sending.pending);
-        }
+        if (sending.expectation != Expectation::Nothing) return call(number, outgoing, IfGone::IsTold);
+        if (m_unhandled[number] >= MostUnhandled) return fulfil(*sending.pending, {.status = memFullErr});
         ++m_unhandled[number];
-        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+        connect(watchedCall(number, "Post", {arrayOf(sending.event)}), &QDBusPendingCallWatcher::finished, this,
                 [this, number](QDBusPendingCallWatcher* finished) { noteHandled(number, *finished); });
         fulfil(*sending.pending, {});
     }
 
     QString introspect(QString const&) const override {
         return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
-                              "<arg type=\"i\" direction=\"out\"/><arg type=\"ay\" direction=\"out\"/></method>"
+                              "<arg type=\"x\" direction=\"in\"/><arg type=\"i\" direction=\"out\"/><arg type=\"ay\" "
+                              "direction=\"out\"/></method>"
                               "<method name=\"Post\"><arg type=\"ay\" direction=\"in\"/></method></interface>")
-            .arg(Interface);
+            .arg(EventInterface);
     }
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         bool const isKnown = message.member() == "Send" || message.member() == "Post";
-        if (message.interface() != Interface || !isKnown) return false;
+        if (message.interface() != EventInterface || !isKnown) return false;
         guarded([&] { receive(message, connection); });
         return true;
     }
 
 private:
+    // The process behind a connection.
+    struct Peer : BusPeer {
+        // {0, kNoProcess} if it did not run any more.
+        ProcessSerialNumber serialNumber{};
+    };
+
     // Nobody can be reached by events then.
     static SendingOutcome withoutBus() { return {.status = connectionInvalid, .hasNoEndpoint = true}; }
+
+    // To the very connection that was looked at: the name may pass to another one.
+    QDBusPendingCallWatcher* watchedCall(QString const& number, char const* member, QVariantList const& arguments) {
+        QDBusMessage message = QDBusMessage::createMethodCall(number, EventPath, EventInterface, member);
+        message.setArguments(arguments);
+        message.setAutoStartService(false);
+        // Whoever waits has a time-out of their own.
+        return new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
+    }
+
+    // What is done if the connection with the number has gone, so that the event reached nothing.
+    enum class IfGone { IsTold, IsLookedUp };
+
+    void call(QString const& number, std::shared_ptr<OutgoingEvent const> const& outgoing, IfGone ifGone) {
+        QDBusPendingCallWatcher* const watcher =
+            watchedCall(number, "Send", {arrayOf(outgoing->event), qlonglong{travellingDeadline(outgoing->deadline)}});
+        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                [this, outgoing, ifGone](QDBusPendingCallWatcher* finished) {
+                    finished->deleteLater();
+                    SendingOutcome const outcome = outcomeOfAnswer(finished->reply());
+                    bool const isGone = outcome.status == procNotFound && finished->isError();
+                    if (!isGone || ifGone == IfGone::IsTold) return fulfil(*outgoing->pending, outcome);
+                    m_endpoints.erase(outgoing->process.pid);
+                    guarded([&] { send(outgoing); });
+                });
+        noteSent(*outgoing->pending);
+    }
 
     void receive(QDBusMessage const& message, QDBusConnection const& connection) {
         // The reply comes later, or an error now.
@@ -181,19 +156,23 @@ private:
         auto const refuse = [&](QDBusError::ErrorType type, QString const& reason) {
             if (message.isReplyRequired()) connection.send(message.createErrorReply(type, reason));
         };
-        std::optional<BusPeer> const peer = knownPeer(message.service());
+        std::optional<Peer> const peer = knownPeer(message.service());
         if (!peer || peer->user != ::geteuid())
             return refuse(QDBusError::AccessDenied, "Only processes of the same user are answered");
         QVariantList const arguments = message.arguments();
-        if (arguments.size() != 1 || arguments[0].typeId() != QMetaType::QByteArray)
-            return refuse(QDBusError::InvalidArgs, "The argument must be a row of bytes");
+        bool const hasDeadline = arguments.size() == 2 && arguments[1].typeId() == QMetaType::LongLong;
+        bool const isFormed = arguments.size() == 1 || hasDeadline;
+        if (!isFormed || arguments[0].typeId() != QMetaType::QByteArray)
+            return refuse(QDBusError::InvalidArgs, "The arguments must be a row of bytes and a deadline");
+        if (hasDeadline && hasPassed(arguments[1].toLongLong()))
+            return refuse(QDBusError::TimedOut, "The event came too late");
         QByteArray const bytes = arguments[0].toByteArray();
         Result<AEDesc, Failure> desc = unflattened(bytesOf(bytes));
         if (!desc.hasValue()) return refuse(QDBusError::InvalidArgs, QString::fromStdString(desc.problem().reason));
         if (!isEvent(desc.value())) return refuse(QDBusError::InvalidArgs, "This is no Apple event");
         bool const wantsReply = message.isReplyRequired() && message.member() == "Send";
         IncomingEvent incoming{.event = desc.takeValue(), .wantsReply = wantsReply, .size = bytesOf(bytes).size()};
-        setOrigin(incoming.event, peer->pid);
+        setOrigin(incoming.event, *peer);
         if (message.isReplyRequired()) {
             incoming.answer = [message, connection, wantsReply](OSStatus status, AppleEvent const& reply) {
                 if (wantsReply)
@@ -216,31 +195,39 @@ private:
     }
 
     // Where it came from and where it went, whatever the sender says.
-    static void setOrigin(AppleEvent& event, std::int32_t pid) {
-        ProcessSerialNumber sender;
-        if (GetProcessForPID(pid, &sender) != noErr) sender = {};
-        putEntry(event, keyOriginalAddressAttr, makeDescOf(typeProcessSerialNumber, sender), true);
-        putEntry(event, keySenderPIDAttr, makeDescOf(typeSInt32, pid), true);
+    static void setOrigin(AppleEvent& event, Peer const& peer) {
+        putEntry(event, keyOriginalAddressAttr, makeDescOf(typeProcessSerialNumber, peer.serialNumber), true);
+        putEntry(event, keySenderPIDAttr, makeDescOf(typeSInt32, peer.pid), true);
         putEntry(event, keyAddressAttr, makeDescOf(typeProcessSerialNumber, ProcessSerialNumber{0, kCurrentProcess}),
                  true);
     }
 
-    // The unique name of the process's connection. The bus is asked each time, so that nothing is sent to a bus that
-    // hangs.
+    // The unique name of the process's connection, which the bus is asked for: nothing is sent to a bus that hangs.
     Result<QString, SendingOutcome> connectionOf(ProcessIdentity const& process, EventDeadline const& deadline) {
         open();
         if (!m_connection) return withoutBus();
-        BusNameOwner owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+        BusNameOwner owner = busNameOwner(*m_connection, eventEndpointName(process.pid), timeoutUntil(deadline));
         if (owner.number.isEmpty() && !m_connection->isConnected()) {
             // The bus died unnoticed; there may be another one by now.
             open();
             if (!m_connection) return withoutBus();
-            owner = busNameOwner(*m_connection, endpointName(process.pid), timeoutUntil(deadline));
+            owner = busNameOwner(*m_connection, eventEndpointName(process.pid), timeoutUntil(deadline));
         }
-        OSStatus const status = owner.number.isEmpty() ? statusOfError(owner.errorName) : noErr;
+        OSStatus const status = owner.number.isEmpty() ? statusOfBusError(owner.errorName) : noErr;
         if (status != noErr) return SendingOutcome{.status = status, .hasNoEndpoint = status == procNotFound};
         if (!belongsTo(owner.number, process, deadline)) return SendingOutcome{.status = procNotFound};
+        constexpr std::size_t mostKept = 256;
+        if (m_endpoints.size() >= mostKept) m_endpoints.clear();
+        m_endpoints.insert_or_assign(process.pid, ProcessEndpoint{process, owner.number});
         return owner.number;
+    }
+
+    // The unique name of the connection that was the process's when the bus was asked; null if it was not. The bus
+    // gives no number twice, so nothing else is reached by it.
+    QString const* knownEndpoint(ProcessIdentity const& process) {
+        if (!m_connection || !m_connection->isConnected()) return nullptr;
+        auto const found = m_endpoints.find(process.pid);
+        return found != m_endpoints.end() && found->second.process == process ? &found->second.number : nullptr;
     }
 
     // Nobody waits any more who could be told that an event was not taken.
@@ -254,23 +241,33 @@ private:
     // The connection is open before the bus is asked and the process runs afterwards: then its ID was that process's
     // all the time.
     bool belongsTo(QString const& number, ProcessIdentity const& process, EventDeadline const& deadline) {
-        std::optional<BusPeer> const peer = knownPeer(number, timeoutUntil(deadline));
+        std::optional<Peer> const peer = knownPeer(number, timeoutUntil(deadline));
         return peer && peer->user == ::geteuid() && peer->pid == process.pid && runningProcess(process).has_value();
     }
 
-    // The bus gives no number twice, so what it said of one stays true.
-    std::optional<BusPeer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
+    // The bus gives no number twice, so what it said of one stays true, and the connection's process stays the same.
+    std::optional<Peer> knownPeer(QString const& number, BusTimeout timeout = Patience::Longest) {
         constexpr std::size_t mostKept = 256;
         auto const found = m_peers.find(number);
         if (found != m_peers.end()) return found->second;
-        std::optional<BusPeer> const peer = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
+        std::optional<BusPeer> const told = m_connection ? busPeer(*m_connection, number, timeout) : std::nullopt;
+        if (!told) return std::nullopt;
+        Peer peer{*told};
+        bool const runs = GetProcessForPID(peer.pid, &peer.serialNumber) == noErr;
+        if (!runs) peer.serialNumber = {};
         if (m_peers.size() >= mostKept) m_peers.clear();
-        if (peer) m_peers.emplace(number, *peer);
+        if (runs) m_peers.emplace(number, peer);
         return peer;
     }
 
     std::optional<QDBusConnection> m_connection;
-    std::map<QString, BusPeer> m_peers;
+    std::map<QString, Peer> m_peers;
+    struct ProcessEndpoint {
+        ProcessIdentity process;
+        QString number;
+    };
+    // By process ID.
+    std::map<std::int32_t, ProcessEndpoint> m_endpoints;
     // How many events without reply are under way to a connection or wait there.
     std::map<QString, int> m_unhandled;
     // Runs while the bus that died has no successor. A child, so that it moves to the thread with its parent.
@@ -363,12 +360,11 @@ void openEventEndpoint() {
     openWantedEndpoint();
 }
 
-void sendToProcess(ProcessIdentity const& process, std::vector<std::byte> flatEvent, bool wantsReply,
-                   EventDeadline const& deadline, std::shared_ptr<PendingReply> const& pending) {
+void sendToProcess(OutgoingEvent event) {
     if (::gettid() == ::getpid()) requireEventLoop();
-    if (!QCoreApplication::instance()) return fulfil(*pending, {.status = connectionInvalid});
-    Transport::shared().run([process, event = arrayOf(flatEvent), wantsReply, deadline, pending](Endpoint& endpoint) {
-        endpoint.send({process, event, wantsReply, deadline, pending});
+    if (!QCoreApplication::instance()) return fulfil(*event.pending, {.status = connectionInvalid});
+    Transport::shared().run([outgoing = std::make_shared<OutgoingEvent const>(std::move(event))](Endpoint& endpoint) {
+        endpoint.send(outgoing);
     });
 }
 

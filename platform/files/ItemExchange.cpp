@@ -6,10 +6,10 @@
 #include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemRename.h"
 #include "platform/system/items/KeptCreationDate.h"
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -194,10 +194,7 @@ Result<void> Exchange::takeNewSidecar(Side const& moved, Side const& place) cons
     if (!sidecar.hasValue()) return sidecar.problem();
     if (sidecar.value().has_value() != moved.sidecar.has_value()) return problem(ESTALE, place.item.name);
     if (!sidecar.value()) return {};
-    std::array<timespec, 2> const times{timespec{0, UTIME_OMIT}, moved.sidecarDate};
-    if (::utimensat(sidecar.value()->file.number(), "", times.data(), AT_EMPTY_PATH) != 0)
-        return lastSystemError("utimensat", sidecar.value()->name);
-    return {};
+    return setDates(sidecar.value()->file, {.modified = moved.sidecarDate});
 }
 
 Result<void> Exchange::confirmSidecar(Side const& moved, Side const& place, SidecarFiles files) const {

@@ -16,7 +16,7 @@ TEST(DetailFacts, AreReadFromTheDisk) {
     EXPECT_EQ(text(facts.volumePath).substr(0, 1), "/");
 }
 
-TEST(DetailFacts, AreNotKnownOfWhatIsNotThere) {
+TEST(DetailFacts, AreUnknownForAMissingCopy) {
     TemporaryFolder const folder;
     DiskFacts const facts = diskFactsOf(folder.path("missing"));
     EXPECT_TRUE(facts.created == nil);

@@ -22,7 +22,8 @@ protected:
         m_folder.makeFile("home/second/item", "");
         m_folder.makeFile("home/third/item", "");
         m_session = std::make_unique<VirtualSession>(m_folder.makeFolder("runtime"));
-        // The first start on a busy computer may take longer than a user is kept waiting; it goes on meanwhile.
+        // On a busy computer the first start may exceed the time that a user is kept waiting; it continues in the
+        // background.
         bool isLaunched = false;
         for (int attempt = 0; attempt < 5 && !isLaunched; ++attempt)
             isLaunched = mac::FileBrowserSession().launch().isDone();
@@ -69,7 +70,7 @@ private:
     EnvironmentVariable const m_platform{"QT_QPA_PLATFORM", std::nullopt};
 };
 
-TEST_F(NeighboursOfCommands, AScriptGoesOnWithoutAStoppedDisplay) {
+TEST_F(NeighboursOfCommands, DoNotHoldAScriptWhenTheDisplayIsStopped) {
     m_session->sendSignalToDisplay(SIGSTOP);
     EXPECT_EQ(answerTo("try\ndisplay dialog \"late\"\non error number n\nn\nend try"), "-1713");
     EXPECT_EQ(answerTo("set the clipboard to \"late\""), NoInteraction);
@@ -80,7 +81,7 @@ TEST_F(NeighboursOfCommands, AScriptGoesOnWithoutAStoppedDisplay) {
     EXPECT_EQ(answerTo("the clipboard"), "") << "nothing was put there later";
 }
 
-TEST_F(NeighboursOfCommands, ABrowserIsActivatedLaterByNobody) {
+TEST_F(NeighboursOfCommands, DoNotActivateTheBrowserLater) {
     m_session->sendSignalToDisplay(SIGSTOP);
     EXPECT_EQ(answerTo(tellFinder("activate")), TimedOut);
     m_session->sendSignalToDisplay(SIGCONT);

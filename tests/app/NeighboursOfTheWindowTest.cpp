@@ -190,7 +190,7 @@ TEST_F(NeighboursOfTheWindow, AStoppedFileBrowserIsNotStartedASecondTime) {
     EXPECT_TRUE(says("Could not quit Finder."));
     EXPECT_EQ(wholeFile(bookmarks()), "");
     browser.goOn();
-    // Its quitting was under way, and no other one was started.
+    // The browser was quitting, and no second one was started.
     EXPECT_TRUE(waitUntil([] { return mac::fileBrowserProcesses().empty(); }));
     showTheLastCopy();
 }

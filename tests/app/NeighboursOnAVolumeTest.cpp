@@ -15,7 +15,7 @@ public:
     ServedVolume(std::string const& folder, std::string point)
         : m_point(std::move(point)),
           m_server(endingWithThisProcess({"/usr/bin/bindfs", "-f", "--no-allow-other", folder, m_point}, "TERM")) {}
-    // Its end takes the mount away.
+    // Ends the server, and the mount with it.
     ~ServedVolume() {
         goOn();
         m_server.sendSignal(SIGTERM);
@@ -51,7 +51,7 @@ protected:
         m_volume = std::make_unique<ServedVolume>(m_folder.path("served"), m_home + "/volume");
         ASSERT_TRUE(waitUntil([this] { return m_volume->isMounted(); }));
     }
-    // Such a volume is not searched: its copy is known by the places.
+    // Such a volume is not searched: its copy is known from the places.
     void addToPlaces() const {
         std::filesystem::create_directories(m_home + "/.config/gtk-3.0");
         std::ofstream(m_home + "/.config/gtk-3.0/bookmarks")

@@ -26,6 +26,7 @@ TEST(Panes, RemembersWhetherTheDetailsAreShown) {
 }
 
 TEST(Panes, AnswerNothingForNil) {
+    EXPECT_TRUE(Panes::of(nil) == nil);
     EXPECT_FALSE(Panes().showsDetails());
     Panes().toggleDetails_(nil);
     Panes().toggleUnreadableFolders_(nil);

@@ -89,7 +89,7 @@ TEST(PathRecords, ShowNoVersionsOfABundleWithAnotherIdentifier) {
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "");
 }
 
-TEST(PathRecords, ShowNoVersionsOfWhatIsNoBundle) {
+TEST(PathRecords, ShowNoVersionsOfItemsThatAreNoBundles) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
     NSString const file = pathString(folder.makeFile("Mirror Frame.app", "text"));
@@ -182,7 +182,7 @@ TEST(PathRecords, OfANilPathLackThePathKeys) {
     EXPECT_FALSE(flag(record, "exists"));
 }
 
-TEST(PathRecords, OfANilControllerAreNone) {
+TEST(PathRecords, OfANilControllerAreNil) {
     AppController const controller = nil;
     NSMutableSet const records = NSMutableSet::set();
     controller.pathObjects_addPath_(records, "/a");

@@ -16,7 +16,8 @@ struct PathSource {
 
 inline void PrintTo(PathSource const& source, std::ostream* stream) { *stream << source.name; }
 
-// What holds for each of these sources; PathSourcesTest.cpp has the tests, the test file of a source its instance.
+// The fixture of tests that hold for each source: they stand in PathSourcesTest.cpp, and each source's test file
+// instantiates them.
 class PathSources : public OnlyOwnCopies, public testing::WithParamInterface<PathSource> {
 protected:
     NSString m_pathsKey = NSString::stringWithUTF8String_(GetParam().pathsKey);

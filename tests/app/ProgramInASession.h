@@ -28,7 +28,7 @@ protected:
     }
 
     void startProgram() {
-        // What it logs is read with what it prints.
+        // The log (standard error) is read together with standard output.
         m_program = std::make_unique<ChildProcess>(
             std::vector<std::string>{"/bin/sh", "-c", "exec \"$0\" 2>&1", programFile()});
     }
@@ -65,7 +65,7 @@ protected:
         return line;
     }
 
-    // What the script answers for the program's window; the verbs stand there.
+    // The output of use_window.py for the program's window; the script documents its verbs.
     std::string use(std::vector<std::string> const& words) const {
         std::vector<std::string> command{windowScript(), std::to_string(m_program->pid())};
         command.insert(command.end(), words.begin(), words.end());

@@ -267,7 +267,7 @@ TEST_F(RunningCopies, AreLeftAloneUnlessJustOneIsSelected) {
     EXPECT_EQ(m_beeps, 0);
 }
 
-TEST_F(RunningCopies, AreLookedAtByHandInTheActivityMonitor) {
+TEST_F(RunningCopies, OpenTheActivityMonitor) {
     mac::test::Desktop const desktop;
     std::string const program = desktop.folder.makeFile("bin/monitor", "#!/bin/sh\necho started >>" + desktop.log());
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);

@@ -68,7 +68,7 @@ protected:
         }
         return nil;
     }
-    // What the file browser was asked for, without its start.
+    // The requests that the file browser received, without its start.
     std::vector<std::string> asked() const {
         std::vector<std::string> lines = m_desktop.lines();
         if (!lines.empty()) lines.erase(lines.begin());

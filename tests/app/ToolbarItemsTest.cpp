@@ -36,7 +36,7 @@ protected:
         m_controller.setValue_forKey_(m_selection, "pathsArrayController");
     }
     void TearDown() override {
-        // What does not end by itself; the processes are the test's own, at its own bus.
+        // Ends the browsers that do not end by themselves; only the test's own are on its bus.
         for (ProcessIdentity const& process : fileBrowserProcesses())
             ::kill(process.pid, SIGKILL);
     }

@@ -47,7 +47,7 @@ TEST_F(InTrash, IsToldOfThePathOfACopy) {
     EXPECT_FALSE(isInTrash(path)) << "it is gone";
 }
 
-TEST(InTrashTransformer, AnswersNoForWhatIsNoPath) {
+TEST(InTrashTransformer, AnswersNoForObjectsOtherThanPaths) {
     EXPECT_FALSE(isInTrash(nil));
     EXPECT_FALSE(isInTrash(NSNumber::numberWithInt_(1)));
 }

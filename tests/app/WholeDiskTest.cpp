@@ -90,7 +90,8 @@ TEST_F(WholeDisk, ListsExactlyWhatFindListsAndTheIdentifierKeeps) {
     Paths scattered = scatter(folder, "disk", random);
     scattered.merge(scatter(folder, "volume", random));
 
-    // The disk may change under us: what is listed before and after must be found, and nothing that is in neither.
+    // The disk may change during the test: copies listed both before and after must be found, and none that is in
+    // neither list.
     Paths const before = listedByFind();
     Paths const found = listedByTheProgram();
     Paths const after = listedByFind();

@@ -11,6 +11,20 @@
 namespace framekeeper::test {
 namespace {
 
+// How often a widget was hidden while this lives.
+class HidesOf : public QObject {
+public:
+    explicit HidesOf(QWidget* widget) { widget->installEventFilter(this); }
+    int count() const { return m_count; }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Hide) ++m_count;
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    int m_count{0};
+};
+
 TEST_F(Window, ShowsTheDetailsOfTheSelectedCopyBesideTheTable) {
     NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
     NSString const path = makeCopy(m_folder, "a");
@@ -61,6 +75,45 @@ TEST_F(Window, ListsTheFoldersThatCouldNotBeReadWithTheReason) {
     QTest::mouseClick(find<QAbstractButton>("closeUnreadableButton"), Qt::LeftButton);
     EXPECT_FALSE(panel->isVisible());
     EXPECT_FALSE(button->isChecked());
+}
+
+TEST_F(Window, KeepsTheListOfFoldersOpenWhileTheyAreSearchedAnew) {
+    std::string const missing = m_folder.path("missing");
+    mac::test::EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);
+    open();
+    ASSERT_TRUE(gathered());
+    auto* const panel = find<QWidget>("unreadablePanel");
+    QTest::mouseClick(find<QAbstractButton>("unreadableButton"), Qt::LeftButton);
+    ASSERT_TRUE(panel->isVisible());
+    table()->setFocus();
+    HidesOf const hides(panel);
+    trigger("scanAction");
+    ASSERT_TRUE(gathered());
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_EQ(hides.count(), 0) << "it does not come and go";
+    EXPECT_TRUE(table()->hasFocus());
+    EXPECT_EQ(find<QTableView>("unreadableTable")->model()->rowCount(), 1);
+}
+
+TEST_F(Window, ClosesTheListOfFoldersForGoodOnceAllCanBeRead) {
+    std::string const missing = m_folder.path("missing");
+    mac::test::EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);
+    open();
+    ASSERT_TRUE(gathered());
+    auto* const panel = find<QWidget>("unreadablePanel");
+    QTest::mouseClick(find<QAbstractButton>("unreadableButton"), Qt::LeftButton);
+    ASSERT_TRUE(panel->isVisible());
+    std::filesystem::create_directory(missing);
+    trigger("scanAction");
+    ASSERT_TRUE(gathered());
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_FALSE(find<QAbstractButton>("unreadableButton")->isVisible());
+    // It does not open again by itself.
+    std::filesystem::remove(missing);
+    trigger("scanAction");
+    ASSERT_TRUE(gathered());
+    EXPECT_TRUE(find<QAbstractButton>("unreadableButton")->isVisible());
+    EXPECT_FALSE(panel->isVisible());
 }
 
 TEST_F(Window, SaysHowTheDiskDiffersFromTheScanAndScansAgain) {

@@ -228,7 +228,7 @@ TEST_F(Command, TouchesNoCopyThroughASymbolicLink) {
     EXPECT_TRUE(isThere(link));
 }
 
-TEST_F(Command, GoesOnBehindAPathThatFails) {
+TEST_F(Command, ContinuesAfterAPathThatFails) {
     std::string const copy = copyAt("a");
     CommandRun const done = run({"trash", "--json", home("nowhere"), copy});
     EXPECT_EQ(done.status, 3);

@@ -27,7 +27,7 @@ TEST(HostFacts, TellTheCopiesOfAHostWithEveryByteOfTheirPaths) {
     EXPECT_FALSE(copy.isAutolaunched);
 }
 
-TEST(HostFacts, TellWhatWhoeverAskedTheHostAdded) {
+TEST(HostFacts, KeepTheKeysThatTheGatheringProgramAdded) {
     HostFacts const host = hostFactsFrom(
         "file", R"({"framekeeper": 1, "host": "b\u001berta", "answer": "late", "reason": "not within 60 s",
                     "gathered": "2026-11-22T10:00:00Z"})");

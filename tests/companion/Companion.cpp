@@ -34,7 +34,7 @@ OSErr quit(AppleEvent const*, AppleEvent*, void* refcon) {
     return noErr;
 }
 
-// Once an event has been sent to somebody, we are on the bus and can be sent some.
+// Sends an event to the parent, which opens this process's end of the bus: from then on it can receive events.
 void comeWithinReach() {
     std::int32_t const parent = ::getppid();
     NSAppleEventDescriptor const hello =

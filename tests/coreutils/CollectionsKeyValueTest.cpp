@@ -264,7 +264,7 @@ TEST(PxObserving, OfAllKeysLeavesAKeyThatWentObserved) {
                  NSInvalidArgumentException);
 }
 
-TEST(PxObserving, OfNothingDoesNothing) {
+TEST(PxObserving, OfNilDoesNothing) {
     Recorder const recorder = Recorder::recorder();
     for (id const& nothing : {id(), id(NSNull::null()), id(NSArray::array())}) {
         pxStartObservingAllObjectsOf_forKeyPath_options_context_(recorder, nothing, "name", 0, nullptr);

@@ -51,7 +51,7 @@ TEST(PxIndexSetWithNumbers, OfASetIsTheSame) {
     EXPECT_TRUE(pxIndexSetWithNumbers(NSSet::setWithObjects_({number(1), number(3)})).isEqual_(at({1, 3})));
 }
 
-TEST(PxIndexSetWithNumbers, OfAnEnumeratorTakesWhatIsLeft) {
+TEST(PxIndexSetWithNumbers, OfAnEnumeratorTakesTheRemainingNumbers) {
     NSEnumerator const numbers = NSArray::arrayWithObjects_({number(1), number(2), number(3)}).objectEnumerator();
     numbers.nextObject();
     EXPECT_TRUE(pxIndexSetWithNumbers(numbers).isEqual_(at({2, 3})));
@@ -62,7 +62,7 @@ TEST(PxIndexSetWithNumbers, ReadsTextAsTheNumberItBeginsWith) {
     EXPECT_TRUE(pxIndexSetWithNumbers(NSArray::arrayWithObjects_({"text", "12 months"})).isEqual_(at({0, 12})));
 }
 
-TEST(PxIndexSetWithNumbers, RaisesForWhatIsNoIndex) {
+TEST(PxIndexSetWithNumbers, RaisesForNumbersThatAreNoIndexes) {
     for (id const& value : std::vector<id>{number(-1), NSNumber::numberWithLongLong_(0x80000000),
                                            NSNumber::numberWithLongLong_(NSNotFound), "-1"})
         EXPECT_THROW(pxIndexSetWithNumbers(NSArray::arrayWithObject_(value)), NSRangeException)
@@ -246,7 +246,7 @@ TEST(PxMoveObjectsAtIndexes, WithDuplicatesGoesInFrontOfTheFirst) {
     EXPECT_EQ(joined(own, ""), "axbx");
 }
 
-// By design: nothing is put back.
+// By design the removed elements are not put back.
 TEST(PxMoveObjectsAtIndexes, RaisesInFrontOfOneOfItsOwn) {
     NSMutableArray const array = letters("abcd");
     EXPECT_THROW(pxMoveObjectsAtIndexes_toIndex_(array, at({1, 2}), 2), NSRangeException);

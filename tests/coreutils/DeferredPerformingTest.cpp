@@ -147,7 +147,7 @@ TEST_F(DeferredPerforming, LeavesOutTheSecondObjectBehindANilFirstOne) {
     EXPECT_EQ(callsInAll(), "both(nil) with(nil) ");
 }
 
-TEST_F(DeferredPerforming, DeliversToNobodyWithoutRegistration) {
+TEST_F(DeferredPerforming, DeliversNothingToAnUnregisteredObject) {
     request("first:", "a");
     pxUnregisterPerformDeferredSelector(m_receiver);
     EXPECT_EQ(callsInAll(), "");

@@ -179,7 +179,7 @@ TEST_F(InstalledSounds, AreFoundOnceInFoldersThatLoop) {
     EXPECT_EQ(names(), "A");
 }
 
-TEST_F(InstalledSounds, AreNotLookedForInWhatIsNoFolder) {
+TEST_F(InstalledSounds, AreNotLookedForInFiles) {
     m_folder.makeFile("user/Sounds", "a file");
     EXPECT_EQ(names(), "");
 }

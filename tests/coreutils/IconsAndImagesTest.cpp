@@ -310,7 +310,7 @@ TEST(IconsAndImages, FractionsOfASecondAreTheNearestOnes) {
     EXPECT_EQ(record, (UTCDateTime{0, 3'061'151'999, 0xC000}));
 }
 
-TEST(IconsAndImages, DatesThatNoRecordHoldsAreNone) {
+TEST(IconsAndImages, DatesOutsideTheRecordsRangeAreRefused) {
     UTCDateTime record{1, 2, 3};
     EXPECT_FALSE(pxUTCDateTime_(NSDate::distantPast(), &record));
     EXPECT_FALSE(pxUTCDateTime_(nil, &record));

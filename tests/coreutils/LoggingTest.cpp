@@ -213,7 +213,7 @@ TEST_F(Logging, WaitsForAFolderThatIsJustBeingCreated) {
     EXPECT_EQ(contentsOf(path), "one");
 }
 
-TEST_F(Logging, OnAFullDiskDropsMessagesAndGoesOn) {
+TEST_F(Logging, OnAFullDiskDropsMessagesAndContinues) {
     pxLog_("/dev/full", "one");
     pxLogAux_("/dev/full", YES, "one");
     PrivateMounts::SetUp();

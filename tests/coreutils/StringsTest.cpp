@@ -173,7 +173,7 @@ TEST(PxChecksum, IsThatOfTheStandardsExample) {
     EXPECT_EQ(pxChecksum(bytes({0x00, 0x01, 0xF2, 0x03, 0xF4, 0xF5, 0xF6, 0xF7})), 0xFFFF - expected);
 }
 
-TEST(PxChecksum, OfNothingIsAllOnes) {
+TEST(PxChecksum, OfNoBytesIsAllOnes) {
     EXPECT_EQ(pxChecksum(NSData::data()), 65535);
     EXPECT_EQ(pxChecksum(nil), 0);
 }

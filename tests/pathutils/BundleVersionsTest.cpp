@@ -152,7 +152,7 @@ TEST(PxVersionOfPath, IsNilWithoutABundle) {
     EXPECT_TRUE(pxVersionOfPath("") == nil);
 }
 
-TEST(PxBundleVersions, OfNilAreNone) {
+TEST(PxBundleVersions, OfNilAreNil) {
     std::vector<std::string> lines;
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
     NSString const none;

@@ -108,7 +108,8 @@ TEST_F(FileOperationsAttributes, OneDateAloneAsksToWriteTheOther) {
     EXPECT_TRUE(pxSetFileModificationDate_creationDate_(at("file"), nil, date(2000)));
     EXPECT_EQ(statusOf("file").st_mtim.tv_sec, 1000);
     EXPECT_EQ(attributesOf("file").fileCreationDate().timeIntervalSince1970(), 500);
-    // That it is the creation date's field which a modification date writes shows where none was kept.
+    // Without a kept creation date one can see that a modification date is written into the creation date's field
+    // (specified so).
     EXPECT_EQ(pxExtendedAttributesKeys(at("model")).count(), 0U);
     EXPECT_TRUE(pxSetFileModificationDate_creationDate_(at("model"), nil, date(3000)));
     EXPECT_EQ(pxExtendedAttributesKeys(at("model")).count(), 0U);

@@ -168,7 +168,7 @@ TEST_F(FileOperationsMoving, RenamesToNoNameThatIsTaken) {
 }
 
 TEST_F(FileOperationsMoving, ChangesTheCaseByWayOfAFreeName) {
-    // Where the way is blocked at its end, the first of the two moves is not undone.
+    // If the second of the two moves is blocked, the first is not undone.
     m_folder.makeFile("Readme.txt", "read");
     m_folder.makeFile("README.txt", "taken");
     m_folder.makeFile("README-1.txt", "taken");

@@ -7,12 +7,12 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "scripting/FileReferences.h"
+#include "tests/platform/files/references/References.h"
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"
+#include "tests/support/FolderWithLinks.h"
 #include "tests/support/ObjectTexts.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/support/Texts.h"
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
@@ -21,25 +21,8 @@
 namespace mac::test {
 namespace {
 
-// Nothing that a reference to an item could be.
-FSRef filledReference() {
-    FSRef reference{};
-    reference.hidden.fill(0xA5);
-    return reference;
-}
-
-class FinderMetadata : public testing::Test {
+class FinderMetadata : public FolderWithLinks {
 protected:
-    FinderMetadata() {
-        m_folder.makeFile("folder/file", "contents");
-        link("folder/file", "link");
-        link("folder", "folderLink");
-        link("nowhere", "lost");
-    }
-    void link(char const* target, char const* name) const {
-        if (::symlink(target, m_folder.path(name).c_str()) != 0) throw std::runtime_error("no link");
-    }
-    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
     std::uint16_t flagsOf(std::string_view name) const {
         std::uint16_t flags = 0xDEAD;
         EXPECT_TRUE(pxFinderFlagsOfPath_(at(name), &flags));
@@ -54,8 +37,6 @@ protected:
         std::string const fork = resourceFork("icns", -16455, iconFamily(iconPiece("is32", "abc")));
         ASSERT_EQ(setxattr(m_folder.path(name).c_str(), XATTR_RESOURCEFORK_NAME, fork.data(), fork.size(), 0, 0), 0);
     }
-
-    TemporaryFolder const m_folder{};
 };
 
 TEST_F(FinderMetadata, AReferenceFollowsALinkOrMeansItItself) {
@@ -142,7 +123,7 @@ TEST_F(FinderMetadata, TheKindOfVolumeDecides) {
                               nullptr),
               noErr);
     EXPECT_EQ(identifier, information.filesystemID);
-    // Where the tests run it is one of Linux's own.
+    // The volume of the tests has one of Linux's own file systems.
     EXPECT_EQ(identifier, 0xFFFE);
     EXPECT_TRUE(KRPathSupportsCustomIcons(at("folder")));
     EXPECT_FALSE(KRPathHasInexactTime(at("folder")));
@@ -150,7 +131,7 @@ TEST_F(FinderMetadata, TheKindOfVolumeDecides) {
     EXPECT_FALSE(pxPathIsOnIDisk(at("folder")));
 }
 
-TEST_F(FinderMetadata, OnAnUnknownVolumeTimesAreInexactAndIconsAreNone) {
+TEST_F(FinderMetadata, OnAnUnknownVolumeTimesAreInexactAndIconsUnsupported) {
     EXPECT_EQ(pxFilesystemIDForPath(at("none")), 0xFFFF);
     EXPECT_FALSE(KRPathSupportsCustomIcons(at("none")));
     EXPECT_TRUE(KRPathHasInexactTime(at("none")));
@@ -197,7 +178,7 @@ TEST_F(FinderMetadata, FlagsAreReadFromTheStoredInformation) {
 TEST_F(FinderMetadata, FlagsAreSetWhereTheMaskSaysSo) {
     setFlags("folder/file", 0x0500);
     EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0x8000, 0x8000));
-    // The alias bit is set, others stay, and nothing lies on the desk.
+    // The alias bit is set, the other bits are kept, and the bit of items on the desk is clear.
     EXPECT_EQ(flagsOf("folder/file"), 0x8400);
     EXPECT_TRUE(pxSetFinderFlagsOfPath_mask_(at("folder/file"), 0xFFFF, 0x0102));
     EXPECT_EQ(flagsOf("folder/file"), 0x8402);
@@ -222,7 +203,7 @@ TEST_F(FinderMetadata, SettingFlagsKeepsTheRestOfTheInformation) {
     EXPECT_EQ(readFinderInformation(m_folder.path("folder/file")), information);
 }
 
-TEST_F(FinderMetadata, FlagsOfNothingCannotBeSet) {
+TEST_F(FinderMetadata, FlagsOfAMissingItemCannotBeSet) {
     EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(at("none"), 0, 0));
     EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(nil, 0x8000, 0x8000));
     // A link carries no attributes.
@@ -367,7 +348,7 @@ TEST_F(FinderMetadata, TheFinderIsToldWhichItemToShowAnew) {
     }
 }
 
-TEST_F(FinderMetadata, NobodyIsToldWhereNoFinderRuns) {
+TEST_F(FinderMetadata, SendsNoEventIfNoFinderRuns) {
     EnvironmentVariable const data("XDG_DATA_HOME", m_folder.path("none"));
     EnvironmentVariable const dirs("XDG_DATA_DIRS", m_folder.path("none"));
     EnvironmentVariable const config("XDG_CONFIG_HOME", m_folder.path("none"));

@@ -138,11 +138,11 @@ TEST_F(PathRelations, PartOfAPackageIsWhatLiesInIt) {
     EXPECT_FALSE(pxIsPathPartOfPackageCheckingMaxLevels_(nil, 9));
 }
 
-TEST_F(PathRelations, ALinkToAPackageIsNone) {
+TEST_F(PathRelations, ALinkToAPackageIsNoPackage) {
     m_folder.makeFolder("Foo.app/Contents");
     link("Foo.app", "link");
     EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("link"), 1));
-    // What lies behind it has the package above it, and not the link.
+    // An item behind the link lies in the package, not in the link.
     EXPECT_TRUE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("link/Contents"), 2));
     link("itself.app", "itself.app");
     EXPECT_FALSE(pxIsPathPackageOrPartOfPackageCheckingMaxLevels_(at("itself.app"), 9));

@@ -20,7 +20,7 @@ TEST(PathUtilsRegistration, FillsTheOutArgumentsOfAMessage) {
     EXPECT_EQ(subminor, 11);
 }
 
-TEST(PathUtilsRegistration, TakesWhatIsNoPointerForNull) {
+TEST(PathUtilsRegistration, TakesObjectsThatAreNoPointersForNull) {
     FSRef ref{};
     id const found = id("/").performSelector_withObjects_(
         "KRPathGetFSRef:getIsDirectory:traverseLink:",

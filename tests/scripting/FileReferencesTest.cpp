@@ -1,11 +1,11 @@
 #include "scripting/FileReferences.h"
 #include "platform/foundation/files/NSFileAttributes.h"
 #include "platform/foundation/objects/Exceptions.h"
+#include "tests/platform/files/references/References.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/Failures.h"
+#include "tests/support/FolderWithLinks.h"
 #include "tests/support/ObjectTexts.h"
-#include "tests/support/TemporaryFolder.h"
-#include "tests/support/Texts.h"
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -18,28 +18,7 @@ namespace {
 
 bool isZero(FSRef const& reference) { return reference == FSRef{}; }
 
-// Nothing that a reference to an item could be.
-FSRef filledReference() {
-    FSRef reference{};
-    reference.hidden.fill(0xA5);
-    return reference;
-}
-
-class KRCPaths : public testing::Test {
-protected:
-    KRCPaths() {
-        m_folder.makeFile("folder/file", "contents");
-        link("folder/file", "link");
-        link("folder", "folderLink");
-        link("nowhere", "lost");
-    }
-    void link(char const* target, char const* name) const {
-        if (::symlink(target, m_folder.path(name).c_str()) != 0) throw std::runtime_error("no link");
-    }
-    NSString at(std::string_view name) const { return path(m_folder.path(name)); }
-
-    TemporaryFolder const m_folder{};
-};
+using KRCPaths = FolderWithLinks;
 
 TEST_F(KRCPaths, HaveTheTypeOfTheItemItself) {
     EXPECT_EQ(fileSystemBytes(KRCPathGetFileType(at("folder"))), NSFileTypeDirectory);

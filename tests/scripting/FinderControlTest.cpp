@@ -26,7 +26,7 @@ protected:
     NSString makeFile(std::string const& relative) const {
         return NSString::stringWithFileSystemRepresentation_(m_desktop.folder.makeFile(relative, ""));
     }
-    // What the browser was asked for, without its start.
+    // The requests that the file browser received, without its start.
     AskedLines asked() const {
         AskedLines lines = m_desktop.lines();
         if (!lines.empty()) lines.erase(lines.begin());
@@ -91,7 +91,7 @@ TEST_F(FinderControl, RevealsManyItemsAndPassesOverOthers) {
                                    "ShowItems " + uri("shown/second")}));
 }
 
-TEST_F(FinderControl, RevealsNothingOfWhatIsNoPath) {
+TEST_F(FinderControl, RevealsNoObjectOtherThanAPath) {
     EXPECT_FALSE(pxRevealItemsInFinder(
         enumerator({NSNull::null(), NSURL::URLWithString_("http://example.org/a"), NSNumber::numberWithInt_(1)})));
     EXPECT_FALSE(pxRevealItemsInFinder(enumerator({})));
@@ -108,14 +108,14 @@ TEST_F(FinderControl, OpensManyItemsThatExist) {
     EXPECT_FALSE(pxOpenItemsWithFinder(nil));
 }
 
-TEST_F(FinderControl, GoesOnAfterAFailure) {
+TEST_F(FinderControl, ContinuesAfterAFailure) {
     NSString const unknown = makeFile("file.unknown-to-all");
     makeFile("folder/file");
     EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({unknown, path("folder")})));
     EXPECT_EQ(asked(), AskedLines{"ShowFolders " + uri("folder")});
 }
 
-TEST_F(FinderControl, ShowsNoInformationOfWhatIsNotThere) {
+TEST_F(FinderControl, ShowsNoInformationOfAMissingItem) {
     EXPECT_FALSE(pxShowFinderInfo(enumerator({NSNull::null(), path("none"), NSNumber::numberWithInt_(1)})));
     EXPECT_FALSE(pxShowFinderInfo(enumerator({})));
     EXPECT_FALSE(pxShowFinderInfo(nil));

@@ -98,7 +98,7 @@ TEST(ProcessNumbers, FailToQuitAProcessThatHasGone) {
     EXPECT_FALSE(KRAProcessSerialNumberQuit(number));
 }
 
-TEST(ProcessNumbers, FailToQuitWhatIsNone) {
+TEST(ProcessNumbers, FailToQuitAMissingProcess) {
     EXPECT_FALSE(KRAProcessSerialNumberQuit(KRAProcessSerialNumber_({0, kNoProcess})));
     EXPECT_FALSE(KRAProcessSerialNumberQuit(NSNumber::numberWithDouble_(1.5)));
     EXPECT_FALSE(KRAProcessSerialNumberQuit(nil));

@@ -11,7 +11,7 @@ namespace {
 
 using LoggedLines = std::vector<std::string>;
 
-// What is logged while it lives.
+// Collects what is logged during the object's life.
 class Log {
 public:
     LoggedLines const& lines() const { return m_lines; }
@@ -82,7 +82,7 @@ TEST(PxDisplayComponent, LogsThePartWithItsSeparators) {
                                         R"(User: "user" including separators: "://user:")"}));
 }
 
-TEST(PxDisplayComponent, LogsThatThereIsNone) {
+TEST(PxDisplayComponent, LogsAMissingComponent) {
     Log const log;
     EXPECT_EQ(text(pxDisplayComponent_(url("http://host"), 3)), "-");
     EXPECT_EQ(text(pxDisplayComponent_(url("http://host?"), 11)), "-");
@@ -102,7 +102,7 @@ TEST(PxDisplayComponent, KnowsTheNameOfEachNumber) {
         EXPECT_EQ(log.lines()[index], std::string(names[index]) + ": Not found");
 }
 
-TEST(PxDisplayComponent, RaisesForANumberThatIsNone) {
+TEST(PxDisplayComponent, RaisesForAnUnknownNumber) {
     Log const log;
     for (std::int32_t const number : {-1, 13, INT32_MIN, INT32_MAX})
         EXPECT_THROW(pxDisplayComponent_(url(whole), number), NSRangeException) << number;

@@ -68,7 +68,7 @@ void ChildProcess::waitUntilEnded() const {
 
 int ChildProcess::wait() {
     int status = 0;
-    // Our own child, so that nothing but a signal keeps the wait from its end.
+    // The process is a child of this one, so that only a signal can interrupt the wait.
     while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {}
     m_isWaitedFor = true;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);

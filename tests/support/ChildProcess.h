@@ -6,8 +6,8 @@
 
 namespace mac::test {
 
-// A process that a test starts. Its standard input stays open until the object goes or closes it, so that a program
-// that reads to the end ends with the test at the latest. Ended and waited for by the destructor.
+// A process that a test starts. Its standard input stays open until closed or until the object's end, so that a program
+// that reads to the end ends with the test at the latest. The destructor ends the process and waits for it.
 class ChildProcess {
 public:
     // The first argument is the program's path.
@@ -21,9 +21,9 @@ public:
     std::string readLine() const;
     void writeLine(std::string const& line) const;
     void sendSignal(int signal) const;
-    // Until it has ended; what is left of it stays until wait.
+    // Waits until the process has ended, and leaves its exit status for wait().
     void waitUntilEnded() const;
-    // Its exit status, or minus the number of the signal that ended it.
+    // Waits for the end and returns the exit status, or minus the number of the signal that ended the process.
     int wait();
 
 private:

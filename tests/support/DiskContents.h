@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <vector>
 
-// What lies on the disk at a path.
+// Reads items back from the disk.
 
 namespace mac::test {
 

@@ -6,8 +6,8 @@
 
 namespace mac::test {
 
-// Takes root's rights away from the thread for a while: it becomes another user, or, where the system lets root play
-// nobody else, loses its capabilities. Changes nothing for others.
+// Takes root's rights away from this thread for the object's life: the thread becomes another user or, if the system
+// does not allow that, loses its capabilities. Changes nothing for a process without root's rights.
 class OrdinaryUser {
 public:
     static constexpr unsigned ID = 65534;

@@ -14,7 +14,7 @@ namespace mac::test {
 
 namespace {
 
-// The reason why not, or nothing. Asked once: the mounts stay the process's own.
+// Why this process cannot have mounts of its own; empty if it has them. Asked once: the mounts stay the process's own.
 std::string const& whyNoPrivateMounts() {
     static std::string const reason = [] {
         std::string const denied = "mounting is not allowed here: ";

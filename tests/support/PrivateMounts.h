@@ -6,8 +6,8 @@
 
 namespace mac::test {
 
-// For tests that mount: gives this process mounts of its own, which nobody else sees and which end with it. Where that
-// is not allowed the test is skipped and says so.
+// The fixture of tests that mount: gives this process a private mount namespace, which ends with it. If that is not
+// allowed, the test is skipped with the reason.
 class PrivateMounts : public testing::Test {
 protected:
     void SetUp() override;
@@ -21,8 +21,8 @@ protected:
     void mountLayers(std::string const& below, std::string const& changes, std::string const& point);
     void makeReadOnly(std::string const& point);
     void bind(std::string const& folder, std::string const& point);
-    // A new ext4 file system in a file, by a loop device. Skips the test, with the reason, where there are none; then
-    // the caller returns.
+    // Makes an ext4 file system in a file and mounts it by a loop device. Skips the test, with the reason, if there are
+    // no loop devices; the caller then returns.
     void mountImage(std::string const& image, std::string const& point, std::vector<std::string> const& options = {});
     // Likewise a new file system of another type, "xfs" or "btrfs".
     void mountImageOfType(std::string const& type, std::string const& image, std::string const& point);

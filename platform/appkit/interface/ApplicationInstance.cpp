@@ -45,13 +45,19 @@ std::uint32_t timeOfStartup(QString const& startup) {
 }
 
 // A window manager that prevents programs from taking the keyboard lets the user's own wish through, if told its time.
-void askX11ForFront(QWidget const& window, QString const& startup) {
-    std::uint32_t const time = timeOfStartup(startup);
-    if (time == 0 || QGuiApplication::platformName() != "xcb") return;
+// The launcher's busy sign goes: what was started is in sight.
+void tellX11(QWidgetList const& windows, QString const& startup) {
+    if (startup.isEmpty() || QGuiApplication::platformName() != "xcb") return;
+    auto const display = X11Display::open();
+    if (!display) return;
     constexpr std::uint32_t fromApplication = 1;
-    if (auto const display = X11Display::open())
-        display->tellWindowManager(static_cast<std::uint32_t>(window.winId()), "_NET_ACTIVE_WINDOW",
+    std::uint32_t const time = timeOfStartup(startup);
+    for (QWidget const* const window : windows) {
+        if (time == 0) break;
+        display->tellWindowManager(static_cast<std::uint32_t>(window->winId()), "_NET_ACTIVE_WINDOW",
                                    {fromApplication, time, 0});
+    }
+    display->endStartup(static_cast<std::uint32_t>(windows.last()->winId()), startup.toStdString());
 }
 
 // The visible ones, without menus and tool tips; the one that keeps the others from the keyboard last.
@@ -99,8 +105,8 @@ bool raiseWindows(LaunchTokens const& tokens) {
         window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
         window->raise();
         window->activateWindow();
-        askX11ForFront(*window, tokens.startup);
     }
+    tellX11(windows, tokens.startup);
     if (usesToken) qunsetenv(ActivationVariable);
     return true;
 }

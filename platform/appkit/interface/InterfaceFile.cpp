@@ -3,6 +3,7 @@
 #include "platform/appkit/interface/BoundLabels.h"
 #include "platform/appkit/interface/FilterField.h"
 #include "platform/appkit/interface/Forms.h"
+#include "platform/appkit/interface/SidePane.h"
 #include "platform/appkit/interface/StatusLine.h"
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/appkit/interface/VisibleText.h"
@@ -27,6 +28,7 @@
 // any widget      outlet               the controller's key under which it gets this object
 //                 visibleWhen          key paths that must all be true, "!" negates; visibleDelay in milliseconds
 //                 coversRows           name of the table over whose rows it lies
+// scroll area     beside               name of the table beside or below which it stands, see SidePane.h
 // table           rows                 name of the array controller
 //                 columns              names; for each a list property NAMEColumn, see TableColumn.cpp
 //                 files                key path of the files that rows stand for, see TableFiles.h
@@ -199,6 +201,18 @@ TableCover* InterfaceFile::coverRows(QWidget* widget) {
     return nullptr;
 }
 
+void InterfaceFile::connectSidePane(QScrollArea* pane) {
+    QString const name = formProperty<QString>(pane, "beside");
+    if (name.isEmpty()) return;
+    NSTableView const table = as<NSTableView>(m_scope.objectNamed(name));
+    auto* const view = m_window->findChild<QTableView*>(name);
+    if (table == nil || !view) {
+        NSLog(R"(Interface file: "%@" stands beside "%@", which does not exist)", nameOf(pane), stringOf(name));
+        return;
+    }
+    keep<SidePane>(pane, view, [table] { return bodyOf(table)->widthNeeded(); });
+}
+
 void InterfaceFile::connectWidgets() {
     if (hasFormProperty(m_window.get(), "outlet"))
         connectOutlet(formProperty<QString>(m_window.get(), "outlet"), m_windowObject);
@@ -216,6 +230,8 @@ void InterfaceFile::connectWidgets() {
         if (label && formProperty<bool>(label, "showsLog")) m_sending.setStatusLine(keep<StatusLine>(label, m_scope));
         connectConditions(widget, coverRows(widget));
     }
+    for (QScrollArea* const pane : m_window->findChildren<QScrollArea*>())
+        connectSidePane(pane);
     for (QAction* const action : m_window->findChildren<QAction*>())
         connectAction(action);
     for (QMenu* const menu : m_window->findChildren<QMenu*>())

@@ -10,6 +10,7 @@
 #include <QAction>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScrollArea>
 #include <QTableView>
 #include <QWidget>
 #include <memory>
@@ -58,6 +59,7 @@ private:
     void connectConditions(QWidget* widget, TableCover* cover);
     // The part that covers the rows of the table that the widget names; null if it names none.
     TableCover* coverRows(QWidget* widget);
+    void connectSidePane(QScrollArea* pane);
     // The object that gets the owner's selector: the controller unless the property target names another.
     id targetOf(QObject const* owner);
     template <class Owner, class Signal>

@@ -8,12 +8,29 @@
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QShortcut>
 
 // The actions, buttons and menus of an interface file. The properties stand in InterfaceFile.cpp.
 
 namespace mac {
+
+namespace {
+
+// The toolkit tells of a double click whatever button made it; views see those of the left one alone.
+class LeftDoubleClicks : public QObject {
+public:
+    explicit LeftDoubleClicks(QWidget* viewport) : QObject(viewport) { viewport->installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        bool const isOther = event->type() == QEvent::MouseButtonDblClick &&
+                             static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton;
+        return isOther || QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
 
 void InterfaceFile::connectActivation(QTableView* table) {
     QString const name = formProperty<QString>(table, "activates");
@@ -24,6 +41,8 @@ void InterfaceFile::connectActivation(QTableView* table) {
               stringOf(name));
         return;
     }
+    // It belongs to the view.
+    std::make_unique<LeftDoubleClicks>(table->viewport()).release();
     QObject::connect(table, &QTableView::doubleClicked, action, &QAction::trigger);
     for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* const shortcut = new QShortcut(QKeySequence(key), table);

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QObject>
 #include <QScopedValueRollback>
+#include <algorithm>
 #include <memory>
 
 namespace mac {
@@ -27,10 +28,10 @@ QColor fartherFrom(QColor const& color) {
 }
 
 // The nearest colour on the way to the other one that is far enough from the third.
-QColor movedAway(QColor const& color, QColor const& towards, QColor const& from) {
+QColor movedAway(QColor const& color, QColor const& towards, QColor const& from, double wanted) {
     for (int percent = 0; percent <= 100; percent += StepPercent) {
         QColor const moved = mixedWith(color, towards, percent);
-        if (contrast(moved, from) >= LegibleContrast) return moved;
+        if (contrast(moved, from) >= wanted) return moved;
     }
     return towards;
 }
@@ -42,13 +43,14 @@ bool movesGround(QPalette::ColorRole ground) {
 }
 
 void makeLegible(QPalette& palette, QPalette::ColorGroup group, TextOnColor const& pair) {
-    if (contrastIn(palette, group, pair) >= LegibleContrast) return;
+    double const wanted = group == QPalette::Disabled ? DisabledContrast : LegibleContrast;
+    if (contrastIn(palette, group, pair) >= wanted) return;
     QColor const ground = palette.color(group, pair.ground);
     QColor const text = seenOn(palette.color(group, pair.text), ground);
     if (!movesGround(pair.ground))
-        return palette.setColor(group, pair.text, movedAway(text, fartherFrom(ground), ground));
+        return palette.setColor(group, pair.text, movedAway(text, fartherFrom(ground), ground, wanted));
     QColor const away = fartherFrom(text);
-    palette.setColor(group, pair.ground, movedAway(ground, away, text));
+    palette.setColor(group, pair.ground, movedAway(ground, away, text, wanted));
 }
 
 class PaletteWatch : public QObject {
@@ -68,12 +70,53 @@ private:
     void mend() {
         if (m_isMending) return;
         QScopedValueRollback<bool> const mending(m_isMending, true);
-        QPalette const palette = QApplication::palette();
-        QPalette const legible = legiblePalette(palette);
-        if (legible != palette) QApplication::setPalette(legible);
+        // The theme shows through where the application has set nothing, now and when another one comes.
+        QPalette own = withoutMended(QApplication::palette());
+        if (!m_mended.empty()) QApplication::setPalette(own);
+        m_mended = differences(QApplication::palette(), legiblePalette(QApplication::palette()));
+        for (MendedColor const& mended : m_mended)
+            own.setColor(mended.group, mended.role, mended.color);
+        if (!m_mended.empty()) QApplication::setPalette(own);
+    }
+
+    struct MendedColor {
+        QPalette::ColorGroup group;
+        QPalette::ColorRole role;
+        QColor color;
+    };
+
+    // What the application itself has set of the palette: a colour that is no longer the mended one is its own.
+    QPalette withoutMended(QPalette const& palette) const {
+        QPalette own;
+        own.setResolveMask(0);
+        forEachColor([&](QPalette::ColorGroup group, QPalette::ColorRole role) {
+            bool const isMended = std::ranges::any_of(m_mended, [&](MendedColor const& mended) {
+                return mended.group == group && mended.role == role && mended.color == palette.color(group, role);
+            });
+            if (palette.isBrushSet(group, role) && !isMended) own.setBrush(group, role, palette.brush(group, role));
+        });
+        return own;
+    }
+
+    static std::vector<MendedColor> differences(QPalette const& palette, QPalette const& legible) {
+        std::vector<MendedColor> colors;
+        forEachColor([&](QPalette::ColorGroup group, QPalette::ColorRole role) {
+            QColor const color = legible.color(group, role);
+            if (color != palette.color(group, role)) colors.push_back({group, role, color});
+        });
+        return colors;
+    }
+
+    template <class Function>
+    static void forEachColor(Function const& function) {
+        for (QPalette::ColorGroup const group : {QPalette::Active, QPalette::Disabled, QPalette::Inactive}) {
+            for (int role = 0; role < QPalette::NColorRoles; ++role)
+                function(group, static_cast<QPalette::ColorRole>(role));
+        }
     }
 
     bool m_isMending{false};
+    std::vector<MendedColor> m_mended;
 };
 
 } // namespace
@@ -99,7 +142,7 @@ double contrastIn(QPalette const& palette, QPalette::ColorGroup group, TextOnCol
 }
 
 QPalette legiblePalette(QPalette palette) {
-    for (QPalette::ColorGroup const group : {QPalette::Active, QPalette::Inactive}) {
+    for (QPalette::ColorGroup const group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         for (TextOnColor const& pair : textsOnColors())
             makeLegible(palette, group, pair);
     }

@@ -54,11 +54,21 @@ QString differingPart(QString const& path, CommonPath const& common) {
     return withoutStart.chopped(common.end) + '/' + Ellipsis;
 }
 
-QString elidedPath(QString const& path, CommonPath const& common, QFontMetrics const& metrics, int width) {
-    auto const fits = [&](QString const& text) { return metrics.horizontalAdvance(text) <= width; };
-    if (fits(path)) return path;
-    if (QString const withoutStart = withoutCommonStart(path, common); fits(withoutStart)) return withoutStart;
-    return metrics.elidedText(differingPart(path, common), Qt::ElideMiddle, width);
+QString shownPath(QString const& path, CommonPath const& common, PathExtent extent) {
+    switch (extent) {
+    case PathExtent::Whole:
+        return path;
+    case PathExtent::WithoutCommonFolders:
+        return withoutCommonStart(path, common);
+    case PathExtent::DifferingPart:
+        break;
+    }
+    return differingPart(path, common);
+}
+
+QString elidedPath(QString const& path, CommonPath const& common, PathExtent extent, QFontMetrics const& metrics,
+                   int width) {
+    return metrics.elidedText(shownPath(path, common, extent), Qt::ElideMiddle, width);
 }
 
 } // namespace mac

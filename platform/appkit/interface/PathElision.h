@@ -29,11 +29,18 @@ private:
     std::size_t m_end{0};
 };
 
+// How much of its paths a list shows, the same in all rows: each whole, with "…/" for the common folders, or with "/…"
+// for the common names as well.
+enum class PathExtent { Whole, WithoutCommonFolders, DifferingPart };
+
 // The path with "…" for the common folders and names: the part that tells it from the others, whole.
 QString differingPart(QString const& path, CommonPath const& common);
 
-// The path as it fits into so many pixels: whole; without the folders in common; without the names in common either.
-// Only where that is too long as well its middle is left out.
-QString elidedPath(QString const& path, CommonPath const& common, QFontMetrics const& metrics, int width);
+// As much of the path as the extent says.
+QString shownPath(QString const& path, CommonPath const& common, PathExtent extent);
+
+// The same within so many pixels: what is wider loses its middle.
+QString elidedPath(QString const& path, CommonPath const& common, PathExtent extent, QFontMetrics const& metrics,
+                   int width);
 
 } // namespace mac

@@ -13,6 +13,9 @@ namespace mac {
 
 namespace {
 
+// How long a size has to last.
+constexpr int SettlingMilliseconds = 300;
+
 // A number of pixels beyond this is no window's.
 constexpr int LargestSize = 100'000;
 
@@ -54,6 +57,11 @@ RememberedSize::RememberedSize(QWidget* window, NSString const& key) : m_window(
     });
     fitScreen();
     m_given = window->size();
+    guarded([&] { m_isZoomed = NSUserDefaults::standardUserDefaults().boolForKey_(zoomedKey()); });
+    if (m_isZoomed) window->setWindowState(window->windowState() | Qt::WindowMaximized);
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(SettlingMilliseconds);
+    connect(&m_settling, &QTimer::timeout, this, [this] { remember(); });
     window->installEventFilter(this);
     // The window is on another screen once that has been told to all.
     if (qGuiApp)
@@ -61,8 +69,19 @@ RememberedSize::RememberedSize(QWidget* window, NSString const& key) : m_window(
             qGuiApp, &QGuiApplication::screenRemoved, this, [this] { fitScreen(); }, Qt::QueuedConnection);
 }
 
+RememberedSize::~RememberedSize() {
+    if (m_settling.isActive()) remember();
+}
+
+NSString RememberedSize::zoomedKey() const { return NSString::stringWithFormat_("%@ Zoomed", m_key); }
+
+bool RememberedSize::isOrdinary() const {
+    return m_window && !(m_window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen));
+}
+
+// A maximised window is as large as its screen wants it, and is fitted when it gets its own size back.
 void RememberedSize::fitScreen() {
-    if (!m_window) return;
+    if (!isOrdinary()) return;
     QRect const available = availableTo(m_window);
     int const titleBar = m_window->style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, m_window);
     QSize const fitting = sizeWithin(m_window->size(), available.size(), titleBar);
@@ -73,13 +92,25 @@ void RememberedSize::fitScreen() {
 }
 
 bool RememberedSize::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Resize) remember();
+    if (event->type() == QEvent::Resize && isOrdinary() && m_window->isVisible()) m_settling.start();
+    if (event->type() == QEvent::WindowStateChange) followState();
+    if (event->type() == QEvent::Hide && m_settling.isActive()) remember();
     return QObject::eventFilter(watched, event);
 }
 
+void RememberedSize::followState() {
+    if (!m_window) return;
+    if (!isOrdinary()) m_settling.stop();
+    bool const isZoomed = m_window->windowState().testFlag(Qt::WindowMaximized);
+    if (isZoomed == m_isZoomed) return;
+    m_isZoomed = isZoomed;
+    guarded([&] { NSUserDefaults::standardUserDefaults().setBool_forKey_(BOOL(isZoomed), zoomedKey()); });
+    if (!isZoomed) fitScreen();
+}
+
 void RememberedSize::remember() {
-    bool const isOrdinary = m_window && !(m_window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen));
-    if (!isOrdinary || !m_window->isVisible() || m_window->size() == m_given) return;
+    m_settling.stop();
+    if (!isOrdinary() || m_window->size() == m_given) return;
     m_given = m_window->size();
     QRect const screen = m_window->screen() ? m_window->screen()->geometry() : QRect();
     guarded([&] {

@@ -33,8 +33,9 @@ QString TableCellDelegate::textWithin(int width, QStyleOptionViewItem const& cel
     // What the paths have in common is counted in whole ones, not in shortened texts.
     QString const path = index.data().toString();
     CommonPath const common = m_model.commonPath(index.column());
-    if (path.size() <= LongestText) return elidedPath(path, common, cell.fontMetrics, width);
-    return cell.fontMetrics.elidedText(shortenedText(differingPart(path, common)), Qt::ElideMiddle, width);
+    PathExtent const extent = m_model.pathExtent(index.column());
+    if (path.size() <= LongestText) return elidedPath(path, common, extent, cell.fontMetrics, width);
+    return cell.fontMetrics.elidedText(shortenedText(shownPath(path, common, extent)), Qt::ElideMiddle, width);
 }
 
 void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& option, QModelIndex const& index) const {
@@ -52,7 +53,7 @@ void TableCellDelegate::paint(QPainter* painter, QStyleOptionViewItem const& opt
     QRect place = cell.rect.adjusted(TableCellMargin, 0, -TableCellMargin, 0);
     if (!icon.isNull()) {
         QRect const iconPlace(place.left(), place.center().y() - TableIconSize / 2 + 1, TableIconSize, TableIconSize);
-        icon.paint(painter, iconPlace);
+        icon.paint(painter, iconPlace, Qt::AlignCenter, isSelected ? QIcon::Selected : QIcon::Normal);
         place.setLeft(iconPlace.right() + 1 + TableIconSpace);
     }
     QPalette::ColorGroup const group =

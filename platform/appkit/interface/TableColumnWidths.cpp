@@ -25,13 +25,15 @@ constexpr int FirstRows = 1000;
 
 } // namespace
 
-TableColumnWidths::TableColumnWidths(QTableView* view, TableModel const& model) : m_view(view), m_model(model) {
+TableColumnWidths::TableColumnWidths(QTableView* view, TableModel& model) : m_view(view), m_model(model) {
     setInitialWidths();
     view->viewport()->installEventFilter(this);
     view->horizontalHeader()->installEventFilter(this);
     connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { guarded([&] { fitVisible(); }); });
-    connect(view->horizontalHeader(), &QHeaderView::sectionResized, this,
-            [this](int section, int, int width) { takeChoice(section, width); });
+    connect(view->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int section, int, int width) {
+        takeChoice(section, width);
+        choosePathExtents();
+    });
 }
 
 bool TableColumnWidths::eventFilter(QObject* watched, QEvent* event) {
@@ -109,21 +111,53 @@ void TableColumnWidths::reset() {
     fitContents();
 }
 
+// -1 if no column fills the width.
+int TableColumnWidths::fillingSection() const {
+    auto const filling = std::ranges::find(m_model.columns(), true, &TableColumn::fillsWidth);
+    return filling == m_model.columns().end() ? -1 : static_cast<int>(filling - m_model.columns().begin());
+}
+
+int TableColumnWidths::narrowestFill() const {
+    return std::max(NarrowestFill * m_view->fontMetrics().averageCharWidth(), widestPath(PathExtent::DifferingPart));
+}
+
+int TableColumnWidths::widthNeeded() const {
+    if (!m_view) return 0;
+    QHeaderView const* const header = m_view->horizontalHeader();
+    int const frame = m_view->width() - m_view->viewport()->width();
+    int const filling = fillingSection();
+    if (filling < 0) return header->length() + frame;
+    int const fill = header->sectionSize(filling);
+    return header->length() - fill + std::min(fill, narrowestFill()) + frame;
+}
+
 void TableColumnWidths::fillWidth() {
     if (!m_view) return;
-    auto const filling = std::ranges::find(m_model.columns(), true, &TableColumn::fillsWidth);
-    if (filling == m_model.columns().end()) return;
+    int const section = fillingSection();
+    if (section < 0 || m_chosen.contains(section)) return;
     QHeaderView* const header = m_view->horizontalHeader();
-    int const section = static_cast<int>(filling - m_model.columns().begin());
-    if (m_chosen.contains(section)) return;
     int const others = header->length() - header->sectionSize(section);
-    int const narrowest = std::max(NarrowestFill * m_view->fontMetrics().averageCharWidth(), m_widestPath);
-    resize(section, std::max(m_view->viewport()->width() - others, narrowest));
+    resize(section, std::max(m_view->viewport()->width() - others, narrowestFill()));
+}
+
+void TableColumnWidths::choosePathExtents() {
+    if (!m_view) return;
+    for (int section = 0; section < m_model.columnCount(); ++section) {
+        if (!m_model.columns()[static_cast<std::size_t>(section)].elidesCommonPath) continue;
+        int const width = m_view->horizontalHeader()->sectionSize(section);
+        PathExtent extent = PathExtent::DifferingPart;
+        for (PathExtent const larger : {PathExtent::WithoutCommonFolders, PathExtent::Whole})
+            if (widestPath(larger) <= width) extent = larger;
+        if (extent == m_model.pathExtent(section)) continue;
+        m_model.setPathExtent(section, extent);
+        m_view->viewport()->update();
+    }
 }
 
 void TableColumnWidths::fitContents() {
     if (!m_view) return;
-    m_widestPath = 0;
+    m_widestPaths = {};
+    m_widestDifference = 0;
     fitRows(0, FirstRows);
     fitVisible();
 }
@@ -132,6 +166,7 @@ void TableColumnWidths::fitVisible() {
     if (!m_view) return;
     fitRows(m_view->rowAt(0), m_view->viewport()->height() / m_view->verticalHeader()->defaultSectionSize() + 1);
     fillWidth();
+    choosePathExtents();
 }
 
 void TableColumnWidths::fitRows(int first, int count) {
@@ -159,11 +194,18 @@ void TableColumnWidths::fitCell(int row, int section) {
 
 void TableColumnWidths::fitPath(int row, int section) {
     QString const path = m_model.index(row, section).data().toString();
-    QString const differing = differingPart(path, m_model.commonPath(section));
-    bool const fitsSurely = differing.size() * m_view->fontMetrics().maxWidth() < m_widestPath;
+    CommonPath const common = m_model.commonPath(section);
+    qsizetype const differing = path.size() - common.start - common.end;
+    // All others have the common folders and names in common with it.
+    bool const fitsSurely = differing > 0 && differing * m_view->fontMetrics().maxWidth() < m_widestDifference;
     // A single path differs from no other, and needs no width.
-    if (fitsSurely || differing == path) return;
-    m_widestPath = std::max(m_widestPath, widthForText(differing) + widthOfIcon(section));
+    if (fitsSurely || differingPart(path, common) == path) return;
+    if (differing > 0)
+        m_widestDifference =
+            std::max(m_widestDifference, m_view->fontMetrics().horizontalAdvance(path.mid(common.start, differing)));
+    for (PathExtent const extent : {PathExtent::Whole, PathExtent::WithoutCommonFolders, PathExtent::DifferingPart})
+        widestPath(extent) =
+            std::max(widestPath(extent), widthForText(shownPath(path, common, extent)) + widthOfIcon(section));
 }
 
 } // namespace mac

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/appkit/interface/PathElision.h"
 #include <QMap>
 #include <QObject>
 #include <QPointer>
 #include <QSet>
 #include <QTableView>
+#include <array>
 #include <functional>
 
 namespace mac {
@@ -13,11 +15,12 @@ class TableModel;
 
 // The widths of a table's columns: each starts wide enough for its title and its sample, those that fit their contents
 // grow with what arrives, and one that fills the width takes what the others leave, but never too little to read: of
-// paths that is the part in which they differ. A width that the user chose stays; no title is ever cut.
+// paths that is the part in which they differ. All rows show as much of their paths as the widest of them has room for.
+// A width that the user chose stays; no title is ever cut.
 class TableColumnWidths : public QObject {
 public:
     // Both outlive it, or the view is gone.
-    TableColumnWidths(QTableView* view, TableModel const& model);
+    TableColumnWidths(QTableView* view, TableModel& model);
 
     // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
     void fitContents();
@@ -26,6 +29,8 @@ public:
     QMap<int, int> chosenWidths() const;
     // Takes over such widths; one that would cut the title becomes as wide as that.
     void choose(QMap<int, int> const& widths);
+    // The width in pixels that the view needs to show all columns at once, the filling one at its narrowest.
+    int widthNeeded() const;
     // Forgets what the user chose.
     void reset();
     // Called whenever the user chose a width.
@@ -39,7 +44,12 @@ private:
     void fitRows(int first, int count);
     void fitCell(int row, int section);
     void fitPath(int row, int section);
+    int fillingSection() const;
+    int narrowestFill() const;
     void fillWidth();
+    void choosePathExtents();
+    int& widestPath(PathExtent extent) { return m_widestPaths[static_cast<std::size_t>(extent)]; }
+    int widestPath(PathExtent extent) const { return m_widestPaths[static_cast<std::size_t>(extent)]; }
     void takeChoice(int section, int width);
     void resize(int section, int width);
     int widthOfTitle(int section) const;
@@ -47,11 +57,13 @@ private:
     int widthOfIcon(int section) const;
 
     QPointer<QTableView> m_view;
-    TableModel const& m_model;
+    TableModel& m_model;
     QSet<QString> m_measured;
     QSet<int> m_chosen;
-    // The widest differing part of a path that was looked at.
-    int m_widestPath{0};
+    // What the paths that were looked at take at most, for each extent.
+    std::array<int, 3> m_widestPaths{};
+    // The widest of their differing parts alone, without what stands for the common ones.
+    int m_widestDifference{0};
     bool m_isAdjusting{false};
     std::function<void()> m_whenChosen;
 };

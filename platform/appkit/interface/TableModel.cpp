@@ -112,6 +112,15 @@ CommonPath TableModel::commonPath(int section) const {
     return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
 }
 
+PathExtent TableModel::pathExtent(int section) const {
+    std::size_t const number = static_cast<std::size_t>(section);
+    return number < m_pathExtents.size() ? m_pathExtents[number] : PathExtent::Whole;
+}
+
+void TableModel::setPathExtent(int section, PathExtent extent) {
+    m_pathExtents[static_cast<std::size_t>(section)] = extent;
+}
+
 // A text for the screen has as many code units as the path.
 void TableModel::findCommonPaths(NSArray const& rows) {
     m_commonPaths.assign(m_columns.size(), {});

@@ -34,6 +34,9 @@ public:
 
     // What the paths of all rows have in common in a column that leaves it out; nothing in other columns.
     CommonPath commonPath(int section) const;
+    // How much of their paths the cells of such a column show; at first all.
+    PathExtent pathExtent(int section) const;
+    void setPathExtent(int section, PathExtent extent);
 
     // Shows these rows from now on; previousRows says where each stood, NSNotFound for a new one.
     void replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows);
@@ -58,6 +61,7 @@ private:
     std::vector<TableColumn> m_columns;
     std::vector<id> m_rows;
     std::vector<CommonPath> m_commonPaths;
+    std::vector<PathExtent> m_pathExtents = std::vector<PathExtent>(m_columns.size(), PathExtent::Whole);
     NSString m_fileKeyPath;
     QPointer<QWidget const> m_colorSource;
     // Columns whose value could not be read, so that it is logged once for each change and not for each painting.

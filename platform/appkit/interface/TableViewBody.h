@@ -33,6 +33,8 @@ public:
     // Puts the selected rows' files on the clipboard.
     void copySelection() const;
     void resetColumnWidths();
+    // The width in pixels at which all columns are seen at once.
+    int widthNeeded() const { return m_widths->widthNeeded(); }
     // Keeps the widths that the user chooses in the defaults under a key for the name, and takes over those that are
     // there.
     void setAutosaveName(NSString const& name);

@@ -12,10 +12,10 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/OpenItem.h"
 #include <algorithm>
 #include <array>
-#include <fcntl.h>
 #include <fts.h>
 #include <memory>
 #include <sys/stat.h>
@@ -128,12 +128,10 @@ Value modificationDate(FinderItem const& item) { return Value::date(dateOfUnixTi
 
 bool setModificationDate(FinderItem const& item, Value const& value, TextContext const& /*context*/) {
     if (!value.is(ValueKind::Date)) throw cannotMake(value, codes::DateType);
-    std::array<timespec, 2> const times{timespec{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
-                                        timespec{.tv_sec = unixTimeOfDate(value.seconds()), .tv_nsec = 0}};
-    OpenItem const open = item.open();
-    if (::utimensat(open.item.number(), "", times.data(), AT_EMPTY_PATH) == 0) return true;
-    SystemError const error = lastSystemError("utimensat", open.name);
-    throw fileError(error, item.specifier());
+    timespec const modified{.tv_sec = unixTimeOfDate(value.seconds()), .tv_nsec = 0};
+    Result<void> const changed = setDates(item.open().item, {.modified = modified});
+    if (changed.isDone()) return true;
+    throw fileError(changed.problem(), item.specifier());
 }
 
 Value owner(FinderItem const& item) { return shownAccount(nameOfUser(item.facts().owner)); }

@@ -114,8 +114,8 @@ public:
         return {static_cast<char const*>(m_library.propertyValue(reply.get())), length};
     }
 
-    bool sendToRoot(xcb_client_message_event_t const& event) const {
-        constexpr std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    // The root window's clients that get the event are those that have asked for events of the mask.
+    bool sendToRoot(xcb_client_message_event_t const& event, std::uint32_t mask) const {
         m_library.sendEvent(m_connection, 0, root(), mask, reinterpret_cast<char const*>(&event));
         // Requests are handled in order: the reply to a later one says that the message was taken.
         return wait<xcb_get_input_focus_reply_t>(m_library.getInputFocus(m_connection).sequence) != nullptr;
@@ -237,7 +237,34 @@ bool X11Display::tellWindowManager(std::uint32_t window, char const* message,
     event.window = window;
     event.type = m_connection->atom(message);
     std::ranges::copy(std::span(values).first(std::min<std::size_t>(values.size(), 5)), event.data.data32);
-    return event.type != XCB_ATOM_NONE && m_connection->sendToRoot(event);
+    constexpr std::uint32_t managers = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    return event.type != XCB_ATOM_NONE && m_connection->sendToRoot(event, managers);
+}
+
+// The text goes in pieces as long as a client message, with the zero at its end; the first of them has another type.
+bool X11Display::endStartup(std::uint32_t window, std::string const& id) const {
+    std::string text = "remove: ID=\"";
+    for (char const character : id) {
+        if (character == '"' || character == '\\') text += '\\';
+        text += character;
+    }
+    text += '"';
+    text += '\0';
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 8;
+    event.window = window;
+    event.type = m_connection->atom("_NET_STARTUP_INFO_BEGIN");
+    xcb_atom_t const next = m_connection->atom("_NET_STARTUP_INFO");
+    bool isTaken = event.type != XCB_ATOM_NONE && next != XCB_ATOM_NONE;
+    for (std::size_t place = 0; isTaken && place < text.size(); place += sizeof event.data.data8) {
+        std::string_view const piece = std::string_view(text).substr(place, sizeof event.data.data8);
+        std::ranges::fill(event.data.data8, std::uint8_t{0});
+        std::ranges::copy(piece, event.data.data8);
+        isTaken = m_connection->sendToRoot(event, XCB_EVENT_MASK_PROPERTY_CHANGE);
+        event.type = next;
+    }
+    return isTaken;
 }
 
 } // namespace mac

@@ -30,6 +30,10 @@ public:
     std::string text(std::uint32_t window, char const* property) const;
     // Sends the window manager a client message about a window, with up to five values. True if the display took it.
     bool tellWindowManager(std::uint32_t window, char const* message, std::vector<std::uint32_t> const& values) const;
+    // Tells all programs that follow the display's startup notification that the start under this id has ended, as what
+    // it started does once it is in sight: a launcher's busy sign goes. The window is one of the caller's. True if the
+    // display took it.
+    bool endStartup(std::uint32_t window, std::string const& id) const;
 
 private:
     std::unique_ptr<Connection> m_connection;

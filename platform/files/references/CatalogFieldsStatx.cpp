@@ -5,6 +5,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AttributesOnItem.h"
 #include "platform/system/items/ItemAttributes.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include <algorithm>
@@ -131,17 +132,10 @@ Result<void> writeCreateDate(OpenItem const& item, FSCatalogInfoBitmap which, FS
 }
 
 Result<void> writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatalogInfo const& information) {
-    std::array<timespec, 2> times{};
-    bool const changesAccess = (which & kFSCatInfoAccessDate) != 0;
-    bool const changesContents = (which & kFSCatInfoContentMod) != 0;
-    if (!changesAccess && !changesContents) return {};
-    times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_nsec = UTIME_OMIT;
-    if (changesAccess) times[0] = timeOf(information.accessDate);
-    if (changesContents) times[1] = timeOf(information.contentModDate);
-    if (::utimensat(item.item.number(), "", times.data(), AT_EMPTY_PATH) != 0)
-        return lastSystemError("utimensat", item.name);
-    return {};
+    ItemDates dates;
+    if ((which & kFSCatInfoAccessDate) != 0) dates.access = timeOf(information.accessDate);
+    if ((which & kFSCatInfoContentMod) != 0) dates.modified = timeOf(information.contentModDate);
+    return setDates(item.item, dates);
 }
 
 Result<void> writePermissions(OpenItem const& item, struct statx const& status, FSCatalogInfoBitmap which,

@@ -4,8 +4,8 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"
-#include <array>
 #include <cmath>
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -29,11 +29,9 @@ bool changeModificationDate(FileDescriptor const& item, NSDate const& date) {
     constexpr double farthest = 1e15;
     if (!(std::abs(seconds) < farthest)) return false;
     double const whole = std::floor(seconds);
-    std::array<timespec, 2> times{};
-    times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_sec = static_cast<time_t>(whole);
-    times[1].tv_nsec = static_cast<long>((seconds - whole) * 1e9);
-    return ::utimensat(AT_FDCWD, descriptorPath(item).c_str(), times.data(), 0) == 0;
+    timespec const modified{.tv_sec = static_cast<time_t>(whole),
+                            .tv_nsec = static_cast<long>((seconds - whole) * 1e9)};
+    return setDates(item, {.modified = modified}).isDone();
 }
 
 // By number, else by name; "unchanged" where the dictionary says neither, nullopt for an unknown name.

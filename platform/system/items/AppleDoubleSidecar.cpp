@@ -2,6 +2,7 @@
 #include "platform/system/FileWriting.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/AttributesOnItem.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <array>
 #include <cerrno>
@@ -69,12 +70,6 @@ std::optional<AppleDouble> beginningBeside(FoundFile const& found) {
     return std::nullopt;
 }
 
-Result<void> setModified(FileDescriptor const& file, timespec date) {
-    std::array<timespec, 2> const times{timespec{0, UTIME_OMIT}, date};
-    if (::futimens(file.number(), times.data()) != 0) return lastSystemError("utimensat");
-    return {};
-}
-
 Result<std::vector<std::byte>> valueIn(AppleDouble const& contents, std::string_view name) {
     std::optional<std::span<std::byte const>> const value = contents.valueOf(name);
     if (value) return std::vector<std::byte>(value->begin(), value->end());
@@ -140,7 +135,8 @@ Result<void> AppleDoubleSidecar::save(std::optional<timespec> modified) const {
     std::optional<std::vector<std::byte>> const bytes = contents.written();
     if (!bytes || bytes->size() > LargestFile) return SystemError{.code = E2BIG, .operation = "write", .item = m_name};
     FileReplacement how{.newFileIsLike = &m_item.item, .hasToBe = true, .state = m_status};
-    if (modified) how.beforeFlushing = [&](FileDescriptor const& file) { return setModified(file, *modified); };
+    if (modified)
+        how.beforeFlushing = [&](FileDescriptor const& file) { return setDates(file, {.modified = modified}); };
     Result<void> const replaced = replaceFileInFolder(m_item.folder, m_name, *bytes, how);
     if (replaced.isDone() || !replaced.problem().is(EEXIST)) return replaced;
     return SystemError{.code = EAGAIN, .operation = "rename", .item = m_name};

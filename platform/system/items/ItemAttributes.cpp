@@ -10,6 +10,9 @@ namespace mac {
 
 namespace {
 
+// Of a change whose sidecar is changed by others meanwhile.
+constexpr unsigned MostTries = 8;
+
 SystemError problem(int code, char const* operation, AttributeName const& name) {
     return {.code = code, .operation = operation, .item = name.shown};
 }
@@ -59,8 +62,7 @@ private:
     Result<void> check(AttributeCondition condition) const;
     Result<void> writeNothing(AttributeCondition condition);
     Result<void> writeBeside(std::span<std::byte const> value);
-    void takeBack(AppleDouble contents) const;
-    void restoreSidecar(AppleDouble contents) const;
+    void restoreSidecar(AppleDouble const& before) const;
 
     OpenItem const& m_item;
     AttributeName const& m_name;
@@ -88,33 +90,33 @@ Result<void> AttributeChange::writeBeside(std::span<std::byte const> value) {
     Result<bool> const hasOthers = hasOtherNames(m_item);
     if (!hasOthers.hasValue()) return hasOthers.problem();
     if (hasOthers.value()) return problem(EMLINK, "setxattr", m_name);
-    AppleDouble before = m_sidecar.contents;
+    AppleDouble const before = m_sidecar.contents;
     if (!m_sidecar.contents.setValue(m_name.shown, value)) return problem(ERANGE, "setxattr", m_name);
     if (Result<void> saved = m_sidecar.save(); !saved.isDone()) {
-        takeBack(std::move(before));
+        restoreSidecar(before);
         return saved;
     }
     Result<bool> const isShadowed = isOnItem();
     if (isShadowed.hasValue() && !isShadowed.value()) return {};
     Result<void> removed = removeOnItem(m_item, m_name);
     if (removed.isDone() || mayBeBeside(removed.problem())) return {};
-    restoreSidecar(std::move(before));
+    restoreSidecar(before);
     return removed;
 }
 
-// After a failed save: the sidecar may have been written all the same.
-void AttributeChange::takeBack(AppleDouble contents) const {
-    AppleDoubleSidecar const now(m_item);
-    bool const isWritten =
-        now.state() == AppleDoubleSidecar::State::Read && now.contents.written() == m_sidecar.contents.written();
-    if (isWritten) restoreSidecar(std::move(contents));
-}
-
-// The sidecar as it was read, with its date.
-void AttributeChange::restoreSidecar(AppleDouble contents) const {
-    AppleDoubleSidecar sidecar(m_item);
-    sidecar.contents = std::move(contents);
-    static_cast<void>(sidecar.save(m_sidecar.modified()));
+// Gives the sidecar back what it held and the date it had, as long as it holds what this change has written; the save
+// may have written it although it failed. On FUSE and network file systems a file's state may change though nobody
+// writes it, such as when the server lets go of a second name some time after its removal: then tries again.
+void AttributeChange::restoreSidecar(AppleDouble const& before) const {
+    for (unsigned tries = 0; tries < MostTries; ++tries) {
+        AppleDoubleSidecar sidecar(m_item);
+        bool const isOurs = sidecar.state() == AppleDoubleSidecar::State::Read &&
+                            sidecar.contents.written() == m_sidecar.contents.written();
+        if (!isOurs) return;
+        sidecar.contents = before;
+        Result<void> const saved = sidecar.save(m_sidecar.modified());
+        if (saved.isDone() || !saved.problem().is(EAGAIN)) return;
+    }
 }
 
 // The sidecar's value goes first, so that no older value appears when the file system's goes. An item that cannot be
@@ -174,7 +176,6 @@ Result<void> AttributeChange::write(std::span<std::byte const> value, AttributeC
 template <class Change>
 Result<void> changeUnderLock(OpenItem const& item, AttributeName const& name, char const* operation,
                              Change const& change) {
-    constexpr unsigned mostTries = 8;
     Result<bool> const carries = carriesAttributes(item);
     if (!carries.hasValue()) return carries.problem();
     if (!carries.value()) return problem(EPERM, operation, name);
@@ -183,7 +184,7 @@ Result<void> changeUnderLock(OpenItem const& item, AttributeName const& name, ch
     for (unsigned tries = 1;; ++tries) {
         AttributeChange attribute(item, name);
         Result<void> changed = change(attribute);
-        if (changed.isDone() || !changed.problem().is(EAGAIN) || tries == mostTries) return changed;
+        if (changed.isDone() || !changed.problem().is(EAGAIN) || tries == MostTries) return changed;
     }
 }
 

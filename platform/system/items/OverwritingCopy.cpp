@@ -25,7 +25,6 @@ Copied asCopied(Result<void> const& result) {
     return result.isDone() ? Copied() : TransferProblem{.error = result.problem()};
 }
 
-// The item of the name, open; ENOENT if there is none.
 Result<OpenItem> itemNamed(FileDescriptor const& folder, std::string const& name) {
     OpenItem item{.folder = FileDescriptor(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC)),
                   .item = FileDescriptor(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)),
@@ -35,42 +34,68 @@ Result<OpenItem> itemNamed(FileDescriptor const& folder, std::string const& name
     return item;
 }
 
+// An item that has a name in the folder of the copy, open so that no other gets its identity. What tells it is kept: on
+// some file systems, FUSE for one, an open item is lost when the name goes by which it was opened, as in an exchange
+// step by step.
+struct HeldItem {
+    OpenItem item{};
+    ItemIdentity identity{};
+    bool isFolder{false};
+    // A new name does not change it (ItemStatus.h).
+    std::uint64_t mark{MarkOfNoItem};
+};
+
+// The item of the name, open; ENOENT if there is none.
+Result<HeldItem> holdItem(FileDescriptor const& folder, std::string const& name) {
+    Result<OpenItem> item = itemNamed(folder, name);
+    if (!item.hasValue()) return item.problem();
+    Result<ItemStatus> const status = statusOf(item.value().item);
+    if (!status.hasValue()) return status.problem();
+    ItemPlace const& place = status.value().place;
+    return HeldItem{.item = item.takeValue(),
+                    .identity = place.identity,
+                    .isFolder = place.isFolder,
+                    .mark = markOf(status.value())};
+}
+
 // A complete copy under its temporary name, with its sidecar; held open so that nothing else is taken for them.
 struct TemporaryCopy {
-    OpenItem item{};
+    HeldItem held{};
     std::optional<OpenSidecar> sidecar{};
+    ItemIdentity sidecarIdentity{};
     // The name that it was made under: whatever has it goes with this process.
     std::string firstName{};
 };
 
 Result<TemporaryCopy> openCopy(FileDescriptor const& folder, std::string const& temporary) {
-    Result<OpenItem> item = itemNamed(folder, temporary);
-    if (!item.hasValue()) return item.problem();
+    Result<HeldItem> held = holdItem(folder, temporary);
+    if (!held.hasValue()) return held.problem();
     Result<std::optional<OpenSidecar>> sidecar = sidecarBeside(folder, temporary);
     if (!sidecar.hasValue()) return sidecar.problem();
-    return TemporaryCopy{.item = item.takeValue(), .sidecar = sidecar.takeValue(), .firstName = temporary};
+    TemporaryCopy copy{.held = held.takeValue(), .sidecar = sidecar.takeValue(), .firstName = temporary};
+    if (!copy.sidecar) return copy;
+    Result<IdentifiedItem> const beside = identify(copy.sidecar->file);
+    if (!beside.hasValue()) return beside.problem();
+    copy.sidecarIdentity = beside.value().identity;
+    return copy;
 }
 
 bool isThere(FileDescriptor const& folder, std::string const& name) {
     return ::faccessat(folder.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool isItem(FileDescriptor const& folder, std::string const& name, FileDescriptor const& item) {
+bool isItem(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item) {
     return confirmItemInFolder(folder, name, item).isDone();
 }
 
 // Gives the copy the name that it is exchanged under, which tells it and the old item from all others: the one of them
 // that has it goes with this process.
-Result<void> nameForExchange(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy& copy) {
-    Result<ItemStatus> const oldStatus = statusOf(old.item);
-    if (!oldStatus.hasValue()) return oldStatus.problem();
-    Result<ItemStatus> const copyStatus = statusOf(copy.item.item);
-    if (!copyStatus.hasValue()) return copyStatus.problem();
-    Result<std::string> name = asideNameForEither(markOf(oldStatus.value()), markOf(copyStatus.value()));
+Result<void> nameForExchange(FileDescriptor const& folder, HeldItem const& old, TemporaryCopy& copy) {
+    Result<std::string> name = asideNameForEither(old.mark, copy.held.mark);
     if (!name.hasValue()) return name.problem();
     std::string const sidecar = AppleDoubleSidecar::nameFor(name.value());
-    if (Result<void> const named = moveAside(folder, copy.item.name, name.value()); !named.isDone()) return named;
-    copy.item.name = name.takeValue();
+    if (Result<void> const named = moveAside(folder, copy.held.item.name, name.value()); !named.isDone()) return named;
+    copy.held.item.name = name.takeValue();
     if (!copy.sidecar) return {};
     Result<void> const followed = moveAside(folder, copy.sidecar->name, sidecar);
     if (followed.isDone()) copy.sidecar->name = sidecar;
@@ -80,7 +105,7 @@ Result<void> nameForExchange(FileDescriptor const& folder, OpenItem const& old, 
 // Gives an item that is not to go, and its sidecar, a name that it keeps if this process is killed; the error tells the
 // name.
 SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, SystemError error) {
-    std::string const& temporary = copy.item.name;
+    std::string const& temporary = copy.held.item.name;
     if (!isThere(folder, temporary)) return error;
     error.item = temporary;
     Result<std::string> const kept = asideName(MarkOfNoItem);
@@ -88,7 +113,7 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
     if (!moveAside(folder, temporary, kept.value()).isDone()) return error;
     error.item = kept.value();
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
-    bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecar->file);
+    bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecarIdentity);
     // If it cannot follow, it stays all the same: it has not the mark in its name.
     if (!isOfCopy && isThere(folder, sidecar))
         static_cast<void>(renameWithoutReplacing(folder, sidecar, folder, AppleDoubleSidecar::nameFor(kept.value())));
@@ -100,20 +125,20 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
 class Exchange {
 public:
     // All must outlive the object.
-    Exchange(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy& copy, OverwritingSteps const& steps)
-        : m_folder(folder), m_old(old), m_copy(copy), m_temporary(copy.item.name), m_steps(steps),
-          m_sidecar(AppleDoubleSidecar::nameFor(old.name)),
+    Exchange(FileDescriptor const& folder, HeldItem const& old, TemporaryCopy& copy, OverwritingSteps const& steps)
+        : m_folder(folder), m_old(old), m_copy(copy), m_temporary(copy.held.item.name), m_steps(steps),
+          m_sidecar(AppleDoubleSidecar::nameFor(old.item.name)),
           m_temporarySidecar(AppleDoubleSidecar::nameFor(m_temporary)) {}
 
     Copied run() const {
         // If this process is killed meanwhile, the old item must not go with it.
-        Copied const exchanged = exchange(m_temporary, m_old.name, MarkOfNoItem);
+        Copied const exchanged = exchange(m_temporary, m_old.item.name, MarkOfNoItem);
         if (!exchanged.isDone()) {
             if (exchanged.problem().kind == OriginalStays) placeSidecars(exchanged.problem().error.item);
             return exchanged;
         }
         tell(OverwritingStep::NamesExchanged);
-        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.item);
+        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.identity);
         Copied const followed = isOld.isDone() ? exchangeSidecars() : asCopied(isOld);
         if (followed.isDone()) return followed;
         // The copy is complete with its sidecar.
@@ -135,7 +160,7 @@ public:
         Copied const back = sidecars.isDone() || isApart ? swapBack() : sidecars;
         if (isOldBack(back)) return TransferProblem{.error = reason};
         // The old item's sidecar stays with it.
-        bool const isOldThere = isItem(m_folder, m_temporary, m_old.item);
+        bool const isOldThere = isItem(m_folder, m_temporary, m_old.identity);
         if (sidecars.isDone() && isOldThere) static_cast<void>(exchangeSidecars());
         return stranded(reason);
     }
@@ -159,33 +184,32 @@ private:
     // The copy has the name and the old item a third one; their sidecars follow as far as possible.
     void placeSidecars(std::string const& third) const {
         static_cast<void>(renameWithoutReplacing(m_folder, m_sidecar, m_folder, AppleDoubleSidecar::nameFor(third)));
-        if (!m_copy.sidecar || !isItem(m_folder, m_temporarySidecar, m_copy.sidecar->file)) return;
+        if (!m_copy.sidecar || !isItem(m_folder, m_temporarySidecar, m_copy.sidecarIdentity)) return;
         static_cast<void>(renameWithoutReplacing(m_folder, m_temporarySidecar, m_folder, m_sidecar));
     }
 
     // Only while the copy has the name: another item there has been saved since and is to keep it.
     Copied swapBack() const {
-        Result<void> const isCopy = confirmItemInFolder(m_folder, m_old.name, m_copy.item.item);
+        Result<void> const isCopy = confirmItemInFolder(m_folder, m_old.item.name, m_copy.held.identity);
         if (!isCopy.isDone()) return asCopied(isCopy);
-        Result<ItemStatus> const copy = statusOf(m_copy.item.item);
-        return exchange(m_temporary, m_old.name, copy.hasValue() ? markOf(copy.value()) : MarkOfNoItem);
+        return exchange(m_temporary, m_old.item.name, m_copy.held.mark);
     }
 
     // Whether the old item has its own name again after swapBack(). A copy that is under a third name then is known by
     // that.
     bool isOldBack(Copied const& back) const {
-        if (isItem(m_folder, m_temporary, m_copy.item.item)) return true;
-        if (!isItem(m_folder, m_old.name, m_old.item)) return false;
-        if (!back.isDone()) m_copy.item.name = back.problem().error.item;
+        if (isItem(m_folder, m_temporary, m_copy.held.identity)) return true;
+        if (!isItem(m_folder, m_old.item.name, m_old.identity)) return false;
+        if (!back.isDone()) m_copy.held.item.name = back.problem().error.item;
         return true;
     }
 
     // The item that has the temporary name cannot go back, and stays. The old item goes with the leftovers of this
     // process, as does what cannot be looked at if it is the old item.
     Copied stranded(SystemError error) const {
-        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.item);
+        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.identity);
         bool const isAnother = !isOld.isDone() && isOld.problem().is(ESTALE);
-        bool const isReplaced = isOld.isDone() && isItem(m_folder, m_old.name, m_copy.item.item);
+        bool const isReplaced = isOld.isDone() && isItem(m_folder, m_old.item.name, m_copy.held.identity);
         if (isAnother || (isOld.isDone() && !isReplaced)) {
             error = keepAside(m_folder, m_copy, std::move(error));
         } else if (isThere(m_folder, m_temporary)) {
@@ -225,7 +249,7 @@ private:
     }
 
     FileDescriptor const& m_folder;
-    OpenItem const& m_old;
+    HeldItem const& m_old;
     TemporaryCopy& m_copy;
     std::string m_temporary;
     OverwritingSteps const& m_steps;
@@ -234,31 +258,26 @@ private:
 };
 
 // Why the copy may not take the place of the old item; the problem is EEXIST if both are one.
-Copied confirmReplaceable(ItemTransfer const& transfer, OpenItem const& old) {
+Copied confirmReplaceable(ItemTransfer const& transfer, HeldItem const& held) {
     Result<IdentifiedItem> const original = identify(transfer.item.item);
     if (!original.hasValue()) return TransferProblem{.error = original.problem()};
-    Result<IdentifiedItem> const replaced = identify(old.item);
-    if (!replaced.hasValue()) return TransferProblem{.error = replaced.problem()};
-    if (original.value().identity == replaced.value().identity) return refuse(EEXIST, old.name);
-    if (replaced.value().isFolder && mayLieIn(transfer.item.folder, replaced.value().identity))
-        return refuse(EINVAL, old.name);
-    return asCopied(confirmRemovable(old));
+    if (original.value().identity == held.identity) return refuse(EEXIST, transfer.name);
+    if (held.isFolder && mayLieIn(transfer.item.folder, held.identity)) return refuse(EINVAL, transfer.name);
+    return asCopied(confirmRemovable(held.item));
 }
 
 // Removes a copy that did not get its name, as far as possible, and nothing else that has its temporary name; a lock
 // that was copied does not count.
 void removeTemporary(FileDescriptor const& folder, TemporaryCopy const& copy) {
-    std::string const& temporary = copy.item.name;
-    Result<IdentifiedItem> const identified = identify(copy.item.item);
-    if (!identified.hasValue() || !isItem(folder, temporary, copy.item.item)) return;
-    Result<IdentifiedItem> const beside =
-        copy.sidecar ? identify(copy.sidecar->file) : SystemError{.code = ENOENT, .operation = "statx"};
-    if (beside.hasValue()) static_cast<void>(removeTree(folder, copy.sidecar->name, beside.value().identity));
+    std::string const& temporary = copy.held.item.name;
+    ItemIdentity const& identity = copy.held.identity;
+    if (!isItem(folder, temporary, identity)) return;
+    if (copy.sidecar) static_cast<void>(removeTree(folder, copy.sidecar->name, copy.sidecarIdentity));
     // A folder that is not whole any more is told by no mark.
-    bool const needsName = identified.value().isFolder && temporary != copy.firstName;
+    bool const needsName = copy.held.isFolder && temporary != copy.firstName;
     if (needsName && !renameWithoutReplacing(folder, temporary, folder, copy.firstName).isDone()) return;
     std::string const& name = needsName ? copy.firstName : temporary;
-    static_cast<void>(removeTree(folder, name, identified.value().identity, {.makesAccessible = true}));
+    static_cast<void>(removeTree(folder, name, identity, {.makesAccessible = true}));
 }
 
 // Removes a copy that has just been made under a name that no other process knows, as far as possible.
@@ -279,13 +298,12 @@ struct RemovalProblem {
 
 // Removes a folder under a name that goes with this process whatever is in it by then: once its contents begin to go,
 // nothing else would tell it. Tries again after an error of the moment.
-Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::optional<OpenSidecar> const& sidecar,
+Result<void, RemovalProblem> removeFolder(HeldItem const& held, std::optional<OpenSidecar> const& sidecar,
                                           std::string const& name) {
-    Result<IdentifiedItem> const identified = identify(old.item);
-    if (!identified.hasValue()) return RemovalProblem{.error = identified.problem()};
+    OpenItem const& old = held.item;
+    ItemIdentity const& identity = held.identity;
     if (Result<void> const named = moveAside(old.folder, old.name, name); !named.isDone())
         return RemovalProblem{.error = named.problem()};
-    ItemIdentity const& identity = identified.value().identity;
     Result<void> const isOld = confirmItemInFolder(old.folder, name, identity);
     if (!isOld.isDone()) {
         bool const isBack = renameWithoutReplacing(old.folder, name, old.folder, old.name).isDone();
@@ -309,20 +327,18 @@ Result<void, RemovalProblem> removeFolder(OpenItem const& old, std::optional<Ope
 }
 
 // Removes the old item, which has the copy's temporary name now, with its sidecar.
-Result<void, RemovalProblem> removeOld(FileDescriptor const& folder, OpenItem const& old, TemporaryCopy const& copy) {
-    std::string const& temporary = copy.item.name;
-    if (Result<void> const isOld = confirmItemInFolder(folder, temporary, old.item); !isOld.isDone())
+Result<void, RemovalProblem> removeOld(FileDescriptor const& folder, HeldItem const& old, TemporaryCopy const& copy) {
+    std::string const& temporary = copy.held.item.name;
+    if (Result<void> const isOld = confirmItemInFolder(folder, temporary, old.identity); !isOld.isDone())
         return RemovalProblem{.error = isOld.problem()};
-    Result<OpenItem> const leaving = itemNamed(folder, temporary);
+    Result<HeldItem> const leaving = holdItem(folder, temporary);
     if (!leaving.hasValue()) return RemovalProblem{.error = leaving.problem()};
-    Result<IdentifiedItem> const identified = identify(leaving.value().item);
-    if (!identified.hasValue()) return RemovalProblem{.error = identified.problem()};
-    if (!identified.value().isFolder) {
-        Result<void> const removed = removeItem(leaving.value());
+    if (!leaving.value().isFolder) {
+        Result<void> const removed = removeItem(leaving.value().item);
         if (removed.isDone()) return {};
         return RemovalProblem{.error = removed.problem(), .isWhole = isThere(folder, temporary)};
     }
-    if (Result<void> const may = confirmRemovable(leaving.value()); !may.isDone())
+    if (Result<void> const may = confirmRemovable(leaving.value().item); !may.isDone())
         return RemovalProblem{.error = may.problem()};
     Result<std::optional<OpenSidecar>> const sidecar = sidecarBeside(folder, temporary);
     if (!sidecar.hasValue()) return RemovalProblem{.error = sidecar.problem()};
@@ -340,7 +356,7 @@ TransferProblem withStrandedName(FileDescriptor const& folder, TransferProblem p
 } // namespace
 
 Result<void, TransferProblem> copyItemOver(ItemTransfer const& transfer, OverwritingSteps const& steps) {
-    Result<OpenItem> const old = itemNamed(transfer.folder, transfer.name);
+    Result<HeldItem> const old = holdItem(transfer.folder, transfer.name);
     bool const isFree = !old.hasValue() && old.problem().is(ENOENT);
     ItemTransfer copy = {.item = transfer.item,
                          .folder = transfer.folder,

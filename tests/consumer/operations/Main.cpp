@@ -11,7 +11,7 @@
 
 namespace {
 
-// As the default file browser: runs until it is ended.
+// Plays the default file browser: runs until it is ended.
 [[noreturn]] void browse() {
     while (true)
         ::pause();
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
     tryProcesses(places);
     tryReferences(places);
     tryURLs(places);
-    // It asks the program to end.
+    // The last topic, since it asks the program to terminate.
     tryInterface(places);
     return Trial::hasFailed() ? 1 : 0;
 }

@@ -29,7 +29,7 @@ TEST(NSAppleScript, TextThatBeginsWithAMarkOfByteOrderStaysAsItIs) {
     }
 }
 
-TEST(NSAppleScript, TellsWhatIsWrongWithASource) {
+TEST(NSAppleScript, ReportsTheErrorsOfASource) {
     NSAppleScript const script = NSAppleScript::alloc().initWithSource_("set x to");
     NSDictionary error;
     EXPECT_FALSE(script.compileAndReturnError_(&error));

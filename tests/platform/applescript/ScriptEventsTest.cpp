@@ -112,7 +112,7 @@ TEST(NSAppleScript, RefusesParametersThatDoNotFit) {
     EXPECT_EQ(printedCall("on f(a)\na\nend f", callOf("f", numberDescriptor(4))), "4");
 }
 
-TEST(NSAppleScript, RefusesAHandlerThatThereIsNone) {
+TEST(NSAppleScript, RefusesAMissingHandler) {
     EXPECT_EQ(printedCall("1", callOf("missing")), "«script» doesn’t understand the “missing” message. (-1708)");
 }
 

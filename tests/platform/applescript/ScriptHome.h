@@ -32,19 +32,19 @@ private:
     mac::test::EnvironmentVariable m_home{"HOME", m_folder.path()};
     mac::test::EnvironmentVariable m_data{"XDG_DATA_HOME", m_folder.path(".local/share")};
     mac::test::EnvironmentVariable m_settings{"XDG_CONFIG_HOME", m_folder.path(".config")};
-    // Nothing that the computer starts at log-in.
+    // Hides the computer's own autostart entries.
     mac::test::EnvironmentVariable m_otherSettings{"XDG_CONFIG_DIRS", m_folder.path("none")};
     // The trashes of other volumes are not this home's.
     mac::test::EnvironmentVariable m_computer{"FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path()};
     // No program of this computer.
     mac::test::EnvironmentVariable m_otherData{"XDG_DATA_DIRS", m_folder.path("none")};
     mac::test::EnvironmentVariable m_programs{"PATH", m_folder.path("bin")};
-    // What folders of the desktop there are, only this home's own list says.
+    // The folders of the desktop are those of this home's own list.
     mac::test::EnvironmentVariable m_desktop{"XDG_DESKTOP_DIR", ""};
 };
 
-// What HFS paths on this computer begin with, as another program tells it: the label of the volume at the root, or
-// "Macintosh HD" for one without. A colon, which would end the name, is a slash there.
+// The first part of HFS paths on this computer, found by another program: the label of the volume at the root, or
+// "Macintosh HD" if it has none. A colon, which would end the name, is a slash in it.
 inline std::u16string const& nameOfStartupVolume() {
     static std::u16string const name = [] {
         std::string label = mac::test::outputOf({"/usr/bin/findmnt", "--noheadings", "--output", "LABEL", "/"});

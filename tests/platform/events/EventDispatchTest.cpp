@@ -150,7 +150,7 @@ TEST_F(EventDispatch, PutsAHandlersErrorIntoTheReply) {
     EXPECT_EQ(reply.descriptorType, typeNull);
 }
 
-TEST_F(EventDispatch, LogsWhatAHandlerRaisesAndGoesOn) {
+TEST_F(EventDispatch, LogsAnExceptionOfAHandlerAndContinues) {
     std::vector<std::string> lines;
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
     AEInstallEventHandler(TestClass, Ping, raiseSomething, nullptr, NO);

@@ -7,13 +7,17 @@
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QTimer>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <sys/prctl.h>
 #include <thread>
 #include <unistd.h>
@@ -134,7 +138,7 @@ void run() {
     install(Tell, tellDirectObject);
     // A program with windows makes another kind of loop later.
     if (QCoreApplication::instance()) say("a loop before one is needed");
-    // What is sent goes behind the opening of our own end: afterwards we can be called.
+    // The first event sent opens this end of the transport: afterwards this process can be called.
     std::int32_t const parent = ::getppid();
     AppleEvent const hello =
         testEvent(AEEventID("helo"), NSAppleEventDescriptor::descriptorWithDescriptorType_bytes_length_(
@@ -162,13 +166,50 @@ void callAsStranger() {
     say(connection.call(message).errorName().toUtf8().constData());
 }
 
+// Answers events by hand, each on a connection of its own: with the reply it closes one and opens the next.
+class MovingPeer : public QDBusVirtualObject {
+public:
+    void open() {
+        QString const name = QStringLiteral("moving-%1").arg(++m_count);
+        m_connection = QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), name);
+        QDBusConnection::disconnectFromBus(name);
+        m_connection->registerVirtualObject("/com/tidelark/framekeeper/AppleEvents", this);
+        m_connection->registerService(QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(::getpid()));
+        say("ready");
+    }
+    QString introspect(QString const&) const override { return {}; }
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        connection.send(message.createReply({0, message.arguments().value(0)}));
+        QTimer::singleShot(0, this, [this] {
+            // Behind the reply, so that it has left.
+            m_connection->call(
+                QDBusMessage::createMethodCall("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId"));
+            m_connection.reset();
+            open();
+        });
+        return true;
+    }
+
+private:
+    int m_count = 0;
+    std::optional<QDBusConnection> m_connection;
+};
+
+int answerOnManyConnections(int argc, char** argv) {
+    QCoreApplication const application(argc, argv);
+    MovingPeer peer;
+    peer.open();
+    return QCoreApplication::exec();
+}
+
 } // namespace
 
 } // namespace mac::test
 
-int main(int argc, char**) {
+int main(int argc, char** argv) {
     // A test that fails early takes its peer along.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (argc > 1 && std::string_view(argv[1]) == "--moving") return mac::test::answerOnManyConnections(argc, argv);
     if (argc > 1) {
         mac::test::callAsStranger();
         // Qt's own thread may still read, and complains when what it needs goes first.

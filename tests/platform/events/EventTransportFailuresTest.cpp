@@ -87,6 +87,14 @@ TEST_F(EventTransport, RefusesEventsThatABusyProgramDoesNotHandle) {
     EXPECT_EQ(ask(*peer, Echo), noErr) << "there is room again";
 }
 
+TEST_F(EventTransport, FindsAProgramOnItsNextConnection) {
+    ChildProcess const peer({EVENT_PEER, "--moving"});
+    for (int connection = 0; connection < 3; ++connection) {
+        ASSERT_EQ(peer.readLine(), "ready");
+        EXPECT_EQ(ask(peer, Echo), noErr) << "connection " << connection;
+    }
+}
+
 TEST_F(EventTransport, FindsAProgramThatWasStartedAgain) {
     auto const first = startPeer();
     EXPECT_EQ(ask(*first, Echo), noErr);

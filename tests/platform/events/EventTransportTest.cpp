@@ -16,6 +16,7 @@
 #include <QDBusMessage>
 #include <QVariant>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -281,7 +282,7 @@ TEST_F(EventTransport, SaysWhoSentAnEventWhateverTheSenderSays) {
     EXPECT_EQ(replied(), "x!");
 }
 
-TEST_F(EventTransport, RefusesWhatIsNoEvent) {
+TEST_F(EventTransport, RefusesDescriptorsThatAreNoEvents) {
     auto const peer = startPeer();
     QDBusConnection const connection =
         QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "raw");
@@ -299,9 +300,35 @@ TEST_F(EventTransport, RefusesWhatIsNoEvent) {
     EXPECT_EQ(sendRaw({"text"}), invalid);
     EXPECT_EQ(sendRaw({QByteArray("rubbish")}), invalid);
     EXPECT_EQ(sendRaw({noEvent}), invalid);
+    EXPECT_EQ(sendRaw({noEvent, "soon"}), invalid);
+    EXPECT_EQ(sendRaw({noEvent, qlonglong{0}, qlonglong{0}}), invalid);
     EXPECT_TRUE(sendRaw({noEvent}, "Other").starts_with("org.freedesktop.DBus.Error.Unknown"));
     QDBusConnection::disconnectFromBus("raw");
     EXPECT_EQ(ask(*peer, Echo, stringDescriptor("still there")), noErr);
+}
+
+TEST_F(EventTransport, RefusesAnEventWhoseSenderWaitsNoLonger) {
+    auto const peer = startPeer();
+    QDBusConnection const connection =
+        QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "late");
+    AppleEvent const event = testEvent(Tell, address(*peer), stringDescriptor("late"));
+    NSData const flat = NSAppleEventDescriptor::descriptorWithAEDesc(event).data();
+    auto const sendUntil = [&](std::chrono::steady_clock::time_point deadline) {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(peer->pid()),
+            "/com/tidelark/framekeeper/AppleEvents", "com.tidelark.framekeeper.AppleEvents", "Send");
+        message.setArguments(
+            {QByteArray(reinterpret_cast<char const*>(flat.bytes()), static_cast<qsizetype>(flat.length())),
+             qlonglong{std::chrono::nanoseconds(deadline.time_since_epoch()).count()}});
+        return connection.call(message).errorName().toStdString();
+    };
+    auto const now = std::chrono::steady_clock::now();
+    EXPECT_EQ(sendUntil(now), "org.freedesktop.DBus.Error.TimedOut");
+    EXPECT_EQ(sendUntil(now + std::chrono::hours(1)), "");
+    EXPECT_EQ(peer->readLine(), "late");
+    QDBusConnection::disconnectFromBus("late");
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("now"))), noErr);
+    EXPECT_EQ(peer->readLine(), "now");
 }
 
 TEST_F(EventTransport, AnswersNoOtherUser) {
@@ -316,7 +343,7 @@ TEST_F(EventTransport, AnswersNoOtherUser) {
     m_bus->sendSignal(SIGKILL);
     m_bus->wait();
     EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", bus.readLine());
-    // What cannot be sent still opens this end.
+    // An event that cannot be sent still opens this end of the transport.
     InstalledHandler const handler(TestClass, Back, answerBack);
     ChildProcess const nobody({"/bin/cat"});
     EXPECT_EQ(ask(nobody, Echo), procNotFound);

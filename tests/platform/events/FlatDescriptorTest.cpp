@@ -78,7 +78,7 @@ TEST(FlatDescriptor, SaysWhatIsWrongAndWhere) {
     EXPECT_EQ(unflattened(bytes).problem().reason, "This is no flat descriptor at offset 4");
 }
 
-TEST(FlatDescriptor, FailsForWhatIsNestedTooDeep) {
+TEST(FlatDescriptor, FailsIfNestedTooDeep) {
     // Lists in one another, written by hand from the outermost on: type, form and the size of what follows.
     std::size_t const depth = 100000;
     std::vector<std::byte> bytes(8 + depth * 12);

@@ -7,7 +7,7 @@
 
 namespace mac::test {
 
-// Files of icons and resource forks, made by hand.
+// Icon files and resource forks, built byte by byte.
 
 inline std::string bigEndianText(std::uint32_t value, int bytes) {
     std::string text;
@@ -22,13 +22,13 @@ inline std::string iconPiece(std::string_view type, std::string_view contents) {
 
 inline std::string iconFamily(std::string_view pieces) { return iconPiece("icns", pieces); }
 
-// So many equal bytes, packed in runs.
+// `count` equal bytes, packed in runs.
 inline std::string packedRun(std::size_t count, std::uint8_t value) {
     constexpr std::size_t longestRun = 130;
     constexpr std::size_t shortestRun = 3;
     std::string packed;
     while (count >= shortestRun) {
-        // What is left is never too short for a run.
+        // The rest is never too short for a run.
         std::size_t const length = count > longestRun + shortestRun ? longestRun : std::min(count, longestRun);
         packed += static_cast<char>(length + 125);
         packed += static_cast<char>(value);

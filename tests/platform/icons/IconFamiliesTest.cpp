@@ -133,7 +133,7 @@ TEST(IconFamilies, AreMadeFromBlocks) {
     EXPECT_EQ(takeBlock(second), "second");
 }
 
-TEST(IconFamilies, AreNoneOfWhatIsMissing) {
+TEST(IconFamilies, AreRefusedForMissingItems) {
     IconFamilyHandle family{};
     IconSuiteRef suite{};
     EXPECT_EQ(IconRefToIconFamily({}, kSelectorAllAvailableData, &family), invalidIconRefErr);

@@ -37,7 +37,7 @@ TEST(IconFamily, MayBeEmptyAndHaveBytesBehindIt) {
     EXPECT_EQ(read(iconFamily(iconPiece("is32", "a")) + "more")->size(), 1U);
 }
 
-TEST(IconFamily, ThatContradictsItselfIsNone) {
+TEST(IconFamily, ThatContradictsItselfIsRefused) {
     EXPECT_FALSE(read(""));
     EXPECT_FALSE(read("icns"));
     EXPECT_FALSE(read(iconPiece("icnt", "")));
@@ -50,7 +50,7 @@ TEST(IconFamily, ThatContradictsItselfIsNone) {
     EXPECT_FALSE(read(iconFamily("abc")));
 }
 
-TEST(IconFamily, OfThousandsOfPiecesIsNone) {
+TEST(IconFamily, OfThousandsOfPiecesIsRefused) {
     std::string pieces;
     for (std::uint32_t number = 0; number < 5000; ++number)
         pieces += iconPiece(bigEndianText(number, 4), "");

@@ -97,7 +97,7 @@ TEST_F(IconRefs, AreCounted) {
     EXPECT_EQ(ReleaseIconRef(icon), noErr);
 }
 
-TEST_F(IconRefs, AreNoneForWhatIsMissing) {
+TEST_F(IconRefs, AreRefusedForMissingItems) {
     FSRef const none{};
     FSRef const ref = referenceTo(m_folder.path());
     FSCatalogInfo const information = informationOf(ref);

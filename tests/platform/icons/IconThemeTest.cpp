@@ -66,7 +66,7 @@ TEST_F(IconThemes, AreLookedAtAnewWhenAnotherIsChosen) {
     }
 }
 
-TEST_F(IconThemes, ThatLeadElsewhereAreNone) {
+TEST_F(IconThemes, ThatLeadElsewhereAreIgnored) {
     m_folder.makeFile("data/icons/hicolor/index.theme",
                       "[Icon Theme]\nDirectories=../../outside,dense,bad\n[../../outside]\nSize=16\n"
                       "[dense]\nSize=16\nScale=2\n[bad]\nSize=99999999999999\n");

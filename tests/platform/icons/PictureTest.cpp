@@ -175,7 +175,7 @@ TEST(Picture, IsReadFromEachPageWithItsResolution) {
     EXPECT_EQ(pages[1].size, NSMakeSize(16, 16));
 }
 
-TEST(Picture, OfAHugeSizeIsNone) {
+TEST(Picture, OfAHugeSizeIsRefused) {
     EXPECT_TRUE(picturesInImageFile(spanOf(tiff({100000}, 72))).empty());
     EXPECT_TRUE(picturesInImageFile(spanOf(tiff({16, 100000}, 72))).empty());
 }
@@ -269,7 +269,7 @@ TEST(Picture, OfADrawingThatKeepsToItselfIsDrawn) {
                             "RU5ErkJggg=='/>")));
 }
 
-TEST(Picture, OfADrawingInAnotherEncodingIsNone) {
+TEST(Picture, OfADrawingInAnotherEncodingIsRefused) {
     std::string const drawing = drawingWith("");
     std::string wide = "\xFF\xFE";
     for (char const unit : drawing)

@@ -145,7 +145,7 @@ TEST_F(ItemAttributes, TellWhatIsNoFileByWhatItIs) {
     EXPECT_TRUE(typeOf(m_folder.path("pipe")).isEqualToString_("public.item"));
 }
 
-TEST_F(ItemAttributes, OfATypeThatNobodyDeclaresHaveADynamicIdentifier) {
+TEST_F(ItemAttributes, OfAnUndeclaredTypeHaveADynamicIdentifier) {
     NSString const type = typeOf(m_folder.makeFile("a.djvu", ""));
     EXPECT_TRUE(type.hasPrefix_("dyn."));
     EXPECT_TRUE(UTTypeConformsTo(type, "public.image"));

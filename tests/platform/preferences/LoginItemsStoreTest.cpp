@@ -92,7 +92,7 @@ TEST_F(LoginItemsStore, OwnItemsStayInTheOrderInWhichTheyWereWritten) {
     EXPECT_TRUE(read().isEqual_(list({item("/x/b.app"), item("/x/c.app"), item("/x/a.app")})));
 }
 
-TEST_F(LoginItemsStore, WritingWhatWasReadChangesNoFile) {
+TEST_F(LoginItemsStore, WritingTheReadItemsChangesNoFile) {
     addEntry("a.desktop", entry("/bin/true --option"));
     EXPECT_TRUE(write(read().arrayByAddingObject_(item("/x/a.app"))));
     Files const before = files();

@@ -140,7 +140,7 @@ TEST_F(UserDefaults, AreCopiedWhenTheyAreSet) {
     EXPECT_TRUE(as<NSMutableDictionary>(m_defaults.objectForKey_("key")) == nil);
 }
 
-TEST_F(UserDefaults, RaiseForWhatIsNoPropertyList) {
+TEST_F(UserDefaults, RaiseForObjectsThatAreNoPropertyLists) {
     EXPECT_THROW(m_defaults.setObject_forKey_(NSObject::alloc(), "key"), NSInvalidArgumentException);
     EXPECT_THROW(m_defaults.setObject_forKey_(NSArray::arrayWithObject_(NSObject::alloc()), "key"),
                  NSInvalidArgumentException);

@@ -34,7 +34,7 @@ public:
         return runUntil(
             [&] { return static_cast<std::size_t>(std::ranges::count(names(), std::string(name))) >= times; });
     }
-    // What the walk finds meanwhile waits.
+    // Runs the loop for a moment; the walk's finds are queued meanwhile.
     static void runForAMoment() {
         NSRunLoop::currentRunLoop().runUntilDate_(NSDate::dateWithTimeIntervalSinceNow_(0.1));
     }

@@ -64,7 +64,7 @@ TEST_F(ArrayControllerSteps, FilterManyObjectsBetweenEventsAndKeepTheSelection) 
     filterInSteps("1");
     EXPECT_EQ(count(), static_cast<NSUInteger>(ManyRows)) << "the first step shows nothing yet";
     EXPECT_TRUE(m_controller.filterPredicate() == nil);
-    // What the user selects between two steps counts.
+    // A selection that the user makes between two steps is kept.
     m_controller.setSelectedObjects_(NSArray::arrayWithObjects_(
         {m_controller.arrangedObjects().objectAtIndex_(4), m_controller.arrangedObjects().objectAtIndex_(5)}));
     ASSERT_TRUE(runUntilCount(ManyRows / 2));

@@ -97,7 +97,7 @@ TEST(NSArrayController, AnswersTheSelectedObjectsInTheirOrder) {
     EXPECT_EQ(controller.selectionIndex(), 1U);
 }
 
-TEST(NSArrayController, RefusesToSelectWhatIsNotArranged) {
+TEST(NSArrayController, RefusesToSelectObjectsThatAreNotArranged) {
     NSArrayController const controller = makeController({"/a"});
     controller.setSelectedObjects_(recordsNamed(controller, {"/a"}));
     EXPECT_FALSE(controller.setSelectedObjects_(NSArray::arrayWithObject_(makeRecord("/x"))));
@@ -114,7 +114,7 @@ TEST(NSArrayController, SelectsTheNewObjectOfTheSameIdentityWhenTheContentIsRepl
     EXPECT_FALSE(isSame(controller.selectedObjects().objectAtIndex_(0), before));
 }
 
-TEST(NSArrayController, ForgetsTheSelectionOfWhatIsNoLongerThere) {
+TEST(NSArrayController, ForgetsTheSelectionOfRemovedObjects) {
     NSArrayController const controller = makeController({"/a", "/b"});
     controller.setSelectedObjects_(recordsNamed(controller, {"/b"}));
     controller.setContent_(makeRecords({"/a"}));
@@ -134,7 +134,7 @@ TEST(NSArrayController, SelectsAgainWhatComesBackAfterTheContentWasUnknown) {
     EXPECT_EQ(pathsOf(controller.selectedObjects()), "/a /c");
 }
 
-TEST(NSArrayController, AwaitsNothingOnceSomebodySelects) {
+TEST(NSArrayController, StopsAwaitingOnceSomethingIsSelected) {
     NSArrayController const controller = makeController({"/a", "/b"});
     controller.setSelectedObjects_(recordsNamed(controller, {"/a"}));
     controller.setContent_(nil);

@@ -20,7 +20,7 @@ TEST(RaiseWindows, BringsMinimizedOnesBack) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
 }
 
-TEST(RaiseWindows, TellsIfThereIsNone) {
+TEST(RaiseWindows, AnswersWhetherThereIsAWindow) {
     needApplication();
     EXPECT_FALSE(raiseWindows());
     QMainWindow const hidden;

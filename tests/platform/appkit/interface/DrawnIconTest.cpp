@@ -13,7 +13,7 @@ TEST(DrawnIcon, ReadsAbsoluteAndRelativePaths) {
     EXPECT_EQ(pathFromText("M1 2 C1 3 2 4 5 6 Q1 2 3 4"), pathFromText("M1 2 c0 1 1 2 4 4 q-4-4-2-2"));
 }
 
-TEST(DrawnIcon, RefusesWhatIsNoPath) {
+TEST(DrawnIcon, RefusesObjectsOtherThanPaths) {
     for (char const* const text : {"", "wheel", "M1", "M1 2 L", "M1 2 A3 4", "1 2", "M1 2 Z 3"})
         EXPECT_FALSE(pathFromText(text)) << text;
     EXPECT_TRUE(drawnIcon("wheel").isNull());

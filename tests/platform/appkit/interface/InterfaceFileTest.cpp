@@ -55,7 +55,7 @@ TEST(InterfaceFile, LogsAWidgetClassThatDoesNotExistAndLoadsTheRest) {
     EXPECT_TRUE(file->widget()->findChild<QLabel*>("label"));
 }
 
-TEST(InterfaceFile, LogsAKeyPathThatNobodyKnowsAndTakesItForNo) {
+TEST(InterfaceFile, LogsAnUnknownKeyPathAndTakesItForNo) {
     LoggedLines const lines;
     auto const file = loadForm(formWith(
         Controller, R"(<widget class="QLabel" name="label">)" + listProperty("visibleWhen", {"query.isSinging"}) +

@@ -51,7 +51,7 @@ TEST(LaunchOptions, TellsItsUsageAndItsVersion) {
     EXPECT_EQ(version.output, "program 3.1\n");
 }
 
-TEST(LaunchOptions, RefusesWhatIsNoOption) {
+TEST(LaunchOptions, RefusesUnknownOptions) {
     for (std::vector<std::string> const& words : std::vector<std::vector<std::string>>{
              {"--colour"}, {"-x"}, {"-x", "--colour"}, {"letter.txt"}, {""}, {"-"}, {"--"}, {"-platform", "x", "y"}}) {
         Said const said = saidTo(words);

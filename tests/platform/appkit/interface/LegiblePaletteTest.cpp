@@ -2,6 +2,7 @@
 #include "platform/appkit/interface/ThemeColors.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include <QApplication>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
 #include <gtest/gtest.h>
@@ -32,7 +33,7 @@ QPalette paletteOf(QColor const& text, QColor const& ground, QColor const& selec
     return palette;
 }
 
-// As a theme leaves it that sets a few colours only.
+// The palette of a theme that sets a few colours only.
 QPalette halfDark() {
     QPalette palette = paletteOf("#000000", "#f0f0f0", "#308cc6", "#ffffff");
     palette.setColor(QPalette::Base, "#202020");
@@ -81,6 +82,22 @@ TEST_F(LegiblePalettes, HaveTheContrastThatTextWants) {
     EXPECT_GT(count, 100);
 }
 
+// As a theme leaves it that knows no colour for them.
+TEST_F(LegiblePalettes, LetDisabledTextBeSeen) {
+    int count = 0;
+    for (auto const& [name, palette] : palettesOfThemes()) {
+        QPalette hidden = palette;
+        for (QPalette::ColorRole const role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+            hidden.setColor(QPalette::Disabled, role, palette.color(QPalette::Disabled, QPalette::Window));
+        for (TextOnColor const& pair : textsOnColors()) {
+            ++count;
+            EXPECT_GE(contrastIn(legiblePalette(hidden), QPalette::Disabled, pair), DisabledContrast)
+                << name << " " << pair.text << " on " << pair.ground;
+        }
+    }
+    EXPECT_GT(count, 50);
+}
+
 TEST_F(LegiblePalettes, KeepColoursThatCanBeRead) {
     QPalette palette = paletteOf("#ffffff", "#000000", "#ffff00", "#000000");
     palette.setColor(QPalette::PlaceholderText, "#cccccc");
@@ -90,6 +107,52 @@ TEST_F(LegiblePalettes, KeepColoursThatCanBeRead) {
 TEST_F(LegiblePalettes, StayAsTheyAreWhenMadeAnew) {
     for (auto const& [name, palette] : palettesOfThemes())
         EXPECT_EQ(legiblePalette(legiblePalette(palette)), legiblePalette(palette)) << name;
+}
+
+// A theme's own palette comes from the style here.
+class ThemeStyle : public QProxyStyle {
+public:
+    explicit ThemeStyle(QPalette const& palette) : m_palette(palette) {}
+    QPalette standardPalette() const override { return m_palette; }
+
+private:
+    QPalette m_palette;
+};
+
+TEST_F(LegiblePalettes, FollowTheThemeWhenItChanges) {
+    QString const before = QApplication::style()->objectName();
+    LoadedWindow const window;
+    QApplication::setPalette(QPalette());
+    for (int round = 0; round < 2; ++round) {
+        for (auto const& [name, palette] : palettesOfThemes()) {
+            QApplication::setStyle(new ThemeStyle(palette));
+            QCoreApplication::processEvents();
+            QPalette const wanted = legiblePalette(palette);
+            for (QPalette::ColorGroup const group : {QPalette::Active, QPalette::Inactive}) {
+                for (TextOnColor const& pair : textsOnColors()) {
+                    for (QPalette::ColorRole const role : {pair.text, pair.ground})
+                        EXPECT_EQ(QApplication::palette().color(group, role).name(QColor::HexArgb).toStdString(),
+                                  wanted.color(group, role).name(QColor::HexArgb).toStdString())
+                            << name << " " << role;
+                }
+            }
+        }
+    }
+    QApplication::setStyle(before);
+}
+
+TEST_F(LegiblePalettes, LeaveTheApplicationWhatItSetsItself) {
+    LoadedWindow const window;
+    QPalette own;
+    own.setResolveMask(0);
+    own.setColor(QPalette::Window, "#f0f0f0");
+    own.setColor(QPalette::WindowText, "#e8e8e8");
+    QApplication::setPalette(own);
+    EXPECT_GE(contrast(QApplication::palette().color(QPalette::WindowText), QColor("#f0f0f0")), WantedContrast);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor("#f0f0f0"));
+    own.setColor(QPalette::WindowText, "#101010");
+    QApplication::setPalette(own);
+    EXPECT_EQ(QApplication::palette().color(QPalette::WindowText), QColor("#101010"));
 }
 
 TEST_F(LegiblePalettes, AreThoseOfTheWindowInEveryTheme) {

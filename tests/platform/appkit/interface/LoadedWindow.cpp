@@ -20,7 +20,7 @@ void needApplication() {
 LoadedWindow::LoadedWindow(Settings settings) {
     needApplication();
     if (settings == Settings::Forgotten) {
-        for (char const* const key : {FrameKey, ColumnsKey})
+        for (char const* const key : {FrameKey, ZoomedKey, ColumnsKey})
             NSUserDefaults::standardUserDefaults().removeObjectForKey_(NSString::stringWithUTF8String_(key));
     }
     auto loaded = InterfaceFile::load(MAIN_INTERFACE_FILE);

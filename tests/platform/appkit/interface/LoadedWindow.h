@@ -16,7 +16,7 @@ void needApplication();
 // The program's window with a controller that stands in for the program's, on the screen.
 class LoadedWindow {
 public:
-    // What an earlier window of the tests left in the settings is forgotten, unless it is what a test is about.
+    // Whether the settings that an earlier window left are forgotten; they are kept where a test is about them.
     enum class Settings { Forgotten, Kept };
     explicit LoadedWindow(Settings settings = Settings::Forgotten);
 
@@ -41,6 +41,7 @@ private:
 
 // Where the window keeps its size and the widths of its columns.
 inline constexpr char FrameKey[] = "NSWindow Frame MainWindow";
+inline constexpr char ZoomedKey[] = "NSWindow Frame MainWindow Zoomed";
 inline constexpr char ColumnsKey[] = "NSTableView Columns Copies";
 
 inline constexpr int VersionColumn = 0;

@@ -233,7 +233,7 @@ TEST(MainWindow, DeletesTextAndNoCopyWithTheDeleteKeyInTheFilter) {
     EXPECT_TRUE(window.controller().messages().empty());
 }
 
-TEST(MainWindow, LogsAnExceptionInAnActionAndGoesOn) {
+TEST(MainWindow, LogsAnExceptionInAnActionAndContinues) {
     LoadedWindow const window;
     window.controller().setPaths_(makeRecords({"/a"}));
     window.selectRow(0);

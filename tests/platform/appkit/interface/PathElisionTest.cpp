@@ -7,7 +7,9 @@
 #include <QStyle>
 #include <QStyleOptionHeader>
 #include <QTest>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace mac::test {
 namespace {
@@ -59,19 +61,30 @@ TEST(PathElision, ShowsWhatDiffersAndNeverLess) {
     EXPECT_EQ(differingPart("/x", commonOf({u"/x", u"/y"})), "/x");
 }
 
-TEST(PathElision, LeavesOutNoMoreThanThereIsNoRoomFor) {
+TEST(PathElision, LeavesOutWhatTheListLeavesOut) {
+    QString const path = "/home/someone/Downloads/Old Versions/Mirror Frame.app";
+    CommonPath const common = commonOf(
+        {u"/home/someone/Downloads/Old Versions/Mirror Frame.app", u"/home/someone/Applications/Mirror Frame.app"});
+    EXPECT_EQ(shownPath(path, common, PathExtent::Whole), path);
+    EXPECT_EQ(shownPath(path, common, PathExtent::WithoutCommonFolders), "…/Downloads/Old Versions/Mirror Frame.app");
+    EXPECT_EQ(shownPath(path, common, PathExtent::DifferingPart), "…/Downloads/Old Versions/…");
+}
+
+TEST(PathElision, LosesItsMiddleOnlyWhereItIsTooWideAsItIs) {
     needApplication();
     QFontMetrics const metrics{QFont()};
     QString const path = "/home/someone/Downloads/Old Versions/Mirror Frame.app";
     CommonPath const common = commonOf(
         {u"/home/someone/Downloads/Old Versions/Mirror Frame.app", u"/home/someone/Applications/Mirror Frame.app"});
-    auto const at = [&](QString const& wide) {
-        return elidedPath(path, common, metrics, metrics.horizontalAdvance(wide));
-    };
-    EXPECT_EQ(at(path), path);
-    EXPECT_EQ(at(path.chopped(1)), "…/Downloads/Old Versions/Mirror Frame.app");
-    EXPECT_EQ(at("…/Downloads/Old Versions/Mirror Frame"), "…/Downloads/Old Versions/…");
-    EXPECT_TRUE(at("…/Downloads").contains(QChar(0x2026)));
+    for (PathExtent const extent : {PathExtent::Whole, PathExtent::WithoutCommonFolders, PathExtent::DifferingPart}) {
+        QString const shown = shownPath(path, common, extent);
+        int const width = metrics.horizontalAdvance(shown);
+        EXPECT_EQ(elidedPath(path, common, extent, metrics, width), shown);
+        QString const cut = elidedPath(path, common, extent, metrics, width / 2);
+        EXPECT_NE(cut, shown);
+        EXPECT_TRUE(cut.contains(QChar(0x2026)));
+        EXPECT_LE(metrics.horizontalAdvance(cut), width / 2);
+    }
 }
 
 class PathsInTheWindow : public testing::Test {
@@ -89,10 +102,33 @@ TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeInASmallWindow) {
     QCoreApplication::processEvents();
     CommonPath const common = model().commonPath(PathColumn);
     QString const path = QString::fromStdString(deep);
-    QString const shown = elidedPath(path, common, m_window.table()->fontMetrics(),
+    QString const shown = elidedPath(path, common, model().pathExtent(PathColumn), m_window.table()->fontMetrics(),
                                      header()->sectionSize(PathColumn) - 2 * TableCellMargin);
     EXPECT_TRUE(shown.contains(QString(70, 'n'))) << shown.toStdString();
     EXPECT_TRUE(m_window.column(PathColumn).contains(path)) << "the cell's text is the path";
+}
+
+TEST_F(PathsInTheWindow, AreAllWholeOrAllWithoutWhatTheyHaveInCommon) {
+    m_window.controller().setPaths_(
+        makeRecords({"/home/someone/Downloads/Old Versions/1.4/Mirror Frame.app",
+                     "/home/someone/Applications/Mirror Frame.app", "/home/someone/Documents/1/Mirror Frame.app"}));
+    CommonPath const common = model().commonPath(PathColumn);
+    QFontMetrics const metrics = m_window.table()->fontMetrics();
+    std::set<PathExtent> seen;
+    int narrowest = 0;
+    for (int width = 1'200; width > narrowest; width -= 7) {
+        header()->resizeSection(PathColumn, width);
+        PathExtent const extent = model().pathExtent(PathColumn);
+        seen.insert(extent);
+        int widest = 0;
+        for (QString const& path : m_window.column(PathColumn)) {
+            widest = std::max(widest, metrics.horizontalAdvance(shownPath(path, common, extent)));
+            QString const shown = elidedPath(path, common, extent, metrics, width - 2 * TableCellMargin);
+            EXPECT_EQ(shown.toStdString(), shownPath(path, common, extent).toStdString()) << width;
+        }
+        narrowest = extent == PathExtent::DifferingPart ? widest + 20 : 0;
+    }
+    EXPECT_EQ(seen.size(), 3U);
 }
 
 // A cell shortens texts beyond a thousand characters before it draws them.

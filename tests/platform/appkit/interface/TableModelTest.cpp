@@ -78,7 +78,7 @@ TEST(TableModel, ShowsNewObjectsInOldRows) {
     EXPECT_EQ(changes, 1);
 }
 
-TEST(TableModel, LogsAKeyThatNobodyKnowsOnceAndShowsNothing) {
+TEST(TableModel, LogsAnUnknownKeyOnceAndShowsNothing) {
     needApplication();
     TableModel model({column("colour"), column("isGathering")});
     model.resetRows(NSArray::arrayWithObjects_({adopt<FakeQuery>(), adopt<FakeQuery>()}));

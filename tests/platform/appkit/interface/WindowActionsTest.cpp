@@ -102,6 +102,18 @@ TEST_F(WindowActions, AreSentByADoubleClickAndTheReturnKey) {
     EXPECT_EQ(messages().size(), 3U);
 }
 
+TEST_F(WindowActions, AreSentByADoubleClickOfTheLeftButtonAlone) {
+    show({});
+    messages().clear();
+    QPoint const place = m_window.table()->visualRect(m_window.table()->model()->index(0, 1)).center();
+    for (Qt::MouseButton const button : {Qt::MiddleButton, Qt::RightButton, Qt::BackButton}) {
+        QTest::mouseDClick(m_window.table()->viewport(), button, {}, place);
+        EXPECT_TRUE(messages().empty()) << button;
+    }
+    QTest::mouseDClick(m_window.table()->viewport(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(messages(), std::vector<std::string>(1, "revealAction:"));
+}
+
 TEST_F(WindowActions, ShowWhatTheyWaitFor) {
     show({"isRunning"});
     QString line;

@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QStyledItemDelegate>
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -130,6 +131,29 @@ TEST(WindowLooks, DrawsAPathFromLeftToRightAlsoWhereTextGoesRightToLeft) {
         int const last = darkness(cell, QRect(QPoint(cell.width() - character.width(), 0), character));
         EXPECT_LT(first, last) << direction;
     }
+}
+
+TEST(WindowLooks, DrawsTheIconOfASelectedRowInTheColourOfItsText) {
+    LoadedWindow const window;
+    TemporaryFolder const folder;
+    window.controller().setPaths_(makeRecords({folder.path().c_str()}));
+    QImage image(20, 30, QImage::Format_RGB32);
+    QColor const text = QGuiApplication::palette().color(QPalette::HighlightedText);
+    QColor const ground = contrast(text, Qt::white) > contrast(text, Qt::black) ? Qt::white : Qt::black;
+    image.fill(ground);
+    QStyleOptionViewItem option;
+    option.rect = QRect(0, 0, 600, 30);
+    option.state = QStyle::State_Selected | QStyle::State_Enabled | QStyle::State_Active;
+    for (QPalette::ColorRole const role : {QPalette::Highlight, QPalette::Base})
+        option.palette.setColor(role, ground);
+    QPainter painter(&image);
+    window.table()->itemDelegate()->paint(&painter, option, window.table()->model()->index(0, VersionColumn));
+    double farthest = 1;
+    for (int x = 0; x < image.width(); ++x) {
+        for (int y = 0; y < image.height(); ++y)
+            farthest = std::max(farthest, contrast(image.pixelColor(x, y), ground));
+    }
+    EXPECT_GE(farthest, 4.5);
 }
 
 TEST(WindowLooks, HasAnIconThatIsSeenOnAnyBackground) {

@@ -3,8 +3,9 @@
 #include "platform/preferences/NSUserDefaults.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include "tests/support/Environment.h"
+#include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QScreen>
 #include <gtest/gtest.h>
@@ -26,6 +27,7 @@ protected:
     static NSUserDefaults defaults() { return NSUserDefaults::standardUserDefaults(); }
     static void forget() {
         defaults().removeObjectForKey_(FrameKey);
+        defaults().removeObjectForKey_(ZoomedKey);
         defaults().removeObjectForKey_(ColumnsKey);
     }
     static std::unique_ptr<LoadedWindow> open() {
@@ -49,8 +51,69 @@ TEST_F(WindowMemory, GivesTheNextWindowTheSize) {
     EXPECT_EQ(open()->widget()->size(), wanted);
 }
 
+TEST_F(WindowMemory, OpensTheNextWindowMaximizedAndKeepsItsOrdinarySize) {
+    QSize const wanted(700, 500);
+    {
+        auto const window = open();
+        window->widget()->resize(wanted);
+        QCoreApplication::processEvents();
+        window->widget()->showMaximized();
+        QCoreApplication::processEvents();
+        ASSERT_NE(window->widget()->size(), wanted);
+        window->widget()->hide();
+    }
+    {
+        auto const next = open();
+        EXPECT_TRUE(next->widget()->isMaximized());
+        EXPECT_EQ(next->widget()->size(), next->widget()->screen()->availableGeometry().size());
+        next->widget()->showNormal();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(next->widget()->size(), wanted);
+    }
+    EXPECT_FALSE(open()->widget()->isMaximized());
+    EXPECT_EQ(open()->widget()->size(), wanted);
+}
+
+// As window managers do that send the new size first.
+TEST_F(WindowMemory, TakesNoSizeOfAMaximizedWindowForItsOwn) {
+    {
+        auto const window = open();
+        window->widget()->resize(window->widget()->screen()->availableGeometry().size());
+        QCoreApplication::processEvents();
+        window->widget()->setWindowState(Qt::WindowMaximized);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_TRUE(defaults().objectForKey_(FrameKey) == nil);
+    EXPECT_TRUE(defaults().boolForKey_(ZoomedKey));
+}
+
+TEST_F(WindowMemory, KeepsASizeThatLastsWhileTheWindowIsOpen) {
+    auto const window = open();
+    window->widget()->resize(700, 500);
+    EXPECT_TRUE(runUntil([] { return defaults().objectForKey_(FrameKey) != nil; }));
+}
+
+TEST_F(WindowMemory, FitsTheWindowIntoTheScreenThatIsLeftWhenItsOwnGoesAway) {
+    auto const window = open();
+    QSize const screen = window->widget()->screen()->availableGeometry().size();
+    window->widget()->resize(screen.width() + 200, screen.height() + 200);
+    ASSERT_GT(window->widget()->width(), screen.width());
+    Q_EMIT qGuiApp->screenRemoved(window->widget()->screen());
+    EXPECT_TRUE(runUntil([&] { return window->widget()->width() <= screen.width(); }));
+    EXPECT_LE(window->widget()->height(), screen.height());
+    // A maximised one is the window manager's.
+    window->widget()->showMaximized();
+    QCoreApplication::processEvents();
+    QSize const maximized = window->widget()->size();
+    Q_EMIT qGuiApp->screenRemoved(window->widget()->screen());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window->widget()->isMaximized());
+    EXPECT_EQ(window->widget()->size(), maximized);
+}
+
 TEST_F(WindowMemory, KeepsNothingThatTheUserDidNotChange) {
     open();
+    EXPECT_TRUE(defaults().objectForKey_(ZoomedKey) == nil);
     EXPECT_TRUE(defaults().objectForKey_(FrameKey) == nil);
     EXPECT_TRUE(defaults().objectForKey_(ColumnsKey) == nil);
 }
@@ -69,7 +132,7 @@ TEST_F(WindowMemory, LeavesRoomForATitleBarOnTheScreen) {
     EXPECT_EQ(sizeWithin({700, 500}, {}, 20), QSize(700, 500)) << "without a screen";
 }
 
-TEST_F(WindowMemory, LeavesOutASizeThatIsNone) {
+TEST_F(WindowMemory, LeavesOutAnInvalidSize) {
     QSize const usual = open()->widget()->size();
     for (char const* const damaged :
          {"", "nonsense", "1 2", "0 0 -5 300", "0 0 0 0", "0 0 1e9 300", "0 0 99999999999 300", "0 0 500 999999"}) {
@@ -96,7 +159,7 @@ TEST_F(WindowMemory, GivesTheNextWindowTheWidthsThatTheUserChose) {
     EXPECT_TRUE(defaults().objectForKey_(ColumnsKey) == nil);
 }
 
-TEST_F(WindowMemory, LeavesOutWidthsThatAreNone) {
+TEST_F(WindowMemory, LeavesOutInvalidWidths) {
     int const usual = width(*open(), VersionColumn);
     auto const expectUsual = [&](id const& damaged) {
         defaults().setObject_forKey_(damaged, ColumnsKey);

@@ -43,7 +43,7 @@ NSInteger answerTo(NSAlert const& alert, std::function<void()> const& person) {
     QTimer::singleShot(0, [&] {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&shownAlert()));
         person();
-        // Where the person failed the test goes on.
+        // Ends a dialog that was not answered, so that the test does not hang.
         if (QDialog* const left = qobject_cast<QDialog*>(QApplication::activeModalWidget())) left->done(0);
     });
     return alert.runModal();

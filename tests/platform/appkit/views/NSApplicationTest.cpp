@@ -51,7 +51,7 @@ TEST_F(NSApplicationDeathTest, EndsWithALineWhenNoDisplayIsSet) {
         testing::ExitedWithCode(1), "^Cannot open a window: there is no display.*\n$");
 }
 
-TEST_F(NSApplicationDeathTest, EndsWithALineWhenNobodyIsAtTheDisplay) {
+TEST_F(NSApplicationDeathTest, EndsWithALineIfNoServerAnswersAtTheDisplay) {
     EXPECT_EXIT(
         {
             unsetDisplays();
@@ -223,7 +223,7 @@ TEST(NSApplication, EndsAfterTheLastWindowWhenTheDelegateSaysSo) {
     EXPECT_FALSE(window.file().window().isVisible());
 }
 
-TEST(NSApplication, GoesOnAfterTheLastWindowWhenTheDelegateSaysNo) {
+TEST(NSApplication, ContinuesAfterTheLastWindowIfTheDelegateSaysNo) {
     LoadedWindow const window;
     Delegate const delegate = adopt<Delegate>();
     NSApplication const application = NSApplication::sharedApplication();

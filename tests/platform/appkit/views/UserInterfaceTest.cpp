@@ -230,7 +230,7 @@ TEST(UserInterface, ADialogThatEndsWithTheProgramIsNotAnswered) {
 
 ListRequest listRequest() { return {.text = u"which", .items = {u"a", u"b", u"c"}, .acceptButton = u"Go"}; }
 
-TEST(UserInterface, AListAnswersWhatIsChosen) {
+TEST(UserInterface, AListAnswersTheChosenItems) {
     ListRequest asked = listRequest();
     asked.allowsSeveral = true;
     asked.chosen = {2};

@@ -42,7 +42,7 @@ TEST(ColorArchive, OfTheFirstVersionIsRead) {
         unarchived(bytes(FirstVersion)).isEqual_(NSColor::colorWithCalibratedRed_green_blue_alpha_(1, 0.5, 0, 0.5)));
 }
 
-TEST(ColorArchive, ThatContradictsItselfIsNone) {
+TEST(ColorArchive, ThatContradictsItselfIsRefused) {
     for (std::string const& text :
          {firstVersionWith("<integer>1<", "<integer>2<"), firstVersionWith("<integer>1<", "<real>1.5<"),
           firstVersionWith("<string>NSArchiver", "<string>NSKeyedArchiver"),
@@ -63,7 +63,7 @@ TEST(ColorArchive, TakesComponentsOutsideForTheNearerEnd) {
     EXPECT_EQ(color.greenComponent(), 1);
 }
 
-TEST(ColorArchive, ThatIsCutIsNone) {
+TEST(ColorArchive, ThatIsTruncatedIsRefused) {
     NSData const archive = NSArchiver::archivedDataWithRootObject_(NSColor::blackColor());
     for (NSUInteger length = 0; length < archive.length(); ++length)
         EXPECT_TRUE(unarchived(archive.subdataWithRange_({0, length})) == nil) << length;

@@ -78,7 +78,7 @@ TEST(NSImage, IsWrittenAsPNGAndComesBack) {
     EXPECT_TRUE(NSBitmapImageRep::imageRepWithData_(png).isKindOfClass_(classOf<NSImageRep>()));
 }
 
-TEST(NSImage, IsNoneOfWhatIsNoImage) {
+TEST(NSImage, IsNilForOtherFilesThanImages) {
     TemporaryFolder const folder;
     for (NSData const& data : {NSData(), NSData::data(), bytes("text"), bytes(iconFamily(""))}) {
         EXPECT_TRUE(NSImage::alloc().initWithData_(data) == nil);
@@ -102,7 +102,7 @@ TEST(NSImage, IsDrawnIntoWhileItHasTheFocus) {
     ASSERT_EQ(image.representations().count(), 1U);
     EXPECT_EQ(firstForm(image).colorAtX_y_(0, 3).redComponent(), 1);
     EXPECT_EQ(firstForm(image).colorAtX_y_(3, 0).alphaComponent(), 0);
-    // What it shows stays below what is drawn next.
+    // The image's former picture stays below what is drawn next.
     image.lockFocus();
     EXPECT_TRUE(formOf(2, 0xFF0000FF).drawInRect_(NSMakeRect(2, 2, 2, 2)));
     image.unlockFocus();

@@ -54,7 +54,7 @@ TEST_F(Workspace, SelectsAndOpensInTheFileBrowser) {
     EXPECT_EQ(m_desktop.lastLine(), "ShowFolders file://" + m_desktop.folder.path("folder"));
 }
 
-TEST_F(Workspace, FailsForWhatIsNotThere) {
+TEST_F(Workspace, FailsForMissingItems) {
     m_desktop.install(m_desktop.fake("open") + " %U");
     NSWorkspace const workspace = NSWorkspace::sharedWorkspace();
     for (NSString const& missing :

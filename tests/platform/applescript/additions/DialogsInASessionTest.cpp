@@ -65,7 +65,7 @@ TEST_F(DialogsInASession, AColorIsChosen) {
     EXPECT_EQ(script->readLine(), "{65535, 0, 257}");
 }
 
-// An event loop is made first, for what the Finder is told.
+// Addressing the Finder makes an event loop, which the dialog finds.
 TEST_F(DialogsInASession, ADialogComesAfterWordsToTheFinder) {
     auto const script = run("tell application \"Finder\" to running\ndisplay dialog \"Go on?\" buttons {\"Yes\"}");
     if (!answer(*script, "click", "Yes")) return;

@@ -133,7 +133,7 @@ TEST(Interaction, AsksBeforeAScriptReplacesAFile) {
     EXPECT_EQ(person.dialog.text, u"");
 }
 
-TEST(Interaction, ADialogThatNobodyAnsweredIsCanceled) {
+TEST(Interaction, AnUnansweredDialogIsCanceled) {
     Person person;
     person.answer = {};
     for (std::u16string_view const source :

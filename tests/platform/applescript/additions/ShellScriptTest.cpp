@@ -77,7 +77,7 @@ TEST(ShellScript, TellsThatNothingAsksForPrivileges) {
               "A privilege violation occurred. (-10004)");
 }
 
-TEST(ShellScript, AsksNobodyAsRoot) {
+TEST(ShellScript, AsksForNoRightsAsRoot) {
     if (::geteuid() != 0) GTEST_SKIP() << "only root needs nobody's permission";
     TemporaryFolder const folder;
     EnvironmentVariable const path("PATH", folder.path());
@@ -105,7 +105,7 @@ TEST(ShellScript, RunsALongCommandWithPrivileges) {
     EXPECT_EQ(textOrErrorOf(longScript(u"printf 'a b'; cat", BeyondOneArgument) + privileged), "a b");
     EXPECT_EQ(textOrErrorOf(longScript(u"exit 3", BeyondOneArgument) + privileged),
               "The command exited with a non-zero status. (3)");
-    // As in a short one, no words and no variables are left of how it came.
+    // As with a short script, the shell sees no arguments or variables by which the script was handed over.
     EXPECT_EQ(textOrErrorOf(longScript(u"echo $0 $# $command$piece", BeyondOneArgument) + privileged), "/bin/sh 0");
 }
 

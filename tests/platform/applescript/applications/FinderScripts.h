@@ -12,7 +12,7 @@ namespace mac::applescript::test {
 using mac::test::isThere;
 using mac::test::textOf;
 
-// As a script's text holds it.
+// The path as a string literal of a script has it.
 inline std::string escaped(std::string const& path) {
     std::string text;
     for (char const character : path) {

@@ -81,7 +81,7 @@ std::int32_t runErrorNumber(std::u16string_view source) {
     return outcome.error ? outcome.error->number : 0;
 }
 
-// What a property starts with is no local of the handlers.
+// The initial value of a property does not see the locals of handlers.
 TEST(ScriptEngine, APropertyThatStartsWithALocalIsNotDefined) {
     EXPECT_EQ(runErrorNumber(u"local y\nproperty p : y\non run\nend run"), errors::VariableNotDefined);
     EXPECT_EQ(runErrorNumber(u"local a, b, c\nproperty p : {a, b, c}\non run x\nend run"), errors::VariableNotDefined);

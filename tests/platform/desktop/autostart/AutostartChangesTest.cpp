@@ -166,7 +166,7 @@ TEST_F(AutostartChanges, ALinkInPlaceOfTheSystemsIsRemovedWithoutShowingThat) {
     EXPECT_EQ(std::filesystem::read_symlink(pathOfUser("a.desktop")), file);
 }
 
-// It may start a program that only the user's entry prevents.
+// The unreadable entry may start a program that only the user's entry prevents.
 TEST_F(AutostartChanges, AnEntryInPlaceOfOneThatCannotBeReadStays) {
     addOfUser("a.desktop", entry("/bin/user"));
     m_folder.makeFolder("system/autostart");

@@ -162,7 +162,7 @@ TEST_F(AutostartOracle, XfceStartsTheRightProgramsAndAsksBeforeItLogsOut) {
     ChildProcess const running(endingWithThisProcess({manager, "--disable-tcp"}, "TERM"));
     expectAllStarted();
     ASSERT_TRUE(waitUntil([] { return !obstacleToLoggingOut(); }));
-    // It refuses until it has started everything.
+    // The session manager refuses until it has started everything.
     EXPECT_TRUE(waitUntil([] { return askToLogOut().isDone(); }));
     // The question, beside the window that each program has without showing it.
     EXPECT_TRUE(waitUntil([] { return windowsNamed("xfce4-session") >= 2; }))

@@ -1,10 +1,9 @@
+#include "tests/platform/desktop/FakeService.h"
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QTimer>
 #include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <unistd.h>
@@ -23,18 +22,9 @@ namespace {
 constexpr char Name[] = "org.freedesktop.FileManager1";
 constexpr char Path[] = "/org/freedesktop/FileManager1";
 
-class FakeFileBrowser : public QDBusVirtualObject {
+class FakeFileBrowser : public mac::test::FakeService {
 public:
-    FakeFileBrowser(std::string mode, std::string log) : m_mode(std::move(mode)), m_log(std::move(log)) {}
-
-    void write(std::string const& line) const {
-        int const file = ::open(m_log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-        std::string const bytes = line + "\n";
-        if (::write(file, bytes.data(), bytes.size()) < 0) std::abort();
-        ::close(file);
-    }
-
-    QString introspect(QString const&) const override { return {}; }
+    using FakeService::FakeService;
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         if (message.member().compare(QLatin1String("quit"), Qt::CaseInsensitive) == 0) {
@@ -47,14 +37,10 @@ public:
             line += " " + uri.toStdString();
         write(line);
         bool const isInformation = message.member() == QLatin1String("ShowItemProperties");
-        if (m_mode == "silent" || (m_mode == "dolphin" && isInformation)) return true;
-        if (m_mode != "refuse") return connection.send(message.createReply());
+        if (mode() == "silent" || (mode() == "dolphin" && isInformation)) return true;
+        if (mode() != "refuse") return connection.send(message.createReply());
         return connection.send(message.createErrorReply("org.example.Error", "It has no hands"));
     }
-
-private:
-    std::string m_mode;
-    std::string m_log;
 };
 
 } // namespace

@@ -29,7 +29,7 @@ protected:
     std::string command(std::string const& name, std::string const& mode) {
         return program(name) + " " + mode + " " + m_desktop.log();
     }
-    // As the program writes down its arguments: the log's path is not among them.
+    // Makes a browser that logs its arguments as FakeFileBrowser.cpp does, without the log's path.
     void makeScript(std::string const& name) {
         std::string const path = m_desktop.folder.makeFile(
             "bin/" + name, "#!/bin/sh\necho \"$*\" >>'" + m_desktop.log() + "'\n[ \"$1\" = stay ] && read -r line\n");

@@ -17,7 +17,7 @@ protected:
                           "[Desktop Entry]\nName=Files\nExec=" + command + " %U\nType=Application\n");
         m_folder.makeFile("config/mimeapps.list", "[Default Applications]\ninode/directory=browser.desktop\n");
     }
-    // Those that a walk finds in the role.
+    // The processes that are the Finder for a walk through the Process Manager.
     static std::vector<ProcessSerialNumber> finders() {
         std::vector<ProcessSerialNumber> found;
         for (ProcessSerialNumber const& psn : everyProcess()) {

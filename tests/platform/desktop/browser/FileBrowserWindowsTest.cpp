@@ -49,7 +49,7 @@ TEST_F(FileBrowserWindows, ShowLinksThemselves) {
     EXPECT_EQ(m_desktop.lastLine(), "ShowItems file://" + link);
 }
 
-TEST_F(FileBrowserWindows, AreNoneOfWhatIsNotThere) {
+TEST_F(FileBrowserWindows, AreNotOpenedForMissingItems) {
     installService("serve");
     EXPECT_EQ(kindOf(m_browser.revealItems({})), DesktopProblem::Kind::NotThere);
     EXPECT_EQ(kindOf(m_browser.revealItems({m_file, m_file + " 2"})), DesktopProblem::Kind::NotThere);
@@ -83,7 +83,7 @@ TEST_F(FileBrowserWindows, NeedADisplay) {
     EXPECT_TRUE(m_desktop.lines().empty());
 }
 
-TEST_F(FileBrowserWindows, AreShownByWhoeverOffersTheService) {
+TEST_F(FileBrowserWindows, AreShownByTheProgramThatOffersTheService) {
     ChildProcess const other({fakeFileBrowser(), "serve", m_desktop.folder.path("other log")});
     ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
     installService("ends");
@@ -97,7 +97,7 @@ TEST_F(FileBrowserWindows, WaitForABrowserThatStartsItselfOnceMore) {
     EXPECT_EQ(m_desktop.lines(), (Lines{"started starts", "started serve", "ShowItems " + m_uri + "/file"}));
 }
 
-TEST_F(FileBrowserWindows, DoNotWaitForEverForABrowserToStart) {
+TEST_F(FileBrowserWindows, WaitABoundedTimeForABrowserToStart) {
     FileBrowserSession const impatient(ShortTimeouts);
     installService("nameless");
     EXPECT_EQ(kindOf(impatient.revealItems({m_file})), DesktopProblem::Kind::NoAnswer);
@@ -105,7 +105,7 @@ TEST_F(FileBrowserWindows, DoNotWaitForEverForABrowserToStart) {
     EXPECT_EQ(kindOf(impatient.revealItems({m_file})), DesktopProblem::Kind::NoAnswer);
 }
 
-TEST_F(FileBrowserWindows, DoNotWaitForEverForAnAnswer) {
+TEST_F(FileBrowserWindows, WaitABoundedTimeForAnAnswer) {
     installService("silent");
     ChildProcess const silent({fakeFileBrowser(), "silent", m_desktop.log()});
     ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));

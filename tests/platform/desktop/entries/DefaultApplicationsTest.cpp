@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-TEST_F(FileBrowserOfADesktop, IsNoneWhereNothingIsInstalled) { EXPECT_EQ(found(), ""); }
+TEST_F(FileBrowserOfADesktop, IsMissingIfNoneIsInstalled) { EXPECT_EQ(found(), ""); }
 
 TEST_F(FileBrowserOfADesktop, IsWhatTheUserChose) {
     makeEntry("system/applications/thunar.desktop", "thunar");

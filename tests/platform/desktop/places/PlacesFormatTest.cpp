@@ -145,7 +145,7 @@ TEST(XBELPlaces, AreAddedAtTheEnd) {
     EXPECT_EQ(withNew(XBELFormat, "<xbel/>", "file:///a", ""), "!the entry cannot be put back");
 }
 
-TEST(XBELPlaces, AreNotReadFromWhatIsNoListOfThem) {
+TEST(XBELPlaces, AreNotReadFromOtherDocuments) {
     std::string const withNUL = document(std::string("a\0b", 3));
     std::vector<std::string> const texts{"",
                                          "<xbel>",

@@ -1,9 +1,8 @@
+#include "tests/platform/desktop/FakeService.h"
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QTimer>
-#include <fcntl.h>
 #include <string>
 #include <unistd.h>
 
@@ -12,18 +11,9 @@
 
 namespace {
 
-class FakeSessionManager : public QDBusVirtualObject {
+class FakeSessionManager : public mac::test::FakeService {
 public:
-    FakeSessionManager(std::string mode, std::string log) : m_mode(std::move(mode)), m_log(std::move(log)) {}
-
-    void write(std::string const& line) const {
-        int const file = ::open(m_log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-        std::string const bytes = line + "\n";
-        if (::write(file, bytes.data(), bytes.size()) < 0) std::abort();
-        ::close(file);
-    }
-
-    QString introspect(QString const&) const override { return {}; }
+    using FakeService::FakeService;
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         std::string line = message.interface().toStdString() + "." + message.member().toStdString() + "(" +
@@ -31,14 +21,10 @@ public:
         for (QVariant const& argument : message.arguments())
             line += " " + argument.toString().toStdString();
         write(line);
-        if (m_mode == "silent") return true;
-        if (m_mode == "refuse") return connection.send(message.createErrorReply("org.example.Error", "It is locked"));
+        if (mode() == "silent") return true;
+        if (mode() == "refuse") return connection.send(message.createErrorReply("org.example.Error", "It is locked"));
         return connection.send(message.createReply());
     }
-
-private:
-    std::string m_mode;
-    std::string m_log;
 };
 
 } // namespace

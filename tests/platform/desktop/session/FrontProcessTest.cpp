@@ -101,7 +101,7 @@ TEST_F(FrontProcess, IsThatOfTheActiveWindow) {
     EXPECT_EQ(m_front, numberOf(::getpid()));
 }
 
-TEST_F(FrontProcess, IsNoneWhereNobodyTells) {
+TEST_F(FrontProcess, IsUnknownIfNobodyAnswers) {
     EXPECT_EQ(GetFrontProcess(&m_front), procNotFound) << "there is no window manager";
     activate(XCB_WINDOW_NONE);
     EXPECT_EQ(GetFrontProcess(&m_front), procNotFound) << "no window is active";
@@ -115,7 +115,7 @@ TEST_F(FrontProcess, IsNoneWhereNobodyTells) {
     EXPECT_EQ(GetFrontProcess(&m_front), procNotFound);
 }
 
-TEST_F(FrontProcess, IsNoneWithoutADisplay) {
+TEST_F(FrontProcess, IsUnknownWithoutADisplay) {
     EnvironmentVariable const none("DISPLAY", ":65000");
     EXPECT_EQ(GetFrontProcess(&m_front), procNotFound);
     ProcessSerialNumber const current{0, kCurrentProcess};

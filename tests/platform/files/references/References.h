@@ -11,9 +11,16 @@ inline std::string pathOf(FSRef const& reference) {
     return item.hasValue() ? item.value().path : "-";
 }
 
-// All zero if there is no item.
+// A reference to the item; all zero if there is none.
 inline FSRef referenceTo(std::string const& path, LinkAtEnd link = LinkAtEnd::IsFollowed) {
     return referenceToPath(path, link).valueOr(FSRef{});
+}
+
+// A reference that refers to no item.
+inline FSRef filledReference() {
+    FSRef reference{};
+    reference.hidden.fill(0xA5);
+    return reference;
 }
 
 } // namespace mac::test

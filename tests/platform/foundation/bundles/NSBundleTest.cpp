@@ -32,7 +32,7 @@ void makeOld(std::string const& file) {
     ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
 }
 
-// What is logged while the object lives.
+// Collects what is logged during the object's life.
 class Log {
 public:
     std::vector<std::string> const& lines() const { return m_lines; }
@@ -165,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "Binary parser error: An object is larger than the file, at offset 8"},
         BadFile{"too large", std::string((std::size_t{4} << 20) + 1, ' '), "It is too large"}));
 
-TEST(NSBundle, NeitherOpensNorWaitsForWhatIsNoRegularFile) {
+TEST(NSBundle, NeitherOpensNorWaitsForSpecialFiles) {
     TemporaryFolder const folder;
     folder.makeFolder("Pipe.app/Contents");
     ASSERT_EQ(::mkfifo(folder.path("Pipe.app/Contents/Info.plist").c_str(), 0600), 0);

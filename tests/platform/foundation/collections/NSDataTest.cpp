@@ -115,7 +115,7 @@ TEST(NSMutableData, TakesNilForNoBytes) {
     EXPECT_EQ("ab", bytesOf(data));
 }
 
-TEST(NSMutableData, RaisesForLengthsThatAreNone) {
+TEST(NSMutableData, RaisesForInvalidLengths) {
     NSMutableData const data = NSMutableData::data();
     EXPECT_THROW(data.appendBytes_length_(nullptr, 1), NSInvalidArgumentException);
     EXPECT_THROW(data.setLength_(0xFFFFFFFF), NSInvalidArgumentException);
@@ -236,7 +236,7 @@ TEST_P(NSDataWriting, FailsForLinksInACircle) {
     EXPECT_FALSE(write("new", m_folder.path("a")));
 }
 
-TEST(NSDataFiles, KeepTheOldContentsForWhoeverHasThemOpen) {
+TEST(NSDataFiles, KeepTheOldContentsForReadersThatHaveThemOpen) {
     TemporaryFolder const folder;
     std::string const path = folder.makeFile("a", "old");
     std::ifstream reader(path, std::ios::binary);

@@ -121,7 +121,7 @@ TEST(NSFileAttributes, TellTheTypes) {
     EXPECT_FALSE(attributes("/dev/null").objectForKey_(NSFileDeviceIdentifier) == nil);
 }
 
-TEST(NSFileAttributes, OfNothingAreNil) {
+TEST(NSFileAttributes, OfAMissingItemAreNil) {
     TemporaryFolder const folder;
     EXPECT_TRUE(attributes(folder.path("none")) == nil);
     EXPECT_TRUE(attributes("") == nil);
@@ -165,7 +165,7 @@ TEST(NSFileAttributes, AreChanged) {
     EXPECT_EQ(attributes(file).filePosixPermissions(), 0601U);
 }
 
-TEST(NSFileAttributes, OfAccountsThatNobodyHasAreNotChanged) {
+TEST(NSFileAttributes, OfUnknownAccountsAreNotChanged) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     NSDictionary const owner =

@@ -89,7 +89,7 @@ TEST(NSNumberFormatter, PrintsWholeNumbersWithoutAFormat) {
     EXPECT_EQ(text(plain.stringFromNumber_(NSNumber::numberWithBool_(YES))), "1");
 }
 
-TEST(NSNumberFormatter, HasSymbolsForWhatIsNoNumber) {
+TEST(NSNumberFormatter, HasSymbolsForNotANumber) {
     NSNumberFormatter const plain = formatter("0.0");
     EXPECT_EQ(text(plain.stringFromNumber_(nil)), "");
     EXPECT_EQ(formatted("0.0", std::nan("")), "NaN");

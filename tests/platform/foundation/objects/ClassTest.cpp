@@ -45,7 +45,7 @@ public:
         return {
             .name = "Derived", .superclass = classOf<Base>(), .makeBody = &makeEmptyBody<Derived>, .initialize = [] {
                 s_initialized.emplace_back("Derived");
-                // Of its own class, while it is being initialised.
+                // Makes an object of the class while the class is being initialised.
                 EXPECT_TRUE(alloc() != nil);
             }};
     }
@@ -104,7 +104,7 @@ TEST(Class, IsFoundByNameForEachOfTheFramework) {
     }
 }
 
-TEST(Class, IsNilForANameThatNobodyHas) {
+TEST(Class, IsNilForAnUnknownName) {
     EXPECT_TRUE(NSClassFromString("NSNoSuchThing") == nil);
     EXPECT_TRUE(NSClassFromString("nsarray") == nil);
     EXPECT_TRUE(NSClassFromString("") == nil);

@@ -196,7 +196,7 @@ TEST(MutableArrayValueForKey, StartsWithoutAnArray) {
     EXPECT_EQ(namesOn(shelf), "a");
 }
 
-TEST(MutableArrayValueForKey, OfWhatIsNoArrayRaisesOnUse) {
+TEST(MutableArrayValueForKey, OfAnotherObjectThanAnArrayRaisesOnUse) {
     NSMutableDictionary const shelf = NSMutableDictionary::dictionary();
     shelf.setObject_forKey_("text", "names");
     NSMutableArray const names = shelf.mutableArrayValueForKey_("names");
@@ -217,7 +217,7 @@ TEST(MutableArrayValueForKey, KeepsItsObjectAlive) {
     EXPECT_EQ(joined(names), "a b");
 }
 
-TEST(MutableArrayValueForKey, OfNilOrWithoutKeyIsNone) {
+TEST(MutableArrayValueForKey, OfNilOrWithoutKeyIsNil) {
     EXPECT_TRUE(id().mutableArrayValueForKey_("names") == nil);
     EXPECT_TRUE(id().mutableArrayValueForKeyPath_("a.names") == nil);
     EXPECT_TRUE(NSMutableDictionary::dictionary().mutableArrayValueForKeyPath_("a.names") == nil);

@@ -174,7 +174,7 @@ TEST(KeyValueCoding, MissingValuesCountAsZeroInAnAverageAndAsNothingElsewhere) {
     EXPECT_EQ(text(array.valueForKeyPath_("@min.size")), "4");
 }
 
-TEST(KeyValueCoding, AnOperatorThatIsNoneRaises) {
+TEST(KeyValueCoding, AnUnknownOperatorRaises) {
     NSArray const array = parcels({"a"});
     EXPECT_THROW(array.valueForKeyPath_("@median.weight"), NSUndefinedKeyException);
     EXPECT_THROW(array.valueForKey_("@median"), NSUndefinedKeyException);

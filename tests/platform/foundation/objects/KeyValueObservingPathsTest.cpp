@@ -141,7 +141,7 @@ TEST(KeyValueObserving, TellsOfEachWayToChangeADictionary) {
     }
 }
 
-TEST(KeyValueObserving, TellsNobodyOfADictionarysDottedKey) {
+TEST(KeyValueObserving, ADottedKeyOfADictionaryNotifiesNoObserver) {
     NSMutableDictionary const dictionary = NSMutableDictionary::dictionary();
     NSMutableDictionary const inner = NSMutableDictionary::dictionary();
     dictionary.setObject_forKey_(inner, "a");

@@ -86,7 +86,7 @@ TEST(KeyValueObserving, AnObserverMayDropTheObserved) {
     EXPECT_TRUE(parcel == nil);
 }
 
-TEST(KeyValueObserving, AnObserverThatRaisesKeepsNobodyElseFromBeingTold) {
+TEST(KeyValueObserving, AnObserverThatRaisesDoesNotStopTheOthers) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const first = Recorder::recorder();
     Recorder const second = Recorder::recorder();
@@ -147,7 +147,7 @@ TEST(KeyValueObserving, ARaisingObserverIsToldOfTheEndThatIsSaidByHand) {
     EXPECT_EQ(recorder.count(), 2U);
 }
 
-TEST(KeyValueObserving, TellsNobodyOfASetterThatRaises) {
+TEST(KeyValueObserving, ASetterThatRaisesNotifiesNoObserver) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const recorder = Recorder::recorder();
     recorder.observe(parcel, "name", New | Old);

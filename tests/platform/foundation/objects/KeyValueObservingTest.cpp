@@ -173,7 +173,7 @@ TEST(KeyValueObserving, OfNilDoesNothing) {
     EXPECT_EQ(recorder.count(), 0U);
 }
 
-TEST(KeyValueObserving, WithoutObserverOrPathIsNone) {
+TEST(KeyValueObserving, WithoutObserverOrPathDoesNothing) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     parcel.addObserver_forKeyPath_options_context_(nil, "name", New | Initial, nullptr);
     EXPECT_THROW(Recorder::recorder().observe(parcel, nil), NSInvalidArgumentException);
@@ -260,7 +260,7 @@ TEST(KeyValueObserving, EndsWhenTheObservedGoesAndItsPathsStay) {
     EXPECT_EQ(recorder.count(), 0U);
 }
 
-TEST(KeyValueObserving, WillWithoutDidTellsNobody) {
+TEST(KeyValueObserving, WillWithoutDidNotifiesNoObserver) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const recorder = Recorder::recorder();
     recorder.observe(parcel, "name");
@@ -270,7 +270,7 @@ TEST(KeyValueObserving, WillWithoutDidTellsNobody) {
     EXPECT_EQ(recorder.count(), 1U);
 }
 
-TEST(KeyValueObserving, DidWithoutWillTellsNobody) {
+TEST(KeyValueObserving, DidWithoutWillNotifiesNoObserver) {
     Parcel const parcel = Parcel::parcelWithName_("a");
     Recorder const recorder = Recorder::recorder();
     recorder.observe(parcel, "name");

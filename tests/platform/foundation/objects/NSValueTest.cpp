@@ -60,7 +60,7 @@ TEST(Message, CarriesPointersAndRecordsInValues) {
     EXPECT_EQ(as<NSNumber>(parcel.performSelector_withObject_("heightOf:", there)).intValue(), 9);
 }
 
-TEST(Message, GivesANullPointerForWhatIsNone) {
+TEST(Message, GivesANullPointerForAMissingPart) {
     Parcel const parcel = Parcel::parcelWithName_("Ida");
     Method const rows[]{method<&readWidth>("readWidth:to:"), method<&heightOf>("heightOf:")};
     classOf<Parcel>().addMethods(rows);

@@ -101,7 +101,7 @@ public:
     };
     std::vector<Notification> const& told() const;
     std::size_t count() const { return told().size(); }
-    // The change told last, under the key; as its description, "-" where there is none.
+    // The last change's value for the key, as its description; "-" if there is none.
     std::string last(NSString const& key) const;
     void observe(id const& object, NSString const& keyPath, NSUInteger options = 0, void* context = nullptr) const;
     // Called at each notification, after it was kept.

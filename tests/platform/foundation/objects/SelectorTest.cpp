@@ -15,7 +15,7 @@ TEST(Selector, OfEqualNamesAreOne) {
     EXPECT_EQ(first.name(), "compare:");
 }
 
-TEST(Selector, WithoutNameIsNone) {
+TEST(Selector, WithoutNameIsNull) {
     EXPECT_FALSE(static_cast<bool>(SEL()));
     EXPECT_FALSE(static_cast<bool>(SEL("")));
     EXPECT_TRUE(SEL("") == SEL());

@@ -35,14 +35,14 @@ TEST(JSONObject, HoldsWhole64BitNumbers) {
     EXPECT_EQ(read.value().integer("c"), std::numeric_limits<std::int64_t>::min());
 }
 
-TEST(JSONObject, RefusesWhatIsNoDocument) {
+TEST(JSONObject, RefusesTextsThatAreNoDocuments) {
     for (std::string const& text : {std::string(), std::string("{"), std::string("[]"), std::string("null"),
                                     std::string("{} {}"), std::string("{\"a\": \"\xff\"}"), std::string("{\"a\": 01}")})
         EXPECT_FALSE(JSONObject::read(text).hasValue()) << text;
     EXPECT_NE(JSONObject::read("{\"a\": }").problem().reason.find("at byte "), std::string::npos);
 }
 
-TEST(JSONObject, RefusesWhatIsNestedDeeperThanItReads) {
+TEST(JSONObject, RefusesDeeperNestingThanItReads) {
     auto const nested = [](std::size_t depth) {
         return "{\"a\": " + std::string(depth, '[') + std::string(depth, ']') + "}";
     };

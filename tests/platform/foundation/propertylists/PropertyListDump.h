@@ -15,7 +15,7 @@ enum class CarriedBy { Binary, XML };
 // ASCII as \uXXXX.
 std::string dump(id const& propertyList, CarriedBy form = CarriedBy::Binary);
 
-// What came of reading some bytes as a property list.
+// The outcome of reading bytes as a property list.
 struct Reading {
     id list;
     NSPropertyListFormat format{};
@@ -23,7 +23,7 @@ struct Reading {
 };
 Reading readList(std::string_view bytes, NSPropertyListMutabilityOptions option = NSPropertyListImmutable);
 
-// What came of writing a list: bytes, or an error.
+// The outcome of writing a list: bytes, or an error.
 struct Writing {
     std::string bytes;
     std::string error;

@@ -220,7 +220,7 @@ TEST(PropertyListWriting, BinaryRefusesADateThatIsNoNumber) {
     EXPECT_EQ(writeList(date, NSPropertyListBinaryFormat_v1_0).error, "A date is no number");
 }
 
-TEST(PropertyListWriting, RefusesWhatIsNoPropertyList) {
+TEST(PropertyListWriting, RefusesObjectsThatAreNoPropertyLists) {
     struct {
         id list;
         char const* expected;

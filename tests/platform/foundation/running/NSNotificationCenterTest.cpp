@@ -46,7 +46,7 @@ protected:
     id m_sender = NSObject::alloc();
 };
 
-TEST_F(NotificationCenter, TellsWhoeverAskedForTheNameAndTheObject) {
+TEST_F(NotificationCenter, DeliversToObserversOfTheNameAndTheObject) {
     m_center.addObserver_selector_name_object_(m_listener, "hear:", "a", m_sender);
     m_center.postNotificationName_object_("a", m_sender);
     m_center.postNotificationName_object_("b", m_sender);

@@ -166,7 +166,7 @@ TEST_F(NotificationQueue, RemovesWhatWaitsAlsoWhenItPostsNow) {
     EXPECT_EQ(heardInAll(), "a ");
 }
 
-TEST_F(NotificationQueue, ForgetsWhatIsTakenOut) {
+TEST_F(NotificationQueue, ForgetsDequeuedNotifications) {
     enqueue("a");
     enqueue("b", NSPostWhenIdle);
     enqueue("c");
@@ -234,7 +234,7 @@ TEST_F(NotificationQueue, KeepsTheSenderUntilItHasPosted) {
     EXPECT_TRUE(weak.load() == nil);
 }
 
-TEST_F(NotificationQueue, GoesOnWhenAnObserverRaises) {
+TEST_F(NotificationQueue, ContinuesWhenAnObserverRaises) {
     std::vector<std::string> lines;
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
     m_center.addObserver_selector_name_object_(m_listener, "raise:", "bad", m_sender);

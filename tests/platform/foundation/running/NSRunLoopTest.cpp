@@ -37,7 +37,7 @@ TEST(RunLoop, CallsWhatOtherThreadsWantOnTheMainThread) {
     EXPECT_EQ(std::count(ran.begin(), ran.end(), mainThread), 400);
 }
 
-TEST(RunLoop, GoesOnWhenAFunctionRaises) {
+TEST(RunLoop, ContinuesWhenAFunctionRaises) {
     std::vector<std::string> lines;
     LogListener const listener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
     bool isReached = false;

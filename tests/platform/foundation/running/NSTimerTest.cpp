@@ -78,7 +78,7 @@ TEST(Timer, IsKeptByTheRunLoopWhileItIsValid) {
     EXPECT_TRUE(runUntil([&] { return clock.ticks() == 1; }));
 }
 
-TEST(Timer, FiredByHandSendsItsMessage) {
+TEST(Timer, FireSendsItsMessage) {
     Clock const clock = adopt<Clock>();
     NSTimer const timer = timerOf(clock, YES);
     timer.fire();

@@ -152,7 +152,7 @@ TEST(Format, TakesWidthAndPrecisionFromArguments) {
     EXPECT_EQ("   42", formatted("%*d", NSNumber::numberWithInt_(5), 42));
 }
 
-TEST(Format, PrintsNullForWhatIsMissing) {
+TEST(Format, PrintsNullForMissingArguments) {
     EXPECT_EQ("(null) (null) (null)", formatted("%@ %d %s"));
     EXPECT_EQ("1 (null)", formatted("%d %f", 1));
     EXPECT_EQ("(null)", formatted("%*.*f"));

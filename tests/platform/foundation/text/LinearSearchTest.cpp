@@ -87,7 +87,7 @@ TEST(LinearSearch, ComparesInProportionToTheText) {
     }
 }
 
-TEST(UnitSearch, GoesOnBehindEachPlace) {
+TEST(UnitSearch, ContinuesBehindEachMatch) {
     for (std::u16string_view const sought : {u"aba", u"ababababa"}) {
         std::u16string text;
         for (int count = 0; count < 3; ++count)

@@ -11,7 +11,7 @@ namespace mac::test {
 
 namespace {
 
-// What tests expect of a part that is not there.
+// The expected text for a missing part.
 std::string const noPart = "(none)";
 
 std::string shown(NSString const& string) { return string == nil ? noPart : string.UTF8String(); }

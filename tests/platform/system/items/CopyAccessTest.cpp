@@ -2,6 +2,7 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/Protection.h"
+#include <sys/xattr.h>
 #include <unistd.h>
 
 // Who may read a copy.
