@@ -1,7 +1,6 @@
 #include "platform/appkit/interface/NSApplicationMain.h"
 #include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/appkit/interface/InterfaceFile.h"
-#include "platform/appkit/interface/LaunchOptions.h"
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSApplication.h"
 #include "platform/foundation/bundles/NSBundle.h"

@@ -1,5 +1,4 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"

@@ -8,7 +8,6 @@
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/events/DescriptorNumber.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/processes/Processes.h"
