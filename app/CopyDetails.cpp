@@ -7,7 +7,7 @@
 #include "platform/foundation/objects/Weak.h"
 #include "platform/foundation/running/BackgroundWork.h"
 #include "platform/foundation/running/Beep.h"
-#include "platform/system/ContentsComparison.h"
+#include "platform/system/FolderContents.h"
 #include "scripting/ProcessesAndFinder.h"
 #include <algorithm>
 #include <memory>

@@ -2,7 +2,7 @@
 #include "app/MembershipSources.h"
 #include "app/Undo.h"
 #include "pathutils/AliasesAndContents.h"
-#include "platform/desktop/session/LogOut.h"
+#include "platform/desktop/session/Session.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"

@@ -6,7 +6,7 @@
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/system/PhysicalPath.h"
+#include "platform/system/LongPath.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <cerrno>
 

@@ -38,15 +38,16 @@ public:
     // otherwise. A script that is compiled already answers YES.
     bool compileAndReturnError_(NSDictionary* errorInfo) const;
 
-    // Compiles where that has not been done, runs, and answers the result: a null descriptor where there is none. Nil
+    // Compiles the script unless it is compiled, runs it and answers the result: a null descriptor for no result. Nil
     // for an error, which `errorInfo`, where it is not null, then tells, and is nil otherwise. Scripts run on the
     // calling thread and block it.
     NSAppleEventDescriptor executeAndReturnError_(NSDictionary* errorInfo) const;
-    // The same for an event. kASAppleScriptSuite and kASSubroutineEvent call the handler that keyASSubroutineName
-    // names, in letters of any case, with the list under keyDirectObject; a handler with labels gets its parameters
-    // from the fields that prepositions name ('from', 'at  ') and from keyASUserRecordFields.
-    // kCoreEventClass and kAEOpenApplication run the script, with a list under keyDirectObject as its arguments. Any
-    // other event goes to the script's handler of that command. -1708 without a handler, and for what is no event.
+    // Has the script handle an event and answers its result. kASAppleScriptSuite and kASSubroutineEvent call the
+    // handler that keyASSubroutineName names, in letters of any case, with the list under keyDirectObject; a handler
+    // with labels gets its parameters from the fields that prepositions name ('from', 'at  ') and from
+    // keyASUserRecordFields. kCoreEventClass and kAEOpenApplication run the script, with a list under keyDirectObject
+    // as its arguments. Any other event goes to the script's handler of that command. -1708 without a handler, and for
+    // what is no event.
     NSAppleEventDescriptor executeAppleEvent_error_(NSAppleEventDescriptor const& event, NSDictionary* errorInfo) const;
 
     // Linux: every run of this script that takes longer ends with -1712; 0, as at first, is no limit. No `try` of the

@@ -20,7 +20,7 @@ inline std::string hexTextOf(std::string_view bytes) {
     return text;
 }
 
-// The way back, from digits in any case; nullopt for other text.
+// The bytes that hexadecimal digits in any case stand for; nullopt for other text.
 inline std::optional<std::string> bytesFromHexText(std::string_view text) {
     auto const valueOf = [](char digit) {
         if (digit >= '0' && digit <= '9') return digit - '0';

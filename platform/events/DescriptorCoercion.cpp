@@ -1,6 +1,5 @@
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/events/DescriptorNumber.h"
 #include "platform/foundation/text/Encodings.h"
 #include <cstring>
 #include <map>

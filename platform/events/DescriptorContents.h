@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/events/AEDataModel.h"
+#include "platform/events/NSAppleEventDescriptor.h"
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -73,5 +74,17 @@ bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc value, bool isAttribute = 
 // Puts an item in place of the one at the index counted from 1; at the end for 0 and for one past the last. False for
 // anything else.
 bool putItem(AEDesc& desc, std::int32_t index, AEDesc value);
+
+class NSAppleEventDescriptor::Body : public ObjectBody {
+public:
+    Body() = default;
+    explicit Body(AEDesc newDesc) : desc(std::move(newDesc)) {}
+
+    // As the system's tools print it: <NSAppleEventDescriptor: 'utxt'("x")>.
+    NSString description() const override;
+    id copy() const override { return adopt<NSAppleEventDescriptor>(desc); }
+
+    AEDesc desc;
+};
 
 } // namespace mac

@@ -1,7 +1,7 @@
 #include "platform/events/EventDispatch.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/EventTransport.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <array>
 #include <map>
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/events/AEDataModel.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/events/EventQueue.h"
 #include "platform/system/processes/ProcessList.h"
@@ -41,5 +42,16 @@ using EventStandIn = std::optional<AppleEvent> (*)(AppleEvent const& event, Proc
 // wanted, the error number in its reply is the status of the sending, so that noErr means that the event was carried
 // out; nothing ends the wait then. Any thread.
 void setEventStandIn(EventStandIn standIn);
+
+// Where an event goes; for implementations.
+struct EventTarget {
+    // Of the running process that is meant.
+    ProcessIdentity process;
+    bool isThisProcess{false};
+};
+
+// The running process that an address descriptor names; nothing where there is none, or no such type of address. Main
+// thread for addresses by identifier or signature.
+std::optional<EventTarget> targetOfAddress(AEDesc const& address);
 
 } // namespace mac

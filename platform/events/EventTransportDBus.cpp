@@ -4,7 +4,6 @@
 #include "platform/events/EventDispatch.h"
 #include "platform/events/EventTransport.h"
 #include "platform/events/FlatDescriptor.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include <QCoreApplication>

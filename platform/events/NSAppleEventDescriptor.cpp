@@ -1,6 +1,6 @@
 #include "platform/events/NSAppleEventDescriptor.h"
-#include "platform/events/AppleEventDescriptorBody.h"
 #include "platform/events/DescriptorCoercion.h"
+#include "platform/events/DescriptorContents.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/objects/Method.h"
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "platform/events/AppleEventDescriptorBody.h"
+#include "platform/events/DescriptorContents.h"
 
 // What lists, records and events hold.
 

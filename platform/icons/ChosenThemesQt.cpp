@@ -10,7 +10,7 @@ namespace mac {
 
 namespace {
 
-// Where desktops keep the name of the theme.
+// The settings in which desktops keep the name of the theme.
 struct ThemeSetting {
     char const* file;
     char const* group;

@@ -40,7 +40,7 @@ inline constexpr OSErr invalidIconFamilyErr = -2583;
 
 // The selected pieces of the icon. noIconDataAvailableErr for an icon without data, such as one of the icon theme.
 OSErr IconRefToIconFamily(IconRef iconRef, IconSelectorValue whichIcons, IconFamilyHandle* iconFamily);
-// Both ways with copies of the selected pieces. A piece without bytes stays one.
+// Converts both ways with copies of the selected pieces. A piece without bytes is kept.
 OSErr IconFamilyToIconSuite(IconFamilyHandle iconFamily, IconSelectorValue whichIcons, IconSuiteRef* iconSuite);
 OSErr IconSuiteToIconFamily(IconSuiteRef iconSuite, IconSelectorValue whichIcons, IconFamilyHandle* iconFamily);
 

@@ -21,7 +21,7 @@ struct IconPart {
 std::optional<std::vector<IconPart>> partsOfIcon(IconRef iconRef);
 
 // For implementations: of the contents of a file of type 'icns'; nothing for what contradicts itself. Of pieces of one
-// type the first counts; the table of contents is none.
+// type the first counts; the table of contents is not a piece.
 std::optional<std::vector<IconPart>> readIconFamily(std::span<std::byte const> bytes);
 // For implementations: the contents of a file of type 'icns' with these pieces. REQUIRES: all are together below 4 GiB.
 std::vector<std::byte> contentsOfIconFamily(std::span<IconPart const> parts);

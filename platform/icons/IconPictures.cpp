@@ -14,11 +14,11 @@ enum class Form {
     File,
     // Red, green and blue one behind the other, packed; 0xXXRRGGBB if the piece has just that length.
     Packed,
-    // Likewise with opacity first, behind the letters ARGB.
+    // Opacity, red, green and blue one behind the other, packed, behind the letters ARGB.
     PackedWithOpacity,
     EightBits,
     FourBits,
-    // One bit a pixel, and as many of a mask behind them.
+    // One bit for each pixel, then one bit for each pixel of a mask.
     OneBit,
 };
 
@@ -79,8 +79,8 @@ PieceBytes bytesOfType(std::vector<IconPart> const& parts, OSType type) {
     return part == parts.end() ? PieceBytes() : PieceBytes(part->bytes);
 }
 
-// So many bytes that were packed in runs: from 0x80 on a byte says how often, less 125, the next one is repeated;
-// below, how many, less one, follow as they are. Empty where they are too few.
+// Unpacks `count` bytes from runs: from 0x80 on a byte says how often, less 125, the next one is repeated; below, how
+// many, less one, follow as they are. Empty where they are too few.
 std::vector<std::byte> unpacked(PieceBytes packed, std::size_t count) {
     constexpr std::size_t firstRun = 0x80;
     constexpr std::size_t shortestRun = 3;

@@ -8,7 +8,7 @@ namespace mac {
 // Icons of items, counted: who was given one owns it and releases it. Any thread.
 
 struct OpaqueIconRef;
-// Null is none.
+// A null reference stands for no icon.
 using IconRef = OpaqueIconRef*;
 using IconServicesUsageFlags = std::uint32_t;
 
@@ -16,7 +16,7 @@ inline constexpr IconServicesUsageFlags kIconServicesNormalUsageFlag = 0x0000000
 inline constexpr IconServicesUsageFlags kIconServicesNoBadgeFlag = 0x00000001;
 
 inline constexpr OSErr invalidIconRefErr = -2580;
-// Nobody has an icon for what was asked for.
+// No icon was found.
 inline constexpr OSErr noSuchIconErr = -2581;
 // The icon has pictures, but no data.
 inline constexpr OSErr noIconDataAvailableErr = -2582;
@@ -28,9 +28,8 @@ inline constexpr OSType kSystemIconsCreator{"macs"};
 
 // The icon of files with this creator and type; the caller owns it. It is the one that the application of the creator
 // (see LSFindApplicationForInfo) names for the type among its document types, for 'APPL' its own; else, and for the
-// system's creator, the one that the icon theme has for what the tree of types says of the type code. noSuchIconErr
-// where nobody knows the type, paramErr for null; nothing is written then. Whichever volume is given, all are looked
-// at.
+// system's creator, the one that the icon theme has for what the tree of types says of the type code. noSuchIconErr for
+// an unknown type, paramErr for null; nothing is written then. Whichever volume is given, all are looked at.
 OSErr GetIconRef(std::int16_t volume, OSType creator, OSType type, IconRef* iconRef);
 
 // The icon of the item and its label, 0 (none) to 7. Its own where the Finder flags in the information say that it has
@@ -44,7 +43,7 @@ OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t fileNameLength, uni
 // The icon of an item that is open already, by the same rules. The caller owns it.
 IconRef iconOfItem(OpenItem const& item, FSCatalogInfo const& catalogInfo);
 
-// One more owner, one less. invalidIconRefErr for null.
+// Increments, decrements the reference count. invalidIconRefErr for null.
 OSErr AcquireIconRef(IconRef iconRef);
 OSErr ReleaseIconRef(IconRef iconRef);
 OSErr GetIconRefOwners(IconRef iconRef, std::uint16_t* owners);

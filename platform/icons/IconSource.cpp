@@ -123,7 +123,7 @@ IconSource sourceByKind(DiskItem const& item) {
     return {.names = {"unknown", "application-x-generic", "text-x-generic"}};
 }
 
-// The bundle of the application with that creator and what it says; nothing where there is none.
+// The bundle of the application with that creator and what it says; nullopt if no bundle has the creator.
 struct CreatorsBundle {
     std::string path;
     NSDictionary information;

@@ -10,8 +10,8 @@ namespace mac {
 
 struct DiskItem;
 
-// Where the pictures of an icon come from, in this order: the first that has any counts. A value; for implementations,
-// any thread.
+// The source of an icon's pictures, in this order: the first that has any counts. A value; for implementations, any
+// thread.
 struct IconSource {
     // What is drawn where nothing else has a picture.
     enum class Generic { Document, Folder, Application };

@@ -41,10 +41,10 @@ std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int larges
 // The picture in a JP2 file or a bare code stream of JPEG 2000, which has one to four components of equal size; the
 // fourth, or second of two, is opacity. nullopt for anything else and for a side beyond the limit.
 std::optional<Picture> pictureInJPEG2000(std::span<std::byte const> bytes, int largestSide);
-// A drawing (SVG) as a square picture of so many pixels a side; nullopt for what is none, and where no reader for it
-// is installed. Linux: drawings that are compressed or name files are none: the toolkit opens what they name. While the
-// program has no application object, drawings with text in them are none: the toolkit ends a program that asks for
-// fonts then.
+// A drawing (SVG) as a square picture of so many pixels a side; nullopt for data that is no drawing, and where no
+// reader for it is installed. Linux: drawings that are compressed or name files are none: the toolkit opens what they
+// name. While the program has no application object, drawings with text in them are none: the toolkit ends a program
+// that asks for fonts then.
 std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side);
 
 std::vector<std::byte> contentsOfPNG(Picture const& picture);

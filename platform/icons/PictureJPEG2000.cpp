@@ -21,7 +21,7 @@ constexpr std::uint32_t MostTiles = 64;
 constexpr std::uint32_t MostComponents = 4;
 // Precincts and code blocks of at least 32 and 8 samples a side: the library makes room for all of them ahead.
 constexpr unsigned LeastPrecinctExponent = 5;
-// As the stream has it, which keeps the exponent less 2.
+// The exponent as the stream has it, which is less by 2.
 constexpr unsigned LeastBlockExponent = 1;
 // Each layer has a packet for each precinct, with a mark of its own from the beginning.
 constexpr std::uint16_t MostLayers = 256;

@@ -31,7 +31,7 @@ QImage borrowedImage(Picture const& picture) {
             QImage::Format_ARGB32};
 }
 
-// Points have 72 to the inch. A resolution that is the toolkit's own for every new image is none of the file's.
+// Points have 72 to the inch. The toolkit's default resolution means that the file has none.
 float pointsOf(int pixels, int dotsPerMeter, int usualDotsPerMeter) {
     constexpr double inchesInAMeter = 39.37007874;
     if (dotsPerMeter <= 0 || dotsPerMeter == usualDotsPerMeter) return static_cast<float>(pixels);

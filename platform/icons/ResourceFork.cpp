@@ -12,7 +12,7 @@ constexpr std::size_t TypeListPlace = 24;
 constexpr std::size_t TypeSize = 8;
 constexpr std::size_t ReferenceSize = 12;
 
-// Nothing when they do not lie within.
+// nullopt if the range does not lie within the data.
 std::optional<Bytes> part(Bytes bytes, std::size_t place, std::size_t size) {
     if (place > bytes.size() || size > bytes.size() - place) return std::nullopt;
     return bytes.subspan(place, size);
@@ -22,7 +22,7 @@ std::optional<Bytes> from(Bytes bytes, std::size_t place) {
     return place <= bytes.size() ? std::optional(bytes.subspan(place)) : std::nullopt;
 }
 
-// Counts are kept less one; 0xFFFF is none.
+// Counts are stored less one; 0xFFFF means 0.
 std::size_t countAt(Bytes bytes, std::size_t place) {
     return static_cast<std::uint16_t>(bigEndian16(bytes, place) + 1);
 }

@@ -7,8 +7,8 @@
 
 namespace mac {
 
-// The bytes of one resource in a resource fork, by its type and number; nothing where there is none, and where the fork
-// contradicts itself on the way to it. The bytes lie in the fork's. For implementations; any thread.
+// The bytes of one resource in a resource fork, by its type and number; nullopt if there is no such resource, and if
+// the fork contradicts itself on the way to it. The bytes lie in the fork's. For implementations; any thread.
 std::optional<std::span<std::byte const>> resourceInFork(std::span<std::byte const> fork, OSType type,
                                                          std::int16_t number);
 

@@ -45,7 +45,7 @@ bool isApplication(std::string const& path) {
     return item.hasValue() && item.value().isApplicationBundle();
 }
 
-// Those that are still in their places; the others are forgotten.
+// The remembered bundles that are still in place; the others are forgotten.
 std::vector<std::string> registeredPaths() {
     std::scoped_lock const lock(registered().lock);
     std::erase_if(registered().paths, std::not_fn(isApplication));

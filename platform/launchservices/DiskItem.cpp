@@ -121,7 +121,7 @@ std::string contentTypeOfFolder(TypeTree const& types, DiskItem const& item) {
     return item.isPackage() ? "com.apple.package" : "public.folder";
 }
 
-// As declarations name it; empty for none.
+// The type code as declarations spell it; empty if the item has none.
 std::string typeCodeOf(DiskItem const& item) {
     OSType const code = item.finder.fileType();
     return code == OSType() ? std::string() : utf8FromUnits(textOfCode(code));

@@ -22,7 +22,7 @@ inline constexpr LSRequestedInfo kLSRequestIconAndKind = 0x00000020;
 inline constexpr LSRequestedInfo kLSRequestExtensionFlagsOnly = 0x00000040;
 inline constexpr LSRequestedInfo kLSRequestAllInfo = 0xFFFFFFFF;
 
-// Neither folder nor volume nor link.
+// A file: neither folder nor volume nor link.
 inline constexpr LSItemInfoFlags kLSItemInfoIsPlainFile = 0x00000001;
 // A folder that people see as one file.
 inline constexpr LSItemInfoFlags kLSItemInfoIsPackage = 0x00000002;
@@ -41,10 +41,10 @@ inline constexpr LSItemInfoFlags kLSItemInfoExtensionIsHidden = 0x00100000;
 
 struct LSItemInfoRecord {
     LSItemInfoFlags flags{0};
-    // Of an application's bundle those of its information file.
+    // The type and creator codes; of an application's bundle those of its information file.
     OSType filetype{};
     OSType creator{};
-    // Without the dot; nil where there is none.
+    // The extension without the dot; nil if the name has none.
     CFStringRef extension{};
     // Linux: icons have no names here, and kinds no numbers.
     CFStringRef iconFileName{};

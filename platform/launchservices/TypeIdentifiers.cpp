@@ -31,7 +31,7 @@ std::vector<std::string> const& tagsOf(DeclaredType const& type, TagClass tagCla
     return type.typeCodes;
 }
 
-// One as itself, several in an array.
+// A single value as itself, several in an array.
 id objectOf(std::vector<std::string> const& words) {
     if (words.size() == 1) return typeText(words.front());
     NSMutableArray const array = NSMutableArray::array();

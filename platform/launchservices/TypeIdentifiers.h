@@ -26,17 +26,17 @@ inline constexpr char kUTTagClassMIMEType[] = "public.mime-type";
 inline constexpr char kUTTagClassOSType[] = "com.apple.ostype";
 
 bool UTTypeEqual(CFStringRef const& type, CFStringRef const& otherType);
-// Also of equal ones. A type that nobody knows conforms to itself alone.
+// Whether the type conforms to the other, also if both are equal. An unknown type conforms only to itself.
 bool UTTypeConformsTo(CFStringRef const& type, CFStringRef const& conformsToType);
 // What was declared, under the keys above; a tag class has one tag as a string, or several in an array, the preferred
 // one first. Nil for what is not declared, dynamic types included.
 NSDictionary UTTypeCopyDeclaration(CFStringRef const& type);
 CFStringRef UTTypeCopyDescription(CFStringRef const& type);
-// The first declared type of the tag, a dynamic one where there is none. Of several the first that conforms to the
+// The first declared type of the tag, a dynamic one if no type declares it. Of several the first that conforms to the
 // given type, which may be nil; a dynamic one conforms to it.
 CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef const& tagClass, CFStringRef const& tag,
                                                   CFStringRef const& conformingToType);
-// Of a dynamic type the tag it was made from.
+// The tag of a type; of a dynamic type the tag that it was made from.
 CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef const& type, CFStringRef const& tagClass);
 
 } // namespace mac

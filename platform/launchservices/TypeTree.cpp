@@ -27,7 +27,7 @@ std::vector<std::string> wordsOf(std::string_view text) {
     return words;
 }
 
-// One string, or the strings of an array.
+// A string, or the strings of an array.
 std::vector<std::string> stringsOf(id const& value) {
     std::vector<std::string> strings;
     auto const add = [&](id const& object) {
@@ -42,7 +42,7 @@ std::vector<std::string> stringsOf(id const& value) {
     return strings;
 }
 
-// Of four characters each; those at the end may be blanks.
+// Codes of four characters each; the last ones may be blanks.
 std::vector<std::string> codesOf(std::string_view text) {
     std::vector<std::string> codes = wordsOf(text);
     for (std::string& code : codes)

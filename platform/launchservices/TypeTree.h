@@ -11,7 +11,7 @@
 
 namespace mac {
 
-// One declared type. For implementations, like everything here.
+// A declared type. For implementations, like all of this header.
 struct DeclaredType {
     std::string identifier{};
     std::string description{};
@@ -32,7 +32,7 @@ public:
     // The system's own.
     static TypeTree ofSystem();
 
-    // Of equal identifiers the one that is there counts.
+    // Adds a type; one of an identifier that is known already is ignored.
     void add(DeclaredType type);
     // From an information file: what is no declaration is passed over, the rest counts.
     void addDeclarationsIn(NSDictionary const& information);
@@ -56,7 +56,7 @@ private:
 
 // The types known now.
 std::shared_ptr<TypeTree const> knownTypes();
-// Those of an information file become known, too; the ones of equal identifier stay as they are.
+// Adds the types that an information file declares; types of known identifiers stay as they are.
 void registerTypesIn(NSDictionary const& information);
 
 // Which tag a dynamic identifier was made from, and what kind it was said to be.
@@ -74,7 +74,7 @@ bool conforms(TypeTree const& types, std::string_view identifier, std::string_vi
 // What the identifier conforms to, itself first, then the nearest; each once, in the case of letters of its
 // declaration.
 std::vector<std::string> identifierAndAncestors(TypeTree const& types, std::string_view identifier);
-// Of a MIME type: a declared type's identifier, else a dynamic one.
+// The identifier of the type declared for a MIME type, else a dynamic one.
 std::string identifierOfMIMEType(TypeTree const& types, std::string_view mimeType);
 
 // A row of the system's own types, as types.tsv has it; words are parted by blanks. A tag of several types belongs to

@@ -26,12 +26,12 @@ struct RemovedItem {
 
 // What this process knows of the list.
 struct KnownLoginItems {
-    // As last read or written.
+    // The items as last read or written.
     std::vector<ReadItem> items{};
     NSArray kept{NSArray::array()};
     // The last one removed first.
     std::deque<RemovedItem> removed{};
-    // Those whose entries others removed, the last one first.
+    // Items whose entries other programs removed, the last one first.
     std::deque<NSDictionary> vanished{};
 };
 

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view BundleFileExtension = ".app";
 
-// The absolute path in bytes; empty if there is none.
+// The absolute path in bytes; empty if the item has none.
 std::string standardisedPath(NSDictionary const& item) {
     NSString const path = as<NSString>(item.objectForKey_("Path")).stringByStandardizingPath();
     std::string bytes = path.fileSystemRepresentation().value_or("");
@@ -27,7 +27,7 @@ bool isBundlePath(std::string const& path) {
     return path.size() > BundleFileExtension.size() && asciiLowercase(path).ends_with(BundleFileExtension);
 }
 
-// False if the problem tells that nothing at the path can be started, rather than that nobody knows.
+// False if the problem means that nothing at the path can be started, rather than that it could not be looked at.
 Result<bool> isProgramAfter(SystemError const& problem) {
     constexpr std::array codes{EACCES, ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG};
     bool const isNone = std::ranges::any_of(codes, [&](int code) { return problem.is(code); });
@@ -43,7 +43,7 @@ Result<bool> isProgramFile(std::string const& path) {
     return isProgramAfter(lastSystemError("access", path));
 }
 
-// The dictionary in the text of an own entry; nil if there is none.
+// The dictionary in the text of an own entry; nil if the entry has none.
 NSDictionary dictionaryInNote(std::string const& note) {
     std::optional<std::string> const bytes = bytesFromHexText(note);
     if (!bytes || bytes->empty()) return nil;

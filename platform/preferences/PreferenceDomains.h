@@ -9,7 +9,7 @@
 
 namespace mac {
 
-// Where the domains of this program's preferences lie. Main thread.
+// The domains of this program's preferences. Main thread.
 
 // The preferences that CFPreferences and NSUserDefaults share. Never destroyed, so that they can be written at exit.
 Preferences& sharedPreferences();

@@ -28,7 +28,7 @@ public:
     // REQUIRES: the stores outlive the object.
     explicit Preferences(std::span<NativeStore const> stores) : m_stores(stores) {}
 
-    // As CFPreferencesCopyValue, CFPreferencesSetValue and CFPreferencesSynchronize (CFPreferences.h).
+    // Implement CFPreferencesCopyValue, CFPreferencesSetValue and CFPreferencesSynchronize (CFPreferences.h).
     id value(PreferenceDomain const& domain, NSString const& key);
     void setValue(PreferenceDomain const& domain, NSString const& key, id const& value);
     // Fails also, with nothing to write, if not all of the domain could be read.
@@ -51,7 +51,7 @@ private:
         NSDictionary values{};
         // Why not all of the file and the native items could be read.
         std::optional<SystemError> problem{};
-        // Not written yet; one for a key.
+        // Changes not written yet, one for each key.
         std::vector<Change> changes{};
     };
 

@@ -24,7 +24,7 @@ std::optional<ItemIdentity> identityAt(std::string const& path) {
     return item.hasValue() ? std::optional(item.value().identity) : std::nullopt;
 }
 
-// Where a bundle that was renamed within its folder is now.
+// The present path of a bundle that was renamed within its folder.
 std::optional<std::string> newNameOf(std::string const& bundlePath, ItemIdentity const& bundle) {
     BytePath const parent(BytePath(bundlePath).parent());
     Result<FileDescriptor> const folder = openPath(parent.bytes(), O_RDONLY | O_DIRECTORY);
@@ -101,7 +101,7 @@ ProcessBundle ProcessBundles::bundleOf(RunningProcess const& process) {
     if (!executable) return {.program = process.executable, .path = std::string(bundleHolding(process.executable))};
     Seen const* const seen = seenOf(process.identity, executable->identity, script.value_or(""));
     std::optional<ProgramFile> const program = script ? scriptFile(process, *script, seen) : executable;
-    // What was read of a process that nobody saw before is that process's only while it runs.
+    // What was read of a new process is valid only while the process runs.
     if (!program || (!seen && !runningProcess(process.identity))) return {.program = process.executable};
     ProcessBundle known{.program = program->path, .path = std::string(bundleHolding(program->path))};
     if (known.path.empty()) return known;

@@ -53,7 +53,7 @@ private:
 
 NSString pathString(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
-// The same strings for all processes, instead of new ones for each.
+// Strings shared by all processes, instead of new ones for each.
 struct InformationKeys {
     NSString psn = "PSN";
     NSString pid = "pid";

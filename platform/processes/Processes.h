@@ -72,8 +72,8 @@ OSErr SameProcess(ProcessSerialNumber const* first, ProcessSerialNumber const* s
 // which one that is, is looked up once a walk and once a second.
 NSDictionary ProcessInformationCopyDictionary(ProcessSerialNumber const* psn, std::uint32_t mask);
 
-// Of a walk over all processes the first whose information has an equal value under the key; nothing where none has.
-// The function may refuse some by their IDs.
+// The first process, in the order of GetNextProcess, whose information has an equal value under the key; nullopt if
+// none has. The function may refuse some by their IDs.
 std::optional<ProcessSerialNumber> processWith(NSString const& key, id const& value,
                                                bool (*isMeant)(std::int32_t pid) = nullptr);
 

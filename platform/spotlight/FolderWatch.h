@@ -6,8 +6,8 @@
 
 namespace mac {
 
-// Tells when something appears in, goes from or happens to a folder, and when one of those it lies in is moved: on the
-// main thread's run loop, by the path of the folder that it happened to. Folders below are not watched. What cannot be
+// Tells when something appears in, goes from or happens to a folder, and when a folder above it is moved: on the main
+// thread's run loop, by the path of the folder that it happened to. Folders below are not watched. What cannot be
 // watched (a path too long, the system's limit reached) is not told.
 class FolderWatch {
 public:

@@ -1,4 +1,3 @@
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/spotlight/FolderWatch.h"
 #include "platform/system/BytePath.h"
@@ -20,7 +19,7 @@ constexpr std::size_t MostFolders = 4096;
 
 constexpr std::uint32_t Events = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF |
                                  IN_UNMOUNT | IN_ONLYDIR | IN_EXCL_UNLINK;
-// Of the folders above: what goes on in them is nobody's business. One may be watched for itself, which stays.
+// The events of the folders above: changes within them are ignored, unless such a folder is watched for itself.
 constexpr std::uint32_t EventsAbove = IN_MOVE_SELF | IN_UNMOUNT | IN_ONLYDIR | IN_MASK_ADD;
 
 } // namespace

@@ -10,7 +10,7 @@ inline constexpr char kMDItemKind[] = "kMDItemKind";
 inline constexpr char kMDItemFSName[] = "kMDItemFSName";
 inline constexpr char kMDItemPath[] = "kMDItemPath";
 
-// One item that a query found. Immutable.
+// An item that a query found. Immutable.
 class NSMetadataItem : public Handle<NSMetadataItem, NSObject> {
 public:
     class Body;

@@ -8,7 +8,7 @@
 namespace mac {
 
 // What to walk for a predicate and scopes: never less than what could match, so that testing each find with the
-// predicate gives the answer. Nothing when no scope names a place.
+// predicate gives the answer. nullopt if no scope names a place.
 //
 // The local computer is every local volume, or the folders named in the environment variable
 // FRAMEKEEPER_LOCAL_COMPUTER, separated by colons: so the demo and the tests narrow it.

@@ -1,5 +1,4 @@
 #include "platform/system/FolderContents.h"
-#include "platform/system/ContentsComparison.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/Result.h"
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,5 +54,18 @@ private:
 // Whether both are files of the same bytes, symbolic links of the same text or folders of the same contents; links are
 // not followed. False if either cannot be read.
 bool haveEqualContents(std::string const& path, std::string const& otherPath);
+
+enum class ContentsLikeness {
+    // Something of one of them could not be read before a difference was found.
+    Unreadable,
+    Different,
+    Equal,
+    // Both paths lead to one item, such as through a linked folder or a second mount.
+    OneItem,
+};
+
+// Compares as haveEqualContents of FolderContents.h does. What was asked to stop before the end answers Unreadable. Any
+// thread.
+ContentsLikeness compareContents(std::string const& path, std::string const& otherPath, std::stop_token const& stop);
 
 } // namespace mac

@@ -1,6 +1,6 @@
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <algorithm>
 #include <numeric>
 

@@ -1,5 +1,5 @@
 #include "platform/appkit/arrangement/LateRelease.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QThread>

@@ -1,5 +1,5 @@
 #include "platform/appkit/interface/ActionSending.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QScopedValueRollback>

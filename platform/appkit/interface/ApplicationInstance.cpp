@@ -3,7 +3,7 @@
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/desktop/session/X11Display.h"
 #include "platform/events/AppleEvents.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include <QApplication>
 #include <QDBusArgument>

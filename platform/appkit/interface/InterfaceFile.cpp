@@ -9,8 +9,8 @@
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/appkit/interface/WindowBody.h"
 #include "platform/appkit/views/NSApplication.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/Exceptions.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include <QGroupBox>
 #include <QMenu>

@@ -5,7 +5,7 @@
 #include "platform/appkit/interface/Requirements.h"
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/appkit/interface/VisibleText.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include <QMenu>
 #include <QMouseEvent>

@@ -1,8 +1,8 @@
 #include "platform/appkit/interface/KeyPathScope.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/NSNull.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include <algorithm>
 

@@ -1,11 +1,10 @@
 #include "platform/appkit/interface/NSApplicationMain.h"
 #include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/appkit/interface/InterfaceFile.h"
-#include "platform/appkit/interface/LaunchOptions.h"
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSApplication.h"
 #include "platform/foundation/bundles/NSBundle.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/text/Localization.h"
 #include <QAction>
 #include <QGuiApplication>

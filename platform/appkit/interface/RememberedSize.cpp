@@ -1,6 +1,6 @@
 #include "platform/appkit/interface/RememberedSize.h"
 #include "platform/appkit/interface/VisibleText.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/preferences/NSUserDefaults.h"
 #include <QEvent>
 #include <QGuiApplication>

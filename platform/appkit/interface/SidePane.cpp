@@ -1,5 +1,5 @@
 #include "platform/appkit/interface/SidePane.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QEvent>
 #include <QHeaderView>
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 // The widths of columns that last: a dictionary in the user's defaults, of pixels by the columns' identifiers.

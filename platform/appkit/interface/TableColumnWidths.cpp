@@ -1,7 +1,7 @@
 #include "platform/appkit/interface/TableColumnWidths.h"
 #include "platform/appkit/interface/TableCellDelegate.h"
 #include "platform/appkit/interface/TableModel.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QEvent>
 #include <QHeaderView>
 #include <QScopedValueRollback>

@@ -3,7 +3,7 @@
 #include "platform/appkit/interface/TableFiles.h"
 #include "platform/appkit/interface/ThemeColors.h"
 #include "platform/appkit/interface/VisibleText.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QCoreApplication>
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "platform/appkit/interface/TableViewBody.h"
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/KeyValueObserving.h"
+#include "platform/foundation/running/EventLoop.h"
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>

@@ -16,4 +16,7 @@ std::unique_ptr<QApplication> connectToDisplay(int& argc, char** argv,
 // within the thread's patience. Any thread.
 bool isDisplayThere();
 
+// Makes the toolkit's dialogs and clipboard what scripts ask and use. Main thread; once the application is there.
+void installUserInterface();
+
 } // namespace mac

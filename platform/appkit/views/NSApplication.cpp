@@ -3,8 +3,6 @@
 #include "platform/appkit/views/DisplayConnection.h"
 #include "platform/appkit/views/NSAlert.h"
 #include "platform/appkit/views/NSBox.h"
-#include "platform/appkit/views/UserInterfaceWidgets.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/objects/Weak.h"
 #include "platform/foundation/running/Beep.h"

@@ -1,4 +1,4 @@
-#include "platform/appkit/views/UserInterfaceWidgets.h"
+#include "platform/appkit/views/DisplayConnection.h"
 #include "platform/foundation/running/UserInterface.h"
 #include <QApplication>
 #include <QClipboard>

@@ -42,7 +42,7 @@ constexpr auto Keys = std::to_array<KeyRow>({
     {u"short user name", keys::ShortUserName},
     {u"long user name", keys::LongUserName},
     {u"user ID", keys::UserID},
-    // Not 'home', which is the Finder's name of a place.
+    // The code is not 'home', which is the Finder's name of a place.
     {u"home directory", keys::HomeDirectory},
     {u"computer name", keys::ComputerName},
     {u"host name", keys::HostName},

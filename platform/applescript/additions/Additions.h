@@ -43,7 +43,7 @@ Value doShellScript(Evaluator& evaluator, CommandArguments const& arguments);
 Value loadScript(Evaluator& evaluator, CommandArguments const& arguments);
 Value storeScript(Evaluator& evaluator, CommandArguments const& arguments);
 
-// AdditionsInteraction.cpp; but for beep they throw -1713 where nobody owns a screen.
+// AdditionsInteraction.cpp; all but beep throw -1713 if the program has no screen.
 Value displayDialog(Evaluator& evaluator, CommandArguments const& arguments);
 Value displayAlert(Evaluator& evaluator, CommandArguments const& arguments);
 Value displayNotification(Evaluator& evaluator, CommandArguments const& arguments);

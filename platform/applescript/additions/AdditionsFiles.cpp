@@ -29,7 +29,7 @@ std::u16string lastComponent(std::u16string path) {
     return path.substr(path.rfind(u'/') + 1);
 }
 
-// The item that the path leads to, through a symbolic link at its end too; nullptr if there is none.
+// The item that the path leads to, through a symbolic link at its end too; nullptr if it leads to no item.
 std::shared_ptr<FinderItem> itemBehindLinks(std::string const& path) {
     std::unique_ptr<char, decltype(&std::free)> const real(::realpath(path.c_str(), nullptr), &std::free);
     return real ? FinderItem::atPath(real.get()) : nullptr;

@@ -57,7 +57,7 @@ void takeButtons(DialogRequest& request, CommandArguments const& arguments, Text
 }
 
 Value answerOf(DialogRequest const& request, DialogOutcome const& outcome) {
-    // No button stands for what nobody chose: a script goes on with none of them.
+    // A dialog closed without a button counts as cancelled, so that the script does not go on.
     bool const isUnanswered = !outcome.button && !outcome.isTimeOver;
     bool const isCanceled = outcome.button && outcome.button == request.cancelButton;
     if (isUnanswered || isCanceled) throw plainError(errors::UserCanceled);

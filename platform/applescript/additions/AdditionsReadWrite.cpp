@@ -109,8 +109,8 @@ std::string bytesBetween(File const& file, std::int64_t start, std::int64_t end,
 
 bool isWide(Code type) { return type == codes::UnicodeTextType || type == constants::UTF16Text; }
 
-// As the byte order mark at the file's beginning says, else as this computer writes it. The text begins with a mark at
-// the beginning alone.
+// Read in the order of the file's byte order mark, else in this computer's. The text begins with a mark at the
+// beginning alone.
 NSStringEncoding wideEncodingAt(std::int64_t place, File const& file) {
     if (place == 0) return NSUnicodeStringEncoding;
     std::string const mark = bytesBetween(file, 0, 2, 2);
@@ -147,7 +147,7 @@ std::string markIn(std::string const& bytes, std::u16string const& text, Code ty
     return bytesFromUnits(first, NSMacOSRomanStringEncoding).value_or(std::string());
 }
 
-// Of a wide encoding whole units are compared.
+// A wide encoding is compared by whole units.
 std::size_t placeOfMark(std::string const& bytes, std::string const& mark, Code type) {
     if (mark.empty()) return std::string::npos;
     std::size_t found = bytes.find(mark);
@@ -254,7 +254,7 @@ Value read(Evaluator& evaluator, CommandArguments const& arguments) {
     NSStringEncoding const wideEncoding = wideEncodingAt(start, *file);
     if (before || until) {
         std::u16string const text = requireText(before ? *before : *until, context);
-        // A mark of the order is none of the text.
+        // A byte order mark is not part of the text.
         NSStringEncoding const encoding = wideEncodingAt(1, *file);
         std::string const mark = markIn(bytes, text, code, encoding);
         std::size_t const found = placeOfMark(bytes, mark, code);

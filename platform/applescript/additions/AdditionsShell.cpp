@@ -30,7 +30,7 @@ std::u16string withAlteredLineEnds(std::u16string text) {
     return text;
 }
 
-// The program that asks the user for an administrator's rights; empty where there is none.
+// The program that asks the user for an administrator's rights; empty if none is installed.
 std::string askingProgram() {
     for (std::string const& folder : listInEnvironment("PATH", "/usr/bin:/bin")) {
         std::string program = folder + "/pkexec";
@@ -110,7 +110,7 @@ std::vector<std::string> privilegedWords(std::string const& program, std::string
 }
 
 CommandResult privilegedResultOf(std::string const& command, std::size_t most) {
-    // Nobody is asked for what this process may do already.
+    // No question is asked if this process has the rights already.
     if (::geteuid() == 0) return resultOf(command, most);
     std::string const program = askingProgram();
     if (program.empty()) throw plainError(errors::PrivilegeViolation);

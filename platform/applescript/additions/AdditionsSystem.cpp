@@ -185,7 +185,7 @@ Value pathTo(Evaluator& evaluator, CommandArguments const& arguments) {
     std::u16string path = isApplication ? pathOfApplication(named.application())
                           : isCurrent   ? pathOfThisProgram()
                                         : pathOfProgram(named.asCode());
-    // Where a program was that is deleted by now no folder is made.
+    // No folder is made in place of a deleted program.
     bool const isFolder = path.empty() && !isApplication && !isCurrent;
     bool const isOfUser = isFolder && domain == FolderDomain::User;
     bool const mayMake = isOfUser && (!makesFolder || requireBoolean(*makesFolder, evaluator.context()));

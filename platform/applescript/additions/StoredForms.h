@@ -25,7 +25,7 @@ struct StoredValue {
     std::size_t size{0};
 };
 
-// As many bytes of a file as tell the size of any value in it.
+// The number of bytes at the start of a value that tell its size.
 inline constexpr std::size_t BytesBeforeStored = 8;
 
 // How many bytes the value takes that begins with these, of which no more than BytesBeforeStored are looked at: a list
@@ -38,8 +38,8 @@ std::size_t storedSize(std::string_view beginning, Code type);
 StoredValue storedValueIn(std::string_view bytes, Code type);
 
 // Scripts in files as `store script` leaves them: a line "%Framekeeper script 1, N bytes", a line feed, and the N bytes
-// of the script's source text in UTF-8. The number before the comma is the form's version; files of version 1 are read
-// for ever. No source text begins with a percent sign. Main thread.
+// of the script's source text in UTF-8. The number before the comma is the form's version; files of version 1 stay
+// readable. No source text begins with a percent sign. Main thread.
 
 // More than any script has; what claims to be a larger one is not read. In bytes, without the line.
 inline constexpr std::size_t MostScriptBytes = std::size_t{4} << 20;

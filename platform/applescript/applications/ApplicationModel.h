@@ -5,8 +5,8 @@
 
 namespace mac::applescript {
 
-// One object of an application, made when a specifier leads to it and gone when the command is done. It answers for the
-// real thing, which may change or go at any time.
+// An object of an application, made when a specifier is resolved and destroyed when the command is done. It answers for
+// the real thing, which may change or go at any time.
 class ModelObject {
 public:
     ModelObject() = default;
@@ -23,7 +23,7 @@ public:
     // Also for the classes that its own is a kind of.
     virtual bool isOfType(Code sought) const { return row().isKindOf(sought); }
 
-    // Neither object nor value for a property that it lacks.
+    // The property's object or value; neither of them if the object lacks the property.
     PropertyAnswer answer(Code code);
     // The value of the property, for an object its specifier; nullopt if the object has no such property.
     std::optional<Value> property(Code code);
@@ -37,7 +37,7 @@ public:
     virtual ModelPointer elementNamed(Code elementType, std::u16string const& name);
     virtual ModelPointer elementIdentified(Code elementType, Value const& identifier);
 
-    // As text, an alias …; nullopt if it cannot be one of the class.
+    // The object coerced to the class (text, alias …); nullopt if it cannot be coerced.
     virtual std::optional<Value> coerced(Code wanted);
 };
 
@@ -60,11 +60,11 @@ public:
     std::size_t count(Value const& specifier, Code elementClass, TextContext const& context) final;
     Value perform(Evaluator& evaluator, ApplicationCommand const& command) final;
 
-    // As scripts of other applications name it.
+    // The object as scripts of other applications name it.
     Value self() const;
     // What the value leads to; throws where there is nothing.
     Meant follow(Value const& meant, TextContext const& context);
-    // The same in a row; whatever is no object throws -10010.
+    // The objects that a list of specifiers names; throws -10010 for an element that is not an object.
     std::vector<ModelPointer> objects(Value const& meant, TextContext const& context);
     // The direct parameter, or what is being told.
     static Value directOf(ApplicationCommand const& command);
@@ -75,7 +75,7 @@ public:
 
 protected:
     virtual ModelPointer root() = 0;
-    // The object that a file stands for; null where there is none.
+    // The object that a file stands for; null if the application has none for it.
     virtual ModelPointer objectOfFile(FileObject const& file);
 
 private:

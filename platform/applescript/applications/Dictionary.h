@@ -84,7 +84,7 @@ struct ClassRow {
     std::span<ElementRow const> elements{};
 
     bool isKindOf(Code sought) const;
-    // Also of the classes that it is a kind of; null if there is none.
+    // Looks in the class and in those that it inherits from; null if none has it.
     PropertyRow const* property(Code sought) const;
     ElementRow const* element(Code sought) const;
 };

@@ -1,5 +1,4 @@
 #include "platform/applescript/applications/Finder.h"
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/FinderPlaces.h"
 #include "platform/applescript/applications/Program.h"

@@ -16,9 +16,9 @@ extern ClassRow const TrashRow;
 
 using FinderItems = std::vector<std::shared_ptr<FinderItem>>;
 
-// What was found, as items; throws for what is none.
+// The objects found as Finder items; throws if one is not an item.
 FinderItems itemsOf(std::vector<ModelPointer> const& found);
-// The folder that something is to be put into; -10024 for what is none.
+// The folder to put something into; throws -10024 for anything else.
 std::shared_ptr<FinderItem> folderOf(std::vector<ModelPointer> const& found);
 // A command about one item answers that, one about several a list.
 Value answerOf(Value const& meant, std::vector<Value> answers);

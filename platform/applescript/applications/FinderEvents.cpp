@@ -104,7 +104,7 @@ Value perform(AppleEvent const& event, EventWait const& wait) {
         else
             command.named.emplace_back(entry.keyword.value(), value);
     }
-    // Not the state of a script that may run meanwhile, whose considerations and bounds are its own.
+    // Kept apart from the state of a script that may run meanwhile, which has considerations and limits of its own.
     EngineState state;
     RunOptions const options;
     RunLimits const limits(wait.goesOn, wait.deadline);

@@ -28,7 +28,7 @@ struct ItemFacts {
     bool mayBeMountPoint{false};
 };
 
-// One item on a disk as the Finder shows it: a file, a folder, a disk. It holds the item's path and identity, and what
+// An item on a disk as the Finder shows it: a file, a folder, a disk. It holds the item's path and identity, and what
 // is done to it is done only while they still belong together.
 class FinderItem : public ModelObject {
 public:

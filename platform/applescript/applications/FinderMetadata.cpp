@@ -126,7 +126,7 @@ std::u16string kindOf(Code type, DiskItem const& item) {
     if (type == codes::AliasFile) return u"Alias";
     NSString const identifier = NSString::stringWithUTF8String_(contentTypeOf(item));
     NSString const description = UTTypeCopyDescription(identifier);
-    // Of a type that nobody describes the extension says most.
+    // For a type without a description the extension says most.
     if (description == nil)
         return item.extension().empty() ? std::u16string(u"Document")
                                         : foldedName(unitsFromFileSystemBytes(item.extension())) + u" document";

@@ -1,5 +1,4 @@
 #include "platform/applescript/applications/Program.h"
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
@@ -81,7 +80,7 @@ public:
             break;
         }
         std::vector<std::pair<Code, Value>> parameters;
-        // The application itself is nobody's parameter.
+        // The application itself is not a parameter.
         if (!command.direct.isNothing() && !command.direct.is(ValueKind::Application))
             parameters.emplace_back(codes::DirectParameter, command.direct);
         parameters.insert(parameters.end(), command.named.begin(), command.named.end());

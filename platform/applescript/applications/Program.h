@@ -19,7 +19,7 @@ void quitPrograms(std::span<char const* const> names);
 // The first process that is called so: by the name of its bundle or of its program's file, or by its identifier.
 struct NamedProcess {
     ProcessIdentity identity{};
-    // Of its program; a process may go over to another one.
+    // The path of the program; a process may execute another one later.
     std::string executable{};
     std::u16string name{};
     std::u16string identifier{};
@@ -39,5 +39,15 @@ std::optional<InstalledProgram> installedProgramIdentified(std::u16string_view i
 // The path of the application's bundle, or of its desktop entry if it has none.
 std::optional<std::string> pathOfApplicationIdentified(std::u16string_view identifier);
 std::optional<std::string> pathOfApplicationNamed(std::u16string_view name);
+
+// The applications that this engine itself is; each one object.
+Application& finderApplication();
+Application& systemEventsApplication();
+Application& systemPreferencesApplication();
+
+// A program of this computer by name or identifier; null if no such program is installed. Answered anew each time, and
+// the same object for the same program.
+Application* programNamed(std::u16string_view name);
+Application* programIdentified(std::u16string_view identifier);
 
 } // namespace mac::applescript

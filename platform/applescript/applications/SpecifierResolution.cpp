@@ -79,7 +79,7 @@ Meant SpecifierResolution::propertyOf(Meant const& container, Value const& part)
         if (answer.object) return {.object = answer.object};
         value = std::move(answer.value);
     }
-    // Of many objects the property of each.
+    // The property of each of several objects.
     bool const isOfEach = !value && !container.object && container.value.is(ValueKind::List);
     if (isOfEach) return partOf(origin(container.value), part);
     if (!value) throw cannotGet(part);
@@ -269,7 +269,7 @@ bool SpecifierResolution::holds(Value const& test, ModelPointer const& examined)
     return truthOf(test, examined) == true;
 }
 
-// Nothing where the object has no such property: neither the condition nor its opposite holds then.
+// nullopt if the object has no such property: then neither the condition nor its opposite holds.
 std::optional<bool> SpecifierResolution::truthOf(Value const& test, ModelPointer const& examined) {
     requireStackRoom();
     TestObject const& condition = test.test();

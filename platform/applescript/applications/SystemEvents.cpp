@@ -1,11 +1,11 @@
 #include "platform/applescript/applications/SystemEvents.h"
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Finder.h"
 #include "platform/applescript/applications/FinderPlaces.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/applications/StandardFolders.h"
 #include "platform/applescript/runtime/Evaluator.h"
-#include "platform/desktop/session/LogOut.h"
+#include "platform/desktop/session/Session.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/Users.h"
@@ -98,7 +98,7 @@ public:
     }
 };
 
-// It is always there, without a window.
+// System Events always runs, without a window.
 Value stay(ModelApplication& /*application*/, Evaluator& /*evaluator*/, ApplicationCommand const& /*command*/) {
     return {};
 }

@@ -52,8 +52,8 @@ Value makePropertyListFile(ApplicationCommand const& command, TextContext const&
 // Numbers become integers as far as scripts have them, else reals.
 Value valueOfPropertyList(id const& object);
 
-// The way back; a record's term is a key under the term's name. Throws -1700 for a value that no property list holds,
-// and -2706 for a list that holds itself.
+// The inverse of valueOfPropertyList; a record's term becomes a key of the term's name. Throws -1700 for a value that
+// no property list holds, and -2706 for a list that holds itself.
 id propertyListOfValue(Value const& value);
 
 } // namespace mac::applescript

@@ -21,7 +21,7 @@ bool synchronizeLoginItems() {
     return CFPreferencesSynchronize(LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
 }
 
-// As last read.
+// The login items as last read.
 NSArray knownLoginItems() {
     NSArray const items = as<NSArray>(
         CFPreferencesCopyValue(LoginItemsKey, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost));

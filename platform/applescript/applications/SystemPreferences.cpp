@@ -1,4 +1,3 @@
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/ApplicationModel.h"
 #include "platform/applescript/applications/CommonTerms.h"
 #include "platform/applescript/applications/Program.h"

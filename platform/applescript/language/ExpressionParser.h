@@ -37,7 +37,7 @@ protected:
     bool startsExpression() const;
     // The command of «event sysoexec». Null where another token stands.
     CommandTerm const* rawCommandHere() const;
-    // How many tokens a label has that names a parameter; 0 where there is none, or labels end an outer expression.
+    // How many tokens a label has that names a parameter; 0 if no label follows, or labels end an outer expression.
     std::size_t labelLength(std::u16string_view& label) const;
 
     std::shared_ptr<SyntaxTree> m_tree;

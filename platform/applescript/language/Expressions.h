@@ -37,7 +37,7 @@ struct VariableReference {
 struct PropertyReference {
     Symbol name{nullptr};
     Expression* container{nullptr};
-    // The command that asks for what the name says; null where there is none.
+    // The command that asks for what the name says; null if no command asks for it.
     CommandTerm const* getter{nullptr};
     // By a term of the application that is told: never a variable.
     bool isOfApplication{false};

@@ -97,7 +97,7 @@ Expression& ExpressionParser::parseUnary() {
     return make(first, UnaryOperation{.operation = operation, .operand = &operand});
 }
 
-// One class, or several in braces.
+// A class, or several in braces.
 std::vector<Code> ExpressionParser::parseClassNames() {
     if (!takeSymbol("{")) return {parseClassName()};
     std::vector<Code> codes;

@@ -18,7 +18,7 @@ int hexDigit(char16_t unit) {
     return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
 }
 
-// The bytes that the digits write down; nullopt if a byte is cut or a digit is none.
+// The bytes that the digits write down; nullopt for an odd number of digits and for a character that is not a digit.
 std::optional<std::string> bytesOfHex(std::u16string_view digits) {
     std::string bytes;
     if (digits.size() % 2 != 0) return {};

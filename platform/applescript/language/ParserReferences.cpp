@@ -10,7 +10,7 @@ namespace {
 constexpr auto Ordinals = std::to_array<std::string_view>(
     {"first", "second", "third", "fourth", "fifth", "sixth", "seventh", "eighth", "ninth", "tenth"});
 
-// Where the container of a reference or the receiver of a call stands. Null for other expressions.
+// The place in the tree of a reference's container or a call's receiver. Null for other expressions.
 Expression** containerOf(Expression& expression) {
     if (auto* const property = expression.as<PropertyReference>()) return &property->container;
     if (auto* const element = expression.as<ElementReference>()) return &element->container;

@@ -6,7 +6,7 @@ namespace mac::applescript {
 
 namespace {
 
-// Of a stack without a known end so much is used, and so much of any stack is left for what does not ask.
+// The bytes used of a stack whose end is unknown, and the bytes of any stack left for code that does not check.
 constexpr std::uintptr_t MostUsed = 6U << 20U;
 constexpr std::uintptr_t LeastLeft = 512U << 10U;
 

@@ -22,7 +22,7 @@ struct ListPattern {
 // {name:a, size:b}: the properties of the argument.
 struct RecordPattern {
     std::vector<Symbol> keys{};
-    // One for each key.
+    // One value for each key.
     std::vector<Parameter> parts;
 };
 struct Parameter {
@@ -71,7 +71,7 @@ struct ScriptDefinition {
     // properties of the scripts that stand there start with is evaluated with its locals, those of the outermost too.
     HandlerDefinition const* outsideHandlers{nullptr};
     bool hasRunHandler{false};
-    // Of the outermost script only: the variables that its statements and handlers' globals share.
+    // In the outermost script only: the variables that its statements and the handlers' globals share.
     std::vector<Symbol> variables{};
     NameIndex variablePlaces{};
     // What stands in the source between `script` with its name and `end script`; all of it for the outermost.

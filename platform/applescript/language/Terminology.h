@@ -62,8 +62,8 @@ struct TermMatch {
     bool isOfApplication{false};
 };
 
-// One table of terms: names of one or several words, with their codes. The language's own and the standard additions'
-// are in `base`; an application brings its own table. Never changed once filled; main thread.
+// A table of terms: names of one or several words, with their codes. The language's own and the standard additions' are
+// in `base`; an application brings its own table. Never changed once filled; main thread.
 class Terminology {
 public:
     static Terminology const& base();
@@ -104,7 +104,7 @@ std::size_t tokensSpelling(std::span<Token const> tokens, std::u16string_view na
 // A command that no table names, by its event alone: a direct parameter, and others by their codes. Lives as long as
 // the process.
 CommandTerm const& rawCommand(EventCode event);
-// The command that asks for what the name says: `get eof` for "eof". Null where there is none.
+// The command that asks for what the name says: `get eof` for "eof". Null if no command asks for it.
 CommandTerm const* getterNamed(std::u16string_view name);
 
 // The tables of the applications that are part of this engine.

@@ -9,10 +9,10 @@ namespace mac::applescript {
 
 class Evaluator;
 
-// One command on its way to an application.
+// A command to be sent to an application.
 struct ApplicationCommand {
     CommandTerm const& term;
-    // Nothing where the script gives none.
+    // Empty if the script gives none.
     Value direct{};
     std::vector<std::pair<Code, Value>> named{};
     // What the script is telling; an application, or an object in one.
@@ -50,23 +50,23 @@ public:
     virtual Value perform(Evaluator& evaluator, ApplicationCommand const& command) = 0;
 };
 
-// By name in any case, or by identifier. Null for one that nobody knows.
+// By name in any case, or by identifier. Null for an unknown application.
 Application* applicationOf(ApplicationObject const& named);
 // Its table, without looking for a program; null where it has none.
 Terminology const* termsOf(ApplicationObject const& named);
-// The same for a name or an identifier; null also for an application without a table.
+// The terms of an application by its name or identifier; null for an unknown one and for one without a table.
 Terminology const* terminologyOfApplication(std::u16string_view nameOrIdentifier);
 
 // Whether it is an application, or a specifier of something inside one.
 bool isToldTo(Value const& value);
 bool isInApplication(Value const& value);
-// The same object as a specifier inside the application: `item (alias "Macintosh HD:a")`.
+// The object as a specifier inside the application: `item (alias "Macintosh HD:a")`.
 Value fileInApplication(Value const& file, Value const& told);
 // Whether the application that `told` lies in knows the property by a term of its own.
 bool hasTermFor(Value const& told, Code property);
 
-// Ask the application that the specifier lies in. They throw -1728 where nobody knows the application, -1723 where the
-// script may only compute.
+// Ask the application that the specifier lies in. They throw -1728 for an unknown application, -1723 where the script
+// may only compute.
 Value getInApplication(Value const& specifier, Code type, TextContext const& context);
 void setInApplication(Value const& specifier, Value const& value, TextContext const& context);
 bool existsInApplication(Value const& specifier, TextContext const& context);

@@ -13,9 +13,9 @@ bool isTextClass(Code type);
 // The value as one of that class; nothing where there is no way. References are followed first.
 std::optional<Value> coerced(Value const& unresolved, Code type, TextContext const& context);
 
-// The same, with the error that says it cannot be done.
+// Coerces, or throws the error that the coercion is not possible.
 Value requireType(Value const& value, Code type, TextContext const& context);
-// As the first of the classes that it already is, else as the first that it can become.
+// The value as the first of the classes that it already has, else as the first that it can be coerced to.
 Value requireOneOf(Value const& value, std::span<Code const> types, TextContext const& context);
 // A number of either kind.
 Value requireNumber(Value const& value, TextContext const& context);

@@ -8,7 +8,6 @@
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
-#include "platform/events/DescriptorNumber.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/processes/Processes.h"
@@ -182,7 +181,7 @@ private:
         return recordIn(desc);
     }
 
-    // Of two fields of one name the first counts.
+    // The first of two fields of one name counts.
     Value recordIn(AEDesc const& desc) {
         std::vector<std::pair<Symbol, Value>> fields;
         std::unordered_set<Code> known;

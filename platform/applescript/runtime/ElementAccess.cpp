@@ -158,7 +158,7 @@ std::optional<Value> elementOfText(Value const& text, ElementSelector const& sel
     return place ? std::optional(textIn(units, ranges[*place])) : std::nullopt;
 }
 
-// The same part of another container.
+// A specifier of the same form as `part`, in another container.
 Value withContainer(Value const& part, Value const& container) {
     SpecifierObject const& specifier = part.specifier();
     Value const made = elementSpecifier(specifier.form, specifier.want, container, specifier.from, specifier.to);

@@ -94,7 +94,7 @@ private:
     Frame* m_outer;
 };
 
-// One of the standard additions; null for an event that is none.
+// The standard addition that handles the event; null if none does.
 using Addition = Value (*)(Evaluator& evaluator, CommandArguments const& arguments);
 Addition additionFor(EventCode event);
 // Whether the command reads or changes more than the script's own values.

@@ -25,7 +25,7 @@ auto withRange(SourceRange range, Function const& function) {
 Value evaluateCommand(Evaluator& evaluator, CommandCall const& call);
 // The values of the direct parameter and of the others.
 CommandArguments commandArguments(Evaluator& evaluator, CommandCall const& call);
-// Carries out a command that no handler of a script takes. Throws -1708 where nobody else takes it either.
+// Carries out a command that no handler of a script takes. Throws -1708 if nothing handles it.
 Value performCommand(Evaluator& evaluator, CommandTerm const& command, CommandArguments const& arguments);
 
 // Objects that a script names, and questions about them.
@@ -35,7 +35,7 @@ Value evaluateDate(Evaluator& evaluator, DateExpression const& date);
 // Throws -43 for an alias of an item that is not there.
 Value evaluateFile(Evaluator& evaluator, FileReference const& file);
 Value evaluateApplication(Evaluator& evaluator, ApplicationReference const& application);
-// `x is running`, `x is not running`. An application that nobody knows does not run.
+// `x is running`, `x is not running`. An unknown application does not run.
 Value evaluateRunning(Evaluator& evaluator, RunningTest const& test);
 // The number of elements. Throws -1708 for what has none.
 Value evaluateCount(Evaluator& evaluator, CountExpression const& count);

@@ -13,7 +13,7 @@ std::size_t containerCount = 0;
 constexpr std::size_t FewestForCollection = 100000;
 std::size_t collectionThreshold = FewestForCollection;
 
-// Both lists stay for good: values may be taken down when the process ends.
+// Neither list is ever destroyed, since values may be destroyed while the process ends.
 std::vector<HeapObject*>& waitingForDisposal() {
     static std::vector<HeapObject*>& waiting = *std::make_unique<std::vector<HeapObject*>>().release();
     return waiting;
@@ -83,7 +83,7 @@ void ContainerObject::collectCircles() {
             if (ContainerObject* const inner = containerIn(held)) --inner->m_outside;
         });
     for (ContainerObject* container = firstContainer; container; container = container->m_next) {
-        // One that nobody holds yet is being made.
+        // A reference count of 0 means an object under construction.
         if (container->m_outside == 0 && container->count() != 0) continue;
         container->m_reached = true;
         reachedContainers().push_back(container);

@@ -40,7 +40,7 @@ struct TextObject final : HeapObject {
     explicit TextObject(std::u16string text);
     ~TextObject() override;
 
-    // Only for text that nobody sees who should see it as it was.
+    // REQUIRES: no other holder relies on the present text.
     void append(std::u16string_view added);
     // Whether every code unit is a character of its own, so that places need no counting; found out on first need.
     bool isSimple() const;

@@ -11,9 +11,9 @@ struct SpecifierObject final : ContainerObject {
     Form form{Form::Property};
     // The class of elements.
     Code want{0};
-    // Of a property.
+    // The name of a property.
     Symbol property{nullptr};
-    // Nothing: what the target of the moment is.
+    // Empty: the current target.
     Value container{};
     // The index, name, identifier or test; a range reaches from one to the other. A filter's are what is filtered,
     // whose container it shares, and the test.

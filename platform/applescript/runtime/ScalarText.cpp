@@ -10,7 +10,7 @@ namespace mac::applescript {
 
 namespace {
 
-// The choices nobody wrote down; they fit every number seen.
+// Chosen so that every known example comes out right; the rules are not documented.
 constexpr double LeastExponential = 10000;
 constexpr double MostSmallExponential = 0.001;
 constexpr int SignificantDigits = 15;
@@ -19,7 +19,7 @@ constexpr std::size_t LongestReal = 400;
 
 std::u16string widenedASCII(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
-// One decimal stays.
+// At least one decimal is kept.
 void stripZeros(std::string& digits) {
     while (digits.ends_with('0') && !digits.ends_with(".0"))
         digits.pop_back();

@@ -41,7 +41,7 @@ std::optional<std::int64_t> dateInText(std::u16string_view text, std::int64_t ba
 std::int64_t currentDate();
 // Seconds between 1970 in UTC and 1904 in local time at that moment.
 std::int64_t dateOfUnixTime(std::int64_t seconds);
-// The way back.
+// The inverse of dateOfUnixTime.
 std::int64_t unixTimeOfDate(std::int64_t seconds);
 std::int64_t secondsToGMT();
 

@@ -17,8 +17,8 @@ namespace mac::applescript {
 // more than a million values, -1700 for a path that no file can have.
 AEDesc descriptorOfValue(Value const& value, Value const& application = {});
 
-// Nothing for a null descriptor; a type that no value stands for becomes raw data. Throws -1702 for a descriptor that
-// is not what its type says, -2708 for more than a million values.
+// The value of a descriptor: Nothing for a null descriptor; a type that no value stands for becomes raw data. Throws
+// -1702 for a descriptor that is not what its type says, -2708 for more than a million values.
 //
 // `valueOfForeign`, if it is given, is asked first about each descriptor of bytes, at any depth: for types that stand
 // for something only in some application's events. Nothing leaves the descriptor to the rules above.

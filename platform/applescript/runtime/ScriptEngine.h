@@ -26,7 +26,7 @@ public:
 
     // `arguments` are what `on run` is given. An error's range is set.
     ScriptOutcome run(RunOptions const& options, std::vector<Value> const& arguments = {});
-    // Call a handler, by name or by the event of its command; -1708 where there is none.
+    // Call a handler, by name or by the event of its command; error -1708 if the script has none.
     ScriptOutcome call(RunOptions const& options, HandlerMessage const& message);
     ScriptOutcome handle(RunOptions const& options, EventCode event, CommandArguments const& arguments);
 

@@ -11,7 +11,7 @@ namespace mac::applescript {
 struct ScriptError {
     std::int32_t number{0};
     std::u16string message{};
-    // Nothing where the error is about no object.
+    // Empty if the error is not about an object.
     Value from{};
     Value to{};
     Value partialResult{};

@@ -10,7 +10,7 @@ namespace mac::applescript {
 
 // "/a/b:c" is "Macintosh HD:a:b/c"; a final slash becomes a final colon.
 std::u16string hfsPathOf(std::u16string_view posixPath);
-// The way back; a volume that is not mounted is taken to be one below /Volumes.
+// The inverse of hfsPathOf; a volume that is not mounted is taken to be one below /Volumes.
 std::u16string posixPathOf(std::u16string_view hfsPath);
 
 bool existsAt(std::u16string_view posixPath);

@@ -69,7 +69,7 @@ private:
     std::uint32_t m_count{0};
 };
 
-// One value of the language: 16 bytes; passed by value. Lists, records, dates and scripts are shared, not copied.
+// A value of the language: 16 bytes; passed by value. Lists, records, dates and scripts are shared, not copied.
 class Value {
 public:
     constexpr Value() = default;

@@ -72,7 +72,7 @@ ShellCommand::ShellCommand(std::vector<std::string> words, FileDescriptor const&
 
 ShellCommand::~ShellCommand() {
     if (m_process <= 0) return;
-    // One that runs with more rights cannot be ended, and is not waited for.
+    // A command with more rights than this process cannot be signalled, and is not waited for.
     bool const isEnding = ::kill(-m_process, SIGKILL) == 0;
     ::waitpid(m_process, nullptr, isEnding ? 0 : WNOHANG);
 }

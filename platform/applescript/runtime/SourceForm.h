@@ -11,7 +11,7 @@ std::u16string humanForm(Value const& value);
 // The path as HFS text: volume and folders after colons; folders end with one.
 std::u16string filePathText(Value const& file);
 
-// While one lives, references into the application are written as it is told of them: without saying whose they are.
+// While an object of this class exists, references into the application are written without the application's name.
 class WithinApplication {
 public:
     explicit WithinApplication(Value const& application);

@@ -17,9 +17,9 @@ void assign(Evaluator& evaluator, Expression const& target, Value const& value);
 // Gives the parameter of a handler its argument; null where the call leaves it out, which only optional ones take.
 void bindParameter(Evaluator& evaluator, Parameter const& parameter, Value const* argument);
 
-// Carries out a `set` that adds to the text or list of the same variable, as in `set l to l & {i}`. The text or list
-// grows where it lies if nobody else sees it, so that adding costs what is added. False for other statements, of which
-// nothing has been done.
+// Carries out a `set` that adds to the text or list of the same variable, as in `set l to l & {i}`. A text or list
+// without other holders grows in place, so that the cost is proportional to what is added. False for other statements,
+// of which nothing has been done.
 bool executeGrowth(Evaluator& evaluator, SetStatement const& statement);
 
 // Loops. Bounds, counts and lists are evaluated once; Flow::Exit ends with the loop.

@@ -47,7 +47,7 @@ std::vector<SourceRange> characters(std::u16string_view units) {
     return ranges;
 }
 
-// What stands between words is none.
+// The text between words is not a word.
 std::vector<SourceRange> words(std::u16string_view units) {
     std::vector<SourceRange> ranges;
     UBreakIterator* const breaks = breaksOf(UBRK_WORD, units);

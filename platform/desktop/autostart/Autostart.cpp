@@ -18,7 +18,7 @@ namespace mac {
 
 namespace {
 
-// A desktop entry is smaller by far; a larger file is none.
+// A desktop entry is smaller by far; a larger file is not read as one.
 constexpr std::size_t LargestAutostartFile = std::size_t{1} << 20;
 constexpr std::string_view EntryExtension = ".desktop";
 
@@ -87,8 +87,8 @@ struct FolderRead {
 
 enum class FolderOwner { User, System };
 
-// Whether the problem tells that there is no entry, rather than that nobody knows. What the user may not read of the
-// system's starts nothing for that user.
+// Whether the problem means that there is no entry, rather than that it could not be looked at. What the user may not
+// read of the system's starts nothing for that user.
 bool isOfNoEntry(SystemError const& problem, FolderOwner owner) {
     if (problem.is(EACCES)) return owner == FolderOwner::System;
     constexpr std::array codes{ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG, EISDIR, EINVAL, EFBIG};

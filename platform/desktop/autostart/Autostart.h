@@ -30,7 +30,7 @@ struct AutostartEntry {
     enum class Standing {
         // No desktop entry; a file of its name in a later folder counts.
         NoEntry,
-        // It starts nothing here, and hides files of its name in later folders.
+        // The entry starts nothing here, and hides files of its name in later folders.
         Masks,
         Starts,
     };
@@ -39,7 +39,7 @@ struct AutostartEntry {
     static AutostartEntry of(DesktopEntry const& file, AutostartRules const& rules);
 };
 
-// One program that starts at log-in.
+// A program that starts at log-in.
 struct AutostartItem {
     // "NAME.desktop"
     std::string fileName{};

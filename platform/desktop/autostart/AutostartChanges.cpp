@@ -68,7 +68,7 @@ Result<void> removeItem(FileDescriptor const& folder, std::string const& name, F
     Result<ItemStatus> const state = statusOf(item);
     if (!state.hasValue()) return state.problem();
     if (Result<void> const removed = removeExactly(folder, name, state.value()); !removed.isDone()) return removed;
-    // It is gone, also if that does not reach the disk: a failure would say that nothing was changed.
+    // The entry is removed even if flushing to the disk fails; a failure would mean that nothing was changed.
     (void)flushFolder(folder);
     return {};
 }

@@ -26,7 +26,7 @@ std::string_view withoutEnding(std::string_view name, std::string_view ending) {
     return ends ? name.substr(0, name.size() - ending.size()) : name;
 }
 
-// As a value of a desktop entry, on one line: what is no text becomes a question mark.
+// The bytes as a value of a desktop entry, on one line: what is not UTF-8 becomes a question mark.
 std::string nameValue(std::string_view name) {
     std::string value;
     for (char const character : unitsFromUTF8(name) ? std::string(name) : std::string()) {

@@ -21,7 +21,7 @@ struct FileBrowser {
     std::string program;
 };
 
-// The default application for folders, looked up anew; nullopt if there is none.
+// The default application for folders, looked up anew; nullopt if no application is set for them.
 std::optional<FileBrowser> defaultFileBrowser();
 
 // The command by which the bus would start the browser as the service org.freedesktop.FileManager1; nullopt for a
@@ -44,8 +44,8 @@ std::optional<ProgramStart> rememberedStart(FileBrowser const& browser);
 bool isProcessMissing(FileBrowser const& browser);
 
 // Asks the browser to quit as a user would, by the action "quit" of its desktop entry, else by its program's own way,
-// else by SIGTERM, and does not wait. Remembers how the first of the processes was started. False if there is none to
-// ask.
+// else by SIGTERM, and does not wait. Remembers how the first of the processes was started. False if no process was
+// given or none could be asked.
 bool askToQuit(FileBrowser const& browser, std::vector<ProcessIdentity> const& processes);
 
 // Asks any process to quit and does not wait: the file browser as above, others by SIGTERM. False if it has ended

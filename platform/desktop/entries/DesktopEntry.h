@@ -70,7 +70,7 @@ std::vector<std::string> applicationFolders();
 std::vector<InstalledEntry> installedEntries();
 
 // The path of the installed entry with the desktop file ID, in which a dash may stand for a folder's end
-// ("kde-files.desktop" for "kde/files.desktop"); nullopt if there is none that can be read.
+// ("kde-files.desktop" for "kde/files.desktop"); nullopt if no such entry can be read.
 std::optional<std::string> pathOfEntryWithID(std::string identifier);
 
 // The program's file with links resolved, given its path or its name in the search path; nullopt if there is none that

@@ -42,7 +42,7 @@ std::string unescaped(std::string_view text) {
         case '\\':
             result.push_back('\\');
             break;
-        // Not an escape here: command lines have their own.
+        // Kept: not an escape of key files; command lines have escapes of their own.
         default:
             result.append({'\\', next});
         }

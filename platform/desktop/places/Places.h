@@ -21,7 +21,7 @@ enum class PlacesList {
 
 struct Place {
     PlacesList list;
-    // As written, mostly percent-escaped; UTF-8.
+    // The address as the list has it, mostly percent-escaped; UTF-8.
     std::string uri;
     // The name for people in UTF-8; empty if the browser makes one.
     std::string label;
@@ -63,7 +63,7 @@ struct RemovedPlace {
 };
 
 struct PlacesChange {
-    // As they were read. A place that is gone already counts as removed.
+    // The places to remove, as they were read. A place that is missing already counts as removed.
     std::vector<Place> removed{};
     // Places that were removed before; they get their old position back.
     std::vector<RemovedPlace> restored{};

@@ -21,7 +21,7 @@ bool isURI(std::string_view text) {
            std::ranges::all_of(text.substr(0, colon), isSchemeByte);
 }
 
-// The entry in the line, which has no line feed; nullopt if it is none.
+// The entry in the line, which has no line feed; nullopt if the line is not an entry.
 std::optional<std::pair<std::string, std::string>> uriAndLabel(std::string_view line) {
     if (line.ends_with('\r')) line.remove_suffix(1);
     std::size_t const blank = line.find(' ');

@@ -14,7 +14,7 @@ namespace mac {
 
 // An entry and the stretch of the file's text that holds it.
 struct PlaceEntry {
-    // As written in UTF-8, with XML's references resolved; mostly percent-escaped, never empty.
+    // The address in UTF-8, with XML's references resolved; mostly percent-escaped, never empty.
     std::string uri;
     // The name for people; empty if the entry has none.
     std::string label;

@@ -17,7 +17,7 @@ constexpr LogOutCall XfceLogOut{.service = "org.xfce.SessionManager",
                                 .interface = "org.xfce.Session.Manager",
                                 .method = "Logout",
                                 .arguments = LogOutCall::Arguments::TrueTrue};
-// Not the service that ends the session, which never asks.
+// Calls the service that asks, not the one that ends the session at once.
 constexpr LogOutCall PlasmaLogOut{.service = "org.kde.LogoutPrompt",
                                   .path = "/LogoutPrompt",
                                   .interface = "org.kde.LogoutPrompt",

@@ -21,9 +21,10 @@ enum class ProcessWindows { None, Shown, Minimized };
 
 // nullopt without an X11 display whose window manager lists the windows.
 std::optional<ProcessWindows> windowsOfProcess(std::int32_t pid);
-// Asks the window manager to minimise all windows of the process. False if it has none, or there is nobody to ask.
+// Asks the window manager to minimise all windows of the process. False if it has none, or no window manager runs.
 bool minimizeWindows(std::int32_t pid);
-// Asks for its minimised windows to show again, the topmost one last. False as above.
+// Asks the window manager to restore the process's minimised windows, the topmost one last. False if it has none, or no
+// window manager runs.
 bool restoreWindows(std::int32_t pid);
 
 } // namespace mac

@@ -30,7 +30,7 @@ std::vector<std::uint32_t> windowsOf(X11Display const& display) {
     return windows;
 }
 
-// As a pager asks, on the user's behalf: a window manager may only mark the window for a program's own request.
+// Sent as a pager does, on the user's behalf: a window manager may only mark the window for a program's own request.
 bool activate(X11Display const& display, std::uint32_t window) {
     constexpr std::uint32_t fromPager = 2;
     constexpr std::uint32_t now = 0;

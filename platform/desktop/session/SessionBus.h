@@ -33,7 +33,7 @@ std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const&
 struct BusNameOwner {
     // Its unique name (":1.42"); empty without an owner.
     QString number;
-    // The D-Bus error if there is none: "org.freedesktop.DBus.Error.NameHasNoOwner".
+    // The D-Bus error if the name has no owner, or the bus did not tell: "org.freedesktop.DBus.Error.NameHasNoOwner".
     QString errorName;
 };
 BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name,

@@ -1,5 +1,5 @@
 #include "platform/files/aliases/Aliases.h"
-#include "platform/files/aliases/AliasSearch.h"
+#include "platform/files/aliases/AliasRecord.h"
 #include "platform/files/references/FileStatuses.h"
 #include "platform/files/references/HFSPaths.h"
 #include "platform/files/references/ItemReferences.h"

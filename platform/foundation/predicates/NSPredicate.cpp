@@ -1,6 +1,5 @@
 #include "platform/foundation/predicates/NSPredicate.h"
 #include "platform/foundation/objects/Method.h"
-#include "platform/foundation/predicates/PredicateParser.h"
 #include "platform/foundation/predicates/PredicateTree.h"
 
 namespace mac {

@@ -1,9 +1,9 @@
-#include "platform/foundation/predicates/PredicateParser.h"
 #include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/NSNull.h"
 #include "platform/foundation/predicates/PredicateLexer.h"
 #include "platform/foundation/predicates/PredicatePattern.h"
+#include "platform/foundation/predicates/PredicateTree.h"
 #include <algorithm>
 #include <array>
 #include <limits>

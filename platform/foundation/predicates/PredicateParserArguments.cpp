@@ -1,5 +1,5 @@
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/predicates/PredicateParser.h"
+#include "platform/foundation/predicates/PredicateTree.h"
 
 namespace mac {
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/foundation/predicates/NSPredicate.h"
+#include "platform/foundation/text/Format.h"
+#include "platform/foundation/text/NSString.h"
 #include <memory>
 #include <vector>
 
@@ -69,5 +71,20 @@ bool evaluatePredicate(PredicateNode const& node, id const& object);
 // other constant stands as its description.
 std::u16string formatOfPredicate(PredicateNode const& node);
 bool areEqualPredicates(PredicateNode const& first, PredicateNode const& second);
+
+// The tree of a predicate's text. The arguments take their places as values, after the text has been cut into words:
+// what stands in them is never read as language. Anything else than one whole predicate raises
+// NSInvalidArgumentException.
+PredicateNode parsePredicate(NSString const& format, std::span<FormatArgument const> arguments);
+
+// Thrown and caught within the parser, which knows the place.
+struct PredicateArgumentMismatch {
+    std::string what;
+};
+
+// The argument of a %K.
+NSString keyPathArgument(FormatArgument const& argument);
+// The argument of any other conversion as an object; nil is a value.
+id valueArgument(FormatArgument const& argument, char16_t conversion);
 
 }

@@ -1,5 +1,5 @@
 #include "platform/foundation/running/BackgroundWork.h"
-#include "platform/foundation/objects/Boundary.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include <system_error>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/text/NSString.h"
 #include <functional>
 
@@ -50,5 +51,18 @@ void wakeWaitingNotifications();
 // those for when it is idle one at a time if there are no others. Answers whether there was one. For the run loops of
 // threads other than the main one.
 bool postWaitingNotifications();
+
+// Writes the exception that is being handled to the log: its name and its reason.
+void logCurrentException();
+
+// Where the event loop calls the program: an exception is logged and goes no further, since the loop cannot carry it.
+template <class Function>
+void guarded(Function&& function) {
+    try {
+        function();
+    } catch (...) {
+        logCurrentException();
+    }
+}
 
 } // namespace mac

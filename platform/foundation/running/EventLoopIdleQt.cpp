@@ -1,4 +1,3 @@
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include <QCoreApplication>

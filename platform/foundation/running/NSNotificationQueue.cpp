@@ -1,5 +1,4 @@
 #include "platform/foundation/running/NSNotificationQueue.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/EventLoop.h"

@@ -1,8 +1,8 @@
 #include "platform/foundation/running/NSRunLoop.h"
-#include "platform/foundation/objects/Boundary.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/EventLoop.h"
+#include "platform/foundation/running/Log.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
@@ -172,5 +172,17 @@ RunLoopModeScope::~RunLoopModeScope() {
 }
 
 NSString currentRunLoopMode() { return s_innermost ? s_innermost->mode() : NSString(NSDefaultRunLoopMode); }
+
+void logCurrentException() {
+    try {
+        throw;
+    } catch (NSException const& exception) {
+        NSLog("An exception ended an event early: %s: %s", exception.name(), exception.reason());
+    } catch (std::exception const& exception) {
+        NSLog("An exception ended an event early: %s", exception.what());
+    } catch (...) {
+        NSLog("An exception ended an event early: it tells nothing of itself");
+    }
+}
 
 } // namespace mac

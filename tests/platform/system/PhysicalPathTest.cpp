@@ -1,5 +1,5 @@
-#include "platform/system/PhysicalPath.h"
 #include "platform/system/FileDescriptor.h"
+#include "platform/system/LongPath.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"

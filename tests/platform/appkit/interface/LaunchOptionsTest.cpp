@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/LaunchOptions.h"
+#include "platform/appkit/interface/NSApplicationMain.h"
 #include "tests/support/ChildProcess.h"
 #include <gtest/gtest.h>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "platform/applescript/applications/Dictionary.h"
-#include "platform/applescript/applications/ApplicationList.h"
 #include "platform/applescript/applications/ApplicationModel.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/runtime/Coercion.h"
 #include "platform/applescript/runtime/ScriptEngine.h"

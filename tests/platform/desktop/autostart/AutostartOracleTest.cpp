@@ -1,6 +1,6 @@
 #include "platform/desktop/autostart/AutostartChanges.h"
 #include "platform/desktop/entries/StartedItem.h"
-#include "platform/desktop/session/LogOut.h"
+#include "platform/desktop/session/Session.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/platform/desktop/VirtualSession.h"
 #include "tests/platform/desktop/autostart/AutostartFolders.h"

@@ -1,4 +1,4 @@
-#include "platform/desktop/session/LogOut.h"
+#include "platform/desktop/session/Session.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <optional>
 #include <ostream>

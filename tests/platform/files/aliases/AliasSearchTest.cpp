@@ -1,4 +1,4 @@
-#include "platform/files/aliases/AliasSearch.h"
+#include "platform/files/aliases/AliasRecord.h"
 #include "tests/support/Environment.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"

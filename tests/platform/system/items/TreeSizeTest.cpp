@@ -1,5 +1,5 @@
 #include "platform/system/items/TreeSize.h"
-#include "platform/system/ContentsComparison.h"
+#include "platform/system/FolderContents.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <filesystem>

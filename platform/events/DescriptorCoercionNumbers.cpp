@@ -1,4 +1,4 @@
-#include "platform/events/DescriptorNumber.h"
+#include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/foundation/numbers/NumberText.h"
 #include "platform/foundation/text/Encodings.h"

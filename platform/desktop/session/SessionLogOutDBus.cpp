@@ -1,7 +1,7 @@
 #include "platform/desktop/entries/DesktopApplication.h"
 #include "platform/desktop/session/Desktops.h"
-#include "platform/desktop/session/LogOut.h"
 #include "platform/desktop/session/Patience.h"
+#include "platform/desktop/session/Session.h"
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/foundation/running/EventLoop.h"
 #include <QDBusConnection>

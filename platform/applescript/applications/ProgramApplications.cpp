@@ -1,4 +1,4 @@
-#include "platform/applescript/applications/ApplicationList.h"
+#include "platform/applescript/applications/Program.h"
 #include "platform/applescript/language/Terminology.h"
 #include <array>
 

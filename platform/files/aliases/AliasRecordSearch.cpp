@@ -1,4 +1,4 @@
-#include "platform/files/aliases/AliasSearch.h"
+#include "platform/files/aliases/AliasRecord.h"
 #include "platform/files/volumes/VolumeIdentity.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"

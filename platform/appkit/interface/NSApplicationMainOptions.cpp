@@ -1,4 +1,4 @@
-#include "platform/appkit/interface/LaunchOptions.h"
+#include "platform/appkit/interface/NSApplicationMain.h"
 #include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/foundation/text/NSString.h"
 #include "platform/foundation/text/VisibleLine.h"
