@@ -1,4 +1,5 @@
 #include "app/InTrashTransformer.h"
+#include "platform/desktop/session/AnsweringItems.h"
 #include "platform/files/trash/Trash.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/Method.h"
@@ -25,7 +26,7 @@ bool InTrashTransformer::allowsReverseTransformation() { return false; }
 
 id InTrashTransformer::Body::transformedValue(id const& value) const {
     std::optional<std::string> const path = as<NSString>(value).fileSystemRepresentation();
-    if (!path) return NSNumber::numberWithBool_(NO);
+    if (!path || !AnsweringItems::shared()->mayRead(*path)) return NSNumber::numberWithBool_(NO);
     auto const place = placeInTrash(*path);
     return NSNumber::numberWithBool_(BOOL(place.hasValue() && place.value().has_value()));
 }

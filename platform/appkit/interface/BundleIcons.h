@@ -13,7 +13,7 @@ namespace mac {
 // its time of modification changes. Main thread.
 class BundleIcons {
 public:
-    // An empty icon for nil and where no bundle is.
+    // An empty icon for nil, where no bundle is and on a volume that is known not to answer.
     QIcon iconOfBundle(NSString const& path);
 
 private:
