@@ -7,7 +7,8 @@ namespace benchmarks {
 // One start of a program that holds a probe: how long until the probe told its figure, and the figure.
 struct StartUpRun {
     double seconds = 0;
-    long kilobytes = 0;
+    // The number that the program's probe printed.
+    long answer = 0;
 };
 
 // Ends this program with a message when the other tells nothing.
