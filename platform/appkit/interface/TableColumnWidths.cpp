@@ -7,7 +7,6 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyle>
-#include <QTimer>
 #include <algorithm>
 
 namespace mac {
@@ -23,8 +22,6 @@ constexpr int NarrowestSection = 30;
 constexpr int SortMark = 16;
 // So many rows count for the widths before anybody looks at them.
 constexpr int FirstRows = 1000;
-// With more rows than these, reading all of them would make the event that changed them noticeably longer.
-constexpr int MostRowsAtOnce = 10'000;
 
 } // namespace
 
@@ -129,11 +126,6 @@ void TableColumnWidths::fitContents() {
     m_widestPath = 0;
     fitRows(0, FirstRows);
     fitVisible();
-}
-
-void TableColumnWidths::fitChangedContents() {
-    if (m_model.rowCount() <= MostRowsAtOnce) return fitContents();
-    QTimer::singleShot(0, this, [this] { guarded([this] { fitContents(); }); });
 }
 
 void TableColumnWidths::fitVisible() {

@@ -21,9 +21,6 @@ public:
 
     // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
     void fitContents();
-    // Does so after the rows have changed. With very many, by an event of its own, since what their paths have in
-    // common is read of all of them.
-    void fitChangedContents();
 
     // The columns that the user made wider or narrower, in pixels by number.
     QMap<int, int> chosenWidths() const;

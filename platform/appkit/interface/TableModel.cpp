@@ -108,20 +108,18 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 }
 
 CommonPath TableModel::commonPath(int section) const {
-    if (!m_areCommonPathsFound) findCommonPaths();
     std::size_t const number = static_cast<std::size_t>(section);
     return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
 }
 
 // A text for the screen has as many code units as the path.
-void TableModel::findCommonPaths() const {
-    m_areCommonPathsFound = true;
+void TableModel::findCommonPaths(NSArray const& rows) {
     m_commonPaths.assign(m_columns.size(), {});
     for (std::size_t section = 0; section < m_columns.size(); ++section) {
         if (!m_columns[section].elidesCommonPath) continue;
         guarded([&] {
             CommonPathFinder finder;
-            for (id const& object : m_rows) {
+            for (id const& object : rows) {
                 finder.add(as<NSString>(valueOfKeyPath(object, m_columns[section].keyPath)).codeUnits());
                 if (finder.isEmpty()) break;
             }
@@ -131,16 +129,17 @@ void TableModel::findCommonPaths() const {
 }
 
 void TableModel::resetRows(NSArray const& rows) {
+    findCommonPaths(rows);
     beginResetModel();
     m_isBroken.clear();
     m_rows.assign(rows.begin(), rows.end());
-    m_areCommonPathsFound = false;
     endResetModel();
 }
 
 // The steps: those that go are moved to the end and removed, the new ones are added at the end, and all move to their
 // places.
 void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows) {
+    findCommonPaths(rows);
     std::size_t const count = previousRows.size();
     m_isBroken.clear();
     std::vector<int> newRowOf(m_rows.size(), Gone);
@@ -180,7 +179,6 @@ void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> pr
         }
         endInsertRows();
     }
-    m_areCommonPathsFound = false;
     reorder(staying);
     if (isChanged) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
 }

@@ -52,14 +52,12 @@ public:
 
 private:
     QVariant cell(id const& object, TableColumn const& column, int role) const;
-    void findCommonPaths() const;
+    void findCommonPaths(NSArray const& rows);
     void reorder(std::vector<int> const& newRowOf);
 
     std::vector<TableColumn> m_columns;
     std::vector<id> m_rows;
-    // Found on first need, so that reading all rows for it is a step of its own behind the change of the rows.
-    mutable std::vector<CommonPath> m_commonPaths;
-    mutable bool m_areCommonPathsFound{false};
+    std::vector<CommonPath> m_commonPaths;
     NSString m_fileKeyPath;
     QPointer<QWidget const> m_colorSource;
     // Columns whose value could not be read, so that it is logged once for each change and not for each painting.

@@ -95,25 +95,6 @@ TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeInASmallWindow) {
     EXPECT_TRUE(m_window.column(PathColumn).contains(path)) << "the cell's text is the path";
 }
 
-TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeAmongVeryMany) {
-    std::string const deep = "/volumes/a/" + std::string(70, 'n') + "/Mirror Frame.app";
-    NSMutableSet const records = NSMutableSet::set();
-    records.unionSet_(makeRecords({deep.c_str()}));
-    constexpr int Many = 10'001;
-    for (int number = 0; number < Many; ++number)
-        records.unionSet_(makeRecords({("/volumes/a/" + std::to_string(number) + "/Mirror Frame.app").c_str()}));
-    m_window.controller().setPaths_(records);
-    m_window.widget()->resize(m_window.widget()->minimumSize());
-    QCoreApplication::processEvents();
-    m_window.table()->scrollToBottom();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(model().commonPath(PathColumn).start, 11);
-    QString const shown =
-        elidedPath(QString::fromStdString(deep), model().commonPath(PathColumn), m_window.table()->fontMetrics(),
-                   header()->sectionSize(PathColumn) - 2 * TableCellMargin);
-    EXPECT_TRUE(shown.contains(QString(70, 'n'))) << shown.toStdString();
-}
-
 // A cell shortens texts beyond a thousand characters before it draws them.
 TEST_F(PathsInTheWindow, MayShareMoreThanACellShows) {
     std::string const folder = "/volumes/" + std::string(1'200, 'n') + "/";
