@@ -1,12 +1,10 @@
 #include "app/Registration.h"
 #include "app/AppController.h"
-#include "app/BOOLToColorTransformer.h"
-#include "app/BOOLToStringTransformer.h"
 #include "app/CopyDetails.h"
-#include "app/InTrashTransformer.h"
 #include "app/Outlets.h"
 #include "app/Panes.h"
 #include "app/ScanChanges.h"
+#include "app/ValueTransformers.h"
 #include "platform/foundation/objects/Method.h"
 
 namespace framekeeper {

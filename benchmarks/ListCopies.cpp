@@ -7,7 +7,7 @@
 
 #include "benchmarks/Timing.h"
 #include "platform/system/walker/VolumeWalker.h"
-#include "tests/support/Spawn.h"
+#include "tests/support/Commands.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "benchmarks/ResidentMemory.h"
+#include "benchmarks/StartUpRun.h"
 
 #include <cstdio>
 #include <cstdlib>

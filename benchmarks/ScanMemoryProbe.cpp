@@ -1,4 +1,4 @@
-#include "benchmarks/ResidentMemory.h"
+#include "benchmarks/StartUpRun.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/spotlight/NSMetadataQuery.h"

@@ -2,7 +2,13 @@
 
 #include <vector>
 
+// Programs that tell a figure of themselves and end, and what starts them.
+
 namespace benchmarks {
+
+// For the probe in a program: writes how much memory this process holds, in KiB, to standard output and ends it at
+// once.
+[[noreturn]] void tellMemoryAndEnd();
 
 // One start of a program that holds a probe: how long until the probe told its figure, and the figure.
 struct StartUpRun {
@@ -11,7 +17,8 @@ struct StartUpRun {
     long answer = 0;
 };
 
-// Ends this program with a message when the other tells nothing.
+// Starts the program, which holds a probe, and waits for its figure. Ends this program with a message when the other
+// tells nothing.
 StartUpRun startUp(char const* program);
 
 class StartUpMedians {

@@ -1,5 +1,5 @@
 #include "benchmarks/Timing.h"
-#include "tests/support/Spawn.h"
+#include "tests/support/Commands.h"
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>

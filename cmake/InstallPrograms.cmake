@@ -55,3 +55,8 @@ install(FILES ${completions}/_framekeeper-cli DESTINATION ${CMAKE_INSTALL_DATADI
         COMPONENT programs)
 install(FILES ${completions}/framekeeper-cli.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
         COMPONENT programs)
+
+# Where Ansible looks for collections if the prefix is /usr.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/packaging/ansible/
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/ansible/collections/ansible_collections/framekeeper/copies
+        COMPONENT programs PATTERN LICENSE EXCLUDE PATTERN __pycache__ EXCLUDE)

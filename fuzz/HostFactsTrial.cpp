@@ -1,12 +1,14 @@
-#include "fuzz/HostFactsTrial.h"
 #include "command/HostReport.h"
+#include "fuzz/Trials.h"
 #include <algorithm>
 #include <cstddef>
 #include <vector>
 
-namespace framekeeper::test {
+namespace mac::fuzz {
 
 namespace {
+
+using namespace framekeeper;
 
 constexpr std::size_t FieldsOfARow = 13;
 
@@ -76,4 +78,4 @@ std::string complaintAboutHostFacts(std::string_view bytes) {
     return complaintAboutRows(hostRows({host}));
 }
 
-} // namespace framekeeper::test
+} // namespace mac::fuzz

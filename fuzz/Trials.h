@@ -7,7 +7,7 @@
 
 // What the readers of outside data must hold whatever they are given. Each function takes the bytes of one input and
 // answers what did not hold, or an empty text; bytes that are of another form are right as long as the reader says so.
-// The fuzz targets call them with what the fuzzer makes up, the tests with the files of `fuzz/corpus`.
+// The fuzz targets call them with what the fuzzer makes up, tests/fuzz/CorporaTest.cpp with the files of `fuzz/corpus`.
 
 namespace mac::fuzz {
 
@@ -19,6 +19,10 @@ std::string complaintAboutAppleDouble(std::span<std::byte const> bytes);
 
 // An archived colour.
 std::string complaintAboutArchivedColor(std::span<std::byte const> bytes);
+
+// A property list in an attribute of a file. A list that is read must be written into another attribute and be the same
+// there.
+std::string complaintAboutAttributeList(std::span<std::byte const> bytes);
 
 // An autostart entry, the command line of one, and a shell's text.
 std::string complaintAboutAutostart(std::string_view bytes);
@@ -37,6 +41,9 @@ std::string complaintAboutContentType(std::span<std::byte const> bytes);
 // Dates as people and as other programs write them: a date that is written and read again must be the same.
 std::string complaintAboutDateText(std::string_view bytes);
 
+// A flat descriptor, of which an object is made. The object must be the same each time.
+std::string complaintAboutDescriptorObject(std::span<std::byte const> bytes);
+
 // A dynamic type identifier, and a tag that one is made of: both must come back as they were.
 std::string complaintAboutDynamicType(std::string_view bytes);
 
@@ -47,11 +54,24 @@ std::string complaintAboutEncoding(std::string_view bytes);
 // Finder information, a resource fork with an icon in it, and an icon.
 std::string complaintAboutFinderInformation(std::span<std::byte const> bytes);
 
+// A flat descriptor: what was read is written as the same bytes, or refused with a reason.
+std::string complaintAboutFlatDescriptor(std::span<std::byte const> bytes);
+
 // A line that chooses the arguments, and a format.
 std::string complaintAboutFormat(std::string_view bytes);
 
+// What a host told of its copies, reported in both forms.
+std::string complaintAboutHostFacts(std::string_view bytes);
+// A report in HTML: every element that is opened must be closed in its turn.
+std::string complaintAboutPage(std::string_view page);
+// A report in CSV (RFC 4180): rows of 13 fields each, none of which a spreadsheet takes for a formula.
+std::string complaintAboutRows(std::string_view rows);
+
 // The contents of an image file, and a family of icons.
 std::string complaintAboutImage(std::span<std::byte const> bytes);
+
+// A desktop entry, or a list of default applications. Only that reading ends is tried.
+std::string complaintAboutKeyFile(std::string_view bytes);
 
 // The system's list of mounts: read, written and read again, and its volumes listed. Lines of another form are left
 // out.
@@ -107,6 +127,9 @@ std::string complaintAboutURL(std::string_view bytes);
 // The file of a domain of user defaults, and arguments with NUL between them. A file that can be read keeps all its
 // values when another one is added; any other file stays as it is.
 std::string complaintAboutUserDefaults(std::span<std::byte const> bytes);
+
+// The list of the user's folders: a folder in it must be an absolute path.
+std::string complaintAboutUserFolderList(std::string_view bytes);
 
 // Versions of bundles in two lines: a version that was trimmed must be the same version, and the order must be one.
 std::string complaintAboutVersion(std::string_view bytes);

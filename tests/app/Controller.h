@@ -2,9 +2,12 @@
 
 #include "app/AppController.h"
 #include "platform/foundation/numbers/NSNumber.h"
+#include "platform/system/processes/ProcessList.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/RunUntil.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestRun.h"
+#include <algorithm>
 #include <string>
 
 namespace framekeeper::test {
@@ -45,4 +48,17 @@ inline bool flag(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();
 }
 
-}
+// For tests that expect an inventory without running copies other than their own. They are skipped only if the
+// system refuses a process namespace and a copy of the companion happens to run.
+class OnlyOwnCopies : public testing::Test {
+protected:
+    void SetUp() override {
+        if (mac::test::hasOwnProcesses()) return;
+        bool const doesCopyRun = std::ranges::any_of(mac::runningProcesses(), [](mac::RunningProcess const& process) {
+            return mac::programOf(process).find("/Mirror Frame.app/") != std::string::npos;
+        });
+        if (doesCopyRun) GTEST_SKIP() << "a copy of the companion runs, and this system refuses a process namespace";
+    }
+};
+
+} // namespace framekeeper::test

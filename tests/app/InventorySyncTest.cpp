@@ -2,7 +2,6 @@
 #include "app/AppControllerBody.h"
 #include "platform/foundation/running/NSTimer.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>

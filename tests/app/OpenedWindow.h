@@ -3,7 +3,6 @@
 #include "platform/appkit/interface/InterfaceFile.h"
 #include "platform/appkit/views/NSApplication.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"
 #include <QAction>

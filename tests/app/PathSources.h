@@ -1,7 +1,6 @@
 #pragma once
 
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include <gtest/gtest.h>
 #include <ostream>
 

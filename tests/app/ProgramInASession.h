@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/platform/desktop/VirtualSession.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include <memory>
 #include <sstream>
 #include <string>

@@ -1,6 +1,5 @@
 #include "app/AppController.h"
-#include "app/BOOLToColorTransformer.h"
-#include "app/BOOLToStringTransformer.h"
+#include "app/ValueTransformers.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include <gtest/gtest.h>
 

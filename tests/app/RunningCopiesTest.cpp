@@ -6,7 +6,7 @@
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/Companion.h"
-#include "tests/support/OwnProcesses.h"
+#include "tests/support/TestRun.h"
 #include <algorithm>
 #include <csignal>
 #include <cstdio>

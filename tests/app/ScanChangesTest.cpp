@@ -1,7 +1,6 @@
 #include "app/ScanChanges.h"
 #include "app/InventorySync.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"
 #include <filesystem>

@@ -1,7 +1,6 @@
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

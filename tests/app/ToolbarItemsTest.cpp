@@ -5,7 +5,7 @@
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/DiskContents.h"
-#include "tests/support/OwnProcesses.h"
+#include "tests/support/TestRun.h"
 #include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>

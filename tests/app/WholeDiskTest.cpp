@@ -1,7 +1,6 @@
 #include "app/AppControllerBody.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/SeededRandom.h"
 #include <algorithm>
 #include <cstdio>

@@ -5,7 +5,6 @@
 #include "platform/foundation/objects/Method.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/app/Controller.h"
-#include "tests/app/OnlyOwnCopies.h"
 #include "tests/app/OpenedWindow.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"

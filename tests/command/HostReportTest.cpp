@@ -1,5 +1,5 @@
 #include "command/HostReport.h"
-#include "fuzz/HostFactsTrial.h"
+#include "fuzz/Trials.h"
 #include "tests/command/CommandRun.h"
 #include <algorithm>
 
@@ -78,7 +78,7 @@ TEST(HostReport, HasHeadersAndACaptionForEachTable) {
     EXPECT_EQ(countOf(page, "<table>"), 6U);
     EXPECT_EQ(countOf(page, "<caption>"), countOf(page, "<table>"));
     EXPECT_EQ(countOf(page, "<thead><tr><th scope=\"col\">"), countOf(page, "<table>"));
-    EXPECT_EQ(complaintAboutPage(page), "");
+    EXPECT_EQ(mac::fuzz::complaintAboutPage(page), "");
 }
 
 TEST(HostReport, GivesSpreadsheetsOneRowForEachCopyAndEachHostWithoutOne) {
@@ -89,7 +89,7 @@ TEST(HostReport, GivesSpreadsheetsOneRowForEachCopyAndEachHostWithoutOne) {
               std::string::npos)
         << rows;
     EXPECT_NE(rows.find("\"<script>\",\"late\",\"\"\"60 s\"\" are over\",\"\""), std::string::npos) << rows;
-    EXPECT_EQ(complaintAboutRows(rows), "");
+    EXPECT_EQ(mac::fuzz::complaintAboutRows(rows), "");
 }
 
 TEST(HostReport, DefusesFormulas) {
@@ -116,11 +116,11 @@ TEST_F(HostReportCommand, JoinsWhatTheCommandToldOnManyHosts) {
     CommandRun const page = run({"report", m_desktop.folder.path("facts")});
     EXPECT_EQ(page.status, 0) << page.errors;
     EXPECT_EQ(page.errors, "");
-    EXPECT_EQ(complaintAboutPage(page.output), "");
+    EXPECT_EQ(mac::fuzz::complaintAboutPage(page.output), "");
     EXPECT_EQ(countOf(page.output, "/%FF%3D/Mirror%20Frame.app\">"), 2U) << page.output;
     CommandRun const rows = run({"report", "--csv", m_desktop.folder.path("facts")});
     EXPECT_EQ(rows.status, 0) << rows.errors;
-    EXPECT_EQ(complaintAboutRows(rows.output), "");
+    EXPECT_EQ(mac::fuzz::complaintAboutRows(rows.output), "");
     EXPECT_EQ(countOf(rows.output, "\"1.4 (1.4)\""), 2U) << rows.output;
 }
 

@@ -1,5 +1,5 @@
 #include "tests/platform/desktop/VirtualSession.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,8 +1,6 @@
 #include "pathutils/BundleVersions.h"
-#include "fuzz/Trials.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Log.h"
-#include "tests/support/Corpus.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -176,8 +174,6 @@ TEST(PxBundleVersions, AreMessages) {
     EXPECT_EQ(as<NSNumber>(version.performSelector_withObject_("pxVersionCompare:", "1.3")).intValue(), -1);
     EXPECT_TRUE(version.performSelector_("pxVersionOfPath") == nil);
 }
-
-TEST(BundleVersions, OfTheCorpusHold) { expectNoComplaints("VersionFuzz", &fuzz::complaintAboutVersion); }
 
 } // namespace
 } // namespace mac::test

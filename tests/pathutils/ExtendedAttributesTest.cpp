@@ -6,7 +6,7 @@
 #include "platform/foundation/objects/NSNull.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "tests/pathutils/AttributeCalls.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"

@@ -5,10 +5,10 @@
 #include "platform/foundation/files/NSFileAttributes.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "tests/support/DiskContents.h"
-#include "tests/support/FileLocks.h"
+#include "tests/support/Failures.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Protection.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <cerrno>

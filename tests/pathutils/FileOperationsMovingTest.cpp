@@ -2,8 +2,8 @@
 #include "platform/foundation/running/Log.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
-#include "tests/support/FileLocks.h"
 #include "tests/support/ObjectTexts.h"
+#include "tests/support/Protection.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <cerrno>

@@ -2,8 +2,8 @@
 #include "platform/foundation/files/NSFileAttributes.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Failures.h"
 #include "tests/support/ObjectTexts.h"
-#include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "platform/foundation/running/Log.h"
 #include "scripting/URLUtilities.h"
 #include "tests/support/ObjectTexts.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {

@@ -3,7 +3,7 @@
 #include "platform/files/volumes/VolumeInformation.h"
 #include "platform/launchservices/ItemInformation.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -1,5 +1,5 @@
 #include "tests/support/ChildProcess.h"
-#include "tests/support/Spawn.h"
+#include "tests/support/Commands.h"
 #include <array>
 #include <cerrno>
 #include <csignal>

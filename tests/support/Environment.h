@@ -1,12 +1,17 @@
 #pragma once
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <optional>
 #include <string>
+#include <sys/resource.h>
+#include <unistd.h>
+
+// What tests change of their own process for a while.
 
 namespace mac::test {
 
-// An environment variable set for the object's life, or not there with std::nullopt, and as it was afterwards.
+// Sets an environment variable, or removes it if the value is nullopt. The destructor restores the former value.
 class EnvironmentVariable {
 public:
     EnvironmentVariable(char const* name, std::optional<std::string> const& value) : m_name(name) {
@@ -27,6 +32,26 @@ private:
 
     char const* m_name;
     std::optional<std::string> m_before;
+};
+
+// Limits how many files this process may open beside those that are open. The destructor restores the former limit.
+class OpenFilesLimit {
+public:
+    explicit OpenFilesLimit(unsigned more) {
+        int const firstFree = ::open("/", O_PATH | O_CLOEXEC);
+        if (firstFree < 0 || ::getrlimit(RLIMIT_NOFILE, &m_before) != 0) std::abort();
+        ::close(firstFree);
+        rlimit const limit{static_cast<rlim_t>(firstFree) + more, m_before.rlim_max};
+        if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) std::abort();
+    }
+    ~OpenFilesLimit() {
+        if (::setrlimit(RLIMIT_NOFILE, &m_before) != 0) std::abort();
+    }
+    OpenFilesLimit(OpenFilesLimit const&) = delete;
+    OpenFilesLimit& operator=(OpenFilesLimit const&) = delete;
+
+private:
+    rlimit m_before{};
 };
 
 } // namespace mac::test

@@ -1,4 +1,3 @@
-#include "tests/support/OwnProcesses.h"
 #include "tests/support/TestRun.h"
 #include <cstdio>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "tests/support/PrivateMounts.h"
 #include "platform/system/FileDescriptor.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

@@ -2,7 +2,6 @@
 #include "tests/support/TemporaryFolder.h"
 #include <clocale>
 #include <cstdlib>
-#include <gtest/gtest.h>
 
 namespace mac::test {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/foundation/text/Encodings.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "tests/platform/desktop/VirtualSession.h"
 #include "platform/foundation/running/EventLoop.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include <csignal>
 #include <stdexcept>
 

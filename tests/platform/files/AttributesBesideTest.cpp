@@ -1,9 +1,9 @@
 #include "platform/system/items/AppleDouble.h"
 #include "tests/platform/files/Attributes.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/DiskContents.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <fcntl.h>

@@ -6,7 +6,7 @@
 #include "platform/system/items/AppleDouble.h"
 #include "platform/system/items/KeptCreationDate.h"
 #include "tests/platform/files/Attributes.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"

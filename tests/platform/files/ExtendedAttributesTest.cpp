@@ -1,7 +1,7 @@
 #include "platform/system/items/AppleDouble.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/platform/system/LongFolder.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/DiskContents.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>

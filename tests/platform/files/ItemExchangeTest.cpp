@@ -5,8 +5,8 @@
 #include "platform/system/items/ItemLock.h"
 #include "tests/platform/files/references/References.h"
 #include "tests/support/DiskContents.h"
+#include "tests/support/Failures.h"
 #include "tests/support/PrivateMounts.h"
-#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <array>

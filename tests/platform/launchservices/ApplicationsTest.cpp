@@ -4,7 +4,7 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

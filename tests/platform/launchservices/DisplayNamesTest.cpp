@@ -5,7 +5,7 @@
 #include "tests/support/Environment.h"
 #include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 

@@ -4,7 +4,6 @@
 #include "tests/support/FinderInformation.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
-#include "tests/support/URLs.h"
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <sys/stat.h>

@@ -1,9 +1,9 @@
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
+#include "tests/support/Commands.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
-#include "tests/support/Spawn.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>

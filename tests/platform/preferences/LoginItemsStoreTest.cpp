@@ -3,8 +3,8 @@
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include <cerrno>
 #include <filesystem>
 #include <map>

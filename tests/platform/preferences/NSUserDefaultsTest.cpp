@@ -7,8 +7,8 @@
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include "tests/support/RunUntil.h"
 #include <cerrno>
 #include <csignal>

@@ -1,9 +1,7 @@
 #include "platform/preferences/Preferences.h"
-#include "fuzz/Trials.h"
 #include "platform/foundation/collections/NSData.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/platform/preferences/PreferenceHome.h"
-#include "tests/support/Corpus.h"
 #include <cerrno>
 
 namespace mac::test {
@@ -144,10 +142,6 @@ TEST_F(PreferencesTest, ADesktopThatCannotBeWrittenIsToldAndTheFileStaysAsItWas)
     desktop().isWritable = false;
     EXPECT_FALSE(write(NSArray::array()));
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObjects_({"a", "b", NSNumber::numberWithInt_(1)})));
-}
-
-TEST(PreferencesCorpus, KeepsAllValuesOfReadableFilesAndAllBytesOfOthers) {
-    expectNoComplaints("UserDefaultsFuzz", fuzz::complaintAboutUserDefaults);
 }
 
 TEST_F(PreferencesTest, AnArrayChangedAfterItWasSetIsWrittenAsItWas) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/foundation/objects/Method.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
+#include "platform/spotlight/NSMetadataQuery.h"
 #include <functional>
 #include <string>
 #include <vector>
@@ -29,5 +31,17 @@ public:
     std::function<void(std::string const& name)> onNotification;
     std::function<void()> onChange;
 };
+
+inline ClassDescription QueryRecorder::describeClass() {
+    return {.name = "QueryRecorder",
+            .superclass = classOf<NSObject>(),
+            .methods = {method<&QueryRecorder::take_>("take:")}};
+}
+
+inline void QueryRecorder::take_(NSNotification const& notification) const {
+    bodyOf(*this)->names.push_back(notification.name().UTF8String());
+    bodyOf(*this)->counts.push_back(as<NSMetadataQuery>(notification.object()).resultCount());
+    if (bodyOf(*this)->onNotification) bodyOf(*this)->onNotification(bodyOf(*this)->names.back());
+}
 
 } // namespace mac::test

@@ -4,8 +4,7 @@
 #include "platform/system/OpenItems.h"
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/ItemStatus.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>

@@ -1,8 +1,7 @@
 #include "platform/system/FileWriting.h"
-#include "tests/support/CommandOutput.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Commands.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>

@@ -4,8 +4,8 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/system/FileDescriptor.h"
 #include "tests/platform/system/LongFolder.h"
-#include "tests/support/FileLocks.h"
 #include "tests/support/ObjectTexts.h"
+#include "tests/support/Protection.h"
 #include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "platform/system/LogFile.h"
 #include "platform/system/LongPath.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Failures.h"
 #include "tests/support/PrivateMounts.h"
-#include "tests/support/SystemCalls.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <fcntl.h>

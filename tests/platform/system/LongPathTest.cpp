@@ -2,8 +2,7 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/NewFile.h"
 #include "platform/system/OpenItems.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <climits>

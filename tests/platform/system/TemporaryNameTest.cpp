@@ -1,8 +1,5 @@
 #include "platform/system/TemporaryName.h"
-#include "fuzz/Trials.h"
-#include "tests/support/Corpus.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -157,8 +154,6 @@ TEST(TemporaryName, IsItsOwnInAProcessThatWasForked) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
 }
-
-TEST(TemporaryName, OfTheCorpusHolds) { expectNoComplaints("TemporaryNameFuzz", &fuzz::complaintAboutTemporaryName); }
 
 } // namespace
 

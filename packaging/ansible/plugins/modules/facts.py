@@ -9,24 +9,16 @@ short_description: Tell which copies of Mirror Frame a host has
 description:
   - Searches the host with C(framekeeper-cli list) and tells its copies as facts; changes nothing.
 options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
   timeout:
     description:
       - How many seconds the search may take. Then it is ended, and the task fails with I(answer=late).
     type: int
     default: 60
+extends_documentation_fragment:
+  - framekeeper.copies.command
+  - framekeeper.copies.command.user
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - The task speaks of the user as whom it runs on the host. Use C(become_user) for somebody else.
-  - Supports check mode.
 """
 
 EXAMPLES = r"""

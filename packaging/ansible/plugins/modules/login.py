@@ -8,34 +8,20 @@ module: login
 short_description: Set which copy of Mirror Frame starts at login
 description:
   - Makes one copy the one that starts at login, in place of all others, or removes copies from the login items.
+  - With I(state=present) a single path is given.
 options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
-  paths:
-    description:
-      - The copies; for I(state=present) a single one.
-      - Each is an absolute path, which may begin with C(~), or the C(uri) of a copy, in which every byte of a path can be
-        written.
-    type: list
-    elements: str
-    required: true
   state:
     description:
       - Whether the copies are to start at login.
     type: str
     choices: [present, absent]
     default: present
+extends_documentation_fragment:
+  - framekeeper.copies.command
+  - framekeeper.copies.command.user
+  - framekeeper.copies.command.paths
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - The task speaks of the user as whom it runs on the host. Use C(become_user) for somebody else.
-  - Supports check mode and diffs.
 """
 
 EXAMPLES = r"""

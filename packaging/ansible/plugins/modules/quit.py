@@ -9,28 +9,12 @@ short_description: Ask running copies of Mirror Frame to quit
 description:
   - Asks the copies at these paths to quit, all processes of each, and waits until they have. A copy that does not run stays as it is.
   - A copy that does not quit makes the task fail; none is killed.
-options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
-  paths:
-    description:
-      - The copies that are to quit.
-      - Each is an absolute path, which may begin with C(~), or the C(uri) of a copy, in which every byte of a path can be
-        written.
-    type: list
-    elements: str
-    required: true
+extends_documentation_fragment:
+  - framekeeper.copies.command
+  - framekeeper.copies.command.user
+  - framekeeper.copies.command.paths
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - The task speaks of the user as whom it runs on the host. Use C(become_user) for somebody else.
-  - Supports check mode and diffs.
 """
 
 EXAMPLES = r"""

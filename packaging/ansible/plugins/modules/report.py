@@ -10,11 +10,6 @@ description:
   - Joins files of facts with C(framekeeper-cli report) and writes the page where the task runs, which is commonly the control node.
   - Hosts without a complete answer are in the page, and told as warnings.
 options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
   facts:
     description:
       - The files of facts, or folders that hold them, as the playbook C(framekeeper.copies.report) writes them.
@@ -32,13 +27,10 @@ options:
     type: str
     choices: [html, csv]
     default: html
+extends_documentation_fragment:
+  - framekeeper.copies.command
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - Supports check mode.
 """
 
 EXAMPLES = r"""

@@ -8,29 +8,14 @@ module: restore
 short_description: Put copies of Mirror Frame back from the trash
 description:
   - Puts the copies that came from these paths back there, each time the one that was trashed last. A path at which a copy is stays as it is.
+  - The paths are those where the copies came from, not where they are in the trash.
   - In check mode a path without a copy counts as changed; whether the trash holds one from there is seen only when it is put back.
-options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
-  paths:
-    description:
-      - Where the copies came from, not where they are in the trash.
-      - Each is an absolute path, which may begin with C(~), or the C(uri) of a copy, in which every byte of a path can be
-        written.
-    type: list
-    elements: str
-    required: true
+extends_documentation_fragment:
+  - framekeeper.copies.command
+  - framekeeper.copies.command.user
+  - framekeeper.copies.command.paths
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - The task speaks of the user as whom it runs on the host. Use C(become_user) for somebody else.
-  - Supports check mode and diffs.
 """
 
 EXAMPLES = r"""

@@ -10,28 +10,12 @@ description:
   - Moves the copies at these paths to the trash of the user. A path at which nothing is stays as it is, and so
     does a copy that lies in a trash.
   - A path at which something else than a copy is makes the task fail before anything is moved.
-options:
-  command:
-    description:
-      - The program C(framekeeper-cli), as a path, or as a name that is looked for in the path.
-    type: str
-    default: framekeeper-cli
-  paths:
-    description:
-      - The copies to move.
-      - Each is an absolute path, which may begin with C(~), or the C(uri) of a copy, in which every byte of a path can be
-        written.
-    type: list
-    elements: str
-    required: true
+extends_documentation_fragment:
+  - framekeeper.copies.command
+  - framekeeper.copies.command.user
+  - framekeeper.copies.command.paths
 author:
   - The developers of Framekeeper (@framekeeper)
-requirements:
-  - framekeeper-cli on the host
-  - Python 3.9 or later on the host
-notes:
-  - The task speaks of the user as whom it runs on the host. Use C(become_user) for somebody else.
-  - Supports check mode and diffs.
 """
 
 EXAMPLES = r"""

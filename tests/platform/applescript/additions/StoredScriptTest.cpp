@@ -1,7 +1,5 @@
 #include "platform/applescript/additions/StoredScript.h"
-#include "fuzz/Trials.h"
 #include "platform/applescript/runtime/ScriptError.h"
-#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 
 namespace mac::applescript::test {
@@ -76,9 +74,3 @@ TEST(StoredScript, HoldsNoHalfOfACharacter) {
 } // namespace
 
 } // namespace mac::applescript::test
-
-namespace mac::test {
-
-TEST(StoredScriptCorpus, Holds) { expectNoComplaints("StoredScriptFuzz", &fuzz::complaintAboutStoredScript); }
-
-} // namespace mac::test

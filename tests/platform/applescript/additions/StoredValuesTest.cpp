@@ -1,12 +1,10 @@
 #include "platform/applescript/additions/StoredValues.h"
-#include "fuzz/Trials.h"
 #include "platform/applescript/language/Codes.h"
 #include "platform/applescript/language/Operation.h"
 #include "platform/applescript/runtime/HeapObjects.h"
 #include "platform/applescript/runtime/ScriptError.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"
-#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -66,9 +64,3 @@ TEST(StoredValues, RefuseBytesOfAnotherForm) {
 } // namespace
 
 } // namespace mac::applescript::test
-
-namespace mac::test {
-
-TEST(StoredValueCorpus, Holds) { expectNoComplaints("StoredValueFuzz", &fuzz::complaintAboutStoredValue); }
-
-} // namespace mac::test

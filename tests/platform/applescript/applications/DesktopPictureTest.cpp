@@ -3,7 +3,7 @@
 #include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/desktop/Desktop.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/DiskContents.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>

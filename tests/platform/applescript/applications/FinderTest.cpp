@@ -3,7 +3,7 @@
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/applescript/applications/FinderScripts.h"
 #include "tests/platform/files/trash/TrashHome.h"
-#include "tests/support/Gio.h"
+#include "tests/support/Commands.h"
 #include <array>
 #include <atomic>
 #include <csignal>

@@ -3,7 +3,7 @@
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"
 #include "tests/platform/applescript/ScriptHome.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
 #include <cerrno>

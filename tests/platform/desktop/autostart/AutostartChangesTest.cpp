@@ -2,8 +2,8 @@
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/entries/StartedItem.h"
 #include "tests/platform/desktop/autostart/AutostartFolders.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include <cerrno>
 #include <sys/stat.h>
 #include <sys/syscall.h>

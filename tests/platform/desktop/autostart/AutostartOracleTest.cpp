@@ -4,8 +4,7 @@
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/platform/desktop/VirtualSession.h"
 #include "tests/platform/desktop/autostart/AutostartFolders.h"
-#include "tests/support/CommandOutput.h"
-#include "tests/support/Spawn.h"
+#include "tests/support/Commands.h"
 #include <algorithm>
 #include <optional>
 #include <set>

@@ -1,8 +1,6 @@
 #include "platform/desktop/entries/StartedItem.h"
-#include "fuzz/Trials.h"
 #include "platform/desktop/HexText.h"
 #include "platform/desktop/entries/CommandWords.h"
-#include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
@@ -122,10 +120,6 @@ TEST_F(StartedItem, LooksThroughNoMoreProgramsThanAreReal) {
     for (int index = 0; index < 100'000; ++index)
         text += "true;";
     EXPECT_NE(itemOf("sh -c '" + text + "myapp'"), "My App.app");
-}
-
-TEST(StartedItemCorpusTest, FuzzedEntriesAreReadWithoutComplaint) {
-    expectNoComplaints("AutostartFuzz", &fuzz::complaintAboutAutostart);
 }
 
 TEST(HexTextTest, IsReadBackAndOtherTextIsNot) {

@@ -1,6 +1,4 @@
 #include "platform/desktop/places/PlacesFormat.h"
-#include "fuzz/Trials.h"
-#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -192,11 +190,6 @@ TEST(XBELPlaces, AreOnlySoManyAndSoDeep) {
     for (int depth = 0; depth < 100'000; ++depth)
         deep += "<a>";
     EXPECT_EQ(entriesIn(XBELFormat, document(deep)), Texts{"!elements are nested too deep"});
-}
-
-TEST(PlacesCorpus, Holds) {
-    expectNoComplaints("PlacesBookmarksFuzz", fuzz::complaintAboutBookmarks);
-    expectNoComplaints("PlacesXBELFuzz", fuzz::complaintAboutXBEL);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "platform/desktop/places/Places.h"
 #include "tests/platform/desktop/ThunarDesktop.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/DiskContents.h"
 #include <algorithm>
 

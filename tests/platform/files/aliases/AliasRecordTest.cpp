@@ -1,6 +1,4 @@
 #include "platform/files/aliases/AliasRecord.h"
-#include "fuzz/Trials.h"
-#include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -88,8 +86,6 @@ TEST(AliasRecord, DescribesAnItem) {
     EXPECT_EQ(kindAt(folder.path("pipe")), AliasRecord::Kind::Other);
     EXPECT_EQ(aliasRecordOf(openItemAtPath("/", LinkAtEnd::IsFollowed).value()).value().path, "/");
 }
-
-TEST(AliasRecordCorpus, Holds) { expectNoComplaints("AliasRecordFuzz", &fuzz::complaintAboutAlias); }
 
 } // namespace
 } // namespace mac::test

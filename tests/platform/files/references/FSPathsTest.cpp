@@ -1,7 +1,7 @@
 #include "platform/files/references/FSRef.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
-#include "tests/support/Refusals.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>

@@ -1,8 +1,6 @@
 #include "platform/files/references/HFSPaths.h"
-#include "fuzz/Trials.h"
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/items/MountTable.h"
-#include "tests/support/Corpus.h"
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -116,8 +114,6 @@ TEST(HFSPaths, AreThoseOfTheVolumesThatAreMounted) {
     EXPECT_EQ(hfsPathFromPOSIXPath(u"a", false), u":a");
     EXPECT_EQ(posixPathFromHFSPath(u":a"), u"a");
 }
-
-TEST(HFSPathsCorpus, Holds) { expectNoComplaints("HFSPathsFuzz", &fuzz::complaintAboutPaths); }
 
 } // namespace
 } // namespace mac::test

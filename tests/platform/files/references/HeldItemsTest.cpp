@@ -7,8 +7,7 @@
 #include "tests/platform/files/references/References.h"
 #include "tests/platform/files/trash/TrashHome.h"
 #include "tests/platform/system/LongFolder.h"
-#include "tests/support/Refusals.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "tests/platform/files/references/References.h"
 #include "tests/platform/files/trash/ReplacingTransfers.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include <sys/syscall.h>
 #include <utility>
 

@@ -1,5 +1,5 @@
 #include "tests/platform/files/trash/TrashHome.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/PrivateMounts.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>

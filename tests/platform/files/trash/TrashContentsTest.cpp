@@ -1,6 +1,6 @@
 #include "platform/system/items/ItemIdentity.h"
 #include "tests/platform/files/trash/TrashHome.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include <array>
 #include <fcntl.h>
 #include <gtest/gtest.h>

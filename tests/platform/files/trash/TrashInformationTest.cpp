@@ -1,6 +1,4 @@
 #include "platform/files/trash/TrashInformation.h"
-#include "fuzz/Trials.h"
-#include "tests/support/Corpus.h"
 #include "tests/support/Environment.h"
 #include <gtest/gtest.h>
 
@@ -80,10 +78,6 @@ TEST(TrashNames, LoseWholeCharactersWhenTheyAreTooLong) {
     EXPECT_EQ(TrashNames("aa\xC3\xA9.txt", "", 8).name(0), "aa\xC3\xA9.txt");
     EXPECT_EQ(TrashNames("a\xF0\x9F\x98\x80", "", 4).name(0), "a");
     EXPECT_EQ(TrashNames("\x80\x80\x80\x80\x80\x80\x80\x80", "", 6).name(0), "\x80\x80\x80\x80\x80\x80");
-}
-
-TEST(TrashInformationCorpus, Holds) {
-    expectNoComplaints("TrashInformationFuzz", &fuzz::complaintAboutTrashInformation);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "tests/platform/files/trash/TrashHome.h"
-#include "tests/support/OpenFilesLimit.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Environment.h"
+#include "tests/support/Failures.h"
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>

@@ -1,5 +1,5 @@
 #include "tests/platform/files/trash/TrashHome.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>

@@ -4,7 +4,7 @@
 #include "platform/foundation/running/Log.h"
 #include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include "tests/platform/system/LongFolder.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/Texts.h"
 #include <array>
 #include <cerrno>

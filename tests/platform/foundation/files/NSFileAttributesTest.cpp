@@ -8,7 +8,7 @@
 #include "platform/system/items/KeptCreationDate.h"
 #include "tests/pathutils/AttributeCalls.h"
 #include "tests/platform/system/LongFolder.h"
-#include "tests/support/FileLocks.h"
+#include "tests/support/Protection.h"
 #include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "platform/system/LongPath.h"
 #include "tests/platform/foundation/propertylists/PropertyListDump.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/support/Commands.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <gtest/gtest.h>

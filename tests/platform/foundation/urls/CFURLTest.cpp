@@ -1,6 +1,6 @@
 #include "platform/foundation/urls/CFURL.h"
 #include "tests/platform/foundation/objects/Parcel.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <array>
 #include <gtest/gtest.h>
 

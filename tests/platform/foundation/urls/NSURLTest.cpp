@@ -2,7 +2,7 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "tests/platform/foundation/objects/Parcel.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/URLs.h"
+#include "tests/support/Texts.h"
 #include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,8 +1,7 @@
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "tests/platform/files/Attributes.h"
 #include "tests/support/DiskContents.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "tests/platform/system/items/ItemTransfers.h"
-#include "tests/support/AccessLists.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include "tests/support/Protection.h"
 #include <unistd.h>
 
 // Who may read a copy.

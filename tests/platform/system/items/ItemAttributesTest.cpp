@@ -1,6 +1,6 @@
 #include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/AttributeNames.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/ItemAttributes.h"
 #include "tests/platform/system/items/ItemTransfers.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/FileLocks.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
+#include "tests/support/Protection.h"
 #include <unistd.h>
 
 namespace mac::test {

@@ -3,10 +3,9 @@
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemStatus.h"
 #include "tests/platform/system/items/ItemTransfers.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
-#include "tests/support/Refusals.h"
 #include <array>
 #include <cstring>
 #include <fcntl.h>

@@ -1,8 +1,8 @@
 #include "tests/platform/files/Attributes.h"
 #include "tests/platform/system/items/ItemTransfers.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
-#include "tests/support/Refusals.h"
 #include <filesystem>
 #include <fstream>
 #include <set>

@@ -1,6 +1,6 @@
 #include "platform/system/items/KeptCreationDate.h"
 #include "platform/system/items/ItemAttributes.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>

@@ -1,7 +1,6 @@
 #include "platform/system/items/OpenItem.h"
 #include "platform/system/OpenItems.h"
-#include "tests/support/ErrorCode.h"
-#include "tests/support/Refusals.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <fcntl.h>

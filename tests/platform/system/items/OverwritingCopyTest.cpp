@@ -3,8 +3,8 @@
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/ItemStatus.h"
 #include "tests/platform/system/items/ItemTransfers.h"
+#include "tests/support/Failures.h"
 #include "tests/support/PrivateMounts.h"
-#include "tests/support/Refusals.h"
 #include <sys/syscall.h>
 #include <thread>
 

@@ -1,5 +1,5 @@
 #include "tests/platform/system/items/ItemTransfers.h"
-#include "tests/support/OpenFilesLimit.h"
+#include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include <memory>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "platform/system/items/TreeRemoval.h"
 #include "tests/platform/system/items/ItemTransfers.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include <unistd.h>

@@ -1,5 +1,5 @@
 #include "platform/system/processes/DetachedProcess.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <cerrno>
 #include <gtest/gtest.h>

@@ -1,10 +1,8 @@
 #include "platform/system/processes/ProcessList.h"
-#include "fuzz/Trials.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/processes/SerialNumbers.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/Corpus.h"
-#include "tests/support/OwnProcesses.h"
+#include "tests/support/TestRun.h"
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -205,8 +203,6 @@ TEST_F(ProcessList, PassesSilentlyOverProcessesThatMayNotBeLookedAt) {
     if (WEXITSTATUS(status) == 2) GTEST_SKIP() << "nobody else can be played here";
     EXPECT_EQ(status, 0);
 }
-
-TEST(ScriptInCommand, OfTheCorpusHolds) { expectNoComplaints("CommandLineFuzz", &fuzz::complaintAboutCommandLine); }
 
 } // namespace
 } // namespace mac::test

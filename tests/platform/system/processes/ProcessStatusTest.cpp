@@ -1,6 +1,4 @@
 #include "platform/system/processes/ProcessStatus.h"
-#include "fuzz/Trials.h"
-#include "tests/support/Corpus.h"
 #include <gtest/gtest.h>
 
 namespace mac::test {
@@ -38,8 +36,6 @@ TEST(ProcessStatus, TellsNothingWhereTheLineIsNone) {
 }
 
 TEST(ProcessStatus, TellsNothingWhereTheLineEndsWithinTheStart) { EXPECT_FALSE(startOf("12 (sleep) S", " 47")); }
-
-TEST(ProcessStatus, OfTheCorpusHolds) { expectNoComplaints("ProcessStatusFuzz", &fuzz::complaintAboutProcessStatus); }
 
 } // namespace
 

@@ -1,5 +1,5 @@
-#include "tests/platform/system/walker/FolderForMany.h"
 #include "tests/platform/system/walker/Rescan.h"
+#include "tests/platform/system/walker/Walk.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>

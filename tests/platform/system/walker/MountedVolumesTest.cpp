@@ -1,4 +1,3 @@
-#include "tests/platform/system/walker/RandomTree.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"

@@ -1,7 +1,7 @@
 #include "platform/system/LongPath.h"
-#include "tests/platform/system/walker/RandomTree.h"
 #include "tests/platform/system/walker/Rescan.h"
-#include "tests/support/CommandOutput.h"
+#include "tests/platform/system/walker/Walk.h"
+#include "tests/support/Commands.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/SeededRandom.h"
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "tests/platform/system/walker/Rescan.h"
 #include "platform/system/LongPath.h"
-#include "tests/platform/system/walker/RandomTree.h"
-#include "tests/support/OpenFilesLimit.h"
+#include "tests/platform/system/walker/Walk.h"
+#include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include <algorithm>
 #include <fcntl.h>

@@ -1,6 +1,4 @@
 #include "platform/system/walker/VolumeWalker.h"
-#include "tests/platform/system/walker/FolderForMany.h"
-#include "tests/platform/system/walker/RandomTree.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"

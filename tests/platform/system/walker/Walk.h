@@ -1,8 +1,13 @@
 #pragma once
 
 #include "platform/system/walker/VolumeWalker.h"
+#include "tests/support/TemporaryFolder.h"
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+// Walks, and trees to walk through.
 
 namespace mac::test {
 
@@ -17,5 +22,21 @@ std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request);
 
 // The packages that find lists below the folder, sorted: those ending in .app, and none in another.
 std::vector<std::string> packagesByFind(std::string const& folder);
+
+// Fills the folder with some hundreds of folders, packages (also within each other and within folders that are packages
+// by a hair's breadth), files and links of the same names, and names with line feeds and bytes that are no text. It is
+// the same for each seed.
+void makeRandomTree(std::string const& folder, std::uint64_t seed);
+
+// A temporary folder in memory, where the system has a place for that: to make very many entries on a disk can take
+// minutes.
+class FolderForMany {
+public:
+    FolderForMany();
+    TemporaryFolder const* operator->() const { return &*m_folder; }
+
+private:
+    std::optional<TemporaryFolder> m_folder;
+};
 
 } // namespace mac::test

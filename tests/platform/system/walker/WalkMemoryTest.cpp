@@ -1,9 +1,7 @@
 #include "platform/system/walker/WalkMemory.h"
-#include "fuzz/Trials.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderLog.h"
-#include "tests/support/Corpus.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
@@ -61,10 +59,6 @@ TEST_F(KeptWalk, IsReadAsItWasWritten) {
     EXPECT_EQ(read->start, walk.start);
     EXPECT_EQ(read->packages, walk.packages);
     EXPECT_TRUE(std::ranges::equal(read->folders->bytes(), walk.folders->bytes()));
-}
-
-TEST(RememberedWalk, OfTheCorpusHolds) {
-    expectNoComplaints("RememberedWalkFuzz", &fuzz::complaintAboutRememberedWalk);
 }
 
 TEST_F(KeptWalk, IsForThisUserAlone) {

@@ -1,7 +1,7 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/walker/FolderStack.h"
 #include "platform/system/walker/WorkExchange.h"
-#include "tests/support/ErrorCode.h"
+#include "tests/support/Failures.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
 #include <cerrno>

@@ -1,0 +1,59 @@
+#include "tests/support/Commands.h"
+#include <array>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace mac::test {
+
+int spawn(std::vector<std::string> words, int input, int output) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    if (input >= 0) ::posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    if (output >= 0) ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    pid_t process = -1;
+    int const failure = ::posix_spawnp(&process, pointers[0], &actions, nullptr, pointers.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0) throw std::system_error(failure, std::generic_category(), words[0]);
+    return process;
+}
+
+std::string outputOf(std::vector<std::string> const& command) {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+    int const process = spawn(command, -1, ends[1]);
+    ::close(ends[1]);
+    std::string output;
+    std::array<char, 4096> buffer;
+    for (ssize_t count; (count = ::read(ends[0], buffer.data(), buffer.size())) > 0;)
+        output.append(buffer.data(), static_cast<std::size_t>(count));
+    ::close(ends[0]);
+    int status = 0;
+    if (::waitpid(process, &status, 0) != process || status != 0) throw std::runtime_error(command.front() + " failed");
+    return output;
+}
+
+std::string gio(std::vector<std::string> const& arguments) {
+    std::vector<std::string> command{"dbus-run-session", "--", "gio"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return outputOf(command);
+}
+
+bool gioKnowsTrash() {
+    try {
+        gio({"list", "trash:///"});
+        return true;
+    } catch (std::runtime_error const&) {
+        return false;
+    }
+}
+
+} // namespace mac::test

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Other programs that tests run and wait for.
+
+namespace mac::test {
+
+// Starts a program, which is looked for in PATH unless its name has a slash, and returns its process ID. Its standard
+// input and output become these descriptors; a negative one leaves this process's own. Throws std::system_error if the
+// program cannot be started.
+int spawn(std::vector<std::string> words, int input, int output);
+
+// Runs a program to its end and returns its standard output. Throws std::runtime_error if its exit status is not 0,
+// std::system_error if it cannot be started.
+std::string outputOf(std::vector<std::string> const& command);
+
+// Runs gio, another program that knows the desktop's trash, on a session bus of its own, as outputOf does.
+std::string gio(std::vector<std::string> const& arguments);
+
+bool gioKnowsTrash();
+
+inline constexpr char GioKnowsNoTrash[] = "gio knows no trash here; the package gvfs has what it needs";
+
+} // namespace mac::test
