@@ -6,6 +6,7 @@
 #include "app/Panes.h"
 #include "app/ScanChanges.h"
 #include "app/Undo.h"
+#include "platform/desktop/session/AnsweringItems.h"
 #include "scripting/ProcessQuitting.h"
 #include "scripting/ProcessesAndFinder.h"
 #include <array>
@@ -34,14 +35,18 @@ public:
     using FinderLookup = std::function<NSNumber()>;
 
     // The pause comes before each look at a copy that was asked to quit. A step is what is taken in of the query's
-    // results without a break. The lookup goes through the computer's processes unless another one is handed in.
+    // results without a break. The lookup goes through the computer's processes unless another one is handed in. What
+    // the sources name beside the disk is looked at once it answers.
     explicit Body(Pause pause = sleepForInterval, SyncStep step = {},
-                  FinderLookup lookUpFinder = &KRAProcessSerialNumberGetFinder)
-        : _pause(std::move(pause)), _step(step), _lookUpFinder(std::move(lookUpFinder)) {}
+                  FinderLookup lookUpFinder = &KRAProcessSerialNumberGetFinder,
+                  std::shared_ptr<AnsweringItems> answeringItems = AnsweringItems::shared())
+        : _pause(std::move(pause)), _step(step), _lookUpFinder(std::move(lookUpFinder)),
+          _answeringItems(std::move(answeringItems)) {}
 
     Pause const _pause;
     SyncStep const _step;
     FinderLookup const _lookUpFinder;
+    std::shared_ptr<AnsweringItems> const _answeringItems;
     NSArray _allAutolaunchItems;
     NSArray _allToolbarItems;
     // Row by row of MembershipSources.

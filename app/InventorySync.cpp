@@ -85,8 +85,7 @@ bool InventorySync::advance(AppController const& controller, SyncStep const& ste
         m_builder->add(m_records, as<NSString>(m_paths.objectAtIndex_(static_cast<NSUInteger>(index))), m_looks[index]);
     if (m_records.count() < m_paths.count()) return true;
 
-    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        m_builder->addMissing(m_records, m_found, entriesOf(controller, row));
+    m_builder->addMissing(controller, m_records, m_found);
     controller.setPaths_(m_records);
     return false;
 }

@@ -119,8 +119,7 @@ void AppController::reSync() const {
         NSString const path = as<NSString>(element);
         builder.add(records, path, lookAtBundle(path));
     }
-    for (std::size_t row = 0; row < MembershipSources.size(); ++row)
-        builder.addMissing(records, onDisk, entriesOf(*this, row));
+    builder.addMissing(*this, records, onDisk);
     setPaths_(records);
     restartSteps(*this);
 }

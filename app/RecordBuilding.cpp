@@ -1,5 +1,7 @@
 #include "app/RecordBuilding.h"
+#include "app/AppControllerBody.h"
 #include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/objects/Weak.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -34,6 +36,12 @@ struct RecordKeys {
 NSString textOfVersion(id const& value) {
     NSNumber const number = as<NSNumber>(value);
     return number == nil ? as<NSString>(value) : number.stringValue();
+}
+
+// Empty for what names no file.
+std::string bytesOf(id const& path) {
+    NSString const text = as<NSString>(path);
+    return text == nil ? std::string() : text.fileSystemRepresentation().value_or("");
 }
 
 } // namespace
@@ -126,16 +134,27 @@ void RecordBuilder::add(NSMutableSet const& records, NSString const& path, Bundl
     add(records, path, look, objects);
 }
 
-void RecordBuilder::addMissing(NSMutableSet const& records, NSSet const& diskPaths, NSSet const& entries) {
-    std::vector<NSString> added;
-    for (id const& entry : entries.allObjects()) {
-        NSString const path = as<NSString>(entry.valueForKey_("path"));
-        if (diskPaths.containsObject_(path) || m_added.containsObject_(path)) continue;
-        add(records, path, lookAtBundle(path));
-        if (path != nil) added.push_back(path);
+void RecordBuilder::addMissing(AppController const& controller, NSMutableSet const& records, NSSet const& diskPaths) {
+    // Two entries of one path would make two equal records, which the set holds once.
+    NSMutableSet const added = NSMutableSet::set();
+    std::vector<id> missing;
+    std::vector<std::string> files;
+    for (std::size_t row = 0; row < MembershipSources.size(); ++row) {
+        for (id const& entry : entriesOf(controller, row).allObjects()) {
+            id const path = entry.valueForKey_("path");
+            if (diskPaths.containsObject_(path) || added.containsObject_(path)) continue;
+            missing.push_back(path);
+            if (path != nil) added.addObject_(path);
+            files.push_back(bytesOf(path));
+        }
     }
-    for (NSString const& path : added)
-        m_added.addObject_(path);
+    if (missing.empty()) return;
+    AnsweringItems& items = *bodyOf(controller)->_answeringItems;
+    items.ask(files, [later = Weak<AppController>(controller)] { later.load().reSync(); });
+    for (std::size_t index = 0; index < missing.size(); ++index) {
+        NSString const path = as<NSString>(missing[index]);
+        add(records, path, items.isSilent(files[index]) ? BundleLook() : lookAtBundle(path));
+    }
 }
 
 bool isCompanion(BundleLook const& look) {

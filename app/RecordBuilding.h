@@ -36,9 +36,10 @@ public:
     // Adds the path's record, with what the look at the path told.
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look);
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look, RecordObjects const& objects);
-    // Adds records of the entries' paths that are not listed yet: neither among those of the disk, whose records are
-    // there, nor added for an earlier source. Two entries of one path make two equal records, which the set holds once.
-    void addMissing(NSMutableSet const& records, NSSet const& diskPaths, NSSet const& entries);
+    // Adds records of the paths of all sources, in the order of their table, that are not among those of the disk,
+    // whose records are there. Such a path may lie on a volume that does not answer: then its record says that it does
+    // not exist, and the controller makes its inventory anew once the volume answers.
+    void addMissing(AppController const& controller, NSMutableSet const& records, NSSet const& diskPaths);
 
 private:
     struct Versions {
@@ -57,8 +58,6 @@ private:
     bool isInSource(NSString const& path, RecordObjects const& objects) const;
 
     std::vector<EntriesByPath> m_sources;
-    // The paths that only sources beside the disk have.
-    NSMutableSet m_added = NSMutableSet::set();
     // By short version and version: most copies share a few.
     std::map<std::pair<std::u16string_view, std::u16string_view>, Versions> m_versions;
     // Owns the texts that the keys of m_versions view.

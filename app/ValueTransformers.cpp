@@ -1,5 +1,6 @@
 #include "app/ValueTransformers.h"
 #include "platform/appkit/workspace/NSColor.h"
+#include "platform/desktop/session/AnsweringItems.h"
 #include "platform/files/trash/Trash.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/Method.h"
@@ -62,7 +63,7 @@ bool InTrashTransformer::allowsReverseTransformation() { return false; }
 
 id InTrashTransformer::Body::transformedValue(id const& value) const {
     std::optional<std::string> const path = as<NSString>(value).fileSystemRepresentation();
-    if (!path) return NSNumber::numberWithBool_(NO);
+    if (!path || !AnsweringItems::shared()->mayRead(*path)) return NSNumber::numberWithBool_(NO);
     auto const place = placeInTrash(*path);
     return NSNumber::numberWithBool_(BOOL(place.hasValue() && place.value().has_value()));
 }

@@ -5,19 +5,22 @@
 #include "platform/foundation/running/NSRunLoop.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <pthread.h>
 #include <string_view>
 #include <sys/stat.h>
+#include <thread>
 #include <vector>
 
 // What the inventory of many copies costs: rebuilding it against one status call for each path, the longest time that
-// the main thread is held while a scan finds them, and reading their versions against Python's plistlib. Rounds take
-// turns.
+// the main thread is held while a scan finds them, how soon Stop ends such a scan, and reading their versions against
+// Python's plistlib. Rounds take turns.
 //
-// usage: inventory [COPIES [versions|scan|batches]]
+// usage: inventory [COPIES [versions|scan|stop|batches]]
 
 using namespace framekeeper;
 using benchmarks::median;
@@ -30,6 +33,8 @@ constexpr int Rounds = 7;
 constexpr int DefaultCopies = 10'000;
 constexpr int BundlesOfVersions = 1'000;
 constexpr int CopiesInFolder = 100;
+// Clicks on Stop, each at another moment of a scan.
+constexpr int Clicks = 19;
 
 // Information files as applications have them hold some dozens of keys.
 std::string informationFile(int number) {
@@ -89,12 +94,14 @@ void measureBatches(std::vector<std::string> const& paths) {
                 paths.size(), first * 1e3, median(times) * 1e3, median(ratios), Rounds);
 }
 
-// The thread's own time on the processor, in which other programs play no part.
-double processorSeconds() {
+double secondsOfClock(clockid_t clock) {
     timespec time{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    ::clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
+
+// The thread's own time on the processor, in which other programs play no part.
+double processorSeconds() { return secondsOfClock(CLOCK_THREAD_CPUTIME_ID); }
 
 // The whole scan, as the program does it without its window.
 void measureHolds(std::string const& folder, std::size_t count) {
@@ -112,6 +119,53 @@ void measureHolds(std::string const& folder, std::size_t count) {
     controller.query().stopQuery();
     std::printf("%zu copies: found and listed after %.2f s, the main thread was held for at most %.1f ms\n", count,
                 whole, longest * 1e3);
+}
+
+struct StopTime {
+    double clock{0};
+    double processor{0};
+};
+
+// From the click, so long after the scan's begin, until the query is stopped: by the clock, and what the main thread
+// took of the processor meanwhile. The click waits for what the run loop is doing.
+StopTime timeToStop(AppController const& controller, double delay) {
+    controller.scanAction_(nil);
+    clockid_t mainThread{};
+    ::pthread_getcpuclockid(::pthread_self(), &mainThread);
+    StopTime result;
+    bool isOver = false;
+    std::jthread const user([&] {
+        std::this_thread::sleep_for(std::chrono::duration<double>(delay));
+        double const clock = secondsOfClock(CLOCK_MONOTONIC);
+        double const processor = secondsOfClock(mainThread);
+        performOnMainRunLoop([&, clock, processor] {
+            controller.stopAction_(nil);
+            result = {secondsOfClock(CLOCK_MONOTONIC) - clock, secondsOfClock(mainThread) - processor};
+            isOver = true;
+        });
+    });
+    while (!isOver)
+        NSRunLoop::currentRunLoop().runMode_beforeDate_("", NSDate::dateWithTimeIntervalSinceNow_(1));
+    return result;
+}
+
+void measureStop(std::string const& folder, std::size_t count) {
+    ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.c_str(), 1);
+    AppController const controller = AppController::alloc().init();
+    double const whole = secondsOf([&] {
+        controller.awakeFromNib();
+        while (controller.query().isGathering() || controller.paths().count() < count)
+            NSRunLoop::currentRunLoop().runMode_beforeDate_("", NSDate::dateWithTimeIntervalSinceNow_(1));
+    });
+    std::vector<double> clock;
+    std::vector<double> processor;
+    for (int click = 0; click < Clicks; ++click) {
+        StopTime const time = timeToStop(controller, whole * click / Clicks);
+        clock.push_back(time.clock * 1e3);
+        processor.push_back(time.processor * 1e3);
+    }
+    std::printf("%zu copies: Stop took %.1f ms, at most %.1f ms, by the processor %.1f and %.1f ms (%d clicks)\n",
+                count, median(clock), std::ranges::max(clock), median(processor), std::ranges::max(processor), Clicks);
 }
 
 void measureVersions(mac::test::TemporaryFolder const& folder) {
@@ -152,7 +206,7 @@ int main(int argc, char** argv) {
     int const count = argc > 1 ? std::atoi(argv[1]) : DefaultCopies;
     std::string_view const part = argc > 2 ? argv[2] : "";
     if (count < 1) {
-        std::fprintf(stderr, "usage: inventory [COPIES [versions|scan|batches]]\n");
+        std::fprintf(stderr, "usage: inventory [COPIES [versions|scan|stop|batches]]\n");
         return 2;
     }
     auto const isAsked = [&part](std::string_view name) { return part.empty() || part == name; };
@@ -161,5 +215,6 @@ int main(int argc, char** argv) {
     std::vector<std::string> const paths = makeCopies(folder, count);
     if (isAsked("versions")) measureVersions(folder);
     if (isAsked("scan")) measureHolds(folder.path(), paths.size());
+    if (isAsked("stop")) measureStop(folder.path(), paths.size());
     if (isAsked("batches")) measureBatches(paths);
 }

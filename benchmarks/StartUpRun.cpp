@@ -39,12 +39,12 @@ StartUpRun startUp(char const* program) {
         std::fprintf(stderr, "%s ended before its probe could tell\n", program);
         std::exit(1);
     }
-    return {.seconds = time.count(), .kilobytes = std::atol(answer.data())};
+    return {.seconds = time.count(), .answer = std::atol(answer.data())};
 }
 
 void StartUpMedians::add(StartUpRun const& run) {
     m_seconds.push_back(run.seconds);
-    m_kilobytes.push_back(static_cast<double>(run.kilobytes));
+    m_kilobytes.push_back(static_cast<double>(run.answer));
 }
 
 double StartUpMedians::milliseconds() const { return median(m_seconds) * 1000; }

@@ -13,7 +13,8 @@ namespace benchmarks {
 // One start of a program that holds a probe: how long until the probe told its figure, and the figure.
 struct StartUpRun {
     double seconds = 0;
-    long kilobytes = 0;
+    // The number that the program's probe printed.
+    long answer = 0;
 };
 
 // Starts the program, which holds a probe, and waits for its figure. Ends this program with a message when the other

@@ -67,6 +67,14 @@ protected:
         });
     }
 
+    // Waits until the copy's row tells so of its existence.
+    bool existsAs(std::string const& path, std::string const& answer) const {
+        return waitUntil([&] {
+            std::vector<std::string> const cells = row(path);
+            return cells.size() > ExistsColumn && cells[ExistsColumn] == answer;
+        });
+    }
+
     static constexpr std::size_t ExistsColumn = 2;
 
     std::unique_ptr<ServedVolume> m_volume{};
@@ -91,10 +99,7 @@ TEST_F(NeighboursOnAVolume, WhatIsUnderWayThereIsDoneAndTold) {
     press("shift+delete");
     ASSERT_TRUE(waitsForTheVolume());
     m_volume->goOn();
-    EXPECT_TRUE(waitUntil([&] {
-        std::vector<std::string> const cells = row(path);
-        return cells.size() > ExistsColumn && cells[ExistsColumn] == "No";
-    })) << "the places still name it";
+    EXPECT_TRUE(existsAs(path, "No")) << "the places still name it";
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
@@ -109,6 +114,36 @@ TEST_F(NeighboursOnAVolume, AScanGoesOnElsewhereAndTheProgramEnds) {
     ChildProcess quitting({OSA, "-e", "tell application id \"com.tidelark.framekeeper\" to quit"});
     EXPECT_EQ(quitting.wait(), 0);
     EXPECT_EQ(m_program->wait(), 0);
+}
+
+TEST_F(NeighboursOnAVolume, ACopyOfThePlacesThereHoldsNothingUpAndIsLookedAtLater) {
+    std::string const path = pathOfCopy("volume");
+    addToPlaces();
+    m_volume->stop();
+    startProgram();
+    ASSERT_TRUE(existsAs(path, "No"));
+    EXPECT_TRUE(says("No answer yet from “" + path + "”."));
+    select(path);
+    EXPECT_TRUE(isDisabled("Put Back", "Not in the trash"));
+    press("f5");
+    EXPECT_TRUE(lists(pathOfCopy("Applications")));
+    m_volume->goOn();
+    EXPECT_TRUE(existsAs(path, "Yes"));
+}
+
+TEST_F(NeighboursOnAVolume, ACopyOfThePlacesIsSelectedAndSearchedForOnceTheVolumeHasStopped) {
+    std::string const path = pathOfCopy("volume");
+    addToPlaces();
+    startProgram();
+    ASSERT_TRUE(existsAs(path, "Yes"));
+    m_volume->stop();
+    select(path);
+    select(pathOfCopy("Applications"));
+    press("f5");
+    EXPECT_TRUE(existsAs(path, "No"));
+    EXPECT_TRUE(lists(pathOfCopy("Applications")));
+    m_volume->goOn();
+    EXPECT_TRUE(existsAs(path, "Yes"));
 }
 
 } // namespace

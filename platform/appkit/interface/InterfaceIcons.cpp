@@ -1,4 +1,5 @@
 #include "platform/appkit/interface/InterfaceIcons.h"
+#include "platform/desktop/session/AnsweringItems.h"
 #include "platform/foundation/bundles/BundleInformation.h"
 #include "platform/icons/IconPictures.h"
 #include "platform/icons/IconSource.h"
@@ -201,7 +202,7 @@ QIcon readIcon(std::string const& bundle) {
 
 QIcon BundleIcons::iconOfBundle(NSString const& path) {
     std::optional<std::string> const bundle = path.fileSystemRepresentation();
-    if (!bundle) return {};
+    if (!bundle || !AnsweringItems::shared()->mayRead(*bundle)) return {};
     Result<FileStatus> const status = fileStatusAtPath(*bundle);
     if (!status.hasValue() || status.value().kind != FileStatus::Kind::Folder) return {};
     auto const known = m_known.find(*bundle);

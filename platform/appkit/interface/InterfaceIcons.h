@@ -27,7 +27,7 @@ QIcon tileIcon(QString const& pathText);
 // its time of modification changes. Main thread.
 class BundleIcons {
 public:
-    // An empty icon for nil and for a path without a bundle.
+    // An empty icon for nil, for a path without a bundle and for one on a volume that is known not to answer.
     QIcon iconOfBundle(NSString const& path);
 
 private:

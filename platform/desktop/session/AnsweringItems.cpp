@@ -1,0 +1,167 @@
+#include "platform/desktop/session/AnsweringItems.h"
+#include "platform/desktop/session/Patience.h"
+#include "platform/foundation/running/Log.h"
+#include "platform/foundation/running/NSRunLoop.h"
+#include <algorithm>
+#include <condition_variable>
+#include <fcntl.h>
+#include <map>
+#include <mutex>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+
+namespace mac {
+
+namespace {
+
+// A thread that has no answer for so long gets another one beside it, which goes on with the next item.
+constexpr std::chrono::milliseconds Hesitation{100};
+
+} // namespace
+
+// Only the main thread touches it.
+struct AnsweringItems::Known {
+    struct Item {
+        bool isSilent{false};
+        std::function<void()> answeredLate{};
+    };
+
+    void hasAnswered(std::string const& path) {
+        auto const found = items.find(path);
+        if (found == items.end() || !found->second.isSilent) return;
+        found->second.isSilent = false;
+        std::function<void()> const answeredLate = found->second.answeredLate;
+        if (answeredLate) answeredLate();
+    }
+
+    Question question;
+    // Those that were asked for, by path.
+    std::map<std::string, Item> items;
+};
+
+namespace {
+
+// Items that are asked for together.
+class Round : public std::enable_shared_from_this<Round> {
+public:
+    // The last function is called in any thread, with a path that answered after the round was given up.
+    Round(std::vector<std::string> paths, AnsweringItems::Question question,
+          std::function<void(std::string const&)> answeredLate)
+        : m_paths(std::move(paths)), m_hasAnswered(m_paths.size(), false), m_question(std::move(question)),
+          m_answeredLate(std::move(answeredLate)) {}
+
+    // Answers which items have not answered within the time. The threads go on with them.
+    std::vector<std::string> silentAfter(std::chrono::milliseconds longest) {
+        auto const end = std::chrono::steady_clock::now() + longest;
+        std::unique_lock lock(m_mutex);
+        while (m_answered < m_paths.size() && std::chrono::steady_clock::now() < end) {
+            if (m_begun < m_paths.size()) startThread();
+            // Without threads the items are read unasked.
+            if (m_threads == 0) return {};
+            auto const pause = std::min(end, std::chrono::steady_clock::now() + Hesitation);
+            m_changed.wait_until(lock, pause, [this] { return m_answered == m_paths.size(); });
+        }
+        m_isGivenUp = true;
+        std::vector<std::string> silent;
+        for (std::size_t index = 0; index < m_paths.size(); ++index) {
+            if (!m_hasAnswered[index]) silent.push_back(m_paths[index]);
+        }
+        return silent;
+    }
+
+private:
+    void startThread() {
+        try {
+            std::thread([round = shared_from_this()] { round->run(); }).detach();
+            ++m_threads;
+        } catch (std::system_error const& error) {
+            NSLog("No thread could be started: %s", error.what());
+        }
+    }
+
+    void run() {
+        std::unique_lock lock(m_mutex);
+        while (m_begun < m_paths.size()) {
+            std::size_t const index = m_begun++;
+            lock.unlock();
+            m_question(m_paths[index]);
+            lock.lock();
+            m_hasAnswered[index] = true;
+            ++m_answered;
+            m_changed.notify_one();
+            if (m_isGivenUp) m_answeredLate(m_paths[index]);
+        }
+    }
+
+    std::vector<std::string> const m_paths;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<bool> m_hasAnswered;
+    std::size_t m_threads{0};
+    std::size_t m_begun{0};
+    std::size_t m_answered{0};
+    bool m_isGivenUp{false};
+    AnsweringItems::Question const m_question;
+    std::function<void(std::string const&)> const m_answeredLate;
+};
+
+// The server is asked even if the kernel remembers what it last said.
+void askForStatus(std::string const& path) {
+    struct statx status {};
+    ::statx(AT_FDCWD, path.c_str(), AT_STATX_FORCE_SYNC, STATX_TYPE, &status);
+}
+
+NSString shownPath(std::string const& path) { return NSString::stringWithFileSystemRepresentation_(path); }
+
+} // namespace
+
+AnsweringItems::AnsweringItems(Question question) : m_known(std::make_shared<Known>()) {
+    m_known->question = question ? std::move(question) : Question(askForStatus);
+}
+
+AnsweringItems::~AnsweringItems() = default;
+
+std::shared_ptr<AnsweringItems> const& AnsweringItems::shared() {
+    // Never destroyed: threads may be left behind when the program ends.
+    static std::shared_ptr<AnsweringItems> const& items =
+        *std::make_unique<std::shared_ptr<AnsweringItems>>(std::make_shared<AnsweringItems>()).release();
+    return items;
+}
+
+void AnsweringItems::ask(std::vector<std::string> const& paths, std::function<void()> const& answeredLate) {
+    std::vector<std::string> asked;
+    for (std::string const& path : paths) {
+        Known::Item& item = m_known->items[path];
+        if (answeredLate) item.answeredLate = answeredLate;
+        if (!item.isSilent && std::ranges::find(asked, path) == asked.end()) asked.push_back(path);
+    }
+    if (asked.empty()) return;
+    auto const late = [known = std::weak_ptr(m_known)](std::string const& path) {
+        performOnMainRunLoop([known, path] {
+            if (std::shared_ptr<Known> const alive = known.lock()) alive->hasAnswered(path);
+        });
+    };
+    Patience const patience;
+    auto const round = std::make_shared<Round>(std::move(asked), m_known->question, late);
+    for (std::string const& path : round->silentAfter(std::max(Patience::left(), Hesitation))) {
+        m_known->items[path].isSilent = true;
+        NSLog("No answer yet from “%@”.", shownPath(path));
+    }
+}
+
+bool AnsweringItems::isSilent(std::string const& path) const {
+    auto const found = m_known->items.find(path);
+    return found != m_known->items.end() && found->second.isSilent;
+}
+
+bool AnsweringItems::mayRead(std::string const& path) {
+    auto const found = m_known->items.find(path);
+    if (found == m_known->items.end()) return true;
+    if (found->second.isSilent) return false;
+    Patience const patience(Glance);
+    ask({path});
+    return !found->second.isSilent;
+}
+
+} // namespace mac
