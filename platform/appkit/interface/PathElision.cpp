@@ -68,7 +68,8 @@ QString shownPath(QString const& path, CommonPath const& common, PathExtent exte
 
 QString elidedPath(QString const& path, CommonPath const& common, PathExtent extent, QFontMetrics const& metrics,
                    int width) {
-    return metrics.elidedText(shownPath(path, common, extent), Qt::ElideMiddle, width);
+    QString const shown = shownPath(path, common, extent);
+    return metrics.horizontalAdvance(shown) <= width ? shown : metrics.elidedText(shown, Qt::ElideMiddle, width);
 }
 
 } // namespace mac

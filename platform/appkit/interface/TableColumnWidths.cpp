@@ -18,8 +18,6 @@ namespace {
 constexpr int WidestFit = 40;
 constexpr int NarrowestFill = 30;
 constexpr int NarrowestSection = 30;
-// The space beside a title for the mark of the order, in pixels.
-constexpr int SortMark = 16;
 // The number of rows that count for the widths before any row is shown.
 constexpr int FirstRows = 1000;
 
@@ -30,6 +28,7 @@ TableColumnWidths::TableColumnWidths(QTableView* view, TableModel& model) : m_vi
     view->viewport()->installEventFilter(this);
     view->horizontalHeader()->installEventFilter(this);
     connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { guarded([&] { fitVisible(); }); });
+    connect(view->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this, [this] { followOrder(); });
     connect(view->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int section, int, int width) {
         takeChoice(section, width);
         choosePathExtents();
@@ -53,8 +52,11 @@ int TableColumnWidths::widthForText(QString const& text) const {
 int TableColumnWidths::widthOfTitle(int section) const {
     QHeaderView const* const header = m_view->horizontalHeader();
     QString const& title = m_model.columns()[static_cast<std::size_t>(section)].title;
-    int const mark = std::max(SortMark, header->style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header));
-    return header->fontMetrics().horizontalAdvance(title) + 2 * TableCellMargin + 2 + mark;
+    // The style draws the mark in a square as high as the header.
+    bool const isMarked = header->isSortIndicatorShown() && header->sortIndicatorSection() == section;
+    int const mark =
+        std::max(header->sizeHint().height(), header->style()->pixelMetric(QStyle::PM_HeaderMarkSize, nullptr, header));
+    return header->fontMetrics().horizontalAdvance(title) + 2 * TableCellMargin + 2 + (isMarked ? mark : 0);
 }
 
 int TableColumnWidths::widthOfIcon(int section) const {
@@ -69,9 +71,24 @@ void TableColumnWidths::resize(int section, int width) {
 
 void TableColumnWidths::setInitialWidths() {
     m_view->horizontalHeader()->setMinimumSectionSize(NarrowestSection);
+    for (int section = 0; section < m_model.columnCount(); ++section)
+        resize(section, initialWidth(section));
+    fillWidth();
+}
+
+int TableColumnWidths::initialWidth(int section) const {
+    TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
+    return std::max(widthOfTitle(section), widthForText(column.sample) + widthOfIcon(section));
+}
+
+// The column by which the rows are sorted needs room for the mark, which its predecessor no longer does.
+void TableColumnWidths::followOrder() {
+    if (!m_view) return;
     for (int section = 0; section < m_model.columnCount(); ++section) {
         TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
-        resize(section, std::max(widthOfTitle(section), widthForText(column.sample) + widthOfIcon(section)));
+        bool const keepsWidth = m_chosen.contains(section) || column.fitsContents || column.fillsWidth;
+        int const present = keepsWidth ? m_view->horizontalHeader()->sectionSize(section) : 0;
+        resize(section, std::max(present, initialWidth(section)));
     }
     fillWidth();
 }

@@ -40,6 +40,8 @@ public:
 
 private:
     void setInitialWidths();
+    int initialWidth(int section) const;
+    void followOrder();
     void fitVisible();
     void fitRows(int first, int count);
     void fitCell(int row, int section);

@@ -157,18 +157,38 @@ TEST_F(PathsInTheWindow, TakeTheWidthThatTheUserGives) {
 }
 
 TEST_F(PathsInTheWindow, StandUnderTitlesThatAreNeverCut) {
-    for (int section = 0; section < header()->count(); ++section) {
-        header()->resizeSection(section, 5);
-        header()->setSortIndicator(section, Qt::AscendingOrder);
-        QString const title = model().headerData(section, Qt::Horizontal).toString();
-        QStyleOptionHeader option;
-        option.initFrom(header());
-        option.rect = QRect(0, 0, header()->sectionSize(section), header()->height());
-        option.sortIndicator = QStyleOptionHeader::SortUp;
-        option.text = title;
-        QRect const room = header()->style()->subElementRect(QStyle::SE_HeaderLabel, &option, header());
-        EXPECT_GE(room.width(), header()->fontMetrics().horizontalAdvance(title)) << title.toStdString();
+    QFont font = header()->font();
+    // The mark grows with the header's height.
+    for (int const size : {9, 18, 36}) {
+        font.setPointSize(size);
+        header()->setFont(font);
+        QCoreApplication::processEvents();
+        for (int section = 0; section < header()->count(); ++section) {
+            header()->resizeSection(section, 5);
+            header()->setSortIndicator(section, Qt::AscendingOrder);
+            QString const title = model().headerData(section, Qt::Horizontal).toString();
+            QStyleOptionHeader option;
+            option.initFrom(header());
+            option.rect = QRect(0, 0, header()->sectionSize(section), header()->height());
+            option.sortIndicator = QStyleOptionHeader::SortUp;
+            option.text = title;
+            QRect const room = header()->style()->subElementRect(QStyle::SE_HeaderLabel, &option, header());
+            EXPECT_GE(room.width(), header()->fontMetrics().horizontalAdvance(title))
+                << title.toStdString() << " " << size;
+        }
     }
+}
+
+TEST_F(PathsInTheWindow, LeaveTheRoomOfTheSortMarkToTheColumnThatHasIt) {
+    m_window.controller().setPaths_(makeRecords({"/a/b", "/a/c"}));
+    header()->setSortIndicator(VersionColumn, Qt::AscendingOrder);
+    int const before = header()->sectionSize(RunningColumn);
+    header()->setSortIndicator(RunningColumn, Qt::AscendingOrder);
+    EXPECT_GT(header()->sectionSize(RunningColumn), before);
+    EXPECT_EQ(header()->length(), m_window.table()->viewport()->width());
+    header()->setSortIndicator(PathColumn, Qt::AscendingOrder);
+    EXPECT_EQ(header()->sectionSize(RunningColumn), before);
+    EXPECT_EQ(header()->length(), m_window.table()->viewport()->width());
 }
 
 TEST_F(PathsInTheWindow, StandBesideVersionsWithADashForWhatIsMissing) {
