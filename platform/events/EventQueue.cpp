@@ -1,10 +1,10 @@
 #include "platform/events/EventQueue.h"
 #include "platform/events/EventDispatch.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include <condition_variable>
 #include <deque>
 #include <mutex>
-#include <unistd.h>
 
 namespace mac {
 
@@ -26,8 +26,6 @@ Queue& queue() {
     static Queue& queue = *std::make_unique<Queue>().release();
     return queue;
 }
-
-bool isMainThread() { return ::gettid() == ::getpid(); }
 
 std::optional<IncomingEvent> takeFirst(Queue& queue) {
     if (queue.events.empty()) return std::nullopt;
