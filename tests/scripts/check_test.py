@@ -46,6 +46,7 @@ add_subdirectory(tests)
 """,
     "packaging/icons/16.svg": '<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16" viewBox="0 0 16 16"/>\n',
     "docs/man/small.1": ".TH SMALL 1\n.SH NAME\nsmall \\- does little\n",
+    "docs/pairs.txt": "# Pairs of other names.\napp/AppController.h app/ItemActions.cpp\n",
     "docs/operations.txt": """# Operations.
 
 app/ItemActions
@@ -318,6 +319,13 @@ PLANTED = [
     ("rules", [after("platform/foundation/text/NSString.cpp", 3, "void clear() { std::exchange(errno, 0); }\n")], "platform/foundation/text/NSString.cpp:4: ", "SystemError"),
     ("rules", [replace("app/AppController.h", "#pragma once\n", "")], "app/AppController.h:1: ", "#pragma once"),
     ("rules", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:411: ", "split"),
+    # shapes
+    ("shapes", [new(f"scripts/few{number}.py", "\n") for number in range(100)], "scripts/few0.py:1: ", "fewer than 31"),
+    ("shapes", [after("app/ItemActions.cpp", 3, "\n" * 400)], "app/ItemActions.cpp:400: ", "more than 400"),
+    ("shapes", [new("pathutils/Lonely.h", "#pragma once\nvoid stand();\n")], "pathutils/Lonely.h:1: ", "no source has its name"),
+    ("shapes", [new("pathutils/Lonely.cpp", "void stand() {}\n")], "pathutils/Lonely.cpp:1: ", "no header of this name"),
+    ("shapes", [after("docs/pairs.txt", 1, "app/AppController.h app/Gone.cpp\n")], "docs/pairs.txt:2: ", "no file of the tree"),
+    ("shapes", [after("docs/pairs.txt", 1, "app/AppController.h pathutils/BundleVersions.cpp\n")], "docs/pairs.txt:2: ", "does not include"),
     # documents
     ("documents", [after("README.md", 3, "![The window](docs/window.png)\n")], "README.md:4: ", "leads nowhere"),
     ("documents", [after("README.md", 3, "| `app/` | decides, see `app/Nowhere.cpp`. |\n")], "README.md:4: ", "app/Nowhere.cpp"),
@@ -338,7 +346,7 @@ PLANTED = [
      "packaging/collection/playbooks/small.yml:2: ", "name"),
     ("package", [replace("packaging/icons/16.svg", "/>", ">")], "packaging/icons/16.svg:2: ", "no element"),
 ]
-CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "documents", "package", "reference", "translations", "tidy"]
+CHECKS = ["format", "headers", "arrows", "operations", "registered", "rules", "shapes", "documents", "package", "reference", "translations", "tidy"]
 
 
 class Check(unittest.TestCase):
