@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/system/items/AttributesOnItem.h"
+#include "platform/system/items/AttributeNames.h"
 #include <cstddef>
 #include <cstdint>
 

@@ -3,6 +3,11 @@
 #include "platform/icons/IconFamily.h"
 #include "platform/icons/Picture.h"
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
 
 namespace mac {
 
@@ -18,5 +23,10 @@ std::vector<Picture> picturesInIconFile(std::span<std::byte const> bytes);
 // The colours 0xFFRRGGBB that numbers of 8 and of 4 bits stand for in icons, the system's own.
 std::array<std::uint32_t, 256> const& iconColors8();
 std::array<std::uint32_t, 16> const& iconColors4();
+
+// Whether a drawing (SVG) is plain text that names nothing outside of itself: no files, entities, defaults of
+// attributes or style sheets, and of embedded images only those in PNG and JPEG. The toolkit's reader opens what a
+// drawing names, and holds the caller where that is a pipe. Any thread.
+bool isSelfContainedDrawing(std::string_view drawing);
 
 } // namespace mac

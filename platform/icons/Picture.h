@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace mac {
@@ -53,10 +52,5 @@ std::vector<std::byte> contentsOfPNG(Picture const& picture);
 Picture scaledPicture(Picture const& picture, int width, int height);
 // Lays the picture, scaled, over what is there. The rectangle is in pixels of the lower picture, from its lower left.
 void drawPicture(Picture& onto, NSRect const& place, Picture const& picture);
-
-// Whether a drawing (SVG) is plain text that names nothing outside of itself: no files, entities, defaults of
-// attributes or style sheets, and of embedded images only those in PNG and JPEG. The toolkit's reader opens what a
-// drawing names, and holds the caller where that is a pipe. For implementations, any thread.
-bool isSelfContainedDrawing(std::string_view drawing);
 
 } // namespace mac

@@ -1,3 +1,4 @@
+#include "platform/icons/IconPictures.h"
 #include "platform/icons/Picture.h"
 #include <algorithm>
 #include <array>

@@ -1,4 +1,5 @@
 #include "platform/foundation/running/EventLoop.h"
+#include "platform/icons/IconPictures.h"
 #include "platform/icons/Picture.h"
 #include "platform/system/BigEndian.h"
 #include <QBuffer>

@@ -2,6 +2,7 @@
 
 #include "platform/system/FolderContents.h"
 #include "platform/system/Result.h"
+#include "platform/system/items/AttributeNames.h"
 #include "platform/system/items/OpenItem.h"
 #include <cstddef>
 #include <optional>
@@ -59,9 +60,5 @@ std::optional<std::size_t> valueAtPath(char const* path, AttributeName const& na
 // The names of a file's or folder's attributes, if nothing has the name of its AppleDouble sidecar. Not answered for a
 // symbolic link, nor if a name needs its value to be looked at.
 std::optional<std::vector<std::string>> namesAtPath(char const* path);
-
-// Names of the attributes in which an item keeps its Finder information and its resource fork.
-inline constexpr char XATTR_FINDERINFO_NAME[] = "com.apple.FinderInfo";
-inline constexpr char XATTR_RESOURCEFORK_NAME[] = "com.apple.ResourceFork";
 
 } // namespace mac
