@@ -194,7 +194,7 @@ Result<void> Exchange::takeNewSidecar(Side const& moved, Side const& place) cons
     if (!sidecar.hasValue()) return sidecar.problem();
     if (sidecar.value().has_value() != moved.sidecar.has_value()) return problem(ESTALE, place.item.name);
     if (!sidecar.value()) return {};
-    return setDates(sidecar.value()->file, {.modified = moved.sidecarDate});
+    return setDates(sidecar.value()->file, {.modified = moved.sidecarDate}, sidecar.value()->name);
 }
 
 Result<void> Exchange::confirmSidecar(Side const& moved, Side const& place, SidecarFiles files) const {

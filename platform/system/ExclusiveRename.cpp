@@ -76,7 +76,7 @@ Result<void> confirmSecondNames(FileDescriptor const& item, FileDescriptor const
     return SystemError{.code = EOPNOTSUPP, .operation = "link", .item = name.value()};
 }
 
-bool isSameItem(FileDescriptor const& second, FileDescriptor const& item) {
+bool isSecondNameOf(FileDescriptor const& second, FileDescriptor const& item) {
     if (!second.isOpen()) return false;
     Result<IdentifiedItem> const one = identify(second);
     Result<IdentifiedItem> const other = identify(item);
@@ -155,7 +155,7 @@ Result<void> StepwiseRename::renameBySecondName(Place const& from, Place const& 
     // Some file systems lose an open item when the name goes by which it was opened; others keep such a name, as long
     // as it is open, under one of their own.
     FileDescriptor second(::openat(to.folder.number(), to.name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    if (isSameItem(second, item)) item = std::move(second);
+    if (isSecondNameOf(second, item)) item = std::move(second);
     tellFirstStep();
     Result<void> removed = removeFirstName(from, to, item);
     if (!removed.isDone() && !removed.problem().is(EEXIST)) takeBackSecondName(from, to, item, removed.problem());

@@ -64,8 +64,7 @@ enum class ContentsLikeness {
     OneItem,
 };
 
-// Compares as haveEqualContents does, and tells more. What was asked to stop before the end answers Unreadable. Any
-// thread.
+// Compares as haveEqualContents does, and tells more. Answers Unreadable if asked to stop before the end. Any thread.
 ContentsLikeness compareContents(std::string const& path, std::string const& otherPath, std::stop_token const& stop);
 
 } // namespace mac

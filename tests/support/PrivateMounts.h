@@ -27,7 +27,7 @@ protected:
     // Likewise a new file system of another type, "xfs" or "btrfs".
     void mountImageOfType(std::string const& type, std::string const& image, std::string const& point);
     // Shows a folder at another place, by a server of its own (FUSE) that ends with the mount. Skips the test, with the
-    // reason, where there are none; then the caller returns.
+    // reason, where bindfs is missing or /dev/fuse is missing or closed; then the caller returns. Throws if it fails.
     void mountServed(std::string const& folder, std::string const& point);
     void unmount(std::string const& point);
 

@@ -129,7 +129,7 @@ Value modificationDate(FinderItem const& item) { return Value::date(dateOfUnixTi
 bool setModificationDate(FinderItem const& item, Value const& value, TextContext const& /*context*/) {
     if (!value.is(ValueKind::Date)) throw cannotMake(value, codes::DateType);
     timespec const modified{.tv_sec = unixTimeOfDate(value.seconds()), .tv_nsec = 0};
-    Result<void> const changed = setDates(item.open().item, {.modified = modified});
+    Result<void> const changed = setDates(item.open().item, {.modified = modified}, item.open().name);
     if (changed.isDone()) return true;
     throw fileError(changed.problem(), item.specifier());
 }

@@ -135,7 +135,7 @@ Result<void> writeTimes(OpenItem const& item, FSCatalogInfoBitmap which, FSCatal
     ItemDates dates;
     if ((which & kFSCatInfoAccessDate) != 0) dates.access = timeOf(information.accessDate);
     if ((which & kFSCatInfoContentMod) != 0) dates.modified = timeOf(information.contentModDate);
-    return setDates(item.item, dates);
+    return setDates(item.item, dates, item.name);
 }
 
 Result<void> writePermissions(OpenItem const& item, struct statx const& status, FSCatalogInfoBitmap which,

@@ -136,7 +136,7 @@ Result<void> AppleDoubleSidecar::save(std::optional<timespec> modified) const {
     if (!bytes || bytes->size() > LargestFile) return SystemError{.code = E2BIG, .operation = "write", .item = m_name};
     FileReplacement how{.newFileIsLike = &m_item.item, .hasToBe = true, .state = m_status};
     if (modified)
-        how.beforeFlushing = [&](FileDescriptor const& file) { return setDates(file, {.modified = modified}); };
+        how.beforeFlushing = [&](FileDescriptor const& file) { return setDates(file, {.modified = modified}, m_name); };
     Result<void> const replaced = replaceFileInFolder(m_item.folder, m_name, *bytes, how);
     if (replaced.isDone() || !replaced.problem().is(EEXIST)) return replaced;
     return SystemError{.code = EAGAIN, .operation = "rename", .item = m_name};

@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view UserNamespace = "user.";
 // The system forgets what a program may do when its owner changes, so these come last.
 constexpr std::string_view SecurityNamespace = "security.";
-constexpr std::uint32_t ReadAndWrite = 0666;
+constexpr std::uint32_t ReadAndWriteByAll = 0666;
 
 bool isUserAttribute(std::string_view name) { return name.starts_with(UserNamespace); }
 
@@ -114,7 +114,7 @@ Result<void> alignSidecar(CopyTarget const& to) {
         // The attribute found a place on the item after all.
         return error.is(ENOENT) ? Result<void>() : error;
     }
-    access.value().permissions &= ReadAndWrite;
+    access.value().permissions &= ReadAndWriteByAll;
     return giveAccess(sidecar, access.value(), InheritedList::IsRemoved);
 }
 

@@ -13,7 +13,7 @@ namespace mac {
 namespace {
 
 constexpr char DefaultList[] = "system.posix_acl_default";
-constexpr mode_t AllPermissions = 07777;
+constexpr mode_t PermissionsOfAMode = 07777;
 constexpr mode_t SetIdentityBits = S_ISUID | S_ISGID;
 constexpr unsigned GroupShift = 3;
 constexpr unsigned Everything = 7;
@@ -133,7 +133,8 @@ int changeMode(FileDescriptor const& item, mode_t mode) {
 Result<ItemAccess> accessWithoutListOf(FileDescriptor const& item) {
     struct stat status {};
     if (::fstat(item.number(), &status) != 0) return lastSystemError("stat");
-    return ItemAccess{.owner = status.st_uid, .group = status.st_gid, .permissions = status.st_mode & AllPermissions};
+    return ItemAccess{
+        .owner = status.st_uid, .group = status.st_gid, .permissions = status.st_mode & PermissionsOfAMode};
 }
 
 Result<ItemAccess> accessOf(FileDescriptor const& item) {

@@ -11,7 +11,7 @@ namespace mac {
 namespace {
 
 // Of a change whose sidecar is changed by others meanwhile.
-constexpr unsigned MostTries = 8;
+constexpr unsigned MostTriesOfAChange = 8;
 
 SystemError problem(int code, char const* operation, AttributeName const& name) {
     return {.code = code, .operation = operation, .item = name.shown};
@@ -108,7 +108,7 @@ Result<void> AttributeChange::writeBeside(std::span<std::byte const> value) {
 // may have written it although it failed. On FUSE and network file systems a file's state may change though nobody
 // writes it, such as when the server lets go of a second name some time after its removal: then tries again.
 void AttributeChange::restoreSidecar(AppleDouble const& before) const {
-    for (unsigned tries = 0; tries < MostTries; ++tries) {
+    for (unsigned tries = 0; tries < MostTriesOfAChange; ++tries) {
         AppleDoubleSidecar sidecar(m_item);
         bool const isOurs = sidecar.state() == AppleDoubleSidecar::State::Read &&
                             sidecar.contents.written() == m_sidecar.contents.written();
@@ -184,7 +184,7 @@ Result<void> changeUnderLock(OpenItem const& item, AttributeName const& name, ch
     for (unsigned tries = 1;; ++tries) {
         AttributeChange attribute(item, name);
         Result<void> changed = change(attribute);
-        if (changed.isDone() || !changed.problem().is(EAGAIN) || tries == MostTries) return changed;
+        if (changed.isDone() || !changed.problem().is(EAGAIN) || tries == MostTriesOfAChange) return changed;
     }
 }
 

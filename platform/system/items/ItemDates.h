@@ -3,6 +3,7 @@
 #include "platform/system/Result.h"
 #include <ctime>
 #include <optional>
+#include <string_view>
 
 namespace mac {
 
@@ -14,8 +15,8 @@ struct ItemDates {
     std::optional<timespec> modified{};
 };
 
-// Sets dates of an open item, be it a symbolic link or opened with O_PATH. Nothing is asked of the system if both are
-// missing. Any thread.
-Result<void> setDates(FileDescriptor const& item, ItemDates const& dates);
+// Sets dates of an open item, be it a symbolic link or opened with O_PATH; errors tell the name. Nothing is asked of
+// the system if both are missing. Any thread.
+Result<void> setDates(FileDescriptor const& item, ItemDates const& dates, std::string_view name = {});
 
 } // namespace mac

@@ -24,7 +24,7 @@ std::string_view withoutEmptyEnd(std::string_view path) {
     }
 }
 
-bool isSameItem(FileDescriptor const& a, FileDescriptor const& b) {
+bool leadToOneItem(FileDescriptor const& a, FileDescriptor const& b) {
     struct stat first {};
     struct stat second {};
     return ::fstat(a.number(), &first) == 0 && ::fstat(b.number(), &second) == 0 && first.st_dev == second.st_dev &&
@@ -42,7 +42,7 @@ Result<OpenItem> openNameless(std::string_view given) {
     Result<FileDescriptor> folder = openPath(BytePath(path).parent(), FolderFlags);
     if (!folder.hasValue()) return item;
     FileDescriptor found(::openat(folder.value().number(), name.c_str(), FolderFlags | O_NOFOLLOW | O_CLOEXEC));
-    if (!isSameItem(found, item.item)) return item;
+    if (!leadToOneItem(found, item.item)) return item;
     return OpenItem{folder.takeValue(), std::move(found), std::move(name)};
 }
 

@@ -2,8 +2,8 @@
 #include "platform/system/ExclusiveRename.h"
 #include "platform/system/TemporaryName.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
+#include "platform/system/items/HeldItem.h"
 #include "platform/system/items/ItemRemoval.h"
-#include "platform/system/items/ItemStatus.h"
 #include "platform/system/items/TreeRemoval.h"
 #include <cerrno>
 #include <cstdio>
@@ -25,44 +25,11 @@ Copied asCopied(Result<void> const& result) {
     return result.isDone() ? Copied() : TransferProblem{.error = result.problem()};
 }
 
-Result<OpenItem> itemNamed(FileDescriptor const& folder, std::string const& name) {
-    OpenItem item{.folder = FileDescriptor(::openat(folder.number(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC)),
-                  .item = FileDescriptor(::openat(folder.number(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC)),
-                  .name = name};
-    if (!item.item.isOpen()) return lastSystemError("open", name);
-    if (!item.folder.isOpen()) return lastSystemError("open", ".");
-    return item;
-}
-
-// An item that has a name in the folder of the copy, open so that no other gets its identity. What tells it is kept: on
-// some file systems, FUSE for one, an open item is lost when the name goes by which it was opened, as in an exchange
-// step by step.
-struct HeldItem {
-    OpenItem item{};
-    ItemIdentity identity{};
-    bool isFolder{false};
-    // A new name does not change it (ItemStatus.h).
-    std::uint64_t mark{MarkOfNoItem};
-};
-
-// The item of the name, open; ENOENT if there is none.
-Result<HeldItem> holdItem(FileDescriptor const& folder, std::string const& name) {
-    Result<OpenItem> item = itemNamed(folder, name);
-    if (!item.hasValue()) return item.problem();
-    Result<ItemStatus> const status = statusOf(item.value().item);
-    if (!status.hasValue()) return status.problem();
-    ItemPlace const& place = status.value().place;
-    return HeldItem{.item = item.takeValue(),
-                    .identity = place.identity,
-                    .isFolder = place.isFolder,
-                    .mark = markOf(status.value())};
-}
-
 // A complete copy under its temporary name, with its sidecar; held open so that nothing else is taken for them.
 struct TemporaryCopy {
     HeldItem held{};
     std::optional<OpenSidecar> sidecar{};
-    ItemIdentity sidecarIdentity{};
+    ItemTraits sidecarTraits{};
     // The name that it was made under: whatever has it goes with this process.
     std::string firstName{};
 };
@@ -74,9 +41,9 @@ Result<TemporaryCopy> openCopy(FileDescriptor const& folder, std::string const& 
     if (!sidecar.hasValue()) return sidecar.problem();
     TemporaryCopy copy{.held = held.takeValue(), .sidecar = sidecar.takeValue(), .firstName = temporary};
     if (!copy.sidecar) return copy;
-    Result<IdentifiedItem> const beside = identify(copy.sidecar->file);
+    Result<ItemTraits> const beside = traitsOf(copy.sidecar->file);
     if (!beside.hasValue()) return beside.problem();
-    copy.sidecarIdentity = beside.value().identity;
+    copy.sidecarTraits = beside.value();
     return copy;
 }
 
@@ -84,14 +51,21 @@ bool isThere(FileDescriptor const& folder, std::string const& name) {
     return ::faccessat(folder.number(), name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool isItem(FileDescriptor const& folder, std::string const& name, ItemIdentity const& item) {
-    return confirmItemInFolder(folder, name, item).isDone();
+bool isItem(FileDescriptor const& folder, std::string const& name, ItemTraits const& item) {
+    return confirmTraitsInFolder(folder, name, item).isDone();
+}
+
+// The mark of the item as it is now: it may have been written while the copy was made. Where that could make it another
+// item, it is the mark that it is confirmed by.
+std::uint64_t presentMark(HeldItem const& held) {
+    Result<ItemTraits> const now = traitsOf(held.item.item);
+    return now.hasValue() && now.value().isOfSameItem(held.traits) ? now.value().mark : held.traits.mark;
 }
 
 // Gives the copy the name that it is exchanged under, which tells it and the old item from all others: the one of them
 // that has it goes with this process.
 Result<void> nameForExchange(FileDescriptor const& folder, HeldItem const& old, TemporaryCopy& copy) {
-    Result<std::string> name = asideNameForEither(old.mark, copy.held.mark);
+    Result<std::string> name = asideNameForEither(presentMark(old), copy.held.traits.mark);
     if (!name.hasValue()) return name.problem();
     std::string const sidecar = AppleDoubleSidecar::nameFor(name.value());
     if (Result<void> const named = moveAside(folder, copy.held.item.name, name.value()); !named.isDone()) return named;
@@ -113,7 +87,7 @@ SystemError keepAside(FileDescriptor const& folder, TemporaryCopy const& copy, S
     if (!moveAside(folder, temporary, kept.value()).isDone()) return error;
     error.item = kept.value();
     std::string const sidecar = AppleDoubleSidecar::nameFor(temporary);
-    bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecarIdentity);
+    bool const isOfCopy = copy.sidecar && isItem(folder, sidecar, copy.sidecarTraits);
     // If it cannot follow, it stays all the same: it has not the mark in its name.
     if (!isOfCopy && isThere(folder, sidecar))
         static_cast<void>(renameWithoutReplacing(folder, sidecar, folder, AppleDoubleSidecar::nameFor(kept.value())));
@@ -138,7 +112,7 @@ public:
             return exchanged;
         }
         tell(OverwritingStep::NamesExchanged);
-        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.identity);
+        Result<void> const isOld = confirmTraitsInFolder(m_folder, m_temporary, m_old.traits);
         Copied const followed = isOld.isDone() ? exchangeSidecars() : asCopied(isOld);
         if (followed.isDone()) return followed;
         // The copy is complete with its sidecar.
@@ -160,7 +134,7 @@ public:
         Copied const back = sidecars.isDone() || isApart ? swapBack() : sidecars;
         if (isOldBack(back)) return TransferProblem{.error = reason};
         // The old item's sidecar stays with it.
-        bool const isOldThere = isItem(m_folder, m_temporary, m_old.identity);
+        bool const isOldThere = isItem(m_folder, m_temporary, m_old.traits);
         if (sidecars.isDone() && isOldThere) static_cast<void>(exchangeSidecars());
         return stranded(reason);
     }
@@ -184,22 +158,22 @@ private:
     // The copy has the name and the old item a third one; their sidecars follow as far as possible.
     void placeSidecars(std::string const& third) const {
         static_cast<void>(renameWithoutReplacing(m_folder, m_sidecar, m_folder, AppleDoubleSidecar::nameFor(third)));
-        if (!m_copy.sidecar || !isItem(m_folder, m_temporarySidecar, m_copy.sidecarIdentity)) return;
+        if (!m_copy.sidecar || !isItem(m_folder, m_temporarySidecar, m_copy.sidecarTraits)) return;
         static_cast<void>(renameWithoutReplacing(m_folder, m_temporarySidecar, m_folder, m_sidecar));
     }
 
     // Only while the copy has the name: another item there has been saved since and is to keep it.
     Copied swapBack() const {
-        Result<void> const isCopy = confirmItemInFolder(m_folder, m_old.item.name, m_copy.held.identity);
+        Result<void> const isCopy = confirmTraitsInFolder(m_folder, m_old.item.name, m_copy.held.traits);
         if (!isCopy.isDone()) return asCopied(isCopy);
-        return exchange(m_temporary, m_old.item.name, m_copy.held.mark);
+        return exchange(m_temporary, m_old.item.name, m_copy.held.traits.mark);
     }
 
     // Whether the old item has its own name again after swapBack(). A copy that is under a third name then is known by
     // that.
     bool isOldBack(Copied const& back) const {
-        if (isItem(m_folder, m_temporary, m_copy.held.identity)) return true;
-        if (!isItem(m_folder, m_old.item.name, m_old.identity)) return false;
+        if (isItem(m_folder, m_temporary, m_copy.held.traits)) return true;
+        if (!isItem(m_folder, m_old.item.name, m_old.traits)) return false;
         if (!back.isDone()) m_copy.held.item.name = back.problem().error.item;
         return true;
     }
@@ -207,9 +181,9 @@ private:
     // The item that has the temporary name cannot go back, and stays. The old item goes with the leftovers of this
     // process, as does what cannot be looked at if it is the old item.
     Copied stranded(SystemError error) const {
-        Result<void> const isOld = confirmItemInFolder(m_folder, m_temporary, m_old.identity);
+        Result<void> const isOld = confirmTraitsInFolder(m_folder, m_temporary, m_old.traits);
         bool const isAnother = !isOld.isDone() && isOld.problem().is(ESTALE);
-        bool const isReplaced = isOld.isDone() && isItem(m_folder, m_old.item.name, m_copy.held.identity);
+        bool const isReplaced = isOld.isDone() && isItem(m_folder, m_old.item.name, m_copy.held.traits);
         if (isAnother || (isOld.isDone() && !isReplaced)) {
             error = keepAside(m_folder, m_copy, std::move(error));
         } else if (isThere(m_folder, m_temporary)) {
@@ -261,8 +235,8 @@ private:
 Copied confirmReplaceable(ItemTransfer const& transfer, HeldItem const& held) {
     Result<IdentifiedItem> const original = identify(transfer.item.item);
     if (!original.hasValue()) return TransferProblem{.error = original.problem()};
-    if (original.value().identity == held.identity) return refuse(EEXIST, transfer.name);
-    if (held.isFolder && mayLieIn(transfer.item.folder, held.identity)) return refuse(EINVAL, transfer.name);
+    if (original.value().identity == held.traits.identity) return refuse(EEXIST, transfer.name);
+    if (held.isFolder && mayLieIn(transfer.item.folder, held.traits.identity)) return refuse(EINVAL, transfer.name);
     return asCopied(confirmRemovable(held.item));
 }
 
@@ -270,14 +244,14 @@ Copied confirmReplaceable(ItemTransfer const& transfer, HeldItem const& held) {
 // that was copied does not count.
 void removeTemporary(FileDescriptor const& folder, TemporaryCopy const& copy) {
     std::string const& temporary = copy.held.item.name;
-    ItemIdentity const& identity = copy.held.identity;
-    if (!isItem(folder, temporary, identity)) return;
-    if (copy.sidecar) static_cast<void>(removeTree(folder, copy.sidecar->name, copy.sidecarIdentity));
+    if (!isItem(folder, temporary, copy.held.traits)) return;
+    if (copy.sidecar && isItem(folder, copy.sidecar->name, copy.sidecarTraits))
+        static_cast<void>(removeTree(folder, copy.sidecar->name, copy.sidecarTraits.identity));
     // A folder that is not whole any more is told by no mark.
     bool const needsName = copy.held.isFolder && temporary != copy.firstName;
     if (needsName && !renameWithoutReplacing(folder, temporary, folder, copy.firstName).isDone()) return;
     std::string const& name = needsName ? copy.firstName : temporary;
-    static_cast<void>(removeTree(folder, name, identity, {.makesAccessible = true}));
+    static_cast<void>(removeTree(folder, name, copy.held.traits.identity, {.makesAccessible = true}));
 }
 
 // Removes a copy that has just been made under a name that no other process knows, as far as possible.
@@ -301,18 +275,17 @@ struct RemovalProblem {
 Result<void, RemovalProblem> removeFolder(HeldItem const& held, std::optional<OpenSidecar> const& sidecar,
                                           std::string const& name) {
     OpenItem const& old = held.item;
-    ItemIdentity const& identity = held.identity;
     if (Result<void> const named = moveAside(old.folder, old.name, name); !named.isDone())
         return RemovalProblem{.error = named.problem()};
-    Result<void> const isOld = confirmItemInFolder(old.folder, name, identity);
+    Result<void> const isOld = confirmTraitsInFolder(old.folder, name, held.traits);
     if (!isOld.isDone()) {
         bool const isBack = renameWithoutReplacing(old.folder, name, old.folder, old.name).isDone();
         return RemovalProblem{.error = isOld.problem(), .isWhole = isBack};
     }
     std::string const sidecarName = AppleDoubleSidecar::nameFor(name);
     bool const follows = sidecar && moveAside(old.folder, sidecar->name, sidecarName).isDone();
-    Result<void> removed = removeTree(old.folder, name, identity);
-    if (!removed.isDone()) removed = removeTree(old.folder, name, identity);
+    Result<void> removed = removeTree(old.folder, name, held.traits.identity);
+    if (!removed.isDone()) removed = removeTree(old.folder, name, held.traits.identity);
     if (!removed.isDone() && !removed.problem().is(ENOENT)) {
         SystemError error = removed.problem();
         error.item = name;
@@ -329,10 +302,10 @@ Result<void, RemovalProblem> removeFolder(HeldItem const& held, std::optional<Op
 // Removes the old item, which has the copy's temporary name now, with its sidecar.
 Result<void, RemovalProblem> removeOld(FileDescriptor const& folder, HeldItem const& old, TemporaryCopy const& copy) {
     std::string const& temporary = copy.held.item.name;
-    if (Result<void> const isOld = confirmItemInFolder(folder, temporary, old.identity); !isOld.isDone())
-        return RemovalProblem{.error = isOld.problem()};
     Result<HeldItem> const leaving = holdItem(folder, temporary);
     if (!leaving.hasValue()) return RemovalProblem{.error = leaving.problem()};
+    if (!leaving.value().traits.isOfSameItem(old.traits))
+        return RemovalProblem{.error = {.code = ESTALE, .operation = "statx", .item = temporary}};
     if (!leaving.value().isFolder) {
         Result<void> const removed = removeItem(leaving.value().item);
         if (removed.isDone()) return {};

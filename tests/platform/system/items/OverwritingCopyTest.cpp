@@ -208,6 +208,27 @@ TEST_F(OverwritingCopy, MarksTheItemThatIsToGo) {
     EXPECT_TRUE(isMarked);
 }
 
+TEST_F(OverwritingCopy, MarksAnItemThatIsWrittenDuringTheCopy) {
+    std::string const path = m_folder.makeFile("target/file", "old");
+    m_folder.makeFile("file", "new");
+    OpenItem const item = itemAt(m_folder.path("file"));
+    OpenItem const old = itemAt(path);
+    FileDescriptor const target = folderAt(m_folder.path("target"));
+    if (!mac::statusOf(old.item).value().place.identity.isLasting()) GTEST_SKIP() << "no times of birth are kept here";
+    bool isWritten = false;
+    ItemTransfer const transfer{.item = item, .folder = target, .name = "file", .shouldContinue = [&] {
+                                    isWritten = ::truncate(path.c_str(), 5) == 0;
+                                    return true;
+                                }};
+    Result<void, TransferProblem> const done = copyItemOver(transfer, [&](OverwritingStep step) {
+        if (step != OverwritingStep::Exchanged) return;
+        std::optional<ParsedTemporaryName> const name = parseTemporaryName(temporaryIn("target"));
+        EXPECT_TRUE(name && name->accepts(markOf(mac::statusOf(old.item).value())));
+    });
+    EXPECT_TRUE(done.isDone());
+    EXPECT_TRUE(isWritten);
+}
+
 TEST_F(OverwritingCopy, GivesAnOldItemThatWasLockedMeanwhileItsNameBack) {
     m_folder.makeFile("target/tree/file", "old");
     m_folder.makeFile("target/._tree", AppleDouble);

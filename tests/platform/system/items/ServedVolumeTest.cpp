@@ -5,9 +5,11 @@
 #include "platform/system/items/ItemStatus.h"
 #include "platform/system/items/OverwritingCopy.h"
 #include "tests/platform/system/items/ItemTransfers.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/Failures.h"
 #include "tests/support/PrivateMounts.h"
 #include <algorithm>
+#include <fstream>
 #include <sys/syscall.h>
 #include <thread>
 
@@ -83,6 +85,53 @@ TEST_F(ServedVolume, MarksACopyThatDoesNotGetItsName) {
         bool const isCopy = textOf(m_folder.path("served/" + name)) == "new";
         EXPECT_EQ(parsed->accepts(markOf(status.value())), isCopy) << name;
     }
+}
+
+// Removes a file and gives its name to another one that says "another" and has got its inode number.
+void replaceByItemOfSameNumber(std::string const& folder, std::string const& name) {
+    constexpr unsigned most = 1000;
+    std::string const file = folder + "/" + name;
+    ino_t const number = statusOf(file).st_ino;
+    ASSERT_EQ(::unlink(file.c_str()), 0);
+    std::vector<std::string> others;
+    for (unsigned tries = 0; tries < most && !isThere(file); ++tries) {
+        others.push_back(folder + "/other" + std::to_string(tries));
+        std::ofstream(others.back()) << "another";
+        if (statusOf(others.back()).st_ino != number) continue;
+        ASSERT_EQ(::rename(others.back().c_str(), file.c_str()), 0);
+    }
+    for (std::string const& other : others)
+        ::unlink(other.c_str());
+    ASSERT_TRUE(isThere(file));
+}
+
+// What tells items apart there is told by the server: its inode numbers come again, and it has no time of birth.
+TEST_F(ServedVolume, KeepsAnotherItemThatGotTheInodeNumberOfTheCopy) {
+    m_folder.makeFolder("disk");
+    m_folder.makeFolder("shown");
+    mountImage(m_folder.path("image"), m_folder.path("disk"));
+    if (IsSkipped()) return;
+    mountServed(m_folder.path("disk"), m_folder.path("shown"));
+    if (IsSkipped()) return;
+    m_folder.makeFile("file", "new");
+    m_folder.makeFile("shown/folder/file", "old");
+    std::string const folder = m_folder.path("shown/folder");
+    std::string const file = folder + "/file";
+    OpenItem const item = itemAt(m_folder.path("file"));
+    FileDescriptor const target = folderAt(folder);
+    std::thread([&] {
+        Result<void, TransferProblem> const copied =
+            copyItemOver({.item = item, .folder = target, .name = "file"}, [&](OverwritingStep step) {
+                if (step == OverwritingStep::NamesExchanged) replaceByItemOfSameNumber(folder, "file");
+                if (step == OverwritingStep::Exchanged) refuseCallOnThisThread(SYS_openat, EACCES);
+            });
+        EXPECT_FALSE(copied.isDone());
+    }).join();
+    EXPECT_EQ(textOf(file), "another");
+    std::vector<std::string> const names = namesIn(folder);
+    ASSERT_EQ(names.size(), 2U);
+    for (std::string const& name : names)
+        EXPECT_EQ(textOf(folder + "/" + name), name == "file" ? "another" : "old");
 }
 
 } // namespace
