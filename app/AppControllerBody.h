@@ -58,6 +58,8 @@ public:
     std::shared_ptr<InventorySync> _sync;
     // There were more results meanwhile.
     bool _syncsAgain{false};
+    // The inventory is built anew in the run loop's next turn.
+    bool _reSyncsSoon{false};
     // The last one on top of the stack, which is its end.
     std::vector<UndoStep> _undoSteps;
     NSString _notice;

@@ -29,10 +29,12 @@ private:
     KeyPathObserver gathering;
 };
 
-// While a search is under way the list stays as the user left it: it may end with the same folders.
+// While a search is under way the list stays as the user left it: it may end with the same folders. One that was
+// stopped says nothing of them, and another one stops it first.
 void Panes::Body::followSearch() {
     NSMetadataQuery const query = controller.load().query();
-    if (!query.isGathering() && query.unreadableFolderCount() == 0) showUnreadableFolders(false);
+    bool const isOver = !query.isGathering() && !query.isStopped();
+    if (isOver && query.unreadableFolderCount() == 0) showUnreadableFolders(false);
 }
 
 void Panes::Body::showUnreadableFolders(bool shows) {

@@ -2,7 +2,9 @@
 #include "app/AppControllerBody.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/NSRunLoop.h"
 #include <algorithm>
+#include <utility>
 
 namespace framekeeper {
 
@@ -150,11 +152,21 @@ void RecordBuilder::addMissing(AppController const& controller, NSMutableSet con
     }
     if (missing.empty()) return;
     AnsweringItems& items = *bodyOf(controller)->_answeringItems;
-    items.ask(files, [later = Weak<AppController>(controller)] { later.load().reSync(); });
+    items.ask(files, [later = Weak<AppController>(controller)] { reSyncSoon(later.load()); });
     for (std::size_t index = 0; index < missing.size(); ++index) {
         NSString const path = as<NSString>(missing[index]);
         add(records, path, items.isSilent(files[index]) ? BundleLook() : lookAtBundle(path));
     }
+}
+
+void reSyncSoon(AppController const& controller) {
+    if (controller == nil || std::exchange(bodyOf(controller)->_reSyncsSoon, true)) return;
+    performOnMainRunLoop([later = Weak<AppController>(controller)] {
+        AppController const present = later.load();
+        if (present == nil) return;
+        bodyOf(present)->_reSyncsSoon = false;
+        present.reSync();
+    });
 }
 
 bool isCompanion(BundleLook const& look) {

@@ -64,6 +64,10 @@ private:
     std::vector<NSString> m_keptTexts;
 };
 
+// Has the run loop make the controller's inventory anew in a later turn, once for all calls until then: the items of a
+// volume that answers late do so one after another. Does nothing for nil. Main thread.
+void reSyncSoon(AppController const& controller);
+
 // Whether the look found a copy of the companion.
 bool isCompanion(BundleLook const& look);
 

@@ -3,6 +3,7 @@
 #include "app/ScanChanges.h"
 #include "platform/preferences/NSUserDefaults.h"
 #include "tests/app/Controller.h"
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace framekeeper::test {
@@ -23,6 +24,25 @@ TEST(Panes, RemembersWhetherTheDetailsAreShown) {
     EXPECT_TRUE(panes.showsUnreadableFolders());
     EXPECT_FALSE(makeController().panes().showsUnreadableFolders());
     defaults.removeObjectForKey_("ShowsDetails");
+}
+
+TEST(Panes, KeepTheListOfFoldersUntilASearchHasReadThemAll) {
+    TemporaryFolder const folder;
+    ::setenv("FRAMEKEEPER_LOCAL_COMPUTER", folder.path().c_str(), 1);
+    AppController const controller = makeController();
+    Panes const panes = controller.panes();
+    panes.toggleUnreadableFolders_(nil);
+    controller.scanAction_(nil);
+    controller.scanAction_(nil);
+    EXPECT_TRUE(controller.query().isGathering());
+    EXPECT_TRUE(panes.showsUnreadableFolders()) << "another search has stopped the first";
+    controller.stopAction_(nil);
+    EXPECT_TRUE(panes.showsUnreadableFolders()) << "the search was stopped";
+    controller.scanAction_(nil);
+    EXPECT_TRUE(runUntil([&controller] { return !controller.query().isGathering(); }));
+    EXPECT_FALSE(panes.showsUnreadableFolders());
+    controller.query().stopQuery();
+    ::unsetenv("FRAMEKEEPER_LOCAL_COMPUTER");
 }
 
 TEST(Panes, AnswerNothingForNil) {

@@ -1,4 +1,5 @@
 #include "app/RecordBuilding.h"
+#include "platform/appkit/arrangement/KeyPathObserver.h"
 #include "tests/app/Controller.h"
 #include <gtest/gtest.h>
 
@@ -58,6 +59,22 @@ TEST(RecordBuilding, AnotherBundleHasEmptyVersions) {
     EXPECT_EQ(text(recordFrom(builder, "/a", look).objectForKey_("versionString")), "");
     EXPECT_TRUE(flag(recordFrom(builder, "/a", look), "exists"));
     EXPECT_FALSE(flag(recordFrom(builder, "/a", {}), "exists"));
+}
+
+TEST(RecordBuilding, ItemsThatAnswerTogetherMakeOneInventory) {
+    AppController const controller = makeController();
+    int inventories = 0;
+    mac::KeyPathObserver const observer(controller, "paths", [&inventories] { ++inventories; });
+    for (int round = 1; round <= 2; ++round) {
+        for (int item = 0; item < 3; ++item)
+            reSyncSoon(controller);
+        EXPECT_EQ(inventories, round - 1) << "not at once";
+        bool isOver = false;
+        mac::performOnMainRunLoop([&isOver] { isOver = true; });
+        EXPECT_TRUE(runUntil([&isOver] { return isOver; }));
+        EXPECT_EQ(inventories, round);
+    }
+    reSyncSoon(nil);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/appkit/interface/ApplicationInstance.h"
 #include "platform/appkit/views/NSApplication.h"
+#include "platform/desktop/session/Patience.h"
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/desktop/session/X11Display.h"
 #include "platform/events/AppleEvents.h"
@@ -48,6 +49,7 @@ std::uint32_t timeOfStartup(QString const& startup) {
 // The launcher's busy sign goes: what was started is in sight.
 void tellX11(QWidgetList const& windows, QString const& startup) {
     if (startup.isEmpty() || QGuiApplication::platformName() != "xcb") return;
+    Patience const patience;
     auto const display = X11Display::open();
     if (!display) return;
     constexpr std::uint32_t fromApplication = 1;

@@ -202,10 +202,11 @@ QIcon readIcon(std::string const& bundle) {
 
 QIcon BundleIcons::iconOfBundle(NSString const& path) {
     std::optional<std::string> const bundle = path.fileSystemRepresentation();
-    if (!bundle || !AnsweringItems::shared()->mayRead(*bundle)) return {};
+    if (!bundle) return {};
+    auto const known = m_known.find(*bundle);
+    if (!AnsweringItems::shared()->mayRead(*bundle)) return known == m_known.end() ? QIcon() : known->second.icon;
     Result<FileStatus> const status = fileStatusAtPath(*bundle);
     if (!status.hasValue() || status.value().kind != FileStatus::Kind::Folder) return {};
-    auto const known = m_known.find(*bundle);
     if (known != m_known.end() && known->second.modified == status.value().modified) return known->second.icon;
     if (m_known.size() >= MostKnown) m_known.clear();
     QIcon icon = readIcon(*bundle);

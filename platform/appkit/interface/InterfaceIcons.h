@@ -27,7 +27,8 @@ QIcon tileIcon(QString const& pathText);
 // its time of modification changes. Main thread.
 class BundleIcons {
 public:
-    // An empty icon for nil, for a path without a bundle and for one on a volume that is known not to answer.
+    // An empty icon for nil and for a path without a bundle. For one on a volume that is known not to answer: the
+    // remembered icon, or an empty one.
     QIcon iconOfBundle(NSString const& path);
 
 private:

@@ -88,7 +88,8 @@ void TableColumnWidths::followOrder() {
         TableColumn const& column = m_model.columns()[static_cast<std::size_t>(section)];
         bool const keepsWidth = m_chosen.contains(section) || column.fitsContents || column.fillsWidth;
         int const present = keepsWidth ? m_view->horizontalHeader()->sectionSize(section) : 0;
-        resize(section, std::max(present, initialWidth(section)));
+        int const least = m_chosen.contains(section) ? widthOfTitle(section) : initialWidth(section);
+        resize(section, std::max(present, least));
     }
     fillWidth();
 }
@@ -143,7 +144,7 @@ int TableColumnWidths::widthNeeded() const {
     QHeaderView const* const header = m_view->horizontalHeader();
     int const frame = m_view->width() - m_view->viewport()->width();
     int const filling = fillingSection();
-    if (filling < 0) return header->length() + frame;
+    if (filling < 0 || m_chosen.contains(filling)) return header->length() + frame;
     int const fill = header->sectionSize(filling);
     return header->length() - fill + std::min(fill, narrowestFill()) + frame;
 }

@@ -29,7 +29,8 @@ public:
     QMap<int, int> chosenWidths() const;
     // Takes over such widths; one that would cut the title becomes as wide as that.
     void choose(QMap<int, int> const& widths);
-    // The width in pixels that the view needs to show all columns at once, the filling one at its narrowest.
+    // The width in pixels that the view needs to show all columns at once, the filling one at its narrowest unless the
+    // user chose its width.
     int widthNeeded() const;
     // Forgets what the user chose.
     void reset();

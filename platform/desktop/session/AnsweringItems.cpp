@@ -7,16 +7,22 @@
 #include <fcntl.h>
 #include <map>
 #include <mutex>
+#include <set>
 #include <sys/stat.h>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace mac {
 
 namespace {
 
-// A thread that has no answer for so long gets another one beside it, which goes on with the next item.
+// A thread that has no answer for so long, or sooner if there are many items, gets another one beside it, which goes on
+// with the next item.
 constexpr std::chrono::milliseconds Hesitation{100};
+// How long it waits for an item beside others that have just missed their glance, and for one to be read at a glance
+// once the thread's patience is over. An item on a volume of the computer's own answers sooner.
+constexpr std::chrono::milliseconds Moment{10};
 
 } // namespace
 
@@ -24,6 +30,8 @@ constexpr std::chrono::milliseconds Hesitation{100};
 struct AnsweringItems::Known {
     struct Item {
         bool isSilent{false};
+        // Something was made without the item's answer.
+        bool isAwaited{false};
         std::function<void()> answeredLate{};
     };
 
@@ -31,6 +39,7 @@ struct AnsweringItems::Known {
         auto const found = items.find(path);
         if (found == items.end() || !found->second.isSilent) return;
         found->second.isSilent = false;
+        if (!std::exchange(found->second.isAwaited, false)) return;
         std::function<void()> const answeredLate = found->second.answeredLate;
         if (answeredLate) answeredLate();
     }
@@ -38,6 +47,8 @@ struct AnsweringItems::Known {
     Question question;
     // Those that were asked for, by path.
     std::map<std::string, Item> items;
+    // An item has missed its glance in this turn of the run loop. Many items of one volume may be drawn in a turn.
+    bool hasMissedGlance{false};
 };
 
 namespace {
@@ -54,12 +65,15 @@ public:
     // Answers which items have not answered within the time. The threads go on with them.
     std::vector<std::string> silentAfter(std::chrono::milliseconds longest) {
         auto const end = std::chrono::steady_clock::now() + longest;
+        // Each item is asked within half of the time, even if none before it answers.
+        auto const share = longest / static_cast<std::chrono::milliseconds::rep>(2 * m_paths.size() + 1);
+        auto const hesitation = std::clamp(share, std::chrono::milliseconds(1), Hesitation);
         std::unique_lock lock(m_mutex);
         while (m_answered < m_paths.size() && std::chrono::steady_clock::now() < end) {
             if (m_begun < m_paths.size()) startThread();
             // Without threads the items are read unasked.
             if (m_threads == 0) return {};
-            auto const pause = std::min(end, std::chrono::steady_clock::now() + Hesitation);
+            auto const pause = std::min(end, std::chrono::steady_clock::now() + hesitation);
             m_changed.wait_until(lock, pause, [this] { return m_answered == m_paths.size(); });
         }
         m_isGivenUp = true;
@@ -130,11 +144,20 @@ std::shared_ptr<AnsweringItems> const& AnsweringItems::shared() {
 }
 
 void AnsweringItems::ask(std::vector<std::string> const& paths, std::function<void()> const& answeredLate) {
-    std::vector<std::string> asked;
+    askFor(paths, std::max(Patience::left(), Hesitation));
+    if (!answeredLate) return;
     for (std::string const& path : paths) {
         Known::Item& item = m_known->items[path];
-        if (answeredLate) item.answeredLate = answeredLate;
-        if (!item.isSilent && std::ranges::find(asked, path) == asked.end()) asked.push_back(path);
+        item.answeredLate = answeredLate;
+        item.isAwaited = item.isSilent;
+    }
+}
+
+void AnsweringItems::askFor(std::vector<std::string> const& paths, std::chrono::milliseconds longest) {
+    std::vector<std::string> asked;
+    std::set<std::string> seen;
+    for (std::string const& path : paths) {
+        if (seen.insert(path).second && !m_known->items[path].isSilent) asked.push_back(path);
     }
     if (asked.empty()) return;
     auto const late = [known = std::weak_ptr(m_known)](std::string const& path) {
@@ -142,9 +165,8 @@ void AnsweringItems::ask(std::vector<std::string> const& paths, std::function<vo
             if (std::shared_ptr<Known> const alive = known.lock()) alive->hasAnswered(path);
         });
     };
-    Patience const patience;
     auto const round = std::make_shared<Round>(std::move(asked), m_known->question, late);
-    for (std::string const& path : round->silentAfter(std::max(Patience::left(), Hesitation))) {
+    for (std::string const& path : round->silentAfter(longest)) {
         m_known->items[path].isSilent = true;
         NSLog("No answer yet from “%@”.", shownPath(path));
     }
@@ -159,9 +181,15 @@ bool AnsweringItems::mayRead(std::string const& path) {
     auto const found = m_known->items.find(path);
     if (found == m_known->items.end()) return true;
     if (found->second.isSilent) return false;
-    Patience const patience(Glance);
-    ask({path});
-    return !found->second.isSilent;
+    std::chrono::milliseconds const glance = m_known->hasMissedGlance ? Moment : Glance;
+    askFor({path}, std::max(std::min(Patience::left(), glance), Moment));
+    if (!found->second.isSilent) return true;
+    if (!std::exchange(m_known->hasMissedGlance, true)) {
+        performOnMainRunLoop([known = std::weak_ptr(m_known)] {
+            if (std::shared_ptr<Known> const alive = known.lock()) alive->hasMissedGlance = false;
+        });
+    }
+    return false;
 }
 
 } // namespace mac

@@ -31,16 +31,20 @@ public:
 
     // Asks for all items and waits for the answers, for as long as the thread's patience lasts (Patience.h), and for
     // 0.1 s if that is over: what others waited for says nothing of these. One that has not answered by then is logged
-    // once and is silent until it does; meanwhile it is neither asked nor waited for again. When a silent item has
-    // answered, the run loop calls the function that came with its path last.
+    // once and is silent until it does; meanwhile it is neither asked nor waited for again. Whoever hands in a function
+    // does without the silent items for now: when such an item has answered, the run loop calls the function that came
+    // with its path last.
     void ask(std::vector<std::string> const& paths, std::function<void()> const& answeredLate = {});
     // Whether the item has been asked for and has not answered.
     bool isSilent(std::string const& path) const;
     // Whether the item may be read. A path that was never asked for may; any other is asked for again, for at most a
-    // glance.
+    // glance, and for 10 ms in a turn of the run loop in which an item has missed its glance already. Nobody is told
+    // when one that missed it answers: a slow volume would have the same things drawn over and over.
     bool mayRead(std::string const& path);
 
 private:
+    void askFor(std::vector<std::string> const& paths, std::chrono::milliseconds longest);
+
     struct Known;
     std::shared_ptr<Known> m_known;
 };

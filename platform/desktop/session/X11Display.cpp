@@ -243,6 +243,8 @@ bool X11Display::tellWindowManager(std::uint32_t window, char const* message,
 
 // The text goes in pieces as long as a client message, with the zero at its end; the first of them has another type.
 bool X11Display::endStartup(std::uint32_t window, std::string const& id) const {
+    constexpr std::size_t longestId = 1024;
+    if (id.size() > longestId) return false;
     std::string text = "remove: ID=\"";
     for (char const character : id) {
         if (character == '"' || character == '\\') text += '\\';

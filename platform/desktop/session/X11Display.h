@@ -32,7 +32,8 @@ public:
     bool tellWindowManager(std::uint32_t window, char const* message, std::vector<std::uint32_t> const& values) const;
     // Tells all programs that follow the display's startup notification that the start under this id has ended, as what
     // it started does once it is in sight: a launcher's busy sign goes. The window is one of the caller's. True if the
-    // display took it.
+    // display took it. The id comes from other programs, and each of its pieces waits for the display: one of more than
+    // 1024 bytes is refused.
     bool endStartup(std::uint32_t window, std::string const& id) const;
 
 private:

@@ -1,4 +1,5 @@
 #include "platform/appkit/interface/RememberedSize.h"
+#include "platform/appkit/interface/TableViewBody.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/preferences/NSUserDefaults.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
@@ -160,6 +161,28 @@ TEST_F(WindowMemory, GivesTheNextWindowTheWidthsThatTheUserChose) {
     next->action("resetColumnsAction")->trigger();
     EXPECT_NE(width(*next, VersionColumn), wanted);
     EXPECT_TRUE(defaults().objectForKey_(ColumnsKey) == nil);
+}
+
+TEST_F(WindowMemory, KeepsANarrowerWidthThatTheUserChoseWhenTheOrderChanges) {
+    auto const window = open();
+    int const usual = width(*window, VersionColumn);
+    window->table()->horizontalHeader()->resizeSection(VersionColumn, 5);
+    int const chosen = width(*window, VersionColumn);
+    ASSERT_LT(chosen, usual);
+    window->clickHeader(PathColumn);
+    EXPECT_EQ(width(*window, VersionColumn), chosen);
+}
+
+TEST_F(WindowMemory, NeedsTheWidthThatTheUserChoseForThePaths) {
+    auto const window = open();
+    QTableView const* const table = window->table();
+    table->horizontalHeader()->resizeSection(PathColumn, 2'000);
+    int const frame = table->width() - table->viewport()->width();
+    NSTableView const view = window->controller().pathsTableView();
+    EXPECT_EQ(bodyOf(view)->widthNeeded(), table->horizontalHeader()->length() + frame);
+    int const chosen = bodyOf(view)->widthNeeded();
+    window->action("resetColumnsAction")->trigger();
+    EXPECT_LT(bodyOf(view)->widthNeeded(), chosen);
 }
 
 TEST_F(WindowMemory, LeavesOutInvalidWidths) {

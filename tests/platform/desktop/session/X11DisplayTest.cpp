@@ -88,11 +88,20 @@ TEST_F(X11DisplayMessages, KeepIdsApartWhateverStandsInThem) {
     EXPECT_TRUE(display->endStartup(follower.root(), R"(a "quoted" \ id)"));
     EXPECT_EQ(follower.message(), R"(remove: ID="a \"quoted\" \\ id")");
     // The zero alone in the last piece, and just behind the last byte of one.
-    for (std::size_t const length : {7U, 6U, 8U, 27U, 500U}) {
+    for (std::size_t const length : {7U, 6U, 8U, 27U, 1024U}) {
         std::string const id(length, 'x');
         EXPECT_TRUE(display->endStartup(follower.root(), id));
         EXPECT_EQ(follower.message(), "remove: ID=\"" + id + "\"");
     }
+}
+
+TEST_F(X11DisplayMessages, AreNotSentForAnIdThatIsTooLong) {
+    StartupFollower const follower;
+    auto const display = X11Display::open();
+    ASSERT_TRUE(display);
+    EXPECT_FALSE(display->endStartup(follower.root(), std::string(1025, 'x')));
+    EXPECT_TRUE(display->endStartup(follower.root(), "next"));
+    EXPECT_EQ(follower.message(), R"(remove: ID="next")");
 }
 
 TEST_F(X11DisplayMessages, AreNotSentWhereNobodyFollows) {
