@@ -68,7 +68,7 @@ function(framekeeper_shared_library TARGET NAME)
   set(write_map ${PROJECT_SOURCE_DIR}/scripts/internal-symbols)
   add_custom_command(
     OUTPUT ${exported}
-    COMMAND ${write_map} ${exported} ${map} ${archives} -- ${users} $<TARGET_OBJECTS:framekeeper_osa>
+    COMMAND ${write_map} ${CMAKE_NM} ${exported} ${map} ${archives} -- ${users} $<TARGET_OBJECTS:framekeeper_osa>
     DEPENDS ${write_map} ${map} ${LIBRARY_ROOMS} ${LIBRARY_USERS} $<TARGET_OBJECTS:framekeeper_osa>
     COMMAND_EXPAND_LISTS VERBATIM)
   target_sources(${TARGET} PRIVATE ${exported})
@@ -91,6 +91,11 @@ framekeeper_shared_library(framekeeper_shared_core framekeeper-core ROOMS ${core
                            USERS ${program_rooms} ${window_rooms})
 framekeeper_shared_library(framekeeper_shared framekeeper ROOMS ${window_rooms} USERS ${program_rooms})
 target_link_libraries(framekeeper_shared PUBLIC framekeeper_shared_core)
+# Programs that were linked when there was one library name no other: the loader then looks for the second one where the
+# first one says.
+set_target_properties(framekeeper_shared PROPERTIES INSTALL_RPATH "$ORIGIN")
+# Its classes and hooks register themselves, so a program needs it also if it calls nothing of it.
+target_link_options(framekeeper_shared INTERFACE LINKER:--no-as-needed)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)

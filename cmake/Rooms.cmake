@@ -82,7 +82,10 @@ function(framekeeper_link_shared PROGRAM FOLDER)
     PROPERTIES LINK_LIBRARIES "framekeeper_options;-Wl,--no-as-needed;${ARGN};-Wl,--as-needed;${externals}"
                FRAMEKEEPER_ROOMS "${rooms}")
   # Found also below a prefix where no loader looks.
-  cmake_path(RELATIVE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY ${FOLDER} OUTPUT_VARIABLE from_program)
+  # Either folder may be absolute.
+  cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} OUTPUT_VARIABLE libraries)
+  cmake_path(ABSOLUTE_PATH FOLDER BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} OUTPUT_VARIABLE programs)
+  cmake_path(RELATIVE_PATH libraries BASE_DIRECTORY ${programs} OUTPUT_VARIABLE from_program)
   set_target_properties(${PROGRAM} PROPERTIES INSTALL_RPATH "$ORIGIN/${from_program}")
 endfunction()
 

@@ -119,7 +119,8 @@ std::string jsonDocument(char const* key, std::size_t count,
     std::string json = "{\"framekeeper\": " + std::to_string(JSONVersion) + ", \"" + key + "\": [";
     for (std::size_t index = 0; index < count; ++index)
         append(json += index == 0 ? "\n  " : ",\n  ", index);
-    return json + (count == 0 ? "]}\n" : "\n]}\n");
+    json += count == 0 ? "]}\n" : "\n]}\n";
+    return json;
 }
 
 id recordAt(NSArray const& records, std::size_t index) {

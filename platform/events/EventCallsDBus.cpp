@@ -2,11 +2,20 @@
 #include "platform/events/AppleEvents.h"
 #include "platform/events/FlatDescriptor.h"
 #include "platform/processes/Processes.h"
+#include <QDBusError>
 #include <QMetaType>
 #include <QVariantList>
 #include <algorithm>
 
 namespace mac {
+
+QString eventIntrospection() {
+    return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
+                          "<arg type=\"x\" direction=\"in\"/><arg type=\"i\" direction=\"out\"/><arg type=\"ay\" "
+                          "direction=\"out\"/></method>"
+                          "<method name=\"Post\"><arg type=\"ay\" direction=\"in\"/></method></interface>")
+        .arg(EventInterface);
+}
 
 QString eventEndpointName(std::int32_t pid) {
     return QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(pid);
@@ -40,11 +49,24 @@ SendingOutcome outcomeOfAnswer(QDBusMessage const& answer) {
     return {.status = status, .reply = status == noErr ? reply.takeValue() : AppleEvent{}};
 }
 
+QDBusMessage answerTo(QDBusMessage const& message, OSStatus status, AppleEvent const& reply) {
+    Result<std::vector<std::byte>, Failure> const flat = flattened(reply);
+    if (!flat.hasValue()) return message.createErrorReply(QDBusError::LimitsExceeded, "The reply is too large");
+    return message.createReply({static_cast<int>(status), arrayOf(flat.value())});
+}
+
 bool isOver(EventDeadline const& deadline) { return deadline && std::chrono::steady_clock::now() >= *deadline; }
 
 std::int64_t travellingDeadline(EventDeadline const& deadline) {
     if (!deadline) return INT64_MAX;
     return std::chrono::nanoseconds(deadline->time_since_epoch()).count();
+}
+
+EventDeadline latestArrival(EventDeadline const& deadline) {
+    // Less than the bus is waited for, since the toolkit's clock may be an eighth too fast.
+    constexpr std::chrono::seconds longestUnderWay{4};
+    auto const latest = std::chrono::steady_clock::now() + longestUnderWay;
+    return std::min(deadline.value_or(latest), {latest});
 }
 
 bool hasPassed(std::int64_t travellingDeadline) {

@@ -76,22 +76,25 @@ public:
         m_connection.reset();
     }
 
-    void send(std::shared_ptr<OutgoingEvent const> const& outgoing) {
+    // What travels to the receiver. Receivers of earlier versions refuse a deadline before they look at the event.
+    enum class Form { WithDeadline, BytesAlone };
+
+    void send(std::shared_ptr<OutgoingEvent const> const& outgoing, Form form = Form::WithDeadline) {
         OutgoingEvent const& sending = *outgoing;
         open();
         auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
         if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
-        // The receiver refuses an event whose sender waits no longer, so the bus is not asked first whether it hangs.
-        if (sending.expectation == Expectation::ReplyUntilDeadline) {
+        // The receiver refuses an event that comes too late, so the bus is not asked first whether it hangs.
+        if (sending.expectation == Expectation::ReplyUntilDeadline && form == Form::WithDeadline) {
             QString const* const known = knownEndpoint(sending.process);
-            if (known) return call(*known, outgoing, IfGone::IsLookedUp);
+            if (known) return callUnasked(*known, outgoing);
         }
         Result<QString, SendingOutcome> const found = connectionOf(sending.process, sending.deadline);
         if (!found.hasValue()) return fulfil(*sending.pending, found.problem());
         // The sender has given up: what came now would come as a surprise.
         if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
         QString const& number = found.value();
-        if (sending.expectation != Expectation::Nothing) return call(number, outgoing, IfGone::IsTold);
+        if (sending.expectation != Expectation::Nothing) return call(number, outgoing, form);
         if (m_unhandled[number] >= MostUnhandled) return fulfil(*sending.pending, {.status = memFullErr});
         ++m_unhandled[number];
         connect(watchedCall(number, "Post", {arrayOf(sending.event)}), &QDBusPendingCallWatcher::finished, this,
@@ -99,13 +102,7 @@ public:
         fulfil(*sending.pending, {});
     }
 
-    QString introspect(QString const&) const override {
-        return QStringLiteral("<interface name=\"%1\"><method name=\"Send\"><arg type=\"ay\" direction=\"in\"/>"
-                              "<arg type=\"x\" direction=\"in\"/><arg type=\"i\" direction=\"out\"/><arg type=\"ay\" "
-                              "direction=\"out\"/></method>"
-                              "<method name=\"Post\"><arg type=\"ay\" direction=\"in\"/></method></interface>")
-            .arg(EventInterface);
-    }
+    QString introspect(QString const&) const override { return eventIntrospection(); }
 
     bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
         bool const isKnown = message.member() == "Send" || message.member() == "Post";
@@ -133,22 +130,54 @@ private:
         return new QDBusPendingCallWatcher(m_connection->asyncCall(message, INT_MAX), this);
     }
 
-    // What is done if the connection with the number has gone, so that the event reached nothing.
-    enum class IfGone { IsTold, IsLookedUp };
-
-    void call(QString const& number, std::shared_ptr<OutgoingEvent const> const& outgoing, IfGone ifGone) {
-        QDBusPendingCallWatcher* const watcher =
-            watchedCall(number, "Send", {arrayOf(outgoing->event), qlonglong{travellingDeadline(outgoing->deadline)}});
-        connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                [this, outgoing, ifGone](QDBusPendingCallWatcher* finished) {
+    void call(QString const& number, std::shared_ptr<OutgoingEvent const> const& outgoing, Form form) {
+        QVariantList arguments{arrayOf(outgoing->event)};
+        if (form == Form::WithDeadline) arguments.append(qlonglong{travellingDeadline(outgoing->deadline)});
+        connect(watchedCall(number, "Send", arguments), &QDBusPendingCallWatcher::finished, this,
+                [this, outgoing, form](QDBusPendingCallWatcher* finished) {
                     finished->deleteLater();
-                    SendingOutcome const outcome = outcomeOfAnswer(finished->reply());
-                    bool const isGone = outcome.status == procNotFound && finished->isError();
-                    if (!isGone || ifGone == IfGone::IsTold) return fulfil(*outgoing->pending, outcome);
-                    m_endpoints.erase(outgoing->process.pid);
-                    guarded([&] { send(outgoing); });
+                    bool const isOlder = finished->error().type() == QDBusError::InvalidArgs;
+                    if (!isOlder || form == Form::BytesAlone)
+                        return fulfil(*outgoing->pending, outcomeOfAnswer(finished->reply()));
+                    guarded([&] { send(outgoing, Form::BytesAlone); });
                 });
         noteSent(*outgoing->pending);
+    }
+
+    // The bus is asked beside the call whether it hangs. If it does, the sender is told, and the event, should it ever
+    // arrive, is refused.
+    void callUnasked(QString const& number, std::shared_ptr<OutgoingEvent const> const& outgoing) {
+        auto const isSettled = std::make_shared<bool>(false);
+        qlonglong const latest = travellingDeadline(latestArrival(outgoing->deadline));
+        connect(watchedCall(number, "Send", {arrayOf(outgoing->event), latest}), &QDBusPendingCallWatcher::finished,
+                this, [this, outgoing, isSettled](QDBusPendingCallWatcher* finished) {
+                    finished->deleteLater();
+                    if (std::exchange(*isSettled, true)) return;
+                    guarded([&] { takeAnswer(*finished, outgoing); });
+                });
+        QDBusPendingCall const question = askWhetherBusRuns(*m_connection, timeoutUntil(outgoing->deadline));
+        connect(new QDBusPendingCallWatcher(question, this), &QDBusPendingCallWatcher::finished, this,
+                [this, outgoing, isSettled](QDBusPendingCallWatcher* finished) {
+                    finished->deleteLater();
+                    // Without a connection the call itself fails.
+                    bool const isHung = finished->isError() && m_connection && m_connection->isConnected();
+                    if (!isHung || std::exchange(*isSettled, true)) return;
+                    fulfil(*outgoing->pending, {.status = connectionInvalid});
+                });
+        noteSent(*outgoing->pending);
+    }
+
+    // What reached nothing, or was refused, is sent again; now the bus is asked first. send() knows whether the
+    // sender's time is over, too.
+    void takeAnswer(QDBusPendingCallWatcher const& finished, std::shared_ptr<OutgoingEvent const> const& outgoing) {
+        SendingOutcome const outcome = outcomeOfAnswer(finished.reply());
+        QDBusError::ErrorType const error = finished.error().type();
+        bool const isGone = finished.isError() && outcome.status == procNotFound;
+        bool const isRefused = error == QDBusError::TimedOut || error == QDBusError::InvalidArgs;
+        // What ends with the connection may have been handled: the toolkit does not tell it from what never left.
+        if (!isGone && !isRefused) return fulfil(*outgoing->pending, outcome);
+        m_endpoints.erase(outgoing->process.pid);
+        send(outgoing, error == QDBusError::InvalidArgs ? Form::BytesAlone : Form::WithDeadline);
     }
 
     void receive(QDBusMessage const& message, QDBusConnection const& connection) {
@@ -176,23 +205,11 @@ private:
         setOrigin(incoming.event, *peer);
         if (message.isReplyRequired()) {
             incoming.answer = [message, connection, wantsReply](OSStatus status, AppleEvent const& reply) {
-                if (wantsReply)
-                    answer(message, connection, status, reply);
-                else
-                    connection.send(message.createReply());
+                connection.send(wantsReply ? answerTo(message, status, reply) : message.createReply());
             };
         }
         if (!enqueue(std::move(incoming)))
             refuse(QDBusError::LimitsExceeded, "Too many events wait to be handled already");
-    }
-
-    static void answer(QDBusMessage const& message, QDBusConnection const& connection, OSStatus status,
-                       AppleEvent const& reply) {
-        Result<std::vector<std::byte>, Failure> const flat = flattened(reply);
-        if (flat.hasValue())
-            connection.send(message.createReply({static_cast<int>(status), arrayOf(flat.value())}));
-        else
-            connection.send(message.createErrorReply(QDBusError::LimitsExceeded, "The reply is too large"));
     }
 
     // Where it came from and where it went, whatever the sender says.

@@ -21,12 +21,16 @@ namespace mac {
 
 namespace {
 
+QDBusMessage questionToBus(char const* method) {
+    return QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                          method);
+}
+
 QDBusMessage askBus(QDBusConnection const& connection, char const* method, QVariantList const& arguments,
                     BusTimeout timeout) {
     if (timeout <= BusTimeout::zero())
         return QDBusMessage::createError(QDBusError::Timeout, "There is no time left to ask the session bus");
-    QDBusMessage message =
-        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
+    QDBusMessage message = questionToBus(method);
     message.setArguments(arguments);
     return connection.call(message, QDBus::Block, static_cast<int>(timeout.count()));
 }
@@ -58,6 +62,10 @@ BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name
     QDBusMessage const answer = askBus(connection, "GetNameOwner", {name}, timeout);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return {{}, answer.errorName()};
     return {answer.arguments().first().toString(), {}};
+}
+
+QDBusPendingCall askWhetherBusRuns(QDBusConnection const& connection, BusTimeout timeout) {
+    return connection.asyncCall(questionToBus("GetId"), static_cast<int>(timeout.count()));
 }
 
 bool requestBusName(QDBusConnection const& connection, QString const& name) {

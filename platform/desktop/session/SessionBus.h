@@ -3,6 +3,7 @@
 #include "platform/desktop/session/Patience.h"
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QString>
 #include <chrono>
 #include <cstdint>
@@ -38,6 +39,9 @@ struct BusNameOwner {
 };
 BusNameOwner busNameOwner(QDBusConnection const& connection, QString const& name,
                           BusTimeout timeout = Patience::left());
+
+// A question that each bus answers at once; it fails when none has come in time.
+QDBusPendingCall askWhetherBusRuns(QDBusConnection const& connection, BusTimeout timeout);
 
 // Takes the well-known name. False if another connection has it.
 bool requestBusName(QDBusConnection const& connection, QString const& name);

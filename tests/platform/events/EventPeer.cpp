@@ -195,6 +195,28 @@ private:
     std::optional<QDBusConnection> m_connection;
 };
 
+// Answers events by hand as earlier versions did, which took no deadline.
+class OlderPeer : public QDBusVirtualObject {
+public:
+    QString introspect(QString const&) const override { return {}; }
+    bool handleMessage(QDBusMessage const& message, QDBusConnection const& connection) override {
+        bool const isTaken = message.arguments().size() == 1;
+        return connection.send(isTaken ? message.createReply({0, message.arguments().value(0)})
+                                       : message.createErrorReply(QDBusError::InvalidArgs, "one row of bytes"));
+    }
+};
+
+int answerAsEarlierVersions(int argc, char** argv) {
+    QCoreApplication const application(argc, argv);
+    OlderPeer peer;
+    QDBusConnection connection =
+        QDBusConnection::connectToBus(QString::fromLocal8Bit(qgetenv("DBUS_SESSION_BUS_ADDRESS")), "older");
+    connection.registerVirtualObject("/com/tidelark/framekeeper/AppleEvents", &peer);
+    connection.registerService(QStringLiteral("com.tidelark.framekeeper.AppleEvents.p%1").arg(::getpid()));
+    say("ready");
+    return QCoreApplication::exec();
+}
+
 int answerOnManyConnections(int argc, char** argv) {
     QCoreApplication const application(argc, argv);
     MovingPeer peer;
@@ -210,6 +232,7 @@ int main(int argc, char** argv) {
     // A test that fails early takes its peer along.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (argc > 1 && std::string_view(argv[1]) == "--moving") return mac::test::answerOnManyConnections(argc, argv);
+    if (argc > 1 && std::string_view(argv[1]) == "--older") return mac::test::answerAsEarlierVersions(argc, argv);
     if (argc > 1) {
         mac::test::callAsStranger();
         // Qt's own thread may still read, and complains when what it needs goes first.

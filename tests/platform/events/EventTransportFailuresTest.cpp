@@ -95,6 +95,47 @@ TEST_F(EventTransport, FindsAProgramOnItsNextConnection) {
     }
 }
 
+TEST_F(EventTransport, FindsAHungBusGoneLongBeforeTheDeadline) {
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    m_bus->sendSignal(SIGSTOP);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("lost"))), connectionInvalid);
+    m_bus->sendSignal(SIGCONT);
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("now"))), noErr);
+    EXPECT_EQ(peer->readLine(), "now") << "what failed is not handled later";
+}
+
+// The receiver refuses what was under way for long, though its sender waits; it is sent again then.
+TEST_F(EventTransport, ReachesAKnownReceiverThatWasStoppedForAWhile) {
+    auto const peer = startPeer();
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    AppleEvent const patient = testEvent(Tell, address(*peer), stringDescriptor("patient"));
+    AppleEvent const hasty = testEvent(Tell, address(*peer), stringDescriptor("hasty"));
+    peer->sendSignal(SIGSTOP);
+    OSStatus status = errAETimeout;
+    std::thread waits([&] {
+        AppleEvent answer;
+        status = AESendMessage(&patient, &answer, kAEWaitReply, kAEDefaultTimeout);
+    });
+    constexpr std::int32_t fiveSeconds = 300;
+    EXPECT_EQ(send(hasty, fiveSeconds), errAETimeout);
+    peer->sendSignal(SIGCONT);
+    waits.join();
+    EXPECT_EQ(status, noErr);
+    EXPECT_EQ(peer->readLine(), "patient");
+    EXPECT_EQ(send(testEvent(Tell, address(*peer), stringDescriptor("now"))), noErr);
+    EXPECT_EQ(peer->readLine(), "now") << "each event is handled once";
+}
+
+TEST_F(EventTransport, ReachesReceiversOfEarlierVersions) {
+    ChildProcess const peer({EVENT_PEER, "--older"});
+    ASSERT_EQ(peer.readLine(), "ready");
+    for (char const* const text : {"one", "two"}) {
+        EXPECT_EQ(ask(peer, Echo, stringDescriptor(NSString::stringWithUTF8String_(text))), noErr);
+        EXPECT_EQ(replied(), text);
+    }
+}
+
 TEST_F(EventTransport, FindsAProgramThatWasStartedAgain) {
     auto const first = startPeer();
     EXPECT_EQ(ask(*first, Echo), noErr);
