@@ -40,6 +40,9 @@ namespace {
 // room.
 constexpr int MostUnhandled = 512;
 
+// Sends what is still to be sent and ends the transport's thread, if it runs.
+void stopTransport();
+
 NSString nsString(QString const& text) { return NSString::stringWithUTF8String_(text.toUtf8().constData()); }
 
 // The end of the connection that belongs to this process. Lives on the transport's thread, and everything in it does.
@@ -67,13 +70,17 @@ public:
                               SLOT(start()));
         m_connection->registerVirtualObject(EventPath, this);
         requestBusName(*m_connection, eventEndpointName(::getpid()));
+        // At the exit the youngest goes first, and by now the toolkit has made all that asking a bus needs.
+        static std::once_flag isEndArranged;
+        std::call_once(isEndArranged, [] { std::atexit(&stopTransport); });
     }
 
-    // What was sent last has left when the bus answers a question behind it.
     void close() {
         m_nextLook.stop();
-        if (m_connection) busNameOwner(*m_connection, eventEndpointName(::getpid()));
-        m_connection.reset();
+        if (!m_connection) return;
+        // What was sent last has left when the bus answers a question behind it.
+        busNameOwner(*m_connection, eventEndpointName(::getpid()));
+        closeConnection(m_connection);
     }
 
     // What travels to the receiver. Receivers of earlier versions refuse a deadline before they look at the event.
@@ -306,8 +313,8 @@ public:
         QMetaType::fromType<QDBusArgument>().id();
         m_thread.setObjectName("Apple events");
         m_endpoint.moveToThread(&m_thread);
-        // For an event loop that is never ended.
-        std::atexit([] { shared().stop(); });
+        // For an event loop that is never ended, should no bus be found.
+        std::atexit(&stopTransport);
     }
 
     // What is to be done passes under a lock of our own, and nothing by the toolkit: its locks are not seen by the
@@ -322,22 +329,6 @@ public:
             &m_endpoint, [] { shared().runNext(); }, Qt::QueuedConnection);
     }
 
-private:
-    void start() {
-        m_thread.start();
-        qAddPostRoutine([] { shared().stop(); });
-    }
-
-    void runNext() {
-        std::function<void(Endpoint&)> function;
-        {
-            std::lock_guard const guard(m_lock);
-            function = std::move(m_waiting.front());
-            m_waiting.pop_front();
-        }
-        guarded([&] { function(m_endpoint); });
-    }
-
     void stop() {
         if (!m_thread.isRunning()) return;
         run([](Endpoint& endpoint) {
@@ -350,12 +341,30 @@ private:
         m_isStarted = false;
     }
 
+private:
+    void start() {
+        m_thread.start();
+        qAddPostRoutine(&stopTransport);
+    }
+
+    void runNext() {
+        std::function<void(Endpoint&)> function;
+        {
+            std::lock_guard const guard(m_lock);
+            function = std::move(m_waiting.front());
+            m_waiting.pop_front();
+        }
+        guarded([&] { function(m_endpoint); });
+    }
+
     std::mutex m_lock;
     bool m_isStarted = false;
     std::deque<std::function<void(Endpoint&)>> m_waiting;
     QThread m_thread;
     Endpoint m_endpoint;
 };
+
+void stopTransport() { Transport::shared().stop(); }
 
 std::atomic<bool> s_isWanted{false};
 

@@ -50,6 +50,15 @@ std::optional<QDBusConnection> connectToSessionBus() {
     return connection.isConnected() ? std::optional(connection) : std::nullopt;
 }
 
+void closeConnection(std::optional<QDBusConnection>& connection) {
+    connection.reset();
+    // The toolkit's thread opens connections in the order in which it is asked to close and to open them, and only it
+    // finds out that this address leads nowhere.
+    QString const name = QStringLiteral("framekeeper-closing");
+    QDBusConnection::connectToBus(QStringLiteral("unix:path=/dev/null"), name);
+    QDBusConnection::disconnectFromBus(name);
+}
+
 std::optional<BusPeer> busPeer(QDBusConnection const& connection, QString const& name, BusTimeout timeout) {
     QDBusMessage const answer = askBus(connection, "GetConnectionCredentials", {name}, timeout);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return std::nullopt;

@@ -18,6 +18,11 @@ namespace mac {
 // thread's patience. Never starts a bus.
 std::optional<QDBusConnection> connectToSessionBus();
 
+// Gives up the connection. If nothing else holds it, it is closed when this returns, and calls that waited for replies
+// have failed; the toolkit, which closes it on a thread of its own, would do so at any later time, in the middle of the
+// program's exit, too.
+void closeConnection(std::optional<QDBusConnection>& connection);
+
 // How long the bus itself, which is asked by the calls below, is waited for: by default the thread's patience. Once
 // that is over, the bus is not asked.
 using BusTimeout = std::chrono::milliseconds;

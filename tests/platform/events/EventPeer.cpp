@@ -121,6 +121,13 @@ void tellWhetherTransportEnded() {
     say(isThreadGone("Apple events") ? "the transport ended" : "the transport runs on");
 }
 
+// Of all that the toolkit says about its work with buses: that it could not ask, or did not know its own types any
+// more.
+void tellComplaint(QtMsgType, QMessageLogContext const&, QString const& message) {
+    for (char const* const complaint : {"Error.NoMemory", "invalid type"})
+        if (message.contains(QLatin1StringView(complaint))) say(complaint);
+}
+
 void install(AEEventID eventID, AEEventHandlerProcPtr handler) {
     AEInstallEventHandler(TestClass, eventID, handler, nullptr, NO);
 }
@@ -231,6 +238,7 @@ int answerOnManyConnections(int argc, char** argv) {
 int main(int argc, char** argv) {
     // A test that fails early takes its peer along.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getenv("QDBUS_DEBUG")) qInstallMessageHandler(mac::test::tellComplaint);
     if (argc > 1 && std::string_view(argv[1]) == "--moving") return mac::test::answerOnManyConnections(argc, argv);
     if (argc > 1 && std::string_view(argv[1]) == "--older") return mac::test::answerAsEarlierVersions(argc, argv);
     if (argc > 1) {

@@ -84,6 +84,16 @@ TEST_F(EventTransport, EndsBeforeTheProgramDoes) {
     EXPECT_EQ(peer->readLine(), "the transport ended");
 }
 
+TEST_F(EventTransport, StillAsksTheBusWhenTheProgramEnds) {
+    EnvironmentVariable const told("QDBUS_DEBUG", "1");
+    auto const peer = startPeer();
+    EXPECT_EQ(askToQuit(*peer), noErr);
+    EXPECT_EQ(peer->readLine(), "quit");
+    EXPECT_EQ(peer->readLine(), "the transport ended") << "the toolkit complains before";
+    EXPECT_EQ(peer->readLine(), "") << "the toolkit complains afterwards";
+    EXPECT_EQ(peer->wait(), 0);
+}
+
 TEST_F(EventTransport, AsksAProcessThatAnswersNoEventsToQuitByASignal) {
     ChildProcess child({"/bin/cat"});
     EXPECT_EQ(ask(child, Echo), procNotFound) << "anything else fails";
