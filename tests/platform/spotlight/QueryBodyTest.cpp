@@ -61,8 +61,9 @@ TEST_F(MetadataQueryInTime, PostsNoProgressBeforeTheIntervalIsOver) {
     EXPECT_EQ(query.resultCount(), copies);
     ASSERT_FALSE(progress.empty());
     EXPECT_LE(progress.front(), 0.05) << "the first finds do not wait for the interval";
+    // Several intervals pass where the walk, on a busy computer, found nothing in one.
     for (std::size_t index = 1; index < progress.size(); ++index)
-        EXPECT_NEAR(progress[index] - progress[index - 1], 0.2, 1e-9);
+        EXPECT_GE(progress[index] - progress[index - 1], 0.2 - 1e-9);
 }
 
 TEST_F(MetadataQueryInTime, PostsNoUpdateBeforeTheIntervalSinceTheObserversWereDoneIsOver) {
