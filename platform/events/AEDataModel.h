@@ -28,10 +28,10 @@ inline constexpr DescType typeIEEE32BitFloatingPoint{"sing"};
 inline constexpr DescType typeIEEE64BitFloatingPoint{"doub"};
 // Linux: plain text is UTF-8, the encoding of this system's text, and read as Mac OS Roman only where it is not.
 inline constexpr DescType typeText{"TEXT"};
-// UTF-16 in the order of the machine, without a mark.
+// UTF-16 in the machine's byte order, without a byte order mark.
 inline constexpr DescType typeUnicodeText{"utxt"};
 inline constexpr DescType typeUTF8Text{"utf8"};
-// UTF-16 with a mark, or with the more significant byte first.
+// UTF-16 with a byte order mark, or big-endian without one.
 inline constexpr DescType typeUTF16ExternalRepresentation{"ut16"};
 inline constexpr DescType typeEnumerated{"enum"};
 inline constexpr DescType typeType{"type"};
@@ -64,7 +64,7 @@ inline constexpr AEKeyword keyEventClassAttr{"evcl"};
 inline constexpr AEKeyword keyEventIDAttr{"evid"};
 inline constexpr AEKeyword keyReturnIDAttr{"rtid"};
 inline constexpr AEKeyword keyTransactionIDAttr{"tran"};
-// The process that sent the event, set on arrival whatever the sender says.
+// The address and the process ID of the sender, set on arrival whatever the event itself says.
 inline constexpr AEKeyword keyOriginalAddressAttr{"from"};
 inline constexpr AEKeyword keySenderPIDAttr{"spid"};
 
@@ -79,39 +79,41 @@ inline constexpr AEEventID kAEAnswer{"ansr"};
 inline constexpr AEReturnID kAutoGenerateReturnID = -1;
 inline constexpr AETransactionID kAnyTransactionID = 0;
 
-// A value cannot be had as the type asked for; nothing under the keyword or index; data that is no descriptor.
+// The value cannot be converted to the type.
 inline constexpr OSErr errAECoercionFail = -1700;
+// No descriptor has the keyword or index.
 inline constexpr OSErr errAEDescNotFound = -1701;
+// The data is not that of a descriptor.
 inline constexpr OSErr errAECorruptData = -1702;
 
 // The data of a descriptor: bytes, a list or a record.
 struct DescriptorContents;
 using AEDataStorage = std::shared_ptr<DescriptorContents>;
 
-// A typed value: copied as a handle is, so that a copy costs a count and the last one to go frees the data. Without
-// data it is an empty value of its type.
+// A typed value. Copies share the data, which is freed with the last of them. Without data it is an empty value of its
+// type.
 struct AEDesc {
     DescType descriptorType{typeNull};
     AEDataStorage dataHandle{};
 };
 using AppleEvent = AEDesc;
 
-// Lists within lists, records and events, the outermost counted. What would nest deeper is refused, so that whatever
-// walks a descriptor may recurse.
+// The greatest depth of lists, records and events within each other, the outermost counted. Deeper nesting is refused,
+// so that code that traverses a descriptor may recurse.
 inline constexpr std::size_t kDescriptorMaximumDepth = 512;
 
-// Lets the data go and makes the descriptor null. Answers noErr; paramErr for a null pointer.
+// Releases the data and makes the descriptor null. Answers noErr; paramErr for a null pointer.
 OSErr AEDisposeDesc(AEDesc* desc);
 
-// The value as another type, stored through `result`: numbers, truth values, texts and codes into each other where
-// nothing is lost but a fraction (rounded to the even neighbour), anything into a list of itself, a list of one into
-// what its item can be, a record into one of another type. errAECoercionFail, and a null descriptor, where it cannot be
-// had; paramErr for a null pointer.
+// Converts the value to another type and stores it in `result`: numbers, truth values, texts and codes into each other
+// where nothing but a fraction is lost (halves are rounded to the even neighbour), any value into a list that holds it,
+// a list of one item into what the item can be converted to, a record into one of another type. errAECoercionFail, and
+// a null descriptor, if the value cannot be converted; paramErr for a null pointer.
 OSErr AECoerceDesc(AEDesc const* desc, DescType toType, AEDesc* result);
 
-// Teaches AECoerceDesc, and with it every accessor that converts, a further pair of types or a better way for a known
-// one: the function stores the value and answers noErr, or an error. It may be called on any thread. A second handler
-// for a pair takes the first one's place.
+// Adds a conversion from one type to another, for AECoerceDesc and every accessor that converts; it takes precedence
+// over a built-in one. The handler stores the value and answers noErr, or an error; it may be called on any thread. A
+// second handler for a pair of types replaces the first.
 using AECoercionHandler = OSErr (*)(AEDesc const& desc, DescType toType, AEDesc& result);
 OSErr AEInstallCoercionHandler(DescType fromType, DescType toType, AECoercionHandler handler);
 

@@ -45,16 +45,17 @@ OSStatus sendInPlace(AppleEvent const& event, AESendMode mode, AppleEvent& reply
 
 std::optional<SendingOutcome> waitWhileWanted(PendingReply const& pending, EventWait const& wait, Until until) {
     constexpr std::chrono::milliseconds betweenLooks{50};
-    while (wait.goesOn) {
+    while (wait.shouldContinue) {
         auto const nextLook = std::chrono::steady_clock::now() + betweenLooks;
         if (wait.deadline && *wait.deadline <= nextLook) break;
         if (std::optional<SendingOutcome> outcome = waitFor(pending, nextLook, until)) return outcome;
-        if (!wait.goesOn()) return std::nullopt;
+        if (!wait.shouldContinue()) return std::nullopt;
     }
     return waitFor(pending, wait.deadline, until);
 }
 
-// Whichever way the wait is left, what is still on its way to the bus then is not sent.
+// Abandons the pending reply when its scope ends, also by an exception: an event that is not sent by then is never
+// sent.
 class Abandoning {
 public:
     explicit Abandoning(std::shared_ptr<PendingReply> pending) : m_pending(std::move(pending)) {}
@@ -87,7 +88,7 @@ OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
         enqueueAnswer(answer);
         return noErr;
     }
-    // Whoever waits in vain gets no reply, whoever was to answer.
+    // A wait that timed out ends without a reply, also if a stand-in was to answer.
     if (error == errAETimeout) return errAETimeout;
     reply = answer;
     return noErr;
@@ -95,7 +96,7 @@ OSStatus deliver(AppleEvent const& answer, AESendMode mode, AppleEvent& reply) {
 
 Expectation expectationOf(AESendMode mode, EventWait const& wait) {
     if (mode == kAENoReply) return Expectation::Nothing;
-    return mode == kAEWaitReply && !wait.goesOn ? Expectation::ReplyUntilDeadline : Expectation::Reply;
+    return mode == kAEWaitReply && !wait.shouldContinue ? Expectation::ReplyUntilDeadline : Expectation::Reply;
 }
 
 OSStatus sendElsewhere(AppleEvent const& event, ProcessIdentity const& process, AESendMode mode, EventWait const& wait,
@@ -142,16 +143,16 @@ void setUnansweredQuitHandler(QuitRequest handler) { s_unansweredQuitHandler = h
 void setEventStandIn(EventStandIn standIn) { s_eventStandIn = standIn; }
 
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
-                     std::function<bool()> const& goesOn) {
-    return send(event, &reply, kAEWaitReply, {.deadline = deadline, .goesOn = goesOn});
+                     std::function<bool()> const& shouldContinue) {
+    return send(event, &reply, kAEWaitReply, {.deadline = deadline, .shouldContinue = shouldContinue});
 }
 
 OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks) {
     AESendMode const mode = sendMode & ReplyModes;
-    if (!event || (!reply && mode == kAEWaitReply) || timeOutInTicks < kNoTimeOut) return paramErr;
     // The reply may be the event's own record.
-    AppleEvent const sent = *event;
+    AppleEvent const sent = event ? *event : AppleEvent();
     if (reply) *reply = {};
+    if (!event || (!reply && mode == kAEWaitReply) || timeOutInTicks < kNoTimeOut) return paramErr;
     return send(sent, reply, mode, {.deadline = deadlineIn(timeOutInTicks)});
 }
 

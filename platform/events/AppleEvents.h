@@ -3,39 +3,45 @@
 #include "platform/events/AEDataModel.h"
 #include "platform/processes/Processes.h"
 
-// Who handles the Apple events that this program gets, and how it sends some. Any program of this library that has
-// installed a handler or sent an event to another process answers those of the same user, over the session bus.
+// Handlers for the Apple events that this program receives, and sending events. Any program of this library that has
+// installed a handler or sent an event to another process answers events of the same user's processes, over the session
+// bus.
 
 namespace mac {
 
-// Nobody handles such an event here; a value that is no event; a mode or time-out that there is none of; no reply in
-// time; a handler that failed; the process does not run, or answers no events; it went, or the bus did, before it
-// replied.
+// The descriptor is not an event with a class and an ID.
 inline constexpr OSErr errAENotAppleEvent = -1707;
+// The receiver has no handler for the event.
 inline constexpr OSErr errAEEventNotHandled = -1708;
+// The send mode says nothing about a reply.
 inline constexpr OSErr errAEUnknownSendMode = -1709;
+// No reply came in time.
 inline constexpr OSErr errAETimeout = -1712;
+// No such handler is installed.
 inline constexpr OSErr errAEHandlerNotFound = -1717;
+// The handler failed without an error of its own.
 inline constexpr OSErr errAEEventFailed = -10000;
+// There is no session bus, or the receiver or the bus went away before the reply.
 inline constexpr OSErr connectionInvalid = -609;
 
-// Handles an event: fills the reply, which is null when none is wanted, and answers noErr or an error, which goes into
-// the reply under keyErrorNumber unless there is one. errAEEventNotHandled is as if there were no handler. What it
-// raises is logged and counts as errAEEventFailed.
+// Handles an event: fills the reply, which is null if none is wanted, and answers noErr or an error. The error goes
+// into the reply under keyErrorNumber, unless the handler has put one there. errAEEventNotHandled has the effect of no
+// handler. An exception is logged and counts as errAEEventFailed. `refcon` is the value given with the handler.
 using AEEventHandlerProcPtr = OSErr (*)(AppleEvent const* event, AppleEvent* reply, void* refcon);
 
-// typeWildCard as class or ID stands for any; the handler that names more of them is asked. A second handler for a
-// class and ID takes the first one's place. Handlers are called on the main thread, by the run loop or while a reply is
-// waited for, and in place for events that the program sends itself. Main thread; paramErr for a null handler. The last
-// argument must be NO: there are no handlers for more than one program.
+// Installs the handler for a class and an ID, in place of an earlier one for the same two. typeWildCard as class or ID
+// stands for any; of several handlers that match, the one with fewer wild cards is called. Handlers are called on the
+// main thread, by the run loop or during a wait for a reply, and immediately for events that the program sends to
+// itself. Main thread; paramErr for a null handler, and if isSystemHandler is YES: there are no handlers for more than
+// one program.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerProcPtr handler, void* refcon,
                             BOOL isSystemHandler);
-// errAEHandlerNotFound when there is no handler for just this class and ID, or another one than the handler named;
-// a null handler names any.
+// Removes the handler for exactly this class and ID. errAEHandlerNotFound if there is none, if it is another one than
+// `handler`, unless that is null, and if isSystemHandler is YES. Main thread.
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerProcPtr handler,
                            BOOL isSystemHandler);
 
-// How an event is sent; what else a mode may say is ignored.
+// How the reply to an event is delivered; other bits of a mode are ignored.
 using AESendMode = std::int32_t;
 inline constexpr AESendMode kAENoReply = 1;
 // The reply comes as an event of its own, kCoreEventClass and kAEAnswer, with the return ID of the one it answers.
@@ -49,26 +55,28 @@ inline constexpr AESendPriority kAENormalPriority = 0;
 inline constexpr std::int32_t kAEDefaultTimeout = -1;
 inline constexpr std::int32_t kNoTimeOut = -2;
 
-// There are no procedures to be called while a reply is waited for.
+// Procedures to be called during a wait for a reply are not supported; pass nil.
 using AEIdleUPP = Nil;
 using AEFilterUPP = Nil;
 
 // Sends the event to the process that its address names: a serial number, a process ID, a bundle identifier or a
-// signature. To this program itself it is dispatched in place. Answers noErr once it is sent, and when a reply is
-// waited for, once that is there; what a handler failed with is in the reply. Else errAEEventNotHandled (only where a
-// reply is waited for), errAETimeout, procNotFound, connectionInvalid, memFullErr for more than 16 MiB or for the
-// 513th event without reply that the receiver has not handled, paramErr for a null pointer. The default time-out is a
-// minute. The reply is null after a failure and where none is waited for, and is the caller's to dispose of; it may be
-// a null pointer where none is waited for. While a reply is waited for, the main thread handles incoming events and
-// nothing else. Other threads may send to other processes, by serial number or process ID. Linux: a process that
-// answers no events is asked to quit as a user would, the file browser by its own command and others by SIGTERM, which
-// counts as its reply.
+// signature. An event to this program itself is dispatched immediately. Answers noErr once the event is sent and, with
+// kAEWaitReply, once the reply has come; an error of the handler is in the reply. Otherwise errAENotAppleEvent,
+// errAEUnknownSendMode, errAEEventNotHandled (only with kAEWaitReply), errAETimeout, procNotFound, connectionInvalid,
+// memFullErr for more than 16 MiB or for the 513th event without reply that the receiver has not handled, paramErr for
+// a null event, a null reply with kAEWaitReply, and a time-out below kNoTimeOut. The default time-out is one minute.
+// `reply` is set to null unless a reply was waited for and has come; it is the caller's to dispose of, and may be a
+// null pointer in the other modes. During the wait the main thread handles incoming events and nothing else. Other
+// threads may send to other processes, by serial number or process ID.
+// Linux: a process that answers no events is asked to quit as a user would, the file browser by its own command and
+// others by SIGTERM, which counts as its reply.
 OSStatus AESendMessage(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, std::int32_t timeOutInTicks);
-// The same; the priority is ignored.
+// Does what AESendMessage does; the priority and the two procedures are ignored.
 OSErr AESend(AppleEvent const* event, AppleEvent* reply, AESendMode sendMode, AESendPriority sendPriority,
              std::int32_t timeOutInTicks, AEIdleUPP idleProc, AEFilterUPP filterProc);
 
-// Sends the process an event without parameters and waits for the reply, which is not looked at; the default time-out.
+// Sends the process an event without parameters and waits for the reply with the default time-out. Answers what
+// AESendMessage does; the contents of the reply, also an error of the handler, are ignored.
 OSStatus sendEvent(ProcessSerialNumber const& psn, AEEventClass eventClass, AEEventID eventID);
 
 } // namespace mac

@@ -20,7 +20,7 @@ std::string_view characters(std::span<std::byte const> bytes) {
 
 std::span<std::byte const> bytesOfText(std::string_view text) { return std::as_bytes(std::span(text)); }
 
-// The units as they stand, in the order that the mark or the type asks for; lone surrogates stay.
+// The UTF-16 code units in the byte order that the mark or the type tells; lone surrogates stay.
 std::optional<std::u16string> unitsOf(std::span<std::byte const> bytes, bool isSwapped) {
     if (bytes.size() % sizeof(char16_t) != 0) return std::nullopt;
     std::u16string units(bytes.size() / sizeof(char16_t), u'\0');
@@ -90,7 +90,7 @@ std::optional<AEDesc> asText(AEDesc const& desc, DescType type) {
         std::u16string const marked = ByteOrderMark + *text;
         return makeDesc(type, std::as_bytes(std::span(marked)));
     }
-    // A lone surrogate has no UTF-8 form, so such text is left as it is rather than changed.
+    // A lone surrogate has no UTF-8 form, so text with one is not converted rather than changed.
     if (unitsFromUTF8(utf8FromUnits(*text)) != text) return std::nullopt;
     return makeDesc(type, bytesOfText(utf8FromUnits(*text)));
 }
@@ -122,7 +122,7 @@ std::optional<AEDesc> asList(AEDesc const& desc) {
     return list;
 }
 
-// A record under another name, an event as the record of its parameters.
+// Converts a record to one of another type, and an event to the record of its parameters.
 std::optional<AEDesc> asContainer(AEDesc const& desc, DescType type) {
     DescriptorContents const& contents = contentsOf(desc);
     bool const isContainerType = !isTextType(type) && !isCodeType(type) && !isNumberType(type) && type != typeNull &&
@@ -169,7 +169,7 @@ AECoercionHandler handlerFor(DescType fromType, DescType toType) {
 
 std::optional<std::u16string> plainTextOf(AEDesc const& desc) {
     if (auto const bytes = bytesOf(desc, typeUnicodeText)) return unitsOf(*bytes, false);
-    // Of bytes without a mark the more significant one comes first.
+    // Bytes without a byte order mark are big-endian.
     if (auto const bytes = bytesOf(desc, typeUTF16ExternalRepresentation))
         return unitsOf(*bytes, std::endian::native == std::endian::little);
     if (auto const bytes = bytesOf(desc, typeUTF8Text)) return unitsFromUTF8(characters(*bytes));
@@ -179,8 +179,8 @@ std::optional<std::u16string> plainTextOf(AEDesc const& desc) {
     return text ? text : unitsFromBytes(characters(*bytes), NSMacOSRomanStringEncoding);
 }
 
-// Readers take a mark at the beginning for one of byte order, so text that begins with such a character gets one before
-// it.
+// Readers take U+FEFF at the beginning for a byte order mark, so text that begins with that character, or with its
+// swapped bytes, gets a mark before it.
 AEDesc makeText(std::u16string_view units) {
     bool const looksMarked = units.starts_with(ByteOrderMark) || units.starts_with(SwappedByteOrderMark);
     if (!looksMarked) return makeDesc(typeUnicodeText, std::as_bytes(std::span(units)));

@@ -9,28 +9,29 @@
 
 namespace mac {
 
-// The value as another type; nothing where it cannot be had. Handlers that were installed come first. Any thread.
+// The value converted to another type; nullopt if it cannot be converted. Installed handlers are tried first. Any
+// thread.
 std::optional<AEDesc> coerced(AEDesc const& desc, DescType toType);
 
-// The value of a type that is text, without converting anything else; nothing for other types and for bytes that are no
+// The text of a descriptor of a text type; nullopt for other types, which are not converted, and for bytes that are no
 // text of the type.
 std::optional<std::u16string> plainTextOf(AEDesc const& desc);
 
-// Text as UTF-16 of the machine.
+// A descriptor of type typeUnicodeText with these UTF-16 code units.
 AEDesc makeText(std::u16string_view units);
 
-// A number on its way from one type of descriptor to another, kept as it was: no integer of 64 bits passes through a
-// real.
+// A number that is converted from one type of descriptor to another without loss: an integer of 64 bits never passes
+// through a real.
 class DescriptorNumber {
 public:
     using Value = std::variant<std::int64_t, std::uint64_t, double>;
 
     explicit DescriptorNumber(Value value) : m_value(value) {}
-    // A whole text of digits, with white space around it; no words such as "inf".
+    // The number that the whole text spells in digits, with white space around it; nullopt for words such as "inf".
     static std::optional<DescriptorNumber> read(std::u16string_view text);
 
     double asReal() const;
-    // A descriptor of a type of number; nothing where the number is beyond its range.
+    // A descriptor of the given type of number; nullopt if the number is beyond its range.
     std::optional<AEDesc> as(DescType type) const;
     // The fewest digits that read back as the same number.
     std::u16string text() const;
@@ -39,10 +40,11 @@ private:
     Value m_value;
 };
 
-// Integers, reals and truth values; nothing for anything else and for data of another size than the type's.
+// The value of an integer, a real or a truth value; nullopt for anything else and for data of another size than the
+// type's.
 std::optional<DescriptorNumber> numberOf(AEDesc const& desc);
 
-// Whether a type is one of integers or reals.
+// Whether the type is that of an integer or a real.
 bool isNumberType(DescType type);
 
 } // namespace mac

@@ -20,7 +20,7 @@ template <class T>
 std::optional<T> integerOf(DescriptorNumber::Value const& value) {
     if (auto const* const real = std::get_if<double>(&value)) {
         double const rounded = std::nearbyint(*real);
-        // Both ends are powers of two, so a real holds them exactly; not a number is on neither side.
+        // Both bounds are powers of two, so a real holds them exactly; NaN is within neither.
         auto const first = static_cast<double>(std::numeric_limits<T>::min());
         double const end = std::ldexp(1.0, std::numeric_limits<T>::digits);
         if (!(rounded >= first && rounded < end)) return std::nullopt;
@@ -70,7 +70,7 @@ std::optional<DescriptorNumber> DescriptorNumber::read(std::u16string_view text)
     std::string const digits = utf8FromUnits(trimmed(text));
     std::string_view view = digits;
     if (view.starts_with('+') && !view.starts_with("+-")) view.remove_prefix(1);
-    // Words such as "inf" are no digits.
+    // The conversion would accept words such as "inf".
     if (view.find_first_not_of("0123456789+-.eE") != std::string_view::npos) return std::nullopt;
     char const* const end = view.data() + view.size();
     std::int64_t integer = 0;

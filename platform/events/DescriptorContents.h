@@ -17,8 +17,8 @@ struct DescriptorEntry {
     AEDesc desc{};
 };
 
-// What a descriptor holds besides its type. Shared by copies until one of them is changed, so an entry is never the
-// descriptor it stands in and there are no circles.
+// What a descriptor holds besides its type. Copies share it until one of them is changed, so a descriptor never
+// contains itself.
 struct DescriptorContents {
     enum class Form { Bytes, List, Record, Event };
 
@@ -26,9 +26,9 @@ struct DescriptorContents {
     std::vector<std::byte> bytes{};
     // The items of a list, the fields of a record, the parameters of an event.
     std::vector<DescriptorEntry> entries{};
-    // Of an event.
+    // The attributes of an event.
     std::vector<DescriptorEntry> attributes{};
-    // At least the number of containers in one another, this one counted; 1 for bytes.
+    // At least the depth of containers within each other, this one counted; 1 for bytes.
     std::size_t depth{1};
 
     std::vector<DescriptorEntry>& entriesOrAttributes(bool areAttributes) {
@@ -49,13 +49,13 @@ AEDesc makeDescOf(DescType type, T const& value) {
 
 // What the descriptor holds, for reading.
 DescriptorContents const& contentsOf(AEDesc const& desc);
-// The same for changing: its own copy where others share it.
+// What the descriptor holds, for changing; copied first if other descriptors share it.
 DescriptorContents& changeableContentsOf(AEDesc& desc);
 
-// The bytes of a descriptor of this type; nothing for another type and for a container.
+// The bytes of a descriptor of this type; nullopt for another type and for a container.
 std::optional<std::span<std::byte const>> bytesOf(AEDesc const& desc, DescType type);
 
-// The value of a descriptor of this type whose data has just the size of one.
+// The value of a descriptor of this type; nullopt for another type and for data of another size than the value's.
 template <class T>
 std::optional<T> valueOf(AEDesc const& desc, DescType type) {
     std::optional<std::span<std::byte const>> const bytes = bytesOf(desc, type);
@@ -68,11 +68,11 @@ std::optional<T> valueOf(AEDesc const& desc, DescType type) {
 // The first value under the keyword; null where there is none.
 AEDesc const* findEntry(std::span<DescriptorEntry const> entries, AEKeyword keyword);
 
-// Puts a value under the keyword of a record or event, in place of the one that is there. False for anything else, and
-// where it would nest too deep, which is logged.
+// Sets the value of a keyword in a record or event, replacing an earlier one. False for other descriptors, and if it
+// would nest too deep, which is logged.
 bool putEntry(AEDesc& desc, AEKeyword keyword, AEDesc value, bool isAttribute = false);
-// Puts an item in place of the one at the index counted from 1; at the end for 0 and for one past the last. False for
-// anything else.
+// Replaces the item of a list at the index, counted from 1; appends for 0 and one past the last. False for other
+// indexes and descriptors, and if it would nest too deep, which is logged.
 bool putItem(AEDesc& desc, std::int32_t index, AEDesc value);
 
 class NSAppleEventDescriptor::Body : public ObjectBody {
@@ -80,7 +80,7 @@ public:
     Body() = default;
     explicit Body(AEDesc newDesc) : desc(std::move(newDesc)) {}
 
-    // As the system's tools print it: <NSAppleEventDescriptor: 'utxt'("x")>.
+    // In the form of the system's tools: <NSAppleEventDescriptor: 'utxt'("x")>.
     NSString description() const override;
     id copy() const override { return adopt<NSAppleEventDescriptor>(desc); }
 

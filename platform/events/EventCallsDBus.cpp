@@ -63,7 +63,7 @@ std::int64_t travellingDeadline(EventDeadline const& deadline) {
 }
 
 EventDeadline latestArrival(EventDeadline const& deadline) {
-    // Less than the bus is waited for, since the toolkit's clock may be an eighth too fast.
+    // Shorter than the wait for the bus, since the toolkit's timers may run an eighth too fast.
     constexpr std::chrono::seconds longestUnderWay{4};
     auto const latest = std::chrono::steady_clock::now() + longestUnderWay;
     return std::min(deadline.value_or(latest), {latest});
@@ -73,8 +73,8 @@ bool hasPassed(std::int64_t travellingDeadline) {
     return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count() >= travellingDeadline;
 }
 
-// A little longer than the sender waits, who is to find the time over rather than the bus gone: the toolkit's clock may
-// be an eighth too fast.
+// A little longer than the sender waits, so that the sender reports its own time-out rather than a bus that is gone:
+// the toolkit's timers may run an eighth too fast.
 BusTimeout timeoutUntil(EventDeadline const& deadline) {
     if (!deadline) return BusTimeout(Patience::Longest);
     constexpr BusTimeout least{100};

@@ -9,7 +9,8 @@ namespace mac {
 
 namespace {
 
-// Handlers that send events and are sent some while they wait, within one another: each takes some of the stack.
+// The most events handled within each other: a handler that sends an event handles others while it waits, and each
+// level takes stack.
 constexpr std::size_t MostNested = 64;
 
 using Key = std::pair<std::uint32_t, std::uint32_t>;
@@ -24,7 +25,7 @@ std::vector<CurrentEvent>& nestedEvents() {
     return events;
 }
 
-// A copy: the handler may remove itself.
+// The handler for the event, as a copy: it may remove itself.
 EventHandler handlerFor(AppleEvent const& event) {
     std::uint32_t const eventClass = codeAttribute(event, keyEventClassAttr);
     std::uint32_t const eventID = codeAttribute(event, keyEventIDAttr);

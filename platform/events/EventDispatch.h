@@ -11,29 +11,31 @@ using EventHandler = std::function<OSErr(AppleEvent const& event, AppleEvent& re
 
 struct RegisteredHandler {
     EventHandler handler;
-    // Of a handler that was installed as a procedure.
+    // Set if the handler was installed as a procedure.
     AEEventHandlerProcPtr procedure{nullptr};
 };
 
 void setEventHandler(AEEventClass eventClass, AEEventID eventID, RegisteredHandler handler);
-// False when there is none for just this class and ID, or none with this procedure where one is named.
+// False if no handler is registered for exactly this class and ID, or if a procedure is given and the handler is
+// another one.
 bool removeEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerProcPtr procedure);
 
-// The attribute as a four-character code; 0 where there is none.
+// The attribute as a four-character code; 0 if the event lacks it.
 std::uint32_t codeAttribute(AppleEvent const& event, AEKeyword keyword);
 // Whether the descriptor is an event with a class and an ID.
 bool isEvent(AEDesc const& desc);
 
-// Calls the handler. A reply that is wanted is made and filled, also with the error of a handler that failed; the
-// status is then noErr. errAEEventNotHandled when there is no handler, and for events within events beyond a bound.
+// Calls the handler. If a reply is wanted it is created and filled, also with the error of a handler that failed; the
+// status is then noErr. errAEEventNotHandled if there is no handler, or too many events are being handled within each
+// other.
 OSErr dispatchEvent(AppleEvent const& event, bool wantsReply, AppleEvent& reply);
 
-// The reply to an event, still empty.
+// An empty reply to the event.
 AppleEvent makeReply(AppleEvent const& event);
-// One that tells of an error alone.
+// A reply to the event that holds nothing but the error.
 AppleEvent failedReply(AppleEvent const& event, OSStatus status);
 
-// The event that is being handled and its reply; null pointers when none is.
+// The event that is being handled and its reply; null pointers if no event is being handled.
 struct CurrentEvent {
     AppleEvent const* event{nullptr};
     AppleEvent const* reply{nullptr};

@@ -10,7 +10,7 @@ namespace mac {
 
 namespace {
 
-// What senders may leave to be handled while the main thread is busy.
+// The most events in the queue while the main thread is busy.
 constexpr std::size_t MostEvents = 1024;
 constexpr std::size_t MostBytes = std::size_t{64} << 20;
 
@@ -21,7 +21,7 @@ struct Queue {
     std::size_t bytes{0};
 };
 
-// Stands to the program's last instruction: another thread may still put something in.
+// Never destroyed: another thread may still enqueue an event at the program's exit.
 Queue& queue() {
     static Queue& queue = *std::make_unique<Queue>().release();
     return queue;
@@ -90,7 +90,7 @@ bool enqueue(IncomingEvent event) {
         queue().events.push_back(std::move(event));
     }
     queue().changed.notify_all();
-    // One call an event: where a wait has handled it already, there is nothing left to do.
+    // One call for each event; it does nothing if a wait for a reply has handled the event already.
     performOnMainRunLoop(handleOne);
     return true;
 }
@@ -113,7 +113,7 @@ std::optional<SendingOutcome> waitFor(PendingReply const& pending, EventDeadline
         bool const isLate = deadline && std::chrono::steady_clock::now() >= *deadline;
         if (isLate && !isOver()) return std::nullopt;
     }
-    // A reply that has come already is not what was waited for.
+    // A wait for Sent ends before the reply is looked at, also if that has come already.
     bool const isUnderWay = until == Until::Sent && pending.isSent;
     return isUnderWay ? SendingOutcome{} : pending.outcome;
 }

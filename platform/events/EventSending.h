@@ -13,23 +13,23 @@ namespace mac {
 
 // How long the sender of an event waits for its reply.
 struct EventWait {
-    // nullopt: no moment of its own ends the wait.
+    // nullopt: no deadline.
     EventDeadline deadline{};
-    // Asked now and then on the sender's thread; false ends the wait, and so does an exception, which goes on to the
-    // sender. Empty: only the deadline ends it.
-    std::function<bool()> goesOn{};
+    // Called repeatedly on the sender's thread; false ends the wait, and so does an exception, which propagates to the
+    // sender. Empty: only the deadline ends the wait.
+    std::function<bool()> shouldContinue{};
 };
 
-// As AESendMessage does where a reply is waited for, up to the deadline. `goesOn` is asked now and then on this thread
-// while the reply is waited for, and may raise; when it answers false, the wait is over with errAETimeout.
+// Does what AESendMessage does with kAEWaitReply, up to the deadline. `shouldContinue` is called repeatedly on this
+// thread during the wait, and may raise; if it answers false, the wait ends with errAETimeout.
 OSStatus sendAndWait(AppleEvent const& event, AppleEvent& reply, EventDeadline const& deadline,
-                     std::function<bool()> const& goesOn);
+                     std::function<bool()> const& shouldContinue);
 
 // Asks a process to quit by other means than an event. False if it could not be asked.
 using QuitRequest = bool (*)(ProcessIdentity const& process);
 
-// Sets what becomes of the event 'quit' for a process that receives no events. It is sent SIGTERM (askToEnd) until this
-// is called. Any thread.
+// Sets what the event 'quit' does to a process that receives no events. Without a handler the process is sent SIGTERM
+// (askToEnd). Any thread.
 void setUnansweredQuitHandler(QuitRequest handler);
 
 // Replies to an event in place of a process; nullopt if it does not stand in for that process. It ends what it does
@@ -45,13 +45,13 @@ void setEventStandIn(EventStandIn standIn);
 
 // Where an event goes; for implementations.
 struct EventTarget {
-    // Of the running process that is meant.
+    // The running process that the address names.
     ProcessIdentity process;
     bool isThisProcess{false};
 };
 
-// The running process that an address descriptor names; nothing where there is none, or no such type of address. Main
-// thread for addresses by identifier or signature.
+// The running process that an address descriptor names; nullopt if there is none, or if the descriptor is of no type of
+// address. Main thread for addresses by identifier or signature.
 std::optional<EventTarget> targetOfAddress(AEDesc const& address);
 
 } // namespace mac

@@ -10,29 +10,30 @@
 
 namespace mac {
 
-// Begins to answer other processes, unless this one does already: now, or as soon as there is an event loop. What goes
-// wrong is noticed when an event is sent. Any thread.
+// Begins to answer events of other processes, now or as soon as there is an event loop; does nothing if this process
+// answers already. Failures show when an event is sent. Any thread.
 void openEventEndpoint();
-// Has each new event loop open the endpoint that was asked for before it. For registerEvents.
+// Makes each new event loop open the endpoint if openEventEndpoint was called before. For registerEvents.
 void prepareEventEndpoint();
 
 // What the sender of an event waits for. ReplyUntilDeadline: the reply, and nothing but the deadline, which travels
 // with the event, ends the wait. Reply: a wait that may be given up earlier, or a reply that is queued.
 enum class Expectation { Nothing, Reply, ReplyUntilDeadline };
 
-// An event to another process, and where its sender is told.
+// An event to another process, and where its outcome is reported.
 struct OutgoingEvent {
     ProcessIdentity process{};
-    // As flattened() writes it.
+    // The bytes that flattened() wrote.
     std::vector<std::byte> event{};
     Expectation expectation{Expectation::Nothing};
     EventDeadline deadline{};
     std::shared_ptr<PendingReply> pending{};
 };
 
-// Sends an event, and answers other processes from then on; the pending reply is told when it is under way and, where
-// one is wanted, when the reply has come. Nothing is sent when the deadline has passed, and what arrives later than
-// that is refused there. The main thread makes the event loop for it; another one fails without.
+// Sends an event, and answers other processes from then on. The pending reply is notified when the event is under way
+// and, if a reply is wanted, when that has come. An event whose deadline has passed is not sent, and the receiver
+// refuses one that arrives later. The main thread creates the event loop that this needs; other threads fail without
+// one.
 void sendToProcess(OutgoingEvent event);
 
 } // namespace mac

@@ -15,7 +15,7 @@ constexpr char TooDeep[] = "The descriptor is nested deeper than 512 containers"
 
 class Writer {
 public:
-    // False when there is no more room.
+    // False if the limits on size and count are exceeded.
     bool writeDesc(AEDesc const& desc) {
         DescriptorContents const& contents = contentsOf(desc);
         if (++m_count > kFlatDescriptorMaximumCount) return false;
@@ -62,7 +62,7 @@ private:
     std::size_t m_count{0};
 };
 
-// Reads from the front of what is left. The first failure stays.
+// Reads values one after the other. After a failure it reads no more, and keeps the first reason.
 class Reader {
 public:
     explicit Reader(std::span<std::byte const> bytes) : m_all(bytes), m_rest(bytes) {}
@@ -121,7 +121,7 @@ private:
         }
     }
 
-    // Reads a size, leaves so many bytes to be read and answers those behind.
+    // Reads a size and limits reading to that many bytes; answers the bytes behind them.
     std::span<std::byte const> enterSized() {
         std::uint32_t const size = readWord();
         if (size > m_rest.size()) fail("A size is more than what is there");

@@ -11,7 +11,7 @@ namespace {
 
 AEReturnID newReturnID() {
     static std::atomic<std::uint16_t> last{0};
-    // 1 to 32767, round and round.
+    // Counts from 1 to 32767, then from 1 again.
     return static_cast<AEReturnID>(last.fetch_add(1) % 0x7FFF + 1);
 }
 

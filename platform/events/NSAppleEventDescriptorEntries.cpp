@@ -1,6 +1,6 @@
 #include "platform/events/DescriptorContents.h"
 
-// What lists, records and events hold.
+// The items of lists, the fields of records, and the parameters and attributes of events.
 
 namespace mac {
 
@@ -10,7 +10,7 @@ NSAppleEventDescriptor entry(AEDesc const* desc) {
     return desc ? adopt<NSAppleEventDescriptor>(*desc) : NSAppleEventDescriptor(nil);
 }
 
-// The entry at an index that counts from 1; null where there is none.
+// The entry at the index, counted from 1; null if it is out of range.
 DescriptorEntry const* entryAt(AEDesc const* desc, NSInteger index) {
     if (!desc || index < 1) return nullptr;
     std::vector<DescriptorEntry> const& entries = contentsOf(*desc).entries;

@@ -4,8 +4,8 @@
 
 namespace mac {
 
-// Who handles the Apple events that this program gets, as objects with messages; the same handlers as those of
-// AEInstallEventHandler. There is one. Main thread; nil does nothing.
+// The registry of handlers for the Apple events that this program receives, as objects with selectors; it shares the
+// table of AEInstallEventHandler. There is one object of this class. Main thread; nil does nothing.
 class NSAppleEventManager : public Handle<NSAppleEventManager, NSObject> {
 public:
     class Body;
@@ -15,14 +15,14 @@ public:
 
     static NSAppleEventManager sharedAppleEventManager();
 
-    // The message has two arguments, the event and the reply to be filled (null when none is wanted), such as
-    // handleEvent:withReplyEvent:. The handler is not kept alive; once it has gone, nobody handles such events. A nil
-    // handler raises NSInvalidArgumentException.
+    // Registers a handler, in place of an earlier one for the class and ID. The selector takes two arguments, the event
+    // and the reply to be filled (null if none is wanted), such as handleEvent:withReplyEvent:. The handler is not
+    // retained; once it is freed, the events count as not handled. A nil handler raises NSInvalidArgumentException.
     void setEventHandler_andSelector_forEventClass_andEventID_(id const& handler, SEL handleEventSelector,
                                                                AEEventClass eventClass, AEEventID eventID) const;
     void removeEventHandlerForEventClass_andEventID_(AEEventClass eventClass, AEEventID eventID) const;
 
-    // The event that is being handled and its reply; nil when none is.
+    // The event that is being handled and its reply; nil if no event is being handled.
     NSAppleEventDescriptor currentAppleEvent() const;
     NSAppleEventDescriptor currentReplyAppleEvent() const;
 };

@@ -206,6 +206,20 @@ TEST_F(EventDispatch, AnswersErrorsForWhatCannotBeSent) {
     EXPECT_EQ(AESend(nullptr, &reply, kAENoReply, kAENormalPriority, kNoTimeOut, nil, nil), paramErr);
 }
 
+TEST_F(EventDispatch, EmptiesTheReplyOfAnEventThatCannotBeSent) {
+    AppleEvent const event = testEvent(Ping, ownAddress());
+    AppleEvent const text = *NSAppleEventDescriptor::descriptorWithString_("x").aeDesc();
+    AppleEvent reply = text;
+    EXPECT_EQ(AESendMessage(nullptr, &reply, kAEWaitReply, kAEDefaultTimeout), paramErr);
+    EXPECT_EQ(reply.descriptorType, typeNull);
+    reply = text;
+    EXPECT_EQ(AESendMessage(&event, &reply, kAEWaitReply, -3), paramErr);
+    EXPECT_EQ(reply.descriptorType, typeNull);
+    AppleEvent both = event;
+    EXPECT_EQ(AESendMessage(&both, &both, kAENoReply, -3), paramErr);
+    EXPECT_EQ(both.descriptorType, typeNull);
+}
+
 TEST_F(EventDispatch, DoesNothingForANilManager) {
     NSAppleEventManager const none;
     none.setEventHandler_andSelector_forEventClass_andEventID_(nil, SEL("a:b:"), TestClass, Ping);

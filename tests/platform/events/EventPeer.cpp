@@ -46,9 +46,15 @@ void setDirectObject(AppleEvent* reply, NSAppleEventDescriptor const& value) {
     *reply = *filled.aeDesc();
 }
 
+void waitForLine() {
+    char byte = 0;
+    while (::read(STDIN_FILENO, &byte, 1) > 0 && byte != '\n') {}
+}
+
 OSErr quit(AppleEvent const*, AppleEvent*, void*) {
     s_isToQuit = true;
     say("quit");
+    if (::getenv("EVENT_PEER_QUITS_AT_LINE")) waitForLine();
     return noErr;
 }
 
@@ -71,8 +77,7 @@ OSErr callBack(AppleEvent const* event, AppleEvent* reply, void*) {
 
 OSErr hang(AppleEvent const*, AppleEvent*, void*) {
     say("hanging");
-    char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) > 0 && byte != '\n') {}
+    waitForLine();
     return noErr;
 }
 
@@ -121,8 +126,8 @@ void tellWhetherTransportEnded() {
     say(isThreadGone("Apple events") ? "the transport ended" : "the transport runs on");
 }
 
-// Of all that the toolkit says about its work with buses: that it could not ask, or did not know its own types any
-// more.
+// Repeats what the toolkit says about its work with buses if that means that it could not ask, or no longer knew its
+// own types.
 void tellComplaint(QtMsgType, QMessageLogContext const&, QString const& message) {
     for (char const* const complaint : {"Error.NoMemory", "invalid type"})
         if (message.contains(QLatin1StringView(complaint))) say(complaint);

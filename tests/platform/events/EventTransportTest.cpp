@@ -84,6 +84,22 @@ TEST_F(EventTransport, EndsBeforeTheProgramDoes) {
     EXPECT_EQ(peer->readLine(), "the transport ended");
 }
 
+TEST_F(EventTransport, EndsBesideABusThatHangs) {
+    EnvironmentVariable const held("EVENT_PEER_QUITS_AT_LINE", "1");
+    auto const peer = startPeer();
+    AppleEvent const quit =
+        *NSAppleEventDescriptor::appleEventWithEventClass_eventID_targetDescriptor_returnID_transactionID_(
+             kCoreEventClass, kAEQuitApplication, address(*peer), kAutoGenerateReturnID, kAnyTransactionID)
+             .aeDesc();
+    EXPECT_EQ(AESendMessage(&quit, nullptr, kAENoReply, kAEDefaultTimeout), noErr);
+    EXPECT_EQ(peer->readLine(), "quit");
+    m_bus->sendSignal(SIGSTOP);
+    peer->writeLine("");
+    EXPECT_EQ(peer->readLine(), "the transport ended");
+    EXPECT_EQ(peer->wait(), 0);
+    m_bus->sendSignal(SIGCONT);
+}
+
 TEST_F(EventTransport, StillAsksTheBusWhenTheProgramEnds) {
     EnvironmentVariable const told("QDBUS_DEBUG", "1");
     auto const peer = startPeer();
