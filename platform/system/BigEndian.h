@@ -6,7 +6,8 @@
 
 namespace mac {
 
-// Numbers in a file, the most significant byte first; the place lies within the bytes. For implementations.
+// Big-endian numbers in a file. REQUIRES: the number at `place`, an offset in bytes, lies within the bytes. For
+// implementations.
 
 template <class Number>
 Number bigEndian(std::span<std::byte const> bytes, std::size_t place) {

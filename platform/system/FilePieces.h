@@ -8,7 +8,7 @@
 
 namespace mac {
 
-// As large as files are read fastest, and small enough to stay in the processor's cache.
+// The size in bytes at which files are read fastest: small enough to stay in the processor's cache.
 inline constexpr std::size_t FilePieceSize = std::size_t{128} << 10;
 
 // Reads a regular file from its beginning to its end, which may be of any size, and hands over its bytes in pieces: all

@@ -1,6 +1,7 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <algorithm>
 #include <array>
@@ -8,7 +9,6 @@
 #include <climits>
 #include <cstdlib>
 #include <fcntl.h>
-#include <limits>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,7 +43,7 @@ Result<ShortPath> shortened(std::string_view path) {
         result.folder =
             FileDescriptor(::openat(result.folderNumber(), piece.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (!result.folder.isOpen()) return lastSystemError("open", whole);
-        // More slashes would make the rest absolute.
+        // Slashes at the front would make the rest absolute.
         path.remove_prefix(std::min(path.find_first_not_of('/', slash), path.size()));
         if (path.empty()) path = ".";
     }
@@ -51,14 +51,7 @@ Result<ShortPath> shortened(std::string_view path) {
     return result;
 }
 
-// Some file systems keep times beyond those that 64 bits of nanoseconds hold: the last one stands for them.
-std::int64_t nanoseconds(timespec const& time) {
-    std::int64_t result = 0;
-    bool const isBeyond = __builtin_mul_overflow(std::int64_t{time.tv_sec}, std::int64_t{1000000000}, &result) ||
-                          __builtin_add_overflow(result, std::int64_t{time.tv_nsec}, &result);
-    if (!isBeyond) return result;
-    return time.tv_sec < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
-}
+std::int64_t nanoseconds(timespec const& time) { return nanosecondsOfDate(time.tv_sec, time.tv_nsec); }
 
 FileStatus statusOf(struct stat const& status) {
     FileStatus result;
@@ -85,7 +78,7 @@ Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes,
     FileContents contents{{}, statusOf(status)};
     if (contents.status.kind != FileStatus::Kind::File) return notReadable(contents.status.kind, path);
 
-    // Until its end, whatever size it claims to have.
+    // Reads to the end of the file, whatever size its status tells.
     std::array<std::byte, kReadSize> buffer;
     for (;;) {
         ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());

@@ -18,7 +18,8 @@ namespace mac {
 
 namespace {
 
-// The security module labels the new file itself, and what the old bytes were allowed to do the new ones are not.
+// Attributes that are not copied: the security module labels the new file itself, and capabilities of the old contents
+// must not pass to the new ones.
 constexpr std::string_view SecurityNames = "security.";
 
 constexpr std::string_view UserNames = "user.";

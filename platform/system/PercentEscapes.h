@@ -6,9 +6,9 @@
 
 namespace mac {
 
-// Bytes as text in which all but letters, digits and "/-._~" of ASCII are percent escapes, as in URIs and in what the
-// desktop writes down; and back, where a percent sign that no two digits follow makes it nothing. For implementations;
-// any thread.
+// Converts bytes to text in which all but ASCII letters, digits and "/-._~" are percent escapes, as in URIs and in the
+// desktop's files, and back; nullopt for text with a percent sign that no two hexadecimal digits follow. For
+// implementations; any thread.
 std::string percentEscaped(std::string_view bytes);
 std::optional<std::string> percentUnescaped(std::string_view text);
 

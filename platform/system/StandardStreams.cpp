@@ -24,12 +24,12 @@ char const* nameOf(StandardStream stream) {
 
 void holdSignal(int number) {
     struct sigaction action {};
-    // A signal that whoever started the process has it ignore (nohup) stays ignored.
+    // A signal that was ignored when the process was started (nohup) stays ignored.
     if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) return;
     action = {};
     action.sa_handler = [](int held) { lastInterruption = held; };
     ::sigemptyset(&action.sa_mask);
-    // A system call that an operation waits in goes on: the operation is finished first.
+    // A system call that a signal interrupts is restarted: the operation is finished first.
     action.sa_flags = SA_RESTART;
     ::sigaction(number, &action, nullptr);
 }
@@ -61,12 +61,16 @@ Result<void> writeTo(StandardStream stream, std::string_view bytes) {
     return {};
 }
 
-void prepareStandardStreams() {
+void openMissingStreams() {
     // The lowest free number is taken, so each open fills the gap that the loop has come to.
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (::fcntl(descriptor, F_GETFD) >= 0) continue;
         [[maybe_unused]] int const opened = ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
+}
+
+void prepareStandardStreams() {
+    openMissingStreams();
     // Unlike an ignored signal, one with a handler is not passed on to programs that are started.
     struct sigaction action {};
     action.sa_handler = [](int) {};

@@ -14,11 +14,14 @@ bool isTerminal(StandardStream stream);
 // Writes all of the bytes, as they are. A full disk and a closed pipe are problems (see prepareStandardStreams).
 Result<void> writeTo(StandardStream stream, std::string_view bytes);
 
-// From now on writing into a pipe that nobody reads fails instead of ending the process. A stream that the process was
-// started without is opened so that using it fails, since the next file opened would take its number otherwise.
+// Opens each stream that the process was started without, so that using it fails; otherwise the next file opened would
+// take its number.
+void openMissingStreams();
+// Does what openMissingStreams does. From now on, writing to a pipe without reader fails instead of ending the process.
 void prepareStandardStreams();
 
-// From now on the signals INT, TERM and HUP end nothing, but are remembered: what is under way is done first.
+// From now on the signals INT, TERM and HUP do not end the process but are remembered, so that a running operation is
+// finished first.
 void holdInterruptions();
 // The number of the last signal that was held; 0 if there was none.
 int heldInterruption();

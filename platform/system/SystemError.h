@@ -18,7 +18,7 @@ struct SystemError {
     std::string item{};
 
     bool is(int errorNumber) const { return code == errorNumber; }
-    // In UTF-8, for people: "rename of “notes.txt”: Permission denied".
+    // In UTF-8, for people: rename of "notes.txt": Permission denied.
     std::string text() const;
 };
 

@@ -8,7 +8,7 @@ namespace mac {
 
 namespace {
 
-// "de_AT.UTF-8@euro" is "de_AT"; the plain environments of C speak no language.
+// "de_AT" of "de_AT.UTF-8@euro"; empty for "C" and "POSIX", which name no language.
 std::string_view languageOfLocale(std::string_view locale) {
     std::string_view const language = locale.substr(0, locale.find_first_of(".@"));
     return language == "C" || language == "POSIX" ? std::string_view() : language;
@@ -16,7 +16,7 @@ std::string_view languageOfLocale(std::string_view locale) {
 
 void addLanguage(std::vector<std::string>& languages, std::string_view language) {
     bool const isNew = std::ranges::find(languages, language) == languages.end();
-    // A language is no path.
+    // A name with a slash is a path, not a language.
     if (!language.empty() && isNew && language.find('/') == std::string_view::npos) languages.emplace_back(language);
 }
 

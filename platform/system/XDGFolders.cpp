@@ -10,7 +10,7 @@ namespace mac {
 namespace {
 
 constexpr std::string_view Blanks = " \t";
-// Lists are written by programs; a file beyond this is none.
+// The size in bytes beyond which a file is no list of folders.
 constexpr std::size_t LongestList = std::size_t{1} << 20;
 
 std::string_view withoutBlanks(std::string_view text) {

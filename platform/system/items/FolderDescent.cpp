@@ -139,8 +139,8 @@ void Descent::visit(std::string const& name, ItemPlace const& place) {
 
 void Descent::fail(std::string const& name, SystemError const& error) {
     if (!m_firstError) m_firstError = error;
-    bool const goesOn = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
-    m_isCancelled = m_isCancelled || !goesOn || error.is(ECANCELED);
+    bool const shouldContinue = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
+    m_isCancelled = m_isCancelled || !shouldContinue || error.is(ECANCELED);
 }
 
 std::string Descent::pathOf(std::string const& name) const {

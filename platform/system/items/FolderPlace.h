@@ -28,7 +28,7 @@ struct ItemPlace {
 // The place in a status that was asked for with the type, mode, owner, inode, birth time and mount.
 ItemPlace placeIn(struct statx const& status);
 Result<ItemPlace> placeOf(FileDescriptor const& item);
-// The item of a name in an open folder; a symbolic link itself.
+// The place of the item of a name in an open folder; a symbolic link is not followed.
 Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name);
 
 // The folder, then the folders above it, up to the root.

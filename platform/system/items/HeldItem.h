@@ -31,7 +31,7 @@ struct HeldItem {
     bool isFolder{false};
 };
 
-// The item of the name, open; a symbolic link itself. ENOENT if there is none.
+// Opens the item of a name in an open folder; a symbolic link is not followed. ENOENT if there is none.
 Result<HeldItem> holdItem(FileDescriptor const& folder, std::string const& name);
 
 } // namespace mac

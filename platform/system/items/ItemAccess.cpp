@@ -17,7 +17,7 @@ constexpr mode_t PermissionsOfAMode = 07777;
 constexpr mode_t SetIdentityBits = S_ISUID | S_ISGID;
 constexpr unsigned GroupShift = 3;
 constexpr unsigned Everything = 7;
-// More than any entry has.
+// Stands for an entry that is absent: more permissions than any entry has.
 constexpr unsigned NoEntry = 0xF;
 constexpr std::uint32_t NoChange = 0xFFFF'FFFF;
 

@@ -10,7 +10,7 @@ namespace mac {
 
 namespace {
 
-// Of a change whose sidecar is changed by others meanwhile.
+// How often a change is tried if other processes change the sidecar meanwhile.
 constexpr unsigned MostTriesOfAChange = 8;
 
 SystemError problem(int code, char const* operation, AttributeName const& name) {
@@ -29,7 +29,7 @@ Result<bool> carriesAttributes(OpenItem const& item) {
     return S_ISREG(status.value().st_mode) || S_ISDIR(status.value().st_mode);
 }
 
-// Another user's, or not open to its owner: that stays so, while other failures pass.
+// Whether the file is closed to this user, which is lasting, while other failures may pass.
 bool isClosed(SystemError const& error) { return error.is(EACCES) || error.is(EPERM); }
 
 // The file system does not hold the attribute, but the sidecar may.

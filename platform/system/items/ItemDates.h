@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/Result.h"
+#include <cstdint>
 #include <ctime>
 #include <optional>
 #include <string_view>
@@ -8,6 +9,11 @@
 namespace mac {
 
 class FileDescriptor;
+
+// A date of an item in nanoseconds since 1970, from its seconds and the nanoseconds after them. Some file systems keep
+// dates beyond those that 64 bits of nanoseconds hold: the first or last one that they hold stands for these. Any
+// thread.
+std::int64_t nanosecondsOfDate(std::int64_t seconds, std::int64_t nanoseconds);
 
 // The dates to give to an item; one that is missing stays as it is.
 struct ItemDates {

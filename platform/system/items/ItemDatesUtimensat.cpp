@@ -2,6 +2,7 @@
 #include "platform/system/items/ItemDates.h"
 #include <array>
 #include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 
 namespace mac {
@@ -19,6 +20,14 @@ bool isDate(timespec const& found, std::optional<timespec> const& wanted) {
 }
 
 } // namespace
+
+std::int64_t nanosecondsOfDate(std::int64_t seconds, std::int64_t nanoseconds) {
+    std::int64_t result = 0;
+    bool const isBeyond = __builtin_mul_overflow(seconds, std::int64_t{1'000'000'000}, &result) ||
+                          __builtin_add_overflow(result, nanoseconds, &result);
+    if (!isBeyond) return result;
+    return seconds < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+}
 
 // Some file systems of a server, on FUSE for one, lose a date that comes without the other and answer that it is set.
 // Only where a date turns out to be lost is the other one given, too: it may change between the two calls.

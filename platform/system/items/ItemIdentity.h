@@ -34,21 +34,21 @@ struct ItemIdentityHash {
 struct IdentifiedItem {
     ItemIdentity identity{};
     bool isFolder{false};
-    // No name leads to the item any more.
+    // Whether no name leads to the item any more.
     bool isRemoved{false};
-    // It is a file that more than one name leads to.
+    // Whether it is a file that has more than one name.
     bool hasOtherNames{false};
     // The mount it is reached through; 0 if the system does not tell.
     std::uint64_t mount{0};
 };
 
 Result<IdentifiedItem> identify(FileDescriptor const& item);
-// The item of a name in an open folder; a symbolic link itself.
+// Identifies the item of a name in an open folder; a symbolic link is not followed.
 Result<IdentifiedItem> identify(FileDescriptor const& folder, std::string const& name);
 
 // Whether no name leads to the open item any more, as far as this machine knows: no server is asked.
 bool isKnownToBeRemoved(FileDescriptor const& item);
-// The item at a path of bytes, of any length.
+// Identifies the item at a path of bytes, of any length.
 Result<IdentifiedItem> identifyAtPath(std::string const& path, LinkAtEnd linkAtEnd);
 
 // Done if the name in the open folder leads to that very item; ESTALE if it leads to another one.

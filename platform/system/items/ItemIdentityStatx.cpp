@@ -1,5 +1,6 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <cerrno>
 #include <climits>
@@ -28,10 +29,9 @@ Result<IdentifiedItem> identifyAt(int folder, char const* name, int flags) {
 } // namespace
 
 ItemIdentity identityOf(struct statx const& status) {
-    constexpr std::int64_t nanoseconds = 1'000'000'000;
     ItemIdentity identity{.device = makedev(status.stx_dev_major, status.stx_dev_minor), .inode = status.stx_ino};
     if ((status.stx_mask & STATX_BTIME) != 0)
-        identity.birth = status.stx_btime.tv_sec * nanoseconds + status.stx_btime.tv_nsec;
+        identity.birth = nanosecondsOfDate(status.stx_btime.tv_sec, status.stx_btime.tv_nsec);
     return identity;
 }
 

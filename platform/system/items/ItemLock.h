@@ -19,11 +19,13 @@ inline constexpr char LockedAttribute[] = "com.apple.FSCatalogInfo.locked";
 
 enum class ItemLock { Locked, Unlocked };
 
-// Locked by either. Also Unlocked if the user may not read the attribute, and for items without attributes.
+// Whether the item is locked, by the flag or the attribute. Unlocked also if the user may not read the attribute, and
+// for items without attributes.
 ItemLock lockOf(OpenItem const& item);
-// Locked by either; the item of a name in an open folder, a symbolic link itself.
+// Whether the item of a name in an open folder is locked, by the flag or the attribute; a symbolic link is not
+// followed.
 bool isLockedIn(FileDescriptor const& folder, std::string const& name);
-// As above; the place is that of the item.
+// Whether the item of a name is locked, given the item's place, which saves a system call.
 bool isLockedIn(FileDescriptor const& folder, std::string const& name, ItemPlace const& place);
 // Whether the open item has the immutable flag.
 bool isImmutable(FileDescriptor const& item);

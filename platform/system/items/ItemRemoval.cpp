@@ -23,8 +23,8 @@ public:
 
     Result<void> run() {
         Result<void> const looked = look();
-        bool const mayGoOn = looked.isDone() || (!m_asked.empty() && !m_isEnded);
-        return mayGoOn ? remove(looked.isDone()) : looked;
+        bool const shouldContinue = looked.isDone() || (!m_asked.empty() && !m_isEnded);
+        return shouldContinue ? remove(looked.isDone()) : looked;
     }
 
     // Looks for what must stay.
@@ -173,7 +173,7 @@ Result<void> removeWithSidecar(OpenItem const& item, OpenSidecar const& sidecar,
     constexpr unsigned mostTries = 8;
     for (unsigned tries = 1;; ++tries) {
         Result<void> const removed = removeNowWithSidecar(item, sidecar, steps);
-        // The error of an item that lies elsewhere now tells another name.
+        // If the item lies under another name now, the error tells that name.
         bool const hasChanged =
             !removed.isDone() && removed.problem().is(ESTALE) && removed.problem().item == item.name;
         bool const isWritten = hasChanged && confirmItemInFolder(item.folder, item.name, item.item).isDone();

@@ -1,5 +1,6 @@
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/TemporaryName.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemStatus.h"
 #include <algorithm>
 #include <array>
@@ -30,7 +31,7 @@ Result<ItemStatus> statusAt(int folder, char const* name, int flags) {
     status.deviceNumber = makedev(found.stx_rdev_major, found.stx_rdev_minor);
     status.accessTime = timeOf(found.stx_atime);
     status.modificationTime = timeOf(found.stx_mtime);
-    status.changeTime = found.stx_ctime.tv_sec * Nanoseconds + found.stx_ctime.tv_nsec;
+    status.changeTime = nanosecondsOfDate(found.stx_ctime.tv_sec, found.stx_ctime.tv_nsec);
     return status;
 }
 
@@ -42,37 +43,36 @@ std::int64_t nowOn(clockid_t clock) {
     return nanosecondsOf(now);
 }
 
-// Of the clock that the system gives files their times by.
-std::int64_t timeTick() {
+FileClocks clocksNow() {
     timespec tick{};
     ::clock_getres(CLOCK_REALTIME_COARSE, &tick);
-    return nanosecondsOf(tick);
+    return {.exact = nowOn(CLOCK_REALTIME), .ofFiles = nowOn(CLOCK_REALTIME_COARSE), .tick = nanosecondsOf(tick)};
 }
 
 // The longest time after a change in which the file system may give another change the same time. It does not tell how
 // it counts, but a time that is a whole number of seconds, or of hundredths, shows it.
-std::int64_t granuleOf(std::int64_t changeTime) {
+std::int64_t granuleOf(std::int64_t changeTime, std::int64_t tick) {
     constexpr std::int64_t hundredth = Nanoseconds / 100;
     if (changeTime % Nanoseconds == 0) return 2 * Nanoseconds;
-    return changeTime % hundredth == 0 ? std::max(hundredth, timeTick()) : timeTick();
-}
-
-// How long a later change may get the same time; 0 if it cannot.
-std::int64_t timeUntilSettled(std::int64_t changeTime) {
-    // A time in the future is one that no later change gets.
-    if (changeTime > nowOn(CLOCK_REALTIME)) return 0;
-    std::int64_t const left = changeTime + granuleOf(changeTime) - nowOn(CLOCK_REALTIME_COARSE);
-    // That clock stands still until the next tick.
-    return left > 0 ? std::max(left, timeTick()) : 0;
+    return changeTime % hundredth == 0 ? std::max(hundredth, tick) : tick;
 }
 
 } // namespace
+
+std::int64_t timeUntilSettled(std::int64_t changeTime, FileClocks const& clocks) {
+    // No later change gets a time that lies in the future now.
+    if (changeTime > clocks.exact) return 0;
+    // A change time may be as early as 64 bits hold: nothing is taken from it before it is known to be late.
+    std::int64_t const settled = clocks.ofFiles - granuleOf(changeTime, clocks.tick);
+    // The clock does not advance before its next tick.
+    return changeTime > settled ? std::max(changeTime - settled, clocks.tick) : 0;
+}
 
 Result<ItemStatus> settledStatusOf(FileDescriptor const& item) {
     constexpr unsigned mostTries = 8;
     Result<ItemStatus> status = statusOf(item);
     for (unsigned tries = 0; status.hasValue(); ++tries) {
-        std::int64_t const left = timeUntilSettled(status.value().changeTime);
+        std::int64_t const left = timeUntilSettled(status.value().changeTime, clocksNow());
         if (left == 0) return status;
         if (tries == mostTries) {
             status.value().changeTime = -1;
@@ -99,7 +99,7 @@ std::uint64_t markOf(ItemStatus const& status) {
     timespec const& modified = status.modificationTime;
     std::array<std::uint64_t, 4> const parts{
         status.place.identity.inode, static_cast<std::uint64_t>(status.place.identity.birth), status.size,
-        static_cast<std::uint64_t>(modified.tv_sec * Nanoseconds + modified.tv_nsec)};
+        static_cast<std::uint64_t>(modified.tv_sec) * Nanoseconds + static_cast<std::uint64_t>(modified.tv_nsec)};
     // FNV-1a, by 64 bits.
     std::uint64_t hash = 0xCBF29CE484222325U;
     for (std::uint64_t const part : parts) {

@@ -158,14 +158,14 @@ Result<void> copyToTemporary(ItemTransfer const& transfer, std::string const& te
     Result<ItemPlace> const besides = placeOf(transfer.folder, AppleDoubleSidecar::nameFor(temporary));
     if (besides.hasValue()) made.sidecar = besides.value().identity;
     if (!done.isDone()) return done;
-    // Of a copy the original stays, so it need not wait until all that anybody writes is on the disk.
+    // The original of a copy stays, so a copy need not wait until everything written to the volume is on the disk.
     Result<void> const flushed = purpose == CopyPurpose::Move ? flushVolume(transfer.folder) : Result<void>();
     if (flushed.isDone()) tell(transfer, CopyStep::Complete);
     return flushed;
 }
 
 void cleanUp(ItemTransfer const& transfer, FileDescriptor const& folder) {
-    // Who copies a leftover wants to keep it.
+    // A leftover that is the item to copy must not be removed.
     if (parseTemporaryName(transfer.item.name)) return;
     for (std::string const& name : removeLeftovers(folder)) {
         if (transfer.leftoverInDoubt) transfer.leftoverInDoubt(name);
@@ -249,7 +249,7 @@ Transferred renameWithSidecar(ItemTransfer const& transfer) {
     if (!found.hasValue()) return notDone(found.problem());
     std::optional<OpenSidecar> const& sidecar = found.value();
     std::string const newSidecar = AppleDoubleSidecar::nameFor(transfer.name);
-    // "._x" may become "x".
+    // The item "._x" that is renamed to "x" has the name of the new item's sidecar itself.
     bool const isTheSidecar = confirmItemInFolder(transfer.folder, newSidecar, item.item).isDone();
     if (!sidecar && !isTheSidecar) {
         Result<void> const isFree = confirmNoSidecar(transfer.folder, transfer.name);

@@ -43,7 +43,7 @@ bool readNumber(std::string_view text, std::uint64_t& number) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-// Among the options, which commas part.
+// Whether "ro" is among the options, which commas separate.
 bool isReadOnly(std::string_view options) {
     while (!options.empty()) {
         std::size_t const end = std::min(options.find(','), options.size());

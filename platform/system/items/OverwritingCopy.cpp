@@ -213,7 +213,7 @@ private:
         if (renamed.isDone()) tell(OverwritingStep::CopyPlaced);
         std::string const& place = renamed.isDone() ? one : other;
         Result<void> placed = renameWithoutReplacing(m_folder, third.value(), m_folder, place);
-        // An error of the moment.
+        // A transient error: tried once more.
         if (!placed.isDone() && !placed.problem().is(EEXIST))
             placed = renameWithoutReplacing(m_folder, third.value(), m_folder, place);
         if (placed.isDone()) return asCopied(renamed);

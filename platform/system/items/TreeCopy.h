@@ -44,7 +44,7 @@ private:
         ItemIdentity target;
         // Items in the folder that are still to be copied, the next one last.
         std::vector<FolderEntry> entries;
-        // Of the path to the folder above.
+        // The length of the path to the folder above.
         std::size_t pathLength;
     };
     // The first copy of a file that has several names.
@@ -85,7 +85,7 @@ private:
     FileDescriptor m_top{};
     ItemIdentity m_targetStart{};
     ItemPlace m_sourceStart{};
-    // The path of the current target folder from there.
+    // The path of the current target folder from the top folder.
     std::string m_path{};
     std::vector<Level> m_levels{};
     std::unordered_map<ItemIdentity, Copy, ItemIdentityHash> m_copies{};

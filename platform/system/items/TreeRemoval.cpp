@@ -76,7 +76,7 @@ private:
     std::string pathOf(std::string const& name) const;
 
     RemovalRules const& m_rules;
-    // Of the folder that is to be emptied.
+    // The name of the folder that is to be emptied.
     std::string m_name;
     ItemPlace const m_start;
     FileDescriptor m_folder;
@@ -167,8 +167,8 @@ void ContentsRemoval::remove(std::string const& name, int flags) {
 
 void ContentsRemoval::fail(std::string const& name, SystemError const& error) {
     if (!m_firstError) m_firstError = error;
-    bool const goesOn = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
-    m_isCancelled = m_isCancelled || !goesOn || error.is(ECANCELED);
+    bool const shouldContinue = !m_rules.shouldContinueAfter || m_rules.shouldContinueAfter(pathOf(name), error);
+    m_isCancelled = m_isCancelled || !shouldContinue || error.is(ECANCELED);
 }
 
 std::string ContentsRemoval::pathOf(std::string const& name) const {
@@ -192,7 +192,7 @@ void tell(RemovalSteps const& steps, RemovalStep step) {
     if (steps) steps(step);
 }
 
-// Removes the name of an item and what goes with it, or neither.
+// Removes an item and its companion, or neither.
 Result<void> unlinkTogether(FileDescriptor const& folder, std::string const& name, int flags, RemovalSteps const& steps,
                             RemovalCompanion const& companion) {
     Result<void> const mayGo = companion.leave ? companion.leave() : Result<void>();

@@ -43,7 +43,7 @@ private:
     }
 
     Result<void> skipped(SystemError const& problem) {
-        // What went meanwhile takes nothing.
+        // An item that was removed meanwhile takes no space.
         if (!problem.is(ENOENT)) ++m_size.unreadable;
         return problem;
     }
@@ -59,7 +59,7 @@ private:
 
     TreeDescent m_descent;
     TreeSize m_size;
-    // Files with more names than one.
+    // The files of several names that were counted already.
     std::unordered_set<ItemIdentity, ItemIdentityHash> m_linked;
 };
 

@@ -11,7 +11,7 @@ namespace mac {
 
 namespace {
 
-// What the started process tells its starter: its ID, or the code of its failure.
+// What the started process reports to its starter: its ID, or the error code of its failure.
 struct Report {
     std::int32_t pid{0};
     int errorNumber{0};

@@ -30,24 +30,24 @@ struct RunningProcess {
     std::string executable;
 };
 
-// nullopt if no process has the ID, if it has ended and is only waited for, and if this user may not see its program.
+// The process with the ID. nullopt if there is none, if it is a zombie, and if this user may not see its program.
 // Blocks for up to 10 ms if the process started within the current clock tick.
 std::optional<RunningProcess> runningProcess(std::int32_t pid);
 // The process with this identity, if it still runs; never blocks.
 std::optional<RunningProcess> runningProcess(ProcessIdentity const& identity);
-// All of those, in the order of their start; one that ends meanwhile may be missing. Blocks as runningProcess(pid)
-// does.
+// All processes that runningProcess finds, in the order of their start; one that ends during the call may be missing.
+// Blocks as runningProcess(pid) does.
 std::vector<RunningProcess> runningProcesses();
 
 // Lists processes again and again. Remembers those it has met by their folders in /proc, so that it reads no start a
 // second time, for which the kernel adds up the work of all of a process's threads. One thread at a time.
 class KnownProcesses {
 public:
-    // What runningProcesses lists, and known processes that have ended but that their parents have not waited for.
+    // The processes that runningProcesses lists, and known ones that have become zombies.
     std::vector<ProcessIdentity> list();
-    // What runningProcess answers.
+    // The process with this identity, as runningProcess answers it.
     std::optional<RunningProcess> read(ProcessIdentity const& identity) const;
-    // Whether the process still has its ID, also if it has ended and its parent has not waited for it.
+    // Whether the process still has its ID; true for a zombie.
     bool isThere(ProcessIdentity const& identity) const;
 
 private:
@@ -63,7 +63,8 @@ private:
     struct Known {
         Folder folder;
         std::uint64_t start{0};
-        // The call of list that met it last: what a call does not meet is forgotten.
+        // The number of the last call of list that found the process; processes that a call does not find are
+        // forgotten.
         std::uint64_t round{0};
     };
 
@@ -74,27 +75,26 @@ private:
     std::uint64_t m_round{0};
 };
 
-// The words that the process was called with, and its environment ("NAME=value") as that was when it began: at most
-// 8 MiB of them. Nothing where they may not be read.
+// The arguments of the process, or its initial environment ("NAME=value"). nullopt if they may not be read or are
+// larger than 8 MiB.
 std::optional<std::vector<std::string>> argumentsOf(std::int32_t pid);
 std::optional<std::vector<std::string>> environmentOf(std::int32_t pid);
 
-// The file that tells what the process runs: its executable or, where that is an interpreter outside of any bundle, the
-// script, links resolved, as far as its arguments tell.
+// The path of the program that the process runs: its executable or, if that is an interpreter outside of any bundle and
+// its arguments tell, the script with symbolic links resolved.
 std::string programOf(RunningProcess const& process);
 
-// Whether the program runs scripts, so that it does not tell what runs.
+// Whether the executable is an interpreter, which runs scripts.
 bool isInterpreter(std::string_view executable);
 
-// The script among the words of a command line, the interpreter's file being the first; the word as it stands. Nothing
-// where the program is no interpreter, or no script can be told.
+// The argument of a command line that names the script, as it stands; the first of the words is the interpreter itself.
+// nullopt if the executable is no interpreter, and if the script cannot be determined.
 std::optional<std::string> scriptInCommand(std::string_view executable, std::vector<std::string> const& words);
 
 // The innermost bundle in whose Contents the path lies; empty for none.
 std::string_view bundleHolding(std::string_view path);
 
-// Asks the very process to end (SIGTERM), as a user who logs out does. False when it has ended already, or it may not
-// be asked.
+// Sends SIGTERM to exactly this process. False if it has ended already, and if this user may not signal it.
 bool askToEnd(ProcessIdentity const& identity);
 
 } // namespace mac

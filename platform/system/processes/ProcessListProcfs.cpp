@@ -45,9 +45,9 @@ void waitUntilOver(std::uint64_t tick) {
         ::clock_nanosleep(CLOCK_BOOTTIME, TIMER_ABSTIME, &moment, nullptr);
 }
 
-// Whether what was read from the given tick on belongs to one process and to no other ever: if it started before that
-// tick it had its ID all the while, and no other can get the same ID and start any more. A start that lies ahead is
-// counted by another clock, for which waiting is of no use.
+// Whether an identity that was read since the given tick is unique: a process that started before that tick had its ID
+// all the time, and no other can get the same ID and start any more. A start in the future was counted by another
+// clock, so waiting would not help.
 bool isSettled(ProcessIdentity const& identity, std::uint64_t readFrom) {
     return identity.startTime < readFrom || identity.startTime > currentTick();
 }
@@ -114,7 +114,8 @@ std::vector<RunningProcess> readAll(Read const& read) {
     for (std::int32_t const pid : processIDs()) {
         if (std::optional<RunningProcess> process = read(pid)) found.push_back(std::move(*process));
     }
-    // Mostly none: a process that started just now is read again once its tick is over, which is waited for once.
+    // Processes that started within the current tick, mostly none, are read again once the tick is over; one wait
+    // serves all.
     for (RunningProcess& process : found) {
         if (!isSettled(process.identity, before))
             process = readSettled(process.identity.pid, read).value_or(RunningProcess());
@@ -151,7 +152,7 @@ std::optional<RunningProcess> KnownProcesses::readUnlessKnown(std::int32_t pid) 
         return RunningProcess{{known->second.start, pid}, ""};
     }
     std::optional<RunningProcess> process = readOnce(pid);
-    // Should the ID have passed to another process meanwhile, the folder is never met again.
+    // If the ID has passed to another process meanwhile, the folder's inode is never found again.
     if (process) m_known[pid] = {*folder, process->identity.startTime, m_round};
     return process;
 }
@@ -168,7 +169,7 @@ std::vector<ProcessIdentity> KnownProcesses::list() {
 std::optional<RunningProcess> KnownProcesses::read(ProcessIdentity const& identity) const {
     auto const known = m_known.find(identity.pid);
     if (known == m_known.end() || known->second.start != identity.startTime) return runningProcess(identity);
-    // The folder is asked for last: if it is still the same, the ID was that process's before, too.
+    // The folder is looked at last: if it is the same, the ID was this process's all the time.
     std::optional<std::string> executable = executableOf(identity.pid);
     if (!executable || folderOf(identity.pid) != known->second.folder) return runningProcess(identity);
     return RunningProcess{identity, std::move(*executable)};
@@ -182,7 +183,7 @@ bool KnownProcesses::isThere(ProcessIdentity const& identity) const {
 
 bool askToEnd(ProcessIdentity const& identity) {
     FileDescriptor const process(static_cast<int>(::syscall(SYS_pidfd_open, identity.pid, 0)));
-    // The descriptor is of the process that has the ID now: when that is the one, it stays the one.
+    // The descriptor stands for the process that has the ID now; if that is the right one, signals reach no other.
     if (!process.isOpen() || !runningProcess(identity)) return false;
     return ::syscall(SYS_pidfd_send_signal, process.number(), SIGTERM, nullptr, 0) == 0;
 }

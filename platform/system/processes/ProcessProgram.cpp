@@ -11,8 +11,8 @@ namespace mac {
 
 namespace {
 
-// Programs that run a script which is named among their arguments, without their versions. To ask each process for its
-// arguments would take as long as all the rest.
+// Names, without versions, of programs that run a script named among their arguments. Reading the arguments of every
+// process would take as long as all the rest.
 constexpr std::array<std::string_view, 24> Interpreters{
     "ash",  "awk",  "bash", "busybox", "dash",   "fish", "gawk", "gjs", "java",  "ksh",  "lua", "mawk",
     "mksh", "node", "perl", "php",     "python", "qml",  "ruby", "sh",  "tclsh", "wish", "zsh", "guile"};
@@ -55,7 +55,7 @@ std::string processPath(std::int32_t pid, char const* name) { return "/proc/" + 
 std::optional<std::string> scriptOf(RunningProcess const& process) {
     std::optional<std::string> const called = calledScript(process);
     std::optional<std::string> script = called ? resolvedFile(*called) : std::nullopt;
-    // What was read is that process's only while it runs.
+    // The arguments are certainly this process's only if it still runs.
     return script && runningProcess(process.identity) ? std::move(script) : std::nullopt;
 }
 
@@ -71,7 +71,7 @@ bool isInterpreter(std::string_view executable) {
 
 std::optional<std::string> scriptInCommand(std::string_view executable, std::vector<std::string> const& words) {
     if (!isInterpreter(executable) || words.empty()) return std::nullopt;
-    // One program under many names: which one it plays is in the first word.
+    // busybox is one program under many names; the first word tells which one it acts as.
     bool const isBusybox = plainName(executable) == "busybox";
     std::string_view const name = plainName(isBusybox ? std::string_view(words.front()) : executable);
     if (isBusybox && !isShell(name)) return std::nullopt;

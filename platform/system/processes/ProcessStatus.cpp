@@ -3,8 +3,8 @@
 
 namespace mac {
 
-// The fields behind the name, which may hold anything, also parentheses: state, then numbers. The start is the
-// twentieth of them.
+// Behind the name, which may hold any bytes, also parentheses, the fields are the state, then numbers. The start is the
+// twentieth of these fields.
 std::optional<std::uint64_t> startTimeIn(std::string_view status) {
     std::size_t const name = status.rfind(") ");
     if (name == std::string_view::npos || name + 2 >= status.size()) return std::nullopt;
@@ -18,7 +18,7 @@ std::optional<std::uint64_t> startTimeIn(std::string_view status) {
     }
     std::uint64_t start = 0;
     auto const [end, error] = std::from_chars(fields.data(), fields.data() + fields.size(), start);
-    // A number that goes on, or is cut off, is another one.
+    // Only a blank or the line end shows that the number is complete.
     bool const isWhole = end != fields.data() + fields.size() && (*end == ' ' || *end == '\n');
     return error == std::errc() && isWhole ? std::optional(start) : std::nullopt;
 }

@@ -22,7 +22,8 @@ std::string linkOf(RunningProcess const& process, std::string_view name) {
     return "/proc/" + std::to_string(process.identity.pid) + "/" + std::string(name);
 }
 
-// Of all names of one file the system appends the mark only to the one that is gone; links that are left do not tell.
+// Whether the path leads to the item behind the link. The system appends the mark if the name that was opened is gone,
+// also if the file has other names.
 bool leadsToItemBehind(char const* link, char const* path) {
     struct ::stat behindLink {};
     struct ::stat behindPath {};
@@ -56,7 +57,7 @@ std::optional<ProgramFile> executableFileOf(RunningProcess const& process) {
 }
 
 std::optional<ProgramFile> openFileInBundle(RunningProcess const& process,
-                                            std::function<bool(ProgramFile const&)> const& isMeant) {
+                                            std::function<bool(ProgramFile const&)> const& accepts) {
     std::string const folderPath = linkOf(process, "fd");
     Result<FileDescriptor> const folder = openPath(folderPath, O_RDONLY | O_DIRECTORY);
     if (!folder.hasValue()) return std::nullopt;
@@ -64,11 +65,12 @@ std::optional<ProgramFile> openFileInBundle(RunningProcess const& process,
     if (!entries.hasValue()) return std::nullopt;
     for (FolderEntry const& entry : entries.value()) {
         std::string const link = BytePath(folderPath).joined(entry.name);
-        // The path alone is read first: what lies behind other links, a pipe or a stopped server's file, is not asked.
+        // The path alone is read first: the items behind other links, pipes or files of a server that does not answer,
+        // are not looked at.
         std::optional<std::string> const path = pathBehind(link.c_str());
         if (!path || bundleHolding(*path).empty()) continue;
         std::optional<ProgramFile> file = fileBehind(link);
-        if (file && isMeant(*file)) return file;
+        if (file && accepts(*file)) return file;
     }
     return std::nullopt;
 }

@@ -12,32 +12,32 @@ namespace mac {
 
 // A file that a process runs or holds open.
 struct ProgramFile {
-    // In the file system's bytes: where the file is now, or was last when no name leads to it any more.
+    // In the file system's bytes: where the file is, or was last if it has no name any more.
     std::string path{};
     ItemIdentity identity{};
-    // The path leads to that very file.
+    // Whether the path leads to exactly this file.
     bool isThere{false};
 };
 
-// The path behind one of the links that the system keeps for a process (/proc/PID/exe, .../cwd, .../fd/N), without the
-// mark " (deleted)" that it appends when the name is gone. A name that ends so itself is kept: it leads to the item.
-// The path that the link leads to; nullopt for a link that cannot be read, and for a path that is longer than the
+// The path that one of the system's links for a process (/proc/PID/exe, .../cwd, .../fd/N) leads to, without the mark "
+// (deleted)" that the system appends if the name is gone. A name that itself ends so is kept, since it leads to the
+// item. The path that the link leads to; nullopt for a link that cannot be read, and for a path that is longer than the
 // system reports.
 std::optional<std::string> pathBehind(char const* link);
 
-// The executable, as the process holds it.
+// The executable that the process runs.
 std::optional<ProgramFile> executableFileOf(RunningProcess const& process);
 
-// The first file in a bundle that the process holds open and that is meant. Nothing where there is none, or this user
-// may not see what the process has open.
+// The first file in a bundle that the process holds open and that `accepts` answers true for. nullopt if there is none,
+// or if this user may not see the open files of the process.
 std::optional<ProgramFile> openFileInBundle(RunningProcess const& process,
-                                            std::function<bool(ProgramFile const&)> const& isMeant);
+                                            std::function<bool(ProgramFile const&)> const& accepts);
 
 // The script that an interpreter outside of any bundle was called with. A relative path is completed with the process's
-// current folder; whether anything is there is not asked. Nothing for other programs.
+// current folder; the file need not exist. nullopt for other programs.
 std::optional<std::string> calledScript(RunningProcess const& process);
 
-// The path of the regular file behind a path, links resolved.
+// The path of a regular file with symbolic links resolved; nullopt if the path leads to no regular file.
 std::optional<std::string> resolvedFile(std::string const& path);
 
 } // namespace mac

@@ -1,4 +1,5 @@
 #include "platform/system/walker/FolderFacts.h"
+#include "platform/system/items/ItemDates.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -15,7 +16,7 @@ Result<FileDescriptor> ifOpen(FileDescriptor folder) {
     return folder;
 }
 
-std::int64_t nanoseconds(statx_timestamp const& time) { return time.tv_sec * 1'000'000'000 + time.tv_nsec; }
+std::int64_t nanoseconds(statx_timestamp const& time) { return nanosecondsOfDate(time.tv_sec, time.tv_nsec); }
 
 Result<FolderFacts> facts(int descriptor, char const* name, int flags) {
     struct statx status;

@@ -14,7 +14,7 @@
 
 namespace mac {
 
-// What holds for all folders of a volume.
+// Facts that are the same for all folders of a volume.
 struct VolumeTraits {
     std::uint64_t mount = 0;               // as FolderFacts tells it
     bool linkCountTellsSubfolders = false; // by the leaf rule, see FolderFacts.h

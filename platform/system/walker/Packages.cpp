@@ -37,7 +37,7 @@ namespace {
 // The way to a longer path takes too long to be gone before the walk.
 constexpr std::size_t MostPathBytes = 4096;
 
-// Whether a walk could have named a folder so.
+// Whether the path consists of names that a walk hands out: none is empty, "." or "..".
 bool hasOnlyNames(std::string_view relativePath) {
     if (relativePath.find('\0') != std::string_view::npos) return false;
     while (true) {
@@ -81,7 +81,7 @@ private:
     FileDescriptor m_folder;
 };
 
-// The innermost one.
+// The innermost volume that holds the path; null if there is none.
 Volume const* PackageCheck::volumeOf(BytePath path) const {
     Volume const* found = nullptr;
     for (Volume const& volume : m_volumes.volumes) {
@@ -100,7 +100,7 @@ bool PackageCheck::isBehindMountPoint(Volume const& volume, BytePath path) const
     return false;
 }
 
-// Not open if a walk would not come to it.
+// Opens the folder for reading; the descriptor is not open if a walk would not come to the folder.
 FileDescriptor PackageCheck::openFolder(Volume const& volume, BytePath folder) const {
     std::string_view const below = folder.belowFolder(volume.path);
     if (m_packages.crossesPackage(below)) return {};

@@ -58,7 +58,8 @@ bool covers(Candidate const& wide, Candidate const& narrow, PackageRule const& p
     return mounts.reachedBy(joined(wide.canonicalPath, below)) == wide.mount;
 }
 
-// Without those that others cover. The widest come first, so that none is left to one that is itself left out.
+// The candidates that no other one covers. The widest are looked at first, so that no candidate is left to one that is
+// itself left out.
 std::vector<Candidate> withoutCovered(std::vector<Candidate>&& candidates, PackageRule const& packages,
                                       MountTable const& mounts) {
     std::stable_sort(candidates.begin(), candidates.end(), [](Candidate const& left, Candidate const& right) {

@@ -63,7 +63,8 @@ enum class MountsBelow { Searched, LeftOut };
 VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
                          MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched);
 
-// The same for paths; none means all local volumes. A path that leads to no folder becomes a failure.
+// What is to be visited for these paths; without any path, all local volumes. A path that leads to no folder becomes a
+// failure.
 VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages,
                        MountsBelow mountsBelow = MountsBelow::Searched);
 

@@ -120,8 +120,8 @@ void VolumeWalker::Walk::lead() {
 }
 
 void VolumeWalker::Walk::recall(VolumeList const& list) {
-    m_last = m_memory->recall(m_question);
-    if (!m_last) return;
+    if (m_memory) m_last = m_memory->recall(m_question);
+    if (!m_last) return m_findings.addRemembered({});
     m_findings.addRemembered(
         packagesStillThere(m_last->packages, list, m_packages, [this] { return m_wasStopped.load(); }));
 }
@@ -144,7 +144,7 @@ void VolumeWalker::Walk::remember() {
 
 void VolumeWalker::Walk::giveVolumes() {
     VolumeList list = listVolumes(m_question.roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
-    if (m_memory) recall(list);
+    recall(list);
     m_mountPoints = std::move(list.mountPoints);
     for (SystemError const& failure : list.failures)
         m_findings.addUnreadable(failure.item, failure);
@@ -196,6 +196,10 @@ bool VolumeWalker::start() { return m_walk->start(); }
 
 void VolumeWalker::stop() { m_walk->stop(); }
 
+bool VolumeWalker::waitUntilRecalled(std::chrono::milliseconds patience) const {
+    return m_walk->findings().waitUntilRecalled(patience);
+}
+
 void VolumeWalker::waitUntilRemembered() { m_walk->waitUntilRemembered(); }
 
 std::vector<SystemError> VolumeWalker::unreadable() const { return m_walk->findings().unreadable(); }
@@ -203,6 +207,10 @@ std::vector<SystemError> VolumeWalker::unreadable() const { return m_walk->findi
 std::vector<std::string> VolumeWalker::vanished() const { return m_walk->findings().vanished(); }
 
 std::vector<std::string> VolumeWalker::takeFound() { return m_walk->findings().take(); }
+
+std::vector<std::string> VolumeWalker::takeRemembered(std::size_t most) {
+    return m_walk->findings().takeRemembered(most);
+}
 
 VolumeWalkProgress VolumeWalker::progress() const { return m_walk->findings().progress(); }
 

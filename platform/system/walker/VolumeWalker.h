@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/system/SystemError.h"
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -53,7 +54,7 @@ struct VolumeWalkProgress {
 };
 
 // Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was
-// found whenever it likes, and may stop it. All operations but those two may be called from any thread.
+// found whenever it likes, and may stop it. All operations but start and stop may be called from any thread.
 //
 // Every wanted package that is there during the whole walk is found exactly once. Links are never followed. A folder
 // mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
@@ -82,11 +83,17 @@ public:
     // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
     void stop();
 
+    // Returns when the packages that the last walk found have been looked for, so that `takeRemembered` has those that
+    // are still there; false if that takes longer than the patience. Without a memory there are none, and it returns
+    // once the volumes are listed. REQUIRES: the walk was started.
+    bool waitUntilRecalled(std::chrono::milliseconds patience) const;
     // Returns when the walk has come to its end and is remembered, or was stopped.
     void waitUntilRemembered();
 
     // The paths found since the last take, in no order. Empty once `progress` has said finished and they were taken.
     std::vector<std::string> takeFound();
+    // Takes the paths found that an earlier walk remembered, unless there are more than `most`: then it takes none.
+    std::vector<std::string> takeRemembered(std::size_t most);
     VolumeWalkProgress progress() const;
     // The folders that could not be read, each with the reason, in the order in which the walk came to them; at most
     // maximumUnreadableListed.

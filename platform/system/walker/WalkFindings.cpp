@@ -1,6 +1,7 @@
 #include "platform/system/walker/WalkFindings.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace mac {
@@ -9,16 +10,23 @@ WalkFindings::WalkFindings(std::function<void()> onNews, Keeping keeping)
     : m_onNews(std::move(onNews)), m_keeping(keeping) {}
 
 void WalkFindings::addRemembered(std::vector<std::string>&& paths) {
-    if (paths.empty()) return;
+    bool const isAny = !paths.empty();
     {
         std::lock_guard const lock(m_mutex);
         m_progress.packagesFound += paths.size();
-        m_progress.isRemembered = true;
+        m_rememberedToTake = paths.size();
         m_unconfirmed.insert(paths.begin(), paths.end());
         m_packages = std::move(paths);
-        m_newsWereTold = true;
+        m_newsWereTold = isAny;
+        m_isRecalled = true;
     }
-    if (m_onNews) m_onNews();
+    m_recalled.notify_all();
+    if (isAny && m_onNews) m_onNews();
+}
+
+bool WalkFindings::waitUntilRecalled(std::chrono::milliseconds patience) const {
+    std::unique_lock lock(m_mutex);
+    return m_recalled.wait_for(lock, patience, [this] { return m_isRecalled; });
 }
 
 void WalkFindings::addPackage(std::string&& path) {
@@ -52,14 +60,25 @@ void WalkFindings::finish() {
 std::vector<std::string> WalkFindings::take() {
     std::lock_guard const lock(m_mutex);
     m_newsWereTold = false;
-    m_progress.isRemembered = false;
+    m_rememberedToTake = 0;
     return std::exchange(m_packages, {});
+}
+
+std::vector<std::string> WalkFindings::takeRemembered(std::size_t most) {
+    std::lock_guard const lock(m_mutex);
+    if (m_rememberedToTake > most) return {};
+    auto const end = m_packages.begin() + static_cast<std::ptrdiff_t>(std::exchange(m_rememberedToTake, 0));
+    std::vector<std::string> taken(std::make_move_iterator(m_packages.begin()), std::make_move_iterator(end));
+    m_packages.erase(m_packages.begin(), end);
+    if (m_packages.empty()) m_newsWereTold = false;
+    return taken;
 }
 
 VolumeWalkProgress WalkFindings::progress() const {
     std::lock_guard const lock(m_mutex);
     VolumeWalkProgress progress = m_progress;
     progress.packagesToTake = m_packages.size();
+    progress.isRemembered = m_rememberedToTake > 0;
     std::size_t const kept = std::min(m_unreadable.size(), VolumeWalker::maximumUnreadableKept);
     progress.firstUnreadable.assign(m_unreadable.begin(), m_unreadable.begin() + static_cast<std::ptrdiff_t>(kept));
     progress.foldersVisited = m_foldersVisited.load(std::memory_order_relaxed);

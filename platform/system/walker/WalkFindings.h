@@ -3,6 +3,8 @@
 #include "platform/system/walker/VolumeWalker.h"
 
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
 #include <string_view>
 #include <unordered_set>
@@ -16,8 +18,10 @@ public:
     // `Always` keeps the packages for packagesOfWalk() as well.
     WalkFindings(std::function<void()> onNews, Keeping keeping);
 
-    // Packages that are there, of which the walk has not told yet; once, before any other is found.
+    // Packages that are there, of which the walk has not told yet, or none; once, before any other is found.
     void addRemembered(std::vector<std::string>&& paths);
+    // Returns when addRemembered has been called; false if that takes longer than the patience.
+    bool waitUntilRecalled(std::chrono::milliseconds patience) const;
     void addPackage(std::string&& path);
     void addUnreadable(std::string_view path, SystemError const& error);
     void countFolder() { m_foldersVisited.fetch_add(1, std::memory_order_relaxed); }
@@ -25,6 +29,8 @@ public:
     void finish();
 
     std::vector<std::string> take();
+    // The remembered packages that were not taken yet, if there are at most as many; else none are taken.
+    std::vector<std::string> takeRemembered(std::size_t most);
     VolumeWalkProgress progress() const;
     // At most VolumeWalker::maximumUnreadableListed.
     std::vector<SystemError> unreadable() const;
@@ -39,7 +45,10 @@ private:
     std::atomic<std::uint64_t> m_foldersVisited = 0;
     std::atomic<std::uint64_t> m_listsRead = 0;
     mutable std::mutex m_mutex; // guards the rest
-    std::vector<std::string> m_packages;
+    mutable std::condition_variable m_recalled;
+    bool m_isRecalled = false;
+    std::vector<std::string> m_packages; // those that are remembered come first
+    std::size_t m_rememberedToTake = 0;
     std::vector<std::string> m_packagesOfWalk;
     std::unordered_set<std::string> m_unconfirmed; // remembered, and not yet found by the walk
     std::vector<SystemError> m_unreadable;

@@ -11,7 +11,7 @@
 
 namespace mac {
 
-// What was asked for in a walk: what one remembers serves only another that asks for the same.
+// The parameters of a walk. What a walk leaves serves only later walks with equal parameters.
 struct WalkQuestion {
     std::vector<std::string> roots{};
     std::string packageSuffix{};
@@ -19,8 +19,8 @@ struct WalkQuestion {
     bool operator==(WalkQuestion const&) const = default;
 };
 
-// What a complete walk leaves for the next: which packages it found, and the index of the folders it read. All of it is
-// checked against the disk before it is believed.
+// What a complete walk leaves for the next one: the packages that it found and the index of the folders that it read.
+// The next walk checks all of it against the disk.
 struct RememberedWalk {
     WalkQuestion question{};
     std::int64_t start = 0; // of the walk, by folderClock()
@@ -31,7 +31,7 @@ struct RememberedWalk {
 // The bytes of the file that keeps it. nullopt for bytes of another version or byte order, and for damaged ones.
 std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk);
 std::optional<RememberedWalk> walkOfBytes(std::vector<std::byte> bytes);
-// Likewise for bytes whose checksum is known to be right: it is not compared.
+// Reads bytes whose checksum is known to be right, without comparing it.
 std::optional<RememberedWalk> walkOfCheckedBytes(std::vector<std::byte> bytes);
 
 // Keeps one walk in memory and in a file, in a folder that is made for this user alone. The folder may be removed at
@@ -46,7 +46,8 @@ public:
     std::string const& folder() const { return m_folder; }
     std::int64_t now() const { return m_clock(); }
 
-    // The last walk that asked the same, if there is one; nullptr also if the clock has been set back behind its start.
+    // The last walk with equal parameters; nullptr if there is none, and if the clock has been set back behind its
+    // start.
     std::shared_ptr<RememberedWalk const> recall(WalkQuestion const& question);
     // Replaces what was kept. It is in memory even if it could not be written, or if shouldStop, which is asked while
     // it is written, ended that (ECANCELED).

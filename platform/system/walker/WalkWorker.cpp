@@ -127,7 +127,7 @@ void WalkWorker::readInto(FolderState& state) {
     state.isRead = fill.value() == FolderReader::Fill::End || sawAllSubfolders(state);
 }
 
-// The item that has the sought number.
+// Adds an item that has the sought inode number to the findings if it is accepted.
 void WalkWorker::take(FileDescriptor const& folder, std::string const& name) {
     if (m_item->accepts(folder, name)) m_findings.addPackage(pathOf(name));
 }
@@ -148,7 +148,7 @@ void WalkWorker::visit(WaitingName const& waiting) {
     if (!enter(way.value(), waiting) && m_log) m_log->addName(parent, waiting.name);
 }
 
-// False if the subfolder is none to go through.
+// Begins to go through a subfolder; false if it is not to be gone through.
 bool WalkWorker::enter(FolderStack::WayToName const& way, WaitingName const& waiting) {
     char const* const name = waiting.name;
     FolderLog::Note const parent = m_stack.top().note;

@@ -9,11 +9,11 @@
 
 namespace mac {
 
-// What one thread of a walk does: it receives a share, goes through it depth first, gives from it when another thread
-// waits, and receives the next, until the walk is over.
+// The work of one thread of a walk: it receives a share, goes through it depth first, gives parts of it away when
+// another thread waits, and receives the next, until the walk is over.
 class WalkWorker {
 public:
-    // What is referred to outlives the worker, and is shared by all but for the log.
+    // REQUIRES: all outlive the worker. All but the log are shared by the workers.
     struct Shared {
         WorkExchange& exchange;
         WalkFindings& findings;

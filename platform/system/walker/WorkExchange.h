@@ -23,13 +23,13 @@ public:
     // Cheap enough to ask at every folder.
     bool isHungry() const { return m_hunger.load(std::memory_order_relaxed) > 0; }
     void give(FolderShare&& share);
-    // Waits for a share. Nothing when the walk is over.
+    // Waits for a share; nullopt once the walk is over.
     std::optional<FolderShare> receive();
 
-    // Ends the walk with what is undone. Also cheap to ask for.
+    // Ends the walk, whatever is left to do. isOver() is cheap enough to ask at every folder.
     void close();
     bool isOver() const { return m_isOver.load(std::memory_order_relaxed); }
-    // Whether the walk was over before the time had passed.
+    // Waits until the walk is over; false if the time passes first.
     bool waitUntilOver(std::chrono::milliseconds time);
 
 private:

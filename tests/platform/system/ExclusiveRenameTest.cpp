@@ -37,18 +37,18 @@ std::string contentsOf(std::string const& path) {
 
 class RenamingInSteps : public testing::Test {
 protected:
-    // 0, or the system's code.
+    // The system's error code; 0 on success.
     int rename(std::string const& from, std::string const& to, std::function<void()> const& afterFirstStep = {}) const {
         return codeOf(StepwiseRename(afterFirstStep).rename(m_parent, from, m_parent, to));
     }
 
-    // Where files have one name only.
+    // Runs the work where files cannot have two names.
     static void withoutSecondNames(std::function<void()> const& work) { withRefusedCall(SYS_linkat, EPERM, work); }
     static void withoutLinks(std::function<void()> const& work) {
         withoutSecondNames([&] { withRefusedCall(SYS_symlinkat, EPERM, work); });
     }
 
-    // No item shows but the one; each leftover is marked as that one.
+    // Expects the item to be the only one beside leftovers, each of which has the item's mark.
     void expectOnlyLeftoversBeside(std::string const& shown) const {
         std::uint64_t const mark = markOf(statusOf(m_parent, shown).value());
         for (std::string const& name : sortedNamesIn(m_folder.path())) {
@@ -97,7 +97,7 @@ TEST_F(RenamingInSteps, NeverShowsSomethingElseUnderTheNewName) {
                          EXPECT_EQ(sortedNamesIn(m_folder.path()), (Names{"folder", "second"}));
                      }),
               0);
-    // Nor where there are no links of any kind.
+    // Nothing else shows either where there are no links of any kind.
     withoutLinks([&] {
         EXPECT_EQ(rename("second", "fourth",
                          [&] {
@@ -188,7 +188,7 @@ TEST_F(RenamingInSteps, GivesTheFirstNameBackAlsoWhereNoRoomIsLeftForNames) {
     expectOnlyLeftoversBeside("file");
 }
 
-// A server that removed the name may be asked twice, and then answers that there is none.
+// A server may get the request twice, and answers the second time that the name is gone.
 TEST_F(RenamingInSteps, IsDoneWhereTheNameToRemoveIsGoneAlready) {
     m_folder.makeFile("file", "x");
     std::thread([&] {
@@ -198,7 +198,7 @@ TEST_F(RenamingInSteps, IsDoneWhereTheNameToRemoveIsGoneAlready) {
     EXPECT_EQ(contentsOf(m_folder.path("second")), "x");
 }
 
-// Nor does it remove the new name, which may be the only one.
+// If no name can be looked at, the new name stays, since it may be the only one.
 TEST_F(RenamingInSteps, IsNotDoneWhereNothingCanBeSeen) {
     m_folder.makeFile("file", "x");
     std::thread([&] {
@@ -297,7 +297,7 @@ TEST_F(RenamingInSteps, TellsWhatFailedAndOnWhat) {
 class NamingANewFile : public RenamingInSteps {
 protected:
     int name(std::string const& from, std::string const& to) const { return codeOf(nameNewFile(m_parent, from, to)); }
-    // Where the system cannot rename without replacing.
+    // Names the file where the system cannot rename without replacing.
     int nameInSteps(std::string const& from, std::string const& to) const {
         int result = 0;
         withRefusedCall(SYS_renameat2, EINVAL, [&] { result = name(from, to); });

@@ -38,7 +38,7 @@ Result<void> doneIf(bool isDone) { return isDone ? Result<void>() : lastSystemEr
 class ReplacingAFile : public testing::Test {
 protected:
     std::string contents() const { return outputOf({"cat", m_file}); }
-    // Nothing is left of the new file.
+    // The names in the folder, which show whether a temporary file is left.
     std::string names() const { return outputOf({"ls", "-A", m_folder.path()}); }
 
     TemporaryFolder const m_folder{};
@@ -58,7 +58,7 @@ TEST_F(ReplacingAFile, KeepsItsPermissionsAndAttributes) {
     EXPECT_EQ(names(), "file\n");
 }
 
-// Version 2; the owner, a user of that number, the group, the mask, others.
+// An access list of version 2 with entries of the owner, of one user, of the group, of the mask and of others.
 std::string accessList(char userPermissions) {
     std::string list("\2\0\0\0", 4);
     for (std::string const& entry :

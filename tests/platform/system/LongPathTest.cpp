@@ -15,7 +15,7 @@
 namespace mac::test {
 namespace {
 
-// What a failure tells.
+// The code, operation and item of a failure, to be compared.
 struct Told {
     int code;
     std::string operation;

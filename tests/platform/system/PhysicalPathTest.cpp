@@ -101,7 +101,7 @@ TEST_F(PhysicalPath, IsResolvedAtAnyLength) {
               m_folder.path("outer") + rest + "/none/../file");
 }
 
-// Nor can the item be opened then.
+// An item behind a closed folder cannot be opened either.
 TEST_F(PhysicalPath, KeepsAPathThroughAFolderThatMayNotBeEntered) {
     std::string const path = m_folder.path("link/../../real/deep/closed/file");
     m_folder.makeFile("real/deep/closed/file", "");

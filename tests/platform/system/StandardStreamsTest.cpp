@@ -59,7 +59,7 @@ TEST(StandardStreams, WriteAllOfIt) {
     }));
 }
 
-// A program that shares the stream, like a remote shell, may have made it so.
+// Another program that shares the stream, such as a remote shell, may have set it not to block.
 TEST(StandardStreams, WaitWhereTheyDoNotBlock) {
     EXPECT_TRUE(holdsInAChild([] {
         int ends[2];

@@ -54,7 +54,7 @@ TEST(DesktopFolders, WhatIsNoListOfReasonableLengthNamesNone) {
     std::ofstream(list) << "XDG_MUSIC_DIR=\"/srv/music\"\n#" << std::string(std::size_t{1} << 20, ' ') << "\n";
     EXPECT_FALSE(desktopFolder("XDG_MUSIC_DIR"));
     ASSERT_EQ(::unlink(list.c_str()), 0);
-    // Nobody writes into it: to open it would take for ever.
+    // A pipe without writer: opening it would block for ever.
     ASSERT_EQ(::mkfifo(list.c_str(), 0600), 0);
     EXPECT_FALSE(desktopFolder("XDG_MUSIC_DIR"));
 }

@@ -5,7 +5,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-// Who may read a copy.
+// Tests of who may read a copy.
 
 namespace mac::test {
 
@@ -44,7 +44,7 @@ TEST_F(CopyAccess, GivesTheGroupItsOwnEntryWhereTheListCannotBeKept) {
                      {AccessEntry::Mask, 4},
                      {AccessEntry::Others, 0}}),
          0640, 0640},
-        // Whom the list denies what others may do would be one of the others.
+        // A user to whom the list denies what others may do would count as one of the others.
         {listForUser(0, 4, 4), 0744, 0700},
         {accessList({{AccessEntry::Owner, 6},
                      {AccessEntry::OwningGroup, 4},

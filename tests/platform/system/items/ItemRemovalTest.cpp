@@ -200,7 +200,7 @@ TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheName) {
     EXPECT_FALSE(isThere(m_folder.path("._file")));
 }
 
-// The sidecar keeps its name aside there, so that it cannot get that one again.
+// Where no name can be removed, the sidecar keeps its temporary name, too, and cannot be renamed to it again.
 TEST_F(ItemRemoval, GivesNoSidecarToAFileThatTookTheNameWhereNoNameCanBeRemoved) {
     std::string const file = m_folder.makeFile("file", "x");
     m_folder.makeFile("._file", AppleDouble);

@@ -150,7 +150,7 @@ TEST_F(ItemTransferOnVolumes, LeavesNothingOnAFullVolumeNotEvenOfASidecar) {
     EXPECT_EQ(namesIn(m_point.path()), std::vector<std::string>{"full"});
 }
 
-// Its clock ticks every few milliseconds, so that two saves have the same time.
+// The clock of file times ticks every few milliseconds, so two saves may have the same time.
 TEST_F(ItemTransferOnVolumes, KeepsAFileThatIsSavedWhileItIsMoved) {
     mountWithoutAttributes(m_folder.path());
     mountMemory(m_point.path());

@@ -20,7 +20,7 @@ inline FileDescriptor folderAt(std::string const& path) {
     return FileDescriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-// A symbolic link itself.
+// Opens the item at the path; a symbolic link is not followed.
 inline OpenItem itemAt(std::string const& path) {
     Result<OpenItem> item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
     EXPECT_TRUE(item.hasValue()) << path;
@@ -31,7 +31,7 @@ using Transfer = Result<void, TransferProblem> (*)(ItemTransfer const&);
 inline constexpr Transfer copy = copyItem;
 inline constexpr Transfer move = moveItem;
 
-// The system's code of the failure; 0 for none.
+// The system's error code of the failure; 0 on success.
 inline int errorOf(Transfer transfer, std::string const& path, std::string const& folder, std::string const& name,
                    std::function<bool()> shouldContinue = {}) {
     Result<OpenItem> const item = openItemAtPath(path, LinkAtEnd::IsNotFollowed);
@@ -48,7 +48,7 @@ inline struct stat statusOf(std::string const& path) {
     return status;
 }
 
-// A folder with one of each in it.
+// Makes a folder with an item of each kind in it.
 inline void makeTree(TemporaryFolder const& folder, std::string const& name) {
     folder.makeFile(name + "/inner/deep.txt", "deep");
     std::string const file = folder.makeFile(name + "/file \xFF", "contents");

@@ -11,7 +11,7 @@ namespace mac::test {
 
 namespace {
 
-// Runs the work in a process of its own, which kills itself in it.
+// Runs the work in a process of its own, which the work kills.
 void withKilledProcess(std::function<void()> const& work) {
     int const child = ::fork();
     if (child == 0) {
@@ -25,7 +25,7 @@ void withKilledProcess(std::function<void()> const& work) {
 
 void endProcess() { ::kill(::getpid(), SIGKILL); }
 
-// A name that a process has made which was killed.
+// A temporary name made by a process that was killed.
 std::string nameOfKilledProcess(std::string (*name)()) {
     std::array<int, 2> pipe{};
     EXPECT_EQ(::pipe(pipe.data()), 0);

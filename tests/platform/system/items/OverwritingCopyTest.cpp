@@ -18,13 +18,13 @@ class OverwritingCopy : public PrivateMounts {
 protected:
     OverwritingCopy() { makeTree(m_folder, "tree"); }
 
-    // The system's code of the failure; 0 for none.
+    // The system's error code of the failure; 0 on success.
     int copyOver(std::string_view path, std::string_view folder, std::string const& name,
                  OverwritingSteps const& steps = {}) const {
         return problemOf(path, folder, name, steps).error.code;
     }
 
-    // Code 0 if there is none.
+    // The problem of the copy; its code is 0 on success.
     TransferProblem problemOf(std::string_view path, std::string_view folder, std::string const& name,
                               OverwritingSteps const& steps) const {
         Result<OpenItem> const item = openItemAtPath(m_folder.path(path), LinkAtEnd::IsNotFollowed);

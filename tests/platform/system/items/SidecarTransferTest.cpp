@@ -10,7 +10,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// More than any transfer needs at once.
+// More open files than any transfer needs at once.
 constexpr unsigned ManyFiles = 40;
 
 // A file with an AppleDouble sidecar and a folder to bring it to, all an ordinary user's.

@@ -11,7 +11,7 @@ namespace {
 
 class TransferSteps : public PrivateMounts {
 protected:
-    // The system's code of the failure; 0 for none.
+    // The system's error code of the failure; 0 on success.
     int moveWith(std::string const& name, RemovalSteps const& steps) const {
         Result<OpenItem> const item = openItemAtPath(m_folder.path(name), LinkAtEnd::IsNotFollowed);
         FileDescriptor const target = folderAt(m_point.path());

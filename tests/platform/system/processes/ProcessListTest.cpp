@@ -16,7 +16,7 @@
 namespace mac::test {
 namespace {
 
-// The list of processes where nobody else's are on it.
+// Tests of the list of processes, in a process namespace of their own.
 class ProcessList : public OwnProcesses {
 protected:
     static ProcessSerialNumber numberOf(ChildProcess const& child) {
@@ -25,7 +25,7 @@ protected:
         return psn;
     }
 
-    // Has the next process get this ID, if the system lets us choose it.
+    // Makes the system give the next process this ID; false if it does not let us choose.
     static bool chooseNextID(std::int32_t pid) {
         std::ofstream last("/proc/sys/kernel/ns_last_pid");
         last << pid - 1 << std::flush;

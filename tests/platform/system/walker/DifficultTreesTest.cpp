@@ -21,8 +21,8 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
-// A way down of many folders of one name, which no path the system takes reaches. It is made and taken away step by
-// step. Every tenth level has a package; every level also has a second folder with a package in it if `isForked`.
+// A chain of folders of one name, deeper than any path that the system takes. It is made and removed step by step.
+// Every tenth level has a package; every level also has a second folder with a package in it if `isForked`.
 class DeepTree {
 public:
     static constexpr int depth = 3'000;
@@ -80,7 +80,7 @@ private:
     Paths m_packages;
 };
 
-// Lets this process open no more than so many descriptors for a while.
+// Limits the number of descriptors of this process for the object's life.
 class DescriptorLimit {
 public:
     explicit DescriptorLimit(rlim_t limit) {

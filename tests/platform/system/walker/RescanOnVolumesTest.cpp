@@ -53,7 +53,7 @@ public:
 private:
     std::size_t below(std::size_t limit) { return m_random() % limit; }
     std::string freshName() { return "new" + std::to_string(m_made++); }
-    // What fails changes nothing, which is right as well.
+    // A change that fails changes nothing, which the comparison allows.
     static void make(std::string const& path) { ::mkdir(path.c_str(), 0755); }
     static void makeFile(std::string const& path) { ::mknod(path.c_str(), S_IFREG | 0644, 0); }
     static void remove(std::string const& path) { outputOf({"rm", "-rf", "--", path}); }

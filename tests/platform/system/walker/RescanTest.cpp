@@ -4,6 +4,7 @@
 #include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include <algorithm>
+#include <chrono>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -263,6 +264,51 @@ TEST_F(Rescans, TellRememberedPackagesBeforeTheyAreFound) {
         EXPECT_TRUE(batches[i].empty()) << "the walk does not tell them again";
     EXPECT_TRUE(walker.vanished().empty());
     EXPECT_EQ(walker.progress().packagesFound, 1U);
+}
+
+TEST_F(Rescans, GiveRememberedPackagesToWhoeverWaitsForThem) {
+    for (char const* path : {"a/A.app", "b/B.app"})
+        m_folder.makeFolder(path);
+    rescan();
+    VolumeWalkRequest again = request();
+    again.memory = std::make_shared<WalkMemory>(m_rescan.folder(), &folderClock);
+    VolumeWalker walker(again, nullptr);
+    EXPECT_FALSE(walker.waitUntilRecalled(std::chrono::milliseconds(0))) << "it has not begun";
+    ASSERT_TRUE(walker.start());
+    ASSERT_TRUE(walker.waitUntilRecalled(std::chrono::hours(1)));
+    EXPECT_TRUE(walker.takeRemembered(1).empty()) << "there are more";
+    Found taken = walker.takeRemembered(2);
+    std::ranges::sort(taken);
+    EXPECT_EQ(taken, (Found{m_folder.path("a/A.app"), m_folder.path("b/B.app")}));
+    EXPECT_FALSE(walker.progress().isRemembered);
+    EXPECT_TRUE(walker.takeRemembered(2).empty());
+    walker.waitUntilRemembered();
+    EXPECT_TRUE(walker.takeFound().empty()) << "the walk does not tell them again";
+    EXPECT_EQ(walker.progress().packagesFound, 2U);
+}
+
+TEST_F(Rescans, TakeOnlyWhatIsRememberedFromWhatIsFound) {
+    m_folder.makeFolder("a/A.app");
+    rescan();
+    m_folder.makeFolder("b/B.app");
+    VolumeWalkRequest again = request();
+    again.memory = std::make_shared<WalkMemory>(m_rescan.folder(), &folderClock);
+    VolumeWalker walker(again, nullptr);
+    ASSERT_TRUE(walker.start());
+    walker.waitUntilRemembered();
+    EXPECT_EQ(walker.takeRemembered(1), (Found{m_folder.path("a/A.app")}));
+    EXPECT_EQ(walker.takeFound(), (Found{m_folder.path("b/B.app")}));
+}
+
+TEST_F(Rescans, AreNotWaitedForWhereNothingIsRemembered) {
+    for (bool const hasMemory : {false, true}) {
+        VolumeWalkRequest first = request();
+        if (hasMemory) first.memory = std::make_shared<WalkMemory>(m_rescan.folder(), &folderClock);
+        VolumeWalker walker(first, nullptr);
+        ASSERT_TRUE(walker.start());
+        EXPECT_TRUE(walker.waitUntilRecalled(std::chrono::hours(1)));
+        EXPECT_TRUE(walker.takeRemembered(1).empty());
+    }
 }
 
 TEST_F(Rescans, TellRememberedPackagesThatWentMeanwhile) {

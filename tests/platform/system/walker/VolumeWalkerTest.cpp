@@ -29,7 +29,7 @@ void makePackages(TemporaryFolder const& folder, int count) {
         folder.makeFolder(std::to_string(index) + "/A.app");
 }
 
-// To be told of news: counts them, for a test that waits for the number to change.
+// A callback that counts the news, for tests that wait for the count to change.
 std::function<void()> counting(std::atomic<int>& calls) {
     return [&calls] {
         ++calls;

@@ -6,9 +6,12 @@
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <limits>
+#include <sys/stat.h>
 
 namespace mac::test {
 
@@ -117,6 +120,18 @@ TEST(FolderReader, FailsOnAFolderThatIsNotOpen) {
     ASSERT_FALSE(fill.hasValue());
     EXPECT_EQ(fill.problem().code, EBADF);
     EXPECT_EQ(reader.nextSubfolder(FileDescriptor()), std::nullopt);
+}
+
+// A date beyond what 64 bits of nanoseconds hold must not look old: the walk relies on old stamps.
+TEST(FolderFacts, HoldTheLastDateForThoseBeyondIt) {
+    TemporaryFolder const folder;
+    std::array<timespec, 2> const dates{
+        {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, {.tv_sec = 10'000'000'000, .tv_nsec = 5}}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, folder.path().c_str(), dates.data(), 0), 0);
+    struct stat status {};
+    ASSERT_EQ(::stat(folder.path().c_str(), &status), 0);
+    if (status.st_mtim.tv_sec != dates[1].tv_sec) GTEST_SKIP() << "the file system keeps no dates after 2262";
+    EXPECT_EQ(factsOf(folderAt(folder.path())).value().stamp.modified, std::numeric_limits<std::int64_t>::max());
 }
 
 TEST(LeafRule, TellsNothingWhereTheCountIsNoneOfFolders) {
