@@ -6,18 +6,18 @@
 
 namespace mac {
 
-// Tells when something appears in, goes from or happens to a folder, and when a folder above it is moved: on the main
-// thread's run loop, by the path of the folder that it happened to. Folders below are not watched. What cannot be
-// watched (a path too long, the system's limit reached) is not told.
+// Reports changes to folders: an entry is added, removed or changed, or the folder or one above it is moved. Calls
+// `onChange` on the main thread's run loop with the path of the changed folder. Subfolders are not watched. Folders
+// that cannot be watched (a path too long, the system's limit reached) are not reported.
 class FolderWatch {
 public:
-    // An empty path means that events were lost: every folder may have changed.
+    // `onChange` gets an empty path if events were lost: every folder may have changed.
     explicit FolderWatch(std::function<void(std::string const& folder)> onChange);
     ~FolderWatch();
     FolderWatch(FolderWatch const&) = delete;
     FolderWatch& operator=(FolderWatch const&) = delete;
 
-    // Watching a folder again changes nothing; false when it cannot be watched.
+    // Adding a watched folder again changes nothing. False if the folder cannot be watched.
     bool add(std::string const& folder);
 
 private:

@@ -13,13 +13,13 @@ namespace mac {
 
 namespace {
 
-// The kernel's memory for a watch is about a kilobyte and its number is limited for each user, so that other programs
-// need some.
+// The most folders watched at once: a watch takes about a kilobyte of kernel memory, and the number for each user is
+// limited, so other programs need some.
 constexpr std::size_t MostFolders = 4096;
 
 constexpr std::uint32_t Events = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF |
                                  IN_UNMOUNT | IN_ONLYDIR | IN_EXCL_UNLINK;
-// The events of the folders above: changes within them are ignored, unless such a folder is watched for itself.
+// The events of folders above a watched one: changes within them are ignored, unless such a folder is watched itself.
 constexpr std::uint32_t EventsAbove = IN_MOVE_SELF | IN_UNMOUNT | IN_ONLYDIR | IN_MASK_ADD;
 
 } // namespace
@@ -44,7 +44,7 @@ public:
         if (!watch(folder, Events)) return false;
         for (std::string above(BytePath(folder).parent()); above.size() > 1;
              above.resize(BytePath(above).parent().size())) {
-            // If it is watched, so are the folders above it.
+            // The folders above one that is watched are watched, too.
             if (m_paths.contains(above) || !watch(above, EventsAbove)) break;
         }
         return true;

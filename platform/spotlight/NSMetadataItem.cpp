@@ -16,7 +16,7 @@ public:
         return nil;
     }
 
-    // A predicate asks for attributes as keys; one that the item does not have is missing, not an error.
+    // Predicates read attributes by key; an attribute that the item lacks is nil, not an error.
     id valueForKey(NSString const& key) override { return attribute(key); }
     bool isEqual(id const& other) const override {
         NSMetadataItem const item = as<NSMetadataItem>(other);

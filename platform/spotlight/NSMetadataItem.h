@@ -5,12 +5,12 @@
 
 namespace mac {
 
-// The attributes a found item has: its kind ("Application"), the name of its folder and its path.
+// The attributes of a found item: its kind ("Application"), its file name and its path.
 inline constexpr char kMDItemKind[] = "kMDItemKind";
 inline constexpr char kMDItemFSName[] = "kMDItemFSName";
 inline constexpr char kMDItemPath[] = "kMDItemPath";
 
-// An item that a query found. Immutable.
+// An item that a query found. Immutable; a nil item answers nil.
 class NSMetadataItem : public Handle<NSMetadataItem, NSObject> {
 public:
     class Body;
@@ -18,7 +18,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Linux: an application bundle, by its path.
+    // Linux: the item of the application bundle at the path.
     static NSMetadataItem itemWithPath(NSString const& path);
 
     // Nil for an attribute that the item does not have.

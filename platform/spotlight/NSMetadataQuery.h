@@ -15,9 +15,10 @@ inline constexpr char NSMetadataQueryGatheringProgressNotification[] = "NSMetada
 inline constexpr char NSMetadataQueryDidFinishGatheringNotification[] = "NSMetadataQueryDidFinishGatheringNotification";
 inline constexpr char NSMetadataQueryDidUpdateNotification[] = "NSMetadataQueryDidUpdateNotification";
 
-// A search for items by their attributes, which goes on living after the first pass. It posts its notifications, itself
-// as their object, on the main thread's run loop: start of gathering, progress, end of gathering, and updates from then
-// on.
+// A search for items by their attributes, whose results stay up to date after the first pass. It posts its
+// notifications, with itself as the object, on the main thread's run loop: start of gathering, progress, end of
+// gathering, and updates from then on. Results of an earlier search that were looked at again may be there when the
+// start is told. Main thread; a nil query answers nil, 0 or false.
 //
 // Linux: the items are application bundles (folders named *.app) found by a walk over the volumes, not by an index.
 class NSMetadataQuery : public Handle<NSMetadataQuery, NSObject> {
@@ -38,8 +39,8 @@ public:
     NSTimeInterval notificationBatchingInterval() const;
     void setNotificationBatchingInterval_(NSTimeInterval interval) const;
 
-    // False without a predicate, when it runs already, or when there is nothing to search. A new start forgets the
-    // results.
+    // Begins to gather. False without a predicate, if the query runs already, and if no scope names a place to search.
+    // A new start clears the results.
     bool startQuery() const;
     // Ends gathering and updates; the results stay as they are.
     void stopQuery() const;
@@ -52,7 +53,8 @@ public:
     void enableUpdates() const;
 
     NSUInteger resultCount() const;
-    // Keeps its index until control returns to the run loop. Raises NSRangeException past the end.
+    // The result at the index, which stays valid until control returns to the run loop. Raises NSRangeException past
+    // the end.
     NSMetadataItem resultAtIndex_(NSUInteger index) const;
     NSUInteger indexOfResult_(NSMetadataItem const& result) const;
     NSArray results() const;
@@ -60,8 +62,8 @@ public:
     // Linux: how many folders the last gathering could not read. Keys "isGathering", "unreadableFolderCount" and
     // "unreadableFolders" can be observed.
     NSUInteger unreadableFolderCount() const;
-    // Linux: those folders, dictionaries of the strings "path" and "reason", which is for people; the first 1,000 of
-    // them.
+    // Linux: the folders that could not be read, at most the first 1,000, as dictionaries with the strings "path" and
+    // "reason", which is a text for people.
     NSArray unreadableFolders() const;
 };
 

@@ -17,7 +17,7 @@ namespace mac {
 
 namespace {
 
-// The first finds are shown at once, but what comes within this time goes with them.
+// How long the first delivery waits, so that it takes along what is found in the meantime.
 constexpr NSTimeInterval FirstBatchDelay = 0.05;
 
 std::string folderOf(std::string const& path) { return std::string(BytePath(path).parent()); }
@@ -38,7 +38,8 @@ NSArray foldersWithReasons(std::vector<SystemError> const& errors) {
     return uncheckedCast<NSArray>(folders.copy());
 }
 
-// Whether something happened to the folder or to one of those it lies in. An empty path stands for all of them.
+// Whether the folder, or a folder above it, is among the changed ones. An empty path among them stands for every
+// folder.
 bool isChanged(std::string folder, std::set<std::string> const& changed) {
     while (!folder.empty() && !changed.contains(folder))
         folder.resize(folder == "/" ? 0 : BytePath(folder).parent().size());
@@ -66,7 +67,7 @@ bool NSMetadataQuery::Body::start() {
     if (m_phase == Phase::Gathering || m_phase == Phase::Live || m_predicate == nil) return false;
     std::optional<VolumeWalkRequest> request = planSearch(m_predicate, m_searchScopes);
     if (!request) return false;
-    // What is remembered is of the whole computer.
+    // The memory holds walks of the whole computer only.
     if (m_searchScopes.containsObject_(NSMetadataQueryLocalComputerScope)) request->memory = memory();
 
     Weak<NSMetadataQuery> const query(self());
@@ -80,7 +81,7 @@ bool NSMetadataQuery::Body::start() {
     auto const news = onWalk([](Body& body) { body.walkerHasNews(); });
     auto walker = std::make_unique<VolumeWalker>(*request, [news] { performOnMainRunLoop(news); });
     // Queued before the walk can have news, so that it comes first.
-    performOnMainRunLoop(onWalk([](Body& body) { body.post(NSMetadataQueryDidStartGatheringNotification); }));
+    performOnMainRunLoop(onWalk([](Body& body) { body.tellStart(); }));
     if (!walker->start()) {
         ++m_walk;
         return false;
@@ -121,15 +122,34 @@ void NSMetadataQuery::Body::enableUpdates() {
     if (m_disabledUpdates == 0 && (m_phase == Phase::Gathering || m_phase == Phase::Live)) scheduleDelivery();
 }
 
+void NSMetadataQuery::Body::tellStart() {
+    bool const isRecalled = m_request.memory && m_disabledUpdates == 0 && m_clock.waitUntilRecalled(*m_walker);
+    if (isRecalled) takeRemembered();
+    std::uint64_t const walk = m_walk;
+    post(NSMetadataQueryDidStartGatheringNotification);
+    // An observer may have stopped or restarted the query.
+    if (walk == m_walk) walkerHasNews();
+}
+
+void NSMetadataQuery::Body::takeRemembered() {
+    NSMutableArray const results = NSMutableArray::array();
+    for (std::string const& path : m_walker->takeRemembered(m_itemsInStep))
+        take(path, results);
+    m_results = uncheckedCast<NSArray>(results.copy());
+}
+
 void NSMetadataQuery::Body::walkerHasNews() {
-    if (m_phase == Phase::Gathering) scheduleDelivery();
+    if (m_phase != Phase::Gathering) return;
+    VolumeWalkProgress const progress = m_walker->progress();
+    // What is told may have been taken by now.
+    if (progress.isFinished || progress.packagesToTake > 0) scheduleDelivery();
 }
 
 void NSMetadataQuery::Body::scheduleDelivery() {
     if (m_disabledUpdates > 0 || m_timer.isValid()) return;
     NSTimeInterval const interval = std::max(m_batchingInterval, 0.0);
     NSTimeInterval delay = std::min(FirstBatchDelay, interval);
-    // What is remembered comes in one piece, so there is nothing to wait for.
+    // Remembered finds come in one batch, so waiting gains nothing.
     if (m_phase == Phase::Gathering && m_walker->progress().isRemembered) delay = 0;
     if (m_lastDelivery != nil)
         delay = std::clamp(interval + m_lastDelivery.timeIntervalSinceDate_(m_clock.now()), 0.0, interval);
@@ -152,7 +172,7 @@ void NSMetadataQuery::Body::deliver() {
     // An observer may have stopped or restarted the query.
     if (walk != m_walk) return;
     if (m_phase == Phase::Live && !m_changedFolders.empty()) scheduleDelivery();
-    // The interval begins when the observers are done, however long they or the machine took.
+    // The interval begins once the observers have returned, however long they took.
     m_lastDelivery = m_clock.now();
     if (!m_timer.isValid()) return;
     m_timer.invalidate();
@@ -161,7 +181,7 @@ void NSMetadataQuery::Body::deliver() {
 
 void NSMetadataQuery::Body::deliverFinds() {
     if (!m_taking) {
-        // Asked before the finds are taken: what is found later than this comes with the next batch.
+        // Read before the finds are taken: later finds come with the next batch.
         VolumeWalkProgress const progress = m_walker->progress();
         m_taking = Taking{progress, m_walker->takeFound(), NSMutableArray::arrayWithArray_(m_results)};
     }
@@ -172,8 +192,8 @@ void NSMetadataQuery::Body::deliverFinds() {
     if (isMore) m_results = uncheckedCast<NSArray>(taken.results.copy());
     bool const isLess = takeAwayVanished();
     if (!isMore && !isLess && taken.progress.isFinished) return finishGathering(taken.progress);
-    // What came between the steps asked for no delivery, as one was due. The end comes with a delivery of its own, also
-    // when an observer of this one raises.
+    // News between the steps scheduled no delivery, as one was pending. The end of gathering gets a delivery of its
+    // own, also if an observer of this one raises.
     VolumeWalkProgress const progress = m_walker->progress();
     if (progress.isFinished || progress.packagesToTake > 0) scheduleDelivery();
     if (isMore || isLess) post(NSMetadataQueryGatheringProgressNotification);
@@ -183,15 +203,19 @@ bool NSMetadataQuery::Body::takeFinds() {
     std::size_t const end = std::min(m_taking->paths.size(), m_taking->taken + m_itemsInStep);
     while (m_taking->taken < end) {
         std::string const& path = m_taking->paths[m_taking->taken++];
-        NSMetadataItem const item = itemOfPath(path);
-        if (!matches(item)) continue;
-        std::string const folder = folderOf(path);
-        m_watch->add(folder);
-        // What happened there since the find and before the watch is looked for when gathering has ended.
-        m_changedFolders.insert(folder);
-        m_taking->results.addObject_(item);
+        take(path, m_taking->results);
     }
     return end == m_taking->paths.size();
+}
+
+void NSMetadataQuery::Body::take(std::string const& path, NSMutableArray const& results) {
+    NSMetadataItem const item = itemOfPath(path);
+    if (!matches(item)) return;
+    std::string const folder = folderOf(path);
+    m_watch->add(folder);
+    // What happened there since the find and before the watch is looked for when gathering has ended.
+    m_changedFolders.insert(folder);
+    results.addObject_(item);
 }
 
 bool NSMetadataQuery::Body::takeAwayVanished() {
@@ -225,7 +249,7 @@ void NSMetadataQuery::Body::finishGathering(VolumeWalkProgress const& progress) 
         setPhase(Phase::Live);
     }
     tellUnreadable(progress);
-    // Each time an observer may have stopped or restarted the query.
+    // Each notification's observers may have stopped or restarted the query.
     if (walk != m_walk) return;
     if (!m_changedFolders.empty()) scheduleDelivery();
     post(NSMetadataQueryDidFinishGatheringNotification);

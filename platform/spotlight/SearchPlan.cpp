@@ -8,7 +8,7 @@ namespace mac {
 
 namespace {
 
-// The file names of which a match must have one; nothing where it may have any.
+// The file names that a match can have; nullopt if it can have any.
 using Names = std::optional<std::vector<std::string>>;
 
 bool asksForFileName(PredicateExpression const& expression) {
@@ -41,7 +41,7 @@ Names namesOfComparison(PredicateNode const& comparison) {
 
 Names namesOfTree(PredicateNode const& node);
 
-// Any operand that names some will do, the shortest list best.
+// A match must satisfy each operand, so the shortest list of any operand holds its name.
 Names namesOfAnd(std::vector<PredicateNode> const& operands) {
     Names best;
     for (PredicateNode const& operand : operands) {

@@ -7,8 +7,8 @@
 
 namespace mac {
 
-// What to walk for a predicate and scopes: never less than what could match, so that testing each find with the
-// predicate gives the answer. nullopt if no scope names a place.
+// The walk for a predicate and scopes. It finds at least all that could match, so each find has to be tested with the
+// predicate. nullopt if no scope names a place.
 //
 // The local computer is every local volume, or the folders named in the environment variable
 // FRAMEKEEPER_LOCAL_COMPUTER, separated by colons: so the demo and the tests narrow it.

@@ -246,6 +246,8 @@ TEST_F(MetadataQuery, MayBeStoppedByAnObserverOfItsEnd) {
 
 TEST_F(MetadataQuery, MayBeRestartedByAnObserverOfItsProgress) {
     folder.makeFolder("a/Mirror Frame.app");
+    // Nothing is remembered of a part of the computer, so that the second search finds the copy by progress, too.
+    query.setSearchScopes_(NSArray::arrayWithObject_(string(folder.path())));
     bodyOf(recorder)->onNotification = [&](std::string const& name) {
         if (name != NSMetadataQueryGatheringProgressNotification) return;
         bodyOf(recorder)->onNotification = nullptr;

@@ -122,20 +122,16 @@ protected:
 
     // All finds wait, as after a quick walk, and the delivery is due.
     bool findAll() {
+        bodyOf(recorder)->onNotification = [this](std::string const& name) { m_posted = name; };
         query.disableUpdates();
         if (!query.startQuery()) return false;
-        bodyOf(recorder)->onNotification = [this](std::string const& name) { m_posted = name; };
-        if (!outlastWalk()) return false;
+        if (!runUntil([this] { return hasPosted(NSMetadataQueryDidStartGatheringNotification); })) return false;
+        if (!runUntilWalkIsOver()) return false;
         query.enableUpdates();
         return runUntilDeliveryIsDue();
     }
-    // Waits for a walk that is as long as the query's own.
-    bool outlastWalk() {
-        VolumeWalker walk({.roots = {folder.path()}, .names = {"Mirror Frame.app"}},
-                          [] { performOnMainRunLoop([] {}); });
-        bool const isOver = walk.start() && runUntil([&] { return walk.progress().isFinished; });
-        runForAMoment();
-        return isOver;
+    bool runUntilWalkIsOver() const {
+        return runUntil([this] { return bodyOf(query)->progress().isFinished; });
     }
     bool hasPosted(char const* name) const { return m_posted == name; }
 
@@ -164,7 +160,8 @@ TEST_F(MetadataQueryInSteps, EndsAlsoIfTheWalkEndsBetweenTwoSteps) {
     ASSERT_TRUE(query.startQuery());
     ASSERT_TRUE(runUntilDeliveryIsDue());
     deliver();
-    ASSERT_TRUE(outlastWalk());
+    ASSERT_TRUE(runUntilWalkIsOver());
+    runForAMoment(); // the news of its end come between the two steps
     while (query.isGathering()) {
         ASSERT_TRUE(runUntilDeliveryIsDue()) << "nothing asks for the end";
         deliver();

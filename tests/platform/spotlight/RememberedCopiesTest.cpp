@@ -1,8 +1,10 @@
 #include "platform/spotlight/QueryBody.h"
 #include "tests/platform/spotlight/MetadataQuery.h"
 #include "tests/support/OrdinaryUser.h"
+#include <chrono>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace mac::test {
 namespace {
@@ -21,11 +23,20 @@ protected:
     std::string memoryFile() const { return m_cache.path("framekeeper/" + std::string(WalkMemory::fileName)); }
     bool isRemembered() const { return ::access(memoryFile().c_str(), F_OK) == 0; }
 
-    void searchBefore() {
+    // The next query waits at its start for what this search found, however long the machine takes.
+    void searchBefore(std::size_t itemsInStep = NSMetadataQuery::Body::ItemsInStep) {
         ASSERT_TRUE(gather());
         ASSERT_TRUE(runUntil([this] { return isRemembered(); }));
+        useQuery(patientClock(), itemsInStep);
+    }
+    static QueryClock patientClock() {
+        return {.waitUntilRecalled = [](VolumeWalker const& walker) {
+            return walker.waitUntilRecalled(std::chrono::hours(1));
+        }};
+    }
+    void useQuery(QueryClock clock, std::size_t itemsInStep = NSMetadataQuery::Body::ItemsInStep) {
         query.stopQuery();
-        query = NSMetadataQuery::alloc().init();
+        query = adopt<NSMetadataQuery>(std::move(clock), itemsInStep);
         recorder = adopt<QueryRecorder>();
         MetadataQuery::SetUp();
     }
@@ -34,33 +45,105 @@ protected:
     TemporaryFolder const m_cache{};
 };
 
-TEST_F(RememberedCopies, ComeInTheFirstBatchAndOnce) {
+TEST_F(RememberedCopies, ComeWithTheStartAndOnce) {
     for (char const* name : {"a", "b", "c"})
         folder.makeFolder(std::string(name) + "/Mirror Frame.app");
     searchBefore();
     ASSERT_EQ(::rmdir(folder.path("b/Mirror Frame.app").c_str()), 0);
     ASSERT_TRUE(gather());
-    ASSERT_GE(names().size(), 3U);
-    EXPECT_EQ(names()[0], NSMetadataQueryDidStartGatheringNotification);
-    EXPECT_EQ(names()[1], NSMetadataQueryGatheringProgressNotification);
-    EXPECT_EQ(counts()[1], 2U) << "without the one that is gone";
-    EXPECT_EQ(counts().back(), 2U);
+    EXPECT_EQ(names(), (std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryDidFinishGatheringNotification}));
+    EXPECT_EQ(counts(), (std::vector<NSUInteger>{2, 2})) << "without the one that is gone";
     EXPECT_EQ(foundPaths().count(), 2U);
+}
+
+TEST_F(RememberedCopies, ThatAreNotKnownAtTheStartComeInTheFirstBatch) {
+    folder.makeFolder("a/Mirror Frame.app");
+    searchBefore();
+    useQuery({.waitUntilRecalled = [](VolumeWalker const&) { return false; }});
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(names(), (std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryGatheringProgressNotification,
+                                                 NSMetadataQueryDidFinishGatheringNotification}));
+    EXPECT_EQ(counts(), (std::vector<NSUInteger>{0, 1, 1}));
+}
+
+TEST_F(RememberedCopies, AreTheStartsIfOneStepTakesThem) {
+    for (char const* name : {"a", "b", "c"})
+        folder.makeFolder(std::string(name) + "/Mirror Frame.app");
+    searchBefore(2);
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(counts().front(), 0U);
+    ASSERT_GE(names().size(), 3U);
+    EXPECT_EQ(names()[1], NSMetadataQueryGatheringProgressNotification);
+    EXPECT_EQ(counts()[1], 3U) << "all of them at once, though in steps";
+    useQuery(patientClock(), 3);
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(counts(), (std::vector<NSUInteger>{3, 3}));
+}
+
+TEST_F(RememberedCopies, AreNotTheStartsWhileUpdatesAreDisabled) {
+    folder.makeFolder("a/Mirror Frame.app");
+    searchBefore();
+    query.disableUpdates();
+    ASSERT_TRUE(query.startQuery());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidStartGatheringNotification));
+    EXPECT_EQ(counts(), std::vector<NSUInteger>{0});
+    query.enableUpdates();
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification));
+    EXPECT_EQ(counts(), (std::vector<NSUInteger>{0, 1, 1}));
+}
+
+TEST_F(RememberedCopies, MayBeStoppedByAnObserverOfTheStart) {
+    folder.makeFolder("a/Mirror Frame.app");
+    searchBefore();
+    bodyOf(recorder)->onNotification = [this](std::string const&) { query.stopQuery(); };
+    ASSERT_TRUE(query.startQuery());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidStartGatheringNotification));
+    runForAMoment();
+    EXPECT_TRUE(query.isStopped());
+    EXPECT_EQ(counts(), std::vector<NSUInteger>{1});
+}
+
+TEST_F(RememberedCopies, MayBeLookedForAnewByAnObserverOfTheStart) {
+    folder.makeFolder("a/Mirror Frame.app");
+    searchBefore();
+    bodyOf(recorder)->onNotification = [this](std::string const&) {
+        bodyOf(recorder)->onNotification = nullptr;
+        query.stopQuery();
+        EXPECT_TRUE(query.startQuery());
+        EXPECT_EQ(query.resultCount(), 0U) << "the results are of the search that has begun";
+    };
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(names(), (std::vector<std::string>{NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryDidStartGatheringNotification,
+                                                 NSMetadataQueryDidFinishGatheringNotification}));
+    EXPECT_EQ(counts(), (std::vector<NSUInteger>{1, 1, 1}));
+}
+
+TEST_F(RememberedCopies, ThatGoAfterTheStartAreTakenAway) {
+    folder.makeFolder("a/Mirror Frame.app");
+    searchBefore();
+    bodyOf(recorder)->onNotification = [this](std::string const& name) {
+        if (name != NSMetadataQueryDidStartGatheringNotification) return;
+        EXPECT_EQ(::rmdir(folder.path("a/Mirror Frame.app").c_str()), 0);
+    };
+    ASSERT_TRUE(gather());
+    EXPECT_EQ(counts().front(), 1U);
+    EXPECT_TRUE(runUntil([this] { return query.resultCount() == 0; }));
 }
 
 TEST_F(RememberedCopies, AreNotWaitedForInTheFirstBatch) {
     folder.makeFolder("a/Mirror Frame.app");
     searchBefore();
     std::vector<NSTimeInterval> delays;
-    query = adopt<NSMetadataQuery>(
-        QueryClock{.now = [] { return NSDate::date(); },
-                   .startTimer =
-                       [&delays](NSTimeInterval delay, NSMetadataQuery const& target) {
-                           delays.push_back(delay);
-                           return NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
-                               delay, target, "deliver:", nil, NO);
-                       }});
-    MetadataQuery::SetUp();
+    useQuery({.startTimer =
+                  [&delays](NSTimeInterval delay, NSMetadataQuery const& target) {
+                      delays.push_back(delay);
+                      return NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats_(
+                          delay, target, "deliver:", nil, NO);
+                  },
+              .waitUntilRecalled = [](VolumeWalker const&) { return false; }});
     ASSERT_TRUE(gather());
     ASSERT_FALSE(delays.empty());
     EXPECT_EQ(delays.front(), 0);
