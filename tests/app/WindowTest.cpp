@@ -3,7 +3,7 @@
 #include "platform/appkit/views/NSApplication.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
 #include "platform/foundation/objects/Method.h"
-#include "platform/system/walker/VolumeWalker.h"
+#include "platform/spotlight/QueryBody.h"
 #include "tests/app/Controller.h"
 #include "tests/app/OpenedWindow.h"
 #include "tests/support/Companion.h"
@@ -206,9 +206,8 @@ TEST_F(Window, AnswersAClickOnStopBeforeManyCopiesAreTakenIn) {
     NSNotificationCenter::defaultCenter().addObserver_selector_name_object_(
         click, "click:", NSMetadataQueryGatheringProgressNotification, controller().query());
     // The walk finds everything before the query tells of anything.
-    VolumeWalker walk({.roots = {m_folder.path()}, .names = {CompanionFileName}}, [] { performOnMainRunLoop([] {}); });
-    ASSERT_TRUE(walk.start());
-    ASSERT_TRUE(runUntil([&] { return walk.progress().isFinished; }));
+    ASSERT_TRUE(runUntil(
+        [this] { return !(controller().paths() == nil) && bodyOf(controller().query())->progress().isFinished; }));
     controller().query().enableUpdates();
     ASSERT_TRUE(runUntil([this] { return controller().query().isStopped(); }));
     NSUInteger const found = controller().query().resultCount();

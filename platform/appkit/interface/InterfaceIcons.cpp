@@ -208,9 +208,16 @@ QIcon BundleIcons::iconOfBundle(NSString const& path) {
     Result<FileStatus> const status = fileStatusAtPath(*bundle);
     if (!status.hasValue() || status.value().kind != FileStatus::Kind::Folder) return {};
     if (known != m_known.end() && known->second.modified == status.value().modified) return known->second.icon;
-    if (m_known.size() >= MostKnown) m_known.clear();
+    if (m_known.size() >= MostKnown) {
+        m_known.clear();
+        // The theme may have changed since.
+        m_general = {};
+    }
     QIcon icon = readIcon(*bundle);
-    if (icon.isNull()) icon = generalIcon();
+    if (icon.isNull()) {
+        if (m_general.isNull()) m_general = generalIcon();
+        icon = m_general;
+    }
     m_known.insert_or_assign(*bundle, Known{status.value().modified, icon});
     return icon;
 }

@@ -38,6 +38,9 @@ private:
         QIcon icon;
     };
     std::unordered_map<std::string, Known> m_known;
+    // An application's in general, shared by all that show it: what the toolkit keeps for drawing a line takes 1 to 2
+    // KiB. An empty icon until it is needed.
+    QIcon m_general;
 };
 
 } // namespace mac

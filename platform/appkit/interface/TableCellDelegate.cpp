@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QPainter>
+#include <optional>
 #include <utility>
 
 namespace mac {
@@ -32,8 +33,10 @@ QString TableCellDelegate::textWithin(int width, QStyleOptionViewItem const& cel
     if (!isPath) return cell.fontMetrics.elidedText(text, cell.textElideMode, width);
     // What the paths have in common is counted in whole ones, not in shortened texts.
     QString const path = index.data().toString();
-    CommonPath const common = m_model.commonPath(index.column());
-    PathExtent const extent = m_model.pathExtent(index.column());
+    // Painting never reads all rows; until that is done the extent is that of the rows before.
+    std::optional<CommonPath> const known = m_model.knownCommonPath(index.column());
+    CommonPath const common = known.value_or(CommonPath());
+    PathExtent const extent = known ? m_model.pathExtent(index.column()) : PathExtent::Whole;
     if (path.size() <= LongestText) return elidedPath(path, common, extent, cell.fontMetrics, width);
     return cell.fontMetrics.elidedText(shortenedText(shownPath(path, common, extent)), Qt::ElideMiddle, width);
 }

@@ -7,7 +7,10 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTimer>
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace mac {
 
@@ -20,6 +23,8 @@ constexpr int NarrowestFill = 30;
 constexpr int NarrowestSection = 30;
 // The number of rows that count for the widths before any row is shown.
 constexpr int FirstRows = 1000;
+// With more rows, reading the paths of all of them would make the event that changed them noticeably longer.
+constexpr int MostRowsAtOnce = 10'000;
 
 } // namespace
 
@@ -176,8 +181,22 @@ void TableColumnWidths::fitContents() {
     if (!m_view) return;
     m_widestPaths = {};
     m_widestDifference = 0;
+    for (int section = 0; section < m_model.columnCount(); ++section) {
+        if (m_model.columns()[static_cast<std::size_t>(section)].elidesCommonPath) m_model.commonPath(section);
+    }
     fitRows(0, FirstRows);
     fitVisible();
+}
+
+void TableColumnWidths::fitChangedContents() {
+    if (m_model.rowCount() <= MostRowsAtOnce) return fitContents();
+    if (std::exchange(m_fitsLater, true)) return;
+    QTimer::singleShot(0, this, [this] {
+        m_fitsLater = false;
+        guarded([this] { fitContents(); });
+        // Paths were painted whole until now.
+        if (m_view) m_view->viewport()->update();
+    });
 }
 
 void TableColumnWidths::fitVisible() {
@@ -211,8 +230,11 @@ void TableColumnWidths::fitCell(int row, int section) {
 }
 
 void TableColumnWidths::fitPath(int row, int section) {
+    // Scrolling does not read all rows: those that have just changed are fitted soon.
+    std::optional<CommonPath> const known = m_model.knownCommonPath(section);
+    if (!known) return;
+    CommonPath const common = *known;
     QString const path = m_model.index(row, section).data().toString();
-    CommonPath const common = m_model.commonPath(section);
     qsizetype const differing = path.size() - common.start - common.end;
     // All others have the common folders and names in common with it.
     bool const fitsSurely = differing > 0 && differing * m_view->fontMetrics().maxWidth() < m_widestDifference;

@@ -24,6 +24,9 @@ public:
 
     // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
     void fitContents();
+    // Fits the contents after the rows have changed: with very many rows by an event of its own, since what their paths
+    // have in common is read from all of them.
+    void fitChangedContents();
 
     // The columns that the user made wider or narrower, in pixels by number.
     QMap<int, int> chosenWidths() const;
@@ -68,6 +71,8 @@ private:
     // The widest of their differing parts alone, without what stands for the common ones.
     int m_widestDifference{0};
     bool m_isAdjusting{false};
+    // An event that fits the contents is under way.
+    bool m_fitsLater{false};
     std::function<void()> m_whenChosen;
 };
 

@@ -5,6 +5,7 @@
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/running/EventLoop.h"
 #include <QCoreApplication>
+#include <QScopedValueRollback>
 #include <algorithm>
 
 namespace mac {
@@ -108,6 +109,12 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 }
 
 CommonPath TableModel::commonPath(int section) const {
+    if (m_changesWhenFound != m_changes && !m_isFindingCommonPaths) findCommonPaths();
+    return knownCommonPath(section).value_or(CommonPath());
+}
+
+std::optional<CommonPath> TableModel::knownCommonPath(int section) const {
+    if (m_changesWhenFound != m_changes) return std::nullopt;
     std::size_t const number = static_cast<std::size_t>(section);
     return number < m_commonPaths.size() ? m_commonPaths[number] : CommonPath();
 }
@@ -121,34 +128,39 @@ void TableModel::setPathExtent(int section, PathExtent extent) {
     m_pathExtents[static_cast<std::size_t>(section)] = extent;
 }
 
-// A text for the screen has as many code units as the path.
-void TableModel::findCommonPaths(NSArray const& rows) {
-    m_commonPaths.assign(m_columns.size(), {});
+// A text for the screen has as many code units as the path. Reading a value may do anything, and what rows that have
+// changed meanwhile have in common is another.
+void TableModel::findCommonPaths() const {
+    QScopedValueRollback<bool> const finding(m_isFindingCommonPaths, true);
+    std::uint64_t const changes = m_changes;
+    std::vector<CommonPath> found(m_columns.size());
     for (std::size_t section = 0; section < m_columns.size(); ++section) {
         if (!m_columns[section].elidesCommonPath) continue;
         guarded([&] {
             CommonPathFinder finder;
-            for (id const& object : rows) {
+            for (std::size_t row = 0; changes == m_changes && row < m_rows.size() && !finder.isEmpty(); ++row) {
+                id const object = m_rows[row];
                 finder.add(as<NSString>(valueOfKeyPath(object, m_columns[section].keyPath)).codeUnits());
-                if (finder.isEmpty()) break;
             }
-            m_commonPaths[section] = finder.result();
+            found[section] = finder.result();
         });
     }
+    if (changes != m_changes) return;
+    m_commonPaths = std::move(found);
+    m_changesWhenFound = changes;
 }
 
 void TableModel::resetRows(NSArray const& rows) {
-    findCommonPaths(rows);
     beginResetModel();
     m_isBroken.clear();
     m_rows.assign(rows.begin(), rows.end());
+    ++m_changes;
     endResetModel();
 }
 
 // The steps: those that go are moved to the end and removed, the new ones are added at the end, and all move to their
 // places.
 void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> previousRows) {
-    findCommonPaths(rows);
     std::size_t const count = previousRows.size();
     m_isBroken.clear();
     std::vector<int> newRowOf(m_rows.size(), Gone);
@@ -169,6 +181,7 @@ void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> pr
     if (firstGone > stayingCount) {
         beginRemoveRows({}, stayingCount, firstGone - 1);
         m_rows.resize(staying.size());
+        ++m_changes;
         endRemoveRows();
     }
 
@@ -179,6 +192,7 @@ void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> pr
         isChanged = isChanged || !isSame(object, m_rows[row]);
         m_rows[row] = object;
     }
+    ++m_changes;
     if (count > staying.size()) {
         beginInsertRows({}, stayingCount, static_cast<int>(count) - 1);
         for (std::size_t row = 0; row < count; ++row) {
@@ -186,6 +200,7 @@ void TableModel::replaceRows(NSArray const& rows, std::span<NSUInteger const> pr
             m_rows.push_back(objects[row]);
             staying.push_back(static_cast<int>(row));
         }
+        ++m_changes;
         endInsertRows();
     }
     reorder(staying);

@@ -7,6 +7,8 @@
 #include <QAbstractTableModel>
 #include <QPointer>
 #include <QWidget>
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -32,8 +34,11 @@ public:
     // out.
     std::vector<std::string> pathsOf(std::vector<int> rows) const;
 
-    // What the paths of all rows have in common in a column that leaves it out; nothing in other columns.
+    // What the paths of all rows have in common in a column that leaves it out; nothing in other columns. The first
+    // call after the rows have changed reads all of them.
     CommonPath commonPath(int section) const;
+    // The common path that commonPath() found since the rows last changed; nullopt if it has not. Reads no row.
+    std::optional<CommonPath> knownCommonPath(int section) const;
     // How much of their paths the cells of such a column show; at first all.
     PathExtent pathExtent(int section) const;
     void setPathExtent(int section, PathExtent extent);
@@ -55,12 +60,17 @@ public:
 
 private:
     QVariant cell(id const& object, TableColumn const& column, int role) const;
-    void findCommonPaths(NSArray const& rows);
+    void findCommonPaths() const;
     void reorder(std::vector<int> const& newRowOf);
 
     std::vector<TableColumn> m_columns;
     std::vector<id> m_rows;
-    std::vector<CommonPath> m_commonPaths;
+    // Found on first need, so that reading all rows for it is no part of the event that changed them.
+    mutable std::vector<CommonPath> m_commonPaths;
+    // How often the rows have changed, now and when the common paths were found.
+    std::uint64_t m_changes{0};
+    mutable std::optional<std::uint64_t> m_changesWhenFound;
+    mutable bool m_isFindingCommonPaths{false};
     std::vector<PathExtent> m_pathExtents = std::vector<PathExtent>(m_columns.size(), PathExtent::Whole);
     NSString m_fileKeyPath;
     QPointer<QWidget const> m_colorSource;

@@ -178,7 +178,7 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     else
         m_model.resetRows(rows);
     m_shown = rows;
-    m_widths->fitContents();
+    m_widths->fitChangedContents();
     restore(kept);
     m_view->setAutoScroll(autoScrolls);
 }

@@ -3,6 +3,7 @@
 #include "tests/support/Texts.h"
 #include <QBuffer>
 #include <QImage>
+#include <QScopeGuard>
 #include <chrono>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -93,6 +94,25 @@ TEST_F(BundleIconsOfCopies, AreAnApplicationsInGeneralWhereThereIsNoPicture) {
     m_folder.makeFile("A.app/Contents/Resources/first.icns", "");
     std::filesystem::resize_file(bundle() + "/Contents/Resources/first.icns", std::uintmax_t{1} << 33);
     EXPECT_TRUE(isGeneral());
+}
+
+// What a toolkit keeps for drawing an icon takes more room than the icon. A theme's icons are shared anyway, so the
+// theme has none here.
+TEST_F(BundleIconsOfCopies, ShareTheIconOfApplicationsInGeneral) {
+    auto const restore = qScopeGuard([themes = QIcon::themeSearchPaths(), others = QIcon::fallbackSearchPaths()] {
+        QIcon::setThemeSearchPaths(themes);
+        QIcon::setFallbackSearchPaths(others);
+    });
+    QStringList const empty(QString::fromStdString(m_folder.path()));
+    QIcon::setThemeSearchPaths(empty);
+    QIcon::setFallbackSearchPaths(empty);
+    ASSERT_FALSE(QIcon::hasThemeIcon("application-x-executable"));
+    for (char const* name : {"A.app", "B.app"})
+        m_folder.makeBundle(name, "<plist><dict><key>CFBundleIdentifier</key><string>a.b</string></dict></plist>");
+    QIcon const first = m_icons.iconOfBundle(NSString::stringWithFileSystemRepresentation_(m_folder.path("A.app")));
+    QIcon const second = m_icons.iconOfBundle(NSString::stringWithFileSystemRepresentation_(m_folder.path("B.app")));
+    ASSERT_FALSE(first.isNull());
+    EXPECT_EQ(first.cacheKey(), second.cacheKey());
 }
 
 TEST_F(BundleIconsOfCopies, AreNotTakenFromElsewhere) {

@@ -2,8 +2,10 @@
 #include "platform/appkit/interface/TableCellDelegate.h"
 #include "platform/appkit/interface/TableModel.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
+#include "tests/support/RunUntil.h"
 #include <QCoreApplication>
 #include <QHeaderView>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionHeader>
 #include <QTest>
@@ -129,6 +131,82 @@ TEST_F(PathsInTheWindow, AreAllWholeOrAllWithoutWhatTheyHaveInCommon) {
         narrowest = extent == PathExtent::DifferingPart ? widest + 20 : 0;
     }
     EXPECT_EQ(seen.size(), 3U);
+}
+
+// So many that their common folders are found by an event of its own.
+constexpr int ManyPaths = 10'001;
+
+NSMutableSet recordsOfManyPaths(std::string const& folder) {
+    NSMutableSet const records = NSMutableSet::set();
+    for (int number = 0; number < ManyPaths; ++number)
+        records.unionSet_(makeRecords({(folder + std::to_string(number) + "/Mirror Frame.app").c_str()}));
+    return records;
+}
+
+TEST_F(PathsInTheWindow, KeepTheirDifferingPartWholeAmongVeryMany) {
+    std::string const deep = "/volumes/a/" + std::string(70, 'n') + "/Mirror Frame.app";
+    NSMutableSet const records = recordsOfManyPaths("/volumes/a/");
+    records.unionSet_(makeRecords({deep.c_str()}));
+    m_window.widget()->resize(m_window.widget()->minimumSize());
+    m_window.controller().setPaths_(records);
+    m_window.table()->scrollToBottom();
+    QString shown;
+    EXPECT_TRUE(runUntil([&] {
+        shown = elidedPath(QString::fromStdString(deep), model().commonPath(PathColumn), model().pathExtent(PathColumn),
+                           m_window.table()->fontMetrics(), header()->sectionSize(PathColumn) - 2 * TableCellMargin);
+        return shown.contains(QString(70, 'n'));
+    })) << shown.toStdString();
+    EXPECT_EQ(model().commonPath(PathColumn).start, 11);
+}
+
+// Whatever reads all of them also knows afterwards what they have in common.
+TEST_F(PathsInTheWindow, AreNotAllReadInTheEventThatChangesThem) {
+    QTableView& table = *m_window.table();
+    NSMutableSet const records = recordsOfManyPaths("/volumes/a/");
+    m_window.controller().setPaths_(records);
+    ASSERT_TRUE(runUntil([&] { return model().knownCommonPath(PathColumn).has_value(); }));
+    table.verticalScrollBar()->setValue(table.verticalScrollBar()->maximum() / 2);
+    m_window.selectRow(table.rowAt(table.viewport()->height() / 2));
+    // The table follows the selected row, then the first one in sight. The new ones go before both.
+    for (char const* const path : {"/a/1/Mirror Frame.app", "/a/2/Mirror Frame.app"}) {
+        NSMutableSet const more = NSMutableSet::set();
+        records.unionSet_(makeRecords({path}));
+        more.unionSet_(records);
+        int const before = table.verticalScrollBar()->value();
+        m_window.controller().setPaths_(more);
+        EXPECT_GT(table.verticalScrollBar()->value(), before);
+        EXPECT_FALSE(model().knownCommonPath(PathColumn));
+        EXPECT_FALSE(m_window.widget()->grab().isNull());
+        EXPECT_FALSE(model().knownCommonPath(PathColumn)) << "painting does not read them either";
+        table.verticalScrollBar()->setValue(before - 1);
+        EXPECT_FALSE(model().knownCommonPath(PathColumn)) << "nor does scrolling";
+        EXPECT_TRUE(runUntil([&] { return model().knownCommonPath(PathColumn).has_value(); }));
+        EXPECT_EQ(model().commonPath(PathColumn).start, 1);
+        table.clearSelection();
+    }
+}
+
+TEST_F(PathsInTheWindow, MayBeReplacedBeforeVeryManyWereLookedAt) {
+    m_window.controller().setPaths_(recordsOfManyPaths("/volumes/a/"));
+    m_window.controller().setPaths_(recordsOfManyPaths("/other/"));
+    EXPECT_EQ(model().commonPath(PathColumn).start, 7);
+    m_window.controller().setPaths_(makeRecords({"/volumes/a/1/Mirror Frame.app", "/volumes/b/2/Mirror Frame.app"}));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model().commonPath(PathColumn).start, 9);
+    m_window.controller().setPaths_(recordsOfManyPaths("/volumes/a/"));
+    m_window.controller().setPaths_(NSMutableSet::set());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model().rowCount(), 0);
+    EXPECT_EQ(model().commonPath(PathColumn).start, 0);
+}
+
+TEST_F(PathsInTheWindow, MayGoWithTheirWindowBeforeVeryManyWereLookedAt) {
+    {
+        LoadedWindow const another;
+        another.controller().setPaths_(recordsOfManyPaths("/volumes/a/"));
+    }
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model().rowCount(), 0);
 }
 
 // A cell shortens texts beyond a thousand characters before it draws them.

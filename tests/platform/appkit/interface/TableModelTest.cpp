@@ -5,6 +5,7 @@
 #include "tests/support/SeededRandom.h"
 #include <QAbstractItemModelTester>
 #include <QItemSelectionModel>
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -97,6 +98,135 @@ TEST(TableModel, LeavesACellEmptyForAMissingValue) {
     TableModel model({column("value")});
     model.resetRows(NSArray::arrayWithObject_(NSDictionary::dictionary()));
     EXPECT_EQ(model.index(0, 0).data().toString(), "");
+}
+
+// A row that counts how often its path is read.
+class CountingRow : public Handle<CountingRow, NSObject> {
+public:
+    using Handle::Handle;
+
+    class Body : public ObjectBody {
+    public:
+        Body(NSString path, int& readings) : m_path(std::move(path)), m_readings(readings) {}
+        id valueForKey(NSString const&) override {
+            ++m_readings;
+            return m_path;
+        }
+
+    private:
+        NSString m_path;
+        int& m_readings;
+    };
+
+    static ClassDescription describeClass() { return {.name = "CountingRow", .superclass = classOf<NSObject>()}; }
+};
+
+TEST(TableModel, ReadsNoPathForWhatAllHaveInCommonBeforeThatIsAskedFor) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"})});
+    int readings = 0;
+    NSMutableArray const rows = NSMutableArray::array();
+    for (char const* const path : {"/copies/a/M.app", "/copies/b/M.app"})
+        rows.addObject_(adopt<CountingRow>(NSString::stringWithUTF8String_(path), readings));
+    model.resetRows(rows);
+    EXPECT_EQ(readings, 0);
+    EXPECT_EQ(model.commonPath(0).start, 8);
+    EXPECT_EQ(model.commonPath(0).end, 6);
+    EXPECT_EQ(readings, 2);
+    rows.addObject_(adopt<CountingRow>("/other/M.app", readings));
+    std::vector<NSUInteger> const added{0, 1, NSNotFound};
+    model.replaceRows(rows, added);
+    EXPECT_EQ(readings, 2);
+    EXPECT_EQ(model.commonPath(0).start, 1);
+    EXPECT_EQ(readings, 5);
+    rows.removeObjectAtIndex_(2);
+    std::vector<NSUInteger> const removed{0, 1};
+    model.replaceRows(rows, removed);
+    EXPECT_EQ(readings, 5);
+    EXPECT_EQ(model.commonPath(0).start, 8) << "it grows when what differed has gone";
+}
+
+TEST(TableModel, KnowsWhatPathsHaveInCommonOnlyOnceItWasFound) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"})});
+    int readings = 0;
+    NSMutableArray const rows = NSMutableArray::array();
+    for (char const* const path : {"/copies/a/M.app", "/copies/b/M.app"})
+        rows.addObject_(adopt<CountingRow>(NSString::stringWithUTF8String_(path), readings));
+    model.resetRows(rows);
+    EXPECT_FALSE(model.knownCommonPath(0));
+    EXPECT_EQ(readings, 0);
+    EXPECT_EQ(model.commonPath(0).start, 8);
+    ASSERT_TRUE(model.knownCommonPath(0));
+    EXPECT_EQ(model.knownCommonPath(0)->start, 8);
+    model.resetRows(rows);
+    EXPECT_FALSE(model.knownCommonPath(0));
+    EXPECT_EQ(readings, 2);
+}
+
+// The start of what all paths have in common, as a listener to the model's signals is told.
+TEST(TableModel, TellsListenersWhatTheRowsThatTheySeeHaveInCommon) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"})});
+    int readings = 0;
+    std::vector<qsizetype> told;
+    auto const listen = [&] { told.push_back(model.commonPath(0).start); };
+    QObject::connect(&model, &QAbstractItemModel::rowsInserted, listen);
+    QObject::connect(&model, &QAbstractItemModel::rowsRemoved, listen);
+    NSMutableArray const rows = NSMutableArray::array();
+    for (char const* const path : {"/copies/a/M.app", "/copies/b/M.app"})
+        rows.addObject_(adopt<CountingRow>(NSString::stringWithUTF8String_(path), readings));
+    model.resetRows(rows);
+    EXPECT_EQ(model.commonPath(0).start, 8);
+    rows.addObject_(adopt<CountingRow>("/other/M.app", readings));
+    std::vector<NSUInteger> const added{0, 1, NSNotFound};
+    model.replaceRows(rows, added);
+    rows.removeObjectAtIndex_(2);
+    std::vector<NSUInteger> const removed{0, 1};
+    model.replaceRows(rows, removed);
+    EXPECT_EQ(told, (std::vector<qsizetype>{1, 8}));
+}
+
+// A row that does something when its path is read.
+class ActingRow : public Handle<ActingRow, NSObject> {
+public:
+    using Handle::Handle;
+
+    class Body : public ObjectBody {
+    public:
+        Body(NSString path, std::function<void()> action) : m_path(std::move(path)), m_action(std::move(action)) {}
+        id valueForKey(NSString const&) override {
+            m_action();
+            return m_path;
+        }
+
+    private:
+        NSString m_path;
+        std::function<void()> m_action;
+    };
+
+    static ClassDescription describeClass() { return {.name = "ActingRow", .superclass = classOf<NSObject>()}; }
+};
+
+TEST(TableModel, ForgetsWhatRowsHadInCommonThatChangedWhileTheyWereRead) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"})});
+    int readings = 0;
+    NSMutableArray const others = NSMutableArray::array();
+    for (char const* const path : {"/a/1/M.app", "/a/2/M.app", "/a/3/M.app"})
+        others.addObject_(adopt<CountingRow>(NSString::stringWithUTF8String_(path), readings));
+    std::function<void()> const change = [&] {
+        model.resetRows(others);
+        EXPECT_EQ(model.commonPath(0).start, 0) << "they are being read";
+    };
+    NSMutableArray const rows = NSMutableArray::array();
+    for (char const* const path : {"/copies/a/M.app", "/copies/b/M.app"})
+        rows.addObject_(adopt<ActingRow>(NSString::stringWithUTF8String_(path), change));
+    model.resetRows(rows);
+    EXPECT_EQ(model.commonPath(0).start, 0);
+    EXPECT_FALSE(model.knownCommonPath(0));
+    EXPECT_EQ(model.commonPath(0).start, 3);
+    EXPECT_EQ(readings, 3);
 }
 
 TEST(TableColumn, LogsLinesAndTransformersThatDoNotExist) {
