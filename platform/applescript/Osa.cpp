@@ -1,9 +1,13 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"
-#include <fstream>
+#include "platform/system/LongPath.h"
+#include "platform/system/StandardStreams.h"
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
 #include <iostream>
-#include <iterator>
+#include <unistd.h>
 
 // osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]: runs a script and prints its result. FLAGS: h for people, s as
 // source, e errors to standard error, o errors to standard output. Without -e and FILE the script is read from standard
@@ -52,8 +56,29 @@ std::optional<CommandLine> read(std::vector<std::string> const& words) {
     return line;
 }
 
-std::string contentsOf(std::istream& stream) {
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+// Reads to the end of a file of any kind: a script may come from a pipe or a terminal.
+mac::Result<std::string> contentsOf(mac::FileDescriptor const& file, std::string const& name) {
+    std::string contents;
+    std::array<char, 16384> buffer{};
+    for (;;) {
+        ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return mac::lastSystemError("read", name);
+        if (count == 0) return contents;
+        contents.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+mac::Result<std::string> scriptIn(std::string const& name) {
+    mac::Result<mac::FileDescriptor> const file = mac::openPath(name, O_RDONLY | O_NOCTTY);
+    if (!file.hasValue()) return file.problem();
+    return contentsOf(file.value(), name);
+}
+
+mac::Result<std::string> scriptOnInput() {
+    mac::FileDescriptor const input(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0));
+    if (!input.isOpen()) return mac::lastSystemError("dup", "standard input");
+    return contentsOf(input, "standard input");
 }
 
 // A byte of a name that is no text comes out as it went in.
@@ -74,6 +99,14 @@ int report(ScriptError const& error, CommandLine const& line) {
     return 1;
 }
 
+// Prints a result; the exit status.
+int print(std::string const& result) {
+    mac::Result<void> const written = mac::writeTo(mac::StandardStream::Output, result + '\n');
+    if (written.isDone()) return 0;
+    complain(written.problem().text());
+    return 1;
+}
+
 int run(CommandLine const& line, std::vector<Value> const& arguments) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(sourceIn(line.source), error);
@@ -84,26 +117,26 @@ int run(CommandLine const& line, std::vector<Value> const& arguments) {
     if (outcome.error) return report(*outcome.error, line);
     if (outcome.value.isNothing()) return 0;
     try {
-        std::cout << bytesOf(line.isSourceForm ? sourceForm(outcome.value) : humanForm(outcome.value)) << '\n';
+        return print(bytesOf(line.isSourceForm ? sourceForm(outcome.value) : humanForm(outcome.value)));
     } catch (ScriptError& thrown) {
         thrown.range = SourceRange{};
         return report(thrown, line);
     }
-    return 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    // Writing to a pipe without reader keeps ending the process: a script that logs for ever ends with its reader.
+    mac::openMissingStreams();
     std::optional<CommandLine> line = read(std::vector<std::string>(argv + 1, argv + argc));
     if (!line) return complain("usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]");
     std::size_t firstArgument = 0;
-    if (!line->hasLines && !line->operands.empty() && line->operands.front() != "-") {
-        std::ifstream file(line->operands.front(), std::ios::binary);
-        if (!file) return complain(line->operands.front() + ": cannot be read");
-        line->source = contentsOf(file);
-    } else if (!line->hasLines) {
-        line->source = contentsOf(std::cin);
+    if (!line->hasLines) {
+        bool const isInFile = !line->operands.empty() && line->operands.front() != "-";
+        mac::Result<std::string> script = isInFile ? scriptIn(line->operands.front()) : scriptOnInput();
+        if (!script.hasValue()) return complain(script.problem().text());
+        line->source = script.takeValue();
     }
     if (!line->hasLines && !line->operands.empty()) firstArgument = 1;
     std::vector<Value> arguments;

@@ -107,7 +107,7 @@ Value perform(AppleEvent const& event, EventWait const& wait) {
     // Kept apart from the state of a script that may run meanwhile, which has considerations and limits of its own.
     EngineState state;
     RunOptions const options;
-    RunLimits const limits(wait.goesOn, wait.deadline);
+    RunLimits const limits(wait.shouldContinue, wait.deadline);
     limits.stopIfAsked();
     Evaluator evaluator(state, options);
     return performCommand(evaluator, command);

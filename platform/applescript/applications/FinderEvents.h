@@ -11,7 +11,7 @@ namespace mac {
 // path that the item has then: an item that takes the path before they look is shown instead. The reply holds the
 // answer, or the error's number and text: -1708 for an unknown event, -43 for a reference to an item that is gone,
 // -1712 if the sender's wait was over before all was done, -108 without memory. nullopt if the process is no file
-// browser, and on other threads than the main thread. What the wait's goesOn throws goes on to the sender.
+// browser, and on other threads than the main thread. What the wait's shouldContinue throws goes on to the sender.
 std::optional<AppleEvent> finderReplyTo(AppleEvent const& event, ProcessIdentity const& process,
                                         EventWait const& wait = {});
 

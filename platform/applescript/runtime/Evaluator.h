@@ -61,7 +61,6 @@ public:
     RunOptions const& options() const { return m_options; }
     // What the statement that runs sees; only while one runs.
     Frame& frame() const { return *m_frame; }
-    bool hasFrame() const { return m_frame; }
     // The script that `me` means in the statement that runs.
     Value currentScript() const { return m_frame->me; }
     // Throws ScriptStopped when the run is to end; the first looks only now and then.

@@ -16,12 +16,12 @@ RunLimits::Clock::time_point timeIn(double seconds) {
 }
 
 // Whoever waits may look at the limits of its own run, which are not those of what it waits for.
-bool askedAmong(RunLimits* limits, std::function<bool()> const& goesOn) {
+bool askedAmong(RunLimits* limits, std::function<bool()> const& shouldContinue) {
     struct Restore {
         RunLimits* inner;
         ~Restore() { s_current = inner; }
     } const restore{std::exchange(s_current, limits)};
-    return goesOn();
+    return shouldContinue();
 }
 
 } // namespace
@@ -31,8 +31,8 @@ RunLimits::RunLimits(std::atomic<bool> const* cancelled, double seconds) : m_out
     s_current = this;
 }
 
-RunLimits::RunLimits(std::function<bool()> goesOn, std::optional<Clock::time_point> deadline)
-    : m_outer(s_current), m_goesOn(std::move(goesOn)), m_deadline(deadline) {
+RunLimits::RunLimits(std::function<bool()> shouldContinue, std::optional<Clock::time_point> deadline)
+    : m_outer(s_current), m_shouldContinue(std::move(shouldContinue)), m_deadline(deadline) {
     s_current = this;
 }
 
@@ -44,7 +44,7 @@ void RunLimits::stopIfAsked() const {
     if (m_cancelled && m_cancelled->load(std::memory_order_relaxed))
         throw ScriptStopped{plainError(errors::UserCanceled)};
     if (m_deadline && Clock::now() >= *m_deadline) throw ScriptStopped{plainError(errors::TimedOut)};
-    if (m_goesOn && !askedAmong(m_outer, m_goesOn)) throw ScriptStopped{plainError(errors::TimedOut)};
+    if (m_shouldContinue && !askedAmong(m_outer, m_shouldContinue)) throw ScriptStopped{plainError(errors::TimedOut)};
     if (m_outer) m_outer->stopIfAsked();
 }
 

@@ -16,9 +16,9 @@ public:
 
     // `cancelled` may be null: never; so may 0 seconds.
     RunLimits(std::atomic<bool> const* cancelled, double seconds);
-    // For what is done while another one waits for it: the run ends when `goesOn`, which may be empty, answers false or
-    // when the time has come.
-    RunLimits(std::function<bool()> goesOn, std::optional<Clock::time_point> deadline);
+    // For a run that another program waits for: it ends when `shouldContinue`, which may be empty, answers false, and
+    // at the deadline.
+    RunLimits(std::function<bool()> shouldContinue, std::optional<Clock::time_point> deadline);
     ~RunLimits();
     RunLimits(RunLimits const&) = delete;
     RunLimits& operator=(RunLimits const&) = delete;
@@ -26,7 +26,7 @@ public:
     // Null where no script runs.
     static RunLimits* current();
 
-    // Throws ScriptStopped when the run is to end, and what `goesOn` throws.
+    // Throws ScriptStopped when the run is to end, and what `shouldContinue` throws.
     void stopIfAsked() const;
     // How many seconds the reply of another program is waited for; a script may say it.
     double replySeconds() const { return m_replySeconds; }
@@ -37,7 +37,7 @@ private:
 
     RunLimits* m_outer;
     std::atomic<bool> const* m_cancelled{nullptr};
-    std::function<bool()> m_goesOn{};
+    std::function<bool()> m_shouldContinue{};
     std::optional<Clock::time_point> m_deadline{};
     double m_replySeconds{StandardReplySeconds};
 };

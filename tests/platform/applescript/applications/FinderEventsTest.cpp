@@ -78,12 +78,12 @@ private:
 TEST_F(FinderEventsInPlace, DoNothingOnceTheSenderWaitsNoLonger) {
     NSAppleEventDescriptor const deletion = deletionOf(referenceTo(m_letter));
     EXPECT_EQ(errorOf(deletion, {.deadline = std::chrono::steady_clock::now()}), errAETimeout);
-    EXPECT_EQ(errorOf(deletion, {.goesOn = [] { return false; }}), errAETimeout);
-    EXPECT_THROW(replyTo(deletion, {.goesOn = []() -> bool { throw std::runtime_error("no more"); }}),
+    EXPECT_EQ(errorOf(deletion, {.shouldContinue = [] { return false; }}), errAETimeout);
+    EXPECT_THROW(replyTo(deletion, {.shouldContinue = []() -> bool { throw std::runtime_error("no more"); }}),
                  std::runtime_error);
     EXPECT_TRUE(std::filesystem::exists(m_letter));
     EXPECT_EQ(errorOf(deletion, {.deadline = std::chrono::steady_clock::now() + std::chrono::hours(1),
-                                 .goesOn = [] { return true; }}),
+                                 .shouldContinue = [] { return true; }}),
               0);
     EXPECT_FALSE(std::filesystem::exists(m_letter));
 }
@@ -96,7 +96,7 @@ TEST_F(FinderEventsInPlace, EndBetweenTwoItemsWhenTheSenderGoesAway) {
         return std::filesystem::exists(m_letter);
     };
     EXPECT_EQ(errorOf(deletionOf(listDescriptor({referenceTo(m_letter), referenceTo(other)})),
-                      {.goesOn = untilTheFirstIsGone}),
+                      {.shouldContinue = untilTheFirstIsGone}),
               errAETimeout);
     EXPECT_GT(looks, 1);
     EXPECT_FALSE(std::filesystem::exists(m_letter));
