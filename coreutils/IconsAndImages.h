@@ -14,15 +14,15 @@ namespace mac {
 
 // The item's icon as the workspace has it (NSWorkspace): a new image in forms of several sizes.
 NSImage pxIconForFile(NSString receiver);
-// Trimmed to so many pixels a side; see pxTrimWithDimension_.
+// The item's icon, trimmed to so many pixels a side; see pxTrimWithDimension_.
 NSImage pxIconForFileWithDimension_(NSString receiver, int dimension);
-// Trimmed to 16 pixels a side.
+// The item's icon, trimmed to 16 pixels a side.
 NSImage pxSmallIconForFile(NSString receiver);
-// Trimmed to 32 pixels a side.
+// The item's icon, trimmed to 32 pixels a side.
 NSImage pxLargeIconForFile(NSString receiver);
-// Trimmed to 48 pixels a side.
+// The item's icon, trimmed to 48 pixels a side.
 NSImage pxHugeIconForFile(NSString receiver);
-// Trimmed to 128 pixels a side.
+// The item's icon, trimmed to 128 pixels a side.
 NSImage pxThumbnailIconForFile(NSString receiver);
 // The icon of files of the type that the text names, an extension or a type code in single quotes, trimmed to 16
 // pixels.
@@ -51,13 +51,13 @@ NSImage pxIconWithData_(id attributeData);
 // Empty pieces are left out. The icon stays the caller's.
 NSDictionary pxDictionaryWithIconRef_(IconRef iconRef);
 
-// In the calibrated space of red, green and blue, opaque, each channel being divided by 65535 in single precision; nil
-// for null.
+// The colour in the calibrated space of red, green and blue, opaque, each channel divided by 65535 in single precision;
+// nil for null.
 NSColor pxColorWithQuickDrawRGBColor_(RGBColor const* color);
 
 // Keeps the colour, archived (NSArchiver), under the key.
 void pxSetColor_forKey_(NSUserDefaults receiver, NSColor color, NSString key);
-// Nil where there is no data under the key, and where it is no archived colour.
+// The colour that is archived under the key; nil if there is no data under it, or if the data is no archived colour.
 NSColor pxColorForKey_(NSUserDefaults receiver, NSString key);
 
 // The date of the record, with its fraction; nil for null.

@@ -15,8 +15,8 @@ NSData pxAliasDataOfPath(NSString receiver);
 // The path where the item of the alias is now; nil for what is no alias record, and if the item is not found within ten
 // seconds. platform/files/aliases/Aliases.h tells how it is found.
 NSString pxPathOfAliasData(NSData receiver);
-// If the item was found elsewhere, or replaced, `changedAlias` becomes the alias of what was found, and otherwise nil.
-// It may be null.
+// The path where the item of the alias is now, as pxPathOfAliasData answers it. If the item was found elsewhere, or
+// replaced, `changedAlias` receives the alias of what was found, and otherwise nil. It may be null.
 NSString pxPathOfAliasDataChangedAlias_(NSData receiver, NSData* changedAlias);
 
 // A copy of the bytes in the handle; nil for null and for a handle of no bytes.

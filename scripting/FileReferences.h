@@ -14,55 +14,62 @@ namespace mac {
 // The host of URLs on the online disk.
 inline constexpr char KRCIDiskHost[] = "idisk.mac.com";
 
-// Every colon a slash and every slash a colon.
+// The text with each colon replaced by a slash and each slash by a colon.
 NSString KRCStringBySwappingColonsAndSlashes(NSString receiver);
-// Swaps colons and slashes in place; the name is not null.
+// Replaces each colon in the name by a slash and each slash by a colon, in place. Null does nothing.
 void KRCHFSUniStr255SwapColonsAndSlashes_(HFSUniStr255* name);
-// The characters as they are. A name of more than 255 code units is empty, never cut. The pointer may be null.
+// Stores the text in the name, its characters as they are. A text of more than 255 code units stores the empty name; it
+// is never cut. The pointer may be null.
 void KRCStringGetHFSUniStr255_(NSString receiver, HFSUniStr255* name);
-// The name that a path shows, as HFS holds it.
+// Stores a name that a path shows in the form of HFS, colons and slashes exchanged. A text of more than 255 code units
+// stores the empty name. The pointer may be null.
 void KRCPathNameGetHFSUniStr255_(NSString receiver, HFSUniStr255* name);
-// Nil for null.
+// A text of the name's characters, as they are; nil for null.
 NSString KRCStringWithHFSUniStr255_(HFSUniStr255 const* name);
-// Reads the name where it lies, which therefore has to stay as long as the string.
+// A text that reads the name's characters where they lie; the name has to stay as long as the text. Nil for null.
 NSString KRCStringWithHFSUniStr255NoCopy_(HFSUniStr255* name);
 
 // The NSFileType of the item; a final symbolic link is not followed. nil if there is no item. The path may be relative.
 NSString KRCPathGetFileType(NSString receiver);
 // Whether that type is that of a link; NO for nil.
 bool KRCPathIsSymbolicLink(NSString receiver);
-// Links are followed.
+// Whether there is an item at the path; symbolic links are followed.
 bool KRCPathExists(NSString receiver);
-// Leaves the flag as it is for a path that is not absolute. The pointer may be null.
+// Whether there is an item at the path, and in isDirectory whether it is a folder; symbolic links are followed. The
+// flag stays as it is for a path that is not absolute. The pointer may be null.
 bool KRCPathExistsIsDirectory_(NSString receiver, bool* isDirectory);
-// With NO a link that leads nowhere exists.
+// Whether there is an item at the path. With NO a final symbolic link is not followed: one that leads nowhere exists.
 bool KRCPathExistsTraverseLink_(NSString receiver, BOOL traverseLink);
-// The flag, whose pointer may be null, is NO for a missing item and, with NO, for a link to a folder.
+// Whether there is an item at the path, and in isDirectory whether it is a folder. With NO a final symbolic link is not
+// followed, so a link to a folder counts as no folder. The flag is NO for a missing item; its pointer may be null.
 bool KRCPathExistsIsDirectory_traverseLink_(NSString receiver, bool* isDirectory, BOOL traverseLink);
 // The path as the file system holds it; nil for one that can name no file.
 // Linux: names are stored as they are written, so that is the same path.
 NSString KRCPathGetFileSystemPath(NSString receiver);
 
-// Nil for null and where the item is not found.
+// The path of where the referenced item is now; nil for null and if the item is not found.
 NSString KRCPathWithFSRef_(FSRef const* ref);
 // Makes a reference; links are followed. NO, and all 80 bytes zero, if there is no item. This and the next two go by
 // the path's file URL, which for a relative path starts at the current folder: such a path leads to a reference, though
 // it does not exist for the operations above.
 bool KRCPathGetFSRef_(NSString receiver, FSRef* ref);
-// isDirectory: whether the path names a folder.
+// Makes a reference by the file URL that ends with a slash if isDirectory is YES and without if it is NO, whatever is
+// at the path. NO, and all 80 bytes zero, if there is no item.
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory);
-// Answers in isDirectory, which may be null, whether the path's URL is that of a folder.
+// Makes a reference and answers in isDirectory, which may be null, whether the path's URL is that of a folder. NO, and
+// all 80 bytes zero, if there is no item.
 bool KRCPathGetFSRef_getIsDirectory_(NSString receiver, FSRef* ref, bool* isDirectory);
 
 // The display names, as the Finder shows them, of all folders above and of the item, the root first.
 NSMutableArray KRCPathDisplayNames(NSString receiver);
-// Without as many components as the base has, whichever these are; raises NSRangeException where it has fewer.
+// The path without its first components, as many as the base path has, whichever these are. Raises NSRangeException if
+// it has fewer.
 NSString KRCPathSubPathRelativeToBasePath_(NSString receiver, NSString basePath);
 
 // Makes a reference, or with a null pointer only tells whether there is an item. NO, and all 80 bytes zero, if there is
 // none.
 bool KRCURLGetFSRef_(NSURL receiver, FSRef* ref);
-// Nil for null and where the item is not found.
+// The file URL of where the referenced item is now; nil for null and if the item is not found.
 NSURL KRCURLWithFSRef_(FSRef const* ref);
 // The item's URL relative to the receiver, a folder's URL: of the item's path without as many components as the
 // receiver's path has, whichever these are; raises NSRangeException where it has fewer. Nil for null, for a nil

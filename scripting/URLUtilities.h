@@ -23,7 +23,8 @@ bool pxIsAudioFile(NSURL receiver);
 // Whether files on the URL's volume can have icons of their own, as for its path (pathutils/FinderMetadata.h). On the
 // iDisk service, which is recognised by the host alone, they can.
 bool KRURLSupportsCustomIcons(NSURL receiver);
-// Likewise, whether dates there are less exact than here. On the iDisk service they are not.
+// Whether dates on the URL's volume are less exact than here, as for its path (pathutils/FinderMetadata.h). On the
+// iDisk service they are not.
 bool KRURLHasInexactTime(NSURL receiver);
 
 // The components of a URL as it was written, without its base, by their numbers: 1 scheme, 2 net location, 3 path,

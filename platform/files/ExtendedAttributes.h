@@ -33,6 +33,7 @@ std::ptrdiff_t getxattr(char const* path, char const* name, void* value, std::si
 // count as absent: to set them removes the attribute. REQUIRES: position is 0 (else EINVAL).
 int setxattr(char const* path, char const* name, void const* value, std::size_t size, std::uint32_t position,
              int options);
+// Removes the attribute; ENODATA if there is none.
 int removexattr(char const* path, char const* name, int options);
 
 } // namespace mac

@@ -26,8 +26,9 @@ inline constexpr OSErr badMovErr = -122;
 OSErr FSRenameUnicode(FSRef const* ref, UniCharCount nameLength, unichar const* name, TextEncoding textEncodingHint,
                       FSRef* newRef);
 
-// Makes a folder with the settable fields of the information that the mask names; which may be null with an empty mask.
-// All after the name may be null but for that; newSpec has to be. On failure there is no new folder.
+// Makes a folder, with the fields of kFSCatInfoSettableInfo that the mask names taken from the information. newRef, if
+// it is not null, refers to the new folder, and newDirID, if it is not null, gets its number. The information may be
+// null if the mask is empty; newSpec has to be null. On failure there is no new folder.
 OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, unichar const* name,
                                FSCatalogInfoBitmap whichInfo, FSCatalogInfo const* catalogInfo, FSRef* newRef,
                                FSSpec* newSpec, std::uint32_t* newDirID);

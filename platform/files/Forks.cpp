@@ -26,11 +26,11 @@ namespace mac {
 namespace {
 
 constexpr std::u16string_view ResourceForkName = u"RESOURCE_FORK";
-// What small requests are read in.
+// Bytes read at a time for small requests.
 constexpr std::size_t BufferSize = std::size_t{128} << 10;
 
-// What forks are compared in. Two of them, one of each fork, stay in the cache of a processor's core; smaller ones take
-// more calls.
+// Bytes compared at a time. Two buffers of this size, one for each fork, stay in the cache of a processor's core;
+// smaller ones take more calls.
 constexpr std::size_t ComparedSize = std::size_t{256} << 10;
 
 // An open fork: a file, or bytes that were read when it was opened.
@@ -170,7 +170,7 @@ OSErr statusOfFork(SystemError const& error) {
     return statusOf(error, FileOperation::UsingCatalog);
 }
 
-// Negative for a place before the fork.
+// Where reading begins, in bytes from the fork's start; negative if that lies before the fork.
 Result<std::int64_t> placeToRead(Fork const& fork, std::uint16_t mode, std::int64_t offset) {
     if (mode == fsAtMark) return fork.mark;
     if (mode == fsFromStart) return offset;

@@ -11,8 +11,8 @@ namespace mac {
 inline constexpr std::int8_t fsCurPerm = 0;
 inline constexpr std::int8_t fsRdPerm = 1;
 
-// Where reading begins: at the mark, which is behind the byte that was read last; so far from the fork's start; from
-// its end; or from the mark.
+// Where the offset of a read counts from: fsAtMark reads at the mark, which is behind the byte that was read last, and
+// ignores the offset; the others count from the fork's start, its end, or the mark.
 inline constexpr std::uint16_t fsAtMark = 0;
 inline constexpr std::uint16_t fsFromStart = 1;
 inline constexpr std::uint16_t fsFromLEOF = 2;
@@ -28,7 +28,7 @@ inline constexpr OSErr errFSBadForkName = -1402;
 inline constexpr OSErr errFSForkNotFound = -1409;
 inline constexpr OSErr errFSBadPosMode = -1412;
 
-// The names of the forks: none, and "RESOURCE_FORK". paramErr for null.
+// Store the name of a fork: the empty name, and "RESOURCE_FORK". paramErr for a null pointer.
 OSErr FSGetDataForkName(HFSUniStr255* dataForkName);
 OSErr FSGetResourceForkName(HFSUniStr255* resourceForkName);
 
@@ -37,8 +37,11 @@ OSErr FSGetResourceForkName(HFSUniStr255* resourceForkName);
 // fork. A number is -1 on failure, and otherwise at least 1; it is valid until the fork is closed.
 OSErr FSOpenFork(FSRef const* ref, std::uint32_t forkNameLength, unichar const* forkName, std::int8_t permissions,
                  std::int16_t* forkRefNum);
-// In bytes.
+// The size of an open fork in bytes. rfNumErr if no fork is open under the number, paramErr for a null pointer.
 OSErr FSGetForkSize(std::int16_t forkRefNum, std::int64_t* forkSize);
+// Closes the fork; the number may be given to another fork later. rfNumErr if no fork is open under it.
+OSErr FSCloseFork(std::int16_t forkRefNum);
+
 // Reads as many bytes as are asked for and puts the mark behind them. The actual count may be null. noErr, or eofErr if
 // the fork ended before.
 //
@@ -46,7 +49,6 @@ OSErr FSGetForkSize(std::int16_t forkRefNum, std::int64_t* forkSize);
 // may show late.
 OSErr FSReadFork(std::int16_t forkRefNum, std::uint16_t positionMode, std::int64_t positionOffset,
                  std::uint32_t requestCount, void* buffer, std::uint32_t* actualCount);
-OSErr FSCloseFork(std::int16_t forkRefNum);
 
 // Whether two open forks hold the same bytes from their starts to their ends; their marks stay. False if one of them
 // cannot be read. The halves of a large fork are read by two threads, of which one is gone before the answer.

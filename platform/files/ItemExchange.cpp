@@ -38,7 +38,7 @@ Result<void> setValue(OpenItem const& item, char const* name, AttributeValue con
     return removed.isDone() || removed.problem().is(ENODATA) ? Result<void>() : removed;
 }
 
-// What stays with a name.
+// The metadata that stays with a name.
 struct NamesMetadata {
     AttributeValue finderInformation{};
     // As it is kept in the attribute, where the file system's own date does not count.
@@ -63,7 +63,7 @@ Result<void> giveMetadata(OpenItem const& item, NamesMetadata const& metadata) {
     return finder.isDone() ? keepCreationDate(item, {metadata.creationUnits}) : finder;
 }
 
-// What the item had before, byte for byte.
+// Restores the metadata that the item had before, byte for byte, as far as possible.
 void giveBackMetadata(OpenItem const& item, NamesMetadata const& metadata) {
     static_cast<void>(setValue(item, XATTR_FINDERINFO_NAME, metadata.finderInformation));
     static_cast<void>(setValue(item, CreateDateAttribute, metadata.keptDate));
@@ -76,12 +76,12 @@ Result<void> exchangeNames(NameInFolder first, NameInFolder second) {
     return {};
 }
 
-// An item that stays at the other one's name.
+// The error of an item that stays at the other one's name.
 SystemError notBack(SystemError const& cause, std::string const& name) {
     return {.code = cause.code, .operation = "exchange back", .item = name};
 }
 
-// One of the two, with what is known of it before the exchange.
+// One of the two items, as it was before the exchange.
 struct Side {
     OpenItem const& item;
     NamesMetadata metadata{};
@@ -143,7 +143,7 @@ private:
 
 NameInFolder nameOf(Side const& side) { return {side.item.folder, side.item.name}; }
 
-// Done if the item has the name of the place.
+// Done if the name of the place leads to the item.
 Result<void> isAt(Side const& place, Side const& item) {
     return confirmItemInFolder(place.item.folder, place.item.name, item.item.item);
 }

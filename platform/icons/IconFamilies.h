@@ -35,7 +35,7 @@ inline constexpr IconSelectorValue kSelectorHuge32Bit = 0x08000000;
 inline constexpr IconSelectorValue kSelectorHuge8BitMask = 0x10000000;
 inline constexpr IconSelectorValue kSelectorAllAvailableData = 0xFFFFFFFF;
 
-// What is no family.
+// The data is not that of an icon family.
 inline constexpr OSErr invalidIconFamilyErr = -2583;
 
 // The selected pieces of the icon. noIconDataAvailableErr for an icon without data, such as one of the icon theme.
@@ -51,9 +51,9 @@ OSErr GetIconRefFromIconFamilyPtr(void const* iconFamily, std::size_t size, Icon
 OSErr NewIconSuite(IconSuiteRef* iconSuite);
 // The suite takes the block, in place of one of the type, which is left to its owner.
 OSErr AddIconToSuite(MemoryHandle iconData, IconSuiteRef iconSuite, OSType type);
-// The block stays the suite's; null where it has none of the type.
+// Stores the block of the piece of the type, which stays the suite's; null if it has none of the type.
 OSErr GetIconFromSuite(MemoryHandle* iconData, IconSuiteRef iconSuite, OSType type);
-// With its blocks, or without them.
+// Frees the suite, with YES also the blocks of its pieces.
 OSErr DisposeIconSuite(IconSuiteRef iconSuite, BOOL disposeData);
 
 // Called with each selected piece and the context, in the suite's order. Another answer than noErr ends the visit and

@@ -43,7 +43,8 @@ OSErr GetIconRefFromFileInfo(FSRef const* ref, std::uint32_t fileNameLength, uni
 // The icon of an item that is open already, by the same rules. The caller owns it.
 IconRef iconOfItem(OpenItem const& item, FSCatalogInfo const& catalogInfo);
 
-// Increments, decrements the reference count. invalidIconRefErr for null.
+// AcquireIconRef increments the reference count; ReleaseIconRef decrements it and frees the icon at 0; GetIconRefOwners
+// stores it. invalidIconRefErr for a null icon, paramErr for another null pointer.
 OSErr AcquireIconRef(IconRef iconRef);
 OSErr ReleaseIconRef(IconRef iconRef);
 OSErr GetIconRefOwners(IconRef iconRef, std::uint16_t* owners);

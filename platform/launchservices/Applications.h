@@ -11,11 +11,11 @@ namespace mac {
 inline constexpr OSStatus kLSApplicationNotFoundErr = -10814;
 inline constexpr OSType kLSUnknownCreator{};
 
-// By bundle identifier, in any case of letters; else by the name of its file, compared likewise; else by its creator.
-// Each may be nil or unknown, but not all. The reference and the URL may be null. Of several the first by these places:
-// registered ones, Applications in the home folder, /Applications and /opt. kLSApplicationNotFoundErr where there is
-// none, paramErr where nothing is asked for; the answers are untouched then. In each of the places it is also looked
-// one folder deeper. The types that the applications on the way declare are known from then on.
+// Finds an application by its bundle identifier, in any case of letters; else by the name of its file, in any case of
+// letters; else by its creator. Each may be nil or unknown, but not all. The reference and the URL may be null. Of
+// several it is the first of the registered ones, then those in Applications in the home folder, in /Applications and
+// in /opt, and in the folders there. kLSApplicationNotFoundErr if there is none, paramErr if nothing is asked for; the
+// answers are untouched then. The types that the applications on the way declare are known from then on.
 //
 // Linux: "com.apple.finder" is the desktop's application for folders, "com.apple.ActivityMonitor" and
 // "com.apple.systempreferences" the first of the desktop's entries that shows processes or settings; what is found is

@@ -28,9 +28,9 @@ inline constexpr char kLSItemFileCreator[] = "LSItemFileCreator";
 inline constexpr char kLSItemIsInvisible[] = "LSItemIsInvisible";
 inline constexpr char kLSItemExtensionIsHidden[] = "LSItemExtensionIsHidden";
 
-// The values under the names that were asked for; what the item has not, and names that are not known, are left out.
-// Nil names ask for all. paramErr for a null pointer, fnfErr where there is nothing; the values are untouched then. The
-// roles are not needed.
+// Stores the values under the names that were asked for; names that are not known or that the item has no value for are
+// left out. Nil names ask for all. paramErr for a null pointer, fnfErr if there is no item; the values are untouched
+// then. The roles are ignored.
 OSStatus LSCopyItemAttributes(FSRef const* itemRef, LSRolesMask inRoles, NSArray const& attributeNames,
                               NSDictionary* outValues);
 

@@ -51,8 +51,8 @@ struct LSItemInfoRecord {
     std::uint32_t kindID{0};
 };
 
-// Fields that were not asked for are empty. paramErr for a null pointer and for a URL that is no file's, fnfErr where
-// there is nothing; the record is untouched then.
+// Store what was asked for of the item; fields that were not asked for are empty. paramErr for a null pointer and for a
+// URL that is no file URL, fnfErr if there is no item; the record is untouched then.
 OSStatus LSCopyItemInfoForRef(FSRef const* itemRef, LSRequestedInfo whichInfo, LSItemInfoRecord* itemInfo);
 OSStatus LSCopyItemInfoForURL(CFURLRef const& url, LSRequestedInfo whichInfo, LSItemInfoRecord* itemInfo);
 

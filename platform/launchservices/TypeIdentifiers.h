@@ -25,18 +25,20 @@ inline constexpr char kUTTagClassFilenameExtension[] = "public.filename-extensio
 inline constexpr char kUTTagClassMIMEType[] = "public.mime-type";
 inline constexpr char kUTTagClassOSType[] = "com.apple.ostype";
 
+// Whether both are the same identifier, in any case of letters.
 bool UTTypeEqual(CFStringRef const& type, CFStringRef const& otherType);
 // Whether the type conforms to the other, also if both are equal. An unknown type conforms only to itself.
 bool UTTypeConformsTo(CFStringRef const& type, CFStringRef const& conformsToType);
 // What was declared, under the keys above; a tag class has one tag as a string, or several in an array, the preferred
 // one first. Nil for what is not declared, dynamic types included.
 NSDictionary UTTypeCopyDeclaration(CFStringRef const& type);
+// The declared description of the type; nil if none is declared.
 CFStringRef UTTypeCopyDescription(CFStringRef const& type);
 // The first declared type of the tag, a dynamic one if no type declares it. Of several the first that conforms to the
 // given type, which may be nil; a dynamic one conforms to it.
 CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef const& tagClass, CFStringRef const& tag,
                                                   CFStringRef const& conformingToType);
-// The tag of a type; of a dynamic type the tag that it was made from.
+// The type's preferred tag of the class, or for a dynamic type the tag that it was made from; nil if it has none.
 CFStringRef UTTypeCopyPreferredTagWithClass(CFStringRef const& type, CFStringRef const& tagClass);
 
 } // namespace mac

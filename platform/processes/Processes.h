@@ -54,7 +54,7 @@ OSErr SetFrontProcess(ProcessSerialNumber const* psn);
 // The number under which the others know the calling process. Any thread.
 OSErr GetCurrentProcess(ProcessSerialNumber* psn);
 
-// Any thread.
+// The process ID for a serial number, and the serial number for a process ID. Any thread.
 OSStatus GetProcessPID(ProcessSerialNumber const* psn, std::int32_t* pid);
 OSStatus GetProcessForPID(std::int32_t pid, ProcessSerialNumber* psn);
 

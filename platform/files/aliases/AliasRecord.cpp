@@ -23,7 +23,7 @@ constexpr std::size_t LengthPlace = 12;
 constexpr std::size_t ChecksumPlace = 16;
 constexpr std::size_t InodePlace = 24;
 constexpr std::size_t HeaderSize = 40;
-// The length of a text that there is none of.
+// The length that stands for a missing text.
 constexpr std::uint32_t NoText = 0xFFFFFFFF;
 
 // FNV-1a: each step is reversible, so that no single changed byte stays unseen.

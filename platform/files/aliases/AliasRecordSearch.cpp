@@ -83,8 +83,8 @@ public:
                                            }}},
                    [this] { tell(); }) {}
 
-    // The path; ETIMEDOUT once `mayGoOn` answers false.
-    Result<std::string> run(std::function<bool()> const& mayGoOn);
+    // The path; ETIMEDOUT once `shouldContinue` answers false.
+    Result<std::string> run(std::function<bool()> const& shouldContinue);
 
 private:
     void tell() {
@@ -105,15 +105,15 @@ private:
     VolumeWalker m_walker;
 };
 
-Result<std::string> VolumeSearch::run(std::function<bool()> const& mayGoOn) {
-    if (!mayGoOn()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
+Result<std::string> VolumeSearch::run(std::function<bool()> const& shouldContinue) {
+    if (!shouldContinue()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
     if (!m_walker.start()) return SystemError{.code = EAGAIN, .operation = "search"};
     for (;;) {
         bool const isFinished = m_walker.progress().isFinished;
         std::vector<std::string> found = m_walker.takeFound();
         if (!found.empty()) return std::move(found.front());
         if (isFinished) return SystemError{.code = ENOENT, .operation = "search"};
-        if (!mayGoOn()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
+        if (!shouldContinue()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
         waitForNews();
     }
 }
@@ -127,7 +127,7 @@ public:
     Result<FoundAlias> run() const;
 
 private:
-    bool mayGoOn() const { return m_limits.now() < m_end; }
+    bool hasTimeLeft() const { return m_limits.now() < m_end; }
     Result<FoundAlias> below(std::string const& home) const;
     std::vector<MountedVolume> volumes() const;
     Result<FoundAlias> onVolume(MountedVolume const& volume) const;
@@ -143,7 +143,8 @@ Result<FoundAlias> AliasSearch::below(std::string const& home) const {
     return answerAtPath(m_record, BytePath(home).joined(*m_record.pathBelowHome));
 }
 
-// Those that the record's item may lie on, each shown by one mount or by several. A server that is gone is not asked.
+// The volumes that the record's item may lie on, each shown by one mount or by several. A server that is gone is not
+// asked.
 std::vector<MountedVolume> AliasSearch::volumes() const {
     std::vector<MountedVolume> result;
     if (m_record.volume.empty()) return result;
@@ -155,7 +156,7 @@ std::vector<MountedVolume> AliasSearch::volumes() const {
     return result;
 }
 
-// At the same place of the volume, or renamed in the same folder.
+// The item at the same place of the volume, or renamed in the same folder.
 Result<FoundAlias> AliasSearch::onVolume(MountedVolume const& volume) const {
     std::optional<std::string> const path = pathFromVolume(volume, m_record.pathOnVolume);
     if (!path) return notFound(m_record);
@@ -164,7 +165,7 @@ Result<FoundAlias> AliasSearch::onVolume(MountedVolume const& volume) const {
 }
 
 Result<FoundAlias> AliasSearch::anywhereOn(MountedVolume const& volume) const {
-    Result<std::string> const path = VolumeSearch(m_record, volume.mountPoint).run([this] { return mayGoOn(); });
+    Result<std::string> const path = VolumeSearch(m_record, volume.mountPoint).run([this] { return hasTimeLeft(); });
     if (!path.hasValue()) return path.problem();
     return answerAtPath(m_record, path.value());
 }

@@ -97,16 +97,19 @@ void setFinderInformation(FSCatalogInfo& catalogInfo, FinderInformation const& i
 // The obsolete form of a file's name; always null here.
 struct FSSpec;
 
-// Everything but the reference may be null; so may the information, with an empty mask. Nothing is written on failure.
-// The name is in the form of HFS, empty for the root and if no HFSUniStr255 can hold it; the root's parent is all zero.
-// paramErr for a null pointer where none is allowed and for an FSSpec, errFSBadInfoBitmap for undefined bits.
+// Reads the fields of the item's information that the mask names, its name, and a reference to the folder that holds
+// it. Each of the three may be null, the information if the mask is empty; fsSpec has to be null. Nothing is written on
+// failure. The name is in the form of HFS, empty for the root and if no HFSUniStr255 can hold it; the root's parent is
+// all zero. paramErr for a null pointer where none is allowed and for an FSSpec, errFSBadInfoBitmap for undefined bits,
+// errFSBadFSRef if the item is not found.
 //
 // Linux: the creation date is the one that was set, else the file system's, else the date of the last change. The
 // backup date is 0. An item is locked if it has the immutable flag, or the attribute that stands in for it
 // where the user may not set the flag.
 OSErr FSGetCatalogInfo(FSRef const* ref, FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfo,
                        HFSUniStr255* outName, FSSpec* fsSpec, FSRef* parentRef);
-// Sets fields of kFSCatInfoSettableInfo. Fields that were set before a failure stay set.
+// Sets the fields of kFSCatInfoSettableInfo that the mask names. Fields that were set before a failure stay set.
+// paramErr for a null pointer, errFSBadInfoBitmap for other bits, errFSBadFSRef if the item is not found.
 //
 // Linux: no file system can set a creation date, so it is kept in the attribute "com.apple.FSCatalogInfo.createDate";
 // the date of the last attribute change and the text encoding are accepted and ignored.

@@ -75,16 +75,18 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, FSRef const* fsRef);
 // Makes a reference to the item at the path, bytes that end with a NUL; symbolic links are followed. isDirectory may be
 // null. A reference that cannot be made is all zero.
 OSStatus FSPathMakeRef(std::uint8_t const* path, FSRef* ref, bool* isDirectory);
-// With DoNotFollowLeafSymlink a symbolic link at the end of the path is not followed.
+// Makes a reference as FSPathMakeRef does; with kFSPathMakeRefDoNotFollowLeafSymlink a symbolic link at the end of the
+// path is not followed.
 OSStatus FSPathMakeRefWithOptions(std::uint8_t const* path, OptionBits options, FSRef* ref, bool* isDirectory);
-// The path of where the item is now, as bytes with a NUL at the end.
+// Stores the path of where the item is now, as bytes with a NUL at the end; pathTooLongErr if both do not fit in the
+// buffer's pathBufferSize bytes.
 OSStatus FSRefMakePath(FSRef const* ref, std::uint8_t* path, std::uint32_t pathBufferSize);
 
 // Makes a reference to the item of a name in the folder; a symbolic link is not followed. The name has nameLength code
 // units, in the form of HFS. The encoding hint is ignored.
 OSErr FSMakeFSRefUnicode(FSRef const* parentRef, std::uint32_t nameLength, unichar const* name,
                          TextEncoding textEncodingHint, FSRef* newRef);
-// noErr if both refer to the same item.
+// noErr if both refer to the same item, errFSRefsDifferent if not.
 OSErr FSCompareFSRefs(FSRef const* ref1, FSRef const* ref2);
 
 // The item is no file.

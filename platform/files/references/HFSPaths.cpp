@@ -20,7 +20,7 @@ bool isSameName(std::u16string_view one, std::u16string_view other) {
                               &FoldedCharacter::codePoint);
 }
 
-// What is before the first slash below the volume: nothing for the root.
+// The volume's mount point without a slash at its end; empty for the root.
 std::u16string pointOf(MountedVolume const& volume) {
     return volume.isStartup() ? std::u16string() : unitsFromFileSystemBytes(volume.mountPoint);
 }

@@ -13,9 +13,9 @@ enum class NameClash {
     // EEXIST if the name is taken.
     IsRefused,
     // The item that has the name goes to the trash once the new one is ready for its place. Linux: it is not deleted,
-    // so
-    // that a replacement can be taken back. If the new item cannot take the place after all, the old one is put back;
-    // if another process has taken the name meanwhile, it stays in the trash. EINVAL if the old item holds the new one.
+    // so that a replacement can be taken back. If the new item cannot take the place after all, the old one is put
+    // back; if another process has taken the name meanwhile, it stays in the trash. EINVAL if the old item holds the
+    // new one.
     IsReplaced,
 };
 

@@ -40,7 +40,8 @@ struct ItemInTrash {
     bool isFolder{false};
 };
 
-// The open item in the trash that it lies in; of that identity, if one is given.
+// Opens the item at the path and finds the trash that it lies in. ESTALE if an identity is expected and the item has
+// another one.
 Result<ItemInTrash, TrashProblem> find(std::string_view path, std::optional<ItemIdentity> const& expected) {
     Result<OpenItem> open = openItemAtPath(BytePath(path).bytes(), LinkAtEnd::IsNotFollowed);
     if (!open.hasValue()) return cannotPutBack(open.problem());

@@ -13,7 +13,8 @@ std::string identityOfVolume(MountedVolume const& volume);
 // The path of an item on the volume from the top of the file system, of which the volume may show a part; the item's
 // path is absolute. Empty if it does not lie on the volume.
 std::string pathOnVolume(MountedVolume const& volume, std::string_view path);
-// The other way round. nullopt if the volume does not show that part of the file system.
+// The absolute path of an item from its path on the volume, the inverse of pathOnVolume. nullopt if the volume does not
+// show that part of the file system.
 std::optional<std::string> pathFromVolume(MountedVolume const& volume, std::string_view pathOnVolume);
 
 } // namespace mac

@@ -34,7 +34,7 @@ std::string hexadecimal(void const* bytes, std::size_t count) {
     return text;
 }
 
-// Empty if the file system bears none.
+// The identifier that the file system bears; empty if it has none.
 std::string identifierBorne(FileDescriptor const& top) {
     FileSystemIdentifier identifier;
     bool const isKnown = ::ioctl(top.number(), AskForIdentifier, &identifier) == 0;

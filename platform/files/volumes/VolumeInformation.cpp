@@ -123,7 +123,7 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
     if (!found) return nsvErr;
     FSVolumeInfo read{};
     bool const wantsSizes = (whichInfo & (kFSVolInfoSizes | kFSVolInfoBlocks)) != 0;
-    // Whatever fails on a mounted volume is the disk's failure.
+    // A failure on a mounted volume is a failure of the disk.
     if (wantsSizes && !readSizes(*found, read).isDone()) return ioErr;
     read.flags = found->isReadOnly ? kFSVolFlagSoftwareLockedMask : 0;
     read.filesystemID = fileSystemIdentifier(found->fileSystem, found->isLocal);

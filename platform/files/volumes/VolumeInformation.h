@@ -20,11 +20,12 @@ inline constexpr FSVolumeInfoBitmap kFSVolInfoBlocks = 0x00000080;
 inline constexpr FSVolumeInfoBitmap kFSVolInfoFlags = 0x00002000;
 inline constexpr FSVolumeInfoBitmap kFSVolInfoFSInfo = 0x00004000;
 
-// Bits of the flags: the volume cannot be written to, because of its hardware or of its mount.
+// Bits of the flags: the volume cannot be written to, because of its hardware or of its mount. Linux: the former is
+// never set.
 inline constexpr std::uint16_t kFSVolFlagHardwareLockedMask = 0x0080;
 inline constexpr std::uint16_t kFSVolFlagSoftwareLockedMask = 0x8000;
 
-// Only the fields that were asked for are set.
+// Fields that were not asked for have no defined value.
 struct FSVolumeInfo {
     std::uint64_t totalBytes{0};
     // Available to the program's user.
@@ -40,14 +41,15 @@ struct FSVolumeInfo {
     std::uint16_t signature{0};
 };
 
-// The volume of a number, with the index 0; or of an index from 1 on, with the number kFSInvalidVolumeRefNum: the
-// startup volume is the first. Linux: memory that the system mounts below /dev and /sys has a number, but no index. The
-// output parameters may be null; so may the information, with an empty mask. The name is in the form of HFS, empty if
-// no HFSUniStr255 can hold it. Nothing is written on failure: errFSBadInfoBitmap for bits other than those above,
+// Reads the number, the fields of the information that the mask names, the name and a reference to the root of one
+// volume: that of a number, with the index 0; or that of an index from 1 on, with the number kFSInvalidVolumeRefNum:
+// the startup volume is the first. Linux: memory that the system mounts below /dev and /sys has a number, but no index.
+// The output parameters may be null; so may the information, with an empty mask. The name is in the form of HFS, empty
+// if no HFSUniStr255 can hold it. Nothing is written on failure: errFSBadInfoBitmap for bits other than those above,
 // nsvErr, paramErr.
 OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefNum* actualVolume,
                       FSVolumeInfoBitmap whichInfo, FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);
-// The URL of the volume's root.
+// Stores the file URL of the volume's root. paramErr for a null pointer, nsvErr if no volume has that number.
 OSStatus FSCopyURLForVolume(FSVolumeRefNum vRefNum, CFURLRef* url);
 
 // For implementations: the filesystemID of a kind of file system, in Linux's spelling ("ext4").

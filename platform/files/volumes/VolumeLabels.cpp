@@ -40,7 +40,7 @@ std::string unescaped(std::string_view name) {
     return label;
 }
 
-// What the file system itself tells; empty if it has no label or is of a kind that tells none.
+// The label that the file system itself tells; empty if it has no label or is of a kind that tells none.
 std::string labelToldBy(FileDescriptor const& item) {
     std::array<char, FSLABEL_MAX> label{};
     if (::ioctl(item.number(), FS_IOC_GETFSLABEL, label.data()) != 0) return {};

@@ -25,9 +25,10 @@ constexpr UTCDateTime utcDateTimeOf(std::uint64_t units) {
 // Seconds since the beginning of 2001 in UTC.
 using CFAbsoluteTime = double;
 
-// Any thread; paramErr for a null pointer, and for a moment that the record cannot hold.
+// Converts a record to seconds. paramErr for a null pointer. Any thread.
 OSStatus UCConvertUTCDateTimeToCFAbsoluteTime(UTCDateTime const* utcDate, CFAbsoluteTime* time);
-// To the nearest 1/65536 of a second.
+// Converts seconds to a record, to the nearest 1/65536 of a second. paramErr for a null pointer, and for a moment that
+// the record cannot hold. Any thread.
 OSStatus UCConvertCFAbsoluteTimeToUTCDateTime(CFAbsoluteTime time, UTCDateTime* utcDate);
 
 } // namespace mac

@@ -19,10 +19,13 @@ public:
                                                                                     id const& target, SEL selector,
                                                                                     id const& userInfo, BOOL repeats);
 
+    // Ends the timer: it sends nothing any more, and the run loop releases it.
     void invalidate() const;
     bool isValid() const;
+    // Sends the message now; a timer that does not repeat is invalid afterwards.
     void fire() const;
     id userInfo() const;
+    // The interval in seconds.
     NSTimeInterval timeInterval() const;
 };
 

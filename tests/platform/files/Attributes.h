@@ -8,13 +8,13 @@
 
 namespace mac::test {
 
-// Short calls with position 0; they answer as the functions do.
+// The attribute calls on strings, with position 0; they answer what the calls answer.
 
 inline int set(std::string const& path, std::string const& name, std::string const& value, int options = 0) {
     return setxattr(path.c_str(), name.c_str(), value.data(), value.size(), 0, options);
 }
 
-// Nothing, with errno set, where there is none.
+// The attribute's value; nullopt, with errno set, if it cannot be read.
 inline std::optional<std::string> get(std::string const& path, std::string const& name, int options = 0) {
     std::ptrdiff_t const length = getxattr(path.c_str(), name.c_str(), nullptr, 0, 0, options);
     if (length < 0) return std::nullopt;

@@ -44,7 +44,7 @@ TEST(AttributesBeside, AreReadFromAnAppleDoubleFileAndTheFileSystemCountsFirst) 
     ASSERT_EQ(::setxattr(file.c_str(), "user.a", "here", 4, 0), 0);
     EXPECT_EQ(get(file, "a"), "here");
     EXPECT_EQ(list(file), (Names{"a", "b"}));
-    // None of both is left.
+    // Neither of the two values is left.
     EXPECT_EQ(removeAttribute(file, "a"), 0);
     EXPECT_EQ(list(file), Names{"b"});
     EXPECT_EQ(set(file, "b", "new"), 0);
@@ -52,7 +52,7 @@ TEST(AttributesBeside, AreReadFromAnAppleDoubleFileAndTheFileSystemCountsFirst) 
     EXPECT_FALSE(isThere(folder.path("._file")));
 }
 
-// Nothing where the system does not count them.
+// nullopt if the system does not count them.
 std::optional<std::size_t> bytesReadByThisThread() {
     std::ifstream counts("/proc/thread-self/io");
     std::string what;

@@ -27,7 +27,7 @@ std::string resourcesOf(std::string const& path) {
     return size < 0 ? "-" : std::string(bytes.data(), static_cast<std::size_t>(size));
 }
 
-// What is to be seen of a file; two equal texts mean that nothing has changed.
+// All that can be seen of a file, to be compared.
 struct Seen {
     std::string contents{};
     std::string resources{};
@@ -103,7 +103,7 @@ TEST_F(ItemExchange, LeavesReferencesWithTheirPaths) {
     EXPECT_EQ(pathOf(second), m_second);
     EXPECT_EQ(referenceTo(m_first, LinkAtEnd::IsNotFollowed), first);
     EXPECT_EQ(referenceTo(m_second, LinkAtEnd::IsNotFollowed), second);
-    // They go on following.
+    // The references go on following their items.
     ASSERT_EQ(::rename(m_first.c_str(), m_folder.path("moved").c_str()), 0);
     EXPECT_EQ(pathOf(first), m_folder.path("moved"));
     EXPECT_EQ(referenceTo(m_folder.path("moved"), LinkAtEnd::IsNotFollowed), first);

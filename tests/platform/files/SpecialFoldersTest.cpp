@@ -11,7 +11,7 @@ namespace {
 
 class SpecialFolders : public PrivateMounts {
 protected:
-    // Empty if there is none; then the status is kept.
+    // The folder's path; empty if there is none, and the status is kept.
     std::string folder(FSVolumeRefNum volume, OSType type, BOOL isMade) {
         FSRef ref{};
         m_status = FSFindFolder(volume, type, isMade, &ref);

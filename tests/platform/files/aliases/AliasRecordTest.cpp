@@ -52,7 +52,7 @@ TEST(AliasRecord, IsNotReadInPart) {
     EXPECT_FALSE(AliasRecord::read(bytes));
 }
 
-// With a checksum that is right, which anyone can compute.
+// The checksums of these records are right: anyone can compute one.
 TEST(AliasRecord, IsNotReadWithWhatNoRecordHolds) {
     for (AliasRecord const& wrong :
          {AliasRecord{.path = "relative"}, AliasRecord{.path = ""}, AliasRecord{.path = std::string("/a\0b", 4)},

@@ -19,7 +19,7 @@ std::string found(AliasRecord const& record) {
     return found.hasValue() ? found.value().path : "-";
 }
 
-// Of a record that is renewed.
+// The path that is found, with a record that has to be renewed.
 std::string foundAndRenewed(AliasRecord const& record) {
     Result<FoundAlias> const found = findAlias(record);
     if (!found.hasValue()) return "-";
@@ -50,7 +50,7 @@ TEST_F(AliasSearch, TakesWhatHasThePath) {
     AliasRecord const record = recordAt(makeFile("file"));
     EXPECT_EQ(found(record), at("file"));
     EXPECT_FALSE(findAlias(record).value().renewed);
-    // Even where the item itself is elsewhere.
+    // The item at the path counts even if the recorded item lies elsewhere.
     move("file", "moved");
     makeFile("file");
     EXPECT_EQ(foundAndRenewed(record), at("file"));

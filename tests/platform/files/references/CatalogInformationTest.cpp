@@ -55,7 +55,7 @@ struct stat itemStatus(std::string const& path) {
     return status;
 }
 
-// As the file manager tells it.
+// The creation date that the file manager tells.
 double shownCreationDate(std::string const& path, BOOL traversesLink = NO) {
     NSString const string = NSString::stringWithFileSystemRepresentation_(path);
     NSDictionary const attributes =
@@ -152,7 +152,7 @@ TEST_F(CatalogInformation, KeepsTheCreationDateThatWasSet) {
     EXPECT_EQ(shownCreationDate(m_file), -1e8 + 0.25) << "the file manager tells the same";
     // It travels with the item, as eight bytes.
     EXPECT_EQ(getxattr(m_file.c_str(), CreateDateAttribute, nullptr, 0, 0, 0), 8);
-    // What is of another size is somebody else's.
+    // An attribute of another size belongs to another program.
     ASSERT_EQ(setxattr(m_file.c_str(), CreateDateAttribute, "x", 1, 0, 0), 0);
     EXPECT_GT(secondsOf(informationOf(m_file, kFSCatInfoCreateDate).createDate), 0);
     EXPECT_GT(shownCreationDate(m_file), 0);

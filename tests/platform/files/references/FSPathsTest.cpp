@@ -138,7 +138,7 @@ TEST(FSMakeFSRefUnicode, KnowsAFolderThatIsGone) {
     EXPECT_EQ(makeReference(parent, u"file", reference), errFSBadFSRef);
 }
 
-// The system opens nothing, and has no other call to do so.
+// Runs the work where the system refuses every call that opens a file.
 void withRefusedOpening(int errorNumber, std::function<void()> const& work) {
     withRefusedCall(SYS_openat2, ENOSYS, [&] { withRefusedCall(SYS_openat, errorNumber, work); });
 }

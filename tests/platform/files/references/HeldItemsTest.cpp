@@ -38,7 +38,7 @@ std::size_t openDescriptors() {
     return count;
 }
 
-// The references that the tests before made are no longer held.
+// Makes so many references that those of earlier tests are no longer held.
 void fillWithOthers(TemporaryFolder const& folder, unsigned count = 256) {
     for (unsigned index = 0; index < count; ++index)
         referenceTo(folder.makeFile("others/" + std::to_string(index), ""));

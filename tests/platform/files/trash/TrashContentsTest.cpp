@@ -17,7 +17,7 @@ protected:
         return moveToTrash(m_home.folder.makeFile(relative, contents)).takeValue();
     }
 
-    // As another program would, with files that are the user's alone.
+    // Puts an item into the trash as another program would, with files for the user alone.
     void put(std::string const& name, std::string const& information) const {
         m_home.folder.makeFile("data/Trash/files/" + name, "");
         m_home.folder.makeFile("data/Trash/info/" + name + ".trashinfo", information);

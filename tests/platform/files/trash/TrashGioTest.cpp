@@ -6,7 +6,7 @@
 namespace mac::test {
 namespace {
 
-// A home for it.
+// A home with a trash, and the environment that makes gio use it.
 struct GioHome : TrashHome {
     EnvironmentVariable user{"HOME", folder.makeFolder("home")};
     EnvironmentVariable locale{"LC_ALL", "C.UTF-8"};

@@ -19,7 +19,7 @@ std::optional<TrashProblem::Kind> kindOfProblem(Result<T, TrashProblem> const& r
 
 class TrashPutBack : public testing::Test {
 protected:
-    // Answers its path in the trash.
+    // Trashes a new file and answers its path in the trash.
     std::string trash(std::string const& relative, std::string const& contents = "") const {
         return moveToTrash(m_home.folder.makeFile(relative, contents)).takeValue().path;
     }

@@ -12,7 +12,7 @@ std::optional<TrashProblem::Kind> problemOfTrashing(std::string_view path) {
     return result.problem().kind;
 }
 
-// Of files and folders that an ordinary user has.
+// The trash of an ordinary user, for files and folders of that user.
 class TrashOfOrdinaryUser : public testing::Test {
 protected:
     void SetUp() override {

@@ -227,7 +227,7 @@ TEST_F(Trash, SaysThatThereIsNothing) {
 TEST_F(Trash, LeavesTheRootItselfAndWhatHoldsItWhereTheyAre) {
     EXPECT_EQ(problemOf("/"), TrashProblem::Immovable);
     EXPECT_EQ(problemOf("/.."), TrashProblem::Immovable);
-    // It would be made in there.
+    // The trash would be made in that folder.
     m_home.folder.makeFolder("data");
     EXPECT_EQ(problemOf(m_home.path("data")), TrashProblem::Immovable);
     EXPECT_TRUE(namesIn(m_home.path("data")).empty());

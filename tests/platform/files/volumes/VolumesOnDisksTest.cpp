@@ -13,7 +13,7 @@ namespace {
 
 class VolumesOnDisks : public PrivateMounts {
 protected:
-    // In /mnt, where volumes are for browsing.
+    // Mounts a volume in /mnt, where volumes are browsable.
     std::string mountedInMnt(std::string const& name) {
         if (!m_hasMnt) mountMemory("/mnt");
         m_hasMnt = true;
