@@ -77,10 +77,11 @@ function(framekeeper_shared_library TARGET NAME)
     PROPERTIES OUTPUT_NAME ${NAME}
                EXPORT_NAME ${NAME}
                VERSION ${PROJECT_VERSION}
-               # What programs were built against stays as it is while this number does; so says the version file, too.
+               # The interface that programs were built against stays while this number does, as the version file
+               # promises.
                SOVERSION ${PROJECT_VERSION_MAJOR}
                LINK_DEPENDS ${exported})
-  # A call within the library goes straight to its own function, without a look into the program first.
+  # A call within the library goes straight to its own function; the program's symbols are not searched first.
   target_link_options(${TARGET} PRIVATE -Wl,--version-script=${exported} -Wl,--no-undefined -Wl,-Bsymbolic-functions)
   target_compile_features(${TARGET} INTERFACE cxx_std_20)
   target_include_directories(${TARGET} PRIVATE ${PROJECT_SOURCE_DIR})
@@ -114,7 +115,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.
 install(FILES ${PROJECT_BINARY_DIR}/FramekeeperConfigVersion.cmake DESTINATION ${package_folder}
         COMPONENT development)
 
-# Relative to the file itself, so that the installed tree may be moved.
+# The prefix relative to the pkg-config file itself, so that the installed tree may be moved.
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig
            OUTPUT_VARIABLE FRAMEKEEPER_PREFIX_FROM_PKGCONFIG)
 configure_file(packaging/framekeeper.pc.in ${PROJECT_BINARY_DIR}/framekeeper.pc @ONLY)

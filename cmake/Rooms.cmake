@@ -17,11 +17,11 @@ if(FRAMEKEEPER_SANITIZERS)
   target_link_options(framekeeper_options INTERFACE -fsanitize=${FRAMEKEEPER_SANITIZERS})
 endif()
 
-# Several sources of a target compiled as one: the headers they share are then read once for all of them. So names in
-# unnamed namespaces differ within a target. Sources with compile definitions or options of their own stay alone.
+# Compiles several sources of a target as one, so that the headers they share are read once. Names in unnamed namespaces
+# must therefore differ within a target. Sources with compile definitions or options of their own stay alone.
 option(FRAMEKEEPER_UNITY "Compile the sources of a target in batches" OFF)
 set(FRAMEKEEPER_UNITY_BATCH 12 CACHE STRING "How many sources make a batch; 0 for all of a target")
-# Targets that are compiled source by source even so: the walk of a disk is about a tenth slower from batches.
+# Targets that are compiled source by source even then: the walk of a disk is about a tenth slower from batches.
 set(FRAMEKEEPER_ALONE framekeeper_walker)
 
 function(framekeeper_compile_in_batches NAME)
@@ -106,8 +106,8 @@ function(framekeeper_test NAME)
   endif()
   add_test(NAME ${NAME} COMMAND ${NAME})
   set(address_options detect_stack_use_after_return=1:strict_string_checks=1)
-  # What reads the keyboard map of an X display copies parts of texts that no zero ends, which strict checks take for a
-  # fault.
+  # The library that reads the keyboard map of an X display copies parts of texts that do not end with a zero byte,
+  # which strict checks take for a fault.
   if(TEST_X_DISPLAY)
     string(APPEND address_options :intercept_strndup=0)
   endif()

@@ -32,7 +32,7 @@ def finding(path, line, what, mend=""):
 
 
 def looked_at(count, what):
-    """Says how many things a check looked at. None is a finding: a check that looks at nothing finds nothing."""
+    """Prints how many things a check looked at. 0 is a finding: a check that looks at nothing finds nothing."""
     print(f"{count} {what}")
     if not count:
         finding(f"scripts/checks/{Path(sys.argv[0]).name}", 1, f"looked at no {what}")

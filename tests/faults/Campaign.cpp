@@ -29,7 +29,7 @@ namespace {
 constexpr std::array Errors{EACCES, EIO, ENOSPC, EROFS, EINTR, EDQUOT, ENOMEM, EMFILE, EXDEV};
 constexpr std::array<std::string_view, 8> Transfers{"read",   "pread",           "pread64",  "write",
                                                     "pwrite", "copy_file_range", "sendfile", "pwrite64"};
-// Also a process that waits ends some time.
+// Ends a process that waits instead of working, which the limit on processor time does not.
 constexpr unsigned LongestWaitInSeconds = 120;
 // How often a process that is to race looks whether the race has begun: much shorter than an operation, and the
 // processor is left to what is made ready meanwhile.

@@ -31,7 +31,7 @@ struct Break {
     std::string call{};
     Finding finding{};
     bool isOnFUSE{false};
-    // So many points broke the same promise at the same call in the same way.
+    // How many points broke the same promise at the same call in the same way.
     std::uint64_t points{1};
 
     std::string text() const;
@@ -51,7 +51,7 @@ struct Counts {
 };
 
 struct CampaignOptions {
-    // Of all points, each is taken with the chance of one in `stride`, as the seed says.
+    // Each point is taken with a probability of one in `stride`; the seed decides.
     unsigned stride{1};
     // Which of the `stride` parts that this makes of all points; with one seed, no two parts have a point in common.
     unsigned part{0};
@@ -64,7 +64,7 @@ struct CampaignOptions {
     std::string call{};
     // An operation's other points are left out once it has broken this promise.
     std::optional<Promise> until{};
-    // Of each operation that has names to exchange.
+    // How often each operation that has names to exchange is run beside a racing process.
     unsigned races{0};
     // Processor time after which an operation on a few small files counts as hung.
     unsigned patienceInSeconds{10};

@@ -28,10 +28,10 @@ public:
     void reset() const;
     Snapshot snapshot() const;
 
-    // These end the program with a reason if the item cannot be made: a campaign on half a fixture tells nothing.
-    // A file of a date of its own whose text holds a secret of its path, readable by its owner alone.
+    // These end the program with a reason if the item cannot be made: a campaign on half a fixture tells nothing. Makes
+    // a file with the date of all fixtures whose text holds a secret of its path, readable by its owner alone.
     void makeFile(std::string_view relative, std::string_view text = {}, unsigned mode = 0600) const;
-    // A file of just that text.
+    // Makes a file of exactly that text.
     void makeText(std::string_view relative, std::string_view contents, unsigned mode) const;
     void makeFolder(std::string_view relative, unsigned mode = 0755) const;
     void makeLink(std::string_view relative, std::string const& target) const;
@@ -41,11 +41,11 @@ public:
     void giveAway(std::string_view relative) const;
     // What is made in the folder from now on may be read by another user, too, where the volume knows access lists.
     void shareByDefault(std::string_view folder) const;
-    // A trash that is there already.
+    // Makes a trash, for operations that find one.
     void makeTrash() const;
     // Puts the item of the trash's folder "files" on record as one that came from "w".
     void recordTrashed(std::string_view name) const;
-    // An AppleDouble sidecar beside the item with an attribute that holds a secret.
+    // Makes an AppleDouble sidecar beside the item, with an attribute that holds a secret.
     void makeSidecar(std::string_view folder, std::string_view item) const;
 
 private:

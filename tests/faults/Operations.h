@@ -25,7 +25,7 @@ enum class Failure {
     LeavesSomeDone,
     // Several attributes, permissions or dates of an item, each of which is set or not. Contents are whole.
     LeavesSomeFields,
-    // The same if the process ends or a call goes on failing; all or nothing after a single failure.
+    // Each field is set or not if the process ends or a call goes on failing; all or nothing after a single failure.
     LeavesSomeFieldsIfCut,
 };
 
@@ -84,7 +84,7 @@ std::vector<Operation> carelessOperations();
 // Copies a file of the canary into the folder, as the next operation there.
 void copyIntoFolder(Fixture const& fixture, std::string const& folder);
 
-// All but the careless ones.
+// All operations but the careless ones.
 std::vector<Operation> allOperations();
 
 } // namespace mac::faults

@@ -104,7 +104,7 @@ private:
     std::set<Identity> m_unflushedFolders{};
 };
 
-// Of the process that runs the operation.
+// The recorder of the process that runs the operation.
 Recorder* recorder = nullptr;
 
 char const* text(long argument) { return reinterpret_cast<char const*>(argument); }

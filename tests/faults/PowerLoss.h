@@ -21,7 +21,7 @@ struct PowerLossRecord {
 
 // Begins to record in this process; all must outlive it.
 void recordPowerLoss(Fixture const& fixture, Snapshot const& before, PowerLossRecord& record);
-// For Plan::passed.
+// Records one call; for Plan::passed.
 void tellPowerLoss(char const* name, std::array<long, 6> const& arguments);
 
 } // namespace mac::faults

@@ -7,13 +7,13 @@ namespace mac::faults {
 
 namespace {
 
-// So many bytes of a finding tell enough.
+// The longest text of a finding, in bytes.
 constexpr std::size_t LongestText = 300;
 constexpr unsigned ForGroup = 0070;
 constexpr unsigned ForOthersToWrite = 0022;
 constexpr unsigned ForGroupAndOthers = 0077;
 constexpr std::string_view Canary = "canary";
-// Has the name of the items that operations are about.
+// The canary's item that has the name of the items which operations work on.
 constexpr std::string_view CanaryItem = "canary/x";
 
 SeenItem const* itemAt(Snapshot const& snapshot, std::string const& path) {
@@ -162,7 +162,7 @@ void Judgement::checkReaders(std::set<Finding>& findings) const {
     }
 }
 
-// Equal; in what it holds where some of several fields may have been set.
+// Whether the items are equal; where some of several fields may have been set, only their kind and secrets count.
 bool Judgement::isSame(SeenItem const& found, SeenItem const& expected) const {
     bool const isWhole =
         m_operation.failure != Failure::LeavesSomeFields && m_operation.failure != Failure::LeavesSomeFieldsIfCut;

@@ -9,7 +9,7 @@ namespace mac::faults {
 enum class Ending {
     SaidDone,
     SaidFailed,
-    // By the plan.
+    // Killed as the plan says.
     Killed,
     // By a signal, an exception or a sanitizer.
     Crashed,
@@ -79,11 +79,11 @@ public:
     Judgement(Operation const& operation, Expectation const& expectation, Snapshot const& found,
               Circumstances const& circumstances = {});
 
-    // After a fault.
+    // The promises that are broken after a fault.
     std::set<Finding> afterFault(Ending ending, bool isReached) const;
-    // After another process exchanged a name with a link.
+    // The promises that are broken after another process has exchanged a name with a link.
     std::set<Finding> afterExchange(Ending ending, std::string const& exchanged) const;
-    // After a killed operation and another one in the same folder.
+    // The promises that are broken after a killed operation and another one in the same folder.
     std::set<Finding> afterNextWrite() const;
 
 private:

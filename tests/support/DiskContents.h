@@ -23,7 +23,7 @@ inline std::string textOf(std::string const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Sorted; empty also for what is no folder.
+// The names in a folder, sorted; empty if the path is no folder.
 inline std::vector<std::string> namesIn(std::string const& path) {
     std::vector<std::string> names;
     std::unique_ptr<DIR, int (*)(DIR*)> const folder(::opendir(path.c_str()), &::closedir);

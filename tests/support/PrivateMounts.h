@@ -24,7 +24,7 @@ protected:
     // Makes an ext4 file system in a file and mounts it by a loop device. Skips the test, with the reason, if there are
     // no loop devices; the caller then returns.
     void mountImage(std::string const& image, std::string const& point, std::vector<std::string> const& options = {});
-    // Likewise a new file system of another type, "xfs" or "btrfs".
+    // Makes and mounts a file system of another type, "xfs" or "btrfs", in the same way as mountImage.
     void mountImageOfType(std::string const& type, std::string const& image, std::string const& point);
     // Shows a folder at another place, by a server of its own (FUSE) that ends with the mount. Skips the test, with the
     // reason, where bindfs is missing or /dev/fuse is missing or closed; then the caller returns. Throws if it fails.

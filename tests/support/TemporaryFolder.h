@@ -9,7 +9,7 @@ namespace mac::test {
 class TemporaryFolder {
 public:
     TemporaryFolder();
-    // In this folder.
+    // Makes the fresh folder in the given one.
     explicit TemporaryFolder(std::string const& base);
     ~TemporaryFolder();
     TemporaryFolder(TemporaryFolder const&) = delete;
@@ -22,7 +22,7 @@ public:
     std::string makeFolder(std::string_view relative) const;
     // Writes a file, with the folders above it; answers its path.
     std::string makeFile(std::string_view relative, std::string_view contents) const;
-    // A bundle with Contents/Info.plist of the given text; answers its path.
+    // Makes a bundle with a Contents/Info.plist of the given text; answers its path.
     std::string makeBundle(std::string_view relative, std::string_view informationFile) const;
 
 private:
