@@ -39,7 +39,9 @@ StartUpRun startUp(char const* program) {
         std::fprintf(stderr, "%s ended before its probe could tell\n", program);
         std::exit(1);
     }
-    return {.seconds = time.count(), .answer = std::atol(answer.data())};
+    char* rest = nullptr;
+    long const first = std::strtol(answer.data(), &rest, 10);
+    return {.seconds = time.count(), .answer = first, .secondAnswer = std::strtol(rest, nullptr, 10)};
 }
 
 void StartUpMedians::add(StartUpRun const& run) {

@@ -15,6 +15,8 @@ struct StartUpRun {
     double seconds = 0;
     // The number that the program's probe printed.
     long answer = 0;
+    // A second number behind it; 0 if the probe printed one only.
+    long secondAnswer = 0;
 };
 
 // Starts the program, which holds a probe, and waits for its figure. Ends this program with a message when the other

@@ -22,7 +22,7 @@ std::string complaintAboutAccess(AppleDouble file) {
     }
     if (!file.names().empty()) return "a name is left";
     bool const isEmpty = file.otherParts.empty() && file.informationTail.empty();
-    return file.isEmpty() == isEmpty ? "" : "it is empty, or not";
+    return file.isEmpty() == isEmpty ? "" : "isEmpty() is wrong";
 }
 
 bool isAsInWhole(AppleDouble::Attribute const& attribute, AppleDouble::Attribute const& inWhole) {
@@ -35,7 +35,8 @@ std::string complaintAboutBeginning(std::span<std::byte const> bytes, std::size_
     Result<AppleDouble, Failure> const read = AppleDouble::readBeginning(bytes.first(size), bytes.size());
     if (!read.hasValue()) return "";
     if (!whole.hasValue()) return "only the beginning can be read";
-    if (read.value().finderInformation != whole.value().finderInformation) return "the beginning says something else";
+    if (read.value().finderInformation != whole.value().finderInformation)
+        return "the beginning has other Finder information";
     return std::ranges::equal(read.value().attributes, whole.value().attributes, isAsInWhole)
                ? ""
                : "the beginning has other attributes";
@@ -56,7 +57,7 @@ std::string complaintAboutAppleDouble(std::span<std::byte const> bytes) {
     std::string complaint = complaintAboutBeginnings(bytes, read);
     if (!complaint.empty()) return complaint;
     if (!read.hasValue()) return read.problem().reason.empty() ? "refused without a reason" : "";
-    if (sizeOf(read.value()) > 2 * bytes.size()) return "more was read than there is";
+    if (sizeOf(read.value()) > 2 * bytes.size()) return "more bytes were read than the file has";
     std::optional<std::vector<std::byte>> const written = read.value().written();
     if (!written) return "what was read cannot be written";
     Result<AppleDouble, Failure> const again = AppleDouble::read(*written);

@@ -28,7 +28,7 @@ std::string complaintAboutAttributeList(std::span<std::byte const> bytes) {
     static std::string const file = folder.makeFile("item", "");
     NSString const path = NSString::stringWithFileSystemRepresentation_(file);
     std::string result = complaintAboutAttribute(path, bytes);
-    // Nothing of this input is left for the next one.
+    // Removes the attributes, so that the next input starts without them.
     for (char const* const key : {"given", "again"})
         pxRemoveExtendedAttributeForKey_(path, NSString::stringWithUTF8String_(key));
     if (result.empty() && pxExtendedAttributesKeys(path).count() > 0) return "the attributes cannot be removed";

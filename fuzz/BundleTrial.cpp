@@ -16,13 +16,13 @@ namespace {
 std::string complaintAboutTypes(NSDictionary const& information) {
     TypeTree types = TypeTree::ofSystem();
     types.addDeclarationsIn(information);
-    if (!conforms(types, "public.png", "public.image")) return "the system's types are others now";
+    if (!conforms(types, "public.png", "public.image")) return "a type of the system was replaced";
     for (id const& object : as<NSArray>(information.objectForKey_(kUTExportedTypeDeclarationsKey))) {
         NSDictionary const declaration = as<NSDictionary>(object);
         NSString const name = as<NSString>(declaration.objectForKey_(kUTTypeIdentifierKey));
         std::string const identifier = name.UTF8String();
         if (identifier.empty()) continue;
-        if (!types.typeOf(identifier)) return "a type is declared and not there";
+        if (!types.typeOf(identifier)) return "a declared type is not known";
         conforms(types, identifier, "public.item");
     }
     return "";
@@ -30,19 +30,19 @@ std::string complaintAboutTypes(NSDictionary const& information) {
 
 std::string complaintAboutApplication(std::string const& path) {
     Result<DiskItem> const item = diskItemAtPath(path);
-    if (!item.hasValue() || !item.value().isApplicationBundle()) return "it is no application";
-    if (displayNameOf(item.value()).length() == 0) return "it has no name";
+    if (!item.hasValue() || !item.value().isApplicationBundle()) return "the bundle is no application";
+    if (displayNameOf(item.value()).length() == 0) return "the application has no display name";
     NSString const place = NSString::stringWithFileSystemRepresentation_(path);
     LSItemInfoRecord record;
     if (LSCopyItemInfoForURL(NSURL::fileURLWithPath_(place), kLSRequestAllInfo, &record) != noErr)
-        return "nothing can be told of it";
+        return "the application's information cannot be had";
     NSDictionary const information = bundleInformation(path);
-    // The framework's bundle would log what cannot be used, and that is most of what comes.
+    // NSBundle logs each file that cannot be used, which most inputs are.
     if (information == nil) return "";
     NSBundle const bundle = NSBundle::bundleWithPath_(place);
-    if (!information.isEqual_(bundle.infoDictionary())) return "it was read in two ways";
+    if (!information.isEqual_(bundle.infoDictionary())) return "the information file is read in two ways";
     NSString const executable = bundle.executablePath();
-    if (executable != nil && !executable.hasPrefix_(place)) return "its program lies outside of it";
+    if (executable != nil && !executable.hasPrefix_(place)) return "the program lies outside of the bundle";
     return complaintAboutTypes(information);
 }
 

@@ -39,7 +39,8 @@ std::string complaintAboutPlaces(PlacesFormat const& format, std::string_view te
     if (!read.hasValue()) return read.problem().reason.empty() ? "a refusal without reason" : "";
     std::size_t end = 0;
     for (PlaceEntry const& entry : read.value().entries) {
-        if (entry.begin < end || entry.end <= entry.begin || entry.end > text.size()) return "an entry lies elsewhere";
+        if (entry.begin < end || entry.end <= entry.begin || entry.end > text.size())
+            return "an entry overlaps another one or the end of the text";
         if (entry.uri.empty()) return "an entry has no URI";
         end = entry.end;
     }

@@ -35,7 +35,8 @@ std::string complaintAboutStoredValue(std::span<std::byte const> bytes) {
     try {
         written = storedBytes(read->value, type);
     } catch (ScriptError const&) {
-        // A real in a place of integers, and a list of raw data that claims to be of another class.
+        // A real where integers are stored, or a list of raw data that claims to be of another class, cannot be written
+        // again.
         return {};
     }
     std::optional<StoredValue> const again = storedIn(written, type);

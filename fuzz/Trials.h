@@ -28,8 +28,8 @@ std::string complaintAboutAttributeList(std::span<std::byte const> bytes);
 // An autostart entry, the command line of one, and a shell's text.
 std::string complaintAboutAutostart(std::string_view bytes);
 
-// The information file of an application, and its strings in a language. Anything is right that can be told of the
-// application, as long as it is one thing.
+// The information file of an application, and its strings in a language. Any answer about the application is right, as
+// long as all readers give the same one.
 std::string complaintAboutBundle(std::span<std::byte const> bytes);
 
 // The words that a process was called with, each ending with NUL, the first being its program: the script must be one

@@ -15,7 +15,7 @@ std::string complaintAboutMIMEType(std::string const& mimeType) {
     std::string const identifier = identifierOfMIMEType(types, mimeType);
     if (!conforms(types, identifier, identifier)) return "a type does not conform to itself";
     if (!conforms(types, identifier, "public.item") && !conforms(types, identifier, "public.content"))
-        return "a type is nothing at all";
+        return "a type is neither an item nor contents";
     return "";
 }
 

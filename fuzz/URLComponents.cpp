@@ -54,7 +54,8 @@ std::string complaintAboutOne(NSURL const& url) {
     NSURL const standardized = absolute.standardizedURL();
     if (!standardized.standardizedURL().isEqual_(standardized)) return "standardizing twice differs";
     NSString const path = absolute.path();
-    if ((path != nil) != absolute.parts().isDecomposable) return "a path where none is, or none where one is";
+    if ((path != nil) != absolute.parts().isDecomposable)
+        return "path() is nil for a URL with a path, or not nil for one without";
     NSURL const file = path == nil ? NSURL(nil) : NSURL::fileURLWithPath_isDirectory_(path, YES);
     bool const endsWithSlash = path.length() > 1 && path.codeUnits().ends_with(u'/');
     bool const isKept = file == nil || !path.isAbsolutePath() || endsWithSlash || file.path().isEqualToString_(path);
