@@ -59,7 +59,13 @@ void ChildProcess::writeLine(std::string const& line) const {
     if (::write(m_input, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) fail(errno, "write");
 }
 
-void ChildProcess::sendSignal(int signal) const { ::kill(m_pid, signal); }
+void ChildProcess::sendSignal(int signal) const {
+    ::kill(m_pid, signal);
+    if (signal != SIGSTOP) return;
+    // Its threads stop one after another, and one of them could still answer what is sent now.
+    siginfo_t information{};
+    while (::waitid(P_PID, static_cast<id_t>(m_pid), &information, WSTOPPED | WEXITED | WNOWAIT) != 0 && errno == EINTR) {}
+}
 
 void ChildProcess::waitUntilEnded() const {
     siginfo_t information{};

@@ -20,6 +20,7 @@ public:
     // The next line of its standard output, without the line end; empty at the end.
     std::string readLine() const;
     void writeLine(std::string const& line) const;
+    // After SIGSTOP all of its threads have stopped when this returns.
     void sendSignal(int signal) const;
     // Waits until the process has ended, and leaves its exit status for wait().
     void waitUntilEnded() const;

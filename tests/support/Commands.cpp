@@ -1,13 +1,34 @@
 #include "tests/support/Commands.h"
 #include <array>
+#include <chrono>
 #include <fcntl.h>
+#include <fstream>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
+
+namespace {
+
+bool hasEnded(pid_t child) {
+    siginfo_t information{};
+    return ::waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+           information.si_pid == child;
+}
+
+// posix_spawn returns when the child has given up its parent's memory. Only a little later the kernel tells the words
+// and the environment it was started with; until then both are empty. No program is without words.
+void waitUntilTold(pid_t child) {
+    std::string const words = "/proc/" + std::to_string(child) + "/cmdline";
+    while (std::ifstream(words).get() == std::ifstream::traits_type::eof() && !hasEnded(child))
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+}
+
+} // namespace
 
 int spawn(std::vector<std::string> words, int input, int output) {
     std::vector<char*> pointers;
@@ -23,6 +44,7 @@ int spawn(std::vector<std::string> words, int input, int output) {
     int const failure = ::posix_spawnp(&process, pointers[0], &actions, nullptr, pointers.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (failure != 0) throw std::system_error(failure, std::generic_category(), words[0]);
+    waitUntilTold(process);
     return process;
 }
 

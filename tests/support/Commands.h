@@ -8,8 +8,8 @@
 namespace mac::test {
 
 // Starts a program, which is looked for in PATH unless its name has a slash, and returns its process ID. Its standard
-// input and output become these descriptors; a negative one leaves this process's own. Throws std::system_error if the
-// program cannot be started.
+// input and output become these descriptors; a negative one leaves this process's own. When it returns, others can read
+// the program's words and environment. Throws std::system_error if the program cannot be started.
 int spawn(std::vector<std::string> words, int input, int output);
 
 // Runs a program to its end and returns its standard output. Throws std::runtime_error if its exit status is not 0,
