@@ -1,4 +1,5 @@
 #include "tests/app/ProgramInASession.h"
+#include "tests/support/Commands.h"
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -104,9 +105,9 @@ TEST_F(NeighboursOfCommands, AStoppedBusEndsEachRequest) {
 
 TEST_F(NeighboursOfCommands, AStoppedBrowserIsAskedOnceForAllItems) {
     std::int32_t const browser = process();
-    ::kill(browser, SIGSTOP);
+    mac::test::sendSignalTo(browser, SIGSTOP);
     EXPECT_EQ(answerTo(tellFinder("reveal {" + item("first") + ", " + item("second") + "}")), TimedOut);
-    ::kill(browser, SIGCONT);
+    mac::test::sendSignalTo(browser, SIGCONT);
     EXPECT_TRUE(VirtualSession::showsWindow("first - Thunar"));
     showTheLast();
     EXPECT_EQ(VirtualSession::countWindows("first - Thunar"), 1U);

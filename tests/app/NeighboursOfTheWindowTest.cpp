@@ -1,4 +1,5 @@
 #include "tests/app/ProgramInASession.h"
+#include "tests/support/Commands.h"
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -63,7 +64,7 @@ protected:
         return processes.empty() ? 0 : processes.front().pid;
     }
     static Stopped stoppedBrowser() {
-        return Stopped([process = browserProcess()](int signal) { ::kill(process, signal); });
+        return Stopped([process = browserProcess()](int signal) { mac::test::sendSignalTo(process, signal); });
     }
     // The window answers no question while an action waits.
     void waitForAction() const { EXPECT_TRUE(lists(pathOfCopy("Applications"))); }

@@ -64,7 +64,8 @@ void ChildProcess::sendSignal(int signal) const {
     if (signal != SIGSTOP) return;
     // Its threads stop one after another, and one of them could still answer what is sent now.
     siginfo_t information{};
-    while (::waitid(P_PID, static_cast<id_t>(m_pid), &information, WSTOPPED | WEXITED | WNOWAIT) != 0 && errno == EINTR) {}
+    while (::waitid(P_PID, static_cast<id_t>(m_pid), &information, WSTOPPED | WEXITED | WNOWAIT) != 0 &&
+           errno == EINTR) {}
 }
 
 void ChildProcess::waitUntilEnded() const {

@@ -1,10 +1,15 @@
 #include "tests/support/Commands.h"
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <spawn.h>
+#include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -28,7 +33,28 @@ void waitUntilTold(pid_t child) {
         std::this_thread::sleep_for(std::chrono::microseconds(100));
 }
 
+// A thread's status begins with its number and its name in parentheses, which may contain any byte; its state is next.
+bool isStopped(std::filesystem::path const& thread) {
+    std::ostringstream status;
+    status << std::ifstream(thread / "stat").rdbuf();
+    std::size_t const name = status.str().rfind(')');
+    return name == std::string::npos || std::string_view("TZX").find(status.str()[name + 2]) != std::string_view::npos;
+}
+
+bool areThreadsStopped(int process) {
+    std::error_code ended;
+    std::filesystem::directory_iterator const threads("/proc/" + std::to_string(process) + "/task", ended);
+    return std::all_of(begin(threads), end(threads),
+                       [](std::filesystem::directory_entry const& thread) { return isStopped(thread.path()); });
+}
+
 } // namespace
+
+void sendSignalTo(int process, int signal) {
+    if (::kill(process, signal) != 0 || signal != SIGSTOP) return;
+    while (!areThreadsStopped(process))
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+}
 
 int spawn(std::vector<std::string> words, int input, int output) {
     std::vector<char*> pointers;

@@ -12,6 +12,10 @@ namespace mac::test {
 // the program's words and environment. Throws std::system_error if the program cannot be started.
 int spawn(std::vector<std::string> words, int input, int output);
 
+// Sends a signal to a program that may be no child of this process. After SIGSTOP all of its threads have stopped, or
+// it has ended, when this returns.
+void sendSignalTo(int process, int signal);
+
 // Runs a program to its end and returns its standard output. Throws std::runtime_error if its exit status is not 0,
 // std::system_error if it cannot be started.
 std::string outputOf(std::vector<std::string> const& command);
