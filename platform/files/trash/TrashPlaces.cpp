@@ -327,4 +327,13 @@ FoundTrashes trashesOfUser() {
     return found;
 }
 
+FoundTrashes trashesOfUserAndAround(std::string_view path) {
+    FoundTrashes found = trashesOfUser();
+    Result<FileDescriptor> const folder = openNearest(BytePath(BytePath(path).parent()));
+    if (!folder.hasValue()) return found;
+    append(found, existingTrashes(Top::Volume, topFolder(topOfMount(folder.value()))));
+    removeRepeated(found);
+    return found;
+}
+
 } // namespace mac
