@@ -28,6 +28,8 @@ struct CommandLine {
     std::vector<std::string> operands{};
 };
 
+constexpr std::string_view Usage = "usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]";
+
 int complain(std::string_view what) {
     std::cerr << "osa: " << what << '\n';
     return 2;
@@ -54,6 +56,9 @@ std::optional<CommandLine> read(std::vector<std::string> const& words) {
         line.source += words[index];
         line.hasLines = true;
     }
+    // Such a word in the place of a file is an option that there is not; a file of that name follows "--".
+    bool const isUnknown = index < words.size() && words[index].starts_with("--") && words[index] != "--";
+    if (isUnknown) return {};
     if (index < words.size() && words[index] == "--") ++index;
     line.operands.assign(words.begin() + static_cast<std::ptrdiff_t>(index), words.end());
     return line;
@@ -159,8 +164,11 @@ int run(CommandLine const& line, std::vector<Value> const& arguments) {
 int main(int argc, char** argv) {
     // Writing to a pipe without reader keeps ending the process: a script that logs for ever ends with its reader.
     mac::openMissingStreams();
-    std::optional<CommandLine> line = read(std::vector<std::string>(argv + 1, argv + argc));
-    if (!line) return complain("usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]");
+    std::vector<std::string> const words(argv + 1, argv + argc);
+    bool const isHelp = words.size() == 1 && (words.front() == "--help" || words.front() == "-h");
+    if (isHelp) return print(std::string(Usage));
+    std::optional<CommandLine> line = read(words);
+    if (!line) return complain(Usage);
     std::size_t firstArgument = 0;
     if (!line->hasLines) {
         bool const isInFile = !line->operands.empty() && line->operands.front() != "-";

@@ -49,6 +49,15 @@ TEST(Osa, EndsOnceNobodyReadsItsOutput) {
     EXPECT_EQ(shell.readLine(), std::to_string(128 + SIGPIPE));
 }
 
+TEST(Osa, SaysHowItIsUsed) {
+    ChildProcess asked({OSA, "--help"});
+    EXPECT_TRUE(asked.readLine().starts_with("usage: osa "));
+    EXPECT_EQ(asked.wait(), 0);
+    ChildProcess wrong({"/bin/sh", "-c", "exec \"$0\" --none 2>&1", OSA});
+    EXPECT_TRUE(wrong.readLine().starts_with("osa: usage: osa "));
+    EXPECT_EQ(wrong.wait(), 2);
+}
+
 TEST(Osa, ReadsTheScript) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("script", "6 * 7");
