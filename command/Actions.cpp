@@ -59,8 +59,8 @@ Status statusOf(Copies const& copies, int beeps) {
 Outcome reveal(Copies const& copies, Target const& target) {
     if (!isCopyAt(target.path)) return noSuchCopy(target.path);
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
-    return {.path = target.path,
-            .status = beepsOf(copies, &AppController::revealAction_) == 0 ? Status::Done : Status::Failed};
+    if (beepsOf(copies, &AppController::revealAction_) == 0) return {.path = target.path};
+    return failed(target.path, localizable("the file browser could not show it"));
 }
 
 // A copy may run several times, and its record holds one of its processes: each of them is quit.
@@ -93,8 +93,8 @@ Outcome trash(Copies const& copies, Target const& target) {
 std::optional<TrashedItem> trashedItemOf(Target const& target, bool isInTrash) {
     std::string const bytes = bytesOfPath(target.path);
     if (isInTrash && target.item) return TrashedItem{.path = bytes, .identity = *target.item};
-    for (TrashedItem& item : trashedItems()) {
-        if (isInTrash || item.originalPath != bytes) continue;
+    if (isInTrash) return {};
+    for (TrashedItem& item : trashedItemsFrom(bytes)) {
         if (isCopyAt(NSString::stringWithFileSystemRepresentation_(item.path))) return std::move(item);
     }
     return {};
@@ -132,8 +132,10 @@ Outcome changeIcon(Copies const& copies, Target const& target) {
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
     IconSwap const swap = swapIcon(item.value());
     if (!swap.isWritten()) return {.path = target.path, .status = Status::Failed, .reason = swap.failure};
-    bool const isShown = swap.failure == nil && KRAPathRevealInFinder(target.path);
-    return {.path = target.path, .status = isShown ? Status::Done : Status::NotShown, .reason = swap.failure};
+    if (swap.failure != nil) return {.path = target.path, .status = Status::NotShown, .reason = swap.failure};
+    if (KRAPathRevealInFinder(target.path)) return {.path = target.path};
+    constexpr char const* notShown = localizable("its icon is swapped, but the file browser could not show it");
+    return {.path = target.path, .status = Status::NotShown, .reason = NSString::stringWithUTF8String_(notShown)};
 }
 
 // A list of the session from which entries are removed.

@@ -74,7 +74,10 @@ Status list(CommandLine const& line) {
         return Status::Failed;
     }
     tellUnreadable(copies);
-    return worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
+    Status const status = worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
+    // By now whoever waits for the list has it.
+    copies.finishSearch();
+    return status;
 }
 
 // The paths that the source in question knows, without a search.

@@ -38,9 +38,14 @@ bool Copies::search(std::function<void(std::size_t found)> const& progress) cons
                                                         NSDate::dateWithTimeIntervalSinceNow_(Glance));
         progress(query.resultCount());
     }
-    query.stopQuery();
     m_controller.syncQuery();
     return true;
+}
+
+void Copies::finishSearch() const {
+    NSMetadataQuery const query = m_controller.query();
+    query.waitUntilRemembered();
+    query.stopQuery();
 }
 
 void Copies::readSources() const { syncMembershipSources(m_controller); }

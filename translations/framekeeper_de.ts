@@ -372,6 +372,14 @@ Schließen Sie das Volume an, das eine Kopie enthalten kann, und suchen Sie erne
     <translation>sie steht nicht in den Orten</translation>
 </message>
 <message>
+    <source>the file browser could not show it</source>
+    <translation>die Dateiverwaltung konnte sie nicht zeigen</translation>
+</message>
+<message>
+    <source>its icon is swapped, but the file browser could not show it</source>
+    <translation>ihr Symbol ist getauscht, aber die Dateiverwaltung konnte sie nicht zeigen</translation>
+</message>
+<message>
     <source>the list could not be read</source>
     <translation>die Liste war nicht lesbar</translation>
 </message>

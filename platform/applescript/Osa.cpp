@@ -3,6 +3,7 @@
 #include "platform/foundation/text/Encodings.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/StandardStreams.h"
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -22,8 +23,12 @@ struct CommandLine {
     bool printsErrorsToOutput{false};
     bool hasLines{false};
     std::string source{};
+    // Empty unless the script was read from a file.
+    std::string scriptFile{};
     std::vector<std::string> operands{};
 };
+
+constexpr std::string_view Usage = "usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]";
 
 int complain(std::string_view what) {
     std::cerr << "osa: " << what << '\n';
@@ -51,6 +56,9 @@ std::optional<CommandLine> read(std::vector<std::string> const& words) {
         line.source += words[index];
         line.hasLines = true;
     }
+    // Such a word in the place of a file is an option that there is not; a file of that name follows "--".
+    bool const isUnknown = index < words.size() && words[index].starts_with("--") && words[index] != "--";
+    if (isUnknown) return {};
     if (index < words.size() && words[index] == "--") ++index;
     line.operands.assign(words.begin() + static_cast<std::ptrdiff_t>(index), words.end());
     return line;
@@ -92,9 +100,36 @@ std::u16string sourceIn(std::string_view bytes) {
     return mac::unitsFromFileSystemBytes(bytes);
 }
 
+// Where an error begins, as editors count: "letters.applescript:2:7", or "line 2, column 7" of a script in no file.
+std::string placeForPeople(CommandLine const& line, SourceRange const& range) {
+    std::u16string const source = sourceIn(line.source);
+    std::size_t lines = 1;
+    std::size_t lineStart = 0;
+    for (std::size_t index = 0; index < std::min<std::size_t>(range.start, source.size()); ++index) {
+        bool const isBeforeLineFeed = index + 1 < source.size() && source[index + 1] == u'\n';
+        bool const isEnd = source[index] == u'\n' || (source[index] == u'\r' && !isBeforeLineFeed);
+        if (!isEnd) continue;
+        ++lines;
+        lineStart = index + 1;
+    }
+    std::string const number = std::to_string(lines);
+    std::string const column = std::to_string(range.start - lineStart + 1);
+    if (line.scriptFile.empty()) return "line " + number + ", column " + column;
+    return line.scriptFile + ":" + number + ":" + column;
+}
+
+// To programs an error's place is the range of its characters, as the system's own command prints it.
+std::string placeOf(ScriptError const& error, CommandLine const& line) {
+    SourceRange const range = error.range.value_or(SourceRange());
+    bool const isForPeople =
+        mac::isTerminal(line.printsErrorsToOutput ? mac::StandardStream::Output : mac::StandardStream::Errors);
+    if (isForPeople) return placeForPeople(line, range);
+    return std::to_string(range.start) + ":" + std::to_string(range.end);
+}
+
 int report(ScriptError const& error, CommandLine const& line) {
     std::ostream& stream = line.printsErrorsToOutput ? std::cout : std::cerr;
-    stream << error.range->start << ':' << error.range->end << ": " << (error.isSyntax ? "syntax" : "execution")
+    stream << placeOf(error, line) << ": " << (error.isSyntax ? "syntax" : "execution")
            << " error: " << bytesOf(error.message) << " (" << error.number << ")\n";
     return 1;
 }
@@ -129,14 +164,18 @@ int run(CommandLine const& line, std::vector<Value> const& arguments) {
 int main(int argc, char** argv) {
     // Writing to a pipe without reader keeps ending the process: a script that logs for ever ends with its reader.
     mac::openMissingStreams();
-    std::optional<CommandLine> line = read(std::vector<std::string>(argv + 1, argv + argc));
-    if (!line) return complain("usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]");
+    std::vector<std::string> const words(argv + 1, argv + argc);
+    bool const isHelp = words.size() == 1 && (words.front() == "--help" || words.front() == "-h");
+    if (isHelp) return print(std::string(Usage));
+    std::optional<CommandLine> line = read(words);
+    if (!line) return complain(Usage);
     std::size_t firstArgument = 0;
     if (!line->hasLines) {
         bool const isInFile = !line->operands.empty() && line->operands.front() != "-";
         mac::Result<std::string> script = isInFile ? scriptIn(line->operands.front()) : scriptOnInput();
         if (!script.hasValue()) return complain(script.problem().text());
         line->source = script.takeValue();
+        if (isInFile) line->scriptFile = line->operands.front();
     }
     if (!line->hasLines && !line->operands.empty()) firstArgument = 1;
     std::vector<Value> arguments;

@@ -38,7 +38,11 @@ void EventEndpoint::open() {
     m_endpoints.clear();
     m_unhandled.clear();
     m_connection = connectToSessionBus();
-    if (!m_connection) return;
+    m_failed.reset();
+    if (!m_connection) {
+        m_failed = std::chrono::steady_clock::now();
+        return;
+    }
     m_nextLook.stop();
     // Other processes find this one on the next bus only if it connects there by itself.
     m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
@@ -60,7 +64,8 @@ void EventEndpoint::close() {
 
 void EventEndpoint::send(std::shared_ptr<OutgoingEvent const> const& outgoing, Form form) {
     OutgoingEvent const& sending = *outgoing;
-    open();
+    // A bus that hangs is waited for once while the sender waits.
+    if (!m_failed || *m_failed < sending.since) open();
     auto const isInVain = [&] { return isOver(sending.deadline) || isAbandoned(*sending.pending); };
     if (isInVain()) return fulfil(*sending.pending, {.status = errAETimeout});
     // The receiver refuses an event that arrives too late, so the bus need not be asked first whether it responds.

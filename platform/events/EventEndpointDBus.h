@@ -10,6 +10,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusVirtualObject>
 #include <QTimer>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -87,6 +88,8 @@ private:
 
     void (*m_noteConnected)();
     std::optional<QDBusConnection> m_connection;
+    // When the last try to connect ended in vain.
+    std::optional<std::chrono::steady_clock::time_point> m_failed;
     std::map<QString, Peer> m_peers;
     struct ProcessEndpoint {
         ProcessIdentity process;

@@ -2,6 +2,7 @@
 
 #include "platform/events/EventQueue.h"
 #include "platform/system/processes/ProcessList.h"
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -28,6 +29,8 @@ struct OutgoingEvent {
     Expectation expectation{Expectation::Nothing};
     EventDeadline deadline{};
     std::shared_ptr<PendingReply> pending{};
+    // When the sender began to wait.
+    std::chrono::steady_clock::time_point since{std::chrono::steady_clock::now()};
 };
 
 // Sends an event, and answers other processes from then on. The pending reply is notified when the event is under way

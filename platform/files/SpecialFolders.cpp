@@ -6,6 +6,7 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include "platform/system/Users.h"
 #include "platform/system/XDGFolders.h"
 #include <cerrno>
@@ -34,8 +35,8 @@ OSErr statusOfTrash(TrashProblem const& problem) {
 
 // Opens the folder, and creates it if asked for. EPERM if other users may enter it: it could be a trap.
 Result<FileDescriptor> openPrivateFolder(FileDescriptor const& folder, std::string const& name, MissingFolder missing) {
-    if (missing == MissingFolder::IsMade && ::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
-        return lastSystemError("mkdir", name);
+    Result<void> const made = missing == MissingFolder::IsMade ? makeOwnFolder(folder, name) : Result<void>();
+    if (!made.isDone() && !made.problem().is(EEXIST)) return made.problem();
     FileDescriptor opened(::openat(folder.number(), name.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!opened.isOpen()) return lastSystemError("open", name);
     struct stat status {};
@@ -53,8 +54,8 @@ Result<FileDescriptor> openOrMakeCacheFolder(BytePath path, MissingFolder missin
     Result<FileDescriptor> const above = openOrMakeCacheFolder(path.parent(), missing);
     if (!above.hasValue()) return above.problem();
     std::string const name(path.leaf());
-    if (::mkdirat(above.value().number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
-        return lastSystemError("mkdir", name);
+    Result<void> const made = makeOwnFolder(above.value(), name);
+    if (!made.isDone() && !made.problem().is(EEXIST)) return made.problem();
     return openPath(path.bytes(), O_PATH | O_DIRECTORY);
 }
 

@@ -2,6 +2,7 @@
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FileWriting.h"
+#include "platform/system/OpenItems.h"
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -25,6 +26,7 @@ Result<FileDescriptor> lockFolder(std::string const& folder) {
     std::string const path = BytePath(folder).joined(".lock");
     FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, OwnerAlone));
     if (!file.isOpen()) return lastSystemError("open", path);
+    if (Result<void> const permitted = permitOwner(file, OwnerAlone); !permitted.isDone()) return permitted.problem();
     std::chrono::steady_clock::time_point const end = std::chrono::steady_clock::now() + LongestWait;
     while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
         SystemError const error = lastSystemError("flock", path);

@@ -61,6 +61,10 @@ void NSMetadataQuery::setNotificationBatchingInterval_(NSTimeInterval interval) 
 
 bool NSMetadataQuery::startQuery() const { return *this != nil && bodyOf(*this)->start(); }
 
+void NSMetadataQuery::waitUntilRemembered() const {
+    if (*this != nil) bodyOf(*this)->waitUntilRemembered();
+}
+
 void NSMetadataQuery::stopQuery() const {
     if (*this != nil) bodyOf(*this)->stop();
 }

@@ -44,6 +44,8 @@ public:
     bool startQuery() const;
     // Ends gathering and updates; the results stay as they are.
     void stopQuery() const;
+    // Linux: waits until what a gathering that has ended read is kept for the next one, which stopping would cut short.
+    void waitUntilRemembered() const;
     bool isStarted() const;
     bool isGathering() const;
     bool isStopped() const;

@@ -116,6 +116,10 @@ void NSMetadataQuery::Body::stop() {
     setPhase(Phase::Stopped);
 }
 
+void NSMetadataQuery::Body::waitUntilRemembered() {
+    if (m_phase == Phase::Live && m_walker) m_walker->waitUntilRemembered();
+}
+
 void NSMetadataQuery::Body::enableUpdates() {
     if (m_disabledUpdates == 0) return;
     --m_disabledUpdates;

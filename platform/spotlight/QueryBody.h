@@ -49,6 +49,7 @@ public:
 
     bool start();
     void stop();
+    void waitUntilRemembered();
     void enableUpdates();
     // Called by the batch timer: brings the results up to date and posts the notifications.
     //

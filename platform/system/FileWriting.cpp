@@ -159,10 +159,10 @@ Result<void> makeFolderAtPath(std::string_view path) {
     Result<FileDescriptor> const parent = openPath(above, O_PATH | O_DIRECTORY);
     if (!parent.hasValue()) return parent.problem();
     std::string const name(folder.leaf());
-    if (::mkdirat(parent.value().number(), name.c_str(), S_IRWXU) == 0) return flushFolder(parent.value());
-    SystemError error = lastSystemError("mkdir", path);
+    Result<void> const own = makeOwnFolder(parent.value(), name);
+    if (own.isDone()) return flushFolder(parent.value());
     // Another process was quicker.
-    return error.is(EEXIST) ? outcomeOf(openPath(path, O_PATH | O_DIRECTORY)) : error;
+    return own.problem().is(EEXIST) ? outcomeOf(openPath(path, O_PATH | O_DIRECTORY)) : own;
 }
 
 } // namespace mac

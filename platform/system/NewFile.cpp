@@ -67,7 +67,11 @@ Result<NewFile> NewFile::make(FileDescriptor const& folder, unsigned mode) {
     FileDescriptor file(
         ::openat(folder.number(), name.value().c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!file.isOpen()) return lastSystemError("open", name.takeValue());
-    return NewFile(folder, name.takeValue(), std::move(file));
+    NewFile made(folder, name.takeValue(), std::move(file));
+    // A file that its own user cannot read is of use to nobody.
+    if (Result<void> const permitted = permitOwner(made.m_file, mode & S_IRWXU); !permitted.isDone())
+        return permitted.problem();
+    return made;
 }
 
 NewFile::NewFile(FileDescriptor const& folder, std::string name, FileDescriptor file)

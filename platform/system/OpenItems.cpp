@@ -7,12 +7,14 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac {
 
 namespace {
 
+constexpr std::string_view DescriptorPathStart = "/proc/self/fd/";
 constexpr std::size_t ReadingBlockSize = std::size_t{32} << 10;
 
 Result<std::string> textOfLink(int folder, char const* name) {
@@ -60,7 +62,11 @@ FolderEntry::Kind kindOf(unsigned char type) {
 
 } // namespace
 
-std::string descriptorPath(FileDescriptor const& item) { return "/proc/self/fd/" + std::to_string(item.number()); }
+std::string descriptorPath(FileDescriptor const& item) {
+    return std::string(DescriptorPathStart) + std::to_string(item.number());
+}
+
+bool isDescriptorPath(std::string_view path) { return path.starts_with(DescriptorPathStart); }
 
 Result<std::string> systemsPath(FileDescriptor const& item) {
     int const folder = item.isOpen() ? folderOfDescriptors() : -1;
@@ -95,6 +101,25 @@ Result<FileDescriptor> readableFolder(FileDescriptor const& folder) {
     FileDescriptor readable(::openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
     if (!readable.isOpen()) return lastSystemError("open", ".");
     return readable;
+}
+
+Result<void> makeOwnFolder(FileDescriptor const& parent, std::string const& name) {
+    if (::mkdirat(parent.number(), name.c_str(), S_IRWXU) != 0) return lastSystemError("mkdir", name);
+    constexpr int flags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    FileDescriptor const made(::openat(parent.number(), name.c_str(), flags));
+    // Another process has taken it away already.
+    if (!made.isOpen()) return lastSystemError("open", name);
+    return permitOwner(made, S_IRWXU);
+}
+
+Result<void> permitOwner(FileDescriptor const& item, unsigned permissions) {
+    struct stat status {};
+    if (::fstat(item.number(), &status) != 0) return lastSystemError("stat");
+    unsigned const wanted = (status.st_mode | permissions) & 07777U;
+    if (wanted == (status.st_mode & 07777U)) return {};
+    // By a path, since a descriptor that only names the item is refused.
+    if (::chmod(descriptorPath(item).c_str(), wanted) != 0) return lastSystemError("chmod");
+    return {};
 }
 
 Result<void> flushFolder(FileDescriptor const& folder) {

@@ -16,6 +16,8 @@ namespace mac {
 
 // A path that leads to this very item, also where its own path is too long for the system.
 std::string descriptorPath(FileDescriptor const& item);
+// Whether the path is such a one, or leads on from it. It says nothing to people.
+bool isDescriptorPath(std::string_view path);
 
 // The path that the system knows for the item. The system appends " (deleted)" if the item is gone, but a name may end
 // so. Fails if the path is longer than the system reports.
@@ -31,6 +33,12 @@ Result<std::string> linkTextIn(FileDescriptor const& folder, std::string const& 
 Result<FileDescriptor> openBelow(FileDescriptor const& folder, std::string_view relativePath);
 // Opens the folder again, for reading.
 Result<FileDescriptor> readableFolder(FileDescriptor const& folder);
+
+// Makes a folder for its owner alone, who gets all permissions whatever the umask withholds. Fails with EEXIST if the
+// name is taken.
+Result<void> makeOwnFolder(FileDescriptor const& parent, std::string const& name);
+// Gives the owner of an item that was just made those of the permissions that the umask withheld.
+Result<void> permitOwner(FileDescriptor const& item, unsigned permissions);
 
 // Flushes the names in the folder to the disk. Also done where the file system or the permissions allow no flushing.
 Result<void> flushFolder(FileDescriptor const& folder);

@@ -10,10 +10,7 @@
 #include <cerrno>
 #include <climits>
 #include <ctime>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace mac {
 
@@ -59,16 +56,6 @@ Done checkMounts(std::string const& path, ItemPlace const& place) {
     return holdsMountPoint ? refused(TrashProblem::Immovable, "A volume is mounted in it") : Done();
 }
 
-// Whether this user may remove the item's name from its folder.
-Done checkRights(OpenItem const& item, ItemPlace const& place, ItemPlace const& folder) {
-    if (::faccessat(item.folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0)
-        return cannotTrash(lastSystemError("access"));
-    bool const isOthers = place.owner != ::geteuid() && folder.owner != ::geteuid() && ::geteuid() != 0;
-    if ((folder.mode & S_ISVTX) != 0 && isOthers)
-        return cannotTrash({.code = EPERM, .operation = "rename", .item = item.name});
-    return {};
-}
-
 // Refuses items that cannot be trashed, before anything is made; answers where the item lies.
 Result<ItemPlace, TrashProblem> check(OpenItem const& item) {
     if (item.name.empty()) return refused(TrashProblem::Immovable, "It is the root of all volumes");
@@ -79,8 +66,8 @@ Result<ItemPlace, TrashProblem> check(OpenItem const& item) {
     if (place.value().mount != folder.value().mount)
         return refused(TrashProblem::Immovable, "A volume is mounted there");
     if (lockOf(item) == ItemLock::Locked) return cannotTrash(lockedItem(item.name));
-    Done const rights = checkRights(item, place.value(), folder.value());
-    if (!rights.isDone()) return rights.problem();
+    Result<void> const mayGo = confirmNameRemovable(item.folder, item.name, place.value());
+    if (!mayGo.isDone()) return cannotTrash(mayGo.problem());
     Result<bool> const holdsTrash = place.value().isFolder ? holdsHomeTrash(place.value().identity) : false;
     if (!holdsTrash.hasValue()) return cannotTrash(holdsTrash.problem());
     if (holdsTrash.value()) return refused(TrashProblem::Immovable, "It holds the trash");

@@ -67,9 +67,12 @@ Result<TrashedItem, TrashProblem> moveToTrash(std::string_view path, TrashSteps 
 // Moves the open item; Changed if another item has taken its place.
 Result<TrashedItem, TrashProblem> moveToTrash(OpenItem const& item, TrashSteps const& steps = {});
 
-// Everything in the user's trashes on all volumes, the last deleted first. The AppleDouble sidecars of items there are
-// not listed.
+// Everything in the user's trashes on all local volumes, the last deleted first. The AppleDouble sidecars of items
+// there are not listed.
 std::vector<TrashedItem> trashedItems();
+// What was deleted from exactly this path, the last first: also in the trash of the path's own volume if that is of
+// another computer. The path's folder may be gone.
+std::vector<TrashedItem> trashedItemsFrom(std::string_view originalPath);
 
 // An item that lies in a trash.
 struct PlaceInTrash {

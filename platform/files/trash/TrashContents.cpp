@@ -56,6 +56,19 @@ Result<PlaceInTrash, TrashProblem> placeIn(TrashPlace const& trash, std::string 
     return place;
 }
 
+// The last deleted first.
+std::vector<TrashedItem> itemsIn(FoundTrashes const& found) {
+    std::vector<TrashedItem> items;
+    for (TrashPlace const& trash : found.trashes) {
+        Result<ListedTrash> here = itemsInTrash(trash);
+        if (!here.hasValue()) continue;
+        for (ListedItem& listed : here.value().items)
+            items.push_back(std::move(listed.item));
+    }
+    std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);
+    return items;
+}
+
 } // namespace
 
 Result<ListedTrash> itemsInTrash(TrashPlace const& trash) {
@@ -79,15 +92,11 @@ Result<ListedTrash> itemsInTrash(TrashPlace const& trash) {
     return listed;
 }
 
-std::vector<TrashedItem> trashedItems() {
-    std::vector<TrashedItem> items;
-    for (TrashPlace const& trash : trashesOfUser().trashes) {
-        Result<ListedTrash> here = itemsInTrash(trash);
-        if (!here.hasValue()) continue;
-        for (ListedItem& listed : here.value().items)
-            items.push_back(std::move(listed.item));
-    }
-    std::ranges::stable_sort(items, std::ranges::greater(), &TrashedItem::deletionTime);
+std::vector<TrashedItem> trashedItems() { return itemsIn(trashesOfUser()); }
+
+std::vector<TrashedItem> trashedItemsFrom(std::string_view originalPath) {
+    std::vector<TrashedItem> items = itemsIn(trashesOfUserAndAround(originalPath));
+    std::erase_if(items, [&](TrashedItem const& item) { return item.originalPath != originalPath; });
     return items;
 }
 

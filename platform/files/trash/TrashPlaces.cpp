@@ -2,6 +2,7 @@
 #include "platform/files/volumes/Volumes.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include "platform/system/XDGFolders.h"
 #include "platform/system/items/FolderPlace.h"
 #include "platform/system/items/MountTable.h"
@@ -60,8 +61,8 @@ Result<FileDescriptor> openIn(FileDescriptor const& folder, std::string const& n
 
 Result<FileDescriptor> openOrMake(FileDescriptor const& folder, std::string const& name, int flags,
                                   MissingTrash missing) {
-    if (missing == MissingTrash::IsMade && ::mkdirat(folder.number(), name.c_str(), S_IRWXU) != 0 && errno != EEXIST)
-        return lastSystemError("mkdir", name);
+    Result<void> const made = missing == MissingTrash::IsMade ? makeOwnFolder(folder, name) : Result<void>();
+    if (!made.isDone() && !made.problem().is(EEXIST)) return made.problem();
     return openIn(folder, name, flags);
 }
 
@@ -322,6 +323,15 @@ FoundTrashes trashesOfUser() {
         if (!volume.isLocal || !isOfLocalComputer(volume.mountPoint)) continue;
         append(found, existingTrashes(Top::Volume, topFolder(openPath(volume.mountPoint, FolderFlags))));
     }
+    removeRepeated(found);
+    return found;
+}
+
+FoundTrashes trashesOfUserAndAround(std::string_view path) {
+    FoundTrashes found = trashesOfUser();
+    Result<FileDescriptor> const folder = openNearest(BytePath(BytePath(path).parent()));
+    if (!folder.hasValue()) return found;
+    append(found, existingTrashes(Top::Volume, topFolder(topOfMount(folder.value()))));
     removeRepeated(found);
     return found;
 }

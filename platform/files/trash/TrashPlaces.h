@@ -47,7 +47,9 @@ struct FoundTrashes {
 };
 // The trashes that an item in the folder could lie in, or hold.
 FoundTrashes trashesAround(FileDescriptor const& folder);
-// The user's trashes on all volumes.
+// The user's trashes on all local volumes.
 FoundTrashes trashesOfUser();
+// These, and those that an item at the path could go to, whichever volume that is on. Its folder need not exist.
+FoundTrashes trashesOfUserAndAround(std::string_view path);
 
 } // namespace mac

@@ -155,6 +155,7 @@ Result<void> TrashReservation::make(std::string const& writtenPath, std::string 
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     m_file = FileDescriptor(::openat(m_trash.information.number(), m_name.c_str(), flags, mode_t{S_IRUSR | S_IWUSR}));
     if (!m_file.isOpen()) return lastSystemError("open", m_name);
+    if (Result<void> const permitted = permitOwner(m_file, S_IRUSR | S_IWUSR); !permitted.isDone()) return permitted;
     std::string const text = TrashInformation{writtenPath, date}.text();
     Result<void> const written = writeAll(m_file, std::as_bytes(std::span(text)));
     if (!written.isDone()) return written;

@@ -5,6 +5,7 @@
 #include "platform/foundation/running/Log.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/OpenItems.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -53,6 +54,13 @@ struct FileState {
 
 std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
     return BytePath(bundlePath).joined(kPlaces[place]);
+}
+
+// As the log tells it: by the bundle's own path where it is looked at through a descriptor.
+NSString toldPathOfPlace(std::string_view bundlePath, std::size_t place) {
+    std::string const given(bundlePath);
+    std::string const bundle = isDescriptorPath(given) ? resolvedPath(given) : given;
+    return NSString::stringWithFileSystemRepresentation_(pathOfPlace(bundle, place));
 }
 
 // The information file at that place of the bundle; nullopt if it does not exist.
@@ -293,7 +301,7 @@ private:
         std::string const path = pathOfPlace(bundlePath, state.place);
         Result<NSDictionary, ReadingProblem> const read = readInformation(path, state);
         if (!read.hasValue() && !isTold)
-            NSLog("The information file %@ cannot be used: %@", NSString::stringWithFileSystemRepresentation_(path),
+            NSLog("The information file %@ cannot be used: %@", toldPathOfPlace(bundlePath, state.place),
                   joinedLines(read.problem().reason));
         m_whole.forget(hash);
         NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();

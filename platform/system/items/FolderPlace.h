@@ -31,6 +31,10 @@ Result<ItemPlace> placeOf(FileDescriptor const& item);
 // The place of the item of a name in an open folder; a symbolic link is not followed.
 Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name);
 
+// Fails if this user may not remove the item's name from the folder, with the code that the system would give then. To
+// be asked before a removal of several names begins.
+Result<void> confirmNameRemovable(FileDescriptor const& folder, std::string const& name, ItemPlace const& item);
+
 // The folder, then the folders above it, up to the root.
 Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder);
 // The topmost folder of the folder's mount.

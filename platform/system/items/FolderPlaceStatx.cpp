@@ -78,6 +78,15 @@ Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name)
     return placeAt(folder.number(), name.c_str(), 0);
 }
 
+Result<void> confirmNameRemovable(FileDescriptor const& folder, std::string const& name, ItemPlace const& item) {
+    if (::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) return lastSystemError("unlink", name);
+    if (item.owner == ::geteuid() || ::geteuid() == 0) return {};
+    Result<ItemPlace> const above = placeOf(folder);
+    if (!above.hasValue()) return above.problem();
+    bool const isKept = (above.value().mode & S_ISVTX) != 0 && above.value().owner != ::geteuid();
+    return isKept ? SystemError{.code = EPERM, .operation = "unlink", .item = name} : Result<void>();
+}
+
 Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {
     Result<PlacedFolder> current = placed(openFolder(folder, ".", O_PATH));
     std::vector<ItemIdentity> identities;

@@ -18,8 +18,9 @@ namespace {
 // Removes an item after it was looked through for what must stay.
 class Removal {
 public:
-    Removal(OpenItem const& item, ItemIdentity const& identity, RemovalQuestions const& questions)
-        : m_item(item), m_identity(identity), m_questions(questions) {}
+    Removal(OpenItem const& item, ItemIdentity const& identity, RemovalQuestions const& questions,
+            ClosedFolders closed = ClosedFolders::Stay)
+        : m_item(item), m_identity(identity), m_questions(questions), m_closed(closed) {}
 
     Result<void> run() {
         Result<void> const looked = look();
@@ -32,14 +33,23 @@ public:
         Result<ItemPlace> const place = placeOf(m_item.item);
         if (!place.hasValue()) return place.problem();
         // Needs no permission to list the folder that holds it.
-        if (!place.value().isFolder) return confirmUnlocked(m_item.folder, m_item.name, place.value());
+        if (!place.value().isFolder) return confirmMayGo(m_item.folder, m_item.name, place.value());
         return descend(m_item.folder, m_item.name, m_identity, {.shouldContinueAfter = continuation()},
-                       &confirmUnlocked);
+                       [this](FileDescriptor const& folder, std::string const& name, ItemPlace const& found) {
+                           return confirmMayGo(folder, name, found);
+                       });
     }
 
 private:
-    static Result<void> confirmUnlocked(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
-        return isLockedIn(folder, name, place) ? Result<void>(lockedItem(name)) : Result<void>();
+    Result<void> confirmMayGo(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) const {
+        if (isLockedIn(folder, name, place)) return lockedItem(name);
+        if (m_closed == ClosedFolders::AreOpened) return {};
+        Result<void> mayGo = confirmNameRemovable(folder, name, place);
+        bool const isBelow = !(place.identity == m_identity);
+        if (mayGo.isDone() || !isBelow) return mayGo;
+        // What a locked folder holds is kept by it, and the folder is told.
+        Result<ItemPlace> const above = placeOf(folder);
+        return above.hasValue() && above.value().isImmutable ? Result<void>() : mayGo;
     }
 
     // The system itself keeps what is locked by the flag; what is locked by an attribute has to be looked for only if
@@ -70,6 +80,7 @@ private:
     OpenItem const& m_item;
     ItemIdentity const& m_identity;
     RemovalQuestions const& m_questions;
+    ClosedFolders m_closed;
     std::set<std::string> m_asked{};
     bool m_isEnded{false};
 };
@@ -206,11 +217,11 @@ Result<void> removeEmptyItem(OpenItem const& item) {
     return removeExactly(item.folder, item.name, status.value());
 }
 
-Result<void> confirmRemovable(OpenItem const& item) {
+Result<void> confirmRemovable(OpenItem const& item, ClosedFolders closed) {
     if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
     Result<IdentifiedItem> const identified = identify(item.item);
     if (!identified.hasValue()) return identified.problem();
-    return Removal(item, identified.value().identity, {}).look();
+    return Removal(item, identified.value().identity, {}, closed).look();
 }
 
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions) {

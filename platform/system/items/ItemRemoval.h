@@ -24,16 +24,21 @@ struct RemovalQuestions {
 
 // Removes the item (TreeRemoval.h) and its AppleDouble sidecar. What must stay is looked for first, so that nothing is
 // removed if any of these is in the item: a locked item (ItemIsLocked), a mount point (EBUSY), a folder that cannot be
-// listed. A later failure leaves what was not removed until then; a file and its sidecar go together or not at all.
-// EBUSY for the root; ESTALE if another item has the item's name.
+// listed, an item whose name this user may not remove (EACCES, EPERM, EROFS). A later failure leaves what was not
+// removed until then; a file and its sidecar go together or not at all. EBUSY for the root; ESTALE if another item has
+// the item's name.
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions = {});
 
 // Removes the item and its AppleDouble sidecar if it is no folder that holds anything: ENOTEMPTY then, and nothing is
 // removed, whatever comes into the folder meanwhile. Otherwise fails as removeItem does.
 Result<void> removeEmptyItem(OpenItem const& item);
 
+// What becomes of folders of this user that their permissions close to changes. Where they are opened, whether names
+// may go is not asked.
+enum class ClosedFolders { Stay, AreOpened };
+
 // Fails as removeItem does if the item or one in it must stay.
-Result<void> confirmRemovable(OpenItem const& item);
+Result<void> confirmRemovable(OpenItem const& item, ClosedFolders closed = ClosedFolders::Stay);
 
 // Removes one item, which is empty if it is a folder, unless it is locked.
 Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const& name, bool isFolder);

@@ -295,7 +295,7 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
     // What could not be removed afterwards would be in both places.
-    if (Result<void> const removable = confirmRemovable(transfer.item); !removable.isDone())
+    if (Result<void> const removable = confirmRemovable(transfer.item, ClosedFolders::AreOpened); !removable.isDone())
         return notDone(removable.problem());
     CopiedItems copied;
     Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);

@@ -1,4 +1,5 @@
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
 #include <csignal>
 #include <gtest/gtest.h>
@@ -48,6 +49,15 @@ TEST(Osa, EndsOnceNobodyReadsItsOutput) {
     EXPECT_EQ(shell.readLine(), std::to_string(128 + SIGPIPE));
 }
 
+TEST(Osa, SaysHowItIsUsed) {
+    ChildProcess asked({OSA, "--help"});
+    EXPECT_TRUE(asked.readLine().starts_with("usage: osa "));
+    EXPECT_EQ(asked.wait(), 0);
+    ChildProcess wrong({"/bin/sh", "-c", "exec \"$0\" --none 2>&1", OSA});
+    EXPECT_TRUE(wrong.readLine().starts_with("osa: usage: osa "));
+    EXPECT_EQ(wrong.wait(), 2);
+}
+
 TEST(Osa, ReadsTheScript) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("script", "6 * 7");
@@ -68,6 +78,32 @@ TEST(Osa, FailsIfTheScriptCannotBeRead) {
         std::string const errors = shell.readLine();
         EXPECT_EQ(shell.wait(), 2) << script;
         EXPECT_TRUE(errors.starts_with("osa: ")) << errors;
+    }
+}
+
+// What the first line on a terminal is when the shell runs these words.
+std::string shownOnATerminal(std::string const& words) {
+    mac::test::EnvironmentVariable const program("COMMAND", OSA);
+    ChildProcess terminal({"/usr/bin/script", "-qec", "\"$COMMAND\" " + words, "/dev/null"});
+    std::string const shown = terminal.readLine();
+    terminal.wait();
+    return shown;
+}
+
+TEST(Osa, TellsProgramsTheCharactersOfAnError) {
+    OsaRun const done = runOsaInto("", "set a to 1\nget missingOne");
+    EXPECT_EQ(done.status, 1);
+    EXPECT_TRUE(done.errors.starts_with("15:25: execution error: ")) << done.errors;
+}
+
+TEST(Osa, TellsPeopleTheLineAndColumnOfAnError) {
+    std::string const inLines = shownOnATerminal("-e 'set a to 1' -e '  get missingOne'");
+    EXPECT_TRUE(inLines.starts_with("line 2, column 7: execution error: ")) << inLines;
+    TemporaryFolder const folder;
+    for (std::string const end : {"\n", "\r\n", "\r"}) {
+        std::string const file = folder.makeFile("script", "set a to \"\xC3\xA4\"" + end + "get 1 +" + end);
+        std::string const inFile = shownOnATerminal("'" + file + "'");
+        EXPECT_TRUE(inFile.starts_with(file + ":2:8: syntax error: ")) << inFile;
     }
 }
 

@@ -103,6 +103,18 @@ TEST_F(AutostartChanges, WhatARemovedEntryHidFromOthersStaysHidden) {
     }
 }
 
+TEST_F(AutostartChanges, ANewEntryIsWrittenByItsOwnerAlone) {
+    for (mode_t const withheld : {0U, 0777U}) {
+        mode_t const usual = ::umask(withheld);
+        Result<std::string> const name = addAutostart({.program = Program, .item = Bundle});
+        ::umask(usual);
+        ASSERT_TRUE(name.hasValue());
+        struct stat status {};
+        ASSERT_EQ(::stat(pathOfUser(name.value()).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777U, withheld == 0 ? 0644U : 0600U);
+    }
+}
+
 TEST_F(AutostartChanges, AnEntryWhoseMaskIsGoneComesBack) {
     addOfUser("a.desktop", entry("/bin/user"));
     addOfSystem("a.desktop", entry("/bin/system"));

@@ -173,6 +173,19 @@ TEST_F(TrashOnVolumes, AreListedAndEmptiedTogether) {
     EXPECT_TRUE(namesIn(m_own + "/info").empty());
 }
 
+TEST_F(TrashOnVolumes, OfOtherComputersTellWhatCameFromAPath) {
+    std::string const path = m_point + "/a/file";
+    ASSERT_TRUE(trash("volume/a/file", "first").hasValue());
+    ASSERT_TRUE(trash("volume/a/file", "second").hasValue());
+    ASSERT_TRUE(trash("volume/a/other").hasValue());
+    ASSERT_EQ(::rmdir((m_point + "/a").c_str()), 0);
+    // The volume is not one of the computer's then.
+    EnvironmentVariable const narrowed("FRAMEKEEPER_LOCAL_COMPUTER", m_home.path("data"));
+    EXPECT_TRUE(trashedItems().empty());
+    EXPECT_EQ(trashedItemsFrom(path).size(), 2U);
+    EXPECT_TRUE(trashedItemsFrom(m_point + "/a").empty());
+}
+
 TEST_F(TrashOnVolumes, GetNothingBackThatIsOfAnother) {
     Result<TrashedItem, TrashProblem> const result = trash("a/file");
     ASSERT_TRUE(result.hasValue());

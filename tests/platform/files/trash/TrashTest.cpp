@@ -18,6 +18,11 @@ std::optional<TrashProblem::Kind> problemOf(std::string_view path) {
     return result.problem().kind;
 }
 
+std::optional<mode_t> permissionsOf(std::string const& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? std::optional(status.st_mode & 07777U) : std::nullopt;
+}
+
 class Trash : public testing::Test {
 protected:
     TrashHome const m_home{};
@@ -47,14 +52,21 @@ TEST_F(Trash, TakesAFileAndSaysWhereItCameFrom) {
 TEST_F(Trash, IsMadeForItsOwnerAlone) {
     ASSERT_TRUE(moveToTrash(m_home.folder.makeFile("a", "")).hasValue());
     for (std::string const& folder :
-         {m_home.path("data"), m_home.path("data/Trash"), m_home.files(), m_home.information()}) {
-        struct stat status {};
-        ASSERT_EQ(::stat(folder.c_str(), &status), 0) << folder;
-        EXPECT_EQ(status.st_mode & 0777U, 0700U) << folder;
-    }
-    struct stat status {};
-    ASSERT_EQ(::stat(m_home.information("a.trashinfo").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+         {m_home.path("data"), m_home.path("data/Trash"), m_home.files(), m_home.information()})
+        EXPECT_EQ(permissionsOf(folder), 0700U) << folder;
+    EXPECT_EQ(permissionsOf(m_home.information("a.trashinfo")), 0600U);
+}
+
+TEST_F(Trash, IsMadeForItsOwnerWhateverTheUmaskWithholds) {
+    std::string const file = m_home.folder.makeFile("a", "");
+    mode_t const usual = ::umask(0777);
+    bool const isMoved = moveToTrash(file).hasValue();
+    ::umask(usual);
+    ASSERT_TRUE(isMoved);
+    for (std::string const& folder :
+         {m_home.path("data"), m_home.path("data/Trash"), m_home.files(), m_home.information()})
+        EXPECT_EQ(permissionsOf(folder), 0700U) << folder;
+    EXPECT_EQ(permissionsOf(m_home.information("a.trashinfo")), 0600U);
 }
 
 TEST_F(Trash, TakesFoldersLinksAndPipes) {

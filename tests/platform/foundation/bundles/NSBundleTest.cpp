@@ -2,6 +2,7 @@
 #include "platform/foundation/files/NSFileManager.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/system/OpenItems.h"
 #include "tests/platform/foundation/propertylists/PropertyListDump.h"
 #include "tests/platform/system/LongFolder.h"
 #include "tests/support/Failures.h"
@@ -188,6 +189,17 @@ TEST(NSBundle, NeitherOpensNorWaitsForSpecialFiles) {
         EXPECT_EQ(log.lines(), std::vector<std::string>{"The information file " + folder.path(row.name) +
                                                         "/Contents/Info.plist cannot be used: " + row.reason});
     }
+}
+
+TEST(NSBundle, LogsAFileByItsOwnPathAlsoWhenItIsReadThroughADescriptor) {
+    TemporaryFolder const folder;
+    std::string const made = folder.makeBundle("A.app", "<plist><array/></plist>");
+    FileDescriptor const open(::open(made.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_TRUE(open.isOpen());
+    Log const log;
+    EXPECT_EQ(bundle(descriptorPath(open)).infoDictionary().count(), 0U);
+    EXPECT_EQ(log.lines(), std::vector<std::string>{"The information file " + made +
+                                                    "/Contents/Info.plist cannot be used: It holds no dictionary"});
 }
 
 TEST(NSBundle, LogsAFileAgainWhenItIsBadInAnotherWay) {

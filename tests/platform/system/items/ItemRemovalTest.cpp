@@ -156,6 +156,45 @@ TEST_F(ItemRemoval, NeedsNoPermissionToListTheFolderAboveAFile) {
     EXPECT_EQ(namesIn(m_folder.path("tree")).size(), 4U) << "nothing went before it";
 }
 
+TEST_F(ItemRemoval, RemovesNothingOfAFolderWhoseNameMayNotGo) {
+    m_folder.makeFile("box/item/inner/file", "x");
+    for (char const* const name : {"", "box", "box/item", "box/item/inner", "box/item/inner/file"})
+        OrdinaryUser::own(m_folder.path(name));
+    ASSERT_EQ(::chmod(m_folder.path("box").c_str(), 0555), 0);
+    OrdinaryUser const user;
+    EXPECT_EQ(errorOfRemoval(m_folder.path("box/item")), EACCES);
+    EXPECT_EQ(textOf(m_folder.path("box/item/inner/file")), "x");
+}
+
+TEST_F(ItemRemoval, RemovesNothingOfAFolderWhoseContentsMayNotGo) {
+    m_folder.makeFile("item/a", "a");
+    m_folder.makeFile("item/inner/file", "x");
+    for (char const* const name : {"", "item", "item/a", "item/inner", "item/inner/file"})
+        OrdinaryUser::own(m_folder.path(name));
+    ASSERT_EQ(::chmod(m_folder.path("item/inner").c_str(), 0555), 0);
+    OrdinaryUser const user;
+    EXPECT_EQ(errorOfRemoval(m_folder.path("item")), EACCES);
+    EXPECT_EQ(textOf(m_folder.path("item/a")), "a");
+    EXPECT_EQ(codeOf(confirmRemovable(itemAt(m_folder.path("item")), ClosedFolders::AreOpened)), 0);
+    ASSERT_EQ(::unlink(m_folder.path("item/inner/file").c_str()), -1);
+    ASSERT_EQ(::chmod(m_folder.path("item/inner").c_str(), 0755), 0);
+    ASSERT_EQ(::unlink(m_folder.path("item/inner/file").c_str()), 0);
+    ASSERT_EQ(::chmod(m_folder.path("item/inner").c_str(), 0555), 0);
+    EXPECT_EQ(errorOfRemoval(m_folder.path("item")), 0) << "an empty folder needs no permissions of its own";
+}
+
+TEST_F(ItemRemoval, RemovesNothingAroundAnItemThatASharedFolderKeeps) {
+    if (!OrdinaryUser::isAnother()) GTEST_SKIP() << "only root can make another user's item";
+    m_folder.makeFile("item/a", "a");
+    m_folder.makeFile("item/shared/root's", "x");
+    ASSERT_EQ(::chmod(m_folder.path("item/shared").c_str(), 01777), 0);
+    for (char const* const name : {"", "item", "item/a"})
+        OrdinaryUser::own(m_folder.path(name));
+    OrdinaryUser const user;
+    EXPECT_EQ(errorOfRemoval(m_folder.path("item")), EPERM);
+    EXPECT_EQ(textOf(m_folder.path("item/a")), "a");
+}
+
 TEST_F(ItemRemoval, RemovesAFileAndItsSidecarOrNeither) {
     std::string const file = m_folder.makeFile("file", "x");
     m_folder.makeFile("._file", AppleDouble);

@@ -5,9 +5,11 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -159,6 +161,33 @@ TEST_F(KeptWalk, ComesBackAfterItsFolderWasRemoved) {
     EXPECT_FALSE(recallAnew());
     ASSERT_TRUE(WalkMemory(folder(), [] { return KeptWalkStart; }).keep(someWalk()).isDone());
     EXPECT_TRUE(recallAnew());
+}
+
+// The file of a process that is killed in the middle of writing has no name that is read, and goes with the next one.
+TEST_F(KeptWalk, IsTheOldOneIfItsWriterIsKilled) {
+    RememberedWalk later = someWalk();
+    later.packages = {"/top/B.app"};
+    pid_t const writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        // Asked between the making of the new file and its bytes.
+        WalkMemory memory(folder(), [] { return KeptWalkStart; });
+        static_cast<void>(memory.keep(later, [] { return std::raise(SIGKILL) == 0; }));
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    std::shared_ptr<RememberedWalk const> const read = recallAnew();
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->packages, someWalk().packages);
+    auto const countFiles = [this] {
+        return std::distance(std::filesystem::directory_iterator(folder()), std::filesystem::directory_iterator());
+    };
+    EXPECT_EQ(countFiles(), 2) << "the new file is there, under a temporary name";
+    ASSERT_TRUE(WalkMemory(folder(), [] { return KeptWalkStart; }).keep(later).isDone());
+    EXPECT_EQ(countFiles(), 1);
+    EXPECT_EQ(recallAnew()->packages, later.packages);
 }
 
 } // namespace mac::test

@@ -1,0 +1,60 @@
+#include "platform/system/FileDescriptor.h"
+#include "tests/command/CommandRun.h"
+#include "tests/support/Companion.h"
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+// The command beside neighbours that are missing or keep silent.
+
+namespace framekeeper::test {
+namespace {
+
+// A socket that takes clients and never says a word, like a bus that hangs.
+class SilentBus {
+public:
+    explicit SilentBus(std::string path) : m_path(std::move(path)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        EXPECT_LT(m_path.size(), sizeof address.sun_path);
+        m_path.copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(::bind(m_socket.number(), reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
+        constexpr int mostClients = 16;
+        EXPECT_EQ(::listen(m_socket.number(), mostClients), 0);
+    }
+
+    std::string address() const { return "unix:path=" + m_path; }
+    // How many clients have come since it was asked last.
+    int countClients() const {
+        int clients = 0;
+        while (mac::FileDescriptor(::accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen())
+            ++clients;
+        return clients;
+    }
+
+private:
+    std::string m_path;
+    mac::FileDescriptor m_socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)};
+};
+
+class CommandSurroundings : public CommandTest {};
+
+TEST_F(CommandSurroundings, SayThatACopyCouldNotBeShown) {
+    mac::test::EnvironmentVariable const none("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+    m_desktop.install("/nonexistent/browser");
+    CommandRun const done = run({"reveal", copyAt("a")});
+    EXPECT_EQ(done.status, 1);
+    EXPECT_NE(done.errors.find(": the file browser could not show it\n"), std::string::npos) << done.errors;
+}
+
+TEST_F(CommandSurroundings, WaitOnceForABusThatHangs) {
+    mac::test::RunningCompanion deaf("deaf");
+    SilentBus const bus(m_desktop.folder.path("bus"));
+    mac::test::EnvironmentVariable const address("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str());
+    EXPECT_EQ(run({"quit", text(deaf.bundle())}).status, 0);
+    EXPECT_EQ(bus.countClients(), 1);
+    EXPECT_FALSE(deaf.isRunning());
+}
+
+} // namespace
+} // namespace framekeeper::test
