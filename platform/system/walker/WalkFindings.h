@@ -27,6 +27,8 @@ public:
     void countFolder() { m_foldersVisited.fetch_add(1, std::memory_order_relaxed); }
     void countListRead() { m_listsRead.fetch_add(1, std::memory_order_relaxed); }
     void finish();
+    // Forgets onNews, which is not called once this has returned.
+    void silence();
 
     std::vector<std::string> take();
     // The remembered packages that were not taken yet, if there are at most as many; else none are taken.
@@ -40,7 +42,10 @@ public:
     std::vector<std::string> packagesOfWalk() const;
 
 private:
-    const std::function<void()> m_onNews;
+    void tellNews();
+
+    std::mutex m_newsMutex; // guards m_onNews, also while it is called
+    std::function<void()> m_onNews;
     Keeping const m_keeping;
     std::atomic<std::uint64_t> m_foldersVisited = 0;
     std::atomic<std::uint64_t> m_listsRead = 0;
