@@ -169,7 +169,7 @@ void VolumeWalker::Walk::remember() {
     // What cannot be kept is found anew the next time.
     (void)m_memory->keep({.question = m_question,
                           .start = m_started,
-                          .packages = m_findings.packagesOfWalk(),
+                          .packages = m_findings.takePackagesOfWalk(),
                           .folders = std::make_shared<RememberedFolders const>(std::move(*folders))},
                          shouldStop);
 }

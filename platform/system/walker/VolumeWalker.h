@@ -83,7 +83,8 @@ public:
     // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
     void stop();
     // Stops, and waits for the threads no longer than the patience: a disk may not answer. What has not ended by then
-    // goes on for one more read, tells of nothing, and frees what it uses. REQUIRES: no item is sought.
+    // goes on for one more read, tells of nothing, and frees what it uses. REQUIRES: a sought item's question owns what
+    // it uses.
     void stopWithin(std::chrono::milliseconds patience);
 
     // Returns when the packages that the last walk found have been looked for, so that `takeRemembered` has those that

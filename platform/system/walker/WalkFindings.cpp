@@ -107,9 +107,9 @@ std::vector<std::string> WalkFindings::vanished() const {
     return {m_unconfirmed.begin(), m_unconfirmed.end()};
 }
 
-std::vector<std::string> WalkFindings::packagesOfWalk() const {
+std::vector<std::string> WalkFindings::takePackagesOfWalk() {
     std::lock_guard const lock(m_mutex);
-    return m_packagesOfWalk;
+    return std::exchange(m_packagesOfWalk, {});
 }
 
 } // namespace mac

@@ -15,7 +15,7 @@ namespace mac {
 class WalkFindings {
 public:
     enum class Keeping { UntilTaken, Always };
-    // `Always` keeps the packages for packagesOfWalk() as well.
+    // `Always` keeps the packages for takePackagesOfWalk() as well.
     WalkFindings(std::function<void()> onNews, Keeping keeping);
 
     // Packages that are there, of which the walk has not told yet, or none; once, before any other is found.
@@ -38,8 +38,8 @@ public:
     std::vector<SystemError> unreadable() const;
     // The remembered packages that the walk did not come to; none before it has finished.
     std::vector<std::string> vanished() const;
-    // All packages that the walk came to. REQUIRES: Keeping::Always.
-    std::vector<std::string> packagesOfWalk() const;
+    // All packages that the walk came to, once. REQUIRES: Keeping::Always.
+    std::vector<std::string> takePackagesOfWalk();
 
 private:
     void tellNews();
