@@ -24,7 +24,7 @@ class InventorySync;
 struct SyncStep {
     std::size_t paths{500};
     std::size_t fewestPaths{20};
-    std::chrono::milliseconds time{20};
+    std::chrono::milliseconds time{5};
 };
 
 // The controller's data. The order of the fields is that of their destruction reversed; the query goes with the

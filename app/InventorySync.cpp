@@ -12,7 +12,7 @@ namespace {
 
 // A folder that was moved to the trash is known by a path with a slash at its end, a query's results have none.
 NSString withoutLastSlash(NSString const& path) {
-    return path.hasSuffix_("/") ? path.substringToIndex_(path.length() - 1) : path;
+    return path.codeUnits().ends_with(u'/') ? path.substringToIndex_(path.length() - 1) : path;
 }
 
 NSArray resultsOfQuery(AppController const& controller) {
@@ -49,13 +49,19 @@ NSString InventorySync::pathAt(std::size_t index) const {
     return as<NSString>(item.valueForAttribute_(kMDItemPath));
 }
 
+bool InventorySync::hasFound(NSString const& path) const {
+    NSString const plain = withoutLastSlash(path);
+    return m_found.containsObject_(plain) || (!isSame(plain, path) && m_found.containsObject_(path));
+}
+
 void InventorySync::look(SyncStep const& step) {
     auto const start = std::chrono::steady_clock::now();
     std::size_t const end = std::min(pathCount(), m_looked + step.paths);
     std::size_t const fewest = m_looked + step.fewestPaths;
+    m_looks.reserve(pathCount());
     while (m_looked < end && (m_looked < fewest || std::chrono::steady_clock::now() - start < step.time)) {
         NSString const path = pathAt(m_looked++);
-        if (m_found.containsObject_(path) || m_found.containsObject_(withoutLastSlash(path))) continue;
+        if (hasFound(path)) continue;
         BundleLook look = lookAtBundle(path);
         if (!isCompanion(look)) continue;
         m_found.addObject_(path);

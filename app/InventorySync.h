@@ -26,6 +26,7 @@ public:
 private:
     std::size_t pathCount() const;
     NSString pathAt(std::size_t index) const;
+    bool hasFound(NSString const& path) const;
     void look(SyncStep const& step);
 
     NSArray m_results;

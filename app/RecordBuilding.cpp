@@ -76,9 +76,11 @@ RecordBuilder::Versions* RecordBuilder::sharedVersionsOf(NSString const& shortVe
     auto const known = m_versions.find({shortVersion.codeUnits(), version.codeUnits()});
     if (known != m_versions.end()) return &known->second;
     m_keptTexts.insert(m_keptTexts.end(), {shortVersion, version});
+    std::u16string both(shortVersion.codeUnits());
+    ((both += u" (") += version.codeUnits()) += u')';
     return &m_versions
                 .emplace(std::pair(shortVersion.codeUnits(), version.codeUnits()),
-                         Versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)})
+                         Versions{version, NSString::stringWithCodeUnits(both)})
                 .first->second;
 }
 
@@ -121,12 +123,25 @@ void RecordBuilder::add(NSMutableSet const& records, NSString const& path, Bundl
         records.addObject_(recordWith(path, look.exists, *shared, objects));
         return;
     }
-    if (shared->sample == nil) shared->sample = recordWith(path, true, *shared, objects);
+    records.addObject_(recordLikeSample(path, *shared));
+}
+
+NSMutableDictionary RecordBuilder::recordLikeSample(NSString const& path, Versions& versions) {
+    if (m_sample == nil) m_sample = recordWith(path, true, versions, {});
     RecordKeys const& keys = RecordKeys::shared();
-    NSMutableDictionary const record = uncheckedCast<NSMutableDictionary>(shared->sample.mutableCopy());
+    auto const copyWithVersions = [&] {
+        NSMutableDictionary const copy = uncheckedCast<NSMutableDictionary>(m_sample.mutableCopy());
+        copy.setObject_forKey_(versions.version, keys.version);
+        copy.setObject_forKey_(versions.versionString, keys.versionString);
+        return copy;
+    };
+    bool const comesAgain = std::exchange(versions.hasRecord, true);
+    if (comesAgain && versions.sample == nil) versions.sample = copyWithVersions();
+    NSMutableDictionary const record =
+        comesAgain ? uncheckedCast<NSMutableDictionary>(versions.sample.mutableCopy()) : copyWithVersions();
     record.setObject_forKey_(path, keys.path);
     record.setObject_forKey_(path, keys.displayPath);
-    records.addObject_(record);
+    return record;
 }
 
 void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look) {

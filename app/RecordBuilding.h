@@ -46,8 +46,8 @@ private:
         // Nil for a copy that tells none.
         NSString version;
         NSString versionString;
-        // A record of a copy that exists and is in no source; nil until there was one. Copying it is quicker than
-        // setting each key.
+        bool hasRecord{false};
+        // A record of a copy of these versions that exists and is in no source; nil until there is a second one.
         NSMutableDictionary sample{};
     };
 
@@ -55,9 +55,13 @@ private:
     Versions* sharedVersionsOf(NSString const& shortVersion, NSString const& version);
     NSMutableDictionary recordWith(NSString const& path, bool exists, Versions const& versions,
                                    RecordObjects const& objects) const;
+    // A record of a copy that exists and is in no source.
+    NSMutableDictionary recordLikeSample(NSString const& path, Versions& versions);
     bool isInSource(NSString const& path, RecordObjects const& objects) const;
 
     std::vector<EntriesByPath> m_sources;
+    // A record of some copy that exists and is in no source. Copying it is quicker than setting each key.
+    NSMutableDictionary m_sample;
     // By short version and version: most copies share a few.
     std::map<std::pair<std::u16string_view, std::u16string_view>, Versions> m_versions;
     // Owns the texts that the keys of m_versions view.

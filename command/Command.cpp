@@ -10,7 +10,9 @@
 #include "platform/foundation/text/VisibleLine.h"
 #include "platform/system/StandardStreams.h"
 #include <cstdio>
+#include <memory>
 #include <string_view>
+#include <vector>
 
 namespace framekeeper {
 
@@ -62,8 +64,15 @@ Status statusOfReading(int beeps) {
     return Status::Failed;
 }
 
+// Copies that the process keeps to its end: to free very many of them one by one takes longer than to print them.
+Copies const& keptCopies() {
+    static std::vector<std::unique_ptr<Copies>>& kept =
+        *std::make_unique<std::vector<std::unique_ptr<Copies>>>().release();
+    return *kept.emplace_back(std::make_unique<Copies>());
+}
+
 Status list(CommandLine const& line) {
-    Copies const copies;
+    Copies const& copies = keptCopies();
     bool isFinished = false;
     int const beeps = beepsDuring([&] {
         ProgressLine progress;

@@ -32,7 +32,9 @@ struct RecordKeys {
     }
 };
 
-NSString textIn(id const& record, NSString const& key) { return as<NSString>(record.valueForKey_(key)); }
+id valueIn(id const& record, NSString const& key) { return as<NSDictionary>(record).objectForKey_(key); }
+
+NSString textIn(id const& record, NSString const& key) { return as<NSString>(valueIn(record, key)); }
 
 // nil for a path that tells no version: its record holds an empty text.
 NSString versionIn(id const& record, NSString const& key) {
@@ -40,20 +42,32 @@ NSString versionIn(id const& record, NSString const& key) {
     return version.length() == 0 ? NSString() : version;
 }
 
-bool flagIn(id const& record, NSString const& key) { return as<NSNumber>(record.valueForKey_(key)).boolValue(); }
+bool flagIn(id const& record, NSString const& key) { return as<NSNumber>(valueIn(record, key)).boolValue(); }
 
 std::string visible(NSString const& text) { return text == nil ? "–" : visibleLine(text.codeUnits()); }
 
 // The functions below write behind what the document has already: copies of texts are most of what a long list costs.
+
+// Whether the unit stands for itself in the document.
+bool isPlain(char16_t unit) { return unit >= u' ' && unit < 0x7F && unit != u'"' && unit != u'\\'; }
 
 void appendText(std::string& json, NSString const& text) {
     if (text == nil) {
         json += "null";
         return;
     }
+    std::u16string_view const units = text.codeUnits();
+    if (std::ranges::all_of(units, isPlain)) {
+        json += '"';
+        std::size_t const end = json.size();
+        json.resize(end + units.size());
+        std::ranges::copy(units, json.begin() + static_cast<std::ptrdiff_t>(end));
+        json += '"';
+        return;
+    }
     constexpr std::string_view digits = "0123456789abcdef";
     json += '"';
-    for (char const byte : utf8FromUnits(text.codeUnits())) {
+    for (char const byte : utf8FromUnits(units)) {
         auto const code = static_cast<unsigned char>(byte);
         if (byte == '"' || byte == '\\')
             (json += '\\') += byte;
@@ -81,7 +95,7 @@ void appendPath(std::string& json, NSString const& path, PathKeys keys = PathKey
 
 // The process's ID; nullopt if the record has no process, or it has ended meanwhile.
 std::optional<std::int32_t> processOf(id const& record) {
-    NSNumber const number = as<NSNumber>(record.valueForKey_(RecordKeys::shared().psn));
+    NSNumber const number = as<NSNumber>(valueIn(record, RecordKeys::shared().psn));
     if (number == nil) return {};
     auto const psn = std::bit_cast<ProcessSerialNumber>(static_cast<std::uint64_t>(number.longLongValue()));
     std::int32_t process = 0;
@@ -114,11 +128,17 @@ void appendOutcome(std::string& json, Outcome const& outcome) {
     json += '}';
 }
 
+// How many entries of a document get their place beforehand.
+constexpr std::size_t MostReserved = 1'000'000;
+
 std::string jsonDocument(char const* key, std::size_t count,
                          std::function<void(std::string& json, std::size_t index)> const& append) {
     std::string json = "{\"framekeeper\": " + std::to_string(JSONVersion) + ", \"" + key + "\": [";
-    for (std::size_t index = 0; index < count; ++index)
+    for (std::size_t index = 0; index < count; ++index) {
         append(json += index == 0 ? "\n  " : ",\n  ", index);
+        // About as much for each as for the first: a text that grows while it is written is copied again and again.
+        if (index == 0) json.reserve(json.size() * std::min(count, MostReserved) + json.size());
+    }
     json += count == 0 ? "]}\n" : "\n]}\n";
     return json;
 }

@@ -2,17 +2,37 @@
 #include "platform/Registration.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/spotlight/NSMetadataQuery.h"
+#include <memory>
 
 namespace mac {
+
+namespace {
+
+// Made once: a search asks each of its finds for all of them.
+struct ItemTexts {
+    NSString kind = kMDItemKind;
+    NSString name = kMDItemFSName;
+    NSString path = kMDItemPath;
+    NSString application = "Application";
+
+    static ItemTexts const& shared() {
+        // Never destroyed: objects may ask until the program's last instruction.
+        static ItemTexts const& texts = *std::make_unique<ItemTexts>().release();
+        return texts;
+    }
+};
+
+} // namespace
 
 class NSMetadataItem::Body : public ObjectBody {
 public:
     explicit Body(NSString const& path) : m_path(path) {}
 
     id attribute(NSString const& key) const {
-        if (key.isEqualToString_(kMDItemPath)) return m_path;
-        if (key.isEqualToString_(kMDItemFSName)) return m_path.lastPathComponent();
-        if (key.isEqualToString_(kMDItemKind)) return "Application";
+        ItemTexts const& texts = ItemTexts::shared();
+        if (key.isEqualToString_(texts.path)) return m_path;
+        if (key.isEqualToString_(texts.name)) return m_path.lastPathComponent();
+        if (key.isEqualToString_(texts.kind)) return texts.application;
         return nil;
     }
 

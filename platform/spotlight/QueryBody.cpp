@@ -50,7 +50,9 @@ bool isChanged(std::string folder, std::set<std::string> const& changed) {
 
 NSMetadataQuery::Body::Updating::Updating() = default;
 
-NSMetadataQuery::Body::~Body() = default;
+NSMetadataQuery::Body::~Body() {
+    if (m_walker) m_walker->stopWithin(StopPatience);
+}
 
 NSMetadataQuery NSMetadataQuery::Body::self() { return uncheckedCast<NSMetadataQuery>(id::retain(this)); }
 
@@ -109,6 +111,7 @@ void NSMetadataQuery::Body::stop() {
     ++m_walk;
     m_timer.invalidate();
     m_timer = nil;
+    m_walker->stopWithin(StopPatience);
     m_walker.reset();
     m_watch.reset();
     m_taking.reset();
@@ -187,13 +190,13 @@ void NSMetadataQuery::Body::deliverFinds() {
     if (!m_taking) {
         // Read before the finds are taken: later finds come with the next batch.
         VolumeWalkProgress const progress = m_walker->progress();
-        m_taking = Taking{progress, m_walker->takeFound(), NSMutableArray::arrayWithArray_(m_results)};
+        m_taking = Taking{progress, m_walker->takeFound()};
     }
     if (!takeFinds()) return scheduleDelivery();
     Taking const taken = std::move(*m_taking);
     m_taking.reset();
-    bool const isMore = taken.results.count() > m_results.count();
-    if (isMore) m_results = uncheckedCast<NSArray>(taken.results.copy());
+    bool const isMore = taken.results.count() > 0;
+    if (isMore) m_results = m_results.arrayByAddingObjectsFromArray_(taken.results);
     bool const isLess = takeAwayVanished();
     if (!isMore && !isLess && taken.progress.isFinished) return finishGathering(taken.progress);
     // News between the steps scheduled no delivery, as one was pending. The end of gathering gets a delivery of its

@@ -40,6 +40,10 @@ class NSMetadataQuery::Body : public ObjectBody {
 public:
     enum class Phase { Idle, Gathering, Live, Stopped };
 
+    // A walk that was stopped ends within a few reads of the disk as a rule. A disk that is slow to answer, or does
+    // not, must not hold the main thread.
+    static constexpr std::chrono::milliseconds StopPatience{10};
+
     // How many finds, results or folders are handled in one step, which is too short to be noticed.
     static constexpr std::size_t ItemsInStep = 250;
 
@@ -73,8 +77,9 @@ private:
     struct Taking {
         VolumeWalkProgress progress;
         std::vector<std::string> paths;
-        NSMutableArray results;
         std::size_t taken{0};
+        // The new ones alone.
+        NSMutableArray results = NSMutableArray::array();
     };
     // Changed folders, which are read anew.
     struct Updating {

@@ -78,7 +78,7 @@ Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes,
     FileContents contents{{}, statusOf(status)};
     if (contents.status.kind != FileStatus::Kind::File) return notReadable(contents.status.kind, path);
 
-    // Reads to the end of the file, whatever size its status tells.
+    // Reads to the end of the file, whatever size its status tells: some tell none, and some files grow meanwhile.
     std::array<std::byte, kReadSize> buffer;
     for (;;) {
         ssize_t const count = ::read(file.number(), buffer.data(), buffer.size());
@@ -88,6 +88,8 @@ Result<FileContents> readOpen(FileDescriptor const& file, std::size_t mostBytes,
         if (contents.bytes.size() + static_cast<std::size_t>(count) > mostBytes)
             return notReadable(contents.status.kind, path);
         contents.bytes.insert(contents.bytes.end(), buffer.begin(), buffer.begin() + count);
+        bool const isShort = static_cast<std::size_t>(count) < buffer.size();
+        if (isShort && contents.bytes.size() == contents.status.size) return contents;
     }
 }
 

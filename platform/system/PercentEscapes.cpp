@@ -1,26 +1,35 @@
 #include "platform/system/PercentEscapes.h"
 #include "platform/system/ASCII.h"
+#include <array>
 #include <charconv>
 
 namespace mac {
 
 namespace {
 
-bool staysAsItIs(unsigned char byte) {
+constexpr bool isUnreserved(unsigned char byte) {
     char16_t const lower = lowercaseASCII(byte);
     bool const isLetter = lower >= u'a' && lower <= u'z';
     return isLetter || isASCIIDigit(byte) ||
            std::string_view("/-._~").find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
+constexpr std::array<bool, 256> StaysAsItIs = [] {
+    std::array<bool, 256> stays{};
+    for (std::size_t byte = 0; byte < stays.size(); ++byte)
+        stays.at(byte) = isUnreserved(static_cast<unsigned char>(byte));
+    return stays;
+}();
+
 } // namespace
 
 std::string percentEscaped(std::string_view bytes) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text;
+    text.reserve(bytes.size() + bytes.size() / 2);
     for (char const character : bytes) {
         auto const byte = static_cast<unsigned char>(character);
-        if (staysAsItIs(byte)) {
+        if (StaysAsItIs.at(byte)) {
             text.push_back(character);
             continue;
         }

@@ -31,6 +31,20 @@ TEST(RecordBuilding, CopiesOfOneVersionHaveRecordsOfTheirOwn) {
     EXPECT_EQ(text(recordFrom(builder, "/c", lookAtCompanion("2.1", "210")).objectForKey_("version")), "210");
 }
 
+TEST(RecordBuilding, CopiesOfSeveralVersionsTellTheirOwn) {
+    RecordBuilder builder(makeController());
+    for (int round = 0; round < 3; ++round) {
+        for (char const* const number : {"1", "2", "3"}) {
+            id const version = NSString::stringWithUTF8String_(number);
+            NSDictionary const record = recordFrom(builder, number, lookAtCompanion("2.1", version));
+            EXPECT_EQ(text(record.objectForKey_("path")), number);
+            EXPECT_EQ(text(record.objectForKey_("version")), number);
+            EXPECT_EQ(text(record.objectForKey_("versionString")), "2.1 (" + std::string(number) + ")");
+            as<NSMutableDictionary>(id(record)).setObject_forKey_("changed", "version");
+        }
+    }
+}
+
 TEST(RecordBuilding, ACopyWithoutVersionHasNoneInItsRecord) {
     RecordBuilder builder(makeController());
     EXPECT_TRUE(recordFrom(builder, "/a", lookAtCompanion("2.1", nil)).objectForKey_("version") == nil);

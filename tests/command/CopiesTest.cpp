@@ -11,6 +11,7 @@ TEST_F(CommandCopies, AreThereWhenTheSearchEnds) {
     copyAt("b", "2");
     Copies const copies;
     EXPECT_TRUE(copies.search([](std::size_t) {}));
+    copies.finishSearch();
     ASSERT_EQ(copies.records().count(), 2U);
     EXPECT_EQ(text(as<NSString>(copies.records().objectAtIndex_(0).valueForKey_("version"))), "2");
 }

@@ -97,19 +97,23 @@ struct ReadingProblem {
 
 ReadingProblem problemOf(int code) { return {.reason = reasonOf(code), .isLasting = isErrorOfFile(code)}; }
 
+Result<NSDictionary, ReadingProblem> dictionaryIn(FileContents const& contents) {
+    NSString reason;
+    id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
+        NSData::dataWithBytes(contents.bytes), NSPropertyListImmutable, nullptr, &reason);
+    if (list == nil) return ReadingProblem{reason.UTF8String()};
+    NSDictionary const dictionary = as<NSDictionary>(list);
+    if (dictionary == nil) return ReadingProblem{"It holds no dictionary"};
+    return dictionary;
+}
+
 Result<NSDictionary, ReadingProblem> readInformation(std::string const& path, FileState& state) {
     if (state.error != 0) return problemOf(state.error);
     Result<FileContents> const contents = readFileAtPath(path, kLargestFile);
     if (!contents.hasValue()) return problemOf(contents.problem().code);
     // The file may have changed since its status was read.
     state.status = contents.value().status;
-    NSString reason;
-    id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
-        NSData::dataWithBytes(contents.value().bytes), NSPropertyListImmutable, nullptr, &reason);
-    if (list == nil) return ReadingProblem{reason.UTF8String()};
-    NSDictionary const dictionary = as<NSDictionary>(list);
-    if (dictionary == nil) return ReadingProblem{"It holds no dictionary"};
-    return dictionary;
+    return dictionaryIn(contents.value());
 }
 
 // A parser's complaints in one line.
@@ -285,6 +289,17 @@ public:
         return information;
     }
 
+    // Reads the file in Contents of a bundle of which nothing is known, whose status it would be in vain to ask for
+    // first. nullopt for a known bundle, and if no such file can be read.
+    std::optional<BundleSummary> summaryOfNewBundle(std::string_view bundlePath) {
+        if (m_known.find(hashOfPath(bundlePath))) return std::nullopt;
+        std::int64_t const start = now();
+        Result<FileContents> const contents = readFileAtPath(pathOfPlace(bundlePath, 0), kLargestFile);
+        if (!contents.hasValue()) return std::nullopt;
+        return summaryOf(
+            remember(bundlePath, {.status = contents.value().status}, start, dictionaryIn(contents.value())));
+    }
+
     BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
         if (known && known->isCurrent(state) && known->summary) return *known->summary;
@@ -294,15 +309,20 @@ public:
 private:
     // The state becomes the one that the file was read in.
     NSDictionary readAnew(std::string_view bundlePath, FileState& state) {
-        std::uint64_t const hash = hashOfPath(bundlePath);
-        KnownFile const* const known = m_known.find(hash);
+        KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
         bool const isTold = known && known->state == state;
         std::int64_t const start = now();
-        std::string const path = pathOfPlace(bundlePath, state.place);
-        Result<NSDictionary, ReadingProblem> const read = readInformation(path, state);
+        Result<NSDictionary, ReadingProblem> const read = readInformation(pathOfPlace(bundlePath, state.place), state);
+        return remember(bundlePath, state, start, read, isTold);
+    }
+
+    // What was read of the file, at that time; an empty dictionary if it cannot be used, which is logged.
+    NSDictionary remember(std::string_view bundlePath, FileState const& state, std::int64_t start,
+                          Result<NSDictionary, ReadingProblem> const& read, bool isTold = false) {
         if (!read.hasValue() && !isTold)
             NSLog("The information file %@ cannot be used: %@", toldPathOfPlace(bundlePath, state.place),
                   joinedLines(read.problem().reason));
+        std::uint64_t const hash = hashOfPath(bundlePath);
         m_whole.forget(hash);
         NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
         bool const isLasting = read.hasValue() || read.problem().isLasting;
@@ -330,6 +350,8 @@ NSDictionary informationOfBundle(std::string_view bundlePath) { return sharedInf
 BundleLook lookAtBundle(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes || bytes->empty()) return {};
+    std::optional<BundleSummary> const summary = sharedInformation().summaryOfNewBundle(*bytes);
+    if (summary) return {.exists = true, .summary = *summary};
     std::optional<FileState> file = fileAtPlace(*bytes, 0);
     if (!file || file->error != 0) {
         Result<FileStatus> const status = fileStatusAtPath(*bytes);

@@ -180,8 +180,11 @@ NSArray NSArray::arrayByAddingObject_(id const& object) const {
 
 NSArray NSArray::arrayByAddingObjectsFromArray_(NSArray const& other) const {
     if (*this == nil) return nil;
-    std::vector<id> all = copied(objects());
-    std::ranges::copy(other.objects(), std::back_inserter(all));
+    std::span<id const> const added = other.objects();
+    std::vector<id> all;
+    all.reserve(objects().size() + added.size());
+    all.insert(all.end(), objects().begin(), objects().end());
+    all.insert(all.end(), added.begin(), added.end());
     return adopt<NSArray>(std::move(all));
 }
 

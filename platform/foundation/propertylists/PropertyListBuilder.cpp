@@ -1,4 +1,5 @@
 #include "platform/foundation/propertylists/PropertyListBuilder.h"
+#include "platform/foundation/collections/CollectionBodies.h"
 
 namespace mac {
 
@@ -25,7 +26,9 @@ NSDictionary PropertyListObjects::dictionary(std::vector<NSString> const& keys, 
     for (std::size_t index = 0; index < keys.size(); ++index)
         dictionary.setObject_forKey_(values[index], keys[index]);
     if (makesMutableContainers()) return dictionary;
-    return NSDictionary::dictionaryWithDictionary_(dictionary);
+    NSDictionary const immutable = adopt<NSDictionary>();
+    bodyOf(immutable)->m_entries = std::move(bodyOf(dictionary)->m_entries);
+    return immutable;
 }
 
 PropertyListBuilder::Container PropertyListBuilder::container() const {

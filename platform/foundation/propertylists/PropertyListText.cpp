@@ -1,5 +1,7 @@
 #include "platform/foundation/propertylists/PropertyList.h"
 #include "platform/foundation/propertylists/PropertyListLimits.h"
+#include "platform/foundation/text/Encodings.h"
+#include "platform/system/ASCII.h"
 #include <algorithm>
 #include <memory>
 #include <string_view>
@@ -73,6 +75,10 @@ enum class Named { ByMark, ByText };
 
 Result<std::u16string, Failure> decode(std::string_view bytes, std::string const& encoding,
                                        Named named = Named::ByText) {
+    // Nearly all texts are UTF-8, which needs no converter; one tells what is wrong with the others.
+    if (asciiLowercase(encoding) == "utf-8") {
+        if (std::optional<std::u16string> text = unitsFromUTF8(bytes)) return std::move(*text);
+    }
     UErrorCode status = U_ZERO_ERROR;
     Converter const converter(::ucnv_open(encoding.c_str(), &status));
     if (U_FAILURE(status) || (named == Named::ByText && !keepsASCII(converter.get())))

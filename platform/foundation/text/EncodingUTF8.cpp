@@ -62,8 +62,11 @@ bool decode(std::string_view bytes, std::u16string& units, OnInvalid onInvalid) 
     while (!bytes.empty()) {
         auto const* const end =
             std::find_if(bytes.data(), bytes.data() + bytes.size(), [](char byte) { return byte < 0; });
-        units.append(bytes.data(), end);
-        bytes.remove_prefix(static_cast<std::size_t>(end - bytes.data()));
+        auto const plain = static_cast<std::size_t>(end - bytes.data());
+        std::size_t const filled = units.size();
+        units.resize(filled + plain);
+        std::copy(bytes.data(), end, units.begin() + static_cast<std::ptrdiff_t>(filled));
+        bytes.remove_prefix(plain);
         if (bytes.empty()) return true;
         Sequence const sequence = firstSequence(bytes);
         if (sequence.length > 0)
@@ -108,9 +111,11 @@ std::u16string unitsFromFileSystemBytes(std::string_view bytes) {
 }
 
 std::string utf8FromUnits(std::u16string_view units) {
-    std::string bytes;
+    // Most texts begin with ASCII, or are ASCII as a whole.
+    auto const* const other = std::ranges::find_if(units, [](char16_t unit) { return unit >= 0x80; });
+    std::string bytes(units.begin(), other);
     bytes.reserve(units.size());
-    for (std::size_t index = 0; index < units.size();) {
+    for (std::size_t index = bytes.size(); index < units.size();) {
         char32_t const codePoint = codePointAt(units, index);
         index += unitCount(codePoint);
         appendUTF8(bytes, isSurrogate(codePoint) ? replacementCharacter : codePoint);

@@ -9,8 +9,10 @@
 #include "platform/system/walker/WalkWorker.h"
 #include "platform/system/walker/WorkExchange.h"
 
+#include <condition_variable>
 #include <csignal>
 #include <deque>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -42,7 +44,7 @@ private:
 
 // One thread, the leader, recalls the last walk, lists the volumes, starts the workers, adds to them while the disk is
 // read, tells when all have ended, and leaves what the next walk needs.
-class VolumeWalker::Walk {
+class VolumeWalker::Walk : public std::enable_shared_from_this<Walk> {
 public:
     Walk(VolumeWalkRequest&& request, std::function<void()>&& onNews)
         : m_question{.roots = std::move(request.roots),
@@ -55,11 +57,14 @@ public:
 
     bool start();
     void stop();
+    void stopWithin(std::chrono::milliseconds patience);
     void waitUntilRemembered();
     WalkFindings& findings() { return m_findings; }
 
 private:
     void lead();
+    void search();
+    void close();
     void recall(VolumeList const& list);
     void giveVolumes();
     bool haveWorkers(unsigned count);
@@ -82,23 +87,43 @@ private:
     std::vector<std::thread> m_workers;
     std::thread m_leader;
     std::atomic<bool> m_wasStopped = false;
+    std::mutex m_endMutex; // guards m_hasEnded
+    std::condition_variable m_ended;
+    bool m_hasEnded = false; // the leader has nothing left to do
 };
 
 bool VolumeWalker::Walk::start() {
     if (m_leader.joinable() || m_wasStopped) return false;
     SignalsForOtherThreads const signals;
     try {
-        m_leader = std::thread([this] { lead(); });
+        m_leader = std::thread([self = shared_from_this()] { self->lead(); });
     } catch (std::system_error const&) {
         return false;
     }
     return true;
 }
 
-void VolumeWalker::Walk::stop() {
+void VolumeWalker::Walk::close() {
     m_wasStopped = true;
     m_exchange.close();
+}
+
+void VolumeWalker::Walk::stop() {
+    close();
     if (m_leader.joinable()) m_leader.join();
+}
+
+void VolumeWalker::Walk::stopWithin(std::chrono::milliseconds patience) {
+    close();
+    m_findings.silence();
+    if (!m_leader.joinable()) return;
+    std::unique_lock lock(m_endMutex);
+    bool const hasEnded = m_ended.wait_for(lock, patience, [this] { return m_hasEnded; });
+    lock.unlock();
+    if (hasEnded)
+        m_leader.join();
+    else
+        m_leader.detach();
 }
 
 void VolumeWalker::Walk::waitUntilRemembered() {
@@ -106,6 +131,13 @@ void VolumeWalker::Walk::waitUntilRemembered() {
 }
 
 void VolumeWalker::Walk::lead() {
+    search();
+    std::lock_guard const lock(m_endMutex);
+    m_hasEnded = true;
+    m_ended.notify_all();
+}
+
+void VolumeWalker::Walk::search() {
     if (m_memory) m_started = m_memory->now();
     giveVolumes();
     ThreadPace pace(std::thread::hardware_concurrency(), m_budget.threads, blocksReadByProcess());
@@ -137,7 +169,7 @@ void VolumeWalker::Walk::remember() {
     // What cannot be kept is found anew the next time.
     (void)m_memory->keep({.question = m_question,
                           .start = m_started,
-                          .packages = m_findings.packagesOfWalk(),
+                          .packages = m_findings.takePackagesOfWalk(),
                           .folders = std::make_shared<RememberedFolders const>(std::move(*folders))},
                          shouldStop);
 }
@@ -188,13 +220,15 @@ void VolumeWalker::Walk::work(FolderLog& log) {
 }
 
 VolumeWalker::VolumeWalker(VolumeWalkRequest request, std::function<void()> onNews)
-    : m_walk(std::make_unique<Walk>(std::move(request), std::move(onNews))) {}
+    : m_walk(std::make_shared<Walk>(std::move(request), std::move(onNews))) {}
 
 VolumeWalker::~VolumeWalker() { stop(); }
 
 bool VolumeWalker::start() { return m_walk->start(); }
 
 void VolumeWalker::stop() { m_walk->stop(); }
+
+void VolumeWalker::stopWithin(std::chrono::milliseconds patience) { m_walk->stopWithin(patience); }
 
 bool VolumeWalker::waitUntilRecalled(std::chrono::milliseconds patience) const {
     return m_walk->findings().waitUntilRecalled(patience);

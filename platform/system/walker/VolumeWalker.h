@@ -54,7 +54,7 @@ struct VolumeWalkProgress {
 };
 
 // Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was
-// found whenever it likes, and may stop it. All operations but start and stop may be called from any thread.
+// found whenever it likes, and may stop it. All operations but start and those that stop may be called from any thread.
 //
 // Every wanted package that is there during the whole walk is found exactly once. Links are never followed. A folder
 // mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
@@ -72,7 +72,7 @@ public:
     static constexpr std::size_t maximumUnreadableListed = 1000;
 
     // `onNews` is called in one of the walk's threads at the first find after the start or after a take, and once when
-    // the walk has finished; it must not throw, nor stop the walk. It is not called after `stop` has returned.
+    // the walk has finished; it must not throw, nor stop the walk. It is not called once the walk was stopped.
     VolumeWalker(VolumeWalkRequest request, std::function<void()> onNews);
     ~VolumeWalker(); // stops
     VolumeWalker(VolumeWalker const&) = delete;
@@ -82,6 +82,10 @@ public:
     bool start();
     // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
     void stop();
+    // Stops, and waits for the threads no longer than the patience: a disk may not answer. What has not ended by then
+    // goes on for one more read, tells of nothing, and frees what it uses. REQUIRES: a sought item's question owns what
+    // it uses.
+    void stopWithin(std::chrono::milliseconds patience);
 
     // Returns when the packages that the last walk found have been looked for, so that `takeRemembered` has those that
     // are still there; false if that takes longer than the patience. Without a memory there are none, and it returns
@@ -103,7 +107,7 @@ public:
 
 private:
     class Walk;
-    std::unique_ptr<Walk> m_walk;
+    std::shared_ptr<Walk> m_walk; // also of its leading thread, which may outlast this object
 };
 
 } // namespace mac

@@ -21,7 +21,7 @@ void WalkFindings::addRemembered(std::vector<std::string>&& paths) {
         m_isRecalled = true;
     }
     m_recalled.notify_all();
-    if (isAny && m_onNews) m_onNews();
+    if (isAny) tellNews();
 }
 
 bool WalkFindings::waitUntilRecalled(std::chrono::milliseconds patience) const {
@@ -38,7 +38,7 @@ void WalkFindings::addPackage(std::string&& path) {
         ++m_progress.packagesFound;
         if (std::exchange(m_newsWereTold, true)) return;
     }
-    if (m_onNews) m_onNews();
+    tellNews();
 }
 
 void WalkFindings::addUnreadable(std::string_view path, SystemError const& error) {
@@ -54,7 +54,17 @@ void WalkFindings::finish() {
         m_progress.isFinished = true;
         m_progress.packagesFound -= m_unconfirmed.size();
     }
+    tellNews();
+}
+
+void WalkFindings::tellNews() {
+    std::lock_guard const lock(m_newsMutex);
     if (m_onNews) m_onNews();
+}
+
+void WalkFindings::silence() {
+    std::lock_guard const lock(m_newsMutex);
+    m_onNews = nullptr;
 }
 
 std::vector<std::string> WalkFindings::take() {
@@ -97,9 +107,9 @@ std::vector<std::string> WalkFindings::vanished() const {
     return {m_unconfirmed.begin(), m_unconfirmed.end()};
 }
 
-std::vector<std::string> WalkFindings::packagesOfWalk() const {
+std::vector<std::string> WalkFindings::takePackagesOfWalk() {
     std::lock_guard const lock(m_mutex);
-    return m_packagesOfWalk;
+    return std::exchange(m_packagesOfWalk, {});
 }
 
 } // namespace mac

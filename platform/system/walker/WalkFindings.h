@@ -15,7 +15,7 @@ namespace mac {
 class WalkFindings {
 public:
     enum class Keeping { UntilTaken, Always };
-    // `Always` keeps the packages for packagesOfWalk() as well.
+    // `Always` keeps the packages for takePackagesOfWalk() as well.
     WalkFindings(std::function<void()> onNews, Keeping keeping);
 
     // Packages that are there, of which the walk has not told yet, or none; once, before any other is found.
@@ -27,6 +27,8 @@ public:
     void countFolder() { m_foldersVisited.fetch_add(1, std::memory_order_relaxed); }
     void countListRead() { m_listsRead.fetch_add(1, std::memory_order_relaxed); }
     void finish();
+    // Forgets onNews, which is not called once this has returned.
+    void silence();
 
     std::vector<std::string> take();
     // The remembered packages that were not taken yet, if there are at most as many; else none are taken.
@@ -36,11 +38,14 @@ public:
     std::vector<SystemError> unreadable() const;
     // The remembered packages that the walk did not come to; none before it has finished.
     std::vector<std::string> vanished() const;
-    // All packages that the walk came to. REQUIRES: Keeping::Always.
-    std::vector<std::string> packagesOfWalk() const;
+    // All packages that the walk came to, once. REQUIRES: Keeping::Always.
+    std::vector<std::string> takePackagesOfWalk();
 
 private:
-    const std::function<void()> m_onNews;
+    void tellNews();
+
+    std::mutex m_newsMutex; // guards m_onNews, also while it is called
+    std::function<void()> m_onNews;
     Keeping const m_keeping;
     std::atomic<std::uint64_t> m_foldersVisited = 0;
     std::atomic<std::uint64_t> m_listsRead = 0;

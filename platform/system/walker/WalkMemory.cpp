@@ -75,10 +75,18 @@ std::shared_ptr<RememberedWalk const> WalkMemory::recall(WalkQuestion const& que
     return serves ? m_walk : nullptr;
 }
 
+// A walk that was given up may come here after one that began later. A start that the clock has not come to yet is from
+// before the clock was set back.
+bool WalkMemory::hasLaterThan(RememberedWalk const& walk) const {
+    return m_walk && m_walk->start > walk.start && m_walk->start <= now();
+}
+
 Result<void> WalkMemory::keep(RememberedWalk walk, std::function<bool()> const& shouldStop) {
+    SystemError const replaced{.code = ESTALE, .operation = "rename", .item = fileName};
     auto const kept = std::make_shared<RememberedWalk const>(std::move(walk));
     {
         std::lock_guard const lock(m_mutex);
+        if (hasLaterThan(*kept)) return replaced;
         m_walk = kept;
     }
     Result<FileDescriptor> const home = openPath(homeOfCaches(m_folder), O_PATH | O_DIRECTORY);
@@ -90,7 +98,9 @@ Result<void> WalkMemory::keep(RememberedWalk walk, std::function<bool()> const& 
     Result<NewFile> file = NewFile::make(*folder, OwnersAlone);
     if (!file.hasValue()) return file.problem();
     Result<void> const written = writeInBlocks(file.value(), bytesOfWalk(*kept), shouldStop);
-    return written.isDone() ? file.value().giveNameUnflushed(fileName) : written;
+    if (!written.isDone()) return written;
+    std::lock_guard const lock(m_mutex);
+    return m_walk == kept ? file.value().giveNameUnflushed(fileName) : replaced;
 }
 
 } // namespace mac

@@ -50,11 +50,14 @@ public:
     // start.
     std::shared_ptr<RememberedWalk const> recall(WalkQuestion const& question);
     // Replaces what was kept. It is in memory even if it could not be written, or if shouldStop, which is asked while
-    // it is written, ended that (ECANCELED).
+    // it is written, ended that (ECANCELED). A walk that began later than this one stays, also if it is kept while this
+    // one is written (ESTALE).
     Result<void> keep(
         RememberedWalk walk, std::function<bool()> const& shouldStop = [] { return false; });
 
 private:
+    bool hasLaterThan(RememberedWalk const& walk) const; // m_mutex is held
+
     std::string const m_folder;
     std::function<std::int64_t()> const m_clock;
     std::mutex m_mutex; // guards what follows

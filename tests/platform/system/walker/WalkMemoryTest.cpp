@@ -145,6 +145,44 @@ TEST_F(KeptWalk, IsNotWrittenAfterAStop) {
     EXPECT_TRUE(memory.recall(someWalk().question));
 }
 
+// A walk that was given up may be slow to end, and what a walk that began later has left by then is the newer.
+TEST_F(KeptWalk, IsNotReplacedByOneThatBeganEarlier) {
+    WalkMemory memory(folder(), [] { return KeptWalkStart; });
+    ASSERT_TRUE(memory.keep(someWalk()).isDone());
+    RememberedWalk earlier = someWalk();
+    earlier.start -= 1;
+    EXPECT_FALSE(memory.keep(std::move(earlier)).isDone());
+    EXPECT_EQ(memory.recall(someWalk().question)->start, KeptWalkStart);
+    EXPECT_EQ(recallAnew()->start, KeptWalkStart);
+}
+
+TEST_F(KeptWalk, IsNotReplacedByOneThatWasBeingWrittenMeanwhile) {
+    WalkMemory memory(folder(), [] { return KeptWalkStart; });
+    RememberedWalk earlier = someWalk();
+    earlier.start -= 1;
+    bool isLaterKept = false;
+    auto const keepLater = [&] {
+        isLaterKept = isLaterKept || memory.keep(someWalk()).isDone();
+        return false;
+    };
+    EXPECT_FALSE(memory.keep(std::move(earlier), keepLater).isDone());
+    ASSERT_TRUE(isLaterKept);
+    EXPECT_EQ(memory.recall(someWalk().question)->start, KeptWalkStart);
+    EXPECT_EQ(recallAnew()->start, KeptWalkStart);
+}
+
+TEST_F(KeptWalk, IsReplacedByOneThatBeganEarlierOnceTheClockIsSetBack) {
+    std::int64_t now = KeptWalkStart;
+    WalkMemory memory(folder(), [&now] { return now; });
+    ASSERT_TRUE(memory.keep(someWalk()).isDone());
+    now -= 2;
+    RememberedWalk earlier = someWalk();
+    earlier.start = now;
+    EXPECT_TRUE(memory.keep(std::move(earlier)).isDone());
+    EXPECT_EQ(memory.recall(someWalk().question)->start, now);
+    EXPECT_EQ(recallAnew()->start, now);
+}
+
 TEST_F(KeptWalk, MakesNoHomeThatIsMissing) {
     TemporaryFolder const place;
     WalkMemory memory(place.path("no home/.cache/framekeeper"), [] { return KeptWalkStart; });

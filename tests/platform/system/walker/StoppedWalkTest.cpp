@@ -1,0 +1,73 @@
+#include "platform/system/walker/VolumeWalker.h"
+#include "tests/platform/system/walker/Walk.h"
+#include "tests/support/TemporaryFolder.h"
+#include <atomic>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/stat.h>
+#include <thread>
+
+namespace mac::test {
+
+namespace {
+
+// A folder that does not answer, in whose place the question whether an item is the sought one hangs.
+struct HangingFolder {
+    std::atomic<bool> isAsked = false;
+    std::atomic<bool> answers = false;
+    std::atomic<bool> hasAnswered = false;
+
+    void hang() {
+        isAsked = true;
+        isAsked.notify_all();
+        answers.wait(false);
+        hasAnswered = true;
+        hasAnswered.notify_all();
+    }
+};
+
+} // namespace
+
+TEST(StoppedWalk, LeavesAThreadBehindThatHangs) {
+    TemporaryFolder const folder;
+    struct stat status {};
+    ASSERT_EQ(::stat(folder.makeFile("a/file", "").c_str(), &status), 0);
+    auto const hanging = std::make_shared<HangingFolder>();
+    std::atomic<int> calls = 0;
+    {
+        SoughtItem item{.inode = status.st_ino, .isFolder = false};
+        item.accepts = [hanging](FileDescriptor const&, std::string const&) {
+            hanging->hang();
+            return true;
+        };
+        VolumeWalker walker({.roots = {folder.path()}, .packageSuffix = "", .item = item}, [&calls] { ++calls; });
+        ASSERT_TRUE(walker.start());
+        hanging->isAsked.wait(false);
+        walker.stopWithin(std::chrono::milliseconds(1));
+        EXPECT_FALSE(walker.progress().isFinished);
+        EXPECT_FALSE(walker.start());
+    }
+    EXPECT_FALSE(hanging->hasAnswered);
+    hanging->answers = true;
+    hanging->answers.notify_all();
+    hanging->hasAnswered.wait(false);
+    // What the thread uses is freed by the thread itself, at last what it asks with.
+    while (hanging.use_count() > 1)
+        std::this_thread::yield();
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(StoppedWalk, EndsItsThreadsWithinAPatienceThatIsLongEnough) {
+    FolderForMany const folder;
+    makeRandomTree(folder->path(), 1);
+    for (int i = 0; i < 50; ++i) {
+        auto const news = std::make_shared<int>(0);
+        VolumeWalker walker({.roots = {folder->path()}}, [news] {});
+        ASSERT_TRUE(walker.start());
+        walker.stopWithin(std::chrono::hours(1));
+        EXPECT_EQ(news.use_count(), 1);
+    }
+}
+
+} // namespace mac::test
