@@ -4,6 +4,7 @@
 #include "pathutils/FileOperations.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "scripting/ProcessesAndFinder.h"
 
 namespace framekeeper {
@@ -54,7 +55,7 @@ void AppController::putBackAction_(id const&) const {
     isOnHarddiskPaths().addObject_(NSString::stringWithFileSystemRepresentation_(back.value()));
     forgetTrashing(*this, path);
     reSync();
-    tell(*this, "Put back.", Offer::Nothing);
+    tell(*this, NSLocalizedString("Put back.", nil), Offer::Nothing);
 }
 
 void AppController::deleteAction_(id const&) const {
@@ -73,7 +74,7 @@ void AppController::swapIconAction_(id const&) const {
     if (swap.isWritten()) remember(*this, SwappedIcon{path, swap.formerName, swap.newName});
     if (swap.failure != nil) return fail(swap.failure);
     if (!KRAPathRevealInFinder(path)) return fail("Could not reveal in Finder.");
-    tell(*this, "Icon swapped.", Offer::Undo);
+    tell(*this, NSLocalizedString("Icon swapped.", nil), Offer::Undo);
 }
 
 } // namespace framekeeper

@@ -6,6 +6,7 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/preferences/CFPreferences.h"
 #include "scripting/AppleScriptExecution.h"
 
@@ -119,7 +120,7 @@ void AppController::addToAutoLaunchAction_(id const&) const {
         if (isNew) change.added.push_back(entry.valueForKey_("autolaunchItem"));
     }
     remember(*this, std::move(change));
-    tell(*this, "Added to the login items.", Offer::Undo);
+    tell(*this, NSLocalizedString("Added to the login items.", nil), Offer::Undo);
 }
 
 void AppController::unAutoLaunchAction_(id const&) const {
@@ -140,7 +141,7 @@ void AppController::unAutoLaunchAction_(id const&) const {
     reSync();
     if (!isWritten) return;
     remember(*this, std::move(change));
-    tell(*this, "Removed from the login items.", Offer::Undo);
+    tell(*this, NSLocalizedString("Removed from the login items.", nil), Offer::Undo);
 }
 
 void AppController::showAccountsAction_(id const&) const {

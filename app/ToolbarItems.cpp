@@ -5,6 +5,7 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/foundation/urls/NSURL.h"
 #include "platform/preferences/CFPreferences.h"
 
@@ -98,7 +99,7 @@ void AppController::unToolbarAction_(id const& sender) const {
     reSync();
     if (!isWritten) return;
     remember(*this, std::move(change));
-    tell(*this, "Removed from the places.", Offer::Undo);
+    tell(*this, NSLocalizedString("Removed from the places.", nil), Offer::Undo);
     quitFinderAction_(sender);
 }
 

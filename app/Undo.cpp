@@ -3,6 +3,7 @@
 #include "app/IconSwap.h"
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/running/Beep.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -10,7 +11,7 @@ namespace framekeeper {
 namespace {
 
 constexpr std::size_t MostSteps = 100;
-constexpr char CouldNotBeUndone[] = "That could not be undone.";
+NSString couldNotBeUndone() { return NSLocalizedString("That could not be undone.", nil); }
 
 // The outcome of taking a step back.
 struct Undone {
@@ -31,7 +32,7 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
     known.removeObject_(copy.pathInTrash);
     if (copy.wasOnHarddisk) known.addObject_(copy.path);
     controller.reSync();
-    return {.notice = "Put back."};
+    return {.notice = NSLocalizedString("Put back.", nil)};
 }
 
 // How one of the lists is read and written.
@@ -73,20 +74,21 @@ Undone takeBack(AppController const& controller, ListChange const& change) {
     ListAccess const list = accessTo(change.list);
     ListRead const present = list.read();
     // The added entry may be in the part that could not be read, and would stay in the list.
-    if (!present.isWhole) return {CouldNotBeUndone, Undone::Step::Stays};
+    if (!present.isWhole) return {couldNotBeUndone(), Undone::Step::Stays};
     bool const isWritten = (controller.*list.write)(listBefore(present.items, change));
     (controller.*list.sync)();
     controller.reSync();
-    if (!isWritten) return {CouldNotBeUndone, Undone::Step::Stays};
-    if (change.list == ListChange::List::LoginItems) return {.notice = "The login items are as before."};
+    if (!isWritten) return {couldNotBeUndone(), Undone::Step::Stays};
+    if (change.list == ListChange::List::LoginItems)
+        return {.notice = NSLocalizedString("The login items are as before.", nil)};
     // The file browser takes up the list when it starts; one that does not run will.
     if (bodyOf(controller)->_lookUpFinder() != nil) controller.quitFinderAction_(nil);
-    return {.notice = "Back in the places."};
+    return {.notice = NSLocalizedString("Back in the places.", nil)};
 }
 
 Undone takeBack(AppController const&, SwappedIcon const& icon) {
     IconSwap const swap = swapIcon(icon.path, icon.newName);
-    if (swap.isWritten()) return {.notice = "The former icon is back."};
+    if (swap.isWritten()) return {.notice = NSLocalizedString("The former icon is back.", nil)};
     return {swap.failure, Undone::Step::IsGone};
 }
 
@@ -113,7 +115,7 @@ void rememberTrashing(AppController const& controller, NSString const& path, NSS
         copy.item = place.value()->trashed;
         remember(controller, std::move(copy));
     }
-    tell(controller, "Moved to the trash.", isFound ? Offer::Undo : Offer::Nothing);
+    tell(controller, NSLocalizedString("Moved to the trash.", nil), isFound ? Offer::Undo : Offer::Nothing);
 }
 
 ListChange::Removed removedItem(NSArray const& list, NSUInteger index) {

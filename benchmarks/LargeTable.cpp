@@ -54,11 +54,14 @@ public:
     }
 
     // The longest time in milliseconds that the main thread is held by the step and by all that follows from it, until
-    // no work is left.
-    double longestHold(std::function<void()> const& step) {
+    // it is done and no work is left.
+    double longestHold(
+        std::function<void()> const& step, std::function<bool()> const& isDone = [] { return true; }) {
         m_longest = 0;
         QTimer::singleShot(0, this, step);
-        finishEvents();
+        do
+            finishEvents();
+        while (!isDone());
         return m_longest;
     }
 
@@ -147,23 +150,29 @@ void measureProgram(MeasuringApplication& application, NSString const& interface
     AppController const controller = as<AppController>(file.controller());
     auto* const table = file.widget()->findChild<QTableView*>("pathsTable");
     auto* const filter = file.widget()->findChild<QLineEdit*>("filterField");
+    NSArrayController const arrangement = controller.pathsArrayController();
     auto const fillWith = [&](int count) {
         NSMutableSet records = recordsOf(controller, copies(count));
-        return application.longestHold([&] {
-            controller.setPaths_(records);
-            records = nil;
-        });
+        return application.longestHold(
+            [&] {
+                controller.setPaths_(records);
+                records = nil;
+            },
+            [&] { return isSame(arrangement.content(), controller.paths()); });
     };
+    auto const showsRows = [&](int count) { return [=] { return table->model()->rowCount() == count; }; };
     results.fill.ours.push_back(fillWith(RowCount));
     table->selectionModel()->select(table->model()->index(RowCount / 2, 0),
                                     QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     results.sameAgain.ours.push_back(fillWith(RowCount));
     results.replacement.ours.push_back(fillWith(RowCount + FurtherRows));
+    NSArray const order = arrangement.sortDescriptors();
     results.order.ours.push_back(
-        application.longestHold([&] { emit table->horizontalHeader()->sectionClicked(PathColumn); }));
-    results.filter.ours.push_back(application.longestHold([&] { filter->setText("9"); }));
-    filter->clear();
-    application.finishEvents();
+        application.longestHold([&] { emit table->horizontalHeader()->sectionClicked(PathColumn); },
+                                [&] { return !arrangement.sortDescriptors().isEqual_(order); }));
+    results.filter.ours.push_back(
+        application.longestHold([&] { filter->setText("9"); }, [&] { return arrangement.filterPredicate() != nil; }));
+    application.longestHold([&] { filter->clear(); }, showsRows(RowCount + FurtherRows));
     results.selection.ours.push_back(application.longestHold([&] { table->selectAll(); }));
 }
 

@@ -877,5 +877,45 @@ Opens the window, or brings the open one to the front.
     <source>Shows what is known of the selected copy beside the table</source>
     <translation>Zeigt neben der Tabelle, was über die ausgewählte Kopie bekannt ist</translation>
 </message>
+<message>
+    <source>Put back.</source>
+    <translation>Zurückgelegt.</translation>
+</message>
+<message>
+    <source>The login items are as before.</source>
+    <translation>Die Anmeldeobjekte sind wie zuvor.</translation>
+</message>
+<message>
+    <source>Back in the places.</source>
+    <translation>Wieder in den Orten.</translation>
+</message>
+<message>
+    <source>The former icon is back.</source>
+    <translation>Das frühere Symbol ist wieder da.</translation>
+</message>
+<message>
+    <source>Moved to the trash.</source>
+    <translation>In den Papierkorb gelegt.</translation>
+</message>
+<message>
+    <source>Icon swapped.</source>
+    <translation>Symbol getauscht.</translation>
+</message>
+<message>
+    <source>Added to the login items.</source>
+    <translation>Startet jetzt bei der Anmeldung.</translation>
+</message>
+<message>
+    <source>Removed from the login items.</source>
+    <translation>Startet nicht mehr bei der Anmeldung.</translation>
+</message>
+<message>
+    <source>Removed from the places.</source>
+    <translation>Aus den Orten entfernt.</translation>
+</message>
+<message>
+    <source>That could not be undone.</source>
+    <translation>Das ließ sich nicht rückgängig machen.</translation>
+</message>
 </context>
 </TS>

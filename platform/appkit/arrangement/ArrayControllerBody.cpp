@@ -1,8 +1,6 @@
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
 #include "platform/appkit/arrangement/IdentityPlaces.h"
-#include "platform/foundation/collections/NSSet.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
-#include "platform/foundation/objects/Exceptions.h"
 #include <algorithm>
 #include <exception>
 #include <optional>
@@ -51,68 +49,18 @@ void raise(std::exception_ptr const& exception) {
     if (exception) std::rethrow_exception(exception);
 }
 
-NSArray objectsOf(id const& content) {
-    if (content == nil) return NSArray::array();
-    if (content.isKindOfClass_(classOf<NSSet>())) return as<NSSet>(content).allObjects();
-    if (content.isKindOfClass_(classOf<NSArray>())) return as<NSArray>(content);
-    throw NSInvalidArgumentException("The content of an array controller must be an array or a set, not " +
-                                     std::string(content.class_().name()));
-}
-
 } // namespace
 
-NSArrayController::Body::Entry NSArrayController::Body::makeEntry(id const& object) const {
-    return {object, m_identityKeyPath == nil ? object : valueOfKeyPath(object, m_identityKeyPath)};
-}
-
-// What was there before takes over row and selection. Everything is read of an object while it is at hand: looking at
-// each once more is what costs.
-NSArrayController::Body::Reading NSArrayController::Body::read(id const& content) const {
-    NSArray const objects = objectsOf(content);
-    SortValueReader const sortValues(m_descriptors);
-    IdentityPlaces places(m_identityKeyPath != nil, m_entries.size());
-    for (std::size_t place = 0; place < m_entries.size(); ++place)
-        places.add(m_entries[place].identity, place);
-
-    std::vector<Entry> entries;
-    std::vector<id> values;
-    entries.reserve(objects.count());
-    values.reserve(objects.count() * sortValues.width());
-    std::vector<std::size_t> indexAtPlace(m_entries.size(), KeptOrder::None);
-    std::vector<std::size_t> added;
-    for (id const& object : objects) {
-        Entry entry = makeEntry(object);
-        sortValues.append(values, object);
-        if (std::optional<std::size_t> const place = places.take(entry.identity)) {
-            entry.row = m_entries[*place].row;
-            entry.isSelected = m_entries[*place].isSelected;
-            indexAtPlace[*place] = entries.size();
-        } else {
-            added.push_back(entries.size());
-        }
-        entries.push_back(std::move(entry));
-    }
-
-    Reading result;
-    result.entries.reserve(entries.size());
-    result.formerPlaces.reserve(entries.size());
-    result.sortValues.reserve(values.size());
-    auto const take = [&](std::size_t index, std::size_t formerPlace) {
-        result.entries.push_back(std::move(entries[index]));
-        result.formerPlaces.push_back(formerPlace);
-        for (std::size_t i = 0; i < sortValues.width(); ++i)
-            result.sortValues.push_back(std::move(values[index * sortValues.width() + i]));
-    };
-    for (std::size_t place = 0; place < indexAtPlace.size(); ++place) {
-        if (indexAtPlace[place] != KeptOrder::None) take(indexAtPlace[place], place);
-    }
-    for (std::size_t const index : added)
-        take(index, KeptOrder::None);
+ContentEntries NSArrayController::Body::read(id const& content) const {
+    ContentReading reading(content, m_entries, {m_identityKeyPath, m_descriptors});
+    while (!reading.advance(SIZE_MAX)) {}
+    ContentEntries result = std::move(reading.result());
+    takeOverRows(result);
     return result;
 }
 
-NSArrayController::Body::Reading NSArrayController::Body::readAnew() const {
-    Reading result{m_entries, std::vector<std::size_t>(m_entries.size(), KeptOrder::None), {}};
+ContentEntries NSArrayController::Body::readAnew() const {
+    ContentEntries result{m_entries, std::vector<std::size_t>(m_entries.size(), KeptOrder::None), {}};
     SortValueReader const sortValues(m_descriptors);
     result.sortValues.reserve(result.entries.size() * sortValues.width());
     for (Entry const& entry : result.entries)
@@ -120,12 +68,21 @@ NSArrayController::Body::Reading NSArrayController::Body::readAnew() const {
     return result;
 }
 
-NSArrayController::Body::Sorted NSArrayController::Body::sorted(Reading reading) const {
-    auto [order, values] = m_order.sort(std::move(reading.sortValues), reading.formerPlaces, m_descriptors);
+void NSArrayController::Body::takeOverRows(ContentEntries& content) const {
+    for (std::size_t index = 0; index < content.entries.size(); ++index) {
+        std::size_t const place = content.formerPlaces[index];
+        if (place == KeptOrder::None) return;
+        content.entries[index].row = m_entries[place].row;
+        content.entries[index].isSelected = m_entries[place].isSelected;
+    }
+}
+
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(ContentEntries content) const {
+    auto [order, values] = m_order.sort(std::move(content.sortValues), content.formerPlaces, m_descriptors);
     Sorted result{{}, std::move(values)};
-    result.entries.reserve(reading.entries.size());
+    result.entries.reserve(content.entries.size());
     for (std::size_t const index : order)
-        result.entries.push_back(std::move(reading.entries[index]));
+        result.entries.push_back(std::move(content.entries[index]));
     return result;
 }
 
@@ -190,9 +147,9 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     discarded.push_back(std::move(formerContent));
     discarded.push_back(std::exchange(m_previouslyArranged, nil));
     m_discarded.add(std::move(discarded));
+    // What is under way was read of what was shown before.
     if (m_upcoming) {
-        // It was read of what was shown before.
-        m_upcoming = Upcoming{.criteria = std::move(m_upcoming->criteria)};
+        beginAnew();
         advanceLater();
     }
     raise(raised);
@@ -200,6 +157,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
 
 void NSArrayController::Body::setContent(id const& content) {
     Arrangement arrangement = arrange(sorted(read(content)));
+    forgetUpcomingContent();
     if (content == nil) {
         for (Entry const& entry : m_entries) {
             if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
@@ -218,7 +176,7 @@ void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {
     m_identityKeyPath = uncheckedCast<NSString>(keyPath.copy());
     m_awaited.clear();
     for (Entry& entry : m_entries)
-        entry.identity = makeEntry(entry.object).identity;
+        entry.identity = entryOf(entry.object, m_identityKeyPath).identity;
 }
 
 NSArray NSArrayController::Body::selectedObjects() const {
@@ -232,7 +190,7 @@ NSArray NSArrayController::Body::selectedObjects() const {
 bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
     IdentityPlaces wanted(m_identityKeyPath != nil, objects.count());
     for (id const& object : objects)
-        wanted.add(makeEntry(object).identity, 0);
+        wanted.add(entryOf(object, m_identityKeyPath).identity, 0);
     std::vector<NSUInteger> rows;
     for (Entry const& entry : m_entries) {
         if (entry.row != NSNotFound && wanted.take(entry.identity)) rows.push_back(entry.row);
@@ -265,6 +223,8 @@ void NSArrayController::Body::bind(id const& object, NSString const& keyPath) {
     readBinding();
 }
 
-void NSArrayController::Body::readBinding() { setContent(m_boundObject.load().valueForKeyPath_(m_boundKeyPath)); }
+void NSArrayController::Body::readBinding() {
+    changeContentInSteps(m_boundObject.load().valueForKeyPath_(m_boundKeyPath));
+}
 
 } // namespace mac

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appkit/arrangement/ContentReading.h"
 #include "platform/appkit/arrangement/KeptOrder.h"
 #include "platform/appkit/arrangement/KeyPathObserver.h"
 #include "platform/appkit/arrangement/LateRelease.h"
@@ -37,12 +38,15 @@ public:
         std::optional<NSArray> sortDescriptors{};
         std::optional<NSPredicate> filter{};
     };
-    // So many objects are filtered or sorted without a break: what that takes is not felt.
+    // So many objects are read, filtered or sorted without a break: what that takes is not felt.
     static constexpr std::size_t RowsInStep = 10'000;
     // Does what the two setters do, for what the user asks for. With more objects than a step has, the event loop works
     // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it, and a
     // content that is set meanwhile is shown as before at first.
     void changeInSteps(Criteria criteria);
+    // Does what setContent does, likewise in steps while an event loop runs. What comes while another content is under
+    // way waits until that is shown; of several that come the last one is shown.
+    void changeContentInSteps(id const& content);
     // Those asked for by changeInSteps, else those in force.
     NSArray const& wantedSortDescriptors() const;
 
@@ -59,21 +63,7 @@ public:
     std::span<NSUInteger const> previousRows() const { return m_previousRows; }
 
 private:
-    // An object of the content; its row in arrangedObjects, NSNotFound when the filter keeps it out.
-    struct Entry {
-        id object;
-        id identity;
-        NSUInteger row{NSNotFound};
-        bool isSelected{false};
-    };
-
-    // The objects of a new content as far as they are read. Those that were there before come first, in their old
-    // order.
-    struct Reading {
-        std::vector<Entry> entries;
-        std::vector<std::size_t> formerPlaces;
-        std::vector<id> sortValues;
-    };
+    using Entry = ArrangedEntry;
 
     // What is shown next; made whole before anything changes, since reading objects may raise.
     struct Arrangement {
@@ -89,23 +79,28 @@ private:
         std::vector<id> values;
     };
 
-    // What changeInSteps has under way. Rows are those of m_entries.
+    // What the two functions for steps have under way. Rows are those of m_entries, or of the content that is read.
     struct Upcoming {
         Criteria criteria{};
+        // Another content; of nothing, the one that there is.
+        std::optional<id> content{};
+        std::optional<ContentReading> reading{};
         // One value for each criterion of the order, object after object; only with another order.
         std::vector<id> sortValues{};
         std::unique_ptr<RowOrdering> ordering{};
+        std::optional<std::vector<std::size_t>> order{};
         // How many objects have been read, and which of them pass the filter.
         std::size_t read{0};
         std::vector<bool> passes{};
     };
 
     id self() { return id::retain(this); }
-    Entry makeEntry(id const& object) const;
-    Reading read(id const& content) const;
+    ContentEntries read(id const& content) const;
     // The entries that there are, which may have changed in place.
-    Reading readAnew() const;
-    Sorted sorted(Reading reading) const;
+    ContentEntries readAnew() const;
+    // What was there before keeps its row, and whether it is selected.
+    void takeOverRows(ContentEntries& content) const;
+    Sorted sorted(ContentEntries content) const;
     // The filter answers of each entry whether it passes.
     Arrangement arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const;
     Arrangement arrange(Sorted sorted) const;
@@ -116,9 +111,18 @@ private:
     void advanceLater();
     // False while there is more to do.
     bool advance();
+    bool readContent();
     bool readSortValues();
+    bool findOrder();
+    std::optional<std::vector<std::size_t>> orderWithoutSorting() const;
     bool filterSome();
+    Sorted sorted(Upcoming& upcoming) const;
     void showUpcoming();
+    std::vector<Entry> const& upcomingEntries() const;
+    // What is read so far has become worthless.
+    void beginAnew();
+    void forgetUpcomingContent();
+    void discard(id const& content);
 
     id m_content;
     std::vector<Entry> m_entries;
@@ -128,6 +132,8 @@ private:
     NSPredicate m_filter;
     NSString m_identityKeyPath;
     std::optional<Upcoming> m_upcoming;
+    // What is shown in steps behind the content that is under way.
+    std::optional<id> m_nextContent;
     // Sends the steps; null before the first.
     std::unique_ptr<QTimer> m_steps;
     std::vector<NSUInteger> m_selectedRows;

@@ -1,10 +1,13 @@
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
+#include "platform/foundation/collections/NSSet.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
 #include "platform/foundation/running/EventLoop.h"
+#include <QThread>
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
-// Another order or filter of an array controller, at once or in steps.
+// Another content, order or filter of an array controller, at once or in steps.
 
 namespace mac {
 
@@ -16,6 +19,11 @@ NSArray onlySortDescriptors(NSArray const& objects) {
         if (object.isKindOfClass_(classOf<NSSortDescriptor>())) kept.addObject_(object);
     }
     return NSArray::arrayWithArray_(kept);
+}
+
+std::size_t countOf(id const& content) {
+    NSArray const array = as<NSArray>(content);
+    return array == nil ? as<NSSet>(content).count() : array.count();
 }
 
 } // namespace
@@ -45,7 +53,23 @@ void NSArrayController::Body::change(Criteria criteria) {
     Criteria whole = m_upcoming ? std::move(m_upcoming->criteria) : Criteria();
     if (criteria.sortDescriptors) whole.sortDescriptors = onlySortDescriptors(*criteria.sortDescriptors);
     if (criteria.filter) whole.filter = criteria.filter;
-    m_upcoming = Upcoming{.criteria = std::move(whole)};
+    if (!m_upcoming) m_upcoming.emplace();
+    m_upcoming->criteria = std::move(whole);
+    beginAnew();
+}
+
+void NSArrayController::Body::changeContentInSteps(id const& content) {
+    bool const isLoopRunning = QThread::currentThread()->loopLevel() > 0;
+    if (!isLoopRunning || countOf(content) <= RowsInStep) return setContent(content);
+    if (m_upcoming && m_upcoming->content) {
+        if (m_nextContent) discard(*m_nextContent);
+        m_nextContent = content;
+        return;
+    }
+    if (!m_upcoming) m_upcoming.emplace();
+    m_upcoming->content = content;
+    beginAnew();
+    if (!advance()) advanceLater();
 }
 
 void NSArrayController::Body::advanceLater() {
@@ -65,69 +89,130 @@ void NSArrayController::Body::advanceLater() {
 // Reading an object may raise: then everything stays as it was.
 bool NSArrayController::Body::advance() {
     try {
-        if (!readSortValues() || !filterSome()) return false;
+        if (!readContent() || !readSortValues() || !findOrder() || !filterSome()) return false;
     } catch (...) {
         m_upcoming.reset();
+        m_nextContent.reset();
         throw;
     }
     showUpcoming();
     return true;
 }
 
+std::vector<NSArrayController::Body::Entry> const& NSArrayController::Body::upcomingEntries() const {
+    return m_upcoming->reading ? m_upcoming->reading->result().entries : m_entries;
+}
+
+bool NSArrayController::Body::readContent() {
+    if (!m_upcoming->content) return true;
+    if (!m_upcoming->reading)
+        m_upcoming->reading.emplace(*m_upcoming->content, m_entries,
+                                    ContentKeys{m_identityKeyPath, wantedSortDescriptors()});
+    return m_upcoming->reading->advance(RowsInStep);
+}
+
 bool NSArrayController::Body::readSortValues() {
-    if (!m_upcoming->criteria.sortDescriptors) return true;
-    if (!m_upcoming->ordering) {
-        SortValueReader const values(*m_upcoming->criteria.sortDescriptors);
-        std::size_t const end = std::min(m_entries.size(), m_upcoming->read + RowsInStep);
-        m_upcoming->sortValues.reserve(m_entries.size() * values.width());
-        for (; m_upcoming->read < end; ++m_upcoming->read)
-            values.append(m_upcoming->sortValues, m_entries[m_upcoming->read].object);
-        if (end < m_entries.size()) return false;
-        m_upcoming->ordering =
-            std::make_unique<RowOrdering>(m_upcoming->sortValues, *m_upcoming->criteria.sortDescriptors);
+    if (m_upcoming->content || !m_upcoming->criteria.sortDescriptors) return true;
+    SortValueReader const values(*m_upcoming->criteria.sortDescriptors);
+    std::size_t const end = std::min(m_entries.size(), m_upcoming->read + RowsInStep);
+    m_upcoming->sortValues.reserve(m_entries.size() * values.width());
+    for (; m_upcoming->read < end; ++m_upcoming->read)
+        values.append(m_upcoming->sortValues, m_entries[m_upcoming->read].object);
+    return end == m_entries.size();
+}
+
+bool NSArrayController::Body::findOrder() {
+    Upcoming& upcoming = *m_upcoming;
+    if (upcoming.order) return true;
+    NSArray const criteria = wantedSortDescriptors();
+    bool const isOtherOrder = upcoming.criteria.sortDescriptors && criteria.count() > 0;
+    if (!upcoming.ordering && !isOtherOrder) upcoming.order = orderWithoutSorting();
+    if (upcoming.order) return true;
+    std::vector<id> const& values = upcoming.reading ? upcoming.reading->result().sortValues : upcoming.sortValues;
+    if (!upcoming.ordering) upcoming.ordering = std::make_unique<RowOrdering>(values, criteria);
+    if (!upcoming.ordering->advance(RowsInStep)) return false;
+    upcoming.order = upcoming.ordering->order();
+    return true;
+}
+
+std::optional<std::vector<std::size_t>> NSArrayController::Body::orderWithoutSorting() const {
+    if (m_upcoming->reading && wantedSortDescriptors().count() > 0) {
+        ContentEntries const& content = m_upcoming->reading->result();
+        return m_order.orderWithoutSorting(content.sortValues, content.formerPlaces, m_descriptors);
     }
-    return m_upcoming->ordering->advance(RowsInStep);
+    std::vector<std::size_t> order(upcomingEntries().size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    return order;
 }
 
 bool NSArrayController::Body::filterSome() {
     NSPredicate const filter = m_upcoming->criteria.filter.value_or(m_filter);
+    std::vector<Entry> const& entries = upcomingEntries();
     std::vector<bool>& passes = m_upcoming->passes;
-    std::size_t const end = std::min(m_entries.size(), passes.size() + RowsInStep);
+    std::size_t const end = std::min(entries.size(), passes.size() + RowsInStep);
     while (passes.size() < end)
-        passes.push_back(filter == nil || filter.evaluateWithObject_(m_entries[passes.size()].object));
-    return end == m_entries.size();
+        passes.push_back(filter == nil || filter.evaluateWithObject_(entries[passes.size()].object));
+    return end == entries.size();
+}
+
+NSArrayController::Body::Sorted NSArrayController::Body::sorted(Upcoming& upcoming) const {
+    bool const isOtherOrder = upcoming.criteria.sortDescriptors.has_value();
+    std::size_t const width = upcoming.criteria.sortDescriptors.value_or(m_descriptors).count();
+    Sorted result;
+    result.entries.reserve(upcoming.order->size());
+    if (!upcoming.reading) {
+        for (std::size_t const index : *upcoming.order)
+            result.entries.push_back(m_entries[index]);
+        result.values = isOtherOrder ? KeptOrder::valuesInOrder(std::move(upcoming.sortValues), *upcoming.order, width)
+                                     : m_order.values();
+        return result;
+    }
+    ContentEntries content = std::move(upcoming.reading->result());
+    takeOverRows(content);
+    for (std::size_t const index : *upcoming.order)
+        result.entries.push_back(std::move(content.entries[index]));
+    result.values = KeptOrder::valuesInOrder(std::move(content.sortValues), *upcoming.order, width);
+    return result;
 }
 
 void NSArrayController::Body::showUpcoming() {
-    Upcoming const upcoming = std::move(*m_upcoming);
+    Upcoming upcoming = std::move(*m_upcoming);
     m_upcoming.reset();
-    std::vector<std::size_t> order(m_entries.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    Sorted sorted{{}, m_order.values()};
+    if (m_nextContent) m_upcoming = Upcoming{.content = std::exchange(m_nextContent, std::nullopt)};
     std::vector<char const*> keys;
-    if (std::optional<NSArray> const& criteria = upcoming.criteria.sortDescriptors) {
-        keys.push_back("sortDescriptors");
-        std::size_t const width = criteria->count();
-        if (width > 0) order = upcoming.ordering->order();
-        sorted.values.clear();
-        sorted.values.reserve(upcoming.sortValues.size());
-        for (std::size_t const index : order) {
-            for (std::size_t i = 0; i < width; ++i)
-                sorted.values.push_back(upcoming.sortValues[index * width + i]);
-        }
-    }
+    if (upcoming.content) keys.push_back("content");
+    if (upcoming.criteria.sortDescriptors) keys.push_back("sortDescriptors");
     if (upcoming.criteria.filter) keys.push_back("filterPredicate");
-    sorted.entries.reserve(m_entries.size());
-    for (std::size_t const index : order)
-        sorted.entries.push_back(m_entries[index]);
-    auto const passes = [&](std::size_t row, Entry const&) { return upcoming.passes[order[row]]; };
+    auto const passes = [&](std::size_t row, Entry const&) { return upcoming.passes[(*upcoming.order)[row]]; };
     show(
-        arrange(std::move(sorted), passes),
+        arrange(sorted(upcoming), passes),
         [&] {
+            m_content = upcoming.content.value_or(m_content);
             m_descriptors = upcoming.criteria.sortDescriptors.value_or(m_descriptors);
             m_filter = upcoming.criteria.filter.value_or(m_filter);
         },
         keys);
+}
+
+void NSArrayController::Body::beginAnew() {
+    m_upcoming = Upcoming{.criteria = std::move(m_upcoming->criteria), .content = std::move(m_upcoming->content)};
+}
+
+void NSArrayController::Body::forgetUpcomingContent() {
+    if (m_nextContent) discard(*std::exchange(m_nextContent, std::nullopt));
+    if (!m_upcoming || !m_upcoming->content) return;
+    id const content = *std::exchange(m_upcoming->content, std::nullopt);
+    beginAnew();
+    discard(content);
+    if (!m_upcoming->criteria.sortDescriptors && !m_upcoming->criteria.filter) m_upcoming.reset();
+}
+
+// The last one goes first: the list before what it holds.
+void NSArrayController::Body::discard(id const& content) {
+    NSArray const objects = objectsOfContent(content);
+    std::vector<id> discarded(objects.begin(), objects.end());
+    discarded.push_back(content);
+    m_discarded.add(std::move(discarded));
 }
 
 } // namespace mac

@@ -21,12 +21,12 @@ bool comesBefore(id const* first, id const* second, NSArray const& criteria) {
 }
 
 // The known ones are in order; each added one goes behind those that do not come after it.
-std::vector<std::size_t> withAdded(std::size_t knownCount, std::vector<id> const& values, NSArray const& criteria) {
+std::vector<std::size_t> withAdded(std::size_t knownCount, std::span<id const> values, NSArray const& criteria) {
     std::size_t const width = criteria.count();
     std::vector<std::size_t> order;
     order.reserve(values.size() / width);
     std::size_t done = 0;
-    for (std::size_t const added : orderOfRows(std::span(values).subspan(knownCount * width), criteria)) {
+    for (std::size_t const added : orderOfRows(values.subspan(knownCount * width), criteria)) {
         std::size_t low = done;
         for (std::size_t high = knownCount; low < high;) {
             std::size_t const middle = (low + high) / 2;
@@ -76,25 +76,36 @@ bool KeptOrder::isAsBefore(std::span<id const> values, std::span<std::size_t con
 
 KeptOrder::Result KeptOrder::sort(std::vector<id> values, std::span<std::size_t const> formerPlaces,
                                   NSArray const& criteria) const {
-    Result result;
+    std::optional<std::vector<std::size_t>> known = orderWithoutSorting(values, formerPlaces, criteria);
+    Result result{known ? std::move(*known) : orderOfRows(values, criteria), {}};
+    result.values = valuesInOrder(std::move(values), result.order, criteria.count());
+    return result;
+}
+
+std::optional<std::vector<std::size_t>> KeptOrder::orderWithoutSorting(std::span<id const> values,
+                                                                       std::span<std::size_t const> formerPlaces,
+                                                                       NSArray const& criteria) const {
     std::size_t const count = formerPlaces.size();
     std::size_t const width = criteria.count();
     if (width == 0) {
-        result.order.resize(count);
-        std::iota(result.order.begin(), result.order.end(), std::size_t(0));
-        return result;
+        std::vector<std::size_t> order(count);
+        std::iota(order.begin(), order.end(), std::size_t(0));
+        return order;
     }
     std::size_t const knownCount =
         static_cast<std::size_t>(std::ranges::find(formerPlaces, None) - formerPlaces.begin());
     bool const areFewAdded = (count - knownCount) * LargestAddedPart <= knownCount;
-    if (!m_values.empty() && areFewAdded && isAsBefore(values, formerPlaces, width))
-        result.order = withAdded(knownCount, values, criteria);
-    else
-        result.order = orderOfRows(values, criteria);
-    result.values.reserve(values.size());
-    for (std::size_t const index : result.order) {
+    if (m_values.empty() || !areFewAdded || !isAsBefore(values, formerPlaces, width)) return std::nullopt;
+    return withAdded(knownCount, values, criteria);
+}
+
+std::vector<id> KeptOrder::valuesInOrder(std::vector<id> values, std::span<std::size_t const> order,
+                                         std::size_t width) {
+    std::vector<id> result;
+    result.reserve(values.size());
+    for (std::size_t const index : order) {
         for (std::size_t i = 0; i < width; ++i)
-            result.values.push_back(std::move(values[index * width + i]));
+            result.push_back(std::move(values[index * width + i]));
     }
     return result;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/foundation/collections/NSArray.h"
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -39,9 +40,16 @@ public:
     // Takes the values of all criteria, object after object. The objects with a former place come first, in the order
     // of those; so do equal ones in the result.
     Result sort(std::vector<id> values, std::span<std::size_t const> formerPlaces, NSArray const& criteria) const;
+    // The same order, found without sorting all; nullopt where too much is new or has changed, and all must be sorted.
+    std::optional<std::vector<std::size_t>> orderWithoutSorting(std::span<id const> values,
+                                                                std::span<std::size_t const> formerPlaces,
+                                                                NSArray const& criteria) const;
     std::vector<id> const& values() const { return m_values; }
     // Answers what was kept before.
     std::vector<id> keep(std::vector<id> values) { return std::exchange(m_values, std::move(values)); }
+
+    // The values in that order, object after object; so many values has each.
+    static std::vector<id> valuesInOrder(std::vector<id> values, std::span<std::size_t const> order, std::size_t width);
 
 private:
     bool isAsBefore(std::span<id const> values, std::span<std::size_t const> formerPlaces, std::size_t width) const;

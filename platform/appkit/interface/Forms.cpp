@@ -1,6 +1,9 @@
 #include "platform/appkit/interface/Forms.h"
+#include "platform/appkit/interface/ContextMenuKeys.h"
 #include "platform/appkit/interface/InterfaceIcons.h"
+#include "platform/appkit/interface/LeadingLabels.h"
 #include "platform/appkit/interface/LegiblePalette.h"
+#include "platform/appkit/interface/VisibleEdges.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/collections/NSData.h"
 #include "platform/foundation/running/Log.h"
@@ -124,6 +127,9 @@ void makeReachableOverflow(QToolBar* bar) {
 
 void styleWindow(QWidget* window) {
     keepPaletteLegible();
+    keepEdgesVisible();
+    keepLabelsLeading(window);
+    openContextMenusByKeys(window);
     giveIcons(window);
     if (!glyphOf(window).isEmpty()) window->setWindowIcon(tileIcon(glyphOf(window)));
     for (QAction* const action : window->findChildren<QAction*>())

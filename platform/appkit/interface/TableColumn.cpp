@@ -49,6 +49,7 @@ TableColumn TableColumn::fromLines(QString const& name, QStringList const& lines
         {"sortOrder", [&](QString const& value) { sorting.ascending = value != "descending"; }},
         {"orderKey", [&](QString const& value) { column.orderKey = stringOf(value); }},
         {"nullText", [&](QString const& value) { column.nullText = value; }},
+        {"emptyText", [&](QString const& value) { column.emptyText = value; }},
         {"elides", [&](QString const& value) { column.elidesCommonPath = value == "commonPath"; }},
         {"sample", [&](QString const& value) { column.sample = value; }},
         {"width",
@@ -74,6 +75,7 @@ QString TableColumn::textOf(id const& object) const {
     if (keyPath == nil) return {};
     id const value = valueOfKeyPath(object, keyPath);
     QString text = visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
+    if (text.isEmpty()) return emptyText;
     return nullText.isEmpty() ? text : text.replace("(null)", nullText);
 }
 

@@ -24,6 +24,8 @@ struct TableColumn {
     QString sample;
     // What stands in a cell for a value that was missing when the object's text was made, "(null)"; empty: just that.
     QString nullText;
+    // What stands in a cell whose text would be empty.
+    QString emptyText;
     // The key of another order whose rows stand as this column sorts them, or nearly so: the header shows it as its
     // own.
     NSString orderKey;

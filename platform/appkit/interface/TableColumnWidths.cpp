@@ -190,8 +190,12 @@ void TableColumnWidths::fitContents() {
 
 void TableColumnWidths::fitChangedContents() {
     if (m_model.rowCount() <= MostRowsAtOnce) return fitContents();
-    if (std::exchange(m_fitsLater, true)) return;
+    if (!std::exchange(m_fitsLater, true)) fitLater();
+}
+
+void TableColumnWidths::fitLater() {
     QTimer::singleShot(0, this, [this] {
+        if (m_view && !m_model.findCommonPaths(MostRowsAtOnce)) return fitLater();
         m_fitsLater = false;
         guarded([this] { fitContents(); });
         // Paths were painted whole until now.

@@ -24,7 +24,7 @@ public:
 
     // Looks at the first rows and at those on the screen; scrolling looks at those that come into sight.
     void fitContents();
-    // Fits the contents after the rows have changed: with very many rows by an event of its own, since what their paths
+    // Fits the contents after the rows have changed: with very many rows by events of its own, since what their paths
     // have in common is read from all of them.
     void fitChangedContents();
 
@@ -46,6 +46,7 @@ private:
     void setInitialWidths();
     int initialWidth(int section) const;
     void followOrder();
+    void fitLater();
     void fitVisible();
     void fitRows(int first, int count);
     void fitCell(int row, int section);
@@ -71,7 +72,7 @@ private:
     // The widest of their differing parts alone, without what stands for the common ones.
     int m_widestDifference{0};
     bool m_isAdjusting{false};
-    // An event that fits the contents is under way.
+    // Events that fit the contents are under way.
     bool m_fitsLater{false};
     std::function<void()> m_whenChosen;
 };

@@ -109,7 +109,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 }
 
 CommonPath TableModel::commonPath(int section) const {
-    if (m_changesWhenFound != m_changes && !m_isFindingCommonPaths) findCommonPaths();
+    findCommonPaths(SIZE_MAX);
     return knownCommonPath(section).value_or(CommonPath());
 }
 
@@ -128,26 +128,42 @@ void TableModel::setPathExtent(int section, PathExtent extent) {
     m_pathExtents[static_cast<std::size_t>(section)] = extent;
 }
 
-// A text for the screen has as many code units as the path. Reading a value may do anything, and what rows that have
-// changed meanwhile have in common is another.
-void TableModel::findCommonPaths() const {
+// Reading a value may do anything, and what rows that have changed meanwhile have in common is another.
+bool TableModel::findCommonPaths(std::size_t rows) const {
+    if (m_changesWhenFound == m_changes) return true;
+    if (m_isFindingCommonPaths) return false;
     QScopedValueRollback<bool> const finding(m_isFindingCommonPaths, true);
-    std::uint64_t const changes = m_changes;
-    std::vector<CommonPath> found(m_columns.size());
-    for (std::size_t section = 0; section < m_columns.size(); ++section) {
-        if (!m_columns[section].elidesCommonPath) continue;
-        guarded([&] {
-            CommonPathFinder finder;
-            for (std::size_t row = 0; changes == m_changes && row < m_rows.size() && !finder.isEmpty(); ++row) {
-                id const object = m_rows[row];
-                finder.add(as<NSString>(valueOfKeyPath(object, m_columns[section].keyPath)).codeUnits());
-            }
-            found[section] = finder.result();
-        });
+    bool const isBegun = m_commonPathSearch && m_commonPathSearch->changes == m_changes;
+    if (!isBegun)
+        m_commonPathSearch = CommonPathSearch{.changes = m_changes, .found = std::vector<CommonPath>(m_columns.size())};
+    CommonPathSearch& search = *m_commonPathSearch;
+    for (; search.section < m_columns.size(); ++search.section) {
+        if (m_columns[search.section].elidesCommonPath && !readPaths(search, rows)) return false;
     }
-    if (changes != m_changes) return;
-    m_commonPaths = std::move(found);
-    m_changesWhenFound = changes;
+    m_commonPaths = std::move(search.found);
+    m_changesWhenFound = search.changes;
+    m_commonPathSearch.reset();
+    return true;
+}
+
+// A text for the screen has as many code units as the path.
+bool TableModel::readPaths(CommonPathSearch& search, std::size_t& rows) const {
+    bool isInterrupted = false;
+    guarded([&] {
+        for (; search.changes == m_changes && search.row < m_rows.size() && !search.finder.isEmpty(); ++search.row) {
+            isInterrupted = rows == 0;
+            if (isInterrupted) return;
+            --rows;
+            id const object = m_rows[search.row];
+            search.finder.add(as<NSString>(valueOfKeyPath(object, m_columns[search.section].keyPath)).codeUnits());
+        }
+        isInterrupted = search.changes != m_changes;
+        search.found[search.section] = search.finder.result();
+    });
+    if (isInterrupted) return false;
+    search.finder = {};
+    search.row = 0;
+    return true;
 }
 
 void TableModel::resetRows(NSArray const& rows) {

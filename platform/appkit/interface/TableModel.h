@@ -37,6 +37,9 @@ public:
     // What the paths of all rows have in common in a column that leaves it out; nothing in other columns. The first
     // call after the rows have changed reads all of them.
     CommonPath commonPath(int section) const;
+    // Reads at most so many rows for commonPath(), on from where the last call ended; true once it is found. Rows that
+    // change meanwhile are read anew.
+    bool findCommonPaths(std::size_t rows) const;
     // The common path that commonPath() found since the rows last changed; nullopt if it has not. Reads no row.
     std::optional<CommonPath> knownCommonPath(int section) const;
     // How much of their paths the cells of such a column show; at first all.
@@ -59,8 +62,19 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
 private:
+    // How far the common paths of the rows have been found, column after column.
+    struct CommonPathSearch {
+        // How often the rows had changed when it began.
+        std::uint64_t changes;
+        std::vector<CommonPath> found;
+        std::size_t section{0};
+        std::size_t row{0};
+        CommonPathFinder finder{};
+    };
+
+    // False while rows of the column are left.
+    bool readPaths(CommonPathSearch& search, std::size_t& rows) const;
     QVariant cell(id const& object, TableColumn const& column, int role) const;
-    void findCommonPaths() const;
     void reorder(std::vector<int> const& newRowOf);
 
     std::vector<TableColumn> m_columns;
@@ -70,6 +84,7 @@ private:
     // How often the rows have changed, now and when the common paths were found.
     std::uint64_t m_changes{0};
     mutable std::optional<std::uint64_t> m_changesWhenFound;
+    mutable std::optional<CommonPathSearch> m_commonPathSearch;
     mutable bool m_isFindingCommonPaths{false};
     std::vector<PathExtent> m_pathExtents = std::vector<PathExtent>(m_columns.size(), PathExtent::Whole);
     NSString m_fileKeyPath;

@@ -164,6 +164,27 @@ TEST(TableModel, KnowsWhatPathsHaveInCommonOnlyOnceItWasFound) {
     EXPECT_EQ(readings, 2);
 }
 
+TEST(TableModel, FindsWhatPathsHaveInCommonLittleByLittle) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"})});
+    int readings = 0;
+    NSMutableArray const rows = NSMutableArray::array();
+    for (char const* const path : {"/copies/a/M.app", "/copies/b/M.app", "/copies/c/M.app"})
+        rows.addObject_(adopt<CountingRow>(NSString::stringWithUTF8String_(path), readings));
+    model.resetRows(rows);
+    EXPECT_FALSE(model.findCommonPaths(2));
+    EXPECT_EQ(readings, 2);
+    EXPECT_FALSE(model.knownCommonPath(0));
+    model.resetRows(rows);
+    EXPECT_FALSE(model.findCommonPaths(2)) << "rows that have changed are read anew";
+    EXPECT_TRUE(model.findCommonPaths(2));
+    EXPECT_EQ(readings, 5);
+    ASSERT_TRUE(model.knownCommonPath(0));
+    EXPECT_EQ(model.knownCommonPath(0)->start, 8);
+    EXPECT_TRUE(model.findCommonPaths(2));
+    EXPECT_EQ(readings, 5);
+}
+
 // The start of what all paths have in common, as a listener to the model's signals is told.
 TEST(TableModel, TellsListenersWhatTheRowsThatTheySeeHaveInCommon) {
     needApplication();

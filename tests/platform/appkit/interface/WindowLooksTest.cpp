@@ -15,6 +15,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <utility>
 
 namespace mac::test {
 namespace {
@@ -154,6 +155,39 @@ TEST(WindowLooks, DrawsTheIconOfASelectedRowInTheColourOfItsText) {
             farthest = std::max(farthest, contrast(image.pixelColor(x, y), ground));
     }
     EXPECT_GE(farthest, 4.5);
+}
+
+TEST(WindowLooks, ShowsADashForAVersionThatIsNotKnown) {
+    LoadedWindow const window;
+    window.controller().setPaths_(NSSet::setWithObject_(makeRecord("/gone", "", "")));
+    EXPECT_EQ(window.column(VersionColumn), QStringList("–"));
+}
+
+// How much of a label is free on the left of what it draws, and on the right.
+std::pair<int, int> roomBesideText(QWidget* label) {
+    QImage const image = label->grab().toImage();
+    QRgb const ground = image.pixel(0, 0);
+    std::pair<int, int> room{image.width(), image.width()};
+    for (int x = 0; x < image.width(); ++x) {
+        for (int y = 0; y < image.height(); ++y) {
+            if (image.pixel(x, y) != ground) room = {std::min(room.first, x), image.width() - 1 - x};
+        }
+    }
+    return room;
+}
+
+TEST(WindowLooks, KeepsTextsBesideTheirTitlesWhereTextGoesRightToLeft) {
+    LoadedWindow const window;
+    for (Qt::LayoutDirection const direction : {Qt::RightToLeft, Qt::LeftToRight}) {
+        window.widget()->setLayoutDirection(direction);
+        for (char const* const name : {"versionTitle", "versionDetail", "createdDetail"}) {
+            auto* const label = window.find<QLabel>(name);
+            label->setText("2.1 (210)");
+            label->resize(300, 30);
+            auto const [left, right] = roomBesideText(label);
+            EXPECT_EQ(left > right, direction == Qt::RightToLeft) << name << ' ' << left << ' ' << right;
+        }
+    }
 }
 
 TEST(WindowLooks, HasAnIconThatIsSeenOnAnyBackground) {

@@ -4,6 +4,7 @@
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include "tests/support/RunUntil.h"
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QHeaderView>
 #include <QMainWindow>
@@ -12,6 +13,8 @@
 #include <QMessageBox>
 #include <QTableWidget>
 #include <QTest>
+#include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
 
 // The menu bar, and the commands that the window carries out by itself.
@@ -81,6 +84,47 @@ TEST_F(WindowMenus, ShowTheKeysPeopleKnow) {
                                      {"undoAction", "Ctrl+Z"},
                                      {"shortcutsAction", "F1"}})
         EXPECT_EQ(m_window.action(name)->shortcut(), QKeySequence(keys)) << name;
+}
+
+// Where the menu opens that the key opens in the widget; empty without one.
+QRect menuOpenedBy(QWidget* widget, std::function<void()> const& key) {
+    QRect place;
+    QTimer closing;
+    QObject::connect(&closing, &QTimer::timeout, [&] {
+        QWidget* const menu = QApplication::activePopupWidget();
+        if (!menu) return;
+        place = menu->geometry();
+        menu->close();
+    });
+    closing.start();
+    widget->setFocus();
+    key();
+    // Some menus are open while their event is handled, others stay open behind it.
+    EXPECT_TRUE(runUntil([&] { return !place.isNull(); }));
+    return place;
+}
+
+TEST_F(WindowMenus, OpenTheTablesBesideTheRowOfTheKeyboardByShiftF10AndByTheMenuKey) {
+    m_window.controller().setPaths_(makeRecords({"/a", "/b", "/c", "/d"}));
+    m_window.selectRow(2);
+    QTableView* const table = m_window.table();
+    QRect const row = table->visualRect(table->currentIndex());
+    QPoint const top = table->viewport()->mapToGlobal(row.topLeft());
+    auto const shiftF10 = [&] { press(table, QKeySequence("Shift+F10")); };
+    // The display's own part of the toolkit makes this event of the key, without a place of use.
+    auto const menuKey = [&] {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), table->mapToGlobal(QPoint()));
+        QApplication::sendEvent(table, &event);
+    };
+    for (std::function<void()> const& key : {std::function<void()>(shiftF10), std::function<void()>(menuKey)}) {
+        QRect const menu = menuOpenedBy(table, key);
+        EXPECT_GE(menu.top(), top.y());
+        EXPECT_LE(menu.top(), top.y() + row.height());
+    }
+}
+
+TEST_F(WindowMenus, OpenThatOfTheFilterByShiftF10) {
+    menuOpenedBy(field(), [&] { press(field(), QKeySequence("Shift+F10")); });
 }
 
 TEST_F(WindowMenus, CloseTheWindowByItsKey) {

@@ -1,0 +1,97 @@
+#include "platform/appkit/interface/VisibleEdges.h"
+#include "platform/appkit/interface/ThemeColors.h"
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+#include <memory>
+
+namespace mac {
+
+namespace {
+
+// What neighbouring surfaces differ by at least for the line between them to be seen.
+constexpr double SeenContrast = 1.15;
+// What the usual style darkens the window by for its outlines, in percent.
+constexpr int OutlineDarkness = 140;
+
+bool hasEdge(QStyle::PrimitiveElement element) {
+    switch (element) {
+    case QStyle::PE_PanelButtonCommand:
+    case QStyle::PE_PanelButtonTool:
+    case QStyle::PE_FrameLineEdit:
+    case QStyle::PE_Frame:
+    case QStyle::PE_FrameMenu:
+    case QStyle::PE_IndicatorCheckBox:
+        return true;
+    default:
+        return false;
+    }
+}
+
+class EdgedStyle : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+
+    void drawPrimitive(PrimitiveElement element, QStyleOption const* option, QPainter* painter,
+                       QWidget const* widget) const override {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (!hasEdge(element) || areEdgesSeen(option->palette)) return;
+        bool const isEnabled = option->state.testFlag(State_Enabled);
+        bool const hasKeyboard = element != PE_Frame && option->state.testFlag(State_HasFocus);
+        QPalette::ColorGroup const group = isEnabled ? QPalette::Active : QPalette::Disabled;
+        painter->save();
+        painter->setPen(option->palette.color(group, hasKeyboard ? QPalette::Highlight : QPalette::WindowText));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+};
+
+// The style stays once it was needed: it looks at the palette whenever it draws.
+class EdgeWatch : public QObject {
+public:
+    explicit EdgeWatch(QObject* application) : QObject(application) {
+        application->installEventFilter(this);
+        mend();
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        // A style cannot be exchanged while all widgets take over another palette.
+        if (watched == parent() && event->type() == QEvent::ApplicationPaletteChange && !m_isMended)
+            QMetaObject::invokeMethod(
+                this, [this] { mend(); }, Qt::QueuedConnection);
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    void mend() {
+        if (m_isMended || areEdgesSeen(QApplication::palette())) return;
+        m_isMended = true;
+        // The application owns it.
+        QApplication::setStyle(std::make_unique<EdgedStyle>(QApplication::style()->name()).release());
+    }
+
+    bool m_isMended{false};
+};
+
+} // namespace
+
+bool areEdgesSeen(QPalette const& palette) {
+    QColor const window = palette.color(QPalette::Active, QPalette::Window);
+    auto const isSeen = [&](QColor const& color) { return contrast(color, window) >= SeenContrast; };
+    return isSeen(window.darker(OutlineDarkness)) || (isSeen(palette.color(QPalette::Active, QPalette::Button)) &&
+                                                      isSeen(palette.color(QPalette::Active, QPalette::Base)));
+}
+
+void keepEdgesVisible() {
+    constexpr char name[] = "edgeWatch";
+    if (!qApp || qApp->findChild<QObject*>(name)) return;
+    // Owned by the application.
+    auto watch = std::make_unique<EdgeWatch>(qApp);
+    watch->setObjectName(name);
+    watch.release();
+}
+
+} // namespace mac

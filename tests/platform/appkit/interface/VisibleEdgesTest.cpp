@@ -1,0 +1,101 @@
+#include "platform/appkit/interface/VisibleEdges.h"
+#include "platform/appkit/interface/ThemeColors.h"
+#include "tests/platform/appkit/interface/LoadedWindow.h"
+#include "tests/support/RunUntil.h"
+#include <QApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QStyle>
+#include <QStyleFactory>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace mac::test {
+namespace {
+
+QPalette paletteOf(QColor const& ground, QColor const& text) {
+    QPalette palette(ground);
+    using Role = QPalette::ColorRole;
+    for (Role const role : {Role::Text, Role::WindowText, Role::ButtonText, Role::PlaceholderText})
+        palette.setColor(role, text);
+    for (Role const role : {Role::Base, Role::AlternateBase, Role::Window, Role::Button})
+        palette.setColor(role, ground);
+    return palette;
+}
+
+// The palette as long as it lives, and the style that was there before it came.
+class ApplicationPalette {
+public:
+    explicit ApplicationPalette(QPalette const& palette) { QApplication::setPalette(palette); }
+    ~ApplicationPalette() { QApplication::setPalette(m_before); }
+    ApplicationPalette(ApplicationPalette const&) = delete;
+    ApplicationPalette& operator=(ApplicationPalette const&) = delete;
+
+private:
+    QPalette m_before = QApplication::palette();
+};
+
+// The least contrast with the ground that the four edges of the widget's picture have in their middles.
+double edgeContrast(QWidget* widget, QColor const& ground) {
+    QImage const image = widget->grab().toImage();
+    // A style may keep a little room around what it draws.
+    auto const along = [&](QPoint const& start, QPoint const& step) {
+        double strongest = 1;
+        for (int distance = 0; distance < 5; ++distance)
+            strongest = std::max(strongest, contrast(image.pixelColor(start + distance * step), ground));
+        return strongest;
+    };
+    int const right = image.width() - 1;
+    int const bottom = image.height() - 1;
+    return std::min({along({right / 2, 0}, {0, 1}), along({right / 2, bottom}, {0, -1}), along({0, bottom / 2}, {1, 0}),
+                     along({right, bottom / 2}, {-1, 0})});
+}
+
+// A palette reaches the widgets in a later event, and so does a style.
+bool hasSeenEdge(QWidget* widget) {
+    return widget->palette().color(QPalette::Window) == Qt::black && edgeContrast(widget, Qt::black) >= 3;
+}
+
+TEST(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
+    needApplication();
+    std::unique_ptr<QStyle> const fusion(QStyleFactory::create("Fusion"));
+    EXPECT_TRUE(areEdgesSeen(fusion->standardPalette()));
+    EXPECT_TRUE(areEdgesSeen(paletteOf(Qt::white, Qt::black)));
+    EXPECT_FALSE(areEdgesSeen(paletteOf(Qt::black, Qt::white)));
+    EXPECT_FALSE(areEdgesSeen(paletteOf("#101010", Qt::white)));
+    QPalette filled = paletteOf(Qt::black, Qt::white);
+    filled.setColor(QPalette::Button, "#303030");
+    EXPECT_FALSE(areEdgesSeen(filled)) << "fields have no edge";
+    filled.setColor(QPalette::Base, "#303030");
+    EXPECT_TRUE(areEdgesSeen(filled));
+}
+
+TEST(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
+    LoadedWindow const window;
+    QPushButton button("Show");
+    auto* const field = window.find<QLineEdit>("filterField");
+    window.table()->setFocus();
+    ApplicationPalette const black(paletteOf(Qt::black, Qt::white));
+    EXPECT_TRUE(runUntil([&] { return hasSeenEdge(&button); }));
+    EXPECT_TRUE(runUntil([&] { return hasSeenEdge(field); }));
+    button.setEnabled(false);
+    EXPECT_GE(edgeContrast(&button, Qt::black), 1.5) << "of a button that is disabled, too";
+}
+
+TEST(VisibleEdges, AreLeftToTheStyleInOtherThemes) {
+    LoadedWindow const window;
+    QPushButton button("Show");
+    {
+        ApplicationPalette const black(paletteOf(Qt::black, Qt::white));
+        ASSERT_TRUE(runUntil([&] { return hasSeenEdge(&button); }));
+    }
+    QColor const ground = QApplication::palette().color(QPalette::Window);
+    ASSERT_TRUE(areEdgesSeen(QApplication::palette()));
+    EXPECT_TRUE(runUntil(
+        [&] { return button.palette().color(QPalette::Window) == ground && edgeContrast(&button, ground) < 3; }));
+}
+
+} // namespace
+} // namespace mac::test
