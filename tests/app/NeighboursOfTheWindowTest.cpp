@@ -39,7 +39,7 @@ protected:
         std::filesystem::create_directories(m_home + "/.config/gtk-3.0");
         std::ofstream(m_home + "/.config/mimeapps.list") << "[Default Applications]\ninode/directory=thunar.desktop\n";
         std::ofstream(bookmarks()) << "file://" + m_home + "/Applications/Mirror%20Frame.app A copy\n";
-        ASSERT_TRUE(mac::FileBrowserSession().launch().isDone());
+        ASSERT_TRUE(launchBrowser());
         startProgram();
         // While the session's bus is stopped it cannot be asked for the other one.
         std::string const address = use({"bus"});
@@ -47,7 +47,7 @@ protected:
     }
     void TearDown() override {
         if (!m_program) return;
-        EXPECT_TRUE(mac::FileBrowserSession().quit().isDone());
+        EXPECT_TRUE(quitBrowser());
     }
 
     std::string bookmarks() const { return m_home + "/.config/gtk-3.0/bookmarks"; }
@@ -66,8 +66,8 @@ protected:
     static Stopped stoppedBrowser() {
         return Stopped([process = browserProcess()](int signal) { mac::test::sendSignalTo(process, signal); });
     }
-    // The window answers no question while an action waits.
-    void waitForAction() const { EXPECT_TRUE(lists(pathOfCopy("Applications"))); }
+    // What the window says when it could not show a copy: the action is over by then.
+    static constexpr char NotShown[] = "That could not be done.";
     // Shows a copy whose folder no other step of the test shows: what was asked for before it has been done by then.
     void showTheLastCopy() const {
         select(pathOfCopy("Downloads/Old Versions/1.9"));
@@ -86,7 +86,7 @@ TEST_F(NeighboursOfTheWindow, WithoutTheBusACopyIsNotShownLater) {
     select(pathOfCopy("Applications"));
     Stopped bus = stoppedBus();
     press("return");
-    waitForAction();
+    EXPECT_TRUE(says(NotShown));
     bus.goOn();
     showTheLastCopy();
     EXPECT_EQ(VirtualSession::countWindows(Title), 0U);
@@ -162,7 +162,7 @@ TEST_F(NeighboursOfTheWindow, AStoppedFileBrowserIsAskedOnce) {
     select(pathOfCopy("Applications"));
     Stopped browser = stoppedBrowser();
     press("return");
-    waitForAction();
+    EXPECT_TRUE(says(NotShown));
     browser.goOn();
     // The one request that was under way.
     EXPECT_TRUE(VirtualSession::showsWindow(Title));

@@ -11,6 +11,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusVirtualObject>
 #include <csignal>
+#include <functional>
 #include <gtest/gtest.h>
 #include <optional>
 #include <sys/wait.h>
@@ -73,16 +74,31 @@ protected:
         return ::waitid(P_PID, static_cast<id_t>(program.pid()), &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
                information.si_pid != 0;
     }
-    // Waits until the program's window is there: it answers from then on.
-    static ProcessSerialNumber opened(ChildProcess const& program) {
+    // Waits until the program's window is there: it answers from then on. nullopt if it ends without one.
+    static std::optional<ProcessSerialNumber> openedUnlessEnded(ChildProcess const& program) {
         ProcessSerialNumber psn{};
-        EXPECT_EQ(GetProcessForPID(program.pid(), &psn), noErr);
-        OSStatus status = noErr;
-        do
-            status = sendEvent(psn, kCoreEventClass, kAEOpenApplication);
-        while (status != noErr && !hasEnded(program));
-        EXPECT_EQ(status, noErr) << "it has ended";
-        return psn;
+        while (!hasEnded(program)) {
+            if (GetProcessForPID(program.pid(), &psn) != noErr) continue;
+            if (sendEvent(psn, kCoreEventClass, kAEOpenApplication) == noErr) return psn;
+        }
+        return std::nullopt;
+    }
+    static ProcessSerialNumber opened(ChildProcess const& program) {
+        std::optional<ProcessSerialNumber> const psn = openedUnlessEnded(program);
+        EXPECT_TRUE(psn) << "it has ended";
+        return psn.value_or(ProcessSerialNumber{});
+    }
+    // Whether a second start ends by itself. On a busy computer the first may answer later than the second waits for
+    // it, which then opens a window of its own; so it may be tried five times.
+    static bool secondStartEnds(std::function<void()> const& answer) {
+        for (int attempt = 0; attempt < 5; ++attempt) {
+            ChildProcess second({PROGRAM});
+            answer();
+            std::optional<ProcessSerialNumber> const psn = openedUnlessEnded(second);
+            if (!psn) return second.wait() == 0;
+            quit(second, *psn);
+        }
+        return false;
     }
     static void quit(ChildProcess& program, ProcessSerialNumber const& psn) {
         EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEQuitApplication), noErr);
@@ -99,8 +115,7 @@ protected:
 TEST_F(OneInstance, ASecondStartEndsOnceTheFirstIsInFront) {
     ChildProcess first({PROGRAM});
     ProcessSerialNumber const psn = opened(first);
-    ChildProcess second({PROGRAM});
-    EXPECT_EQ(second.wait(), 0);
+    EXPECT_TRUE(secondStartEnds([] {}));
     EXPECT_FALSE(hasEnded(first));
     quit(first, psn);
     // The name is free again.
@@ -112,9 +127,10 @@ TEST_F(OneInstance, HandsOnWhatTheLauncherGaveTheSecondStart) {
     EnvironmentVariable const activation("XDG_ACTIVATION_TOKEN", "token-7");
     EnvironmentVariable const startup("DESKTOP_STARTUP_ID", "launcher-1_TIME500");
     RecordingInstance first;
-    ChildProcess second({PROGRAM});
-    ASSERT_TRUE(runUntil([&] { return !first.m_method.empty(); }));
-    EXPECT_EQ(second.wait(), 0);
+    EXPECT_TRUE(secondStartEnds([&] {
+        first.m_method.clear();
+        EXPECT_TRUE(runUntil([&] { return !first.m_method.empty(); }));
+    }));
     EXPECT_EQ(first.m_method, "Activate");
     EXPECT_EQ(first.m_activation, "token-7");
     EXPECT_EQ(first.m_startup, "launcher-1_TIME500");

@@ -119,7 +119,7 @@ TEST_F(RunningCopies, AreOnlyReportedUnlessTheyAreToQuit) {
 
 TEST_F(RunningCopies, AreAllAskedToQuitAndNotWaitedFor) {
     RunningCompanion willing("willing");
-    RunningCompanion const slow("slow");
+    RunningCompanion const slow("lingering");
     RunningCompanion refusing("refusing");
     RunningCompanion const other("other");
     EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
@@ -200,9 +200,17 @@ TEST_F(RunningCopies, AreListedAndQuitThoughTheirBundleGoesWhileTheyRun) {
 }
 
 TEST_F(RunningCopies, MayTakeTheirTimeToQuit) {
-    RunningCompanion slow("slow");
+    RunningCompanion slow("lingering");
+    int pauses = 0;
+    m_controller = adopt<AppController>([&](NSTimeInterval) {
+                       if (++pauses < 8) return;
+                       slow.process().writeLine("end");
+                       slow.process().waitUntilEnded();
+                   }).init();
+    m_controller.setValue_forKey_(m_selection, "pathsArrayController");
     select({slow.bundle()});
     m_controller.quitAction_(nil);
+    EXPECT_EQ(pauses, 8);
     EXPECT_EQ(slow.process().wait(), 0);
     EXPECT_EQ(m_controller.paths().count(), 0U);
     EXPECT_EQ(m_beeps, 0);

@@ -30,6 +30,7 @@ protected:
         if (IsSkipped()) return;
         startProgram();
         EXPECT_TRUE(lists(pathOfCopy("Applications")));
+        EXPECT_TRUE(isDisabled("Stop", "No search is running")) << "nothing changes any more while it is read";
     }
 };
 

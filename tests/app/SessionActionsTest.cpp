@@ -17,11 +17,12 @@ protected:
         if (IsSkipped()) return;
         std::filesystem::create_directories(m_home + "/.config");
         std::ofstream(m_home + "/.config/mimeapps.list") << "[Default Applications]\ninode/directory=thunar.desktop\n";
+        ASSERT_TRUE(launchBrowser());
         startProgram();
     }
     void TearDown() override {
         if (!m_program) return;
-        EXPECT_TRUE(mac::FileBrowserSession().quit().isDone());
+        EXPECT_TRUE(quitBrowser());
     }
 
     std::string inTrash(std::string const& name) const { return m_home + "/.local/share/Trash/files/" + name; }
@@ -153,7 +154,6 @@ TEST_F(ActionsInASession, RemoveALoginItemAndTakeThatBack) {
 
 TEST_F(ActionsInASession, RemoveAPlaceAndTakeThatBack) {
     std::string const path = pathOfCopy("Applications");
-    ASSERT_TRUE(mac::FileBrowserSession().launch().isDone());
     std::string const bookmarks = m_home + "/.config/gtk-3.0/bookmarks";
     std::string const before =
         "file:///etc Settings\nfile://" + m_home + "/Applications/Mirror%20Frame.app A copy\nfile:///usr\n";

@@ -1,4 +1,5 @@
 #include "app/AppControllerBody.h"
+#include "platform/desktop/session/Patience.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/preferences/CFPreferences.h"
@@ -7,6 +8,7 @@
 #include "tests/support/DiskContents.h"
 #include "tests/support/TestRun.h"
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -69,6 +71,11 @@ protected:
         m_selection.setContent_(m_controller.paths());
         ASSERT_TRUE(m_selection.setSelectedObjects_(records));
     }
+    // A controller that gives the browser all the time that it takes to quit.
+    void waitForTheEndOf(ChildProcess const& browser) {
+        m_controller = adopt<AppController>([&browser](NSTimeInterval) { browser.waitUntilEnded(); }).init();
+        m_controller.setValue_forKey_(m_selection, "pathsArrayController");
+    }
     // The default application for folders quits when it is asked to.
     void installBrowser(std::string const& mode = "serve") const {
         m_desktop.install(m_desktop.fake(mode),
@@ -80,6 +87,8 @@ protected:
         EXPECT_EQ(m_beeps, static_cast<int>(lines.size()));
     }
 
+    // On a busy computer a browser starts later than a user would wait for it.
+    Patience const m_patience{std::chrono::minutes(5)};
     mac::test::Desktop const m_desktop{};
     std::string const m_bookmarks{m_desktop.folder.path("config/gtk-3.0/bookmarks")};
     AppController m_controller = makeController();
@@ -168,6 +177,7 @@ TEST_F(ToolbarItems, AreWrittenWhole) {
 TEST_F(ToolbarItems, AreRemovedAndTheBrowserStartsAgainAsItWasStarted) {
     installBrowser();
     ChildProcess const browser({fakeFileBrowser(), "serve", m_desktop.log(), "--desktop"});
+    waitForTheEndOf(browser);
     ASSERT_TRUE(mac::test::waitUntil([] { return isFileBrowserServiceOffered() == true; }));
     bookmarks(uri("a/Mirror%20Frame.app") + " A\n" + uri("b/Mirror%20Frame.app") + "\nfile:///c\n");
     select({"a/Mirror Frame.app"});
@@ -267,6 +277,7 @@ TEST_F(ToolbarItems, AreNotShownWhereTheBrowserIsGoneForGood) {
     ASSERT_EQ(::chmod(leave.c_str(), 0755), 0);
     m_desktop.install(m_desktop.fake("serve"), "Actions=Quit;\n[Desktop Action Quit]\nName=Quit\nExec=" + leave + "\n");
     ChildProcess browser({fakeFileBrowser(), "serve", m_desktop.log()});
+    waitForTheEndOf(browser);
     ASSERT_TRUE(mac::test::waitUntil([] { return isFileBrowserServiceOffered() == true; }));
     m_controller.quitFinderAction_(nil);
     EXPECT_EQ(browser.wait(), 0);

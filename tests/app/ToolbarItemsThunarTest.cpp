@@ -1,3 +1,4 @@
+#include "app/AppControllerBody.h"
 #include "platform/desktop/entries/DesktopApplication.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
@@ -20,7 +21,10 @@ TEST_F(ToolbarItemsOfThunar, LeaveItsListWhenTheyAreRemoved) {
     ASSERT_TRUE(showsElement("table cell The Companion"));
     std::vector<ProcessIdentity> const before = fileBrowserProcesses();
 
-    AppController const controller = makeController();
+    // It gives the browser all the time that it takes to quit.
+    AppController const controller = adopt<AppController>([](NSTimeInterval) {
+                                         mac::test::waitUntil([] { return fileBrowserProcesses().empty(); });
+                                     }).init();
     NSArrayController const selection = NSArrayController::alloc().init();
     controller.setValue_forKey_(selection, "pathsArrayController");
     controller.syncIsInToolbar();

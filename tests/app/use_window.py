@@ -175,5 +175,5 @@ try:
         use(int(process), verb, rest[0])
     else:
         tell(int(process), verb, *(rest or [""]))
-except GLib.Error:
+except (GLib.Error, AttributeError):
     pass  # it is being built, or changes while it is read: whoever asks may try again

@@ -11,7 +11,8 @@
 #include <unistd.h>
 
 // Stands for the companion: it runs until it is asked to quit, and answers as its bundle says under WhenAskedToQuit:
-// "quit" at once, "linger" a second and a half longer, "refuse", "crash", or "none", which handles no event at all.
+// "quit" at once, "dawdle" for 0.3 seconds, "linger" until there is a line on its standard input, "refuse", "crash", or
+// "none", which handles no event at all.
 
 namespace {
 
@@ -30,8 +31,14 @@ OSErr quit(AppleEvent const*, AppleEvent*, void* refcon) {
     say("asked to quit");
     if (answer == "refuse") return userCanceledErr;
     if (answer == "crash") std::raise(SIGKILL);
-    s_end = NSDate::dateWithTimeIntervalSinceNow_(answer == "linger" ? 1.5 : 0);
+    s_end = NSDate::dateWithTimeIntervalSinceNow_(answer == "dawdle" ? 0.3 : 0);
     return noErr;
+}
+
+// Until there is a line, or no more input.
+void waitForLine() {
+    for (int byte = std::getchar(); byte != EOF && byte != '\n';)
+        byte = std::getchar();
 }
 
 // Sends an event to the parent, which opens this process's end of the bus: from then on it can receive events.
@@ -60,5 +67,6 @@ int main() {
     say("ready");
     while (!s_end || s_end->timeIntervalSinceNow() > 0)
         NSRunLoop::currentRunLoop().runMode_beforeDate_(NSDefaultRunLoopMode, s_end.value_or(NSDate::distantFuture()));
+    if (answer == "linger") waitForLine();
     return 0;
 }

@@ -19,7 +19,8 @@ SHOWN = {Atspi.Role.LABEL: "text", Atspi.Role.STATIC: "text", Atspi.Role.PUSH_BU
 
 
 def children(element):
-    return [element.get_child_at_index(i) for i in range(element.get_child_count())]
+    found = [element.get_child_at_index(i) for i in range(element.get_child_count())]
+    return [child for child in found if child is not None]
 
 
 def show(element):
@@ -48,5 +49,5 @@ def use(process, verb, key=""):
 
 try:
     use(int(sys.argv[1]), *sys.argv[2:])
-except GLib.Error:
+except (GLib.Error, AttributeError):
     pass  # it is being built, or changes while it is read: whoever asks may try again

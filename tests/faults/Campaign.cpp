@@ -151,11 +151,12 @@ void Campaign::race(Operation const& operation, FaultPoint const& point) {
     if (racer == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         for (;;) {
-            m_shared->isExchanging = m_shared->isRacing.load();
-            if (m_shared->isExchanging)
-                exchange();
-            else
-                ::nanosleep(&BetweenLooks, nullptr);
+            // Before it asks whether it may, so that whoever has forbidden it and sees false knows that it is idle.
+            m_shared->isExchanging = true;
+            bool const mayExchange = m_shared->isRacing;
+            if (mayExchange) exchange();
+            m_shared->isExchanging = false;
+            if (!mayExchange) ::nanosleep(&BetweenLooks, nullptr);
         }
     }
     for (unsigned round = 0; round < m_options.races; ++round) {

@@ -43,9 +43,12 @@ bool isStopped(std::filesystem::path const& thread) {
 
 bool areThreadsStopped(int process) {
     std::error_code ended;
-    std::filesystem::directory_iterator const threads("/proc/" + std::to_string(process) + "/task", ended);
-    return std::all_of(begin(threads), end(threads),
-                       [](std::filesystem::directory_entry const& thread) { return isStopped(thread.path()); });
+    std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task", ended);
+    // At an error, as when the process has ended, there are no more.
+    for (; threads != std::filesystem::directory_iterator(); threads.increment(ended)) {
+        if (!isStopped(threads->path())) return false;
+    }
+    return true;
 }
 
 } // namespace

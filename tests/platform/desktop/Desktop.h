@@ -116,6 +116,17 @@ inline constexpr FileBrowserTimeouts ShortTimeouts{.start = std::chrono::millise
                                                    .answer = std::chrono::milliseconds(100),
                                                    .quit = std::chrono::milliseconds(100)};
 
+// For a browser that does what it is asked to, however busy the computer is.
+inline constexpr FileBrowserTimeouts LongTimeouts{
+    .start = std::chrono::minutes(1), .answer = std::chrono::minutes(1), .quit = std::chrono::minutes(1)};
+
+// Starts the session's file browser before a program under test shows anything in it: on a busy computer its first
+// start may exceed the time that a user is kept waiting. Waits until it offers its service; false after a minute.
+bool launchBrowser();
+
+// Asks the session's file browser to quit and waits until it has ended; false after a minute.
+bool quitBrowser();
+
 // nullopt for what was done.
 inline std::optional<DesktopProblem::Kind> kindOf(DesktopOutcome const& outcome) {
     return outcome.isDone() ? std::nullopt : std::optional(outcome.problem().kind);

@@ -65,7 +65,8 @@ TEST(HungNeighbours, ABusThatWakesUpIsUsedAgain) {
         EXPECT_FALSE(FileBrowserSession().revealItems({folder}).isDone());
     }
     desktop.bus().sendSignal(SIGCONT);
-    EXPECT_EQ(textOf(FileBrowserSession().revealItems({folder})), "");
+    Patience const patience(std::chrono::minutes(5));
+    EXPECT_EQ(textOf(FileBrowserSession(LongTimeouts).revealItems({folder})), "");
     EXPECT_EQ(desktop.lastLine(), "ShowItems file://" + folder);
 }
 
@@ -74,10 +75,11 @@ TEST(HungNeighbours, ABrowserThatKeepsSilentIsAskedOnce) {
     desktop.install(desktop.fake("silent"));
     desktop.installService(desktop.fake("silent"));
     std::string const folder = desktop.folder.makeFolder("shown");
-    ASSERT_EQ(textOf(FileBrowserSession().launch()), "");
-    Patience const patience(Short);
+    ASSERT_TRUE(launchBrowser());
+    Patience const patience;
+    FileBrowserSession const impatient(ShortTimeouts);
     for (int round = 0; round < 3; ++round)
-        EXPECT_EQ(kindOf(FileBrowserSession().revealItems({folder})), DesktopProblem::Kind::NoAnswer);
+        EXPECT_EQ(kindOf(impatient.revealItems({folder})), DesktopProblem::Kind::NoAnswer);
     EXPECT_EQ(desktop.lines(2).size(), 2U) << "its start and one request";
 }
 

@@ -63,9 +63,10 @@ bool VirtualSession::showsWindow(std::string const& title) {
 
 std::size_t VirtualSession::countWindows(std::string const& title) {
     std::string const tree = windowTree();
-    std::string const quoted = "\"" + title + "\"";
+    // The names of the window's class are quoted, too, behind the title.
+    std::string const shown = "\"" + title + "\": (";
     std::size_t count = 0;
-    for (std::size_t place = tree.find(quoted); place != std::string::npos; place = tree.find(quoted, place + 1))
+    for (std::size_t place = tree.find(shown); place != std::string::npos; place = tree.find(shown, place + 1))
         ++count;
     return count;
 }

@@ -51,7 +51,7 @@ public:
 
     // Waits for a window of that title; false after a minute.
     static bool showsWindow(std::string const& title);
-    // How many windows have that title.
+    // How many windows have that title, shown or not.
     static std::size_t countWindows(std::string const& title);
     // Whether there is an element whose role and name begin so.
     static bool hasElement(std::string const& beginning);

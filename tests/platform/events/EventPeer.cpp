@@ -114,7 +114,7 @@ bool hasThread(std::string_view name) {
 
 // The toolkit calls a thread finished when its function has returned; the system lists it a moment longer.
 bool isThreadGone(std::string_view name) {
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     while (hasThread(name)) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         std::this_thread::yield();

@@ -20,10 +20,19 @@ namespace {
 
 NSString defaultsText(std::string_view bytes) { return NSString::stringWithFileSystemRepresentation_(bytes); }
 
+// Repeated for a minute, since another program that saves all the time may keep one attempt from its turn.
+bool synchronizes(NSUserDefaults const& defaults) {
+    NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
+    while (!defaults.synchronize()) {
+        if (end.timeIntervalSinceNow() < 0) return false;
+    }
+    return true;
+}
+
 int setMany(NSUserDefaults const& defaults, std::string const& prefix, int count) {
     for (int index = 0; index < count; ++index) {
         defaults.setObject_forKey_("set", defaultsText(prefix + std::to_string(index)));
-        if (!defaults.synchronize()) return 1;
+        if (!synchronizes(defaults)) return 1;
     }
     return 0;
 }

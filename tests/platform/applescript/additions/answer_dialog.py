@@ -20,7 +20,9 @@ ROLES = {"choose": (Atspi.Role.LIST_ITEM,), "click": (Atspi.Role.PUSH_BUTTON,), 
 def elements(element):
     yield element
     for i in range(element.get_child_count()):
-        yield from elements(element.get_child_at_index(i))
+        child = element.get_child_at_index(i)
+        if child is not None:
+            yield from elements(child)
 
 
 def plain(name):
@@ -30,7 +32,7 @@ def plain(name):
 def answer(process, verb, text):
     desktop = Atspi.get_desktop(0)
     programs = (desktop.get_child_at_index(i) for i in range(desktop.get_child_count()))
-    program = next((p for p in programs if p.get_process_id() == process), None)
+    program = next((p for p in programs if p is not None and p.get_process_id() == process), None)
     if program is None:
         return False
     found = [e for e in elements(program) if e.get_role() in ROLES[verb]]
@@ -48,5 +50,5 @@ def answer(process, verb, text):
 try:
     if answer(int(sys.argv[1]), *sys.argv[2:]):
         print("done")
-except GLib.Error:
+except (GLib.Error, AttributeError):
     pass  # it is being built, or changes while it is read: whoever asks may try again

@@ -6,6 +6,7 @@
 #include "tests/platform/desktop/autostart/AutostartFolders.h"
 #include "tests/support/Commands.h"
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <set>
 #include <sys/stat.h>
@@ -74,16 +75,6 @@ protected:
 
     std::set<std::string> m_programs{};
 };
-
-// How many windows of that title there are, shown or not.
-std::size_t windowsNamed(std::string const& title) {
-    std::string const windows = outputOf({"xwininfo", "-root", "-tree"});
-    std::string const shown = "\"" + title + "\": (";
-    std::size_t count = 0;
-    for (std::size_t place = windows.find(shown); place != std::string::npos; place = windows.find(shown, place + 1))
-        ++count;
-    return count;
-}
 
 // The words of ExecStart in a unit: those in double quotes, and those between blanks.
 std::vector<std::string> wordsOfUnit(std::string const& unit) {
@@ -163,9 +154,9 @@ TEST_F(AutostartOracle, XfceStartsTheRightProgramsAndAsksBeforeItLogsOut) {
     expectAllStarted();
     ASSERT_TRUE(waitUntil([] { return !obstacleToLoggingOut(); }));
     // The session manager refuses until it has started everything.
-    EXPECT_TRUE(waitUntil([] { return askToLogOut().isDone(); }));
+    EXPECT_TRUE(waitUntil([] { return askToLogOut(std::chrono::minutes(1)).isDone(); }));
     // The question, beside the window that each program has without showing it.
-    EXPECT_TRUE(waitUntil([] { return windowsNamed("xfce4-session") >= 2; }))
+    EXPECT_TRUE(waitUntil([] { return VirtualSession::countWindows("xfce4-session") >= 2; }))
         << outputOf({"xwininfo", "-root", "-tree"});
     EXPECT_EQ(obstacleToLoggingOut(), std::nullopt) << "the session goes on meanwhile";
 }

@@ -1,5 +1,7 @@
+#include "platform/desktop/session/Patience.h"
 #include "platform/desktop/session/Session.h"
 #include "tests/platform/desktop/Desktop.h"
+#include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -27,7 +29,9 @@ protected:
     }
 
     Desktop const m_desktop{};
-    FileBrowserSession const m_browser{};
+    // On a busy computer it starts, answers and quits later than a user would wait for it.
+    Patience const m_patience{std::chrono::minutes(5)};
+    FileBrowserSession const m_browser{LongTimeouts};
 };
 
 TEST_F(FileBrowserProcess, IsStartedByItsEntryAndWaitedFor) {

@@ -135,16 +135,22 @@ TEST_F(AnsweringItemsTest, TellOnlyThoseWhoDidWithoutTheAnswer) {
 
 TEST(AnsweringItems, AreAllAskedHoweverManyDoNotAnswer) {
     std::vector<std::string> paths = pathsOfRows(30);
-    std::shared_ptr<StoppedServer> const server = serverOf(paths);
-    AnsweringItems items{[server](std::string const& path) { server->answer(path); }};
+    std::vector<std::string> const silent = paths;
     paths.push_back("/answers");
-    {
-        Patience const patience(AmplePatience);
-        items.ask(paths);
+    // On a busy computer the last may be asked too late, but not always.
+    bool isLastAsked = false;
+    for (int round = 0; round < 10 && !isLastAsked; ++round) {
+        std::shared_ptr<StoppedServer> const server = serverOf(silent);
+        AnsweringItems items{[server](std::string const& path) { server->answer(path); }};
+        {
+            Patience const patience(AmplePatience);
+            items.ask(paths);
+        }
+        EXPECT_TRUE(items.isSilent("/row/29"));
+        isLastAsked = !items.isSilent("/answers");
+        server->goOn();
     }
-    EXPECT_TRUE(items.isSilent("/row/29"));
-    EXPECT_FALSE(items.isSilent("/answers"));
-    server->goOn();
+    EXPECT_TRUE(isLastAsked);
 }
 
 TEST(AnsweringItems, OfOneVolumeAreNotWaitedForOneAfterAnother) {

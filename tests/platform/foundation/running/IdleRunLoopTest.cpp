@@ -66,7 +66,7 @@ TEST(IdleRunLoop, CallsInItsNextLifeWhatTheLastOneLeft) {
         }
         QCoreApplication const application(argumentCount, arguments);
         performWhenMainRunLoopIsIdle([&] { ++calls; });
-        std::_Exit(runUntil([&] { return calls == 3; }, 10) ? 0 : 1);
+        std::_Exit(runUntil([&] { return calls == 3; }) ? 0 : 1);
     };
     EXPECT_EXIT(program(), testing::ExitedWithCode(0), "");
 }

@@ -74,7 +74,7 @@ TEST(RunLoop, CallsInItsNextLifeWhatTheLastOneLeft) {
         performOnMainRunLoop([&] { ++calls; });
         QCoreApplication const application(argumentCount, arguments);
         performOnMainRunLoop([&] { ++calls; });
-        std::_Exit(runUntil([&] { return calls == 4; }, 10) ? 0 : 1);
+        std::_Exit(runUntil([&] { return calls == 4; }) ? 0 : 1);
     };
     EXPECT_EXIT(program(), testing::ExitedWithCode(0), "");
 }
