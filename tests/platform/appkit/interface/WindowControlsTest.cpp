@@ -87,7 +87,9 @@ TEST(WindowControls, ReachesEveryButtonByTab) {
         EXPECT_TRUE(button->focusPolicy() & Qt::TabFocus) << button->text().toStdString();
     }
     EXPECT_EQ(count, 16);
-    EXPECT_TRUE(window.table()->hasFocus());
+    // The panel over an empty table comes a moment later, and takes the keyboard.
+    bool const isCovered = window.find<QWidget>("emptyPanel")->isVisible();
+    EXPECT_TRUE(window.find<QWidget>(isCovered ? "emptyScanButton" : "pathsTable")->hasFocus());
 }
 
 TEST(WindowControls, KeepsActionsThatFindNoRoomWithinReach) {
