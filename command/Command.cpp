@@ -84,7 +84,7 @@ Status list(CommandLine const& line) {
     }
     tellUnreadable(copies);
     Status const status = worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
-    // By now whoever waits for the list has it.
+    // By now whoever reads the list line by line has it.
     copies.finishSearch();
     return status;
 }

@@ -128,8 +128,8 @@ void appendOutcome(std::string& json, Outcome const& outcome) {
     json += '}';
 }
 
-// How many entries of a document get their place beforehand.
-constexpr std::size_t MostReserved = 1'000'000;
+// How many bytes of a document get their place beforehand.
+constexpr std::size_t MostReserved = std::size_t{64} << 20;
 
 std::string jsonDocument(char const* key, std::size_t count,
                          std::function<void(std::string& json, std::size_t index)> const& append) {
@@ -137,7 +137,7 @@ std::string jsonDocument(char const* key, std::size_t count,
     for (std::size_t index = 0; index < count; ++index) {
         append(json += index == 0 ? "\n  " : ",\n  ", index);
         // About as much for each as for the first: a text that grows while it is written is copied again and again.
-        if (index == 0) json.reserve(json.size() * std::min(count, MostReserved) + json.size());
+        if (index == 0) json.reserve(std::min(json.size(), MostReserved / count) * count);
     }
     json += count == 0 ? "]}\n" : "\n]}\n";
     return json;

@@ -57,7 +57,8 @@ std::optional<CommandLine> read(std::vector<std::string> const& words) {
         line.hasLines = true;
     }
     // Such a word in the place of a file is an option that there is not; a file of that name follows "--".
-    bool const isUnknown = index < words.size() && words[index].starts_with("--") && words[index] != "--";
+    bool const isInPlaceOfFile = !line.hasLines && index < words.size();
+    bool const isUnknown = isInPlaceOfFile && words[index].starts_with("--") && words[index] != "--";
     if (isUnknown) return {};
     if (index < words.size() && words[index] == "--") ++index;
     line.operands.assign(words.begin() + static_cast<std::ptrdiff_t>(index), words.end());

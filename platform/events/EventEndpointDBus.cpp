@@ -20,6 +20,8 @@ constexpr int MostUnhandled = 512;
 
 // How long the end of the transport waits for the bus.
 constexpr std::chrono::milliseconds LongestQuestionAtEnd{500};
+// A bus that refuses a connection does so at once, and costs nothing to ask again.
+constexpr std::chrono::milliseconds LongestRefusal{100};
 
 NSString nsString(QString const& text) { return NSString::stringWithUTF8String_(text.toUtf8().constData()); }
 
@@ -37,10 +39,12 @@ void EventEndpoint::open() {
     m_peers.clear();
     m_endpoints.clear();
     m_unhandled.clear();
+    std::chrono::steady_clock::time_point const start = std::chrono::steady_clock::now();
     m_connection = connectToSessionBus();
     m_failed.reset();
     if (!m_connection) {
-        m_failed = std::chrono::steady_clock::now();
+        std::chrono::steady_clock::time_point const end = std::chrono::steady_clock::now();
+        if (end - start > LongestRefusal) m_failed = end;
         return;
     }
     m_nextLook.stop();

@@ -118,8 +118,11 @@ Result<void> permitOwner(FileDescriptor const& item, unsigned permissions) {
     unsigned const wanted = (status.st_mode | permissions) & 07777U;
     if (wanted == (status.st_mode & 07777U)) return {};
     // By a path, since a descriptor that only names the item is refused.
-    if (::chmod(descriptorPath(item).c_str(), wanted) != 0) return lastSystemError("chmod");
-    return {};
+    if (::chmod(descriptorPath(item).c_str(), wanted) == 0) return {};
+    SystemError error = lastSystemError("chmod");
+    // Some file systems tell one mode of everything and change none; whoever lacks a permission there learns it next.
+    bool const isFixed = error.is(EPERM) || error.is(ENOSYS) || error.is(EOPNOTSUPP);
+    return isFixed ? Result<void>() : error;
 }
 
 Result<void> flushFolder(FileDescriptor const& folder) {

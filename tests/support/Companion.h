@@ -8,8 +8,8 @@
 namespace mac::test {
 
 // A copy of the companion that runs, within reach of events, and ends with the object. Its kind is a folder of
-// tests/companion: "willing", "refusing", "crashing", "slow", "lingering", "deaf" or
-// "other".
+// tests/companion: "willing", "refusing", "crashing", "slow", "lingering", "deaf"
+// or "other".
 class RunningCompanion {
 public:
     explicit RunningCompanion(std::string const& kind);

@@ -134,6 +134,8 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     m_previousRows = std::move(arrangement.previousRows);
     m_selectedRows = std::move(arrangement.selectedRows);
     m_awaited = std::move(arrangement.stillAwaited);
+    // What is under way was read of what was shown before; whoever is told may run an event loop.
+    if (m_upcoming) beginAnew();
     std::exception_ptr const raised = change.tell();
     m_previousRows.clear();
 
@@ -147,11 +149,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     discarded.push_back(std::move(formerContent));
     discarded.push_back(std::exchange(m_previouslyArranged, nil));
     m_discarded.add(std::move(discarded));
-    // What is under way was read of what was shown before.
-    if (m_upcoming) {
-        beginAnew();
-        advanceLater();
-    }
+    if (m_upcoming) advanceLater();
     raise(raised);
 }
 

@@ -41,11 +41,11 @@ public:
     // So many objects are read, filtered or sorted without a break: what that takes is not felt.
     static constexpr std::size_t RowsInStep = 10'000;
     // Does what the two setters do, for what the user asks for. With more objects than a step has, the event loop works
-    // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it, and a
-    // content that is set meanwhile is shown as before at first.
+    // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it. A
+    // content that is set at once meanwhile is shown in the former order and with the former filter at first.
     void changeInSteps(Criteria criteria);
-    // Does what setContent does, likewise in steps while an event loop runs. What comes while another content is under
-    // way waits until that is shown; of several that come the last one is shown.
+    // Does what setContent does, likewise in steps while an event loop runs, unless an object is selected. What comes
+    // while another content is under way waits until that is shown; of several that come the last one is shown.
     void changeContentInSteps(id const& content);
     // Those asked for by changeInSteps, else those in force.
     NSArray const& wantedSortDescriptors() const;
@@ -82,7 +82,7 @@ private:
     // What the two functions for steps have under way. Rows are those of m_entries, or of the content that is read.
     struct Upcoming {
         Criteria criteria{};
-        // Another content; of nothing, the one that there is.
+        // Another content; nullopt: the one that there is.
         std::optional<id> content{};
         std::optional<ContentReading> reading{};
         // One value for each criterion of the order, object after object; only with another order.

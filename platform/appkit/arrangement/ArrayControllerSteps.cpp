@@ -60,7 +60,9 @@ void NSArrayController::Body::change(Criteria criteria) {
 
 void NSArrayController::Body::changeContentInSteps(id const& content) {
     bool const isLoopRunning = QThread::currentThread()->loopLevel() > 0;
-    if (!isLoopRunning || countOf(content) <= RowsInStep) return setContent(content);
+    // What actions act on must not stay selected when it has left the content.
+    bool const isSelected = !m_selectedRows.empty();
+    if (!isLoopRunning || isSelected || countOf(content) <= RowsInStep) return setContent(content);
     if (m_upcoming && m_upcoming->content) {
         if (m_nextContent) discard(*m_nextContent);
         m_nextContent = content;
@@ -86,13 +88,16 @@ void NSArrayController::Body::advanceLater() {
     m_steps->start();
 }
 
-// Reading an object may raise: then everything stays as it was.
+// Reading an object may raise: then everything stays as it was, until the content that waits is shown.
 bool NSArrayController::Body::advance() {
     try {
         if (!readContent() || !readSortValues() || !findOrder() || !filterSome()) return false;
     } catch (...) {
         m_upcoming.reset();
-        m_nextContent.reset();
+        if (m_nextContent) {
+            m_upcoming = Upcoming{.content = std::exchange(m_nextContent, std::nullopt)};
+            advanceLater();
+        }
         throw;
     }
     showUpcoming();

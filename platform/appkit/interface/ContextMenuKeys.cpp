@@ -1,6 +1,7 @@
 #include "platform/appkit/interface/ContextMenuKeys.h"
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QPointer>
 #include <QShortcut>
 #include <QTableView>
 #include <memory>
@@ -34,9 +35,11 @@ public:
         if (watched != m_table || event->type() != QEvent::ContextMenu || m_isOpening)
             return QObject::eventFilter(watched, event);
         if (static_cast<QContextMenuEvent*>(event)->reason() != QContextMenuEvent::Keyboard) return false;
+        QPointer<MenuKeyInTable> const alive(this);
         m_isOpening = true;
+        // Returns when the menu is closed; what was chosen in it may have ended the window.
         openContextMenu(m_table);
-        m_isOpening = false;
+        if (alive) m_isOpening = false;
         return true;
     }
 

@@ -18,7 +18,7 @@ namespace {
 
 // An entry is larger than a hundred bytes and smaller by far; what is larger was not read.
 constexpr std::size_t LargestRemovedFile = std::size_t{1} << 20;
-// What an entry names is run when its owner logs in, so nobody else writes it, whatever the umask.
+// What an entry names is run when its owner logs in, so nobody else writes a new one, whatever the umask.
 constexpr unsigned EntryMode = 0644;
 constexpr unsigned OwnersAlone = 0600;
 constexpr unsigned MostNames = 10'000;

@@ -328,10 +328,11 @@ FoundTrashes trashesOfUser() {
 }
 
 FoundTrashes trashesOfUserAndAround(std::string_view path) {
-    FoundTrashes found = trashesOfUser();
+    FoundTrashes found;
     Result<FileDescriptor> const folder = openNearest(BytePath(BytePath(path).parent()));
-    if (!folder.hasValue()) return found;
-    append(found, existingTrashes(Top::Volume, topFolder(topOfMount(folder.value()))));
+    // First, since of a volume that is mounted twice the trash is to be known by the path's own mount point.
+    if (folder.hasValue()) append(found, existingTrashes(Top::Volume, topFolder(topOfMount(folder.value()))));
+    append(found, trashesOfUser());
     removeRepeated(found);
     return found;
 }

@@ -289,8 +289,8 @@ public:
         return information;
     }
 
-    // Reads the file in Contents of a bundle of which nothing is known, whose status it would be in vain to ask for
-    // first. nullopt for a known bundle, and if no such file can be read.
+    // Reads the file in Contents of a bundle of which nothing is known, so that its status is asked for once less.
+    // nullopt for a known bundle, and if no such file can be read.
     std::optional<BundleSummary> summaryOfNewBundle(std::string_view bundlePath) {
         if (m_known.find(hashOfPath(bundlePath))) return std::nullopt;
         std::int64_t const start = now();

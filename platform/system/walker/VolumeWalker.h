@@ -54,7 +54,8 @@ struct VolumeWalkProgress {
 };
 
 // Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was
-// found whenever it likes, and may stop it. All operations but start and those that stop may be called from any thread.
+// found whenever it likes, and may stop it. All operations but start, waitUntilRemembered
+// and those that stop may be called from any thread.
 //
 // Every wanted package that is there during the whole walk is found exactly once. Links are never followed. A folder
 // mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
@@ -83,8 +84,8 @@ public:
     // Returns when all threads have ended: within a few reads of the disk. What was found can still be taken.
     void stop();
     // Stops, and waits for the threads no longer than the patience: a disk may not answer. What has not ended by then
-    // goes on for one more read, tells of nothing, and frees what it uses. REQUIRES: a sought item's question owns what
-    // it uses.
+    // goes on until its read returns, or its memory is written, tells of nothing, and frees what it uses. REQUIRES: a
+    // sought item's question owns what it uses.
     void stopWithin(std::chrono::milliseconds patience);
 
     // Returns when the packages that the last walk found have been looked for, so that `takeRemembered` has those that

@@ -230,6 +230,36 @@ TEST_F(BoundContentInSteps, GivesWayAtOnceToOneWithFewObjects) {
     EXPECT_EQ(m_counts, (std::vector<NSUInteger>{3, 0, last}));
 }
 
+// An action that the user asks for once more must not find what the first one has done away with.
+TEST_F(BoundContentInSteps, IsShownAtOnceWhileAnObjectIsSelected) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    m_controller.setSelectedObjects_(NSArray::arrayWithObject_(m_controller.arrangedObjects().objectAtIndex_(4)));
+    inEvent([&] {
+        NSMutableSet const fewer = NSMutableSet::set();
+        for (id const& record : m_owner.paths().allObjects()) {
+            if (text(record.valueForKey_("path")) != "/copies/100004") fewer.addObject_(record);
+        }
+        m_owner.setPaths_(fewer);
+        EXPECT_EQ(m_controller.arrangedObjects().count(), static_cast<NSUInteger>(ManyRows - 1));
+        EXPECT_EQ(m_controller.selectedObjects().count(), 0U);
+    });
+}
+
+TEST_F(BoundContentInSteps, IsShownThoughTheOneBeforeCannotBeRead) {
+    NSMutableArray const unreadable = NSMutableArray::array();
+    for (id const& record : numberedRecords(ManyRows).allObjects())
+        unreadable.addObject_(record);
+    // It has no path.
+    unreadable.addObject_(FakeQuery(adopt<FakeQuery>()));
+    inEvent([&] {
+        bodyOf(m_controller)->changeContentInSteps(unreadable);
+        m_owner.setPaths_(numberedRecords(ManyRows + 1));
+    });
+    constexpr auto last = static_cast<NSUInteger>(ManyRows + 1);
+    ASSERT_TRUE(runUntil([&] { return m_controller.arrangedObjects().count() == last; }));
+    EXPECT_EQ(m_counts, (std::vector<NSUInteger>{last}));
+}
+
 TEST_F(BoundContentInSteps, IsShownInTheOrderAndWithTheFilterThatWereAskedForMeanwhile) {
     inEvent([&] {
         m_owner.setPaths_(numberedRecords(ManyRows));

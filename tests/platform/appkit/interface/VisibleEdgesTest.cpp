@@ -25,7 +25,7 @@ QPalette paletteOf(QColor const& ground, QColor const& text) {
     return palette;
 }
 
-// The palette as long as it lives, and the style that was there before it came.
+// Gives the application the palette for as long as it lives.
 class ApplicationPalette {
 public:
     explicit ApplicationPalette(QPalette const& palette) { QApplication::setPalette(palette); }
