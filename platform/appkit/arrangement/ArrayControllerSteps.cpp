@@ -53,7 +53,7 @@ void NSArrayController::Body::change(Criteria criteria) {
     Criteria whole = m_upcoming ? std::move(m_upcoming->criteria) : Criteria();
     if (criteria.sortDescriptors) whole.sortDescriptors = onlySortDescriptors(*criteria.sortDescriptors);
     if (criteria.filter) whole.filter = criteria.filter;
-    if (!m_upcoming) m_upcoming.emplace();
+    if (!m_upcoming) m_upcoming = Upcoming{};
     m_upcoming->criteria = std::move(whole);
     beginAnew();
 }
@@ -68,7 +68,7 @@ void NSArrayController::Body::changeContentInSteps(id const& content) {
         m_nextContent = content;
         return;
     }
-    if (!m_upcoming) m_upcoming.emplace();
+    if (!m_upcoming) m_upcoming = Upcoming{};
     m_upcoming->content = content;
     beginAnew();
     if (!advance()) advanceLater();
