@@ -1,6 +1,7 @@
 # What `cmake --install` puts in place: the library of the three library rooms and the platform below them, its headers,
 # and the files by which CMake and pkg-config find it. Nothing of it needs Qt's headers. It is two shared libraries, so
-# that a program without windows does not load the toolkit's: libframekeeper-core, and libframekeeper with the rest.
+# that a program without windows does not load the toolkit's: libframekeeper-core, and libframekeeper with the rest. What
+# reads and draws pictures is a module that the former loads when it first needs it.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -89,7 +90,7 @@ function(framekeeper_shared_library TARGET NAME)
 endfunction()
 
 framekeeper_shared_library(framekeeper_shared_core framekeeper-core ROOMS ${core_rooms}
-                           USERS ${program_rooms} ${window_rooms})
+                           USERS ${program_rooms} ${window_rooms} framekeeper_pictures)
 framekeeper_shared_library(framekeeper_shared framekeeper ROOMS ${window_rooms} USERS ${program_rooms})
 target_link_libraries(framekeeper_shared PUBLIC framekeeper_shared_core)
 # Programs that were linked when there was one library name no other: the loader then looks for the second one where the
@@ -98,6 +99,17 @@ set_target_properties(framekeeper_shared PROPERTIES INSTALL_RPATH "$ORIGIN")
 # Its classes and hooks register themselves, so a program needs it also if it calls nothing of it.
 target_link_options(framekeeper_shared INTERFACE LINKER:--no-as-needed)
 target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
+
+# Loaded by the library when it first needs a picture.
+set(module_folder ${CMAKE_INSTALL_LIBDIR}/framekeeper)
+add_library(framekeeper_pictures_module MODULE $<TARGET_OBJECTS:framekeeper_pictures>)
+target_link_libraries(framekeeper_pictures_module PRIVATE framekeeper_shared_core Qt6::Core Qt6::Gui)
+set_target_properties(framekeeper_pictures_module PROPERTIES PREFIX "" OUTPUT_NAME framekeeper-pictures
+                      LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/framekeeper)
+framekeeper_register_rooms(framekeeper_pictures_module framekeeper_pictures)
+target_include_directories(framekeeper_pictures_module PRIVATE ${PROJECT_SOURCE_DIR})
+add_dependencies(framekeeper_shared framekeeper_pictures_module)
+install(TARGETS framekeeper_pictures_module DESTINATION ${module_folder} COMPONENT library)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Framekeeper)
 install(

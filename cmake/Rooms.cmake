@@ -63,7 +63,7 @@ endfunction()
 # to link, and does not come in twice.
 function(framekeeper_link_shared PROGRAM FOLDER)
   get_property(shared_rooms GLOBAL PROPERTY FRAMEKEEPER_LIBRARY_ROOMS)
-  list(APPEND shared_rooms framekeeper_operations framekeeper_library framekeeper_options)
+  list(APPEND shared_rooms framekeeper_operations framekeeper_library framekeeper_pictures framekeeper_options)
   framekeeper_linked_targets(rooms ${PROGRAM})
   list(REMOVE_ITEM rooms ${PROGRAM} ${shared_rooms})
   set(externals)

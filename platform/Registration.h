@@ -19,6 +19,9 @@ void registerEvents();
 // platform/launchservices
 void registerLaunchServices();
 
+// platform/icons/toolkit; in the installed library a module of its own.
+void registerPictures();
+
 // platform/spotlight
 void registerSpotlight();
 

@@ -4,6 +4,7 @@
 #include "platform/foundation/text/Encodings.h"
 #include "platform/icons/IconPictures.h"
 #include "platform/icons/IconTheme.h"
+#include "platform/icons/PictureToolkit.h"
 #include "platform/launchservices/Applications.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
@@ -210,6 +211,13 @@ std::vector<SharedPicture> picturesOfSource(IconSource const& source) {
     if (pictures.empty() && !source.file.empty()) pictures = picturesInThemeFile(source.file);
     if (pictures.empty() && !source.names.empty()) pictures = picturesInTheme(source.names);
     return pictures.empty() ? genericPictures(source.generic) : pictures;
+}
+
+std::vector<SharedPicture> genericPictures(IconSource::Generic generic) {
+    std::vector<Picture> pictures;
+    for (int const side : IconSides)
+        pictures.push_back(pictureToolkit().genericPicture(generic, side));
+    return picturesInIconSides(std::move(pictures));
 }
 
 } // namespace mac

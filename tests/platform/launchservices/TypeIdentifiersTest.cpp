@@ -1,7 +1,7 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
-#include "platform/launchservices/ImageSources.h"
+#include "platform/icons/ImageSources.h"
 #include "platform/launchservices/TypeTree.h"
 #include <gtest/gtest.h>
 

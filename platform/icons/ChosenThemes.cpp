@@ -1,9 +1,8 @@
 #include "platform/desktop/entries/KeyFile.h"
 #include "platform/desktop/session/Session.h"
 #include "platform/icons/IconTheme.h"
+#include "platform/icons/PictureToolkit.h"
 #include "platform/system/BytePath.h"
-#include <QGuiApplication>
-#include <QIcon>
 #include <algorithm>
 
 namespace mac {
@@ -35,10 +34,9 @@ std::string themeInSettings() {
     return name.empty() ? textOfSetting(isPlasma ? GTKSetting : PlasmaSetting) : name;
 }
 
-// The toolkit knows no theme without an application object, and names the last resort where the desktop tells it none.
+// The toolkit names the last resort where the desktop tells it none.
 std::string themeOfToolkit() {
-    bool const isOnDisplay = qobject_cast<QGuiApplication const*>(QCoreApplication::instance()) != nullptr;
-    std::string name = isOnDisplay ? QIcon::themeName().toStdString() : std::string();
+    std::string name = pictureToolkit().iconThemeName();
     return name == "hicolor" ? std::string() : name;
 }
 

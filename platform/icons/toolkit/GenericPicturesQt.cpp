@@ -1,5 +1,4 @@
-#include "platform/icons/IconSource.h"
-#include "platform/icons/IconTheme.h"
+#include "platform/icons/toolkit/GenericPictures.h"
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
@@ -43,7 +42,9 @@ void drawApplication(QPainter& painter) {
     painter.drawLine(QPointF(4, 6.5), QPointF(12, 6.5));
 }
 
-Picture drawnPicture(IconSource::Generic generic, int side) {
+} // namespace
+
+Picture drawGenericPicture(IconSource::Generic generic, int side) {
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -68,15 +69,6 @@ Picture drawnPicture(IconSource::Generic generic, int side) {
             picture.pixels[std::size_t(row) * std::size_t(side) + std::size_t(column)] = image.pixel(column, row);
     }
     return picture;
-}
-
-} // namespace
-
-std::vector<SharedPicture> genericPictures(IconSource::Generic generic) {
-    std::vector<Picture> pictures;
-    for (int const side : IconSides)
-        pictures.push_back(drawnPicture(generic, side));
-    return picturesInIconSides(std::move(pictures));
 }
 
 } // namespace mac

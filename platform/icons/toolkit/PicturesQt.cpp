@@ -1,9 +1,13 @@
+#include "platform/Registration.h"
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/icons/IconPictures.h"
 #include "platform/icons/Picture.h"
+#include "platform/icons/PictureToolkit.h"
+#include "platform/icons/toolkit/GenericPictures.h"
 #include "platform/system/BigEndian.h"
 #include <QBuffer>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QImage>
 #include <QImageReader>
 #include <QPainter>
@@ -100,16 +104,7 @@ bool needsFonts(std::string_view drawing) {
     return drawing.find("<text") != std::string_view::npos || drawing.find(":text") != std::string_view::npos;
 }
 
-} // namespace
-
-Picture emptyPicture(int width, int height) {
-    return {.width = width,
-            .height = height,
-            .pixels = std::vector<std::uint32_t>(std::size_t(width) * std::size_t(height)),
-            .size = {static_cast<float>(width), static_cast<float>(height)}};
-}
-
-std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
+std::vector<Picture> readImageFile(std::span<std::byte const> bytes) {
     QByteArray contents = borrowedBytes(bytes);
     QBuffer buffer(&contents);
     buffer.open(QIODevice::ReadOnly);
@@ -138,7 +133,7 @@ std::vector<Picture> picturesInImageFile(std::span<std::byte const> bytes) {
     return pictures;
 }
 
-std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int largestSide) {
+std::optional<Picture> readPNG(std::span<std::byte const> bytes, int largestSide) {
     // The library logs what has another signature.
     if (bytes.size() < PNGSignature.size() || std::memcmp(bytes.data(), PNGSignature.data(), PNGSignature.size()) != 0)
         return std::nullopt;
@@ -150,7 +145,33 @@ std::optional<Picture> pictureInPNG(std::span<std::byte const> bytes, int larges
     return pictureOf(reader.read());
 }
 
-std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int side) {
+Picture scale(Picture const& picture, int width, int height) {
+    if (picture.width == width && picture.height == height) return picture;
+    QImage const scaled = borrowedImage(picture).scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    Picture result = pictureOf(scaled).value_or(emptyPicture(width, height));
+    result.size = {static_cast<float>(width), static_cast<float>(height)};
+    return result;
+}
+
+void drawOnto(Picture& onto, NSRect const& place, Picture const& picture) {
+    QImage const lower = borrowedImage(onto);
+    QImage canvas = lower.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&canvas);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    double const top = onto.height - double{place.origin.y} - double{place.size.height};
+    QRectF const target(place.origin.x, top, place.size.width, place.size.height);
+    // A painter takes single pixels of what it makes smaller; scaling ahead takes all.
+    int const width = std::clamp(qRound(target.width()), 1, LargestIconSide * 4);
+    int const height = std::clamp(qRound(target.height()), 1, LargestIconSide * 4);
+    Picture const fitting = scale(picture, width, height);
+    painter.drawImage(target, borrowedImage(fitting));
+    painter.end();
+    NSSize const size = onto.size;
+    onto = pictureOf(canvas).value_or(onto);
+    onto.size = size;
+}
+
+std::optional<Picture> readDrawing(std::span<std::byte const> bytes, int side) {
     if (side <= 0 || side > LargestIconSide || bytes.size() > LargestDrawing) return std::nullopt;
     std::string_view const drawing(reinterpret_cast<char const*>(bytes.data()), bytes.size());
     if (!isSelfContainedDrawing(drawing)) return std::nullopt;
@@ -168,11 +189,11 @@ std::optional<Picture> pictureOfDrawing(std::span<std::byte const> bytes, int si
     NSRect const place =
         NSMakeRect(static_cast<float>((side - drawn->width) / 2), static_cast<float>((side - drawn->height) / 2),
                    static_cast<float>(drawn->width), static_cast<float>(drawn->height));
-    drawPicture(picture, place, *drawn);
+    drawOnto(picture, place, *drawn);
     return picture;
 }
 
-std::vector<std::byte> contentsOfPNG(Picture const& picture) {
+std::vector<std::byte> writePNG(Picture const& picture) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     borrowedImage(picture).save(&buffer, "png");
@@ -181,30 +202,33 @@ std::vector<std::byte> contentsOfPNG(Picture const& picture) {
     return {first, first + data.size()};
 }
 
-Picture scaledPicture(Picture const& picture, int width, int height) {
-    if (picture.width == width && picture.height == height) return picture;
-    QImage const scaled = borrowedImage(picture).scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    Picture result = pictureOf(scaled).value_or(emptyPicture(width, height));
-    result.size = {static_cast<float>(width), static_cast<float>(height)};
-    return result;
+std::vector<std::string> readableMIMETypes() {
+    std::vector<std::string> types;
+    for (QByteArray const& type : QImageReader::supportedMimeTypes())
+        types.push_back(type.toStdString());
+    return types;
 }
 
-void drawPicture(Picture& onto, NSRect const& place, Picture const& picture) {
-    QImage const lower = borrowedImage(onto);
-    QImage canvas = lower.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&canvas);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    double const top = onto.height - double{place.origin.y} - double{place.size.height};
-    QRectF const target(place.origin.x, top, place.size.width, place.size.height);
-    // A painter takes single pixels of what it makes smaller; scaling ahead takes all.
-    int const width = std::clamp(qRound(target.width()), 1, LargestIconSide * 4);
-    int const height = std::clamp(qRound(target.height()), 1, LargestIconSide * 4);
-    Picture const fitting = scaledPicture(picture, width, height);
-    painter.drawImage(target, borrowedImage(fitting));
-    painter.end();
-    NSSize const size = onto.size;
-    onto = pictureOf(canvas).value_or(onto);
-    onto.size = size;
+// The toolkit knows no theme without an application object.
+std::string iconThemeName() {
+    bool const isOnDisplay = qobject_cast<QGuiApplication const*>(QCoreApplication::instance()) != nullptr;
+    return isOnDisplay ? QIcon::themeName().toStdString() : std::string();
 }
+
+constexpr PictureToolkit QtToolkit{
+    .picturesInImageFile = readImageFile,
+    .pictureInPNG = readPNG,
+    .pictureOfDrawing = readDrawing,
+    .contentsOfPNG = writePNG,
+    .scaledPicture = scale,
+    .drawPicture = drawOnto,
+    .genericPicture = drawGenericPicture,
+    .readableMIMETypes = readableMIMETypes,
+    .iconThemeName = iconThemeName,
+};
+
+} // namespace
+
+void registerPictures() { setPictureToolkit(QtToolkit); }
 
 } // namespace mac

@@ -1,7 +1,7 @@
+#include "platform/icons/ImageSources.h"
 #include "platform/foundation/text/NSString.h"
-#include "platform/launchservices/ImageSources.h"
+#include "platform/icons/PictureToolkit.h"
 #include "platform/launchservices/TypeTree.h"
-#include <QImageReader>
 
 namespace mac {
 
@@ -12,9 +12,8 @@ constexpr char JPEG2000Type[] = "public.jpeg-2000";
 NSArray readableTypes() {
     std::shared_ptr<TypeTree const> const types = knownTypes();
     NSMutableArray const identifiers = NSMutableArray::array();
-    for (QByteArray const& mimeType : QImageReader::supportedMimeTypes()) {
-        NSString const identifier =
-            NSString::stringWithUTF8String_(identifierOfMIMEType(*types, mimeType.toStdString()));
+    for (std::string const& mimeType : pictureToolkit().readableMIMETypes()) {
+        NSString const identifier = NSString::stringWithUTF8String_(identifierOfMIMEType(*types, mimeType));
         if (!identifiers.containsObject_(identifier)) identifiers.addObject_(identifier);
     }
     // Read without the toolkit.
