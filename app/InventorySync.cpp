@@ -84,7 +84,7 @@ bool InventorySync::advance(AppController const& controller, SyncStep const& ste
         // The controller's set may change later.
         m_paths = m_found.allObjects();
         controller.setIsOnHarddiskPaths_(m_found);
-        m_builder.emplace(controller, std::exchange(bodyOf(controller)->_keptRecords, {}));
+        m_builder.emplace(controller, takeKeptRecords(controller));
     }
     std::size_t const end = std::min<std::size_t>(m_paths.count(), m_records.count() + paths);
     for (std::size_t index = m_records.count(); index < end; ++index)

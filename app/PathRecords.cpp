@@ -4,7 +4,6 @@
 #include "app/RecordBuilding.h"
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include <cstddef>
-#include <utility>
 
 namespace framekeeper {
 
@@ -115,7 +114,7 @@ void AppController::reSync() const {
     if (*this == nil) return;
     NSSet const onDisk = isOnHarddiskPaths();
     NSMutableSet const records = NSMutableSet::set();
-    RecordBuilder builder(*this, std::exchange(bodyOf(*this)->_keptRecords, {}));
+    RecordBuilder builder(*this, takeKeptRecords(*this));
     for (id const& element : onDisk.allObjects()) {
         NSString const path = as<NSString>(element);
         builder.addFromDisk(records, path, lookAtBundle(path));

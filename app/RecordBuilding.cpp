@@ -80,6 +80,19 @@ KeptRecords::Kept KeptRecords::take(NSString const& path, BundleLook const& look
     return isSameLook && kept.record.hash() == kept.hash ? std::move(kept) : Kept();
 }
 
+void KeptRecords::forget(id const& record) {
+    for (Kept& kept : m_records) {
+        if (isSame(kept.record, record)) kept = {};
+    }
+}
+
+KeptRecords takeKeptRecords(AppController const& controller) {
+    KeptRecords kept = std::exchange(bodyOf(controller)->_keptRecords, {});
+    NSArray const selected = controller.pathsArrayController().selectedObjects();
+    if (selected.count() == 1) kept.forget(selected.objectAtIndex_(0));
+    return kept;
+}
+
 RecordBuilder::RecordBuilder(AppController const& controller, KeptRecords former) : m_former(std::move(former)) {
     m_kept.reserve(m_former.count());
     for (std::size_t row = 0; row < MembershipSources.size(); ++row)

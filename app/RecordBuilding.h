@@ -46,6 +46,7 @@ public:
     // the order of the records; a path that comes elsewhere is not found.
     Kept take(NSString const& path, BundleLook const& look);
     void add(Kept kept) { m_records.push_back(std::move(kept)); }
+    void forget(id const& record);
     void reserve(std::size_t records) { m_records.reserve(records); }
     std::size_t count() const { return m_records.size(); }
 
@@ -53,6 +54,10 @@ private:
     std::vector<Kept> m_records;
     std::size_t m_next{0};
 };
+
+// Takes out the controller's, without the record that is selected alone: another one tells whoever shows more of its
+// copy to look again.
+KeptRecords takeKeptRecords(AppController const& controller);
 
 // Makes records from the controller's sources as they are when it is made. The sources are indexed once, so that a
 // record costs the same however many paths there are. Main thread.

@@ -145,6 +145,23 @@ TEST(PathRecords, StayThoseOfCopiesThatHaveNotChanged) {
     EXPECT_TRUE(isSame(recordOf(controller, path), record));
 }
 
+// Whoever shows more of the selected copy looks again at another record alone.
+TEST(PathRecords, AreMadeAnewWhileTheyAreSelectedAlone) {
+    TemporaryFolder const folder;
+    AppController const controller = makeController();
+    NSArrayController const arrangement = NSArrayController::alloc().init();
+    controller.setValue_forKey_(arrangement, "pathsArrayController");
+    arrangement.bind_toObject_withKeyPath_options_("contentSet", controller, "paths", nil);
+    NSString const path = makeCopy(folder, "a");
+    letSettle(path);
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
+    NSDictionary const record = recordOf(controller, path);
+    ASSERT_TRUE(arrangement.setSelectedObjects_(NSArray::arrayWithObject_(record)));
+    controller.reSync();
+    EXPECT_FALSE(isSame(recordOf(controller, path), record));
+}
+
 TEST(PathRecords, AreMadeAnewOnceSomebodyChangedThem) {
     TemporaryFolder const folder;
     AppController const controller = makeController();
