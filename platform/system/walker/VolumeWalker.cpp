@@ -71,7 +71,7 @@ private:
     void search();
     void close();
     bool waitUntilEnded(std::chrono::milliseconds patience);
-    std::shared_ptr<RememberedWalk const> lastWalk() const;
+    std::shared_ptr<RememberedWalk const> lastWalk();
     void recall(VolumeList const& list);
     bool awaitVisit(Volume const& volume);
     std::optional<VolumeList> listed();
@@ -91,7 +91,8 @@ private:
     std::int64_t m_started = 0;
     std::chrono::steady_clock::time_point m_deadline; // of the patience
     std::shared_ptr<RememberedWalk const> m_last;
-    std::deque<FolderLog> m_logs; // one for each worker
+    bool m_isMemorySilent = false; // it is not waited for once more
+    std::deque<FolderLog> m_logs;  // one for each worker
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
@@ -167,7 +168,7 @@ void VolumeWalker::Walk::search() {
 }
 
 // What the memory has; nothing if it does not answer, since the walk is more than what it begins with.
-std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() const {
+std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() {
     if (!m_memory) return nullptr;
     std::packaged_task<std::shared_ptr<RememberedWalk const>()> recall(
         [memory = m_memory, question = m_question] { return memory->recall(question); });
@@ -177,7 +178,8 @@ std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() const {
     } catch (std::system_error const&) {
         return nullptr;
     }
-    return recalled.wait_until(m_deadline) == std::future_status::ready ? recalled.get() : nullptr;
+    m_isMemorySilent = recalled.wait_until(m_deadline) != std::future_status::ready;
+    return m_isMemorySilent ? nullptr : recalled.get();
 }
 
 void VolumeWalker::Walk::recall(VolumeList const& list) {
@@ -189,7 +191,7 @@ void VolumeWalker::Walk::recall(VolumeList const& list) {
 
 void VolumeWalker::Walk::remember() {
     bool const isSame = m_last && m_findings.progress().listsRead == 0;
-    if (isSame) return;
+    if (isSame || m_isMemorySilent) return;
     auto const shouldStop = [this] { return m_wasStopped.load(); };
     std::optional<RememberedFolders> folders = indexOf(m_logs, m_started, shouldStop);
     if (!folders || shouldStop()) return;
