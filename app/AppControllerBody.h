@@ -4,6 +4,7 @@
 #include "app/CopyDetails.h"
 #include "app/MembershipSources.h"
 #include "app/Panes.h"
+#include "app/RecordBuilding.h"
 #include "app/ScanChanges.h"
 #include "app/Undo.h"
 #include "platform/desktop/session/AnsweringItems.h"
@@ -53,6 +54,8 @@ public:
     std::array<NSSet, MembershipSources.size()> _entries;
     NSMutableSet _isOnHarddiskPaths;
     NSMutableSet _paths;
+    // The records among them of which the next inventory may have some.
+    KeptRecords _keptRecords;
     NSMetadataQuery _query;
     // The query's results are being taken in step by step; null if not.
     std::shared_ptr<InventorySync> _sync;

@@ -84,14 +84,16 @@ bool InventorySync::advance(AppController const& controller, SyncStep const& ste
         // The controller's set may change later.
         m_paths = m_found.allObjects();
         controller.setIsOnHarddiskPaths_(m_found);
-        m_builder.emplace(controller);
+        m_builder.emplace(controller, takeKeptRecords(controller));
     }
     std::size_t const end = std::min<std::size_t>(m_paths.count(), m_records.count() + paths);
     for (std::size_t index = m_records.count(); index < end; ++index)
-        m_builder->add(m_records, as<NSString>(m_paths.objectAtIndex_(static_cast<NSUInteger>(index))), m_looks[index]);
+        m_builder->addFromDisk(m_records, as<NSString>(m_paths.objectAtIndex_(static_cast<NSUInteger>(index))),
+                               m_looks[index]);
     if (m_records.count() < m_paths.count()) return true;
 
     m_builder->addMissing(controller, m_records, m_found);
+    bodyOf(controller)->_keptRecords = m_builder->takeKept();
     controller.setPaths_(m_records);
     return false;
 }

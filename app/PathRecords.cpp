@@ -112,14 +112,15 @@ void AppController::pathObjects_addPath_(NSMutableSet const& records, NSString c
 
 void AppController::reSync() const {
     if (*this == nil) return;
-    NSMutableSet const records = NSMutableSet::set();
-    RecordBuilder builder(*this);
     NSSet const onDisk = isOnHarddiskPaths();
+    NSMutableSet const records = NSMutableSet::set();
+    RecordBuilder builder(*this, takeKeptRecords(*this));
     for (id const& element : onDisk.allObjects()) {
         NSString const path = as<NSString>(element);
-        builder.add(records, path, lookAtBundle(path));
+        builder.addFromDisk(records, path, lookAtBundle(path));
     }
     builder.addMissing(*this, records, onDisk);
+    bodyOf(*this)->_keptRecords = builder.takeKept();
     setPaths_(records);
     restartSteps(*this);
 }

@@ -65,7 +65,36 @@ id EntriesByPath::objectOf(NSString const& path, NSString const& key) const {
     return entry.valueForKey_(key);
 }
 
-RecordBuilder::RecordBuilder(AppController const& controller) {
+KeptRecords::Kept KeptRecords::take(NSString const& path, BundleLook const& look) {
+    // Some paths before this one may have gone.
+    constexpr std::size_t mostLeftOut = 8;
+    std::size_t const end = std::min(m_records.size(), m_next + mostLeftOut);
+    std::size_t index = m_next;
+    while (index < end && !isSame(m_records[index].path, path))
+        ++index;
+    if (index == end) return {};
+    m_next = index + 1;
+    Kept& kept = m_records[index];
+    bool const isSameLook =
+        isSame(kept.version, look.summary.version) && isSame(kept.shortVersion, look.summary.shortVersion);
+    return isSameLook && kept.record.hash() == kept.hash ? std::move(kept) : Kept();
+}
+
+void KeptRecords::forget(id const& record) {
+    for (Kept& kept : m_records) {
+        if (isSame(kept.record, record)) kept = {};
+    }
+}
+
+KeptRecords takeKeptRecords(AppController const& controller) {
+    KeptRecords kept = std::exchange(bodyOf(controller)->_keptRecords, {});
+    NSArray const selected = controller.pathsArrayController().selectedObjects();
+    if (selected.count() == 1) kept.forget(selected.objectAtIndex_(0));
+    return kept;
+}
+
+RecordBuilder::RecordBuilder(AppController const& controller, KeptRecords former) : m_former(std::move(former)) {
+    m_kept.reserve(m_former.count());
     for (std::size_t row = 0; row < MembershipSources.size(); ++row)
         m_sources.emplace_back(entriesOf(controller, row));
 }
@@ -73,20 +102,18 @@ RecordBuilder::RecordBuilder(AppController const& controller) {
 RecordBuilder::Versions* RecordBuilder::sharedVersionsOf(NSString const& shortVersion, NSString const& version) {
     // A missing version is not an empty one.
     if (version == nil || shortVersion == nil) return {};
-    auto const known = m_versions.find({shortVersion.codeUnits(), version.codeUnits()});
+    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;
+    VersionPair const pair{shortVersion.codeUnits(), version.codeUnits(), shortVersion.hash() * odd + version.hash()};
+    auto const known = m_versions.find(pair);
     if (known != m_versions.end()) return &known->second;
     m_keptTexts.insert(m_keptTexts.end(), {shortVersion, version});
     std::u16string both(shortVersion.codeUnits());
     ((both += u" (") += version.codeUnits()) += u')';
-    return &m_versions
-                .emplace(std::pair(shortVersion.codeUnits(), version.codeUnits()),
-                         Versions{version, NSString::stringWithCodeUnits(both)})
-                .first->second;
+    return &m_versions.emplace(pair, Versions{version, NSString::stringWithCodeUnits(both)}).first->second;
 }
 
-bool RecordBuilder::isInSource(NSString const& path, RecordObjects const& objects) const {
-    return std::ranges::any_of(m_sources, [&path](EntriesByPath const& source) { return source.contains(path); }) ||
-           std::ranges::any_of(objects, [](id const& object) { return object != nil; });
+bool RecordBuilder::isInSource(NSString const& path) const {
+    return std::ranges::any_of(m_sources, [&path](EntriesByPath const& source) { return source.contains(path); });
 }
 
 NSMutableDictionary RecordBuilder::recordWith(NSString const& path, bool exists, Versions const& versions,
@@ -105,25 +132,36 @@ NSMutableDictionary RecordBuilder::recordWith(NSString const& path, bool exists,
     return record;
 }
 
+void RecordBuilder::addFromDisk(NSMutableSet const& records, NSString const& path, BundleLook const& look) {
+    bool const isPlain = path != nil && isCompanion(look) && !isInSource(path);
+    if (!isPlain) return add(records, path, look);
+    KeptRecords::Kept kept = m_former.take(path, look);
+    if (kept.record == nil) {
+        NSMutableDictionary const record = recordOf(path, look, {});
+        kept = {path, look.summary.version, look.summary.shortVersion, record, record.hash()};
+    }
+    records.addObject_(kept.record);
+    m_kept.add(std::move(kept));
+}
+
 void RecordBuilder::add(NSMutableSet const& records, NSString const& path, BundleLook const& look,
                         RecordObjects const& objects) {
-    if (!isCompanion(look)) {
-        records.addObject_(recordWith(path, look.exists, {"", ""}, objects));
-        return;
-    }
+    records.addObject_(recordOf(path, look, objects));
+}
+
+NSMutableDictionary RecordBuilder::recordOf(NSString const& path, BundleLook const& look,
+                                            RecordObjects const& objects) {
+    if (!isCompanion(look)) return recordWith(path, look.exists, {"", ""}, objects);
     NSString const version = textOfVersion(look.summary.version);
     NSString const shortVersion = textOfVersion(look.summary.shortVersion);
     Versions* const shared = sharedVersionsOf(shortVersion, version);
     if (!shared) {
         Versions const versions{version, NSString::stringWithFormat_("%@ (%@)", shortVersion, version)};
-        records.addObject_(recordWith(path, look.exists, versions, objects));
-        return;
+        return recordWith(path, look.exists, versions, objects);
     }
-    if (path == nil || isInSource(path, objects)) {
-        records.addObject_(recordWith(path, look.exists, *shared, objects));
-        return;
-    }
-    records.addObject_(recordLikeSample(path, *shared));
+    bool const hasObject = std::ranges::any_of(objects, [](id const& object) { return object != nil; });
+    if (path == nil || hasObject || isInSource(path)) return recordWith(path, look.exists, *shared, objects);
+    return recordLikeSample(path, *shared);
 }
 
 NSMutableDictionary RecordBuilder::recordLikeSample(NSString const& path, Versions& versions) {

@@ -3,8 +3,10 @@
 #include "app/MembershipSources.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include <array>
-#include <map>
+#include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -27,12 +29,46 @@ private:
 // A path's object in each of the sources, row by row of their table, nil where there is none.
 using RecordObjects = std::array<id, MembershipSources.size()>;
 
+// Records of copies that are in no source, in the order in which they were added. When the inventory is made anew, a
+// copy that has not changed keeps its record, unless the record was changed. Main thread.
+class KeptRecords {
+public:
+    struct Kept {
+        NSString path;
+        id version;
+        id shortVersion;
+        NSMutableDictionary record;
+        // Of the record's contents: another one tells that somebody changed them.
+        std::uint64_t hash{0};
+    };
+
+    // Takes out the path's record if it still says what the look told; nil if there is none. Quick if the paths come in
+    // the order of the records; a path that comes elsewhere is not found.
+    Kept take(NSString const& path, BundleLook const& look);
+    void add(Kept kept) { m_records.push_back(std::move(kept)); }
+    void forget(id const& record);
+    void reserve(std::size_t records) { m_records.reserve(records); }
+    std::size_t count() const { return m_records.size(); }
+
+private:
+    std::vector<Kept> m_records;
+    std::size_t m_next{0};
+};
+
+// Takes out the controller's, without the record that is selected alone: another one tells whoever shows more of its
+// copy to look again.
+KeptRecords takeKeptRecords(AppController const& controller);
+
 // Makes records from the controller's sources as they are when it is made. The sources are indexed once, so that a
 // record costs the same however many paths there are. Main thread.
 class RecordBuilder {
 public:
-    explicit RecordBuilder(AppController const& controller);
+    explicit RecordBuilder(AppController const& controller, KeptRecords former = {});
 
+    // Adds the record of a path that the disk's paths have: the former one if nothing has changed.
+    void addFromDisk(NSMutableSet const& records, NSString const& path, BundleLook const& look);
+    // Those that addFromDisk added and that are in no source.
+    KeptRecords takeKept() { return std::move(m_kept); }
     // Adds the path's record, with what the look at the path told.
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look);
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look, RecordObjects const& objects);
@@ -57,13 +93,25 @@ private:
                                    RecordObjects const& objects) const;
     // A record of a copy that exists and is in no source.
     NSMutableDictionary recordLikeSample(NSString const& path, Versions& versions);
-    bool isInSource(NSString const& path, RecordObjects const& objects) const;
+    NSMutableDictionary recordOf(NSString const& path, BundleLook const& look, RecordObjects const& objects);
+    bool isInSource(NSString const& path) const;
 
     std::vector<EntriesByPath> m_sources;
+    KeptRecords m_former;
+    KeptRecords m_kept;
     // A record of some copy that exists and is in no source. Copying it is quicker than setting each key.
     NSMutableDictionary m_sample;
-    // By short version and version: most copies share a few.
-    std::map<std::pair<std::u16string_view, std::u16string_view>, Versions> m_versions;
+    struct VersionPair {
+        std::u16string_view shortVersion;
+        std::u16string_view version;
+        std::uint64_t hash;
+        bool operator==(VersionPair const&) const = default;
+    };
+    struct HashOfPair {
+        std::size_t operator()(VersionPair const& pair) const { return pair.hash; }
+    };
+    // Most copies share a few.
+    std::unordered_map<VersionPair, Versions, HashOfPair> m_versions;
     // Owns the texts that the keys of m_versions view.
     std::vector<NSString> m_keptTexts;
 };

@@ -1,4 +1,4 @@
-#include "app/AppController.h"
+#include "app/AppControllerBody.h"
 #include "app/InventorySync.h"
 
 namespace framekeeper {
@@ -28,7 +28,11 @@ void AppController::syncIsOnHarddisk() const {
 
 void AppController::scanAction_(id const&) const {
     query().stopQuery();
-    if (*this != nil) cancelSteps(*this);
+    if (*this != nil) {
+        cancelSteps(*this);
+        // Whoever shows the records lets them go little by little.
+        bodyOf(*this)->_keptRecords = {};
+    }
     setPaths_(nil);
     syncMembershipSources(*this);
     startQuery();

@@ -109,7 +109,7 @@ int walk(char const* top, std::vector<std::string> names, char const* memoryFold
     started = &walker;
     if (!walker.start()) return 1;
     finished.acquire();
-    if (remembering == Remembering::Yes) walker.waitUntilRemembered();
+    if (remembering == Remembering::Yes) walker.waitUntilRemembered(std::chrono::hours(1));
     long const grown = memoryPeak() - before;
     for (std::string const& path : walker.takeFound())
         std::printf("%s\n", path.c_str());

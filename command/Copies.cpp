@@ -2,6 +2,7 @@
 #include "app/MembershipSources.h"
 #include "app/Outlets.h"
 #include "app/RecordBuilding.h"
+#include "platform/desktop/session/Patience.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
@@ -9,6 +10,7 @@
 #include "platform/system/LongPath.h"
 #include "platform/system/items/ItemIdentity.h"
 #include <cerrno>
+#include <chrono>
 
 namespace framekeeper {
 
@@ -31,6 +33,7 @@ bool Copies::search(std::function<void(std::size_t found)> const& progress) cons
     NSNotificationCenter::defaultCenter().removeObserver_(m_controller);
     NSMetadataQuery const query = m_controller.query();
     query.setNotificationBatchingInterval_(Glance);
+    query.setEndsWithGathering_(true);
     readSources();
     if (!query.startQuery()) return false;
     while (query.isGathering()) {
@@ -44,7 +47,7 @@ bool Copies::search(std::function<void(std::size_t found)> const& progress) cons
 
 void Copies::finishSearch() const {
     NSMetadataQuery const query = m_controller.query();
-    query.waitUntilRemembered();
+    query.waitUntilRemembered(std::chrono::duration<NSTimeInterval>(Patience::left()).count());
     query.stopQuery();
 }
 

@@ -19,7 +19,7 @@ public:
     // Reads all sources and searches the computer; blocks until the records are complete. False if the search could not
     // be started. Progress is called now and then with the number of items found so far.
     bool search(std::function<void(std::size_t found)> const& progress) const;
-    // Keeps what the search read for the next one, and ends it.
+    // Keeps what the search read for the next one, unless that takes too long, and ends it.
     void finishSearch() const;
     // Reads the running copies, the login items and the places. What cannot be read of them is a beep.
     void readSources() const;

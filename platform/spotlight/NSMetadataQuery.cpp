@@ -59,10 +59,16 @@ void NSMetadataQuery::setNotificationBatchingInterval_(NSTimeInterval interval) 
     if (*this != nil) bodyOf(*this)->m_batchingInterval = interval;
 }
 
+bool NSMetadataQuery::endsWithGathering() const { return *this != nil && bodyOf(*this)->m_endsWithGathering; }
+
+void NSMetadataQuery::setEndsWithGathering_(bool ends) const {
+    if (*this != nil) bodyOf(*this)->m_endsWithGathering = ends;
+}
+
 bool NSMetadataQuery::startQuery() const { return *this != nil && bodyOf(*this)->start(); }
 
-void NSMetadataQuery::waitUntilRemembered() const {
-    if (*this != nil) bodyOf(*this)->waitUntilRemembered();
+bool NSMetadataQuery::waitUntilRemembered(NSTimeInterval longest) const {
+    return *this == nil || bodyOf(*this)->waitUntilRemembered(longest);
 }
 
 void NSMetadataQuery::stopQuery() const {

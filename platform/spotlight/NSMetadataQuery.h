@@ -39,13 +39,19 @@ public:
     NSTimeInterval notificationBatchingInterval() const;
     void setNotificationBatchingInterval_(NSTimeInterval interval) const;
 
+    // Linux: whether the results stay as they are once gathering has ended, for the next start: to watch the folders
+    // around very many finds takes as long as to find them. False unless set.
+    bool endsWithGathering() const;
+    void setEndsWithGathering_(bool ends) const;
+
     // Begins to gather. False without a predicate, if the query runs already, and if no scope names a place to search.
     // A new start clears the results.
     bool startQuery() const;
     // Ends gathering and updates; the results stay as they are.
     void stopQuery() const;
     // Linux: waits until what a gathering that has ended read is kept for the next one, which stopping would cut short.
-    void waitUntilRemembered() const;
+    // False if that takes longer, in seconds: it is kept on a disk, which may not answer.
+    bool waitUntilRemembered(NSTimeInterval longest) const;
     bool isStarted() const;
     bool isGathering() const;
     bool isStopped() const;

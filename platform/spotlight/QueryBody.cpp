@@ -91,7 +91,7 @@ bool NSMetadataQuery::Body::start() {
     m_request = std::move(*request);
     m_runningPredicate = m_predicate;
     m_walker = std::move(walker);
-    m_watch = std::make_unique<FolderWatch>([this](std::string const& folder) {
+    m_watch = m_endsWithGathering ? nullptr : std::make_unique<FolderWatch>([this](std::string const& folder) {
         m_changedFolders.insert(folder);
         if (m_phase == Phase::Live) scheduleDelivery();
     });
@@ -119,8 +119,10 @@ void NSMetadataQuery::Body::stop() {
     setPhase(Phase::Stopped);
 }
 
-void NSMetadataQuery::Body::waitUntilRemembered() {
-    if (m_phase == Phase::Live && m_walker) m_walker->waitUntilRemembered();
+bool NSMetadataQuery::Body::waitUntilRemembered(NSTimeInterval longest) const {
+    if (m_phase != Phase::Live || !m_walker) return true;
+    return m_walker->waitUntilRemembered(
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<NSTimeInterval>(longest)));
 }
 
 void NSMetadataQuery::Body::enableUpdates() {
@@ -218,11 +220,12 @@ bool NSMetadataQuery::Body::takeFinds() {
 void NSMetadataQuery::Body::take(std::string const& path, NSMutableArray const& results) {
     NSMetadataItem const item = itemOfPath(path);
     if (!matches(item)) return;
+    results.addObject_(item);
+    if (!m_watch) return;
     std::string const folder = folderOf(path);
     m_watch->add(folder);
     // What happened there since the find and before the watch is looked for when gathering has ended.
     m_changedFolders.insert(folder);
-    results.addObject_(item);
 }
 
 bool NSMetadataQuery::Body::takeAwayVanished() {

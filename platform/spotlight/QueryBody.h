@@ -53,7 +53,7 @@ public:
 
     bool start();
     void stop();
-    void waitUntilRemembered();
+    bool waitUntilRemembered(NSTimeInterval longest) const;
     void enableUpdates();
     // Called by the batch timer: brings the results up to date and posts the notifications.
     //
@@ -66,6 +66,7 @@ public:
     NSPredicate m_predicate;
     NSArray m_searchScopes;
     NSTimeInterval m_batchingInterval{1};
+    bool m_endsWithGathering{false};
     Phase m_phase{Phase::Idle};
     NSArray m_results = NSArray::array();
     NSUInteger m_unreadableFolderCount{0};
@@ -131,7 +132,7 @@ private:
     NSPredicate m_runningPredicate;         // a new one is for the next start
     std::unique_ptr<VolumeWalker> m_walker; // stays after the end of gathering, to leave what the next one needs
     std::shared_ptr<WalkMemory> m_memory;
-    std::unique_ptr<FolderWatch> m_watch;
+    std::unique_ptr<FolderWatch> m_watch; // null: the query ends with gathering
     std::set<std::string> m_changedFolders;
     std::optional<Taking> m_taking;
     std::optional<Updating> m_updating;

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <fstream>
 
-// The window beside a volume whose server is stopped (FUSE): what is under way there is done and told once the server
-// runs again, and everything else goes on meanwhile.
+// The window, and the command line, beside a volume whose server is stopped (FUSE): what is under way there is done and
+// told once the server runs again, and everything else goes on meanwhile.
 
 namespace framekeeper::test {
 namespace {
@@ -114,6 +114,16 @@ TEST_F(NeighboursOnAVolume, AScanGoesOnElsewhereAndTheProgramEnds) {
     ChildProcess quitting({OSA, "-e", "tell application id \"com.tidelark.framekeeper\" to quit"});
     EXPECT_EQ(quitting.wait(), 0);
     EXPECT_EQ(m_program->wait(), 0);
+}
+
+TEST_F(NeighboursOnAVolume, AListGoesOnWithoutTheCachesThere) {
+    EnvironmentVariable const caches{"XDG_CACHE_HOME", m_home + "/volume/caches"};
+    std::filesystem::create_directories(m_folder.path("served/caches"));
+    std::string const first = outputOf({FRAMEKEEPER_CLI, "list"});
+    EXPECT_TRUE(std::filesystem::exists(m_folder.path("served/caches/framekeeper")));
+    m_volume->stop();
+    EXPECT_EQ(outputOf({FRAMEKEEPER_CLI, "list"}), first);
+    EXPECT_NE(first.find(pathOfCopy("Applications")), std::string::npos);
 }
 
 TEST_F(NeighboursOnAVolume, ACopyOfThePlacesThereHoldsNothingUpAndIsLookedAtLater) {

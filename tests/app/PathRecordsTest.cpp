@@ -1,10 +1,18 @@
 #include "tests/app/Controller.h"
+#include <chrono>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace framekeeper::test {
 namespace {
 
 NSNumber psn(long long value) { return NSNumber::numberWithLongLong_(value); }
+
+// Makes the copy's information file old enough for its time to be relied on.
+void letSettle(NSString const& path) {
+    std::filesystem::last_write_time(path.UTF8String() + "/Contents/Info.plist",
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+}
 
 TEST(PathRecords, AreAnEmptySetWhenEverySourceIsEmpty) {
     AppController const controller = makeController();
@@ -120,6 +128,73 @@ TEST(PathRecords, ShowAVersionThatIsANumberAsText) {
     controller.reSync();
     EXPECT_TRUE(as<NSString>(recordOf(controller, path).objectForKey_("version")).isEqualToString_("210"));
     EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "(null) (210)");
+}
+
+TEST(PathRecords, StayThoseOfCopiesThatHaveNotChanged) {
+    TemporaryFolder const folder;
+    AppController const controller = makeController();
+    NSString const gone = makeCopy(folder, "a", "2.1", "210");
+    NSString const path = makeCopy(folder, "b", "2.1", "210");
+    letSettle(path);
+    controller.setIsOnHarddiskPaths_(pathSet({gone, path}));
+    controller.reSync();
+    NSDictionary const record = recordOf(controller, path);
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
+    EXPECT_EQ(controller.paths().count(), 1U);
+    EXPECT_TRUE(isSame(recordOf(controller, path), record));
+}
+
+// Whoever shows more of the selected copy looks again at another record alone.
+TEST(PathRecords, AreMadeAnewWhileTheyAreSelectedAlone) {
+    TemporaryFolder const folder;
+    AppController const controller = makeController();
+    NSArrayController const arrangement = NSArrayController::alloc().init();
+    controller.setValue_forKey_(arrangement, "pathsArrayController");
+    arrangement.bind_toObject_withKeyPath_options_("contentSet", controller, "paths", nil);
+    NSString const path = makeCopy(folder, "a");
+    letSettle(path);
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
+    NSDictionary const record = recordOf(controller, path);
+    ASSERT_TRUE(arrangement.setSelectedObjects_(NSArray::arrayWithObject_(record)));
+    controller.reSync();
+    EXPECT_FALSE(isSame(recordOf(controller, path), record));
+}
+
+TEST(PathRecords, AreMadeAnewOnceSomebodyChangedThem) {
+    TemporaryFolder const folder;
+    AppController const controller = makeController();
+    NSString const path = makeCopy(folder, "a", "2.1", "210");
+    letSettle(path);
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
+    as<NSMutableDictionary>(id(recordOf(controller, path))).setObject_forKey_("changed", "version");
+    controller.reSync();
+    EXPECT_EQ(text(recordOf(controller, path).objectForKey_("version")), "210");
+}
+
+TEST(PathRecords, AreMadeAnewOnceTheirCopyChanged) {
+    TemporaryFolder const folder;
+    AppController const controller = makeController();
+    NSString const path = makeCopy(folder, "a", "2.1", "210");
+    letSettle(path);
+    controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
+    NSDictionary const before = recordOf(controller, path);
+    controller.setIsRunningPaths_(NSSet::setWithObject_(entry(path, "psn", psn(42))));
+    controller.reSync();
+    EXPECT_TRUE(flag(recordOf(controller, path), "isRunning"));
+    EXPECT_FALSE(flag(before, "isRunning")) << "a record tells of the inventory that it is of";
+    controller.setIsRunningPaths_(NSSet::set());
+    controller.reSync();
+    EXPECT_FALSE(flag(recordOf(controller, path), "isRunning"));
+    makeCopy(folder, "a", "2.2", "220");
+    controller.reSync();
+    EXPECT_EQ(text(recordOf(controller, path).objectForKey_("versionString")), "2.2 (220)");
+    std::filesystem::remove_all(path.UTF8String());
+    controller.reSync();
+    EXPECT_FALSE(flag(recordOf(controller, path), "exists"));
 }
 
 TEST(PathRecords, ListALoginItemThatTheDiskDoesNotHold) {

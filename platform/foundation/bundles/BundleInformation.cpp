@@ -10,6 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <functional>
 #include <list>
 #include <memory>
@@ -76,6 +77,14 @@ std::optional<FileState> findFile(std::string_view bundlePath, std::size_t first
     for (std::size_t place = firstPlace; place < kPlaces.size() && !found; ++place)
         found = fileAtPlace(bundlePath, place);
     return found;
+}
+
+// Reads a file at once, in place of looking first what is at the path, where nearly always a regular file lies. A
+// symbolic link fails with ELOOP; a pipe or a device, which few may put there, is opened without waiting for it.
+Result<FileContents> readLikelyFile(std::string const& path) {
+    Result<FileDescriptor> const file = openPath(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    if (!file.hasValue()) return file.problem();
+    return readOpenFile(file.value(), kLargestFile);
 }
 
 // Why the file cannot be read, as the log tells it.
@@ -205,9 +214,9 @@ public:
     }
 
     void remember(std::uint64_t pathHash, KnownFile file) {
-        forget(pathHash);
         makeRoom();
-        m_recent.emplace(pathHash, std::move(file));
+        m_earlier.erase(pathHash);
+        m_recent.insert_or_assign(pathHash, std::move(file));
     }
 
     void forget(std::uint64_t pathHash) {
@@ -289,12 +298,31 @@ public:
         return information;
     }
 
+    BundleLook lookAt(std::string const& bundlePath) {
+        KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
+        std::optional<BundleSummary> const read = known ? std::nullopt : summaryOfNewBundle(bundlePath);
+        if (read) return {.exists = true, .summary = *read};
+        std::optional<FileState> file = fileAtPlace(bundlePath, 0);
+        bool const isUsable = file && file->error == 0;
+        if (isUsable && known && known->isCurrent(*file) && known->summary)
+            return {.exists = true, .summary = *known->summary};
+        if (!isUsable) {
+            Result<FileStatus> const status = fileStatusAtPath(bundlePath);
+            bool const isFolder = status.hasValue() && status.value().kind == FileStatus::Kind::Folder;
+            if (!isFolder) return {.exists = status.hasValue()};
+            if (!file) file = findFile(bundlePath, 1);
+            if (!file) return {.exists = true};
+        }
+        // A file that was found lies in a folder at the path.
+        return {.exists = true, .summary = summaryOfFileAt(bundlePath, *file)};
+    }
+
+private:
     // Reads the file in Contents of a bundle of which nothing is known, so that its status is asked for once less.
-    // nullopt for a known bundle, and if no such file can be read.
+    // nullopt if no such file can be read.
     std::optional<BundleSummary> summaryOfNewBundle(std::string_view bundlePath) {
-        if (m_known.find(hashOfPath(bundlePath))) return std::nullopt;
         std::int64_t const start = now();
-        Result<FileContents> const contents = readFileAtPath(pathOfPlace(bundlePath, 0), kLargestFile);
+        Result<FileContents> const contents = readLikelyFile(pathOfPlace(bundlePath, 0));
         if (!contents.hasValue()) return std::nullopt;
         return summaryOf(
             remember(bundlePath, {.status = contents.value().status}, start, dictionaryIn(contents.value())));
@@ -306,7 +334,6 @@ public:
         return summaryOf(readAnew(bundlePath, state));
     }
 
-private:
     // The state becomes the one that the file was read in.
     NSDictionary readAnew(std::string_view bundlePath, FileState& state) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
@@ -350,18 +377,7 @@ NSDictionary informationOfBundle(std::string_view bundlePath) { return sharedInf
 BundleLook lookAtBundle(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes || bytes->empty()) return {};
-    std::optional<BundleSummary> const summary = sharedInformation().summaryOfNewBundle(*bytes);
-    if (summary) return {.exists = true, .summary = *summary};
-    std::optional<FileState> file = fileAtPlace(*bytes, 0);
-    if (!file || file->error != 0) {
-        Result<FileStatus> const status = fileStatusAtPath(*bytes);
-        bool const isFolder = status.hasValue() && status.value().kind == FileStatus::Kind::Folder;
-        if (!isFolder) return {.exists = status.hasValue()};
-        if (!file) file = findFile(*bytes, 1);
-        if (!file) return {.exists = true};
-    }
-    // A file that was found lies in a folder at the path.
-    return {.exists = true, .summary = sharedInformation().summaryOfFileAt(*bytes, *file)};
+    return sharedInformation().lookAt(*bytes);
 }
 
 } // namespace mac

@@ -5,11 +5,13 @@
 #include "platform/system/walker/FolderFacts.h"
 #include "platform/system/walker/FolderReader.h"
 #include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <optional>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -65,7 +67,8 @@ FileDescriptor openWithoutLinks(FileDescriptor const& top, std::string_view rela
 
 class PackageCheck {
 public:
-    PackageCheck(VolumeList const& volumes, PackageRule const& packages) : m_volumes(volumes), m_packages(packages) {}
+    PackageCheck(VolumeList const& volumes, PackageRule const& packages, std::atomic<bool> const& wasLeft)
+        : m_volumes(volumes), m_packages(packages), m_wasLeft(wasLeft) {}
 
     bool holds(std::string const& path);
 
@@ -76,6 +79,9 @@ private:
 
     VolumeList const& m_volumes;
     PackageRule const& m_packages;
+    std::atomic<bool> const& m_wasLeft;
+    Volume const* m_volume = nullptr; // that of the last path
+    std::optional<VolumeVisit> m_visit;
     // The folder of the last path: packages often lie side by side.
     std::string m_folderPath;
     FileDescriptor m_folder;
@@ -120,6 +126,7 @@ bool PackageCheck::holds(std::string const& path) {
     Volume const* const volume = volumeOf(package);
     if (volume == nullptr || !m_packages.isPackage(name) || !m_packages.isWanted(name)) return false;
     if (!hasOnlyNames(package.belowFolder(volume->path)) || isBehindMountPoint(*volume, package)) return false;
+    if (std::exchange(m_volume, volume) != volume) m_visit.emplace(*volume, m_wasLeft);
     if (std::string_view const folder = package.parent(); m_folderPath != folder) {
         m_folderPath = folder;
         m_folder = openFolder(*volume, BytePath(folder));
@@ -131,8 +138,9 @@ bool PackageCheck::holds(std::string const& path) {
 } // namespace
 
 std::vector<std::string> packagesStillThere(std::vector<std::string> const& paths, VolumeList const& volumes,
-                                            PackageRule const& packages, std::function<bool()> const& shouldStop) {
-    PackageCheck check(volumes, packages);
+                                            PackageRule const& packages, std::function<bool()> const& shouldStop,
+                                            std::atomic<bool> const& wasLeft) {
+    PackageCheck check(volumes, packages, wasLeft);
     std::vector<std::string> there;
     for (std::string const& path : paths) {
         if (shouldStop()) break;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -31,9 +32,10 @@ private:
 // Those of the absolute paths at which a walk of the volumes would find a wanted package now: it is a folder, and is
 // reached without a symbolic link, through folders that may be listed, on a volume of the list. In the order of the
 // paths; mount points are not looked at, as that may wait for a server, and paths of more than 4096 bytes are left out.
-// Ends early once `shouldStop` says so.
+// Ends early once `shouldStop` says so; `wasLeft` is that of the walk, for its visits (VolumeVisit.h).
 std::vector<std::string> packagesStillThere(std::vector<std::string> const& paths, VolumeList const& volumes,
-                                            PackageRule const& packages, std::function<bool()> const& shouldStop);
+                                            PackageRule const& packages, std::function<bool()> const& shouldStop,
+                                            std::atomic<bool> const& wasLeft);
 
 // The paths of the wanted packages that lie directly in the folder now, as far as the request's roots reach; none when
 // it cannot be read.

@@ -3,15 +3,20 @@
 #include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/Packages.h"
 #include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/WalkBudget.h"
 #include "platform/system/walker/WalkFindings.h"
 #include "platform/system/walker/WalkMemory.h"
 #include "platform/system/walker/WalkWorker.h"
 #include "platform/system/walker/WorkExchange.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <csignal>
 #include <deque>
+#include <future>
+#include <iterator>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -52,21 +57,26 @@ public:
                      .names = std::move(request.names)},
           m_packages(m_question.packageSuffix, m_question.names), m_item(std::move(request.item)),
           m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
-          m_memory(m_item ? nullptr : std::move(request.memory)),
+          m_memory(m_item ? nullptr : std::move(request.memory)), m_patience(request.patience),
           m_findings(std::move(onNews), m_memory ? WalkFindings::Keeping::Always : WalkFindings::Keeping::UntilTaken) {}
 
     bool start();
     void stop();
     void stopWithin(std::chrono::milliseconds patience);
-    void waitUntilRemembered();
+    bool waitUntilRemembered(std::chrono::milliseconds patience);
     WalkFindings& findings() { return m_findings; }
 
 private:
     void lead();
     void search();
     void close();
+    bool waitUntilEnded(std::chrono::milliseconds patience);
+    std::shared_ptr<RememberedWalk const> lastWalk();
     void recall(VolumeList const& list);
+    bool awaitVisit(Volume const& volume);
+    std::optional<VolumeList> listed();
     void giveVolumes();
+    void give(Volume&& volume);
     bool haveWorkers(unsigned count);
     FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
     void work(FolderLog& log);
@@ -77,9 +87,12 @@ private:
     std::optional<SoughtItem> const m_item;
     bool const m_usesLinkCounts;
     std::shared_ptr<WalkMemory> const m_memory;
+    std::chrono::milliseconds const m_patience;
     std::int64_t m_started = 0;
+    std::chrono::steady_clock::time_point m_deadline; // of the patience
     std::shared_ptr<RememberedWalk const> m_last;
-    std::deque<FolderLog> m_logs; // one for each worker
+    bool m_isMemorySilent = false; // it is not waited for once more
+    std::deque<FolderLog> m_logs;  // one for each worker
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
@@ -87,7 +100,8 @@ private:
     std::vector<std::thread> m_workers;
     std::thread m_leader;
     std::atomic<bool> m_wasStopped = false;
-    std::mutex m_endMutex; // guards m_hasEnded
+    std::atomic<bool> m_wasLeft = false; // its threads were not waited for
+    std::mutex m_endMutex;               // guards m_hasEnded
     std::condition_variable m_ended;
     bool m_hasEnded = false; // the leader has nothing left to do
 };
@@ -117,17 +131,18 @@ void VolumeWalker::Walk::stopWithin(std::chrono::milliseconds patience) {
     close();
     m_findings.silence();
     if (!m_leader.joinable()) return;
-    std::unique_lock lock(m_endMutex);
-    bool const hasEnded = m_ended.wait_for(lock, patience, [this] { return m_hasEnded; });
-    lock.unlock();
-    if (hasEnded)
-        m_leader.join();
-    else
-        m_leader.detach();
+    if (waitUntilEnded(patience)) return m_leader.join();
+    m_wasLeft = true;
+    m_leader.detach();
 }
 
-void VolumeWalker::Walk::waitUntilRemembered() {
-    if (m_leader.joinable()) m_leader.join();
+bool VolumeWalker::Walk::waitUntilEnded(std::chrono::milliseconds patience) {
+    std::unique_lock lock(m_endMutex);
+    return m_ended.wait_for(lock, patience, [this] { return m_hasEnded; });
+}
+
+bool VolumeWalker::Walk::waitUntilRemembered(std::chrono::milliseconds patience) {
+    return !m_leader.joinable() || waitUntilEnded(patience);
 }
 
 void VolumeWalker::Walk::lead() {
@@ -139,6 +154,7 @@ void VolumeWalker::Walk::lead() {
 
 void VolumeWalker::Walk::search() {
     if (m_memory) m_started = m_memory->now();
+    m_deadline = std::chrono::steady_clock::now() + m_patience;
     giveVolumes();
     ThreadPace pace(std::thread::hardware_concurrency(), m_budget.threads, blocksReadByProcess());
     while (haveWorkers(pace.threads()) && pace.canGrow() && !m_exchange.waitUntilOver(ThreadPace::interval))
@@ -151,16 +167,31 @@ void VolumeWalker::Walk::search() {
     if (m_memory) remember();
 }
 
+// What the memory has; nothing if it does not answer, since the walk is more than what it begins with.
+std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() {
+    if (!m_memory) return nullptr;
+    std::packaged_task<std::shared_ptr<RememberedWalk const>()> recall(
+        [memory = m_memory, question = m_question] { return memory->recall(question); });
+    std::future<std::shared_ptr<RememberedWalk const>> recalled = recall.get_future();
+    try {
+        std::thread(std::move(recall)).detach();
+    } catch (std::system_error const&) {
+        return nullptr;
+    }
+    m_isMemorySilent = recalled.wait_until(m_deadline) != std::future_status::ready;
+    return m_isMemorySilent ? nullptr : recalled.get();
+}
+
 void VolumeWalker::Walk::recall(VolumeList const& list) {
-    if (m_memory) m_last = m_memory->recall(m_question);
+    m_last = lastWalk();
     if (!m_last) return m_findings.addRemembered({});
-    m_findings.addRemembered(
-        packagesStillThere(m_last->packages, list, m_packages, [this] { return m_wasStopped.load(); }));
+    auto const shouldStop = [this] { return m_wasStopped.load(); };
+    m_findings.addRemembered(packagesStillThere(m_last->packages, list, m_packages, shouldStop, m_wasLeft));
 }
 
 void VolumeWalker::Walk::remember() {
     bool const isSame = m_last && m_findings.progress().listsRead == 0;
-    if (isSame) return;
+    if (isSame || m_isMemorySilent) return;
     auto const shouldStop = [this] { return m_wasStopped.load(); };
     std::optional<RememberedFolders> folders = indexOf(m_logs, m_started, shouldStop);
     if (!folders || shouldStop()) return;
@@ -174,22 +205,58 @@ void VolumeWalker::Walk::remember() {
                          shouldStop);
 }
 
-void VolumeWalker::Walk::giveVolumes() {
-    VolumeList list = listVolumes(m_question.roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
-    recall(list);
-    m_mountPoints = std::move(list.mountPoints);
-    for (SystemError const& failure : list.failures)
-        m_findings.addUnreadable(failure.item, failure);
-    for (std::string& package : list.packages)
-        m_findings.addPackage(std::move(package));
-    for (Volume& volume : list.volumes) {
-        FolderShare share;
-        share.path = std::move(volume.path);
-        share.isVolumeRoot = true;
-        share.traits.mount = volume.mount;
-        share.traits.linkCountTellsSubfolders = m_usesLinkCounts;
-        m_exchange.give(std::move(share));
+// Waits until the volume may be visited; false if it is left out, which is told unless the walk was stopped.
+bool VolumeWalker::Walk::awaitVisit(Volume const& volume) {
+    bool may = mayBeVisited(volume);
+    while (!may && !m_wasStopped && std::chrono::steady_clock::now() < m_deadline) {
+        m_exchange.waitUntilOver(ThreadPace::interval);
+        may = mayBeVisited(volume);
     }
+    if (!may && !m_wasStopped)
+        m_findings.addUnreadable(volume.path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
+    return may;
+}
+
+// nullopt if there is nothing to walk, which is not the same as a list for no roots.
+std::optional<VolumeList> VolumeWalker::Walk::listed() {
+    std::vector<std::string> roots;
+    std::deque<VolumeVisit> visits;
+    for (std::string const& root : m_question.roots) {
+        if (!awaitVisit({.path = root})) continue;
+        roots.push_back(root);
+        visits.emplace_back(Volume{.path = root}, m_wasLeft);
+    }
+    if (roots.empty() && !m_question.roots.empty()) return std::nullopt;
+    return listVolumes(roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
+}
+
+void VolumeWalker::Walk::giveVolumes() {
+    std::optional<VolumeList> list = listed();
+    if (!list) return m_findings.addRemembered({});
+    // What earlier walks wait for comes last, and nothing that is remembered is looked for there.
+    auto const silent = std::stable_partition(list->volumes.begin(), list->volumes.end(), mayBeVisited);
+    std::vector<Volume> awaited(std::make_move_iterator(silent), std::make_move_iterator(list->volumes.end()));
+    list->volumes.erase(silent, list->volumes.end());
+    recall(*list);
+    m_mountPoints = std::move(list->mountPoints);
+    for (SystemError const& failure : list->failures)
+        m_findings.addUnreadable(failure.item, failure);
+    for (std::string& package : list->packages)
+        m_findings.addPackage(std::move(package));
+    for (Volume& volume : list->volumes)
+        give(std::move(volume));
+    for (Volume& volume : awaited) {
+        if (awaitVisit(volume)) give(std::move(volume));
+    }
+}
+
+void VolumeWalker::Walk::give(Volume&& volume) {
+    FolderShare share;
+    share.path = std::move(volume.path);
+    share.isVolumeRoot = true;
+    share.traits.mount = volume.mount;
+    share.traits.linkCountTellsSubfolders = m_usesLinkCounts;
+    m_exchange.give(std::move(share));
 }
 
 // False when there are fewer and there will be no more.
@@ -214,7 +281,8 @@ void VolumeWalker::Walk::work(FolderLog& log) {
                 .item = m_item,
                 .mountPoints = m_mountPoints,
                 .last = last,
-                .log = m_memory ? &log : nullptr},
+                .log = m_memory ? &log : nullptr,
+                .wasLeft = m_wasLeft},
                m_budget.foldersPerThread)
         .run();
 }
@@ -234,7 +302,9 @@ bool VolumeWalker::waitUntilRecalled(std::chrono::milliseconds patience) const {
     return m_walk->findings().waitUntilRecalled(patience);
 }
 
-void VolumeWalker::waitUntilRemembered() { m_walk->waitUntilRemembered(); }
+bool VolumeWalker::waitUntilRemembered(std::chrono::milliseconds patience) const {
+    return m_walk->waitUntilRemembered(patience);
+}
 
 std::vector<SystemError> VolumeWalker::unreadable() const { return m_walk->findings().unreadable(); }
 

@@ -40,6 +40,9 @@ struct VolumeWalkRequest {
     // If set, the walk begins with what the last one left there, and leaves what it found: see VolumeWalker. Not used
     // for a sought item.
     std::shared_ptr<WalkMemory> memory{};
+    // How long the walk waits for what must not hold it up: for its memory to be read, and for a volume on which
+    // earlier walks still wait for an answer (VolumeVisit.h).
+    std::chrono::milliseconds patience{5'000};
 };
 
 struct VolumeWalkProgress {
@@ -54,8 +57,7 @@ struct VolumeWalkProgress {
 };
 
 // Finds packages on disk, in threads of its own. One object stands for one walk; its owner starts it, takes what was
-// found whenever it likes, and may stop it. All operations but start, waitUntilRemembered
-// and those that stop may be called from any thread.
+// found whenever it likes, and may stop it. All operations but start and those that stop may be called from any thread.
 //
 // Every wanted package that is there during the whole walk is found exactly once. Links are never followed. A folder
 // mounted at several places is visited at the first of them. A folder that cannot be read is counted and the walk goes
@@ -66,6 +68,9 @@ struct VolumeWalkProgress {
 // status is what it was then is not read again, as long as the file system's times can be relied on (FolderFacts.h).
 // Its subfolders are looked at one by one all the same, since a folder's times tell nothing of what lies deeper. A walk
 // that comes to its end is remembered after it has said finished.
+//
+// A volume on which earlier walks that were given up still wait for an answer is told as unreadable (ETIMEDOUT), unless
+// one of them leaves it within the request's patience.
 class VolumeWalker {
 public:
     // How many folders that could not be read `progress` names, and how many `unreadable` lists.
@@ -92,8 +97,9 @@ public:
     // are still there; false if that takes longer than the patience. Without a memory there are none, and it returns
     // once the volumes are listed. REQUIRES: the walk was started.
     bool waitUntilRecalled(std::chrono::milliseconds patience) const;
-    // Returns when the walk has come to its end and is remembered, or was stopped.
-    void waitUntilRemembered();
+    // Returns when the walk has come to its end and is remembered, or was stopped; false if that takes longer than the
+    // patience.
+    bool waitUntilRemembered(std::chrono::milliseconds patience) const;
 
     // The paths found since the last take, in no order. Empty once `progress` has said finished and they were taken.
     std::vector<std::string> takeFound();

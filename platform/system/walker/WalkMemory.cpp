@@ -63,13 +63,16 @@ Result<void> writeInBlocks(NewFile const& file, std::span<std::byte const> bytes
     return {};
 }
 
+SystemError replacedError() { return {.code = ESTALE, .operation = "rename", .item = WalkMemory::fileName}; }
+
 } // namespace
 
-WalkMemory::WalkMemory(std::string folder, std::function<std::int64_t()> clock)
-    : m_folder(std::move(folder)), m_clock(std::move(clock)) {}
+WalkMemory::WalkMemory(std::string folder, std::function<std::int64_t()> clock, std::chrono::milliseconds patience)
+    : m_folder(std::move(folder)), m_clock(std::move(clock)), m_patience(patience) {}
 
 std::shared_ptr<RememberedWalk const> WalkMemory::recall(WalkQuestion const& question) {
-    std::lock_guard const lock(m_mutex);
+    std::unique_lock const lock(m_mutex, m_patience);
+    if (!lock) return nullptr;
     if (!m_walk) m_walk = readFrom(m_folder);
     bool const serves = m_walk && m_walk->question == question && m_walk->start <= now();
     return serves ? m_walk : nullptr;
@@ -82,13 +85,23 @@ bool WalkMemory::hasLaterThan(RememberedWalk const& walk) const {
 }
 
 Result<void> WalkMemory::keep(RememberedWalk walk, std::function<bool()> const& shouldStop) {
-    SystemError const replaced{.code = ESTALE, .operation = "rename", .item = fileName};
     auto const kept = std::make_shared<RememberedWalk const>(std::move(walk));
     {
-        std::lock_guard const lock(m_mutex);
-        if (hasLaterThan(*kept)) return replaced;
+        std::unique_lock const lock(m_mutex, m_patience);
+        if (!lock) return SystemError{.code = ETIMEDOUT, .operation = "read", .item = fileName};
+        if (hasLaterThan(*kept)) return replacedError();
         m_walk = kept;
+        if (m_writers == MostWriters) return SystemError{.code = EBUSY, .operation = "write", .item = fileName};
+        ++m_writers;
     }
+    Result<void> const written = write(kept, shouldStop);
+    std::lock_guard const lock(m_mutex);
+    --m_writers;
+    return written;
+}
+
+Result<void> WalkMemory::write(std::shared_ptr<RememberedWalk const> const& walk,
+                               std::function<bool()> const& shouldStop) {
     Result<FileDescriptor> const home = openPath(homeOfCaches(m_folder), O_PATH | O_DIRECTORY);
     if (!home.hasValue()) return home.problem();
     Result<void> const made = makeFolderAtPath(m_folder);
@@ -97,10 +110,10 @@ Result<void> WalkMemory::keep(RememberedWalk walk, std::function<bool()> const& 
     if (!folder) return SystemError{.code = EACCES, .operation = "open", .item = m_folder};
     Result<NewFile> file = NewFile::make(*folder, OwnersAlone);
     if (!file.hasValue()) return file.problem();
-    Result<void> const written = writeInBlocks(file.value(), bytesOfWalk(*kept), shouldStop);
+    Result<void> const written = writeInBlocks(file.value(), bytesOfWalk(*walk), shouldStop);
     if (!written.isDone()) return written;
     std::lock_guard const lock(m_mutex);
-    return m_walk == kept ? file.value().giveNameUnflushed(fileName) : replaced;
+    return m_walk == walk ? file.value().giveNameUnflushed(fileName) : replacedError();
 }
 
 } // namespace mac

@@ -2,6 +2,7 @@
 
 #include "platform/system/walker/RememberedFolders.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -40,27 +41,37 @@ class WalkMemory {
 public:
     static constexpr char const* fileName = "scanned-folders";
 
+    // The disk that the file lies on may not answer. So long a thread waits for another that reads it, and so many may
+    // be writing it.
+    static constexpr std::chrono::milliseconds UsualPatience{5'000};
+    static constexpr unsigned MostWriters = 3;
+
     // The folder's absolute path; `clock` as folderClock().
-    explicit WalkMemory(std::string folder, std::function<std::int64_t()> clock);
+    WalkMemory(std::string folder, std::function<std::int64_t()> clock,
+               std::chrono::milliseconds patience = UsualPatience);
 
     std::string const& folder() const { return m_folder; }
     std::int64_t now() const { return m_clock(); }
 
-    // The last walk with equal parameters; nullptr if there is none, and if the clock has been set back behind its
-    // start.
+    // The last walk with equal parameters; nullptr if there is none, if the clock has been set back behind its start,
+    // and while another thread waits for the file.
     std::shared_ptr<RememberedWalk const> recall(WalkQuestion const& question);
     // Replaces what was kept. It is in memory even if it could not be written, or if shouldStop, which is asked while
-    // it is written, ended that (ECANCELED). A walk that began later than this one stays, also if it is kept while this
-    // one is written (ESTALE).
+    // it is written, ended that (ECANCELED), or while MostWriters others write (EBUSY). A walk that began later than
+    // this one stays, also if it is kept while this one is written (ESTALE). ETIMEDOUT while another thread reads the
+    // file.
     Result<void> keep(
         RememberedWalk walk, std::function<bool()> const& shouldStop = [] { return false; });
 
 private:
+    Result<void> write(std::shared_ptr<RememberedWalk const> const& walk, std::function<bool()> const& shouldStop);
     bool hasLaterThan(RememberedWalk const& walk) const; // m_mutex is held
 
     std::string const m_folder;
     std::function<std::int64_t()> const m_clock;
-    std::mutex m_mutex; // guards what follows
+    std::chrono::milliseconds const m_patience;
+    std::timed_mutex m_mutex; // guards what follows, and is held while the file is read
+    unsigned m_writers = 0;
     std::shared_ptr<RememberedWalk const> m_walk;
 };
 

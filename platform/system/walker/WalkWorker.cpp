@@ -1,5 +1,6 @@
 #include "platform/system/walker/WalkWorker.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/walker/VolumeVisit.h"
 #include <cerrno>
 #include <fcntl.h>
 #include <utility>
@@ -18,10 +19,12 @@ constexpr std::uint32_t foldersWorthOpening = 32;
 
 WalkWorker::WalkWorker(Shared const& shared, std::size_t openLimit)
     : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages), m_item(shared.item),
-      m_mountPoints(shared.mountPoints), m_last(shared.last), m_log(shared.log), m_stack(openLimit) {}
+      m_mountPoints(shared.mountPoints), m_last(shared.last), m_log(shared.log), m_wasLeft(shared.wasLeft),
+      m_stack(openLimit) {}
 
 void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
+        VolumeVisit const visit({.path = share->path, .mount = share->traits.mount}, m_wasLeft);
         if (share->isVolumeRoot && !openVolume(*share)) continue;
         m_volume = share->traits;
         if (m_item && !m_item->isFolder) m_reader.seek(m_item->inode, m_volume.listsItemNumbers);

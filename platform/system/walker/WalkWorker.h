@@ -20,8 +20,9 @@ public:
         PackageRule const& packages;
         std::optional<SoughtItem> const& item;
         MountPointSet const& mountPoints;
-        RememberedFolders const* last; // what the last walk left; nullptr: nothing
-        FolderLog* log;                // for the next one; nullptr: it needs none
+        RememberedFolders const* last;    // what the last walk left; nullptr: nothing
+        FolderLog* log;                   // for the next one; nullptr: it needs none
+        std::atomic<bool> const& wasLeft; // whether the walk was given up
     };
     WalkWorker(Shared const& shared, std::size_t openLimit);
 
@@ -52,6 +53,7 @@ private:
     MountPointSet const& m_mountPoints;
     RememberedFolders const* const m_last;
     FolderLog* const m_log;
+    std::atomic<bool> const& m_wasLeft;
     FolderReader m_reader;
     FolderStack m_stack;
     VolumeTraits m_volume;

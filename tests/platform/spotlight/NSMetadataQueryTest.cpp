@@ -311,5 +311,24 @@ TEST(NilMetadataQuery, AnswersNothing) {
     EXPECT_TRUE(NSMetadataItem(nil).attributes() == nil);
 }
 
+TEST_F(MetadataQuery, StaysAsItIsIfItEndsWithGathering) {
+    folder.makeFolder("a/Mirror Frame.app");
+    query.setEndsWithGathering_(true);
+    EXPECT_TRUE(query.endsWithGathering());
+    ASSERT_TRUE(gather());
+    folder.makeFolder("a/b/Mirror Frame.app");
+    ::rename(folder.path("a/Mirror Frame.app").c_str(), folder.path("a/Other").c_str());
+    runForAMoment();
+    EXPECT_EQ(names().back(), NSMetadataQueryDidFinishGatheringNotification);
+    EXPECT_EQ(query.resultCount(), 1U);
+    // The next start reads this anew.
+    query.stopQuery();
+    query.setEndsWithGathering_(false);
+    ASSERT_TRUE(query.startQuery());
+    ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification, 2));
+    ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
+    EXPECT_TRUE(runUntil([this] { return query.resultCount() == 2; }));
+}
+
 } // namespace
 } // namespace mac::test

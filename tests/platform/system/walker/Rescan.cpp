@@ -1,5 +1,6 @@
 #include "tests/platform/system/walker/Rescan.h"
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
 
 namespace mac::test {
@@ -23,7 +24,7 @@ WalkResult Rescan::walk(VolumeWalkRequest request) {
     request.memory = m_memory;
     VolumeWalker walker(request, nullptr);
     if (!walker.start()) throw std::runtime_error("the walk did not start");
-    walker.waitUntilRemembered();
+    walker.waitUntilRemembered(std::chrono::hours(1));
     WalkResult result{.paths = walker.takeFound(), .progress = walker.progress()};
     for (std::string const& vanished : walker.vanished())
         std::erase(result.paths, vanished);

@@ -4,6 +4,7 @@
 #include "tests/support/Environment.h"
 #include "tests/support/OrdinaryUser.h"
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -257,7 +258,7 @@ TEST_F(Rescans, TellRememberedPackagesBeforeTheyAreFound) {
     });
     started = &walker;
     ASSERT_TRUE(walker.start());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     ASSERT_FALSE(batches.empty());
     EXPECT_EQ(batches.front(), (Found{m_folder.path("a/A.app")}));
     for (std::size_t i = 1; i < batches.size(); ++i)
@@ -282,7 +283,7 @@ TEST_F(Rescans, GiveRememberedPackagesToWhoeverWaitsForThem) {
     EXPECT_EQ(taken, (Found{m_folder.path("a/A.app"), m_folder.path("b/B.app")}));
     EXPECT_FALSE(walker.progress().isRemembered);
     EXPECT_TRUE(walker.takeRemembered(2).empty());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     EXPECT_TRUE(walker.takeFound().empty()) << "the walk does not tell them again";
     EXPECT_EQ(walker.progress().packagesFound, 2U);
 }
@@ -295,7 +296,7 @@ TEST_F(Rescans, TakeOnlyWhatIsRememberedFromWhatIsFound) {
     again.memory = std::make_shared<WalkMemory>(m_rescan.folder(), &folderClock);
     VolumeWalker walker(again, nullptr);
     ASSERT_TRUE(walker.start());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     EXPECT_EQ(walker.takeRemembered(1), (Found{m_folder.path("a/A.app")}));
     EXPECT_EQ(walker.takeFound(), (Found{m_folder.path("b/B.app")}));
 }
@@ -311,6 +312,42 @@ TEST_F(Rescans, AreNotWaitedForWhereNothingIsRemembered) {
     }
 }
 
+// The memory's clock hangs, in place of its disk.
+TEST_F(Rescans, WaitForAMemoryThatDoesNotAnswerNoLongerThanTheirPatience) {
+    m_folder.makeFolder("a/A.app");
+    rescan();
+    auto const calls = std::make_shared<std::atomic<int>>(0);
+    auto const answers = std::make_shared<std::atomic<bool>>(false);
+    VolumeWalkRequest again = request();
+    again.patience = std::chrono::milliseconds(1);
+    again.memory = std::make_shared<WalkMemory>(
+        m_rescan.folder(),
+        [calls, answers] {
+            // The first call asks when the walk begins.
+            if (++*calls == 2) answers->wait(false);
+            return folderClock();
+        },
+        std::chrono::milliseconds(1));
+    EXPECT_EQ(walk(again).paths, (Found{m_folder.path("a/A.app")}));
+    *answers = true;
+    answers->notify_all();
+}
+
+TEST_F(Rescans, AreNotWaitedForLongerThanThePatience) {
+    std::atomic<bool> answers = false;
+    VolumeWalkRequest hanging = request();
+    hanging.memory = std::make_shared<WalkMemory>(m_rescan.folder(), [&answers] {
+        answers.wait(false);
+        return folderClock();
+    });
+    VolumeWalker walker(hanging, nullptr);
+    ASSERT_TRUE(walker.start());
+    EXPECT_FALSE(walker.waitUntilRemembered(std::chrono::milliseconds(1)));
+    answers = true;
+    answers.notify_all();
+    EXPECT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
+}
+
 TEST_F(Rescans, TellRememberedPackagesThatWentMeanwhile) {
     m_folder.makeFolder("a/A.app");
     m_folder.makeFolder("b/B.app");
@@ -323,7 +360,7 @@ TEST_F(Rescans, TellRememberedPackagesThatWentMeanwhile) {
     });
     started = &walker;
     ASSERT_TRUE(walker.start());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     EXPECT_EQ(walker.vanished(), (Found{m_folder.path("a/A.app")}));
     EXPECT_EQ(walker.progress().packagesFound, 1U);
 }
@@ -350,7 +387,7 @@ TEST_F(Rescans, TellNoRememberedPackageThatAWalkWouldNotCallSo) {
     });
     started = &walker;
     ASSERT_TRUE(walker.start());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     EXPECT_EQ(first, (Found{m_folder.path("e/Stays.app")}));
 }
 

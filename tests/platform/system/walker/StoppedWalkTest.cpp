@@ -1,7 +1,9 @@
+#include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <memory>
@@ -56,6 +58,47 @@ TEST(StoppedWalk, LeavesAThreadBehindThatHangs) {
     while (hanging.use_count() > 1)
         std::this_thread::yield();
     EXPECT_EQ(calls, 0);
+}
+
+TEST(StoppedWalk, LeavesThreadsOnAVolumeAFewTimesAlone) {
+    TemporaryFolder const folder;
+    folder.makeFolder("a/A.app");
+    struct stat status {};
+    ASSERT_EQ(::stat(folder.makeFile("a/file", "").c_str(), &status), 0);
+    VolumeWalkRequest impatient{.roots = {folder.path()}};
+    impatient.patience = std::chrono::milliseconds(1);
+    std::vector<std::shared_ptr<HangingFolder>> left;
+    while (left.size() < VolumeVisit::MostLeft) {
+        EXPECT_EQ(walk(impatient).paths, std::vector<std::string>{folder.path("a/A.app")}) << left.size() << " left";
+        auto const hanging = left.emplace_back(std::make_shared<HangingFolder>());
+        SoughtItem item{.inode = status.st_ino, .isFolder = false};
+        item.accepts = [hanging](FileDescriptor const&, std::string const&) {
+            hanging->hang();
+            return true;
+        };
+        VolumeWalker walker({.roots = {folder.path()}, .packageSuffix = "", .item = item}, nullptr);
+        ASSERT_TRUE(walker.start());
+        hanging->isAsked.wait(false);
+        walker.stopWithin(std::chrono::milliseconds(1));
+    }
+    WalkResult const leftOut = walk(impatient);
+    EXPECT_TRUE(leftOut.paths.empty());
+    EXPECT_EQ(leftOut.progress.unreadableFolders, 1U);
+    ASSERT_EQ(leftOut.progress.firstUnreadable.size(), 1U);
+    EXPECT_EQ(leftOut.progress.firstUnreadable.front().item, folder.path());
+    EXPECT_EQ(leftOut.progress.firstUnreadable.front().code, ETIMEDOUT);
+    for (std::shared_ptr<HangingFolder> const& hanging : left) {
+        hanging->answers = true;
+        hanging->answers.notify_all();
+    }
+    // Once one of them has left the volume, it is visited again.
+    VolumeWalkRequest patient{.roots = {folder.path()}};
+    patient.patience = std::chrono::hours(1);
+    EXPECT_EQ(walk(patient).paths, std::vector<std::string>{folder.path("a/A.app")});
+    for (std::shared_ptr<HangingFolder> const& hanging : left) {
+        while (hanging.use_count() > 1)
+            std::this_thread::yield();
+    }
 }
 
 TEST(StoppedWalk, EndsItsThreadsWithinAPatienceThatIsLongEnough) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
@@ -250,7 +251,7 @@ TEST(VolumeWalker, ListsTheFoldersThatItCouldNotRead) {
         missing.push_back(folder.path("missing" + std::to_string(i)));
     VolumeWalker walker({.roots = missing}, {});
     ASSERT_TRUE(walker.start());
-    walker.waitUntilRemembered();
+    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
     std::vector<SystemError> const unreadable = walker.unreadable();
     ASSERT_EQ(unreadable.size(), VolumeWalker::maximumUnreadableListed);
     EXPECT_EQ(unreadable.front().code, ENOENT);

@@ -5,11 +5,15 @@
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -169,6 +173,44 @@ TEST_F(KeptWalk, IsNotReplacedByOneThatWasBeingWrittenMeanwhile) {
     ASSERT_TRUE(isLaterKept);
     EXPECT_EQ(memory.recall(someWalk().question)->start, KeptWalkStart);
     EXPECT_EQ(recallAnew()->start, KeptWalkStart);
+}
+
+TEST_F(KeptWalk, IsNotWaitedForWhileItsDiskDoesNotAnswer) {
+    std::atomic<bool> isReading = false;
+    std::atomic<bool> answers = false;
+    auto const hangingClock = [&] {
+        isReading = true;
+        isReading.notify_all();
+        answers.wait(false);
+        return KeptWalkStart;
+    };
+    WalkMemory memory(folder(), hangingClock, std::chrono::milliseconds(1));
+    std::thread reader([&] { EXPECT_TRUE(memory.recall(someWalk().question)); });
+    isReading.wait(false);
+    EXPECT_FALSE(memory.recall(someWalk().question));
+    Result<void> const kept = memory.keep(someWalk());
+    EXPECT_TRUE(!kept.isDone() && kept.problem().is(ETIMEDOUT));
+    answers = true;
+    answers.notify_all();
+    reader.join();
+    EXPECT_TRUE(memory.keep(someWalk()).isDone());
+}
+
+TEST_F(KeptWalk, IsWrittenByAFewThreadsAtOnceAlone) {
+    WalkMemory memory(folder(), [] { return KeptWalkStart; });
+    unsigned writers = 0;
+    bool isBusy = false;
+    std::function<bool()> const keepAnother = [&] {
+        if (isBusy) return false;
+        ++writers;
+        Result<void> const kept = memory.keep(someWalk(), keepAnother);
+        isBusy = isBusy || (!kept.isDone() && kept.problem().is(EBUSY));
+        return false;
+    };
+    static_cast<void>(memory.keep(someWalk(), keepAnother));
+    EXPECT_TRUE(isBusy);
+    EXPECT_EQ(writers, WalkMemory::MostWriters);
+    EXPECT_TRUE(memory.keep(someWalk()).isDone()) << "those before have ended";
 }
 
 TEST_F(KeptWalk, IsReplacedByOneThatBeganEarlierOnceTheClockIsSetBack) {
