@@ -101,6 +101,8 @@ public:
     NSArray readAllAutolaunchItems() const;
     // Whether all was written.
     bool writeAllAutolaunchItems_(NSArray const& items) const;
+    // Why the last writing of login items or toolbar items failed, for people; nil if it did not.
+    NSString writingProblem() const;
     // The first entry whose path, spelled as in the entry, is that of a copy; nil if there is none.
     NSDictionary autoLaunchedApplicationsAnyMirrorFrameEntry_(NSArray const& entries) const;
     bool hasAutoLaunchedApplicationsEntry_(NSArray const& entries) const;

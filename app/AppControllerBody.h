@@ -66,6 +66,8 @@ public:
     // The last one on top of the stack, which is its end.
     std::vector<UndoStep> _undoSteps;
     NSString _notice;
+    // Why the list that was written last could not be written; nil if it could.
+    NSString _writingProblem;
     // Unset until it is asked for.
     std::optional<NSString> _logOutObstacle;
     bool _noticeOffersUndo{false};

@@ -65,7 +65,7 @@ NSArray AppController::readAllAutolaunchItems() const {
 bool AppController::writeAllAutolaunchItems_(NSArray const& items) const {
     if (*this == nil) return false;
     CFPreferencesSetValue(LoginItemsKey, items, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return synchronizeLoginItems();
+    return writeList(*this, LoginItemsDomain);
 }
 
 NSDictionary AppController::autoLaunchedApplicationsAnyMirrorFrameEntry_(NSArray const& entries) const {

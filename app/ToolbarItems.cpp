@@ -65,7 +65,7 @@ NSArray AppController::readAllToolbarItems() const {
 bool AppController::writeAllToolbarItems_(NSArray const& items) const {
     if (*this == nil) return false;
     CFPreferencesSetValue(ToolbarItems, items, FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return synchronizeFinder();
+    return writeList(*this, FinderIdentifier);
 }
 
 void AppController::syncIsInToolbar() const {

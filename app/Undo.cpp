@@ -4,6 +4,8 @@
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/preferences/CFPreferences.h"
+#include "platform/preferences/PreferenceDomains.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -137,6 +139,16 @@ void tell(AppController const& controller, NSString const& notice, Offer offer) 
     bodyOf(controller)->_notice = notice;
     bodyOf(controller)->_noticeOffersUndo = offer == Offer::Undo;
 }
+
+bool writeList(AppController const& controller, NSString const& domain) {
+    Result<void, Failure> const written =
+        synchronizePreferences(domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    bodyOf(controller)->_writingProblem =
+        written.isDone() ? NSString() : NSString::stringWithFileSystemRepresentation_(written.problem().reason);
+    return written.isDone();
+}
+
+NSString AppController::writingProblem() const { return *this == nil ? NSString() : bodyOf(*this)->_writingProblem; }
 
 NSString AppController::notice() const { return *this == nil ? NSString() : bodyOf(*this)->_notice; }
 

@@ -43,6 +43,9 @@ struct ListRead {
 ListRead loginItemsReadAnew();
 ListRead toolbarItemsReadAnew();
 
+// Writes what was set in the domain, and keeps why that failed as the controller's writing problem.
+bool writeList(AppController const& controller, NSString const& domain);
+
 struct SwappedIcon {
     NSString path{};
     NSString formerName{};

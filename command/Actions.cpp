@@ -175,7 +175,8 @@ Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString co
     for (NSUInteger removed = 0; removed < most; ++removed) {
         if (!present.select(onlyPath(path))) return notSelected(path);
         status = worse(status, statusOf(present, beepsOf(present, list.removal)));
-        if (status == Status::Failed) return {.path = path, .status = status};
+        if (status == Status::Failed)
+            return {.path = path, .status = status, .reason = present.controller().writingProblem()};
         // Each removal begins with a controller that has nothing to take back yet.
         present = Copies();
         bool const isRead = readList(list, present);
@@ -194,7 +195,7 @@ Outcome addToLogin(Copies const& copies, Target const& target) {
     if (unread > 0) return failed(path, localizable("the list could not be read"));
     if (!lookAndSelect(copies, path)) return notSelected(path);
     int const beeps = beepsOf(copies, &AppController::addToAutoLaunchAction_);
-    return {.path = path, .status = statusOf(copies, beeps)};
+    return {.path = path, .status = statusOf(copies, beeps), .reason = copies.controller().writingProblem()};
 }
 
 Outcome removeFromLogin(Copies const& copies, Target const& target) {

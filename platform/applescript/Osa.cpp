@@ -10,9 +10,9 @@
 #include <iostream>
 #include <unistd.h>
 
-// osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]: runs a script and prints its result. FLAGS: h for people, s as
-// source, e errors to standard error, o errors to standard output. Without -e and FILE the script is read from standard
-// input.
+// osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]: runs a script and prints its result; in messages it has the name
+// that it was started by. FLAGS: h for people, s as source, e errors to standard error, o errors to standard output.
+// Without -e and FILE the script is read from standard input.
 
 namespace {
 
@@ -28,10 +28,16 @@ struct CommandLine {
     std::vector<std::string> operands{};
 };
 
-constexpr std::string_view Usage = "usage: osa [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]";
+// The name that the command was started by; one of its names if the starter told none.
+std::string const& ownName() {
+    static std::string const name = *::program_invocation_short_name ? ::program_invocation_short_name : "osa";
+    return name;
+}
+
+std::string usage() { return "usage: " + ownName() + " [-s FLAGS] [-e LINE]... [FILE [ARGUMENT]...]"; }
 
 int complain(std::string_view what) {
-    std::cerr << "osa: " << what << '\n';
+    std::cerr << ownName() << ": " << what << '\n';
     return 2;
 }
 
@@ -58,7 +64,8 @@ std::optional<CommandLine> read(std::vector<std::string> const& words) {
     }
     // Such a word in the place of a file is an option that there is not; a file of that name follows "--".
     bool const isInPlaceOfFile = !line.hasLines && index < words.size();
-    bool const isUnknown = isInPlaceOfFile && words[index].starts_with("--") && words[index] != "--";
+    bool const isUnknown =
+        isInPlaceOfFile && words[index].starts_with('-') && words[index] != "-" && words[index] != "--";
     if (isUnknown) return {};
     if (index < words.size() && words[index] == "--") ++index;
     line.operands.assign(words.begin() + static_cast<std::ptrdiff_t>(index), words.end());
@@ -167,9 +174,9 @@ int main(int argc, char** argv) {
     mac::openMissingStreams();
     std::vector<std::string> const words(argv + 1, argv + argc);
     bool const isHelp = words.size() == 1 && (words.front() == "--help" || words.front() == "-h");
-    if (isHelp) return print(std::string(Usage));
+    if (isHelp) return print(usage());
     std::optional<CommandLine> line = read(words);
-    if (!line) return complain(Usage);
+    if (!line) return complain(usage());
     std::size_t firstArgument = 0;
     if (!line->hasLines) {
         bool const isInFile = !line->operands.empty() && line->operands.front() != "-";

@@ -63,7 +63,17 @@ void EventEndpoint::close() {
     // Once the bus answers a later call, all earlier messages have been sent. A bus that hangs does not delay the
     // end.
     busNameOwner(*m_connection, eventEndpointName(::getpid()), LongestQuestionAtEnd);
+    takeReplies();
     closeConnection(m_connection);
+}
+
+void EventEndpoint::takeReplies() {
+    for (QDBusPendingCallWatcher* const watcher : findChildren<QDBusPendingCallWatcher*>()) {
+        if (!watcher->isFinished()) continue;
+        Q_EMIT watcher->finished(watcher);
+        // What the toolkit has posted about it would be handled once more.
+        watcher->disconnect(this);
+    }
 }
 
 void EventEndpoint::send(std::shared_ptr<OutgoingEvent const> const& outgoing, Form form) {

@@ -29,7 +29,7 @@ public:
     // Connects to the session bus; again if the bus has ended since.
     void open();
 
-    // Sends what is still to be sent, and closes the connection.
+    // Sends what is still to be sent, takes the replies that have come, and closes the connection.
     void close();
 
     // The call's arguments. Receivers of earlier versions refuse a call with a deadline, without handling the event.
@@ -65,6 +65,9 @@ private:
     void takeAnswer(QDBusPendingCallWatcher const& finished, std::shared_ptr<OutgoingEvent const> const& outgoing);
 
     void receive(QDBusMessage const& message, QDBusConnection const& connection);
+
+    // Handles the replies that have come and that this thread's event loop has not delivered yet.
+    void takeReplies();
 
     // Sets the sender's and the receiver's address by what the bus tells, whatever the event itself says.
     static void setOrigin(AppleEvent& event, Peer const& peer);

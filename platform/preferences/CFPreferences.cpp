@@ -18,8 +18,7 @@ void CFPreferencesSetValue(CFStringRef const& key, id const& value, CFStringRef 
 
 bool CFPreferencesSynchronize(CFStringRef const& applicationID, CFStringRef const& userName,
                               CFStringRef const& hostName) {
-    std::optional<PreferenceDomain> const domain = preferenceDomain(applicationID, userName, hostName);
-    return domain && sharedPreferences().synchronize(*domain).isDone();
+    return synchronizePreferences(applicationID, userName, hostName).isDone();
 }
 
 } // namespace mac

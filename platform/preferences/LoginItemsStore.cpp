@@ -130,17 +130,17 @@ class LoginItemChange {
 public:
     explicit LoginItemChange(Plan const& plan) : m_plan(plan) {}
 
-    // False if a step failed; then the steps before it are taken back.
-    bool carryOut();
+    // The steps before one that failed are taken back.
+    Result<void> carryOut();
     // The names of the entries that were added or restored, and what was removed; after a failure, what was removed and
     // could not be put back.
     std::vector<std::pair<NSDictionary, std::string>> takeNames() { return std::move(m_names); }
     std::vector<RemovedItem> takeRemoved() { return std::move(m_removed); }
 
 private:
-    bool restore();
-    bool add();
-    bool remove();
+    Result<void> restore();
+    Result<void> add();
+    Result<void> remove();
     void takeBack();
 
     Plan const& m_plan;
@@ -148,31 +148,34 @@ private:
     std::vector<RemovedItem> m_removed{};
 };
 
-bool LoginItemChange::restore() {
-    return std::ranges::all_of(m_plan.restorations, [&](RemovedItem const& item) {
+Result<void> LoginItemChange::restore() {
+    for (RemovedItem const& item : m_plan.restorations) {
         Result<std::string> const name = restoreAutostart(item.entry);
-        if (name.hasValue()) m_names.emplace_back(item.object, name.value());
-        return name.hasValue();
-    });
+        if (!name.hasValue()) return name.problem();
+        m_names.emplace_back(item.object, name.value());
+    }
+    return {};
 }
 
-bool LoginItemChange::add() {
+Result<void> LoginItemChange::add() {
     unsigned long order = nextLoginItemOrder();
-    return std::ranges::all_of(m_plan.additions, [&](NSDictionary const& item) {
+    for (NSDictionary const& item : m_plan.additions) {
         Result<std::string> const name = addAutostart(newEntryFor(item, order++));
-        if (name.hasValue()) m_names.emplace_back(item, name.value());
-        return name.hasValue();
-    });
+        if (!name.hasValue()) return name.problem();
+        m_names.emplace_back(item, name.value());
+    }
+    return {};
 }
 
-bool LoginItemChange::remove() {
-    return std::ranges::all_of(m_plan.removals, [&](ReadItem const& read) {
+Result<void> LoginItemChange::remove() {
+    for (ReadItem const& read : m_plan.removals) {
         Result<RemovedAutostart> removed = removeAutostart(read.item);
-        // Another program was quicker.
-        if (!removed.hasValue()) return removed.problem().is(ENOENT);
-        m_removed.push_back({read.object, removed.takeValue()});
-        return true;
-    });
+        if (removed.hasValue())
+            m_removed.push_back({read.object, removed.takeValue()});
+        else if (!removed.problem().is(ENOENT)) // Another program was quicker.
+            return removed.problem();
+    }
+    return {};
 }
 
 // What was added and cannot be taken back stays: the next read shows it.
@@ -185,10 +188,12 @@ void LoginItemChange::takeBack() {
     }
 }
 
-bool LoginItemChange::carryOut() {
-    if (restore() && add() && remove()) return true;
-    takeBack();
-    return false;
+Result<void> LoginItemChange::carryOut() {
+    Result<void> done = restore();
+    if (done.isDone()) done = add();
+    if (done.isDone()) done = remove();
+    if (!done.isDone()) takeBack();
+    return done;
 }
 
 // What was just written, as it would be read: so writing the same array again changes nothing.
@@ -238,17 +243,17 @@ NativeItems readLoginItems(NSArray const& kept) {
 NativeWriting writeLoginItems(NSArray const& items) {
     KnownLoginItems& known = knownLoginItems();
     Result<Plan> planned = planFor(items, known);
-    if (!planned.hasValue()) return {.kept = known.kept, .isDone = false};
+    if (!planned.hasValue()) return {.kept = known.kept, .problem = Failure{planned.problem().text()}};
     Plan plan = planned.takeValue();
     LoginItemChange change(plan);
-    bool const isDone = change.carryOut();
+    Result<void> const done = change.carryOut();
     std::vector<RemovedItem> gone = change.takeRemoved();
-    if (!isDone) {
+    if (!done.isDone()) {
         // No longer among those that are there, so that they are put back when they are written again.
         for (RemovedItem const& item : gone)
             (void)taken(known.items, [&](ReadItem const& read) { return isSame(read.object, item.object); });
         remember(std::move(gone), known);
-        return {.kept = known.kept, .isDone = false};
+        return {.kept = known.kept, .problem = Failure{done.problem().text()}};
     }
     known.items = std::move(plan.staying);
     std::ranges::move(itemsNamed(change.takeNames()), std::back_inserter(known.items));

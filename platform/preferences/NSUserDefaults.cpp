@@ -91,7 +91,8 @@ public:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return NSDictionary::dictionary();
         NSDictionary const values = sharedPreferences().values(*domain);
-        tellProblem(*domain, sharedPreferences().readingProblem(*domain));
+        if (std::optional<SystemError> const problem = sharedPreferences().readingProblem(*domain))
+            tellProblem(*domain, problem->text());
         return values;
     }
 
@@ -124,7 +125,8 @@ private:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return nil;
         id const value = sharedPreferences().value(*domain, key);
-        tellProblem(*domain, sharedPreferences().readingProblem(*domain));
+        if (std::optional<SystemError> const problem = sharedPreferences().readingProblem(*domain))
+            tellProblem(*domain, problem->text());
         return value;
     }
 
@@ -136,18 +138,16 @@ private:
     }
 
     bool store(PreferenceDomain const& domain) {
-        Result<void> const written = sharedPreferences().synchronize(domain, RefusedChanges::AreKept);
+        Result<void, Failure> const written = sharedPreferences().synchronize(domain, RefusedChanges::AreKept);
         if (written.isDone())
             m_toldProblems.erase(domain.file);
         else
-            tellProblem(domain, written.problem());
+            tellProblem(domain, written.problem().reason);
         return written.isDone();
     }
 
     // Once for each reason, until the domain's file could be read and written again.
-    void tellProblem(PreferenceDomain const& domain, std::optional<SystemError> const& problem) {
-        if (!problem) return;
-        std::string const text = problem->text();
+    void tellProblem(PreferenceDomain const& domain, std::string const& text) {
         if (m_toldProblems[domain.file].insert(text).second) NSLog("The user defaults cannot be stored: %s", text);
     }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/foundation/collections/NSArray.h"
+#include "platform/system/Result.h"
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -20,8 +22,10 @@ struct NativeItems {
 struct NativeWriting {
     // The elements that the desktop has no form for, in their order: the domain's file keeps them.
     NSArray kept{};
-    // False if not everything could be written; the file then keeps what it had.
-    bool isDone{true};
+    // What could not be written, for people; the file then keeps what it had.
+    std::optional<Failure> problem{};
+
+    bool isDone() const { return !problem; }
 };
 
 struct NativeStore {

@@ -82,6 +82,12 @@ std::optional<PreferenceDomain> preferenceDomain(NSString const& applicationID, 
     return PreferenceDomain{.file = std::move(file), .nativeName = isOfUser ? std::move(name) : ""};
 }
 
+Result<void, Failure> synchronizePreferences(NSString const& applicationID, NSString const& userName,
+                                             NSString const& hostName) {
+    std::optional<PreferenceDomain> const domain = preferenceDomain(applicationID, userName, hostName);
+    return domain ? sharedPreferences().synchronize(*domain) : Failure{"There is no such domain of preferences"};
+}
+
 namespace {
 
 bool isNegativeNumber(std::string_view word) {

@@ -19,6 +19,10 @@ Preferences& sharedPreferences();
 std::optional<PreferenceDomain> preferenceDomain(NSString const& applicationID, NSString const& userName,
                                                  NSString const& hostName);
 
+// As CFPreferencesSynchronize, and tells what failed, for people.
+Result<void, Failure> synchronizePreferences(NSString const& applicationID, NSString const& userName,
+                                             NSString const& hostName);
+
 // The defaults that a program's arguments (bytes, the program's own name first) set by words "-KEY VALUE", as told in
 // NSUserDefaults.h. A byte that is not UTF-8 becomes a lone surrogate, as in paths. Of equal keys the last one counts.
 NSDictionary argumentDomain(std::span<std::string const> arguments);

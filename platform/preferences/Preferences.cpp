@@ -73,8 +73,8 @@ void Preferences::setValue(PreferenceDomain const& domain, NSString const& key, 
     changes.push_back({NSString::stringWithString_(key), copied(value)});
 }
 
-NSDictionary Preferences::changedValues(PreferenceDomain const& domain, Known const& known,
-                                        NSDictionary const& values) const {
+Result<NSDictionary, Failure> Preferences::changedValues(PreferenceDomain const& domain, Known const& known,
+                                                         NSDictionary const& values) const {
     NSMutableDictionary const changed = NSMutableDictionary::dictionaryWithDictionary_(values);
     for (Change const& change : known.changes) {
         NativeStore const* const store = storeOf(domain, change.key);
@@ -83,12 +83,12 @@ NSDictionary Preferences::changedValues(PreferenceDomain const& domain, Known co
             continue;
         }
         NSArray const items = change.value == nil ? NSArray::array() : as<NSArray>(change.value);
-        if (items == nil || keptElements(values, change.key) == nil) return nil;
+        if (items == nil || keptElements(values, change.key) == nil) return NSDictionary();
         NativeWriting const written = store->write(items);
-        if (!written.isDone) return nil;
+        if (!written.isDone()) return *written.problem;
         putValue(changed, change.key, valueOf(written.kept));
     }
-    return changed;
+    return NSDictionary(changed);
 }
 
 NSDictionary Preferences::values(PreferenceDomain const& domain) {
@@ -104,19 +104,24 @@ bool Preferences::hasChanges(PreferenceDomain const& domain) const {
     return known != m_known.end() && !known->second.changes.empty();
 }
 
-Result<void> Preferences::synchronize(PreferenceDomain const& domain, RefusedChanges refused) {
+Result<void, Failure> Preferences::synchronize(PreferenceDomain const& domain, RefusedChanges refused) {
     Known& known = m_known[domain.file];
     if (known.changes.empty()) {
         known.values = nil;
         std::optional<SystemError> const problem = readDomain(domain).problem;
-        return problem ? Result<void>(*problem) : Result<void>();
+        return problem ? Failure{problem->text()} : Result<void, Failure>();
     }
+    std::optional<Failure> ofDesktop;
     Result<void> const written = PreferenceFile(domain.file).change([&](NSDictionary const& values) {
-        return changedValues(domain, known, values);
+        Result<NSDictionary, Failure> changed = changedValues(domain, known, values);
+        if (changed.hasValue()) return changed.takeValue();
+        ofDesktop = changed.problem();
+        return NSDictionary();
     });
     if (written.isDone() || refused == RefusedChanges::AreForgotten) known.changes.clear();
     known.values = nil;
-    return written;
+    if (written.isDone()) return {};
+    return ofDesktop ? *ofDesktop : Failure{written.problem().text()};
 }
 
 } // namespace mac

@@ -32,7 +32,8 @@ public:
     id value(PreferenceDomain const& domain, NSString const& key);
     void setValue(PreferenceDomain const& domain, NSString const& key, id const& value);
     // Fails also, with nothing to write, if not all of the domain could be read.
-    Result<void> synchronize(PreferenceDomain const& domain, RefusedChanges refused = RefusedChanges::AreForgotten);
+    Result<void, Failure> synchronize(PreferenceDomain const& domain,
+                                      RefusedChanges refused = RefusedChanges::AreForgotten);
 
     // All values of the domain, with those that were set and not written yet. A copy.
     NSDictionary values(PreferenceDomain const& domain);
@@ -57,8 +58,9 @@ private:
 
     NativeStore const* storeOf(PreferenceDomain const& domain, NSString const& key) const;
     Known& readDomain(PreferenceDomain const& domain);
-    // nil if a change cannot be made to these values.
-    NSDictionary changedValues(PreferenceDomain const& domain, Known const& known, NSDictionary const& values) const;
+    // nil if a change cannot be made to these values; fails if the desktop does not take what it keeps itself.
+    Result<NSDictionary, Failure> changedValues(PreferenceDomain const& domain, Known const& known,
+                                                NSDictionary const& values) const;
 
     std::span<NativeStore const> m_stores;
     // By the path of the file.

@@ -161,7 +161,8 @@ NativeWriting ToolbarItemsStore::write(NSArray const& items) {
     }
     PlacesOutcome const outcome = changePlaces(changeTo(meant));
     remember(outcome, std::move(meant));
-    return {.kept = kept, .isDone = outcome.problems.empty()};
+    if (outcome.problems.empty()) return {.kept = kept};
+    return {.kept = kept, .problem = Failure{outcome.problems.front().text}};
 }
 
 PlacesChange ToolbarItemsStore::changeTo(std::vector<Item> items) {

@@ -1,8 +1,11 @@
 #include "platform/system/FileDescriptor.h"
 #include "tests/command/CommandRun.h"
 #include "tests/support/Companion.h"
+#include "tests/support/Failures.h"
+#include <cerrno>
 #include <cstring>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 
 // The command beside neighbours that are missing or keep silent.
@@ -45,6 +48,25 @@ TEST_F(CommandSurroundings, SayThatACopyCouldNotBeShown) {
     CommandRun const done = run({"reveal", copyAt("a")});
     EXPECT_EQ(done.status, 1);
     EXPECT_NE(done.errors.find(": the file browser could not show it\n"), std::string::npos) << done.errors;
+}
+
+TEST_F(CommandSurroundings, SayWhyAListCouldNotBeWritten) {
+    std::string const copy = copyAt("a");
+    std::string uri = "file://" + copy;
+    uri.replace(uri.find(' '), 1, "%20");
+    m_desktop.folder.makeFile("config/gtk-3.0/bookmarks", uri + "\n");
+    ASSERT_EQ(run({"login", "add", copyAt("b")}).status, 0);
+    // A disk that takes nothing more.
+    mac::test::withRefusedCall(SYS_fsync, ENOSPC, [&] {
+        for (std::vector<std::string> const& words :
+             {std::vector<std::string>{"login", "add", copy}, {"places", "remove", copy}}) {
+            CommandRun const done = run(words);
+            EXPECT_EQ(done.status, 1);
+            EXPECT_NE(done.errors.find("No space left on device"), std::string::npos) << done.errors;
+        }
+        CommandRun const forPrograms = run({"login", "add", "--json", copy});
+        EXPECT_NE(forPrograms.output.find("\"reason\": "), std::string::npos) << forPrograms.output;
+    });
 }
 
 TEST_F(CommandSurroundings, WaitOnceForABusThatHangs) {

@@ -1,5 +1,6 @@
 #include "platform/desktop/HexText.h"
 #include "platform/foundation/bundles/NSBundle.h"
+#include "platform/system/SystemError.h"
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -28,6 +29,8 @@ int main(int argc, char** argv) {
     std::string program = programAt(path);
     char* const words[] = {program.data(), nullptr};
     ::execv(program.c_str(), words);
-    std::perror("framekeeper-login");
-    return errno == ENOENT ? 127 : 126;
+    mac::SystemError const error = mac::lastSystemError("start", program);
+    std::fprintf(stderr, "framekeeper-login: %s\n", error.text().c_str());
+    // As shells tell a program that is not there from one that cannot be started.
+    return error.is(ENOENT) ? 127 : 126;
 }

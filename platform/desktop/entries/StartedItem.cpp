@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <memory>
 #include <span>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac {
@@ -196,7 +197,26 @@ std::string itemStartedBy(std::string_view commandLine) {
 std::string loginLauncherPath() {
     std::unique_ptr<char, decltype(&::free)> const program(::realpath("/proc/self/exe", nullptr), &::free);
     bool const isOfBuild = program && BytePath(program.get()).isBelow(BUILD_FOLDER);
-    return isOfBuild ? BUILT_LOGIN_LAUNCHER : INSTALLED_LOGIN_LAUNCHER;
+    if (isOfBuild) return BUILT_LOGIN_LAUNCHER;
+    std::string const beside = program ? loginLauncherBeside(program.get()) : std::string();
+    return beside.empty() ? INSTALLED_LOGIN_LAUNCHER : beside;
+}
+
+std::string loginLauncherBeside(std::string const& program) {
+    // An installed program lies up to six folders below the prefix.
+    constexpr int mostFoldersAbove = 6;
+    struct stat ofProgram {};
+    if (::stat(program.c_str(), &ofProgram) != 0) return {};
+    BytePath folder(BytePath(program).parent());
+    for (int above = 0; above < mostFoldersAbove && !folder.leaf().empty(); ++above) {
+        folder = BytePath(folder.parent());
+        std::string launcher = folder.joined(LAUNCHER_BELOW_PREFIX);
+        struct stat status {};
+        bool const isThere = ::stat(launcher.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+        bool const isTrusted = isThere && (status.st_uid == 0 || status.st_uid == ofProgram.st_uid);
+        if (isTrusted && ::access(launcher.c_str(), X_OK) == 0) return launcher;
+    }
+    return {};
 }
 
 } // namespace mac

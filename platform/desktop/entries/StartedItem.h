@@ -29,6 +29,9 @@ std::string_view bundleAround(std::string_view path);
 // or program as pairs of hexadecimal digits. The path of the launcher, in the build's folder for a program of that
 // folder, else where it is installed.
 std::string loginLauncherPath();
+// The launcher that was installed with the program below the same prefix, whatever that is; empty if there is none that
+// belongs to root or to the program's owner.
+std::string loginLauncherBeside(std::string const& program);
 inline constexpr char LoginLauncherName[] = "framekeeper-login";
 
 // The words of one command, quotes resolved.

@@ -2,9 +2,12 @@
 #include "platform/system/FolderContents.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/items/FolderPlace.h"
+#include "platform/system/items/ItemAccess.h"
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace mac {
@@ -57,6 +60,43 @@ Result<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& 
     return SystemError{.code = ENOENT, .operation = "readdir"};
 }
 
+// What this computer knows of the permissions.
+Result<void> foretellRemoval(FileDescriptor const& folder, std::string const& name, ItemPlace const& item) {
+    if (::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        SystemError error = lastSystemError("unlink", name);
+        // A filter of system calls that does not know the question refuses it with the code of an immutable folder.
+        Result<ItemPlace> const asked = placeOf(folder);
+        bool const isUnanswered = error.is(EPERM) && asked.hasValue() && !asked.value().isImmutable;
+        if (!isUnanswered) return error;
+    }
+    if (item.owner == ::geteuid() || ::geteuid() == 0) return {};
+    Result<ItemPlace> const above = placeOf(folder);
+    if (!above.hasValue()) return above.problem();
+    bool const isKept = (above.value().mode & S_ISVTX) != 0 && above.value().owner != ::geteuid();
+    return isKept ? SystemError{.code = EPERM, .operation = "unlink", .item = name} : Result<void>();
+}
+
+// Whether a server decides, by rules and users of its own, which need not be the permissions that it shows here.
+bool isJudgedByServer(FileDescriptor const& folder) {
+    struct statfs volume {};
+    if (::fstatfs(folder.number(), &volume) != 0) return false;
+    switch (static_cast<std::uint32_t>(volume.f_type)) {
+    case NFS_SUPER_MAGIC:
+    case FUSE_SUPER_MAGIC:
+    case V9FS_MAGIC:
+    case SMB_SUPER_MAGIC:
+    case CIFS_SUPER_MAGIC:
+    case SMB2_SUPER_MAGIC:
+    case CEPH_SUPER_MAGIC:
+    case AFS_FS_MAGIC:
+    case AFS_SUPER_MAGIC:
+    case CODA_SUPER_MAGIC:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 ItemPlace placeIn(struct statx const& status) {
@@ -79,12 +119,9 @@ Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name)
 }
 
 Result<void> confirmNameRemovable(FileDescriptor const& folder, std::string const& name, ItemPlace const& item) {
-    if (::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) return lastSystemError("unlink", name);
-    if (item.owner == ::geteuid() || ::geteuid() == 0) return {};
-    Result<ItemPlace> const above = placeOf(folder);
-    if (!above.hasValue()) return above.problem();
-    bool const isKept = (above.value().mode & S_ISVTX) != 0 && above.value().owner != ::geteuid();
-    return isKept ? SystemError{.code = EPERM, .operation = "unlink", .item = name} : Result<void>();
+    Result<void> const foretold = foretellRemoval(folder, name, item);
+    bool const isMaybe = !foretold.isDone() && isForbidden(foretold.problem()) && isJudgedByServer(folder);
+    return isMaybe ? Result<void>() : foretold;
 }
 
 Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {

@@ -19,8 +19,8 @@ namespace {
 class Removal {
 public:
     Removal(OpenItem const& item, ItemIdentity const& identity, RemovalQuestions const& questions,
-            ClosedFolders closed = ClosedFolders::Stay)
-        : m_item(item), m_identity(identity), m_questions(questions), m_closed(closed) {}
+            AskedNames names = AskedNames::All)
+        : m_item(item), m_identity(identity), m_questions(questions), m_names(names) {}
 
     Result<void> run() {
         Result<void> const looked = look();
@@ -43,13 +43,16 @@ public:
 private:
     Result<void> confirmMayGo(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) const {
         if (isLockedIn(folder, name, place)) return lockedItem(name);
-        if (m_closed == ClosedFolders::AreOpened) return {};
+        if (m_names == AskedNames::None) return {};
         Result<void> mayGo = confirmNameRemovable(folder, name, place);
         bool const isBelow = !(place.identity == m_identity);
         if (mayGo.isDone() || !isBelow) return mayGo;
-        // What a locked folder holds is kept by it, and the folder is told.
         Result<ItemPlace> const above = placeOf(folder);
-        return above.hasValue() && above.value().isImmutable ? Result<void>() : mayGo;
+        if (!above.hasValue()) return mayGo;
+        bool const isOpened = m_names == AskedNames::AllInOpenedFolders && mayGo.problem().is(EACCES) &&
+                              above.value().owner == ::geteuid();
+        // What a locked folder holds is kept by it, and the folder is told.
+        return isOpened || above.value().isImmutable ? Result<void>() : mayGo;
     }
 
     // The system itself keeps what is locked by the flag; what is locked by an attribute has to be looked for only if
@@ -80,7 +83,7 @@ private:
     OpenItem const& m_item;
     ItemIdentity const& m_identity;
     RemovalQuestions const& m_questions;
-    ClosedFolders m_closed;
+    AskedNames m_names;
     std::set<std::string> m_asked{};
     bool m_isEnded{false};
 };
@@ -217,11 +220,11 @@ Result<void> removeEmptyItem(OpenItem const& item) {
     return removeExactly(item.folder, item.name, status.value());
 }
 
-Result<void> confirmRemovable(OpenItem const& item, ClosedFolders closed) {
+Result<void> confirmRemovable(OpenItem const& item, AskedNames names) {
     if (item.name.empty()) return SystemError{.code = EBUSY, .operation = "unlink", .item = "/"};
     Result<IdentifiedItem> const identified = identify(item.item);
     if (!identified.hasValue()) return identified.problem();
-    return Removal(item, identified.value().identity, {}, closed).look();
+    return Removal(item, identified.value().identity, {}, names).look();
 }
 
 Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions) {

@@ -33,12 +33,17 @@ Result<void> removeItem(OpenItem const& item, RemovalQuestions const& questions 
 // removed, whatever comes into the folder meanwhile. Otherwise fails as removeItem does.
 Result<void> removeEmptyItem(OpenItem const& item);
 
-// What becomes of folders of this user that their permissions close to changes. Where they are opened, whether names
-// may go is not asked.
-enum class ClosedFolders { Stay, AreOpened };
+// For which names it is asked whether this user may remove them.
+enum class AskedNames {
+    None,
+    All,
+    // All but those in folders of this user in the item that only their permissions close, and that are opened before
+    // the removal.
+    AllInOpenedFolders,
+};
 
 // Fails as removeItem does if the item or one in it must stay.
-Result<void> confirmRemovable(OpenItem const& item, ClosedFolders closed = ClosedFolders::Stay);
+Result<void> confirmRemovable(OpenItem const& item, AskedNames names = AskedNames::All);
 
 // Removes one item, which is empty if it is a folder, unless it is locked.
 Result<void> removeUnlessLocked(FileDescriptor const& folder, std::string const& name, bool isFolder);

@@ -273,6 +273,10 @@ Result<void> removeOriginals(ItemTransfer const& transfer, std::optional<OpenIte
                              CopiedItems& copied) {
     // The copy's name must be on the disk before the original goes.
     if (Result<void> const flushed = flushFolder(transfer.folder); !flushed.isDone()) return flushed;
+    // An original that must stay stays whole.
+    Result<void> mayGo = confirmRemovable(transfer.item, AskedNames::AllInOpenedFolders);
+    if (mayGo.isDone() && sidecar) mayGo = confirmRemovable(*sidecar, AskedNames::AllInOpenedFolders);
+    if (!mayGo.isDone()) return mayGo;
     Result<void> const removed = removeOriginal(transfer.item, copied, transfer.removalSteps);
     return removed.isDone() && sidecar ? removeOriginal(*sidecar, copied, transfer.removalSteps) : removed;
 }
@@ -295,7 +299,7 @@ Result<void, TransferProblem> moveItem(ItemTransfer const& transfer) {
     TransferProblem const& problem = renamed.problem();
     if (problem.kind != TransferProblem::Kind::NotDone || !problem.error.is(EXDEV)) return renamed;
     // What could not be removed afterwards would be in both places.
-    if (Result<void> const removable = confirmRemovable(transfer.item, ClosedFolders::AreOpened); !removable.isDone())
+    if (Result<void> const removable = confirmRemovable(transfer.item, AskedNames::None); !removable.isDone())
         return notDone(removable.problem());
     CopiedItems copied;
     Result<std::optional<OpenItem>> const sidecar = sidecarItem(transfer.item);

@@ -3,6 +3,7 @@
 #include "tests/support/TemporaryFolder.h"
 #include <csignal>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 // The command osa, as a process of its own.
 
@@ -10,6 +11,12 @@ namespace {
 
 using mac::test::ChildProcess;
 using mac::test::TemporaryFolder;
+
+// The name that the command is built with.
+std::string ownName() {
+    std::string const path = OSA;
+    return path.substr(path.rfind('/') + 1);
+}
 
 struct OsaRun {
     int status{-1};
@@ -51,11 +58,13 @@ TEST(Osa, EndsOnceNobodyReadsItsOutput) {
 
 TEST(Osa, SaysHowItIsUsed) {
     ChildProcess asked({OSA, "--help"});
-    EXPECT_TRUE(asked.readLine().starts_with("usage: osa "));
+    EXPECT_TRUE(asked.readLine().starts_with("usage: " + ownName() + " "));
     EXPECT_EQ(asked.wait(), 0);
-    ChildProcess wrong({"/bin/sh", "-c", "exec \"$0\" --none 2>&1", OSA});
-    EXPECT_TRUE(wrong.readLine().starts_with("osa: usage: osa "));
-    EXPECT_EQ(wrong.wait(), 2);
+    for (std::string const option : {"--none", "-x"}) {
+        ChildProcess wrong({"/bin/sh", "-c", "exec \"$0\" \"$1\" 2>&1", OSA, option});
+        EXPECT_TRUE(wrong.readLine().starts_with(ownName() + ": usage: " + ownName() + " ")) << option;
+        EXPECT_EQ(wrong.wait(), 2) << option;
+    }
 }
 
 TEST(Osa, ReadsTheScript) {
@@ -77,8 +86,16 @@ TEST(Osa, FailsIfTheScriptCannotBeRead) {
         ChildProcess shell({"/bin/sh", "-c", "exec \"$0\" 2>&1 " + script, OSA, folder.path()});
         std::string const errors = shell.readLine();
         EXPECT_EQ(shell.wait(), 2) << script;
-        EXPECT_TRUE(errors.starts_with("osa: ")) << errors;
+        EXPECT_TRUE(errors.starts_with(ownName() + ": ")) << errors;
     }
+}
+
+TEST(Osa, SpeaksByTheNameItWasStartedWith) {
+    TemporaryFolder const folder;
+    std::string const link = folder.path("another name");
+    ASSERT_EQ(::symlink(OSA, link.c_str()), 0);
+    ChildProcess named({link, "--help"});
+    EXPECT_TRUE(named.readLine().starts_with("usage: another name "));
 }
 
 // What the first line on a terminal is when the shell runs these words.

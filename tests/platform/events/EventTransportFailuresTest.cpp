@@ -1,4 +1,8 @@
+#include "platform/events/EventEndpointDBus.h"
+#include "platform/events/FlatDescriptor.h"
 #include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/running/EventLoop.h"
+#include "platform/system/processes/ProcessList.h"
 #include "tests/platform/events/Descriptors.h"
 #include "tests/platform/events/EventTransports.h"
 #include "tests/support/TemporaryFolder.h"
@@ -134,6 +138,29 @@ TEST_F(EventTransport, ReachesReceiversOfEarlierVersions) {
         EXPECT_EQ(ask(peer, Echo, stringDescriptor(NSString::stringWithUTF8String_(text))), noErr);
         EXPECT_EQ(replied(), text);
     }
+}
+
+// The endpoint is this thread's own, whose event loop delivers nothing meanwhile.
+TEST_F(EventTransport, TakesTheRepliesThatHaveComeWhenItCloses) {
+    auto const peer = startPeer();
+    requireEventLoop();
+    EventEndpoint endpoint([] {});
+    endpoint.open();
+    auto const pending = std::make_shared<PendingReply>();
+    Result<std::vector<std::byte>, Failure> flat = flattened(testEvent(Tell, address(*peer), stringDescriptor("told")));
+    std::optional<RunningProcess> const process = runningProcess(static_cast<std::int32_t>(peer->pid()));
+    ASSERT_TRUE(flat.hasValue() && process);
+    endpoint.send(std::make_shared<OutgoingEvent const>(OutgoingEvent{.process = process->identity,
+                                                                      .event = flat.takeValue(),
+                                                                      .expectation = Expectation::Reply,
+                                                                      .pending = pending}));
+    EXPECT_EQ(peer->readLine(), "told");
+    // The bus keeps the order of what the peer sends: with this reply the other one is under way.
+    ASSERT_EQ(ask(*peer, Echo), noErr);
+    EXPECT_FALSE(pending->isDone);
+    endpoint.close();
+    EXPECT_TRUE(pending->isDone);
+    EXPECT_EQ(pending->outcome.status, noErr);
 }
 
 TEST_F(EventTransport, FindsAProgramThatWasStartedAgain) {

@@ -155,9 +155,9 @@ TEST_F(LoginItemsStore, AnEntryThatCouldNotBePutBackIsNotForgotten) {
     addEntry("b.desktop", entry("/bin/two"));
     NSArray const both = readLoginItems(NSArray::array()).items;
     addEntry("b.desktop", entry("/bin/three"));
-    withRefusedCall(SYS_fsync, EIO, [] { EXPECT_FALSE(writeLoginItems(NSArray::array()).isDone); });
+    withRefusedCall(SYS_fsync, EIO, [] { EXPECT_FALSE(writeLoginItems(NSArray::array()).isDone()); });
     ASSERT_EQ(files(), (Files{{"b.desktop", entry("/bin/three")}}));
-    EXPECT_TRUE(writeLoginItems(both).isDone);
+    EXPECT_TRUE(writeLoginItems(both).isDone());
     EXPECT_EQ(files(), (Files{{"a.desktop", entry("/bin/one")}, {"b.desktop", entry("/bin/three")}}));
 }
 
@@ -166,9 +166,9 @@ TEST_F(LoginItemsStore, AProgramThatCannotBeLookedAtIsNotWritten) {
     std::string const program = m_folder.makeFile("program", "");
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
     NSArray const items = list({item(NSString::stringWithUTF8String_(program))});
-    withRefusedCall(SYS_newfstatat, EIO, [&] { EXPECT_FALSE(writeLoginItems(items).isDone); });
+    withRefusedCall(SYS_newfstatat, EIO, [&] { EXPECT_FALSE(writeLoginItems(items).isDone()); });
     EXPECT_EQ(files(), Files());
-    EXPECT_TRUE(writeLoginItems(items).isDone);
+    EXPECT_TRUE(writeLoginItems(items).isDone());
     EXPECT_EQ(files().size(), 1U);
 }
 
@@ -205,6 +205,8 @@ TEST_F(LoginItemsStore, AFolderThatMayNotBeWrittenIsTold) {
     for (char const* const item : {"", "config", "config/framekeeper", "config/framekeeper/Preferences"})
         OrdinaryUser::own(m_folder.path(item));
     Files const before = files();
+    std::string const folder = m_folder.path("config/autostart");
+    ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
     {
         OrdinaryUser const user;
         EXPECT_EQ(read().count(), 1u);
@@ -212,6 +214,7 @@ TEST_F(LoginItemsStore, AFolderThatMayNotBeWrittenIsTold) {
         EXPECT_FALSE(write(read().arrayByAddingObject_(item("/x/Mirror Frame.app"))));
         EXPECT_EQ(read().count(), 1u);
     }
+    ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
     EXPECT_EQ(files(), before);
 }
 

@@ -27,7 +27,7 @@ NativeItems readStrings(NSArray const& kept) {
 
 NativeWriting writeStrings(NSArray const& items) {
     ++desktop().writings;
-    if (!desktop().isWritable) return {.isDone = false};
+    if (!desktop().isWritable) return {.problem = Failure{"The desktop refuses"}};
     NSMutableArray const strings = NSMutableArray::array();
     NSMutableArray const others = NSMutableArray::array();
     for (id const& item : items)
@@ -100,9 +100,9 @@ TEST_F(PreferencesTest, WhatCouldNotBeReadAgainIsRefusedAndTheFileStays) {
     std::string const before = contentsOf(m_domain.file);
     std::vector<std::byte> const bytes((std::size_t{16} << 20) + 1);
     m_preferences.setValue(m_domain, "large", NSData::dataWithBytes(bytes));
-    Result<void> const written = m_preferences.synchronize(m_domain, RefusedChanges::AreForgotten);
+    Result<void, Failure> const written = m_preferences.synchronize(m_domain, RefusedChanges::AreForgotten);
     ASSERT_FALSE(written.isDone());
-    EXPECT_EQ(written.problem().code, EFBIG);
+    EXPECT_NE(written.problem().reason.find(textOfSystemError(EFBIG)), std::string::npos) << written.problem().reason;
     EXPECT_EQ(contentsOf(m_domain.file), before);
     EXPECT_TRUE(value("other").isEqual_("text"));
 }
@@ -140,7 +140,10 @@ TEST_F(PreferencesTest, ADesktopThatCannotBeReadWholeIsTold) {
 TEST_F(PreferencesTest, ADesktopThatCannotBeWrittenIsToldAndTheFileStaysAsItWas) {
     EXPECT_TRUE(write(mixed()));
     desktop().isWritable = false;
-    EXPECT_FALSE(write(NSArray::array()));
+    m_preferences.setValue(m_domain, "strings", NSArray::array());
+    Result<void, Failure> const written = m_preferences.synchronize(m_domain);
+    ASSERT_FALSE(written.isDone());
+    EXPECT_EQ(written.problem().reason, "The desktop refuses");
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObjects_({"a", "b", NSNumber::numberWithInt_(1)})));
 }
 

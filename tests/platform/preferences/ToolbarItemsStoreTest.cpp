@@ -30,7 +30,7 @@ protected:
         EXPECT_TRUE(read.isComplete);
         return NSMutableArray::arrayWithArray_(read.items);
     }
-    void write(NSArray const& items) { EXPECT_TRUE(m_store.write(items).isDone); }
+    void write(NSArray const& items) { EXPECT_TRUE(m_store.write(items).isDone()); }
 
     static Texts urls(NSArray const& items) {
         Texts urls;
@@ -82,7 +82,7 @@ TEST_F(ToolbarItemsStoreTest, AnswersWhatCanBeReadBesideAFileThatCannot) {
     NativeItems const read = m_store.read(NSArray::array());
     EXPECT_FALSE(read.isComplete);
     EXPECT_EQ(urls(read.items), Texts{"file:///a"});
-    EXPECT_TRUE(m_store.write(NSArray::array()).isDone) << "the file that cannot be read has nothing to change";
+    EXPECT_TRUE(m_store.write(NSArray::array()).isDone()) << "the file that cannot be read has nothing to change";
     EXPECT_EQ(textOf(m_userPlaces), "<xbel>");
     EXPECT_EQ(textOf(m_bookmarks), "");
 }
@@ -166,7 +166,7 @@ TEST_F(ToolbarItemsStoreTest, KeepsWhatHasNoNativeForm) {
                                                       itemOfType("file:///a b", 15), NSDictionary::dictionary(),
                                                       withMore, elsewhere, oddLabel});
     NativeWriting const written = m_store.write(items);
-    EXPECT_TRUE(written.isDone);
+    EXPECT_TRUE(written.isDone());
     EXPECT_TRUE(written.kept.isEqual_(items)) << text(written.kept);
     EXPECT_FALSE(isThere(m_bookmarks));
 }
@@ -175,7 +175,7 @@ TEST_F(ToolbarItemsStoreTest, SaysWhereItCouldNotWrite) {
     bookmarks("file:///a first\n");
     read();
     bookmarks("file:///a second\n");
-    EXPECT_FALSE(m_store.write(NSArray::array()).isDone);
+    EXPECT_FALSE(m_store.write(NSArray::array()).isDone());
     EXPECT_EQ(textOf(m_bookmarks), "file:///a second\n");
 }
 

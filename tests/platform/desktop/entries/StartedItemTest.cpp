@@ -1,11 +1,14 @@
 #include "platform/desktop/entries/StartedItem.h"
 #include "platform/desktop/HexText.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <ostream>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace mac::test {
 
@@ -108,6 +111,33 @@ TEST_F(StartedItem, OfOurLauncherIsWhatItsDigitsName) {
     for (std::string const& path : {bundle, program})
         EXPECT_EQ(itemStartedBy("\"" + loginLauncherPath() + "\" " + hexTextOf(path)), bundle);
     EXPECT_EQ(itemStartedBy("framekeeper-login 2f6"), "framekeeper-login");
+}
+
+TEST(LoginLauncher, TellsWhatItCannotStart) {
+    TemporaryFolder const folder;
+    std::string const locked = folder.makeFile("locked", "");
+    for (auto const& [path, status] : {std::pair(folder.path("none"), 127), std::pair(locked, 126)}) {
+        ChildProcess shell({"/bin/sh", "-c", "exec \"$0\" \"$1\" 2>&1", loginLauncherPath(), hexTextOf(path)});
+        EXPECT_NE(shell.readLine().find(path), std::string::npos);
+        EXPECT_EQ(shell.wait(), status) << path;
+    }
+}
+
+// A tree that is installed below another prefix than it was configured for.
+TEST(LoginLauncher, IsFoundBelowThePrefixOfTheProgram) {
+    TemporaryFolder const prefix;
+    std::string const command = prefix.makeFile("bin/framekeeper-cli", "");
+    std::string const bundled = prefix.makeFile("lib/framekeeper/Framekeeper.app/Contents/Linux/framekeeper", "");
+    EXPECT_EQ(loginLauncherBeside(command), "");
+    std::string const launcher = prefix.makeFile("libexec/framekeeper-login", "");
+    EXPECT_EQ(loginLauncherBeside(command), "") << "it cannot be started";
+    ASSERT_EQ(::chmod(launcher.c_str(), 0755), 0);
+    EXPECT_EQ(loginLauncherBeside(command), launcher);
+    EXPECT_EQ(loginLauncherBeside(bundled), launcher);
+    EXPECT_EQ(loginLauncherBeside(prefix.path("bin/none")), "");
+    if (!OrdinaryUser::isAnother()) return;
+    OrdinaryUser::own(launcher);
+    EXPECT_EQ(loginLauncherBeside(command), "") << "another user has put it there";
 }
 
 TEST_F(StartedItem, LooksThroughNoMoreProgramsThanAreReal) {

@@ -164,6 +164,13 @@ TEST_F(ItemRemoval, RemovesNothingOfAFolderWhoseNameMayNotGo) {
     OrdinaryUser const user;
     EXPECT_EQ(errorOfRemoval(m_folder.path("box/item")), EACCES);
     EXPECT_EQ(textOf(m_folder.path("box/item/inner/file")), "x");
+    EXPECT_EQ(codeOf(confirmRemovable(itemAt(m_folder.path("box/item")), AskedNames::AllInOpenedFolders)), EACCES);
+}
+
+// A filter that does not know the question refuses it with the code of an immutable folder.
+TEST_F(ItemRemoval, TakesNoFilterOfSystemCallsForTheFileSystem) {
+    withRefusedCall(SYS_faccessat2, EPERM, [&] { EXPECT_EQ(errorOfRemoval(m_folder.path("tree")), 0); });
+    EXPECT_FALSE(isThere(m_folder.path("tree")));
 }
 
 TEST_F(ItemRemoval, RemovesNothingOfAFolderWhoseContentsMayNotGo) {
@@ -175,7 +182,7 @@ TEST_F(ItemRemoval, RemovesNothingOfAFolderWhoseContentsMayNotGo) {
     OrdinaryUser const user;
     EXPECT_EQ(errorOfRemoval(m_folder.path("item")), EACCES);
     EXPECT_EQ(textOf(m_folder.path("item/a")), "a");
-    EXPECT_EQ(codeOf(confirmRemovable(itemAt(m_folder.path("item")), ClosedFolders::AreOpened)), 0);
+    EXPECT_EQ(codeOf(confirmRemovable(itemAt(m_folder.path("item")), AskedNames::AllInOpenedFolders)), 0);
     ASSERT_EQ(::unlink(m_folder.path("item/inner/file").c_str()), -1);
     ASSERT_EQ(::chmod(m_folder.path("item/inner").c_str(), 0755), 0);
     ASSERT_EQ(::unlink(m_folder.path("item/inner/file").c_str()), 0);
@@ -193,6 +200,7 @@ TEST_F(ItemRemoval, RemovesNothingAroundAnItemThatASharedFolderKeeps) {
     OrdinaryUser const user;
     EXPECT_EQ(errorOfRemoval(m_folder.path("item")), EPERM);
     EXPECT_EQ(textOf(m_folder.path("item/a")), "a");
+    EXPECT_EQ(codeOf(confirmRemovable(itemAt(m_folder.path("item")), AskedNames::AllInOpenedFolders)), EPERM);
 }
 
 TEST_F(ItemRemoval, RemovesAFileAndItsSidecarOrNeither) {

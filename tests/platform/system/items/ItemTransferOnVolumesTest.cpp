@@ -113,6 +113,23 @@ TEST_F(ItemTransferOnVolumes, SaysThatTheCopyIsWholeWhenTheOriginalCannotGo) {
     EXPECT_EQ(textOf(file), "x");
 }
 
+TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWholeIfItsNameMayNotGo) {
+    mountMemory(m_point.path(), "mode=777");
+    m_folder.makeFile("closed/tree/inner/file", "x");
+    for (char const* const name : {"", "closed", "closed/tree", "closed/tree/inner", "closed/tree/inner/file"})
+        OrdinaryUser::own(m_folder.path(name));
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0555), 0);
+    OrdinaryUser const user;
+    OpenItem const item = itemAt(m_folder.path("closed/tree"));
+    FileDescriptor const target = folderAt(m_point.path());
+    Result<void, TransferProblem> const moved = moveItem({.item = item, .folder = target, .name = "tree"});
+    ASSERT_FALSE(moved.isDone());
+    EXPECT_EQ(moved.problem().kind, TransferProblem::Kind::OriginalStays);
+    EXPECT_EQ(moved.problem().error.code, EACCES);
+    EXPECT_EQ(textOf(m_point.path("tree/inner/file")), "x");
+    EXPECT_EQ(textOf(m_folder.path("closed/tree/inner/file")), "x");
+}
+
 TEST_F(ItemTransferOnVolumes, LeavesTheOriginalWhereTheNameOfTheCopyIsNotOnTheDisk) {
     mountMemory(m_point.path());
     std::string const file = m_folder.makeFile("file", "x");
