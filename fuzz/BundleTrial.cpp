@@ -8,13 +8,15 @@
 #include "platform/launchservices/TypeIdentifiers.h"
 #include "platform/launchservices/TypeTree.h"
 #include "tests/support/TemporaryFolder.h"
+#include <cstdio>
 
 namespace mac::fuzz {
 
 namespace {
 
 std::string complaintAboutTypes(NSDictionary const& information) {
-    TypeTree types = TypeTree::ofSystem();
+    static TypeTree const system = TypeTree::ofSystem();
+    TypeTree types = system;
     types.addDeclarationsIn(information);
     if (!conforms(types, "public.png", "public.image")) return "a type of the system was replaced";
     for (id const& object : as<NSArray>(information.objectForKey_(kUTExportedTypeDeclarationsKey))) {
@@ -48,13 +50,17 @@ std::string complaintAboutApplication(std::string const& path) {
 
 } // namespace
 
+// One bundle serves all inputs, under a new name each time: what is known of the bundle at a path is another input's.
 std::string complaintAboutBundle(std::span<std::byte const> bytes) {
-    test::TemporaryFolder const folder;
+    static test::TemporaryFolder const folder;
+    static unsigned number = 0;
+    if (number == 0) folder.makeFile("0.app/Contents/MacOS/A", "");
+    std::string const former = folder.path(std::to_string(number) + ".app");
+    std::string const bundle = std::to_string(++number) + ".app";
+    if (std::rename(former.c_str(), folder.path(bundle).c_str()) != 0) return "the bundle cannot be renamed";
     std::string_view const text(reinterpret_cast<char const*>(bytes.data()), bytes.size());
-    std::string const bundle = folder.makeBundle("A.app", text);
-    folder.makeFile("A.app/Contents/Resources/en.lproj/InfoPlist.strings", text);
-    folder.makeFile("A.app/Contents/MacOS/A", "");
-    return complaintAboutApplication(bundle);
+    folder.makeFile(bundle + "/Contents/Resources/en.lproj/InfoPlist.strings", text);
+    return complaintAboutApplication(folder.makeBundle(bundle, text));
 }
 
 } // namespace mac::fuzz

@@ -1,5 +1,6 @@
 #include "fuzz/Trials.h"
 #include "platform/applescript/additions/StoredForms.h"
+#include "platform/applescript/runtime/RunLimits.h"
 #include "platform/applescript/runtime/ScalarText.h"
 #include "platform/applescript/runtime/ScriptDate.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
@@ -26,7 +27,8 @@ std::string complaintAboutError(ScriptError const& error, std::size_t sourceSize
 std::string complaintAboutScript(std::string_view bytes) {
     constexpr std::size_t mostUnits = 1U << 16U;
     constexpr std::size_t mostItems = 1U << 12U;
-    constexpr double mostSeconds = 0.2;
+    // A look is taken after every command and every 256 steps.
+    constexpr unsigned mostLooks = 64;
     std::u16string const source = unitsFromFileSystemBytes(bytes);
     TextContext& text = engineState().text;
     text = TextContext();
@@ -35,7 +37,9 @@ std::string complaintAboutScript(std::string_view bytes) {
     ScriptError error;
     std::optional<CompiledScript> script = CompiledScript::compile(source, error);
     if (!script) return complaintAboutError(error, source.size());
-    ScriptOutcome const outcome = script->run({.seconds = mostSeconds, .computesOnly = true});
+    unsigned looks = 0;
+    RunLimits const limits([&looks] { return ++looks <= mostLooks; }, std::nullopt);
+    ScriptOutcome const outcome = script->run({.computesOnly = true});
     // A message of a script's own may be anything.
     if (outcome.error) return outcome.error->range ? std::string() : "an error without a place";
     try {

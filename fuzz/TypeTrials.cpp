@@ -5,6 +5,7 @@
 #include "platform/launchservices/TypeTree.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
+#include <unordered_map>
 
 namespace mac::fuzz {
 
@@ -17,6 +18,14 @@ std::string complaintAboutMIMEType(std::string const& mimeType) {
     if (!conforms(types, identifier, "public.item") && !conforms(types, identifier, "public.content"))
         return "a type is neither an item nor contents";
     return "";
+}
+
+// The shared MIME information has a thousand types, and what is right of one stays right.
+std::string complaintAboutFoundType(std::string const& mimeType) {
+    static std::unordered_map<std::string, std::string> complaints;
+    auto const [known, isNew] = complaints.try_emplace(mimeType);
+    if (isNew) known->second = complaintAboutMIMEType(mimeType);
+    return known->second;
 }
 
 std::string complaintAboutTypeOfTag(std::string_view text) {
@@ -43,7 +52,7 @@ std::string complaintAboutContentType(std::span<std::byte const> bytes) {
     types.push_back(mimeTypeOfNameAndBytes(name, text.substr(std::min(end + 1, text.size()))));
     for (std::string const& type : types) {
         if (type.empty()) return "a file has no type";
-        std::string const complaint = complaintAboutMIMEType(type);
+        std::string const complaint = complaintAboutFoundType(type);
         if (!complaint.empty()) return complaint;
     }
     std::string const complaint = complaintAboutMIMEType(std::string(name));

@@ -1,7 +1,8 @@
 #!/usr/bin/python3 -B
 """Uses the program's window as assistive technology does.
 
-usage: use_window.py PROCESS row PATH     prints the cells of the row with the path, one a line; nothing without it
+usage: use_window.py PROCESS row PATH     prints the cells of the row with the path, one a line, or "no row"; nothing if
+                                          the table cannot be read
        use_window.py PROCESS quit PATH    selects that row alone and presses "Quit Copy"; prints "pressed" if it can
        use_window.py PROCESS select PATH  selects that row alone and gives the table the keyboard; prints "selected" then
        use_window.py PROCESS press KEYS   presses keys such as "ctrl+shift+l" wherever the keyboard is
@@ -107,7 +108,9 @@ def row_with(table, path):
         names = [cell.get_name() or "" if cell is not None else "" for cell in cells]
         if path in names:
             return row, names
-    return None, []
+        if not any(names):
+            return None, []  # the row went while it was read, or is not filled yet
+    return None, ["no row"]
 
 
 def program_of(process):
@@ -169,11 +172,17 @@ def tell(process, verb, argument):
             print("disabled: " + button.get_description())
 
 
+# By default a question is given up after 0.8 s, which on a busy computer is too short for one of the many of a walk.
+Atspi.set_timeout(20_000, 20_000)
 try:
     process, verb, *rest = sys.argv[1:]
     if verb in ("row", "quit", "select"):
         use(int(process), verb, rest[0])
     else:
         tell(int(process), verb, *(rest or [""]))
-except (GLib.Error, AttributeError):
+except GLib.Error:
     pass  # it is being built, or changes while it is read: whoever asks may try again
+except AttributeError as error:
+    # An element that went has no states and no name, not even an empty one. Anything else is a mistake in this script.
+    if error.obj is not None:
+        raise

@@ -47,7 +47,13 @@ def use(process, verb, key=""):
         show(window)
 
 
+# By default a question is given up after 0.8 s, which on a busy computer is too short for one of the many of a walk.
+Atspi.set_timeout(20_000, 20_000)
 try:
     use(int(sys.argv[1]), *sys.argv[2:])
-except (GLib.Error, AttributeError):
+except GLib.Error:
     pass  # it is being built, or changes while it is read: whoever asks may try again
+except AttributeError as error:
+    # An element that went has no states and no name, not even an empty one. Anything else is a mistake in this script.
+    if error.obj is not None:
+        raise

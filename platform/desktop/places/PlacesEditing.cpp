@@ -21,16 +21,21 @@ bool readsAs(PlacesFormat const& format, std::string_view text, EntryNames const
     return read.hasValue() && namesOf(read.value().entries) == names;
 }
 
-// The text with the entry at the position; nullopt if that does not add just this entry, as inside a comment.
+// The text with the entry between its two parts; nullopt if that does not add just this entry, as inside a comment.
+std::optional<std::string> textAround(PlacesFormat const& format, std::string_view before, std::string_view after,
+                                      PlaceEntries const& old, RemovedEntry const& entry) {
+    EntryNames names = namesOf(old.entries);
+    auto const isBefore = [&](PlaceEntry const& each) { return each.end <= before.size(); };
+    auto const count = std::ranges::count_if(old.entries, isBefore);
+    names.emplace(names.begin() + count, entry.uri, entry.label);
+    std::string result = format.joined(before, entry.text, after);
+    return readsAs(format, result, names) ? std::optional(std::move(result)) : std::nullopt;
+}
+
 std::optional<std::string> textWith(PlacesFormat const& format, std::string_view text, PlaceEntries const& old,
                                     std::size_t position, RemovedEntry const& entry) {
     if (position > text.size()) return std::nullopt;
-    EntryNames names = namesOf(old.entries);
-    auto const isBefore = [&](PlaceEntry const& each) { return each.end <= position; };
-    auto const count = std::ranges::count_if(old.entries, isBefore);
-    names.emplace(names.begin() + count, entry.uri, entry.label);
-    std::string result = format.joined(text.substr(0, position), entry.text, text.substr(position));
-    return readsAs(format, result, names) ? std::optional(std::move(result)) : std::nullopt;
+    return textAround(format, text.substr(0, position), text.substr(position), old, entry);
 }
 
 PlaceEntry const* nearestOf(EntryNames const& names, PlaceEntries const& entries) {
@@ -74,7 +79,7 @@ Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::strin
                          .entriesAfter = EntryNames(position + 1, names.end())};
     std::ranges::reverse(removed.entriesBefore);
     names.erase(position);
-    std::string rest = removed.before + removed.after;
+    std::string rest = format.joined(removed.before, "", removed.after);
     if (!readsAs(format, rest, names)) return Failure{"the entry cannot be taken out"};
     text = std::move(rest);
     return removed;
@@ -83,13 +88,15 @@ Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::strin
 Result<void, Failure> restoreEntry(PlacesFormat const& format, std::string& text, RemovedEntry const& entry) {
     Result<PlaceEntries, Failure> const read = format.read(text);
     if (!read.hasValue()) return read.problem();
+    std::optional<std::string> whole;
+    bool const isUnchanged = text == format.joined(entry.before, "", entry.after);
+    if (isUnchanged) whole = textAround(format, entry.before, entry.after, read.value(), entry);
     for (std::size_t const position : positionsFor(entry, text, read.value())) {
-        std::optional<std::string> whole = textWith(format, text, read.value(), position, entry);
-        if (!whole) continue;
-        text = std::move(*whole);
-        return {};
+        if (!whole) whole = textWith(format, text, read.value(), position, entry);
     }
-    return Failure{"the entry cannot be put back"};
+    if (!whole) return Failure{"the entry cannot be put back"};
+    text = std::move(*whole);
+    return {};
 }
 
 Result<void, Failure> addEntry(PlacesFormat const& format, std::string& text, std::string_view uri,

@@ -38,7 +38,7 @@ struct PlacesFormat {
     Result<PlaceEntries, Failure> (*read)(std::string_view text);
     // A new entry; line ends and NUL in the label become blanks. REQUIRES: the URI is in UTF-8, without blanks.
     std::string (*textOfEntry)(std::string_view uri, std::string_view label);
-    // Three parts as one text.
+    // Three parts as one text, with a line feed or a blank between them only where they would read as something else.
     std::string (*joined)(std::string_view before, std::string_view entry, std::string_view after);
     // A file without entries.
     std::string_view emptyFile;
@@ -50,7 +50,8 @@ inline constexpr std::size_t MostPlaces = 10'000;
 // with no URI are no entries.
 extern PlacesFormat const BookmarksFormat;
 // XBEL, as KDE writes it: the "bookmark" elements right below the root, but for those that the user has hidden. Refused
-// are other encodings than UTF-8, definitions of entities, and elements nested more than 64 deep.
+// are other encodings than UTF-8, definitions of entities, elements nested more than 64 deep, and tags with more than
+// 100 attributes.
 extern PlacesFormat const XBELFormat;
 
 // An entry that was taken out of a file, and what stood around it.
@@ -66,8 +67,8 @@ struct RemovedEntry {
     std::vector<std::pair<std::string, std::string>> entriesAfter;
 };
 
-// Takes the entry out of the text; the rest of the text stays as it is. Fails if the rest does not read as the other
-// entries.
+// Takes the entry out of the text; the rest of the text stays as it is, with a blank in place of the entry if the rest
+// were no text of the form without it. Fails if the rest does not read as the other entries.
 Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::string& text, std::size_t index);
 
 // Puts an entry back as it was: the text is as before if it did not change meanwhile; else it goes beside the nearest

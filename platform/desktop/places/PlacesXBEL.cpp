@@ -9,6 +9,8 @@ namespace mac {
 namespace {
 
 constexpr unsigned DeepestElement = 64;
+// The parser compares each attribute of a tag with all others; bookmarks have fewer than ten.
+constexpr std::size_t MostAttributes = 100;
 constexpr std::string_view XMLBlanks = " \t\r\n";
 
 struct XBELBookmark {
@@ -94,7 +96,8 @@ private:
     char const* m_problem{nullptr};
 };
 
-// Where the elements right below the root lie in the bytes of a text that is known to be well-formed.
+// Where the elements right below the root lie in the bytes of a text. They are what the parser takes them for if the
+// text is well-formed; up to its first mistake the parser sees the same tags in any other.
 class XBELScanner {
 public:
     struct Stretch {
@@ -104,17 +107,18 @@ public:
 
     explicit XBELScanner(std::string_view text) : m_text(text) {}
 
-    // False if the text is not what the parser took it for.
+    // False if an element has no end, or a tag more attributes than the parser should see.
     bool scan() {
         for (std::size_t at = m_text.find('<'); at != std::string_view::npos; at = m_text.find('<', m_markupEnd)) {
             std::optional<std::size_t> const end = endOfMarkup(at);
-            if (!end) return false;
+            if (!end || m_hasCrowdedTag) return false;
             takeMarkup(at, *end);
             m_markupEnd = *end;
         }
         return m_depth == 0 && m_endOfList.has_value();
     }
 
+    bool hasCrowdedTag() const { return m_hasCrowdedTag; }
     std::vector<Stretch> const& bookmarks() const { return m_bookmarks; }
     // REQUIRES: scan().
     std::size_t endOfList() const { return *m_endOfList; }
@@ -124,7 +128,7 @@ private:
         std::size_t const found = m_text.find(mark, from);
         return found == std::string_view::npos ? std::nullopt : std::optional(found + mark.size());
     }
-    std::optional<std::size_t> endOfMarkup(std::size_t at) const {
+    std::optional<std::size_t> endOfMarkup(std::size_t at) {
         std::string_view const rest = m_text.substr(at);
         if (rest.starts_with("<!--")) return after("-->", at + 4);
         if (rest.starts_with("<![CDATA[")) return after("]]>", at);
@@ -132,12 +136,14 @@ private:
         return endOfTag(at);
     }
     // A tag, or a document type, ends with the first ">" that is not in quotes.
-    std::optional<std::size_t> endOfTag(std::size_t at) const {
+    std::optional<std::size_t> endOfTag(std::size_t at) {
+        std::size_t attributes = 0;
         for (std::size_t stop = m_text.find_first_of("\"'>", at); stop != std::string_view::npos;
              stop = m_text.find_first_of("\"'>", stop + 1)) {
             if (m_text[stop] == '>') return stop + 1;
             stop = m_text.find(m_text[stop], stop + 1);
             if (stop == std::string_view::npos) return std::nullopt;
+            m_hasCrowdedTag = m_hasCrowdedTag || ++attributes > MostAttributes;
         }
         return std::nullopt;
     }
@@ -178,6 +184,7 @@ private:
     std::size_t m_markupEnd{0};
     unsigned m_depth{0};
     bool m_isInBookmark{false};
+    bool m_hasCrowdedTag{false};
     std::size_t m_childBegin{0};
     std::vector<Stretch> m_bookmarks{};
     std::optional<std::size_t> m_endOfList{};
@@ -185,11 +192,13 @@ private:
 
 Result<PlaceEntries, Failure> readXBEL(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return Failure{"it is not in UTF-8"};
+    XBELScanner scanner(text);
+    bool const isScanned = scanner.scan();
+    if (scanner.hasCrowdedTag()) return Failure{"a tag has too many attributes"};
     Result<std::vector<XBELBookmark>, Failure> bookmarks = XBELReader(text).read();
     if (!bookmarks.hasValue()) return bookmarks.problem();
-    XBELScanner scanner(text);
-    bool const isAlike = scanner.scan() && scanner.bookmarks().size() == bookmarks.value().size();
-    if (!isAlike) return Failure{"its elements cannot be told apart"};
+    if (!isScanned || scanner.bookmarks().size() != bookmarks.value().size())
+        return Failure{"its elements cannot be told apart"};
     PlaceEntries read{.entries = {}, .endOfList = scanner.endOfList()};
     for (std::size_t index = 0; index < bookmarks.value().size(); ++index) {
         XBELBookmark& bookmark = bookmarks.value()[index];
@@ -223,8 +232,15 @@ std::string bookmarkElement(std::string_view uri, std::string_view label) {
            "</title>\n </bookmark>";
 }
 
+// Whether the text would hold "]]>" across the seam, which XML allows only at the end of a CDATA section.
+bool makesEndOfSection(std::string_view before, std::string_view after) {
+    return (before.ends_with("]]") && after.starts_with(">")) || (before.ends_with("]") && after.starts_with("]>"));
+}
+
+// A blank keeps texts around an entry apart where they must not meet.
 std::string joinedElements(std::string_view before, std::string_view entry, std::string_view after) {
-    return std::string(before).append(entry).append(after);
+    bool const needsBlank = entry.empty() && makesEndOfSection(before, after);
+    return std::string(before).append(needsBlank ? " " : entry).append(after);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ constexpr char AccessibilityBus[] = "/usr/libexec/at-spi-bus-launcher";
 // The program fails if a window goes while it reads them.
 std::string windowTree() {
     std::string tree;
-    waitUntil([&] {
+    bool const isRead = waitUntil([&] {
         try {
             tree = outputOf({"xwininfo", "-root", "-tree"});
         } catch (std::runtime_error const&) {
@@ -21,8 +21,12 @@ std::string windowTree() {
         }
         return true;
     });
+    EXPECT_TRUE(isRead) << "which windows there are is not known";
     return tree;
 }
+
+// Role and name of each element behind a line feed; "whole" at the end if nothing changed while they were read.
+std::string accessibleElements() { return "\n" + outputOf({LIST_ACCESSIBLE}); }
 
 } // namespace
 
@@ -71,12 +75,15 @@ std::size_t VirtualSession::countWindows(std::string const& title) {
     return count;
 }
 
-bool VirtualSession::hasElement(std::string const& beginning) {
-    return ("\n" + outputOf({LIST_ACCESSIBLE})).find("\n" + beginning) != std::string::npos;
+bool VirtualSession::showsElement(std::string const& beginning) {
+    return waitUntil([&] { return accessibleElements().find("\n" + beginning) != std::string::npos; });
 }
 
-bool VirtualSession::showsElement(std::string const& beginning) {
-    return waitUntil([&] { return hasElement(beginning); });
+bool VirtualSession::hidesElement(std::string const& beginning) {
+    return waitUntil([&] {
+        std::string const elements = accessibleElements();
+        return elements.ends_with("\nwhole\n") && elements.find("\n" + beginning) == std::string::npos;
+    });
 }
 
 } // namespace mac::test

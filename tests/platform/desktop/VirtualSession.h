@@ -53,10 +53,10 @@ public:
     static bool showsWindow(std::string const& title);
     // How many windows have that title, shown or not.
     static std::size_t countWindows(std::string const& title);
-    // Whether there is an element whose role and name begin so.
-    static bool hasElement(std::string const& beginning);
     // Waits for an element whose role and name begin so ("status bar \"letter.txt\""); false after a minute.
     static bool showsElement(std::string const& beginning);
+    // Waits until all elements could be read and none is such; false after a minute.
+    static bool hidesElement(std::string const& beginning);
 
 private:
     EnvironmentVariable m_locale{"LC_ALL", "C.UTF-8"};

@@ -1,5 +1,6 @@
 #!/usr/bin/python3 -B
-"""Prints what assistive technology sees of the programs at the session's bus: a line with role and name an element.
+"""Prints what assistive technology sees of the programs at the session's bus: a line with role and name an element, and
+"whole" at the end if nothing changed meanwhile.
 
 With --ready it prints whether there is a bus for that ("yes" or "no") and nothing else.
 """
@@ -36,7 +37,10 @@ def show(element, depth=0):
 if sys.argv[1:] == ["--ready"]:
     print("yes" if is_ready() else "no")
     sys.exit()
+# By default a question is given up after 0.8 s, which on a busy computer is too short for one of the many of a walk.
+Atspi.set_timeout(20_000, 20_000)
 try:
     show(Atspi.get_desktop(0))
+    print("whole")
 except GLib.Error:
     pass  # a program that changes or ends while it is read: what was read is printed

@@ -17,7 +17,7 @@ TEST(RaiseWindows, BringsMinimizedOnesBack) {
     ASSERT_TRUE(window.isMinimized());
     EXPECT_TRUE(raiseWindows());
     EXPECT_FALSE(window.isMinimized());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window, 60'000));
 }
 
 TEST(RaiseWindows, AnswersWhetherThereIsAWindow) {
@@ -39,7 +39,7 @@ TEST(RaiseWindows, ActivatesTheModalOneLast) {
     question.show();
     window.show();
     EXPECT_TRUE(raiseWindows());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&question));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&question, 60'000));
 }
 
 TEST(RaiseWindows, LeavesTheTokenToNoProgramThatIsStartedLater) {

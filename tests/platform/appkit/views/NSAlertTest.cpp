@@ -41,7 +41,7 @@ NSAlert alertWithButtons(std::initializer_list<char const*> titles) {
 // What the alert answers if a person does this once it is there.
 NSInteger answerTo(NSAlert const& alert, std::function<void()> const& person) {
     QTimer::singleShot(0, [&] {
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&shownAlert()));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&shownAlert(), 60'000));
         person();
         // Ends a dialog that was not answered, so that the test does not hang.
         if (QDialog* const left = qobject_cast<QDialog*>(QApplication::activeModalWidget())) left->done(0);

@@ -296,11 +296,11 @@ TEST(NSApplication, IsOpenedAndComesToTheFrontWhenItIsOpenedAgain) {
     QWindow other;
     other.show();
     other.requestActivate();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other, 60'000));
     EXPECT_EQ(sendToItself(kAEOpenApplication), noErr);
     EXPECT_FALSE(window.widget()->isActiveWindow());
     EXPECT_EQ(sendToItself(kAEReopenApplication), noErr);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.widget()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.widget(), 60'000));
     EXPECT_EQ(sendToItself(AEEventID("odoc")), errAEEventNotHandled);
 }
 

@@ -123,6 +123,26 @@ TEST(XBELPlaces, KeepEveryOtherByteWhenOneGoes) {
     EXPECT_EQ(restored(XBELFormat, text, removed), document(before + entry + after));
 }
 
+// XML forbids "]]>" in text: a document that held it could no longer be read.
+TEST(XBELPlaces, LeaveABlankWhereTheTextsAroundThemMustNotMeet) {
+    for (auto const& [before, after] : {std::pair("]]", ">"), std::pair("]", "]>")}) {
+        std::string const old = document(before + std::string("\n<bookmark href='a:'/>") + after);
+        std::string text = old;
+        RemovedEntry const entry = remove(XBELFormat, text, 0);
+        EXPECT_EQ(text, document(before + std::string(" ") + after));
+        EXPECT_EQ(restored(XBELFormat, text, entry), old);
+        EXPECT_EQ(entriesIn(XBELFormat, restored(XBELFormat, text + " ", entry)), Texts{"a:|"}) << "changed meanwhile";
+    }
+}
+
+TEST(XBELPlaces, LeaveNoBlankElsewhere) {
+    for (auto const& [before, after] : {std::pair("]", ">"), std::pair("]]", " >"), std::pair("<![CDATA[]]>", ">")}) {
+        std::string text = document(before + std::string("<bookmark href='a:'/>") + after);
+        remove(XBELFormat, text, 0);
+        EXPECT_EQ(text, document(std::string(before) + after));
+    }
+}
+
 TEST(XBELPlaces, ComeBackBesideTheirNeighbours) {
     auto const bookmark = [](std::string const& name) { return "\n <bookmark href=\"file:///" + name + "\"/>"; };
     std::string text = document(bookmark("a") + bookmark("b") + bookmark("c") + "\n");
@@ -186,6 +206,15 @@ TEST(XBELPlaces, AreOnlySoManyAndSoDeep) {
         many += "<bookmark href='a:'/>";
     EXPECT_EQ(entriesIn(XBELFormat, document(many)).size(), MostPlaces);
     EXPECT_EQ(entriesIn(XBELFormat, document(many + "<bookmark/>")), Texts{"!there are too many places"});
+    std::string crowded = "<bookmark href='a:'";
+    for (int number = 1; number < 100; ++number)
+        crowded += " a" + std::to_string(number) + "=''";
+    EXPECT_EQ(entriesIn(XBELFormat, document(crowded + "/>")), Texts{"a:|"});
+    EXPECT_EQ(entriesIn(XBELFormat, document(crowded + " b=''/>")), Texts{"!a tag has too many attributes"});
+    // The parser's time would grow with the square of their number.
+    for (int number = 100; number < 300'000; ++number)
+        crowded += " a" + std::to_string(number) + "=''";
+    EXPECT_EQ(entriesIn(XBELFormat, document(crowded + "/>")), Texts{"!a tag has too many attributes"});
     std::string deep;
     for (int depth = 0; depth < 100'000; ++depth)
         deep += "<a>";

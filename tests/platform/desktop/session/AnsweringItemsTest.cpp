@@ -74,8 +74,8 @@ TEST_F(AnsweringItemsTest, MayBeReadUnlessTheyWereAskedInVain) {
         Patience const patience(AmplePatience);
         m_items.ask({"/silent/1", "/a", "/silent/2", "/b", "/b"});
     }
-    EXPECT_FALSE(m_items.isSilent("/a"));
-    EXPECT_FALSE(m_items.isSilent("/b")) << "others are asked beside a silent one";
+    EXPECT_TRUE(runUntil([this] { return !m_items.isSilent("/a"); }));
+    EXPECT_TRUE(runUntil([this] { return !m_items.isSilent("/b"); })) << "others are asked beside a silent one";
     EXPECT_TRUE(comesToBeRead("/b"));
     EXPECT_TRUE(m_items.mayRead("/never asked for"));
     EXPECT_TRUE(m_items.isSilent("/silent/1"));
@@ -155,16 +155,21 @@ TEST(AnsweringItems, AreAllAskedHoweverManyDoNotAnswer) {
 
 TEST(AnsweringItems, OfOneVolumeAreNotWaitedForOneAfterAnother) {
     std::vector<std::string> const paths = pathsOfRows(25);
-    std::shared_ptr<StoppedServer> const server = serverOf(paths);
-    AnsweringItems items{[server](std::string const& path) { server->answer(path); }};
-    server->goOn();
-    items.ask(paths);
-    server->stop();
-    Patience const patience(AnsweringItems::Glance * 25);
-    for (std::string const& path : paths)
-        EXPECT_FALSE(items.mayRead(path));
-    EXPECT_GT(Patience::left(), std::chrono::milliseconds::zero()) << "a glance is part of a patience, and short";
-    server->goOn();
+    // On a busy computer the glances may take long for other reasons, but not always.
+    bool isShort = false;
+    for (int round = 0; round < 10 && !isShort; ++round) {
+        std::shared_ptr<StoppedServer> const server = serverOf(paths);
+        AnsweringItems items{[server](std::string const& path) { server->answer(path); }};
+        server->goOn();
+        items.ask(paths);
+        server->stop();
+        Patience const patience(AnsweringItems::Glance * 25);
+        for (std::string const& path : paths)
+            EXPECT_FALSE(items.mayRead(path));
+        isShort = Patience::left() > std::chrono::milliseconds::zero();
+        server->goOn();
+    }
+    EXPECT_TRUE(isShort) << "a glance is part of a patience, and short";
 }
 
 TEST(AnsweringItemsOfTheSystem, AnswerWhetherTheyExistOrNot) {
