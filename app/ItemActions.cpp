@@ -49,7 +49,7 @@ void AppController::putBackAction_(id const&) const {
     Result<std::string, TrashProblem> const back = putBackItemAtPath(path.fileSystemRepresentation().value_or(""));
     if (!back.hasValue()) {
         NSBeep();
-        return tell(*this, NSString::stringWithUTF8String_(back.problem().text.c_str()), Offer::Nothing);
+        return tell(*this, NSString::stringWithUTF8String_(back.problem().localizedText().c_str()), Offer::Nothing);
     }
     isOnHarddiskPaths().removeObject_(path);
     isOnHarddiskPaths().addObject_(NSString::stringWithFileSystemRepresentation_(back.value()));

@@ -27,7 +27,7 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
     if (!back.hasValue()) {
         TrashProblem const& problem = back.problem();
         bool const canBeTriedAgain = problem.kind != TrashProblem::NotInTrash && problem.kind != TrashProblem::Changed;
-        return {NSString::stringWithUTF8String_(problem.text.c_str()),
+        return {NSString::stringWithUTF8String_(problem.localizedText().c_str()),
                 canBeTriedAgain ? Undone::Step::Stays : Undone::Step::IsGone};
     }
     NSMutableSet const known = controller.isOnHarddiskPaths();

@@ -917,5 +917,77 @@ Opens the window, or brings the open one to the front.
     <source>That could not be undone.</source>
     <translation>Das ließ sich nicht rückgängig machen.</translation>
 </message>
+<message>
+    <source>The item cannot be moved to the trash</source>
+    <translation>Das Objekt kann nicht in den Papierkorb gelegt werden</translation>
+</message>
+<message>
+    <source>It is the trash, or holds it</source>
+    <translation>Es ist der Papierkorb oder enthält ihn</translation>
+</message>
+<message>
+    <source>It is in the trash</source>
+    <translation>Es liegt im Papierkorb</translation>
+</message>
+<message>
+    <source>A volume is mounted in it</source>
+    <translation>Darin ist ein Volume eingehängt</translation>
+</message>
+<message>
+    <source>It is the root of all volumes</source>
+    <translation>Es ist die Wurzel aller Volumes</translation>
+</message>
+<message>
+    <source>A volume is mounted there</source>
+    <translation>Dort ist ein Volume eingehängt</translation>
+</message>
+<message>
+    <source>It holds the trash</source>
+    <translation>Es enthält den Papierkorb</translation>
+</message>
+<message>
+    <source>the item is now at %@</source>
+    <translation>das Objekt ist jetzt hier: %@</translation>
+</message>
+<message>
+    <source>Whether the item is in the trash cannot be found out</source>
+    <translation>Ob das Objekt im Papierkorb liegt, ist nicht festzustellen</translation>
+</message>
+<message>
+    <source>The item cannot be deleted from the trash</source>
+    <translation>Das Objekt kann nicht aus dem Papierkorb gelöscht werden</translation>
+</message>
+<message>
+    <source>The volume has no trash that can be used</source>
+    <translation>Das Volume hat keinen brauchbaren Papierkorb</translation>
+</message>
+<message>
+    <source>The item is locked</source>
+    <translation>Das Objekt ist geschützt</translation>
+</message>
+<message>
+    <source>Another item was moved in its stead, and is now at %@</source>
+    <translation>Statt seiner wurde ein anderes bewegt; das ist jetzt hier: %@</translation>
+</message>
+<message>
+    <source>The item cannot be put back</source>
+    <translation>Das Objekt kann nicht zurückgelegt werden</translation>
+</message>
+<message>
+    <source>Another item is at %@</source>
+    <translation>Dort liegt schon etwas anderes: %@</translation>
+</message>
+<message>
+    <source>It is not in the trash</source>
+    <translation>Es liegt nicht im Papierkorb</translation>
+</message>
+<message>
+    <source>Nothing tells where it came from</source>
+    <translation>Es ist nicht verzeichnet, woher es kam</translation>
+</message>
+<message>
+    <source>the file beside it is now at %@</source>
+    <translation>die Datei daneben ist jetzt hier: %@</translation>
+</message>
 </context>
 </TS>

@@ -1,3 +1,4 @@
+#include "platform/foundation/text/Localization.h"
 #include "tests/app/SelectedCopies.h"
 
 namespace framekeeper::test {
@@ -38,6 +39,34 @@ TEST_F(PutBack, TellsInTheWindowThatThePlaceIsTaken) {
     EXPECT_NE(notice(), "");
     EXPECT_EQ(m_beeps, 1);
     EXPECT_TRUE(m_log.empty());
+}
+
+// The program's catalogue for German, for as long as it lives.
+class InGerman {
+public:
+    InGerman() {
+        std::string const folder = localizationFolder(std::filesystem::read_symlink("/proc/self/exe"));
+        EXPECT_EQ(loadLocalization(folder, {"de"}), "de");
+    }
+    ~InGerman() { loadLocalization("", {}); }
+    InGerman(InGerman const&) = delete;
+    InGerman& operator=(InGerman const&) = delete;
+};
+
+TEST_F(PutBack, SaysWhyNotInTheLanguageOfTheWindow) {
+    InGerman const german;
+    NSString const path = findCopy("a");
+    NSString const trashed = trashAndSelect(path);
+    std::string const there = m_desktop.folder.makeFile("a/Mirror Frame.app", "somebody's");
+    std::string const why = "Das Objekt kann nicht zurückgelegt werden: Dort liegt schon etwas anderes: ";
+    m_controller.putBackAction_(nil);
+    EXPECT_EQ(notice(), why + there);
+    // What it offers to undo is told alike.
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(notice(), why + there);
+    select({findCopy("b")});
+    m_controller.putBackAction_(nil);
+    EXPECT_EQ(notice(), "Das Objekt kann nicht zurückgelegt werden: Es liegt nicht im Papierkorb");
 }
 
 TEST_F(PutBack, RefusesForACopyThatLiesInNoTrash) {

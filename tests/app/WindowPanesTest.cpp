@@ -56,6 +56,26 @@ TEST_F(Window, ShowsTheDetailsOfTheSelectedCopyBesideTheTable) {
     NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
 }
 
+// A button that is not there takes no room from the text beside it.
+TEST_F(Window, ShowsShortDetailsInOneLine) {
+    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
+    makeCopy(m_folder, "a");
+    open();
+    ASSERT_TRUE(gathered());
+    trigger("detailsAction");
+    table()->selectRow(0);
+    ASSERT_TRUE(runUntil([&] { return find<QWidget>("revealVolumeButton")->isVisible(); }));
+    ASSERT_FALSE(find<QWidget>("revealLoginItemButton")->isVisible());
+    for (char const* const name : {"processDetail", "loginItemDetail", "placeDetail"}) {
+        auto* const label = find<QLabel>(name);
+        EXPECT_TRUE(runUntil([&] {
+            return label->contentsRect().width() >= label->fontMetrics().horizontalAdvance(label->text());
+        })) << name;
+    }
+    trigger("detailsAction");
+    NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
+}
+
 TEST_F(Window, ListsTheFoldersThatCouldNotBeReadWithTheReason) {
     std::string const missing = m_folder.path("missing");
     mac::test::EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);

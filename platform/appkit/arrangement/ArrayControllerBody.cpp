@@ -51,6 +51,26 @@ void raise(std::exception_ptr const& exception) {
 
 } // namespace
 
+void NSArrayController::Body::inTurn(std::function<void()> change) {
+    m_waitingChanges.push_back(std::move(change));
+    if (!m_isReading) makeWaitingChanges();
+}
+
+void NSArrayController::Body::makeWaitingChanges() {
+    id const kept = self();
+    std::exception_ptr first;
+    while (!m_waitingChanges.empty()) {
+        std::function<void()> const change = std::move(m_waitingChanges.front());
+        m_waitingChanges.pop_front();
+        try {
+            change();
+        } catch (...) {
+            if (!first) first = std::current_exception();
+        }
+    }
+    raise(first);
+}
+
 ContentEntries NSArrayController::Body::read(id const& content) const {
     ContentReading reading(content, m_entries, {m_identityKeyPath, m_descriptors});
     while (!reading.advance(SIZE_MAX)) {}
@@ -95,8 +115,10 @@ NSArrayController::Body::Arrangement NSArrayController::Body::arrange(Sorted sor
 NSArrayController::Body::Arrangement
 NSArrayController::Body::arrange(Sorted sorted, std::function<bool(std::size_t, Entry const&)> const& passes) const {
     std::vector<Entry>& entries = sorted.entries;
-    IdentityPlaces awaited(m_identityKeyPath != nil, m_awaited.size());
-    for (id const& identity : m_awaited)
+    // A selection that is made meanwhile ends the waiting.
+    std::vector<id> const identities = m_awaited;
+    IdentityPlaces awaited(m_identityKeyPath != nil, identities.size());
+    for (id const& identity : identities)
         awaited.add(identity, 0);
     Arrangement result;
     result.arranged.reserve(entries.size());
@@ -108,13 +130,13 @@ NSArrayController::Body::arrange(Sorted sorted, std::function<bool(std::size_t, 
             entry.isSelected = false;
             continue;
         }
-        if (!m_awaited.empty() && awaited.take(entry.identity)) entry.isSelected = true;
+        if (!identities.empty() && awaited.take(entry.identity)) entry.isSelected = true;
         NSUInteger const row = static_cast<NSUInteger>(result.arranged.size());
         if (entry.isSelected) result.selectedRows.push_back(row);
         result.arranged.push_back(entry.object);
         result.previousRows.push_back(std::exchange(entry.row, row));
     }
-    for (id const& identity : m_awaited) {
+    for (id const& identity : identities) {
         if (awaited.take(identity)) result.stillAwaited.push_back(identity);
     }
     result.entries = std::move(sorted.entries);
@@ -133,6 +155,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     m_previouslyArranged = std::exchange(m_arranged, NSArray::arrayWithVector(std::move(arrangement.arranged)));
     m_previousRows = std::move(arrangement.previousRows);
     m_selectedRows = std::move(arrangement.selectedRows);
+    gatherSelection();
     m_awaited = std::move(arrangement.stillAwaited);
     // What is under way was read of what was shown before; whoever is told may run an event loop.
     if (m_upcoming) beginAnew();
@@ -154,7 +177,11 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
 }
 
 void NSArrayController::Body::setContent(id const& content) {
-    Arrangement arrangement = arrange(sorted(read(content)));
+    inTurn([this, content] { replaceContent(content); });
+}
+
+void NSArrayController::Body::replaceContent(id const& content) {
+    Arrangement arrangement = undisturbed([&] { return arrange(sorted(read(content))); });
     forgetUpcomingContent();
     if (content == nil) {
         for (Entry const& entry : m_entries) {
@@ -167,25 +194,39 @@ void NSArrayController::Body::setContent(id const& content) {
 }
 
 void NSArrayController::Body::rearrange() {
-    show(arrange(sorted(readAnew())), [] {}, {});
+    inTurn([this] { show(undisturbed([this] { return arrange(sorted(readAnew())); }), [] {}, {}); });
 }
 
 void NSArrayController::Body::setIdentityKeyPath(NSString const& keyPath) {
-    m_identityKeyPath = uncheckedCast<NSString>(keyPath.copy());
-    m_awaited.clear();
-    for (Entry& entry : m_entries)
-        entry.identity = entryOf(entry.object, m_identityKeyPath).identity;
+    inTurn([this, copied = uncheckedCast<NSString>(keyPath.copy())] {
+        m_identityKeyPath = copied;
+        m_awaited.clear();
+        undisturbed([this] {
+            for (Entry& entry : m_entries)
+                entry.identity = entryOf(entry.object, m_identityKeyPath).identity;
+        });
+    });
 }
 
-NSArray NSArrayController::Body::selectedObjects() const {
+void NSArrayController::Body::gatherSelection() {
     std::vector<id> selected;
     selected.reserve(m_selectedRows.size());
-    for (NSUInteger const row : m_selectedRows)
-        selected.push_back(m_arranged.objectAtIndex_(row));
-    return NSArray::arrayWithVector(std::move(selected));
+    for (Entry const& entry : m_entries) {
+        if (selected.size() == m_selectedRows.size()) break;
+        if (entry.isSelected) selected.push_back(entry.object);
+    }
+    m_selected = NSArray::arrayWithVector(std::move(selected));
 }
 
 bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
+    std::vector<NSUInteger> rows = undisturbed([&] { return rowsOfObjects(objects); });
+    bool const isAnyThere = !rows.empty() || objects.count() == 0;
+    if (isAnyThere) setSelectedRows(std::move(rows));
+    if (!m_isReading) makeWaitingChanges();
+    return isAnyThere;
+}
+
+std::vector<NSUInteger> NSArrayController::Body::rowsOfObjects(NSArray const& objects) const {
     IdentityPlaces wanted(m_identityKeyPath != nil, objects.count());
     for (id const& object : objects)
         wanted.add(entryOf(object, m_identityKeyPath).identity, 0);
@@ -193,9 +234,7 @@ bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
     for (Entry const& entry : m_entries) {
         if (entry.row != NSNotFound && wanted.take(entry.identity)) rows.push_back(entry.row);
     }
-    if (rows.empty() && objects.count() > 0) return false;
-    setSelectedRows(std::move(rows));
-    return true;
+    return rows;
 }
 
 void NSArrayController::Body::setSelectedRows(std::vector<NSUInteger> rows) {
@@ -210,7 +249,35 @@ void NSArrayController::Body::setSelectedRows(std::vector<NSUInteger> rows) {
         isSelected[row] = true;
     for (Entry& entry : m_entries)
         entry.isSelected = entry.row != NSNotFound && isSelected[entry.row];
-    raise(change.tell());
+    gatherSelection();
+    std::exception_ptr const raised = change.tell();
+    if (!m_selectedRows.empty() && hasUpcomingContent()) inTurn([this] { hastenContent(); });
+    raise(raised);
+}
+
+bool NSArrayController::Body::renewSelection() {
+    bool const isRead = m_upcoming && m_upcoming->reading && m_upcoming->reading->isDone();
+    bool const isDue = isRead && !m_selectedRows.empty() && !m_upcoming->isSelectionRenewed;
+    if (!isDue) return false;
+    KeysChange change(self());
+    change.with(SelectionKeys);
+    m_upcoming->isSelectionRenewed = true;
+    ContentEntries const& content = m_upcoming->reading->result();
+    m_selectedRows.clear();
+    for (std::size_t place = 0; place < m_entries.size(); ++place) {
+        Entry& entry = m_entries[place];
+        if (!entry.isSelected) continue;
+        auto const found = std::ranges::lower_bound(content.formerPlaces, place);
+        entry.isSelected = found != content.formerPlaces.end() && *found == place;
+        if (!entry.isSelected) continue;
+        entry.object = content.entries[static_cast<std::size_t>(found - content.formerPlaces.begin())].object;
+        m_selectedRows.push_back(entry.row);
+    }
+    gatherSelection();
+    std::exception_ptr const raised = change.tell();
+    if (raised && m_upcoming) advanceLater();
+    raise(raised);
+    return true;
 }
 
 void NSArrayController::Body::bind(id const& object, NSString const& keyPath) {

@@ -6,7 +6,9 @@
 #include "platform/appkit/arrangement/LateRelease.h"
 #include "platform/appkit/arrangement/NSArrayController.h"
 #include "platform/foundation/collections/ValueOrder.h"
+#include <QScopedValueRollback>
 #include <QTimer>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,7 +18,8 @@
 namespace mac {
 
 // The content in order, whether it passes the filter or not. A change of content, order or filter makes the arranged
-// objects anew and carries the selection over.
+// objects anew and carries the selection over. Reading an object may run anything: what that changes here is changed
+// once the reading is done, but for the selection.
 class NSArrayController::Body : public ObjectBody {
 public:
     id const& content() const { return m_content; }
@@ -44,14 +47,18 @@ public:
     // it off in steps; all keys stay as they are until the last one. What is asked for meanwhile is added to it. A
     // content that is set at once meanwhile is shown in the former order and with the former filter at first.
     void changeInSteps(Criteria criteria);
-    // Does what setContent does, likewise in steps while an event loop runs, unless an object is selected. What comes
-    // while another content is under way waits until that is shown; of several that come the last one is shown.
+    // Does what setContent does, likewise in steps while an event loop runs. What comes while another content is under
+    // way waits until that is shown; of several that come the last one is shown. With a selection all is read in the
+    // first step and what is selected has its new state from then on, or is no longer selected: an action must not meet
+    // what has gone. What comes while another content is under way and an object is selected is shown at once.
     void changeContentInSteps(id const& content);
     // Those asked for by changeInSteps, else those in force.
     NSArray const& wantedSortDescriptors() const;
 
     NSUInteger contentCount() const { return static_cast<NSUInteger>(m_entries.size()); }
-    NSArray selectedObjects() const;
+    // No object is there, and none is under way.
+    bool isEmpty() const { return m_entries.empty() && !hasUpcomingContent(); }
+    NSArray const& selectedObjects() const { return m_selected; }
     bool setSelectedObjects(NSArray const& objects);
     // Ascending rows of arrangedObjects.
     std::span<NSUInteger const> selectedRows() const { return m_selectedRows; }
@@ -89,12 +96,25 @@ private:
         std::vector<id> sortValues{};
         std::unique_ptr<RowOrdering> ordering{};
         std::optional<std::vector<std::size_t>> order{};
+        bool isSelectionRenewed{false};
         // How many objects have been read, and which of them pass the filter.
         std::size_t read{0};
         std::vector<bool> passes{};
     };
 
     id self() { return id::retain(this); }
+    // Makes the change, at once or when what is read just now has been read; changes come in the order of asking.
+    void inTurn(std::function<void()> change);
+    void makeWaitingChanges();
+    // Reads objects while nothing but the selection changes.
+    template <class Read>
+    auto undisturbed(Read const& read) {
+        QScopedValueRollback<bool> const reading(m_isReading, true);
+        return read();
+    }
+    void replaceContent(id const& content);
+    void beginContent(id const& content);
+    std::vector<NSUInteger> rowsOfObjects(NSArray const& objects) const;
     ContentEntries read(id const& content) const;
     // The entries that there are, which may have changed in place.
     ContentEntries readAnew() const;
@@ -109,8 +129,19 @@ private:
     void readBinding();
     void change(Criteria criteria);
     void advanceLater();
+    void advanceNowAndLater();
     // False while there is more to do.
     bool advance();
+    bool arrangeSome();
+    // Gives the selected objects the state that they have in the content that was read, and deselects those that are
+    // not in it. True if it was told: then everything may have changed.
+    bool renewSelection();
+    bool hasUpcomingContent() const { return m_upcoming && m_upcoming->content; }
+    // Of what is selected while another content is under way, the newest state is to be known at once.
+    void hastenContent();
+    void tellWhetherEmpty();
+    // Takes the selected objects out of the entries.
+    void gatherSelection();
     bool readContent();
     bool readSortValues();
     bool findOrder();
@@ -136,7 +167,11 @@ private:
     std::optional<id> m_nextContent;
     // Sends the steps; null before the first.
     std::unique_ptr<QTimer> m_steps;
+    bool m_isReading{false};
+    std::deque<std::function<void()>> m_waitingChanges;
     std::vector<NSUInteger> m_selectedRows;
+    // Newer than what stands in those rows while another content is under way.
+    NSArray m_selected{NSArray::array()};
     // Identities of what was selected when the content became unknown.
     std::vector<id> m_awaited;
     // Only while a change is told.

@@ -1,6 +1,7 @@
 #include "platform/appkit/arrangement/ArrayControllerBody.h"
 #include "platform/foundation/collections/NSSet.h"
 #include "platform/foundation/collections/NSSortDescriptor.h"
+#include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/running/EventLoop.h"
 #include <QThread>
 #include <algorithm>
@@ -29,13 +30,17 @@ std::size_t countOf(id const& content) {
 } // namespace
 
 void NSArrayController::Body::setSortDescriptors(NSArray const& descriptors) {
-    change({.sortDescriptors = descriptors});
-    while (m_upcoming && !advance()) {}
+    inTurn([this, descriptors] {
+        change({.sortDescriptors = descriptors});
+        while (m_upcoming && !advance()) {}
+    });
 }
 
 void NSArrayController::Body::setFilterPredicate(NSPredicate const& predicate) {
-    change({.filter = predicate});
-    while (m_upcoming && !advance()) {}
+    inTurn([this, predicate] {
+        change({.filter = predicate});
+        while (m_upcoming && !advance()) {}
+    });
 }
 
 NSArray const& NSArrayController::Body::wantedSortDescriptors() const {
@@ -44,8 +49,10 @@ NSArray const& NSArrayController::Body::wantedSortDescriptors() const {
 }
 
 void NSArrayController::Body::changeInSteps(Criteria criteria) {
-    change(std::move(criteria));
-    if (!advance()) advanceLater();
+    inTurn([this, criteria = std::move(criteria)] {
+        change(criteria);
+        advanceNowAndLater();
+    });
 }
 
 // What is under way begins anew with both.
@@ -59,11 +66,14 @@ void NSArrayController::Body::change(Criteria criteria) {
 }
 
 void NSArrayController::Body::changeContentInSteps(id const& content) {
+    inTurn([this, content] { beginContent(content); });
+}
+
+void NSArrayController::Body::beginContent(id const& content) {
     bool const isLoopRunning = QThread::currentThread()->loopLevel() > 0;
-    // What actions act on must not stay selected when it has left the content.
-    bool const isSelected = !m_selectedRows.empty();
-    if (!isLoopRunning || isSelected || countOf(content) <= RowsInStep) return setContent(content);
-    if (m_upcoming && m_upcoming->content) {
+    bool const isBothSelectedAndUnderWay = hasUpcomingContent() && !m_selectedRows.empty();
+    if (!isLoopRunning || isBothSelectedAndUnderWay || countOf(content) <= RowsInStep) return replaceContent(content);
+    if (hasUpcomingContent()) {
         if (m_nextContent) discard(*m_nextContent);
         m_nextContent = content;
         return;
@@ -71,7 +81,23 @@ void NSArrayController::Body::changeContentInSteps(id const& content) {
     if (!m_upcoming) m_upcoming = Upcoming{};
     m_upcoming->content = content;
     beginAnew();
-    if (!advance()) advanceLater();
+    advanceNowAndLater();
+    tellWhetherEmpty();
+}
+
+void NSArrayController::Body::hastenContent() {
+    if (!hasUpcomingContent()) return;
+    if (m_nextContent) return replaceContent(*std::exchange(m_nextContent, std::nullopt));
+    m_upcoming->isSelectionRenewed = false;
+    advanceNowAndLater();
+}
+
+void NSArrayController::Body::tellWhetherEmpty() {
+    if (m_entries.empty()) KeyChange const change(self(), "isEmpty");
+}
+
+void NSArrayController::Body::advanceNowAndLater() {
+    if (m_upcoming && !advance()) advanceLater();
 }
 
 void NSArrayController::Body::advanceLater() {
@@ -79,29 +105,34 @@ void NSArrayController::Body::advanceLater() {
         m_steps = std::make_unique<QTimer>();
         QObject::connect(m_steps.get(), &QTimer::timeout, m_steps.get(), [this] {
             guarded([this] {
-                id const kept = self();
                 m_steps->stop();
-                if (m_upcoming && !advance()) advanceLater();
+                inTurn([this] { advanceNowAndLater(); });
             });
         });
     }
     m_steps->start();
 }
 
-// Reading an object may raise: then everything stays as it was, until the content that waits is shown.
 bool NSArrayController::Body::advance() {
+    bool const isArranged = arrangeSome();
+    if (renewSelection() || !isArranged) return false;
+    showUpcoming();
+    return true;
+}
+
+// Reading an object may raise: then everything stays as it was, until the content that waits is shown.
+bool NSArrayController::Body::arrangeSome() {
     try {
-        if (!readContent() || !readSortValues() || !findOrder() || !filterSome()) return false;
+        return undisturbed([this] { return readContent() && readSortValues() && findOrder() && filterSome(); });
     } catch (...) {
         m_upcoming.reset();
         if (m_nextContent) {
             m_upcoming = Upcoming{.content = std::exchange(m_nextContent, std::nullopt)};
             advanceLater();
         }
+        tellWhetherEmpty();
         throw;
     }
-    showUpcoming();
-    return true;
 }
 
 std::vector<NSArrayController::Body::Entry> const& NSArrayController::Body::upcomingEntries() const {
@@ -113,7 +144,11 @@ bool NSArrayController::Body::readContent() {
     if (!m_upcoming->reading)
         m_upcoming->reading.emplace(*m_upcoming->content, m_entries,
                                     ContentKeys{m_identityKeyPath, wantedSortDescriptors()});
-    return m_upcoming->reading->advance(RowsInStep);
+    if (m_upcoming->reading->isDone()) return true;
+    bool const isSelected = !m_selectedRows.empty();
+    bool const isRead = m_upcoming->reading->advance(isSelected ? SIZE_MAX : RowsInStep);
+    // Reading all is enough for one step.
+    return isRead && !isSelected;
 }
 
 bool NSArrayController::Body::readSortValues() {
@@ -190,7 +225,7 @@ void NSArrayController::Body::showUpcoming() {
     if (upcoming.criteria.filter) keys.push_back("filterPredicate");
     auto const passes = [&](std::size_t row, Entry const&) { return upcoming.passes[(*upcoming.order)[row]]; };
     show(
-        arrange(sorted(upcoming), passes),
+        undisturbed([&] { return arrange(sorted(upcoming), passes); }),
         [&] {
             m_content = upcoming.content.value_or(m_content);
             m_descriptors = upcoming.criteria.sortDescriptors.value_or(m_descriptors);

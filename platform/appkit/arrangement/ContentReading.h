@@ -46,6 +46,7 @@ public:
 
     // Works on for about as long as reading so many objects takes. True when all is read.
     bool advance(std::size_t objects);
+    bool isDone() const { return m_isGathered; }
     // What was read, once all is.
     ContentEntries& result() { return m_result; }
     ContentEntries const& result() const { return m_result; }

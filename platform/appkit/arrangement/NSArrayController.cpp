@@ -21,7 +21,7 @@ constexpr auto SelectionCount = [](Body const& body) { return static_cast<NSUInt
 constexpr auto Selection = [](Body const& body) {
     return body.selectedRows().size() == 1 ? body.selectedObjects().objectAtIndex_(0) : id();
 };
-constexpr auto IsEmpty = [](Body const& body) { return body.contentCount() == 0; };
+constexpr auto IsEmpty = [](Body const& body) { return body.isEmpty(); };
 constexpr auto IsFilteredToNothing = [](Body const& body) {
     return body.contentCount() > 0 && body.arrangedObjects().count() == 0;
 };

@@ -5,6 +5,7 @@
 #include "platform/desktop/session/X11Display.h"
 #include "platform/events/AppleEvents.h"
 #include "platform/foundation/running/EventLoop.h"
+#include "platform/foundation/running/Log.h"
 #include "platform/foundation/running/NSRunLoop.h"
 #include <QApplication>
 #include <QDBusArgument>
@@ -167,7 +168,12 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
                                                          std::chrono::milliseconds patience) {
     Patience const waiting(patience);
     m_connection = connectToSessionBus();
-    if (!m_connection) return Standing::IsUnnamed;
+    if (!m_connection) {
+        bool const isExpected = qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS");
+        if (isExpected)
+            NSLog("The session's bus has not answered; each start of the program opens a window of its own.");
+        return Standing::IsUnnamed;
+    }
     // Registered before the name is owned, so that no client finds the name without the object.
     m_connection->registerVirtualObject(objectPathOf(name), m_service.get());
     if (requestBusName(*m_connection, name)) return Standing::IsFirst;
@@ -181,6 +187,7 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
         left.count() > 0 && m_connection->call(activation, QDBus::Block, static_cast<int>(left.count())).type() ==
                                 QDBusMessage::ReplyMessage;
     m_connection.reset();
+    if (!isRaised) NSLog("The other instance has not answered; this one opens a window of its own.");
     return isRaised ? Standing::OtherWasRaised : Standing::IsUnnamed;
 }
 

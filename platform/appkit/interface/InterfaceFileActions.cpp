@@ -87,6 +87,8 @@ void InterfaceFile::followCheck(Owner* owner, Signal signal) {
 }
 
 void InterfaceFile::connectAction(QAction* action) {
+    // A key that is held down would delete one copy after another.
+    action->setAutoRepeat(false);
     if (QString const name = formProperty<QString>(action, "focuses"); !name.isEmpty()) {
         auto* const field = m_window->findChild<QWidget*>(name);
         if (field) QObject::connect(action, &QAction::triggered, field, [field] { focusOn(field); });

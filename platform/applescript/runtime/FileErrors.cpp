@@ -115,7 +115,7 @@ ScriptError trashError(TrashProblem const& problem, Value const& object) {
     case TrashProblem::Immovable:
         return {.number = errors::NotOfThisClass, .message = messageOfNumber(errors::NotOfThisClass), .from = object};
     default:
-        return {.number = HandlerFailed, .message = unitsFromFileSystemBytes(problem.text), .from = object};
+        return {.number = HandlerFailed, .message = unitsFromFileSystemBytes(problem.text()), .from = object};
     }
 }
 

@@ -1,6 +1,7 @@
 #include "platform/files/trash/Trash.h"
 #include "platform/files/references/ItemReferences.h"
 #include "platform/files/trash/TrashRecords.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
 #include "platform/system/items/FolderPlace.h"
@@ -18,12 +19,12 @@ namespace {
 
 using Done = Result<void, TrashProblem>;
 
-constexpr char What[] = "The item cannot be moved to the trash";
+constexpr char const* What = localizable("The item cannot be moved to the trash");
 
 TrashProblem cannotTrash(SystemError error) { return trashProblem(std::move(error), What); }
 
-TrashProblem refused(TrashProblem::Kind kind, std::string const& reason) {
-    return {.kind = kind, .text = What + (": " + reason)};
+TrashProblem refused(TrashProblem::Kind kind, char const* reason) {
+    return {.kind = kind, .what = What, .reason = {reason}};
 }
 
 bool contains(std::vector<ItemIdentity> const& identities, ItemIdentity const& identity) {
@@ -36,12 +37,16 @@ Done checkBeside(TrashPlace const& trash, ItemIdentity const& item, std::vector<
     if (!aboveTrash.hasValue()) return cannotTrash(aboveTrash.problem());
     Result<ItemPlace> const files = placeOf(trash.files);
     if (!files.hasValue()) return cannotTrash(files.problem());
-    Result<ItemPlace> const information = placeOf(trash.information);
-    if (!information.hasValue()) return cannotTrash(information.problem());
-    bool const isPart = item == files.value().identity || item == information.value().identity;
+    bool isPart = item == files.value().identity;
+    if (trash.information.isOpen()) {
+        Result<ItemPlace> const information = placeOf(trash.information);
+        if (!information.hasValue()) return cannotTrash(information.problem());
+        isPart = isPart || item == information.value().identity;
+    }
     if (isPart || contains(aboveTrash.value(), item))
-        return refused(TrashProblem::Immovable, "It is the trash, or holds it");
-    if (contains(above, aboveTrash.value().front())) return refused(TrashProblem::InTrash, "It is in the trash");
+        return refused(TrashProblem::Immovable, localizable("It is the trash, or holds it"));
+    if (contains(above, aboveTrash.value().front()))
+        return refused(TrashProblem::InTrash, localizable("It is in the trash"));
     return {};
 }
 
@@ -53,24 +58,24 @@ Done checkMounts(std::string const& path, ItemPlace const& place) {
     if (!mounts.hasValue()) return cannotTrash(mounts.problem());
     bool const holdsMountPoint = std::ranges::any_of(
         mounts.value().mounts(), [&](Mount const& mount) { return BytePath(mount.mountPoint).isAtOrBelow(path); });
-    return holdsMountPoint ? refused(TrashProblem::Immovable, "A volume is mounted in it") : Done();
+    return holdsMountPoint ? refused(TrashProblem::Immovable, localizable("A volume is mounted in it")) : Done();
 }
 
 // Refuses items that cannot be trashed, before anything is made; answers where the item lies.
 Result<ItemPlace, TrashProblem> check(OpenItem const& item) {
-    if (item.name.empty()) return refused(TrashProblem::Immovable, "It is the root of all volumes");
+    if (item.name.empty()) return refused(TrashProblem::Immovable, localizable("It is the root of all volumes"));
     Result<ItemPlace> place = placeOf(item.item);
     if (!place.hasValue()) return cannotTrash(place.problem());
     Result<ItemPlace> const folder = placeOf(item.folder);
     if (!folder.hasValue()) return cannotTrash(folder.problem());
     if (place.value().mount != folder.value().mount)
-        return refused(TrashProblem::Immovable, "A volume is mounted there");
+        return refused(TrashProblem::Immovable, localizable("A volume is mounted there"));
     if (lockOf(item) == ItemLock::Locked) return cannotTrash(lockedItem(item.name));
     Result<void> const mayGo = confirmNameRemovable(item.folder, item.name, place.value());
     if (!mayGo.isDone()) return cannotTrash(mayGo.problem());
     Result<bool> const holdsTrash = place.value().isFolder ? holdsHomeTrash(place.value().identity) : false;
     if (!holdsTrash.hasValue()) return cannotTrash(holdsTrash.problem());
-    if (holdsTrash.value()) return refused(TrashProblem::Immovable, "It holds the trash");
+    if (holdsTrash.value()) return refused(TrashProblem::Immovable, localizable("It holds the trash"));
     Result<std::vector<ItemIdentity>> const above = folderAndThoseAbove(item.folder);
     if (!above.hasValue()) return cannotTrash(above.problem());
     FoundTrashes const around = trashesAround(item.folder);
@@ -167,7 +172,7 @@ private:
         if (back.isDone() || back.problem().movedWrongItem) return problem;
         // The item is in the trash, so no other name is to be tried.
         if (problem.kind == TrashProblem::NameTaken) problem.kind = TrashProblem::Other;
-        problem.text += "; the item is now at " + shownPath(pathOf(name));
+        problem.whereabouts = {localizable("the item is now at %@"), pathOf(name)};
         return problem;
     }
 

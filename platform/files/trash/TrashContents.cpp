@@ -1,5 +1,6 @@
 #include "platform/files/trash/TrashContents.h"
 #include "platform/files/trash/TrashRecords.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
@@ -13,7 +14,7 @@ namespace mac {
 
 namespace {
 
-constexpr char CannotLookUp[] = "Whether the item is in the trash cannot be found out";
+constexpr char const* CannotLookUp = localizable("Whether the item is in the trash cannot be found out");
 
 TrashProblem cannotLookUp(SystemError error) { return trashProblem(std::move(error), CannotLookUp); }
 

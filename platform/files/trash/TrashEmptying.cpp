@@ -1,6 +1,7 @@
 #include "platform/files/references/ItemReferences.h"
 #include "platform/files/trash/TrashContents.h"
 #include "platform/files/trash/TrashRecords.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/FolderContents.h"
 #include "platform/system/items/FolderDescent.h"
@@ -16,7 +17,7 @@ namespace mac {
 
 namespace {
 
-constexpr char CannotErase[] = "The item cannot be deleted from the trash";
+constexpr char const* CannotErase = localizable("The item cannot be deleted from the trash");
 
 Result<void> eraseOne(FileDescriptor const& folder, std::string const& name, ItemPlace const& place) {
     Result<void> removed = removeUnlessLocked(folder, name, place.isFolder);
@@ -92,6 +93,7 @@ private:
     // Removes information files whose item never came or has gone by other ways. A recent one may belong to an item
     // that is being moved.
     static void removeOrphans(TrashPlace const& trash) {
+        if (!trash.information.isOpen()) return;
         static_cast<void>(removeLeftovers(trash.information));
         constexpr std::int64_t oldEnough = 3'600;
         std::int64_t const now = ::time(nullptr);

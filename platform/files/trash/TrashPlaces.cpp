@@ -1,5 +1,6 @@
 #include "platform/files/trash/TrashPlaces.h"
 #include "platform/files/volumes/Volumes.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/OpenItems.h"
@@ -139,7 +140,7 @@ Result<OwnFolder> openOwnFolder(PlaceRow const& row, TopFolder const& top, Missi
     return OwnFolder{folder.takeValue(), mount};
 }
 
-// Opens what the trash consists of. Its "info" is made if "files" is there without it.
+// Opens what the trash consists of. A trash that is only looked into may lack "info": nothing is recorded then.
 Result<TrashPlace> openParts(PlaceRow const& row, TopFolder const& top, OwnFolder own, MissingTrash missing) {
     TrashPlace trash{.folder = std::move(own.folder),
                      .path = row.pathIn(top.path),
@@ -147,10 +148,12 @@ Result<TrashPlace> openParts(PlaceRow const& row, TopFolder const& top, OwnFolde
                      .isHome = row.top == Top::UserData};
     Result<FileDescriptor> files = openPart(trash, own.mount, "files", missing);
     if (!files.hasValue()) return files.problem();
-    Result<FileDescriptor> information = openPart(trash, own.mount, "info", MissingTrash::IsMade);
-    if (!information.hasValue()) return information.problem();
+    Result<FileDescriptor> information = openPart(trash, own.mount, "info", missing);
+    bool const isMissing = !information.hasValue() && information.problem().is(ENOENT);
+    bool const canDoWithout = isMissing && missing == MissingTrash::IsMissing;
+    if (!information.hasValue() && !canDoWithout) return information.problem();
     trash.files = files.takeValue();
-    trash.information = information.takeValue();
+    if (!canDoWithout) trash.information = information.takeValue();
     return trash;
 }
 
@@ -234,7 +237,7 @@ bool isOfLocalComputer(BytePath mountPoint) {
 }
 
 TrashProblem noTrash(SystemError error) {
-    TrashProblem problem = trashProblem(std::move(error), "The volume has no trash that can be used");
+    TrashProblem problem = trashProblem(std::move(error), localizable("The volume has no trash that can be used"));
     bool const isTheVolume = problem.kind == TrashProblem::ReadOnly || problem.kind == TrashProblem::Full;
     if (!isTheVolume) problem.kind = TrashProblem::NoTrash;
     return problem;

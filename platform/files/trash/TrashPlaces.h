@@ -8,7 +8,8 @@
 
 namespace mac {
 
-// One of the user's trashes. Its folders are open, so that no other folder can take their place.
+// One of the user's trashes. Its folders are open, so that no other folder can take their place; "information" is not
+// open if it is missing in a trash that was looked for and not made.
 struct TrashPlace {
     FileDescriptor folder{};
     FileDescriptor files{};

@@ -1,18 +1,50 @@
 #include "platform/files/trash/TrashProblem.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <cerrno>
 
 namespace mac {
 
-std::string shownPath(std::string const& path) { return utf8FromUnits(unitsFromFileSystemBytes(path)); }
+namespace {
 
-TrashProblem wrongItemMoved(SystemError error, std::string const& what, std::string const& path) {
-    return {.kind = TrashProblem::Changed,
-            .error = std::move(error),
-            .text = what + ": Another item was moved in its stead, and is now at " + shownPath(path)};
+using SentenceTranslation = std::string (*)(char const* key);
+
+std::string sentenceInEnglish(char const* key) { return key; }
+
+std::string localizedSentence(char const* key) {
+    return NSLocalizedString(NSString::stringWithUTF8String_(key), nil).UTF8String();
 }
 
-TrashProblem trashProblem(SystemError error, std::string const& what) {
+std::string sentenceText(TrashSentence const& sentence, SentenceTranslation translated) {
+    constexpr std::string_view place = "%@";
+    std::string text = translated(sentence.key);
+    std::size_t const found = text.find(place);
+    if (found == std::string::npos) return text;
+    return text.replace(found, place.size(), utf8FromUnits(unitsFromFileSystemBytes(sentence.path)));
+}
+
+std::string problemText(TrashProblem const& problem, SentenceTranslation translated) {
+    std::string text = translated(problem.what);
+    if (text.empty()) return text;
+    std::string reason = sentenceText(problem.reason, translated);
+    if (reason.empty() && problem.error.is(ItemIsLocked)) reason = translated(localizable("The item is locked"));
+    text += ": " + (reason.empty() ? textOfSystemError(problem.error.code) : reason);
+    std::string const whereabouts = sentenceText(problem.whereabouts, translated);
+    return whereabouts.empty() ? text : text + "; " + whereabouts;
+}
+
+} // namespace
+
+std::string TrashProblem::text() const { return problemText(*this, sentenceInEnglish); }
+
+std::string TrashProblem::localizedText() const { return problemText(*this, localizedSentence); }
+
+TrashProblem wrongItemMoved(SystemError error, char const* what, std::string const& path) {
+    constexpr char const* reason = localizable("Another item was moved in its stead, and is now at %@");
+    return {.kind = TrashProblem::Changed, .error = std::move(error), .what = what, .reason = {reason, path}};
+}
+
+TrashProblem trashProblem(SystemError error, char const* what) {
     constexpr auto kindOf = [](int code) {
         switch (code) {
         case ENOENT:
@@ -41,8 +73,7 @@ TrashProblem trashProblem(SystemError error, std::string const& what) {
             return TrashProblem::Other;
         }
     };
-    std::string text = what + ": " + textOfSystemError(error.code);
-    return {.kind = kindOf(error.code), .error = std::move(error), .text = std::move(text)};
+    return {.kind = kindOf(error.code), .error = std::move(error), .what = what};
 }
 
 } // namespace mac

@@ -5,6 +5,13 @@
 
 namespace mac {
 
+// A sentence for people: an English text, which is a key of the catalogues, where "%@" stands for the path.
+struct TrashSentence {
+    char const* key{""};
+    // In bytes.
+    std::string path{};
+};
+
 // Why an item could not be trashed, put back or erased.
 struct TrashProblem {
     enum class Kind {
@@ -38,15 +45,21 @@ struct TrashProblem {
     Kind kind{Other};
     // The system call that failed; its code is 0 if the trash itself refused.
     SystemError error{};
-    // For people, in UTF-8.
-    std::string text{};
+    // What failed, a key of the catalogues.
+    char const* what{""};
+    // Without a text the reason is the system's own.
+    TrashSentence reason{};
+    // Where the items are now, unless all are where they were.
+    TrashSentence whereabouts{};
+
+    // For people, in UTF-8; empty if nothing failed. What the system says is in the program's language in both.
+    std::string text() const;
+    std::string localizedText() const;
 };
 
-// Why a system call about the trash failed. The text begins with `what`; ESTALE is Changed.
-TrashProblem trashProblem(SystemError error, std::string const& what);
+// Why a system call about the trash failed; ESTALE is Changed.
+TrashProblem trashProblem(SystemError error, char const* what);
 // Another item was moved to the path instead of the item, and cannot be moved back.
-TrashProblem wrongItemMoved(SystemError error, std::string const& what, std::string const& path);
-// A path in UTF-8, as it is shown to people.
-std::string shownPath(std::string const& path);
+TrashProblem wrongItemMoved(SystemError error, char const* what, std::string const& path);
 
 } // namespace mac

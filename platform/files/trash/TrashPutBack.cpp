@@ -1,5 +1,6 @@
 #include "platform/files/references/ItemReferences.h"
 #include "platform/files/trash/TrashRecords.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/items/AppleDoubleSidecar.h"
@@ -13,7 +14,7 @@ namespace {
 
 using PutBack = Result<void, TrashProblem>;
 
-constexpr char CannotPutBack[] = "The item cannot be put back";
+constexpr char const* CannotPutBack = localizable("The item cannot be put back");
 
 TrashProblem cannotPutBack(SystemError error) {
     TrashProblem problem = trashProblem(std::move(error), CannotPutBack);
@@ -22,14 +23,15 @@ TrashProblem cannotPutBack(SystemError error) {
     return problem;
 }
 
-TrashProblem notInTrash(std::string const& reason) {
-    return {.kind = TrashProblem::NotInTrash, .text = std::string(CannotPutBack) + ": " + reason};
+TrashProblem notInTrash(char const* reason) {
+    return {.kind = TrashProblem::NotInTrash, .what = CannotPutBack, .reason = {reason}};
 }
 
 TrashProblem placeTaken(SystemError error, std::string const& path) {
     return {.kind = TrashProblem::NameTaken,
             .error = std::move(error),
-            .text = std::string(CannotPutBack) + ": Another item is at " + shownPath(path)};
+            .what = CannotPutBack,
+            .reason = {localizable("Another item is at %@"), path}};
 }
 
 // An item in a trash, open.
@@ -61,7 +63,7 @@ Result<ItemInTrash, TrashProblem> find(std::string_view path, std::optional<Item
         return ItemInTrash{std::move(trash), open.value().name, std::move(open.value().item), place.value().isFolder};
     }
     if (std::optional<SystemError> const problem = around.unknownPlace()) return cannotPutBack(*problem);
-    return notInTrash("It is not in the trash");
+    return notInTrash(localizable("It is not in the trash"));
 }
 
 // Moves one item and its sidecar, or neither.
@@ -92,7 +94,7 @@ private:
         Result<std::optional<TrashInformation>> const information = informationOf(m_item.trash, m_item.name);
         if (!information.hasValue()) return cannotPutBack(information.problem());
         if (information.value()) m_path = m_item.trash.originalPath(information.value()->path);
-        if (m_path.empty()) return notInTrash("Nothing tells where it came from");
+        if (m_path.empty()) return notInTrash(localizable("Nothing tells where it came from"));
         Result<FileDescriptor> folder = openPath(BytePath(m_path).parent(), O_PATH | O_DIRECTORY);
         if (!folder.hasValue()) return cannotPutBack(folder.problem());
         m_folder = folder.takeValue();
@@ -143,9 +145,9 @@ private:
         bool const isTogether = isSidecarApart && moveItem().isDone();
         if (isTogether) followMovedItem(m_folder, m_name);
         if (!isBack || isTogether)
-            problem.text += "; the item is now at " + shownPath(m_path);
+            problem.whereabouts = {localizable("the item is now at %@"), m_path};
         else if (isSidecarApart)
-            problem.text += "; the file beside it is now at " + shownPath(pathOf(m_sidecarName));
+            problem.whereabouts = {localizable("the file beside it is now at %@"), pathOf(m_sidecarName)};
         return problem;
     }
 

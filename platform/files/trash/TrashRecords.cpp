@@ -88,6 +88,7 @@ bool isNoSuchName(SystemError const& error) { return error.is(ENOENT) || error.i
 
 Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, std::string const& name) {
     std::optional<TrashInformation> const none;
+    if (!trash.information.isOpen()) return none;
     std::string const file = TrashInformation::nameFor(name);
     // Opening an item that is no file may block or have side effects.
     Result<ItemPlace> const place = placeOf(trash.information, file);
@@ -105,6 +106,7 @@ Result<std::optional<TrashInformation>> informationOf(TrashPlace const& trash, s
 }
 
 Result<void> removeInformation(TrashPlace const& trash, std::string const& name) {
+    if (!trash.information.isOpen()) return {};
     std::string const file = TrashInformation::nameFor(name);
     for (;;) {
         if (::unlinkat(trash.information.number(), file.c_str(), 0) == 0) return {};

@@ -58,8 +58,24 @@ bool hasSeenEdge(QWidget* widget) {
     return widget->palette().color(QPalette::Window) == Qt::black && edgeContrast(widget, Qt::black) >= 3;
 }
 
-TEST(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
-    needApplication();
+// The style that draws edges stays for good once it was needed, in the program: here it goes after each test.
+class VisibleEdges : public testing::Test {
+protected:
+    VisibleEdges() {
+        needApplication();
+        m_style = QApplication::style()->name();
+    }
+    ~VisibleEdges() override {
+        // A new one comes with the next window.
+        std::unique_ptr<QObject> const watch(qApp->findChild<QObject*>("edgeWatch"));
+        QApplication::setStyle(m_style);
+    }
+
+private:
+    QString m_style;
+};
+
+TEST_F(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
     std::unique_ptr<QStyle> const fusion(QStyleFactory::create("Fusion"));
     EXPECT_TRUE(areEdgesSeen(fusion->standardPalette()));
     EXPECT_TRUE(areEdgesSeen(paletteOf(Qt::white, Qt::black)));
@@ -72,7 +88,7 @@ TEST(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
     EXPECT_TRUE(areEdgesSeen(filled));
 }
 
-TEST(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
+TEST_F(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
     LoadedWindow const window;
     QPushButton button("Show");
     auto* const field = window.find<QLineEdit>("filterField");
@@ -84,7 +100,7 @@ TEST(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
     EXPECT_GE(edgeContrast(&button, Qt::black), 1.5) << "of a button that is disabled, too";
 }
 
-TEST(VisibleEdges, AreLeftToTheStyleInOtherThemes) {
+TEST_F(VisibleEdges, AreLeftToTheStyleInOtherThemes) {
     LoadedWindow const window;
     QPushButton button("Show");
     {

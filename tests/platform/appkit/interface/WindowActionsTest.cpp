@@ -67,6 +67,23 @@ TEST_F(WindowActions, SayWhyTheyAreDisabled) {
     EXPECT_EQ(reason("stopAction"), "");
 }
 
+// Else a key that is held a little too long deletes the copies below, too.
+TEST_F(WindowActions, AreNotDoneAgainByAKeyThatIsHeldDown) {
+    show({});
+    m_window.table()->setFocus();
+    auto const press = [&](bool isRepeated) {
+        messages().clear();
+        QTest::simulateEvent(m_window.table(), true, Qt::Key_Delete, Qt::NoModifier, QString(), isRepeated);
+        return messages();
+    };
+    EXPECT_EQ(press(false), std::vector<std::string>{"trashAction:"});
+    EXPECT_EQ(press(true), std::vector<std::string>{});
+    for (QAction const* const action : m_window.widget()->findChildren<QAction*>()) {
+        bool const isSent = action->property("action").isValid();
+        EXPECT_FALSE(isSent && action->autoRepeat()) << action->objectName().toStdString();
+    }
+}
+
 TEST_F(WindowActions, AreDisabledForACopyThatIsGone) {
     show({});
     NSMutableDictionary const record = makeRecord("/a");

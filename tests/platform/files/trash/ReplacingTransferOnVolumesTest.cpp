@@ -70,7 +70,7 @@ TEST_F(ReplacingTransferOnVolumes, TellWhyTheOldItemCannotBeTrashed) {
         ASSERT_FALSE(trashed.hasValue());
         EXPECT_EQ(trashed.problem().kind, TrashProblem::NoTrash);
         EXPECT_EQ(done.problem().trash->kind, TrashProblem::NoTrash);
-        EXPECT_EQ(done.problem().trash->text, trashed.problem().text);
+        EXPECT_EQ(done.problem().trash->text(), trashed.problem().text());
         EXPECT_EQ(textOf(m_point.path("there/file")), "old");
         EXPECT_EQ(textOf(m_folder.path("file")), "new");
         EXPECT_EQ(namesIn(m_point.path("there")), std::vector<std::string>{"file"});

@@ -59,7 +59,7 @@ TEST_F(TrashBesideCommands, FillTheTrashThatIsListedAndPutBackHere) {
     ASSERT_EQ(items.size(), 2U);
     for (TrashedItem const& item : items) {
         Result<std::string, TrashProblem> const back = putBack(item);
-        ASSERT_TRUE(back.hasValue()) << back.problem().text;
+        ASSERT_TRUE(back.hasValue()) << back.problem().text();
         EXPECT_EQ(back.value(), item.originalPath);
     }
     EXPECT_EQ(textOf(file), "x");
@@ -108,7 +108,7 @@ TEST_F(TrashOnADiskBesideCommands, IsOneFolderForBoth) {
     std::vector<TrashedItem> const left = trashedItems();
     ASSERT_EQ(left.size(), 1U);
     Result<std::string, TrashProblem> const back = putBack(left.front());
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(textOf(file), "1");
     EXPECT_EQ(textOf(other), "2");
 }

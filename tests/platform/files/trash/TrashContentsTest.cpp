@@ -60,10 +60,39 @@ TEST_F(TrashContents, DoNotWaitForAPipeThatStandsForInformation) {
     EXPECT_EQ(trashedItems()[0].originalPath, "");
 }
 
+// Another program may have made no records, and who looks changes nothing.
+TEST_F(TrashContents, AreLookedAtWithoutMakingWhatIsMissing) {
+    std::string const item = m_home.folder.makeFile("data/Trash/files/a", "");
+    ASSERT_EQ(trashedItems().size(), 1U);
+    EXPECT_EQ(trashedItems()[0].originalPath, "");
+    EXPECT_TRUE(trashedItemsFrom("/a").empty());
+    Result<std::optional<PlaceInTrash>, TrashProblem> const place = placeInTrash(item);
+    ASSERT_TRUE(place.hasValue() && place.value());
+    EXPECT_EQ(place.value()->trashed.path, item);
+    Result<std::string, TrashProblem> const back = putBackItemAtPath(item);
+    ASSERT_FALSE(back.hasValue());
+    EXPECT_EQ(back.problem().kind, TrashProblem::NotInTrash);
+    EXPECT_EQ(trashFolderOf(m_home.path(), MissingTrash::IsMissing), m_home.path("data/Trash/files"));
+    EXPECT_EQ(namesIn(m_home.path("data/Trash")), Names{"files"});
+
+    EmptiedTrash const emptied = emptyTrash();
+    EXPECT_EQ(emptied.removed, 1U);
+    EXPECT_EQ(emptied.left, 0U);
+    EXPECT_EQ(namesIn(m_home.path("data/Trash")), Names{"files"});
+}
+
+// What is trashed next has its record.
+TEST_F(TrashContents, AreRecordedThoughTheFolderOfRecordsWasMissing) {
+    m_home.folder.makeFolder("data/Trash/files");
+    TrashedItem const item = trash("a/file", "x");
+    EXPECT_EQ(namesIn(m_home.information()), Names{"file.trashinfo"});
+    EXPECT_EQ(item.originalPath, m_home.path("a/file"));
+}
+
 TEST_F(TrashContents, GoBackToWhereTheyWere) {
     TrashedItem const item = trash("a/file", "x");
     Result<std::string, TrashProblem> const back = putBack(item);
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(back.value(), m_home.path("a/file"));
     EXPECT_EQ(textOf(m_home.path("a/file")), "x");
     EXPECT_TRUE(namesIn(m_home.files()).empty());

@@ -72,7 +72,7 @@ TEST_F(TrashBesideGio, FillsTheTrashThatIsListedAndPutBackHere) {
     EXPECT_EQ(items[0].originalPath, file);
     EXPECT_EQ(items[1].originalPath, file);
     Result<std::string, TrashProblem> const back = putBack(items[0]);
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(putBack(items[1]).problem().kind, TrashProblem::NameTaken);
     EXPECT_EQ(emptyTrash().removed, 1U);
     EXPECT_EQ(gio({"trash", "--list"}), "");
@@ -85,7 +85,7 @@ TEST_F(TrashBesideGio, RestoresByPathWhatItTrashed) {
     ASSERT_TRUE(place.hasValue() && place.value());
     EXPECT_EQ(place.value()->originalPath, file);
     Result<std::string, TrashProblem> const back = putBackItemAtPath(m_home.files("letter 100%.txt"));
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(textOf(file), "x");
     EXPECT_EQ(gio({"trash", "--list"}), "");
     ASSERT_TRUE(moveToTrash(file).hasValue());
@@ -107,7 +107,7 @@ TEST_F(TrashOnADiskBesideGio, GoesToOneFolderFromBoth) {
     std::string const other = m_home.folder.makeFile("disk/file 2", "2");
     gio({"trash", file});
     Result<TrashedItem, TrashProblem> const result = moveToTrash(other);
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     std::vector<TrashedItem> const items = trashedItems();
     ASSERT_EQ(items.size(), 2U);
     for (TrashedItem const& item : items)
@@ -116,7 +116,7 @@ TEST_F(TrashOnADiskBesideGio, GoesToOneFolderFromBoth) {
     EXPECT_NE(list.find("\t" + other + "\n"), std::string::npos) << list;
     for (TrashedItem const& item : items) {
         Result<std::string, TrashProblem> const back = putBack(item);
-        ASSERT_TRUE(back.hasValue()) << back.problem().text;
+        ASSERT_TRUE(back.hasValue()) << back.problem().text();
         EXPECT_EQ(back.value(), item.originalPath);
     }
     EXPECT_EQ(textOf(file), "1");

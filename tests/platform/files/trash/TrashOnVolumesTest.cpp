@@ -33,7 +33,7 @@ protected:
 
 TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
     Result<TrashedItem, TrashProblem> const result = trash("volume/a b/file", "x");
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     EXPECT_EQ(result.value().path, m_own + "/files/file");
     EXPECT_EQ(result.value().originalPath, m_point + "/a b/file");
     EXPECT_TRUE(textOf(m_own + "/info/file.trashinfo").starts_with("[Trash Info]\nPath=a%20b/file\nDeletionDate=20"));
@@ -48,12 +48,12 @@ TEST_F(TrashOnVolumes, GoesToATrashOfTheirOwn) {
 
 TEST_F(TrashOnVolumes, ComesBackByItsPath) {
     Result<TrashedItem, TrashProblem> const result = trash("volume/a b/file", "x");
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     Result<std::optional<PlaceInTrash>, TrashProblem> const place = placeInTrash(result.value().path);
     ASSERT_TRUE(place.hasValue() && place.value());
     EXPECT_EQ(place.value()->originalPath, m_point + "/a b/file");
     Result<std::string, TrashProblem> const back = putBackItemAtPath(result.value().path);
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(back.value(), m_point + "/a b/file");
     EXPECT_EQ(textOf(back.value()), "x");
 }
@@ -216,7 +216,7 @@ TEST_F(TrashOnVolumes, ThatAreBoundFoldersHaveATrashOfTheirOwn) {
     std::string const point = m_home.folder.makeFolder("bound");
     bind(m_home.folder.makeFolder("source"), point);
     Result<TrashedItem, TrashProblem> const result = trash("bound/file");
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     EXPECT_EQ(result.value().path, point + "/.Trash-" + m_user + "/files/file");
 }
 

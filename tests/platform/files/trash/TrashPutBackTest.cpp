@@ -26,7 +26,7 @@ protected:
     // nullopt if the item lies in no trash.
     static std::optional<PlaceInTrash> placeOf(std::string const& path) {
         Result<std::optional<PlaceInTrash>, TrashProblem> const place = placeInTrash(path);
-        EXPECT_TRUE(place.hasValue()) << place.problem().text;
+        EXPECT_TRUE(place.hasValue()) << place.problem().text();
         return place.hasValue() ? place.value() : std::nullopt;
     }
 
@@ -36,7 +36,7 @@ protected:
 TEST_F(TrashPutBack, RestoresTheItemAtAPath) {
     std::string const path = trash("a/file", "x");
     Result<std::string, TrashProblem> const back = putBackItemAtPath(path);
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(back.value(), m_home.path("a/file"));
     EXPECT_EQ(textOf(m_home.path("a/file")), "x");
     EXPECT_EQ(namesIn(m_home.files()), Names());
@@ -79,7 +79,7 @@ TEST_F(TrashPutBack, RefusesAPlaceThatIsTaken) {
     m_home.folder.makeFile("a/file", "new");
     Result<std::string, TrashProblem> const back = putBackItemAtPath(path);
     EXPECT_EQ(kindOfProblem(back), TrashProblem::NameTaken);
-    EXPECT_TRUE(back.problem().text.ends_with(m_home.path("a/file"))) << back.problem().text;
+    EXPECT_TRUE(back.problem().text().ends_with(m_home.path("a/file"))) << back.problem().text();
     EXPECT_EQ(textOf(m_home.path("a/file")), "new");
     EXPECT_EQ(textOf(path), "old");
     EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));

@@ -82,7 +82,7 @@ TEST_F(TrashOfOrdinaryUser, EmptiesFoldersThatTheirOwnerLocked) {
     ASSERT_EQ(::chmod(m_home.files("locked/a").c_str(), 0555), 0);
     EmptiedTrash const emptied = emptyTrash();
     EXPECT_EQ(emptied.removed, 1U);
-    EXPECT_EQ(emptied.left, 0U) << emptied.firstProblem.text;
+    EXPECT_EQ(emptied.left, 0U) << emptied.firstProblem.text();
     EXPECT_TRUE(namesIn(m_home.files()).empty());
 }
 

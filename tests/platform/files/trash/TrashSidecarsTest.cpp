@@ -19,7 +19,7 @@ constexpr unsigned ManyFiles = 40;
 template <class T>
 std::optional<TrashProblem::Kind> kindOf(Result<T, TrashProblem> const& result) {
     if (result.hasValue()) return std::nullopt;
-    EXPECT_FALSE(result.problem().text.empty());
+    EXPECT_FALSE(result.problem().text().empty());
     return result.problem().kind;
 }
 
@@ -66,7 +66,7 @@ TEST_F(TrashWithSidecar, GoesThereAndBackWithIt) {
     expectInTrash();
     ASSERT_EQ(trashedItems().size(), 1U);
     Result<std::string, TrashProblem> const back = putBack(item);
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(back.value(), m_file);
     expectInPlace();
 }
@@ -108,7 +108,7 @@ TEST_F(TrashWithSidecar, StaysInTheTrashWhereTheSidecarsNameIsTaken) {
     m_home.folder.makeFile("a/._file", "another");
     Result<std::string, TrashProblem> const back = putBack(item);
     EXPECT_EQ(kindOf(back), TrashProblem::NameTaken);
-    EXPECT_TRUE(back.problem().text.ends_with(m_sidecar)) << back.problem().text;
+    EXPECT_TRUE(back.problem().text().ends_with(m_sidecar)) << back.problem().text();
     EXPECT_EQ(textOf(m_sidecar), "another");
     EXPECT_FALSE(isThere(m_file));
     EXPECT_TRUE(isIn(m_home.files()));
@@ -134,7 +134,7 @@ TEST_F(TrashWithSidecar, IsSaidToBeBackWhereItCannotGoIntoTheTrashAgain) {
     };
     Result<std::string, TrashProblem> const back = putBack(item, steps);
     ASSERT_FALSE(back.hasValue());
-    EXPECT_TRUE(back.problem().text.ends_with("; the item is now at " + m_file)) << back.problem().text;
+    EXPECT_TRUE(back.problem().text().ends_with("; the item is now at " + m_file)) << back.problem().text();
     EXPECT_EQ(textOf(m_file), "x");
 }
 
@@ -149,7 +149,7 @@ TEST_F(TrashWithSidecar, KeepsItWhereTheRecordStaysAndItCannotGoIntoTheTrashAgai
         };
         Result<std::string, TrashProblem> const back = putBack(item, steps);
         ASSERT_FALSE(back.hasValue());
-        EXPECT_TRUE(back.problem().text.ends_with("; the item is now at " + m_file)) << back.problem().text;
+        EXPECT_TRUE(back.problem().text().ends_with("; the item is now at " + m_file)) << back.problem().text();
     }).join();
     EXPECT_TRUE(isIn(m_home.path("a")));
     EXPECT_EQ(namesIn(m_home.files()), Names{"file"});
@@ -168,7 +168,7 @@ TEST_F(TrashWithSidecar, ComesBackToItWhereTheRecordStaysAndItCannotFollow) {
         };
         Result<std::string, TrashProblem> const back = putBack(item, steps);
         ASSERT_FALSE(back.hasValue());
-        EXPECT_TRUE(back.problem().text.ends_with("; the item is now at " + m_file)) << back.problem().text;
+        EXPECT_TRUE(back.problem().text().ends_with("; the item is now at " + m_file)) << back.problem().text();
     }).join();
     EXPECT_TRUE(isIn(m_home.path("a")));
     EXPECT_EQ(namesIn(m_home.files()), Names{"._file"});
@@ -192,7 +192,7 @@ TEST_F(TrashWithSidecar, IsErasedAlsoWhereTheSidecarIsClosed) {
     trash();
     ASSERT_EQ(::chmod(m_home.files("._file").c_str(), 0), 0);
     EmptiedTrash const emptied = emptyTrash();
-    EXPECT_EQ(emptied.left, 0U) << emptied.firstProblem.text;
+    EXPECT_EQ(emptied.left, 0U) << emptied.firstProblem.text();
     EXPECT_EQ(namesIn(m_home.files()), Names());
     EXPECT_EQ(namesIn(m_home.information()), Names());
 }
@@ -291,7 +291,7 @@ TEST_F(TrashWithSidecar, IsThereAlsoIfItCannotBeLookedAtThen) {
             if (step == TrashStep::Renamed) refuseCallOnThisThread(SYS_statx, EIO);
         });
     }).join();
-    ASSERT_TRUE(trashed.hasValue()) << trashed.problem().text;
+    ASSERT_TRUE(trashed.hasValue()) << trashed.problem().text();
     EXPECT_EQ(trashed.value().path, m_home.files("file"));
     EXPECT_TRUE(isThere(m_home.files("file")));
     EXPECT_TRUE(isThere(m_home.information("file.trashinfo")));

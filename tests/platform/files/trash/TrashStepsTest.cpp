@@ -164,7 +164,7 @@ TEST_F(TrashBetweenSteps, WhatCannotComeBackStaysInTheTrashAndTheFailureSaysWher
     Result<TrashedItem, TrashProblem> const result = moveToTrash(file, steps);
     ASSERT_FALSE(result.hasValue());
     EXPECT_EQ(result.problem().kind, TrashProblem::Changed);
-    EXPECT_TRUE(result.problem().text.ends_with(m_home.files("file"))) << result.problem().text;
+    EXPECT_TRUE(result.problem().text().ends_with(m_home.files("file"))) << result.problem().text();
     EXPECT_EQ(textOf(m_home.path("moved")), "old");
     EXPECT_EQ(textOf(file), "newer");
     EXPECT_EQ(textOf(m_home.files("file")), "another's");
@@ -183,7 +183,7 @@ TEST_F(TrashBetweenSteps, WhatWasPutBackInsteadOfAnItemIsNamed) {
     Result<std::string, TrashProblem> const result = putBack(item, steps);
     ASSERT_FALSE(result.hasValue());
     EXPECT_EQ(result.problem().kind, TrashProblem::Changed);
-    EXPECT_TRUE(result.problem().text.ends_with(file)) << result.problem().text;
+    EXPECT_TRUE(result.problem().text().ends_with(file)) << result.problem().text();
     EXPECT_EQ(textOf(file), "another's");
     EXPECT_EQ(textOf(item.path), "newer");
 }
@@ -231,7 +231,7 @@ TEST_F(TrashBetweenSteps, AnItemWhosePlaceIsTakenStaysInTheTrashWhenTheFileBesid
     };
     Result<TrashedItem, TrashProblem> const result = moveToTrash(file, steps);
     ASSERT_FALSE(result.hasValue());
-    EXPECT_TRUE(result.problem().text.ends_with(m_home.files("file"))) << result.problem().text;
+    EXPECT_TRUE(result.problem().text().ends_with(m_home.files("file"))) << result.problem().text();
     EXPECT_EQ(textOf(m_home.files("file")), "x");
     EXPECT_EQ(textOf(file), "new");
     EXPECT_EQ(textOf(m_home.path("a/._file")), appleDouble);

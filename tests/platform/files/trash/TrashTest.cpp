@@ -14,7 +14,7 @@ using Names = std::vector<std::string>;
 std::optional<TrashProblem::Kind> problemOf(std::string_view path) {
     Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
     if (result.hasValue()) return std::nullopt;
-    EXPECT_FALSE(result.problem().text.empty());
+    EXPECT_FALSE(result.problem().text().empty());
     return result.problem().kind;
 }
 
@@ -34,7 +34,7 @@ TEST_F(Trash, TakesAFileAndSaysWhereItCameFrom) {
     std::string const file = m_home.folder.makeFile("a/letter 100%.txt", "Dear Anna");
     std::int64_t const before = ::time(nullptr);
     Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     TrashedItem const& item = result.value();
     EXPECT_EQ(item.path, m_home.files("letter 100%.txt"));
     EXPECT_EQ(item.originalPath, file);
@@ -90,7 +90,7 @@ TEST_F(Trash, KeepsTheBytesOfNames) {
     std::string const name = "\xE9t\xC3\xA9 \n\\%41;\x01";
     std::string const file = m_home.folder.makeFile("\xFF/" + name, "");
     Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     EXPECT_EQ(result.value().path, m_home.files(name));
     std::string const text = textOf(m_home.information(name + ".trashinfo"));
     EXPECT_NE(text.find("/%FF/%E9t%C3%A9%20%0A%5C%2541%3B%01\n"), std::string::npos) << text;
@@ -140,7 +140,7 @@ TEST_F(Trash, TakesNamesOfAnyLength) {
         for (int round = 0; round < 2; ++round) {
             std::string const file = m_home.folder.makeFile("a/" + name, "");
             Result<TrashedItem, TrashProblem> const result = moveToTrash(file);
-            ASSERT_TRUE(result.hasValue()) << length << result.problem().text;
+            ASSERT_TRUE(result.hasValue()) << length << result.problem().text();
             EXPECT_TRUE(result.value().path.ends_with(".txt"));
             EXPECT_TRUE(isThere(result.value().path));
             EXPECT_EQ(result.value().originalPath, file);
@@ -164,10 +164,10 @@ TEST_F(Trash, TakesPathsOfAnyLength) {
     ASSERT_TRUE(file.isOpen());
     path += "/file";
     Result<TrashedItem, TrashProblem> const result = moveToTrash(path);
-    ASSERT_TRUE(result.hasValue()) << result.problem().text;
+    ASSERT_TRUE(result.hasValue()) << result.problem().text();
     EXPECT_TRUE(result.value().originalPath == path);
     Result<std::string, TrashProblem> const back = putBack(result.value());
-    ASSERT_TRUE(back.hasValue()) << back.problem().text;
+    ASSERT_TRUE(back.hasValue()) << back.problem().text();
     EXPECT_EQ(::faccessat(folder.number(), "file", F_OK, 0), 0);
     // The folder itself goes and is deleted, however deep it is.
     ASSERT_EQ(problemOf(m_home.path("deep")), std::nullopt);

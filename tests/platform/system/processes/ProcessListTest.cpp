@@ -12,6 +12,7 @@
 #include <grp.h>
 #include <limits>
 #include <set>
+#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -181,15 +182,17 @@ std::uint64_t mostProcesses() {
                      limitIn("/sys/fs/cgroup/pids/pids.max"), std::uint64_t{user.rlim_cur}});
 }
 
-TEST_F(ProcessList, HasTenThousandProcesses) {
-    constexpr int wanted = 10'000;
-    // Other programs must be able to start meanwhile.
-    if (mostProcesses() / 3 < wanted) GTEST_SKIP() << "no more than " << mostProcesses() << " processes may run here";
+// Ten thousand, or what may run here while other programs must be able to start.
+TEST_F(ProcessList, HasVeryManyProcesses) {
+    constexpr std::uint64_t most = 10'000;
+    constexpr std::uint64_t fewest = 500;
+    std::uint64_t const wanted = std::min(most, mostProcesses() / 3);
+    if (wanted < fewest) GTEST_SKIP() << "no more than " << mostProcesses() << " processes may run here";
     ChildProcess many({MANY_PROCESSES, std::to_string(wanted)});
-    std::string const made = many.readLine();
-    if (made != std::to_string(wanted)) GTEST_SKIP() << "no more than " << made << " processes are allowed here";
+    std::size_t const made = std::stoul(many.readLine());
+    if (made < fewest) GTEST_SKIP() << "no more than " << made << " processes are allowed here";
     std::set<std::int32_t> const ids = walk();
-    EXPECT_GE(ids.size(), std::size_t{wanted} + 1);
+    EXPECT_GE(ids.size(), made + 1);
     EXPECT_TRUE(ids.contains(many.pid()));
     EXPECT_TRUE(ids.contains(::getpid()));
 
