@@ -347,21 +347,6 @@ TEST_F(Rescans, WaitForAMemoryThatDoesNotAnswerNoLongerThanTheirPatience) {
     answers->notify_all();
 }
 
-TEST_F(Rescans, AreNotWaitedForLongerThanThePatience) {
-    std::atomic<bool> answers = false;
-    VolumeWalkRequest hanging = request();
-    hanging.memory = std::make_shared<WalkMemory>(m_rescan.folder(), [&answers] {
-        answers.wait(false);
-        return folderClock();
-    });
-    VolumeWalker walker(hanging, nullptr);
-    ASSERT_TRUE(walker.start());
-    EXPECT_FALSE(walker.waitUntilRemembered(std::chrono::milliseconds(1)));
-    answers = true;
-    answers.notify_all();
-    EXPECT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
-}
-
 TEST_F(Rescans, TellRememberedPackagesThatWentMeanwhile) {
     m_folder.makeFolder("a/A.app");
     m_folder.makeFolder("b/B.app");
