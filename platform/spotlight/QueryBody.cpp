@@ -71,6 +71,7 @@ bool NSMetadataQuery::Body::start() {
     if (!request) return false;
     // The memory holds walks of the whole computer only.
     if (m_searchScopes.containsObject_(NSMetadataQueryLocalComputerScope)) request->memory = memory();
+    request->tellsRemembered = !m_endsWithGathering;
 
     Weak<NSMetadataQuery> const query(self());
     std::uint64_t const walk = ++m_walk;

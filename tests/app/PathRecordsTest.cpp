@@ -138,6 +138,8 @@ TEST(PathRecords, StayThoseOfCopiesThatHaveNotChanged) {
     letSettle(path);
     controller.setIsOnHarddiskPaths_(pathSet({gone, path}));
     controller.reSync();
+    // The first look tells texts of the file's own, each later one those that all bundles share.
+    controller.reSync();
     NSDictionary const record = recordOf(controller, path);
     controller.setIsOnHarddiskPaths_(pathSet({path}));
     controller.reSync();
@@ -155,6 +157,7 @@ TEST(PathRecords, AreMadeAnewWhileTheyAreSelectedAlone) {
     NSString const path = makeCopy(folder, "a");
     letSettle(path);
     controller.setIsOnHarddiskPaths_(pathSet({path}));
+    controller.reSync();
     controller.reSync();
     NSDictionary const record = recordOf(controller, path);
     ASSERT_TRUE(arrangement.setSelectedObjects_(NSArray::arrayWithObject_(record)));

@@ -57,7 +57,8 @@ public:
                      .names = std::move(request.names)},
           m_packages(m_question.packageSuffix, m_question.names), m_item(std::move(request.item)),
           m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
-          m_memory(m_item ? nullptr : std::move(request.memory)), m_patience(request.patience),
+          m_memory(m_item ? nullptr : std::move(request.memory)), m_tellsRemembered(request.tellsRemembered),
+          m_patience(request.patience),
           m_findings(std::move(onNews), m_memory ? WalkFindings::Keeping::Always : WalkFindings::Keeping::UntilTaken) {}
 
     bool start();
@@ -87,6 +88,7 @@ private:
     std::optional<SoughtItem> const m_item;
     bool const m_usesLinkCounts;
     std::shared_ptr<WalkMemory> const m_memory;
+    bool const m_tellsRemembered;
     std::chrono::milliseconds const m_patience;
     std::int64_t m_started = 0;
     std::chrono::steady_clock::time_point m_deadline; // of the patience
@@ -184,7 +186,7 @@ std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() {
 
 void VolumeWalker::Walk::recall(VolumeList const& list) {
     m_last = lastWalk();
-    if (!m_last) return m_findings.addRemembered({});
+    if (!m_last || !m_tellsRemembered) return m_findings.addRemembered({});
     auto const shouldStop = [this] { return m_wasStopped.load(); };
     m_findings.addRemembered(packagesStillThere(m_last->packages, list, m_packages, shouldStop, m_wasLeft));
 }

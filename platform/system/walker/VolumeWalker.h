@@ -40,6 +40,9 @@ struct VolumeWalkRequest {
     // If set, the walk begins with what the last one left there, and leaves what it found: see VolumeWalker. Not used
     // for a sought item.
     std::shared_ptr<WalkMemory> memory{};
+    // Whether the packages that the last walk found are looked for before the walk comes to them. Where nobody reads
+    // them that early, that is in vain.
+    bool tellsRemembered = true;
     // How long the walk waits for what must not hold it up: for its memory to be read, and for a volume on which
     // earlier walks still wait for an answer (VolumeVisit.h).
     std::chrono::milliseconds patience{5'000};

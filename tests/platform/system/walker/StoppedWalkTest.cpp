@@ -1,5 +1,7 @@
+#include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include "platform/system/walker/WalkMemory.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/TemporaryFolder.h"
 #include <atomic>
@@ -99,6 +101,23 @@ TEST(StoppedWalk, LeavesThreadsOnAVolumeAFewTimesAlone) {
         while (hanging.use_count() > 1)
             std::this_thread::yield();
     }
+}
+
+// The memory's clock hangs, in place of its disk.
+TEST(StoppedWalk, IsNotWaitedForLongerThanThePatience) {
+    TemporaryFolder const folder;
+    std::atomic<bool> answers = false;
+    VolumeWalkRequest hanging{.roots = {folder.path()}};
+    hanging.memory = std::make_shared<WalkMemory>(folder.path("memory"), [&answers] {
+        answers.wait(false);
+        return folderClock();
+    });
+    VolumeWalker walker(hanging, nullptr);
+    ASSERT_TRUE(walker.start());
+    EXPECT_FALSE(walker.waitUntilRemembered(std::chrono::milliseconds(1)));
+    answers = true;
+    answers.notify_all();
+    EXPECT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
 }
 
 TEST(StoppedWalk, EndsItsThreadsWithinAPatienceThatIsLongEnough) {
