@@ -1,5 +1,6 @@
 #include "tests/faults/Fixture.h"
 #include "platform/system/items/AppleDouble.h"
+#include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -85,8 +86,12 @@ std::string Fixture::path(std::string_view relative) const {
 }
 
 void Fixture::remove(std::string const& folder) const {
-    constexpr int openFolders = 16;
-    need(::nftw(folder.c_str(), removeOne, openFolders, FTW_DEPTH | FTW_PHYS) == 0, folder);
+    constexpr int mostOpen = 16;
+    auto const removeAll = [&] { return ::nftw(folder.c_str(), removeOne, mostOpen, FTW_DEPTH | FTW_PHYS) == 0; };
+    if (removeAll()) return;
+    // Operations take over permissions that close a folder to everybody but root.
+    test::openFolders(folder);
+    need(removeAll(), folder);
 }
 
 void Fixture::reset() const {

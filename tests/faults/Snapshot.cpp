@@ -137,6 +137,30 @@ SeenItem seen(std::string const& path, struct stat const& status) {
     return item;
 }
 
+// Lets this user, who is not root, read an item of their own that its permissions close; closes it again at the end.
+class OpenedItem {
+public:
+    OpenedItem(std::string const& path, struct stat const& status)
+        : m_path(path), m_mode(status.st_mode & 07777U),
+          m_isOpened(!S_ISLNK(status.st_mode) && (m_mode & wanted(status)) != wanted(status) &&
+                     status.st_uid == ::geteuid() && ::geteuid() != 0 &&
+                     ::chmod(path.c_str(), m_mode | wanted(status)) == 0) {}
+    ~OpenedItem() {
+        if (m_isOpened) ::chmod(m_path.c_str(), m_mode);
+    }
+    OpenedItem(OpenedItem const&) = delete;
+    OpenedItem& operator=(OpenedItem const&) = delete;
+
+private:
+    static unsigned wanted(struct stat const& status) {
+        return S_ISDIR(status.st_mode) ? S_IRUSR | S_IXUSR : unsigned{S_IRUSR};
+    }
+
+    std::string const& m_path;
+    unsigned m_mode;
+    bool m_isOpened;
+};
+
 // Adds what the sidecar holds to its item; false if it holds more than attributes, or is none.
 bool addSidecar(SeenItem& item, SeenItem const& sidecar) {
     Result<AppleDouble, Failure> const read = AppleDouble::read(std::as_bytes(std::span(sidecar.contents)));
@@ -179,6 +203,7 @@ void addItems(Snapshot& snapshot, std::string const& folder, std::string const& 
         std::string const path = folder + "/" + name;
         struct stat status {};
         if (::lstat(path.c_str(), &status) != 0) fail(path);
+        OpenedItem const opened(path, status);
         SeenItem item = seen(path, status);
         bool const isFolder = item.isFolder;
         std::string const shown = prefix + withoutTimeOfDay(name);

@@ -21,8 +21,18 @@ void makeFolders(std::string const& path) {
     }
 }
 
-int removeEntry(char const* path, struct stat const* status, int type, FTW*) {
-    if (type == FTW_DNR && status && ::chmod(path, 0700) != 0) return 0;
+constexpr int MostOpenFolders = 32;
+
+int openOne(char const* path, struct stat const* status, int type, FTW*) {
+    bool const isClosed = (status->st_mode & S_IRWXU) != S_IRWXU;
+    bool const isFolder = type == FTW_D || type == FTW_DNR;
+    if (isFolder && isClosed) ::chmod(path, (status->st_mode & 07777U) | S_IRWXU);
+    // It could not be listed until now.
+    if (type == FTW_DNR && isClosed) openFolders(path);
+    return 0;
+}
+
+int removeEntry(char const* path, struct stat const*, int, FTW*) {
     ::remove(path);
     return 0;
 }
@@ -34,13 +44,18 @@ std::string usualBase() {
 
 } // namespace
 
+void openFolders(std::string const& path) { ::nftw(path.c_str(), openOne, MostOpenFolders, FTW_PHYS | FTW_MOUNT); }
+
 TemporaryFolder::TemporaryFolder() : TemporaryFolder(usualBase()) {}
 
 TemporaryFolder::TemporaryFolder(std::string const& base) : m_path(base + "/framekeeper-test-XXXXXX") {
     if (!::mkdtemp(m_path.data())) fail(m_path);
 }
 
-TemporaryFolder::~TemporaryFolder() { ::nftw(m_path.c_str(), removeEntry, 32, FTW_DEPTH | FTW_PHYS | FTW_MOUNT); }
+TemporaryFolder::~TemporaryFolder() {
+    openFolders(m_path);
+    ::nftw(m_path.c_str(), removeEntry, MostOpenFolders, FTW_DEPTH | FTW_PHYS | FTW_MOUNT);
+}
 
 std::string TemporaryFolder::makeFolder(std::string_view relative) const {
     std::string const folder = path(relative);

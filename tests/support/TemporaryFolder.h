@@ -5,7 +5,11 @@
 
 namespace mac::test {
 
-// A fresh folder that goes, with everything in it, when the object does. Names are bytes.
+// Lets the owner list and change the folder and all folders in it, on the same volume, so that they can be removed.
+void openFolders(std::string const& path);
+
+// A fresh folder that goes, with everything in it, when the object does, also what its permissions close to its owner.
+// Names are bytes.
 class TemporaryFolder {
 public:
     TemporaryFolder();
