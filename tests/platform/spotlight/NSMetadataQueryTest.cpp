@@ -326,8 +326,9 @@ TEST_F(MetadataQuery, StaysAsItIsIfItEndsWithGathering) {
     query.setEndsWithGathering_(false);
     ASSERT_TRUE(query.startQuery());
     ASSERT_TRUE(runUntilNamed(NSMetadataQueryDidFinishGatheringNotification, 2));
-    ::rename(folder.path("a/Other").c_str(), folder.path("a/Mirror Frame.app").c_str());
-    EXPECT_TRUE(runUntil([this] { return query.resultCount() == 2; }));
+    EXPECT_EQ(query.resultCount(), 1U);
+    ::rename(folder.path("a/b/Mirror Frame.app").c_str(), folder.path("a/b/Other").c_str());
+    EXPECT_TRUE(runUntil([this] { return query.resultCount() == 0; }));
 }
 
 } // namespace
