@@ -1,5 +1,6 @@
 #include "platform/preferences/LoginItemsStore.h"
 #include "platform/system/BytePath.h"
+#include "platform/system/TemporaryName.h"
 #include <algorithm>
 #include <cerrno>
 #include <deque>
@@ -125,6 +126,12 @@ Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
     return ordered.isDone() ? Result<Plan>(std::move(plan)) : ordered.problem();
 }
 
+// A file that could not be made has a name that tells people nothing: they are told its folder.
+Failure failureOf(SystemError error) {
+    if (parseTemporaryName(BytePath(error.item).leaf())) error.item = autostartFolders().front();
+    return {error.text()};
+}
+
 // Carries a plan out: what is new first, so that a failure costs no entry.
 class LoginItemChange {
 public:
@@ -243,7 +250,7 @@ NativeItems readLoginItems(NSArray const& kept) {
 NativeWriting writeLoginItems(NSArray const& items) {
     KnownLoginItems& known = knownLoginItems();
     Result<Plan> planned = planFor(items, known);
-    if (!planned.hasValue()) return {.kept = known.kept, .problem = Failure{planned.problem().text()}};
+    if (!planned.hasValue()) return {.kept = known.kept, .problem = failureOf(planned.problem())};
     Plan plan = planned.takeValue();
     LoginItemChange change(plan);
     Result<void> const done = change.carryOut();
@@ -253,7 +260,7 @@ NativeWriting writeLoginItems(NSArray const& items) {
         for (RemovedItem const& item : gone)
             (void)taken(known.items, [&](ReadItem const& read) { return isSame(read.object, item.object); });
         remember(std::move(gone), known);
-        return {.kept = known.kept, .problem = Failure{done.problem().text()}};
+        return {.kept = known.kept, .problem = failureOf(done.problem())};
     }
     known.items = std::move(plan.staying);
     std::ranges::move(itemsNamed(change.takeNames()), std::back_inserter(known.items));
