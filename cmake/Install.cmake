@@ -104,7 +104,7 @@ target_sources(framekeeper_shared PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SO
 set(module_folder ${CMAKE_INSTALL_LIBDIR}/framekeeper)
 add_library(framekeeper_pictures_module MODULE $<TARGET_OBJECTS:framekeeper_pictures>)
 target_link_libraries(framekeeper_pictures_module PRIVATE framekeeper_shared_core Qt6::Core Qt6::Gui)
-set_target_properties(framekeeper_pictures_module PROPERTIES PREFIX "" OUTPUT_NAME framekeeper-pictures
+set_target_properties(framekeeper_pictures_module PROPERTIES PREFIX "" OUTPUT_NAME framekeeper-pictures-${PROJECT_VERSION}
                       LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/framekeeper)
 framekeeper_register_rooms(framekeeper_pictures_module framekeeper_pictures)
 target_include_directories(framekeeper_pictures_module PRIVATE ${PROJECT_SOURCE_DIR})

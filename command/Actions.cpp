@@ -84,7 +84,7 @@ Outcome trash(Copies const& copies, Target const& target) {
     if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
     Result<TrashedItem, TrashProblem> const trashed = moveToTrash(item.value());
-    if (!trashed.hasValue()) return failed(target.path, trashed.problem().localizedText());
+    if (!trashed.hasValue()) return failed(target.path, trashed.problem().text());
     return {.path = target.path, .newPath = NSString::stringWithFileSystemRepresentation_(trashed.value().path)};
 }
 
@@ -104,7 +104,7 @@ Outcome restore(Copies const&, Target const& target) {
     NSString const path = target.path;
     auto const place = placeInTrash(bytesOfPath(path));
     bool const isKnown = place.hasValue() || place.problem().kind == TrashProblem::NotThere;
-    if (!isKnown) return failed(path, place.problem().localizedText());
+    if (!isKnown) return failed(path, place.problem().text());
     bool const isInTrash = place.hasValue() && place.value().has_value();
     std::optional<TrashedItem> const trashed = trashedItemOf(target, isInTrash);
     constexpr char const* missing = localizable("no copy of Mirror Frame is in the trash");
@@ -114,7 +114,7 @@ Outcome restore(Copies const&, Target const& target) {
     if (!item.hasValue()) return {.path = path, .status = Status::Failed, .reason = item.problem().reason};
     // Looks at the identity again, right before the item moves.
     Result<std::string, TrashProblem> const back = putBack(*trashed);
-    if (!back.hasValue()) return failed(path, back.problem().localizedText());
+    if (!back.hasValue()) return failed(path, back.problem().text());
     return {.path = path, .newPath = NSString::stringWithFileSystemRepresentation_(back.value())};
 }
 

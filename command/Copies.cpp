@@ -2,7 +2,6 @@
 #include "app/MembershipSources.h"
 #include "app/Outlets.h"
 #include "app/RecordBuilding.h"
-#include "platform/desktop/session/Patience.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
@@ -18,6 +17,8 @@ namespace {
 
 // How often the search is looked at, in seconds.
 constexpr NSTimeInterval Glance = 0.1;
+// What was found is printed by then; writing what is remembered of a large disk takes seconds on a busy computer.
+constexpr NSTimeInterval LongestRemembering = 60;
 
 } // namespace
 
@@ -47,7 +48,7 @@ bool Copies::search(std::function<void(std::size_t found)> const& progress) cons
 
 void Copies::finishSearch() const {
     NSMetadataQuery const query = m_controller.query();
-    query.waitUntilRemembered(std::chrono::duration<NSTimeInterval>(Patience::left()).count());
+    query.waitUntilRemembered(LongestRemembering);
     query.stopQuery();
 }
 

@@ -9,21 +9,23 @@ namespace mac::fuzz {
 
 namespace {
 
-void readValues(NSAppleEventDescriptor const& descriptor) {
+void readValues(NSAppleEventDescriptor const& descriptor, bool isAsItsItem) {
+    descriptor.coerceToDescriptorType_(typeAEList);
+    if (isAsItsItem) return;
     descriptor.stringValue();
     descriptor.int32Value();
     descriptor.booleanValue();
     descriptor.typeCodeValue();
     descriptor.returnID();
-    for (DescType const type : {typeAEList, typeAERecord, typeText, typeSInt64, typeIEEE64BitFloatingPoint, typeTrue})
+    for (DescType const type : {typeAERecord, typeText, typeSInt64, typeIEEE64BitFloatingPoint, typeTrue})
         descriptor.coerceToDescriptorType_(type);
 }
 
-// Every accessor, on the descriptor and what it holds. A list of one item is converted as that item is: with lists of
+// Every accessor, on the descriptor and what it holds. A list of one item is converted to anything but a list as that item is: with lists of
 // one in lists of one, to read the values of each would take time by the square of their number.
 void readAll(NSAppleEventDescriptor const& descriptor) {
     bool const isAsItsItem = descriptor.descriptorType() == typeAEList && descriptor.numberOfItems() == 1;
-    if (!isAsItsItem) readValues(descriptor);
+    readValues(descriptor, isAsItsItem);
     for (NSInteger index = 1; index <= descriptor.numberOfItems(); ++index) {
         descriptor.keywordForDescriptorAtIndex_(index);
         readAll(descriptor.descriptorAtIndex_(index));
@@ -39,7 +41,7 @@ std::string complaintAboutFlatDescriptor(std::span<std::byte const> bytes) {
     if (!again.hasValue() || !std::ranges::equal(again.value(), bytes)) return "it comes back as other bytes";
     NSAppleEventDescriptor const descriptor = NSAppleEventDescriptor::descriptorWithAEDesc(desc.value());
     descriptor.description();
-    readValues(descriptor);
+    readValues(descriptor, false);
     readAll(descriptor);
     return {};
 }

@@ -28,7 +28,7 @@ std::string complaintAboutScript(std::string_view bytes) {
     constexpr std::size_t mostUnits = 1U << 16U;
     constexpr std::size_t mostItems = 1U << 12U;
     // A look is taken after every command and every 256 steps.
-    constexpr unsigned mostLooks = 64;
+    constexpr unsigned mostLooks = 512;
     std::u16string const source = unitsFromFileSystemBytes(bytes);
     TextContext& text = engineState().text;
     text = TextContext();

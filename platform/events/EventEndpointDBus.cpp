@@ -63,8 +63,10 @@ void EventEndpoint::close() {
     // Once the bus answers a later call, all earlier messages have been sent. A bus that hangs does not delay the
     // end.
     busNameOwner(*m_connection, eventEndpointName(::getpid()), LongestQuestionAtEnd);
+    m_isClosing = true;
     takeReplies();
     closeConnection(m_connection);
+    m_isClosing = false;
 }
 
 void EventEndpoint::takeReplies() {
@@ -122,7 +124,7 @@ void EventEndpoint::call(QString const& number, std::shared_ptr<OutgoingEvent co
     connect(watchedCall(number, "Send", arguments), &QDBusPendingCallWatcher::finished, this,
             [this, outgoing, form](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
-                bool const isOlder = finished->error().type() == QDBusError::InvalidArgs;
+                bool const isOlder = !m_isClosing && finished->error().type() == QDBusError::InvalidArgs;
                 if (!isOlder || form == Form::BytesAlone)
                     return fulfil(*outgoing->pending, outcomeOfAnswer(finished->reply()));
                 guarded([&] { send(outgoing, Form::BytesAlone); });
@@ -159,7 +161,8 @@ void EventEndpoint::takeAnswer(QDBusPendingCallWatcher const& finished,
     bool const isRefused = error == QDBusError::TimedOut || error == QDBusError::InvalidArgs;
     // A call that ends with its connection may have been handled: the toolkit does not tell it from one that was
     // never sent.
-    if (!isGone && !isRefused) return fulfil(*outgoing->pending, outcome);
+    // What is sent once more while the end comes would reach nobody.
+    if (m_isClosing || (!isGone && !isRefused)) return fulfil(*outgoing->pending, outcome);
     m_endpoints.erase(outgoing->process.pid);
     send(outgoing, error == QDBusError::InvalidArgs ? Form::BytesAlone : Form::WithDeadline);
 }

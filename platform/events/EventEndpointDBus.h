@@ -91,6 +91,7 @@ private:
 
     void (*m_noteConnected)();
     std::optional<QDBusConnection> m_connection;
+    bool m_isClosing{false};
     // When the last try to connect ended in vain.
     std::optional<std::chrono::steady_clock::time_point> m_failed;
     std::map<QString, Peer> m_peers;

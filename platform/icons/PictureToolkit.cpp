@@ -1,13 +1,17 @@
 #include "platform/icons/PictureToolkit.h"
 #include "platform/foundation/running/Log.h"
+#include <atomic>
 #include <dlfcn.h>
+#include <mutex>
+#include <utility>
 
 namespace mac {
 
 namespace {
 
-// In the folder of the library that this source is part of.
-constexpr char ModulePath[] = "framekeeper/framekeeper-pictures.so";
+// In the folder of the library that this source is part of. Named after its version, since the functions between the
+// two are of one version: while a newer one is being installed, a program that runs finds none.
+constexpr char ModulePath[] = "framekeeper/framekeeper-pictures-" FRAMEKEEPER_VERSION ".so";
 
 constexpr PictureToolkit NoToolkit{
     .picturesInImageFile = [](std::span<std::byte const>) { return std::vector<Picture>(); },
@@ -21,7 +25,7 @@ constexpr PictureToolkit NoToolkit{
     .iconThemeName = [] { return std::string(); },
 };
 
-PictureToolkit const* registeredToolkit = nullptr;
+std::atomic<PictureToolkit const*> registeredToolkit = nullptr;
 
 std::string modulePath() {
     Dl_info library{};
@@ -31,10 +35,14 @@ std::string modulePath() {
 }
 
 // The module registers its functions while it is loaded. It stays: what it made is in use until the program ends.
-PictureToolkit const& findToolkit() {
-    if (!registeredToolkit && !::dlopen(modulePath().c_str(), RTLD_NOW | RTLD_LOCAL))
-        NSLog("no picture can be read or drawn: %s", ::dlerror());
-    return registeredToolkit ? *registeredToolkit : NoToolkit;
+// Answers why it cannot be loaded if that is new: it may be there the next time, since perhaps no file could be opened.
+std::string loadToolkit() {
+    static std::mutex mutex;
+    static bool isLossKnown = false;
+    std::lock_guard const lock(mutex);
+    if (registeredToolkit || ::dlopen(modulePath().c_str(), RTLD_NOW | RTLD_LOCAL)) return {};
+    std::string const reason = ::dlerror();
+    return std::exchange(isLossKnown, true) ? std::string() : reason;
 }
 
 } // namespace
@@ -42,8 +50,10 @@ PictureToolkit const& findToolkit() {
 void setPictureToolkit(PictureToolkit const& toolkit) { registeredToolkit = &toolkit; }
 
 PictureToolkit const& pictureToolkit() {
-    static PictureToolkit const& toolkit = findToolkit();
-    return toolkit;
+    std::string const loss = registeredToolkit ? std::string() : loadToolkit();
+    if (!loss.empty()) NSLog("no picture can be read or drawn: %s", loss.c_str());
+    PictureToolkit const* const toolkit = registeredToolkit;
+    return toolkit ? *toolkit : NoToolkit;
 }
 
 } // namespace mac

@@ -173,6 +173,8 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     discarded.push_back(std::exchange(m_previouslyArranged, nil));
     m_discarded.add(std::move(discarded));
     if (m_upcoming) advanceLater();
+    // A selection that has come back may hold what the next content lacks.
+    if (hasUpcomingContent() && !m_selectedRows.empty()) inTurn([this] { hastenContent(); });
     raise(raised);
 }
 

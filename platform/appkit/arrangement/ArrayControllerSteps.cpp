@@ -87,7 +87,7 @@ void NSArrayController::Body::beginContent(id const& content) {
 
 void NSArrayController::Body::hastenContent() {
     if (!hasUpcomingContent()) return;
-    if (m_nextContent) return replaceContent(*std::exchange(m_nextContent, std::nullopt));
+    if (id const next = m_nextContent.value_or(nil); m_nextContent) return replaceContent(next);
     m_upcoming->isSelectionRenewed = false;
     advanceNowAndLater();
 }

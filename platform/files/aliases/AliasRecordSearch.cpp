@@ -87,6 +87,7 @@ public:
     Result<std::string> run(std::function<bool()> const& shouldContinue);
 
 private:
+    SystemError nothingFound() const;
     void tell() {
         std::scoped_lock const lock(m_lock);
         m_hasNews = true;
@@ -105,6 +106,14 @@ private:
     VolumeWalker m_walker;
 };
 
+// What was left out because it did not answer may hold the item.
+SystemError VolumeSearch::nothingFound() const {
+    std::vector<SystemError> const unreadable = m_walker.unreadable();
+    bool const isComplete =
+        std::ranges::none_of(unreadable, [](SystemError const& failure) { return failure.is(ETIMEDOUT); });
+    return {.code = isComplete ? ENOENT : ETIMEDOUT, .operation = "search"};
+}
+
 Result<std::string> VolumeSearch::run(std::function<bool()> const& shouldContinue) {
     if (!shouldContinue()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
     if (!m_walker.start()) return SystemError{.code = EAGAIN, .operation = "search"};
@@ -112,7 +121,7 @@ Result<std::string> VolumeSearch::run(std::function<bool()> const& shouldContinu
         bool const isFinished = m_walker.progress().isFinished;
         std::vector<std::string> found = m_walker.takeFound();
         if (!found.empty()) return std::move(found.front());
-        if (isFinished) return SystemError{.code = ENOENT, .operation = "search"};
+        if (isFinished) return nothingFound();
         if (!shouldContinue()) return SystemError{.code = ETIMEDOUT, .operation = "search"};
         waitForNews();
     }

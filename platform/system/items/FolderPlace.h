@@ -32,8 +32,7 @@ Result<ItemPlace> placeOf(FileDescriptor const& item);
 Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name);
 
 // Fails if this user may not remove the item's name from the folder, with the code that the system would give then. To
-// be asked before a removal of several names begins. Where a server decides, what only the permissions forbid has to be
-// tried, and does not fail here.
+// be asked before a removal of several names begins. Linux: NFS and other servers are asked as well.
 Result<void> confirmNameRemovable(FileDescriptor const& folder, std::string const& name, ItemPlace const& item);
 
 // The folder, then the folders above it, up to the root.

@@ -5,9 +5,8 @@
 #include "platform/system/items/ItemAccess.h"
 #include <cerrno>
 #include <fcntl.h>
-#include <linux/magic.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace mac {
@@ -60,41 +59,16 @@ Result<std::string> nameInFolder(FileDescriptor const& folder, ItemPlace const& 
     return SystemError{.code = ENOENT, .operation = "readdir"};
 }
 
-// What this computer knows of the permissions.
-Result<void> foretellRemoval(FileDescriptor const& folder, std::string const& name, ItemPlace const& item) {
-    if (::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
-        SystemError error = lastSystemError("unlink", name);
-        // A filter of system calls that does not know the question refuses it with the code of an immutable folder.
-        Result<ItemPlace> const asked = placeOf(folder);
-        bool const isUnanswered = error.is(EPERM) && asked.hasValue() && !asked.value().isImmutable;
-        if (!isUnanswered) return error;
-    }
-    if (item.owner == ::geteuid() || ::geteuid() == 0) return {};
-    Result<ItemPlace> const above = placeOf(folder);
-    if (!above.hasValue()) return above.problem();
-    bool const isKept = (above.value().mode & S_ISVTX) != 0 && above.value().owner != ::geteuid();
-    return isKept ? SystemError{.code = EPERM, .operation = "unlink", .item = name} : Result<void>();
-}
-
-// Whether a server decides, by rules and users of its own, which need not be the permissions that it shows here.
-bool isJudgedByServer(FileDescriptor const& folder) {
-    struct statfs volume {};
-    if (::fstatfs(folder.number(), &volume) != 0) return false;
-    switch (static_cast<std::uint32_t>(volume.f_type)) {
-    case NFS_SUPER_MAGIC:
-    case FUSE_SUPER_MAGIC:
-    case V9FS_MAGIC:
-    case SMB_SUPER_MAGIC:
-    case CIFS_SUPER_MAGIC:
-    case SMB2_SUPER_MAGIC:
-    case CEPH_SUPER_MAGIC:
-    case AFS_FS_MAGIC:
-    case AFS_SUPER_MAGIC:
-    case CODA_SUPER_MAGIC:
-        return true;
-    default:
-        return false;
-    }
+// Whether names may be added to the folder and removed from it.
+Result<void> confirmWritable(FileDescriptor const& folder, std::string const& name) {
+    if (::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) == 0) return {};
+    SystemError const error = lastSystemError("unlink", name);
+    // A filter of system calls that does not know the newer question refuses it with the code of an immutable folder.
+    Result<ItemPlace> const asked = placeOf(folder);
+    bool const isUnanswered = error.is(EPERM) && asked.hasValue() && !asked.value().isImmutable;
+    if (!isUnanswered) return error;
+    bool const mayWrite = ::syscall(SYS_faccessat, folder.number(), ".", W_OK | X_OK) == 0;
+    return mayWrite ? Result<void>() : lastSystemError("unlink", name);
 }
 
 } // namespace
@@ -119,9 +93,13 @@ Result<ItemPlace> placeOf(FileDescriptor const& folder, std::string const& name)
 }
 
 Result<void> confirmNameRemovable(FileDescriptor const& folder, std::string const& name, ItemPlace const& item) {
-    Result<void> const foretold = foretellRemoval(folder, name, item);
-    bool const isMaybe = !foretold.isDone() && isForbidden(foretold.problem()) && isJudgedByServer(folder);
-    return isMaybe ? Result<void>() : foretold;
+    Result<void> const writable = confirmWritable(folder, name);
+    if (!writable.isDone()) return writable;
+    if (item.owner == ::geteuid() || ::geteuid() == 0) return {};
+    Result<ItemPlace> const above = placeOf(folder);
+    if (!above.hasValue()) return above.problem();
+    bool const isKept = (above.value().mode & S_ISVTX) != 0 && above.value().owner != ::geteuid();
+    return isKept ? SystemError{.code = EPERM, .operation = "unlink", .item = name} : Result<void>();
 }
 
 Result<std::vector<ItemIdentity>> folderAndThoseAbove(FileDescriptor const& folder) {

@@ -15,7 +15,7 @@ class VolumeVisit {
 public:
     // So many walks that were given up may wait on a volume. Several, since a thread may merely be slow to end, and a
     // disk that is slow at one place answers at others.
-    static constexpr std::size_t MostLeft = 3;
+    static constexpr std::size_t MostLeft = 16;
 
     // `wasLeft` says whether the thread's walk was given up, and is another one for each walk. REQUIRES: it outlives
     // the visit.

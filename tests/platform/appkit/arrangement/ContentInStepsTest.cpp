@@ -170,6 +170,24 @@ TEST_F(BoundContentInSteps, IsShownAtOnceIfAnObjectIsSelectedAndAnotherOneIsUnde
     });
 }
 
+// A selection that comes back with a content is of the one that was known last.
+TEST_F(BoundContentInSteps, DoesNotSelectAgainWhatALaterContentLacks) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    select({4});
+    bool isStale = false;
+    inEvent([&] {
+        NSMutableSet const later = recordsWithout("/copies/100004");
+        m_owner.setPaths_(nil);
+        m_owner.setPaths_(numberedRecords(ManyRows));
+        m_owner.setPaths_(later);
+    });
+    ASSERT_TRUE(runUntil([&] {
+        isStale = isStale || m_controller.selectedObjects().count() > 0;
+        return m_counts.back() == static_cast<NSUInteger>(ManyRows - 1);
+    }));
+    EXPECT_FALSE(isStale);
+}
+
 // Else the window would say for a moment that there are no copies.
 TEST_F(BoundContentInSteps, IsNotEmptyWhileTheFirstObjectsAreRead) {
     std::vector<bool> told;

@@ -50,18 +50,6 @@ TEST_F(ServedVolume, TakesOneDateAlone) {
     EXPECT_EQ(statusOf(path("file")).st_atim.tv_sec, 1000);
 }
 
-// The server may let go what the permissions that it shows forbid.
-TEST_F(ServedVolume, LetsTheServerSayWhatMayBeRemoved) {
-    m_folder.makeFile("volume/tree/file", "x");
-    m_folder.makeFile("local/file", "x");
-    withRefusedCall(SYS_faccessat2, EACCES, [&] {
-        EXPECT_EQ(codeOf(removeItem(itemAt(path("tree")))), 0);
-        EXPECT_EQ(codeOf(removeItem(itemAt(m_folder.path("local")))), EACCES);
-    });
-    EXPECT_FALSE(isThere(m_folder.path("served/tree")));
-    EXPECT_EQ(textOf(m_folder.path("local/file")), "x");
-}
-
 // The new value is in the sidecar when the old one turns out to stay.
 TEST_F(ServedVolume, LosesALargeValueWhereTheOldOneStays) {
     AttributeName const name{"colour"};

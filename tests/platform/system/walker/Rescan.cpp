@@ -22,6 +22,8 @@ void Rescan::restart() { m_memory = std::make_shared<WalkMemory>(folder(), m_clo
 WalkResult Rescan::walk(VolumeWalkRequest request) {
     waitForTheNextTime();
     request.memory = m_memory;
+    // A busy machine is no silent one.
+    if (request.patience == VolumeWalkRequest().patience) request.patience = std::chrono::hours(1);
     VolumeWalker walker(request, nullptr);
     if (!walker.start()) throw std::runtime_error("the walk did not start");
     walker.waitUntilRemembered(std::chrono::hours(1));
