@@ -7,6 +7,7 @@
 #include "platform/system/items/ItemIdentity.h"
 #include "platform/system/walker/FolderFacts.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include <algorithm>
 #include <cerrno>
 #include <condition_variable>
 #include <fcntl.h>
