@@ -21,8 +21,8 @@ void readValues(NSAppleEventDescriptor const& descriptor, bool isAsItsItem) {
         descriptor.coerceToDescriptorType_(type);
 }
 
-// Every accessor, on the descriptor and what it holds. A list of one item is converted to anything but a list as that item is: with lists of
-// one in lists of one, to read the values of each would take time by the square of their number.
+// Every accessor, on the descriptor and what it holds. A list of one item is converted to anything but a list as that
+// item is: with lists of one in lists of one, to read the values of each would take time by the square of their number.
 void readAll(NSAppleEventDescriptor const& descriptor) {
     bool const isAsItsItem = descriptor.descriptorType() == typeAEList && descriptor.numberOfItems() == 1;
     readValues(descriptor, isAsItsItem);
