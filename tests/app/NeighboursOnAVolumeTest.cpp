@@ -121,6 +121,8 @@ TEST_F(NeighboursOnAVolume, AListGoesOnWithoutTheCachesThere) {
     std::filesystem::create_directories(m_folder.path("served/caches"));
     std::string const first = outputOf({FRAMEKEEPER_CLI, "list"});
     EXPECT_TRUE(std::filesystem::exists(m_folder.path("served/caches/framekeeper")));
+    // The check for leaks would stop every thread at the end of the command, and one of them waits for the server.
+    EnvironmentVariable const checks{"ASAN_OPTIONS", "detect_stack_use_after_return=1:detect_leaks=0"};
     m_volume->stop();
     EXPECT_EQ(outputOf({FRAMEKEEPER_CLI, "list"}), first);
     EXPECT_NE(first.find(pathOfCopy("Applications")), std::string::npos);
