@@ -48,7 +48,7 @@ TEST_F(AccessibilityInASession, NamesEveryElementOfTheWindow) {
         roles.insert(element[0]);
         bool const wantsName = element[2] == "focusable" || element[0] == "label" || element[0] == "push button" ||
                                element[0] == "menu item" || element[0] == "status bar" || element[0] == "text";
-        EXPECT_FALSE(wantsName && element[1].empty()) << element[0];
+        EXPECT_FALSE(wantsName && element[1].empty()) << element[0] << " in\n" << use({"tree"});
         EXPECT_NE(element[0], "unknown") << element[1];
         EXPECT_NE(element[0], "invalid") << element[1];
     }

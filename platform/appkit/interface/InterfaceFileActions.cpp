@@ -87,8 +87,6 @@ void InterfaceFile::followCheck(Owner* owner, Signal signal) {
 }
 
 void InterfaceFile::connectAction(QAction* action) {
-    // A key that is held down would delete one copy after another.
-    action->setAutoRepeat(false);
     if (QString const name = formProperty<QString>(action, "focuses"); !name.isEmpty()) {
         auto* const field = m_window->findChild<QWidget*>(name);
         if (field) QObject::connect(action, &QAction::triggered, field, [field] { focusOn(field); });
@@ -105,6 +103,8 @@ void InterfaceFile::connectAction(QAction* action) {
         QObject::connect(action, &QAction::triggered, &m_connections, [this] { showKeysOf(widget()); });
     if (hasFormProperty(action, "command")) connectCommand(action);
     if (!hasFormProperty(action, "action")) return;
+    // A key that is held down would delete one copy after another.
+    action->setAutoRepeat(false);
     NSControl const control = makeControl(adopt<NSControl>(nullptr, action), action, targetOf(action),
                                           formProperty<QString>(action, "action"));
     QObject::connect(action, &QAction::triggered, &m_connections,
