@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <mutex>
 #include <span>
 #include <sys/stat.h>
 #include <unistd.h>

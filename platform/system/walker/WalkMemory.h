@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/system/walker/PatientMutex.h"
 #include "platform/system/walker/RememberedFolders.h"
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -70,7 +70,7 @@ private:
     std::string const m_folder;
     std::function<std::int64_t()> const m_clock;
     std::chrono::milliseconds const m_patience;
-    std::timed_mutex m_mutex; // guards what follows, and is held while the file is read
+    PatientMutex m_mutex; // guards what follows, and is held while the file is read
     unsigned m_writers = 0;
     std::shared_ptr<RememberedWalk const> m_walk;
 };

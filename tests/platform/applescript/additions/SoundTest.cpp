@@ -1,6 +1,7 @@
 #include "platform/applescript/runtime/ScriptEngine.h"
 #include "platform/applescript/runtime/SourceForm.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/system/FileDescriptor.h"
 #include "tests/platform/applescript/ScriptHome.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/Commands.h"
@@ -11,7 +12,9 @@
 #include <memory>
 #include <poll.h>
 #include <stdexcept>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 // Volume and speech with the programs that do them: a real sound server and a real speech synthesizer.
@@ -53,6 +56,14 @@ bool succeeds(std::vector<std::string> const& command) {
     }
 }
 
+bool isListenedTo(std::string const& socketPath) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    if (socketPath.size() >= sizeof(address.sun_path)) return false;
+    socketPath.copy(address.sun_path, socketPath.size());
+    FileDescriptor const client(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return ::connect(client.number(), reinterpret_cast<sockaddr const*>(&address), sizeof(address)) == 0;
+}
+
 // A script's home has no programs; these trials need those of the computer.
 constexpr char const* ProgramsOfThisComputer = "/usr/bin:/bin";
 
@@ -65,8 +76,8 @@ protected:
             if (::access(program, X_OK) != 0) GTEST_SKIP() << program << " is not installed";
         ASSERT_EQ(::chmod(m_runtime.c_str(), S_IRWXU), 0);
         startServer("pipewire");
-        // The others end if they find no server.
-        ASSERT_TRUE(holdsInTime([this] { return ::access((m_runtime + "/pipewire-0").c_str(), F_OK) == 0; }));
+        // The others end if they find no server, as they do where its socket is there and nothing listens to it yet.
+        ASSERT_TRUE(holdsInTime([this] { return isListenedTo(m_runtime + "/pipewire-0"); }));
         startServer("wireplumber");
         startServer("pipewire-pulse");
         ASSERT_TRUE(holdsInTime([] { return succeeds({"/usr/bin/pactl", "info"}); }));
