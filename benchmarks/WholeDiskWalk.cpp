@@ -274,12 +274,13 @@ int main(int count, char** arguments) {
                 directoryEntriesInMemory());
     for (Rival const& rival : rivals)
         contest.compare(contest.walk(), rival, options->pairs, false, hasTargets ? rival.warmTarget : 0);
-    if (canDrop) {
+    if (canDrop && options->coldPairs > 0) {
         std::printf("cold: caches dropped before each run\n");
         for (Rival const& rival : rivals)
             contest.compare(contest.walk(), rival, options->coldPairs, true, hasTargets ? rival.coldTarget : 0);
     } else {
-        std::printf("cold: not measured, this user may not drop the system's caches\n");
+        std::printf("cold: not measured, %s\n",
+                    canDrop ? "since no pairs are wanted" : "this user may not drop the system's caches");
     }
     contest.printMemory(memoryTarget);
 
