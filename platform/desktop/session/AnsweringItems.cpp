@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <thread>
@@ -144,6 +145,7 @@ std::shared_ptr<AnsweringItems> const& AnsweringItems::shared() {
 }
 
 void AnsweringItems::ask(std::vector<std::string> const& paths, std::function<void()> const& answeredLate) {
+    if (m_known->items.size() > MostAnswered) forgetAllBut(paths);
     askFor(paths, std::max(Patience::left(), Hesitation));
     if (!answeredLate) return;
     for (std::string const& path : paths) {
@@ -151,6 +153,12 @@ void AnsweringItems::ask(std::vector<std::string> const& paths, std::function<vo
         item.answeredLate = answeredLate;
         item.isAwaited = item.isSilent;
     }
+}
+
+void AnsweringItems::forgetAllBut(std::vector<std::string> const& paths) {
+    std::set<std::string_view> const kept(paths.begin(), paths.end());
+    std::erase_if(m_known->items,
+                  [&](auto const& entry) { return !entry.second.isSilent && !kept.contains(entry.first); });
 }
 
 void AnsweringItems::askFor(std::vector<std::string> const& paths, std::chrono::milliseconds longest) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -19,6 +20,8 @@ public:
 
     // How long it waits for one item that is only to be drawn or described.
     static constexpr std::chrono::milliseconds Glance{200};
+    // With more items than this, those that have answered and are not asked for again are forgotten.
+    static constexpr std::size_t MostAnswered = 1024;
 
     // The question is the system's status call unless another one is handed in.
     explicit AnsweringItems(Question question = {});
@@ -37,12 +40,14 @@ public:
     void ask(std::vector<std::string> const& paths, std::function<void()> const& answeredLate = {});
     // Whether the item has been asked for and has not answered.
     bool isSilent(std::string const& path) const;
-    // Whether the item may be read. A path that was never asked for may; any other is asked for again, for at most a
-    // glance, and for 10 ms in a turn of the run loop in which an item has missed its glance already. Nobody is told
-    // when one that missed it answers: a slow volume would have the same things drawn over and over.
+    // Whether the item may be read. A path that was never asked for, or is forgotten, may; any other is asked for
+    // again, for at most a glance, and for 10 ms in a turn of the run loop in which an item has missed its glance
+    // already. Nobody is told when one that missed it answers: a slow volume would have the same things drawn over and
+    // over.
     bool mayRead(std::string const& path);
 
 private:
+    void forgetAllBut(std::vector<std::string> const& paths);
     void askFor(std::vector<std::string> const& paths, std::chrono::milliseconds longest);
 
     struct Known;

@@ -115,6 +115,25 @@ TEST_F(AnsweringItemsTest, AreAskedAgainBeforeTheyAreReadOnceTheyHaveAnswered) {
     EXPECT_GE(m_server->asked(), 2);
 }
 
+TEST_F(AnsweringItemsTest, AreForgottenWhenManyOthersCameButNotWhileTheyAreSilent) {
+    {
+        Patience const patience(AmplePatience);
+        m_items.ask({"/silent/1", "/a"});
+    }
+    std::vector<std::string> const others = pathsOfRows(AnsweringItems::MostAnswered);
+    Patience const patience(std::chrono::minutes(5));
+    m_items.ask(others);
+    m_items.ask(others);
+    int const asked = m_server->asked();
+    EXPECT_TRUE(m_items.mayRead("/a"));
+    EXPECT_EQ(m_server->asked(), asked);
+    EXPECT_TRUE(comesToBeRead(others.front())) << "the last list is known";
+    EXPECT_GT(m_server->asked(), asked);
+    EXPECT_TRUE(m_items.isSilent("/silent/1"));
+    m_server->goOn();
+    EXPECT_TRUE(runUntil([this] { return !m_items.isSilent("/silent/1"); }));
+}
+
 TEST_F(AnsweringItemsTest, TellOnlyThoseWhoDidWithoutTheAnswer) {
     int told = 0;
     auto const tell = [&told] { ++told; };
