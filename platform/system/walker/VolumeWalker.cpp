@@ -76,7 +76,7 @@ private:
     void recall(VolumeList const& list);
     bool awaitVisit(Volume const& volume);
     std::optional<VolumeList> listed();
-    void giveVolumes();
+    void giveVolumes(unsigned workers);
     void give(Volume&& volume);
     bool haveWorkers(unsigned count);
     FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
@@ -157,11 +157,14 @@ void VolumeWalker::Walk::lead() {
 void VolumeWalker::Walk::search() {
     if (m_memory) m_started = m_memory->now();
     m_deadline = std::chrono::steady_clock::now() + m_patience;
-    giveVolumes();
     ThreadPace pace(std::thread::hardware_concurrency(), m_budget.threads, blocksReadByProcess());
+    // A member like the workers until it has given all volumes: without it the first of them would be all.
+    bool const isMember = m_exchange.enroll();
+    giveVolumes(pace.threads());
+    if (isMember) m_exchange.withdraw();
     while (haveWorkers(pace.threads()) && pace.canGrow() && !m_exchange.waitUntilOver(ThreadPace::interval))
         pace.look(blocksReadByProcess());
-    if (m_workers.empty()) work(newLog());
+    if (m_workers.empty() && m_exchange.enroll()) work(newLog());
     for (std::thread& worker : m_workers)
         worker.join();
     if (m_wasStopped) return;
@@ -232,7 +235,8 @@ std::optional<VolumeList> VolumeWalker::Walk::listed() {
     return listVolumes(roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
 }
 
-void VolumeWalker::Walk::giveVolumes() {
+// The workers are started here if the last volumes have to be waited for, which they need not.
+void VolumeWalker::Walk::giveVolumes(unsigned workers) {
     std::optional<VolumeList> list = listed();
     if (!list) return m_findings.addRemembered({});
     // What earlier walks wait for comes last, and nothing that is remembered is looked for there.
@@ -247,6 +251,7 @@ void VolumeWalker::Walk::giveVolumes() {
         m_findings.addPackage(std::move(package));
     for (Volume& volume : list->volumes)
         give(std::move(volume));
+    if (!awaited.empty()) (void)haveWorkers(workers);
     for (Volume& volume : awaited) {
         if (awaitVisit(volume)) give(std::move(volume));
     }
@@ -268,7 +273,7 @@ bool VolumeWalker::Walk::haveWorkers(unsigned count) {
         try {
             m_workers.emplace_back([this, &log = newLog()] { work(log); });
         } catch (std::system_error const&) {
-            if (!m_workers.empty()) m_exchange.withdraw(); // else the leader works in its place
+            m_exchange.withdraw();
             return false;
         }
     }

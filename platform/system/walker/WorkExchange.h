@@ -18,7 +18,7 @@ public:
     // Makes one more thread a member. It must be called for a thread before that thread can receive, and for the first
     // before any other has received. False when the walk is over.
     bool enroll();
-    void withdraw(); // a member whose thread could not be started
+    void withdraw(); // a member that only gave, or whose thread could not be started
 
     // Cheap enough to ask at every folder.
     bool isHungry() const { return m_hunger.load(std::memory_order_relaxed) > 0; }

@@ -1,12 +1,20 @@
+#include "platform/system/walker/Packages.h"
+#include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/VolumeVisit.h"
+#include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <chrono>
+#include <deque>
 #include <fcntl.h>
 #include <semaphore>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -27,6 +35,41 @@ TEST_F(MountedVolumes, AreWalkedBelowARoot) {
     std::string const onStick = m_folder.makeFolder("media/stick/a/A.app");
     std::string const beside = m_folder.makeFolder("media/B.app");
     EXPECT_EQ(pathsOfWalk({.roots = {m_folder.path()}}), (Paths{beside, onStick}));
+}
+
+// Walks that were given up still wait on one of them, which is visited again when one of those has left it.
+TEST_F(MountedVolumes, AreNotWaitedForByTheOthers) {
+    std::string const point = m_folder.makeFolder("media/stick");
+    mountMemory(point);
+    std::string const onStick = m_folder.makeFolder("media/stick/a/A.app");
+    std::string const beside = m_folder.makeFolder("media/B.app");
+    std::vector<Volume> const volumes =
+        listVolumes({m_folder.path()}, PackageRule(".app", {}), MountsBelow::Searched).volumes;
+    auto const stick = std::ranges::find(volumes, point, &Volume::path);
+    ASSERT_NE(stick, volumes.end());
+    std::array<std::atomic<bool>, VolumeVisit::MostLeft> given{};
+    for (std::atomic<bool>& wasLeft : given)
+        wasLeft = true;
+    std::deque<VolumeVisit> visits;
+    for (std::atomic<bool> const& wasLeft : given)
+        visits.emplace_back(*stick, wasLeft);
+
+    VolumeWalkRequest request{.roots = {m_folder.path()}};
+    request.patience = std::chrono::minutes(1);
+    VolumeWalker walker(request, nullptr);
+    ASSERT_TRUE(walker.start());
+    Paths found;
+    while (found.empty()) {
+        std::this_thread::yield();
+        found = walker.takeFound();
+    }
+    EXPECT_EQ(walker.progress().unreadableFolders, 0U) << "it was left out before anything was found";
+    EXPECT_EQ(found, Paths{beside});
+    visits.clear();
+    while (!walker.progress().isFinished)
+        std::this_thread::yield();
+    EXPECT_EQ(walker.takeFound(), Paths{onStick});
+    EXPECT_EQ(walker.progress().unreadableFolders, 0U);
 }
 
 TEST_F(MountedVolumes, AreWalkedAsFindListsThem) {
