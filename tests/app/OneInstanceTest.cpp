@@ -52,10 +52,12 @@ public:
         QVariantMap const data = qdbus_cast<QVariantMap>(message.arguments().value(0));
         m_activation = data.value("activation-token").toString().toStdString();
         m_startup = data.value("desktop-startup-id").toString().toStdString();
-        connection.send(message.createReply());
+        connection.send(m_hasWindow ? message.createReply()
+                                    : message.createErrorReply(QDBusError::Failed, "There is no window"));
         return true;
     }
 
+    bool m_hasWindow = true;
     std::string m_method;
     std::string m_activation;
     std::string m_startup;
@@ -165,6 +167,24 @@ TEST_F(OneInstance, ASecondStartOpensAWindowOfItsOwnWhileTheFirstHangs) {
     quit(second, opened(second));
     first.sendSignal(SIGCONT);
     quit(first, psn);
+}
+
+TEST_F(OneInstance, ASecondStartSaysWhyTheFirstDoesNotComeToTheFront) {
+    RecordingInstance first;
+    first.m_hasWindow = false;
+    std::string const log = m_home.path("log");
+    std::string said = "has not answered";
+    // On a busy computer the answer may come later than it is waited for.
+    for (int attempt = 0; attempt < 20 && said.find("has not answered") != std::string::npos; ++attempt) {
+        ChildProcess second({"/bin/sh", "-c", R"(exec "$0" 2>"$1")", PROGRAM, log});
+        first.m_method.clear();
+        EXPECT_TRUE(runUntil([&] { return !first.m_method.empty(); }));
+        quit(second, opened(second));
+        said = textOf(log);
+    }
+    EXPECT_NE(said.find("The other instance cannot come to the front (There is no window); this one opens"),
+              std::string::npos)
+        << said;
 }
 
 TEST_F(OneInstance, OpensAWindowOfItsOwnIfTheEnvironmentAsksForOne) {

@@ -27,6 +27,15 @@ constexpr char StartupKey[] = "desktop-startup-id";
 // "/example/company/Program"
 QString objectPathOf(QString const& name) { return '/' + QString(name).replace('.', '/').replace('-', '_'); }
 
+// Of a reply that is no success, or that there was no time for.
+std::string complaintOf(QDBusMessage const& reply) {
+    QDBusError const error(reply);
+    bool const isAnswer = error.type() != QDBusError::NoError && error.type() != QDBusError::NoReply &&
+                          error.type() != QDBusError::Timeout;
+    if (!isAnswer) return "has not answered";
+    return "cannot come to the front (" + error.message().toStdString() + ")";
+}
+
 QVariantMap platformData(LaunchTokens const& tokens) {
     QVariantMap data;
     if (!tokens.activation.isEmpty()) data.insert(ActivationTokenKey, tokens.activation);
@@ -182,13 +191,13 @@ ApplicationInstance::Standing ApplicationInstance::begin(QString const& name, La
     activation.setArguments({platformData(tokens)});
     // The instance may end meanwhile, and the bus would start another one.
     activation.setAutoStartService(false);
-    auto const left = Patience::left();
-    bool const isRaised =
-        left.count() > 0 && m_connection->call(activation, QDBus::Block, static_cast<int>(left.count())).type() ==
-                                QDBusMessage::ReplyMessage;
+    QDBusMessage reply;
+    if (auto const left = Patience::left(); left.count() > 0)
+        reply = m_connection->call(activation, QDBus::Block, static_cast<int>(left.count()));
     m_connection.reset();
-    if (!isRaised) NSLog("The other instance has not answered; this one opens a window of its own.");
-    return isRaised ? Standing::OtherWasRaised : Standing::IsUnnamed;
+    if (reply.type() == QDBusMessage::ReplyMessage) return Standing::OtherWasRaised;
+    NSLog("The other instance %s; this one opens a window of its own.", complaintOf(reply).c_str());
+    return Standing::IsUnnamed;
 }
 
 bool wantsOwnInstance() {
