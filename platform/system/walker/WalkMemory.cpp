@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <mutex>
 #include <span>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,6 +66,25 @@ Result<void> writeInBlocks(NewFile const& file, std::span<std::byte const> bytes
 SystemError replacedError() { return {.code = ESTALE, .operation = "rename", .item = WalkMemory::fileName}; }
 
 } // namespace
+
+void PatientMutex::lock() {
+    std::unique_lock own(m_mutex);
+    m_released.wait(own, [this] { return !m_isLocked; });
+    m_isLocked = true;
+}
+
+bool PatientMutex::try_lock_for(std::chrono::milliseconds patience) {
+    std::unique_lock own(m_mutex);
+    if (!m_released.wait_for(own, patience, [this] { return !m_isLocked; })) return false;
+    m_isLocked = true;
+    return true;
+}
+
+void PatientMutex::unlock() {
+    std::lock_guard const own(m_mutex);
+    m_isLocked = false;
+    m_released.notify_one();
+}
 
 WalkMemory::WalkMemory(std::string folder, std::function<std::int64_t()> clock, std::chrono::milliseconds patience)
     : m_folder(std::move(folder)), m_clock(std::move(clock)), m_patience(patience) {}

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "platform/system/walker/PatientMutex.h"
 #include "platform/system/walker/RememberedFolders.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,21 @@ std::vector<std::byte> bytesOfWalk(RememberedWalk const& walk);
 std::optional<RememberedWalk> walkOfBytes(std::vector<std::byte> bytes);
 // Reads bytes whose checksum is known to be right, without comparing it.
 std::optional<RememberedWalk> walkOfCheckedBytes(std::vector<std::byte> bytes);
+
+// A mutex that a thread waits for so long as it likes, for what may be held while a disk does not answer. It does the
+// work of std::timed_mutex, whose locking GCC's thread sanitizer does not see: it then reports each unlocking. Any
+// thread; fits std::unique_lock and std::lock_guard, which lay down the names.
+class PatientMutex {
+public:
+    void lock();
+    bool try_lock_for(std::chrono::milliseconds patience);
+    void unlock();
+
+private:
+    std::mutex m_mutex; // guards m_isLocked, and is never held while the disk is asked
+    std::condition_variable m_released;
+    bool m_isLocked = false;
+};
 
 // Keeps one walk in memory and in a file, in a folder that is made for this user alone. The folder may be removed at
 // any time. A file is not read unless it and its folder belong to this user and can be written by no other. Any thread.
