@@ -153,7 +153,7 @@ private:
         return raiseWindows(tokensIn(platformData)) ? Answer::IsDone : Answer::HasNoWindow;
     }
 
-    Answer handle(QDBusMessage const& message) {
+    Answer handle(QDBusMessage const& message) const {
         QVariantList const arguments = message.arguments();
         QString const method = message.member();
         if (method == "Activate" && message.signature() == "a{sv}") return raise(arguments[0]);

@@ -59,6 +59,7 @@ protected:
 
 std::vector<std::string> pathsOfRows(int count) {
     std::vector<std::string> paths;
+    paths.reserve(static_cast<std::size_t>(count));
     for (int row = 0; row < count; ++row)
         paths.push_back("/row/" + std::to_string(row));
     return paths;
@@ -155,7 +156,7 @@ TEST_F(AnsweringItemsTest, TellOnlyThoseWhoDidWithoutTheAnswer) {
 TEST(AnsweringItems, AreAllAskedHoweverManyDoNotAnswer) {
     std::vector<std::string> paths = pathsOfRows(30);
     std::vector<std::string> const silent = paths;
-    paths.push_back("/answers");
+    paths.emplace_back("/answers");
     // On a busy computer the last may be asked too late, but not always.
     bool isLastAsked = false;
     for (int round = 0; round < 10 && !isLastAsked; ++round) {
