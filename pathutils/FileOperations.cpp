@@ -25,7 +25,8 @@ bool moveFile(NSString const& path, NSString const& newPath) {
     return NSFileManager::defaultManager().movePath_toPath_handler_(path, newPath, nil);
 }
 
-// Whether there is no item at the path; false if that cannot be found out.
+// Whether there is no item at the path. Linux: false if that cannot be found out, as in a folder that the user may not
+// enter, so that nobody takes the item for removed.
 bool isMissing(NSString const& path) {
     Result<OpenItem> const item =
         openItemAtPath(path.fileSystemRepresentation().value_or(""), LinkAtEnd::IsNotFollowed);
@@ -51,6 +52,8 @@ bool pxRemoveFile(NSString receiver) {
 
 bool pxRemoveFileIfExists(NSString receiver) {
     if (receiver == nil) return false;
+    // No item exists at a relative path, whatever the current folder holds.
+    if (!receiver.codeUnits().starts_with(u'/')) return true;
     return pxRemoveFile(receiver) || isMissing(receiver);
 }
 

@@ -18,8 +18,8 @@ namespace mac {
 NSString pxRemoveFile2(NSString receiver);
 // Deletes the item for good, a folder with all that is in it; a symbolic link itself. NO if that fails.
 bool pxRemoveFile(NSString receiver);
-// Deletes the item for good, a folder with all that is in it; YES also if there is no item. A dangling symbolic link is
-// an item.
+// Deletes the item for good, a folder with all that is in it; YES also if there is no item, as at any relative path. A
+// dangling symbolic link is an item.
 bool pxRemoveFileIfExists(NSString receiver);
 // Deletes the items at all paths for good, NSNull objects left out; NO if one could not be deleted, after the rest.
 bool pxRemoveFiles(NSEnumerator receiver);

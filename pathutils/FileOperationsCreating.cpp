@@ -43,6 +43,9 @@ bool makeWithFoldersAbove(NSString const& path, NSString const& model,
     return std::all_of(missing.rbegin(), missing.rend(), make);
 }
 
+// Links are not followed; the path may be relative.
+bool isThere(NSString const& path) { return KRCPathGetFileType(path) != nil; }
+
 bool makeLikeModel(FolderToMake const& folder) {
     FSRef model{};
     FSRef parent{};
@@ -80,10 +83,11 @@ NSString pxCreateUniqueFolder(NSString receiver) {
     NSString candidate = path;
     for (std::int32_t number = 1;; ++number) {
         if (makeFolder(candidate, nil)) return candidate;
-        // Only a name that is taken lets another one be tried. The item that has taken it may have gone meanwhile.
-        bool const isTaken = KRCPathExistsTraverseLink_(candidate, NO);
+        // Linux: only a name that is taken lets another one be tried, so that the search ends where no folder can be
+        // made. The item that has taken it may have gone meanwhile.
+        bool const isTaken = isThere(candidate);
         if (!isTaken && makeFolder(candidate, nil)) return candidate;
-        if (!isTaken && !KRCPathExistsTraverseLink_(candidate, NO)) return nil;
+        if (!isTaken && !isThere(candidate)) return nil;
         candidate = parent.stringByAppendingPathComponent_(
             NSString::stringWithFormat_("%@-%d", path.lastPathComponent(), number));
     }

@@ -44,7 +44,8 @@ bool getReferenceToItself(NSString const& path, FSRef& ref, bool& isDirectory) {
 std::optional<OpenItem> openItself(NSString const& path) {
     NSString const folder = path.stringByDeletingLastPathComponent();
     NSString const name = path.lastPathComponent();
-    if (folder.length() == 0 || name.isEqualToString_(".") || name.isEqualToString_("..")) return std::nullopt;
+    bool const isAbsolute = path.codeUnits().starts_with(u'/');
+    if (!isAbsolute || name.isEqualToString_(".") || name.isEqualToString_("..")) return std::nullopt;
     std::optional<std::string> const bytes = folder.stringByAppendingPathComponent_(name).fileSystemRepresentation();
     if (!bytes) return std::nullopt;
     Result<OpenItem> item = openItemAtPath(*bytes, LinkAtEnd::IsNotFollowed);

@@ -8,7 +8,7 @@ namespace mac {
 
 // What the Finder and Launch Services know of the item at a path, and references to it. Out-arguments are written on
 // success alone, but where said. Nothing is raised or logged. Main thread. A nil receiver answers NO and what is said
-// for an unknown volume.
+// for an unknown volume; so does a relative path, but for the flags of Launch Services.
 
 // A reference to the item. With YES a link at the end is followed, and the folder answer is that of the path's URL;
 // with NO the link itself is meant, and the answer is its type's. The last out-argument may be null. On failure the

@@ -114,15 +114,17 @@ bool KRCPathGetFSRef_(NSString receiver, FSRef* ref) {
 }
 
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory) {
-    NSURL const url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, KRCPathGetFileSystemPath(receiver),
-                                                    kCFURLPOSIXPathStyle, isDirectory);
+    NSURL url;
+    if (isUsable(receiver))
+        url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, KRCPathGetFileSystemPath(receiver),
+                                            kCFURLPOSIXPathStyle, isDirectory);
     if (!(url == nil)) return KRCURLGetFSRef_(url, ref);
     clear(ref);
     return false;
 }
 
 bool KRCPathGetFSRef_getIsDirectory_(NSString receiver, FSRef* ref, bool* isDirectory) {
-    NSURL const url = receiver == nil ? NSURL(nil) : NSURL::fileURLWithPath_(receiver);
+    NSURL const url = isUsable(receiver) ? NSURL::fileURLWithPath_(receiver) : NSURL(nil);
     if (url == nil) {
         clear(ref);
         return false;

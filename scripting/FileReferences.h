@@ -49,15 +49,13 @@ NSString KRCPathGetFileSystemPath(NSString receiver);
 
 // The path of where the referenced item is now; nil for null and if the item is not found.
 NSString KRCPathWithFSRef_(FSRef const* ref);
-// Makes a reference; links are followed. NO, and all 80 bytes zero, if there is no item. This and the next two go by
-// the path's file URL, which for a relative path starts at the current folder: such a path leads to a reference, though
-// it does not exist for the operations above.
+// Makes a reference; links are followed. NO, and all 80 bytes zero, if there is no item, as at any relative path.
 bool KRCPathGetFSRef_(NSString receiver, FSRef* ref);
 // Makes a reference by the file URL that ends with a slash if isDirectory is YES and without if it is NO, whatever is
 // at the path. NO, and all 80 bytes zero, if there is no item.
 bool KRCPathGetFSRef_isDirectory_(NSString receiver, FSRef* ref, BOOL isDirectory);
 // Makes a reference and answers in isDirectory, which may be null, whether the path's URL is that of a folder. NO, and
-// all 80 bytes zero, if there is no item.
+// all 80 bytes zero, if there is no item. The flag stays as it is for a path that is not absolute.
 bool KRCPathGetFSRef_getIsDirectory_(NSString receiver, FSRef* ref, bool* isDirectory);
 
 // The display names, as the Finder shows them, of all folders above and of the item, the root first.

@@ -4,6 +4,7 @@
 #include "platform/foundation/files/NSFileAttributes.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "tests/support/DiskContents.h"
+#include "tests/support/Environment.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
@@ -91,6 +92,15 @@ TEST_F(FileOperationsCreating, AUniqueFolderGetsTheNextFreeName) {
     m_folder.makeFile("g", "");
     ASSERT_EQ(::symlink("nowhere", m_folder.path("g-1").c_str()), 0);
     EXPECT_EQ(fileSystemBytes(pxCreateUniqueFolder(at("g"))), m_folder.path("g-2"));
+}
+
+TEST_F(FileOperationsCreating, AUniqueFolderMayLieAtARelativePath) {
+    m_folder.makeFolder("folder");
+    CurrentFolder const current(m_folder.path());
+    for (char const* const expected : {"folder/f", "folder/f-1", "folder/f-2"})
+        EXPECT_EQ(fileSystemBytes(pxCreateUniqueFolder("folder/f")), expected);
+    EXPECT_TRUE(pxCreateUniqueFolder("f") == nil) << "the empty path is no folder";
+    EXPECT_EQ(namesIn(m_folder.path("folder")), (Names{"f", "f-1", "f-2"}));
 }
 
 TEST_F(FileOperationsCreating, NoUniqueFolderIsMadeWhereNoneCanBe) {

@@ -1,6 +1,7 @@
 #include "pathutils/FileOperations.h"
 #include "platform/foundation/objects/NSNull.h"
 #include "tests/support/DiskContents.h"
+#include "tests/support/Environment.h"
 #include "tests/support/ObjectTexts.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
@@ -62,6 +63,27 @@ TEST_F(FileOperations, RemovesWhatExistsOrNothing) {
     EXPECT_TRUE(pxRemoveFileIfExists(at("lost")));
     EXPECT_TRUE(pxRemoveFileIfExists(at("file")));
     EXPECT_TRUE(namesIn(m_folder.path()).empty());
+}
+
+TEST_F(FileOperations, FindsNothingToRemoveAtARelativePath) {
+    m_folder.makeFile("file", "contents");
+    CurrentFolder const current(m_folder.path());
+    for (char const* const relative : {"file", "./file", "../", "~/file"})
+        EXPECT_TRUE(pxRemoveFileIfExists(path(relative))) << relative;
+    EXPECT_TRUE(pxRemoveFiles(NSArray::arrayWithObject_("file").objectEnumerator()));
+    EXPECT_EQ(textOf(m_folder.path("file")), "contents");
+}
+
+TEST_F(FileOperations, DoesNotTakeWhatCannotBeLookedAtForRemoved) {
+    m_folder.makeFile("closed/file", "contents");
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0), 0);
+    {
+        OrdinaryUser const user;
+        EXPECT_FALSE(pxRemoveFileIfExists(at("closed/file")));
+    }
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0700), 0);
+    EXPECT_EQ(textOf(m_folder.path("closed/file")), "contents");
 }
 
 TEST_F(FileOperations, RemovesAllThatAnEnumeratorGives) {

@@ -88,6 +88,25 @@ TEST_F(FinderMetadata, AReferenceToNothingIsAllZero) {
     }
 }
 
+TEST_F(FinderMetadata, AtARelativePathThereIsNothing) {
+    CurrentFolder const current(m_folder.path());
+    for (char const* const relative : {"folder", "folder/file", "./link", "."}) {
+        SCOPED_TRACE(relative);
+        FSRef ref = filledReference();
+        EXPECT_FALSE(KRPathGetFSRef_traverseLink_(path(relative), &ref, NO));
+        EXPECT_EQ(ref, FSRef{});
+        std::uint16_t flags = 7;
+        HFSUniStr255 name{};
+        EXPECT_FALSE(KRPathGetParentFSRef_name_(path(relative), &ref, &name));
+        EXPECT_EQ(pxVolumeRefNumOfPath(path(relative)), 0x3F3F);
+        EXPECT_EQ(pxFilesystemIDForPath(path(relative)), 0xFFFF);
+        EXPECT_FALSE(pxFinderFlagsOfPath_(path(relative), &flags));
+        EXPECT_FALSE(pxSetFinderFlagsOfPath_mask_(path(relative), 0x4000, 0x4000));
+        EXPECT_EQ(flags, 7);
+    }
+    EXPECT_EQ(flagsOf("folder"), 0);
+}
+
 TEST_F(FinderMetadata, AParentComesWithTheNameInIt) {
     m_folder.makeFile("folder/a:b", "");
     FSRef parent{};
@@ -234,6 +253,9 @@ TEST_F(FinderMetadata, FlagsFolderIconAndLabelComeTogether) {
     EXPECT_TRUE(isFolder);
     EXPECT_EQ(label, 0);
     EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder"), {}, {}, {}, {}));
+    // Looking for the label finds an icon, too, be it the item's own or that of its type.
+    EXPECT_TRUE(pxFinderFlagsOfPath_isFolder_customIconRef_labelIndex_(at("folder"), {}, {}, &icon, &label));
+    EXPECT_EQ(ReleaseIconRef(icon), noErr);
 }
 
 TEST_F(FinderMetadata, NothingIsWrittenForAMissingItem) {

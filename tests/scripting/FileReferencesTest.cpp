@@ -3,13 +3,12 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "tests/platform/files/references/References.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/Environment.h"
 #include "tests/support/Failures.h"
 #include "tests/support/FolderWithLinks.h"
 #include "tests/support/ObjectTexts.h"
 #include <algorithm>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,26 +62,23 @@ TEST_F(KRCPaths, ThatAreRelativeDoNotExist) {
     EXPECT_FALSE(isDirectory);
 }
 
-// Their URLs start at the current folder, and so do the references that are made of these.
-TEST_F(KRCPaths, ThatAreRelativeLeadToReferencesAllTheSame) {
-    FSRef expected{};
-    ASSERT_TRUE(KRCPathGetFSRef_(at("folder/file"), &expected));
-    std::unique_ptr<char, decltype(&std::free)> const before(::getcwd(nullptr, 0), &std::free);
-    ASSERT_EQ(::chdir(at("folder").fileSystemRepresentation().value().c_str()), 0);
-    FSRef reference{};
-    FSRef again{};
-    bool isDirectory = true;
-    bool const isMade = KRCPathGetFSRef_("file", &reference);
-    bool const isMadeAgain = KRCPathGetFSRef_isDirectory_("./file", &again, NO);
-    bool const isMadeAtLast = KRCPathGetFSRef_getIsDirectory_("../folder/file", &expected, &isDirectory);
-    FSRef none = expected;
-    bool const isNone = !KRCPathGetFSRef_("none", &none);
-    ASSERT_EQ(::chdir(before.get()), 0);
-    EXPECT_TRUE(isMade && isMadeAgain && isMadeAtLast && isNone);
-    EXPECT_FALSE(isDirectory);
-    EXPECT_TRUE(reference == expected);
-    EXPECT_TRUE(again == expected);
-    EXPECT_TRUE(none == FSRef{});
+TEST_F(KRCPaths, ThatAreRelativeBecomeNoReferences) {
+    CurrentFolder const current(m_folder.path());
+    for (char const* const relative : {"folder", "folder/", "./folder/file", ".", "../", "~"}) {
+        bool isDirectory = true;
+        FSRef reference = filledReference();
+        EXPECT_FALSE(KRCPathGetFSRef_(path(relative), &reference)) << relative;
+        EXPECT_TRUE(isZero(reference));
+        reference = filledReference();
+        EXPECT_FALSE(KRCPathGetFSRef_isDirectory_(path(relative), &reference, YES)) << relative;
+        EXPECT_TRUE(isZero(reference));
+        reference = filledReference();
+        EXPECT_FALSE(KRCPathGetFSRef_getIsDirectory_(path(relative), &reference, &isDirectory)) << relative;
+        EXPECT_TRUE(isZero(reference));
+        EXPECT_TRUE(isDirectory);
+        EXPECT_FALSE(KRCPathGetFSRef_(path(relative), {})) << relative;
+    }
+    EXPECT_EQ(fileSystemBytes(KRCPathGetFileType("folder")), NSFileTypeDirectory) << "which is asked for by any path";
 }
 
 TEST_F(KRCPaths, TellFoldersWithLinksFollowed) {

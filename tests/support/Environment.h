@@ -34,6 +34,23 @@ private:
     std::optional<std::string> m_before;
 };
 
+// Makes a folder the current one. The destructor goes back to the former.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(std::string const& folder) {
+        if (m_before < 0 || ::chdir(folder.c_str()) != 0) std::abort();
+    }
+    ~CurrentFolder() {
+        if (::fchdir(m_before) != 0) std::abort();
+        ::close(m_before);
+    }
+    CurrentFolder(CurrentFolder const&) = delete;
+    CurrentFolder& operator=(CurrentFolder const&) = delete;
+
+private:
+    int m_before{::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)};
+};
+
 // Limits how many files this process may open beside those that are open. The destructor restores the former limit.
 class OpenFilesLimit {
 public:
