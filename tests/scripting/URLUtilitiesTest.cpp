@@ -2,9 +2,13 @@
 #include "pathutils/FinderMetadata.h"
 #include "platform/files/volumes/VolumeInformation.h"
 #include "platform/launchservices/ItemInformation.h"
+#include "tests/support/ObjectTexts.h"
+#include "tests/support/OrdinaryUser.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Texts.h"
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -43,6 +47,25 @@ TEST(URLUtilities, AURLOfNoVolumeHasNoVolumesPath) {
                               NSURL::URLWithString_("http://localhost/"), NSURL::URLWithString_("file:///"),
                               NSURL::URLWithString_("FILE://localhost/"), NSURL(nil)})
         EXPECT_TRUE(KRVolumeURLGetPath(none) == nil);
+}
+
+class URLUtilitiesOnVolumes : public PrivateMounts {
+protected:
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(URLUtilitiesOnVolumes, AVolumeIsFoundBehindOneThatTheUserMayNotReach) {
+    std::string const behind = m_folder.makeFolder("open");
+    mountMemory(m_folder.makeFolder("closed/volume"));
+    mountMemory(behind);
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0), 0);
+    {
+        OrdinaryUser const user;
+        EXPECT_EQ(text(KRVolumeURLGetPath(fileURL(behind))), behind);
+        EXPECT_EQ(text(KRVolumeURLGetPath(fileURL(m_folder.path("closed/volume/")))), "-");
+    }
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0700), 0);
 }
 
 TEST(URLUtilities, IconsAndTimesAreThoseOfThePath) {

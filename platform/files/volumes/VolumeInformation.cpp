@@ -128,11 +128,12 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
     read.flags = found->isReadOnly ? kFSVolFlagSoftwareLockedMask : 0;
     read.filesystemID = fileSystemIdentifier(found->fileSystem, found->isLocal);
     Result<FSRef> const root = rootDirectory ? referenceToPath(found->mountPoint, LinkAtEnd::IsFollowed) : FSRef{};
-    if (!root.hasValue()) return ioErr;
+    // A walk by index goes on behind a volume whose root the user may not reach.
+    if (!root.hasValue() && volumeIndex == 0) return ioErr;
     if (whichInfo != kFSVolInfoNone) *info = read;
     if (actualVolume) *actualVolume = numberOfVolume(*found);
     if (volumeName) *volumeName = nameOf(*found);
-    if (rootDirectory) *rootDirectory = root.value();
+    if (rootDirectory) *rootDirectory = root.hasValue() ? root.value() : FSRef{};
     return noErr;
 }
 

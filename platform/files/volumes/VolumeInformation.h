@@ -46,7 +46,8 @@ struct FSVolumeInfo {
 // the startup volume is the first. Linux: memory that the system mounts below /dev and /sys has a number, but no index.
 // The output parameters may be null; so may the information, with an empty mask. The name is in the form of HFS, empty
 // if no HFSUniStr255 can hold it. Nothing is written on failure: errFSBadInfoBitmap for bits other than those above,
-// nsvErr, paramErr.
+// nsvErr, paramErr; ioErr for a number whose root cannot be opened. Linux: for an index such a reference is all zero,
+// so that a mount of another user does not end a walk.
 OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefNum* actualVolume,
                       FSVolumeInfoBitmap whichInfo, FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);
 // Stores the file URL of the volume's root. paramErr for a null pointer, nsvErr if no volume has that number.

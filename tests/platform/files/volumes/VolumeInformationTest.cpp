@@ -1,12 +1,15 @@
 #include "platform/files/volumes/VolumeInformation.h"
 #include "platform/files/references/ItemReferences.h"
 #include "platform/files/volumes/Volumes.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 
 namespace mac::test {
@@ -137,6 +140,31 @@ TEST_F(MountedVolumeNumbers, OfTheSystemsMemoryAreNotListedButKnown) {
     FSVolumeInfo information;
     EXPECT_EQ(FSGetVolumeInfo(numberOf("/dev/shm"), 0, nullptr, kFSVolInfoSizes, &information, nullptr, nullptr), noErr)
         << "it has room for items";
+}
+
+TEST_F(MountedVolumeNumbers, AreWalkedPastARootThatTheUserMayNotReach) {
+    std::string const behind = m_folder.makeFolder("open");
+    mountMemory(m_folder.makeFolder("closed/volume"));
+    mountMemory(behind);
+    FSVolumeRefNum const closed = numberOf(m_folder.path("closed/volume"));
+    FSVolumeRefNum const open = numberOf(behind);
+    std::map<FSVolumeRefNum, FSRef> roots;
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0), 0);
+    {
+        OrdinaryUser const user;
+        FSVolumeRefNum number = 0;
+        FSRef root{};
+        for (ItemCount index = 1;
+             FSGetVolumeInfo(kFSInvalidVolumeRefNum, index, &number, kFSVolInfoNone, nullptr, nullptr, &root) == noErr;
+             ++index)
+            roots[number] = root;
+        EXPECT_EQ(FSGetVolumeInfo(closed, 0, nullptr, kFSVolInfoNone, nullptr, nullptr, &root), ioErr);
+    }
+    ASSERT_EQ(::chmod(m_folder.path("closed").c_str(), 0700), 0);
+    ASSERT_TRUE(roots.contains(closed) && roots.contains(open));
+    EXPECT_EQ(roots[closed], FSRef{});
+    EXPECT_EQ(roots[open], referenceToPath(behind, LinkAtEnd::IsFollowed).value());
 }
 
 TEST_F(MountedVolumeNumbers, NameNothingOnceTheVolumeHasGone) {
