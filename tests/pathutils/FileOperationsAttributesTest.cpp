@@ -207,6 +207,8 @@ TEST_F(FileOperationsAttributes, NamedAttributesAreTakenFromAModel) {
     EXPECT_EQ(statusOf("file").st_mtim.tv_sec, 1000);
     EXPECT_TRUE(pxSetFileAttributes_from_(at("file"), NSArray::arrayWithObject_(NSFilePosixPermissions), at("model")));
     EXPECT_EQ(modeOf("file"), 0640U);
+    EXPECT_TRUE(pxSetFileAttributes_from_(at("file"), NSArray::arrayWithObject_(NSFileCreationDate), at("model")));
+    EXPECT_EQ(attributesOf("file").fileCreationDate().timeIntervalSince1970(), 500);
     EXPECT_TRUE(pxSetFileAttributes_from_(at("file"), nil, at("model")));
     NSArray const keys = NSArray::arrayWithObject_(NSFilePosixPermissions);
     for (NSString const& none : {at("none"), NSString(""), NSString()}) {

@@ -200,12 +200,19 @@ TEST_F(FileOperationsCreating, AFolderGetsTheAttributesThatAreNamed) {
     struct stat status {};
     ASSERT_EQ(::stat(m_folder.path("copies/1/2").c_str(), &status), 0);
     EXPECT_EQ(status.st_mtim.tv_sec, 5);
+    ASSERT_TRUE(pxSetFileModificationDate_creationDate_(at("models/one/two"), NSDate::dateWithTimeIntervalSince1970_(9),
+                                                        NSDate::dateWithTimeIntervalSince1970_(7)));
+    EXPECT_TRUE(pxCreateFolderWithAttributes_from_(at("copies/dated"), NSArray::arrayWithObject_(NSFileCreationDate),
+                                                   at("models/one/two")));
+    NSDictionary const dated =
+        NSFileManager::defaultManager().fileAttributesAtPath_traverseLink_(at("copies/dated"), NO);
+    EXPECT_EQ(dated.fileCreationDate().timeIntervalSince1970(), 7);
     EXPECT_TRUE(pxCreateFolderWithAttributes_from_(at("copies/3"), nil, at("models/one/two")));
     EXPECT_TRUE(pxCreateFolderWithAttributes_from_(at("copies"), keys, at("none"))) << "something is there";
     EXPECT_FALSE(pxCreateFolderWithAttributes_from_(at("copies/4"), keys, at("none")));
     EXPECT_FALSE(pxCreateFolderWithAttributes_from_(at("copies/4"), keys, nil));
     EXPECT_FALSE(pxCreateFolderWithAttributes_from_(nil, keys, at("models/one")));
-    EXPECT_EQ(namesIn(m_folder.path("copies")), (Names{"1", "3"}));
+    EXPECT_EQ(namesIn(m_folder.path("copies")), (Names{"1", "3", "dated"}));
 }
 
 } // namespace

@@ -23,8 +23,8 @@ std::optional<bool> isAppendOnly(FileDescriptor const& item);
 NSDate creationDateOf(FileDescriptor const& item);
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
-// Immutable and append only alone; what the dictionary does not say stays.
-bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes);
+// The creation date, immutable and append only alone; what the dictionary does not say stays.
+bool changeCreationDateAndLocks(FileDescriptor const& item, NSDictionary const& attributes);
 
 NSDictionary volumeAttributesOf(FileDescriptor const& item);
 

@@ -1,11 +1,14 @@
 #include "platform/foundation/dates/NSDate.h"
+#include "platform/foundation/dates/UTCDateTime.h"
 #include "platform/foundation/files/FileAttributes.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/system/FileDescriptor.h"
 #include "platform/system/OpenItems.h"
 #include "platform/system/Users.h"
+#include "platform/system/items/ItemAttributes.h"
 #include "platform/system/items/ItemDates.h"
 #include "platform/system/items/ItemLock.h"
+#include "platform/system/items/KeptCreationDate.h"
 #include <cmath>
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -78,10 +81,19 @@ bool changeImmutable(FileDescriptor const& item, NSNumber const& wanted) {
 }
 
 bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
-    if (wanted == nil) return true;
     NSDate const date = creationDateOf(item);
     constexpr double precision = 1e-3;
     return !(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision;
+}
+
+bool changeCreationDate(FileDescriptor const& item, NSDate const& wanted) {
+    if (wanted == nil || hasCreationDate(item, wanted)) return true;
+    UTCDateTime date;
+    if (UCConvertCFAbsoluteTimeToUTCDateTime(wanted.timeIntervalSinceReferenceDate(), &date) != noErr) return false;
+    Result<OpenItem> const found = openItemInItsFolder(item);
+    return found.hasValue() && changeAttributesAsOwner(found.value(), [&] {
+                                   return keepCreationDate(found.value(), {unitsOf(date)});
+                               }).isDone();
 }
 
 } // namespace
@@ -91,11 +103,11 @@ bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attrib
     if (!wasAppendOnly) return false;
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
-    // Asked before the changes, after which it may not be ours to read.
-    bool done = hasCreationDate(item, attributes.fileCreationDate());
     // What forbids changes is lifted first and put on last.
-    if (!immutable.boolValue()) done = changeImmutable(item, immutable) && done;
+    bool done = immutable.boolValue() || changeImmutable(item, immutable);
     if (*wasAppendOnly) done = changeAppendOnly(item, appendOnly, true) && done;
+    // Before the item gets another owner, after which it may not be ours to write to.
+    done = changeCreationDate(item, attributes.fileCreationDate()) && done;
     done = changeOwners(item, attributes) && done;
     done = changePermissions(item, as<NSNumber>(attributes.objectForKey_(NSFilePosixPermissions))) && done;
     done = changeModificationDate(item, attributes.fileModificationDate()) && done;
@@ -104,10 +116,11 @@ bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attrib
     return done;
 }
 
-bool changeLocks(FileDescriptor const& item, NSDictionary const& attributes) {
+bool changeCreationDateAndLocks(FileDescriptor const& item, NSDictionary const& attributes) {
     NSNumber const immutable = as<NSNumber>(attributes.objectForKey_(NSFileImmutable));
     NSNumber const appendOnly = as<NSNumber>(attributes.objectForKey_(NSFileAppendOnly));
-    bool const done = changeAppendOnly(item, appendOnly, isAppendOnly(item).value_or(false));
+    bool done = changeCreationDate(item, attributes.fileCreationDate());
+    done = changeAppendOnly(item, appendOnly, isAppendOnly(item).value_or(false)) && done;
     return changeImmutable(item, immutable) && done;
 }
 

@@ -62,9 +62,11 @@ mode_t modeOf(NSDictionary const& attributes, mode_t usual) {
 // Linked in or not, the room that knows better sets it before main.
 constinit std::atomic<DisplayNameSource> s_displayNameSource{nullptr};
 
-// What forbids every change, renaming too, has to wait until a file has its place.
-NSDictionary withoutLocks(NSDictionary const& attributes) {
+// What forbids every change, renaming too, has to wait until a file has its place, and so does the creation date, which
+// may be kept in a file beside it.
+NSDictionary withoutDateAndLocks(NSDictionary const& attributes) {
     NSMutableDictionary const rest = NSMutableDictionary::dictionaryWithDictionary_(attributes);
+    rest.removeObjectForKey_(NSFileCreationDate);
     rest.removeObjectForKey_(NSFileImmutable);
     rest.removeObjectForKey_(NSFileAppendOnly);
     return rest;
@@ -249,11 +251,11 @@ bool NSFileManager::createFileAtPath_contents_attributes_(NSString const& path, 
     if (attributes.count() > 0) {
         // Once the file is written, and before it has the name.
         how.beforeFlushing = [&](FileDescriptor const& file) {
-            hasAttributes = changeFileAttributes(file, withoutLocks(attributes));
+            hasAttributes = changeFileAttributes(file, withoutDateAndLocks(attributes));
             return Result<void>();
         };
         how.afterRenaming = [&](FileDescriptor const& file) {
-            hasAttributes = changeLocks(file, attributes) && hasAttributes;
+            hasAttributes = changeCreationDateAndLocks(file, attributes) && hasAttributes;
             return Result<void>();
         };
     }

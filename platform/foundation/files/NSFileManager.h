@@ -33,9 +33,9 @@ public:
     // The attributes under the keys of NSFileAttributes.h; nil if there is no item. With NO a final symbolic link is
     // not followed. A creation date that FSSetCatalogInfo set counts, and not the file system's own.
     NSDictionary fileAttributesAtPath_traverseLink_(NSString const& path, BOOL traverseLink) const;
-    // Sets the attributes that can be changed: permissions, modification date, owner, group, immutable and append only;
-    // other keys are ignored. False if one of them could not be set; others may have been set then.
-    // Linux: no file system lets the creation date be set, so asking for another one is a failure.
+    // Sets the attributes that can be changed: permissions, both dates, owner, group, immutable and append only; other
+    // keys are ignored. False if one of them could not be set; others may have been set then.
+    // Linux: no file system lets the creation date be set, so it is kept where FSSetCatalogInfo keeps it.
     bool changeFileAttributes_atPath_(NSDictionary const& attributes, NSString const& path) const;
     // The attributes of the volume that holds the path; sizes in bytes.
     NSDictionary fileSystemAttributesAtPath_(NSString const& path) const;

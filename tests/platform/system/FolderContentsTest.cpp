@@ -238,8 +238,13 @@ TEST_F(NSFileManagerContents, OfANewFileHaveTheirAttributesFromTheBeginning) {
     NSDictionary const found = manager().fileAttributesAtPath_traverseLink_(at("file"), NO);
     EXPECT_EQ(found.filePosixPermissions(), 0400U);
     EXPECT_EQ(found.fileModificationDate().timeIntervalSince1970(), 1'000);
-    // A failure is told, and the file is there.
-    attributes.setObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1'000), NSFileCreationDate);
+    attributes.setObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(500), NSFileCreationDate);
+    EXPECT_TRUE(manager().createFileAtPath_contents_attributes_(at("dated"), bytes("three"), attributes));
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("dated"), NO).fileCreationDate().timeIntervalSince1970(),
+              500);
+    EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("dated"), NO).filePosixPermissions(), 0400U);
+    // A failure is told, and the file is there: no record can hold the date.
+    attributes.setObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(-1e13), NSFileCreationDate);
     EXPECT_FALSE(manager().createFileAtPath_contents_attributes_(at("other"), bytes("two"), attributes));
     EXPECT_EQ(manager().fileAttributesAtPath_traverseLink_(at("other"), NO).filePosixPermissions(), 0400U);
     EXPECT_TRUE(manager().contentsAtPath_(at("other")).isEqualToData_(bytes("two")));

@@ -8,11 +8,13 @@
 #include "platform/system/items/KeptCreationDate.h"
 #include "tests/pathutils/AttributeCalls.h"
 #include "tests/platform/system/LongFolder.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/Protection.h"
 #include "tests/support/Texts.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace mac::test {
@@ -53,7 +55,7 @@ TEST(NSFileAttributes, AreWhatTheSystemTells) {
     EXPECT_TRUE(found.objectForKey_(NSFileDeviceIdentifier) == nil);
 }
 
-TEST(NSFileAttributes, HaveACreationDateThatStays) {
+TEST(NSFileAttributes, HaveACreationDateThatStaysUntilItIsSet) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");
     NSDate const created = attributes(file).fileCreationDate();
@@ -65,9 +67,37 @@ TEST(NSFileAttributes, HaveACreationDateThatStays) {
     EXPECT_TRUE(attributes(file).fileCreationDate().isEqualToDate_(created));
     NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(created, NSFileCreationDate);
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
+    EXPECT_EQ(::getxattr(file.c_str(), "user.com.apple.FSCatalogInfo.createDate", nullptr, 0), -1)
+        << "it has that date";
     NSDictionary const other =
-        NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1), NSFileCreationDate);
-    EXPECT_FALSE(manager().changeFileAttributes_atPath_(other, path(file)));
+        NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1.5), NSFileCreationDate);
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(other, path(file)));
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 1.5);
+    NSDictionary const tooEarly =
+        NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(-1e13), NSFileCreationDate);
+    EXPECT_FALSE(manager().changeFileAttributes_atPath_(tooEarly, path(file)));
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 1.5);
+}
+
+TEST(NSFileAttributes, SetACreationDateBesideALockAndWithoutPermissionToWrite) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    OrdinaryUser::own(folder.path());
+    OrdinaryUser::own(file);
+    ASSERT_EQ(::chmod(file.c_str(), 0444), 0);
+    NSDictionary const wanted =
+        NSDictionary::dictionaryWithObjectsAndKeys_({NSDate::dateWithTimeIntervalSince1970_(7), NSFileCreationDate,
+                                                     NSNumber::numberWithBool_(YES), NSFileImmutable});
+    NSDictionary const unlocked =
+        NSDictionary::dictionaryWithObjectsAndKeys_({NSDate::dateWithTimeIntervalSince1970_(9), NSFileCreationDate,
+                                                     NSNumber::numberWithBool_(NO), NSFileImmutable});
+    OrdinaryUser const user;
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(wanted, path(file)));
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 7);
+    EXPECT_TRUE(attributes(file).fileIsImmutable());
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(unlocked, path(file)));
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 9);
+    EXPECT_EQ(attributes(file).filePosixPermissions(), 0444U);
 }
 
 TEST(NSFileAttributes, TellTheCreationDateThatWasSet) {
@@ -94,11 +124,11 @@ TEST(NSFileAttributes, AskForTheCreationDateOnlyWhereItIsWanted) {
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(permissions(0600), path(file)));
     NSDictionary const unlocked =
         NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(NO), NSFileImmutable);
-    EXPECT_TRUE(changeLocks(FileDescriptor(::open(file.c_str(), O_PATH | O_CLOEXEC)), unlocked));
+    EXPECT_TRUE(changeCreationDateAndLocks(FileDescriptor(::open(file.c_str(), O_PATH | O_CLOEXEC)), unlocked));
     EXPECT_EQ(questions, 0U);
     NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(
         NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
-    EXPECT_FALSE(manager().changeFileAttributes_atPath_(creation, path(file)));
+    EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
     EXPECT_GT(questions, 0U);
     unsigned const before = questions;
     EXPECT_FALSE(attributes(file) == nil);
