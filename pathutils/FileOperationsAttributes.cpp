@@ -24,7 +24,7 @@ bool skips(id const& keys, id const& key) {
 }
 
 // Asked where there is no data for a key: false for an attribute that is empty or not there, as the file system itself
-// says so.
+// says so. Linux: an attribute that is there and cannot be read is not passed over as if it were missing.
 bool hasUnreadableData(NSString const& path, NSString const& key) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     std::optional<std::string> const name = key.fileSystemRepresentation();
@@ -104,7 +104,7 @@ bool pxSetFileAttributes_from_recurseUntilBeforeDstPath_(NSString receiver, NSAr
     while (!path.isEqualToString_(stopPath)) {
         if (!pxSetFileAttributes_from_(path, keys, modelPath)) return false;
         NSString const parent = path.stringByDeletingLastPathComponent();
-        // Above the root is the root.
+        // Linux: the walk ends at the root, too, which has no folder above it.
         if (parent.isEqualToString_(path)) return false;
         path = parent;
         modelPath = modelPath.stringByDeletingLastPathComponent();

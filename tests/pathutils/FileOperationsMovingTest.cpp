@@ -105,6 +105,9 @@ TEST_F(FileOperationsMoving, AFailedCopyIsLogged) {
     std::string const log = testing::internal::GetCapturedStderr();
     EXPECT_NE(log.find("-[NSString(PXUtils) pxCopyToPath:] errorInfo: "), std::string::npos) << log;
     EXPECT_NE(log.find("ToPath"), std::string::npos) << log;
+    testing::internal::CaptureStderr();
+    pxCopyToPath_(at("file.txt"), at("target/copy"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "a copy that was made is not logged";
 }
 
 TEST_F(FileOperationsMoving, CopiesToAFolderOverWhatIsThere) {

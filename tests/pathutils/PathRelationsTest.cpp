@@ -1,4 +1,5 @@
 #include "pathutils/PathRelations.h"
+#include "pathutils/FinderMetadata.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/objects/NSNull.h"
@@ -232,6 +233,9 @@ TEST_F(PathRelations, VisibleContentsLeaveOutWhatIsInvisible) {
     for (BOOL const flag : {YES, NO})
         EXPECT_EQ(fileSystemBytesOfEach(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), flag)),
                   (Names{"a", "b", "c", "\xFF"}));
+    ASSERT_TRUE(pxSetFinderFlagsOfPath_mask_(at("b"), kIsInvisible, kIsInvisible));
+    EXPECT_EQ(fileSystemBytesOfEach(pxVisibleDirectoryContentsAtPath_(path(m_folder.path()), NO)),
+              (Names{"a", "c", "\xFF"}));
     EXPECT_EQ(pxVisibleDirectoryContentsAtPath_(at("a"), YES).count(), 0U);
     EXPECT_FALSE(pxVisibleDirectoryContentsAtPath_(at("a"), YES) == nil);
     EXPECT_TRUE(pxVisibleDirectoryContentsAtPath_(at("b"), YES) == nil);
