@@ -3,6 +3,8 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/text/Encodings.h"
+#include "tests/support/Environment.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <fstream>
 #include <gtest/gtest.h>
@@ -70,6 +72,19 @@ TEST(AppleScriptExecution, RunsAShellCommandAsItStands) {
     EXPECT_EQ(
         stringText(pxExecuteAsShellScriptWithAdminPrivs_(pxStringByEscapingDoubleQuotes("printf '%s' \"a\\\\b\""), NO)),
         "a\\b");
+}
+
+TEST(AppleScriptExecution, AsksForAnAdministratorsRightsIfToldTo) {
+    TemporaryFolder const folder;
+    // Stands for the program that would ask a person.
+    std::string const program = folder.makeFile("pkexec", "#!/bin/sh\nASKED=yes exec \"$@\"\n");
+    ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    EnvironmentVariable const path("PATH", folder.path() + ":/usr/bin:/bin");
+    // Root would not be asked.
+    OrdinaryUser const user;
+    EXPECT_EQ(stringText(pxExecuteAsShellScriptWithAdminPrivs_("echo asked: $ASKED", NO)), "asked:");
+    EXPECT_EQ(stringText(pxExecuteAsShellScriptWithAdminPrivs_("echo asked: $ASKED", YES)), "asked: yes");
 }
 
 TEST(AppleScriptExecution, QuotesTextForTheShell) {

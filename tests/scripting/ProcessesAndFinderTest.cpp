@@ -1,4 +1,5 @@
 #include "scripting/ProcessesAndFinder.h"
+#include "tests/platform/desktop/PlayedWindowManager.h"
 #include "tests/support/Companion.h"
 #include "tests/support/Environment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -69,6 +70,33 @@ TEST(ProcessNumbers, TellNothingOfTheFrontWithoutADisplay) {
     EXPECT_FALSE(KRAProcessSerialNumberSetFront(KRAProcessSerialNumberGetCurrent()));
     EXPECT_FALSE(KRAProcessSerialNumberSetFront(KRAProcessSerialNumber_({0, kNoProcess})));
     EXPECT_FALSE(KRAProcessSerialNumberSetFront(nil));
+}
+
+class FrontProcessNumbers : public PlayedWindowManager {};
+
+TEST_F(FrontProcessNumbers, NameTheProcessInFrontAndNoneWithoutOne) {
+    EXPECT_TRUE(KRAProcessSerialNumberGetFront() == nil) << "no window is active";
+    RunningCompanion copy("willing");
+    activate(makeWindow(copy.process().pid()));
+    EXPECT_TRUE(KRAProcessSerialNumberGetFront().isEqual_(KRAProcessSerialNumber_(copy.psn())));
+}
+
+TEST_F(FrontProcessNumbers, BringTheirProcessToTheFront) {
+    RunningCompanion copy("willing");
+    NSNumber const number = KRAProcessSerialNumber_(copy.psn());
+    xcb_window_t const own = makeWindow(::getpid());
+    list("_NET_CLIENT_LIST_STACKING", {own});
+    atom("_NET_ACTIVE_WINDOW");
+    manageWindows();
+    EXPECT_FALSE(KRAProcessSerialNumberSetFront(number)) << "it has no window";
+    EXPECT_FALSE(message());
+    xcb_window_t const window = makeWindow(copy.process().pid());
+    list("_NET_CLIENT_LIST_STACKING", {window, own});
+    EXPECT_TRUE(KRAProcessSerialNumberSetFront(number));
+    DisplayReply<xcb_client_message_event_t> const asked = message();
+    ASSERT_TRUE(asked);
+    EXPECT_EQ(asked->type, atom("_NET_ACTIVE_WINDOW"));
+    EXPECT_EQ(asked->window, window);
 }
 
 TEST(ProcessNumbers, QuitTheirProcess) {
