@@ -123,6 +123,8 @@ ClassDescription AppController::describeClass() {
                 readOnlyProperty<&Self::details>("details"),
                 readOnlyProperty<&Self::scanChanges>("scanChanges"),
                 readOnlyProperty<&Self::logOutObstacle>("logOutObstacle"),
+                readOnlyProperty<&Self::loginItemsProblem>("loginItemsProblem"),
+                readOnlyProperty<&Self::placesProblem>("placesProblem"),
                 readOnlyProperty<&Self::notice>("notice"),
                 readOnlyProperty<&Self::noticeOffersUndo>("noticeOffersUndo"),
                 outlet<&Self::pathsArrayController, &Body::_pathsArrayController>("pathsArrayController"),

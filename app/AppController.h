@@ -101,6 +101,9 @@ public:
     NSArray readAllAutolaunchItems() const;
     // Whether all was written.
     bool writeAllAutolaunchItems_(NSArray const& items) const;
+    // Why the login items, and the file browser's places, could not be read whole, for people; nil if they could.
+    NSString loginItemsProblem() const;
+    NSString placesProblem() const;
     // Why the last writing of login items or toolbar items failed, for people; nil if it did not.
     NSString writingProblem() const;
     // The first entry whose path, spelled as in the entry, is that of a copy; nil if there is none.

@@ -68,6 +68,9 @@ public:
     NSString _notice;
     // Why the list that was written last could not be written; nil if it could.
     NSString _writingProblem;
+    // Why the lists could not be read whole; nil if they could.
+    NSString _loginItemsProblem;
+    NSString _placesProblem;
     // Unset until it is asked for.
     std::optional<NSString> _logOutObstacle;
     bool _noticeOffersUndo{false};

@@ -22,13 +22,17 @@ public:
         : controller(followed), selection(followed, "pathsArrayController.selection", [this] { follow(); }),
           shown(followed.panes(), "showsDetails", [this] { follow(); }),
           inventory(followed, "paths", [this] { forgetComparison(); }),
-          changes(followed, "canUndo", [this] { readAnew(); }) {}
+          changes(followed, "canUndo", [this] { readAnew(); }),
+          loginItems(followed, "loginItemsProblem", [this] { takeProblems(); }),
+          places(followed, "placesProblem", [this] { takeProblems(); }) {}
 
     void follow();
     void tell();
     // Reads what the disk tells of the selected copy; until that has come, what is shown stays.
     void readDisk();
     void readAnew();
+    // Takes over why the lists could not be read.
+    void takeProblems();
     void compare();
     void compared(std::string const& other, ContentsLikeness likeness);
     void forgetComparison();
@@ -48,6 +52,8 @@ public:
     KeyPathObserver inventory;
     // A swapped icon leaves the inventory as it is, and each of the two swaps changes the steps that can be undone.
     KeyPathObserver changes;
+    KeyPathObserver loginItems;
+    KeyPathObserver places;
 };
 
 namespace {
@@ -138,6 +144,13 @@ std::vector<std::string> CopyDetails::Body::otherPaths() const {
     return paths;
 }
 
+void CopyDetails::Body::takeProblems() {
+    AppController const followed = controller.load();
+    facts.loginItemsProblem = followed.loginItemsProblem();
+    facts.placesProblem = followed.placesProblem();
+    tell();
+}
+
 void CopyDetails::Body::compare() {
     if (facts.record == nil || !isOnDisk(facts.record)) return;
     std::vector<std::string> others = otherPaths();
@@ -204,6 +217,7 @@ CopyDetails CopyDetails::of(AppController const& controller) {
     if (controller == nil) return nil;
     CopyDetails const details = adopt<CopyDetails>(controller);
     bodyOf(details)->follow();
+    bodyOf(details)->takeProblems();
     return details;
 }
 

@@ -56,6 +56,9 @@ struct DetailFacts {
     // nil: there is not exactly one copy selected.
     NSDictionary record{};
     SessionFacts session{};
+    // Why the login items and the places could not be read whole; nil if they could.
+    NSString loginItemsProblem{};
+    NSString placesProblem{};
     // nullopt while they are read.
     std::optional<DiskFacts> disk{};
     std::optional<Result<TreeSize>> size{};

@@ -45,15 +45,23 @@ bool isSet(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();
 }
 
+// Of a list that may name the copy where it could not be read.
+NSString notKnown(NSString const& problem) {
+    return NSString::stringWithFormat_(NSLocalizedString("Not known: %@", "Details of a copy: a list, and why"),
+                                       problem);
+}
+
 NSString loginItemText(DetailFacts const& facts) {
-    if (!isSet(facts.record, "isAutolaunched")) return NSLocalizedString("Does not start at login", nil);
+    bool const starts = isSet(facts.record, "isAutolaunched");
+    if (!starts && facts.loginItemsProblem != nil) return notKnown(facts.loginItemsProblem);
+    if (!starts) return NSLocalizedString("Does not start at login", nil);
     NSString const file = facts.session.loginItemFile;
     return file == nil ? NSLocalizedString("Starts at login", nil) : file.lastPathComponent();
 }
 
 NSString placeText(DetailFacts const& facts) {
-    return isSet(facts.record, "isInToolbar") ? NSLocalizedString("In the places", nil)
-                                              : NSLocalizedString("Not in the places", nil);
+    if (isSet(facts.record, "isInToolbar")) return NSLocalizedString("In the places", nil);
+    return facts.placesProblem == nil ? NSLocalizedString("Not in the places", nil) : notKnown(facts.placesProblem);
 }
 
 // The most paths that are listed; the text is made anew with each copy that was compared.

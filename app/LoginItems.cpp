@@ -17,10 +17,6 @@ namespace {
 constexpr char LoginItemsKey[] = "AutoLaunchedApplicationDictionary";
 constexpr char LoginItemsDomain[] = "loginwindow";
 
-bool synchronizeLoginItems() {
-    return CFPreferencesSynchronize(LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-}
-
 void beepAndLog(NSString const& text) {
     NSBeep();
     NSLog("%@", text);
@@ -48,17 +44,13 @@ NSDictionary newLoginItem(NSString const& path) {
 
 } // namespace
 
-ListRead loginItemsReadAnew() {
-    bool const isWhole = synchronizeLoginItems();
-    id const value =
-        CFPreferencesCopyValue(LoginItemsKey, LoginItemsDomain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return {value == nil ? NSArray::array() : as<NSArray>(value), isWhole};
-}
+ListRead loginItemsReadAnew() { return listReadAnew(LoginItemsDomain, LoginItemsKey); }
 
 NSArray AppController::readAllAutolaunchItems() const {
     if (*this == nil) return nil;
     ListRead const read = loginItemsReadAnew();
-    if (!read.isWhole) beepAndLog("Error: CFPreferencesSynchronize");
+    if (read.problem != nil) beepAndLog("Error: CFPreferencesSynchronize");
+    keepReadingProblem(*this, ListChange::List::LoginItems, read.problem);
     return read.items;
 }
 
@@ -109,8 +101,10 @@ void AppController::addToAutoLaunchAction_(id const&) const {
     NSString const path = as<NSString>(record.valueForKey_("path"));
     bool const exists = as<NSNumber>(record.valueForKey_("exists")).boolValue() && path != nil;
     if (exists) items.addObject_(newLoginItem(path));
-    if (!exists || !writeAllAutolaunchItems_(NSArray::arrayWithArray_(items))) {
+    bool const isWritten = exists && writeAllAutolaunchItems_(NSArray::arrayWithArray_(items));
+    if (!isWritten) {
         beepAndLog("ERROR: Could not add as Login Item.");
+        if (exists) tellWritingProblem(*this, ListChange::List::LoginItems);
         return;
     }
     syncIsAutolaunched();
@@ -139,7 +133,7 @@ void AppController::unAutoLaunchAction_(id const&) const {
     if (!isWritten) beepAndLog("Could remove auto-launch entry.");
     syncIsAutolaunched();
     reSync();
-    if (!isWritten) return;
+    if (!isWritten) return tellWritingProblem(*this, ListChange::List::LoginItems);
     remember(*this, std::move(change));
     tell(*this, NSLocalizedString("Removed from the login items.", nil), Offer::Undo);
 }

@@ -42,23 +42,15 @@ void report(NSString const& problem) {
     NSLog("%@", problem);
 }
 
-bool synchronizeFinder() {
-    return CFPreferencesSynchronize(FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-}
-
 } // namespace
 
-ListRead toolbarItemsReadAnew() {
-    bool const isWhole = synchronizeFinder();
-    id const items =
-        CFPreferencesCopyValue(ToolbarItems, FinderIdentifier, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return {items == nil ? NSArray::array() : as<NSArray>(items), isWhole};
-}
+ListRead toolbarItemsReadAnew() { return listReadAnew(FinderIdentifier, ToolbarItems); }
 
 NSArray AppController::readAllToolbarItems() const {
     if (*this == nil) return nil;
     ListRead const read = toolbarItemsReadAnew();
-    if (!read.isWhole) report("Error: CFPreferencesSynchronize");
+    if (read.problem != nil) report("Error: CFPreferencesSynchronize");
+    keepReadingProblem(*this, ListChange::List::ToolbarItems, read.problem);
     return read.items;
 }
 
@@ -97,7 +89,7 @@ void AppController::unToolbarAction_(id const& sender) const {
     if (!isWritten) report("Could remove toolbar item.");
     syncIsInToolbar();
     reSync();
-    if (!isWritten) return;
+    if (!isWritten) return tellWritingProblem(*this, ListChange::List::ToolbarItems);
     remember(*this, std::move(change));
     tell(*this, NSLocalizedString("Removed from the places.", nil), Offer::Undo);
     quitFinderAction_(sender);

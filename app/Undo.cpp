@@ -13,7 +13,15 @@ namespace framekeeper {
 namespace {
 
 constexpr std::size_t MostSteps = 100;
-NSString couldNotBeUndone() { return NSLocalizedString("That could not be undone.", nil); }
+
+NSString couldNotBeUndone(NSString const& reason) {
+    return NSString::stringWithFormat_(NSLocalizedString("That could not be undone: %@", nil), reason);
+}
+
+// For people; nil if nothing failed. Holds paths, whose bytes need not be text.
+NSString textOf(Result<void, Failure> const& outcome) {
+    return outcome.isDone() ? NSString() : NSString::stringWithFileSystemRepresentation_(outcome.problem().reason);
+}
 
 // The outcome of taking a step back.
 struct Undone {
@@ -76,11 +84,11 @@ Undone takeBack(AppController const& controller, ListChange const& change) {
     ListAccess const list = accessTo(change.list);
     ListRead const present = list.read();
     // The added entry may be in the part that could not be read, and would stay in the list.
-    if (!present.isWhole) return {couldNotBeUndone(), Undone::Step::Stays};
+    if (present.problem != nil) return {couldNotBeUndone(present.problem), Undone::Step::Stays};
     bool const isWritten = (controller.*list.write)(listBefore(present.items, change));
     (controller.*list.sync)();
     controller.reSync();
-    if (!isWritten) return {couldNotBeUndone(), Undone::Step::Stays};
+    if (!isWritten) return {couldNotBeUndone(controller.writingProblem()), Undone::Step::Stays};
     if (change.list == ListChange::List::LoginItems)
         return {.notice = NSLocalizedString("The login items are as before.", nil)};
     // The file browser takes up the list when it starts; one that does not run will.
@@ -140,15 +148,55 @@ void tell(AppController const& controller, NSString const& notice, Offer offer) 
     bodyOf(controller)->_noticeOffersUndo = offer == Offer::Undo;
 }
 
+ListRead listReadAnew(NSString const& domain, NSString const& key) {
+    Result<void, Failure> const read = synchronizePreferences(domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    id const items = CFPreferencesCopyValue(key, domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
+    return {items == nil ? NSArray::array() : as<NSArray>(items), textOf(read)};
+}
+
+void keepReadingProblem(AppController const& controller, ListChange::List list, NSString const& problem) {
+    AppController::Body& body = *bodyOf(controller);
+    bool const isOfLoginItems = list == ListChange::List::LoginItems;
+    NSString& kept = isOfLoginItems ? body._loginItemsProblem : body._placesProblem;
+    if (problem == nil && kept == nil) return;
+    {
+        KeyChange const change(controller, isOfLoginItems ? NSString("loginItemsProblem") : NSString("placesProblem"));
+        kept = problem;
+    }
+    if (problem == nil) return;
+    NSMutableArray const lines = NSMutableArray::array();
+    if (body._loginItemsProblem != nil)
+        lines.addObject_(NSString::stringWithFormat_(NSLocalizedString("The login items could not be read: %@", nil),
+                                                     body._loginItemsProblem));
+    if (body._placesProblem != nil)
+        lines.addObject_(NSString::stringWithFormat_(NSLocalizedString("The places could not be read: %@", nil),
+                                                     body._placesProblem));
+    tell(controller, lines.componentsJoinedByString_("; "), Offer::Nothing);
+}
+
+void tellWritingProblem(AppController const& controller, ListChange::List list) {
+    NSString const problem = controller.writingProblem();
+    if (problem == nil) return;
+    NSString const format = list == ListChange::List::LoginItems
+                                ? NSLocalizedString("The login items could not be changed: %@", nil)
+                                : NSLocalizedString("The places could not be changed: %@", nil);
+    tell(controller, NSString::stringWithFormat_(format, problem), Offer::Nothing);
+}
+
 bool writeList(AppController const& controller, NSString const& domain) {
     Result<void, Failure> const written =
         synchronizePreferences(domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    bodyOf(controller)->_writingProblem =
-        written.isDone() ? NSString() : NSString::stringWithFileSystemRepresentation_(written.problem().reason);
+    bodyOf(controller)->_writingProblem = textOf(written);
     return written.isDone();
 }
 
 NSString AppController::writingProblem() const { return *this == nil ? NSString() : bodyOf(*this)->_writingProblem; }
+
+NSString AppController::loginItemsProblem() const {
+    return *this == nil ? NSString() : bodyOf(*this)->_loginItemsProblem;
+}
+
+NSString AppController::placesProblem() const { return *this == nil ? NSString() : bodyOf(*this)->_placesProblem; }
 
 NSString AppController::notice() const { return *this == nil ? NSString() : bodyOf(*this)->_notice; }
 

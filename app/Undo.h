@@ -37,14 +37,20 @@ struct ListChange {
 // The values of a list, read anew.
 struct ListRead {
     NSArray items{};
-    // False if something that may hold items could not be read.
-    bool isWhole{true};
+    // Why something that may hold items could not be read, for people; nil if all could.
+    NSString problem{};
 };
+// Reads what the domain has anew.
+ListRead listReadAnew(NSString const& domain, NSString const& key);
 ListRead loginItemsReadAnew();
 ListRead toolbarItemsReadAnew();
 
+// Keeps why the list could not be read, and shows in the window why those could not be that were read last.
+void keepReadingProblem(AppController const& controller, ListChange::List list, NSString const& problem);
 // Writes what was set in the domain, and keeps why that failed as the controller's writing problem.
 bool writeList(AppController const& controller, NSString const& domain);
+// Shows in the window why the list could not be written.
+void tellWritingProblem(AppController const& controller, ListChange::List list);
 
 struct SwappedIcon {
     NSString path{};

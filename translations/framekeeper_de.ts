@@ -914,8 +914,36 @@ Opens the window, or brings the open one to the front.
     <translation>Aus den Orten entfernt.</translation>
 </message>
 <message>
-    <source>That could not be undone.</source>
-    <translation>Das ließ sich nicht rückgängig machen.</translation>
+    <source>That could not be undone: %@</source>
+    <translation>Das ließ sich nicht rückgängig machen: %@</translation>
+</message>
+<message>
+    <source>The login items could not be read: %@</source>
+    <translation>Die Anmeldeobjekte waren nicht lesbar: %@</translation>
+</message>
+<message>
+    <source>The places could not be read: %@</source>
+    <translation>Die Orte waren nicht lesbar: %@</translation>
+</message>
+<message>
+    <source>The login items could not be changed: %@</source>
+    <translation>Die Anmeldeobjekte ließen sich nicht ändern: %@</translation>
+</message>
+<message>
+    <source>The places could not be changed: %@</source>
+    <translation>Die Orte ließen sich nicht ändern: %@</translation>
+</message>
+<message>
+    <source>Not known: %@</source>
+    <translation>Nicht bekannt: %@</translation>
+</message>
+<message>
+    <source>The file is damaged</source>
+    <translation>Die Datei ist beschädigt</translation>
+</message>
+<message>
+    <source>Another program has changed the file</source>
+    <translation>Ein anderes Programm hat die Datei geändert</translation>
 </message>
 <message>
     <source>The item cannot be moved to the trash</source>

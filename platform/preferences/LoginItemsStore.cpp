@@ -129,7 +129,7 @@ Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
 // A file that could not be made has a name that tells people nothing: they are told its folder.
 Failure failureOf(SystemError error) {
     if (parseTemporaryName(BytePath(error.item).leaf())) error.item = autostartFolders().front();
-    return {error.text()};
+    return failureForPeople(error);
 }
 
 // Carries a plan out: what is new first, so that a failure costs no entry.
@@ -244,7 +244,8 @@ NativeItems readLoginItems(NSArray const& kept) {
         (item.entry.own ? own : foreign).addObject_(object);
         known.items.push_back({object, std::move(item)});
     }
-    return {foreign.arrayByAddingObjectsFromArray_(kept).arrayByAddingObjectsFromArray_(own), found.isComplete};
+    return {.items = foreign.arrayByAddingObjectsFromArray_(kept).arrayByAddingObjectsFromArray_(own),
+            .problem = found.problem ? std::optional(failureForPeople(*found.problem)) : std::nullopt};
 }
 
 NativeWriting writeLoginItems(NSArray const& items) {

@@ -1,7 +1,9 @@
 #include "platform/preferences/NativeStores.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/preferences/LoginItemsStore.h"
 #include "platform/preferences/ToolbarItemsStore.h"
 #include <array>
+#include <cerrno>
 
 namespace mac {
 
@@ -18,8 +20,19 @@ constexpr auto Stores = std::to_array<NativeStore>({
      .write = writeLoginItems},
 });
 
+std::string reasonOf(SystemError const& error) {
+    // The system's words for it speak of messages.
+    if (!error.is(EBADMSG)) return textOfSystemError(error.code);
+    return NSLocalizedString("The file is damaged", "A list or settings that cannot be read").UTF8String();
+}
+
 } // namespace
 
 std::span<NativeStore const> nativeStores() { return Stores; }
+
+Failure failureForPeople(SystemError const& error) {
+    std::string const reason = reasonOf(error);
+    return {error.item.empty() ? reason : error.item + ": " + reason};
+}
 
 } // namespace mac

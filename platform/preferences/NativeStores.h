@@ -14,9 +14,9 @@ namespace mac {
 struct NativeItems {
     // The whole array.
     NSArray items{};
-    // False if something that may hold items could not be read; synchronising then answers NO, and the items that
+    // Why something that may hold items could not be read, for people; synchronising then fails, and the items that
     // could be read are answered all the same.
-    bool isComplete{true};
+    std::optional<Failure> problem{};
 };
 
 struct NativeWriting {
@@ -40,5 +40,8 @@ struct NativeStore {
 };
 
 std::span<NativeStore const> nativeStores();
+
+// The error for people, in the program's language: .config/autostart: Permission denied.
+Failure failureForPeople(SystemError const& error);
 
 } // namespace mac

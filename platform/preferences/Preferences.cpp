@@ -45,14 +45,17 @@ Preferences::Known& Preferences::readDomain(PreferenceDomain const& domain) {
     if (known.values != nil) return known;
     Result<NSDictionary> const file = PreferenceFile(domain.file).read();
     known.problem = file.hasValue() ? std::nullopt : std::optional(file.problem());
+    if (known.problem) known.reason = failureForPeople(*known.problem);
     NSMutableDictionary const values =
         NSMutableDictionary::dictionaryWithDictionary_(file.hasValue() ? file.value() : NSDictionary::dictionary());
     for (NativeStore const& store : m_stores) {
         NSArray const kept = keptElements(values, keyOf(store));
         if (store.domain != domain.nativeName || kept == nil) continue;
         NativeItems const native = store.read(kept);
-        if (!native.isComplete && !known.problem)
+        if (native.problem && !known.problem) {
             known.problem = SystemError{.code = EIO, .operation = "read", .item = std::string(store.key)};
+            known.reason = *native.problem;
+        }
         putValue(values, keyOf(store), valueOf(native.items));
     }
     known.values = values;
@@ -108,8 +111,8 @@ Result<void, Failure> Preferences::synchronize(PreferenceDomain const& domain, R
     Known& known = m_known[domain.file];
     if (known.changes.empty()) {
         known.values = nil;
-        std::optional<SystemError> const problem = readDomain(domain).problem;
-        return problem ? Failure{problem->text()} : Result<void, Failure>();
+        Known const& read = readDomain(domain);
+        return read.problem ? read.reason : Result<void, Failure>();
     }
     std::optional<Failure> ofDesktop;
     Result<void> const written = PreferenceFile(domain.file).change([&](NSDictionary const& values) {
@@ -121,7 +124,7 @@ Result<void, Failure> Preferences::synchronize(PreferenceDomain const& domain, R
     if (written.isDone() || refused == RefusedChanges::AreForgotten) known.changes.clear();
     known.values = nil;
     if (written.isDone()) return {};
-    return ofDesktop ? *ofDesktop : Failure{written.problem().text()};
+    return ofDesktop ? *ofDesktop : failureForPeople(written.problem());
 }
 
 } // namespace mac

@@ -50,8 +50,9 @@ private:
     struct Known {
         // nil until the domain is read.
         NSDictionary values{};
-        // Why not all of the file and the native items could be read.
+        // Why not all of the file and the native items could be read; for people, too.
         std::optional<SystemError> problem{};
+        Failure reason{};
         // Changes not written yet, one for each key.
         std::vector<Change> changes{};
     };

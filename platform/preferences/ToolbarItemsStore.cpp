@@ -2,9 +2,11 @@
 #include "platform/desktop/session/Session.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/numbers/NSNumber.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/foundation/text/NSString.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 #include <utility>
 
@@ -85,6 +87,13 @@ bool takeOne(std::vector<Item>& items, Item const& item) {
     return true;
 }
 
+Failure failureOf(PlacesProblem const& problem) {
+    if (problem.cause) return failureForPeople({.code = problem.cause->code, .item = problem.file});
+    if (problem.kind == PlacesProblem::Kind::Form) return failureForPeople({.code = EBADMSG, .item = problem.file});
+    NSString const reason = NSLocalizedString("Another program has changed the file", "A list that cannot be written");
+    return {problem.file + ": " + reason.UTF8String()};
+}
+
 } // namespace
 
 NativeItems ToolbarItemsStore::readItems(NSArray const& kept) { return sharedStore().read(kept); }
@@ -146,7 +155,8 @@ NativeItems ToolbarItemsStore::read(NSArray const& kept) {
         items.addObject_(dictionaryOf(*itemOf(place)));
     items.addObjectsFromArray_(kept);
     m_known = std::move(read.places);
-    return {.items = items, .isComplete = read.problems.empty()};
+    if (read.problems.empty()) return {.items = items};
+    return {.items = items, .problem = failureOf(read.problems.front())};
 }
 
 NativeWriting ToolbarItemsStore::write(NSArray const& items) {
@@ -162,7 +172,7 @@ NativeWriting ToolbarItemsStore::write(NSArray const& items) {
     PlacesOutcome const outcome = changePlaces(changeTo(meant));
     remember(outcome, std::move(meant));
     if (outcome.problems.empty()) return {.kept = kept};
-    return {.kept = kept, .problem = Failure{outcome.problems.front().text}};
+    return {.kept = kept, .problem = failureOf(outcome.problems.front())};
 }
 
 PlacesChange ToolbarItemsStore::changeTo(std::vector<Item> items) {

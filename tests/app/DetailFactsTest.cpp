@@ -1,4 +1,5 @@
 #include "app/DetailFacts.h"
+#include "platform/files/volumes/Volumes.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "tests/app/Controller.h"
 #include "tests/support/Companion.h"
@@ -14,6 +15,14 @@ TEST(DetailFacts, AreReadFromTheDisk) {
     EXPECT_LT(facts.modified.timeIntervalSinceNow(), 60);
     EXPECT_GT(facts.modified.timeIntervalSinceNow(), -3600);
     EXPECT_EQ(text(facts.volumePath).substr(0, 1), "/");
+}
+
+// A name of another system's making says nothing to the user of this one; the mount point does.
+TEST(DetailFacts, NameTheStartupVolumeByItsLabelAlone) {
+    DiskFacts const facts = diskFactsOf("/");
+    EXPECT_EQ(text(facts.volumePath), "/");
+    bool const hasLabel = startupVolumeName() != UnlabeledStartupVolumeName;
+    EXPECT_EQ(facts.volumeName != nil, hasLabel);
 }
 
 TEST(DetailFacts, AreUnknownForAMissingCopy) {

@@ -55,6 +55,17 @@ TEST(DetailTexts, TellTheProcessAndTheLoginItemsFile) {
     EXPECT_FALSE(flag(detailValues(facts), "hasProcess")) << "the program is not known";
 }
 
+TEST(DetailTexts, SayOfAListThatCouldNotBeReadOnlyWhatIsKnown) {
+    DetailFacts facts = factsOfACopy();
+    facts.loginItemsProblem = "/a: Permission denied";
+    facts.placesProblem = "/b: The file is damaged";
+    EXPECT_EQ(shownOf(facts, "loginItem"), "Starts at login");
+    EXPECT_EQ(shownOf(facts, "place"), "In the places");
+    facts.record = NSDictionary::dictionaryWithObjectsAndKeys_({"/a/Mirror Frame.app", "path"});
+    EXPECT_EQ(shownOf(facts, "loginItem"), "Not known: /a: Permission denied");
+    EXPECT_EQ(shownOf(facts, "place"), "Not known: /b: The file is damaged");
+}
+
 TEST(DetailTexts, TellHowFarCopiesWereCompared) {
     DetailFacts facts = factsOfACopy();
     facts.comparison = {.stage = Comparison::Stage::UnderWay, .compared = 3, .others = 10};

@@ -2,9 +2,12 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/system/SystemError.h"
+#include "tests/app/InGerman.h"
 #include "tests/app/PathSources.h"
 #include "tests/support/Environment.h"
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <unistd.h>
@@ -172,11 +175,27 @@ TEST_F(LoginItems, AListThatCannotBeWrittenIsTold) {
     m_controller.addToAutoLaunchAction_(nil);
     EXPECT_EQ(m_log, Lines{"ERROR: Could not add as Login Item."});
     EXPECT_EQ(m_beeps, 1);
+    std::string const why = m_folder.path("config/framekeeper/Preferences/loginwindow.plist") + ": The file is damaged";
+    EXPECT_EQ(text(m_controller.notice()), "The login items could not be changed: " + why);
     EXPECT_EQ(userEntries().size(), 1u);
     m_controller.syncIsAutolaunched();
     EXPECT_EQ(m_log.back(), "Error: CFPreferencesSynchronize");
+    EXPECT_EQ(text(m_controller.loginItemsProblem()), why);
+    EXPECT_EQ(text(m_controller.notice()), "The login items could not be read: " + why);
     EXPECT_EQ(m_beeps, 2);
     EXPECT_EQ(listed().size(), 1u);
+}
+
+TEST_F(LoginItems, AListThatCannotBeReadIsToldInTheWindowUntilItCanBe) {
+    InGerman const german;
+    std::string const folder = m_folder.makeFile("config/autostart", "no folder");
+    m_controller.syncIsAutolaunched();
+    std::string const why = folder + ": " + textOfSystemError(ENOTDIR);
+    EXPECT_EQ(text(m_controller.notice()), "Die Anmeldeobjekte waren nicht lesbar: " + why);
+    EXPECT_FALSE(m_controller.noticeOffersUndo());
+    std::filesystem::remove(folder);
+    m_controller.syncIsAutolaunched();
+    EXPECT_TRUE(m_controller.loginItemsProblem() == nil);
 }
 
 TEST_F(LoginItems, ASelectedEntryIsRemovedAndTheOthersStay) {
@@ -255,6 +274,7 @@ TEST_F(LoginItems, ARemovalThatCannotBeWrittenIsToldAndTheListIsReadAgain) {
     m_folder.makeFile("config/framekeeper/Preferences/loginwindow.plist", "damaged");
     m_controller.unAutoLaunchAction_(nil);
     EXPECT_EQ(m_log, (Lines{"Could remove auto-launch entry.", "Error: CFPreferencesSynchronize"}));
+    EXPECT_TRUE(text(m_controller.notice()).starts_with("The login items could not be changed: "));
     EXPECT_EQ(listed().size(), 2u);
     EXPECT_TRUE(isLoginItem(copy));
 }

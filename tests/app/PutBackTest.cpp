@@ -1,4 +1,4 @@
-#include "platform/foundation/text/Localization.h"
+#include "tests/app/InGerman.h"
 #include "tests/app/SelectedCopies.h"
 
 namespace framekeeper::test {
@@ -40,18 +40,6 @@ TEST_F(PutBack, TellsInTheWindowThatThePlaceIsTaken) {
     EXPECT_EQ(m_beeps, 1);
     EXPECT_TRUE(m_log.empty());
 }
-
-// The program's catalogue for German, for as long as it lives.
-class InGerman {
-public:
-    InGerman() {
-        std::string const folder = localizationFolder(std::filesystem::read_symlink("/proc/self/exe"));
-        EXPECT_EQ(loadLocalization(folder, {"de"}), "de");
-    }
-    ~InGerman() { loadLocalization("", {}); }
-    InGerman(InGerman const&) = delete;
-    InGerman& operator=(InGerman const&) = delete;
-};
 
 TEST_F(PutBack, SaysWhyNotInTheLanguageOfTheWindow) {
     InGerman const german;

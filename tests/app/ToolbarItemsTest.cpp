@@ -149,6 +149,18 @@ TEST_F(ToolbarItems, AreReadWhereNotAllCanBe) {
     m_controller.syncIsInToolbar();
     EXPECT_EQ(paths(), Lines{"/a/Mirror Frame.app"});
     expectReports({"Error: CFPreferencesSynchronize"});
+    std::string const file = m_desktop.folder.path("data/user-places.xbel");
+    EXPECT_EQ(text(m_controller.notice()), "The places could not be read: " + file + ": The file is damaged");
+}
+
+TEST_F(ToolbarItems, AreToldTogetherWithTheLoginItemsIfNeitherCanBeRead) {
+    m_desktop.folder.makeFile("data/user-places.xbel", "<xbel>");
+    m_desktop.folder.makeFile("config/autostart", "no folder");
+    m_controller.syncIsAutolaunched();
+    m_controller.syncIsInToolbar();
+    EXPECT_EQ(text(m_controller.notice()),
+              "The login items could not be read: " + text(m_controller.loginItemsProblem()) +
+                  "; The places could not be read: " + text(m_controller.placesProblem()));
 }
 
 TEST_F(ToolbarItems, AreMarkedInTheRecords) {

@@ -185,7 +185,7 @@ TEST_F(Undo, OfALoginItemWaitsUntilTheItemsCanBeRead) {
     std::filesystem::rename(folder, folder + " away");
     m_desktop.folder.makeFile("config/autostart", "no folder");
     m_controller.undoAction_(nil);
-    EXPECT_EQ(notice(), "That could not be undone.");
+    EXPECT_EQ(notice(), "That could not be undone: " + folder + ": Not a directory");
     EXPECT_EQ(m_beeps, 1);
     EXPECT_TRUE(m_log.empty());
     EXPECT_TRUE(m_controller.canUndo());

@@ -56,6 +56,24 @@ TEST_F(Window, ShowsTheDetailsOfTheSelectedCopyBesideTheTable) {
     NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");
 }
 
+TEST_F(Window, SaysWhyTheLoginItemsAreNotKnown) {
+    mac::test::EnvironmentVariable const config{"XDG_CONFIG_HOME", m_folder.path("config")};
+    std::string const folder = m_folder.makeFile("config/autostart", "no folder");
+    makeCopy(m_folder, "a");
+    open();
+    std::string const why = folder + ": " + textOfSystemError(ENOTDIR);
+    std::string const line = "The login items could not be read: " + why;
+    EXPECT_TRUE(runUntil([&] { return find<QLabel>("logLabel")->accessibleDescription().toStdString() == line; }));
+    ASSERT_TRUE(gathered());
+    trigger("detailsAction");
+    table()->selectRow(0);
+    EXPECT_EQ(find<QLabel>("loginItemDetail")->text().toStdString(), "Not known: " + why);
+    std::filesystem::remove(folder);
+    controller().syncIsAutolaunched();
+    EXPECT_EQ(find<QLabel>("loginItemDetail")->text(), "Does not start at login");
+    trigger("detailsAction");
+}
+
 // A button that is not there takes no room from the text beside it.
 TEST_F(Window, ShowsShortDetailsInOneLine) {
     NSUserDefaults::standardUserDefaults().removeObjectForKey_("ShowsDetails");

@@ -82,7 +82,7 @@ KnownFiles& knownFiles() {
 
 struct FolderRead {
     std::vector<AutostartItem> items{};
-    bool isComplete{true};
+    std::optional<SystemError> problem{};
 };
 
 enum class FolderOwner { User, System };
@@ -117,17 +117,26 @@ Result<std::optional<EntryFile>> entryFile(FileDescriptor const& folder, std::st
     return std::optional(EntryFile{status.value(), file});
 }
 
+// The problem with the whole path of the item, of which system calls in a folder know the name alone.
+SystemError onItem(SystemError problem, std::string const& path) {
+    problem.item = path;
+    return problem;
+}
+
 // The entries in the folder, also those that start nothing.
 FolderRead itemsInFolder(std::string const& path, FolderOwner owner, AutostartRules const& rules) {
     Result<FileDescriptor> const folder = openPath(path, O_RDONLY | O_DIRECTORY);
-    if (!folder.hasValue()) return {.isComplete = folder.problem().is(ENOENT)};
+    if (!folder.hasValue() && folder.problem().is(ENOENT)) return {};
+    if (!folder.hasValue()) return {.problem = onItem(folder.problem(), path)};
     Result<std::vector<std::string>> const names = namesInOpenFolder(folder.value());
-    if (!names.hasValue()) return {.isComplete = false};
+    if (!names.hasValue()) return {.problem = onItem(names.problem(), path)};
     FolderRead read;
     for (std::string const& name : names.value()) {
         if (!name.ends_with(EntryExtension)) continue;
-        Result<std::optional<EntryFile>> const found = entryFile(folder.value(), BytePath(path).joined(name));
-        if (!found.hasValue()) read.isComplete = read.isComplete && isOfNoEntry(found.problem(), owner);
+        std::string const file = BytePath(path).joined(name);
+        Result<std::optional<EntryFile>> const found = entryFile(folder.value(), file);
+        bool const isUnread = !found.hasValue() && !isOfNoEntry(found.problem(), owner);
+        if (isUnread && !read.problem) read.problem = onItem(found.problem(), file);
         if (!found.hasValue() || !found.value()) continue;
         AutostartItem item{.fileName = name, .folder = path, .status = found.value()->status};
         item.entry = AutostartEntry::of(found.value()->file.entry, rules);
@@ -183,7 +192,7 @@ AutostartItems autostartItems() {
     for (std::string const& folder : folders) {
         bool const isOfUser = folder == folders.front();
         FolderRead read = itemsInFolder(folder, isOfUser ? FolderOwner::User : FolderOwner::System, rules);
-        found.isComplete = found.isComplete && read.isComplete;
+        if (!found.problem) found.problem = read.problem;
         for (AutostartItem& item : read.items) {
             bool const isFirst = seen.insert(item.fileName).second;
             if (!isFirst || item.entry.standing != AutostartEntry::Standing::Starts) continue;

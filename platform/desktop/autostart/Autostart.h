@@ -56,9 +56,9 @@ struct AutostartItem {
 struct AutostartItems {
     // By the bytes of the file names; own entries last, in their order.
     std::vector<AutostartItem> items{};
-    // False if one of the folders, or a file in them, exists but could not be read. A file of the system that the user
-    // may not read is none.
-    bool isComplete{true};
+    // Why the first of the folders, and of the files in them, that exist and could not be read could not be; nullopt if
+    // all could. A file of the system that the user may not read is none.
+    std::optional<SystemError> problem{};
 };
 
 // The user's folder, then the system's, by precedence.

@@ -22,18 +22,23 @@ constexpr int MostAttempts = 10;
 
 PlacesFormat const& formatOf(PlacesList list) { return list == PlacesList::GTK ? BookmarksFormat : XBELFormat; }
 
-PlacesProblem systemProblem(SystemError const& error) {
-    return {.kind = PlacesProblem::Kind::System, .text = "The places cannot be used: " + error.text(), .cause = error};
+PlacesProblem systemProblem(SystemError const& error, std::string const& file) {
+    return {.kind = PlacesProblem::Kind::System,
+            .text = "The places cannot be used: " + error.text(),
+            .file = file,
+            .cause = error};
 }
 
 PlacesProblem formProblem(std::string const& file, Failure const& failure) {
     return {.kind = PlacesProblem::Kind::Form,
-            .text = "The places in “" + file + "” are left alone, since " + failure.reason};
+            .text = "The places in “" + file + "” are left alone, since " + failure.reason,
+            .file = file};
 }
 
 PlacesProblem changedProblem(std::string const& file) {
     return {.kind = PlacesProblem::Kind::Changed,
-            .text = "The places in “" + file + "” have been changed by another program"};
+            .text = "The places in “" + file + "” have been changed by another program",
+            .file = file};
 }
 
 // A file's text and state; the state is nullopt if there is no file.
@@ -81,7 +86,7 @@ std::string fileForRestored(Place const& place) { return isMissing(place.file) ?
 void readList(PlacesList list, std::string const& file, KnownPlaces& known) {
     Result<PlacesText> const read = readText(file);
     if (!read.hasValue()) {
-        known.problems.push_back(systemProblem(read.problem()));
+        known.problems.push_back(systemProblem(read.problem(), file));
         return;
     }
     if (!read.value().state) return;
@@ -208,7 +213,7 @@ std::string textToChange(PlacesText const& text, PlacesList list) {
 Result<ChangedFile, PlacesProblem> changeFile(FileChange const& change, PlacesSteps const& steps) {
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         Result<PlacesText> const old = readText(change.file);
-        if (!old.hasValue()) return systemProblem(old.problem());
+        if (!old.hasValue()) return systemProblem(old.problem(), change.file);
         std::string text = textToChange(old.value(), change.list);
         std::string const before = text;
         Removals removed = edit(change, text);
@@ -218,14 +223,14 @@ Result<ChangedFile, PlacesProblem> changeFile(FileChange const& change, PlacesSt
         if (steps.beforeReplacing) steps.beforeReplacing(change.file);
         Result<void> const folder =
             old.value().state ? Result<void>() : makeFolderAtPath(BytePath(change.file).parent());
-        if (!folder.isDone()) return systemProblem(folder.problem());
+        if (!folder.isDone()) return systemProblem(folder.problem(), change.file);
         Result<void> const replaced = replace(change.file, old.value(), text);
         if (replaced.isDone()) {
             changed.written = std::move(text);
             return changed;
         }
         bool const isOvertaken = replaced.problem().is(EAGAIN) || replaced.problem().is(EEXIST);
-        if (!isOvertaken) return systemProblem(replaced.problem());
+        if (!isOvertaken) return systemProblem(replaced.problem(), change.file);
     }
     return changedProblem(change.file);
 }
@@ -233,7 +238,7 @@ Result<ChangedFile, PlacesProblem> changeFile(FileChange const& change, PlacesSt
 // Why the change cannot be made in the file as it is now.
 std::optional<PlacesProblem> obstacle(FileChange const& change) {
     Result<PlacesText> const now = readText(change.file);
-    if (!now.hasValue()) return systemProblem(now.problem());
+    if (!now.hasValue()) return systemProblem(now.problem(), change.file);
     std::string text = textToChange(now.value(), change.list);
     Removals const edited = edit(change, text);
     return edited.hasValue() ? std::nullopt : std::optional(edited.problem());
@@ -256,11 +261,11 @@ Result<void> removeFile(std::string const& file, FileStatus const& expected) {
 Result<void, PlacesProblem> takeBack(ChangedFile const& changed) {
     if (!changed.written) return {};
     Result<PlacesText> const now = readText(changed.file);
-    if (!now.hasValue()) return systemProblem(now.problem());
+    if (!now.hasValue()) return systemProblem(now.problem(), changed.file);
     if (!now.value().state || now.value().text != *changed.written) return changedProblem(changed.file);
     Result<void> const back = changed.before.state ? replace(changed.file, now.value(), changed.before.text)
                                                    : removeFile(changed.file, *now.value().state);
-    return back.isDone() ? Result<void, PlacesProblem>() : systemProblem(back.problem());
+    return back.isDone() ? Result<void, PlacesProblem>() : systemProblem(back.problem(), changed.file);
 }
 
 } // namespace

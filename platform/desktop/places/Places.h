@@ -41,8 +41,9 @@ struct PlacesProblem {
     };
 
     Kind kind;
-    // For people, in UTF-8: names the file.
+    // In English and UTF-8: names the file.
     std::string text;
+    std::string file{};
     std::optional<SystemError> cause{};
 };
 

@@ -213,7 +213,7 @@ TEST_F(LoginItemsStore, AFolderThatMayNotBeWrittenIsTold) {
         EXPECT_FALSE(write(NSArray::array()));
         NativeWriting const written = writeLoginItems(read().arrayByAddingObject_(item("/x/Mirror Frame.app")));
         ASSERT_FALSE(written.isDone());
-        EXPECT_NE(written.problem->reason.find(folder + "\": "), std::string::npos) << written.problem->reason;
+        EXPECT_NE(written.problem->reason.find(folder + ": "), std::string::npos) << written.problem->reason;
         EXPECT_EQ(read().count(), 1u);
     }
     ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);

@@ -22,7 +22,9 @@ DesktopStrings& desktop() {
 }
 
 NativeItems readStrings(NSArray const& kept) {
-    return {desktop().items.arrayByAddingObjectsFromArray_(kept), desktop().isReadable};
+    NSArray const items = desktop().items.arrayByAddingObjectsFromArray_(kept);
+    if (desktop().isReadable) return {.items = items};
+    return {.items = items, .problem = Failure{"The desktop is closed"}};
 }
 
 NativeWriting writeStrings(NSArray const& items) {
@@ -123,7 +125,9 @@ TEST_F(PreferencesTest, WhatIsNoArrayIsNotWritten) {
 TEST_F(PreferencesTest, ADamagedFileHidesNothingOfTheDesktopAndStopsWriting) {
     makeFile("domain", "damaged");
     desktop().items = NSArray::arrayWithObject_("a");
-    EXPECT_FALSE(m_preferences.synchronize(m_domain).isDone());
+    Result<void, Failure> const read = m_preferences.synchronize(m_domain);
+    ASSERT_FALSE(read.isDone());
+    EXPECT_EQ(read.problem().reason, m_domain.file + ": The file is damaged");
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObject_("a")));
     EXPECT_FALSE(write(NSArray::array()));
     EXPECT_EQ(desktop().writings, 0);
@@ -133,7 +137,9 @@ TEST_F(PreferencesTest, ADamagedFileHidesNothingOfTheDesktopAndStopsWriting) {
 TEST_F(PreferencesTest, ADesktopThatCannotBeReadWholeIsTold) {
     desktop().items = NSArray::arrayWithObject_("a");
     desktop().isReadable = false;
-    EXPECT_FALSE(m_preferences.synchronize(m_domain).isDone());
+    Result<void, Failure> const read = m_preferences.synchronize(m_domain);
+    ASSERT_FALSE(read.isDone());
+    EXPECT_EQ(read.problem().reason, "The desktop is closed");
     EXPECT_TRUE(value().isEqual_(NSArray::arrayWithObject_("a")));
 }
 

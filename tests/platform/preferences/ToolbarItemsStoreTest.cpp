@@ -27,7 +27,7 @@ protected:
     }
     NSMutableArray read(NSArray const& kept = NSArray::array()) {
         NativeItems const read = m_store.read(kept);
-        EXPECT_TRUE(read.isComplete);
+        EXPECT_FALSE(read.problem);
         return NSMutableArray::arrayWithArray_(read.items);
     }
     void write(NSArray const& items) { EXPECT_TRUE(m_store.write(items).isDone()); }
@@ -80,7 +80,8 @@ TEST_F(ToolbarItemsStoreTest, AnswersWhatCanBeReadBesideAFileThatCannot) {
     bookmarks("file:///a\n");
     m_folder.makeFile("data/user-places.xbel", "<xbel>");
     NativeItems const read = m_store.read(NSArray::array());
-    EXPECT_FALSE(read.isComplete);
+    ASSERT_TRUE(read.problem);
+    EXPECT_EQ(read.problem->reason, m_userPlaces + ": The file is damaged");
     EXPECT_EQ(urls(read.items), Texts{"file:///a"});
     EXPECT_TRUE(m_store.write(NSArray::array()).isDone()) << "the file that cannot be read has nothing to change";
     EXPECT_EQ(textOf(m_userPlaces), "<xbel>");

@@ -1,6 +1,7 @@
 #include "platform/desktop/autostart/Autostart.h"
 #include "tests/platform/desktop/autostart/AutostartFolders.h"
 #include "tests/support/OrdinaryUser.h"
+#include <cerrno>
 #include <ostream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,7 +30,7 @@ class AutostartKeys : public AutostartFolders, public testing::WithParamInterfac
 TEST_F(AutostartTest, WithoutFoldersThereAreNoItems) {
     AutostartItems const found = autostartItems();
     EXPECT_TRUE(found.items.empty());
-    EXPECT_TRUE(found.isComplete);
+    EXPECT_FALSE(found.problem);
 }
 
 TEST_F(AutostartTest, ItemsAreInTheOrderOfTheirNamesAndOwnOnesLast) {
@@ -166,7 +167,9 @@ TEST_F(AutostartTest, AFolderThatCannotBeReadIsTold) {
     addOfSystem("a.desktop", entry("/bin/a"));
     m_folder.makeFile("config/autostart", "no folder");
     AutostartItems const found = autostartItems();
-    EXPECT_FALSE(found.isComplete);
+    ASSERT_TRUE(found.problem);
+    EXPECT_EQ(found.problem->item, m_folder.path("config/autostart"));
+    EXPECT_TRUE(found.problem->is(ENOTDIR));
     EXPECT_EQ(found.items.size(), 1u);
 }
 
@@ -180,11 +183,13 @@ TEST_F(AutostartTest, AFileOfTheUserThatCannotBeReadIsTold) {
         OrdinaryUser::own(m_folder.path(item));
     OrdinaryUser const user;
     AutostartItems const readable = autostartItems();
-    EXPECT_TRUE(readable.isComplete);
+    EXPECT_FALSE(readable.problem);
     EXPECT_EQ(readable.items.size(), 2U);
     ASSERT_EQ(::chmod(pathOfUser("a.desktop").c_str(), 0), 0);
     AutostartItems const unreadable = autostartItems();
-    EXPECT_FALSE(unreadable.isComplete);
+    ASSERT_TRUE(unreadable.problem);
+    EXPECT_EQ(unreadable.problem->item, pathOfUser("a.desktop"));
+    EXPECT_TRUE(unreadable.problem->is(EACCES));
     EXPECT_EQ(unreadable.items.size(), 1U);
 }
 
@@ -192,7 +197,7 @@ TEST_F(AutostartTest, ALinkThatLeadsNowhereIsNoItem) {
     addOfUser("a.desktop", entry("/bin/a"));
     ASSERT_EQ(::symlink("nowhere", pathOfUser("b.desktop").c_str()), 0);
     ASSERT_EQ(::symlink("c.desktop", pathOfUser("c.desktop").c_str()), 0);
-    EXPECT_TRUE(autostartItems().isComplete);
+    EXPECT_FALSE(autostartItems().problem);
     EXPECT_EQ(items(), Names{"a"});
 }
 
