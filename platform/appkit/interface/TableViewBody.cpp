@@ -171,6 +171,7 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     // The view would go after the row of the keyboard, wherever that is.
     bool const autoScrolls = m_view->hasAutoScroll();
     m_view->setAutoScroll(false);
+    bool const wasAtRest = isKeyboardAtRest();
     moveKeyboardToStayingRow(stays);
     bool const isNextChange = m_shown != nil && isSame(controller.previouslyArranged(), m_shown);
     if (isNextChange)
@@ -178,6 +179,10 @@ void NSTableView::Body::showRows(NSArray const& rows) {
     else
         m_model.resetRows(rows);
     m_shown = rows;
+    // Rows that come are sorted above it, too.
+    if (wasAtRest && m_view->currentIndex().isValid())
+        m_view->selectionModel()->setCurrentIndex(m_model.index(0, m_view->currentIndex().column()),
+                                                  QItemSelectionModel::NoUpdate);
     m_widths->fitChangedContents();
     restore(kept);
     m_view->setAutoScroll(autoScrolls);
@@ -191,6 +196,11 @@ std::vector<bool> NSTableView::Body::stayingRows() const {
         if (row != NSNotFound) stays[row] = true;
     }
     return stays;
+}
+
+bool NSTableView::Body::isKeyboardAtRest() const {
+    return m_view->currentIndex().isValid() && m_view->currentIndex().row() == 0 &&
+           !m_view->selectionModel()->hasSelection();
 }
 
 // Where a row goes, the next one below takes the keyboard, as the eye expects it; else the next one above.

@@ -58,6 +58,8 @@ private:
     // Which of the rows that are shown will be shown next, too.
     std::vector<bool> stayingRows() const;
     void moveKeyboardToStayingRow(std::vector<bool> const& stays);
+    // Whether the user has chosen no row: the view marks the first one when it gets the keyboard.
+    bool isKeyboardAtRest() const;
     void followSelection();
     void selectAsInView();
     // The table's order is that of its array controller.

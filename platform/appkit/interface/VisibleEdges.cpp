@@ -13,6 +13,9 @@ namespace {
 
 // What neighbouring surfaces differ by at least for the line between them to be seen.
 constexpr double SeenContrast = 1.15;
+// What they differ by at least where text differs from its ground by so much that the user must have chosen it.
+constexpr double EasilySeenContrast = 3;
+constexpr double HighContrast = 20;
 // What the usual style darkens the window by for its outlines, in percent.
 constexpr int OutlineDarkness = 140;
 
@@ -80,7 +83,9 @@ private:
 
 bool areEdgesSeen(QPalette const& palette) {
     QColor const window = palette.color(QPalette::Active, QPalette::Window);
-    auto const isSeen = [&](QColor const& color) { return contrast(color, window) >= SeenContrast; };
+    bool const isHighContrast = contrast(palette.color(QPalette::Active, QPalette::WindowText), window) >= HighContrast;
+    double const wanted = isHighContrast ? EasilySeenContrast : SeenContrast;
+    auto const isSeen = [&](QColor const& color) { return contrast(color, window) >= wanted; };
     return isSeen(window.darker(OutlineDarkness)) || (isSeen(palette.color(QPalette::Active, QPalette::Button)) &&
                                                       isSeen(palette.color(QPalette::Active, QPalette::Base)));
 }

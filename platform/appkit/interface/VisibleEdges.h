@@ -5,7 +5,7 @@
 namespace mac {
 
 // Whether buttons, fields and panes can be told from the window around them: by their own ground, or by the outline
-// that styles draw a little darker than the window.
+// that styles draw a little darker than the window. Palettes of high contrast need more of either.
 bool areEdgesSeen(QPalette const& palette);
 
 // Has the application's style draw edges in the colour of the window's text wherever a palette leaves none to be seen,

@@ -75,5 +75,25 @@ TEST_F(TablePlace, LeavesTheKeyboardToTheRowAboveWhenTheLastOneGoes) {
     EXPECT_EQ(currentPath(m_window), pathOfRow(RowCount - 2));
 }
 
+// The view marks the first row when it gets the keyboard, while others may come above it.
+TEST_F(TablePlace, LeavesTheKeyboardOnTheFirstRowUntilTheUserChoosesOne) {
+    showAllBut(m_window, 0);
+    m_table->selectionModel()->setCurrentIndex(m_table->model()->index(0, 0), QItemSelectionModel::NoUpdate);
+    showAllBut(m_window, -1);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(0));
+}
+
+TEST_F(TablePlace, KeepsTheKeyboardOnTheRowThatTheUserChose) {
+    showAllBut(m_window, 0);
+    m_window.selectRow(0);
+    showAllBut(m_window, -1);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(1)) << "it is selected";
+    m_table->clearSelection();
+    showAllBut(m_window, 0);
+    m_table->selectionModel()->setCurrentIndex(m_table->model()->index(4, 0), QItemSelectionModel::NoUpdate);
+    showAllBut(m_window, -1);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(5)) << "arrow keys went there";
+}
+
 } // namespace
 } // namespace mac::test

@@ -78,14 +78,35 @@ private:
 TEST_F(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
     std::unique_ptr<QStyle> const fusion(QStyleFactory::create("Fusion"));
     EXPECT_TRUE(areEdgesSeen(fusion->standardPalette()));
-    EXPECT_TRUE(areEdgesSeen(paletteOf(Qt::white, Qt::black)));
     EXPECT_FALSE(areEdgesSeen(paletteOf(Qt::black, Qt::white)));
     EXPECT_FALSE(areEdgesSeen(paletteOf("#101010", Qt::white)));
-    QPalette filled = paletteOf(Qt::black, Qt::white);
+    QPalette filled = paletteOf(Qt::black, "#e0e0e0");
     filled.setColor(QPalette::Button, "#303030");
     EXPECT_FALSE(areEdgesSeen(filled)) << "fields have no edge";
     filled.setColor(QPalette::Base, "#303030");
     EXPECT_TRUE(areEdgesSeen(filled));
+}
+
+// Who chooses high contrast needs 3 for what is no text.
+TEST_F(VisibleEdges, HaveToStandOutInThemesOfHighContrast) {
+    EXPECT_FALSE(areEdgesSeen(paletteOf(Qt::white, Qt::black))) << "outlines are light grey";
+    EXPECT_TRUE(areEdgesSeen(paletteOf(Qt::white, "#202020"))) << "a usual white theme";
+    QPalette filled = paletteOf(Qt::black, Qt::white);
+    filled.setColor(QPalette::Button, "#303030");
+    filled.setColor(QPalette::Base, "#303030");
+    EXPECT_FALSE(areEdgesSeen(filled));
+    filled.setColor(QPalette::Button, "#808080");
+    filled.setColor(QPalette::Base, "#808080");
+    EXPECT_TRUE(areEdgesSeen(filled));
+}
+
+TEST_F(VisibleEdges, AreDrawnInAWhiteThemeOfHighContrast) {
+    LoadedWindow const window;
+    auto* const field = window.find<QLineEdit>("filterField");
+    window.table()->setFocus();
+    ApplicationPalette const white(paletteOf(Qt::white, Qt::black));
+    EXPECT_TRUE(runUntil(
+        [&] { return field->palette().color(QPalette::Window) == Qt::white && edgeContrast(field, Qt::white) >= 3; }));
 }
 
 TEST_F(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
