@@ -26,6 +26,12 @@ bool recordFlag(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();
 }
 
+// Nil for the startup volume without a label: the name that it has in HFS paths means nothing to this desktop's user.
+NSString labelOf(MountedVolume const& volume) {
+    bool const isNameless = volume.isStartup() && volume.name == UnlabeledStartupVolumeName;
+    return isNameless ? NSString() : NSString::stringWithCodeUnits(volume.name);
+}
+
 std::optional<std::int32_t> processOfRecord(NSDictionary const& record) {
     NSNumber const number = as<NSNumber>(record.objectForKey_("psn"));
     if (number == nil) return std::nullopt;
@@ -67,7 +73,7 @@ DiskFacts diskFactsOf(std::string const& path) {
     facts.volumePath = pathFromBytes(volume.value().mountPoint);
     // Names need the list of all volumes, which makes them unique.
     for (MountedVolume const& named : mountedVolumes())
-        if (named.mount == volume.value().mount) facts.volumeName = NSString::stringWithCodeUnits(named.name);
+        if (named.mount == volume.value().mount) facts.volumeName = labelOf(named);
     return facts;
 }
 
