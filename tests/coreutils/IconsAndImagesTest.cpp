@@ -9,9 +9,11 @@
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/platform/preferences/PreferenceHome.h"
 #include "tests/support/FinderInformation.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/Texts.h"
 #include <cmath>
 #include <limits>
+#include <sys/stat.h>
 
 namespace mac::test {
 namespace {
@@ -70,6 +72,12 @@ std::uint32_t colorOf(NSImage const& image) {
     return level(color.redComponent()) << 16 | level(color.greenComponent()) << 8 | level(color.blueComponent());
 }
 
+// A PNG file of the image's first form.
+NSData pixelsOf(NSImage const& image) {
+    NSBitmapImageRep const form = as<NSBitmapImageRep>(image.representations().objectAtIndex_(0));
+    return form.representationUsingType_properties_(NSPNGFileType, nil);
+}
+
 // Names in the folder for temporary items.
 NSArray temporaryItems() {
     return NSFileManager::defaultManager().directoryContentsAtPath_(pxTemporaryItemsFolderPath());
@@ -87,9 +95,9 @@ protected:
     // Its signature is the creator; documents of the type have a red icon, the application a blue one.
     void makeApplication(std::string const& creator, std::string const& type) const {
         m_folder.makeBundle("Applications/" + creator + ".app",
-                            "{CFBundleIdentifier = \"com.example." + creator + "\"; CFBundleSignature = " + creator +
-                                "; CFBundleIconFile = blue; CFBundleDocumentTypes = ({CFBundleTypeOSTypes = (" + type +
-                                "); CFBundleTypeIconFile = \"red.icns\";});}");
+                            "{CFBundleIdentifier = \"com.example." + creator + "\"; CFBundleSignature = \"" + creator +
+                                "\"; CFBundleIconFile = blue; CFBundleDocumentTypes = ({CFBundleTypeOSTypes = (\"" +
+                                type + "\"); CFBundleTypeIconFile = \"red.icns\";});}");
         m_folder.makeFile("Applications/" + creator + ".app/Contents/Resources/red.icns", coloredFamily(Red));
         m_folder.makeFile("Applications/" + creator + ".app/Contents/Resources/blue.icns", coloredFamily(Blue));
     }
@@ -99,6 +107,15 @@ private:
     EnvironmentVariable const m_data{"XDG_DATA_HOME", m_folder.path("data")};
     EnvironmentVariable const m_dataFolders{"XDG_DATA_DIRS", m_folder.path("none")};
 };
+
+// What icon services alone have for the codes; nil if they have nothing.
+NSImage iconOfServices(OSType creator, OSType type) {
+    IconRef icon{};
+    if (GetIconRef(kOnSystemDisk, creator, type, &icon) != noErr) return nil;
+    NSImage const image = pxImageWithIconRef_dimension_(icon, 16);
+    ReleaseIconRef(icon);
+    return image;
+}
 
 NSImage genericIcon(OSType creator, OSType type, NSString const& typeString, int dimension = 32) {
     return pxGenericIconForFileCreatorCode_fileTypeCode_fileTypeString_dimension_(creator, type, typeString, dimension);
@@ -183,9 +200,28 @@ TEST_F(IconsOfItems, OfAKindAreThoseThatTheApplicationDeclares) {
     EXPECT_NE(colorOf(genericIcon(OSType("XyZc"), OSType("XyZe"), nil)), Red);
 }
 
+TEST_F(IconsOfItems, OfAKindWithoutACodeAreThoseOfTheTypeString) {
+    constexpr OSType system{"macs"};
+    constexpr OSType application{"APPL"};
+    NSData const document = pixelsOf(pxSmallIconForFileType(""));
+    NSData const program = pixelsOf(pxSmallIconForFileType("app"));
+    ASSERT_FALSE(program.isEqualToData_(document));
+    NSData const drawn = pixelsOf(iconOfServices(system, application));
+    ASSERT_FALSE(drawn.isEqualToData_(document));
+    for (OSType const unknown : {OSType(), OSType("????")}) {
+        EXPECT_TRUE(pixelsOf(genericIcon(unknown, application, "none", 16)).isEqualToData_(document));
+        EXPECT_TRUE(pixelsOf(genericIcon(unknown, application, nil, 16)).isEqualToData_(document));
+        EXPECT_TRUE(pixelsOf(genericIcon(unknown, OSType("TEXT"), "app", 16)).isEqualToData_(program));
+        EXPECT_TRUE(pixelsOf(genericIcon(system, unknown, "app", 16)).isEqualToData_(program));
+    }
+    EXPECT_TRUE(pixelsOf(genericIcon(system, application, "none", 16)).isEqualToData_(drawn));
+}
+
 TEST_F(IconsOfItems, OfAKindLookForNoApplicationWhereACodeSaysNothing) {
     makeApplication("????", "XyZf");
     makeApplication("XyZg", "????");
+    EXPECT_EQ(colorOf(iconOfServices(OSType("????"), OSType("XyZf"))), Red);
+    EXPECT_EQ(colorOf(iconOfServices(OSType("XyZg"), OSType("????"))), Red);
     EXPECT_NE(colorOf(genericIcon(OSType("????"), OSType("XyZf"), nil)), Red);
     EXPECT_NE(colorOf(genericIcon(OSType("XyZg"), OSType("????"), nil)), Red);
 }
@@ -226,6 +262,23 @@ TEST_F(IconsOfItems, OfUselessDataAreAFoldersAndLeaveNothingBehind) {
                            id(NSDictionary::dictionaryWithObject_forKey_(bytes("icns"), XATTR_RESOURCEFORK_NAME))})
         EXPECT_NE(colorOf(pxIconWithData_(data)), Blue);
     EXPECT_TRUE(temporaryItems().isEqualToArray_(before));
+}
+
+TEST_F(IconsOfItems, OfDataAreNoneWithoutAPlaceForTemporaryItems) {
+    NSDictionary const data = NSDictionary::dictionary();
+    {
+        EnvironmentVariable const cache("XDG_CACHE_HOME", m_folder.makeFile("file", ""));
+        ASSERT_TRUE(pxTemporaryItemsFolderPath() == nil);
+        EXPECT_TRUE(pxIconWithData_(data) == nil);
+    }
+    NSString const place = pxTemporaryItemsFolderPath();
+    ASSERT_EQ(::chmod(place.UTF8String().c_str(), 0555), 0);
+    {
+        OrdinaryUser const user;
+        EXPECT_TRUE(pxIconWithData_(data) == nil);
+    }
+    EXPECT_EQ(::chmod(place.UTF8String().c_str(), 0700), 0);
+    EXPECT_FALSE(pxIconWithData_(data) == nil);
 }
 
 TEST(IconsAndImages, AColorOfQuickDrawHasItsChannelsInSinglePrecision) {

@@ -213,6 +213,17 @@ TEST_F(Logging, WaitsForAFolderThatIsJustBeingCreated) {
     EXPECT_EQ(contentsOf(path), "one");
 }
 
+// The three operations give up after all of their trials, side by side.
+TEST_F(Logging, IsSilentAboutAFileThatCannotBeOpened) {
+    NSString const path = stringOfBytes(m_folder.makeFolder("state/framekeeper/Logs/Foo.log"));
+    LogListener const listener([](NSString const& line) { ADD_FAILURE() << line.UTF8String(); });
+    std::thread logger([&] { pxLog_(path, "one"); });
+    std::thread opener([&] { EXPECT_EQ(pxOpenLogFileForPathWithAppending_(path, YES), nullptr); });
+    EXPECT_TRUE(create(bundleNamed("Foo"), NO, YES) == nil);
+    logger.join();
+    opener.join();
+}
+
 TEST_F(Logging, OnAFullDiskDropsMessagesAndContinues) {
     pxLog_("/dev/full", "one");
     pxLogAux_("/dev/full", YES, "one");

@@ -102,6 +102,7 @@ TEST(AppleEventDescriptors, MakeAnEventOfTheFindersClass) {
     EXPECT_EQ(event.eventID(), AEEventID("fupd"));
     EXPECT_EQ(event.transactionID(), 0);
     EXPECT_EQ(event.numberOfItems(), 0);
+    EXPECT_NE(pxFinderAppleEventWithEventID_(AEEventID("fupd")).returnID(), event.returnID()) << "each has its own";
 }
 
 TEST(AppleEventDescriptors, MakeAnEventBySignatureWhoseClassAndIDAreFixed) {
@@ -216,6 +217,9 @@ TEST(AppleEventDescriptors, TakeAnyKeyAsAKey) {
 TEST(AppleEventDescriptors, ConvertAnyOtherRecordToNothing) {
     LoggedWhileAlive const lines;
     EXPECT_TRUE(pxObject(NSAppleEventDescriptor::recordDescriptor()) == nil);
+    NSAppleEventDescriptor const two = recordOf(listDescriptor({stringDescriptor("k"), numberDescriptor(1)}));
+    two.setDescriptor_forKeyword_(numberDescriptor(2), AEKeyword("two "));
+    EXPECT_TRUE(pxObject(two) == nil);
     EXPECT_TRUE(pxObject(recordOf(stringDescriptor("a"))) == nil);
     EXPECT_TRUE(pxObject(recordOf(listDescriptor({}))) == nil);
     EXPECT_TRUE(pxObject(recordOf(listDescriptor({stringDescriptor("k1")}))) == nil);

@@ -56,6 +56,12 @@ TEST_F(FinderControl, OpensTheNearestFolderOfAMissingItem) {
     EXPECT_EQ(asked(), (AskedLines{"ShowFolders " + uri("shown"), "ShowFolders " + uri("shown")}));
 }
 
+TEST_F(FinderControl, OpensAFolderFurtherUpIfTheNearestItemCannotBeOpened) {
+    NSString const unknown = makeFile("shown/file.unknown-to-all");
+    EXPECT_TRUE(KRAPathRevealInFinder(unknown.stringByAppendingPathComponent_("none")));
+    EXPECT_EQ(asked(), AskedLines{"ShowFolders " + uri("shown")});
+}
+
 TEST_F(FinderControl, OpensNoInvisibleFolder) {
     makeFile("shown/.hidden/file");
     EXPECT_FALSE(KRAPathRevealInFinder(path("shown/.hidden/none")));
@@ -94,6 +100,19 @@ TEST_F(FinderControl, RevealsManyItemsAndPassesOverOthers) {
                                                   NSNumber::numberWithInt_(1), path("shown/none"), second})));
     EXPECT_EQ(asked(), (AskedLines{"ShowItems " + uri("shown/first"), "ShowFolders " + uri("shown"),
                                    "ShowItems " + uri("shown/second")}));
+}
+
+TEST_F(FinderControl, StandardizesThePathsOfItems) {
+    makeFile("shown/file");
+    EnvironmentVariable const home("HOME", m_desktop.folder.path("shown"));
+    EXPECT_TRUE(pxRevealItemsInFinder(enumerator({"~/file"})));
+    EXPECT_TRUE(pxOpenItemsWithFinder(enumerator({"~"})));
+    EXPECT_TRUE(pxShowFinderInfo(enumerator({"~/file"})));
+    EXPECT_TRUE(pxRevealItemsInFinder(enumerator({path("shown/../shown/./file/")})));
+    // Without a display the Finder is activated by a window of the home folder, ahead of the information.
+    EXPECT_EQ(asked(), (AskedLines{"ShowItems " + uri("shown/file"), "ShowFolders " + uri("shown"),
+                                   "ShowFolders " + uri("shown"), "ShowItemProperties " + uri("shown/file"),
+                                   "ShowItems " + uri("shown/file")}));
 }
 
 TEST_F(FinderControl, RevealsNoObjectOtherThanAPath) {
