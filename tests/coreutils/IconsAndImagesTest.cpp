@@ -8,8 +8,9 @@
 #include "platform/launchservices/Applications.h"
 #include "tests/platform/icons/IconBytes.h"
 #include "tests/platform/preferences/PreferenceHome.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/FinderInformation.h"
-#include "tests/support/OrdinaryUser.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/Texts.h"
 #include <cmath>
 #include <limits>
@@ -265,20 +266,35 @@ TEST_F(IconsOfItems, OfUselessDataAreAFoldersAndLeaveNothingBehind) {
 }
 
 TEST_F(IconsOfItems, OfDataAreNoneWithoutAPlaceForTemporaryItems) {
-    NSDictionary const data = NSDictionary::dictionary();
-    {
-        EnvironmentVariable const cache("XDG_CACHE_HOME", m_folder.makeFile("file", ""));
-        ASSERT_TRUE(pxTemporaryItemsFolderPath() == nil);
-        EXPECT_TRUE(pxIconWithData_(data) == nil);
-    }
+    EnvironmentVariable const cache("XDG_CACHE_HOME", m_folder.makeFile("file", ""));
+    ASSERT_TRUE(pxTemporaryItemsFolderPath() == nil);
+    EXPECT_TRUE(pxIconWithData_(NSDictionary::dictionary()) == nil);
+}
+
+class IconsOnAFullDisk : public PrivateMounts {
+protected:
+    TemporaryFolder const m_disk{};
+};
+
+TEST_F(IconsOnAFullDisk, OfDataAreNoneAndLeaveNothingBehind) {
+    mountMemory(m_disk.path(), "size=64k,nr_inodes=16");
+    EnvironmentVariable const cache("XDG_CACHE_HOME", m_disk.path());
     NSString const place = pxTemporaryItemsFolderPath();
-    ASSERT_EQ(::chmod(place.UTF8String().c_str(), 0555), 0);
-    {
-        OrdinaryUser const user;
-        EXPECT_TRUE(pxIconWithData_(data) == nil);
+    ASSERT_FALSE(place == nil);
+    std::vector<std::string> fillers{m_disk.path("0")};
+    while (::mkdir(fillers.back().c_str(), 0700) == 0)
+        fillers.push_back(m_disk.path(std::to_string(fillers.size())));
+    // First there is no room for the folder, then none for the file in it, then none for the folder's flags: a disk in
+    // memory counts attributes as files, as far as it keeps them.
+    int failures = 0;
+    for (; pxIconWithData_(NSDictionary::dictionary()) == nil; ++failures) {
+        EXPECT_TRUE(namesIn(place.UTF8String()).empty()) << failures;
+        fillers.pop_back();
+        ASSERT_FALSE(fillers.empty());
+        ASSERT_EQ(::rmdir(fillers.back().c_str()), 0);
     }
-    EXPECT_EQ(::chmod(place.UTF8String().c_str(), 0700), 0);
-    EXPECT_FALSE(pxIconWithData_(data) == nil);
+    EXPECT_EQ(failures, 3);
+    EXPECT_TRUE(namesIn(place.UTF8String()).empty());
 }
 
 TEST(IconsAndImages, AColorOfQuickDrawHasItsChannelsInSinglePrecision) {
