@@ -32,7 +32,7 @@ public:
 
     static ClassDescription describeClass();
 
-    // Registers the two value transformers under their names, once, before the first instance.
+    // Registers the value transformers under their names, once, before the first instance.
     static void initialize();
     // Creates the query and observes it; nil when the superclass's init answers nil.
     AppController init() const;
@@ -124,8 +124,8 @@ public:
     void queryGatheringProgress_(NSNotification const& notification) const;
     void queryDidFinish_(NSNotification const& notification) const;
     void queryDidUpdate_(NSNotification const& notification) const;
-    // Reads the query's results, then rebuilds the inventory. The notifications do so step by step where there are many
-    // results, and the inventory is rebuilt when all are taken in.
+    // Reads the query's results, then rebuilds the inventory. Linux: the notifications do so step by step where there
+    // are many results, and the inventory is rebuilt when all are taken in.
     void syncQuery() const;
     // Replaces the disk's paths by those results that exist and are copies of the companion.
     void syncIsOnHarddisk() const;

@@ -73,8 +73,8 @@ public:
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look);
     void add(NSMutableSet const& records, NSString const& path, BundleLook const& look, RecordObjects const& objects);
     // Adds records of the paths of all sources, in the order of their table, that are not among those of the disk,
-    // whose records are there. Such a path may lie on a volume that does not answer: then its record says that it does
-    // not exist, and the controller makes its inventory anew once the volume answers.
+    // whose records are there. Linux: such a path may lie on a volume that does not answer: then its record says that
+    // it does not exist, and the controller makes its inventory anew once the volume answers.
     void addMissing(AppController const& controller, NSMutableSet const& records, NSSet const& diskPaths);
 
 private:

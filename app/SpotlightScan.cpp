@@ -3,7 +3,7 @@
 
 namespace framekeeper {
 
-// In steps, so that Stop is never out of reach.
+// Linux: in steps, so that Stop is never out of reach.
 void AppController::queryDidStart_(NSNotification const&) const {
     if (*this != nil) syncInSteps(*this);
 }
@@ -27,12 +27,11 @@ void AppController::syncIsOnHarddisk() const {
 }
 
 void AppController::scanAction_(id const&) const {
+    if (*this == nil) return;
     query().stopQuery();
-    if (*this != nil) {
-        cancelSteps(*this);
-        // Whoever shows the records lets them go little by little.
-        bodyOf(*this)->_keptRecords = {};
-    }
+    cancelSteps(*this);
+    // Whoever shows the records lets them go little by little.
+    bodyOf(*this)->_keptRecords = {};
     setPaths_(nil);
     syncMembershipSources(*this);
     startQuery();

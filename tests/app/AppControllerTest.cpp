@@ -29,6 +29,22 @@ TEST(AppController, MakesItsQueryWhenItIsInitialised) {
     EXPECT_FALSE(query.isStarted());
 }
 
+TEST(AppController, FollowsTheStartAndTheProgressOfItsOwnQueryAlone) {
+    AppController const controller = makeController();
+    auto const isInventoryMadeAfter = [&](NSString const& name, NSMetadataQuery const& query) {
+        controller.setPaths_(nil);
+        NSNotificationCenter::defaultCenter().postNotificationName_object_(name, query);
+        return controller.paths() != nil;
+    };
+    EXPECT_TRUE(isInventoryMadeAfter(NSMetadataQueryDidStartGatheringNotification, controller.query()));
+    EXPECT_TRUE(isInventoryMadeAfter(NSMetadataQueryGatheringProgressNotification, controller.query()));
+    EXPECT_FALSE(isInventoryMadeAfter(NSMetadataQueryDidFinishGatheringNotification, controller.query()));
+    EXPECT_FALSE(isInventoryMadeAfter(NSMetadataQueryDidUpdateNotification, controller.query()));
+    NSMetadataQuery const other = NSMetadataQuery::alloc().init();
+    EXPECT_FALSE(isInventoryMadeAfter(NSMetadataQueryDidStartGatheringNotification, other));
+    EXPECT_FALSE(isInventoryMadeAfter(NSMetadataQueryGatheringProgressNotification, other));
+}
+
 TEST(AppController, InitialisedFromNilIsNil) { EXPECT_TRUE(AppController(nil).init() == nil); }
 
 TEST(AppController, EndsTheProgramWithItsLastWindow) {

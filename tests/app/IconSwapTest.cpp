@@ -3,6 +3,7 @@
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "tests/app/Controller.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/Protection.h"
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -156,15 +157,14 @@ TEST_F(SwappedIcons, LeaveAFileThatMayNotBeWritten) {
 }
 
 TEST_F(SwappedIcons, TellHowTouchingFailed) {
-    // A link to a bundle in a folder that is closed to writing keeps the file in reach and the bundle's time is root's.
+    if (!mac::test::canLockFilesIn(m_folder)) GTEST_SKIP() << "folders cannot be made immutable here";
     NSString const bundle = makeBundle(listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe1"));
-    for (char const* const place : {"Mirror Frame.app/Contents", "Mirror Frame.app/Contents/Info.plist"})
-        OrdinaryUser::own(m_folder.path(place));
-    if (!OrdinaryUser::isAnother()) GTEST_SKIP() << "only root can make a bundle of another user";
-    std::filesystem::permissions(m_folder.path(), std::filesystem::perms(0755));
-    OrdinaryUser const user;
+    std::string const path = m_folder.path("Mirror Frame.app");
+    ASSERT_TRUE(mac::test::setLocked(path, true));
     IconSwap const swap = swapIcon(bundle);
+    ASSERT_TRUE(mac::test::setLocked(path, false));
     EXPECT_TRUE(swap.isWritten()) << "the file stays written";
+    EXPECT_EQ(contents(), listOf(NSPropertyListXMLFormat_v1_0, "mirrorframe2"));
     EXPECT_EQ(text(swap.failure), "touch result: 1.");
 }
 

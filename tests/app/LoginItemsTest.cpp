@@ -5,11 +5,14 @@
 #include "platform/system/SystemError.h"
 #include "tests/app/InGerman.h"
 #include "tests/app/PathSources.h"
+#include "tests/platform/desktop/Desktop.h"
+#include "tests/support/DiskContents.h"
 #include "tests/support/Environment.h"
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -103,6 +106,13 @@ private:
 };
 
 using Lines = std::vector<std::string>;
+
+// A program of the desktop that writes its name into the desktop's log.
+void makeProgram(mac::test::Desktop const& desktop, std::string const& name) {
+    std::string const program =
+        desktop.folder.makeFile("bin/" + name, "#!/bin/sh\necho " + name + " >>'" + desktop.log() + "'\n");
+    ASSERT_EQ(::chmod(program.c_str(), S_IRWXU), 0);
+}
 
 } // namespace
 
@@ -319,6 +329,44 @@ TEST_F(LoginItems, TheFirstEntryOfACopyIsFoundByItsPathAsItStands) {
     EXPECT_TRUE(m_controller.hasAutoLaunchedApplicationsEntry_(entries));
     EXPECT_FALSE(m_controller.hasAutoLaunchedApplicationsEntry_(NSArray::array()));
     EXPECT_TRUE(m_controller.autoLaunchedApplicationsAnyMirrorFrameEntry_(nil) == nil);
+}
+
+TEST_F(LoginItems, AListOfAnotherClassIsNotWrittenOver) {
+    NSString const copy = makeCopy("copy");
+    std::string const file =
+        m_folder.makeFile("config/framekeeper/Preferences/loginwindow.plist",
+                          "<plist version=\"1.0\"><dict><key>AutoLaunchedApplicationDictionary</key>"
+                          "<dict><key>Path</key><string>/a/Mirror Frame.app</string></dict></dict></plist>");
+    std::string const before = mac::test::textOf(file);
+    add(copy);
+    EXPECT_EQ(m_controller.isAutolaunchedPaths().count(), 0u);
+    EXPECT_EQ(m_log, Lines{"ERROR: Could not add as Login Item."});
+    EXPECT_EQ(mac::test::textOf(file), before);
+    EXPECT_TRUE(userEntries().empty());
+}
+
+TEST_F(LoginItems, AreManagedByHandInTheSettings) {
+    mac::test::Desktop const desktop;
+    EnvironmentVariable const path("PATH", desktop.folder.makeFolder("bin"));
+    makeProgram(desktop, "xfce4-settings-manager");
+    makeProgram(desktop, "xfce4-session-settings");
+    m_controller.showAccountsAction_(nil);
+    Lines started = desktop.lines(2);
+    std::ranges::sort(started);
+    EXPECT_EQ(started, (Lines{"xfce4-session-settings", "xfce4-settings-manager"}));
+    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_beeps, 0);
+}
+
+TEST_F(LoginItems, TakeEffectOnceTheDesktopIsAskedToLogOut) {
+    mac::test::Desktop const desktop;
+    EnvironmentVariable const path("PATH", desktop.folder.makeFolder("bin"));
+    EnvironmentVariable const current("XDG_CURRENT_DESKTOP", "LXQt");
+    makeProgram(desktop, "lxqt-leave");
+    m_controller.logOutAction_(nil);
+    EXPECT_EQ(desktop.lines(1), Lines{"lxqt-leave"});
+    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_beeps, 0);
 }
 
 TEST_F(LoginItems, ANilControllerDoesNothing) {

@@ -121,6 +121,47 @@ TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
     EXPECT_TRUE(m_controller.paths() == nil);
 }
 
+TEST_F(SpotlightScan, BeginsWhenTheInterfaceIsThere) {
+    m_controller.setIsRunningPaths_(NSSet::setWithObject_(entry("/a", "psn", "1")));
+    m_controller.setIsAutolaunchedPaths_(NSSet::setWithObject_(entry("/a", "autolaunchItem", "1")));
+    m_controller.setIsInToolbarPaths_(NSSet::setWithObject_(entry("/a", "toolbarItem", "1")));
+    m_controller.awakeFromNib();
+    EXPECT_EQ(m_controller.isRunningPaths().count(), 0U);
+    EXPECT_EQ(m_controller.isAutolaunchedPaths().count(), 0U);
+    EXPECT_EQ(m_controller.isInToolbarPaths().count(), 0U);
+    EXPECT_TRUE(m_controller.paths() == nil) << "the inventory waits for the query";
+    EXPECT_TRUE(m_controller.query().isGathering());
+}
+
+TEST_F(SpotlightScan, RefusedWhenTheInterfaceIsThereBeepsAndSaysSo) {
+    m_controller.query().setPredicate_(nil);
+    int beeps = 0;
+    std::vector<std::string> lines;
+    BeepListener const beepListener([&] { ++beeps; });
+    LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    m_controller.awakeFromNib();
+    EXPECT_EQ(beeps, 1);
+    EXPECT_EQ(lines, std::vector<std::string>{"ERROR: Could not start Spotlight query."});
+    EXPECT_TRUE(m_controller.paths() == nil);
+}
+
+TEST(SpotlightScanOfNil, DoesNothing) {
+    int beeps = 0;
+    std::vector<std::string> lines;
+    BeepListener const beepListener([&] { ++beeps; });
+    LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    AppController const controller = nil;
+    controller.awakeFromNib();
+    controller.scanAction_(nil);
+    controller.stopAction_(nil);
+    controller.syncQuery();
+    controller.syncIsOnHarddisk();
+    controller.queryDidStart_(nil);
+    controller.queryGatheringProgress_(nil);
+    EXPECT_EQ(beeps, 0);
+    EXPECT_EQ(lines, std::vector<std::string>());
+}
+
 // A bundle whose information file is bad in one way; the others must be listed all the same.
 struct BadInformation {
     char const* name;

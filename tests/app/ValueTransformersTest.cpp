@@ -1,5 +1,6 @@
 #include "app/ValueTransformers.h"
 #include "platform/appkit/workspace/NSColor.h"
+#include "platform/foundation/objects/Exceptions.h"
 #include "tests/app/SelectedCopies.h"
 #include <gtest/gtest.h>
 
@@ -13,6 +14,11 @@ TEST(BOOLToStringTransformer, SaysYesForTrueAndNoOtherwise) {
     EXPECT_EQ(text(transformer.transformedValue_(NSNumber::numberWithInt_(2))), "Yes");
     EXPECT_EQ(text(transformer.transformedValue_("y")), "Yes");
     EXPECT_EQ(text(transformer.transformedValue_(nil)), "No");
+}
+
+TEST(BOOLToStringTransformer, RaisesForAnObjectWithoutATruthValue) {
+    EXPECT_THROW(adopt<BOOLToStringTransformer>().transformedValue_(NSArray::array()), NSInvalidArgumentException);
+    EXPECT_THROW(adopt<BOOLToColorTransformer>().transformedValue_(NSArray::array()), NSInvalidArgumentException);
 }
 
 TEST(BOOLToStringTransformer, MakesStringsAndGoesOneWay) {
