@@ -7,6 +7,7 @@
 #include "platform/foundation/collections/NSSet.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/spotlight/NSMetadataQuery.h"
+#include <optional>
 
 namespace framekeeper {
 
@@ -176,8 +177,8 @@ public:
     bool noticeOffersUndo() const;
 
 private:
-    // The path of the one selected record; nil unless there is exactly one.
-    NSString onlySelectedPath() const;
+    // The path of the one selected record, nil if it has none; nullopt unless there is exactly one.
+    std::optional<NSString> onlySelectedPath() const;
     // Starts the query; a refusal is a beep and a line in the log.
     void startQuery() const;
 };

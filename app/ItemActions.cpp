@@ -19,9 +19,10 @@ void fail(NSString const& message) {
 
 } // namespace
 
-NSString AppController::onlySelectedPath() const {
+std::optional<NSString> AppController::onlySelectedPath() const {
     NSArray const selected = pathsArrayController().selectedObjects();
-    return selected.count() == 1 ? as<NSString>(selected.objectAtIndex_(0).valueForKey_("path")) : NSString();
+    if (selected.count() != 1) return std::nullopt;
+    return as<NSString>(selected.objectAtIndex_(0).valueForKey_("path"));
 }
 
 void AppController::revealAction_(id const&) const {
@@ -31,8 +32,9 @@ void AppController::revealAction_(id const&) const {
 }
 
 void AppController::trashAction_(id const&) const {
-    NSString const path = onlySelectedPath();
-    if (path == nil) return;
+    std::optional<NSString> const selected = onlySelectedPath();
+    if (!selected) return;
+    NSString const& path = *selected;
     bool const wasOnHarddisk = isOnHarddiskPaths().containsObject_(path);
     NSString const pathInTrash = pxMoveToTrash(path);
     if (pathInTrash == nil) return fail("Could not move to trash.");
@@ -44,7 +46,7 @@ void AppController::trashAction_(id const&) const {
 }
 
 void AppController::putBackAction_(id const&) const {
-    NSString const path = onlySelectedPath();
+    NSString const path = onlySelectedPath().value_or(nil);
     if (path == nil) return;
     Result<std::string, TrashProblem> const back = putBackItemAtPath(path.fileSystemRepresentation().value_or(""));
     if (!back.hasValue()) {
@@ -59,7 +61,7 @@ void AppController::putBackAction_(id const&) const {
 }
 
 void AppController::deleteAction_(id const&) const {
-    NSString const path = onlySelectedPath();
+    NSString const path = onlySelectedPath().value_or(nil);
     if (path == nil) return;
     NSString const message = pxRemoveFile2(path);
     if (message != nil) return fail(message);
@@ -68,8 +70,9 @@ void AppController::deleteAction_(id const&) const {
 }
 
 void AppController::swapIconAction_(id const&) const {
-    NSString const path = onlySelectedPath();
-    if (path == nil) return;
+    std::optional<NSString> const selected = onlySelectedPath();
+    if (!selected) return;
+    NSString const& path = *selected;
     IconSwap const swap = swapIcon(path);
     if (swap.isWritten()) remember(*this, SwappedIcon{path, swap.formerName, swap.newName});
     if (swap.failure != nil) return fail(swap.failure);

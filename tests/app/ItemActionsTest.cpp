@@ -59,6 +59,17 @@ TEST_F(ItemActions, ListATrashedCopyByThePathThatTheScriptTells) {
     EXPECT_TRUE(onHarddisk().empty());
 }
 
+TEST_F(ItemActions, FailForARecordWithoutAPath) {
+    NSMutableDictionary const record = NSMutableDictionary::dictionary();
+    m_selection.setContent_(NSSet::setWithObject_(record));
+    ASSERT_TRUE(m_selection.setSelectedObjects_(NSArray::arrayWithObject_(record)));
+    m_controller.trashAction_(nil);
+    EXPECT_EQ(m_log, std::vector<std::string>{"Could not move to trash."});
+    m_controller.swapIconAction_(nil);
+    EXPECT_EQ(m_log.back(), "Could not read plist.");
+    EXPECT_EQ(m_beeps, 2);
+}
+
 TEST_F(ItemActions, SayThatACopyCouldNotBeMovedToTheTrash) {
     NSString const path = findCopy("a");
     select({path});
