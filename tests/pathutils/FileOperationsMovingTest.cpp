@@ -40,6 +40,17 @@ TEST_F(FileOperationsMoving, TheFinderMovesToAFolderAndTellsWhere) {
     EXPECT_EQ(namesIn(m_folder.path()), Names{"target"});
 }
 
+TEST_F(FileOperationsMoving, ALinkIsMovedItself) {
+    link("../file.txt", "target/link");
+    link("source", "folderLink");
+    EXPECT_EQ(fileSystemBytes(pxMoveToFolder_(at("target/link"), at("source"))), m_folder.path("source/link"));
+    EXPECT_EQ(textOf(m_folder.path("source/link")), "contents");
+    EXPECT_TRUE(pxMoveToFolder2_(at("folderLink"), at("target")));
+    EXPECT_EQ(namesIn(m_folder.path("target")), Names{"folderLink"});
+    EXPECT_EQ(namesIn(m_folder.path()), (Names{"file.txt", "source", "target"}));
+    EXPECT_EQ(namesIn(m_folder.path("source")), (Names{"inner", "link"}));
+}
+
 TEST_F(FileOperationsMoving, TheFinderReplacesNothingAndMovesNothingThatIsMissing) {
     m_folder.makeFile("target/file.txt", "old");
     EXPECT_TRUE(pxMoveToFolder_(at("file.txt"), at("target")) == nil);

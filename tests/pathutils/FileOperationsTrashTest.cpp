@@ -34,6 +34,16 @@ TEST_F(FileOperationsTrash, AnswersWhereTheItemIsNow) {
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string>{"data"});
 }
 
+TEST_F(FileOperationsTrash, ALinkGoesItself) {
+    m_folder.makeFile("folder/file", "contents");
+    ASSERT_EQ(::symlink("folder", m_folder.path("folderLink").c_str()), 0);
+    ASSERT_EQ(::symlink("folder/file", m_folder.path("link").c_str()), 0);
+    EXPECT_EQ(fileSystemBytes(pxMoveToTrash(at("link"))), trashed("link"));
+    EXPECT_EQ(fileSystemBytes(pxMoveToTrash(at("folderLink/"))), trashed("folderLink"));
+    EXPECT_EQ(namesIn(m_folder.path("data/Trash/files")), (std::vector<std::string>{"folderLink", "link"}));
+    EXPECT_EQ(textOf(m_folder.path("folder/file")), "contents");
+}
+
 TEST_F(FileOperationsTrash, AMissingItemIsNil) {
     ASSERT_EQ(::symlink("nowhere", m_folder.path("lost").c_str()), 0);
     for (NSString const& none : {at("none"), at("lost"), at("none/below"), NSString("none"), NSString(""), NSString()})
