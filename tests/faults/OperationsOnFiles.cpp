@@ -1,4 +1,5 @@
 #include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
@@ -36,9 +37,19 @@ NSDictionary permissions(int mode) {
     return NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithInt_(mode), text(NSFilePosixPermissions));
 }
 
+NSDictionary creationDate() {
+    return NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1'000'000'000),
+                                                      text(NSFileCreationDate));
+}
+
 bool createFile(Fixture const& fixture) {
     return NSFileManager::defaultManager().createFileAtPath_contents_attributes_(
         text(fixture.path("w/x")), data(secretText("w/x")), permissions(0600));
+}
+
+bool createDatedFile(Fixture const& fixture) {
+    return NSFileManager::defaultManager().createFileAtPath_contents_attributes_(
+        text(fixture.path("w/x")), data(secretText("w/x")), creationDate());
 }
 
 bool replaceByCreating(Fixture const& fixture) {
@@ -58,6 +69,10 @@ bool createLink(Fixture const& fixture) {
 
 bool changePermissions(Fixture const& fixture) {
     return NSFileManager::defaultManager().changeFileAttributes_atPath_(permissions(0600), text(fixture.path("w/x")));
+}
+
+bool changeCreationDate(Fixture const& fixture) {
+    return NSFileManager::defaultManager().changeFileAttributes_atPath_(creationDate(), text(fixture.path("w/x")));
 }
 
 std::vector<std::string> const Ways{"w"};
@@ -97,6 +112,11 @@ std::vector<Operation> fileOperations() {
          .items = {kept},
          .exchangedWays = Ways},
         {.name = "create a file", .prepare = makeNothing, .run = createFile, .exchangedWays = Ways},
+        {.name = "create a file with a creation date",
+         .prepare = makeNothing,
+         .run = createDatedFile,
+         .exchangedWays = Ways,
+         .failure = Failure::LeavesSomeFields},
         {.name = "create a file that exists",
          .prepare = makeFile,
          .run = replaceByCreating,
@@ -107,6 +127,11 @@ std::vector<Operation> fileOperations() {
         {.name = "change permissions",
          .prepare = makeFile,
          .run = changePermissions,
+         .items = {kept},
+         .exchangedWays = Ways},
+        {.name = "change a creation date",
+         .prepare = makeFile,
+         .run = changeCreationDate,
          .items = {kept},
          .exchangedWays = Ways},
     };
