@@ -38,12 +38,20 @@ std::string complaintAboutFileName(std::string_view bytes) {
     return back == bytes ? "" : "a file name comes back otherwise";
 }
 
+// What is read of the text once it was written: UTF-8 loses a byte order mark at its start.
+std::u16string_view readBack(std::u16string_view units, NSStringEncoding encoding) {
+    bool const losesMark = encoding == NSUTF8StringEncoding && units.starts_with(u'\xFEFF');
+    return units.substr(losesMark ? 1 : 0);
+}
+
 std::string complaintAboutText(std::u16string const& units, NSStringEncoding encoding) {
     std::optional<std::string> const name = fileSystemBytesFromUnits(units);
     if (name && unitsFromFileSystemBytes(*name) != units) return "two texts name one file";
     if (!bytesFromUnitsWithLoss(units, encoding)) return "an encoding is unknown";
     std::optional<std::string> const bytes = bytesFromUnits(units, encoding);
-    return !bytes || unitsFromBytes(*bytes, encoding) == units ? "" : "a text that was written is read otherwise";
+    return !bytes || unitsFromBytes(*bytes, encoding) == readBack(units, encoding)
+               ? ""
+               : "a text that was written is read otherwise";
 }
 
 std::string complaintAboutBytes(std::string_view bytes, NSStringEncoding encoding) {

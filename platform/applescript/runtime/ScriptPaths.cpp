@@ -110,9 +110,16 @@ namespace {
 
 using keywords::AliasType;
 
+// Lists and records may be of any type, those of files among them.
+Value fileOfDescriptor(AEDesc const& desc) {
+    Value file = valueOfDescriptor(desc);
+    if (!file.is(ValueKind::File)) throw plainError(errors::CannotCoerce);
+    return file;
+}
+
 OSErr asText(AEDesc const& desc, DescType toType, AEDesc& result) {
     try {
-        AEDesc const text = makeText(filePathText(valueOfDescriptor(desc)));
+        AEDesc const text = makeText(filePathText(fileOfDescriptor(desc)));
         return AECoerceDesc(&text, toType, &result);
     } catch (ScriptError const&) {
         return errAECoercionFail;
@@ -122,7 +129,7 @@ OSErr asText(AEDesc const& desc, DescType toType, AEDesc& result) {
 OSErr asFile(AEDesc const& desc, DescType toType, AEDesc& result) {
     try {
         FileObject::Kind const kind = toType == AliasType ? FileObject::Kind::Alias : FileObject::Kind::PosixFile;
-        Value const file = valueOfDescriptor(desc);
+        Value const file = fileOfDescriptor(desc);
         result = descriptorOfValue(makeObject<FileObject>(ValueKind::File, kind, file.file().path));
         return noErr;
     } catch (ScriptError const&) {

@@ -22,7 +22,8 @@ std::u16string unitsFromFileSystemBytes(std::string_view bytes);
 // so that no two texts name one file.
 std::optional<std::string> fileSystemBytesFromUnits(std::u16string_view units);
 
-// Decodes and encodes text; nullopt for what the encoding cannot hold and for an unknown encoding.
+// Decodes and encodes text; nullopt for what the encoding cannot hold and for an unknown encoding. Of UTF-8 a byte
+// order mark at the start is no part of the text that is read, so that a text which begins with one is read without it.
 std::optional<std::u16string> unitsFromBytes(std::string_view bytes, NSStringEncoding encoding);
 std::optional<std::string> bytesFromUnits(std::u16string_view units, NSStringEncoding encoding);
 // Encodes text and replaces a character that the encoding lacks: by itself without its marks, else by one that looks

@@ -1,7 +1,10 @@
 #include "platform/applescript/runtime/ScriptDescriptors.h"
 #include "platform/applescript/NSAppleScript.h"
+#include "platform/applescript/runtime/DescriptorKeywords.h"
 #include "platform/applescript/runtime/ScriptEngine.h"
+#include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/applescript/runtime/SourceForm.h"
+#include "platform/events/DescriptorCoercion.h"
 #include "platform/events/DescriptorContents.h"
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/text/Encodings.h"
@@ -179,6 +182,18 @@ TEST(ScriptDescriptors, AFileIsReadFromEveryFormOfItsURL) {
     for (std::string_view const wrong :
          {"", "/a", "http://localhost/a", "file://elsewhere/a", "file:///a%2", "file:///a%zz", "file:///a%00"})
         EXPECT_EQ(readingError(bytesDesc(typeFileURL, wrong)), errors::CorruptData) << wrong;
+}
+
+TEST(ScriptDescriptors, AContainerOfTheTypeOfFilesIsNoFile) {
+    installFileCoercions();
+    for (DescType const type : {keywords::AliasType, typeFileURL})
+        for (DescriptorForm const form : {DescriptorForm::List, DescriptorForm::Record})
+            for (DescType const wanted : {typeUnicodeText, keywords::AliasType, typeFileURL}) {
+                AEDesc const container = makeContainer(type, form);
+                AEDesc result;
+                bool const isItself = wanted == type;
+                EXPECT_EQ(AECoerceDesc(&container, wanted, &result), isItself ? noErr : errAECoercionFail);
+            }
 }
 
 Value finder() { return makeObject<ApplicationObject>(ValueKind::Application, u"Finder", false); }
