@@ -1,3 +1,5 @@
+#include "platform/foundation/collections/NSDictionary.h"
+#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "tests/platform/desktop/VirtualSession.h"
 #include "tests/support/Commands.h"
 #include <filesystem>
@@ -28,10 +30,19 @@ std::vector<std::string> linesOf(ChildProcess& application) {
 
 using Lines = std::vector<std::string>;
 
+constexpr char DefaultsFile[] = "home/.config/framekeeper/Preferences/com.example.asking.plist";
+
 class DisclaimerProgram : public testing::Test {
 protected:
     std::unique_ptr<ChildProcess> start(std::string const& version) const {
         return std::make_unique<ChildProcess>(Lines{makeApplication(m_folder, version)});
+    }
+
+    // What the application keeps for its user.
+    id defaults() const {
+        return NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
+            NSData::dataWithContentsOfFile_(NSString::stringWithFileSystemRepresentation_(m_folder.path(DefaultsFile))),
+            NSPropertyListImmutable, nullptr, nullptr);
     }
 
     TemporaryFolder const m_folder{};
@@ -50,6 +61,16 @@ TEST_F(DisclaimerProgram, WithoutADisplayCountsAsDeclined) {
     EXPECT_EQ(application.wait(), 0);
     EXPECT_NE(said.find("The alert \"Disclaimer\" cannot be shown: there is no display"), std::string::npos) << said;
     EXPECT_NE(said.find("\nshown\nended\n"), std::string::npos) << said;
+}
+
+TEST_F(DisclaimerProgram, GoesByTheVersionInTheUserDefaults) {
+    EnvironmentVariable const display("DISPLAY", std::nullopt);
+    for (std::string const accepted : {"120", "\"120.9 beta\""}) {
+        m_folder.makeFile(DefaultsFile, "{\"Disclaimer Shown for Version\" = " + accepted + ";}");
+        for (char const* const version : {"", "1", "119", "120", "120.95"})
+            EXPECT_EQ(linesOf(*start(version)), (Lines{"not shown", "runs", "ended"})) << version;
+        EXPECT_EQ(linesOf(*start("121")), (Lines{"shown", "ended"}));
+    }
 }
 
 TEST_F(DisclaimerProgram, EndsWhereTheDisplayCannotBeUsed) {
@@ -146,11 +167,13 @@ TEST_F(DisclaimerInASession, IsAcceptedByTabAndSpaceAndNoOtherKey) {
 }
 
 TEST_F(DisclaimerInASession, IsShownAgainForAHigherVersionAlone) {
-    std::unique_ptr<ChildProcess> application = startAndAsk("120");
+    std::unique_ptr<ChildProcess> application = startAndAsk("120b");
     use(*application, {"press", "tab"});
     EXPECT_TRUE(shows(*application, "button Accept has the keyboard"));
     use(*application, {"press", "space"});
     EXPECT_EQ(linesOf(*application), (Lines{"shown", "runs", "ended"}));
+    EXPECT_TRUE(
+        defaults().isEqual_(NSDictionary::dictionaryWithObject_forKey_("120b", "Disclaimer Shown for Version")));
     for (char const* const version : {"120", "119", "120.9"})
         EXPECT_EQ(linesOf(*start(version)), (Lines{"not shown", "runs", "ended"})) << version;
     application = startAndAsk("121");
