@@ -53,10 +53,12 @@ void AppController::putBackAction_(id const&) const {
         NSBeep();
         return tell(*this, NSString::stringWithUTF8String_(back.problem().localizedText().c_str()), Offer::Nothing);
     }
+    NSString const former = NSString::stringWithFileSystemRepresentation_(back.value());
     isOnHarddiskPaths().removeObject_(path);
-    isOnHarddiskPaths().addObject_(NSString::stringWithFileSystemRepresentation_(back.value()));
+    isOnHarddiskPaths().addObject_(former);
     forgetTrashing(*this, path);
     reSync();
+    selectIfNothingIs(*this, former);
     tell(*this, NSLocalizedString("Put back.", nil), Offer::Nothing);
 }
 
@@ -64,9 +66,15 @@ void AppController::deleteAction_(id const&) const {
     NSString const path = onlySelectedPath().value_or(nil);
     if (path == nil) return;
     NSString const message = pxRemoveFile2(path);
-    if (message != nil) return fail(message);
+    if (message != nil) {
+        fail(message);
+        NSString const text =
+            NSString::stringWithFormat_(NSLocalizedString("The copy could not be deleted: %@", nil), message);
+        return tell(*this, text, Offer::Nothing);
+    }
     isOnHarddiskPaths().removeObject_(path);
     reSync();
+    tell(*this, NSLocalizedString("Deleted for good.", nil), Offer::Nothing);
 }
 
 void AppController::swapIconAction_(id const&) const {

@@ -5,6 +5,7 @@
 #include "platform/events/NSAppleEventDescriptor.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "scripting/ProcessesAndFinder.h"
 #include <bit>
 #include <functional>
@@ -72,6 +73,7 @@ void AppController::quitAction_(id const&) const {
     }
     syncIsRunningPaths();
     reSync();
+    tell(*this, NSLocalizedString("The copy has quit.", nil), Offer::Nothing);
 }
 
 void AppController::openActivityMonitorAction_(id const&) const {

@@ -42,6 +42,7 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
     known.removeObject_(copy.pathInTrash);
     if (copy.wasOnHarddisk) known.addObject_(copy.path);
     controller.reSync();
+    selectIfNothingIs(controller, copy.path);
     return {.notice = NSLocalizedString("Put back.", nil)};
 }
 
@@ -140,6 +141,14 @@ void forgetTrashing(AppController const& controller, NSString const& pathInTrash
             return copy && copy->pathInTrash.isEqual_(pathInTrash);
         });
     });
+}
+
+void selectIfNothingIs(AppController const& controller, NSString const& path) {
+    NSArrayController const shown = controller.pathsArrayController();
+    if (shown.selectedObjects().count() > 0) return;
+    for (id const& record : controller.paths().allObjects()) {
+        if (record.valueForKey_("path").isEqual_(path)) shown.setSelectedObjects_(NSArray::arrayWithObject_(record));
+    }
 }
 
 void tell(AppController const& controller, NSString const& notice, Offer offer) {

@@ -71,6 +71,9 @@ ListChange::Removed removedItem(NSArray const& list, NSUInteger index);
 // Drops the steps about a copy that has left the trash by other means.
 void forgetTrashing(AppController const& controller, NSString const& pathInTrash);
 
+// Selects the record of the path unless the user has selected another one: the copy that an action brought back.
+void selectIfNothingIs(AppController const& controller, NSString const& path);
+
 enum class Offer { Nothing, Undo };
 // Shows a text in the window, never in the log; with a button that undoes where that is offered.
 void tell(AppController const& controller, NSString const& notice, Offer offer);

@@ -914,6 +914,54 @@ Opens the window, or brings the open one to the front.
     <translation>Aus den Orten entfernt.</translation>
 </message>
 <message>
+    <source>Deleted for good.</source>
+    <translation>Endgültig gelöscht.</translation>
+</message>
+<message>
+    <source>The copy could not be deleted: %@</source>
+    <translation>Die Kopie ließ sich nicht löschen: %@</translation>
+</message>
+<message>
+    <source>The copy has quit.</source>
+    <translation>Die Kopie ist beendet.</translation>
+</message>
+<message>
+    <source>More actions</source>
+    <translation>Weitere Aktionen</translation>
+</message>
+<message>
+    <source>Keyboard shortcuts</source>
+    <translation>Tastenkürzel</translation>
+</message>
+<message>
+    <source>Keyboard Shortcuts</source>
+    <translation>Tastenkürzel</translation>
+</message>
+<message>
+    <source>Menu</source>
+    <translation>Menü</translation>
+</message>
+<message>
+    <source>Command</source>
+    <translation>Befehl</translation>
+</message>
+<message>
+    <source>Keys</source>
+    <translation>Tasten</translation>
+</message>
+<message>
+    <source>About %1</source>
+    <translation>Über %1</translation>
+</message>
+<message>
+    <source>%1, version %2</source>
+    <translation>%1, Version %2</translation>
+</message>
+<message>
+    <source>Sort by %1</source>
+    <translation>Nach %1 sortieren</translation>
+</message>
+<message>
     <source>That could not be undone: %@</source>
     <translation>Das ließ sich nicht rückgängig machen: %@</translation>
 </message>

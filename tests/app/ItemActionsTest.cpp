@@ -112,6 +112,8 @@ TEST_F(ItemActions, DeleteTheSelectedCopyForGood) {
     EXPECT_EQ(onHarddisk(), std::vector{text(other)});
     EXPECT_EQ(m_controller.paths().count(), 1U);
     EXPECT_FALSE(m_controller.canUndo());
+    EXPECT_EQ(notice(), "Deleted for good.");
+    EXPECT_FALSE(m_controller.noticeOffersUndo());
     EXPECT_EQ(m_beeps, 0);
     EXPECT_TRUE(m_log.empty());
 }
@@ -134,6 +136,8 @@ TEST_F(ItemActions, LogWhyACopyCouldNotBeDeletedWithTheMessageAsTheFormat) {
     EXPECT_EQ(m_beeps, 1);
     ASSERT_EQ(m_log.size(), 1U);
     EXPECT_NE(m_log.front().find("100(null)"), std::string::npos) << m_log.front();
+    EXPECT_TRUE(notice().starts_with("The copy could not be deleted: ")) << notice();
+    EXPECT_NE(notice().find("100%@"), std::string::npos) << notice();
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
 }
 

@@ -168,6 +168,7 @@ TEST_F(RunningCopies, QuitWhenTheOneSelectedIsAskedTo) {
     select({willing.bundle()});
     m_controller.quitAction_(nil);
     EXPECT_FALSE(willing.isRunning());
+    EXPECT_EQ(text(m_controller.notice()), "The copy has quit.");
     EXPECT_EQ(willing.process().wait(), 0);
     EXPECT_FALSE(flag(recordOf(m_controller, willing.bundle()), "isRunning"));
     EXPECT_TRUE(flag(recordOf(m_controller, slow.bundle()), "isRunning"));

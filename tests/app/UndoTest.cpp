@@ -12,6 +12,12 @@ protected:
         m_controller.trashAction_(nil);
         ASSERT_FALSE(exists(path));
     }
+    std::vector<std::string> selectedPaths() const {
+        std::vector<std::string> paths;
+        for (id const& record : m_selection.selectedObjects())
+            paths.push_back(text(record.valueForKey_("path")));
+        return paths;
+    }
     // The contents of the files in the autostart folder.
     std::string loginItems() const {
         std::string contents;
@@ -48,6 +54,31 @@ TEST_F(Undo, PutsATrashedCopyBackIntoItsPlace) {
     EXPECT_FALSE(m_controller.canUndo());
     EXPECT_EQ(m_beeps, 0);
     EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(Undo, SelectsTheCopyThatIsBackUnlessTheUserHasSelectedAnother) {
+    NSString const path = findCopy("a");
+    NSString const other = findCopy("b");
+    m_selection.setIdentityKeyPath("path");
+    m_selection.bind_toObject_withKeyPath_options_("contentSet", m_controller, "paths", nil);
+    auto const trashSelected = [&] {
+        m_controller.reSync();
+        m_selection.setSelectedObjects_(NSArray::arrayWithObject_(recordOf(m_controller, path)));
+        m_controller.trashAction_(nil);
+        ASSERT_FALSE(exists(path));
+        EXPECT_TRUE(selectedPaths().empty());
+    };
+    trashSelected();
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(selectedPaths(), std::vector{text(path)});
+    trashSelected();
+    m_selection.setSelectedObjects_(NSArray::arrayWithObject_(recordOf(m_controller, other)));
+    m_controller.undoAction_(nil);
+    EXPECT_EQ(selectedPaths(), std::vector{text(other)});
+    trashSelected();
+    m_selection.setSelectedObjects_(NSArray::arrayWithObject_(recordOf(m_controller, pathInTrash())));
+    m_controller.putBackAction_(nil);
+    EXPECT_EQ(selectedPaths(), std::vector{text(path)});
 }
 
 TEST_F(Undo, ListsTheOldPathOnlyIfItWasListed) {

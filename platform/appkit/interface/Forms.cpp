@@ -12,6 +12,7 @@
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QLineEdit>
+#include <QTableView>
 #include <QToolBar>
 #include <QToolButton>
 #include <QUiLoader>
@@ -21,9 +22,29 @@ namespace mac {
 
 namespace {
 
+// Home and End go to the first and the last row, as in a list: rows are selected whole, not cells.
+class RowsTable : public QTableView {
+public:
+    using QTableView::QTableView;
+
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override {
+        int const rows = model() ? model()->rowCount() : 0;
+        bool const isToEnd = action == MoveHome || action == MoveEnd;
+        if (!isToEnd || rows == 0) return QTableView::moveCursor(action, modifiers);
+        return model()->index(action == MoveHome ? 0 : rows - 1, std::max(currentIndex().column(), 0));
+    }
+};
+
 class FormLoader : public QUiLoader {
 public:
     QWidget* createWidget(QString const& className, QWidget* parent, QString const& name) override {
+        if (className == "QTableView") {
+            auto table = std::make_unique<RowsTable>(parent);
+            table->setObjectName(name);
+            // Owned by the parent.
+            return table.release();
+        }
         if (QWidget* const widget = QUiLoader::createWidget(className, parent, name)) return widget;
         NSLog("Interface file: there is no widget class \"%@\"", stringOf(className));
         return QUiLoader::createWidget("QWidget", parent, name);

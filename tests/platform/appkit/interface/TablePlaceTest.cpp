@@ -1,6 +1,7 @@
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include <QHeaderView>
 #include <QScrollBar>
+#include <QTest>
 #include <gtest/gtest.h>
 
 // What the user looks at, and the row of the keyboard, while rows go.
@@ -93,6 +94,20 @@ TEST_F(TablePlace, KeepsTheKeyboardOnTheRowThatTheUserChose) {
     m_table->selectionModel()->setCurrentIndex(m_table->model()->index(4, 0), QItemSelectionModel::NoUpdate);
     showAllBut(m_window, -1);
     EXPECT_EQ(currentPath(m_window), pathOfRow(5)) << "arrow keys went there";
+}
+
+TEST_F(TablePlace, GoesToTheFirstAndTheLastRowByHomeAndEnd) {
+    m_window.selectRow(100);
+    QTest::keyClick(m_table, Qt::Key_End);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(RowCount - 1));
+    EXPECT_EQ(m_table->selectionModel()->selectedRows().size(), 1);
+    QTest::keyClick(m_table, Qt::Key_Home);
+    EXPECT_EQ(currentPath(m_window), pathOfRow(0));
+    EXPECT_TRUE(m_table->selectionModel()->isRowSelected(0));
+    QTest::keyClick(m_table, Qt::Key_Down);
+    QTest::keyClick(m_table, Qt::Key_Down);
+    QTest::keyClick(m_table, Qt::Key_Home, Qt::ShiftModifier);
+    EXPECT_EQ(m_table->selectionModel()->selectedRows().size(), 3);
 }
 
 } // namespace
