@@ -14,8 +14,14 @@ namespace {
 
 void showText(QWidget& widget, QString text) {
     if (auto* const label = qobject_cast<QLabel*>(&widget)) return label->setText(text);
+    auto* const button = qobject_cast<QAbstractButton*>(&widget);
+    if (!button) return;
     // A button takes a single one for the mark of its mnemonic.
-    if (auto* const button = qobject_cast<QAbstractButton*>(&widget)) button->setText(text.replace("&", "&&"));
+    text.replace("&", "&&");
+    // A label goes by the letters of its text; a button from right to left would show "2 folders" as "folders 2".
+    constexpr QChar leftToRightMark(0x200E);
+    bool const isAgainstButton = button->isRightToLeft() && !text.isEmpty() && !text.isRightToLeft();
+    button->setText(isAgainstButton ? leftToRightMark + text : text);
 }
 
 } // namespace

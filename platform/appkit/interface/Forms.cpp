@@ -139,6 +139,9 @@ void makeReachableOverflow(QToolBar* bar) {
     if (!overflow) return;
     overflow->setIcon(drawnIcon("M3.5 4 L7.5 8 L3.5 12 M8.5 4 L12.5 8 L8.5 12"));
     overflow->setFocusPolicy(Qt::TabFocus);
+    QList<QAction*> const actions = bar->actions();
+    // Behind the buttons, as it stands.
+    if (!actions.isEmpty()) QWidget::setTabOrder(bar->widgetForAction(actions.last()), overflow);
     QString const name = QCoreApplication::translate("Framekeeper", "More actions");
     overflow->setAccessibleName(name);
     overflow->setToolTip(name);

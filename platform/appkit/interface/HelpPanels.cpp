@@ -64,6 +64,9 @@ bool raisePanel(QWidget const* window, char const* name) {
     return true;
 }
 
+// In the language of the window, for which the toolkit's own texts may not be installed.
+void nameCloseButton(QAbstractButton* button) { button->setText(QCoreApplication::translate("Framekeeper", "Close")); }
+
 QTableWidget* tableOf(std::vector<CommandKeys> const& commands) {
     auto table = std::make_unique<QTableWidget>(static_cast<int>(commands.size()), 3);
     table->setObjectName("shortcutsTable");
@@ -84,6 +87,7 @@ QTableWidget* tableOf(std::vector<CommandKeys> const& commands) {
             // The table owns its items.
             table->setItem(row, column++, std::make_unique<QTableWidgetItem>(text).release());
     }
+    table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     table->resizeColumnsToContents();
     table->horizontalHeader()->setStretchLastSection(true);
     return table.release();
@@ -113,6 +117,7 @@ void showKeysOf(QWidget* window) {
     panel->setWindowTitle(QCoreApplication::translate("Framekeeper", "Keyboard Shortcuts"));
     QTableWidget* const table = tableOf(commandKeysOf(window));
     auto buttons = std::make_unique<QDialogButtonBox>(QDialogButtonBox::Close);
+    nameCloseButton(buttons->button(QDialogButtonBox::Close));
     QObject::connect(buttons.get(), &QDialogButtonBox::rejected, panel.get(), &QDialog::reject);
     auto layout = std::make_unique<QVBoxLayout>(panel.get());
     layout->addWidget(table);
@@ -143,6 +148,7 @@ void showAboutPanel(QWidget* window) {
                        : QCoreApplication::translate("Framekeeper", "%1, version %2").arg(title, visibleText(version)));
     panel->setInformativeText(visibleTextOf(ofMainBundle("NSHumanReadableCopyright")));
     panel->setStandardButtons(QMessageBox::Close);
+    nameCloseButton(panel->button(QMessageBox::Close));
     panel.release()->show();
 }
 

@@ -26,6 +26,8 @@ bool hasEdge(QStyle::PrimitiveElement element) {
     case QStyle::PE_FrameLineEdit:
     case QStyle::PE_Frame:
     case QStyle::PE_FrameMenu:
+    case QStyle::PE_PanelMenu:
+    case QStyle::PE_PanelTipLabel:
     case QStyle::PE_IndicatorCheckBox:
         return true;
     default:
@@ -41,13 +43,47 @@ public:
                        QWidget const* widget) const override {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         if (!hasEdge(element) || areEdgesSeen(option->palette)) return;
-        bool const isEnabled = option->state.testFlag(State_Enabled);
-        bool const hasKeyboard = element != PE_Frame && option->state.testFlag(State_HasFocus);
+        bool const isPopup = element == PE_FrameMenu || element == PE_PanelMenu || element == PE_PanelTipLabel;
+        bool const isEnabled = isPopup || option->state.testFlag(State_Enabled);
+        bool const hasKeyboard = element != PE_Frame && !isPopup && option->state.testFlag(State_HasFocus);
         QPalette::ColorGroup const group = isEnabled ? QPalette::Active : QPalette::Disabled;
+        drawEdge(painter, option->rect,
+                 option->palette.color(group, hasKeyboard ? QPalette::Highlight : QPalette::WindowText));
+    }
+
+    void drawComplexControl(ComplexControl control, QStyleOptionComplex const* option, QPainter* painter,
+                            QWidget const* widget) const override {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        if (control != CC_ScrollBar || areEdgesSeen(option->palette)) return;
+        QRect const slider = subControlRect(control, option, SC_ScrollBarSlider, widget);
+        drawEdge(painter, slider, option->palette.color(QPalette::Active, QPalette::WindowText));
+    }
+
+    void drawControl(ControlElement element, QStyleOption const* option, QPainter* painter,
+                     QWidget const* widget) const override {
+        auto const* const item = qstyleoption_cast<QStyleOptionMenuItem const*>(option);
+        if (element != CE_MenuItem || !item || areEdgesSeen(option->palette))
+            return QProxyStyle::drawControl(element, option, painter, widget);
+        QStyleOptionMenuItem seen = *item;
+        // The usual style draws icons as on the menu's ground.
+        bool const isChosen = item->state.testFlag(State_Selected) && item->state.testFlag(State_Enabled);
+        QSize const size(pixelMetric(PM_SmallIconSize, option, widget), pixelMetric(PM_SmallIconSize, option, widget));
+        if (isChosen && !item->icon.isNull()) seen.icon = QIcon(item->icon.pixmap(size, QIcon::Selected));
+        QProxyStyle::drawControl(element, &seen, painter, widget);
+        if (item->menuItemType != QStyleOptionMenuItem::Separator) return;
         painter->save();
-        painter->setPen(option->palette.color(group, hasKeyboard ? QPalette::Highlight : QPalette::WindowText));
+        painter->setPen(option->palette.color(QPalette::Active, QPalette::WindowText));
+        int const middle = option->rect.center().y();
+        painter->drawLine(option->rect.left() + 5, middle, option->rect.right() - 5, middle);
+        painter->restore();
+    }
+
+private:
+    static void drawEdge(QPainter* painter, QRect const& rect, QColor const& color) {
+        painter->save();
+        painter->setPen(color);
         painter->setBrush(Qt::NoBrush);
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->drawRect(rect.adjusted(0, 0, -1, -1));
         painter->restore();
     }
 };

@@ -1,4 +1,5 @@
 #include "platform/appkit/interface/VisibleEdges.h"
+#include "platform/appkit/interface/InterfaceIcons.h"
 #include "platform/appkit/interface/ThemeColors.h"
 #include "tests/platform/appkit/interface/LoadedWindow.h"
 #include "tests/support/RunUntil.h"
@@ -7,8 +8,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QStyleOptionSlider>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -37,9 +40,8 @@ private:
     QPalette m_before = QApplication::palette();
 };
 
-// The least contrast with the ground that the four edges of the widget's picture have in their middles.
-double edgeContrast(QWidget* widget, QColor const& ground) {
-    QImage const image = widget->grab().toImage();
+// The least contrast with the ground that the four edges of the picture have in their middles.
+double edgeContrast(QImage const& image, QColor const& ground) {
     // A style may keep a little room around what it draws.
     auto const along = [&](QPoint const& start, QPoint const& step) {
         double strongest = 1;
@@ -51,6 +53,27 @@ double edgeContrast(QWidget* widget, QColor const& ground) {
     int const bottom = image.height() - 1;
     return std::min({along({right / 2, 0}, {0, 1}), along({right / 2, bottom}, {0, -1}), along({0, bottom / 2}, {1, 0}),
                      along({right, bottom / 2}, {-1, 0})});
+}
+
+double edgeContrast(QWidget* widget, QColor const& ground) { return edgeContrast(widget->grab().toImage(), ground); }
+
+// The strongest contrast with the ground in a column of the picture.
+double columnContrast(QImage const& image, int column, QColor const& ground) {
+    double strongest = 1;
+    for (int row = 0; row < image.height(); ++row)
+        strongest = std::max(strongest, contrast(image.pixelColor(column, row), ground));
+    return strongest;
+}
+
+// Of the part of a scroll bar that is moved.
+double sliderContrast(QScrollBar* bar, QColor const& ground) {
+    QStyleOptionSlider option;
+    option.initFrom(bar);
+    option.orientation = Qt::Vertical;
+    option.maximum = bar->maximum();
+    option.pageStep = bar->pageStep();
+    QRect const slider = bar->style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, bar);
+    return edgeContrast(bar->grab(slider).toImage(), ground);
 }
 
 // A palette reaches the widgets in a later event, and so does a style.
@@ -119,6 +142,31 @@ TEST_F(VisibleEdges, AreDrawnAroundButtonsAndFieldsOnceABlackThemeComes) {
     EXPECT_TRUE(runUntil([&] { return hasSeenEdge(field); }));
     button.setEnabled(false);
     EXPECT_GE(edgeContrast(&button, Qt::black), 1.5) << "of a button that is disabled, too";
+}
+
+TEST_F(VisibleEdges, AreDrawnAroundMenusAndWhatScrollsInABlackTheme) {
+    LoadedWindow const window;
+    QScrollBar bar(Qt::Vertical);
+    bar.setRange(0, 100);
+    bar.setPageStep(100);
+    bar.resize(16, 200);
+    QMenu menu;
+    menu.addAction("One");
+    menu.addSeparator();
+    QAction* const chosen = menu.addAction(drawnIcon("M2 2 H14 V14 H2 Z"), "Two");
+    QPalette palette = paletteOf(Qt::black, Qt::white);
+    palette.setColor(QPalette::Highlight, Qt::yellow);
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    ApplicationPalette const black(palette);
+    auto const isBlack = [](QWidget const& widget) { return widget.palette().color(QPalette::Window) == Qt::black; };
+    EXPECT_TRUE(runUntil([&] { return isBlack(bar) && sliderContrast(&bar, Qt::black) >= 3; }));
+    menu.resize(menu.sizeHint());
+    EXPECT_TRUE(runUntil([&] { return isBlack(menu) && edgeContrast(&menu, Qt::black) >= 3; }));
+    QImage const lines = menu.grab(menu.actionGeometry(menu.actions().at(1))).toImage();
+    EXPECT_GE(columnContrast(lines, lines.width() / 2, Qt::black), 3) << "of the separator";
+    menu.setActiveAction(chosen);
+    QRect const icon(menu.actionGeometry(chosen).topLeft(), QSize(30, menu.actionGeometry(chosen).height()));
+    EXPECT_GE(columnContrast(menu.grab(icon).toImage(), 14, Qt::yellow), 3) << "of the icon on the selection";
 }
 
 TEST_F(VisibleEdges, AreLeftToTheStyleInOtherThemes) {

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QSet>
 #include <QTableView>
+#include <QToolBar>
 #include <QToolButton>
 #include <gtest/gtest.h>
 
@@ -43,6 +44,15 @@ TEST(WindowControls, OffersEveryActionAsAButtonWithTextIconAndToolTipAndInTheCon
     }
     EXPECT_EQ(count, 16);
     EXPECT_EQ(window.table()->contextMenuPolicy(), Qt::ActionsContextMenu);
+}
+
+TEST(WindowControls, HandsTheKeyboardToTheMoreActionsOfABarBehindItsButtons) {
+    LoadedWindow const window;
+    for (QToolBar* const bar : window.widget()->findChildren<QToolBar*>()) {
+        auto const* const more = bar->findChild<QToolButton*>("qt_toolbar_ext_button");
+        QWidget const* const last = bar->widgetForAction(bar->actions().last());
+        EXPECT_EQ(more->previousInFocusChain(), last) << bar->objectName().toStdString();
+    }
 }
 
 TEST(WindowControls, GivesNoKeyToTwoActions) {

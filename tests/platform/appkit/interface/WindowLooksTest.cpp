@@ -176,6 +176,17 @@ std::pair<int, int> roomBesideText(QWidget* label) {
     return room;
 }
 
+// The number of a counting text would go to its end.
+TEST(WindowLooks, ShowsTextsOfButtonsInTheirOwnDirectionWhereTextGoesRightToLeft) {
+    needApplication();
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    LoadedWindow const window;
+    QString const text = window.find<QAbstractButton>("unreadableButton")->text();
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_EQ(text.front(), QChar(0x200E)) << text.toStdString();
+    EXPECT_TRUE(text.endsWith("folders could not be read")) << text.toStdString();
+}
+
 TEST(WindowLooks, KeepsTextsBesideTheirTitlesWhereTextGoesRightToLeft) {
     LoadedWindow const window;
     for (Qt::LayoutDirection const direction : {Qt::RightToLeft, Qt::LeftToRight}) {
