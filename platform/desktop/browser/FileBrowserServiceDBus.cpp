@@ -66,6 +66,11 @@ bool hasReply(QDBusConnection const& bus, FileBrowserRequest request) {
     return !kind || kind->informationReply == InformationReply::Comes;
 }
 
+// Whether the bus says that the process is not there.
+bool hasLeft(QDBusConnection const& bus, QString const& number) {
+    return busNameOwner(bus, number).errorName == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
+}
+
 DesktopOutcome sendWithoutReply(QDBusConnection const& bus, QDBusMessage const& call) {
     // The bus handles messages in order: its answer about the owner says that it has delivered the call.
     bool const isDelivered = bus.send(call) && isOffered(bus);
@@ -104,22 +109,30 @@ DesktopOutcome waitForFileBrowserService(std::int32_t pid, std::chrono::millisec
     return {};
 }
 
-DesktopOutcome callFileBrowserService(FileBrowserRequest request, std::vector<std::string> const& paths,
-                                      std::chrono::milliseconds longest) {
+std::optional<DesktopOutcome> callFileBrowserService(FileBrowserRequest request, std::vector<std::string> const& paths,
+                                                     std::chrono::milliseconds longest) {
     std::optional<QDBusConnection> const bus = connection();
     if (!bus) return noSessionBus();
     QStringList uris;
     for (std::string const& path : paths)
         uris.append(QString::fromStdString(fileURIOfPath(path)));
     QString const name = textOf(FileBrowserServiceName);
-    QDBusMessage call = QDBusMessage::createMethodCall(name, Path, name, methodOf(request));
+    // Asked by the name of its connection, so that it is known who has not answered.
+    BusNameOwner const owner = busNameOwner(*bus, name);
+    QString const asked = owner.number.isEmpty() ? name : owner.number;
+    QDBusMessage call = QDBusMessage::createMethodCall(asked, Path, name, methodOf(request));
     QString const startupID;
     call.setArguments({uris, startupID});
     call.setAutoStartService(false);
-    if (!hasReply(*bus, request)) return sendWithoutReply(*bus, call);
-    if (longest <= std::chrono::milliseconds::zero())
+    DesktopOutcome outcome;
+    if (!hasReply(*bus, request))
+        outcome = sendWithoutReply(*bus, call);
+    else if (longest <= std::chrono::milliseconds::zero())
         return DesktopProblem{DesktopProblem::Kind::NoAnswer, "There is no time left to ask the file browser"};
-    return outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(longest.count())));
+    else
+        outcome = outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(longest.count())));
+    if (!outcome.isDone() && hasLeft(*bus, asked)) return std::nullopt;
+    return outcome;
 }
 
 bool callToQuit(QuitCall const& call, std::int32_t pid) {

@@ -115,7 +115,15 @@ DesktopOutcome FileBrowserSession::show(FileBrowserRequest request, Paths const&
     return outcome;
 }
 
+// One that has just been told to quit may still be the service, and so may the command that told it. It takes what it
+// shows with it, so that nothing is shown twice.
 DesktopOutcome FileBrowserSession::ask(FileBrowserRequest request, Paths const& paths) const {
+    std::optional<DesktopOutcome> outcome = askOnce(request, paths);
+    if (!outcome) outcome = askOnce(request, paths);
+    return outcome ? *outcome : DesktopProblem{NoAnswer, "The file browser has left the session bus"};
+}
+
+std::optional<DesktopOutcome> FileBrowserSession::askOnce(FileBrowserRequest request, Paths const& paths) const {
     DesktopResult<Way> const way = reach();
     if (!way.hasValue()) return way.problem();
     if (way.value() == Way::ByBus)
@@ -129,7 +137,7 @@ DesktopOutcome FileBrowserSession::ask(FileBrowserRequest request, Paths const& 
         DesktopOutcome outcome = startApplication(browser->application, {folder});
         if (!outcome.isDone()) return outcome;
     }
-    return {};
+    return DesktopOutcome();
 }
 
 DesktopOutcome FileBrowserSession::revealItems(Paths const& paths) const {

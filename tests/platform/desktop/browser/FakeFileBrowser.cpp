@@ -15,6 +15,7 @@
 //   ends      ends at once       starts    starts one that serves, and ends
 //   open      is none, and ends  quit      tells the one that serves to end
 //   dolphin   is it, never replies to ShowItemProperties, and is told to end by its own name's call
+//   leaves    is it and ends when it is asked to show something
 //   quit-and-linger  as quit, but stays with a child process of the same program for half a minute
 
 namespace {
@@ -36,6 +37,7 @@ public:
         for (QString const& uri : message.arguments().value(0).toStringList())
             line += " " + uri.toStdString();
         write(line);
+        if (mode() == "leaves") ::_exit(0);
         bool const isInformation = message.member() == QLatin1String("ShowItemProperties");
         if (mode() == "silent" || (mode() == "dolphin" && isInformation)) return true;
         if (mode() != "refuse") return connection.send(message.createReply());

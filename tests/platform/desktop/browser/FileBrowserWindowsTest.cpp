@@ -91,6 +91,22 @@ TEST_F(FileBrowserWindows, AreShownByTheProgramThatOffersTheService) {
     EXPECT_TRUE(m_desktop.lines().empty()) << "the default one was not started";
 }
 
+TEST_F(FileBrowserWindows, AreAskedForAgainWhereTheBrowserEndsMeanwhile) {
+    installService("serve");
+    ChildProcess const leaving({fakeFileBrowser(), "leaves", m_desktop.log()});
+    ASSERT_TRUE(waitUntil([] { return isFileBrowserServiceOffered() == true; }));
+    EXPECT_TRUE(m_browser.revealItems({m_file}).isDone());
+    std::string const asked = "ShowItems " + m_uri + "/file";
+    EXPECT_EQ(m_desktop.lines(), (Lines{"started leaves", asked, "started serve", asked}));
+}
+
+TEST_F(FileBrowserWindows, AreNotAskedForAThirdTime) {
+    installService("leaves");
+    EXPECT_EQ(kindOf(m_browser.revealItems({m_file})), DesktopProblem::Kind::NoAnswer);
+    std::string const asked = "ShowItems " + m_uri + "/file";
+    EXPECT_EQ(m_desktop.lines(), (Lines{"started leaves", asked, "started leaves", asked}));
+}
+
 TEST_F(FileBrowserWindows, WaitForABrowserThatStartsItselfOnceMore) {
     installService("starts");
     EXPECT_TRUE(m_browser.revealItems({m_file}).isDone());
