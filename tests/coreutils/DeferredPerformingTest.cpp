@@ -2,6 +2,7 @@
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
 #include "platform/foundation/objects/Weak.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/running/NSNotificationQueue.h"
 #include "platform/foundation/running/NSRunLoop.h"
@@ -25,7 +26,8 @@ public:
                 .superclass = classOf<NSObject>(),
                 .makeBody = &makeEmptyBody<DeferredReceiver>,
                 .methods = {method<&DeferredReceiver::first_>("first:"), method<&DeferredReceiver::second_>("second:"),
-                            method<&DeferredReceiver::both>("both:with:"), method<&DeferredReceiver::note_>("note:")}};
+                            method<&DeferredReceiver::both>("both:with:"), method<&DeferredReceiver::note_>("note:"),
+                            method<&DeferredReceiver::keep_>("keep:")}};
     }
     void first_(id const& object) const { add("first", object); }
     void second_(id const& object) const { add("second", object); }
@@ -34,7 +36,10 @@ public:
         add("with", other);
     }
     void note_(NSNotification const& notification) const { add("note", notification.name()); }
+    void keep_(NSNotification const& notification) const;
     std::string calls() const;
+    // The user info of the notification that it kept last.
+    NSDictionary kept() const;
 
 private:
     void add(std::string const& name, id const& object) const;
@@ -43,13 +48,20 @@ private:
 class DeferredReceiver::Body : public ObjectBody {
 public:
     std::string m_calls;
+    NSDictionary m_kept;
 };
 
 void DeferredReceiver::add(std::string const& name, id const& object) const {
     bodyOf(*this)->m_calls += name + "(" + (object == nil ? "nil" : object.description().UTF8String()) + ") ";
 }
 
+void DeferredReceiver::keep_(NSNotification const& notification) const {
+    bodyOf(*this)->m_kept = notification.userInfo();
+}
+
 std::string DeferredReceiver::calls() const { return bodyOf(*this)->m_calls; }
+
+NSDictionary DeferredReceiver::kept() const { return bodyOf(*this)->m_kept; }
 
 class DeferredPerforming : public testing::Test {
 protected:
@@ -122,6 +134,46 @@ TEST_F(DeferredPerforming, ReplacesOtherNotificationsOfTheObjectWithoutCoalescin
     NSNotificationQueue::defaultQueue().enqueueNotification_postingStyle_(other, NSPostASAP);
     request("first:", "b", NO, NO);
     EXPECT_EQ(callsInAll(), "note(other) first(a) first(b) ");
+}
+
+TEST_F(DeferredPerforming, IsRequestedByANotificationOfTheObject) {
+    DeferredReceiver const observer = DeferredReceiver::alloc();
+    NSNotificationCenter const center = NSNotificationCenter::defaultCenter();
+    center.addObserver_selector_name_object_(observer, "keep:", "pxPerformDeferredSelector", m_receiver);
+    auto const hasKept = [&](std::initializer_list<id> objectsAndKeys) {
+        runUntilIdle();
+        return observer.kept().isEqual_(NSDictionary::dictionaryWithObjectsAndKeys_(objectsAndKeys));
+    };
+    request("first:", "a");
+    EXPECT_TRUE(hasKept({"first:", "selector", "a", "object1"}));
+    request("first:", nil);
+    EXPECT_TRUE(hasKept({"first:", "selector"}));
+    auto const requestTwo = [&](id const& first, id const& second) {
+        pxPerformDeferredSelector_withObject_withObject_postWhenIdle_coalescing_(m_receiver, "both:with:", first,
+                                                                                 second, NO, YES);
+    };
+    requestTwo("a", "b");
+    EXPECT_TRUE(hasKept({"both:with:", "selector", "a", "object", "b", "object2"}));
+    requestTwo("a", nil);
+    EXPECT_TRUE(hasKept({"both:with:", "selector", "a", "object"}));
+    requestTwo(nil, "b");
+    EXPECT_TRUE(hasKept({"both:with:", "selector"}));
+    center.removeObserver_(observer);
+}
+
+TEST_F(DeferredPerforming, WaitsForTheDefaultModeOfTheLoop) {
+    bool hasRun = false;
+    request("first:", "a");
+    {
+        RunLoopModeScope const modal(NSModalPanelRunLoopMode);
+        performOnMainRunLoop([&] { hasRun = true; });
+        NSDate const end = NSDate::dateWithTimeIntervalSinceNow_(60);
+        while (!hasRun && end.timeIntervalSinceNow() > 0)
+            NSRunLoop::currentRunLoop().runMode_beforeDate_(NSModalPanelRunLoopMode, end);
+        EXPECT_TRUE(hasRun);
+        EXPECT_EQ(m_receiver.calls(), "");
+    }
+    EXPECT_EQ(callsInAll(), "first(a) ");
 }
 
 TEST_F(DeferredPerforming, WaitsForTheLoopToBeIdle) {

@@ -144,8 +144,11 @@ private:
 
 TEST_F(DisclaimerInASession, IsAcceptedByTabAndSpaceAndNoOtherKey) {
     std::unique_ptr<ChildProcess> const application = startAndAsk("120");
-    EXPECT_TRUE(shows(*application, "dialog Disclaimer\ntext Disclaimer\ntext This software is provided on an \"AS "
-                                    "IS\" basis. You accept all risks"));
+    EXPECT_TRUE(shows(*application,
+                      "dialog Disclaimer\ntext Disclaimer\ntext This software is provided on an \"AS IS\" basis. You "
+                      "accept all risks which may arise from downloading or installing or using this software. The "
+                      "author of this software makes no warranties and is not responsible and shall not be held liable "
+                      "for any damage, perceived or real, resulting from downloading or using this software."));
     askToClose("Disclaimer");
     // Space too, before a button has the keyboard.
     for (char const* const key : {"return", "escape", "space"})
