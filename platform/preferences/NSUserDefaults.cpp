@@ -91,8 +91,8 @@ public:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return NSDictionary::dictionary();
         NSDictionary const values = sharedPreferences().values(*domain);
-        if (std::optional<SystemError> const problem = sharedPreferences().readingProblem(*domain))
-            tellProblem(*domain, problem->text());
+        if (std::optional<Failure> const problem = sharedPreferences().readingProblem(*domain))
+            tellProblem(*domain, problem->reason);
         return values;
     }
 
@@ -125,8 +125,8 @@ private:
         std::optional<PreferenceDomain> const domain = domainOfUser(name);
         if (!domain) return nil;
         id const value = sharedPreferences().value(*domain, key);
-        if (std::optional<SystemError> const problem = sharedPreferences().readingProblem(*domain))
-            tellProblem(*domain, problem->text());
+        if (std::optional<Failure> const problem = sharedPreferences().readingProblem(*domain))
+            tellProblem(*domain, problem->reason);
         return value;
     }
 

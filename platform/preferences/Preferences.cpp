@@ -1,7 +1,6 @@
 #include "platform/preferences/Preferences.h"
 #include "platform/preferences/PreferenceFile.h"
 #include <algorithm>
-#include <cerrno>
 
 namespace mac {
 
@@ -44,18 +43,14 @@ Preferences::Known& Preferences::readDomain(PreferenceDomain const& domain) {
     Known& known = m_known[domain.file];
     if (known.values != nil) return known;
     Result<NSDictionary> const file = PreferenceFile(domain.file).read();
-    known.problem = file.hasValue() ? std::nullopt : std::optional(file.problem());
-    if (known.problem) known.reason = failureForPeople(*known.problem);
+    known.problem = file.hasValue() ? std::nullopt : std::optional(failureForPeople(file.problem()));
     NSMutableDictionary const values =
         NSMutableDictionary::dictionaryWithDictionary_(file.hasValue() ? file.value() : NSDictionary::dictionary());
     for (NativeStore const& store : m_stores) {
         NSArray const kept = keptElements(values, keyOf(store));
         if (store.domain != domain.nativeName || kept == nil) continue;
         NativeItems const native = store.read(kept);
-        if (native.problem && !known.problem) {
-            known.problem = SystemError{.code = EIO, .operation = "read", .item = std::string(store.key)};
-            known.reason = *native.problem;
-        }
+        if (!known.problem) known.problem = native.problem;
         putValue(values, keyOf(store), valueOf(native.items));
     }
     known.values = values;
@@ -112,7 +107,7 @@ Result<void, Failure> Preferences::synchronize(PreferenceDomain const& domain, R
     if (known.changes.empty()) {
         known.values = nil;
         Known const& read = readDomain(domain);
-        return read.problem ? read.reason : Result<void, Failure>();
+        return read.problem ? *read.problem : Result<void, Failure>();
     }
     std::optional<Failure> ofDesktop;
     Result<void> const written = PreferenceFile(domain.file).change([&](NSDictionary const& values) {

@@ -38,8 +38,8 @@ public:
     // All values of the domain, with those that were set and not written yet. A copy.
     NSDictionary values(PreferenceDomain const& domain);
     bool hasChanges(PreferenceDomain const& domain) const;
-    // What prevented the domain from being read whole; nullopt if nothing did.
-    std::optional<SystemError> readingProblem(PreferenceDomain const& domain) { return readDomain(domain).problem; }
+    // Why the domain could not be read whole, for people; nullopt if it could.
+    std::optional<Failure> readingProblem(PreferenceDomain const& domain) { return readDomain(domain).problem; }
 
 private:
     struct Change {
@@ -50,9 +50,8 @@ private:
     struct Known {
         // nil until the domain is read.
         NSDictionary values{};
-        // Why not all of the file and the native items could be read; for people, too.
-        std::optional<SystemError> problem{};
-        Failure reason{};
+        // Why not all of the file and the native items could be read, for people.
+        std::optional<Failure> problem{};
         // Changes not written yet, one for each key.
         std::vector<Change> changes{};
     };
