@@ -212,15 +212,19 @@ public:
     }
 };
 
-class BusyRemoval : public PrivateMounts {
+NSString pathIn(TemporaryFolder const& folder, std::string const& name) {
+    return NSString::stringWithFileSystemRepresentation_(folder.path(name));
+}
+
+class BusyRemoval : public testing::Test {
 protected:
-    // Nothing is mounted unless a test asks for it.
-    void SetUp() override {}
+    NSString path(std::string const& name) const { return pathIn(m_folder, name); }
 
-    NSString path(std::string const& name) const {
-        return NSString::stringWithFileSystemRepresentation_(m_folder.path(name));
-    }
+    TemporaryFolder const m_folder{};
+};
 
+class BusyVolume : public PrivateMounts {
+protected:
     TemporaryFolder const m_folder{};
 };
 
@@ -236,14 +240,12 @@ TEST_F(BusyRemoval, RemovesAFileAtOnce) {
     pxRemovePathAfterNotBusy_(adopt<Remover>(), nil);
 }
 
-TEST_F(BusyRemoval, TriesAgainASecondLaterWhileTheItemIsBusy) {
-    PrivateMounts::SetUp();
-    if (IsSkipped()) return;
+TEST_F(BusyVolume, IsRemovedByATryASecondLater) {
     m_folder.makeFolder("busy");
     mountMemory(m_folder.path("busy"), "size=64k");
     Remover const remover = adopt<Remover>();
     NSDate const start = NSDate::date();
-    pxRemovePathAfterNotBusy_(remover, path("busy"));
+    pxRemovePathAfterNotBusy_(remover, pathIn(m_folder, "busy"));
     EXPECT_TRUE(runUntil([&] { return remover.tries() == 1; }));
     EXPECT_LE(start.timeIntervalSinceNow(), -1);
     EXPECT_TRUE(isThere(m_folder.path("busy")));

@@ -97,8 +97,8 @@ protected:
     void makeApplication(std::string const& creator, std::string const& type) const {
         m_folder.makeBundle("Applications/" + creator + ".app",
                             "{CFBundleIdentifier = \"com.example." + creator + "\"; CFBundleSignature = \"" + creator +
-                                "\"; CFBundleIconFile = blue; CFBundleDocumentTypes = ({CFBundleTypeOSTypes = (\"" +
-                                type + "\"); CFBundleTypeIconFile = \"red.icns\";});}");
+                                R"("; CFBundleIconFile = blue; CFBundleDocumentTypes = ({CFBundleTypeOSTypes = (")" +
+                                type + R"("); CFBundleTypeIconFile = "red.icns";});})");
         m_folder.makeFile("Applications/" + creator + ".app/Contents/Resources/red.icns", coloredFamily(Red));
         m_folder.makeFile("Applications/" + creator + ".app/Contents/Resources/blue.icns", coloredFamily(Blue));
     }
