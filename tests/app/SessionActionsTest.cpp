@@ -90,7 +90,7 @@ TEST_F(ActionsInASession, PutACopyBackThatWasTrashedBefore) {
     select(former);
     press("shift+delete");
     EXPECT_TRUE(shows(former, ExistsColumn, "No")) << "the places still name it";
-    EXPECT_TRUE(says("")) << "the old refusal is gone";
+    EXPECT_TRUE(says("Deleted for good.")) << "in place of the old refusal";
     EXPECT_FALSE(std::filesystem::exists(former));
     EXPECT_TRUE(isDisabled("Undo", "Nothing to undo"));
     select(trashed);
