@@ -58,9 +58,11 @@ void tellUnreadable(Copies const& copies) {
 }
 
 // Failed if something could not be read; what is known is still printed.
-Status statusOfReading(int beeps) {
+Status statusOfReading(int beeps, AppController const& controller) {
     if (beeps == 0) return Status::Done;
     complain(localized("the login items or the places could not be read, or not entirely"));
+    for (NSString const& reason : {controller.loginItemsProblem(), controller.placesProblem()})
+        if (reason != nil) complain(visibleLine(reason.codeUnits()));
     return Status::Failed;
 }
 
@@ -83,7 +85,8 @@ Status list(CommandLine const& line) {
         return Status::Failed;
     }
     tellUnreadable(copies);
-    Status const status = worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
+    Status const status =
+        worse(statusOfReading(beeps, copies.controller()), print(listing(copies.records(), line.form)));
     // By now whoever reads the list line by line has it.
     copies.finishSearch();
     return status;
@@ -100,12 +103,12 @@ Status listSource(CommandLine const& line) {
             copies.controller().syncIsInToolbar();
     });
     copies.look(NSArray::array());
-    return worse(statusOfReading(beeps), print(listing(copies.records(), line.form)));
+    return worse(statusOfReading(beeps, copies.controller()), print(listing(copies.records(), line.form)));
 }
 
 Status inform(CommandLine const& line) {
     Copies const copies;
-    Status status = statusOfReading(beepsDuring([&] { copies.readSources(); }));
+    Status status = statusOfReading(beepsDuring([&] { copies.readSources(); }), copies.controller());
     std::vector<NSString> paths;
     NSMutableArray const present = NSMutableArray::array();
     for (std::string const& given : line.paths) {

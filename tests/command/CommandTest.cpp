@@ -318,6 +318,7 @@ TEST_F(Command, FailsToTellPlacesThatCannotBeRead) {
         EXPECT_EQ(done.status, 1) << words.front();
         EXPECT_NE(done.output, "");
         EXPECT_NE(done.errors.find("could not be read"), std::string::npos) << done.errors;
+        EXPECT_NE(done.errors.find("config/gtk-3.0/bookmarks: Is a directory\n"), std::string::npos) << done.errors;
     }
     EXPECT_NE(run({"list"}).output.find(copy), std::string::npos);
     EXPECT_EQ(run({"places", "remove", copy}).status, 1);
