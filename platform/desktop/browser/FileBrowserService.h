@@ -25,8 +25,8 @@ DesktopOutcome waitForFileBrowserService(std::int32_t pid, std::chrono::millisec
 enum class FileBrowserRequest { ShowItems, ShowFolders, ShowItemProperties };
 
 // Asks the process that offers the service, whichever browser it is, and waits for its reply unless it is known never
-// to reply. nullopt if there is none, or it has left the bus without having done it. Never starts a process: the bus
-// might start another browser than the user's.
+// to reply. nullopt if there is none, or it has left the bus without having said that it did it. Never starts a
+// process: the bus might start another browser than the user's.
 std::optional<DesktopOutcome> callFileBrowserService(FileBrowserRequest request, std::vector<std::string> const& paths,
                                                      std::chrono::milliseconds longest);
 

@@ -1,5 +1,6 @@
 #include "platform/desktop/browser/FileBrowserService.h"
 #include "platform/desktop/entries/DesktopApplication.h"
+#include "platform/desktop/session/Patience.h"
 #include "platform/desktop/session/SessionBus.h"
 #include "platform/foundation/running/EventLoop.h"
 #include "platform/system/FileDescriptor.h"
@@ -58,9 +59,9 @@ QString methodOf(FileBrowserRequest request) {
     return QStringLiteral("ShowItemProperties");
 }
 
-bool hasReply(QDBusConnection const& bus, FileBrowserRequest request) {
+bool hasReply(QDBusConnection const& bus, FileBrowserRequest request, QString const& asked) {
     if (request != FileBrowserRequest::ShowItemProperties) return true;
-    std::optional<BusPeer> const owner = busPeer(bus, textOf(FileBrowserServiceName));
+    std::optional<BusPeer> const owner = busPeer(bus, asked);
     std::optional<RunningProcess> const process = owner ? runningProcess(owner->pid) : std::nullopt;
     FileBrowserKind const* const kind = process ? fileBrowserKindOf(process->executable) : nullptr;
     return !kind || kind->informationReply == InformationReply::Comes;
@@ -72,8 +73,8 @@ bool hasLeft(QDBusConnection const& bus, QString const& number) {
 }
 
 DesktopOutcome sendWithoutReply(QDBusConnection const& bus, QDBusMessage const& call) {
-    // The bus handles messages in order: its answer about the owner says that it has delivered the call.
-    bool const isDelivered = bus.send(call) && isOffered(bus);
+    // The bus handles messages in order: its answer about the process says that it has delivered the call.
+    bool const isDelivered = bus.send(call) && !busNameOwner(bus, call.service()).number.isEmpty();
     if (isDelivered) return {};
     return DesktopProblem{DesktopProblem::Kind::NoAnswer, "The file browser has left the session bus"};
 }
@@ -124,13 +125,13 @@ std::optional<DesktopOutcome> callFileBrowserService(FileBrowserRequest request,
     QString const startupID;
     call.setArguments({uris, startupID});
     call.setAutoStartService(false);
-    DesktopOutcome outcome;
-    if (!hasReply(*bus, request))
-        outcome = sendWithoutReply(*bus, call);
-    else if (longest <= std::chrono::milliseconds::zero())
+    bool const isReplied = hasReply(*bus, request, asked);
+    // The questions to the bus took of the patience, too.
+    std::chrono::milliseconds const left = std::min(longest, Patience::left());
+    if (isReplied && left <= std::chrono::milliseconds::zero())
         return DesktopProblem{DesktopProblem::Kind::NoAnswer, "There is no time left to ask the file browser"};
-    else
-        outcome = outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(longest.count())));
+    DesktopOutcome const outcome = isReplied ? outcomeOf(bus->call(call, QDBus::Block, static_cast<int>(left.count())))
+                                             : sendWithoutReply(*bus, call);
     if (!outcome.isDone() && hasLeft(*bus, asked)) return std::nullopt;
     return outcome;
 }

@@ -115,8 +115,8 @@ DesktopOutcome FileBrowserSession::show(FileBrowserRequest request, Paths const&
     return outcome;
 }
 
-// One that has just been told to quit may still be the service, and so may the command that told it. It takes what it
-// shows with it, so that nothing is shown twice.
+// A browser that has just been told to quit may still be the service, and so may the command that told it. Its windows
+// end with it; what it may have handed on to another process is shown twice then.
 DesktopOutcome FileBrowserSession::ask(FileBrowserRequest request, Paths const& paths) const {
     std::optional<DesktopOutcome> outcome = askOnce(request, paths);
     if (!outcome) outcome = askOnce(request, paths);

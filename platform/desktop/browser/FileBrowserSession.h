@@ -55,7 +55,7 @@ private:
     DesktopOutcome start(FileBrowser const& browser) const;
     DesktopOutcome show(FileBrowserRequest request, std::vector<std::string> const& paths) const;
     DesktopOutcome ask(FileBrowserRequest request, std::vector<std::string> const& paths) const;
-    // nullopt if the browser left the bus without having done it.
+    // nullopt if the browser left the bus without having said that it did it.
     std::optional<DesktopOutcome> askOnce(FileBrowserRequest request, std::vector<std::string> const& paths) const;
 
     FileBrowserTimeouts m_timeouts;

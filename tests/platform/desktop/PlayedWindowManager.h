@@ -74,6 +74,8 @@ protected:
     }
     // The message that came to the window manager; none when it is of another type.
     DisplayReply<xcb_client_message_event_t> message() const {
+        // What the server took before it answers has been sent to this client by then.
+        sync();
         DisplayReply<xcb_generic_event_t> event(xcb_poll_for_event(m_connection), &std::free);
         if (!event || (event->response_type & 0x7F) != XCB_CLIENT_MESSAGE) return {nullptr, &std::free};
         return {reinterpret_cast<xcb_client_message_event_t*>(event.release()), &std::free};
