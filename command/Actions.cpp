@@ -142,16 +142,19 @@ Outcome changeIcon(Copies const& copies, Target const& target) {
 struct MembershipList {
     void (AppController::*sync)() const;
     NSArray (AppController::*items)() const;
+    // Why it could not be read whole.
+    NSString (AppController::*problem)() const;
     // A record's key of its entry.
     char const* entryKey;
     Action removal;
     char const* isNotListed;
 };
 
-constexpr MembershipList LoginItems{&AppController::syncIsAutolaunched, &AppController::allAutolaunchItems,
-                                    "autolaunchItem", &AppController::unAutoLaunchAction_,
-                                    localizable("it does not start at login")};
-constexpr MembershipList Places{&AppController::syncIsInToolbar, &AppController::allToolbarItems, "toolbarItem",
+constexpr MembershipList LoginItems{&AppController::syncIsAutolaunched,  &AppController::allAutolaunchItems,
+                                    &AppController::loginItemsProblem,   "autolaunchItem",
+                                    &AppController::unAutoLaunchAction_, localizable("it does not start at login")};
+constexpr MembershipList Places{&AppController::syncIsInToolbar,  &AppController::allToolbarItems,
+                                &AppController::placesProblem,    "toolbarItem",
                                 &AppController::unToolbarAction_, localizable("it is not in the places")};
 
 // Makes records of the paths in the list; false if it could not be read, or not entirely.
@@ -161,13 +164,21 @@ bool readList(MembershipList const& list, Copies const& copies) {
     return beeps == 0;
 }
 
+// A list that could not be read whole is not changed.
+Outcome notRead(NSString const& path, NSString const& problem) {
+    Outcome outcome = failed(path, localizable("the list could not be read"));
+    if (problem != nil)
+        outcome.reason = NSString::stringWithFormat_("%@: %@", NSLocalizedString(outcome.reason, nil), problem);
+    return outcome;
+}
+
 bool isListed(MembershipList const& list, Copies const& copies, NSString const& path) {
     return copies.recordOf(path).objectForKey_(NSString::stringWithUTF8String_(list.entryKey)) != nil;
 }
 
 // A path may have several entries, and its record holds one of them: each is removed.
 Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString const& path) {
-    if (!readList(list, copies)) return failed(path, localizable("the list could not be read"));
+    if (!readList(list, copies)) return notRead(path, (copies.controller().*list.problem)());
     if (!isListed(list, copies, path)) return noSuchCopy(path, list.isNotListed);
     NSUInteger const most = (copies.controller().*list.items)().count();
     Status status = Status::Done;
@@ -192,7 +203,7 @@ Outcome addToLogin(Copies const& copies, Target const& target) {
     if (!isCopyAt(path)) return noSuchCopy(path);
     // The list is written whole: what could not be read of it would be missing then.
     int const unread = beepsDuring([&] { copies.controller().syncIsAutolaunched(); });
-    if (unread > 0) return failed(path, localizable("the list could not be read"));
+    if (unread > 0) return notRead(path, copies.controller().loginItemsProblem());
     if (!lookAndSelect(copies, path)) return notSelected(path);
     int const beeps = beepsOf(copies, &AppController::addToAutoLaunchAction_);
     return {.path = path, .status = statusOf(copies, beeps), .reason = copies.controller().writingProblem()};

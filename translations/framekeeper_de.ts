@@ -990,6 +990,10 @@ Opens the window, or brings the open one to the front.
     <translation>Die Datei ist beschädigt</translation>
 </message>
 <message>
+    <source>The places in it cannot be used as they are written</source>
+    <translation>Die Orte darin lassen sich so, wie sie geschrieben sind, nicht verwenden</translation>
+</message>
+<message>
     <source>Another program has changed the file</source>
     <translation>Ein anderes Programm hat die Datei geändert</translation>
 </message>

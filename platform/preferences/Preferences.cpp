@@ -119,7 +119,9 @@ Result<void, Failure> Preferences::synchronize(PreferenceDomain const& domain, R
     if (written.isDone() || refused == RefusedChanges::AreForgotten) known.changes.clear();
     known.values = nil;
     if (written.isDone()) return {};
-    return ofDesktop ? *ofDesktop : failureForPeople(written.problem());
+    if (ofDesktop) return *ofDesktop;
+    // People know the file, and not the temporary one that is to take its place.
+    return failureForPeople({.code = written.problem().code, .item = domain.file});
 }
 
 } // namespace mac

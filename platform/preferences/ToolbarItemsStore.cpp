@@ -6,7 +6,6 @@
 #include "platform/foundation/text/NSString.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
-#include <cerrno>
 #include <iterator>
 #include <utility>
 
@@ -89,8 +88,10 @@ bool takeOne(std::vector<Item>& items, Item const& item) {
 
 Failure failureOf(PlacesProblem const& problem) {
     if (problem.cause) return failureForPeople({.code = problem.cause->code, .item = problem.file});
-    if (problem.kind == PlacesProblem::Kind::Form) return failureForPeople({.code = EBADMSG, .item = problem.file});
-    NSString const reason = NSLocalizedString("Another program has changed the file", "A list that cannot be written");
+    bool const isForm = problem.kind == PlacesProblem::Kind::Form;
+    NSString const reason =
+        isForm ? NSLocalizedString("The places in it cannot be used as they are written", "A list of places")
+               : NSLocalizedString("Another program has changed the file", "A list that cannot be written");
     return {problem.file + ": " + reason.UTF8String()};
 }
 

@@ -150,7 +150,8 @@ TEST_F(ToolbarItems, AreReadWhereNotAllCanBe) {
     EXPECT_EQ(paths(), Lines{"/a/Mirror Frame.app"});
     expectReports({"Error: CFPreferencesSynchronize"});
     std::string const file = m_desktop.folder.path("data/user-places.xbel");
-    EXPECT_EQ(text(m_controller.notice()), "The places could not be read: " + file + ": The file is damaged");
+    EXPECT_EQ(text(m_controller.notice()),
+              "The places could not be read: " + file + ": The places in it cannot be used as they are written");
 }
 
 TEST_F(ToolbarItems, AreToldTogetherWithTheLoginItemsIfNeitherCanBeRead) {

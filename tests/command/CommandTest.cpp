@@ -321,14 +321,20 @@ TEST_F(Command, FailsToTellPlacesThatCannotBeRead) {
         EXPECT_NE(done.errors.find("config/gtk-3.0/bookmarks: Is a directory\n"), std::string::npos) << done.errors;
     }
     EXPECT_NE(run({"list"}).output.find(copy), std::string::npos);
-    EXPECT_EQ(run({"places", "remove", copy}).status, 1);
+    CommandRun const removed = run({"places", "remove", copy});
+    EXPECT_EQ(removed.status, 1);
+    EXPECT_NE(removed.errors.find("config/gtk-3.0/bookmarks: Is a directory\n"), std::string::npos) << removed.errors;
 }
 
 TEST_F(Command, FailsToTellLoginItemsThatCannotBeRead) {
     std::string const copy = copyAt("a");
     m_desktop.folder.makeFile("config/autostart", "no folder");
     EXPECT_EQ(run({"login"}).status, 1);
-    EXPECT_EQ(run({"login", "remove", copy}).status, 1);
+    for (Words const& words : {Words{"login", "add", copy}, Words{"login", "remove", copy}}) {
+        CommandRun const done = run(words);
+        EXPECT_EQ(done.status, 1);
+        EXPECT_NE(done.errors.find("config/autostart: Not a directory\n"), std::string::npos) << done.errors;
+    }
     EXPECT_EQ(run({"info", copy}).status, 1);
 }
 
