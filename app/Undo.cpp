@@ -147,7 +147,9 @@ void selectIfNothingIs(AppController const& controller, NSString const& path) {
     NSArrayController const shown = controller.pathsArrayController();
     if (shown.selectedObjects().count() > 0) return;
     for (id const& record : controller.paths().allObjects()) {
-        if (record.valueForKey_("path").isEqual_(path)) shown.setSelectedObjects_(NSArray::arrayWithObject_(record));
+        if (!record.valueForKey_("path").isEqual_(path)) continue;
+        shown.setSelectedObjects_(NSArray::arrayWithObject_(record));
+        return;
     }
 }
 

@@ -40,12 +40,12 @@ struct ListRead {
     // Why something that may hold items could not be read, for people; nil if all could.
     NSString problem{};
 };
-// Reads what the domain has anew.
+// Reads the list that the domain has under the key, as it is on the disk now.
 ListRead listReadAnew(NSString const& domain, NSString const& key);
 ListRead loginItemsReadAnew();
 ListRead toolbarItemsReadAnew();
 
-// Keeps why the list could not be read, and shows in the window why those could not be that were read last.
+// Keeps why the list could not be read, nil if it could, and shows in the window the reasons of both lists.
 void keepReadingProblem(AppController const& controller, ListChange::List list, NSString const& problem);
 // Writes what was set in the domain, and keeps why that failed as the controller's writing problem.
 bool writeList(AppController const& controller, NSString const& domain);
@@ -71,7 +71,8 @@ ListChange::Removed removedItem(NSArray const& list, NSUInteger index);
 // Drops the steps about a copy that has left the trash by other means.
 void forgetTrashing(AppController const& controller, NSString const& pathInTrash);
 
-// Selects the record of the path unless the user has selected another one: the copy that an action brought back.
+// Selects the record of the path unless the user has selected another one: the copy that an action brought back. Not
+// among so many that the window arranges them in steps: then its row is not there yet.
 void selectIfNothingIs(AppController const& controller, NSString const& path);
 
 enum class Offer { Nothing, Undo };

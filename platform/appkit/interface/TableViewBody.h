@@ -58,7 +58,8 @@ private:
     // Which of the rows that are shown will be shown next, too.
     std::vector<bool> stayingRows() const;
     void moveKeyboardToStayingRow(std::vector<bool> const& stays);
-    // Whether the user has chosen no row: the view marks the first one when it gets the keyboard.
+    // Whether the keyboard is on the first row and no row is selected, as when the view has just got the keyboard; a
+    // user who went there without selecting it is not told apart.
     bool isKeyboardAtRest() const;
     void followSelection();
     void selectAsInView();

@@ -15,7 +15,7 @@ namespace {
 constexpr double SeenContrast = 1.15;
 // What they differ by at least where text differs from its ground by so much that the user must have chosen it.
 constexpr double EasilySeenContrast = 3;
-constexpr double HighContrast = 20;
+constexpr double HighContrast = 20; // of 21, black on white
 // What the usual style darkens the window by for its outlines, in percent.
 constexpr int OutlineDarkness = 140;
 
