@@ -45,7 +45,7 @@ bool isSet(NSDictionary const& record, NSString const& key) {
     return as<NSNumber>(record.objectForKey_(key)).boolValue();
 }
 
-// Of a list that may name the copy where it could not be read.
+// The text where the login items, or the places, could not be read whole, so that the copy may be among them.
 NSString notKnown(NSString const& problem) {
     return NSString::stringWithFormat_(NSLocalizedString("Not known: %@", "Details of a copy: a list, and why"),
                                        problem);

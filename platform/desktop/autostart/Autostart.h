@@ -56,8 +56,8 @@ struct AutostartItem {
 struct AutostartItems {
     // By the bytes of the file names; own entries last, in their order.
     std::vector<AutostartItem> items{};
-    // Why the first of the folders, and of the files in them, that exist and could not be read could not be; nullopt if
-    // all could. A file of the system that the user may not read is none.
+    // What prevented the first folder or file from being read, with its path; nullopt if all were read. What does not
+    // exist, and a file of the system that the user may not read, prevents nothing.
     std::optional<SystemError> problem{};
 };
 

@@ -65,7 +65,7 @@ double columnContrast(QImage const& image, int column, QColor const& ground) {
     return strongest;
 }
 
-// Of the part of a scroll bar that is moved.
+// How the edge of a scroll bar's slider, which the pointer drags, stands out from the ground.
 double sliderContrast(QScrollBar* bar, QColor const& ground) {
     QStyleOptionSlider option;
     option.initFrom(bar);
@@ -110,7 +110,7 @@ TEST_F(VisibleEdges, AreMissingWhereAllGroundsAreAlikeAndNothingIsDarker) {
     EXPECT_TRUE(areEdgesSeen(filled));
 }
 
-// Who chooses high contrast needs 3 for what is no text.
+// In a theme of high contrast an edge has to stand out by 3:1, as graphical objects have to by WCAG.
 TEST_F(VisibleEdges, HaveToStandOutInThemesOfHighContrast) {
     EXPECT_FALSE(areEdgesSeen(paletteOf(Qt::white, Qt::black))) << "outlines are light grey";
     EXPECT_TRUE(areEdgesSeen(paletteOf(Qt::white, "#202020"))) << "a usual white theme";
