@@ -55,18 +55,32 @@ bool InventorySync::hasFound(NSString const& path) const {
 }
 
 void InventorySync::look(SyncStep const& step) {
+    if (step.paths == EverythingAtOnce.paths) return lookAtOnce();
     auto const start = std::chrono::steady_clock::now();
     std::size_t const end = std::min(pathCount(), m_looked + step.paths);
     std::size_t const fewest = m_looked + step.fewestPaths;
     m_looks.reserve(pathCount());
     while (m_looked < end && (m_looked < fewest || std::chrono::steady_clock::now() - start < step.time)) {
         NSString const path = pathAt(m_looked++);
-        if (hasFound(path)) continue;
-        BundleLook look = lookAtBundle(path);
-        if (!isCompanion(look)) continue;
-        m_found.addObject_(path);
-        m_looks.push_back(std::move(look));
+        if (!hasFound(path)) take(path, lookAtBundle(path));
     }
+}
+
+void InventorySync::lookAtOnce() {
+    std::vector<NSString> paths;
+    for (; m_looked < pathCount(); ++m_looked)
+        paths.push_back(pathAt(m_looked));
+    std::vector<BundleLook> looks = lookAtBundles(paths);
+    m_looks.reserve(looks.size());
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (!hasFound(paths[index])) take(paths[index], std::move(looks[index]));
+    }
+}
+
+void InventorySync::take(NSString const& path, BundleLook look) {
+    if (!isCompanion(look)) return;
+    m_found.addObject_(path);
+    m_looks.push_back(std::move(look));
 }
 
 void InventorySync::setDiskPaths(AppController const& controller) {

@@ -28,6 +28,8 @@ private:
     NSString pathAt(std::size_t index) const;
     bool hasFound(NSString const& path) const;
     void look(SyncStep const& step);
+    void lookAtOnce();
+    void take(NSString const& path, BundleLook look);
 
     NSArray m_results;
     NSArray m_keptPaths;

@@ -40,7 +40,8 @@ public:
     void setNotificationBatchingInterval_(NSTimeInterval interval) const;
 
     // Linux: whether the results stay as they are once gathering has ended, for the next start: to watch the folders
-    // around very many finds takes as long as to find them. False unless set.
+    // around very many finds takes as long as to find them. What was found since the last notification is then taken in
+    // without a break. False unless set.
     bool endsWithGathering() const;
     void setEndsWithGathering_(bool ends) const;
 

@@ -210,7 +210,9 @@ void NSMetadataQuery::Body::deliverFinds() {
 }
 
 bool NSMetadataQuery::Body::takeFinds() {
-    std::size_t const end = std::min(m_taking->paths.size(), m_taking->taken + m_itemsInStep);
+    // Who waits for the end alone has nothing else to do between the steps.
+    std::size_t const step = m_endsWithGathering ? m_taking->paths.size() : m_itemsInStep;
+    std::size_t const end = std::min(m_taking->paths.size(), m_taking->taken + step);
     while (m_taking->taken < end) {
         std::string const& path = m_taking->paths[m_taking->taken++];
         take(path, m_taking->results);

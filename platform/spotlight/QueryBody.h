@@ -57,8 +57,8 @@ public:
     void enableUpdates();
     // Called by the batch timer: brings the results up to date and posts the notifications.
     //
-    // Large batches are handled in steps, between which the main thread handles the user's input. What observers read
-    // changes with the last step alone.
+    // Large batches are handled in steps, between which the main thread handles the user's input, unless the query ends
+    // with gathering. What observers read changes with the last step alone.
     void deliver();
     // How far the current walk has come. REQUIRES: the query was started, and not stopped since.
     VolumeWalkProgress progress() const { return m_walker->progress(); }

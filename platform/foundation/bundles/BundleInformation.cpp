@@ -1,16 +1,9 @@
 #include "platform/foundation/bundles/BundleInformation.h"
-#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/bundles/BundleReadAhead.h"
+#include "platform/foundation/bundles/BundleReading.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "platform/foundation/running/Log.h"
-#include "platform/system/BytePath.h"
-#include "platform/system/LongPath.h"
-#include "platform/system/OpenItems.h"
-#include <algorithm>
 #include <array>
-#include <cerrno>
-#include <chrono>
-#include <fcntl.h>
 #include <functional>
 #include <list>
 #include <memory>
@@ -21,13 +14,6 @@
 namespace mac {
 
 namespace {
-
-// In the order in which they are looked for; the first that is there counts, readable or not.
-constexpr std::array<std::string_view, 4> kPlaces{"Contents/Info.plist", "Info.plist", "Resources/Info.plist",
-                                                  "Support Files/Info.plist"};
-
-// Information files have a few thousand bytes; the largest have less than a million.
-constexpr std::size_t kLargestFile = std::size_t{4} << 20;
 
 // What whole dictionaries are remembered for at most: files, and bytes of files.
 constexpr std::size_t kMostRemembered = 4096;
@@ -43,88 +29,6 @@ constexpr std::size_t kLongestInSummary = 128;
 // systems tick every two seconds at worst.
 constexpr std::int64_t kNanosecondsToSettle = 2'000'000'000;
 
-// Which file it is and in what state, or the error that its status gave.
-struct FileState {
-    std::size_t place{0};
-    // An errno value; 0 if the status is known.
-    int error{0};
-    FileStatus status{};
-
-    bool operator==(FileState const&) const = default;
-};
-
-std::string pathOfPlace(std::string_view bundlePath, std::size_t place) {
-    return BytePath(bundlePath).joined(kPlaces[place]);
-}
-
-// As the log tells it: by the bundle's own path where it is looked at through a descriptor.
-NSString toldPathOfPlace(std::string_view bundlePath, std::size_t place) {
-    std::string const given(bundlePath);
-    std::string const bundle = isDescriptorPath(given) ? resolvedPath(given) : given;
-    return NSString::stringWithFileSystemRepresentation_(pathOfPlace(bundle, place));
-}
-
-// The information file at that place of the bundle; nullopt if it does not exist.
-std::optional<FileState> fileAtPlace(std::string_view bundlePath, std::size_t place) {
-    Result<FileStatus> const status = fileStatusAtPath(pathOfPlace(bundlePath, place));
-    if (status.hasValue()) return FileState{.place = place, .status = status.value()};
-    if (status.problem().is(ENOENT) || status.problem().is(ENOTDIR)) return std::nullopt;
-    return FileState{.place = place, .error = status.problem().code};
-}
-
-std::optional<FileState> findFile(std::string_view bundlePath, std::size_t firstPlace = 0) {
-    std::optional<FileState> found;
-    for (std::size_t place = firstPlace; place < kPlaces.size() && !found; ++place)
-        found = fileAtPlace(bundlePath, place);
-    return found;
-}
-
-// Reads a file at once, in place of looking first what is at the path, where nearly always a regular file lies. A
-// symbolic link fails with ELOOP; a pipe or a device, which few may put there, is opened without waiting for it.
-Result<FileContents> readLikelyFile(std::string const& path) {
-    Result<FileDescriptor> const file = openPath(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
-    if (!file.hasValue()) return file.problem();
-    return readOpenFile(file.value(), kLargestFile);
-}
-
-// Why the file cannot be read, as the log tells it.
-std::string reasonOf(int code) {
-    if (code == EFBIG) return "It is too large";
-    if (code == EISDIR) return "It is a folder";
-    if (code == EINVAL) return "It is no regular file";
-    return textOfSystemError(code);
-}
-
-// Whether the error lies in the file itself, so that it stays until the file's status changes.
-bool isErrorOfFile(int code) { return code == EFBIG || code == EISDIR || code == EINVAL; }
-
-// Why there is no dictionary, and whether that stays so while the file has the same status.
-struct ReadingProblem {
-    std::string reason;
-    bool isLasting{true};
-};
-
-ReadingProblem problemOf(int code) { return {.reason = reasonOf(code), .isLasting = isErrorOfFile(code)}; }
-
-Result<NSDictionary, ReadingProblem> dictionaryIn(FileContents const& contents) {
-    NSString reason;
-    id const list = NSPropertyListSerialization::propertyListFromData_mutabilityOption_format_errorDescription_(
-        NSData::dataWithBytes(contents.bytes), NSPropertyListImmutable, nullptr, &reason);
-    if (list == nil) return ReadingProblem{reason.UTF8String()};
-    NSDictionary const dictionary = as<NSDictionary>(list);
-    if (dictionary == nil) return ReadingProblem{"It holds no dictionary"};
-    return dictionary;
-}
-
-Result<NSDictionary, ReadingProblem> readInformation(std::string const& path, FileState& state) {
-    if (state.error != 0) return problemOf(state.error);
-    Result<FileContents> const contents = readFileAtPath(path, kLargestFile);
-    if (!contents.hasValue()) return problemOf(contents.problem().code);
-    // The file may have changed since its status was read.
-    state.status = contents.value().status;
-    return dictionaryIn(contents.value());
-}
-
 // A parser's complaints in one line.
 std::string joinedLines(std::string text) {
     std::erase(text, '\t');
@@ -135,28 +39,10 @@ std::string joinedLines(std::string text) {
     return text;
 }
 
-struct BundleSummaryKeys {
-    NSString identifier = "CFBundleIdentifier";
-    NSString version = "CFBundleVersion";
-    NSString shortVersion = "CFBundleShortVersionString";
-};
-
-BundleSummaryKeys const& summaryKeys() {
-    // Never destroyed, like the cache that uses them.
-    static BundleSummaryKeys const& keys = *std::make_unique<BundleSummaryKeys>().release();
-    return keys;
-}
-
 // Whether the value is kept beside its dictionary.
 bool fitsSummary(id const& value) {
     NSString const text = as<NSString>(value);
     return value == nil || (text != nil && text.length() <= kLongestInSummary) || as<NSNumber>(value) != nil;
-}
-
-BundleSummary summaryOf(NSDictionary const& information) {
-    BundleSummaryKeys const& keys = summaryKeys();
-    return {information.objectForKey_(keys.identifier), information.objectForKey_(keys.version),
-            information.objectForKey_(keys.shortVersion)};
 }
 
 // Most of many copies are of a few versions. One object for each text takes less memory, and is at hand when the
@@ -177,16 +63,13 @@ private:
 };
 
 // The summary to keep; nullopt if a value is too large, or of a class that tells no version.
-std::optional<BundleSummary> keptSummaryOf(NSDictionary const& information, RecentTexts& texts) {
-    BundleSummary const summary = summaryOf(information);
+std::optional<BundleSummary> keptSummaryOf(BundleSummary const& summary, RecentTexts& texts) {
     bool const fits =
         fitsSummary(summary.identifier) && fitsSummary(summary.version) && fitsSummary(summary.shortVersion);
     if (!fits) return std::nullopt;
     return BundleSummary{texts.shared(summary.identifier), texts.shared(summary.version),
                          texts.shared(summary.shortVersion)};
 }
-
-std::int64_t now() { return std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count(); }
 
 // What was read of a file: the state it was in, and the summary.
 struct KnownFile {
@@ -293,15 +176,20 @@ public:
         KnownFile const* const known = m_known.find(hash);
         NSDictionary const whole = known && known->isCurrent(*state) ? m_whole.find(hash) : NSDictionary();
         if (whole != nil) return whole;
-        NSDictionary const information = readAnew(bundlePath, *state);
-        m_whole.remember(hash, information, state->status.size);
+        ReadInformation const read = readAnew(bundlePath, *state);
+        NSDictionary const information = read.value.hasValue() ? read.value.value() : NSDictionary::dictionary();
+        m_whole.remember(hash, information, read.state.status.size);
         return information;
     }
 
+    bool knows(std::string_view bundlePath) { return m_known.find(hashOfPath(bundlePath)) != nullptr; }
+
     BundleLook lookAt(std::string const& bundlePath) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
-        std::optional<BundleSummary> const read = known ? std::nullopt : summaryOfNewBundle(bundlePath);
-        if (read) return {.exists = true, .summary = *read};
+        // Of a bundle of which nothing is known the file in Contents is read at once: its status is asked for once
+        // less.
+        std::optional<ReadSummary> const read = known ? std::nullopt : readLikelySummary(bundlePath);
+        if (read) return lookBy(bundlePath, *read);
         std::optional<FileState> file = fileAtPlace(bundlePath, 0);
         bool const isUsable = file && file->error == 0;
         if (isUsable && known && known->isCurrent(*file) && known->summary)
@@ -314,49 +202,44 @@ public:
             if (!file) return {.exists = true};
         }
         // A file that was found lies in a folder at the path.
-        return {.exists = true, .summary = summaryOfFileAt(bundlePath, *file)};
+        return lookByFileAt(bundlePath, *file);
+    }
+
+    // The look that has read the bundle's file.
+    BundleLook lookBy(std::string_view bundlePath, ReadSummary const& read, bool isTold = false) {
+        BundleSummary const summary = read.value.hasValue() ? read.value.value() : BundleSummary();
+        remember(bundlePath, read, summary, isTold);
+        return {.exists = true, .summary = summary};
     }
 
 private:
-    // Reads the file in Contents of a bundle of which nothing is known, so that its status is asked for once less.
-    // nullopt if no such file can be read.
-    std::optional<BundleSummary> summaryOfNewBundle(std::string_view bundlePath) {
-        std::int64_t const start = now();
-        Result<FileContents> const contents = readLikelyFile(pathOfPlace(bundlePath, 0));
-        if (!contents.hasValue()) return std::nullopt;
-        return summaryOf(
-            remember(bundlePath, {.status = contents.value().status}, start, dictionaryIn(contents.value())));
-    }
-
-    BundleSummary summaryOfFileAt(std::string_view bundlePath, FileState state) {
+    BundleLook lookByFileAt(std::string_view bundlePath, FileState const& state) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
-        if (known && known->isCurrent(state) && known->summary) return *known->summary;
-        return summaryOf(readAnew(bundlePath, state));
+        if (known && known->isCurrent(state) && known->summary) return {.exists = true, .summary = *known->summary};
+        return lookBy(bundlePath, summaryOf(readInformation(bundlePath, state)), known && known->state == state);
     }
 
-    // The state becomes the one that the file was read in.
-    NSDictionary readAnew(std::string_view bundlePath, FileState& state) {
+    ReadInformation readAnew(std::string_view bundlePath, FileState const& state) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
         bool const isTold = known && known->state == state;
-        std::int64_t const start = now();
-        Result<NSDictionary, ReadingProblem> const read = readInformation(pathOfPlace(bundlePath, state.place), state);
-        return remember(bundlePath, state, start, read, isTold);
+        ReadInformation read = readInformation(bundlePath, state);
+        lookBy(bundlePath, summaryOf(read), isTold);
+        return read;
     }
 
-    // What was read of the file, at that time; an empty dictionary if it cannot be used, which is logged.
-    NSDictionary remember(std::string_view bundlePath, FileState const& state, std::int64_t start,
-                          Result<NSDictionary, ReadingProblem> const& read, bool isTold = false) {
-        if (!read.hasValue() && !isTold)
+    // What cannot be used is logged, unless that was told already.
+    void remember(std::string_view bundlePath, ReadSummary const& read, BundleSummary const& summary, bool isTold) {
+        FileState const& state = read.state;
+        bool const isUsable = read.value.hasValue();
+        if (!isUsable && !isTold)
             NSLog("The information file %@ cannot be used: %@", toldPathOfPlace(bundlePath, state.place),
-                  joinedLines(read.problem().reason));
+                  joinedLines(read.value.problem().reason));
         std::uint64_t const hash = hashOfPath(bundlePath);
         m_whole.forget(hash);
-        NSDictionary const information = read.hasValue() ? read.value() : NSDictionary::dictionary();
-        bool const isLasting = read.hasValue() || read.problem().isLasting;
+        bool const isLasting = isUsable || read.value.problem().isLasting;
         m_known.remember(hash, {.state = state,
-                                .isSettled = isLasting && state.status.modified < start - kNanosecondsToSettle,
-                                .summary = keptSummaryOf(information, m_texts)});
-        return information;
+                                .isSettled = isLasting && state.status.modified < read.start - kNanosecondsToSettle,
+                                .summary = keptSummaryOf(summary, m_texts)});
     }
 
     KnownFiles m_known;
@@ -378,6 +261,29 @@ BundleLook lookAtBundle(NSString const& path) {
     std::optional<std::string> const bytes = path.fileSystemRepresentation();
     if (!bytes || bytes->empty()) return {};
     return sharedInformation().lookAt(*bytes);
+}
+
+std::vector<BundleLook> lookAtBundles(std::span<NSString const> paths) {
+    InformationCache& information = sharedInformation();
+    std::vector<std::string> bundles;
+    std::vector<std::size_t> unknown;
+    bundles.reserve(paths.size());
+    for (NSString const& path : paths) {
+        bundles.push_back(path.fileSystemRepresentation().value_or(""));
+        bool const isNew = !bundles.back().empty() && !information.knows(bundles.back());
+        if (isNew) unknown.push_back(bundles.size() - 1);
+    }
+    BundleReadAhead ahead(bundles, unknown);
+    std::vector<BundleLook> looks;
+    looks.reserve(bundles.size());
+    for (std::string const& bundle : bundles) {
+        std::optional<ReadSummary> const read = ahead.take(looks.size());
+        if (read)
+            looks.push_back(information.lookBy(bundle, *read));
+        else
+            looks.push_back(bundle.empty() ? BundleLook() : information.lookAt(bundle));
+    }
+    return looks;
 }
 
 } // namespace mac

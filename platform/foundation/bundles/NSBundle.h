@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/foundation/collections/NSDictionary.h"
+#include <span>
+#include <vector>
 
 namespace mac {
 
@@ -61,6 +63,9 @@ struct BundleLook {
 // two if there is no folder at the path. What was read of the last 262,144 bundles is remembered, twice as many at
 // most. Main thread.
 BundleLook lookAtBundle(NSString const& path);
+// The same for each of the paths, in their order. Of many the files that nothing is known of are read in threads, as
+// many as the computer has processors, while this one waits for them. Main thread.
+std::vector<BundleLook> lookAtBundles(std::span<NSString const> paths);
 
 // For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it
 // is in no bundle's Contents/Linux.

@@ -154,6 +154,14 @@ TEST_F(MetadataQueryInSteps, TellsOfManyFindsOnceAndWorksThemOffInSteps) {
     EXPECT_GT(query.resultCount(), 3U);
 }
 
+TEST_F(MetadataQueryInSteps, WorksManyFindsOffAtOnceIfItEndsWithGathering) {
+    query.setEndsWithGathering_(true);
+    ASSERT_TRUE(findAll());
+    deliver();
+    EXPECT_TRUE(hasPosted(NSMetadataQueryGatheringProgressNotification));
+    EXPECT_EQ(query.resultCount(), Copies);
+}
+
 TEST_F(MetadataQueryInSteps, EndsAlsoIfTheWalkEndsBetweenTwoSteps) {
     for (int index = 0; index < 2000; ++index)
         folder.makeFolder("none/" + std::to_string(index));
