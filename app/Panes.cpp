@@ -16,7 +16,7 @@ constexpr char ShowsDetailsDefault[] = "ShowsDetails";
 class Panes::Body : public ObjectBody {
 public:
     explicit Body(AppController const& followed)
-        : controller(followed), gathering(followed, "query.isGathering", [this] { followSearch(); }) {}
+        : m_controller(followed), m_gathering(followed, "query.isGathering", [this] { followSearch(); }) {}
 
     void followSearch();
     void showUnreadableFolders(bool shows);
@@ -25,14 +25,14 @@ public:
     bool showsUnreadableFolders = false;
 
 private:
-    Weak<AppController> controller;
-    KeyPathObserver gathering;
+    Weak<AppController> m_controller;
+    KeyPathObserver m_gathering;
 };
 
 // While a search is under way the list stays as the user left it: it may end with the same folders. One that was
 // stopped says nothing of them, and another one stops it first.
 void Panes::Body::followSearch() {
-    NSMetadataQuery const query = controller.load().query();
+    NSMetadataQuery const query = m_controller.load().query();
     bool const isOver = !query.isGathering() && !query.isStopped();
     if (isOver && query.unreadableFolderCount() == 0) showUnreadableFolders(false);
 }

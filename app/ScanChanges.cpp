@@ -40,8 +40,10 @@ public:
         m_count = paths.size();
         for (NSString& path : paths) {
             id const answer = m_answers.objectForKey_(path);
-            if (answer == nil) m_pending.push_back(std::move(path));
-            if (answer != nil) kept.setObject_forKey_(answer, path);
+            if (answer == nil)
+                m_pending.push_back(std::move(path));
+            else
+                kept.setObject_forKey_(answer, path);
         }
         m_answers = kept;
         m_copies = 0;

@@ -84,6 +84,7 @@ void require(bool isTrue, char const* what) {
 int main() {
     mac::test::TemporaryFolder const folder;
     std::vector<std::string> paths;
+    paths.reserve(Files);
     for (int number = 0; number < Files; ++number)
         paths.push_back(folder.makeFile("file " + std::to_string(number), ""));
     std::printf("%d files\n", Files);

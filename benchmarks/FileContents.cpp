@@ -87,7 +87,7 @@ int main(int count, char** arguments) {
     NSString const path = NSString::stringWithFileSystemRepresentation_(one);
     NSString const otherPath = NSString::stringWithFileSystemRepresentation_(other);
     // cmp counts lines unless its output goes nowhere.
-    std::vector<std::string> const cmp{"sh", "-c", "cmp \"$0\" \"$1\" | cat", one, other};
+    std::vector<std::string> const cmp{"sh", "-c", R"(cmp "$0" "$1" | cat)", one, other};
     std::vector<std::string> const quietCmp{"cmp", one, other};
     Ratios comparisons;
     Ratios quietComparisons;

@@ -22,18 +22,19 @@ constexpr int DefaultHosts = 500;
 constexpr int DefaultCopies = 200;
 
 std::string factsWith(int host, int copies) {
-    std::string json = "{\"framekeeper\": 1, \"gathered\": \"2026-11-22T10:00:00Z\", \"copies\": [";
+    std::string json = R"({"framekeeper": 1, "gathered": "2026-11-22T10:00:00Z", "copies": [)";
     for (int copy = 0; copy < copies; ++copy) {
+        std::string const number = std::to_string(copy);
         std::string const version = "2." + std::to_string((host + copy) % 40);
-        std::string const place = "anna/Software/Backup " + std::to_string(copy);
         bool const runs = copy % 50 == 0;
         json += copy == 0 ? "\n" : ",\n";
-        json += "  {\"path\": \"/srv/" + place + "/Mirror Frame.app\", \"uri\": \"file:///srv/anna/Software/Backup%20" +
-                std::to_string(copy) + "/Mirror%20Frame.app\", \"version\": \"" + version +
-                "\", \"versionString\": \"" + version + " (" + version +
-                ")\", \"exists\": true, \"isRunning\": " + (runs ? "true" : "false") +
-                ", \"processID\": " + (runs ? "4711" : "null") +
-                ", \"isAutolaunched\": " + (copy == 0 ? "true" : "false") + ", \"isInToolbar\": false}";
+        (json += R"(  {"path": "/srv/anna/Software/Backup )") += number;
+        (json += R"(/Mirror Frame.app", "uri": "file:///srv/anna/Software/Backup%20)") += number;
+        (json += R"(/Mirror%20Frame.app", "version": ")") += version;
+        ((((json += R"(", "versionString": ")") += version) += " (") += version) += R"text()", "exists": true)text";
+        json += runs ? R"(, "isRunning": true, "processID": 4711)" : R"(, "isRunning": false, "processID": null)";
+        (json += R"(, "isAutolaunched": )") += copy == 0 ? "true" : "false";
+        json += R"(, "isInToolbar": false})";
     }
     return json + "\n]}\n";
 }

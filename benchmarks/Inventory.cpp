@@ -212,13 +212,13 @@ void measureVersions(mac::test::TemporaryFolder const& folder) {
     std::vector<double> ratios;
     for (int round = 0; round < Rounds; ++round) {
         // New ones in each round: the first pass is what is compared.
-        mac::test::TemporaryFolder const round_folder;
-        std::vector<std::string> const paths = makeCopies(round_folder, BundlesOfVersions);
+        mac::test::TemporaryFolder const ownFolder;
+        std::vector<std::string> const paths = makeCopies(ownFolder, BundlesOfVersions);
         std::string list;
         for (std::string const& path : paths)
             list += path + "\n";
-        std::string const listPath = round_folder.makeFile("list", list);
-        std::string const answer = round_folder.makeFile("answer", "");
+        std::string const listPath = ownFolder.makeFile("list", list);
+        std::string const answer = ownFolder.makeFile("answer", "");
         benchmarks::runProgram({"python3", script, listPath, answer});
         double theirs = 0;
         if (std::FILE* const file = std::fopen(answer.c_str(), "r")) {

@@ -113,7 +113,7 @@ Ratios compareLists(char** arguments, std::filesystem::path const& work, int cop
         std::filesystem::create_directory(work / "home");
         Cost const list = costOf({arguments[1], "list", "--json"}, output.c_str());
         // Copies that run elsewhere are listed as well.
-        int const listed = lineCountWith(output, "{\"path\": \"" + tree + "/");
+        int const listed = lineCountWith(output, R"({"path": ")" + tree + "/");
         if (listed != copies) {
             std::fprintf(stderr, "%d of %d copies are listed\n", listed, copies);
             std::filesystem::remove_all(work);

@@ -33,6 +33,7 @@ void makeReference(NSString const& path) {
 
 std::vector<NSString> texts(std::vector<std::string> const& paths) {
     std::vector<NSString> result;
+    result.reserve(paths.size());
     for (std::string const& path : paths)
         result.push_back(NSString::stringWithFileSystemRepresentation_(path));
     return result;

@@ -143,7 +143,7 @@ public:
     // Walks once and leaves what the next needs, in a folder that is made.
     void remember(std::string const& memory);
     // Runs our walk and the rival in turn and prints the ratios. A target of 0 means no target.
-    void compare(std::vector<std::string> const& ours, Rival const& rival, int pairs, bool isCold, double target);
+    void compare(std::vector<std::string> const& command, Rival const& rival, int pairs, bool isCold, double target);
     // Prints the memory of the runs since the last call, and what would have been needed to stay below the limit.
     void printMemory(long limit);
     bool isWon() const { return m_isWon; }

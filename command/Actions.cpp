@@ -236,7 +236,7 @@ constexpr std::array PathActions{
 };
 
 PathAction actionOf(CommandLine const& line) {
-    auto const row = std::ranges::find_if(
+    auto const* const row = std::ranges::find_if(
         PathActions, [&](ActionRow const& each) { return each.verb == line.verb && each.edit == line.edit; });
     return row == PathActions.end() ? PathAction{} : row->action;
 }

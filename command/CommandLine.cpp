@@ -66,7 +66,7 @@ bool isFormOf(Verb verb, OutputForm form) {
 
 Result<CommandLine, Failure> withOperands(CommandLine line, std::vector<std::string> operands) {
     if (operands.empty()) return wrongUse(localizable("No verb is given"));
-    auto const row = std::ranges::find(Verbs, operands.front(), &VerbRow::word);
+    auto const* const row = std::ranges::find(Verbs, operands.front(), &VerbRow::word);
     if (row == Verbs.end()) return wrongUse(localizable("There is no verb “%@”"), operands.front());
     line.verb = row->verb;
     operands.erase(operands.begin());

@@ -73,7 +73,7 @@ std::optional<CopyFacts> copyIn(JSONObject const& object) {
 std::optional<HostAnswer> answerIn(JSONObject const& object) {
     if (!object.has("answer")) return HostAnswer::Complete;
     std::optional<std::string> const word = object.text("answer");
-    auto const row = std::ranges::find_if(Answers, [&](AnswerRow const& each) { return word == each.name; });
+    auto const* const row = std::ranges::find_if(Answers, [&](AnswerRow const& each) { return word == each.name; });
     return row == Answers.end() ? std::nullopt : std::optional(row->answer);
 }
 

@@ -89,7 +89,7 @@ enum class PathKeys { Plain, New };
 void appendPath(std::string& json, NSString const& path, PathKeys keys = PathKeys::Plain) {
     json += keys == PathKeys::Plain ? "\"path\": " : "\"newPath\": ";
     appendText(json, path);
-    json += keys == PathKeys::Plain ? ", \"uri\": \"file://" : ", \"newUri\": \"file://";
+    json += keys == PathKeys::Plain ? R"(, "uri": "file://)" : R"(, "newUri": "file://)";
     (json += percentEscaped(bytesOfPath(path))) += '"';
 }
 
@@ -122,7 +122,7 @@ void appendRecord(std::string& json, id const& record) {
 void appendOutcome(std::string& json, Outcome const& outcome) {
     json += '{';
     appendPath(json, outcome.path);
-    ((json += ", \"status\": \"") += nameOf(outcome.status)) += '"';
+    ((json += R"(, "status": ")") += nameOf(outcome.status)) += '"';
     if (outcome.newPath != nil) appendPath(json += ", ", outcome.newPath, PathKeys::New);
     if (outcome.reason != nil) appendText(json += ", \"reason\": ", outcome.reason);
     json += '}';

@@ -76,7 +76,7 @@ std::string complaintAboutKeyFile(std::string_view bytes);
 
 // The system's list of mounts: read, written and read again, and its volumes listed. Lines of another form are left
 // out.
-std::string complaintAboutMounts(std::string_view bytes);
+std::string complaintAboutMounts(std::string_view text);
 
 // A number format, a line feed and a text to read numbers from.
 std::string complaintAboutNumbers(std::string_view bytes);
@@ -93,7 +93,7 @@ std::string complaintAboutXBEL(std::string_view bytes);
 std::string complaintAboutPredicate(std::string_view bytes);
 
 // The line of a process, and the name in one.
-std::string complaintAboutProcessStatus(std::string_view bytes);
+std::string complaintAboutProcessStatus(std::string_view text);
 
 // A property list in one of its forms. What is read must be the same in every mutability, and survive being written
 // and read in both forms that can be written.

@@ -47,7 +47,7 @@ std::string complaintAboutArguments(std::string_view text) {
         start = end + 1;
     }
     NSDictionary const values = argumentDomain(words);
-    if (values.count() * 2 >= words.size()) return "there are more arguments than words";
+    if (values.count() >= (words.size() + 1) / 2) return "there are more arguments than words";
     return bytesOfDefaults(values) == nil ? "an argument is no property list" : "";
 }
 

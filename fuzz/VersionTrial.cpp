@@ -6,11 +6,11 @@ namespace mac::fuzz {
 
 namespace {
 
-std::string complaintAboutOne(NSString const& version) {
-    if (pxVersionCompare_(version, version) != 0) return "a version differs from itself";
-    NSString const trimmed = pxTrimmedVersion_(version, 3);
+std::string complaintAboutOne(NSString const& whole) {
+    if (pxVersionCompare_(whole, whole) != 0) return "a version differs from itself";
+    NSString const trimmed = pxTrimmedVersion_(whole, 3);
     if (trimmed == nil) return "";
-    return pxVersionCompare_(version, trimmed) == 0 ? "" : "a trimmed version is another";
+    return pxVersionCompare_(whole, trimmed) == 0 ? "" : "a trimmed version is another";
 }
 
 } // namespace

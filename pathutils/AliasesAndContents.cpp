@@ -96,7 +96,7 @@ NSData pxDataWithHandle_(MemoryHandle handle) {
 MemoryHandle pxCreateHandle(NSData receiver) {
     // A handle's size is a signed number of 32 bits.
     if (receiver.length() == 0 || receiver.length() > std::numeric_limits<std::int32_t>::max()) return {};
-    MemoryHandle const handle = NewHandle(static_cast<std::int32_t>(receiver.length()));
+    MemoryHandle handle = NewHandle(static_cast<std::int32_t>(receiver.length()));
     if (handle) std::ranges::copy(receiver.span(), reinterpret_cast<std::byte*>(*handle));
     return handle;
 }

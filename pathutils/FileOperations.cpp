@@ -100,10 +100,10 @@ bool pxMoveToFolder2_(NSString receiver, NSString folder) {
     return !KRCPathExists(target) && moveFile(path, target);
 }
 
-NSString pxCopyToPath_(NSString receiver, NSString path) {
+NSString pxCopyToPath_(NSString receiver, NSString newPath) {
     if (receiver == nil) return nil;
     PXFileManagerHandler const handler = PXFileManagerHandler::alloc();
-    bool const isDone = NSFileManager::defaultManager().copyPath_toPath_handler_(receiver, path, handler);
+    bool const isDone = NSFileManager::defaultManager().copyPath_toPath_handler_(receiver, newPath, handler);
     if (!(handler.errorInfo() == nil))
         NSLog("%s errorInfo: %@", "-[NSString(PXUtils) pxCopyToPath:]", handler.errorInfo());
     return messageOf(handler, isDone, "Could not copy file item.");

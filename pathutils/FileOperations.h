@@ -36,7 +36,7 @@ bool pxMoveToFolder2_(NSString receiver, NSString folder);
 
 // Copies the item to the path, which names the copy itself and must be free. Nil on success, else the file manager's
 // message, which is logged with the rest of the error, or "Could not copy file item.".
-NSString pxCopyToPath_(NSString receiver, NSString path);
+NSString pxCopyToPath_(NSString receiver, NSString newPath);
 // Copies the item into the folder, where it replaces one of the same name once the copy is complete. Nil on success,
 // else "Copy: Error-code = %d" with a status of FSPathCopyObjectSync.
 NSString pxCopyToFolder_(NSString receiver, NSString folder);

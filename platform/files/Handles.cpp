@@ -65,7 +65,7 @@ MemoryHandle NewHandle(std::int32_t byteCount) {
     if (!block->bytes) return nullptr;
     block->master = block->bytes.get();
     block->size = byteCount;
-    MemoryHandle const handle = &block->master;
+    MemoryHandle handle = &block->master;
     std::scoped_lock const lock(blocks().lock);
     blocks().byHandle.emplace(handle, std::move(block));
     lastError() = noErr;

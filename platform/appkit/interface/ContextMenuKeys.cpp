@@ -58,7 +58,7 @@ void openContextMenusByKeys(QWidget* window) {
         if (QWidget* const widget = QApplication::focusWidget()) openContextMenu(widget);
     });
     for (QTableView* const table : window->findChildren<QTableView*>())
-        std::make_unique<MenuKeyInTable>(table).release();
+        (void)std::make_unique<MenuKeyInTable>(table).release();
 }
 
 } // namespace mac

@@ -124,7 +124,7 @@ void showKeysOf(QWidget* window) {
     layout->addWidget(buttons.release());
     int const width = table->horizontalHeader()->length() + 2 * table->fontMetrics().height();
     panel->resize(std::max(width, 460), 520);
-    layout.release();
+    (void)layout.release();
     // Owned by the window and deleted when it is closed.
     panel.release()->show();
     table->setFocus();

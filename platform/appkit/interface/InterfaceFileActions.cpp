@@ -42,7 +42,7 @@ void InterfaceFile::connectActivation(QTableView* table) {
         return;
     }
     // It belongs to the view.
-    std::make_unique<LeftDoubleClicks>(table->viewport()).release();
+    (void)std::make_unique<LeftDoubleClicks>(table->viewport()).release();
     QObject::connect(table, &QTableView::doubleClicked, action, &QAction::trigger);
     for (Qt::Key const key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* const shortcut = new QShortcut(QKeySequence(key), table);
@@ -94,7 +94,7 @@ void InterfaceFile::connectAction(QAction* action) {
     if (QString const name = formProperty<QString>(action, "clears"); !name.isEmpty()) {
         auto* const field = m_window->findChild<QLineEdit*>(name);
         // Owned by the action.
-        if (field) std::make_unique<FieldClearing>(action, field).release();
+        if (field) (void)std::make_unique<FieldClearing>(action, field).release();
     }
     QString const panel = formProperty<QString>(action, "shows");
     if (panel == "about")

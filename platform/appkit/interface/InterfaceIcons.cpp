@@ -181,7 +181,7 @@ QIcon iconOfPictures(std::vector<Picture> const& pictures) {
     QIcon icon;
     for (Picture const& picture : pictures) {
         QImage const image(reinterpret_cast<uchar const*>(picture.pixels.data()), picture.width, picture.height,
-                           picture.width * 4, QImage::Format_ARGB32);
+                           static_cast<qsizetype>(picture.width) * 4, QImage::Format_ARGB32);
         icon.addPixmap(QPixmap::fromImage(image));
     }
     return icon;

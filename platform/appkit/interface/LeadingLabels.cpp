@@ -35,7 +35,7 @@ private:
 void keepLabelsLeading(QWidget* window) {
     for (QLabel* const label : window->findChildren<QLabel*>()) {
         // It belongs to the label.
-        if (isLeading(label)) std::make_unique<LeadingLabel>(label).release();
+        if (isLeading(label)) (void)std::make_unique<LeadingLabel>(label).release();
     }
 }
 

@@ -20,7 +20,7 @@ QColor mixedWith(QColor const& color, QColor const& other, int percent) {
 
 // What is seen of a translucent colour on another.
 QColor seenOn(QColor const& color, QColor const& ground) {
-    return color.alpha() == 255 ? color : mixedWith(ground, color, color.alpha() * 100 / 255);
+    return color.alpha() == 255 ? color : mixedWith(color, ground, 100 - color.alpha() * 100 / 255);
 }
 
 QColor fartherFrom(QColor const& color) {
@@ -155,7 +155,7 @@ void keepPaletteLegible() {
     // Owned by the application.
     auto watch = std::make_unique<PaletteWatch>(qApp);
     watch->setObjectName(name);
-    watch.release();
+    (void)watch.release();
 }
 
 } // namespace mac

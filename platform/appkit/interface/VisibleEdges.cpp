@@ -132,7 +132,7 @@ void keepEdgesVisible() {
     // Owned by the application.
     auto watch = std::make_unique<EdgeWatch>(qApp);
     watch->setObjectName(name);
-    watch.release();
+    (void)watch.release();
 }
 
 } // namespace mac

@@ -22,10 +22,10 @@ constexpr std::array ColorSpaces{
 
 // Null for another name.
 ColorSpace const* colorSpaceOf(NSString const& name) {
-    auto const space = std::ranges::find_if(ColorSpaces, [&name](ColorSpace const& one) {
+    auto const* const space = std::ranges::find_if(ColorSpaces, [&name](ColorSpace const& one) {
         return name.isEqualToString_(NSString::stringWithUTF8String_(one.name));
     });
-    return space == ColorSpaces.end() ? nullptr : &*space;
+    return space == ColorSpaces.end() ? nullptr : space;
 }
 
 double within(double component) { return std::clamp(component == component ? component : 0.0, 0.0, 1.0); }

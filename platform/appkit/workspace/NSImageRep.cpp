@@ -47,7 +47,7 @@ void NSImageRep::setSize_(NSSize size) const {
 }
 
 bool NSImageRep::drawInRect_(NSRect rect) const {
-    CGContextRef const context = NSGraphicsContext::currentContext().graphicsPort();
+    CGContextRef context = NSGraphicsContext::currentContext().graphicsPort();
     if (*this == nil || !context) return false;
     return drawInContext(*context, rect, bodyOf(*this)->picture()) == noErr;
 }

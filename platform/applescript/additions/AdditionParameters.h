@@ -4,10 +4,8 @@
 
 // The codes of the standard additions' parameters that no application shares, each by the label that scripts write.
 
-namespace mac::applescript::additions {
+namespace mac::applescript::additions::parameters {
 
-// Parameters of commands.
-namespace parameters {
 inline constexpr Code AdministratorPrivileges = codeOf("badm");
 inline constexpr Code AlteringLineEndings = codeOf("alen");
 inline constexpr Code AsAlert = codeOf("as A");
@@ -57,6 +55,5 @@ inline constexpr Code WithIcon = codeOf("disp");
 inline constexpr Code WithParameters = codeOf("plst");
 inline constexpr Code WithSeed = codeOf("seed");
 inline constexpr Code WritePermission = codeOf("perm");
-} // namespace parameters
 
-} // namespace mac::applescript::additions
+} // namespace mac::applescript::additions::parameters

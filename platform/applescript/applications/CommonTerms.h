@@ -6,7 +6,7 @@
 
 // Commands that several applications have: their names, codes and parameters.
 
-namespace mac::applescript::commonTerms {
+namespace mac::applescript::common {
 
 // The core suite's commands about any object, which reach other programs and come from them as these events.
 inline constexpr EventCode GetEvent = eventOf("coregetd");
@@ -56,4 +56,4 @@ inline constexpr CommandTerm Run{.name = {}, .code = eventOf("aevtoapp")};
 inline constexpr CommandTerm Reopen{.name = {}, .code = eventOf("aevtrapp")};
 inline constexpr CommandTerm Quit{.name = {}, .code = eventOf("aevtquit")};
 
-} // namespace mac::applescript::commonTerms
+} // namespace mac::applescript::common

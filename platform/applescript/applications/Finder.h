@@ -7,9 +7,7 @@
 // The application that looks after files. Linux: what concerns files and the trash is done here; windows are the
 // desktop's file browser's.
 
-namespace mac::applescript {
-
-namespace finder {
+namespace mac::applescript::finder {
 
 // FinderTrash.cpp: the class of the trash.
 extern ClassRow const TrashRow;
@@ -66,6 +64,4 @@ Value activate(ModelApplication& finder, Evaluator& evaluator, ApplicationComman
 Value quit(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand const& command);
 bool isRunning();
 
-} // namespace finder
-
-} // namespace mac::applescript
+} // namespace mac::applescript::finder

@@ -75,14 +75,14 @@ Value objectIn(Value const* value) {
 Value performCommand(Evaluator& evaluator, ApplicationCommand const& command) {
     TextContext const& context = evaluator.context();
     switch (command.term.code) {
-    case commonTerms::GetEvent:
+    case common::GetEvent:
         return getInApplication(objectIn(&command.direct), classIn(command, codes::RequestedTypeParameter), context);
-    case commonTerms::SetEvent:
+    case common::SetEvent:
         setInApplication(objectIn(&command.direct), givenValue(command.find(codes::DataParameter)), context);
         return {};
-    case commonTerms::ExistsEvent:
+    case common::ExistsEvent:
         return Value::boolean(existsInApplication(objectIn(&command.direct), context));
-    case commonTerms::CountEvent: {
+    case common::CountEvent: {
         Value const counted = command.direct.isNothing() ? command.subject : objectIn(&command.direct);
         std::size_t const count = countInApplication(counted, classIn(command, codes::NewClassParameter), context);
         return Value::number(static_cast<double>(count));

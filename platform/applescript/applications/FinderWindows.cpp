@@ -102,7 +102,7 @@ Value reveal(ModelApplication& finder, Evaluator& evaluator, ApplicationCommand 
 }
 
 Value activate(ModelApplication& /*finder*/, Evaluator& /*evaluator*/, ApplicationCommand const& command) {
-    bool const isLaunch = command.term.code == commonTerms::Launch.code;
+    bool const isLaunch = command.term.code == common::Launch.code;
     FileBrowserSession const browser;
     return done(isLaunch ? browser.launch() : browser.activate(), finderItself());
 }

@@ -44,23 +44,23 @@ public:
             return type == 0 ? *own : requireType(*own, type, context);
         std::vector<std::pair<Code, Value>> parameters{{codes::DirectParameter, specifier}};
         if (type != 0) parameters.emplace_back(codes::RequestedTypeParameter, Value::type(type));
-        Value const answer = send(commonTerms::GetEvent, parameters);
+        Value const answer = send(common::GetEvent, parameters);
         bool const isAsWanted = type == 0 || type == codes::ReferenceType || isOfClass(answer, type);
         return isAsWanted || isToldTo(answer) ? answer : requireType(answer, type, context);
     }
 
     void set(Value const& specifier, Value const& value, TextContext const& /*context*/) override {
-        send(commonTerms::SetEvent, {{codes::DirectParameter, specifier}, {codes::DataParameter, value}});
+        send(common::SetEvent, {{codes::DirectParameter, specifier}, {codes::DataParameter, value}});
     }
 
     bool exists(Value const& specifier, TextContext const& context) override {
-        return requireBoolean(send(commonTerms::ExistsEvent, {{codes::DirectParameter, specifier}}), context);
+        return requireBoolean(send(common::ExistsEvent, {{codes::DirectParameter, specifier}}), context);
     }
 
     std::size_t count(Value const& specifier, Code elementClass, TextContext const& context) override {
         Code const type = elementClass == 0 ? codes::Item : elementClass;
         std::int32_t const count =
-            requireInteger(send(commonTerms::CountEvent,
+            requireInteger(send(common::CountEvent,
                                 {{codes::DirectParameter, specifier}, {codes::NewClassParameter, Value::type(type)}}),
                            context);
         return count < 0 ? 0 : static_cast<std::size_t>(count);

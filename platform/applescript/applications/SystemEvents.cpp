@@ -257,19 +257,19 @@ constexpr ClassRow RootRow{.name = u"",
 ClassRow const& SystemEventsRoot::row() const { return RootRow; }
 
 constexpr auto SystemEventsCommands = std::to_array<CommandRow>({
-    {commonTerms::Make, make},
-    {commonTerms::Delete, remove},
-    {commonTerms::Move, move},
-    {commonTerms::Open, open},
-    {commonTerms::Activate, stay},
-    {commonTerms::Launch, stay},
-    {commonTerms::Run, stay},
-    {commonTerms::Reopen, stay},
-    {commonTerms::Quit, stay},
+    {common::Make, make},
+    {common::Delete, remove},
+    {common::Move, move},
+    {common::Open, open},
+    {common::Activate, stay},
+    {common::Launch, stay},
+    {common::Run, stay},
+    {common::Reopen, stay},
+    {common::Quit, stay},
     {{.name = u"log out", .code = eventOf("fndrlogo")}, logOut},
-    {commonTerms::Restart, refuseToEnd},
-    {commonTerms::ShutDown, refuseToEnd},
-    {commonTerms::Sleep, refuseToEnd},
+    {common::Restart, refuseToEnd},
+    {common::ShutDown, refuseToEnd},
+    {common::Sleep, refuseToEnd},
 });
 constexpr auto SystemEventsTypes = std::to_array<NameRow>({{u"alias list", codes::AliasListType}});
 

@@ -215,12 +215,12 @@ Value quitPreferences(ModelApplication& /*application*/, Evaluator& /*evaluator*
 }
 
 constexpr auto PreferencesCommands = std::to_array<CommandRow>({
-    {commonTerms::Activate, startPreferences},
-    {commonTerms::Launch, startPreferences},
-    {commonTerms::Run, startPreferences},
-    {commonTerms::Reopen, startPreferences},
-    {commonTerms::Reveal, revealPane},
-    {commonTerms::Quit, quitPreferences},
+    {common::Activate, startPreferences},
+    {common::Launch, startPreferences},
+    {common::Run, startPreferences},
+    {common::Reopen, startPreferences},
+    {common::Reveal, revealPane},
+    {common::Quit, quitPreferences},
 });
 constexpr auto PreferencesClasses = std::to_array<ClassRow const*>({&PreferencesRow, &PaneRow, &AnchorRow});
 

@@ -11,7 +11,7 @@ namespace mac {
 namespace {
 
 MemoryHandle handleWith(std::span<std::byte const> bytes) {
-    MemoryHandle const handle = NewHandle(static_cast<std::int32_t>(bytes.size()));
+    MemoryHandle handle = NewHandle(static_cast<std::int32_t>(bytes.size()));
     if (handle) std::ranges::copy(bytes, reinterpret_cast<std::byte*>(*handle));
     return handle;
 }
@@ -43,7 +43,7 @@ OSErr FSNewAliasUnicode(FSRef const* /*fromFile*/, FSRef const* targetParentRef,
     if (!item.hasValue()) return statusOf(item.problem(), FileOperation::Finding);
     Result<AliasRecord> const record = aliasRecordOf(item.value());
     if (!record.hasValue()) return statusOf(record.problem(), FileOperation::Finding);
-    MemoryHandle const handle = handleWith(record.value().bytes());
+    MemoryHandle handle = handleWith(record.value().bytes());
     if (!handle) return memFullErr;
     *inAlias = handle;
     if (isDirectory) *isDirectory = record.value().kind == AliasRecord::Kind::Folder;
