@@ -1,5 +1,5 @@
 #include "tests/app/ProgramInASession.h"
-#include <csignal>
+#include "tests/support/ServedFolder.h"
 #include <filesystem>
 #include <fstream>
 
@@ -9,46 +9,16 @@
 namespace framekeeper::test {
 namespace {
 
-// A folder that is shown at another place by a server of its own.
-class ServedVolume {
-public:
-    ServedVolume(std::string const& folder, std::string point)
-        : m_point(std::move(point)),
-          m_server(endingWithThisProcess({"/usr/bin/bindfs", "-f", "--no-allow-other", folder, m_point}, "TERM")) {}
-    // Ends the server, and the mount with it.
-    ~ServedVolume() {
-        goOn();
-        m_server.sendSignal(SIGTERM);
-        m_server.wait();
-    }
-    ServedVolume(ServedVolume const&) = delete;
-    ServedVolume& operator=(ServedVolume const&) = delete;
-
-    bool isMounted() const {
-        std::ifstream mounts("/proc/self/mountinfo");
-        for (std::string line; std::getline(mounts, line);)
-            if (line.find(" " + m_point + " ") != std::string::npos) return true;
-        return false;
-    }
-    void stop() const { m_server.sendSignal(SIGSTOP); }
-    void goOn() const { m_server.sendSignal(SIGCONT); }
-
-private:
-    std::string m_point;
-    ChildProcess m_server;
-};
-
 class NeighboursOnAVolume : public ProgramInASession {
 protected:
     void SetUp() override {
-        if (::access("/usr/bin/bindfs", X_OK) != 0) GTEST_SKIP() << "bindfs is not installed";
-        if (::access("/dev/fuse", R_OK | W_OK) != 0) GTEST_SKIP() << "/dev/fuse cannot be opened";
+        if (!ServedFolder::whyNone().empty()) GTEST_SKIP() << ServedFolder::whyNone();
         ProgramInASession::SetUp();
         if (IsSkipped()) return;
         std::filesystem::create_directories(m_home + "/volume");
         std::filesystem::create_directories(m_folder.path("served"));
         std::filesystem::rename(pathOfCopy("media/Mirror Frame 2.1"), m_folder.path("served/Mirror Frame.app"));
-        m_volume = std::make_unique<ServedVolume>(m_folder.path("served"), m_home + "/volume");
+        m_volume = std::make_unique<ServedFolder>(m_folder.path("served"), m_home + "/volume");
         ASSERT_TRUE(waitUntil([this] { return m_volume->isMounted(); }));
     }
     // Such a volume is not searched: its copy is known from the places.
@@ -59,12 +29,7 @@ protected:
     }
     // Waits until the program's main thread waits for the volume's server.
     bool waitsForTheVolume() const {
-        return waitUntil([this] {
-            std::ifstream file("/proc/" + std::to_string(m_program->pid()) + "/wchan");
-            std::string place;
-            file >> place;
-            return place.find("request_wait_answer") != std::string::npos || place.find("fuse") != std::string::npos;
-        });
+        return waitUntil([this] { return ServedFolder::isWaitedForBy(m_program->pid()); });
     }
 
     // Waits until the copy's row tells so of its existence.
@@ -77,7 +42,7 @@ protected:
 
     static constexpr std::size_t ExistsColumn = 2;
 
-    std::unique_ptr<ServedVolume> m_volume{};
+    std::unique_ptr<ServedFolder> m_volume{};
 };
 
 TEST_F(NeighboursOnAVolume, WhatIsUnderWayThereIsDoneAndTold) {

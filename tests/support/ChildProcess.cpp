@@ -81,4 +81,10 @@ int ChildProcess::wait() {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
+std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command, std::string const& signal) {
+    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", signal};
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+}
+
 } // namespace mac::test

@@ -34,4 +34,8 @@ private:
     bool m_isWaitedFor{false};
 };
 
+// The command of a server that gets the signal when this process ends, also by a crash.
+std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command,
+                                               std::string const& signal = "KILL");
+
 } // namespace mac::test

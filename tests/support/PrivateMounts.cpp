@@ -1,6 +1,7 @@
 #include "tests/support/PrivateMounts.h"
 #include "platform/system/FileDescriptor.h"
 #include "tests/support/Commands.h"
+#include "tests/support/ServedFolder.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -80,12 +81,8 @@ void PrivateMounts::mountImageOfType(std::string const& type, std::string const&
 }
 
 void PrivateMounts::mountServed(std::string const& folder, std::string const& point) {
-    constexpr char server[] = "/usr/bin/bindfs";
-    if (::access(server, X_OK) != 0) GTEST_SKIP() << "no folder can be served here: bindfs is not installed";
-    // A container may have the device and not be permitted to open it.
-    FileDescriptor const device(::open("/dev/fuse", O_RDWR | O_CLOEXEC));
-    if (!device.isOpen()) GTEST_SKIP() << "no folder can be served here: /dev/fuse: " << std::strerror(errno);
-    outputOf({server, "--no-allow-other", folder, point});
+    if (!ServedFolder::whyNone().empty()) GTEST_SKIP() << ServedFolder::whyNone();
+    outputOf({ServedFolder::Server, "--no-allow-other", folder, point});
     m_points.push_back(point);
 }
 

@@ -20,6 +20,10 @@ namespace {
 // How often the search looks at the clock.
 constexpr std::chrono::milliseconds BetweenLooks{20};
 
+// How long the threads of a search that has its answer are waited for: one that reads where a disk does not answer is
+// left behind.
+constexpr std::chrono::milliseconds StopPatience{10};
+
 SystemError notFound(AliasRecord const& record) { return {.code = ENOENT, .operation = "find", .item = record.path}; }
 
 Result<FoundAlias> answer(AliasRecord const& record, OpenItem const& item) {
@@ -69,7 +73,7 @@ Result<FoundAlias> answerInFolder(AliasRecord const& record, std::string const& 
     return notFound(record);
 }
 
-// A walk of one volume in threads of its own, which ends at the first find.
+// A walk of one volume in threads of its own, which ends at the first find. The threads may outlast it.
 class VolumeSearch {
 public:
     VolumeSearch(AliasRecord const& record, std::string const& top)
@@ -79,10 +83,13 @@ public:
                     .item = SoughtItem{.inode = record.inode,
                                        .isFolder = record.kind == AliasRecord::Kind::Folder,
                                        .accepts =
-                                           [&record](FileDescriptor const& folder, std::string const& name) {
+                                           [record](FileDescriptor const& folder, std::string const& name) {
                                                return isItself(record, folder, name);
                                            }}},
                    [this] { tell(); }) {}
+    ~VolumeSearch() { m_walker.stopWithin(StopPatience); }
+    VolumeSearch(VolumeSearch const&) = delete;
+    VolumeSearch& operator=(VolumeSearch const&) = delete;
 
     // The path; ETIMEDOUT once `shouldContinue` answers false.
     Result<std::string> run(std::function<bool()> const& shouldContinue);
@@ -103,7 +110,6 @@ private:
     std::mutex m_lock{};
     std::condition_variable m_news{};
     bool m_hasNews{false};
-    // Last, so that it stops before the others go.
     VolumeWalker m_walker;
 };
 

@@ -36,14 +36,6 @@ inline std::string const& folderWithContentTypes() {
     return folder.path();
 }
 
-// The command of a server that gets the signal when this process ends, also by a crash.
-inline std::vector<std::string> endingWithThisProcess(std::vector<std::string> const& command,
-                                                      std::string const& signal = "KILL") {
-    std::vector<std::string> words{"/usr/bin/setpriv", "--pdeathsig", signal};
-    words.insert(words.end(), command.begin(), command.end());
-    return words;
-}
-
 // A session bus of the test's own, which starts no services but those in the test's data folders.
 class PrivateBus {
 public:

@@ -1,10 +1,15 @@
 #include "platform/files/aliases/AliasRecord.h"
 #include "tests/support/Environment.h"
 #include "tests/support/PrivateMounts.h"
+#include "tests/support/ServedFolder.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <sys/mount.h>
+#include <thread>
 #include <unistd.h>
 
 namespace mac::test {
@@ -181,6 +186,46 @@ TEST_F(AliasSearch, IsCarefulWhereNoBirthTimesAreKnown) {
     EXPECT_EQ(found(record), expected);
     ASSERT_EQ(::rename((plain + "/b/file").c_str(), (plain + "/b/other").c_str()), 0);
     EXPECT_EQ(found(record), "-");
+}
+
+std::vector<int> threadsOfThisProcess() {
+    std::vector<int> threads;
+    for (std::filesystem::directory_entry const& task : std::filesystem::directory_iterator("/proc/self/task"))
+        threads.push_back(std::stoi(task.path().filename()));
+    return threads;
+}
+
+// The volume's server hangs once the search has begun. The thread that waits for it ends by itself when it answers.
+TEST_F(AliasSearch, LeavesAThreadBehindOnAVolumeThatHangs) {
+    if (!ServedFolder::whyNone().empty()) GTEST_SKIP() << ServedFolder::whyNone();
+    m_folder.makeFile("served/a/file", "");
+    std::string const point = m_folder.makeFolder("point");
+    ServedFolder const volume(m_folder.path("served"), point);
+    volume.waitUntilMounted();
+    auto record = std::make_unique<AliasRecord>(recordAt(point + "/a/file"));
+    m_folder.makeFolder("point/b");
+    ASSERT_EQ(::rename((point + "/a/file").c_str(), (point + "/b/file").c_str()), 0);
+    std::size_t const threadsBefore = threadsOfThisProcess().size();
+
+    AliasSearchLimits limits;
+    bool hangs = false;
+    int looks = 0;
+    limits.now = [&]() -> std::chrono::steady_clock::time_point {
+        ++looks;
+        // The first look is for the end of the time, the second is right before the volume is searched.
+        if (looks == 2) volume.stop();
+        if (looks <= 2) return {};
+        while (!hangs)
+            hangs = std::ranges::any_of(threadsOfThisProcess(), &ServedFolder::isWaitedForBy);
+        return std::chrono::steady_clock::time_point(std::chrono::seconds(11));
+    };
+    EXPECT_EQ(findAlias(*record, limits).problem().code, ETIMEDOUT);
+    EXPECT_TRUE(hangs);
+    EXPECT_GT(threadsOfThisProcess().size(), threadsBefore);
+    record.reset();
+    volume.goOn();
+    while (threadsOfThisProcess().size() > threadsBefore)
+        std::this_thread::yield();
 }
 
 TEST(AliasSearchBelowHome, FindsTheItemInTheHomeFolderOfNow) {
