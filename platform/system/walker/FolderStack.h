@@ -14,11 +14,14 @@
 
 namespace mac {
 
+class MountPointSet;
+
 // Facts that are the same for all folders of a volume.
 struct VolumeTraits {
-    std::uint64_t mount = 0;               // as FolderFacts tells it
-    bool linkCountTellsSubfolders = false; // by the leaf rule, see FolderFacts.h
-    bool listsItemNumbers = false;         // see FolderFacts.h
+    std::uint64_t mount = 0;                    // as FolderFacts tells it
+    bool linkCountTellsSubfolders = false;      // by the leaf rule, see FolderFacts.h
+    bool listsItemNumbers = false;              // see FolderFacts.h
+    MountPointSet const* mountPoints = nullptr; // where the walk of the volume goes no further
 };
 
 // How far one folder has been read. It may not have been opened yet, or its descriptor may have been given up; then the

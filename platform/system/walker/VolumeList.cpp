@@ -88,27 +88,66 @@ Result<WalkRoot> locate(std::string const& path) {
 
 } // namespace
 
-VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
-                         MountTable const& mounts, MountsBelow mountsBelow) {
-    VolumeList list;
-    std::vector<Candidate> candidates;
-    for (WalkRoot const& root : roots) {
-        Mount const* rootMount = mounts.withId(root.mount);
-        Candidate const candidate = candidateForRoot(root, rootMount, packages);
-        if (!onlyLocal || rootMount == nullptr || isLocal(*rootMount)) candidates.push_back(candidate);
-        if (candidate.isPackage) continue;
-        for (Mount const& mount : mounts.mounts()) {
-            std::string_view const below = BytePath(mount.mountPoint).belowFolder(root.canonicalPath);
-            if (below.empty()) continue;
-            std::string path = joined(root.path, below);
-            list.mountPoints.add(path);
-            if (mountsBelow == MountsBelow::LeftOut) continue;
-            if (!isLocal(mount) || packages.crossesPackage(below)) continue;
-            if (mounts.reachedBy(mount.mountPoint) != &mount) continue;
-            candidates.push_back(candidateForMount(mount, std::move(path)));
-        }
+namespace {
+
+// The folders that the roots lead to, and the mounts below them.
+class CandidateList {
+public:
+    CandidateList(PackageRule const& packages, MountTable const& mounts, MountsBelow mountsBelow)
+        : m_packages(packages), m_mounts(mounts), m_mountsBelow(mountsBelow) {}
+
+    void add(WalkRoot const& root, bool onlyLocal);
+    std::vector<Candidate> take() { return withoutCovered(std::move(m_candidates), m_packages, m_mounts); }
+    MountPointSet takeMountPoints() { return std::move(m_mountPoints); }
+
+private:
+    PackageRule const& m_packages;
+    MountTable const& m_mounts;
+    MountsBelow const m_mountsBelow;
+    std::vector<Candidate> m_candidates;
+    MountPointSet m_mountPoints;
+};
+
+void CandidateList::add(WalkRoot const& root, bool onlyLocal) {
+    Mount const* rootMount = m_mounts.withId(root.mount);
+    Candidate const candidate = candidateForRoot(root, rootMount, m_packages);
+    if (!onlyLocal || rootMount == nullptr || isLocal(*rootMount)) m_candidates.push_back(candidate);
+    if (candidate.isPackage) return;
+    for (Mount const& mount : m_mounts.mounts()) {
+        std::string_view const below = BytePath(mount.mountPoint).belowFolder(root.canonicalPath);
+        if (below.empty()) continue;
+        std::string path = joined(root.path, below);
+        m_mountPoints.add(path);
+        if (m_mountsBelow == MountsBelow::LeftOut) continue;
+        if (!isLocal(mount) || m_packages.crossesPackage(below)) continue;
+        if (m_mounts.reachedBy(mount.mountPoint) != &mount) continue;
+        m_candidates.push_back(candidateForMount(mount, std::move(path)));
     }
-    for (Candidate& candidate : withoutCovered(std::move(candidates), packages, mounts)) {
+}
+
+} // namespace
+
+VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
+                         MountTable const& mounts, MountsBelow mountsBelow, std::vector<WalkRoot> const& walked) {
+    CandidateList chosen(packages, mounts, mountsBelow);
+    for (WalkRoot const& root : roots)
+        chosen.add(root, onlyLocal);
+    CandidateList before(packages, mounts, mountsBelow);
+    for (WalkRoot const& root : walked)
+        before.add(root, onlyLocal);
+    std::vector<Candidate> const candidatesBefore = before.take();
+    VolumeList list;
+    list.mountPoints = chosen.takeMountPoints();
+    list.roots = roots;
+    for (Candidate& candidate : chosen.take()) {
+        bool const isWalked = std::ranges::any_of(
+            candidatesBefore, [&](Candidate const& wide) { return covers(wide, candidate, packages, mounts); });
+        if (isWalked) continue;
+        for (Candidate const& narrow : candidatesBefore) {
+            if (!covers(candidate, narrow, packages, mounts)) continue;
+            std::string_view const below = BytePath(narrow.subtree).belowFolder(candidate.subtree);
+            list.mountPoints.add(joined(candidate.volume.path, below));
+        }
         if (!candidate.isPackage)
             list.volumes.push_back(std::move(candidate.volume));
         else if (packages.isWanted(BytePath(candidate.volume.path).leaf()))
@@ -117,7 +156,8 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
     return list;
 }
 
-VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages, MountsBelow mountsBelow) {
+VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages, MountsBelow mountsBelow,
+                       std::vector<WalkRoot> const& walked) {
     std::vector<WalkRoot> roots;
     std::vector<SystemError> failures;
     Result<MountTable> const current = MountTable::current();
@@ -130,7 +170,7 @@ VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const&
             failures.push_back(root.problem());
     }
     MountTable const mounts = current.hasValue() ? current.value() : MountTable();
-    VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts, mountsBelow);
+    VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts, mountsBelow, walked);
     list.failures = std::move(failures);
     return list;
 }

@@ -51,6 +51,7 @@ struct VolumeList {
     std::vector<std::string> packages; // roots that are packages themselves
     MountPointSet mountPoints;         // below the roots
     std::vector<SystemError> failures; // each names its path
+    std::vector<WalkRoot> roots;       // those that were found
 };
 
 // Whether the local volumes that are mounted below a root are visited, too.
@@ -59,13 +60,15 @@ enum class MountsBelow { Searched, LeftOut };
 // What is to be visited for these roots, each on whatever file system it lies, and with all local volumes mounted below
 // it, unless they are left out; `onlyLocal` drops the roots that are not local themselves. A folder that can be reached
 // through several of them, by a bind mount or a second mount of its device or from a root within another, is left to
-// the one that reaches most, else to the first.
+// the one that reaches most, else to the first. To the roots that are walked already it is left in any case: where
+// another one reaches a folder of theirs, that counts as a mount point.
 VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
-                         MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched);
+                         MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched,
+                         std::vector<WalkRoot> const& walked = {});
 
 // What is to be visited for these paths; without any path, all local volumes. A path that leads to no folder becomes a
 // failure.
 VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages,
-                       MountsBelow mountsBelow = MountsBelow::Searched);
+                       MountsBelow mountsBelow = MountsBelow::Searched, std::vector<WalkRoot> const& walked = {});
 
 } // namespace mac

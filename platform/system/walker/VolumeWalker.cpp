@@ -1,5 +1,6 @@
 #include "platform/system/walker/VolumeWalker.h"
 
+#include "platform/system/BytePath.h"
 #include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/Packages.h"
 #include "platform/system/walker/VolumeList.h"
@@ -45,6 +46,15 @@ private:
     sigset_t m_before;
 };
 
+// Takes those of the elements away for which the question is answered yes.
+template <class Element, class Question>
+std::vector<Element> taken(std::vector<Element>& from, Question const& isTaken) {
+    auto const rest = std::stable_partition(from.begin(), from.end(), isTaken);
+    std::vector<Element> result(std::make_move_iterator(from.begin()), std::make_move_iterator(rest));
+    from.erase(from.begin(), rest);
+    return result;
+}
+
 } // namespace
 
 // One thread, the leader, recalls the last walk, lists the volumes, starts the workers, adds to them while the disk is
@@ -73,11 +83,15 @@ private:
     void close();
     bool waitUntilEnded(std::chrono::milliseconds patience);
     std::shared_ptr<RememberedWalk const> lastWalk();
-    void recall(VolumeList const& list);
-    bool awaitVisit(Volume const& volume);
-    std::optional<VolumeList> listed();
+    void recall(VolumeList list);
+    bool hasPatience() const;
+    void leaveOut(std::string_view path);
+    std::vector<std::string> takeRoots(std::vector<std::string>& roots) const;
+    VolumeList listed(std::vector<std::string> const& roots);
+    void add(VolumeList&& list);
+    void giveWaiting();
     void giveVolumes(unsigned workers);
-    void give(Volume&& volume);
+    void leaveOutRest(std::vector<std::string>&& roots);
     bool haveWorkers(unsigned count);
     FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
     void work(FolderLog& log);
@@ -98,7 +112,9 @@ private:
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
-    MountPointSet m_mountPoints;
+    std::vector<WalkRoot> m_listed;          // the roots whose volumes are known
+    std::deque<MountPointSet> m_mountPoints; // one for each time that roots were listed
+    std::vector<FolderShare> m_waiting;      // volumes that are not given yet
     std::vector<std::thread> m_workers;
     std::thread m_leader;
     std::atomic<bool> m_wasStopped = false;
@@ -187,10 +203,12 @@ std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() {
     return m_isMemorySilent ? nullptr : recalled.get();
 }
 
-void VolumeWalker::Walk::recall(VolumeList const& list) {
+// Nothing that is remembered is looked for where earlier walks wait.
+void VolumeWalker::Walk::recall(VolumeList list) {
     m_last = lastWalk();
     if (!m_last || !m_tellsRemembered) return m_findings.addRemembered({});
     auto const shouldStop = [this] { return m_wasStopped.load(); };
+    std::erase_if(list.volumes, [](Volume const& volume) { return !mayBeVisited(volume); });
     m_findings.addRemembered(packagesStillThere(m_last->packages, list, m_packages, shouldStop, m_wasLeft));
 }
 
@@ -210,60 +228,91 @@ void VolumeWalker::Walk::remember() {
                          shouldStop);
 }
 
-// Waits until the volume may be visited; false if it is left out, which is told unless the walk was stopped.
-bool VolumeWalker::Walk::awaitVisit(Volume const& volume) {
-    bool may = mayBeVisited(volume);
-    while (!may && !m_wasStopped && std::chrono::steady_clock::now() < m_deadline) {
-        m_exchange.waitUntilOver(ThreadPace::interval);
-        may = mayBeVisited(volume);
-    }
-    if (!may && !m_wasStopped)
-        m_findings.addUnreadable(volume.path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
-    return may;
+bool VolumeWalker::Walk::hasPatience() const { return !m_wasStopped && std::chrono::steady_clock::now() < m_deadline; }
+
+void VolumeWalker::Walk::leaveOut(std::string_view path) {
+    if (!m_wasStopped) m_findings.addUnreadable(path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
 }
 
-// nullopt if there is nothing to walk, which is not the same as a list for no roots.
-std::optional<VolumeList> VolumeWalker::Walk::listed() {
-    std::vector<std::string> roots;
+// Takes the roots that may be visited now: a package once no folder is left, since a folder may hold it.
+std::vector<std::string> VolumeWalker::Walk::takeRoots(std::vector<std::string>& roots) const {
+    auto const mayBe = [](std::string const& root) { return mayBeVisited({.path = root}); };
+    auto const isPackage = [this](std::string const& root) { return m_packages.isPackage(BytePath(root).leaf()); };
+    std::vector<std::string> free =
+        taken(roots, [&](std::string const& root) { return !isPackage(root) && mayBe(root); });
+    if (std::ranges::all_of(roots, isPackage)) std::ranges::move(taken(roots, mayBe), std::back_inserter(free));
+    return free;
+}
+
+// What the roots hold that is not in the walk yet.
+VolumeList VolumeWalker::Walk::listed(std::vector<std::string> const& roots) {
     std::deque<VolumeVisit> visits;
-    for (std::string const& root : m_question.roots) {
-        if (!awaitVisit({.path = root})) continue;
-        roots.push_back(root);
+    for (std::string const& root : roots)
         visits.emplace_back(Volume{.path = root}, m_wasLeft);
-    }
-    if (roots.empty() && !m_question.roots.empty()) return std::nullopt;
-    return listVolumes(roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched);
+    VolumeList list = listVolumes(roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched, m_listed);
+    std::ranges::copy(list.roots, std::back_inserter(m_listed));
+    return list;
 }
 
-// The workers are started here if the last volumes have to be waited for, which they need not.
-void VolumeWalker::Walk::giveVolumes(unsigned workers) {
-    std::optional<VolumeList> list = listed();
-    if (!list) return m_findings.addRemembered({});
-    // What earlier walks wait for comes last, and nothing that is remembered is looked for there.
-    auto const silent = std::stable_partition(list->volumes.begin(), list->volumes.end(), mayBeVisited);
-    std::vector<Volume> awaited(std::make_move_iterator(silent), std::make_move_iterator(list->volumes.end()));
-    list->volumes.erase(silent, list->volumes.end());
-    recall(*list);
-    m_mountPoints = std::move(list->mountPoints);
-    for (SystemError const& failure : list->failures)
+// Its volumes wait until they are given.
+void VolumeWalker::Walk::add(VolumeList&& list) {
+    MountPointSet const& mountPoints = m_mountPoints.emplace_back(std::move(list.mountPoints));
+    for (SystemError const& failure : list.failures)
         m_findings.addUnreadable(failure.item, failure);
-    for (std::string& package : list->packages)
+    for (std::string& package : list.packages)
         m_findings.addPackage(std::move(package));
-    for (Volume& volume : list->volumes)
-        give(std::move(volume));
-    if (!awaited.empty()) (void)haveWorkers(workers);
-    for (Volume& volume : awaited) {
-        if (awaitVisit(volume)) give(std::move(volume));
+    for (Volume& volume : list.volumes) {
+        FolderShare& share = m_waiting.emplace_back();
+        share.path = std::move(volume.path);
+        share.isVolumeRoot = true;
+        share.traits = {
+            .mount = volume.mount, .linkCountTellsSubfolders = m_usesLinkCounts, .mountPoints = &mountPoints};
     }
 }
 
-void VolumeWalker::Walk::give(Volume&& volume) {
-    FolderShare share;
-    share.path = std::move(volume.path);
-    share.isVolumeRoot = true;
-    share.traits.mount = volume.mount;
-    share.traits.linkCountTellsSubfolders = m_usesLinkCounts;
-    m_exchange.give(std::move(share));
+// Gives the volumes that may be visited now.
+void VolumeWalker::Walk::giveWaiting() {
+    auto const mayBe = [](FolderShare const& share) {
+        return mayBeVisited({.path = share.path, .mount = share.traits.mount});
+    };
+    for (FolderShare& share : taken(m_waiting, mayBe))
+        m_exchange.give(std::move(share));
+}
+
+// What earlier walks wait for comes when they have left it, and holds up nothing else. The workers are started here if
+// there is such, which they need not be.
+void VolumeWalker::Walk::giveVolumes(unsigned workers) {
+    std::vector<std::string> roots = m_question.roots;
+    std::vector<std::string> free = takeRoots(roots);
+    while (free.empty() && !roots.empty() && hasPatience()) {
+        m_exchange.waitUntilOver(ThreadPace::interval);
+        free = takeRoots(roots);
+    }
+    // No roots are all volumes.
+    bool const isAny = !free.empty() || m_question.roots.empty();
+    VolumeList list = isAny ? listed(free) : VolumeList();
+    recall(list);
+    add(std::move(list));
+    giveWaiting();
+    if (!roots.empty() || !m_waiting.empty()) (void)haveWorkers(workers);
+    while ((!roots.empty() || !m_waiting.empty()) && hasPatience()) {
+        m_exchange.waitUntilOver(ThreadPace::interval);
+        if (free = takeRoots(roots); !free.empty()) add(listed(free));
+        giveWaiting();
+    }
+    leaveOutRest(std::move(roots));
+}
+
+void VolumeWalker::Walk::leaveOutRest(std::vector<std::string>&& roots) {
+    auto const isFolder = [this](std::string const& root) { return !m_packages.isPackage(BytePath(root).leaf()); };
+    for (std::string const& root : taken(roots, isFolder))
+        leaveOut(root);
+    if (std::vector<std::string> const packages = takeRoots(roots); !packages.empty()) add(listed(packages));
+    giveWaiting();
+    for (std::string const& root : roots)
+        leaveOut(root);
+    for (FolderShare const& share : m_waiting)
+        leaveOut(share.path);
 }
 
 // False when there are fewer and there will be no more.
@@ -286,7 +335,6 @@ void VolumeWalker::Walk::work(FolderLog& log) {
                 .findings = m_findings,
                 .packages = m_packages,
                 .item = m_item,
-                .mountPoints = m_mountPoints,
                 .last = last,
                 .log = m_memory ? &log : nullptr,
                 .wasLeft = m_wasLeft},

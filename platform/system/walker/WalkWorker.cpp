@@ -1,5 +1,6 @@
 #include "platform/system/walker/WalkWorker.h"
 #include "platform/system/LongPath.h"
+#include "platform/system/walker/VolumeList.h"
 #include "platform/system/walker/VolumeVisit.h"
 #include <cerrno>
 #include <fcntl.h>
@@ -19,8 +20,7 @@ constexpr std::uint32_t foldersWorthOpening = 32;
 
 WalkWorker::WalkWorker(Shared const& shared, std::size_t openLimit)
     : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages), m_item(shared.item),
-      m_mountPoints(shared.mountPoints), m_last(shared.last), m_log(shared.log), m_wasLeft(shared.wasLeft),
-      m_stack(openLimit) {}
+      m_last(shared.last), m_log(shared.log), m_wasLeft(shared.wasLeft), m_stack(openLimit) {}
 
 void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
@@ -50,7 +50,7 @@ bool WalkWorker::openVolume(FolderShare& share) {
     share.traits.linkCountTellsSubfolders =
         share.traits.linkCountTellsSubfolders && linkCountTellsSubfolders(share.state.folder);
     share.traits.listsItemNumbers = m_item && listsItemNumbers(share.state.folder);
-    share.state.holdsMountPoints = m_mountPoints.isParentOfOne(share.path);
+    share.state.holdsMountPoints = share.traits.mountPoints->isParentOfOne(share.path);
     m_findings.countFolder();
     // A stamp that could not be read equals that of a list which is not to be relied on.
     if (m_log && looked.hasValue()) recallVolume(share, facts);
@@ -155,7 +155,7 @@ void WalkWorker::visit(WaitingName const& waiting) {
 bool WalkWorker::enter(FolderStack::WayToName const& way, WaitingName const& waiting) {
     char const* const name = waiting.name;
     FolderLog::Note const parent = m_stack.top().note;
-    if (m_stack.top().holdsMountPoints && m_mountPoints.contains(pathOf(name))) return false;
+    if (m_stack.top().holdsMountPoints && m_volume.mountPoints->contains(pathOf(name))) return false;
     Result<FolderFacts> const looked = factsInside(way.folder, way.path);
     if (!looked.hasValue()) {
         subfolderFailed(name, looked.problem());
@@ -183,7 +183,7 @@ bool WalkWorker::enter(FolderStack::WayToName const& way, WaitingName const& wai
     }
     if (m_log) child.note = m_log->addFolder(parent, name, facts);
     m_stack.push(name, std::move(child));
-    m_stack.top().holdsMountPoints = m_mountPoints.isParentOfOne(m_stack.path());
+    m_stack.top().holdsMountPoints = m_volume.mountPoints->isParentOfOne(m_stack.path());
     return true;
 }
 

@@ -3,7 +3,6 @@
 #include "platform/system/walker/FolderReader.h"
 #include "platform/system/walker/FolderStack.h"
 #include "platform/system/walker/Packages.h"
-#include "platform/system/walker/VolumeList.h"
 #include "platform/system/walker/WalkFindings.h"
 #include "platform/system/walker/WorkExchange.h"
 
@@ -19,7 +18,6 @@ public:
         WalkFindings& findings;
         PackageRule const& packages;
         std::optional<SoughtItem> const& item;
-        MountPointSet const& mountPoints;
         RememberedFolders const* last;    // what the last walk left; nullptr: nothing
         FolderLog* log;                   // for the next one; nullptr: it needs none
         std::atomic<bool> const& wasLeft; // whether the walk was given up
@@ -50,7 +48,6 @@ private:
     WalkFindings& m_findings;
     PackageRule const& m_packages;
     std::optional<SoughtItem> const& m_item;
-    MountPointSet const& m_mountPoints;
     RememberedFolders const* const m_last;
     FolderLog* const m_log;
     std::atomic<bool> const& m_wasLeft;

@@ -1,15 +1,12 @@
 #include "platform/system/walker/Packages.h"
 #include "platform/system/walker/VolumeList.h"
-#include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <deque>
 #include <fcntl.h>
 #include <semaphore>
 #include <sys/mount.h>
@@ -25,6 +22,19 @@ using Paths = std::vector<std::string>;
 
 class MountedVolumes : public PrivateMounts {
 protected:
+    // The volume as a walk of the temporary folder lists it.
+    Volume volumeAt(std::string const& point) const {
+        std::vector<Volume> const volumes =
+            listVolumes({m_folder.path()}, PackageRule(".app", {}), MountsBelow::Searched).volumes;
+        auto const volume = std::ranges::find(volumes, point, &Volume::path);
+        EXPECT_NE(volume, volumes.end());
+        return volume == volumes.end() ? Volume() : *volume;
+    }
+    VolumeWalkRequest patientRequest() const {
+        VolumeWalkRequest request{.roots = {m_folder.path()}};
+        request.patience = std::chrono::minutes(1);
+        return request;
+    }
     TemporaryFolder const m_folder{};
 };
 
@@ -37,39 +47,42 @@ TEST_F(MountedVolumes, AreWalkedBelowARoot) {
     EXPECT_EQ(pathsOfWalk({.roots = {m_folder.path()}}), (Paths{beside, onStick}));
 }
 
-// Walks that were given up still wait on one of them, which is visited again when one of those has left it.
+// Walks that were given up still wait on one of them, which is visited again when these have left it.
 TEST_F(MountedVolumes, AreNotWaitedForByTheOthers) {
-    std::string const point = m_folder.makeFolder("media/stick");
-    mountMemory(point);
+    mountMemory(m_folder.makeFolder("media/stick"));
     std::string const onStick = m_folder.makeFolder("media/stick/a/A.app");
     std::string const beside = m_folder.makeFolder("media/B.app");
-    std::vector<Volume> const volumes =
-        listVolumes({m_folder.path()}, PackageRule(".app", {}), MountsBelow::Searched).volumes;
-    auto const stick = std::ranges::find(volumes, point, &Volume::path);
-    ASSERT_NE(stick, volumes.end());
-    std::array<std::atomic<bool>, VolumeVisit::MostLeft> given{};
-    for (std::atomic<bool>& wasLeft : given)
-        wasLeft = true;
-    std::deque<VolumeVisit> visits;
-    for (std::atomic<bool> const& wasLeft : given)
-        visits.emplace_back(*stick, wasLeft);
-
-    VolumeWalkRequest request{.roots = {m_folder.path()}};
-    request.patience = std::chrono::minutes(1);
-    VolumeWalker walker(request, nullptr);
+    WaitingWalks walks(volumeAt(m_folder.path("media/stick")));
+    VolumeWalker walker(patientRequest(), nullptr);
     ASSERT_TRUE(walker.start());
-    Paths found;
-    while (found.empty()) {
-        std::this_thread::yield();
-        found = walker.takeFound();
-    }
+    Paths const found = nextFound(walker);
     EXPECT_EQ(walker.progress().unreadableFolders, 0U) << "it was left out before anything was found";
     EXPECT_EQ(found, Paths{beside});
-    visits.clear();
+    walks.leave();
     while (!walker.progress().isFinished)
         std::this_thread::yield();
     EXPECT_EQ(walker.takeFound(), Paths{onStick});
     EXPECT_EQ(walker.progress().unreadableFolders, 0U);
+}
+
+TEST_F(MountedVolumes, AreNotWaitedForByEachOther) {
+    mountMemory(m_folder.makeFolder("media/first"));
+    mountMemory(m_folder.makeFolder("media/second"));
+    std::string const beside = m_folder.makeFolder("media/A.app");
+    std::string const onFirst = m_folder.makeFolder("media/first/B.app");
+    std::string const onSecond = m_folder.makeFolder("media/second/C.app");
+    WaitingWalks atFirst(volumeAt(m_folder.path("media/first")));
+    WaitingWalks atSecond(volumeAt(m_folder.path("media/second")));
+    VolumeWalker walker(patientRequest(), nullptr);
+    ASSERT_TRUE(walker.start());
+    EXPECT_EQ(nextFound(walker), Paths{beside});
+    atSecond.leave();
+    EXPECT_EQ(nextFound(walker), Paths{onSecond});
+    EXPECT_EQ(walker.progress().unreadableFolders, 0U) << "the first was left out before";
+    atFirst.leave();
+    EXPECT_EQ(nextFound(walker), Paths{onFirst});
+    while (!walker.progress().isFinished)
+        std::this_thread::yield();
 }
 
 TEST_F(MountedVolumes, AreWalkedAsFindListsThem) {

@@ -4,13 +4,16 @@
 #include "platform/system/walker/WalkMemory.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/TemporaryFolder.h"
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <memory>
+#include <string>
 #include <sys/stat.h>
 #include <thread>
+#include <vector>
 
 namespace mac::test {
 
@@ -101,6 +104,84 @@ TEST(StoppedWalk, LeavesThreadsOnAVolumeAFewTimesAlone) {
         while (hanging.use_count() > 1)
             std::this_thread::yield();
     }
+}
+
+namespace {
+
+// What is found in the roots before the walks leave the root that they wait at, and then.
+struct FoundInTwo {
+    std::vector<std::string> before{};
+    std::vector<std::string> after{};
+};
+
+FoundInTwo foundWhileWaiting(std::string const& path, std::vector<std::string> const& roots) {
+    WaitingWalks walks({.path = path});
+    VolumeWalkRequest request{.roots = roots};
+    request.patience = std::chrono::minutes(1);
+    VolumeWalker walker(request, nullptr);
+    EXPECT_TRUE(walker.start());
+    FoundInTwo found{.before = nextFound(walker)};
+    EXPECT_EQ(walker.progress().unreadableFolders, 0U) << "it was left out before anything was found";
+    walks.leave();
+    while (!walker.progress().isFinished)
+        std::this_thread::yield();
+    found.after = walker.takeFound();
+    std::ranges::sort(found.after);
+    EXPECT_EQ(walker.progress().unreadableFolders, 0U);
+    return found;
+}
+
+using Paths = std::vector<std::string>;
+
+} // namespace
+
+TEST(StoppedWalk, HoldsUpNoRootBehindTheOneThatItWaitsAt) {
+    TemporaryFolder const folder;
+    std::string const late = folder.makeFolder("late/a/A.app");
+    std::string const free = folder.makeFolder("free/B.app");
+    FoundInTwo const found = foundWhileWaiting(folder.path("late"), {folder.path("late"), folder.path("free")});
+    EXPECT_EQ(found.before, Paths{free});
+    EXPECT_EQ(found.after, Paths{late});
+}
+
+TEST(StoppedWalk, LetsARootAroundAnotherBeWalkedOnce) {
+    TemporaryFolder const folder;
+    std::string const inner = folder.makeFolder("wide/inner/A.app");
+    std::string const beside = folder.makeFolder("wide/beside/B.app");
+    FoundInTwo const found = foundWhileWaiting(folder.path("wide"), {folder.path("wide"), folder.path("wide/inner")});
+    EXPECT_EQ(found.before, Paths{inner});
+    EXPECT_EQ(found.after, Paths{beside});
+}
+
+TEST(StoppedWalk, LetsARootWithinAnotherBeWalkedOnce) {
+    TemporaryFolder const folder;
+    std::string const inner = folder.makeFolder("wide/inner/A.app");
+    FoundInTwo const found =
+        foundWhileWaiting(folder.path("wide/inner"), {folder.path("wide/inner"), folder.path("wide")});
+    EXPECT_EQ(found.before, Paths{inner});
+    EXPECT_EQ(found.after, Paths{});
+}
+
+TEST(StoppedWalk, FindsAPackageThatIsARootOnce) {
+    TemporaryFolder const folder;
+    std::string const package = folder.makeFolder("wide/A.app");
+    std::string const free = folder.makeFolder("free/B.app");
+    FoundInTwo const found =
+        foundWhileWaiting(folder.path("wide"), {folder.path("wide"), package, folder.path("free")});
+    EXPECT_EQ(found.before, Paths{free});
+    EXPECT_EQ(found.after, Paths{package});
+}
+
+// The package is told although the root that may hold it is left out in the end.
+TEST(StoppedWalk, TellsAPackageThatIsARootInTheEnd) {
+    TemporaryFolder const folder;
+    std::string const package = folder.makeFolder("wide/A.app");
+    WaitingWalks const walks({.path = folder.path("wide")});
+    VolumeWalkRequest impatient{.roots = {folder.path("wide"), package}};
+    impatient.patience = std::chrono::milliseconds(1);
+    WalkResult const result = walk(impatient);
+    EXPECT_EQ(result.paths, Paths{package});
+    EXPECT_EQ(result.progress.unreadableFolders, 1U);
 }
 
 // The memory's clock hangs, in place of its disk.

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -30,6 +31,22 @@ WalkResult walk(VolumeWalkRequest const& request) {
 }
 
 std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request) { return walk(request).paths; }
+
+std::vector<std::string> nextFound(VolumeWalker& walker) {
+    std::vector<std::string> found;
+    while (found.empty()) {
+        std::this_thread::yield();
+        found = walker.takeFound();
+    }
+    return found;
+}
+
+WaitingWalks::WaitingWalks(Volume const& volume) {
+    for (std::atomic<bool>& wasLeft : m_left)
+        wasLeft = true;
+    for (std::atomic<bool> const& wasLeft : m_left)
+        m_visits.emplace_back(volume, wasLeft);
+}
 
 std::vector<std::string> packagesByFind(std::string const& folder) {
     std::string const output = outputOf({"find", folder, "-type", "d", "-name", "?*.app", "-prune", "-print0"});

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "platform/system/walker/VolumeList.h"
+#include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/support/TemporaryFolder.h"
+#include <array>
+#include <atomic>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,6 +24,19 @@ struct WalkResult {
 // Walks to the end.
 WalkResult walk(VolumeWalkRequest const& request);
 std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request);
+// Waits until a walk that was started has found something more.
+std::vector<std::string> nextFound(VolumeWalker& walker);
+
+// As many walks as may be that were given up and still wait on a volume. They leave it at the end at the latest.
+class WaitingWalks {
+public:
+    explicit WaitingWalks(Volume const& volume);
+    void leave() { m_visits.clear(); }
+
+private:
+    std::array<std::atomic<bool>, VolumeVisit::MostLeft> m_left{};
+    std::deque<VolumeVisit> m_visits{}; // after what they refer to
+};
 
 // The packages that find lists below the folder, sorted: those ending in .app, and none in another.
 std::vector<std::string> packagesByFind(std::string const& folder);
