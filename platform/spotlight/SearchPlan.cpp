@@ -78,6 +78,8 @@ Names namesOfTree(PredicateNode const& node) {
 
 std::optional<VolumeWalkRequest> planSearch(NSPredicate const& predicate, NSArray const& scopes) {
     VolumeWalkRequest request;
+    // What a bundle is cannot be told without it.
+    request.folderInPackages = "Contents";
     if (PredicateNode const* const tree = predicateTree(predicate))
         request.names = namesOfTree(*tree).value_or(request.names);
     for (id const& scope : scopes) {

@@ -6,6 +6,7 @@
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
+#include <unistd.h>
 
 namespace mac {
 
@@ -48,6 +49,11 @@ Result<FolderFacts> factsInside(FileDescriptor const& parent, char const* name) 
 }
 
 Result<FolderFacts> factsOf(FileDescriptor const& folder) { return facts(folder.number(), "", AT_EMPTY_PATH); }
+
+Result<void> maySearch(FileDescriptor const& parent, char const* path) {
+    if (::faccessat(parent.number(), path, X_OK, AT_EACCESS) != 0) return lastSystemError("access");
+    return {};
+}
 
 bool meansVanished(SystemError const& error) { return error.is(ENOENT) || error.is(ENOTDIR) || error.is(ELOOP); }
 

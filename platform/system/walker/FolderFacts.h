@@ -48,6 +48,9 @@ struct FolderFacts {
 Result<FolderFacts> factsInside(FileDescriptor const& parent, char const* name);
 Result<FolderFacts> factsOf(FileDescriptor const& folder);
 
+// Fails if this process may not search the folder at the relative path, or if there is none.
+Result<void> maySearch(FileDescriptor const& parent, char const* path);
+
 // Whether an item that was listed a moment ago is gone, or is no folder any more.
 bool meansVanished(SystemError const& error);
 

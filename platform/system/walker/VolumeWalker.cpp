@@ -65,7 +65,8 @@ public:
         : m_question{.roots = std::move(request.roots),
                      .packageSuffix = std::move(request.packageSuffix),
                      .names = std::move(request.names)},
-          m_packages(m_question.packageSuffix, m_question.names), m_item(std::move(request.item)),
+          m_packages(m_question.packageSuffix, m_question.names),
+          m_folderInPackages(std::move(request.folderInPackages)), m_item(std::move(request.item)),
           m_usesLinkCounts(request.usesLinkCounts && (!m_item || m_item->isFolder)),
           m_memory(m_item ? nullptr : std::move(request.memory)), m_tellsRemembered(request.tellsRemembered),
           m_patience(request.patience),
@@ -99,6 +100,7 @@ private:
 
     WalkQuestion const m_question;
     PackageRule const m_packages;
+    std::string const m_folderInPackages;
     std::optional<SoughtItem> const m_item;
     bool const m_usesLinkCounts;
     std::shared_ptr<WalkMemory> const m_memory;
@@ -334,6 +336,7 @@ void VolumeWalker::Walk::work(FolderLog& log) {
     WalkWorker({.exchange = m_exchange,
                 .findings = m_findings,
                 .packages = m_packages,
+                .folderInPackages = m_folderInPackages,
                 .item = m_item,
                 .last = last,
                 .log = m_memory ? &log : nullptr,

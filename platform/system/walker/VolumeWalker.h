@@ -31,6 +31,9 @@ struct VolumeWalkRequest {
     std::string packageSuffix = ".app";
     // The exact file names of the packages wanted. Empty: all packages.
     std::vector<std::string> names{};
+    // If set, the folder of this name in a package counts as unreadable if it is there and may not be searched: then
+    // whoever takes the package cannot tell what it is.
+    std::string folderInPackages{};
     // If set, this item is looked for: on the roots' own volumes alone, whatever is mounted below them, and in
     // packages, too, as long as the suffix is empty.
     std::optional<SoughtItem> item{};

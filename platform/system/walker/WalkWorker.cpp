@@ -19,8 +19,9 @@ constexpr std::uint32_t foldersWorthOpening = 32;
 } // namespace
 
 WalkWorker::WalkWorker(Shared const& shared, std::size_t openLimit)
-    : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages), m_item(shared.item),
-      m_last(shared.last), m_log(shared.log), m_wasLeft(shared.wasLeft), m_stack(openLimit) {}
+    : m_exchange(shared.exchange), m_findings(shared.findings), m_packages(shared.packages),
+      m_folderInPackages(shared.folderInPackages), m_item(shared.item), m_last(shared.last), m_log(shared.log),
+      m_wasLeft(shared.wasLeft), m_stack(openLimit) {}
 
 void WalkWorker::run() {
     while (std::optional<FolderShare> share = m_exchange.receive()) {
@@ -106,6 +107,15 @@ void WalkWorker::recallNames() {
 void WalkWorker::addPackage(std::string_view name) {
     m_findings.addPackage(pathOf(name));
     if (m_log) m_log->addPackage(m_stack.top().note, name);
+    if (!m_folderInPackages.empty()) tellIfUnreadable(name);
+}
+
+void WalkWorker::tellIfUnreadable(std::string_view package) {
+    std::string const inside = BytePath(package).joined(m_folderInPackages);
+    Result<FolderStack::WayToName> const way = m_stack.wayTo(inside.c_str());
+    if (!way.hasValue()) return;
+    Result<void> const may = maySearch(way.value().folder, way.value().path);
+    if (!may.isDone()) subfolderFailed(inside.c_str(), may.problem());
 }
 
 // Reads once into the buffer and takes the subfolders from there.

@@ -17,6 +17,7 @@ public:
         WorkExchange& exchange;
         WalkFindings& findings;
         PackageRule const& packages;
+        std::string const& folderInPackages; // empty: it is not asked for
         std::optional<SoughtItem> const& item;
         RememberedFolders const* last;    // what the last walk left; nullptr: nothing
         FolderLog* log;                   // for the next one; nullptr: it needs none
@@ -35,6 +36,7 @@ private:
     void visit(WaitingName const& waiting);
     bool enter(FolderStack::WayToName const& way, WaitingName const& waiting);
     void addPackage(std::string_view name);
+    void tellIfUnreadable(std::string_view package);
     void take(FileDescriptor const& folder, std::string const& name);
     void readInto(FolderState& state);
     bool sawAllSubfolders(FolderState const& state) const;
@@ -47,6 +49,7 @@ private:
     WorkExchange& m_exchange;
     WalkFindings& m_findings;
     PackageRule const& m_packages;
+    std::string const& m_folderInPackages;
     std::optional<SoughtItem> const& m_item;
     RememberedFolders const* const m_last;
     FolderLog* const m_log;

@@ -1,6 +1,5 @@
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
-#include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <atomic>
@@ -207,56 +206,6 @@ TEST(VolumeWalker, CountsARootThatIsNoFolder) {
     EXPECT_EQ(result.progress.firstUnreadable[0].code, ENOENT);
     EXPECT_EQ(result.progress.firstUnreadable[1].item, file);
     EXPECT_EQ(result.progress.firstUnreadable[1].code, ENOTDIR);
-}
-
-TEST(VolumeWalker, CountsFoldersThatCannotBeReadAndGoesOn) {
-    TemporaryFolder const folder;
-    folder.makeFolder("closed/a/Hidden.app");
-    folder.makeFolder("blind/a/Hidden.app");
-    std::string const package = folder.makeFolder("open/A.app");
-    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
-    ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0), 0);
-    ASSERT_EQ(::chmod(folder.path("blind").c_str(), 0444), 0); // names can be read, what they name cannot be reached
-    WalkResult result;
-    {
-        OrdinaryUser const user;
-        result = walk({.roots = {folder.path()}});
-    }
-    ASSERT_EQ(::chmod(folder.path("closed").c_str(), 0755), 0);
-    ASSERT_EQ(::chmod(folder.path("blind").c_str(), 0755), 0);
-    EXPECT_EQ(result.paths, (Paths{package}));
-    EXPECT_EQ(result.progress.unreadableFolders, 2U);
-    Paths unreadable;
-    for (SystemError const& one : result.progress.firstUnreadable) {
-        unreadable.push_back(one.item);
-        EXPECT_EQ(one.code, EACCES);
-    }
-    EXPECT_EQ(sorted(unreadable), (Paths{folder.path("blind/a"), folder.path("closed")}));
-}
-
-TEST(VolumeWalker, KeepsOnlyTheFirstUnreadablePaths) {
-    TemporaryFolder const folder;
-    Paths missing;
-    for (int i = 0; i < 40; ++i)
-        missing.push_back(folder.path("missing" + std::to_string(i)));
-    VolumeWalkProgress const progress = walk({.roots = missing}).progress;
-    EXPECT_EQ(progress.unreadableFolders, 40U);
-    EXPECT_EQ(progress.firstUnreadable.size(), VolumeWalker::maximumUnreadableKept);
-}
-
-TEST(VolumeWalker, ListsTheFoldersThatItCouldNotRead) {
-    TemporaryFolder const folder;
-    Paths missing;
-    for (std::size_t i = 0; i < VolumeWalker::maximumUnreadableListed + 40; ++i)
-        missing.push_back(folder.path("missing" + std::to_string(i)));
-    VolumeWalker walker({.roots = missing}, {});
-    ASSERT_TRUE(walker.start());
-    ASSERT_TRUE(walker.waitUntilRemembered(std::chrono::hours(1)));
-    std::vector<SystemError> const unreadable = walker.unreadable();
-    ASSERT_EQ(unreadable.size(), VolumeWalker::maximumUnreadableListed);
-    EXPECT_EQ(unreadable.front().code, ENOENT);
-    EXPECT_EQ(walker.progress().unreadableFolders, missing.size());
-    EXPECT_EQ(walker.progress().firstUnreadable.front().item, unreadable.front().item);
 }
 
 TEST(VolumeWalker, CountsTheFoldersItVisits) {
