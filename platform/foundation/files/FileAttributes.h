@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/foundation/dates/NSDate.h"
 #include "platform/foundation/files/NSFileAttributes.h"
+#include "platform/system/Result.h"
 #include <optional>
 #include <string>
 
@@ -19,8 +21,8 @@ NSDictionary fileAttributesOf(FileDescriptor const& item);
 // nullopt if the item's status cannot be read.
 std::optional<bool> isAppendOnly(FileDescriptor const& item);
 // The creation date that a program has set for the file or folder, else the time of its birth; nil if that is not
-// known.
-NSDate creationDateOf(FileDescriptor const& item);
+// known. Fails if a program may have set a date that this one cannot read.
+Result<NSDate> creationDateOf(FileDescriptor const& item);
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // The creation date, immutable and append only alone; what the dictionary does not say stays.

@@ -80,8 +80,9 @@ bool changeImmutable(FileDescriptor const& item, NSNumber const& wanted) {
     return found.hasValue() && setLock(found.value(), lock).isDone();
 }
 
+// False also where it cannot be told.
 bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
-    NSDate const date = creationDateOf(item);
+    NSDate const date = creationDateOf(item).valueOr(NSDate(nil));
     constexpr double precision = 1e-3;
     return !(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision;
 }

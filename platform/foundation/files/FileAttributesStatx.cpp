@@ -6,6 +6,7 @@
 #include "platform/system/Users.h"
 #include "platform/system/items/ItemLock.h"
 #include "platform/system/items/KeptCreationDate.h"
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -44,34 +45,43 @@ NSDate dateOf(statx_timestamp const& time) {
     return NSDate::dateWithTimeIntervalSince1970_(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
 }
 
-std::optional<struct statx> statusOf(FileDescriptor const& item) {
+Result<struct statx> statusOf(FileDescriptor const& item) {
     struct statx status {};
-    int const failed =
-        ::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &status);
-    return failed ? std::nullopt : std::optional(status);
+    constexpr unsigned mask = STATX_BASIC_STATS | STATX_BTIME;
+    if (::statx(item.number(), "", AT_EMPTY_PATH | AT_NO_AUTOMOUNT, mask, &status) != 0)
+        return lastSystemError("statx");
+    return status;
 }
 
-// The item in its folder, if it is one that can carry attributes; its name may lead to another item meanwhile.
+// Whether the item is one that can carry attributes.
+bool mayCarryAttributes(struct statx const& status) { return S_ISREG(status.stx_mode) || S_ISDIR(status.stx_mode); }
+
+// The item in its folder, if it can carry attributes; its name may lead to another item meanwhile.
 std::optional<OpenItem> attributedItem(FileDescriptor const& item, struct statx const& status) {
-    if (!S_ISREG(status.stx_mode) && !S_ISDIR(status.stx_mode)) return std::nullopt;
+    if (!mayCarryAttributes(status)) return std::nullopt;
     Result<OpenItem> found = openItemInItsFolder(item);
     return found.hasValue() ? std::optional(found.takeValue()) : std::nullopt;
 }
 
 // The creation date that a program has set; nil if none has.
-NSDate keptCreationDateOf(OpenItem const& item) {
+Result<NSDate> keptCreationDateOf(OpenItem const& item) {
     Result<KeptCreationDate> const kept = keptCreationDate(item);
-    if (!kept.hasValue()) return nil;
+    if (!kept.hasValue()) return kept.problem().is(ENODATA) ? Result<NSDate>(NSDate(nil)) : kept.problem();
     UTCDateTime const date = utcDateTimeOf(kept.value().units);
     CFAbsoluteTime time = 0;
-    if (UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time) != noErr) return nil;
+    if (UCConvertUTCDateTimeToCFAbsoluteTime(&date, &time) != noErr) return NSDate(nil);
     return NSDate::dateWithTimeIntervalSinceReferenceDate_(time);
 }
 
-NSDate creationDateOf(std::optional<OpenItem> const& item, struct statx const& status) {
-    NSDate const kept = item ? keptCreationDateOf(*item) : NSDate(nil);
-    if (!(kept == nil)) return kept;
+// The time of birth; nil if it is not known.
+NSDate birthOf(struct statx const& status) {
     return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
+}
+
+// A date that a program has set but this one cannot read is not told.
+NSDate creationDateOf(std::optional<OpenItem> const& item, struct statx const& status) {
+    NSDate const kept = item ? keptCreationDateOf(*item).valueOr(NSDate(nil)) : NSDate(nil);
+    return kept == nil ? birthOf(status) : kept;
 }
 
 void setIfKnown(NSMutableDictionary const& attributes, id const& value, NSString const& key) {
@@ -85,19 +95,26 @@ NSNumber flagOf(struct statx const& status, std::uint64_t flag) {
 } // namespace
 
 std::optional<bool> isAppendOnly(FileDescriptor const& item) {
-    std::optional<struct statx> const status = statusOf(item);
-    return status ? std::optional((status->stx_attributes & STATX_ATTR_APPEND) != 0) : std::nullopt;
+    Result<struct statx> const status = statusOf(item);
+    if (!status.hasValue()) return std::nullopt;
+    return (status.value().stx_attributes & STATX_ATTR_APPEND) != 0;
 }
 
-NSDate creationDateOf(FileDescriptor const& item) {
-    std::optional<struct statx> const status = statusOf(item);
-    return status ? creationDateOf(attributedItem(item, *status), *status) : NSDate(nil);
+Result<NSDate> creationDateOf(FileDescriptor const& item) {
+    Result<struct statx> const status = statusOf(item);
+    if (!status.hasValue()) return status.problem();
+    if (!mayCarryAttributes(status.value())) return birthOf(status.value());
+    Result<OpenItem> const inItsFolder = openItemInItsFolder(item);
+    if (!inItsFolder.hasValue()) return inItsFolder.problem();
+    Result<NSDate> kept = keptCreationDateOf(inItsFolder.value());
+    bool const isBirth = kept.hasValue() && kept.value() == nil;
+    return isBirth ? Result<NSDate>(birthOf(status.value())) : kept;
 }
 
 NSDictionary fileAttributesOf(FileDescriptor const& item) {
-    std::optional<struct statx> const found = statusOf(item);
-    if (!found) return nil;
-    struct statx const& status = *found;
+    Result<struct statx> const found = statusOf(item);
+    if (!found.hasValue()) return nil;
+    struct statx const& status = found.value();
     std::optional<OpenItem> const attributed = attributedItem(item, status);
     bool const isLocked = attributed ? lockOf(*attributed) == ItemLock::Locked : isImmutable(item);
     NSMutableDictionary const attributes = NSMutableDictionary::dictionary();

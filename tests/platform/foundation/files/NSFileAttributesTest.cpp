@@ -116,6 +116,48 @@ TEST(NSFileAttributes, TellTheCreationDateThatWasSet) {
     EXPECT_EQ(attributes(folder.path("moved")).fileCreationDate().timeIntervalSinceReferenceDate(), 5);
 }
 
+// The date that is kept cannot be read, so that the time of birth, which is asked for, only seems to be the item's
+// date.
+TEST(NSFileAttributes, ReplaceACreationDateThatCannotBeRead) {
+    TemporaryFolder const folder;
+    std::string const file = folder.makeFile("file", "");
+    NSDate const birth = attributes(file).fileCreationDate();
+    if (birth == nil) GTEST_SKIP() << "the file system does not know when a file was made";
+    NSDictionary const early = NSDictionary::dictionaryWithObject_forKey_(
+        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    ASSERT_TRUE(manager().changeFileAttributes_atPath_(early, path(file)));
+    OrdinaryUser::own(folder.path());
+    OrdinaryUser::own(file);
+    ASSERT_EQ(::chmod(file.c_str(), 0200), 0);
+    NSDictionary const late = NSDictionary::dictionaryWithObject_forKey_(birth, NSFileCreationDate);
+    {
+        OrdinaryUser const user;
+        EXPECT_TRUE(manager().changeFileAttributes_atPath_(late, path(file)));
+        ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
+        EXPECT_NEAR(attributes(file).fileCreationDate().timeIntervalSinceDate_(birth), 0, 1e-3);
+    }
+}
+
+// Another user's file, which this one may neither read nor write.
+TEST(NSFileAttributes, RefuseACreationDateWhereOneMayBeKeptThatCannotBeRead) {
+    if (!OrdinaryUser::isAnother()) GTEST_SKIP() << "all files belong to the user who runs the tests";
+    TemporaryFolder const folder;
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    std::string const file = folder.makeFile("file", "");
+    NSDate const birth = attributes(file).fileCreationDate();
+    if (birth == nil) GTEST_SKIP() << "the file system does not know when a file was made";
+    NSDictionary const early = NSDictionary::dictionaryWithObject_forKey_(
+        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    ASSERT_TRUE(manager().changeFileAttributes_atPath_(early, path(file)));
+    ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
+    NSDictionary const late = NSDictionary::dictionaryWithObject_forKey_(birth, NSFileCreationDate);
+    {
+        OrdinaryUser const user;
+        EXPECT_FALSE(manager().changeFileAttributes_atPath_(late, path(file)));
+    }
+    EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSinceReferenceDate(), 5);
+}
+
 TEST(NSFileAttributes, AskForTheCreationDateOnlyWhereItIsWanted) {
     TemporaryFolder const folder;
     std::string const file = folder.makeFile("file", "");

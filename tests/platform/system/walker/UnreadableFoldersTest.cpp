@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <chrono>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <string>
+#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
