@@ -21,8 +21,10 @@ NSDictionary fileAttributesOf(FileDescriptor const& item);
 // nullopt if the item's status cannot be read.
 std::optional<bool> isAppendOnly(FileDescriptor const& item);
 // The creation date that a program has set for the file or folder, else the time of its birth; nil if that is not
-// known. Fails if a program may have set a date that this one cannot read.
-Result<NSDate> creationDateOf(FileDescriptor const& item);
+// known. A date that was set and cannot be read counts as not set.
+NSDate creationDateOf(FileDescriptor const& item);
+// Fails if a date may have been set that cannot be read.
+Result<NSDate> certainCreationDateOf(FileDescriptor const& item);
 
 bool changeFileAttributes(FileDescriptor const& item, NSDictionary const& attributes);
 // The creation date, immutable and append only alone; what the dictionary does not say stays.

@@ -82,7 +82,7 @@ bool changeImmutable(FileDescriptor const& item, NSNumber const& wanted) {
 
 // False also where it cannot be told.
 bool hasCreationDate(FileDescriptor const& item, NSDate const& wanted) {
-    NSDate const date = creationDateOf(item).valueOr(NSDate(nil));
+    NSDate const date = certainCreationDateOf(item).valueOr(NSDate(nil));
     constexpr double precision = 1e-3;
     return !(date == nil) && std::abs(wanted.timeIntervalSinceDate_(date)) < precision;
 }

@@ -78,7 +78,6 @@ NSDate birthOf(struct statx const& status) {
     return (status.stx_mask & STATX_BTIME) != 0 ? dateOf(status.stx_btime) : NSDate(nil);
 }
 
-// A date that a program has set but this one cannot read is not told.
 NSDate creationDateOf(std::optional<OpenItem> const& item, struct statx const& status) {
     NSDate const kept = item ? keptCreationDateOf(*item).valueOr(NSDate(nil)) : NSDate(nil);
     return kept == nil ? birthOf(status) : kept;
@@ -100,7 +99,13 @@ std::optional<bool> isAppendOnly(FileDescriptor const& item) {
     return (status.value().stx_attributes & STATX_ATTR_APPEND) != 0;
 }
 
-Result<NSDate> creationDateOf(FileDescriptor const& item) {
+NSDate creationDateOf(FileDescriptor const& item) {
+    Result<struct statx> const status = statusOf(item);
+    if (!status.hasValue()) return nil;
+    return creationDateOf(attributedItem(item, status.value()), status.value());
+}
+
+Result<NSDate> certainCreationDateOf(FileDescriptor const& item) {
     Result<struct statx> const status = statusOf(item);
     if (!status.hasValue()) return status.problem();
     if (!mayCarryAttributes(status.value())) return birthOf(status.value());
