@@ -2,9 +2,9 @@
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/files/NSFileManager.h"
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
-#include "platform/foundation/running/NSTask.h"
 #include "platform/system/FileWriting.h"
 #include "platform/system/OpenItems.h"
+#include "platform/system/items/ItemDates.h"
 #include "platform/system/items/OpenItem.h"
 
 namespace framekeeper {
@@ -14,6 +14,8 @@ namespace {
 constexpr char FirstIcon[] = "mirrorframe1";
 constexpr char SecondIcon[] = "mirrorframe2";
 constexpr char CouldNotRead[] = "Could not read plist.";
+// As the program "touch" would have ended.
+constexpr char TouchFailed[] = "touch result: 1.";
 
 // Information files have a few thousand bytes.
 constexpr std::size_t LargestFile = std::size_t{4} << 20;
@@ -28,13 +30,6 @@ bool writeInformation(OpenItem const& bundle, NSData const& data, FileStatus con
     Result<FileDescriptor> const contents = openBelow(bundle.item, "Contents");
     if (!contents.hasValue()) return false;
     return replaceFileInFolder(contents.value(), "Info.plist", data.span(), {.hasToBe = true, .state = state}).isDone();
-}
-
-NSInteger touch(std::string const& path) {
-    NSArray const arguments = NSArray::arrayWithObject_(NSString::stringWithFileSystemRepresentation_(path));
-    NSTask const task = NSTask::launchedTaskWithLaunchPath_arguments_("/usr/bin/touch", arguments);
-    task.waitUntilExit();
-    return task.terminationStatus();
 }
 
 } // namespace
@@ -69,8 +64,7 @@ IconSwap swapIcon(OpenItem const& bundle, NSString const& presentName) {
     if (!mayWrite || !writeInformation(bundle, data, contents.value().status))
         return {.failure = "Could not write plist."};
 
-    NSInteger const status = touch(bundle.pathForOtherPrograms());
-    NSString const failure = status == 0 ? NSString() : NSString::stringWithFormat_("touch result: %d.", status);
+    NSString const failure = setDatesToNow(bundle.item).isDone() ? NSString() : NSString(TouchFailed);
     return {.formerName = formerName, .newName = newName, .failure = failure};
 }
 

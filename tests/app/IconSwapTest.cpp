@@ -3,6 +3,7 @@
 #include "platform/foundation/propertylists/NSPropertyListSerialization.h"
 #include "tests/app/Controller.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/PrivateMounts.h"
 #include "tests/support/Protection.h"
 #include <chrono>
 #include <filesystem>
@@ -79,6 +80,25 @@ TEST_F(SwappedIcons, TouchTheBundle) {
     std::filesystem::last_write_time(text(bundle), longAgo);
     EXPECT_TRUE(swapIcon(bundle).failure == nil);
     EXPECT_GT(std::filesystem::last_write_time(text(bundle)), longAgo + std::chrono::hours(1));
+}
+
+// No other program can be run, since /usr/bin is hidden.
+class SwappedIconsAlone : public mac::test::PrivateMounts {
+protected:
+    TemporaryFolder const m_folder{};
+};
+
+TEST_F(SwappedIconsAlone, TouchTheBundleWithoutAnotherProgram) {
+    std::string const bundle = m_folder.makeBundle(
+        "Mirror Frame.app", "<plist><dict><key>CFBundleIconFile</key><string>mirrorframe1</string></dict></plist>");
+    auto const longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);
+    std::filesystem::last_write_time(bundle, longAgo);
+    bind(m_folder.makeFolder("empty"), "/usr/bin");
+    IconSwap const swap = swapIcon(pathString(bundle));
+    unmount("/usr/bin");
+    EXPECT_TRUE(swap.isWritten());
+    EXPECT_TRUE(swap.failure == nil);
+    EXPECT_GT(std::filesystem::last_write_time(bundle), longAgo + std::chrono::hours(1));
 }
 
 TEST_F(SwappedIcons, AreSwappedOnlyFromThePresentNameWhenItIsGiven) {

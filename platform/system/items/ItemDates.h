@@ -25,4 +25,7 @@ struct ItemDates {
 // the system if both are missing. Any thread.
 Result<void> setDates(FileDescriptor const& item, ItemDates const& dates, std::string_view name = {});
 
+// Gives both dates the present time. Whoever may write to the item may do so, besides its owner. Any thread.
+Result<void> setDatesToNow(FileDescriptor const& item);
+
 } // namespace mac

@@ -42,4 +42,9 @@ Result<void> setDates(FileDescriptor const& item, ItemDates const& dates, std::s
     return setTimes(item, dates.access.value_or(status.st_atim), dates.modified.value_or(status.st_mtim), name);
 }
 
+Result<void> setDatesToNow(FileDescriptor const& item) {
+    constexpr timespec now{.tv_sec = 0, .tv_nsec = UTIME_NOW};
+    return setTimes(item, now, now, {});
+}
+
 } // namespace mac

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace mac {
 
@@ -68,10 +67,6 @@ Result<OpenedName> openName(std::string const& folderPath, std::string const& na
 }
 
 } // namespace
-
-std::string OpenItem::pathForOtherPrograms() const {
-    return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(item.number());
-}
 
 std::string OpenItem::systemPath() const { return descriptorPath(item); }
 

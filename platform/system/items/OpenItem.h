@@ -19,9 +19,6 @@ struct OpenItem {
 
     // A path that leads to this very item, also if its own is too long for the system.
     std::string systemPath() const;
-    // A path by which other programs of this user reach this very item while this object lives, also under another
-    // name.
-    std::string pathForOtherPrograms() const;
 };
 
 // Opens the item at a path of bytes, of any length. A slash behind the last name follows a symbolic link there and asks
