@@ -145,10 +145,10 @@ TEST_F(SelectedDetails, ShowTheVolumeInTheFileBrowserAndBeepWithoutAThingToShow)
     m_controller.details().revealProcess_(nil);
     m_controller.details().revealLoginItem_(nil);
     m_controller.details().revealPlace_(nil);
-    EXPECT_EQ(m_beeps, 3);
+    EXPECT_EQ(m_complaints.beeps, 3);
     EXPECT_EQ(asked(), std::vector<std::string>());
     m_controller.details().revealVolume_(nil);
-    EXPECT_EQ(m_beeps, 3);
+    EXPECT_EQ(m_complaints.beeps, 3);
     ASSERT_EQ(asked().size(), 1U);
     EXPECT_EQ(asked().front().find("ShowItems file:///"), 0U) << asked().front();
 }

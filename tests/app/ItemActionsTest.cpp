@@ -13,8 +13,8 @@ TEST_F(ItemActions, RevealAllSelectedCopiesTogether) {
     std::vector<std::string> lines = asked();
     std::ranges::sort(lines);
     EXPECT_EQ(lines, (std::vector{shown(first), shown(second)}));
-    EXPECT_EQ(m_beeps, 0);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(ItemActions, BeepWithoutALineWhenNothingCouldBeRevealed) {
@@ -43,8 +43,8 @@ TEST_F(ItemActions, MoveTheSelectedCopyToTheTrashWhereItStaysListed) {
     EXPECT_TRUE(isSame(m_controller.isOnHarddiskPaths(), set)) << "it is changed in place";
     EXPECT_TRUE(recordOf(m_controller, path) == nil);
     EXPECT_TRUE(flag(recordOf(m_controller, pathInTrash()), "exists"));
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 // The path is the script's answer as it stands.
@@ -64,10 +64,10 @@ TEST_F(ItemActions, FailForARecordWithoutAPath) {
     m_selection.setContent_(NSSet::setWithObject_(record));
     ASSERT_TRUE(m_selection.setSelectedObjects_(NSArray::arrayWithObject_(record)));
     m_controller.trashAction_(nil);
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not move to trash."});
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not move to trash."});
     m_controller.swapIconAction_(nil);
-    EXPECT_EQ(m_log.back(), "Could not read plist.");
-    EXPECT_EQ(m_beeps, 2);
+    EXPECT_EQ(m_complaints.lines.back(), "Could not read plist.");
+    EXPECT_EQ(m_complaints.beeps, 2);
 }
 
 TEST_F(ItemActions, SayThatACopyCouldNotBeMovedToTheTrash) {
@@ -114,8 +114,8 @@ TEST_F(ItemActions, DeleteTheSelectedCopyForGood) {
     EXPECT_FALSE(m_controller.canUndo());
     EXPECT_EQ(notice(), "Deleted for good.");
     EXPECT_FALSE(m_controller.noticeOffersUndo());
-    EXPECT_EQ(m_beeps, 0);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(ItemActions, KeepTheRecordOfADeletedCopyThatAnotherSourceNames) {
@@ -133,9 +133,9 @@ TEST_F(ItemActions, LogWhyACopyCouldNotBeDeletedWithTheMessageAsTheFormat) {
     m_controller.isOnHarddiskPaths().addObject_(path);
     select({path});
     m_controller.deleteAction_(nil);
-    EXPECT_EQ(m_beeps, 1);
-    ASSERT_EQ(m_log.size(), 1U);
-    EXPECT_NE(m_log.front().find("100(null)"), std::string::npos) << m_log.front();
+    EXPECT_EQ(m_complaints.beeps, 1);
+    ASSERT_EQ(m_complaints.lines.size(), 1U);
+    EXPECT_NE(m_complaints.lines.front().find("100(null)"), std::string::npos) << m_complaints.lines.front();
     EXPECT_TRUE(notice().starts_with("The copy could not be deleted: ")) << notice();
     EXPECT_NE(notice().find("100%@"), std::string::npos) << notice();
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
@@ -154,8 +154,8 @@ TEST_F(ItemActions, DoNothingUnlessExactlyOneCopyIsSelected) {
     EXPECT_TRUE(exists(first) && exists(second));
     EXPECT_EQ(contentsOf(informationFileOf(first)), plist("mirrorframe1"));
     EXPECT_TRUE(asked().empty());
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(ItemActions, DoNothingForANilController) {
@@ -169,7 +169,7 @@ TEST_F(ItemActions, DoNothingForANilController) {
     EXPECT_FALSE(none.canUndo());
     EXPECT_FALSE(none.noticeOffersUndo());
     EXPECT_TRUE(none.notice() == nil);
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(ItemActions, SwapTheIconAndShowTheCopy) {
@@ -178,8 +178,8 @@ TEST_F(ItemActions, SwapTheIconAndShowTheCopy) {
     m_controller.swapIconAction_(nil);
     EXPECT_NE(contentsOf(informationFileOf(path)).find("mirrorframe2"), std::string::npos);
     EXPECT_EQ(asked(), std::vector{shown(path)});
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(ItemActions, SayThatACopyWithASwappedIconCouldNotBeShown) {

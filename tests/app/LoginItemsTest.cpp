@@ -1,8 +1,7 @@
 #include "pathutils/AliasesAndContents.h"
 #include "platform/foundation/numbers/NSNumber.h"
-#include "platform/foundation/running/Beep.h"
-#include "platform/foundation/running/Log.h"
 #include "platform/system/SystemError.h"
+#include "tests/app/Complaints.h"
 #include "tests/app/InGerman.h"
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
@@ -92,8 +91,7 @@ protected:
 
     TemporaryFolder const m_folder{};
     AppController m_controller = makeController();
-    std::vector<std::string> m_log;
-    int m_beeps{0};
+    Complaints m_complaints{};
 
 private:
     EnvironmentVariable const m_config{"XDG_CONFIG_HOME", m_folder.path("config")};
@@ -101,8 +99,6 @@ private:
     EnvironmentVariable const m_desktop{"XDG_CURRENT_DESKTOP", "XFCE"};
     EnvironmentVariable const m_home{"HOME", m_folder.makeFolder("home")};
     NSArrayController m_selection = NSArrayController::alloc().init();
-    LogListener m_logListener{[this](NSString const& line) { m_log.push_back(line.UTF8String()); }};
-    BeepListener m_beepListener{[this] { ++m_beeps; }};
 };
 
 using Lines = std::vector<std::string>;
@@ -118,7 +114,7 @@ void makeProgram(mac::test::Desktop const& desktop, std::string const& name) {
 
 TEST_F(LoginItems, AnAbsentListIsReadAsAnEmptyArray) {
     EXPECT_TRUE(m_controller.readAllAutolaunchItems().isEqual_(NSArray::array()));
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(LoginItems, AddingToNothingWritesAListOfOneEntry) {
@@ -132,7 +128,7 @@ TEST_F(LoginItems, AddingToNothingWritesAListOfOneEntry) {
     EXPECT_TRUE(item.objectForKey_("AliasData").isEqual_(pxAliasDataOfPath(copy)));
     EXPECT_TRUE(isLoginItem(copy));
     EXPECT_TRUE(isSame(recordOf(m_controller, copy).objectForKey_("autolaunchItem"), item));
-    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_complaints.lines, Lines());
 }
 
 TEST_F(LoginItems, TheDesktopStartsTheProgramOfTheCopy) {
@@ -172,8 +168,8 @@ TEST_F(LoginItems, AddingTheSameCopyTwiceKeepsOneEntry) {
 TEST_F(LoginItems, ACopyThatIsGoneIsNotAdded) {
     NSString const copy = pathString(m_folder.path("gone/Mirror Frame.app"));
     add(copy);
-    EXPECT_EQ(m_log, Lines{"ERROR: Could not add as Login Item."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, Lines{"ERROR: Could not add as Login Item."});
+    EXPECT_EQ(m_complaints.beeps, 1);
     EXPECT_TRUE(userEntries().empty());
 }
 
@@ -183,16 +179,16 @@ TEST_F(LoginItems, AListThatCannotBeWrittenIsTold) {
     select({copy});
     m_folder.makeFile("config/framekeeper/Preferences/loginwindow.plist", "damaged");
     m_controller.addToAutoLaunchAction_(nil);
-    EXPECT_EQ(m_log, Lines{"ERROR: Could not add as Login Item."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, Lines{"ERROR: Could not add as Login Item."});
+    EXPECT_EQ(m_complaints.beeps, 1);
     std::string const why = m_folder.path("config/framekeeper/Preferences/loginwindow.plist") + ": The file is damaged";
     EXPECT_EQ(text(m_controller.notice()), "The login items could not be changed: " + why);
     EXPECT_EQ(userEntries().size(), 1u);
     m_controller.syncIsAutolaunched();
-    EXPECT_EQ(m_log.back(), "Error: CFPreferencesSynchronize");
+    EXPECT_EQ(m_complaints.lines.back(), "Error: CFPreferencesSynchronize");
     EXPECT_EQ(text(m_controller.loginItemsProblem()), why);
     EXPECT_EQ(text(m_controller.notice()), "The login items could not be read: " + why);
-    EXPECT_EQ(m_beeps, 2);
+    EXPECT_EQ(m_complaints.beeps, 2);
     EXPECT_EQ(listed().size(), 1u);
 }
 
@@ -216,7 +212,7 @@ TEST_F(LoginItems, ASelectedEntryIsRemovedAndTheOthersStay) {
     EXPECT_EQ(userEntries().size(), 1u);
     EXPECT_EQ(userEntries()["a.desktop"], desktopEntry("/bin/true"));
     EXPECT_FALSE(isLoginItem(copy));
-    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_complaints.lines, Lines());
 }
 
 TEST_F(LoginItems, AnEntryOfTheSystemIsHiddenByOneOfTheUser) {
@@ -225,7 +221,7 @@ TEST_F(LoginItems, AnEntryOfTheSystemIsHiddenByOneOfTheUser) {
     remove(copy);
     EXPECT_FALSE(isLoginItem(copy));
     EXPECT_NE(userEntries()["mirror.desktop"].find("Hidden=true"), std::string::npos);
-    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_complaints.lines, Lines());
 }
 
 TEST_F(LoginItems, WritingTheListOfBeforeRestoresTheVeryEntry) {
@@ -256,7 +252,7 @@ TEST_F(LoginItems, NothingHappensUnlessOneRecordIsSelected) {
     m_controller.unAutoLaunchAction_(nil);
     m_controller.addToAutoLaunchAction_(nil);
     EXPECT_EQ(userEntries(), before);
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(LoginItems, AnEntryOfAnEarlierReadIsNotInTheListAnyMore) {
@@ -266,14 +262,14 @@ TEST_F(LoginItems, AnEntryOfAnEarlierReadIsNotInTheListAnyMore) {
     std::map<std::string, std::string> const before = userEntries();
     m_controller.syncIsAutolaunched();
     m_controller.unAutoLaunchAction_(nil);
-    EXPECT_EQ(m_log, Lines{"Item is not auto-launched."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, Lines{"Item is not auto-launched."});
+    EXPECT_EQ(m_complaints.beeps, 1);
     EXPECT_EQ(userEntries(), before);
 }
 
 TEST_F(LoginItems, ACopyThatDoesNotStartAtLogInCannotBeRemoved) {
     remove(makeCopy("copy"));
-    EXPECT_EQ(m_log, Lines{"Item is not auto-launched."});
+    EXPECT_EQ(m_complaints.lines, Lines{"Item is not auto-launched."});
 }
 
 TEST_F(LoginItems, ARemovalThatCannotBeWrittenIsToldAndTheListIsReadAgain) {
@@ -283,7 +279,7 @@ TEST_F(LoginItems, ARemovalThatCannotBeWrittenIsToldAndTheListIsReadAgain) {
     addEntry("new.desktop", desktopEntry("/bin/true"));
     m_folder.makeFile("config/framekeeper/Preferences/loginwindow.plist", "damaged");
     m_controller.unAutoLaunchAction_(nil);
-    EXPECT_EQ(m_log, (Lines{"Could remove auto-launch entry.", "Error: CFPreferencesSynchronize"}));
+    EXPECT_EQ(m_complaints.lines, (Lines{"Could remove auto-launch entry.", "Error: CFPreferencesSynchronize"}));
     EXPECT_TRUE(text(m_controller.notice()).starts_with("The login items could not be changed: "));
     EXPECT_EQ(listed().size(), 2u);
     EXPECT_TRUE(isLoginItem(copy));
@@ -304,7 +300,7 @@ TEST_F(LoginItems, AnEntryThatAnotherProgramRemovedSinceTheReadIsNoObstacle) {
     select({copy});
     ASSERT_EQ(::unlink(m_folder.path("config/autostart/" + userEntries().begin()->first).c_str()), 0);
     m_controller.addToAutoLaunchAction_(nil);
-    EXPECT_EQ(m_log, Lines());
+    EXPECT_EQ(m_complaints.lines, Lines());
     EXPECT_EQ(listed(), Lines{text(copy)});
 }
 
@@ -340,7 +336,7 @@ TEST_F(LoginItems, AListOfAnotherClassIsNotWrittenOver) {
     std::string const before = mac::test::textOf(file);
     add(copy);
     EXPECT_EQ(m_controller.isAutolaunchedPaths().count(), 0u);
-    EXPECT_EQ(m_log, Lines{"ERROR: Could not add as Login Item."});
+    EXPECT_EQ(m_complaints.lines, Lines{"ERROR: Could not add as Login Item."});
     EXPECT_EQ(mac::test::textOf(file), before);
     EXPECT_TRUE(userEntries().empty());
 }
@@ -354,8 +350,8 @@ TEST_F(LoginItems, AreManagedByHandInTheSettings) {
     Lines started = desktop.lines(2);
     std::ranges::sort(started);
     EXPECT_EQ(started, (Lines{"xfce4-session-settings", "xfce4-settings-manager"}));
-    EXPECT_EQ(m_log, Lines());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.lines, Lines());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(LoginItems, TakeEffectOnceTheDesktopIsAskedToLogOut) {
@@ -365,8 +361,8 @@ TEST_F(LoginItems, TakeEffectOnceTheDesktopIsAskedToLogOut) {
     makeProgram(desktop, "lxqt-leave");
     m_controller.logOutAction_(nil);
     EXPECT_EQ(desktop.lines(1), Lines{"lxqt-leave"});
-    EXPECT_EQ(m_log, Lines());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.lines, Lines());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(LoginItems, ANilControllerDoesNothing) {
@@ -377,7 +373,7 @@ TEST_F(LoginItems, ANilControllerDoesNothing) {
     controller.unAutoLaunchAction_(nil);
     controller.showAccountsAction_(nil);
     controller.logOutAction_(nil);
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 } // namespace framekeeper::test

@@ -25,8 +25,8 @@ TEST_F(PutBack, MovesTheSelectedCopyOutOfTheTrash) {
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
     EXPECT_EQ(notice(), "Put back.");
     EXPECT_FALSE(m_controller.canUndo()) << "the move to the trash is taken back already";
-    EXPECT_EQ(m_beeps, 0);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(PutBack, TellsInTheWindowThatThePlaceIsTaken) {
@@ -37,8 +37,8 @@ TEST_F(PutBack, TellsInTheWindowThatThePlaceIsTaken) {
     EXPECT_EQ(contentsOf(text(path)), "somebody's");
     EXPECT_TRUE(exists(trashed));
     EXPECT_NE(notice(), "");
-    EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 1);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(PutBack, SaysWhyNotInTheLanguageOfTheWindow) {
@@ -62,7 +62,7 @@ TEST_F(PutBack, RefusesForACopyThatLiesInNoTrash) {
     select({path});
     m_controller.putBackAction_(nil);
     EXPECT_TRUE(exists(path));
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.beeps, 1);
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
 }
 

@@ -1,8 +1,8 @@
 #include "app/AppControllerBody.h"
-#include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/processes/Processes.h"
 #include "scripting/ProcessesAndFinder.h"
+#include "tests/app/Complaints.h"
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/Companion.h"
@@ -54,10 +54,7 @@ protected:
     NSString const m_idle{makeCopy(m_folder, "idle")};
     AppController m_controller = makeController();
     NSArrayController m_selection = NSArrayController::alloc().init();
-    std::vector<std::string> m_log;
-    int m_beeps{0};
-    LogListener m_logListener{[this](NSString const& line) { m_log.push_back(line.UTF8String()); }};
-    BeepListener m_beepListener{[this] { ++m_beeps; }};
+    Complaints m_complaints{};
 };
 
 std::string quittingLine(RunningCompanion const& copy, char const* how) {
@@ -114,7 +111,7 @@ TEST_F(RunningCopies, AreOnlyReportedUnlessTheyAreToQuit) {
     RunningCompanion const willing("willing");
     EXPECT_TRUE(m_controller.isRunningWithQuitting_(NO));
     EXPECT_TRUE(willing.isRunning());
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(RunningCopies, AreAllAskedToQuitAndNotWaitedFor) {
@@ -127,9 +124,9 @@ TEST_F(RunningCopies, AreAllAskedToQuitAndNotWaitedFor) {
     EXPECT_TRUE(other.isRunning());
     EXPECT_EQ(willing.process().wait(), 0);
     EXPECT_EQ(refusing.process().readLine(), "asked to quit");
-    EXPECT_EQ(m_log, (std::vector{quittingLine(willing, "succeeded"), quittingLine(slow, "succeeded"),
-                                  quittingLine(refusing, "succeeded")}));
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.lines, (std::vector{quittingLine(willing, "succeeded"), quittingLine(slow, "succeeded"),
+                                               quittingLine(refusing, "succeeded")}));
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, ThatEndInTheMeantimeFailToQuit) {
@@ -137,28 +134,28 @@ TEST_F(RunningCopies, ThatEndInTheMeantimeFailToQuit) {
     RunningCompanion second("willing");
     std::string const number = text(KRAProcessSerialNumber_(second.psn()));
     LogListener const listener([&](NSString const&) {
-        if (m_log.size() == 1) {
+        if (m_complaints.lines.size() == 1) {
             second.process().sendSignal(SIGKILL);
             second.process().wait();
         }
     });
     EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
-    EXPECT_EQ(m_log,
+    EXPECT_EQ(m_complaints.lines,
               (std::vector{quittingLine(first, "succeeded"), "Quitting Mirror Frame (psn=" + number + ") failed"}));
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.beeps, 1);
 }
 
 TEST_F(RunningCopies, ThatCrashInsteadOfAReplyFailToQuit) {
     RunningCompanion const first("crashing");
     EXPECT_TRUE(m_controller.isRunningWithQuitting_(YES));
-    EXPECT_EQ(m_log, std::vector{quittingLine(first, "failed")});
-    EXPECT_EQ(m_beeps, 1);
-    m_log.clear();
+    EXPECT_EQ(m_complaints.lines, std::vector{quittingLine(first, "failed")});
+    EXPECT_EQ(m_complaints.beeps, 1);
+    m_complaints.lines.clear();
     RunningCompanion const second("crashing");
     select({second.bundle()});
     m_controller.quitAction_(nil);
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
-    EXPECT_EQ(m_beeps, 2);
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_complaints.beeps, 2);
 }
 
 TEST_F(RunningCopies, QuitWhenTheOneSelectedIsAskedTo) {
@@ -172,8 +169,8 @@ TEST_F(RunningCopies, QuitWhenTheOneSelectedIsAskedTo) {
     EXPECT_EQ(willing.process().wait(), 0);
     EXPECT_FALSE(flag(recordOf(m_controller, willing.bundle()), "isRunning"));
     EXPECT_TRUE(flag(recordOf(m_controller, slow.bundle()), "isRunning"));
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, AreListedAndQuitThoughTheirBundleGoesWhileTheyRun) {
@@ -197,7 +194,7 @@ TEST_F(RunningCopies, AreListedAndQuitThoughTheirBundleGoesWhileTheyRun) {
     m_controller.quitAction_(nil);
     EXPECT_EQ(copy.wait(), 0);
     EXPECT_EQ(runningPaths(), std::vector<std::string>{text(model.bundle())});
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, MayTakeTheirTimeToQuit) {
@@ -214,7 +211,7 @@ TEST_F(RunningCopies, MayTakeTheirTimeToQuit) {
     EXPECT_EQ(pauses, 8);
     EXPECT_EQ(slow.process().wait(), 0);
     EXPECT_EQ(m_controller.paths().count(), 0U);
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, WithoutAnEventHandlerAreQuitBySignal) {
@@ -239,8 +236,8 @@ TEST_F(RunningCopies, ThatRefuseToQuitAreToldOfWhileNothingElseHappens) {
     EXPECT_FALSE(isCalled);
     EXPECT_EQ(refusing.process().readLine(), "asked to quit");
     EXPECT_TRUE(refusing.isRunning());
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_complaints.beeps, 1);
     EXPECT_TRUE(isSame(m_controller.paths(), records)) << "nothing is read anew";
     EXPECT_TRUE(runUntil([&] { return isCalled; }));
 }
@@ -249,8 +246,8 @@ TEST_F(RunningCopies, CannotBeQuitWhereTheCopyDoesNotRun) {
     m_controller.setIsOnHarddiskPaths_(pathSet({m_idle}));
     select({m_idle});
     m_controller.quitAction_(nil);
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_complaints.beeps, 1);
 }
 
 TEST_F(RunningCopies, CannotBeQuitTwice) {
@@ -259,8 +256,8 @@ TEST_F(RunningCopies, CannotBeQuitTwice) {
     willing.process().sendSignal(SIGKILL);
     willing.process().wait();
     m_controller.quitAction_(nil);
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not quit process."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not quit process."});
+    EXPECT_EQ(m_complaints.beeps, 1);
 }
 
 TEST_F(RunningCopies, AreLeftAloneUnlessJustOneIsSelected) {
@@ -272,8 +269,8 @@ TEST_F(RunningCopies, AreLeftAloneUnlessJustOneIsSelected) {
     m_controller.quitAction_(nil);
     EXPECT_TRUE(willing.isRunning());
     EXPECT_TRUE(slow.isRunning());
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, OpenTheActivityMonitor) {
@@ -285,15 +282,15 @@ TEST_F(RunningCopies, OpenTheActivityMonitor) {
         "[Desktop Entry]\nType=Application\nName=Monitor\nCategories=System;Monitor;\nExec=" + program + "\n");
     m_controller.openActivityMonitorAction_(nil);
     EXPECT_EQ(desktop.lines(1), std::vector<std::string>{"started"});
-    EXPECT_TRUE(m_log.empty());
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(RunningCopies, CannotBeLookedAtWithoutAnActivityMonitor) {
     mac::test::Desktop const desktop;
     m_controller.openActivityMonitorAction_(nil);
-    EXPECT_EQ(m_log, std::vector<std::string>{"Could not launch Activity Monitor."});
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.lines, std::vector<std::string>{"Could not launch Activity Monitor."});
+    EXPECT_EQ(m_complaints.beeps, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(RunningCopies, PathSources,

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/AppControllerBody.h"
-#include "platform/foundation/running/Beep.h"
-#include "platform/foundation/running/Log.h"
+#include "tests/app/Complaints.h"
 #include "tests/app/Controller.h"
 #include "tests/platform/desktop/Desktop.h"
 #include <filesystem>
@@ -82,17 +81,14 @@ protected:
     }
     std::string notice() const { return m_controller.notice() == nil ? "" : text(m_controller.notice()); }
     void expectFailure(std::string const& line) const {
-        EXPECT_EQ(m_beeps, 1);
-        EXPECT_EQ(m_log, line.empty() ? std::vector<std::string>() : std::vector{line});
+        EXPECT_EQ(m_complaints.beeps, 1);
+        EXPECT_EQ(m_complaints.lines, line.empty() ? std::vector<std::string>() : std::vector{line});
     }
 
     mac::test::Desktop const m_desktop{};
     AppController m_controller = makeController();
     NSArrayController m_selection = NSArrayController::alloc().init();
-    std::vector<std::string> m_log;
-    int m_beeps{0};
-    LogListener m_logListener{[this](NSString const& line) { m_log.push_back(line.UTF8String()); }};
-    BeepListener m_beepListener{[this] { ++m_beeps; }};
+    Complaints m_complaints{};
 };
 
 } // namespace framekeeper::test

@@ -1,5 +1,5 @@
-#include "platform/foundation/running/Beep.h"
 #include "platform/foundation/running/Log.h"
+#include "tests/app/Complaints.h"
 #include "tests/app/Controller.h"
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -110,14 +110,10 @@ TEST_F(SpotlightScan, SyncsTheDisksPathsWithoutTheInventory) {
 
 TEST_F(SpotlightScan, RefusedBeepsAndSaysSo) {
     m_controller.query().setPredicate_(nil);
-    int beeps = 0;
-    std::vector<std::string> lines;
-    BeepListener const beepListener([&] { ++beeps; });
-    LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    Complaints const complaints;
     m_controller.scanAction_(nil);
-    EXPECT_EQ(beeps, 1);
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0], "ERROR: Could not start Spotlight query.");
+    EXPECT_EQ(complaints.beeps, 1);
+    EXPECT_EQ(complaints.lines, std::vector<std::string>{"ERROR: Could not start Spotlight query."});
     EXPECT_TRUE(m_controller.paths() == nil);
 }
 
@@ -135,21 +131,15 @@ TEST_F(SpotlightScan, BeginsWhenTheInterfaceIsThere) {
 
 TEST_F(SpotlightScan, RefusedWhenTheInterfaceIsThereBeepsAndSaysSo) {
     m_controller.query().setPredicate_(nil);
-    int beeps = 0;
-    std::vector<std::string> lines;
-    BeepListener const beepListener([&] { ++beeps; });
-    LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    Complaints const complaints;
     m_controller.awakeFromNib();
-    EXPECT_EQ(beeps, 1);
-    EXPECT_EQ(lines, std::vector<std::string>{"ERROR: Could not start Spotlight query."});
+    EXPECT_EQ(complaints.beeps, 1);
+    EXPECT_EQ(complaints.lines, std::vector<std::string>{"ERROR: Could not start Spotlight query."});
     EXPECT_TRUE(m_controller.paths() == nil);
 }
 
 TEST(SpotlightScanOfNil, DoesNothing) {
-    int beeps = 0;
-    std::vector<std::string> lines;
-    BeepListener const beepListener([&] { ++beeps; });
-    LogListener const logListener([&](NSString const& line) { lines.push_back(line.UTF8String()); });
+    Complaints const complaints;
     AppController const controller = nil;
     controller.awakeFromNib();
     controller.scanAction_(nil);
@@ -158,8 +148,8 @@ TEST(SpotlightScanOfNil, DoesNothing) {
     controller.syncIsOnHarddisk();
     controller.queryDidStart_(nil);
     controller.queryGatheringProgress_(nil);
-    EXPECT_EQ(beeps, 0);
-    EXPECT_EQ(lines, std::vector<std::string>());
+    EXPECT_EQ(complaints.beeps, 0);
+    EXPECT_EQ(complaints.lines, std::vector<std::string>());
 }
 
 // A bundle whose information file is bad in one way; the others must be listed all the same.

@@ -1,8 +1,7 @@
 #include "app/AppControllerBody.h"
 #include "platform/desktop/session/Patience.h"
-#include "platform/foundation/running/Beep.h"
-#include "platform/foundation/running/Log.h"
 #include "platform/preferences/CFPreferences.h"
+#include "tests/app/Complaints.h"
 #include "tests/app/PathSources.h"
 #include "tests/platform/desktop/Desktop.h"
 #include "tests/support/DiskContents.h"
@@ -83,8 +82,8 @@ protected:
         m_desktop.installService(m_desktop.fake(mode));
     }
     void expectReports(Lines const& lines) const {
-        EXPECT_EQ(m_log, lines);
-        EXPECT_EQ(m_beeps, static_cast<int>(lines.size()));
+        EXPECT_EQ(m_complaints.lines, lines);
+        EXPECT_EQ(m_complaints.beeps, static_cast<int>(lines.size()));
     }
 
     // On a busy computer a browser starts later than a user would wait for it.
@@ -93,10 +92,7 @@ protected:
     std::string const m_bookmarks{m_desktop.folder.path("config/gtk-3.0/bookmarks")};
     AppController m_controller = makeController();
     NSArrayController m_selection = NSArrayController::alloc().init();
-    Lines m_log;
-    int m_beeps{0};
-    LogListener m_logListener{[this](NSString const& line) { m_log.push_back(line.UTF8String()); }};
-    BeepListener m_beepListener{[this] { ++m_beeps; }};
+    Complaints m_complaints{};
 };
 
 TEST_F(ToolbarItems, AreNoneWithoutPlaces) {

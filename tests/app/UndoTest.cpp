@@ -32,8 +32,8 @@ TEST_F(Undo, HasNothingToTakeBackAtFirst) {
     EXPECT_FALSE(m_controller.canUndo());
     EXPECT_TRUE(m_controller.notice() == nil);
     m_controller.undoAction_(nil);
-    EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 1);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(Undo, PutsATrashedCopyBackIntoItsPlace) {
@@ -52,8 +52,8 @@ TEST_F(Undo, PutsATrashedCopyBackIntoItsPlace) {
     EXPECT_EQ(notice(), "Put back.");
     EXPECT_FALSE(m_controller.noticeOffersUndo());
     EXPECT_FALSE(m_controller.canUndo());
-    EXPECT_EQ(m_beeps, 0);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 0);
+    EXPECT_TRUE(m_complaints.lines.empty());
 }
 
 TEST_F(Undo, SelectsTheCopyThatIsBackUnlessTheUserHasSelectedAnother) {
@@ -100,8 +100,8 @@ TEST_F(Undo, RefusesWhenThePlaceIsTakenAndMayBeTriedAgain) {
     EXPECT_FALSE(pathInTrash() == nil);
     EXPECT_NE(notice(), "");
     EXPECT_NE(notice(), "Put back.");
-    EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(m_log.empty()) << "it is told in the window alone";
+    EXPECT_EQ(m_complaints.beeps, 1);
+    EXPECT_TRUE(m_complaints.lines.empty()) << "it is told in the window alone";
     EXPECT_TRUE(m_controller.canUndo());
     std::filesystem::remove(text(path));
     m_controller.undoAction_(nil);
@@ -118,7 +118,7 @@ TEST_F(Undo, RefusesWhenAnotherItemLiesInTheTrashByThen) {
     m_controller.undoAction_(nil);
     EXPECT_FALSE(exists(path));
     EXPECT_TRUE(std::filesystem::is_directory(place));
-    EXPECT_EQ(m_beeps, 1);
+    EXPECT_EQ(m_complaints.beeps, 1);
 }
 
 TEST_F(Undo, TakesBackTheLastChangeFirst) {
@@ -152,7 +152,7 @@ TEST_F(Undo, GivesACopyItsFormerIcon) {
     m_controller.undoAction_(nil);
     EXPECT_NE(contentsOf(informationFileOf(path)).find("mirrorframe1"), std::string::npos);
     EXPECT_EQ(asked().size(), revealed) << "undoing opens no window";
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(Undo, LeavesAnIconThatWasChangedSince) {
@@ -163,8 +163,8 @@ TEST_F(Undo, LeavesAnIconThatWasChangedSince) {
     m_desktop.folder.makeFile("a/Mirror Frame.app/Contents/Info.plist", other);
     m_controller.undoAction_(nil);
     EXPECT_EQ(contentsOf(informationFileOf(path)), other);
-    EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 1);
+    EXPECT_TRUE(m_complaints.lines.empty());
     EXPECT_FALSE(m_controller.canUndo());
 }
 
@@ -186,7 +186,7 @@ TEST_F(Undo, RemovesALoginItemThatWasAddedAndBringsTheFormerOneBack) {
     EXPECT_FALSE(flag(recordOf(m_controller, second), "isAutolaunched"));
     m_controller.undoAction_(nil);
     EXPECT_EQ(loginItems(), "");
-    EXPECT_EQ(m_beeps, 0);
+    EXPECT_EQ(m_complaints.beeps, 0);
 }
 
 TEST_F(Undo, LeavesWhatOthersDidToTheLoginItemsMeanwhile) {
@@ -217,8 +217,8 @@ TEST_F(Undo, OfALoginItemWaitsUntilTheItemsCanBeRead) {
     m_desktop.folder.makeFile("config/autostart", "no folder");
     m_controller.undoAction_(nil);
     EXPECT_EQ(notice(), "That could not be undone: " + folder + ": Not a directory");
-    EXPECT_EQ(m_beeps, 1);
-    EXPECT_TRUE(m_log.empty());
+    EXPECT_EQ(m_complaints.beeps, 1);
+    EXPECT_TRUE(m_complaints.lines.empty());
     EXPECT_TRUE(m_controller.canUndo());
     std::filesystem::remove(folder);
     std::filesystem::rename(folder + " away", folder);

@@ -129,7 +129,7 @@ TEST(LoginLauncher, IsFoundBelowThePrefixOfTheProgram) {
     std::string const command = prefix.makeFile("bin/framekeeper-cli", "");
     std::string const bundled = prefix.makeFile("lib/framekeeper/Framekeeper.app/Contents/Linux/framekeeper", "");
     EXPECT_EQ(loginLauncherBeside(command), "");
-    std::string const launcher = prefix.makeFile("libexec/framekeeper-login", "");
+    std::string const launcher = prefix.makeFile(LAUNCHER_BELOW_PREFIX, "");
     EXPECT_EQ(loginLauncherBeside(command), "") << "it cannot be started";
     ASSERT_EQ(::chmod(launcher.c_str(), 0755), 0);
     EXPECT_EQ(loginLauncherBeside(command), launcher);
