@@ -71,8 +71,8 @@ ListChange::Removed removedItem(NSArray const& list, NSUInteger index);
 // Drops the steps about a copy that has left the trash by other means.
 void forgetTrashing(AppController const& controller, NSString const& pathInTrash);
 
-// Selects the record of the path unless the user has selected another one: the copy that an action brought back. Not
-// among so many that the window arranges them in steps: then its row is not there yet.
+// Selects the record of the path unless the user has selected another one: the copy that an action brought back. Among
+// so many that the window arranges them in steps, when its row is there.
 void selectIfNothingIs(AppController const& controller, NSString const& path);
 
 enum class Offer { Nothing, Undo };

@@ -1,5 +1,8 @@
 #include "app/Undo.h"
+#include "platform/foundation/running/EventLoop.h"
 #include "tests/app/SelectedCopies.h"
+#include <QEventLoop>
+#include <QTimer>
 
 namespace framekeeper::test {
 namespace {
@@ -78,6 +81,37 @@ TEST_F(Undo, SelectsTheCopyThatIsBackUnlessTheUserHasSelectedAnother) {
     trashSelected();
     m_selection.setSelectedObjects_(NSArray::arrayWithObject_(recordOf(m_controller, pathInTrash())));
     m_controller.putBackAction_(nil);
+    EXPECT_EQ(selectedPaths(), std::vector{text(path)});
+}
+
+// So many are arranged in steps, between the events of the window.
+TEST_F(Undo, SelectsTheCopyThatIsBackAmongVeryMany) {
+    NSString const path = findCopy("a");
+    constexpr NSUInteger others = 10'001;
+    for (NSUInteger number = 0; number < others; ++number)
+        m_controller.isOnHarddiskPaths().addObject_(NSString::stringWithFormat_("/none/%u/Mirror Frame.app", number));
+    m_selection.setIdentityKeyPath("path");
+    m_selection.bind_toObject_withKeyPath_options_("contentSet", m_controller, "paths", nil);
+    m_controller.reSync();
+    m_selection.setSelectedObjects_(NSArray::arrayWithObject_(recordOf(m_controller, path)));
+    auto const isShown = [&] { return isSame(m_selection.content(), m_controller.paths()); };
+    requireEventLoop();
+    auto const inEvent = [](std::function<void()> const& work) {
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [&] {
+            work();
+            loop.quit();
+        });
+        loop.exec();
+    };
+    inEvent([&] { m_controller.trashAction_(nil); });
+    ASSERT_TRUE(runUntil([&] { return !exists(path) && isShown(); }));
+    EXPECT_TRUE(selectedPaths().empty());
+    inEvent([&] {
+        m_controller.undoAction_(nil);
+        EXPECT_FALSE(isShown());
+    });
+    ASSERT_TRUE(runUntil([&] { return exists(path) && isShown(); }));
     EXPECT_EQ(selectedPaths(), std::vector{text(path)});
 }
 

@@ -157,6 +157,7 @@ void NSArrayController::Body::show(Arrangement arrangement, std::function<void()
     m_selectedRows = std::move(arrangement.selectedRows);
     gatherSelection();
     m_awaited = std::move(arrangement.stillAwaited);
+    stopAwaitingUpcoming();
     // What is under way was read of what was shown before; whoever is told may run an event loop.
     if (m_upcoming) beginAnew();
     std::exception_ptr const raised = change.tell();
@@ -186,6 +187,7 @@ void NSArrayController::Body::replaceContent(id const& content) {
     Arrangement arrangement = undisturbed([&] { return arrange(sorted(read(content))); });
     forgetUpcomingContent();
     if (content == nil) {
+        m_awaitsUpcoming = false;
         for (Entry const& entry : m_entries) {
             if (entry.isSelected) arrangement.stillAwaited.push_back(entry.identity);
         }
@@ -224,8 +226,26 @@ bool NSArrayController::Body::setSelectedObjects(NSArray const& objects) {
     std::vector<NSUInteger> rows = undisturbed([&] { return rowsOfObjects(objects); });
     bool const isAnyThere = !rows.empty() || objects.count() == 0;
     if (isAnyThere) setSelectedRows(std::move(rows));
+    if (!isAnyThere && hasUpcomingContent()) awaitIdentities(objects);
     if (!m_isReading) makeWaitingChanges();
     return isAnyThere;
+}
+
+void NSArrayController::Body::awaitIdentities(NSArray const& objects) {
+    std::vector<id> identities = undisturbed([&] {
+        std::vector<id> read;
+        for (id const& object : objects)
+            read.push_back(entryOf(object, m_identityKeyPath).identity);
+        return read;
+    });
+    m_awaited = std::move(identities);
+    m_awaitsUpcoming = true;
+}
+
+void NSArrayController::Body::stopAwaitingUpcoming() {
+    if (!m_awaitsUpcoming || hasUpcomingContent()) return;
+    m_awaitsUpcoming = false;
+    m_awaited.clear();
 }
 
 std::vector<NSUInteger> NSArrayController::Body::rowsOfObjects(NSArray const& objects) const {
@@ -242,6 +262,7 @@ std::vector<NSUInteger> NSArrayController::Body::rowsOfObjects(NSArray const& ob
 void NSArrayController::Body::setSelectedRows(std::vector<NSUInteger> rows) {
     std::erase_if(rows, [&](NSUInteger row) { return row >= m_arranged.count(); });
     m_awaited.clear();
+    m_awaitsUpcoming = false;
     if (rows == m_selectedRows) return;
     KeysChange change(self());
     change.with(SelectionKeys);

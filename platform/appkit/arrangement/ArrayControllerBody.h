@@ -140,6 +140,9 @@ private:
     // Of what is selected while another content is under way, the newest state is to be known at once.
     void hastenContent();
     void tellWhetherEmpty();
+    void awaitIdentities(NSArray const& objects);
+    // What no content that is under way has brought is not selected later.
+    void stopAwaitingUpcoming();
     // Takes the selected objects out of the entries.
     void gatherSelection();
     bool readContent();
@@ -172,8 +175,11 @@ private:
     std::vector<NSUInteger> m_selectedRows;
     // Newer than what stands in those rows while another content is under way.
     NSArray m_selected{NSArray::array()};
-    // Identities of what was selected when the content became unknown.
+    // Identities of what was selected when the content became unknown, or is to be selected when what is under way is
+    // shown.
     std::vector<id> m_awaited;
+    // Whether they are awaited no longer than a content is under way.
+    bool m_awaitsUpcoming{false};
     // Only while a change is told.
     NSArray m_previouslyArranged;
     std::vector<NSUInteger> m_previousRows;

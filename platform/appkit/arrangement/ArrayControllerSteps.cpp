@@ -130,6 +130,7 @@ bool NSArrayController::Body::arrangeSome() {
             m_upcoming = Upcoming{.content = std::exchange(m_nextContent, std::nullopt)};
             advanceLater();
         }
+        stopAwaitingUpcoming();
         tellWhetherEmpty();
         throw;
     }

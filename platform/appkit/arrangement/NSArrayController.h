@@ -44,7 +44,9 @@ public:
 
     // In the order of arrangedObjects. Linux: no row is selected until one is selected explicitly.
     NSArray selectedObjects() const;
-    // Selects those that are arranged; false, and nothing changes, when none of a non-empty array is.
+    // Selects those that are arranged; false when none of a non-empty array is. Then nothing changes, but for this:
+    // while another content is arranged in steps, those of them that it brings are selected when it is shown, unless
+    // something is selected before.
     bool setSelectedObjects_(NSArray const& objects) const;
     // The first selected row, NSNotFound without one.
     NSUInteger selectionIndex() const;

@@ -188,6 +188,58 @@ TEST_F(BoundContentInSteps, DoesNotSelectAgainWhatALaterContentLacks) {
     EXPECT_FALSE(isStale);
 }
 
+// What an action brings back it selects at once.
+TEST_F(BoundContentInSteps, SelectsWhatWasToBeSelectedBeforeItIsShown) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    inEvent([&] {
+        m_owner.setPaths_(numberedRecords(ManyRows + 1));
+        m_owner.setPaths_(numberedRecords(ManyRows + 2));
+        EXPECT_FALSE(m_controller.setSelectedObjects_(NSArray::arrayWithObject_(numberedRecord(ManyRows + 1))));
+        EXPECT_EQ(m_controller.selectedObjects().count(), 0U);
+    });
+    ASSERT_TRUE(runUntil([&] { return m_counts.back() == static_cast<NSUInteger>(ManyRows + 2); }));
+    EXPECT_EQ(m_counts, (std::vector<NSUInteger>{ManyRows, ManyRows + 1, ManyRows + 2}));
+    EXPECT_EQ(selectedPath(), "/copies/" + std::to_string(100'000 + ManyRows + 1));
+}
+
+TEST_F(BoundContentInSteps, KeepsWhatTheUserSelectsMeanwhile) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    inEvent([&] {
+        m_owner.setPaths_(numberedRecords(ManyRows + 1));
+        m_controller.setSelectedObjects_(NSArray::arrayWithObject_(numberedRecord(ManyRows)));
+        select({4});
+    });
+    ASSERT_TRUE(runUntil([&] { return m_counts.back() == static_cast<NSUInteger>(ManyRows + 1); }));
+    EXPECT_EQ(selectedPath(), "/copies/100004");
+}
+
+// A selection out of the blue would be the target of the next action.
+TEST_F(BoundContentInSteps, SelectsNothingLaterThatWasToBeSelectedAndWasNotShown) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    inEvent([&] {
+        m_owner.setPaths_(numberedRecords(ManyRows + 1));
+        m_controller.setSelectedObjects_(NSArray::arrayWithObject_(numberedRecord(ManyRows + 1)));
+    });
+    ASSERT_TRUE(runUntil([&] { return m_counts.back() == static_cast<NSUInteger>(ManyRows + 1); }));
+    m_controller.setSelectedObjects_(NSArray::arrayWithObject_(numberedRecord(ManyRows + 1)));
+    m_owner.setPaths_(numberedRecords(ManyRows + 2));
+    EXPECT_EQ(m_controller.arrangedObjects().count(), static_cast<NSUInteger>(ManyRows + 2));
+    EXPECT_EQ(m_controller.selectedObjects().count(), 0U);
+}
+
+// Selected objects are awaited while nothing is known.
+TEST_F(BoundContentInSteps, AwaitsAsLongAsNothingIsKnownWhatWasToBeSelected) {
+    m_owner.setPaths_(numberedRecords(ManyRows));
+    inEvent([&] {
+        m_owner.setPaths_(numberedRecords(ManyRows + 1));
+        m_controller.setSelectedObjects_(NSArray::arrayWithObject_(numberedRecord(ManyRows)));
+        m_owner.setPaths_(nil);
+    });
+    for (int const count : {3, ManyRows + 1})
+        m_owner.setPaths_(numberedRecords(count));
+    EXPECT_EQ(selectedPath(), "/copies/" + std::to_string(100'000 + ManyRows));
+}
+
 // Else the window would say for a moment that there are no copies.
 TEST_F(BoundContentInSteps, IsNotEmptyWhileTheFirstObjectsAreRead) {
     std::vector<bool> told;
