@@ -17,6 +17,17 @@ void fail(NSString const& message) {
     NSLog(message);
 }
 
+// A message of the file manager in the language of the window: what lies behind its last colon is a reason, which may
+// be one of the system's.
+NSString localizedMessage(NSString const& message) {
+    constexpr char separator[] = ": ";
+    NSRange const colon = message.rangeOfString_options_(separator, NSBackwardsSearch);
+    if (colon.location == NSNotFound) return NSLocalizedString(message, nil);
+    NSUInteger const reason = colon.location + colon.length;
+    return message.substringToIndex_(reason).stringByAppendingString_(
+        NSLocalizedString(message.substringFromIndex_(reason), nil));
+}
+
 } // namespace
 
 std::optional<NSString> AppController::onlySelectedPath() const {
@@ -68,8 +79,8 @@ void AppController::deleteAction_(id const&) const {
     NSString const message = pxRemoveFile2(path);
     if (message != nil) {
         fail(message);
-        NSString const text =
-            NSString::stringWithFormat_(NSLocalizedString("The copy could not be deleted: %@", nil), message);
+        NSString const text = NSString::stringWithFormat_(NSLocalizedString("The copy could not be deleted: %@", nil),
+                                                          localizedMessage(message));
         return tell(*this, text, Offer::Nothing);
     }
     isOnHarddiskPaths().removeObject_(path);

@@ -3,6 +3,7 @@
 #include "platform/files/trash/Trash.h"
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/SystemErrorTexts.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/StandardStreams.h"
 #include "platform/system/items/ItemRemoval.h"
@@ -31,6 +32,12 @@ Outcome failed(NSString const& path, std::string const& reason) {
     return {.path = path, .status = Status::Failed, .reason = NSString::stringWithFileSystemRepresentation_(reason)};
 }
 
+Outcome failed(NSString const& path, SystemError const& error) {
+    return {.path = path, .status = Status::Failed, .reason = localizedSystemError(error)};
+}
+
+Outcome failed(NSString const& path, TrashProblem const& problem) { return failed(path, problem.localizedText()); }
+
 // An action on a selection that is not the record of the path would be one on another copy, or none.
 Outcome notSelected(NSString const& path) { return failed(path, localizable("it has left the list meanwhile")); }
 
@@ -40,7 +47,7 @@ Result<OpenItem, Outcome> openCopy(NSString const& path, std::optional<ItemIdent
     Result<OpenItem> item = openCopyAt(path);
     if (!wanted || !item.hasValue()) return noSuchCopy(path);
     Result<IdentifiedItem> const identified = identify(item.value().item);
-    if (!identified.hasValue()) return failed(path, identified.problem().text());
+    if (!identified.hasValue()) return failed(path, identified.problem());
     if (identified.value().identity != *wanted) return failed(path, localizable("another copy has taken its place"));
     return item.takeValue();
 }
@@ -84,7 +91,7 @@ Outcome trash(Copies const& copies, Target const& target) {
     if (!item.hasValue()) return item.problem();
     if (!lookAndSelect(copies, target.path)) return notSelected(target.path);
     Result<TrashedItem, TrashProblem> const trashed = moveToTrash(item.value());
-    if (!trashed.hasValue()) return failed(target.path, trashed.problem().text());
+    if (!trashed.hasValue()) return failed(target.path, trashed.problem());
     return {.path = target.path, .newPath = NSString::stringWithFileSystemRepresentation_(trashed.value().path)};
 }
 
@@ -104,7 +111,7 @@ Outcome restore(Copies const&, Target const& target) {
     NSString const path = target.path;
     auto const place = placeInTrash(bytesOfPath(path));
     bool const isKnown = place.hasValue() || place.problem().kind == TrashProblem::NotThere;
-    if (!isKnown) return failed(path, place.problem().text());
+    if (!isKnown) return failed(path, place.problem());
     bool const isInTrash = place.hasValue() && place.value().has_value();
     std::optional<TrashedItem> const trashed = trashedItemOf(target, isInTrash);
     constexpr char const* missing = localizable("no copy of Mirror Frame is in the trash");
@@ -114,7 +121,7 @@ Outcome restore(Copies const&, Target const& target) {
     if (!item.hasValue()) return {.path = path, .status = Status::Failed, .reason = item.problem().reason};
     // Looks at the identity again, right before the item moves.
     Result<std::string, TrashProblem> const back = putBack(*trashed);
-    if (!back.hasValue()) return failed(path, back.problem().text());
+    if (!back.hasValue()) return failed(path, back.problem());
     return {.path = path, .newPath = NSString::stringWithFileSystemRepresentation_(back.value())};
 }
 
@@ -123,7 +130,7 @@ Outcome erase(Copies const&, Target const& target) {
     Result<OpenItem, Outcome> const item = openCopy(target.path, target.item);
     if (!item.hasValue()) return item.problem();
     Result<void> const removed = removeItem(item.value());
-    return removed.isDone() ? Outcome{.path = target.path} : failed(target.path, removed.problem().text());
+    return removed.isDone() ? Outcome{.path = target.path} : failed(target.path, removed.problem());
 }
 
 Outcome changeIcon(Copies const& copies, Target const& target) {

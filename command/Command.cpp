@@ -7,6 +7,7 @@
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/text/Localization.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/SystemErrorTexts.h"
 #include "platform/foundation/text/VisibleLine.h"
 #include "platform/system/StandardStreams.h"
 #include <cstdio>
@@ -28,7 +29,7 @@ void complain(std::string const& text) { tellPeople("framekeeper-cli: " + text +
 Status print(std::string const& text) {
     Result<void> const written = writeTo(StandardStream::Output, text);
     if (written.isDone()) return Status::Done;
-    complain(written.problem().text());
+    complain(localizedSystemError(written.problem()).UTF8String());
     return Status::NotWritten;
 }
 
@@ -151,7 +152,11 @@ Status change(CommandLine const& line) {
     // Quitting and revealing may be interrupted at any moment, and asking a copy to quit may take a minute.
     bool const changesDisk = line.verb != Verb::Quit && line.verb != Verb::Reveal;
     if (changesDisk) holdInterruptions();
+    bool const isForPrograms = line.form == OutputForm::JSON;
+    // Reasons that are put together while acting stay in English then.
+    if (isForPrograms) loadLocalization("", {});
     std::vector<Outcome> const outcomes = act(line, targets, Copies());
+    if (isForPrograms) loadLocalization();
     tellPeople(complaints(outcomes));
     Status status = Status::Done;
     for (Outcome const& outcome : outcomes)

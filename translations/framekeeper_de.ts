@@ -1069,5 +1069,173 @@ Opens the window, or brings the open one to the front.
     <source>the file beside it is now at %@</source>
     <translation>die Datei daneben ist jetzt hier: %@</translation>
 </message>
+<message>
+    <source>Operation not permitted</source>
+    <translation>Der Vorgang ist nicht erlaubt</translation>
+</message>
+<message>
+    <source>No such file or directory</source>
+    <translation>Datei oder Ordner nicht gefunden</translation>
+</message>
+<message>
+    <source>Interrupted system call</source>
+    <translation>Unterbrochener Systemaufruf</translation>
+</message>
+<message>
+    <source>Input/output error</source>
+    <translation>Ein-/Ausgabefehler</translation>
+</message>
+<message>
+    <source>No such device or address</source>
+    <translation>Gerät oder Adresse nicht gefunden</translation>
+</message>
+<message>
+    <source>Argument list too long</source>
+    <translation>Die Argumentliste ist zu lang</translation>
+</message>
+<message>
+    <source>Exec format error</source>
+    <translation>Kein ausführbares Programm</translation>
+</message>
+<message>
+    <source>Resource temporarily unavailable</source>
+    <translation>Zurzeit nicht verfügbar</translation>
+</message>
+<message>
+    <source>Cannot allocate memory</source>
+    <translation>Nicht genug Arbeitsspeicher</translation>
+</message>
+<message>
+    <source>Permission denied</source>
+    <translation>Keine Berechtigung</translation>
+</message>
+<message>
+    <source>Device or resource busy</source>
+    <translation>Gerät oder Objekt wird gerade benutzt</translation>
+</message>
+<message>
+    <source>File exists</source>
+    <translation>Die Datei existiert bereits</translation>
+</message>
+<message>
+    <source>Invalid cross-device link</source>
+    <translation>Nicht von einem Volume zum anderen möglich</translation>
+</message>
+<message>
+    <source>No such device</source>
+    <translation>Gerät nicht gefunden</translation>
+</message>
+<message>
+    <source>Not a directory</source>
+    <translation>Kein Ordner</translation>
+</message>
+<message>
+    <source>Is a directory</source>
+    <translation>Ein Ordner</translation>
+</message>
+<message>
+    <source>Invalid argument</source>
+    <translation>Ungültiges Argument</translation>
+</message>
+<message>
+    <source>Too many open files in system</source>
+    <translation>Zu viele offene Dateien im System</translation>
+</message>
+<message>
+    <source>Too many open files</source>
+    <translation>Zu viele offene Dateien</translation>
+</message>
+<message>
+    <source>Text file busy</source>
+    <translation>Das Programm läuft gerade</translation>
+</message>
+<message>
+    <source>File too large</source>
+    <translation>Die Datei ist zu groß</translation>
+</message>
+<message>
+    <source>No space left on device</source>
+    <translation>Kein Platz mehr auf dem Volume</translation>
+</message>
+<message>
+    <source>Read-only file system</source>
+    <translation>Das Volume kann nur gelesen werden</translation>
+</message>
+<message>
+    <source>Too many links</source>
+    <translation>Zu viele Verweise</translation>
+</message>
+<message>
+    <source>File name too long</source>
+    <translation>Der Dateiname ist zu lang</translation>
+</message>
+<message>
+    <source>Directory not empty</source>
+    <translation>Der Ordner ist nicht leer</translation>
+</message>
+<message>
+    <source>Too many levels of symbolic links</source>
+    <translation>Zu viele symbolische Links hintereinander</translation>
+</message>
+<message>
+    <source>No data available</source>
+    <translation>Keine Daten vorhanden</translation>
+</message>
+<message>
+    <source>Network is unreachable</source>
+    <translation>Das Netzwerk ist nicht erreichbar</translation>
+</message>
+<message>
+    <source>Transport endpoint is not connected</source>
+    <translation>Keine Verbindung</translation>
+</message>
+<message>
+    <source>Operation not supported</source>
+    <translation>Der Vorgang wird nicht unterstützt</translation>
+</message>
+<message>
+    <source>Connection timed out</source>
+    <translation>Zeitüberschreitung der Verbindung</translation>
+</message>
+<message>
+    <source>Connection refused</source>
+    <translation>Verbindung abgelehnt</translation>
+</message>
+<message>
+    <source>Host is down</source>
+    <translation>Der Rechner ist ausgeschaltet</translation>
+</message>
+<message>
+    <source>No route to host</source>
+    <translation>Der Rechner ist nicht erreichbar</translation>
+</message>
+<message>
+    <source>Stale file handle</source>
+    <translation>Die Datei gibt es auf dem Server nicht mehr</translation>
+</message>
+<message>
+    <source>Structure needs cleaning</source>
+    <translation>Das Dateisystem muss repariert werden</translation>
+</message>
+<message>
+    <source>Remote I/O error</source>
+    <translation>Ein-/Ausgabefehler auf dem Server</translation>
+</message>
+<message>
+    <source>Disk quota exceeded</source>
+    <translation>Das Kontingent auf dem Volume ist erschöpft</translation>
+</message>
+<message>
+    <source>Required key not available</source>
+    <translation>Der nötige Schlüssel fehlt</translation>
+</message>
+<message>
+    <source>%@ of &quot;%@&quot;: %@</source>
+    <translation>%@ von „%@“: %@</translation>
+</message>
+<message>
+    <source>It cannot be started any more</source>
+    <translation>Es kann nicht mehr gestartet werden</translation>
+</message>
 </context>
 </TS>

@@ -1,4 +1,5 @@
 #include "platform/preferences/LoginItemsStore.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/TemporaryName.h"
 #include <algorithm>
@@ -80,6 +81,11 @@ Result<void> putMaskedFirst(std::vector<ReadItem>& removals) {
     return {};
 }
 
+std::string pathOf(id const& element) {
+    NSString const path = as<NSString>(as<NSDictionary>(element).objectForKey_("Path"));
+    return path.fileSystemRepresentation().value_or("");
+}
+
 // Elements that are the very objects read come first, then equal ones, so that each of several equal entries is told
 // from the others as far as possible. Fails for an element that the desktop may be able to start, or did start, and for
 // which no entry can be made now: nothing would start it from the list of preferences alone.
@@ -118,7 +124,7 @@ Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
         if (hasForm.value())
             plan.additions.push_back(as<NSDictionary>(element));
         else if (std::ranges::any_of(known.vanished, [&](id const& item) { return item.isEqual_(element); }))
-            return SystemError{.code = ENOEXEC, .operation = "start", .item = "login item"};
+            return SystemError{.code = ENOEXEC, .operation = "start", .item = pathOf(element)};
         else
             plan.kept.addObject_(element);
     }
@@ -128,6 +134,9 @@ Result<Plan> planFor(NSArray const& items, KnownLoginItems const& known) {
 
 // A file that could not be made has a name that tells people nothing: they are told its folder.
 Failure failureOf(SystemError error) {
+    if (error.is(ENOEXEC))
+        return {error.item + ": " +
+                NSLocalizedString("It cannot be started any more", "A login item, by its path").UTF8String()};
     if (parseTemporaryName(BytePath(error.item).leaf())) error.item = autostartFolders().front();
     return failureForPeople(error);
 }

@@ -1,5 +1,6 @@
 #include "platform/preferences/NativeStores.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/SystemErrorTexts.h"
 #include "platform/preferences/LoginItemsStore.h"
 #include "platform/preferences/ToolbarItemsStore.h"
 #include <array>
@@ -22,7 +23,7 @@ constexpr auto Stores = std::to_array<NativeStore>({
 
 std::string reasonOf(SystemError const& error) {
     // The system's words for it speak of messages.
-    if (!error.is(EBADMSG)) return textOfSystemError(error.code);
+    if (!error.is(EBADMSG)) return localizedSystemError(error.code).UTF8String();
     return NSLocalizedString("The file is damaged", "A list or settings that cannot be read").UTF8String();
 }
 

@@ -5,6 +5,7 @@
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/running/NSNotificationCenter.h"
 #include "platform/foundation/running/NSRunLoop.h"
+#include "platform/foundation/text/SystemErrorTexts.h"
 #include "platform/spotlight/SearchPlan.h"
 #include "platform/system/BytePath.h"
 #include "platform/system/XDGFolders.h"
@@ -32,7 +33,7 @@ NSArray foldersWithReasons(std::vector<SystemError> const& errors) {
     NSMutableArray const folders = NSMutableArray::array();
     for (SystemError const& error : errors) {
         NSString const path = NSString::stringWithFileSystemRepresentation_(error.item);
-        NSString const reason = NSString::stringWithUTF8String_(textOfSystemError(error.code));
+        NSString const reason = localizedSystemError(error.code);
         folders.addObject_(NSDictionary::dictionaryWithObjectsAndKeys_({path, "path", reason, "reason"}));
     }
     return uncheckedCast<NSArray>(folders.copy());
@@ -272,7 +273,7 @@ void NSMetadataQuery::Body::tellUnreadable(VolumeWalkProgress const& progress) {
     if (progress.unreadableFolders == 0) return;
     SystemError const& first = progress.firstUnreadable.front();
     NSLog("Folders that could not be read: %llu, the first: %@ (%s)", progress.unreadableFolders,
-          NSString::stringWithFileSystemRepresentation_(first.item), std::strerror(first.code));
+          NSString::stringWithFileSystemRepresentation_(first.item), textOfSystemError(first.code));
 }
 
 void NSMetadataQuery::Body::deliverFolderChanges() {

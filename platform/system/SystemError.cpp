@@ -1,5 +1,6 @@
 #include "platform/system/SystemError.h"
 #include <cerrno>
+#include <cstring>
 #include <system_error>
 
 namespace mac {
@@ -10,7 +11,10 @@ SystemError lastSystemError(char const* operation, std::string_view item) {
 }
 
 std::string textOfSystemError(int code) {
-    return code == ItemIsLocked ? "The item is locked" : std::generic_category().message(code);
+    if (code == ItemIsLocked) return "The item is locked";
+    // Whatever the locale: the toolkit sets it when it likes.
+    char const* const text = ::strerrordesc_np(code);
+    return text ? text : std::generic_category().message(code);
 }
 
 std::string SystemError::text() const {

@@ -18,14 +18,14 @@ struct SystemError {
     std::string item{};
 
     bool is(int errorNumber) const { return code == errorNumber; }
-    // In UTF-8, for people: rename of "notes.txt": Permission denied.
+    // In English and UTF-8: rename of "notes.txt": Permission denied.
     std::string text() const;
 };
 
 // The error of the system call on the line above it, which has just set errno.
 SystemError lastSystemError(char const* operation, std::string_view item = {});
 
-// A code's text in UTF-8, in the program's language: "Permission denied".
+// A code's text in English: "Permission denied".
 std::string textOfSystemError(int code);
 
 } // namespace mac

@@ -1,3 +1,4 @@
+#include "tests/app/InGerman.h"
 #include "tests/app/SelectedCopies.h"
 
 namespace framekeeper::test {
@@ -139,6 +140,17 @@ TEST_F(ItemActions, LogWhyACopyCouldNotBeDeletedWithTheMessageAsTheFormat) {
     EXPECT_TRUE(notice().starts_with("The copy could not be deleted: ")) << notice();
     EXPECT_NE(notice().find("100%@"), std::string::npos) << notice();
     EXPECT_EQ(onHarddisk(), std::vector{text(path)});
+}
+
+// For people in their language, in the log as ever.
+TEST_F(ItemActions, TellWhyACopyCouldNotBeDeletedInTheLanguageOfTheWindow) {
+    InGerman const german;
+    NSString const path = findCopy("a");
+    select({path});
+    std::filesystem::remove_all(text(path));
+    m_controller.deleteAction_(nil);
+    expectFailure("\"Mirror Frame.app\": No such file or directory");
+    EXPECT_EQ(notice(), "Die Kopie ließ sich nicht löschen: \"Mirror Frame.app\": Datei oder Ordner nicht gefunden");
 }
 
 TEST_F(ItemActions, DoNothingUnlessExactlyOneCopyIsSelected) {

@@ -196,7 +196,7 @@ TEST_F(LoginItems, AListThatCannotBeReadIsToldInTheWindowUntilItCanBe) {
     InGerman const german;
     std::string const folder = m_folder.makeFile("config/autostart", "no folder");
     m_controller.syncIsAutolaunched();
-    std::string const why = folder + ": " + textOfSystemError(ENOTDIR);
+    std::string const why = folder + ": Kein Ordner";
     EXPECT_EQ(text(m_controller.notice()), "Die Anmeldeobjekte waren nicht lesbar: " + why);
     EXPECT_FALSE(m_controller.noticeOffersUndo());
     std::filesystem::remove(folder);

@@ -57,6 +57,16 @@ TEST_F(PutBack, SaysWhyNotInTheLanguageOfTheWindow) {
     EXPECT_EQ(notice(), "Das Objekt kann nicht zurückgelegt werden: Es liegt nicht im Papierkorb");
 }
 
+TEST_F(PutBack, SaysInTheLanguageOfTheWindowWhatTheSystemRefused) {
+    InGerman const german;
+    NSString const path = findCopy("a");
+    trashAndSelect(path);
+    std::filesystem::remove(m_desktop.folder.path("a"));
+    m_controller.putBackAction_(nil);
+    EXPECT_TRUE(notice().starts_with("Das Objekt kann nicht zurückgelegt werden: Datei oder Ordner nicht gefunden"))
+        << notice();
+}
+
 TEST_F(PutBack, RefusesForACopyThatLiesInNoTrash) {
     NSString const path = findCopy("a");
     select({path});

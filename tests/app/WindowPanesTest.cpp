@@ -1,5 +1,6 @@
 #include "platform/preferences/NSUserDefaults.h"
 #include "platform/system/SystemError.h"
+#include "tests/app/InGerman.h"
 #include "tests/app/OpenedWindow.h"
 #include <QAbstractButton>
 #include <QLabel>
@@ -113,6 +114,17 @@ TEST_F(Window, ListsTheFoldersThatCouldNotBeReadWithTheReason) {
     QTest::mouseClick(find<QAbstractButton>("closeUnreadableButton"), Qt::LeftButton);
     EXPECT_FALSE(panel->isVisible());
     EXPECT_FALSE(button->isChecked());
+}
+
+TEST_F(Window, SaysWhyAFolderCouldNotBeReadInItsLanguage) {
+    InGerman const german;
+    std::string const missing = m_folder.path("missing");
+    mac::test::EnvironmentVariable const computer("FRAMEKEEPER_LOCAL_COMPUTER", m_folder.path() + ":" + missing);
+    open();
+    ASSERT_TRUE(gathered());
+    QAbstractItemModel const* const folders = find<QTableView>("unreadableTable")->model();
+    ASSERT_EQ(folders->rowCount(), 1);
+    EXPECT_EQ(folders->index(0, 1).data().toString().toStdString(), "Datei oder Ordner nicht gefunden");
 }
 
 TEST_F(Window, KeepsTheListOfFoldersOpenWhileTheyAreSearchedAnew) {

@@ -1,5 +1,6 @@
 #include "tests/command/CommandRun.h"
 #include <algorithm>
+#include <filesystem>
 
 // What the command prints, of many copies and in the user's language.
 
@@ -43,6 +44,22 @@ TEST_F(CommandListing, SpeaksTheLanguageOfPeopleAndNotToPrograms) {
     EXPECT_NE(run({"--help"}).output.find("Aufruf: framekeeper-cli"), std::string::npos);
     copyAt("a");
     EXPECT_TRUE(run({"list"}).output.starts_with("VERSION    VORHANDEN")) << run({"list"}).output;
+}
+
+// What the system refused is a reason, too.
+TEST_F(CommandListing, GivesTheSystemsReasonsToPeopleInTheirLanguageAndToProgramsAsEver) {
+    mac::test::EnvironmentVariable const language("LANGUAGE", "de");
+    mac::test::EnvironmentVariable const locale("LC_ALL", "de_DE.UTF-8");
+    std::string const copy = copyAt("a");
+    std::string const folder = m_desktop.folder.makeFile("config/autostart", "no folder");
+    EXPECT_NE(run({"login", "add", copy}).errors.find(folder + ": Kein Ordner\n"), std::string::npos);
+    CommandRun const done = run({"login", "add", "--json", copy});
+    EXPECT_NE(done.output.find("\"the list could not be read: " + folder + ": Not a directory\""), std::string::npos)
+        << done.output;
+    ASSERT_EQ(run({"trash", copy}).status, 0);
+    std::filesystem::remove(std::filesystem::path(copy).parent_path());
+    EXPECT_NE(run({"restore", copy}).errors.find("Datei oder Ordner nicht gefunden"), std::string::npos);
+    EXPECT_NE(run({"restore", "--json", copy}).output.find("No such file or directory"), std::string::npos);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/appkit/interface/NSApplicationMain.h"
 #include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/foundation/text/NSString.h"
+#include "platform/foundation/text/SystemErrorTexts.h"
 #include "platform/foundation/text/VisibleLine.h"
 #include "platform/system/StandardStreams.h"
 #include <algorithm>
@@ -71,7 +72,8 @@ int say(ProgramNames const& names, std::string const& text) {
     Result<void> const written = writeTo(StandardStream::Output, text);
     if (written.isDone()) return 0;
     // If that cannot be written either, the status is left.
-    static_cast<void>(writeTo(StandardStream::Errors, names.command + ": " + written.problem().text() + "\n"));
+    std::string const reason = localizedSystemError(written.problem()).UTF8String();
+    static_cast<void>(writeTo(StandardStream::Errors, names.command + ": " + reason + "\n"));
     return 1;
 }
 

@@ -27,8 +27,8 @@ std::string problemText(TrashProblem const& problem, SentenceTranslation transla
     std::string text = translated(problem.what);
     if (text.empty()) return text;
     std::string reason = sentenceText(problem.reason, translated);
-    if (reason.empty() && problem.error.is(ItemIsLocked)) reason = translated(localizable("The item is locked"));
-    text += ": " + (reason.empty() ? textOfSystemError(problem.error.code) : reason);
+    if (reason.empty()) reason = translated(textOfSystemError(problem.error.code).c_str());
+    text += ": " + reason;
     std::string const whereabouts = sentenceText(problem.whereabouts, translated);
     return whereabouts.empty() ? text : text + "; " + whereabouts;
 }

@@ -52,7 +52,7 @@ struct TrashProblem {
     // Where the items are now, unless all are where they were.
     TrashSentence whereabouts{};
 
-    // For people, in UTF-8; empty if nothing failed. What the system says is in the program's language in both.
+    // In English, and in the language of the catalogue; in UTF-8. Empty if nothing failed.
     std::string text() const;
     std::string localizedText() const;
 };

@@ -1,13 +1,13 @@
 #include "platform/foundation/running/NSTask.h"
 #include "platform/foundation/objects/Exceptions.h"
 #include "platform/foundation/objects/Method.h"
+#include "platform/system/SystemError.h"
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <optional>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -49,9 +49,7 @@ pid_t spawned(std::vector<std::string>& words) {
     pointers.push_back(nullptr);
     pid_t child = -1;
     int const error = ::posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ);
-    if (error != 0)
-        throw NSInvalidArgumentException("The launch path cannot be started: " +
-                                         std::generic_category().message(error));
+    if (error != 0) throw NSInvalidArgumentException("The launch path cannot be started: " + textOfSystemError(error));
     return child;
 }
 

@@ -182,6 +182,9 @@ TEST_F(LoginItemsStore, WhatWasStartedBeforeIsNotWrittenWithoutAnEntry) {
     std::filesystem::remove(m_folder.path("config/autostart/a.desktop"));
     ASSERT_EQ(::chmod(program.c_str(), 0644), 0);
     ASSERT_EQ(read().count(), 0U);
+    NativeWriting const refused = writeLoginItems(items);
+    ASSERT_FALSE(refused.isDone());
+    EXPECT_EQ(refused.problem->reason, program + ": It cannot be started any more");
     EXPECT_FALSE(write(items));
     EXPECT_EQ(read().count(), 0U);
     ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
