@@ -129,6 +129,7 @@ private:
     void readBinding();
     void change(Criteria criteria);
     void advanceLater();
+    void takeStep();
     void advanceNowAndLater();
     // False while there is more to do.
     bool advance();

@@ -103,14 +103,14 @@ void NSArrayController::Body::advanceNowAndLater() {
 void NSArrayController::Body::advanceLater() {
     if (!m_steps) {
         m_steps = std::make_unique<QTimer>();
-        QObject::connect(m_steps.get(), &QTimer::timeout, m_steps.get(), [this] {
-            guarded([this] {
-                m_steps->stop();
-                inTurn([this] { advanceNowAndLater(); });
-            });
-        });
+        QObject::connect(m_steps.get(), &QTimer::timeout, m_steps.get(), [this] { guarded([this] { takeStep(); }); });
     }
     m_steps->start();
+}
+
+void NSArrayController::Body::takeStep() {
+    m_steps->stop();
+    inTurn([this] { advanceNowAndLater(); });
 }
 
 bool NSArrayController::Body::advance() {
