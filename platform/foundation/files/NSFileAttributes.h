@@ -26,7 +26,8 @@ inline constexpr char NSFileSystemNumber[] = "NSFileSystemNumber";
 inline constexpr char NSFileSystemFileNumber[] = "NSFileSystemFileNumber";
 // The number of the device that a special file stands for.
 inline constexpr char NSFileDeviceIdentifier[] = "NSFileDeviceIdentifier";
-// Truth values.
+// Truth values. Linux: NSFileExtensionHidden is always NO, and to set it changes nothing; the Finder information has a
+// flag for it (kLSItemExtensionIsHidden, FSGetCatalogInfo).
 inline constexpr char NSFileImmutable[] = "NSFileImmutable";
 inline constexpr char NSFileAppendOnly[] = "NSFileAppendOnly";
 inline constexpr char NSFileExtensionHidden[] = "NSFileExtensionHidden";

@@ -4,6 +4,7 @@
 #include "platform/foundation/objects/Weak.h"
 #include "platform/foundation/running/Log.h"
 #include "tests/platform/spotlight/MetadataQuery.h"
+#include "tests/support/OrdinaryUser.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -170,6 +171,21 @@ TEST_F(MetadataQuery, CountsTheFoldersThatItCannotReadAndNamesOne) {
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_NE(lines[0].find(folder.path("gone")), std::string::npos);
     EXPECT_FALSE(bodyOf(recorder)->changedKeys.empty());
+}
+
+TEST_F(MetadataQuery, NamesAPackageWhoseContentsMayNotBeSearched) {
+    std::string const contents = folder.makeFolder("a/Mirror Frame.app/Contents");
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(::chmod(contents.c_str(), 0), 0);
+    {
+        OrdinaryUser const user;
+        ASSERT_TRUE(gather());
+    }
+    EXPECT_EQ(query.resultCount(), 1U);
+    EXPECT_EQ(query.unreadableFolderCount(), 1U);
+    ASSERT_EQ(query.unreadableFolders().count(), 1U);
+    id const unreadable = query.unreadableFolders().objectAtIndex_(0);
+    EXPECT_TRUE(unreadable.valueForKey_("path").isEqual_(string(contents)));
 }
 
 TEST_F(MetadataQuery, TellsObserversWhenItBeginsAndEndsToGather) {

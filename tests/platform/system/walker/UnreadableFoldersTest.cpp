@@ -1,10 +1,14 @@
+#include "platform/system/LongPath.h"
+#include "platform/system/walker/FolderFacts.h"
 #include "platform/system/walker/VolumeWalker.h"
+#include "tests/platform/system/walker/Rescan.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
@@ -79,6 +83,26 @@ TEST(UnreadableFolders, AreThoseInPackagesThatMayNotBeSearched) {
         EXPECT_EQ(one.code, EACCES);
     }
     EXPECT_EQ(sorted(paths), (Paths{inside, packages[1] + "/Contents"}));
+}
+
+TEST(UnreadableFolders, InPackagesAreAskedForAgainWhereNothingElseIsRead) {
+    TemporaryFolder const folder;
+    FileDescriptor const top = openPath(folder.path(), O_RDONLY | O_DIRECTORY).takeValue();
+    if (!timesTellChanges(volumeIdentityOf(top).value()))
+        GTEST_SKIP() << "the times on the file system of " << folder.path() << " cannot be relied on";
+    std::string const inside = folder.makeFolder("a/A.app/Contents");
+    OrdinaryUser::own(inside);
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    VolumeWalkRequest const request{.roots = {folder.path()}, .folderInPackages = "Contents"};
+    Rescan rescan;
+    OrdinaryUser const user;
+    EXPECT_EQ(rescan.walk(request).progress.unreadableFolders, 0U);
+    for (unsigned const mode : {0U, 0755U}) {
+        ASSERT_EQ(::chmod(inside.c_str(), mode), 0);
+        VolumeWalkProgress const progress = rescan.walk(request).progress;
+        EXPECT_EQ(progress.listsRead, 0U);
+        EXPECT_EQ(progress.unreadableFolders, mode == 0 ? 1U : 0U);
+    }
 }
 
 TEST(UnreadableFolders, AreKeptUpToALimitInTheProgress) {
