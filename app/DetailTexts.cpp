@@ -12,6 +12,14 @@ NSString orDash(NSString const& text) { return text == nil || text.length() == 0
 
 NSString versionText(NSDictionary const& record) { return orDash(as<NSString>(record.objectForKey_("versionString"))); }
 
+// A folder that a script has moved is known by a path with a slash at its end; people read it without.
+NSString pathText(NSDictionary const& record) {
+    NSString path = as<NSString>(record.objectForKey_("path"));
+    while (path.length() > 1 && path.hasSuffix_("/"))
+        path = path.substringToIndex_(path.length() - 1);
+    return path;
+}
+
 NSString sizeText(DetailFacts const& facts) {
     if (!facts.size) return NSLocalizedString("Adding up…", "While the size of a copy is found out");
     if (!facts.size->hasValue()) return "–";
@@ -121,7 +129,7 @@ NSDictionary detailValues(DetailFacts const& facts) {
     if (facts.record == nil) return values;
     bool const exists = isSet(facts.record, "exists");
     bool const isComparing = facts.comparison.stage == Comparison::Stage::UnderWay;
-    values.setObject_forKey_(orDash(as<NSString>(facts.record.objectForKey_("path"))), "path");
+    values.setObject_forKey_(orDash(pathText(facts.record)), "path");
     values.setObject_forKey_(versionText(facts.record), "version");
     values.setObject_forKey_(sizeText(facts), "size");
     values.setObject_forKey_(dateText(facts, &DiskFacts::created), "created");

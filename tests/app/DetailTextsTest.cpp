@@ -35,6 +35,16 @@ TEST(DetailTexts, SayWhatIsNotKnownYet) {
     EXPECT_TRUE(flag(detailValues(facts), "canCompare"));
 }
 
+TEST(DetailTexts, TellTheFoldersPathWithoutTheSlashAtItsEnd) {
+    EXPECT_EQ(shownOf(factsOfACopy(), "path"), "/a/Mirror Frame.app");
+    for (char const* const path : {"/a/Mirror Frame.app/", "/a/Mirror Frame.app//"})
+        EXPECT_EQ(shownOf({.record = NSDictionary::dictionaryWithObjectsAndKeys_(
+                               {NSString::stringWithUTF8String_(path), "path"})},
+                          "path"),
+                  "/a/Mirror Frame.app");
+    EXPECT_EQ(shownOf({.record = NSDictionary::dictionaryWithObjectsAndKeys_({"/", "path"})}, "path"), "/");
+}
+
 TEST(DetailTexts, CountItemsAndWhatCouldNotBeRead) {
     DetailFacts facts = factsOfACopy();
     facts.size = TreeSize{.allocated = 4096, .contents = 10, .items = 1};

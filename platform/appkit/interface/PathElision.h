@@ -14,10 +14,13 @@ struct CommonPath {
     qsizetype end{0};
 };
 
-// Finds what paths have in common, path after path.
+// The path as people write it: without slashes at its end, but for the root.
+std::u16string_view withoutEndSlashes(std::u16string_view path);
+
+// Finds what paths have in common, path after path; slashes at their ends do not count.
 class CommonPathFinder {
 public:
-    void add(std::u16string_view path);
+    void add(std::u16string_view pathWithSlashes);
     // Whether further paths cannot change what is left out: at most the first slash is in common.
     bool isEmpty() const;
     CommonPath result() const;

@@ -29,7 +29,8 @@ struct TableColumn {
     // The key of another order whose rows stand as this column sorts them, or nearly so: the header shows it as its
     // own.
     NSString orderKey;
-    // Cells that are too narrow leave out what all paths have in common, and not what differs.
+    // A column of paths. Cells that are too narrow leave out what all paths have in common, and not what differs; a
+    // slash at the end is not shown.
     bool elidesCommonPath{false};
     bool fillsWidth{false};
     bool fitsContents{false};

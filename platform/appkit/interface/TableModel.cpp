@@ -4,6 +4,7 @@
 #include "platform/appkit/interface/ThemeColors.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/running/EventLoop.h"
+#include "platform/system/BytePath.h"
 #include <QCoreApplication>
 #include <QScopedValueRollback>
 #include <algorithm>
@@ -72,7 +73,8 @@ std::vector<std::string> TableModel::pathsOf(std::vector<int> rows) const {
     guarded([&] {
         for (int const row : rows) {
             NSString const path = as<NSString>(valueOfKeyPath(objectAt(row), m_fileKeyPath));
-            if (std::optional<std::string> bytes = path.fileSystemRepresentation()) paths.push_back(std::move(*bytes));
+            if (std::optional<std::string> const bytes = path.fileSystemRepresentation())
+                paths.emplace_back(BytePath(*bytes).bytes());
         }
     });
     return paths;

@@ -64,6 +64,24 @@ TEST(TableModel, TellsViewsEveryReplacementAsMovesRemovalsAndAdditions) {
     }
 }
 
+// A copy that a script has just moved is known by such a path; the other rows look as before.
+TEST(TableModel, ShowsThePathOfAFolderWithoutTheSlashAtItsEnd) {
+    needApplication();
+    TableModel model({TableColumn::fromLines("path", {"keyPath=path", "elides=commonPath"}), column("path")});
+    model.setFileKeyPath("path");
+    auto const row = [](NSString const& path) { return NSDictionary::dictionaryWithObject_forKey_(path, "path"); };
+    model.resetRows(NSArray::arrayWithObjects_(
+        {row("/copies/a/M.app"), row("/copies/b/M.app/"), row("/copies/c/M.app//"), row("/")}));
+    EXPECT_EQ(model.index(1, 0).data().toString(), "/copies/b/M.app");
+    EXPECT_EQ(model.index(2, 0).data().toString(), "/copies/c/M.app");
+    EXPECT_EQ(model.index(3, 0).data().toString(), "/");
+    EXPECT_EQ(model.index(1, 1).data().toString(), "/copies/b/M.app/") << "a column of another kind";
+    EXPECT_EQ(model.pathsOf({0, 1}), (std::vector<std::string>{"/copies/a/M.app", "/copies/b/M.app"}));
+    model.resetRows(NSArray::arrayWithObjects_({row("/copies/a/M.app"), row("/copies/b/M.app/")}));
+    EXPECT_EQ(model.commonPath(0).start, 8);
+    EXPECT_EQ(model.commonPath(0).end, 6);
+}
+
 TEST(TableModel, ShowsNewObjectsInOldRows) {
     needApplication();
     TableModel model({column("name")});
