@@ -196,7 +196,7 @@ public:
     Value ofContents() const {
         return contents()->property(Property).value_or(Value::missing());
     }
-    bool setValue(Value const& value, TextContext const& context) {
+    bool setValue(Value const& value, TextContext const& context) const {
         return contents()->setProperty(codes::Value, value, context);
     }
     std::optional<std::vector<ModelPointer>> items(Code elementType) const { return contents()->elements(elementType); }

@@ -5,7 +5,6 @@
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/OrdinaryUser.h"
 #include "tests/support/TemporaryFolder.h"
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -20,11 +19,6 @@ namespace mac::test {
 namespace {
 
 using Paths = std::vector<std::string>;
-
-Paths sorted(Paths paths) {
-    std::ranges::sort(paths);
-    return paths;
-}
 
 } // namespace
 

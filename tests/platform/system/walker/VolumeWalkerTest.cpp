@@ -1,7 +1,6 @@
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/TemporaryFolder.h"
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -18,11 +17,6 @@ namespace mac::test {
 namespace {
 
 using Paths = std::vector<std::string>;
-
-Paths sorted(Paths paths) {
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
 
 void makePackages(TemporaryFolder const& folder, int count) {
     for (int index = 0; index < count; ++index)

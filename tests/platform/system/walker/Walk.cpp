@@ -16,6 +16,11 @@
 
 namespace mac::test {
 
+std::vector<std::string> sorted(std::vector<std::string> paths) {
+    std::ranges::sort(paths);
+    return paths;
+}
+
 WalkResult walk(VolumeWalkRequest const& request) {
     std::binary_semaphore finished{0};
     VolumeWalker* started = nullptr;
@@ -25,9 +30,7 @@ WalkResult walk(VolumeWalkRequest const& request) {
     started = &walker;
     if (!walker.start()) throw std::runtime_error("the walk did not start");
     finished.acquire();
-    WalkResult result{.paths = walker.takeFound(), .progress = walker.progress()};
-    std::sort(result.paths.begin(), result.paths.end());
-    return result;
+    return {.paths = sorted(walker.takeFound()), .progress = walker.progress()};
 }
 
 std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request) { return walk(request).paths; }
@@ -53,8 +56,7 @@ std::vector<std::string> packagesByFind(std::string const& folder) {
     std::vector<std::string> paths;
     for (std::size_t start = 0; start < output.size(); start = output.find('\0', start) + 1)
         paths.emplace_back(output.c_str() + start);
-    std::sort(paths.begin(), paths.end());
-    return paths;
+    return sorted(std::move(paths));
 }
 
 namespace {

@@ -21,6 +21,8 @@ struct WalkResult {
     VolumeWalkProgress progress;
 };
 
+std::vector<std::string> sorted(std::vector<std::string> paths);
+
 // Walks to the end.
 WalkResult walk(VolumeWalkRequest const& request);
 std::vector<std::string> pathsOfWalk(VolumeWalkRequest const& request);
