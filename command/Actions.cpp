@@ -208,6 +208,9 @@ Outcome removeFrom(MembershipList const& list, Copies const& copies, NSString co
 Outcome addToLogin(Copies const& copies, Target const& target) {
     NSString const path = target.path;
     if (!isCopyAt(path)) return noSuchCopy(path);
+    auto const place = placeInTrash(bytesOfPath(path));
+    bool const isInTrash = place.hasValue() && place.value().has_value();
+    if (isInTrash) return failed(path, localizable("it is in the trash, and can be restored"));
     // The list is written whole: what could not be read of it would be missing then.
     int const unread = beepsDuring([&] { copies.controller().syncIsAutolaunched(); });
     if (unread > 0) return notRead(path, copies.controller().loginItemsProblem());

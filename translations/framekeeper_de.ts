@@ -1237,5 +1237,13 @@ Opens the window, or brings the open one to the front.
     <source>It cannot be started any more</source>
     <translation>Es kann nicht mehr gestartet werden</translation>
 </message>
+<message>
+    <source>In the trash</source>
+    <translation>Im Papierkorb</translation>
+</message>
+<message>
+    <source>it is in the trash, and can be restored</source>
+    <translation>sie liegt im Papierkorb und kann mit „restore“ zurückgelegt werden</translation>
+</message>
 </context>
 </TS>

@@ -323,5 +323,21 @@ TEST_F(Window, TakesAHundredThousandRows) {
     EXPECT_EQ(table()->model()->rowCount(), 100'000);
 }
 
+TEST_F(Window, DoesNotOfferToStartACopyInTheTrashAtLogin) {
+    mac::test::EnvironmentVariable const data{"XDG_DATA_HOME", m_folder.makeFolder("data")};
+    makeCopy(m_folder, "data/Trash/files");
+    makeCopy(m_folder, "a");
+    open();
+    ASSERT_TRUE(gathered());
+    ASSERT_EQ(table()->model()->rowCount(), 2);
+    auto* const action = find<QAction>("addToAutoLaunchAction");
+    for (int const row : {0, 1}) {
+        bool const isInTrash = cellText(row, Path).find("/Trash/") != std::string::npos;
+        table()->selectRow(row);
+        EXPECT_TRUE(runUntil([&] { return action->isEnabled() != isInTrash; })) << cellText(row, Path);
+        EXPECT_EQ(action->toolTip().contains("In the trash"), isInTrash) << action->toolTip().toStdString();
+    }
+}
+
 } // namespace
 } // namespace framekeeper::test
