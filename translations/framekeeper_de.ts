@@ -1245,5 +1245,9 @@ Opens the window, or brings the open one to the front.
     <source>it is in the trash, and can be restored</source>
     <translation>sie liegt im Papierkorb und kann mit „restore“ zurückgelegt werden</translation>
 </message>
+<message>
+    <source>Copyright © 2026 The Framekeeper authors. Released under the MIT License, without any warranty.</source>
+    <translation>Copyright © 2026 The Framekeeper authors. Veröffentlicht unter der MIT-Lizenz, ohne jede Gewährleistung.</translation>
+</message>
 </context>
 </TS>

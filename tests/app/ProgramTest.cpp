@@ -1,7 +1,11 @@
 #include "platform/events/AppleEvents.h"
+#include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/processes/Processes.h"
+#include "tests/app/InGerman.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Environment.h"
+#include "tests/support/ObjectTexts.h"
 #include "tests/support/TemporaryFolder.h"
 #include <array>
 #include <cstdlib>
@@ -153,6 +157,18 @@ TEST(Program, EndsAfterItsReplyWhenAnotherOneAsksItToQuit) {
     EXPECT_EQ(sendEvent(psn, kCoreEventClass, AEEventID("odoc")), errAEEventNotHandled);
     EXPECT_EQ(sendEvent(psn, kCoreEventClass, kAEQuitApplication), noErr);
     EXPECT_EQ(program.wait(), 0);
+}
+
+// The window takes it from the program's bundle.
+TEST(Program, HasItsCopyrightInTheLanguageOfTheWindow) {
+    InGerman const german;
+    std::string const bundle = std::filesystem::path(PROGRAM).parent_path().parent_path().parent_path();
+    NSString const copyright =
+        as<NSString>(NSBundle::bundleWithPath_(NSString::stringWithFileSystemRepresentation_(bundle))
+                         .objectForInfoDictionaryKey_("NSHumanReadableCopyright"));
+    EXPECT_EQ(
+        mac::test::text(NSLocalizedString(copyright, nil)),
+        "Copyright © 2026 The Framekeeper authors. Veröffentlicht unter der MIT-Lizenz, ohne jede Gewährleistung.");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "platform/appkit/interface/Forms.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/bundles/NSBundle.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <QAction>
 #include <QCoreApplication>
 #include <QDialogButtonBox>
@@ -146,7 +147,7 @@ void showAboutPanel(QWidget* window) {
     panel->setText(version == nil
                        ? title
                        : QCoreApplication::translate("Framekeeper", "%1, version %2").arg(title, visibleText(version)));
-    panel->setInformativeText(visibleTextOf(ofMainBundle("NSHumanReadableCopyright")));
+    panel->setInformativeText(visibleTextOf(NSLocalizedString(ofMainBundle("NSHumanReadableCopyright"), nil)));
     panel->setStandardButtons(QMessageBox::Close);
     nameCloseButton(panel->button(QMessageBox::Close));
     panel.release()->show();

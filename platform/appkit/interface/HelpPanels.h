@@ -23,7 +23,7 @@ std::vector<CommandKeys> commandKeysOf(QWidget const* window);
 void showKeysOf(QWidget* window);
 
 // Shows what the main bundle says of the program: CFBundleName, CFBundleShortVersionString and
-// NSHumanReadableCopyright, which names the licence too. At most one such panel is open.
+// NSHumanReadableCopyright, which names the licence too and is a key of the catalogues. At most one such panel is open.
 void showAboutPanel(QWidget* window);
 
 } // namespace mac
