@@ -50,7 +50,7 @@ NSArray AppController::readAllAutolaunchItems() const {
     if (*this == nil) return nil;
     ListRead const read = loginItemsReadAnew();
     if (read.problem != nil) beepAndLog("Error: CFPreferencesSynchronize");
-    keepReadingProblem(*this, ListChange::List::LoginItems, read.problem);
+    keepReadingProblem(*this, SessionList::LoginItems, read.problem);
     return read.items;
 }
 
@@ -91,7 +91,7 @@ void AppController::addToAutoLaunchAction_(id const&) const {
     id const record = selected.objectAtIndex_(0);
     NSMutableArray const items = NSMutableArray::arrayWithArray_(allAutolaunchItems());
     NSMutableArray const copies = NSMutableArray::array();
-    ListChange change{.list = ListChange::List::LoginItems};
+    ListChange change{.list = SessionList::LoginItems};
     for (NSUInteger index = 0; index < items.count(); ++index) {
         if (pathOfCopy(items.objectAtIndex_(index)) == nil) continue;
         copies.addObject_(items.objectAtIndex_(index));
@@ -104,7 +104,7 @@ void AppController::addToAutoLaunchAction_(id const&) const {
     bool const isWritten = exists && writeAllAutolaunchItems_(NSArray::arrayWithArray_(items));
     if (!isWritten) {
         beepAndLog("ERROR: Could not add as Login Item.");
-        if (exists) tellWritingProblem(*this, ListChange::List::LoginItems);
+        if (exists) tellWritingProblem(*this, SessionList::LoginItems);
         return;
     }
     syncIsAutolaunched();
@@ -127,13 +127,13 @@ void AppController::unAutoLaunchAction_(id const&) const {
         beepAndLog("Item is not auto-launched.");
         return;
     }
-    ListChange change{.list = ListChange::List::LoginItems, .removed = {removedItem(items, index)}};
+    ListChange change{.list = SessionList::LoginItems, .removed = {removedItem(items, index)}};
     items.removeObjectAtIndex_(index);
     bool const isWritten = writeAllAutolaunchItems_(NSArray::arrayWithArray_(items));
     if (!isWritten) beepAndLog("Could remove auto-launch entry.");
     syncIsAutolaunched();
     reSync();
-    if (!isWritten) return tellWritingProblem(*this, ListChange::List::LoginItems);
+    if (!isWritten) return tellWritingProblem(*this, SessionList::LoginItems);
     remember(*this, std::move(change));
     tell(*this, NSLocalizedString("Removed from the login items.", nil), Offer::Undo);
 }

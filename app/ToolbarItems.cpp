@@ -50,7 +50,7 @@ NSArray AppController::readAllToolbarItems() const {
     if (*this == nil) return nil;
     ListRead const read = toolbarItemsReadAnew();
     if (read.problem != nil) report("Error: CFPreferencesSynchronize");
-    keepReadingProblem(*this, ListChange::List::ToolbarItems, read.problem);
+    keepReadingProblem(*this, SessionList::ToolbarItems, read.problem);
     return read.items;
 }
 
@@ -83,13 +83,13 @@ void AppController::unToolbarAction_(id const& sender) const {
         report("Item is not in toolbar.");
         return;
     }
-    ListChange change{.list = ListChange::List::ToolbarItems, .removed = {removedItem(items, index)}};
+    ListChange change{.list = SessionList::ToolbarItems, .removed = {removedItem(items, index)}};
     items.removeObjectAtIndex_(index);
     bool const isWritten = writeAllToolbarItems_(NSArray::arrayWithArray_(items));
     if (!isWritten) report("Could remove toolbar item.");
     syncIsInToolbar();
     reSync();
-    if (!isWritten) return tellWritingProblem(*this, ListChange::List::ToolbarItems);
+    if (!isWritten) return tellWritingProblem(*this, SessionList::ToolbarItems);
     remember(*this, std::move(change));
     tell(*this, NSLocalizedString("Removed from the places.", nil), Offer::Undo);
     quitFinderAction_(sender);

@@ -4,8 +4,6 @@
 #include "platform/foundation/objects/KeyValueObserving.h"
 #include "platform/foundation/running/Beep.h"
 #include "platform/foundation/text/NSLocalizedString.h"
-#include "platform/preferences/CFPreferences.h"
-#include "platform/preferences/PreferenceDomains.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -16,11 +14,6 @@ constexpr std::size_t MostSteps = 100;
 
 NSString couldNotBeUndone(NSString const& reason) {
     return NSString::stringWithFormat_(NSLocalizedString("That could not be undone: %@", nil), reason);
-}
-
-// For people; nil if nothing failed. Holds paths, whose bytes need not be text.
-NSString textOf(Result<void, Failure> const& outcome) {
-    return outcome.isDone() ? NSString() : NSString::stringWithFileSystemRepresentation_(outcome.problem().reason);
 }
 
 // The outcome of taking a step back.
@@ -44,19 +37,6 @@ Undone takeBack(AppController const& controller, TrashedCopy const& copy) {
     controller.reSync();
     selectIfNothingIs(controller, copy.path);
     return {.notice = NSLocalizedString("Put back.", nil)};
-}
-
-// How one of the lists is read and written.
-struct ListAccess {
-    ListRead (*read)();
-    bool (AppController::*write)(NSArray const&) const;
-    void (AppController::*sync)() const;
-};
-
-ListAccess accessTo(ListChange::List list) {
-    if (list == ListChange::List::LoginItems)
-        return {loginItemsReadAnew, &AppController::writeAllAutolaunchItems_, &AppController::syncIsAutolaunched};
-    return {toolbarItemsReadAnew, &AppController::writeAllToolbarItems_, &AppController::syncIsInToolbar};
 }
 
 NSUInteger countOfEqual(NSArray const& list, id const& item) {
@@ -90,7 +70,7 @@ Undone takeBack(AppController const& controller, ListChange const& change) {
     (controller.*list.sync)();
     controller.reSync();
     if (!isWritten) return {couldNotBeUndone(controller.writingProblem()), Undone::Step::Stays};
-    if (change.list == ListChange::List::LoginItems)
+    if (change.list == SessionList::LoginItems)
         return {.notice = NSLocalizedString("The login items are as before.", nil)};
     // The file browser takes up the list when it starts; one that does not run will.
     if (bodyOf(controller)->_lookUpFinder() != nil) controller.quitFinderAction_(nil);
@@ -158,56 +138,6 @@ void tell(AppController const& controller, NSString const& notice, Offer offer) 
     bodyOf(controller)->_notice = notice;
     bodyOf(controller)->_noticeOffersUndo = offer == Offer::Undo;
 }
-
-ListRead listReadAnew(NSString const& domain, NSString const& key) {
-    Result<void, Failure> const read = synchronizePreferences(domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    id const items = CFPreferencesCopyValue(key, domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    return {items == nil ? NSArray::array() : as<NSArray>(items), textOf(read)};
-}
-
-void keepReadingProblem(AppController const& controller, ListChange::List list, NSString const& problem) {
-    AppController::Body& body = *bodyOf(controller);
-    bool const isOfLoginItems = list == ListChange::List::LoginItems;
-    NSString& kept = isOfLoginItems ? body._loginItemsProblem : body._placesProblem;
-    if (problem == nil && kept == nil) return;
-    {
-        KeyChange const change(controller, isOfLoginItems ? NSString("loginItemsProblem") : NSString("placesProblem"));
-        kept = problem;
-    }
-    if (problem == nil) return;
-    NSMutableArray const lines = NSMutableArray::array();
-    if (body._loginItemsProblem != nil)
-        lines.addObject_(NSString::stringWithFormat_(NSLocalizedString("The login items could not be read: %@", nil),
-                                                     body._loginItemsProblem));
-    if (body._placesProblem != nil)
-        lines.addObject_(NSString::stringWithFormat_(NSLocalizedString("The places could not be read: %@", nil),
-                                                     body._placesProblem));
-    tell(controller, lines.componentsJoinedByString_("; "), Offer::Nothing);
-}
-
-void tellWritingProblem(AppController const& controller, ListChange::List list) {
-    NSString const problem = controller.writingProblem();
-    if (problem == nil) return;
-    NSString const format = list == ListChange::List::LoginItems
-                                ? NSLocalizedString("The login items could not be changed: %@", nil)
-                                : NSLocalizedString("The places could not be changed: %@", nil);
-    tell(controller, NSString::stringWithFormat_(format, problem), Offer::Nothing);
-}
-
-bool writeList(AppController const& controller, NSString const& domain) {
-    Result<void, Failure> const written =
-        synchronizePreferences(domain, kCFPreferencesCurrentUser, kCFPreferencesAnyHost);
-    bodyOf(controller)->_writingProblem = textOf(written);
-    return written.isDone();
-}
-
-NSString AppController::writingProblem() const { return *this == nil ? NSString() : bodyOf(*this)->_writingProblem; }
-
-NSString AppController::loginItemsProblem() const {
-    return *this == nil ? NSString() : bodyOf(*this)->_loginItemsProblem;
-}
-
-NSString AppController::placesProblem() const { return *this == nil ? NSString() : bodyOf(*this)->_placesProblem; }
 
 NSString AppController::notice() const { return *this == nil ? NSString() : bodyOf(*this)->_notice; }
 

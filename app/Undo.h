@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppController.h"
+#include "app/SessionLists.h"
 #include "platform/files/trash/Trash.h"
 #include <variant>
 #include <vector>
@@ -20,7 +21,6 @@ struct TrashedCopy {
 
 // A change of the login items or of the toolbar items.
 struct ListChange {
-    enum class List { LoginItems, ToolbarItems };
     struct Removed {
         id item{};
         // The item's index in the list before the change, and how many items equal to it the list had.
@@ -28,29 +28,11 @@ struct ListChange {
         NSUInteger equalItems{1};
     };
 
-    List list{List::LoginItems};
+    SessionList list{SessionList::LoginItems};
     // In ascending order.
     std::vector<Removed> removed{};
     std::vector<id> added{};
 };
-
-// The values of a list, read anew.
-struct ListRead {
-    NSArray items{};
-    // Why something that may hold items could not be read, for people; nil if all could.
-    NSString problem{};
-};
-// Reads the list that the domain has under the key, as it is on the disk now.
-ListRead listReadAnew(NSString const& domain, NSString const& key);
-ListRead loginItemsReadAnew();
-ListRead toolbarItemsReadAnew();
-
-// Keeps why the list could not be read, nil if it could, and shows in the window the reasons of both lists.
-void keepReadingProblem(AppController const& controller, ListChange::List list, NSString const& problem);
-// Writes what was set in the domain, and keeps why that failed as the controller's writing problem.
-bool writeList(AppController const& controller, NSString const& domain);
-// Shows in the window why the list could not be written.
-void tellWritingProblem(AppController const& controller, ListChange::List list);
 
 struct SwappedIcon {
     NSString path{};

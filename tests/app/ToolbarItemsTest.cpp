@@ -150,16 +150,6 @@ TEST_F(ToolbarItems, AreReadWhereNotAllCanBe) {
               "The places could not be read: " + file + ": The places in it cannot be used as they are written");
 }
 
-TEST_F(ToolbarItems, AreToldTogetherWithTheLoginItemsIfNeitherCanBeRead) {
-    m_desktop.folder.makeFile("data/user-places.xbel", "<xbel>");
-    m_desktop.folder.makeFile("config/autostart", "no folder");
-    m_controller.syncIsAutolaunched();
-    m_controller.syncIsInToolbar();
-    EXPECT_EQ(text(m_controller.notice()),
-              "The login items could not be read: " + text(m_controller.loginItemsProblem()) +
-                  "; The places could not be read: " + text(m_controller.placesProblem()));
-}
-
 TEST_F(ToolbarItems, AreMarkedInTheRecords) {
     NSString const copy = pathString(m_desktop.folder.makeBundle(
         "a/Mirror Frame.app", mac::test::informationFile(CompanionIdentifier, "2.1", "210")));

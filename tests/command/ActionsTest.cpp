@@ -169,5 +169,18 @@ TEST_F(CommandActions, LeaveThePathsBehindAnInterruptionAlone) {
     EXPECT_TRUE(isThere(first) && isThere(second));
 }
 
+// What the trash holds is on its way out; at the next login it may be gone.
+TEST_F(CommandActions, DoNotStartACopyInTheTrashAtLogin) {
+    std::string const copy = copyAt("a");
+    ASSERT_EQ(run({"login", "add", copy}).status, 0);
+    std::string const other = copyAt("b");
+    std::string trashed = run({"trash", other}).output;
+    trashed.erase(trashed.find_last_not_of('\n') + 1);
+    CommandRun const done = run({"login", "add", trashed});
+    EXPECT_EQ(done.status, 1);
+    EXPECT_NE(done.errors.find("it is in the trash"), std::string::npos) << done.errors;
+    EXPECT_EQ(run({"login", "-0"}).output, copy + '\0');
+}
+
 } // namespace
 } // namespace framekeeper::test

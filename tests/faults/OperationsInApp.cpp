@@ -86,7 +86,7 @@ void makeLoginItem(Fixture const& fixture) {
 std::optional<UndoStep> addingOfLoginItem(Fixture const&, AppController const& controller) {
     NSArray const items = controller.readAllAutolaunchItems();
     if (items == nil || items.count() != 1) return std::nullopt;
-    return ListChange{ListChange::List::LoginItems, {}, {items.objectAtIndex_(0)}};
+    return ListChange{SessionList::LoginItems, {}, {items.objectAtIndex_(0)}};
 }
 
 // Brings back an entry that was removed before.
@@ -101,7 +101,7 @@ Operation undoingRemoval(Operation operation) {
         if (std::remove(fixture.path(EntryFile).c_str()) != 0) throw std::runtime_error("the entry cannot be removed");
     };
     MakeStep const step = [removed](Fixture const&, AppController const&) {
-        return std::optional<UndoStep>(ListChange{ListChange::List::LoginItems, {*removed}, {}});
+        return std::optional<UndoStep>(ListChange{SessionList::LoginItems, {*removed}, {}});
     };
     return undoing(step, "The login items are as before.", std::move(operation));
 }
@@ -131,7 +131,7 @@ Operation undoingRemovalOfPlace(Operation operation) {
         makeOtherPlaces(fixture);
     };
     MakeStep const step = [removed](Fixture const&, AppController const&) {
-        return std::optional<UndoStep>(ListChange{ListChange::List::ToolbarItems, {*removed}, {}});
+        return std::optional<UndoStep>(ListChange{SessionList::ToolbarItems, {*removed}, {}});
     };
     return undoing(step, "Back in the places.", std::move(operation));
 }
