@@ -106,7 +106,7 @@ Statement* ScriptParser::parseTry() {
         expectEndOf("error");
     else
         expectEndOf("try", statement.errorBlock ? u"“end”" : u"“on”, etc.");
-    return makeStatement(first, std::move(statement));
+    return makeStatement(first, statement);
 }
 
 // on error message number n from x to c partial result r; on error number -128
