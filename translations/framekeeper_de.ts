@@ -1249,5 +1249,49 @@ Opens the window, or brings the open one to the front.
     <source>Copyright © 2026 The Framekeeper authors. Released under the MIT License, without any warranty.</source>
     <translation>Copyright © 2026 The Framekeeper authors. Veröffentlicht unter der MIT-Lizenz, ohne jede Gewährleistung.</translation>
 </message>
+<message>
+    <source>there are too many places</source>
+    <translation>es sind zu viele Orte</translation>
+</message>
+<message>
+    <source>there is no such entry</source>
+    <translation>diesen Eintrag gibt es nicht</translation>
+</message>
+<message>
+    <source>the entry cannot be taken out</source>
+    <translation>der Eintrag kann nicht herausgenommen werden</translation>
+</message>
+<message>
+    <source>the entry cannot be put back</source>
+    <translation>der Eintrag kann nicht zurückgelegt werden</translation>
+</message>
+<message>
+    <source>there is no such place</source>
+    <translation>diesen Ort gibt es nicht</translation>
+</message>
+<message>
+    <source>it is not in UTF-8</source>
+    <translation>sie ist nicht in UTF-8</translation>
+</message>
+<message>
+    <source>it defines entities</source>
+    <translation>sie definiert Entitäten</translation>
+</message>
+<message>
+    <source>elements are nested too deep</source>
+    <translation>Elemente sind zu tief verschachtelt</translation>
+</message>
+<message>
+    <source>it is not a list of bookmarks</source>
+    <translation>sie ist keine Liste von Lesezeichen</translation>
+</message>
+<message>
+    <source>a tag has too many attributes</source>
+    <translation>ein Tag hat zu viele Attribute</translation>
+</message>
+<message>
+    <source>its elements cannot be told apart</source>
+    <translation>ihre Elemente sind nicht zu unterscheiden</translation>
+</message>
 </context>
 </TS>

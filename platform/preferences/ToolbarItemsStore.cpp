@@ -92,7 +92,9 @@ Failure failureOf(PlacesProblem const& problem) {
     NSString const reason =
         isForm ? NSLocalizedString("The places in it cannot be used as they are written", "A list of places")
                : NSLocalizedString("Another program has changed the file", "A list that cannot be written");
-    return {problem.file + ": " + reason.UTF8String()};
+    std::string text = problem.file + ": " + reason.UTF8String();
+    if (isForm) text += ": " + NSLocalizedString(stringOf(problem.reason), nil).UTF8String();
+    return {std::move(text)};
 }
 
 } // namespace

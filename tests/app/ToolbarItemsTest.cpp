@@ -147,7 +147,8 @@ TEST_F(ToolbarItems, AreReadWhereNotAllCanBe) {
     expectReports({"Error: CFPreferencesSynchronize"});
     std::string const file = m_desktop.folder.path("data/user-places.xbel");
     EXPECT_EQ(text(m_controller.notice()),
-              "The places could not be read: " + file + ": The places in it cannot be used as they are written");
+              "The places could not be read: " + file +
+                  ": The places in it cannot be used as they are written: Premature end of document.");
 }
 
 TEST_F(ToolbarItems, AreMarkedInTheRecords) {

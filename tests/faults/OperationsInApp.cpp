@@ -17,6 +17,7 @@ namespace {
 
 using framekeeper::AppController;
 using framekeeper::ListChange;
+using framekeeper::SessionList;
 using framekeeper::SwappedIcon;
 using framekeeper::TrashedCopy;
 using framekeeper::UndoStep;

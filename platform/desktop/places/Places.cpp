@@ -23,23 +23,14 @@ constexpr int MostAttempts = 10;
 PlacesFormat const& formatOf(PlacesList list) { return list == PlacesList::GTK ? BookmarksFormat : XBELFormat; }
 
 PlacesProblem systemProblem(SystemError const& error, std::string const& file) {
-    return {.kind = PlacesProblem::Kind::System,
-            .text = "The places cannot be used: " + error.text(),
-            .file = file,
-            .cause = error};
+    return {.kind = PlacesProblem::Kind::System, .file = file, .cause = error};
 }
 
 PlacesProblem formProblem(std::string const& file, Failure const& failure) {
-    return {.kind = PlacesProblem::Kind::Form,
-            .text = "The places in “" + file + "” are left alone, since " + failure.reason,
-            .file = file};
+    return {.kind = PlacesProblem::Kind::Form, .file = file, .reason = failure.reason};
 }
 
-PlacesProblem changedProblem(std::string const& file) {
-    return {.kind = PlacesProblem::Kind::Changed,
-            .text = "The places in “" + file + "” have been changed by another program",
-            .file = file};
-}
+PlacesProblem changedProblem(std::string const& file) { return {.kind = PlacesProblem::Kind::Changed, .file = file}; }
 
 // A file's text and state; the state is nullopt if there is no file.
 struct PlacesText {

@@ -41,9 +41,9 @@ struct PlacesProblem {
     };
 
     Kind kind;
-    // In English and UTF-8: names the file.
-    std::string text;
-    std::string file{};
+    std::string file;
+    // Why the file is not in its form, in English and UTF-8, mostly a key of the catalogues; empty for the other kinds.
+    std::string reason{};
     std::optional<SystemError> cause{};
 };
 

@@ -1,5 +1,6 @@
 #include "platform/desktop/places/PlacesFormat.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include "platform/system/ASCII.h"
 #include <algorithm>
 #include <optional>
@@ -37,7 +38,7 @@ Result<PlaceEntries, Failure> readBookmarks(std::string_view text) {
         std::size_t const lineFeed = std::min(text.find('\n', begin), text.size());
         std::size_t const end = std::min(lineFeed + 1, text.size());
         if (auto found = uriAndLabel(text.substr(begin, lineFeed - begin))) {
-            if (read.entries.size() == MostPlaces) return Failure{"there are too many places"};
+            if (read.entries.size() == MostPlaces) return Failure{localizable("there are too many places")};
             read.entries.push_back({std::move(found->first), std::move(found->second), begin, end});
         }
         begin = end;

@@ -1,4 +1,5 @@
 #include "platform/desktop/places/PlacesFormat.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <algorithm>
 #include <optional>
 
@@ -66,7 +67,7 @@ Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::strin
     Result<PlaceEntries, Failure> const read = format.read(text);
     if (!read.hasValue()) return read.problem();
     std::vector<PlaceEntry> const& entries = read.value().entries;
-    if (index >= entries.size()) return Failure{"there is no such entry"};
+    if (index >= entries.size()) return Failure{localizable("there is no such entry")};
     PlaceEntry const& entry = entries[index];
     EntryNames names = namesOf(entries);
     auto const position = names.begin() + static_cast<std::ptrdiff_t>(index);
@@ -80,7 +81,7 @@ Result<RemovedEntry, Failure> removeEntry(PlacesFormat const& format, std::strin
     std::ranges::reverse(removed.entriesBefore);
     names.erase(position);
     std::string rest = format.joined(removed.before, "", removed.after);
-    if (!readsAs(format, rest, names)) return Failure{"the entry cannot be taken out"};
+    if (!readsAs(format, rest, names)) return Failure{localizable("the entry cannot be taken out")};
     text = std::move(rest);
     return removed;
 }
@@ -94,7 +95,7 @@ Result<void, Failure> restoreEntry(PlacesFormat const& format, std::string& text
     for (std::size_t const position : positionsFor(entry, text, read.value())) {
         if (!whole) whole = textWith(format, text, read.value(), position, entry);
     }
-    if (!whole) return Failure{"the entry cannot be put back"};
+    if (!whole) return Failure{localizable("the entry cannot be put back")};
     text = std::move(*whole);
     return {};
 }
@@ -110,7 +111,7 @@ Result<void, Failure> addEntry(PlacesFormat const& format, std::string& text, st
     Result<PlaceEntries, Failure> const written =
         format.read(format.joined(frame.substr(0, end), entry, frame.substr(end)));
     if (!written.hasValue()) return written.problem();
-    if (written.value().entries.size() != 1) return Failure{"there is no such place"};
+    if (written.value().entries.size() != 1) return Failure{localizable("there is no such place")};
 
     Result<PlaceEntries, Failure> const read = format.read(text);
     if (!read.hasValue()) return read.problem();

@@ -1,4 +1,5 @@
 #include "platform/desktop/places/PlacesFormat.h"
+#include "platform/foundation/text/NSLocalizedString.h"
 #include <QXmlStreamReader>
 #include <algorithm>
 #include <optional>
@@ -41,10 +42,10 @@ private:
     void take(QXmlStreamReader::TokenType token) {
         switch (token) {
         case QXmlStreamReader::StartDocument:
-            if (!isInUTF8()) m_problem = "it is not in UTF-8";
+            if (!isInUTF8()) m_problem = localizable("it is not in UTF-8");
             break;
         case QXmlStreamReader::DTD:
-            if (m_reader.text().contains(u'[')) m_problem = "it defines entities";
+            if (m_reader.text().contains(u'[')) m_problem = localizable("it defines entities");
             break;
         case QXmlStreamReader::StartElement:
             m_names.push_back(m_reader.qualifiedName().toString());
@@ -71,10 +72,11 @@ private:
 
     void begin(QString const& name) {
         m_text.clear();
-        if (m_names.size() > DeepestElement) m_problem = "elements are nested too deep";
-        if (m_names.size() == 1 && name != QLatin1String("xbel")) m_problem = "it is not a list of bookmarks";
+        if (m_names.size() > DeepestElement) m_problem = localizable("elements are nested too deep");
+        if (m_names.size() == 1 && name != QLatin1String("xbel"))
+            m_problem = localizable("it is not a list of bookmarks");
         if (m_names.size() != 2 || name != QLatin1String("bookmark")) return;
-        if (m_bookmarks.size() == MostPlaces) m_problem = "there are too many places";
+        if (m_bookmarks.size() == MostPlaces) m_problem = localizable("there are too many places");
         m_bookmarks.push_back({.uri = m_reader.attributes().value(QLatin1String("href")).toString().toStdString()});
     }
 
@@ -191,14 +193,14 @@ private:
 };
 
 Result<PlaceEntries, Failure> readXBEL(std::string_view text) {
-    if (text.find('\0') != std::string_view::npos) return Failure{"it is not in UTF-8"};
+    if (text.find('\0') != std::string_view::npos) return Failure{localizable("it is not in UTF-8")};
     XBELScanner scanner(text);
     bool const isScanned = scanner.scan();
-    if (scanner.hasCrowdedTag()) return Failure{"a tag has too many attributes"};
+    if (scanner.hasCrowdedTag()) return Failure{localizable("a tag has too many attributes")};
     Result<std::vector<XBELBookmark>, Failure> bookmarks = XBELReader(text).read();
     if (!bookmarks.hasValue()) return bookmarks.problem();
     if (!isScanned || scanner.bookmarks().size() != bookmarks.value().size())
-        return Failure{"its elements cannot be told apart"};
+        return Failure{localizable("its elements cannot be told apart")};
     PlaceEntries read{.entries = {}, .endOfList = scanner.endOfList()};
     for (std::size_t index = 0; index < bookmarks.value().size(); ++index) {
         XBELBookmark& bookmark = bookmarks.value()[index];

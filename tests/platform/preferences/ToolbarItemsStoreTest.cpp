@@ -81,7 +81,13 @@ TEST_F(ToolbarItemsStoreTest, AnswersWhatCanBeReadBesideAFileThatCannot) {
     m_folder.makeFile("data/user-places.xbel", "<xbel>");
     NativeItems const read = m_store.read(NSArray::array());
     ASSERT_TRUE(read.problem);
-    EXPECT_EQ(read.problem->reason, m_userPlaces + ": The places in it cannot be used as they are written");
+    std::string const why = m_userPlaces + ": The places in it cannot be used as they are written: ";
+    EXPECT_EQ(read.problem->reason, why + "Premature end of document.");
+    m_folder.makeFile("data/user-places.xbel", "<html/>");
+    NativeItems const other = m_store.read(NSArray::array());
+    ASSERT_TRUE(other.problem);
+    EXPECT_EQ(other.problem->reason, why + "it is not a list of bookmarks");
+    m_folder.makeFile("data/user-places.xbel", "<xbel>");
     EXPECT_EQ(urls(read.items), Texts{"file:///a"});
     EXPECT_TRUE(m_store.write(NSArray::array()).isDone()) << "the file that cannot be read has nothing to change";
     EXPECT_EQ(textOf(m_userPlaces), "<xbel>");
