@@ -2,6 +2,7 @@
 #include "platform/foundation/numbers/NSNumber.h"
 #include "platform/foundation/text/Localization.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include <algorithm>
 
 namespace framekeeper {
@@ -14,10 +15,8 @@ NSString versionText(NSDictionary const& record) { return orDash(as<NSString>(re
 
 // A folder that a script has moved is known by a path with a slash at its end; people read it without.
 NSString pathText(NSDictionary const& record) {
-    NSString path = as<NSString>(record.objectForKey_("path"));
-    while (path.length() > 1 && path.hasSuffix_("/"))
-        path = path.substringToIndex_(path.length() - 1);
-    return path;
+    NSString const path = as<NSString>(record.objectForKey_("path"));
+    return path.substringToIndex_(static_cast<NSUInteger>(withoutTrailingSlashes(path.codeUnits()).size()));
 }
 
 NSString sizeText(DetailFacts const& facts) {

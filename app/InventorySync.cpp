@@ -2,6 +2,7 @@
 #include "app/AppControllerBody.h"
 #include "platform/foundation/objects/Weak.h"
 #include "platform/foundation/running/NSRunLoop.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -11,8 +12,9 @@ namespace framekeeper {
 namespace {
 
 // A folder that was moved to the trash is known by a path with a slash at its end, a query's results have none.
-NSString withoutLastSlash(NSString const& path) {
-    return path.codeUnits().ends_with(u'/') ? path.substringToIndex_(path.length() - 1) : path;
+NSString withoutTrailingSlash(NSString const& path) {
+    std::size_t const length = withoutTrailingSlashes(path.codeUnits()).size();
+    return length == path.length() ? path : path.substringToIndex_(static_cast<NSUInteger>(length));
 }
 
 NSArray resultsOfQuery(AppController const& controller) {
@@ -50,12 +52,11 @@ NSString InventorySync::pathAt(std::size_t index) const {
 }
 
 bool InventorySync::hasFound(NSString const& path) const {
-    NSString const plain = withoutLastSlash(path);
+    NSString const plain = withoutTrailingSlash(path);
     return m_found.containsObject_(plain) || (!isSame(plain, path) && m_found.containsObject_(path));
 }
 
 void InventorySync::look(SyncStep const& step) {
-    if (step.paths == EverythingAtOnce.paths) return lookAtOnce();
     auto const start = std::chrono::steady_clock::now();
     std::size_t const end = std::min(pathCount(), m_looked + step.paths);
     std::size_t const fewest = m_looked + step.fewestPaths;
@@ -66,7 +67,7 @@ void InventorySync::look(SyncStep const& step) {
     }
 }
 
-void InventorySync::lookAtOnce() {
+void InventorySync::lookAtRest() {
     std::vector<NSString> paths;
     for (; m_looked < pathCount(); ++m_looked)
         paths.push_back(pathAt(m_looked));
@@ -84,8 +85,13 @@ void InventorySync::take(NSString const& path, BundleLook look) {
 }
 
 void InventorySync::setDiskPaths(AppController const& controller) {
-    look(EverythingAtOnce);
+    lookAtRest();
     controller.setIsOnHarddiskPaths_(m_found);
+}
+
+void InventorySync::advanceToEnd(AppController const& controller) {
+    lookAtRest();
+    advance(controller, EverythingAtOnce);
 }
 
 bool InventorySync::advance(AppController const& controller, SyncStep const& step) {
@@ -123,7 +129,7 @@ void syncInSteps(AppController const& controller) {
 
 void syncAtOnce(AppController const& controller) {
     cancelSteps(controller);
-    InventorySync(resultsOfQuery(controller)).advance(controller, EverythingAtOnce);
+    InventorySync(resultsOfQuery(controller)).advanceToEnd(controller);
 }
 
 void restartSteps(AppController const& controller) {

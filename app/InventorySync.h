@@ -20,6 +20,8 @@ public:
 
     // Looks at, or makes records of, as many paths as the step has at most. False when the inventory is set.
     bool advance(AppController const& controller, SyncStep const& step);
+    // Does all that is left, without a break.
+    void advanceToEnd(AppController const& controller);
     // Replaces the disk's paths alone, all at once.
     void setDiskPaths(AppController const& controller);
 
@@ -28,7 +30,7 @@ private:
     NSString pathAt(std::size_t index) const;
     bool hasFound(NSString const& path) const;
     void look(SyncStep const& step);
-    void lookAtOnce();
+    void lookAtRest();
     void take(NSString const& path, BundleLook look);
 
     NSArray m_results;

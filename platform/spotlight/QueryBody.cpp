@@ -211,7 +211,7 @@ void NSMetadataQuery::Body::deliverFinds() {
 }
 
 bool NSMetadataQuery::Body::takeFinds() {
-    // Who waits for the end alone has nothing else to do between the steps.
+    // A query that ends with gathering has no window whose events must be handled between the steps.
     std::size_t const step = m_endsWithGathering ? m_taking->paths.size() : m_itemsInStep;
     std::size_t const end = std::min(m_taking->paths.size(), m_taking->taken + step);
     while (m_taking->taken < end) {

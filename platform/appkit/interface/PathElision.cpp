@@ -1,4 +1,5 @@
 #include "platform/appkit/interface/PathElision.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include <algorithm>
 
 namespace mac {
@@ -14,14 +15,8 @@ QString withoutCommonStart(QString const& path, CommonPath const& common) {
 
 } // namespace
 
-std::u16string_view withoutEndSlashes(std::u16string_view path) {
-    while (path.size() > 1 && path.ends_with(u'/'))
-        path.remove_suffix(1);
-    return path;
-}
-
 void CommonPathFinder::add(std::u16string_view pathWithSlashes) {
-    std::u16string_view const path = withoutEndSlashes(pathWithSlashes);
+    std::u16string_view const path = withoutTrailingSlashes(pathWithSlashes);
     if (m_count++ == 0) {
         m_first = path;
         m_start = m_end = path.size();

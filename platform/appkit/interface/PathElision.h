@@ -14,9 +14,6 @@ struct CommonPath {
     qsizetype end{0};
 };
 
-// The path as people write it: without slashes at its end, but for the root.
-std::u16string_view withoutEndSlashes(std::u16string_view path);
-
 // Finds what paths have in common, path after path; slashes at their ends do not count.
 class CommonPathFinder {
 public:

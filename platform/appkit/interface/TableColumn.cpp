@@ -1,9 +1,9 @@
 #include "platform/appkit/interface/TableColumn.h"
 #include "platform/appkit/arrangement/KeptOrder.h"
-#include "platform/appkit/interface/PathElision.h"
 #include "platform/appkit/interface/VisibleText.h"
 #include "platform/foundation/running/Log.h"
 #include "platform/foundation/text/NSLocalizedString.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include <QHash>
 #include <functional>
 
@@ -77,7 +77,7 @@ QString TableColumn::textOf(id const& object) const {
     id const value = valueOfKeyPath(object, keyPath);
     QString text = visibleTextOf(textTransformer == nil ? value : textTransformer.transformedValue_(value));
     if (text.isEmpty()) return emptyText;
-    if (elidesCommonPath) text.truncate(static_cast<qsizetype>(withoutEndSlashes(text.toStdU16String()).size()));
+    if (elidesCommonPath) text.truncate(static_cast<qsizetype>(withoutTrailingSlashes(text.toStdU16String()).size()));
     return nullText.isEmpty() ? text : text.replace("(null)", nullText);
 }
 

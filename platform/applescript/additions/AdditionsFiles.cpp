@@ -6,6 +6,7 @@
 #include "platform/applescript/runtime/ElementAccess.h"
 #include "platform/foundation/collections/NSDictionary.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include "platform/launchservices/BundleFiles.h"
 #include "platform/launchservices/DiskItem.h"
 #include "platform/system/FolderContents.h"
@@ -23,10 +24,9 @@ std::string bytesOfPath(std::u16string const& path, Value const& file) {
     return *bytes;
 }
 
-std::u16string lastComponent(std::u16string path) {
-    while (path.size() > 1 && path.ends_with(u'/'))
-        path.pop_back();
-    return path.substr(path.rfind(u'/') + 1);
+std::u16string lastComponent(std::u16string_view path) {
+    std::u16string_view const plain = withoutTrailingSlashes(path);
+    return std::u16string(plain.substr(plain.rfind(u'/') + 1));
 }
 
 // The item that the path leads to, through a symbolic link at its end too; nullptr if it leads to no item.

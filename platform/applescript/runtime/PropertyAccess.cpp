@@ -7,6 +7,7 @@
 #include "platform/applescript/runtime/ScriptPaths.h"
 #include "platform/foundation/bundles/NSBundle.h"
 #include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -166,9 +167,8 @@ std::optional<Value> propertyOfFile(Value const& file, Symbol name) {
         if (file.file().kind == FileObject::Kind::Alias && isFolderAt(path) && !path.ends_with(u'/')) path += u'/';
         return Value::text(std::move(path));
     case codes::Name: {
-        while (path.size() > 1 && path.ends_with(u'/'))
-            path.pop_back();
-        std::u16string component = path.substr(path.rfind(u'/') + 1);
+        std::u16string_view const plain = withoutTrailingSlashes(path);
+        std::u16string component(plain.substr(plain.rfind(u'/') + 1));
         std::ranges::replace(component, u':', u'/');
         return Value::text(std::move(component));
     }

@@ -186,8 +186,8 @@ public:
 
     BundleLook lookAt(std::string const& bundlePath) {
         KnownFile const* const known = m_known.find(hashOfPath(bundlePath));
-        // Of a bundle of which nothing is known the file in Contents is read at once: its status is asked for once
-        // less.
+        // The information file of a bundle that is not remembered is opened without asking for its status first, which
+        // saves one system call.
         std::optional<ReadSummary> const read = known ? std::nullopt : readLikelySummary(bundlePath);
         if (read) return lookBy(bundlePath, *read);
         std::optional<FileState> file = fileAtPlace(bundlePath, 0);
@@ -205,10 +205,20 @@ public:
         return lookByFileAt(bundlePath, *file);
     }
 
-    // The look that has read the bundle's file.
+    // Remembers what was read of the bundle's file. A file that cannot be used is logged, unless that was told already.
     BundleLook lookBy(std::string_view bundlePath, ReadSummary const& read, bool isTold = false) {
-        BundleSummary const summary = read.value.hasValue() ? read.value.value() : BundleSummary();
-        remember(bundlePath, read, summary, isTold);
+        FileState const& state = read.state;
+        bool const isUsable = read.value.hasValue();
+        if (!isUsable && !isTold)
+            NSLog("The information file %@ cannot be used: %@", toldPathOfPlace(bundlePath, state.place),
+                  joinedLines(read.value.problem().reason));
+        BundleSummary const summary = isUsable ? read.value.value() : BundleSummary();
+        bool const isLasting = isUsable || read.value.problem().isLasting;
+        std::uint64_t const hash = hashOfPath(bundlePath);
+        m_whole.forget(hash);
+        m_known.remember(hash, {.state = state,
+                                .isSettled = isLasting && state.status.modified < read.start - kNanosecondsToSettle,
+                                .summary = keptSummaryOf(summary, m_texts)});
         return {.exists = true, .summary = summary};
     }
 
@@ -225,21 +235,6 @@ private:
         ReadInformation read = readInformation(bundlePath, state);
         lookBy(bundlePath, summaryOf(read), isTold);
         return read;
-    }
-
-    // What cannot be used is logged, unless that was told already.
-    void remember(std::string_view bundlePath, ReadSummary const& read, BundleSummary const& summary, bool isTold) {
-        FileState const& state = read.state;
-        bool const isUsable = read.value.hasValue();
-        if (!isUsable && !isTold)
-            NSLog("The information file %@ cannot be used: %@", toldPathOfPlace(bundlePath, state.place),
-                  joinedLines(read.value.problem().reason));
-        std::uint64_t const hash = hashOfPath(bundlePath);
-        m_whole.forget(hash);
-        bool const isLasting = isUsable || read.value.problem().isLasting;
-        m_known.remember(hash, {.state = state,
-                                .isSettled = isLasting && state.status.modified < read.start - kNanosecondsToSettle,
-                                .summary = keptSummaryOf(summary, m_texts)});
     }
 
     KnownFiles m_known;

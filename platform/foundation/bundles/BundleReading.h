@@ -18,7 +18,7 @@ namespace mac {
 struct FileState {
     // By the order in which the places of an information file are looked at; the first is that in Contents.
     std::size_t place{0};
-    // What the system says why; 0 if the status is known.
+    // The system's error code; 0 if the status is known.
     int error{0};
     FileStatus status{};
 

@@ -63,8 +63,9 @@ struct BundleLook {
 // two if there is no folder at the path. What was read of the last 262,144 bundles is remembered, twice as many at
 // most. Main thread.
 BundleLook lookAtBundle(NSString const& path);
-// The same for each of the paths, in their order. Of many the files that nothing is known of are read in threads, as
-// many as the computer has processors, while this one waits for them. Main thread.
+// One look at each of the paths, in their order. If more than a few hundred bundles are not remembered, their
+// information files are read in as many threads as the computer has processors; the call returns when all are read.
+// Main thread.
 std::vector<BundleLook> lookAtBundles(std::span<NSString const> paths);
 
 // For implementations: the bundle that a program at the path belongs to, whether it exists or not; its folder where it

@@ -1,18 +1,12 @@
 #include "platform/foundation/collections/NSArray.h"
 #include "platform/foundation/objects/Method.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include "platform/foundation/text/StringBody.h"
 #include <algorithm>
 
 namespace mac {
 
 namespace {
-
-// Without the slashes at the end, but for one that is all there is.
-std::u16string_view withoutTrailingSlashes(std::u16string_view path) {
-    while (path.size() > 1 && path.ends_with(u'/'))
-        path.remove_suffix(1);
-    return path;
-}
 
 // Every run of slashes becomes one, and none is left at the end.
 std::u16string withSingleSlashes(std::u16string_view path) {

@@ -1,4 +1,5 @@
 #include "platform/foundation/text/Encodings.h"
+#include "platform/foundation/text/PathSlashes.h"
 #include "platform/foundation/text/StringBody.h"
 #include "platform/system/LongPath.h"
 #include "platform/system/Users.h"
@@ -24,12 +25,6 @@ std::optional<std::u16string> homeOfUser(std::u16string_view name) {
     return unitsFromFileSystemBytes(*home);
 }
 
-std::u16string withoutTrailingSlashes(std::u16string path) {
-    while (path.size() > 1 && path.ends_with(u'/'))
-        path.pop_back();
-    return path;
-}
-
 // A user that is not known stays as it is.
 std::u16string expanded(std::u16string_view path) {
     if (!path.starts_with(u'~')) return std::u16string(path);
@@ -37,8 +32,8 @@ std::u16string expanded(std::u16string_view path) {
     std::optional<std::u16string> const home = homeOfUser(path.substr(1, end - 1));
     if (!home) return std::u16string(path);
     std::u16string_view const rest = path.substr(end);
-    if (*home == u"/" && !rest.empty()) return withoutTrailingSlashes(std::u16string(rest));
-    return withoutTrailingSlashes(*home + std::u16string(rest));
+    if (*home == u"/" && !rest.empty()) return std::u16string(withoutTrailingSlashes(rest));
+    return std::u16string(withoutTrailingSlashes(*home + std::u16string(rest)));
 }
 
 // Without empty and "." components; ".." is resolved by name in absolute paths.
@@ -88,7 +83,8 @@ NSString NSString::stringByAbbreviatingWithTildeInPath() const {
     if (home.length() <= 1 || !isWithin(path, home.codeUnits())) return uncheckedCast<NSString>(copy());
     std::u16string abbreviated(1, u'~');
     abbreviated.append(path.substr(home.length()));
-    return makeString(withoutTrailingSlashes(std::move(abbreviated)));
+    abbreviated.resize(withoutTrailingSlashes(abbreviated).size());
+    return makeString(std::move(abbreviated));
 }
 
 NSString NSString::stringByStandardizingPath() const {

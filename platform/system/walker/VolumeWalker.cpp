@@ -205,7 +205,7 @@ std::shared_ptr<RememberedWalk const> VolumeWalker::Walk::lastWalk() {
     return m_isMemorySilent ? nullptr : recalled.get();
 }
 
-// Nothing that is remembered is looked for where earlier walks wait.
+// Remembered packages are not looked for on volumes on which earlier walks still wait: such a volume may not answer.
 void VolumeWalker::Walk::recall(VolumeList list) {
     m_last = lastWalk();
     if (!m_last || !m_tellsRemembered) return m_findings.addRemembered({});

@@ -27,6 +27,9 @@ NSDictionary attributes(std::string const& item, BOOL traverseLink = NO) {
 NSDictionary permissions(unsigned mode) {
     return NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithUnsignedInt_(mode), NSFilePosixPermissions);
 }
+NSDictionary creationDate(NSDate const& date) {
+    return NSDictionary::dictionaryWithObject_forKey_(date, NSFileCreationDate);
+}
 
 TEST(NSFileAttributes, AreWhatTheSystemTells) {
     TemporaryFolder const folder;
@@ -65,16 +68,14 @@ TEST(NSFileAttributes, HaveACreationDateThatStaysUntilItIsSet) {
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(change, path(file)));
     EXPECT_EQ(attributes(file).fileModificationDate().timeIntervalSince1970(), 1.5);
     EXPECT_TRUE(attributes(file).fileCreationDate().isEqualToDate_(created));
-    NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(created, NSFileCreationDate);
+    NSDictionary const creation = creationDate(created);
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
     EXPECT_EQ(::getxattr(file.c_str(), "user.com.apple.FSCatalogInfo.createDate", nullptr, 0), -1)
         << "it has that date";
-    NSDictionary const other =
-        NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(1.5), NSFileCreationDate);
+    NSDictionary const other = creationDate(NSDate::dateWithTimeIntervalSince1970_(1.5));
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(other, path(file)));
     EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 1.5);
-    NSDictionary const tooEarly =
-        NSDictionary::dictionaryWithObject_forKey_(NSDate::dateWithTimeIntervalSince1970_(-1e13), NSFileCreationDate);
+    NSDictionary const tooEarly = creationDate(NSDate::dateWithTimeIntervalSince1970_(-1e13));
     EXPECT_FALSE(manager().changeFileAttributes_atPath_(tooEarly, path(file)));
     EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSince1970(), 1.5);
 }
@@ -109,8 +110,7 @@ TEST(NSFileAttributes, TellTheCreationDateThatWasSet) {
     ASSERT_EQ(UCConvertCFAbsoluteTimeToUTCDateTime(5, &date), noErr);
     ASSERT_TRUE(keepCreationDate(item.value(), {unitsOf(date)}).isDone());
     EXPECT_EQ(attributes(file).fileCreationDate().timeIntervalSinceReferenceDate(), 5);
-    NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(
-        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    NSDictionary const creation = creationDate(NSDate::dateWithTimeIntervalSinceReferenceDate_(5));
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
     ASSERT_EQ(::rename(file.c_str(), folder.path("moved").c_str()), 0);
     EXPECT_EQ(attributes(folder.path("moved")).fileCreationDate().timeIntervalSinceReferenceDate(), 5);
@@ -123,13 +123,12 @@ TEST(NSFileAttributes, ReplaceACreationDateThatCannotBeRead) {
     std::string const file = folder.makeFile("file", "");
     NSDate const birth = attributes(file).fileCreationDate();
     if (birth == nil) GTEST_SKIP() << "the file system does not know when a file was made";
-    NSDictionary const early = NSDictionary::dictionaryWithObject_forKey_(
-        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    NSDictionary const early = creationDate(NSDate::dateWithTimeIntervalSinceReferenceDate_(5));
     ASSERT_TRUE(manager().changeFileAttributes_atPath_(early, path(file)));
     OrdinaryUser::own(folder.path());
     OrdinaryUser::own(file);
     ASSERT_EQ(::chmod(file.c_str(), 0200), 0);
-    NSDictionary const late = NSDictionary::dictionaryWithObject_forKey_(birth, NSFileCreationDate);
+    NSDictionary const late = creationDate(birth);
     {
         OrdinaryUser const user;
         EXPECT_TRUE(manager().changeFileAttributes_atPath_(late, path(file)));
@@ -146,11 +145,10 @@ TEST(NSFileAttributes, RefuseACreationDateWhereOneMayBeKeptThatCannotBeRead) {
     std::string const file = folder.makeFile("file", "");
     NSDate const birth = attributes(file).fileCreationDate();
     if (birth == nil) GTEST_SKIP() << "the file system does not know when a file was made";
-    NSDictionary const early = NSDictionary::dictionaryWithObject_forKey_(
-        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    NSDictionary const early = creationDate(NSDate::dateWithTimeIntervalSinceReferenceDate_(5));
     ASSERT_TRUE(manager().changeFileAttributes_atPath_(early, path(file)));
     ASSERT_EQ(::chmod(file.c_str(), 0600), 0);
-    NSDictionary const late = NSDictionary::dictionaryWithObject_forKey_(birth, NSFileCreationDate);
+    NSDictionary const late = creationDate(birth);
     {
         OrdinaryUser const user;
         EXPECT_FALSE(manager().changeFileAttributes_atPath_(late, path(file)));
@@ -168,8 +166,7 @@ TEST(NSFileAttributes, AskForTheCreationDateOnlyWhereItIsWanted) {
         NSDictionary::dictionaryWithObject_forKey_(NSNumber::numberWithBool_(NO), NSFileImmutable);
     EXPECT_TRUE(changeCreationDateAndLocks(FileDescriptor(::open(file.c_str(), O_PATH | O_CLOEXEC)), unlocked));
     EXPECT_EQ(questions, 0U);
-    NSDictionary const creation = NSDictionary::dictionaryWithObject_forKey_(
-        NSDate::dateWithTimeIntervalSinceReferenceDate_(5), NSFileCreationDate);
+    NSDictionary const creation = creationDate(NSDate::dateWithTimeIntervalSinceReferenceDate_(5));
     EXPECT_TRUE(manager().changeFileAttributes_atPath_(creation, path(file)));
     EXPECT_GT(questions, 0U);
     unsigned const before = questions;
