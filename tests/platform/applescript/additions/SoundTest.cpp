@@ -75,12 +75,14 @@ protected:
              {"/usr/bin/pipewire", "/usr/bin/pipewire-pulse", "/usr/bin/wireplumber", "/usr/bin/pactl"})
             if (::access(program, X_OK) != 0) GTEST_SKIP() << program << " is not installed";
         ASSERT_EQ(::chmod(m_runtime.c_str(), S_IRWXU), 0);
+        // Both pactl and the server make this folder if it is missing, and the server ends if pactl was faster.
+        ASSERT_EQ(::chmod(m_home.folder().makeFolder("runtime/pulse").c_str(), S_IRWXU), 0);
         startServer("pipewire");
         // The others end if they find no server, as they do where its socket is there and nothing listens to it yet.
         ASSERT_TRUE(holdsInTime([this] { return isListenedTo(m_runtime + "/pipewire-0"); }));
         startServer("wireplumber");
         startServer("pipewire-pulse");
-        ASSERT_TRUE(holdsInTime([] { return succeeds({"/usr/bin/pactl", "info"}); }));
+        ASSERT_TRUE(holdsInTime([] { return succeeds({"/usr/bin/pactl", "info"}); })) << wordsOfServers();
         mac::test::outputOf({"/usr/bin/pactl", "load-module", "module-null-sink", "sink_name=out"});
         mac::test::outputOf({"/usr/bin/pactl", "load-module", "module-null-sink", "media.class=Audio/Source/Virtual",
                              "sink_name=in", "channel_map=front-left,front-right"});
@@ -93,11 +95,14 @@ protected:
 
     void startServer(std::string const& program) {
         m_servers.push_back(std::make_unique<ChildProcess>(
-            mac::test::endingWithThisProcess({"/bin/sh", "-c", "exec " + program + " 2>&1 >/dev/null"})));
+            mac::test::endingWithThisProcess({"/bin/sh", "-c", "exec " + program + " >>\"$1\" 2>&1", "sh", m_words})));
     }
+
+    std::string wordsOfServers() const { return mac::test::textOf(m_words); }
 
     ScriptHome const m_home{};
     std::string const m_runtime{m_home.folder().makeFolder("runtime")};
+    std::string const m_words{m_home.path("servers.log")};
 
 private:
     EnvironmentVariable const m_programs{"PATH", ProgramsOfThisComputer};
