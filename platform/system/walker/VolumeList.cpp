@@ -74,22 +74,6 @@ std::vector<Candidate> withoutCovered(std::vector<Candidate>&& candidates, Packa
     return kept;
 }
 
-// Fails if there is no such folder.
-Result<WalkRoot> locate(std::string const& path) {
-    struct stat status;
-    if (::lstat(path.c_str(), &status) != 0) return lastSystemError("stat", path);
-    Result<FileDescriptor> const folder = openPath(path, O_RDONLY | O_DIRECTORY);
-    if (!folder.hasValue()) return folder.problem();
-    std::unique_ptr<char, decltype(&std::free)> const canonicalPath(::realpath(path.c_str(), nullptr), &std::free);
-    if (canonicalPath == nullptr) return lastSystemError("realpath", path);
-    FolderFacts const facts = factsOf(folder.value()).valueOr(FolderFacts());
-    return WalkRoot{path, canonicalPath.get(), facts.mount, S_ISLNK(status.st_mode)};
-}
-
-} // namespace
-
-namespace {
-
 // The folders that the roots lead to, and the mounts below them.
 class CandidateList {
 public:
@@ -156,23 +140,25 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
     return list;
 }
 
-VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages, MountsBelow mountsBelow,
-                       std::vector<WalkRoot> const& walked) {
-    std::vector<WalkRoot> roots;
-    std::vector<SystemError> failures;
+VolumeList listVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
+                       MountsBelow mountsBelow, std::vector<WalkRoot> const& walked) {
     Result<MountTable> const current = MountTable::current();
-    if (!current.hasValue()) failures.push_back(current.problem());
-    for (std::string const& path : paths.empty() ? std::vector<std::string>{"/"} : paths) {
-        Result<WalkRoot> root = locate(std::string(BytePath(path).bytes()));
-        if (root.hasValue())
-            roots.push_back(root.takeValue());
-        else
-            failures.push_back(root.problem());
-    }
     MountTable const mounts = current.hasValue() ? current.value() : MountTable();
-    VolumeList list = chooseVolumes(roots, paths.empty(), packages, mounts, mountsBelow, walked);
-    list.failures = std::move(failures);
+    VolumeList list = chooseVolumes(roots, onlyLocal, packages, mounts, mountsBelow, walked);
+    if (!current.hasValue()) list.failure = current.problem();
     return list;
+}
+
+Result<WalkRoot> locateRoot(std::string const& path) {
+    std::string const root(BytePath(path).bytes());
+    struct stat status;
+    if (::lstat(root.c_str(), &status) != 0) return lastSystemError("stat", root);
+    Result<FileDescriptor> const folder = openPath(root, O_RDONLY | O_DIRECTORY);
+    if (!folder.hasValue()) return folder.problem();
+    std::unique_ptr<char, decltype(&std::free)> const canonicalPath(::realpath(root.c_str(), nullptr), &std::free);
+    if (canonicalPath == nullptr) return lastSystemError("realpath", root);
+    FolderFacts const facts = factsOf(folder.value()).valueOr(FolderFacts());
+    return WalkRoot{root, canonicalPath.get(), facts.mount, S_ISLNK(status.st_mode)};
 }
 
 void MountPointSet::add(std::string_view path) {

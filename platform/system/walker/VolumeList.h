@@ -1,9 +1,11 @@
 #pragma once
 
+#include "platform/system/Result.h"
 #include "platform/system/walker/Packages.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -48,10 +50,10 @@ struct Volume {
 // What a walk is to visit, such that nothing is visited twice.
 struct VolumeList {
     std::vector<Volume> volumes;
-    std::vector<std::string> packages; // roots that are packages themselves
-    MountPointSet mountPoints;         // below the roots
-    std::vector<SystemError> failures; // each names its path
-    std::vector<WalkRoot> roots;       // those that were found
+    std::vector<std::string> packages;  // roots that are packages themselves
+    MountPointSet mountPoints;          // below the roots
+    std::optional<SystemError> failure; // what is mounted cannot be told
+    std::vector<WalkRoot> roots;
 };
 
 // Whether the local volumes that are mounted below a root are visited, too.
@@ -66,9 +68,11 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
                          MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched,
                          std::vector<WalkRoot> const& walked = {});
 
-// What is to be visited for these paths; without any path, all local volumes. A path that leads to no folder becomes a
-// failure.
-VolumeList listVolumes(std::vector<std::string> const& paths, PackageRule const& packages,
+// The same with what is mounted now.
+VolumeList listVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
                        MountsBelow mountsBelow = MountsBelow::Searched, std::vector<WalkRoot> const& walked = {});
+
+// Where the folder at the path lies; fails if it leads to none. Does not return while its disk does not answer.
+Result<WalkRoot> locateRoot(std::string const& path);
 
 } // namespace mac

@@ -3,6 +3,7 @@
 #include "platform/system/BytePath.h"
 #include "platform/system/walker/FolderLog.h"
 #include "platform/system/walker/Packages.h"
+#include "platform/system/walker/RootLocator.h"
 #include "platform/system/walker/VolumeList.h"
 #include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/WalkBudget.h"
@@ -85,14 +86,14 @@ private:
     bool waitUntilEnded(std::chrono::milliseconds patience);
     std::shared_ptr<RememberedWalk const> lastWalk();
     void recall(VolumeList list);
-    bool hasPatience() const;
+    bool mayWait(RootLocator const& locator) const;
     void leaveOut(std::string_view path);
-    std::vector<std::string> takeRoots(std::vector<std::string>& roots) const;
-    VolumeList listed(std::vector<std::string> const& roots);
+    std::vector<WalkRoot> takeRoots(RootLocator& locator);
+    VolumeList listed(std::vector<WalkRoot> const& roots);
     void add(VolumeList&& list);
     void giveWaiting();
     void giveVolumes(unsigned workers);
-    void leaveOutRest(std::vector<std::string>&& roots);
+    void leaveOutRest(RootLocator const& locator);
     bool haveWorkers(unsigned count);
     FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
     void work(FolderLog& log);
@@ -114,6 +115,7 @@ private:
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
+    std::vector<WalkRoot> m_foundPackages;   // roots that wait until no folder is left
     std::vector<WalkRoot> m_listed;          // the roots whose volumes are known
     std::deque<MountPointSet> m_mountPoints; // one for each time that roots were listed
     std::vector<FolderShare> m_waiting;      // volumes that are not given yet
@@ -230,28 +232,37 @@ void VolumeWalker::Walk::remember() {
                          shouldStop);
 }
 
-bool VolumeWalker::Walk::hasPatience() const { return !m_wasStopped && std::chrono::steady_clock::now() < m_deadline; }
-
 void VolumeWalker::Walk::leaveOut(std::string_view path) {
-    if (!m_wasStopped) m_findings.addUnreadable(path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
+    m_findings.addUnreadable(path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
 }
 
-// Takes the roots that may be visited now: a package once no folder is left, since a folder may hold it.
-std::vector<std::string> VolumeWalker::Walk::takeRoots(std::vector<std::string>& roots) const {
-    auto const mayBe = [](std::string const& root) { return mayBeVisited({.path = root}); };
+bool VolumeWalker::Walk::mayWait(RootLocator const& locator) const {
+    if (m_wasStopped) return false;
+    if (locator.isLooking()) return true;
+    bool const isAnyLeft = !m_waiting.empty() || !locator.left().empty();
+    return isAnyLeft && std::chrono::steady_clock::now() < m_deadline;
+}
+
+// Takes the roots that were found: a package once no folder is left, since a folder may hold it.
+std::vector<WalkRoot> VolumeWalker::Walk::takeRoots(RootLocator& locator) {
     auto const isPackage = [this](std::string const& root) { return m_packages.isPackage(BytePath(root).leaf()); };
-    std::vector<std::string> free =
-        taken(roots, [&](std::string const& root) { return !isPackage(root) && mayBe(root); });
-    if (std::ranges::all_of(roots, isPackage)) std::ranges::move(taken(roots, mayBe), std::back_inserter(free));
-    return free;
+    std::vector<WalkRoot> found;
+    for (Result<WalkRoot>& root : locator.take()) {
+        if (!root.hasValue())
+            m_findings.addUnreadable(root.problem().item, root.problem());
+        else
+            (isPackage(root.value().path) ? m_foundPackages : found).push_back(root.takeValue());
+    }
+    if (std::ranges::all_of(locator.left(), isPackage))
+        std::ranges::move(std::exchange(m_foundPackages, {}), std::back_inserter(found));
+    return found;
 }
 
 // What the roots hold that is not in the walk yet.
-VolumeList VolumeWalker::Walk::listed(std::vector<std::string> const& roots) {
-    std::deque<VolumeVisit> visits;
-    for (std::string const& root : roots)
-        visits.emplace_back(Volume{.path = root}, m_wasLeft);
-    VolumeList list = listVolumes(roots, m_packages, m_item ? MountsBelow::LeftOut : MountsBelow::Searched, m_listed);
+VolumeList VolumeWalker::Walk::listed(std::vector<WalkRoot> const& roots) {
+    MountsBelow const mountsBelow = m_item ? MountsBelow::LeftOut : MountsBelow::Searched;
+    // No roots are all volumes.
+    VolumeList list = listVolumes(roots, m_question.roots.empty(), m_packages, mountsBelow, m_listed);
     std::ranges::copy(list.roots, std::back_inserter(m_listed));
     return list;
 }
@@ -259,8 +270,7 @@ VolumeList VolumeWalker::Walk::listed(std::vector<std::string> const& roots) {
 // Its volumes wait until they are given.
 void VolumeWalker::Walk::add(VolumeList&& list) {
     MountPointSet const& mountPoints = m_mountPoints.emplace_back(std::move(list.mountPoints));
-    for (SystemError const& failure : list.failures)
-        m_findings.addUnreadable(failure.item, failure);
+    if (list.failure) m_findings.addUnreadable(list.failure->item, *list.failure);
     for (std::string& package : list.packages)
         m_findings.addPackage(std::move(package));
     for (Volume& volume : list.volumes) {
@@ -281,37 +291,32 @@ void VolumeWalker::Walk::giveWaiting() {
         m_exchange.give(std::move(share));
 }
 
-// What earlier walks wait for comes when they have left it, and holds up nothing else. The workers are started here if
-// there is such, which they need not be.
+// A root that does not answer, and what earlier walks wait for, comes when it can be visited, and holds up nothing
+// else. The workers are started here if there is such, which they need not be.
 void VolumeWalker::Walk::giveVolumes(unsigned workers) {
-    std::vector<std::string> roots = m_question.roots;
-    std::vector<std::string> free = takeRoots(roots);
-    while (free.empty() && !roots.empty() && hasPatience()) {
+    RootLocator locator(m_question.roots.empty() ? std::vector<std::string>{"/"} : m_question.roots, m_wasLeft);
+    std::vector<WalkRoot> found = takeRoots(locator);
+    while (found.empty() && mayWait(locator)) {
         m_exchange.waitUntilOver(ThreadPace::interval);
-        free = takeRoots(roots);
+        found = takeRoots(locator);
     }
-    // No roots are all volumes.
-    bool const isAny = !free.empty() || m_question.roots.empty();
-    VolumeList list = isAny ? listed(free) : VolumeList();
+    VolumeList list = found.empty() ? VolumeList() : listed(found);
     recall(list);
     add(std::move(list));
     giveWaiting();
-    if (!roots.empty() || !m_waiting.empty()) (void)haveWorkers(workers);
-    while ((!roots.empty() || !m_waiting.empty()) && hasPatience()) {
+    if (mayWait(locator)) (void)haveWorkers(workers);
+    while (mayWait(locator)) {
         m_exchange.waitUntilOver(ThreadPace::interval);
-        if (free = takeRoots(roots); !free.empty()) add(listed(free));
+        if (found = takeRoots(locator); !found.empty()) add(listed(found));
         giveWaiting();
     }
-    leaveOutRest(std::move(roots));
+    if (!m_wasStopped) leaveOutRest(locator);
 }
 
-void VolumeWalker::Walk::leaveOutRest(std::vector<std::string>&& roots) {
-    auto const isFolder = [this](std::string const& root) { return !m_packages.isPackage(BytePath(root).leaf()); };
-    for (std::string const& root : taken(roots, isFolder))
-        leaveOut(root);
-    if (std::vector<std::string> const packages = takeRoots(roots); !packages.empty()) add(listed(packages));
+void VolumeWalker::Walk::leaveOutRest(RootLocator const& locator) {
+    if (!m_foundPackages.empty()) add(listed(std::exchange(m_foundPackages, {})));
     giveWaiting();
-    for (std::string const& root : roots)
+    for (std::string const& root : locator.left())
         leaveOut(root);
     for (FolderShare const& share : m_waiting)
         leaveOut(share.path);

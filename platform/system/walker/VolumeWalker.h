@@ -75,8 +75,9 @@ struct VolumeWalkProgress {
 // Its subfolders are looked at one by one all the same, since a folder's times tell nothing of what lies deeper. A walk
 // that comes to its end is remembered after it has said finished.
 //
-// A volume, or a root, on which earlier walks that were given up still wait for an answer is told as unreadable
-// (ETIMEDOUT), unless one of them leaves it within the request's patience. All others are walked meanwhile.
+// A volume, or a root, that does not answer keeps the walk from its end, and all others are walked meanwhile. If
+// earlier walks that were given up still wait for it, it is told as unreadable (ETIMEDOUT), unless one of them leaves
+// it within the request's patience.
 class VolumeWalker {
 public:
     // How many folders that could not be read `progress` names, and how many `unreadable` lists.

@@ -25,7 +25,7 @@ protected:
     // The volume as a walk of the temporary folder lists it.
     Volume volumeAt(std::string const& point) const {
         std::vector<Volume> const volumes =
-            listVolumes({m_folder.path()}, PackageRule(".app", {}), MountsBelow::Searched).volumes;
+            listVolumes({locateRoot(m_folder.path()).value()}, false, PackageRule(".app", {})).volumes;
         auto const volume = std::ranges::find(volumes, point, &Volume::path);
         EXPECT_NE(volume, volumes.end());
         return volume == volumes.end() ? Volume() : *volume;
