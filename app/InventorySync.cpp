@@ -12,7 +12,7 @@ namespace framekeeper {
 namespace {
 
 // A folder that was moved to the trash is known by a path with a slash at its end, a query's results have none.
-NSString withoutTrailingSlash(NSString const& path) {
+NSString plainPath(NSString const& path) {
     std::size_t const length = withoutTrailingSlashes(path.codeUnits()).size();
     return length == path.length() ? path : path.substringToIndex_(static_cast<NSUInteger>(length));
 }
@@ -52,7 +52,7 @@ NSString InventorySync::pathAt(std::size_t index) const {
 }
 
 bool InventorySync::hasFound(NSString const& path) const {
-    NSString const plain = withoutTrailingSlash(path);
+    NSString const plain = plainPath(path);
     return m_found.containsObject_(plain) || (!isSame(plain, path) && m_found.containsObject_(path));
 }
 

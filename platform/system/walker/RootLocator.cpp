@@ -3,13 +3,23 @@
 #include "platform/system/walker/VolumeVisit.h"
 
 #include <algorithm>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
 namespace mac {
 
-RootLocator::RootLocator(std::vector<std::string> paths, std::atomic<bool> const& wasLeft)
-    : m_wasLeft(wasLeft), m_paths(std::move(paths)) {}
+namespace {
+
+// How often a take that waits looks whether the walk was stopped.
+constexpr std::chrono::milliseconds BetweenLooks{4};
+
+bool isBlocked(std::string const& path) { return !mayBeVisited({.path = path}); }
+
+} // namespace
+
+RootLocator::RootLocator(std::vector<std::string> paths, Flags flags, std::chrono::milliseconds glance)
+    : m_flags(flags), m_glance(glance), m_paths(std::move(paths)) {}
 
 RootLocator::~RootLocator() {
     {
@@ -20,33 +30,34 @@ RootLocator::~RootLocator() {
         thread.join();
 }
 
-std::vector<Result<WalkRoot>> RootLocator::take() {
+RootLocator::Taken RootLocator::take() {
     std::unique_lock lock(m_mutex);
-    goOn(lock);
-    m_changed.wait_until(lock, m_lookStart + Glance, [this] { return !m_isLastAtWork; });
-    return std::exchange(m_found, {});
+    startThreadIfNeeded(lock);
+    auto const end = m_lookStart + m_glance;
+    while (m_isLastAtWork && !m_flags.wasStopped && std::chrono::steady_clock::now() < end)
+        m_changed.wait_for(lock, BetweenLooks);
+    Taken taken{.found = std::exchange(m_found, {}), .left = m_looking};
+    std::ranges::copy(m_paths, std::back_inserter(taken.left));
+    return taken;
 }
 
-bool RootLocator::isLooking() const {
+std::vector<std::string> RootLocator::takeBlocked() {
     std::lock_guard const lock(m_mutex);
-    return !m_looking.empty();
-}
-
-std::vector<std::string> RootLocator::left() const {
-    std::lock_guard const lock(m_mutex);
-    std::vector<std::string> paths = m_looking;
-    paths.insert(paths.end(), m_paths.begin(), m_paths.end());
-    return paths;
+    auto const rest = std::stable_partition(m_paths.begin(), m_paths.end(), isBlocked);
+    std::vector<std::string> blocked(std::make_move_iterator(m_paths.begin()), std::make_move_iterator(rest));
+    m_paths.erase(m_paths.begin(), rest);
+    return blocked;
 }
 
 std::vector<std::string>::iterator RootLocator::nextPath() {
-    return std::ranges::find_if(m_paths, [](std::string const& path) { return mayBeVisited({.path = path}); });
+    if (m_flags.wasStopped || m_looking.size() >= MostLooks) return m_paths.end();
+    return std::ranges::find_if_not(m_paths, isBlocked);
 }
 
-// Starts a thread if there is something to look at and none that will come to it.
-void RootLocator::goOn(std::unique_lock<std::mutex>& lock) {
+// Starts a thread if there is a root to look at and no thread that will come to it.
+void RootLocator::startThreadIfNeeded(std::unique_lock<std::mutex>& lock) {
     auto const now = std::chrono::steady_clock::now();
-    bool const isKept = m_isLastAtWork && now - m_lookStart >= Glance;
+    bool const isKept = m_isLastAtWork && now - m_lookStart >= m_glance;
     if ((m_isLastAtWork && !isKept) || nextPath() == m_paths.end()) return;
     std::uint64_t const number = ++m_lastThread;
     m_isLastAtWork = true;
@@ -82,7 +93,7 @@ void RootLocator::lookAround(std::uint64_t thread) {
 }
 
 Result<WalkRoot> RootLocator::lookAt(std::string const& path) const {
-    VolumeVisit const visit({.path = path}, m_wasLeft);
+    VolumeVisit const visit({.path = path}, m_flags.wasLeft);
     return locateRoot(path);
 }
 

@@ -52,7 +52,7 @@ struct VolumeList {
     std::vector<Volume> volumes;
     std::vector<std::string> packages;  // roots that are packages themselves
     MountPointSet mountPoints;          // below the roots
-    std::optional<SystemError> failure; // what is mounted cannot be told
+    std::optional<SystemError> failure; // of reading the mount table
     std::vector<WalkRoot> roots;
 };
 
@@ -68,11 +68,11 @@ VolumeList chooseVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, Pac
                          MountTable const& mounts, MountsBelow mountsBelow = MountsBelow::Searched,
                          std::vector<WalkRoot> const& walked = {});
 
-// The same with what is mounted now.
+// chooseVolumes with the current mount table; the failure is set if that cannot be read.
 VolumeList listVolumes(std::vector<WalkRoot> const& roots, bool onlyLocal, PackageRule const& packages,
                        MountsBelow mountsBelow = MountsBelow::Searched, std::vector<WalkRoot> const& walked = {});
 
-// Where the folder at the path lies; fails if it leads to none. Does not return while its disk does not answer.
+// Where the folder at the path lies; fails if it leads to none. May block where a disk does not answer.
 Result<WalkRoot> locateRoot(std::string const& path);
 
 } // namespace mac

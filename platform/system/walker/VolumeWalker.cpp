@@ -58,8 +58,8 @@ std::vector<Element> taken(std::vector<Element>& from, Question const& isTaken) 
 
 } // namespace
 
-// One thread, the leader, recalls the last walk, lists the volumes, starts the workers, adds to them while the disk is
-// read, tells when all have ended, and leaves what the next walk needs.
+// One thread, the leader, has the roots located, recalls the last walk, lists the volumes, starts the workers, adds to
+// them while the disk is read, tells when all have ended, and leaves what the next walk needs.
 class VolumeWalker::Walk : public std::enable_shared_from_this<Walk> {
 public:
     Walk(VolumeWalkRequest&& request, std::function<void()>&& onNews)
@@ -86,14 +86,16 @@ private:
     bool waitUntilEnded(std::chrono::milliseconds patience);
     std::shared_ptr<RememberedWalk const> lastWalk();
     void recall(VolumeList list);
-    bool mayWait(RootLocator const& locator) const;
+    bool isAnyLeft() const;
+    std::vector<WalkRoot> firstRoots(RootLocator& locator);
     void leaveOut(std::string_view path);
     std::vector<WalkRoot> takeRoots(RootLocator& locator);
+    std::vector<WalkRoot> takeLaterRoots(RootLocator& locator);
+    void leaveOutBlocked(RootLocator& locator);
     VolumeList listed(std::vector<WalkRoot> const& roots);
     void add(VolumeList&& list);
     void giveWaiting();
-    void giveVolumes(unsigned workers);
-    void leaveOutRest(RootLocator const& locator);
+    void giveVolumes(ThreadPace& pace);
     bool haveWorkers(unsigned count);
     FolderLog& newLog() { return m_logs.emplace_back(static_cast<unsigned>(m_logs.size())); }
     void work(FolderLog& log);
@@ -115,6 +117,7 @@ private:
     DescriptorBudget const m_budget = DescriptorBudget::current();
     WalkFindings m_findings;
     WorkExchange m_exchange;
+    std::vector<std::string> m_rootsLeft;    // by the last take
     std::vector<WalkRoot> m_foundPackages;   // roots that wait until no folder is left
     std::vector<WalkRoot> m_listed;          // the roots whose volumes are known
     std::deque<MountPointSet> m_mountPoints; // one for each time that roots were listed
@@ -180,7 +183,7 @@ void VolumeWalker::Walk::search() {
     ThreadPace pace(std::thread::hardware_concurrency(), m_budget.threads, blocksReadByProcess());
     // A member like the workers until it has given all volumes: without it the first of them would be all.
     bool const isMember = m_exchange.enroll();
-    giveVolumes(pace.threads());
+    giveVolumes(pace);
     if (isMember) m_exchange.withdraw();
     while (haveWorkers(pace.threads()) && pace.canGrow() && !m_exchange.waitUntilOver(ThreadPace::interval))
         pace.look(blocksReadByProcess());
@@ -236,26 +239,48 @@ void VolumeWalker::Walk::leaveOut(std::string_view path) {
     m_findings.addUnreadable(path, {.code = ETIMEDOUT, .operation = "open", .item = ""});
 }
 
-bool VolumeWalker::Walk::mayWait(RootLocator const& locator) const {
-    if (m_wasStopped) return false;
-    if (locator.isLooking()) return true;
-    bool const isAnyLeft = !m_waiting.empty() || !locator.left().empty();
-    return isAnyLeft && std::chrono::steady_clock::now() < m_deadline;
+bool VolumeWalker::Walk::isAnyLeft() const {
+    return !m_wasStopped && !(m_rootsLeft.empty() && m_foundPackages.empty() && m_waiting.empty());
+}
+
+// The roots with which the walk begins.
+std::vector<WalkRoot> VolumeWalker::Walk::firstRoots(RootLocator& locator) {
+    if (!m_question.roots.empty()) return takeRoots(locator);
+    Result<WalkRoot> top = locateRoot("/");
+    if (top.hasValue()) return {top.takeValue()};
+    m_findings.addUnreadable(top.problem().item, top.problem());
+    return {};
 }
 
 // Takes the roots that were found: a package once no folder is left, since a folder may hold it.
 std::vector<WalkRoot> VolumeWalker::Walk::takeRoots(RootLocator& locator) {
     auto const isPackage = [this](std::string const& root) { return m_packages.isPackage(BytePath(root).leaf()); };
+    RootLocator::Taken taken = locator.take();
     std::vector<WalkRoot> found;
-    for (Result<WalkRoot>& root : locator.take()) {
+    for (Result<WalkRoot>& root : taken.found) {
         if (!root.hasValue())
             m_findings.addUnreadable(root.problem().item, root.problem());
         else
             (isPackage(root.value().path) ? m_foundPackages : found).push_back(root.takeValue());
     }
-    if (std::ranges::all_of(locator.left(), isPackage))
+    m_rootsLeft = std::move(taken.left);
+    if (std::ranges::all_of(m_rootsLeft, isPackage))
         std::ranges::move(std::exchange(m_foundPackages, {}), std::back_inserter(found));
     return found;
+}
+
+// Waits a moment, and takes the roots that were found meanwhile.
+std::vector<WalkRoot> VolumeWalker::Walk::takeLaterRoots(RootLocator& locator) {
+    if (std::chrono::steady_clock::now() >= m_deadline) leaveOutBlocked(locator);
+    m_exchange.waitUntilOver(ThreadPace::interval);
+    return takeRoots(locator);
+}
+
+void VolumeWalker::Walk::leaveOutBlocked(RootLocator& locator) {
+    for (std::string const& root : locator.takeBlocked())
+        leaveOut(root);
+    for (FolderShare const& share : std::exchange(m_waiting, {}))
+        leaveOut(share.path);
 }
 
 // What the roots hold that is not in the walk yet.
@@ -291,35 +316,23 @@ void VolumeWalker::Walk::giveWaiting() {
         m_exchange.give(std::move(share));
 }
 
-// A root that does not answer, and what earlier walks wait for, comes when it can be visited, and holds up nothing
-// else. The workers are started here if there is such, which they need not be.
-void VolumeWalker::Walk::giveVolumes(unsigned workers) {
-    RootLocator locator(m_question.roots.empty() ? std::vector<std::string>{"/"} : m_question.roots, m_wasLeft);
-    std::vector<WalkRoot> found = takeRoots(locator);
-    while (found.empty() && mayWait(locator)) {
-        m_exchange.waitUntilOver(ThreadPace::interval);
-        found = takeRoots(locator);
-    }
+// A root that does not answer, and what earlier walks wait for, comes when it can be visited, and holds up nothing but
+// roots that are packages. The workers are started here if there is such, which they need not be.
+void VolumeWalker::Walk::giveVolumes(ThreadPace& pace) {
+    RootLocator locator(m_question.roots, {.wasStopped = m_wasStopped, .wasLeft = m_wasLeft});
+    std::vector<WalkRoot> found = firstRoots(locator);
+    while (found.empty() && isAnyLeft())
+        found = takeLaterRoots(locator);
     VolumeList list = found.empty() ? VolumeList() : listed(found);
     recall(list);
     add(std::move(list));
     giveWaiting();
-    if (mayWait(locator)) (void)haveWorkers(workers);
-    while (mayWait(locator)) {
-        m_exchange.waitUntilOver(ThreadPace::interval);
-        if (found = takeRoots(locator); !found.empty()) add(listed(found));
+    while (isAnyLeft()) {
+        (void)haveWorkers(pace.threads());
+        if (found = takeLaterRoots(locator); !found.empty()) add(listed(found));
         giveWaiting();
+        pace.look(blocksReadByProcess());
     }
-    if (!m_wasStopped) leaveOutRest(locator);
-}
-
-void VolumeWalker::Walk::leaveOutRest(RootLocator const& locator) {
-    if (!m_foundPackages.empty()) add(listed(std::exchange(m_foundPackages, {})));
-    giveWaiting();
-    for (std::string const& root : locator.left())
-        leaveOut(root);
-    for (FolderShare const& share : m_waiting)
-        leaveOut(share.path);
 }
 
 // False when there are fewer and there will be no more.

@@ -77,7 +77,8 @@ struct VolumeWalkProgress {
 //
 // A volume, or a root, that does not answer keeps the walk from its end, and all others are walked meanwhile. If
 // earlier walks that were given up still wait for it, it is told as unreadable (ETIMEDOUT), unless one of them leaves
-// it within the request's patience.
+// it within the request's patience. A root that is a package is told once all folders among the roots have answered,
+// since one of them may hold it. Of roots that answer late, no remembered package comes before the walk finds it.
 class VolumeWalker {
 public:
     // How many folders that could not be read `progress` names, and how many `unreadable` lists.

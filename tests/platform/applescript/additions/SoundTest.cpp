@@ -79,7 +79,7 @@ protected:
         ASSERT_EQ(::chmod(m_home.folder().makeFolder("runtime/pulse").c_str(), S_IRWXU), 0);
         startServer("pipewire");
         // The others end if they find no server, as they do where its socket is there and nothing listens to it yet.
-        ASSERT_TRUE(holdsInTime([this] { return isListenedTo(m_runtime + "/pipewire-0"); }));
+        ASSERT_TRUE(holdsInTime([this] { return isListenedTo(m_runtime + "/pipewire-0"); })) << wordsOfServers();
         startServer("wireplumber");
         startServer("pipewire-pulse");
         ASSERT_TRUE(holdsInTime([] { return succeeds({"/usr/bin/pactl", "info"}); })) << wordsOfServers();
@@ -90,7 +90,7 @@ protected:
             return succeeds({"/usr/bin/pactl", "get-sink-volume", "out"}) &&
                    mac::test::outputOf({"/usr/bin/pactl", "get-default-sink"}) == "out\n" &&
                    mac::test::outputOf({"/usr/bin/pactl", "get-default-source"}) == "in\n";
-        }));
+        })) << wordsOfServers();
     }
 
     void startServer(std::string const& program) {

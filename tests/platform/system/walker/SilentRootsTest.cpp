@@ -1,14 +1,19 @@
+#include "platform/system/walker/RootLocator.h"
 #include "platform/system/walker/VolumeVisit.h"
 #include "platform/system/walker/VolumeWalker.h"
 #include "tests/platform/system/walker/Walk.h"
 #include "tests/support/PrivateMounts.h"
 #include "tests/support/ServedFolder.h"
 #include "tests/support/TemporaryFolder.h"
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <deque>
-#include <memory>
+#include <gtest/gtest.h>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 // Roots on volumes whose server does not answer.
 
@@ -36,6 +41,10 @@ protected:
     void goOn() const {
         for (ServedFolder const& server : m_servers)
             server.goOn();
+    }
+    void stop() const {
+        for (ServedFolder const& server : m_servers)
+            server.stop();
     }
 
     TemporaryFolder const m_folder{};
@@ -72,7 +81,23 @@ TEST_F(SilentRoots, HoldUpNoOtherRoot) {
     EXPECT_EQ(walker.progress().unreadableFolders, 0U);
 }
 
-TEST_F(SilentRoots, LetAPackageThatIsARootBeTold) {
+// The folder may hold the package, and does.
+TEST_F(SilentRoots, HoldUpAPackageThatIsARootSoThatItIsFoundOnce) {
+    std::string const silent = silentRoot("silent", "A.app");
+    std::string const free = m_folder.makeFolder("B.app");
+    VolumeWalkRequest request{.roots = {silent, silent + "/A.app", free}};
+    VolumeWalker walker(request, nullptr);
+    ASSERT_TRUE(walker.start());
+    goOn();
+    Paths found = foundUntil(walker, 2);
+    while (!walker.progress().isFinished)
+        std::this_thread::yield();
+    for (std::string& path : walker.takeFound())
+        found.push_back(std::move(path));
+    EXPECT_EQ(sorted(found), (Paths{free, silent + "/A.app"}));
+}
+
+TEST_F(SilentRoots, LetAPackageThatIsARootBeToldBesideAnother) {
     std::string const silent = silentRoot("A.app", "Contents");
     std::string const package = m_folder.makeFolder("B.app");
     VolumeWalker walker({.roots = {silent, package}}, nullptr);
@@ -102,6 +127,39 @@ TEST_F(SilentRoots, AreLookedAtByAFewWalksThatAreGivenUp) {
     VolumeWalkRequest patient{.roots = {silent}};
     patient.patience = std::chrono::hours(1);
     EXPECT_EQ(pathsOfWalk(patient), Paths{silent + "/A.app"});
+}
+
+// Roots that answer at any moment after the look at them began.
+TEST_F(SilentRoots, AreEachTakenOnceHoweverLateTheyAnswer) {
+    std::string const first = silentRoot("first", "A.app");
+    std::string const second = silentRoot("second", "B.app");
+    std::string const free = m_folder.makeFolder("free");
+    std::atomic<bool> const no = false;
+    for (int round = 0; round < 300; ++round) {
+        stop();
+        RootLocator locator({first, free, second}, {.wasStopped = no, .wasLeft = no}, std::chrono::milliseconds(1));
+        Paths found;
+        std::vector<std::string> left;
+        do {
+            RootLocator::Taken const taken = locator.take();
+            for (Result<WalkRoot> const& root : taken.found)
+                found.push_back(root.value().path);
+            left = taken.left;
+            ASSERT_EQ(found.size() + left.size(), 3U);
+            if (!found.empty()) goOn();
+        } while (!left.empty());
+        EXPECT_EQ(sorted(found), (Paths{first, free, second}));
+    }
+}
+
+TEST_F(SilentRoots, EndTheWaitOfALocatorWhoseWalkIsStopped) {
+    std::string const silent = silentRoot("silent", "A.app");
+    std::atomic<bool> wasStopped = false;
+    RootLocator locator({silent}, {.wasStopped = wasStopped, .wasLeft = wasStopped}, std::chrono::hours(1));
+    std::thread stopper([&wasStopped] { wasStopped = true; });
+    EXPECT_EQ(locator.take().left, Paths{silent});
+    stopper.join();
+    goOn();
 }
 
 } // namespace mac::test
